@@ -1,0 +1,35 @@
+# The one interface target that carries language level, warnings as errors, hardening and the strict Qt definitions.
+add_library(orrinvale_options INTERFACE)
+target_compile_features(orrinvale_options INTERFACE cxx_std_20)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "" FORCE)
+endif()
+set(CMAKE_CXX_FLAGS_RELEASE "-O2 -g1")
+
+target_include_directories(orrinvale_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
+target_compile_definitions(orrinvale_options INTERFACE
+  _FILE_OFFSET_BITS=64
+  $<$<NOT:$<CONFIG:Debug>>:_GLIBCXX_ASSERTIONS>
+  QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_URL_CAST_FROM_STRING
+  QT_NO_CONTEXTLESS_CONNECT QT_NO_FOREACH QT_NO_KEYWORDS QT_USE_QSTRINGBUILDER)
+target_compile_options(orrinvale_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wnon-virtual-dtor
+  -Woverloaded-virtual -Wcast-align -Wformat=2 -Wimplicit-fallthrough -Wextra-semi -Wundef -Werror
+  -fstack-protector-strong -fno-plt)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  target_compile_options(orrinvale_options INTERFACE -Wduplicated-cond -Wlogical-op -Wuseless-cast)
+endif()
+target_link_options(orrinvale_options INTERFACE -Wl,-z,relro,-z,now -Wl,-z,noexecstack -Wl,--as-needed)
+
+if(ORRINVALE_SANITIZE)
+  target_compile_options(orrinvale_options INTERFACE
+    -fsanitize=${ORRINVALE_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(orrinvale_options INTERFACE -fsanitize=${ORRINVALE_SANITIZE})
+elseif(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
+  target_compile_definitions(orrinvale_options INTERFACE _FORTIFY_SOURCE=2)
+endif()

@@ -1,0 +1,63 @@
+// What all commands share. See Command.h.
+#include "cli/Command.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <charconv>
+#include <cstdlib>
+#include <memory>
+
+#include "cli/Output.h"
+#include "engine/base/Log.h"
+
+namespace orrinvale::cli {
+
+std::vector<OptionSpec> commonOptions() {
+    return {{"--json", "", "Print one JSON document"},
+            {"-0,--print0", "", "Print exact path bytes, each path ended by a NUL byte"},
+            {"--quiet", "", "No progress and no messages about single entries"},
+            {"--log", "", "Send the log of the engine to standard error"}};
+}
+
+void complain(std::string_view message) {
+    Output error(STDERR_FILENO);
+    error.write(fmt::format("orrinvale-cli: {}\n", escapeControls(message)));
+}
+
+Status badUsage(std::string_view message) {
+    complain(fmt::format("{}; see orrinvale-cli --help", message));
+    return Status::BadUsage;
+}
+
+std::optional<std::uint64_t> parseBytes(std::string_view text) {
+    std::uint64_t value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc{} || end != text.data() + text.size() || text.empty()) return std::nullopt;
+    return value;
+}
+
+std::string absolutePath(const std::string& path) {
+    std::string full = path;
+    if (!path.starts_with('/')) {
+        const std::unique_ptr<char, decltype(&std::free)> here(::getcwd(nullptr, 0), &std::free);
+        if (!here) return path;
+        full = std::string(here.get()) + '/' + path;
+    }
+    std::string out;
+    for (std::size_t at = 0; at < full.size();) {
+        const std::size_t end = std::min(full.find('/', at), full.size());
+        const std::string_view component = std::string_view(full).substr(at, end - at);
+        at = end + 1;
+        if (component.empty() || component == ".") continue;
+        if (component == "..") {
+            const std::unique_ptr<char, decltype(&std::free)> real(::realpath(full.c_str(), nullptr), &std::free);
+            return real ? std::string(real.get()) : full;
+        }
+        out += '/';
+        out += component;
+    }
+    return out.empty() ? "/" : out;
+}
+
+}  // namespace orrinvale::cli

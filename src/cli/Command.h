@@ -1,0 +1,65 @@
+// One command of orrinvale-cli: what it is called, what it takes, what it does. Everything that a person reads about it, and
+// the parser, come from the table that it declares. main.cpp lists the commands.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orrinvale::cli {
+
+/// The exit statuses that all commands share.
+enum class Status : int { Done = 0, SomeSkipped = 1, BadUsage = 2, NoSuchFolder = 3, Stopped = 130 };
+
+/// One option or argument of a command, as data.
+struct OptionSpec {
+    std::string_view names;     ///< "--json", "-0,--print0"; a bare name such as "FOLDER" is an argument that must be given
+    std::string_view argument;  ///< what the option takes ("BYTES"); empty for a flag
+    std::string_view help;
+};
+
+/// What was given on the command line.
+class Arguments final {
+public:
+    void set(std::string name, std::string value) { m_values[std::move(name)] = std::move(value); }
+
+    /// By the long name without dashes, or the argument's name.
+    [[nodiscard]] bool has(const std::string& name) const { return m_values.contains(name); }
+    [[nodiscard]] std::string text(const std::string& name) const {
+        const auto found = m_values.find(name);
+        return found == m_values.end() ? std::string() : found->second;
+    }
+
+private:
+    std::map<std::string, std::string> m_values;
+};
+
+class Command {
+public:
+    virtual ~Command() = default;
+    [[nodiscard]] virtual std::string_view name() const = 0;
+    [[nodiscard]] virtual std::string_view summary() const = 0;
+    [[nodiscard]] virtual std::vector<OptionSpec> options() const = 0;
+
+    /// Runs the command and gives the exit status.
+    virtual Status run(const Arguments& arguments) = 0;
+};
+
+/// The options that every command has.
+[[nodiscard]] std::vector<OptionSpec> commonOptions();
+
+/// Writes "orrinvale-cli: MESSAGE" to standard error, and for a bad command line the hint at --help.
+void complain(std::string_view message);
+Status badUsage(std::string_view message);
+
+/// A number of bytes in decimal digits and nothing else.
+[[nodiscard]] std::optional<std::uint64_t> parseBytes(std::string_view text);
+
+/// The path as an absolute one without "." and doubled slashes; ".." is resolved by the file system. Hidden parts are judged by
+/// whole paths, so that "." must not count as a hidden name.
+[[nodiscard]] std::string absolutePath(const std::string& path);
+
+}  // namespace orrinvale::cli

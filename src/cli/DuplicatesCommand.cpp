@@ -1,0 +1,80 @@
+// orrinvale-cli duplicates: see DuplicatesCommand.h. DuplicatesReport.h prints what is found.
+#include "cli/DuplicatesCommand.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include "cli/DuplicatesReport.h"
+#include "cli/Output.h"
+#include "cli/SearchWatch.h"
+#include "engine/duplicates/DuplicateFilesOpt.h"
+#include "engine/text/UtilityFunction.h"
+
+namespace orrinvale::cli {
+namespace {
+
+// Why the folder can not be searched at all; empty when it can.
+std::string folderFault(const FileSystem& files, const std::string& path) {
+    const auto folder = openFolderByPath(files, path, Links::Follow);
+    return folder ? std::string() : systemError("open", path, folder.error()).reason();
+}
+
+std::string progressLine(DuplicateFilesOpt& search) {
+    const SearchCounts counts = search.search() != nullptr ? search.search()->counts() : SearchCounts{};
+    return fmt::format("{:3} %  {} files, {} read  {}", search.getProgress(), counts.listedFiles,
+                       UtilityFunction::convertVolSpace(counts.hashedBytes), printable(search.getCurrentSearchFile()));
+}
+
+Status cannotSearch(const std::string& path, const std::string& reason) {
+    complain(fmt::format("{}: {}", path, reason));
+    return Status::NoSuchFolder;
+}
+
+}  // namespace
+
+std::vector<OptionSpec> DuplicatesCommand::options() const {
+    return {{"--hidden", "", "Search entries whose names begin with a dot too"},
+            {"--system", "", "Search the system's folders in / too"},
+            {"--limit", "BYTES", "Look at files larger than that only (default 0)"},
+            {"FOLDER", "", "The folder to search"}};
+}
+
+Status DuplicatesCommand::run(const Arguments& arguments) {
+    const auto limit = arguments.has("limit") ? parseBytes(arguments.text("limit")) : 0;
+    if (!limit) return badUsage(fmt::format("--limit takes a number of bytes, not \"{}\"", arguments.text("limit")));
+    if (arguments.text("FOLDER").empty()) return badUsage("the folder's name is empty");
+    const std::string root = absolutePath(arguments.text("FOLDER"));
+    const std::string fault = folderFault(m_files, root);
+    if (!fault.empty()) return cannotSearch(root, fault);
+
+    DuplicateFilesOpt search(m_files);
+    const SearchOption option{arguments.has("hidden"), arguments.has("system")};
+    search.setSearchOption(&option);
+    bool stopped = false;
+    {
+        std::function<std::string()> progress;
+        if (!arguments.has("quiet") && isTerminal(STDERR_FILENO)) progress = [&search] { return progressLine(search); };
+        const SearchWatch watch([&search] { search.stopSearch(); }, progress);
+        search.beginSearchAtPath(root, *limit);
+        stopped = watch.wasSignalled();
+    }
+    if (search.search()->rootError()) return cannotSearch(root, search.search()->rootError()->reason());
+
+    const std::vector<Error> skipped = search.search()->skipped().entries();
+    if (!arguments.has("quiet"))
+        for (const Error& entry : skipped) complain(fmt::format("{}: {}", entry.path, entry.reason()));
+
+    Output out(STDOUT_FILENO);
+    const DuplicatesSummary summary = summarize(search);
+    if (arguments.has("json")) printJson(out, root, search, summary, skipped, stopped);
+    else if (arguments.has("print0")) printPaths(out, search);
+    else printListing(out, search, summary, wantsColour(STDOUT_FILENO));
+    if (!out.flush()) {
+        complain("the result could not be written");
+        return Status::SomeSkipped;
+    }
+    if (stopped) return Status::Stopped;
+    return skipped.empty() ? Status::Done : Status::SomeSkipped;
+}
+
+}  // namespace orrinvale::cli

@@ -1,0 +1,25 @@
+// orrinvale-cli duplicates: the search as the duplicate page runs it, in the terminal.
+#pragma once
+
+#include "cli/Command.h"
+#include "platform/files.h"
+
+namespace orrinvale::cli {
+
+class DuplicatesCommand final : public Command {
+public:
+    /// `files` must outlive the command.
+    explicit DuplicatesCommand(const FileSystem& files) : m_files(files) {}
+
+    [[nodiscard]] std::string_view name() const override { return "duplicates"; }
+    [[nodiscard]] std::string_view summary() const override {
+        return "Find files and application bundles with identical content";
+    }
+    [[nodiscard]] std::vector<OptionSpec> options() const override;
+    Status run(const Arguments& arguments) override;
+
+private:
+    const FileSystem& m_files;
+};
+
+}  // namespace orrinvale::cli

@@ -1,0 +1,147 @@
+// The printed forms of a duplicate search: see DuplicatesReport.h.
+#include "cli/DuplicatesReport.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <set>
+
+#include "engine/base/Date.h"
+#include "engine/duplicates/FileKind.h"
+#include "engine/text/UtilityFunction.h"
+
+namespace orrinvale::cli {
+namespace {
+
+struct Leaf {
+    std::string path;
+    std::uint64_t size;
+    std::optional<Date> modified;
+};
+
+template <class Visit> void forEachLeaf(const DuplicateGroup& group, Visit visit) {
+    for (const AppAttrbItem* bundle : group.bundles)
+        visit(Leaf{bundle->DirectoryPathName, bundle->DirectorySize, std::nullopt});
+    for (const fileAttrbItem* file : group.files)
+        visit(Leaf{file->filePathName(), file->fileSize, file->ModificationDate()});
+}
+
+// Bytes that go when all but one leaf go. Names of one file share its bytes, so they count as one.
+std::uint64_t reclaimable(const DuplicateGroup& group) {
+    if (group.bundle) return group.size - group.bundles.front()->DirectorySize;
+    std::uint64_t bytes = group.size - group.files.front()->fileSize;
+    if (std::none_of(group.files.begin(), group.files.end(), [](const auto* file) { return file->links > 1; })) return bytes;
+    std::set<std::pair<std::uint64_t, std::uint64_t>> seen;
+    for (const fileAttrbItem* file : group.files)
+        if (!seen.insert({file->folder->device, file->inode}).second) bytes -= file->fileSize;
+    return bytes;
+}
+
+std::string plural(std::uint64_t count, std::string_view one, std::string_view many) {
+    return fmt::format("{} {}", count, count == 1 ? one : many);
+}
+
+void appendGroup(std::string& out, const DuplicateGroup& group) {
+    out += "{\"name\": ";
+    appendJsonText(out, group.name);
+    out += ", \"extension\": ";
+    appendJsonText(out, group.extension);
+    fmt::format_to(std::back_inserter(out), ", \"type\": \"{}\", \"bundle\": {}, \"size\": {},\n     \"leaves\": [",
+                   kindName(kindOfExtension(group.extension)), group.bundle, group.size);
+    const char* between = "{";
+    forEachLeaf(group, [&](const Leaf& leaf) {
+        out += between;
+        appendJsonPath(out, leaf.path);
+        fmt::format_to(std::back_inserter(out), ", \"size\": {}, \"modified\": ", leaf.size);
+        if (leaf.modified) fmt::format_to(std::back_inserter(out), "\"{}\"}}", iso8601(*leaf.modified));
+        else out += "null}";
+        between = ",\n                {";
+    });
+    out += "]}";
+}
+
+void appendSkipped(std::string& out, const std::vector<Error>& skipped) {
+    const char* between = "{";
+    for (const Error& entry : skipped) {
+        out += between;
+        appendJsonPath(out, entry.path);
+        out += ", \"reason\": ";
+        appendJsonText(out, entry.reason());
+        out += '}';
+        between = ",\n              {";
+    }
+}
+
+}  // namespace
+
+DuplicatesSummary summarize(const DuplicateFilesOpt& search) {
+    DuplicatesSummary summary;
+    if (search.search() != nullptr) {
+        summary.files = search.search()->counts().listedFiles;
+        summary.bundles = search.search()->listedBundles();
+    }
+    search.visitGroups([&](const DuplicateGroup& group) {
+        ++summary.groups;
+        summary.leaves += group.files.size() + group.bundles.size();
+        summary.bytes += group.size;
+        summary.reclaimable += reclaimable(group);
+    });
+    return summary;
+}
+
+void printJson(Output& out, const std::string& root, const DuplicateFilesOpt& search, const DuplicatesSummary& summary,
+               const std::vector<Error>& skipped, bool stopped) {
+    std::string text = "{\n  \"root\": ";
+    appendJsonText(text, root);
+    text += ",\n  \"groups\": [";
+    const char* between = "\n    ";
+    search.visitGroups([&](const DuplicateGroup& group) {
+        text += between;
+        appendGroup(text, group);
+        between = ",\n    ";
+        out.write(text);
+        text.clear();
+    });
+    text += fmt::format("{}],\n  \"summary\": {{\"files\": {}, \"bundles\": {}, \"groups\": {}, \"leaves\": {}, \"bytes\": {}, "
+                        "\"reclaimable\": {}}},\n  \"skipped\": [",
+                        summary.groups == 0 ? "" : "\n  ", summary.files, summary.bundles, summary.groups, summary.leaves,
+                        summary.bytes, summary.reclaimable);
+    appendSkipped(text, skipped);
+    text += fmt::format("],\n  \"stopped\": {}\n}}\n", stopped);
+    out.write(text);
+}
+
+void printPaths(Output& out, const DuplicateFilesOpt& search) {
+    search.visitGroups([&](const DuplicateGroup& group) {
+        forEachLeaf(group, [&](const Leaf& leaf) {
+            out.write(leaf.path);
+            out.write(std::string_view("\0", 1));
+        });
+    });
+}
+
+void printListing(Output& out, const DuplicateFilesOpt& search, const DuplicatesSummary& summary, bool colour) {
+    const std::string_view strong = colour ? "\x1b[1m" : "";
+    const std::string_view faint = colour ? "\x1b[2m" : "";
+    const std::string_view plain = colour ? "\x1b[0m" : "";
+    search.visitGroups([&](const DuplicateGroup& group) {
+        const std::uint64_t leaves = group.files.size() + group.bundles.size();
+        const std::uint64_t each = group.bundle ? group.bundles.front()->DirectorySize : group.files.front()->fileSize;
+        out.write(fmt::format("{}{}{}  {}{} of {}{}\n", strong, printable(group.name), plain, faint,
+                              plural(leaves, "copy", "copies"), UtilityFunction::convertVolSpace(each), plain));
+        forEachLeaf(group, [&](const Leaf& leaf) { out.write("  " + printable(leaf.path) + "\n"); });
+        out.write("\n");
+    });
+    std::string listed = plural(summary.files, "file", "files");
+    if (summary.bundles > 0) listed += " and " + plural(summary.bundles, "application", "applications");
+    if (summary.groups == 0) {
+        out.write(fmt::format("No duplicates among {}.\n", listed));
+        return;
+    }
+    out.write(fmt::format("{}{} of duplicates{} among {}: {}, {} can be freed.\n", strong,
+                          plural(summary.groups, "group", "groups"), plain, listed,
+                          plural(summary.leaves, "copy", "copies"),
+                          UtilityFunction::convertVolSpace(summary.reclaimable)));
+}
+
+}  // namespace orrinvale::cli

@@ -1,0 +1,128 @@
+// Output and JSON texts: see Output.h.
+#include "cli/Output.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+
+namespace orrinvale::cli {
+
+Output::Output(int descriptor) : m_descriptor(descriptor) {}
+
+Output::~Output() { flush(); }
+
+bool Output::flush() {
+    std::string_view rest = m_buffer;
+    while (!rest.empty() && !m_failed) {
+        const ssize_t count = ::write(m_descriptor, rest.data(), rest.size());
+        if (count >= 0) rest.remove_prefix(static_cast<std::size_t>(count));
+        else if (errno != EINTR) m_failed = true;
+    }
+    m_buffer.clear();
+    return !m_failed;
+}
+
+// RFC 3629: no overlong forms, no surrogates, nothing above U+10FFFF.
+std::size_t validSequence(std::string_view bytes) {
+    const auto at = [&](std::size_t i) { return i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0U; };
+    const auto follows = [&](std::size_t i) { return (at(i) & 0xC0U) == 0x80U; };
+    const unsigned first = at(0);
+    if (bytes.empty()) return 0;
+    if (first < 0x80) return 1;
+    if (first >= 0xC2 && first <= 0xDF) return follows(1) ? 2 : 0;
+    if (first >= 0xE0 && first <= 0xEF) {
+        if (!follows(1) || !follows(2)) return 0;
+        if (first == 0xE0 && at(1) < 0xA0) return 0;
+        if (first == 0xED && at(1) > 0x9F) return 0;
+        return 3;
+    }
+    if (first >= 0xF0 && first <= 0xF4) {
+        if (!follows(1) || !follows(2) || !follows(3)) return 0;
+        if (first == 0xF0 && at(1) < 0x90) return 0;
+        if (first == 0xF4 && at(1) > 0x8F) return 0;
+        return 4;
+    }
+    return 0;
+}
+
+namespace {
+
+bool isPlain(char c) { return c >= ' ' && c != '"' && c != '\\' && c != 0x7F; }
+
+void appendEscaped(std::string& out, char c) {
+    switch (c) {
+        case '"': out += "\\\""; return;
+        case '\\': out += "\\\\"; return;
+        case '\n': out += "\\n"; return;
+        case '\t': out += "\\t"; return;
+        case '\r': out += "\\r"; return;
+        default: out += fmt::format("\\u{:04x}", static_cast<unsigned char>(c));
+    }
+}
+
+}  // namespace
+
+void appendJsonText(std::string& out, std::string_view bytes) {
+    out += '"';
+    while (!bytes.empty()) {
+        std::size_t plain = 0;
+        while (plain < bytes.size() && isPlain(bytes[plain])) ++plain;
+        out += bytes.substr(0, plain);
+        bytes.remove_prefix(plain);
+        if (bytes.empty()) break;
+        const std::size_t length = validSequence(bytes);
+        if (length == 0) out += "\xEF\xBF\xBD";
+        else if (length == 1) appendEscaped(out, bytes.front());
+        else out += bytes.substr(0, length);
+        bytes.remove_prefix(length == 0 ? 1 : length);
+    }
+    out += '"';
+}
+
+void appendJsonPath(std::string& out, std::string_view path) {
+    out += "\"path\": ";
+    appendJsonText(out, path);
+    for (std::string_view rest = path; !rest.empty();) {
+        const std::size_t length = validSequence(rest);
+        if (length != 0) {
+            rest.remove_prefix(length);
+            continue;
+        }
+        out += ", \"pathHex\": \"";
+        for (const char c : path) out += fmt::format("{:02x}", static_cast<unsigned char>(c));
+        out += '"';
+        return;
+    }
+}
+
+std::string printable(std::string_view bytes) {
+    std::string out;
+    while (!bytes.empty()) {
+        const std::size_t length = validSequence(bytes);
+        const auto first = static_cast<unsigned char>(bytes.front());
+        // The second block of control characters, U+0080 to U+009F, moves cursors too.
+        const bool control = first < 0x20 || first == 0x7F ||
+                             (length == 2 && first == 0xC2 && static_cast<unsigned char>(bytes[1]) < 0xA0);
+        if (length != 0 && !control) {
+            out += bytes.substr(0, length);
+            bytes.remove_prefix(length);
+            continue;
+        }
+        if (first == '\n') out += "\\n";
+        else if (first == '\t') out += "\\t";
+        else out += fmt::format("\\x{:02x}", first);
+        bytes.remove_prefix(1);
+    }
+    return out;
+}
+
+bool isTerminal(int descriptor) { return ::isatty(descriptor) != 0; }
+
+bool wantsColour(int descriptor) {
+    const char* const refused = std::getenv("NO_COLOR");
+    return isTerminal(descriptor) && (refused == nullptr || *refused == 0);
+}
+
+}  // namespace orrinvale::cli

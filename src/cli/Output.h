@@ -1,0 +1,51 @@
+// Output in large blocks, and the JSON that the commands print.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace orrinvale::cli {
+
+/// Collects text and writes it to a descriptor in blocks; what is left goes out when the object goes. One thread.
+class Output final {
+public:
+    explicit Output(int descriptor);
+    ~Output();
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
+
+    void write(std::string_view text) {
+        m_buffer += text;
+        if (m_buffer.size() >= blockBytes) flush();
+    }
+
+    /// False when something could not be written, on a full disk for example. What fails once stays failed.
+    bool flush();
+
+private:
+    static constexpr std::size_t blockBytes = 256 * 1024;
+
+    const int m_descriptor;
+    std::string m_buffer;
+    bool m_failed = false;
+};
+
+/// A JSON text in quotes. Bytes that are not valid UTF-8 become U+FFFD each.
+void appendJsonText(std::string& out, std::string_view bytes);
+
+/// "path":"..." and, where the bytes are not valid UTF-8, "pathHex" with the exact bytes in hexadecimal.
+void appendJsonPath(std::string& out, std::string_view path);
+
+/// Length of the valid UTF-8 sequence at the start of the bytes; 0 when there is none.
+[[nodiscard]] std::size_t validSequence(std::string_view bytes);
+
+/// The text for a terminal: control bytes escaped, bytes that are not UTF-8 as \xHH, so that no name can command it.
+[[nodiscard]] std::string printable(std::string_view bytes);
+
+/// True when the descriptor is a terminal, and colours are not refused by NO_COLOR.
+[[nodiscard]] bool isTerminal(int descriptor);
+[[nodiscard]] bool wantsColour(int descriptor);
+
+}  // namespace orrinvale::cli

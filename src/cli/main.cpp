@@ -1,0 +1,83 @@
+// orrinvale-cli: reads the command line and hands over to a command. The commands are listed in main(); each is a class of its own.
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cli/Command.h"
+#include "cli/DuplicatesCommand.h"
+#include "cli/Output.h"
+#include "engine/base/Log.h"
+#include "platform/linux/LinuxFiles.h"
+
+namespace orrinvale::cli {
+namespace {
+
+using Commands = std::vector<std::unique_ptr<Command>>;
+
+std::string keyOf(std::string_view names) {
+    std::string_view last = names.substr(names.rfind(',') == std::string_view::npos ? 0 : names.rfind(',') + 1);
+    while (last.starts_with('-')) last.remove_prefix(1);
+    return std::string(last);
+}
+
+CLI::Option* declare(CLI::App& app, const OptionSpec& spec) {
+    const std::string names(spec.names);
+    const std::string help(spec.help);
+    if (!names.starts_with('-')) return app.add_option(names, help)->required()->type_name("");
+    if (spec.argument.empty()) return app.add_flag(names, help);
+    return app.add_option(names, help)->type_name(std::string(spec.argument));
+}
+
+// The parser, made from the tables of the commands.
+struct Parser {
+    explicit Parser(const Commands& commands) : app("Disk maintenance in the terminal.", "orrinvale-cli") {
+        app.require_subcommand(1);
+        app.set_version_flag("--version", ORRINVALE_VERSION);
+        for (const auto& command : commands) {
+            CLI::App* const sub = app.add_subcommand(std::string(command->name()), std::string(command->summary()));
+            auto& known = options[command.get()];
+            for (const auto& list : {command->options(), commonOptions()})
+                for (const OptionSpec& spec : list) known.emplace_back(keyOf(spec.names), declare(*sub, spec));
+        }
+    }
+
+    Arguments argumentsOf(const Command& command) const {
+        Arguments arguments;
+        for (const auto& [key, option] : options.at(&command))
+            if (option->count() > 0) arguments.set(key, option->results().front());
+        return arguments;
+    }
+
+    CLI::App app;
+    std::map<const Command*, std::vector<std::pair<std::string, CLI::Option*>>> options;
+};
+
+int run(int argc, char** argv) {
+    const LinuxFileSystem files;
+    Commands commands;
+    commands.push_back(std::make_unique<DuplicatesCommand>(files));
+
+    Parser parser(commands);
+    try {
+        parser.app.parse(argc, argv);
+    } catch (const CLI::Success& asked) {  // --help, --version
+        return parser.app.exit(asked);
+    } catch (const CLI::ParseError& error) {
+        return static_cast<int>(badUsage(error.what()));
+    }
+    for (const auto& command : commands) {
+        if (!parser.app.got_subcommand(std::string(command->name()))) continue;
+        const Arguments arguments = parser.argumentsOf(*command);
+        Log::setEnabled(arguments.has("log"));
+        return static_cast<int>(command->run(arguments));
+    }
+    return static_cast<int>(badUsage("no command given"));
+}
+
+}  // namespace
+}  // namespace orrinvale::cli
+
+int main(int argc, char** argv) { return orrinvale::cli::run(argc, argv); }

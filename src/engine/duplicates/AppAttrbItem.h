@@ -1,0 +1,26 @@
+// One application bundle of a duplicate search. FindDuplicateApp.h compares them.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "engine/duplicates/fileAttrbItem.h"
+
+namespace orrinvale {
+
+struct AppAttrbItem {
+    FileArray AllFileInDirectory;     ///< everything in it that is no folder
+    std::uint64_t DirectorySize = 0;  ///< bytes, the sum of these
+    std::string DirectoryPathName;    ///< full path
+    std::string DirectoryName;        ///< last component
+    std::uint64_t device = 0;         ///< identity of the bundle folder, as seen when it was listed
+    std::uint64_t inode = 0;
+    std::int64_t modified = 0;        ///< nanoseconds since 1970 UTC
+};
+
+/// A group of equal bundles, the one that opened it last.
+using AppGroup = std::vector<std::shared_ptr<AppAttrbItem>>;
+
+}  // namespace orrinvale

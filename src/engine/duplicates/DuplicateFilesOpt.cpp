@@ -1,0 +1,156 @@
+// DuplicateFilesOpt: see DuplicateFilesOpt.h. The order of groups and leaves is decided in visitBundles() and visitFiles().
+#include "engine/duplicates/DuplicateFilesOpt.h"
+
+#include <limits>
+
+#include "engine/base/Log.h"
+
+namespace orrinvale {
+namespace {
+
+using Visit = std::function<void(const DuplicateGroup&)>;
+
+void addSize(std::uint64_t& sum, std::uint64_t size) {
+    sum += std::min(size, std::numeric_limits<std::uint64_t>::max() - sum);
+}
+
+// The last member opened the group and gives it its name.
+void visitBundles(const std::vector<AppGroup>& groups, const Visit& visit) {
+    for (const AppGroup& members : groups) {
+        DuplicateGroup group;
+        group.bundle = true;
+        group.name = members.back()->DirectoryName;
+        group.extension = "APP";
+        for (const auto& member : members) {
+            addSize(group.size, member->DirectorySize);
+            group.bundles.push_back(member.get());
+        }
+        visit(group);
+    }
+}
+
+// The members of a group stand next to each other and share their hash. The first of them becomes the last leaf.
+void visitFiles(const FileList& files, const Visit& visit) {
+    DuplicateGroup group;
+    for (std::size_t from = 0; from < files.size();) {
+        std::size_t to = from + 1;
+        while (to < files.size() && files[to]->md5 == files[from]->md5) ++to;
+        group.name = files[from]->fileName();
+        group.extension = pathExtension(group.name);
+        group.size = 0;
+        group.files.assign(files.begin() + static_cast<std::ptrdiff_t>(from) + 1,
+                           files.begin() + static_cast<std::ptrdiff_t>(to));
+        group.files.push_back(files[from]);
+        for (const fileAttrbItem* file : group.files) addSize(group.size, file->fileSize);
+        visit(group);
+        from = to;
+    }
+}
+
+void addLeaves(SimpleTreeNode& node, const DuplicateGroup& group) {
+    auto add = [&](const std::string& name, std::uint64_t size, IconRequest icon, std::optional<Date> date) {
+        auto leaf = SimpleNodeData::leafDataWithName(name);
+        leaf->setIconRep(std::move(icon));
+        leaf->setFileSize(size);
+        leaf->setModificationDate(date);
+        node.insertChild(SimpleTreeNode::treeNodeWithData(std::move(leaf)), node.numberOfChildren());
+    };
+    for (const AppAttrbItem* bundle : group.bundles)
+        add(bundle->DirectoryPathName, bundle->DirectorySize, {IconRequest::BareName, bundle->DirectoryName}, std::nullopt);
+    for (const fileAttrbItem* file : group.files) {
+        const std::string path = file->filePathName();
+        add(path, file->fileSize, {IconRequest::Path, path}, file->ModificationDate());
+    }
+}
+
+}  // namespace
+
+DuplicateFilesOpt::DuplicateFilesOpt(const FileSystem& files) : m_files(files) {}
+DuplicateFilesOpt::~DuplicateFilesOpt() = default;
+
+void DuplicateFilesOpt::setSearchOption(const SearchOption* option) {
+    if (option == nullptr) return;
+    m_bSearchHiddenFile = option->searchHidden;
+    m_bSearchSystemDirectory = option->searchSystem;
+}
+
+std::shared_ptr<duplicateFind> DuplicateFilesOpt::current() const {
+    const std::lock_guard lock(m_mutex);
+    return m_findDuplicate;
+}
+
+void DuplicateFilesOpt::beginSearchAtPath(const std::string& path, std::uint64_t withLimitSize) {
+    constexpr const char* name = "-[DuplicateFilesOpt beginSearchAtPath:withLimitSize:]";
+    if (current()) {
+        Log::engine(name, " error need reinit");
+        return;
+    }
+    Log::engine(name, " -INFO:search Path:{}  limitedsize:{}", path, withLimitSize);
+    const auto search = std::make_shared<duplicateFind>(m_files);
+    search->setSearchOption(m_bSearchHiddenFile, m_bSearchSystemDirectory);
+    {
+        const std::lock_guard lock(m_mutex);
+        m_CurrentSearchPath = path;
+        m_findDuplicate = search;
+    }
+    search->searchDuplicateFileAtPath(path, withLimitSize);
+}
+
+std::uint64_t DuplicateFilesOpt::getProgress() const {
+    const auto search = current();
+    return search ? search->getProgress() : 0;
+}
+
+std::string DuplicateFilesOpt::getCurrentSearchFile() {
+    const auto search = current();
+    std::string path = search ? search->getCurrentSearchPath() : std::string();
+    const std::lock_guard lock(m_mutex);
+    if (!path.empty()) m_CurrentSearchPath = std::move(path);
+    return m_CurrentSearchPath;
+}
+
+void DuplicateFilesOpt::stopSearch() {
+    const auto search = current();
+    if (search) search->stopSearch();
+}
+
+void DuplicateFilesOpt::visitGroups(const Visit& visit) const {
+    const auto search = current();
+    if (!search) return;
+    std::vector<AppGroup> bundles;
+    FileList files;
+    search->getAllAppDuplicateDir(bundles);
+    search->getAllDuplicateFile(&files);
+    visitBundles(bundles, visit);
+    visitFiles(files, visit);
+}
+
+bool DuplicateFilesOpt::getDuplicateFiles(std::shared_ptr<SimpleTreeNode>* root) {
+    const auto search = current();
+    if (!search || root == nullptr) return false;
+    FileList files;
+    std::vector<AppGroup> bundles;
+    search->getAllDuplicateFile(&files);
+    search->getAllAppDuplicateDir(bundles);
+    if (files.empty() && bundles.empty()) return false;
+    m_Index = m_findArray.size();
+    m_findArray.insert(m_findArray.end(), files.begin(), files.end());
+    m_findAppArray.insert(m_findAppArray.end(), bundles.begin(), bundles.end());
+
+    auto top = SimpleTreeNode::treeNodeWithData(SimpleNodeData::groupDataWithName("Root"));
+    const auto addGroup = [&](const DuplicateGroup& group) {
+        auto data = SimpleNodeData::groupDataWithName(std::string(group.name));
+        data->setExtendName(std::string(group.extension));
+        data->setIconRep(IconRequest{IconRequest::FileType, std::string(group.extension)});
+        data->setFileSize(group.size);
+        auto node = SimpleTreeNode::treeNodeWithData(std::move(data));
+        addLeaves(*node, group);
+        top->insertChild(std::move(node), top->numberOfChildren());
+    };
+    visitBundles(m_findAppArray, addGroup);
+    visitFiles(m_findArray, addGroup);
+    *root = std::move(top);
+    return true;
+}
+
+}  // namespace orrinvale

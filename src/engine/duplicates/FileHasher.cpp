@@ -1,0 +1,196 @@
+// FileHasher: see FileHasher.h.
+#include "engine/duplicates/FileHasher.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include "engine/duplicates/crc.h"
+
+namespace orrinvale {
+namespace {
+
+// From memory a file is read in pieces that stay in the processor's cache until they are hashed; from the disk in pieces so
+// large that the disk never waits for the next request. Both measured.
+constexpr std::size_t residentPiece = 256 * 1024;
+constexpr std::size_t largePiece = 4 * 1024 * 1024;
+
+bool sameVersion(const FileAttributes& a, const FileAttributes& b) {
+    return a.type == b.type && a.device == b.device && a.inode == b.inode && a.size == b.size &&
+           a.modified == b.modified && a.changed == b.changed;
+}
+
+std::uint64_t extend(std::uint64_t value, std::span<const std::byte> bytes) {
+    return crc::crc64Buffer(bytes.data(), static_cast<std::uint32_t>(bytes.size()), false, value);
+}
+
+constexpr std::uint64_t startValue = ~std::uint64_t{0};
+
+}  // namespace
+
+SysResult<Descriptor> CandidateOpener::open(const fileAttrbItem& item) {
+    if (item.folder != m_folderNode) {
+        m_folderNode = item.folder;
+        m_state.denyNoAccessTime = false;
+        auto folder = reopenFolder(m_files, *item.folder);
+        m_folderError = folder ? 0 : folder.error();
+        m_folder = folder ? std::move(*folder) : Descriptor();
+    }
+    if (m_folderError != 0) return tl::unexpected(m_folderError);
+    return m_files.openFile(m_folder.get(), item.name, Links::Follow, m_state);
+}
+
+FileHasher::FileHasher(const FileSystem& files, SkipList& skipped)
+    : m_files(files), m_skipped(skipped), m_opener(files) {}
+
+bool FileHasher::fail(const fileAttrbItem& item, const char* operation, int number) {
+    m_skipped.add(systemError(operation, item.filePathName(), number));
+    return false;
+}
+
+bool FileHasher::fail(const fileAttrbItem& item, ErrorKind kind) {
+    m_skipped.add(Error{kind, "read", item.filePathName(), 0});
+    return false;
+}
+
+bool FileHasher::isAsListed(const fileAttrbItem& item, const FileAttributes& now) {
+    return now.type == FileType::Regular && item.type == FileType::Regular && now.inode == item.inode &&
+           now.size == item.fileSize && now.modified == item.modified && now.changed == item.changed;
+}
+
+std::uint64_t FileHasher::deviceOf(const fileAttrbItem& item, int file) const {
+    if (!item.otherDevice && item.type == FileType::Regular && item.folder->inode != 0) return item.folder->device;
+    const auto attributes = m_files.attributes(file);
+    return attributes ? attributes->device : 0;
+}
+
+std::size_t FileHasher::hashSmall(fileAttrbItem& item) {
+    const auto file = m_opener.open(item);
+    if (!file) {
+        fail(item, "open", file.error());
+        return 0;
+    }
+    if (!m_small) m_small = std::make_unique_for_overwrite<std::byte[]>(smallFile + 1);
+    ReadState& state = m_opener.state();
+    m_files.beginReading(file->get(), deviceOf(item, file->get()), item.fileSize, state);
+    const auto count = m_files.read(file->get(), {m_small.get(), smallFile + 1}, 0, state);
+    const auto after = m_files.attributes(file->get());
+    m_files.endReading(file->get(), state);
+    if (!count) {
+        fail(item, "read", count.error());
+        return 0;
+    }
+    if (!after || !isAsListed(item, *after) || *count != item.fileSize)
+        return hashSettled(item, file->get()) ? item.fileSize : 0;
+
+    item.md5 = crc::crc64(m_small.get(), static_cast<std::uint32_t>(*count));
+    if (*count < headBytes) std::memset(m_small.get() + *count, 0, headBytes - *count);
+    item.md5_1k = crc::crc64(m_small.get(), headBytes);
+    return *count;
+}
+
+FileHasher::Ends FileHasher::hashEnds(fileAttrbItem& item, bool waitForTail) {
+    Ends ends;
+    const auto file = m_opener.open(item);
+    if (!file) {
+        fail(item, "open", file.error());
+        return ends;
+    }
+    std::byte head[headBytes] = {};
+    std::byte tail[tailBytes];
+    const int number = file->get();
+    ReadState& state = m_opener.state();
+    m_files.beginReading(number, deviceOf(item, number), item.fileSize, state);
+    m_files.expectRandomReads(number);
+    const auto headCount = m_files.read(number, head, 0, state);
+    const std::uint64_t tailAt = item.fileSize - std::min<std::uint64_t>(item.fileSize, tailBytes);
+    const auto tailCount = waitForTail ? m_files.read(number, tail, tailAt, state)
+                                       : m_files.readResident(number, tail, tailAt, state);
+    const auto after = m_files.attributes(number);
+    m_files.endReading(number, state);
+    if (!headCount) {
+        fail(item, "read", headCount.error());
+        return ends;
+    }
+    if (!after || !isAsListed(item, *after)) {
+        ends.hashed = hashSettled(item, number);
+        return ends;
+    }
+    ends.hashed = true;
+    ends.regular = true;
+    item.md5_1k = crc::crc64(head, headBytes);
+    ends.hasTail = tailCount.has_value();
+    if (ends.hasTail) ends.tail = crc::crc64(tail, static_cast<std::uint32_t>(*tailCount));
+    return ends;
+}
+
+std::span<std::byte> FileHasher::largeBuffer() {
+    if (!m_large) m_large = std::make_unique_for_overwrite<std::byte[]>(largePiece);
+    return {m_large.get(), largePiece};
+}
+
+// Hashes up to `length` bytes from `offset` on, onto `value`; the count of bytes that were there.
+SysResult<std::uint64_t> FileHasher::stream(int file, std::uint64_t offset, std::uint64_t length, std::uint64_t& value) {
+    const std::span<std::byte> buffer = largeBuffer();
+    std::uint64_t done = 0;
+    while (done < length) {
+        const auto left = static_cast<std::size_t>(std::min<std::uint64_t>(length - done, buffer.size()));
+        auto piece = buffer.first(std::min(left, residentPiece));
+        auto count = m_files.readResident(file, piece, offset + done, m_opener.state());
+        if (!count) {
+            piece = buffer.first(left);
+            count = m_files.read(file, piece, offset + done, m_opener.state());
+        }
+        if (!count) return tl::unexpected(count.error());
+        value = extend(value, piece.first(*count));
+        done += *count;
+        if (*count < piece.size()) break;
+    }
+    return done;
+}
+
+bool FileHasher::hashStretch(const fileAttrbItem& item, std::uint64_t offset, std::uint64_t length, std::uint64_t& value) {
+    const auto file = m_opener.open(item);
+    if (!file) return fail(item, "open", file.error());
+    const int number = file->get();
+    m_files.beginReading(number, deviceOf(item, number), item.fileSize, m_opener.state());
+    value = startValue;
+    const auto count = stream(number, offset, length, value);
+    m_files.endReading(number, m_opener.state());
+    if (!count) return fail(item, "read", count.error());
+    const auto after = m_files.attributes(number);
+    if (*count != length || !after || !isAsListed(item, *after)) return fail(item, ErrorKind::Changed);
+    return true;
+}
+
+bool FileHasher::hashWhole(fileAttrbItem& item) {
+    const auto file = m_opener.open(item);
+    if (!file) return fail(item, "open", file.error());
+    const std::uint64_t head = item.md5_1k;
+    const bool hashed = hashSettled(item, file->get());
+    item.md5_1k = head;
+    return hashed;
+}
+
+// The careful way: whatever the listing saw, the file must be the same before and after. Sets both hashes.
+bool FileHasher::hashSettled(fileAttrbItem& item, int file) {
+    const auto before = m_files.attributes(file);
+    if (!before) return fail(item, "attributes", before.error());
+    if (before->type != FileType::Regular) return fail(item, ErrorKind::NotARegularFile);
+    if (before->size == 0) return false;
+    ReadState& state = m_opener.state();
+    m_files.beginReading(file, before->device, before->size, state);
+    std::byte head[headBytes] = {};
+    const auto headCount = m_files.read(file, head, 0, state);
+    std::uint64_t value = startValue;
+    const auto count = headCount ? stream(file, 0, ~std::uint64_t{0}, value) : tl::unexpected(headCount.error());
+    m_files.endReading(file, state);
+    if (!count) return fail(item, "read", count.error());
+    const auto after = m_files.attributes(file);
+    if (!after || !sameVersion(*before, *after) || *count != before->size) return fail(item, ErrorKind::Changed);
+    item.md5 = value;
+    item.md5_1k = crc::crc64(head, headBytes);
+    return true;
+}
+
+}  // namespace orrinvale

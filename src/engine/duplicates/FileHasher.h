@@ -1,0 +1,86 @@
+// Reading of candidate files for their hashes. One object a thread. algorithm.h and HashAhead.h stand on it.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+
+#include "engine/duplicates/fileAttrbItem.h"
+#include "engine/files/SkipList.h"
+#include "platform/files.h"
+
+namespace orrinvale {
+
+/// Opens a candidate through its folder, which stays open until a candidate from another folder comes: neighbours cost one
+/// look-up of one name each, however deep they lie. One thread.
+class CandidateOpener final {
+public:
+    explicit CandidateOpener(const FileSystem& files) : m_files(files) {}
+
+    [[nodiscard]] SysResult<Descriptor> open(const fileAttrbItem& item);
+    [[nodiscard]] ReadState& state() { return m_state; }
+
+private:
+    const FileSystem& m_files;
+    ReadState m_state;
+    Descriptor m_folder;
+    const FolderNode* m_folderNode = nullptr;
+    int m_folderError = 0;
+};
+
+/// Hashes candidates. Every operation leaves the page cache as it was, takes regular files only, and fails when the file
+/// changed while it was read; a failure is added to the skip list. One thread.
+///
+/// A file is known unchanged when it has, after the read, the very attributes that the listing saw. Only where it has not
+/// (it changed after the listing, or is reached through a link) it is read again between two looks at its attributes.
+class FileHasher final {
+public:
+    static constexpr std::size_t headBytes = 1024;       ///< what the first hash covers
+    static constexpr std::size_t tailBytes = 4096;       ///< what tells files of one head apart before the whole is read
+    static constexpr std::size_t smallFile = 32 * 1024;  ///< up to that a file is read whole at once
+
+    FileHasher(const FileSystem& files, SkipList& skipped);
+
+    /// Reads a file of at most smallFile bytes once and sets both hashes. The bytes read; nothing on failure.
+    [[nodiscard]] std::size_t hashSmall(fileAttrbItem& item);
+
+    /// What hashEnds() found.
+    struct Ends {
+        bool hashed = false;   ///< md5_1k is set
+        bool regular = false;  ///< the file is as listed, so that `tail` may tell it apart
+        bool hasTail = false;
+        std::uint64_t tail = 0;
+    };
+
+    /// Sets md5_1k, and takes the hash of the last bytes too when they are in memory already, or when `waitForTail` is set.
+    [[nodiscard]] Ends hashEnds(fileAttrbItem& item, bool waitForTail);
+
+    /// The running hash over a stretch of the file, from the start value on; its length is in `length`. False on failure. A
+    /// file that is not as listed is a failure here.
+    [[nodiscard]] bool hashStretch(const fileAttrbItem& item, std::uint64_t offset, std::uint64_t length,
+                                   std::uint64_t& value);
+
+    /// Sets the whole-file hash (and no other) by reading from the start to the end. False on failure, an empty file included.
+    [[nodiscard]] bool hashWhole(fileAttrbItem& item);
+
+    /// True when the file was, at the time of the last successful hash, what the listing saw.
+    [[nodiscard]] static bool isAsListed(const fileAttrbItem& item, const FileAttributes& now);
+
+private:
+    SysResult<Descriptor> open(const fileAttrbItem& item, const char*& failure);
+    bool fail(const fileAttrbItem& item, const char* operation, int number);
+    bool fail(const fileAttrbItem& item, ErrorKind kind);
+    std::uint64_t deviceOf(const fileAttrbItem& item, int file) const;
+    SysResult<std::uint64_t> stream(int file, std::uint64_t offset, std::uint64_t length, std::uint64_t& value);
+    bool hashSettled(fileAttrbItem& item, int file);
+    std::span<std::byte> largeBuffer();
+
+    const FileSystem& m_files;
+    SkipList& m_skipped;
+    CandidateOpener m_opener;
+    std::unique_ptr<std::byte[]> m_small;
+    std::unique_ptr<std::byte[]> m_large;  // made when the first large file comes
+};
+
+}  // namespace orrinvale

@@ -1,0 +1,167 @@
+// FindDuplicateApp: see FindDuplicateApp.h. The comparison of two bundles is in CompareDir().
+#include "engine/duplicates/FindDuplicateApp.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <set>
+#include <tuple>
+
+#include "engine/duplicates/algorithm.h"
+#include "engine/files/TreeLister.h"
+#include "engine/files/WorkCrew.h"
+
+namespace orrinvale {
+namespace {
+
+using Key = std::tuple<std::uint64_t, std::uint64_t, std::uint64_t>;
+
+// What the files of a bundle are paired off by, in sorted order: files of both bundles find partners exactly when the sorted
+// lists agree, since agreeing in all of it is an equivalence. So no file needs to be held against every other one.
+template <class Tell> std::vector<Key> sortedKeys(const AppAttrbItem& bundle, Tell tell) {
+    std::vector<Key> keys;
+    keys.reserve(bundle.AllFileInDirectory.size());
+    for (const fileAttrbItem* file : bundle.AllFileInDirectory.items()) keys.push_back(tell(*file));
+    std::sort(keys.begin(), keys.end());
+    return keys;
+}
+
+template <class Tell> bool agree(const AppAttrbItem& a, const AppAttrbItem& b, Tell tell) {
+    return sortedKeys(a, tell) == sortedKeys(b, tell);
+}
+
+void hashWholes(const FileSystem& files, SkipList& skipped, const AppAttrbItem& a, const AppAttrbItem& b) {
+    FileList wanted;
+    for (const AppAttrbItem* bundle : {&a, &b})
+        for (fileAttrbItem* file : bundle->AllFileInDirectory.items())
+            if (file->md5 == 0 && file->fileSize != 0) wanted.push_back(file);
+    WorkCrew crew(8);
+    std::vector<std::unique_ptr<FileHasher>> hashers(crew.most());
+    const std::atomic<bool> never{false};
+    crew.forEach(wanted.size(), 1, never, [&](std::size_t at, unsigned worker) {
+        if (!hashers[worker]) hashers[worker] = std::make_unique<FileHasher>(files, skipped);
+        (void)hashers[worker]->hashWhole(*wanted[at]);
+    });
+}
+
+}  // namespace
+
+FindDuplicateApp::FindDuplicateApp(const FileSystem& files, SkipList& skipped) : m_files(files), m_skipped(skipped) {}
+
+std::string FindDuplicateApp::CurrentSearchFile() const {
+    const std::lock_guard lock(m_mutex);
+    return m_CurrentSearchFile;
+}
+
+void FindDuplicateApp::setCurrentSearchFile(std::string path) {
+    const std::lock_guard lock(m_mutex);
+    m_CurrentSearchFile = std::move(path);
+}
+
+bool FindDuplicateApp::getAllFilePathName(const std::string& path, AppAttrbItem* OutArray) {
+    if (path.empty() || OutArray == nullptr) return false;
+    const auto start = openFolderByPath(m_files, path, Links::Follow);
+    const auto identity = start ? m_files.attributes(start->get()) : tl::unexpected(start.error());
+    if (!identity) {
+        if (identity.error() != ENOTDIR) m_skipped.add(systemError("list", path, identity.error()));
+        return false;
+    }
+    OutArray->device = identity->device;
+    OutArray->inode = identity->inode;
+    OutArray->modified = identity->modified;
+
+    int failure = 0;
+    TreeListing listing;
+    listing.order = TreeListing::Order::SortedByBytes;
+    listing.foldersFirst = true;
+    listing.failed = [&](std::string_view relative, int error) {
+        failure = error;
+        m_skipped.add(systemError("list", joinPath(path, relative), error));
+    };
+    listing.entry = [&](const TreeEntry& entry) {
+        if (entry.type == FileType::Folder) return;
+        if (entry.type == FileType::SymbolicLink) {
+            const auto target = m_files.attributes(entry.folder, entry.name.data(), Links::Follow);
+            if (target && target->type == FileType::Folder) return;
+        }
+        const auto attributes = m_files.attributes(entry.folder, entry.name.data(), Links::Keep);
+        const auto& file = OutArray->AllFileInDirectory.add(joinPath(path, entry.relative),
+                                                            attributes.value_or(FileAttributes{}));
+        OutArray->DirectorySize += std::min(file.fileSize, ~std::uint64_t{0} - OutArray->DirectorySize);
+    };
+    const std::atomic<bool> never{false};
+    const auto listed = listTree(m_files, start->get(), listing, never);
+    setCurrentSearchFile({});
+    return listed.has_value() && failure == 0;
+}
+
+bool FindDuplicateApp::InitInputAppDirectory(const std::vector<std::string>* array) {
+    if (array == nullptr) return false;
+    for (const std::string& path : *array) {
+        auto item = std::make_shared<AppAttrbItem>();
+        item->DirectoryPathName = path;
+        item->DirectoryName = lastPathComponent(path);
+        if (getAllFilePathName(path, item.get())) m_AllAppItem.push_back(std::move(item));
+    }
+    return true;
+}
+
+bool FindDuplicateApp::getSameSizeDirInArray(const AppList& array, const AppAttrbItem& WithItem, AppList& OutResult) {
+    for (const auto& bundle : array)
+        if (bundle->DirectorySize == WithItem.DirectorySize) OutResult.push_back(bundle);
+    return !OutResult.empty();
+}
+
+bool FindDuplicateApp::CompareDir(AppAttrbItem* dir, AppAttrbItem* With) {
+    if (dir == nullptr || With == nullptr) return false;
+    if (dir->AllFileInDirectory.size() != With->AllFileInDirectory.size()) return false;
+    if (!agree(*dir, *With, [](const fileAttrbItem& file) { return Key{file.fileSize, 0, 0}; })) return false;
+
+    algorithm hashes(m_files, m_skipped);
+    // The buffer of the first-kilobyte hash keeps what earlier reads left behind a short file. After one pass over the first
+    // bundle it holds what a pass over an equal one leaves, so that both are then hashed over the same remains.
+    for (const AppAttrbItem* bundle : {dir, dir, With})
+        for (fileAttrbItem* file : bundle->AllFileInDirectory.items()) hashes.getMD5_1K(*file);
+    if (!agree(*dir, *With, [](const fileAttrbItem& file) { return Key{file.fileSize, file.md5_1k, 0}; })) return false;
+
+    hashWholes(m_files, m_skipped, *dir, *With);
+    return agree(*dir, *With, [](const fileAttrbItem& file) { return Key{file.fileSize, file.md5_1k, file.md5}; });
+}
+
+bool FindDuplicateApp::getDuplicateAppDirInArray(const AppList& array, const std::shared_ptr<AppAttrbItem>& With,
+                                                 AppGroup& OutArray) {
+    AppList sameSize;
+    getSameSizeDirInArray(array, *With, sameSize);
+    for (const auto& bundle : sameSize)
+        if (CompareDir(With.get(), bundle.get())) OutArray.push_back(bundle);
+    if (OutArray.empty()) return false;
+    OutArray.push_back(With);
+    return true;
+}
+
+// A folder that was reached by two paths is one bundle, not its own copy.
+void FindDuplicateApp::dropRepeated() {
+    std::set<std::pair<std::uint64_t, std::uint64_t>> seen;
+    std::erase_if(m_AllAppItem, [&](const auto& bundle) { return !seen.insert({bundle->device, bundle->inode}).second; });
+}
+
+bool FindDuplicateApp::FindAppInArray(const std::vector<std::string>* array, std::vector<AppGroup>& OutArray) {
+    if (!InitInputAppDirectory(array)) return false;
+    dropRepeated();
+    m_AppCount = array->size();
+    while (!m_AllAppItem.empty() && !m_StopSearch) {
+        const std::shared_ptr<AppAttrbItem> item = m_AllAppItem.front();
+        setCurrentSearchFile(item->DirectoryPathName);
+        m_AllAppItem.erase(m_AllAppItem.begin());
+        AppGroup group;
+        if (getDuplicateAppDirInArray(m_AllAppItem, item, group)) {
+            std::erase_if(m_AllAppItem, [&](const auto& bundle) {
+                return std::find(group.begin(), group.end(), bundle) != group.end();
+            });
+            OutArray.push_back(std::move(group));
+        }
+        m_Progress = static_cast<std::uint32_t>(m_AllAppItem.size() * 100 / m_AppCount);
+    }
+    return true;
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,74 @@
+// The search for equal application bundles among the ones that the listing met. duplicateFind.h calls it before any loose file
+// is hashed.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "engine/duplicates/AppAttrbItem.h"
+#include "engine/files/SkipList.h"
+#include "platform/files.h"
+
+namespace orrinvale {
+
+/// Two bundles are equal when they hold equally many files and these can be paired off by content; names and places inside play
+/// no part. One search at a time on one thread; the accessors and setStopSearch() may be called from any.
+class FindDuplicateApp final {
+public:
+    using AppList = std::vector<std::shared_ptr<AppAttrbItem>>;
+
+    /// Both must outlive the object.
+    FindDuplicateApp(const FileSystem& files, SkipList& skipped);
+    FindDuplicateApp(const FindDuplicateApp&) = delete;
+    FindDuplicateApp& operator=(const FindDuplicateApp&) = delete;
+
+    /// Appends the groups of equal bundles. False for a null array. Ends quietly when no bundle could be listed. Two paths of
+    /// one folder are one bundle: the later path is left out.
+    bool FindAppInArray(const std::vector<std::string>* array, std::vector<AppGroup>& OutArray);
+
+    /// Lists the bundles into the list of those to deal with; one that can not be listed is left out. False for a null array.
+    bool InitInputAppDirectory(const std::vector<std::string>* array);
+
+    /// Fills in the files, their sum and the identity of the bundle. False when it can not be listed.
+    bool getAllFilePathName(const std::string& path, AppAttrbItem* OutArray);
+
+    /// Appends the bundles of the item's size; true when the result has members.
+    static bool getSameSizeDirInArray(const AppList& array, const AppAttrbItem& WithItem, AppList& OutResult);
+
+    /// True for duplicates. First-kilobyte hashes of files below 1024 bytes depend on what was read before them, as in
+    /// algorithm::getMD5_1K(): two bundles that list alike always compare by their contents alone.
+    bool CompareDir(AppAttrbItem* dir, AppAttrbItem* With);
+
+    /// Appends the bundles that equal the item, then the item; true when a group was formed.
+    bool getDuplicateAppDirInArray(const AppList& array, const std::shared_ptr<AppAttrbItem>& With, AppGroup& OutArray);
+
+    void setStopSearch(bool stop) { m_StopSearch = stop; }
+    [[nodiscard]] bool StopSearch() const { return m_StopSearch; }
+
+    /// Remaining share in percent: counts down to 0.
+    [[nodiscard]] std::uint32_t Progress() const { return m_Progress; }
+    void setProgress(std::uint32_t percent) { m_Progress = percent; }
+
+    /// Path of the bundle in hand.
+    [[nodiscard]] std::string CurrentSearchFile() const;
+    void setCurrentSearchFile(std::string path);
+
+private:
+    void dropRepeated();
+
+    const FileSystem& m_files;
+    SkipList& m_skipped;
+    AppList m_AllAppItem;
+    std::atomic<std::uint32_t> m_Progress{0};
+    std::uint64_t m_AppCount = 0;
+    std::atomic<bool> m_StopSearch{false};
+    mutable std::mutex m_mutex;
+    std::string m_CurrentSearchFile;  // guarded by m_mutex
+};
+
+}  // namespace orrinvale

@@ -1,0 +1,222 @@
+// HashAhead: see HashAhead.h. hashBatch() names the stages in their order.
+#include "engine/duplicates/HashAhead.h"
+
+#include <algorithm>
+#include <tuple>
+
+#include "engine/duplicates/crc.h"
+
+namespace orrinvale {
+namespace {
+
+// A batch is meant to take about half a second, so that progress moves and a stop finds results, on any disk. The first is
+// small since the speed of the disk is not known yet.
+constexpr std::uint64_t firstBatchFiles = 8192;
+constexpr std::uint64_t firstBatchBytes = 1ULL << 30;
+constexpr double batchSeconds = 0.5;
+
+// Large files are read by few threads: more of them only cost memory for buffers, a disk that reads ahead is busy with these.
+constexpr unsigned mostWholeReaders = 8;
+
+// Files above twice this are hashed in stretches by several threads at a time.
+constexpr std::uint64_t stretchBytes = 64ULL << 20;
+
+}  // namespace
+
+struct HashAhead::Large {
+    std::uint32_t index = 0;
+    std::uint32_t number = 0;  // of the class
+    FileHasher::Ends ends;
+};
+
+struct HashAhead::Stretch {
+    std::uint32_t index = 0;
+    std::uint64_t offset = 0;
+    std::uint64_t length = 0;
+    std::uint64_t value = 0;
+    bool hashed = false;
+};
+
+HashAhead::HashAhead(const FileSystem& files, const FileList& list, const std::atomic<bool>& stop, SkipList& skipped)
+    : m_files(files),
+      m_list(list),
+      m_stop(stop),
+      m_skipped(skipped),
+      m_classes(list),
+      m_next(list.size(), none),
+      m_hashed(list.size(), 0),
+      m_batchFiles(firstBatchFiles),
+      m_batchBytes(firstBatchBytes),
+      m_wholeCrew(mostWholeReaders),
+      m_hashers(m_crew.most()) {}
+
+std::uint32_t HashAhead::nextInGroup(std::size_t index) {
+    const std::uint32_t number = m_classes.classOf(index);
+    if (number == SizeClasses::alone) return none;
+    if (number >= m_resolved) resolveMore(number);
+    return m_next[index];
+}
+
+void HashAhead::resolveMore(std::uint32_t upTo) {
+    while (m_resolved <= upTo && !m_stop) {
+        const auto start = std::chrono::steady_clock::now();
+        const std::uint32_t last = endOfBatch(m_resolved);
+        hashBatch(m_resolved, last);
+        m_resolved = last;
+        const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        const double factor = std::clamp(batchSeconds / std::max(seconds, 1e-6), 0.5, 64.0);
+        m_batchFiles = static_cast<std::uint64_t>(static_cast<double>(m_batchFiles) * factor) + 1;
+        m_batchBytes = static_cast<std::uint64_t>(static_cast<double>(m_batchBytes) * factor) + 1;
+    }
+}
+
+std::uint32_t HashAhead::endOfBatch(std::uint32_t first) const {
+    std::uint64_t files = 0;
+    std::uint64_t bytes = 0;
+    std::uint32_t last = first;
+    while (last < m_classes.count() && files < m_batchFiles && bytes < m_batchBytes) {
+        const auto members = m_classes.members(last++);
+        files += members.size();
+        bytes += members.size() * std::min<std::uint64_t>(m_list[members[0]]->fileSize, m_batchBytes);
+    }
+    return last;
+}
+
+void HashAhead::hashBatch(std::uint32_t first, std::uint32_t last) {
+    // In the order of the list, so that the files of one folder come together.
+    std::vector<std::uint32_t> small;
+    std::vector<Large> large;
+    for (std::uint32_t index = 0; index < m_list.size(); ++index) {
+        const std::uint32_t number = m_classes.classOf(index);
+        if (number < first || number >= last) continue;
+        if (m_list[index]->fileSize <= FileHasher::smallFile) small.push_back(index);
+        else large.push_back({index, number, {}});
+    }
+    hashFirstVisits(small, large);
+    hashTails(large);
+    hashWholes(large);
+    if (m_stop) return;
+    m_crew.forEach(last - first, 256, m_stop,
+                   [&](std::size_t at, unsigned) { groupClass(first + static_cast<std::uint32_t>(at)); });
+}
+
+FileHasher& HashAhead::hasher(unsigned worker) {
+    if (!m_hashers[worker]) m_hashers[worker] = std::make_unique<FileHasher>(m_files, m_skipped);
+    return *m_hashers[worker];
+}
+
+void HashAhead::count(std::uint64_t files, std::uint64_t bytes) {
+    m_hashedFiles.fetch_add(files, std::memory_order_relaxed);
+    m_hashedBytes.fetch_add(bytes, std::memory_order_relaxed);
+}
+
+void HashAhead::hashFirstVisits(const std::vector<std::uint32_t>& small, std::vector<Large>& large) {
+    const std::size_t total = small.size() + large.size();
+    const std::size_t grain = std::clamp<std::size_t>(total / 1024, 2, 32);
+    m_crew.forEach(total, grain, m_stop, [&](std::size_t at, unsigned worker) {
+        if (at < small.size()) {
+            const std::size_t bytes = hasher(worker).hashSmall(*m_list[small[at]]);
+            m_hashed[small[at]] = bytes != 0;
+            count(1, bytes);
+        } else {
+            Large& one = large[at - small.size()];
+            one.ends = hasher(worker).hashEnds(*m_list[one.index], false);
+            count(1, FileHasher::headBytes);
+        }
+    });
+}
+
+// Puts candidates that still agree next to each other, in the order of the list, and leaves out those that stand alone.
+template <class Key, class Large> static void keepEqual(std::vector<Large>& large, Key key) {
+    std::stable_sort(large.begin(), large.end(), [&](const Large& a, const Large& b) { return key(a) < key(b); });
+    std::vector<Large> kept;
+    for (std::size_t from = 0; from < large.size();) {
+        std::size_t to = from + 1;
+        while (to < large.size() && key(large[to]) == key(large[from])) ++to;
+        if (to - from > 1) kept.insert(kept.end(), large.begin() + static_cast<std::ptrdiff_t>(from),
+                                       large.begin() + static_cast<std::ptrdiff_t>(to));
+        from = to;
+    }
+    large.swap(kept);
+}
+
+void HashAhead::hashTails(std::vector<Large>& large) {
+    std::erase_if(large, [](const Large& one) { return !one.ends.hashed; });
+    keepEqual(large, [&](const Large& one) { return std::tuple(one.number, m_list[one.index]->md5_1k); });
+    std::vector<Large*> wanted;
+    for (Large& one : large)
+        if (!one.ends.hasTail && one.ends.regular) wanted.push_back(&one);
+    std::sort(wanted.begin(), wanted.end(), [](const Large* a, const Large* b) { return a->index < b->index; });
+    m_crew.forEach(wanted.size(), 2, m_stop, [&](std::size_t at, unsigned worker) {
+        wanted[at]->ends = hasher(worker).hashEnds(*m_list[wanted[at]->index], true);
+        count(0, FileHasher::tailBytes);
+    });
+    std::erase_if(large, [](const Large& one) { return !one.ends.hashed; });
+    // A file that is not what the listing saw is compared by its whole alone, and so are those that may equal it.
+    for (std::size_t from = 0; from < large.size();) {
+        std::size_t to = from;
+        bool regular = true;
+        for (; to < large.size() && large[to].number == large[from].number; ++to) regular &= large[to].ends.regular;
+        for (; from < to; ++from)
+            if (!regular) large[from].ends.tail = 0;
+    }
+    keepEqual(large, [&](const Large& one) {
+        return std::tuple(one.number, m_list[one.index]->md5_1k, one.ends.tail);
+    });
+}
+
+std::vector<HashAhead::Stretch> HashAhead::cutIntoStretches(const std::vector<Large*>& wanted) const {
+    std::vector<Stretch> out;
+    for (const Large* one : wanted) {
+        const std::uint64_t size = m_list[one->index]->fileSize;
+        const std::uint64_t piece = size > 2 * stretchBytes ? stretchBytes : size;
+        for (std::uint64_t at = 0; at < size; at += piece)
+            out.push_back({one->index, at, std::min(piece, size - at), 0, false});
+    }
+    return out;
+}
+
+void HashAhead::hashWholes(std::vector<Large>& large) {
+    std::vector<Large*> wanted;
+    for (Large& one : large) {
+        if (one.ends.regular) wanted.push_back(&one);
+        else m_hashed[one.index] = 1;  // its first visit read all of it
+    }
+    std::sort(wanted.begin(), wanted.end(), [](const Large* a, const Large* b) { return a->index < b->index; });
+    std::vector<Stretch> stretches = cutIntoStretches(wanted);
+    m_wholeCrew.forEach(stretches.size(), 1, m_stop, [&](std::size_t at, unsigned worker) {
+        Stretch& one = stretches[at];
+        one.hashed = hasher(worker).hashStretch(*m_list[one.index], one.offset, one.length, one.value);
+        count(0, one.length);
+    });
+    for (std::size_t at = 0; at < stretches.size();) {
+        const std::uint32_t index = stretches[at].index;
+        std::uint64_t value = stretches[at].value;
+        bool hashed = stretches[at].hashed;
+        for (++at; at < stretches.size() && stretches[at].index == index; ++at) {
+            value = crc::combine(value, stretches[at].value, stretches[at].length);
+            hashed = hashed && stretches[at].hashed;
+        }
+        if (!hashed) continue;
+        m_list[index]->md5 = value;
+        m_hashed[index] = 1;
+    }
+}
+
+void HashAhead::groupClass(std::uint32_t number) {
+    struct Key {
+        std::uint64_t md5, md5_1k;
+        std::uint32_t index;
+        auto operator<=>(const Key&) const = default;
+    };
+    thread_local std::vector<Key> keys;
+    keys.clear();
+    for (const std::uint32_t index : m_classes.members(number))
+        if (m_hashed[index] != 0) keys.push_back({m_list[index]->md5, m_list[index]->md5_1k, index});
+    std::sort(keys.begin(), keys.end());
+    for (std::size_t at = 1; at < keys.size(); ++at)
+        if (keys[at].md5 == keys[at - 1].md5 && keys[at].md5_1k == keys[at - 1].md5_1k)
+            m_next[keys[at - 1].index] = keys[at].index;
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,92 @@
+// Hashing at full speed, ahead of the pairing loop: size classes first, then the pieces of files that can still matter.
+//
+// Files of a size that stands alone are never opened. The others are hashed class by class in rising order of their first
+// member, many classes at a time: small files whole, in the order of their folders; large ones by their first kilobyte, then by their
+// last 4 KiB, then whole, each stage only where the stage before left at least two that agree. HashAhead.cpp has the stages.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "engine/duplicates/FileHasher.h"
+#include "engine/duplicates/fileAttrbItem.h"
+#include "engine/files/SkipList.h"
+#include "engine/files/WorkCrew.h"
+
+namespace orrinvale {
+
+/// The files of a search by size. Index numbers are places in the list given at construction, which must not change.
+class SizeClasses final {
+public:
+    static constexpr std::uint32_t alone = ~std::uint32_t{0};
+
+    explicit SizeClasses(const FileList& files);
+
+    /// Number of the class of a file; `alone` where no other file has its size. Classes count up in order of their first members.
+    [[nodiscard]] std::uint32_t classOf(std::size_t index) const { return m_classOf[index]; }
+    [[nodiscard]] std::size_t count() const { return m_starts.size() - 1; }
+
+    /// The members of a class, rising.
+    [[nodiscard]] std::span<const std::uint32_t> members(std::size_t number) const {
+        return {m_members.data() + m_starts[number], m_starts[number + 1] - m_starts[number]};
+    }
+
+private:
+    std::vector<std::uint32_t> m_classOf;
+    std::vector<std::uint32_t> m_starts;
+    std::vector<std::uint32_t> m_members;
+};
+
+/// Resolves size classes into groups of equal files. Driven by one thread; the counters may be read by any.
+class HashAhead final {
+public:
+    static constexpr std::uint32_t none = ~std::uint32_t{0};
+
+    /// All references must outlive the object. When `stop` is set, no further file is begun.
+    HashAhead(const FileSystem& files, const FileList& list, const std::atomic<bool>& stop, SkipList& skipped);
+
+    /// The next member of the group of a file, in the order of the list; `none` at the last one and for a file that has no
+    /// duplicate. Hashes what is needed for the answer, and, to keep all threads busy, classes that come later.
+    /// After a stop the answer is `none` for what was not hashed yet.
+    [[nodiscard]] std::uint32_t nextInGroup(std::size_t index);
+
+    [[nodiscard]] std::uint64_t hashedFiles() const { return m_hashedFiles.load(std::memory_order_relaxed); }
+    [[nodiscard]] std::uint64_t hashedBytes() const { return m_hashedBytes.load(std::memory_order_relaxed); }
+
+private:
+    struct Large;
+    struct Stretch;
+
+    void resolveMore(std::uint32_t upTo);
+    std::uint32_t endOfBatch(std::uint32_t first) const;
+    void hashBatch(std::uint32_t first, std::uint32_t last);
+    void hashFirstVisits(const std::vector<std::uint32_t>& small, std::vector<Large>& large);
+    void hashTails(std::vector<Large>& large);
+    void hashWholes(std::vector<Large>& large);
+    std::vector<Stretch> cutIntoStretches(const std::vector<Large*>& wanted) const;
+    void groupClass(std::uint32_t number);
+    FileHasher& hasher(unsigned worker);
+    void count(std::uint64_t files, std::uint64_t bytes);
+
+    const FileSystem& m_files;
+    const FileList& m_list;
+    const std::atomic<bool>& m_stop;
+    SkipList& m_skipped;
+    SizeClasses m_classes;
+    std::vector<std::uint32_t> m_next;  // group links, by place in the list
+    std::vector<std::uint8_t> m_hashed; // both hashes are good, by place in the list
+    std::uint32_t m_resolved = 0;       // classes below are done
+    std::uint64_t m_batchFiles;
+    std::uint64_t m_batchBytes;
+
+    WorkCrew m_crew;
+    WorkCrew m_wholeCrew;
+    std::vector<std::unique_ptr<FileHasher>> m_hashers;  // one a worker, made when it first comes
+    std::atomic<std::uint64_t> m_hashedFiles{0};
+    std::atomic<std::uint64_t> m_hashedBytes{0};
+};
+
+}  // namespace orrinvale

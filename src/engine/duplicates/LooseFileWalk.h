@@ -1,0 +1,69 @@
+// The walk of a duplicate search: all cores list and size the tree, and the result stands in the order of a sequential walk.
+//
+// Each folder is a task, and so is each further thousand entries of a large folder. A task writes its entries, files and
+// subfolders alike, into a run of records; when all is done the runs are read off depth first. LooseFileWalk.cpp has the stages.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "engine/duplicates/fileAttrbItem.h"
+#include "engine/files/SkipList.h"
+#include "platform/files.h"
+
+namespace orrinvale {
+
+/// What a walk looks for.
+struct LooseFileQuery {
+    std::string root;
+    std::uint64_t limit = 0;       ///< only files larger than that
+    bool hidden = false;           ///< entries with a dot in front too
+    bool systemFolders = false;    ///< the system's folders directly in "/" too
+};
+
+/// What a walk found.
+struct LooseFiles {
+    FileList files;                     ///< larger than the limit, outside of bundles
+    std::vector<std::string> bundles;   ///< outermost bundles in which an entry is larger than the limit
+    std::vector<std::shared_ptr<Arena>> storage;
+    bool mayRepeat = false;             ///< a link was followed or a mount was met: an entry may be listed twice
+};
+
+class LooseFileWalk final {
+public:
+    /// All references must outlive the walk. `stop` may be set from any thread.
+    LooseFileWalk(const FileSystem& files, const LooseFileQuery& query, const std::atomic<bool>& stop, SkipList& skipped);
+    ~LooseFileWalk();
+    LooseFileWalk(const LooseFileWalk&) = delete;
+    LooseFileWalk& operator=(const LooseFileWalk&) = delete;
+
+    /// Walks. The error when the root itself could not be listed. After a stop the result is empty.
+    [[nodiscard]] Result<LooseFiles> run();
+
+    /// The folder that is being listed; any thread, at any time before the walk is destroyed.
+    [[nodiscard]] std::string currentPath() const;
+
+    /// Files found so far; any thread.
+    [[nodiscard]] std::uint64_t listedFiles() const;
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
+
+/// True when the extension of the last component is "app" in any case and of exactly these three letters.
+[[nodiscard]] bool isBundleName(std::string_view name);
+
+/// The outermost bundle on the way to the path, itself included; empty when there is none.
+[[nodiscard]] std::string outermostBundle(std::string_view path);
+
+/// True when a component of the path begins with a dot.
+[[nodiscard]] bool hasHiddenComponent(std::string_view path);
+
+/// True when the first component behind the root is one of the folders that belong to the system, in any case.
+[[nodiscard]] bool isSystemFolder(std::string_view path);
+
+}  // namespace orrinvale

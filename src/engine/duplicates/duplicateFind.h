@@ -1,0 +1,101 @@
+// The state of one duplicate search: listing, bundles, pairing. DuplicateFilesOpt.h is its face; HashAhead.h its speed.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "engine/duplicates/AppAttrbItem.h"
+#include "engine/duplicates/fileAttrbItem.h"
+#include "engine/files/SkipList.h"
+#include "platform/files.h"
+
+namespace orrinvale {
+
+class getFileList;
+class FindDuplicateApp;
+class HashAhead;
+
+/// What a search did so far, for display beside the percent.
+struct SearchCounts {
+    std::uint64_t listedFiles = 0;
+    std::uint64_t hashedFiles = 0;
+    std::uint64_t hashedBytes = 0;
+};
+
+/// One search. searchDuplicateFileAtPath() runs on one thread; getProgress(), getCurrentSearchPath(), counts() and
+/// stopSearch() may be called from any; the result operations belong behind the end of the search.
+class duplicateFind final {
+public:
+    /// `files` must outlive the object.
+    explicit duplicateFind(const FileSystem& files);
+    ~duplicateFind();
+    duplicateFind(const duplicateFind&) = delete;
+    duplicateFind& operator=(const duplicateFind&) = delete;
+
+    void setSearchOption(bool hidden, bool option);
+
+    /// Searches and returns at the end. A path that does not exist or is no folder is an empty search.
+    void searchDuplicateFileAtPath(const std::string& path, std::uint64_t limittedSize);
+
+    /// Percent: the mean of the bundle search and the pairing. It falls while bundles are compared.
+    [[nodiscard]] std::uint64_t getProgress() const;
+    void stopSearch();
+
+    /// Appends all duplicates, the members of a group next to each other. False for a null array.
+    bool getAllDuplicateFile(FileList* array) const;
+
+    /// Appends the duplicates from the index on; false for a null array and an index beyond the count.
+    bool findNewDuplicateFile(FileList* array, std::uint64_t fromIndex) const;
+
+    void getAllAppDuplicateDir(std::vector<AppGroup>& array) const;
+    void getNewAppDuplicateDir(std::vector<AppGroup>& array, std::uint64_t fromIndex) const;
+
+    /// What the search is at, for display.
+    [[nodiscard]] std::string getCurrentSearchPath() const;
+
+    [[nodiscard]] SearchCounts counts() const;
+    [[nodiscard]] std::uint64_t listedBundles() const { return m_DirectoryArray.size(); }
+    [[nodiscard]] const SkipList& skipped() const { return m_skipped; }
+    [[nodiscard]] const std::optional<Error>& rootError() const { return m_rootError; }
+
+private:
+    int _searchDuplicateFile();
+    bool listFiles();
+    void getDuplicateApp(std::vector<std::string>* bundles);
+    void dropRepeatedEntries();
+    void pairFiles();
+    void takeGroup(HashAhead& hashes, std::uint32_t first, std::vector<std::uint8_t>& taken, std::uint64_t& remaining);
+
+    const FileSystem& m_files;
+    SkipList m_skipped;
+    std::string m_path;
+    FileArray m_allFileArray;
+    std::vector<AppGroup> m_allAppArray;
+    FileList m_newFileArray;
+    std::vector<std::string> m_DirectoryArray;
+    std::uint64_t m_allFileCount = 0;
+    std::uint64_t m_limittedSize = 0;
+    std::atomic<std::uint64_t> m_iProgress{0};
+    mutable std::atomic<std::uint64_t> m_iAppProgress{0};
+    std::atomic<std::uint64_t> m_listedFiles{0};
+    std::atomic<bool> m_Stop{false};
+    bool m_bSearchHiddenFile = false;
+    bool m_bSearchSystemDirectory = false;
+    bool m_mayRepeat = false;
+    std::optional<Error> m_rootError;
+
+    std::atomic<const fileAttrbItem*> m_item{nullptr};  // in hand; its path is put together only when somebody asks
+    mutable std::mutex m_mutex;
+    std::shared_ptr<getFileList> m_fileList;               // guarded by m_mutex; while the listing runs
+    std::shared_ptr<FindDuplicateApp> m_findDuplicateApp;  // guarded by m_mutex; while the bundle search runs
+    std::shared_ptr<HashAhead> m_hashAhead;                // guarded by m_mutex; while files are paired
+    mutable std::string m_CurrentSearchPath;               // guarded by m_mutex
+    SearchCounts m_hashCounts;                             // guarded by m_mutex
+};
+
+}  // namespace orrinvale

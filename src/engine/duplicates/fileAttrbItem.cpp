@@ -1,0 +1,44 @@
+// fileAttrbItem and FileArray: see fileAttrbItem.h.
+#include "engine/duplicates/fileAttrbItem.h"
+
+#include <new>
+
+namespace orrinvale {
+
+void fileAttrbItem::setAttributes(const FileAttributes& attributes) {
+    fileSize = attributes.size;
+    modified = attributes.modified;
+    changed = attributes.changed;
+    inode = attributes.inode;
+    links = attributes.links;
+    type = attributes.type;
+}
+
+fileAttrbItem& FileArray::add(std::string_view filePathName, const FileAttributes& attributes) {
+    if (!m_own) {
+        m_own = std::make_shared<Arena>();
+        m_storage.push_back(m_own);
+    }
+    const std::size_t slash = filePathName.rfind('/');
+    const std::string_view folder = slash == std::string_view::npos ? std::string_view(".")
+                                                                    : filePathName.substr(0, slash == 0 ? 1 : slash);
+    if (m_lastFolder == nullptr || folder != m_lastFolder->name) {
+        auto* const node = new (m_own->allocate<FolderNode>()) FolderNode;
+        node->name = m_own->copy(folder);
+        m_lastFolder = node;
+    }
+    auto* const item = new (m_own->allocate<fileAttrbItem>()) fileAttrbItem;
+    item->setAttributes(attributes);
+    item->folder = m_lastFolder;
+    item->name = m_own->copy(slash == std::string_view::npos ? filePathName : filePathName.substr(slash + 1));
+    m_items.push_back(item);
+    return *item;
+}
+
+void FileArray::adopt(FileList items, std::vector<std::shared_ptr<Arena>> storage) {
+    if (m_items.empty()) m_items = std::move(items);
+    else m_items.insert(m_items.end(), items.begin(), items.end());
+    m_storage.insert(m_storage.end(), storage.begin(), storage.end());
+}
+
+}  // namespace orrinvale

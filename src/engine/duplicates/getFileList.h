@@ -1,0 +1,91 @@
+// The listing of a duplicate search: loose files larger than a limit, and application bundles. LooseFileWalk does the work on all
+// cores; the single operations are here for callers that need one of them.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/duplicates/fileAttrbItem.h"
+#include "engine/files/SkipList.h"
+#include "platform/files.h"
+
+namespace orrinvale {
+
+class LooseFileWalk;
+struct TreeListing;
+
+/// One listing at a time, on one thread; stopSearch(), m_CurrentPath() and listedFiles() may be called from any thread.
+class getFileList final {
+public:
+    /// Both must outlive the object. What could not be read is added to `skipped`.
+    getFileList(const FileSystem& files, SkipList& skipped);
+    ~getFileList();
+    getFileList(const getFileList&) = delete;
+    getFileList& operator=(const getFileList&) = delete;
+
+    void setSearchHiddenFile(bool search) { m_bSearchHiddenFile = search; }
+    void setSearchSystemDirectory(bool search) { m_bSearchSystemDirectory = search; }
+
+    /// Appends every loose file below `path` that is larger than LimittedSize (bytes) to FileArray, in the order of a sequential
+    /// walk, and every outermost bundle with an entry larger than that to DirectoryArray. True when the root could be listed,
+    /// also after a stop. An empty path is false.
+    bool getListAtPath(const std::string& path, FileArray& FileArray, std::vector<std::string>& DirectoryArray,
+                       std::uint64_t LimittedSize);
+
+    /// Appends the paths of everything below the root, subject to the tests on the direct entries: hidden folders, the system's
+    /// folders in "/", and links there are followed. True when the root could be listed.
+    bool getDirectoryAtPath(const std::string& path, std::vector<std::string>& resultArray);
+
+    /// Appends everything below the folder, each folder behind its contents; links are left out. True when the folder was
+    /// listed and no stop was set.
+    bool getSubpathsOfDirectoryAtPath(std::vector<std::string>& array, const std::string& InPath);
+
+    /// True when the path lies in or is a bundle. The outermost one is appended to outArray when the entry itself is larger
+    /// than limitSize and the bundle is not there yet.
+    bool getAppDirectory(const std::string& path, std::vector<std::string>& outArray, std::uint64_t limitSize);
+
+    [[nodiscard]] static bool IsHiddenFile(std::string_view path);
+    [[nodiscard]] static bool IsSystemDirectory(std::string_view path);
+    [[nodiscard]] static bool IsAppDirectory(std::string_view path);
+    [[nodiscard]] static bool HasAppDirectory(std::string_view path);
+
+    /// Sets the flag that ends a listing early. getListAtPath() clears it at its start.
+    void stopSearch() { m_bStopSearch = true; }
+
+    /// The folder that is being listed.
+    [[nodiscard]] std::string m_CurrentPath() const;
+
+    /// Files listed so far.
+    [[nodiscard]] std::uint64_t listedFiles() const;
+
+    /// Why the root could not be listed, after a false answer.
+    [[nodiscard]] const std::optional<Error>& rootError() const { return m_rootError; }
+
+    /// True when the last listing may hold one directory entry twice: it followed a link, or met a mount.
+    [[nodiscard]] bool mayRepeat() const { return m_mayRepeat; }
+
+private:
+    bool fail(const char* method, const std::string& path, int number);
+    void setCurrentPath(std::string path);
+    SysResult<void> appendTree(const std::string& path, std::vector<std::string>& out);
+
+    const FileSystem& m_files;
+    SkipList& m_skipped;
+    std::atomic<bool> m_bStopSearch{false};
+    bool m_bSearchHiddenFile = false;
+    bool m_bSearchSystemDirectory = false;
+    bool m_mayRepeat = false;
+    std::optional<Error> m_rootError;
+
+    mutable std::mutex m_mutex;
+    std::string m_path;                     // guarded by m_mutex
+    std::unique_ptr<LooseFileWalk> m_walk;  // guarded by m_mutex; while a parallel listing runs
+};
+
+}  // namespace orrinvale

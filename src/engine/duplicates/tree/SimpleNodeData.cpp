@@ -1,0 +1,58 @@
+// SimpleNodeData: see SimpleNodeData.h.
+#include "engine/duplicates/tree/SimpleNodeData.h"
+
+namespace orrinvale {
+namespace {
+
+template <class Compare>
+std::weak_ordering compareWith(const TreeNodeData& other, Compare compare) {
+    const auto* const simple = dynamic_cast<const SimpleNodeData*>(&other);
+    return simple ? compare(*simple) : std::weak_ordering::equivalent;
+}
+
+std::weak_ordering names(const SimpleNodeData& left, const SimpleNodeData& right) { return left.name() <=> right.name(); }
+
+std::weak_ordering sizes(const SimpleNodeData& left, const SimpleNodeData& right) {
+    return left.fileSize() <=> right.fileSize();
+}
+
+std::weak_ordering dates(const SimpleNodeData& left, const SimpleNodeData& right) {
+    if (!left.ModificationDate() || !right.ModificationDate()) return std::weak_ordering::equivalent;
+    return *left.ModificationDate() <=> *right.ModificationDate();
+}
+
+}  // namespace
+
+std::shared_ptr<SimpleNodeData> SimpleNodeData::leafDataWithName(std::string name) {
+    return std::make_shared<SimpleNodeData>(std::move(name), true);
+}
+
+std::shared_ptr<SimpleNodeData> SimpleNodeData::groupDataWithName(std::string name) {
+    return std::make_shared<SimpleNodeData>(std::move(name), false);
+}
+
+SimpleNodeData::SimpleNodeData(std::string name, bool isLeaf)
+    : m_name(std::move(name)), m_isLeaf(isLeaf), m_isExpandable(!isLeaf) {}
+
+std::weak_ordering SimpleNodeData::compareName(const TreeNodeData& other) const {
+    return compareWith(other, [this](const SimpleNodeData& simple) { return names(*this, simple); });
+}
+std::weak_ordering SimpleNodeData::compareSize(const TreeNodeData& other) const {
+    return compareWith(other, [this](const SimpleNodeData& simple) { return sizes(*this, simple); });
+}
+std::weak_ordering SimpleNodeData::compareDate(const TreeNodeData& other) const {
+    return compareWith(other, [this](const SimpleNodeData& simple) { return dates(*this, simple); });
+}
+std::weak_ordering SimpleNodeData::compareNameR(const TreeNodeData& other) const {
+    return compareWith(other, [this](const SimpleNodeData& simple) { return names(simple, *this); });
+}
+std::weak_ordering SimpleNodeData::compareSizeR(const TreeNodeData& other) const {
+    return compareWith(other, [this](const SimpleNodeData& simple) { return sizes(simple, *this); });
+}
+std::weak_ordering SimpleNodeData::compareDateR(const TreeNodeData& other) const {
+    return compareWith(other, [this](const SimpleNodeData& simple) { return dates(simple, *this); });
+}
+
+bool SimpleNodeData::isOrderedBy(SortKey key) const { return key != SortKey::Date || m_modificationDate.has_value(); }
+
+}  // namespace orrinvale

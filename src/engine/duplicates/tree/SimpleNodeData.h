@@ -1,0 +1,95 @@
+// SimpleNodeData: what a row of the results shows and remembers.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "engine/base/Date.h"
+#include "engine/duplicates/tree/IconRequest.h"
+#include "engine/duplicates/tree/TreeNode.h"
+
+namespace orrinvale {
+
+/// The data of a group of duplicates or of one file or bundle in it. Main thread only, once a tree is shown.
+class SimpleNodeData final : public TreeNodeData {
+public:
+    /// A leaf; the name is its full path in exact bytes, which is also what is removed and previewed.
+    [[nodiscard]] static std::shared_ptr<SimpleNodeData> leafDataWithName(std::string name);
+    /// A group; the name is what the user reads.
+    [[nodiscard]] static std::shared_ptr<SimpleNodeData> groupDataWithName(std::string name);
+
+    SimpleNodeData(std::string name, bool isLeaf);
+
+    [[nodiscard]] const std::string& name() const { return m_name; }
+    void setName(std::string name) { m_name = std::move(name); }
+
+    /// Nothing means no picture.
+    [[nodiscard]] const std::optional<IconRequest>& iconRep() const { return m_iconRep; }
+    void setIconRep(std::optional<IconRequest> iconRep) { m_iconRep = std::move(iconRep); }
+
+    [[nodiscard]] bool isLeaf() const { return m_isLeaf; }
+    void setIsLeaf(bool isLeaf) { m_isLeaf = isLeaf; }
+    [[nodiscard]] bool isGroup() const { return !m_isLeaf; }
+
+    /// Whether the row may be opened; at first the opposite of isLeaf.
+    [[nodiscard]] bool isExpandable() const { return m_isExpandable; }
+    void setIsExpandable(bool isExpandable) { m_isExpandable = isExpandable; }
+
+    /// Bytes. A group's is the sum over its leaves when it was made, less what was removed since.
+    [[nodiscard]] std::uint64_t fileSize() const { return m_fileSize; }
+    void setFileSize(std::uint64_t fileSize) { m_fileSize = fileSize; }
+
+    /// A group's file extension, or "APP" for bundles.
+    [[nodiscard]] const std::string& extendName() const { return m_extendName; }
+    void setExtendName(std::string extendName) { m_extendName = std::move(extendName); }
+
+    /// True when the group already stands in a view of one type.
+    [[nodiscard]] bool Mark() const { return m_mark; }
+    void setMark(bool mark) { m_mark = mark; }
+
+    /// A leaf: 0 clear, 1 ticked. A group: 0 no leaf ticked, 1 all, 2 some.
+    [[nodiscard]] std::int32_t selectNum() const { return m_selectNum; }
+    void setSelectNum(std::int32_t selectNum) { m_selectNum = selectNum; }
+
+    /// A group's type, 1 to 6; 0 before it is known.
+    [[nodiscard]] std::int32_t fileType() const { return m_fileType; }
+    void setFileType(std::int32_t fileType) { m_fileType = fileType; }
+
+    /// When the leaf's file was last modified. A group has none.
+    [[nodiscard]] const std::optional<Date>& ModificationDate() const { return m_modificationDate; }
+    void setModificationDate(std::optional<Date> date) { m_modificationDate = date; }
+
+    /// A group's count of ticked leaves as "1/3".
+    [[nodiscard]] const std::string& showSelectNumStr() const { return m_showSelectNumStr; }
+    void setShowSelectNumStr(std::string text) { m_showSelectNumStr = std::move(text); }
+
+    /// The name.
+    [[nodiscard]] const std::string& description() const { return m_name; }
+
+    /// Names are compared byte by byte, sizes as numbers. Dates compare equivalent when either is missing.
+    [[nodiscard]] std::weak_ordering compareName(const TreeNodeData& other) const override;
+    [[nodiscard]] std::weak_ordering compareSize(const TreeNodeData& other) const override;
+    [[nodiscard]] std::weak_ordering compareDate(const TreeNodeData& other) const override;
+    [[nodiscard]] std::weak_ordering compareNameR(const TreeNodeData& other) const override;
+    [[nodiscard]] std::weak_ordering compareSizeR(const TreeNodeData& other) const override;
+    [[nodiscard]] std::weak_ordering compareDateR(const TreeNodeData& other) const override;
+    [[nodiscard]] bool isOrderedBy(SortKey key) const override;
+
+private:
+    std::string m_name;
+    std::string m_extendName;
+    std::string m_showSelectNumStr;
+    std::optional<IconRequest> m_iconRep;
+    std::optional<Date> m_modificationDate;
+    std::uint64_t m_fileSize = 0;
+    std::int32_t m_selectNum = 0;
+    std::int32_t m_fileType = 0;
+    bool m_isLeaf;
+    bool m_isExpandable;
+    bool m_mark = false;
+};
+
+}  // namespace orrinvale

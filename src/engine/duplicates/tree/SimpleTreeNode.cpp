@@ -1,0 +1,28 @@
+// SimpleTreeNode: see SimpleTreeNode.h.
+#include "engine/duplicates/tree/SimpleTreeNode.h"
+
+#include <utility>
+
+namespace orrinvale {
+
+SimpleTreeNode::SimpleTreeNode(const Dictionary& dictionary)
+    : TreeNode(SimpleNodeData::groupDataWithName(dictionary.Group), nullptr, {}) {
+    for (const auto& entry : dictionary.Entries) {
+        const auto* const group = std::get_if<Dictionary>(&entry);
+        insertChild(group ? treeFromDictionary(*group)
+                          : treeNodeWithData(SimpleNodeData::leafDataWithName(std::get<std::string>(entry))),
+                    numberOfChildren());
+    }
+}
+
+std::shared_ptr<SimpleTreeNode> SimpleTreeNode::treeNodeWithData(std::shared_ptr<TreeNodeData> data) {
+    return std::make_shared<SimpleTreeNode>(std::move(data), nullptr, std::vector<Pointer>{});
+}
+
+std::shared_ptr<SimpleTreeNode> SimpleTreeNode::treeFromDictionary(const Dictionary& dictionary) {
+    return std::make_shared<SimpleTreeNode>(dictionary);
+}
+
+SimpleNodeData* simpleData(const TreeNode& node) { return dynamic_cast<SimpleNodeData*>(node.nodeData().get()); }
+
+}  // namespace orrinvale

@@ -1,0 +1,187 @@
+// TreeNode: see TreeNode.h. Walks keep their own stack of nodes, as a tree may be deeper than the thread's stack.
+#include "engine/duplicates/tree/TreeNode.h"
+
+#include <algorithm>
+#include <cassert>
+#include <iterator>
+#include <stdexcept>
+#include <unordered_set>
+#include <utility>
+
+namespace orrinvale {
+namespace {
+
+constexpr auto kSame = std::weak_ordering::equivalent;
+
+std::weak_ordering compareData(const TreeNode& left, const TreeNode& right, TreeNode::Order order) {
+    const TreeNodeData* const first = left.nodeData().get();
+    const TreeNodeData* const second = right.nodeData().get();
+    return first && second ? (first->*order)(*second) : kSame;
+}
+
+}  // namespace
+
+std::weak_ordering TreeNodeData::compareName(const TreeNodeData&) const { return kSame; }
+std::weak_ordering TreeNodeData::compareSize(const TreeNodeData&) const { return kSame; }
+std::weak_ordering TreeNodeData::compareDate(const TreeNodeData&) const { return kSame; }
+std::weak_ordering TreeNodeData::compareNameR(const TreeNodeData&) const { return kSame; }
+std::weak_ordering TreeNodeData::compareSizeR(const TreeNodeData&) const { return kSame; }
+std::weak_ordering TreeNodeData::compareDateR(const TreeNodeData&) const { return kSame; }
+bool TreeNodeData::isOrderedBy(SortKey) const { return false; }
+
+TreeNode::Pointer TreeNode::treeNodeWithData(std::shared_ptr<TreeNodeData> data) {
+    return std::make_shared<TreeNode>(std::move(data), nullptr, std::vector<Pointer>{});
+}
+
+TreeNode::TreeNode(std::shared_ptr<TreeNodeData> data, TreeNode* parent, std::vector<Pointer> children)
+    : m_nodeParent(parent), m_nodeData(std::move(data)), m_nodeChildren(std::move(children)) {}
+
+TreeNode::~TreeNode() {
+    std::vector<Pointer> pending;
+    releaseChildren(pending);
+    while (!pending.empty()) {
+        const Pointer node = std::move(pending.back());
+        pending.pop_back();
+        // The last holder takes the children over first, so that the node's own end finds none and does not nest.
+        if (node && node.use_count() == 1) node->releaseChildren(pending);
+    }
+}
+
+void TreeNode::releaseChildren(std::vector<Pointer>& into) {
+    for (const Pointer& child : m_nodeChildren)
+        if (child && child->m_nodeParent == this) child->m_nodeParent = nullptr;
+    into.insert(into.end(), std::make_move_iterator(m_nodeChildren.begin()),
+                std::make_move_iterator(m_nodeChildren.end()));
+    m_nodeChildren.clear();
+}
+
+void TreeNode::setNodeData(std::shared_ptr<TreeNodeData> data) { m_nodeData = std::move(data); }
+
+void TreeNode::insertChild(Pointer child, std::size_t index) {
+    assert(child != nullptr);
+    if (index > m_nodeChildren.size()) throw std::out_of_range("the place lies behind the last child");
+    child->m_nodeParent = this;
+    m_nodeChildren.insert(m_nodeChildren.begin() + static_cast<std::ptrdiff_t>(index), std::move(child));
+}
+
+void TreeNode::removeChild(const TreeNode* child) {
+    const auto index = indexOfChild(child);
+    if (!index) throw std::out_of_range("the node is no child of this one");
+    const Pointer removed = m_nodeChildren[*index];  // keeps the child alive until the array is in order again
+    std::erase(m_nodeChildren, removed);
+    removed->m_nodeParent = nullptr;
+}
+
+void TreeNode::_removeChildrenIdenticalTo(std::span<const Pointer> nodes) {
+    std::unordered_set<const TreeNode*> removed;
+    removed.reserve(nodes.size());
+    for (const Pointer& node : nodes) {
+        node->m_nodeParent = nullptr;
+        removed.insert(node.get());
+    }
+    std::vector<Pointer> kept;
+    kept.reserve(m_nodeChildren.size());
+    for (const Pointer& child : m_nodeChildren)
+        if (!removed.contains(child.get())) kept.push_back(child);
+    m_nodeChildren.swap(kept);
+}
+
+void TreeNode::removeFromParent() {
+    if (m_nodeParent) m_nodeParent->removeChild(this);
+}
+
+std::optional<std::size_t> TreeNode::indexOfChild(const TreeNode* child) const {
+    const auto found = std::find_if(m_nodeChildren.begin(), m_nodeChildren.end(),
+                                    [child](const Pointer& each) { return each.get() == child; });
+    if (found == m_nodeChildren.end()) return std::nullopt;
+    return static_cast<std::size_t>(found - m_nodeChildren.begin());
+}
+
+std::optional<std::size_t> TreeNode::indexOfChildIdenticalTo(const TreeNode* child) const {
+    return indexOfChild(child);
+}
+
+TreeNode::Pointer TreeNode::lastChild() const { return m_nodeChildren.empty() ? nullptr : m_nodeChildren.back(); }
+
+bool TreeNode::isDescendantOfNode(const TreeNode* node) const {
+    const TreeNode* each = this;
+    while (each != nullptr && each != node) each = each->m_nodeParent;
+    return each != nullptr;
+}
+
+bool TreeNode::isDescendantOfNodeInArray(std::span<TreeNode* const> nodes) const {
+    return std::any_of(nodes.begin(), nodes.end(), [this](const TreeNode* node) { return isDescendantOfNode(node); });
+}
+
+void TreeNode::acendingSortName() { sortAllLevels(SortKey::Name, &TreeNodeData::compareName); }
+void TreeNode::acendingSortSize() { sortAllLevels(SortKey::Size, &TreeNodeData::compareSize); }
+void TreeNode::acendingSortDate() { sortAllLevels(SortKey::Date, &TreeNodeData::compareDate); }
+void TreeNode::decendingSortName() { sortAllLevels(SortKey::Name, &TreeNodeData::compareNameR); }
+void TreeNode::decendingSortSize() { sortAllLevels(SortKey::Size, &TreeNodeData::compareSizeR); }
+void TreeNode::decendingSortDate() { sortAllLevels(SortKey::Date, &TreeNodeData::compareDateR); }
+
+std::weak_ordering TreeNode::compareName(const TreeNode& other) const {
+    return compareData(*this, other, &TreeNodeData::compareName);
+}
+std::weak_ordering TreeNode::compareSize(const TreeNode& other) const {
+    return compareData(*this, other, &TreeNodeData::compareSize);
+}
+std::weak_ordering TreeNode::compareDate(const TreeNode& other) const {
+    return compareData(*this, other, &TreeNodeData::compareDate);
+}
+std::weak_ordering TreeNode::compareNameR(const TreeNode& other) const {
+    return compareData(*this, other, &TreeNodeData::compareNameR);
+}
+std::weak_ordering TreeNode::compareSizeR(const TreeNode& other) const {
+    return compareData(*this, other, &TreeNodeData::compareSizeR);
+}
+std::weak_ordering TreeNode::compareDateR(const TreeNode& other) const {
+    return compareData(*this, other, &TreeNodeData::compareDateR);
+}
+
+void TreeNode::sortAllLevels(SortKey key, Order order) {
+    std::vector<TreeNode*> pending{this};
+    while (!pending.empty()) {
+        TreeNode* const node = pending.back();
+        pending.pop_back();
+        node->sortChildren(key, order);
+        for (const Pointer& child : node->m_nodeChildren)
+            if (child->numberOfChildren() > 0) pending.push_back(child.get());
+    }
+}
+
+void TreeNode::sortChildren(SortKey key, Order order) {
+    // A node without the key is equal to every other, which is no order that a sort could follow; so such nodes keep their
+    // places, and only the rest is sorted, into the places that it had.
+    std::vector<std::size_t> places;
+    std::vector<Pointer> sorted;
+    for (std::size_t i = 0; i < m_nodeChildren.size(); ++i) {
+        const TreeNodeData* const data = m_nodeChildren[i]->m_nodeData.get();
+        if (!data || !data->isOrderedBy(key)) continue;
+        places.push_back(i);
+        sorted.push_back(std::move(m_nodeChildren[i]));
+    }
+    std::stable_sort(sorted.begin(), sorted.end(), [order](const Pointer& left, const Pointer& right) {
+        return compareData(*left, *right, order) < 0;
+    });
+    for (std::size_t i = 0; i < places.size(); ++i) m_nodeChildren[places[i]] = std::move(sorted[i]);
+}
+
+std::vector<TreeNode*> TreeNode::minimumNodeCoverFromNodesInArray(std::span<TreeNode* const> nodes) {
+    // The way up from a node always ends at its root, so the cover is the set of roots. Each node on a way is climbed from
+    // once; a later way stops where it meets an earlier one.
+    std::vector<TreeNode*> cover;
+    std::unordered_set<const TreeNode*> climbed;
+    for (TreeNode* node : nodes) {
+        while (climbed.insert(node).second) {
+            if (node->m_nodeParent == nullptr) {
+                cover.push_back(node);
+                break;
+            }
+            node = node->m_nodeParent;
+        }
+    }
+    return cover;
+}
+
+}  // namespace orrinvale

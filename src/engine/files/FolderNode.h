@@ -1,0 +1,42 @@
+// A folder that a scan has met: its name, its parent, its identity. Paths are put together from these when they are asked for.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "platform/files.h"
+
+namespace orrinvale {
+
+/// Lives in an Arena; written by the scan that found it, read-only afterwards.
+struct FolderNode {
+    const FolderNode* parent = nullptr;
+    const char* name = nullptr;  ///< exact bytes; of a root, which has no parent, the whole path
+    std::uint64_t device = 0;    ///< st_dev, inode and mount id as seen when the folder was opened; 0 before
+    std::uint64_t inode = 0;
+    std::uint64_t mount = 0;
+    bool throughLink = false;  ///< the name is a symbolic link that was followed
+};
+
+/// The path of the folder, or of the entry with that name in it. Exact bytes, no limit of length.
+[[nodiscard]] std::string pathOf(const FolderNode& folder);
+[[nodiscard]] std::string pathOf(const FolderNode& folder, std::string_view name);
+
+/// `folder` and `name` with one slash between them.
+[[nodiscard]] std::string joinPath(std::string_view folder, std::string_view name);
+
+/// The last component of a path; the path itself where it has no slash, "/" for the root.
+[[nodiscard]] std::string_view lastPathComponent(std::string_view path);
+
+/// What stands behind the last dot of the last component; empty when there is none, or nothing stands before the dot.
+[[nodiscard]] std::string_view pathExtension(std::string_view path);
+
+/// Opens a folder by its path, also one longer than the system's limit for a path: it is then opened piece by piece. Links on
+/// the way are followed; the caller compares identities where that matters.
+[[nodiscard]] SysResult<Descriptor> openFolderByPath(const FileSystem& files, const std::string& path, Links last);
+
+/// Opens a folder that a scan has met earlier; ESTALE when another folder stands at its path now.
+[[nodiscard]] SysResult<Descriptor> reopenFolder(const FileSystem& files, const FolderNode& folder);
+
+}  // namespace orrinvale

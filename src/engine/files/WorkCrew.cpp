@@ -1,0 +1,166 @@
+// WorkCrew: see WorkCrew.h.
+#include "engine/files/WorkCrew.h"
+
+#include <sched.h>
+
+#include <algorithm>
+#include <ctime>
+
+namespace orrinvale {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto beforeSecondThread = 150us;  // a thread costs 20 to 60 us to start and to join, measured
+constexpr auto betweenChecks = 3ms;
+constexpr double busy = 0.6;  // below this share of the cores in use, threads are waiting for the disk
+
+std::int64_t processorTime() {
+    timespec used{};
+    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &used);
+    return used.tv_sec * 1'000'000'000 + used.tv_nsec;
+}
+
+std::int64_t count(std::chrono::steady_clock::time_point time) {
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(time.time_since_epoch()).count();
+}
+
+}  // namespace
+
+unsigned WorkCrew::cores() {
+    static const unsigned number = [] {
+        cpu_set_t set;
+        if (::sched_getaffinity(0, sizeof set, &set) == 0) return static_cast<unsigned>(std::max(1, CPU_COUNT(&set)));
+        return std::max(1U, std::thread::hardware_concurrency());
+    }();
+    return number;
+}
+
+WorkCrew::WorkCrew(unsigned most) : m_most(std::max(1U, most)) {}
+
+void WorkCrew::run(const std::function<Step(unsigned)>& step) {
+    m_step = &step;
+    m_finished = false;
+    m_steps = 0;
+    m_limit = 1;
+    {
+        const std::lock_guard lock(m_mutex);
+        m_lastCheck = Clock::now();
+        m_lastProcessor = processorTime();
+        m_lastSteps = 0;
+        m_rateBefore = 0;
+        m_hold = 0;
+        m_nextCheck = count(m_lastCheck + beforeSecondThread);
+    }
+    work(0);
+    finish();
+    std::vector<std::jthread> threads;
+    {
+        const std::lock_guard lock(m_mutex);
+        threads.swap(m_threads);
+    }
+    threads.clear();  // joins
+    m_step = nullptr;
+}
+
+void WorkCrew::forEach(std::size_t total, std::size_t grain, const std::atomic<bool>& stop,
+                       const std::function<void(std::size_t, unsigned)>& task) {
+    std::atomic<std::size_t> next{0};
+    run([&](unsigned worker) {
+        if (stop.load(std::memory_order_relaxed)) return Step::Finished;
+        const std::size_t first = next.fetch_add(grain, std::memory_order_relaxed);
+        if (first >= total) return Step::Finished;
+        const std::size_t last = std::min(total, first + grain);
+        for (std::size_t index = first; index < last; ++index) task(index, worker);
+        return Step::Worked;
+    });
+}
+
+void WorkCrew::wake() {
+    m_generation.fetch_add(1);
+    if (m_sleepers.load() == 0) return;
+    const std::lock_guard lock(m_mutex);
+    m_wakeUp.notify_all();
+}
+
+void WorkCrew::finish() {
+    m_finished = true;
+    const std::lock_guard lock(m_mutex);
+    m_wakeUp.notify_all();
+}
+
+void WorkCrew::work(unsigned worker) {
+    while (!m_finished.load(std::memory_order_relaxed)) {
+        const std::uint64_t seen = m_generation.load();
+        if (worker >= m_limit.load(std::memory_order_relaxed)) {
+            park(worker, seen);
+            continue;
+        }
+        switch ((*m_step)(worker)) {
+            case Step::Worked:
+                m_steps.fetch_add(1, std::memory_order_relaxed);
+                consider();
+                break;
+            case Step::Idle: park(worker, seen); break;
+            case Step::Finished: finish(); break;
+        }
+    }
+}
+
+// Sleeps until wake() was called after `seen` was read. A worker beyond the limit is not counted: it is no sign of missing work.
+void WorkCrew::park(unsigned worker, std::uint64_t seen) {
+    std::unique_lock lock(m_mutex);
+    const unsigned counted = worker < m_limit.load() ? 1 : 0;
+    m_sleepers.fetch_add(counted);
+    m_wakeUp.wait(lock, [&] { return m_generation.load() != seen || m_finished.load(); });
+    m_sleepers.fetch_sub(counted);
+}
+
+void WorkCrew::consider() {
+    if (m_most == 1) return;
+    const auto now = Clock::now();
+    if (count(now) < m_nextCheck.load(std::memory_order_relaxed)) return;
+    const std::unique_lock lock(m_mutex, std::try_to_lock);
+    if (lock.owns_lock()) adjust(now);
+}
+
+void WorkCrew::adjust(Clock::time_point now) {
+    if (m_finished.load() || count(now) < m_nextCheck.load()) return;
+    m_nextCheck = count(now + betweenChecks);
+    const unsigned limit = m_limit.load();
+    const std::int64_t processor = processorTime();
+    const double seconds = std::chrono::duration<double>(now - m_lastCheck).count();
+    const double rate = static_cast<double>(m_steps.load() - m_lastSteps) / seconds;
+    const double used = static_cast<double>(processor - m_lastProcessor) * 1e-9 / seconds;
+    m_lastCheck = now;
+    m_lastProcessor = processor;
+    m_lastSteps = m_steps.load();
+    if (m_hold > 0) --m_hold;
+
+    if (limit < cores()) {
+        setLimit(std::min(cores(), m_most));
+        return;
+    }
+    if (m_rateBefore > 0 && rate < 0.75 * m_rateBefore) {
+        m_rateBefore = 0;
+        m_hold = 200;
+        setLimit(std::max(cores(), limit / 2));
+        return;
+    }
+    m_rateBefore = 0;
+    const bool waiting = used < busy * std::min(limit, cores());
+    if (!waiting || m_sleepers.load() != 0 || m_hold != 0 || limit >= m_most) return;
+    m_rateBefore = rate;
+    setLimit(std::min(m_most, limit * 2));
+}
+
+void WorkCrew::setLimit(unsigned limit) {
+    limit = std::min(limit, m_most);
+    m_limit = limit;
+    for (auto next = static_cast<unsigned>(m_threads.size()) + 1; next < limit; ++next)
+        m_threads.emplace_back([this, next] { work(next); });
+    m_generation.fetch_add(1);
+    m_wakeUp.notify_all();
+}
+
+}  // namespace orrinvale

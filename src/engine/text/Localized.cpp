@@ -1,0 +1,104 @@
+// Localized: see Localized.h. The source of the table comes from the build as one literal.
+#include "engine/text/Localized.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "builtInTexts.h"
+
+namespace orrinvale {
+namespace {
+
+constexpr std::string_view kBlanks = " \t\r";
+
+void skipBlanks(std::string_view& rest) { rest.remove_prefix(std::min(rest.find_first_not_of(kBlanks), rest.size())); }
+
+bool takeMark(std::string_view& rest, char mark) {
+    skipBlanks(rest);
+    if (!rest.starts_with(mark)) return false;
+    rest.remove_prefix(1);
+    return true;
+}
+
+std::optional<char> unescaped(char c) {
+    if (c == 'n') return '\n';
+    if (c == '"' || c == '\\') return c;
+    return std::nullopt;
+}
+
+std::optional<std::string> takeQuoted(std::string_view& rest) {
+    if (!takeMark(rest, '"')) return std::nullopt;
+    std::string text;
+    for (std::size_t i = 0; i < rest.size(); ++i) {
+        if (rest[i] == '"') {
+            rest.remove_prefix(i + 1);
+            return text;
+        }
+        if (rest[i] != '\\') {
+            text.push_back(rest[i]);
+            continue;
+        }
+        if (++i == rest.size()) break;
+        const auto meant = unescaped(rest[i]);
+        if (!meant) break;
+        text.push_back(*meant);
+    }
+    return std::nullopt;
+}
+
+/// Takes leading blanks and comments away; true while a comment goes on in the next line.
+bool skipComments(std::string_view& rest, bool isInside) {
+    while (true) {
+        if (isInside) {
+            const std::size_t end = rest.find("*/");
+            rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 2);
+            if (end == std::string_view::npos) return true;
+        }
+        skipBlanks(rest);
+        if (rest.starts_with("//")) rest = {};
+        isInside = rest.starts_with("/*");
+        if (!isInside) return false;
+        rest.remove_prefix(2);
+    }
+}
+
+bool readEntry(std::string_view& rest, StringTable& table) {
+    auto key = takeQuoted(rest);
+    if (!key || key->empty() || !takeMark(rest, '=')) return false;
+    auto text = takeQuoted(rest);
+    return text && takeMark(rest, ';') && table.texts.emplace(std::move(*key), std::move(*text)).second;
+}
+
+}  // namespace
+
+StringTable parseStringTable(std::string_view source) {
+    StringTable table;
+    bool isComment = false;
+    for (std::size_t number = 1; !source.empty(); ++number) {
+        const std::size_t end = std::min(source.find('\n'), source.size());
+        std::string_view line = source.substr(0, end);
+        source.remove_prefix(std::min(end + 1, source.size()));
+
+        isComment = skipComments(line, isComment);
+        if (line.empty()) continue;
+        const bool isEntry = readEntry(line, table);
+        isComment = skipComments(line, false);
+        if (!isEntry || !line.empty()) table.malformedLines.push_back(number);
+    }
+    return table;
+}
+
+const StringTable& builtInTexts() {
+    static const StringTable* const table = new StringTable(parseStringTable(kBuiltInTexts));
+    return *table;
+}
+
+std::string getLocalizedString(const char* key) {
+    if (key == nullptr) return {};
+    const auto& texts = builtInTexts().texts;
+    const auto found = texts.find(std::string_view(key));
+    return found == texts.end() ? std::string(key) : found->second;
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,118 @@
+// The file system as the engine sees it: folders, attributes, reading. platform/linux/LinuxFiles.h implements it.
+//
+// Everything works relative to an open folder, so that no operation depends on the length of a path and none can be led
+// astray by a folder that is exchanged for a link meanwhile. Failures are errno values; the caller, who knows the path,
+// makes an Error of them where one is wanted (platform/error.h).
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <tl/expected.hpp>
+#include <vector>
+
+#include "platform/descriptor.h"
+
+namespace orrinvale {
+
+/// A value, or the errno of the system call that failed.
+template <class T> using SysResult = tl::expected<T, int>;
+
+enum class FileType : std::uint8_t { Unknown, Regular, Folder, SymbolicLink, Fifo, Socket, CharacterDevice, BlockDevice };
+
+/// Whether the last component of a name is followed when it is a symbolic link.
+enum class Links : std::uint8_t { Follow, Keep };
+
+/// What one statx(2) tells. Times are nanoseconds since 1970-01-01 UTC, sizes are bytes.
+struct FileAttributes {
+    FileType type = FileType::Unknown;
+    std::uint32_t links = 0;      ///< hard links
+    std::uint64_t size = 0;       ///< for a symbolic link the length of its text
+    std::uint64_t onDisk = 0;     ///< space taken on the disk
+    std::uint64_t device = 0;     ///< st_dev
+    std::uint64_t inode = 0;
+    std::uint64_t mount = 0;      ///< mount id, 0 where the kernel gives none (before 5.8)
+    std::int64_t modified = 0;
+    std::int64_t changed = 0;     ///< change of the inode
+};
+
+/// One entry of a folder. `name` points into the batch that holds the entry.
+struct CatalogEntry {
+    const char* name = nullptr;       ///< NUL-terminated, exact bytes
+    FileType type = FileType::Unknown;  ///< as the listing tells; Unknown on file systems that do not tell
+    int error = 0;                    ///< errno of readAttributes, 0 when `attributes` holds
+    std::uint64_t inode = 0;
+    FileAttributes attributes;        ///< only after readAttributes
+};
+
+/// About a thousand entries of one folder, in the order in which the system gives them. Reusable; owns its buffer.
+struct CatalogBatch {
+    std::unique_ptr<std::byte[]> buffer;
+    std::vector<CatalogEntry> entries;
+};
+
+/// The state of reading files one after another through one thread; see FileSystem::beginReading.
+struct ReadState {
+    struct Range {
+        std::uint64_t offset, length;
+    };
+    std::uint64_t device = ~std::uint64_t{0};  ///< the device that `uncached` speaks of
+    bool uncached = false;                     ///< this device reads without leaving pages behind
+    bool denyNoAccessTime = false;             ///< an open was refused O_NOATIME; clear it when the folder changes
+    std::vector<Range> notResident;            ///< what has to be dropped at the end, for devices that can not
+};
+
+/// Thread-safe: holds no state of its own that changes. Every operation retries EINTR.
+class FileSystem {
+public:
+    virtual ~FileSystem() = default;
+
+    /// Opens a folder for listing and as a base for other operations. `parent` is an open folder, or noParent for an absolute
+    /// or working-directory-relative name. ENOTDIR when it is none, ELOOP when it is a link and links are kept.
+    [[nodiscard]] virtual SysResult<Descriptor> openFolder(int parent, const char* name, Links links) const = 0;
+
+    /// Replaces the batch by the next entries of the folder, "." and ".." left out. False at the end.
+    [[nodiscard]] virtual SysResult<bool> readFolder(int folder, CatalogBatch& batch) const = 0;
+
+    /// Fills `attributes` or `error` of each entry, links kept, with exactly one statx each.
+    virtual void readAttributes(int folder, std::span<CatalogEntry> entries) const = 0;
+
+    [[nodiscard]] virtual SysResult<FileAttributes> attributes(int parent, const char* name, Links links) const = 0;
+    [[nodiscard]] virtual SysResult<FileAttributes> attributes(int descriptor) const = 0;
+
+    /// Opens a file for reading. Never blocks on a FIFO, never becomes the controlling terminal's owner; the caller checks with
+    /// attributes() that it is a regular file before it trusts what it reads. Leaves the access time alone where it may.
+    [[nodiscard]] virtual SysResult<Descriptor> openFile(int parent, const char* name, Links links, ReadState& state) const = 0;
+
+    /// Call before the first and after the last read of an open file. Together they leave the page cache as it was: what
+    /// was resident stays, what reading brought in goes. `device` and `size` are the file's.
+    virtual void beginReading(int file, std::uint64_t device, std::uint64_t size, ReadState& state) const = 0;
+    virtual void endReading(int file, ReadState& state) const = 0;
+
+    /// Reads at an offset until the buffer is full or the file ends; the count of bytes read.
+    [[nodiscard]] virtual SysResult<std::size_t> read(int file, std::span<std::byte> buffer, std::uint64_t offset,
+                                                      ReadState& state) const = 0;
+
+    /// The same, but only what needs no waiting for the disk: EAGAIN when not all of it is in memory. Systems and file systems
+    /// that can not tell answer EAGAIN always.
+    [[nodiscard]] virtual SysResult<std::size_t> readResident(int file, std::span<std::byte> buffer, std::uint64_t offset,
+                                                              ReadState& state) const = 0;
+
+    /// Announces reads of single places, so that nothing is read ahead.
+    virtual void expectRandomReads(int file) const = 0;
+
+    /// Devices (st_dev) on which kernel file systems such as proc and sysfs are mounted at this moment. Scans do not enter them.
+    [[nodiscard]] virtual std::vector<std::uint64_t> kernelDevices() const = 0;
+
+    /// The path with every link resolved.
+    [[nodiscard]] virtual SysResult<std::string> resolved(const std::string& path) const = 0;
+
+    /// How many descriptors this process may hold open; raised to the hard limit at the first call.
+    [[nodiscard]] virtual std::size_t descriptorLimit() const = 0;
+
+    static constexpr int noParent = -100;  ///< AT_FDCWD
+};
+
+}  // namespace orrinvale

@@ -1,0 +1,220 @@
+// Listing, attributes and opening on Linux. Reading is in LinuxReading.cpp.
+#include "platform/linux/LinuxFiles.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/sysmacros.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+
+namespace orrinvale {
+namespace {
+
+// One listing call gives about a thousand entries of usual names: enough that the calls cost nothing, and a piece that is
+// worth handing to another thread while the rest of a large folder is still being listed.
+constexpr std::size_t listingBytes = 32 * 1024;
+
+constexpr unsigned wantedAttributes = STATX_TYPE | STATX_NLINK | STATX_SIZE | STATX_BLOCKS | STATX_INO | STATX_MTIME |
+                                      STATX_CTIME | 0x1000U;  // STATX_MNT_ID, not in every C library's header
+
+struct LinuxDirectoryEntry {
+    std::uint64_t inode;
+    std::int64_t offset;
+    std::uint16_t length;
+    std::uint8_t type;
+    char name[1];
+};
+constexpr std::size_t nameOffset = 19;  // getdents64(2): 8 + 8 + 2 + 1, with no padding before the name
+
+FileType typeOfListing(std::uint8_t type) {
+    switch (type) {
+        case DT_REG: return FileType::Regular;
+        case DT_DIR: return FileType::Folder;
+        case DT_LNK: return FileType::SymbolicLink;
+        case DT_FIFO: return FileType::Fifo;
+        case DT_SOCK: return FileType::Socket;
+        case DT_CHR: return FileType::CharacterDevice;
+        case DT_BLK: return FileType::BlockDevice;
+        default: return FileType::Unknown;
+    }
+}
+
+FileType typeOfMode(unsigned mode) {
+    switch (mode & S_IFMT) {
+        case S_IFREG: return FileType::Regular;
+        case S_IFDIR: return FileType::Folder;
+        case S_IFLNK: return FileType::SymbolicLink;
+        case S_IFIFO: return FileType::Fifo;
+        case S_IFSOCK: return FileType::Socket;
+        case S_IFCHR: return FileType::CharacterDevice;
+        case S_IFBLK: return FileType::BlockDevice;
+        default: return FileType::Unknown;
+    }
+}
+
+std::int64_t nanoseconds(const statx_timestamp& time) {
+    // A corrupt inode may hold any 64-bit second; beyond the range of nanoseconds it is held at the edge.
+    constexpr std::int64_t most = INT64_MAX / 1'000'000'000;
+    if (time.tv_sec >= most) return INT64_MAX;
+    if (time.tv_sec <= -most) return INT64_MIN;
+    return time.tv_sec * 1'000'000'000 + time.tv_nsec;
+}
+
+int askAttributes(int folder, const char* name, int flags, FileAttributes& out) {
+    struct statx answer;
+    if (::statx(folder, name, flags | AT_NO_AUTOMOUNT, wantedAttributes, &answer) != 0) return errno;
+    out.type = typeOfMode(answer.stx_mode);
+    out.links = answer.stx_nlink;
+    out.size = answer.stx_size;
+    out.onDisk = answer.stx_blocks * 512;
+    out.device = ::makedev(answer.stx_dev_major, answer.stx_dev_minor);
+    out.inode = answer.stx_ino;
+    std::memcpy(&out.mount, reinterpret_cast<const std::byte*>(&answer) + 144, sizeof out.mount);  // stx_mnt_id
+    out.modified = nanoseconds(answer.stx_mtime);
+    out.changed = nanoseconds(answer.stx_ctime);
+    return 0;
+}
+
+SysResult<Descriptor> openRetrying(int parent, const char* name, int flags) {
+    for (;;) {
+        const int number = ::openat(parent, name, flags);
+        if (number >= 0) return Descriptor(number);
+        if (errno != EINTR) return tl::unexpected(errno);
+    }
+}
+
+bool isDots(const char* name) { return name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0)); }
+
+// File systems that hold no files of people: kernel interfaces, and the trigger of the automounter.
+constexpr std::array<std::string_view, 21> kernelFileSystems{
+    "proc",     "sysfs",      "devtmpfs", "devpts",  "cgroup",  "cgroup2",    "debugfs",
+    "tracefs",  "securityfs", "pstore",   "bpf",     "mqueue",  "hugetlbfs",  "configfs",
+    "fusectl",  "efivarfs",   "autofs",   "selinuxfs", "nsfs",  "rpc_pipefs", "binfmt_misc"};
+
+}  // namespace
+
+SysResult<Descriptor> LinuxFileSystem::openFolder(int parent, const char* name, Links links) const {
+    const int follow = links == Links::Keep ? O_NOFOLLOW : 0;
+    return openRetrying(parent, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK | follow);
+}
+
+SysResult<bool> LinuxFileSystem::readFolder(int folder, CatalogBatch& batch) const {
+    if (!batch.buffer) batch.buffer = std::make_unique_for_overwrite<std::byte[]>(listingBytes);
+    batch.entries.clear();
+    while (batch.entries.empty()) {  // a call that gave nothing but "." and ".." is not the end
+        const long count = ::syscall(SYS_getdents64, folder, batch.buffer.get(), listingBytes);
+        if (count < 0) {
+            if (errno == EINTR) continue;
+            return tl::unexpected(errno);
+        }
+        if (count == 0) return false;
+        const std::byte* const end = batch.buffer.get() + count;
+        for (const std::byte* at = batch.buffer.get(); at < end;) {
+            LinuxDirectoryEntry head;
+            std::memcpy(&head, at, nameOffset);
+            const char* const name = reinterpret_cast<const char*>(at) + nameOffset;
+            if (!isDots(name)) {
+                auto& entry = batch.entries.emplace_back();
+                entry.name = name;
+                entry.type = typeOfListing(head.type);
+                entry.inode = head.inode;
+            }
+            at += head.length;
+        }
+    }
+    return true;
+}
+
+void LinuxFileSystem::readAttributes(int folder, std::span<CatalogEntry> entries) const {
+    for (CatalogEntry& entry : entries)
+        entry.error = askAttributes(folder, entry.name, AT_SYMLINK_NOFOLLOW, entry.attributes);
+}
+
+SysResult<FileAttributes> LinuxFileSystem::attributes(int parent, const char* name, Links links) const {
+    FileAttributes out;
+    const int error = askAttributes(parent, name, links == Links::Keep ? AT_SYMLINK_NOFOLLOW : 0, out);
+    if (error != 0) return tl::unexpected(error);
+    return out;
+}
+
+SysResult<FileAttributes> LinuxFileSystem::attributes(int descriptor) const {
+    FileAttributes out;
+    const int error = askAttributes(descriptor, "", AT_EMPTY_PATH, out);
+    if (error != 0) return tl::unexpected(error);
+    return out;
+}
+
+SysResult<Descriptor> LinuxFileSystem::openFile(int parent, const char* name, Links links, ReadState& state) const {
+    const int flags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | (links == Links::Keep ? O_NOFOLLOW : 0);
+    // Only the owner of a file may leave its access time alone; neighbours usually share their owner, so a refusal is
+    // remembered until the caller moves on to another folder.
+    if (!state.denyNoAccessTime) {
+        auto file = openRetrying(parent, name, flags | O_NOATIME);
+        if (file || file.error() != EPERM) return file;
+        state.denyNoAccessTime = true;
+    }
+    return openRetrying(parent, name, flags);
+}
+
+std::vector<std::uint64_t> LinuxFileSystem::kernelDevices() const {
+    std::vector<std::uint64_t> devices;
+    auto file = openRetrying(AT_FDCWD, "/proc/self/mountinfo", O_RDONLY | O_CLOEXEC);
+    if (!file) return devices;
+    std::string text;
+    std::array<char, 16384> piece;
+    for (ssize_t count = 0; (count = ::read(file->get(), piece.data(), piece.size())) > 0;)
+        text.append(piece.data(), static_cast<std::size_t>(count));
+
+    // proc(5): "36 35 98:0 /root /point options tags - type source options"
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size());
+        const std::string_view line(text.data() + at, end - at);
+        at = end + 1;
+        const std::size_t dash = line.find(" - ");
+        if (dash == std::string_view::npos) continue;
+        const std::string_view type = line.substr(dash + 3, line.find(' ', dash + 3) - dash - 3);
+        if (std::find(kernelFileSystems.begin(), kernelFileSystems.end(), type) == kernelFileSystems.end()) continue;
+        std::size_t field = line.find(' ');
+        if (field != std::string_view::npos) field = line.find(' ', field + 1);
+        if (field == std::string_view::npos) continue;
+        unsigned major = 0;
+        unsigned minor = 0;
+        const char* const last = line.data() + line.size();
+        const auto middle = std::from_chars(line.data() + field + 1, last, major);
+        if (middle.ec != std::errc{} || middle.ptr == last || *middle.ptr != ':') continue;
+        if (std::from_chars(middle.ptr + 1, last, minor).ec != std::errc{}) continue;
+        devices.push_back(::makedev(major, minor));
+    }
+    std::sort(devices.begin(), devices.end());
+    devices.erase(std::unique(devices.begin(), devices.end()), devices.end());
+    return devices;
+}
+
+SysResult<std::string> LinuxFileSystem::resolved(const std::string& path) const {
+    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
+    if (!real) return tl::unexpected(errno);
+    return std::string(real.get());
+}
+
+std::size_t LinuxFileSystem::descriptorLimit() const {
+    static const std::size_t limit = [] {
+        rlimit current{};
+        if (::getrlimit(RLIMIT_NOFILE, &current) != 0) return std::size_t{256};
+        rlimit raised = current;
+        raised.rlim_cur = std::min<rlim_t>(current.rlim_max, 65536);
+        if (raised.rlim_cur > current.rlim_cur && ::setrlimit(RLIMIT_NOFILE, &raised) == 0) current = raised;
+        return static_cast<std::size_t>(std::min<rlim_t>(current.rlim_cur, 65536));
+    }();
+    return limit;
+}
+
+}  // namespace orrinvale

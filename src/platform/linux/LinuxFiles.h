@@ -1,0 +1,30 @@
+// FileSystem over the Linux system calls. Read platform/files.h first.
+#pragma once
+
+#include "platform/files.h"
+
+namespace orrinvale {
+
+/// Needs Linux 4.11 (statx). Uses uncached reads (6.14), cachestat-free residency by mincore, and RWF_NOWAIT (4.14) where the
+/// kernel and the file system have them.
+class LinuxFileSystem final : public FileSystem {
+public:
+    SysResult<Descriptor> openFolder(int parent, const char* name, Links links) const override;
+    SysResult<bool> readFolder(int folder, CatalogBatch& batch) const override;
+    void readAttributes(int folder, std::span<CatalogEntry> entries) const override;
+    SysResult<FileAttributes> attributes(int parent, const char* name, Links links) const override;
+    SysResult<FileAttributes> attributes(int descriptor) const override;
+    SysResult<Descriptor> openFile(int parent, const char* name, Links links, ReadState& state) const override;
+    void beginReading(int file, std::uint64_t device, std::uint64_t size, ReadState& state) const override;
+    void endReading(int file, ReadState& state) const override;
+    SysResult<std::size_t> read(int file, std::span<std::byte> buffer, std::uint64_t offset,
+                                ReadState& state) const override;
+    SysResult<std::size_t> readResident(int file, std::span<std::byte> buffer, std::uint64_t offset,
+                                        ReadState& state) const override;
+    void expectRandomReads(int file) const override;
+    std::vector<std::uint64_t> kernelDevices() const override;
+    SysResult<std::string> resolved(const std::string& path) const override;
+    std::size_t descriptorLimit() const override;
+};
+
+}  // namespace orrinvale

@@ -1,0 +1,105 @@
+// Reading on Linux, leaving the page cache as it was.
+//
+// Where kernel and file system have it, every read carries RWF_DONTCACHE: pages that the read itself brought in go when it is
+// done, pages that somebody else had stay. Elsewhere the residency of the file is noted before the first read, and what was
+// not resident is dropped after the last.
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/uio.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+
+#include "platform/linux/LinuxFiles.h"
+
+namespace orrinvale {
+namespace {
+
+constexpr int readUncached = 0x80;  // RWF_DONTCACHE, newer than this C library's headers
+
+std::uint64_t pageBytes() {
+    static const std::uint64_t size = static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
+    return size;
+}
+
+ssize_t readOnce(int file, std::span<std::byte> buffer, std::uint64_t offset, int flags) {
+    iovec piece{buffer.data(), buffer.size()};
+    if (flags == 0) return ::pread(file, buffer.data(), buffer.size(), static_cast<off_t>(offset));
+    return ::preadv2(file, &piece, 1, static_cast<off_t>(offset), flags);
+}
+
+SysResult<std::size_t> readFully(int file, std::span<std::byte> buffer, std::uint64_t offset, int flags) {
+    std::size_t done = 0;
+    while (done < buffer.size()) {
+        const ssize_t count = readOnce(file, buffer.subspan(done), offset + done, flags);
+        if (count > 0) {
+            done += static_cast<std::size_t>(count);
+            // A short count from a regular file is its end. Asking again would cost a system call for every small file.
+            if (done < buffer.size() && (flags & RWF_NOWAIT) == 0) break;
+        } else if (count == 0) {
+            break;
+        } else if (errno != EINTR) {
+            return tl::unexpected(errno);
+        }
+    }
+    return done;
+}
+
+void addRange(std::vector<ReadState::Range>& ranges, std::uint64_t offset, std::uint64_t length) {
+    if (!ranges.empty() && ranges.back().offset + ranges.back().length == offset) ranges.back().length += length;
+    else ranges.push_back({offset, length});
+}
+
+// Notes which pages of the file are not in memory. A window of 256 MiB at a time keeps the address space small; the
+// mapping is only asked about, never touched.
+void noteResidency(int file, std::uint64_t size, std::vector<ReadState::Range>& notResident) {
+    constexpr std::uint64_t window = 256ULL << 20;
+    std::vector<unsigned char> pages;
+    for (std::uint64_t at = 0; at < size; at += window) {
+        const std::uint64_t length = std::min(window, size - at);
+        void* const map = ::mmap(nullptr, length, PROT_READ, MAP_SHARED, file, static_cast<off_t>(at));
+        if (map == MAP_FAILED) return;
+        pages.assign((length + pageBytes() - 1) / pageBytes(), 0);
+        if (::mincore(map, length, pages.data()) == 0) {
+            for (std::size_t page = 0; page < pages.size(); ++page)
+                if ((pages[page] & 1U) == 0) addRange(notResident, at + page * pageBytes(), pageBytes());
+        }
+        ::munmap(map, length);
+    }
+}
+
+}  // namespace
+
+void LinuxFileSystem::beginReading(int file, std::uint64_t device, std::uint64_t size, ReadState& state) const {
+    state.notResident.clear();
+    if (device != state.device) {
+        std::array<std::byte, 1> probe;
+        const ssize_t count = readOnce(file, probe, 0, readUncached);
+        state.uncached = count >= 0;
+        state.device = device;
+    }
+    if (!state.uncached) noteResidency(file, size, state.notResident);
+}
+
+void LinuxFileSystem::endReading(int file, ReadState& state) const {
+    for (const auto& range : state.notResident)
+        ::posix_fadvise(file, static_cast<off_t>(range.offset), static_cast<off_t>(range.length), POSIX_FADV_DONTNEED);
+    state.notResident.clear();
+}
+
+SysResult<std::size_t> LinuxFileSystem::read(int file, std::span<std::byte> buffer, std::uint64_t offset,
+                                             ReadState& state) const {
+    return readFully(file, buffer, offset, state.uncached ? readUncached : 0);
+}
+
+SysResult<std::size_t> LinuxFileSystem::readResident(int file, std::span<std::byte> buffer, std::uint64_t offset,
+                                                     ReadState&) const {
+    auto count = readFully(file, buffer, offset, RWF_NOWAIT);
+    if (!count && count.error() == EOPNOTSUPP) return tl::unexpected(EAGAIN);
+    return count;
+}
+
+void LinuxFileSystem::expectRandomReads(int file) const { ::posix_fadvise(file, 0, 0, POSIX_FADV_RANDOM); }
+
+}  // namespace orrinvale
