@@ -20,7 +20,8 @@ std::string folderFault(const FileSystem& files, const std::string& path) {
 }
 
 std::string progressLine(DuplicateFilesOpt& search) {
-    const SearchCounts counts = search.search() != nullptr ? search.search()->counts() : SearchCounts{};
+    const auto state = search.search();
+    const SearchCounts counts = state ? state->counts() : SearchCounts{};
     return fmt::format("{:3} %  {} files, {} read  {}", search.getProgress(), counts.listedFiles,
                        UtilityFunction::convertVolSpace(counts.hashedBytes), printable(search.getCurrentSearchFile()));
 }
@@ -58,9 +59,10 @@ Status DuplicatesCommand::run(const Arguments& arguments) {
         search.beginSearchAtPath(root, *limit);
         stopped = watch.wasSignalled();
     }
-    if (search.search()->rootError()) return cannotSearch(root, search.search()->rootError()->reason());
+    const auto state = search.search();
+    if (state->rootError()) return cannotSearch(root, state->rootError()->reason());
 
-    const std::vector<Error> skipped = search.search()->skipped().entries();
+    const std::vector<Error> skipped = state->skipped().entries();
     if (!arguments.has("quiet"))
         for (const Error& entry : skipped) complain(fmt::format("{}: {}", entry.path, entry.reason()));
 

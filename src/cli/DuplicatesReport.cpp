@@ -76,9 +76,9 @@ void appendSkipped(std::string& out, const std::vector<Error>& skipped) {
 
 DuplicatesSummary summarize(const DuplicateFilesOpt& search) {
     DuplicatesSummary summary;
-    if (search.search() != nullptr) {
-        summary.files = search.search()->counts().listedFiles;
-        summary.bundles = search.search()->listedBundles();
+    if (const auto state = search.search()) {
+        summary.files = state->counts().listedFiles;
+        summary.bundles = state->listedBundles();
     }
     search.visitGroups([&](const DuplicateGroup& group) {
         ++summary.groups;

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -99,6 +100,12 @@ public:
     /// that can not tell answer EAGAIN always.
     [[nodiscard]] virtual SysResult<std::size_t> readResident(int file, std::span<std::byte> buffer, std::uint64_t offset,
                                                               ReadState& state) const = 0;
+
+    /// Shows a stretch of a file that is in memory without copying it: calls visit(bytes) once and is true. False, without a call,
+    /// when not all of it is in memory or the system can not tell; a page-aligned offset is asked for. When the file shrinks
+    /// meanwhile the missing bytes read as zeros, and the answer is the error EIO.
+    [[nodiscard]] virtual SysResult<bool> visitResident(int file, std::uint64_t offset, std::uint64_t length,
+                                                        const std::function<void(std::span<const std::byte>)>& visit) const = 0;
 
     /// Announces reads of single places, so that nothing is read ahead.
     virtual void expectRandomReads(int file) const = 0;

@@ -62,14 +62,14 @@ public:
     /// the way for those who print. The pointers stay good as long as this object.
     void visitGroups(const std::function<void(const DuplicateGroup&)>& visit) const;
 
-    /// The search behind it; null before one began.
-    [[nodiscard]] const duplicateFind* search() const { return m_findDuplicate.get(); }
+    /// The search behind it, for its counts and what it skipped; null before one began. Any thread.
+    [[nodiscard]] std::shared_ptr<const duplicateFind> search() const { return current(); }
 
 private:
     std::shared_ptr<duplicateFind> current() const;
 
     const FileSystem& m_files;
-    std::shared_ptr<duplicateFind> m_findDuplicate;  // set once, under m_mutex
+    std::shared_ptr<duplicateFind> m_findDuplicate;  // guarded by m_mutex; set once
     FileList m_findArray;
     std::vector<AppGroup> m_findAppArray;
     std::uint64_t m_Index = 0;

@@ -18,14 +18,11 @@ namespace crcmath {
 inline constexpr std::uint64_t polynomial = 0x95AC9329AC4BC9B5;
 inline constexpr std::uint64_t one = std::uint64_t{1} << 63;
 
-[[nodiscard]] constexpr std::uint64_t timesX(std::uint64_t a) {
-    return (a >> 1) ^ ((a & 1) != 0 ? polynomial : 0);
-}
+[[nodiscard]] constexpr std::uint64_t timesX(std::uint64_t a) { return (a >> 1) ^ ((a & 1) != 0 ? polynomial : 0); }
 
 [[nodiscard]] constexpr std::uint64_t multiply(std::uint64_t a, std::uint64_t b) {
     std::uint64_t product = 0;
-    for (; a != 0; a <<= 1, b = timesX(b))
-        product ^= (a & one) != 0 ? b : 0;
+    for (; a != 0; a <<= 1, b = timesX(b)) product ^= (a & one) != 0 ? b : 0;
     return product;
 }
 
@@ -33,8 +30,7 @@ inline constexpr std::uint64_t one = std::uint64_t{1} << 63;
 [[nodiscard]] constexpr std::uint64_t powerOfX(std::uint64_t exponent) {
     std::uint64_t result = one;
     for (std::uint64_t square = timesX(one); exponent != 0; exponent >>= 1, square = multiply(square, square))
-        if ((exponent & 1) != 0)
-            result = multiply(result, square);
+        if ((exponent & 1) != 0) result = multiply(result, square);
     return result;
 }
 

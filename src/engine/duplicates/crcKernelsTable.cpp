@@ -19,8 +19,7 @@ constexpr std::array<Table, slices> makeTables() {
     std::array<Table, slices> tables{};
     for (std::uint64_t byte = 0; byte < 256; ++byte) {
         std::uint64_t value = byte;
-        for (int bit = 0; bit < 8; ++bit)
-            value = crcmath::timesX(value);
+        for (int bit = 0; bit < 8; ++bit) value = crcmath::timesX(value);
         tables[0][byte] = value;
     }
     for (std::size_t k = 1; k < slices; ++k)
@@ -37,8 +36,7 @@ static_assert(tables[0][1] == 0x7AD870C830358979);
 std::uint64_t loadLittleEndian(const unsigned char* bytes) {
     std::uint64_t word = 0;
     std::memcpy(&word, bytes, sizeof word);
-    if constexpr (std::endian::native == std::endian::big)
-        word = __builtin_bswap64(word);
+    if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
     return word;
 }
 
@@ -54,8 +52,7 @@ std::uint64_t updateByTable(std::uint64_t value, const void* data, std::size_t s
     const auto* bytes = static_cast<const unsigned char*>(data);
     for (; size >= slices; size -= slices, bytes += slices)
         value = lookUp(value ^ loadLittleEndian(bytes), 8) ^ lookUp(loadLittleEndian(bytes + 8), 0);
-    for (; size > 0; --size, ++bytes)
-        value = (value >> 8) ^ tables[0][(value & 0xFF) ^ *bytes];
+    for (; size > 0; --size, ++bytes) value = (value >> 8) ^ tables[0][(value & 0xFF) ^ *bytes];
     return value;
 }
 
@@ -66,8 +63,7 @@ constexpr CrcKernel tableKernel{"table", &alwaysSupported, &updateByTable};
 CrcKernel chooseFastest() {
     CrcKernel best = tableKernel;
     for (const CrcKernel& kernel : vectorCrcKernels())
-        if (kernel.supported())
-            best = kernel;
+        if (kernel.supported()) best = kernel;
     return best;
 }
 

@@ -65,9 +65,7 @@ ORRINVALE_SSE __m128i load(const unsigned char* bytes) {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
 }
 
-ORRINVALE_SSE __m128i constant(const Fold& fold) {
-    return _mm_load_si128(reinterpret_cast<const __m128i*>(&fold));
-}
+ORRINVALE_SSE __m128i constant(const Fold& fold) { return _mm_load_si128(reinterpret_cast<const __m128i*>(&fold)); }
 
 ORRINVALE_SSE __m128i fromWord(std::uint64_t word) { return _mm_cvtsi64_si128(static_cast<long long>(word)); }
 
@@ -93,8 +91,7 @@ ORRINVALE_SSE std::uint64_t reduced128(__m128i lane) {
     return highWord(_mm_xor_si128(reduced64(word), carried));
 }
 
-template <class Word>
-ORRINVALE_SSE std::uint64_t loadWord(const unsigned char* bytes) {
+template <class Word> ORRINVALE_SSE std::uint64_t loadWord(const unsigned char* bytes) {
     Word word;
     std::memcpy(&word, bytes, sizeof word);
     return word;
@@ -102,8 +99,7 @@ ORRINVALE_SSE std::uint64_t loadWord(const unsigned char* bytes) {
 
 /// Up to 7 bytes: by overlapping loads, since a loop over the bytes costs a mispredicted branch.
 ORRINVALE_SSE std::uint64_t updateBelow8(std::uint64_t value, const unsigned char* bytes, std::size_t size) {
-    if (size == 0)
-        return value;
+    if (size == 0) return value;
     std::uint64_t word = 0;
     if (size >= 4)
         word = loadWord<std::uint32_t>(bytes) | (loadWord<std::uint32_t>(bytes + size - 4) << (8 * (size - 4)));
@@ -126,8 +122,7 @@ ORRINVALE_SSE std::uint64_t updateBelow16(std::uint64_t value, const unsigned ch
 /// Shuffle indexes: from entry `n` on, 16 of them rotate a lane by n bytes to the front.
 constexpr std::array<std::uint8_t, 32> rotations = [] {
     std::array<std::uint8_t, 32> indexes{};
-    for (std::size_t i = 0; i < indexes.size(); ++i)
-        indexes[i] = static_cast<std::uint8_t>(i % 16);
+    for (std::size_t i = 0; i < indexes.size(); ++i) indexes[i] = static_cast<std::uint8_t>(i % 16);
     return indexes;
 }();
 
@@ -143,18 +138,14 @@ ORRINVALE_SSE __m128i foldedOverRest(__m128i lane, const unsigned char* bytes, s
 
 /// The value at the end of a message, from a lane and all the bytes that follow it.
 ORRINVALE_SSE std::uint64_t finished(__m128i lane, const unsigned char* bytes, std::size_t size) {
-    for (; size >= 16; size -= 16, bytes += 16)
-        lane = _mm_xor_si128(folded(lane, constant(fold16)), load(bytes));
-    if (size > 0)
-        lane = foldedOverRest(lane, bytes, size);
+    for (; size >= 16; size -= 16, bytes += 16) lane = _mm_xor_si128(folded(lane, constant(fold16)), load(bytes));
+    if (size > 0) lane = foldedOverRest(lane, bytes, size);
     return reduced128(lane);
 }
 
 ORRINVALE_SSE std::uint64_t updateSmall(std::uint64_t value, const unsigned char* bytes, std::size_t size) {
-    if (size < 8)
-        return updateBelow8(value, bytes, size);
-    if (size < 16)
-        return updateBelow16(value, bytes, size);
+    if (size < 8) return updateBelow8(value, bytes, size);
+    if (size < 16) return updateBelow16(value, bytes, size);
     return finished(_mm_xor_si128(load(bytes), fromWord(value)), bytes + 16, size - 16);
 }
 
@@ -164,8 +155,7 @@ constexpr Fold fold64 = foldOver(64);
 
 [[gnu::target("sse4.1,pclmul")]] std::uint64_t updateBy128(std::uint64_t value, const void* data, std::size_t size) {
     const auto* bytes = static_cast<const unsigned char*>(data);
-    if (size < 64)
-        return updateSmall(value, bytes, size);
+    if (size < 64) return updateSmall(value, bytes, size);
     __m128i a = _mm_xor_si128(load(bytes), fromWord(value));
     __m128i b = load(bytes + 16);
     __m128i c = load(bytes + 32);
@@ -201,8 +191,7 @@ constexpr Fold fold128 = foldOver(128);
 
 ORRINVALE_AVX2 std::uint64_t updateBy256(std::uint64_t value, const void* data, std::size_t size) {
     const auto* bytes = static_cast<const unsigned char*>(data);
-    if (size < 32)
-        return updateSmall(value, bytes, size);
+    if (size < 32) return updateSmall(value, bytes, size);
     __m256i a = _mm256_xor_si256(load256(bytes), _mm256_zextsi128_si256(fromWord(value)));
     if (size < 128) {
         bytes += 32, size -= 32;
@@ -220,8 +209,7 @@ ORRINVALE_AVX2 std::uint64_t updateBy256(std::uint64_t value, const void* data, 
         c = _mm256_xor_si256(folded256(c, fold32), d);
         a = _mm256_xor_si256(a, c);
     }
-    for (; size >= 32; bytes += 32, size -= 32)
-        a = _mm256_xor_si256(folded256(a, fold32), load256(bytes));
+    for (; size >= 32; bytes += 32, size -= 32) a = _mm256_xor_si256(folded256(a, fold32), load256(bytes));
     const __m128i first = folded(_mm256_castsi256_si128(a), constant(fold16));
     return finished(_mm_xor_si128(first, _mm256_extracti128_si256(a, 1)), bytes, size);
 }
@@ -248,8 +236,7 @@ ORRINVALE_AVX512 inline __m512i constant512(const Fold& by) { return _mm512_broa
 ORRINVALE_AVX512 inline __m512i byteNumbers() {
     alignas(64) static constexpr auto numbers = [] {
         std::array<std::uint8_t, 64> result{};
-        for (std::size_t i = 0; i < result.size(); ++i)
-            result[i] = static_cast<std::uint8_t>(i);
+        for (std::size_t i = 0; i < result.size(); ++i) result[i] = static_cast<std::uint8_t>(i);
         return result;
     }();
     return _mm512_load_si512(numbers.data());
@@ -309,8 +296,7 @@ ORRINVALE_AVX512 inline __m512i foldedOverRest512(__m512i lanes, const unsigned 
 
 ORRINVALE_AVX512 std::uint64_t updateBy512(std::uint64_t value, const void* data, std::size_t size) {
     const auto* bytes = static_cast<const unsigned char*>(data);
-    if (size < 8)
-        return updateBelow8(value, bytes, size);
+    if (size < 8) return updateBelow8(value, bytes, size);
     const __m512i start = _mm512_zextsi128_si512(fromWord(value));
     if (size < 64) {  // the mask keeps the load from touching what lies behind the last byte
         const __m512i piece = _mm512_maskz_loadu_epi8(_bzhi_u64(~0ULL, static_cast<unsigned>(size)), bytes);
@@ -323,10 +309,8 @@ ORRINVALE_AVX512 std::uint64_t updateBy512(std::uint64_t value, const void* data
         lanes = _mm512_xor_si512(load512(bytes), start);
         bytes += 64, size -= 64;
     }
-    for (; size >= 64; bytes += 64, size -= 64)
-        lanes = foldedOnto(load512(bytes), lanes, constant512(fold64));
-    if (size > 0)
-        lanes = foldedOverRest512(lanes, bytes, size);
+    for (; size >= 64; bytes += 64, size -= 64) lanes = foldedOnto(load512(bytes), lanes, constant512(fold64));
+    if (size > 0) lanes = foldedOverRest512(lanes, bytes, size);
     return reduced512(lanes);
 }
 

@@ -2,6 +2,7 @@
 #include "engine/files/WorkCrew.h"
 
 #include <sched.h>
+#include <sys/resource.h>
 
 #include <algorithm>
 #include <ctime>
@@ -19,6 +20,14 @@ std::int64_t processorTime() {
     timespec used{};
     ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &used);
     return used.tv_sec * 1'000'000'000 + used.tv_nsec;
+}
+
+// How often threads of this process gave up the processor to wait for something. Other programs that take processors away do not
+// count here, so that a loaded machine is not mistaken for a slow disk.
+std::int64_t waits() {
+    rusage usage{};
+    ::getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_nvcsw;
 }
 
 std::int64_t count(std::chrono::steady_clock::time_point time) {
@@ -47,6 +56,7 @@ void WorkCrew::run(const std::function<Step(unsigned)>& step) {
         const std::lock_guard lock(m_mutex);
         m_lastCheck = Clock::now();
         m_lastProcessor = processorTime();
+        m_lastWaits = waits();
         m_lastSteps = 0;
         m_rateBefore = 0;
         m_hold = 0;
@@ -129,12 +139,16 @@ void WorkCrew::adjust(Clock::time_point now) {
     m_nextCheck = count(now + betweenChecks);
     const unsigned limit = m_limit.load();
     const std::int64_t processor = processorTime();
+    const std::int64_t waited = waits();
+    const std::uint64_t steps = m_steps.load();
     const double seconds = std::chrono::duration<double>(now - m_lastCheck).count();
-    const double rate = static_cast<double>(m_steps.load() - m_lastSteps) / seconds;
+    const double rate = static_cast<double>(steps - m_lastSteps) / seconds;
     const double used = static_cast<double>(processor - m_lastProcessor) * 1e-9 / seconds;
+    const bool blocked = static_cast<double>(waited - m_lastWaits) > 0.5 * static_cast<double>(steps - m_lastSteps);
     m_lastCheck = now;
     m_lastProcessor = processor;
-    m_lastSteps = m_steps.load();
+    m_lastWaits = waited;
+    m_lastSteps = steps;
     if (m_hold > 0) --m_hold;
 
     if (limit < cores()) {
@@ -148,7 +162,7 @@ void WorkCrew::adjust(Clock::time_point now) {
         return;
     }
     m_rateBefore = 0;
-    const bool waiting = used < busy * std::min(limit, cores());
+    const bool waiting = blocked && used < busy * std::min(limit, cores());
     if (!waiting || m_sleepers.load() != 0 || m_hold != 0 || limit >= m_most) return;
     m_rateBefore = rate;
     setLimit(std::min(m_most, limit * 2));

@@ -73,6 +73,7 @@ private:
     std::vector<std::jthread> m_threads;
     Clock::time_point m_lastCheck;
     std::int64_t m_lastProcessor = 0;
+    std::int64_t m_lastWaits = 0;
     std::uint64_t m_lastSteps = 0;
     double m_rateBefore = 0;  // steps a second before the last doubling, 0 when there was none to judge
     unsigned m_hold = 0;      // checks to let pass before the next doubling

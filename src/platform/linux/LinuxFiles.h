@@ -21,6 +21,8 @@ public:
                                 ReadState& state) const override;
     SysResult<std::size_t> readResident(int file, std::span<std::byte> buffer, std::uint64_t offset,
                                         ReadState& state) const override;
+    SysResult<bool> visitResident(int file, std::uint64_t offset, std::uint64_t length,
+                                  const std::function<void(std::span<const std::byte>)>& visit) const override;
     void expectRandomReads(int file) const override;
     std::vector<std::uint64_t> kernelDevices() const override;
     SysResult<std::string> resolved(const std::string& path) const override;

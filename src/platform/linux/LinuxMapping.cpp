@@ -1,0 +1,95 @@
+// Looking at files in memory through a mapping, safe against files that shrink meanwhile.
+//
+// Large files that are in memory are hashed a third faster this way than by reading, which copies them. The price is SIGBUS: a
+// mapped page behind the new end of a file that was cut raises it. The handler puts a page of zeros there and notes the
+// fault; whoever looked then knows that what it saw is not the file.
+#include <signal.h>
+#include <sys/mman.h>
+#include <sys/syscall.h>
+
+#include <atomic>
+#include <cerrno>
+#include <mutex>
+
+#include "platform/linux/LinuxFiles.h"
+
+namespace orrinvale {
+namespace {
+
+// What this thread is looking at. Plain words, since the handler runs on the thread itself.
+struct View {
+    std::uintptr_t first;
+    std::uintptr_t last;
+    bool faulted;
+};
+thread_local View t_view{0, 0, false};
+
+struct sigaction s_before {};
+
+void onBusError(int number, siginfo_t* info, void* context) {
+    const auto at = reinterpret_cast<std::uintptr_t>(info->si_addr);
+    if (at >= t_view.first && at < t_view.last) {
+        const std::uintptr_t page = at & ~std::uintptr_t{4095};
+        void* const zeros = ::mmap(reinterpret_cast<void*>(page), 4096, PROT_READ,
+                                   MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED, -1, 0);
+        t_view.faulted = true;
+        if (zeros != MAP_FAILED) return;
+    }
+    // Not ours: as if this handler were not there.
+    if ((s_before.sa_flags & SA_SIGINFO) != 0 && s_before.sa_sigaction != nullptr) {
+        s_before.sa_sigaction(number, info, context);
+        return;
+    }
+    struct sigaction plain {};
+    plain.sa_handler = SIG_DFL;
+    ::sigaction(number, &plain, nullptr);
+}
+
+void installHandler() {
+    static std::once_flag once;
+    std::call_once(once, [] {
+        struct sigaction action {};
+        action.sa_sigaction = &onBusError;
+        action.sa_flags = SA_SIGINFO | SA_NODEFER;
+        ::sigaction(SIGBUS, &action, &s_before);
+    });
+}
+
+// cachestat(2), Linux 6.5: the only question about residency that costs a look at the large pieces, not at each page.
+struct CacheRange {
+    std::uint64_t offset, length;
+};
+struct CacheStatistics {
+    std::uint64_t cached, dirty, writeback, evicted, recentlyEvicted;
+};
+constexpr long cachestatNumber = 451;
+
+bool isResident(int file, std::uint64_t offset, std::uint64_t length) {
+    CacheRange range{offset, length};
+    CacheStatistics statistics{};
+    if (::syscall(cachestatNumber, file, &range, &statistics, 0U) != 0) return false;
+    return statistics.cached * 4096 >= length;
+}
+
+}  // namespace
+
+SysResult<bool> LinuxFileSystem::visitResident(int file, std::uint64_t offset, std::uint64_t length,
+                                               const std::function<void(std::span<const std::byte>)>& visit) const {
+    static const bool usualPages = ::sysconf(_SC_PAGESIZE) == 4096;
+    if (!usualPages || length == 0 || offset % 4096 != 0 || !isResident(file, offset, length)) return false;
+    installHandler();
+    void* const map = ::mmap(nullptr, length, PROT_READ, MAP_SHARED | MAP_POPULATE, file, static_cast<off_t>(offset));
+    if (map == MAP_FAILED) return false;
+    const auto first = reinterpret_cast<std::uintptr_t>(map);
+    t_view = {first, first + length, false};
+    std::atomic_signal_fence(std::memory_order_seq_cst);
+    visit({static_cast<const std::byte*>(map), length});
+    std::atomic_signal_fence(std::memory_order_seq_cst);
+    const bool faulted = t_view.faulted;
+    t_view = {0, 0, false};
+    ::munmap(map, length);
+    if (faulted) return tl::unexpected(EIO);
+    return true;
+}
+
+}  // namespace orrinvale
