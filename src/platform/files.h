@@ -96,8 +96,8 @@ public:
     [[nodiscard]] virtual SysResult<std::size_t> read(int file, std::span<std::byte> buffer, std::uint64_t offset,
                                                       ReadState& state) const = 0;
 
-    /// The same, but only what needs no waiting for the disk: EAGAIN when not all of it is in memory. Systems and file systems
-    /// that can not tell answer EAGAIN always.
+    /// The same, but only what needs no waiting for the disk: EAGAIN, with nothing begun, when not all of it is in memory or
+    /// the system can not tell.
     [[nodiscard]] virtual SysResult<std::size_t> readResident(int file, std::span<std::byte> buffer, std::uint64_t offset,
                                                               ReadState& state) const = 0;
 
@@ -107,7 +107,7 @@ public:
     [[nodiscard]] virtual SysResult<bool> visitResident(int file, std::uint64_t offset, std::uint64_t length,
                                                         const std::function<void(std::span<const std::byte>)>& visit) const = 0;
 
-    /// Announces reads of single places, so that nothing is read ahead.
+    /// Announces reads of single places, so that nothing is read ahead. Call it before beginReading().
     virtual void expectRandomReads(int file) const = 0;
 
     /// Devices (st_dev) on which kernel file systems such as proc and sysfs are mounted at this moment. Scans do not enter them.

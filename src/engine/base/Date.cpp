@@ -47,7 +47,8 @@ std::string clockText(std::int64_t seconds, char between) {
                        clock.hour, clock.minute, clock.second);
 }
 
-/// Takes texts apart from the left: digits of a fixed count, and single marks. Once a piece is missing all further fail.
+/// Takes texts apart from the left: digits of a fixed count, and single marks. Once a piece is missing all further
+/// fail.
 class Reader {
 public:
     explicit Reader(std::string_view text) : m_rest(text) {}

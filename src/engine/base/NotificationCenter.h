@@ -19,8 +19,8 @@ struct Notification {
     UserInfo userInfo;
 };
 
-/// Hands a notice to those who asked for its name. All operations may be called from any thread, and from within a handler.
-/// No lock is held while a handler runs or is destroyed.
+/// Hands a notice to those who asked for its name. All operations may be called from any thread, and from within a
+/// handler. No lock is held while a handler runs or is destroyed.
 class NotificationCenter final {
     struct Entry;
     struct Registry;

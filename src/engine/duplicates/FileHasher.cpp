@@ -104,8 +104,8 @@ FileHasher::Ends FileHasher::hashEnds(fileAttrbItem& item, bool waitForTail) {
     std::byte tail[tailBytes];
     const int number = file->get();
     ReadState& state = m_opener.state();
-    m_files.beginReading(number, deviceOf(item, number), item.fileSize, state);
     m_files.expectRandomReads(number);
+    m_files.beginReading(number, deviceOf(item, number), item.fileSize, state);
     const auto headCount = m_files.read(number, head, 0, state);
     const std::uint64_t tailAt = item.fileSize - std::min<std::uint64_t>(item.fileSize, tailBytes);
     const auto tailCount = waitForTail ? m_files.read(number, tail, tailAt, state)
@@ -137,8 +137,9 @@ std::span<std::byte> FileHasher::largeBuffer() {
 SysResult<std::uint64_t> FileHasher::stream(int file, std::uint64_t offset, std::uint64_t length, std::uint64_t& value) {
     const std::span<std::byte> buffer = largeBuffer();
     std::uint64_t done = 0;
+    bool fromDisk = false;  // then what is read ahead looks resident, but is ours, and must go again
     while (done < length) {
-        if (length - done >= mappedPiece) {
+        if (!fromDisk && length - done >= mappedPiece) {
             const auto seen = m_files.visitResident(file, offset + done, mappedPiece,
                                                     [&](std::span<const std::byte> bytes) { value = extend(value, bytes); });
             if (!seen) return tl::unexpected(seen.error());
@@ -149,8 +150,10 @@ SysResult<std::uint64_t> FileHasher::stream(int file, std::uint64_t offset, std:
         }
         const auto left = static_cast<std::size_t>(std::min<std::uint64_t>(length - done, buffer.size()));
         auto piece = buffer.first(std::min(left, residentPiece));
-        auto count = m_files.readResident(file, piece, offset + done, m_opener.state());
+        SysResult<std::size_t> count = tl::unexpected(EAGAIN);
+        if (!fromDisk) count = m_files.readResident(file, piece, offset + done, m_opener.state());
         if (!count) {
+            fromDisk = true;
             piece = buffer.first(left);
             count = m_files.read(file, piece, offset + done, m_opener.state());
         }

@@ -124,6 +124,11 @@ bool FindDuplicateApp::CompareDir(AppAttrbItem* dir, AppAttrbItem* With) {
     if (!agree(*dir, *With, [](const fileAttrbItem& file) { return Key{file.fileSize, file.md5_1k, 0}; })) return false;
 
     hashWholes(m_files, m_skipped, *dir, *With);
+    // Whoever removes one of two copies relies on both having been read. Empty files have no hash, and links that lead nowhere
+    // and the like are nothing but their size.
+    for (const AppAttrbItem* bundle : {dir, With})
+        for (const fileAttrbItem* file : bundle->AllFileInDirectory.items())
+            if (file->type == FileType::Regular && file->fileSize != 0 && file->md5 == 0) return false;
     return agree(*dir, *With, [](const fileAttrbItem& file) { return Key{file.fileSize, file.md5_1k, file.md5}; });
 }
 

@@ -41,10 +41,11 @@ std::optional<Entry> entryOf(const FileSystem& files, const fileAttrbItem& item)
 }  // namespace
 
 void dropRepeatedEntries(const FileSystem& files, FileArray& array) {
-    std::set<Entry> seen;
+    // Only files listed with one size can meet. A link to a file has the size of its own text, and must not put out the file.
+    std::set<std::pair<std::uint64_t, Entry>> seen;
     array.removeIf([&](const fileAttrbItem* item) {
         auto entry = entryOf(files, *item);
-        return entry && !seen.insert(std::move(*entry)).second;
+        return entry && !seen.insert({item->fileSize, std::move(*entry)}).second;
     });
 }
 

@@ -55,8 +55,8 @@ bool algorithm::getMD5_1K(fileAttrbItem& item) {
         return false;
     }
     ReadState& state = m_opener.state();
-    m_files.beginReading(file->get(), before->device, before->size, state);
     m_files.expectRandomReads(file->get());
+    m_files.beginReading(file->get(), before->device, before->size, state);
     const auto count = m_files.read(file->get(), {m_Buf.get(), FileHasher::headBytes}, 0, state);
     m_files.endReading(file->get(), state);
     const auto after = m_files.attributes(file->get());

@@ -69,8 +69,6 @@ ORRINVALE_SSE __m128i constant(const Fold& fold) { return _mm_load_si128(reinter
 
 ORRINVALE_SSE __m128i fromWord(std::uint64_t word) { return _mm_cvtsi64_si128(static_cast<long long>(word)); }
 
-ORRINVALE_SSE std::uint64_t lowWord(__m128i lane) { return static_cast<std::uint64_t>(_mm_cvtsi128_si64(lane)); }
-
 ORRINVALE_SSE std::uint64_t highWord(__m128i lane) { return static_cast<std::uint64_t>(_mm_extract_epi64(lane, 1)); }
 
 ORRINVALE_SSE __m128i folded(__m128i lane, __m128i by) {

@@ -43,15 +43,13 @@ int duplicateFind::_searchDuplicateFile() {
 }
 
 bool duplicateFind::listFiles() {
-    const auto list = std::make_shared<getFileList>(m_files, m_skipped);
+    const auto list = std::make_shared<getFileList>(m_files, m_skipped, &m_Stop);
     list->setSearchHiddenFile(m_bSearchHiddenFile);
     list->setSearchSystemDirectory(m_bSearchSystemDirectory);
     {
         const std::lock_guard lock(m_mutex);
         m_fileList = list;
     }
-    // A stop asked for before the list was there would be lost, since a listing clears its own flag at its start.
-    if (m_Stop) return true;
     const bool listed = list->getListAtPath(m_path, m_allFileArray, m_DirectoryArray, m_limittedSize);
     m_rootError = list->rootError();
     m_mayRepeat = list->mayRepeat();
@@ -62,9 +60,9 @@ bool duplicateFind::listFiles() {
 void duplicateFind::getDuplicateApp(std::vector<std::string>* bundles) {
     if (bundles == nullptr) return;
     const auto search = std::make_shared<FindDuplicateApp>(m_files, m_skipped);
-    if (m_Stop) search->setStopSearch(true);
     {
         const std::lock_guard lock(m_mutex);
+        if (m_Stop) search->setStopSearch(true);
         m_findDuplicateApp = search;
         if (m_fileList) m_CurrentSearchPath = m_fileList->m_CurrentPath();
     }

@@ -17,7 +17,8 @@ constexpr const char* treeName = "-[getFileList getSubpathsOfDirectoryAtPath:InP
 
 }  // namespace
 
-getFileList::getFileList(const FileSystem& files, SkipList& skipped) : m_files(files), m_skipped(skipped) {}
+getFileList::getFileList(const FileSystem& files, SkipList& skipped, const std::atomic<bool>* alsoStop)
+    : m_files(files), m_skipped(skipped), m_alsoStop(alsoStop) {}
 getFileList::~getFileList() = default;
 
 bool getFileList::IsHiddenFile(std::string_view path) { return hasHiddenComponent(path); }
@@ -61,6 +62,7 @@ bool getFileList::fail(const char* method, const std::string& path, int number) 
 bool getFileList::getListAtPath(const std::string& path, FileArray& FileArray, std::vector<std::string>& DirectoryArray,
                                 std::uint64_t LimittedSize) {
     m_bStopSearch = false;
+    if (m_alsoStop != nullptr && *m_alsoStop) m_bStopSearch = true;
     m_rootError.reset();
     m_mayRepeat = false;
     if (path.empty()) return false;

@@ -23,8 +23,9 @@ struct TreeListing;
 /// One listing at a time, on one thread; stopSearch(), m_CurrentPath() and listedFiles() may be called from any thread.
 class getFileList final {
 public:
-    /// Both must outlive the object. What could not be read is added to `skipped`.
-    getFileList(const FileSystem& files, SkipList& skipped);
+    /// All must outlive the object. What could not be read is added to `skipped`. `alsoStop`, when given, ends a listing like
+    /// stopSearch(), but is not cleared: a stop that comes before the listing has begun is not lost.
+    getFileList(const FileSystem& files, SkipList& skipped, const std::atomic<bool>* alsoStop = nullptr);
     ~getFileList();
     getFileList(const getFileList&) = delete;
     getFileList& operator=(const getFileList&) = delete;
@@ -77,6 +78,7 @@ private:
 
     const FileSystem& m_files;
     SkipList& m_skipped;
+    const std::atomic<bool>* const m_alsoStop;
     std::atomic<bool> m_bStopSearch{false};
     bool m_bSearchHiddenFile = false;
     bool m_bSearchSystemDirectory = false;

@@ -15,9 +15,9 @@ struct StringTable {
     std::vector<std::size_t> malformedLines;  ///< counted from 1; a key given twice makes its second line malformed
 };
 
-/// Reads lines of the form "KEY" = "text"; with blank lines and with comments (from // to the line's end, or from /* to */
-/// over any number of lines) between them. \" \\ and \n stand for a quotation mark, a backslash and a line break. A line
-/// of another form is noted and left out.
+/// Reads lines of the form "KEY" = "text"; with blank lines and with comments (from // to the line's end, or from /* to
+/// */ over any number of lines) between them. \" \\ and \n stand for a quotation mark, a backslash and a line break. A
+/// line of another form is noted and left out.
 [[nodiscard]] StringTable parseStringTable(std::string_view source);
 
 /// The built-in table, read at the first call. Any thread.

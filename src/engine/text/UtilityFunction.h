@@ -14,19 +14,19 @@ namespace orrinvale {
 class NotificationCenter;
 class System;
 
-/// The object of the notice "shouldSelectRow": the row that the main window's left table shall select, and the selection
-/// of the sender, empty when the sender is no table.
+/// The object of the notice "shouldSelectRow": the row that the main window's left table shall select, and the
+/// selection of the sender, empty when the sender is no table.
 struct RowSelection {
     std::vector<std::int32_t> selection;
     std::int32_t row = 0;
 };
 
 /// Sizes are computed in 32-bit floating point throughout: a count becomes a single-precision number first and is then
-/// scaled by a single-precision constant, so the text of a large size carries 24 bits, and a text read back gives a count
-/// that differs from the first one by that rounding. No result depends on the locale.
+/// scaled by a single-precision constant, so the text of a large size carries 24 bits, and a text read back gives a
+/// count that differs from the first one by that rounding. No result depends on the locale.
 ///
-/// The operations on texts and numbers keep no state and may be called from any thread. The shared instance holds what the
-/// main function handed over; it must be handed over before other threads start and must outlive them.
+/// The operations on texts and numbers keep no state and may be called from any thread. The shared instance holds what
+/// the main function handed over; it must be handed over before other threads start and must outlive them.
 class UtilityFunction final {
 public:
     /// Made at the first call, never freed.
@@ -47,9 +47,9 @@ public:
     /// divisor so made is 0, so is the number shown.
     [[nodiscard]] static std::string formatValue(std::uint64_t value, std::int32_t baseNumber);
 
-    /// The bytes of a size text that ends in KB, MB, GB or TB (decimal), with or without a blank before; 0 for any other
-    /// end. The number is what stands at the start of the text, up to the last two bytes. A product below 0 gives 0, one
-    /// of 2^64 or more gives the largest count. Throws std::out_of_range for a text of fewer than two bytes.
+    /// The bytes of a size text that ends in KB, MB, GB or TB (decimal), with or without a blank before; 0 for any
+    /// other end. The number is what stands at the start of the text, up to the last two bytes. A product below 0 gives
+    /// 0, one of 2^64 or more gives the largest count. Throws std::out_of_range for a text of fewer than two bytes.
     [[nodiscard]] static std::uint64_t getVolSpaceFromString(std::string_view text);
 
     /// The GB of a size text "NUMBER UNIT" with a unit of KB, MB, GB or T, for comparisons; 0 for any other unit, "TB"

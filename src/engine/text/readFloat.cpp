@@ -12,8 +12,8 @@ namespace {
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-/// True for a number of 1 or more. Asked only of numbers outside the range of a float, whose digits from_chars has found
-/// well-formed; it reports too large and too small alike.
+/// True for a number of 1 or more. Asked only of numbers outside the range of a float, whose digits from_chars has
+/// found well-formed; it reports too large and too small alike.
 bool isLarge(std::string_view number) {
     const std::size_t mark = number.find_first_of("eE");
     const std::string_view digits = number.substr(0, mark);

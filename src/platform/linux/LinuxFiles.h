@@ -5,8 +5,7 @@
 
 namespace orrinvale {
 
-/// Needs Linux 4.11 (statx). Uses uncached reads (6.14), cachestat-free residency by mincore, and RWF_NOWAIT (4.14) where the
-/// kernel and the file system have them.
+/// Needs Linux 4.11 (statx). Uses uncached reads (6.14) and cachestat (6.5) where the kernel and the file system have them.
 class LinuxFileSystem final : public FileSystem {
 public:
     SysResult<Descriptor> openFolder(int parent, const char* name, Links links) const override;

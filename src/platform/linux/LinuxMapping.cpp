@@ -5,13 +5,13 @@
 // fault; whoever looked then knows that what it saw is not the file.
 #include <signal.h>
 #include <sys/mman.h>
-#include <sys/syscall.h>
 
 #include <atomic>
 #include <cerrno>
 #include <mutex>
 
 #include "platform/linux/LinuxFiles.h"
+#include "platform/linux/Residency.h"
 
 namespace orrinvale {
 namespace {
@@ -53,22 +53,6 @@ void installHandler() {
         action.sa_flags = SA_SIGINFO | SA_NODEFER;
         ::sigaction(SIGBUS, &action, &s_before);
     });
-}
-
-// cachestat(2), Linux 6.5: the only question about residency that costs a look at the large pieces, not at each page.
-struct CacheRange {
-    std::uint64_t offset, length;
-};
-struct CacheStatistics {
-    std::uint64_t cached, dirty, writeback, evicted, recentlyEvicted;
-};
-constexpr long cachestatNumber = 451;
-
-bool isResident(int file, std::uint64_t offset, std::uint64_t length) {
-    CacheRange range{offset, length};
-    CacheStatistics statistics{};
-    if (::syscall(cachestatNumber, file, &range, &statistics, 0U) != 0) return false;
-    return statistics.cached * 4096 >= length;
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 // not resident is dropped after the last.
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/syscall.h>
 #include <sys/uio.h>
 
 #include <algorithm>
@@ -12,6 +13,7 @@
 #include <cerrno>
 
 #include "platform/linux/LinuxFiles.h"
+#include "platform/linux/Residency.h"
 
 namespace orrinvale {
 namespace {
@@ -36,7 +38,7 @@ SysResult<std::size_t> readFully(int file, std::span<std::byte> buffer, std::uin
         if (count > 0) {
             done += static_cast<std::size_t>(count);
             // A short count from a regular file is its end. Asking again would cost a system call for every small file.
-            if (done < buffer.size() && (flags & RWF_NOWAIT) == 0) break;
+            if (done < buffer.size()) break;
         } else if (count == 0) {
             break;
         } else if (errno != EINTR) {
@@ -69,7 +71,25 @@ void noteResidency(int file, std::uint64_t size, std::vector<ReadState::Range>& 
     }
 }
 
+// cachestat(2), Linux 6.5. One question about a stretch costs a look at the pieces that it is kept in, not at each page.
+struct CacheRange {
+    std::uint64_t offset, length;
+};
+struct CacheStatistics {
+    std::uint64_t cached, dirty, writeback, evicted, recentlyEvicted;
+};
+constexpr long cachestatNumber = 451;
+
 }  // namespace
+
+bool isResident(int file, std::uint64_t offset, std::uint64_t length) {
+    if (length == 0) return true;
+    CacheRange range{offset, length};
+    CacheStatistics statistics{};
+    if (::syscall(cachestatNumber, file, &range, &statistics, 0U) != 0) return false;
+    const std::uint64_t pages = (offset + length - 1) / pageBytes() - offset / pageBytes() + 1;
+    return statistics.cached >= pages;
+}
 
 void LinuxFileSystem::beginReading(int file, std::uint64_t device, std::uint64_t size, ReadState& state) const {
     state.notResident.clear();
@@ -94,10 +114,9 @@ SysResult<std::size_t> LinuxFileSystem::read(int file, std::span<std::byte> buff
 }
 
 SysResult<std::size_t> LinuxFileSystem::readResident(int file, std::span<std::byte> buffer, std::uint64_t offset,
-                                                     ReadState&) const {
-    auto count = readFully(file, buffer, offset, RWF_NOWAIT);
-    if (!count && count.error() == EOPNOTSUPP) return tl::unexpected(EAGAIN);
-    return count;
+                                                     ReadState& state) const {
+    if (!isResident(file, offset, buffer.size())) return tl::unexpected(EAGAIN);
+    return read(file, buffer, offset, state);
 }
 
 void LinuxFileSystem::expectRandomReads(int file) const { ::posix_fadvise(file, 0, 0, POSIX_FADV_RANDOM); }

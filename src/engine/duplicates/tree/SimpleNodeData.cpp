@@ -10,7 +10,9 @@ std::weak_ordering compareWith(const TreeNodeData& other, Compare compare) {
     return simple ? compare(*simple) : std::weak_ordering::equivalent;
 }
 
-std::weak_ordering names(const SimpleNodeData& left, const SimpleNodeData& right) { return left.name() <=> right.name(); }
+std::weak_ordering names(const SimpleNodeData& left, const SimpleNodeData& right) {
+    return left.name() <=> right.name();
+}
 
 std::weak_ordering sizes(const SimpleNodeData& left, const SimpleNodeData& right) {
     return left.fileSize() <=> right.fileSize();

@@ -151,8 +151,8 @@ void TreeNode::sortAllLevels(SortKey key, Order order) {
 }
 
 void TreeNode::sortChildren(SortKey key, Order order) {
-    // A node without the key is equal to every other, which is no order that a sort could follow; so such nodes keep their
-    // places, and only the rest is sorted, into the places that it had.
+    // A node without the key is equal to every other, which is no order that a sort could follow; so such nodes keep
+    // their places, and only the rest is sorted, into the places that it had.
     std::vector<std::size_t> places;
     std::vector<Pointer> sorted;
     for (std::size_t i = 0; i < m_nodeChildren.size(); ++i) {
@@ -168,8 +168,8 @@ void TreeNode::sortChildren(SortKey key, Order order) {
 }
 
 std::vector<TreeNode*> TreeNode::minimumNodeCoverFromNodesInArray(std::span<TreeNode* const> nodes) {
-    // The way up from a node always ends at its root, so the cover is the set of roots. Each node on a way is climbed from
-    // once; a later way stops where it meets an earlier one.
+    // The way up from a node always ends at its root, so the cover is the set of roots. Each node on a way is climbed
+    // from once; a later way stops where it meets an earlier one.
     std::vector<TreeNode*> cover;
     std::unordered_set<const TreeNode*> climbed;
     for (TreeNode* node : nodes) {

@@ -1,5 +1,5 @@
-// TreeNode: an ordered tree with typed data, whose nodes may stand in a second tree too. SimpleTreeNode is what the results
-// are made of.
+// TreeNode: an ordered tree with typed data, whose nodes may stand in a second tree too. SimpleTreeNode is what the
+// results are made of.
 #pragma once
 
 #include <compare>
@@ -48,7 +48,8 @@ public:
     /// Takes parent and children as given; the children's parent stays what it was, and the parent's children too.
     TreeNode(std::shared_ptr<TreeNodeData> data, TreeNode* parent, std::vector<Pointer> children);
 
-    /// Clears the parent link of the children that have this node as parent. Frees a tree of any depth in constant stack.
+    /// Clears the parent link of the children that have this node as parent. Frees a tree of any depth in constant
+    /// stack.
     virtual ~TreeNode();
     TreeNode(const TreeNode&) = delete;
     TreeNode& operator=(const TreeNode&) = delete;

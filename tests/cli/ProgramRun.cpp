@@ -1,0 +1,177 @@
+// ProgramRun: see ProgramRun.h. One thread forks, feeds two buffers from poll(2), and reaps.
+#include "cli/ProgramRun.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <stdexcept>
+
+#include "support/TestTree.h"
+
+namespace orrinvale::testing {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+[[noreturn]] void fail(const std::string& what) { throw std::runtime_error(what + ": " + std::strerror(errno)); }
+
+struct Ends {
+    Descriptor ours;
+    Descriptor theirs;
+};
+
+Ends makePipe() {
+    int ends[2];
+    if (::pipe2(ends, O_CLOEXEC) != 0) fail("pipe");
+    return {Descriptor(ends[0]), Descriptor(ends[1])};
+}
+
+Ends makeTerminal() {
+    Descriptor ours(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
+    if (!ours.isOpen() || ::grantpt(ours.get()) != 0 || ::unlockpt(ours.get()) != 0) fail("posix_openpt");
+    Descriptor theirs(::open(::ptsname(ours.get()), O_RDWR | O_NOCTTY | O_CLOEXEC));
+    const winsize size{24, 80, 0, 0};
+    termios setting{};
+    if (!theirs.isOpen() || ::ioctl(theirs.get(), TIOCSWINSZ, &size) != 0 || ::tcgetattr(theirs.get(), &setting) != 0)
+        fail("terminal");
+    setting.c_oflag &= ~static_cast<tcflag_t>(OPOST);  // bytes as they were written
+    if (::tcsetattr(theirs.get(), TCSANOW, &setting) != 0) fail("tcsetattr");
+    return {std::move(ours), std::move(theirs)};
+}
+
+std::vector<char*> pointers(std::vector<std::string>& texts) {
+    std::vector<char*> out;
+    for (std::string& text : texts) out.push_back(text.data());
+    out.push_back(nullptr);
+    return out;
+}
+
+// Where sanitizers and coverage look for their settings.
+std::vector<std::string> environmentOf(const ProgramRun& run) {
+    std::vector<std::string> out = run.environment;
+    for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS", "LSAN_OPTIONS", "LLVM_PROFILE_FILE"})
+        if (const char* value = std::getenv(name)) out.push_back(std::string(name) + '=' + value);
+    return out;
+}
+
+// Everything that the child needs, made before the fork, since the child may not allocate.
+struct Plan {
+    const char* folder;
+    int program;
+    int output;  // -1 to close it
+    int error;
+    char* const* arguments;
+    char* const* environment;
+};
+
+[[noreturn]] void becomeProgram(const ProgramRun& run, const Plan& plan) {
+    constexpr int cannotStart = 125;
+    const int empty = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    bool good = ::chdir(plan.folder) == 0 && ::dup2(empty, STDIN_FILENO) == STDIN_FILENO;
+    if (plan.output >= 0) good = good && ::dup2(plan.output, STDOUT_FILENO) == STDOUT_FILENO;
+    else ::close(STDOUT_FILENO);
+    good = good && ::dup2(plan.error, STDERR_FILENO) == STDERR_FILENO;
+    for (const auto& [what, value] : run.limits) {
+        const rlimit limit{value, value};
+        good = good && ::setrlimit(static_cast<__rlimit_resource>(what), &limit) == 0;
+    }
+    if (run.user) good = good && ::setgid(*run.user) == 0 && ::setuid(*run.user) == 0;
+    sigset_t none;
+    ::sigemptyset(&none);
+    ::sigprocmask(SIG_SETMASK, &none, nullptr);
+    // By descriptor: the user may not be allowed to walk to where the program lies.
+    if (good) ::fexecve(plan.program, plan.arguments, plan.environment);
+    ::_exit(cannotStart);
+}
+
+// False at the end of the stream.
+bool readSome(int from, std::string& into) {
+    std::array<char, 65536> block;
+    const ssize_t count = ::read(from, block.data(), block.size());
+    if (count > 0) into.append(block.data(), static_cast<std::size_t>(count));
+    return count > 0 || (count < 0 && errno == EINTR);  // a terminal whose other end is gone answers EIO
+}
+
+class Watch final {
+public:
+    Watch(const ProgramRun& run, pid_t child) : m_run(run), m_child(child) {}
+
+    // Reads until both streams are at their end, and sends the signals meanwhile.
+    void follow(int output, int error, ProgramRun::Result& result) {
+        const auto end = Clock::now() + std::chrono::seconds(m_run.secondsToLive);
+        std::array<pollfd, 2> streams{{{output, POLLIN, 0}, {error, POLLIN, 0}}};
+        while (streams[0].fd >= 0 || streams[1].fd >= 0) {
+            if (!result.late && Clock::now() > end) {
+                result.late = true;
+                ::kill(m_child, SIGKILL);
+            }
+            const bool signalsLeft = m_sent < m_run.signals.size();
+            streams[0].events = m_run.holdOutput && signalsLeft && !result.late ? 0 : POLLIN;
+            ::poll(streams.data(), streams.size(), signalsLeft ? 5 : 200);
+            for (std::size_t i = 0; i < streams.size(); ++i)
+                if (streams[i].fd >= 0 && (streams[i].revents & (POLLIN | POLLHUP | POLLERR)) != 0 &&
+                    !readSome(streams[i].fd, i == 0 ? result.output : result.error))
+                    streams[i].fd = -1;
+            sendSignals(result.error);
+        }
+    }
+
+private:
+    void sendSignals(const std::string& error) {
+        if (m_sent == m_run.signals.size() || !m_run.signals[m_sent].condition(error)) return;
+        ::kill(m_child, m_run.signals[m_sent++].number);
+    }
+
+    const ProgramRun& m_run;
+    const pid_t m_child;
+    std::size_t m_sent = 0;
+};
+
+}  // namespace
+
+ProgramRun::Result ProgramRun::run() const {
+    const std::optional<TestTree> fresh = folder.empty() ? std::optional<TestTree>(std::in_place) : std::nullopt;
+    const std::string where = fresh ? fresh->path() : folder;
+    Ends error = terminal ? makeTerminal() : makePipe();
+    Ends output;
+    if (outputTerminal) output = makeTerminal();
+    else if (outputFile.empty() && !closeOutput) output = makePipe();
+    else if (!closeOutput) output.theirs = Descriptor(::open(outputFile.c_str(), O_WRONLY | O_CLOEXEC));
+    const Descriptor file(::open(program.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!file.isOpen() || (!closeOutput && !output.theirs.isOpen())) fail(program);
+
+    std::vector<std::string> texts = arguments;
+    texts.insert(texts.begin(), program);
+    std::vector<std::string> variables = environmentOf(*this);
+    const std::vector<char*> argv = pointers(texts);
+    const std::vector<char*> envp = pointers(variables);
+    const Plan plan{where.c_str(), file.get(),  closeOutput ? -1 : output.theirs.get(),
+                    error.theirs.get(), argv.data(), envp.data()};
+    const pid_t child = ::fork();
+    if (child < 0) fail("fork");
+    if (child == 0) becomeProgram(*this, plan);
+
+    output.theirs = Descriptor();
+    error.theirs = Descriptor();
+    Result result;
+    Watch(*this, child).follow(output.ours.get(), error.ours.get(), result);
+    int status = 0;
+    while (::waitpid(child, &status, 0) < 0)
+        if (errno != EINTR) fail("waitpid");
+    if (WIFEXITED(status)) result.status = WEXITSTATUS(status);
+    else result.signal = WTERMSIG(status);
+    return result;
+}
+
+}  // namespace orrinvale::testing

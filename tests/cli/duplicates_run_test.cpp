@@ -1,0 +1,293 @@
+// orrinvale-cli duplicates as a process: exit statuses, what goes to standard error, signals, terminals, the environment.
+#include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+
+#include "cli/DuplicatesTest.h"
+
+namespace orrinvale::testing {
+namespace {
+
+constexpr uid_t kNobody = 65534;
+
+std::optional<uid_t> ordinaryUser() { return ::geteuid() == 0 ? std::optional<uid_t>(kNobody) : std::nullopt; }
+
+std::ptrdiff_t linesIn(const std::string& text) { return std::count(text.begin(), text.end(), '\n'); }
+
+ProgramRun programRun(std::vector<std::string> arguments) {
+    ProgramRun run;
+    run.program = ORRINVALE_CLI_PATH;
+    run.arguments = std::move(arguments);
+    return run;
+}
+
+TEST(CommandLine, WhatIsWrongIsSaidAndHelpIsNamed) {
+    const struct {
+        std::vector<std::string> arguments;
+        std::string says;
+    } cases[] = {
+        {{}, ""},
+        {{"dublicates", "."}, "dublicates"},
+        {{""}, ""},
+        {{"duplicates"}, "FOLDER"},
+        {{"duplicates", "--json"}, "FOLDER"},
+        {{"duplicates", ".", "--frobnicate"}, "--frobnicate"},
+        {{"duplicates", ".", "-x"}, "-x"},
+        {{"--json", "duplicates", "."}, "--json"},
+        {{"duplicates", ".", "second"}, "second"},
+        {{"duplicates", ""}, "empty"},
+        {{"duplicates", ".", "--limit"}, "--limit"},
+        {{"duplicates", "--limit", "-1", "."}, "--limit"},
+        {{"duplicates", "--limit=-1", "."}, "--limit"},
+        {{"duplicates", "--limit", "abc", "."}, "abc"},
+        {{"duplicates", "--limit", "1e3", "."}, "1e3"},
+        {{"duplicates", "--limit", "", "."}, "--limit"},
+        {{"duplicates", "--limit", "18446744073709551616", "."}, "18446744073709551616"},
+        {{"duplicates", "--limit", "1", "--limit", "2", "."}, "--limit"},
+        {{"duplicates", ".", "--a\x1b[2J\n"}, "\\x1b[2J\\n"},
+    };
+    for (const auto& each : cases) {
+        const auto result = programRun(each.arguments).run();
+        EXPECT_EQ(result.status, 2) << ::testing::PrintToString(each.arguments);
+        EXPECT_EQ(result.output, "");
+        EXPECT_NE(result.error.find("--help"), std::string::npos) << result.error;
+        EXPECT_NE(result.error.find(each.says), std::string::npos) << result.error;
+        EXPECT_EQ(linesIn(result.error), 1) << result.error;
+    }
+}
+
+TEST(CommandLine, HelpNamesEveryOption) {
+    const auto general = programRun({"--help"}).run();
+    EXPECT_EQ(general.status, 0);
+    EXPECT_NE(general.output.find("duplicates"), std::string::npos) << general.output;
+    const auto help = programRun({"duplicates", "--help"}).run();
+    EXPECT_EQ(help.status, 0);
+    EXPECT_EQ(help.error, "");
+    for (const char* word : {"--hidden", "--system", "--limit BYTES", "FOLDER", "--json", "-0,--print0", "--quiet", "--log"})
+        EXPECT_NE(help.output.find(word), std::string::npos) << word << '\n' << help.output;
+    EXPECT_EQ(programRun({"--version"}).run().status, 0);
+}
+
+TEST(Statuses, AFolderThatCanNotBeSearchedIsThree) {
+    TestTree tree;
+    ASSERT_TRUE(tree.write("file", "x") && tree.folder("locked") && tree.symlink("nowhere", "broken") && tree.fifo("pipe") &&
+                tree.symlink("loop", "loop"));
+    ASSERT_TRUE(tree.setMode("locked", 0) && ::chmod(tree.path().c_str(), 0755) == 0);
+    const struct {
+        std::string name;
+        std::string reason;
+    } cases[] = {
+        {"missing", "No such file or directory"}, {"missing/../file", ""}, {"file", "Not a directory"},
+        {"file/", "Not a directory"},             {"locked", "Permission denied"}, {"broken", "No such file or directory"},
+        {"pipe", "Not a directory"},              {"loop", ""}, {std::string(300, 'n'), ""}, {"bad\n\xC2\x9B", "No such"},
+    };
+    for (const auto& each : cases) {
+        for (const char* form : {"--json", "--print0", "--quiet"}) {
+            ProgramRun run = duplicatesRun({form, tree.at(each.name)});
+            run.user = ordinaryUser();
+            const auto result = run.run();
+            EXPECT_EQ(result.status, 3) << each.name;
+            EXPECT_EQ(result.output, "");
+            EXPECT_EQ(linesIn(result.error), 1) << result.error;
+            EXPECT_NE(result.error.find(each.reason), std::string::npos) << result.error;
+            EXPECT_EQ(result.error.find("\xC2\x9B"), std::string::npos) << "a control byte reaches the terminal";
+        }
+    }
+    ASSERT_TRUE(tree.setMode("locked", 0700));
+}
+
+TEST(Statuses, UnreadableEntriesAreNamedAndGiveOne) {
+    TestTree tree;
+    for (const char* name : {"a", "b", "locked file", "in/c", "locked folder/d"}) ASSERT_TRUE(tree.write(name, "same"));
+    ASSERT_TRUE(tree.write("locked alone", "of a size of its own"));
+    ASSERT_TRUE(::chmod(tree.path().c_str(), 0755) == 0 && tree.setMode("in", 0755));
+    for (const char* name : {"locked file", "locked folder", "locked alone"}) ASSERT_TRUE(tree.setMode(name, 0));
+    for (const char* name : {"a", "b", "in/c"}) ASSERT_TRUE(tree.setMode(name, 0644));
+
+    ProgramRun run = duplicatesRun({"--json", tree.path()});
+    run.user = ordinaryUser();
+    const auto result = run.run();
+    EXPECT_EQ(result.status, 1);
+    const Json document = jsonOf(result);
+    std::map<std::string, std::string> skipped;
+    for (const Json& entry : document["skipped"]) skipped[entry["path"]] = entry["reason"];
+    // The file whose size nobody shares need not be read.
+    const std::map<std::string, std::string> expected{{tree.at("locked file"), "Permission denied"},
+                                                      {tree.at("locked folder"), "Permission denied"}};
+    EXPECT_EQ(skipped, expected);
+    EXPECT_EQ(leavesOf(document).size(), 3U);
+    for (const auto& [path, reason] : expected) EXPECT_NE(result.error.find(path + ": " + reason + "\n"), std::string::npos);
+    EXPECT_EQ(linesIn(result.error), 2) << result.error;
+
+    run.arguments.insert(run.arguments.begin() + 1, "--quiet");
+    const auto quiet = run.run();
+    EXPECT_EQ(quiet.status, 1);
+    EXPECT_EQ(quiet.error, "");
+    EXPECT_EQ(quiet.output, result.output);
+    ASSERT_TRUE(tree.setMode("locked folder", 0700));
+}
+
+TEST(Statuses, AResultThatCanNotBeWrittenIsAFailure) {
+    TestTree tree;
+    for (const char* name : {"a", "b"}) ASSERT_TRUE(tree.write(name, "same"));
+    for (const char* form : {"--json", "--print0", "--quiet"}) {
+        for (const bool closed : {true, false}) {
+            ProgramRun run = duplicatesRun({form, tree.path()});
+            run.closeOutput = closed;
+            if (!closed) run.outputFile = "/dev/full";
+            const auto result = run.run();
+            EXPECT_EQ(result.status, 1) << form << closed;
+            EXPECT_EQ(linesIn(result.error), 1) << result.error;
+        }
+    }
+}
+
+TEST(StandardError, LogLinesOnlyWhenAskedFor) {
+    TestTree tree;
+    ASSERT_TRUE(tree.write("a", "same") && tree.write("b\nforged", "same"));
+    const auto plain = duplicatesRun({tree.path()}).run();
+    EXPECT_EQ(plain.error, "");
+    const auto logged = duplicatesRun({"--log", tree.path()}).run();
+    EXPECT_EQ(logged.output, plain.output);
+    EXPECT_GT(linesIn(logged.error), 0);
+    for (std::size_t at = 0; at < logged.error.size(); at = logged.error.find('\n', at) + 1)
+        EXPECT_TRUE(logged.error.substr(at).starts_with("[qrt]fun:")) << logged.error;
+}
+
+// Pairs of large files of zeros without blocks, each pair of a size of its own: some GB to read for as good as no disk.
+constexpr int kPairs = 600;
+void makeSlowTree(TestTree& tree) {
+    for (int i = 0; i < kPairs; ++i)
+        for (const char* copy : {"a", "b"})
+            ASSERT_TRUE(tree.sparse(copy + std::to_string(i), (64U << 20) + static_cast<unsigned>(i) * 4096U));
+}
+
+bool someGigabytesRead(const std::string& error) { return error.find(" GB read") != std::string::npos; }
+
+TEST(Signals, AStopPrintsWhatIsThere) {
+    TestTree tree;
+    makeSlowTree(tree);
+    for (const int number : {SIGINT, SIGTERM}) {
+        ProgramRun run = duplicatesRun({"--json", tree.path()});
+        run.terminal = true;
+        run.signals = {{number, &someGigabytesRead}};
+        const auto result = run.run();
+        EXPECT_FALSE(result.late);
+        EXPECT_EQ(result.status, 130) << result.signal;
+        const Json document = jsonOf(result);
+        EXPECT_EQ(document["stopped"], true);
+        const std::size_t groups = document["groups"].size();
+        EXPECT_GT(groups, 0U);
+        EXPECT_LT(groups, static_cast<std::size_t>(kPairs));
+        EXPECT_EQ(document["summary"]["groups"], groups);
+        EXPECT_EQ(document["summary"]["files"], 2 * kPairs);
+        EXPECT_EQ(leavesOf(document).size(), 2 * groups);
+        EXPECT_EQ(document["skipped"].size(), 0U);
+        EXPECT_TRUE(result.error.ends_with("\r\x1b[K")) << "the progress line stays behind";
+    }
+}
+
+TEST(Signals, TheSecondOneEndsAtOnce) {
+    // Pairs that are found before a pair that takes minutes; their paths fill a pipe that nobody reads, so that the command
+    // hangs in the middle of its result.
+    TestTree slow;
+    ASSERT_TRUE(slow.folder("x") && slow.folder("y"));
+    const std::string early = std::filesystem::directory_iterator(slow.path())->path().filename().string() + '/';
+    const std::string later = early == "x/" ? "y/" : "x/";
+    for (const char* copy : {"a", "b"}) {
+        for (int i = 0; i < 400; ++i)
+            ASSERT_TRUE(slow.write(early + std::string(200, 'n') + std::to_string(i) + copy, "content " + std::to_string(i)));
+        ASSERT_TRUE(slow.sparse(later + copy, 400ULL << 30));
+    }
+    for (const auto& [first, second] : {std::pair{SIGINT, SIGINT}, {SIGTERM, SIGTERM}, {SIGINT, SIGTERM}, {SIGTERM, SIGINT}}) {
+        ProgramRun run = duplicatesRun({"--print0", slow.path()});
+        run.terminal = true;
+        run.holdOutput = true;
+        run.secondsToLive = 10;
+        std::chrono::steady_clock::time_point sent;
+        run.signals = {{first, [&](const std::string& error) {
+                            sent = std::chrono::steady_clock::now();
+                            return someGigabytesRead(error);
+                        }},
+                       {second, [&](const std::string& error) {
+                            // The end of the progress line says that the first one has been taken.
+                            return error.ends_with("\r\x1b[K") && std::chrono::steady_clock::now() - sent > std::chrono::milliseconds(300);
+                        }}};
+        const auto result = run.run();
+        EXPECT_FALSE(result.late) << first << ' ' << second;
+        EXPECT_EQ(result.signal, second) << first << ", status " << result.status << ", " << result.output.size();
+    }
+}
+
+TEST(StandardError, TheProgressLineIsForTerminals) {
+    TestTree tree;
+    makeSlowTree(tree);
+    ASSERT_TRUE(tree.sparse("z\x1b[2J\xC2\x9B", 4ULL << 30) && tree.sparse("z\x1b[2J", 4ULL << 30));
+    for (const bool terminal : {true, false}) {
+        for (const bool quiet : {true, false}) {
+            ProgramRun run = duplicatesRun({quiet ? "--quiet" : "--json", tree.path()});
+            run.terminal = terminal;
+            const auto begin = std::chrono::steady_clock::now();
+            run.signals = {{SIGINT, [begin](const std::string&) {
+                                return std::chrono::steady_clock::now() - begin > std::chrono::milliseconds(700);
+                            }}};
+            const auto result = run.run();
+            EXPECT_EQ(result.status, 130);
+            if (quiet || !terminal) {
+                EXPECT_EQ(result.error, "");
+                continue;
+            }
+            EXPECT_NE(result.error.find(" files, "), std::string::npos);
+            EXPECT_EQ(result.error.find('\n'), std::string::npos) << "one line, drawn over and over";
+            EXPECT_EQ(result.error.find("\x1b[2J"), std::string::npos);
+            for (std::size_t at = 0; at < result.error.size();) {
+                const std::size_t end = std::min(result.error.find('\r', at + 1), result.error.size());
+                EXPECT_LE(end - at, 80U + 4U) << result.error.substr(at, end - at);  // with "\r" and the erasing
+                at = end;
+            }
+        }
+    }
+}
+
+TEST(Environment, ChangesNothing) {
+    TestTree tree;
+    ASSERT_TRUE(tree.write("a", std::string(1'500'000, 'x')) && tree.write("b\xC3\xA9", std::string(1'500'000, 'x')));
+    const auto listing = duplicatesRun({tree.path()}).run();  // with no environment at all
+    ASSERT_NE(listing.output.find("1.50 MB"), std::string::npos);
+    const auto document = duplicatesRun({"--json", tree.path()}).run();
+    for (const char* variable : {"HOME=/nonexistent", "TMPDIR=/nonexistent", "LC_ALL=tr_TR.UTF-8", "TERM=dumb", "POSIXLY_CORRECT=1"}) {
+        ProgramRun run = duplicatesRun({tree.path()});
+        run.environment = {variable};
+        EXPECT_EQ(run.run().output, listing.output) << variable;
+        run.arguments.insert(run.arguments.begin() + 1, "--json");
+        EXPECT_EQ(run.run().output, document.output) << variable;
+    }
+}
+
+TEST(Environment, NumbersAreTheSameInGerman) {
+    std::vector<std::string> german{"LC_ALL=de_DE.UTF-8"};
+    if (const char* path = std::getenv("LOCPATH")) german.push_back(std::string("LOCPATH=") + path);
+    const ::locale_t locale = ::newlocale(LC_ALL_MASK, "de_DE.UTF-8", nullptr);
+    if (locale == nullptr) GTEST_SKIP() << "the German locale is not installed, and LOCPATH names no folder that has it";
+    ::freelocale(locale);
+    TestTree tree;
+    ASSERT_TRUE(tree.write("a", std::string(1'500'000, 'x')) && tree.write("b", std::string(1'500'000, 'x')));
+    ASSERT_TRUE(tree.write("c", "other") && tree.setMode("c", 0) && ::chmod(tree.path().c_str(), 0755) == 0);
+    for (const char* form : {"--json", "--quiet"}) {
+        ProgramRun run = duplicatesRun({form, tree.path()});
+        const auto plain = run.run();
+        run.environment = german;
+        const auto translated = run.run();
+        EXPECT_EQ(translated.output, plain.output);
+        EXPECT_EQ(translated.error, plain.error);
+    }
+}
+
+}  // namespace
+}  // namespace orrinvale::testing

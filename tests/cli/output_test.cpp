@@ -1,0 +1,181 @@
+// The texts that commands print and read: JSON of any bytes, names on a terminal, numbers of bytes, absolute paths.
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <cstdint>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+
+#include "cli/Command.h"
+#include "cli/Output.h"
+#include "support/TestTree.h"
+
+namespace orrinvale::cli {
+namespace {
+
+const std::string kBad = "\xEF\xBF\xBD";
+
+std::string jsonText(std::string_view bytes) {
+    std::string out;
+    appendJsonText(out, bytes);
+    return out;
+}
+
+TEST(Utf8, TheSequenceAtTheStartIsMeasured) {
+    const struct {
+        std::string_view bytes;
+        std::size_t length;
+    } cases[] = {
+        {"", 0},
+        {std::string_view("\0", 1), 1},
+        {"\x7F\x80", 1},
+        {"\x80", 0},
+        {"\xBF", 0},
+        {"\xC0\x80", 0},  // overlong
+        {"\xC1\xBF", 0},
+        {"\xC2\x80", 2},
+        {"\xDF\xBF", 2},
+        {"\xC2", 0},
+        {"\xC2\x41", 0},
+        {"\xC2\xC2", 0},
+        {"\xE0\x9F\xBF", 0},  // overlong
+        {"\xE0\xA0\x80", 3},
+        {"\xED\x9F\xBF", 3},
+        {"\xED\xA0\x80", 0},  // surrogates
+        {"\xED\xBF\xBF", 0},
+        {"\xEE\x80\x80", 3},
+        {"\xEF\xBF\xBF", 3},
+        {"\xE2\x82", 0},
+        {"\xE2\x28\xA1", 0},
+        {"\xE2\x82\x28", 0},
+        {"\xF0\x8F\xBF\xBF", 0},  // overlong
+        {"\xF0\x90\x80\x80", 4},
+        {"\xF0\x9F\x98\x80 and more", 4},
+        {"\xF4\x8F\xBF\xBF", 4},
+        {"\xF4\x90\x80\x80", 0},  // above the last code point
+        {"\xF0\x9F\x98", 0},
+        {"\xF0\x9F\x98\x28", 0},
+        {"\xF5\x80\x80\x80", 0},
+        {"\xF8\x88\x80\x80\x80", 0},
+        {"\xFF", 0},
+    };
+    for (const auto& each : cases) EXPECT_EQ(validSequence(each.bytes), each.length) << ::testing::PrintToString(each.bytes);
+}
+
+TEST(Json, TextsAreQuoted) {
+    const struct {
+        std::string_view bytes;
+        std::string text;
+    } cases[] = {
+        {"", R"("")"},
+        {"a \"b\" \\ c/d", R"("a \"b\" \\ c/d")"},
+        {"\n\t\r\x01\x1F\x7F", R"("\n\t\r\u0001\u001f\u007f")"},
+        {std::string_view("a\0b", 3), R"("a\u0000b")"},
+        {"\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", "\"\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80\""},
+        {"a\xFFz", "\"a" + kBad + "z\""},
+        {"\xE2\x82", "\"" + kBad + kBad + "\""},  // one for each bad byte
+        {"\xED\xA0\x80\"", "\"" + kBad + kBad + kBad + "\\\"\""},
+        {"\xC3\n", "\"" + kBad + "\\n\""},
+    };
+    for (const auto& each : cases) EXPECT_EQ(jsonText(each.bytes), each.text) << ::testing::PrintToString(each.bytes);
+}
+
+TEST(Json, EveryByteAndPairOfBytesGivesAText) {
+    for (unsigned pair = 0; pair < 65536; ++pair) {
+        const std::string bytes{static_cast<char>(pair >> 8), static_cast<char>(pair & 255)};
+        const auto parsed = nlohmann::json::parse(jsonText(bytes), nullptr, false);
+        ASSERT_TRUE(parsed.is_string()) << pair;
+        const bool valid = validSequence(bytes) == 2 || (validSequence(bytes) == 1 && validSequence(bytes.substr(1)) == 1);
+        ASSERT_EQ(parsed.get<std::string>() == bytes, valid) << pair;
+    }
+}
+
+TEST(Json, ExactBytesStandBesideABadPathOnly) {
+    const auto fieldsOf = [](std::string_view path) {
+        std::string out;
+        appendJsonPath(out, path);
+        return nlohmann::json::parse("{" + out + "}");
+    };
+    EXPECT_EQ(fieldsOf("/a\n\xC3\xA9"), (nlohmann::json{{"path", "/a\n\xC3\xA9"}}));
+    EXPECT_EQ(fieldsOf("/a\xFF\x0A"), (nlohmann::json{{"path", "/a" + kBad + "\n"}, {"pathHex", "2f61ff0a"}}));
+}
+
+TEST(Printable, NothingInANameCommandsTheTerminal) {
+    const struct {
+        std::string_view bytes;
+        std::string_view text;
+    } cases[] = {
+        {"", ""},
+        {"plain name.txt", "plain name.txt"},
+        {"a\nb\tc", "a\\nb\\tc"},
+        {"\x1b[2J\x07\x7F", "\\x1b[2J\\x07\\x7f"},
+        {"\xC3\xA9\xF0\x9F\x98\x80", "\xC3\xA9\xF0\x9F\x98\x80"},
+        {"\xC2\x9B" "1m", "\\xc2\\x9b1m"},  // U+009B begins a command as ESC [ does
+        {"\xC2\x80\xC2\x9F\xC2\xA0", "\\xc2\\x80\\xc2\\x9f\xC2\xA0"},
+        {"\x9B\xFF", "\\x9b\\xff"},
+        {"\xC3", "\\xc3"},
+        {"\xED\xA0\x80", "\\xed\\xa0\\x80"},
+    };
+    for (const auto& each : cases) EXPECT_EQ(printable(each.bytes), each.text);
+}
+
+TEST(ParseBytes, DigitsAndNothingElse) {
+    const struct {
+        std::string_view text;
+        std::optional<std::uint64_t> value;
+    } cases[] = {
+        {"0", 0},
+        {"007", 7},
+        {"18446744073709551615", UINT64_MAX},
+        {"18446744073709551616", std::nullopt},
+        {"", std::nullopt},
+        {"-0", std::nullopt},
+        {"-1", std::nullopt},
+        {"+1", std::nullopt},
+        {" 1", std::nullopt},
+        {"1 ", std::nullopt},
+        {"1e3", std::nullopt},
+        {"1.5", std::nullopt},
+        {"0x10", std::nullopt},
+        {"1K", std::nullopt},
+        {"1,000", std::nullopt},
+        {std::string_view("1\0", 2), std::nullopt},
+    };
+    for (const auto& each : cases) EXPECT_EQ(parseBytes(each.text), each.value) << '"' << each.text << '"';
+}
+
+TEST(AbsolutePath, NoDotsAndNoDoubledSlashes) {
+    const testing::TestTree tree;
+    ASSERT_TRUE(tree.path().starts_with('/'));
+    testing::TestTree other;
+    ASSERT_TRUE(other.folder("far/deep"));
+    ASSERT_TRUE(other.symlink("far/deep", "near"));
+    ASSERT_EQ(::chdir(other.path().c_str()), 0);
+    const struct {
+        std::string given;
+        std::string absolute;
+    } cases[] = {
+        {"/", "/"},
+        {"///", "/"},
+        {"/.", "/"},
+        {"/a//b/./c/", "/a/b/c"},
+        {"/a/.hidden/..c/...", "/a/.hidden/..c/..."},
+        {".", other.path()},
+        {"./", other.path()},
+        {"far", other.at("far")},
+        {"./far//./deep/", other.at("far/deep")},
+        {"near", other.at("near")},  // the name that was given, not where it leads
+        {"near/..", other.at("far")},  // the folder that really lies above
+        {"far/../far", other.at("far")},
+        {"/..", "/"},
+    };
+    for (const auto& each : cases) EXPECT_EQ(absolutePath(each.given), each.absolute) << each.given;
+    // What is not there is left for the opening to complain about.
+    EXPECT_EQ(absolutePath("/nowhere/../x"), "/nowhere/../x");
+    ASSERT_EQ(::chdir("/"), 0);
+}
+
+}  // namespace
+}  // namespace orrinvale::cli
