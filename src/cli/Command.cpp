@@ -9,7 +9,6 @@
 #include <memory>
 
 #include "cli/Output.h"
-#include "engine/base/Log.h"
 
 namespace orrinvale::cli {
 
@@ -22,7 +21,7 @@ std::vector<OptionSpec> commonOptions() {
 
 void complain(std::string_view message) {
     Output error(STDERR_FILENO);
-    error.write(fmt::format("orrinvale-cli: {}\n", escapeControls(message)));
+    error.write("orrinvale-cli: " + printable(message) + "\n");
 }
 
 Status badUsage(std::string_view message) {

@@ -33,9 +33,11 @@ std::uint64_t reclaimable(const DuplicateGroup& group) {
     if (std::none_of(group.files.begin(), group.files.end(), [](const auto* file) { return file->links > 1; })) return bytes;
     std::set<std::pair<std::uint64_t, std::uint64_t>> seen;
     for (const fileAttrbItem* file : group.files)
-        if (!seen.insert({file->folder->device, file->inode}).second) bytes -= file->fileSize;
+        if (!seen.insert({file->device, file->inode}).second) bytes -= file->fileSize;
     return bytes;
 }
+
+void addSaturating(std::uint64_t& sum, std::uint64_t more) { sum += std::min(more, ~std::uint64_t{0} - sum); }
 
 std::string plural(std::uint64_t count, std::string_view one, std::string_view many) {
     return fmt::format("{} {}", count, count == 1 ? one : many);
@@ -83,16 +85,16 @@ DuplicatesSummary summarize(const DuplicateFilesOpt& search) {
     search.visitGroups([&](const DuplicateGroup& group) {
         ++summary.groups;
         summary.leaves += group.files.size() + group.bundles.size();
-        summary.bytes += group.size;
-        summary.reclaimable += reclaimable(group);
+        addSaturating(summary.bytes, group.size);
+        addSaturating(summary.reclaimable, reclaimable(group));
     });
     return summary;
 }
 
 void printJson(Output& out, const std::string& root, const DuplicateFilesOpt& search, const DuplicatesSummary& summary,
                const std::vector<Error>& skipped, bool stopped) {
-    std::string text = "{\n  \"root\": ";
-    appendJsonText(text, root);
+    std::string text = "{\n  ";
+    appendJsonPath(text, root, "root");
     text += ",\n  \"groups\": [";
     const char* between = "\n    ";
     search.visitGroups([&](const DuplicateGroup& group) {

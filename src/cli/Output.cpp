@@ -81,8 +81,8 @@ void appendJsonText(std::string& out, std::string_view bytes) {
     out += '"';
 }
 
-void appendJsonPath(std::string& out, std::string_view path) {
-    out += "\"path\": ";
+void appendJsonPath(std::string& out, std::string_view path, std::string_view field) {
+    out += fmt::format("\"{}\": ", field);
     appendJsonText(out, path);
     for (std::string_view rest = path; !rest.empty();) {
         const std::size_t length = validSequence(rest);

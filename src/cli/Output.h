@@ -35,8 +35,9 @@ private:
 /// A JSON text in quotes. Bytes that are not valid UTF-8 become U+FFFD each.
 void appendJsonText(std::string& out, std::string_view bytes);
 
-/// "path":"..." and, where the bytes are not valid UTF-8, "pathHex" with the exact bytes in hexadecimal.
-void appendJsonPath(std::string& out, std::string_view path);
+/// "path": "..." and, where the bytes are not valid UTF-8, "pathHex" with the exact bytes in hexadecimal. The first field's name
+/// may be another.
+void appendJsonPath(std::string& out, std::string_view path, std::string_view field = "path");
 
 /// Length of the valid UTF-8 sequence at the start of the bytes; 0 when there is none.
 [[nodiscard]] std::size_t validSequence(std::string_view bytes);

@@ -9,6 +9,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <system_error>
 
 #include "cli/Output.h"
 
@@ -16,20 +17,35 @@ namespace orrinvale::cli {
 namespace {
 
 constexpr int redrawMilliseconds = 100;
+constexpr std::array signals{SIGINT, SIGTERM};
 volatile std::sig_atomic_t s_pipe = -1;
+
+void stopListening() {
+    struct sigaction plain {};
+    plain.sa_handler = SIG_DFL;
+    for (const int number : signals) {
+        struct sigaction now {};
+        if (::sigaction(number, nullptr, &now) == 0 && now.sa_handler != SIG_IGN) ::sigaction(number, &plain, nullptr);
+    }
+}
 
 void onSignal(int) {
     const int kept = errno;
+    stopListening();  // the next one of either kind ends the process at once
     const char byte = 's';
     if (s_pipe >= 0) (void)!::write(s_pipe, &byte, 1);
     errno = kept;
 }
 
-void listen(bool on) {
+// A signal that whoever started the program lets it ignore stays ignored.
+void listen() {
     struct sigaction action {};
-    action.sa_handler = on ? &onSignal : SIG_DFL;
-    action.sa_flags = on ? static_cast<int>(SA_RESETHAND) | SA_RESTART : 0;
-    for (const int number : {SIGINT, SIGTERM}) ::sigaction(number, &action, nullptr);
+    action.sa_handler = &onSignal;
+    action.sa_flags = SA_RESTART;
+    for (const int number : signals) {
+        struct sigaction now {};
+        if (::sigaction(number, nullptr, &now) == 0 && now.sa_handler != SIG_IGN) ::sigaction(number, &action, nullptr);
+    }
 }
 
 std::size_t columns() {
@@ -44,13 +60,18 @@ SearchWatch::SearchWatch(std::function<void()> stop, std::function<std::string()
     : m_stop(std::move(stop)), m_progress(std::move(progress)) {
     if (::pipe2(m_end, O_CLOEXEC | O_NONBLOCK) != 0) return;  // no descriptor left: the command runs unwatched
     s_pipe = m_end[1];
-    m_thread = std::thread([this] { watch(); });
-    listen(true);
+    try {
+        m_thread = std::thread([this] { watch(); });
+    } catch (const std::system_error&) {  // no thread left for this user: likewise
+        for (const int end : m_end) ::close(end);
+        return;
+    }
+    listen();
 }
 
 SearchWatch::~SearchWatch() {
     if (!m_thread.joinable()) return;
-    if (!m_signalled) listen(false);
+    stopListening();
     s_pipe = -1;
     const char byte = 'e';
     (void)!::write(m_end[1], &byte, 1);

@@ -34,7 +34,7 @@ CLI::Option* declare(CLI::App& app, const OptionSpec& spec) {
 // The parser, made from the tables of the commands.
 struct Parser {
     explicit Parser(const Commands& commands) : app("Disk maintenance in the terminal.", "orrinvale-cli") {
-        app.require_subcommand(1);
+        app.require_subcommand(0, 1);  // none is told below, an unknown one by its name
         app.set_version_flag("--version", ORRINVALE_VERSION);
         for (const auto& command : commands) {
             CLI::App* const sub = app.add_subcommand(std::string(command->name()), std::string(command->summary()));

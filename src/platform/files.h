@@ -87,9 +87,11 @@ public:
     /// attributes() that it is a regular file before it trusts what it reads. Leaves the access time alone where it may.
     [[nodiscard]] virtual SysResult<Descriptor> openFile(int parent, const char* name, Links links, ReadState& state) const = 0;
 
-    /// Call before the first and after the last read of an open file. Together they leave the page cache as it was: what
-    /// was resident stays, what reading brought in goes. `device` and `size` are the file's.
-    virtual void beginReading(int file, std::uint64_t device, std::uint64_t size, ReadState& state) const = 0;
+    /// Call beginReading() before the first read of each stretch of an open file, and endReading() after the last. Together they
+    /// leave the page cache as it was: what was resident stays, what reading brought in goes. `device` is the file's. Where
+    /// neither uncached reads nor the residency of somebody else's file can be had, what is read stays.
+    virtual void beginReading(int file, std::uint64_t device, std::uint64_t offset, std::uint64_t length,
+                              ReadState& state) const = 0;
     virtual void endReading(int file, ReadState& state) const = 0;
 
     /// Reads at an offset until the buffer is full or the file ends; the count of bytes read.
@@ -106,6 +108,13 @@ public:
     /// meanwhile the missing bytes read as zeros, and the answer is the error EIO.
     [[nodiscard]] virtual SysResult<bool> visitResident(int file, std::uint64_t offset, std::uint64_t length,
                                                         const std::function<void(std::span<const std::byte>)>& visit) const = 0;
+
+    /// The next stretch of data at or behind the offset; what lies before it, and behind the last one, is holes that read as
+    /// zeros. ENXIO when only holes follow. File systems that do not tell have one stretch to the end.
+    struct DataStretch {
+        std::uint64_t begin, end;
+    };
+    [[nodiscard]] virtual SysResult<DataStretch> nextData(int file, std::uint64_t offset) const = 0;
 
     /// Announces reads of single places, so that nothing is read ahead. Call it before beginReading().
     virtual void expectRandomReads(int file) const = 0;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <set>
@@ -32,6 +33,15 @@ std::vector<std::string> namesIn(const std::string& folder) {
     return names;
 }
 
+// The leaves of one group: the file that opened it joins behind those that were found for it, and then the first of all moves to
+// the end and gives the name.
+template <class Belongs> std::vector<std::string> shownOrder(const std::vector<std::string>& names, Belongs belongs) {
+    std::vector<std::string> out;
+    std::copy_if(names.begin(), names.end(), std::back_inserter(out), belongs);
+    if (out.size() > 1) std::rotate(out.begin(), out.begin() + 2, out.end());
+    return out;
+}
+
 Json leaf(const std::string& path, std::uint64_t size) {
     return {{"path", path}, {"size", size}, {"modified", "2026-01-01T00:00:00+00:00"}};
 }
@@ -55,15 +65,14 @@ TEST(DuplicatesJson, WholeDocumentInTheOrderOfDiscovery) {
     ASSERT_EQ(names.size(), contents.size());
     Json groups = Json::array();
     std::set<std::string> done;
-    for (const std::string& first : names) {
-        const std::string& bytes = contents[first];
+    for (const std::string& opener : names) {
+        const std::string& bytes = contents[opener];
         if (bytes.empty() || !done.insert(bytes).second) continue;
+        const std::vector<std::string> shown = shownOrder(names, [&](const auto& name) { return contents[name] == bytes; });
+        if (shown.size() < 2) continue;
         Json leaves = Json::array();
-        for (const std::string& name : names)
-            if (name != first && contents[name] == bytes) leaves.push_back(leaf(tree.at(name), bytes.size()));
-        if (leaves.empty()) continue;
-        leaves.push_back(leaf(tree.at(first), bytes.size()));
-        groups.push_back({{"name", first}, {"extension", "txt"}, {"type", "documents"}, {"bundle", false},
+        for (const std::string& name : shown) leaves.push_back(leaf(tree.at(name), bytes.size()));
+        groups.push_back({{"name", shown.back()}, {"extension", "txt"}, {"type", "documents"}, {"bundle", false},
                           {"size", bytes.size() * leaves.size()}, {"leaves", leaves}});
     }
     ASSERT_EQ(groups.size(), 12U);
@@ -274,8 +283,7 @@ TEST(DuplicatesOutput, TheListingForPeople) {
     TestTree tree;
     ASSERT_TRUE(tree.write("a.bin", std::string(1'500'000, 'x')) && tree.hardLink("a.bin", "b.bin"));
     ASSERT_TRUE(tree.write("c.bin", std::string(1'500'000, 'x')));
-    std::vector<std::string> names = namesIn(tree.path());
-    std::rotate(names.begin(), names.begin() + 1, names.end());
+    const std::vector<std::string> names = shownOrder(namesIn(tree.path()), [](const auto&) { return true; });
     std::string expected = names.back() + "  3 copies of 1.50 MB\n";
     for (const std::string& name : names) expected += "  " + tree.at(name) + "\n";
     expected += "\n1 group of duplicates among 3 files: 3 copies, 1.50 MB can be freed.\n";

@@ -223,7 +223,7 @@ TEST_P(PageCache, isAsItWasAfterReadingWithTheResidencyNoted) {
         ASSERT_TRUE(file);
         const auto attributes = files.attributes(file->get());
         state.device = attributes->device;  // known as one that leaves pages behind
-        files.beginReading(file->get(), attributes->device, attributes->size, state);
+        files.beginReading(file->get(), attributes->device, 0, attributes->size, state);
         std::string read(bytes.size() + 10, 0);
         const auto count = files.read(file->get(), std::as_writable_bytes(std::span(read)), 0, state);
         const auto during = residency(tree.at("file"));

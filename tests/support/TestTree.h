@@ -84,8 +84,9 @@ public:
         if (onOpenFile) onOpenFile(name);
         return m_real.openFile(parent, name, links, state);
     }
-    void beginReading(int file, std::uint64_t device, std::uint64_t size, ReadState& state) const override {
-        m_real.beginReading(file, device, size, state);
+    void beginReading(int file, std::uint64_t device, std::uint64_t offset, std::uint64_t length,
+                      ReadState& state) const override {
+        m_real.beginReading(file, device, offset, length, state);
     }
     void endReading(int file, ReadState& state) const override { m_real.endReading(file, state); }
     SysResult<std::size_t> read(int file, std::span<std::byte> buffer, std::uint64_t offset,
@@ -100,6 +101,7 @@ public:
                                   const std::function<void(std::span<const std::byte>)>& visit) const override {
         return m_real.visitResident(file, offset, length, visit);
     }
+    SysResult<DataStretch> nextData(int file, std::uint64_t offset) const override { return m_real.nextData(file, offset); }
     void expectRandomReads(int file) const override { m_real.expectRandomReads(file); }
     std::vector<std::uint64_t> kernelDevices() const override { return m_real.kernelDevices(); }
     SysResult<std::string> resolved(const std::string& path) const override { return m_real.resolved(path); }

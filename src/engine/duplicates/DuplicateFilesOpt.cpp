@@ -92,6 +92,7 @@ void DuplicateFilesOpt::beginSearchAtPath(const std::string& path, std::uint64_t
         const std::lock_guard lock(m_mutex);
         m_CurrentSearchPath = path;
         m_findDuplicate = search;
+        if (m_stopAsked) search->stopSearch();
     }
     search->searchDuplicateFileAtPath(path, withLimitSize);
 }
@@ -110,8 +111,9 @@ std::string DuplicateFilesOpt::getCurrentSearchFile() {
 }
 
 void DuplicateFilesOpt::stopSearch() {
-    const auto search = current();
-    if (search) search->stopSearch();
+    const std::lock_guard lock(m_mutex);
+    m_stopAsked = true;
+    if (m_findDuplicate) m_findDuplicate->stopSearch();
 }
 
 void DuplicateFilesOpt::visitGroups(const Visit& visit) const {

@@ -52,6 +52,7 @@ public:
     /// What the search is at, the root at first.
     [[nodiscard]] std::string getCurrentSearchFile();
 
+    /// Also before the search has begun: it then ends at once.
     void stopSearch();
 
     /// Builds the result tree: a root named "Root", bundle groups, then file groups in order of discovery, each with its
@@ -77,6 +78,7 @@ private:
     bool m_bSearchSystemDirectory = true;
     mutable std::mutex m_mutex;
     std::string m_CurrentSearchPath;  // guarded by m_mutex
+    bool m_stopAsked = false;         // guarded by m_mutex
 };
 
 }  // namespace orrinvale

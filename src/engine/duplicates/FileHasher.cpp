@@ -19,6 +19,12 @@ constexpr std::size_t largePiece = 4 * 1024 * 1024;
 // 4.8 GiB. Smaller pieces lose to the cost of mapping them.
 constexpr std::uint64_t mappedPiece = 4 * 1024 * 1024;
 
+// Shorter holes are read like data: computing over zeros takes as long as reading about this many.
+constexpr std::uint64_t fewestZeros = 1024 * 1024;
+
+// What is resident is noted for so much at a time, where that has to be done.
+constexpr std::uint64_t noteBytes = 64ULL << 20;
+
 bool sameVersion(const FileAttributes& a, const FileAttributes& b) {
     return a.type == b.type && a.device == b.device && a.inode == b.inode && a.size == b.size &&
            a.modified == b.modified && a.changed == b.changed;
@@ -29,6 +35,19 @@ std::uint64_t extend(std::uint64_t value, std::span<const std::byte> bytes) {
 }
 
 constexpr std::uint64_t startValue = ~std::uint64_t{0};
+
+// The value after so many zeros more, in time that grows with the number of digits of the count.
+std::uint64_t overZeros(std::uint64_t value, std::uint64_t count) {
+    const std::byte zero{0};
+    std::uint64_t power = crc::crc64(&zero, 1);  // the value of 1, 2, 4, 8 ... zeros
+    std::uint64_t length = 1;
+    for (std::uint64_t left = count; left != 0; left >>= 1U) {
+        if ((left & 1U) != 0) value = crc::combine(value, power, length);
+        if (left > 1) power = crc::combine(power, power, length);
+        length <<= 1U;
+    }
+    return value;
+}
 
 }  // namespace
 
@@ -41,7 +60,9 @@ SysResult<Descriptor> CandidateOpener::open(const fileAttrbItem& item) {
         m_folder = folder ? std::move(*folder) : Descriptor();
     }
     if (m_folderError != 0) return tl::unexpected(m_folderError);
-    return m_files.openFile(m_folder.get(), item.name, Links::Follow, m_state);
+    // A link is followed only where the listing saw a link: what is exchanged for one later must not be taken for its target.
+    const Links links = item.type == FileType::SymbolicLink ? Links::Follow : Links::Keep;
+    return m_files.openFile(m_folder.get(), item.name, links, m_state);
 }
 
 FileHasher::FileHasher(const FileSystem& files, SkipList& skipped)
@@ -62,21 +83,16 @@ bool FileHasher::isAsListed(const fileAttrbItem& item, const FileAttributes& now
            now.size == item.fileSize && now.modified == item.modified && now.changed == item.changed;
 }
 
-std::uint64_t FileHasher::deviceOf(const fileAttrbItem& item, int file) const {
-    if (!item.otherDevice && item.type == FileType::Regular && item.folder->inode != 0) return item.folder->device;
-    const auto attributes = m_files.attributes(file);
-    return attributes ? attributes->device : 0;
-}
-
 std::size_t FileHasher::hashSmall(fileAttrbItem& item) {
     const auto file = m_opener.open(item);
     if (!file) {
         fail(item, "open", file.error());
         return 0;
     }
+    if (item.type != FileType::Regular) return hashSettled(item, file->get()) ? item.fileSize : 0;
     if (!m_small) m_small = std::make_unique_for_overwrite<std::byte[]>(smallFile + 1);
     ReadState& state = m_opener.state();
-    m_files.beginReading(file->get(), deviceOf(item, file->get()), item.fileSize, state);
+    m_files.beginReading(file->get(), item.device, 0, item.fileSize, state);
     const auto count = m_files.read(file->get(), {m_small.get(), smallFile + 1}, 0, state);
     const auto after = m_files.attributes(file->get());
     m_files.endReading(file->get(), state);
@@ -103,11 +119,16 @@ FileHasher::Ends FileHasher::hashEnds(fileAttrbItem& item, bool waitForTail) {
     std::byte head[headBytes] = {};
     std::byte tail[tailBytes];
     const int number = file->get();
+    if (item.type != FileType::Regular) {
+        ends.hashed = hashSettled(item, number);
+        return ends;
+    }
     ReadState& state = m_opener.state();
-    m_files.expectRandomReads(number);
-    m_files.beginReading(number, deviceOf(item, number), item.fileSize, state);
-    const auto headCount = m_files.read(number, head, 0, state);
     const std::uint64_t tailAt = item.fileSize - std::min<std::uint64_t>(item.fileSize, tailBytes);
+    m_files.expectRandomReads(number);
+    m_files.beginReading(number, item.device, 0, headBytes, state);
+    m_files.beginReading(number, item.device, tailAt, tailBytes, state);
+    const auto headCount = m_files.read(number, head, 0, state);
     const auto tailCount = waitForTail ? m_files.read(number, tail, tailAt, state)
                                        : m_files.readResident(number, tail, tailAt, state);
     const auto after = m_files.attributes(number);
@@ -133,13 +154,48 @@ std::span<std::byte> FileHasher::largeBuffer() {
     return {m_large.get(), largePiece};
 }
 
-// Hashes up to `length` bytes from `offset` on, onto `value`; the count of bytes that were there.
-SysResult<std::uint64_t> FileHasher::stream(int file, std::uint64_t offset, std::uint64_t length, std::uint64_t& value) {
-    const std::span<std::byte> buffer = largeBuffer();
+std::uint64_t FileHasher::hashHead(const fileAttrbItem& item) {
+    const auto file = m_opener.open(item);
+    if (!file) return 0;
+    std::byte head[headBytes];
+    m_files.expectRandomReads(file->get());
+    m_files.beginReading(file->get(), item.device, 0, headBytes, m_opener.state());
+    const auto count = m_files.read(file->get(), head, 0, m_opener.state());
+    m_files.endReading(file->get(), m_opener.state());
+    return count ? crc::crc64(head, static_cast<std::uint32_t>(*count)) : 0;
+}
+
+// Hashes up to `length` bytes from `offset` on, onto `value`; the count of bytes that were there. Holes are not read: what a stretch
+// of zeros does to the value can be computed.
+SysResult<std::uint64_t> FileHasher::stream(int file, std::uint64_t device, std::uint64_t offset, std::uint64_t length,
+                                            std::uint64_t& value) {
+    std::uint64_t done = 0;
+    while (done < length) {
+        const std::uint64_t at = offset + done;
+        const auto data = m_files.nextData(file, at);
+        const std::uint64_t hole = std::min(length - done, data ? std::max(data->begin, at) - at : length - done);
+        if (hole >= fewestZeros) {
+            value = overZeros(value, hole);
+            done += hole;
+            continue;
+        }
+        const std::uint64_t wanted = data ? std::max(data->end, at + largePiece) - at : largePiece;
+        const std::uint64_t piece = std::min({length - done, wanted, noteBytes});
+        m_files.beginReading(file, device, at, piece, m_opener.state());
+        const auto count = streamData(file, at, piece, value);
+        m_files.endReading(file, m_opener.state());
+        if (!count) return count;
+        done += *count;
+        if (*count < piece) break;
+    }
+    return done;
+}
+
+SysResult<std::uint64_t> FileHasher::streamData(int file, std::uint64_t offset, std::uint64_t length, std::uint64_t& value) {
     std::uint64_t done = 0;
     bool fromDisk = false;  // then what is read ahead looks resident, but is ours, and must go again
     while (done < length) {
-        if (!fromDisk && length - done >= mappedPiece) {
+        if (!fromDisk && length - done >= mappedPiece && (offset + done) % mappedPiece == 0) {
             const auto seen = m_files.visitResident(file, offset + done, mappedPiece,
                                                     [&](std::span<const std::byte> bytes) { value = extend(value, bytes); });
             if (!seen) return tl::unexpected(seen.error());
@@ -148,6 +204,7 @@ SysResult<std::uint64_t> FileHasher::stream(int file, std::uint64_t offset, std:
                 continue;
             }
         }
+        const std::span<std::byte> buffer = largeBuffer();
         const auto left = static_cast<std::size_t>(std::min<std::uint64_t>(length - done, buffer.size()));
         auto piece = buffer.first(std::min(left, residentPiece));
         SysResult<std::size_t> count = tl::unexpected(EAGAIN);
@@ -169,10 +226,8 @@ bool FileHasher::hashStretch(const fileAttrbItem& item, std::uint64_t offset, st
     const auto file = m_opener.open(item);
     if (!file) return fail(item, "open", file.error());
     const int number = file->get();
-    m_files.beginReading(number, deviceOf(item, number), item.fileSize, m_opener.state());
     value = startValue;
-    const auto count = stream(number, offset, length, value);
-    m_files.endReading(number, m_opener.state());
+    const auto count = stream(number, item.device, offset, length, value);
     if (!count) return fail(item, "read", count.error());
     const auto after = m_files.attributes(number);
     if (*count != length || !after || !isAsListed(item, *after)) return fail(item, ErrorKind::Changed);
@@ -195,12 +250,12 @@ bool FileHasher::hashSettled(fileAttrbItem& item, int file) {
     if (before->type != FileType::Regular) return fail(item, ErrorKind::NotARegularFile);
     if (before->size == 0) return false;
     ReadState& state = m_opener.state();
-    m_files.beginReading(file, before->device, before->size, state);
+    m_files.beginReading(file, before->device, 0, headBytes, state);
     std::byte head[headBytes] = {};
     const auto headCount = m_files.read(file, head, 0, state);
-    std::uint64_t value = startValue;
-    const auto count = headCount ? stream(file, 0, ~std::uint64_t{0}, value) : tl::unexpected(headCount.error());
     m_files.endReading(file, state);
+    std::uint64_t value = startValue;
+    const auto count = headCount ? stream(file, before->device, 0, before->size, value) : tl::unexpected(headCount.error());
     if (!count) return fail(item, "read", count.error());
     const auto after = m_files.attributes(file);
     if (!after || !sameVersion(*before, *after) || *count != before->size) return fail(item, ErrorKind::Changed);

@@ -56,6 +56,10 @@ public:
     /// Sets md5_1k, and takes the hash of the last bytes too when they are in memory already, or when `waitForTail` is set.
     [[nodiscard]] Ends hashEnds(fileAttrbItem& item, bool waitForTail);
 
+    /// The hash of what the file has of its first kilobyte, for telling files apart; sets nothing, and 0 on failure, which is
+    /// not added to the skip list.
+    [[nodiscard]] std::uint64_t hashHead(const fileAttrbItem& item);
+
     /// The running hash over a stretch of the file, from the start value on; its length is in `length`. False on failure. A
     /// file that is not as listed is a failure here.
     [[nodiscard]] bool hashStretch(const fileAttrbItem& item, std::uint64_t offset, std::uint64_t length,
@@ -68,11 +72,11 @@ public:
     [[nodiscard]] static bool isAsListed(const fileAttrbItem& item, const FileAttributes& now);
 
 private:
-    SysResult<Descriptor> open(const fileAttrbItem& item, const char*& failure);
     bool fail(const fileAttrbItem& item, const char* operation, int number);
     bool fail(const fileAttrbItem& item, ErrorKind kind);
-    std::uint64_t deviceOf(const fileAttrbItem& item, int file) const;
-    SysResult<std::uint64_t> stream(int file, std::uint64_t offset, std::uint64_t length, std::uint64_t& value);
+    SysResult<std::uint64_t> stream(int file, std::uint64_t device, std::uint64_t offset, std::uint64_t length,
+                                    std::uint64_t& value);
+    SysResult<std::uint64_t> streamData(int file, std::uint64_t offset, std::uint64_t length, std::uint64_t& value);
     bool hashSettled(fileAttrbItem& item, int file);
     std::span<std::byte> largeBuffer();
 

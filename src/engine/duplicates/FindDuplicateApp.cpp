@@ -84,19 +84,23 @@ bool FindDuplicateApp::getAllFilePathName(const std::string& path, AppAttrbItem*
             if (target && target->type == FileType::Folder) return;
         }
         const auto attributes = m_files.attributes(entry.folder, entry.name.data(), Links::Keep);
-        const auto& file = OutArray->AllFileInDirectory.add(joinPath(path, entry.relative),
-                                                            attributes.value_or(FileAttributes{}));
+        if (!attributes) {
+            failure = attributes.error();
+            m_skipped.add(systemError("attributes", joinPath(path, entry.relative), failure));
+            return;
+        }
+        const auto& file = OutArray->AllFileInDirectory.add(joinPath(path, entry.relative), *attributes);
         OutArray->DirectorySize += std::min(file.fileSize, ~std::uint64_t{0} - OutArray->DirectorySize);
     };
-    const std::atomic<bool> never{false};
-    const auto listed = listTree(m_files, start->get(), listing, never);
+    const auto listed = listTree(m_files, start->get(), listing, m_StopSearch);
     setCurrentSearchFile({});
-    return listed.has_value() && failure == 0;
+    return listed.has_value() && failure == 0 && !m_StopSearch;
 }
 
 bool FindDuplicateApp::InitInputAppDirectory(const std::vector<std::string>* array) {
     if (array == nullptr) return false;
     for (const std::string& path : *array) {
+        if (m_StopSearch) break;
         auto item = std::make_shared<AppAttrbItem>();
         item->DirectoryPathName = path;
         item->DirectoryName = lastPathComponent(path);
@@ -149,23 +153,55 @@ void FindDuplicateApp::dropRepeated() {
     std::erase_if(m_AllAppItem, [&](const auto& bundle) { return !seen.insert({bundle->device, bundle->inode}).second; });
 }
 
+// Tells bundles apart at the cost of one look at each, so that only those that are equal in all likelihood are held against each
+// other: many bundles of one size would otherwise be compared each with each.
+void FindDuplicateApp::tellClasses() {
+    std::map<std::uint64_t, std::size_t> sizes;
+    for (const auto& bundle : m_AllAppItem) ++sizes[bundle->DirectorySize];
+    AppList wanted;
+    for (const auto& bundle : m_AllAppItem) {
+        for (const fileAttrbItem* file : bundle->AllFileInDirectory.items()) bundle->likeness.push_back(file->fileSize);
+        std::sort(bundle->likeness.begin(), bundle->likeness.end());
+        if (sizes[bundle->DirectorySize] > 1) wanted.push_back(bundle);
+    }
+    WorkCrew crew;
+    std::vector<std::unique_ptr<FileHasher>> hashers(crew.most());
+    crew.forEach(wanted.size(), 1, m_StopSearch, [&](std::size_t at, unsigned worker) {
+        if (!hashers[worker]) hashers[worker] = std::make_unique<FileHasher>(m_files, m_skipped);
+        std::vector<std::uint64_t> heads;
+        for (fileAttrbItem* file : wanted[at]->AllFileInDirectory.items())
+            heads.push_back(file->type == FileType::Regular ? hashers[worker]->hashHead(*file) : 0);
+        std::sort(heads.begin(), heads.end());
+        wanted[at]->likeness.insert(wanted[at]->likeness.end(), heads.begin(), heads.end());
+    });
+    for (const auto& bundle : m_AllAppItem) m_classes[bundle->likeness].push_back(bundle);
+}
+
+void FindDuplicateApp::takeGroup(const std::shared_ptr<AppAttrbItem>& item, std::vector<AppGroup>& out) {
+    AppList& alike = m_classes[item->likeness];
+    std::erase_if(alike, [&](const auto& bundle) { return bundle == item || bundle->taken; });
+    AppGroup group;
+    if (!getDuplicateAppDirInArray(alike, item, group)) return;
+    for (const auto& member : group) member->taken = true;
+    out.push_back(std::move(group));
+}
+
 bool FindDuplicateApp::FindAppInArray(const std::vector<std::string>* array, std::vector<AppGroup>& OutArray) {
     if (!InitInputAppDirectory(array)) return false;
     dropRepeated();
     m_AppCount = array->size();
-    while (!m_AllAppItem.empty() && !m_StopSearch) {
-        const std::shared_ptr<AppAttrbItem> item = m_AllAppItem.front();
+    tellClasses();
+    std::size_t remaining = m_AllAppItem.size();
+    for (const auto& item : m_AllAppItem) {
+        if (m_StopSearch) break;
+        if (item->taken) continue;
         setCurrentSearchFile(item->DirectoryPathName);
-        m_AllAppItem.erase(m_AllAppItem.begin());
-        AppGroup group;
-        if (getDuplicateAppDirInArray(m_AllAppItem, item, group)) {
-            std::erase_if(m_AllAppItem, [&](const auto& bundle) {
-                return std::find(group.begin(), group.end(), bundle) != group.end();
-            });
-            OutArray.push_back(std::move(group));
-        }
-        m_Progress = static_cast<std::uint32_t>(m_AllAppItem.size() * 100 / m_AppCount);
+        takeGroup(item, OutArray);
+        remaining -= item->taken ? OutArray.back().size() : 1;
+        m_Progress = static_cast<std::uint32_t>(remaining * 100 / m_AppCount);
     }
+    m_AllAppItem.clear();
+    m_classes.clear();
     return true;
 }
 

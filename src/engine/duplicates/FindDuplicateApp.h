@@ -4,7 +4,7 @@
 
 #include <atomic>
 #include <cstdint>
-#include <deque>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -60,10 +60,13 @@ public:
 
 private:
     void dropRepeated();
+    void tellClasses();
+    void takeGroup(const std::shared_ptr<AppAttrbItem>& item, std::vector<AppGroup>& out);
 
     const FileSystem& m_files;
     SkipList& m_skipped;
     AppList m_AllAppItem;
+    std::map<std::vector<std::uint64_t>, AppList> m_classes;  // bundles that may be equal, by what they were told apart by
     std::atomic<std::uint32_t> m_Progress{0};
     std::uint64_t m_AppCount = 0;
     std::atomic<bool> m_StopSearch{false};

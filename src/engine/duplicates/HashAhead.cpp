@@ -20,6 +20,10 @@ constexpr unsigned mostWholeReaders = 8;
 
 // Files above twice this are hashed in stretches by several threads at a time.
 constexpr std::uint64_t stretchBytes = 64ULL << 20;
+constexpr std::uint64_t mostStretches = 1024;
+
+// The most that a batch grows to; far from where sums of sizes would overflow.
+constexpr std::uint64_t mostBatch = 1ULL << 46;
 
 }  // namespace
 
@@ -65,8 +69,11 @@ void HashAhead::resolveMore(std::uint32_t upTo) {
         m_resolved = last;
         const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
         const double factor = std::clamp(batchSeconds / std::max(seconds, 1e-6), 0.5, 64.0);
-        m_batchFiles = static_cast<std::uint64_t>(static_cast<double>(m_batchFiles) * factor) + 1;
-        m_batchBytes = static_cast<std::uint64_t>(static_cast<double>(m_batchBytes) * factor) + 1;
+        const auto scaled = [&](std::uint64_t amount) {
+            return std::min(mostBatch, static_cast<std::uint64_t>(static_cast<double>(amount) * factor) + 1);
+        };
+        m_batchFiles = scaled(m_batchFiles);
+        m_batchBytes = scaled(m_batchBytes);
     }
 }
 
@@ -77,7 +84,8 @@ std::uint32_t HashAhead::endOfBatch(std::uint32_t first) const {
     while (last < m_classes.count() && files < m_batchFiles && bytes < m_batchBytes) {
         const auto members = m_classes.members(last++);
         files += members.size();
-        bytes += members.size() * std::min<std::uint64_t>(m_list[members[0]]->fileSize, m_batchBytes);
+        const std::uint64_t each = std::max<std::uint64_t>(1, m_list[members[0]]->fileSize);
+        bytes += members.size() < m_batchBytes / each ? members.size() * each : m_batchBytes;
     }
     return last;
 }
@@ -169,8 +177,10 @@ std::vector<HashAhead::Stretch> HashAhead::cutIntoStretches(const std::vector<La
     std::vector<Stretch> out;
     for (const Large* one : wanted) {
         const std::uint64_t size = m_list[one->index]->fileSize;
-        const std::uint64_t piece = size > 2 * stretchBytes ? stretchBytes : size;
-        for (std::uint64_t at = 0; at < size; at += piece)
+        // Never more than some thousand stretches, however large a sparse file says it is.
+        const std::uint64_t share = (size / mostStretches + stretchBytes - 1) / stretchBytes * stretchBytes;
+        const std::uint64_t piece = size > 2 * stretchBytes ? std::max(stretchBytes, share) : size;
+        for (std::uint64_t at = 0; at < size; at += out.back().length)
             out.push_back({one->index, at, std::min(piece, size - at), 0, false});
     }
     return out;

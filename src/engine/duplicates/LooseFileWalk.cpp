@@ -291,7 +291,7 @@ bool LooseFileWalk::State::takeTopLevelEntry(WalkFolder& folder, CatalogEntry& e
     const auto target = files.attributes(folder.descriptor, entry.name, Links::Follow);
     if (!target) {
         Log::engine(topLogName, "directory not exsts:{}", pathOf(folder, entry.name));
-        if (target.error() == EACCES)
+        if (target.error() != ENOENT && target.error() != ENOTDIR && target.error() != ELOOP)
             skipped.add(systemError("attributes", pathOf(folder, entry.name), target.error()));
         return false;
     }
@@ -319,7 +319,6 @@ bool LooseFileWalk::State::takeFile(Worker& worker, WalkFolder& folder, CatalogE
     record.setAttributes(attributes);
     record.folder = &folder;
     record.name = worker.names->copy(entry.name);
-    record.otherDevice = attributes.device != folder.device;
     if (attributes.mount != folder.mount) mayRepeat = true;
     ++worker.files;
     return true;

@@ -23,13 +23,9 @@ std::optional<Entry> entryAt(const FileSystem& files, const std::string& path, c
 
 // What the item leads to. A link is the entry that it points at.
 std::optional<Entry> entryOf(const FileSystem& files, const fileAttrbItem& item) {
-    FileAttributes file;
-    file.device = item.folder->device;
-    file.inode = item.inode;
-    file.links = item.links;
-    if (item.type != FileType::SymbolicLink && !item.otherDevice) {
-        if (file.links < 2) return Entry{file.device, file.inode, 0, 0, {}};
-        return Entry{file.device, file.inode, item.folder->device, item.folder->inode, std::string(item.fileName())};
+    if (item.type != FileType::SymbolicLink) {
+        if (item.links < 2) return Entry{item.device, item.inode, 0, 0, {}};
+        return Entry{item.device, item.inode, item.folder->device, item.folder->inode, std::string(item.fileName())};
     }
     const auto path = files.resolved(item.filePathName());
     if (!path) return std::nullopt;

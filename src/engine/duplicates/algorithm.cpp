@@ -2,6 +2,7 @@
 #include "engine/duplicates/algorithm.h"
 
 #include <algorithm>
+#include <cstring>
 #include <optional>
 
 #include "engine/base/Log.h"
@@ -32,7 +33,9 @@ algorithm::algorithm(const FileSystem& files, SkipList& skipped)
       m_skipped(skipped),
       m_opener(files),
       m_hasher(files, skipped),
-      m_Buf(std::make_unique<std::byte[]>(bufferBytes)) {}
+      m_Buf(std::make_unique_for_overwrite<std::byte[]>(bufferBytes)) {
+    std::memset(m_Buf.get(), 0, FileHasher::headBytes);
+}
 
 std::uint64_t algorithm::getFileSize(const std::string& path) {
     ReadState state;
@@ -56,7 +59,7 @@ bool algorithm::getMD5_1K(fileAttrbItem& item) {
     }
     ReadState& state = m_opener.state();
     m_files.expectRandomReads(file->get());
-    m_files.beginReading(file->get(), before->device, before->size, state);
+    m_files.beginReading(file->get(), before->device, 0, FileHasher::headBytes, state);
     const auto count = m_files.read(file->get(), {m_Buf.get(), FileHasher::headBytes}, 0, state);
     m_files.endReading(file->get(), state);
     const auto after = m_files.attributes(file->get());

@@ -18,8 +18,11 @@ void duplicateFind::setSearchOption(bool hidden, bool option) {
 }
 
 void duplicateFind::searchDuplicateFileAtPath(const std::string& path, std::uint64_t limittedSize) {
-    const auto root = m_files.attributes(FileSystem::noParent, path.c_str(), Links::Follow);
-    if (!root || root->type != FileType::Folder) return;
+    const auto root = openFolderByPath(m_files, path, Links::Follow);
+    if (!root) {
+        m_rootError = systemError("open", path, root.error());
+        return;
+    }
     m_path = path;
     m_limittedSize = limittedSize;
     const int result = _searchDuplicateFile();

@@ -9,6 +9,7 @@ void fileAttrbItem::setAttributes(const FileAttributes& attributes) {
     fileSize = attributes.size;
     modified = attributes.modified;
     changed = attributes.changed;
+    device = attributes.device;
     inode = attributes.inode;
     links = attributes.links;
     type = attributes.type;

@@ -21,13 +21,13 @@ struct fileAttrbItem {
     std::uint64_t md5 = 0;       ///< hash of the whole file, zero until computed
     std::uint64_t md5_1k = 0;    ///< hash of the first kilobyte, zero until computed
     std::int64_t modified = 0;   ///< nanoseconds since 1970 UTC, like `changed`
-    std::int64_t changed = 0;    ///< change of the inode: with the three below the identity that a removal asks for
+    std::int64_t changed = 0;    ///< change of the inode: with those below the identity that a removal asks for
+    std::uint64_t device = 0;    ///< the file's own; not its folder's where a file is mounted or layers lie upon each other
     std::uint64_t inode = 0;
     const FolderNode* folder = nullptr;
     const char* name = nullptr;
     std::uint32_t links = 0;     ///< hard links
     FileType type = FileType::Unknown;
-    bool otherDevice = false;    ///< a file mounted on its own: its device is not that of its folder
 
     [[nodiscard]] std::string filePathName() const { return pathOf(*folder, name); }
     [[nodiscard]] std::string_view fileName() const { return name; }

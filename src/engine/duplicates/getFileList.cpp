@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <set>
 
 #include "engine/base/Log.h"
 #include "engine/duplicates/LooseFileWalk.h"
@@ -95,9 +96,9 @@ bool getFileList::getListAtPath(const std::string& path, FileArray& FileArray, s
         for (const fileAttrbItem* item : found->files)
             Log::engine(listName, "file:{} filesize:{}", item->filePathName(), item->fileSize);
     FileArray.adopt(std::move(found->files), std::move(found->storage));
+    const std::set<std::string> known(DirectoryArray.begin(), DirectoryArray.end());
     for (std::string& bundle : found->bundles)
-        if (std::find(DirectoryArray.begin(), DirectoryArray.end(), bundle) == DirectoryArray.end())
-            DirectoryArray.push_back(std::move(bundle));
+        if (!known.contains(bundle)) DirectoryArray.push_back(std::move(bundle));
     return true;
 }
 

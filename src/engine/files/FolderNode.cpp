@@ -61,9 +61,14 @@ std::string_view pathExtension(std::string_view path) {
 }
 
 SysResult<Descriptor> openFolderByPath(const FileSystem& files, const std::string& path, Links last) {
-    if (path.size() < longestPath) return files.openFolder(FileSystem::noParent, path.c_str(), last);
+    return openFolderBelow(files, FileSystem::noParent, path, last);
+}
+
+SysResult<Descriptor> openFolderBelow(const FileSystem& files, int start, std::string_view relative, Links last) {
+    const std::string path(relative);
+    if (path.size() < longestPath) return files.openFolder(start, path.c_str(), last);
     Descriptor base;
-    int parent = FileSystem::noParent;
+    int parent = start;
     std::size_t at = 0;
     while (at < path.size()) {
         std::size_t end = path.size();

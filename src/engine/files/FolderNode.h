@@ -36,6 +36,10 @@ struct FolderNode {
 /// the way are followed; the caller compares identities where that matters.
 [[nodiscard]] SysResult<Descriptor> openFolderByPath(const FileSystem& files, const std::string& path, Links last);
 
+/// The same for a path relative to an open folder.
+[[nodiscard]] SysResult<Descriptor> openFolderBelow(const FileSystem& files, int start, std::string_view relative,
+                                                    Links last);
+
 /// Opens a folder that a scan has met earlier; ESTALE when another folder stands at its path now.
 [[nodiscard]] SysResult<Descriptor> reopenFolder(const FileSystem& files, const FolderNode& folder);
 

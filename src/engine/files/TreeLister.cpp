@@ -110,6 +110,8 @@ private:
             return 0;
         }
         auto opened = m_files.openFolder(m_folder.get(), "..", Links::Keep);
+        // A folder that may be listed but not searched does not let go back through it.
+        if (!opened) opened = openFolderBelow(m_files, m_start, m_path.substr(0, parent.pathLength), Links::Keep);
         if (!opened) return opened.error();
         const auto identity = m_files.attributes(opened->get());
         if (!identity) return identity.error();

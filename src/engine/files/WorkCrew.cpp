@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <system_error>
 
 namespace orrinvale {
 namespace {
@@ -149,9 +150,9 @@ void WorkCrew::adjust(Clock::time_point now) {
     m_lastProcessor = processor;
     m_lastWaits = waited;
     m_lastSteps = steps;
-    if (m_hold > 0) --m_hold;
+    if (m_hold > 0 && m_hold != ~0U) --m_hold;
 
-    if (limit < cores()) {
+    if (limit < cores() && m_hold == 0) {
         setLimit(std::min(cores(), m_most));
         return;
     }
@@ -170,9 +171,14 @@ void WorkCrew::adjust(Clock::time_point now) {
 
 void WorkCrew::setLimit(unsigned limit) {
     limit = std::min(limit, m_most);
+    try {
+        for (auto next = static_cast<unsigned>(m_threads.size()) + 1; next < limit; ++next)
+            m_threads.emplace_back([this, next] { work(next); });
+    } catch (const std::system_error&) {  // the user may have no more threads: those that are there do the work
+        limit = static_cast<unsigned>(m_threads.size()) + 1;
+        m_hold = ~0U;
+    }
     m_limit = limit;
-    for (auto next = static_cast<unsigned>(m_threads.size()) + 1; next < limit; ++next)
-        m_threads.emplace_back([this, next] { work(next); });
     m_generation.fetch_add(1);
     m_wakeUp.notify_all();
 }

@@ -14,7 +14,8 @@ public:
     SysResult<FileAttributes> attributes(int parent, const char* name, Links links) const override;
     SysResult<FileAttributes> attributes(int descriptor) const override;
     SysResult<Descriptor> openFile(int parent, const char* name, Links links, ReadState& state) const override;
-    void beginReading(int file, std::uint64_t device, std::uint64_t size, ReadState& state) const override;
+    void beginReading(int file, std::uint64_t device, std::uint64_t offset, std::uint64_t length,
+                      ReadState& state) const override;
     void endReading(int file, ReadState& state) const override;
     SysResult<std::size_t> read(int file, std::span<std::byte> buffer, std::uint64_t offset,
                                 ReadState& state) const override;
@@ -22,6 +23,7 @@ public:
                                         ReadState& state) const override;
     SysResult<bool> visitResident(int file, std::uint64_t offset, std::uint64_t length,
                                   const std::function<void(std::span<const std::byte>)>& visit) const override;
+    SysResult<DataStretch> nextData(int file, std::uint64_t offset) const override;
     void expectRandomReads(int file) const override;
     std::vector<std::uint64_t> kernelDevices() const override;
     SysResult<std::string> resolved(const std::string& path) const override;

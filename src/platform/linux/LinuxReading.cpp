@@ -53,22 +53,20 @@ void addRange(std::vector<ReadState::Range>& ranges, std::uint64_t offset, std::
     else ranges.push_back({offset, length});
 }
 
-// Notes which pages of the file are not in memory. A window of 256 MiB at a time keeps the address space small; the
-// mapping is only asked about, never touched.
-void noteResidency(int file, std::uint64_t size, std::vector<ReadState::Range>& notResident) {
-    constexpr std::uint64_t window = 256ULL << 20;
-    std::vector<unsigned char> pages;
-    for (std::uint64_t at = 0; at < size; at += window) {
-        const std::uint64_t length = std::min(window, size - at);
-        void* const map = ::mmap(nullptr, length, PROT_READ, MAP_SHARED, file, static_cast<off_t>(at));
-        if (map == MAP_FAILED) return;
-        pages.assign((length + pageBytes() - 1) / pageBytes(), 0);
-        if (::mincore(map, length, pages.data()) == 0) {
-            for (std::size_t page = 0; page < pages.size(); ++page)
-                if ((pages[page] & 1U) == 0) addRange(notResident, at + page * pageBytes(), pageBytes());
-        }
-        ::munmap(map, length);
+// Notes which pages of the stretch are not in memory, and of what the kernel may read ahead behind it. The mapping is only asked
+// about, never touched.
+void noteResidency(int file, std::uint64_t offset, std::uint64_t length, std::vector<ReadState::Range>& notResident) {
+    constexpr std::uint64_t readAhead = 16ULL << 20;
+    const std::uint64_t from = offset / pageBytes() * pageBytes();
+    const std::uint64_t size = offset - from + length + (length <= pageBytes() ? 0 : readAhead);
+    void* const map = ::mmap(nullptr, size, PROT_READ, MAP_SHARED, file, static_cast<off_t>(from));
+    if (map == MAP_FAILED) return;
+    std::vector<unsigned char> pages((size + pageBytes() - 1) / pageBytes(), 0);
+    if (::mincore(map, size, pages.data()) == 0) {
+        for (std::size_t page = 0; page < pages.size(); ++page)
+            if ((pages[page] & 1U) == 0) addRange(notResident, from + page * pageBytes(), pageBytes());
     }
+    ::munmap(map, size);
 }
 
 // cachestat(2), Linux 6.5. One question about a stretch costs a look at the pieces that it is kept in, not at each page.
@@ -91,15 +89,15 @@ bool isResident(int file, std::uint64_t offset, std::uint64_t length) {
     return statistics.cached >= pages;
 }
 
-void LinuxFileSystem::beginReading(int file, std::uint64_t device, std::uint64_t size, ReadState& state) const {
-    state.notResident.clear();
+void LinuxFileSystem::beginReading(int file, std::uint64_t device, std::uint64_t offset, std::uint64_t length,
+                                   ReadState& state) const {
     if (device != state.device) {
         std::array<std::byte, 1> probe;
-        const ssize_t count = readOnce(file, probe, 0, readUncached);
+        const ssize_t count = readOnce(file, probe, offset, readUncached);
         state.uncached = count >= 0;
         state.device = device;
     }
-    if (!state.uncached) noteResidency(file, size, state.notResident);
+    if (!state.uncached && length > 0) noteResidency(file, offset, length, state.notResident);
 }
 
 void LinuxFileSystem::endReading(int file, ReadState& state) const {
@@ -117,6 +115,16 @@ SysResult<std::size_t> LinuxFileSystem::readResident(int file, std::span<std::by
                                                      ReadState& state) const {
     if (!isResident(file, offset, buffer.size())) return tl::unexpected(EAGAIN);
     return read(file, buffer, offset, state);
+}
+
+SysResult<FileSystem::DataStretch> LinuxFileSystem::nextData(int file, std::uint64_t offset) const {
+    constexpr DataStretch toTheEnd{0, ~std::uint64_t{0}};
+    const off_t begin = ::lseek(file, static_cast<off_t>(offset), SEEK_DATA);
+    if (begin < 0 && errno == ENXIO) return tl::unexpected(ENXIO);
+    if (begin < 0) return toTheEnd;
+    const off_t end = ::lseek(file, begin, SEEK_HOLE);
+    if (end < 0) return toTheEnd;
+    return DataStretch{static_cast<std::uint64_t>(begin), static_cast<std::uint64_t>(end)};
 }
 
 void LinuxFileSystem::expectRandomReads(int file) const { ::posix_fadvise(file, 0, 0, POSIX_FADV_RANDOM); }

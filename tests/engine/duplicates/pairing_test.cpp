@@ -114,6 +114,29 @@ TEST(Pairing, largeFilesAcrossThePiecesInWhichTheyAreHashed) {
     }
 }
 
+// Holes are computed, not read: files that say they are larger than any disk are told apart at once.
+TEST(Pairing, hugeSparseFilesCostNothing) {
+    constexpr std::uint64_t huge = 1ULL << 62U;
+    TestTree tree("/dev/shm");
+    for (const char* name : {"equal1", "equal2", "other"})
+        if (!tree.sparse(name, huge)) GTEST_SKIP() << "no file of 4 EiB can be made here";
+    ASSERT_TRUE(tree.patch("equal1", huge / 3, "x") && tree.patch("equal2", huge / 3, "x") && tree.patch("other", huge / 5, "x"));
+    Strings found = search(tree.path());
+    std::sort(found.begin(), found.end());
+    EXPECT_EQ(found, (Strings{tree.at("equal1"), tree.at("equal2")}));
+}
+
+// The hash over holes is that over the zeros that they stand for.
+TEST(Pairing, holesAreZeros) {
+    constexpr std::uint64_t size = 9'000'001;
+    TestTree tree;
+    ASSERT_TRUE(tree.sparse("holes", size) && tree.patch("holes", 5'000'000, "middle"));
+    std::string bytes(size, '\0');
+    bytes.replace(5'000'000, 6, "middle");
+    ASSERT_TRUE(tree.write("zeros", bytes));
+    EXPECT_EQ(search(tree.path()).size(), 2U);
+}
+
 TEST(Pairing, oneEntryIsNotItsOwnCopy) {
     TestTree tree;
     const std::string bytes = testing::someBytes(3000, 8);

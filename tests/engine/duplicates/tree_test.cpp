@@ -143,6 +143,18 @@ TEST(Tree, SortsEveryLevelByOneKeyAndKeepsTheOrderOfEquals) {
     }
 }
 
+TEST(Tree, ManyEqualsKeepTheirOrderBothWays) {
+    const Pointer root = group("r", {});
+    for (int i = 0; i < 100; ++i) add(root, leaf(std::to_string(i), static_cast<std::uint64_t>(i % 2)));
+    for (const auto& [sort, first] : {std::pair{&TreeNode::decendingSortSize, 1}, {&TreeNode::acendingSortSize, 0}}) {
+        (root.get()->*sort)();
+        for (int i = 0; i < 100; ++i) {
+            const int expected = i < 50 ? 2 * i + first : 2 * (i - 50) + 1 - first;
+            ASSERT_EQ(text(*root->childAtIndex(static_cast<std::size_t>(i))), std::to_string(expected));
+        }
+    }
+}
+
 TEST(Tree, NodesWithoutAKeyKeepTheirPlacesAmongTheOthers) {
     const Pointer root = group("r", {leaf("c", 0, 3), leaf("-"), leaf("b", 0, 2), leaf("="), leaf("a", 0, 1)});
     add(root, TreeNode::treeNodeWithData(nullptr));
