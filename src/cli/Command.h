@@ -16,7 +16,8 @@ enum class Status : int { Done = 0, SomeSkipped = 1, BadUsage = 2, NoSuchFolder 
 
 /// One option or argument of a command, as data.
 struct OptionSpec {
-    std::string_view names;     ///< "--json", "-0,--print0"; a bare name such as "FOLDER" is an argument that must be given
+    std::string_view
+        names;  ///< "--json", "-0,--print0"; a bare name such as "FOLDER" is an argument that must be given
     std::string_view argument;  ///< what the option takes ("BYTES"); empty for a flag
     std::string_view help;
 };

@@ -4,6 +4,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <set>
 
 #include "engine/base/Date.h"
@@ -30,7 +32,8 @@ template <class Visit> void forEachLeaf(const DuplicateGroup& group, Visit visit
 std::uint64_t reclaimable(const DuplicateGroup& group) {
     if (group.bundle) return group.size - group.bundles.front()->DirectorySize;
     std::uint64_t bytes = group.size - group.files.front()->fileSize;
-    if (std::none_of(group.files.begin(), group.files.end(), [](const auto* file) { return file->links > 1; })) return bytes;
+    if (std::none_of(group.files.begin(), group.files.end(), [](const auto* file) { return file->links > 1; }))
+        return bytes;
     std::set<std::pair<std::uint64_t, std::uint64_t>> seen;
     for (const fileAttrbItem* file : group.files)
         if (!seen.insert({file->device, file->inode}).second) bytes -= file->fileSize;
@@ -38,6 +41,12 @@ std::uint64_t reclaimable(const DuplicateGroup& group) {
 }
 
 void addSaturating(std::uint64_t& sum, std::uint64_t more) { sum += std::min(more, ~std::uint64_t{0} - sum); }
+
+void appendNumber(std::string& out, std::uint64_t number) {
+    std::array<char, 20> digits;
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    out.append(digits.data(), end);
+}
 
 std::string plural(std::uint64_t count, std::string_view one, std::string_view many) {
     return fmt::format("{} {}", count, count == 1 ? one : many);
@@ -54,9 +63,9 @@ void appendGroup(std::string& out, const DuplicateGroup& group) {
     forEachLeaf(group, [&](const Leaf& leaf) {
         out += between;
         appendJsonPath(out, leaf.path);
-        fmt::format_to(std::back_inserter(out), ", \"size\": {}, \"modified\": ", leaf.size);
-        if (leaf.modified) fmt::format_to(std::back_inserter(out), "\"{}\"}}", iso8601(*leaf.modified));
-        else out += "null}";
+        out += ", \"size\": ";
+        appendNumber(out, leaf.size);
+        out += leaf.modified ? ", \"modified\": \"" + iso8601(*leaf.modified) + "\"}" : ", \"modified\": null}";
         between = ",\n                {";
     });
     out += "]}";
@@ -104,10 +113,11 @@ void printJson(Output& out, const std::string& root, const DuplicateFilesOpt& se
         out.write(text);
         text.clear();
     });
-    text += fmt::format("{}],\n  \"summary\": {{\"files\": {}, \"bundles\": {}, \"groups\": {}, \"leaves\": {}, \"bytes\": {}, "
-                        "\"reclaimable\": {}}},\n  \"skipped\": [",
-                        summary.groups == 0 ? "" : "\n  ", summary.files, summary.bundles, summary.groups, summary.leaves,
-                        summary.bytes, summary.reclaimable);
+    text += fmt::format(
+        "{}],\n  \"summary\": {{\"files\": {}, \"bundles\": {}, \"groups\": {}, \"leaves\": {}, \"bytes\": {}, "
+        "\"reclaimable\": {}}},\n  \"skipped\": [",
+        summary.groups == 0 ? "" : "\n  ", summary.files, summary.bundles, summary.groups, summary.leaves,
+        summary.bytes, summary.reclaimable);
     appendSkipped(text, skipped);
     text += fmt::format("],\n  \"stopped\": {}\n}}\n", stopped);
     out.write(text);

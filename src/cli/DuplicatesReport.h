@@ -13,8 +13,8 @@ namespace orrinvale::cli {
 
 /// Totals of a result.
 struct DuplicatesSummary {
-    std::uint64_t files = 0;        ///< listed files
-    std::uint64_t bundles = 0;      ///< listed bundles
+    std::uint64_t files = 0;    ///< listed files
+    std::uint64_t bundles = 0;  ///< listed bundles
     std::uint64_t groups = 0;
     std::uint64_t leaves = 0;
     std::uint64_t bytes = 0;        ///< of all leaves

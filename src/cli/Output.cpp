@@ -82,10 +82,12 @@ void appendJsonText(std::string& out, std::string_view bytes) {
 }
 
 void appendJsonPath(std::string& out, std::string_view path, std::string_view field) {
-    out += fmt::format("\"{}\": ", field);
+    out += '"';
+    out += field;
+    out += "\": ";
     appendJsonText(out, path);
     for (std::string_view rest = path; !rest.empty();) {
-        const std::size_t length = validSequence(rest);
+        const std::size_t length = static_cast<unsigned char>(rest.front()) < 0x80 ? 1 : validSequence(rest);
         if (length != 0) {
             rest.remove_prefix(length);
             continue;

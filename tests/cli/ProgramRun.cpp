@@ -156,7 +156,7 @@ ProgramRun::Result ProgramRun::run() const {
     std::vector<std::string> variables = environmentOf(*this);
     const std::vector<char*> argv = pointers(texts);
     const std::vector<char*> envp = pointers(variables);
-    const Plan plan{where.c_str(), file.get(),  closeOutput ? -1 : output.theirs.get(),
+    const Plan plan{where.c_str(),      file.get(),  closeOutput ? -1 : output.theirs.get(),
                     error.theirs.get(), argv.data(), envp.data()};
     const pid_t child = ::fork();
     if (child < 0) fail("fork");

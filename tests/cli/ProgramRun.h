@@ -21,18 +21,18 @@ struct SignalWhen {
 
 struct ProgramRun {
     std::string program;
-    std::vector<std::string> arguments;                ///< without the program's name
-    std::vector<std::string> environment;              ///< "NAME=value"; only these and what sanitizers read
-    std::string folder;                                ///< to run in; empty for a fresh one
-    std::optional<uid_t> user;                         ///< to run as; needs root
-    std::vector<std::pair<int, rlim_t>> limits;        ///< RLIMIT_AS, 1 << 29
-    bool terminal = false;                             ///< standard error is a terminal of 80 columns
-    bool outputTerminal = false;                       ///< standard output likewise; both may be one
-    bool closeOutput = false;                          ///< standard output is closed
-    std::string outputFile;                            ///< where standard output goes instead of into the result
-    bool holdOutput = false;                           ///< standard output is read only when all signals are sent
+    std::vector<std::string> arguments;          ///< without the program's name
+    std::vector<std::string> environment;        ///< "NAME=value"; only these and what sanitizers read
+    std::string folder;                          ///< to run in; empty for a fresh one
+    std::optional<uid_t> user;                   ///< to run as; needs root
+    std::vector<std::pair<int, rlim_t>> limits;  ///< RLIMIT_AS, 1 << 29
+    bool terminal = false;                       ///< standard error is a terminal of 80 columns
+    bool outputTerminal = false;                 ///< standard output likewise; both may be one
+    bool closeOutput = false;                    ///< standard output is closed
+    std::string outputFile;                      ///< where standard output goes instead of into the result
+    bool holdOutput = false;                     ///< standard output is read only when all signals are sent
     std::vector<SignalWhen> signals;
-    int secondsToLive = 60;                            ///< then the program is killed
+    int secondsToLive = 60;  ///< then the program is killed
 
     // What came out of it.
     struct Result {

@@ -43,7 +43,8 @@ TEST(App, APairOfTheWordAndASizeTouchesMemoryAndEnds) {
 }
 
 TEST(App, AnythingElseSaysThatThereIsNoWindowYet) {
-    for (const std::vector<std::string>& arguments : {std::vector<std::string>{}, {"fr"}, {"x", "fr"}, {"FR", "4096"}}) {
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{}, {"fr"}, {"x", "fr"}, {"FR", "4096"}}) {
         const auto result = runApp(arguments);
         EXPECT_EQ(result.status, 2) << ::testing::PrintToString(arguments);
         EXPECT_EQ(result.output, "");

@@ -29,7 +29,8 @@ std::vector<std::string> namesIn(const std::string& folder) {
     std::vector<std::string> names;
     const std::unique_ptr<DIR, int (*)(DIR*)> stream(::opendir(folder.c_str()), &::closedir);
     while (const dirent* entry = ::readdir(stream.get()))
-        if (std::string_view(entry->d_name) != "." && std::string_view(entry->d_name) != "..") names.emplace_back(entry->d_name);
+        if (std::string_view(entry->d_name) != "." && std::string_view(entry->d_name) != "..")
+            names.emplace_back(entry->d_name);
     return names;
 }
 
@@ -68,18 +69,28 @@ TEST(DuplicatesJson, WholeDocumentInTheOrderOfDiscovery) {
     for (const std::string& opener : names) {
         const std::string& bytes = contents[opener];
         if (bytes.empty() || !done.insert(bytes).second) continue;
-        const std::vector<std::string> shown = shownOrder(names, [&](const auto& name) { return contents[name] == bytes; });
+        const std::vector<std::string> shown =
+            shownOrder(names, [&](const auto& name) { return contents[name] == bytes; });
         if (shown.size() < 2) continue;
         Json leaves = Json::array();
         for (const std::string& name : shown) leaves.push_back(leaf(tree.at(name), bytes.size()));
-        groups.push_back({{"name", shown.back()}, {"extension", "txt"}, {"type", "documents"}, {"bundle", false},
-                          {"size", bytes.size() * leaves.size()}, {"leaves", leaves}});
+        groups.push_back({{"name", shown.back()},
+                          {"extension", "txt"},
+                          {"type", "documents"},
+                          {"bundle", false},
+                          {"size", bytes.size() * leaves.size()},
+                          {"leaves", leaves}});
     }
     ASSERT_EQ(groups.size(), 12U);
     const Json expected = {{"root", tree.path()},
                            {"groups", groups},
-                           {"summary", {{"files", 37}, {"bundles", 0}, {"groups", 12}, {"leaves", 36},
-                                        {"bytes", 18 * 1000 + 18 * 1500}, {"reclaimable", 12 * 1000 + 12 * 1500}}},
+                           {"summary",
+                            {{"files", 37},
+                             {"bundles", 0},
+                             {"groups", 12},
+                             {"leaves", 36},
+                             {"bytes", 18 * 1000 + 18 * 1500},
+                             {"reclaimable", 12 * 1000 + 12 * 1500}}},
                            {"skipped", Json::array()},
                            {"stopped", false}};
     EXPECT_EQ(search({tree.path()}).dump(1), expected.dump(1));
@@ -91,7 +102,7 @@ TEST(DuplicatesJson, TheExtensionGivesTheType) {
         const char* extension;
         const char* type;
     } cases[] = {
-        {".TXT", "TXT", "documents"}, {".mp3", "mp3", "music"},       {".ogg", "ogg", "videos"},
+        {".TXT", "TXT", "documents"}, {".mp3", "mp3", "music"},      {".ogg", "ogg", "videos"},
         {".Zip", "Zip", "archives"},  {".jpeg", "jpeg", "pictures"}, {".tar.gz", "gz", "others"},
         {"", "", "others"},           {".", "", "others"},           {".mp3~", "mp3~", "others"},
     };
@@ -129,12 +140,14 @@ TEST(DuplicatesJson, BundlesComeFirstAndHideTheirFiles) {
     const Json document = search({tree.path()});
     ASSERT_EQ(document["groups"].size(), 2U);
     Json bundles = document["groups"][0];
-    EXPECT_EQ(bundles["name"], std::filesystem::path(bundles["leaves"][1]["path"].get<std::string>()).filename().string());
+    EXPECT_EQ(bundles["name"],
+              std::filesystem::path(bundles["leaves"][1]["path"].get<std::string>()).filename().string());
     bundles.erase("name");
     std::sort(bundles["leaves"].begin(), bundles["leaves"].end());
     const Json leaves = {{{"path", tree.at("One.app")}, {"size", 5001}, {"modified", nullptr}},
                          {{"path", tree.at("sub/Two.APP")}, {"size", 5001}, {"modified", nullptr}}};
-    const Json expected = {{"extension", "APP"}, {"type", "others"}, {"bundle", true}, {"size", 10002}, {"leaves", leaves}};
+    const Json expected = {
+        {"extension", "APP"}, {"type", "others"}, {"bundle", true}, {"size", 10002}, {"leaves", leaves}};
     EXPECT_EQ(bundles.dump(1), expected.dump(1));
     EXPECT_EQ(document["groups"][1]["bundle"], false);
     EXPECT_EQ(document["summary"].dump(),
@@ -154,7 +167,8 @@ TEST(DuplicatesJson, BadBytesInANameComeInHexadecimalToo) {
         exact += digits[static_cast<unsigned char>(c) / 16];
         exact += digits[static_cast<unsigned char>(c) % 16];
     }
-    const std::map<std::string, std::string> expected{{tree.at("a\xEF\xBF\xBD\n\".txt"), exact}, {tree.at("g\xC3\xA9"), "none"}};
+    const std::map<std::string, std::string> expected{{tree.at("a\xEF\xBF\xBD\n\".txt"), exact},
+                                                      {tree.at("g\xC3\xA9"), "none"}};
     EXPECT_EQ(hex, expected);
 }
 
@@ -178,13 +192,15 @@ TEST(DuplicatesJson, TimesCarryTheOffsetOfTheirDay) {
     ASSERT_TRUE(tree.write("a", "same") && tree.write("b", "same"));
     for (const auto& each : cases) {
         const std::string zone = each.zone;
-        if (zone.find('/') < 10 && !std::filesystem::exists("/usr/share/zoneinfo/" + zone)) continue;  // no zone files here
+        if (zone.find('/') < 10 && !std::filesystem::exists("/usr/share/zoneinfo/" + zone))
+            continue;  // no zone files here
         for (const char* name : {"a", "b"}) setTime(tree.at(name), each.seconds);
         ProgramRun run = duplicatesRun({"--json", tree.path()});
         if (!zone.empty()) run.environment = {"TZ=" + zone};
         const Json document = jsonOf(run.run());
         ASSERT_EQ(document["groups"].size(), 1U);
-        for (const Json& leafOfGroup : document["groups"][0]["leaves"]) EXPECT_EQ(leafOfGroup["modified"], each.text) << zone;
+        for (const Json& leafOfGroup : document["groups"][0]["leaves"])
+            EXPECT_EQ(leafOfGroup["modified"], each.text) << zone;
     }
 }
 
@@ -255,7 +271,8 @@ TEST(DuplicatesSearch, TheRootMayBeNamedInManyWays) {
         EXPECT_EQ(document["root"], tree.at(each.root)) << ::testing::PrintToString(each.arguments);
         const auto leaves = leavesOf(document);
         EXPECT_EQ(leaves.size(), each.leaves) << document;
-        for (const std::string& path : leaves) EXPECT_TRUE(path.starts_with(tree.at(each.root) + "/f") || each.leaves == 4) << path;
+        for (const std::string& path : leaves)
+            EXPECT_TRUE(path.starts_with(tree.at(each.root) + "/f") || each.leaves == 4) << path;
     }
 }
 
@@ -294,14 +311,19 @@ TEST(DuplicatesOutput, TheListingForPeople) {
 TEST(DuplicatesOutput, NamesDoNotCommandTheTerminal) {
     TestTree tree;
     for (const char* copy : {"1", "2"})
-        ASSERT_TRUE(tree.write("x\x1b]0;title\x07\n\r\x7F\xC2\x9B" "2J\x9B" + std::string(copy), "same"));
+        ASSERT_TRUE(
+            tree.write("x\x1b]0;title\x07\n\r\x7F\xC2\x9B"
+                       "2J\x9B" +
+                           std::string(copy),
+                       "same"));
     for (const bool colour : {false, true}) {
         ProgramRun run = duplicatesRun({tree.path()});
         run.outputTerminal = true;
         if (!colour) run.environment = {"NO_COLOR=1"};
         const auto result = run.run();
         EXPECT_EQ(result.status, 0);
-        EXPECT_NE(result.output.find("\\x1b]0;title\\x07\\n\\x0d\\x7f\\xc2\\x9b2J\\x9b1"), std::string::npos) << result.output;
+        EXPECT_NE(result.output.find("\\x1b]0;title\\x07\\n\\x0d\\x7f\\xc2\\x9b2J\\x9b1"), std::string::npos)
+            << result.output;
         EXPECT_EQ(result.output.find_first_of("\x07\r\x7F\x9B"), std::string::npos);
         EXPECT_EQ(result.output.find('\x1b') != std::string::npos, colour) << result.output;
         EXPECT_EQ(result.output.find("\x1b]"), std::string::npos);

@@ -69,23 +69,31 @@ TEST(CommandLine, HelpNamesEveryOption) {
     const auto help = programRun({"duplicates", "--help"}).run();
     EXPECT_EQ(help.status, 0);
     EXPECT_EQ(help.error, "");
-    for (const char* word : {"--hidden", "--system", "--limit BYTES", "FOLDER", "--json", "-0,--print0", "--quiet", "--log"})
+    for (const char* word :
+         {"--hidden", "--system", "--limit BYTES", "FOLDER", "--json", "-0,--print0", "--quiet", "--log"})
         EXPECT_NE(help.output.find(word), std::string::npos) << word << '\n' << help.output;
     EXPECT_EQ(programRun({"--version"}).run().status, 0);
 }
 
 TEST(Statuses, AFolderThatCanNotBeSearchedIsThree) {
     TestTree tree;
-    ASSERT_TRUE(tree.write("file", "x") && tree.folder("locked") && tree.symlink("nowhere", "broken") && tree.fifo("pipe") &&
-                tree.symlink("loop", "loop"));
+    ASSERT_TRUE(tree.write("file", "x") && tree.folder("locked") && tree.symlink("nowhere", "broken") &&
+                tree.fifo("pipe") && tree.symlink("loop", "loop"));
     ASSERT_TRUE(tree.setMode("locked", 0) && ::chmod(tree.path().c_str(), 0755) == 0);
     const struct {
         std::string name;
         std::string reason;
     } cases[] = {
-        {"missing", "No such file or directory"}, {"missing/../file", ""}, {"file", "Not a directory"},
-        {"file/", "Not a directory"},             {"locked", "Permission denied"}, {"broken", "No such file or directory"},
-        {"pipe", "Not a directory"},              {"loop", ""}, {std::string(300, 'n'), ""}, {"bad\n\xC2\x9B", "No such"},
+        {"missing", "No such file or directory"},
+        {"missing/../file", ""},
+        {"file", "Not a directory"},
+        {"file/", "Not a directory"},
+        {"locked", "Permission denied"},
+        {"broken", "No such file or directory"},
+        {"pipe", "Not a directory"},
+        {"loop", ""},
+        {std::string(300, 'n'), ""},
+        {"bad\n\xC2\x9B", "No such"},
     };
     for (const auto& each : cases) {
         for (const char* form : {"--json", "--print0", "--quiet"}) {
@@ -122,7 +130,8 @@ TEST(Statuses, UnreadableEntriesAreNamedAndGiveOne) {
                                                       {tree.at("locked folder"), "Permission denied"}};
     EXPECT_EQ(skipped, expected);
     EXPECT_EQ(leavesOf(document).size(), 3U);
-    for (const auto& [path, reason] : expected) EXPECT_NE(result.error.find(path + ": " + reason + "\n"), std::string::npos);
+    for (const auto& [path, reason] : expected)
+        EXPECT_NE(result.error.find(path + ": " + reason + "\n"), std::string::npos);
     EXPECT_EQ(linesIn(result.error), 2) << result.error;
 
     run.arguments.insert(run.arguments.begin() + 1, "--quiet");
@@ -214,21 +223,25 @@ TEST(Signals, TheSecondOneEndsAtOnce) {
     const std::string later = early == "x/" ? "y/" : "x/";
     for (const char* copy : {"a", "b"})
         for (int i = 0; i < 400; ++i)
-            ASSERT_TRUE(slow.write(early + std::string(200, 'n') + std::to_string(i) + copy, "content " + std::to_string(i)));
+            ASSERT_TRUE(
+                slow.write(early + std::string(200, 'n') + std::to_string(i) + copy, "content " + std::to_string(i)));
     makeSlowTree(slow, later);
-    for (const auto& [first, second] : {std::pair{SIGINT, SIGINT}, {SIGTERM, SIGTERM}, {SIGINT, SIGTERM}, {SIGTERM, SIGINT}}) {
+    for (const auto& [first, second] :
+         {std::pair{SIGINT, SIGINT}, {SIGTERM, SIGTERM}, {SIGINT, SIGTERM}, {SIGTERM, SIGINT}}) {
         ProgramRun run = duplicatesRun({"--print0", slow.path()});
         run.terminal = true;
         run.holdOutput = true;
         run.secondsToLive = 10;
         std::chrono::steady_clock::time_point sent;
-        run.signals = {{first, [&](const std::string& error) {
+        run.signals = {{first,
+                        [&](const std::string& error) {
                             sent = std::chrono::steady_clock::now();
                             return someGigabytesRead(error);
                         }},
                        {second, [&](const std::string& error) {
                             // The end of the progress line says that the first one has been taken.
-                            return error.ends_with("\r\x1b[K") && std::chrono::steady_clock::now() - sent > std::chrono::milliseconds(300);
+                            return error.ends_with("\r\x1b[K") &&
+                                   std::chrono::steady_clock::now() - sent > std::chrono::milliseconds(300);
                         }}};
         const auto result = run.run();
         EXPECT_FALSE(result.late) << first << ' ' << second;
@@ -273,7 +286,8 @@ TEST(Environment, ChangesNothing) {
     const auto listing = duplicatesRun({tree.path()}).run();  // with no environment at all
     ASSERT_NE(listing.output.find("1.50 MB"), std::string::npos);
     const auto document = duplicatesRun({"--json", tree.path()}).run();
-    for (const char* variable : {"HOME=/nonexistent", "TMPDIR=/nonexistent", "LC_ALL=tr_TR.UTF-8", "TERM=dumb", "POSIXLY_CORRECT=1"}) {
+    for (const char* variable :
+         {"HOME=/nonexistent", "TMPDIR=/nonexistent", "LC_ALL=tr_TR.UTF-8", "TERM=dumb", "POSIXLY_CORRECT=1"}) {
         ProgramRun run = duplicatesRun({tree.path()});
         run.environment = {variable};
         EXPECT_EQ(run.run().output, listing.output) << variable;
@@ -286,7 +300,8 @@ TEST(Environment, NumbersAreTheSameInGerman) {
     std::vector<std::string> german{"LC_ALL=de_DE.UTF-8"};
     if (const char* path = std::getenv("LOCPATH")) german.push_back(std::string("LOCPATH=") + path);
     const ::locale_t locale = ::newlocale(LC_ALL_MASK, "de_DE.UTF-8", nullptr);
-    if (locale == nullptr) GTEST_SKIP() << "the German locale is not installed, and LOCPATH names no folder that has it";
+    if (locale == nullptr)
+        GTEST_SKIP() << "the German locale is not installed, and LOCPATH names no folder that has it";
     ::freelocale(locale);
     TestTree tree;
     ASSERT_TRUE(tree.write("a", std::string(1'500'000, 'x')) && tree.write("b", std::string(1'500'000, 'x')));

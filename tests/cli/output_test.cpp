@@ -61,7 +61,8 @@ TEST(Utf8, TheSequenceAtTheStartIsMeasured) {
         {"\xF8\x88\x80\x80\x80", 0},
         {"\xFF", 0},
     };
-    for (const auto& each : cases) EXPECT_EQ(validSequence(each.bytes), each.length) << ::testing::PrintToString(each.bytes);
+    for (const auto& each : cases)
+        EXPECT_EQ(validSequence(each.bytes), each.length) << ::testing::PrintToString(each.bytes);
 }
 
 TEST(Json, TextsAreQuoted) {
@@ -87,7 +88,8 @@ TEST(Json, EveryByteAndPairOfBytesGivesAText) {
         const std::string bytes{static_cast<char>(pair >> 8), static_cast<char>(pair & 255)};
         const auto parsed = nlohmann::json::parse(jsonText(bytes), nullptr, false);
         ASSERT_TRUE(parsed.is_string()) << pair;
-        const bool valid = validSequence(bytes) == 2 || (validSequence(bytes) == 1 && validSequence(bytes.substr(1)) == 1);
+        const bool valid =
+            validSequence(bytes) == 2 || (validSequence(bytes) == 1 && validSequence(bytes.substr(1)) == 1);
         ASSERT_EQ(parsed.get<std::string>() == bytes, valid) << pair;
     }
 }
@@ -112,7 +114,9 @@ TEST(Printable, NothingInANameCommandsTheTerminal) {
         {"a\nb\tc", "a\\nb\\tc"},
         {"\x1b[2J\x07\x7F", "\\x1b[2J\\x07\\x7f"},
         {"\xC3\xA9\xF0\x9F\x98\x80", "\xC3\xA9\xF0\x9F\x98\x80"},
-        {"\xC2\x9B" "1m", "\\xc2\\x9b1m"},  // U+009B begins a command as ESC [ does
+        {"\xC2\x9B"
+         "1m",
+         "\\xc2\\x9b1m"},  // U+009B begins a command as ESC [ does
         {"\xC2\x80\xC2\x9F\xC2\xA0", "\\xc2\\x80\\xc2\\x9f\xC2\xA0"},
         {"\x9B\xFF", "\\x9b\\xff"},
         {"\xC3", "\\xc3"},
@@ -166,7 +170,7 @@ TEST(AbsolutePath, NoDotsAndNoDoubledSlashes) {
         {"./", other.path()},
         {"far", other.at("far")},
         {"./far//./deep/", other.at("far/deep")},
-        {"near", other.at("near")},  // the name that was given, not where it leads
+        {"near", other.at("near")},    // the name that was given, not where it leads
         {"near/..", other.at("far")},  // the folder that really lies above
         {"far/../far", other.at("far")},
         {"/..", "/"},

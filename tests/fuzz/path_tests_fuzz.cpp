@@ -63,7 +63,8 @@ void checkTests(std::string_view path) {
 }
 
 bool isValid(std::string_view bytes) {
-    for (std::size_t length = 1; !bytes.empty() && length > 0; bytes.remove_prefix(length)) length = cli::validSequence(bytes);
+    for (std::size_t length = 1; !bytes.empty() && length > 0; bytes.remove_prefix(length))
+        length = cli::validSequence(bytes);
     return bytes.empty();
 }
 

@@ -10,12 +10,10 @@
 
 namespace {
 
-template <class Call>
-void expectOnlyOutOfRange(Call call) {
+template <class Call> void expectOnlyOutOfRange(Call call) {
     try {
         call();
-    } catch (const std::out_of_range&) {
-    }
+    } catch (const std::out_of_range&) {}
 }
 
 void require(bool condition) {

@@ -63,7 +63,7 @@ TEST(LinuxFiles, eachKindOfEntryIsToldAsWhatItIs) {
         FileType type;
         std::uint64_t size;
     };
-    std::vector<Case> cases{{"file", FileType::Regular, 5}, {odd, FileType::Regular, 1},
+    std::vector<Case> cases{{"file", FileType::Regular, 5},  {odd, FileType::Regular, 1},
                             {longest, FileType::Regular, 2}, {"link", FileType::SymbolicLink, 7},
                             {"fifo", FileType::Fifo, 0},     {"socket", FileType::Socket, 0}};
     if (::mknod(tree.at("device").c_str(), S_IFCHR | 0644, ::makedev(1, 3)) == 0)
@@ -196,12 +196,14 @@ TEST_P(PageCache, isAsItWasAfterHashing) {
             ASSERT_TRUE(tree.write(one.what, testing::someBytes(one.size, 1)));
             const bool cold = chill(path, keepSome);
             // tmpfs never lets go of its pages: there the hash must not lose any.
-            if (!cold && std::string(GetParam()) != "/dev/shm") GTEST_SKIP() << "pages can not be brought out of memory here";
+            if (!cold && std::string(GetParam()) != "/dev/shm")
+                GTEST_SKIP() << "pages can not be brought out of memory here";
             const auto before = residency(path);
             SkipList skipped;
             FileHasher hasher(files, skipped);
             FileArray items;
-            ASSERT_TRUE(one.hash(hasher, items.add(path, *files.attributes(FileSystem::noParent, path.c_str(), Links::Keep))));
+            ASSERT_TRUE(
+                one.hash(hasher, items.add(path, *files.attributes(FileSystem::noParent, path.c_str(), Links::Keep))));
             const auto after = residency(path);
             EXPECT_TRUE(before == after) << "before " << show(before) << ", after " << show(after);
         }
@@ -216,7 +218,8 @@ TEST_P(PageCache, isAsItWasAfterReadingWithTheResidencyNoted) {
         const std::string bytes = testing::someBytes(2'000'001, 2);
         ASSERT_TRUE(tree.write("file", bytes));
         const bool cold = chill(tree.at("file"), keepSome);
-        if (!cold && std::string(GetParam()) != "/dev/shm") GTEST_SKIP() << "pages can not be brought out of memory here";
+        if (!cold && std::string(GetParam()) != "/dev/shm")
+            GTEST_SKIP() << "pages can not be brought out of memory here";
         const auto before = residency(tree.at("file"));
         ReadState state;
         const auto file = files.openFile(FileSystem::noParent, tree.at("file").c_str(), Links::Keep, state);

@@ -35,7 +35,8 @@ bool writeAll(int file, std::string_view bytes, std::uint64_t offset) {
 }
 
 bool writeAt(int folder, const char* name, std::string_view bytes) {
-    const Descriptor file(::openat(folder, name, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0644));
+    const Descriptor file(
+        ::openat(folder, name, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0644));
     return file.isOpen() && writeAll(file.get(), bytes, 0);
 }
 

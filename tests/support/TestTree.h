@@ -52,8 +52,8 @@ private:
 
 /// How runInChild() prepares the process.
 struct ChildSetting {
-    bool ordinaryUser = false;    ///< as uid 65534 where this process is root
-    unsigned descriptors = 0;     ///< RLIMIT_NOFILE, 0 to leave it alone
+    bool ordinaryUser = false;  ///< as uid 65534 where this process is root
+    unsigned descriptors = 0;   ///< RLIMIT_NOFILE, 0 to leave it alone
 };
 
 /// Runs the check in a forked process with a minute to live. Its text comes back; so does a line about a crash or a time-out.
@@ -101,11 +101,14 @@ public:
                                   const std::function<void(std::span<const std::byte>)>& visit) const override {
         return m_real.visitResident(file, offset, length, visit);
     }
-    SysResult<DataStretch> nextData(int file, std::uint64_t offset) const override { return m_real.nextData(file, offset); }
+    SysResult<DataStretch> nextData(int file, std::uint64_t offset) const override {
+        return m_real.nextData(file, offset);
+    }
     void expectRandomReads(int file) const override { m_real.expectRandomReads(file); }
     std::vector<std::uint64_t> kernelDevices() const override { return m_real.kernelDevices(); }
     SysResult<std::string> resolved(const std::string& path) const override { return m_real.resolved(path); }
     std::size_t descriptorLimit() const override { return descriptors != 0 ? descriptors : m_real.descriptorLimit(); }
+    void useOwnDescriptors() const override { m_real.useOwnDescriptors(); }
 
 private:
     LinuxFileSystem m_real;

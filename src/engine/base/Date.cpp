@@ -1,8 +1,6 @@
 // Date: see Date.h. The calendar is that of <chrono>; only the local offset comes from the C library.
 #include "engine/base/Date.h"
 
-#include <fmt/format.h>
-
 #include <chrono>
 #include <ctime>
 #include <limits>
@@ -40,11 +38,29 @@ int localOffsetMinutes(std::int64_t seconds) {
     return static_cast<int>(local.tm_gmtoff / 60);
 }
 
+// Digits by hand: a result of a search prints a hundred thousand dates, and a format call costs ten times as much.
+void appendDigits(std::string& out, int value, int digits) {
+    const std::size_t end = out.size() + static_cast<std::size_t>(digits);
+    out.resize(end);
+    for (std::size_t at = end; digits > 0; --digits, value /= 10) out[--at] = static_cast<char>('0' + value % 10);
+}
+
 std::string clockText(std::int64_t seconds, char between) {
     const Clock clock = clockAt(seconds);
-    return fmt::format("{:04}-{:02}-{:02}{}{:02}:{:02}:{:02}", static_cast<int>(clock.day.year()),
-                       static_cast<unsigned>(clock.day.month()), static_cast<unsigned>(clock.day.day()), between,
-                       clock.hour, clock.minute, clock.second);
+    std::string out;
+    out.reserve(32);
+    appendDigits(out, static_cast<int>(clock.day.year()), 4);  // a Date lies between 1677 and 2262
+    out += '-';
+    appendDigits(out, static_cast<int>(static_cast<unsigned>(clock.day.month())), 2);
+    out += '-';
+    appendDigits(out, static_cast<int>(static_cast<unsigned>(clock.day.day())), 2);
+    out += between;
+    appendDigits(out, clock.hour, 2);
+    out += ':';
+    appendDigits(out, clock.minute, 2);
+    out += ':';
+    appendDigits(out, clock.second, 2);
+    return out;
 }
 
 /// Takes texts apart from the left: digits of a fixed count, and single marks. Once a piece is missing all further
@@ -108,8 +124,12 @@ std::string iso8601(Date date) {
     const std::int64_t seconds = wholeSeconds(date);
     const int offset = localOffsetMinutes(seconds);
     const int distance = offset < 0 ? -offset : offset;
-    return fmt::format("{}{}{:02}:{:02}", clockText(seconds + offset * 60, 'T'), offset < 0 ? '-' : '+', distance / 60,
-                       distance % 60);
+    std::string out = clockText(seconds + offset * 60, 'T');
+    out += offset < 0 ? '-' : '+';
+    appendDigits(out, distance / 60, 2);
+    out += ':';
+    appendDigits(out, distance % 60, 2);
+    return out;
 }
 
 std::optional<Date> parseDate(std::string_view text) {

@@ -37,8 +37,7 @@ public:
     static void line(std::string_view text);
 
     /// Writes "[qrt]fun:METHOD line:LINE" followed at once by the formatted text.
-    template <class... Args>
-    static void engine(LogOrigin origin, fmt::format_string<Args...> format, Args&&... args) {
+    template <class... Args> static void engine(LogOrigin origin, fmt::format_string<Args...> format, Args&&... args) {
         if (isEnabled())
             line(fmt::format("[qrt]fun:{} line:{}{}", origin.method, origin.line,
                              fmt::format(format, std::forward<Args>(args)...)));

@@ -56,7 +56,8 @@ void addLeaves(SimpleTreeNode& node, const DuplicateGroup& group) {
         node.insertChild(SimpleTreeNode::treeNodeWithData(std::move(leaf)), node.numberOfChildren());
     };
     for (const AppAttrbItem* bundle : group.bundles)
-        add(bundle->DirectoryPathName, bundle->DirectorySize, {IconRequest::BareName, bundle->DirectoryName}, std::nullopt);
+        add(bundle->DirectoryPathName, bundle->DirectorySize, {IconRequest::BareName, bundle->DirectoryName},
+            std::nullopt);
     for (const fileAttrbItem* file : group.files) {
         const std::string path = file->filePathName();
         add(path, file->fileSize, {IconRequest::Path, path}, file->ModificationDate());

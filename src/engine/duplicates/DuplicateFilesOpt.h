@@ -25,7 +25,7 @@ struct DuplicateGroup {
     std::string_view name;       ///< of the file or bundle that gives the group its name
     std::string_view extension;  ///< of that name; "APP" for bundles
     bool bundle = false;
-    std::uint64_t size = 0;      ///< bytes, the sum of all copies
+    std::uint64_t size = 0;                    ///< bytes, the sum of all copies
     std::vector<const fileAttrbItem*> files;   ///< in display order; empty for bundles
     std::vector<const AppAttrbItem*> bundles;  ///< likewise
 };

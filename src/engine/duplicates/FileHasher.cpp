@@ -129,8 +129,8 @@ FileHasher::Ends FileHasher::hashEnds(fileAttrbItem& item, bool waitForTail) {
     m_files.beginReading(number, item.device, 0, headBytes, state);
     m_files.beginReading(number, item.device, tailAt, tailBytes, state);
     const auto headCount = m_files.read(number, head, 0, state);
-    const auto tailCount = waitForTail ? m_files.read(number, tail, tailAt, state)
-                                       : m_files.readResident(number, tail, tailAt, state);
+    const auto tailCount =
+        waitForTail ? m_files.read(number, tail, tailAt, state) : m_files.readResident(number, tail, tailAt, state);
     const auto after = m_files.attributes(number);
     m_files.endReading(number, state);
     if (!headCount) {
@@ -191,13 +191,15 @@ SysResult<std::uint64_t> FileHasher::stream(int file, std::uint64_t device, std:
     return done;
 }
 
-SysResult<std::uint64_t> FileHasher::streamData(int file, std::uint64_t offset, std::uint64_t length, std::uint64_t& value) {
+SysResult<std::uint64_t> FileHasher::streamData(int file, std::uint64_t offset, std::uint64_t length,
+                                                std::uint64_t& value) {
     std::uint64_t done = 0;
     bool fromDisk = false;  // then what is read ahead looks resident, but is ours, and must go again
     while (done < length) {
         if (!fromDisk && length - done >= mappedPiece && (offset + done) % mappedPiece == 0) {
-            const auto seen = m_files.visitResident(file, offset + done, mappedPiece,
-                                                    [&](std::span<const std::byte> bytes) { value = extend(value, bytes); });
+            const auto seen =
+                m_files.visitResident(file, offset + done, mappedPiece,
+                                      [&](std::span<const std::byte> bytes) { value = extend(value, bytes); });
             if (!seen) return tl::unexpected(seen.error());
             if (*seen) {
                 done += mappedPiece;
@@ -222,7 +224,8 @@ SysResult<std::uint64_t> FileHasher::streamData(int file, std::uint64_t offset, 
     return done;
 }
 
-bool FileHasher::hashStretch(const fileAttrbItem& item, std::uint64_t offset, std::uint64_t length, std::uint64_t& value) {
+bool FileHasher::hashStretch(const fileAttrbItem& item, std::uint64_t offset, std::uint64_t length,
+                             std::uint64_t& value) {
     const auto file = m_opener.open(item);
     if (!file) return fail(item, "open", file.error());
     const int number = file->get();
@@ -255,7 +258,8 @@ bool FileHasher::hashSettled(fileAttrbItem& item, int file) {
     const auto headCount = m_files.read(file, head, 0, state);
     m_files.endReading(file, state);
     std::uint64_t value = startValue;
-    const auto count = headCount ? stream(file, before->device, 0, before->size, value) : tl::unexpected(headCount.error());
+    const auto count =
+        headCount ? stream(file, before->device, 0, before->size, value) : tl::unexpected(headCount.error());
     if (!count) return fail(item, "read", count.error());
     const auto after = m_files.attributes(file);
     if (!after || !sameVersion(*before, *after) || *count != before->size) return fail(item, ErrorKind::Changed);

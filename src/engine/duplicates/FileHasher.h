@@ -21,6 +21,12 @@ public:
     [[nodiscard]] SysResult<Descriptor> open(const fileAttrbItem& item);
     [[nodiscard]] ReadState& state() { return m_state; }
 
+    /// Closes the folder that is held open. Must be called where the thread ends that has a table of descriptors of its own.
+    void closeFolder() {
+        m_folder.reset();
+        m_folderNode = nullptr;
+    }
+
 private:
     const FileSystem& m_files;
     ReadState m_state;
@@ -36,11 +42,13 @@ private:
 /// (it changed after the listing, or is reached through a link) it is read again between two looks at its attributes.
 class FileHasher final {
 public:
-    static constexpr std::size_t headBytes = 1024;       ///< what the first hash covers
-    static constexpr std::size_t tailBytes = 4096;       ///< what tells files of one head apart before the whole is read
+    static constexpr std::size_t headBytes = 1024;  ///< what the first hash covers
+    static constexpr std::size_t tailBytes = 4096;  ///< what tells files of one head apart before the whole is read
     static constexpr std::size_t smallFile = 32 * 1024;  ///< up to that a file is read whole at once
 
     FileHasher(const FileSystem& files, SkipList& skipped);
+
+    void closeFolder() { m_opener.closeFolder(); }
 
     /// Reads a file of at most smallFile bytes once and sets both hashes. The bytes read; nothing on failure.
     [[nodiscard]] std::size_t hashSmall(fileAttrbItem& item);

@@ -150,7 +150,9 @@ bool FindDuplicateApp::getDuplicateAppDirInArray(const AppList& array, const std
 // A folder that was reached by two paths is one bundle, not its own copy.
 void FindDuplicateApp::dropRepeated() {
     std::set<std::pair<std::uint64_t, std::uint64_t>> seen;
-    std::erase_if(m_AllAppItem, [&](const auto& bundle) { return !seen.insert({bundle->device, bundle->inode}).second; });
+    std::erase_if(m_AllAppItem, [&](const auto& bundle) {
+        return !seen.insert({bundle->device, bundle->inode}).second;
+    });
 }
 
 // Tells bundles apart at the cost of one look at each, so that only those that are equal in all likelihood are held against each

@@ -66,7 +66,8 @@ private:
     const FileSystem& m_files;
     SkipList& m_skipped;
     AppList m_AllAppItem;
-    std::map<std::vector<std::uint64_t>, AppList> m_classes;  // bundles that may be equal, by what they were told apart by
+    std::map<std::vector<std::uint64_t>, AppList>
+        m_classes;  // bundles that may be equal, by what they were told apart by
     std::atomic<std::uint32_t> m_Progress{0};
     std::uint64_t m_AppCount = 0;
     std::atomic<bool> m_StopSearch{false};

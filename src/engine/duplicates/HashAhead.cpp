@@ -11,12 +11,13 @@ namespace {
 
 // A batch is meant to take about half a second, so that progress moves and a stop finds results, on any disk. The first is
 // small since the speed of the disk is not known yet.
-constexpr std::uint64_t firstBatchFiles = 8192;
+constexpr std::uint64_t firstBatchFiles = 1024;
 constexpr std::uint64_t firstBatchBytes = 1ULL << 30;
 constexpr double batchSeconds = 0.5;
 
 // Large files are read by few threads: more of them only cost memory for buffers, a disk that reads ahead is busy with these.
 constexpr unsigned mostWholeReaders = 8;
+constexpr unsigned mostReaders = 64;
 
 // Files above twice this are hashed in stretches by several threads at a time.
 constexpr std::uint64_t stretchBytes = 64ULL << 20;
@@ -51,8 +52,11 @@ HashAhead::HashAhead(const FileSystem& files, const FileList& list, const std::a
       m_hashed(list.size(), 0),
       m_batchFiles(firstBatchFiles),
       m_batchBytes(firstBatchBytes),
-      m_wholeCrew(mostWholeReaders),
-      m_hashers(m_crew.most()) {}
+      m_crew(
+          mostReaders, [&files] { files.useOwnDescriptors(); }, [this](unsigned worker) { leave(worker); }),
+      m_wholeCrew(
+          mostWholeReaders, [&files] { files.useOwnDescriptors(); }, [this](unsigned worker) { leave(worker); }),
+      m_workers(m_crew.most()) {}
 
 std::uint32_t HashAhead::nextInGroup(std::size_t index) {
     const std::uint32_t number = m_classes.classOf(index);
@@ -68,7 +72,7 @@ void HashAhead::resolveMore(std::uint32_t upTo) {
         hashBatch(m_resolved, last);
         m_resolved = last;
         const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-        const double factor = std::clamp(batchSeconds / std::max(seconds, 1e-6), 0.5, 64.0);
+        const double factor = std::clamp(batchSeconds / std::max(seconds, 1e-6), 0.5, 256.0);
         const auto scaled = [&](std::uint64_t amount) {
             return std::min(mostBatch, static_cast<std::uint64_t>(static_cast<double>(amount) * factor) + 1);
         };
@@ -109,27 +113,46 @@ void HashAhead::hashBatch(std::uint32_t first, std::uint32_t last) {
 }
 
 FileHasher& HashAhead::hasher(unsigned worker) {
-    if (!m_hashers[worker]) m_hashers[worker] = std::make_unique<FileHasher>(m_files, m_skipped);
-    return *m_hashers[worker];
+    auto& own = m_workers[worker].hasher;
+    if (!own) own = std::make_unique<FileHasher>(m_files, m_skipped);
+    return *own;
 }
 
-void HashAhead::count(std::uint64_t files, std::uint64_t bytes) {
-    m_hashedFiles.fetch_add(files, std::memory_order_relaxed);
-    m_hashedBytes.fetch_add(bytes, std::memory_order_relaxed);
+// A thread's descriptors are its own: what it holds open must be closed by itself.
+void HashAhead::leave(unsigned worker) {
+    if (m_workers[worker].hasher) m_workers[worker].hasher->closeFolder();
+}
+
+void HashAhead::count(unsigned worker, std::uint64_t files, std::uint64_t bytes) {
+    Worker& own = m_workers[worker];  // nobody else writes there
+    own.files.store(own.files.load(std::memory_order_relaxed) + files, std::memory_order_relaxed);
+    own.bytes.store(own.bytes.load(std::memory_order_relaxed) + bytes, std::memory_order_relaxed);
+}
+
+std::uint64_t HashAhead::hashedFiles() const {
+    std::uint64_t sum = 0;
+    for (const Worker& worker : m_workers) sum += worker.files.load(std::memory_order_relaxed);
+    return sum;
+}
+
+std::uint64_t HashAhead::hashedBytes() const {
+    std::uint64_t sum = 0;
+    for (const Worker& worker : m_workers) sum += worker.bytes.load(std::memory_order_relaxed);
+    return sum;
 }
 
 void HashAhead::hashFirstVisits(const std::vector<std::uint32_t>& small, std::vector<Large>& large) {
     const std::size_t total = small.size() + large.size();
-    const std::size_t grain = std::clamp<std::size_t>(total / 1024, 2, 32);
+    const std::size_t grain = std::clamp<std::size_t>(total / 1024, 2, 128);
     m_crew.forEach(total, grain, m_stop, [&](std::size_t at, unsigned worker) {
         if (at < small.size()) {
             const std::size_t bytes = hasher(worker).hashSmall(*m_list[small[at]]);
             m_hashed[small[at]] = bytes != 0;
-            count(1, bytes);
+            count(worker, 1, bytes);
         } else {
             Large& one = large[at - small.size()];
             one.ends = hasher(worker).hashEnds(*m_list[one.index], false);
-            count(1, FileHasher::headBytes);
+            count(worker, 1, FileHasher::headBytes);
         }
     });
 }
@@ -141,8 +164,9 @@ template <class Key, class Large> static void keepEqual(std::vector<Large>& larg
     for (std::size_t from = 0; from < large.size();) {
         std::size_t to = from + 1;
         while (to < large.size() && key(large[to]) == key(large[from])) ++to;
-        if (to - from > 1) kept.insert(kept.end(), large.begin() + static_cast<std::ptrdiff_t>(from),
-                                       large.begin() + static_cast<std::ptrdiff_t>(to));
+        if (to - from > 1)
+            kept.insert(kept.end(), large.begin() + static_cast<std::ptrdiff_t>(from),
+                        large.begin() + static_cast<std::ptrdiff_t>(to));
         from = to;
     }
     large.swap(kept);
@@ -157,7 +181,7 @@ void HashAhead::hashTails(std::vector<Large>& large) {
     std::sort(wanted.begin(), wanted.end(), [](const Large* a, const Large* b) { return a->index < b->index; });
     m_crew.forEach(wanted.size(), 2, m_stop, [&](std::size_t at, unsigned worker) {
         wanted[at]->ends = hasher(worker).hashEnds(*m_list[wanted[at]->index], true);
-        count(0, FileHasher::tailBytes);
+        count(worker, 0, FileHasher::tailBytes);
     });
     std::erase_if(large, [](const Large& one) { return !one.ends.hashed; });
     // A file that is not what the listing saw is compared by its whole alone, and so are those that may equal it.
@@ -168,9 +192,8 @@ void HashAhead::hashTails(std::vector<Large>& large) {
         for (; from < to; ++from)
             if (!regular) large[from].ends.tail = 0;
     }
-    keepEqual(large, [&](const Large& one) {
-        return std::tuple(one.number, m_list[one.index]->md5_1k, one.ends.tail);
-    });
+    keepEqual(large,
+              [&](const Large& one) { return std::tuple(one.number, m_list[one.index]->md5_1k, one.ends.tail); });
 }
 
 std::vector<HashAhead::Stretch> HashAhead::cutIntoStretches(const std::vector<Large*>& wanted) const {
@@ -197,7 +220,7 @@ void HashAhead::hashWholes(std::vector<Large>& large) {
     m_wholeCrew.forEach(stretches.size(), 1, m_stop, [&](std::size_t at, unsigned worker) {
         Stretch& one = stretches[at];
         one.hashed = hasher(worker).hashStretch(*m_list[one.index], one.offset, one.length, one.value);
-        count(0, one.length);
+        count(worker, 0, one.length);
     });
     for (std::size_t at = 0; at < stretches.size();) {
         const std::uint32_t index = stretches[at].index;

@@ -53,12 +53,18 @@ public:
     /// After a stop the answer is `none` for what was not hashed yet.
     [[nodiscard]] std::uint32_t nextInGroup(std::size_t index);
 
-    [[nodiscard]] std::uint64_t hashedFiles() const { return m_hashedFiles.load(std::memory_order_relaxed); }
-    [[nodiscard]] std::uint64_t hashedBytes() const { return m_hashedBytes.load(std::memory_order_relaxed); }
+    [[nodiscard]] std::uint64_t hashedFiles() const;
+    [[nodiscard]] std::uint64_t hashedBytes() const;
 
 private:
     struct Large;
     struct Stretch;
+
+    struct alignas(64) Worker {
+        std::unique_ptr<FileHasher> hasher;  // made when the worker first comes
+        std::atomic<std::uint64_t> files{0};
+        std::atomic<std::uint64_t> bytes{0};
+    };
 
     void resolveMore(std::uint32_t upTo);
     std::uint32_t endOfBatch(std::uint32_t first) const;
@@ -69,24 +75,23 @@ private:
     std::vector<Stretch> cutIntoStretches(const std::vector<Large*>& wanted) const;
     void groupClass(std::uint32_t number);
     FileHasher& hasher(unsigned worker);
-    void count(std::uint64_t files, std::uint64_t bytes);
+    void leave(unsigned worker);
+    void count(unsigned worker, std::uint64_t files, std::uint64_t bytes);
 
     const FileSystem& m_files;
     const FileList& m_list;
     const std::atomic<bool>& m_stop;
     SkipList& m_skipped;
     SizeClasses m_classes;
-    std::vector<std::uint32_t> m_next;  // group links, by place in the list
-    std::vector<std::uint8_t> m_hashed; // both hashes are good, by place in the list
-    std::uint32_t m_resolved = 0;       // classes below are done
+    std::vector<std::uint32_t> m_next;   // group links, by place in the list
+    std::vector<std::uint8_t> m_hashed;  // both hashes are good, by place in the list
+    std::uint32_t m_resolved = 0;        // classes below are done
     std::uint64_t m_batchFiles;
     std::uint64_t m_batchBytes;
 
     WorkCrew m_crew;
     WorkCrew m_wholeCrew;
-    std::vector<std::unique_ptr<FileHasher>> m_hashers;  // one a worker, made when it first comes
-    std::atomic<std::uint64_t> m_hashedFiles{0};
-    std::atomic<std::uint64_t> m_hashedBytes{0};
+    std::vector<Worker> m_workers;
 };
 
 }  // namespace orrinvale

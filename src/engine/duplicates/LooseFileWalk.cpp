@@ -24,14 +24,14 @@ struct Bundle {
 };
 
 struct WalkFolder : FolderNode {
-    Run* firstRun = nullptr;   // in the order of the listing
+    Run* firstRun = nullptr;  // in the order of the listing
     Run* lastRun = nullptr;
-    Bundle* bundle = nullptr;  // the outermost bundle that it lies in, or is
-    int descriptor = -1;       // open while `users` is not zero, unless descriptors ran short
+    Bundle* bundle = nullptr;             // the outermost bundle that it lies in, or is
+    int descriptor = -1;                  // open while `users` is not zero, unless descriptors ran short
     std::atomic<std::uint32_t> users{1};  // tasks that still need the descriptor
     bool isBundleRoot = false;
-    bool topLevel = false;     // directly in the root
-    bool failed = false;       // could not be listed to its end: its entries do not count
+    bool topLevel = false;  // directly in the root
+    bool failed = false;    // could not be listed to its end: its entries do not count
     WalkFolder* parentFolder = nullptr;
 };
 
@@ -59,7 +59,8 @@ struct alignas(64) Worker {
 }  // namespace
 
 struct LooseFileWalk::State {
-    State(const FileSystem& fileSystem, const LooseFileQuery& what, const std::atomic<bool>& stopFlag, SkipList& skipList)
+    State(const FileSystem& fileSystem, const LooseFileQuery& what, const std::atomic<bool>& stopFlag,
+          SkipList& skipList)
         : files(fileSystem), query(what), stop(stopFlag), skipped(skipList) {}
 
     const FileSystem& files;
@@ -95,7 +96,8 @@ struct LooseFileWalk::State {
     bool takeEntry(Worker& worker, WalkFolder& folder, CatalogEntry& entry, fileAttrbItem& record);
     bool takeTopLevelEntry(WalkFolder& folder, CatalogEntry& entry, bool& throughLink);
     bool takeFile(Worker& worker, WalkFolder& folder, CatalogEntry& entry, fileAttrbItem& record);
-    void addFolder(Worker& worker, WalkFolder& parent, const CatalogEntry& entry, bool throughLink, fileAttrbItem& record);
+    void addFolder(Worker& worker, WalkFolder& parent, const CatalogEntry& entry, bool throughLink,
+                   fileAttrbItem& record);
     void release(WalkFolder& folder);
     void fail(const WalkFolder& folder, const char* operation, int number);
     void pushFound(Worker& worker);
@@ -309,7 +311,8 @@ bool LooseFileWalk::State::takeFile(Worker& worker, WalkFolder& folder, CatalogE
         return false;
     }
     const FileAttributes& attributes = entry.attributes;
-    if (attributes.type == FileType::Folder || (attributes.type == FileType::SymbolicLink && listedType != attributes.type))
+    if (attributes.type == FileType::Folder ||
+        (attributes.type == FileType::SymbolicLink && listedType != attributes.type))
         return false;  // exchanged since it was listed
     if (attributes.size <= query.limit) return false;
     if (folder.bundle != nullptr) {

@@ -19,23 +19,24 @@ namespace orrinvale {
 /// What a walk looks for.
 struct LooseFileQuery {
     std::string root;
-    std::uint64_t limit = 0;       ///< only files larger than that
-    bool hidden = false;           ///< entries with a dot in front too
-    bool systemFolders = false;    ///< the system's folders directly in "/" too
+    std::uint64_t limit = 0;     ///< only files larger than that
+    bool hidden = false;         ///< entries with a dot in front too
+    bool systemFolders = false;  ///< the system's folders directly in "/" too
 };
 
 /// What a walk found.
 struct LooseFiles {
-    FileList files;                     ///< larger than the limit, outside of bundles
-    std::vector<std::string> bundles;   ///< outermost bundles in which an entry is larger than the limit
+    FileList files;                    ///< larger than the limit, outside of bundles
+    std::vector<std::string> bundles;  ///< outermost bundles in which an entry is larger than the limit
     std::vector<std::shared_ptr<Arena>> storage;
-    bool mayRepeat = false;             ///< a link was followed or a mount was met: an entry may be listed twice
+    bool mayRepeat = false;  ///< a link was followed or a mount was met: an entry may be listed twice
 };
 
 class LooseFileWalk final {
 public:
     /// All references must outlive the walk. `stop` may be set from any thread.
-    LooseFileWalk(const FileSystem& files, const LooseFileQuery& query, const std::atomic<bool>& stop, SkipList& skipped);
+    LooseFileWalk(const FileSystem& files, const LooseFileQuery& query, const std::atomic<bool>& stop,
+                  SkipList& skipped);
     ~LooseFileWalk();
     LooseFileWalk(const LooseFileWalk&) = delete;
     LooseFileWalk& operator=(const LooseFileWalk&) = delete;

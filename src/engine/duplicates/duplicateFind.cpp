@@ -144,7 +144,8 @@ std::string duplicateFind::getCurrentSearchPath() const {
     const std::lock_guard lock(m_mutex);
     if (m_findDuplicateApp) return m_findDuplicateApp->CurrentSearchFile();
     if (m_fileList) m_CurrentSearchPath = m_fileList->m_CurrentPath();
-    else if (const fileAttrbItem* item = m_item.load(std::memory_order_acquire)) m_CurrentSearchPath = item->filePathName();
+    else if (const fileAttrbItem* item = m_item.load(std::memory_order_acquire))
+        m_CurrentSearchPath = item->filePathName();
     return m_CurrentSearchPath;
 }
 

@@ -22,11 +22,12 @@ struct fileAttrbItem {
     std::uint64_t md5_1k = 0;    ///< hash of the first kilobyte, zero until computed
     std::int64_t modified = 0;   ///< nanoseconds since 1970 UTC, like `changed`
     std::int64_t changed = 0;    ///< change of the inode: with those below the identity that a removal asks for
-    std::uint64_t device = 0;    ///< the file's own; not its folder's where a file is mounted or layers lie upon each other
+    std::uint64_t device =
+        0;  ///< the file's own; not its folder's where a file is mounted or layers lie upon each other
     std::uint64_t inode = 0;
     const FolderNode* folder = nullptr;
     const char* name = nullptr;
-    std::uint32_t links = 0;     ///< hard links
+    std::uint32_t links = 0;  ///< hard links
     FileType type = FileType::Unknown;
 
     [[nodiscard]] std::string filePathName() const { return pathOf(*folder, name); }

@@ -102,7 +102,8 @@ bool getFileList::getListAtPath(const std::string& path, FileArray& FileArray, s
     return true;
 }
 
-bool getFileList::getAppDirectory(const std::string& path, std::vector<std::string>& outArray, std::uint64_t limitSize) {
+bool getFileList::getAppDirectory(const std::string& path, std::vector<std::string>& outArray,
+                                  std::uint64_t limitSize) {
     const std::string bundle = outermostBundle(path);
     if (bundle.empty()) return false;
     const auto attributes = m_files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);

@@ -131,7 +131,8 @@ private:
 
 }  // namespace
 
-SysResult<void> listTree(const FileSystem& files, int start, const TreeListing& listing, const std::atomic<bool>& stop) {
+SysResult<void> listTree(const FileSystem& files, int start, const TreeListing& listing,
+                         const std::atomic<bool>& stop) {
     return Lister(files, start, listing, stop).run();
 }
 

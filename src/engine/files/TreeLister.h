@@ -15,20 +15,22 @@ namespace orrinvale {
 
 /// What TreeLister tells of an entry. All of it is valid during the call only.
 struct TreeEntry {
-    int folder;                   ///< open folder that holds the entry
-    std::string_view name;        ///< NUL-terminated
-    std::string_view relative;    ///< path below the start of the listing
-    FileType type;                ///< a link is a link
+    int folder;                 ///< open folder that holds the entry
+    std::string_view name;      ///< NUL-terminated
+    std::string_view relative;  ///< path below the start of the listing
+    FileType type;              ///< a link is a link
 };
 
 /// How a tree is listed.
 struct TreeListing {
     enum class Order { System, SortedByBytes };
     Order order = Order::System;
-    bool foldersFirst = false;  ///< a folder before its contents; otherwise behind them, and only when it could be listed
+    bool foldersFirst =
+        false;  ///< a folder before its contents; otherwise behind them, and only when it could be listed
     std::function<void(const TreeEntry&)> entry;
-    std::function<void(std::string_view relative, int error)> failed;  ///< a folder below the start that could not be listed
-    std::function<void(std::string_view relative)> enter;              ///< a folder is being listed; "" is the start
+    std::function<void(std::string_view relative, int error)>
+        failed;                                            ///< a folder below the start that could not be listed
+    std::function<void(std::string_view relative)> enter;  ///< a folder is being listed; "" is the start
 };
 
 /// Lists everything below an open folder, which is left open. Links are not followed. The error when the start itself could

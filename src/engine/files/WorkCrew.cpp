@@ -46,7 +46,8 @@ unsigned WorkCrew::cores() {
     return number;
 }
 
-WorkCrew::WorkCrew(unsigned most) : m_most(std::max(1U, most)) {}
+WorkCrew::WorkCrew(unsigned most, std::function<void()> atStart, std::function<void(unsigned)> atEnd)
+    : m_most(std::max(1U, most)), m_atStart(std::move(atStart)), m_atEnd(std::move(atEnd)) {}
 
 void WorkCrew::run(const std::function<Step(unsigned)>& step) {
     m_step = &step;
@@ -173,7 +174,11 @@ void WorkCrew::setLimit(unsigned limit) {
     limit = std::min(limit, m_most);
     try {
         for (auto next = static_cast<unsigned>(m_threads.size()) + 1; next < limit; ++next)
-            m_threads.emplace_back([this, next] { work(next); });
+            m_threads.emplace_back([this, next] {
+                if (m_atStart) m_atStart();
+                work(next);
+                if (m_atEnd) m_atEnd(next);
+            });
     } catch (const std::system_error&) {  // the user may have no more threads: those that are there do the work
         limit = static_cast<unsigned>(m_threads.size()) + 1;
         m_hold = ~0U;

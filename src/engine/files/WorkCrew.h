@@ -26,8 +26,9 @@ public:
         Finished  ///< there will be nothing more; all workers go home
     };
 
-    /// At most `most` threads, the calling one included; 1 runs everything on the caller.
-    explicit WorkCrew(unsigned most = 64);
+    /// At most `most` threads, the calling one included; 1 runs everything on the caller. Each thread beside the caller's calls
+    /// `atStart` first and atEnd(worker) last.
+    explicit WorkCrew(unsigned most = 64, std::function<void()> atStart = {}, std::function<void(unsigned)> atEnd = {});
     WorkCrew(const WorkCrew&) = delete;
     WorkCrew& operator=(const WorkCrew&) = delete;
 
@@ -59,6 +60,8 @@ private:
     void finish();
 
     const unsigned m_most;
+    const std::function<void()> m_atStart;
+    const std::function<void(unsigned)> m_atEnd;
     const std::function<Step(unsigned)>* m_step = nullptr;
 
     std::atomic<std::uint64_t> m_generation{0};  // counts wake()

@@ -3,6 +3,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sched.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -96,9 +97,9 @@ bool isDots(const char* name) { return name[0] == '.' && (name[1] == 0 || (name[
 
 // File systems that hold no files of people: kernel interfaces, and the trigger of the automounter.
 constexpr std::array<std::string_view, 21> kernelFileSystems{
-    "proc",     "sysfs",      "devtmpfs", "devpts",  "cgroup",  "cgroup2",    "debugfs",
-    "tracefs",  "securityfs", "pstore",   "bpf",     "mqueue",  "hugetlbfs",  "configfs",
-    "fusectl",  "efivarfs",   "autofs",   "selinuxfs", "nsfs",  "rpc_pipefs", "binfmt_misc"};
+    "proc",    "sysfs",      "devtmpfs", "devpts",    "cgroup", "cgroup2",    "debugfs",
+    "tracefs", "securityfs", "pstore",   "bpf",       "mqueue", "hugetlbfs",  "configfs",
+    "fusectl", "efivarfs",   "autofs",   "selinuxfs", "nsfs",   "rpc_pipefs", "binfmt_misc"};
 
 }  // namespace
 
@@ -204,6 +205,9 @@ SysResult<std::string> LinuxFileSystem::resolved(const std::string& path) const 
     if (!real) return tl::unexpected(errno);
     return std::string(real.get());
 }
+
+// The copies that the table begins with are closed with the thread; a refusal only costs time.
+void LinuxFileSystem::useOwnDescriptors() const { (void)!::unshare(CLONE_FILES); }
 
 std::size_t LinuxFileSystem::descriptorLimit() const {
     static const std::size_t limit = [] {

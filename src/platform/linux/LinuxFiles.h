@@ -28,6 +28,7 @@ public:
     std::vector<std::uint64_t> kernelDevices() const override;
     SysResult<std::string> resolved(const std::string& path) const override;
     std::size_t descriptorLimit() const override;
+    void useOwnDescriptors() const override;
 };
 
 }  // namespace orrinvale

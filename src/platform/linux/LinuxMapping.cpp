@@ -30,8 +30,8 @@ void onBusError(int number, siginfo_t* info, void* context) {
     const auto at = reinterpret_cast<std::uintptr_t>(info->si_addr);
     if (at >= t_view.first && at < t_view.last) {
         const std::uintptr_t page = at & ~std::uintptr_t{4095};
-        void* const zeros = ::mmap(reinterpret_cast<void*>(page), 4096, PROT_READ,
-                                   MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED, -1, 0);
+        void* const zeros =
+            ::mmap(reinterpret_cast<void*>(page), 4096, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED, -1, 0);
         t_view.faulted = true;
         if (zeros != MAP_FAILED) return;
     }

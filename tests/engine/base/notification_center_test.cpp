@@ -69,8 +69,7 @@ TEST(NotificationCenter, HandlersMayChangeTheListWhileItRuns) {
     once = center.addObserver("a", [&](const Notification&) {
         trace += "o";
         removed.remove();
-        if (trace == "o")
-            added = center.addObserver("a", [&trace](const Notification&) { trace += "n"; });
+        if (trace == "o") added = center.addObserver("a", [&trace](const Notification&) { trace += "n"; });
         once.remove();  // what this handler holds stays alive until it returns
         trace += ".";
     });
@@ -112,8 +111,8 @@ TEST(NotificationCenter, HoldsNoLockWhileAHandlerRunsOrDies) {
     int checks = 0;
     // A handler's captures die with it, and may use the centre too.
     const auto dying = [&](const void*) { checks += isUsableFromAnotherThread() ? 1 : 0; };
-    Observation observation = center.addObserver(
-        "a", [&, held = std::shared_ptr<const void>(&center, dying)](const Notification&) {
+    Observation observation =
+        center.addObserver("a", [&, held = std::shared_ptr<const void>(&center, dying)](const Notification&) {
             checks += isUsableFromAnotherThread() ? 1 : 0;
         });
     center.post("a");

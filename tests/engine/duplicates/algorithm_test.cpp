@@ -30,10 +30,13 @@ protected:
     algorithm m_algorithm{files, m_skipped};
 };
 
-std::uint64_t hashOf(std::string_view bytes) { return crc::crc64(bytes.data(), static_cast<std::uint32_t>(bytes.size())); }
+std::uint64_t hashOf(std::string_view bytes) {
+    return crc::crc64(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
+}
 
 TEST_F(Algorithm, wholeHashesOfFilesAroundThePieceSizes) {
-    for (const std::size_t size : {1U, 1023U, 1024U, 1025U, 32'768U, 32'769U, 262'144U, 4'194'304U, 4'194'305U, 9'000'001U}) {
+    for (const std::size_t size :
+         {1U, 1023U, 1024U, 1025U, 32'768U, 32'769U, 262'144U, 4'194'304U, 4'194'305U, 9'000'001U}) {
         const std::string bytes = testing::someBytes(size, 4);
         auto& item = write("f" + std::to_string(size), bytes);
         EXPECT_TRUE(m_algorithm.getMD5(item));
@@ -86,8 +89,9 @@ TEST_F(Algorithm, compareWholeFileTable) {
     auto& other = write("other", "something else");
     auto& gone = write("gone", "abc");
     ::unlink(m_tree.at("gone").c_str());
-    for (const Case& at : {Case{0, 0, true, true}, Case{1, 0, true, false}, Case{1, 1, true, false}, Case{0, 1, true, true},
-                           Case{0, 0x100, true, false}, Case{0, 0x1FF, true, true}, Case{0, 0, false, false}}) {
+    for (const Case& at :
+         {Case{0, 0, true, true}, Case{1, 0, true, false}, Case{1, 1, true, false}, Case{0, 1, true, true},
+          Case{0, 0x100, true, false}, Case{0, 0x1FF, true, true}, Case{0, 0, false, false}}) {
         fileAttrbItem& second = at.readable ? other : gone;
         one.md5 = at.first;
         second.md5 = at.second;

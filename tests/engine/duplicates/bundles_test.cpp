@@ -29,7 +29,8 @@ protected:
         std::vector<Strings> out;
         for (const AppGroup& group : groups) {
             auto& members = out.emplace_back();
-            for (const auto& member : group) members.push_back(member->DirectoryPathName.substr(m_tree.path().size() + 1));
+            for (const auto& member : group)
+                members.push_back(member->DirectoryPathName.substr(m_tree.path().size() + 1));
         }
         return out;
     }
@@ -54,28 +55,32 @@ TEST_F(Bundles, namesAndPlacesPlayNoPartButContentsDo) {
     fill("SameSums.app", {{"bin/main", otherLarge}, {"data/k", kilobyte}});
     fill("SameSumOnly.app", {{"a", large + kilobyte}});
     fill("SameSumTwo.app", {{"a", large.substr(1)}, {"b", kilobyte + "x"}});
-    EXPECT_EQ(find({"One.app", "SameSums.app", "x/Copy of one.app", "SameSumOnly.app", "Renamed.app", "SameSumTwo.app"}),
-              (Groups{{"x/Copy of one.app", "Renamed.app", "One.app"}}));
+    EXPECT_EQ(
+        find({"One.app", "SameSums.app", "x/Copy of one.app", "SameSumOnly.app", "Renamed.app", "SameSumTwo.app"}),
+        (Groups{{"x/Copy of one.app", "Renamed.app", "One.app"}}));
     EXPECT_TRUE(m_skipped.empty());
 }
 
 TEST_F(Bundles, groupsComeInOrderTheOpenerLast) {
     for (const char* name : {"a.app", "b.app", "c.app"}) fill(name, {{"in", large}});
     for (const char* name : {"x.app", "y.app"}) fill(name, {{"in", kilobyte}});
-    EXPECT_EQ(find({"x.app", "a.app", "b.app", "y.app", "c.app"}), (Groups{{"y.app", "x.app"}, {"b.app", "c.app", "a.app"}}));
+    EXPECT_EQ(find({"x.app", "a.app", "b.app", "y.app", "c.app"}),
+              (Groups{{"y.app", "x.app"}, {"b.app", "c.app", "a.app"}}));
 }
 
 // The hash of a short file takes in what was read before it; copies that list alike must not depend on that.
 TEST_F(Bundles, copiesThatBeginWithShortFilesAreEqual) {
     const std::vector<std::pair<std::string, std::string>> contents{
-        {"0", "brief"}, {"1", testing::someBytes(1023, 23)}, {"2", large}, {"3", ""}, {"4", "b"}, {"5/6", kilobyte}, {"7", "end"}};
+        {"0", "brief"}, {"1", testing::someBytes(1023, 23)}, {"2", large}, {"3", ""}, {"4", "b"}, {"5/6", kilobyte},
+        {"7", "end"}};
     for (const char* name : {"a.app", "b.app", "c.app"}) fill(name, contents);
     auto changed = contents;
     changed[0].second = "brieF";
     fill("d.app", changed);
     fill("e.app", {{"0", "first"}, {"1", "x"}});
     fill("f.app", {{"0", "first"}, {"1", "x"}});
-    EXPECT_EQ(find({"a.app", "d.app", "b.app", "c.app", "e.app", "f.app"}), (Groups{{"b.app", "c.app", "a.app"}, {"f.app", "e.app"}}));
+    EXPECT_EQ(find({"a.app", "d.app", "b.app", "c.app", "e.app", "f.app"}),
+              (Groups{{"b.app", "c.app", "a.app"}, {"f.app", "e.app"}}));
 }
 
 TEST_F(Bundles, allKindsOfEntriesCountButFolders) {

@@ -78,20 +78,32 @@ TEST(PathTests, table) {
         std::string_view path;
         bool hidden, system, app, hasApp;
     };
-    for (const Case& one : {
-             Case{"/", false, false, false, false}, Case{"", false, false, false, false},
-             Case{"/a/.b/c", true, false, false, false}, Case{"/.a", true, false, false, false},
-             Case{"/a.b/c.", false, false, false, false}, Case{"/a/b\n.c", false, false, false, false},
-             Case{"/Library/x", false, true, false, false}, Case{"/LIBRARY", false, true, false, false},
-             Case{"/bin", false, true, false, false}, Case{"/sBin/x/y", false, true, false, false},
-             Case{"Volumes/x", false, true, false, false}, Case{"/home/Library", false, false, false, false},
-             Case{"/binx", false, false, false, false}, Case{"/usr/bin", false, false, false, false},
-             Case{"/developer", false, true, false, false}, Case{"/System", false, true, false, false},
-             Case{"/x/A.app", false, false, true, true}, Case{"/x/A.APP", false, false, true, true},
-             Case{"/x/A.aPp/in", false, false, false, true}, Case{"/x/A.apps", false, false, false, false},
-             Case{"/x/A.ap", false, false, false, false}, Case{"/x/Aapp", false, false, false, false},
-             Case{"/x/.app", true, false, false, true}, Case{"/x/A.b.app", false, false, true, true},
-             Case{"/x/A.app/B.txt", false, false, false, true}, Case{"/x/\xff.App", false, false, true, true}}) {
+    for (const Case& one : {Case{"/", false, false, false, false},
+                            Case{"", false, false, false, false},
+                            Case{"/a/.b/c", true, false, false, false},
+                            Case{"/.a", true, false, false, false},
+                            Case{"/a.b/c.", false, false, false, false},
+                            Case{"/a/b\n.c", false, false, false, false},
+                            Case{"/Library/x", false, true, false, false},
+                            Case{"/LIBRARY", false, true, false, false},
+                            Case{"/bin", false, true, false, false},
+                            Case{"/sBin/x/y", false, true, false, false},
+                            Case{"Volumes/x", false, true, false, false},
+                            Case{"/home/Library", false, false, false, false},
+                            Case{"/binx", false, false, false, false},
+                            Case{"/usr/bin", false, false, false, false},
+                            Case{"/developer", false, true, false, false},
+                            Case{"/System", false, true, false, false},
+                            Case{"/x/A.app", false, false, true, true},
+                            Case{"/x/A.APP", false, false, true, true},
+                            Case{"/x/A.aPp/in", false, false, false, true},
+                            Case{"/x/A.apps", false, false, false, false},
+                            Case{"/x/A.ap", false, false, false, false},
+                            Case{"/x/Aapp", false, false, false, false},
+                            Case{"/x/.app", true, false, false, true},
+                            Case{"/x/A.b.app", false, false, true, true},
+                            Case{"/x/A.app/B.txt", false, false, false, true},
+                            Case{"/x/\xff.App", false, false, true, true}}) {
         EXPECT_EQ(getFileList::IsHiddenFile(one.path), one.hidden) << one.path;
         EXPECT_EQ(getFileList::IsSystemDirectory(one.path), one.system) << one.path;
         EXPECT_EQ(getFileList::IsAppDirectory(one.path), one.app) << one.path;
@@ -131,7 +143,8 @@ TEST(Listing, bundleRules) {
     tree.write("Top.app/a", "12345");
     tree.write("x/Lower.app/a", "12345");
     tree.write("x/UPPER.APP/in/Inner.app/a", "12345");
-    tree.write("x/Small.app/a", "1");  // the folder itself is larger than the limit on most file systems, one level down
+    tree.write("x/Small.app/a",
+               "1");  // the folder itself is larger than the limit on most file systems, one level down
     tree.write("Small.app/a", "1");
     tree.write("Hidden.app/.a", "12345");
     tree.write("x.apps/a", "12345");
@@ -173,8 +186,11 @@ struct Entry {
 rc::Gen<std::vector<Entry>> someTree() {
     const auto name = rc::gen::elementOf(Strings{"a", "b", "c.d", "bin", ".h", "X.app", "y.APP", "z.apps", ".app"});
     const auto path = rc::gen::resize(4, rc::gen::nonEmpty(rc::gen::container<Strings>(name)));
-    const auto entry = rc::gen::apply([](Strings components, int kind) { return Entry{std::move(components), kind}; }, path,
-                                      rc::gen::inRange(0, 14));
+    const auto entry = rc::gen::apply(
+        [](Strings components, int kind) {
+            return Entry{std::move(components), kind};
+        },
+        path, rc::gen::inRange(0, 14));
     return rc::gen::container<std::vector<Entry>>(entry);
 }
 
@@ -275,7 +291,8 @@ TEST(Listing, unreadableFoldersCostThemselvesAloneAndAreNamed) {
 
 TEST(Listing, oddNamesAndKinds) {
     TestTree tree;
-    const Strings names{"line\nbreak", "\xff\xfe\x80", std::string(255, 'n'), " ", "*", "in\n/" + std::string(255, 'm'), "-rf"};
+    const Strings names{"line\nbreak", "\xff\xfe\x80", std::string(255, 'n'), " ", "*", "in\n/" + std::string(255, 'm'),
+                        "-rf"};
     for (const std::string& name : names) ASSERT_TRUE(tree.write(name, "xyz"));
     tree.fifo("fifo");
     tree.fifo("Odd.app/fifo");

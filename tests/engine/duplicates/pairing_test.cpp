@@ -78,12 +78,15 @@ std::string contentOf(const Content& wanted) {
 
 TEST(Pairing, equalsAPlainLoopOnRandomTrees) {
     EXPECT_TRUE(rc::check("same groups in the same order, with the same order of members", [] {
-        const auto size = rc::gen::elementOf(std::vector<std::size_t>{
-            0, 1, 100, 1023, 1024, 1025, 5000, 32'767, 32'768, 32'769, 36'864, 70'000, 200'000});
-        const auto content = rc::gen::apply([](std::size_t bytes, int change, int folder, int link) {
-            return Content{bytes, change, folder, link == 0};
-        }, size, rc::gen::inRange(0, 5), rc::gen::inRange(0, 5), rc::gen::inRange(0, 8));
-        const auto contents = *rc::gen::noShrink(rc::gen::resize(40, rc::gen::container<std::vector<Content>>(content)));
+        const auto size = rc::gen::elementOf(std::vector<std::size_t>{0, 1, 100, 1023, 1024, 1025, 5000, 32'767, 32'768,
+                                                                      32'769, 36'864, 70'000, 200'000});
+        const auto content = rc::gen::apply(
+            [](std::size_t bytes, int change, int folder, int link) {
+                return Content{bytes, change, folder, link == 0};
+            },
+            size, rc::gen::inRange(0, 5), rc::gen::inRange(0, 5), rc::gen::inRange(0, 8));
+        const auto contents =
+            *rc::gen::noShrink(rc::gen::resize(40, rc::gen::container<std::vector<Content>>(content)));
         TestTree tree;
         std::string before;
         for (std::size_t number = 0; number < contents.size(); ++number) {
@@ -120,7 +123,8 @@ TEST(Pairing, hugeSparseFilesCostNothing) {
     TestTree tree("/dev/shm");
     for (const char* name : {"equal1", "equal2", "other"})
         if (!tree.sparse(name, huge)) GTEST_SKIP() << "no file of 4 EiB can be made here";
-    ASSERT_TRUE(tree.patch("equal1", huge / 3, "x") && tree.patch("equal2", huge / 3, "x") && tree.patch("other", huge / 5, "x"));
+    ASSERT_TRUE(tree.patch("equal1", huge / 3, "x") && tree.patch("equal2", huge / 3, "x") &&
+                tree.patch("other", huge / 5, "x"));
     Strings found = search(tree.path());
     std::sort(found.begin(), found.end());
     EXPECT_EQ(found, (Strings{tree.at("equal1"), tree.at("equal2")}));
@@ -208,13 +212,15 @@ TEST(Pairing, filesThatVanishOrChangeBetweenListingAndReading) {
     std::sort(found.begin(), found.end());
     EXPECT_EQ(found, (Strings{tree.at("largeA"), tree.at("largeB"), tree.at("smallA"), tree.at("smallB")}));
     for (const char* name : {"largevanished", "largefifo", "smallvanished", "smallfifo"})
-        EXPECT_TRUE(std::any_of(skipped.begin(), skipped.end(), [&](const Error& error) { return error.path == tree.at(name); }))
-            << name;
+        EXPECT_TRUE(std::any_of(skipped.begin(), skipped.end(), [&](const Error& error) {
+            return error.path == tree.at(name);
+        })) << name;
 }
 
 TEST(Pairing, filesRewrittenAllTheWhileHarmNothing) {
     TestTree tree;
-    for (int i = 0; i < 40; ++i) tree.write("f" + std::to_string(i), testing::someBytes(i % 2 == 0 ? 40'000 : 90'000, 12));
+    for (int i = 0; i < 40; ++i)
+        tree.write("f" + std::to_string(i), testing::someBytes(i % 2 == 0 ? 40'000 : 90'000, 12));
     const std::jthread writer([&](const std::stop_token& end) {
         for (unsigned round = 0; !end.stop_requested(); ++round) {
             const std::string name = "f" + std::to_string(round % 10);
@@ -226,7 +232,9 @@ TEST(Pairing, filesRewrittenAllTheWhileHarmNothing) {
     for (int round = 0; round < 5; ++round) {
         const Strings found = search(tree.path());
         // The thirty others stay as they are, fifteen of each size.
-        EXPECT_EQ(std::count_if(found.begin(), found.end(), [](const std::string& path) { return path[path.size() - 2] != 'f'; }), 30);
+        EXPECT_EQ(std::count_if(found.begin(), found.end(),
+                                [](const std::string& path) { return path[path.size() - 2] != 'f'; }),
+                  30);
     }
 }
 
@@ -354,7 +362,8 @@ TEST(DuplicateFilesOpt, servesOneSearchAndFindsNothingWhereNothingIs) {
 TEST(DuplicateFilesOpt, progressAndPathAreSaneFromAnotherThread) {
     TestTree tree;
     for (int i = 0; i < 3000; ++i)
-        tree.write("d" + std::to_string(i % 50) + "/f" + std::to_string(i), std::string(1 + static_cast<std::size_t>(i % 700) * 10, 'x'));
+        tree.write("d" + std::to_string(i % 50) + "/f" + std::to_string(i),
+                   std::string(1 + static_cast<std::size_t>(i % 700) * 10, 'x'));
     for (int i = 0; i < 6; ++i) tree.write("B" + std::to_string(i) + ".app/in", "bundle");
     DuplicateFilesOpt search(realFiles);
     Strings strange;

@@ -121,9 +121,9 @@ TEST(Tree, RemovalFromOneTreeLeavesTheOther) {
 
 TEST(Tree, SortsEveryLevelByOneKeyAndKeepsTheOrderOfEquals) {
     const auto tree = [] {
-        return group("r", {group("b", {leaf("y", 5, 30), leaf("x", 5, 10), leaf("z", 1, 20)}, 11),
-                           group("C", {leaf("n", 2, 5), leaf("m", 3, 5)}, 1ULL << 63),
-                           group("a", {leaf("q", 7, -1)}, 11)});
+        return group("r",
+                     {group("b", {leaf("y", 5, 30), leaf("x", 5, 10), leaf("z", 1, 20)}, 11),
+                      group("C", {leaf("n", 2, 5), leaf("m", 3, 5)}, 1ULL << 63), group("a", {leaf("q", 7, -1)}, 11)});
     };
     const struct {
         void (TreeNode::*sort)();

@@ -21,11 +21,11 @@ TEST(FolderNode, lastComponentAndExtensionTable) {
     struct Case {
         std::string_view path, last, extension;
     };
-    for (const Case& one : {Case{"/a/b.txt", "b.txt", "txt"}, Case{"b.tar.gz", "b.tar.gz", "gz"}, Case{"/a/.app", ".app", ""},
-                            Case{"/a/..app", "..app", "app"}, Case{"/a.d/b", "b", ""}, Case{"/a/b.", "b.", ""},
-                            Case{"/a/b.app/", "b.app", "app"}, Case{"/a/b.app//", "b.app", "app"}, Case{"/", "/", ""},
-                            Case{"", "", ""}, Case{"//", "/", ""}, Case{"a\n.x\ny", "a\n.x\ny", "x\ny"},
-                            Case{"/a/\xff.\xfe", "\xff.\xfe", "\xfe"}}) {
+    for (const Case& one :
+         {Case{"/a/b.txt", "b.txt", "txt"}, Case{"b.tar.gz", "b.tar.gz", "gz"}, Case{"/a/.app", ".app", ""},
+          Case{"/a/..app", "..app", "app"}, Case{"/a.d/b", "b", ""}, Case{"/a/b.", "b.", ""},
+          Case{"/a/b.app/", "b.app", "app"}, Case{"/a/b.app//", "b.app", "app"}, Case{"/", "/", ""}, Case{"", "", ""},
+          Case{"//", "/", ""}, Case{"a\n.x\ny", "a\n.x\ny", "x\ny"}, Case{"/a/\xff.\xfe", "\xff.\xfe", "\xfe"}}) {
         EXPECT_EQ(lastPathComponent(one.path), one.last) << one.path;
         EXPECT_EQ(pathExtension(one.path), one.extension) << one.path;
     }

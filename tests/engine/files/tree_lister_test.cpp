@@ -63,8 +63,7 @@ TEST(TreeLister, eachEntryIsToldWithTheFolderThatHoldsIt) {
     for (const bool foldersFirst : {true, false}) {
         const auto told = list(tree, foldersFirst, [&](const TreeEntry& entry) {
             const auto here = files.attributes(entry.folder, entry.name.data(), Links::Keep);
-            const auto known =
-                files.attributes(FileSystem::noParent, tree.at(entry.relative).c_str(), Links::Keep);
+            const auto known = files.attributes(FileSystem::noParent, tree.at(entry.relative).c_str(), Links::Keep);
             ASSERT_TRUE(here && known) << entry.relative;
             EXPECT_EQ(here->inode, known->inode) << entry.relative;
             EXPECT_EQ(entry.type, known->type);
@@ -93,7 +92,8 @@ TEST(TreeLister, unreadableFoldersAreNamedAndTheirSiblingsSurvive) {
     const std::string text = testing::runInChild({.ordinaryUser = true}, [&]() -> std::string {
         for (const bool foldersFirst : {true, false}) {
             const auto told = list(tree, foldersFirst);
-            const Paths expected = foldersFirst ? Paths{"a", "a/1", "locked", "z", "z/3"} : Paths{"a/1", "a", "z/3", "z"};
+            const Paths expected =
+                foldersFirst ? Paths{"a", "a/1", "locked", "z", "z/3"} : Paths{"a/1", "a", "z/3", "z"};
             if (told.entries != expected) return "other entries";
             if (told.failures != std::map<std::string, int>{{"locked", EACCES}}) return "other failures";
         }

@@ -13,8 +13,7 @@ using namespace std::chrono_literals;
 
 void compute(std::chrono::microseconds time) {
     const auto end = std::chrono::steady_clock::now() + time;
-    while (std::chrono::steady_clock::now() < end) {
-    }
+    while (std::chrono::steady_clock::now() < end) {}
 }
 
 TEST(WorkCrew, eachIndexIsDoneOnceAndWorkersAreThreads) {
@@ -22,7 +21,8 @@ TEST(WorkCrew, eachIndexIsDoneOnceAndWorkersAreThreads) {
         std::size_t count, grain;
         unsigned most;
     };
-    for (const Case& one : {Case{0, 1, 8}, Case{1, 1, 8}, Case{7, 100, 8}, Case{3000, 7, 8}, Case{3000, 1, 1}, Case{3000, 64, 64}}) {
+    for (const Case& one :
+         {Case{0, 1, 8}, Case{1, 1, 8}, Case{7, 100, 8}, Case{3000, 7, 8}, Case{3000, 1, 1}, Case{3000, 64, 64}}) {
         WorkCrew crew(one.most);
         std::vector<std::atomic<int>> done(one.count);
         std::mutex mutex;
@@ -103,8 +103,7 @@ TEST(WorkCrew, moreThreadsComeWhileTheyWait) {
     std::atomic<unsigned> highest{0};
     const std::atomic<bool> stop{false};
     crew.forEach(400, 1, stop, [&](std::size_t, unsigned worker) {
-        for (unsigned seen = highest; seen < worker && !highest.compare_exchange_weak(seen, worker);) {
-        }
+        for (unsigned seen = highest; seen < worker && !highest.compare_exchange_weak(seen, worker);) {}
         std::this_thread::sleep_for(1ms);
     });
     EXPECT_GE(highest + 1, WorkCrew::cores());

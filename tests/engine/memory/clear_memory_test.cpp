@@ -86,7 +86,7 @@ TEST(ClearMemory, TouchesTheLow32BitsInWholeKibibytes) {
         {" +134217728 bytes", 131072},
         {"4429185024", 131072},  // 4 GiB more
         {"-4160749568", 131072},
-        {"134218751", 131072},   // one byte short of the next 1024
+        {"134218751", 131072},  // one byte short of the next 1024
         {"1023", 0},
         {"4294967296", 0},
         {"4294968320", 1},

@@ -40,14 +40,35 @@ TEST(Localized, BuiltInTableHasNoMalformedLineAndNoEmptyText) {
 }
 
 TEST(Localized, KeysOfTheInterfaceAreThere) {
-    for (const char* key :
-         {"TITLE_CLEAN_SYS_MYMAC", "TITLE_CLEAN_SYS_CACHES", "DESC_CLEAN_SYS_CACHES", "TITLE_CLEAN_USR_CACHES",
-          "DESC_CLEAN_USR_CACHES", "TITLE_CLEAN_SYS_LOGS", "DESC_CLEAN_SYS_LOGS", "TITLE_CLEAN_USR_LOGS",
-          "DESC_CLEAN_USR_LOGS", "TITLE_CLEAN_TRASH", "DESC_CLEAN_TRASH", "TITLE_CLEAN_DOWNLOADS",
-          "DESC_CLEAN_DOWNLOADS", "TITLE_UNINSTALL", "DESC_UNINSTALL", "TITLE_FREESPACE_MONITOR",
-          "DESC_FREESPACE_MONITOR", "CLEAN_FILES_COUNT", "CLEAN_FILES_SIZE", "FREE_SPACE_SIZE", "NO_FOLDER_CONTENT",
-          "LOCAL_STORAGE", "EXTERNAL_STORAGE", "SUPER_DRIVER", "NETWOR_STORAGE", "DISK_IMAGE", "FREE_MEMORY",
-          "NO_HAVE_REMOVABLE", "CANNOT_OPEN_FINDER"})
+    for (const char* key : {"TITLE_CLEAN_SYS_MYMAC",
+                            "TITLE_CLEAN_SYS_CACHES",
+                            "DESC_CLEAN_SYS_CACHES",
+                            "TITLE_CLEAN_USR_CACHES",
+                            "DESC_CLEAN_USR_CACHES",
+                            "TITLE_CLEAN_SYS_LOGS",
+                            "DESC_CLEAN_SYS_LOGS",
+                            "TITLE_CLEAN_USR_LOGS",
+                            "DESC_CLEAN_USR_LOGS",
+                            "TITLE_CLEAN_TRASH",
+                            "DESC_CLEAN_TRASH",
+                            "TITLE_CLEAN_DOWNLOADS",
+                            "DESC_CLEAN_DOWNLOADS",
+                            "TITLE_UNINSTALL",
+                            "DESC_UNINSTALL",
+                            "TITLE_FREESPACE_MONITOR",
+                            "DESC_FREESPACE_MONITOR",
+                            "CLEAN_FILES_COUNT",
+                            "CLEAN_FILES_SIZE",
+                            "FREE_SPACE_SIZE",
+                            "NO_FOLDER_CONTENT",
+                            "LOCAL_STORAGE",
+                            "EXTERNAL_STORAGE",
+                            "SUPER_DRIVER",
+                            "NETWOR_STORAGE",
+                            "DISK_IMAGE",
+                            "FREE_MEMORY",
+                            "NO_HAVE_REMOVABLE",
+                            "CANNOT_OPEN_FINDER"})
         EXPECT_TRUE(builtInTexts().texts.contains(key)) << key;
 }
 
@@ -85,10 +106,9 @@ TEST(Localized, LinesOfEveryForm) {
         {"A", "a \"b\" \\ c\nd"}, {"B", ""}, {"C", "// no comment /* either"}, {"D", "last line, no break"}};
     EXPECT_EQ(table.texts, expected);
 
-    for (const char* line :
-         {"A = \"a\";", "\"A\" = \"a\"", "\"A\" \"a\";", "\"A\" = a;", "\"A\" = \"a;", "\"A\" = \"a\\\";",
-          "\"A\" = \"\\q\";", "\"A = \"a\";", "\"A\" = \"a\"; x", "\"\" = \"a\";", "\"A\" = \"a\\", "x",
-          "\"A\" = \"a\"; \"B\" = \"b\";"})
+    for (const char* line : {"A = \"a\";", "\"A\" = \"a\"", "\"A\" \"a\";", "\"A\" = a;", "\"A\" = \"a;",
+                             "\"A\" = \"a\\\";", "\"A\" = \"\\q\";", "\"A = \"a\";", "\"A\" = \"a\"; x",
+                             "\"\" = \"a\";", "\"A\" = \"a\\", "x", "\"A\" = \"a\"; \"B\" = \"b\";"})
         EXPECT_EQ(parseStringTable(std::string("\n") + line).malformedLines, std::vector<std::size_t>{2}) << line;
     EXPECT_EQ(parseStringTable("\"A\" = \"a\";\n\"A\" = \"b\";").malformedLines, std::vector<std::size_t>{2});
 }

@@ -61,8 +61,7 @@ std::string expectedText(const Unit (&units)[3], std::uint64_t bytes) {
 }
 
 /// Counts of all magnitudes: powers of two and ten with their neighbours, then random ones of random length.
-template <class Visit>
-void visitCounts(std::size_t number, Visit visit) {
+template <class Visit> void visitCounts(std::size_t number, Visit visit) {
     for (int bit = 0; bit < 64; ++bit)
         for (std::uint64_t offset : {kLargest, std::uint64_t{0}, std::uint64_t{1}}) visit((1ULL << bit) + offset);
     for (std::uint64_t power = 1; power < kLargest / 10; power *= 10)
@@ -140,11 +139,11 @@ TEST(SizeText, WholeUnitsTruncate) {
         {4294967295, 1024, "3.00 GB"},
         {3'900'000'000, 1000, "3.00 GB"},
         {kLargest, 1024, "17179869184.00 GB"},
-        {2'500'000'000, 46341, "1.00 MB"},               // the square is past 2^31, and stays positive
-        {2'500'000'000'000, 1300, "1479289.00 MB"},      // the cube is past 2^31: a divisor too large to reach
-        {70000, 65536, "0.00 GB"},                       // square and cube wrap to nothing
+        {2'500'000'000, 46341, "1.00 MB"},           // the square is past 2^31, and stays positive
+        {2'500'000'000'000, 1300, "1479289.00 MB"},  // the cube is past 2^31: a divisor too large to reach
+        {70000, 65536, "0.00 GB"},                   // square and cube wrap to nothing
         {70000, 0, "0.00 GB"},
-        {70000, -1000, "0.00 KB"},                       // the base itself becomes a very large divisor
+        {70000, -1000, "0.00 KB"},  // the base itself becomes a very large divisor
     };
     for (const auto& each : cases)
         EXPECT_EQ(UtilityFunction::formatValue(each.value, each.base), each.text) << each.value << " by " << each.base;
@@ -176,7 +175,7 @@ TEST(SizeText, BytesOfAText) {
         {"nan KB", 0},
         {"inf KB", 0},
         {"18446742 TB", 18446741874686296064ULL},  // two floats below 2^64
-        {"18446744 TB", kLargest},                  // rounds up to 2^64
+        {"18446744 TB", kLargest},                 // rounds up to 2^64
         {"18446745 TB", kLargest},
         {"1e30 TB", kLargest},
         {"1e60 KB", kLargest},
@@ -199,17 +198,13 @@ TEST(SizeText, GigabytesOfAText) {
     const struct {
         const char* text;
         float gigabytes;
-    } cases[] = {
-        {"2.00 T", 2000.0F},
-        {"2.00 TB", 0.0F},
-        {"1.50 GB", 1.5F},
-        {"1500.00 MB", 1.5F},
-        {"1500000.00 KB", 1.5F},
-        {"-1.50 GB", -1.5F},
-        {"1.50 GB free", 1.5F},
-        {"1.50  GB", 0.0F},  // the second piece is the nothing between the blanks
-        {"1.50 ", 0.0F},
-    };
+    } cases[] =
+        {
+            {"2.00 T", 2000.0F},    {"2.00 TB", 0.0F},       {"1.50 GB", 1.5F},
+            {"1500.00 MB", 1.5F},   {"1500000.00 KB", 1.5F}, {"-1.50 GB", -1.5F},
+            {"1.50 GB free", 1.5F}, {"1.50  GB", 0.0F},  // the second piece is the nothing between the blanks
+            {"1.50 ", 0.0F},
+        };
     for (const auto& each : cases)
         EXPECT_EQ(UtilityFunction::returnParserFromVolSpace(each.text), each.gigabytes) << each.text;
     for (const char* text : {"", "1.50GB"})

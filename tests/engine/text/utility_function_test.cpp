@@ -65,9 +65,8 @@ TEST_F(UtilityFunctionTest, RowNoticeCarriesNoSelectionAndTheRow) {
     UtilityFunction::callSelectNotificationForMainWindowLeft(3);  // no centre: nothing to tell
     NotificationCenter center;
     std::optional<RowSelection> received;
-    const auto observation = center.addObserver("shouldSelectRow", [&](const Notification& notice) {
-        received = std::any_cast<RowSelection>(notice.object);
-    });
+    const auto observation = center.addObserver(
+        "shouldSelectRow", [&](const Notification& notice) { received = std::any_cast<RowSelection>(notice.object); });
     m_function.setNotificationCenter(&center);
     UtilityFunction::callSelectNotificationForMainWindowLeft(8);
     ASSERT_TRUE(received);
@@ -89,9 +88,12 @@ TEST_F(UtilityFunctionTest, KernelsWithoutStatxAreTooOld) {
         const char* release;
         std::uint32_t version;
     } cases[] = {
-        {"4.10.17", 0x1050}, {"4.9.0-19-amd64", 0x1050}, {"3.99.1", 0x1050}, {"2.6.32-754.el6", 0x1050},
-        {"4.11.0", 0x1060},  {"4.11", 0x1060},           {"5.0-rc1", 0x1060}, {"6.1.0-18-amd64", 0x1060},
-        {"", 0x1060},        {"4", 0x1060},              {"4.", 0x1060},      {"next", 0x1060},
+        {"4.10.17", 0x1050}, {"4.9.0-19-amd64", 0x1050},
+        {"3.99.1", 0x1050},  {"2.6.32-754.el6", 0x1050},
+        {"4.11.0", 0x1060},  {"4.11", 0x1060},
+        {"5.0-rc1", 0x1060}, {"6.1.0-18-amd64", 0x1060},
+        {"", 0x1060},        {"4", 0x1060},
+        {"4.", 0x1060},      {"next", 0x1060},
     };
     for (const auto& each : cases) EXPECT_EQ(LinuxSystem::versionOfRelease(each.release), each.version) << each.release;
     EXPECT_EQ(LinuxSystem().gestalt("sysv"), 0x1060U);  // or this suite's own walks would not run

@@ -4,8 +4,7 @@
 namespace orrinvale {
 namespace {
 
-template <class Compare>
-std::weak_ordering compareWith(const TreeNodeData& other, Compare compare) {
+template <class Compare> std::weak_ordering compareWith(const TreeNodeData& other, Compare compare) {
     const auto* const simple = dynamic_cast<const SimpleNodeData*>(&other);
     return simple ? compare(*simple) : std::weak_ordering::equivalent;
 }
