@@ -13,9 +13,8 @@
 #include "engine/duplicates/getFileList.h"
 #include "engine/files/FolderNode.h"
 
+namespace orrinvale {
 namespace {
-
-using namespace orrinvale;
 
 void require(bool condition) {
     if (!condition) std::abort();
@@ -40,7 +39,7 @@ void checkNames(std::string_view path) {
     std::string upper(extension);
     for (char& c : upper)
         if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
-    require(kindOfExtension(upper) == kindOfExtension(extension) && kindName(kindOfExtension(extension)) != "");
+    require(kindOfExtension(upper) == kindOfExtension(extension) && !kindName(kindOfExtension(extension)).empty());
 }
 
 void checkTests(std::string_view path) {
@@ -105,11 +104,16 @@ void checkAbsolute(std::string_view path) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
-    const std::string_view path(reinterpret_cast<const char*>(bytes), size);
+static void checkAll(std::string_view path) {
     checkNames(path);
     checkTests(path);
     checkTexts(path);
     checkAbsolute(path);
+}
+
+}  // namespace orrinvale
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+    orrinvale::checkAll({reinterpret_cast<const char*>(bytes), size});
     return 0;
 }

@@ -15,8 +15,8 @@ namespace orrinvale {
 struct LogOrigin {
     std::string_view method;
     std::uint32_t line;
-    // NOLINTNEXTLINE(google-explicit-constructor): a call site reads Log::engine("-[x y]", ...)
     // Clang 14, which the static analysis runs on, has the builtin but not std::source_location.
+    // NOLINTNEXTLINE(google-explicit-constructor): a call site reads Log::engine("-[x y]", ...)
     constexpr LogOrigin(const char* name, std::uint32_t where = __builtin_LINE()) : method(name), line(where) {}
 };
 

@@ -31,7 +31,7 @@ std::int64_t waits() {
     return usage.ru_nvcsw;
 }
 
-std::int64_t count(std::chrono::steady_clock::time_point time) {
+std::int64_t nanoseconds(std::chrono::steady_clock::time_point time) {
     return std::chrono::duration_cast<std::chrono::nanoseconds>(time.time_since_epoch()).count();
 }
 
@@ -62,7 +62,7 @@ void WorkCrew::run(const std::function<Step(unsigned)>& step) {
         m_lastSteps = 0;
         m_rateBefore = 0;
         m_hold = 0;
-        m_nextCheck = count(m_lastCheck + beforeSecondThread);
+        m_nextCheck = nanoseconds(m_lastCheck + beforeSecondThread);
     }
     work(0);
     finish();
@@ -75,14 +75,14 @@ void WorkCrew::run(const std::function<Step(unsigned)>& step) {
     m_step = nullptr;
 }
 
-void WorkCrew::forEach(std::size_t total, std::size_t grain, const std::atomic<bool>& stop,
+void WorkCrew::forEach(std::size_t count, std::size_t grain, const std::atomic<bool>& stop,
                        const std::function<void(std::size_t, unsigned)>& task) {
     std::atomic<std::size_t> next{0};
     run([&](unsigned worker) {
         if (stop.load(std::memory_order_relaxed)) return Step::Finished;
         const std::size_t first = next.fetch_add(grain, std::memory_order_relaxed);
-        if (first >= total) return Step::Finished;
-        const std::size_t last = std::min(total, first + grain);
+        if (first >= count) return Step::Finished;
+        const std::size_t last = std::min(count, first + grain);
         for (std::size_t index = first; index < last; ++index) task(index, worker);
         return Step::Worked;
     });
@@ -131,14 +131,14 @@ void WorkCrew::park(unsigned worker, std::uint64_t seen) {
 void WorkCrew::consider() {
     if (m_most == 1) return;
     const auto now = Clock::now();
-    if (count(now) < m_nextCheck.load(std::memory_order_relaxed)) return;
+    if (nanoseconds(now) < m_nextCheck.load(std::memory_order_relaxed)) return;
     const std::unique_lock lock(m_mutex, std::try_to_lock);
     if (lock.owns_lock()) adjust(now);
 }
 
 void WorkCrew::adjust(Clock::time_point now) {
-    if (m_finished.load() || count(now) < m_nextCheck.load()) return;
-    m_nextCheck = count(now + betweenChecks);
+    if (m_finished.load() || nanoseconds(now) < m_nextCheck.load()) return;
+    m_nextCheck = nanoseconds(now + betweenChecks);
     const unsigned limit = m_limit.load();
     const std::int64_t processor = processorTime();
     const std::int64_t waited = waits();

@@ -3,11 +3,11 @@
 // Large files that are in memory are hashed a third faster this way than by reading, which copies them. The price is SIGBUS: a
 // mapped page behind the new end of a file that was cut raises it. The handler puts a page of zeros there and notes the
 // fault; whoever looked then knows that what it saw is not the file.
-#include <signal.h>
 #include <sys/mman.h>
 
 #include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <mutex>
 
 #include "platform/linux/LinuxFiles.h"
