@@ -215,6 +215,9 @@ TEST(Signals, AStopPrintsWhatIsThere) {
 }
 
 TEST(Signals, TheSecondOneEndsAtOnce) {
+#if defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "ThreadSanitizer holds signals back while a call blocks";
+#endif
     // Pairs that are found before others that take long; their paths fill a pipe that nobody reads, so that the command
     // hangs in the middle of its result.
     TestTree slow;
@@ -302,28 +305,6 @@ TEST(Environment, NumbersAreTheSameInGerman) {
     if (folder == nullptr || ::access((std::string(folder) + "/de_DE.UTF-8").c_str(), F_OK) != 0)
         GTEST_SKIP() << "LOCPATH names no folder with the German locale (./dev test makes one)";
     const std::vector<std::string> german{"LC_ALL=de_DE.UTF-8", std::string("LOCPATH=") + folder};
-    TestTree tree;
-    ASSERT_TRUE(tree.write("a", std::string(1'500'000, 'x')) && tree.write("b\xC3\xA9", std::string(1'500'000, 'x')));
-    const auto listing = duplicatesRun({tree.path()}).run();  // with no environment at all
-    ASSERT_NE(listing.output.find("1.50 MB"), std::string::npos);
-    const auto document = duplicatesRun({"--json", tree.path()}).run();
-    for (const char* variable :
-         {"HOME=/nonexistent", "TMPDIR=/nonexistent", "LC_ALL=tr_TR.UTF-8", "TERM=dumb", "POSIXLY_CORRECT=1"}) {
-        ProgramRun run = duplicatesRun({tree.path()});
-        run.environment = {variable};
-        EXPECT_EQ(run.run().output, listing.output) << variable;
-        run.arguments.insert(run.arguments.begin() + 1, "--json");
-        EXPECT_EQ(run.run().output, document.output) << variable;
-    }
-}
-
-TEST(Environment, NumbersAreTheSameInGerman) {
-    std::vector<std::string> german{"LC_ALL=de_DE.UTF-8"};
-    if (const char* path = std::getenv("LOCPATH")) german.push_back(std::string("LOCPATH=") + path);
-    const ::locale_t locale = ::newlocale(LC_ALL_MASK, "de_DE.UTF-8", nullptr);
-    if (locale == nullptr)
-        GTEST_SKIP() << "the German locale is not installed, and LOCPATH names no folder that has it";
-    ::freelocale(locale);
     TestTree tree;
     ASSERT_TRUE(tree.write("a", std::string(1'500'000, 'x')) && tree.write("b", std::string(1'500'000, 'x')));
     ASSERT_TRUE(tree.write("c", "other") && tree.setMode("c", 0) && ::chmod(tree.path().c_str(), 0755) == 0);
