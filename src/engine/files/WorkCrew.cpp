@@ -15,7 +15,9 @@ using namespace std::chrono_literals;
 
 constexpr auto beforeSecondThread = 150us;  // a thread costs 20 to 60 us to start and to join, measured
 constexpr auto betweenChecks = 3ms;
-constexpr double busy = 0.6;  // below this share of the cores in use, threads are waiting for the disk
+constexpr auto longestWindow = 100ms;
+constexpr unsigned fewestSteps = 4;  // of each thread
+constexpr double busy = 0.6;         // below this share of the cores in use, threads are waiting for the disk
 
 std::int64_t processorTime() {
     timespec used{};
@@ -140,6 +142,9 @@ void WorkCrew::adjust(Clock::time_point now) {
     if (m_finished.load() || nanoseconds(now) < m_nextCheck.load()) return;
     m_nextCheck = nanoseconds(now + betweenChecks);
     const unsigned limit = m_limit.load();
+    // A rate out of a few steps is chance: wait for more of them, but not forever where each takes long.
+    const bool enough = m_steps.load() - m_lastSteps >= fewestSteps * limit || now - m_lastCheck > longestWindow;
+    if (limit >= cores() && !enough) return;
     const std::int64_t processor = processorTime();
     const std::int64_t waited = waits();
     const std::uint64_t steps = m_steps.load();
