@@ -29,8 +29,7 @@ struct EntryIdentity {
     /// every entry that goes, so that theirs are not compared.
     [[nodiscard]] bool isStill(const FileAttributes& now) const {
         if (device != now.device || inode != now.inode || type != now.type) return false;
-        return type != FileType::Regular ||
-               (size == now.size && modified == now.modified && changed == now.changed);
+        return type != FileType::Regular || (size == now.size && modified == now.modified && changed == now.changed);
     }
 };
 

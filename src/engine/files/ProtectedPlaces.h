@@ -18,7 +18,8 @@ namespace orrinvale {
 class ProtectedPlaces final {
 public:
     /// What is protected on this machine now. `ownFiles` are absolute paths of the program's own files.
-    [[nodiscard]] static ProtectedPlaces ofThisMachine(const FileSystem& files, const std::vector<std::string>& ownFiles);
+    [[nodiscard]] static ProtectedPlaces ofThisMachine(const FileSystem& files,
+                                                       const std::vector<std::string>& ownFiles);
 
     ProtectedPlaces() = default;
 

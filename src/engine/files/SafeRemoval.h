@@ -19,10 +19,10 @@ struct RemovalResult {
         std::string path;    ///< exact bytes
         std::string reason;  ///< "Permission denied", "changed since the scan", "a mount point", ...
     };
-    bool gone = false;           ///< the entry was looked up again and is not there
-    bool stopped = false;        ///< the caller's flag ended it
-    std::uint64_t removed = 0;   ///< entries that went, the chosen one included
-    std::uint64_t failed = 0;    ///< entries that could not be removed
+    bool gone = false;              ///< the entry was looked up again and is not there
+    bool stopped = false;           ///< the caller's flag ended it
+    std::uint64_t removed = 0;      ///< entries that went, the chosen one included
+    std::uint64_t failed = 0;       ///< entries that could not be removed
     std::vector<Failure> failures;  ///< the first `mostFailures` of them
     static constexpr std::size_t mostFailures = 100;
 };

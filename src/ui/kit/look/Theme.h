@@ -1,0 +1,77 @@
+// Theme: the one palette, type scale and spacing of every window, light and dark. Pictures follow it, see picture.h.
+#pragma once
+
+#include <QColor>
+#include <QFont>
+#include <QObject>
+#include <QPalette>
+
+class QApplication;
+
+namespace orrinvale {
+
+/// Main thread only. One instance a process; changed() tells windows to draw anew.
+class Theme final : public QObject {
+    Q_OBJECT
+public:
+    enum class Scheme { Light, Dark };
+
+    /// What a colour is for. Foregrounds on the backgrounds that they are meant for have a contrast of at least 4.5.
+    enum class Color {
+        Window,         ///< behind everything
+        Surface,        ///< cards, lists, the inside of a view
+        SurfaceRaised,  ///< title bar, header rows
+        Hover,          ///< a row or a button under the pointer
+        Pressed,
+        Selection,  ///< behind a selected row
+        Line,       ///< hairlines between areas
+        Text,
+        TextSecondary,  ///< captions, counts, paths
+        TextDisabled,
+        TextOnAccent,
+        Accent,  ///< the one colour that means "this acts"
+        AccentHover,
+        AccentPressed,
+        Danger,  ///< what removes
+        DangerHover,
+        DangerPressed,
+        Success,
+        Warning,
+        FocusRing,
+        Shadow,
+        Count
+    };
+
+    /// The type scale.
+    enum class Text { Caption, Body, BodyStrong, Heading, Title, Display };
+
+    /// Distances in points: every margin and gap is one of these.
+    static constexpr int gapTiny = 4, gapSmall = 8, gap = 12, gapLarge = 16, gapHuge = 24, gapSection = 32;
+    static constexpr int radiusSmall = 4, radius = 8, radiusWindow = 10;
+    static constexpr int rowHeight = 30, controlHeight = 32;
+
+    [[nodiscard]] static Theme& shared();
+
+    /// Fusion, this palette and this type for the whole program. Call once, before the first window.
+    void install(QApplication& application);
+
+    /// The scheme that the desktop asks for: ORRINVALE_THEME=light|dark if set, else the desktop's palette.
+    [[nodiscard]] static Scheme desktopScheme();
+
+    [[nodiscard]] Scheme scheme() const { return m_scheme; }
+    void setScheme(Scheme scheme);
+
+    [[nodiscard]] QColor color(Color role) const { return color(role, m_scheme); }
+    [[nodiscard]] static QColor color(Color role, Scheme scheme);
+    [[nodiscard]] QFont font(Text text) const;
+    [[nodiscard]] QPalette palette() const;
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    Theme() = default;
+    Scheme m_scheme = Scheme::Light;
+};
+
+}  // namespace orrinvale
