@@ -33,3 +33,11 @@ if(ORRINVALE_SANITIZE)
 elseif(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
   target_compile_definitions(orrinvale_options INTERFACE _FORTIFY_SOURCE=2)
 endif()
+
+# Turns on moc (and rcc) for a target. A header that is added later does not make moc run again by itself, as its list of
+# dependencies was written before; the file that CMake writes its own list into does.
+function(orrinvale_use_moc target)
+  set_target_properties(${target} PROPERTIES AUTOMOC ON AUTORCC ON)
+  set_property(TARGET ${target} APPEND PROPERTY AUTOGEN_TARGET_DEPENDS
+    ${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/${target}_autogen.dir/AutogenInfo.json)
+endfunction()
