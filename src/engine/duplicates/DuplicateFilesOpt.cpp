@@ -47,20 +47,31 @@ void visitFiles(const FileList& files, const Visit& visit) {
     }
 }
 
+EntryIdentity identityOf(const fileAttrbItem& file) {
+    return {.device = file.device,
+            .inode = file.inode,
+            .type = file.type,
+            .size = file.fileSize,
+            .modified = file.modified,
+            .changed = file.changed};
+}
+
 void addLeaves(SimpleTreeNode& node, const DuplicateGroup& group) {
-    auto add = [&](const std::string& name, std::uint64_t size, IconRequest icon, std::optional<Date> date) {
+    auto add = [&](const std::string& name, std::uint64_t size, IconRequest icon, std::optional<Date> date,
+                   const EntryIdentity& identity) {
         auto leaf = SimpleNodeData::leafDataWithName(name);
         leaf->setIconRep(std::move(icon));
         leaf->setFileSize(size);
         leaf->setModificationDate(date);
+        leaf->setIdentity(identity);
         node.insertChild(SimpleTreeNode::treeNodeWithData(std::move(leaf)), node.numberOfChildren());
     };
     for (const AppAttrbItem* bundle : group.bundles)
         add(bundle->DirectoryPathName, bundle->DirectorySize, {IconRequest::BareName, bundle->DirectoryName},
-            std::nullopt);
+            std::nullopt, {.device = bundle->device, .inode = bundle->inode, .type = FileType::Folder});
     for (const fileAttrbItem* file : group.files) {
         const std::string path = file->filePathName();
-        add(path, file->fileSize, {IconRequest::Path, path}, file->ModificationDate());
+        add(path, file->fileSize, {IconRequest::Path, path}, file->ModificationDate(), identityOf(*file));
     }
 }
 

@@ -10,6 +10,7 @@
 #include "engine/base/Date.h"
 #include "engine/duplicates/tree/IconRequest.h"
 #include "engine/duplicates/tree/TreeNode.h"
+#include "engine/files/EntryIdentity.h"
 
 namespace orrinvale {
 
@@ -62,6 +63,10 @@ public:
     [[nodiscard]] const std::optional<Date>& ModificationDate() const { return m_modificationDate; }
     void setModificationDate(std::optional<Date> date) { m_modificationDate = date; }
 
+    /// What the search saw of the leaf's file or bundle, for the look before it is removed. A group has none.
+    [[nodiscard]] const std::optional<EntryIdentity>& identity() const { return m_identity; }
+    void setIdentity(std::optional<EntryIdentity> identity) { m_identity = identity; }
+
     /// A group's count of ticked leaves as "1/3".
     [[nodiscard]] const std::string& showSelectNumStr() const { return m_showSelectNumStr; }
     void setShowSelectNumStr(std::string text) { m_showSelectNumStr = std::move(text); }
@@ -84,6 +89,7 @@ private:
     std::string m_showSelectNumStr;
     std::optional<IconRequest> m_iconRep;
     std::optional<Date> m_modificationDate;
+    std::optional<EntryIdentity> m_identity;
     std::uint64_t m_fileSize = 0;
     std::int32_t m_selectNum = 0;
     std::int32_t m_fileType = 0;

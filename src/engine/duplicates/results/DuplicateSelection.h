@@ -1,0 +1,84 @@
+// DuplicateSelection: which copies are ticked, and the rule that one copy of a group stays unless a person insists.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "engine/duplicates/tree/SimpleTreeNode.h"
+
+namespace orrinvale {
+
+/// The ticked leaves over all views, in the order in which they were ticked. A leaf may stand in it twice. Main thread only.
+class TickedLeaves final {
+public:
+    void append(TreeNode::Pointer leaf);
+
+    /// Takes every occurrence out.
+    void remove(const TreeNode* leaf);
+    void clear();
+
+    /// How many there are, doubles included.
+    [[nodiscard]] std::size_t size() const { return m_size; }
+    [[nodiscard]] bool empty() const { return m_size == 0; }
+    [[nodiscard]] std::vector<TreeNode::Pointer> entries() const;
+
+private:
+    void closeGaps();
+
+    std::vector<TreeNode::Pointer> m_entries;  // null where one was taken out
+    std::unordered_multimap<const TreeNode*, std::size_t> m_places;
+    std::size_t m_size = 0;
+};
+
+/// What a click on the box of a leaf came to.
+enum class LeafClick {
+    Ticked,
+    Cleared,
+    Question  ///< nothing changed: it is the last clear copy of its group, so ask, and then call tickLast()
+};
+
+/// The box over the list: on or off, its picture, and the count of copies in the view.
+struct HeaderBox {
+    bool isOn = false;
+    std::string_view picture;
+    std::size_t leaves = 0;
+};
+
+/// Keeps `selectNum` and `showSelectNumStr` of leaves and groups true. Main thread only.
+class DuplicateSelection final {
+public:
+    [[nodiscard]] LeafClick clickLeaf(const TreeNode::Pointer& leaf);
+
+    /// Ticks the last clear copy of a group: the person insists.
+    void tickLast(const TreeNode::Pointer& leaf);
+
+    /// Clears a group that has ticks; ticks all copies but the last, in the present order, of one that has none.
+    void clickGroup(TreeNode& group);
+
+    /// Ticks all copies but one of a leaf's group: that leaf stays clear.
+    void tickAllBut(TreeNode& leaf);
+
+    /// The box over the list: ticks all copies but the last in every group of the view, whatever was ticked before, or clears the view.
+    void setAll(TreeNode& tree, bool on);
+
+    /// Clears every leaf and group of the view.
+    void clearTree(TreeNode& tree);
+
+    [[nodiscard]] static HeaderBox headerBox(const TreeNode& tree);
+
+    /// "option_no", "option_yes" or "option_a" for the states 0, 1 and 2.
+    [[nodiscard]] static std::string_view pictureOf(std::int32_t selectNum);
+
+    [[nodiscard]] TickedLeaves& allSelectNumArr() { return m_ticked; }
+    [[nodiscard]] const TickedLeaves& allSelectNumArr() const { return m_ticked; }
+
+private:
+    void clearGroup(TreeNode& group, std::size_t shownCount);
+
+    TickedLeaves m_ticked;
+};
+
+}  // namespace orrinvale

@@ -1,0 +1,149 @@
+// ResultViews: see ResultViews.h.
+#include "engine/duplicates/results/ResultViews.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <limits>
+#include <unordered_set>
+#include <vector>
+
+#include "engine/text/UtilityFunction.h"
+
+namespace orrinvale {
+namespace {
+
+std::size_t codeOf(FileKind kind) { return static_cast<std::size_t>(kind); }
+
+std::shared_ptr<SimpleTreeNode> newRoot() {
+    return SimpleTreeNode::treeNodeWithData(SimpleNodeData::groupDataWithName("Root"));
+}
+
+// Leaves leave their groups and groups the root, so that who still holds one of them holds nothing else.
+void takeApart(TreeNode& root) {
+    for (const auto& group : root.children()) {
+        const auto leaves = group->children();
+        group->_removeChildrenIdenticalTo(leaves);
+    }
+    const auto groups = root.children();
+    root._removeChildrenIdenticalTo(groups);
+}
+
+void removeGroups(TreeNode& root, const std::unordered_set<const TreeNode*>& groups) {
+    std::vector<TreeNode::Pointer> found;
+    for (std::size_t i = 0; i < root.numberOfChildren(); ++i)
+        if (groups.contains(root.childAtIndex(i).get())) found.push_back(root.childAtIndex(i));
+    root._removeChildrenIdenticalTo(found);
+}
+
+void addSize(std::uint64_t& sum, std::uint64_t size) {
+    sum += std::min(size, std::numeric_limits<std::uint64_t>::max() - sum);
+}
+
+}  // namespace
+
+void ResultViews::setResult(std::shared_ptr<SimpleTreeNode> all) {
+    m_all = std::move(all);
+    m_sizes = {};
+    for (std::size_t code = 1; code < m_types.size(); ++code) m_types[code] = newRoot();
+    if (!m_all) return;
+    for (std::size_t i = 0; i < m_all->numberOfChildren(); ++i) sortIn(m_all->childAtIndex(i));
+}
+
+void ResultViews::sortIn(const TreeNode::Pointer& group) {
+    SimpleNodeData* const data = simpleData(*group);
+    if (data == nullptr || data->Mark()) return;
+    const std::size_t code = codeOf(kindOfExtension(data->extendName()));
+    data->setMark(true);
+    data->setFileType(static_cast<std::int32_t>(code));
+    addSize(m_sizes[code], data->fileSize());
+    m_types[code]->insertChild(group, m_types[code]->numberOfChildren());
+}
+
+void ResultViews::clear() {
+    for (auto& type : m_types) {
+        if (type) takeApart(*type);
+        type.reset();
+    }
+    if (m_all) takeApart(*m_all);
+    m_all.reset();
+    m_sizes = {};
+}
+
+SimpleTreeNode* ResultViews::tree(std::size_t row) const {
+    const auto& kind = resultRows.at(row).kind;
+    return kind ? m_types[codeOf(*kind)].get() : m_all.get();
+}
+
+std::uint64_t ResultViews::size(std::size_t row) const {
+    if (const auto& kind = resultRows.at(row).kind) return m_sizes[codeOf(*kind)];
+    std::uint64_t sum = 0;
+    for (const std::uint64_t size : m_sizes) addSize(sum, size);
+    return sum;
+}
+
+std::string ResultViews::sizeText(std::size_t row) const {
+    const std::uint64_t bytes = size(row);
+    return bytes == 0 ? "0.0KB" : UtilityFunction::convertVolSpace(bytes);
+}
+
+std::size_t ResultViews::leafCount(const TreeNode& tree) {
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < tree.numberOfChildren(); ++i) count += tree.childAtIndex(i)->numberOfChildren();
+    return count;
+}
+
+void ResultViews::shrink(const SimpleNodeData& group, std::uint64_t bytes) {
+    const auto code = static_cast<std::size_t>(group.fileType());
+    if (code == 0 || code >= m_sizes.size()) return;
+    m_sizes[code] -= std::min(bytes, m_sizes[code]);
+}
+
+// True when the group of the leaf is none any more.
+bool ResultViews::removeLeaf(TreeNode& leaf) {
+    TreeNode* const group = leaf.nodeParent();
+    SimpleNodeData* const data = group != nullptr ? simpleData(*group) : nullptr;
+    const SimpleNodeData* const gone = simpleData(leaf);
+    if (data == nullptr || gone == nullptr) return false;
+    if (!data->Mark()) {  // out of the views since an earlier leaf of this batch
+        group->removeChild(&leaf);
+        return false;
+    }
+    const std::uint64_t bytes = gone->fileSize();
+    data->setFileSize(data->fileSize() - std::min(bytes, data->fileSize()));
+    shrink(*data, bytes);
+    group->removeChild(&leaf);
+
+    const std::size_t left = group->numberOfChildren();
+    const bool single = left == 1 && data->selectNum() == 2;
+    if (single) shrink(*data, bytes);  // the copy that stays is no duplicate any more
+    if (left == 0 || single) {
+        data->setMark(false);
+        return true;
+    }
+    if (data->selectNum() == 2) {
+        bool anyTicked = false;
+        for (std::size_t i = 0; i < left && !anyTicked; ++i)
+            anyTicked = simpleData(*group->childAtIndex(i))->selectNum() == 1;
+        data->setSelectNum(anyTicked ? 2 : 0);
+        // The first number says whether, not how many, until the next tick in the group.
+        data->setShowSelectNumStr(fmt::format("{:d}/{}", anyTicked, left));
+    } else {
+        data->setShowSelectNumStr(fmt::format("{}/{}", data->selectNum() == 1 ? left : 0, left));
+    }
+    return false;
+}
+
+void ResultViews::removeLeaves(std::span<const TreeNode::Pointer> leaves) {
+    std::unordered_set<const TreeNode*> groups;
+    for (const auto& leaf : leaves) {
+        const TreeNode* const group = leaf->nodeParent();
+        if (removeLeaf(*leaf)) groups.insert(group);
+    }
+    if (groups.empty()) return;
+    for (const auto& type : m_types)
+        if (type) removeGroups(*type, groups);
+    if (m_all) removeGroups(*m_all, groups);
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,72 @@
+// ResultViews: the result of a search sorted into its seven views, with their sizes, kept true while copies are removed.
+// DuplicateSelection.h says what is ticked in it.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "engine/duplicates/FileKind.h"
+#include "engine/duplicates/tree/SimpleTreeNode.h"
+
+namespace orrinvale {
+
+/// One row of the list of types: its title and picture, and which groups it shows; all of them when it has no kind.
+struct ResultRow {
+    std::string_view title;
+    std::string_view picture;
+    std::optional<FileKind> kind;
+};
+
+/// The rows from top to bottom. Their order is not that of the kinds' codes.
+inline constexpr std::array<ResultRow, 7> resultRows{{
+    {"All", "all", std::nullopt},
+    {"Documents", "ic_doc", FileKind::Documents},
+    {"Videos", "ic_video", FileKind::Videos},
+    {"Music", "ic_music", FileKind::Music},
+    {"Archives", "ic_archive", FileKind::Archives},
+    {"Pictures", "ic_pic", FileKind::Pictures},
+    {"Others", "ic_other", FileKind::Others},
+}};
+
+/// A group stands in the tree of row 0 and in the tree of exactly one type, and its size counts for that type. Main thread only.
+class ResultViews final {
+public:
+    /// Takes the result over and puts each group that is not marked yet into the view of its type.
+    void setResult(std::shared_ptr<SimpleTreeNode> all);
+
+    /// Takes every tree apart and sets the sizes to 0.
+    void clear();
+
+    /// The tree of a row; null before a result is set.
+    [[nodiscard]] SimpleTreeNode* tree(std::size_t row) const;
+
+    /// The bytes of a row: of row 0 the sum of the others.
+    [[nodiscard]] std::uint64_t size(std::size_t row) const;
+
+    /// The same for people; "0.0KB" for none.
+    [[nodiscard]] std::string sizeText(std::size_t row) const;
+
+    /// How many copies the groups of a tree hold.
+    [[nodiscard]] static std::size_t leafCount(const TreeNode& tree);
+
+    /// Takes copies that are gone from the disk out of their groups, and groups that are none any more out of both their trees:
+    /// those without a copy left, and those partly ticked with a single copy left, which stays on the disk. One pass over the
+    /// trees for the whole batch.
+    void removeLeaves(std::span<const TreeNode::Pointer> leaves);
+
+private:
+    void sortIn(const TreeNode::Pointer& group);
+    bool removeLeaf(TreeNode& leaf);
+    void shrink(const SimpleNodeData& group, std::uint64_t bytes);
+
+    std::shared_ptr<SimpleTreeNode> m_all;
+    std::array<std::shared_ptr<SimpleTreeNode>, 7> m_types;  // by the kind's code, 1 to 6
+    std::array<std::uint64_t, 7> m_sizes{};                  // likewise
+};
+
+}  // namespace orrinvale

@@ -1,0 +1,248 @@
+// What a person sees and does after a search: the seven views, the ticks with the rule that one copy stays, and the upkeep of both
+// while copies go.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <string>
+#include <vector>
+
+#include "engine/duplicates/results/DuplicateSelection.h"
+#include "engine/duplicates/results/RemovalPlan.h"
+#include "engine/duplicates/results/ResultViews.h"
+#include "platform/linux/LinuxFiles.h"
+#include "support/TestTree.h"
+
+namespace orrinvale {
+namespace {
+
+using testing::TestTree;
+using Pointer = TreeNode::Pointer;
+
+Pointer addGroup(SimpleTreeNode& root, const std::string& extension, int copies, std::uint64_t size = 100) {
+    auto data = SimpleNodeData::groupDataWithName("name." + extension);
+    data->setExtendName(extension);
+    data->setFileSize(size * static_cast<std::uint64_t>(copies));
+    const Pointer group = SimpleTreeNode::treeNodeWithData(std::move(data));
+    for (int i = 0; i < copies; ++i) {
+        auto leaf = SimpleNodeData::leafDataWithName("/" + std::to_string(i) + "/name." + extension);
+        leaf->setFileSize(size);
+        group->insertChild(SimpleTreeNode::treeNodeWithData(std::move(leaf)), group->numberOfChildren());
+    }
+    root.insertChild(group, root.numberOfChildren());
+    return group;
+}
+
+std::shared_ptr<SimpleTreeNode> newRoot() {
+    return SimpleTreeNode::treeNodeWithData(SimpleNodeData::groupDataWithName("Root"));
+}
+
+/// A group as a person sees it: its state, its count, and which leaves are ticked.
+std::string seen(const TreeNode& group) {
+    std::string text =
+        std::to_string(simpleData(group)->selectNum()) + " " + simpleData(group)->showSelectNumStr() + " ";
+    for (const auto& leaf : group.children()) text += simpleData(*leaf)->selectNum() == 1 ? 'x' : '.';
+    return text;
+}
+
+TEST(DuplicateSelection, KeepsOneCopyUnlessAPersonInsists) {
+    const auto root = newRoot();
+    const Pointer two = addGroup(*root, "a", 2);
+    const Pointer three = addGroup(*root, "b", 3);
+    DuplicateSelection selection;
+    EXPECT_EQ(selection.clickLeaf(two->childAtIndex(0)), LeafClick::Ticked);
+    EXPECT_EQ(seen(*two), "2 1/2 x.");
+    EXPECT_EQ(selection.clickLeaf(two->childAtIndex(1)), LeafClick::Question);
+    EXPECT_EQ(seen(*two), "2 1/2 x.") << "the question alone changes nothing";
+    selection.tickLast(two->childAtIndex(1));
+    EXPECT_EQ(seen(*two), "1 2/2 xx");
+    EXPECT_EQ(selection.clickLeaf(two->childAtIndex(0)), LeafClick::Cleared);
+    EXPECT_EQ(seen(*two), "2 1/2 .x");
+
+    selection.clickGroup(*three);
+    EXPECT_EQ(seen(*three), "2 2/3 xx.");
+    EXPECT_EQ(selection.allSelectNumArr().size(), 3U);
+    selection.clickGroup(*three);
+    EXPECT_EQ(seen(*three), "0 0/3 ...");
+    selection.tickAllBut(*three->childAtIndex(0));
+    EXPECT_EQ(seen(*three), "2 2/3 .xx");
+    EXPECT_EQ(selection.clickLeaf(three->childAtIndex(1)), LeafClick::Cleared);
+    EXPECT_EQ(selection.clickLeaf(three->childAtIndex(2)), LeafClick::Cleared);
+    EXPECT_EQ(seen(*three), "0 0/3 ...");
+    EXPECT_EQ(selection.allSelectNumArr().size(), 1U);
+}
+
+TEST(DuplicateSelection, TheHeaderBoxTicksTheViewAndShowsIt) {
+    const auto root = newRoot();
+    const Pointer two = addGroup(*root, "a", 2);
+    const Pointer three = addGroup(*root, "b", 3);
+    DuplicateSelection selection;
+    const auto box = [&] {
+        const HeaderBox header = DuplicateSelection::headerBox(*root);
+        return std::to_string(header.isOn) + " " + std::string(header.picture) + " " + std::to_string(header.leaves);
+    };
+    EXPECT_EQ(box(), "0 option_no 5");
+    ASSERT_EQ(selection.clickLeaf(two->childAtIndex(0)), LeafClick::Ticked);
+    EXPECT_EQ(box(), "1 option_a 5");
+    selection.setAll(*root, true);
+    EXPECT_EQ(selection.allSelectNumArr().size(), 4U) << "the leaf that was ticked before stands in it twice";
+    EXPECT_EQ(seen(*two) + ", " + seen(*three), "2 1/2 x., 2 2/3 xx.");
+    selection.tickLast(two->childAtIndex(1));
+    selection.tickLast(three->childAtIndex(2));
+    EXPECT_EQ(box(), "1 option_yes 5");
+    selection.setAll(*root, false);
+    EXPECT_TRUE(selection.allSelectNumArr().empty());
+    EXPECT_EQ(box(), "0 option_no 5");
+}
+
+TEST(TickedLeaves, KeepTheOrderOverManyRemovals) {
+    const auto root = newRoot();
+    const Pointer group = addGroup(*root, "a", 500);
+    TickedLeaves ticked;
+    std::vector<Pointer> expected;
+    for (const auto& leaf : group->children()) ticked.append(leaf);
+    for (std::size_t i = 0; i < 500; ++i) {
+        if (i % 7 == 0) expected.push_back(group->childAtIndex(i));
+        else ticked.remove(group->childAtIndex(i).get());
+    }
+    ticked.append(group->childAtIndex(0));
+    expected.push_back(group->childAtIndex(0));
+    EXPECT_EQ(ticked.entries(), expected);
+    ticked.remove(group->childAtIndex(0).get());
+    EXPECT_EQ(ticked.size(), expected.size() - 2);
+}
+
+TEST(ResultViews, PutEachGroupIntoOneTypeByItsExtension) {
+    const auto root = newRoot();
+    for (const char* extension : {"PDF", "mkv", "mp3", "zip", "gz", "jpg", "", "APP"}) addGroup(*root, extension, 2);
+    ResultViews views;
+    views.setResult(root);
+    std::string rows;
+    for (std::size_t row = 0; row < resultRows.size(); ++row)
+        rows += std::string(resultRows[row].title) + " " + std::to_string(views.tree(row)->numberOfChildren()) + " " +
+                views.sizeText(row) + "\n";
+    EXPECT_EQ(rows,
+              "All 8 1.60 KB\nDocuments 1 0.20 KB\nVideos 1 0.20 KB\nMusic 1 0.20 KB\nArchives 1 0.20 KB\n"
+              "Pictures 1 0.20 KB\nOthers 3 0.60 KB\n");
+    views.clear();
+    EXPECT_EQ(views.tree(0), nullptr);
+    EXPECT_EQ(views.sizeText(0), "0.0KB");
+    EXPECT_EQ(root->numberOfChildren(), 0U);
+}
+
+TEST(ResultViews, AreTrueAfterARemoval) {
+    struct Case {
+        const char* description;
+        int copies;
+        std::vector<std::size_t> ticked;   // in this order; the last clear one by insisting
+        std::vector<std::size_t> removed;  // in one batch
+        bool stays;
+        const char* group;
+        std::uint64_t size;  // of the row of the type, each copy being 100
+    };
+    const Case cases[] = {
+        {"a group of two loses one copy and is none any more", 2, {0}, {0}, false, "", 0},
+        {"a group of three loses one", 3, {0}, {0}, true, "0 0/2 ..", 200},
+        {"a group of three loses one of two ticked", 3, {0, 1}, {0}, true, "2 1/2 x.", 200},
+        {"the count says whether, not how many", 4, {0, 1, 2}, {0}, true, "2 1/3 xx.", 300},
+        {"a wholly ticked group loses one of two", 2, {0, 1}, {1}, true, "1 1/1 x", 100},
+        {"a wholly ticked group loses both", 2, {0, 1}, {0, 1}, false, "", 0},
+        {"both ticked leaves of three go in one batch", 3, {0, 1}, {0, 1}, false, "", 0},
+    };
+    for (const Case& c : cases) {
+        const auto root = newRoot();
+        const Pointer group = addGroup(*root, "jpg", c.copies);
+        addGroup(*root, "txt", 2, 7);
+        ResultViews views;
+        views.setResult(root);
+        DuplicateSelection selection;
+        for (const std::size_t leaf : c.ticked)
+            if (selection.clickLeaf(group->childAtIndex(leaf)) == LeafClick::Question)
+                selection.tickLast(group->childAtIndex(leaf));
+        std::vector<Pointer> removed;
+        for (const std::size_t leaf : c.removed) removed.push_back(group->childAtIndex(leaf));
+        views.removeLeaves(removed);
+        EXPECT_EQ(views.tree(0)->numberOfChildren(), c.stays ? 2U : 1U) << c.description;
+        EXPECT_EQ(views.tree(5)->numberOfChildren(), c.stays ? 1U : 0U) << c.description;
+        EXPECT_EQ(c.stays ? seen(*group) : "", c.group) << c.description;
+        EXPECT_EQ(views.size(5), c.size) << c.description;
+        EXPECT_EQ(views.size(0), c.size + 14) << c.description;
+    }
+}
+
+// A real group of files, as the search would have seen them.
+class RemovalPlanTest : public ::testing::Test {
+protected:
+    void build(const std::vector<std::string>& names) {
+        const Pointer group = addGroup(*root, "txt", 0);
+        for (const std::string& name : names) {
+            if (name.ends_with("link")) tree.hardLink(names.front(), name);
+            else tree.write(name, "the same");
+        }
+        for (const std::string& name : names) {
+            auto data = SimpleNodeData::leafDataWithName(tree.at(name));
+            data->setIdentity(
+                EntryIdentity::of(*files.attributes(FileSystem::noParent, tree.at(name).c_str(), Links::Keep)));
+            group->insertChild(SimpleTreeNode::treeNodeWithData(std::move(data)), group->numberOfChildren());
+        }
+    }
+    Pointer leaf(std::size_t index) const { return root->firstChild()->childAtIndex(index); }
+    bool remove(const std::string& name) const { return unlink(tree.at(name).c_str()) == 0; }
+
+    /// Runs the plan as the removing thread does: "-" for what went, else the objection.
+    std::vector<std::string> run() {
+        RemovalPlan plan(selection.allSelectNumArr().entries());
+        std::vector<std::string> results;
+        for (std::size_t i = 0; i < plan.size(); ++i) {
+            const auto objection = plan.objection(i, files);
+            results.push_back(objection.value_or("-"));
+            if (objection || unlink(plan.path(i).c_str()) != 0) continue;
+            plan.removed(i, files);
+        }
+        return results;
+    }
+    using Results = std::vector<std::string>;
+
+    TestTree tree;
+    LinuxFileSystem files;
+    std::shared_ptr<SimpleTreeNode> root = newRoot();
+    DuplicateSelection selection;
+};
+
+TEST_F(RemovalPlanTest, RefusesWhatChangedAndWhatIsGone) {
+    build({"a", "b", "c", "d"});
+    selection.clickGroup(*root->firstChild());
+    ASSERT_TRUE(tree.write("a", "written since"));
+    ASSERT_TRUE(remove("b"));
+    EXPECT_EQ(run(), (Results{"changed since the scan", "is gone already", "-"}));
+}
+
+TEST_F(RemovalPlanTest, LeavesOneVerifiedCopyOfAGroupThatIsNotWhollyTicked) {
+    build({"a", "b", "c"});
+    selection.clickGroup(*root->firstChild());
+    ASSERT_TRUE(tree.write("c", "the copy that was to stay is another file now"));
+    EXPECT_EQ(run(), (Results{"-", "no other verified copy is left"}));
+}
+
+// Each leaf ticked by a way that asks nothing: the person never agreed to lose every copy.
+TEST_F(RemovalPlanTest, LeavesOneCopyWhereNobodyWasAsked) {
+    build({"a", "b"});
+    ASSERT_EQ(selection.clickLeaf(leaf(1)), LeafClick::Ticked);
+    selection.setAll(*root, true);
+    EXPECT_EQ(run(), (Results{"-", "no other verified copy is left"}));
+}
+
+TEST_F(RemovalPlanTest, RemovesAllCopiesOfAWhollyTickedGroup) {
+    build({"a", "b"});
+    ASSERT_EQ(selection.clickLeaf(leaf(0)), LeafClick::Ticked);
+    selection.tickLast(leaf(1));
+    EXPECT_EQ(run(), (Results{"-", "-"}));
+}
+
+TEST_F(RemovalPlanTest, HardLinksOfOneFileDoNotCountAsChangedByOurOwnRemoval) {
+    build({"a", "first link", "second link", "b"});
+    selection.clickGroup(*root->firstChild());
+    EXPECT_EQ(run(), (Results{"-", "-", "-"}));
+}
+
+}  // namespace
+}  // namespace orrinvale
