@@ -103,11 +103,12 @@ void drawGauge(QPainter& painter, const QRectF& rectangle, int percent, bool war
     const auto color = [scheme](Color role) { return Theme::color(role, scheme); };
     const QRectF square = squareIn(rectangle);
     const double unit = square.width() / 22;
-    painter.setPen(QPen(color(Color::Line), unit));
+    const auto inset = [&](double by) { return square.adjusted(by * unit, by * unit, -by * unit, -by * unit); };
+    painter.setPen(Qt::NoPen);
     painter.setBrush(color(Color::Surface));
-    painter.drawEllipse(square.adjusted(unit, unit, -unit, -unit));
+    painter.drawEllipse(inset(0.5));
 
-    const QRectF ring = square.adjusted(4.5 * unit, 4.5 * unit, -4.5 * unit, -4.5 * unit);
+    const QRectF ring = inset(3.5);
     const QColor fill = color(warning ? Color::Danger : Color::Accent);
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(color(Color::Line), 3 * unit));
