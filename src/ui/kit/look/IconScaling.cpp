@@ -29,8 +29,10 @@ ImageObject onCanvas(const ImageObject& image, QPointF corner, double whiteHeigh
     canvas.fill(Qt::transparent);
     QPainter painter(&canvas);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    if (whiteHeight > 0)
-        painter.fillRect(QRectF(0, menuSize.height() - whiteHeight, menuSize.width(), whiteHeight), Qt::white);
+    if (whiteHeight > 0) {
+        const double white = std::min(whiteHeight, menuSize.height());
+        painter.fillRect(QRectF(0, menuSize.height() - white, menuSize.width(), white), Qt::white);
+    }
     const double top = menuSize.height() - corner.y() - image.size.height();
     painter.drawImage(QRectF(QPointF(corner.x(), top), image.size), image.rendered(scale));
     painter.end();
@@ -41,20 +43,22 @@ ImageObject onCanvas(const ImageObject& image, QPointF corner, double whiteHeigh
 
 ImageObject::ImageObject(QImage pixels) : image(std::move(pixels)), size(image.deviceIndependentSize()) {}
 
+// QImage::scaled averages over all pixels that fall together; a painter would look at four and make icons of 512 jagged.
 QImage ImageObject::rendered(qreal scale) const {
     const QSize pixels = (size * scale).toSize();
     if (isNull() || pixels.isEmpty()) return {};
+    const QSize wanted = scalesWhenResized ? pixels : (image.deviceIndependentSize() * scale).toSize();
+    QImage scaled = image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    if (scaled.size() != wanted) scaled = scaled.scaled(wanted, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    scaled.setDevicePixelRatio(1);
     QImage result(pixels, QImage::Format_ARGB32_Premultiplied);
-    result.setDevicePixelRatio(scale);
     result.fill(Qt::transparent);
     QPainter painter(&result);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    const QSizeF own = image.deviceIndependentSize();
-    const QRectF place = scalesWhenResized ? QRectF(QPointF(0, 0), size)
-                                           : QRectF(QPointF(0, size.height() - own.height()), own);
-    painter.drawImage(place, image);
+    painter.drawImage(0, pixels.height() - scaled.height(), scaled);
     painter.end();
-    return flipped ? result.mirrored(false, true) : result;
+    if (flipped) result = result.mirrored(false, true);
+    result.setDevicePixelRatio(scale);
+    return result;
 }
 
 // With w and h the image's size in whole points:

@@ -2,13 +2,16 @@
 #include "ui/kit/look/Theme.h"
 
 #include <QApplication>
+#include <QDBusConnection>
 #include <QFontDatabase>
 #include <QStyleFactory>
 #include <QToolTip>
 #include <QWidget>
 #include <array>
 #include <cstddef>
-#include <optional>
+#include <utility>
+
+#include "ui/kit/look/DesktopAppearance.h"
 
 namespace orrinvale {
 namespace {
@@ -47,10 +50,8 @@ constexpr std::array<Pair, colorCount> colors{{
     {0x38101C22, 0x8C000000},  // Shadow
 }};
 
-// What the desktop showed before this program's palette covered it.
-std::optional<Theme::Scheme>& coveredScheme() {
-    static std::optional<Theme::Scheme> scheme;
-    return scheme;
+Theme::Scheme schemeOf(const QPalette& palette) {
+    return palette.color(QPalette::Window).lightness() < 128 ? Theme::Scheme::Dark : Theme::Scheme::Light;
 }
 
 // With a larger step goes a cut of the letters made for it.
@@ -87,10 +88,14 @@ Theme& Theme::shared() {
 }
 
 void Theme::install(QApplication& application) {
-    if (!coveredScheme()) coveredScheme() = desktopScheme();
+    if (!m_installed) {
+        m_coveredScheme = schemeOf(QGuiApplication::palette());
+        m_appearance = new DesktopAppearance(QDBusConnection::sessionBus(), &application);
+        connect(m_appearance, &DesktopAppearance::changed, this, [this] { setScheme(desktopScheme()); });
+    }
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    m_scheme = desktopScheme();
     m_installed = true;
+    m_scheme = desktopScheme();
     application.setFont(font(Text::Body));
     QToolTip::setFont(font(Text::Caption));
     apply();
@@ -100,8 +105,10 @@ Theme::Scheme Theme::desktopScheme() {
     const QByteArray wanted = qgetenv("ORRINVALE_THEME").toLower();
     if (wanted == "light") return Scheme::Light;
     if (wanted == "dark") return Scheme::Dark;
-    if (coveredScheme()) return *coveredScheme();
-    return QGuiApplication::palette().color(QPalette::Window).lightness() < 128 ? Scheme::Dark : Scheme::Light;
+    const Theme& theme = shared();
+    if (!theme.m_installed) return schemeOf(QGuiApplication::palette());
+    if (theme.m_appearance && theme.m_appearance->scheme()) return *theme.m_appearance->scheme();
+    return theme.m_coveredScheme;
 }
 
 void Theme::setScheme(Scheme scheme) {

@@ -5,10 +5,13 @@
 #include <QFont>
 #include <QObject>
 #include <QPalette>
+#include <QPointer>
 
 class QApplication;
 
 namespace orrinvale {
+
+class DesktopAppearance;
 
 /// Main thread only. One instance a process; changed() tells windows to draw anew.
 class Theme final : public QObject {
@@ -53,11 +56,12 @@ public:
 
     [[nodiscard]] static Theme& shared();
 
-    /// Fusion, this palette and this type for the whole program. Call once, before the first window.
+    /// Fusion, this palette and this type for the whole program, in the scheme of the desktop, which is followed from then
+    /// on. Call before the first window.
     void install(QApplication& application);
 
-    /// The scheme that the desktop asks for: ORRINVALE_THEME=light|dark if set, else the desktop's palette, as it was
-    /// before install() covered it.
+    /// The scheme that the desktop asks for: ORRINVALE_THEME=light|dark if set, else what its settings service prefers,
+    /// else as light or dark as its palette was before install() covered it. Before install() only the palette is asked.
     [[nodiscard]] static Scheme desktopScheme();
 
     [[nodiscard]] Scheme scheme() const { return m_scheme; }
@@ -79,6 +83,8 @@ private:
     void apply() const;
 
     Scheme m_scheme = Scheme::Light;
+    Scheme m_coveredScheme = Scheme::Light;    // what the desktop showed before our palette covered it
+    QPointer<DesktopAppearance> m_appearance;  // owned by the application
     bool m_installed = false;
 };
 
