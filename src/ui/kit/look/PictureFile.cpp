@@ -55,7 +55,7 @@ QSvgRenderer* renderer(const QString& name, Theme::Scheme scheme) {
     auto made = std::make_shared<QSvgRenderer>(PictureFile::colored(text, scheme));
     const bool stretch = text.contains("preserveAspectRatio=\"none\"");
     made->setAspectRatioMode(stretch ? Qt::IgnoreAspectRatio : Qt::KeepAspectRatio);
-    return loaded.insert(key, std::move(made))->get();
+    return loaded.insert(key, made)->get();
 }
 
 }  // namespace

@@ -56,10 +56,10 @@ Theme::Scheme schemeOf(const QPalette& palette) {
 
 // With a larger step goes a cut of the letters made for it.
 QString family(bool large) {
-    const QString display = QStringLiteral("Inter Display");
-    const QString text = QStringLiteral("Inter");
-    if (large && QFontDatabase::hasFamily(display)) return display;
-    if (QFontDatabase::hasFamily(text)) return text;
+    QStringList wished{QStringLiteral("Inter")};
+    if (large) wished.prepend(QStringLiteral("Inter Display"));
+    for (const QString& name : wished)
+        if (QFontDatabase::hasFamily(name)) return name;
     return QFontDatabase::systemFont(QFontDatabase::GeneralFont).family();
 }
 
@@ -96,7 +96,7 @@ void Theme::install(QApplication& application) {
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     m_installed = true;
     m_scheme = desktopScheme();
-    application.setFont(font(Text::Body));
+    QApplication::setFont(font(Text::Body));
     QToolTip::setFont(font(Text::Caption));
     apply();
 }
