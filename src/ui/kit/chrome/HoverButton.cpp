@@ -56,7 +56,8 @@ void HoverButton::paintEvent(QPaintEvent*) {
     QRect place(QPoint(), contentSize());
     place.moveCenter(rect().center());
     if (!icon().isNull()) {
-        icon().paint(&painter, QRect(place.x(), (height() - iconSize().height()) / 2, iconSize().width(), iconSize().height()),
+        icon().paint(&painter,
+                     QRect(place.x(), (height() - iconSize().height()) / 2, iconSize().width(), iconSize().height()),
                      Qt::AlignCenter, isEnabled() ? QIcon::Normal : QIcon::Disabled);
         place.setLeft(place.left() + iconSize().width() + iconGap);
     }

@@ -13,7 +13,9 @@ namespace {
 // Corners reach further along both edges than the edges are thick: a point is hard to hit.
 constexpr int cornerInside = 10;
 
-bool isCorner(Qt::Edges edges) { return (edges & (Qt::LeftEdge | Qt::RightEdge)) && (edges & (Qt::TopEdge | Qt::BottomEdge)); }
+bool isCorner(Qt::Edges edges) {
+    return (edges & (Qt::LeftEdge | Qt::RightEdge)) && (edges & (Qt::TopEdge | Qt::BottomEdge));
+}
 
 Qt::CursorShape cursorFor(Qt::Edges edges) {
     if (edges == (Qt::LeftEdge | Qt::TopEdge) || edges == (Qt::RightEdge | Qt::BottomEdge)) return Qt::SizeFDiagCursor;
@@ -35,7 +37,8 @@ Span spanOf(bool isLow, bool isHigh, Span frame, int outside, int inside) {
 
 }  // namespace
 
-ResizeGrip::ResizeGrip(Qt::Edges edges, WindowDrag& drag, QWidget* window) : QWidget(window), m_edges(edges), m_drag(drag) {
+ResizeGrip::ResizeGrip(Qt::Edges edges, WindowDrag& drag, QWidget* window)
+    : QWidget(window), m_edges(edges), m_drag(drag) {
     setCursor(cursorFor(edges));
     setFocusPolicy(Qt::NoFocus);
     setAttribute(Qt::WA_NoSystemBackground);

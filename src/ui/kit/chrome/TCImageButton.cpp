@@ -23,8 +23,8 @@ QIcon pictureIfKnown(const QString& name) { return pictureNames().contains(name)
 }  // namespace
 
 ButtonPictures ButtonPictures::named(const QString& name) {
-    return {picture(name), pictureIfKnown(name + QLatin1String("_hover")), pictureIfKnown(name + QLatin1String("_press")),
-            pictureIfKnown(name + QLatin1String("_disable"))};
+    return {picture(name), pictureIfKnown(name + QLatin1String("_hover")),
+            pictureIfKnown(name + QLatin1String("_press")), pictureIfKnown(name + QLatin1String("_disable"))};
 }
 
 const QIcon& ButtonPictures::forLook(ButtonLook look) const {

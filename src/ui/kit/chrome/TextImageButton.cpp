@@ -88,9 +88,9 @@ void TextImageButton::drawBackground(QPainter& painter) const {
 
 void TextImageButton::drawContents(QPainter& painter) const {
     const bool isOnColour = m_role != Role::Plain && isEnabled();
-    painter.setPen(Theme::shared().color(!isEnabled()   ? Color::TextDisabled
-                                         : isOnColour   ? Color::TextOnAccent
-                                                        : Color::Text));
+    painter.setPen(Theme::shared().color(!isEnabled() ? Color::TextDisabled
+                                         : isOnColour ? Color::TextOnAccent
+                                                      : Color::Text));
     const int room = width() - widthAround(0);
     const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, std::max(room, 0), Qt::TextShowMnemonic);
     const int textWidth = fontMetrics().size(Qt::TextShowMnemonic, shown).width();

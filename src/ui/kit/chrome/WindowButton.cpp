@@ -1,5 +1,5 @@
-// WindowButton: see WindowButton.h. The signs are lines, sharp at every scale, and always there: a sign that comes only under
-// the pointer leaves three unlabelled dots.
+// WindowButton: see WindowButton.h. The signs are always there: ones that come only under the pointer leave three dots without
+// a label.
 #include "ui/kit/chrome/WindowButton.h"
 
 #include <QFocusEvent>
@@ -8,14 +8,10 @@
 
 #include <utility>
 
-#include "engine/text/Localized.h"
-#include "ui/kit/look/Theme.h"
+#include "ui/kit/chrome/TCImageButton.h"
 
 namespace orrinvale {
 namespace {
-
-constexpr qreal discRadius = 11;
-constexpr qreal signRadius = 4;
 
 QString nameOf(WindowButton::Kind kind, bool restores) {
     switch (kind) {
@@ -24,6 +20,15 @@ QString nameOf(WindowButton::Kind kind, bool restores) {
         case WindowButton::Kind::Zoom: break;
     }
     return restores ? QStringLiteral("Restore") : QStringLiteral("Zoom");
+}
+
+ButtonPictures picturesOf(WindowButton::Kind kind, bool restores) {
+    switch (kind) {
+        case WindowButton::Kind::Close: return ButtonPictures::named(QStringLiteral("window_close"));
+        case WindowButton::Kind::Miniaturize: return ButtonPictures::named(QStringLiteral("window_minimise"));
+        case WindowButton::Kind::Zoom: break;
+    }
+    return ButtonPictures::named(restores ? QStringLiteral("window_restore") : QStringLiteral("window_zoom"));
 }
 
 }  // namespace
@@ -45,53 +50,18 @@ void WindowButton::perform() const {
 }
 
 void WindowButton::setRestores(bool restores) {
-    m_restores = restores;
+    m_pictures = picturesOf(m_kind, restores);
     setToolTip(nameOf(m_kind, restores));
     setAccessibleName(nameOf(m_kind, restores));
     update();
 }
 
-void WindowButton::drawGlyph(QPainter& painter) const {
-    const qreal r = signRadius;
-    switch (m_kind) {
-        case Kind::Close:
-            painter.drawLine(QPointF(-r, -r), QPointF(r, r));
-            painter.drawLine(QPointF(-r, r), QPointF(r, -r));
-            break;
-        case Kind::Miniaturize: painter.drawLine(QPointF(-r - 0.5, 0.5), QPointF(r + 0.5, 0.5)); break;
-        case Kind::Zoom:
-            if (!m_restores) {
-                painter.drawRoundedRect(QRectF(-r, -r, 2 * r, 2 * r), 1.5, 1.5);
-                break;
-            }
-            painter.drawRoundedRect(QRectF(-r, -r + 2, 2 * r - 2, 2 * r - 2), 1.5, 1.5);
-            painter.drawPolyline(QPolygonF({{-r + 2, -r}, {r, -r}, {r, r - 2}}));
-    }
-}
-
 void WindowButton::paintEvent(QPaintEvent*) {
-    const Theme& theme = Theme::shared();
     const ButtonLook look = buttonLook(*this);
-    const bool isMarked = look == ButtonLook::Hover || look == ButtonLook::Pressed;
-    const bool endsWindow = m_kind == Kind::Close;
+    // In a window behind others the signs step back, until the pointer comes.
+    const bool isBehind = look == ButtonLook::Normal && !isActiveWindow();
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.translate(QRectF(rect()).center());
-    if (isMarked) {
-        const auto role = look == ButtonLook::Pressed ? (endsWindow ? Theme::Color::DangerPressed : Theme::Color::Pressed)
-                                                      : (endsWindow ? Theme::Color::Danger : Theme::Color::Hover);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(theme.color(role));
-        painter.drawEllipse(QPointF(), discRadius, discRadius);
-    }
-    const auto sign = look == ButtonLook::Disabled || !isActiveWindow() ? Theme::Color::TextDisabled
-                      : isMarked && endsWindow                          ? Theme::Color::TextOnAccent
-                      : isMarked                                        ? Theme::Color::Text
-                                                                        : Theme::Color::TextSecondary;
-    painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(theme.color(sign), 1.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    drawGlyph(painter);
-    painter.resetTransform();
+    m_pictures.forLook(isBehind ? ButtonLook::Disabled : look).paint(&painter, rect());
     if (m_keyboardFocus.isShown(*this)) drawFocusRing(painter, QRectF(rect()), side / 2.0 - 1);
 }
 

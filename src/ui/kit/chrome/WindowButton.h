@@ -5,6 +5,7 @@
 
 #include <functional>
 
+#include "ui/kit/chrome/TCImageButton.h"
 #include "ui/kit/chrome/buttonLook.h"
 
 namespace orrinvale {
@@ -16,7 +17,7 @@ public:
     /// The order from the left, and the numbers of TCImageWindow::standardWindowButton().
     enum class Kind { Close, Miniaturize, Zoom };
 
-    /// The whole of it takes clicks; the disc that shows is a little smaller.
+    /// In points; the whole of it takes clicks, the disc that shows is a little smaller.
     static constexpr int side = 28;
 
     WindowButton(Kind kind, QWidget* parent);
@@ -37,10 +38,8 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    void drawGlyph(QPainter& painter) const;
-
     const Kind m_kind;
-    bool m_restores = false;
+    ButtonPictures m_pictures;
     std::function<void()> m_action;
     KeyboardFocus m_keyboardFocus;
 };

@@ -34,7 +34,9 @@ void WindowDrag::moveTo(QPoint pointer) {
     if (!m_isOurs) return;
     const QPoint delta = pointer - m_startPointer;
     if (!m_edges) m_window.move(m_startGeometry.topLeft() + delta);
-    else m_window.setGeometry(pulledRect(m_startGeometry, m_edges, delta, m_window.minimumSize(), m_window.maximumSize()));
+    else
+        m_window.setGeometry(
+            pulledRect(m_startGeometry, m_edges, delta, m_window.minimumSize(), m_window.maximumSize()));
 }
 
 }  // namespace orrinvale

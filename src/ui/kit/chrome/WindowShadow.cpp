@@ -62,8 +62,10 @@ void drawStretched(QPainter& painter, const QRectF& target, const QPixmap& pictu
     const std::array down{target.top(), target.top() + corner, target.bottom() - corner, target.bottom()};
     for (std::size_t row = 0; row < 3; ++row)
         for (std::size_t column = 0; column < 3; ++column)
-            painter.drawPixmap(QRectF(QPointF(across.at(column), down.at(row)), QPointF(across.at(column + 1), down.at(row + 1))),
-                               picture, QRectF(QPointF(from.at(column), from.at(row)), QPointF(from.at(column + 1), from.at(row + 1))));
+            painter.drawPixmap(
+                QRectF(QPointF(across.at(column), down.at(row)), QPointF(across.at(column + 1), down.at(row + 1))),
+                picture,
+                QRectF(QPointF(from.at(column), from.at(row)), QPointF(from.at(column + 1), from.at(row + 1))));
 }
 
 }  // namespace
@@ -72,13 +74,13 @@ void drawWindowShadow(QPainter& painter, const QRectF& frame, bool isActive) {
     const Theme& theme = Theme::shared();
     const bool isDark = theme.scheme() == Theme::Scheme::Dark;
     const qreal scale = painter.device()->devicePixelRatio();
-    const double strength = (isDark ? 0.6 : 0.32) * (isActive ? 1.0 : 0.6);
     QColor color = theme.color(Theme::Color::Shadow);
-    color.setAlpha(255);
+    const double strength = static_cast<double>(color.alphaF()) * (isActive ? 1.0 : 0.6);
     painter.save();
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform, true);
     const double margin = shadowMargin;
-    drawStretched(painter, frame.adjusted(-margin, -margin, margin, margin), shadowPicture(scale, color, strength), scale);
+    drawStretched(painter, frame.adjusted(-margin, -margin, margin, margin), shadowPicture(scale, color, strength),
+                  scale);
     // Without a line a light window would melt into a light one behind it, and a dark one into the dark.
     QColor line = isDark ? QColor(255, 255, 255, 40) : QColor(0, 0, 0, 40);
     painter.setPen(QPen(line, 1));

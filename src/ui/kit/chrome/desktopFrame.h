@@ -22,9 +22,9 @@ struct DesktopFacts {
 };
 
 enum class FrameKind {
-    Own,           ///< title bar, buttons, rounded corners and shadow of our own
+    Own,              ///< title bar, buttons, rounded corners and shadow of our own
     OwnWithoutAlpha,  ///< the same with square corners and a hairline, as nobody blends the pixels
-    System         ///< the window manager's frame around our title bar, which then has no buttons
+    System            ///< the window manager's frame around our title bar, which then has no buttons
 };
 
 /// The user's wish comes first. A window manager that can not move windows on request would leave a frameless window without

@@ -21,8 +21,7 @@ namespace {
 struct Free {
     void operator()(void* memory) const { std::free(memory); }
 };
-template <typename Reply>
-using ReplyPointer = std::unique_ptr<Reply, Free>;
+template <typename Reply> using ReplyPointer = std::unique_ptr<Reply, Free>;
 
 xcb_connection_t* connection() {
     const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
