@@ -14,9 +14,9 @@
 namespace orrinvale {
 namespace {
 
-constexpr qreal faint = 0.4;
-// Between the picture and the ring of focus or of a drop.
+// Between the picture and the ring of focus or of a drop, and the ring's rounding, which goes along with the pictures'.
 constexpr int ringMargin = Theme::gapSmall - 2;
+constexpr qreal ringRadius = 22;
 
 }  // namespace
 
@@ -74,8 +74,8 @@ QPixmap AnimationHoverImageView::pixmapFor(ButtonLook look) const {
     out.setDevicePixelRatio(scale);
     out.fill(Qt::transparent);
     QPainter painter(&out);
-    if (look == ButtonLook::Disabled) painter.setOpacity(faint);
-    icon.paint(&painter, QRect(QPoint(), iconSize()));
+    drawPicture(painter, icon, QRect(QPoint(), iconSize()),
+                look == ButtonLook::Disabled ? faintPicture : PictureTint());
     return out;
 }
 
@@ -118,11 +118,10 @@ void AnimationHoverImageView::paintEvent(QPaintEvent*) {
     place.moveCenter(rect().center());
     painter.drawPixmap(place, shownPixmap());
     if (m_isDropTarget) {
-        QPen pen(Theme::shared().color(Theme::Color::Accent), 2, Qt::DashLine);
-        painter.setPen(pen);
-        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), Theme::radius, Theme::radius);
+        painter.setPen(QPen(Theme::shared().color(Theme::Color::Accent), 3));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(1.5, 1.5, -1.5, -1.5), ringRadius, ringRadius);
     } else if (m_keyboardFocus.isShown(*this)) {
-        drawFocusRing(painter, QRectF(rect()), Theme::radius);
+        drawFocusRing(painter, QRectF(rect()), ringRadius);
     }
 }
 

@@ -56,9 +56,9 @@ void HoverButton::paintEvent(QPaintEvent*) {
     QRect place(QPoint(), contentSize());
     place.moveCenter(rect().center());
     if (!icon().isNull()) {
-        icon().paint(&painter,
-                     QRect(place.x(), (height() - iconSize().height()) / 2, iconSize().width(), iconSize().height()),
-                     Qt::AlignCenter, isEnabled() ? QIcon::Normal : QIcon::Disabled);
+        drawPicture(painter, icon(),
+                    QRect(place.x(), (height() - iconSize().height()) / 2, iconSize().width(), iconSize().height()),
+                    isEnabled() ? PictureTint() : faintPicture);
         place.setLeft(place.left() + iconSize().width() + iconGap);
     }
     painter.setPen(Theme::shared().color(isEnabled() ? Theme::Color::Text : Theme::Color::TextDisabled));

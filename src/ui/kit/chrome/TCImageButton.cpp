@@ -16,7 +16,6 @@ namespace {
 
 // Room around the picture for the tint and the focus ring.
 constexpr int padding = Theme::gapTiny;
-constexpr qreal faint = 0.4;
 
 QIcon pictureIfKnown(const QString& name) { return pictureNames().contains(name) ? picture(name) : QIcon(); }
 
@@ -81,11 +80,10 @@ void TCImageButton::paintEvent(QPaintEvent*) {
     if (look == ButtonLook::Pressed && !isOwnPicture) tint(Theme::Color::Pressed);
     else if (isOnByTint) tint(Theme::Color::Selection);
     else if (look == ButtonLook::Hover && !isOwnPicture) tint(Theme::Color::Hover);
-    if (look == ButtonLook::Disabled && !isOwnPicture) painter.setOpacity(faint);
     QRect place(QPoint(), iconSize());
     place.moveCenter(rect().center());
-    icon.paint(&painter, place);
-    painter.setOpacity(1);
+    const bool isFaint = look == ButtonLook::Disabled && !isOwnPicture;
+    drawPicture(painter, icon, place, isFaint ? faintPicture : PictureTint());
     if (m_keyboardFocus.isShown(*this)) drawFocusRing(painter, QRectF(rect()), Theme::radiusSmall + 2);
 }
 

@@ -97,7 +97,10 @@ void TextImageButton::drawContents(QPainter& painter) const {
     int x = (width() - widthAround(textWidth)) / 2 + Theme::gapLarge + ringMargin;
     if (!icon().isNull()) {
         const QRect place(QPoint(x, (height() - iconSize().height()) / 2), iconSize());
-        icon().paint(&painter, place, Qt::AlignCenter, isEnabled() ? QIcon::Normal : QIcon::Disabled);
+        drawPicture(painter, icon(), place,
+                    isOnColour    ? PictureTint{1, painter.pen().color()}
+                    : isEnabled() ? PictureTint()
+                                  : faintPicture);
         x += iconSize().width() + iconGap;
     }
     const bool underlines = style()->styleHint(QStyle::SH_UnderlineShortcut, nullptr, this) != 0;

@@ -3,8 +3,10 @@
 
 #include <QAbstractButton>
 #include <QFocusEvent>
+#include <QIcon>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QPixmap>
 
 #include "ui/kit/look/Theme.h"
 
@@ -31,6 +33,22 @@ void drawFocusRing(QPainter& painter, const QRectF& rect, qreal radius) {
     painter.setPen(QPen(Theme::shared().color(Theme::Color::FocusRing), width));
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(rect.adjusted(width / 2, width / 2, -width / 2, -width / 2), radius, radius);
+    painter.restore();
+}
+
+void drawPicture(QPainter& painter, const QIcon& icon, const QRect& place, const PictureTint& tint) {
+    const qreal scale = painter.device()->devicePixelRatio();
+    QPixmap drawn(place.size() * scale);
+    drawn.setDevicePixelRatio(scale);
+    drawn.fill(Qt::transparent);
+    QPainter onto(&drawn);
+    icon.paint(&onto, QRect(QPoint(), place.size()));
+    onto.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    if (tint.color.isValid()) onto.fillRect(QRect(QPoint(), place.size()), tint.color);
+    onto.end();
+    painter.save();
+    painter.setOpacity(painter.opacity() * tint.opacity);
+    painter.drawPixmap(place.topLeft(), drawn);
     painter.restore();
 }
 
