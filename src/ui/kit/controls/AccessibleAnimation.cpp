@@ -10,7 +10,8 @@ namespace {
 
 class AccessibleAnimation final : public QAccessibleWidget, public QAccessibleValueInterface {
 public:
-    explicit AccessibleAnimation(Animation& strip) : QAccessibleWidget(&strip, QAccessible::ProgressBar), m_strip(strip) {}
+    explicit AccessibleAnimation(Animation& strip)
+        : QAccessibleWidget(&strip, QAccessible::ProgressBar), m_strip(strip) {}
 
     void* interface_cast(QAccessible::InterfaceType type) override {
         if (type == QAccessible::ValueInterface) return static_cast<QAccessibleValueInterface*>(this);

@@ -1,7 +1,6 @@
 // Animation: see Animation.h. Three ways to place the strip, each with the arithmetic that its pages count on.
 #include "ui/kit/controls/Animation.h"
 
-#include <QAbstractButton>
 #include <QAccessible>
 #include <QPainter>
 #include <QPainterPath>
@@ -10,6 +9,7 @@
 #include <chrono>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "engine/base/NotificationCenter.h"
 #include "ui/kit/controls/AccessibleAnimation.h"
@@ -126,8 +126,9 @@ void Animation::minishPrograss() {
 
 void Animation::initZeroPrograss() { placeStrip(-stripWidth()); }
 
-void Animation::startUnlockAnimation(QAbstractButton* button) {
+void Animation::startBlinking(QObject* button, std::function<void(const QString& name)> show) {
     m_unlockButton = button;
+    m_showUnlockImage = std::move(show);
     m_isUnlockLit = false;
     m_unlockTimer.start(blinkInterval);
 }
@@ -138,13 +139,7 @@ void Animation::changeUnlockImage() {
         return;
     }
     m_isUnlockLit = !m_isUnlockLit;
-    m_unlockButton->setIcon(picture(m_isUnlockLit ? QStringLiteral("Lock_1.png") : QStringLiteral("Lock.png")));
-}
-
-void Animation::stopUnlockAnimation(QAbstractButton* button) {
-    m_unlockTimer.stop();
-    m_unlockButton = nullptr;
-    if (button != nullptr) button->setIcon(picture(QStringLiteral("Lock.png")));
+    m_showUnlockImage(m_isUnlockLit ? QStringLiteral("Lock_1.png") : QStringLiteral("Lock.png"));
 }
 
 int Animation::shownPercent() const {

@@ -8,8 +8,9 @@
 #include <QWidget>
 
 #include <cstdint>
+#include <functional>
 
-class QAbstractButton;
+#include "ui/kit/look/picture.h"
 
 namespace orrinvale {
 
@@ -82,10 +83,16 @@ public:
     void minishPrograss();
     void initZeroPrograss();
 
-    /// Lets the padlock blink by its icon until stopUnlockAnimation(), which leaves it closed. The button may die meanwhile.
-    void startUnlockAnimation(QAbstractButton* button);
+    /// Lets the padlock blink until stopUnlockAnimation(), which leaves it closed. The button may die meanwhile. It shows a
+    /// picture by setImage(name) when it has that, and otherwise by its icon.
+    template <class Button> void startUnlockAnimation(Button* button) {
+        startBlinking(button, [button](const QString& name) { showImage(*button, name); });
+    }
+    template <class Button> void stopUnlockAnimation(Button* button) {
+        m_unlockTimer.stop();
+        if (button != nullptr) showImage(*button, QStringLiteral("Lock.png"));
+    }
     void changeUnlockImage();
-    void stopUnlockAnimation(QAbstractButton* button);
 
     /// What of the strip is to be seen, 0 to 100.
     [[nodiscard]] int shownPercent() const;
@@ -99,6 +106,12 @@ protected:
 private:
     using Tick = void (Animation::*)();
 
+    template <class Button> static void showImage(Button& button, const QString& name) {
+        if constexpr (requires { button.setImage(name); }) button.setImage(name);
+        else button.setIcon(picture(name));
+    }
+
+    void startBlinking(QObject* button, std::function<void(const QString& name)> show);
     void startTimer(Tick tick);
     [[nodiscard]] int stripWidth() const;
     void placeStrip(double offset);
@@ -115,7 +128,8 @@ private:
     ImageView m_bottomView, m_prograssView, m_styleView;
     QTimer m_timer, m_unlockTimer;
     Tick m_tick = &Animation::updateprograss;
-    QPointer<QAbstractButton> m_unlockButton;
+    QPointer<QObject> m_unlockButton;
+    std::function<void(const QString& name)> m_showUnlockImage;  // while m_unlockButton lives
     bool m_isUnlockLit = false;
 };
 

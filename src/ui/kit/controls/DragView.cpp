@@ -59,21 +59,21 @@ Qt::DropAction DragView::draggingEntered(Qt::DropActions offered) {
     return offered.testFlag(Qt::LinkAction) ? Qt::LinkAction : Qt::IgnoreAction;
 }
 
-bool DragView::prepareForDragOperation(const QMimeData& data) const { return availableType(data).has_value(); }
+bool DragView::prepareForDragOperation(const QMimeData& dragged) const { return availableType(dragged).has_value(); }
 
-bool DragView::performDragOperation(const QMimeData& data) {
-    const auto type = availableType(data);
+bool DragView::performDragOperation(const QMimeData& dragged) {
+    const auto type = availableType(dragged);
     if (!type) {
         Log::line("Error MyNSView performDragOperation");
         return false;
     }
     if (*type != fileNamesType()) {
-        const bool isPresent = isImagePresent(data, *type);
+        const bool isPresent = isImagePresent(dragged, *type);
         if (isPresent) update();
         else Log::line("Error: MyNSView performDragOperation zPasteboardData == nil");
         return isPresent;
     }
-    const auto folder = folderOf(data);
+    const auto folder = folderOf(dragged);
     if (folder) viewDragAction(*folder);
     return folder.has_value();
 }
@@ -85,16 +85,16 @@ void DragView::viewDragAction(const std::string& path) {
 }
 
 void DragView::dragEnterEvent(QDragEnterEvent* event) {
-    const QMimeData& data = *event->mimeData();
+    const QMimeData& dragged = *event->mimeData();
     const auto action = draggingEntered(event->possibleActions());
-    if (action == Qt::IgnoreAction || !prepareForDragOperation(data)) {
+    if (action == Qt::IgnoreAction || !prepareForDragOperation(dragged)) {
         event->ignore();
         return;
     }
     event->setDropAction(action);
     event->accept();
     // Looked at once, on the way in: a folder on a slow volume must not be asked for with every move of the pointer.
-    setFolderOver(availableType(data) == fileNamesType() && folderOf(data).has_value());
+    setFolderOver(availableType(dragged) == fileNamesType() && folderOf(dragged).has_value());
 }
 
 void DragView::dragMoveEvent(QDragMoveEvent* event) {
@@ -124,7 +124,7 @@ void DragView::paintEvent(QPaintEvent* /*event*/) {
     painter.setRenderHint(QPainter::Antialiasing);
     QColor fill = theme.color(Theme::Color::Accent);
     fill.setAlphaF(m_isFolderOver ? 0.10F : 0.0F);
-    const auto outline = m_isFolderOver ? Theme::Color::Accent : Theme::Color::TextDisabled;
+    const auto outline = m_isFolderOver ? Theme::Color::Accent : Theme::Color::Outline;
     QPen pen(theme.color(outline), m_isFolderOver ? outlineWidth + 0.5 : outlineWidth);
     pen.setCapStyle(Qt::RoundCap);
     if (!m_isFolderOver) pen.setDashPattern({4.0, 4.0});

@@ -38,9 +38,9 @@ public:
 
     /// What the source may be told: to copy, or else to link, and never to move, since it would then remove what it gave.
     [[nodiscard]] static Qt::DropAction draggingEntered(Qt::DropActions offered);
-    [[nodiscard]] bool prepareForDragOperation(const QMimeData& data) const;
+    [[nodiscard]] bool prepareForDragOperation(const QMimeData& dragged) const;
     /// Whether the drop was of use. Only the first path of several counts.
-    [[nodiscard]] bool performDragOperation(const QMimeData& data);
+    [[nodiscard]] bool performDragOperation(const QMimeData& dragged);
     void concludeDragOperation();
 
     /// Hands the path to the delegate.

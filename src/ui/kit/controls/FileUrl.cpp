@@ -18,9 +18,7 @@ int hexValue(char digit) {
 
 char lower(char letter) { return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + 32) : letter; }
 
-bool equalsIgnoringCase(std::string_view a, std::string_view b) {
-    return std::ranges::equal(a, b, {}, lower, lower);
-}
+bool equalsIgnoringCase(std::string_view a, std::string_view b) { return std::ranges::equal(a, b, {}, lower, lower); }
 
 // A '%' that no two digits follow stands for itself.
 std::string percentDecoded(std::string_view text) {

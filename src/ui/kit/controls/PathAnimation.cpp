@@ -31,11 +31,14 @@ PathAnimation::PathAnimation(QWidget& page, QObject* parent)
     m_flight.setEndValue(1.0);
     m_flight.setDuration(flightTime);
     m_flight.setEasingCurve(QEasingCurve::InOutQuad);
-    connect(&m_flight, &QVariantAnimation::valueChanged, this, [this](const QVariant& share) { moveTo(share.toReal()); });
+    connect(&m_flight, &QVariantAnimation::valueChanged, this,
+            [this](const QVariant& share) { moveTo(share.toReal()); });
     connect(&m_flight, &QVariantAnimation::finished, this, &PathAnimation::animationDidStop);
 }
 
 PathAnimation::~PathAnimation() { delete m_animatedIconView.data(); }
+
+QLabel* PathAnimation::animatedIconView() const { return m_animatedIconView; }
 
 void PathAnimation::fly(const QPixmap& image, const QRect& start, const QWidget* endButton) {
     if (m_isFly) {

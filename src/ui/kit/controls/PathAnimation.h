@@ -36,7 +36,7 @@ public:
 
     [[nodiscard]] PathAnimationDelegate* delegate() const { return m_delegate; }
     void setDelegate(PathAnimationDelegate* delegate) { m_delegate = delegate; }  ///< not owned
-    [[nodiscard]] QLabel* animatedIconView() const { return m_animatedIconView; }
+    [[nodiscard]] QLabel* animatedIconView() const;
     [[nodiscard]] bool isFly() const { return m_isFly; }
 
     /// Flies from the middle of a rectangle of the page to the middle of a button of the same window. Without a button the

@@ -42,7 +42,7 @@ QRect TickBox::contentRect() const {
 
 void TickBox::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    const TickLook look{isEnabled(), underMouse(), isDown(), hasFocus()};
+    const TickLook look{isEnabled(), underMouse(), isDown(), hasFocus(), false};
     paintTickBox(painter, boxRect(), state(), look);
     if (text().isEmpty()) return;
     const int left = tickBoxSize + 2 * tickBoxHalo + Theme::gapSmall;

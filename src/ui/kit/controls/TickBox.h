@@ -21,7 +21,7 @@ public:
     [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
-    void nextCheckState() override { setState(toggled(state())); }
+    void nextCheckState() override { setState(stateAfterClick(state())); }
     bool hitButton(const QPoint& position) const override { return contentRect().contains(position); }
     void paintEvent(QPaintEvent* event) override;
 

@@ -37,7 +37,8 @@ bool acceptsToggle(const QModelIndex& index) {
 
 }  // namespace
 
-TickBoxDelegate::TickBoxDelegate(int stateRole, QObject* parent) : QStyledItemDelegate(parent), m_stateRole(stateRole) {}
+TickBoxDelegate::TickBoxDelegate(int stateRole, QObject* parent)
+    : QStyledItemDelegate(parent), m_stateRole(stateRole) {}
 
 QRect TickBoxDelegate::boxRect(const QStyleOptionViewItem& option) {
     const int top = option.rect.top() + (option.rect.height() - tickBoxSize) / 2;
@@ -54,10 +55,14 @@ void TickBoxDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
     styleOf(cell).drawPrimitive(QStyle::PE_PanelItemViewItem, &cell, painter, cell.widget);
     const bool isBoxed = hasBox(index);
     if (isBoxed) {
-        const bool isOver = cell.state.testFlag(QStyle::State_MouseOver);
-        const TickLook look{acceptsToggle(index) && cell.state.testFlag(QStyle::State_Enabled), isOver,
-                            isOver && m_pressed == index && QGuiApplication::mouseButtons() != Qt::NoButton,
-                            cell.state.testFlag(QStyle::State_HasFocus)};
+        TickLook look;
+        look.isEnabled = acceptsToggle(index) && cell.state.testFlag(QStyle::State_Enabled);
+        look.isHovered = cell.state.testFlag(QStyle::State_MouseOver);
+        look.isPressed = look.isHovered && m_pressed == index && QGuiApplication::mouseButtons() != Qt::NoButton;
+        look.isFocused = cell.state.testFlag(QStyle::State_HasFocus);
+        look.isOnAccent =
+            cell.state.testFlag(QStyle::State_Selected) &&
+            cell.palette.color(colorGroup(cell), QPalette::Highlight) == Theme::shared().color(Theme::Color::Accent);
         paintTickBox(*painter, boxRect(cell), tickState(index.data(m_stateRole)), look);
     }
     paintLabel(*painter, cell, isBoxed);
@@ -124,7 +129,7 @@ bool TickBoxDelegate::mouseEvent(const QEvent& event, QPoint position, QAbstract
 }
 
 bool TickBoxDelegate::toggle(QAbstractItemModel& model, const QModelIndex& index) const {
-    const TickState next = toggled(tickState(index.data(m_stateRole)));
+    const TickState next = stateAfterClick(tickState(index.data(m_stateRole)));
     model.setData(index, static_cast<int>(next), m_stateRole);
     return true;
 }

@@ -21,8 +21,8 @@ QString desktopValue(const QString& file, const QString& key) {
 // Plasma: how long animations take, relative to the usual; 0 in the settings page's position "instant".
 bool isPlasmaStill() {
     bool isNumber = false;
-    const double factor = desktopValue(QStringLiteral("kdeglobals"), QStringLiteral("KDE/AnimationDurationFactor"))
-                              .toDouble(&isNumber);
+    const double factor =
+        desktopValue(QStringLiteral("kdeglobals"), QStringLiteral("KDE/AnimationDurationFactor")).toDouble(&isNumber);
     return isNumber && factor <= 0.0;
 }
 

@@ -23,17 +23,25 @@ QString pictureOf(TickState state) {
 }
 
 // Of the accent, since the row under the box may itself have the colour of hovering.
-void paintHalo(QPainter& painter, const QRectF& around, bool isPressed) {
-    QColor halo = Theme::shared().color(Theme::Color::Accent);
+void paintHalo(QPainter& painter, const QRectF& around, bool isPressed, bool isOnAccent) {
+    QColor halo = Theme::shared().color(isOnAccent ? Theme::Color::TextOnAccent : Theme::Color::Accent);
     halo.setAlphaF(isPressed ? 0.28F : 0.16F);
     painter.setPen(Qt::NoPen);
     painter.setBrush(halo);
     painter.drawRoundedRect(around, Theme::radiusSmall + tickBoxHalo, Theme::radiusSmall + tickBoxHalo);
 }
 
-void paintRing(QPainter& painter, const QRectF& around) {
+// Between the box and a row of its own colour.
+void paintPlate(QPainter& painter, const QRect& box) {
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Theme::shared().color(Theme::Color::Surface));
+    painter.drawRoundedRect(box, Theme::radiusSmall + 1, Theme::radiusSmall + 1);
+}
+
+void paintRing(QPainter& painter, const QRectF& around, bool isOnAccent) {
     const QRectF line = around.adjusted(ringWidth / 2, ringWidth / 2, -ringWidth / 2, -ringWidth / 2);
-    painter.setPen(QPen(Theme::shared().color(Theme::Color::FocusRing), ringWidth));
+    const auto color = isOnAccent ? Theme::Color::TextOnAccent : Theme::Color::FocusRing;
+    painter.setPen(QPen(Theme::shared().color(color), ringWidth));
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(line, Theme::radiusSmall + 2, Theme::radiusSmall + 2);
 }
@@ -48,7 +56,7 @@ TickState tickState(const QVariant& value) {
     }
 }
 
-TickState toggled(TickState state) { return state == TickState::All ? TickState::Nothing : TickState::All; }
+TickState stateAfterClick(TickState state) { return state == TickState::All ? TickState::Nothing : TickState::All; }
 
 Qt::CheckState checkState(TickState state) {
     if (state == TickState::Some) return Qt::PartiallyChecked;
@@ -59,10 +67,13 @@ void paintTickBox(QPainter& painter, const QRect& box, TickState state, const Ti
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF around = QRectF(box).adjusted(-tickBoxHalo, -tickBoxHalo, tickBoxHalo, tickBoxHalo);
-    if (look.isEnabled && (look.isHovered || look.isPressed)) paintHalo(painter, around, look.isPressed);
+    if (look.isEnabled && (look.isHovered || look.isPressed))
+        paintHalo(painter, around, look.isPressed, look.isOnAccent);
     if (!look.isEnabled) painter.setOpacity(painter.opacity() * disabledOpacity);
-    picture(pictureOf(state)).paint(&painter, box);
-    if (look.isEnabled && look.isFocused) paintRing(painter, around);
+    if (look.isOnAccent) paintPlate(painter, box);
+    const int inset = look.isOnAccent ? 1 : 0;
+    picture(pictureOf(state)).paint(&painter, box.adjusted(inset, inset, -inset, -inset));
+    if (look.isEnabled && look.isFocused) paintRing(painter, around, look.isOnAccent);
     painter.restore();
 }
 

@@ -16,7 +16,7 @@ enum class TickState { Nothing = 0, All = 1, Some = 2 };
 [[nodiscard]] TickState tickState(const QVariant& value);
 
 /// What a click makes of it: All from Nothing and from Some, Nothing from All.
-[[nodiscard]] TickState toggled(TickState state);
+[[nodiscard]] TickState stateAfterClick(TickState state);
 
 /// For Qt::CheckStateRole, through which screen readers learn of the state.
 [[nodiscard]] Qt::CheckState checkState(TickState state);
@@ -26,6 +26,7 @@ struct TickLook {
     bool isHovered = false;
     bool isPressed = false;
     bool isFocused = false;
+    bool isOnAccent = false;  ///< what lies behind has the accent's own colour
 };
 
 /// Width and height of the box in points, and how far its halo and its ring of focus reach beyond it.
