@@ -8,7 +8,6 @@
 
 #include <cerrno>
 #include <chrono>
-#include <cstdio>
 #include <thread>
 #include <utility>
 
@@ -202,15 +201,8 @@ Result<void> DurableFile::checkReplaceable() const {
 
 Result<void> DurableFile::putAside() const {
     if (auto mine = checkReplaceable(); !mine) return mine;
-    const std::string aside = m_name + ".bad";
-    if (::renameat2(m_folder.get(), m_name.c_str(), m_folder.get(), aside.c_str(), RENAME_NOREPLACE) != 0) {
-        if (errno == EEXIST || errno == ENOENT) return {};
-        if (errno != EINVAL) return failure("rename", errno);
-        // A file system that does not know the flag. The lock keeps other writers of ours out.
-        if (::faccessat(m_folder.get(), aside.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0) return {};
-        if (::renameat(m_folder.get(), m_name.c_str(), m_folder.get(), aside.c_str()) != 0)
-            return failure("rename", errno);
-    }
+    if (::renameat(m_folder.get(), m_name.c_str(), m_folder.get(), (m_name + ".bad").c_str()) != 0)
+        return failure("rename", errno);
     Log::line(fmt::format("{} can not be read and is kept as {}.bad.", m_path, m_path));
     return {};
 }

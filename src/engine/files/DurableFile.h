@@ -27,9 +27,9 @@ public:
     /// has more than `limit` bytes; EPERM when it must be, and is not, this user's own.
     [[nodiscard]] static Result<std::string> read(const std::string& path, std::size_t limit, Owner owner = Owner::Me);
 
-    /// The bytes of this user's file if they pass the test. A file that can not be read, is too large or fails the test is put
-    /// aside as NAME.bad and gives EBADMSG. With a NAME.bad there already the file stays, until a save replaces it: the first one
-    /// is kept for the user, and there is never a heap of them. What is no regular file or another user's is left alone.
+    /// The bytes of this user's file if they pass the test. A file that can not be read, is too large or fails the test is renamed to
+    /// NAME.bad and gives EBADMSG, this once; from then on it is missing. An older NAME.bad goes: there is never a heap of them.
+    /// What is no regular file or another user's is left alone.
     [[nodiscard]] static Result<std::string> readWell(const std::string& path, std::size_t limit, const Test& isWell);
 
     /// begin() and commit().

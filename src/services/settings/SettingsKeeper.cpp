@@ -1,11 +1,16 @@
 // SettingsKeeper: see SettingsKeeper.h.
 #include "services/settings/SettingsKeeper.h"
 
+#include <sys/stat.h>
+
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
+#include <array>
 #include <chrono>
+#include <cstdint>
 #include <mutex>
+#include <utility>
 
 #include "engine/files/DurableFile.h"
 
@@ -14,6 +19,14 @@ namespace {
 
 constexpr std::chrono::milliseconds kSettle{50};  // one save makes several notices
 constexpr std::chrono::milliseconds kSaveDelay{1000};
+
+// What changes with every new content of the file; zeros while there is none.
+std::array<std::int64_t, 5> stampOf(const std::string& path) {
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) != 0) return {};
+    return {static_cast<std::int64_t>(status.st_ino), status.st_size, status.st_ctim.tv_sec, status.st_ctim.tv_nsec,
+            static_cast<std::int64_t>(status.st_mode)};
+}
 
 }  // namespace
 
@@ -43,6 +56,7 @@ SettingsKeeper::SettingsKeeper(UserDefaults& defaults) : m_defaults(defaults), m
         if (link->keeper != nullptr) Q_EMIT link->keeper->valueSet();
     });
     watch();
+    m_takeOverTimer.start();  // what has changed since the defaults were read
     if (m_defaults.isUnsaved()) m_saveTimer.start();
 }
 
@@ -65,8 +79,11 @@ void SettingsKeeper::watch() {
     if (QFile::exists(file) && !m_watcher.files().contains(file)) m_watcher.addPath(file);
 }
 
+// A folder in which a file can not be put right would otherwise answer each attempt with a notice.
 void SettingsKeeper::takeOver() {
     watch();
+    const Stamp stamp = stampOf(m_defaults.path());
+    if (std::exchange(m_stamp, stamp) == stamp) return;
     // Ours goes along with it: both are one exchange under one lock. An error is logged there.
     (void)m_defaults.synchronize();
 }

@@ -4,6 +4,8 @@
 #include <QFileSystemWatcher>
 #include <QObject>
 #include <QTimer>
+#include <array>
+#include <cstdint>
 #include <memory>
 
 #include "engine/settings/UserDefaults.h"
@@ -26,6 +28,7 @@ Q_SIGNALS:
 
 private:
     struct Link;
+    using Stamp = std::array<std::int64_t, 5>;
     void watch();
     void takeOver();
     void save();
@@ -34,6 +37,7 @@ private:
     QFileSystemWatcher m_watcher;
     QTimer m_takeOverTimer;
     QTimer m_saveTimer;
+    Stamp m_stamp{};  // of the file when it was last taken over
     std::shared_ptr<Link> m_link;
     UserDefaults::Observation m_observation;
 };
