@@ -1,0 +1,13 @@
+// PropertyListGuard: looks over the bytes of a property list before they are parsed.
+#pragma once
+
+#include <string_view>
+
+namespace orrinvale {
+
+/// False for bytes that would exhaust the stack or the memory of a parser: more than 4,096 dictionaries and arrays (a parser frees
+/// nested ones by recursion), or a binary list that names one of them twice, or long texts many times, by which a few bytes can
+/// unfold without end. True says nothing about whether the bytes can be parsed.
+[[nodiscard]] bool isHarmlessPropertyList(std::string_view bytes);
+
+}  // namespace orrinvale
