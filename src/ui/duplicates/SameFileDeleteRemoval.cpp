@@ -14,6 +14,7 @@
 #include "ui/duplicates/ResultOutline.h"
 #include "ui/duplicates/SameFileDeleteViewController.h"
 #include "ui/duplicates/SameFileDeleteViews.h"
+#include "ui/kit/chrome/AnimationHoverImageView.h"
 #include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/chrome/TCImageButton.h"
 #include "ui/kit/chrome/TextImageButton.h"

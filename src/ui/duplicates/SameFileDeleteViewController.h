@@ -49,7 +49,7 @@ protected:
 /// What the page works with. Nothing of it is owned; all of it outlives the page.
 struct SameFileDeleteParts {
     const FileSystem* files = nullptr;
-    const NotificationCenter* notifications = nullptr;
+    NotificationCenter* notifications = nullptr;
     UserDefaults* defaults = nullptr;
     Dialogs* dialogs = nullptr;
     MainQueue* mainQueue = nullptr;

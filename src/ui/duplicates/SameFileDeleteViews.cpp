@@ -189,7 +189,7 @@ QWidget* SameFileDeleteViews::makeTopBar() {
     auto* const buttons = new QHBoxLayout(btnBgView);
     buttons->setContentsMargins({});
     buttons->setSpacing(Theme::gapTiny);
-    for (TCImageButton* const button : {openBtn, RevealFinder, lockButton}) buttons->addWidget(button);
+    for (TCImageButton* const control : {openBtn, RevealFinder, lockButton}) buttons->addWidget(control);
     auto* const row = new QHBoxLayout(bar);
     row->setContentsMargins(Theme::gapSmall, 0, Theme::gap, 0);
     row->setSpacing(Theme::gapSmall);

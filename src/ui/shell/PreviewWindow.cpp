@@ -1,6 +1,7 @@
 // PreviewWindow: see PreviewWindow.h.
 #include "ui/shell/PreviewWindow.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QKeyEvent>
 #include <QLabel>
