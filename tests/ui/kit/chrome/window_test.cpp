@@ -167,7 +167,10 @@ TEST_F(Window, AllWaysOfClosingTakeTheActionOfTheCloseButton) {
     window.standardWindowButton(0)->setAction([&] { ++asked; });
     QTest::mouseClick(window.standardWindowButton(0), Qt::LeftButton);
     EXPECT_EQ(asked, 1);
-    window.windowHandle()->close();  // comes as from the window manager
+    QCloseEvent fromManager;
+    QSpontaneKeyEvent::setSpontaneous(&fromManager);
+    qApp->notify(&window, &fromManager);
+    EXPECT_FALSE(fromManager.isAccepted());
     EXPECT_TRUE(QTest::qWaitFor([&] { return asked == 2; }));
     window.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
