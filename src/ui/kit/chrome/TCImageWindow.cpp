@@ -217,9 +217,9 @@ void TCImageWindow::followDesktop() {
     const FrameKind kind = m_isRefused ? FrameKind::System : chooseFrame(desktopFacts());
     if (kind == m_kind) return;
     const QRect kept = frame();
-    const bool isMoved = isMaximized();
+    const bool fillsScreen = isMaximized();
     applyKind(kind);
-    if (!isMoved) setFrame(kept);
+    if (!fillsScreen) setFrame(kept);
 }
 
 void TCImageWindow::useSystemFrame() {
@@ -308,13 +308,17 @@ void TCImageWindow::changeEvent(QEvent* event) {
     }
 }
 
+bool TCImageWindow::isFramedAllTheSame() const {
+    const QWindow* const handle = windowHandle();
+    return m_kind != FrameKind::System && handle != nullptr && handle->frameMargins().top() > tallestBorder;
+}
+
 bool TCImageWindow::event(QEvent* event) {
     const bool out = QWidget::event(event);
-    if (event->type() == QEvent::WindowActivate) {
-        const QWindow* const handle = windowHandle();
-        m_isRefused = m_isRefused || (m_kind != FrameKind::System && handle != nullptr &&
-                                      handle->frameMargins().top() > tallestBorder);
-        followDesktop();
+    if (event->type() == QEvent::WindowActivate || event->type() == QEvent::Resize) {
+        // Later, since it may make the native window anew.
+        if (isFramedAllTheSame()) QMetaObject::invokeMethod(this, &TCImageWindow::useSystemFrame, Qt::QueuedConnection);
+        else if (event->type() == QEvent::WindowActivate) followDesktop();
     }
     return out;
 }

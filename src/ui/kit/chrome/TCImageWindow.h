@@ -87,6 +87,7 @@ protected:
 private:
     void makeFrame();
     void applyKind(FrameKind kind);
+    [[nodiscard]] bool isFramedAllTheSame() const;
     void followDesktop();
     void useSystemFrame();
     void applyBounds();

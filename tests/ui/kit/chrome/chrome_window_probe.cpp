@@ -45,6 +45,7 @@ void obey(TCImageWindow& window, const std::string& order) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    std::ios::sync_with_stdio(false);  // in_avail() knows nothing otherwise
     QApplication application(argc, argv);
     Theme::shared().install(application);
     TCImageWindow window;

@@ -167,7 +167,10 @@ TEST_F(Window, AllWaysOfClosingTakeTheActionOfTheCloseButton) {
     window.standardWindowButton(0)->setAction([&] { ++asked; });
     QTest::mouseClick(window.standardWindowButton(0), Qt::LeftButton);
     EXPECT_EQ(asked, 1);
-    window.windowHandle()->close();  // comes as from the window manager
+    QCloseEvent fromManager;
+    QSpontaneKeyEvent::setSpontaneous(&fromManager);
+    qApp->notify(&window, &fromManager);
+    EXPECT_FALSE(fromManager.isAccepted());
     EXPECT_TRUE(QTest::qWaitFor([&] { return asked == 2; }));
     window.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
@@ -198,9 +201,9 @@ TEST_F(Window, TheTabKeyReachesTheContentFirstAndTheWindowButtonsLast) {
     for (TextImageButton* const button : {first, second}) button->show();
     window.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-    first->setFocus();
-    const QList<QWidget*> expected{second, window.standardWindowButton(0), window.standardWindowButton(1),
-                                   window.standardWindowButton(2), first};
+    window.setFocus();
+    const QList<QWidget*> expected{first, second, window.standardWindowButton(0), window.standardWindowButton(1),
+                                   window.standardWindowButton(2)};
     for (QWidget* const each : expected) {
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
         EXPECT_EQ(QApplication::focusWidget(), each);
