@@ -74,13 +74,13 @@ std::vector<std::string> PropertyList::keys() const {
 }
 
 std::optional<std::string> PropertyList::stringForKey(const std::string& key) const {
-    plist_t const item = itemOf(m_root.get(), key);
+    plist_t item = itemOf(m_root.get(), key);
     if (item == nullptr || plist_get_node_type(item) != PLIST_STRING) return std::nullopt;
     return textOf(item);
 }
 
 std::optional<std::int64_t> PropertyList::integerForKey(const std::string& key) const {
-    plist_t const item = itemOf(m_root.get(), key);
+    plist_t item = itemOf(m_root.get(), key);
     if (item == nullptr) return std::nullopt;
     std::uint8_t flag = 0;
     std::uint64_t whole = 0;

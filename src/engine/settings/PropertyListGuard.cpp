@@ -3,6 +3,7 @@
 // (24 to 31); numbers are big-endian. An object begins with a byte of kind (upper half) and count (lower half).
 #include "engine/settings/PropertyListGuard.h"
 
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -40,8 +41,10 @@ public:
         m_isNamed.assign(objects, false);
         for (std::size_t object = 0; object < objects; ++object)
             if (const auto kind = kindOf(object)) m_isContainer[object] = isContainer(*kind);
-        for (std::size_t object = 0; object < objects; ++object)
+        for (std::size_t object = 0; object < objects; ++object) {
             if (m_isContainer[object] && !takeReferences(object)) return false;
+            if (hasNull(object)) return false;
+        }
         return m_containers <= kContainerLimit;
     }
 
@@ -93,6 +96,16 @@ private:
         return true;
     }
 
+    bool hasNull(std::size_t object) const {
+        const auto extent = extentOf(object);
+        const std::uint64_t kind = kindOf(object).value_or(0) >> 4U;
+        const std::size_t width = kind == 5 ? 1 : kind == 6 ? 2 : 0;
+        if (!extent || width == 0 || extent->count > m_bytes.size()) return false;
+        for (std::uint64_t i = 0; i < extent->count; ++i)
+            if (numberAt(m_bytes, extent->start + i * width, width) == 0) return true;
+        return false;
+    }
+
     // A text or data is copied each time it is named.
     bool takeLeaf(std::size_t object) {
         const auto extent = extentOf(object);
@@ -118,11 +131,26 @@ std::size_t countOf(std::string_view bytes, std::string_view mark) {
     return count;
 }
 
+// A null byte, as it stands or by its number, or a number that no character has.
+bool hasNull(std::string_view text) {
+    if (text.find('\0') != std::string_view::npos) return true;
+    for (std::size_t at = text.find("&#"); at != std::string_view::npos; at = text.find("&#", at + 1)) {
+        std::string_view digits = text.substr(at + 2, 64);
+        const bool isHexadecimal = digits.starts_with('x') || digits.starts_with('X');
+        if (isHexadecimal) digits.remove_prefix(1);
+        std::uint32_t number = 0;
+        const auto result =
+            std::from_chars(digits.data(), digits.data() + digits.size(), number, isHexadecimal ? 16 : 10);
+        if (result.ec != std::errc{} || number == 0 || number > 0x10FFFF) return true;
+    }
+    return false;
+}
+
 }  // namespace
 
 bool isHarmlessPropertyList(std::string_view bytes) {
     if (bytes.starts_with("bplist")) return BinaryWalk(bytes).isHarmless();
-    return countOf(bytes, "<array") + countOf(bytes, "<dict") <= kContainerLimit;
+    return !hasNull(bytes) && countOf(bytes, "<array") + countOf(bytes, "<dict") <= kContainerLimit;
 }
 
 }  // namespace orrinvale
