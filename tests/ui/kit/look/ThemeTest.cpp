@@ -82,7 +82,7 @@ TEST(Theme, InstallsAndRepaintsEveryWindowWhenTheSchemeChanges) {
     EXPECT_EQ(QApplication::palette().color(QPalette::Base), Theme::color(Color::Surface, Scheme::Dark));
 
     Painted widget;
-    widget.setPalette(QPalette(Qt::yellow));  // of its own, so that the program's new palette does not reach it
+    widget.setPalette(theme.palette());  // every role of its own, so that the new palette does not reach it
     widget.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&widget));
     QCoreApplication::processEvents();
