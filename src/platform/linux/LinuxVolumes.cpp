@@ -42,7 +42,7 @@ void addMissingRoot(std::vector<MountEntry>& mounts) {
 LinuxVolumes::LinuxVolumes(LinuxVolumePlaces places, std::chrono::milliseconds patience,
                            LinuxVolumesSpace::Ask askForSpace)
     : m_mountInfo(std::move(places.mountInfo)),
-      m_devices(std::move(places.sys), std::move(places.udev)),
+      m_devices(places.sys, std::move(places.udev)),
       m_space(patience, std::move(askForSpace)) {}
 
 std::int32_t LinuxVolumes::FSGetVolumeInfo(std::uint32_t volumeIndex, IndexedVolume& answer) {

@@ -94,7 +94,7 @@ std::string_view lastComponent(std::string_view path) {
 }
 
 // Resolved, since all other paths come out resolved and are compared with it.
-LinuxVolumesDevices::LinuxVolumesDevices(std::string sys, std::string udev)
+LinuxVolumesDevices::LinuxVolumesDevices(const std::string& sys, std::string udev)
     : m_sys(resolved(sys)), m_udev(std::move(udev)) {}
 
 std::string LinuxVolumesDevices::deviceOf(const MountEntry& mount) const {
@@ -124,8 +124,9 @@ std::uint32_t LinuxVolumesDevices::attributesOfWhole(const std::string& whole, i
     if (kind == "SD") bits |= removableBits | bit(bIsOnExternalBus);
     if (isOnExternalBus(whole)) bits |= bit(bIsOnExternalBus);
     if (levelsLeft == 0) return bits;
-    for (const std::string& name : namesIn(whole + "/slaves")) {
-        const std::string below = resolved(whole + "/slaves/" + name);
+    const std::string layer = whole + "/slaves/";
+    for (const std::string& name : namesIn(layer)) {
+        const std::string below = resolved(fmt::format("{}{}", layer, name));
         if (!below.empty()) bits |= attributesOfWhole(wholeOf(below), levelsLeft - 1);
     }
     return bits;

@@ -16,7 +16,7 @@ namespace orrinvale {
 class LinuxVolumesDevices final {
 public:
     /// The folders where sysfs and udev's state are found, "/sys" and "/run/udev" on a running system.
-    LinuxVolumesDevices(std::string sys, std::string udev);
+    LinuxVolumesDevices(const std::string& sys, std::string udev);
 
     /// The device of a mount; empty for what lies on none.
     [[nodiscard]] std::string deviceOf(const MountEntry& mount) const;
