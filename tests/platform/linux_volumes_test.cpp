@@ -297,7 +297,7 @@ TEST(LinuxVolumes, DeadMountsHoldNobodyUpAndAreAskedOnce) {
     table += "60 20 8:6 / /alive rw - ext4 /dev/sda6 rw\n";
     ASSERT_TRUE(tree.write("mounts", table));
     const auto gate = std::make_shared<Gate>();
-    LinuxVolumes platform({tree.at("mounts"), tree.at("sys"), tree.at("udev")}, 300ms,
+    LinuxVolumes platform({tree.at("mounts"), tree.at("sys"), tree.at("udev")}, 500ms,
                           [gate](const SpaceQuestion& question) { return gate->ask(question); });
     const auto start = Clock::now();
     VolumesInfo info(platform);
@@ -308,7 +308,7 @@ TEST(LinuxVolumes, DeadMountsHoldNobodyUpAndAreAskedOnce) {
 
     const auto again = Clock::now();
     EXPECT_EQ(info.getAllVolsInfo().size(), 2U);
-    EXPECT_LT(Clock::now() - again, 250ms) << "no further patience for who is known to be dead";
+    EXPECT_LT(Clock::now() - again, 400ms) << "no further patience for who is known to be dead";
     EXPECT_EQ(gate->countOf("/dead30"), 1);
     IndexedVolume dead;
     EXPECT_EQ(platform.FSGetVolumeInfo(1, dead), noErr);
@@ -324,6 +324,26 @@ TEST(LinuxVolumes, DeadMountsHoldNobodyUpAndAreAskedOnce) {
     const auto deadline = Clock::now() + 20s;
     while (info.getAllVolsInfo().size() != 22U && Clock::now() < deadline) ::usleep(1000);
     EXPECT_EQ(info.volsArray().size(), 22U) << "who comes back is asked and listed again";
+}
+
+TEST(LinuxVolumes, ASlowServerIsToldByItsLateAnswerOnce) {
+    const auto answersLeft = std::make_shared<std::atomic<int>>(0);
+    LinuxVolumesSpace space(20ms, [answersLeft](const SpaceQuestion&) -> SpaceAnswer {
+        while (*answersLeft == 0) answersLeft->wait(0);
+        --*answersLeft;
+        return {0, false, 1000, 500};
+    });
+    const std::vector<SpaceQuestion> slow{{30, 30, "/slow"}};
+    EXPECT_EQ(space.ask(slow)[0].error, ETIMEDOUT);
+    *answersLeft = 1;  // this question is answered, the next one is not
+    answersLeft->notify_all();
+    const auto deadline = Clock::now() + 20s;
+    int error = ETIMEDOUT;
+    while (error != 0 && Clock::now() < deadline) error = space.ask(slow)[0].error;
+    EXPECT_EQ(error, 0);
+    EXPECT_EQ(space.ask(slow)[0].error, ETIMEDOUT);
+    *answersLeft = 1000;
+    answersLeft->notify_all();
 }
 
 TEST(LinuxVolumes, WalksOfSeveralThreadsDoNotMix) {

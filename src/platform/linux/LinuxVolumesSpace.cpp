@@ -26,6 +26,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr unsigned kMountIdMask = 0x1000;        // STATX_MNT_ID, Linux 5.8
 constexpr std::chrono::milliseconds kStall{10};  // a mount that answers at all answers in microseconds
+constexpr std::size_t kMostLateAnswers = 1000;   // of mounts that nobody asks for again
 constexpr std::size_t kMostThreadsAtOnce = 8;    // that a stall adds
 constexpr int kFolderOnly = O_PATH | O_DIRECTORY | O_CLOEXEC;
 
@@ -84,20 +85,23 @@ SpaceAnswer askKernelForSpace(const SpaceQuestion& question) {
 struct LinuxVolumesSpace::Shared {
     struct Errand {
         SpaceQuestion question;
-        Clock::time_point deadline;
+        Clock::time_point asked;
+        Clock::time_point deadline;  // until when a caller waits
         SpaceAnswer answer;
         bool done = false;
     };
     using ErrandRef = std::shared_ptr<Errand>;
 
-    explicit Shared(Ask how) : ask(std::move(how)) {}
+    Shared(std::chrono::milliseconds howLong, Ask how) : patience(howLong), ask(std::move(how)) {}
 
+    const std::chrono::milliseconds patience;
     const Ask ask;
     std::mutex mutex;  // guards all that follows, the errands included
     std::condition_variable hasWork;
     std::condition_variable hasAnswer;
     std::map<SpaceQuestion, ErrandRef> open;  // waiting or under way, of all callers
     std::deque<ErrandRef> waiting;
+    std::map<SpaceQuestion, SpaceAnswer> late;  // answers that came when nobody waited any more
     std::size_t threads = 0;
     std::size_t idle = 0;
     std::size_t answers = 0;  // ever given; a stall is when this stands still
@@ -126,6 +130,7 @@ struct LinuxVolumesSpace::Shared {
         errand->answer = answer;
         errand->done = true;
         open.erase(question);
+        if (Clock::now() >= errand->asked + patience && late.size() < kMostLateAnswers) late[question] = answer;
         ++answers;
         hasAnswer.notify_all();
     }
@@ -149,22 +154,25 @@ struct LinuxVolumesSpace::Shared {
         hasAnswer.notify_all();
     }
 
-    std::vector<ErrandRef> enter(const std::vector<SpaceQuestion>& questions, Clock::time_point deadline) {
-        std::vector<ErrandRef> errands;
-        for (const SpaceQuestion& question : questions) {
-            ErrandRef& known = open[question];
-            if (!known) {
-                known = std::make_shared<Errand>(Errand{question, deadline, {}, false});
-                waiting.push_back(known);
-            }
-            errands.push_back(known);
-        }
-        return errands;
+    ErrandRef add(const SpaceQuestion& question, Clock::time_point now, std::chrono::milliseconds wait) {
+        auto errand = std::make_shared<Errand>(Errand{question, now, now + wait, {}, false});
+        waiting.push_back(errand);
+        return open[question] = std::move(errand);
+    }
+
+    // A mount that answered too late last time gives that answer now, and is asked again for the next time meanwhile: a
+    // slow server is then a walk behind, rather than a second of waiting in each and missing from all of them.
+    ErrandRef enter(const SpaceQuestion& question, Clock::time_point now) {
+        if (const auto known = open.find(question); known != open.end()) return known->second;
+        const auto answered = late.extract(question);
+        if (answered.empty()) return add(question, now, patience);
+        add(question, now, std::chrono::milliseconds(0));
+        return std::make_shared<Errand>(Errand{question, now, now, answered.mapped(), true});
     }
 };
 
 LinuxVolumesSpace::LinuxVolumesSpace(std::chrono::milliseconds patience, Ask ask)
-    : m_patience(patience), m_shared(std::make_shared<Shared>(std::move(ask))) {}
+    : m_shared(std::make_shared<Shared>(patience, std::move(ask))) {}
 
 LinuxVolumesSpace::~LinuxVolumesSpace() {
     const std::lock_guard lock(m_shared->mutex);
@@ -175,7 +183,9 @@ LinuxVolumesSpace::~LinuxVolumesSpace() {
 std::vector<SpaceAnswer> LinuxVolumesSpace::ask(const std::vector<SpaceQuestion>& questions) {
     Shared& shared = *m_shared;
     std::unique_lock lock(shared.mutex);
-    const auto errands = shared.enter(questions, Clock::now() + m_patience);
+    std::vector<Shared::ErrandRef> errands;
+    errands.reserve(questions.size());
+    for (const SpaceQuestion& question : questions) errands.push_back(shared.enter(question, Clock::now()));
     if (!shared.waiting.empty() && shared.idle == 0) Shared::addThreads(m_shared, 1);
     shared.hasWork.notify_one();
     for (std::size_t before = shared.answers;; before = shared.answers) {
@@ -193,7 +203,8 @@ std::vector<SpaceAnswer> LinuxVolumesSpace::ask(const std::vector<SpaceQuestion>
     answers.reserve(errands.size());
     for (const auto& errand : errands) {
         answers.push_back(errand->answer);
-        if (!errand->done) answers.back().error = ETIMEDOUT;
+        if (errand->done) shared.late.erase(errand->question);  // it came while somebody waited after all
+        else answers.back().error = ETIMEDOUT;
     }
     return answers;
 }

@@ -43,12 +43,12 @@ public:
     LinuxVolumesSpace& operator=(const LinuxVolumesSpace&) = delete;
 
     /// The answers in the order of the questions, after at most the patience however many do not answer, and without waiting
-    /// for those that already ran out of it in an earlier call.
+    /// for those that already ran out of it in an earlier call. What such a mount answered since is its answer at the next
+    /// call, at once.
     [[nodiscard]] std::vector<SpaceAnswer> ask(const std::vector<SpaceQuestion>& questions);
 
 private:
     struct Shared;
-    const std::chrono::milliseconds m_patience;
     const std::shared_ptr<Shared> m_shared;
 };
 
