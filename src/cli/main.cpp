@@ -9,8 +9,10 @@
 #include "cli/Command.h"
 #include "cli/DuplicatesCommand.h"
 #include "cli/Output.h"
+#include "cli/VolumesCommand.h"
 #include "engine/base/Log.h"
 #include "platform/linux/LinuxFiles.h"
+#include "platform/linux/LinuxVolumes.h"
 
 namespace orrinvale::cli {
 namespace {
@@ -59,6 +61,8 @@ int run(int argc, char** argv) {
     const LinuxFileSystem files;
     Commands commands;
     commands.push_back(std::make_unique<DuplicatesCommand>(files));
+    LinuxVolumes volumes;
+    commands.push_back(std::make_unique<VolumesCommand>(volumes));
 
     Parser parser(commands);
     try {
