@@ -48,8 +48,8 @@ std::optional<std::string> runTool(const FileSystem& files, const std::string& p
     QnAuthorization& right = QnAuthorization::shareQnAuthorization();
     const AuthorizationRef reference = right.getAuthorizationRet();
     std::unique_ptr<ToolOutput> output;
-    auto status = reference == AuthorizationRef::null ? AuthorizationStatus::invalidReference
-                                                      : AuthorizationStatus::success;
+    auto status =
+        reference == AuthorizationRef::null ? AuthorizationStatus::invalidReference : AuthorizationStatus::success;
     if (entry) {
         const PrivilegedRun run{
             "/bin/rm", {"-rf", withoutLinksOnTheWay(files, path)}, entry->device, entry->inode, entry->type};
@@ -88,7 +88,8 @@ private:
 /// One removal by the door that all pages use.
 class Door final {
 public:
-    Door(const FileSystem& files, const Permissions* permissions, const ProtectedPlaces& places, const std::string& path)
+    Door(const FileSystem& files, const Permissions* permissions, const ProtectedPlaces& places,
+         const std::string& path)
         : m_files(files), m_permissions(permissions), m_places(places), m_path(path) {}
 
     FastRemoval remove(const std::optional<EntryIdentity>& expected, const std::atomic<bool>* stop) {
