@@ -74,6 +74,12 @@ struct ReadState {
     std::vector<Range> notResident;            ///< what has to be dropped at the end, for devices that can not
 };
 
+/// A place at which a file system is mounted, as an absolute path without links.
+struct MountPoint {
+    std::string path;
+    bool mayHang = false;  ///< served by another machine or by a program, whose answer may never come
+};
+
 /// Thread-safe: holds no state of its own that changes. Every operation retries EINTR.
 class FileSystem {
 public:
@@ -138,6 +144,25 @@ public:
 
     /// How many descriptors this process may hold open; raised to the hard limit at the first call.
     [[nodiscard]] virtual std::size_t descriptorLimit() const = 0;
+
+    /// Holds a folder as a base for other operations; to be searched is enough, it need not be readable and can not be listed.
+    /// Never by a link of /proc that leads straight to another process's folder. With `onTheWay` Keep by no link at all. ELOOP
+    /// for both. Kernels before 5.6 are helped by a walk of our own, which follows no link inside /proc whatsoever.
+    [[nodiscard]] virtual SysResult<Descriptor> holdFolder(int parent, const char* path, Links onTheWay) const = 0;
+
+    /// Opens a folder by one name for listing, never through a link: ENOTDIR or ELOOP. EXDEV when something is mounted there,
+    /// without asking what is; kernels before 5.6 open it, so that the caller compares device and mount as well.
+    [[nodiscard]] virtual SysResult<Descriptor> openInside(int parent, const char* name) const = 0;
+
+    /// Removes an entry by its name: an empty folder for the type Folder (ENOTDIR when it is none), anything else for every
+    /// other type (EISDIR when it is a folder). Of a link the link.
+    [[nodiscard]] virtual SysResult<void> removeEntry(int folder, const char* name, FileType type) const = 0;
+
+    /// Where an open or held folder is at this moment: an absolute path without links.
+    [[nodiscard]] virtual SysResult<std::string> placeOf(int folder) const = 0;
+
+    /// What is mounted where, at this moment. An error when the system does not tell.
+    [[nodiscard]] virtual SysResult<std::vector<MountPoint>> mountPoints() const = 0;
 
     /// From the start of a thread on that hands no descriptor to another and takes none: gives it a table of descriptors of its
     /// own, where the system can. Opening and closing then need no lock; 15 % of the time of reading small files, measured.
