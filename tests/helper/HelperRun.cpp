@@ -29,6 +29,15 @@ template <class Condition> bool within(std::chrono::milliseconds time, Condition
     return true;
 }
 
+/// The letter of proc(5), 0 for a process that is gone.
+char stateOf(pid_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/stat");
+    std::string number;
+    std::string name;
+    std::string state;
+    return file >> number >> name >> state ? state.front() : '\0';
+}
+
 }  // namespace
 
 SocketPair::SocketPair(uid_t user, int type) {
@@ -101,11 +110,19 @@ pid_t childOf(pid_t process) {
     return child;
 }
 
+bool isStopped(pid_t process) {
+    char state = 0;
+    (void)within(std::chrono::seconds(5), [&] {
+        state = stateOf(process);
+        return state == 'T' || state == 'Z' || state == 0;
+    });
+    return state == 'T';
+}
+
 bool isGoneWithin(pid_t process, std::chrono::milliseconds time) {
     return within(time, [&] {
-        std::ifstream file("/proc/" + std::to_string(process) + "/stat");
-        std::string number, name, state;
-        return !(file >> number >> name >> state) || state == "Z" || state == "X";
+        const char state = stateOf(process);
+        return state == 0 || state == 'Z' || state == 'X';
     });
 }
 

@@ -54,6 +54,9 @@ private:
 /// The first process whose parent this is, or -1. Waits for one for up to a second.
 [[nodiscard]] pid_t childOf(pid_t process);
 
+/// True when a signal holds the process; false when it is gone. One of the two has to come about.
+[[nodiscard]] bool isStopped(pid_t process);
+
 /// True when the process is gone, or a corpse, within the time.
 [[nodiscard]] bool isGoneWithin(pid_t process, std::chrono::milliseconds time);
 

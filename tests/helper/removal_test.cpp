@@ -56,12 +56,13 @@ TEST_F(HelperRemoves, EntriesOfEveryKindAndNothingElse) {
     EXPECT_TRUE(isThere(tree.at("outside/kept")));
 }
 
-TEST_F(HelperRemoves, DeepTreesAndPathsThatTheSystemCanNotName) {
-    ASSERT_TRUE(tree.makeDeep("deep", 3000, "x"));
+TEST_F(HelperRemoves, TreesDeeperThanAPathIsLong) {
+    TestTree quick(::access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "");
+    ASSERT_TRUE(quick.makeDeep("deep", 2100, "x"));
     const HelperRun helper;
-    const HelperReply reply = helper.ask(tree.at("deep"));
+    const HelperReply reply = helper.ask(quick.at("deep"));
     EXPECT_EQ(reply.outcome, Outcome::Removed) << reply.text;
-    EXPECT_FALSE(isThere(tree.at("deep")));
+    EXPECT_FALSE(isThere(quick.at("deep")));
 }
 
 TEST_F(HelperRemoves, SaysWhyAnEntryIsStillThere) {

@@ -38,7 +38,7 @@ protected:
     }
 
     FakeAuthorization system;
-    testing::WatchedFiles files;
+    LinuxFileSystem files;
     LinuxPermissions permissions;
     std::vector<std::string> lines;
     QnAuthorization& right = QnAuthorization::shareQnAuthorization();
