@@ -14,10 +14,10 @@ namespace orrinvale::helper {
 
 /// How the helper was started.
 struct Start {
-    int arguments = 0;              ///< argc, the program's name included
-    bool isRoot = false;            ///< real and effective, and not by a set-user-id bit
-    int input = 0;                  ///< the descriptor of standard input
-    const char* caller = nullptr;   ///< $PKEXEC_UID, null when it is not set
+    int arguments = 0;             ///< argc, the program's name included
+    bool isRoot = false;           ///< real and effective, and not by a set-user-id bit
+    int input = 0;                 ///< the descriptor of standard input
+    const char* caller = nullptr;  ///< $PKEXEC_UID, null when it is not set
 };
 
 /// Why the helper does not serve; an exit status of sysexits.h with one line for people.

@@ -65,8 +65,8 @@ struct Stream {
     }
 };
 
-[[noreturn]] void becomeTool(const std::string& name, const WorkFolder& work, const Stream& output, const Stream& errors,
-                             pid_t parent) {
+[[noreturn]] void becomeTool(const std::string& name, const WorkFolder& work, const Stream& output,
+                             const Stream& errors, pid_t parent) {
     constexpr int cannotRun = 125;
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);  // whoever kills the helper ends the tool
     std::string path = "./" + name;

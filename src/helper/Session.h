@@ -37,9 +37,9 @@ private:
     const uid_t m_caller;
     const std::vector<std::string> m_ownFiles;
     const std::chrono::milliseconds m_idle;
-    pid_t m_worker = -1;     // -1 when no request is in flight; also the number of its process group
-    Descriptor m_result;     // the worker's reply; its end is the worker's end
-    std::string m_reply;     // what came out of it so far
+    pid_t m_worker = -1;      // -1 when no request is in flight; also the number of its process group
+    Descriptor m_result;      // the worker's reply; its end is the worker's end
+    std::string m_reply;      // what came out of it so far
     HelperRequest m_request;  // the one in flight, or the last
 };
 

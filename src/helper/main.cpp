@@ -7,8 +7,6 @@
 #include <syslog.h>
 #include <unistd.h>
 
-#include <array>
-#include <climits>
 #include <csignal>
 #include <cstdlib>
 #include <string>
@@ -16,6 +14,7 @@
 
 #include "helper/Checks.h"
 #include "helper/Session.h"
+#include "platform/linux/LinuxFiles.h"
 
 namespace orrinvale::helper {
 namespace {
@@ -45,11 +44,11 @@ void fillStandardDescriptors() {
     }
 }
 
+/// What stands beside the helper, and what an installed program has elsewhere.
 std::vector<std::string> ownFiles() {
-    std::vector<std::string> files{ORRINVALE_HELPER_PATH, ORRINVALE_POLICY_PATH, ORRINVALE_PROGRAM_PATHS};
-    std::array<char, PATH_MAX> self{};
-    const ssize_t size = ::readlink("/proc/self/exe", self.data(), self.size());
-    if (size > 0) files.emplace_back(self.data(), static_cast<std::size_t>(size));
+    std::vector<std::string> files = programFiles();
+    for (const char* const path : {ORRINVALE_HELPER_PATH, ORRINVALE_POLICY_PATH, ORRINVALE_PROGRAM_PATHS})
+        files.emplace_back(path);
     return files;
 }
 

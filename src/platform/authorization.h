@@ -39,7 +39,7 @@ struct AuthorizationFlags {
     static constexpr std::uint32_t extendRights = 2;
     static constexpr std::uint32_t preAuthorize = 16;
     static constexpr std::uint32_t acquire = interactionAllowed | extendRights | preAuthorize;  ///< a dialog may appear
-    static constexpr std::uint32_t checkAgain = interactionAllowed | extendRights;              ///< a right that is held
+    static constexpr std::uint32_t checkAgain = interactionAllowed | extendRights;  ///< a right that is held
 };
 
 /// Why there is no right, so that the padlock can say so.

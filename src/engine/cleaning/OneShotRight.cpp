@@ -25,8 +25,7 @@ bool createOneShotRight(AuthorizationRef reference) {
 }
 
 bool deleteOneShotRight(AuthorizationRef reference) {
-    return worked("Free Rights Unsuccessful",
-                  QnAuthorization::shareQnAuthorization().platform().free(reference));
+    return worked("Free Rights Unsuccessful", QnAuthorization::shareQnAuthorization().platform().free(reference));
 }
 
 }  // namespace orrinvale

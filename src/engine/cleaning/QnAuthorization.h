@@ -28,10 +28,10 @@ struct AuthorizationParts {
 /// What became of an entry.
 struct FastRemoval {
     bool gone = false;
-    bool stopped = false;        ///< the caller's flag ended it
-    bool privileged = false;     ///< the administrator's tool took it
-    std::uint64_t removed = 0;   ///< entries that plain removal took, the chosen one included
-    std::string reason;          ///< why the entry is still there, for people; empty when it is gone
+    bool stopped = false;       ///< the caller's flag ended it
+    bool privileged = false;    ///< the administrator's tool took it
+    std::uint64_t removed = 0;  ///< entries that plain removal took, the chosen one included
+    std::string reason;         ///< why the entry is still there, for people; empty when it is gone
 };
 
 /// allocAuthorization() and freeAuthorization() belong to the main thread, where the padlocks are; all operations may be called

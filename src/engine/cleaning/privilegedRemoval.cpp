@@ -48,8 +48,8 @@ std::optional<std::string> runTool(const FileSystem& files, const std::string& p
     QnAuthorization& right = QnAuthorization::shareQnAuthorization();
     const AuthorizationRef reference = right.getAuthorizationRet();
     std::unique_ptr<ToolOutput> output;
-    auto status = reference == AuthorizationRef::null ? AuthorizationStatus::invalidReference
-                                                      : AuthorizationStatus::success;
+    auto status =
+        reference == AuthorizationRef::null ? AuthorizationStatus::invalidReference : AuthorizationStatus::success;
     if (entry) {
         const PrivilegedRun run{
             "/bin/rm", {"-rf", withoutLinksOnTheWay(files, path)}, entry->device, entry->inode, entry->type};
@@ -88,7 +88,8 @@ private:
 /// One removal by the door that all pages use.
 class Door final {
 public:
-    Door(const FileSystem& files, const Permissions* permissions, const ProtectedPlaces& places, const std::string& path)
+    Door(const FileSystem& files, const Permissions* permissions, const ProtectedPlaces& places,
+         const std::string& path)
         : m_files(files), m_permissions(permissions), m_places(places), m_path(path) {}
 
     FastRemoval remove(const std::optional<EntryIdentity>& expected, const std::atomic<bool>* stop) {
@@ -159,8 +160,6 @@ private:
     const std::string& m_path;
 };
 
-bool isWhole(const std::string& path) { return path.starts_with('/') && path.find('\0') == std::string::npos; }
-
 }  // namespace
 
 ProtectedPlaces QnAuthorization::protectedPlaces() {
@@ -170,22 +169,24 @@ ProtectedPlaces QnAuthorization::protectedPlaces() {
 
 bool QnAuthorization::removeItemAtPath(const std::string& path) {
     const FileSystem* const files = shareQnAuthorization().m_parts.files;
-    if (files == nullptr || path.size() >= PATH_MAX || !isWhole(path)) return false;
-    const auto entry = attributesAt(*files, path);
-    return !runTool(*files, path, entry);
+    const auto plain = ProtectedPlaces::plainPath(path);
+    if (files == nullptr || !plain || path.size() >= PATH_MAX) return false;
+    return !runTool(*files, *plain, attributesAt(*files, *plain));
 }
 
 bool QnAuthorization::synFastRemovePath(const std::string& path) {
     const AuthorizationParts& parts = shareQnAuthorization().m_parts;
-    if (parts.files == nullptr || !isWhole(path)) return false;
-    return Door(*parts.files, parts.permissions, protectedPlaces(), path).remove(std::nullopt, nullptr).gone;
+    const auto plain = ProtectedPlaces::plainPath(path);
+    if (parts.files == nullptr || !plain) return false;
+    return Door(*parts.files, parts.permissions, protectedPlaces(), *plain).remove(std::nullopt, nullptr).gone;
 }
 
 FastRemoval QnAuthorization::synFastRemovePath(const std::string& path, const EntryIdentity& expected,
                                                const ProtectedPlaces& places, const std::atomic<bool>* stop) {
     const AuthorizationParts& parts = shareQnAuthorization().m_parts;
-    if (parts.files == nullptr || !isWhole(path)) return {.reason = "no absolute path"};
-    return Door(*parts.files, parts.permissions, places, path).remove(expected, stop);
+    const auto plain = ProtectedPlaces::plainPath(path);
+    if (parts.files == nullptr || !plain) return {.reason = "not a plain absolute path"};
+    return Door(*parts.files, parts.permissions, places, *plain).remove(expected, stop);
 }
 
 }  // namespace orrinvale

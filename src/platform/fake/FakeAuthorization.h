@@ -18,7 +18,7 @@ public:
     // The operation by its name -> the answer it fails with.
     std::map<std::string, std::int32_t> failures;
     AuthorizationRefusal refusal = AuthorizationRefusal::None;
-    std::function<void()> onCopyRights;  ///< the person at the dialog
+    std::function<void()> onCopyRights;                     ///< the person at the dialog
     std::function<std::string(const PrivilegedRun&)> tool;  ///< runs it; what it prints
     std::vector<std::string> calls;                         ///< "copyRights 19"
     std::vector<PrivilegedRun> runs;

@@ -45,7 +45,7 @@ struct HelperReply {
 
     static constexpr std::uint32_t mark = 0x4152524F;  // "ORRA"
     static constexpr std::size_t headSize = 12;
-    static constexpr std::size_t mostText = 512;   ///< packed() cuts the text
+    static constexpr std::size_t mostText = 512;    ///< packed() cuts the text
     static constexpr std::size_t mostOutput = 128;  ///< of the tool's output
 
     [[nodiscard]] std::string packed() const;

@@ -94,7 +94,8 @@ AuthorizationRefusal refusalOf(int status, std::string_view errors) {
     const auto says = [&](std::string_view words) { return errors.find(words) != std::string_view::npos; };
     if (says("No authentication agent")) return AuthorizationRefusal::NoAgent;
     if (says("Not authorized")) return AuthorizationRefusal::Refused;
-    if (says("Error getting authority") || says("Error checking") || says("Error enumerating")) return AuthorizationRefusal::NoPolkit;
+    if (says("Error getting authority") || says("Error checking") || says("Error enumerating"))
+        return AuthorizationRefusal::NoPolkit;
     return AuthorizationRefusal::HelperFailed;
 }
 
@@ -157,8 +158,8 @@ int HelperProcess::spawn() {
     std::array<char*, 4> arguments{program.data(), noAgent.data(), helper.data(), nullptr};
     std::array<char*, 3> environment{path.data(), locale.data(), nullptr};
     pid_t child = -1;
-    const int error = ::posix_spawn(&child, program.c_str(), &plan.actions, &plan.attributes, arguments.data(),
-                                    environment.data());
+    const int error =
+        ::posix_spawn(&child, program.c_str(), &plan.actions, &plan.attributes, arguments.data(), environment.data());
     m_theirs.reset();
     if (error == 0) m_child = child;
     return error;
@@ -196,7 +197,8 @@ void HelperProcess::readErrors() {
     std::array<char, 1024> piece;
     const ssize_t count = ::read(m_errors.get(), piece.data(), piece.size());
     if (count == 0 || (count < 0 && errno != EINTR)) m_errors.reset();
-    if (count > 0 && m_errorText.size() < kMostErrorText) m_errorText.append(piece.data(), static_cast<std::size_t>(count));
+    if (count > 0 && m_errorText.size() < kMostErrorText)
+        m_errorText.append(piece.data(), static_cast<std::size_t>(count));
 }
 
 AuthorizationRefusal HelperProcess::reasonOfDeath() {

@@ -60,12 +60,12 @@ private:
 
     const HelperPaths m_paths;
     const std::function<void(AuthorizationRefusal)> m_lost;
-    Descriptor m_socket;        // written by start(), before the thread
-    Descriptor m_theirs;        // the helper's end, until it has it
-    Descriptor m_errors;        // what pkexec and the helper say
-    std::string m_errorText;    // of the thread
+    Descriptor m_socket;      // written by start(), before the thread
+    Descriptor m_theirs;      // the helper's end, until it has it
+    Descriptor m_errors;      // what pkexec and the helper say
+    std::string m_errorText;  // of the thread
     std::atomic<pid_t> m_child{-1};
-    std::mutex m_asking;        // one request in flight
+    std::mutex m_asking;           // one request in flight
     std::uint32_t m_sequence = 0;  // guarded by m_asking
     std::atomic<bool> m_isReady{false};
     std::atomic<bool> m_isEnding{false};
