@@ -9,23 +9,28 @@
 #include "cli/Command.h"
 #include "cli/DuplicatesCommand.h"
 #include "cli/Output.h"
+#include "cli/SizeCommand.h"
 #include "engine/base/Log.h"
 #include "platform/linux/LinuxFiles.h"
 
 namespace orrinvale::cli {
 namespace {
 
+constexpr std::string_view repeated = "...";
+
 using Commands = std::vector<std::unique_ptr<Command>>;
 
 std::string keyOf(std::string_view names) {
     std::string_view last = names.substr(names.rfind(',') == std::string_view::npos ? 0 : names.rfind(',') + 1);
     while (last.starts_with('-')) last.remove_prefix(1);
+    if (last.ends_with(repeated)) last.remove_suffix(repeated.size());
     return std::string(last);
 }
 
 CLI::Option* declare(CLI::App& app, const OptionSpec& spec) {
     const std::string names(spec.names);
     const std::string help(spec.help);
+    if (spec.names.ends_with(repeated)) return app.add_option(keyOf(names), help)->required()->type_name("")->expected(-1);
     if (!names.starts_with('-')) return app.add_option(names, help)->required()->type_name("");
     if (spec.argument.empty()) return app.add_flag(names, help);
     return app.add_option(names, help)->type_name(std::string(spec.argument));
@@ -47,7 +52,7 @@ struct Parser {
     Arguments argumentsOf(const Command& command) const {
         Arguments arguments;
         for (const auto& [key, option] : options.at(&command))
-            if (option->count() > 0) arguments.set(key, option->results().front());
+            if (option->count() > 0) arguments.set(key, option->results());
         return arguments;
     }
 
@@ -59,6 +64,7 @@ int run(int argc, char** argv) {
     const LinuxFileSystem files;
     Commands commands;
     commands.push_back(std::make_unique<DuplicatesCommand>(files));
+    commands.push_back(std::make_unique<SizeCommand>(files));
 
     Parser parser(commands);
     try {

@@ -29,6 +29,9 @@ public:
     SysResult<std::string> resolved(const std::string& path) const override;
     std::size_t descriptorLimit() const override;
     void useOwnDescriptors() const override;
+    void readSizes(int folder, std::span<CatalogEntry> entries) const override;
+    SysResult<Descriptor> holdEntry(int parent, const char* name) const override;
+    SysResult<std::string> pathOf(int descriptor) const override;
 };
 
 }  // namespace orrinvale
