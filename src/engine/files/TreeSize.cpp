@@ -51,6 +51,7 @@ public:
 
 private:
     WorkCrew::Step step(unsigned number);
+    void visit(Worker& worker, SizedFolder* folder);
     bool enter(Worker& worker, SizedFolder& folder);
     void list(Worker& worker, SizedFolder& folder);
     void take(Worker& worker, SizedFolder& folder);
@@ -60,7 +61,7 @@ private:
     bool isKernels(std::uint64_t device);
     [[nodiscard]] bool stopped() const { return m_watch.stop != nullptr && *m_watch.stop; }
     void push(SizedFolder* folder);
-    void pushFound(Worker& worker);
+    SizedFolder* pushFound(Worker& worker);
     void count(SizeTotals& totals);
     void releaseHandle(SizedFolder& folder);
     static void release(SizedFolder* folder);
@@ -108,7 +109,17 @@ WorkCrew::Step Measuring::step(unsigned number) {
         folder = m_tasks.back();
         m_tasks.pop_back();
     }
+    // Goes on with the first subfolder itself: in a chain of folders there is nothing for others, and nobody is woken.
     Worker& worker = m_workers[number];
+    while (folder != nullptr) {
+        visit(worker, folder);
+        count(worker.totals);
+        folder = pushFound(worker);
+    }
+    return m_open.fetch_sub(1) == 1 ? WorkCrew::Step::Finished : WorkCrew::Step::Worked;
+}
+
+void Measuring::visit(Worker& worker, SizedFolder* folder) {
     const bool toOpen = !folder->handle.isOpen();
     if (stopped()) {
         if (toOpen) releaseHandle(*folder->above);
@@ -117,9 +128,6 @@ WorkCrew::Step Measuring::step(unsigned number) {
     }
     releaseHandle(*folder);
     release(folder);
-    count(worker.totals);
-    pushFound(worker);
-    return m_open.fetch_sub(1) == 1 ? WorkCrew::Step::Finished : WorkCrew::Step::Worked;
 }
 
 // False when there is nothing to list, or it is listed already.
@@ -214,7 +222,8 @@ void Measuring::takeDeep(Worker& worker, const SizedFolder& folder) {
         else addSaturating(worker.totals.bytes, countedSize(one.attributes));
     };
     const std::atomic<bool> never{false};
-    const auto listed = listTree(m_files, folder.handle.get(), listing, m_watch.stop != nullptr ? *m_watch.stop : never);
+    const auto listed =
+        listTree(m_files, folder.handle.get(), listing, m_watch.stop != nullptr ? *m_watch.stop : never);
     if (!listed) fail(folder, "list", listed.error());
 }
 
@@ -245,15 +254,20 @@ void Measuring::push(SizedFolder* folder) {
     m_crew.wake();
 }
 
-void Measuring::pushFound(Worker& worker) {
-    if (worker.found.empty()) return;
-    m_open.fetch_add(worker.found.size());
-    {
-        const std::lock_guard lock(m_mutex);
-        m_tasks.insert(m_tasks.end(), worker.found.rbegin(), worker.found.rend());
+// Leaves the found subfolders to all, but for the first, which is the answer and takes the place of the task in hand.
+SizedFolder* Measuring::pushFound(Worker& worker) {
+    if (worker.found.empty()) return nullptr;
+    SizedFolder* const first = worker.found.front();
+    if (worker.found.size() > 1) {
+        m_open.fetch_add(worker.found.size() - 1);
+        {
+            const std::lock_guard lock(m_mutex);
+            m_tasks.insert(m_tasks.end(), worker.found.rbegin(), worker.found.rend() - 1);
+        }
+        m_crew.wake();
     }
     worker.found.clear();
-    m_crew.wake();
+    return first;
 }
 
 void Measuring::count(SizeTotals& totals) {
@@ -296,7 +310,8 @@ Result<SizeTotals> TreeSize::ofEntry(int parent, const std::string& name, const 
     if (folder) return Measuring(m_files, m_watch, shown, std::move(*folder)).run();
     if (folder.error() != ENOTDIR && folder.error() != ELOOP)
         return tl::unexpected(systemError("open", shown, folder.error()));
-    const auto entry = name.empty() ? m_files.attributes(parent) : m_files.attributes(parent, name.c_str(), Links::Keep);
+    const auto entry =
+        name.empty() ? m_files.attributes(parent) : m_files.attributes(parent, name.c_str(), Links::Keep);
     if (!entry) return tl::unexpected(systemError("attributes", shown, entry.error()));
     const SizeTotals one{.bytes = countedSize(*entry), .files = 1, .folders = 0};
     if (m_watch.counts != nullptr) addSaturating(m_watch.counts->bytes, one.bytes);
