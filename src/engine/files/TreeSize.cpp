@@ -198,6 +198,7 @@ void Measuring::takeDeep(Worker& worker, const SizedFolder& folder) {
     TreeListing listing;
     listing.enter = [&](std::string_view) { moved = true; };
     listing.failed = [&](std::string_view relative, int error) {
+        ++worker.totals.folders;  // told as an entry only once it was listed
         if (error == ENOENT || error == ENOTDIR || error == ELOOP) return;
         skip("open", joinPath(pathOf(folder), relative), error);
     };
@@ -321,6 +322,7 @@ Result<SizeTotals> TreeSize::ofEntry(int parent, const std::string& name, const 
 
 Result<SizeTotals> TreeSize::ofPath(const std::string& path) const {
     constexpr std::size_t longest = 4000;  // below PATH_MAX
+    if (path.empty()) return tl::unexpected(systemError("open", path, ENOENT));
     const std::size_t slash = path.find_last_not_of('/');
     const std::size_t cut = slash == std::string::npos ? slash : path.rfind('/', slash);
     if (path.size() < longest || cut == std::string::npos) return ofEntry(FileSystem::noParent, path, path);

@@ -30,9 +30,23 @@ std::string homeInDatabase(uid_t user) {
     return found->pw_dir != nullptr && *found->pw_dir == '/' ? found->pw_dir : "";
 }
 
-std::string withoutSlashes(std::string path) {
-    while (path.size() > 1 && path.back() == '/') path.pop_back();
-    return path;
+// The same path with no slash at its end, no doubled one and no "."; nothing for one that climbs by "..", as nobody can tell
+// from the text alone where it leads.
+std::optional<std::string> plain(std::string_view path) {
+    std::string out;
+    for (std::size_t at = 0; at < path.size();) {
+        const std::size_t end = std::min(path.find('/', at), path.size());
+        const std::string_view component = path.substr(at, end - at);
+        at = end + 1;
+        if (component == "..") return std::nullopt;
+        if (!component.empty() && component != ".") (out += '/') += component;
+    }
+    return out.empty() ? "/" : out;
+}
+
+// A folder that is to be emptied must never be the home folder, nor one above it.
+bool holdsHome(const std::string& path, const std::string& home) {
+    return path == "/" || home == path || home.starts_with(path + '/');
 }
 
 bool isFolder(const std::string& path) {
@@ -82,9 +96,7 @@ std::optional<std::string> userDirectory(std::string_view value, const std::stri
     if (!path) return std::nullopt;
     if (path->starts_with(variable) && (path->size() == variable.size() || (*path)[variable.size()] == '/'))
         path->replace(0, variable.size(), home);
-    if (!path->starts_with('/') || path->find("/../") != std::string::npos || path->ends_with("/.."))
-        return std::nullopt;
-    return withoutSlashes(std::move(*path));
+    return path->starts_with('/') ? plain(*path) : std::nullopt;
 }
 
 enum class Owned { Missing, Mine, Foreign };
@@ -128,9 +140,13 @@ std::optional<std::string> downloadsIn(std::string_view userDirs, const std::str
 
 LinuxFolders::LinuxFolders(FolderVariables variables) : m_variables(std::move(variables)) {}
 
+std::string LinuxFolders::home() const { return m_variables.home.empty() ? "" : plain(m_variables.home).value_or(""); }
+
 std::string LinuxFolders::below(const std::string& chosen, const char* usual) const {
-    if (chosen.starts_with('/')) return withoutSlashes(chosen);
-    return m_variables.home.empty() ? std::string() : withoutSlashes(m_variables.home) + usual;
+    const std::string start = home();
+    const auto path = chosen.starts_with('/') ? plain(chosen) : std::nullopt;
+    if (path && !holdsHome(*path, start)) return *path;
+    return start.empty() ? start : start + usual;
 }
 
 std::string LinuxFolders::userCaches() const { return below(m_variables.cacheHome, "/.cache"); }
@@ -147,15 +163,10 @@ std::vector<std::string> LinuxFolders::userLogs() const {
 }
 
 std::string LinuxFolders::downloads() const {
-    const std::string home = withoutSlashes(m_variables.home);
-    const std::string config = below(m_variables.configHome, "/.config");
-    if (const auto text = smallFile(config + "/user-dirs.dirs"))
-        if (auto chosen = downloadsIn(*text, home)) {
-            // Desktops write the home folder itself for "none"; a folder above it would be worse still.
-            const bool above = *chosen == "/" || home == *chosen || home.starts_with(*chosen + '/');
-            return above ? std::string() : *chosen;
-        }
-    return below({}, "/Downloads");
+    const auto text = smallFile(below(m_variables.configHome, "/.config") + "/user-dirs.dirs");
+    const auto chosen = text ? downloadsIn(*text, home()) : std::nullopt;
+    if (!chosen) return below({}, "/Downloads");
+    return holdsHome(*chosen, home()) ? std::string() : *chosen;  // desktops write the home folder for "none"
 }
 
 std::string LinuxFolders::homeTrash() const {
@@ -164,7 +175,7 @@ std::string LinuxFolders::homeTrash() const {
 }
 
 std::vector<std::string> LinuxFolders::volumeTrash(const std::string& root) const {
-    const std::string top = root == "/" ? std::string() : withoutSlashes(root);
+    const std::string top = root.substr(0, root.find_last_not_of('/') + 1);
     const std::string user = std::to_string(m_variables.user);
     const std::string shared = top + "/.Trash";
     const std::string own = top + "/.Trash-" + user;

@@ -12,11 +12,11 @@ namespace orrinvale {
 
 /// What the environment says; see the XDG base directory specification. Read once, since getenv(3) is not safe beside setenv(3).
 struct FolderVariables {
-    std::string home;       ///< HOME, or where it is missing or relative, the user database
-    std::string cacheHome;  ///< XDG_CACHE_HOME, and so on; relative values count as missing
-    std::string configHome;
-    std::string dataHome;
-    std::string stateHome;
+    std::string home{};       ///< HOME, or where it is missing or relative, the user database
+    std::string cacheHome{};  ///< XDG_CACHE_HOME, and so on; relative values count as missing
+    std::string configHome{};
+    std::string dataHome{};
+    std::string stateHome{};
     uid_t user = 0;
 
     [[nodiscard]] static FolderVariables ofThisProcess();
@@ -27,7 +27,7 @@ class LinuxFolders final : public Folders {
 public:
     explicit LinuxFolders(FolderVariables variables = FolderVariables::ofThisProcess());
 
-    [[nodiscard]] std::string home() const override { return m_variables.home; }
+    [[nodiscard]] std::string home() const override;
     [[nodiscard]] std::string systemCaches() const override { return "/var/cache"; }
     [[nodiscard]] std::string userCaches() const override;
     [[nodiscard]] std::string systemLogs() const override { return "/var/log"; }
