@@ -5,6 +5,7 @@
 // makes an Error of them where one is wanted (platform/error.h).
 #pragma once
 
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -169,6 +170,21 @@ public:
     virtual void useOwnDescriptors() const = 0;
 
     static constexpr int noParent = -100;  ///< AT_FDCWD
+
+    /// Fills type and size of `attributes`, or `error`, of each entry, links kept; the other attributes mean nothing. Asks the file
+    /// system for no more than these two, which spares network file systems a round trip.
+    virtual void readSizes(int folder, std::span<CatalogEntry> entries) const { readAttributes(folder, entries); }
+
+    /// Takes hold of an entry of whatever type without opening it: a link itself, a FIFO, a folder or a file that may not be read.
+    /// Good for attributes(), as the parent of other operations and for pathOf(), and for nothing else. ENOSYS where
+    /// the system has no such thing.
+    [[nodiscard]] virtual SysResult<Descriptor> holdEntry(int /*parent*/, const char* /*name*/) const {
+        return tl::unexpected(ENOSYS);
+    }
+
+    /// Where the entry stands now, as an absolute path of at most a page (4 KiB). For an entry that is gone the system makes up a name:
+    /// look up what you get. ENOSYS where the system does not tell.
+    [[nodiscard]] virtual SysResult<std::string> pathOf(int /*descriptor*/) const { return tl::unexpected(ENOSYS); }
 };
 
 }  // namespace orrinvale
