@@ -9,6 +9,7 @@
 #include <QWindow>
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "ui/kit/chrome/ResizeGrip.h"
@@ -261,21 +262,27 @@ void TCImageWindow::layOutFrame(const QRect& frame) {
     }
 }
 
-void TCImageWindow::putButtonsLast() {
-    // The first in the chain gets the focus when the window comes up, and that must not be the button that closes it.
-    QWidget* last = this;
+QList<QWidget*> TCImageWindow::focusOrder() const {
+    QList<QWidget*> out;
     const auto& buttons = m_titleBar->buttons();
+    const auto takesFocus = [](const QWidget* each) {
+        return (each->focusPolicy() & Qt::TabFocus) == Qt::TabFocus && each->isVisible() && each->isEnabled();
+    };
     for (QWidget* each = nextInFocusChain(); each != this; each = each->nextInFocusChain())
-        if (std::find(buttons.begin(), buttons.end(), each) == buttons.end()) last = each;
-    for (WindowButton* const button : buttons) {
-        if (last->nextInFocusChain() != button) setTabOrder(last, button);
-        last = button;
-    }
+        if (!each->isWindow() && takesFocus(each) && std::find(buttons.begin(), buttons.end(), each) == buttons.end())
+            out.append(each);
+    std::copy_if(buttons.begin(), buttons.end(), std::back_inserter(out), takesFocus);
+    return out;
 }
 
 bool TCImageWindow::focusNextPrevChild(bool next) {
-    putButtonsLast();
-    return QWidget::focusNextPrevChild(next);
+    const QList<QWidget*> order = focusOrder();
+    if (order.isEmpty()) return false;
+    const qsizetype now = order.indexOf(focusWidget());
+    const qsizetype count = order.size();
+    const qsizetype then = now < 0 ? (next ? 0 : count - 1) : (now + (next ? 1 : count - 1)) % count;
+    order.at(then)->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    return true;
 }
 
 void TCImageWindow::paintEvent(QPaintEvent*) {
@@ -292,7 +299,6 @@ void TCImageWindow::resizeEvent(QResizeEvent* event) {
 
 void TCImageWindow::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
-    putButtonsLast();
     layOut();
 }
 
@@ -315,6 +321,9 @@ bool TCImageWindow::isFramedAllTheSame() const {
 
 bool TCImageWindow::event(QEvent* event) {
     const bool out = QWidget::event(event);
+    // The toolkit would give the first focus to the first that was made, the button that closes the window.
+    if (event->type() == QEvent::WindowActivate && focusWidget() == nullptr)
+        if (const auto order = focusOrder(); !order.isEmpty()) order.first()->setFocus(Qt::ActiveWindowFocusReason);
     if (event->type() == QEvent::WindowActivate || event->type() == QEvent::Resize) {
         // Later, since it may make the native window anew.
         if (isFramedAllTheSame()) QMetaObject::invokeMethod(this, &TCImageWindow::useSystemFrame, Qt::QueuedConnection);

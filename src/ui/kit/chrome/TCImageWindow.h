@@ -2,6 +2,7 @@
 // WindowShadow, frameGeometry; desktopFrame decides who draws the frame.
 #pragma once
 
+#include <QList>
 #include <QMargins>
 #include <QPointer>
 #include <QWidget>
@@ -93,7 +94,8 @@ private:
     void applyBounds();
     void layOut();
     void layOutFrame(const QRect& frame);
-    void putButtonsLast();
+    /// What the Tab key goes through: the contents first, the window buttons last.
+    [[nodiscard]] QList<QWidget*> focusOrder() const;
     void boundMaximised();
     [[nodiscard]] QRect zoomTarget() const;
     [[nodiscard]] QRect normalFrame() const;
