@@ -114,7 +114,7 @@ void ProtectedPlaces::addOwnFile(const FileSystem& files, const std::string& pat
     (void)listTree(files, folder->get(), listing, never);
 }
 
-void ProtectedPlaces::add(const FileSystem& files, std::string_view path, std::string reason) {
+void ProtectedPlaces::add(const FileSystem& files, std::string_view path, const std::string& reason) {
     const auto plain = plainPath(path);
     if (!plain) return;
     protect(files, *plain, reason);

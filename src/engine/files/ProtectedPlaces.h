@@ -29,7 +29,7 @@ public:
 
     /// Protects one more place and every folder above it; where links lead there, also where they lead to. The reason is for
     /// people: "a home folder". A place that is not there is protected by its spelling alone.
-    void add(const FileSystem& files, std::string_view path, std::string reason);
+    void add(const FileSystem& files, std::string_view path, const std::string& reason);
 
     /// Why the entry may not be removed, or nothing when it may. `path` is absolute and without ".."; others are refused.
     [[nodiscard]] std::optional<std::string> refusal(std::string_view path, const FileAttributes& entry) const;
