@@ -67,9 +67,9 @@ ProtectedPlaces ProtectedPlaces::ofThisMachine(const FileSystem& files, const st
     // What comes later gives its reason to a place that is several things.
     ProtectedPlaces places;
     places.addMounts(files);
-    places.addKernelPlaces(files);
+    places.addHomes(files);  // accounts of the system have theirs in odd places, /dev among them
     for (const std::string& path : ownFiles) places.addOwnFile(files, path);
-    places.addHomes(files);
+    places.addKernelPlaces(files);
     places.add(files, "/", "the root of the file system");
     return places;
 }
