@@ -104,7 +104,12 @@ AuthorizationRefusal refusalOf(int status, std::string_view errors) {
 HelperPaths HelperPaths::installed() { return {"/usr/bin/pkexec", ORRINVALE_HELPER_PATH}; }
 
 HelperProcess::HelperProcess(HelperPaths paths, std::function<void(AuthorizationRefusal)> lost)
-    : m_paths(std::move(paths)), m_lost(std::move(lost)) {}
+    : m_paths(std::move(paths)), m_lost(std::move(lost)) {
+    int ends[2];
+    if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) != 0) return;
+    m_socket = Descriptor(ends[0]);
+    m_theirs = Descriptor(ends[1]);
+}
 
 HelperProcess::~HelperProcess() {
     end();
@@ -114,10 +119,7 @@ HelperProcess::~HelperProcess() {
 AuthorizationRefusal HelperProcess::start() {
     if (::access(m_paths.pkexec.c_str(), X_OK) != 0) return AuthorizationRefusal::NoPolkit;
     if (!isTrustworthy(m_paths.helper)) return AuthorizationRefusal::HelperMissing;
-    int ends[2];
-    if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) != 0) return AuthorizationRefusal::HelperFailed;
-    m_socket = Descriptor(ends[0]);
-    m_theirs = Descriptor(ends[1]);
+    if (!m_socket.isOpen()) return AuthorizationRefusal::HelperFailed;
     std::promise<AuthorizationRefusal> promise;
     auto answer = promise.get_future();
     m_thread = std::thread([this, given = std::move(promise)]() mutable { run(std::move(given)); });

@@ -60,7 +60,7 @@ private:
 
     const HelperPaths m_paths;
     const std::function<void(AuthorizationRefusal)> m_lost;
-    Descriptor m_socket;      // written by start(), before the thread
+    Descriptor m_socket;      // stays open from the constructor on, so that end() may come at any moment
     Descriptor m_theirs;      // the helper's end, until it has it
     Descriptor m_errors;      // what pkexec and the helper say
     std::string m_errorText;  // of the thread
