@@ -54,12 +54,13 @@ HelperRun::HelperRun(uid_t caller) {
     const std::string user = "PKEXEC_UID=" + std::to_string(caller);
     const char* const environment[] = {user.c_str(), nullptr};
     const char* const arguments[] = {ORRINVALE_HELPER, nullptr};
-    m_process = ::fork();
-    if (m_process == 0) {
+    const pid_t child = ::fork();
+    if (child == 0) {
         ::dup2(sockets.theirs.get(), STDIN_FILENO);
         ::execve(arguments[0], const_cast<char* const*>(arguments), const_cast<char* const*>(environment));
         ::_exit(125);
     }
+    m_process = child;
     m_socket = std::move(sockets.ours);
     sockets.theirs.reset();
     const auto first = receive();
