@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <chrono>
 #include <future>
 #include <optional>
 #include <string>
@@ -41,7 +42,12 @@ struct Attempt {
         std::string trouble;
         if (agent && !isDismissed && !agent->says("Password:")) trouble = "nobody asked for a password; ";
         if (agent && person == Person::Leaves) agent->kill();
-        if (agent && person == Person::Types) agent->type(typed);
+        // The agent throws away what was typed before it has switched the echo off, which it does after it has asked.
+        constexpr std::chrono::seconds longEnough{2};
+        for (int i = 0; agent && person == Person::Types && i < 10; ++i) {
+            agent->type(typed);
+            if (asked.wait_for(longEnough) == std::future_status::ready) break;
+        }
         const std::int32_t status = asked.get();
         if (system.lastRefusal() != expected)
             trouble += fmt::format("refusal {}, status {}", static_cast<int>(system.lastRefusal()), status);
