@@ -1,9 +1,88 @@
 // The window program: the system gate first, then the run that only touches memory, then the window.
+#include <QImageReader>
+#include <QIcon>
 #include <cstdio>
+#include <cstdlib>
+#include <string>
 
+#include "engine/base/NotificationCenter.h"
+#include "engine/base/UtilityObject.h"
+#include "engine/cleaning/QnAuthorization.h"
 #include "engine/memory/ClearMemory.h"
+#include "engine/settings/PreferenceViewController.h"
+#include "engine/settings/UserDefaults.h"
 #include "engine/text/UtilityFunction.h"
+#include "platform/linux/LinuxAuthorization.h"
+#include "platform/linux/LinuxFiles.h"
+#include "platform/linux/LinuxPermissions.h"
 #include "platform/linux/LinuxSystem.h"
+#include "services/foundation/QtMainQueue.h"
+#include "services/settings/SettingsKeeper.h"
+#include "ui/kit/dialogs/WindowDialogs.h"
+#include "ui/kit/look/Theme.h"
+#include "ui/shell/DuplicateMainWindowController.h"
+#include "ui/shell/FileIcons.h"
+#include "ui/shell/FileManager.h"
+#include "ui/shell/MyNSApplication.h"
+#include "ui/shell/StallCounter.h"
+
+namespace orrinvale {
+namespace {
+
+// Qt ends the process by abort() where it finds no display; a person in a terminal gets a sentence instead.
+bool hasDisplay() {
+    for (const char* const name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+        const char* const value = std::getenv(name);
+        if (value != nullptr && *value != '\0') return true;
+    }
+    return false;
+}
+
+int runWindow(int argc, char** argv) {
+    MyNSApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("Orrinvale"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("com.kelpford.Orrinvale"));
+    Theme::shared().setScheme(Theme::desktopScheme());
+    Theme::shared().install(application);
+    const StallCounter stalls(qEnvironmentVariableIntValue("ORRINVALE_STALLS") == 1);
+
+    const LinuxFileSystem files;
+    const LinuxPermissions permissions;
+    LinuxAuthorization authorization;
+    NotificationCenter notifications;
+    QtMainQueue mainQueue;
+    UtilityFunction::getMyFunction().setNotificationCenter(&notifications);
+    QnAuthorization& right = QnAuthorization::shareQnAuthorization();
+    right.setParts({.authorization = &authorization, .files = &files, .permissions = &permissions, .ownFiles = {}});
+    right.setRightLostHandler([&](AuthorizationRefusal /*reason*/) {
+        mainQueue.async([&] {
+            UtilityObject::getMyObject().setIsOpenLocked(false);
+            notifications.post("changeLockState");
+        });
+    });
+
+    PreferenceViewController::initialize();
+    UserDefaults& defaults = UserDefaults::standardUserDefaults();
+    const SettingsKeeper keeper(defaults);
+    WindowDialogs dialogs;
+    FileIcons icons;
+    DuplicateMainWindowController window({.files = &files,
+                                          .notifications = &notifications,
+                                          .defaults = &defaults,
+                                          .dialogs = &dialogs,
+                                          .mainQueue = &mainQueue,
+                                          .icons = [&](const IconRequest& request) { return icons.icon(request); },
+                                          .reveal = revealInFileManager,
+                                          .openAddress = openWebPage},
+                                         icons);
+    window.showWindow();
+    // A folder on the command line is searched as if it had been dropped.
+    if (argc > 1) window.sameFileDeleteVC()->viewDragAction(argv[1]);
+    return QApplication::exec();
+}
+
+}  // namespace
+}  // namespace orrinvale
 
 int main(int argc, char** argv) {
     static const orrinvale::LinuxSystem system;
@@ -13,6 +92,9 @@ int main(int argc, char** argv) {
     const std::int32_t memoryRun = orrinvale::ClearMemory::freeMemory(argc, argv);
     if (memoryRun != -1) return memoryRun;
 
-    std::fputs("orrinvale: the window is not built yet; use orrinvale-cli\n", stderr);
-    return 2;
+    if (!orrinvale::hasDisplay()) {
+        std::fputs("orrinvale: there is no display here; use orrinvale-cli\n", stderr);
+        return 2;
+    }
+    return orrinvale::runWindow(argc, argv);
 }

@@ -17,7 +17,8 @@ enum class Status : int { Done = 0, SomeSkipped = 1, BadUsage = 2, NoSuchFolder 
 /// One option or argument of a command, as data.
 struct OptionSpec {
     std::string_view
-        names;  ///< "--json", "-0,--print0"; a bare name such as "FOLDER" is an argument that must be given
+        names;  ///< "--json", "-0,--print0"; a bare name such as "FOLDER" is an argument that must be given, one
+                ///< such as "PATH..." an argument that must be given and may be repeated
     std::string_view argument;  ///< what the option takes ("BYTES"); empty for a flag
     std::string_view help;
 };
@@ -25,17 +26,22 @@ struct OptionSpec {
 /// What was given on the command line.
 class Arguments final {
 public:
-    void set(std::string name, std::string value) { m_values[std::move(name)] = std::move(value); }
+    void set(std::string name, std::vector<std::string> values) { m_values[std::move(name)] = std::move(values); }
 
-    /// By the long name without dashes, or the argument's name.
+    /// By the long name without dashes, or the argument's name without dots.
     [[nodiscard]] bool has(const std::string& name) const { return m_values.contains(name); }
     [[nodiscard]] std::string text(const std::string& name) const {
         const auto found = m_values.find(name);
-        return found == m_values.end() ? std::string() : found->second;
+        return found == m_values.end() || found->second.empty() ? std::string() : found->second.front();
+    }
+    /// All that was given, in its order; empty when nothing was.
+    [[nodiscard]] std::vector<std::string> texts(const std::string& name) const {
+        const auto found = m_values.find(name);
+        return found == m_values.end() ? std::vector<std::string>() : found->second;
     }
 
 private:
-    std::map<std::string, std::string> m_values;
+    std::map<std::string, std::vector<std::string>> m_values;
 };
 
 class Command {

@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -9,26 +10,57 @@
 #include "cli/Command.h"
 #include "cli/DuplicatesCommand.h"
 #include "cli/Output.h"
+#include "cli/VolumesCommand.h"
+#include "cli/SizeCommand.h"
 #include "engine/base/Log.h"
 #include "platform/linux/LinuxFiles.h"
+#include "platform/linux/LinuxVolumes.h"
 
 namespace orrinvale::cli {
 namespace {
+
+constexpr std::string_view repeated = "...";
 
 using Commands = std::vector<std::unique_ptr<Command>>;
 
 std::string keyOf(std::string_view names) {
     std::string_view last = names.substr(names.rfind(',') == std::string_view::npos ? 0 : names.rfind(',') + 1);
     while (last.starts_with('-')) last.remove_prefix(1);
+    if (last.ends_with(repeated)) last.remove_suffix(repeated.size());
     return std::string(last);
 }
 
 CLI::Option* declare(CLI::App& app, const OptionSpec& spec) {
     const std::string names(spec.names);
     const std::string help(spec.help);
+    if (spec.names.ends_with(repeated))
+        return app.add_option(keyOf(names), help)
+            ->required()
+            ->type_name("")
+            ->expected(CLI::detail::expected_max_vector_size);
     if (!names.starts_with('-')) return app.add_option(names, help)->required()->type_name("");
     if (spec.argument.empty()) return app.add_flag(names, help);
     return app.add_option(names, help)->type_name(std::string(spec.argument));
+}
+
+// The arguments as the parser takes them, last one first. Paths that it would misread are put otherwise: they are relative, and lead
+// to the same place with "./" before them. One written "[a,b]" would be taken for a list; one that begins with a dash behind
+// "--" is refused as soon as another path stands before the "--".
+std::vector<std::string> parserArguments(int argc, char** argv) {
+    std::vector<std::string> out;
+    bool pathsOnly = false;
+    for (int i = 1; i < argc; ++i) {
+        std::string argument(argv[i]);
+        if (!pathsOnly && argument == "--") {
+            pathsOnly = true;
+            continue;
+        }
+        const bool list = argument.starts_with('[') && argument.ends_with(']');
+        if (list || (pathsOnly && argument.starts_with('-'))) argument.insert(0, "./");
+        out.push_back(std::move(argument));
+    }
+    std::reverse(out.begin(), out.end());
+    return out;
 }
 
 // The parser, made from the tables of the commands.
@@ -47,7 +79,7 @@ struct Parser {
     Arguments argumentsOf(const Command& command) const {
         Arguments arguments;
         for (const auto& [key, option] : options.at(&command))
-            if (option->count() > 0) arguments.set(key, option->results().front());
+            if (option->count() > 0) arguments.set(key, option->results());
         return arguments;
     }
 
@@ -59,10 +91,13 @@ int run(int argc, char** argv) {
     const LinuxFileSystem files;
     Commands commands;
     commands.push_back(std::make_unique<DuplicatesCommand>(files));
+    LinuxVolumes volumes;
+    commands.push_back(std::make_unique<VolumesCommand>(volumes));
+    commands.push_back(std::make_unique<SizeCommand>(files));
 
     Parser parser(commands);
     try {
-        parser.app.parse(argc, argv);
+        parser.app.parse(parserArguments(argc, argv));
     } catch (const CLI::Success& asked) {  // --help, --version
         return parser.app.exit(asked);
     } catch (const CLI::ParseError& error) {

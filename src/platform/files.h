@@ -5,6 +5,7 @@
 // makes an Error of them where one is wanted (platform/error.h).
 #pragma once
 
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -74,6 +75,12 @@ struct ReadState {
     std::vector<Range> notResident;            ///< what has to be dropped at the end, for devices that can not
 };
 
+/// A place at which a file system is mounted, as an absolute path without links.
+struct MountPoint {
+    std::string path;
+    bool mayHang = false;  ///< served by another machine or by a program, whose answer may never come
+};
+
 /// Thread-safe: holds no state of its own that changes. Every operation retries EINTR.
 class FileSystem {
 public:
@@ -139,11 +146,45 @@ public:
     /// How many descriptors this process may hold open; raised to the hard limit at the first call.
     [[nodiscard]] virtual std::size_t descriptorLimit() const = 0;
 
+    /// Holds a folder as a base for other operations; to be searched is enough, it need not be readable and can not be listed.
+    /// Never by a link of /proc that leads straight to another process's folder. With `onTheWay` Keep by no link at all. ELOOP
+    /// for both. Kernels before 5.6 are helped by a walk of our own, which follows no link inside /proc whatsoever.
+    [[nodiscard]] virtual SysResult<Descriptor> holdFolder(int parent, const char* path, Links onTheWay) const = 0;
+
+    /// Opens a folder by one name for listing, never through a link: ENOTDIR or ELOOP. EXDEV when something is mounted there,
+    /// without asking what is; kernels before 5.6 open it, so that the caller compares device and mount as well.
+    [[nodiscard]] virtual SysResult<Descriptor> openInside(int parent, const char* name) const = 0;
+
+    /// Removes an entry by its name: an empty folder for the type Folder (ENOTDIR when it is none), anything else for every
+    /// other type (EISDIR when it is a folder). Of a link the link.
+    [[nodiscard]] virtual SysResult<void> removeEntry(int folder, const char* name, FileType type) const = 0;
+
+    /// Where an open or held folder is at this moment: an absolute path without links.
+    [[nodiscard]] virtual SysResult<std::string> placeOf(int folder) const = 0;
+
+    /// What is mounted where, at this moment. An error when the system does not tell.
+    [[nodiscard]] virtual SysResult<std::vector<MountPoint>> mountPoints() const = 0;
+
     /// From the start of a thread on that hands no descriptor to another and takes none: gives it a table of descriptors of its
     /// own, where the system can. Opening and closing then need no lock; 15 % of the time of reading small files, measured.
     virtual void useOwnDescriptors() const = 0;
 
     static constexpr int noParent = -100;  ///< AT_FDCWD
+
+    /// Fills type and size of `attributes`, or `error`, of each entry, links kept; the other attributes mean nothing. Asks the file
+    /// system for no more than these two, which spares network file systems a round trip.
+    virtual void readSizes(int folder, std::span<CatalogEntry> entries) const { readAttributes(folder, entries); }
+
+    /// Takes hold of an entry of whatever type without opening it: a link itself, a FIFO, a folder or a file that may not be read.
+    /// Good for attributes(), as the parent of other operations and for pathOf(), and for nothing else. ENOSYS where
+    /// the system has no such thing.
+    [[nodiscard]] virtual SysResult<Descriptor> holdEntry(int /*parent*/, const char* /*name*/) const {
+        return tl::unexpected(ENOSYS);
+    }
+
+    /// Where the entry stands now, as an absolute path of at most a page (4 KiB). For an entry that is gone the system makes up a name:
+    /// look up what you get. ENOSYS where the system does not tell.
+    [[nodiscard]] virtual SysResult<std::string> pathOf(int /*descriptor*/) const { return tl::unexpected(ENOSYS); }
 };
 
 }  // namespace orrinvale

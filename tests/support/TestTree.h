@@ -64,19 +64,25 @@ class WatchedFiles final : public FileSystem {
 public:
     std::function<void(const char* name)> onOpenFile;
     std::function<void()> onReadFolder;
+    std::function<void(const char* operation)>
+        beforeRemoval;            ///< before each step of a removal, by its operation's name
+    bool mountsFail = false;      ///< the table of mounts can not be read
     std::size_t descriptors = 0;  ///< what descriptorLimit() answers; 0 for the real one
 
     SysResult<Descriptor> openFolder(int parent, const char* name, Links links) const override {
+        step("openFolder");
         return m_real.openFolder(parent, name, links);
     }
     SysResult<bool> readFolder(int folder, CatalogBatch& batch) const override {
         if (onReadFolder) onReadFolder();
+        step("readFolder");
         return m_real.readFolder(folder, batch);
     }
     void readAttributes(int folder, std::span<CatalogEntry> entries) const override {
         m_real.readAttributes(folder, entries);
     }
     SysResult<FileAttributes> attributes(int parent, const char* name, Links links) const override {
+        step("attributes");
         return m_real.attributes(parent, name, links);
     }
     SysResult<FileAttributes> attributes(int descriptor) const override { return m_real.attributes(descriptor); }
@@ -109,8 +115,28 @@ public:
     SysResult<std::string> resolved(const std::string& path) const override { return m_real.resolved(path); }
     std::size_t descriptorLimit() const override { return descriptors != 0 ? descriptors : m_real.descriptorLimit(); }
     void useOwnDescriptors() const override { m_real.useOwnDescriptors(); }
+    SysResult<Descriptor> holdFolder(int parent, const char* path, Links onTheWay) const override {
+        step("holdFolder");
+        return m_real.holdFolder(parent, path, onTheWay);
+    }
+    SysResult<Descriptor> openInside(int parent, const char* name) const override {
+        step("openInside");
+        return m_real.openInside(parent, name);
+    }
+    SysResult<void> removeEntry(int folder, const char* name, FileType type) const override {
+        step("removeEntry");
+        return m_real.removeEntry(folder, name, type);
+    }
+    SysResult<std::string> placeOf(int folder) const override { return m_real.placeOf(folder); }
+    SysResult<std::vector<MountPoint>> mountPoints() const override {
+        if (mountsFail) return tl::unexpected(5);  // EIO
+        return m_real.mountPoints();
+    }
 
 private:
+    void step(const char* operation) const {
+        if (beforeRemoval) beforeRemoval(operation);
+    }
     LinuxFileSystem m_real;
 };
 

@@ -2,42 +2,57 @@
 // anything is touched.
 #pragma once
 
+#include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/files.h"
 
 namespace orrinvale {
 
-/// The root, mount points and folders with a mount below, home folders, the program's own files, the kernel's folders, and
-/// every folder above one of these. Compared by device and inode as well as by spelling, so that neither a bind mount nor
-/// another way of writing the path leads around it. A snapshot of one moment: make it anew for each removal that a person
-/// confirms. Not changed after it is made, so any thread may ask.
+/// The root, mount points and folders with a mount below, home folders, the program's own files, the kernel's folders with all
+/// that is in them, and every folder above one of these. Compared by device and inode as well as by spelling, so that neither a
+/// bind mount nor another way of writing the path leads around it. A snapshot of one moment: make it anew for each removal
+/// that a person confirms. Not changed after it is made, so any thread may ask.
 class ProtectedPlaces final {
 public:
-    /// What is protected on this machine now. `ownFiles` are absolute paths of the program's own files.
+    /// What is protected on this machine now. `ownFiles` are absolute paths of the program's own files; of a folder among them
+    /// all that it holds. When the system does not tell what is mounted, everything is refused.
     [[nodiscard]] static ProtectedPlaces ofThisMachine(const FileSystem& files,
                                                        const std::vector<std::string>& ownFiles);
 
     ProtectedPlaces() = default;
 
-    /// Protects one more place and every folder above it. The reason is for people: "a home folder".
-    void add(const FileSystem& files, std::string_view path, std::string reason);
+    /// Protects one more place and every folder above it; where links lead there, also where they lead to. The reason is for
+    /// people: "a home folder". A place that is not there is protected by its spelling alone.
+    void add(const FileSystem& files, std::string_view path, const std::string& reason);
 
-    /// Why the entry may not be removed, or nothing when it may. `path` is absolute and without "." and "..".
+    /// Why the entry may not be removed, or nothing when it may. `path` is absolute and without ".."; others are refused.
     [[nodiscard]] std::optional<std::string> refusal(std::string_view path, const FileAttributes& entry) const;
 
+    /// The path without repeated slashes, slashes at the end and "."; nothing when it is relative, or has ".." or a NUL in it.
+    [[nodiscard]] static std::optional<std::string> plainPath(std::string_view path);
+
 private:
-    struct Place {
-        std::string path;
-        std::uint64_t device = 0;
-        std::uint64_t inode = 0;
-        std::string reason;
-        bool above = false;  // a folder on the way to a protected place
-    };
-    std::vector<Place> m_places;
+    using Identity = std::pair<std::uint64_t, std::uint64_t>;  // device, inode
+
+    void addMounts(const FileSystem& files);
+    void addKernelPlaces(const FileSystem& files);
+    void addHomes(const FileSystem& files);
+    void addOwnFile(const FileSystem& files, const std::string& path);
+    void protect(const FileSystem& files, const std::string& path, const std::string& reason);
+    [[nodiscard]] std::optional<Identity> identityOf(const FileSystem& files, const std::string& path) const;
+    [[nodiscard]] bool mayHang(std::string_view path) const;
+
+    std::map<std::string, std::string, std::less<>> m_byPath;  // to the reason
+    std::map<Identity, std::string> m_byIdentity;
+    std::vector<std::uint64_t> m_kernelDevices;
+    std::vector<std::string> m_mayHang;  // mount points that are not asked, since the answer may never come
+    bool m_blind = false;                // nothing is known about the mounts
 };
 
 }  // namespace orrinvale

@@ -22,7 +22,7 @@ struct RemovalResult {
     bool gone = false;              ///< the entry was looked up again and is not there
     bool stopped = false;           ///< the caller's flag ended it
     std::uint64_t removed = 0;      ///< entries that went, the chosen one included
-    std::uint64_t failed = 0;       ///< entries that could not be removed
+    std::uint64_t failed = 0;       ///< entries that could not be removed; not the folders that stay because of them
     std::vector<Failure> failures;  ///< the first `mostFailures` of them
     static constexpr std::size_t mostFailures = 100;
 };
@@ -35,11 +35,18 @@ public:
     /// Removes the entry at an absolute path, and everything below it. The parent is opened once and held; below it each folder is
     /// entered by name from its parent and never through a link; a folder on another device or mount is not entered. With
     /// `expected` the entry must still be what the scan saw. What can not be removed stays and is counted; its siblings go. Depth
-    /// and width are free: neither the call stack nor the count of descriptors grows with them.
+    /// and width are free: neither the call stack nor the count of descriptors grows with them. A protected place is refused
+    /// before anything is touched. One line in the log tells the result.
     [[nodiscard]] RemovalResult remove(const std::string& path, const std::optional<EntryIdentity>& expected,
                                        const std::atomic<bool>* stop = nullptr) const;
 
 private:
+    void removeHeld(int parent, const std::string& path, const std::optional<EntryIdentity>& expected,
+                    const std::atomic<bool>* stop, RemovalResult& result) const;
+    [[nodiscard]] std::optional<std::string> refusal(int parent, const std::string& path, const char* name,
+                                                     const FileAttributes& entry) const;
+    [[nodiscard]] bool isSurelyAbsent(const std::string& path, const std::optional<EntryIdentity>& expected) const;
+
     const FileSystem& m_files;
     const ProtectedPlaces& m_places;
 };

@@ -15,6 +15,7 @@
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <string_view>
 
 namespace orrinvale {
@@ -138,6 +139,32 @@ SysResult<bool> LinuxFileSystem::readFolder(int folder, CatalogBatch& batch) con
 void LinuxFileSystem::readAttributes(int folder, std::span<CatalogEntry> entries) const {
     for (CatalogEntry& entry : entries)
         entry.error = askAttributes(folder, entry.name, AT_SYMLINK_NOFOLLOW, entry.attributes);
+}
+
+void LinuxFileSystem::readSizes(int folder, std::span<CatalogEntry> entries) const {
+    struct statx answer;
+    for (CatalogEntry& entry : entries) {
+        entry.error = 0;
+        if (::statx(folder, entry.name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, STATX_TYPE | STATX_SIZE, &answer) != 0) {
+            entry.error = errno;
+            continue;
+        }
+        entry.attributes.type = typeOfMode(answer.stx_mode);
+        entry.attributes.size = answer.stx_size;
+    }
+}
+
+SysResult<Descriptor> LinuxFileSystem::holdEntry(int parent, const char* name) const {
+    return openRetrying(parent, name, O_PATH | O_NOFOLLOW | O_CLOEXEC);
+}
+
+SysResult<std::string> LinuxFileSystem::pathOf(int descriptor) const {
+    const std::string link = "/proc/self/fd/" + std::to_string(descriptor);
+    std::array<char, 4097> path;
+    const ssize_t length = ::readlink(link.c_str(), path.data(), path.size());
+    if (length < 0) return tl::unexpected(errno);
+    if (static_cast<std::size_t>(length) == path.size()) return tl::unexpected(ENAMETOOLONG);
+    return std::string(path.data(), static_cast<std::size_t>(length));
 }
 
 SysResult<FileAttributes> LinuxFileSystem::attributes(int parent, const char* name, Links links) const {

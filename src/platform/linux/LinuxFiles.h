@@ -29,6 +29,21 @@ public:
     SysResult<std::string> resolved(const std::string& path) const override;
     std::size_t descriptorLimit() const override;
     void useOwnDescriptors() const override;
+    SysResult<Descriptor> holdFolder(int parent, const char* path, Links onTheWay) const override;
+    SysResult<Descriptor> openInside(int parent, const char* name) const override;
+    SysResult<void> removeEntry(int folder, const char* name, FileType type) const override;
+    SysResult<std::string> placeOf(int folder) const override;
+    SysResult<std::vector<MountPoint>> mountPoints() const override;
+    void readSizes(int folder, std::span<CatalogEntry> entries) const override;
+    SysResult<Descriptor> holdEntry(int parent, const char* name) const override;
+    SysResult<std::string> pathOf(int descriptor) const override;
 };
+
+/// The program's own files: its executables, and its folders "share" and "libexec" where it is installed. Absolute paths, for
+/// ProtectedPlaces. Of other files beside the executable none, since a person may have put it among files of her own.
+[[nodiscard]] std::vector<std::string> programFiles();
+
+/// The same for an executable at this path.
+[[nodiscard]] std::vector<std::string> programFilesAround(const std::string& executable);
 
 }  // namespace orrinvale

@@ -5,10 +5,13 @@
 #include <QFont>
 #include <QObject>
 #include <QPalette>
+#include <QPointer>
 
 class QApplication;
 
 namespace orrinvale {
+
+class DesktopAppearance;
 
 /// Main thread only. One instance a process; changed() tells windows to draw anew.
 class Theme final : public QObject {
@@ -37,7 +40,8 @@ public:
         DangerPressed,
         Success,
         Warning,
-        FocusRing,
+        FocusRing,  ///< like Outline, at least 3.0 against every background
+        Outline,    ///< the edge of a tick box, a field, a drop target
         Shadow,
         Count
     };
@@ -52,17 +56,22 @@ public:
 
     [[nodiscard]] static Theme& shared();
 
-    /// Fusion, this palette and this type for the whole program. Call once, before the first window.
+    /// Fusion, this palette and this type for the whole program, in the scheme of the desktop, which is followed from then
+    /// on. Call before the first window.
     void install(QApplication& application);
 
-    /// The scheme that the desktop asks for: ORRINVALE_THEME=light|dark if set, else the desktop's palette.
+    /// The scheme that the desktop asks for: ORRINVALE_THEME=light|dark if set, else what its settings service prefers,
+    /// else as light or dark as its palette was before install() covered it. Before install() only the palette is asked.
     [[nodiscard]] static Scheme desktopScheme();
 
     [[nodiscard]] Scheme scheme() const { return m_scheme; }
+    /// Changes palette and pictures of all windows at once and emits changed(); the scheme in force changes nothing.
     void setScheme(Scheme scheme);
 
     [[nodiscard]] QColor color(Color role) const { return color(role, m_scheme); }
     [[nodiscard]] static QColor color(Color role, Scheme scheme);
+    /// In points, so that a desktop that scales its text by the resolution scales this too: at 96 dots an inch the steps
+    /// are 11, 13, 13, 15, 20 and 28 pixels.
     [[nodiscard]] QFont font(Text text) const;
     [[nodiscard]] QPalette palette() const;
 
@@ -71,7 +80,12 @@ Q_SIGNALS:
 
 private:
     Theme() = default;
+    void apply() const;
+
     Scheme m_scheme = Scheme::Light;
+    Scheme m_coveredScheme = Scheme::Light;    // what the desktop showed before our palette covered it
+    QPointer<DesktopAppearance> m_appearance;  // owned by the application
+    bool m_installed = false;
 };
 
 }  // namespace orrinvale

@@ -1,0 +1,25 @@
+// orrinvale-cli size: how many bytes lie at a path or below it, counted as the cleaning lists count them.
+#pragma once
+
+#include "cli/Command.h"
+#include "platform/files.h"
+
+namespace orrinvale::cli {
+
+/// Paths are measured in the order given, each for itself. One that can not be measured is left out of the sizes and told as
+/// skipped; only when none can be measured the status is NoSuchFolder and nothing is printed.
+class SizeCommand final : public Command {
+public:
+    /// `files` must outlive the command.
+    explicit SizeCommand(const FileSystem& files) : m_files(files) {}
+
+    [[nodiscard]] std::string_view name() const override { return "size"; }
+    [[nodiscard]] std::string_view summary() const override { return "Add up the sizes of files and folders"; }
+    [[nodiscard]] std::vector<OptionSpec> options() const override;
+    Status run(const Arguments& arguments) override;
+
+private:
+    const FileSystem& m_files;
+};
+
+}  // namespace orrinvale::cli

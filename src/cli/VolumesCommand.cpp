@@ -1,0 +1,196 @@
+// orrinvale-cli volumes: see VolumesCommand.h. engine/volumes/VolumesInfo.h makes the list.
+#include "cli/VolumesCommand.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "cli/Output.h"
+#include "cli/SearchWatch.h"
+#include "engine/volumes/VolumesInfo.h"
+#include "platform/error.h"
+
+namespace orrinvale::cli {
+namespace {
+
+using Records = VolumesInfo::VolumeArray;
+
+// Passes every question on and notes the volumes that could not be asked: the list has no place for them, but a script
+// that misses its server wants to know why.
+class NotedVolumes final : public Volumes {
+public:
+    explicit NotedVolumes(Volumes& platform) : m_platform(platform) {}
+
+    [[nodiscard]] const std::vector<Error>& failures() const { return m_failures; }
+
+    std::int32_t FSGetVolumeInfo(std::uint32_t volumeIndex, IndexedVolume& answer) override {
+        const std::int32_t status = m_platform.FSGetVolumeInfo(volumeIndex, answer);
+        m_path = answer.rootPath;
+        if (status != noErr && status != nsvErr) note(answer.errorNumber);
+        return status;
+    }
+    std::int32_t FSGetVolumeParms(std::int16_t refNumber, GetVolParmsInfoBuffer& buffer) override {
+        const std::int32_t status = m_platform.FSGetVolumeParms(refNumber, buffer);
+        if (status != noErr) note(0);
+        return status;
+    }
+    [[nodiscard]] std::optional<RegistryMatching> IOBSDNameMatching(const char* bsdName) const override {
+        return m_platform.IOBSDNameMatching(bsdName);
+    }
+    [[nodiscard]] RegistryEntryRef IOServiceGetMatchingService(const RegistryMatching& matching) const override {
+        return m_platform.IOServiceGetMatchingService(matching);
+    }
+    std::uint32_t IORegistryEntryCreateIterator(const RegistryEntry& entry,
+                                                std::unique_ptr<RegistryIterator>& iterator) const override {
+        return m_platform.IORegistryEntryCreateIterator(entry, iterator);
+    }
+
+private:
+    void note(int number) { m_failures.push_back(systemError("statfs", m_path, number)); }
+
+    Volumes& m_platform;
+    std::string m_path;  // of the volume asked last
+    std::vector<Error> m_failures;
+};
+
+std::string_view typeName(std::int32_t type) {
+    switch (type) {
+        case LocalVolume: return "local";
+        case ExternalVolume: return "external";
+        case OpticalVolume: return "optical";
+        case NetworkVolume: return "network";
+        case DiskImageVolume: return "disk image";
+        default: return "unknown";
+    }
+}
+
+bool isUtf8(std::string_view bytes) {
+    while (!bytes.empty()) {
+        const std::size_t length = validSequence(bytes);
+        if (length == 0) return false;
+        bytes.remove_prefix(length);
+    }
+    return true;
+}
+
+void appendName(std::string& out, std::string_view name) {
+    out += "\"name\": ";
+    appendJsonText(out, name);
+    if (isUtf8(name)) return;
+    out += ", \"nameHex\": \"";
+    for (const char c : name) out += fmt::format("{:02x}", static_cast<unsigned char>(c));
+    out += '"';
+}
+
+void appendVolume(std::string& out, const ZvVolumeInfo& volume) {
+    out += fmt::format("{{\"refNumber\": {}, \"type\": {}, \"typeName\": \"{}\", \"boot\": {}, ", volume.volRefNumber,
+                       volume.volType, typeName(volume.volType), volume.bIsDefaultVol);
+    appendName(out, volume.volumeName);
+    out += ", ";
+    appendJsonPath(out, volume.volRootDir);
+    out += fmt::format(
+        ",\n     \"freeSpace\": \"{}\", \"totalSpace\": \"{}\", \"free\": {}, \"total\": {}, \"canEject\": {}",
+        volume.freeSpace, volume.totalSpace, volume.nFreeSize, volume.nTotalSize, volume.bCanEject);
+    if (volume.volIcon) {
+        out += ", \"icon\": {";
+        appendJsonPath(out, volume.volIcon->text);
+        out += '}';
+    }
+    out += '}';
+}
+
+void printJson(Output& out, const Records& volumes, const std::vector<Error>& skipped, bool stopped) {
+    std::string text = "{\n  \"volumes\": [";
+    const char* between = "\n    ";
+    for (const auto& volume : volumes) {
+        text += between;
+        appendVolume(text, *volume);
+        between = ",\n    ";
+    }
+    text += volumes.empty() ? "],\n  \"skipped\": [" : "\n  ],\n  \"skipped\": [";
+    between = "{";
+    for (const Error& failure : skipped) {
+        text += between;
+        appendJsonPath(text, failure.path);
+        text += ", \"reason\": ";
+        appendJsonText(text, failure.reason());
+        text += '}';
+        between = ",\n              {";
+    }
+    out.write(text + fmt::format("],\n  \"stopped\": {}\n}}\n", stopped));
+}
+
+void printPaths(Output& out, const Records& volumes) {
+    for (const auto& volume : volumes) {
+        out.write(volume->volRootDir);
+        out.write(std::string_view("\0", 1));
+    }
+}
+
+using Cells = std::array<std::string, 5>;
+
+Cells cellsOf(const ZvVolumeInfo& volume) {
+    return {printable(volume.volumeName), std::string(typeName(volume.volType)),
+            fmt::format("{} of {}", volume.freeSpace, volume.totalSpace), volume.bCanEject ? "yes" : "no",
+            printable(volume.volRootDir)};
+}
+
+// Characters, not bytes; wide ones count as one.
+std::size_t widthOf(std::string_view text) {
+    return static_cast<std::size_t>(std::count_if(
+        text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
+}
+
+void printListing(Output& out, const Records& volumes, bool colour) {
+    if (volumes.empty()) {
+        out.write("No volumes.\n");
+        return;
+    }
+    std::vector<Cells> rows{{"NAME", "KIND", "FREE OF TOTAL", "EJECT", "PATH"}};
+    for (const auto& volume : volumes) rows.push_back(cellsOf(*volume));
+    std::array<std::size_t, 5> widths{};
+    for (const Cells& row : rows)
+        for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], widthOf(row[i]));
+    for (const Cells& row : rows) {
+        std::string line;
+        for (std::size_t i = 0; i + 1 < row.size(); ++i)
+            line += row[i] + std::string(widths[i] - widthOf(row[i]) + 2, ' ');
+        line += row.back();
+        const bool strong = colour && &row == &rows.front();
+        out.write(strong ? "\x1b[1m" + line + "\x1b[0m\n" : line + '\n');
+    }
+}
+
+}  // namespace
+
+Status VolumesCommand::run(const Arguments& arguments) {
+    NotedVolumes platform(m_platform);
+    bool stopped = false;
+    std::optional<VolumesInfo> info;
+    {
+        // A walk is over within about a second, so a signal has nothing to stop; it is only told.
+        const SearchWatch watch([] {}, {});
+        info.emplace(platform);
+        stopped = watch.wasSignalled();
+    }
+    const Records& volumes = info->volsArray();
+    const std::vector<Error>& skipped = platform.failures();
+    if (!arguments.has("quiet"))
+        for (const Error& failure : skipped) complain(fmt::format("{}: {}", failure.path, failure.reason()));
+
+    Output out(STDOUT_FILENO);
+    if (arguments.has("json")) printJson(out, volumes, skipped, stopped);
+    else if (arguments.has("print0")) printPaths(out, volumes);
+    else printListing(out, volumes, wantsColour(STDOUT_FILENO));
+    if (!out.flush()) {
+        complain("the result could not be written");
+        return Status::SomeSkipped;
+    }
+    if (stopped) return Status::Stopped;
+    return skipped.empty() ? Status::Done : Status::SomeSkipped;
+}
+
+}  // namespace orrinvale::cli

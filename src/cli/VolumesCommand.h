@@ -1,0 +1,25 @@
+// orrinvale-cli volumes: the mounted volumes, of what kind each is and how much is free.
+#pragma once
+
+#include "cli/Command.h"
+#include "platform/volumes.h"
+
+namespace orrinvale::cli {
+
+class VolumesCommand final : public Command {
+public:
+    /// `platform` must outlive the command.
+    explicit VolumesCommand(Volumes& platform) : m_platform(platform) {}
+
+    [[nodiscard]] std::string_view name() const override { return "volumes"; }
+    [[nodiscard]] std::string_view summary() const override {
+        return "List the mounted volumes, their kinds and their free space";
+    }
+    [[nodiscard]] std::vector<OptionSpec> options() const override { return {}; }
+    Status run(const Arguments& arguments) override;
+
+private:
+    Volumes& m_platform;
+};
+
+}  // namespace orrinvale::cli

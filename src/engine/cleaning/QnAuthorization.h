@@ -1,0 +1,102 @@
+// QnAuthorization: the one administrator right of the process, and the one door through which every page removes.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "engine/files/EntryIdentity.h"
+#include "engine/files/ProtectedPlaces.h"
+#include "platform/authorization.h"
+
+namespace orrinvale {
+
+class Permissions;
+
+/// What QnAuthorization works with; nothing of it is owned, and all must outlive the last use.
+struct AuthorizationParts {
+    Authorization* authorization = nullptr;
+    const FileSystem* files = nullptr;
+    const Permissions* permissions = nullptr;
+    std::vector<std::string> ownFiles;  ///< absolute paths of the program's files, which are never removed
+};
+
+/// What became of an entry.
+struct FastRemoval {
+    bool gone = false;
+    bool stopped = false;       ///< the caller's flag ended it
+    bool privileged = false;    ///< the administrator's tool took it
+    std::uint64_t removed = 0;  ///< entries that plain removal took, the chosen one included
+    std::string reason;         ///< why the entry is still there, for people; empty when it is gone
+};
+
+/// allocAuthorization() and freeAuthorization() belong to the main thread, where the padlocks are; all operations may be called
+/// from any thread. Closed and open are its two states; it closes by itself when the platform loses the right.
+class QnAuthorization final {
+public:
+    /// Made at the first call, never freed.
+    [[nodiscard]] static QnAuthorization& shareQnAuthorization();
+
+    /// Hand this over before other threads start. Without it the right is refused and nothing is removed.
+    void setParts(AuthorizationParts parts);
+
+    /// Called, on any thread, after the right was lost from outside: the helper ended, or nobody used it for ten minutes. The
+    /// padlocks have to follow. Hand it over before the first right is acquired.
+    void setRightLostHandler(std::function<void(AuthorizationRefusal)> handler);
+
+    /// Acquires the right and waits for the person's answer. True at once when it is held.
+    bool allocAuthorization();
+
+    /// Gives the right up. Always true.
+    bool freeAuthorization();
+
+    /// A new reference to the right, or null. Worth a try, no grant: the run of the tool decides. The caller frees it.
+    [[nodiscard]] AuthorizationRef getAuthorizationRet();
+
+    /// Why the padlock is closed, as the text of its tool tip; empty while nothing was refused or lost.
+    [[nodiscard]] std::string refusalText() const;
+
+    /// Removes an entry, contents included, with "/bin/rm" as administrator. False for a path of 4,096 bytes or more, which is
+    /// longer than a path may be (PATH_MAX, limits.h), and whenever the tool is not run or prints anything.
+    [[nodiscard]] static bool removeItemAtPath(const std::string& path);
+
+    /// Removes an entry, contents included: plainly first, as administrator second. A protected place is refused at once.
+    [[nodiscard]] static bool synFastRemovePath(const std::string& path);
+
+    /// The same for an entry that a scan saw: it goes only if it is that entry still. `places` is made once for all that a person
+    /// confirmed.
+    [[nodiscard]] static FastRemoval synFastRemovePath(const std::string& path, const EntryIdentity& expected,
+                                                       const ProtectedPlaces& places,
+                                                       const std::atomic<bool>* stop = nullptr);
+
+    /// The protected places of this moment, the program's own files among them.
+    [[nodiscard]] static ProtectedPlaces protectedPlaces();
+
+    /// The platform that the right comes from; one that refuses everything when none was handed over.
+    [[nodiscard]] Authorization& platform() const;
+
+    std::atomic<AuthorizationRef> authorizationRef{AuthorizationRef::null};  ///< valid while isValidAuth is set; owned
+    std::atomic<bool> isValidAuth{false};                                    ///< the right is held or being acquired
+
+    QnAuthorization(const QnAuthorization&) = delete;
+    QnAuthorization& operator=(const QnAuthorization&) = delete;
+
+private:
+    QnAuthorization() = default;
+    ~QnAuthorization() = default;
+
+    [[nodiscard]] bool acquire();
+    [[nodiscard]] AuthorizationExternalForm form() const;
+    void rightLost(AuthorizationRefusal reason);
+
+    AuthorizationParts m_parts;
+    mutable std::mutex m_mutex;
+    AuthorizationExternalForm authForm{};                          // guarded by m_mutex; stays when the right goes
+    std::function<void(AuthorizationRefusal)> m_rightLostHandler;  // guarded by m_mutex
+};
+
+}  // namespace orrinvale

@@ -1,0 +1,210 @@
+// DurableFile: see DurableFile.h. The order of the system calls in commit() is the point of this file; the tests break each one.
+#include "engine/files/DurableFile.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <chrono>
+#include <thread>
+#include <utility>
+
+#include "engine/base/Log.h"
+
+namespace orrinvale {
+namespace {
+
+constexpr std::chrono::milliseconds kLockPause{5};
+constexpr int kLockTries = 400;  // two seconds
+
+std::string folderOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    if (slash == std::string::npos) return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+Error notRegular(std::string_view operation, const std::string& path) {
+    return Error{ErrorKind::NotARegularFile, operation, path, 0};
+}
+
+// What lies in the file itself, and not in this process or in the folder: such a file would fail in every run to come.
+bool isDamage(const Error& error) { return error.number == EFBIG || error.number == EIO || error.number == EACCES; }
+
+Result<void> lock(int file, const std::string& path) {
+    for (int tries = 1; ::flock(file, LOCK_EX | LOCK_NB) != 0; ++tries) {
+        if (errno == EINTR) continue;
+        if (errno != EWOULDBLOCK || tries >= kLockTries) return tl::unexpected(systemError("lock", path, errno));
+        std::this_thread::sleep_for(kLockPause);
+    }
+    return {};
+}
+
+// Some file systems can not flush a folder and say EINVAL; with those nothing more can be done.
+int flushFolder(int folder) { return ::fsync(folder) == 0 || errno == EINVAL ? 0 : errno; }
+
+Result<std::string> readBytes(int file, std::size_t limit, const std::string& path) {
+    std::string bytes;
+    for (;;) {
+        char piece[16384];
+        const ssize_t count = ::read(file, piece, sizeof piece);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return tl::unexpected(systemError("read", path, errno));
+        if (count == 0) return bytes;
+        bytes.append(piece, static_cast<std::size_t>(count));
+        if (bytes.size() > limit) return tl::unexpected(systemError("read", path, EFBIG));
+    }
+}
+
+}  // namespace
+
+Result<std::string> DurableFile::read(const std::string& path, std::size_t limit, Owner owner) {
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC));
+    if (!file.isOpen()) return tl::unexpected(systemError("open", path, errno));
+    struct stat status {};
+    if (::fstat(file.get(), &status) != 0) return tl::unexpected(systemError("stat", path, errno));
+    if (!S_ISREG(status.st_mode)) return tl::unexpected(notRegular("open", path));
+    if (owner == Owner::Me && status.st_uid != ::geteuid()) return tl::unexpected(systemError("open", path, EPERM));
+    return readBytes(file.get(), limit, path);
+}
+
+Result<std::string> DurableFile::readWell(const std::string& path, std::size_t limit, const Test& isWell) {
+    auto bytes = read(path, limit);
+    if (bytes ? isWell(*bytes) : !isDamage(bytes.error())) return bytes;
+    // Looked at again as a writer: another process may be about to mend the file.
+    auto file = begin(path);
+    if (!file) return tl::unexpected(file.error());
+    return file->current(limit, isWell);
+}
+
+Result<std::string> DurableFile::current(std::size_t limit, const Test& isWell) const {
+    auto bytes = read(m_path, limit);
+    if (bytes ? isWell(*bytes) : !isDamage(bytes.error())) return bytes;
+    if (auto aside = putAside(); !aside) return tl::unexpected(aside.error());
+    return failure("read", EBADMSG);
+}
+
+Result<void> DurableFile::save(const std::string& path, std::string_view bytes) {
+    auto file = begin(path);
+    if (!file) return tl::unexpected(file.error());
+    return file->commit(bytes);
+}
+
+Result<void> DurableFile::makeFolder(const std::string& path) {
+    int number = ::mkdir(path.c_str(), 0700) == 0 ? 0 : errno;
+    if (number == ENOENT && folderOf(path) != path) {
+        if (auto above = makeFolder(folderOf(path)); !above) return above;
+        number = ::mkdir(path.c_str(), 0700) == 0 ? 0 : errno;
+    }
+    if (number == EEXIST) {
+        struct stat status {};
+        if (::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) return {};
+        number = ENOTDIR;
+    }
+    if (number != 0) return tl::unexpected(systemError("mkdir", path, number));
+    const Descriptor above(::open(folderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    number = above.isOpen() ? flushFolder(above.get()) : errno;
+    // A folder that may be entered but not listed can not be flushed; the new one in it is none the worse.
+    if (number != 0 && number != EACCES) return tl::unexpected(systemError("fsync", path, number));
+    return {};
+}
+
+DurableFile::DurableFile(std::string path, Descriptor folder)
+    : m_path(std::move(path)), m_name(m_path.substr(m_path.rfind('/') + 1)), m_folder(std::move(folder)) {}
+
+DurableFile::~DurableFile() {
+    if (m_file.isOpen()) ::unlinkat(m_folder.get(), (m_name + ".new").c_str(), 0);
+}
+
+tl::unexpected<Error> DurableFile::failure(std::string_view operation, int number) const {
+    return tl::unexpected(systemError(operation, m_path, number));
+}
+
+Result<DurableFile> DurableFile::begin(const std::string& path) {
+    Descriptor folder(::open(folderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder.isOpen()) return tl::unexpected(systemError("open", path, errno));
+    DurableFile file(path, std::move(folder));
+    for (int tries = 0; tries < kLockTries; ++tries) {
+        const auto taken = file.takeTemporary();
+        if (!taken) return tl::unexpected(taken.error());
+        if (*taken) return file;
+    }
+    return tl::unexpected(systemError("lock", path, EWOULDBLOCK));
+}
+
+// False when the file that was locked is no longer the one of that name: its writer has renamed or removed it meanwhile.
+Result<bool> DurableFile::takeTemporary() {
+    const std::string name = m_name + ".new";
+    Descriptor file(
+        ::openat(m_folder.get(), name.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600));
+    if (!file.isOpen()) return failure("create", errno);
+    if (auto locked = lock(file.get(), m_path); !locked) return tl::unexpected(locked.error());
+    struct stat own {};
+    struct stat named {};
+    if (::fstat(file.get(), &own) != 0) return failure("stat", errno);
+    if (::fstatat(m_folder.get(), name.c_str(), &named, AT_SYMLINK_NOFOLLOW) != 0) {
+        if (errno == ENOENT) return false;
+        return failure("stat", errno);
+    }
+    if (own.st_dev != named.st_dev || own.st_ino != named.st_ino) return false;
+    if (!S_ISREG(own.st_mode)) return tl::unexpected(notRegular("create", m_path));
+    if (own.st_uid != ::geteuid()) return failure("create", EPERM);
+    if (own.st_nlink != 1) {  // a second name of some other file, which must keep its bytes
+        if (::unlinkat(m_folder.get(), name.c_str(), 0) != 0) return failure("unlink", errno);
+        return false;
+    }
+    if (own.st_size != 0 && ::ftruncate(file.get(), 0) != 0) return failure("truncate", errno);
+    m_file = std::move(file);
+    return true;
+}
+
+Result<void> DurableFile::commit(std::string_view bytes) {
+    if (auto written = writeWhole(bytes); !written) return written;
+    if (auto free = checkReplaceable(); !free) return free;
+    if (::renameat(m_folder.get(), (m_name + ".new").c_str(), m_folder.get(), m_name.c_str()) != 0)
+        return failure("rename", errno);
+    m_file.reset();
+    if (const int number = flushFolder(m_folder.get()); number != 0) return failure("fsync", number);
+    return {};
+}
+
+Result<void> DurableFile::writeWhole(std::string_view bytes) const {
+    for (std::string_view rest = bytes; !rest.empty();) {
+        const ssize_t count = ::write(m_file.get(), rest.data(), rest.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return failure("write", errno);
+        rest.remove_prefix(static_cast<std::size_t>(count));
+    }
+    if (::fsync(m_file.get()) != 0) return failure("fsync", errno);
+    struct stat status {};
+    if (::fstat(m_file.get(), &status) != 0) return failure("stat", errno);
+    if (status.st_size != static_cast<off_t>(bytes.size())) return failure("write", EIO);
+    // Network file systems tell of a lost write when a descriptor is closed. It is a copy that is closed here, because the
+    // lock must hold until the rename.
+    const int copy = ::fcntl(m_file.get(), F_DUPFD_CLOEXEC, 3);
+    if (copy < 0) return failure("close", errno);
+    if (::close(copy) != 0 && errno != EINTR) return failure("close", errno);
+    return {};
+}
+
+Result<void> DurableFile::checkReplaceable() const {
+    struct stat status {};
+    if (::fstatat(m_folder.get(), m_name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+        if (errno == ENOENT) return {};
+        return failure("stat", errno);
+    }
+    if (!S_ISREG(status.st_mode)) return tl::unexpected(notRegular("rename", m_path));
+    if (status.st_uid != ::geteuid()) return failure("rename", EPERM);
+    return {};
+}
+
+Result<void> DurableFile::putAside() const {
+    if (auto mine = checkReplaceable(); !mine) return mine;
+    if (::renameat(m_folder.get(), m_name.c_str(), m_folder.get(), (m_name + ".bad").c_str()) != 0)
+        return failure("rename", errno);
+    Log::line(fmt::format("{} can not be read and is kept as {}.bad.", m_path, m_path));
+    return {};
+}
+
+}  // namespace orrinvale

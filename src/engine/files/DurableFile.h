@@ -1,0 +1,73 @@
+// DurableFile: small files that must survive a full disk, a bad disk and a kill: settings, history, property lists.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "platform/descriptor.h"
+#include "platform/error.h"
+
+namespace orrinvale {
+
+/// One file while it is being replaced. The bytes go to NAME.new in the same folder, which is flushed, renamed over NAME and
+/// made durable by flushing the folder. Whatever happens in between, NAME is the old file or the new one, whole. NAME.new is
+/// locked while this object lives, so that writers of one file take turns, in one process or in several; what a killed
+/// writer left of it is used again by the next.
+///
+/// An object belongs to one thread; different objects may be used at the same time, also for one path.
+class DurableFile final {
+public:
+    using Test = std::function<bool(std::string_view bytes)>;
+    enum class Owner : std::uint8_t { Any, Me };
+
+    /// The bytes of a regular file. No link is followed, and neither a pipe nor a device can hold the caller up. EFBIG when it
+    /// has more than `limit` bytes; EPERM when it must be, and is not, this user's own.
+    [[nodiscard]] static Result<std::string> read(const std::string& path, std::size_t limit, Owner owner = Owner::Me);
+
+    /// The bytes of this user's file if they pass the test. A file that can not be read, is too large or fails the test is renamed to
+    /// NAME.bad and gives EBADMSG, this once; from then on it is missing. An older NAME.bad goes: there is never a heap of them.
+    /// What is no regular file or another user's is left alone.
+    [[nodiscard]] static Result<std::string> readWell(const std::string& path, std::size_t limit, const Test& isWell);
+
+    /// begin() and commit().
+    [[nodiscard]] static Result<void> save(const std::string& path, std::string_view bytes);
+
+    /// Makes a folder for this user alone (0700), with those above it, and flushes their entries. True success when it is there.
+    [[nodiscard]] static Result<void> makeFolder(const std::string& path);
+
+    /// Waits up to two seconds for another writer (EWOULDBLOCK). The folder must be there.
+    [[nodiscard]] static Result<DurableFile> begin(const std::string& path);
+
+    DurableFile(DurableFile&& other) noexcept = default;
+    DurableFile& operator=(DurableFile&& other) = delete;
+    DurableFile(const DurableFile&) = delete;
+    DurableFile& operator=(const DurableFile&) = delete;
+    /// Without commit() nothing has changed.
+    ~DurableFile();
+
+    /// readWell(), with no writer in between until commit().
+    [[nodiscard]] Result<std::string> current(std::size_t limit, const Test& isWell) const;
+
+    /// Success means: the new bytes are on the disk under the file's name. After an error they may stand there all the same, when
+    /// only the folder could not be flushed. Once only.
+    [[nodiscard]] Result<void> commit(std::string_view bytes);
+
+private:
+    DurableFile(std::string path, Descriptor folder);
+
+    [[nodiscard]] tl::unexpected<Error> failure(std::string_view operation, int number) const;
+    [[nodiscard]] Result<bool> takeTemporary();
+    [[nodiscard]] Result<void> writeWhole(std::string_view bytes) const;
+    [[nodiscard]] Result<void> checkReplaceable() const;
+    [[nodiscard]] Result<void> putAside() const;
+
+    std::string m_path;
+    std::string m_name;
+    Descriptor m_folder;
+    Descriptor m_file;  // NAME.new, locked; closed once committed
+};
+
+}  // namespace orrinvale

@@ -1,0 +1,165 @@
+// ProtectedPlaces: see ProtectedPlaces.h. Two tables, by path and by identity; folders above a place stand in them as well.
+#include "engine/files/ProtectedPlaces.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstdlib>
+#include <span>
+
+#include "engine/files/FolderNode.h"
+#include "engine/files/TreeLister.h"
+
+namespace orrinvale {
+namespace {
+
+constexpr std::string_view mountReason = "a mount point";
+constexpr std::string_view homeReason = "a home folder";
+constexpr std::string_view kernelReason = "a folder of the kernel";
+constexpr std::string_view ownReason = "one of the program's own files";
+constexpr std::size_t mostOfUserTable = std::size_t{16} << 20U;
+
+std::string reasonAbove(const std::string& reason) {
+    return reason == mountReason ? "a folder with a mount below" : "a folder above " + reason;
+}
+
+// Read as a file, not through the C library's modules: those may ask a server that does not answer.
+std::string userTable(const FileSystem& files) {
+    ReadState state;
+    const auto file = files.openFile(FileSystem::noParent, "/etc/passwd", Links::Follow, state);
+    if (!file) return {};
+    const auto seen = files.attributes(file->get());
+    if (!seen || seen->type != FileType::Regular) return {};
+    std::string text(std::min<std::size_t>(seen->size, mostOfUserTable), 0);
+    const auto count = files.read(file->get(), std::as_writable_bytes(std::span(text)), 0, state);
+    text.resize(count ? *count : 0);
+    return text;
+}
+
+// passwd(5): "name:password:uid:gid:comment:home:shell"
+std::string_view homeOfLine(std::string_view line) {
+    for (int field = 0; field < 5; ++field) {
+        const std::size_t colon = line.find(':');
+        if (colon == std::string_view::npos) return {};
+        line.remove_prefix(colon + 1);
+    }
+    return line.substr(0, line.find(':'));
+}
+
+}  // namespace
+
+std::optional<std::string> ProtectedPlaces::plainPath(std::string_view path) {
+    if (path.empty() || path.front() != '/' || path.find('\0') != std::string_view::npos) return std::nullopt;
+    std::string plain;
+    while (!path.empty()) {
+        path.remove_prefix(std::min(path.find_first_not_of('/'), path.size()));
+        const std::string_view name = path.substr(0, path.find('/'));
+        path.remove_prefix(name.size());
+        if (name == "..") return std::nullopt;
+        if (name.empty() || name == ".") continue;
+        plain += '/';
+        plain += name;
+    }
+    return plain.empty() ? "/" : plain;
+}
+
+ProtectedPlaces ProtectedPlaces::ofThisMachine(const FileSystem& files, const std::vector<std::string>& ownFiles) {
+    // What comes later gives its reason to a place that is several things.
+    ProtectedPlaces places;
+    places.addMounts(files);
+    places.addHomes(files);  // accounts of the system have theirs in odd places, /dev among them
+    for (const std::string& path : ownFiles) places.addOwnFile(files, path);
+    places.addKernelPlaces(files);
+    places.add(files, "/", "the root of the file system");
+    return places;
+}
+
+void ProtectedPlaces::addMounts(const FileSystem& files) {
+    const auto mounts = files.mountPoints();
+    m_blind = !mounts || mounts->empty();
+    if (m_blind) return;
+    for (const MountPoint& mount : *mounts)
+        if (mount.mayHang) m_mayHang.push_back(mount.path);
+    for (const MountPoint& mount : *mounts) protect(files, mount.path, std::string(mountReason));
+}
+
+void ProtectedPlaces::addKernelPlaces(const FileSystem& files) {
+    m_kernelDevices = files.kernelDevices();
+    const auto root = identityOf(files, "/");
+    for (const char* const path : {"/proc", "/sys", "/dev"}) {
+        add(files, path, std::string(kernelReason));
+        // In a container /dev is a file system of the usual kind.
+        const auto place = identityOf(files, path);
+        if (place && root && place->first != root->first) m_kernelDevices.push_back(place->first);
+    }
+}
+
+void ProtectedPlaces::addHomes(const FileSystem& files) {
+    const std::string table = userTable(files);
+    for (std::size_t at = 0; at < table.size();) {
+        const std::size_t end = std::min(table.find('\n', at), table.size());
+        add(files, homeOfLine(std::string_view(table).substr(at, end - at)), std::string(homeReason));
+        at = end + 1;
+    }
+    if (const char* const home = std::getenv("HOME")) add(files, home, std::string(homeReason));
+}
+
+void ProtectedPlaces::addOwnFile(const FileSystem& files, const std::string& path) {
+    add(files, path, std::string(ownReason));
+    const auto folder = openFolderByPath(files, path, Links::Keep);
+    if (!folder) return;
+    TreeListing listing;
+    listing.entry = [&](const TreeEntry& entry) { add(files, joinPath(path, entry.relative), std::string(ownReason)); };
+    const std::atomic<bool> never{false};
+    (void)listTree(files, folder->get(), listing, never);
+}
+
+void ProtectedPlaces::add(const FileSystem& files, std::string_view path, const std::string& reason) {
+    const auto plain = plainPath(path);
+    if (!plain) return;
+    protect(files, *plain, reason);
+    if (mayHang(*plain)) return;
+    const auto real = files.resolved(*plain);
+    if (real && *real != *plain) protect(files, *real, reason);
+}
+
+void ProtectedPlaces::protect(const FileSystem& files, const std::string& path, const std::string& reason) {
+    m_byPath.insert_or_assign(path, reason);
+    if (const auto identity = identityOf(files, path)) m_byIdentity.insert_or_assign(*identity, reason);
+    const std::string above = reasonAbove(reason);
+    for (std::size_t slash = path.rfind('/'); slash != std::string::npos && path.size() > 1;
+         slash = slash == 0 ? std::string::npos : path.rfind('/', slash - 1)) {
+        const std::string folder = slash == 0 ? "/" : path.substr(0, slash);
+        if (!m_byPath.try_emplace(folder, above).second) break;  // then the folders above it are known too
+        if (const auto identity = identityOf(files, folder)) m_byIdentity.try_emplace(*identity, above);
+    }
+}
+
+std::optional<ProtectedPlaces::Identity> ProtectedPlaces::identityOf(const FileSystem& files,
+                                                                     const std::string& path) const {
+    if (mayHang(path)) return std::nullopt;
+    const auto seen = files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);
+    if (!seen || seen->inode == 0) return std::nullopt;
+    return Identity{seen->device, seen->inode};
+}
+
+bool ProtectedPlaces::mayHang(std::string_view path) const {
+    return std::any_of(m_mayHang.begin(), m_mayHang.end(), [&](const std::string& mount) {
+        return path.starts_with(mount) && (path.size() == mount.size() || path[mount.size()] == '/');
+    });
+}
+
+std::optional<std::string> ProtectedPlaces::refusal(std::string_view path, const FileAttributes& entry) const {
+    const auto plain = plainPath(path);
+    if (!plain) return "not a plain absolute path";
+    if (m_blind) return "what is mounted can not be told";
+    if (const auto place = m_byPath.find(*plain); place != m_byPath.end()) return place->second;
+    if (entry.inode != 0)
+        if (const auto place = m_byIdentity.find({entry.device, entry.inode}); place != m_byIdentity.end())
+            return place->second;
+    if (std::find(m_kernelDevices.begin(), m_kernelDevices.end(), entry.device) != m_kernelDevices.end())
+        return "in a folder of the kernel";
+    return std::nullopt;
+}
+
+}  // namespace orrinvale

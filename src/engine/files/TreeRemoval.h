@@ -1,0 +1,61 @@
+// TreeRemoval: the walk by which SafeRemoval empties a folder and removes it.
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "engine/files/SafeRemoval.h"
+
+namespace orrinvale {
+
+/// Removes one folder, contents first, for one call of run(). Names only, each from its held parent. A list of levels stands in
+/// for the call stack; the descriptors of the deepest levels are held, further up the parent is opened again through ".." and
+/// must be the folder that was left.
+class TreeRemoval final {
+public:
+    /// `path` is for reports alone. All of the references must outlive the removal; what happens is added to `result`.
+    TreeRemoval(const FileSystem& files, const std::string& path, const std::atomic<bool>* stop, RemovalResult& result)
+        : m_files(files), m_path(path), m_stop(stop), m_result(result) {}
+    TreeRemoval(const TreeRemoval&) = delete;
+    TreeRemoval& operator=(const TreeRemoval&) = delete;
+
+    /// Removes the folder of that name in `parent`, which has to be the one described.
+    void run(int parent, const std::string& name, const FileAttributes& folder);
+
+private:
+    struct Level {
+        std::string name;
+        Descriptor folder;
+        std::uint64_t device = 0;
+        std::uint64_t inode = 0;
+        std::vector<std::string> folders;  // inner ones, still to be removed
+        unsigned pass = 0;                 // how often the folder was emptied before and was not empty then
+        bool stays = false;                // something in it could not be removed
+    };
+
+    [[nodiscard]] bool isStopped();
+    [[nodiscard]] int here() const { return m_levels.empty() ? m_parent : m_levels.back().folder.get(); }
+    void enter(std::string name, const Level* former);
+    void withoutEntering(const std::string& name, int error);
+    void push(Level level);
+    void removeFiles();
+    void leave();
+    [[nodiscard]] bool returnTo(Level& above, const Level& from);
+    [[nodiscard]] bool went(const SysResult<void>& removal);
+    void fail(std::string_view name, std::string reason);
+    void failWith(std::string_view name, int error);
+
+    const FileSystem& m_files;
+    const std::string& m_path;
+    const std::atomic<bool>* const m_stop;
+    RemovalResult& m_result;
+    int m_parent = -1;
+    FileAttributes m_start;
+    std::vector<Level> m_levels;
+    CatalogBatch m_batch;
+};
+
+}  // namespace orrinvale

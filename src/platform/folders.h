@@ -1,0 +1,42 @@
+// Folders: where this desktop keeps caches, logs, trash and downloads. linux/LinuxFolders.h implements it.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace orrinvale {
+
+/// Absolute paths in exact bytes, as they are at the moment of the call. An empty text means that there is no such folder; unless an
+/// operation says so, a folder that is named need not exist. Any thread.
+class Folders {
+public:
+    virtual ~Folders() = default;
+
+    /// The user's home folder.
+    [[nodiscard]] virtual std::string home() const = 0;
+
+    [[nodiscard]] virtual std::string systemCaches() const = 0;
+    [[nodiscard]] virtual std::string userCaches() const = 0;
+    [[nodiscard]] virtual std::string systemLogs() const = 0;
+
+    /// The folders that hold nothing but logs of the user's programs; only those that exist.
+    [[nodiscard]] virtual std::vector<std::string> userLogs() const = 0;
+
+    /// The folder that receives what the user downloads. Empty when the user has none of its own: a home folder itself
+    /// never is one.
+    [[nodiscard]] virtual std::string downloads() const = 0;
+
+    /// The folder whose entries are what the user threw away, on the volume of the home folder.
+    [[nodiscard]] virtual std::string homeTrash() const = 0;
+
+    /// The same on another volume, by the path of its root. Only a folder that another user can not have put there counts;
+    /// the one that would be made is named when there is none yet.
+    [[nodiscard]] virtual std::vector<std::string> volumeTrash(const std::string& root) const = 0;
+
+protected:
+    Folders() = default;
+    Folders(const Folders&) = default;
+    Folders& operator=(const Folders&) = default;
+};
+
+}  // namespace orrinvale

@@ -1,0 +1,58 @@
+// Folders by the desktop's base directories and its trash. Read platform/folders.h first.
+#pragma once
+
+#include <sys/types.h>
+
+#include <optional>
+#include <string_view>
+
+#include "platform/folders.h"
+
+namespace orrinvale {
+
+/// What the environment says; see the XDG base directory specification. Read once, since getenv(3) is not safe beside setenv(3).
+struct FolderVariables {
+    std::string home{};       ///< HOME, or where it is missing or relative, the user database
+    std::string cacheHome{};  ///< XDG_CACHE_HOME, and so on; relative values count as missing
+    std::string configHome{};
+    std::string dataHome{};
+    std::string stateHome{};
+    uid_t user = 0;
+
+    [[nodiscard]] static FolderVariables ofThisProcess();
+};
+
+/// Caches and logs of the system are /var/cache and /var/log.
+class LinuxFolders final : public Folders {
+public:
+    explicit LinuxFolders(FolderVariables variables = FolderVariables::ofThisProcess());
+
+    [[nodiscard]] std::string home() const override;
+    [[nodiscard]] std::string systemCaches() const override { return "/var/cache"; }
+    [[nodiscard]] std::string userCaches() const override;
+    [[nodiscard]] std::string systemLogs() const override { return "/var/log"; }
+
+    /// Of this list, what is there: "log" and "logs" in $XDG_STATE_HOME; "xorg" (the X server's, when a user starts it) and
+    /// "sddm" (a session's output) in $XDG_DATA_HOME; "Code/logs" in $XDG_CONFIG_HOME; .npm/_logs.
+    [[nodiscard]] std::vector<std::string> userLogs() const override;
+
+    /// XDG_DOWNLOAD_DIR of user-dirs.dirs, else Downloads in the home folder.
+    [[nodiscard]] std::string downloads() const override;
+
+    [[nodiscard]] std::string homeTrash() const override;
+
+    /// $topdir/.Trash/$uid and $topdir/.Trash-$uid, the first only below a real folder with the sticky bit; both only as
+    /// real folders of this user. Anything else may have been put there to have other folders emptied.
+    [[nodiscard]] std::vector<std::string> volumeTrash(const std::string& root) const override;
+
+private:
+    [[nodiscard]] std::string below(const std::string& chosen, const char* usual) const;
+
+    const FolderVariables m_variables;
+};
+
+/// The value of XDG_DOWNLOAD_DIR in the text of a user-dirs.dirs: the last one that is an absolute path, or begins with $HOME.
+/// Nothing when there is none. No other part of the shell's language is understood. No slash at its end.
+[[nodiscard]] std::optional<std::string> downloadsIn(std::string_view userDirs, const std::string& home);
+
+}  // namespace orrinvale

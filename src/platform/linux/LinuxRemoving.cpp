@@ -1,0 +1,195 @@
+// What removing needs of Linux: holding folders by path, opening and removing by name, the table of mounts.
+#include <fcntl.h>
+#include <linux/magic.h>
+#include <linux/openat2.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/vfs.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <string_view>
+
+#include "platform/linux/LinuxFiles.h"
+
+namespace orrinvale {
+namespace {
+
+constexpr int mostLinks = 40;                                     // as the kernel, path_resolution(7)
+constexpr std::size_t mostOfMountTable = std::size_t{16} << 20U;  // 100,000 mounts (fs.mount-max) of usual length
+
+SysResult<Descriptor> openResolving(int parent, const char* path, int flags, unsigned resolve) {
+    open_how how{};
+    how.flags = static_cast<unsigned>(flags);
+    how.resolve = resolve;
+    for (;;) {
+        const long number = ::syscall(SYS_openat2, parent, path, &how, sizeof how);
+        if (number >= 0) return Descriptor(static_cast<int>(number));
+        if (errno != EINTR && errno != EAGAIN) return tl::unexpected(errno);
+    }
+}
+
+// No openat2 before Linux 5.6; sandboxes that do not know it answer EPERM.
+bool isMissing(int error) { return error == ENOSYS || error == EPERM; }
+
+SysResult<Descriptor> openPlain(int parent, const char* name, int flags) {
+    for (;;) {
+        const int number = ::openat(parent, name, flags | O_CLOEXEC);
+        if (number >= 0) return Descriptor(number);
+        if (errno != EINTR) return tl::unexpected(errno);
+    }
+}
+
+// Resolves a path as the kernel does, but one name at a time, so that it is our choice which links are followed.
+class Walk {
+public:
+    Walk(int parent, std::string_view path, Links onTheWay) : m_parent(parent), m_rest(path), m_onTheWay(onTheWay) {}
+
+    SysResult<Descriptor> run() {
+        int error = startAtRoot();
+        while (error == 0 && !m_rest.empty()) error = step(nextName());
+        if (error == 0 && !m_here.isOpen()) error = ENOENT;  // an empty path names nothing
+        if (error != 0) return tl::unexpected(error);
+        return std::move(m_here);
+    }
+
+private:
+    int startAtRoot() {
+        if (m_rest.empty() || m_rest.front() != '/') return 0;
+        auto root = openPlain(AT_FDCWD, "/", O_PATH | O_DIRECTORY);
+        if (!root) return root.error();
+        m_here = std::move(*root);
+        return 0;
+    }
+
+    std::string nextName() {
+        const std::size_t begin = std::min(m_rest.find_first_not_of('/'), m_rest.size());
+        const std::size_t end = std::min(m_rest.find('/', begin), m_rest.size());
+        std::string name = m_rest.substr(begin, end - begin);
+        m_rest.erase(0, end);
+        return name;
+    }
+
+    int step(const std::string& name) {
+        if (name.empty()) return 0;
+        auto next = openPlain(m_here.isOpen() ? m_here.get() : m_parent, name.c_str(), O_PATH | O_NOFOLLOW);
+        if (!next) return next.error();
+        struct stat seen {};
+        if (::fstat(next->get(), &seen) != 0) return errno;
+        if (S_ISLNK(seen.st_mode)) return follow(next->get());
+        if (!S_ISDIR(seen.st_mode)) return ENOTDIR;
+        m_here = std::move(*next);
+        return 0;
+    }
+
+    int follow(int link) {
+        struct statfs system {};
+        if (m_onTheWay == Links::Keep || ++m_links > mostLinks) return ELOOP;
+        if (::fstatfs(link, &system) != 0 || system.f_type == PROC_SUPER_MAGIC) return ELOOP;
+        std::array<char, PATH_MAX> text;
+        const ssize_t length = ::readlinkat(link, "", text.data(), text.size());
+        if (length <= 0) return length < 0 ? errno : ENOENT;
+        m_rest.insert(0, std::string(text.data(), static_cast<std::size_t>(length)) + '/');
+        return startAtRoot();
+    }
+
+    const int m_parent;
+    std::string m_rest;
+    const Links m_onTheWay;
+    Descriptor m_here;
+    int m_links = 0;
+};
+
+// proc(5): space, tab, line break and backslash are written as three octal digits behind a backslash.
+std::string unescaped(std::string_view field) {
+    const auto digit = [](char c) { return c >= '0' && c <= '7'; };
+    std::string out;
+    for (std::size_t at = 0; at < field.size(); ++at) {
+        if (field[at] == '\\' && at + 3 < field.size() && digit(field[at + 1]) && digit(field[at + 2]) &&
+            digit(field[at + 3])) {
+            out += static_cast<char>((field[at + 1] - '0') * 64 + (field[at + 2] - '0') * 8 + field[at + 3] - '0');
+            at += 3;
+        } else {
+            out += field[at];
+        }
+    }
+    return out;
+}
+
+bool mayHang(std::string_view type) {
+    constexpr std::array<std::string_view, 12> starts{"fuse", "nfs",  "cifs", "smb",  "9p",     "afs",
+                                                      "ceph", "coda", "ncp",  "gfs2", "lustre", "autofs"};
+    return std::any_of(starts.begin(), starts.end(), [&](std::string_view start) { return type.starts_with(start); });
+}
+
+// "36 35 98:0 /root /point options tags - type source options"
+void addMount(std::string_view line, std::vector<MountPoint>& mounts) {
+    std::size_t begin = 0;
+    for (int field = 0; field < 4; ++field) {
+        begin = line.find(' ', begin);
+        if (begin == std::string_view::npos) return;
+        ++begin;
+    }
+    const std::size_t end = line.find(' ', begin);
+    if (end == std::string_view::npos) return;
+    const std::size_t dash = line.find(" - ", end);
+    std::string_view type = dash == std::string_view::npos ? std::string_view() : line.substr(dash + 3);
+    type = type.substr(0, type.find(' '));
+    mounts.push_back({unescaped(line.substr(begin, end - begin)), mayHang(type)});
+}
+
+}  // namespace
+
+SysResult<Descriptor> LinuxFileSystem::holdFolder(int parent, const char* path, Links onTheWay) const {
+    const unsigned links = onTheWay == Links::Keep ? RESOLVE_NO_SYMLINKS : RESOLVE_NO_MAGICLINKS;
+    auto held = openResolving(parent, path, O_PATH | O_DIRECTORY | O_CLOEXEC, links);
+    if (held || !isMissing(held.error())) return held;
+    return Walk(parent, path, onTheWay).run();
+}
+
+SysResult<Descriptor> LinuxFileSystem::openInside(int parent, const char* name) const {
+    constexpr int flags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    auto opened = openResolving(parent, name, flags, RESOLVE_NO_SYMLINKS | RESOLVE_NO_XDEV);
+    if (opened || !isMissing(opened.error())) return opened;
+    return openPlain(parent, name, flags);
+}
+
+SysResult<void> LinuxFileSystem::removeEntry(int folder, const char* name, FileType type) const {
+    while (::unlinkat(folder, name, type == FileType::Folder ? AT_REMOVEDIR : 0) != 0)
+        if (errno != EINTR) return tl::unexpected(errno);
+    return {};
+}
+
+SysResult<std::string> LinuxFileSystem::placeOf(int folder) const {
+    const std::string link = "/proc/self/fd/" + std::to_string(folder);
+    std::array<char, PATH_MAX> text;
+    const ssize_t length = ::readlink(link.c_str(), text.data(), text.size());
+    if (length < 0) return tl::unexpected(errno);
+    return std::string(text.data(), static_cast<std::size_t>(length));
+}
+
+SysResult<std::vector<MountPoint>> LinuxFileSystem::mountPoints() const {
+    auto table = openPlain(AT_FDCWD, "/proc/self/mountinfo", O_RDONLY);
+    if (!table) return tl::unexpected(table.error());
+    std::string text;
+    std::array<char, 16384> piece;
+    for (;;) {
+        const ssize_t count = ::read(table->get(), piece.data(), piece.size());
+        if (count == 0) break;
+        if (count < 0 && errno != EINTR) return tl::unexpected(errno);
+        if (count > 0) text.append(piece.data(), static_cast<std::size_t>(count));
+        // A table that was read in part would leave the rest unprotected.
+        if (text.size() > mostOfMountTable) return tl::unexpected(EFBIG);
+    }
+    std::vector<MountPoint> mounts;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size());
+        addMount(std::string_view(text).substr(at, end - at), mounts);
+        at = end + 1;
+    }
+    return mounts;
+}
+
+}  // namespace orrinvale

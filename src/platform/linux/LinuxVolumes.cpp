@@ -1,0 +1,156 @@
+// LinuxVolumes: see LinuxVolumes.h.
+#include "platform/linux/LinuxVolumes.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <limits>
+#include <utility>
+
+#include "platform/linux/LinuxVolumesChoice.h"
+
+namespace orrinvale {
+namespace {
+
+constexpr std::int16_t kBufferVersion = 3;  // the first with extended attributes
+constexpr std::int16_t kLastNumber = std::numeric_limits<std::int16_t>::max();
+
+bool isSameMount(const MountEntry& a, const MountEntry& b) {
+    return a.id == b.id && a.major == b.major && a.minor == b.minor && a.point == b.point && a.source == b.source;
+}
+
+// In a changed root that is no mount of its own, the table does not hold "/".
+void addMissingRoot(std::vector<MountEntry>& mounts) {
+    if (!mounts.empty() && mounts.front().point == "/") return;
+    constexpr unsigned mountId = 0x1000;  // STATX_MNT_ID
+    struct statx attributes {};
+    if (::statx(AT_FDCWD, "/", AT_STATX_DONT_SYNC, mountId, &attributes) != 0) return;
+    MountEntry root;
+    root.id = attributes.stx_mnt_id;
+    root.major = attributes.stx_dev_major;
+    root.minor = attributes.stx_dev_minor;
+    root.root = root.point = "/";
+    mounts.insert(mounts.begin(), std::move(root));
+}
+
+}  // namespace
+
+LinuxVolumes::LinuxVolumes(LinuxVolumePlaces places, std::chrono::milliseconds patience,
+                           LinuxVolumesSpace::Ask askForSpace)
+    : m_mountInfo(std::move(places.mountInfo)),
+      m_devices(places.sys, std::move(places.udev)),
+      m_space(patience, std::move(askForSpace)) {}
+
+std::int32_t LinuxVolumes::FSGetVolumeInfo(std::uint32_t volumeIndex, IndexedVolume& answer) {
+    const auto self = std::this_thread::get_id();
+    std::shared_ptr<const Table> table;
+    if (volumeIndex == 1) {
+        auto fresh = std::make_shared<Table>(takeTable());
+        askForSpace(*fresh);
+        table = std::move(fresh);
+    }
+    {
+        const std::lock_guard lock(m_mutex);
+        if (table) m_walks[self] = table;
+        else if (const auto found = m_walks.find(self); found != m_walks.end()) table = found->second;
+        if (!table || volumeIndex == 0 || volumeIndex > table->size()) {
+            m_walks.erase(self);
+            return nsvErr;
+        }
+    }
+    return describe((*table)[volumeIndex - 1], answer);
+}
+
+std::int32_t LinuxVolumes::describe(const Row& row, IndexedVolume& answer) const {
+    answer = IndexedVolume{row.refNumber, {}, {}, row.mount.point, row.space.error};
+    if (row.space.error != 0) return ioErr;
+    answer.info = {row.space.total, row.space.free};
+    answer.name = nameOf(row.mount);
+    return noErr;
+}
+
+std::int32_t LinuxVolumes::FSGetVolumeParms(std::int16_t refNumber, GetVolParmsInfoBuffer& buffer) {
+    std::shared_ptr<const Table> table;
+    {
+        const std::lock_guard lock(m_mutex);
+        const auto found = m_walks.find(std::this_thread::get_id());
+        if (found != m_walks.end()) table = found->second;
+    }
+    if (!table) table = std::make_shared<Table>(takeTable());  // asked outside of a walk
+    const auto row =
+        std::find_if(table->begin(), table->end(), [&](const Row& each) { return each.refNumber == refNumber; });
+    if (row == table->end()) return ioErr;
+    const std::string device = m_devices.deviceOf(row->mount);
+    buffer.vMVersion = kBufferVersion;
+    buffer.vMServerAdr = serverAddressOf(row->mount);
+    buffer.vMExtendedAttributes = m_devices.extendedAttributes(device);
+    buffer.vMDeviceID = lastComponent(device);
+    return noErr;
+}
+
+LinuxVolumes::Table LinuxVolumes::takeTable() {
+    auto mounts = chooseVolumes(parseMountInfo(readMountInfo(m_mountInfo)));
+    addMissingRoot(mounts);
+    Table table;
+    table.reserve(mounts.size());
+    const std::lock_guard lock(m_mutex);
+    for (const MountEntry& mount : mounts) table.push_back({mount, numberOf(mount, mounts), {}});
+    return table;
+}
+
+void LinuxVolumes::askForSpace(Table& table) {
+    std::vector<SpaceQuestion> questions;
+    questions.reserve(table.size());
+    for (const Row& row : table)
+        questions.push_back({row.mount.id, ::makedev(row.mount.major, row.mount.minor), row.mount.point});
+    const auto answers = m_space.ask(questions);
+    for (std::size_t i = 0; i < table.size(); ++i) table[i].space = answers[i];
+    std::erase_if(table, [](const Row& row) { return row.space.gone; });
+}
+
+std::int16_t LinuxVolumes::numberOf(const MountEntry& mount, const std::vector<MountEntry>& standing) {
+    for (const auto& [number, owner] : m_owners)
+        if (isSameMount(owner, mount)) return number;
+    if (m_owners.size() >= static_cast<std::size_t>(kLastNumber)) forgetAllBut(standing);
+    std::int16_t number = kLastNumber;
+    if (mount.id > 0 && mount.id <= static_cast<std::uint64_t>(kLastNumber))
+        number = static_cast<std::int16_t>(mount.id);
+    if (m_owners.contains(number)) number = kLastNumber;
+    while (number > 0 && m_owners.contains(number)) --number;
+    m_owners[number] = mount;
+    return number;
+}
+
+void LinuxVolumes::forgetAllBut(const std::vector<MountEntry>& standing) {
+    std::erase_if(m_owners, [&](const auto& numbered) {
+        return std::none_of(standing.begin(), standing.end(),
+                            [&](const MountEntry& each) { return isSameMount(each, numbered.second); });
+    });
+}
+
+std::string LinuxVolumes::nameOf(const MountEntry& mount) const {
+    std::string label = m_devices.labelOf(m_devices.deviceOf(mount));
+    if (!label.empty()) return label;
+    return mount.point == "/" ? "System" : std::string(lastComponent(mount.point));
+}
+
+std::optional<RegistryMatching> LinuxVolumes::IOBSDNameMatching(const char* bsdName) const {
+    if (bsdName == nullptr || *bsdName == 0 || std::strchr(bsdName, '/') != nullptr) return std::nullopt;
+    return RegistryMatching{bsdName};
+}
+
+RegistryEntryRef LinuxVolumes::IOServiceGetMatchingService(const RegistryMatching& matching) const {
+    return registryEntryOf(m_devices, m_devices.deviceNamed(matching.bsdName));
+}
+
+std::uint32_t LinuxVolumes::IORegistryEntryCreateIterator(const RegistryEntry& entry,
+                                                          std::unique_ptr<RegistryIterator>& iterator) const {
+    iterator = registryParentsOf(entry);
+    return iterator ? 0 : ENODEV;
+}
+
+}  // namespace orrinvale

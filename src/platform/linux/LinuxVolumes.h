@@ -1,0 +1,73 @@
+// Volumes over the kernel's table of mounts, sysfs and udev. Read platform/volumes.h first; LinuxVolumesChoice.h says what
+// counts as a volume, LinuxVolumesSpace.h how a dead server is kept from holding the walk up.
+#pragma once
+
+#include <chrono>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/linux/LinuxVolumesDevices.h"
+#include "platform/linux/LinuxVolumesMounts.h"
+#include "platform/linux/LinuxVolumesSpace.h"
+#include "platform/volumes.h"
+
+namespace orrinvale {
+
+/// Where the system's own account of itself is read.
+struct LinuxVolumePlaces {
+    std::string mountInfo = "/proc/self/mountinfo";
+    std::string sys = "/sys";
+    std::string udev = "/run/udev";
+};
+
+/// The reference number of a mount is its id where that fits 16 bits and meant no other mount before in this object, so that
+/// other processes come to the same number; otherwise a free one, from the top. A number never passes to another mount as long
+/// as a free one is left, since somebody may still hold it to eject what it stood for.
+///
+/// A volume is called by its label; without one "/" is "System", and any other bears the name of its folder. FSGetVolumeInfo
+/// of index 1 takes the table and asks all volumes for their space, at most for a second altogether; the later indexes cost
+/// nothing. It leaves out what vanished meanwhile; what did not answer fails with ioErr, so that those behind it are still
+/// seen. FSGetVolumeParms knows every volume that is mounted; for any other number it gives ioErr, never nsvErr, which
+/// would end the walk of a caller for one volume's sake.
+class LinuxVolumes final : public Volumes {
+public:
+    explicit LinuxVolumes(LinuxVolumePlaces places = {}, std::chrono::milliseconds patience = std::chrono::seconds(1),
+                          LinuxVolumesSpace::Ask askForSpace = &askKernelForSpace);
+
+    std::int32_t FSGetVolumeInfo(std::uint32_t volumeIndex, IndexedVolume& answer) override;
+    std::int32_t FSGetVolumeParms(std::int16_t refNumber, GetVolParmsInfoBuffer& buffer) override;
+    [[nodiscard]] std::optional<RegistryMatching> IOBSDNameMatching(const char* bsdName) const override;
+    [[nodiscard]] RegistryEntryRef IOServiceGetMatchingService(const RegistryMatching& matching) const override;
+    std::uint32_t IORegistryEntryCreateIterator(const RegistryEntry& entry,
+                                                std::unique_ptr<RegistryIterator>& iterator) const override;
+
+private:
+    struct Row {
+        MountEntry mount;
+        std::int16_t refNumber = 0;
+        SpaceAnswer space;
+    };
+    using Table = std::vector<Row>;
+
+    [[nodiscard]] Table takeTable();
+    void askForSpace(Table& table);
+    [[nodiscard]] std::int16_t numberOf(const MountEntry& mount, const std::vector<MountEntry>& standing);
+    void forgetAllBut(const std::vector<MountEntry>& standing);
+    [[nodiscard]] std::string nameOf(const MountEntry& mount) const;
+    [[nodiscard]] std::int32_t describe(const Row& row, IndexedVolume& answer) const;
+
+    const std::string m_mountInfo;
+    const LinuxVolumesDevices m_devices;
+    LinuxVolumesSpace m_space;
+
+    std::mutex m_mutex;                                               // guards all that follows
+    std::map<std::thread::id, std::shared_ptr<const Table>> m_walks;  // under way, one a thread
+    std::map<std::int16_t, MountEntry> m_owners;                      // of the numbers ever given
+};
+
+}  // namespace orrinvale

@@ -1,0 +1,65 @@
+// The block devices below volumes, as sysfs and udev describe them.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/linux/LinuxVolumesMounts.h"
+#include "platform/volumes.h"
+
+namespace orrinvale {
+
+/// Reads when it is asked and keeps nothing. A device is its folder in sysfs, with all links resolved; the empty text stands for
+/// none, and has no name, no attributes, no label. Any thread.
+class LinuxVolumesDevices final {
+public:
+    /// The folders where sysfs and udev's state are found, "/sys" and "/run/udev" on a running system.
+    LinuxVolumesDevices(const std::string& sys, std::string udev);
+
+    /// The device of a mount; empty for what lies on none.
+    [[nodiscard]] std::string deviceOf(const MountEntry& mount) const;
+
+    /// By its kernel name ("sda1"); empty when there is none.
+    [[nodiscard]] std::string deviceNamed(std::string_view name) const;
+
+    /// The bits of vMExtendedAttributes.
+    /// - Removable: the drive says so, and discs, cards in SD slots and loop devices, which somebody attached to see an image.
+    /// - Ejectable: the same, since all of them are given back without a tool.
+    /// - On an external bus: USB, FireWire, what Thunderbolt or another outside port brought, and SD slots.
+    ///
+    /// Encrypted, mapped and joined devices have what any device below them has.
+    [[nodiscard]] std::uint32_t extendedAttributes(const std::string& device) const;
+
+    /// The file system's label in exact bytes, as udev found it; empty when there is none.
+    [[nodiscard]] std::string labelOf(const std::string& device) const;
+
+    /// Whether a folder in sysfs is a block device or partition; whether that is a whole device; nothing when it is gone.
+    [[nodiscard]] bool isBlockDevice(const std::string& folder) const;
+    [[nodiscard]] std::optional<bool> isWhole(const std::string& device) const;
+
+    /// What lies in an optical drive. Discs that are no DVDs all count as CDs: the drive is what a person sees.
+    enum class Disc : std::uint8_t { None, Cd, Dvd };
+    [[nodiscard]] Disc discIn(const std::string& device) const;
+
+    /// The folder above, empty at the root of the tree of devices.
+    [[nodiscard]] std::string parentOf(const std::string& folder) const;
+
+private:
+    [[nodiscard]] std::uint32_t attributesOfWhole(const std::string& whole, int levelsLeft) const;
+    [[nodiscard]] bool isOnExternalBus(const std::string& whole) const;
+    [[nodiscard]] std::string udevProperties(const std::string& device) const;
+
+    std::string m_sys;
+    std::string m_udev;
+};
+
+/// The last component of a path without a slash at the end; "/" for the root.
+[[nodiscard]] std::string_view lastComponent(std::string_view path);
+
+/// The object in the tree of devices of a folder in sysfs, and the iterator over its parents; null when the folder is gone.
+[[nodiscard]] RegistryEntryRef registryEntryOf(const LinuxVolumesDevices& devices, std::string folder);
+[[nodiscard]] std::unique_ptr<RegistryIterator> registryParentsOf(const RegistryEntry& entry);
+
+}  // namespace orrinvale

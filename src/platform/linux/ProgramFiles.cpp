@@ -1,0 +1,52 @@
+// The program's own files, found from the place of the running executable. Declared in LinuxFiles.h.
+#include <array>
+#include <climits>
+#include <string_view>
+
+#include "platform/linux/LinuxFiles.h"
+
+namespace orrinvale {
+namespace {
+
+std::string folderOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? std::string() : path.substr(0, slash);
+}
+
+// Every entry of the folder that bears the program's name: executables, folders of data.
+void addOwn(const FileSystem& files, const std::string& folder, std::vector<std::string>& found) {
+    const auto opened = files.openFolder(FileSystem::noParent, folder.c_str(), Links::Follow);
+    if (!opened) return;
+    CatalogBatch batch;
+    for (auto more = files.readFolder(opened->get(), batch); more && *more;
+         more = files.readFolder(opened->get(), batch))
+        for (const CatalogEntry& entry : batch.entries)
+            if (std::string_view(entry.name).starts_with("orrinvale")) found.push_back(folder + '/' + entry.name);
+}
+
+}  // namespace
+
+std::vector<std::string> programFilesAround(const std::string& executable) {
+    const LinuxFileSystem files;
+    std::vector<std::string> found{executable};
+    const std::string folder = folderOf(executable);
+    addOwn(files, folder, found);
+    if (!folder.ends_with("/bin") && !folder.ends_with("/libexec")) return found;
+    const std::string prefix = folderOf(folder);
+    for (const char* const place : {"/bin", "/share", "/libexec"})
+        if (prefix + place != folder) addOwn(files, prefix + place, found);
+    return found;
+}
+
+std::vector<std::string> programFiles() {
+    std::array<char, PATH_MAX> text;
+    const ssize_t length = ::readlink("/proc/self/exe", text.data(), text.size());
+    if (length <= 0) return {};
+    std::string executable(text.data(), static_cast<std::size_t>(length));
+    // An update has put another file there while the program runs; that one is ours too.
+    constexpr std::string_view replaced = " (deleted)";
+    if (executable.ends_with(replaced)) executable.resize(executable.size() - replaced.size());
+    return programFilesAround(executable);
+}
+
+}  // namespace orrinvale

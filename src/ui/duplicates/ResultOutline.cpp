@@ -1,0 +1,104 @@
+// ResultOutline: see ResultOutline.h.
+#include "ui/duplicates/ResultOutline.h"
+
+#include <QContextMenuEvent>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QPainter>
+
+#include "ui/duplicates/DuplicateResultModel.h"
+#include "ui/duplicates/ResultRowDelegate.h"
+#include "ui/kit/controls/TickBox.h"
+#include "ui/kit/controls/TickBoxDelegate.h"
+#include "ui/kit/look/Theme.h"
+#include "ui/kit/look/picture.h"
+
+namespace orrinvale {
+namespace {
+
+constexpr int boxColumnWidth = 34;
+constexpr int countColumnWidth = 84;
+constexpr int sizeColumnWidth = 96;
+constexpr int dateColumnWidth = 140;
+constexpr int chevronSide = 14;
+
+}  // namespace
+
+ResultOutline::ResultOutline(QWidget* parent) : QTreeView(parent), m_headerBox(new TickBox({}, header())) {
+    setObjectName(QStringLiteral("outline"));
+    setAccessibleName(tr("Groups of duplicates"));
+    setUniformRowHeights(true);  // with hundreds of thousands of rows the view must not ask each for its height
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(SingleSelection);
+    setEditTriggers(NoEditTriggers);
+    setExpandsOnDoubleClick(true);
+    setIndentation(20);
+    setFrameShape(NoFrame);
+    setVerticalScrollMode(ScrollPerPixel);
+    setItemDelegate(new ResultRowDelegate(this));
+    setItemDelegateForColumn(DuplicateResultModel::Checkbox, new TickBoxDelegate(DuplicateResultModel::StateRole, this));
+    m_headerBox->setObjectName(QStringLiteral("button"));
+    m_headerBox->setAccessibleName(tr("Select all but one of each group"));
+    header()->setSectionsClickable(true);
+    header()->setSortIndicatorShown(false);
+    header()->setStretchLastSection(false);
+    header()->setHighlightSections(false);
+    connect(header(), &QHeaderView::sectionResized, this, [this] { placeHeaderBox(); });
+    connect(header(), &QHeaderView::geometriesChanged, this, [this] { placeHeaderBox(); });
+}
+
+void ResultOutline::setModel(QAbstractItemModel* model) {
+    QTreeView::setModel(model);
+    using Model = DuplicateResultModel;
+    setTreePosition(Model::NameColumn);
+    QHeaderView& columns = *header();
+    columns.setSectionsMovable(false);
+    columns.setMinimumSectionSize(boxColumnWidth);
+    columns.setSectionResizeMode(Model::Checkbox, QHeaderView::Fixed);
+    columns.setSectionResizeMode(Model::NameColumn, QHeaderView::Stretch);
+    columns.resizeSection(Model::Checkbox, boxColumnWidth);
+    columns.resizeSection(Model::AllSelectNum, countColumnWidth);
+    columns.resizeSection(Model::FileSize, sizeColumnWidth);
+    columns.resizeSection(Model::ModifyDate, dateColumnWidth);
+    placeHeaderBox();
+}
+
+void ResultOutline::placeHeaderBox() {
+    const QSize size = m_headerBox->sizeHint();
+    const int left = header()->sectionViewportPosition(DuplicateResultModel::Checkbox);
+    m_headerBox->setGeometry(left + Theme::gapTiny, (header()->height() - size.height()) / 2, size.width(), size.height());
+}
+
+void ResultOutline::keyPressEvent(QKeyEvent* event) {
+    const QModelIndex current = currentIndex();
+    if (event->key() == Qt::Key_Space && current.isValid()) {
+        if (event->modifiers().testFlag(Qt::ControlModifier))
+            Q_EMIT previewWanted();
+        else if (!event->isAutoRepeat())
+            model()->setData(current.siblingAtColumn(DuplicateResultModel::Checkbox), {}, DuplicateResultModel::StateRole);
+        return;
+    }
+    QTreeView::keyPressEvent(event);
+}
+
+void ResultOutline::contextMenuEvent(QContextMenuEvent* event) {
+    const bool byKey = event->reason() == QContextMenuEvent::Keyboard;
+    const QModelIndex index = byKey ? currentIndex() : indexAt(event->pos());
+    if (!index.isValid()) return;
+    setCurrentIndex(index);
+    Q_EMIT menuWanted(index, byKey ? viewport()->mapToGlobal(visualRect(index).center()) : event->globalPos());
+}
+
+void ResultOutline::drawBranches(QPainter* painter, const QRect& rect, const QModelIndex& index) const {
+    if (!model()->hasChildren(index.siblingAtColumn(0))) return;
+    const bool isOpen = isExpanded(index.siblingAtColumn(0));
+    const QRect box(rect.right() - indentation() + (indentation() - chevronSide) / 2,
+                    rect.top() + (rect.height() - chevronSide) / 2, chevronSide, chevronSide);
+    const bool mirrored = layoutDirection() == Qt::RightToLeft;
+    picture(isOpen     ? QStringLiteral("chevron_down")
+            : mirrored ? QStringLiteral("chevron_left")
+                       : QStringLiteral("chevron_right"))
+        .paint(painter, box);
+}
+
+}  // namespace orrinvale

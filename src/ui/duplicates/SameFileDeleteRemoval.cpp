@@ -1,0 +1,273 @@
+// SameFileDeleteViewController: the removal on a worker, the upkeep of tree and totals meanwhile, and the padlock.
+#include <QLabel>
+#include <QLocale>
+#include <QStackedWidget>
+#include <algorithm>
+#include <chrono>
+#include <map>
+
+#include "engine/base/UtilityObject.h"
+#include "engine/cleaning/QnAuthorization.h"
+#include "services/foundation/ThreadWorker.h"
+#include "ui/duplicates/DuplicateResultModel.h"
+#include "ui/duplicates/RemovalRun.h"
+#include "ui/duplicates/ResultOutline.h"
+#include "ui/duplicates/SameFileDeleteViewController.h"
+#include "ui/duplicates/SameFileDeleteViews.h"
+#include "ui/kit/chrome/AnimationHoverImageView.h"
+#include "ui/kit/chrome/HoverButton.h"
+#include "ui/kit/chrome/TCImageButton.h"
+#include "ui/kit/chrome/TextImageButton.h"
+#include "ui/kit/controls/Animation.h"
+#include "ui/kit/controls/ElidedLabel.h"
+#include "ui/kit/dialogs/Dialogs.h"
+#include "ui/kit/dialogs/LineList.h"
+#include "ui/kit/look/picture.h"
+
+namespace orrinvale {
+namespace {
+
+// How often the removing thread tells of what has gone: one frame of the screen.
+constexpr std::chrono::milliseconds batchTime{16};
+
+// On the removing thread. `report` is called about once a batch.
+void deleteDupFiles(RemovalRun& run, const FileSystem& files, const std::function<void()>& report) {
+    const ProtectedPlaces places = QnAuthorization::protectedPlaces();
+    auto reported = std::chrono::steady_clock::now();
+    for (std::size_t i = 0; i < run.plan.size() && !run.stop; ++i) {
+        const std::string& path = run.plan.path(i);
+        run.current.put(path);
+        if (auto objection = run.plan.objection(i, files)) {
+            run.failures.push_back({path, std::move(*objection)});
+        } else {
+            const FastRemoval result = QnAuthorization::synFastRemovePath(path, *run.plan.identity(i), places);
+            if (result.gone) {
+                run.plan.removed(i, files);
+                run.addRemoved(i);
+            } else {
+                run.failures.push_back({path, result.reason});
+            }
+        }
+        ++run.done;
+        if (std::chrono::steady_clock::now() - reported < batchTime) continue;
+        report();
+        reported = std::chrono::steady_clock::now();
+    }
+}
+
+}  // namespace
+
+void SameFileDeleteViewController::removeBtnClicked() {
+    if (!m_bSearchFinished || m_selection.allSelectNumArr().empty()) return;
+    Alert question;
+    question.title = QStringLiteral("Are you sure you want to delete all your selected files?");
+    question.text = QStringLiteral(" ");
+    question.buttons = QStringList{QStringLiteral("Sure"), QStringLiteral("Cancel")};
+    question.cancelButton = 1;
+    question.severity = Alert::Severity::Warning;
+    question.isDestructive = true;
+    // What was ticked when the person confirms is what goes.
+    m_parts.dialogs->alert(m_mainWindow, question, [self = QPointer(this)](int button) {
+        if (self != nullptr) self->alertEnded_aContext(button == 0 ? 1 : 0);
+    });
+}
+
+void SameFileDeleteViewController::alertEnded_aContext(int code) {
+    if (code != 1 || !m_bSearchFinished) return;
+    m_removal = std::make_shared<RemovalRun>(RemovalPlan(m_selection.allSelectNumArr().entries()));
+    m_bSearchFinished = false;
+    m_views->stopBtn->setEnabled(false);
+    QTimer::singleShot(500, this, [this] { doRemoveDuplicateAction(); });
+}
+
+void SameFileDeleteViewController::doRemoveDuplicateAction() {
+    for (QWidget* const control : {static_cast<QWidget*>(m_views->searchBtn), static_cast<QWidget*>(m_views->openBtn),
+                                   static_cast<QWidget*>(m_views->RevealFinder),
+                                   static_cast<QWidget*>(m_views->lockButton)})
+        control->setEnabled(false);
+    delDuplicateItems();
+    m_views->stopBtn->setEnabled(false);
+}
+
+void SameFileDeleteViewController::delDuplicateItems() {
+    SameFileDeleteViews& views = *m_views;
+    m_isClickStopRemove = false;
+    views.showLoadPathInDetail();
+    views.loadPathView->show();
+    views.content->setCurrentWidget(views.removalView);
+    views.failureLine->hide();
+    views.stopBtn->hide();
+    views.stopRemoveBtn->setEnabled(true);
+    views.stopRemoveBtn->show();
+    views.backButton->setEnabled(false);
+    m_model->setTree(nullptr);  // the tree changes under the hidden list
+    m_progressNum = 1;
+    m_removalTimer.start();
+    deleteUpView();
+
+    const auto report = [self = QPointer(this), queue = m_parts.mainQueue] {
+        queue->async([self] {
+            if (self != nullptr) self->refreshOutlineView();
+        });
+    };
+    m_twRemoveDupFiles = ThreadWorker::workOn(
+        {m_removal, "<SameFileDeleteViewController>"},
+        {"deleteDupFiles:worker:",
+         ThreadWorker::CancellableTask([run = m_removal, files = m_parts.files, report](const std::any& /*nothing*/,
+                                                                                       ThreadWorker& /*worker*/) {
+             deleteDupFiles(*run, *files, report);
+         })},
+        {}, [self = QPointer(this)](const std::any& /*nothing*/) {
+            if (self != nullptr) self->deleteFinished();
+        });
+    if (m_twRemoveDupFiles == nullptr) deleteFinished();
+}
+
+void SameFileDeleteViewController::deleteUpView() {
+    if (!m_removal) return;
+    m_views->nameTextStr->setText(QString::fromStdString(m_removal->current.copy().value_or(" ")));
+    m_views->imageView->setPixmap(picturePixmap(QStringLiteral("loading_%1").arg(m_progressNum), QSize(64, 64),
+                                                m_views->imageView->devicePixelRatioF()));
+    constexpr std::int32_t pictures = 12;
+    m_progressNum = m_progressNum % pictures + 1;
+    m_views->countsLabel->setText(tr("%1 of %2").arg(QLocale().toString(qulonglong(m_removal->done.load())),
+                                                     QLocale().toString(qulonglong(m_removal->plan.size()))));
+}
+
+void SameFileDeleteViewController::refreshOutlineView() {
+    if (!m_removal) return;
+    std::vector<TreeNode::Pointer> gone;
+    for (const std::size_t index : m_removal->takeRemoved()) gone.push_back(m_removal->plan.leaf(index));
+    if (gone.empty()) return;
+    m_results.removeLeaves(gone);
+    showSameFileSize();
+    m_removal->delNodesArr.insert(m_removal->delNodesArr.end(), gone.begin(), gone.end());
+}
+
+void SameFileDeleteViewController::deleteFinished() {
+    SameFileDeleteViews& views = *m_views;
+    refreshOutlineView();
+    m_removalTimer.stop();
+    m_twRemoveDupFiles.reset();
+    views.stopBtn->show();
+    views.searchBtn->setEnabled(true);
+    views.searchBtn->setIcon(picture(QStringLiteral("scan_b_normal")));
+    TickedLeaves& selected = m_selection.allSelectNumArr();
+    if (m_isClickStopRemove)
+        selected.clear();
+    else
+        for (const auto& leaf : m_removal->delNodesArr) selected.remove(leaf.get());
+
+    m_treeData = m_results.tree(static_cast<std::size_t>(m_remberWitchSelect));
+    m_model->setTree(m_treeData);
+    alertCanNotRemoveSome();
+    changeAllSelectCheckBoxState();
+    updateCheckBox();
+    m_isClickStopRemove = false;
+    m_bSearchFinished = true;
+
+    for (QWidget* const hidden : {views.loadPathView, static_cast<QWidget*>(views.animation),
+                                  static_cast<QWidget*>(views.stopRemoveBtn)})
+        hidden->hide();
+    for (QWidget* const shown : {static_cast<QWidget*>(views.titleLabel), static_cast<QWidget*>(views.openBtn),
+                                 static_cast<QWidget*>(views.RevealFinder), static_cast<QWidget*>(views.pathChoseBtn)})
+        shown->show();
+    for (QWidget* const enabled :
+         {static_cast<QWidget*>(views.pathChoseBtn), static_cast<QWidget*>(views.animationHoverImageView),
+          static_cast<QWidget*>(views.openBtn), static_cast<QWidget*>(views.RevealFinder),
+          static_cast<QWidget*>(views.lockButton), static_cast<QWidget*>(views.backButton)})
+        enabled->setEnabled(true);
+    const std::size_t failed = m_removal->failures.size();
+    views.failureLine->setText(failed == 1 ? tr("1 could not be removed")
+                                           : tr("%1 could not be removed").arg(QLocale().toString(qulonglong(failed))));
+    showFitting();
+    setSelectCount();
+}
+
+void SameFileDeleteViewController::alertCanNotRemoveSome() {
+    if (m_selection.allSelectNumArr().empty()) return;
+    m_views->animation->startUnlockAnimation(m_views->lockButton);
+    Alert alert;
+    alert.title = QStringLiteral("Some files that require admin access can't be removed!");
+    alert.severity = Alert::Severity::Warning;
+    m_parts.dialogs->alert(m_mainWindow, alert, [self = QPointer(this)](int /*button*/) {
+        if (self == nullptr) return;
+        self->m_views->animation->stopUnlockAnimation(self->m_views->lockButton);
+        self->changeLockState();
+        self->setSelectCount();
+    });
+}
+
+void SameFileDeleteViewController::showFailures() {
+    if (!m_removal || !m_bSearchFinished) return;
+    std::map<std::string, QStringList> byReason;
+    for (const RemovalRun::Failure& failure : m_removal->failures)
+        byReason[failure.reason].push_back(QStringLiteral("    ") + QString::fromStdString(failure.path));
+    QStringList lines;
+    for (const auto& [reason, paths] : byReason) {
+        lines.push_back(QStringLiteral("%1 (%2)").arg(QString::fromStdString(reason), QString::number(paths.size())));
+        lines.append(paths);
+    }
+    showLineList(m_mainWindow, tr("Could not be removed"), lines);
+}
+
+void SameFileDeleteViewController::stopRemoveBtnClicked() {
+    if (!m_removal) return;
+    m_removal->stop = true;
+    m_isClickStopRemove = true;
+    m_views->stopRemoveBtn->setEnabled(false);
+    m_views->titleLabel->hide();
+    m_views->stopBtn->show();
+    m_views->animation->show();
+    for (QWidget* const hidden : {static_cast<QWidget*>(m_views->pathChoseBtn), static_cast<QWidget*>(m_views->openBtn),
+                                  static_cast<QWidget*>(m_views->RevealFinder)})
+        hidden->hide();
+}
+
+// The person's answer may take minutes, so that the wait is on a worker; the padlock rests meanwhile.
+void SameFileDeleteViewController::unlockRigths() {
+    if (!m_bSearchFinished || m_unlocking != nullptr) {
+        changeLockState();
+        return;
+    }
+    UtilityObject& shared = UtilityObject::getMyObject();
+    if (!m_views->lockButton->isChecked()) {
+        QnAuthorization::shareQnAuthorization().freeAuthorization();
+        shared.setIsOpenLocked(false);
+        m_parts.notifications->post("changeLockState");
+        return;
+    }
+    m_views->lockButton->setEnabled(false);
+    const auto granted = std::make_shared<bool>(false);  // written before the end method, read in it
+    m_unlocking = ThreadWorker::workOn(
+        {granted, "<SameFileDeleteViewController>"},
+        {"allocAuthorization", ThreadWorker::Task([granted](const std::any& /*nothing*/) {
+             *granted = QnAuthorization::shareQnAuthorization().allocAuthorization();
+         })},
+        {}, [self = QPointer(this), granted, notifications = m_parts.notifications](const std::any& /*nothing*/) {
+            UtilityObject::getMyObject().setIsOpenLocked(*granted);
+            if (self != nullptr) {
+                self->m_unlocking.reset();
+                self->m_views->lockButton->setEnabled(self->m_bSearchFinished);
+            }
+            notifications->post("changeLockState");
+        });
+    if (m_unlocking == nullptr) {
+        m_views->lockButton->setEnabled(true);
+        changeLockState();
+    }
+}
+
+void SameFileDeleteViewController::changeLockState() {
+    const bool isOpen = UtilityObject::getMyObject().isOpenLocked;
+    TCImageButton& padlock = *m_views->lockButton;
+    padlock.setChecked(isOpen);
+    padlock.setImage(isOpen ? QStringLiteral("ic_unlock") : QStringLiteral("ic_lock"));
+    padlock.setIconSize({20, 20});
+    const std::string refusal = isOpen ? std::string() : QnAuthorization::shareQnAuthorization().refusalText();
+    QString toolTip = QStringLiteral("Click lock to get a higer privileges.");
+    if (!refusal.empty()) toolTip += QLatin1Char('\n') + QString::fromStdString(refusal);
+    padlock.setToolTip(toolTip);
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,325 @@
+// SameFileDeleteViewController: choosing a folder, the search, and how it ends. See the header for the other sources.
+#include "ui/duplicates/SameFileDeleteViewController.h"
+
+#include <QDir>
+#include <QFile>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLocale>
+#include <QStackedWidget>
+
+#include "engine/base/UtilityObject.h"
+#include "engine/duplicates/DuplicateFilesOpt.h"
+#include "engine/settings/SettingsKeys.h"
+#include "engine/settings/UserDefaults.h"
+#include "engine/text/UtilityFunction.h"
+#include "services/foundation/ThreadWorker.h"
+#include "ui/duplicates/DuplicateResultModel.h"
+#include "ui/duplicates/RemovalRun.h"
+#include "ui/duplicates/ResultOutline.h"
+#include "ui/duplicates/SameFileDeleteViews.h"
+#include "ui/kit/chrome/AnimationHoverImageView.h"
+#include "ui/kit/chrome/HoverButton.h"
+#include "ui/kit/chrome/TCImageButton.h"
+#include "ui/kit/chrome/TextImageButton.h"
+#include "ui/kit/controls/Animation.h"
+#include "ui/kit/controls/ElidedLabel.h"
+#include "ui/kit/controls/TickBox.h"
+#include "ui/kit/dialogs/Dialogs.h"
+#include "ui/kit/dialogs/LineList.h"
+#include "ui/kit/look/picture.h"
+
+namespace orrinvale {
+namespace {
+
+// The percent shown only climbs, over all searches of one run of the program: while bundles are compared the engine's falls.
+int highestPercent = 0;
+
+QString bytesToText(const std::string& bytes) { return QString::fromStdString(bytes); }
+
+}  // namespace
+
+SameFileDeleteViewController::SameFileDeleteViewController(SameFileDeleteParts parts, QObject* parent)
+    : QObject(parent),
+      m_parts(std::move(parts)),
+      m_views(std::make_unique<SameFileDeleteViews>(*m_parts.notifications)),
+      m_model(std::make_unique<DuplicateResultModel>(m_parts.icons,
+                                                     [this](const TreeNode::Pointer& node) { boxClicked(node); })),
+      m_flight(*m_views->detailView) {
+    m_views->outline->setModel(m_model.get());
+    m_views->dragView->setDelegate(this);
+    m_flight.setDelegate(this);
+    m_searchPath = QFile::encodeName(QDir::homePath()).toStdString();
+    m_views->titleLabel->setText(bytesToText(m_searchPath));
+    showPercent(0);
+    connectControls();
+    m_observations.push_back(
+        m_parts.notifications->addObserver("refViewBgColor", [this](const Notification& notice) {
+            const auto* const info = std::any_cast<UserInfo>(&notice.object);
+            if (info == nullptr) return;
+            const auto row = info->find("rowNum");
+            if (row != info->end()) refViewBgColor(std::any_cast<std::int32_t>(row->second));
+        }));
+    m_observations.push_back(m_parts.notifications->addObserver(
+        "changeLockState", [this](const Notification& /*notice*/) { changeLockState(); }));
+    changeLockState();
+}
+
+SameFileDeleteViewController::~SameFileDeleteViewController() {
+    if (m_duplicateOpt) m_duplicateOpt->stopSearch();
+    if (m_removal) m_removal->stop = true;
+    m_model->setTree(nullptr);
+}
+
+QWidget* SameFileDeleteViewController::view() const { return m_views->fristView; }
+QWidget* SameFileDeleteViewController::progressageView() const { return m_views->progressageView; }
+QWidget* SameFileDeleteViewController::detailView() const { return m_views->detailView; }
+
+void SameFileDeleteViewController::connectControls() {
+    using Self = SameFileDeleteViewController;
+    SameFileDeleteViews& views = *m_views;
+    connect(views.pathChoseBtn, &QAbstractButton::clicked, this, &Self::clickScanBtn);
+    connect(views.animationHoverImageView, &QAbstractButton::clicked, this, &Self::clickScanBtn);
+    connect(views.otherFolderBtn, &QAbstractButton::clicked, this, &Self::clickScanBtn);
+    connect(views.searchBtn, &QAbstractButton::clicked, this, &Self::searchBtnClicked);
+    connect(views.stopScanBtn, &QAbstractButton::clicked, this, &Self::stopScanBtnClicked);
+    connect(views.backButton, &QAbstractButton::clicked, this, &Self::backButtonAction);
+    connect(views.openBtn, &QAbstractButton::clicked, this, &Self::openFinderBtnClicked);
+    connect(views.RevealFinder, &QAbstractButton::clicked, this, &Self::RevealInFinderBtnClicked);
+    connect(views.button, &QAbstractButton::clicked, this, &Self::setAllSelectOrNoSelect);
+    connect(views.stopBtn, &QAbstractButton::clicked, this, &Self::removeBtnClicked);
+    connect(views.stopRemoveBtn, &QAbstractButton::clicked, this, &Self::stopRemoveBtnClicked);
+    connect(views.lockButton, &QAbstractButton::clicked, this, &Self::unlockRigths);
+    connect(views.logoButton, &QAbstractButton::clicked, this, &Self::openHttpOfQuennet);
+    connect(views.quietLine, &QAbstractButton::clicked, this, &Self::showSkipped);
+    connect(views.failureLine, &QAbstractButton::clicked, this, &Self::showFailures);
+    connect(views.outline->selectionModel(), &QItemSelectionModel::currentRowChanged, this, &Self::shouldSelectItem);
+    connect(views.outline->header(), &QHeaderView::sectionClicked, this, &Self::didClickTableColumn);
+    connect(views.outline, &ResultOutline::menuWanted, this, &Self::showRowMenu);
+    connect(views.outline, &ResultOutline::previewWanted, this, &Self::openFinderBtnClicked);
+    m_newTimer.setInterval(100);
+    connect(&m_newTimer, &QTimer::timeout, this, &Self::getPathForSreachDuplicate);
+    m_removalTimer.setInterval(100);
+    connect(&m_removalTimer, &QTimer::timeout, this, &Self::deleteUpView);
+}
+
+void SameFileDeleteViewController::clickScanBtn() {
+    if (!m_bSearchFinished) return;
+    PathChoice choice;
+    choice.directory = m_searchPath;
+    choice.withSeveral = true;
+    m_parts.dialogs->choosePaths(m_mainWindow, choice, [self = QPointer(this)](std::vector<std::string> paths) {
+        if (self != nullptr && !paths.empty()) self->searchFolder(paths.front());
+    });
+}
+
+void SameFileDeleteViewController::viewDragAction(const std::string& path) {
+    const auto attributes = m_parts.files->attributes(FileSystem::noParent, path.c_str(), Links::Follow);
+    if (attributes && attributes->type == FileType::Folder) searchFolder(path);
+}
+
+void SameFileDeleteViewController::searchFolder(const std::string& path) {
+    if (!m_bSearchFinished) return;
+    updatePathString(path);
+    searchBtnClicked();
+    forwardViewForAnimation();
+}
+
+void SameFileDeleteViewController::updatePathString(const std::string& path) {
+    m_isStopScan = false;
+    showPercent(0);
+    m_searchPath = path;
+    const QString shown = bytesToText(path);
+    constexpr int longest = 25;
+    m_views->titleLabel->setText(shown.size() > longest ? shown.left(longest) + QStringLiteral("...") : shown);
+    m_views->titleLabel->setToolTip(shown);
+}
+
+void SameFileDeleteViewController::forwardViewForAnimation() {
+    if (m_delegate != nullptr) m_delegate->changeToProgressView();
+}
+
+void SameFileDeleteViewController::backViewForAnimation() {
+    if (m_delegate != nullptr) m_delegate->backButtonAction();
+}
+
+void SameFileDeleteViewController::searchBtnClicked() {
+    if (!m_bSearchFinished) return;
+    SameFileDeleteViews& views = *m_views;
+    m_bSearchFinished = false;
+    views.showLoadPathInProgress();
+    views.rightImageView->hide();
+    views.loadPathView->show();
+    views.outline->hide();
+    views.animation->baseNumberSetPrograss(5);
+    views.pathChoseBtn->setEnabled(false);
+    views.animationHoverImageView->setEnabled(false);
+    views.btnBgView->hide();
+    views.searchBtn->hide();
+    views.stopScanBtn->setEnabled(true);
+    views.stopScanBtn->show();
+    views.animation->show();
+    views.stopBtn->setEnabled(false);
+    views.animation->startUpdatePrograss();
+    showHeaderBox({});
+    resetOulineView();
+    m_selection.allSelectNumArr().clear();
+    showPercent(0);
+
+    m_duplicateOpt = std::make_shared<DuplicateFilesOpt>(*m_parts.files);
+    const SearchOption option{.searchHidden = m_parts.defaults->boolForKey(ZvHidenDuplication),
+                              .searchSystem = m_parts.defaults->boolForKey(ZvSystemDuplication)};
+    m_duplicateOpt->setSearchOption(&option);
+    // Files of any size count; the limit of the settings belongs to other pages.
+    constexpr std::uint64_t anySize = 0;
+    m_twDuplicateSearch = ThreadWorker::workOn(
+        {m_duplicateOpt, "<SameFileDeleteViewController>"},
+        {"searchDuplicateFiles:worker:",
+         ThreadWorker::CancellableTask([search = m_duplicateOpt](const std::any& path, ThreadWorker& /*worker*/) {
+             search->beginSearchAtPath(std::any_cast<const std::string&>(path), anySize);
+         })},
+        m_searchPath, [self = QPointer(this)](const std::any& /*nothing*/) {
+            if (self != nullptr) self->searchFinished();
+        });
+    if (m_twDuplicateSearch == nullptr) {  // no thread to be had: an empty result, and the page stays usable
+        searchFinished();
+        return;
+    }
+    m_newTimer.start();
+}
+
+void SameFileDeleteViewController::getPathForSreachDuplicate() {
+    getPrograss();
+    if (!m_duplicateOpt) return;
+    const std::string path = m_duplicateOpt->getCurrentSearchFile();
+    m_views->nameTextStr->setText(bytesToText(path));
+    if (m_parts.icons) {
+        const QIcon icon = m_parts.icons({IconRequest::Path, path});
+        m_views->imageView->setPixmap(icon.pixmap(QSize(120, 120), m_views->imageView->devicePixelRatioF()));
+    }
+    if (const auto search = m_duplicateOpt->search()) {
+        const SearchCounts counts = search->counts();
+        m_views->countsLabel->setText(
+            tr("%1 files listed, %2 compared")
+                .arg(QLocale().toString(counts.listedFiles),
+                     QString::fromStdString(UtilityFunction::convertVolSpace(counts.hashedBytes))));
+    }
+}
+
+void SameFileDeleteViewController::getPrograss() {
+    const int percent = m_duplicateOpt ? static_cast<int>(m_duplicateOpt->getProgress()) : 0;
+    constexpr int lowestShown = 6;  // the strip starts at 5
+    if (percent < lowestShown || percent < highestPercent) return;
+    highestPercent = percent;
+    m_views->animation->baseNumberSetPrograss(percent);
+    showPercent(percent);
+}
+
+void SameFileDeleteViewController::showPercent(int percent) {
+    m_views->progress->setText(QStringLiteral("%1%").arg(percent));
+}
+
+void SameFileDeleteViewController::searchFinished() {
+    m_views->stopScanBtn->setEnabled(false);
+    m_twDuplicateSearch.reset();
+    std::shared_ptr<SimpleTreeNode> all;
+    if (m_duplicateOpt && m_duplicateOpt->getDuplicateFiles(&all)) m_results.setResult(std::move(all));
+    constructSubtrees();
+    if (m_model->rowCount() > 0) m_views->outline->expand(m_model->index(0, 0));
+    m_views->animation->stop();
+    showSelectCountWithFileCount(m_treeData != nullptr ? ResultViews::leafCount(*m_treeData) : 0, rowLabel());
+    QTimer::singleShot(1000, this, [this] { delayBtnChangeStateTime(); });
+}
+
+void SameFileDeleteViewController::constructSubtrees() {
+    m_treeData = m_results.tree(static_cast<std::size_t>(m_remberWitchSelect));
+    m_model->setTree(m_treeData);
+}
+
+void SameFileDeleteViewController::delayBtnChangeStateTime() {
+    SameFileDeleteViews& views = *m_views;
+    m_bSearchFinished = true;
+    for (QWidget* const hidden :
+         {views.loadPathView, static_cast<QWidget*>(views.animation), static_cast<QWidget*>(views.searchBtn),
+          static_cast<QWidget*>(views.stopScanBtn)})
+        hidden->hide();
+    showFitting();
+    views.btnBgView->show();
+    views.rightImageView->show();
+    views.searchBtn->setEnabled(false);
+    views.pathChoseBtn->setEnabled(true);
+    views.animationHoverImageView->setEnabled(true);
+    showSameFileSize();
+    m_newTimer.stop();
+    views.nameTextStr->setText(QStringLiteral(" "));
+    views.imageView->clear();
+    views.countsLabel->clear();
+    if (!m_duplicateScaned) {
+        m_parts.notifications->post("changeViewActionForDuplicate");
+        m_duplicateScaned = true;
+    }
+    if (!m_isStopScan && m_delegate != nullptr) m_delegate->changeToDetailView();
+}
+
+// The list, or words in its place where there is nothing to list; and the quiet line about what could not be read.
+void SameFileDeleteViewController::showFitting() {
+    SameFileDeleteViews& views = *m_views;
+    const auto search = m_duplicateOpt ? m_duplicateOpt->search() : nullptr;
+    const std::size_t skipped = search ? search->skipped().entries().size() : 0;
+    views.quietLine->setVisible(skipped != 0);
+    views.quietLine->setText(skipped == 1 ? tr("1 entry could not be read")
+                                          : tr("%1 entries could not be read").arg(QLocale().toString(qulonglong(skipped))));
+    views.failureLine->setVisible(m_removal && !m_removal->failures.empty());
+    const bool isEmpty = m_results.tree(0) == nullptr || m_results.tree(0)->numberOfChildren() == 0;
+    const bool removedAll = isEmpty && m_removal != nullptr;
+    views.emptyLabel->setText(search && search->rootError() ? tr("This folder could not be read.")
+                              : removedAll                  ? tr("No duplicates are left here.")
+                                                            : tr("No two files here are the same."));
+    views.outline->show();
+    views.content->setCurrentWidget(isEmpty ? views.emptyView : static_cast<QWidget*>(views.outline));
+}
+
+void SameFileDeleteViewController::showSkipped() {
+    const auto search = m_duplicateOpt ? m_duplicateOpt->search() : nullptr;
+    if (!search) return;
+    QStringList lines;
+    for (const Error& error : search->skipped().entries())
+        lines.push_back(QString::fromStdString(error.reason()) + QStringLiteral(": ") + bytesToText(error.path));
+    showLineList(m_mainWindow, tr("Could not be read"), lines);
+}
+
+void SameFileDeleteViewController::stopScanBtnClicked() {
+    m_isStopScan = true;
+    m_views->searchBtn->setEnabled(false);
+    m_views->stopScanBtn->setEnabled(false);
+    m_views->animation->hide();
+    m_newTimer.stop();
+    if (m_duplicateOpt) m_duplicateOpt->stopSearch();
+    QTimer::singleShot(1500, this, [this] { backViewForAnimation(); });
+}
+
+void SameFileDeleteViewController::backButtonAction() {
+    if (m_bSearchFinished) backViewForAnimation();
+}
+
+void SameFileDeleteViewController::showSameFileSize() {
+    for (std::size_t row = 0; row < m_views->leftCells.size(); ++row)
+        m_views->leftCells.at(row)->setSizeTextFieldString(QString::fromStdString(m_results.sizeText(row)));
+}
+
+void SameFileDeleteViewController::resetOulineView() {
+    m_treeData = nullptr;
+    m_model->setTree(nullptr);
+    m_results.clear();
+    m_removal.reset();
+    m_openItemPath.clear();
+    m_lastColumn = -1;
+    m_views->outline->header()->setSortIndicatorShown(false);
+    showSameFileSize();
+}
+
+void SameFileDeleteViewController::openHttpOfQuennet() {
+    if (m_parts.openAddress) m_parts.openAddress(QStringLiteral("https://www.kelpford.com/"));
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,179 @@
+// SameFileDeleteViewController: the page of the duplicate finder. Four sources: this class's search, SameFileDeleteTicks.cpp its
+// boxes and titles, SameFileDeleteRemoval.cpp its removal, SameFileDeleteRows.cpp what is done with one row.
+// The decisions stand in engine/duplicates/results.
+#pragma once
+
+#include <QIcon>
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "engine/base/MainQueue.h"
+#include "engine/base/NotificationCenter.h"
+#include "engine/duplicates/results/DuplicateSelection.h"
+#include "engine/duplicates/results/ResultViews.h"
+#include "platform/files.h"
+#include "ui/kit/controls/DragView.h"
+#include "ui/kit/controls/PathAnimation.h"
+
+namespace orrinvale {
+
+class Dialogs;
+class DuplicateFilesOpt;
+class DuplicateResultModel;
+class SameFileDeleteViews;
+class ThreadWorker;
+class UserDefaults;
+struct RemovalRun;
+
+/// What the page asks of the window that it stands in.
+class SameFileDeleteViewControllerDelegate {
+public:
+    virtual ~SameFileDeleteViewControllerDelegate() = default;
+    virtual void changeToProgressView() {}
+    virtual void changeToDetailView() {}
+    virtual void backButtonAction() {}
+    /// Exact bytes; of a group the bare name.
+    virtual void pereviewFileWithFileNodePath(const std::string& path) { static_cast<void>(path); }
+
+protected:
+    SameFileDeleteViewControllerDelegate() = default;
+    SameFileDeleteViewControllerDelegate(const SameFileDeleteViewControllerDelegate&) = default;
+    SameFileDeleteViewControllerDelegate& operator=(const SameFileDeleteViewControllerDelegate&) = default;
+};
+
+/// What the page works with. Nothing of it is owned; all of it outlives the page.
+struct SameFileDeleteParts {
+    const FileSystem* files = nullptr;
+    NotificationCenter* notifications = nullptr;
+    UserDefaults* defaults = nullptr;
+    Dialogs* dialogs = nullptr;
+    MainQueue* mainQueue = nullptr;
+    std::function<QIcon(const IconRequest&)> icons;
+    std::function<void(const std::string& path)> reveal;     ///< shows the entry in the desktop's file manager
+    std::function<void(const QString& address)> openAddress;  ///< opens a web page
+};
+
+/// Main thread only. A search or a removal under way when the page ends is asked to stop, and its thread ends by itself.
+class SameFileDeleteViewController final : public QObject,
+                                           private DragViewDelegate,
+                                           private PathAnimationDelegate {
+    Q_OBJECT
+public:
+    explicit SameFileDeleteViewController(SameFileDeleteParts parts, QObject* parent = nullptr);
+    ~SameFileDeleteViewController() override;
+
+    [[nodiscard]] QWidget* view() const;
+    [[nodiscard]] QWidget* progressageView() const;
+    [[nodiscard]] QWidget* detailView() const;
+
+    void setMainWindow(QWidget* window) { m_mainWindow = window; }
+    void setDelegate(SameFileDeleteViewControllerDelegate* delegate) { m_delegate = delegate; }  ///< not owned
+
+    [[nodiscard]] bool duplicateScaned() const { return m_duplicateScaned; }
+    void setDuplicateScaned(bool scaned) { m_duplicateScaned = scaned; }
+    [[nodiscard]] bool bSearchFinished() const { return m_bSearchFinished; }
+    [[nodiscard]] const std::string& searchPath() const { return m_searchPath; }
+
+    /// Searches a folder, as if it had been dropped. Does nothing when it is none, or while something runs.
+    void viewDragAction(const std::string& path) override;
+
+public Q_SLOTS:
+    void clickScanBtn();
+    void searchBtnClicked();
+    void stopScanBtnClicked();
+    void backButtonAction();
+    void openFinderBtnClicked();
+    void RevealInFinderBtnClicked();
+    void setAllSelectOrNoSelect();
+    void removeBtnClicked();
+    void stopRemoveBtnClicked();
+    void unlockRigths();
+    void openHttpOfQuennet();
+
+private:
+    // Search.
+    void connectControls();
+    void searchFolder(const std::string& path);
+    void updatePathString(const std::string& path);
+    void forwardViewForAnimation();
+    void backViewForAnimation();
+    void getPathForSreachDuplicate();
+    void getPrograss();
+    void showPercent(int percent);
+    void searchFinished();
+    void constructSubtrees();
+    void delayBtnChangeStateTime();
+    void showSameFileSize();
+    void resetOulineView();
+    void showFitting();
+    void showSkipped();
+
+    // Boxes and titles.
+    void refViewBgColor(std::int32_t row);
+    void showSelectCountWithFileCount(std::size_t count, const QString& pathName);
+    void setSelectCount();
+    void boxClicked(const TreeNode::Pointer& node);
+    void setSelectState(const TreeNode::Pointer& leaf);
+    void alertEnded_context(int code, const TreeNode::Pointer& leaf);
+    void fly(const TreeNode::Pointer& leaf);
+    void callBackDeleteItemWithIndex() override;
+    void setRemoveButtonState();
+    void changeAllSelectCheckBoxState();
+    void updateCheckBox();
+    void showHeaderBox(const HeaderBox& box);
+    [[nodiscard]] QString rowLabel() const;
+
+    // Removal.
+    void alertEnded_aContext(int code);
+    void doRemoveDuplicateAction();
+    void delDuplicateItems();
+    void deleteUpView();
+    void refreshOutlineView();
+    void deleteFinished();
+    void alertCanNotRemoveSome();
+    void showFailures();
+    void changeLockState();
+
+    // One row.
+    void shouldSelectItem(const QModelIndex& index);
+    void didClickTableColumn(int column);
+    void sortTree(int column);
+    void showRowMenu(const QModelIndex& index, QPoint position);
+    [[nodiscard]] QIcon iconOf(const TreeNode& node) const;
+
+    SameFileDeleteParts m_parts;
+    std::unique_ptr<SameFileDeleteViews> m_views;
+    std::unique_ptr<DuplicateResultModel> m_model;
+    SameFileDeleteViewControllerDelegate* m_delegate = nullptr;
+    QPointer<QWidget> m_mainWindow;
+    std::vector<NotificationCenter::Observation> m_observations;
+
+    ResultViews m_results;
+    DuplicateSelection m_selection;
+    TreeNode* m_treeData = nullptr;  // the tree that the list shows, of m_results
+    std::int32_t m_remberWitchSelect = 0;
+    std::shared_ptr<DuplicateFilesOpt> m_duplicateOpt;
+    std::shared_ptr<ThreadWorker> m_twDuplicateSearch;
+    std::shared_ptr<ThreadWorker> m_twRemoveDupFiles;
+    std::shared_ptr<ThreadWorker> m_unlocking;
+    std::shared_ptr<RemovalRun> m_removal;  // the running or the last one
+    std::string m_searchPath;
+    std::string m_openItemPath;
+    QTimer m_newTimer;
+    QTimer m_removalTimer;
+    PathAnimation m_flight;
+    int m_lastColumn = -1;
+    bool m_sortDescending = false;
+    bool m_bSearchFinished = true;
+    bool m_isStopScan = false;
+    bool m_isClickStopRemove = false;
+    bool m_duplicateScaned = false;
+    std::int32_t m_progressNum = 1;
+};
+
+}  // namespace orrinvale

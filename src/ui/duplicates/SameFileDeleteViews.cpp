@@ -1,0 +1,274 @@
+// SameFileDeleteViews: see SameFileDeleteViews.h.
+#include "ui/duplicates/SameFileDeleteViews.h"
+
+#include <QCoreApplication>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+#include "engine/duplicates/results/ResultViews.h"
+#include "ui/duplicates/Panel.h"
+#include "ui/duplicates/ResultOutline.h"
+#include "ui/kit/chrome/AnimationHoverImageView.h"
+#include "ui/kit/chrome/HoverButton.h"
+#include "ui/kit/chrome/TCImageButton.h"
+#include "ui/kit/chrome/TextImageButton.h"
+#include "ui/kit/controls/Animation.h"
+#include "ui/kit/controls/DragView.h"
+#include "ui/kit/controls/ElidedLabel.h"
+#include "ui/kit/controls/TickBox.h"
+#include "ui/kit/look/Theme.h"
+#include "ui/kit/look/picture.h"
+
+namespace orrinvale {
+namespace {
+
+constexpr int leftViewWidth = 188;
+constexpr int barHeight = 52;
+constexpr int imageSide = 64;
+
+QString tr(const char* text) { return QCoreApplication::translate("SameFileDeleteViews", text); }
+
+template <class Control> Control* named(Control* control, const char* name, const QString& accessibleName = {}) {
+    control->setObjectName(QLatin1String(name));
+    if (!accessibleName.isEmpty()) control->setAccessibleName(accessibleName);
+    return control;
+}
+
+QLabel* label(const char* name, Theme::Text text, QPalette::ColorRole role = QPalette::WindowText) {
+    auto* const made = named(new QLabel, name);
+    made->setTextFormat(Qt::PlainText);
+    made->setFont(Theme::shared().font(text));
+    made->setForegroundRole(role);
+    made->setAlignment(Qt::AlignCenter);
+    return made;
+}
+
+TCImageButton* imageButton(const char* name, const QString& image, const QString& toolTip) {
+    auto* const made = named(new TCImageButton, name);
+    made->setImage(image);
+    made->setIconSize({20, 20});
+    made->setFixedSize(Theme::controlHeight, Theme::controlHeight);
+    made->setToolTip(toolTip);
+    return made;
+}
+
+}  // namespace
+
+SameFileDeleteViews::SameFileDeleteViews(const NotificationCenter& notifications) {
+    makeLoadPathView();
+    makeFirstView();
+    makeProgressView(notifications);
+    makeDetailView(notifications);
+    showLoadPathInProgress();
+}
+
+SameFileDeleteViews::~SameFileDeleteViews() {
+    for (const auto& view : {fristView, progressageView, detailView})
+        if (view != nullptr && view->parentWidget() == nullptr) delete view.data();
+}
+
+void SameFileDeleteViews::makeFirstView() {
+    fristView = named(new Panel(Theme::Color::Window), "fristView");
+    dragView = named(new DragView(fristView), "dragView", tr("Drop a folder here to search it"));
+    animationHoverImageView =
+        named(new AnimationHoverImageView, "animationHoverImageView", tr("Choose a folder to search"));
+    animationHoverImageView->setImages(QStringLiteral("addbg"), QStringLiteral("addbg_hover"),
+                                       QStringLiteral("addbg_press"));
+    QLabel* const heading = label("heading", Theme::Text::Title);
+    heading->setText(tr("Find files that you have twice"));
+    QLabel* const hint = label("hint", Theme::Text::Body, QPalette::PlaceholderText);
+    hint->setText(tr("Drop a folder here, or choose one. Nothing is removed until you tick it and confirm."));
+    hint->setWordWrap(true);
+    pathChoseBtn = named(new TextImageButton(tr("Choose a Folder"), TextImageButton::Role::Primary), "pathChoseBtn");
+    pathChoseBtn->setToolTip(tr("Select scan path"));
+    searchBtn = named(new TextImageButton(tr("Scan")), "searchBtn");
+    searchBtn->setToolTip(tr("Scan"));
+    searchBtn->hide();  // a search begins with the folder
+    logoButton = named(new HoverButton, "logoButton", tr("Open the web page of Orrinvale"));
+    logoButton->setText(tr("Orrinvale on the web"));
+
+    auto* const around = new QVBoxLayout(fristView);
+    around->setContentsMargins({});
+    around->addWidget(dragView);
+    auto* const column = new QVBoxLayout(dragView);
+    column->setContentsMargins(Theme::gapSection, Theme::gapSection, Theme::gapSection, Theme::gap);
+    column->setSpacing(Theme::gap);
+    column->addStretch();
+    column->addWidget(animationHoverImageView, 0, Qt::AlignHCenter);
+    column->addSpacing(Theme::gapSmall);
+    column->addWidget(heading);
+    column->addWidget(hint);
+    column->addSpacing(Theme::gapSmall);
+    column->addWidget(pathChoseBtn, 0, Qt::AlignHCenter);
+    column->addWidget(searchBtn, 0, Qt::AlignHCenter);
+    column->addStretch();
+    column->addWidget(logoButton, 0, Qt::AlignHCenter);
+}
+
+void SameFileDeleteViews::makeLoadPathView() {
+    loadPathView = named(new QWidget, "loadPathView");
+    imageView = named(new QLabel, "imageView");
+    imageView->setFixedSize(imageSide, imageSide);
+    imageView->setScaledContents(true);
+    nameTextStr = named(new ElidedLabel(Qt::ElideMiddle), "nameTextStr", tr("At this moment"));
+    nameTextStr->setAlignment(Qt::AlignCenter);
+    nameTextStr->setFont(Theme::shared().font(Theme::Text::Body));
+    countsLabel = label("countsLabel", Theme::Text::Caption, QPalette::PlaceholderText);
+    auto* const column = new QVBoxLayout(loadPathView);
+    column->setContentsMargins({});
+    column->setSpacing(Theme::gapSmall);
+    column->addWidget(imageView, 0, Qt::AlignHCenter);
+    column->addWidget(nameTextStr);
+    column->addWidget(countsLabel);
+}
+
+void SameFileDeleteViews::makeProgressView(const NotificationCenter& notifications) {
+    progressageView = named(new Panel(Theme::Color::Window), "progressageView");
+    animation = named(new Animation(notifications), "animation", tr("Progress of the search"));
+    progress = label("progress", Theme::Text::Display);
+    stopScanBtn = named(new TextImageButton(tr("Stop")), "stopScanBtn");
+    stopScanBtn->setToolTip(tr("Stop Scan"));
+    auto* const column = new QVBoxLayout(progressageView);
+    column->setContentsMargins(Theme::gapSection, Theme::gapSection, Theme::gapSection, Theme::gapSection);
+    column->setSpacing(Theme::gapLarge);
+    column->addStretch();
+    column->addWidget(progress);
+    column->addWidget(animation, 0, Qt::AlignHCenter);
+    column->addSpacing(Theme::gapSmall);
+    column->addStretch();
+    column->addWidget(stopScanBtn, 0, Qt::AlignHCenter);
+}
+
+void SameFileDeleteViews::showLoadPathInProgress() {
+    // Below the strip, above the free space over the button.
+    constexpr int below = 3;
+    static_cast<QVBoxLayout*>(progressageView->layout())->insertWidget(below, loadPathView);
+}
+
+void SameFileDeleteViews::showLoadPathInDetail() {
+    constexpr int below = 1;
+    static_cast<QVBoxLayout*>(removalView->layout())->insertWidget(below, loadPathView);
+}
+
+QWidget* SameFileDeleteViews::makeLeftView(const NotificationCenter& notifications) {
+    leftView = named(new Panel(Theme::Color::SurfaceRaised, Qt::RightEdge), "leftView", tr("Kinds of files"));
+    leftView->setFixedWidth(leftViewWidth);
+    auto* const column = new QVBoxLayout(leftView);
+    column->setContentsMargins(Theme::gapSmall, Theme::gap, Theme::gapSmall, Theme::gap);
+    column->setSpacing(0);
+    for (std::size_t row = 0; row < leftCells.size(); ++row) {
+        const ResultRow& shown = resultRows.at(row);
+        leftCells.at(row) = new DuplicationLeftCell(static_cast<std::int32_t>(row),
+                                                    QString::fromUtf8(shown.title.data(), qsizetype(shown.title.size())),
+                                                    QString::fromUtf8(shown.picture.data(), qsizetype(shown.picture.size())),
+                                                    notifications);
+        leftCells.at(row)->setFixedHeight(DuplicationLeftCell::cellHeight);
+        column->addWidget(leftCells.at(row));
+    }
+    column->addStretch();
+    return leftView;
+}
+
+QWidget* SameFileDeleteViews::makeTopBar() {
+    auto* const bar = new Panel(Theme::Color::Surface, Qt::BottomEdge);
+    bar->setFixedHeight(barHeight);
+    backButton = imageButton("backButton", QStringLiteral("arrow_left"), tr("Search another folder"));
+    rightImageView = named(new QLabel, "rightImageView");
+    rightImageView->setFixedSize(20, 20);
+    rightImageView->setScaledContents(true);
+    titleLabel = named(new ElidedLabel(Qt::ElideMiddle), "titleLabel");
+    titleLabel->setFont(Theme::shared().font(Theme::Text::BodyStrong));
+    btnBgView = named(new QWidget, "btnBgView");
+    openBtn = imageButton("openBtn", QStringLiteral("preview"), tr("Open selected file"));
+    RevealFinder = imageButton("RevealFinder", QStringLiteral("locate"), tr("Reveal selected file in finder"));
+    lockButton = imageButton("lockButton", QStringLiteral("ic_lock"), tr("Click lock to get a higer privileges."));
+    lockButton->setAccessibleName(tr("Administrator right"));
+    lockButton->setCheckable(true);
+    auto* const buttons = new QHBoxLayout(btnBgView);
+    buttons->setContentsMargins({});
+    buttons->setSpacing(Theme::gapTiny);
+    for (TCImageButton* const control : {openBtn, RevealFinder, lockButton}) buttons->addWidget(control);
+    auto* const row = new QHBoxLayout(bar);
+    row->setContentsMargins(Theme::gapSmall, 0, Theme::gap, 0);
+    row->setSpacing(Theme::gapSmall);
+    row->addWidget(backButton);
+    row->addWidget(rightImageView);
+    row->addWidget(titleLabel, 1);
+    row->addWidget(btnBgView);
+    return bar;
+}
+
+QWidget* SameFileDeleteViews::makeContent() {
+    content = named(new QStackedWidget, "content");
+    outline = new ResultOutline;
+    button = outline->headerBox();
+
+    emptyView = named(new Panel(Theme::Color::Surface), "emptyView");
+    auto* const sign = new QLabel;
+    sign->setPixmap(picturePixmap(QStringLiteral("empty_done"), {}, sign->devicePixelRatioF()));
+    sign->setAlignment(Qt::AlignCenter);
+    emptyLabel = label("emptyLabel", Theme::Text::Heading);
+    emptyLabel->setWordWrap(true);
+    otherFolderBtn = named(new TextImageButton(tr("Choose Another Folder")), "otherFolderBtn");
+    auto* const empty = new QVBoxLayout(emptyView);
+    empty->addStretch();
+    empty->addWidget(sign);
+    empty->addWidget(emptyLabel);
+    empty->addSpacing(Theme::gapSmall);
+    empty->addWidget(otherFolderBtn, 0, Qt::AlignHCenter);
+    empty->addStretch();
+
+    removalView = named(new Panel(Theme::Color::Surface), "removalView");
+    auto* const removal = new QVBoxLayout(removalView);
+    removal->setContentsMargins(Theme::gapSection, Theme::gapSection, Theme::gapSection, Theme::gapSection);
+    removal->addStretch();
+    removal->addStretch();
+
+    for (QWidget* const page : {static_cast<QWidget*>(outline), emptyView, removalView}) content->addWidget(page);
+    return content;
+}
+
+QWidget* SameFileDeleteViews::makeBottomBar() {
+    bottomBgView = named(new Panel(Theme::Color::Surface, Qt::TopEdge), "bottomBgView");
+    bottomBgView->setFixedHeight(barHeight);
+    quietLine = named(new HoverButton, "quietLine");
+    failureLine = named(new HoverButton, "failureLine");
+    quietLine->hide();
+    failureLine->hide();
+    trashBtn = named(new QLabel, "trashBtn");
+    trashBtn->setPixmap(picturePixmap(QStringLiteral("trash"), {20, 20}, trashBtn->devicePixelRatioF()));
+    stopRemoveBtn = named(new TextImageButton(tr("Stop")), "stopRemoveBtn");
+    stopRemoveBtn->hide();
+    stopBtn = named(new TextImageButton(tr("Remove"), TextImageButton::Role::Danger), "stopBtn");
+    stopBtn->setToolTip(tr("Remove selected file"));
+    stopBtn->setEnabled(false);
+    auto* const row = new QHBoxLayout(bottomBgView);
+    row->setContentsMargins(Theme::gap, 0, Theme::gap, 0);
+    row->setSpacing(Theme::gapSmall);
+    row->addWidget(quietLine);
+    row->addWidget(failureLine);
+    row->addStretch();
+    row->addWidget(trashBtn);
+    row->addWidget(stopRemoveBtn);
+    row->addWidget(stopBtn);
+    return bottomBgView;
+}
+
+void SameFileDeleteViews::makeDetailView(const NotificationCenter& notifications) {
+    detailView = named(new Panel(Theme::Color::Window), "detailView");
+    auto* const row = new QHBoxLayout(detailView);
+    row->setContentsMargins({});
+    row->setSpacing(0);
+    row->addWidget(makeLeftView(notifications));
+    auto* const column = new QVBoxLayout;
+    column->setContentsMargins({});
+    column->setSpacing(0);
+    column->addWidget(makeTopBar());
+    column->addWidget(makeContent(), 1);
+    column->addWidget(makeBottomBar());
+    row->addLayout(column, 1);
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,77 @@
+// WindowButton: see WindowButton.h. The signs are always there: ones that come only under the pointer leave three dots without
+// a label.
+#include "ui/kit/chrome/WindowButton.h"
+
+#include <QFocusEvent>
+#include <QKeyEvent>
+#include <QPainter>
+
+#include <utility>
+
+#include "ui/kit/chrome/TCImageButton.h"
+
+namespace orrinvale {
+namespace {
+
+QString nameOf(WindowButton::Kind kind, bool restores) {
+    switch (kind) {
+        case WindowButton::Kind::Close: return QStringLiteral("Close");
+        case WindowButton::Kind::Miniaturize: return QStringLiteral("Minimize");
+        case WindowButton::Kind::Zoom: break;
+    }
+    return restores ? QStringLiteral("Restore") : QStringLiteral("Zoom");
+}
+
+ButtonPictures picturesOf(WindowButton::Kind kind, bool restores) {
+    switch (kind) {
+        case WindowButton::Kind::Close: return ButtonPictures::named(QStringLiteral("window_close"));
+        case WindowButton::Kind::Miniaturize: return ButtonPictures::named(QStringLiteral("window_minimise"));
+        case WindowButton::Kind::Zoom: break;
+    }
+    return ButtonPictures::named(restores ? QStringLiteral("window_restore") : QStringLiteral("window_zoom"));
+}
+
+}  // namespace
+
+WindowButton::WindowButton(Kind kind, QWidget* parent) : QAbstractButton(parent), m_kind(kind) {
+    followTheme(*this);
+    setFocusPolicy(Qt::TabFocus);
+    setCursor(Qt::ArrowCursor);
+    resize(side, side);
+    setRestores(false);
+    connect(this, &QAbstractButton::clicked, this, &WindowButton::perform);
+}
+
+void WindowButton::setAction(std::function<void()> action) { m_action = std::move(action); }
+
+void WindowButton::perform() const {
+    // By copy: an action may well set another one.
+    if (const auto action = m_action) action();
+}
+
+void WindowButton::setRestores(bool restores) {
+    m_pictures = picturesOf(m_kind, restores);
+    setToolTip(nameOf(m_kind, restores));
+    setAccessibleName(nameOf(m_kind, restores));
+    update();
+}
+
+void WindowButton::paintEvent(QPaintEvent*) {
+    const ButtonLook look = buttonLook(*this);
+    // In a window behind others the signs step back, until the pointer comes.
+    const bool isBehind = look == ButtonLook::Normal && !isActiveWindow();
+    QPainter painter(this);
+    m_pictures.forLook(isBehind ? ButtonLook::Disabled : look).paint(&painter, rect());
+    if (m_keyboardFocus.isShown(*this)) drawFocusRing(painter, QRectF(rect()), side / 2.0 - 1);
+}
+
+void WindowButton::focusInEvent(QFocusEvent* event) {
+    m_keyboardFocus.focusIn(*event);
+    QAbstractButton::focusInEvent(event);
+}
+
+void WindowButton::keyPressEvent(QKeyEvent* event) {
+    if (!clickedByEnter(*this, *event)) QAbstractButton::keyPressEvent(event);
+}
+
+}  // namespace orrinvale

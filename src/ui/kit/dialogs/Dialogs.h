@@ -1,0 +1,66 @@
+// Dialogs: how a page asks the user. WindowDialogs.h shows the questions; tests answer them without a screen.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+class QWidget;
+
+namespace orrinvale {
+
+/// A question or a message over one window.
+struct Alert {
+    enum class Severity { Information, Warning, Critical };
+
+    QString title;  ///< what is asked; either text may be empty or blank
+    QString text;   ///< what follows from it
+    QStringList buttons{QStringLiteral("OK")};
+    int defaultButton = 0;  ///< taken by Enter: where the keyboard stands at first
+    int cancelButton = -1;  ///< taken by Escape; -1 for none, yet a single button is always taken by it
+    Severity severity = Severity::Information;
+    bool isDestructive = false;  ///< the default button removes something, and looks like it
+    QString picture;             ///< by name, in place of the sign of the severity
+    QString linkText;            ///< with an action: a further button that leaves the question open
+    std::function<void()> linkAction;
+};
+
+/// What may be chosen, and where the choice starts. Links are followed to what they stand for.
+struct PathChoice {
+    QString title = QStringLiteral("Choose a path to search");
+    QString prompt = QStringLiteral("Choose");  ///< on the button that accepts
+    std::string directory;                      ///< exact bytes; the home folder when empty
+    bool withFiles = false;                     ///< files too, not only folders
+    bool withSeveral = false;
+};
+
+/// Nothing here waits: an operation returns at once, and the callback comes later from the event loop, exactly once, or
+/// never when the window has ended. Main thread only.
+class Dialogs {
+public:
+    /// The index of the button; the cancel button's, or -1, when the question could not be shown.
+    using Answer = std::function<void(int button)>;
+    /// Absolute paths in exact bytes; empty when the user chose none.
+    using Paths = std::function<void(std::vector<std::string> paths)>;
+
+    virtual ~Dialogs() = default;
+
+    virtual void alert(QWidget* window, const Alert& alert, Answer answered) = 0;
+    virtual void choosePaths(QWidget* window, const PathChoice& choice, Paths chosen) = 0;
+
+protected:
+    Dialogs() = default;
+    Dialogs(const Dialogs&) = default;
+    Dialogs& operator=(const Dialogs&) = default;
+};
+
+/// The button that Escape takes, -1 for none.
+[[nodiscard]] inline int escapeButton(const Alert& alert) {
+    if (alert.cancelButton < 0 && alert.buttons.size() == 1) return 0;
+    return alert.cancelButton < alert.buttons.size() ? alert.cancelButton : -1;
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,38 @@
+// DesktopAppearance: whether the desktop prefers dark, from the settings service that the desktops share.
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QObject>
+#include <optional>
+
+#include "ui/kit/look/Theme.h"
+
+namespace orrinvale {
+
+/// Reads "color-scheme" of "org.freedesktop.appearance" from org.freedesktop.portal.Settings (0 no preference, 1 dark,
+/// 2 light) and follows it. Desktops whose palette Qt does not know, GNOME among them, tell it only there. Main thread.
+class DesktopAppearance final : public QObject {
+    Q_OBJECT
+public:
+    /// Asks, and waits at most a fifth of a second: a window that comes up light and turns dark is worse than that. A
+    /// service that is only being started answers later, through changed().
+    DesktopAppearance(const QDBusConnection& bus, QObject* parent);
+
+    /// None without the service, or where the user has no preference.
+    [[nodiscard]] std::optional<Theme::Scheme> scheme() const { return m_scheme; }
+
+Q_SIGNALS:
+    /// The preference is another one than before.
+    void changed();
+
+private Q_SLOTS:
+    void settingChanged(const QDBusMessage& message);
+
+private:
+    void take(const QVariant& value);
+
+    std::optional<Theme::Scheme> m_scheme;
+};
+
+}  // namespace orrinvale

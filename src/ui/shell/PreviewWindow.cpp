@@ -1,0 +1,125 @@
+// PreviewWindow: see PreviewWindow.h.
+#include "ui/shell/PreviewWindow.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLocale>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+#include "engine/text/UtilityFunction.h"
+#include "ui/kit/look/Theme.h"
+#include "ui/shell/FileIcons.h"
+#include "ui/shell/previewContent.h"
+
+namespace orrinvale {
+namespace {
+
+constexpr QSize usualSize{560, 460};
+constexpr int iconSide = 128;
+
+QLabel* centred(Theme::Text text, QPalette::ColorRole role) {
+    auto* const label = new QLabel;
+    label->setTextFormat(Qt::PlainText);
+    label->setAlignment(Qt::AlignCenter);
+    label->setWordWrap(true);
+    label->setFont(Theme::shared().font(text));
+    label->setForegroundRole(role);
+    return label;
+}
+
+QString factsOf(const PreviewContent& content) {
+    if (content.kind == PreviewContent::Kind::Missing) return QCoreApplication::translate("PreviewWindow", "This file is missing.");
+    QStringList facts;
+    if (!content.type.isEmpty()) facts.push_back(content.type);
+    if (content.kind == PreviewContent::Kind::Folder)
+        facts.push_back(QCoreApplication::translate("PreviewWindow", "Folder with %1 entries")
+                            .arg(QLocale().toString(qulonglong(content.entries))));
+    else
+        facts.push_back(QString::fromStdString(UtilityFunction::convertVolSpace(content.size)));
+    if (content.pictureSize.isValid())
+        facts.push_back(QStringLiteral("%1 × %2").arg(QString::number(content.pictureSize.width()),
+                                                      QString::number(content.pictureSize.height())));
+    if (!content.linkTarget.isEmpty())
+        facts.push_back(QCoreApplication::translate("PreviewWindow", "Link to %1").arg(content.linkTarget));
+    constexpr std::int64_t perMillisecond = 1'000'000;
+    facts.push_back(QLocale().toString(QDateTime::fromMSecsSinceEpoch(content.modified / perMillisecond),
+                                               QLocale::ShortFormat));
+    if (content.isCut) facts.push_back(QCoreApplication::translate("PreviewWindow", "beginning only"));
+    return facts.join(QStringLiteral("  ·  "));
+}
+
+}  // namespace
+
+PreviewWindow::PreviewWindow(FileIcons& icons, QWidget* parent)
+    : QWidget(parent, Qt::Tool),
+      m_icons(icons),
+      m_name(centred(Theme::Text::Heading, QPalette::WindowText)),
+      m_facts(centred(Theme::Text::Caption, QPalette::PlaceholderText)),
+      m_pages(new QStackedWidget),
+      m_picture(new QLabel),
+      m_text(new QPlainTextEdit),
+      m_icon(new QLabel) {
+    setObjectName(QStringLiteral("previewPanel"));
+    m_picture->setAlignment(Qt::AlignCenter);
+    m_icon->setAlignment(Qt::AlignCenter);
+    m_text->setReadOnly(true);
+    m_text->setFrameShape(QFrame::NoFrame);
+    for (QWidget* const page : {static_cast<QWidget*>(m_icon), static_cast<QWidget*>(m_picture),
+                                static_cast<QWidget*>(m_text)})
+        m_pages->addWidget(page);
+    auto* const column = new QVBoxLayout(this);
+    column->setContentsMargins(Theme::gapLarge, Theme::gapLarge, Theme::gapLarge, Theme::gapLarge);
+    column->setSpacing(Theme::gapSmall);
+    column->addWidget(m_pages, 1);
+    column->addWidget(m_name);
+    column->addWidget(m_facts);
+    resize(usualSize);
+}
+
+void PreviewWindow::showPath(const std::string& path) {
+    m_path = path;
+    const QString name = QString::fromStdString(path.substr(path.find_last_of('/') + 1));
+    setWindowTitle(name);
+    m_name->setText(name);
+    m_facts->clear();
+    m_icon->setPixmap(m_icons.icon({IconRequest::Path, path}).pixmap(QSize(iconSide, iconSide), devicePixelRatioF()));
+    m_pages->setCurrentWidget(m_icon);
+    const auto content = std::make_shared<PreviewContent>();  // written before the end method, read in it
+    m_reading = ThreadWorker::workOn(
+        {content, "<PreviewWindow>"},
+        {"readPreview:", ThreadWorker::Task([content, path](const std::any& /*nothing*/) { *content = readPreview(path); })},
+        {}, [self = QPointer(this), content, path](const std::any& /*nothing*/) {
+            if (self != nullptr && self->m_path == path) self->showContent(*content);
+        });
+}
+
+void PreviewWindow::showContent(const PreviewContent& content) {
+    m_facts->setText(factsOf(content));
+    if (content.kind == PreviewContent::Kind::Picture) {
+        QPixmap pixmap = QPixmap::fromImage(content.picture);
+        const QSize room = m_pages->size() * devicePixelRatioF();
+        if (pixmap.width() > room.width() || pixmap.height() > room.height())
+            pixmap = pixmap.scaled(room, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+        pixmap.setDevicePixelRatio(devicePixelRatioF());
+        m_picture->setPixmap(pixmap);
+        m_pages->setCurrentWidget(m_picture);
+    } else if (content.kind == PreviewContent::Kind::Text) {
+        m_text->setPlainText(content.text);
+        m_pages->setCurrentWidget(m_text);
+    }
+}
+
+void PreviewWindow::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape || event->key() == Qt::Key_Space) {
+        close();
+        return;
+    }
+    QWidget::keyPressEvent(event);
+}
+
+}  // namespace orrinvale

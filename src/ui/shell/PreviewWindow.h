@@ -1,0 +1,46 @@
+// PreviewWindow: a look at one file or folder, without ever running or changing it. previewContent.h reads it.
+#pragma once
+
+#include <QWidget>
+#include <string>
+
+#include "services/foundation/ThreadWorker.h"
+
+class QLabel;
+class QPlainTextEdit;
+class QStackedWidget;
+
+namespace orrinvale {
+
+class FileIcons;
+struct PreviewContent;
+
+/// Shows a picture, the beginning of a text, or the facts of anything else. What is read is read on a worker, so that a slow disk does not
+/// hold the window up. Escape, space and the preview key close it. Main thread only.
+class PreviewWindow final : public QWidget {
+    Q_OBJECT
+public:
+    explicit PreviewWindow(FileIcons& icons, QWidget* parent = nullptr);
+
+    /// Exact bytes. A path that names nothing shows that it is missing.
+    void showPath(const std::string& path);
+    [[nodiscard]] const std::string& path() const { return m_path; }
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void showContent(const PreviewContent& content);
+
+    FileIcons& m_icons;
+    std::string m_path;
+    std::shared_ptr<ThreadWorker> m_reading;
+    QLabel* m_name;
+    QLabel* m_facts;
+    QStackedWidget* m_pages;
+    QLabel* m_picture;
+    QPlainTextEdit* m_text;
+    QLabel* m_icon;
+};
+
+}  // namespace orrinvale

@@ -1,0 +1,31 @@
+// StallCounter: tells of every turn of the event loop that keeps the window from being drawn.
+#pragma once
+
+#include <QElapsedTimer>
+#include <QObject>
+
+namespace orrinvale {
+
+/// Watches the event loop of the thread that makes it, and counts the turns that take longer than one frame of the screen. With
+/// `print` it writes each to standard error: the environment's ORRINVALE_STALLS=1 asks for it.
+class StallCounter final : public QObject {
+    Q_OBJECT
+public:
+    static constexpr int frameMilliseconds = 16;
+
+    explicit StallCounter(bool print, QObject* parent = nullptr);
+
+    /// The longest turn since the last call, in milliseconds.
+    [[nodiscard]] qint64 takeLongest();
+    [[nodiscard]] int count() const { return m_count; }
+
+private:
+    void turnEnds();
+
+    const bool m_print;
+    QElapsedTimer m_turn;
+    qint64 m_longest = 0;
+    int m_count = 0;
+};
+
+}  // namespace orrinvale

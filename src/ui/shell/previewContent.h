@@ -1,0 +1,34 @@
+// previewContent: what a preview shows of a file or folder, read within bounds.
+#pragma once
+
+#include <QImage>
+#include <QString>
+#include <cstdint>
+#include <string>
+
+namespace orrinvale {
+
+struct PreviewContent {
+    enum class Kind { Missing, Folder, Picture, Text, Other };
+    Kind kind = Kind::Missing;
+    QString name;
+    QString type;  ///< for people: "PNG image"
+    std::uint64_t size = 0;
+    std::int64_t modified = 0;  ///< nanoseconds since 1970 UTC
+    QString linkTarget;         ///< of a symbolic link
+    QSize pictureSize;          ///< in pixels, of the picture as it is stored
+    QImage picture;             ///< at most mostPixels a side
+    QString text;               ///< the first mostTextBytes of it
+    bool isCut = false;
+    std::uint64_t entries = 0;  ///< of a folder, the direct ones
+};
+
+inline constexpr std::size_t mostTextBytes = 64 * 1024;
+inline constexpr int mostPixels = 1600;
+/// A picture file above this is not decoded: a preview is no place for a gigabyte.
+inline constexpr std::uint64_t mostPictureBytes = 256ULL * 1024 * 1024;
+
+/// Opens regular files only, without waiting for a FIFO or a device, and keeps to the bounds above. Any thread.
+[[nodiscard]] PreviewContent readPreview(const std::string& path);
+
+}  // namespace orrinvale

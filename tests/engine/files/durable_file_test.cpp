@@ -1,0 +1,250 @@
+// A save leaves the old file or the new one, whole, whatever fails in it and wherever it is killed.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <set>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "engine/files/DurableFile.h"
+#include "support/TestTree.h"
+
+namespace orrinvale {
+namespace {
+
+using testing::TestTree;
+
+constexpr const char* kOld = "[Orrinvale]\nSpaceAlarm = 0.5\nmine = 7\n";
+constexpr std::size_t kLimit = 4096;
+
+std::string contentOf(const std::string& path) {
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+std::set<std::string> namesIn(const std::string& folder) {
+    std::set<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) names.insert(entry.path().filename());
+    return names;
+}
+
+/// One run of the program that saves, under strace.
+class TracedSave final {
+public:
+    TracedSave() { m_tree.write("settings.ini", kOld); }
+
+    /// What the program printed; empty when it was killed.
+    std::string run(const std::string& inject) {
+        std::vector<std::string> words{"strace", "-o", m_tree.at("trace")};
+        if (!inject.empty()) words.insert(words.end(), {"-e", "inject=" + inject});
+        words.insert(words.end(), {ORRINVALE_SAVE_PROGRAM, path()});
+        std::vector<char*> arguments;
+        for (std::string& word : words) arguments.push_back(word.data());
+        arguments.push_back(nullptr);
+        const pid_t child = ::fork();
+        if (child == 0) {
+            const int out = ::open(m_tree.at("said").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+            ::dup2(out, 1);
+            ::dup2(out, 2);
+            ::execvp("strace", arguments.data());
+            ::_exit(127);
+        }
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        return contentOf(m_tree.at("said"));
+    }
+
+    struct Call {
+        std::string name;
+        int number;  // which call of this name it is, counted from the start of the program
+        std::string text;
+    };
+
+    /// The calls of the save, of the last run.
+    std::vector<Call> calls() const {
+        std::vector<Call> out;
+        std::map<std::string, int> counts;
+        std::istringstream lines(contentOf(m_tree.at("trace")));
+        for (std::string line; std::getline(lines, line);) {
+            const std::string name = line.substr(0, line.find('('));
+            ++counts[name];
+            const bool isMark = name == "getppid";
+            // What asks for memory is no part of the save; the allocator has a second way.
+            const bool isMemory = name == "brk" || name == "mmap" || name == "munmap";
+            if (counts["getppid"] >= 1 && (!isMark || counts[name] == 2) && !isMemory)
+                out.push_back({name, counts[name], line});
+            if (isMark && counts[name] == 2) break;
+        }
+        return out;
+    }
+
+    std::string path() const { return m_tree.at("settings.ini"); }
+    std::string whole() const { return contentOf(path()); }
+    std::string rest() const { return contentOf(m_tree.at("settings.ini.new")); }
+
+private:
+    TestTree m_tree;
+};
+
+TEST(DurableFile, EverySystemCallOfASaveMayFailOrBeTheLast) {
+    TracedSave first;
+    const std::string firstSaid = first.run("");
+    if (first.calls().empty()) GTEST_SKIP() << "strace is missing or may not trace: " << firstSaid;
+    ASSERT_EQ(firstSaid, "saved\n");
+    const std::string newText = first.whole();
+    EXPECT_NE(newText.find("SpaceAlarm = 0.25\nmine = 7\n"), std::string::npos) << newText;
+    std::map<std::string, std::array<int, 2>> outcomes;  // by call: how many runs said "saved", how many did not
+    int kills = 0;
+    for (const TracedSave::Call& call : first.calls()) {
+        const std::string when = ":when=" + std::to_string(call.number);
+        for (const char* fault : {":error=EIO", ":error=ENOSPC", ":signal=KILL"}) {
+            const bool isKill = fault == std::string_view(":signal=KILL");
+            if (call.name == "getppid" && !isKill) continue;
+            TracedSave save;
+            const std::string said = save.run(call.name + fault + when);
+            const std::string left = save.whole();
+            SCOPED_TRACE(call.text + " with " + fault + " said " + said);
+            // A reading that fails may put the old file aside: the new one then stands in its place, or nothing is said.
+            EXPECT_TRUE(left == newText || left == kOld);
+            if (isKill) {
+                EXPECT_EQ(said, "");
+                ++kills;
+            } else {
+                EXPECT_TRUE(said == "saved\n" ? left == newText : !said.empty());
+                ++outcomes[call.name][said == "saved\n" ? 0 : 1];
+                EXPECT_EQ(save.rest(), "") << "keeps a full disk full";
+            }
+            // The next save finds nothing in its way.
+            EXPECT_EQ(save.run(""), "saved\n");
+            EXPECT_EQ(save.whole(), newText);
+        }
+    }
+    EXPECT_GE(kills, 15);
+    for (const char* never : {"write", "fsync", "renameat"}) {
+        EXPECT_EQ(outcomes[never][0], 0) << never << " failed and it was called saved";
+        EXPECT_GT(outcomes[never][1], 0) << never;
+    }
+    EXPECT_EQ(outcomes["fsync"][1], 4) << "the file and the folder, with two errors each";
+    EXPECT_GE(outcomes["close"][1], 2) << "one of the descriptors tells of lost writes";
+    for (const char* some : {"openat", "newfstatat"}) EXPECT_GT(outcomes[some][1], 0) << some;
+}
+
+// A tmpfs of its own, in a mount namespace that ends with the process.
+std::string saveOnFullDisk() {
+    const std::string folder = "/tmp";
+    if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+        ::mount("small", folder.c_str(), "tmpfs", 0, "size=64k") != 0)
+        return "skip";
+    const std::string path = folder + "/history";
+    if (!DurableFile::save(path, "old")) return "could not save on the empty disk";
+    std::ofstream(folder + "/filler") << std::string(4096 * 13, 'x');
+    // Room for two pages.
+    if (!DurableFile::save(path, std::string(4096, 'a'))) return "one page did not fit";
+    const auto large = DurableFile::save(path, std::string(4096 * 6, 'b'));
+    if (large || large.error().number != ENOSPC) return "six pages were called saved";
+    if (contentOf(path) != std::string(4096, 'a')) return "the old file is damaged";
+    std::ofstream(folder + "/filler2") << std::string(4096 * 8, 'x');
+    const auto full = DurableFile::save(path, "tiny");
+    if (full || full.error().number != ENOSPC) return "a full disk was called saved";
+    if (contentOf(path) != std::string(4096, 'a')) return "the old file is damaged by the full disk";
+    if (namesIn(folder).contains("history.new")) return "something was left behind";
+    if (::unlink((folder + "/filler").c_str()) != 0 || !DurableFile::save(path, "tiny"))
+        return "no save with room again";
+    return contentOf(path) == "tiny" ? "" : "wrong content";
+}
+
+TEST(DurableFile, FullAndNearlyFullDisk) {
+    const std::string fault = testing::runInChild({}, saveOnFullDisk);
+    if (fault == "skip") GTEST_SKIP() << "no right to mount a tmpfs";
+    EXPECT_EQ(fault, "");
+}
+
+TEST(DurableFile, WhatIsNotOursIsLeftAlone) {
+    TestTree tree;
+    ASSERT_TRUE(tree.folder("folder") && tree.fifo("fifo") && tree.socket("socket") && tree.write("target", "t") &&
+                tree.symlink(tree.at("target"), "link") && tree.write("foreign", "f"));
+    std::vector<const char*> names{"folder", "fifo", "socket", "link"};
+    if (::geteuid() == 0 && ::chown(tree.at("foreign").c_str(), 65534, 65534) == 0) names.push_back("foreign");
+    const auto before = namesIn(tree.path());
+    const auto never = [](std::string_view) { return false; };
+    for (const char* name : names) {
+        EXPECT_FALSE(DurableFile::read(tree.at(name), kLimit)) << name;
+        const auto well = DurableFile::readWell(tree.at(name), kLimit, never);
+        EXPECT_TRUE(!well && well.error().number != EBADMSG) << name;
+        EXPECT_FALSE(DurableFile::save(tree.at(name), "new")) << name;
+    }
+    EXPECT_EQ(namesIn(tree.path()), before);
+    EXPECT_EQ(contentOf(tree.at("target")) + contentOf(tree.at("foreign")), "tf");
+    if (names.back() != std::string_view("foreign")) GTEST_SKIP() << "only root can make a file of another user";
+}
+
+TEST(DurableFile, RestsOfOthersDoNotLeakIntoASave) {
+    TestTree tree;
+    ASSERT_TRUE(tree.write("a.new", std::string(9000, 'r')) && tree.write("precious", "p"));
+    EXPECT_TRUE(DurableFile::save(tree.at("a"), "short"));
+    EXPECT_EQ(contentOf(tree.at("a")), "short");
+    // A second name of another file must not be emptied.
+    ASSERT_TRUE(tree.hardLink("precious", "a.new"));
+    EXPECT_TRUE(DurableFile::save(tree.at("a"), "again"));
+    EXPECT_EQ(contentOf(tree.at("precious")), "p");
+    struct stat status {};
+    ASSERT_EQ(::stat(tree.at("a").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777U, 0600U);
+    {
+        auto given_up = DurableFile::begin(tree.at("a"));
+        EXPECT_TRUE(given_up);
+    }
+    EXPECT_EQ(namesIn(tree.path()), (std::set<std::string>{"a", "precious"}));
+}
+
+TEST(DurableFile, DamagedFilesAreKeptAside) {
+    TestTree tree;
+    const auto isGood = [](std::string_view bytes) { return bytes == "good"; };
+    for (const std::string& bad : {std::string("garbage"), std::string(), std::string(kLimit + 1, 'x')}) {
+        ASSERT_TRUE(tree.write("f", bad));
+        const auto first = DurableFile::readWell(tree.at("f"), kLimit, isGood);
+        EXPECT_TRUE(!first && first.error().number == EBADMSG);
+        const auto second = DurableFile::readWell(tree.at("f"), kLimit, isGood);
+        EXPECT_TRUE(!second && second.error().kind == ErrorKind::NotFound);
+        EXPECT_EQ(contentOf(tree.at("f.bad")), bad);
+    }
+    ASSERT_TRUE(tree.write("f", "good"));
+    EXPECT_EQ(DurableFile::readWell(tree.at("f"), kLimit, isGood).value_or(""), "good");
+    EXPECT_EQ(namesIn(tree.path()), (std::set<std::string>{"f", "f.bad"}));
+}
+
+TEST(DurableFile, WritersOfOneFileTakeTurns) {
+    TestTree tree;
+    ASSERT_TRUE(tree.write("count", "0"));
+    constexpr int kThreads = 4;
+    constexpr int kRounds = 50;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i)
+        threads.emplace_back([&] {
+            for (int round = 0; round < kRounds; ++round) {
+                auto file = DurableFile::begin(tree.at("count"));
+                ASSERT_TRUE(file) << file.error().reason();
+                const auto now = file->current(kLimit, [](std::string_view bytes) { return !bytes.empty(); });
+                ASSERT_TRUE(now);
+                ASSERT_TRUE(file->commit(std::to_string(std::stoi(*now) + 1)));
+            }
+        });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(contentOf(tree.at("count")), std::to_string(kThreads * kRounds));
+}
+
+}  // namespace
+}  // namespace orrinvale

@@ -1,0 +1,169 @@
+// ProtectedPlaces: the table of refusals on this very machine, in other spellings and through mounts of the test's own; and that
+// SafeRemoval touches nothing of what is refused.
+#include "engine/files/ProtectedPlaces.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "engine/files/SafeRemoval.h"
+#include "support/TestTree.h"
+
+namespace orrinvale {
+namespace {
+
+using ::testing::Contains;
+using ::testing::Not;
+using testing::runInChild;
+using testing::TestTree;
+using testing::WatchedFiles;
+
+const LinuxFileSystem files;
+
+std::string reasonFor(const ProtectedPlaces& places, const std::string& path) {
+    const auto entry = files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);
+    return places.refusal(path, entry.value_or(FileAttributes{})).value_or("");
+}
+
+bool isThere(const std::string& path) { return ::faccessat(-100, path.c_str(), F_OK, 0) == 0; }
+
+// What a removal says of it; it must not have touched anything.
+std::string refusedBy(const ProtectedPlaces& places, const std::string& path) {
+    const auto result = SafeRemoval(files, places).remove(path, std::nullopt);
+    if (result.gone || result.removed != 0) return "removed";
+    return result.failures.at(0).reason;
+}
+
+TEST(ProtectedPlaces, theMachinesOwn) {
+    TestTree tree;
+    tree.write("program/bin/orrinvale", "x");
+    tree.write("program/share/orrinvale/pictures/p.svg", "x");
+    tree.write("program/share/other/x", "x");
+    tree.hardLink("program/bin/orrinvale", "alias");
+    const auto places = ProtectedPlaces::ofThisMachine(
+        files, {tree.at("program/bin/orrinvale"), tree.at("program/share/orrinvale"), tree.at("missing")});
+    const std::string own = "one of the program's own files";
+    const std::pair<std::string, std::string> table[]{
+        {"/", "the root of the file system"},
+        {"//.//", "the root of the file system"},
+        {"/proc", "a folder of the kernel"},
+        {"/sys/", "a folder of the kernel"},
+        {"/./dev", "a folder of the kernel"},
+        {"/proc/self/status", "in a folder of the kernel"},
+        {"/root", "a home folder"},
+        {"/root/../root", "not a plain absolute path"},
+        {"root", "not a plain absolute path"},
+        {"", "not a plain absolute path"},
+        {std::string("/tmp\0/x", 7), "not a plain absolute path"},
+        {tree.at("program/bin/orrinvale"), own},
+        {tree.at("alias"), own},
+        {tree.at("program/share/orrinvale"), own},
+        {tree.at("program//share/orrinvale/pictures/p.svg"), own},
+        {tree.at("missing"), own},
+        {tree.at("program/share"), "a folder above " + own},
+        {tree.at("program/bin/"), "a folder above " + own},
+        {tree.path(), "a folder above " + own},
+        {tree.at("program/share/other"), ""},
+        {tree.at("program/binary"), ""},
+    };
+    for (const auto& [path, reason] : table) {
+        EXPECT_EQ(reasonFor(places, path), reason) << path;
+        if (reason.empty() || path == tree.at("missing")) continue;  // what is not there counts as gone
+        EXPECT_EQ(refusedBy(places, path), reason) << path;
+    }
+    EXPECT_TRUE(isThere(tree.at("program/share/orrinvale/pictures/p.svg")));
+    EXPECT_TRUE(isThere(tree.at("alias")));
+}
+
+TEST(ProtectedPlaces, everyHomeAndEveryMountOfTheMachine) {
+    const auto places = ProtectedPlaces::ofThisMachine(files, {});
+    const auto mounts = files.mountPoints();
+    ASSERT_TRUE(mounts && !mounts->empty());
+    for (const MountPoint& mount : *mounts) EXPECT_NE(reasonFor(places, mount.path), "") << mount.path;
+    WatchedFiles blind;
+    blind.mountsFail = true;
+    EXPECT_EQ(reasonFor(ProtectedPlaces::ofThisMachine(blind, {}), "/tmp/x"), "what is mounted can not be told");
+}
+
+// A home that is reached through a link: both the link and what it leads to.
+TEST(ProtectedPlaces, aHomeBehindALink) {
+    TestTree tree;
+    tree.write("disk/user/file", "x");
+    tree.symlink("disk", "homes");
+    tree.symlink("disk/user", "toHome");
+    const std::string before = std::getenv("HOME") != nullptr ? std::getenv("HOME") : "/";
+    ::setenv("HOME", tree.at("homes/user").c_str(), 1);
+    const auto places = ProtectedPlaces::ofThisMachine(files, {});
+    ::setenv("HOME", before.c_str(), 1);
+    for (const char* name : {"homes/user", "disk/user"}) EXPECT_EQ(refusedBy(places, tree.at(name)), "a home folder");
+    for (const char* name : {"homes", "disk"})
+        EXPECT_EQ(refusedBy(places, tree.at(name)), "a folder above a home folder");
+    EXPECT_TRUE(SafeRemoval(files, places).remove(tree.at("toHome"), std::nullopt).gone);
+    EXPECT_TRUE(SafeRemoval(files, places).remove(tree.at("homes/user/file"), std::nullopt).gone);
+    EXPECT_TRUE(isThere(tree.at("disk/user")));
+}
+
+// In a table of mounts of the child's own.
+TEST(ProtectedPlaces, mountsAndWhatIsReachedThroughThem) {
+    TestTree tree;
+    for (const char* name : {"home/user/x", "mine/a/b/tmp mount/x", "bound/x", "source/x", "free/x", "bindOfSource/x"})
+        tree.write(name, "x");
+    tree.symlink(tree.at("mine"), "link");
+    const std::string told = runInChild({}, [&]() -> std::string {
+        const auto mount = [&](const std::string& from, const char* at, const char* type, unsigned long flags) {
+            return ::mount(from.c_str(), tree.at(at).c_str(), type, flags, nullptr) == 0;
+        };
+        if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
+            return "skipped: no table of mounts of our own";
+        if (!mount("none", "mine/a/b/tmp mount", "tmpfs", 0) || !mount(tree.at("home"), "bound", nullptr, MS_BIND) ||
+            !mount(tree.at("source"), "bindOfSource", nullptr, MS_BIND))
+            return "skipped: no mounts";
+        auto places = ProtectedPlaces::ofThisMachine(files, {});
+        places.add(files, tree.at("home/user"), "a home folder");
+        const std::pair<const char*, const char*> table[]{
+            {"mine/a/b/tmp mount", "a mount point"},
+            {"mine/a/b", "a folder with a mount below"},
+            {"mine", "a folder with a mount below"},
+            {"link/a/b/tmp mount", "a mount point"},
+            {"link/a", "a folder with a mount below"},
+            {"bound/user", "a home folder"},
+            {"source", "a mount point"},  // its contents are those of the mount
+        };
+        std::string wrong;
+        for (const auto& [name, reason] : table)
+            if (const auto got = refusedBy(places, tree.at(name)); got != reason)
+                wrong += std::string(name) + ": " + got + '\n';
+        if (!SafeRemoval(files, places).remove(tree.at("free"), std::nullopt).gone) wrong += "free stays\n";
+        return wrong;
+    });
+    if (told.starts_with("skipped")) GTEST_SKIP() << told;
+    EXPECT_EQ(told, "");
+    for (const char* name : {"home/user/x", "mine/a/b/tmp mount/x", "source/x"}) EXPECT_TRUE(isThere(tree.at(name)));
+}
+
+TEST(ProgramFiles, theExecutableItsSiblingsAndItsFoldersButNobodyElses) {
+    TestTree tree;
+    for (const char* name :
+         {"p/bin/orrinvale", "p/bin/orrinvale-cli", "p/bin/ls", "p/share/orrinvale/x", "p/share/doc/x",
+          "p/libexec/orrinvale-helper", "Downloads/orrinvale", "Downloads/thesis.pdf"})
+        tree.write(name, "x");
+    const auto sorted = [&](const char* executable) {
+        auto found = programFilesAround(tree.at(executable));
+        std::sort(found.begin(), found.end());
+        found.erase(std::unique(found.begin(), found.end()), found.end());
+        return found;
+    };
+    EXPECT_EQ(sorted("p/bin/orrinvale-cli"),
+              (std::vector<std::string>{tree.at("p/bin/orrinvale"), tree.at("p/bin/orrinvale-cli"),
+                                        tree.at("p/libexec/orrinvale-helper"), tree.at("p/share/orrinvale")}));
+    EXPECT_EQ(sorted("Downloads/orrinvale"), std::vector<std::string>{tree.at("Downloads/orrinvale")});
+    EXPECT_THAT(programFiles(), Contains(files.resolved("/proc/self/exe").value()));
+}
+
+}  // namespace
+}  // namespace orrinvale

@@ -1,0 +1,92 @@
+// The text of the settings file, and values read as other types.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+
+#include "engine/settings/SettingsText.h"
+#include "engine/settings/UnitTags.h"
+
+namespace orrinvale {
+namespace {
+
+using Int = std::int64_t;
+
+TEST(SettingsText, EveryValueComesBackAsItWas) {
+    SettingValues values{{"flag", true}, {"off", false}, {"least", std::numeric_limits<Int>::min()}};
+    int number = 0;
+    for (const float f : {0.1F, 1.0F, -0.0F, 1e20F, 1e-45F, 3.4028235e38F, std::numeric_limits<float>::infinity(), NAN})
+        values.emplace("float" + std::to_string(number++), f);
+    for (const std::string& text : {std::string(), std::string("YES"), std::string("a=\"b\" \\ # ; [x]\n\r\t\x01\x7F"),
+                                    std::string("\0x", 2), std::string("\xC3\xA9\xFF")}) {
+        values.emplace("text" + std::to_string(number++), text);
+        values.emplace(text, Int{1});
+    }
+    const auto again = parseSettings(printSettings(values));
+    ASSERT_TRUE(again);
+    EXPECT_EQ(again->size(), values.size());
+    for (const auto& [key, value] : values) {
+        ASSERT_TRUE(again->contains(key)) << key;
+        EXPECT_TRUE(isSame(again->at(key), value)) << key;
+    }
+}
+
+TEST(SettingsText, HandWrittenFiles) {
+    const auto values = parseSettings("; note\r\n\r\n [Orrinvale] \r\na=1\r\n\tb\t=  1.5e1 \n\"c d\"=\"x\" \na = 2");
+    const SettingValues expected{{"a", Int{2}}, {"b", 15.0F}, {"c d", std::string("x")}};
+    EXPECT_EQ(values, expected);
+    EXPECT_EQ(parseSettings("[Orrinvale]"), SettingValues{});
+}
+
+TEST(SettingsText, OneBadLineMakesTheFileBad) {
+    for (const char* line :
+         {"x", "= 1", "a =", "a = yes", "a = 1,5", "a = 0x10", "a = 1e99", "a = 99999999999999999999x", "a = \"",
+          "a = \"b\" c", "a = \"\\q\"", "a = \"\\x4\"", "a b = 1", "[General]", "\x7F"})
+        EXPECT_FALSE(parseSettings(std::string("[Orrinvale]\nok = 1\n") + line + "\n")) << line;
+    for (const std::string& text : {std::string(), std::string("a = 1\n[Orrinvale]\n"), std::string("\0\0\0", 3),
+                                    "[Orrinvale]\n#" + std::string(kSettingsTextLimit, 'x')})
+        EXPECT_FALSE(parseSettings(text)) << text.substr(0, 20);
+}
+
+TEST(SettingValue, ReadsAsEveryType) {
+    struct Row {
+        SettingValue value;
+        Int whole;
+        bool flag;
+        float number;
+    };
+    const std::string huge(30, '9');
+    const std::vector<Row> rows{{true, 1, true, 1.0F},
+                                {Int{2}, 2, true, 2.0F},
+                                {Int{0}, 0, false, 0.0F},
+                                {0.5F, 0, true, 0.5F},
+                                {-2.9F, -2, true, -2.9F},
+                                {1e30F, std::numeric_limits<Int>::max(), true, 1e30F},
+                                {-INFINITY, std::numeric_limits<Int>::min(), true, -INFINITY},
+                                {std::string("YES"), 0, true, 0.0F},
+                                {std::string("NO"), 0, false, 0.0F},
+                                {std::string(" -12.5abc"), -12, true, -12.5F},
+                                {std::string("+007"), 7, true, 7.0F},
+                                {std::string("-000"), 0, false, 0.0F},
+                                {std::string("+-3"), 0, false, 0.0F},
+                                {huge, std::numeric_limits<Int>::max(), true, 1e30F},
+                                {std::string(), 0, false, 0.0F}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(&row - rows.data());
+        EXPECT_EQ(integerOf(row.value), row.whole);
+        EXPECT_EQ(boolOf(row.value), row.flag);
+        EXPECT_EQ(floatOf(row.value), row.number);
+    }
+    EXPECT_EQ(integerOf(NAN), 0);
+}
+
+TEST(UnitTags, TerabytesWrap) {
+    EXPECT_EQ(sizeLimit(1, 2), 1'000'000U);
+    EXPECT_EQ(sizeLimit(5, 0) + sizeLimit(5, 5) + sizeLimit(5, -1), 15U);
+    EXPECT_EQ(sizeLimit(1, 4), std::numeric_limits<std::uint64_t>::max() - 727379967U);
+    EXPECT_EQ(sizeLimit(2, 4), std::numeric_limits<std::uint64_t>::max() - 2 * 727379968ULL + 1);
+}
+
+}  // namespace
+}  // namespace orrinvale

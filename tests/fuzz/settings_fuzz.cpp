@@ -1,0 +1,52 @@
+// Any bytes as a settings file: what is read comes back from the printed text, value by value.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "engine/settings/SettingsText.h"
+
+namespace {
+
+using namespace orrinvale;
+
+void require(bool condition) {
+    if (!condition) std::abort();
+}
+
+void checkSame(const SettingValues& one, const SettingValues& other) {
+    require(one.size() == other.size());
+    for (const auto& [key, value] : one) require(other.contains(key) && isSame(other.at(key), value));
+}
+
+void checkText(std::string_view text) {
+    const auto values = parseSettings(text);
+    if (!values) return;
+    const std::string printed = printSettings(*values);
+    const auto again = parseSettings(printed);
+    require(again.has_value());
+    checkSame(*values, *again);
+    require(printSettings(*again) == printed);
+    for (const auto& each : *values) {
+        (void)integerOf(each.second);
+        (void)boolOf(each.second);
+        (void)floatOf(each.second);
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+    const std::string text(reinterpret_cast<const char*>(bytes), size);
+    checkText(text);
+    // Most bytes are no settings; as a value, a key or a line they get further.
+    checkText("[Orrinvale]\na = " + text);
+    checkText("[Orrinvale]\n" + text + " = 1");
+    checkText("[Orrinvale]\na = \"" + text + "\"");
+    const SettingValues stored{{text, text}};
+    const auto again = parseSettings(printSettings(stored));
+    require(again.has_value());
+    checkSame(stored, *again);
+    return 0;
+}

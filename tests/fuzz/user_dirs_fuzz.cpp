@@ -1,0 +1,39 @@
+// Any bytes as a user-dirs.dirs: what comes out is a plain absolute path, and the last good line wins.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "platform/linux/LinuxFolders.h"
+
+namespace {
+
+void require(bool condition) {
+    if (!condition) std::abort();
+}
+
+void check(std::string_view text) {
+    const auto found = orrinvale::downloadsIn(text, "/home/u");
+    if (found) {
+        require(found->starts_with('/') && found->size() <= text.size() + std::string_view("/home/u").size());
+        require(*found == "/" || !found->ends_with('/'));
+        const std::string closed = *found + '/';
+        for (const std::string_view piece : {"//", "/./", "/../"})
+            require(*found == "/" || closed.find(piece) == std::string::npos);
+        require(found->find('\n') == std::string::npos && found->find('\0') == std::string::npos);
+    }
+    require(orrinvale::downloadsIn(std::string(text) + "\nXDG_DOWNLOAD_DIR=\"$HOME/last\"", "/home/u") ==
+            "/home/u/last");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+    const std::string_view text(reinterpret_cast<const char*>(bytes), size);
+    check(text);
+    // The replayed inputs know no such file, so each is tried as a value too.
+    check("XDG_DOWNLOAD_DIR=\"" + std::string(text) + "\"");
+    check("XDG_DOWNLOAD_DIR=\"$HOME/" + std::string(text) + "\"");
+    return 0;
+}

@@ -1,0 +1,152 @@
+// TCImageWindow on real servers: X11 with a window manager and without, and Wayland. The pointer is moved by xdotool.
+#include <gtest/gtest.h>
+
+#include "ui/kit/chrome/DesktopSession.h"
+
+namespace orrinvale::testing {
+namespace {
+
+const QString probe = QStringLiteral(CHROME_WINDOW_PROBE);
+const QStringList openbox{QStringLiteral("openbox")};
+
+struct Pull {
+    const char* name;
+    QPoint from;  // the frame is 100, 80, 500 x 400
+    QPoint by;
+    QRect expected;
+};
+
+// With no compositor the window has no shadow, and its edges are taken hold of just within.
+const Pull pulls[] = {
+    {"title bar", {350, 100}, {60, 40}, {160, 120, 500, 400}},
+    {"left", {101, 300}, {-40, 30}, {60, 80, 540, 400}},
+    {"right", {598, 300}, {40, 30}, {100, 80, 540, 400}},
+    {"top", {350, 81}, {30, -40}, {100, 40, 500, 440}},
+    {"bottom", {350, 478}, {30, 40}, {100, 80, 500, 440}},
+    {"top left", {101, 81}, {-30, -20}, {70, 60, 530, 420}},
+    {"top right", {598, 81}, {30, -20}, {100, 60, 530, 420}},
+    {"bottom left", {101, 478}, {-30, 20}, {70, 80, 530, 420}},
+    {"bottom right", {598, 478}, {30, 20}, {100, 80, 530, 420}},
+    {"no smaller than the least size", {598, 478}, {-300, -300}, {100, 80, 400, 300}},
+};
+
+// A window manager counts from where the pointer is when the press has become a drag.
+bool isReached(const QRect& frame, const QRect& expected, int slack) {
+    return frame.size() == expected.size() && (frame.topLeft() - expected.topLeft()).manhattanLength() <= slack;
+}
+
+void expectPulls(DesktopSession& session, int slackOfMoves) {
+    const QRect start(100, 80, 500, 400);
+    for (const Pull& pull : pulls) {
+        session.tell("frame 100 80 500 400 0");
+        ASSERT_TRUE(session.waitFor([&](const ProbeState& state) { return state.frame == start; })) << session.said();
+        session.drag(pull.from, pull.from + pull.by);
+        const int slack = &pull == &pulls[0] ? slackOfMoves : 0;
+        EXPECT_TRUE(session.waitFor([&](const ProbeState& s) { return isReached(s.frame, pull.expected, slack); }))
+            << pull.name << '\n'
+            << session.said();
+    }
+}
+
+TEST(WindowOnX11, ThePointerMovesAndResizesItThroughTheWindowManager) {
+    DesktopSession session;
+    if (const auto reason = session.startX11(openbox); !reason.empty()) GTEST_SKIP() << reason;
+    ASSERT_EQ(session.startProbe(probe), "");
+    EXPECT_EQ(session.state().kind, "bare");
+    expectPulls(session, 20);
+}
+
+TEST(WindowOnX11, ThePointerMovesAndResizesItWhereThereIsNoWindowManager) {
+    DesktopSession session;
+    if (const auto reason = session.startX11({}); !reason.empty()) GTEST_SKIP() << reason;
+    ASSERT_EQ(session.startProbe(probe), "");
+    EXPECT_EQ(session.state().kind, "bare");
+    expectPulls(session, 0);
+}
+
+void doubleClick(DesktopSession& session, QPoint place) {
+    session.run(QStringLiteral("xdotool"),
+                {QStringLiteral("mousemove"), QString::number(place.x()), QString::number(place.y()),
+                 QStringLiteral("click"), QStringLiteral("--repeat"), QStringLiteral("2"), QStringLiteral("--delay"),
+                 QStringLiteral("60"), QStringLiteral("1")});
+}
+
+TEST(WindowOnX11, ADoubleClickFillsTheScreenAsFarAsTheMaximumSizeAllows) {
+    struct Case {
+        QStringList arguments;
+        QRect zoomed;
+    };
+    const Case cases[] = {{{}, {0, 0, 1000, 800}}, {{QStringLiteral("small")}, {200, 150, 600, 500}}};
+    for (const Case& each : cases) {
+        DesktopSession session;
+        if (const auto reason = session.startX11(openbox); !reason.empty()) GTEST_SKIP() << reason;
+        ASSERT_EQ(session.startProbe(probe, each.arguments), "");
+        session.tell("frame 100 80 500 400 0");
+        ASSERT_TRUE(session.waitFor([](const ProbeState& state) { return state.frame == QRect(100, 80, 500, 400); }));
+        doubleClick(session, {350, 100});
+        EXPECT_TRUE(session.waitFor([&](const ProbeState& s) { return s.isZoomed && s.frame == each.zoomed; }))
+            << session.said();
+        doubleClick(session, each.zoomed.topLeft() + QPoint(250, 20));
+        EXPECT_TRUE(session.waitFor([](const ProbeState& s) {
+            return !s.isZoomed && s.frame == QRect(100, 80, 500, 400);
+        })) << session.said();
+    }
+}
+
+TEST(WindowOnX11, TheWindowManagersCloseTakesTheWayOfTheCloseButton) {
+    DesktopSession session;
+    if (const auto reason = session.startX11(openbox); !reason.empty()) GTEST_SKIP() << reason;
+    ASSERT_EQ(session.startProbe(probe), "");
+    session.run(QStringLiteral("xdotool"),
+                {QStringLiteral("search"), QStringLiteral("--sync"), QStringLiteral("--name"),
+                 QStringLiteral("Orrinvale probe"), QStringLiteral("windowfocus"), QStringLiteral("--sync"),
+                 QStringLiteral("key"), QStringLiteral("alt+F4")});
+    EXPECT_TRUE(session.waitForLine("closing")) << session.said();
+    int status = -1;
+    EXPECT_TRUE(session.probeEnded(status));
+    EXPECT_EQ(status, 0);
+}
+
+TEST(WindowOnX11, TheSystemsFrameTakesOverWhereItIsWishedOrPutThereAllTheSame) {
+    for (const bool isWished : {true, false}) {
+        DesktopSession session;
+        if (isWished) session.setVariable("ORRINVALE_SYSTEM_FRAME", "1");
+        if (const auto reason = session.startX11(openbox); !reason.empty()) GTEST_SKIP() << reason;
+        ASSERT_EQ(session.startProbe(probe), "");
+        if (!isWished) {
+            // As a manager says it that has put a frame with a title bar around the window.
+            session.run(QStringLiteral("xprop"),
+                        {QStringLiteral("-name"), QStringLiteral("Orrinvale probe"), QStringLiteral("-f"),
+                         QStringLiteral("_NET_FRAME_EXTENTS"), QStringLiteral("32c"), QStringLiteral("-set"),
+                         QStringLiteral("_NET_FRAME_EXTENTS"), QStringLiteral("4, 4, 30, 4")});
+        }
+        session.tell("frame 100 80 550 350 0");
+        EXPECT_TRUE(session.waitFor([](const ProbeState& state) { return state.kind == "system"; })) << session.said();
+        session.tell("frame 100 80 600 300 0");
+        EXPECT_TRUE(session.waitFor([](const ProbeState& state) { return state.frame.size() == QSize(600, 300); }))
+            << session.said();
+    }
+}
+
+TEST(WindowOnWayland, ShowsZoomsAndCloses) {
+    DesktopSession session;
+    if (const auto reason = session.startWayland(); !reason.empty()) GTEST_SKIP() << reason;
+    ASSERT_EQ(session.startProbe(probe), "");
+    EXPECT_EQ(session.state().kind, "own");
+    EXPECT_EQ(session.state().frame.size(), QSize(500, 400));
+    session.tell("zoom");
+    EXPECT_TRUE(session.waitFor([](const ProbeState& state) { return state.isZoomed && state.frame.width() == 1000; }))
+        << session.said();
+    session.tell("zoom");
+    EXPECT_TRUE(session.waitFor([](const ProbeState& s) { return !s.isZoomed && s.frame.size() == QSize(500, 400); }))
+        << session.said();
+    session.tell("dark");
+    session.tell("close");
+    int status = -1;
+    EXPECT_TRUE(session.waitForLine("closing"));
+    EXPECT_TRUE(session.probeEnded(status)) << session.said();
+    EXPECT_EQ(status, 0);
+}
+
+}  // namespace
+}  // namespace orrinvale::testing
