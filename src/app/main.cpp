@@ -1,10 +1,9 @@
 // The window program: the system gate first, then the run that only touches memory, then the window.
-#include <QImageReader>
-#include <QIcon>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
+#include "engine/base/Log.h"
 #include "engine/base/NotificationCenter.h"
 #include "engine/base/UtilityObject.h"
 #include "engine/cleaning/QnAuthorization.h"
@@ -39,6 +38,8 @@ bool hasDisplay() {
 }
 
 int runWindow(int argc, char** argv) {
+    // A line for each file of a search would fill the desktop's journal; what is removed is always logged.
+    Log::setEngineEnabled(qEnvironmentVariableIntValue("ORRINVALE_LOG") == 1);
     MyNSApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Orrinvale"));
     QGuiApplication::setDesktopFileName(QStringLiteral("com.kelpford.Orrinvale"));
@@ -53,7 +54,7 @@ int runWindow(int argc, char** argv) {
     QtMainQueue mainQueue;
     UtilityFunction::getMyFunction().setNotificationCenter(&notifications);
     QnAuthorization& right = QnAuthorization::shareQnAuthorization();
-    right.setParts({.authorization = &authorization, .files = &files, .permissions = &permissions, .ownFiles = {}});
+    right.setParts({.authorization = &authorization, .files = &files, .permissions = &permissions, .ownFiles = programFiles()});
     right.setRightLostHandler([&](AuthorizationRefusal /*reason*/) {
         mainQueue.async([&] {
             UtilityObject::getMyObject().setIsOpenLocked(false);

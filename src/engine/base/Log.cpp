@@ -11,6 +11,7 @@ namespace orrinvale {
 namespace {
 
 std::atomic<bool> s_enabled{true};
+std::atomic<bool> s_engineEnabled{true};
 
 struct SinkHolder {
     std::mutex mutex;
@@ -35,6 +36,10 @@ void writeAll(std::string_view text) {
 bool Log::isEnabled() { return s_enabled.load(std::memory_order_relaxed); }
 
 void Log::setEnabled(bool enabled) { s_enabled.store(enabled, std::memory_order_relaxed); }
+
+bool Log::isEngineEnabled() { return isEnabled() && s_engineEnabled.load(std::memory_order_relaxed); }
+
+void Log::setEngineEnabled(bool enabled) { s_engineEnabled.store(enabled, std::memory_order_relaxed); }
 
 void Log::setSink(Sink sink) {
     const std::lock_guard lock(holder().mutex);

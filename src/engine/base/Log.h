@@ -29,6 +29,10 @@ public:
     [[nodiscard]] static bool isEnabled();
     static void setEnabled(bool enabled);
 
+    /// The lines of engine() can be switched off by themselves: a search writes one for each file.
+    [[nodiscard]] static bool isEngineEnabled();
+    static void setEngineEnabled(bool enabled);
+
     /// Replaces standard error by a function that gets each line with no line break; an empty one restores it. For tests
     /// and for a log file. Lines are handed over one at a time.
     static void setSink(Sink sink);
@@ -38,7 +42,7 @@ public:
 
     /// Writes "[qrt]fun:METHOD line:LINE" followed at once by the formatted text.
     template <class... Args> static void engine(LogOrigin origin, fmt::format_string<Args...> format, Args&&... args) {
-        if (isEnabled())
+        if (isEngineEnabled())
             line(fmt::format("[qrt]fun:{} line:{}{}", origin.method, origin.line,
                              fmt::format(format, std::forward<Args>(args)...)));
     }

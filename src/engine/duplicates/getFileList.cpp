@@ -92,7 +92,7 @@ bool getFileList::getListAtPath(const std::string& path, FileArray& FileArray, s
         return false;
     }
     m_mayRepeat = found->mayRepeat;
-    if (Log::isEnabled())
+    if (Log::isEngineEnabled())
         for (const fileAttrbItem* item : found->files)
             Log::engine(listName, "file:{} filesize:{}", item->filePathName(), item->fileSize);
     FileArray.adopt(std::move(found->files), std::move(found->storage));

@@ -26,7 +26,7 @@ std::shared_ptr<ThreadWorker> ThreadWorker::workOn(Target target, Selector withS
     const bool responds =
         std::visit([](const auto& operation) { return static_cast<bool>(operation); }, withSelector.operation);
     if (!responds) {
-        Log::line(fmt::format("\nThreadWorker reports: Target {} does not respond to selector {}.", target.description,
+        Log::line(fmt::format("ThreadWorker reports: Target {} does not respond to selector {}.", target.description,
                               withSelector.name));
         return nullptr;
     }
@@ -51,7 +51,7 @@ void ThreadWorker::startThread(const std::shared_ptr<EndCall>& endCall) {
     QTimer::singleShot(0, &loop, [this, &endCall] { runPrimaryTask(endCall); });
     while (!m_endRunLoop) {
         loop.processEvents(QEventLoop::WaitForMoreEvents);
-        if (Log::isEnabled()) Log::line(fmt::format("isRunning: {:d}, _endRunLoop: {:d}", true, m_endRunLoop));
+        if (Log::isEngineEnabled()) Log::line(fmt::format("isRunning: {:d}, _endRunLoop: {:d}", true, m_endRunLoop));
     }
 }
 
