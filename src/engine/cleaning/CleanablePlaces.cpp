@@ -34,6 +34,7 @@ constexpr std::array keptCaches{
 
 constexpr std::array keptLogs{
     KeptPlace{"audit", "the security record; its service stops the machine when it can not write"},
+    KeptPlace{"sudo-io", "the record of what administrators did"},
 };
 
 // Kept by the programs that log people in: they write to these files, but do not make them.
@@ -98,7 +99,14 @@ bool isOpenJournal(const Components& path) {
 // Binary logs are not messages but the changes since the last backup, and what replicas read.
 bool isBinaryLog(const Components& path) {
     const bool database = path.front() == "mysql" || path.front() == "mariadb";
-    return database && path.back().find("-bin.") != std::string_view::npos;
+    const std::string_view name = path.back();
+    const std::size_t dot = name.rfind('.');  // "binlog.000001", "host-bin.000001", and the index of these
+    if (!database || dot == std::string_view::npos) return false;
+    const std::string_view ending = name.substr(dot + 1);
+    const bool isNumber = !ending.empty() && ending.find_first_not_of("0123456789") == std::string_view::npos;
+    // Rotated messages end in one or two figures, binary logs in six.
+    constexpr std::size_t fewestFigures = 4;
+    return (isNumber && ending.size() >= fewestFigures) || ending == "index";
 }
 
 Verdict ofLog(const Components& path, FileType type) {

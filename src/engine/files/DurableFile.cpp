@@ -35,6 +35,8 @@ bool isDamage(const Error& error) { return error.number == EFBIG || error.number
 Result<void> lock(int file, const std::string& path) {
     for (int tries = 1; ::flock(file, LOCK_EX | LOCK_NB) != 0; ++tries) {
         if (errno == EINTR) continue;
+        // A file system without locks is no reason to save nothing: writers then take no turns, and each still writes whole files.
+        if (errno == ENOLCK || errno == EOPNOTSUPP || errno == ENOSYS) return {};
         if (errno != EWOULDBLOCK || tries >= kLockTries) return tl::unexpected(systemError("lock", path, errno));
         std::this_thread::sleep_for(kLockPause);
     }
@@ -125,7 +127,8 @@ Result<DurableFile> DurableFile::begin(const std::string& path) {
     Descriptor folder(::open(folderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!folder.isOpen()) return tl::unexpected(systemError("open", path, errno));
     DurableFile file(path, std::move(folder));
-    for (int tries = 0; tries < kLockTries; ++tries) {
+    const auto until = std::chrono::steady_clock::now() + kLockTries * kLockPause;
+    while (std::chrono::steady_clock::now() < until) {
         const auto taken = file.takeTemporary();
         if (!taken) return tl::unexpected(taken.error());
         if (*taken) return file;

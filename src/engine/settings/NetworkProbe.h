@@ -10,7 +10,7 @@ class NetworkProbe {
 public:
     virtual ~NetworkProbe() = default;
 
-    /// True when an answer came from the address, whatever its status; false after the time-out at the latest. Blocks the caller.
+    /// True when an answer came from the address, whatever its status; false a second after the time-out at the latest. Blocks the caller.
     /// Any thread.
     [[nodiscard]] virtual bool isAnswered(const std::string& address, std::chrono::milliseconds timeOut) const = 0;
 

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <limits>
 #include <utility>
 
 #include "engine/files/DurableFile.h"
@@ -27,6 +28,20 @@ std::string textOf(plist_t node) {
     return text ? std::string(text.get()) : std::string();
 }
 
+// Cut towards zero; the nearest end where there is no such number.
+std::int64_t wholePart(double value) {
+    constexpr double most = 9223372036854775808.0;  // 2^63, the first that does not fit
+    if (!(value > -most)) return value < 0 ? std::numeric_limits<std::int64_t>::min() : 0;
+    return value < most ? static_cast<std::int64_t>(value) : std::numeric_limits<std::int64_t>::max();
+}
+
+// libplist knows further forms, which the guard can not count: a list begins as a binary one or as XML.
+bool isKnownForm(std::string_view bytes) {
+    const std::size_t start = bytes.find_first_not_of(" \t\r\n");
+    return bytes.starts_with("bplist") || (start != std::string_view::npos && bytes[start] == '<') ||
+           bytes.starts_with("\xEF\xBB\xBF<");
+}
+
 }  // namespace
 
 void PropertyList::Free::operator()(void* node) const { plist_free(node); }
@@ -41,7 +56,8 @@ Result<PropertyList> PropertyList::parse(std::string_view bytes) {
     if (bytes.size() > kPropertyListLimit) return tl::unexpected(systemError("parse", {}, EFBIG));
     plist_t raw = nullptr;
     const std::string copy(bytes);  // libplist's search for marks wants a null byte behind the end
-    if (isHarmlessPropertyList(bytes)) plist_from_memory(copy.c_str(), static_cast<std::uint32_t>(copy.size()), &raw);
+    if (isKnownForm(bytes) && isHarmlessPropertyList(bytes))
+        plist_from_memory(copy.c_str(), static_cast<std::uint32_t>(copy.size()), &raw);
     Node root(raw);
     if (!root || plist_get_node_type(root.get()) != PLIST_DICT)
         return tl::unexpected(systemError("parse", {}, EBADMSG));
@@ -89,7 +105,7 @@ std::optional<std::int64_t> PropertyList::integerForKey(const std::string& key) 
         case PLIST_STRING: return integerOf(textOf(item));
         case PLIST_BOOLEAN: plist_get_bool_val(item, &flag); return flag != 0 ? 1 : 0;
         case PLIST_UINT: plist_get_uint_val(item, &whole); return static_cast<std::int64_t>(whole);
-        case PLIST_REAL: plist_get_real_val(item, &real); return integerOf(static_cast<float>(real));
+        case PLIST_REAL: plist_get_real_val(item, &real); return wholePart(real);
         default: return std::nullopt;
     }
 }

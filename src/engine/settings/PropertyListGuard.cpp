@@ -87,7 +87,7 @@ private:
         const std::uint64_t count = *kindOf(object) >> 4U == 0xD ? 2 * extent->count : extent->count;
         for (std::uint64_t i = 0; i < count; ++i) {
             const auto target = numberAt(m_bytes, extent->start + i * m_referenceWidth, m_referenceWidth);
-            if (!target || *target >= m_isNamed.size()) return true;
+            if (!target || *target >= m_isNamed.size()) return false;  // the parser may go on past it
             if (++m_references > kReferenceLimit) return false;
             if (m_isContainer[*target] && m_isNamed[*target]) return false;
             m_isNamed[*target] = true;

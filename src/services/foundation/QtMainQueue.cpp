@@ -5,6 +5,7 @@
 #include <deque>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 namespace orrinvale {
 namespace {
@@ -23,6 +24,7 @@ struct QtMainQueue::Shared {
     std::condition_variable settled;
     std::deque<Item> items;  // guarded by mutex
     bool ended = false;      // guarded by mutex
+    bool isAwake = false;    // guarded by mutex; a wake-up is under way
     std::thread::id home;    // never changes
 };
 
@@ -48,8 +50,7 @@ void QtMainQueue::async(std::function<void()> work) {
     const std::lock_guard guard(shared->mutex);
     if (shared->ended) return;
     shared->items.push_back({std::move(work), nullptr});
-    // Under the lock: once it is let go, the queue may end at any moment.
-    if (shared->items.size() == 1) Q_EMIT woken();
+    wake();
 }
 
 bool QtMainQueue::sync(std::function<void()> work) {
@@ -63,16 +64,26 @@ bool QtMainQueue::sync(std::function<void()> work) {
         const std::lock_guard guard(shared->mutex);
         if (shared->ended) return false;
         shared->items.push_back({std::move(work), &state});
-        if (shared->items.size() == 1) Q_EMIT woken();
+        wake();
     }
     std::unique_lock lock(shared->mutex);
     shared->settled.wait(lock, [&] { return state != Shared::State::Waiting; });
     return state == Shared::State::Done;
 }
 
+// With the lock held: once it is let go, the queue may end at any moment.
+void QtMainQueue::wake() {
+    if (std::exchange(m_shared->isAwake, true)) return;
+    Q_EMIT woken();
+}
+
 void QtMainQueue::drain() {
     const std::shared_ptr<Shared> shared = m_shared;
     const auto until = std::chrono::steady_clock::now() + turn;
+    {
+        const std::lock_guard guard(shared->mutex);
+        shared->isAwake = false;
+    }
     for (;;) {
         Shared::Item item;
         {
@@ -80,6 +91,8 @@ void QtMainQueue::drain() {
             if (shared->items.empty()) return;
             item = std::move(shared->items.front());
             shared->items.pop_front();
+            // Work may turn an event loop of its own: what waits behind it is then served there.
+            if (!shared->items.empty()) wake();
         }
         item.work();
         item.work = nullptr;  // what it holds goes on this thread, before sync() returns
@@ -91,7 +104,7 @@ void QtMainQueue::drain() {
         const std::lock_guard guard(shared->mutex);
         if (shared->ended || shared->items.empty()) return;
         if (std::chrono::steady_clock::now() < until) continue;
-        Q_EMIT woken();
+        wake();
         return;
     }
 }

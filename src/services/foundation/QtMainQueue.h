@@ -25,6 +25,7 @@ Q_SIGNALS:
 
 private:
     struct Shared;
+    void wake();
     void drain();
 
     std::shared_ptr<Shared> m_shared;

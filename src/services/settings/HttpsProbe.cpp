@@ -8,7 +8,9 @@
 #include <QSslConfiguration>
 #include <QTimer>
 #include <QUrl>
+#include <future>
 #include <memory>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -39,18 +41,28 @@ QNetworkRequest requestFor(const QUrl& url, const QList<QSslCertificate>& truste
 HttpsProbe::HttpsProbe(QList<QSslCertificate> trusted) : m_trusted(std::move(trusted)) {}
 
 bool HttpsProbe::isAnswered(const std::string& address, std::chrono::milliseconds timeOut) const {
-    bool answered = false;
     // The loop that waits turns on a thread of its own: on the caller's it would run the window's events in the middle of the call.
-    std::thread([&] { answered = ask(QByteArray::fromStdString(address), timeOut); }).join();
-    return answered;
+    // That thread is let go when it is late: Qt looks up the system's proxy before any time-out of ours can run, and that may hang.
+    constexpr std::chrono::seconds grace{1};
+    auto answer = std::make_shared<std::promise<bool>>();
+    std::future<bool> answered = answer->get_future();
+    try {
+        std::thread([answer, address, timeOut, trusted = m_trusted] {
+            answer->set_value(ask(QByteArray::fromStdString(address), timeOut, trusted));
+        }).detach();
+    } catch (const std::system_error&) {
+        return false;  // no thread to be had
+    }
+    return answered.wait_for(timeOut + grace) == std::future_status::ready && answered.get();
 }
 
-bool HttpsProbe::ask(const QByteArray& address, std::chrono::milliseconds timeOut) const {
+bool HttpsProbe::ask(const QByteArray& address, std::chrono::milliseconds timeOut,
+                     const QList<QSslCertificate>& trusted) {
     const QUrl url = QUrl::fromEncoded(address, QUrl::StrictMode);
     if (!url.isValid() || url.scheme() != QLatin1String("https")) return false;
     QEventLoop loop;
     QNetworkAccessManager network;
-    const std::unique_ptr<QNetworkReply> reply(network.get(requestFor(url, m_trusted)));
+    const std::unique_ptr<QNetworkReply> reply(network.get(requestFor(url, trusted)));
     reply->setReadBufferSize(kReadLimit);
     qint64 count = 0;
     QObject::connect(reply.get(), &QNetworkReply::readyRead, &loop, [&] {

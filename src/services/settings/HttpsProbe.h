@@ -19,7 +19,8 @@ public:
     [[nodiscard]] bool isAnswered(const std::string& address, std::chrono::milliseconds timeOut) const override;
 
 private:
-    [[nodiscard]] bool ask(const QByteArray& address, std::chrono::milliseconds timeOut) const;
+    [[nodiscard]] static bool ask(const QByteArray& address, std::chrono::milliseconds timeOut,
+                                  const QList<QSslCertificate>& trusted);
 
     const QList<QSslCertificate> m_trusted;
 };

@@ -175,6 +175,8 @@ TEST(CleanablePlaces, whatNothingMakesAgainStays) {
         {"/var/log/journal/m/system@0-1.journal", FileType::Regular, Rule::MayGo},
         {"/var/log/journal/m/user-1000.journal~", FileType::Regular, Rule::MayGo},
         {"/var/log/mysql/host-bin.000001", FileType::Regular, Rule::Stays},
+        {"/var/log/mariadb/binlog.000001", FileType::Regular, Rule::Stays},
+        {"/var/log/mysql/error.log.1", FileType::Regular, Rule::MayGo},
         {"/var/log/mysql/error.log", FileType::Regular, Rule::MayGo},
         {"/var/log/audit/audit.log.1", FileType::Regular, Rule::Stays},
         {"/var/cached/debconf/x", FileType::Regular, Rule::MayGo},

@@ -48,7 +48,7 @@ public:
 
     /// What the program printed; empty when it was killed.
     std::string run(const std::string& inject) {
-        std::vector<std::string> words{"strace", "-o", m_tree.at("trace")};
+        std::vector<std::string> words{"strace", "-o", m_tree.at("trace"), "-E", "ASAN_OPTIONS=detect_leaks=0"};
         if (!inject.empty()) words.insert(words.end(), {"-e", "inject=" + inject});
         words.insert(words.end(), {ORRINVALE_SAVE_PROGRAM, path()});
         std::vector<char*> arguments;

@@ -71,6 +71,9 @@ TEST(PropertyList, GarbageAndHarm) {
     std::vector<std::string> copies{std::string("\xD1\0\1\0\2", 5), "\x51k", "\xAF\x11" + bigEndian(30'000, 2),
                                     "\x5F\x12" + bigEndian(400'000, 4) + std::string(400'000, 'x')};
     for (int i = 0; i < 30'000; ++i) copies[2] += bigEndian(3, 2);
+    // The same with a last key that names nothing, behind which a reader may stop counting and the parser goes on.
+    std::vector<std::string> strayKey{"\xDF\x11" + bigEndian(30'000, 2), "\x51k", copies[3]};
+    for (int i = 0; i < 60'000; ++i) strayKey[0] += bigEndian(i < 29'999 ? 1 : i == 29'999 ? 0xFFFF : 2, 2);
     std::string nested;
     for (int i = 0; i < 70'000; ++i) nested += "<array>";
     const std::string deep = xml("<dict><key>a</key>" + nested);
@@ -78,7 +81,7 @@ TEST(PropertyList, GarbageAndHarm) {
     for (const std::string& bytes :
          {std::string(), std::string("x"), std::string("bplist00"), std::string(100, '\xFF'), xml("<array/>"),
           xml("<dict><key>a</key>"), "bplist00" + std::string(40, '\xFF'), binary(doubling), binary(copies),
-          binary(loop), deep, xml("<dict/>") + std::string(kPropertyListLimit, ' ')}) {
+          binary(strayKey), binary(loop), deep, xml("<dict/>") + std::string(kPropertyListLimit, ' ')}) {
         const auto start = std::chrono::steady_clock::now();
         EXPECT_FALSE(PropertyList::parse(bytes)) << bytes.substr(0, 40);
         EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5)) << bytes.substr(0, 40);

@@ -75,6 +75,17 @@ TEST(MainQueue, ItsEndReleasesWhoWaits) {
     EXPECT_EQ(ran, 0);
 }
 
+// A question asked with a loop of its own must not hold up what other threads hand over meanwhile.
+TEST(MainQueue, WorkThatTurnsALoopDoesNotHoldUpWhatWaitsBehindIt) {
+    QtMainQueue queue;
+    bool second = false;
+    bool served = false;
+    queue.async([&] { served = serveUntil([&] { return second; }, 5); });
+    queue.async([&] { second = true; });
+    ASSERT_TRUE(serveUntil([&] { return second; }));
+    EXPECT_TRUE(served);
+}
+
 TEST(MainQueue, AFloodLeavesTimersTheirTurn) {
     QtMainQueue queue;
     int done = 0;
