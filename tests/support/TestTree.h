@@ -47,6 +47,12 @@ private:
     std::string m_path;
 };
 
+/// True when something has this path, a link that leads nowhere included.
+[[nodiscard]] bool isThere(const std::string& path);
+
+/// The bytes of a file; empty when there is none.
+[[nodiscard]] std::string contentOf(const std::string& path);
+
 /// Pseudo-random bytes, the same for the same seed.
 [[nodiscard]] std::string someBytes(std::size_t size, unsigned seed);
 
@@ -127,7 +133,11 @@ public:
         step("removeEntry");
         return m_real.removeEntry(folder, name, type);
     }
-    SysResult<std::string> placeOf(int folder) const override { return m_real.placeOf(folder); }
+    void readSizes(int folder, std::span<CatalogEntry> entries) const override { m_real.readSizes(folder, entries); }
+    SysResult<Descriptor> holdEntry(int parent, const char* name) const override {
+        return m_real.holdEntry(parent, name);
+    }
+    SysResult<std::string> placeOf(int descriptor) const override { return m_real.placeOf(descriptor); }
     SysResult<std::vector<MountPoint>> mountPoints() const override {
         if (mountsFail) return tl::unexpected(5);  // EIO
         return m_real.mountPoints();

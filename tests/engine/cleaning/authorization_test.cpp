@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "engine/base/Log.h"
-#include "engine/cleaning/OneShotRight.h"
+#include "engine/cleaning/FolderUtilities.h"
 #include "engine/cleaning/QnAuthorization.h"
 #include "platform/fake/FakeAuthorization.h"
 #include "platform/linux/LinuxPermissions.h"
+#include "support/LogLines.h"
 #include "support/TestTree.h"
 
 namespace orrinvale {
@@ -24,8 +24,6 @@ using ::testing::IsEmpty;
 class Right : public ::testing::Test {
 protected:
     Right() {
-        Log::setEnabled(true);
-        Log::setSink([this](std::string_view line) { lines.emplace_back(line); });
         // Whatever the test before left held.
         right.setParts({});
         right.freeAuthorization();
@@ -35,8 +33,6 @@ protected:
     ~Right() override {
         right.freeAuthorization();
         right.setParts({});
-        Log::setSink({});
-        Log::setEnabled(wasEnabled);
     }
 
     std::string last() const { return lines.empty() ? "no line" : lines.back(); }
@@ -44,8 +40,8 @@ protected:
     FakeAuthorization system;
     LinuxFileSystem files;
     LinuxPermissions permissions;
-    std::vector<std::string> lines;
-    const bool wasEnabled = Log::isEnabled();
+    testing::LogLines log;
+    std::vector<std::string>& lines = log.lines;
     QnAuthorization& right = QnAuthorization::shareQnAuthorization();
 };
 
@@ -125,11 +121,11 @@ TEST_F(Right, LosingItClosesThePadlockAndSaysWhy) {
 
 TEST_F(Right, AskingOnceMoreKeepsTheCallersReference) {
     const auto mine = AuthorizationRef{77};
-    EXPECT_TRUE(createOneShotRight(mine));
+    EXPECT_TRUE(FolderUtilities::CreateAuthoration(mine));
     EXPECT_THAT(system.calls, ElementsAre("create", "system.privilege.admin 19"));
-    EXPECT_FALSE(deleteOneShotRight(mine));
+    EXPECT_FALSE(FolderUtilities::DeleteAuthoration(mine));
     system.failures = {{"copyRights", -60006}};
-    EXPECT_FALSE(createOneShotRight(mine));
+    EXPECT_FALSE(FolderUtilities::CreateAuthoration(mine));
     EXPECT_THAT(lines, ElementsAre("Free Rights Unsuccessful: -60002", "Copy Rights Unsuccessful: -60006"));
 }
 
