@@ -120,7 +120,7 @@ QWidget* imageButton() {
 
 QWidget* hoverButton() {
     auto* const button = new HoverButton;
-    button->setText(QStringLiteral("3 entries could not be read"));
+    button->setText(QStringLiteral("3 skipped"));
     button->setIcon(picture(QStringLiteral("info")));
     return button;
 }
@@ -257,13 +257,13 @@ QWidget* ControlSheet::strips() const {
 }
 
 QWidget* ControlSheet::dropAreas() const {
-    constexpr QSize areaSize{180, 120};
-    QList<QWidget*> shown;
+    constexpr QSize areaSize{320, 120};
+    QList<QWidget*> areas;
     for (const bool isOver : {false, true}) {
         auto* const area = new DragView;
         area->setFixedSize(areaSize);
         if (isOver) hoverWithFolder(*area, true);
-        shown.append(
+        areas.append(
             withCaption(isOver ? QStringLiteral("DragView, a folder over it") : QStringLiteral("DragView"), area));
     }
     const auto target = [](bool isDropTarget) {
@@ -274,11 +274,23 @@ QWidget* ControlSheet::dropAreas() const {
             return view;
         };
     };
+    auto* const holder = new QWidget;
+    auto* const column = new QVBoxLayout(holder);
+    column->setContentsMargins({});
+    column->addWidget(sideBySide(areas));
+    QList<QWidget*> row;
+    const auto add = [&](QWidget* shown) {
+        constexpr qsizetype inARow = 3;
+        row.append(shown);
+        if (row.size() < inARow) return;
+        column->addWidget(sideBySide(row, Theme::gap));
+        row.clear();
+    };
     for (const NamedState& each : states)
         if (each.state != ControlState::Checked)
-            shown.append(withCaption(QLatin1String(each.name), new Portrait(target(false), each.state)));
-    shown.append(withCaption(QStringLiteral("drop"), new Portrait(target(true), ControlState::Normal)));
-    return sideBySide(shown, Theme::gapSmall);
+            add(withCaption(QLatin1String(each.name), new Portrait(target(false), each.state)));
+    add(withCaption(QStringLiteral("drop"), new Portrait(target(true), ControlState::Normal)));
+    return holder;
 }
 
 QWidget* ControlSheet::alerts() const {

@@ -28,7 +28,7 @@ namespace orrinvale {
 namespace {
 
 // What a removal is held at, and what it can not remove.
-constexpr const char* heldCopy = "Aria (1).flac";
+constexpr const char* heldCopy = "Aria (1).mp3";
 constexpr const char* lockedCopy = "holiday-photos.zip";
 
 }  // namespace
@@ -64,6 +64,7 @@ bool DuplicateScenes::draw() {
 bool DuplicateScenes::save(const char* scene, QWidget* shown) const {
     const QString name = QLatin1String(scene);
     if (!m_wanted.isEmpty() && !m_wanted.contains(name)) return true;
+    if (shown == nullptr) m_window->activateWindow();
     QApplication::processEvents();
     return m_pictures.save(QStringLiteral("duplicates-") + name, (shown != nullptr ? shown : m_window)->grab());
 }
@@ -137,7 +138,7 @@ bool DuplicateScenes::drawSearch() {
 
 bool DuplicateScenes::drawResult() {
     tickGroup("Tax return");
-    tickGroup("IMG_2041");
+    tickGroup("Lake at sunrise");
     outline()->collapseAll();
     const QModelIndex open = groupNamed("Tax return");
     outline()->expand(open.siblingAtColumn(0));
@@ -209,7 +210,7 @@ bool DuplicateScenes::drawPreview() {
 }
 
 bool DuplicateScenes::drawRemoval() {
-    for (const char* const name : {"holiday-photos", "Aria", "VID_0113", "Letter"}) tickGroup(name);
+    for (const char* const name : {"holiday-photos", "Aria", "Graduation", "Letter"}) tickGroup(name);
     m_files.refuse(lockedCopy, EACCES);
     m_files.hold(heldCopy);
     if (!click("stopBtn") || !waitForSheet(true) || !pressInSheet(QStringLiteral("Sure"))) return false;

@@ -2,12 +2,15 @@
 #include "ui/duplicates/ResultOutline.h"
 
 #include <QContextMenuEvent>
+#include <QDateTime>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QLocale>
 #include <QPainter>
 
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/duplicates/ResultRowDelegate.h"
+#include "ui/kit/controls/FlatHeader.h"
 #include "ui/kit/controls/TickBox.h"
 #include "ui/kit/controls/TickBoxDelegate.h"
 #include "ui/kit/look/Theme.h"
@@ -17,14 +20,25 @@ namespace orrinvale {
 namespace {
 
 constexpr int boxColumnWidth = 34;
-constexpr int countColumnWidth = 84;
-constexpr int sizeColumnWidth = 96;
-constexpr int dateColumnWidth = 140;
+constexpr int countColumnWidth = 64;
+constexpr int sizeColumnWidth = 86;
+
+// As wide as a date in the language of the desktop.
+int dateColumnWidth() {
+    const QDateTime wide(QDate(2028, 12, 28), QTime(20, 58));
+    const QString text = QLocale::system().toString(wide, QLocale::ShortFormat);
+    return QFontMetrics(Theme::shared().font(Theme::Text::Body)).horizontalAdvance(text) + 2 * FlatHeader::textMargin;
+}
+
 constexpr int chevronSide = 14;
 
 }  // namespace
 
-ResultOutline::ResultOutline(QWidget* parent) : QTreeView(parent), m_headerBox(new TickBox({}, header())) {
+ResultOutline::ResultOutline(QWidget* parent) : QTreeView(parent) {
+    setHeader(new FlatHeader(this));
+    m_headerBox = new TickBox({}, header());
+    followTheme();
+    connect(&Theme::shared(), &Theme::changed, this, &ResultOutline::followTheme);
     setObjectName(QStringLiteral("outline"));
     setAccessibleName(tr("Groups of duplicates"));
     setUniformRowHeights(true);  // with hundreds of thousands of rows the view must not ask each for its height
@@ -59,14 +73,23 @@ void ResultOutline::setModel(QAbstractItemModel* model) {
     columns.resizeSection(Model::Checkbox, boxColumnWidth);
     columns.resizeSection(Model::AllSelectNum, countColumnWidth);
     columns.resizeSection(Model::FileSize, sizeColumnWidth);
-    columns.resizeSection(Model::ModifyDate, dateColumnWidth);
+    columns.resizeSection(Model::ModifyDate, dateColumnWidth());
     placeHeaderBox();
+}
+
+// A row of the accent's colour would drown its grey path; the selection is the quiet colour that the rest of the page uses.
+void ResultOutline::followTheme() {
+    QPalette colors;
+    colors.setColor(QPalette::Highlight, Theme::shared().color(Theme::Color::Selection));
+    colors.setColor(QPalette::HighlightedText, Theme::shared().color(Theme::Color::Text));
+    setPalette(colors);
 }
 
 void ResultOutline::placeHeaderBox() {
     const QSize size = m_headerBox->sizeHint();
     const int left = header()->sectionViewportPosition(DuplicateResultModel::Checkbox);
-    m_headerBox->setGeometry(left + Theme::gapTiny, (header()->height() - size.height()) / 2, size.width(), size.height());
+    // In one line with the boxes of the rows, whose halo reaches out to the same left.
+    m_headerBox->setGeometry(left + Theme::gapTiny - tickBoxHalo, (header()->height() - size.height()) / 2, size.width(), size.height());
 }
 
 void ResultOutline::keyPressEvent(QKeyEvent* event) {

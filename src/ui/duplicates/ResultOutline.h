@@ -29,9 +29,10 @@ protected:
     void drawBranches(QPainter* painter, const QRect& rect, const QModelIndex& index) const override;
 
 private:
+    void followTheme();
     void placeHeaderBox();
 
-    TickBox* m_headerBox;
+    TickBox* m_headerBox = nullptr;
 };
 
 }  // namespace orrinvale

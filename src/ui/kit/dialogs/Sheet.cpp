@@ -68,6 +68,7 @@ void Sheet::open(QWidget* first) {
     layOut();
     show();
     raise();
+    if (auto* const host = dynamic_cast<SheetHost*>(parentWidget())) host->sheetRaised();
     if (first != nullptr) first->setFocus(Qt::PopupFocusReason);
     else setFocus(Qt::PopupFocusReason);
     slide(0.0, 1.0, nullptr);

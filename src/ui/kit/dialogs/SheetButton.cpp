@@ -57,9 +57,11 @@ void SheetButton::paintEvent(QPaintEvent* /*event*/) {
     const Faces faces = facesOf(m_kind);
     Color face = faces.normal;
     if (isDown()) face = faces.pressed;
-    else if (underMouse()) face = faces.hover;
+    else if (underMouse() && isEnabled()) face = faces.hover;
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    constexpr qreal faint = 0.4;
+    if (!isEnabled()) painter.setOpacity(faint);
     const QRectF box = QRectF(rect()).adjusted(ring, ring, -ring, -ring);
     const bool isOutlined = m_kind == Kind::Plain;
     painter.setPen(isOutlined ? QPen(theme.color(Color::Outline), 1) : QPen(Qt::NoPen));
