@@ -55,16 +55,17 @@ class StateTable final {
 public:
     explicit StateTable(std::size_t columns) : m_columns(columns) {
         m_grid->setContentsMargins({});
-        m_grid->setHorizontalSpacing(Theme::gapHuge);
+        m_grid->setHorizontalSpacing(Theme::gap);
         m_grid->setVerticalSpacing(Theme::gap);
         for (std::size_t i = 0; i < m_columns; ++i)
             m_grid->addWidget(caption(QLatin1String(states.at(i).name)), 0, static_cast<int>(i) + 1);
         m_grid->setColumnStretch(static_cast<int>(m_columns) + 1, 1);
     }
 
-    void add(const QString& name, const Portrait::Make& make) {
+    void add(const QString& name, const Portrait::Make& make, bool isCheckable = false) {
         m_grid->addWidget(caption(name), m_row, 0);
         for (std::size_t i = 0; i < m_columns; ++i) {
+            if (states.at(i).state == ControlState::Checked && !isCheckable) continue;
             QWidget* const shown = i == 0 ? make() : new Portrait(make, states.at(i).state);
             shown->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
             m_grid->addWidget(shown, m_row, static_cast<int>(i) + 1, Qt::AlignLeft | Qt::AlignVCenter);
@@ -170,15 +171,15 @@ QWidget* ControlSheet::buttons() const {
     using Role = TextImageButton::Role;
     using Kind = SheetButton::Kind;
     StateTable table(states.size());
-    table.add(QStringLiteral("TextImageButton"), textButton(QStringLiteral("Stop"), Role::Plain));
+    table.add(QStringLiteral("TextImageButton"), textButton(QStringLiteral("Stop"), Role::Plain), true);
     table.add(QStringLiteral("... primary"), textButton(QStringLiteral("Choose a Folder"), Role::Primary));
     table.add(QStringLiteral("... danger"), textButton(QStringLiteral("Remove"), Role::Danger));
     table.add(QStringLiteral("SheetButton"), sheetButton(QStringLiteral("Cancel"), Kind::Plain));
     table.add(QStringLiteral("... primary"), sheetButton(QStringLiteral("OK"), Kind::Primary));
     table.add(QStringLiteral("... danger"), sheetButton(QStringLiteral("Sure"), Kind::Danger));
     table.add(QStringLiteral("... link"), sheetButton(QStringLiteral("Learn More"), Kind::Link));
-    table.add(QStringLiteral("TCImageButton"), imageButton);
-    table.add(QStringLiteral("HoverButton"), hoverButton);
+    table.add(QStringLiteral("TCImageButton"), imageButton, true);
+    table.add(QStringLiteral("HoverButton"), hoverButton, true);
     table.add(QStringLiteral("TitleTab"), [] { return new TitleTab(QStringLiteral("Files")); });
     table.add(QStringLiteral("... on"), [] {
         auto* const tab = new TitleTab(QStringLiteral("Files"));
@@ -248,7 +249,7 @@ QWidget* ControlSheet::leftRows() const {
 
 QWidget* ControlSheet::strips() const {
     QList<QWidget*> shown;
-    for (const int percent : {0, 5, 37, 100}) {
+    for (const int percent : {0, 37, 100}) {
         auto* const strip = new Animation(m_notifications);
         strip->baseNumberSetPrograss(percent);
         shown.append(withCaption(QStringLiteral("%1 %").arg(percent), strip));

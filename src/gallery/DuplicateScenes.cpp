@@ -16,6 +16,7 @@
 #include "gallery/drawing.h"
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/duplicates/DuplicationLeftCell.h"
+#include "ui/kit/chrome/AnimationHoverImageView.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/controls/DragView.h"
 #include "ui/kit/controls/ElidedLabel.h"
@@ -57,8 +58,8 @@ DuplicateScenes::DuplicateScenes(const SampleFolder& sample, UserDefaults& defau
 DuplicateScenes::~DuplicateScenes() { m_files.release(); }
 
 bool DuplicateScenes::draw() {
-    return drawFirstView() && drawSearch() && drawResult() && drawQuestion() && drawLargeWindow() && drawPreview() &&
-           drawRemoval() && drawFailures() && drawEmptyResult();
+    return drawFirstView() && drawSearch() && drawResult() && drawKeyboard() && drawQuestion() && drawLargeWindow() &&
+           drawPreview() && drawRemoval() && drawFailures() && drawEmptyResult();
 }
 
 bool DuplicateScenes::save(const char* scene, QWidget* shown) const {
@@ -102,7 +103,9 @@ bool DuplicateScenes::drawFirstView() {
     auto* const area = m_window->findChild<DragView*>();
     if (!save("first")) return false;
     hoverWithFolder(*area, true);
-    const bool isSaved = save("first-drop");
+    const auto* const target = m_window->findChild<AnimationHoverImageView*>();
+    const bool isSaved =
+        waitFor("the fading to end", [target] { return target->fadeProgress() >= 1.0; }) && save("first-drop");
     hoverWithFolder(*area, false);
     return isSaved;
 }
@@ -184,6 +187,17 @@ bool DuplicateScenes::pressInSheet(const QString& text) {
 
 bool DuplicateScenes::drawQuestion() {
     return click("stopBtn") && waitForSheet(true) && save("question") && pressInSheet(QStringLiteral("Cancel"));
+}
+
+bool DuplicateScenes::drawKeyboard() {
+    QWidget* const before = m_window->focusWidget();
+    const QModelIndex open = groupNamed("Lake at sunrise");
+    outline()->expand(open.siblingAtColumn(0));
+    outline()->setCurrentIndex(outline()->model()->index(1, DuplicateResultModel::NameColumn, open.siblingAtColumn(0)));
+    outline()->setFocus(Qt::TabFocusReason);
+    const bool isSaved = save("keyboard");
+    if (before != nullptr) before->setFocus(Qt::PopupFocusReason);
+    return isSaved;
 }
 
 bool DuplicateScenes::drawLargeWindow() {

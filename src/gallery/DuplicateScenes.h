@@ -40,6 +40,7 @@ private:
     bool drawSearch();
     bool drawResult();
     bool drawQuestion();
+    bool drawKeyboard();
     bool drawLargeWindow();
     bool drawPreview();
     bool drawRemoval();

@@ -50,7 +50,8 @@ void FlatHeader::paintSection(QPainter* painter, const QRect& rect, int section)
     painter->drawText(inside, static_cast<int>(side | Qt::AlignVCenter) | Qt::TextSingleLine, shown);
     if (!isSorted) return;
     // On the side of the text that has room, so that the text stays in line with its column.
-    const int left = side.testFlag(Qt::AlignRight) ? inside.right() + 1 - width - chevronSide - 2 : inside.left() + width + 2;
+    const int left =
+        side.testFlag(Qt::AlignRight) ? inside.right() + 1 - width - chevronSide - 2 : inside.left() + width + 2;
     picture(sortIndicatorOrder() == Qt::AscendingOrder ? QStringLiteral("chevron_up") : QStringLiteral("chevron_down"))
         .paint(painter, QRect(left, rect.top() + (rect.height() - chevronSide) / 2, chevronSide, chevronSide));
 }

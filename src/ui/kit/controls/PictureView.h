@@ -14,7 +14,8 @@ class PictureView final : public QWidget {
     Q_OBJECT
 public:
     /// The picture's own size unless another one is given.
-    explicit PictureView(const QString& name, QSize size = {}, QWidget* parent = nullptr) : QWidget(parent), m_name(name) {
+    explicit PictureView(const QString& name, QSize size = {}, QWidget* parent = nullptr)
+        : QWidget(parent), m_name(name) {
         setFixedSize(size.isEmpty() ? pictureSize(name) : size);
         connect(&Theme::shared(), &Theme::changed, this, [this] { update(); });
     }

@@ -127,8 +127,8 @@ bool Sheet::isUnderOther() const {
 
 void Sheet::giveFocusBack() {
     QWidget* before = m_focusBefore.data();
-    if (before != nullptr && before->isVisible() && before->isEnabled()) before->setFocus(Qt::OtherFocusReason);
-    else if (isInside(*this, window()->focusWidget())) window()->setFocus(Qt::OtherFocusReason);
+    if (before != nullptr && before->isVisible() && before->isEnabled()) before->setFocus(Qt::PopupFocusReason);
+    else if (isInside(*this, window()->focusWidget())) window()->setFocus(Qt::PopupFocusReason);
 }
 
 bool Sheet::event(QEvent* event) {

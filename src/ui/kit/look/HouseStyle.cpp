@@ -24,8 +24,8 @@ QRect sliderRect(const QStyleOptionSlider& bar) {
     if (range > 0)
         length = std::clamp(static_cast<int>(qint64{bar.pageStep} * room / (range + bar.pageStep)),
                             std::min(shortestBar, room), room);
-    const int start = QStyle::sliderPositionFromValue(bar.minimum, bar.maximum, bar.sliderPosition, room - length,
-                                                      bar.upsideDown);
+    const int start =
+        QStyle::sliderPositionFromValue(bar.minimum, bar.maximum, bar.sliderPosition, room - length, bar.upsideDown);
     return isAcross ? QRect(bar.rect.x() + start, bar.rect.y(), length, bar.rect.height())
                     : QRect(bar.rect.x(), bar.rect.y() + start, bar.rect.width(), length);
 }
@@ -34,7 +34,8 @@ void drawScrollBar(QPainter& painter, const QStyleOptionSlider& bar) {
     const Theme& theme = Theme::shared();
     painter.fillRect(bar.rect, theme.color(Theme::Color::Surface));
     if (bar.minimum == bar.maximum) return;
-    const bool isHeld = bar.state.testFlag(QStyle::State_Sunken) && bar.activeSubControls.testFlag(QStyle::SC_ScrollBarSlider);
+    const bool isHeld =
+        bar.state.testFlag(QStyle::State_Sunken) && bar.activeSubControls.testFlag(QStyle::SC_ScrollBarSlider);
     QColor color = theme.color(Theme::Color::Outline);
     color.setAlphaF(isHeld ? 1.0F : bar.state.testFlag(QStyle::State_MouseOver) ? 0.8F : 0.5F);
     const QRectF shape = QRectF(sliderRect(bar)).adjusted(barMargin, barMargin, -barMargin, -barMargin);
