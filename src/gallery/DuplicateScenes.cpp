@@ -190,10 +190,13 @@ bool DuplicateScenes::drawQuestion() {
 }
 
 bool DuplicateScenes::drawKeyboard() {
+    m_window->activateWindow();
+    QApplication::processEvents();
     QWidget* const before = m_window->focusWidget();
     const QModelIndex open = groupNamed("Lake at sunrise");
     outline()->expand(open.siblingAtColumn(0));
     outline()->setCurrentIndex(outline()->model()->index(1, DuplicateResultModel::NameColumn, open.siblingAtColumn(0)));
+    outline()->clearFocus();  // a focus that is there already would keep its reason
     outline()->setFocus(Qt::TabFocusReason);
     const bool isSaved = save("keyboard");
     if (before != nullptr) before->setFocus(Qt::PopupFocusReason);
