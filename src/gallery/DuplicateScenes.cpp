@@ -36,20 +36,22 @@ constexpr const char* lockedCopy = "holiday-photos.zip";
 
 DuplicateScenes::DuplicateScenes(const SampleFolder& sample, UserDefaults& defaults, const PictureFolder& pictures,
                                  QSet<QString> wanted)
-    : m_sample(sample), m_pictures(pictures), m_wanted(std::move(wanted)) {
+    : m_sample(sample),
+      m_pictures(pictures),
+      m_wanted(std::move(wanted)),
+      m_controller(std::make_unique<DuplicateMainWindowController>(
+          SameFileDeleteParts{.files = &m_files,
+                              .notifications = &m_notifications,
+                              .defaults = &defaults,
+                              .dialogs = &m_dialogs,
+                              .mainQueue = &m_mainQueue,
+                              .icons = [this](const IconRequest& request) { return m_icons.icon(request); },
+                              .reveal = {},
+                              .openAddress = {}},
+          m_icons)),
+      m_window(m_controller->window()) {
     QnAuthorization::shareQnAuthorization().setParts(
         {.authorization = nullptr, .files = &m_files, .permissions = nullptr, .ownFiles = {}});
-    m_controller = std::make_unique<DuplicateMainWindowController>(
-        SameFileDeleteParts{.files = &m_files,
-                            .notifications = &m_notifications,
-                            .defaults = &defaults,
-                            .dialogs = &m_dialogs,
-                            .mainQueue = &m_mainQueue,
-                            .icons = [this](const IconRequest& request) { return m_icons.icon(request); },
-                            .reveal = {},
-                            .openAddress = {}},
-        m_icons);
-    m_window = m_controller->window();
     m_controller->showWindow();
     m_files.refuse(SampleFolder::unreadableFolder, EACCES);
     m_files.refuse(SampleFolder::unreadableFile, EACCES);

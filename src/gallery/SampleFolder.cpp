@@ -19,6 +19,11 @@
 #include <span>
 #include <string_view>
 #include <system_error>
+#include <utility>
+
+#include "engine/files/ProtectedPlaces.h"
+#include "engine/files/SafeRemoval.h"
+#include "platform/linux/LinuxFiles.h"
 
 namespace orrinvale {
 namespace {
@@ -101,9 +106,9 @@ QByteArray paintedLake() {
     painter.fillRect(image.rect(), sky);
     painter.setBrush(QColor(0xff, 0xe6, 0xb8));
     painter.drawEllipse(QPointF(640, 300), 46, 46);
-    const auto ridge = [&](const QColor& color, qreal base, qreal height, qreal width) {
+    const auto ridge = [&](const QColor& color, int base, int height, int width) {
         QPainterPath path(QPointF(0, 400));
-        for (qreal x = 0; x < 960 + width; x += width) path.quadTo(x + width / 2, base - height, x + width, base);
+        for (int x = 0; x < 960 + width; x += width) path.quadTo(x + width / 2, base - height, x + width, base);
         path.lineTo(960, 400);
         painter.fillPath(path, color);
     };
@@ -121,6 +126,24 @@ QByteArray paintedLake() {
     return bytes;
 }
 
+// The folder, locked; none with errno set when there is none, or none of ours.
+Descriptor lockedFolder() {
+    Descriptor folder(::open(place, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    struct stat status {};
+    if (!folder.isOpen() || ::fstat(folder.get(), &status) != 0) return {};
+    if (status.st_uid != ::geteuid()) {
+        errno = EPERM;
+        return {};
+    }
+    return ::flock(folder.get(), LOCK_EX | LOCK_NB) == 0 ? std::move(folder) : Descriptor();
+}
+
+bool removeFolder() {
+    const LinuxFileSystem files;
+    const ProtectedPlaces places = ProtectedPlaces::ofThisMachine(files, {});
+    return SafeRemoval(files, places).remove(place, std::nullopt).gone;
+}
+
 }  // namespace
 
 SampleFolder::SampleFolder() {
@@ -128,26 +151,19 @@ SampleFolder::SampleFolder() {
 }
 
 SampleFolder::~SampleFolder() {
-    std::error_code failure;
-    if (m_failure.empty()) std::filesystem::remove_all(place, failure);
+    if (m_failure.empty()) static_cast<void>(removeFolder());
 }
 
-// Everybody may write to /tmp: only a folder that is ours, and no link to one, is emptied and filled.
+// Everybody may write to /tmp: what stands there is removed only when it is a folder of ours, no link, and nobody else's at this
+// moment.
 bool SampleFolder::take() {
+    m_place = lockedFolder();
+    if (!m_place.isOpen() && errno != ENOENT) return false;
+    if (m_place.isOpen() && !removeFolder()) return false;
     constexpr mode_t ours = 0700;
-    if (::mkdir(place, ours) != 0 && errno != EEXIST) return false;
-    m_place = Descriptor(::open(place, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    struct stat status {};
-    if (m_place.get() < 0 || ::fstat(m_place.get(), &status) != 0) return false;
-    if (status.st_uid != ::geteuid()) {
-        errno = EPERM;
-        return false;
-    }
-    if (::flock(m_place.get(), LOCK_EX | LOCK_NB) != 0) return false;
-    std::error_code failure;
-    for (const auto& left : std::filesystem::directory_iterator(place, failure))
-        std::filesystem::remove_all(left.path(), failure);
-    return !failure;
+    if (::mkdir(place, ours) != 0) return false;
+    m_place = lockedFolder();
+    return m_place.isOpen();
 }
 
 bool SampleFolder::fill() const {

@@ -20,7 +20,7 @@ QString shortenedFolder(const QString& folder, const QFontMetrics& metrics, int 
     if (metrics.horizontalAdvance(folder) <= width) return folder;
     for (qsizetype slash = folder.indexOf(QLatin1Char('/'), 1); slash >= 0 && slash < folder.size() - 1;
          slash = folder.indexOf(QLatin1Char('/'), slash + 1)) {
-        const QString shown = QChar(0x2026) + folder.mid(slash);
+        QString shown = QChar(0x2026) + folder.mid(slash);
         if (metrics.horizontalAdvance(shown) <= width) return shown;
     }
     return metrics.elidedText(folder, Qt::ElideLeft, width);
