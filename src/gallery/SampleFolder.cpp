@@ -108,7 +108,8 @@ QByteArray paintedLake() {
     painter.drawEllipse(QPointF(640, 300), 46, 46);
     const auto ridge = [&](const QColor& color, int base, int height, int width) {
         QPainterPath path(QPointF(0, 400));
-        for (int x = 0; x < 960 + width; x += width) path.quadTo(x + width / 2, base - height, x + width, base);
+        for (int x = 0; x < 960 + width; x += width)
+            path.quadTo(QPoint(x + width / 2, base - height), QPoint(x + width, base));
         path.lineTo(960, 400);
         painter.fillPath(path, color);
     };
