@@ -51,7 +51,7 @@ void DuplicationLeftCell::setSizeTextFieldString(const QString& text) {
     update();
 }
 
-QSize DuplicationLeftCell::sizeHint() const { return {160, cellHeight}; }
+QSize DuplicationLeftCell::sizeHint() const { return {188, cellHeight}; }
 
 void DuplicationLeftCell::paintEvent(QPaintEvent* /*event*/) {
     const Theme& theme = Theme::shared();
@@ -65,11 +65,11 @@ void DuplicationLeftCell::paintEvent(QPaintEvent* /*event*/) {
     }
     if (hasFocus()) drawFocusRing(painter, frame, highlightRadius);
 
-    const QRect icon(Theme::gap, (height() - iconSide) / 2, iconSide, iconSide);
+    const QRect icon(Theme::gapSmall, (height() - iconSide) / 2, iconSide, iconSide);
     picture(m_picture).paint(&painter, icon);
     QFont sizeFont = theme.font(Theme::Text::Caption);
     const int sizeWidth = QFontMetrics(sizeFont).horizontalAdvance(m_size);
-    QRect text = rect().adjusted(icon.right() + Theme::gapSmall, 0, -Theme::gap, 0);
+    QRect text = rect().adjusted(icon.right() + Theme::gapSmall, 0, -Theme::gapSmall, 0);
     painter.setFont(sizeFont);
     painter.setPen(theme.color(Theme::Color::TextSecondary));
     painter.drawText(text, Qt::AlignRight | Qt::AlignVCenter, m_size);

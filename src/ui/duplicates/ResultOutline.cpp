@@ -2,12 +2,16 @@
 #include "ui/duplicates/ResultOutline.h"
 
 #include <QContextMenuEvent>
+#include <QDateTime>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QLocale>
 #include <QPainter>
+#include <algorithm>
 
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/duplicates/ResultRowDelegate.h"
+#include "ui/kit/controls/FlatHeader.h"
 #include "ui/kit/controls/TickBox.h"
 #include "ui/kit/controls/TickBoxDelegate.h"
 #include "ui/kit/look/Theme.h"
@@ -17,14 +21,32 @@ namespace orrinvale {
 namespace {
 
 constexpr int boxColumnWidth = 34;
-constexpr int countColumnWidth = 84;
-constexpr int sizeColumnWidth = 96;
-constexpr int dateColumnWidth = 140;
+constexpr int countColumnWidth = 64;
+constexpr int sizeColumnWidth = 86;
+
+// As wide as a date in the language of the desktop.
+int dateColumnWidth() {
+    const QDateTime wide(QDate(2028, 12, 28), QTime(20, 58));
+    QString text = QLocale::system().toString(wide, QLocale::ShortFormat);
+    // Digits differ in width; the date that is shown may have the widest throughout.
+    const QFontMetrics metrics(Theme::shared().font(Theme::Text::Body));
+    const auto narrower = [&](QChar a, QChar b) { return metrics.horizontalAdvance(a) < metrics.horizontalAdvance(b); };
+    const QString digits = QStringLiteral("0123456789");
+    const QChar widest = *std::max_element(digits.begin(), digits.end(), narrower);
+    for (QChar& letter : text)
+        if (letter.isDigit()) letter = widest;
+    return metrics.horizontalAdvance(text) + 2 * FlatHeader::textMargin + 1;
+}
+
 constexpr int chevronSide = 14;
 
 }  // namespace
 
-ResultOutline::ResultOutline(QWidget* parent) : QTreeView(parent), m_headerBox(new TickBox({}, header())) {
+ResultOutline::ResultOutline(QWidget* parent) : QTreeView(parent) {
+    setHeader(new FlatHeader(this));
+    m_headerBox = new TickBox({}, header());
+    followTheme();
+    connect(&Theme::shared(), &Theme::changed, this, &ResultOutline::followTheme);
     setObjectName(QStringLiteral("outline"));
     setAccessibleName(tr("Groups of duplicates"));
     setUniformRowHeights(true);  // with hundreds of thousands of rows the view must not ask each for its height
@@ -36,7 +58,8 @@ ResultOutline::ResultOutline(QWidget* parent) : QTreeView(parent), m_headerBox(n
     setFrameShape(NoFrame);
     setVerticalScrollMode(ScrollPerPixel);
     setItemDelegate(new ResultRowDelegate(this));
-    setItemDelegateForColumn(DuplicateResultModel::Checkbox, new TickBoxDelegate(DuplicateResultModel::StateRole, this));
+    setItemDelegateForColumn(DuplicateResultModel::Checkbox,
+                             new TickBoxDelegate(DuplicateResultModel::StateRole, this));
     m_headerBox->setObjectName(QStringLiteral("button"));
     m_headerBox->setAccessibleName(tr("Select all but one of each group"));
     header()->setSectionsClickable(true);
@@ -59,23 +82,33 @@ void ResultOutline::setModel(QAbstractItemModel* model) {
     columns.resizeSection(Model::Checkbox, boxColumnWidth);
     columns.resizeSection(Model::AllSelectNum, countColumnWidth);
     columns.resizeSection(Model::FileSize, sizeColumnWidth);
-    columns.resizeSection(Model::ModifyDate, dateColumnWidth);
+    columns.resizeSection(Model::ModifyDate, dateColumnWidth());
     placeHeaderBox();
+}
+
+// A row of the accent's colour would drown its grey path; the selection is the quiet colour that the rest of the page uses.
+void ResultOutline::followTheme() {
+    QPalette colors;
+    colors.setColor(QPalette::Highlight, Theme::shared().color(Theme::Color::Selection));
+    colors.setColor(QPalette::HighlightedText, Theme::shared().color(Theme::Color::Text));
+    setPalette(colors);
 }
 
 void ResultOutline::placeHeaderBox() {
     const QSize size = m_headerBox->sizeHint();
     const int left = header()->sectionViewportPosition(DuplicateResultModel::Checkbox);
-    m_headerBox->setGeometry(left + Theme::gapTiny, (header()->height() - size.height()) / 2, size.width(), size.height());
+    // In one line with the boxes of the rows, whose halo reaches out to the same left.
+    m_headerBox->setGeometry(left + Theme::gapTiny - tickBoxHalo, (header()->height() - size.height()) / 2,
+                             size.width(), size.height());
 }
 
 void ResultOutline::keyPressEvent(QKeyEvent* event) {
     const QModelIndex current = currentIndex();
     if (event->key() == Qt::Key_Space && current.isValid()) {
-        if (event->modifiers().testFlag(Qt::ControlModifier))
-            Q_EMIT previewWanted();
+        if (event->modifiers().testFlag(Qt::ControlModifier)) Q_EMIT previewWanted();
         else if (!event->isAutoRepeat())
-            model()->setData(current.siblingAtColumn(DuplicateResultModel::Checkbox), {}, DuplicateResultModel::StateRole);
+            model()->setData(current.siblingAtColumn(DuplicateResultModel::Checkbox), {},
+                             DuplicateResultModel::StateRole);
         return;
     }
     QTreeView::keyPressEvent(event);
@@ -87,6 +120,18 @@ void ResultOutline::contextMenuEvent(QContextMenuEvent* event) {
     if (!index.isValid()) return;
     setCurrentIndex(index);
     Q_EMIT menuWanted(index, byKey ? viewport()->mapToGlobal(visualRect(index).center()) : event->globalPos());
+}
+
+void ResultOutline::focusInEvent(QFocusEvent* event) {
+    m_keyboardFocus.focusIn(*event);
+    QTreeView::focusInEvent(event);
+}
+
+void ResultOutline::drawRow(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
+    QTreeView::drawRow(painter, option, index);
+    const QModelIndex current = currentIndex();
+    if (!m_keyboardFocus.isShown(*this) || index.row() != current.row() || index.parent() != current.parent()) return;
+    drawFocusRing(*painter, QRectF(option.rect).adjusted(1, 1, -1, -1), Theme::radiusSmall);
 }
 
 void ResultOutline::drawBranches(QPainter* painter, const QRect& rect, const QModelIndex& index) const {

@@ -3,6 +3,8 @@
 
 #include <QTreeView>
 
+#include "ui/kit/chrome/buttonLook.h"
+
 namespace orrinvale {
 
 class TickBox;
@@ -26,12 +28,16 @@ Q_SIGNALS:
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void drawRow(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     void drawBranches(QPainter* painter, const QRect& rect, const QModelIndex& index) const override;
 
 private:
+    void followTheme();
     void placeHeaderBox();
 
-    TickBox* m_headerBox;
+    KeyboardFocus m_keyboardFocus;
+    TickBox* m_headerBox = nullptr;
 };
 
 }  // namespace orrinvale

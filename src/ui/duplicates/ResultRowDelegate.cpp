@@ -6,6 +6,7 @@
 #include <QPainter>
 
 #include "ui/duplicates/DuplicateResultModel.h"
+#include "ui/kit/controls/FlatHeader.h"
 #include "ui/kit/look/Theme.h"
 
 namespace orrinvale {
@@ -14,13 +15,24 @@ namespace {
 // A line break in a name would hide what follows it.
 QString onOneLine(QString text) { return text.replace(QLatin1Char('\n'), QChar(0x2424)); }
 
+// What of a folder is nearest to the name stays: all copies lie below one folder, and it is the end that tells them apart.
+QString shortenedFolder(const QString& folder, const QFontMetrics& metrics, int width) {
+    if (metrics.horizontalAdvance(folder) <= width) return folder;
+    for (qsizetype slash = folder.indexOf(QLatin1Char('/'), 1); slash >= 0 && slash < folder.size() - 1;
+         slash = folder.indexOf(QLatin1Char('/'), slash + 1)) {
+        QString shown = QChar(0x2026) + folder.mid(slash);
+        if (metrics.horizontalAdvance(shown) <= width) return shown;
+    }
+    return metrics.elidedText(folder, Qt::ElideLeft, width);
+}
+
 // The folder gives way first: the name is what tells two rows apart.
 void drawPath(QPainter& painter, const QRect& rect, const QString& path, const QFont& font, const QColor& nameColor) {
     const QFontMetrics metrics(font);
     const qsizetype cut = path.lastIndexOf(QLatin1Char('/')) + 1;
     const QString name = path.mid(cut);
     const int nameWidth = qMin(metrics.horizontalAdvance(name), rect.width());
-    const QString folder = metrics.elidedText(path.left(cut), Qt::ElideMiddle, rect.width() - nameWidth);
+    const QString folder = shortenedFolder(path.left(cut), metrics, rect.width() - nameWidth);
     const int folderWidth = metrics.horizontalAdvance(folder);
     painter.setFont(font);
     painter.setPen(Theme::shared().color(Theme::Color::TextSecondary));
@@ -41,9 +53,10 @@ void ResultRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opt
     const Theme& theme = Theme::shared();
     const bool isGroup = index.data(DuplicateResultModel::IsGroupRole).toBool();
     const QString text = onOneLine(index.data(Qt::DisplayRole).toString());
-    QRect rect = option.rect.adjusted(Theme::gapTiny, 0, -Theme::gapSmall, 0);
+    QRect rect = option.rect.adjusted(FlatHeader::textMargin, 0, -FlatHeader::textMargin, 0);
     painter->save();
     if (index.column() == DuplicateResultModel::NameColumn) {
+        rect.setLeft(option.rect.left() + Theme::gapTiny);  // beside its chevron
         const auto icon = index.data(DuplicateResultModel::IconRole).value<QIcon>();
         const QRect iconRect(rect.left(), rect.top() + (rect.height() - iconSide) / 2, iconSide, iconSide);
         icon.paint(painter, iconRect);

@@ -9,7 +9,7 @@ namespace orrinvale {
 class ResultRowDelegate final : public QStyledItemDelegate {
     Q_OBJECT
 public:
-    static constexpr int rowHeight = 34, iconSide = 26;
+    static constexpr int rowHeight = 34, iconSide = 22;
 
     using QStyledItemDelegate::QStyledItemDelegate;
 

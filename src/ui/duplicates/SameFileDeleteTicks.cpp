@@ -8,9 +8,9 @@
 #include "ui/duplicates/SameFileDeleteViews.h"
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/controls/ElidedLabel.h"
+#include "ui/kit/controls/PictureView.h"
 #include "ui/kit/controls/TickBox.h"
 #include "ui/kit/dialogs/Dialogs.h"
-#include "ui/kit/look/picture.h"
 
 namespace orrinvale {
 namespace {
@@ -30,8 +30,7 @@ void SameFileDeleteViewController::refViewBgColor(std::int32_t row) {
     if (row < 0 || static_cast<std::size_t>(row) >= resultRows.size()) return;
     m_remberWitchSelect = row;
     m_treeData = m_results.tree(static_cast<std::size_t>(row));
-    m_views->rightImageView->setPixmap(picturePixmap(toText(resultRows.at(static_cast<std::size_t>(row)).picture),
-                                                     {20, 20}, m_views->rightImageView->devicePixelRatioF()));
+    m_views->rightImageView->setPicture(toText(resultRows.at(static_cast<std::size_t>(row)).picture));
     m_model->setTree(m_treeData);
     if (m_treeData != nullptr) {
         changeAllSelectCheckBoxState();

@@ -24,6 +24,7 @@
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/controls/Animation.h"
 #include "ui/kit/controls/ElidedLabel.h"
+#include "ui/kit/controls/PictureView.h"
 #include "ui/kit/controls/TickBox.h"
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/dialogs/LineList.h"

@@ -17,14 +17,14 @@
 #include "ui/kit/controls/Animation.h"
 #include "ui/kit/controls/DragView.h"
 #include "ui/kit/controls/ElidedLabel.h"
+#include "ui/kit/controls/PictureView.h"
 #include "ui/kit/controls/TickBox.h"
 #include "ui/kit/look/Theme.h"
-#include "ui/kit/look/picture.h"
 
 namespace orrinvale {
 namespace {
 
-constexpr int leftViewWidth = 188;
+constexpr int leftViewWidth = 204;
 constexpr int barHeight = 52;
 constexpr int imageSide = 64;
 
@@ -76,6 +76,10 @@ void SameFileDeleteViews::makeFirstView() {
         named(new AnimationHoverImageView, "animationHoverImageView", tr("Choose a folder to search"));
     animationHoverImageView->setImages(QStringLiteral("addbg"), QStringLiteral("addbg_hover"),
                                        QStringLiteral("addbg_press"));
+    // The picture is the place to drop at; around it the whole view takes folders too, and says so only then.
+    dragView->setFrameAtRest(false);
+    QObject::connect(dragView, &DragView::folderOverChanged, animationHoverImageView,
+                     &AnimationHoverImageView::setDropTarget);
     QLabel* const heading = label("heading", Theme::Text::Title);
     heading->setText(tr("Find files that you have twice"));
     QLabel* const hint = label("hint", Theme::Text::Body, QPalette::PlaceholderText);
@@ -160,10 +164,9 @@ QWidget* SameFileDeleteViews::makeLeftView(const NotificationCenter& notificatio
     column->setSpacing(0);
     for (std::size_t row = 0; row < leftCells.size(); ++row) {
         const ResultRow& shown = resultRows.at(row);
-        leftCells.at(row) = new DuplicationLeftCell(static_cast<std::int32_t>(row),
-                                                    QString::fromUtf8(shown.title.data(), qsizetype(shown.title.size())),
-                                                    QString::fromUtf8(shown.picture.data(), qsizetype(shown.picture.size())),
-                                                    notifications);
+        leftCells.at(row) = new DuplicationLeftCell(
+            static_cast<std::int32_t>(row), QString::fromUtf8(shown.title.data(), qsizetype(shown.title.size())),
+            QString::fromUtf8(shown.picture.data(), qsizetype(shown.picture.size())), notifications);
         leftCells.at(row)->setFixedHeight(DuplicationLeftCell::cellHeight);
         column->addWidget(leftCells.at(row));
     }
@@ -175,9 +178,7 @@ QWidget* SameFileDeleteViews::makeTopBar() {
     auto* const bar = new Panel(Theme::Color::Surface, Qt::BottomEdge);
     bar->setFixedHeight(barHeight);
     backButton = imageButton("backButton", QStringLiteral("arrow_left"), tr("Search another folder"));
-    rightImageView = named(new QLabel, "rightImageView");
-    rightImageView->setFixedSize(20, 20);
-    rightImageView->setScaledContents(true);
+    rightImageView = named(new PictureView(QStringLiteral("all"), {20, 20}), "rightImageView");
     titleLabel = named(new ElidedLabel(Qt::ElideMiddle), "titleLabel");
     titleLabel->setFont(Theme::shared().font(Theme::Text::BodyStrong));
     btnBgView = named(new QWidget, "btnBgView");
@@ -206,15 +207,12 @@ QWidget* SameFileDeleteViews::makeContent() {
     button = outline->headerBox();
 
     emptyView = named(new Panel(Theme::Color::Surface), "emptyView");
-    auto* const sign = new QLabel;
-    sign->setPixmap(picturePixmap(QStringLiteral("empty_done"), {}, sign->devicePixelRatioF()));
-    sign->setAlignment(Qt::AlignCenter);
     emptyLabel = label("emptyLabel", Theme::Text::Heading);
     emptyLabel->setWordWrap(true);
     otherFolderBtn = named(new TextImageButton(tr("Choose Another Folder")), "otherFolderBtn");
     auto* const empty = new QVBoxLayout(emptyView);
     empty->addStretch();
-    empty->addWidget(sign);
+    empty->addWidget(new PictureView(QStringLiteral("empty_done")), 0, Qt::AlignHCenter);
     empty->addWidget(emptyLabel);
     empty->addSpacing(Theme::gapSmall);
     empty->addWidget(otherFolderBtn, 0, Qt::AlignHCenter);
@@ -237,8 +235,7 @@ QWidget* SameFileDeleteViews::makeBottomBar() {
     failureLine = named(new HoverButton, "failureLine");
     quietLine->hide();
     failureLine->hide();
-    trashBtn = named(new QLabel, "trashBtn");
-    trashBtn->setPixmap(picturePixmap(QStringLiteral("trash"), {20, 20}, trashBtn->devicePixelRatioF()));
+    trashBtn = named(new PictureView(QStringLiteral("trash"), {20, 20}), "trashBtn");
     stopRemoveBtn = named(new TextImageButton(tr("Stop")), "stopRemoveBtn");
     stopRemoveBtn->hide();
     stopBtn = named(new TextImageButton(tr("Remove"), TextImageButton::Role::Danger), "stopBtn");

@@ -19,6 +19,7 @@ class DragView;
 class ElidedLabel;
 class HoverButton;
 class NotificationCenter;
+class PictureView;
 class ResultOutline;
 class TCImageButton;
 class TextImageButton;
@@ -61,7 +62,7 @@ public:
     QWidget* leftView = nullptr;
     std::array<DuplicationLeftCell*, 7> leftCells{};
     TCImageButton* backButton = nullptr;
-    QLabel* rightImageView = nullptr;
+    PictureView* rightImageView = nullptr;
     ElidedLabel* titleLabel = nullptr;
     QWidget* btnBgView = nullptr;
     TCImageButton* openBtn = nullptr;
@@ -77,7 +78,7 @@ public:
     QWidget* bottomBgView = nullptr;
     HoverButton* quietLine = nullptr;
     HoverButton* failureLine = nullptr;
-    QLabel* trashBtn = nullptr;
+    PictureView* trashBtn = nullptr;
     TextImageButton* stopRemoveBtn = nullptr;
     TextImageButton* stopBtn = nullptr;
 

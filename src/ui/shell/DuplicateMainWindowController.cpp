@@ -80,12 +80,13 @@ void DuplicateMainWindowController::addTabs() {
     // The three window buttons stand on the left; as much is left free on the right, so that the tab is in the middle.
     constexpr int buttonsWidth = leftMargin + 3 * WindowButton::side + 2 * Theme::gapSmall;
     auto* const row = new QHBoxLayout(&bar);
-    row->setContentsMargins(buttonsWidth, 0, Theme::gapLarge, 0);
+    row->setContentsMargins(buttonsWidth, 0, buttonsWidth, 0);
+    row->setSpacing(0);
     row->addWidget(m_titleLabel);
     row->addStretch(1);
     row->addWidget(m_duplicateButton, 0, Qt::AlignBottom);
     row->addStretch(1);
-    row->addSpacing(buttonsWidth + m_titleLabel->sizeHint().width() - 2 * Theme::gapLarge);
+    row->addSpacing(m_titleLabel->sizeHint().width());
 }
 
 void DuplicateMainWindowController::addShortcuts() {

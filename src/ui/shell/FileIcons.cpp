@@ -3,10 +3,24 @@
 
 #include <QMimeDatabase>
 
+#include "engine/duplicates/FileKind.h"
 #include "ui/kit/look/picture.h"
 
 namespace orrinvale {
 namespace {
+
+// The sign that the list of types has for such files; a plain sheet for the rest.
+QString pictureOfKind(const QString& suffix) {
+    switch (kindOfExtension(suffix.toStdString())) {
+        case FileKind::Documents: return QStringLiteral("ic_doc");
+        case FileKind::Music: return QStringLiteral("ic_music");
+        case FileKind::Videos: return QStringLiteral("ic_video");
+        case FileKind::Archives: return QStringLiteral("ic_archive");
+        case FileKind::Pictures: return QStringLiteral("ic_pic");
+        case FileKind::Others: break;
+    }
+    return QStringLiteral("file1");
+}
 
 QIcon themed(const QMimeType& type) {
     QIcon icon = QIcon::fromTheme(type.iconName());
@@ -30,12 +44,12 @@ QIcon FileIcons::iconOfName(const QString& name) {
     QIcon icon;
     if (suffix == QLatin1String("app")) {
         icon = QIcon::fromTheme(QStringLiteral("application-x-executable"));
-        if (icon.isNull()) icon = picture(QStringLiteral("ic_other"));
+        if (icon.isNull()) icon = picture(QStringLiteral("ic_app"));
     } else if (!suffix.isEmpty()) {
         static const QMimeDatabase types;
         icon = themed(types.mimeTypeForFile(QStringLiteral("x.") + suffix, QMimeDatabase::MatchExtension));
     }
-    if (icon.isNull()) icon = picture(QStringLiteral("file1"));
+    if (icon.isNull()) icon = picture(pictureOfKind(suffix));
     m_bySuffix.insert(suffix, icon);
     return icon;
 }

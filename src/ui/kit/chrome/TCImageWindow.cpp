@@ -228,6 +228,16 @@ void TCImageWindow::useSystemFrame() {
     followDesktop();
 }
 
+QRect TCImageWindow::sheetArea() const {
+    return rect().marginsRemoved(shadowMargins()).adjusted(0, m_titleBarHeight, 0, 0);
+}
+
+// The corners stay round, and the edges can be pulled while a question stands.
+void TCImageWindow::sheetRaised() {
+    for (WindowCorner* const corner : m_corners) corner->raise();
+    for (ResizeGrip* const grip : m_grips) grip->raise();
+}
+
 void TCImageWindow::layOut() {
     const QRect frame = rect().marginsRemoved(shadowMargins());
     const int barHeight = std::min(m_titleBarHeight, frame.height());

@@ -14,6 +14,7 @@
 
 #include "ui/kit/chrome/WindowDrag.h"
 #include "ui/kit/chrome/desktopFrame.h"
+#include "ui/kit/dialogs/SheetHost.h"
 
 namespace orrinvale {
 
@@ -25,7 +26,7 @@ class WindowCorner;
 /// Sizes and frames here are those that the user sees: with the title bar, without the shadow. The widget itself is larger by
 /// shadowMargins(). Where the desktop insists on its own frame (see chooseFrame) that one stands around the title bar, which
 /// then has no buttons; everything else works alike. Main thread only.
-class TCImageWindow final : public QWidget {
+class TCImageWindow final : public QWidget, public SheetHost {
     Q_OBJECT
 public:
     enum class DoubleClick { Zoom, Miniaturize, Nothing };
@@ -75,6 +76,10 @@ public:
     [[nodiscard]] FrameKind frameKind() const { return m_kind; }
     /// What the widget has around the frame, for the shadow. None while maximised.
     [[nodiscard]] QMargins shadowMargins() const;
+
+    /// Sheets come out from under the title bar.
+    [[nodiscard]] QRect sheetArea() const override;
+    void sheetRaised() override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -78,6 +78,11 @@ bool DragView::performDragOperation(const QMimeData& dragged) {
     return folder.has_value();
 }
 
+void DragView::setFrameAtRest(bool isShown) {
+    m_hasFrameAtRest = isShown;
+    update();
+}
+
 void DragView::concludeDragOperation() { setFolderOver(false); }
 
 void DragView::viewDragAction(const std::string& path) {
@@ -119,6 +124,7 @@ void DragView::dropEvent(QDropEvent* event) {
 }
 
 void DragView::paintEvent(QPaintEvent* /*event*/) {
+    if (!m_isFolderOver && !m_hasFrameAtRest) return;
     const Theme& theme = Theme::shared();
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -138,6 +144,7 @@ void DragView::setFolderOver(bool isOver) {
     if (m_isFolderOver == isOver) return;
     m_isFolderOver = isOver;
     update();
+    Q_EMIT folderOverChanged(isOver);
 }
 
 }  // namespace orrinvale

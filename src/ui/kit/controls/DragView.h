@@ -33,6 +33,9 @@ public:
     /// Not owned; outlives the view or is taken out before.
     void setDelegate(DragViewDelegate* delegate) { m_delegate = delegate; }
 
+    /// Without it the view shows its frame only while a folder hovers, for pages that draw a place to drop of their own.
+    void setFrameAtRest(bool isShown);
+
     /// True while a folder, and nothing else, hovers over the view.
     [[nodiscard]] bool isFolderOver() const { return m_isFolderOver; }
 
@@ -46,6 +49,9 @@ public:
     /// Hands the path to the delegate.
     void viewDragAction(const std::string& path);
 
+Q_SIGNALS:
+    void folderOverChanged(bool isOver);
+
 protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;
@@ -58,6 +64,7 @@ private:
 
     DragViewDelegate* m_delegate = nullptr;
     bool m_isFolderOver = false;
+    bool m_hasFrameAtRest = true;
 };
 
 }  // namespace orrinvale

@@ -68,6 +68,7 @@ void Sheet::open(QWidget* first) {
     layOut();
     show();
     raise();
+    if (auto* const host = dynamic_cast<SheetHost*>(parentWidget())) host->sheetRaised();
     takeFocus();
     slide(0.0, 1.0, nullptr);
 }
@@ -127,8 +128,8 @@ bool Sheet::isUnderOther() const {
 
 void Sheet::giveFocusBack() {
     QWidget* before = m_focusBefore.data();
-    if (before != nullptr && before->isVisible() && before->isEnabled()) before->setFocus(Qt::OtherFocusReason);
-    else if (isInside(*this, window()->focusWidget())) window()->setFocus(Qt::OtherFocusReason);
+    if (before != nullptr && before->isVisible() && before->isEnabled()) before->setFocus(Qt::PopupFocusReason);
+    else if (isInside(*this, window()->focusWidget())) window()->setFocus(Qt::PopupFocusReason);
 }
 
 bool Sheet::event(QEvent* event) {

@@ -4,7 +4,6 @@
 #include <QApplication>
 #include <QDBusConnection>
 #include <QFontDatabase>
-#include <QStyleFactory>
 #include <QToolTip>
 #include <QWidget>
 #include <array>
@@ -12,6 +11,7 @@
 #include <utility>
 
 #include "ui/kit/look/DesktopAppearance.h"
+#include "ui/kit/look/HouseStyle.h"
 
 namespace orrinvale {
 namespace {
@@ -93,7 +93,7 @@ void Theme::install(QApplication& application) {
         m_appearance = new DesktopAppearance(QDBusConnection::sessionBus(), &application);
         connect(m_appearance, &DesktopAppearance::changed, this, [this] { setScheme(desktopScheme()); });
     }
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(new HouseStyle);
     m_installed = true;
     m_scheme = desktopScheme();
     QApplication::setFont(font(Text::Body));

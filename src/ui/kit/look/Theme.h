@@ -56,7 +56,7 @@ public:
 
     [[nodiscard]] static Theme& shared();
 
-    /// Fusion, this palette and this type for the whole program, in the scheme of the desktop, which is followed from then
+    /// Fusion with the changes of HouseStyle.h, this palette and this type for the whole program, in the scheme of the desktop, which is followed from then
     /// on. Call before the first window.
     void install(QApplication& application);
 

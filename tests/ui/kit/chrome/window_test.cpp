@@ -14,6 +14,7 @@
 #include "ui/kit/chrome/ToplineView.h"
 #include "ui/kit/chrome/WindowButton.h"
 #include "ui/kit/chrome/WindowShadow.h"
+#include "ui/kit/dialogs/Sheet.h"
 #include "ui/kit/look/Theme.h"
 
 namespace orrinvale {
@@ -241,6 +242,18 @@ TEST(TCImageWindow, InTheSystemsFrameItHasNeitherButtonsNorShadowNorGrips) {
     EXPECT_TRUE(window.standardWindowButton(0)->isHidden());
     EXPECT_EQ(window.titleBarView()->contentRect(), window.titleBarView()->rect());
     EXPECT_EQ(qobject_cast<ResizeGrip*>(window.childAt(0, 0)), nullptr);
+}
+
+TEST_F(Window, SheetsComeOutFromUnderTheTitleBarAndLeaveTheCornersRound) {
+    auto* const panel = new QLabel(QStringLiteral("Sure?"));
+    auto* const sheet = new Sheet(*content, panel);  // ends with the window
+    sheet->open(nullptr);
+    const QRect below(window.titleBarView()->geometry().bottomLeft() + QPoint(0, 1), content->geometry().bottomRight());
+    EXPECT_EQ(sheet->geometry(), below);
+    EXPECT_EQ(window.childAt(window.titleBarView()->geometry().center()), window.titleBarView());
+    const auto children = window.children();
+    for (const auto* const corner : window.findChildren<WindowCorner*>())
+        EXPECT_GT(children.indexOf(corner), children.indexOf(sheet)) << "a corner is covered";
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include <QApplication>
 #include <QFontInfo>
 #include <QSignalSpy>
-#include <QStyle>
+#include <QProxyStyle>
 #include <QTest>
 #include <QWidget>
 #include <algorithm>
@@ -78,7 +78,9 @@ TEST(Theme, InstallsAndRepaintsEveryWindowWhenTheSchemeChanges) {
     qunsetenv("ORRINVALE_THEME");
     EXPECT_EQ(theme.scheme(), Scheme::Dark);
     EXPECT_EQ(Theme::desktopScheme(), Scheme::Light) << "the offscreen desktop is light, whatever we put over it";
-    EXPECT_EQ(QApplication::style()->name(), QStringLiteral("fusion"));
+    const auto* const style = qobject_cast<QProxyStyle*>(QApplication::style());
+    ASSERT_NE(style, nullptr);
+    EXPECT_EQ(style->baseStyle()->name(), QStringLiteral("fusion"));
     EXPECT_EQ(QApplication::palette().color(QPalette::Base), Theme::color(Color::Surface, Scheme::Dark));
 
     Painted widget;

@@ -1,0 +1,262 @@
+// DuplicateScenes: see DuplicateScenes.h. The order matters: the percent shown by the page only climbs while the program runs, so
+// the search is drawn first.
+#include "gallery/DuplicateScenes.h"
+
+#include <QAbstractButton>
+#include <QAbstractButton>
+#include <QApplication>
+#include <QLabel>
+#include <QTreeView>
+#include <cerrno>
+#include <cstdio>
+#include <utility>
+
+#include "engine/cleaning/QnAuthorization.h"
+#include "engine/settings/UserDefaults.h"
+#include "gallery/SampleFolder.h"
+#include "gallery/drawing.h"
+#include "ui/duplicates/DuplicateResultModel.h"
+#include "ui/duplicates/DuplicationLeftCell.h"
+#include "ui/kit/chrome/AnimationHoverImageView.h"
+#include "ui/kit/chrome/TCImageWindow.h"
+#include "ui/kit/controls/DragView.h"
+#include "ui/kit/controls/ElidedLabel.h"
+#include "ui/kit/dialogs/Sheet.h"
+#include "ui/kit/look/picture.h"
+#include "ui/shell/DuplicateMainWindowController.h"
+
+namespace orrinvale {
+namespace {
+
+// What a removal is held at, and what it can not remove.
+constexpr const char* heldCopy = "Aria (1).mp3";
+constexpr const char* lockedCopy = "holiday-photos.zip";
+
+}  // namespace
+
+DuplicateScenes::DuplicateScenes(const SampleFolder& sample, UserDefaults& defaults, const PictureFolder& pictures,
+                                 QSet<QString> wanted)
+    : m_sample(sample),
+      m_pictures(pictures),
+      m_wanted(std::move(wanted)),
+      m_controller(std::make_unique<DuplicateMainWindowController>(
+          SameFileDeleteParts{.files = &m_files,
+                              .notifications = &m_notifications,
+                              .defaults = &defaults,
+                              .dialogs = &m_dialogs,
+                              .mainQueue = &m_mainQueue,
+                              .icons = [this](const IconRequest& request) { return m_icons.icon(request); },
+                              .reveal = {},
+                              .openAddress = {}},
+          m_icons)),
+      m_window(m_controller->window()) {
+    QnAuthorization::shareQnAuthorization().setParts(
+        {.authorization = nullptr, .files = &m_files, .permissions = nullptr, .ownFiles = {}});
+    m_controller->showWindow();
+    m_files.refuse(SampleFolder::unreadableFolder, EACCES);
+    m_files.refuse(SampleFolder::unreadableFile, EACCES);
+}
+
+DuplicateScenes::~DuplicateScenes() { m_files.release(); }
+
+bool DuplicateScenes::draw() {
+    return drawFirstView() && drawSearch() && drawResult() && drawKeyboard() && drawQuestion() && drawLargeWindow() &&
+           drawPreview() && drawRemoval() && drawFailures() && drawEmptyResult();
+}
+
+bool DuplicateScenes::save(const char* scene, QWidget* shown) const {
+    const QString name = QLatin1String(scene);
+    if (!m_wanted.isEmpty() && !m_wanted.contains(name)) return true;
+    if (shown == nullptr) m_window->activateWindow();
+    QApplication::processEvents();
+    return m_pictures.save(QStringLiteral("duplicates-") + name, (shown != nullptr ? shown : m_window)->grab());
+}
+
+QTreeView* DuplicateScenes::outline() const { return m_window->findChild<QTreeView*>(QStringLiteral("outline")); }
+
+QModelIndex DuplicateScenes::groupNamed(const char* name) const {
+    const auto* const model = outline()->model();
+    const auto found = model->match(model->index(0, DuplicateResultModel::NameColumn), Qt::DisplayRole,
+                                    QLatin1String(name), 1, Qt::MatchStartsWith);
+    return found.isEmpty() ? QModelIndex() : found.first();
+}
+
+bool DuplicateScenes::click(const char* objectName) const {
+    auto* const button = m_window->findChild<QAbstractButton*>(QLatin1String(objectName));
+    if (button == nullptr || !button->isEnabled()) {
+        std::fprintf(stderr, "orrinvale-gallery: no button %s to press\n", objectName);
+        return false;
+    }
+    button->click();
+    return true;
+}
+
+void DuplicateScenes::tickGroup(const char* name) {
+    const QModelIndex group = groupNamed(name);
+    if (!group.isValid()) {
+        std::fprintf(stderr, "orrinvale-gallery: no group %s\n", name);
+        return;
+    }
+    outline()->model()->setData(group.siblingAtColumn(DuplicateResultModel::Checkbox), {},
+                                DuplicateResultModel::StateRole);
+}
+
+bool DuplicateScenes::drawFirstView() {
+    auto* const area = m_window->findChild<DragView*>();
+    if (!save("first")) return false;
+    hoverWithFolder(*area, true);
+    const auto* const target = m_window->findChild<AnimationHoverImageView*>();
+    const bool isSaved =
+        waitFor("the fading to end", [target] { return target->fadeProgress() >= 1.0; }) && save("first-drop");
+    hoverWithFolder(*area, false);
+    return isSaved;
+}
+
+bool DuplicateScenes::startSearch(const std::string& folder) {
+    m_controller->sameFileDeleteVC()->viewDragAction(folder);
+    return true;
+}
+
+bool DuplicateScenes::waitForResult() {
+    const auto* const page = m_controller->sameFileDeleteVC();
+    return waitFor("the result", [page] { return page->bSearchFinished() && page->detailView()->isVisible(); });
+}
+
+bool DuplicateScenes::drawSearch() {
+    m_files.hold(SampleFolder::largeVideo);
+    startSearch(m_sample.family());
+    if (!waitFor("the search to reach the video", [this] { return m_files.isHolding(); })) return false;
+    // Everything but the video has been compared once the counts rest.
+    const auto* const counts = m_window->findChild<QLabel*>(QStringLiteral("countsLabel"));
+    QString before;
+    int rests = 0;
+    constexpr int enough = 25;
+    const bool isAtRest = waitFor("the search to rest", [&] {
+        rests = counts->text() == before && !before.isEmpty() ? rests + 1 : 0;
+        before = counts->text();
+        return rests >= enough;
+    });
+    const bool isSaved = isAtRest && save("progress");
+    m_files.release();
+    return isSaved && waitForResult();
+}
+
+bool DuplicateScenes::drawResult() {
+    tickGroup("Tax return");
+    tickGroup("Lake at sunrise");
+    outline()->collapseAll();
+    const QModelIndex open = groupNamed("Tax return");
+    outline()->expand(open.siblingAtColumn(0));
+    outline()->setCurrentIndex(outline()->model()->index(0, DuplicateResultModel::NameColumn, open.siblingAtColumn(0)));
+    outline()->scrollToTop();
+    // The picture that flies to the bin takes a second.
+    if (!waitFor("the button that removes",
+                 [this] { return m_window->findChild<QAbstractButton*>(QStringLiteral("stopBtn"))->isEnabled(); }))
+        return false;
+    if (!save("detail")) return false;
+    m_notifications.post("refViewBgColor", UserInfo{{"rowNum", std::int32_t{5}}});
+    outline()->expandAll();
+    if (!save("pictures")) return false;
+    m_notifications.post("refViewBgColor", UserInfo{{"rowNum", std::int32_t{0}}});
+    return saveLines("unreadable", "quietLine");
+}
+
+bool DuplicateScenes::saveLines(const char* scene, const char* lineButton) {
+    if (!click(lineButton)) return false;
+    const auto find = [this] { return m_window->findChild<QWidget*>(QStringLiteral("lineList")); };
+    if (!waitFor("the list of lines", [&] { return find() != nullptr && find()->isVisible(); })) return false;
+    const bool isSaved = save(scene, find());
+    find()->close();
+    return isSaved && waitFor("the list of lines to go", [&] { return find() == nullptr; });
+}
+
+bool DuplicateScenes::waitForSheet(bool isThere) {
+    return waitFor(isThere ? "the sheet" : "the sheet to go", [this, isThere] {
+        const auto* const sheet = m_window->findChild<Sheet*>();
+        return isThere ? sheet != nullptr && sheet->content()->y() == 0 : sheet == nullptr;
+    });
+}
+
+bool DuplicateScenes::pressInSheet(const QString& text) {
+    const auto* const sheet = m_window->findChild<Sheet*>();
+    const auto buttons = sheet != nullptr ? sheet->findChildren<QAbstractButton*>() : QList<QAbstractButton*>();
+    for (QAbstractButton* const button : buttons)
+        if (button->text() == text) {
+            button->click();
+            return waitForSheet(false);
+        }
+    std::fprintf(stderr, "orrinvale-gallery: the sheet has no button %s\n", qPrintable(text));
+    return false;
+}
+
+bool DuplicateScenes::drawQuestion() {
+    return click("stopBtn") && waitForSheet(true) && save("question") && pressInSheet(QStringLiteral("Cancel"));
+}
+
+bool DuplicateScenes::drawKeyboard() {
+    m_window->activateWindow();
+    QApplication::processEvents();
+    QWidget* const before = m_window->focusWidget();
+    const QModelIndex open = groupNamed("Lake at sunrise");
+    outline()->expand(open.siblingAtColumn(0));
+    outline()->setCurrentIndex(outline()->model()->index(1, DuplicateResultModel::NameColumn, open.siblingAtColumn(0)));
+    outline()->clearFocus();  // a focus that is there already would keep its reason
+    outline()->setFocus(Qt::TabFocusReason);
+    const bool isSaved = save("keyboard");
+    if (before != nullptr) before->setFocus(Qt::PopupFocusReason);
+    return isSaved;
+}
+
+bool DuplicateScenes::drawLargeWindow() {
+    const QRect usual = m_window->frame();
+    constexpr QSize large{1200, 900};
+    m_window->setFrame({usual.topLeft(), large});
+    outline()->expandAll();
+    const bool isSaved = save("large");
+    m_window->setFrame(usual);
+    return isSaved;
+}
+
+bool DuplicateScenes::drawPreview() {
+    m_controller->quickLookWithPath(m_sample.painting());
+    auto* const preview = m_window->findChild<QWidget*>(QStringLiteral("previewPanel"));
+    const bool isShown = waitFor("the preview", [preview] {
+        for (const QLabel* const label : preview->findChildren<QLabel*>())
+            if (label->isVisible() && label->pixmap().width() > preview->width() / 2) return true;
+        return false;
+    });
+    const bool isSaved = isShown && save("preview", preview);
+    m_controller->quickLookWithPath(m_sample.painting());
+    return isSaved;
+}
+
+bool DuplicateScenes::drawRemoval() {
+    for (const char* const name : {"holiday-photos", "Aria", "Graduation", "Letter"}) tickGroup(name);
+    m_files.refuse(lockedCopy, EACCES);
+    m_files.hold(heldCopy);
+    if (!click("stopBtn") || !waitForSheet(true) || !pressInSheet(QStringLiteral("Sure"))) return false;
+    if (!waitFor("the removal to reach the song", [this] { return m_files.isHolding(); })) return false;
+    // The spinner has gone round to its third picture, with the path in hand beside it.
+    const auto* const spinner = m_window->findChild<QLabel*>(QStringLiteral("imageView"));
+    const auto* const path = m_window->findChild<ElidedLabel*>(QStringLiteral("nameTextStr"));
+    const QImage third =
+        picturePixmap(QStringLiteral("loading_3"), QSize(64, 64), spinner->devicePixelRatioF()).toImage();
+    const bool isShown = waitFor("the spinner", [&] {
+        return path->text().endsWith(QLatin1String(heldCopy)) && spinner->pixmap().toImage() == third;
+    });
+    const bool isSaved = isShown && save("removal");
+    m_files.release();
+    return isSaved;
+}
+
+bool DuplicateScenes::drawFailures() {
+    return waitForSheet(true) && save("failure") && pressInSheet(QStringLiteral("OK")) && save("after-removal") &&
+           saveLines("failures", "failureLine");
+}
+
+bool DuplicateScenes::drawEmptyResult() {
+    startSearch(m_sample.tidy());
+    return waitForResult() && save("nothing-found");
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,157 @@
+// The gallery: a window with every control in every state, or the same and the pages as pictures in a folder.
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QHBoxLayout>
+#include <QScrollArea>
+#include <QShortcut>
+#include <array>
+#include <cstdio>
+#include <optional>
+#include <string_view>
+
+#include "engine/base/NotificationCenter.h"
+#include "engine/settings/PreferenceViewController.h"
+#include "engine/settings/UserDefaults.h"
+#include "engine/text/UtilityFunction.h"
+#include "gallery/ControlSheet.h"
+#include "gallery/DuplicateScenes.h"
+#include "gallery/SampleFolder.h"
+#include "gallery/drawing.h"
+#include "platform/linux/LinuxSystem.h"
+#include "ui/kit/chrome/HoverButton.h"
+#include "ui/kit/chrome/TCImageWindow.h"
+#include "ui/kit/chrome/TitleBarView.h"
+#include "ui/kit/chrome/ToplineView.h"
+#include "ui/kit/look/Theme.h"
+
+namespace orrinvale {
+namespace {
+
+struct Order {
+    QString folder;
+    bool isDark = false;
+    bool isLarge = false;  // twice the pixels
+};
+
+void toggleScheme() {
+    Theme& theme = Theme::shared();
+    theme.setScheme(theme.scheme() == Theme::Scheme::Light ? Theme::Scheme::Dark : Theme::Scheme::Light);
+}
+
+int showGallery(NotificationCenter& notifications) {
+    TCImageWindow window;
+    window.setWindowTitle(QStringLiteral("Controls"));
+    window.setMinSize({600, 400});
+    new ToplineView(window.titleBarView());
+    auto* const scheme = new HoverButton;
+    scheme->setText(QStringLiteral("Light or Dark"));
+    auto* const bar = new QHBoxLayout(window.titleBarView());
+    bar->setContentsMargins(0, 0, Theme::gapSmall, 0);
+    bar->addStretch();
+    bar->addWidget(scheme);
+    QObject::connect(scheme, &QAbstractButton::clicked, &window, toggleScheme);
+    auto* const area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidget(new ControlSheet(notifications));
+    window.setContentView(area);
+    constexpr QSize usual{1160, 760};
+    window.setContentSize(usual);
+    window.show();
+    return QApplication::exec();
+}
+
+bool drawSheet(const PictureFolder& pictures, NotificationCenter& notifications) {
+    ControlSheet sheet(notifications);
+    sheet.show();
+    QApplication::processEvents();
+    return pictures.save(QStringLiteral("controls"), sheet.grab());
+}
+
+// The pages in full in one look; of the other looks those that tell most.
+QSet<QString> wantedScenes(const Order& order) {
+    if (!order.isDark && !order.isLarge) return {};
+    if (order.isDark && !order.isLarge)
+        return {QStringLiteral("first"), QStringLiteral("progress"), QStringLiteral("detail"),
+                QStringLiteral("question"), QStringLiteral("failure")};
+    return {QStringLiteral("first"), QStringLiteral("detail")};
+}
+
+int drawGallery(const Order& order, NotificationCenter& notifications) {
+    const PictureFolder pictures(
+        order.folder, QLatin1String(order.isDark ? "-dark" : "") + QLatin1String(order.isLarge ? "@2x" : ""));
+    if (!drawSheet(pictures, notifications)) return 1;
+    if (order.isDark && order.isLarge) return 0;
+    const SampleFolder sample;
+    if (!sample.failure().empty()) {
+        std::fprintf(stderr, "orrinvale-gallery: %s\n", sample.failure().c_str());
+        return 1;
+    }
+    UserDefaults defaults(sample.settings());
+    UserDefaults::setStandardUserDefaults(&defaults);
+    PreferenceViewController::initialize();
+    const bool isDrawn = DuplicateScenes(sample, defaults, pictures, wantedScenes(order)).draw();
+    UserDefaults::setStandardUserDefaults(nullptr);
+    return isDrawn ? 0 : 1;
+}
+
+std::string_view valueAfter(int argc, char** argv, std::string_view option) {
+    for (int i = 1; i + 1 < argc; ++i)
+        if (argv[i] == option) return argv[i + 1];
+    return {};
+}
+
+// Before Qt starts, which reads these once: the same letters, dates and pixels on every machine.
+void fixSurroundings(int argc, char** argv) {
+    const std::array<std::pair<const char*, const char*>, 6> fixed{{{"QT_QPA_PLATFORM", "offscreen"},
+                                                                    {"QT_FONT_DPI", "96"},
+                                                                    {"LC_ALL", "en_GB.UTF-8"},
+                                                                    {"TZ", "UTC"},
+                                                                    {"ORRINVALE_SYSTEM_FRAME", "0"},
+                                                                    {"ORRINVALE_STALLS", "0"}}};
+    for (const auto& [name, value] : fixed) qputenv(name, value);
+    qputenv("QT_SCALE_FACTOR", valueAfter(argc, argv, "--scale") == "2" ? "2" : "1");
+    qputenv("ORRINVALE_THEME", valueAfter(argc, argv, "--scheme") == "dark" ? "dark" : "light");
+}
+
+// None for what nobody can draw; standard error says why.
+std::optional<Order> readOrder(const QCoreApplication& application) {
+    QCommandLineParser parser;
+    const QCommandLineOption draw(QStringLiteral("draw"), QStringLiteral("Write pictures into FOLDER."),
+                                  QStringLiteral("FOLDER"));
+    const QCommandLineOption scheme(QStringLiteral("scheme"), QStringLiteral("light or dark."),
+                                    QStringLiteral("SCHEME"), QStringLiteral("light"));
+    const QCommandLineOption scale(QStringLiteral("scale"), QStringLiteral("1 or 2."), QStringLiteral("SCALE"),
+                                   QStringLiteral("1"));
+    parser.addOptions({draw, scheme, scale});
+    parser.addHelpOption();
+    parser.process(application);
+    const QStringList schemes{QStringLiteral("light"), QStringLiteral("dark")};
+    const QStringList scales{QStringLiteral("1"), QStringLiteral("2")};
+    if (!parser.positionalArguments().isEmpty() || !schemes.contains(parser.value(scheme)) ||
+        !scales.contains(parser.value(scale))) {
+        std::fputs("orrinvale-gallery: see --help\n", stderr);
+        return std::nullopt;
+    }
+    return Order{parser.value(draw), parser.value(scheme) == schemes.last(), parser.value(scale) == scales.last()};
+}
+
+int run(int argc, char** argv) {
+    if (!valueAfter(argc, argv, "--draw").empty()) fixSurroundings(argc, argv);
+    const QApplication application(argc, argv);
+    const auto order = readOrder(application);
+    if (!order) return 2;
+    Theme::shared().setScheme(Theme::desktopScheme());
+    Theme::shared().install(*qApp);
+    NotificationCenter notifications;
+    UtilityFunction::getMyFunction().setNotificationCenter(&notifications);
+    return order->folder.isEmpty() ? showGallery(notifications) : drawGallery(*order, notifications);
+}
+
+}  // namespace
+}  // namespace orrinvale
+
+int main(int argc, char** argv) {
+    static const orrinvale::LinuxSystem system;
+    orrinvale::UtilityFunction::getMyFunction().setSystem(&system);
+    return orrinvale::run(argc, argv);
+}
