@@ -6,8 +6,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <iterator>
-#include <map>
 #include <set>
 
 #include "cli/DuplicatesTest.h"
@@ -55,32 +53,6 @@ TEST(DuplicatesJson, WholeDocument) {
         {"skipped", Json::array()},
         {"stopped", false}};
     EXPECT_EQ(document.dump(1), expected.dump(1));
-}
-
-TEST(DuplicatesJson, TheExtensionGivesTheType) {
-    const struct {
-        const char* ending;
-        const char* extension;
-        const char* type;
-    } cases[] = {
-        {".TXT", "TXT", "documents"}, {".mp3", "mp3", "music"},      {".ogg", "ogg", "videos"},
-        {".Zip", "Zip", "archives"},  {".jpeg", "jpeg", "pictures"}, {".tar.gz", "gz", "others"},
-        {"", "", "others"},           {".", "", "others"},           {".mp3~", "mp3~", "others"},
-    };
-    TestTree tree;
-    std::map<std::string, std::pair<std::string, std::string>> expected;
-    for (unsigned i = 0; i < std::size(cases); ++i) {
-        for (const char* copy : {"a", "b"})
-            ASSERT_TRUE(tree.write(copy + std::to_string(i) + cases[i].ending, someBytes(100, i)));
-        expected[std::to_string(i) + cases[i].ending] = {cases[i].extension, cases[i].type};
-    }
-    const Json document = search({tree.path()});
-    ASSERT_EQ(document["groups"].size(), std::size(cases));
-    for (const Json& group : document["groups"]) {
-        const auto& [extension, type] = expected[group["name"].get<std::string>().substr(1)];
-        EXPECT_EQ(group["extension"], extension) << group;
-        EXPECT_EQ(group["type"], type) << group;
-    }
 }
 
 TEST(DuplicatesJson, NamesOfOneFileFreeNothing) {
