@@ -104,6 +104,5 @@ void StagedFiles::readSizes(int folder, std::span<CatalogEntry> entries) const {
 SysResult<Descriptor> StagedFiles::holdEntry(int parent, const char* name) const {
     return m_files.holdEntry(parent, name);
 }
-SysResult<std::string> StagedFiles::pathOf(int descriptor) const { return m_files.pathOf(descriptor); }
 
 }  // namespace orrinvale

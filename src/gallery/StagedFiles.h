@@ -53,7 +53,6 @@ public:
     void useOwnDescriptors() const override;
     void readSizes(int folder, std::span<CatalogEntry> entries) const override;
     SysResult<Descriptor> holdEntry(int parent, const char* name) const override;
-    SysResult<std::string> pathOf(int descriptor) const override;
 
 private:
     /// Waits where the name is held; the errno for it, 0 for none.
