@@ -160,10 +160,9 @@ QWidget* SameFileDeleteViews::makeLeftView(const NotificationCenter& notificatio
     column->setSpacing(0);
     for (std::size_t row = 0; row < leftCells.size(); ++row) {
         const ResultRow& shown = resultRows.at(row);
-        leftCells.at(row) = new DuplicationLeftCell(static_cast<std::int32_t>(row),
-                                                    QString::fromUtf8(shown.title.data(), qsizetype(shown.title.size())),
-                                                    QString::fromUtf8(shown.picture.data(), qsizetype(shown.picture.size())),
-                                                    notifications);
+        leftCells.at(row) = new DuplicationLeftCell(
+            static_cast<std::int32_t>(row), QString::fromUtf8(shown.title.data(), qsizetype(shown.title.size())),
+            QString::fromUtf8(shown.picture.data(), qsizetype(shown.picture.size())), notifications);
         leftCells.at(row)->setFixedHeight(DuplicationLeftCell::cellHeight);
         column->addWidget(leftCells.at(row));
     }
@@ -212,6 +211,7 @@ QWidget* SameFileDeleteViews::makeContent() {
     emptyLabel = label("emptyLabel", Theme::Text::Heading);
     emptyLabel->setWordWrap(true);
     otherFolderBtn = named(new TextImageButton(tr("Choose Another Folder")), "otherFolderBtn");
+    emptyView->setFocusProxy(otherFolderBtn);
     auto* const empty = new QVBoxLayout(emptyView);
     empty->addStretch();
     empty->addWidget(sign);
