@@ -132,20 +132,21 @@ void SameFileDeleteViewController::showHeaderBox(const HeaderBox& box) {
 void SameFileDeleteViewController::changeAllSelectCheckBoxState() {
     if (m_treeData == nullptr) return;
     const HeaderBox box = DuplicateSelection::headerBox(*m_treeData);
-    if (!box.isOn) m_isTickedByHeader = false;
+    if (!box.isOn) m_tickedByHeader.reset(static_cast<std::size_t>(m_remberWitchSelect));
     showHeaderBox(box);
     showSelectCountWithFileCount(box.leaves, rowLabel());
 }
 
 void SameFileDeleteViewController::setAllSelectOrNoSelect() {
+    const auto view = static_cast<std::size_t>(m_remberWitchSelect);
     // The box shows "some" both for what it has ticked itself, which the next click clears, and for ticks made by hand.
-    const bool on = m_views->button->state() != TickState::Nothing && !m_isTickedByHeader;
+    const bool on = m_views->button->state() != TickState::Nothing && !m_tickedByHeader[view];
     if (m_treeData == nullptr || m_treeData->numberOfChildren() == 0 || !m_bSearchFinished) {
         showHeaderBox({});
         return;
     }
     m_selection.setAll(*m_treeData, on);
-    m_isTickedByHeader = on;
+    m_tickedByHeader.set(view, on);
     m_views->button->setState(on ? TickState::Some : TickState::Nothing);
     setRemoveButtonState();
     setSelectCount();
@@ -154,7 +155,7 @@ void SameFileDeleteViewController::setAllSelectOrNoSelect() {
 
 void SameFileDeleteViewController::updateCheckBox() {
     if (m_treeData != nullptr) m_selection.clearTree(*m_treeData);
-    m_isTickedByHeader = false;
+    m_tickedByHeader.reset(static_cast<std::size_t>(m_remberWitchSelect));
     showHeaderBox({});
     m_model->refresh();
 }

@@ -163,7 +163,7 @@ void SameFileDeleteViewController::searchBtnClicked() {
     views.animation->show();
     views.stopBtn->setEnabled(false);
     views.animation->startUpdatePrograss();
-    m_isTickedByHeader = false;
+    m_tickedByHeader.reset();
     showHeaderBox({});
     resetOulineView();
     m_selection.allSelectNumArr().clear();

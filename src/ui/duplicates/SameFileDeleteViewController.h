@@ -8,6 +8,7 @@
 #include <QPersistentModelIndex>
 #include <QPointer>
 #include <QTimer>
+#include <bitset>
 #include <functional>
 #include <memory>
 #include <string>
@@ -168,7 +169,7 @@ private:
     PathAnimation m_flight;
     QPersistentModelIndex m_checkBoxItem;  // the row whose box was clicked last
     int m_lastColumn = -1;
-    bool m_isTickedByHeader = false;  // the header box was switched on, and nothing has cleared the view since
+    std::bitset<7> m_tickedByHeader;  // by view: its header box was switched on, and nothing has cleared the view since
     bool m_sortDescending = false;
     bool m_bSearchFinished = true;
     bool m_isStopScan = false;
