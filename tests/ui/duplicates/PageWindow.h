@@ -53,6 +53,7 @@ public:
     template <class Control = QWidget> Control& control(const char* name) {
         for (QWidget* const in :
              {page().detailView(), page().progressageView(), page().view(), static_cast<QWidget*>(window->window())}) {
+            if (in->objectName() == QLatin1String(name)) return static_cast<Control&>(*in);
             if (auto* const found = in->findChild<Control*>(QLatin1String(name))) return *found;
         }
         std::abort();

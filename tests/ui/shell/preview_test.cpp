@@ -26,7 +26,7 @@ TEST(Preview, ReadsWhatIsSafeAndLittleOfIt) {
     ASSERT_TRUE(tree.write("long.txt", std::string(mostTextBytes + 1, 'a')) &&
                 tree.write("exact.txt", std::string(mostTextBytes, 'a')) && tree.write("text", "two\nlines") &&
                 tree.write("bytes", std::string("a\0b", 3)) && tree.write("latin", "\xff\xfe\xfd\xfc") &&
-                tree.write("broken.png", "\x89PNG\r\n\x1a\n...") && tree.write("empty", "") &&
+                tree.write("broken.png", std::string("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16)) && tree.write("empty", "") &&
                 tree.sparse("huge.png", mostPictureBytes * 4) && tree.write("folder/one", "1") &&
                 tree.write("folder/two", "2") && tree.fifo("pipe.txt") && tree.socket("socket") &&
                 tree.symlink("wide.png", "link.png") && tree.symlink("/dev/zero", "zero.txt"));
