@@ -21,7 +21,7 @@ QString shortDate(const std::optional<Date>& date) {
     if (!date) return {};
     constexpr std::int64_t perMillisecond = 1'000'000;
     const QDateTime moment = QDateTime::fromMSecsSinceEpoch(date->nanoseconds / perMillisecond);
-    return QLocale::system().toString(moment, QLocale::ShortFormat);
+    return QLocale().toString(moment, QLocale::ShortFormat);
 }
 
 }  // namespace
