@@ -58,7 +58,7 @@ TEST(Program, StartsSearchesAFolderAndEndsWithItsWindow) {
     };
     QString id;
     ASSERT_TRUE(PageWindow::waitFor([&] { return !(id = find()).isEmpty(); })) << program.readAll().toStdString();
-    // More than a dozen colours: not a blank window. The search of the folder has to be over by then.
+    // More than a dozen colours: not a blank window.
     const QString picture = QString::fromStdString(tree.at("window.png"));
     QImage image;
     ASSERT_TRUE(PageWindow::waitFor([&] {
@@ -75,7 +75,9 @@ TEST(Program, StartsSearchesAFolderAndEndsWithItsWindow) {
                                             QStringLiteral("key"), QStringLiteral("ctrl+w")});
     EXPECT_TRUE(program.waitForFinished(10'000));
     EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
-    EXPECT_EQ(program.exitCode(), 0) << program.readAll().toStdString();
+    const std::string said = program.readAll().toStdString();
+    EXPECT_EQ(program.exitCode(), 0) << said;
+    EXPECT_NE(said.find("search Path:" + tree.at("f") + ' '), std::string::npos) << said;
 }
 
 }  // namespace
