@@ -1,4 +1,5 @@
 // The window program: the system gate first, then the run that only touches memory, then the window.
+#include <QTimer>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -17,6 +18,7 @@
 #include "platform/linux/LinuxSystem.h"
 #include "services/foundation/QtMainQueue.h"
 #include "services/settings/SettingsKeeper.h"
+#include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/dialogs/WindowDialogs.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/shell/DuplicateMainWindowController.h"
@@ -37,6 +39,22 @@ bool hasDisplay() {
     return false;
 }
 
+// There is no way yet to bring a closed window back, so the program ends with it: once nothing runs any more.
+class ProgramEnd final : public QObject, public DuplicateMainWindowControllerDelegate {
+public:
+    explicit ProgramEnd(const DuplicateMainWindowController& window) {
+        m_timer.setInterval(100);
+        connect(&m_timer, &QTimer::timeout, this, [this, &window] {
+            if (window.window()->isVisible()) m_timer.stop();
+            else if (window.sameFileDeleteVC()->bSearchFinished()) QCoreApplication::quit();
+        });
+    }
+    void closeMainWindow() override { m_timer.start(); }
+
+private:
+    QTimer m_timer;
+};
+
 int runWindow(int argc, char** argv) {
     // A line for each file of a search would fill the desktop's journal; what is removed is always logged.
     Log::setEngineEnabled(qEnvironmentVariableIntValue("ORRINVALE_LOG") == 1);
@@ -47,11 +65,12 @@ int runWindow(int argc, char** argv) {
     Theme::shared().install(application);
     const StallCounter stalls(qEnvironmentVariableIntValue("ORRINVALE_STALLS") == 1);
 
-    const LinuxFileSystem files;
-    const LinuxPermissions permissions;
-    LinuxAuthorization authorization;
-    NotificationCenter notifications;
-    QtMainQueue mainQueue;
+    // Never freed: a search or a removal that was told to stop may still be at its last file when the window is gone.
+    static const auto& files = *new LinuxFileSystem;
+    static const auto& permissions = *new LinuxPermissions;
+    static auto& notifications = *new NotificationCenter;
+    static auto& mainQueue = *new QtMainQueue;
+    static auto& authorization = *new LinuxAuthorization;
     UtilityFunction::getMyFunction().setNotificationCenter(&notifications);
     QnAuthorization& right = QnAuthorization::shareQnAuthorization();
     right.setParts({.authorization = &authorization, .files = &files, .permissions = &permissions, .ownFiles = programFiles()});
@@ -76,10 +95,15 @@ int runWindow(int argc, char** argv) {
                                           .reveal = revealInFileManager,
                                           .openAddress = openWebPage},
                                          icons);
+    ProgramEnd end(window);
+    window.setDelegate(&end);
     window.showWindow();
-    // A folder on the command line is searched as if it had been dropped.
-    if (argc > 1) window.sameFileDeleteVC()->viewDragAction(argv[1]);
-    return QApplication::exec();
+    // A folder on the command line is searched as if it had been dropped: by its full path, since what is relative is never removed.
+    if (argc > 1)
+        if (const auto folder = files.resolved(argv[1])) window.sameFileDeleteVC()->viewDragAction(*folder);
+    const int status = QApplication::exec();
+    right.freeAuthorization();
+    return status;
 }
 
 }  // namespace

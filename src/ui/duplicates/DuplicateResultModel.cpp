@@ -151,7 +151,7 @@ bool DuplicateResultModel::setData(const QModelIndex& index, const QVariant& /*v
     const TreeNode::Pointer clicked = node(index);
     if (!clicked || !m_boxClicked) return false;
     // What the state becomes is not the box's to say: the last clear copy of a group asks first.
-    m_boxClicked(clicked);
+    m_boxClicked(clicked, index);
     return true;
 }
 

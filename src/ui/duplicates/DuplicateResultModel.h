@@ -23,7 +23,7 @@ public:
     };
 
     using IconSource = std::function<QIcon(const IconRequest&)>;
-    using BoxClicked = std::function<void(const TreeNode::Pointer&)>;
+    using BoxClicked = std::function<void(const TreeNode::Pointer&, const QModelIndex&)>;
 
     /// `icons` gives the picture of a row, `boxClicked` decides what a click on a box comes to.
     DuplicateResultModel(IconSource icons, BoxClicked boxClicked, QObject* parent = nullptr);

@@ -14,6 +14,7 @@
 #include "ui/duplicates/ResultOutline.h"
 #include "ui/duplicates/SameFileDeleteViewController.h"
 #include "ui/duplicates/SameFileDeleteViews.h"
+#include "ui/duplicates/showDisappearingEffect.h"
 #include "ui/kit/chrome/AnimationHoverImageView.h"
 #include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/chrome/TCImageButton.h"
@@ -67,13 +68,14 @@ void SameFileDeleteViewController::removeBtnClicked() {
     question.severity = Alert::Severity::Warning;
     question.isDestructive = true;
     // What was ticked when the person confirms is what goes.
-    m_parts.dialogs->alert(m_mainWindow, question, [self = QPointer(this)](int button) {
-        if (self != nullptr) self->alertEnded_aContext(button == 0 ? 1 : 0);
+    // Not what a later search may have put in its place.
+    m_parts.dialogs->alert(m_mainWindow, question, [self = QPointer(this), asked = m_duplicateOpt](int button) {
+        if (self != nullptr && self->m_duplicateOpt == asked) self->alertEnded_aContext(button == 0 ? 1 : 0);
     });
 }
 
 void SameFileDeleteViewController::alertEnded_aContext(int code) {
-    if (code != 1 || !m_bSearchFinished) return;
+    if (code != 1 || !m_bSearchFinished || m_selection.allSelectNumArr().empty()) return;
     m_removal = std::make_shared<RemovalRun>(RemovalPlan(m_selection.allSelectNumArr().entries()));
     m_bSearchFinished = false;
     m_views->stopBtn->setEnabled(false);
@@ -81,12 +83,14 @@ void SameFileDeleteViewController::alertEnded_aContext(int code) {
 }
 
 void SameFileDeleteViewController::doRemoveDuplicateAction() {
-    for (QWidget* const control : {static_cast<QWidget*>(m_views->searchBtn), static_cast<QWidget*>(m_views->openBtn),
-                                   static_cast<QWidget*>(m_views->RevealFinder),
-                                   static_cast<QWidget*>(m_views->lockButton)})
+    for (QWidget* const control :
+         {static_cast<QWidget*>(m_views->searchBtn), static_cast<QWidget*>(m_views->openBtn),
+          static_cast<QWidget*>(m_views->RevealFinder), static_cast<QWidget*>(m_views->lockButton)})
         control->setEnabled(false);
     delDuplicateItems();
     m_views->stopBtn->setEnabled(false);
+    const QWidget& basket = *m_views->trashBtn;
+    showDisappearingEffect(*m_views->detailView, basket.mapTo(m_views->detailView, basket.rect().center()));
 }
 
 void SameFileDeleteViewController::delDuplicateItems() {
@@ -110,16 +114,16 @@ void SameFileDeleteViewController::delDuplicateItems() {
             if (self != nullptr) self->refreshOutlineView();
         });
     };
-    m_twRemoveDupFiles = ThreadWorker::workOn(
-        {m_removal, "<SameFileDeleteViewController>"},
-        {"deleteDupFiles:worker:",
-         ThreadWorker::CancellableTask([run = m_removal, files = m_parts.files, report](const std::any& /*nothing*/,
-                                                                                       ThreadWorker& /*worker*/) {
-             deleteDupFiles(*run, *files, report);
-         })},
-        {}, [self = QPointer(this)](const std::any& /*nothing*/) {
-            if (self != nullptr) self->deleteFinished();
-        });
+    m_twRemoveDupFiles =
+        ThreadWorker::workOn({m_removal, "<SameFileDeleteViewController>"},
+                             {"deleteDupFiles:worker:",
+                              ThreadWorker::CancellableTask([run = m_removal, files = m_parts.files, report](
+                                                                const std::any& /*nothing*/, ThreadWorker& /*worker*/) {
+                                  deleteDupFiles(*run, *files, report);
+                              })},
+                             {}, [self = QPointer(this)](const std::any& /*nothing*/) {
+                                 if (self != nullptr) self->deleteFinished();
+                             });
     if (m_twRemoveDupFiles == nullptr) deleteFinished();
 }
 
@@ -130,8 +134,9 @@ void SameFileDeleteViewController::deleteUpView() {
                                                 m_views->imageView->devicePixelRatioF()));
     constexpr std::int32_t pictures = 12;
     m_progressNum = m_progressNum % pictures + 1;
-    m_views->countsLabel->setText(tr("%1 of %2").arg(QLocale().toString(qulonglong(m_removal->done.load())),
-                                                     QLocale().toString(qulonglong(m_removal->plan.size()))));
+    m_views->countsLabel->setText(tr("%1 of %2")
+                                      .arg(QLocale().toString(qulonglong(m_removal->done.load())),
+                                           QLocale().toString(qulonglong(m_removal->plan.size()))));
 }
 
 void SameFileDeleteViewController::refreshOutlineView() {
@@ -153,8 +158,7 @@ void SameFileDeleteViewController::deleteFinished() {
     views.searchBtn->setEnabled(true);
     views.searchBtn->setIcon(picture(QStringLiteral("scan_b_normal")));
     TickedLeaves& selected = m_selection.allSelectNumArr();
-    if (m_isClickStopRemove)
-        selected.clear();
+    if (m_isClickStopRemove) selected.clear();
     else
         for (const auto& leaf : m_removal->delNodesArr) selected.remove(leaf.get());
 
@@ -166,8 +170,8 @@ void SameFileDeleteViewController::deleteFinished() {
     m_isClickStopRemove = false;
     m_bSearchFinished = true;
 
-    for (QWidget* const hidden : {views.loadPathView, static_cast<QWidget*>(views.animation),
-                                  static_cast<QWidget*>(views.stopRemoveBtn)})
+    for (QWidget* const hidden :
+         {views.loadPathView, static_cast<QWidget*>(views.animation), static_cast<QWidget*>(views.stopRemoveBtn)})
         hidden->hide();
     for (QWidget* const shown : {static_cast<QWidget*>(views.titleLabel), static_cast<QWidget*>(views.openBtn),
                                  static_cast<QWidget*>(views.RevealFinder), static_cast<QWidget*>(views.pathChoseBtn)})
@@ -177,11 +181,16 @@ void SameFileDeleteViewController::deleteFinished() {
           static_cast<QWidget*>(views.openBtn), static_cast<QWidget*>(views.RevealFinder),
           static_cast<QWidget*>(views.lockButton), static_cast<QWidget*>(views.backButton)})
         enabled->setEnabled(true);
+    views.nameTextStr->setText(QStringLiteral(" "));
+    views.imageView->clear();
+    views.countsLabel->clear();
     const std::size_t failed = m_removal->failures.size();
     views.failureLine->setText(failed == 1 ? tr("1 could not be removed")
                                            : tr("%1 could not be removed").arg(QLocale().toString(qulonglong(failed))));
     showFitting();
     setSelectCount();
+    // The buttons that may have had it are gone or disabled.
+    if (views.detailView->isVisible()) views.content->currentWidget()->setFocus();
 }
 
 void SameFileDeleteViewController::alertCanNotRemoveSome() {
@@ -212,7 +221,7 @@ void SameFileDeleteViewController::showFailures() {
 }
 
 void SameFileDeleteViewController::stopRemoveBtnClicked() {
-    if (!m_removal) return;
+    if (!m_removal || m_bSearchFinished) return;
     m_removal->stop = true;
     m_isClickStopRemove = true;
     m_views->stopRemoveBtn->setEnabled(false);

@@ -1,6 +1,6 @@
 // SameFileDeleteViewController: the boxes, the views by type, and the titles. DuplicateSelection holds the rules.
-#include <QLocale>
 #include <QLabel>
+#include <QLocale>
 
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/duplicates/ResultOutline.h"
@@ -21,9 +21,11 @@ QString toText(std::string_view text) { return QString::fromUtf8(text.data(), st
 
 QString SameFileDeleteViewController::rowLabel() const {
     if (m_remberWitchSelect != 0) return toText(resultRows.at(static_cast<std::size_t>(m_remberWitchSelect)).title);
-    const std::size_t cut = m_searchPath.find_last_of('/');
-    const std::string last = cut == std::string::npos ? m_searchPath : m_searchPath.substr(cut + 1);
-    return QString::fromStdString(last.empty() ? m_searchPath : last);
+    const std::size_t end = m_searchPath.find_last_not_of('/');
+    if (end == std::string::npos) return QString::fromStdString(m_searchPath);  // the root
+    const std::size_t cut = m_searchPath.find_last_of('/', end);
+    const std::size_t from = cut == std::string::npos ? 0 : cut + 1;
+    return QString::fromStdString(m_searchPath.substr(from, end + 1 - from));
 }
 
 void SameFileDeleteViewController::refViewBgColor(std::int32_t row) {
@@ -31,7 +33,8 @@ void SameFileDeleteViewController::refViewBgColor(std::int32_t row) {
     m_remberWitchSelect = row;
     m_treeData = m_results.tree(static_cast<std::size_t>(row));
     m_views->rightImageView->setPicture(toText(resultRows.at(static_cast<std::size_t>(row)).picture));
-    m_model->setTree(m_treeData);
+    // While a removal changes the trees nothing looks at them; at its end the list gets the view that was chosen last.
+    if (m_twRemoveDupFiles == nullptr) m_model->setTree(m_treeData);
     if (m_treeData != nullptr) {
         changeAllSelectCheckBoxState();
         if (m_model->rowCount() > 0) m_views->outline->expand(m_model->index(0, 0));
@@ -52,14 +55,15 @@ void SameFileDeleteViewController::setSelectCount() {
     // What stands before the first comma is the count of the view; a folder with a comma in its name loses its tail here.
     const QString first = m_views->titleLabel->text().section(QLatin1Char(','), 0, 0);
     const std::size_t selected = m_selection.allSelectNumArr().size();
-    const QString second = QStringLiteral("selected %1 %2 in All")
-                               .arg(QString::number(selected),
-                                    selected != 0 ? QStringLiteral("files") : QStringLiteral("file"));
+    const QString second =
+        QStringLiteral("selected %1 %2 in All")
+            .arg(QString::number(selected), selected != 0 ? QStringLiteral("files") : QStringLiteral("file"));
     m_views->titleLabel->setText(QStringLiteral("%1, %2.").arg(first, second));
 }
 
-void SameFileDeleteViewController::boxClicked(const TreeNode::Pointer& node) {
+void SameFileDeleteViewController::boxClicked(const TreeNode::Pointer& node, const QModelIndex& index) {
     if (!m_bSearchFinished) return;
+    m_checkBoxItem = index;
     if (simpleData(*node)->isGroup()) {
         m_selection.clickGroup(*node);
         setSelectCount();
@@ -100,8 +104,7 @@ void SameFileDeleteViewController::alertEnded_context(int code, const TreeNode::
 }
 
 void SameFileDeleteViewController::fly(const TreeNode::Pointer& leaf) {
-    const QModelIndex current = m_views->outline->currentIndex();
-    QRect start = current.isValid() ? m_views->outline->visualRect(current) : QRect();
+    QRect start = m_checkBoxItem.isValid() ? m_views->outline->visualRect(m_checkBoxItem) : QRect();
     if (start.isEmpty()) start = QRect(m_views->outline->viewport()->rect().center(), QSize(1, 1));
     const QPoint offset = m_views->outline->viewport()->mapTo(m_views->detailView, QPoint(0, 0));
     constexpr int side = 30;
@@ -120,7 +123,7 @@ void SameFileDeleteViewController::setRemoveButtonState() {
 }
 
 void SameFileDeleteViewController::showHeaderBox(const HeaderBox& box) {
-    m_views->button->setState(!box.isOn                         ? TickState::Nothing
+    m_views->button->setState(!box.isOn                     ? TickState::Nothing
                               : box.picture == "option_yes" ? TickState::All
                                                             : TickState::Some);
 }
@@ -128,17 +131,21 @@ void SameFileDeleteViewController::showHeaderBox(const HeaderBox& box) {
 void SameFileDeleteViewController::changeAllSelectCheckBoxState() {
     if (m_treeData == nullptr) return;
     const HeaderBox box = DuplicateSelection::headerBox(*m_treeData);
+    if (!box.isOn) m_tickedByHeader.reset(static_cast<std::size_t>(m_remberWitchSelect));
     showHeaderBox(box);
     showSelectCountWithFileCount(box.leaves, rowLabel());
 }
 
 void SameFileDeleteViewController::setAllSelectOrNoSelect() {
-    const bool on = m_views->button->state() != TickState::Nothing;
+    const auto view = static_cast<std::size_t>(m_remberWitchSelect);
+    // The box shows "some" both for what it has ticked itself, which the next click clears, and for ticks made by hand.
+    const bool on = m_views->button->state() != TickState::Nothing && !m_tickedByHeader[view];
     if (m_treeData == nullptr || m_treeData->numberOfChildren() == 0 || !m_bSearchFinished) {
         showHeaderBox({});
         return;
     }
     m_selection.setAll(*m_treeData, on);
+    m_tickedByHeader.set(view, on);
     m_views->button->setState(on ? TickState::Some : TickState::Nothing);
     setRemoveButtonState();
     setSelectCount();
@@ -147,6 +154,7 @@ void SameFileDeleteViewController::setAllSelectOrNoSelect() {
 
 void SameFileDeleteViewController::updateCheckBox() {
     if (m_treeData != nullptr) m_selection.clearTree(*m_treeData);
+    m_tickedByHeader.reset(static_cast<std::size_t>(m_remberWitchSelect));
     showHeaderBox({});
     m_model->refresh();
 }

@@ -44,8 +44,8 @@ SameFileDeleteViewController::SameFileDeleteViewController(SameFileDeleteParts p
     : QObject(parent),
       m_parts(std::move(parts)),
       m_views(std::make_unique<SameFileDeleteViews>(*m_parts.notifications)),
-      m_model(std::make_unique<DuplicateResultModel>(m_parts.icons,
-                                                     [this](const TreeNode::Pointer& node) { boxClicked(node); })),
+      m_model(std::make_unique<DuplicateResultModel>(
+          m_parts.icons, [this](const TreeNode::Pointer& node, const QModelIndex& index) { boxClicked(node, index); })),
       m_flight(*m_views->detailView) {
     m_views->outline->setModel(m_model.get());
     m_views->dragView->setDelegate(this);
@@ -54,13 +54,12 @@ SameFileDeleteViewController::SameFileDeleteViewController(SameFileDeleteParts p
     m_views->titleLabel->setText(bytesToText(m_searchPath));
     showPercent(0);
     connectControls();
-    m_observations.push_back(
-        m_parts.notifications->addObserver("refViewBgColor", [this](const Notification& notice) {
-            const auto* const info = std::any_cast<UserInfo>(&notice.object);
-            if (info == nullptr) return;
-            const auto row = info->find("rowNum");
-            if (row != info->end()) refViewBgColor(std::any_cast<std::int32_t>(row->second));
-        }));
+    m_observations.push_back(m_parts.notifications->addObserver("refViewBgColor", [this](const Notification& notice) {
+        const auto* const info = std::any_cast<UserInfo>(&notice.object);
+        if (info == nullptr) return;
+        const auto row = info->find("rowNum");
+        if (row != info->end()) refViewBgColor(std::any_cast<std::int32_t>(row->second));
+    }));
     m_observations.push_back(m_parts.notifications->addObserver(
         "changeLockState", [this](const Notification& /*notice*/) { changeLockState(); }));
     changeLockState();
@@ -70,6 +69,7 @@ SameFileDeleteViewController::~SameFileDeleteViewController() {
     if (m_duplicateOpt) m_duplicateOpt->stopSearch();
     if (m_removal) m_removal->stop = true;
     m_model->setTree(nullptr);
+    if (m_views->fristView != nullptr) m_views->dragView->setDelegate(nullptr);
 }
 
 QWidget* SameFileDeleteViewController::view() const { return m_views->fristView; }
@@ -138,10 +138,12 @@ void SameFileDeleteViewController::updatePathString(const std::string& path) {
 
 void SameFileDeleteViewController::forwardViewForAnimation() {
     if (m_delegate != nullptr) m_delegate->changeToProgressView();
+    m_views->stopScanBtn->setFocus();  // the button that had it is on a view that is gone
 }
 
 void SameFileDeleteViewController::backViewForAnimation() {
     if (m_delegate != nullptr) m_delegate->backButtonAction();
+    m_views->pathChoseBtn->setFocus();
 }
 
 void SameFileDeleteViewController::searchBtnClicked() {
@@ -162,6 +164,7 @@ void SameFileDeleteViewController::searchBtnClicked() {
     views.animation->show();
     views.stopBtn->setEnabled(false);
     views.animation->startUpdatePrograss();
+    m_tickedByHeader.reset();
     showHeaderBox({});
     resetOulineView();
     m_selection.allSelectNumArr().clear();
@@ -240,9 +243,8 @@ void SameFileDeleteViewController::constructSubtrees() {
 void SameFileDeleteViewController::delayBtnChangeStateTime() {
     SameFileDeleteViews& views = *m_views;
     m_bSearchFinished = true;
-    for (QWidget* const hidden :
-         {views.loadPathView, static_cast<QWidget*>(views.animation), static_cast<QWidget*>(views.searchBtn),
-          static_cast<QWidget*>(views.stopScanBtn)})
+    for (QWidget* const hidden : {views.loadPathView, static_cast<QWidget*>(views.animation),
+                                  static_cast<QWidget*>(views.searchBtn), static_cast<QWidget*>(views.stopScanBtn)})
         hidden->hide();
     showFitting();
     views.btnBgView->show();
@@ -259,7 +261,9 @@ void SameFileDeleteViewController::delayBtnChangeStateTime() {
         m_parts.notifications->post("changeViewActionForDuplicate");
         m_duplicateScaned = true;
     }
-    if (!m_isStopScan && m_delegate != nullptr) m_delegate->changeToDetailView();
+    if (m_isStopScan || m_delegate == nullptr) return;
+    m_delegate->changeToDetailView();
+    m_views->content->currentWidget()->setFocus();
 }
 
 // The list, or words in its place where there is nothing to list; and the quiet line about what could not be read.
@@ -268,8 +272,9 @@ void SameFileDeleteViewController::showFitting() {
     const auto search = m_duplicateOpt ? m_duplicateOpt->search() : nullptr;
     const std::size_t skipped = search ? search->skipped().entries().size() : 0;
     views.quietLine->setVisible(skipped != 0);
-    views.quietLine->setText(skipped == 1 ? tr("1 entry could not be read")
-                                          : tr("%1 entries could not be read").arg(QLocale().toString(qulonglong(skipped))));
+    views.quietLine->setText(skipped == 1
+                                 ? tr("1 entry could not be read")
+                                 : tr("%1 entries could not be read").arg(QLocale().toString(qulonglong(skipped))));
     views.failureLine->setVisible(m_removal && !m_removal->failures.empty());
     const bool isEmpty = m_results.tree(0) == nullptr || m_results.tree(0)->numberOfChildren() == 0;
     const bool removedAll = isEmpty && m_removal != nullptr;
@@ -296,7 +301,9 @@ void SameFileDeleteViewController::stopScanBtnClicked() {
     m_views->animation->hide();
     m_newTimer.stop();
     if (m_duplicateOpt) m_duplicateOpt->stopSearch();
-    QTimer::singleShot(1500, this, [this] { backViewForAnimation(); });
+    QTimer::singleShot(1500, this, [this] {
+        if (m_isStopScan) backViewForAnimation();  // unless the next search has begun meanwhile
+    });
 }
 
 void SameFileDeleteViewController::backButtonAction() {

@@ -5,8 +5,10 @@
 
 #include <QIcon>
 #include <QObject>
+#include <QPersistentModelIndex>
 #include <QPointer>
 #include <QTimer>
+#include <bitset>
 #include <functional>
 #include <memory>
 #include <string>
@@ -54,14 +56,12 @@ struct SameFileDeleteParts {
     Dialogs* dialogs = nullptr;
     MainQueue* mainQueue = nullptr;
     std::function<QIcon(const IconRequest&)> icons;
-    std::function<void(const std::string& path)> reveal;     ///< shows the entry in the desktop's file manager
+    std::function<void(const std::string& path)> reveal;      ///< shows the entry in the desktop's file manager
     std::function<void(const QString& address)> openAddress;  ///< opens a web page
 };
 
 /// Main thread only. A search or a removal under way when the page ends is asked to stop, and its thread ends by itself.
-class SameFileDeleteViewController final : public QObject,
-                                           private DragViewDelegate,
-                                           private PathAnimationDelegate {
+class SameFileDeleteViewController final : public QObject, private DragViewDelegate, private PathAnimationDelegate {
     Q_OBJECT
 public:
     explicit SameFileDeleteViewController(SameFileDeleteParts parts, QObject* parent = nullptr);
@@ -117,7 +117,7 @@ private:
     void refViewBgColor(std::int32_t row);
     void showSelectCountWithFileCount(std::size_t count, const QString& pathName);
     void setSelectCount();
-    void boxClicked(const TreeNode::Pointer& node);
+    void boxClicked(const TreeNode::Pointer& node, const QModelIndex& index);
     void setSelectState(const TreeNode::Pointer& leaf);
     void alertEnded_context(int code, const TreeNode::Pointer& leaf);
     void fly(const TreeNode::Pointer& leaf);
@@ -167,7 +167,9 @@ private:
     QTimer m_newTimer;
     QTimer m_removalTimer;
     PathAnimation m_flight;
+    QPersistentModelIndex m_checkBoxItem;  // the row whose box was clicked last
     int m_lastColumn = -1;
+    std::bitset<7> m_tickedByHeader;  // by view: its header box was switched on, and nothing has cleared the view since
     bool m_sortDescending = false;
     bool m_bSearchFinished = true;
     bool m_isStopScan = false;

@@ -210,6 +210,7 @@ QWidget* SameFileDeleteViews::makeContent() {
     emptyLabel = label("emptyLabel", Theme::Text::Heading);
     emptyLabel->setWordWrap(true);
     otherFolderBtn = named(new TextImageButton(tr("Choose Another Folder")), "otherFolderBtn");
+    emptyView->setFocusProxy(otherFolderBtn);
     auto* const empty = new QVBoxLayout(emptyView);
     empty->addStretch();
     empty->addWidget(new PictureView(QStringLiteral("empty_done")), 0, Qt::AlignHCenter);

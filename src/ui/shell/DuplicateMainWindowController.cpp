@@ -25,7 +25,8 @@ constexpr QSize largest{1200, 900};
 
 }  // namespace
 
-DuplicateMainWindowController::DuplicateMainWindowController(SameFileDeleteParts parts, FileIcons& icons, QObject* parent)
+DuplicateMainWindowController::DuplicateMainWindowController(SameFileDeleteParts parts, FileIcons& icons,
+                                                             QObject* parent)
     : QObject(parent),
       m_icons(icons),
       m_aWindow(std::make_unique<TCImageWindow>()),
@@ -94,7 +95,7 @@ void DuplicateMainWindowController::addShortcuts() {
         connect(new QShortcut(keys, m_aWindow.get()), &QShortcut::activated, this, action);
     };
     on(QKeySequence(Qt::CTRL | Qt::Key_1), &DuplicateMainWindowController::selectDuplicateButtonAction);
-    on(QKeySequence(Qt::CTRL | Qt::Key_W), &DuplicateMainWindowController::closeWindow);
+    // The window itself has the keys that close it: a second shortcut would make them ambiguous, and neither would act.
     on(QKeySequence(QKeySequence::Open), [this] { m_sameFileDeleteVC->clickScanBtn(); });
 }
 

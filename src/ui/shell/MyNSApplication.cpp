@@ -26,7 +26,8 @@ const char* slotOf(EditAction action) {
 // A field with nothing to do again does not take the action, so that a capital Z is typed as any letter.
 bool canRedo(const QWidget& widget) {
     if (const auto* const line = qobject_cast<const QLineEdit*>(&widget)) return line->isRedoAvailable();
-    if (const auto* const text = qobject_cast<const QPlainTextEdit*>(&widget)) return text->document()->isRedoAvailable();
+    if (const auto* const text = qobject_cast<const QPlainTextEdit*>(&widget))
+        return text->document()->isRedoAvailable();
     if (const auto* const text = qobject_cast<const QTextEdit*>(&widget)) return text->document()->isRedoAvailable();
     return true;
 }
@@ -58,6 +59,10 @@ bool MyNSApplication::sendAction(EditAction action, QWidget* to) {
     const char* const slot = slotOf(action);
     if (slot == nullptr || to == nullptr) return false;
     if (action == EditAction::Redo && !canRedo(*to)) return false;
+    const auto* const line = qobject_cast<const QLineEdit*>(to);
+    const bool onlyReads = action == EditAction::Copy || action == EditAction::SelectAll;
+    // The field's own operations do not ask whether a person may change it.
+    if (line != nullptr && line->isReadOnly() && !onlyReads) return false;
     const int index = to->metaObject()->indexOfMethod(slot);
     if (index < 0) return false;
     return to->metaObject()->method(index).invoke(to, Qt::DirectConnection);

@@ -3,11 +3,11 @@
 
 #include <QCoreApplication>
 #include <QDateTime>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLocale>
 #include <QPlainTextEdit>
 #include <QPointer>
+#include <QShortcut>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -33,14 +33,14 @@ QLabel* centred(Theme::Text text, QPalette::ColorRole role) {
 }
 
 QString factsOf(const PreviewContent& content) {
-    if (content.kind == PreviewContent::Kind::Missing) return QCoreApplication::translate("PreviewWindow", "This file is missing.");
+    if (content.kind == PreviewContent::Kind::Missing)
+        return QCoreApplication::translate("PreviewWindow", "This file is missing.");
     QStringList facts;
     if (!content.type.isEmpty()) facts.push_back(content.type);
     if (content.kind == PreviewContent::Kind::Folder)
         facts.push_back(QCoreApplication::translate("PreviewWindow", "Folder with %1 entries")
                             .arg(QLocale().toString(qulonglong(content.entries))));
-    else
-        facts.push_back(QString::fromStdString(UtilityFunction::convertVolSpace(content.size)));
+    else facts.push_back(QString::fromStdString(UtilityFunction::convertVolSpace(content.size)));
     if (content.pictureSize.isValid())
         facts.push_back(QStringLiteral("%1 × %2").arg(QString::number(content.pictureSize.width()),
                                                       QString::number(content.pictureSize.height())));
@@ -69,8 +69,8 @@ PreviewWindow::PreviewWindow(FileIcons& icons, QWidget* parent)
     m_icon->setAlignment(Qt::AlignCenter);
     m_text->setReadOnly(true);
     m_text->setFrameShape(QFrame::NoFrame);
-    for (QWidget* const page : {static_cast<QWidget*>(m_icon), static_cast<QWidget*>(m_picture),
-                                static_cast<QWidget*>(m_text)})
+    for (QWidget* const page :
+         {static_cast<QWidget*>(m_icon), static_cast<QWidget*>(m_picture), static_cast<QWidget*>(m_text)})
         m_pages->addWidget(page);
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(Theme::gapLarge, Theme::gapLarge, Theme::gapLarge, Theme::gapLarge);
@@ -78,6 +78,10 @@ PreviewWindow::PreviewWindow(FileIcons& icons, QWidget* parent)
     column->addWidget(m_pages, 1);
     column->addWidget(m_name);
     column->addWidget(m_facts);
+    // Shortcuts, since the text would take the space bar for a page down.
+    for (const QKeySequence& keys :
+         {QKeySequence(Qt::Key_Escape), QKeySequence(Qt::Key_Space), QKeySequence(Qt::CTRL | Qt::Key_Space)})
+        connect(new QShortcut(keys, this), &QShortcut::activated, this, &QWidget::close);
     resize(usualSize);
 }
 
@@ -90,12 +94,13 @@ void PreviewWindow::showPath(const std::string& path) {
     m_icon->setPixmap(m_icons.icon({IconRequest::Path, path}).pixmap(QSize(iconSide, iconSide), devicePixelRatioF()));
     m_pages->setCurrentWidget(m_icon);
     const auto content = std::make_shared<PreviewContent>();  // written before the end method, read in it
-    m_reading = ThreadWorker::workOn(
-        {content, "<PreviewWindow>"},
-        {"readPreview:", ThreadWorker::Task([content, path](const std::any& /*nothing*/) { *content = readPreview(path); })},
-        {}, [self = QPointer(this), content, path](const std::any& /*nothing*/) {
-            if (self != nullptr && self->m_path == path) self->showContent(*content);
-        });
+    m_reading = ThreadWorker::workOn({content, "<PreviewWindow>"},
+                                     {"readPreview:", ThreadWorker::Task([content, path](const std::any& /*nothing*/) {
+                                          *content = readPreview(path);
+                                      })},
+                                     {}, [self = QPointer(this), content, path](const std::any& /*nothing*/) {
+                                         if (self != nullptr && self->m_path == path) self->showContent(*content);
+                                     });
 }
 
 void PreviewWindow::showContent(const PreviewContent& content) {
@@ -112,14 +117,6 @@ void PreviewWindow::showContent(const PreviewContent& content) {
         m_text->setPlainText(content.text);
         m_pages->setCurrentWidget(m_text);
     }
-}
-
-void PreviewWindow::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape || event->key() == Qt::Key_Space) {
-        close();
-        return;
-    }
-    QWidget::keyPressEvent(event);
 }
 
 }  // namespace orrinvale

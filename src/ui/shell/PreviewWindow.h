@@ -26,9 +26,6 @@ public:
     void showPath(const std::string& path);
     [[nodiscard]] const std::string& path() const { return m_path; }
 
-protected:
-    void keyPressEvent(QKeyEvent* event) override;
-
 private:
     void showContent(const PreviewContent& content);
 

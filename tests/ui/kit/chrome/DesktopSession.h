@@ -45,6 +45,8 @@ public:
     bool waitFor(const std::function<bool(const ProbeState&)>& condition);
     bool waitForLine(const std::string& line);
 
+    /// For a program that the test starts itself.
+    [[nodiscard]] const QProcessEnvironment& environment() const { return m_environment; }
     [[nodiscard]] const ProbeState& state() const { return m_state; }
     /// All that the probe said, for the message of a failure.
     [[nodiscard]] const std::string& said() const { return m_said; }

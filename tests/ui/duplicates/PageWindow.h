@@ -1,0 +1,100 @@
+// PageWindow: the main window with the duplicate page over real folders, driven by the names of its controls.
+#pragma once
+
+#include <QAbstractItemModel>
+#include <QWidget>
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "engine/settings/UserDefaults.h"
+#include "platform/fake/FakeAuthorization.h"
+#include "platform/linux/LinuxPermissions.h"
+#include "services/foundation/QtMainQueue.h"
+#include "support/TestTree.h"
+#include "ui/kit/chrome/TCImageWindow.h"
+#include "ui/kit/dialogs/RecordedDialogs.h"
+#include "ui/shell/DuplicateMainWindowController.h"
+#include "ui/shell/FileIcons.h"
+
+namespace orrinvale::testing {
+
+/// Holds other threads up where a test wants to look at the window meanwhile.
+class Gate {
+public:
+    void shut() { set(false); }
+    void open() { set(true); }
+    void pass();
+    /// Somebody stands before it now.
+    [[nodiscard]] bool isWaitedAt();
+
+private:
+    void set(bool isOpen);
+    std::mutex m_mutex;
+    std::condition_variable m_opened;
+    bool m_isOpen = true;
+    int m_waiting = 0;
+};
+
+/// Shown offscreen. The removal goes through the one door of the process, with an administrator right that the test decides about.
+class PageWindow {
+public:
+    PageWindow();
+    ~PageWindow();
+    PageWindow(const PageWindow&) = delete;
+    PageWindow& operator=(const PageWindow&) = delete;
+
+    SameFileDeleteViewController& page() { return *window->sameFileDeleteVC(); }
+    /// The control of this name, of the page, whose views wait outside of the window until they are needed, or else of the window;
+    /// the test ends where there is none.
+    template <class Control = QWidget> Control& control(const char* name) {
+        for (QWidget* const in :
+             {page().detailView(), page().progressageView(), page().view(), static_cast<QWidget*>(window->window())}) {
+            if (in->objectName() == QLatin1String(name)) return static_cast<Control&>(*in);
+            if (auto* const found = in->findChild<Control*>(QLatin1String(name))) return *found;
+        }
+        std::abort();
+    }
+    bool isShown(const char* name) { return control(name).isVisible(); }
+    std::string textOf(const char* name);
+    void click(const char* name);
+
+    /// Drops the folder on the page.
+    void drop(const std::string& path);
+    /// Drops it and waits until the result stands.
+    [[nodiscard]] bool search(const std::string& path);
+    /// Presses Remove, agrees, and waits until the removal is over; `meanwhile` runs when the removal has begun.
+    [[nodiscard]] bool remove(const std::function<void()>& meanwhile = {});
+    [[nodiscard]] static bool waitFor(const std::function<bool()>& isSo);
+
+    /// The list as a person reads it, a group in a line: "name state count: boxes of its copies".
+    std::string list();
+    QAbstractItemModel& model();
+    /// The group of this name, or the copy of this file name in it.
+    QModelIndex row(const std::string& group, const std::string& copy = {});
+    /// Presses the left button in the box of the row.
+    void tick(const QModelIndex& row);
+
+    TestTree tree;
+    Gate reading;   ///< before a file is opened by a search
+    Gate removing;  ///< before an entry is unlinked
+    WatchedFiles files;
+    FakeAuthorization authorization;
+    NotificationCenter notifications;
+    RecordedDialogs dialogs;
+    std::vector<std::string> revealed;
+    std::unique_ptr<DuplicateMainWindowController> window;  // ends when a test says so
+
+private:
+    LinuxPermissions m_permissions;
+    TestTree m_settings;
+    UserDefaults m_defaults;
+    QtMainQueue m_mainQueue;
+    FileIcons m_icons;
+    const std::size_t m_threads;  // of the process before anything began
+};
+
+}  // namespace orrinvale::testing

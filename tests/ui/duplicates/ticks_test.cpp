@@ -1,0 +1,214 @@
+// Ticks: the boxes of copies and groups, the box over the list, the order of the list, keys and the menu of a row.
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QClipboard>
+#include <QHeaderView>
+#include <QLabel>
+#include <QMenu>
+#include <QTest>
+#include <QTreeView>
+
+#include "ui/duplicates/DuplicateResultModel.h"
+#include "ui/duplicates/PageWindow.h"
+#include "ui/kit/controls/TickBox.h"
+
+namespace orrinvale {
+namespace {
+
+using testing::PageWindow;
+using Model = DuplicateResultModel;
+
+class Ticks : public ::testing::Test {
+protected:
+    void SetUp() override {
+        // The kinds in an order that is not that of the names or sizes.
+        const std::string two = testing::someBytes(3000, 1), three = testing::someBytes(1000, 2);
+        ASSERT_TRUE(on.tree.write("f/a/two.txt", two) && on.tree.write("f/b/two.txt", two));
+        for (const char* name : {"f/a/three.jpg", "f/b/three.jpg", "f/c/three.jpg"})
+            ASSERT_TRUE(on.tree.write(name, three));
+        ASSERT_TRUE(on.search(on.tree.at("f")));
+    }
+    void sortBy(int column) {
+        QHeaderView& header = *outline.header();
+        const int x = header.sectionViewportPosition(column) + header.sectionSize(column) / 2;
+        QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, QPoint(x, header.height() / 2));
+    }
+    std::string selected() {
+        const QString title = on.control<QLabel>("titleLabel").text();
+        return title.mid(title.indexOf(QLatin1String(", ")) + 2).toStdString();
+    }
+    std::string group(const char* name) {
+        const std::string list = on.list();
+        const std::size_t from = list.find(name);
+        return list.substr(from, list.find('\n', from) - from);
+    }
+    TickState box() { return on.control<TickBox>("button").state(); }
+
+    PageWindow on;
+    QTreeView& outline = on.control<QTreeView>("outline");
+};
+
+TEST_F(Ticks, OneCopyStaysUnlessAPersonInsists) {
+    EXPECT_FALSE(on.control("stopBtn").isEnabled());
+    on.tick(on.row("two.txt", "a/two.txt"));
+    EXPECT_EQ(group("two").substr(0, 13), "two.txt 2 1/2");
+    EXPECT_TRUE(on.dialogs.alerts().empty()) << "no question for all but one";
+    EXPECT_TRUE(on.control("stopBtn").isEnabled());
+    EXPECT_EQ(selected(), "selected 1 files in All.");
+    EXPECT_EQ(box(), TickState::Some);
+
+    for (const int button : {1, 0}) {
+        on.dialogs.willAnswer(button);
+        on.tick(on.row("two.txt", "b/two.txt"));
+        EXPECT_EQ(group("two").substr(0, 13), "two.txt 2 1/2") << "the question alone changes nothing";
+        QCoreApplication::processEvents();
+        EXPECT_EQ(group("two"), button == 0 ? "two.txt 1 2/2: xx" : group("two"));
+    }
+    ASSERT_EQ(on.dialogs.alerts().size(), 2U);
+    const Alert& asked = on.dialogs.alerts().front();
+    EXPECT_EQ(asked.title, QStringLiteral("Are you sure you want to delete all the duplicate files?"));
+    EXPECT_EQ(asked.text, QStringLiteral(" "));
+    EXPECT_EQ(asked.buttons, (QStringList{QStringLiteral("OK"), QStringLiteral("Cancel")}));
+    EXPECT_EQ(std::make_pair(asked.defaultButton, asked.cancelButton), std::make_pair(0, 1));
+    EXPECT_EQ(selected(), "selected 2 files in All.");
+    on.tick(on.row("three.jpg"));
+    EXPECT_EQ(group("three"), "three.jpg 2 2/3: xx.");
+    on.tick(on.row("three.jpg"));
+    EXPECT_EQ(group("three"), "three.jpg 0 0/3: ...");
+    on.tick(on.row("two.txt", "a/two.txt"));
+    on.tick(on.row("two.txt", "b/two.txt"));
+    EXPECT_EQ(group("two"), "two.txt 0 0/2: ..");
+    EXPECT_FALSE(on.control("stopBtn").isEnabled());
+    // A tick that is taken back while its picture is still on the way leaves nothing to remove.
+    EXPECT_TRUE(on.waitFor(
+        [&] { return selected() == "selected 0 files in All." || selected() == "selected 0 file in All."; }));
+    EXPECT_EQ(box(), TickState::Nothing);
+}
+
+TEST_F(Ticks, TheBoxOverTheListTicksAndClearsTheView) {
+    on.click("leftCell5");
+    on.click("button");
+    EXPECT_EQ(on.list(), "three.jpg 2 2/3: xx.\n");
+    EXPECT_EQ(selected(), "selected 2 files in All.");
+    EXPECT_EQ(box(), TickState::Some);
+    on.click("leftCell1");
+    EXPECT_EQ(box(), TickState::Nothing) << "only the pictures are ticked";
+    EXPECT_EQ(selected(), "selected 2 files in All.") << "yet the count is over all views";
+    on.click("leftCell0");
+    EXPECT_EQ(box(), TickState::Some);
+    on.click("leftCell5");
+    on.click("button");
+    EXPECT_EQ(on.list(), "three.jpg 0 0/3: ...\n") << "what the box has ticked its next click clears";
+    EXPECT_EQ(selected(), "selected 0 file in All.");
+    EXPECT_FALSE(on.control("stopBtn").isEnabled());
+
+    // Two ticked by hand are counted twice after the box, until it clears.
+    on.tick(on.row("three.jpg", "a/three.jpg"));
+    on.tick(on.row("three.jpg", "b/three.jpg"));
+    on.click("button");
+    EXPECT_EQ(selected(), "selected 4 files in All.");
+    on.click("button");
+    EXPECT_EQ(selected(), "selected 0 file in All.");
+    EXPECT_EQ(on.list(), "three.jpg 0 0/3: ...\n");
+    on.control("button").setFocus();
+    QTest::keyClick(&on.control("button"), Qt::Key_Space);
+    EXPECT_EQ(on.list(), "three.jpg 2 2/3: xx.\n");
+}
+
+TEST_F(Ticks, TheOrderDecidesWhichCopyIsTheLast) {
+    const auto last = [&] {
+        const QModelIndex parent = on.row("two.txt");
+        return on.model().index(1, Model::NameColumn, parent).data().toString().toStdString();
+    };
+    outline.expand(on.row("three.jpg"));
+    const struct {
+        int column;
+        const char* first;
+        const char* lastCopy;
+        bool isShown;
+        Qt::SortOrder order;
+    } clicks[] = {
+        {Model::NameColumn, "three.jpg", "b/two.txt", true, Qt::AscendingOrder},
+        {Model::NameColumn, "two.txt", "a/two.txt", true, Qt::DescendingOrder},
+        {Model::FileSize, "three.jpg", "", true, Qt::AscendingOrder},
+        {Model::FileSize, "two.txt", "", true, Qt::DescendingOrder},
+        {Model::FileSize, "three.jpg", "", true, Qt::AscendingOrder},
+        {Model::AllSelectNum, "three.jpg", "", false, Qt::AscendingOrder},
+        {Model::NameColumn, "three.jpg", "b/two.txt", true, Qt::AscendingOrder},
+        {Model::NameColumn, "two.txt", "a/two.txt", true, Qt::DescendingOrder},
+    };
+    for (const auto& each : clicks) {
+        SCOPED_TRACE(::testing::Message() << "column " << each.column << " " << each.order);
+        sortBy(each.column);
+        EXPECT_EQ(on.model().index(0, Model::NameColumn).data().toString().toStdString(), each.first);
+        if (*each.lastCopy != '\0') {
+            EXPECT_TRUE(last().ends_with(each.lastCopy)) << last();
+        }
+        EXPECT_EQ(outline.header()->isSortIndicatorShown(), each.isShown);
+        if (!each.isShown) continue;
+        EXPECT_EQ(outline.header()->sortIndicatorSection(), each.column);
+        EXPECT_EQ(outline.header()->sortIndicatorOrder(), each.order);
+        EXPECT_TRUE(outline.isExpanded(on.row("three.jpg"))) << "what is open stays open";
+    }
+    on.tick(on.row("two.txt"));
+    const auto state = [&](const char* copy) {
+        return on.row("two.txt", copy).siblingAtColumn(Model::Checkbox).data(Model::StateRole).toInt();
+    };
+    EXPECT_EQ(std::make_pair(state("b/two.txt"), state("a/two.txt")), std::make_pair(1, 0));
+}
+
+TEST_F(Ticks, EverythingByKeyAndByTheMenuOfARow) {
+    outline.setFocus();
+    outline.collapseAll();
+    outline.setCurrentIndex(on.row("two.txt"));
+    const auto key = [&](Qt::Key each, Qt::KeyboardModifiers with = {}) { QTest::keyClick(&outline, each, with); };
+    key(Qt::Key_Right);
+    EXPECT_TRUE(outline.isExpanded(on.row("two.txt")));
+    key(Qt::Key_Left);
+    EXPECT_FALSE(outline.isExpanded(on.row("two.txt")));
+    key(Qt::Key_Space);
+    EXPECT_EQ(group("two"), "two.txt 2 1/2: x.");
+    key(Qt::Key_Right);
+    key(Qt::Key_Down);
+    key(Qt::Key_Space);
+    EXPECT_EQ(group("two"), "two.txt 0 0/2: ..");
+    const std::string copy = outline.currentIndex().siblingAtColumn(Model::NameColumn).data().toString().toStdString();
+    EXPECT_EQ(copy.find(on.tree.at("f/")), 0U);
+    EXPECT_EQ(outline.currentIndex().data(Qt::ToolTipRole).toString().toStdString(), copy);
+
+    key(Qt::Key_Space, Qt::ControlModifier);
+    EXPECT_EQ(on.window->filePath(), copy);
+    EXPECT_TRUE(on.isShown("previewPanel"));
+    outline.setCurrentIndex(on.row("three.jpg"));
+    on.click("openBtn");
+    EXPECT_FALSE(on.isShown("previewPanel")) << "the same action closes it";
+    EXPECT_EQ(on.window->filePath(), copy);
+    on.click("RevealFinder");
+    EXPECT_EQ(on.revealed, std::vector<std::string>{"three.jpg"}) << "of a group its bare name";
+
+    const auto menu = [&]() -> QMenu* {
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, {}, {});
+        QCoreApplication::sendEvent(outline.viewport(), &event);
+        return qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    };
+    EXPECT_EQ(menu(), nullptr) << "a group has none";
+    outline.expand(on.row("three.jpg"));
+    const QModelIndex kept = on.row("three.jpg", "a/three.jpg");
+    for (const char* action : {"Copy Path", "Show in Folder", "Tick All but This One"}) {
+        outline.setCurrentIndex(kept);
+        QMenu* const shown = menu();
+        ASSERT_NE(shown, nullptr);
+        for (QAction* const each : shown->actions())
+            if (each->text() == QLatin1String(action)) each->trigger();
+        shown->close();
+    }
+    EXPECT_EQ(QApplication::clipboard()->text().toStdString(), on.tree.at("f/a/three.jpg"));
+    EXPECT_EQ(on.revealed.back(), on.tree.at("f/a/three.jpg"));
+    EXPECT_EQ(kept.siblingAtColumn(Model::Checkbox).data(Model::StateRole).toInt(), 0);
+    EXPECT_EQ(group("three").substr(0, 15), "three.jpg 2 2/3");
+    EXPECT_EQ(selected(), "selected 2 files in All.");
+}
+
+}  // namespace
+}  // namespace orrinvale

@@ -1,0 +1,108 @@
+// The look at one entry: what is read of it, within which bounds, and the window around it.
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QTest>
+#include <algorithm>
+
+#include "support/TestTree.h"
+#include "ui/shell/FileIcons.h"
+#include "ui/shell/PreviewWindow.h"
+#include "ui/shell/previewContent.h"
+
+namespace orrinvale {
+namespace {
+
+using Kind = PreviewContent::Kind;
+using testing::TestTree;
+
+TEST(Preview, ReadsWhatIsSafeAndLittleOfIt) {
+    TestTree tree;
+    QImage wide(4000, 1000, QImage::Format_RGB32);
+    wide.fill(Qt::red);
+    ASSERT_TRUE(wide.save(QString::fromStdString(tree.at("wide.png"))));
+    ASSERT_TRUE(tree.write("long.txt", std::string(mostTextBytes + 1, 'a')) &&
+                tree.write("exact.txt", std::string(mostTextBytes, 'a')) && tree.write("text", "two\nlines") &&
+                tree.write("bytes", std::string("a\0b", 3)) && tree.write("latin", "\xff\xfe\xfd\xfc") &&
+                tree.write("broken.png", std::string("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16)) && tree.write("empty", "") &&
+                tree.sparse("huge.png", mostPictureBytes * 4) && tree.write("folder/one", "1") &&
+                tree.write("folder/two", "2") && tree.fifo("pipe.txt") && tree.socket("socket") &&
+                tree.symlink("wide.png", "link.png") && tree.symlink("/dev/zero", "zero.txt"));
+    const struct {
+        const char* name;
+        Kind kind;
+        bool isCut;
+        std::size_t size;  // of the text, or the count of entries
+    } cases[] = {
+        {"wide.png", Kind::Picture, false, 0},
+        {"long.txt", Kind::Text, true, mostTextBytes},
+        {"exact.txt", Kind::Text, false, mostTextBytes},
+        {"text", Kind::Text, false, 9},
+        {"bytes", Kind::Other, false, 0},
+        {"latin", Kind::Other, false, 0},
+        {"broken.png", Kind::Other, false, 0},
+        {"empty", Kind::Other, false, 0},
+        {"huge.png", Kind::Other, false, 0},
+        {"folder", Kind::Folder, false, 2},
+        {"pipe.txt", Kind::Other, false, 0},
+        {"socket", Kind::Other, false, 0},
+        {"link.png", Kind::Other, false, 0},
+        {"zero.txt", Kind::Other, false, 0},
+        {"gone", Kind::Missing, false, 0},
+    };
+    for (const auto& each : cases) {
+        const PreviewContent content = readPreview(tree.at(each.name));
+        EXPECT_EQ(content.kind, each.kind) << each.name;
+        EXPECT_EQ(content.isCut, each.isCut) << each.name;
+        const auto length = each.kind == Kind::Text ? static_cast<std::size_t>(content.text.size()) : content.entries;
+        EXPECT_EQ(each.kind == Kind::Text || each.kind == Kind::Folder ? length : 0, each.size) << each.name;
+    }
+    const PreviewContent picture = readPreview(tree.at("wide.png"));
+    EXPECT_EQ(picture.pictureSize, QSize(4000, 1000));
+    EXPECT_EQ(picture.picture.size(), QSize(1600, 400));
+    EXPECT_TRUE(readPreview(tree.at("link.png")).linkTarget.endsWith(QLatin1String("/wide.png")));
+    for (const char* path : {"", "name.txt", "../name"}) EXPECT_EQ(readPreview(path).kind, Kind::Missing) << path;
+}
+
+TEST(Preview, ShowsTheLastPathAskedForAndClosesOnItsKeys) {
+    TestTree tree;
+    ASSERT_TRUE(tree.write("first.txt", "first") && tree.write("b\xC3\xBC"
+                                                               "cher & <b>.txt",
+                                                               "second"));
+    FileIcons icons;
+    PreviewWindow window(icons);
+    auto& text = *window.findChild<QPlainTextEdit*>();
+    for (const QKeySequence& keys :
+         {QKeySequence(Qt::Key_Escape), QKeySequence(Qt::Key_Space), QKeySequence(Qt::CTRL | Qt::Key_Space)}) {
+        window.showPath(tree.at("first.txt"));
+        window.showPath(
+            tree.at("b\xC3\xBC"
+                    "cher & <b>.txt"));
+        window.show();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return text.toPlainText() == QLatin1String("second") && text.isVisible(); }));
+        QTest::qWait(20);
+        EXPECT_EQ(text.toPlainText(), QStringLiteral("second"));
+        const auto labels = window.findChildren<QLabel*>();
+        EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [](const QLabel* each) {
+            return each->text() == QString::fromUtf8(
+                                       "b\xC3\xBC"
+                                       "cher & <b>.txt") &&
+                   each->textFormat() == Qt::PlainText;
+        }));
+        text.setFocus();
+        QTest::keySequence(&text, keys);
+        EXPECT_FALSE(window.isVisible()) << keys.toString().toStdString();
+    }
+    window.showPath("bare name");
+    const auto labels = window.findChildren<QLabel*>();
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        return std::any_of(labels.begin(), labels.end(),
+                           [](const QLabel* each) { return each->text() == QLatin1String("This file is missing."); });
+    }));
+}
+
+}  // namespace
+}  // namespace orrinvale
