@@ -29,6 +29,19 @@ Status badUsage(std::string_view message) {
     return Status::BadUsage;
 }
 
+void complainOfEach(const std::vector<Error>& skipped) {
+    for (const Error& entry : skipped) complain(fmt::format("{}: {}", entry.path, entry.reason()));
+}
+
+Status finish(Output& out, const std::vector<Error>& skipped, bool stopped) {
+    if (!out.flush()) {
+        complain("the result could not be written");
+        return Status::SomeSkipped;
+    }
+    if (stopped) return Status::Stopped;
+    return skipped.empty() ? Status::Done : Status::SomeSkipped;
+}
+
 std::optional<std::uint64_t> parseBytes(std::string_view text) {
     std::uint64_t value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);

@@ -9,7 +9,11 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/error.h"
+
 namespace orrinvale::cli {
+
+class Output;
 
 /// The exit statuses that all commands share.
 enum class Status : int { Done = 0, SomeSkipped = 1, BadUsage = 2, NoSuchFolder = 3, Stopped = 130 };
@@ -61,6 +65,12 @@ public:
 /// Writes "orrinvale-cli: MESSAGE" to standard error, and for a bad command line the hint at --help.
 void complain(std::string_view message);
 Status badUsage(std::string_view message);
+
+/// One complaint for each entry that a run left out.
+void complainOfEach(const std::vector<Error>& skipped);
+
+/// Flushes the output and gives the exit status of a run that left this out, or was stopped.
+[[nodiscard]] Status finish(Output& out, const std::vector<Error>& skipped, bool stopped);
 
 /// A number of bytes in decimal digits and nothing else.
 [[nodiscard]] std::optional<std::uint64_t> parseBytes(std::string_view text);

@@ -63,20 +63,14 @@ Status DuplicatesCommand::run(const Arguments& arguments) {
     if (state->rootError()) return cannotSearch(root, state->rootError()->reason());
 
     const std::vector<Error> skipped = state->skipped().entries();
-    if (!arguments.has("quiet"))
-        for (const Error& entry : skipped) complain(fmt::format("{}: {}", entry.path, entry.reason()));
+    if (!arguments.has("quiet")) complainOfEach(skipped);
 
     Output out(STDOUT_FILENO);
     const DuplicatesSummary summary = summarize(search);
     if (arguments.has("json")) printJson(out, root, search, summary, skipped, stopped);
     else if (arguments.has("print0")) printPaths(out, search);
     else printListing(out, search, summary, wantsColour(STDOUT_FILENO));
-    if (!out.flush()) {
-        complain("the result could not be written");
-        return Status::SomeSkipped;
-    }
-    if (stopped) return Status::Stopped;
-    return skipped.empty() ? Status::Done : Status::SomeSkipped;
+    return finish(out, skipped, stopped);
 }
 
 }  // namespace orrinvale::cli

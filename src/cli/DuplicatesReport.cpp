@@ -71,18 +71,6 @@ void appendGroup(std::string& out, const DuplicateGroup& group) {
     out += "]}";
 }
 
-void appendSkipped(std::string& out, const std::vector<Error>& skipped) {
-    const char* between = "{";
-    for (const Error& entry : skipped) {
-        out += between;
-        appendJsonPath(out, entry.path);
-        out += ", \"reason\": ";
-        appendJsonText(out, entry.reason());
-        out += '}';
-        between = ",\n              {";
-    }
-}
-
 }  // namespace
 
 DuplicatesSummary summarize(const DuplicateFilesOpt& search) {
@@ -118,7 +106,7 @@ void printJson(Output& out, const std::string& root, const DuplicateFilesOpt& se
         "\"reclaimable\": {}}},\n  \"skipped\": [",
         summary.groups == 0 ? "" : "\n  ", summary.files, summary.bundles, summary.groups, summary.leaves,
         summary.bytes, summary.reclaimable);
-    appendSkipped(text, skipped);
+    appendJsonSkipped(text, skipped);
     text += fmt::format("],\n  \"stopped\": {}\n}}\n", stopped);
     out.write(text);
 }

@@ -81,7 +81,7 @@ void appendJsonText(std::string& out, std::string_view bytes) {
     out += '"';
 }
 
-void appendJsonPath(std::string& out, std::string_view path, std::string_view field) {
+void appendJsonPath(std::string& out, std::string_view path, std::string_view field, std::string_view hexField) {
     out += '"';
     out += field;
     out += "\": ";
@@ -92,10 +92,22 @@ void appendJsonPath(std::string& out, std::string_view path, std::string_view fi
             rest.remove_prefix(length);
             continue;
         }
-        out += ", \"pathHex\": \"";
+        out += fmt::format(", \"{}\": \"", hexField);
         for (const char c : path) out += fmt::format("{:02x}", static_cast<unsigned char>(c));
         out += '"';
         return;
+    }
+}
+
+void appendJsonSkipped(std::string& out, const std::vector<Error>& skipped) {
+    const char* between = "{";
+    for (const Error& entry : skipped) {
+        out += between;
+        appendJsonPath(out, entry.path);
+        out += ", \"reason\": ";
+        appendJsonText(out, entry.reason());
+        out += '}';
+        between = ",\n              {";
     }
 }
 

@@ -5,6 +5,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "platform/error.h"
 
 namespace orrinvale::cli {
 
@@ -35,9 +38,13 @@ private:
 /// A JSON text in quotes. Bytes that are not valid UTF-8 become U+FFFD each.
 void appendJsonText(std::string& out, std::string_view bytes);
 
-/// "path": "..." and, where the bytes are not valid UTF-8, "pathHex" with the exact bytes in hexadecimal. The first field's name
-/// may be another.
-void appendJsonPath(std::string& out, std::string_view path, std::string_view field = "path");
+/// "path": "..." and, where the bytes are not valid UTF-8, "pathHex" with the exact bytes in hexadecimal. Both fields may have other
+/// names.
+void appendJsonPath(std::string& out, std::string_view path, std::string_view field = "path",
+                    std::string_view hexField = "pathHex");
+
+/// The members of a JSON array of what was skipped, each with its path and reason.
+void appendJsonSkipped(std::string& out, const std::vector<Error>& skipped);
 
 /// Length of the valid UTF-8 sequence at the start of the bytes; 0 when there is none.
 [[nodiscard]] std::size_t validSequence(std::string_view bytes);

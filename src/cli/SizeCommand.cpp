@@ -76,15 +76,7 @@ void printJson(Output& out, const Measured& measured) {
         between = ",\n            {";
     }
     text += fmt::format("],\n  \"total\": {},\n  \"skipped\": [", measured.total);
-    between = "{";
-    for (const Error& entry : measured.skipped) {
-        text += between;
-        appendJsonPath(text, entry.path);
-        text += ", \"reason\": ";
-        appendJsonText(text, entry.reason());
-        text += '}';
-        between = ",\n              {";
-    }
+    appendJsonSkipped(text, measured.skipped);
     text += fmt::format("],\n  \"stopped\": {}\n}}\n", measured.stopped);
     out.write(text);
 }
@@ -119,22 +111,16 @@ Status SizeCommand::run(const Arguments& arguments) {
     const bool quiet = arguments.has("quiet");
     const Measured measured = measure(m_files, paths, !quiet && isTerminal(STDERR_FILENO));
     if (measured.paths.empty() && !measured.failed.empty()) {
-        for (const Error& entry : measured.failed) complain(fmt::format("{}: {}", entry.path, entry.reason()));
+        complainOfEach(measured.failed);
         return Status::NoSuchFolder;
     }
-    if (!quiet)
-        for (const Error& entry : measured.skipped) complain(fmt::format("{}: {}", entry.path, entry.reason()));
+    if (!quiet) complainOfEach(measured.skipped);
 
     Output out(STDOUT_FILENO);
     if (arguments.has("json")) printJson(out, measured);
     else if (arguments.has("print0")) printPaths(out, measured);
     else printListing(out, measured, wantsColour(STDOUT_FILENO));
-    if (!out.flush()) {
-        complain("the result could not be written");
-        return Status::SomeSkipped;
-    }
-    if (measured.stopped) return Status::Stopped;
-    return measured.skipped.empty() ? Status::Done : Status::SomeSkipped;
+    return finish(out, measured.skipped, measured.stopped);
 }
 
 }  // namespace orrinvale::cli

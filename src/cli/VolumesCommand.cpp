@@ -67,28 +67,10 @@ std::string_view typeName(std::int32_t type) {
     }
 }
 
-bool isUtf8(std::string_view bytes) {
-    while (!bytes.empty()) {
-        const std::size_t length = validSequence(bytes);
-        if (length == 0) return false;
-        bytes.remove_prefix(length);
-    }
-    return true;
-}
-
-void appendName(std::string& out, std::string_view name) {
-    out += "\"name\": ";
-    appendJsonText(out, name);
-    if (isUtf8(name)) return;
-    out += ", \"nameHex\": \"";
-    for (const char c : name) out += fmt::format("{:02x}", static_cast<unsigned char>(c));
-    out += '"';
-}
-
 void appendVolume(std::string& out, const ZvVolumeInfo& volume) {
     out += fmt::format("{{\"refNumber\": {}, \"type\": {}, \"typeName\": \"{}\", \"boot\": {}, ", volume.volRefNumber,
                        volume.volType, typeName(volume.volType), volume.bIsDefaultVol);
-    appendName(out, volume.volumeName);
+    appendJsonPath(out, volume.volumeName, "name", "nameHex");
     out += ", ";
     appendJsonPath(out, volume.volRootDir);
     out += fmt::format(
@@ -111,15 +93,7 @@ void printJson(Output& out, const Records& volumes, const std::vector<Error>& sk
         between = ",\n    ";
     }
     text += volumes.empty() ? "],\n  \"skipped\": [" : "\n  ],\n  \"skipped\": [";
-    between = "{";
-    for (const Error& failure : skipped) {
-        text += between;
-        appendJsonPath(text, failure.path);
-        text += ", \"reason\": ";
-        appendJsonText(text, failure.reason());
-        text += '}';
-        between = ",\n              {";
-    }
+    appendJsonSkipped(text, skipped);
     out.write(text + fmt::format("],\n  \"stopped\": {}\n}}\n", stopped));
 }
 
@@ -178,19 +152,13 @@ Status VolumesCommand::run(const Arguments& arguments) {
     }
     const Records& volumes = info->volsArray();
     const std::vector<Error>& skipped = platform.failures();
-    if (!arguments.has("quiet"))
-        for (const Error& failure : skipped) complain(fmt::format("{}: {}", failure.path, failure.reason()));
+    if (!arguments.has("quiet")) complainOfEach(skipped);
 
     Output out(STDOUT_FILENO);
     if (arguments.has("json")) printJson(out, volumes, skipped, stopped);
     else if (arguments.has("print0")) printPaths(out, volumes);
     else printListing(out, volumes, wantsColour(STDOUT_FILENO));
-    if (!out.flush()) {
-        complain("the result could not be written");
-        return Status::SomeSkipped;
-    }
-    if (stopped) return Status::Stopped;
-    return skipped.empty() ? Status::Done : Status::SomeSkipped;
+    return finish(out, skipped, stopped);
 }
 
 }  // namespace orrinvale::cli

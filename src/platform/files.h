@@ -159,9 +159,6 @@ public:
     /// other type (EISDIR when it is a folder). Of a link the link.
     [[nodiscard]] virtual SysResult<void> removeEntry(int folder, const char* name, FileType type) const = 0;
 
-    /// Where an open or held folder is at this moment: an absolute path without links.
-    [[nodiscard]] virtual SysResult<std::string> placeOf(int folder) const = 0;
-
     /// What is mounted where, at this moment. An error when the system does not tell.
     [[nodiscard]] virtual SysResult<std::vector<MountPoint>> mountPoints() const = 0;
 
@@ -173,18 +170,15 @@ public:
 
     /// Fills type and size of `attributes`, or `error`, of each entry, links kept; the other attributes mean nothing. Asks the file
     /// system for no more than these two, which spares network file systems a round trip.
-    virtual void readSizes(int folder, std::span<CatalogEntry> entries) const { readAttributes(folder, entries); }
+    virtual void readSizes(int folder, std::span<CatalogEntry> entries) const = 0;
 
     /// Takes hold of an entry of whatever type without opening it: a link itself, a FIFO, a folder or a file that may not be read.
-    /// Good for attributes(), as the parent of other operations and for pathOf(), and for nothing else. ENOSYS where
-    /// the system has no such thing.
-    [[nodiscard]] virtual SysResult<Descriptor> holdEntry(int /*parent*/, const char* /*name*/) const {
-        return tl::unexpected(ENOSYS);
-    }
+    /// Good for attributes(), as the parent of other operations and for placeOf(), and for nothing else.
+    [[nodiscard]] virtual SysResult<Descriptor> holdEntry(int parent, const char* name) const = 0;
 
-    /// Where the entry stands now, as an absolute path of at most a page (4 KiB). For an entry that is gone the system makes up a name:
-    /// look up what you get. ENOSYS where the system does not tell.
-    [[nodiscard]] virtual SysResult<std::string> pathOf(int /*descriptor*/) const { return tl::unexpected(ENOSYS); }
+    /// Where an open or held entry stands now: an absolute path without links, of at most a page (4 KiB). For an entry that is gone
+    /// the system makes up a name: look up what you get.
+    [[nodiscard]] virtual SysResult<std::string> placeOf(int descriptor) const = 0;
 };
 
 }  // namespace orrinvale

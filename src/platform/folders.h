@@ -1,6 +1,7 @@
 // Folders: where this desktop keeps caches, logs, trash and downloads. linux/LinuxFolders.h implements it.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,6 +33,10 @@ public:
     /// The same on another volume, by the path of its root. Only a folder that another user can not have put there counts;
     /// the one that would be made is named when there is none yet.
     [[nodiscard]] virtual std::vector<std::string> volumeTrash(const std::string& root) const = 0;
+
+    /// The record of where a trashed entry came from, by the path of the entry in one of these folders: it is to be removed once
+    /// the entry is gone. Nothing for a path that is not directly in such a folder.
+    [[nodiscard]] virtual std::optional<std::string> trashRecordOf(const std::string& path) const = 0;
 
 protected:
     Folders() = default;

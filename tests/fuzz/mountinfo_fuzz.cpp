@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "platform/linux/LinuxVolumesChoice.h"
-#include "platform/linux/LinuxVolumesMounts.h"
+#include "platform/linux/MountTable.h"
 
 namespace orrinvale {
 namespace {

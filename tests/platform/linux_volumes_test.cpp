@@ -19,6 +19,7 @@
 #include "engine/volumes/VolumesInfo.h"
 #include "platform/linux/LinuxVolumes.h"
 #include "platform/linux/LinuxVolumesChoice.h"
+#include "platform/paths.h"
 #include "support/TestTree.h"
 
 namespace orrinvale {

@@ -127,7 +127,11 @@ public:
         step("removeEntry");
         return m_real.removeEntry(folder, name, type);
     }
-    SysResult<std::string> placeOf(int folder) const override { return m_real.placeOf(folder); }
+    void readSizes(int folder, std::span<CatalogEntry> entries) const override { m_real.readSizes(folder, entries); }
+    SysResult<Descriptor> holdEntry(int parent, const char* name) const override {
+        return m_real.holdEntry(parent, name);
+    }
+    SysResult<std::string> placeOf(int descriptor) const override { return m_real.placeOf(descriptor); }
     SysResult<std::vector<MountPoint>> mountPoints() const override {
         if (mountsFail) return tl::unexpected(5);  // EIO
         return m_real.mountPoints();

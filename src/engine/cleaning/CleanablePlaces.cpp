@@ -125,16 +125,4 @@ Verdict CleanablePlaces::verdict(std::string_view path, FileType type) const {
     return mayGo;
 }
 
-std::optional<std::string> trashRecordOf(std::string_view path) {
-    Components components;
-    if (!split(path, components) || components.size() < 3) return std::nullopt;
-    const auto fromEnd = [&](std::size_t count) { return components[components.size() - count]; };
-    const bool trash =
-        fromEnd(3) == "Trash" || fromEnd(3).starts_with(".Trash-") || (components.size() > 3 && fromEnd(4) == ".Trash");
-    if (!path.starts_with('/') || fromEnd(2) != "files" || !trash) return std::nullopt;
-    std::string record;
-    for (std::size_t i = 0; i + 2 < components.size(); ++i) (record += '/') += components[i];
-    return record + "/info/" + std::string(fromEnd(1)) + ".trashinfo";
-}
-
 }  // namespace orrinvale

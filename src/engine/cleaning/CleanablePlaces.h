@@ -36,8 +36,4 @@ private:
     const std::string m_logs;
 };
 
-/// The record of where a trashed entry came from, by the path of the entry in a folder that FolderUtilities gives for the
-/// trash: it is to be removed once the entry is gone. Nothing for a path that is not directly in such a folder.
-[[nodiscard]] std::optional<std::string> trashRecordOf(std::string_view path);
-
 }  // namespace orrinvale

@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "engine/cleaning/QnAuthorization.h"
 #include "engine/duplicates/LooseFileWalk.h"
 #include "engine/files/FolderNode.h"
 
@@ -12,10 +13,6 @@ namespace {
 std::string withoutSlashes(std::string path) {
     while (path.size() > 1 && path.back() == '/') path.pop_back();
     return path;
-}
-
-bool isBelow(const std::string& path, const std::string& root) {
-    return root == "/" || path == root || path.starts_with(root + '/');
 }
 
 std::string withoutLastComponent(const std::string& path) {
@@ -55,7 +52,7 @@ std::vector<std::string> FolderUtilities::trashFolders() const {
     const std::string home = m_files.resolved(m_folders.home()).value_or(m_folders.home());
     const std::string* homeRoot = nullptr;
     for (const std::string& root : roots)
-        if (!home.empty() && isBelow(home, withoutSlashes(root)) &&
+        if (!home.empty() && isWithin(home, withoutSlashes(root)) &&
             (homeRoot == nullptr || root.size() > homeRoot->size()))
             homeRoot = &root;
     std::vector<std::string> out;
@@ -88,6 +85,18 @@ std::string FolderUtilities::getFolderFromFile(const std::string& path) const {
     const auto entry = m_files.attributes(FileSystem::noParent, path.c_str(), Links::Follow);
     if (entry && entry->type == FileType::Folder && !isBundleName(lastPathComponent(path))) return path;
     return withoutLastComponent(path);
+}
+
+bool FolderUtilities::CreateAuthoration(AuthorizationRef reference) {
+    Authorization& system = QnAuthorization::shareQnAuthorization().platform();
+    return QnAuthorization::worked("Error Creating Initial Authorization", system.create(reference)) &&
+           QnAuthorization::worked("Copy Rights Unsuccessful", system.copyRights(reference, Authorization::adminRight,
+                                                                                 AuthorizationFlags::acquire));
+}
+
+bool FolderUtilities::DeleteAuthoration(AuthorizationRef reference) {
+    return QnAuthorization::worked("Free Rights Unsuccessful",
+                                   QnAuthorization::shareQnAuthorization().platform().free(reference));
 }
 
 }  // namespace orrinvale

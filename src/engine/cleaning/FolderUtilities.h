@@ -1,5 +1,5 @@
-// FolderUtilities: the folders of the six cleaning categories, and the sizes of what lies in them. CleanablePlaces.h says what of it
-// may go.
+// FolderUtilities: the folders of the six cleaning categories, the sizes of what lies in them, and the one-shot right to clean them.
+// CleanablePlaces.h says what of it may go.
 #pragma once
 
 #include <cstdint>
@@ -10,6 +10,7 @@
 
 #include "engine/files/Catalog.h"
 #include "engine/files/TreeSize.h"
+#include "platform/authorization.h"
 #include "platform/files.h"
 #include "platform/folders.h"
 
@@ -45,6 +46,13 @@ public:
     /// The folder to show for a path: a plain folder shows itself; a file, a missing path and an application bundle show
     /// the folder that they are in.
     [[nodiscard]] std::string getFolderFromFile(const std::string& path) const;
+
+    /// Asks the person for the administrator right once more, on a new reference. The one handed in stays as it was, and nothing
+    /// frees the new one: the answer tells only that the person agreed.
+    [[nodiscard]] static bool CreateAuthoration(AuthorizationRef reference);
+
+    /// Frees the reference; false when the platform does not know it.
+    [[nodiscard]] static bool DeleteAuthoration(AuthorizationRef reference);
 
 private:
     [[nodiscard]] std::vector<std::string> trashFolders() const;

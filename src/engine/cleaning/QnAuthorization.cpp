@@ -11,8 +11,6 @@
 namespace orrinvale {
 namespace {
 
-constexpr std::int32_t kSuccess = AuthorizationStatus::success;
-
 /// Stands where no platform was handed over.
 class NoPlatform final : public Authorization {
 public:
@@ -35,13 +33,6 @@ public:
     void setLostHandler(std::function<void(AuthorizationRefusal)>) override {}
 };
 
-/// True when the step worked; the line of the log otherwise.
-bool worked(std::string_view failure, std::int32_t status) {
-    if (status == kSuccess) return true;
-    Log::line(fmt::format("{}: {}", failure, status));
-    return false;
-}
-
 }  // namespace
 
 QnAuthorization& QnAuthorization::shareQnAuthorization() {
@@ -58,6 +49,12 @@ void QnAuthorization::setParts(AuthorizationParts parts) {
 void QnAuthorization::setRightLostHandler(std::function<void(AuthorizationRefusal)> handler) {
     const std::lock_guard guard(m_mutex);
     m_rightLostHandler = std::move(handler);
+}
+
+bool QnAuthorization::worked(std::string_view failure, std::int32_t status) {
+    if (status == AuthorizationStatus::success) return true;
+    Log::line(fmt::format("{}: {}", failure, status));
+    return false;
 }
 
 Authorization& QnAuthorization::platform() const {

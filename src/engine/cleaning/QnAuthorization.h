@@ -7,6 +7,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "engine/files/EntryIdentity.h"
@@ -78,6 +79,9 @@ public:
 
     /// The platform that the right comes from; one that refuses everything when none was handed over.
     [[nodiscard]] Authorization& platform() const;
+
+    /// Whether a step of the platform worked; if not, the log gets "FAILURE: STATUS".
+    [[nodiscard]] static bool worked(std::string_view failure, std::int32_t status);
 
     std::atomic<AuthorizationRef> authorizationRef{AuthorizationRef::null};  ///< valid while isValidAuth is set; owned
     std::atomic<bool> isValidAuth{false};                                    ///< the right is held or being acquired

@@ -22,11 +22,6 @@ constexpr std::size_t kMostOutput = 128;
 constexpr std::uint32_t kOpenToAll = 0777;
 constexpr std::string_view kChanged = "changed since the scan";
 
-std::string folderOf(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    return slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
-}
-
 SysResult<FileAttributes> attributesAt(const FileSystem& files, const std::string& path) {
     if (path.size() < PATH_MAX) return files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);
     const auto parent = openFolderByPath(files, folderOf(path), Links::Follow);
@@ -169,14 +164,14 @@ ProtectedPlaces QnAuthorization::protectedPlaces() {
 
 bool QnAuthorization::removeItemAtPath(const std::string& path) {
     const FileSystem* const files = shareQnAuthorization().m_parts.files;
-    const auto plain = ProtectedPlaces::plainPath(path);
+    const auto plain = plainPath(path);
     if (files == nullptr || !plain || path.size() >= PATH_MAX) return false;
     return !runTool(*files, *plain, attributesAt(*files, *plain));
 }
 
 bool QnAuthorization::synFastRemovePath(const std::string& path) {
     const AuthorizationParts& parts = shareQnAuthorization().m_parts;
-    const auto plain = ProtectedPlaces::plainPath(path);
+    const auto plain = plainPath(path);
     if (parts.files == nullptr || !plain) return false;
     return Door(*parts.files, parts.permissions, protectedPlaces(), *plain).remove(std::nullopt, nullptr).gone;
 }
@@ -184,7 +179,7 @@ bool QnAuthorization::synFastRemovePath(const std::string& path) {
 FastRemoval QnAuthorization::synFastRemovePath(const std::string& path, const EntryIdentity& expected,
                                                const ProtectedPlaces& places, const std::atomic<bool>* stop) {
     const AuthorizationParts& parts = shareQnAuthorization().m_parts;
-    const auto plain = ProtectedPlaces::plainPath(path);
+    const auto plain = plainPath(path);
     if (parts.files == nullptr || !plain) return {.reason = "not a plain absolute path"};
     return Door(*parts.files, parts.permissions, places, *plain).remove(expected, stop);
 }

@@ -130,7 +130,7 @@ OSErr Catalog::FSGetCatalogInfo(const FSRef& ref, FSCatalogInfo& info) const {
 std::optional<std::string> Catalog::FSRefMakePath(const FSRef& ref) const {
     FSCatalogInfo entry;
     if (FSGetCatalogInfo(ref, entry) != noErr) return std::nullopt;
-    auto path = m_files.pathOf(ref.base());
+    auto path = m_files.placeOf(ref.base());
     if (!path) return std::nullopt;
     if (!ref.name().empty()) *path = joinPath(*path, ref.name());
     if (path->size() > longestMade) return std::nullopt;

@@ -12,18 +12,13 @@
 #include <utility>
 
 #include "engine/base/Log.h"
+#include "platform/paths.h"
 
 namespace orrinvale {
 namespace {
 
 constexpr std::chrono::milliseconds kLockPause{5};
 constexpr int kLockTries = 400;  // two seconds
-
-std::string folderOf(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    if (slash == std::string::npos) return ".";
-    return slash == 0 ? "/" : path.substr(0, slash);
-}
 
 Error notRegular(std::string_view operation, const std::string& path) {
     return Error{ErrorKind::NotARegularFile, operation, path, 0};

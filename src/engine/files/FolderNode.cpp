@@ -11,15 +11,6 @@ constexpr std::size_t longestPath = 4000;  // below PATH_MAX (4096), which count
 
 }  // namespace
 
-std::string joinPath(std::string_view folder, std::string_view name) {
-    std::string out;
-    out.reserve(folder.size() + name.size() + 1);
-    out += folder;
-    if (!folder.empty() && folder.back() != '/') out += '/';
-    out += name;
-    return out;
-}
-
 std::string pathOf(const FolderNode& folder, std::string_view name) {
     std::size_t length = name.size();
     const FolderNode* root = &folder;
@@ -44,20 +35,6 @@ std::string pathOf(const FolderNode& folder, std::string_view name) {
 std::string pathOf(const FolderNode& folder) {
     if (folder.parent == nullptr) return folder.name;
     return pathOf(*folder.parent, folder.name);
-}
-
-std::string_view lastPathComponent(std::string_view path) {
-    while (path.size() > 1 && path.back() == '/') path.remove_suffix(1);
-    const std::size_t slash = path.rfind('/');
-    if (slash == std::string_view::npos || path.size() == 1) return path;
-    return path.substr(slash + 1);
-}
-
-std::string_view pathExtension(std::string_view path) {
-    const std::string_view name = lastPathComponent(path);
-    const std::size_t dot = name.rfind('.');
-    if (dot == std::string_view::npos || dot == 0) return {};
-    return name.substr(dot + 1);
 }
 
 SysResult<Descriptor> openFolderByPath(const FileSystem& files, const std::string& path, Links last) {

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "platform/files.h"
+#include "platform/paths.h"
 
 namespace orrinvale {
 
@@ -22,15 +23,6 @@ struct FolderNode {
 /// The path of the folder, or of the entry with that name in it. Exact bytes, no limit of length.
 [[nodiscard]] std::string pathOf(const FolderNode& folder);
 [[nodiscard]] std::string pathOf(const FolderNode& folder, std::string_view name);
-
-/// `folder` and `name` with one slash between them.
-[[nodiscard]] std::string joinPath(std::string_view folder, std::string_view name);
-
-/// The last component of a path; the path itself where it has no slash, "/" for the root.
-[[nodiscard]] std::string_view lastPathComponent(std::string_view path);
-
-/// What stands behind the last dot of the last component; empty when there is none, or nothing stands before the dot.
-[[nodiscard]] std::string_view pathExtension(std::string_view path);
 
 /// Opens a folder by its path, also one longer than the system's limit for a path: it is then opened piece by piece. Links on
 /// the way are followed; the caller compares identities where that matters.

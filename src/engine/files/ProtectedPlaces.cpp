@@ -48,21 +48,6 @@ std::string_view homeOfLine(std::string_view line) {
 
 }  // namespace
 
-std::optional<std::string> ProtectedPlaces::plainPath(std::string_view path) {
-    if (path.empty() || path.front() != '/' || path.find('\0') != std::string_view::npos) return std::nullopt;
-    std::string plain;
-    while (!path.empty()) {
-        path.remove_prefix(std::min(path.find_first_not_of('/'), path.size()));
-        const std::string_view name = path.substr(0, path.find('/'));
-        path.remove_prefix(name.size());
-        if (name == "..") return std::nullopt;
-        if (name.empty() || name == ".") continue;
-        plain += '/';
-        plain += name;
-    }
-    return plain.empty() ? "/" : plain;
-}
-
 ProtectedPlaces ProtectedPlaces::ofThisMachine(const FileSystem& files, const std::vector<std::string>& ownFiles) {
     // What comes later gives its reason to a place that is several things.
     ProtectedPlaces places;
@@ -79,7 +64,7 @@ void ProtectedPlaces::addMounts(const FileSystem& files) {
     m_blind = !mounts || mounts->empty();
     if (m_blind) return;
     for (const MountPoint& mount : *mounts)
-        if (mount.mayHang) m_mayHang.push_back(mount.path);
+        if (mount.mayHang && mount.path != "/") m_mayHang.push_back(mount.path);  // without its root nothing answers
     for (const MountPoint& mount : *mounts) protect(files, mount.path, std::string(mountReason));
 }
 
@@ -144,9 +129,8 @@ std::optional<ProtectedPlaces::Identity> ProtectedPlaces::identityOf(const FileS
 }
 
 bool ProtectedPlaces::mayHang(std::string_view path) const {
-    return std::any_of(m_mayHang.begin(), m_mayHang.end(), [&](const std::string& mount) {
-        return path.starts_with(mount) && (path.size() == mount.size() || path[mount.size()] == '/');
-    });
+    return std::any_of(m_mayHang.begin(), m_mayHang.end(),
+                       [&](const std::string& mount) { return isWithin(path, mount); });
 }
 
 std::optional<std::string> ProtectedPlaces::refusal(std::string_view path, const FileAttributes& entry) const {

@@ -34,9 +34,6 @@ public:
     /// Why the entry may not be removed, or nothing when it may. `path` is absolute and without ".."; others are refused.
     [[nodiscard]] std::optional<std::string> refusal(std::string_view path, const FileAttributes& entry) const;
 
-    /// The path without repeated slashes, slashes at the end and "."; nothing when it is relative, or has ".." or a NUL in it.
-    [[nodiscard]] static std::optional<std::string> plainPath(std::string_view path);
-
 private:
     using Identity = std::pair<std::uint64_t, std::uint64_t>;  // device, inode
 

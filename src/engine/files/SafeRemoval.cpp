@@ -25,11 +25,6 @@ void fail(RemovalResult& result, const std::string& path, int error) {
     fail(result, path, systemError("remove", {}, error).reason());
 }
 
-std::string folderOf(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    return slash == 0 ? "/" : path.substr(0, slash);
-}
-
 // Once, and then held. A path longer than the system's limit is gone through piece by piece, each from the one before.
 SysResult<Descriptor> hold(const FileSystem& files, const std::string& path) {
     Descriptor base;
@@ -60,7 +55,7 @@ std::string lineOf(const std::string& path, const RemovalResult& result) {
 RemovalResult SafeRemoval::remove(const std::string& path, const std::optional<EntryIdentity>& expected,
                                   const std::atomic<bool>* stop) const {
     RemovalResult result;
-    const auto plain = ProtectedPlaces::plainPath(path);
+    const auto plain = plainPath(path);
     if (!plain) {
         fail(result, path, "not a plain absolute path");
     } else if (*plain == "/") {

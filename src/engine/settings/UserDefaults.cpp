@@ -12,6 +12,7 @@
 #include "engine/files/DurableFile.h"
 #include "engine/settings/SettingsText.h"
 #include "engine/settings/UserFolders.h"
+#include "platform/paths.h"
 
 namespace orrinvale {
 namespace {
@@ -134,8 +135,7 @@ Result<SettingValues> UserDefaults::read() const {
 }
 
 Result<SettingValues> UserDefaults::write(const SettingValues& changes) const {
-    if (auto made = DurableFile::makeFolder(m_path.substr(0, m_path.rfind('/'))); !made)
-        return tl::unexpected(std::move(made.error()));
+    if (auto made = DurableFile::makeFolder(folderOf(m_path)); !made) return tl::unexpected(std::move(made.error()));
     auto file = DurableFile::begin(m_path);
     if (!file) return tl::unexpected(std::move(file.error()));
     auto stored = storedNow(file->current(kSettingsTextLimit, isReadable));

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "engine/duplicates/tree/IconRequest.h"
+#include "engine/base/IconRequest.h"
 
 namespace orrinvale {
 

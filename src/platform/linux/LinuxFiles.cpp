@@ -1,4 +1,4 @@
-// Listing, attributes and opening on Linux. Reading is in LinuxReading.cpp.
+// Listing, attributes and opening on Linux. Reading is in LinuxReading.cpp, the table of mounts in LinuxMounts.cpp.
 #include "platform/linux/LinuxFiles.h"
 
 #include <dirent.h>
@@ -12,11 +12,10 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <charconv>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <string>
-#include <string_view>
 
 namespace orrinvale {
 namespace {
@@ -96,12 +95,6 @@ SysResult<Descriptor> openRetrying(int parent, const char* name, int flags) {
 
 bool isDots(const char* name) { return name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0)); }
 
-// File systems that hold no files of people: kernel interfaces, and the trigger of the automounter.
-constexpr std::array<std::string_view, 21> kernelFileSystems{
-    "proc",    "sysfs",      "devtmpfs", "devpts",    "cgroup", "cgroup2",    "debugfs",
-    "tracefs", "securityfs", "pstore",   "bpf",       "mqueue", "hugetlbfs",  "configfs",
-    "fusectl", "efivarfs",   "autofs",   "selinuxfs", "nsfs",   "rpc_pipefs", "binfmt_misc"};
-
 }  // namespace
 
 SysResult<Descriptor> LinuxFileSystem::openFolder(int parent, const char* name, Links links) const {
@@ -158,12 +151,11 @@ SysResult<Descriptor> LinuxFileSystem::holdEntry(int parent, const char* name) c
     return openRetrying(parent, name, O_PATH | O_NOFOLLOW | O_CLOEXEC);
 }
 
-SysResult<std::string> LinuxFileSystem::pathOf(int descriptor) const {
+SysResult<std::string> LinuxFileSystem::placeOf(int descriptor) const {
     const std::string link = "/proc/self/fd/" + std::to_string(descriptor);
-    std::array<char, 4097> path;
+    std::array<char, PATH_MAX> path;  // the system gives no more, ENAMETOOLONG before that
     const ssize_t length = ::readlink(link.c_str(), path.data(), path.size());
     if (length < 0) return tl::unexpected(errno);
-    if (static_cast<std::size_t>(length) == path.size()) return tl::unexpected(ENAMETOOLONG);
     return std::string(path.data(), static_cast<std::size_t>(length));
 }
 
@@ -191,40 +183,6 @@ SysResult<Descriptor> LinuxFileSystem::openFile(int parent, const char* name, Li
         state.denyNoAccessTime = true;
     }
     return openRetrying(parent, name, flags);
-}
-
-std::vector<std::uint64_t> LinuxFileSystem::kernelDevices() const {
-    std::vector<std::uint64_t> devices;
-    auto file = openRetrying(AT_FDCWD, "/proc/self/mountinfo", O_RDONLY | O_CLOEXEC);
-    if (!file) return devices;
-    std::string text;
-    std::array<char, 16384> piece;
-    for (ssize_t count = 0; (count = ::read(file->get(), piece.data(), piece.size())) > 0;)
-        text.append(piece.data(), static_cast<std::size_t>(count));
-
-    // proc(5): "36 35 98:0 /root /point options tags - type source options"
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t end = std::min(text.find('\n', at), text.size());
-        const std::string_view line(text.data() + at, end - at);
-        at = end + 1;
-        const std::size_t dash = line.find(" - ");
-        if (dash == std::string_view::npos) continue;
-        const std::string_view type = line.substr(dash + 3, line.find(' ', dash + 3) - dash - 3);
-        if (std::find(kernelFileSystems.begin(), kernelFileSystems.end(), type) == kernelFileSystems.end()) continue;
-        std::size_t field = line.find(' ');
-        if (field != std::string_view::npos) field = line.find(' ', field + 1);
-        if (field == std::string_view::npos) continue;
-        unsigned major = 0;
-        unsigned minor = 0;
-        const char* const last = line.data() + line.size();
-        const auto middle = std::from_chars(line.data() + field + 1, last, major);
-        if (middle.ec != std::errc{} || middle.ptr == last || *middle.ptr != ':') continue;
-        if (std::from_chars(middle.ptr + 1, last, minor).ec != std::errc{}) continue;
-        devices.push_back(::makedev(major, minor));
-    }
-    std::sort(devices.begin(), devices.end());
-    devices.erase(std::unique(devices.begin(), devices.end()), devices.end());
-    return devices;
 }
 
 SysResult<std::string> LinuxFileSystem::resolved(const std::string& path) const {

@@ -32,11 +32,10 @@ public:
     SysResult<Descriptor> holdFolder(int parent, const char* path, Links onTheWay) const override;
     SysResult<Descriptor> openInside(int parent, const char* name) const override;
     SysResult<void> removeEntry(int folder, const char* name, FileType type) const override;
-    SysResult<std::string> placeOf(int folder) const override;
+    SysResult<std::string> placeOf(int descriptor) const override;
     SysResult<std::vector<MountPoint>> mountPoints() const override;
     void readSizes(int folder, std::span<CatalogEntry> entries) const override;
     SysResult<Descriptor> holdEntry(int parent, const char* name) const override;
-    SysResult<std::string> pathOf(int descriptor) const override;
 };
 
 /// The program's own files: its executables, and its folders "share" and "libexec" where it is installed. Absolute paths, for

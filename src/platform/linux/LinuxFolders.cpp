@@ -1,73 +1,26 @@
 // LinuxFolders: see LinuxFolders.h.
 #include "platform/linux/LinuxFolders.h"
 
-#include <fcntl.h>
-#include <pwd.h>
+#include <fmt/format.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <array>
+#include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 
-#include "platform/descriptor.h"
+#include "platform/linux/SystemText.h"
+#include "platform/paths.h"
 
 namespace orrinvale {
 namespace {
 
 constexpr std::size_t mostUserDirs = 64 * 1024;  // bytes; the file that desktops write has less than one thousand
 
-std::string absoluteVariable(const char* name) {
-    const char* const value = std::getenv(name);
-    return value != nullptr && *value == '/' ? value : "";
-}
-
-std::string homeInDatabase(uid_t user) {
-    std::vector<char> buffer(16384);
-    passwd entry{};
-    passwd* found = nullptr;
-    if (::getpwuid_r(user, &entry, buffer.data(), buffer.size(), &found) != 0 || found == nullptr) return {};
-    return found->pw_dir != nullptr && *found->pw_dir == '/' ? found->pw_dir : "";
-}
-
-// The same path with no slash at its end, no doubled one and no "."; nothing for one that climbs by "..", as nobody can tell
-// from the text alone where it leads.
-std::optional<std::string> plain(std::string_view path) {
-    std::string out;
-    for (std::size_t at = 0; at < path.size();) {
-        const std::size_t end = std::min(path.find('/', at), path.size());
-        const std::string_view component = path.substr(at, end - at);
-        at = end + 1;
-        if (component == "..") return std::nullopt;
-        if (!component.empty() && component != ".") (out += '/') += component;
-    }
-    return out.empty() ? "/" : out;
-}
-
 // A folder that is to be emptied must never be the home folder, nor one above it.
-bool holdsHome(const std::string& path, const std::string& home) {
-    return path == "/" || home == path || home.starts_with(path + '/');
-}
+bool holdsHome(const std::string& path, const std::string& home) { return path == "/" || isWithin(home, path); }
 
 bool isFolder(const std::string& path) {
     struct stat entry {};
     return ::stat(path.c_str(), &entry) == 0 && S_ISDIR(entry.st_mode);
-}
-
-// The text of a small regular file; nothing when it is missing, something else, or too large.
-std::optional<std::string> smallFile(const std::string& path) {
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    struct stat entry {};
-    if (!file.isOpen() || ::fstat(file.get(), &entry) != 0 || !S_ISREG(entry.st_mode)) return std::nullopt;
-    std::string text;
-    std::array<char, 4096> piece;
-    for (;;) {
-        const ssize_t count = ::read(file.get(), piece.data(), piece.size());
-        if (count == 0) return text;
-        if (count < 0 && errno == EINTR) continue;
-        if (count < 0 || text.size() + static_cast<std::size_t>(count) > mostUserDirs) return std::nullopt;
-        text.append(piece.data(), static_cast<std::size_t>(count));
-    }
 }
 
 std::string_view trimmed(std::string_view text) {
@@ -96,7 +49,7 @@ std::optional<std::string> userDirectory(std::string_view value, const std::stri
     if (!path) return std::nullopt;
     if (path->starts_with(variable) && (path->size() == variable.size() || (*path)[variable.size()] == '/'))
         path->replace(0, variable.size(), home);
-    return path->starts_with('/') ? plain(*path) : std::nullopt;
+    return plainPath(*path);
 }
 
 enum class Owned { Missing, Mine, Foreign };
@@ -114,17 +67,6 @@ bool isSharedTrash(const std::string& path) {
 
 }  // namespace
 
-FolderVariables FolderVariables::ofThisProcess() {
-    FolderVariables out{.home = absoluteVariable("HOME"),
-                        .cacheHome = absoluteVariable("XDG_CACHE_HOME"),
-                        .configHome = absoluteVariable("XDG_CONFIG_HOME"),
-                        .dataHome = absoluteVariable("XDG_DATA_HOME"),
-                        .stateHome = absoluteVariable("XDG_STATE_HOME"),
-                        .user = ::getuid()};
-    if (out.home.empty()) out.home = homeInDatabase(out.user);
-    return out;
-}
-
 std::optional<std::string> downloadsIn(std::string_view userDirs, const std::string& home) {
     std::optional<std::string> found;
     for (std::size_t at = 0; at < userDirs.size();) {
@@ -140,11 +82,11 @@ std::optional<std::string> downloadsIn(std::string_view userDirs, const std::str
 
 LinuxFolders::LinuxFolders(FolderVariables variables) : m_variables(std::move(variables)) {}
 
-std::string LinuxFolders::home() const { return m_variables.home.empty() ? "" : plain(m_variables.home).value_or(""); }
+std::string LinuxFolders::home() const { return plainPath(m_variables.home).value_or(std::string()); }
 
 std::string LinuxFolders::below(const std::string& chosen, const char* usual) const {
     const std::string start = home();
-    const auto path = chosen.starts_with('/') ? plain(chosen) : std::nullopt;
+    const auto path = plainPath(chosen);
     if (path && !holdsHome(*path, start)) return *path;
     return start.empty() ? start : start + usual;
 }
@@ -163,8 +105,8 @@ std::vector<std::string> LinuxFolders::userLogs() const {
 }
 
 std::string LinuxFolders::downloads() const {
-    const auto text = smallFile(below(m_variables.configHome, "/.config") + "/user-dirs.dirs");
-    const auto chosen = text ? downloadsIn(*text, home()) : std::nullopt;
+    const auto text = readSystemText(below(m_variables.configHome, "/.config") + "/user-dirs.dirs", mostUserDirs);
+    const auto chosen = text && text->size() < mostUserDirs ? downloadsIn(*text, home()) : std::nullopt;
     if (!chosen) return below({}, "/Downloads");
     return holdsHome(*chosen, home()) ? std::string() : *chosen;  // desktops write the home folder for "none"
 }
@@ -185,6 +127,17 @@ std::vector<std::string> LinuxFolders::volumeTrash(const std::string& root) cons
     const Owned owner = whose(own, m_variables.user);
     if (owner == Owned::Mine || (owner == Owned::Missing && out.empty())) out.push_back(own + "/files");
     return out;
+}
+
+std::optional<std::string> LinuxFolders::trashRecordOf(const std::string& path) const {
+    const std::string entry = plainPath(path).value_or(std::string());
+    const std::string folder = folderOf(entry);
+    const std::string trash = folderOf(folder);
+    const std::string_view name = lastPathComponent(trash);
+    const bool isTrash =
+        name == "Trash" || name.starts_with(".Trash-") || lastPathComponent(folderOf(trash)) == ".Trash";
+    if (!isTrash || lastPathComponent(folder) != "files") return std::nullopt;
+    return fmt::format("{}/info/{}.trashinfo", trash, lastPathComponent(entry));
 }
 
 }  // namespace orrinvale

@@ -1,26 +1,13 @@
 // Folders by the desktop's base directories and its trash. Read platform/folders.h first.
 #pragma once
 
-#include <sys/types.h>
-
 #include <optional>
 #include <string_view>
 
+#include "platform/FolderVariables.h"
 #include "platform/folders.h"
 
 namespace orrinvale {
-
-/// What the environment says; see the XDG base directory specification. Read once, since getenv(3) is not safe beside setenv(3).
-struct FolderVariables {
-    std::string home{};       ///< HOME, or where it is missing or relative, the user database
-    std::string cacheHome{};  ///< XDG_CACHE_HOME, and so on; relative values count as missing
-    std::string configHome{};
-    std::string dataHome{};
-    std::string stateHome{};
-    uid_t user = 0;
-
-    [[nodiscard]] static FolderVariables ofThisProcess();
-};
 
 /// Caches and logs of the system are /var/cache and /var/log.
 class LinuxFolders final : public Folders {
@@ -44,6 +31,8 @@ public:
     /// $topdir/.Trash/$uid and $topdir/.Trash-$uid, the first only below a real folder with the sticky bit; both only as
     /// real folders of this user. Anything else may have been put there to have other folders emptied.
     [[nodiscard]] std::vector<std::string> volumeTrash(const std::string& root) const override;
+
+    [[nodiscard]] std::optional<std::string> trashRecordOf(const std::string& path) const override;
 
 private:
     [[nodiscard]] std::string below(const std::string& chosen, const char* usual) const;

@@ -8,21 +8,22 @@
 
 #include <cerrno>
 
+#include "platform/paths.h"
+
 namespace orrinvale {
 namespace {
 
 constexpr mode_t kPermissions = 07777;
 
-struct Place {
+struct HeldName {
     Descriptor parent;
     std::string name;
 };
 
-Place placeOf(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    if (slash == std::string::npos || slash + 1 == path.size()) return {};
-    const std::string parent = slash == 0 ? "/" : path.substr(0, slash);
-    return {Descriptor(::open(parent.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)), path.substr(slash + 1)};
+HeldName hold(const std::string& path) {
+    if (path.find('/') == std::string::npos || path.ends_with('/')) return {};
+    return {Descriptor(::open(folderOf(path).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)),
+            std::string(lastPathComponent(path))};
 }
 
 bool isHeldBySticky(const struct stat& parent, const struct stat& entry, uid_t user) {
@@ -36,7 +37,7 @@ bool isClosedToOwner(const struct stat& entry, uid_t user) {
 }  // namespace
 
 bool LinuxPermissions::isDeletable(const std::string& path) const {
-    const Place place = placeOf(path);
+    const HeldName place = hold(path);
     if (!place.parent.isOpen()) return false;
     struct stat parent {};
     struct stat entry {};
@@ -50,7 +51,7 @@ bool LinuxPermissions::isDeletable(const std::string& path) const {
 
 SysResult<std::uint32_t> LinuxPermissions::exchangeMode(const std::string& path, std::uint64_t device,
                                                         std::uint64_t inode, std::uint32_t mode) const {
-    const Place place = placeOf(path);
+    const HeldName place = hold(path);
     if (!place.parent.isOpen()) return tl::unexpected(errno);
     const Descriptor entry(::openat(place.parent.get(), place.name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     struct stat seen {};

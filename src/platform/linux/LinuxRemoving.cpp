@@ -1,4 +1,4 @@
-// What removing needs of Linux: holding folders by path, opening and removing by name, the table of mounts.
+// What removing needs of Linux: holding folders by path, opening and removing by name.
 #include <fcntl.h>
 #include <linux/magic.h>
 #include <linux/openat2.h>
@@ -17,8 +17,7 @@
 namespace orrinvale {
 namespace {
 
-constexpr int mostLinks = 40;                                     // as the kernel, path_resolution(7)
-constexpr std::size_t mostOfMountTable = std::size_t{16} << 20U;  // 100,000 mounts (fs.mount-max) of usual length
+constexpr int mostLinks = 40;  // as the kernel, path_resolution(7)
 
 SysResult<Descriptor> openResolving(int parent, const char* path, int flags, unsigned resolve) {
     open_how how{};
@@ -102,44 +101,6 @@ private:
     int m_links = 0;
 };
 
-// proc(5): space, tab, line break and backslash are written as three octal digits behind a backslash.
-std::string unescaped(std::string_view field) {
-    const auto digit = [](char c) { return c >= '0' && c <= '7'; };
-    std::string out;
-    for (std::size_t at = 0; at < field.size(); ++at) {
-        if (field[at] == '\\' && at + 3 < field.size() && digit(field[at + 1]) && digit(field[at + 2]) &&
-            digit(field[at + 3])) {
-            out += static_cast<char>((field[at + 1] - '0') * 64 + (field[at + 2] - '0') * 8 + field[at + 3] - '0');
-            at += 3;
-        } else {
-            out += field[at];
-        }
-    }
-    return out;
-}
-
-bool mayHang(std::string_view type) {
-    constexpr std::array<std::string_view, 12> starts{"fuse", "nfs",  "cifs", "smb",  "9p",     "afs",
-                                                      "ceph", "coda", "ncp",  "gfs2", "lustre", "autofs"};
-    return std::any_of(starts.begin(), starts.end(), [&](std::string_view start) { return type.starts_with(start); });
-}
-
-// "36 35 98:0 /root /point options tags - type source options"
-void addMount(std::string_view line, std::vector<MountPoint>& mounts) {
-    std::size_t begin = 0;
-    for (int field = 0; field < 4; ++field) {
-        begin = line.find(' ', begin);
-        if (begin == std::string_view::npos) return;
-        ++begin;
-    }
-    const std::size_t end = line.find(' ', begin);
-    if (end == std::string_view::npos) return;
-    const std::size_t dash = line.find(" - ", end);
-    std::string_view type = dash == std::string_view::npos ? std::string_view() : line.substr(dash + 3);
-    type = type.substr(0, type.find(' '));
-    mounts.push_back({unescaped(line.substr(begin, end - begin)), mayHang(type)});
-}
-
 }  // namespace
 
 SysResult<Descriptor> LinuxFileSystem::holdFolder(int parent, const char* path, Links onTheWay) const {
@@ -160,36 +121,6 @@ SysResult<void> LinuxFileSystem::removeEntry(int folder, const char* name, FileT
     while (::unlinkat(folder, name, type == FileType::Folder ? AT_REMOVEDIR : 0) != 0)
         if (errno != EINTR) return tl::unexpected(errno);
     return {};
-}
-
-SysResult<std::string> LinuxFileSystem::placeOf(int folder) const {
-    const std::string link = "/proc/self/fd/" + std::to_string(folder);
-    std::array<char, PATH_MAX> text;
-    const ssize_t length = ::readlink(link.c_str(), text.data(), text.size());
-    if (length < 0) return tl::unexpected(errno);
-    return std::string(text.data(), static_cast<std::size_t>(length));
-}
-
-SysResult<std::vector<MountPoint>> LinuxFileSystem::mountPoints() const {
-    auto table = openPlain(AT_FDCWD, "/proc/self/mountinfo", O_RDONLY);
-    if (!table) return tl::unexpected(table.error());
-    std::string text;
-    std::array<char, 16384> piece;
-    for (;;) {
-        const ssize_t count = ::read(table->get(), piece.data(), piece.size());
-        if (count == 0) break;
-        if (count < 0 && errno != EINTR) return tl::unexpected(errno);
-        if (count > 0) text.append(piece.data(), static_cast<std::size_t>(count));
-        // A table that was read in part would leave the rest unprotected.
-        if (text.size() > mostOfMountTable) return tl::unexpected(EFBIG);
-    }
-    std::vector<MountPoint> mounts;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t end = std::min(text.find('\n', at), text.size());
-        addMount(std::string_view(text).substr(at, end - at), mounts);
-        at = end + 1;
-    }
-    return mounts;
 }
 
 }  // namespace orrinvale

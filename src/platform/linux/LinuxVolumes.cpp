@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "platform/linux/LinuxVolumesChoice.h"
+#include "platform/paths.h"
 
 namespace orrinvale {
 namespace {
@@ -88,12 +89,12 @@ std::int32_t LinuxVolumes::FSGetVolumeParms(std::int16_t refNumber, GetVolParmsI
     buffer.vMVersion = kBufferVersion;
     buffer.vMServerAdr = serverAddressOf(row->mount);
     buffer.vMExtendedAttributes = m_devices.extendedAttributes(device);
-    buffer.vMDeviceID = lastComponent(device);
+    buffer.vMDeviceID = lastPathComponent(device);
     return noErr;
 }
 
 LinuxVolumes::Table LinuxVolumes::takeTable() {
-    auto mounts = chooseVolumes(parseMountInfo(readMountInfo(m_mountInfo)));
+    auto mounts = chooseVolumes(parseMountInfo(readMountInfo(m_mountInfo).value_or(std::string())));
     addMissingRoot(mounts);
     Table table;
     table.reserve(mounts.size());
@@ -135,7 +136,7 @@ void LinuxVolumes::forgetAllBut(const std::vector<MountEntry>& standing) {
 std::string LinuxVolumes::nameOf(const MountEntry& mount) const {
     std::string label = m_devices.labelOf(m_devices.deviceOf(mount));
     if (!label.empty()) return label;
-    return mount.point == "/" ? "System" : std::string(lastComponent(mount.point));
+    return mount.point == "/" ? "System" : std::string(lastPathComponent(mount.point));
 }
 
 std::optional<RegistryMatching> LinuxVolumes::IOBSDNameMatching(const char* bsdName) const {

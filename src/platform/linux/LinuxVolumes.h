@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "platform/linux/LinuxVolumesDevices.h"
-#include "platform/linux/LinuxVolumesMounts.h"
 #include "platform/linux/LinuxVolumesSpace.h"
+#include "platform/linux/MountTable.h"
 #include "platform/volumes.h"
 
 namespace orrinvale {

@@ -8,6 +8,8 @@
 #include <unordered_map>
 #include <utility>
 
+#include "platform/paths.h"
+
 namespace orrinvale {
 namespace {
 
@@ -151,10 +153,6 @@ VolumeKey keyOf(const MountEntry& mount) {
 }
 
 }  // namespace
-
-bool isWithin(std::string_view path, std::string_view folder) {
-    return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
-}
 
 std::vector<MountEntry> chooseVolumes(const std::vector<MountEntry>& table) {
     HiddenMounts hidden(table);

@@ -1,11 +1,11 @@
-// Which mounts are volumes to a person, and which of them a server gives. LinuxVolumesMounts.h is where they come from.
+// Which mounts are volumes to a person, and which of them a server gives. MountTable.h is where they come from.
 #pragma once
 
 #include <cstdint>
 #include <string_view>
 #include <vector>
 
-#include "platform/linux/LinuxVolumesMounts.h"
+#include "platform/linux/MountTable.h"
 
 namespace orrinvale {
 
@@ -27,8 +27,5 @@ namespace orrinvale {
 /// "server" of "user@server:/path", "//server/share", "https://server/path", "[fe80::1]:/path"; the whole source where it
 /// has no such form.
 [[nodiscard]] std::string_view serverOfSource(std::string_view source);
-
-/// True for the folder itself and everything below it; both absolute, without a slash at the end.
-[[nodiscard]] bool isWithin(std::string_view path, std::string_view folder);
 
 }  // namespace orrinvale

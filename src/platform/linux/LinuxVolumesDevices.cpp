@@ -15,7 +15,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/linux/LinuxVolumesChoice.h"
+#include "platform/linux/SystemText.h"
+#include "platform/paths.h"
 
 namespace orrinvale {
 namespace {
@@ -36,7 +37,7 @@ std::string resolved(const std::string& path) {
 bool exists(const std::string& path) { return ::access(path.c_str(), F_OK) == 0; }
 
 std::string attribute(const std::string& path) {
-    std::string text = readSystemText(path, attributeLimit);
+    std::string text = readSystemText(path, attributeLimit).value_or(std::string());
     while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();
     return text;
 }
@@ -89,10 +90,6 @@ std::string wholeOf(const std::string& device) {
 
 }  // namespace
 
-std::string_view lastComponent(std::string_view path) {
-    return path.size() <= 1 ? path : path.substr(path.rfind('/') + 1);
-}
-
 // Resolved, since all other paths come out resolved and are compared with it.
 LinuxVolumesDevices::LinuxVolumesDevices(const std::string& sys, std::string udev)
     : m_sys(resolved(sys)), m_udev(std::move(udev)) {}
@@ -104,7 +101,7 @@ std::string LinuxVolumesDevices::deviceOf(const MountEntry& mount) const {
     const bool namesDevice = mount.type == "btrfs" || mount.type == "bcachefs" || mount.type == "fuseblk";
     if (!namesDevice || !mount.source.starts_with("/dev/")) return {};
     const std::string node = resolved(mount.source);  // from /dev/mapper/x, /dev/disk/by-label/x
-    return deviceNamed(lastComponent(isWithin(node, "/dev") ? std::string_view(node) : mount.source));
+    return deviceNamed(lastPathComponent(isWithin(node, "/dev") ? std::string_view(node) : mount.source));
 }
 
 std::string LinuxVolumesDevices::deviceNamed(std::string_view name) const {
@@ -119,7 +116,7 @@ std::uint32_t LinuxVolumesDevices::extendedAttributes(const std::string& device)
 std::uint32_t LinuxVolumesDevices::attributesOfWhole(const std::string& whole, int levelsLeft) const {
     std::uint32_t bits = 0;
     const std::string kind = attribute(whole + "/device/type");
-    if (attribute(whole + "/removable") == "1" || kind == opticalDrive || isNumbered(lastComponent(whole), "loop"))
+    if (attribute(whole + "/removable") == "1" || kind == opticalDrive || isNumbered(lastPathComponent(whole), "loop"))
         bits |= removableBits;
     if (kind == "SD") bits |= removableBits | bit(bIsOnExternalBus);
     if (isOnExternalBus(whole)) bits |= bit(bIsOnExternalBus);
@@ -134,7 +131,7 @@ std::uint32_t LinuxVolumesDevices::attributesOfWhole(const std::string& whole, i
 
 bool LinuxVolumesDevices::isOnExternalBus(const std::string& whole) const {
     for (std::string folder = whole; !folder.empty(); folder = parentOf(folder)) {
-        const std::string_view name = lastComponent(folder);
+        const std::string_view name = lastPathComponent(folder);
         if (isNumbered(name, "usb") || isNumbered(name, "fw")) return true;
         // Of a bus device this says whether it came through a port on the outside; of a block device it is "0" or "1".
         if (attribute(folder + "/removable") == "removable") return true;
@@ -144,7 +141,8 @@ bool LinuxVolumesDevices::isOnExternalBus(const std::string& whole) const {
 
 std::string LinuxVolumesDevices::udevProperties(const std::string& device) const {
     const std::string number = device.empty() ? std::string() : attribute(device + "/dev");
-    return number.empty() ? std::string() : readSystemText(fmt::format("{}/data/b{}", m_udev, number), udevLimit);
+    if (number.empty()) return {};
+    return readSystemText(fmt::format("{}/data/b{}", m_udev, number), udevLimit).value_or(std::string());
 }
 
 std::string LinuxVolumesDevices::labelOf(const std::string& device) const {
@@ -157,7 +155,7 @@ std::string LinuxVolumesDevices::labelOf(const std::string& device) const {
 bool LinuxVolumesDevices::isBlockDevice(const std::string& folder) const {
     std::array<char, PATH_MAX> target;
     const ssize_t length = ::readlink((folder + "/subsystem").c_str(), target.data(), target.size());
-    return length > 0 && lastComponent({target.data(), static_cast<std::size_t>(length)}) == "block";
+    return length > 0 && lastPathComponent({target.data(), static_cast<std::size_t>(length)}) == "block";
 }
 
 std::optional<bool> LinuxVolumesDevices::isWhole(const std::string& device) const {

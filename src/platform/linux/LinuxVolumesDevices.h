@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/linux/LinuxVolumesMounts.h"
+#include "platform/linux/MountTable.h"
 #include "platform/volumes.h"
 
 namespace orrinvale {
@@ -54,9 +54,6 @@ private:
     std::string m_sys;
     std::string m_udev;
 };
-
-/// The last component of a path without a slash at the end; "/" for the root.
-[[nodiscard]] std::string_view lastComponent(std::string_view path);
 
 /// The object in the tree of devices of a folder in sysfs, and the iterator over its parents; null when the folder is gone.
 [[nodiscard]] RegistryEntryRef registryEntryOf(const LinuxVolumesDevices& devices, std::string folder);

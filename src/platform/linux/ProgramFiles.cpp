@@ -4,14 +4,10 @@
 #include <string_view>
 
 #include "platform/linux/LinuxFiles.h"
+#include "platform/paths.h"
 
 namespace orrinvale {
 namespace {
-
-std::string folderOf(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    return slash == std::string::npos ? std::string() : path.substr(0, slash);
-}
 
 // Every entry of the folder that bears the program's name: executables, folders of data.
 void addOwn(const FileSystem& files, const std::string& folder, std::vector<std::string>& found) {
@@ -21,7 +17,7 @@ void addOwn(const FileSystem& files, const std::string& folder, std::vector<std:
     for (auto more = files.readFolder(opened->get(), batch); more && *more;
          more = files.readFolder(opened->get(), batch))
         for (const CatalogEntry& entry : batch.entries)
-            if (std::string_view(entry.name).starts_with("orrinvale")) found.push_back(folder + '/' + entry.name);
+            if (std::string_view(entry.name).starts_with("orrinvale")) found.push_back(joinPath(folder, entry.name));
 }
 
 }  // namespace
@@ -33,8 +29,8 @@ std::vector<std::string> programFilesAround(const std::string& executable) {
     addOwn(files, folder, found);
     if (!folder.ends_with("/bin") && !folder.ends_with("/libexec")) return found;
     const std::string prefix = folderOf(folder);
-    for (const char* const place : {"/bin", "/share", "/libexec"})
-        if (prefix + place != folder) addOwn(files, prefix + place, found);
+    for (const char* const name : {"bin", "share", "libexec"})
+        if (const std::string place = joinPath(prefix, name); place != folder) addOwn(files, place, found);
     return found;
 }
 

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "engine/files/DurableFile.h"
+#include "platform/paths.h"
 
 namespace orrinvale {
 namespace {
@@ -74,8 +75,7 @@ void SettingsKeeper::watch() {
     const std::string& path = m_defaults.path();
     const QString file = QFile::decodeName(path.c_str());
     const QString folder = QFileInfo(file).path();
-    if (!m_watcher.directories().contains(folder) && DurableFile::makeFolder(path.substr(0, path.rfind('/'))))
-        m_watcher.addPath(folder);
+    if (!m_watcher.directories().contains(folder) && DurableFile::makeFolder(folderOf(path))) m_watcher.addPath(folder);
     if (QFile::exists(file) && !m_watcher.files().contains(file)) m_watcher.addPath(file);
 }
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "engine/base/Log.h"
-#include "engine/cleaning/OneShotRight.h"
+#include "engine/cleaning/FolderUtilities.h"
 #include "engine/cleaning/QnAuthorization.h"
 #include "platform/fake/FakeAuthorization.h"
 #include "platform/linux/LinuxPermissions.h"
@@ -125,11 +125,11 @@ TEST_F(Right, LosingItClosesThePadlockAndSaysWhy) {
 
 TEST_F(Right, AskingOnceMoreKeepsTheCallersReference) {
     const auto mine = AuthorizationRef{77};
-    EXPECT_TRUE(createOneShotRight(mine));
+    EXPECT_TRUE(FolderUtilities::CreateAuthoration(mine));
     EXPECT_THAT(system.calls, ElementsAre("create", "system.privilege.admin 19"));
-    EXPECT_FALSE(deleteOneShotRight(mine));
+    EXPECT_FALSE(FolderUtilities::DeleteAuthoration(mine));
     system.failures = {{"copyRights", -60006}};
-    EXPECT_FALSE(createOneShotRight(mine));
+    EXPECT_FALSE(FolderUtilities::CreateAuthoration(mine));
     EXPECT_THAT(lines, ElementsAre("Free Rights Unsuccessful: -60002", "Copy Rights Unsuccessful: -60006"));
 }
 

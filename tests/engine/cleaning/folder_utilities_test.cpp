@@ -115,6 +115,17 @@ TEST(TrashFolders, oneForTheHomesVolumeAndTheSafeOnesOfOthers) {
     EXPECT_EQ(foldersOf(variables, 4, {tree.at("foreign")}), Paths{});
 }
 
+TEST(TrashFolders, eachEntryHasARecord) {
+    const LinuxFolders folders(FolderVariables{});
+    const std::pair<const char*, const char*> cases[] = {
+        {"/h/.local/share/Trash/files/a b/", "/h/.local/share/Trash/info/a b.trashinfo"},
+        {"/m/.Trash/1000/files/x", "/m/.Trash/1000/info/x.trashinfo"},
+        {"/m/.Trash-1000/files/x", "/m/.Trash-1000/info/x.trashinfo"}};
+    for (const auto& [path, record] : cases) EXPECT_EQ(folders.trashRecordOf(path), record) << path;
+    for (const char* path : {"/h/files/x", "/h/Trash/files/x/y", "/Trash/files", "Trash/files/x", ""})
+        EXPECT_EQ(folders.trashRecordOf(path), std::nullopt) << path;
+}
+
 TEST(FolderUtilities, sizesPathsAndTheFolderToShow) {
     TestTree tree;
     ASSERT_TRUE(tree.write("f/file", "12345") && tree.write("f/In.APP/x", "1") && tree.symlink("f", "link"));
@@ -186,11 +197,6 @@ TEST(CleanablePlaces, whatNothingMakesAgainStays) {
         EXPECT_EQ(verdict.rule, each.rule) << each.path;
         EXPECT_EQ(verdict.reason.empty(), each.rule == Rule::MayGo) << each.path;
     }
-    EXPECT_EQ(trashRecordOf("/h/.local/share/Trash/files/a b/"), "/h/.local/share/Trash/info/a b.trashinfo");
-    EXPECT_EQ(trashRecordOf("/m/.Trash/1000/files/x"), "/m/.Trash/1000/info/x.trashinfo");
-    EXPECT_EQ(trashRecordOf("/m/.Trash-1000/files/x"), "/m/.Trash-1000/info/x.trashinfo");
-    for (const char* path : {"/h/files/x", "/h/Trash/files/x/y", "/Trash/files", "Trash/files/x", ""})
-        EXPECT_EQ(trashRecordOf(path), std::nullopt) << path;
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "engine/base/Date.h"
-#include "engine/duplicates/tree/IconRequest.h"
+#include "engine/base/IconRequest.h"
 #include "engine/duplicates/tree/TreeNode.h"
 #include "engine/files/EntryIdentity.h"
 

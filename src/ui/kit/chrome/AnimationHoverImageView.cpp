@@ -3,12 +3,10 @@
 #include "ui/kit/chrome/AnimationHoverImageView.h"
 
 #include <QEvent>
-#include <QFocusEvent>
-#include <QKeyEvent>
 #include <QPainter>
-#include <QStyle>
 
 #include "ui/kit/look/Theme.h"
+#include "ui/kit/look/motion.h"
 #include "ui/kit/look/picture.h"
 
 namespace orrinvale {
@@ -20,8 +18,7 @@ constexpr qreal ringRadius = 22;
 
 }  // namespace
 
-AnimationHoverImageView::AnimationHoverImageView(QWidget* parent) : QAbstractButton(parent) {
-    followTheme(*this);
+AnimationHoverImageView::AnimationHoverImageView(QWidget* parent) : DrawnButton(parent) {
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setCursor(Qt::PointingHandCursor);
@@ -99,7 +96,7 @@ QPixmap AnimationHoverImageView::shownPixmap() const {
 void AnimationHoverImageView::followLook() {
     const ButtonLook look = dueLook();
     if (look == m_look) return;
-    const bool animates = style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0;
+    const bool animates = mayAnimate(*this);
     const QPixmap before = animates && isVisible() ? shownPixmap() : QPixmap();
     m_fade.stop();
     m_look = look;
@@ -120,22 +117,13 @@ void AnimationHoverImageView::paintEvent(QPaintEvent*) {
     if (m_isDropTarget) {
         painter.setPen(QPen(Theme::shared().color(Theme::Color::Accent), 3));
         painter.drawRoundedRect(QRectF(rect()).adjusted(1.5, 1.5, -1.5, -1.5), ringRadius, ringRadius);
-    } else if (m_keyboardFocus.isShown(*this)) {
-        drawFocusRing(painter, QRectF(rect()), ringRadius);
+    } else {
+        drawFocus(painter, ringRadius);
     }
 }
 
-void AnimationHoverImageView::focusInEvent(QFocusEvent* event) {
-    m_keyboardFocus.focusIn(*event);
-    QAbstractButton::focusInEvent(event);
-}
-
-void AnimationHoverImageView::keyPressEvent(QKeyEvent* event) {
-    if (!clickedByEnter(*this, *event)) QAbstractButton::keyPressEvent(event);
-}
-
 bool AnimationHoverImageView::event(QEvent* event) {
-    const bool out = QAbstractButton::event(event);
+    const bool out = DrawnButton::event(event);
     switch (event->type()) {
         case QEvent::Enter:
         case QEvent::Leave:

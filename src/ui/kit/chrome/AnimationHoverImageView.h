@@ -1,19 +1,18 @@
 // AnimationHoverImageView: the large control of a start page that is one picture, and fades into another under the pointer.
 #pragma once
 
-#include <QAbstractButton>
 #include <QIcon>
 #include <QPixmap>
 #include <QVariantAnimation>
 
-#include "ui/kit/chrome/buttonLook.h"
+#include "ui/kit/chrome/DrawnButton.h"
 
 namespace orrinvale {
 
 /// Three pictures, for rest, hover and press; each change takes fadeMilliseconds, or none at all on a desktop without
 /// animations. clicked() comes from the mouse, the space bar and Enter. What is dropped on it goes to the view behind it, whose
 /// business it is to call setDropTarget() while something hangs over it.
-class AnimationHoverImageView final : public QAbstractButton {
+class AnimationHoverImageView final : public DrawnButton<QAbstractButton> {
     Q_OBJECT
 public:
     /// Long enough to be seen as one movement, short enough not to be waited for.
@@ -37,8 +36,6 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    void focusInEvent(QFocusEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
     bool event(QEvent* event) override;
 
 private:
@@ -54,7 +51,6 @@ private:
     ButtonLook m_look = ButtonLook::Normal;
     QPixmap m_before;  // what was seen when the fade began; null at rest
     QVariantAnimation m_fade;
-    KeyboardFocus m_keyboardFocus;
 };
 
 }  // namespace orrinvale

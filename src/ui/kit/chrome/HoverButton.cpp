@@ -1,8 +1,6 @@
 // HoverButton: see HoverButton.h. Its looks come from buttonLook.h.
 #include "ui/kit/chrome/HoverButton.h"
 
-#include <QFocusEvent>
-#include <QKeyEvent>
 #include <QPainter>
 
 #include <algorithm>
@@ -16,8 +14,7 @@ constexpr int iconGap = Theme::gapSmall - 2;
 
 }  // namespace
 
-HoverButton::HoverButton(QWidget* parent) : QAbstractButton(parent) {
-    followTheme(*this);
+HoverButton::HoverButton(QWidget* parent) : DrawnButton(parent) {
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     const auto takeFont = [this] { setFont(Theme::shared().font(Theme::Text::Body)); };
@@ -64,16 +61,7 @@ void HoverButton::paintEvent(QPaintEvent*) {
     painter.setPen(Theme::shared().color(isEnabled() ? Theme::Color::Text : Theme::Color::TextDisabled));
     painter.drawText(QRect(place.x(), 0, place.width() + 1, height()),
                      Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine | Qt::TextShowMnemonic, text());
-    if (m_keyboardFocus.isShown(*this)) drawFocusRing(painter, QRectF(rect()), Theme::radiusSmall + 2);
-}
-
-void HoverButton::focusInEvent(QFocusEvent* event) {
-    m_keyboardFocus.focusIn(*event);
-    QAbstractButton::focusInEvent(event);
-}
-
-void HoverButton::keyPressEvent(QKeyEvent* event) {
-    if (!clickedByEnter(*this, *event)) QAbstractButton::keyPressEvent(event);
+    drawFocus(painter, Theme::radiusSmall + 2);
 }
 
 }  // namespace orrinvale

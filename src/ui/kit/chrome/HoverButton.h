@@ -1,15 +1,13 @@
 // HoverButton: a quiet button whose frame shows only under the pointer or with the keyboard on it.
 #pragma once
 
-#include <QAbstractButton>
-
-#include "ui/kit/chrome/buttonLook.h"
+#include "ui/kit/chrome/DrawnButton.h"
 
 namespace orrinvale {
 
 /// Shows an icon, a text, or both, beside each other. Space and Enter click it. When it is checkable, its state on keeps a
 /// tinted frame.
-class HoverButton final : public QAbstractButton {
+class HoverButton final : public DrawnButton<QAbstractButton> {
     Q_OBJECT
 public:
     explicit HoverButton(QWidget* parent = nullptr);
@@ -19,14 +17,10 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    void focusInEvent(QFocusEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void drawFrame(QPainter& painter) const;
     [[nodiscard]] QSize contentSize() const;
-
-    KeyboardFocus m_keyboardFocus;
 };
 
 }  // namespace orrinvale

@@ -2,8 +2,6 @@
 #include "ui/kit/chrome/TCImageButton.h"
 
 #include <QEvent>
-#include <QFocusEvent>
-#include <QKeyEvent>
 #include <QPainter>
 
 #include <utility>
@@ -34,8 +32,7 @@ const QIcon& ButtonPictures::forLook(ButtonLook look) const {
     return due.isNull() ? normal : due;
 }
 
-TCImageButton::TCImageButton(QWidget* parent) : QAbstractButton(parent) {
-    followTheme(*this);
+TCImageButton::TCImageButton(QWidget* parent) : DrawnButton(parent) {
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
@@ -84,16 +81,7 @@ void TCImageButton::paintEvent(QPaintEvent*) {
     place.moveCenter(rect().center());
     const bool isFaint = look == ButtonLook::Disabled && !isOwnPicture;
     drawPicture(painter, icon, place, isFaint ? faintPicture : PictureTint());
-    if (m_keyboardFocus.isShown(*this)) drawFocusRing(painter, QRectF(rect()), Theme::radiusSmall + 2);
-}
-
-void TCImageButton::focusInEvent(QFocusEvent* event) {
-    m_keyboardFocus.focusIn(*event);
-    QAbstractButton::focusInEvent(event);
-}
-
-void TCImageButton::keyPressEvent(QKeyEvent* event) {
-    if (!clickedByEnter(*this, *event)) QAbstractButton::keyPressEvent(event);
+    drawFocus(painter, Theme::radiusSmall + 2);
 }
 
 bool TCImageButton::event(QEvent* event) {
@@ -101,7 +89,7 @@ bool TCImageButton::event(QEvent* event) {
         m_nameFromToolTip = toolTip();
         setAccessibleName(m_nameFromToolTip);
     }
-    return QAbstractButton::event(event);
+    return DrawnButton::event(event);
 }
 
 }  // namespace orrinvale

@@ -1,11 +1,10 @@
 // TCImageButton: a push button that is a picture: the padlock, back, reveal.
 #pragma once
 
-#include <QAbstractButton>
 #include <QIcon>
 #include <QString>
 
-#include "ui/kit/chrome/buttonLook.h"
+#include "ui/kit/chrome/DrawnButton.h"
 
 namespace orrinvale {
 
@@ -25,7 +24,7 @@ struct ButtonPictures {
 
 /// Draws its picture in the middle, at iconSize(). Space and Enter click it. When it is checkable it may have a second set of
 /// pictures for its state on. The accessible name is, until one is set, the tool tip, since there is no text to read.
-class TCImageButton final : public QAbstractButton {
+class TCImageButton final : public DrawnButton<QAbstractButton> {
     Q_OBJECT
 public:
     explicit TCImageButton(QWidget* parent = nullptr);
@@ -43,8 +42,6 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    void focusInEvent(QFocusEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
     bool event(QEvent* event) override;
 
 private:
@@ -52,7 +49,6 @@ private:
 
     ButtonPictures m_pictures;
     ButtonPictures m_alternatePictures;
-    KeyboardFocus m_keyboardFocus;
     QString m_nameFromToolTip;  // the accessible name that this class has set
 };
 

@@ -1,9 +1,7 @@
 // TextImageButton: see TextImageButton.h. Colours by role and look stand in one table below.
 #include "ui/kit/chrome/TextImageButton.h"
 
-#include <QFocusEvent>
 #include <QHelpEvent>
-#include <QKeyEvent>
 #include <QPainter>
 #include <QStyle>
 #include <QToolTip>
@@ -28,7 +26,8 @@ QColor fillColor(TextImageButton::Role role, ButtonLook look) {
     };
     constexpr Row rows[] = {{Color::SurfaceRaised, Color::Hover, Color::Pressed},
                             {Color::Accent, Color::AccentHover, Color::AccentPressed},
-                            {Color::Danger, Color::DangerHover, Color::DangerPressed}};
+                            {Color::Danger, Color::DangerHover, Color::DangerPressed},
+                            {Color::SurfaceRaised, Color::Hover, Color::Pressed}};
     const Row& row = rows[static_cast<int>(role)];
     switch (look) {
         case ButtonLook::Hover: return Theme::shared().color(row.hover);
@@ -41,9 +40,8 @@ QColor fillColor(TextImageButton::Role role, ButtonLook look) {
 
 }  // namespace
 
-TextImageButton::TextImageButton(const QString& text, Role role, QWidget* parent)
-    : QPushButton(text, parent), m_role(role) {
-    followTheme(*this);
+TextImageButton::TextImageButton(const QString& text, Role role, QWidget* parent) : DrawnButton(parent), m_role(role) {
+    setText(text);
     setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
     const auto takeFont = [this] { setFont(Theme::shared().font(Theme::Text::BodyStrong)); };
     takeFont();
@@ -86,11 +84,20 @@ void TextImageButton::drawBackground(QPainter& painter) const {
     }
 }
 
+Theme::Color TextImageButton::textColor() const {
+    if (!isEnabled()) return Color::TextDisabled;
+    switch (m_role) {
+        case Role::Plain: return Color::Text;
+        case Role::Link: return Color::Accent;
+        case Role::Primary:
+        case Role::Danger: break;
+    }
+    return Color::TextOnAccent;
+}
+
 void TextImageButton::drawContents(QPainter& painter) const {
-    const bool isOnColour = m_role != Role::Plain && isEnabled();
-    painter.setPen(Theme::shared().color(!isEnabled() ? Color::TextDisabled
-                                         : isOnColour ? Color::TextOnAccent
-                                                      : Color::Text));
+    const bool isOnColour = (m_role == Role::Primary || m_role == Role::Danger) && isEnabled();
+    painter.setPen(Theme::shared().color(textColor()));
     const int room = width() - widthAround(0);
     const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, std::max(room, 0), Qt::TextShowMnemonic);
     const int textWidth = fontMetrics().size(Qt::TextShowMnemonic, shown).width();
@@ -114,16 +121,7 @@ void TextImageButton::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::Antialiasing);
     drawBackground(painter);
     drawContents(painter);
-    if (m_keyboardFocus.isShown(*this)) drawFocusRing(painter, QRectF(rect()), Theme::radius + ringMargin - 1);
-}
-
-void TextImageButton::focusInEvent(QFocusEvent* event) {
-    m_keyboardFocus.focusIn(*event);
-    QPushButton::focusInEvent(event);
-}
-
-void TextImageButton::keyPressEvent(QKeyEvent* event) {
-    if (!clickedByEnter(*this, *event)) QPushButton::keyPressEvent(event);
+    drawFocus(painter, Theme::radius + ringMargin - 1);
 }
 
 void TextImageButton::showCutText(const QPoint& globalPlace) {
@@ -136,7 +134,7 @@ bool TextImageButton::event(QEvent* event) {
         showCutText(static_cast<QHelpEvent*>(event)->globalPos());
         return true;
     }
-    return QPushButton::event(event);
+    return DrawnButton::event(event);
 }
 
 }  // namespace orrinvale

@@ -2,8 +2,6 @@
 // a label.
 #include "ui/kit/chrome/WindowButton.h"
 
-#include <QFocusEvent>
-#include <QKeyEvent>
 #include <QPainter>
 
 #include <utility>
@@ -33,8 +31,7 @@ ButtonPictures picturesOf(WindowButton::Kind kind, bool restores) {
 
 }  // namespace
 
-WindowButton::WindowButton(Kind kind, QWidget* parent) : QAbstractButton(parent), m_kind(kind) {
-    followTheme(*this);
+WindowButton::WindowButton(Kind kind, QWidget* parent) : DrawnButton(parent), m_kind(kind) {
     setFocusPolicy(Qt::TabFocus);
     setCursor(Qt::ArrowCursor);
     resize(side, side);
@@ -62,16 +59,7 @@ void WindowButton::paintEvent(QPaintEvent*) {
     const bool isBehind = look == ButtonLook::Normal && !isActiveWindow();
     QPainter painter(this);
     m_pictures.forLook(isBehind ? ButtonLook::Disabled : look).paint(&painter, rect());
-    if (m_keyboardFocus.isShown(*this)) drawFocusRing(painter, QRectF(rect()), side / 2.0 - 1);
-}
-
-void WindowButton::focusInEvent(QFocusEvent* event) {
-    m_keyboardFocus.focusIn(*event);
-    QAbstractButton::focusInEvent(event);
-}
-
-void WindowButton::keyPressEvent(QKeyEvent* event) {
-    if (!clickedByEnter(*this, *event)) QAbstractButton::keyPressEvent(event);
+    drawFocus(painter, side / 2.0 - 1);
 }
 
 }  // namespace orrinvale

@@ -1,17 +1,15 @@
 // WindowButton: close, minimise or zoom, drawn by us in the title bar.
 #pragma once
 
-#include <QAbstractButton>
-
 #include <functional>
 
+#include "ui/kit/chrome/DrawnButton.h"
 #include "ui/kit/chrome/TCImageButton.h"
-#include "ui/kit/chrome/buttonLook.h"
 
 namespace orrinvale {
 
 /// A click runs the action; whoever wants to be asked first sets his own.
-class WindowButton final : public QAbstractButton {
+class WindowButton final : public DrawnButton<QAbstractButton> {
     Q_OBJECT
 public:
     /// The order from the left, and the numbers of TCImageWindow::standardWindowButton().
@@ -34,14 +32,11 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    void focusInEvent(QFocusEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     const Kind m_kind;
     ButtonPictures m_pictures;
     std::function<void()> m_action;
-    KeyboardFocus m_keyboardFocus;
 };
 
 }  // namespace orrinvale

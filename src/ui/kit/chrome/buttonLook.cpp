@@ -1,4 +1,4 @@
-// buttonLook: see buttonLook.h. Used by TCImageButton, TextImageButton, HoverButton, AnimationHoverImageView and WindowButton.
+// buttonLook: see buttonLook.h. DrawnButton.h brings it to the buttons.
 #include "ui/kit/chrome/buttonLook.h"
 
 #include <QAbstractButton>

@@ -8,7 +8,7 @@
 #include <cmath>
 
 #include "engine/base/Log.h"
-#include "ui/kit/controls/motion.h"
+#include "ui/kit/look/motion.h"
 
 namespace orrinvale {
 namespace {

@@ -6,7 +6,7 @@
 #include <QPainter>
 #include <QVBoxLayout>
 
-#include "ui/kit/dialogs/SheetButton.h"
+#include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/kit/look/picture.h"
 
@@ -62,6 +62,13 @@ private:
     const Theme::Color m_color;
 };
 
+// A '&' in a text is a letter: the sheet has no mnemonics.
+TextImageButton* newButton(const QString& text, TextImageButton::Role role, QWidget* parent) {
+    auto* button = new TextImageButton(QString(text).replace(QLatin1Char('&'), QStringLiteral("&&")), role, parent);
+    button->setAccessibleName(text);
+    return button;
+}
+
 }  // namespace
 
 AlertPanel::AlertPanel(const Alert& alert) : m_defaultButton(alert.defaultButton) {
@@ -103,18 +110,18 @@ void AlertPanel::addButtons(QBoxLayout& column, const Alert& alert) {
     auto* row = new QHBoxLayout;
     row->setSpacing(Theme::gapTiny);
     if (!alert.linkText.isEmpty() && alert.linkAction) {
-        auto* link = new SheetButton(alert.linkText, SheetButton::Kind::Link, this);
-        connect(link, &SheetButton::clicked, this, [action = alert.linkAction] { action(); });
+        auto* link = newButton(alert.linkText, TextImageButton::Role::Link, this);
+        connect(link, &TextImageButton::clicked, this, [action = alert.linkAction] { action(); });
         row->addWidget(link);
     }
     row->addStretch();
     const QStringList texts = alert.buttons.isEmpty() ? QStringList(QStringLiteral("OK")) : alert.buttons;
     for (int index = 0; index < texts.size(); ++index) {
-        auto kind = SheetButton::Kind::Plain;
+        auto role = TextImageButton::Role::Plain;
         if (index == alert.defaultButton)
-            kind = alert.isDestructive ? SheetButton::Kind::Danger : SheetButton::Kind::Primary;
-        auto* button = new SheetButton(texts.at(index), kind, this);
-        connect(button, &SheetButton::clicked, this, [this, index] { Q_EMIT pressed(index); });
+            role = alert.isDestructive ? TextImageButton::Role::Danger : TextImageButton::Role::Primary;
+        auto* button = newButton(texts.at(index), role, this);
+        connect(button, &TextImageButton::clicked, this, [this, index] { Q_EMIT pressed(index); });
         m_buttons.push_back(button);
     }
     // The first one outermost, as the eye ends there.

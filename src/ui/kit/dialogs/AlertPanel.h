@@ -11,7 +11,7 @@ class QBoxLayout;
 
 namespace orrinvale {
 
-class SheetButton;
+class TextImageButton;
 
 class AlertPanel final : public QWidget {
     Q_OBJECT
@@ -31,7 +31,7 @@ private:
     void addButtons(QBoxLayout& column, const Alert& alert);
 
     int m_defaultButton;
-    std::vector<SheetButton*> m_buttons;  // children, in the alert's order
+    std::vector<TextImageButton*> m_buttons;  // children, in the alert's order
 };
 
 }  // namespace orrinvale

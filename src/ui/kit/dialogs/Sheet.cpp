@@ -9,9 +9,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "ui/kit/controls/motion.h"
 #include "ui/kit/dialogs/SheetHost.h"
 #include "ui/kit/look/Theme.h"
+#include "ui/kit/look/motion.h"
 
 namespace orrinvale {
 namespace {
@@ -68,8 +68,7 @@ void Sheet::open(QWidget* first) {
     layOut();
     show();
     raise();
-    if (first != nullptr) first->setFocus(Qt::PopupFocusReason);
-    else setFocus(Qt::PopupFocusReason);
+    takeFocus();
     slide(0.0, 1.0, nullptr);
 }
 
@@ -114,9 +113,11 @@ void Sheet::keepFocus(QWidget* now) {
     if (m_isClosing || !isVisible() || now == nullptr || now->window() != window()) return;
     if (isUnderOther() || isInASheet(now)) return;
     m_focusBefore = now;  // whoever asked for the keyboard gets it afterwards
-    if (!m_first.isNull()) m_first->setFocus(Qt::PopupFocusReason);
-    else setFocus(Qt::PopupFocusReason);
+    takeFocus();
 }
+
+// As if the keyboard had brought it: the button that Enter presses has its ring from the start.
+void Sheet::takeFocus() { (m_first.isNull() ? this : m_first.data())->setFocus(Qt::OtherFocusReason); }
 
 // Children stand in the order in which they lie over each other.
 bool Sheet::isUnderOther() const {

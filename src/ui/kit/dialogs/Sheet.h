@@ -43,6 +43,7 @@ private:
     void slide(qreal from, qreal to, std::function<void()> ended);
     void layOut();
     void keepFocus(QWidget* now);
+    void takeFocus();
     void giveFocusBack();
     [[nodiscard]] bool isUnderOther() const;
     [[nodiscard]] QRect panelRect() const;

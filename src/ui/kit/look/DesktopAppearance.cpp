@@ -1,74 +1,87 @@
-// One call and one signal of the desktop's settings service. Theme.cpp decides what its answer counts for.
+// Two settings of the desktop's settings service. Theme.cpp decides what the answers count for.
 #include "ui/kit/look/DesktopAppearance.h"
 
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
+#include <QStringList>
 
 namespace orrinvale {
 namespace {
 
-const QString& service() {
-    static const QString name = QStringLiteral("org.freedesktop.portal.Desktop");
-    return name;
-}
-const QString& object() {
-    static const QString path = QStringLiteral("/org/freedesktop/portal/desktop");
-    return path;
-}
-const QString& interface() {
-    static const QString name = QStringLiteral("org.freedesktop.portal.Settings");
-    return name;
-}
-const QString& group() {
-    static const QString name = QStringLiteral("org.freedesktop.appearance");
-    return name;
-}
-const QString& key() {
-    static const QString name = QStringLiteral("color-scheme");
-    return name;
+struct Names {
+    QString service = QStringLiteral("org.freedesktop.portal.Desktop");
+    QString object = QStringLiteral("/org/freedesktop/portal/desktop");
+    QString interface = QStringLiteral("org.freedesktop.portal.Settings");
+    // The group of a setting and its key.
+    QStringList scheme{QStringLiteral("org.freedesktop.appearance"), QStringLiteral("color-scheme")};
+    QStringList animations{QStringLiteral("org.gnome.desktop.interface"), QStringLiteral("enable-animations")};
+};
+
+const Names& names() {
+    static const Names all;
+    return all;
 }
 
 constexpr int patience = 200;  // milliseconds
+
+QDBusMessage questionFor(const QStringList& setting) {
+    QDBusMessage read =
+        QDBusMessage::createMethodCall(names().service, names().object, names().interface, QStringLiteral("Read"));
+    read << setting.at(0) << setting.at(1);
+    return read;
+}
+
+// Read() wraps the value in one variant more than the signal does.
+QVariant unwrapped(QVariant value) {
+    while (value.canConvert<QDBusVariant>()) value = value.value<QDBusVariant>().variant();
+    return value;
+}
 
 }  // namespace
 
 DesktopAppearance::DesktopAppearance(const QDBusConnection& bus, QObject* parent) : QObject(parent) {
     if (!bus.isConnected()) return;
-    QDBusConnection(bus).connect(service(), object(), interface(), QStringLiteral("SettingChanged"), this,
-                                 SLOT(settingChanged(QDBusMessage)));
-    QDBusMessage read = QDBusMessage::createMethodCall(service(), object(), interface(), QStringLiteral("Read"));
-    read << group() << key();
-    const QDBusMessage reply = bus.call(read, QDBus::Block, patience);
-    if (reply.type() == QDBusMessage::ReplyMessage && !reply.arguments().isEmpty()) {
-        take(reply.arguments().constFirst());
-        return;
-    }
-    if (QDBusError(reply).type() != QDBusError::NoReply) return;
-    const auto* late = new QDBusPendingCallWatcher(bus.asyncCall(read), this);
-    connect(late, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* call) {
+    QDBusConnection(bus).connect(names().service, names().object, names().interface, QStringLiteral("SettingChanged"),
+                                 this, SLOT(settingChanged(QDBusMessage)));
+    const QDBusMessage question = questionFor(names().scheme);
+    const QDBusMessage reply = bus.call(question, QDBus::Block, patience);
+    if (reply.type() == QDBusMessage::ReplyMessage && !reply.arguments().isEmpty())
+        takeScheme(reply.arguments().constFirst());
+    else if (QDBusError(reply).type() == QDBusError::NoReply) takeLater(bus, question, &DesktopAppearance::takeScheme);
+    else return;  // there is no such service
+    takeLater(bus, questionFor(names().animations), &DesktopAppearance::takeAnimations);
+}
+
+void DesktopAppearance::takeLater(const QDBusConnection& bus, const QDBusMessage& question, Taker taker) {
+    const auto* late = new QDBusPendingCallWatcher(bus.asyncCall(question), this);
+    connect(late, &QDBusPendingCallWatcher::finished, this, [this, taker](QDBusPendingCallWatcher* call) {
         const QDBusPendingReply<QDBusVariant> answer = *call;
-        if (answer.isValid()) take(answer.value().variant());
+        if (answer.isValid()) (this->*taker)(answer.value().variant());
         call->deleteLater();
     });
 }
 
 void DesktopAppearance::settingChanged(const QDBusMessage& message) {
     const QVariantList arguments = message.arguments();
-    if (arguments.size() == 3 && arguments[0] == group() && arguments[1] == key()) take(arguments[2]);
+    if (arguments.size() != 3) return;
+    const QStringList setting{arguments[0].toString(), arguments[1].toString()};
+    if (setting == names().scheme) takeScheme(arguments[2]);
+    if (setting == names().animations) takeAnimations(arguments[2]);
 }
 
-// Read() wraps the number in one variant more than the signal does.
-void DesktopAppearance::take(const QVariant& value) {
-    QVariant plain = value;
-    while (plain.canConvert<QDBusVariant>()) plain = plain.value<QDBusVariant>().variant();
-    const uint preference = plain.toUInt();
+void DesktopAppearance::takeScheme(const QVariant& value) {
+    const uint preference = unwrapped(value).toUInt();
     std::optional<Theme::Scheme> scheme;
     if (preference == 1) scheme = Theme::Scheme::Dark;
     if (preference == 2) scheme = Theme::Scheme::Light;
     if (scheme == m_scheme) return;
     m_scheme = scheme;
     Q_EMIT changed();
+}
+
+void DesktopAppearance::takeAnimations(const QVariant& value) {
+    if (const QVariant plain = unwrapped(value); plain.userType() == QMetaType::Bool) m_animates = plain.toBool();
 }
 
 }  // namespace orrinvale

@@ -1,4 +1,4 @@
-// DesktopAppearance: whether the desktop prefers dark, from the settings service that the desktops share.
+// DesktopAppearance: whether the desktop prefers dark and moves things, from the settings service that the desktops share.
 #pragma once
 
 #include <QDBusConnection>
@@ -11,28 +11,36 @@
 namespace orrinvale {
 
 /// Reads "color-scheme" of "org.freedesktop.appearance" from org.freedesktop.portal.Settings (0 no preference, 1 dark,
-/// 2 light) and follows it. Desktops whose palette Qt does not know, GNOME among them, tell it only there. Main thread.
+/// 2 light) and "enable-animations" of "org.gnome.desktop.interface", and follows both. Desktops whose palette Qt does not know,
+/// GNOME among them, tell it only there. Main thread.
 class DesktopAppearance final : public QObject {
     Q_OBJECT
 public:
-    /// Asks, and waits at most a fifth of a second: a window that comes up light and turns dark is worse than that. A
-    /// service that is only being started answers later, through changed().
+    /// Asks for the scheme, and waits at most a fifth of a second: a window that comes up light and turns dark is worse than
+    /// that. A service that is only being started answers later, through changed(); so does the answer on animations.
     DesktopAppearance(const QDBusConnection& bus, QObject* parent);
 
     /// None without the service, or where the user has no preference.
     [[nodiscard]] std::optional<Theme::Scheme> scheme() const { return m_scheme; }
 
+    /// False only where the service says so.
+    [[nodiscard]] bool animates() const { return m_animates; }
+
 Q_SIGNALS:
-    /// The preference is another one than before.
+    /// The scheme is another one than before.
     void changed();
 
 private Q_SLOTS:
     void settingChanged(const QDBusMessage& message);
 
 private:
-    void take(const QVariant& value);
+    using Taker = void (DesktopAppearance::*)(const QVariant& value);
+    void takeLater(const QDBusConnection& bus, const QDBusMessage& question, Taker taker);
+    void takeScheme(const QVariant& value);
+    void takeAnimations(const QVariant& value);
 
     std::optional<Theme::Scheme> m_scheme;
+    bool m_animates = true;
 };
 
 }  // namespace orrinvale

@@ -111,6 +111,8 @@ Theme::Scheme Theme::desktopScheme() {
     return theme.m_coveredScheme;
 }
 
+bool Theme::desktopAnimates() const { return !m_appearance || m_appearance->animates(); }
+
 void Theme::setScheme(Scheme scheme) {
     if (scheme == m_scheme) return;
     m_scheme = scheme;

@@ -68,6 +68,9 @@ public:
     /// Changes palette and pictures of all windows at once and emits changed(); the scheme in force changes nothing.
     void setScheme(Scheme scheme);
 
+    /// False where the desktop's settings service asks for no animations; mayAnimate() of motion.h asks others too.
+    [[nodiscard]] bool desktopAnimates() const;
+
     [[nodiscard]] QColor color(Color role) const { return color(role, m_scheme); }
     [[nodiscard]] static QColor color(Color role, Scheme scheme);
     /// In points, so that a desktop that scales its text by the resolution scales this too: at 96 dots an inch the steps

@@ -18,7 +18,7 @@
 #include "support/TestTree.h"
 #include "ui/kit/controls/Animation.h"
 #include "ui/kit/controls/PathAnimation.h"
-#include "ui/kit/controls/motion.h"
+#include "ui/kit/look/motion.h"
 
 namespace orrinvale {
 namespace {

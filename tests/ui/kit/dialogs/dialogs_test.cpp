@@ -17,9 +17,9 @@
 #include <memory>
 
 #include "support/TestTree.h"
+#include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/dialogs/RecordedDialogs.h"
 #include "ui/kit/dialogs/Sheet.h"
-#include "ui/kit/dialogs/SheetButton.h"
 #include "ui/kit/dialogs/SheetHost.h"
 #include "ui/kit/dialogs/WindowDialogs.h"
 
@@ -161,9 +161,10 @@ TEST(WindowDialogs, ALinkLeavesTheQuestionOpen) {
     alert.linkText = QStringLiteral("View & think");
     alert.linkAction = [&] { ++visits; };
     dialogs.alert(&window, alert, [&](int button) { answer = button; });
-    const auto buttons = window.findChildren<SheetButton*>();
-    const auto link = std::find_if(buttons.begin(), buttons.end(),
-                                   [](const SheetButton* each) { return each->kind() == SheetButton::Kind::Link; });
+    const auto buttons = window.findChildren<TextImageButton*>();
+    const auto link = std::find_if(buttons.begin(), buttons.end(), [](const TextImageButton* each) {
+        return each->role() == TextImageButton::Role::Link;
+    });
     ASSERT_NE(link, buttons.end());
     ASSERT_TRUE(waitFor([&] { return window.sheet()->content()->y() == 0; }));
     QTest::mouseClick(*link, Qt::LeftButton);

@@ -49,9 +49,13 @@ protected:
         addMethod("Turn", "s", "",
                   "self.EmitSignal('org.freedesktop.portal.Settings', 'SettingChanged', 'ssv', "
                   "['org.freedesktop.appearance', args[0], dbus.UInt32(2)])");
+        addMethod("Move", "b", "",
+                  "self.EmitSignal('org.freedesktop.portal.Settings', 'SettingChanged', 'ssv', "
+                  "['org.gnome.desktop.interface', 'enable-animations', args[0]])");
         return true;
     }
     void turn(const char* key) { call(m_interface, "Turn", {QString::fromLatin1(key)}); }
+    void setAnimations(bool on) { call(m_interface, "Move", {on}); }
 
     std::unique_ptr<QDBusConnection> m_bus;
 
@@ -76,7 +80,9 @@ private:
 };
 
 TEST_F(DesktopAppearanceTest, AsksOnceAndFollows) {
-    if (!startService("ret = dbus.UInt32(1, variant_level=1)")) GTEST_SKIP() << "no python3-dbusmock here";
+    if (!startService("ret = dbus.UInt32(1, variant_level=1) if args[1] == 'color-scheme' else "
+                      "dbus.Boolean(False, variant_level=1)"))
+        GTEST_SKIP() << "no python3-dbusmock here";
     const DesktopAppearance appearance(*m_bus, nullptr);
     EXPECT_EQ(appearance.scheme(), Scheme::Dark);
     QSignalSpy spy(&appearance, &DesktopAppearance::changed);
@@ -85,6 +91,9 @@ TEST_F(DesktopAppearanceTest, AsksOnceAndFollows) {
     ASSERT_TRUE(spy.count() > 0 || spy.wait());
     EXPECT_EQ(appearance.scheme(), Scheme::Light);
     EXPECT_EQ(spy.count(), 1);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !appearance.animates(); }));
+    setAnimations(true);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return appearance.animates(); }));
 }
 
 TEST_F(DesktopAppearanceTest, ASlowServiceHoldsUpNothingAndIsHeardLater) {

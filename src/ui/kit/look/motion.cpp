@@ -1,10 +1,13 @@
-// motion: see motion.h. Qt 6.4 does not hand on what the desktops store, so their files are read here.
-#include "ui/kit/controls/motion.h"
+// motion: see motion.h. Qt 6.4 does not hand on what the desktops store, so their files are read here. What their settings service
+// says comes through Theme, which listens to it.
+#include "ui/kit/look/motion.h"
 
 #include <QSettings>
 #include <QStandardPaths>
 #include <QStyle>
 #include <QWidget>
+
+#include "ui/kit/look/Theme.h"
 
 namespace orrinvale {
 namespace {
@@ -39,7 +42,7 @@ bool isGtkStill() {
 
 bool mayAnimate(const QWidget& widget) {
     if (widget.style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, &widget) <= 0) return false;
-    return !isPlasmaStill() && !isGtkStill();
+    return Theme::shared().desktopAnimates() && !isPlasmaStill() && !isGtkStill();
 }
 
 }  // namespace orrinvale

@@ -1,4 +1,5 @@
-// The kernel's table of mounts, line by line. LinuxVolumesChoice.h says which of them are volumes.
+// The kernel's table of mounts, line by line. LinuxMounts.cpp asks it for scans and removals; LinuxVolumesChoice.h says which
+// mounts are volumes.
 #pragma once
 
 #include <cstddef>
@@ -6,6 +7,8 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "platform/files.h"
 
 namespace orrinvale {
 
@@ -29,10 +32,7 @@ inline constexpr std::size_t mountInfoLimit = 16 * 1024 * 1024;
 /// The entries in the table's order. A line that is no entry, or not a whole one, is left out; so is all behind the limit.
 [[nodiscard]] std::vector<MountEntry> parseMountInfo(std::string_view text);
 
-/// The text of a table; empty when it can not be read.
-[[nodiscard]] std::string readMountInfo(const std::string& path);
-
-/// The text of a small file of the kernel's or udev's, up to a limit; empty when it can not be read.
-[[nodiscard]] std::string readSystemText(const std::string& path, std::size_t limit);
+/// The text of a table, up to the limit.
+[[nodiscard]] SysResult<std::string> readMountInfo(const std::string& path = "/proc/self/mountinfo");
 
 }  // namespace orrinvale

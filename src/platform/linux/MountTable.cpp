@@ -1,15 +1,11 @@
-// The table of mounts: see LinuxVolumesMounts.h.
-#include "platform/linux/LinuxVolumesMounts.h"
-
-#include <fcntl.h>
-#include <unistd.h>
+// The table of mounts: see MountTable.h.
+#include "platform/linux/MountTable.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <optional>
 
-#include "platform/descriptor.h"
+#include "platform/linux/SystemText.h"
 
 namespace orrinvale {
 namespace {
@@ -95,22 +91,6 @@ std::vector<MountEntry> parseMountInfo(std::string_view text) {
     return entries;
 }
 
-std::string readSystemText(const std::string& path, std::size_t limit) {
-    constexpr std::size_t step = 32 * 1024;
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-    std::string text;
-    if (!file.isOpen()) return text;
-    for (std::size_t size = 0;;) {
-        text.resize(std::min(size + step, limit));
-        const ssize_t count = ::read(file.get(), text.data() + size, text.size() - size);
-        if (count < 0 && errno == EINTR) continue;
-        if (count > 0) size += static_cast<std::size_t>(count);
-        if (count > 0 && size < limit) continue;
-        text.resize(size);
-        return text;
-    }
-}
-
-std::string readMountInfo(const std::string& path) { return readSystemText(path, mountInfoLimit); }
+SysResult<std::string> readMountInfo(const std::string& path) { return readSystemText(path, mountInfoLimit); }
 
 }  // namespace orrinvale

@@ -1,0 +1,29 @@
+// Small texts: see SystemText.h.
+#include "platform/linux/SystemText.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+namespace orrinvale {
+
+SysResult<std::string> readSystemText(const std::string& path, std::size_t limit) {
+    constexpr std::size_t step = 32 * 1024;
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    if (!file.isOpen()) return tl::unexpected(errno);
+    std::string text;
+    for (std::size_t size = 0;;) {
+        text.resize(std::min(size + step, limit));
+        const ssize_t count = ::read(file.get(), text.data() + size, text.size() - size);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return tl::unexpected(errno);
+        size += static_cast<std::size_t>(count);
+        if (count > 0 && size < limit) continue;
+        text.resize(size);
+        return text;
+    }
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,14 @@
+// Small texts of the kernel, of udev and of the desktop's settings, read whole.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "platform/files.h"
+
+namespace orrinvale {
+
+/// The first `limit` bytes of a file. Neither a FIFO nor a terminal holds the caller up.
+[[nodiscard]] SysResult<std::string> readSystemText(const std::string& path, std::size_t limit);
+
+}  // namespace orrinvale
