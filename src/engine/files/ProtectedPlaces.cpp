@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <charconv>
 #include <cstdlib>
 #include <span>
 
@@ -37,14 +38,18 @@ std::string userTable(const FileSystem& files) {
 }
 
 // passwd(5): "name:password:uid:gid:comment:home:shell"
-std::string_view homeOfLine(std::string_view line) {
-    for (int field = 0; field < 5; ++field) {
+std::string_view fieldOf(std::string_view line, int number) {
+    for (int field = 0; field < number; ++field) {
         const std::size_t colon = line.find(':');
         if (colon == std::string_view::npos) return {};
         line.remove_prefix(colon + 1);
     }
     return line.substr(0, line.find(':'));
 }
+
+// Services have theirs in folders of the system. 60514 to 65535 are given out to services and to nobody, above them begin the
+// ranges of directories (systemd's UIDS-GIDS).
+bool isPerson(std::uint32_t user) { return user >= 1000 && (user < 60514 || user > 65535); }
 
 }  // namespace
 
@@ -83,10 +88,23 @@ void ProtectedPlaces::addHomes(const FileSystem& files) {
     const std::string table = userTable(files);
     for (std::size_t at = 0; at < table.size();) {
         const std::size_t end = std::min(table.find('\n', at), table.size());
-        add(files, homeOfLine(std::string_view(table).substr(at, end - at)), std::string(homeReason));
+        const std::string_view line = std::string_view(table).substr(at, end - at);
+        const std::string_view number = fieldOf(line, 2);
+        std::uint32_t user = 0;
+        (void)std::from_chars(number.data(), number.data() + number.size(), user);
+        addHome(files, fieldOf(line, 5), user);
         at = end + 1;
     }
     if (const char* const home = std::getenv("HOME")) add(files, home, std::string(homeReason));
+}
+
+void ProtectedPlaces::addHome(const FileSystem& files, std::string_view home, std::uint32_t user) {
+    const auto plain = plainPath(home);
+    if (!plain || *plain == "/") return;
+    add(files, *plain, std::string(homeReason));
+    if (!isPerson(user)) return;
+    for (const auto& path : {plain, realPlace(files, *plain)})
+        if (path && folderOf(*path) != "/") m_homeFolders.insert(folderOf(*path));
 }
 
 void ProtectedPlaces::addOwnFile(const FileSystem& files, const std::string& path) {
@@ -103,9 +121,14 @@ void ProtectedPlaces::add(const FileSystem& files, std::string_view path, const 
     const auto plain = plainPath(path);
     if (!plain) return;
     protect(files, *plain, reason);
-    if (mayHang(*plain)) return;
-    const auto real = files.resolved(*plain);
+    const auto real = realPlace(files, *plain);
     if (real && *real != *plain) protect(files, *real, reason);
+}
+
+std::optional<std::string> ProtectedPlaces::realPlace(const FileSystem& files, const std::string& path) const {
+    if (mayHang(path)) return std::nullopt;
+    auto real = files.resolved(path);
+    return real ? std::optional(std::move(*real)) : std::nullopt;
 }
 
 void ProtectedPlaces::protect(const FileSystem& files, const std::string& path, const std::string& reason) {
@@ -138,6 +161,8 @@ std::optional<std::string> ProtectedPlaces::refusal(std::string_view path, const
     if (!plain) return "not a plain absolute path";
     if (m_blind) return "what is mounted can not be told";
     if (const auto place = m_byPath.find(*plain); place != m_byPath.end()) return place->second;
+    const bool mayBeHome = entry.type == FileType::Folder || entry.type == FileType::SymbolicLink;
+    if (mayBeHome && m_homeFolders.contains(folderOf(*plain))) return std::string(homeReason);
     if (entry.inode != 0)
         if (const auto place = m_byIdentity.find({entry.device, entry.inode}); place != m_byIdentity.end())
             return place->second;

@@ -108,6 +108,21 @@ TEST(ProtectedPlaces, aHomeBehindALink) {
     EXPECT_TRUE(isThere(tree.at("disk/user")));
 }
 
+// Not every home stands in the table of users.
+TEST(ProtectedPlaces, whatStandsBesideAHome) {
+    TestTree tree;
+    for (const char* name : {"disk/user/x", "disk/other/x", "disk/list", "services/one/x", "services/two/x"})
+        tree.write(name, "x");
+    tree.symlink("disk", "homes");
+    ProtectedPlaces places;
+    places.addHome(files, tree.at("homes/user"), 1000);
+    places.addHome(files, tree.at("services/one"), 999);
+    for (const char* name : {"disk/user", "homes/user", "disk/other", "homes/other", "services/one"})
+        EXPECT_EQ(reasonFor(places, tree.at(name)), "a home folder") << name;
+    for (const char* name : {"disk/other/x", "disk/list", "services/two"})
+        EXPECT_EQ(reasonFor(places, tree.at(name)), "") << name;
+}
+
 // In a table of mounts of the child's own.
 TEST(ProtectedPlaces, mountsAndWhatIsReachedThroughThem) {
     TestTree tree;
@@ -150,7 +165,8 @@ TEST(ProgramFiles, theExecutableItsSiblingsAndItsFoldersButNobodyElses) {
     TestTree tree;
     for (const char* name :
          {"p/bin/orrinvale", "p/bin/orrinvale-cli", "p/bin/ls", "p/share/orrinvale/x", "p/share/doc/x",
-          "p/libexec/orrinvale-helper", "Downloads/orrinvale", "Downloads/thesis.pdf"})
+          "p/libexec/orrinvale/helper", "p/share/icons/hicolor/48x48/apps/com.kelpford.Orrinvale.png",
+          "Downloads/orrinvale", "Downloads/thesis.pdf"})
         tree.write(name, "x");
     const auto sorted = [&](const char* executable) {
         auto found = programFilesAround(tree.at(executable));
@@ -158,9 +174,12 @@ TEST(ProgramFiles, theExecutableItsSiblingsAndItsFoldersButNobodyElses) {
         found.erase(std::unique(found.begin(), found.end()), found.end());
         return found;
     };
-    EXPECT_EQ(sorted("p/bin/orrinvale-cli"),
-              (std::vector<std::string>{tree.at("p/bin/orrinvale"), tree.at("p/bin/orrinvale-cli"),
-                                        tree.at("p/libexec/orrinvale-helper"), tree.at("p/share/orrinvale")}));
+    EXPECT_EQ(
+        sorted("p/bin/orrinvale-cli"),
+        (std::vector<std::string>{
+            tree.at("p/bin/orrinvale"), tree.at("p/bin/orrinvale-cli"), tree.at("p/libexec/orrinvale"),
+            tree.at("p/share/icons/hicolor/48x48/apps/com.kelpford.Orrinvale.png"), tree.at("p/share/orrinvale")}));
+    EXPECT_THAT(sorted("p/libexec/orrinvale/helper"), Contains(tree.at("p/share/orrinvale")));
     EXPECT_EQ(sorted("Downloads/orrinvale"), std::vector<std::string>{tree.at("Downloads/orrinvale")});
     EXPECT_THAT(programFiles(), Contains(files.resolved("/proc/self/exe").value()));
 }
