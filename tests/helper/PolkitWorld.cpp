@@ -32,12 +32,6 @@ constexpr const char* kAction = "com.kelpford.Orrinvale.remove";
 constexpr const char* kHash =
     "$6$orrinvale$ScJ6QY1jj7fKg15dQM6Ix2pnfQ5SrO3fXC3271eUqZHS325.7r/4TpQC/hEA7yTPgm.dAQP/bmMRo/AdGJjO30";
 
-std::string contentOf(const std::string& path) {
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
-}
-
 std::string replaced(std::string text, const std::string& from, const std::string& to) {
     for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
         text.replace(at, from.size(), to);

@@ -36,10 +36,6 @@ protected:
         }
         return -1;
     }
-    bool isThere() const {
-        struct stat entry {};
-        return ::stat(tree.at("many").c_str(), &entry) == 0;
-    }
 
     // In memory where it can be, as the files are many.
     TestTree tree{::access("/dev/shm", W_OK) == 0 ? "/dev/shm" : ""};
@@ -79,7 +75,7 @@ TEST_F(HelperLife, TheToolEndsWithTheCallerEvenWhenItDoesNotWantTo) {
     EXPECT_FALSE(isGoneWithin(tool, milliseconds(500)));
     EXPECT_TRUE(helper.endsWithin(milliseconds(1500)));
     EXPECT_TRUE(isGoneWithin(tool, milliseconds(500)));
-    EXPECT_TRUE(isThere());
+    EXPECT_TRUE(isThere(tree.at("many")));
 }
 
 TEST_F(HelperLife, ACallerThatIsKilledEndsARunningTool) {
@@ -104,7 +100,7 @@ TEST_F(HelperLife, AKilledHelperLeavesNoTool) {
     ASSERT_GT(tool, 0);
     ::kill(helper.process(), SIGKILL);
     EXPECT_TRUE(isGoneWithin(tool, milliseconds(1000)));
-    EXPECT_TRUE(isThere());
+    EXPECT_TRUE(isThere(tree.at("many")));
     for (const int number : {SIGINT, SIGHUP, SIGQUIT, SIGTSTP}) {  // the keys of a terminal
         const HelperRun other;
         ::kill(other.process(), number);

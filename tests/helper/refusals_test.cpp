@@ -22,11 +22,6 @@ namespace {
 
 using Outcome = HelperReply::Outcome;
 
-bool isThere(const std::string& path) {
-    struct stat entry {};
-    return ::lstat(path.c_str(), &entry) == 0;
-}
-
 struct Ended {
     int status = -1;
     std::string errors;

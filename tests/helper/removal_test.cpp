@@ -16,11 +16,6 @@ namespace {
 
 using Outcome = HelperReply::Outcome;
 
-bool isThere(const std::string& path) {
-    struct stat entry {};
-    return ::lstat(path.c_str(), &entry) == 0;
-}
-
 class HelperRemoves : public ::testing::Test {
 protected:
     void SetUp() override {

@@ -20,33 +20,6 @@ using testing::TestTree;
 const LinuxFileSystem files;
 constexpr std::size_t pageSize = 4096;
 
-TEST(LinuxFiles, aFolderOfManyEntriesIsListedOnceEach) {
-    TestTree tree("/dev/shm");
-    constexpr std::size_t count = 100'500;
-    const auto folder = files.openFolder(FileSystem::noParent, tree.path().c_str(), Links::Keep);
-    ASSERT_TRUE(folder);
-    for (std::size_t i = 0; i < count; ++i)
-        ASSERT_EQ(::mknodat(folder->get(), std::to_string(i).c_str(), S_IFREG | 0644, 0), 0);
-
-    std::vector<bool> seen(count, false);
-    std::size_t batches = 0;
-    CatalogBatch batch;
-    for (;; ++batches) {
-        const auto more = files.readFolder(folder->get(), batch);
-        ASSERT_TRUE(more);
-        if (!*more) break;
-        ASSERT_FALSE(batch.entries.empty());
-        for (const CatalogEntry& entry : batch.entries) {
-            const std::size_t number = std::stoul(entry.name);
-            ASSERT_LT(number, count);
-            ASSERT_FALSE(seen[number]) << "twice: " << entry.name;
-            seen[number] = true;
-        }
-    }
-    EXPECT_EQ(std::count(seen.begin(), seen.end(), true), static_cast<std::ptrdiff_t>(count));
-    EXPECT_GT(batches, 10U);
-}
-
 TEST(LinuxFiles, eachKindOfEntryIsToldAsWhatItIs) {
     TestTree tree;
     const std::string odd = "line\nbreak \xff\xfe " + std::string(200, 'n');

@@ -14,8 +14,10 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <memory>
 #include <random>
+#include <sstream>
 #include <stdexcept>
 #include <vector>
 
@@ -163,6 +165,14 @@ bool TestTree::makeDeep(std::string_view name, int levels, std::string_view leaf
         here = std::move(below);
     }
     return writeAt(here.get(), "leaf", leaf);
+}
+
+bool isThere(const std::string& path) { return ::faccessat(AT_FDCWD, path.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0; }
+
+std::string contentOf(const std::string& path) {
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
 }
 
 std::string someBytes(std::size_t size, unsigned seed) {

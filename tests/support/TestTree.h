@@ -47,6 +47,12 @@ private:
     std::string m_path;
 };
 
+/// True when something has this path, a link that leads nowhere included.
+[[nodiscard]] bool isThere(const std::string& path);
+
+/// The bytes of a file; empty when there is none.
+[[nodiscard]] std::string contentOf(const std::string& path);
+
 /// Pseudo-random bytes, the same for the same seed.
 [[nodiscard]] std::string someBytes(std::size_t size, unsigned seed);
 

@@ -9,11 +9,11 @@
 #include <string>
 #include <vector>
 
-#include "engine/base/Log.h"
 #include "engine/cleaning/FolderUtilities.h"
 #include "engine/cleaning/QnAuthorization.h"
 #include "platform/fake/FakeAuthorization.h"
 #include "platform/linux/LinuxPermissions.h"
+#include "support/LogLines.h"
 #include "support/TestTree.h"
 
 namespace orrinvale {
@@ -26,8 +26,6 @@ using ::testing::IsEmpty;
 class Right : public ::testing::Test {
 protected:
     Right() {
-        Log::setEnabled(true);
-        Log::setSink([this](std::string_view line) { lines.emplace_back(line); });
         // Whatever the test before left held.
         right.setParts({});
         right.freeAuthorization();
@@ -37,8 +35,6 @@ protected:
     ~Right() override {
         right.freeAuthorization();
         right.setParts({});
-        Log::setSink({});
-        Log::setEnabled(wasEnabled);
     }
 
     std::string last() const { return lines.empty() ? "no line" : lines.back(); }
@@ -46,8 +42,8 @@ protected:
     FakeAuthorization system;
     LinuxFileSystem files;
     LinuxPermissions permissions;
-    std::vector<std::string> lines;
-    const bool wasEnabled = Log::isEnabled();
+    testing::LogLines log;
+    std::vector<std::string>& lines = log.lines;
     QnAuthorization& right = QnAuthorization::shareQnAuthorization();
 };
 

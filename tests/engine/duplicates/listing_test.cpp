@@ -73,42 +73,24 @@ Listing sequential(const std::string& root, Wanted wanted) {
     return out;
 }
 
+// Which of the tests hold for a path: hidden, system folder, application bundle, inside of one (or one itself).
 TEST(PathTests, table) {
-    struct Case {
-        std::string_view path;
-        bool hidden, system, app, hasApp;
+    const std::pair<std::string, std::vector<std::string_view>> cases[] = {
+        {"", {"/", "", "/a.b/c.", "/a/b\n.c", "/home/Library", "/binx", "/usr/bin", "/x/A.apps", "/x/A.ap", "/x/Aapp"}},
+        {"h", {"/a/.b/c", "/.a"}},
+        {"s", {"/Library/x", "/LIBRARY", "/bin", "/sBin/x/y", "Volumes/x", "/developer", "/System"}},
+        {"ai", {"/x/A.app", "/x/A.APP", "/x/A.b.app", "/x/\xff.App"}},
+        {"i", {"/x/A.aPp/in", "/x/A.app/B.txt"}},
+        {"hi", {"/x/.app"}},
     };
-    for (const Case& one : {Case{"/", false, false, false, false},
-                            Case{"", false, false, false, false},
-                            Case{"/a/.b/c", true, false, false, false},
-                            Case{"/.a", true, false, false, false},
-                            Case{"/a.b/c.", false, false, false, false},
-                            Case{"/a/b\n.c", false, false, false, false},
-                            Case{"/Library/x", false, true, false, false},
-                            Case{"/LIBRARY", false, true, false, false},
-                            Case{"/bin", false, true, false, false},
-                            Case{"/sBin/x/y", false, true, false, false},
-                            Case{"Volumes/x", false, true, false, false},
-                            Case{"/home/Library", false, false, false, false},
-                            Case{"/binx", false, false, false, false},
-                            Case{"/usr/bin", false, false, false, false},
-                            Case{"/developer", false, true, false, false},
-                            Case{"/System", false, true, false, false},
-                            Case{"/x/A.app", false, false, true, true},
-                            Case{"/x/A.APP", false, false, true, true},
-                            Case{"/x/A.aPp/in", false, false, false, true},
-                            Case{"/x/A.apps", false, false, false, false},
-                            Case{"/x/A.ap", false, false, false, false},
-                            Case{"/x/Aapp", false, false, false, false},
-                            Case{"/x/.app", true, false, false, true},
-                            Case{"/x/A.b.app", false, false, true, true},
-                            Case{"/x/A.app/B.txt", false, false, false, true},
-                            Case{"/x/\xff.App", false, false, true, true}}) {
-        EXPECT_EQ(getFileList::IsHiddenFile(one.path), one.hidden) << one.path;
-        EXPECT_EQ(getFileList::IsSystemDirectory(one.path), one.system) << one.path;
-        EXPECT_EQ(getFileList::IsAppDirectory(one.path), one.app) << one.path;
-        EXPECT_EQ(getFileList::HasAppDirectory(one.path), one.hasApp) << one.path;
-    }
+    for (const auto& [expected, paths] : cases)
+        for (const std::string_view path : paths) {
+            std::string found = getFileList::IsHiddenFile(path) ? "h" : "";
+            if (getFileList::IsSystemDirectory(path)) found += 's';
+            if (getFileList::IsAppDirectory(path)) found += 'a';
+            if (getFileList::HasAppDirectory(path)) found += 'i';
+            EXPECT_EQ(found, expected) << path;
+        }
 }
 
 TEST(Listing, hiddenEntriesLimitsAndLinks) {

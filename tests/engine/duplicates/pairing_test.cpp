@@ -8,10 +8,10 @@
 #include <set>
 #include <thread>
 
-#include "engine/base/Log.h"
 #include "engine/duplicates/DuplicateFilesOpt.h"
 #include "engine/duplicates/algorithm.h"
 #include "engine/duplicates/getFileList.h"
+#include "support/LogLines.h"
 #include "support/TestTree.h"
 
 namespace orrinvale {
@@ -345,15 +345,12 @@ TEST(DuplicateFilesOpt, servesOneSearchAndFindsNothingWhereNothingIs) {
         EXPECT_FALSE(search.getDuplicateFiles(&node));
         EXPECT_FALSE(node);
         tree.write("c", "two");
-        Strings lines;
-        const bool enabled = Log::isEnabled();
-        Log::setSink([&](std::string_view line) { lines.emplace_back(line); });
-        Log::setEnabled(true);
-        search.beginSearchAtPath(tree.path(), 0);
-        Log::setEnabled(enabled);
-        Log::setSink({});
-        ASSERT_EQ(lines.size(), 1U);
-        EXPECT_TRUE(lines[0].ends_with(" error need reinit")) << lines[0];
+        {
+            const testing::LogLines log;
+            search.beginSearchAtPath(tree.path(), 0);
+            ASSERT_EQ(log.lines.size(), 1U);
+            EXPECT_TRUE(log.lines[0].ends_with(" error need reinit")) << log.lines[0];
+        }
         EXPECT_FALSE(search.getDuplicateFiles(&node));
         ::unlink(tree.at("c").c_str());
     }

@@ -24,16 +24,11 @@
 namespace orrinvale {
 namespace {
 
+using testing::contentOf;
 using testing::TestTree;
 
 constexpr const char* kOld = "[Orrinvale]\nSpaceAlarm = 0.5\nmine = 7\n";
 constexpr std::size_t kLimit = 4096;
-
-std::string contentOf(const std::string& path) {
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
-}
 
 std::set<std::string> namesIn(const std::string& folder) {
     std::set<std::string> names;

@@ -19,6 +19,7 @@ namespace {
 
 using ::testing::Contains;
 using ::testing::Not;
+using testing::isThere;
 using testing::runInChild;
 using testing::TestTree;
 using testing::WatchedFiles;
@@ -29,8 +30,6 @@ std::string reasonFor(const ProtectedPlaces& places, const std::string& path) {
     const auto entry = files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);
     return places.refusal(path, entry.value_or(FileAttributes{})).value_or("");
 }
-
-bool isThere(const std::string& path) { return ::faccessat(-100, path.c_str(), F_OK, 0) == 0; }
 
 // What a removal says of it; it must not have touched anything.
 std::string refusedBy(const ProtectedPlaces& places, const std::string& path) {

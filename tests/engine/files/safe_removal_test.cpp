@@ -21,7 +21,7 @@
 #include <cstddef>
 #include <cstring>
 
-#include "engine/base/Log.h"
+#include "support/LogLines.h"
 #include "support/TestTree.h"
 
 namespace orrinvale {
@@ -29,6 +29,7 @@ namespace {
 
 using ::testing::AllOf;
 using ::testing::HasSubstr;
+using testing::isThere;
 using testing::runInChild;
 using testing::TestTree;
 using testing::WatchedFiles;
@@ -40,8 +41,6 @@ RemovalResult removeAt(const std::string& path, const std::optional<EntryIdentit
                        const FileSystem& system = files) {
     return SafeRemoval(system, nothingProtected).remove(path, expected);
 }
-
-bool isThere(const std::string& path) { return ::faccessat(AT_FDCWD, path.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0; }
 
 EntryIdentity scanned(const std::string& path) {
     return EntryIdentity::of(files.attributes(FileSystem::noParent, path.c_str(), Links::Keep).value());
@@ -168,17 +167,14 @@ TEST(SafeRemoval, whatChangedSinceTheScanStays) {
         tree.write("x", "x");
         const auto expected = scanned(tree.at("x"));
         change(tree);
-        std::vector<std::string> lines;
-        Log::setEnabled(true);
-        Log::setSink([&](std::string_view line) { lines.emplace_back(line); });
+        const testing::LogLines log;
         const auto result = removeAt(tree.at("x"), expected);
-        Log::setSink({});
-        Log::setEnabled(false);
         EXPECT_EQ(result.gone, goes) << what;
         EXPECT_EQ(isThere(tree.at("x")), !goes) << what;
         EXPECT_EQ(failuresOf(tree, result), goes ? "" : "x: changed since the scan\n") << what;
-        ASSERT_EQ(lines.size(), 1U) << what;
-        EXPECT_THAT(lines[0], AllOf(HasSubstr(tree.at("x")), HasSubstr(goes ? "Removed" : "changed since the scan")));
+        ASSERT_EQ(log.lines.size(), 1U) << what;
+        EXPECT_THAT(log.lines[0],
+                    AllOf(HasSubstr(tree.at("x")), HasSubstr(goes ? "Removed" : "changed since the scan")));
     }
     TestTree tree;  // a folder's times change with what goes from it
     tree.write("f/1", "x");

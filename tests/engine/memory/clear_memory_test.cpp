@@ -1,7 +1,6 @@
 // The command-line run that touches memory: its arguments, its exit statuses, and that it does touch.
 #include <gtest/gtest.h>
 
-#include <sys/resource.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -9,7 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "engine/base/Log.h"
 #include "engine/memory/ClearMemory.h"
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -46,16 +44,6 @@ TEST(ClearMemory, OnlyAPairOfTheWordAndASizeIsARun) {
     };
     for (const auto& each : cases)
         EXPECT_EQ(run(each.arguments), each.result) << ::testing::PrintToString(each.arguments);
-}
-
-TEST(ClearMemory, SaysWhichSizeItWasGiven) {
-    std::vector<std::string> lines;
-    Log::setSink([&lines](std::string_view line) { lines.emplace_back(line); });
-    Log::setEnabled(true);
-    (void)run({"p", "fr", "1k\n"});
-    Log::setEnabled(false);
-    Log::setSink({});
-    EXPECT_EQ(lines, std::vector<std::string>{"freeMemoy size=1k\\n"});
 }
 
 #if !ORRINVALE_OWN_ALLOCATOR
@@ -100,16 +88,6 @@ TEST(ClearMemory, TouchesTheLow32BitsInWholeKibibytes) {
         };
         EXPECT_EXIT(check(), ::testing::ExitedWithCode(0), "") << each.size;
     }
-}
-
-TEST(ClearMemory, NoMemoryGivesOne) {
-    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
-    const auto limited = [] {
-        const rlimit limit{512U << 20, 512U << 20};
-        ::setrlimit(RLIMIT_AS, &limit);
-        ::_exit(run({"p", "fr", "4294967295"}));
-    };
-    EXPECT_EXIT(limited(), ::testing::ExitedWithCode(1), "");
 }
 
 #endif

@@ -20,14 +20,9 @@
 namespace orrinvale {
 namespace {
 
+using testing::contentOf;
 using testing::TestTree;
 using Int = std::int64_t;
-
-std::string contentOf(const std::string& path) {
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
-}
 
 struct UserDefaultsTest : ::testing::Test {
     TestTree tree;

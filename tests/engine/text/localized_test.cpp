@@ -2,13 +2,13 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <set>
 #include <sstream>
 #include <string>
 #include <string_view>
 
 #include "engine/text/Localized.h"
+#include "support/TestTree.h"
 
 namespace orrinvale {
 namespace {
@@ -24,12 +24,6 @@ std::set<std::string> keysAskedFor(std::string_view source) {
     return keys;
 }
 
-std::string contentOf(const std::filesystem::path& path) {
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
-}
-
 TEST(Localized, BuiltInTableHasNoMalformedLineAndNoEmptyText) {
     const StringTable& table = builtInTexts();
     EXPECT_TRUE(table.malformedLines.empty()) << "first in line " << table.malformedLines.front();
@@ -40,36 +34,14 @@ TEST(Localized, BuiltInTableHasNoMalformedLineAndNoEmptyText) {
 }
 
 TEST(Localized, KeysOfTheInterfaceAreThere) {
-    for (const char* key : {"TITLE_CLEAN_SYS_MYMAC",
-                            "TITLE_CLEAN_SYS_CACHES",
-                            "DESC_CLEAN_SYS_CACHES",
-                            "TITLE_CLEAN_USR_CACHES",
-                            "DESC_CLEAN_USR_CACHES",
-                            "TITLE_CLEAN_SYS_LOGS",
-                            "DESC_CLEAN_SYS_LOGS",
-                            "TITLE_CLEAN_USR_LOGS",
-                            "DESC_CLEAN_USR_LOGS",
-                            "TITLE_CLEAN_TRASH",
-                            "DESC_CLEAN_TRASH",
-                            "TITLE_CLEAN_DOWNLOADS",
-                            "DESC_CLEAN_DOWNLOADS",
-                            "TITLE_UNINSTALL",
-                            "DESC_UNINSTALL",
-                            "TITLE_FREESPACE_MONITOR",
-                            "DESC_FREESPACE_MONITOR",
-                            "CLEAN_FILES_COUNT",
-                            "CLEAN_FILES_SIZE",
-                            "FREE_SPACE_SIZE",
-                            "NO_FOLDER_CONTENT",
-                            "LOCAL_STORAGE",
-                            "EXTERNAL_STORAGE",
-                            "SUPER_DRIVER",
-                            "NETWOR_STORAGE",
-                            "DISK_IMAGE",
-                            "FREE_MEMORY",
-                            "NO_HAVE_REMOVABLE",
-                            "CANNOT_OPEN_FINDER"})
-        EXPECT_TRUE(builtInTexts().texts.contains(key)) << key;
+    std::istringstream keys(
+        "TITLE_CLEAN_SYS_MYMAC TITLE_CLEAN_SYS_CACHES DESC_CLEAN_SYS_CACHES TITLE_CLEAN_USR_CACHES "
+        "DESC_CLEAN_USR_CACHES TITLE_CLEAN_SYS_LOGS DESC_CLEAN_SYS_LOGS TITLE_CLEAN_USR_LOGS "
+        "DESC_CLEAN_USR_LOGS TITLE_CLEAN_TRASH DESC_CLEAN_TRASH TITLE_CLEAN_DOWNLOADS DESC_CLEAN_DOWNLOADS "
+        "TITLE_UNINSTALL DESC_UNINSTALL TITLE_FREESPACE_MONITOR DESC_FREESPACE_MONITOR CLEAN_FILES_COUNT "
+        "CLEAN_FILES_SIZE FREE_SPACE_SIZE NO_FOLDER_CONTENT LOCAL_STORAGE EXTERNAL_STORAGE SUPER_DRIVER "
+        "NETWOR_STORAGE DISK_IMAGE FREE_MEMORY NO_HAVE_REMOVABLE CANNOT_OPEN_FINDER");
+    for (std::string key; keys >> key;) EXPECT_TRUE(builtInTexts().texts.contains(key)) << key;
 }
 
 TEST(Localized, EveryKeyInTheSourcesIsInTheTable) {
@@ -80,7 +52,7 @@ TEST(Localized, EveryKeyInTheSourcesIsInTheTable) {
         const auto extension = entry.path().extension();
         if (extension != ".cpp" && extension != ".h") continue;
         ++files;
-        for (const std::string& key : keysAskedFor(contentOf(entry.path())))
+        for (const std::string& key : keysAskedFor(testing::contentOf(entry.path())))
             EXPECT_TRUE(builtInTexts().texts.contains(key)) << key << " in " << entry.path();
     }
     EXPECT_GT(files, 0U);

@@ -116,15 +116,6 @@ TEST(SizeText, ReadsBackWithinItsTwoDecimalsAndItsRounding) {
     });
 }
 
-TEST(SizeText, NeverFallsAsTheCountClimbs) {
-    std::uint64_t last = 0;
-    for (std::uint64_t bytes = 0; bytes < (1ULL << 62); bytes += bytes / 4000 + 1) {
-        const auto read = UtilityFunction::getVolSpaceFromString(UtilityFunction::convertVolSpace(bytes));
-        ASSERT_GE(read, last) << bytes;
-        last = read;
-    }
-}
-
 TEST(SizeText, WholeUnitsTruncate) {
     const struct {
         std::uint64_t value;
@@ -154,38 +145,20 @@ TEST(SizeText, BytesOfAText) {
         const char* text;
         std::uint64_t bytes;
     } cases[] = {
-        {"1.50 GB", 1500000000},
-        {"1.50GB", 1500000000},
-        {"  1.5 KB", 1500},
-        {"\t+2 MB", 2000000},
-        {"0.00 KB", 0},
-        {"1 TB", 999999995904},
-        {"1e3 KB", 1000000},
+        {"1.50 GB", 1500000000},   {"1.50GB", 1500000000},
+        {"  1.5 KB", 1500},        {"\t+2 MB", 2000000},
+        {"1 TB", 999999995904},    {"1e3 KB", 1000000},
         {"1,5 KB", 1000},  // a comma ends the number, whatever the locale
-        {"12abc KB", 12000},
-        {"-5 KB", 0},
-        {"-5 GB", 0},
-        {"1234", 0},
-        {"12 kb", 0},
-        {"12 B", 0},
-        {"KB", 0},
-        {". KB", 0},
-        {"+-3 KB", 0},
-        {"0x10 KB", 0},
-        {"nan KB", 0},
-        {"inf KB", 0},
-        {"18446742 TB", 18446741874686296064ULL},  // two floats below 2^64
-        {"18446744 TB", kLargest},                 // rounds up to 2^64
-        {"18446745 TB", kLargest},
-        {"1e30 TB", kLargest},
-        {"1e60 KB", kLargest},
-        {"1e-60 TB", 0},
-        {"-1e60 TB", 0},
-        {"1e99999999999999999999 KB", kLargest},
-        {"1e-99999999999999999999 KB", 0},
+        {"12abc KB", 12000},       {"18446742 TB", 18446741874686296064ULL},  // two floats below 2^64
+        {"18446744 TB", kLargest},                                            // rounds up to 2^64
+        {"18446745 TB", kLargest}, {"1e30 TB", kLargest},
+        {"1e60 KB", kLargest},     {"1e99999999999999999999 KB", kLargest},
     };
     for (const auto& each : cases)
         EXPECT_EQ(UtilityFunction::getVolSpaceFromString(each.text), each.bytes) << each.text;
+    for (const char* text : {"0.00 KB", "-5 KB", "-5 GB", "1234", "12 kb", "12 B", "KB", ". KB", "+-3 KB", "0x10 KB",
+                             "nan KB", "inf KB", "1e-60 TB", "-1e60 TB", "1e-99999999999999999999 KB"})
+        EXPECT_EQ(UtilityFunction::getVolSpaceFromString(text), 0U) << text;
     const std::string zeros(400, '0');
     EXPECT_EQ(UtilityFunction::getVolSpaceFromString("1" + zeros + " KB"), kLargest);
     EXPECT_EQ(UtilityFunction::getVolSpaceFromString("0." + zeros + "1 KB"), 0U);

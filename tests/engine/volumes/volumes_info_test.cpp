@@ -7,11 +7,13 @@
 #include <utility>
 #include <vector>
 
-#include "engine/base/Log.h"
 #include "platform/fake/FakeVolumes.h"
+#include "support/LogLines.h"
 
 namespace orrinvale {
 namespace {
+
+using testing::LogLines;
 
 constexpr std::uint32_t ejectable = 1U << 0;
 constexpr std::uint32_t removable = 1U << 25;
@@ -44,20 +46,6 @@ void addDevices(FakeVolumes& platform) {
     add("noMedia", Classes{"IOCDMedia"}, true, nullptr);
     add("unreadable", Classes{"IOMedia"}, std::nullopt, cd);
 }
-
-struct LogLines {
-    LogLines() {
-        Log::setSink([this](std::string_view line) { lines.emplace_back(line); });
-        Log::setEnabled(true);
-    }
-    ~LogLines() {
-        Log::setEnabled(false);
-        Log::setSink({});
-    }
-    LogLines(const LogLines&) = delete;
-    LogLines& operator=(const LogLines&) = delete;
-    std::vector<std::string> lines;
-};
 
 TEST(VolumesInfo, KindAndEjectFlagFollowFromServerDiscBusAndBits) {
     const struct {

@@ -3,14 +3,14 @@
 
 #include <gtest/gtest.h>
 
-#include <QTimer>
+#include <QEventLoop>
 #include <future>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "engine/base/Log.h"
 #include "support/EventLoop.h"
+#include "support/LogLines.h"
 
 namespace orrinvale {
 namespace {
@@ -91,38 +91,13 @@ TEST(ThreadWorker, EndsWithoutAnEndMethod) {
 }
 
 TEST(ThreadWorker, RefusesATargetThatDoesNotRespond) {
-    std::vector<std::string> lines;
-    Log::setSink([&](std::string_view line) { lines.emplace_back(line); });
-    Log::setEnabled(true);
+    const testing::LogLines log;
     const auto worker = ThreadWorker::workOn(target(), {"missing:", ThreadWorker::Task()}, {}, [](const std::any&) {});
-    Log::setEnabled(false);
-    Log::setSink({});
     EXPECT_EQ(worker, nullptr);
-    ASSERT_EQ(lines.size(), 1U);
-    EXPECT_NE(lines[0].find("ThreadWorker reports: Target <Page> does not respond to selector missing:."),
+    ASSERT_EQ(log.lines.size(), 1U);
+    EXPECT_NE(log.lines[0].find("ThreadWorker reports: Target <Page> does not respond to selector missing:."),
               std::string::npos)
-        << lines[0];
-}
-
-TEST(ThreadWorker, GivesTheTaskAnEventLoop) {
-    std::atomic<bool> fired = false;
-    bool ended = false;
-    const auto worker = ThreadWorker::workOn(target(),
-                                             {"work:",
-                                              [&](const std::any&) {
-                                                  QTimer timer;
-                                                  timer.setSingleShot(true);
-                                                  QEventLoop loop;
-                                                  QObject::connect(&timer, &QTimer::timeout, &loop, [&] {
-                                                      fired = true;
-                                                      loop.quit();
-                                                  });
-                                                  timer.start(1);
-                                                  loop.exec();
-                                              }},
-                                             {}, [&](const std::any&) { ended = true; });
-    ASSERT_TRUE(serveUntil([&] { return ended; }));
-    EXPECT_TRUE(fired);
+        << log.lines[0];
 }
 
 // A worker may be started by another worker: the end belongs to whoever started it, not to the main thread.

@@ -129,8 +129,8 @@ TEST_F(Buttons, RolesStatesAndSchemesAllLookDifferent) {
     QList<QImage> seen;
     for (const auto scheme : {Theme::Scheme::Dark, Theme::Scheme::Light}) {
         theme.setScheme(scheme);
-        for (const auto role :
-             {TextImageButton::Role::Plain, TextImageButton::Role::Primary, TextImageButton::Role::Danger}) {
+        using Role = TextImageButton::Role;
+        for (const auto role : {Role::Plain, Role::Primary, Role::Link, Role::Danger}) {
             text->setRole(role);
             text->setEnabled(true);
             hover(image);

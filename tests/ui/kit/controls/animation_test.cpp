@@ -13,8 +13,8 @@
 #include <memory>
 #include <vector>
 
-#include "engine/base/Log.h"
 #include "engine/base/NotificationCenter.h"
+#include "support/LogLines.h"
 #include "support/TestTree.h"
 #include "ui/kit/controls/Animation.h"
 #include "ui/kit/controls/PathAnimation.h"
@@ -214,9 +214,7 @@ TEST(PathAnimation, FliesInACurveAndReportsItsLanding) {
     trash.setGeometry(340, 260, 40, 30);
     page.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&page));
-    std::vector<std::string> lines;
-    Log::setEnabled(true);
-    Log::setSink([&](std::string_view line) { lines.emplace_back(line); });
+    const testing::LogLines log;
     Landing landing;
     PathAnimation flight(page);
     flight.setDelegate(&landing);
@@ -239,7 +237,7 @@ TEST(PathAnimation, FliesInACurveAndReportsItsLanding) {
     EXPECT_LE((last - trash.geometry().center()).manhattanLength(), 40);
     EXPECT_FALSE(view->isVisible());
     EXPECT_EQ(landing.calls, 1);
-    EXPECT_EQ(lines, (std::vector<std::string>{"animation start", "animation end"}));
+    EXPECT_EQ(log.lines, (std::vector<std::string>{"animation start", "animation end"}));
 
     flight.fly(icon, start, &trash);
     flight.fly(icon, start, &trash);
@@ -249,8 +247,6 @@ TEST(PathAnimation, FliesInACurveAndReportsItsLanding) {
     flight.fly(icon, start, &trash);
     EXPECT_EQ(landing.calls, 4) << "where nothing may move it ends within the call";
     EXPECT_FALSE(flight.isFly() || view->isVisible());
-    Log::setSink({});
-    Log::setEnabled(false);
 }
 
 }  // namespace

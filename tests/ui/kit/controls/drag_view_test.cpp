@@ -12,7 +12,7 @@
 #include <memory>
 #include <vector>
 
-#include "engine/base/Log.h"
+#include "support/LogLines.h"
 #include "support/TestTree.h"
 #include "ui/kit/controls/DragView.h"
 #include "ui/kit/controls/FileUrl.h"
@@ -81,19 +81,14 @@ Drop dropOn(DragView& view, const QMimeData& data, Qt::DropActions offered) {
 class DragViewTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        Log::setEnabled(true);
-        Log::setSink([this](std::string_view line) { lines.emplace_back(line); });
         view.setDelegate(&page);
         view.resize(200, 100);
-    }
-    void TearDown() override {
-        Log::setSink({});
-        Log::setEnabled(false);
     }
     TestTree tree;
     DragView view;
     Page page;
-    std::vector<std::string> lines;
+    testing::LogLines log;
+    std::vector<std::string>& lines = log.lines;
 };
 
 TEST_F(DragViewTest, OnlyTheFirstFolderReachesThePage) {

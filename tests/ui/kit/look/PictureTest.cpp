@@ -10,7 +10,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "engine/base/Log.h"
+#include "support/LogLines.h"
 #include "ui/kit/look/PictureFile.h"
 #include "ui/kit/look/Theme.h"
 
@@ -74,34 +74,11 @@ TEST(Picture, EveryOneShowsSomethingInBothSchemesAndScales) {
 }
 
 TEST(Picture, EveryNameOfTheInterfaceIsThere) {
-    QStringList names{"wheader"_s,
-                      "tab"_s,
-                      "tab_on"_s,
-                      "option_no"_s,
-                      "option_yes"_s,
-                      "option_a"_s,
-                      "all"_s,
-                      "ic_doc"_s,
-                      "ic_video"_s,
-                      "ic_music"_s,
-                      "ic_archive"_s,
-                      "ic_pic"_s,
-                      "ic_other"_s,
-                      "ic_lock"_s,
-                      "ic_unlock"_s,
-                      "Lock.png"_s,
-                      "Lock_1.png"_s,
-                      "Unlock.png"_s,
-                      "addbg"_s,
-                      "addbg_hover"_s,
-                      "addbg_press"_s,
-                      "locate"_s,
-                      "preview"_s,
-                      "file1.png"_s,
-                      "trash"_s,
-                      "scan_b_normal"_s,
-                      "bottom_prograss.png"_s,
-                      "animation_prograss.png"_s};
+    QStringList names =
+        ("wheader tab tab_on option_no option_yes option_a all ic_doc ic_video ic_music ic_archive ic_pic "
+         "ic_other ic_lock ic_unlock Lock.png Lock_1.png Unlock.png addbg addbg_hover addbg_press locate "
+         "preview file1.png trash scan_b_normal bottom_prograss.png animation_prograss.png"_s)
+            .split(u' ');
     for (const char* button : {"btn_back", "btn_sec", "btn_pri", "window_close", "window_minimise", "window_zoom"})
         for (const char* state : {"", "_hover", "_press", "_disable"})
             names << QLatin1String(button) + QLatin1String(state);
@@ -113,9 +90,7 @@ TEST(Picture, EveryNameOfTheInterfaceIsThere) {
 }
 
 TEST(Picture, AnUnknownNameIsLoggedAndGivesNothing) {
-    std::vector<std::string> lines;
-    Log::setEnabled(true);
-    Log::setSink([&](std::string_view line) { lines.emplace_back(line); });
+    const testing::LogLines log;
     const QStringList names{""_s,    "nothing"_s, "101%"_s,      "037"_s,        "%-1"_s,
                             "-1"_s,  "1 "_s,      "loading_0"_s, "loading_13"_s, "../pictures/all"_s,
                             "ALL"_s, "all.jpg"_s};
@@ -124,10 +99,8 @@ TEST(Picture, AnUnknownNameIsLoggedAndGivesNothing) {
         EXPECT_TRUE(picturePixmap(name, {10, 10}).isNull()) << name.toStdString();
         EXPECT_TRUE(pictureSize(name).isEmpty()) << name.toStdString();
     }
-    Log::setSink({});
-    Log::setEnabled(false);
-    ASSERT_EQ(lines.size(), static_cast<std::size_t>(names.size()) * 2);
-    EXPECT_EQ(lines[2], "picture: there is none named \"nothing\"");
+    ASSERT_EQ(log.lines.size(), static_cast<std::size_t>(names.size()) * 2);
+    EXPECT_EQ(log.lines[2], "picture: there is none named \"nothing\"");
 }
 
 TEST(Picture, KeepsItsShapeUnlessItIsMadeToStretch) {
