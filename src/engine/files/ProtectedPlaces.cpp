@@ -6,7 +6,9 @@
 #include <atomic>
 #include <charconv>
 #include <cstdlib>
+#include <filesystem>
 #include <span>
+#include <system_error>
 
 #include "engine/files/FolderNode.h"
 #include "engine/files/TreeLister.h"
@@ -18,6 +20,7 @@ constexpr std::string_view mountReason = "a mount point";
 constexpr std::string_view homeReason = "a home folder";
 constexpr std::string_view kernelReason = "a folder of the kernel";
 constexpr std::string_view ownReason = "one of the program's own files";
+constexpr int mostLinks = 40;  // as the kernel, path_resolution(7)
 constexpr std::size_t mostOfUserTable = std::size_t{16} << 20U;
 
 std::string reasonAbove(const std::string& reason) {
@@ -45,6 +48,10 @@ std::string_view fieldOf(std::string_view line, int number) {
         line.remove_prefix(colon + 1);
     }
     return line.substr(0, line.find(':'));
+}
+
+bool isWithinAny(std::string_view path, const std::vector<std::string>& folders) {
+    return std::any_of(folders.begin(), folders.end(), [&](const auto& folder) { return isWithin(path, folder); });
 }
 
 // Services have theirs in folders of the system. 60514 to 65535 are given out to services and to nobody, above them begin the
@@ -101,10 +108,10 @@ void ProtectedPlaces::addHomes(const FileSystem& files) {
 void ProtectedPlaces::addHome(const FileSystem& files, std::string_view home, std::uint32_t user) {
     const auto plain = plainPath(home);
     if (!plain || *plain == "/") return;
-    add(files, *plain, std::string(homeReason));
-    if (!isPerson(user)) return;
-    for (const auto& path : {plain, realPlace(files, *plain)})
-        if (path && folderOf(*path) != "/") m_homeFolders.insert(folderOf(*path));
+    for (const std::string& each : placesOf(files, *plain)) {
+        protect(files, each, std::string(homeReason));
+        if (const std::string folder = folderOf(each); isPerson(user) && folder != "/") m_homeFolders.insert(folder);
+    }
 }
 
 void ProtectedPlaces::addOwnFile(const FileSystem& files, const std::string& path) {
@@ -120,15 +127,50 @@ void ProtectedPlaces::addOwnFile(const FileSystem& files, const std::string& pat
 void ProtectedPlaces::add(const FileSystem& files, std::string_view path, const std::string& reason) {
     const auto plain = plainPath(path);
     if (!plain) return;
-    protect(files, *plain, reason);
-    const auto real = realPlace(files, *plain);
-    if (real && *real != *plain) protect(files, *real, reason);
+    for (const std::string& each : placesOf(files, *plain)) protect(files, each, reason);
 }
 
-std::optional<std::string> ProtectedPlaces::realPlace(const FileSystem& files, const std::string& path) const {
-    if (mayHang(path)) return std::nullopt;
-    auto real = files.resolved(path);
-    return real ? std::optional(std::move(*real)) : std::nullopt;
+// The path, and where links lead to from it: up to the place that may hang when they come by one.
+std::vector<std::string> ProtectedPlaces::placesOf(const FileSystem& files, const std::string& path) {
+    std::vector<std::string> places{path};
+    if (auto beyond = beyondLinks(path)) {
+        places.push_back(std::move(*beyond));
+    } else if (auto real = files.resolved(path); real && *real != path) {
+        places.push_back(std::move(*real));
+    }
+    return places;
+}
+
+// The spelling of a place that may hang, when the path comes to one; from then on nobody asks for what is behind that link either.
+// Followed link by link, as a look-up of the whole path might not come back.
+std::optional<std::string> ProtectedPlaces::beyondLinks(const std::string& path) {
+    if (m_mayHang.empty()) return std::nullopt;
+    std::string done;
+    std::string rest = path;
+    std::size_t unread = path.size();  // of the path itself, behind the last link
+    for (int links = 0; links <= mostLinks && !rest.empty();) {
+        rest.erase(0, std::min(rest.find_first_not_of('/'), rest.size()));
+        const std::string name = rest.substr(0, rest.find('/'));
+        rest.erase(0, name.size());
+        unread = std::min(unread, rest.size());
+        if (name == "..") done.resize(std::min(done.rfind('/'), done.size()));
+        if (name.empty() || name == "." || name == "..") continue;
+        const std::string next = done + '/' + name;
+        if (isWithinAny(next, m_mayHang)) {
+            if (links > 0) m_linksToHanging.push_back(path.substr(0, path.size() - unread));
+            return plainPath(next + rest).value_or(next);
+        }
+        std::error_code none;
+        const std::string text = std::filesystem::read_symlink(next, none).string();
+        if (text.empty()) {
+            done = next;
+            continue;
+        }
+        ++links;
+        if (text.front() == '/') done.clear();
+        rest.insert(0, text + '/');
+    }
+    return std::nullopt;
 }
 
 void ProtectedPlaces::protect(const FileSystem& files, const std::string& path, const std::string& reason) {
@@ -152,8 +194,7 @@ std::optional<ProtectedPlaces::Identity> ProtectedPlaces::identityOf(const FileS
 }
 
 bool ProtectedPlaces::mayHang(std::string_view path) const {
-    return std::any_of(m_mayHang.begin(), m_mayHang.end(),
-                       [&](const std::string& mount) { return isWithin(path, mount); });
+    return isWithinAny(path, m_mayHang) || isWithinAny(path, m_linksToHanging);
 }
 
 std::optional<std::string> ProtectedPlaces::refusal(std::string_view path, const FileAttributes& entry) const {

@@ -2,6 +2,8 @@
 // SafeRemoval touches nothing of what is refused.
 #include "engine/files/ProtectedPlaces.h"
 
+#include <fcntl.h>
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sched.h>
@@ -158,6 +160,31 @@ TEST(ProtectedPlaces, mountsAndWhatIsReachedThroughThem) {
     if (told.starts_with("skipped")) GTEST_SKIP() << told;
     EXPECT_EQ(told, "");
     for (const char* name : {"home/user/x", "mine/a/b/tmp mount/x", "source/x"}) EXPECT_TRUE(isThere(tree.at(name)));
+}
+
+// A file system whose server never answers: whoever asks it for anything waits for good.
+TEST(ProtectedPlaces, aDeadDiskBehindALink) {
+    TestTree tree;
+    tree.folder("dead");
+    tree.symlink("dead/all", "homes");
+    const std::string told = runInChild({}, [&]() -> std::string {
+        const Descriptor server(::open("/dev/fuse", O_RDWR | O_CLOEXEC));
+        const std::string how = fmt::format("fd={},rootmode=40000,user_id=0,group_id=0", server.get());
+        if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            ::mount("none", tree.at("dead").c_str(), "fuse", 0, how.c_str()) != 0)
+            return "skipped: no mount";
+        auto places = ProtectedPlaces::ofThisMachine(files, {});
+        std::string wrong;
+        for (const char* user : {"one", "two"}) {
+            places.addHome(files, tree.at("homes/") + user, 1000);
+            for (const char* homes : {"homes/", "dead/all/"})
+                if (places.refusal(tree.at(homes) + user, FileAttributes{}) != "a home folder")
+                    wrong += homes + std::string(user) + '\n';
+        }
+        return wrong;
+    });
+    if (told.starts_with("skipped")) GTEST_SKIP() << told;
+    EXPECT_EQ(told, "");
 }
 
 TEST(ProgramFiles, theExecutableItsSiblingsAndItsFoldersButNobodyElses) {
