@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <poll.h>
+#include <pwd.h>
 #include <sys/mount.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
@@ -124,6 +125,21 @@ bool isRequested(const FileAttributes& entry, const HelperRequest& request) {
 
 HelperReply refused(std::string reason) { return {0, Outcome::Refused, std::move(reason)}; }
 
+/// The home of the user who is served, which is asked of the system's services too: the table of users does not name everybody.
+/// Nothing when the user has none.
+std::optional<std::string> homeOf(uid_t user) {
+    constexpr unsigned patience = 10;  // seconds; then SIGALRM ends this process, and the request with it
+    constexpr std::size_t mostText = std::size_t{1} << 20U;
+    std::string text(1024, '\0');
+    passwd entry{};
+    passwd* found = nullptr;
+    ::alarm(patience);
+    while (::getpwuid_r(user, &entry, text.data(), text.size(), &found) == ERANGE && text.size() < mostText)
+        text.resize(text.size() * 2);
+    ::alarm(0);
+    return found != nullptr ? std::optional<std::string>(found->pw_dir) : std::nullopt;
+}
+
 }  // namespace
 
 HelperReply removeEntry(const HelperRequest& request, uid_t caller, const std::vector<std::string>& ownFiles) {
@@ -134,7 +150,8 @@ HelperReply removeEntry(const HelperRequest& request, uid_t caller, const std::v
     // From the folder as it is seen now: in the copy a mount point looks like the folder below it.
     const auto seen = files.attributes(parent->folder.get(), name.c_str(), Links::Keep);
     if (!seen) return refused(reasonOf(seen.error()));
-    const auto places = ProtectedPlaces::ofThisMachine(files, ownFiles);
+    auto places = ProtectedPlaces::ofThisMachine(files, ownFiles);
+    if (const auto home = homeOf(caller)) places.addHome(files, *home, caller);
     if (auto reason = places.refusal(request.path, *seen)) return refused(std::move(*reason));
 
     const WorkFolder work = workFolderOf(std::move(parent->folder));

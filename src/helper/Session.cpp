@@ -152,9 +152,10 @@ void Session::answer(const HelperReply& reply) const {
     (void)!::send(m_socket, packet.data(), packet.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
 }
 
+// The path comes last: it is the one part that may be too long for the line.
 void Session::note(const HelperReply& reply) const {
-    report(fmt::format("uid {}: {}:{} {}: {}{}{}", m_caller, m_request.device, m_request.inode, m_request.path,
-                       wordFor(reply.outcome), reply.text.empty() ? "" : ": ", reply.text));
+    report(fmt::format("uid {}: {}{}{}: {}:{} {}", m_caller, wordFor(reply.outcome), reply.text.empty() ? "" : ": ",
+                       reply.text, m_request.device, m_request.inode, m_request.path));
 }
 
 }  // namespace orrinvale::helper

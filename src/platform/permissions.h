@@ -1,26 +1,23 @@
-// Permissions: may this user remove an entry, and the mode bits of one. linux/LinuxPermissions.h implements it.
+// Permissions: folders that shut out their own owner. linux/LinuxPermissions.h implements it.
 #pragma once
 
 #include <cstdint>
-#include <string>
-
-#include "platform/files.h"
+#include <optional>
 
 namespace orrinvale {
 
-/// Any thread. Paths are absolute and their last component is never followed.
+/// Any thread. `folder` is held or open (FileSystem::holdEntry is enough), so that no name is looked up and no other entry is hit.
 class Permissions {
 public:
     virtual ~Permissions() = default;
 
-    /// False when the folder that holds the entry can not be changed by this user (the sticky bit counts), when the entry is a
-    /// folder of this user's that he may not read, change or search, and when it can not be told.
-    [[nodiscard]] virtual bool isDeletable(const std::string& path) const = 0;
+    /// Lets this user read, change and search a folder of his own that denies it to him; nobody else gains anything, so that a
+    /// process that is killed meanwhile leaves nothing open to others. The former permissions (the lower twelve bits of the
+    /// mode), or nothing when there was nothing to do or it could not be done.
+    [[nodiscard]] virtual std::optional<std::uint32_t> openToOwner(int folder) const = 0;
 
-    /// Sets the permissions (the lower twelve bits of the mode) of a file or folder that is still the given one; the former ones,
-    /// or an errno: ESTALE for another entry, EOPNOTSUPP for anything but a file or a folder, a link above all.
-    [[nodiscard]] virtual SysResult<std::uint32_t> exchangeMode(const std::string& path, std::uint64_t device,
-                                                                std::uint64_t inode, std::uint32_t mode) const = 0;
+    /// Sets the permissions back, as far as the folder is still there.
+    virtual void setPermissions(int folder, std::uint32_t permissions) const = 0;
 
 protected:
     Permissions() = default;

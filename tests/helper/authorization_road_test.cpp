@@ -8,7 +8,9 @@
 #include <array>
 #include <condition_variable>
 #include <csignal>
+#include <filesystem>
 #include <future>
+#include <iterator>
 #include <mutex>
 #include <string>
 
@@ -27,6 +29,10 @@ constexpr auto kRight = Authorization::adminRight;
 
 // What pkexec does when the person agrees.
 std::string agreeing() { return "PKEXEC_UID=" + std::to_string(::getuid()) + " exec \"$2\"\n"; }
+
+std::ptrdiff_t openDescriptors() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), std::filesystem::directory_iterator());
+}
 
 class RightOnLinux : public ::testing::Test {
 protected:
@@ -140,6 +146,14 @@ TEST_F(RightOnLinux, EveryRefusalIsTold) {
         LinuxAuthorization system(own);
         EXPECT_NE(acquire(system, owner), Status::success);
         EXPECT_EQ(system.lastRefusal(), Refusal::HelperMissing) << helper;
+        // A click that is refused leaves nothing behind.
+        EXPECT_EQ(system.free(owner), Status::success);
+        const auto before = openDescriptors();
+        for (int click = 0; click < 5; ++click) {
+            EXPECT_NE(acquire(system, owner), Status::success);
+            EXPECT_EQ(system.free(owner), Status::success);
+        }
+        EXPECT_EQ(openDescriptors(), before);
     }
 }
 

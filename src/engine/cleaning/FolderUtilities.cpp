@@ -89,9 +89,12 @@ std::string FolderUtilities::getFolderFromFile(const std::string& path) const {
 
 bool FolderUtilities::CreateAuthoration(AuthorizationRef reference) {
     Authorization& system = QnAuthorization::shareQnAuthorization().platform();
-    return QnAuthorization::worked("Error Creating Initial Authorization", system.create(reference)) &&
-           QnAuthorization::worked("Copy Rights Unsuccessful", system.copyRights(reference, Authorization::adminRight,
-                                                                                 AuthorizationFlags::acquire));
+    if (!QnAuthorization::worked("Error Creating Initial Authorization", system.create(reference))) return false;
+    const bool agreed =
+        QnAuthorization::worked("Copy Rights Unsuccessful",
+                                system.copyRights(reference, Authorization::adminRight, AuthorizationFlags::acquire));
+    (void)system.free(reference);  // or the padlock would open without a dialog as long as the right stands
+    return agreed;
 }
 
 bool FolderUtilities::DeleteAuthoration(AuthorizationRef reference) {

@@ -47,8 +47,8 @@ public:
     /// the folder that they are in.
     [[nodiscard]] std::string getFolderFromFile(const std::string& path) const;
 
-    /// Asks the person for the administrator right once more, on a new reference. The one handed in stays as it was, and nothing
-    /// frees the new one: the answer tells only that the person agreed.
+    /// Asks the person for the administrator right once more, on a new reference. The one handed in stays as it was, and the new
+    /// one goes with the answer, which tells only that the person agreed. A right that the padlock holds stays.
     [[nodiscard]] static bool CreateAuthoration(AuthorizationRef reference);
 
     /// Frees the reference; false when the platform does not know it.

@@ -63,6 +63,11 @@ Authorization& QnAuthorization::platform() const {
 }
 
 bool QnAuthorization::allocAuthorization() {
+    std::unique_lock turn(m_acquiring, std::try_to_lock);
+    if (!turn) {
+        turn.lock();
+        return isValidAuth;
+    }
     if (isValidAuth) return true;
     do {
         isValidAuth = true;

@@ -49,7 +49,8 @@ public:
     /// padlocks have to follow. Hand it over before the first right is acquired.
     void setRightLostHandler(std::function<void(AuthorizationRefusal)> handler);
 
-    /// Acquires the right and waits for the person's answer. True at once when it is held.
+    /// Acquires the right and waits for the person's answer. True at once when it is held. While another thread waits for the
+    /// answer, this one waits with it and takes it over; freeAuthorization() ends the dialog for both.
     bool allocAuthorization();
 
     /// Gives the right up. Always true.
@@ -65,7 +66,9 @@ public:
     /// longer than a path may be (PATH_MAX, limits.h), and whenever the tool is not run or prints anything.
     [[nodiscard]] static bool removeItemAtPath(const std::string& path);
 
-    /// Removes an entry, contents included: plainly first, as administrator second. A protected place is refused at once.
+    /// Removes an entry, contents included: plainly first, as administrator second. A protected place is refused at once. An entry
+    /// in a folder that this user may not search stays even while the right is held: it can not be looked at, and only what was
+    /// looked at is handed to the tool.
     [[nodiscard]] static bool synFastRemovePath(const std::string& path);
 
     /// The same for an entry that a scan saw: it goes only if it is that entry still. `places` is made once for all that a person
@@ -98,6 +101,7 @@ private:
     void rightLost(AuthorizationRefusal reason);
 
     AuthorizationParts m_parts;
+    std::mutex m_acquiring;  // held from the first step to the answer; never taken by what gives the right up
     mutable std::mutex m_mutex;
     AuthorizationExternalForm authForm{};                          // guarded by m_mutex; stays when the right goes
     std::function<void(AuthorizationRefusal)> m_rightLostHandler;  // guarded by m_mutex

@@ -19,14 +19,19 @@ namespace orrinvale {
 namespace {
 
 constexpr std::size_t kMostOutput = 128;
-constexpr std::uint32_t kOpenToAll = 0777;
 constexpr std::string_view kChanged = "changed since the scan";
 
-SysResult<FileAttributes> attributesAt(const FileSystem& files, const std::string& path) {
-    if (path.size() < PATH_MAX) return files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);
+SysResult<Descriptor> holdAt(const FileSystem& files, const std::string& path) {
+    if (path.size() < PATH_MAX) return files.holdEntry(FileSystem::noParent, path.c_str());
     const auto parent = openFolderByPath(files, folderOf(path), Links::Follow);
     if (!parent) return tl::unexpected(parent.error());
-    return files.attributes(parent->get(), std::string(lastPathComponent(path)).c_str(), Links::Keep);
+    return files.holdEntry(parent->get(), std::string(lastPathComponent(path)).c_str());
+}
+
+SysResult<FileAttributes> attributesAt(const FileSystem& files, const std::string& path) {
+    const auto entry = holdAt(files, path);
+    if (!entry) return tl::unexpected(entry.error());
+    return files.attributes(entry->get());
 }
 
 /// The same entry by a way without links, which the administrator's tool does not take. What is at its end is compared by identity.
@@ -57,27 +62,32 @@ std::optional<std::string> runTool(const FileSystem& files, const std::string& p
     return std::string(printed.data(), static_cast<std::size_t>(std::max<std::ptrdiff_t>(count, 0)));
 }
 
-/// Opens an entry up for its own removal, and closes it again if it is still there: a folder of somebody must not stay open to all.
+/// Opens a folder that shuts out its own owner, so that he can empty it, and shuts it again: a private folder must not stay open
+/// behind a removal that failed, nor while the administrator's tool works. The mode of anything else is nobody's business here:
+/// a file goes by the right to change its folder, and its mode would change under all its other names as well.
 class OpenedUp final {
 public:
-    OpenedUp(const Permissions* permissions, const std::string& path, const FileAttributes& entry)
-        : m_permissions(permissions), m_path(path), m_entry(entry) {
-        if (m_permissions == nullptr || m_permissions->isDeletable(path)) return;
-        m_former = m_permissions->exchangeMode(path, entry.device, entry.inode, kOpenToAll);
+    OpenedUp(const FileSystem& files, const Permissions* permissions, const std::string& path,
+             const FileAttributes& entry)
+        : m_permissions(permissions) {
+        if (m_permissions == nullptr || entry.type != FileType::Folder) return;
+        auto folder = holdAt(files, path);
+        if (!folder) return;
+        const auto now = files.attributes(folder->get());
+        if (!now || !EntryIdentity::of(entry).isStill(*now)) return;
+        m_folder = std::move(*folder);
+        m_former = m_permissions->openToOwner(m_folder.get());
     }
     ~OpenedUp() {
-        if (m_former) (void)m_permissions->exchangeMode(m_path, m_entry.device, m_entry.inode, *m_former);
+        if (m_former) m_permissions->setPermissions(m_folder.get(), *m_former);
     }
     OpenedUp(const OpenedUp&) = delete;
     OpenedUp& operator=(const OpenedUp&) = delete;
 
-    [[nodiscard]] bool isOpenedUp() const { return m_former.has_value(); }
-
 private:
     const Permissions* const m_permissions;
-    const std::string& m_path;
-    const FileAttributes m_entry;
-    SysResult<std::uint32_t> m_former = tl::unexpected(0);
+    Descriptor m_folder;
+    std::optional<std::uint32_t> m_former;
 };
 
 /// One removal by the door that all pages use.
@@ -89,39 +99,42 @@ public:
 
     FastRemoval remove(const std::optional<EntryIdentity>& expected, const std::atomic<bool>* stop) {
         const auto entry = attributesAt(m_files, m_path);
-        if (!entry) return withoutEntry(entry, expected.has_value());
+        if (!entry && !expected) return withoutEntry(entry);
+        // What a scan saw is gone as the caller wants, unless its whole disk is: the plain removal tells the one from the other.
+        if (!entry) return told(SafeRemoval(m_files, m_places).remove(m_path, expected, stop));
         if (expected && !expected->isStill(*entry)) return refuse(std::string(kChanged));
         if (auto reason = m_places.refusal(m_path, *entry)) return refuse(std::move(*reason));
-        const OpenedUp opened(m_permissions, m_path, *entry);
-        return removePlainly(opened.isOpenedUp() ? afterOpening(*entry) : *entry, stop);
+        return removePlainly(*entry, stop);
     }
 
 private:
-    // What a scan saw and is gone is what the caller wants; a path that nobody saw takes the tool's answer.
-    FastRemoval withoutEntry(const SysResult<FileAttributes>& entry, bool wasSeen) const {
-        if (wasSeen && entry.error() == ENOENT) return {.gone = true, .reason = {}};
+    // A path that nobody saw takes the tool's answer. What can not be seen because a folder on the way may not be searched stays,
+    // with or without the right: nobody could tell that it is the entry that was meant.
+    FastRemoval withoutEntry(const SysResult<FileAttributes>& entry) const {
         FastRemoval result = refuse(systemError("stat", m_path, entry.error()).reason());
-        result.gone = result.privileged = !wasSeen && !runTool(m_files, m_path, entry);
+        result.gone = result.privileged = !runTool(m_files, m_path, entry);
         if (result.gone) result.reason.clear();
         return result;
     }
 
-    // Opening up a file changed its inode's time, by us; nothing else may have changed.
-    FileAttributes afterOpening(const FileAttributes& before) const {
-        const auto now = attributesAt(m_files, m_path);
-        FileAttributes same = before;
-        if (now) same.changed = now->changed;
-        return same;
-    }
-
     FastRemoval removePlainly(const FileAttributes& entry, const std::atomic<bool>* stop) {
         const auto identity = EntryIdentity::of(entry);
-        const RemovalResult plain = SafeRemoval(m_files, m_places).remove(m_path, identity, stop);
+        const RemovalResult plain = removeOpenedUp(entry, identity, stop);
+        FastRemoval result = told(plain);
+        if (plain.refused) note(result.reason);
+        else if (!plain.gone && !plain.stopped) removePrivileged(identity, result);
+        return result;
+    }
+
+    RemovalResult removeOpenedUp(const FileAttributes& entry, const EntryIdentity& identity,
+                                 const std::atomic<bool>* stop) const {
+        const OpenedUp opened(m_files, m_permissions, m_path, entry);
+        return SafeRemoval(m_files, m_places).remove(m_path, identity, stop);
+    }
+
+    FastRemoval told(const RemovalResult& plain) const {
         FastRemoval result{.gone = plain.gone, .stopped = plain.stopped, .removed = plain.removed, .reason = {}};
-        if (result.gone) return result;
-        result.reason = plain.failures.empty() ? "stopped" : plain.failures.front().reason;
-        if (plain.stopped) return result;
-        removePrivileged(identity, result);
+        if (!result.gone) result.reason = plain.failures.empty() ? "stopped" : plain.failures.front().reason;
         return result;
     }
 

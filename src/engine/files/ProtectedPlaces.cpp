@@ -4,8 +4,11 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <charconv>
 #include <cstdlib>
+#include <filesystem>
 #include <span>
+#include <system_error>
 
 #include "engine/files/FolderNode.h"
 #include "engine/files/TreeLister.h"
@@ -17,6 +20,7 @@ constexpr std::string_view mountReason = "a mount point";
 constexpr std::string_view homeReason = "a home folder";
 constexpr std::string_view kernelReason = "a folder of the kernel";
 constexpr std::string_view ownReason = "one of the program's own files";
+constexpr int mostLinks = 40;  // as the kernel, path_resolution(7)
 constexpr std::size_t mostOfUserTable = std::size_t{16} << 20U;
 
 std::string reasonAbove(const std::string& reason) {
@@ -37,14 +41,22 @@ std::string userTable(const FileSystem& files) {
 }
 
 // passwd(5): "name:password:uid:gid:comment:home:shell"
-std::string_view homeOfLine(std::string_view line) {
-    for (int field = 0; field < 5; ++field) {
+std::string_view fieldOf(std::string_view line, int number) {
+    for (int field = 0; field < number; ++field) {
         const std::size_t colon = line.find(':');
         if (colon == std::string_view::npos) return {};
         line.remove_prefix(colon + 1);
     }
     return line.substr(0, line.find(':'));
 }
+
+bool isWithinAny(std::string_view path, const std::vector<std::string>& folders) {
+    return std::any_of(folders.begin(), folders.end(), [&](const auto& folder) { return isWithin(path, folder); });
+}
+
+// Services have theirs in folders of the system. 60514 to 65535 are given out to services and to nobody, above them begin the
+// ranges of directories (systemd's UIDS-GIDS).
+bool isPerson(std::uint32_t user) { return user >= 1000 && (user < 60514 || user > 65535); }
 
 }  // namespace
 
@@ -83,10 +95,23 @@ void ProtectedPlaces::addHomes(const FileSystem& files) {
     const std::string table = userTable(files);
     for (std::size_t at = 0; at < table.size();) {
         const std::size_t end = std::min(table.find('\n', at), table.size());
-        add(files, homeOfLine(std::string_view(table).substr(at, end - at)), std::string(homeReason));
+        const std::string_view line = std::string_view(table).substr(at, end - at);
+        const std::string_view number = fieldOf(line, 2);
+        std::uint32_t user = 0;
+        (void)std::from_chars(number.data(), number.data() + number.size(), user);
+        addHome(files, fieldOf(line, 5), user);
         at = end + 1;
     }
     if (const char* const home = std::getenv("HOME")) add(files, home, std::string(homeReason));
+}
+
+void ProtectedPlaces::addHome(const FileSystem& files, std::string_view home, std::uint32_t user) {
+    const auto plain = plainPath(home);
+    if (!plain || *plain == "/") return;
+    for (const std::string& each : placesOf(files, *plain)) {
+        protect(files, each, std::string(homeReason));
+        if (const std::string folder = folderOf(each); isPerson(user) && folder != "/") m_homeFolders.insert(folder);
+    }
 }
 
 void ProtectedPlaces::addOwnFile(const FileSystem& files, const std::string& path) {
@@ -102,10 +127,50 @@ void ProtectedPlaces::addOwnFile(const FileSystem& files, const std::string& pat
 void ProtectedPlaces::add(const FileSystem& files, std::string_view path, const std::string& reason) {
     const auto plain = plainPath(path);
     if (!plain) return;
-    protect(files, *plain, reason);
-    if (mayHang(*plain)) return;
-    const auto real = files.resolved(*plain);
-    if (real && *real != *plain) protect(files, *real, reason);
+    for (const std::string& each : placesOf(files, *plain)) protect(files, each, reason);
+}
+
+// The path, and where links lead to from it: up to the place that may hang when they come by one.
+std::vector<std::string> ProtectedPlaces::placesOf(const FileSystem& files, const std::string& path) {
+    std::vector<std::string> places{path};
+    if (auto beyond = beyondLinks(path)) {
+        places.push_back(std::move(*beyond));
+    } else if (auto real = files.resolved(path); real && *real != path) {
+        places.push_back(std::move(*real));
+    }
+    return places;
+}
+
+// The spelling of a place that may hang, when the path comes to one; from then on nobody asks for what is behind that link either.
+// Followed link by link, as a look-up of the whole path might not come back.
+std::optional<std::string> ProtectedPlaces::beyondLinks(const std::string& path) {
+    if (m_mayHang.empty()) return std::nullopt;
+    std::string done;
+    std::string rest = path;
+    std::size_t unread = path.size();  // of the path itself, behind the last link
+    for (int links = 0; links <= mostLinks && !rest.empty();) {
+        rest.erase(0, std::min(rest.find_first_not_of('/'), rest.size()));
+        const std::string name = rest.substr(0, rest.find('/'));
+        rest.erase(0, name.size());
+        unread = std::min(unread, rest.size());
+        if (name == "..") done.resize(std::min(done.rfind('/'), done.size()));
+        if (name.empty() || name == "." || name == "..") continue;
+        const std::string next = done + '/' + name;
+        if (isWithinAny(next, m_mayHang)) {
+            if (links > 0) m_linksToHanging.push_back(path.substr(0, path.size() - unread));
+            return plainPath(next + rest).value_or(next);
+        }
+        std::error_code none;
+        const std::string text = std::filesystem::read_symlink(next, none).string();
+        if (text.empty()) {
+            done = next;
+            continue;
+        }
+        ++links;
+        if (text.front() == '/') done.clear();
+        rest.insert(0, text + '/');
+    }
+    return std::nullopt;
 }
 
 void ProtectedPlaces::protect(const FileSystem& files, const std::string& path, const std::string& reason) {
@@ -129,8 +194,7 @@ std::optional<ProtectedPlaces::Identity> ProtectedPlaces::identityOf(const FileS
 }
 
 bool ProtectedPlaces::mayHang(std::string_view path) const {
-    return std::any_of(m_mayHang.begin(), m_mayHang.end(),
-                       [&](const std::string& mount) { return isWithin(path, mount); });
+    return isWithinAny(path, m_mayHang) || isWithinAny(path, m_linksToHanging);
 }
 
 std::optional<std::string> ProtectedPlaces::refusal(std::string_view path, const FileAttributes& entry) const {
@@ -138,6 +202,8 @@ std::optional<std::string> ProtectedPlaces::refusal(std::string_view path, const
     if (!plain) return "not a plain absolute path";
     if (m_blind) return "what is mounted can not be told";
     if (const auto place = m_byPath.find(*plain); place != m_byPath.end()) return place->second;
+    const bool mayBeHome = entry.type == FileType::Folder || entry.type == FileType::SymbolicLink;
+    if (mayBeHome && m_homeFolders.contains(folderOf(*plain))) return std::string(homeReason);
     if (entry.inode != 0)
         if (const auto place = m_byIdentity.find({entry.device, entry.inode}); place != m_byIdentity.end())
             return place->second;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -31,6 +32,10 @@ public:
     /// people: "a home folder". A place that is not there is protected by its spelling alone.
     void add(const FileSystem& files, std::string_view path, const std::string& reason);
 
+    /// Protects a home folder; when it is a person's, every folder and link beside it as well: there are the homes of people whom
+    /// only a directory service knows.
+    void addHome(const FileSystem& files, std::string_view home, std::uint32_t user);
+
     /// Why the entry may not be removed, or nothing when it may. `path` is absolute and without ".."; others are refused.
     [[nodiscard]] std::optional<std::string> refusal(std::string_view path, const FileAttributes& entry) const;
 
@@ -43,13 +48,17 @@ private:
     void addOwnFile(const FileSystem& files, const std::string& path);
     void protect(const FileSystem& files, const std::string& path, const std::string& reason);
     [[nodiscard]] std::optional<Identity> identityOf(const FileSystem& files, const std::string& path) const;
+    [[nodiscard]] std::vector<std::string> placesOf(const FileSystem& files, const std::string& path);
+    [[nodiscard]] std::optional<std::string> beyondLinks(const std::string& path);
     [[nodiscard]] bool mayHang(std::string_view path) const;
 
     std::map<std::string, std::string, std::less<>> m_byPath;  // to the reason
+    std::set<std::string> m_homeFolders;                       // folders in which people's homes are
     std::map<Identity, std::string> m_byIdentity;
     std::vector<std::uint64_t> m_kernelDevices;
-    std::vector<std::string> m_mayHang;  // mount points that are not asked, since the answer may never come
-    bool m_blind = false;                // nothing is known about the mounts
+    std::vector<std::string> m_mayHang;         // mount points that are not asked, since the answer may never come
+    std::vector<std::string> m_linksToHanging;  // nor what is behind these
+    bool m_blind = false;                       // nothing is known about the mounts
 };
 
 }  // namespace orrinvale

@@ -21,6 +21,11 @@ void fail(RemovalResult& result, const std::string& path, std::string reason) {
     result.failures.push_back({path, std::move(reason)});
 }
 
+void refuse(RemovalResult& result, const std::string& path, std::string reason) {
+    result.refused = true;
+    fail(result, path, std::move(reason));
+}
+
 void fail(RemovalResult& result, const std::string& path, int error) {
     fail(result, path, systemError("remove", {}, error).reason());
 }
@@ -57,9 +62,9 @@ RemovalResult SafeRemoval::remove(const std::string& path, const std::optional<E
     RemovalResult result;
     const auto plain = plainPath(path);
     if (!plain) {
-        fail(result, path, "not a plain absolute path");
+        refuse(result, path, "not a plain absolute path");
     } else if (*plain == "/") {
-        fail(result, path, "the root of the file system");
+        refuse(result, path, "the root of the file system");
     } else {
         const auto parent = hold(m_files, folderOf(*plain));
         if (parent) removeHeld(parent->get(), *plain, expected, stop, result);
@@ -79,8 +84,8 @@ void SafeRemoval::removeHeld(int parent, const std::string& path, const std::opt
         if (!result.gone) fail(result, path, entry.error());
         return;
     }
-    if (auto reason = refusal(parent, path, name.c_str(), *entry)) return fail(result, path, std::move(*reason));
-    if (expected && !expected->isStill(*entry)) return fail(result, path, "changed since the scan");
+    if (auto reason = refusal(parent, path, name.c_str(), *entry)) return refuse(result, path, std::move(*reason));
+    if (expected && !expected->isStill(*entry)) return refuse(result, path, "changed since the scan");
     if (stop != nullptr && *stop) {
         result.stopped = true;
         return;

@@ -21,6 +21,7 @@ struct RemovalResult {
     };
     bool gone = false;              ///< the entry was looked up again and is not there
     bool stopped = false;           ///< the caller's flag ended it
+    bool refused = false;           ///< it may not go, whoever asks; nothing was touched
     std::uint64_t removed = 0;      ///< entries that went, the chosen one included
     std::uint64_t failed = 0;       ///< entries that could not be removed; not the folders that stay because of them
     std::vector<Failure> failures;  ///< the first `mostFailures` of them

@@ -13,7 +13,9 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <span>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 namespace orrinvale {
@@ -79,6 +81,13 @@ int waitFor(pid_t child) {
     return status;
 }
 
+/// False when the system can not wait. What poll(2) told before a signal came is forgotten.
+bool waitFor(std::span<pollfd> sources) {
+    while (::poll(sources.data(), sources.size(), -1) < 0)
+        if (errno != EINTR) return false;
+    return true;
+}
+
 /// A helper that others may write would run anything as root.
 bool isTrustworthy(const std::string& helper) {
     struct stat seen {};
@@ -122,7 +131,13 @@ AuthorizationRefusal HelperProcess::start() {
     if (!m_socket.isOpen()) return AuthorizationRefusal::HelperFailed;
     std::promise<AuthorizationRefusal> promise;
     auto answer = promise.get_future();
-    m_thread = std::thread([this, given = std::move(promise)]() mutable { run(std::move(given)); });
+    m_isDone = false;
+    try {
+        m_thread = std::thread([this, given = std::move(promise)]() mutable { run(std::move(given)); });
+    } catch (const std::system_error&) {
+        m_isDone = true;
+        return AuthorizationRefusal::HelperFailed;
+    }
     return answer.get();
 }
 
@@ -150,6 +165,7 @@ int HelperProcess::spawn() {
     int errors[2];
     if (::pipe2(errors, O_CLOEXEC) != 0) return errno;
     m_errors = Descriptor(errors[0]);
+    ::fcntl(errors[0], F_SETFL, O_NONBLOCK);  // of our end only; the other programs' writes still wait
     const Descriptor theirErrors(errors[1]);
     const SpawnPlan plan(m_theirs.get(), theirErrors.get());
     std::string program = m_paths.pkexec;
@@ -171,7 +187,7 @@ int HelperProcess::spawn() {
 bool HelperProcess::awaitReady() {
     std::array<pollfd, 2> sources{{{m_socket.get(), POLLIN, 0}, {m_errors.get(), POLLIN, 0}}};
     for (;;) {
-        if (::poll(sources.data(), sources.size(), -1) < 0 && errno != EINTR) return false;
+        if (!waitFor(sources)) return false;
         if (sources[1].revents != 0) {
             readErrors();
             sources[1].fd = m_errors.get();
@@ -185,7 +201,7 @@ bool HelperProcess::awaitReady() {
 void HelperProcess::watch() {
     std::array<pollfd, 2> sources{{{m_socket.get(), 0, 0}, {m_errors.get(), POLLIN, 0}}};  // POLLHUP comes unasked
     while (sources[0].revents == 0) {
-        if (::poll(sources.data(), sources.size(), -1) < 0 && errno != EINTR) break;
+        if (!waitFor(sources)) break;
         if (sources[1].revents == 0) continue;
         readErrors();
         sources[1].fd = m_errors.get();
@@ -198,7 +214,7 @@ void HelperProcess::watch() {
 void HelperProcess::readErrors() {
     std::array<char, 1024> piece;
     const ssize_t count = ::read(m_errors.get(), piece.data(), piece.size());
-    if (count == 0 || (count < 0 && errno != EINTR)) m_errors.reset();
+    if (count == 0 || (count < 0 && errno != EINTR && errno != EAGAIN)) m_errors.reset();
     if (count > 0 && m_errorText.size() < kMostErrorText)
         m_errorText.append(piece.data(), static_cast<std::size_t>(count));
 }
@@ -206,7 +222,8 @@ void HelperProcess::readErrors() {
 AuthorizationRefusal HelperProcess::reasonOfDeath() {
     ::kill(m_child, SIGTERM);  // no harm to one that is gone; ends a dialog when we were the ones to end it
     ::shutdown(m_socket.get(), SHUT_RDWR);
-    while (m_errors.isOpen()) readErrors();
+    for (std::array<pollfd, 1> source{{{m_errors.get(), POLLIN, 0}}}; m_errors.isOpen() && waitFor(source);)
+        readErrors();
     return refusalOf(waitFor(m_child), m_errorText);
 }
 

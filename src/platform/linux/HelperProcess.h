@@ -47,7 +47,7 @@ public:
     void end();
 
     [[nodiscard]] bool isReady() const { return m_isReady; }
-    [[nodiscard]] bool isDone() const { return m_isDone; }  ///< the thread has nothing left to do
+    [[nodiscard]] bool isDone() const { return m_isDone; }  ///< there is no thread, or it has nothing left to do
 
 private:
     void run(std::promise<AuthorizationRefusal> answer);
@@ -70,7 +70,7 @@ private:
     std::atomic<bool> m_isReady{false};
     std::atomic<bool> m_isEnding{false};
     std::atomic<bool> m_isIdle{false};
-    std::atomic<bool> m_isDone{false};
+    std::atomic<bool> m_isDone{true};
     std::thread m_thread;
 };
 

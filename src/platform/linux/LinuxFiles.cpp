@@ -24,6 +24,7 @@ namespace {
 // worth handing to another thread while the rest of a large folder is still being listed.
 constexpr std::size_t listingBytes = 32 * 1024;
 
+// The time of making is left out: a listing of many entries goes without it, since some file systems have to fetch it.
 constexpr unsigned wantedAttributes = STATX_TYPE | STATX_NLINK | STATX_SIZE | STATX_BLOCKS | STATX_INO | STATX_MTIME |
                                       STATX_CTIME | 0x1000U;  // STATX_MNT_ID, not in every C library's header
 
@@ -70,9 +71,9 @@ std::int64_t nanoseconds(const statx_timestamp& time) {
     return time.tv_sec * 1'000'000'000 + time.tv_nsec;
 }
 
-int askAttributes(int folder, const char* name, int flags, FileAttributes& out) {
+int askAttributes(int folder, const char* name, int flags, unsigned wanted, FileAttributes& out) {
     struct statx answer;
-    if (::statx(folder, name, flags | AT_NO_AUTOMOUNT, wantedAttributes, &answer) != 0) return errno;
+    if (::statx(folder, name, flags | AT_NO_AUTOMOUNT, wanted, &answer) != 0) return errno;
     out.type = typeOfMode(answer.stx_mode);
     out.links = answer.stx_nlink;
     out.size = answer.stx_size;
@@ -82,6 +83,7 @@ int askAttributes(int folder, const char* name, int flags, FileAttributes& out) 
     std::memcpy(&out.mount, reinterpret_cast<const std::byte*>(&answer) + 144, sizeof out.mount);  // stx_mnt_id
     out.modified = nanoseconds(answer.stx_mtime);
     out.changed = nanoseconds(answer.stx_ctime);
+    out.born = (wanted & answer.stx_mask & STATX_BTIME) != 0 ? nanoseconds(answer.stx_btime) : 0;
     return 0;
 }
 
@@ -131,7 +133,7 @@ SysResult<bool> LinuxFileSystem::readFolder(int folder, CatalogBatch& batch) con
 
 void LinuxFileSystem::readAttributes(int folder, std::span<CatalogEntry> entries) const {
     for (CatalogEntry& entry : entries)
-        entry.error = askAttributes(folder, entry.name, AT_SYMLINK_NOFOLLOW, entry.attributes);
+        entry.error = askAttributes(folder, entry.name, AT_SYMLINK_NOFOLLOW, wantedAttributes, entry.attributes);
 }
 
 void LinuxFileSystem::readSizes(int folder, std::span<CatalogEntry> entries) const {
@@ -161,14 +163,15 @@ SysResult<std::string> LinuxFileSystem::placeOf(int descriptor) const {
 
 SysResult<FileAttributes> LinuxFileSystem::attributes(int parent, const char* name, Links links) const {
     FileAttributes out;
-    const int error = askAttributes(parent, name, links == Links::Keep ? AT_SYMLINK_NOFOLLOW : 0, out);
+    const int follow = links == Links::Keep ? AT_SYMLINK_NOFOLLOW : 0;
+    const int error = askAttributes(parent, name, follow, wantedAttributes | STATX_BTIME, out);
     if (error != 0) return tl::unexpected(error);
     return out;
 }
 
 SysResult<FileAttributes> LinuxFileSystem::attributes(int descriptor) const {
     FileAttributes out;
-    const int error = askAttributes(descriptor, "", AT_EMPTY_PATH, out);
+    const int error = askAttributes(descriptor, "", AT_EMPTY_PATH, wantedAttributes | STATX_BTIME, out);
     if (error != 0) return tl::unexpected(error);
     return out;
 }

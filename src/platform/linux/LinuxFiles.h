@@ -38,8 +38,8 @@ public:
     SysResult<Descriptor> holdEntry(int parent, const char* name) const override;
 };
 
-/// The program's own files: its executables, and its folders "share" and "libexec" where it is installed. Absolute paths, for
-/// ProtectedPlaces. Of other files beside the executable none, since a person may have put it among files of her own.
+/// The program's own files: its executables, and where it is installed its folders of data and the files by which the desktop
+/// knows it. Absolute paths, for ProtectedPlaces. Of other files beside the executable none, since a person may have put it among files of her own.
 [[nodiscard]] std::vector<std::string> programFiles();
 
 /// The same for an executable at this path.

@@ -5,12 +5,11 @@
 
 namespace orrinvale {
 
-/// Needs /proc to set a mode: it is set through a descriptor that needs no right to read the entry.
+/// Needs /proc: the mode is set through a descriptor that needs no right to read the folder.
 class LinuxPermissions final : public Permissions {
 public:
-    bool isDeletable(const std::string& path) const override;
-    SysResult<std::uint32_t> exchangeMode(const std::string& path, std::uint64_t device, std::uint64_t inode,
-                                          std::uint32_t mode) const override;
+    std::optional<std::uint32_t> openToOwner(int folder) const override;
+    void setPermissions(int folder, std::uint32_t permissions) const override;
 };
 
 }  // namespace orrinvale

@@ -9,15 +9,22 @@
 namespace orrinvale {
 namespace {
 
-// Every entry of the folder that bears the program's name: executables, folders of data.
-void addOwn(const FileSystem& files, const std::string& folder, std::vector<std::string>& found) {
+std::vector<std::string> namesIn(const FileSystem& files, const std::string& folder) {
+    std::vector<std::string> names;
     const auto opened = files.openFolder(FileSystem::noParent, folder.c_str(), Links::Follow);
-    if (!opened) return;
+    if (!opened) return names;
     CatalogBatch batch;
     for (auto more = files.readFolder(opened->get(), batch); more && *more;
          more = files.readFolder(opened->get(), batch))
-        for (const CatalogEntry& entry : batch.entries)
-            if (std::string_view(entry.name).starts_with("orrinvale")) found.push_back(joinPath(folder, entry.name));
+        for (const CatalogEntry& entry : batch.entries) names.emplace_back(entry.name);
+    return names;
+}
+
+// Every entry of the folder that bears the program's name: executables, folders of data, and what the desktop knows it by.
+void addOwn(const FileSystem& files, const std::string& folder, std::vector<std::string>& found) {
+    for (const std::string& name : namesIn(files, folder))
+        if (name.starts_with("orrinvale") || name.starts_with("com.kelpford.Orrinvale"))
+            found.push_back(joinPath(folder, name));
 }
 
 }  // namespace
@@ -25,12 +32,17 @@ void addOwn(const FileSystem& files, const std::string& folder, std::vector<std:
 std::vector<std::string> programFilesAround(const std::string& executable) {
     const LinuxFileSystem files;
     std::vector<std::string> found{executable};
-    const std::string folder = folderOf(executable);
+    std::string folder = folderOf(executable);
     addOwn(files, folder, found);
+    if (folder.ends_with("/libexec/orrinvale")) folder = folderOf(folder);  // the administrator's helper
     if (!folder.ends_with("/bin") && !folder.ends_with("/libexec")) return found;
     const std::string prefix = folderOf(folder);
-    for (const char* const name : {"bin", "share", "libexec"})
-        if (const std::string place = joinPath(prefix, name); place != folder) addOwn(files, place, found);
+    for (const char* const name :
+         {"bin", "libexec", "share", "share/applications", "share/metainfo", "share/polkit-1/actions"})
+        if (const std::string place = joinPath(prefix, name); place != folderOf(executable))
+            addOwn(files, place, found);
+    const std::string icons = joinPath(prefix, "share/icons/hicolor");
+    for (const std::string& size : namesIn(files, icons)) addOwn(files, joinPath(icons, size) + "/apps", found);
     return found;
 }
 

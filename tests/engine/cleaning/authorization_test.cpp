@@ -4,6 +4,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
+#include <future>
 #include <string>
 #include <vector>
 
@@ -107,6 +109,22 @@ TEST_F(Right, GivenUpDuringTheDialogIsAskedForAgain) {
     EXPECT_EQ(system.liveReferences(), 1U);
 }
 
+// The test waits for an answer that must not come before the dialog's.
+TEST_F(Right, ASecondCallerWaitsForTheDialogOfTheFirst) {
+    std::future<bool> second;
+    auto early = std::future_status::ready;
+    system.failures = {{"copyRights", -60006}};
+    system.onCopyRights = [&] {
+        if (second.valid()) return;
+        second = std::async(std::launch::async, [&] { return right.allocAuthorization(); });
+        early = second.wait_for(std::chrono::milliseconds(100));
+        std::async(std::launch::async, [&] { right.freeAuthorization(); }).get();  // never waits for the dialog
+    };
+    EXPECT_FALSE(right.allocAuthorization());
+    EXPECT_EQ(early, std::future_status::timeout);
+    EXPECT_FALSE(second.get());
+}
+
 TEST_F(Right, LosingItClosesThePadlockAndSaysWhy) {
     std::vector<AuthorizationRefusal> told;
     right.setRightLostHandler([&](AuthorizationRefusal reason) { told.push_back(reason); });
@@ -122,11 +140,12 @@ TEST_F(Right, LosingItClosesThePadlockAndSaysWhy) {
 TEST_F(Right, AskingOnceMoreKeepsTheCallersReference) {
     const auto mine = AuthorizationRef{77};
     EXPECT_TRUE(FolderUtilities::CreateAuthoration(mine));
-    EXPECT_THAT(system.calls, ElementsAre("create", "system.privilege.admin 19"));
+    EXPECT_THAT(system.calls, ElementsAre("create", "system.privilege.admin 19", "free"));
     EXPECT_FALSE(FolderUtilities::DeleteAuthoration(mine));
     system.failures = {{"copyRights", -60006}};
     EXPECT_FALSE(FolderUtilities::CreateAuthoration(mine));
     EXPECT_THAT(lines, ElementsAre("Free Rights Unsuccessful: -60002", "Copy Rights Unsuccessful: -60006"));
+    EXPECT_EQ(system.liveReferences(), 0U);
 }
 
 TEST_F(Right, TheToolGetsTheEntryAndItsOutputIsAFailure) {
@@ -158,19 +177,17 @@ TEST_F(Right, TheToolGetsTheEntryAndItsOutputIsAFailure) {
     EXPECT_EQ(system.liveReferences(), 1U);
 }
 
-// As a user who may not change the folder that holds the entries.
+// As a user who may not change the folder that holds the entries. Of a file of his, another name stands in a folder of his own.
 TEST_F(Right, PlainFirstPrivilegedSecond) {
-    testing::TestTree tree;
-    tree.write("mine/a", "1");
-    tree.write("mine/b", "1");
-    tree.write("mine/folder/c", "1");
-    tree.write("theirs/d", "1");
-    tree.folder("theirs/kept");
-    const auto give = [&](const char* name) { return ::chown(tree.at(name).c_str(), 65534, 65534); };
-    for (const char* name : {"mine", "mine/folder", "theirs/kept"}) ASSERT_EQ(::geteuid() == 0 ? give(name) : 0, 0);
-    ASSERT_TRUE(tree.setMode("mine/folder", 0500));
-    ASSERT_TRUE(tree.setMode("theirs/kept", 0750));
     if (::geteuid() != 0) GTEST_SKIP() << "only root can make a folder of someone else";
+    testing::TestTree tree;
+    for (const char* name : {"mine/a", "mine/folder/c", "mine/secret", "theirs/kept/e"}) tree.write(name, "1");
+    ASSERT_TRUE(tree.hardLink("mine/secret", "theirs/secret"));
+    for (const char* name : {"mine", "mine/folder", "mine/secret", "theirs/kept", "theirs/kept/e"})
+        ASSERT_EQ(::chown(tree.at(name).c_str(), 65534, 65534), 0);
+    ASSERT_TRUE(tree.setMode("mine/folder", 0500));
+    ASSERT_TRUE(tree.setMode("mine/secret", 0600));
+    ASSERT_TRUE(tree.setMode("theirs/kept", 0500));
 
     EXPECT_EQ(
         testing::runInChild(
@@ -178,33 +195,38 @@ TEST_F(Right, PlainFirstPrivilegedSecond) {
             [&]() -> std::string {
                 std::string out;
                 const auto expect = [&](bool good, const std::string& what) { out += good ? "" : what + '\n'; };
+                const auto modeOf = [](const std::string& path) {
+                    struct stat now {};
+                    return ::stat(path.c_str(), &now) == 0 ? now.st_mode & 07777 : 0;
+                };
+                const ProtectedPlaces none;
+                const std::string secret = tree.at("theirs/secret");
+                const auto seen =
+                    EntryIdentity::of(*files.attributes(FileSystem::noParent, secret.c_str(), Links::Keep));
+                const auto removed = [&] { return QnAuthorization::synFastRemovePath(secret, seen, none); };
                 expect(QnAuthorization::synFastRemovePath(tree.at("mine/a")), "a plain file stays");
                 expect(QnAuthorization::synFastRemovePath(tree.at("mine/folder")),
                        "a folder without the right to write stays");
                 expect(last().starts_with("Removed"), "a plain removal complains: " + last());
-
-                lines.clear();
-                expect(!QnAuthorization::synFastRemovePath(tree.at("theirs/d")), "the padlock is closed");
-                expect(last() == "Clean deletable file failed: " + tree.at("theirs/d") + "-Permission denied", last());
-                expect(!QnAuthorization::synFastRemovePath(tree.at("theirs/kept")), "the folder goes");
-                struct stat kept {};
-                ::stat(tree.at("theirs/kept").c_str(), &kept);
-                expect((kept.st_mode & 07777) == 0750, "what stays is left open to all");
+                expect(!removed().gone, "the padlock is closed");
+                expect(last() == "Clean deletable file failed: " + secret + "-Permission denied", last());
 
                 right.allocAuthorization();
-                std::uint32_t modeAtRun = 0;
+                std::vector<mode_t> modesAtRun;
                 system.tool = [&](const PrivilegedRun& run) {
-                    struct stat now {};
-                    ::stat(run.arguments.back().c_str(), &now);
-                    modeAtRun = now.st_mode & 07777;
+                    modesAtRun.push_back(modeOf(run.arguments.back()));
                     return std::string();
                 };
-                lines.clear();
+                const FastRemoval again = removed();
+                expect(again.gone, "the padlock is open now, and yet: " + again.reason);
+                expect(modeOf(tree.at("mine/secret")) == 0600, "the file is open to others by its other name");
                 expect(QnAuthorization::synFastRemovePath(tree.at("theirs/kept")), "the tool's word is not taken");
-                expect(modeAtRun == 0777, "the entry is not opened up");
                 expect(last().starts_with("Clean deletable file failed: "), "no line");
+                expect(::access(tree.at("theirs/kept/e").c_str(), F_OK) != 0, "the folder was not opened up");
+                expect(modesAtRun == std::vector<mode_t>{0600, 0500}, "what the tool is to remove is open to others");
+                expect(modeOf(tree.at("theirs/kept")) == 0500, "what stays is left open");
                 system.tool = [](const PrivilegedRun&) { return "no"; };
-                expect(!QnAuthorization::synFastRemovePath(tree.at("theirs/d")), "printing is no failure");
+                expect(!removed().gone, "printing is no failure");
                 return out;
             }),
         "");
@@ -224,6 +246,12 @@ TEST_F(Right, WhatIsProtectedOrChangedIsNotPassedOn) {
     const auto refused = QnAuthorization::synFastRemovePath(tree.at("protected"), identity("protected"), places);
     EXPECT_FALSE(refused.gone);
     EXPECT_THAT(refused.reason, HasSubstr("mine"));
+    // Protected by its place alone, which the path does not tell.
+    places.add(files, tree.at("real/later"), "mine too");
+    ASSERT_TRUE(tree.write("real/later", "1"));
+    ASSERT_TRUE(tree.symlink("real", "way"));
+    EXPECT_EQ(QnAuthorization::synFastRemovePath(tree.at("way/later"), identity("way/later"), places).reason,
+              "mine too");
 
     const auto seen = identity("seen");
     const auto gone = identity("gone");
@@ -233,6 +261,9 @@ TEST_F(Right, WhatIsProtectedOrChangedIsNotPassedOn) {
     EXPECT_FALSE(changed.gone);
     EXPECT_EQ(changed.reason, "changed since the scan");
     EXPECT_TRUE(QnAuthorization::synFastRemovePath(tree.at("gone"), gone, places).gone);
+    auto pulledOut = gone;
+    ++pulledOut.device;
+    EXPECT_FALSE(QnAuthorization::synFastRemovePath(tree.at("disk/gone"), pulledOut, places).gone);
     EXPECT_TRUE(QnAuthorization::synFastRemovePath(tree.at("seen"), identity("seen"), places).gone);
     EXPECT_FALSE(QnAuthorization::synFastRemovePath("/"));
     EXPECT_FALSE(QnAuthorization::synFastRemovePath("seen"));

@@ -2,6 +2,8 @@
 // SafeRemoval touches nothing of what is refused.
 #include "engine/files/ProtectedPlaces.h"
 
+#include <fcntl.h>
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sched.h>
@@ -107,6 +109,21 @@ TEST(ProtectedPlaces, aHomeBehindALink) {
     EXPECT_TRUE(isThere(tree.at("disk/user")));
 }
 
+// Not every home stands in the table of users.
+TEST(ProtectedPlaces, whatStandsBesideAHome) {
+    TestTree tree;
+    for (const char* name : {"disk/user/x", "disk/other/x", "disk/list", "services/one/x", "services/two/x"})
+        tree.write(name, "x");
+    tree.symlink("disk", "homes");
+    ProtectedPlaces places;
+    places.addHome(files, tree.at("homes/user"), 1000);
+    places.addHome(files, tree.at("services/one"), 999);
+    for (const char* name : {"disk/user", "homes/user", "disk/other", "homes/other", "services/one"})
+        EXPECT_EQ(reasonFor(places, tree.at(name)), "a home folder") << name;
+    for (const char* name : {"disk/other/x", "disk/list", "services/two"})
+        EXPECT_EQ(reasonFor(places, tree.at(name)), "") << name;
+}
+
 // In a table of mounts of the child's own.
 TEST(ProtectedPlaces, mountsAndWhatIsReachedThroughThem) {
     TestTree tree;
@@ -145,11 +162,37 @@ TEST(ProtectedPlaces, mountsAndWhatIsReachedThroughThem) {
     for (const char* name : {"home/user/x", "mine/a/b/tmp mount/x", "source/x"}) EXPECT_TRUE(isThere(tree.at(name)));
 }
 
+// A file system whose server never answers: whoever asks it for anything waits for good.
+TEST(ProtectedPlaces, aDeadDiskBehindALink) {
+    TestTree tree;
+    tree.folder("dead");
+    tree.symlink("dead/all", "homes");
+    const std::string told = runInChild({}, [&]() -> std::string {
+        const Descriptor server(::open("/dev/fuse", O_RDWR | O_CLOEXEC));
+        const std::string how = fmt::format("fd={},rootmode=40000,user_id=0,group_id=0", server.get());
+        if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            ::mount("none", tree.at("dead").c_str(), "fuse", 0, how.c_str()) != 0)
+            return "skipped: no mount";
+        auto places = ProtectedPlaces::ofThisMachine(files, {});
+        std::string wrong;
+        for (const char* user : {"one", "two"}) {
+            places.addHome(files, tree.at("homes/") + user, 1000);
+            for (const char* homes : {"homes/", "dead/all/"})
+                if (places.refusal(tree.at(homes) + user, FileAttributes{}) != "a home folder")
+                    wrong += homes + std::string(user) + '\n';
+        }
+        return wrong;
+    });
+    if (told.starts_with("skipped")) GTEST_SKIP() << told;
+    EXPECT_EQ(told, "");
+}
+
 TEST(ProgramFiles, theExecutableItsSiblingsAndItsFoldersButNobodyElses) {
     TestTree tree;
     for (const char* name :
          {"p/bin/orrinvale", "p/bin/orrinvale-cli", "p/bin/ls", "p/share/orrinvale/x", "p/share/doc/x",
-          "p/libexec/orrinvale-helper", "Downloads/orrinvale", "Downloads/thesis.pdf"})
+          "p/libexec/orrinvale/helper", "p/share/icons/hicolor/48x48/apps/com.kelpford.Orrinvale.png",
+          "Downloads/orrinvale", "Downloads/thesis.pdf"})
         tree.write(name, "x");
     const auto sorted = [&](const char* executable) {
         auto found = programFilesAround(tree.at(executable));
@@ -157,9 +200,12 @@ TEST(ProgramFiles, theExecutableItsSiblingsAndItsFoldersButNobodyElses) {
         found.erase(std::unique(found.begin(), found.end()), found.end());
         return found;
     };
-    EXPECT_EQ(sorted("p/bin/orrinvale-cli"),
-              (std::vector<std::string>{tree.at("p/bin/orrinvale"), tree.at("p/bin/orrinvale-cli"),
-                                        tree.at("p/libexec/orrinvale-helper"), tree.at("p/share/orrinvale")}));
+    EXPECT_EQ(
+        sorted("p/bin/orrinvale-cli"),
+        (std::vector<std::string>{
+            tree.at("p/bin/orrinvale"), tree.at("p/bin/orrinvale-cli"), tree.at("p/libexec/orrinvale"),
+            tree.at("p/share/icons/hicolor/48x48/apps/com.kelpford.Orrinvale.png"), tree.at("p/share/orrinvale")}));
+    EXPECT_THAT(sorted("p/libexec/orrinvale/helper"), Contains(tree.at("p/share/orrinvale")));
     EXPECT_EQ(sorted("Downloads/orrinvale"), std::vector<std::string>{tree.at("Downloads/orrinvale")});
     EXPECT_THAT(programFiles(), Contains(files.resolved("/proc/self/exe").value()));
 }
