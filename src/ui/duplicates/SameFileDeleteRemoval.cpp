@@ -24,6 +24,7 @@
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/dialogs/LineList.h"
 #include "ui/kit/look/picture.h"
+#include "ui/kit/controls/PictureView.h"
 
 namespace orrinvale {
 namespace {

@@ -5,7 +5,7 @@
 #include <QVariantAnimation>
 #include <QWidget>
 
-#include "ui/kit/controls/motion.h"
+#include "ui/kit/look/motion.h"
 #include "ui/kit/look/Theme.h"
 
 namespace orrinvale {
