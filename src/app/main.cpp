@@ -3,6 +3,7 @@
 #include <QIcon>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <string>
 
 #include "engine/base/NotificationCenter.h"
@@ -44,7 +45,9 @@ int runWindow(int argc, char** argv) {
     QGuiApplication::setDesktopFileName(QStringLiteral("com.kelpford.Orrinvale"));
     Theme::shared().setScheme(Theme::desktopScheme());
     Theme::shared().install(application);
-    const StallCounter stalls(qEnvironmentVariableIntValue("ORRINVALE_STALLS") == 1);
+    // It looks at every event, so that it is there only where somebody asks.
+    std::optional<StallCounter> stalls;
+    if (qEnvironmentVariableIntValue("ORRINVALE_STALLS") == 1) stalls.emplace(true);
 
     const LinuxFileSystem files;
     const LinuxPermissions permissions;
