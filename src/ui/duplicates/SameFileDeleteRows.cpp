@@ -65,8 +65,8 @@ void SameFileDeleteViewController::showRowMenu(const QModelIndex& index, QPoint 
     menu->addAction(tr("Show in Folder"), this, [this] { RevealInFinderBtnClicked(); });
     menu->addAction(tr("Copy Path"), this, [path] { QGuiApplication::clipboard()->setText(QString::fromStdString(path)); });
     menu->addSeparator();
-    menu->addAction(tr("Tick All but This One"), this, [this, leaf = node] {
-        if (!m_bSearchFinished || leaf->nodeParent() == nullptr) return;
+    menu->addAction(tr("Tick All but This One"), this, [this, leaf = node, number = m_resultNumber] {
+        if (!m_bSearchFinished || number != m_resultNumber || leaf->nodeParent() == nullptr) return;
         m_selection.tickAllBut(*leaf);
         setRemoveButtonState();
         changeAllSelectCheckBoxState();

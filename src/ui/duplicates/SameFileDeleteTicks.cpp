@@ -83,17 +83,18 @@ void SameFileDeleteViewController::setSelectState(const TreeNode::Pointer& leaf)
             question.buttons = QStringList{QStringLiteral("OK"), QStringLiteral("Cancel")};
             question.cancelButton = 1;
             question.severity = Alert::Severity::Warning;
-            m_parts.dialogs->alert(m_mainWindow, question, [self = QPointer(this), leaf](int button) {
-                if (self != nullptr) self->alertEnded_context(button == 0 ? 1 : 0, leaf);
+            m_parts.dialogs->alert(m_mainWindow, question, [self = QPointer(this), leaf, number = m_resultNumber](int button) {
+                if (self != nullptr) self->alertEnded_context(button == 0 ? 1 : 0, leaf, number);
             });
             break;
         }
     }
 }
 
-void SameFileDeleteViewController::alertEnded_context(int code, const TreeNode::Pointer& leaf) {
-    // The tree may have gone while the question stood.
-    if (code != 1 || leaf->nodeParent() == nullptr || !m_bSearchFinished) return;
+void SameFileDeleteViewController::alertEnded_context(int code, const TreeNode::Pointer& leaf,
+                                                      std::uint64_t resultNumber) {
+    // The tree, or the leaf's place in it, may have gone while the question stood.
+    if (code != 1 || resultNumber != m_resultNumber || leaf->nodeParent() == nullptr || !m_bSearchFinished) return;
     m_selection.tickLast(leaf);
     changeAllSelectCheckBoxState();
     m_model->refresh();

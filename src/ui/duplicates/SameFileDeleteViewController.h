@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QTimer>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -105,11 +106,11 @@ private:
     void getPathForSreachDuplicate();
     void getPrograss();
     void showPercent(int percent);
-    void searchFinished();
+    void searchFinished(ResultViews found);
     void constructSubtrees();
     void delayBtnChangeStateTime();
     void showSameFileSize();
-    void resetOulineView();
+    [[nodiscard]] ResultViews resetOulineView();
     void showFitting();
     void showSkipped();
 
@@ -119,7 +120,7 @@ private:
     void setSelectCount();
     void boxClicked(const TreeNode::Pointer& node);
     void setSelectState(const TreeNode::Pointer& leaf);
-    void alertEnded_context(int code, const TreeNode::Pointer& leaf);
+    void alertEnded_context(int code, const TreeNode::Pointer& leaf, std::uint64_t resultNumber);
     void fly(const TreeNode::Pointer& leaf);
     void callBackDeleteItemWithIndex() override;
     void setRemoveButtonState();
@@ -154,6 +155,7 @@ private:
     std::vector<NotificationCenter::Observation> m_observations;
 
     ResultViews m_results;
+    std::uint64_t m_resultNumber = 0;  // of the result that m_results holds; questions that outlive theirs are void
     DuplicateSelection m_selection;
     TreeNode* m_treeData = nullptr;  // the tree that the list shows, of m_results
     std::int32_t m_remberWitchSelect = 0;
