@@ -97,6 +97,7 @@ struct Row {
     std::string step;
     qint64 longest = 0;   // milliseconds
     qint64 total = 0;     // milliseconds until the step was over
+    qint64 busy = 0;      // milliseconds of processor time on the main thread, which other programs do not stretch
     double redraws = 0;   // a second; 0 where nothing was scrolled
 };
 
@@ -170,6 +171,7 @@ private:
         static_cast<void>(m_stalls.takeLongest());
         QElapsedTimer clock;
         clock.start();
+        const qint64 busyBefore = busy();
         bool begun = false;
         QTimer::singleShot(0, &m_context, [&] {
             action();
@@ -179,7 +181,13 @@ private:
         while (!begun || !isOver()) pass(1);
         const qint64 total = clock.elapsed();
         pass(150);
-        m_rows.push_back({name, m_stalls.takeLongest(), total, 0});
+        m_rows.push_back({name, m_stalls.takeLongest(), total, busy() - busyBefore, 0});
+    }
+
+    static qint64 busy() {
+        timespec now{};
+        ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+        return std::int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000;
     }
 
     void search(const std::string& name, const std::string& folder) {
@@ -294,14 +302,14 @@ void print(const std::vector<Row>& rows, bool asJson) {
     std::string text;
     for (const Row& row : rows) {
         if (asJson)
-            text += fmt::format(R"({}{{"step":"{}","longest_ms":{},"total_ms":{},"redraws_per_second":{:.0f},"over":{}}})",
-                                text.empty() ? "[" : ",\n ", row.step, row.longest, row.total, row.redraws, isOver(row));
+            text += fmt::format(R"({}{{"step":"{}","longest_ms":{},"total_ms":{},"busy_ms":{},"redraws_per_second":{:.0f},"over":{}}})",
+                                text.empty() ? "[" : ",\n ", row.step, row.longest, row.total, row.busy, row.redraws, isOver(row));
         else
-            text += fmt::format("{:<32}{:>8} ms{:>8} ms{:>10}{}\n", row.step, row.longest, row.total,
+            text += fmt::format("{:<32}{:>8} ms{:>8} ms{:>8} ms{:>10}{}\n", row.step, row.longest, row.total, row.busy,
                                 row.redraws == 0 ? "" : fmt::format("{:.0f}/s", row.redraws), isOver(row) ? "  over" : "");
     }
     if (asJson) text += "]\n";
-    else text.insert(0, fmt::format("{:<32}{:>11}{:>11}{:>10}\n", "step", "longest", "total", "redraws"));
+    else text.insert(0, fmt::format("{:<32}{:>11}{:>11}{:>11}{:>10}\n", "step", "longest", "total", "busy", "redraws"));
     std::fputs(text.c_str(), stdout);
 }
 

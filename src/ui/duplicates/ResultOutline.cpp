@@ -69,6 +69,12 @@ void ResultOutline::placeHeaderBox() {
     m_headerBox->setGeometry(left + Theme::gapTiny, (header()->height() - size.height()) / 2, size.width(), size.height());
 }
 
+void ResultOutline::dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight, const QList<int>& roles) {
+    // The base class looks both rows up among all that are open, which took 45 ms of 260,000; no row changes its height here.
+    if (topLeft.row() != bottomRight.row()) viewport()->update();
+    else QTreeView::dataChanged(topLeft, bottomRight, roles);
+}
+
 void ResultOutline::keyPressEvent(QKeyEvent* event) {
     const QModelIndex current = currentIndex();
     if (event->key() == Qt::Key_Space && current.isValid()) {

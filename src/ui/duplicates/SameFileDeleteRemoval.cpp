@@ -77,6 +77,7 @@ void SameFileDeleteViewController::removeBtnClicked() {
 
 void SameFileDeleteViewController::alertEnded_aContext(int code) {
     if (code != 1 || !m_bSearchFinished) return;
+    finishSorting();
     m_removal = std::make_shared<RemovalRun>(m_selection.allSelectNumArr().entries());
     m_bSearchFinished = false;
     m_views->stopBtn->setEnabled(false);
@@ -103,6 +104,7 @@ void SameFileDeleteViewController::delDuplicateItems() {
     views.stopRemoveBtn->setEnabled(true);
     views.stopRemoveBtn->show();
     views.backButton->setEnabled(false);
+    finishSorting();
     m_model->setTree(nullptr);  // the tree changes under the hidden list
     m_progressNum = 1;
     m_removalTimer.start();

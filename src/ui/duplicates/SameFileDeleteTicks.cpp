@@ -28,6 +28,7 @@ QString SameFileDeleteViewController::rowLabel() const {
 
 void SameFileDeleteViewController::refViewBgColor(std::int32_t row) {
     if (row < 0 || static_cast<std::size_t>(row) >= resultRows.size()) return;
+    finishSorting();
     m_remberWitchSelect = row;
     m_treeData = m_results.tree(static_cast<std::size_t>(row));
     m_views->rightImageView->setPixmap(picturePixmap(toText(resultRows.at(static_cast<std::size_t>(row)).picture),
@@ -61,6 +62,7 @@ void SameFileDeleteViewController::setSelectCount() {
 
 void SameFileDeleteViewController::boxClicked(const TreeNode::Pointer& node) {
     if (!m_bSearchFinished) return;
+    finishSorting();
     if (simpleData(*node)->isGroup()) {
         m_selection.clickGroup(*node);
         setSelectCount();
@@ -140,6 +142,7 @@ void SameFileDeleteViewController::setAllSelectOrNoSelect() {
         showHeaderBox({});
         return;
     }
+    finishSorting();
     m_selection.setAll(*m_treeData, on);
     m_views->button->setState(on ? TickState::Some : TickState::Nothing);
     setRemoveButtonState();

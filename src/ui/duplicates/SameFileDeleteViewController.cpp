@@ -114,6 +114,8 @@ void SameFileDeleteViewController::connectControls() {
     connect(views.outline, &ResultOutline::previewWanted, this, &Self::openFinderBtnClicked);
     m_newTimer.setInterval(100);
     connect(&m_newTimer, &QTimer::timeout, this, &Self::getPathForSreachDuplicate);
+    m_sortTimer.setInterval(0);
+    connect(&m_sortTimer, &QTimer::timeout, this, &Self::sortFurther);
     m_removalTimer.setInterval(100);
     connect(&m_removalTimer, &QTimer::timeout, this, &Self::deleteUpView);
 }
@@ -333,6 +335,8 @@ void SameFileDeleteViewController::showSameFileSize() {
 
 ResultViews SameFileDeleteViewController::resetOulineView() {
     m_treeData = nullptr;
+    m_sortTimer.stop();
+    m_leafSort.drop();
     m_model->setTree(nullptr);
     ResultViews old = std::exchange(m_results, {});
     ++m_resultNumber;

@@ -16,6 +16,7 @@
 #include "engine/base/MainQueue.h"
 #include "engine/base/NotificationCenter.h"
 #include "engine/duplicates/results/DuplicateSelection.h"
+#include "engine/duplicates/results/LeafSort.h"
 #include "engine/duplicates/results/ResultViews.h"
 #include "platform/files.h"
 #include "ui/kit/controls/DragView.h"
@@ -144,6 +145,8 @@ private:
     void shouldSelectItem(const QModelIndex& index);
     void didClickTableColumn(int column);
     void sortTree(int column);
+    void sortFurther();
+    void finishSorting();
     void showRowMenu(const QModelIndex& index, QPoint position);
     [[nodiscard]] QIcon iconOf(const TreeNode& node) const;
 
@@ -157,6 +160,8 @@ private:
     ResultViews m_results;
     std::uint64_t m_resultNumber = 0;  // of the result that m_results holds; questions that outlive theirs are void
     DuplicateSelection m_selection;
+    LeafSort m_leafSort;
+    QTimer m_sortTimer;  // runs while copies are still to be sorted
     TreeNode* m_treeData = nullptr;  // the tree that the list shows, of m_results
     std::int32_t m_remberWitchSelect = 0;
     std::shared_ptr<DuplicateFilesOpt> m_duplicateOpt;

@@ -175,6 +175,11 @@ void TreeNode::sortAllLevels(SortKey key, bool descending) {
     }
 }
 
+void TreeNode::sortLevel(std::span<TreeNode* const> nodes, SortKey key, bool descending) {
+    SortRoom room;
+    for (TreeNode* const node : nodes) node->sortChildren(key, descending, room);
+}
+
 void TreeNode::sortChildren(SortKey key, bool descending, SortRoom& room) {
     // A node without the key is equal to every other, which is no order that a sort could follow; so such nodes keep
     // their places, and only the rest is sorted, into the places that it had.

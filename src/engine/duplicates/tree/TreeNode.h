@@ -113,6 +113,9 @@ public:
     void decendingSortSize();
     void decendingSortDate();
 
+    /// Sorts the children of each of these nodes in the same way, and nothing below them.
+    static void sortLevel(std::span<TreeNode* const> nodes, SortKey key, bool descending);
+
     /// The comparison of the same name of the two nodes' data; equivalent when either node has none.
     [[nodiscard]] std::weak_ordering compareName(const TreeNode& other) const;
     [[nodiscard]] std::weak_ordering compareSize(const TreeNode& other) const;
