@@ -45,7 +45,7 @@
 namespace orrinvale {
 namespace {
 
-constexpr qint64 longestStall = 50;  // milliseconds
+constexpr qint64 longestStall = 50;   // milliseconds
 constexpr double fewestRedraws = 60;  // a second
 
 struct Setting {
@@ -68,8 +68,8 @@ bool makeFiles(const std::string& root, const Setting& setting) {
         for (; made < end; ++made) {
             const std::string folder = fmt::format("{}/folder {}", root, made / inFolder);
             if (made % inFolder == 0 && ::mkdir(folder.c_str(), 0755) != 0) return false;
-            const std::string path =
-                fmt::format("{}/{:x} {}.{}", folder, made * 2'654'435'761U % 1'000'003U, made, extensions[group % extensions.size()]);
+            const std::string path = fmt::format("{}/{:x} {}.{}", folder, made * 2'654'435'761U % 1'000'003U, made,
+                                                 extensions[group % extensions.size()]);
             const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
             const bool written = file >= 0 && ::write(file, bytes.data(), bytes.size()) == ssize_t(bytes.size());
             if (file >= 0) ::close(file);
@@ -95,10 +95,10 @@ private:
 
 struct Row {
     std::string step;
-    qint64 longest = 0;   // milliseconds
-    qint64 total = 0;     // milliseconds until the step was over
-    qint64 busy = 0;      // milliseconds of processor time on the main thread, which other programs do not stretch
-    double redraws = 0;   // a second; 0 where nothing was scrolled
+    qint64 longest = 0;  // milliseconds
+    qint64 total = 0;    // milliseconds until the step was over
+    qint64 busy = 0;     // milliseconds of processor time on the main thread, which other programs do not stretch
+    double redraws = 0;  // a second; 0 where nothing was scrolled
 };
 
 class Bench final {
@@ -165,8 +165,9 @@ private:
     }
 
     // The action runs as an event of its own; what it asks to be drawn follows before the step is over.
-    void step(const std::string& name, const std::function<void()>& action,
-              const std::function<bool()>& isOver = [] { return true; }) {
+    void step(
+        const std::string& name, const std::function<void()>& action,
+        const std::function<bool()>& isOver = [] { return true; }) {
         pass(150);
         static_cast<void>(m_stalls.takeLongest());
         QElapsedTimer clock;
@@ -176,7 +177,8 @@ private:
         QTimer::singleShot(0, &m_context, [&] {
             action();
             // Behind the clicks that the action has posted.
-            QMetaObject::invokeMethod(&m_context, [&] { begun = true; }, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(
+                &m_context, [&] { begun = true; }, Qt::QueuedConnection);
         });
         while (!begun || !isOver()) pass(1);
         const qint64 total = clock.elapsed();
@@ -191,7 +193,8 @@ private:
     }
 
     void search(const std::string& name, const std::string& folder) {
-        step(name, [&] { page().viewDragAction(folder); }, [this] { return page().bSearchFinished(); });
+        step(
+            name, [&] { page().viewDragAction(folder); }, [this] { return page().bSearchFinished(); });
     }
 
     static void click(QWidget& widget, QPoint position) {
@@ -205,12 +208,14 @@ private:
 
     void sort(const std::string& state) {
         using Model = DuplicateResultModel;
-        for (const auto& [column, key] : {std::pair(Model::NameColumn, "name"), {Model::FileSize, "size"}, {Model::ModifyDate, "date"}})
+        for (const auto& [column, key] :
+             {std::pair(Model::NameColumn, "name"), {Model::FileSize, "size"}, {Model::ModifyDate, "date"}})
             for (const char* const direction : {"up", "down"})
                 step(fmt::format("sort by {} {}, {}", key, direction, state), [this, section = column] {
                     QHeaderView& header = *m_outline->header();
-                    click(*header.viewport(), {header.sectionViewportPosition(section) + header.sectionSize(section) / 2,
-                                               header.height() / 2});
+                    click(*header.viewport(),
+                          {header.sectionViewportPosition(section) + header.sectionSize(section) / 2,
+                           header.height() / 2});
                 });
     }
 
@@ -252,7 +257,13 @@ private:
             m_outline->viewport()->repaint();
             if (++drawn == redraws) frames.stop();
         });
-        step(name, [&] { clock.start(); frames.start(); }, [&] { return drawn == redraws; });
+        step(
+            name,
+            [&] {
+                clock.start();
+                frames.start();
+            },
+            [&] { return drawn == redraws; });
         m_rows.back().redraws = redraws * 1000.0 / static_cast<double>(m_rows.back().total);
         bar.setValue(0);
     }
@@ -264,11 +275,12 @@ private:
         auto* const button = page().detailView()->findChild<QAbstractButton*>(QStringLiteral("stopBtn"));
         const int before = leaves();
         bool begun = false;
-        step("remove", [&] { button->click(); },
-             [&] {
-                 begun = begun || !page().bSearchFinished();
-                 return begun && page().bSearchFinished();
-             });
+        step(
+            "remove", [&] { button->click(); },
+            [&] {
+                begun = begun || !page().bSearchFinished();
+                return begun && page().bSearchFinished();
+            });
         switchTo(0);
         m_rows[m_rows.size() - 2].step = fmt::format("remove {} files", before - leaves());
     }
@@ -302,11 +314,13 @@ void print(const std::vector<Row>& rows, bool asJson) {
     std::string text;
     for (const Row& row : rows) {
         if (asJson)
-            text += fmt::format(R"({}{{"step":"{}","longest_ms":{},"total_ms":{},"busy_ms":{},"redraws_per_second":{:.0f},"over":{}}})",
-                                text.empty() ? "[" : ",\n ", row.step, row.longest, row.total, row.busy, row.redraws, isOver(row));
+            text += fmt::format(
+                R"({}{{"step":"{}","longest_ms":{},"total_ms":{},"busy_ms":{},"redraws_per_second":{:.0f},"over":{}}})",
+                text.empty() ? "[" : ",\n ", row.step, row.longest, row.total, row.busy, row.redraws, isOver(row));
         else
-            text += fmt::format("{:<32}{:>8} ms{:>8} ms{:>8} ms{:>10}{}\n", row.step, row.longest, row.total, row.busy,
-                                row.redraws == 0 ? "" : fmt::format("{:.0f}/s", row.redraws), isOver(row) ? "  over" : "");
+            text +=
+                fmt::format("{:<32}{:>8} ms{:>8} ms{:>8} ms{:>10}{}\n", row.step, row.longest, row.total, row.busy,
+                            row.redraws == 0 ? "" : fmt::format("{:.0f}/s", row.redraws), isOver(row) ? "  over" : "");
     }
     if (asJson) text += "]\n";
     else text.insert(0, fmt::format("{:<32}{:>11}{:>11}{:>11}{:>10}\n", "step", "longest", "total", "busy", "redraws"));

@@ -1,6 +1,6 @@
 // The window program: the system gate first, then the run that only touches memory, then the window.
-#include <QImageReader>
 #include <QIcon>
+#include <QImageReader>
 #include <cstdio>
 #include <cstdlib>
 #include <optional>

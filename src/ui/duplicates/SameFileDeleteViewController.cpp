@@ -68,13 +68,12 @@ SameFileDeleteViewController::SameFileDeleteViewController(SameFileDeleteParts p
     m_views->titleLabel->setText(bytesToText(m_searchPath));
     showPercent(0);
     connectControls();
-    m_observations.push_back(
-        m_parts.notifications->addObserver("refViewBgColor", [this](const Notification& notice) {
-            const auto* const info = std::any_cast<UserInfo>(&notice.object);
-            if (info == nullptr) return;
-            const auto row = info->find("rowNum");
-            if (row != info->end()) refViewBgColor(std::any_cast<std::int32_t>(row->second));
-        }));
+    m_observations.push_back(m_parts.notifications->addObserver("refViewBgColor", [this](const Notification& notice) {
+        const auto* const info = std::any_cast<UserInfo>(&notice.object);
+        if (info == nullptr) return;
+        const auto row = info->find("rowNum");
+        if (row != info->end()) refViewBgColor(std::any_cast<std::int32_t>(row->second));
+    }));
     m_observations.push_back(m_parts.notifications->addObserver(
         "changeLockState", [this](const Notification& /*notice*/) { changeLockState(); }));
     changeLockState();
@@ -195,19 +194,19 @@ void SameFileDeleteViewController::searchBtnClicked() {
     constexpr std::uint64_t anySize = 0;
     // Sorted into its views where the search runs: nothing shows it yet.
     const auto found = std::make_shared<ResultViews>();
-    m_twDuplicateSearch = ThreadWorker::workOn(
-        {m_duplicateOpt, "<SameFileDeleteViewController>"},
-        {"searchDuplicateFiles:worker:",
-         ThreadWorker::CancellableTask([search = m_duplicateOpt, found, old](const std::any& path,
-                                                                             ThreadWorker& /*worker*/) {
-             old->free();
-             search->beginSearchAtPath(std::any_cast<const std::string&>(path), anySize);
-             std::shared_ptr<SimpleTreeNode> all;
-             if (search->getDuplicateFiles(&all)) found->setResult(std::move(all));
-         })},
-        m_searchPath, [self = QPointer(this), found](const std::any& /*nothing*/) {
-            if (self != nullptr) self->searchFinished(std::move(*found));
-        });
+    m_twDuplicateSearch =
+        ThreadWorker::workOn({m_duplicateOpt, "<SameFileDeleteViewController>"},
+                             {"searchDuplicateFiles:worker:",
+                              ThreadWorker::CancellableTask([search = m_duplicateOpt, found, old](
+                                                                const std::any& path, ThreadWorker& /*worker*/) {
+                                  old->free();
+                                  search->beginSearchAtPath(std::any_cast<const std::string&>(path), anySize);
+                                  std::shared_ptr<SimpleTreeNode> all;
+                                  if (search->getDuplicateFiles(&all)) found->setResult(std::move(all));
+                              })},
+                             m_searchPath, [self = QPointer(this), found](const std::any& /*nothing*/) {
+                                 if (self != nullptr) self->searchFinished(std::move(*found));
+                             });
     if (m_twDuplicateSearch == nullptr) {  // no thread to be had: an empty result, and the page stays usable
         searchFinished({});
         return;
@@ -265,9 +264,8 @@ void SameFileDeleteViewController::constructSubtrees() {
 void SameFileDeleteViewController::delayBtnChangeStateTime() {
     SameFileDeleteViews& views = *m_views;
     m_bSearchFinished = true;
-    for (QWidget* const hidden :
-         {views.loadPathView, static_cast<QWidget*>(views.animation), static_cast<QWidget*>(views.searchBtn),
-          static_cast<QWidget*>(views.stopScanBtn)})
+    for (QWidget* const hidden : {views.loadPathView, static_cast<QWidget*>(views.animation),
+                                  static_cast<QWidget*>(views.searchBtn), static_cast<QWidget*>(views.stopScanBtn)})
         hidden->hide();
     showFitting();
     views.btnBgView->show();
@@ -293,8 +291,9 @@ void SameFileDeleteViewController::showFitting() {
     const auto search = m_duplicateOpt ? m_duplicateOpt->search() : nullptr;
     const std::size_t skipped = search ? search->skipped().entries().size() : 0;
     views.quietLine->setVisible(skipped != 0);
-    views.quietLine->setText(skipped == 1 ? tr("1 entry could not be read")
-                                          : tr("%1 entries could not be read").arg(QLocale().toString(qulonglong(skipped))));
+    views.quietLine->setText(skipped == 1
+                                 ? tr("1 entry could not be read")
+                                 : tr("%1 entries could not be read").arg(QLocale().toString(qulonglong(skipped))));
     views.failureLine->setVisible(m_removal && !m_removal->failures.empty());
     const bool isEmpty = m_results.tree(0) == nullptr || m_results.tree(0)->numberOfChildren() == 0;
     const bool removedAll = isEmpty && m_removal != nullptr;

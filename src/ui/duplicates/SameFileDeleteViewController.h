@@ -56,14 +56,12 @@ struct SameFileDeleteParts {
     Dialogs* dialogs = nullptr;
     MainQueue* mainQueue = nullptr;
     std::function<QIcon(const IconRequest&)> icons;
-    std::function<void(const std::string& path)> reveal;     ///< shows the entry in the desktop's file manager
+    std::function<void(const std::string& path)> reveal;      ///< shows the entry in the desktop's file manager
     std::function<void(const QString& address)> openAddress;  ///< opens a web page
 };
 
 /// Main thread only. A search or a removal under way when the page ends is asked to stop, and its thread ends by itself.
-class SameFileDeleteViewController final : public QObject,
-                                           private DragViewDelegate,
-                                           private PathAnimationDelegate {
+class SameFileDeleteViewController final : public QObject, private DragViewDelegate, private PathAnimationDelegate {
     Q_OBJECT
 public:
     explicit SameFileDeleteViewController(SameFileDeleteParts parts, QObject* parent = nullptr);
@@ -161,7 +159,7 @@ private:
     std::uint64_t m_resultNumber = 0;  // of the result that m_results holds; questions that outlive theirs are void
     DuplicateSelection m_selection;
     LeafSort m_leafSort;
-    QTimer m_sortTimer;  // runs while copies are still to be sorted
+    QTimer m_sortTimer;              // runs while copies are still to be sorted
     TreeNode* m_treeData = nullptr;  // the tree that the list shows, of m_results
     std::int32_t m_remberWitchSelect = 0;
     std::shared_ptr<DuplicateFilesOpt> m_duplicateOpt;

@@ -96,11 +96,10 @@ void RemovalPlan::removed(std::size_t index, const FileSystem& files) {
     group.after[group.before[gone]] = group.after[gone];
     group.members[place.member].removed = true;
     if (!group.members[place.member].identity) return;
-    const auto same = std::equal_range(group.byFile.begin(), group.byFile.end(), place.member,
-                                       [&](std::size_t left, std::size_t right) {
-                                           return fileOf(group.members[left].identity) <
-                                                  fileOf(group.members[right].identity);
-                                       });
+    const auto same = std::equal_range(
+        group.byFile.begin(), group.byFile.end(), place.member, [&](std::size_t left, std::size_t right) {
+            return fileOf(group.members[left].identity) < fileOf(group.members[right].identity);
+        });
     for (auto each = same.first; each != same.second; ++each) {
         Member& other = group.members[*each];
         if (other.removed) continue;

@@ -41,8 +41,10 @@ private:
     /// A group may hold a hundred thousand copies, so that nothing here walks over all of them for each that goes.
     struct Group {
         std::vector<Member> members;
-        std::vector<std::size_t> before;  ///< by member: one more than the next one towards the front that is not removed
-        std::vector<std::size_t> after;   ///< the same towards the end; member i stands at i + 1 in both, 0 is the ring's joint
+        std::vector<std::size_t>
+            before;  ///< by member: one more than the next one towards the front that is not removed
+        std::vector<std::size_t>
+            after;  ///< the same towards the end; member i stands at i + 1 in both, 0 is the ring's joint
         std::vector<std::size_t> byFile;  ///< members by device and inode
         bool whollyTicked = false;
     };
