@@ -58,7 +58,7 @@ void DuplicateResultModel::reorder(const std::function<void()>& change) {
     }
     change();
 
-    // Sorted by address: a table with an entry for each group took twice as long.
+    // Sorted by address: cheaper to make than a table that asks for memory at each group.
     std::vector<std::pair<const TreeNode*, int>> groupRows;
     if (!before.empty()) groupRows.reserve(m_tree->numberOfChildren());
     for (int row = 0; row < rowCount() && !before.empty(); ++row)

@@ -36,8 +36,7 @@ ResultOutline::ResultOutline(QWidget* parent) : QTreeView(parent), m_headerBox(n
     setFrameShape(NoFrame);
     setVerticalScrollMode(ScrollPerPixel);
     setItemDelegate(new ResultRowDelegate(this));
-    setItemDelegateForColumn(DuplicateResultModel::Checkbox,
-                             new TickBoxDelegate(DuplicateResultModel::StateRole, this));
+    setItemDelegateForColumn(DuplicateResultModel::Checkbox, new TickBoxDelegate(DuplicateResultModel::StateRole, this));
     m_headerBox->setObjectName(QStringLiteral("button"));
     m_headerBox->setAccessibleName(tr("Select all but one of each group"));
     header()->setSectionsClickable(true);
@@ -67,8 +66,7 @@ void ResultOutline::setModel(QAbstractItemModel* model) {
 void ResultOutline::placeHeaderBox() {
     const QSize size = m_headerBox->sizeHint();
     const int left = header()->sectionViewportPosition(DuplicateResultModel::Checkbox);
-    m_headerBox->setGeometry(left + Theme::gapTiny, (header()->height() - size.height()) / 2, size.width(),
-                             size.height());
+    m_headerBox->setGeometry(left + Theme::gapTiny, (header()->height() - size.height()) / 2, size.width(), size.height());
 }
 
 void ResultOutline::dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight, const QList<int>& roles) {
@@ -80,10 +78,10 @@ void ResultOutline::dataChanged(const QModelIndex& topLeft, const QModelIndex& b
 void ResultOutline::keyPressEvent(QKeyEvent* event) {
     const QModelIndex current = currentIndex();
     if (event->key() == Qt::Key_Space && current.isValid()) {
-        if (event->modifiers().testFlag(Qt::ControlModifier)) Q_EMIT previewWanted();
+        if (event->modifiers().testFlag(Qt::ControlModifier))
+            Q_EMIT previewWanted();
         else if (!event->isAutoRepeat())
-            model()->setData(current.siblingAtColumn(DuplicateResultModel::Checkbox), {},
-                             DuplicateResultModel::StateRole);
+            model()->setData(current.siblingAtColumn(DuplicateResultModel::Checkbox), {}, DuplicateResultModel::StateRole);
         return;
     }
     QTreeView::keyPressEvent(event);

@@ -27,8 +27,8 @@
 namespace orrinvale {
 namespace {
 
-// How often the removing thread tells of what has gone. Each time the main thread goes once over the groups, which takes it 2 ms
-// with 60,000, and nobody reads the sizes faster.
+// How often the removing thread tells of what has gone. Each time the main thread goes once over the groups, and nobody reads the
+// sizes faster than this.
 constexpr std::chrono::milliseconds batchTime{50};
 
 // On the removing thread. `report` is called about once a batch.
@@ -86,9 +86,9 @@ void SameFileDeleteViewController::alertEnded_aContext(int code) {
 }
 
 void SameFileDeleteViewController::doRemoveDuplicateAction() {
-    for (QWidget* const control :
-         {static_cast<QWidget*>(m_views->searchBtn), static_cast<QWidget*>(m_views->openBtn),
-          static_cast<QWidget*>(m_views->RevealFinder), static_cast<QWidget*>(m_views->lockButton)})
+    for (QWidget* const control : {static_cast<QWidget*>(m_views->searchBtn), static_cast<QWidget*>(m_views->openBtn),
+                                   static_cast<QWidget*>(m_views->RevealFinder),
+                                   static_cast<QWidget*>(m_views->lockButton)})
         control->setEnabled(false);
     delDuplicateItems();
     m_views->stopBtn->setEnabled(false);
@@ -116,16 +116,16 @@ void SameFileDeleteViewController::delDuplicateItems() {
             if (self != nullptr) self->refreshOutlineView();
         });
     };
-    m_twRemoveDupFiles =
-        ThreadWorker::workOn({m_removal, "<SameFileDeleteViewController>"},
-                             {"deleteDupFiles:worker:",
-                              ThreadWorker::CancellableTask([run = m_removal, files = m_parts.files, report](
-                                                                const std::any& /*nothing*/, ThreadWorker& /*worker*/) {
-                                  deleteDupFiles(*run, *files, report);
-                              })},
-                             {}, [self = QPointer(this)](const std::any& /*nothing*/) {
-                                 if (self != nullptr) self->deleteFinished();
-                             });
+    m_twRemoveDupFiles = ThreadWorker::workOn(
+        {m_removal, "<SameFileDeleteViewController>"},
+        {"deleteDupFiles:worker:",
+         ThreadWorker::CancellableTask([run = m_removal, files = m_parts.files, report](const std::any& /*nothing*/,
+                                                                                       ThreadWorker& /*worker*/) {
+             deleteDupFiles(*run, *files, report);
+         })},
+        {}, [self = QPointer(this)](const std::any& /*nothing*/) {
+            if (self != nullptr) self->deleteFinished();
+        });
     if (m_twRemoveDupFiles == nullptr) deleteFinished();
 }
 
@@ -159,7 +159,8 @@ void SameFileDeleteViewController::deleteFinished() {
     views.searchBtn->setEnabled(true);
     views.searchBtn->setIcon(picture(QStringLiteral("scan_b_normal")));
     TickedLeaves& selected = m_selection.allSelectNumArr();
-    if (m_isClickStopRemove) selected.clear();
+    if (m_isClickStopRemove)
+        selected.clear();
     else selected.removeAll(m_removal->delNodesArr);
 
     m_treeData = m_results.tree(static_cast<std::size_t>(m_remberWitchSelect));
@@ -170,8 +171,8 @@ void SameFileDeleteViewController::deleteFinished() {
     m_isClickStopRemove = false;
     m_bSearchFinished = true;
 
-    for (QWidget* const hidden :
-         {views.loadPathView, static_cast<QWidget*>(views.animation), static_cast<QWidget*>(views.stopRemoveBtn)})
+    for (QWidget* const hidden : {views.loadPathView, static_cast<QWidget*>(views.animation),
+                                  static_cast<QWidget*>(views.stopRemoveBtn)})
         hidden->hide();
     for (QWidget* const shown : {static_cast<QWidget*>(views.titleLabel), static_cast<QWidget*>(views.openBtn),
                                  static_cast<QWidget*>(views.RevealFinder), static_cast<QWidget*>(views.pathChoseBtn)})

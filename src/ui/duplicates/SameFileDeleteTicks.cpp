@@ -1,6 +1,6 @@
 // SameFileDeleteViewController: the boxes, the views by type, and the titles. DuplicateSelection holds the rules.
-#include <QLabel>
 #include <QLocale>
+#include <QLabel>
 
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/duplicates/ResultOutline.h"
@@ -54,9 +54,9 @@ void SameFileDeleteViewController::setSelectCount() {
     // What stands before the first comma is the count of the view; a folder with a comma in its name loses its tail here.
     const QString first = m_views->titleLabel->text().section(QLatin1Char(','), 0, 0);
     const std::size_t selected = m_selection.allSelectNumArr().size();
-    const QString second =
-        QStringLiteral("selected %1 %2 in All")
-            .arg(QString::number(selected), selected != 0 ? QStringLiteral("files") : QStringLiteral("file"));
+    const QString second = QStringLiteral("selected %1 %2 in All")
+                               .arg(QString::number(selected),
+                                    selected != 0 ? QStringLiteral("files") : QStringLiteral("file"));
     m_views->titleLabel->setText(QStringLiteral("%1, %2.").arg(first, second));
 }
 
@@ -125,7 +125,7 @@ void SameFileDeleteViewController::setRemoveButtonState() {
 }
 
 void SameFileDeleteViewController::showHeaderBox(const HeaderBox& box) {
-    m_views->button->setState(!box.isOn                     ? TickState::Nothing
+    m_views->button->setState(!box.isOn                         ? TickState::Nothing
                               : box.picture == "option_yes" ? TickState::All
                                                             : TickState::Some);
 }

@@ -68,12 +68,13 @@ SameFileDeleteViewController::SameFileDeleteViewController(SameFileDeleteParts p
     m_views->titleLabel->setText(bytesToText(m_searchPath));
     showPercent(0);
     connectControls();
-    m_observations.push_back(m_parts.notifications->addObserver("refViewBgColor", [this](const Notification& notice) {
-        const auto* const info = std::any_cast<UserInfo>(&notice.object);
-        if (info == nullptr) return;
-        const auto row = info->find("rowNum");
-        if (row != info->end()) refViewBgColor(std::any_cast<std::int32_t>(row->second));
-    }));
+    m_observations.push_back(
+        m_parts.notifications->addObserver("refViewBgColor", [this](const Notification& notice) {
+            const auto* const info = std::any_cast<UserInfo>(&notice.object);
+            if (info == nullptr) return;
+            const auto row = info->find("rowNum");
+            if (row != info->end()) refViewBgColor(std::any_cast<std::int32_t>(row->second));
+        }));
     m_observations.push_back(m_parts.notifications->addObserver(
         "changeLockState", [this](const Notification& /*notice*/) { changeLockState(); }));
     changeLockState();
@@ -264,8 +265,9 @@ void SameFileDeleteViewController::constructSubtrees() {
 void SameFileDeleteViewController::delayBtnChangeStateTime() {
     SameFileDeleteViews& views = *m_views;
     m_bSearchFinished = true;
-    for (QWidget* const hidden : {views.loadPathView, static_cast<QWidget*>(views.animation),
-                                  static_cast<QWidget*>(views.searchBtn), static_cast<QWidget*>(views.stopScanBtn)})
+    for (QWidget* const hidden :
+         {views.loadPathView, static_cast<QWidget*>(views.animation), static_cast<QWidget*>(views.searchBtn),
+          static_cast<QWidget*>(views.stopScanBtn)})
         hidden->hide();
     showFitting();
     views.btnBgView->show();
@@ -291,9 +293,8 @@ void SameFileDeleteViewController::showFitting() {
     const auto search = m_duplicateOpt ? m_duplicateOpt->search() : nullptr;
     const std::size_t skipped = search ? search->skipped().entries().size() : 0;
     views.quietLine->setVisible(skipped != 0);
-    views.quietLine->setText(skipped == 1
-                                 ? tr("1 entry could not be read")
-                                 : tr("%1 entries could not be read").arg(QLocale().toString(qulonglong(skipped))));
+    views.quietLine->setText(skipped == 1 ? tr("1 entry could not be read")
+                                          : tr("%1 entries could not be read").arg(QLocale().toString(qulonglong(skipped))));
     views.failureLine->setVisible(m_removal && !m_removal->failures.empty());
     const bool isEmpty = m_results.tree(0) == nullptr || m_results.tree(0)->numberOfChildren() == 0;
     const bool removedAll = isEmpty && m_removal != nullptr;

@@ -56,12 +56,14 @@ struct SameFileDeleteParts {
     Dialogs* dialogs = nullptr;
     MainQueue* mainQueue = nullptr;
     std::function<QIcon(const IconRequest&)> icons;
-    std::function<void(const std::string& path)> reveal;      ///< shows the entry in the desktop's file manager
+    std::function<void(const std::string& path)> reveal;     ///< shows the entry in the desktop's file manager
     std::function<void(const QString& address)> openAddress;  ///< opens a web page
 };
 
 /// Main thread only. A search or a removal under way when the page ends is asked to stop, and its thread ends by itself.
-class SameFileDeleteViewController final : public QObject, private DragViewDelegate, private PathAnimationDelegate {
+class SameFileDeleteViewController final : public QObject,
+                                           private DragViewDelegate,
+                                           private PathAnimationDelegate {
     Q_OBJECT
 public:
     explicit SameFileDeleteViewController(SameFileDeleteParts parts, QObject* parent = nullptr);
