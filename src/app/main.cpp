@@ -2,6 +2,7 @@
 #include <QTimer>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <string>
 
 #include "engine/base/Log.h"
@@ -63,7 +64,9 @@ int runWindow(int argc, char** argv) {
     QGuiApplication::setDesktopFileName(QStringLiteral("com.kelpford.Orrinvale"));
     Theme::shared().setScheme(Theme::desktopScheme());
     Theme::shared().install(application);
-    const StallCounter stalls(qEnvironmentVariableIntValue("ORRINVALE_STALLS") == 1);
+    // It looks at every event, so that it is there only where somebody asks.
+    std::optional<StallCounter> stalls;
+    if (qEnvironmentVariableIntValue("ORRINVALE_STALLS") == 1) stalls.emplace(true);
 
     // Never freed: a search or a removal that was told to stop may still be at its last file when the window is gone.
     static const auto& files = *new LinuxFileSystem;

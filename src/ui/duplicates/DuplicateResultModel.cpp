@@ -1,5 +1,4 @@
-// DuplicateResultModel: see DuplicateResultModel.h. The identifier of an index is 0 for a group, and for a copy the row of its group
-// plus one.
+// DuplicateResultModel: see DuplicateResultModel.h. groupId() and copyId() say what an index holds.
 #include "ui/duplicates/DuplicateResultModel.h"
 
 #include <fmt/format.h>
@@ -7,7 +6,10 @@
 #include <QDateTime>
 #include <QIcon>
 #include <QLocale>
-#include <unordered_map>
+#include <algorithm>
+#include <limits>
+#include <utility>
+#include <vector>
 
 #include "engine/text/UtilityFunction.h"
 #include "ui/kit/controls/paintTickBox.h"
@@ -15,7 +17,16 @@
 namespace orrinvale {
 namespace {
 
-bool isTopLevel(const QModelIndex& index) { return index.internalId() == 0; }
+// Qt keeps what is open in tables by index, and asks them once for each row that it lays out. It files an index under
+// 16 times its row plus its column plus its identifier. With these identifiers a group comes under twice its row and a copy under
+// an odd number, so that the groups, all of which may be open, share no place and a copy is known to be absent at the first look.
+constexpr quintptr groupMark = quintptr{1} << (std::numeric_limits<quintptr>::digits - 1);
+
+quintptr groupId(int row) { return (quintptr(0) - quintptr(14) * quintptr(row)) | groupMark; }
+quintptr copyId(int groupRow) { return 2 * quintptr(groupRow) + 1; }
+
+bool isTopLevel(const QModelIndex& index) { return (index.internalId() & groupMark) != 0; }
+int groupRowOf(const QModelIndex& copy) { return static_cast<int>(copy.internalId() / 2); }
 
 QString shortDate(const std::optional<Date>& date) {
     if (!date) return {};
@@ -38,26 +49,33 @@ void DuplicateResultModel::setTree(TreeNode* tree) {
 void DuplicateResultModel::reorder(const std::function<void()>& change) {
     Q_EMIT layoutAboutToBeChanged();
     const QModelIndexList before = persistentIndexList();
-    std::vector<const TreeNode*> nodes;
+    std::vector<std::pair<const TreeNode*, const TreeNode*>> nodes;  // the group, and the copy or null
     nodes.reserve(static_cast<std::size_t>(before.size()));
-    for (const QModelIndex& index : before) nodes.push_back(node(index).get());
+    for (const QModelIndex& index : before) {
+        const int groupRow = isTopLevel(index) ? index.row() : groupRowOf(index);
+        nodes.emplace_back(m_tree->childAtIndex(std::size_t(groupRow)).get(),
+                           isTopLevel(index) ? nullptr : node(index).get());
+    }
     change();
 
-    std::unordered_map<const TreeNode*, int> groupRows;
-    for (int row = 0; row < rowCount(); ++row) groupRows.emplace(m_tree->childAtIndex(std::size_t(row)).get(), row);
+    // Sorted by address: cheaper to make than a table that asks for memory at each group.
+    std::vector<std::pair<const TreeNode*, int>> groupRows;
+    if (!before.empty()) groupRows.reserve(m_tree->numberOfChildren());
+    for (int row = 0; row < rowCount() && !before.empty(); ++row)
+        groupRows.emplace_back(m_tree->childAtIndex(std::size_t(row)).get(), row);
+    std::sort(groupRows.begin(), groupRows.end());
     QModelIndexList after;
     after.reserve(before.size());
     for (qsizetype i = 0; i < before.size(); ++i) {
-        const TreeNode* const node = nodes[static_cast<std::size_t>(i)];
+        const auto [group, copy] = nodes[static_cast<std::size_t>(i)];
         const int column = before[i].column();
-        if (isTopLevel(before[i])) {
-            after.push_back(createIndex(groupRows.at(node), column, quintptr{0}));
+        const int groupRow = std::lower_bound(groupRows.begin(), groupRows.end(), std::pair(group, 0))->second;
+        if (copy == nullptr) {
+            after.push_back(createIndex(groupRow, column, groupId(groupRow)));
             continue;
         }
-        // A group found by its node: the parent that a copy knows may be shown in another tree at another row.
-        const TreeNode* const group = node->nodeParent();
-        const auto row = group->indexOfChild(node).value_or(0);
-        after.push_back(createIndex(static_cast<int>(row), column, quintptr(groupRows.at(group)) + 1));
+        const auto row = group->indexOfChild(copy).value_or(0);
+        after.push_back(createIndex(static_cast<int>(row), column, copyId(groupRow)));
     }
     changePersistentIndexList(before, after);
     Q_EMIT layoutChanged();
@@ -70,7 +88,7 @@ void DuplicateResultModel::refresh() {
 TreeNode::Pointer DuplicateResultModel::node(const QModelIndex& index) const {
     if (!index.isValid() || m_tree == nullptr) return nullptr;
     const auto row = static_cast<std::size_t>(index.row());
-    const auto groupRow = isTopLevel(index) ? row : static_cast<std::size_t>(index.internalId() - 1);
+    const auto groupRow = isTopLevel(index) ? row : static_cast<std::size_t>(groupRowOf(index));
     if (groupRow >= m_tree->numberOfChildren()) return nullptr;
     const TreeNode::Pointer& group = m_tree->childAtIndex(groupRow);
     if (isTopLevel(index)) return group;
@@ -79,12 +97,12 @@ TreeNode::Pointer DuplicateResultModel::node(const QModelIndex& index) const {
 
 QModelIndex DuplicateResultModel::index(int row, int column, const QModelIndex& parent) const {
     if (row < 0 || column < 0 || column >= ColumnCount || row >= rowCount(parent)) return {};
-    return createIndex(row, column, parent.isValid() ? quintptr(parent.row()) + 1 : quintptr{0});
+    return createIndex(row, column, parent.isValid() ? copyId(parent.row()) : groupId(row));
 }
 
 QModelIndex DuplicateResultModel::parent(const QModelIndex& child) const {
     if (!child.isValid() || isTopLevel(child)) return {};
-    return createIndex(static_cast<int>(child.internalId() - 1), 0, quintptr{0});
+    return createIndex(groupRowOf(child), 0, groupId(groupRowOf(child)));
 }
 
 int DuplicateResultModel::rowCount(const QModelIndex& parent) const {

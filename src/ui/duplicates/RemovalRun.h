@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstddef>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -20,19 +21,22 @@ struct RemovalRun {
         std::string reason;
     };
 
-    explicit RemovalRun(RemovalPlan what) : plan(std::move(what)) {}
+    explicit RemovalRun(std::vector<TreeNode::Pointer> what) : ticked(std::move(what)) {}
 
-    /// The indexes of what has gone since the last call.
-    [[nodiscard]] std::vector<std::size_t> takeRemoved() {
+    /// What has gone since the last call.
+    [[nodiscard]] std::vector<TreeNode::Pointer> takeRemoved() {
         const std::lock_guard guard(m_mutex);
         return std::exchange(m_removed, {});
     }
-    void addRemoved(std::size_t index) {
+    void addRemoved(TreeNode::Pointer leaf) {
         const std::lock_guard guard(m_mutex);
-        m_removed.push_back(index);
+        m_removed.push_back(std::move(leaf));
     }
 
-    RemovalPlan plan;                   ///< the removing thread's until its end
+    const std::vector<TreeNode::Pointer> ticked;  ///< when the person confirmed
+    std::optional<RemovalPlan> plan;  ///< made of these by the removing thread at its start, and its own until its end
+    std::atomic<std::size_t> planned{
+        ticked.size()};                 ///< entries of the plan; before it is there, the ticks with doubles
     std::vector<Failure> failures;      ///< likewise
     std::vector<TreeNode::Pointer> delNodesArr;  ///< what has left the tree; main thread
     std::atomic<bool> stop{false};      ///< bStopDelTask: asked between two entries
@@ -41,7 +45,7 @@ struct RemovalRun {
 
 private:
     std::mutex m_mutex;
-    std::vector<std::size_t> m_removed;  // guarded by m_mutex
+    std::vector<TreeNode::Pointer> m_removed;  // guarded by m_mutex
 };
 
 }  // namespace orrinvale

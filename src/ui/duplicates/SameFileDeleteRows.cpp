@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 #include <QHeaderView>
 #include <QMenu>
+#include <chrono>
 
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/duplicates/ResultOutline.h"
@@ -13,6 +14,7 @@ namespace orrinvale {
 
 void SameFileDeleteViewController::shouldSelectItem(const QModelIndex& index) {
     const TreeNode::Pointer node = m_model->node(index);
+    finishSorting();  // the row now chosen moves along
     m_openItemPath = node ? simpleData(*node)->name() : std::string();
 }
 
@@ -39,15 +41,33 @@ void SameFileDeleteViewController::sortTree(int column) {
     header.setSortIndicatorShown(isSortable);
     if (!isSortable || m_treeData == nullptr) return;
     header.setSortIndicator(column, m_sortDescending ? Qt::DescendingOrder : Qt::AscendingOrder);
+    finishSorting();  // equal keys keep the order of the sort before
+    const SortKey key = column == Model::NameColumn ? SortKey::Name
+                        : column == Model::FileSize ? SortKey::Size
+                                                    : SortKey::Date;
+    const QModelIndex current = m_views->outline->currentIndex();
+    const TreeNode::Pointer chosen = m_model->node(current.parent().isValid() ? current.parent() : current);
     m_model->reorder([&] {
-        TreeNode& tree = *m_treeData;
-        if (column == Model::NameColumn)
-            m_sortDescending ? tree.decendingSortName() : tree.acendingSortName();
-        else if (column == Model::FileSize)
-            m_sortDescending ? tree.decendingSortSize() : tree.acendingSortSize();
-        else
-            m_sortDescending ? tree.decendingSortDate() : tree.acendingSortDate();
+        m_leafSort.begin(*m_treeData, key, m_sortDescending);
+        // The view remembers the chosen row by its place, and nothing of other groups.
+        if (chosen) m_leafSort.sortNow(*chosen);
+        // A small result is sorted when the click is over.
+        constexpr std::size_t atOnce = 4096;
+        if (m_treeData->numberOfChildren() <= atOnce) m_leafSort.finish();
     });
+    if (m_leafSort.isPending()) m_sortTimer.start();
+}
+
+void SameFileDeleteViewController::sortFurther() {
+    constexpr std::chrono::milliseconds slice{10};
+    if (m_leafSort.step(std::chrono::steady_clock::now() + slice)) m_sortTimer.stop();
+    m_views->outline->viewport()->update();
+}
+
+// Before anything that depends on which copy stands where.
+void SameFileDeleteViewController::finishSorting() {
+    m_sortTimer.stop();
+    if (m_leafSort.isPending()) m_model->reorder([this] { m_leafSort.finish(); });
 }
 
 QIcon SameFileDeleteViewController::iconOf(const TreeNode& node) const {
@@ -65,8 +85,8 @@ void SameFileDeleteViewController::showRowMenu(const QModelIndex& index, QPoint 
     menu->addAction(tr("Show in Folder"), this, [this] { RevealInFinderBtnClicked(); });
     menu->addAction(tr("Copy Path"), this, [path] { QGuiApplication::clipboard()->setText(QString::fromStdString(path)); });
     menu->addSeparator();
-    menu->addAction(tr("Tick All but This One"), this, [this, leaf = node] {
-        if (!m_bSearchFinished || leaf->nodeParent() == nullptr) return;
+    menu->addAction(tr("Tick All but This One"), this, [this, leaf = node, number = m_resultNumber] {
+        if (!m_bSearchFinished || number != m_resultNumber || leaf->nodeParent() == nullptr) return;
         m_selection.tickAllBut(*leaf);
         setRemoveButtonState();
         changeAllSelectCheckBoxState();

@@ -30,6 +30,7 @@ QString SameFileDeleteViewController::rowLabel() const {
 
 void SameFileDeleteViewController::refViewBgColor(std::int32_t row) {
     if (row < 0 || static_cast<std::size_t>(row) >= resultRows.size()) return;
+    finishSorting();
     m_remberWitchSelect = row;
     m_treeData = m_results.tree(static_cast<std::size_t>(row));
     m_views->rightImageView->setPicture(toText(resultRows.at(static_cast<std::size_t>(row)).picture));
@@ -64,6 +65,7 @@ void SameFileDeleteViewController::setSelectCount() {
 void SameFileDeleteViewController::boxClicked(const TreeNode::Pointer& node, const QModelIndex& index) {
     if (!m_bSearchFinished) return;
     m_checkBoxItem = index;
+    finishSorting();
     if (simpleData(*node)->isGroup()) {
         m_selection.clickGroup(*node);
         setSelectCount();
@@ -86,17 +88,19 @@ void SameFileDeleteViewController::setSelectState(const TreeNode::Pointer& leaf)
             question.buttons = QStringList{QStringLiteral("OK"), QStringLiteral("Cancel")};
             question.cancelButton = 1;
             question.severity = Alert::Severity::Warning;
-            m_parts.dialogs->alert(m_mainWindow, question, [self = QPointer(this), leaf](int button) {
-                if (self != nullptr) self->alertEnded_context(button == 0 ? 1 : 0, leaf);
-            });
+            m_parts.dialogs->alert(m_mainWindow, question,
+                                   [self = QPointer(this), leaf, number = m_resultNumber](int button) {
+                                       if (self != nullptr) self->alertEnded_context(button == 0 ? 1 : 0, leaf, number);
+                                   });
             break;
         }
     }
 }
 
-void SameFileDeleteViewController::alertEnded_context(int code, const TreeNode::Pointer& leaf) {
-    // The tree may have gone while the question stood.
-    if (code != 1 || leaf->nodeParent() == nullptr || !m_bSearchFinished) return;
+void SameFileDeleteViewController::alertEnded_context(int code, const TreeNode::Pointer& leaf,
+                                                      std::uint64_t resultNumber) {
+    // The tree, or the leaf's place in it, may have gone while the question stood.
+    if (code != 1 || resultNumber != m_resultNumber || leaf->nodeParent() == nullptr || !m_bSearchFinished) return;
     m_selection.tickLast(leaf);
     changeAllSelectCheckBoxState();
     m_model->refresh();
@@ -144,6 +148,7 @@ void SameFileDeleteViewController::setAllSelectOrNoSelect() {
         showHeaderBox({});
         return;
     }
+    finishSorting();
     m_selection.setAll(*m_treeData, on);
     m_tickedByHeader.set(view, on);
     m_views->button->setState(on ? TickState::Some : TickState::Nothing);

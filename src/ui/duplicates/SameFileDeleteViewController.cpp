@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QLocale>
 #include <QStackedWidget>
+#include <utility>
 
 #include "engine/base/UtilityObject.h"
 #include "engine/duplicates/DuplicateFilesOpt.h"
@@ -35,6 +36,20 @@ namespace {
 
 // The percent shown only climbs, over all searches of one run of the program: while bundles are compared the engine's falls.
 int highestPercent = 0;
+
+// What a new search no longer shows. Moved out of the page, so that whichever thread holds it last frees it.
+struct Leftovers {
+    void free() {
+        removal.reset();
+        ticked.clear();
+        results.clear();
+        search.reset();
+    }
+    std::shared_ptr<DuplicateFilesOpt> search;
+    std::shared_ptr<RemovalRun> removal;
+    TickedLeaves ticked;
+    ResultViews results;
+};
 
 QString bytesToText(const std::string& bytes) { return QString::fromStdString(bytes); }
 
@@ -100,6 +115,8 @@ void SameFileDeleteViewController::connectControls() {
     connect(views.outline, &ResultOutline::previewWanted, this, &Self::openFinderBtnClicked);
     m_newTimer.setInterval(100);
     connect(&m_newTimer, &QTimer::timeout, this, &Self::getPathForSreachDuplicate);
+    m_sortTimer.setInterval(0);
+    connect(&m_sortTimer, &QTimer::timeout, this, &Self::sortFurther);
     m_removalTimer.setInterval(100);
     connect(&m_removalTimer, &QTimer::timeout, this, &Self::deleteUpView);
 }
@@ -166,8 +183,12 @@ void SameFileDeleteViewController::searchBtnClicked() {
     views.animation->startUpdatePrograss();
     m_tickedByHeader.reset();
     showHeaderBox({});
-    resetOulineView();
-    m_selection.allSelectNumArr().clear();
+    // Hundreds of thousands of rows take long to free, so that the searching thread does it, before it begins.
+    const auto old = std::make_shared<Leftovers>();
+    old->search = std::move(m_duplicateOpt);
+    old->removal = std::move(m_removal);
+    old->ticked = std::exchange(m_selection.allSelectNumArr(), {});
+    old->results = resetOulineView();
     showPercent(0);
 
     m_duplicateOpt = std::make_shared<DuplicateFilesOpt>(*m_parts.files);
@@ -176,17 +197,23 @@ void SameFileDeleteViewController::searchBtnClicked() {
     m_duplicateOpt->setSearchOption(&option);
     // Files of any size count; the limit of the settings belongs to other pages.
     constexpr std::uint64_t anySize = 0;
-    m_twDuplicateSearch = ThreadWorker::workOn(
-        {m_duplicateOpt, "<SameFileDeleteViewController>"},
-        {"searchDuplicateFiles:worker:",
-         ThreadWorker::CancellableTask([search = m_duplicateOpt](const std::any& path, ThreadWorker& /*worker*/) {
-             search->beginSearchAtPath(std::any_cast<const std::string&>(path), anySize);
-         })},
-        m_searchPath, [self = QPointer(this)](const std::any& /*nothing*/) {
-            if (self != nullptr) self->searchFinished();
-        });
+    // Sorted into its views where the search runs: nothing shows it yet.
+    const auto found = std::make_shared<ResultViews>();
+    m_twDuplicateSearch =
+        ThreadWorker::workOn({m_duplicateOpt, "<SameFileDeleteViewController>"},
+                             {"searchDuplicateFiles:worker:",
+                              ThreadWorker::CancellableTask([search = m_duplicateOpt, found, old](
+                                                                const std::any& path, ThreadWorker& /*worker*/) {
+                                  old->free();
+                                  search->beginSearchAtPath(std::any_cast<const std::string&>(path), anySize);
+                                  std::shared_ptr<SimpleTreeNode> all;
+                                  if (search->getDuplicateFiles(&all)) found->setResult(std::move(all));
+                              })},
+                             m_searchPath, [self = QPointer(this), found](const std::any& /*nothing*/) {
+                                 if (self != nullptr) self->searchFinished(std::move(*found));
+                             });
     if (m_twDuplicateSearch == nullptr) {  // no thread to be had: an empty result, and the page stays usable
-        searchFinished();
+        searchFinished({});
         return;
     }
     m_newTimer.start();
@@ -223,11 +250,10 @@ void SameFileDeleteViewController::showPercent(int percent) {
     m_views->progress->setText(QStringLiteral("%1%").arg(percent));
 }
 
-void SameFileDeleteViewController::searchFinished() {
+void SameFileDeleteViewController::searchFinished(ResultViews found) {
     m_views->stopScanBtn->setEnabled(false);
     m_twDuplicateSearch.reset();
-    std::shared_ptr<SimpleTreeNode> all;
-    if (m_duplicateOpt && m_duplicateOpt->getDuplicateFiles(&all)) m_results.setResult(std::move(all));
+    m_results = std::move(found);
     constructSubtrees();
     if (m_model->rowCount() > 0) m_views->outline->expand(m_model->index(0, 0));
     m_views->animation->stop();
@@ -315,15 +341,18 @@ void SameFileDeleteViewController::showSameFileSize() {
         m_views->leftCells.at(row)->setSizeTextFieldString(QString::fromStdString(m_results.sizeText(row)));
 }
 
-void SameFileDeleteViewController::resetOulineView() {
+ResultViews SameFileDeleteViewController::resetOulineView() {
     m_treeData = nullptr;
+    m_sortTimer.stop();
+    m_leafSort.drop();
     m_model->setTree(nullptr);
-    m_results.clear();
-    m_removal.reset();
+    ResultViews old = std::exchange(m_results, {});
+    ++m_resultNumber;
     m_openItemPath.clear();
     m_lastColumn = -1;
     m_views->outline->header()->setSortIndicatorShown(false);
     showSameFileSize();
+    return old;
 }
 
 void SameFileDeleteViewController::openHttpOfQuennet() {

@@ -9,6 +9,7 @@
 #include <QPointer>
 #include <QTimer>
 #include <bitset>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -17,6 +18,7 @@
 #include "engine/base/MainQueue.h"
 #include "engine/base/NotificationCenter.h"
 #include "engine/duplicates/results/DuplicateSelection.h"
+#include "engine/duplicates/results/LeafSort.h"
 #include "engine/duplicates/results/ResultViews.h"
 #include "platform/files.h"
 #include "ui/kit/controls/DragView.h"
@@ -105,11 +107,11 @@ private:
     void getPathForSreachDuplicate();
     void getPrograss();
     void showPercent(int percent);
-    void searchFinished();
+    void searchFinished(ResultViews found);
     void constructSubtrees();
     void delayBtnChangeStateTime();
     void showSameFileSize();
-    void resetOulineView();
+    [[nodiscard]] ResultViews resetOulineView();
     void showFitting();
     void showSkipped();
 
@@ -119,7 +121,7 @@ private:
     void setSelectCount();
     void boxClicked(const TreeNode::Pointer& node, const QModelIndex& index);
     void setSelectState(const TreeNode::Pointer& leaf);
-    void alertEnded_context(int code, const TreeNode::Pointer& leaf);
+    void alertEnded_context(int code, const TreeNode::Pointer& leaf, std::uint64_t resultNumber);
     void fly(const TreeNode::Pointer& leaf);
     void callBackDeleteItemWithIndex() override;
     void setRemoveButtonState();
@@ -143,6 +145,8 @@ private:
     void shouldSelectItem(const QModelIndex& index);
     void didClickTableColumn(int column);
     void sortTree(int column);
+    void sortFurther();
+    void finishSorting();
     void showRowMenu(const QModelIndex& index, QPoint position);
     [[nodiscard]] QIcon iconOf(const TreeNode& node) const;
 
@@ -154,7 +158,10 @@ private:
     std::vector<NotificationCenter::Observation> m_observations;
 
     ResultViews m_results;
+    std::uint64_t m_resultNumber = 0;  // of the result that m_results holds; questions that outlive theirs are void
     DuplicateSelection m_selection;
+    LeafSort m_leafSort;
+    QTimer m_sortTimer;              // runs while copies are still to be sorted
     TreeNode* m_treeData = nullptr;  // the tree that the list shows, of m_results
     std::int32_t m_remberWitchSelect = 0;
     std::shared_ptr<DuplicateFilesOpt> m_duplicateOpt;

@@ -1,9 +1,12 @@
-// StallCounter: see StallCounter.h.
+// StallCounter: see StallCounter.h. Where in a turn the loop says that it wakes and blocks differs: the dispatcher over GLib wakes
+// after the events of a turn, the plain one before the posted events and before it waits for timers. So a turn is begun by the
+// first event itself, and ended by whichever of the two comes first.
 #include "ui/shell/StallCounter.h"
 
 #include <fmt/format.h>
 
 #include <QAbstractEventDispatcher>
+#include <QCoreApplication>
 #include <algorithm>
 
 #include "engine/base/Log.h"
@@ -12,9 +15,15 @@ namespace orrinvale {
 
 StallCounter::StallCounter(bool print, QObject* parent) : QObject(parent), m_print(print) {
     auto* const dispatcher = QAbstractEventDispatcher::instance();
-    if (dispatcher == nullptr) return;
-    connect(dispatcher, &QAbstractEventDispatcher::awake, this, [this] { m_turn.start(); });
-    connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, [this] { turnEnds(); });
+    if (dispatcher == nullptr || QCoreApplication::instance() == nullptr) return;
+    connect(dispatcher, &QAbstractEventDispatcher::awake, this, &StallCounter::turnEnds);
+    connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, &StallCounter::turnEnds);
+    QCoreApplication::instance()->installEventFilter(this);
+}
+
+bool StallCounter::eventFilter(QObject* receiver, QEvent* event) {
+    if (!m_turn.isValid()) m_turn.start();
+    return QObject::eventFilter(receiver, event);
 }
 
 void StallCounter::turnEnds() {

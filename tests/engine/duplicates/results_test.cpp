@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "engine/duplicates/results/DuplicateSelection.h"
+#include "engine/duplicates/results/LeafSort.h"
 #include "engine/duplicates/results/RemovalPlan.h"
 #include "engine/duplicates/results/ResultViews.h"
 #include "platform/linux/LinuxFiles.h"
@@ -111,6 +112,47 @@ TEST(TickedLeaves, KeepTheOrderOverManyRemovals) {
     EXPECT_EQ(ticked.size(), expected.size() - 2);
 }
 
+TEST(LeafSort, InPiecesGivesTheOrderOfOneSort) {
+    const auto tree = [] {
+        const auto root = newRoot();
+        for (std::uint64_t g = 0; g < 1000; ++g) {
+            const Pointer group = addGroup(*root, std::to_string(g * 7 % 10), 5, g % 3);
+            for (std::size_t i = 0; i < 5; ++i) {
+                simpleData(*group->childAtIndex(i))->setFileSize((g + i) * 3 % 5);
+                if (i != 2) simpleData(*group->childAtIndex(i))->setModificationDate(Date{std::int64_t(i * g % 4) - 2});
+            }
+        }
+        return root;
+    };
+    const auto text = [](const TreeNode& root) {
+        std::string all;
+        for (const auto& group : root.children()) {
+            all += simpleData(*group)->name();
+            for (const auto& leaf : group->children())
+                all += " " + simpleData(*leaf)->name() + " " + std::to_string(simpleData(*leaf)->fileSize());
+        }
+        return all;
+    };
+    const auto whole = tree(), pieces = tree();
+    const struct {
+        void (TreeNode::*sort)();
+        SortKey key;
+        bool descending;
+    } cases[] = {{&TreeNode::decendingSortName, SortKey::Name, true},
+                 {&TreeNode::acendingSortDate, SortKey::Date, false},
+                 {&TreeNode::decendingSortSize, SortKey::Size, true}};
+    for (const auto& c : cases) {
+        (whole.get()->*c.sort)();
+        LeafSort sort;
+        sort.begin(*pieces, c.key, c.descending);
+        sort.sortNow(*pieces->childAtIndex(500));
+        EXPECT_FALSE(sort.step(std::chrono::steady_clock::time_point::min())) << "the time was over before it began";
+        sort.finish();
+        EXPECT_FALSE(sort.isPending());
+        EXPECT_EQ(text(*pieces), text(*whole));
+    }
+}
+
 TEST(ResultViews, PutEachGroupIntoOneTypeByItsExtension) {
     const auto root = newRoot();
     for (const char* extension : {"PDF", "mkv", "mp3", "zip", "gz", "jpg", "", "APP"}) addGroup(*root, extension, 2);
@@ -147,6 +189,7 @@ TEST(ResultViews, AreTrueAfterARemoval) {
         {"a wholly ticked group loses one of two", 2, {0, 1}, {1}, true, "1 1/1 x", 100},
         {"a wholly ticked group loses both", 2, {0, 1}, {0, 1}, false, "", 0},
         {"both ticked leaves of three go in one batch", 3, {0, 1}, {0, 1}, false, "", 0},
+        {"two of three ticked go in one batch, two stay", 5, {0, 1, 2}, {2, 0}, true, "2 1/3 x..", 300},
     };
     for (const Case& c : cases) {
         const auto root = newRoot();
@@ -221,6 +264,13 @@ TEST_F(RemovalPlanTest, LeavesOneVerifiedCopyOfAGroupThatIsNotWhollyTicked) {
     selection.clickGroup(*root->firstChild());
     ASSERT_TRUE(tree.write("c", "the copy that was to stay is another file now"));
     EXPECT_EQ(run(), (Results{"-", "no other verified copy is left"}));
+}
+
+TEST_F(RemovalPlanTest, FindsTheOtherCopyAcrossThoseThatHaveGone) {
+    build({"a", "b", "c", "d"});
+    for (const std::size_t index : {2U, 1U, 0U}) ASSERT_EQ(selection.clickLeaf(leaf(index)), LeafClick::Ticked);
+    ASSERT_TRUE(tree.write("d", "the copy that was to stay is another file now"));
+    EXPECT_EQ(run(), (Results{"-", "-", "no other verified copy is left"}));
 }
 
 // Each leaf ticked by a way that asks nothing: the person never agreed to lose every copy.

@@ -3,6 +3,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <functional>
+
 namespace orrinvale {
 namespace {
 
@@ -13,6 +16,26 @@ std::size_t countTicked(const TreeNode& group) {
     return count;
 }
 
+// A sorted tree lies all over the memory, and a walk over a large one mostly waits for it. So each link of the way to a leaf is
+// asked for a few groups ahead, when the link before it has come.
+void expectGroups(const TreeNode& tree, std::size_t after) {
+    const auto ahead = [&](std::size_t distance) -> const TreeNode* {
+        const std::size_t index = after + distance;
+        return index < tree.numberOfChildren() ? tree.childAtIndex(index).get() : nullptr;
+    };
+    const auto leaves = [](const TreeNode& group) { return std::min(group.numberOfChildren(), std::size_t{8}); };
+    if (const TreeNode* const group = ahead(16)) __builtin_prefetch(group);
+    if (const TreeNode* const group = ahead(12)) {
+        __builtin_prefetch(group->nodeData().get(), 1);
+        if (group->numberOfChildren() > 0) __builtin_prefetch(&group->firstChild());
+    }
+    if (const TreeNode* const group = ahead(8))
+        for (std::size_t i = 0; i < leaves(*group); ++i) __builtin_prefetch(group->childAtIndex(i).get(), 1);
+    if (const TreeNode* const group = ahead(4))
+        for (std::size_t i = 0; i < leaves(*group); ++i)
+            __builtin_prefetch(group->childAtIndex(i)->nodeData().get(), 1);
+}
+
 void showGroup(TreeNode& group, std::int32_t selectNum, std::size_t ticked) {
     SimpleNodeData* const data = simpleData(group);
     data->setSelectNum(selectNum);
@@ -21,41 +44,22 @@ void showGroup(TreeNode& group, std::int32_t selectNum, std::size_t ticked) {
 
 }  // namespace
 
-void TickedLeaves::append(TreeNode::Pointer leaf) {
-    m_places.emplace(leaf.get(), m_entries.size());
-    m_entries.push_back(std::move(leaf));
-    ++m_size;
-}
-
 void TickedLeaves::remove(const TreeNode* leaf) {
-    const auto [from, to] = m_places.equal_range(leaf);
-    for (auto place = from; place != to; ++place) {
-        m_entries[place->second].reset();
-        --m_size;
-    }
-    m_places.erase(from, to);
-    constexpr std::size_t fewGaps = 64;
-    if (m_entries.size() > 2 * m_size + fewGaps) closeGaps();
+    std::erase_if(m_entries, [leaf](const TreeNode::Pointer& entry) { return entry.get() == leaf; });
 }
 
-void TickedLeaves::closeGaps() {
-    std::erase(m_entries, nullptr);
-    m_places.clear();
-    for (std::size_t i = 0; i < m_entries.size(); ++i) m_places.emplace(m_entries[i].get(), i);
+void TickedLeaves::removeAll(std::span<const TreeNode::Pointer> leaves) {
+    std::vector<const TreeNode*> removed;
+    removed.reserve(leaves.size());
+    for (const auto& leaf : leaves) removed.push_back(leaf.get());
+    std::sort(removed.begin(), removed.end(), std::less<>());
+    std::erase_if(m_entries, [&](const TreeNode::Pointer& entry) {
+        return std::binary_search(removed.begin(), removed.end(), entry.get(), std::less<>());
+    });
 }
 
-void TickedLeaves::clear() {
-    m_entries.clear();
-    m_places.clear();
-    m_size = 0;
-}
-
-std::vector<TreeNode::Pointer> TickedLeaves::entries() const {
-    std::vector<TreeNode::Pointer> result;
-    result.reserve(m_size);
-    for (const auto& leaf : m_entries)
-        if (leaf) result.push_back(leaf);
-    return result;
+void TickedLeaves::removeClear() {
+    std::erase_if(m_entries, [](const TreeNode::Pointer& entry) { return simpleData(*entry)->selectNum() == 0; });
 }
 
 LeafClick DuplicateSelection::clickLeaf(const TreeNode::Pointer& leaf) {
@@ -87,8 +91,12 @@ void DuplicateSelection::tickLast(const TreeNode::Pointer& leaf) {
 }
 
 void DuplicateSelection::clickGroup(TreeNode& group) {
-    if (simpleData(group)->selectNum() != 0) clearGroup(group, group.numberOfChildren());
-    else if (const auto last = group.lastChild()) tickAllBut(*last);
+    if (simpleData(group)->selectNum() != 0) {
+        clearLeaves(group, group.numberOfChildren());
+        m_ticked.removeAll(group.children());
+    } else if (const auto last = group.lastChild()) {
+        tickAllBut(*last);
+    }
 }
 
 void DuplicateSelection::tickAllBut(TreeNode& leaf) {
@@ -108,13 +116,10 @@ void DuplicateSelection::tickAllBut(TreeNode& leaf) {
     showGroup(group, 2, copies - 1);
 }
 
-void DuplicateSelection::clearGroup(TreeNode& group, std::size_t shownCount) {
-    for (std::size_t i = 0; i < group.numberOfChildren(); ++i) {
-        const TreeNode::Pointer& child = group.childAtIndex(i);
-        SimpleNodeData& data = *simpleData(*child);
-        if (data.selectNum() == 1) m_ticked.remove(child.get());
-        data.setSelectNum(0);
-    }
+void DuplicateSelection::clearLeaves(TreeNode& group, std::size_t shownCount) {
+    // A group is in state 0 only while none of its leaves is ticked.
+    if (simpleData(group)->selectNum() != 0)
+        for (std::size_t i = 0; i < group.numberOfChildren(); ++i) simpleData(*group.childAtIndex(i))->setSelectNum(0);
     SimpleNodeData& data = *simpleData(group);
     data.setSelectNum(0);
     data.setShowSelectNumStr(fmt::format("0/{}", shownCount));
@@ -123,9 +128,10 @@ void DuplicateSelection::clearGroup(TreeNode& group, std::size_t shownCount) {
 void DuplicateSelection::setAll(TreeNode& tree, bool on) {
     const std::size_t groups = tree.numberOfChildren();
     for (std::size_t g = 0; g < groups; ++g) {
+        expectGroups(tree, g);
         TreeNode& group = *tree.childAtIndex(g);
         if (!on) {
-            clearGroup(group, groups);  // put right when the row is drawn again
+            clearLeaves(group, groups);  // put right when the row is drawn again
             continue;
         }
         const std::size_t copies = group.numberOfChildren();
@@ -136,13 +142,16 @@ void DuplicateSelection::setAll(TreeNode& tree, bool on) {
         }
         showGroup(group, 2, copies == 0 ? 0 : copies - 1);
     }
+    if (!on) m_ticked.removeClear();
 }
 
 void DuplicateSelection::clearTree(TreeNode& tree) {
     for (std::size_t g = 0; g < tree.numberOfChildren(); ++g) {
+        expectGroups(tree, g);
         TreeNode& group = *tree.childAtIndex(g);
-        clearGroup(group, group.numberOfChildren());
+        clearLeaves(group, group.numberOfChildren());
     }
+    m_ticked.removeClear();
 }
 
 HeaderBox DuplicateSelection::headerBox(const TreeNode& tree) {

@@ -3,8 +3,8 @@
 
 #include <cstddef>
 #include <memory>
+#include <span>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "engine/duplicates/tree/SimpleTreeNode.h"
@@ -14,23 +14,21 @@ namespace orrinvale {
 /// The ticked leaves over all views, in the order in which they were ticked. A leaf may stand in it twice. Main thread only.
 class TickedLeaves final {
 public:
-    void append(TreeNode::Pointer leaf);
+    void append(TreeNode::Pointer leaf) { m_entries.push_back(std::move(leaf)); }
 
-    /// Takes every occurrence out.
+    /// Take every occurrence out, in one pass: of one leaf, of all these leaves, and of all leaves that are clear.
     void remove(const TreeNode* leaf);
-    void clear();
+    void removeAll(std::span<const TreeNode::Pointer> leaves);
+    void removeClear();
+    void clear() { m_entries.clear(); }
 
     /// How many there are, doubles included.
-    [[nodiscard]] std::size_t size() const { return m_size; }
-    [[nodiscard]] bool empty() const { return m_size == 0; }
-    [[nodiscard]] std::vector<TreeNode::Pointer> entries() const;
+    [[nodiscard]] std::size_t size() const { return m_entries.size(); }
+    [[nodiscard]] bool empty() const { return m_entries.empty(); }
+    [[nodiscard]] std::vector<TreeNode::Pointer> entries() const { return m_entries; }
 
 private:
-    void closeGaps();
-
-    std::vector<TreeNode::Pointer> m_entries;  // null where one was taken out
-    std::unordered_multimap<const TreeNode*, std::size_t> m_places;
-    std::size_t m_size = 0;
+    std::vector<TreeNode::Pointer> m_entries;
 };
 
 /// What a click on the box of a leaf came to.
@@ -76,7 +74,7 @@ public:
     [[nodiscard]] const TickedLeaves& allSelectNumArr() const { return m_ticked; }
 
 private:
-    void clearGroup(TreeNode& group, std::size_t shownCount);
+    static void clearLeaves(TreeNode& group, std::size_t shownCount);
 
     TickedLeaves m_ticked;
 };

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <unordered_set>
+#include <utility>
 
 #include "engine/base/Log.h"
 
@@ -15,6 +16,10 @@ Found lookUp(const FileSystem& files, const std::string& path, const std::option
     const auto now = files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);
     if (!now) return Found::Gone;
     return !identity || identity->isStill(*now) ? Found::Same : Found::Changed;
+}
+
+std::pair<std::uint64_t, std::uint64_t> fileOf(const std::optional<EntryIdentity>& identity) {
+    return {identity->device, identity->inode};
 }
 
 }  // namespace
@@ -37,6 +42,15 @@ void RemovalPlan::addGroup(const TreeNode& node, std::unordered_map<const TreeNo
         const TreeNode& child = *node.childAtIndex(i);
         places.emplace(&child, Place{m_groups.size(), i});
         group.members.push_back({simpleData(child)->name(), simpleData(child)->identity()});
+        if (group.members.back().identity) group.byFile.push_back(i);
+    }
+    std::sort(group.byFile.begin(), group.byFile.end(), [&](std::size_t left, std::size_t right) {
+        return fileOf(group.members[left].identity) < fileOf(group.members[right].identity);
+    });
+    const std::size_t ring = group.members.size() + 1;
+    for (std::size_t i = 0; i < ring; ++i) {
+        group.before.push_back((i + ring - 1) % ring);
+        group.after.push_back((i + 1) % ring);
     }
     m_groups.push_back(std::move(group));
 }
@@ -58,29 +72,37 @@ std::optional<std::string> RemovalPlan::objection(std::size_t index, const FileS
         case Found::Gone: reason = "is gone already"; break;
         case Found::Changed: reason = "changed since the scan"; break;
         case Found::Same:
-            // From the end, where the copy that stays by itself stands.
-            if (!group.whollyTicked &&
-                std::none_of(group.members.rbegin(), group.members.rend(), [&](const Member& other) {
-                    return &other != &wanted && !other.removed &&
-                           lookUp(files, other.path, other.identity) == Found::Same;
-                }))
-                reason = "no other verified copy is left";
+            if (!group.whollyTicked && !hasOther(group, wanted, files)) reason = "no other verified copy is left";
             break;
     }
     if (reason) Log::line(fmt::format("Not removed, {}: {}", *reason, wanted.path));
     return reason;
 }
 
+// From the end, where the copy that stays by itself stands.
+bool RemovalPlan::hasOther(const Group& group, const Member& wanted, const FileSystem& files) {
+    for (std::size_t i = group.before.front(); i != 0; i = group.before[i]) {
+        const Member& other = group.members[i - 1];
+        if (&other != &wanted && lookUp(files, other.path, other.identity) == Found::Same) return true;
+    }
+    return false;
+}
+
 void RemovalPlan::removed(std::size_t index, const FileSystem& files) {
     const Place place = m_entries.at(index).place;
     Group& group = m_groups[place.group];
-    Member& gone = group.members[place.member];
-    gone.removed = true;
-    if (!gone.identity) return;
-    for (Member& other : group.members) {
-        if (other.removed || !other.identity || other.identity->device != gone.identity->device ||
-            other.identity->inode != gone.identity->inode)
-            continue;
+    const std::size_t gone = place.member + 1;
+    group.before[group.after[gone]] = group.before[gone];
+    group.after[group.before[gone]] = group.after[gone];
+    group.members[place.member].removed = true;
+    if (!group.members[place.member].identity) return;
+    const auto same = std::equal_range(
+        group.byFile.begin(), group.byFile.end(), place.member, [&](std::size_t left, std::size_t right) {
+            return fileOf(group.members[left].identity) < fileOf(group.members[right].identity);
+        });
+    for (auto each = same.first; each != same.second; ++each) {
+        Member& other = group.members[*each];
+        if (other.removed) continue;
         const auto now = files.attributes(FileSystem::noParent, other.path.c_str(), Links::Keep);
         if (now && now->inode == other.identity->inode && now->device == other.identity->device)
             other.identity->changed = now->changed;

@@ -38,8 +38,14 @@ private:
         std::optional<EntryIdentity> identity;
         bool removed = false;
     };
+    /// A group may hold a hundred thousand copies, so that nothing here walks over all of them for each that goes.
     struct Group {
         std::vector<Member> members;
+        std::vector<std::size_t>
+            before;  ///< by member: one more than the next one towards the front that is not removed
+        std::vector<std::size_t>
+            after;  ///< the same towards the end; member i stands at i + 1 in both, 0 is the ring's joint
+        std::vector<std::size_t> byFile;  ///< members by device and inode
         bool whollyTicked = false;
     };
     struct Place {
@@ -52,6 +58,7 @@ private:
     };
     void addGroup(const TreeNode& node, std::unordered_map<const TreeNode*, Place>& places);
     [[nodiscard]] const Member& member(std::size_t index) const;
+    [[nodiscard]] static bool hasOther(const Group& group, const Member& wanted, const FileSystem& files);
 
     std::vector<Group> m_groups;
     std::vector<Entry> m_entries;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -34,6 +35,13 @@ void removeGroups(TreeNode& root, const std::unordered_set<const TreeNode*>& gro
     for (std::size_t i = 0; i < root.numberOfChildren(); ++i)
         if (groups.contains(root.childAtIndex(i).get())) found.push_back(root.childAtIndex(i));
     root._removeChildrenIdenticalTo(found);
+}
+
+std::size_t countTicked(const TreeNode& group) {
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < group.numberOfChildren(); ++i)
+        count += simpleData(*group.childAtIndex(i))->selectNum() == 1 ? 1U : 0U;
+    return count;
 }
 
 void addSize(std::uint64_t& sum, std::uint64_t size) {
@@ -99,47 +107,47 @@ void ResultViews::shrink(const SimpleNodeData& group, std::uint64_t bytes) {
     m_sizes[code] -= std::min(bytes, m_sizes[code]);
 }
 
-// True when the group of the leaf is none any more.
-bool ResultViews::removeLeaf(TreeNode& leaf) {
-    TreeNode* const group = leaf.nodeParent();
-    SimpleNodeData* const data = group != nullptr ? simpleData(*group) : nullptr;
-    const SimpleNodeData* const gone = simpleData(leaf);
-    if (data == nullptr || gone == nullptr) return false;
-    if (!data->Mark()) {  // out of the views since an earlier leaf of this batch
-        group->removeChild(&leaf);
-        return false;
+// One group's part of a batch, leaf by leaf in its order, but with one look at the copies that stay. True when the group is none
+// any more.
+bool ResultViews::removeFromGroup(TreeNode& group, std::span<const TreeNode::Pointer> leaves) {
+    SimpleNodeData& data = *simpleData(group);
+    group._removeChildrenIdenticalTo(leaves);
+    if (!data.Mark()) return false;  // out of the views since an earlier batch
+    std::size_t left = group.numberOfChildren() + leaves.size();
+    std::size_t ticked = countTicked(group);
+    for (const auto& leaf : leaves) ticked += simpleData(*leaf)->selectNum() == 1 ? 1U : 0U;
+    for (const auto& leaf : leaves) {
+        const SimpleNodeData& gone = *simpleData(*leaf);
+        const std::uint64_t bytes = gone.fileSize();
+        data.setFileSize(data.fileSize() - std::min(bytes, data.fileSize()));
+        shrink(data, bytes);
+        --left;
+        ticked -= gone.selectNum() == 1 ? 1U : 0U;
+        const bool single = left == 1 && data.selectNum() == 2;
+        if (single) shrink(data, bytes);  // the copy that stays is no duplicate any more
+        if (left == 0 || single) {
+            data.setMark(false);
+            return true;
+        }
+        if (data.selectNum() == 2) data.setSelectNum(ticked != 0 ? 2 : 0);
     }
-    const std::uint64_t bytes = gone->fileSize();
-    data->setFileSize(data->fileSize() - std::min(bytes, data->fileSize()));
-    shrink(*data, bytes);
-    group->removeChild(&leaf);
-
-    const std::size_t left = group->numberOfChildren();
-    const bool single = left == 1 && data->selectNum() == 2;
-    if (single) shrink(*data, bytes);  // the copy that stays is no duplicate any more
-    if (left == 0 || single) {
-        data->setMark(false);
-        return true;
-    }
-    if (data->selectNum() == 2) {
-        bool anyTicked = false;
-        for (std::size_t i = 0; i < left && !anyTicked; ++i)
-            anyTicked = simpleData(*group->childAtIndex(i))->selectNum() == 1;
-        data->setSelectNum(anyTicked ? 2 : 0);
-        // The first number says whether, not how many, until the next tick in the group.
-        data->setShowSelectNumStr(fmt::format("{:d}/{}", anyTicked, left));
-    } else {
-        data->setShowSelectNumStr(fmt::format("{}/{}", data->selectNum() == 1 ? left : 0, left));
-    }
+    // Of a partly ticked group the first number says whether, not how many, until the next tick in it.
+    const std::size_t shown = data.selectNum() == 1 ? left : data.selectNum() == 2 ? 1 : 0;
+    data.setShowSelectNumStr(fmt::format("{}/{}", shown, left));
     return false;
 }
 
 void ResultViews::removeLeaves(std::span<const TreeNode::Pointer> leaves) {
-    std::unordered_set<const TreeNode*> groups;
+    // By group: a group may hold as many copies as a batch has leaves, and must not be walked for each of them.
+    std::unordered_map<TreeNode*, std::vector<TreeNode::Pointer>> byGroup;
     for (const auto& leaf : leaves) {
-        const TreeNode* const group = leaf->nodeParent();
-        if (removeLeaf(*leaf)) groups.insert(group);
+        TreeNode* const group = leaf->nodeParent();
+        if (group != nullptr && simpleData(*group) != nullptr && simpleData(*leaf) != nullptr)
+            byGroup[group].push_back(leaf);
     }
+    std::unordered_set<const TreeNode*> groups;
+    for (const auto& [group, gone] : byGroup)
+        if (removeFromGroup(*group, gone)) groups.insert(group);
     if (groups.empty()) return;
     for (const auto& type : m_types)
         if (type) removeGroups(*type, groups);

@@ -33,7 +33,8 @@ inline constexpr std::array<ResultRow, 7> resultRows{{
     {"Others", "ic_other", FileKind::Others},
 }};
 
-/// A group stands in the tree of row 0 and in the tree of exactly one type, and its size counts for that type. Main thread only.
+/// A group stands in the tree of row 0 and in the tree of exactly one type, and its size counts for that type. One thread at a time: it may
+/// be made on one and handed over, and what is left of it be cleared on another once nothing shows its trees.
 class ResultViews final {
 public:
     /// Takes the result over and puts each group that is not marked yet into the view of its type.
@@ -61,7 +62,7 @@ public:
 
 private:
     void sortIn(const TreeNode::Pointer& group);
-    bool removeLeaf(TreeNode& leaf);
+    bool removeFromGroup(TreeNode& group, std::span<const TreeNode::Pointer> leaves);
     void shrink(const SimpleNodeData& group, std::uint64_t bytes);
 
     std::shared_ptr<SimpleTreeNode> m_all;

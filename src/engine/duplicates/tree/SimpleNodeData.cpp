@@ -13,6 +13,15 @@ std::weak_ordering names(const SimpleNodeData& left, const SimpleNodeData& right
     return left.name() <=> right.name();
 }
 
+// As a number that is ordered as the bytes are; a shorter name comes before the longer ones that it begins. It spares most
+// comparisons a look at the text.
+std::uint64_t firstBytes(const std::string& name) {
+    std::uint64_t number = 0;
+    for (std::size_t i = 0; i < sizeof number; ++i)
+        number = number << 8U | (i < name.size() ? static_cast<unsigned char>(name[i]) : 0U);
+    return number;
+}
+
 std::weak_ordering sizes(const SimpleNodeData& left, const SimpleNodeData& right) {
     return left.fileSize() <=> right.fileSize();
 }
@@ -54,6 +63,16 @@ std::weak_ordering SimpleNodeData::compareDateR(const TreeNodeData& other) const
     return compareWith(other, [this](const SimpleNodeData& simple) { return dates(simple, *this); });
 }
 
-bool SimpleNodeData::isOrderedBy(SortKey key) const { return key != SortKey::Date || m_modificationDate.has_value(); }
+std::optional<SortValue> SimpleNodeData::sortValue(SortKey key) const {
+    switch (key) {
+        case SortKey::Name: return SortValue{firstBytes(m_name), m_name};
+        case SortKey::Size: return SortValue{m_fileSize, {}};
+        case SortKey::Date: break;
+    }
+    if (!m_modificationDate) return std::nullopt;
+    // Negative moments come before the others as unsigned numbers too.
+    constexpr std::uint64_t sign = std::uint64_t{1} << 63U;
+    return SortValue{static_cast<std::uint64_t>(m_modificationDate->nanoseconds) ^ sign, {}};
+}
 
 }  // namespace orrinvale

@@ -81,21 +81,22 @@ public:
     [[nodiscard]] std::weak_ordering compareNameR(const TreeNodeData& other) const override;
     [[nodiscard]] std::weak_ordering compareSizeR(const TreeNodeData& other) const override;
     [[nodiscard]] std::weak_ordering compareDateR(const TreeNodeData& other) const override;
-    [[nodiscard]] bool isOrderedBy(SortKey key) const override;
+    [[nodiscard]] std::optional<SortValue> sortValue(SortKey key) const override;
 
 private:
-    std::string m_name;
-    std::string m_extendName;
-    std::string m_showSelectNumStr;
-    std::optional<IconRequest> m_iconRep;
-    std::optional<Date> m_modificationDate;
-    std::optional<EntryIdentity> m_identity;
-    std::uint64_t m_fileSize = 0;
+    // What walks over a whole result read stands first, beside the name that sorts read.
     std::int32_t m_selectNum = 0;
     std::int32_t m_fileType = 0;
+    std::uint64_t m_fileSize = 0;
+    std::string m_name;
     bool m_isLeaf;
     bool m_isExpandable;
     bool m_mark = false;
+    std::string m_showSelectNumStr;
+    std::optional<Date> m_modificationDate;
+    std::optional<EntryIdentity> m_identity;
+    std::optional<IconRequest> m_iconRep;
+    std::string m_extendName;
 };
 
 }  // namespace orrinvale

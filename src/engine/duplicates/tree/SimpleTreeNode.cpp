@@ -1,6 +1,7 @@
 // SimpleTreeNode: see SimpleTreeNode.h.
 #include "engine/duplicates/tree/SimpleTreeNode.h"
 
+#include <typeinfo>
 #include <utility>
 
 namespace orrinvale {
@@ -23,6 +24,10 @@ std::shared_ptr<SimpleTreeNode> SimpleTreeNode::treeFromDictionary(const Diction
     return std::make_shared<SimpleTreeNode>(dictionary);
 }
 
-SimpleNodeData* simpleData(const TreeNode& node) { return dynamic_cast<SimpleNodeData*>(node.nodeData().get()); }
+SimpleNodeData* simpleData(const TreeNode& node) {
+    TreeNodeData* const data = node.nodeData().get();
+    // The class is final, so that a look at the type is enough; a dynamic cast took a third of a walk over all leaves.
+    return data != nullptr && typeid(*data) == typeid(SimpleNodeData) ? static_cast<SimpleNodeData*>(data) : nullptr;
+}
 
 }  // namespace orrinvale

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <functional>
 #include <iterator>
 #include <stdexcept>
 #include <unordered_set>
@@ -27,7 +28,7 @@ std::weak_ordering TreeNodeData::compareDate(const TreeNodeData&) const { return
 std::weak_ordering TreeNodeData::compareNameR(const TreeNodeData&) const { return kSame; }
 std::weak_ordering TreeNodeData::compareSizeR(const TreeNodeData&) const { return kSame; }
 std::weak_ordering TreeNodeData::compareDateR(const TreeNodeData&) const { return kSame; }
-bool TreeNodeData::isOrderedBy(SortKey) const { return false; }
+std::optional<SortValue> TreeNodeData::sortValue(SortKey) const { return std::nullopt; }
 
 TreeNode::Pointer TreeNode::treeNodeWithData(std::shared_ptr<TreeNodeData> data) {
     return std::make_shared<TreeNode>(std::move(data), nullptr, std::vector<Pointer>{});
@@ -79,11 +80,18 @@ void TreeNode::_removeChildrenIdenticalTo(std::span<const Pointer> nodes) {
         node->m_nodeParent = nullptr;
         removed.insert(node.get());
     }
-    std::vector<Pointer> kept;
-    kept.reserve(m_nodeChildren.size());
-    for (const Pointer& child : m_nodeChildren)
-        if (!removed.contains(child.get())) kept.push_back(child);
-    m_nodeChildren.swap(kept);
+    // Out of the array first and ended last, as the end of a node may lead anywhere. Nothing touches the children that stay.
+    std::vector<Pointer> gone;
+    auto kept = m_nodeChildren.begin();
+    for (Pointer& child : m_nodeChildren) {
+        if (removed.contains(child.get())) {
+            gone.push_back(std::move(child));
+            continue;
+        }
+        if (&*kept != &child) *kept = std::move(child);
+        ++kept;
+    }
+    m_nodeChildren.erase(kept, m_nodeChildren.end());
 }
 
 void TreeNode::removeFromParent() {
@@ -113,12 +121,12 @@ bool TreeNode::isDescendantOfNodeInArray(std::span<TreeNode* const> nodes) const
     return std::any_of(nodes.begin(), nodes.end(), [this](const TreeNode* node) { return isDescendantOfNode(node); });
 }
 
-void TreeNode::acendingSortName() { sortAllLevels(SortKey::Name, &TreeNodeData::compareName); }
-void TreeNode::acendingSortSize() { sortAllLevels(SortKey::Size, &TreeNodeData::compareSize); }
-void TreeNode::acendingSortDate() { sortAllLevels(SortKey::Date, &TreeNodeData::compareDate); }
-void TreeNode::decendingSortName() { sortAllLevels(SortKey::Name, &TreeNodeData::compareNameR); }
-void TreeNode::decendingSortSize() { sortAllLevels(SortKey::Size, &TreeNodeData::compareSizeR); }
-void TreeNode::decendingSortDate() { sortAllLevels(SortKey::Date, &TreeNodeData::compareDateR); }
+void TreeNode::acendingSortName() { sortAllLevels(SortKey::Name, false); }
+void TreeNode::acendingSortSize() { sortAllLevels(SortKey::Size, false); }
+void TreeNode::acendingSortDate() { sortAllLevels(SortKey::Date, false); }
+void TreeNode::decendingSortName() { sortAllLevels(SortKey::Name, true); }
+void TreeNode::decendingSortSize() { sortAllLevels(SortKey::Size, true); }
+void TreeNode::decendingSortDate() { sortAllLevels(SortKey::Date, true); }
 
 std::weak_ordering TreeNode::compareName(const TreeNode& other) const {
     return compareData(*this, other, &TreeNodeData::compareName);
@@ -139,32 +147,67 @@ std::weak_ordering TreeNode::compareDateR(const TreeNode& other) const {
     return compareData(*this, other, &TreeNodeData::compareDateR);
 }
 
-void TreeNode::sortAllLevels(SortKey key, Order order) {
-    std::vector<TreeNode*> pending{this};
-    while (!pending.empty()) {
-        TreeNode* const node = pending.back();
-        pending.pop_back();
-        node->sortChildren(key, order);
-        for (const Pointer& child : node->m_nodeChildren)
-            if (child->numberOfChildren() > 0) pending.push_back(child.get());
+// What the levels of one sort share, so that a tree of many small groups does not ask for memory at each.
+struct TreeNode::SortRoom {
+    struct Entry {
+        SortValue value;
+        std::size_t place;
+    };
+    std::vector<Entry> entries;
+    std::vector<std::size_t> places;
+    std::vector<Pointer> sorted;
+};
+
+void TreeNode::sortAllLevels(SortKey key, bool descending) {
+    SortRoom room;
+    std::vector<TreeNode*> level{this};
+    std::vector<TreeNode*> below;
+    for (; !level.empty(); level.swap(below)) {
+        // In the order in which they lie in memory: once a tree is sorted, its own order leads all over it. The levels do not
+        // depend on each other.
+        std::sort(level.begin(), level.end(), std::less<>());
+        below.clear();
+        for (TreeNode* const node : level) {
+            for (const Pointer& child : node->m_nodeChildren)
+                if (child->numberOfChildren() > 0) below.push_back(child.get());
+            node->sortChildren(key, descending, room);
+        }
     }
 }
 
-void TreeNode::sortChildren(SortKey key, Order order) {
+void TreeNode::sortLevel(std::span<TreeNode* const> nodes, SortKey key, bool descending) {
+    SortRoom room;
+    for (TreeNode* const node : nodes) node->sortChildren(key, descending, room);
+}
+
+void TreeNode::sortChildren(SortKey key, bool descending, SortRoom& room) {
     // A node without the key is equal to every other, which is no order that a sort could follow; so such nodes keep
     // their places, and only the rest is sorted, into the places that it had.
-    std::vector<std::size_t> places;
-    std::vector<Pointer> sorted;
-    for (std::size_t i = 0; i < m_nodeChildren.size(); ++i) {
+    room.entries.clear();
+    room.places.clear();
+    // A sorted tree lies all over the memory; what is read next is asked for in advance.
+    constexpr std::size_t nodeAhead = 16;
+    constexpr std::size_t dataAhead = 8;
+    const std::size_t count = m_nodeChildren.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        if (i + nodeAhead < count) __builtin_prefetch(m_nodeChildren[i + nodeAhead].get());
+        if (i + dataAhead < count) __builtin_prefetch(m_nodeChildren[i + dataAhead]->m_nodeData.get());
         const TreeNodeData* const data = m_nodeChildren[i]->m_nodeData.get();
-        if (!data || !data->isOrderedBy(key)) continue;
-        places.push_back(i);
-        sorted.push_back(std::move(m_nodeChildren[i]));
+        const auto value = data != nullptr ? data->sortValue(key) : std::nullopt;
+        if (!value) continue;
+        room.entries.push_back({*value, i});
+        room.places.push_back(i);
     }
-    std::stable_sort(sorted.begin(), sorted.end(), [order](const Pointer& left, const Pointer& right) {
-        return compareData(*left, *right, order) < 0;
-    });
-    for (std::size_t i = 0; i < places.size(); ++i) m_nodeChildren[places[i]] = std::move(sorted[i]);
+    // The place decides between equals both ways, which is what a stable sort would do.
+    const auto before = [descending](const SortRoom::Entry& left, const SortRoom::Entry& right) {
+        const auto order = descending ? right.value <=> left.value : left.value <=> right.value;
+        return order != 0 ? order < 0 : left.place < right.place;
+    };
+    if (std::is_sorted(room.entries.begin(), room.entries.end(), before)) return;
+    std::sort(room.entries.begin(), room.entries.end(), before);
+    room.sorted.clear();
+    for (const SortRoom::Entry& entry : room.entries) room.sorted.push_back(std::move(m_nodeChildren[entry.place]));
+    for (std::size_t i = 0; i < room.places.size(); ++i) m_nodeChildren[room.places[i]] = std::move(room.sorted[i]);
 }
 
 std::vector<TreeNode*> TreeNode::minimumNodeCoverFromNodesInArray(std::span<TreeNode* const> nodes) {

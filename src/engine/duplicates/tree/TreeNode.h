@@ -4,15 +4,24 @@
 
 #include <compare>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
+#include <string_view>
 #include <vector>
 
 namespace orrinvale {
 
 /// What a tree can be sorted by.
 enum class SortKey { Name, Size, Date };
+
+/// One node's key as a sort compares it: the number first, then the text, which lives as long as the data does.
+struct SortValue {
+    std::uint64_t number = 0;
+    std::string_view text;
+    friend auto operator<=>(const SortValue&, const SortValue&) = default;
+};
 
 /// What a node carries. This base knows no order: it compares equal to everything.
 class TreeNodeData {
@@ -31,8 +40,9 @@ public:
     [[nodiscard]] virtual std::weak_ordering compareSizeR(const TreeNodeData& other) const;
     [[nodiscard]] virtual std::weak_ordering compareDateR(const TreeNodeData& other) const;
 
-    /// False when this data compares equivalent to all others by this key. A sort leaves such a node where it stands.
-    [[nodiscard]] virtual bool isOrderedBy(SortKey key) const;
+    /// The key in a form that is read once a sort, in the order that the comparison of this key gives. Nothing when this data
+    /// compares equivalent to all others by it: a sort leaves such a node where it stands.
+    [[nodiscard]] virtual std::optional<SortValue> sortValue(SortKey key) const;
 };
 
 /// Owned by the children array of its parents and by whoever else holds it. The parent is not owned; it is the one set
@@ -103,6 +113,9 @@ public:
     void decendingSortSize();
     void decendingSortDate();
 
+    /// Sorts the children of each of these nodes in the same way, and nothing below them.
+    static void sortLevel(std::span<TreeNode* const> nodes, SortKey key, bool descending);
+
     /// The comparison of the same name of the two nodes' data; equivalent when either node has none.
     [[nodiscard]] std::weak_ordering compareName(const TreeNode& other) const;
     [[nodiscard]] std::weak_ordering compareSize(const TreeNode& other) const;
@@ -116,8 +129,9 @@ public:
     [[nodiscard]] static std::vector<TreeNode*> minimumNodeCoverFromNodesInArray(std::span<TreeNode* const> nodes);
 
 private:
-    void sortAllLevels(SortKey key, Order order);
-    void sortChildren(SortKey key, Order order);
+    struct SortRoom;
+    void sortAllLevels(SortKey key, bool descending);
+    void sortChildren(SortKey key, bool descending, SortRoom& room);
     void releaseChildren(std::vector<Pointer>& into);
 
     TreeNode* m_nodeParent;  // not owned
