@@ -145,7 +145,7 @@ std::vector<std::string> ProtectedPlaces::placesOf(const FileSystem& files, cons
 // Followed link by link, as a look-up of the whole path might not come back.
 std::optional<std::string> ProtectedPlaces::beyondLinks(const std::string& path) {
     if (m_mayHang.empty()) return std::nullopt;
-    std::string done;
+    std::string done = "/";
     std::string rest = path;
     std::size_t unread = path.size();  // of the path itself, behind the last link
     for (int links = 0; links <= mostLinks && !rest.empty();) {
@@ -153,9 +153,9 @@ std::optional<std::string> ProtectedPlaces::beyondLinks(const std::string& path)
         const std::string name = rest.substr(0, rest.find('/'));
         rest.erase(0, name.size());
         unread = std::min(unread, rest.size());
-        if (name == "..") done.resize(std::min(done.rfind('/'), done.size()));
+        if (name == "..") done = folderOf(done);
         if (name.empty() || name == "." || name == "..") continue;
-        const std::string next = done + '/' + name;
+        const std::string next = joinPath(done, name);
         if (isWithinAny(next, m_mayHang)) {
             if (links > 0) m_linksToHanging.push_back(path.substr(0, path.size() - unread));
             return plainPath(next + rest).value_or(next);
@@ -167,7 +167,7 @@ std::optional<std::string> ProtectedPlaces::beyondLinks(const std::string& path)
             continue;
         }
         ++links;
-        if (text.front() == '/') done.clear();
+        if (text.front() == '/') done = "/";
         rest.insert(0, text + '/');
     }
     return std::nullopt;
