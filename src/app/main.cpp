@@ -76,7 +76,8 @@ int runWindow(int argc, char** argv) {
     static auto& authorization = *new LinuxAuthorization;
     UtilityFunction::getMyFunction().setNotificationCenter(&notifications);
     QnAuthorization& right = QnAuthorization::shareQnAuthorization();
-    right.setParts({.authorization = &authorization, .files = &files, .permissions = &permissions, .ownFiles = programFiles()});
+    right.setParts(
+        {.authorization = &authorization, .files = &files, .permissions = &permissions, .ownFiles = programFiles()});
     right.setRightLostHandler([&](AuthorizationRefusal /*reason*/) {
         mainQueue.async([&] {
             UtilityObject::getMyObject().setIsOpenLocked(false);

@@ -3,7 +3,6 @@
 #include "gallery/DuplicateScenes.h"
 
 #include <QAbstractButton>
-#include <QAbstractButton>
 #include <QApplication>
 #include <QLabel>
 #include <QTreeView>

@@ -36,12 +36,12 @@ struct RemovalRun {
     const std::vector<TreeNode::Pointer> ticked;  ///< when the person confirmed
     std::optional<RemovalPlan> plan;  ///< made of these by the removing thread at its start, and its own until its end
     std::atomic<std::size_t> planned{
-        ticked.size()};                 ///< entries of the plan; before it is there, the ticks with doubles
-    std::vector<Failure> failures;      ///< likewise
+        ticked.size()};                          ///< entries of the plan; before it is there, the ticks with doubles
+    std::vector<Failure> failures;               ///< likewise
     std::vector<TreeNode::Pointer> delNodesArr;  ///< what has left the tree; main thread
-    std::atomic<bool> stop{false};      ///< bStopDelTask: asked between two entries
-    std::atomic<std::size_t> done{0};   ///< entries dealt with
-    Mailbox<std::string> current;       ///< the path in hand
+    std::atomic<bool> stop{false};               ///< bStopDelTask: asked between two entries
+    std::atomic<std::size_t> done{0};            ///< entries dealt with
+    Mailbox<std::string> current;                ///< the path in hand
 
 private:
     std::mutex m_mutex;

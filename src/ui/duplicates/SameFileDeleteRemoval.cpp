@@ -21,10 +21,10 @@
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/controls/Animation.h"
 #include "ui/kit/controls/ElidedLabel.h"
+#include "ui/kit/controls/PictureView.h"
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/dialogs/LineList.h"
 #include "ui/kit/look/picture.h"
-#include "ui/kit/controls/PictureView.h"
 
 namespace orrinvale {
 namespace {

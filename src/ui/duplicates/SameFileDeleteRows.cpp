@@ -83,7 +83,8 @@ void SameFileDeleteViewController::showRowMenu(const QModelIndex& index, QPoint 
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->addAction(tr("Preview"), this, [this] { openFinderBtnClicked(); });
     menu->addAction(tr("Show in Folder"), this, [this] { RevealInFinderBtnClicked(); });
-    menu->addAction(tr("Copy Path"), this, [path] { QGuiApplication::clipboard()->setText(QString::fromStdString(path)); });
+    menu->addAction(tr("Copy Path"), this,
+                    [path] { QGuiApplication::clipboard()->setText(QString::fromStdString(path)); });
     menu->addSeparator();
     menu->addAction(tr("Tick All but This One"), this, [this, leaf = node, number = m_resultNumber] {
         if (!m_bSearchFinished || number != m_resultNumber || leaf->nodeParent() == nullptr) return;

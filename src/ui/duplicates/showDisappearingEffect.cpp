@@ -5,8 +5,8 @@
 #include <QVariantAnimation>
 #include <QWidget>
 
-#include "ui/kit/look/motion.h"
 #include "ui/kit/look/Theme.h"
+#include "ui/kit/look/motion.h"
 
 namespace orrinvale {
 namespace {

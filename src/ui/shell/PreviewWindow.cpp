@@ -47,8 +47,8 @@ QString factsOf(const PreviewContent& content) {
     if (!content.linkTarget.isEmpty())
         facts.push_back(QCoreApplication::translate("PreviewWindow", "Link to %1").arg(content.linkTarget));
     constexpr std::int64_t perMillisecond = 1'000'000;
-    facts.push_back(QLocale().toString(QDateTime::fromMSecsSinceEpoch(content.modified / perMillisecond),
-                                               QLocale::ShortFormat));
+    facts.push_back(
+        QLocale().toString(QDateTime::fromMSecsSinceEpoch(content.modified / perMillisecond), QLocale::ShortFormat));
     if (content.isCut) facts.push_back(QCoreApplication::translate("PreviewWindow", "beginning only"));
     return facts.join(QStringLiteral("  ·  "));
 }

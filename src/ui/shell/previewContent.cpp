@@ -48,7 +48,8 @@ bool readPicture(int file, PreviewContent& content) {
     reader.setAutoTransform(true);
     if (!reader.canRead()) return false;
     content.pictureSize = reader.size();
-    if (content.pictureSize.isValid() && std::max(content.pictureSize.width(), content.pictureSize.height()) > mostPixels)
+    if (content.pictureSize.isValid() &&
+        std::max(content.pictureSize.width(), content.pictureSize.height()) > mostPixels)
         reader.setScaledSize(content.pictureSize.scaled(mostPixels, mostPixels, Qt::KeepAspectRatio));
     content.picture = reader.read();
     return !content.picture.isNull();
@@ -67,8 +68,7 @@ void readFile(int file, PreviewContent& content) {
     content.type = type.isDefault() ? QString() : type.comment();
     content.kind = PreviewContent::Kind::Other;
     if (QImageReader::allocationLimit() != mostImageMegabytes) QImageReader::setAllocationLimit(mostImageMegabytes);
-    if (readPicture(file, content))
-        content.kind = PreviewContent::Kind::Picture;
+    if (readPicture(file, content)) content.kind = PreviewContent::Kind::Picture;
     else if (::lseek(file, 0, SEEK_SET) == 0 && content.size > 0 && readText(file, content))
         content.kind = PreviewContent::Kind::Text;
 }

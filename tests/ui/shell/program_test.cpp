@@ -45,7 +45,9 @@ TEST(Program, StartsSearchesAFolderAndEndsWithItsWindow) {
     const std::string reason = session.startX11({QStringLiteral("openbox")});
     if (!reason.empty()) GTEST_SKIP() << reason;
     QProcess program;
-    program.setProcessEnvironment(session.environment());
+    QProcessEnvironment environment = session.environment();
+    environment.insert(QStringLiteral("ORRINVALE_LOG"), QStringLiteral("1"));
+    program.setProcessEnvironment(environment);
     program.setProcessChannelMode(QProcess::MergedChannels);
     program.setWorkingDirectory(QString::fromStdString(tree.path()));
     program.start(QStringLiteral(ORRINVALE_PROGRAM), {QStringLiteral("./f/")});

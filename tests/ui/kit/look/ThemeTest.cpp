@@ -5,8 +5,8 @@
 
 #include <QApplication>
 #include <QFontInfo>
-#include <QSignalSpy>
 #include <QProxyStyle>
+#include <QSignalSpy>
 #include <QTest>
 #include <QWidget>
 #include <algorithm>
