@@ -218,11 +218,14 @@ protected:
     void build(const std::vector<std::string>& names) {
         const Pointer group = addGroup(*root, "txt", 0);
         for (const std::string& name : names) {
-            if (name.ends_with("link")) tree.hardLink(names.front(), name);
+            if (name.ends_with("symlink")) tree.symlink(tree.at(names.front()), name);
+            else if (name.ends_with("link")) tree.hardLink(names.front(), name);
+            else if (name.ends_with(".app")) tree.write(name + "/Contents/main", "the same");
             else tree.write(name, "the same");
         }
         for (const std::string& name : names) {
             auto data = SimpleNodeData::leafDataWithName(tree.at(name));
+            data->setFileSize(std::string_view("the same").size());
             data->setIdentity(
                 EntryIdentity::of(*files.attributes(FileSystem::noParent, tree.at(name).c_str(), Links::Keep)));
             group->insertChild(SimpleTreeNode::treeNodeWithData(std::move(data)), group->numberOfChildren());
@@ -238,7 +241,7 @@ protected:
         for (std::size_t i = 0; i < plan.size(); ++i) {
             const auto objection = plan.objection(i, files);
             results.push_back(objection.value_or("-"));
-            if (objection || unlink(plan.path(i).c_str()) != 0) continue;
+            if (objection || rename(plan.path(i).c_str(), tree.at("bin" + std::to_string(i)).c_str()) != 0) continue;
             plan.removed(i, files);
         }
         return results;
@@ -271,6 +274,19 @@ TEST_F(RemovalPlanTest, FindsTheOtherCopyAcrossThoseThatHaveGone) {
     for (const std::size_t index : {2U, 1U, 0U}) ASSERT_EQ(selection.clickLeaf(leaf(index)), LeafClick::Ticked);
     ASSERT_TRUE(tree.write("d", "the copy that was to stay is another file now"));
     EXPECT_EQ(run(), (Results{"-", "-", "no other verified copy is left"}));
+}
+
+TEST_F(RemovalPlanTest, CountsABundleAsACopyOnlyWithAllThatWasInIt) {
+    build({"a.app", "b.app", "c.app"});
+    selection.clickGroup(*root->firstChild());
+    ASSERT_TRUE(remove("c.app/Contents/main"));
+    EXPECT_EQ(run(), (Results{"-", "no other verified copy is left"}));
+}
+
+TEST_F(RemovalPlanTest, CountsNoLinkAsACopyOfTheFileThatItPointsAt) {
+    build({"a", "b", "symlink"});
+    selection.clickGroup(*root->firstChild());
+    EXPECT_EQ(run(), (Results{"-", "no other verified copy is left"}));
 }
 
 // Each leaf ticked by a way that asks nothing: the person never agreed to lose every copy.

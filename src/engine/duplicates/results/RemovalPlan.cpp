@@ -6,17 +6,10 @@
 #include <utility>
 
 #include "engine/base/Log.h"
+#include "engine/files/TreeSize.h"
 
 namespace orrinvale {
 namespace {
-
-enum class Found { Same, Changed, Gone };
-
-Found lookUp(const FileSystem& files, const std::string& path, const std::optional<EntryIdentity>& identity) {
-    const auto now = files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);
-    if (!now) return Found::Gone;
-    return !identity || identity->isStill(*now) ? Found::Same : Found::Changed;
-}
 
 std::pair<std::uint64_t, std::uint64_t> fileOf(const std::optional<EntryIdentity>& identity) {
     return {identity->device, identity->inode};
@@ -41,7 +34,8 @@ void RemovalPlan::addGroup(const TreeNode& node, std::unordered_map<const TreeNo
     for (std::size_t i = 0; i < node.numberOfChildren(); ++i) {
         const TreeNode& child = *node.childAtIndex(i);
         places.emplace(&child, Place{m_groups.size(), i});
-        group.members.push_back({simpleData(child)->name(), simpleData(child)->identity()});
+        group.members.push_back(
+            {simpleData(child)->name(), simpleData(child)->fileSize(), simpleData(child)->identity()});
         if (group.members.back().identity) group.byFile.push_back(i);
     }
     std::sort(group.byFile.begin(), group.byFile.end(), [&](std::size_t left, std::size_t right) {
@@ -60,6 +54,27 @@ const RemovalPlan::Member& RemovalPlan::member(std::size_t index) const {
     return m_groups[place.group].members[place.member];
 }
 
+// The identity of a folder says nothing of what is in it: of a bundle the bytes are added up again.
+RemovalPlan::Found RemovalPlan::lookUp(const Member& member, const FileSystem& files) {
+    const auto now = files.attributes(FileSystem::noParent, member.path.c_str(), Links::Keep);
+    if (!now) return Found::Gone;
+    if (!member.identity) return Found::Same;
+    if (!member.identity->isStill(*now)) return Found::Changed;
+    if (now->type != FileType::Folder) return Found::Same;
+    const auto totals = TreeSize(files).ofPath(member.path);
+    return totals && totals->bytes == member.size ? Found::Same : Found::Changed;
+}
+
+bool RemovalPlan::isCopyFor(const Member& wanted, const Member& other, const FileSystem& files) {
+    if (&other == &wanted || lookUp(other, files) != Found::Same) return false;
+    const auto isLink = [](const Member& member) {
+        return member.identity && member.identity->type == FileType::SymbolicLink;
+    };
+    if (!isLink(other)) return true;
+    const auto target = files.attributes(FileSystem::noParent, other.path.c_str(), Links::Follow);
+    return isLink(wanted) && target && target->type == FileType::Regular;
+}
+
 const std::string& RemovalPlan::path(std::size_t index) const { return member(index).path; }
 
 const std::optional<EntryIdentity>& RemovalPlan::identity(std::size_t index) const { return member(index).identity; }
@@ -68,7 +83,7 @@ std::optional<std::string> RemovalPlan::objection(std::size_t index, const FileS
     const Group& group = m_groups[m_entries.at(index).place.group];
     const Member& wanted = member(index);
     std::optional<std::string> reason;
-    switch (lookUp(files, wanted.path, wanted.identity)) {
+    switch (lookUp(wanted, files)) {
         case Found::Gone: reason = "is gone already"; break;
         case Found::Changed: reason = "changed since the scan"; break;
         case Found::Same:
@@ -82,8 +97,7 @@ std::optional<std::string> RemovalPlan::objection(std::size_t index, const FileS
 // From the end, where the copy that stays by itself stands.
 bool RemovalPlan::hasOther(const Group& group, const Member& wanted, const FileSystem& files) {
     for (std::size_t i = group.before.front(); i != 0; i = group.before[i]) {
-        const Member& other = group.members[i - 1];
-        if (&other != &wanted && lookUp(files, other.path, other.identity) == Found::Same) return true;
+        if (isCopyFor(wanted, group.members[i - 1], files)) return true;
     }
     return false;
 }

@@ -26,7 +26,8 @@ public:
     [[nodiscard]] const TreeNode::Pointer& leaf(std::size_t index) const { return m_entries.at(index).leaf; }
 
     /// Why the copy must not go now, or nothing when it may: it is gone already, it is not what the search saw any more, or, in a
-    /// group that is not wholly ticked, no other copy is left that still is what the search saw. Logged.
+    /// group that is not wholly ticked, no other copy is left that still is what the search saw. A bundle is looked at with all that
+    /// is in it. A link is no copy for a file: it may point at the very file that goes. Logged.
     [[nodiscard]] std::optional<std::string> objection(std::size_t index, const FileSystem& files) const;
 
     /// The copy has gone. Other names of the same file have another change time from then on, by our own doing.
@@ -35,6 +36,7 @@ public:
 private:
     struct Member {
         std::string path;
+        std::uint64_t size = 0;  ///< bytes, as the search counted them; of a bundle those of all that is in it
         std::optional<EntryIdentity> identity;
         bool removed = false;
     };
@@ -58,6 +60,9 @@ private:
     };
     void addGroup(const TreeNode& node, std::unordered_map<const TreeNode*, Place>& places);
     [[nodiscard]] const Member& member(std::size_t index) const;
+    enum class Found { Same, Changed, Gone };
+    [[nodiscard]] static Found lookUp(const Member& member, const FileSystem& files);
+    [[nodiscard]] static bool isCopyFor(const Member& wanted, const Member& other, const FileSystem& files);
     [[nodiscard]] static bool hasOther(const Group& group, const Member& wanted, const FileSystem& files);
 
     std::vector<Group> m_groups;
