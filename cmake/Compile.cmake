@@ -28,7 +28,9 @@ target_link_options(orrinvale_options INTERFACE -Wl,-z,relro,-z,now -Wl,-z,noexe
 
 if(ORRINVALE_SANITIZE)
   target_compile_options(orrinvale_options INTERFACE
-    -fsanitize=${ORRINVALE_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    -fsanitize=${ORRINVALE_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all
+    # GCC 12 sees its own instrumentation as uses of what was never set.
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(orrinvale_options INTERFACE -fsanitize=${ORRINVALE_SANITIZE})
 elseif(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
   target_compile_definitions(orrinvale_options INTERFACE _FORTIFY_SOURCE=2)

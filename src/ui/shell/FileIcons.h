@@ -6,7 +6,7 @@
 #include <QString>
 #include <string>
 
-#include "engine/duplicates/tree/IconRequest.h"
+#include "engine/base/IconRequest.h"
 
 namespace orrinvale {
 

@@ -1,4 +1,0 @@
-// Moved: include engine/base/IconRequest.h.
-#pragma once
-
-#include "engine/base/IconRequest.h"
