@@ -9,8 +9,8 @@
 
 namespace {
 
-using namespace orrinvale;
-using namespace std::string_view_literals;
+using orrinvale::PropertyList;
+using namespace std::string_view_literals;  // NOLINT(google-build-using-namespace): literals have no other way in
 
 // {"a": "text", "b": [1, true]} in the binary form: objects, offsets, trailer.
 constexpr std::string_view kBinary =

@@ -9,7 +9,13 @@
 
 namespace {
 
-using namespace orrinvale;
+using orrinvale::boolOf;
+using orrinvale::floatOf;
+using orrinvale::integerOf;
+using orrinvale::isSame;
+using orrinvale::parseSettings;
+using orrinvale::printSettings;
+using orrinvale::SettingValues;
 
 void require(bool condition) {
     if (!condition) std::abort();

@@ -20,7 +20,6 @@ namespace orrinvale {
 namespace {
 
 using ::testing::Contains;
-using ::testing::Not;
 using testing::isThere;
 using testing::runInChild;
 using testing::TestTree;

@@ -60,7 +60,7 @@ TEST_F(UserDefaultsTest, ChangesOfTwoProcessesMeet) {
     ours.setInteger(2, "both");
     std::vector<std::string> fired;
     const auto fade = ours.addObserver("fade", [&] {
-        fired.push_back(ours.boolForKey("fade") ? "fade on" : "fade off");
+        fired.emplace_back(ours.boolForKey("fade") ? "fade on" : "fade off");
         EXPECT_TRUE(ours.synchronize());  // no lock is held
     });
     const auto both = ours.addObserver("both", [&] { fired.emplace_back("both"); });
@@ -100,7 +100,7 @@ TEST_F(UserDefaultsTest, ObserversHearChangesOnlyAndOnlyWhileTheyAreKept) {
 }
 
 TEST_F(UserDefaultsTest, DamagedFilesAreSetAsideAndDefaultsHold) {
-    for (const std::string& bytes : {std::string("garbage"), std::string(), std::string(10'000'000, 'x')}) {
+    for (const std::string& bytes : {std::string("garbage"), std::string(), std::string(std::size_t{10'000'000}, 'x')}) {
         ASSERT_TRUE(tree.write("f/settings.ini", bytes));
         UserDefaults defaults(tree.at("f/settings.ini"));
         defaults.registerDefaults({{"a", Int{7}}});
