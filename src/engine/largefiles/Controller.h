@@ -1,0 +1,111 @@
+// Controller: what the large file page asks for. It starts and stops the scan, keeps the ticks consistent up and down the tree, and
+// removes what is ticked.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "engine/base/MainQueue.h"
+#include "engine/largefiles/EumeRoot.h"
+#include "engine/largefiles/FileNode.h"
+#include "platform/files.h"
+
+namespace orrinvale {
+
+/// How a removal ended, for the person who asked for it.
+struct LargeFileRemoval {
+    struct Failure {
+        std::string path;    ///< exact bytes
+        std::string reason;  ///< for people
+    };
+    std::uint64_t chosen = 0;       ///< nodes that were to go
+    std::uint64_t gone = 0;         ///< nodes that went
+    std::uint64_t failed = 0;       ///< nodes that are still there, wholly or in part
+    std::vector<Failure> failures;  ///< the first ones, entry by entry
+    bool stopped = false;           ///< the person ended it
+};
+
+/// The page, as the controller sees it. All calls come on the main thread.
+class ControllerDelegate {
+public:
+    virtual ~ControllerDelegate() = default;
+    /// 0 nothing of the top level is ticked, 1 all of it, 2 something.
+    virtual void changeSelectAllButtonState(std::int32_t state) { static_cast<void>(state); }
+    virtual void reloadTreeList() {}
+    /// Percent of a removal, and what it is at. 100 is the last.
+    virtual void changeProgressWithPoint(std::int32_t percent, const std::string& path) {
+        static_cast<void>(percent), static_cast<void>(path);
+    }
+    /// Behind the last progress.
+    virtual void removalEnded(const LargeFileRemoval& removal) { static_cast<void>(removal); }
+
+protected:
+    ControllerDelegate() = default;
+    ControllerDelegate(const ControllerDelegate&) = default;
+    ControllerDelegate& operator=(const ControllerDelegate&) = default;
+};
+
+/// What the controller works with. Nothing of it is owned; all of it outlives the last use.
+struct ControllerParts {
+    const FileSystem* files = nullptr;
+    MainQueue* mainQueue = nullptr;
+    std::vector<std::string> ownFiles;                        ///< absolute paths of the program's files, never removed
+    std::function<void(const std::string& path)> reveal;      ///< shows the entry in the desktop's file manager
+    std::function<void(const std::string& path)> openFolder;  ///< opens the entry with the desktop's file manager
+};
+
+/// Main thread only; the removal runs on a thread of its own and changes the tree on the main thread, in batches.
+class Controller final {
+public:
+    /// Made at the first call, never freed.
+    [[nodiscard]] static Controller& getController();
+    void setParts(ControllerParts parts);
+    void setADelegate(ControllerDelegate* delegate) { _aDelegate = delegate; }  ///< not owned
+    [[nodiscard]] ControllerDelegate* aDelegate() const { return _aDelegate; }
+
+    void eumeAllRootFileNodeWithRootArr(std::shared_ptr<FileNodeTree> rootArr, const std::string& rootPath);
+    void stopScan();
+    [[nodiscard]] float getProgress() const;
+    /// The current scan, or null before the first.
+    [[nodiscard]] EumeRoot* eumeRoot() const { return m_eumeRoot.get(); }
+
+    void changeSelectWithNode(FileNode& node, std::uint8_t state);
+    void changeChildrenFilNodeState(FileNode& node, std::uint8_t state);
+    void changeFatherNodeSelectState(FileNode& node, std::uint8_t state);
+    void changeSelectAllButtonState();
+    void selectAllFileNode(std::uint8_t state);
+    void reloadTree();
+
+    void openFileWithFileNode(const FileNode& node);
+    void pereviewFileWithFileNode(const FileNode& node);
+
+    /// Moves one entry to the trash of its volume. Whatever comes of it goes to the log.
+    void moveFileToTrash(const std::string& path);
+    /// Gives what is selected to the outside eraser.
+    void moveFileToTarsh();
+
+    /// Starts the removal of what is ticked. False, and no call to the delegate, when nothing is.
+    bool deleteFilesWithDic();
+    /// What would go, in the order of the tree: a ticked node as a whole, of a mixed one what is ticked below it.
+    [[nodiscard]] static std::vector<FileNode*> deleteFilesWithDic(std::span<FileNode* const> nodes);
+    void stopRemove();
+    [[nodiscard]] bool isRemoving() const;
+
+    Controller(const Controller&) = delete;
+    Controller& operator=(const Controller&) = delete;
+
+private:
+    Controller() = default;
+    ~Controller() = default;
+
+    ControllerParts m_parts;
+    ControllerDelegate* _aDelegate = nullptr;
+    std::shared_ptr<FileNodeTree> m_aRootArr;
+    std::unique_ptr<EumeRoot> m_eumeRoot;
+};
+
+}  // namespace orrinvale

@@ -1,0 +1,55 @@
+// EumeRoot: one scan of one folder for the large file page.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "engine/base/MainQueue.h"
+#include "engine/largefiles/FileNodeTree.h"
+#include "platform/error.h"
+#include "platform/files.h"
+
+namespace orrinvale {
+
+/// What a scan works with; not owned, and all outlive it. Without a queue the tree is filled by the scanning threads, and
+/// is the caller's when waitForEnd() returns; with one it is changed on the main thread only, in batches of at most 16 ms.
+struct ScanParts {
+    const FileSystem* files = nullptr;
+    MainQueue* mainQueue = nullptr;
+};
+
+/// Used from the thread that owns the tree, but for what says otherwise. A scan under way when the object goes is stopped.
+class EumeRoot final {
+public:
+    explicit EumeRoot(ScanParts parts);
+    ~EumeRoot();
+    EumeRoot(const EumeRoot&) = delete;
+    EumeRoot& operator=(const EumeRoot&) = delete;
+
+    /// Starts the scan of the path into the tree, which is empty, and returns. Once for each object.
+    void eumeAllRootFileNodeWithRootArr(std::shared_ptr<FileNodeTree> rootArr, const std::string& rootPath);
+
+    /// Percent of the entries directly in the chosen folder that are finished, 0 to 100; 0 when there are none. Any thread.
+    [[nodiscard]] float getProgress() const;
+
+    /// The tree stays as it is at this moment, with the sizes found so far, and remains usable.
+    void stopScan();
+
+    /// The scan is over, stopped or not, and all that it found is in the tree. Any thread.
+    [[nodiscard]] bool isEnded() const;
+    void waitForEnd();
+
+    /// Entries found so far. Any thread.
+    [[nodiscard]] std::uint64_t foundCount() const;
+    /// What could not be read so far. Any thread.
+    [[nodiscard]] std::vector<Error> skipped() const;
+
+private:
+    class Scan;
+    std::shared_ptr<Scan> m_scan;
+    ScanParts m_parts;
+};
+
+}  // namespace orrinvale

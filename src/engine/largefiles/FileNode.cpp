@@ -1,0 +1,81 @@
+// FileNode: see FileNode.h.
+#include "engine/largefiles/FileNode.h"
+
+#include <algorithm>
+#include <iterator>
+#include <vector>
+
+#include "engine/largefiles/FileNodeTree.h"
+#include "engine/largefiles/SystemFolder.h"
+#include "platform/paths.h"
+
+namespace orrinvale {
+namespace {
+
+// Below this a level is ordered as a whole: choosing a part of it costs as much.
+constexpr std::size_t wholeLevel = 4096;
+
+}  // namespace
+
+std::string FileNode::path() const {
+    std::vector<const FileNode*> way;
+    for (const FileNode* node = this; node->m_father != nullptr; node = node->m_father) way.push_back(node);
+    std::string path = FileNodeTree::of(*this).rootPath();
+    // Only the names directly in the chosen folder are put behind a slash whatever the folder is, so below "/" paths begin with two.
+    for (auto node = way.rbegin(); node != way.rend(); ++node) {
+        path += '/';
+        path += (*node)->m_name;
+    }
+    return path;
+}
+
+std::string FileNode::displayName() const { return m_name; }
+
+bool FileNode::isSystemFile() const { return SystemFolder::isSystemFileWithFilePath(path()); }
+
+EntryIdentity FileNode::identity() const {
+    return {.device = FileNodeTree::of(*this).m_devices[m_device], .inode = m_inode, .type = m_type, .born = m_born};
+}
+
+FileNode* FileNode::father() const {
+    return m_father != nullptr && m_father->m_father != nullptr ? m_father : nullptr;
+}
+
+bool FileNode::standsBefore(const FileNode& other) const {
+    if (m_size != other.m_size) return m_size > other.m_size;
+    // A newcomer is put before those of its size. A folder comes as an empty one and is moved behind those whose size it
+    // reaches; at the top level it is put at the end to begin with.
+    const auto isMoved = [](const FileNode& node) {
+        return node.m_isDirectory && (node.m_size > 0 || node.father() == nullptr);
+    };
+    const bool moved = isMoved(*this);
+    if (moved != isMoved(other)) return !moved;
+    return moved ? m_position < other.m_position : m_position > other.m_position;
+}
+
+std::span<FileNode* const> FileNode::biggestChildren(std::size_t count) {
+    const std::span<FileNode*> all{m_children, m_childCount};
+    count = std::min(count, all.size());
+    if (m_ordered >= count) return all;
+    const auto before = [](const FileNode* a, const FileNode* b) { return a->standsBefore(*b); };
+    if (all.size() <= wholeLevel) {
+        count = all.size();
+    } else if (count < all.size()) {
+        std::nth_element(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(count), all.end(), before);
+    }
+    std::sort(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(count), before);
+    m_ordered = static_cast<std::uint32_t>(count);
+    return all;
+}
+
+void FileNode::removeChild(FileNode& child) {
+    FileNode** const end = m_children + m_childCount;
+    FileNode** const found = std::find(m_children, end, &child);
+    if (found == end) return;
+    std::move(found + 1, end, found);
+    --m_childCount;
+    if (found - m_children < static_cast<std::ptrdiff_t>(m_ordered)) --m_ordered;
+    ++FileNodeTree::of(*this).m_revision;
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,110 @@
+// FileNodeTree: see FileNodeTree.h.
+#include "engine/largefiles/FileNodeTree.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+namespace orrinvale {
+namespace {
+
+// Lists up to this length lie among the nodes; longer ones are allocated each for itself, so that growing leaves nothing behind.
+constexpr std::uint32_t mostInArena = 1024;
+
+void addSaturating(std::uint64_t& sum, std::uint64_t more) { sum += std::min(more, ~std::uint64_t{0} - sum); }
+
+}  // namespace
+
+struct FileNodeTree::Root : FileNode {
+    FileNodeTree* tree = nullptr;
+};
+
+FileNodeTree::FileNodeTree(std::string rootPath) : m_rootPath(std::move(rootPath)) {
+    auto* const root = new (m_nodes.allocate<Root>()) Root;
+    root->tree = this;
+    root->m_name = m_rootPath.c_str();
+    root->m_isDirectory = true;
+    root->m_type = FileType::Folder;
+    m_root = root;
+}
+
+FileNodeTree::~FileNodeTree() {
+    for (const FileNode* const folder : m_longLists) std::free(folder->m_children);
+}
+
+FileNodeTree& FileNodeTree::of(const FileNode& node) {
+    const FileNode* top = &node;
+    while (top->m_father != nullptr) top = top->m_father;
+    return *static_cast<const Root*>(top)->tree;
+}
+
+std::span<FileNode* const> FileNodeTree::add(FileNode& folder, std::span<const FoundEntry> entries) {
+    makeRoom(folder, entries.size());
+    const std::span<FileNode*> added{folder.m_children + folder.m_childCount, entries.size()};
+    auto* const nodes = m_nodes.allocate<FileNode>(entries.size());
+    std::uint64_t size = 0;
+    std::uint64_t onDisk = 0;
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const FoundEntry& entry = entries[i];
+        auto* const node = new (nodes + i) FileNode;
+        node->m_name = entry.name;
+        node->m_father = &folder;
+        node->m_size = entry.size;
+        node->m_onDisk = entry.onDisk;
+        node->m_inode = entry.inode;
+        node->m_born = entry.born;
+        node->m_position = entry.position;
+        node->m_links = entry.links;
+        node->m_device = deviceIndex(entry.device);
+        node->m_isDirectory = entry.isDirectory;
+        node->m_type = entry.type;
+        added[i] = node;
+        addSaturating(size, entry.size);
+        addSaturating(onDisk, entry.onDisk);
+    }
+    folder.m_childCount += static_cast<std::uint32_t>(entries.size());
+    folder.m_ordered = 0;
+    for (FileNode* above = &folder; above != nullptr && (size | onDisk) != 0; above = above->m_father) {
+        addSaturating(above->m_size, size);
+        addSaturating(above->m_onDisk, onDisk);
+        if (above->m_father != nullptr) above->m_father->m_ordered = 0;
+    }
+    m_nodeCount += entries.size();
+    ++m_revision;
+    return added;
+}
+
+void FileNodeTree::makeRoom(FileNode& folder, std::size_t more) {
+    const std::size_t needed = folder.m_childCount + more;
+    if (needed <= folder.m_childRoom) return;
+    if (needed <= mostInArena) {
+        auto* const list = m_nodes.allocate<FileNode*>(needed);
+        if (folder.m_childCount > 0) std::memcpy(list, folder.m_children, folder.m_childCount * sizeof(FileNode*));
+        folder.m_children = list;
+        folder.m_childRoom = static_cast<std::uint32_t>(needed);
+        return;
+    }
+    const bool wasLong = folder.m_childRoom > mostInArena;
+    const std::size_t room = std::max(needed, folder.m_childCount + std::size_t{folder.m_childCount} / 2);
+    if (!wasLong) m_longLists.reserve(m_longLists.size() + 1);
+    auto* const list =
+        static_cast<FileNode**>(std::realloc(wasLong ? folder.m_children : nullptr, room * sizeof(FileNode*)));
+    if (list == nullptr) throw std::bad_alloc();
+    if (!wasLong) {
+        if (folder.m_childCount > 0) std::memcpy(list, folder.m_children, folder.m_childCount * sizeof(FileNode*));
+        m_longLists.push_back(&folder);
+    }
+    folder.m_children = list;
+    folder.m_childRoom = static_cast<std::uint32_t>(room);
+}
+
+std::uint16_t FileNodeTree::deviceIndex(std::uint64_t device) {
+    if (m_lastDevice < m_devices.size() && m_devices[m_lastDevice] == device) return m_lastDevice;
+    const auto found = std::find(m_devices.begin(), m_devices.end(), device);
+    m_lastDevice = static_cast<std::uint16_t>(found - m_devices.begin());
+    if (found == m_devices.end()) m_devices.push_back(device);
+    return m_lastDevice;
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,61 @@
+// FileNodeTree: the nodes of one scan. The top level of it is what the large file page shows first.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "engine/files/Arena.h"
+#include "engine/largefiles/FileNode.h"
+
+namespace orrinvale {
+
+/// One thread at a time, which owns the tree. A node costs 80 bytes, 8 to 12 in its father's list, and its name.
+class FileNodeTree final {
+public:
+    /// `rootPath` is absolute; exact bytes.
+    explicit FileNodeTree(std::string rootPath);
+    ~FileNodeTree();
+    FileNodeTree(const FileNodeTree&) = delete;
+    FileNodeTree& operator=(const FileNodeTree&) = delete;
+
+    [[nodiscard]] const std::string& rootPath() const { return m_rootPath; }
+    /// Holds the top level as its children. Is shown nowhere and is no node's father().
+    [[nodiscard]] FileNode& root() { return *m_root; }
+
+    /// Adds a node for each entry to `folder`, in one step, and their sizes to every folder above. The new nodes, in the order of the
+    /// entries; good until the next call for the folder.
+    std::span<FileNode* const> add(FileNode& folder, std::span<const FoundEntry> entries);
+
+    /// Storage that lives as long as the tree, such as an arena with names.
+    void keep(std::shared_ptr<const void> storage) { m_kept.push_back(std::move(storage)); }
+
+    /// Nodes added so far, removed ones included.
+    [[nodiscard]] std::uint64_t nodeCount() const { return m_nodeCount; }
+    /// Rises with every change by add() and removeChild().
+    [[nodiscard]] std::uint64_t revision() const { return m_revision; }
+
+    /// The tree that a node belongs to.
+    [[nodiscard]] static FileNodeTree& of(const FileNode& node);
+
+private:
+    friend class FileNode;
+    struct Root;
+    void makeRoom(FileNode& folder, std::size_t more);
+    std::uint16_t deviceIndex(std::uint64_t device);
+
+    std::string m_rootPath;
+    Arena m_nodes;
+    FileNode* m_root = nullptr;
+    std::vector<FileNode*> m_longLists;  // folders whose list of children is allocated for itself
+    std::vector<std::uint64_t> m_devices;
+    std::uint16_t m_lastDevice = 0;
+    std::vector<std::shared_ptr<const void>> m_kept;
+    std::uint64_t m_nodeCount = 0;
+    std::uint64_t m_revision = 0;
+};
+
+}  // namespace orrinvale
