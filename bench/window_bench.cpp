@@ -281,8 +281,8 @@ private:
                 begun = begun || !page().bSearchFinished();
                 return begun && page().bSearchFinished();
             });
+        m_rows.back().step = fmt::format("remove {} files", before - leaves());
         switchTo(0);
-        m_rows[m_rows.size() - 2].step = fmt::format("remove {} files", before - leaves());
     }
 
     int leaves() const {
