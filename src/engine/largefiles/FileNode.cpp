@@ -37,9 +37,7 @@ EntryIdentity FileNode::identity() const {
     return {.device = FileNodeTree::of(*this).m_devices[m_device], .inode = m_inode, .type = m_type, .born = m_born};
 }
 
-FileNode* FileNode::father() const {
-    return m_father != nullptr && m_father->m_father != nullptr ? m_father : nullptr;
-}
+FileNode* FileNode::father() const { return m_father != nullptr && m_father->m_father != nullptr ? m_father : nullptr; }
 
 bool FileNode::standsBefore(const FileNode& other) const {
     if (m_size != other.m_size) return m_size > other.m_size;

@@ -105,16 +105,18 @@ QString DesktopSession::run(const QString& program, const QStringList& arguments
     return QString::fromUtf8(process.readAllStandardOutput()) + QLatin1Char(' ');
 }
 
-void DesktopSession::drag(QPoint from, QPoint to) {
+void DesktopSession::drag(QPoint from, QPoint to, int milliseconds) {
     const auto place = [](QPoint point) { return QStringList{QString::number(point.x()), QString::number(point.y())}; };
     QStringList orders = QStringList{QStringLiteral("mousemove")} + place(from) +
                          QStringList{QStringLiteral("mousedown"), QStringLiteral("1")};
     constexpr int steps = 8;
+    const QString pause = QString::number(milliseconds / 1000.0);
     for (int step = 1; step <= steps; ++step)
-        orders += QStringList{QStringLiteral("sleep"), QStringLiteral("0.02"), QStringLiteral("mousemove")} +
+        orders += QStringList{QStringLiteral("sleep"), pause, QStringLiteral("mousemove")} +
                   place(from + (to - from) * step / steps);
     // The window manager asks for the pointer in the meantime; letting go before it has it would end nothing.
-    orders += {QStringLiteral("sleep"), QStringLiteral("0.05"), QStringLiteral("mouseup"), QStringLiteral("1")};
+    orders += {QStringLiteral("sleep"), pause, QStringLiteral("sleep"), pause, QStringLiteral("mouseup"),
+               QStringLiteral("1")};
     run(QStringLiteral("xdotool"), orders);
 }
 
