@@ -55,7 +55,7 @@ TEST(MountInfo, WholeLinesAreReadAndOthersLeftOut) {
         {"-36 35 8:1 / /mnt rw - ext4 /dev/sda1 rw", false},
         {"99999999999999999999 35 8:1 / /mnt rw - ext4 /dev/sda1 rw", false},
         {R"(36 35 8:1 / /m\000nt rw - ext4 /dev/sda1 rw)", false},
-        {std::string("36 35 8:1 / /m\0nt rw - ext4 /dev/sda1 rw", 41), false},
+        {std::string("36 35 8:1 / /m\0nt rw - ext4 /dev/sda1 rw", 40), false},
     };
     for (const auto& each : cases) {
         const auto entries =

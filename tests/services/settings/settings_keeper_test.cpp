@@ -84,7 +84,8 @@ TEST_F(SettingsKeeperTest, AFileThatCanNotBePutRightCostsOneAttempt) {
     const SettingsKeeper keeper(defaults);
     std::atomic<int> attempts{0};
     Log::setEnabled(true);
-    Log::setSink([&](std::string_view line) { attempts += line.find("could not be saved") != line.npos ? 1 : 0; });
+    Log::setSink(
+        [&](std::string_view line) { attempts += line.find("could not be saved") != std::string_view::npos ? 1 : 0; });
     defaults.setInteger(1, "a");
     EXPECT_FALSE(defaults.synchronize());
     turnFor(2500ms);

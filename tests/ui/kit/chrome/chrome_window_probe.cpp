@@ -15,8 +15,7 @@
 #include "ui/kit/chrome/WindowButton.h"
 #include "ui/kit/look/Theme.h"
 
-using namespace orrinvale;
-
+namespace orrinvale {
 namespace {
 
 void say(const std::string& line) {
@@ -42,9 +41,7 @@ void obey(TCImageWindow& window, const std::string& order) {
     else if (order == "quit") QCoreApplication::quit();
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     std::ios::sync_with_stdio(false);  // in_avail() knows nothing otherwise
     QApplication application(argc, argv);
     Theme::shared().install(application);
@@ -84,3 +81,8 @@ int main(int argc, char** argv) {
     });
     return QApplication::exec();
 }
+
+}  // namespace
+}  // namespace orrinvale
+
+int main(int argc, char** argv) { return orrinvale::run(argc, argv); }
