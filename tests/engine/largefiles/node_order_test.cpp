@@ -77,8 +77,10 @@ private:
 
 // Few names and few sizes, so that folders fill up and many entries are of one size.
 bool grow(TestTree& tree) {
-    const auto entries = *rc::gen::container<std::vector<std::tuple<std::vector<int>, int>>>(
-        rc::gen::tuple(rc::gen::container<std::vector<int>>(rc::gen::inRange(0, 3)), rc::gen::inRange(-1, 4)));
+    const auto entries =
+        *rc::gen::resize(40, rc::gen::container<std::vector<std::tuple<std::vector<int>, int>>>(rc::gen::tuple(
+                                 rc::gen::resize(4, rc::gen::container<std::vector<int>>(rc::gen::inRange(0, 3))),
+                                 rc::gen::inRange(-1, 4))));
     int number = 0;
     for (const auto& [folders, size] : entries) {
         std::string name;
