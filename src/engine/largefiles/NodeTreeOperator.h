@@ -72,6 +72,7 @@ public:
     static void releaseFolder(TreeFolder* folder) { release(folder); }
 
 private:
+    class DeepTree;
     void take(Worker& worker, WalkedFolder& folder, std::uint32_t first) override;
     void takeDeep(Worker& worker, WalkedFolder& folder) override;
     void listed(WalkedFolder& folder) override;
