@@ -105,6 +105,16 @@ TEST(LargeFileOrder, isThatOfSortingAfterEachEntry) {
     }));
 }
 
+// Wide enough to be handed over in pieces, of which a later one may come first.
+TEST(LargeFileOrder, isThatOfTheListingWhereSizesAreEqual) {
+    TestTree tree("/dev/shm");
+    for (int i = 0; i < 4000; ++i)
+        ASSERT_TRUE(tree.sparse("file " + std::to_string(i), static_cast<std::uint64_t>(i % 3)));
+    for (int i = 0; i < 20; ++i) ASSERT_TRUE(tree.sparse(std::to_string(i) + "/x", static_cast<std::uint64_t>(i % 3)));
+    const auto expected = PlainScan(tree.path()).lines();
+    for (int round = 0; round < 5; ++round) EXPECT_EQ(testing::linesOf(*ScanRun(files, tree.path()).tree), expected);
+}
+
 // Wider than what is ordered as a whole, so that a look orders only a part; each look must see what is biggest at its moment, and
 // none may spoil what later ones see.
 TEST(LargeFileOrder, ofAWideLevelHoldsWhileItGrowsAndShrinks) {
