@@ -11,6 +11,7 @@ namespace {
 
 // Lists up to this length lie among the nodes; longer ones are allocated each for itself, so that growing leaves nothing behind.
 constexpr std::uint32_t mostInArena = 1024;
+constexpr std::size_t childBytes = sizeof(FileNode*);  // NOLINT(bugprone-sizeof-expression): a list of pointers
 
 void addSaturating(std::uint64_t& sum, std::uint64_t more) { sum += std::min(more, ~std::uint64_t{0} - sum); }
 
@@ -40,6 +41,14 @@ FileNodeTree& FileNodeTree::of(const FileNode& node) {
 }
 
 std::span<FileNode* const> FileNodeTree::add(FileNode& folder, std::span<const FoundEntry> entries) {
+    const Added added = addHere(folder, entries);
+    for (FileNode* above = folder.m_father; above != nullptr && (added.size | added.onDisk) != 0;
+         above = above->m_father)
+        grow(*above, added.size, added.onDisk);
+    return added.nodes;
+}
+
+FileNodeTree::Added FileNodeTree::addHere(FileNode& folder, std::span<const FoundEntry> entries) {
     makeRoom(folder, entries.size());
     const std::span<FileNode*> added{folder.m_children + folder.m_childCount, entries.size()};
     auto* const nodes = m_nodes.allocate<FileNode>(entries.size());
@@ -65,14 +74,21 @@ std::span<FileNode* const> FileNodeTree::add(FileNode& folder, std::span<const F
     }
     folder.m_childCount += static_cast<std::uint32_t>(entries.size());
     folder.m_ordered = 0;
-    for (FileNode* above = &folder; above != nullptr && (size | onDisk) != 0; above = above->m_father) {
-        addSaturating(above->m_size, size);
-        addSaturating(above->m_onDisk, onDisk);
-        if (above->m_father != nullptr) above->m_father->m_ordered = 0;
-    }
+    if ((size | onDisk) != 0) grow(folder, size, onDisk);
     m_nodeCount += entries.size();
     ++m_revision;
-    return added;
+    return {.nodes = added, .size = size, .onDisk = onDisk};
+}
+
+void FileNodeTree::grow(FileNode& folder, std::uint64_t size, std::uint64_t onDisk) {
+    addSaturating(folder.m_size, size);
+    addSaturating(folder.m_onDisk, onDisk);
+    if (folder.m_father != nullptr) folder.m_father->m_ordered = 0;
+}
+
+void FileNodeTree::addChosenFile(const FoundEntry& entry) {
+    m_root->m_isDirectory = false;
+    add(*m_root, {&entry, 1});
 }
 
 void FileNodeTree::makeRoom(FileNode& folder, std::size_t more) {
@@ -80,7 +96,7 @@ void FileNodeTree::makeRoom(FileNode& folder, std::size_t more) {
     if (needed <= folder.m_childRoom) return;
     if (needed <= mostInArena) {
         auto* const list = m_nodes.allocate<FileNode*>(needed);
-        if (folder.m_childCount > 0) std::memcpy(list, folder.m_children, folder.m_childCount * sizeof(FileNode*));
+        if (folder.m_childCount > 0) std::memcpy(list, folder.m_children, folder.m_childCount * childBytes);
         folder.m_children = list;
         folder.m_childRoom = static_cast<std::uint32_t>(needed);
         return;
@@ -89,10 +105,10 @@ void FileNodeTree::makeRoom(FileNode& folder, std::size_t more) {
     const std::size_t room = std::max(needed, folder.m_childCount + std::size_t{folder.m_childCount} / 2);
     if (!wasLong) m_longLists.reserve(m_longLists.size() + 1);
     auto* const list =
-        static_cast<FileNode**>(std::realloc(wasLong ? folder.m_children : nullptr, room * sizeof(FileNode*)));
+        static_cast<FileNode**>(std::realloc(wasLong ? folder.m_children : nullptr, room * childBytes));
     if (list == nullptr) throw std::bad_alloc();
     if (!wasLong) {
-        if (folder.m_childCount > 0) std::memcpy(list, folder.m_children, folder.m_childCount * sizeof(FileNode*));
+        if (folder.m_childCount > 0) std::memcpy(list, folder.m_children, folder.m_childCount * childBytes);
         m_longLists.push_back(&folder);
     }
     folder.m_children = list;
