@@ -289,16 +289,20 @@ TEST(Trash, OtherProgramsListAndRestoreWhatIsInIt) {
     EXPECT_EQ(recordOf(tree, name), "");
 }
 
-TEST(Trash, TheDesktopsOwnListHasIt) {
+TEST(Trash, TheDesktopListsAndRestoresIt) {
     TestTree tree;
-    const std::string name = "odd \xc3\xa4 100% [x].txt";
+    const std::string name =
+        "odd 100% [x].txt";  // other characters gio does not put back even when it threw them away itself
     tree.write("data/" + name, "bytes");
     ASSERT_TRUE(moveAt(tree, "data/" + name));
-    const auto listed = outputOf("HOME='" + tree.at("home") + "' XDG_DATA_HOME='" + tree.at("home/.local/share") +
-                                 "' LC_ALL=C.UTF-8 timeout 20 dbus-run-session gio trash --list");
-    if (!listed) GTEST_SKIP() << "gio or dbus-run-session is not installed";
-    if (listed->find("not supported") != std::string::npos) GTEST_SKIP() << "no gvfs: " << *listed;
-    EXPECT_THAT(*listed, HasSubstr(tree.at("data/" + name)));
+    const auto told = outputOf("HOME='" + tree.at("home") + "' XDG_DATA_HOME='" + tree.at("home/.local/share") +
+                               "' LC_ALL=C.UTF-8 timeout 20 dbus-run-session sh -c 'gio trash --list && "
+                               "gio trash --restore trash:///odd%20100%25%20%5Bx%5D.txt'");
+    if (!told || told->find("gio: not found") != std::string::npos)
+        GTEST_SKIP() << "gio or dbus-run-session is not installed";
+    if (told->find("not supported") != std::string::npos) GTEST_SKIP() << "no trash of the desktop's: " << *told;
+    EXPECT_THAT(*told, HasSubstr("\t" + tree.at("data/" + name)));
+    EXPECT_EQ(contentOf(tree.at("data/" + name)), "bytes") << *told;
 }
 
 }  // namespace
