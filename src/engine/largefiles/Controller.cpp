@@ -139,7 +139,7 @@ std::string Controller::moveFileToTrash(const std::string& path) {
 
 void Controller::moveFileToTarsh() {
     if (m_aRootArr && !m_erasure && m_parts.files != nullptr && m_parts.mainQueue != nullptr) {
-        std::vector<FileNode*> nodes = deleteFilesWithDic(m_aRootArr->root().children());
+        std::vector<FileNode*> nodes = deleteFilesWithDic(m_aRootArr->root().childrenInAnyOrder());
         if (!nodes.empty()) {
             m_erasure = std::make_shared<Erasure>(m_parts, m_aRootArr, std::move(nodes));
             m_erasure->whenEnded = [this](const std::vector<std::string>& failed) {
@@ -158,7 +158,7 @@ std::vector<FileNode*> Controller::deleteFilesWithDic(std::span<FileNode* const>
 
 bool Controller::deleteFilesWithDic() {
     if (m_removal || !m_aRootArr || m_parts.files == nullptr || m_parts.mainQueue == nullptr) return false;
-    const std::vector<FileNode*> nodes = deleteFilesWithDic(m_aRootArr->root().children());
+    const std::vector<FileNode*> nodes = deleteFilesWithDic(m_aRootArr->root().childrenInAnyOrder());
     if (nodes.empty()) return false;
     m_removal = std::make_shared<Removal>(m_parts, m_aRootArr, nodes, [this] { removalNews(); });
     return true;

@@ -92,7 +92,7 @@ public:
 
     /// Starts the removal of what is ticked. False, and no call to the delegate, when nothing is.
     bool deleteFilesWithDic();
-    /// What would go, in the order of the tree: a ticked node as a whole, of a mixed one what is ticked below it.
+    /// What would go of these siblings, in the order of the tree: a ticked node as a whole, of a mixed one what is ticked below it.
     [[nodiscard]] static std::vector<FileNode*> deleteFilesWithDic(std::span<FileNode* const> nodes);
     void stopRemove();
     [[nodiscard]] bool isRemoving() const;

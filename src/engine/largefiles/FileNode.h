@@ -76,6 +76,9 @@ public:
     /// All children, in no order: for sums and states.
     [[nodiscard]] std::span<FileNode* const> childrenInAnyOrder() const { return {m_children, m_childCount}; }
 
+    /// Puts some children of one folder into that order.
+    static void putInOrder(std::span<FileNode*> children);
+
     /// Takes the child out. Sizes above stay as they are.
     void removeChild(FileNode& child) {
         FileNode* const leaving = &child;

@@ -18,6 +18,16 @@ FileNode::State stateFromChildren(const FileNode& folder) {
     return touched != 0 ? FileNode::Mixed : FileNode::NotSelected;
 }
 
+// Those of some siblings that are not clear. Only these are put into order: of a million entries few are ticked one by one.
+std::vector<FileNode*> lastToFirst(std::span<FileNode* const> siblings) {
+    std::vector<FileNode*> touched;
+    for (FileNode* const node : siblings)
+        if (node->state() != FileNode::NotSelected) touched.push_back(node);
+    FileNode::putInOrder(touched);
+    std::reverse(touched.begin(), touched.end());
+    return touched;
+}
+
 }  // namespace
 
 void TickSpread::tick(FileNode& node) {
@@ -66,16 +76,16 @@ std::int32_t summaryOf(std::span<FileNode* const> nodes) {
 
 std::vector<FileNode*> tickedOf(std::span<FileNode* const> nodes) {
     std::vector<FileNode*> ticked;
-    std::vector<std::span<FileNode* const>> levels{nodes};
-    while (!levels.empty()) {
-        if (levels.back().empty()) {
-            levels.pop_back();
+    std::vector<FileNode*> next = lastToFirst(nodes);
+    while (!next.empty()) {
+        FileNode* const node = next.back();
+        next.pop_back();
+        if (node->state() == FileNode::Selected) {
+            ticked.push_back(node);
             continue;
         }
-        FileNode& node = *levels.back().front();
-        levels.back() = levels.back().subspan(1);
-        if (node.state() == FileNode::Selected) ticked.push_back(&node);
-        else if (node.state() == FileNode::Mixed) levels.push_back(node.children());
+        const std::vector<FileNode*> inside = lastToFirst(node->childrenInAnyOrder());
+        next.insert(next.end(), inside.begin(), inside.end());
     }
     return ticked;
 }

@@ -40,7 +40,7 @@ void followUpwards(FileNode& node);
 /// 0 nothing of these is ticked, 1 all of it, 2 something.
 [[nodiscard]] std::int32_t summaryOf(std::span<FileNode* const> nodes);
 
-/// What would go, in the order of the tree: a ticked node as a whole, of a mixed one what is ticked below it.
+/// What would go of these siblings, in the order of the tree: a ticked node as a whole, of a mixed one what is ticked below it.
 [[nodiscard]] std::vector<FileNode*> tickedOf(std::span<FileNode* const> nodes);
 
 }  // namespace orrinvale

@@ -6,6 +6,7 @@
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <array>
@@ -158,6 +159,22 @@ TEST(Trash, WhatMayNotMoveStaysAndLeavesNoRecord) {
     ::unlink(tree.at("home/.local/share/Trash/info/other.trashinfo").c_str());
     EXPECT_EQ(::rmdir(tree.at("home/.local/share/Trash/info").c_str()), 0) << "a record of what did not move";
     EXPECT_EQ(trash.move("/").error(), "the root of the file system");
+}
+
+// As on file systems that can not promise to spare what has the name already.
+TEST(Trash, NothingIsReplacedWhereTheSystemDoesNotLookAfterThat) {
+    TestTree tree;
+    const std::string trash = "home/.local/share/Trash/";
+    tree.write(trash + "files/x", "without a record");
+    tree.write("x", "1");
+    EXPECT_EQ(runInChild({},
+                         [&]() -> std::string {
+                             if (!testing::failSystemCall(SYS_renameat2, EINVAL)) return "no filter";
+                             if (moveAt(tree, "home").error() != "the trash is in it") return "into itself";
+                             return moveAt(tree, "x").value_or("stays");
+                         }),
+              tree.at(trash + "files/x 2"));
+    EXPECT_EQ(contentOf(tree.at(trash + "files/x")), "without a record");
 }
 
 // Between the look at it and the move.
