@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <mutex>
@@ -19,9 +20,8 @@ namespace {
 int spawn(const std::string& program, const std::vector<std::string>& arguments, pid_t& child) {
     std::vector<std::string> texts{program};
     texts.insert(texts.end(), arguments.begin(), arguments.end());
-    std::vector<char*> vector;
-    for (std::string& text : texts) vector.push_back(text.data());
-    vector.push_back(nullptr);
+    std::vector<char*> vector(texts.size() + 1);  // ends with a null pointer
+    std::transform(texts.begin(), texts.end(), vector.begin(), [](std::string& text) { return text.data(); });
 
     posix_spawn_file_actions_t actions{};
     posix_spawnattr_t attributes{};

@@ -258,20 +258,20 @@ TEST(Trash, AnotherVolumeHasItsOwn) {
         {"a link", [&](TestTree& tree) { tree.symlink("/tmp", "volume/.Trash-" + user); },
          "no trash on its volume: Not a directory"},
     };
-    for (const auto& [what, prepare, trash] : cases) {
+    for (const auto& each : cases) {
         TestTree tree;
         const std::string told = onAnotherVolume(tree, [&](const std::string& top) -> std::string {
-            prepare(tree);
+            each.prepare(tree);
             const auto moved = moveAt(tree, "volume/d/x y");
             if (isThere(tree.at("home/.local"))) return "the home trash was made";
             if (isThere(tree.at("volume/d/x y")) == moved.has_value()) return "it is not where it was said to be";
             if (!moved) return moved.error();
-            if (!contentOf(top + '/' + trash + "/info/x y.trashinfo").starts_with("[Trash Info]\nPath=d/x%20y\n"))
+            if (!contentOf(top + '/' + each.trash + "/info/x y.trashinfo").starts_with("[Trash Info]\nPath=d/x%20y\n"))
                 return "another record";
             return moved->substr(top.size() + 1);
         });
         if (told.starts_with("skipped")) GTEST_SKIP() << told;
-        EXPECT_EQ(told, trash.starts_with('.') ? trash + "/files/x y" : trash) << what;
+        EXPECT_EQ(told, each.trash.starts_with('.') ? each.trash + "/files/x y" : each.trash) << each.what;
     }
 }
 
