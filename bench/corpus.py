@@ -27,7 +27,7 @@ BLOCK = 16 * MIB
 
 # Room that a corpus takes on a disk with blocks of 4 KiB at scale 1, rounded up.
 DISK_BYTES = {"many-small": 1100 * MIB, "photos": 8000 * MIB, "same-size": 1300 * MIB, "few-huge": 7400 * MIB,
-              "deep": 12 * MIB, "wide": 420 * MIB, "links": 130 * MIB}
+              "deep": 12 * MIB, "wide": 420 * MIB, "links": 130 * MIB, "million": 400 * MIB}
 
 _block = None
 
@@ -268,8 +268,22 @@ def links(base, name, scale):
     return expect, {"folders": 51, "hard_links": hard, "symlinks": symbolic + 2}
 
 
+def million(base, name, scale):
+    """1,000,000 entries: 10,000 folders with 99 files each. The files are holes of up to 1 MiB, which take an inode and no more."""
+    rng = random.Random(f"{SEED}{name}")
+    folders = make_folders(base, max(1, int(10_000 * scale)), rng)
+    expect = Expect()
+    for index in rng.sample(range(99 * len(folders)), 99 * len(folders)):
+        size = rng.randrange(MIB)
+        file = os.open(os.path.join(folders[index // 99], "f%06d.dat" % index), os.O_WRONLY | os.O_CREAT | os.O_TRUNC, 0o644)
+        os.ftruncate(file, size)
+        os.close(file)
+        expect.add(0, size)
+    return expect, {"folders": len(folders) + 1}
+
+
 MAKERS = {"many-small": many_small, "photos": photos, "same-size": same_size, "few-huge": few_huge, "deep": deep,
-          "wide": wide, "links": links}
+          "wide": wide, "links": links, "million": million}
 
 
 def expectation(root, name):

@@ -73,9 +73,9 @@ def wrong_answer(folder):
         return f"the answer can not be read: {error!r}"
 
 
-def pairs_of(name, state, folder, options):
-    comparison = compare.Comparison(name, state, PEER)
-    commands = (ours(folder), [*PEER.split(), str(folder)])
+def pairs_of(name, state, peer, commands, options):
+    """Runs of two commands in turn, and the peak memory of each."""
+    comparison = compare.Comparison(name, state, peer)
     with tempfile.TemporaryDirectory() as where:
         try:
             # The run for the memory is the one that warms the caches.
@@ -136,7 +136,8 @@ def measure(options):
                 continue
         for state in options.states:
             why = reason or (no_cold if state == "cold" else "")
-            one = compare.Comparison(name, state, PEER, skipped=why) if why else pairs_of(name, state, root / name, options)
+            one = compare.Comparison(name, state, PEER, skipped=why) if why else pairs_of(
+                name, state, PEER, (ours(root / name), [*PEER.split(), str(root / name)]), options)
             shown = f"skipped: {one.skipped}" if one.skipped else f"{one.ratio():.3f} of {one.seconds(1):.4f} s"
             print(f"{name}, {state}: {shown}", file=sys.stderr, flush=True)
             comparisons.append(one)

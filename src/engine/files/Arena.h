@@ -22,6 +22,7 @@ public:
     /// Storage for `count` objects with no destructor to run, not initialised. Stays where it is.
     template <class T> [[nodiscard]] T* allocate(std::size_t count = 1) {
         static_assert(std::is_trivially_destructible_v<T>);
+        // NOLINTNEXTLINE(bugprone-sizeof-expression): lists of pointers lie here too
         return reinterpret_cast<T*>(take(sizeof(T) * count, alignof(T)));
     }
 

@@ -104,20 +104,21 @@ void EumeRoot::Scan::walked() {
 }
 
 void EumeRoot::Scan::receive(FoundChunk&& chunk) {
-    {
-        const std::lock_guard lock(m_mutex);
-        if (!m_isDropping) {
-            m_waiting.push_back(std::move(chunk));
-            if (m_isAsked) return;
-            m_isAsked = true;
-            if (m_hasQueue) {
-                ask();
-                return;
-            }
-        }
+    std::unique_lock lock(m_mutex);
+    if (m_isDropping) {
+        lock.unlock();
+        NodeTreeOperator::releaseFolders(chunk);
+        return;
     }
-    if (m_hasQueue) NodeTreeOperator::releaseFolders(chunk);
-    else takeAll();
+    m_waiting.push_back(std::move(chunk));
+    if (m_isAsked) return;
+    m_isAsked = true;
+    if (m_hasQueue) {
+        ask();
+        return;
+    }
+    lock.unlock();
+    takeAll();
 }
 
 // With the lock held, since the queue may go as soon as a stop has taken it away.

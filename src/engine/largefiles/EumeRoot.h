@@ -13,14 +13,16 @@
 
 namespace orrinvale {
 
-/// What a scan works with; not owned, and all outlive it. Without a queue the tree is filled by the scanning threads, and
-/// is the caller's when waitForEnd() returns; with one it is changed on the main thread only, in batches of at most 16 ms.
+/// What a scan works with, not owned. Without a queue the tree is filled by the scanning threads, and is the caller's when waitForEnd()
+/// returns; with one it is changed on the main thread only, in batches of at most 16 ms. The queue may go after a stop or the end; the
+/// file system is in use until waitForEnd() returns, since a stop waits for no disk.
 struct ScanParts {
     const FileSystem* files = nullptr;
     MainQueue* mainQueue = nullptr;
 };
 
-/// Used from the thread that owns the tree, but for what says otherwise. A scan under way when the object goes is stopped.
+/// Used from the thread that owns the tree, but for what says otherwise. A scan under way when the object goes is stopped, and without
+/// a queue waited for.
 class EumeRoot final {
 public:
     explicit EumeRoot(ScanParts parts);
@@ -34,11 +36,13 @@ public:
     /// Percent of the entries directly in the chosen folder that are finished, 0 to 100; 0 when there are none. Any thread.
     [[nodiscard]] float getProgress() const;
 
-    /// The tree stays as it is at this moment, with the sizes found so far, and remains usable.
+    /// The tree stays as it is at this moment, with the sizes found so far, and remains usable. Without a queue any thread may ask
+    /// for the stop, and the moment is the return of waitForEnd().
     void stopScan();
 
     /// The scan is over, stopped or not, and all that it found is in the tree. Any thread.
     [[nodiscard]] bool isEnded() const;
+    /// Returns when no thread scans any more. What then waits for the queue's turn is put into the tree here.
     void waitForEnd();
 
     /// Entries found so far. Any thread.

@@ -11,6 +11,7 @@ namespace {
 
 // Lists up to this length lie among the nodes; longer ones are allocated each for itself, so that growing leaves nothing behind.
 constexpr std::uint32_t mostInArena = 1024;
+constexpr std::size_t childBytes = sizeof(FileNode*);  // NOLINT(bugprone-sizeof-expression): a list of pointers
 
 void addSaturating(std::uint64_t& sum, std::uint64_t more) { sum += std::min(more, ~std::uint64_t{0} - sum); }
 
@@ -95,7 +96,7 @@ void FileNodeTree::makeRoom(FileNode& folder, std::size_t more) {
     if (needed <= folder.m_childRoom) return;
     if (needed <= mostInArena) {
         auto* const list = m_nodes.allocate<FileNode*>(needed);
-        if (folder.m_childCount > 0) std::memcpy(list, folder.m_children, folder.m_childCount * sizeof(FileNode*));
+        if (folder.m_childCount > 0) std::memcpy(list, folder.m_children, folder.m_childCount * childBytes);
         folder.m_children = list;
         folder.m_childRoom = static_cast<std::uint32_t>(needed);
         return;
@@ -104,10 +105,10 @@ void FileNodeTree::makeRoom(FileNode& folder, std::size_t more) {
     const std::size_t room = std::max(needed, folder.m_childCount + std::size_t{folder.m_childCount} / 2);
     if (!wasLong) m_longLists.reserve(m_longLists.size() + 1);
     auto* const list =
-        static_cast<FileNode**>(std::realloc(wasLong ? folder.m_children : nullptr, room * sizeof(FileNode*)));
+        static_cast<FileNode**>(std::realloc(wasLong ? folder.m_children : nullptr, room * childBytes));
     if (list == nullptr) throw std::bad_alloc();
     if (!wasLong) {
-        if (folder.m_childCount > 0) std::memcpy(list, folder.m_children, folder.m_childCount * sizeof(FileNode*));
+        if (folder.m_childCount > 0) std::memcpy(list, folder.m_children, folder.m_childCount * childBytes);
         m_longLists.push_back(&folder);
     }
     folder.m_children = list;

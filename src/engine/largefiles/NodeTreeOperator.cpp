@@ -129,63 +129,84 @@ void NodeTreeOperator::listed(WalkedFolder& folder) {
     if (folder.above == nullptr) m_counts->all = folder.listedCount;
 }
 
-// Folders on the way to the entry in hand; each has its part of the chunk that was not handed over yet.
-void NodeTreeOperator::takeDeep(Worker& worker, WalkedFolder& start) {
+// What one thread lists depth first below the start, made into chunks. The levels are the folders on the way to the entry in hand.
+class NodeTreeOperator::DeepTree {
+public:
+    DeepTree(NodeTreeOperator& walk, Arena& arena, TreeFolder& start) : m_walk(walk), m_arena(arena) {
+        enter(&start, 0);
+    }
+    ~DeepTree() {
+        while (!m_levels.empty()) leave();
+    }
+    DeepTree(const DeepTree&) = delete;
+    DeepTree& operator=(const DeepTree&) = delete;
+
+    // A folder comes before its contents, and these before what stands behind it.
+    void take(const TreeEntry& entry) {
+        while (m_levels.back().prefixLength + entry.name.size() > entry.relative.size()) leave();
+        Level& level = m_levels.back();
+        const bool isListed = entry.type == FileType::Folder;
+        TreeFolder* found = nullptr;
+        if (level.folder != nullptr) {
+            CatalogEntry one{.name = entry.name.data(), .type = entry.type, .attributes = {}};
+            m_walk.m_files.readIdentities(entry.folder, {&one, 1});
+            found = m_walk.addEntry(level.chunk, m_arena, one, level.position++);
+            if (found != nullptr) hang(*found, level);
+            // Its own entries must not come before it.
+            if (found != nullptr || level.chunk.entries.size() >= batchEntries) flush(level);
+        }
+        if (found != nullptr && (!isListed || m_walk.isKernels(found->device))) {
+            release(found);
+            found = nullptr;
+        }
+        if (isListed) enter(found, entry.relative.size() + 1);
+    }
+
+private:
     struct Level {
-        TreeFolder* folder;      // null where nothing counts
-        std::size_t pathLength;  // of its path below the start
+        TreeFolder* folder;        // null where nothing counts
+        std::size_t prefixLength;  // of what stands before the names of its entries in their paths
         std::uint32_t position = 0;
-        FoundChunk chunk = {};
+        FoundChunk chunk = {};  // found, and not handed over yet
     };
-    Arena& arena = (*m_arenas)[worker.number].names;
-    std::vector<Level> levels;
-    const auto enter = [&](TreeFolder* folder, std::size_t pathLength) {
-        levels.push_back({.folder = folder, .pathLength = pathLength});
-        levels.back().chunk.folder = folder;
-    };
-    const auto flush = [&](Level& level) {
+
+    void enter(TreeFolder* folder, std::size_t prefixLength) {
+        m_levels.push_back({.folder = folder, .prefixLength = prefixLength});
+        m_levels.back().chunk.folder = folder;
+    }
+    void leave() {
+        flush(m_levels.back());
+        if (m_levels.size() > 1) release(m_levels.back().folder);  // the first is the caller's
+        m_levels.pop_back();
+    }
+    void flush(Level& level) {
         if (level.folder == nullptr) return;
-        handOver(std::exchange(level.chunk, {}));
+        m_walk.handOver(std::exchange(level.chunk, {}));
         level.chunk.folder = level.folder;
-    };
-    const auto leave = [&] {
-        flush(levels.back());
-        if (levels.size() > 1) release(levels.back().folder);
-        levels.pop_back();
-    };
+    }
+    static void hang(TreeFolder& found, Level& level) {
+        found.above = level.folder;
+        found.parent = level.folder;
+        found.name = level.chunk.entries.back().name;
+        level.folder->users.fetch_add(1);
+    }
+
+    NodeTreeOperator& m_walk;
+    Arena& m_arena;
+    std::vector<Level> m_levels;
+};
+
+void NodeTreeOperator::takeDeep(Worker& worker, WalkedFolder& start) {
+    DeepTree tree(*this, (*m_arenas)[worker.number].names, static_cast<TreeFolder&>(start));
     TreeListing listing;
     listing.foldersFirst = true;
+    listing.entry = [&](const TreeEntry& entry) { tree.take(entry); };
     listing.failed = [&](std::string_view relative, int error) {
         if (error == ENOENT || error == ENOTDIR || error == ELOOP) return;
         skip("open", joinPath(pathOf(start), relative), error);
     };
-    listing.entry = [&](const TreeEntry& entry) {
-        const std::size_t pathLength = entry.relative.size() - entry.name.size();
-        while (levels.back().pathLength + (levels.size() > 1 ? 1 : 0) > pathLength) leave();
-        Level& level = levels.back();
-        const bool isFolder = entry.type == FileType::Folder;
-        if (level.folder == nullptr) {
-            if (isFolder) enter(nullptr, entry.relative.size());
-            return;
-        }
-        CatalogEntry one{.name = entry.name.data(), .type = entry.type, .attributes = {}};
-        m_files.readIdentities(entry.folder, {&one, 1});
-        TreeFolder* const found = addEntry(level.chunk, arena, one, level.position++);
-        if (found != nullptr) {
-            found->parent = found->above = level.folder;
-            found->name = level.chunk.entries.back().name;
-            level.folder->users.fetch_add(1);
-        }
-        const bool full = level.chunk.entries.size() >= batchEntries;
-        if (isFolder || found != nullptr || full) flush(level);
-        const bool counts = isFolder && found != nullptr && !isKernels(found->device);
-        if (found != nullptr && !counts) release(found);
-        if (isFolder) enter(counts ? found : nullptr, entry.relative.size());
-    };
-    enter(static_cast<TreeFolder*>(&start), 0);
-    const auto listedAll = listTree(m_files, start.handle.get(), listing, stopFlag());
-    while (!levels.empty()) leave();
-    if (!listedAll) fail(start, "list", listedAll.error());
+    const auto done = listTree(m_files, start.handle.get(), listing, stopFlag());
+    if (!done) fail(start, "list", done.error());
 }
 
 }  // namespace orrinvale

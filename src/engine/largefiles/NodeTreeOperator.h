@@ -72,8 +72,9 @@ public:
     static void releaseFolder(TreeFolder* folder) { release(folder); }
 
 private:
-    void take(Worker& worker, WalkedFolder& folder, std::uint32_t first) override;
-    void takeDeep(Worker& worker, WalkedFolder& folder) override;
+    class DeepTree;
+    void take(Worker& worker, WalkedFolder& walked, std::uint32_t first) override;
+    void takeDeep(Worker& worker, WalkedFolder& start) override;
     void listed(WalkedFolder& folder) override;
     void takeFile(const std::string& path);
     TreeFolder* addEntry(FoundChunk& chunk, Arena& arena, const CatalogEntry& entry, std::uint32_t position);

@@ -1,0 +1,190 @@
+#!/usr/bin/env python3
+"""Measures `orrinvale-cli large`, with the whole tree in memory, beside `gdu -n` and beside our own `size`, which keeps nothing.
+
+    large.py [CORPUS ...] [--scale F]
+
+Works as sizes.py does: corpora are made once under build/bench/corpora, the answer is checked against a walk of our own before
+anything is timed, the two programs run in turn, and what counts is the median of the ratios of the pairs. The memory an entry
+takes is the peak over that of a run on an empty folder, less the names. The table goes to standard output, the figures to
+build/bench/large.json.
+
+Exit status: 0 all bars held, 1 a bar or an answer missed, 2 the command line is wrong, 3 nothing could be measured.
+"""
+import argparse
+import dataclasses
+import json
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+import compare
+import corpus
+import sizes
+
+RESULTS = compare.ROOT / "build/bench/large.json"
+MIB = 1 << 20
+
+
+@dataclasses.dataclass
+class Row:
+    """One corpus, what it is measured beside, and the highest allowed figures at scale 1."""
+    peer: str
+    bars: dict             # state of the caches -> our time to that of the peer
+    memory_share: float = 0  # our peak to that of the peer; 0 for no bar
+    memory: int = 0          # our peak, bytes; 0 for no bar
+
+
+# gdu keeps a tree as we do, on as many threads. Beside `size` the price of keeping the tree shows.
+ROWS = {
+    "many-small": Row("gdu -n", {"warm": .65, "cold": .65}, memory_share=.2),
+    "million": Row(f"{compare.PROGRAM.name} size", {"warm": 1.3}, memory=130_000_000),
+}
+BYTES_PER_ENTRY = 96
+
+
+def ours(folder):
+    return [str(compare.PROGRAM), "large", "--depth", "0", "--json", "--quiet", str(folder)]
+
+
+def peers(row, folder):
+    words = row.peer.split()
+    if words[0] == compare.PROGRAM.name:
+        words[0] = str(compare.PROGRAM)
+    return [*words, str(folder)]
+
+
+def name_bytes(folder):
+    """What the names of all entries take, each with its end."""
+    return sum(len(os.fsencode(name)) + 1 for _, folders, files in os.walk(folder) for name in folders + files)
+
+
+def wrong_answer(folder, expected):
+    """What is wrong with our answer; empty when nothing is."""
+    told = []
+    for options in (["--depth", "0", "--json"], ["--depth", "1000000", "-0"]):
+        command = [str(compare.PROGRAM), "large", "--quiet", *options, str(folder)]
+        done = subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
+        if done.returncode:
+            return f"ended with status {done.returncode}: {done.stderr.decode(errors='replace').strip()[:200]}"
+        told.append(done.stdout)
+    try:
+        size, entries = json.loads(told[0])["size"], told[1].count(b"\0")
+    except (ValueError, KeyError) as error:
+        return f"the answer can not be read: {error!r}"
+    if size != expected["size"]:
+        return f"size {size} instead of {expected['size']}"
+    count = expected["files"] + expected["folders"]
+    return "" if entries == count else f"{entries} entries instead of {count}"
+
+
+def bytes_per_entry(one, folder, expected):
+    with tempfile.TemporaryDirectory() as empty:
+        bare = compare.peak_memory(ours(empty), empty)
+    return (one.memory[0] - bare - name_bytes(folder)) / (expected["files"] + expected["folders"])
+
+
+def misses(one, per_entry, scale):
+    """The bars that did not hold, for people. Bars hold at scale 1 only: on smaller corpora the start of the programs weighs more."""
+    row = ROWS.get(one.corpus)
+    if scale != 1 or row is None or not one.pairs:
+        return []
+    out = []
+    bar = row.bars.get(one.state)
+    if bar and one.ratio() > bar:
+        out.append(f"time above {bar:.2f}")
+    if row.memory_share and one.memory[0] > row.memory_share * one.memory[1]:
+        out.append(f"memory above {row.memory_share:.2f} of the peer's")
+    if row.memory and one.memory[0] > row.memory:
+        out.append(f"memory above {row.memory / 1e6:.0f} MB")
+    if per_entry > BYTES_PER_ENTRY:
+        out.append(f"more than {BYTES_PER_ENTRY} bytes an entry")
+    return out
+
+
+def table(measured, scale):
+    lines = ["| corpus | caches | peer | ours (s) | peer (s) | ours / peer (lowest to highest) | memory, ours / peer (MiB) "
+             "| bytes an entry besides its name | bars |", "|---|---|---|---|---|---|---|---|---|"]
+    for one, per_entry in measured:
+        if one.skipped:
+            lines.append(f"| {one.corpus} | {one.state} | {one.peer} | | | *skipped: {one.skipped}* | | | |")
+            continue
+        missed = ", ".join(misses(one, per_entry, scale))
+        verdict = "" if scale != 1 else f"**missed**: {missed}" if missed else "held"
+        lines.append(f"| {one.corpus} | {one.state} | {one.peer} | {one.seconds(0):.4f} | {one.seconds(1):.4f} "
+                     f"| {one.ratio():.2f} ({min(one.ratios()):.2f} to {max(one.ratios()):.2f}) "
+                     f"| {one.memory[0] / MIB:.1f} / {one.memory[1] / MIB:.1f} | {per_entry:.0f} | {verdict} |")
+    return "\n".join(lines)
+
+
+def measure(options):
+    measured, wrong = [], {}
+    root = options.corpora or compare.ROOT / "build/bench/corpora" / f"scale-{options.scale:g}"
+    no_cold = compare.cold_impossible() if "cold" in options.states else ""
+    for name in options.corpus or ROWS:
+        row, folder = ROWS[name], root / name
+        there = compare.prepare(root, name, options)
+        reason = there if isinstance(there, str) else ""
+        expected = None
+        if not reason:
+            expected = sizes.counted(folder)
+            wrong[name] = wrong_answer(folder, expected)
+            if wrong[name]:
+                print(f"{name}: wrong answer: {wrong[name]}", file=sys.stderr)
+                continue
+        if not reason and not shutil.which(peers(row, folder)[0]):
+            reason = f"{row.peer} is not there"
+        for state in (state for state in options.states if state in row.bars):
+            why = reason or (no_cold if state == "cold" else "")
+            one = compare.Comparison(name, state, row.peer, skipped=why) if why else sizes.pairs_of(
+                name, state, row.peer, (ours(folder), peers(row, folder)), options)
+            per_entry = 0 if one.skipped else bytes_per_entry(one, folder, expected)
+            shown = f"skipped: {one.skipped}" if one.skipped else f"{one.ratio():.3f} of {one.seconds(1):.4f} s"
+            print(f"{name}, {state}: {shown}", file=sys.stderr, flush=True)
+            measured.append((one, per_entry))
+    return measured, {name: text for name, text in wrong.items() if text}
+
+
+def parse():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("corpus", nargs="*", help=" ".join(ROWS))
+    parser.add_argument("--scale", type=float, default=1.0, help="share of the files of each corpus (1)")
+    parser.add_argument("--cap", type=float, default=24, help="GiB of disk that a corpus may take (24)")
+    parser.add_argument("--pairs", type=int, default=11, help="pairs of runs (11)")
+    parser.add_argument("--seconds", type=float, default=60, help=f"no further pairs after so long, but {compare.FEWEST_PAIRS} (60)")
+    parser.add_argument("--state", action="append", choices=("warm", "cold"), help="only this state of the file caches")
+    parser.add_argument("--corpora", type=Path, help="where the corpora are or go (build/bench/corpora/scale-F)")
+    options = parser.parse_args()
+    options.states = options.state or ["warm", "cold"]
+    unknown = set(options.corpus) - set(ROWS)
+    if unknown:
+        parser.error(f"{', '.join(sorted(unknown))} is not measured here")
+    if options.scale <= 0 or options.pairs < 1:
+        parser.error("--scale and --pairs must be above 0")
+    return options
+
+
+def main():
+    options = parse()
+    for needed in (str(compare.PROGRAM), "time"):
+        if not shutil.which(needed):
+            print(f"{needed} is not there", file=sys.stderr)
+            return 3
+    measured, wrong = measure(options)
+    RESULTS.parent.mkdir(parents=True, exist_ok=True)
+    RESULTS.write_text(json.dumps({"scale": options.scale, "wrong": wrong, "machine": compare.facts_of_machine(),
+                                   "comparisons": [{**dataclasses.asdict(one), "bytes_per_entry": per_entry}
+                                                   for one, per_entry in measured]}, indent=1) + "\n", encoding="utf-8")
+    print(table(measured, options.scale))
+    for name, text in wrong.items():
+        print(f"\n{name}: **wrong answer**: {text}")
+    if not any(one.pairs for one, _ in measured) and not wrong:
+        print("nothing was measured", file=sys.stderr)
+        return 3
+    return 1 if wrong or any(misses(one, per_entry, options.scale) for one, per_entry in measured) else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

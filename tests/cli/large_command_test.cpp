@@ -1,0 +1,166 @@
+// orrinvale-cli large as a process: what it prints and how much of it, exit statuses, the stop, the log.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "cli/ProgramRun.h"
+#include "support/TestTree.h"
+
+namespace orrinvale::testing {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+ProgramRun largeRun(std::vector<std::string> arguments, const std::string& folder = {}) {
+    ProgramRun run;
+    run.program = ORRINVALE_CLI_PATH;
+    run.arguments = std::move(arguments);
+    run.arguments.insert(run.arguments.begin(), "large");
+    run.folder = folder;
+    return run;
+}
+
+void fill(TestTree& tree) {
+    ASSERT_TRUE(tree.write("a/big/file", std::string(1500, 'x')) && tree.write("a/\"small\"", "12345") &&
+                tree.write("\xfe\n", "123") && tree.folder("empty"));
+}
+
+// The tree in short: NAME SIZE, and in braces what stands in a folder's children.
+std::string shortOf(const Json& entries, const std::string& above) {
+    std::string out;
+    for (const Json& entry : entries) {
+        const auto name = entry["name"].get<std::string>();
+        EXPECT_EQ(entry["path"], above + "/" + name);
+        out += name + " " + std::to_string(entry["size"].get<std::uint64_t>());
+        out += entry["directory"] == true ? "/ " : " ";
+        if (entry.contains("children")) out += "{" + shortOf(entry["children"], above + "/" + name) + "} ";
+    }
+    return out;
+}
+
+TEST(LargeCommand, printsAsDeepAndAsMuchAsAsked) {
+    TestTree tree;
+    fill(tree);
+    const struct {
+        std::vector<std::string> arguments;
+        std::string json, paths, listing;
+    } cases[] = {
+        {{},
+         "a 1505/ \xEF\xBF\xBD\n 3 empty 0/ ",
+         "/a|/\xfe\n|/empty|",
+         "   1.50 KB  a/\n   0.00 KB  \\xfe\\n\n   0.00 KB  empty/\n"},
+        {{"--depth", "0"}, "", "", ""},
+        {{"--depth", "2", "--top", "1"}, "a 1505/ {big 1500/ } ", "/a|/a/big|", "   1.50 KB  a/\n   1.50 KB    big/\n"},
+        {{"--depth", "99"},
+         "a 1505/ {big 1500/ {file 1500 } \"small\" 5 } \xEF\xBF\xBD\n 3 empty 0/ {} ",
+         "/a|/a/big|/a/big/file|/a/\"small\"|/\xfe\n|/empty|",
+         "   1.50 KB  a/\n   1.50 KB    big/\n   1.50 KB      file\n   0.00 KB    \"small\"\n   0.00 KB  \\xfe\\n\n"
+         "   0.00 KB  empty/\n"},
+        {{"--top", "0"}, "", "", ""},
+    };
+    for (const auto& each : cases) {
+        const auto printed = [&](const char* form) {
+            ProgramRun run = largeRun(each.arguments, tree.path());
+            if (*form != 0) run.arguments.emplace_back(form);
+            run.arguments.emplace_back(".");
+            const auto result = run.run();
+            EXPECT_EQ(result.status, 0);
+            EXPECT_EQ(result.error, "");
+            return result.output;
+        };
+        const Json json = Json::parse(printed("--json"));
+        EXPECT_EQ(json["root"], tree.path());
+        EXPECT_EQ(json["size"], 1508);
+        EXPECT_EQ(json["skipped"], Json::array());
+        EXPECT_EQ(json["stopped"], false);
+        EXPECT_EQ(shortOf(json["entries"], tree.path()), each.json);
+        std::string paths;
+        for (const char c : each.paths)
+            paths += c == '|'                                           ? std::string(1, '\0')
+                     : c == '/' && (paths.empty() || paths.back() == 0) ? tree.path() + "/"
+                                                                        : std::string(1, c);
+        EXPECT_EQ(printed("-0"), paths);
+        EXPECT_EQ(printed(""), each.listing + "   1.51 KB  " + tree.path() + "\n");
+    }
+    const Json raw = Json::parse(largeRun({"--json", tree.path()}).run().output)["entries"][1];
+    EXPECT_TRUE(raw.value("pathHex", "").ends_with("2ffe0a")) << raw;
+}
+
+TEST(LargeCommand, whatCanNotBeReadAndWhatIsWrong) {
+    TestTree tree;
+    fill(tree);
+    ASSERT_TRUE(tree.write("b/locked/x", "1") && tree.setMode("b/locked", 0) && tree.write("file", "1"));
+    const struct {
+        std::vector<std::string> arguments;
+        int status;
+        std::ptrdiff_t lines;  // on standard error
+    } cases[] = {
+        {{"a"}, 0, 0},
+        {{"b"}, 1, 1},
+        {{"b", "--quiet"}, 1, 0},
+        {{"missing"}, 3, 1},
+        {{"file"}, 3, 1},
+        {{"b/locked"}, 3, 1},
+        {{""}, 2, 1},
+        {{}, 2, 1},
+        {{"a", "b"}, 2, 1},
+        {{"a", "--depth", "x"}, 2, 1},
+        {{"a", "--top", "-1"}, 2, 1},
+    };
+    for (const auto& each : cases) {
+        for (const char* form : {"--json", "-0"}) {
+            ProgramRun run = largeRun(each.arguments, tree.path());
+            run.arguments.emplace_back(form);
+            if (::geteuid() == 0) run.user = 65534;
+            const auto result = run.run();
+            const std::string said = ::testing::PrintToString(each.arguments) + result.error;
+            EXPECT_EQ(result.status, each.status) << said;
+            EXPECT_EQ(result.output.empty(), each.status > 1) << said;
+            EXPECT_EQ(std::count(result.error.begin(), result.error.end(), '\n'), each.lines) << said;
+            if (form != std::string("--json") || each.status != 1) continue;
+            EXPECT_EQ(Json::parse(result.output)["skipped"][0]["path"], tree.at("b/locked"));
+        }
+    }
+    ASSERT_TRUE(tree.setMode("b/locked", 0700));
+    ProgramRun full = largeRun({"a"}, tree.path());
+    full.outputFile = "/dev/full";
+    EXPECT_EQ(full.run().status, 1);
+}
+
+TEST(LargeCommand, theLogTellsTheEndOfTheScan) {
+    TestTree tree;
+    fill(tree);
+    EXPECT_EQ(largeRun({"--log", "--quiet", tree.path()}).run().error, "---end----\n");
+}
+
+TEST(LargeCommand, neitherDepthNorPathsHaveAnEnd) {
+    TestTree tree("/dev/shm");
+    ASSERT_TRUE(tree.makeDeep("deep", 3000, "leaf"));
+    const auto result = largeRun({"-0", "--depth", "4000", tree.path()}).run();
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(std::count(result.output.begin(), result.output.end(), '\0'), 3002);
+    EXPECT_TRUE(result.output.ends_with(std::string("/d/d/leaf\0", 10)));
+}
+
+TEST(LargeCommand, aStopPrintsWhatIsThere) {
+    for (const int number : {SIGINT, SIGTERM}) {
+        ProgramRun run = largeRun({"--json", "/"});
+        run.terminal = true;
+        run.signals = {{number, [](const std::string& error) { return error.find(" entries") != std::string::npos; }}};
+        const auto result = run.run();
+        if (result.status == 0 || result.status == 1) GTEST_SKIP() << "read the whole disk before the signal came";
+        EXPECT_FALSE(result.late);
+        EXPECT_EQ(result.status, 130) << result.signal;
+        const Json document = Json::parse(result.output, nullptr, false);
+        ASSERT_TRUE(document.is_object());
+        EXPECT_EQ(document["stopped"], true);
+        EXPECT_GT(document["entries"].size(), 0U);
+        EXPECT_NE(result.error.find("\r\x1b[K"), std::string::npos) << "the progress line stays behind";
+    }
+}
+
+}  // namespace
+}  // namespace orrinvale::testing
