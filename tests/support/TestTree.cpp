@@ -4,6 +4,9 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <grp.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -11,7 +14,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -208,6 +213,17 @@ std::string runInChild(const ChildSetting& setting, const std::function<std::str
     if (WIFSIGNALED(status)) text += "\nended by signal " + std::to_string(WTERMSIG(status));
     else if (WEXITSTATUS(status) != 0) text += "\nended with status " + std::to_string(WEXITSTATUS(status));
     return text;
+}
+
+bool failSystemCall(long number, int error) {
+    const std::array<sock_filter, 4> program{
+        sock_filter{BPF_LD | BPF_W | BPF_ABS, 0, 0, offsetof(seccomp_data, nr)},
+        sock_filter{BPF_JMP | BPF_JEQ | BPF_K, 0, 1, static_cast<unsigned>(number)},
+        sock_filter{BPF_RET | BPF_K, 0, 0, SECCOMP_RET_ERRNO | static_cast<unsigned>(error)},
+        sock_filter{BPF_RET | BPF_K, 0, 0, SECCOMP_RET_ALLOW},
+    };
+    const sock_fprog filter{static_cast<unsigned short>(program.size()), const_cast<sock_filter*>(program.data())};
+    return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 && ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0;
 }
 
 }  // namespace orrinvale::testing

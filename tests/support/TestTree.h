@@ -65,6 +65,9 @@ struct ChildSetting {
 /// Runs the check in a forked process with a minute to live. Its text comes back; so does a line about a crash or a time-out.
 [[nodiscard]] std::string runInChild(const ChildSetting& setting, const std::function<std::string()>& check);
 
+/// From now on this process gets the errno from every system call of that number: for runInChild(). False when it can not be had.
+[[nodiscard]] bool failSystemCall(long number, int error);
+
 /// The real file system with a view on what is asked of it, and with faults of the test's choice.
 class WatchedFiles final : public FileSystem {
 public:
@@ -134,6 +137,11 @@ public:
         step("removeEntry");
         return m_real.removeEntry(folder, name, type);
     }
+    SysResult<void> moveEntry(int folder, const char* name, int newFolder, const char* newName) const override {
+        step("moveEntry");
+        return m_real.moveEntry(folder, name, newFolder, newName);
+    }
+    SysResult<bool> clearImmutable(int descriptor) const override { return m_real.clearImmutable(descriptor); }
     void readSizes(int folder, std::span<CatalogEntry> entries) const override { m_real.readSizes(folder, entries); }
     void readIdentities(int folder, std::span<CatalogEntry> entries) const override {
         if (onReadIdentities) onReadIdentities();

@@ -63,6 +63,7 @@ class Controller final {
 public:
     /// Made at the first call, never freed.
     [[nodiscard]] static Controller& getController();
+    /// Ends the scan and the removal that are under way, and waits for the entry in hand: call it with nothing before the parts go.
     void setParts(ControllerParts parts);
     void setADelegate(ControllerDelegate* delegate) { _aDelegate = delegate; }  ///< not owned
     [[nodiscard]] ControllerDelegate* aDelegate() const { return _aDelegate; }
@@ -83,14 +84,15 @@ public:
     void openFileWithFileNode(const FileNode& node);
     void pereviewFileWithFileNode(const FileNode& node);
 
-    /// Moves one entry to the trash of its volume. Whatever comes of it goes to the log.
-    void moveFileToTrash(const std::string& path);
-    /// Gives what is selected to the outside eraser.
+    /// Moves one entry to the trash of its volume. Why it stays, for people; empty when it went. Either goes to the log as well.
+    std::string moveFileToTrash(const std::string& path);
+    /// Gives what is selected to the outside eraser, and returns. Its nodes stay in the tree until the next scan; the page hears
+    /// reloadTreeList() at once and at the end. One at a time.
     void moveFileToTarsh();
 
     /// Starts the removal of what is ticked. False, and no call to the delegate, when nothing is.
     bool deleteFilesWithDic();
-    /// What would go, in the order of the tree: a ticked node as a whole, of a mixed one what is ticked below it.
+    /// What would go of these siblings, in the order of the tree: a ticked node as a whole, of a mixed one what is ticked below it.
     [[nodiscard]] static std::vector<FileNode*> deleteFilesWithDic(std::span<FileNode* const> nodes);
     void stopRemove();
     [[nodiscard]] bool isRemoving() const;
@@ -99,13 +101,22 @@ public:
     Controller& operator=(const Controller&) = delete;
 
 private:
-    Controller() = default;
-    ~Controller() = default;
+    struct Removal;
+    struct Erasure;
+
+    Controller();
+    ~Controller();
+
+    void removalNews();
+    void takeOut(Removal& removal, std::span<FileNode* const> nodes);
+    void endRemoval();
 
     ControllerParts m_parts;
     ControllerDelegate* _aDelegate = nullptr;
     std::shared_ptr<FileNodeTree> m_aRootArr;
     std::unique_ptr<EumeRoot> m_eumeRoot;
+    std::shared_ptr<Removal> m_removal;  // while one is under way
+    std::shared_ptr<Erasure> m_erasure;  // the same of the outside eraser
 };
 
 }  // namespace orrinvale
