@@ -14,7 +14,7 @@
 #include "gallery/Portrait.h"
 #include "gallery/drawing.h"
 #include "ui/duplicates/DuplicationLeftCell.h"
-#include "ui/duplicates/Panel.h"
+#include "ui/kit/controls/Panel.h"
 #include "ui/kit/chrome/AnimationHoverImageView.h"
 #include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/chrome/TCImageButton.h"

@@ -4,7 +4,6 @@
 #include <QStackedWidget>
 #include <algorithm>
 #include <chrono>
-#include <map>
 
 #include "engine/base/UtilityObject.h"
 #include "engine/cleaning/QnAuthorization.h"
@@ -214,15 +213,7 @@ void SameFileDeleteViewController::alertCanNotRemoveSome() {
 
 void SameFileDeleteViewController::showFailures() {
     if (!m_removal || !m_bSearchFinished) return;
-    std::map<std::string, QStringList> byReason;
-    for (const RemovalRun::Failure& failure : m_removal->failures)
-        byReason[failure.reason].push_back(QStringLiteral("    ") + QString::fromStdString(failure.path));
-    QStringList lines;
-    for (const auto& [reason, paths] : byReason) {
-        lines.push_back(QStringLiteral("%1 (%2)").arg(QString::fromStdString(reason), QString::number(paths.size())));
-        lines.append(paths);
-    }
-    showLineList(m_mainWindow, tr("Could not be removed"), lines);
+    showLineList(m_mainWindow, tr("Could not be removed"), linesByReason(m_removal->failures));
 }
 
 void SameFileDeleteViewController::stopRemoveBtnClicked() {
