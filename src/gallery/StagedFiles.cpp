@@ -101,6 +101,9 @@ SysResult<std::string> StagedFiles::placeOf(int folder) const { return m_files.p
 SysResult<std::vector<MountPoint>> StagedFiles::mountPoints() const { return m_files.mountPoints(); }
 void StagedFiles::useOwnDescriptors() const { m_files.useOwnDescriptors(); }
 void StagedFiles::readSizes(int folder, std::span<CatalogEntry> entries) const { m_files.readSizes(folder, entries); }
+void StagedFiles::readIdentities(int folder, std::span<CatalogEntry> entries) const {
+    m_files.readIdentities(folder, entries);
+}
 SysResult<Descriptor> StagedFiles::holdEntry(int parent, const char* name) const {
     return m_files.holdEntry(parent, name);
 }

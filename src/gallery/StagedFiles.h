@@ -52,6 +52,7 @@ public:
     SysResult<std::vector<MountPoint>> mountPoints() const override;
     void useOwnDescriptors() const override;
     void readSizes(int folder, std::span<CatalogEntry> entries) const override;
+    void readIdentities(int folder, std::span<CatalogEntry> entries) const override;
     SysResult<Descriptor> holdEntry(int parent, const char* name) const override;
 
 private:

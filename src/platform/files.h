@@ -173,6 +173,10 @@ public:
     /// system for no more than these two, which spares network file systems a round trip.
     virtual void readSizes(int folder, std::span<CatalogEntry> entries) const = 0;
 
+    /// Fills of `attributes`, or `error`, of each entry what tells it from others and what it takes, links kept, with exactly one
+    /// statx each: type, links, size, onDisk, device, inode, born. The other attributes mean nothing.
+    virtual void readIdentities(int folder, std::span<CatalogEntry> entries) const = 0;
+
     /// Takes hold of an entry of whatever type without opening it: a link itself, a FIFO, a folder or a file that may not be read.
     /// Good for attributes(), as the parent of other operations and for placeOf(), and for nothing else.
     [[nodiscard]] virtual SysResult<Descriptor> holdEntry(int parent, const char* name) const = 0;

@@ -70,6 +70,7 @@ class WatchedFiles final : public FileSystem {
 public:
     std::function<void(const char* name)> onOpenFile;
     std::function<void()> onReadFolder;
+    std::function<void()> onReadIdentities;
     std::function<void(const char* operation)>
         beforeRemoval;            ///< before each step of a removal, by its operation's name
     bool mountsFail = false;      ///< the table of mounts can not be read
@@ -134,6 +135,10 @@ public:
         return m_real.removeEntry(folder, name, type);
     }
     void readSizes(int folder, std::span<CatalogEntry> entries) const override { m_real.readSizes(folder, entries); }
+    void readIdentities(int folder, std::span<CatalogEntry> entries) const override {
+        if (onReadIdentities) onReadIdentities();
+        m_real.readIdentities(folder, entries);
+    }
     SysResult<Descriptor> holdEntry(int parent, const char* name) const override {
         return m_real.holdEntry(parent, name);
     }

@@ -1,78 +1,42 @@
-// Measuring: the walk of TreeSize over one folder. Read Measuring::step() first.
+// Measuring: the walk of TreeSize over one folder. Read FolderWalk.h first.
 #pragma once
 
 #include <algorithm>
 #include <atomic>
-#include <cstddef>
 #include <cstdint>
-#include <mutex>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "engine/files/FolderNode.h"
+#include "engine/files/FolderWalk.h"
 #include "engine/files/TreeSize.h"
-#include "engine/files/WorkCrew.h"
 
 namespace orrinvale {
 
-/// Lives until nobody needs its name for a path; open until the last subfolder was opened from it.
-struct SizedFolder : FolderNode {
-    std::string text;  // `name` points here
-    SizedFolder* above = nullptr;
-    Descriptor handle;
-    std::atomic<std::uint32_t> handleUsers{1};  // its own listing, batches in hand, subfolders not opened yet
-    std::atomic<std::uint32_t> users{1};        // the same, and subfolders that exist
-};
-
 /// One measuring of one folder, by as many threads as pay.
-class Measuring final {
+class Measuring final : FolderWalk {
 public:
-    /// `shown` is the path that errors give for the start. The file system and what the watch points to must outlive it.
-    Measuring(const FileSystem& files, const SizeWatch& watch, const std::string& shown, Descriptor start);
-    Measuring(const Measuring&) = delete;
-    Measuring& operator=(const Measuring&) = delete;
+    /// The file system and what the watch points to must outlive it.
+    Measuring(const FileSystem& files, const SizeWatch& watch);
 
-    /// Once only.
-    [[nodiscard]] SizeTotals run();
+    /// `shown` is the path that errors give for the start. Once only.
+    [[nodiscard]] SizeTotals run(const std::string& shown, Descriptor start);
 
 private:
-    struct alignas(64) Worker {
-        CatalogBatch batch;
-        std::vector<SizedFolder*> found;
-        SizeTotals totals;  // of the step in hand
+    struct alignas(64) Tally {
+        SizeTotals totals;  // of the folder in hand
     };
 
-    WorkCrew::Step step(unsigned number);
-    void visit(Worker& worker, SizedFolder* folder);
-    bool enter(Worker& worker, SizedFolder& folder);
-    void list(Worker& worker, SizedFolder& folder);
-    void takeEntry(Worker& worker, SizedFolder& folder, CatalogEntry& entry);
-    void takeDeep(Worker& worker, const SizedFolder& folder);
-    void add(SizedFolder& parent, Worker& worker, const char* name);
-    bool isKernels(std::uint64_t device);
-    [[nodiscard]] bool stopped() const { return m_watch.stop != nullptr && *m_watch.stop; }
-    void push(SizedFolder* folder);
-    SizedFolder* pushFound(Worker& worker);
+    void take(Worker& worker, WalkedFolder& folder, std::uint32_t first) override;
+    void takeDeep(Worker& worker, WalkedFolder& folder) override;
+    void visited(Worker& worker) override { count(totalsOf(worker)); }
+    void takeEntry(Worker& worker, WalkedFolder& folder, CatalogEntry& entry);
+    void addFolder(Worker& worker, WalkedFolder& parent, const char* name);
+    SizeTotals& totalsOf(const Worker& worker) { return m_tallies[worker.number].totals; }
     void count(SizeTotals& totals);
-    void releaseHandle(SizedFolder& folder);
-    static void release(SizedFolder* folder);
-    void fail(const FolderNode& folder, std::string_view operation, int number);
-    void skip(std::string_view operation, std::string path, int number);
 
-    const FileSystem& m_files;
     const SizeWatch m_watch;
-    WorkCrew m_crew;
-    std::vector<Worker> m_workers = std::vector<Worker>(m_crew.most());
-    std::once_flag m_asked;
-    std::vector<std::uint64_t> m_kernelDevices;  // since m_asked
-    std::uint64_t m_startDevice = 0;
-    std::size_t m_mostOpen = 0;
-    std::atomic<std::size_t> m_openFolders{1};
+    std::vector<Tally> m_tallies;
     SizeCounts m_counts;
-    std::atomic<std::size_t> m_open{0};  // tasks that wait or run
-    std::mutex m_mutex;
-    std::vector<SizedFolder*> m_tasks;  // guarded by m_mutex; the last in goes first, which keeps the walk depth first
 };
 
 /// Adds without ever passing the largest number.

@@ -11,7 +11,7 @@ namespace orrinvale {
 
 Result<SizeTotals> TreeSize::ofEntry(int parent, const std::string& name, const std::string& shown) const {
     auto folder = m_files.openFolder(parent, name.empty() ? "." : name.c_str(), Links::Keep);
-    if (folder) return Measuring(m_files, m_watch, shown, std::move(*folder)).run();
+    if (folder) return Measuring(m_files, m_watch).run(shown, std::move(*folder));
     if (folder.error() != ENOTDIR && folder.error() != ELOOP)
         return tl::unexpected(systemError("open", shown, folder.error()));
     const auto entry =

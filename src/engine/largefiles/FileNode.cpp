@@ -21,6 +21,7 @@ std::string FileNode::path() const {
     std::vector<const FileNode*> way;
     for (const FileNode* node = this; node->m_father != nullptr; node = node->m_father) way.push_back(node);
     std::string path = FileNodeTree::of(*this).rootPath();
+    if (!way.empty() && !way.back()->m_father->m_isDirectory) return path;  // the chosen file itself
     // Only the names directly in the chosen folder are put behind a slash whatever the folder is, so below "/" paths begin with two.
     for (auto node = way.rbegin(); node != way.rend(); ++node) {
         path += '/';
@@ -37,9 +38,7 @@ EntryIdentity FileNode::identity() const {
     return {.device = FileNodeTree::of(*this).m_devices[m_device], .inode = m_inode, .type = m_type, .born = m_born};
 }
 
-FileNode* FileNode::father() const {
-    return m_father != nullptr && m_father->m_father != nullptr ? m_father : nullptr;
-}
+FileNode* FileNode::father() const { return m_father != nullptr && m_father->m_father != nullptr ? m_father : nullptr; }
 
 bool FileNode::standsBefore(const FileNode& other) const {
     if (m_size != other.m_size) return m_size > other.m_size;

@@ -40,6 +40,14 @@ FileNodeTree& FileNodeTree::of(const FileNode& node) {
 }
 
 std::span<FileNode* const> FileNodeTree::add(FileNode& folder, std::span<const FoundEntry> entries) {
+    const Added added = addHere(folder, entries);
+    for (FileNode* above = folder.m_father; above != nullptr && (added.size | added.onDisk) != 0;
+         above = above->m_father)
+        grow(*above, added.size, added.onDisk);
+    return added.nodes;
+}
+
+FileNodeTree::Added FileNodeTree::addHere(FileNode& folder, std::span<const FoundEntry> entries) {
     makeRoom(folder, entries.size());
     const std::span<FileNode*> added{folder.m_children + folder.m_childCount, entries.size()};
     auto* const nodes = m_nodes.allocate<FileNode>(entries.size());
@@ -65,14 +73,21 @@ std::span<FileNode* const> FileNodeTree::add(FileNode& folder, std::span<const F
     }
     folder.m_childCount += static_cast<std::uint32_t>(entries.size());
     folder.m_ordered = 0;
-    for (FileNode* above = &folder; above != nullptr && (size | onDisk) != 0; above = above->m_father) {
-        addSaturating(above->m_size, size);
-        addSaturating(above->m_onDisk, onDisk);
-        if (above->m_father != nullptr) above->m_father->m_ordered = 0;
-    }
+    if ((size | onDisk) != 0) grow(folder, size, onDisk);
     m_nodeCount += entries.size();
     ++m_revision;
-    return added;
+    return {.nodes = added, .size = size, .onDisk = onDisk};
+}
+
+void FileNodeTree::grow(FileNode& folder, std::uint64_t size, std::uint64_t onDisk) {
+    addSaturating(folder.m_size, size);
+    addSaturating(folder.m_onDisk, onDisk);
+    if (folder.m_father != nullptr) folder.m_father->m_ordered = 0;
+}
+
+void FileNodeTree::addChosenFile(const FoundEntry& entry) {
+    m_root->m_isDirectory = false;
+    add(*m_root, {&entry, 1});
 }
 
 void FileNodeTree::makeRoom(FileNode& folder, std::size_t more) {

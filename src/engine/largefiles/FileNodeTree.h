@@ -30,6 +30,19 @@ public:
     /// entries; good until the next call for the folder.
     std::span<FileNode* const> add(FileNode& folder, std::span<const FoundEntry> entries);
 
+    /// The same in two halves, for many additions at once: what add() did to the sizes of the folders above `folder` is left to
+    /// grow(), for each of them, before anybody looks.
+    struct Added {
+        std::span<FileNode* const> nodes;
+        std::uint64_t size = 0;  ///< bytes of all of them
+        std::uint64_t onDisk = 0;
+    };
+    Added addHere(FileNode& folder, std::span<const FoundEntry> entries);
+    static void grow(FileNode& folder, std::uint64_t size, std::uint64_t onDisk);
+
+    /// Adds the only node of a tree whose rootPath() is that of a file.
+    void addChosenFile(const FoundEntry& entry);
+
     /// Storage that lives as long as the tree, such as an arena with names.
     void keep(std::shared_ptr<const void> storage) { m_kept.push_back(std::move(storage)); }
 

@@ -149,6 +149,12 @@ void LinuxFileSystem::readSizes(int folder, std::span<CatalogEntry> entries) con
     }
 }
 
+void LinuxFileSystem::readIdentities(int folder, std::span<CatalogEntry> entries) const {
+    constexpr unsigned wanted = STATX_TYPE | STATX_NLINK | STATX_SIZE | STATX_BLOCKS | STATX_INO | STATX_BTIME;
+    for (CatalogEntry& entry : entries)
+        entry.error = askAttributes(folder, entry.name, AT_SYMLINK_NOFOLLOW, wanted, entry.attributes);
+}
+
 SysResult<Descriptor> LinuxFileSystem::holdEntry(int parent, const char* name) const {
     return openRetrying(parent, name, O_PATH | O_NOFOLLOW | O_CLOEXEC);
 }

@@ -35,6 +35,7 @@ public:
     SysResult<std::string> placeOf(int descriptor) const override;
     SysResult<std::vector<MountPoint>> mountPoints() const override;
     void readSizes(int folder, std::span<CatalogEntry> entries) const override;
+    void readIdentities(int folder, std::span<CatalogEntry> entries) const override;
     SysResult<Descriptor> holdEntry(int parent, const char* name) const override;
 };
 

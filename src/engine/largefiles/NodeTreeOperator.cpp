@@ -1,0 +1,191 @@
+// NodeTreeOperator: see NodeTreeOperator.h. What is deeper than descriptors reach goes through DeepTree.
+#include "engine/largefiles/NodeTreeOperator.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <span>
+#include <utility>
+
+#include "engine/files/Catalog.h"
+#include "engine/files/TreeLister.h"
+#include "engine/files/TreeSize.h"
+
+namespace orrinvale {
+namespace {
+
+// Entries looked at between two looks at the stop, and read in one call of the file system.
+constexpr std::size_t batchEntries = 40;
+
+FoundEntry foundEntry(const FileAttributes& seen, const char* name) {
+    return {.name = name,
+            .isDirectory = seen.type == FileType::Folder,
+            .type = seen.type,
+            .links = seen.links,
+            .position = 0,
+            .size = countedSize(seen),
+            .onDisk = seen.type == FileType::Folder ? 0 : seen.onDisk,
+            .device = seen.device,
+            .inode = seen.inode,
+            .born = seen.born};
+}
+
+}  // namespace
+
+// Everything in a folder is in the tree when its last user goes, unless a stop threw something away.
+TreeFolder::~TreeFolder() {
+    if (counts != nullptr && !counts->stop) counts->finished.fetch_add(1);
+}
+
+NodeTreeOperator::Arenas NodeTreeOperator::makeArenas() {
+    return std::make_shared<std::vector<NameArena>>(mostThreads);
+}
+
+NodeTreeOperator::NodeTreeOperator(const FileSystem& files, std::shared_ptr<ScanCounts> counts, SkipList& skipped,
+                                   Arenas arenas, Receiver receiver)
+    : FolderWalk(files, &counts->stop, &skipped),
+      m_counts(std::move(counts)),
+      m_arenas(std::move(arenas)),
+      m_receiver(std::move(receiver)) {}
+
+void NodeTreeOperator::eumeAllFilesWithPath(const std::string& path) {
+    auto folder = openFolderByPath(m_files, path, Links::Follow);
+    if (folder) walk(std::make_unique<TreeFolder>(), path, std::move(*folder));
+    else if (folder.error() == ENOTDIR) takeFile(path);
+    else if (folder.error() != ENOENT) skip("open", path, folder.error());
+}
+
+void NodeTreeOperator::takeFile(const std::string& path) {
+    const Catalog catalog(m_files);
+    const auto reference = catalog.fsref(path);
+    FSCatalogInfo info;
+    if (!reference || catalog.FSGetCatalogInfo(*reference, info) != noErr) return;
+    const std::size_t slash = path.rfind('/');
+    FoundChunk chunk;
+    chunk.entries.push_back(foundEntry(info.attributes, m_arenas->front().names.copy(path.substr(slash + 1))));
+    m_counts->found.fetch_add(1);
+    m_receiver(std::move(chunk));
+}
+
+void NodeTreeOperator::take(Worker& worker, WalkedFolder& walked, std::uint32_t first) {
+    auto& folder = static_cast<TreeFolder&>(walked);
+    Arena& arena = (*m_arenas)[worker.number].names;
+    const std::span<CatalogEntry> entries(worker.batch.entries);
+    FoundChunk chunk;
+    chunk.folder = &folder;
+    chunk.entries.reserve(entries.size());
+    for (std::size_t at = 0; at < entries.size() && !stopped(); at += batchEntries) {
+        const auto batch = entries.subspan(at, std::min(batchEntries, entries.size() - at));
+        m_files.readIdentities(folder.handle.get(), batch);
+        for (CatalogEntry& entry : batch) {
+            TreeFolder* const found = addEntry(chunk, arena, entry, first++);
+            if (found != nullptr) addFound(worker, folder, found, chunk.entries.back().name);
+        }
+    }
+    handOver(std::move(chunk));
+}
+
+// The folder that the entry is, in the chunk already but with no place in the walk; null for any other entry.
+TreeFolder* NodeTreeOperator::addEntry(FoundChunk& chunk, Arena& arena, const CatalogEntry& entry,
+                                       std::uint32_t position) {
+    if (entry.error == ENOENT) {
+        ++chunk.goneCount;
+        return nullptr;
+    }
+    FoundEntry& found = chunk.entries.emplace_back();
+    if (entry.error == 0) {
+        found = foundEntry(entry.attributes, arena.copy(entry.name));
+    } else {  // what can not be reached counts as a file of which nothing is known
+        found.name = arena.copy(entry.name);
+        found.device = chunk.folder->device;
+        found.inode = entry.inode;
+        skip("attributes", pathOf(*chunk.folder, entry.name), entry.error);
+    }
+    found.position = position;
+    if (!found.isDirectory) return nullptr;
+    auto folder = std::make_unique<TreeFolder>();
+    folder->device = found.device;
+    folder->inode = found.inode;
+    folder->depth = chunk.folder->depth + 1;
+    if (chunk.folder->above == nullptr) folder->counts = m_counts;
+    folder->users.fetch_add(1);  // the chunk's
+    chunk.folders.push_back(folder.get());
+    return folder.release();
+}
+
+void NodeTreeOperator::handOver(FoundChunk&& chunk) {
+    if (chunk.entries.empty() && chunk.goneCount == 0) return;
+    m_counts->found.fetch_add(chunk.entries.size(), std::memory_order_relaxed);
+    chunk.folder->users.fetch_add(1);
+    m_receiver(std::move(chunk));
+}
+
+void NodeTreeOperator::releaseFolders(const FoundChunk& chunk) {
+    for (TreeFolder* const folder : chunk.folders) release(folder);
+    release(chunk.folder);
+}
+
+// Only now the share of the finished entries means something.
+void NodeTreeOperator::listed(WalkedFolder& folder) {
+    if (folder.above == nullptr) m_counts->all = folder.listedCount;
+}
+
+// Folders on the way to the entry in hand; each has its part of the chunk that was not handed over yet.
+void NodeTreeOperator::takeDeep(Worker& worker, WalkedFolder& start) {
+    struct Level {
+        TreeFolder* folder;      // null where nothing counts
+        std::size_t pathLength;  // of its path below the start
+        std::uint32_t position = 0;
+        FoundChunk chunk = {};
+    };
+    Arena& arena = (*m_arenas)[worker.number].names;
+    std::vector<Level> levels;
+    const auto enter = [&](TreeFolder* folder, std::size_t pathLength) {
+        levels.push_back({.folder = folder, .pathLength = pathLength});
+        levels.back().chunk.folder = folder;
+    };
+    const auto flush = [&](Level& level) {
+        if (level.folder == nullptr) return;
+        handOver(std::exchange(level.chunk, {}));
+        level.chunk.folder = level.folder;
+    };
+    const auto leave = [&] {
+        flush(levels.back());
+        if (levels.size() > 1) release(levels.back().folder);
+        levels.pop_back();
+    };
+    TreeListing listing;
+    listing.foldersFirst = true;
+    listing.failed = [&](std::string_view relative, int error) {
+        if (error == ENOENT || error == ENOTDIR || error == ELOOP) return;
+        skip("open", joinPath(pathOf(start), relative), error);
+    };
+    listing.entry = [&](const TreeEntry& entry) {
+        const std::size_t pathLength = entry.relative.size() - entry.name.size();
+        while (levels.back().pathLength + (levels.size() > 1 ? 1 : 0) > pathLength) leave();
+        Level& level = levels.back();
+        const bool isFolder = entry.type == FileType::Folder;
+        if (level.folder == nullptr) {
+            if (isFolder) enter(nullptr, entry.relative.size());
+            return;
+        }
+        CatalogEntry one{.name = entry.name.data(), .type = entry.type, .attributes = {}};
+        m_files.readIdentities(entry.folder, {&one, 1});
+        TreeFolder* const found = addEntry(level.chunk, arena, one, level.position++);
+        if (found != nullptr) {
+            found->parent = found->above = level.folder;
+            found->name = level.chunk.entries.back().name;
+            level.folder->users.fetch_add(1);
+        }
+        const bool full = level.chunk.entries.size() >= batchEntries;
+        if (isFolder || found != nullptr || full) flush(level);
+        const bool counts = isFolder && found != nullptr && !isKernels(found->device);
+        if (found != nullptr && !counts) release(found);
+        if (isFolder) enter(counts ? found : nullptr, entry.relative.size());
+    };
+    enter(static_cast<TreeFolder*>(&start), 0);
+    const auto listedAll = listTree(m_files, start.handle.get(), listing, stopFlag());
+    while (!levels.empty()) leave();
+    if (!listedAll) fail(start, "list", listedAll.error());
+}
+
+}  // namespace orrinvale
