@@ -97,7 +97,7 @@ void ListFileViewController::moveToTrash(FileNode& node) {
     if (m_isScan || m_isRemoving) return;
     const std::string path = node.path();
     Controller::getController().moveFileToTrash(path);
-    if (!m_parts.files->attributes(FileSystem::noParent, path.c_str(), Links::NoFollow)) {
+    if (!m_parts.files->attributes(FileSystem::noParent, path.c_str(), Links::Keep)) {
         takeOut(node);
         return;
     }
