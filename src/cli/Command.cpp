@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "cli/Output.h"
+#include "engine/files/FolderNode.h"
 
 namespace orrinvale::cli {
 
@@ -40,6 +41,16 @@ Status finish(Output& out, const std::vector<Error>& skipped, bool stopped) {
     }
     if (stopped) return Status::Stopped;
     return skipped.empty() ? Status::Done : Status::SomeSkipped;
+}
+
+std::string folderFault(const FileSystem& files, const std::string& path) {
+    const auto folder = openFolderByPath(files, path, Links::Follow);
+    return folder ? std::string() : systemError("open", path, folder.error()).reason();
+}
+
+Status noSuchFolder(const std::string& path, const std::string& reason) {
+    complain(fmt::format("{}: {}", path, reason));
+    return Status::NoSuchFolder;
 }
 
 std::optional<std::uint64_t> parseBytes(std::string_view text) {

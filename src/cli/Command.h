@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/error.h"
+#include "platform/files.h"
 
 namespace orrinvale::cli {
 
@@ -71,6 +72,12 @@ void complainOfEach(const std::vector<Error>& skipped);
 
 /// Flushes the output and gives the exit status of a run that left this out, or was stopped.
 [[nodiscard]] Status finish(Output& out, const std::vector<Error>& skipped, bool stopped);
+
+/// Why the folder can not be listed at all; empty when it can.
+[[nodiscard]] std::string folderFault(const FileSystem& files, const std::string& path);
+
+/// Complains of it.
+Status noSuchFolder(const std::string& path, const std::string& reason);
 
 /// A number of bytes in decimal digits and nothing else.
 [[nodiscard]] std::optional<std::uint64_t> parseBytes(std::string_view text);

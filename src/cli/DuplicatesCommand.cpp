@@ -13,22 +13,11 @@
 namespace orrinvale::cli {
 namespace {
 
-// Why the folder can not be searched at all; empty when it can.
-std::string folderFault(const FileSystem& files, const std::string& path) {
-    const auto folder = openFolderByPath(files, path, Links::Follow);
-    return folder ? std::string() : systemError("open", path, folder.error()).reason();
-}
-
 std::string progressLine(DuplicateFilesOpt& search) {
     const auto state = search.search();
     const SearchCounts counts = state ? state->counts() : SearchCounts{};
     return fmt::format("{:3} %  {} files, {} read  {}", search.getProgress(), counts.listedFiles,
                        UtilityFunction::convertVolSpace(counts.hashedBytes), printable(search.getCurrentSearchFile()));
-}
-
-Status cannotSearch(const std::string& path, const std::string& reason) {
-    complain(fmt::format("{}: {}", path, reason));
-    return Status::NoSuchFolder;
 }
 
 }  // namespace
@@ -46,7 +35,7 @@ Status DuplicatesCommand::run(const Arguments& arguments) {
     if (arguments.text("FOLDER").empty()) return badUsage("the folder's name is empty");
     const std::string root = absolutePath(arguments.text("FOLDER"));
     const std::string fault = folderFault(m_files, root);
-    if (!fault.empty()) return cannotSearch(root, fault);
+    if (!fault.empty()) return noSuchFolder(root, fault);
 
     DuplicateFilesOpt search(m_files);
     const SearchOption option{arguments.has("hidden"), arguments.has("system")};
@@ -60,7 +49,7 @@ Status DuplicatesCommand::run(const Arguments& arguments) {
         stopped = watch.wasSignalled();
     }
     const auto state = search.search();
-    if (state->rootError()) return cannotSearch(root, state->rootError()->reason());
+    if (state->rootError()) return noSuchFolder(root, state->rootError()->reason());
 
     const std::vector<Error> skipped = state->skipped().entries();
     if (!arguments.has("quiet")) complainOfEach(skipped);

@@ -9,6 +9,7 @@
 
 #include "cli/Command.h"
 #include "cli/DuplicatesCommand.h"
+#include "cli/LargeCommand.h"
 #include "cli/Output.h"
 #include "cli/SizeCommand.h"
 #include "cli/VolumesCommand.h"
@@ -94,6 +95,7 @@ int run(int argc, char** argv) {
     LinuxVolumes volumes;
     commands.push_back(std::make_unique<VolumesCommand>(volumes));
     commands.push_back(std::make_unique<SizeCommand>(files));
+    commands.push_back(std::make_unique<LargeCommand>(files));
 
     Parser parser(commands);
     try {

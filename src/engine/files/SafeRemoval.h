@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "engine/files/EntryIdentity.h"
+#include "engine/files/HeldEntry.h"
 #include "engine/files/ProtectedPlaces.h"
 #include "platform/files.h"
 
@@ -42,10 +43,7 @@ public:
                                        const std::atomic<bool>* stop = nullptr) const;
 
 private:
-    void removeHeld(int parent, const std::string& path, const std::optional<EntryIdentity>& expected,
-                    const std::atomic<bool>* stop, RemovalResult& result) const;
-    [[nodiscard]] std::optional<std::string> refusal(int parent, const std::string& path, const char* name,
-                                                     const FileAttributes& entry) const;
+    void removeHeld(const HeldEntry& held, const std::atomic<bool>* stop, RemovalResult& result) const;
     [[nodiscard]] bool isSurelyAbsent(const std::string& path, const std::optional<EntryIdentity>& expected) const;
 
     const FileSystem& m_files;

@@ -63,6 +63,7 @@ class Controller final {
 public:
     /// Made at the first call, never freed.
     [[nodiscard]] static Controller& getController();
+    /// Ends the scan and the removal that are under way, and waits for the entry in hand: call it with nothing before the parts go.
     void setParts(ControllerParts parts);
     void setADelegate(ControllerDelegate* delegate) { _aDelegate = delegate; }  ///< not owned
     [[nodiscard]] ControllerDelegate* aDelegate() const { return _aDelegate; }
@@ -99,13 +100,20 @@ public:
     Controller& operator=(const Controller&) = delete;
 
 private:
-    Controller() = default;
-    ~Controller() = default;
+    struct Removal;
+
+    Controller();
+    ~Controller();
+
+    void removalNews();
+    void takeOut(Removal& removal, std::span<FileNode* const> nodes);
+    void endRemoval();
 
     ControllerParts m_parts;
     ControllerDelegate* _aDelegate = nullptr;
     std::shared_ptr<FileNodeTree> m_aRootArr;
     std::unique_ptr<EumeRoot> m_eumeRoot;
+    std::shared_ptr<Removal> m_removal;  // while one is under way
 };
 
 }  // namespace orrinvale

@@ -2,7 +2,7 @@
 #include "engine/largefiles/FileNode.h"
 
 #include <algorithm>
-#include <iterator>
+#include <functional>
 #include <vector>
 
 #include "engine/largefiles/FileNodeTree.h"
@@ -35,7 +35,11 @@ std::string FileNode::displayName() const { return m_name; }
 bool FileNode::isSystemFile() const { return SystemFolder::isSystemFileWithFilePath(path()); }
 
 EntryIdentity FileNode::identity() const {
-    return {.device = FileNodeTree::of(*this).m_devices[m_device], .inode = m_inode, .type = m_type, .born = m_born};
+    return {.device = FileNodeTree::of(*this).m_devices[m_device],
+            .inode = m_inode,
+            .type = m_type,
+            .born = m_born,
+            .knowsContents = false};
 }
 
 FileNode* FileNode::father() const { return m_father != nullptr && m_father->m_father != nullptr ? m_father : nullptr; }
@@ -67,14 +71,40 @@ std::span<FileNode* const> FileNode::biggestChildren(std::size_t count) {
     return all;
 }
 
-void FileNode::removeChild(FileNode& child) {
-    FileNode** const end = m_children + m_childCount;
-    FileNode** const found = std::find(m_children, end, &child);
-    if (found == end) return;
-    std::move(found + 1, end, found);
-    --m_childCount;
-    if (found - m_children < static_cast<std::ptrdiff_t>(m_ordered)) --m_ordered;
+// In a folder of a million entries a look at each child would take longer than a frame, so that the list alone is compared with
+// those that leave, up to the last of them.
+void FileNode::removeChildren(std::span<FileNode* const> leaving) {
+    std::size_t found = 0;
+    std::size_t at = 0;
+    std::size_t kept = 0;
+    std::uint32_t orderedGone = 0;
+    for (; at < m_childCount && found < leaving.size(); ++at) {
+        if (m_children[at] != leaving[found]) {
+            m_children[kept++] = m_children[at];
+            continue;
+        }
+        ++found;
+        if (at < m_ordered) ++orderedGone;
+    }
+    if (found > 0) std::move(m_children + at, m_children + m_childCount, m_children + kept);
+    m_childCount -= static_cast<std::uint32_t>(found);
+    m_ordered -= orderedGone;
+    if (found < leaving.size()) removeChildrenInAnyOrder(leaving.subspan(found));
     ++FileNodeTree::of(*this).m_revision;
+}
+
+void FileNode::removeChildrenInAnyOrder(std::span<FileNode* const> leaving) {
+    std::vector<FileNode*> sorted(leaving.begin(), leaving.end());
+    std::sort(sorted.begin(), sorted.end(), std::less<>());
+    const auto leaves = [&](FileNode* child) {
+        return std::binary_search(sorted.begin(), sorted.end(), child, std::less<>());
+    };
+    FileNode** const ordered = m_children + m_ordered;
+    FileNode** const orderedEnd = std::remove_if(m_children, ordered, leaves);
+    FileNode** const end = std::remove_if(ordered, m_children + m_childCount, leaves);
+    m_ordered = static_cast<std::uint32_t>(orderedEnd - m_children);
+    m_childCount = m_ordered + static_cast<std::uint32_t>(end - ordered);
+    if (orderedEnd != ordered) std::move(ordered, end, orderedEnd);
 }
 
 }  // namespace orrinvale

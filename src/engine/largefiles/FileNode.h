@@ -41,7 +41,8 @@ public:
     FileNode& operator=(const FileNode&) = delete;
 
     [[nodiscard]] std::string_view name() const { return m_name; }
-    /// Put together from the names at each call; exact bytes, of any length.
+    /// Put together from the names at each call; exact bytes, of any length. Any thread, also for a node that was taken out: names
+    /// and fathers never change.
     [[nodiscard]] std::string path() const;
     /// The last component of the path.
     [[nodiscard]] std::string displayName() const;
@@ -76,7 +77,13 @@ public:
     [[nodiscard]] std::span<FileNode* const> childrenInAnyOrder() const { return {m_children, m_childCount}; }
 
     /// Takes the child out. Sizes above stay as they are.
-    void removeChild(FileNode& child);
+    void removeChild(FileNode& child) {
+        FileNode* const leaving = &child;
+        removeChildren({&leaving, 1});
+    }
+    /// The same for many, in one pass over the list; those that are no children are passed over. Cheapest when they come in the order of
+    /// the list.
+    void removeChildren(std::span<FileNode* const> leaving);
 
     /// Less than 0 when this node is bigger than the other, 0 when they are of one size: the biggest comes first.
     [[nodiscard]] int compareSize(const FileNode& other) const {
@@ -87,6 +94,7 @@ private:
     friend class FileNodeTree;
     FileNode() = default;
     [[nodiscard]] bool standsBefore(const FileNode& other) const;
+    void removeChildrenInAnyOrder(std::span<FileNode* const> leaving);
 
     const char* m_name = nullptr;
     FileNode* m_father = nullptr;  // of the top level the tree's root, which father() hides

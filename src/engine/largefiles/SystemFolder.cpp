@@ -20,9 +20,11 @@ std::set<std::string> listedPaths() {
 
 }  // namespace
 
-bool SystemFolder::isSystemFileWithFilePath(const std::string& path) {
+const std::set<std::string>& SystemFolder::paths() {
     static const std::set<std::string> paths = listedPaths();
-    return paths.contains(path);
+    return paths;
 }
+
+bool SystemFolder::isSystemFileWithFilePath(const std::string& path) { return paths().contains(path); }
 
 }  // namespace orrinvale

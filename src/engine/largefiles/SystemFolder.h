@@ -1,6 +1,7 @@
 // SystemFolder: the files and folders that nobody should select in the large file page.
 #pragma once
 
+#include <set>
 #include <string>
 
 namespace orrinvale {
@@ -9,7 +10,10 @@ class SystemFolder final {
 public:
     SystemFolder() = delete;
 
-    /// Whether the path is one of those in the property list "SystemFile", exactly as it is spelled there. Any thread.
+    /// The paths in the property list "SystemFile". Any thread.
+    [[nodiscard]] static const std::set<std::string>& paths();
+
+    /// Whether the path is one of them, exactly as it is spelled there. Any thread.
     [[nodiscard]] static bool isSystemFileWithFilePath(const std::string& path);
 };
 

@@ -1,0 +1,67 @@
+// orrinvale-cli large: see LargeCommand.h. engine/largefiles/EumeRoot.h scans, LargeReport.h prints.
+#include "cli/LargeCommand.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include "cli/LargeReport.h"
+#include "cli/Output.h"
+#include "cli/SearchWatch.h"
+#include "engine/largefiles/EumeRoot.h"
+
+namespace orrinvale::cli {
+namespace {
+
+std::string progressLine(const EumeRoot& scan) {
+    return fmt::format("{:3.0f} %  {} entries", scan.getProgress(), scan.foundCount());
+}
+
+// True when it was ended by a signal.
+bool runScan(EumeRoot& scan, std::shared_ptr<FileNodeTree> tree, bool showProgress) {
+    std::function<std::string()> progress;
+    if (showProgress) progress = [&scan] { return progressLine(scan); };
+    const std::string root = tree->rootPath();
+    scan.eumeAllRootFileNodeWithRootArr(std::move(tree), root);
+    const SearchWatch watch([&scan] { scan.stopScan(); }, progress);
+    scan.waitForEnd();
+    return watch.wasSignalled();
+}
+
+}  // namespace
+
+std::vector<OptionSpec> LargeCommand::options() const {
+    return {{"--depth", "N", "Print so many levels of folders (default 1)"},
+            {"--top", "N", "Print of each folder only the N biggest entries"},
+            {"FOLDER", "", "The folder to look through"}};
+}
+
+Status LargeCommand::run(const Arguments& arguments) {
+    LargeExtent extent;
+    for (const auto& [option, value] : {std::pair{"depth", &extent.depth}, std::pair{"top", &extent.top}}) {
+        if (!arguments.has(option)) continue;
+        const auto number = parseBytes(arguments.text(option));
+        if (!number) return badUsage(fmt::format("--{} takes a number, not \"{}\"", option, arguments.text(option)));
+        *value = *number;
+    }
+    if (arguments.text("FOLDER").empty()) return badUsage("the folder's name is empty");
+    const std::string root = absolutePath(arguments.text("FOLDER"));
+    const std::string fault = folderFault(m_files, root);
+    if (!fault.empty()) return noSuchFolder(root, fault);
+
+    const bool quiet = arguments.has("quiet");
+    const auto tree = std::make_shared<FileNodeTree>(root);
+    EumeRoot scan({.files = &m_files, .mainQueue = nullptr});
+    const bool stopped = runScan(scan, tree, !quiet && isTerminal(STDERR_FILENO));
+    const std::vector<Error> skipped = scan.skipped();
+    if (tree->nodeCount() == 0 && !skipped.empty() && skipped.front().path == root)
+        return noSuchFolder(root, skipped.front().reason());
+    if (!quiet) complainOfEach(skipped);
+
+    Output out(STDOUT_FILENO);
+    if (arguments.has("json")) printJson(out, *tree, extent, skipped, stopped);
+    else if (arguments.has("print0")) printPaths(out, *tree, extent);
+    else printListing(out, *tree, extent, wantsColour(STDOUT_FILENO));
+    return finish(out, skipped, stopped);
+}
+
+}  // namespace orrinvale::cli

@@ -1,0 +1,70 @@
+// HeldEntry: see HeldEntry.h.
+#include "engine/files/HeldEntry.h"
+
+#include <string_view>
+#include <utility>
+
+#include "platform/error.h"
+#include "platform/paths.h"
+
+namespace orrinvale {
+namespace {
+
+using Objection = HeldEntry::Objection;
+
+constexpr std::size_t longestPath = 4000;  // below PATH_MAX (4096), which counts the closing NUL
+
+Objection refused(std::string reason) { return {Objection::Kind::Refused, 0, std::move(reason)}; }
+
+Objection failed(Objection::Kind kind, int error) { return {kind, error, systemError("hold", {}, error).reason()}; }
+
+// Once, and then held. A path longer than the system's limit is gone through piece by piece, each from the one before.
+SysResult<Descriptor> hold(const FileSystem& files, const std::string& path) {
+    Descriptor base;
+    std::string_view rest = path;
+    while (rest.size() > longestPath) {
+        const std::size_t cut = rest.rfind('/', longestPath);
+        if (cut == std::string_view::npos || cut == 0) return tl::unexpected(ENAMETOOLONG);
+        auto next = files.holdFolder(base.isOpen() ? base.get() : FileSystem::noParent,
+                                     std::string(rest.substr(0, cut)).c_str(), Links::Follow);
+        if (!next) return next;
+        base = std::move(*next);
+        rest.remove_prefix(cut + 1);
+    }
+    return files.holdFolder(base.isOpen() ? base.get() : FileSystem::noParent, std::string(rest).c_str(),
+                            Links::Follow);
+}
+
+// The path as it was given may lead through links, so that the place of the held parent is asked for too.
+std::optional<std::string> refusal(const FileSystem& files, const ProtectedPlaces& places, const HeldEntry& held) {
+    if (auto reason = places.refusal(held.path, held.attributes)) return reason;
+    if (const auto place = files.placeOf(held.parent.get()); place && place->starts_with('/'))
+        if (auto reason = places.refusal(joinPath(*place, held.name), held.attributes)) return reason;
+    const auto folder = files.attributes(held.parent.get());
+    if (!folder) return systemError("hold", {}, folder.error()).reason();
+    // Layered file systems give files the device of their layer, so that it tells a mount of folders only.
+    const bool otherDevice = held.attributes.type == FileType::Folder && folder->device != held.attributes.device;
+    if (otherDevice || folder->mount != held.attributes.mount) return "a mount point";
+    return std::nullopt;
+}
+
+}  // namespace
+
+tl::expected<HeldEntry, Objection> HeldEntry::at(const FileSystem& files, const ProtectedPlaces& places,
+                                                 const std::string& path,
+                                                 const std::optional<EntryIdentity>& expected) {
+    auto plain = plainPath(path);
+    if (!plain) return tl::unexpected(refused("not a plain absolute path"));
+    if (*plain == "/") return tl::unexpected(refused("the root of the file system"));
+    auto parent = hold(files, folderOf(*plain));
+    if (!parent) return tl::unexpected(failed(Objection::Kind::NoParent, parent.error()));
+    std::string name(lastPathComponent(*plain));
+    const auto seen = files.attributes(parent->get(), name.c_str(), Links::Keep);
+    if (!seen) return tl::unexpected(failed(Objection::Kind::NoEntry, seen.error()));
+    HeldEntry held{std::move(*parent), std::move(*plain), std::move(name), *seen};
+    if (auto reason = refusal(files, places, held)) return tl::unexpected(refused(std::move(*reason)));
+    if (expected && !expected->isStill(*seen)) return tl::unexpected(refused("changed since the scan"));
+    return held;
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,69 @@
+// What the tests of the large file page's controller share: a queue for the main thread that the test serves itself, and
+// nodes by their paths.
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <string_view>
+#include <utility>
+
+#include "engine/base/MainQueue.h"
+#include "engine/largefiles/FileNodeTree.h"
+
+namespace orrinvale::testing {
+
+/// The thread that serves it is the main thread.
+class ServedQueue final : public MainQueue {
+public:
+    void async(std::function<void()> work) override {
+        const std::lock_guard guard(m_mutex);
+        m_work.push_back(std::move(work));
+        m_changed.notify_all();
+    }
+    bool sync(std::function<void()> /*work*/) override { return false; }
+
+    /// False when the condition does not hold within 20 seconds.
+    bool serveUntil(const std::function<bool()>& condition) {
+        const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (!condition()) {
+            std::unique_lock lock(m_mutex);
+            if (!m_changed.wait_until(lock, until, [this] { return !m_work.empty(); })) return false;
+            const auto work = std::move(m_work.front());
+            m_work.pop_front();
+            lock.unlock();
+            const auto begun = std::chrono::steady_clock::now();
+            work();
+            longest = std::max(longest, std::chrono::steady_clock::now() - begun);
+            ++turns;
+        }
+        return true;
+    }
+
+    std::chrono::steady_clock::duration longest{};  ///< of one piece of work
+    std::size_t turns = 0;
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::deque<std::function<void()>> m_work;  // guarded by m_mutex
+};
+
+/// The node with that path below the root of the tree, or null.
+inline FileNode* nodeAt(FileNodeTree& tree, std::string_view path) {
+    FileNode* node = &tree.root();
+    while (node != nullptr && !path.empty()) {
+        const std::string_view name = path.substr(0, path.find('/'));
+        path.remove_prefix(std::min(name.size() + 1, path.size()));
+        FileNode* next = nullptr;
+        for (FileNode* const child : node->childrenInAnyOrder())
+            if (child->name() == name) next = child;
+        node = next;
+    }
+    return node;
+}
+
+}  // namespace orrinvale::testing

@@ -1,0 +1,171 @@
+// The ticks of the large file page: down through what is open, up to what holds it, and what follows from them.
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "engine/files/Arena.h"
+#include "engine/largefiles/NodeSelection.h"
+#include "engine/largefiles/ScannedTree.h"
+
+namespace orrinvale {
+namespace {
+
+using testing::nodeAt;
+
+// Paths of files and, with a slash at the end, of folders.
+class GrownTree {
+public:
+    explicit GrownTree(const std::vector<std::string>& paths) {
+        for (std::string path : paths) {
+            const bool isFolder = path.ends_with('/');
+            if (isFolder) path.pop_back();
+            const std::size_t slash = path.rfind('/');
+            FileNode* const folder = nodeAt(tree, slash == std::string::npos ? "" : path.substr(0, slash));
+            const FoundEntry entry{.name = m_names.copy(path.substr(slash + 1)),
+                                   .isDirectory = isFolder,
+                                   .position = m_position++,
+                                   .size = isFolder ? 0U : 1U};
+            tree.add(*folder, {&entry, 1});
+            m_paths.push_back(path);
+        }
+    }
+    FileNode& at(std::string_view path) { return *nodeAt(tree, path); }
+    // "path state" of each node that is not 0.
+    std::string states() {
+        std::string text;
+        for (const std::string& path : m_paths)
+            if (const FileNode* const node = nodeAt(tree, path); node != nullptr && node->state() != 0)
+                text += path + ' ' + std::to_string(node->state()) + ", ";
+        return text;
+    }
+
+    FileNodeTree tree{"/r"};
+
+private:
+    Arena m_names;
+    std::uint32_t m_position = 0;
+    std::vector<std::string> m_paths;
+};
+
+TEST(Selection, GoesDownThroughWhatIsOpenAndOneLevelFurther) {
+    const struct {
+        const char* what;
+        std::set<std::string> open;
+        const char* node;
+        std::uint8_t state;
+        const char* states;
+        bool further;
+    } cases[] = {
+        {"a file", {}, "file", 1, "file 1, ", false},
+        {"a closed folder", {}, "a", 1, "a 1, a/b 1, a/x 1, ", false},
+        {"an open one", {"a"}, "a", 1, "a 1, a/b 1, a/b/c 1, a/b/y 1, a/x 1, ", true},
+        {"two", {"a", "a/b"}, "a", 1, "a 1, a/b 1, a/b/c 1, a/b/c/z 1, a/b/y 1, a/x 1, ", true},
+        {"an open one in a closed one", {"a/b"}, "a", 1, "a 1, a/b 1, a/x 1, ", false},
+        {"a mixed state as it stands", {}, "a", 2, "a 1, a/b 2, a/x 2, ", false},
+        {"an empty folder", {"a/b/c"}, "empty", 1, "empty 1, ", false},
+    };
+    for (const auto& [what, open, node, state, states, further] : cases) {
+        GrownTree grown({"a/", "a/b/", "a/b/c/", "a/b/c/z", "a/b/y", "a/x", "file", "empty/"});
+        for (const std::string& path : open) grown.at(path).setIsExpand(true);
+        TickSpread spread(state);
+        spread.tick(grown.at(node));
+        while (!spread.step(1)) {}
+        EXPECT_EQ(grown.states(), states) << what;
+        EXPECT_EQ(spread.wentFurther(), further) << what;
+        TickSpread clear(0);
+        clear.tick(grown.at(node));
+        clear.finish();
+        EXPECT_EQ(grown.states(), "") << what;
+    }
+}
+
+TEST(Selection, GoesUpToMixedWhereAFolderStandsBesides) {
+    const struct {
+        std::vector<std::string> paths, ticked;
+        const char* states;
+        std::int32_t all;
+    } cases[] = {
+        {{"f/", "f/1", "f/2", "g"}, {"f/1"}, "f 2, f/1 1, ", 2},
+        {{"f/", "f/1", "f/2", "g"}, {"f/1", "f/2"}, "f 1, f/1 1, f/2 1, ", 2},
+        {{"f/", "f/1", "f/2", "g"}, {"f/1", "f/2", "g"}, "f 1, f/1 1, f/2 1, g 1, ", 1},
+        {{"f/", "f/d/", "f/1"}, {"f/d", "f/1"}, "f 2, f/d 1, f/1 1, ", 2},
+        {{"f/", "f/d/", "f/d/e/", "f/d/e/1"}, {"f/d/e/1"}, "f 2, f/d 2, f/d/e 1, f/d/e/1 1, ", 2},
+        {{"f/", "g"}, {"f", "g"}, "f 1, g 1, ", 1},
+        {{"f/", "f/d/", "f/1", "g"}, {"g", "f/1"}, "f 2, f/1 1, g 1, ", 2},
+        {{"g", "h"}, {}, "", 0},
+        {{}, {}, "", 0},
+    };
+    for (const auto& [paths, ticked, states, all] : cases) {
+        GrownTree grown(paths);
+        for (const std::string& path : ticked) {
+            TickSpread spread(1);
+            spread.tick(grown.at(path));
+            spread.finish();
+            followUpwards(grown.at(path));
+        }
+        EXPECT_EQ(grown.states(), states);
+        EXPECT_EQ(summaryOf(grown.tree.root().childrenInAnyOrder()), all) << states;
+        for (const std::string& path : ticked) {
+            grown.at(path).setState(FileNode::NotSelected);
+            followUpwards(grown.at(path));
+        }
+        EXPECT_EQ(grown.states(), "") << states;
+    }
+}
+
+TEST(Selection, WhatWouldGoIsTheTopmostTickedOnesTheBiggestFirst) {
+    GrownTree grown({"f/", "f/d/", "f/d/1", "f/d/2", "f/3", "g", "h/", "h/4", "i/"});
+    const auto names = [&] {
+        std::string text;
+        for (const FileNode* const node : tickedOf(grown.tree.root().children())) text += node->path() + ' ';
+        return text;
+    };
+    EXPECT_EQ(names(), "");
+    grown.at("i").setState(FileNode::Mixed);  // has nothing below
+    grown.at("g").setState(FileNode::Selected);
+    grown.at("h").setState(FileNode::Selected);
+    grown.at("h/4").setState(FileNode::NotSelected);
+    grown.at("f/d/2").setState(FileNode::Selected);
+    followUpwards(grown.at("f/d/2"));
+    EXPECT_EQ(names(), "/r/f/d/2 /r/g /r/h ");
+    grown.at("f/d").setState(FileNode::NotSelected);  // what is below a clear one stays
+    EXPECT_EQ(names(), "/r/g /r/h ");
+}
+
+// Sizes make the order, so that it is known what is left and in which.
+TEST(Selection, ChildrenLeaveTogetherAndTheRestStaysInOrder) {
+    const struct {
+        std::size_t ordered;
+        std::vector<std::size_t> leaving;
+    } cases[] = {
+        {10'000, {0, 1, 2, 9'999}},  {10'000, {5'000, 7, 6}}, {0, {3, 9'000, 1}},
+        {100, {50, 99, 100, 7'000}}, {100, {7'000, 50}},      {10'000, {}},
+    };
+    for (const auto& [ordered, leaving] : cases) {
+        constexpr std::size_t count = 10'000;
+        FileNodeTree tree("/r");
+        std::vector<FoundEntry> entries(count, {.name = "x"});
+        for (std::size_t i = 0; i < count; ++i) {
+            entries[i].size = (i * 7'919) % count;  // each once
+            entries[i].position = static_cast<std::uint32_t>(i);
+        }
+        FileNode& root = tree.root();
+        tree.add(root, entries);
+        const auto children = root.biggestChildren(ordered);
+        std::vector<FileNode*> gone;
+        std::set<std::uint64_t, std::greater<>> left;
+        for (const FileNode* const child : children) left.insert(child->size());
+        for (const std::size_t index : leaving) {
+            gone.push_back(children[index]);
+            left.erase(children[index]->size());
+        }
+        root.removeChildren(gone);
+        root.removeChildren(gone);  // no children any more
+        std::vector<std::uint64_t> sizes;
+        for (const FileNode* const child : root.children()) sizes.push_back(child->size());
+        EXPECT_EQ(sizes, std::vector<std::uint64_t>(left.begin(), left.end()));
+    }
+}
+
+}  // namespace
+}  // namespace orrinvale
