@@ -37,7 +37,7 @@ void LargePage::setOwnFiles(std::vector<std::string> ownFiles) {
 std::string LargePage::textOf(const char* name) {
     QWidget& found = control(name);
     if (const auto* const label = qobject_cast<QLabel*>(&found)) return label->text().toStdString();
-    return qobject_cast<QAbstractButton&>(found).text().toStdString();
+    return qobject_cast<QAbstractButton*>(&found)->text().toStdString();
 }
 
 void LargePage::click(const char* name) {
