@@ -59,6 +59,11 @@ SysResult<void> StagedFiles::removeEntry(int folder, const char* name, FileType 
     if (const int error = pass(name); error != 0) return tl::unexpected(error);
     return m_files.removeEntry(folder, name, type);
 }
+SysResult<void> StagedFiles::moveEntry(int folder, const char* name, int newFolder, const char* newName) const {
+    if (const int error = pass(name); error != 0) return tl::unexpected(error);
+    return m_files.moveEntry(folder, name, newFolder, newName);
+}
+SysResult<bool> StagedFiles::clearImmutable(int descriptor) const { return m_files.clearImmutable(descriptor); }
 
 void StagedFiles::readAttributes(int folder, std::span<CatalogEntry> entries) const {
     m_files.readAttributes(folder, entries);

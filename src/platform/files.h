@@ -160,6 +160,15 @@ public:
     /// other type (EISDIR when it is a folder). Of a link the link.
     [[nodiscard]] virtual SysResult<void> removeEntry(int folder, const char* name, FileType type) const = 0;
 
+    /// Gives an entry another name in another folder of the same volume, never over an entry that is there: EEXIST. EXDEV on another
+    /// volume, EINVAL for a folder into itself.
+    [[nodiscard]] virtual SysResult<void> moveEntry(int folder, const char* name, int newFolder,
+                                                    const char* newName) const = 0;
+
+    /// Takes the mark from an open file or folder that keeps even its owner from changing and removing it. True when it had one;
+    /// false also on file systems that know none.
+    [[nodiscard]] virtual SysResult<bool> clearImmutable(int descriptor) const = 0;
+
     /// What is mounted where, at this moment. An error when the system does not tell.
     [[nodiscard]] virtual SysResult<std::vector<MountPoint>> mountPoints() const = 0;
 

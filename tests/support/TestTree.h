@@ -134,6 +134,11 @@ public:
         step("removeEntry");
         return m_real.removeEntry(folder, name, type);
     }
+    SysResult<void> moveEntry(int folder, const char* name, int newFolder, const char* newName) const override {
+        step("moveEntry");
+        return m_real.moveEntry(folder, name, newFolder, newName);
+    }
+    SysResult<bool> clearImmutable(int descriptor) const override { return m_real.clearImmutable(descriptor); }
     void readSizes(int folder, std::span<CatalogEntry> entries) const override { m_real.readSizes(folder, entries); }
     void readIdentities(int folder, std::span<CatalogEntry> entries) const override {
         if (onReadIdentities) onReadIdentities();

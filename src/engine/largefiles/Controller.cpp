@@ -1,13 +1,18 @@
 // Controller: see Controller.h. NodeSelection has the rules of the ticks, NodeRemoval the thread that removes.
 #include "engine/largefiles/Controller.h"
 
+#include <fmt/format.h>
+
 #include <optional>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
+#include "engine/base/Log.h"
+#include "engine/files/Trash.h"
 #include "engine/largefiles/NodeRemoval.h"
 #include "engine/largefiles/NodeSelection.h"
+#include "engine/largefiles/RemoveFileAndFolder.h"
 
 namespace orrinvale {
 namespace {
@@ -31,6 +36,17 @@ struct Controller::Removal {
     bool isMissed = false;  // news came in that time
 };
 
+struct Controller::Erasure final : RemoveFileAndFolderDelegate {
+    Erasure(const ControllerParts& parts, const std::shared_ptr<FileNodeTree>& tree, std::vector<FileNode*> nodes)
+        : work(parts, tree, std::move(nodes)) {
+        work.setDelegate(this);
+    }
+    void removeObjEnd(const std::vector<std::string>& deleteErrorArr) override { whenEnded(deleteErrorArr); }
+
+    RemoveFileAndFolder work;
+    std::function<void(const std::vector<std::string>&)> whenEnded;
+};
+
 Controller::Controller() = default;
 Controller::~Controller() = default;
 
@@ -42,6 +58,7 @@ Controller& Controller::getController() {
 void Controller::setParts(ControllerParts parts) {
     if (m_removal) m_removal->work.abandon();
     m_removal.reset();
+    m_erasure.reset();
     m_eumeRoot.reset();
     m_parts = std::move(parts);
 }
@@ -110,6 +127,31 @@ void Controller::openFileWithFileNode(const FileNode& node) {
 
 void Controller::pereviewFileWithFileNode(const FileNode& node) {
     if (m_parts.openFolder) m_parts.openFolder(node.path());
+}
+
+std::string Controller::moveFileToTrash(const std::string& path) {
+    if (m_parts.files == nullptr) return "no file system";
+    const auto places = protectedFromLargeFiles(*m_parts.files, m_parts.ownFiles);
+    const auto moved = Trash(*m_parts.files, places).move(path);
+    Log::line(fmt::format("--delete file error ---::{}", moved ? "(null)" : moved.error()));
+    return moved ? std::string() : moved.error();
+}
+
+void Controller::moveFileToTarsh() {
+    if (m_aRootArr && !m_erasure && m_parts.files != nullptr && m_parts.mainQueue != nullptr) {
+        std::vector<FileNode*> nodes = deleteFilesWithDic(m_aRootArr->root().children());
+        if (!nodes.empty()) {
+            m_erasure = std::make_shared<Erasure>(m_parts, m_aRootArr, std::move(nodes));
+            m_erasure->whenEnded = [this](const std::vector<std::string>& failed) {
+                // It is this very object's call that is running, so that the object goes in a later turn.
+                m_parts.mainQueue->async([ended = std::exchange(m_erasure, nullptr)] {});
+                for (const std::string& path : failed) Log::line(fmt::format("--delete file error ---::{}", path));
+                reloadTree();
+            };
+            m_erasure->work.runTaskWithPath();
+        }
+    }
+    reloadTree();
 }
 
 std::vector<FileNode*> Controller::deleteFilesWithDic(std::span<FileNode* const> nodes) { return tickedOf(nodes); }

@@ -84,9 +84,10 @@ public:
     void openFileWithFileNode(const FileNode& node);
     void pereviewFileWithFileNode(const FileNode& node);
 
-    /// Moves one entry to the trash of its volume. Whatever comes of it goes to the log.
-    void moveFileToTrash(const std::string& path);
-    /// Gives what is selected to the outside eraser.
+    /// Moves one entry to the trash of its volume. Why it stays, for people; empty when it went. Either goes to the log as well.
+    std::string moveFileToTrash(const std::string& path);
+    /// Gives what is selected to the outside eraser, and returns. Its nodes stay in the tree until the next scan; the page hears
+    /// reloadTreeList() at once and at the end. One at a time.
     void moveFileToTarsh();
 
     /// Starts the removal of what is ticked. False, and no call to the delegate, when nothing is.
@@ -101,6 +102,7 @@ public:
 
 private:
     struct Removal;
+    struct Erasure;
 
     Controller();
     ~Controller();
@@ -114,6 +116,7 @@ private:
     std::shared_ptr<FileNodeTree> m_aRootArr;
     std::unique_ptr<EumeRoot> m_eumeRoot;
     std::shared_ptr<Removal> m_removal;  // while one is under way
+    std::shared_ptr<Erasure> m_erasure;  // the same of the outside eraser
 };
 
 }  // namespace orrinvale

@@ -32,6 +32,8 @@ public:
     SysResult<Descriptor> holdFolder(int parent, const char* path, Links onTheWay) const override;
     SysResult<Descriptor> openInside(int parent, const char* name) const override;
     SysResult<void> removeEntry(int folder, const char* name, FileType type) const override;
+    SysResult<void> moveEntry(int folder, const char* name, int newFolder, const char* newName) const override;
+    SysResult<bool> clearImmutable(int descriptor) const override;
     SysResult<std::string> placeOf(int descriptor) const override;
     SysResult<std::vector<MountPoint>> mountPoints() const override;
     void readSizes(int folder, std::span<CatalogEntry> entries) const override;

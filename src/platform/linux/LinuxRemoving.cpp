@@ -1,7 +1,9 @@
-// What removing needs of Linux: holding folders by path, opening and removing by name.
+// What removing needs of Linux: holding folders by path, opening, moving and removing by name.
 #include <fcntl.h>
+#include <linux/fs.h>
 #include <linux/magic.h>
 #include <linux/openat2.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/vfs.h>
@@ -10,6 +12,7 @@
 #include <array>
 #include <cerrno>
 #include <climits>
+#include <cstdio>
 #include <string_view>
 
 #include "platform/linux/LinuxFiles.h"
@@ -121,6 +124,28 @@ SysResult<void> LinuxFileSystem::removeEntry(int folder, const char* name, FileT
     while (::unlinkat(folder, name, type == FileType::Folder ? AT_REMOVEDIR : 0) != 0)
         if (errno != EINTR) return tl::unexpected(errno);
     return {};
+}
+
+// File systems that can not promise to spare an entry answer EINVAL, as every one does for a folder into itself; there the name is
+// looked up first.
+SysResult<void> LinuxFileSystem::moveEntry(int folder, const char* name, int newFolder, const char* newName) const {
+    if (::renameat2(folder, name, newFolder, newName, RENAME_NOREPLACE) == 0) return {};
+    if (errno != EINVAL) return tl::unexpected(errno);
+    if (attributes(newFolder, newName, Links::Keep)) return tl::unexpected(EEXIST);
+    if (::renameat(folder, name, newFolder, newName) != 0) return tl::unexpected(errno);
+    return {};
+}
+
+SysResult<bool> LinuxFileSystem::clearImmutable(int descriptor) const {
+    int flags = 0;
+    if (::ioctl(descriptor, FS_IOC_GETFLAGS, &flags) != 0) {
+        if (errno == ENOTTY || errno == EOPNOTSUPP || errno == ENOSYS) return false;
+        return tl::unexpected(errno);
+    }
+    if ((flags & FS_IMMUTABLE_FL) == 0) return false;
+    flags &= ~FS_IMMUTABLE_FL;
+    if (::ioctl(descriptor, FS_IOC_SETFLAGS, &flags) != 0) return tl::unexpected(errno);
+    return true;
 }
 
 }  // namespace orrinvale

@@ -96,14 +96,14 @@ void ListFileViewController::showRowMenu(const QModelIndex& index, QPoint positi
 void ListFileViewController::moveToTrash(FileNode& node) {
     if (m_isScan || m_isRemoving) return;
     const std::string path = node.path();
-    Controller::getController().moveFileToTrash(path);
-    if (!m_parts.files->attributes(FileSystem::noParent, path.c_str(), Links::Keep)) {
+    const std::string reason = Controller::getController().moveFileToTrash(path);
+    if (reason.empty()) {
         takeOut(node);
         return;
     }
     Alert alert;
     alert.title = tr("This could not be moved to the trash.");
-    alert.text = QString::fromStdString(path);
+    alert.text = QStringLiteral("%1\n%2").arg(QString::fromStdString(path), QString::fromStdString(reason));
     alert.severity = Alert::Severity::Warning;
     m_parts.dialogs->alert(m_mainWindow, alert, [](int /*button*/) {});
 }

@@ -1,6 +1,6 @@
 // The large file page on real folders: a scan, ticks, a removal, what is told of them, and how a person gets about.
 #include <gtest/gtest.h>
-#include <unistd.h>
+#include <sys/fsuid.h>
 
 #include <QApplication>
 #include <QClipboard>
@@ -10,7 +10,6 @@
 #include <QTest>
 #include <atomic>
 
-#include "engine/largefiles/SystemFolder.h"
 #include "ui/largefiles/FileNodeModel.h"
 #include "ui/largefiles/LargePage.h"
 
@@ -19,6 +18,8 @@ namespace {
 
 using testing::isThere;
 using testing::LargePage;
+
+constexpr uid_t nobody = 65534;
 
 class LargeFilePage : public ::testing::Test {
 protected:
@@ -77,8 +78,8 @@ TEST_F(LargeFilePage, ShowsTheBiggestFirstAndRemovesWhatIsTicked) {
 
     ASSERT_TRUE(on.remove([&](QWidget& progressWindow) {
         EXPECT_EQ(progressWindow.windowModality(), Qt::ApplicationModal);
-        EXPECT_EQ(progressWindow.findChild<QLabel*>(QStringLiteral("pathLabel"))->text().toStdString(),
-                  on.tree.at("f/movie.mkv"));
+        const auto& path = *progressWindow.findChild<QLabel*>(QStringLiteral("pathLabel"));
+        EXPECT_TRUE(on.waitFor([&] { return path.text().toStdString() == on.tree.at("f/movie.mkv"); }));
         // Whoever gets past the window changes nothing.
         on.page().setAllSelectOrNoSelect();
         on.page().backButtonAction();
@@ -91,7 +92,7 @@ TEST_F(LargeFilePage, ShowsTheBiggestFirstAndRemovesWhatIsTicked) {
     EXPECT_FALSE(on.isShown("failureLine") || on.control("deleteButton").isEnabled());
 
     on.click("selectAllButton");
-    EXPECT_EQ(on.list().find('.'), on.list().find(".png")) << "all boxes are ticked";
+    EXPECT_EQ(on.list().find(". "), std::string::npos) << "all boxes are ticked";
     ASSERT_TRUE(on.remove());
     EXPECT_EQ(on.textOf("emptyLabel"), "Nothing is left in this folder.");
     EXPECT_FALSE(isThere("f/notes.txt") || isThere("f/photos"));
@@ -153,6 +154,30 @@ TEST_F(LargeFilePage, OpensWhatARowIsAskedFor) {
     EXPECT_EQ(on.revealed.back(), on.tree.at("f/movie.mkv"));
 }
 
+TEST_F(LargeFilePage, MovesARowToTheTrashAndSaysWhyItCouldNot) {
+    ASSERT_TRUE(makeFolder());
+    const QByteArray dataBefore = qgetenv("XDG_DATA_HOME");
+    qputenv("XDG_DATA_HOME", QByteArray::fromStdString(on.tree.at("data")));
+    on.setOwnFiles({on.tree.at("f/movie.mkv")});
+    ASSERT_TRUE(on.scan(on.tree.at("f")));
+    on.open("photos");
+    on.tick("old.png");
+    EXPECT_TRUE(choose("old.png", "Move to Trash"));
+    ASSERT_TRUE(on.waitFor([&] { return on.list().find("old.png") == std::string::npos; }));
+    EXPECT_FALSE(isThere("f/photos/old.png"));
+    EXPECT_TRUE(isThere("data/Trash/files/old.png"));
+    EXPECT_NE(on.list().find(". photos"), std::string::npos) << "nothing below it is ticked any more";
+    EXPECT_FALSE(on.control("deleteButton").isEnabled());
+
+    on.dialogs.willAnswer(0);
+    EXPECT_TRUE(choose("movie.mkv", "Move to Trash"));
+    EXPECT_TRUE(isThere("f/movie.mkv"));
+    EXPECT_NE(on.list().find("movie.mkv"), std::string::npos);
+    EXPECT_TRUE(on.dialogs.alerts().back().text.startsWith(QString::fromStdString(on.tree.at("f/movie.mkv") + '\n')));
+    if (dataBefore.isNull()) qunsetenv("XDG_DATA_HOME");
+    else qputenv("XDG_DATA_HOME", dataBefore);
+}
+
 TEST_F(LargeFilePage, TakesNoTicksDuringAScanAndKeepsWhatItFoundWhenItIsStopped) {
     ASSERT_TRUE(makeFolder());
     std::atomic<int> reads{0};
@@ -196,16 +221,16 @@ TEST_F(LargeFilePage, SaysWhenAFolderIsEmptyAndWaitsForStop) {
 }
 
 TEST_F(LargeFilePage, TellsWhatCouldNotBeRead) {
-    ASSERT_TRUE(on.tree.folder("f/gone") && on.tree.write("f/notes.txt", "some words"));
-    std::atomic<bool> isListed{false};
-    on.window.files.onReadFolder = [&] { isListed = true; };
-    // What was listed is gone when it is to be opened.
-    on.window.files.beforeRemoval = [&](const char* operation) {
-        if (isListed && std::string_view(operation).starts_with("open")) ::rmdir(on.tree.at("f/gone").c_str());
-    };
-    ASSERT_TRUE(on.scan(on.tree.at("f")));
+    ASSERT_TRUE(on.tree.write("f/locked/secret.txt", "some words") && on.tree.setMode("f/locked", 0) &&
+                on.tree.setMode("f", 0755) && on.tree.setMode(".", 0755));
+    // The threads of the scan take over whose rights this one has on files.
+    const int before = ::setfsuid(nobody);
+    const bool isScanned = on.scan(on.tree.at("f"));
+    ::setfsuid(static_cast<uid_t>(before));
+    ASSERT_TRUE(isScanned);
+    EXPECT_EQ(on.list(), ". locked 0 byte\n");
     EXPECT_EQ(on.textOf("quietLine"), "1 entry could not be read");
-    EXPECT_EQ(on.linesBehind("quietLine"), "No such file or directory: " + on.tree.at("f/gone"));
+    EXPECT_EQ(on.linesBehind("quietLine"), "Permission denied: " + on.tree.at("f/locked"));
 }
 
 TEST_F(LargeFilePage, StopsARemovalBetweenTwoNodesAndTellsOfFailures) {
@@ -224,12 +249,12 @@ TEST_F(LargeFilePage, StopsARemovalBetweenTwoNodesAndTellsOfFailures) {
     on.click("selectAllButton");
     ASSERT_TRUE(on.remove([&](QWidget& progressWindow) {
         QTest::keyClick(&progressWindow, Qt::Key_Escape);
-        EXPECT_TRUE(progressWindow.isVisible()) << "the entry in hand is finished first";
+        EXPECT_TRUE(progressWindow.isVisible()) << "the file in hand is finished first";
         EXPECT_FALSE(progressWindow.findChild<QWidget*>(QStringLiteral("stopButton"))->isEnabled());
     }));
-    EXPECT_FALSE(isThere("f/photos"));
-    EXPECT_TRUE(isThere("f/Viewer.app/viewer") && isThere("f/same.txt"));
-    EXPECT_EQ(on.list(), ". Viewer.app 700.00 KB\n. same.txt 1.50 KB\n");
+    // What is left of the folder in hand stays in the list.
+    EXPECT_TRUE(isThere("f/photos") && isThere("f/Viewer.app/viewer") && isThere("f/same.txt"));
+    EXPECT_EQ(on.list(), ". photos 1.50 MB\n. Viewer.app 700.00 KB\n. same.txt 1.50 KB\n");
     EXPECT_FALSE(on.isShown("failureLine"));
 }
 

@@ -1,0 +1,121 @@
+// Trash: see Trash.h. Finds the trash that an entry belongs to; TrashFolder moves it there.
+#include "engine/files/Trash.h"
+
+#include <fmt/format.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <utility>
+
+#include "engine/base/Log.h"
+#include "engine/files/DurableFile.h"
+#include "platform/error.h"
+#include "platform/paths.h"
+
+namespace orrinvale {
+namespace {
+
+// The mount tells two mounts of one volume apart, between which nothing can be moved; kernels before 5.8 do not number them.
+bool isSameMount(const FileAttributes& a, const FileAttributes& b) {
+    return a.device == b.device && a.mount == b.mount;
+}
+
+std::string reasonOf(int error) { return systemError("move", {}, error).reason(); }
+
+}  // namespace
+
+tl::expected<std::string, std::string> Trash::move(const std::string& path) const {
+    const auto held = HeldEntry::at(m_files, m_places, path, std::nullopt);
+    auto result = held ? moveHeld(*held) : tl::unexpected(held.error().reason);
+    Log::line(result ? fmt::format("Moved to the trash {} ({})", path, *result)
+                     : fmt::format("Not moved to the trash {}: {}", path, result.error()));
+    return result;
+}
+
+tl::expected<std::string, std::string> Trash::moveHeld(const HeldEntry& held) const {
+    const auto folder = m_files.placeOf(held.parent.get());
+    if (!folder) return tl::unexpected(reasonOf(folder.error()));
+    const std::string place = joinPath(*folder, held.name);
+    std::string reason;
+    // Moves it, unless this trash can not be had or is on another volume after all, as between parts of one that count as volumes.
+    const auto take = [&](Found trash) -> std::optional<tl::expected<std::string, std::string>> {
+        if (!trash) {
+            if (reason.empty()) reason = trash.error();
+            return std::nullopt;
+        }
+        auto taken = trash->take(held, place);
+        if (taken) return std::move(*taken);
+        if (!taken.error().isElsewhere) return tl::unexpected(taken.error().reason);
+        if (reason.empty()) reason = taken.error().reason;
+        return std::nullopt;
+    };
+    if (const std::string home = homeTrash(); !home.empty() && isOnVolumeOf(held, home))
+        if (auto result = take(openHome())) return *result;
+    const auto root = rootOfVolume(held);
+    if (!root) return tl::unexpected(reasonOf(root.error()));
+    // Administrators make the shared one, and where it does not serve it says nothing about the user's own.
+    if (auto shared = openShared(root->get()); shared)
+        if (auto result = take(std::move(shared))) return *result;
+    if (auto result = take(openOwn(root->get()))) return *result;
+    return tl::unexpected("no trash on its volume: " + reason);
+}
+
+std::string Trash::homeTrash() const {
+    const auto data = plainPath(m_variables.dataHome);
+    if (data) return joinPath(*data, "Trash");
+    const auto home = plainPath(m_variables.home);
+    return home ? joinPath(*home, ".local/share/Trash") : std::string();
+}
+
+// The folder itself need not be there yet.
+bool Trash::isOnVolumeOf(const HeldEntry& held, std::string folder) const {
+    auto seen = m_files.attributes(FileSystem::noParent, folder.c_str(), Links::Follow);
+    while (!seen && seen.error() == ENOENT && folder != "/") {
+        folder = folderOf(folder);
+        seen = m_files.attributes(FileSystem::noParent, folder.c_str(), Links::Follow);
+    }
+    const auto parent = m_files.attributes(held.parent.get());
+    return seen && parent && isSameMount(*seen, *parent);
+}
+
+SysResult<Descriptor> Trash::rootOfVolume(const HeldEntry& held) const {
+    auto here = m_files.holdFolder(held.parent.get(), ".", Links::Keep);
+    while (here) {
+        auto above = m_files.holdFolder(here->get(), "..", Links::Keep);
+        if (!above) return above;
+        const auto seen = m_files.attributes(here->get());
+        const auto next = m_files.attributes(above->get());
+        if (!seen || !next) return tl::unexpected(!seen ? seen.error() : next.error());
+        if (!isSameMount(*seen, *next) || seen->inode == next->inode) break;
+        here = std::move(above);
+    }
+    return here;
+}
+
+Trash::Found Trash::openHome() const {
+    const std::string path = homeTrash();
+    if (const auto made = DurableFile::makeFolder(folderOf(path)); !made) return tl::unexpected(made.error().reason());
+    const auto folder = m_files.holdFolder(FileSystem::noParent, folderOf(path).c_str(), Links::Follow);
+    if (!folder) return tl::unexpected(reasonOf(folder.error()));
+    return TrashFolder::open(m_files, folder->get(), std::string(lastPathComponent(path)), m_variables.user);
+}
+
+// "$topdir/.Trash" is for all users only with the sticky bit; a link there may lead anywhere.
+Trash::Found Trash::openShared(int root) const {
+    const auto shared = m_files.openInside(root, ".Trash");
+    if (!shared) return tl::unexpected(reasonOf(shared.error()));
+    struct stat seen {};
+    if (::fstat(shared->get(), &seen) != 0) return tl::unexpected(reasonOf(errno));
+    if ((seen.st_mode & S_ISVTX) == 0) return tl::unexpected(std::string("the shared trash is not a safe one"));
+    auto trash = TrashFolder::open(m_files, shared->get(), std::to_string(m_variables.user), m_variables.user);
+    if (trash) trash->keepRelativeTo(m_files.placeOf(root).value_or(std::string()));
+    return trash;
+}
+
+Trash::Found Trash::openOwn(int root) const {
+    auto trash = TrashFolder::open(m_files, root, ".Trash-" + std::to_string(m_variables.user), m_variables.user);
+    if (trash) trash->keepRelativeTo(m_files.placeOf(root).value_or(std::string()));
+    return trash;
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,44 @@
+// Trash: moves entries where every desktop finds them again, as freedesktop.org lays down for all of them (version 1.0).
+// TrashFolder is one such place.
+#pragma once
+
+#include <string>
+#include <tl/expected.hpp>
+
+#include "engine/files/HeldEntry.h"
+#include "engine/files/ProtectedPlaces.h"
+#include "engine/files/TrashFolder.h"
+#include "platform/FolderVariables.h"
+#include "platform/files.h"
+
+namespace orrinvale {
+
+/// Holds no state that changes; any thread. The file system and the places must outlive it.
+class Trash final {
+public:
+    Trash(const FileSystem& files, const ProtectedPlaces& places,
+          FolderVariables variables = FolderVariables::ofThisProcess())
+        : m_files(files), m_places(places), m_variables(std::move(variables)) {}
+
+    /// Moves the entry at an absolute path, a folder with all that is in it, a link itself: to the trash of the home folder where
+    /// that is on the same volume, else to the one at the root of its own volume, which is made if need be. Nothing is ever copied.
+    /// Where it is now, or why it stays, for people; one line in the log tells either.
+    [[nodiscard]] tl::expected<std::string, std::string> move(const std::string& path) const;
+
+private:
+    using Found = tl::expected<TrashFolder, std::string>;
+
+    [[nodiscard]] tl::expected<std::string, std::string> moveHeld(const HeldEntry& held) const;
+    [[nodiscard]] std::string homeTrash() const;
+    [[nodiscard]] bool isOnVolumeOf(const HeldEntry& held, std::string folder) const;
+    [[nodiscard]] SysResult<Descriptor> rootOfVolume(const HeldEntry& held) const;
+    [[nodiscard]] Found openHome() const;
+    [[nodiscard]] Found openShared(int root) const;
+    [[nodiscard]] Found openOwn(int root) const;
+
+    const FileSystem& m_files;
+    const ProtectedPlaces& m_places;
+    const FolderVariables m_variables;
+};
+
+}  // namespace orrinvale

@@ -1,0 +1,173 @@
+// TrashFolder: see TrashFolder.h. The record comes first, so that no entry is ever in the trash without one.
+#include "engine/files/TrashFolder.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <random>
+#include <utility>
+
+#include "engine/base/Date.h"
+#include "platform/error.h"
+#include "platform/paths.h"
+
+namespace orrinvale {
+namespace {
+
+using Failure = TrashFolder::Failure;
+
+constexpr std::string_view recordExtension = ".trashinfo";
+constexpr std::size_t longestName = 255;  // bytes, NAME_MAX of every usual file system
+// Numbers one after another up to here, so that people see a series; from there on by chance, since ten thousand entries of one
+// name must not take ten thousand attempts each.
+constexpr std::uint64_t mostInSeries = 20;
+constexpr std::uint64_t mostAttempts = 200;
+
+std::string reasonOf(int error) { return systemError("move", {}, error).reason(); }
+
+std::uint64_t numberOf(std::uint64_t attempt) {
+    if (attempt < mostInSeries) return attempt;
+    std::random_device chance;
+    return std::uniform_int_distribution<std::uint64_t>(mostInSeries, 4'294'967'295U)(chance);
+}
+
+// RFC 2396 as the records ask for it; the slash stays.
+std::string percentEncoded(std::string_view path) {
+    constexpr std::string_view plain = "-_.!~*'()/";
+    std::string out;
+    for (const char c : path) {
+        const bool isPlain = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
+                             plain.find(c) != std::string_view::npos;
+        if (isPlain) out += c;
+        else out += fmt::format("%{:02X}", static_cast<unsigned char>(c));
+    }
+    return out;
+}
+
+// "2026-11-21T10:00:00" by the wall clock, with no offset, is what the records hold.
+std::string wallClock() {
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return iso8601({std::chrono::duration_cast<std::chrono::nanoseconds>(now).count()}).substr(0, 19);
+}
+
+bool isSame(const FileSystem& files, int folder, const FileAttributes& entry) {
+    const auto seen = files.attributes(folder);
+    return seen && seen->device == entry.device && seen->inode == entry.inode;
+}
+
+SysResult<Descriptor> openMade(const FileSystem& files, int parent, const char* name) {
+    if (::mkdirat(parent, name, 0700) != 0 && errno != EEXIST) return tl::unexpected(errno);
+    return files.openInside(parent, name);
+}
+
+int writeAll(int file, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(file, bytes.data(), bytes.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return errno;
+        bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return ::fsync(file) == 0 ? 0 : errno;
+}
+
+}  // namespace
+
+std::string nameInTrash(std::string_view name, std::uint64_t attempt) {
+    std::string_view extension = pathExtension(name);
+    if (extension.size() > 20) extension = {};  // no extension, but a name with a dot in it
+    std::string_view stem = name;
+    if (!extension.empty()) stem.remove_suffix(extension.size() + 1);
+    std::string end = attempt < 2 ? std::string() : fmt::format(" {}", attempt);
+    if (!extension.empty()) end += fmt::format(".{}", extension);
+    std::size_t length = std::min(stem.size(), longestName - recordExtension.size() - end.size());
+    // Never within a character: its other bytes begin with the bits 10.
+    const auto isWithin = [&] {
+        return length < stem.size() && (static_cast<unsigned char>(stem[length]) & 0xC0U) == 0x80U;
+    };
+    while (length > 1 && isWithin()) --length;
+    return std::string(stem.substr(0, length)) + end;
+}
+
+tl::expected<TrashFolder, std::string> TrashFolder::open(const FileSystem& files, int parent, const std::string& name,
+                                                         uid_t user) {
+    const auto opened = openMade(files, parent, name.c_str());
+    if (!opened) return tl::unexpected(reasonOf(opened.error()));
+    struct stat seen {};
+    if (::fstat(opened->get(), &seen) != 0) return tl::unexpected(reasonOf(errno));
+    if (seen.st_uid != user) return tl::unexpected(std::string("the trash there is another user's"));
+    TrashFolder trash(files);
+    for (auto [folder, inner] : {std::pair{&trash.m_entries, "files"}, std::pair{&trash.m_records, "info"}}) {
+        auto made = openMade(files, opened->get(), inner);
+        if (!made) return tl::unexpected(reasonOf(made.error()));
+        *folder = std::move(*made);
+    }
+    return trash;
+}
+
+tl::expected<std::string, Failure> TrashFolder::take(const HeldEntry& held, const std::string& place) const {
+    if (auto reason = objection(held)) return tl::unexpected(Failure{std::move(*reason)});
+    const std::string record = recordOf(place);
+    for (std::uint64_t attempt = 1; attempt <= mostAttempts; ++attempt) {
+        const std::string name = nameInTrash(held.name, numberOf(attempt));
+        if (const int error = writeRecord(name, record); error == EEXIST) continue;
+        else if (error != 0) return tl::unexpected(Failure{reasonOf(error)});
+        const auto moved = m_files->moveEntry(held.parent.get(), held.name.c_str(), m_entries.get(), name.c_str());
+        if (moved) {
+            if (auto failure = check(held, name)) return tl::unexpected(std::move(*failure));
+            return joinPath(m_files->placeOf(m_entries.get()).value_or(""), name);
+        }
+        dropRecord(name);
+        if (moved.error() == EEXIST) continue;  // left there by something that writes no records
+        if (moved.error() == EINVAL) return tl::unexpected(Failure{"the trash is in it"});
+        return tl::unexpected(Failure{reasonOf(moved.error()), moved.error() == EXDEV});
+    }
+    return tl::unexpected(Failure{reasonOf(EEXIST)});
+}
+
+// What is there already, and the records themselves.
+std::optional<std::string> TrashFolder::objection(const HeldEntry& held) const {
+    const auto parent = m_files->attributes(held.parent.get());
+    if (!parent) return reasonOf(parent.error());
+    if (isSame(*m_files, m_entries.get(), *parent)) return "it is in the trash";
+    if (isSame(*m_files, m_records.get(), *parent) || isSame(*m_files, m_records.get(), held.attributes))
+        return "it is a part of the trash";
+    return std::nullopt;
+}
+
+std::string TrashFolder::recordOf(const std::string& place) const {
+    std::string_view path = place;
+    if (!m_root.empty() && isWithin(place, m_root)) path.remove_prefix(m_root == "/" ? 1 : m_root.size() + 1);
+    return fmt::format("[Trash Info]\nPath={}\nDeletionDate={}\n", percentEncoded(path), wallClock());
+}
+
+int TrashFolder::writeRecord(const std::string& name, const std::string& text) const {
+    const std::string full = name + std::string(recordExtension);
+    const Descriptor file(
+        ::openat(m_records.get(), full.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    if (!file.isOpen()) return errno;
+    const int error = writeAll(file.get(), text);
+    if (error != 0) dropRecord(name);
+    return error;
+}
+
+void TrashFolder::dropRecord(const std::string& name) const {
+    (void)m_files->removeEntry(m_records.get(), (name + std::string(recordExtension)).c_str(), FileType::Regular);
+}
+
+// A name was moved, and only now is it certain what stood behind it. Layered file systems give a file another number when it moves.
+std::optional<Failure> TrashFolder::check(const HeldEntry& held, const std::string& name) const {
+    const auto now = m_files->attributes(m_entries.get(), name.c_str(), Links::Keep);
+    const FileAttributes& seen = held.attributes;
+    if (now && now->type == seen.type &&
+        (now->inode == seen.inode || (now->size == seen.size && now->modified == seen.modified)))
+        return std::nullopt;
+    if (m_files->moveEntry(m_entries.get(), name.c_str(), held.parent.get(), held.name.c_str())) dropRecord(name);
+    return Failure{"another entry came into its place"};
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,63 @@
+// TrashFolder: one trash, held open: its folders "files" and "info", and the record that each entry in the first has in the second.
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <tl/expected.hpp>
+
+#include "engine/files/HeldEntry.h"
+#include "platform/descriptor.h"
+#include "platform/files.h"
+
+namespace orrinvale {
+
+/// Each object belongs to one thread; the file system must outlive it.
+class TrashFolder final {
+public:
+    /// Why an entry stays where it is.
+    struct Failure {
+        std::string reason;
+        bool isElsewhere = false;  ///< this trash is on another volume, so that a further one is worth a try
+    };
+
+    /// A folder of this name in `parent`, made for the user alone if it is not there. Nothing, with the reason for people, when it is a
+    /// link or another user's: it may have been put there to have files fall into other hands.
+    [[nodiscard]] static tl::expected<TrashFolder, std::string> open(const FileSystem& files, int parent,
+                                                                     const std::string& name, uid_t user);
+
+    /// Records of it hold paths relative to this folder, the root of a volume; before that absolute ones.
+    void keepRelativeTo(std::string root) { m_root = std::move(root); }
+
+    /// Moves the entry, and writes its record first. `place` is where it stands now, without links. The path that it has then.
+    [[nodiscard]] tl::expected<std::string, Failure> take(const HeldEntry& held, const std::string& place) const;
+
+    TrashFolder(TrashFolder&&) noexcept = default;
+    TrashFolder& operator=(TrashFolder&&) = delete;
+    TrashFolder(const TrashFolder&) = delete;
+    TrashFolder& operator=(const TrashFolder&) = delete;
+    ~TrashFolder() = default;
+
+private:
+    explicit TrashFolder(const FileSystem& files) : m_files(&files) {}
+
+    [[nodiscard]] std::optional<std::string> objection(const HeldEntry& held) const;
+    [[nodiscard]] int writeRecord(const std::string& name, const std::string& text) const;
+    [[nodiscard]] std::string recordOf(const std::string& place) const;
+    [[nodiscard]] std::optional<Failure> check(const HeldEntry& held, const std::string& name) const;
+    void dropRecord(const std::string& name) const;
+
+    const FileSystem* m_files;
+    Descriptor m_entries;  // "files"
+    Descriptor m_records;  // "info"
+    std::string m_root;
+};
+
+/// A name for an entry in the trash: the entry's own at the first attempt, numbered before the extension at later ones, and cut
+/// between two characters where the name of its record would be too long.
+[[nodiscard]] std::string nameInTrash(std::string_view name, std::uint64_t attempt);
+
+}  // namespace orrinvale

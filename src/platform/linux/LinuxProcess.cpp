@@ -1,0 +1,96 @@
+// Process over posix_spawn(3). A thread for each program waits for its end, so that the signal SIGCHLD stays with whoever uses it.
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <mutex>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "platform/process.h"
+
+namespace orrinvale {
+namespace {
+
+int spawn(const std::string& program, const std::vector<std::string>& arguments, pid_t& child) {
+    std::vector<std::string> texts{program};
+    texts.insert(texts.end(), arguments.begin(), arguments.end());
+    std::vector<char*> vector;
+    for (std::string& text : texts) vector.push_back(text.data());
+    vector.push_back(nullptr);
+
+    posix_spawn_file_actions_t actions{};
+    posix_spawnattr_t attributes{};
+    ::posix_spawn_file_actions_init(&actions);
+    ::posix_spawnattr_init(&attributes);
+    ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    ::posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
+    ::posix_spawn_file_actions_addchdir_np(&actions, "/");
+    sigset_t signals;
+    ::sigemptyset(&signals);
+    ::posix_spawnattr_setsigmask(&attributes, &signals);
+    ::sigfillset(&signals);
+    ::posix_spawnattr_setsigdefault(&attributes, &signals);
+    ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    const int error = ::posix_spawn(&child, program.c_str(), &actions, &attributes, vector.data(), environ);
+    ::posix_spawn_file_actions_destroy(&actions);
+    ::posix_spawnattr_destroy(&attributes);
+    return error;
+}
+
+}  // namespace
+
+struct Process::Shared {
+    explicit Shared(std::function<void()> whenEnded) : ended(std::move(whenEnded)) {}
+
+    /// On the waiting thread. The number of the program is its own until it is reaped, which is done under the lock.
+    void wait() {
+        siginfo_t info{};
+        while (::waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOWAIT) != 0 && errno == EINTR) {}
+        std::function<void()> tell;
+        {
+            const std::lock_guard guard(mutex);
+            while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {}
+            child = -1;
+            tell = std::move(ended);
+        }
+        if (tell) tell();
+    }
+
+    std::mutex mutex;             // guards what follows
+    pid_t child = -1;             // -1 once it has ended
+    std::function<void()> ended;  // empty when nobody wants to know
+};
+
+SysResult<std::unique_ptr<Process>> Process::start(const std::string& program,
+                                                   const std::vector<std::string>& arguments,
+                                                   std::function<void()> ended) {
+    auto shared = std::make_shared<Shared>(std::move(ended));
+    if (const int error = spawn(program, arguments, shared->child); error != 0) return tl::unexpected(error);
+    try {
+        std::thread([shared] { shared->wait(); }).detach();
+    } catch (const std::system_error&) {
+        ::kill(shared->child, SIGKILL);  // it must not run unwatched
+        ::waitpid(shared->child, nullptr, 0);
+        return tl::unexpected(EAGAIN);
+    }
+    return std::unique_ptr<Process>(new Process(std::move(shared)));
+}
+
+Process::~Process() {
+    const std::lock_guard guard(m_shared->mutex);
+    m_shared->ended = nullptr;
+}
+
+void Process::terminate() {
+    const std::lock_guard guard(m_shared->mutex);
+    if (m_shared->child > 0) ::kill(m_shared->child, SIGTERM);
+}
+
+}  // namespace orrinvale

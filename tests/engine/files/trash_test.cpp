@@ -1,0 +1,305 @@
+// Trash on real files and volumes, and what other programs of the desktop make of what lies in it.
+#include "engine/files/Trash.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <cstring>
+#include <optional>
+
+#include "support/TestTree.h"
+
+namespace orrinvale {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::MatchesRegex;
+using testing::contentOf;
+using testing::isThere;
+using testing::runInChild;
+using testing::TestTree;
+using testing::WatchedFiles;
+
+const LinuxFileSystem files;
+const ProtectedPlaces nothingProtected;
+
+FolderVariables variablesIn(const std::string& home) { return {.home = home, .user = ::geteuid()}; }
+
+tl::expected<std::string, std::string> moveAt(const TestTree& tree, const std::string& name,
+                                              const FileSystem& system = files) {
+    return Trash(system, nothingProtected, variablesIn(tree.at("home"))).move(tree.at(name));
+}
+
+std::string recordOf(const TestTree& tree, const std::string& name) {
+    return contentOf(tree.at("home/.local/share/Trash/info/" + name + ".trashinfo"));
+}
+
+// What the program prints; nothing where it is missing.
+std::optional<std::string> outputOf(const std::string& command) {
+    FILE* const pipe = ::popen((command + " 2>&1; printf :%d $?").c_str(), "re");
+    if (pipe == nullptr) return std::nullopt;
+    std::string text;
+    std::array<char, 4096> piece;
+    while (const std::size_t count = std::fread(piece.data(), 1, piece.size(), pipe)) text.append(piece.data(), count);
+    ::pclose(pipe);
+    if (text.ends_with(":127")) return std::nullopt;
+    return text;
+}
+
+TEST(Trash, EveryKindOfEntryIsThereWithItsRecord) {
+    const struct {
+        std::string name, encoded;
+    } cases[] = {
+        {"plain.txt", "plain.txt"},
+        {"with blanks & 100%.txt", "with%20blanks%20%26%20100%25.txt"},
+        {"line\nbreak", "line%0Abreak"},
+        {"\xff\xfe", "%FF%FE"},
+        {"gr\xc3\xbc\xc3\x9f", "gr%C3%BC%C3%9F"},
+        {".hidden", ".hidden"},
+        {"-rf", "-rf"},
+        {"a=b;c'd(e)", "a%3Db%3Bc'd(e)"},
+    };
+    TestTree tree;
+    for (const auto& [name, encoded] : cases) {
+        ASSERT_TRUE(tree.write("data/" + name, name));
+        const auto moved = moveAt(tree, "data/" + name);
+        ASSERT_TRUE(moved) << moved.error();
+        EXPECT_EQ(*moved, tree.at("home/.local/share/Trash/files/" + name));
+        EXPECT_EQ(contentOf(*moved), name);
+        EXPECT_FALSE(isThere(tree.at("data/" + name)));
+        const std::string record = recordOf(tree, name);
+        EXPECT_TRUE(record.starts_with("[Trash Info]\nPath=" + tree.at("data/") + encoded + "\nDeletionDate="))
+            << record;
+        EXPECT_THAT(record.substr(record.find("Date=")),
+                    MatchesRegex("Date=20[0-9][0-9]-[0-9]+-[0-9]+T[0-9]+:[0-9]+:[0-9]+\n"));
+    }
+    tree.write("data/folder/inner/deep", "x");
+    tree.symlink(tree.at("data/folder"), "data/link");
+    tree.symlink("data", "alias");
+    tree.fifo("data/fifo");
+    for (const char* name : {"data/link", "data/fifo", "alias/folder"}) EXPECT_TRUE(moveAt(tree, name)) << name;
+    EXPECT_EQ(contentOf(tree.at("home/.local/share/Trash/files/folder/inner/deep")), "x");
+    EXPECT_THAT(recordOf(tree, "folder"), HasSubstr("Path=" + tree.at("data/folder") + "\n"));
+    struct stat seen {};
+    ASSERT_EQ(::lstat(tree.at("home/.local/share/Trash").c_str(), &seen), 0);
+    EXPECT_EQ(seen.st_mode & 07777U, 0700U);
+}
+
+TEST(Trash, NamesThatAreTakenGetANumberAndNothingIsReplaced) {
+    TestTree tree;
+    for (int i = 0; i < 30; ++i) {
+        tree.write("a.txt", std::to_string(i));
+        ASSERT_TRUE(moveAt(tree, "a.txt"));
+    }
+    const std::string trash = "home/.local/share/Trash/";
+    EXPECT_EQ(contentOf(tree.at(trash + "files/a.txt")), "0");
+    EXPECT_EQ(contentOf(tree.at(trash + "files/a 2.txt")), "1");
+    EXPECT_EQ(contentOf(tree.at(trash + "files/a 19.txt")), "18");
+    tree.write(trash + "files/lost", "without a record");
+    tree.write(trash + "info/gone.trashinfo", "without an entry");
+    tree.write("lost", "1");
+    tree.write("gone", "2");
+    EXPECT_EQ(moveAt(tree, "lost").value_or(""), tree.at(trash + "files/lost 2"));
+    EXPECT_EQ(moveAt(tree, "gone").value_or(""), tree.at(trash + "files/gone 2"));
+    EXPECT_EQ(contentOf(tree.at(trash + "files/lost")), "without a record");
+    EXPECT_FALSE(isThere(tree.at(trash + "info/lost.trashinfo")));
+    const std::string longest =
+        std::string(249, 'n') + ".\xc3\xa4\xc3\xb6";  // 254 bytes, with the record's extension too many
+    for (int i = 0; i < 2; ++i) {
+        tree.write(longest, "x");
+        const auto moved = moveAt(tree, longest);
+        ASSERT_TRUE(moved) << moved.error();
+        EXPECT_TRUE(moved->ends_with(i == 0 ? "nn.\xc3\xa4\xc3\xb6" : "nn 2.\xc3\xa4\xc3\xb6")) << *moved;
+    }
+    // Never in the midst of a character.
+    for (std::size_t length = 240; length < 250; ++length) {
+        const std::string name = std::string(length, 'n') + "\xf0\x9f\x98\x80";
+        const std::string cut = nameInTrash(name, 1);
+        EXPECT_TRUE(cut == name || cut == std::string(std::min<std::size_t>(length, 245), 'n')) << cut;
+        EXPECT_LE(cut.size(), 245U);
+    }
+}
+
+TEST(Trash, WhatMayNotMoveStaysAndLeavesNoRecord) {
+    TestTree tree;
+    tree.write("home/.local/share/x", "x");
+    tree.write("kept/precious", "x");
+    tree.write("other", "x");
+    ASSERT_TRUE(moveAt(tree, "other"));
+    ProtectedPlaces places;
+    places.add(files, tree.at("kept/precious"), "precious");
+    const Trash trash(files, places, variablesIn(tree.at("home")));
+    const struct {
+        const char *name, *reason;
+    } cases[] = {
+        {"kept/precious", "precious"},
+        {"kept", "a folder above precious"},
+        {"missing", "No such file or directory"},
+        {"kept/../kept", "not a plain absolute path"},
+        {"home/.local", "the trash is in it"},
+        {"home/.local/share/Trash", "the trash is in it"},
+        {"home/.local/share/Trash/files", "the trash is in it"},
+        {"home/.local/share/Trash/files/other", "it is in the trash"},
+        {"home/.local/share/Trash/info", "it is a part of the trash"},
+        {"home/.local/share/Trash/info/other.trashinfo", "it is a part of the trash"},
+    };
+    for (const auto& [name, reason] : cases) {
+        const auto moved = trash.move(tree.at(name));
+        EXPECT_EQ(moved ? *moved : moved.error(), reason) << name;
+        EXPECT_TRUE(isThere(tree.at(name)) || std::string(name) == "missing") << name;
+    }
+    EXPECT_EQ(::rmdir(tree.at("home/.local/share/Trash/info").c_str()), -1);
+    ::unlink(tree.at("home/.local/share/Trash/info/other.trashinfo").c_str());
+    EXPECT_EQ(::rmdir(tree.at("home/.local/share/Trash/info").c_str()), 0) << "a record of what did not move";
+    EXPECT_EQ(trash.move("/").error(), "the root of the file system");
+}
+
+// Between the look at it and the move.
+TEST(Trash, AnotherEntryThatCameInItsPlaceGoesBack) {
+    TestTree tree;
+    tree.write("x", "confirmed");
+    tree.write("y", "another");
+    WatchedFiles watched;
+    watched.beforeRemoval = [&, done = false](const char* operation) mutable {
+        if (std::strcmp(operation, "moveEntry") != 0 || std::exchange(done, true)) return;
+        ::rename(tree.at("x").c_str(), tree.at("kept").c_str());
+        ::rename(tree.at("y").c_str(), tree.at("x").c_str());
+    };
+    EXPECT_EQ(moveAt(tree, "x", watched).error(), "another entry came into its place");
+    EXPECT_EQ(contentOf(tree.at("x")), "another");
+    EXPECT_EQ(contentOf(tree.at("kept")), "confirmed");
+    EXPECT_EQ(recordOf(tree, "x"), "");
+}
+
+TEST(Trash, WithoutTheRightToItNothingMoves) {
+    TestTree tree;
+    tree.write("locked/x", "x");
+    tree.folder("home");
+    for (const char* name : {".", "locked", "locked/x", "home"})
+        if (::chown(tree.at(name).c_str(), 65534, 65534) != 0) GTEST_SKIP() << "files of another user need root";
+    tree.setMode("locked", 0555);
+    EXPECT_EQ(runInChild({.ordinaryUser = true}, [&] { return moveAt(tree, "locked/x").error(); }),
+              "Permission denied");
+    EXPECT_TRUE(isThere(tree.at("locked/x")));
+    EXPECT_EQ(recordOf(tree, "x"), "");
+}
+
+// On a volume of its own, in a table of mounts of the child's own.
+std::string onAnotherVolume(TestTree& tree, const std::function<std::string(const std::string& top)>& check) {
+    tree.folder("volume");
+    tree.folder("home");
+    return runInChild({}, [&]() -> std::string {
+        const std::string top = tree.at("volume");
+        if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            ::mount("none", top.c_str(), "tmpfs", 0, nullptr) != 0)
+            return "skipped: no mounts of our own";
+        tree.write("volume/d/x y", "x");
+        return check(top);
+    });
+}
+
+TEST(Trash, AnotherVolumeHasItsOwn) {
+    const std::string user = std::to_string(::geteuid());
+    const struct {
+        const char* what;
+        std::function<void(TestTree&)> prepare;
+        std::string trash;  // or the reason
+    } cases[] = {
+        {"nothing is there yet", [](TestTree&) {}, ".Trash-" + user},
+        {"a shared one",
+         [](TestTree& tree) {
+             tree.folder("volume/.Trash");
+             tree.setMode("volume/.Trash", 01777);
+         },
+         ".Trash/" + user},
+        {"a shared one without the sticky bit",
+         [](TestTree& tree) {
+             tree.folder("volume/.Trash");
+             tree.setMode("volume/.Trash", 0777);
+         },
+         ".Trash-" + user},
+        {"a link for the shared one", [](TestTree& tree) { tree.symlink("/tmp", "volume/.Trash"); }, ".Trash-" + user},
+        {"somebody else's in the shared one",
+         [&](TestTree& tree) {
+             tree.folder("volume/.Trash/" + user);
+             tree.setMode("volume/.Trash", 01777);
+             (void)!::chown(tree.at("volume/.Trash/" + user).c_str(), 65534, 65534);
+         },
+         ".Trash-" + user},
+        {"somebody else's",
+         [&](TestTree& tree) {
+             tree.folder("volume/.Trash-" + user);
+             (void)!::chown(tree.at("volume/.Trash-" + user).c_str(), 65534, 65534);
+         },
+         "no trash on its volume: the trash there is another user's"},
+        {"a link", [&](TestTree& tree) { tree.symlink("/tmp", "volume/.Trash-" + user); },
+         "no trash on its volume: Not a directory"},
+    };
+    for (const auto& [what, prepare, trash] : cases) {
+        TestTree tree;
+        const std::string told = onAnotherVolume(tree, [&](const std::string& top) -> std::string {
+            prepare(tree);
+            const auto moved = moveAt(tree, "volume/d/x y");
+            if (isThere(tree.at("home/.local"))) return "the home trash was made";
+            if (isThere(tree.at("volume/d/x y")) == moved.has_value()) return "it is not where it was said to be";
+            if (!moved) return moved.error();
+            if (!contentOf(top + '/' + trash + "/info/x y.trashinfo").starts_with("[Trash Info]\nPath=d/x%20y\n"))
+                return "another record";
+            return moved->substr(top.size() + 1);
+        });
+        if (told.starts_with("skipped")) GTEST_SKIP() << told;
+        EXPECT_EQ(told, trash.starts_with('.') ? trash + "/files/x y" : trash) << what;
+    }
+}
+
+// The home trash of the same file system, by a mount that nothing can be moved across.
+TEST(Trash, ABoundFolderIsAVolumeOfItsOwn) {
+    TestTree tree;
+    tree.write("real/x", "x");
+    tree.folder("bound");
+    const std::string told = onAnotherVolume(tree, [&](const std::string&) -> std::string {
+        if (::mount(tree.at("real").c_str(), tree.at("bound").c_str(), nullptr, MS_BIND, nullptr) != 0)
+            return "skipped";
+        const auto moved = moveAt(tree, "bound/x");
+        return moved ? moved->substr(tree.path().size() + 1) : moved.error();
+    });
+    if (told.starts_with("skipped")) GTEST_SKIP() << told;
+    EXPECT_EQ(told, "bound/.Trash-" + std::to_string(::geteuid()) + "/files/x");
+}
+
+TEST(Trash, OtherProgramsListAndRestoreWhatIsInIt) {
+    TestTree tree;
+    const std::string name = "odd \xc3\xa4 100% [x].txt";
+    tree.write("data/" + name, "bytes");
+    ASSERT_TRUE(moveAt(tree, "data/" + name));
+    // Neither asks the session's services: a process of them would outlive the test.
+    const std::string setting = "HOME='" + tree.at("home") + "' XDG_DATA_HOME='" + tree.at("home/.local/share") +
+                                "' LC_ALL=C.UTF-8 DBUS_SESSION_BUS_ADDRESS=disabled: ";
+    const auto listed = outputOf(setting + "trash-list");
+    if (!listed) GTEST_SKIP() << "trash-cli is not installed";
+    EXPECT_THAT(*listed, HasSubstr(tree.at("data/" + name)));
+    const auto restored = outputOf("cd '" + tree.at("data") + "' && echo 0 | " + setting + "trash-restore");
+    EXPECT_EQ(contentOf(tree.at("data/" + name)), "bytes") << restored.value_or("");
+    EXPECT_EQ(recordOf(tree, name), "");
+}
+
+TEST(Trash, TheDesktopsOwnListHasIt) {
+    TestTree tree;
+    const std::string name = "odd \xc3\xa4 100% [x].txt";
+    tree.write("data/" + name, "bytes");
+    ASSERT_TRUE(moveAt(tree, "data/" + name));
+    const auto listed = outputOf("HOME='" + tree.at("home") + "' XDG_DATA_HOME='" + tree.at("home/.local/share") +
+                                 "' LC_ALL=C.UTF-8 timeout 20 dbus-run-session gio trash --list");
+    if (!listed) GTEST_SKIP() << "gio or dbus-run-session is not installed";
+    if (listed->find("not supported") != std::string::npos) GTEST_SKIP() << "no gvfs: " << *listed;
+    EXPECT_THAT(*listed, HasSubstr(tree.at("data/" + name)));
+}
+
+}  // namespace
+}  // namespace orrinvale
