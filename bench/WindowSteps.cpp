@@ -63,7 +63,6 @@ bool WindowSteps::counterWorks() {
     return byTimer >= held.count() && byPost >= held.count() && m_stalls.takeLongest() < held.count();
 }
 
-
 void WindowSteps::pass(int milliseconds) {
     QEventLoop loop;
     QTimer::singleShot(milliseconds, &loop, [&loop] { loop.quit(); });

@@ -132,15 +132,15 @@ private:
                 m_steps.step(fmt::format("sort by {} {}, {}", key, direction, state), [this, section = column] {
                     QHeaderView& header = *m_outline->header();
                     WindowSteps::click(*header.viewport(),
-                          {header.sectionViewportPosition(section) + header.sectionSize(section) / 2,
-                           header.height() / 2});
+                                       {header.sectionViewportPosition(section) + header.sectionSize(section) / 2,
+                                        header.height() / 2});
                 });
     }
 
     void clickBox(const QModelIndex& group) {
         m_outline->scrollTo(group);
         WindowSteps::click(*m_outline->viewport(),
-              m_outline->visualRect(group.siblingAtColumn(DuplicateResultModel::Checkbox)).center());
+                           m_outline->visualRect(group.siblingAtColumn(DuplicateResultModel::Checkbox)).center());
     }
 
     void tick() {

@@ -66,9 +66,7 @@ bool LargeFileScenes::save(const char* scene, QWidget* shown) const {
     return m_pictures.save(QStringLiteral("large-files-") + name, (shown != nullptr ? shown : m_window)->grab());
 }
 
-QTreeView& LargeFileScenes::outline() const {
-    return *m_window->findChild<QTreeView*>(QStringLiteral("outlineView"));
-}
+QTreeView& LargeFileScenes::outline() const { return *m_window->findChild<QTreeView*>(QStringLiteral("outlineView")); }
 
 QModelIndex LargeFileScenes::rowNamed(const char* name) const {
     QModelIndex row = outline().model()->index(0, 0);

@@ -48,13 +48,13 @@ SameFileDeleteViews::~SameFileDeleteViews() {
 }
 
 void SameFileDeleteViews::makeFirstView() {
-    const FolderStart start =
-        makeFolderStart({.viewName = "fristView",
-                         .buttonName = "pathChoseBtn",
-                         .dropName = tr("Drop a folder here to search it"),
-                         .pictureName = tr("Choose a folder to search"),
-                         .heading = tr("Find files that you have twice"),
-                         .hint = tr("Drop a folder here, or choose one. Nothing is removed until you tick it and confirm.")});
+    const FolderStart start = makeFolderStart(
+        {.viewName = "fristView",
+         .buttonName = "pathChoseBtn",
+         .dropName = tr("Drop a folder here to search it"),
+         .pictureName = tr("Choose a folder to search"),
+         .heading = tr("Find files that you have twice"),
+         .hint = tr("Drop a folder here, or choose one. Nothing is removed until you tick it and confirm.")});
     fristView = start.view;
     dragView = start.dragView;
     animationHoverImageView = start.animationHoverImageView;

@@ -75,9 +75,8 @@ void FileNodeModel::fill(Level& level) const {
 
 bool FileNodeModel::isStale(const Level& level) const {
     if (level.revision != m_tree->revision()) return true;
-    return std::ranges::any_of(level.below, [this](const auto& below) {
-        return below.second->folder->isExpand() && isStale(*below.second);
-    });
+    return std::ranges::any_of(
+        level.below, [this](const auto& below) { return below.second->folder->isExpand() && isStale(*below.second); });
 }
 
 void FileNodeModel::refresh() {
@@ -235,7 +234,8 @@ QVariant FileNodeModel::data(const QModelIndex& index, int role) const {
     const FileNode* const shown = node(index);
     if (shown == nullptr) return {};
     const int column = index.column();
-    const bool isBox = column == CheckBox && (role == StateRole || role == Qt::CheckStateRole) && !shown->isSystemFile();
+    const bool isBox =
+        column == CheckBox && (role == StateRole || role == Qt::CheckStateRole) && !shown->isSystemFile();
     switch (role) {
         case Qt::DisplayRole: return text(*shown, column);
         case Qt::ToolTipRole:

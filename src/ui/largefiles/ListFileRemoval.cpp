@@ -67,10 +67,9 @@ void ListFileViewController::removalEnded(const LargeFileRemoval& removal) {
     m_removal = removal;
     changeDeleteButtonState();
     m_views->failureLine->setVisible(removal.failed != 0);
-    m_views->failureLine->setText(
-        removal.failed == 1 ? tr("1 could not be removed; a new scan will show it again")
-                            : tr("%1 could not be removed; a new scan will show them again")
-                                  .arg(QLocale().toString(qulonglong(removal.failed))));
+    m_views->failureLine->setText(removal.failed == 1 ? tr("1 could not be removed; a new scan will show it again")
+                                                      : tr("%1 could not be removed; a new scan will show them again")
+                                                            .arg(QLocale().toString(qulonglong(removal.failed))));
     refreshList();
     m_views->outlineView->setFocus();
 }

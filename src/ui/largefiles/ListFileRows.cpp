@@ -25,9 +25,7 @@ void ListFileViewController::setAllSelectOrNoSelect() {
 
 void ListFileViewController::changeSelectAllButtonState(std::int32_t state) {
     m_selectAllButSt = state;
-    m_views->selectAllButton->setState(state == 0   ? TickState::Nothing
-                                       : state == 1 ? TickState::All
-                                                    : TickState::Some);
+    m_views->selectAllButton->setState(state == 0 ? TickState::Nothing : state == 1 ? TickState::All : TickState::Some);
     changeDeleteButtonState();
 }
 
@@ -87,13 +85,15 @@ void ListFileViewController::showRowMenu(const QModelIndex& index, QPoint positi
     menu->addAction(tr("Copy Path"), this,
                     [tree, node] { QGuiApplication::clipboard()->setText(QString::fromStdString(node->path())); });
     menu->addSeparator();
-    menu->addAction(tr("Move to Trash"), this, [this, tree, node] {
-        if (tree == m_rootNodeArr) moveToTrash(*node);
-    })->setEnabled(!m_isScan && !m_isRemoving && !node->isSystemFile());
+    menu->addAction(tr("Move to Trash"), this,
+                    [this, tree, node] {
+                        if (tree == m_rootNodeArr) putIntoTrash(*node);
+                    })
+        ->setEnabled(!m_isScan && !m_isRemoving && !node->isSystemFile());
     menu->popup(position);
 }
 
-void ListFileViewController::moveToTrash(FileNode& node) {
+void ListFileViewController::putIntoTrash(FileNode& node) {
     if (m_isScan || m_isRemoving) return;
     const std::string path = node.path();
     const std::string reason = Controller::getController().moveFileToTrash(path);

@@ -202,9 +202,9 @@ void ListFileViewController::showQuietLine() {
     const EumeRoot* const scan = Controller::getController().eumeRoot();
     const std::size_t skipped = scan != nullptr ? scan->skipped().size() : 0;
     m_views->quietLine->setVisible(skipped != 0);
-    m_views->quietLine->setText(
-        skipped == 1 ? tr("1 entry could not be read")
-                     : tr("%1 entries could not be read").arg(QLocale().toString(qulonglong(skipped))));
+    m_views->quietLine->setText(skipped == 1
+                                    ? tr("1 entry could not be read")
+                                    : tr("%1 entries could not be read").arg(QLocale().toString(qulonglong(skipped))));
 }
 
 void ListFileViewController::showSkipped() {

@@ -97,7 +97,7 @@ private:
     void cellClicked(const QModelIndex& index);
     void preview(const QModelIndex& index);
     void showRowMenu(const QModelIndex& index, QPoint position);
-    void moveToTrash(FileNode& node);
+    void putIntoTrash(FileNode& node);
     void takeOut(FileNode& node);
 
     // Removal.
@@ -117,8 +117,8 @@ private:
 
     std::shared_ptr<FileNodeTree> m_rootNodeArr;  // null before the first scan and on the start page
     QTimer m_sortTimer;                           // refreshes the list while a scan runs
-    QTimer m_reloadTimer;  // answers all requests of one turn of the event loop by one refresh
-    QTimer m_endTimer;     // sees that a scan has ended before the next refresh would
+    QTimer m_reloadTimer;                         // answers all requests of one turn of the event loop by one refresh
+    QTimer m_endTimer;                            // sees that a scan has ended before the next refresh would
     std::int32_t m_selectAllButSt = 0;
     LargeFileRemoval m_removal;  // the last one of this scan
     bool m_isScan = false;

@@ -40,13 +40,13 @@ ListFileViews::~ListFileViews() {
 }
 
 void ListFileViews::makeStartPage() {
-    const FolderStart start = makeFolderStart(
-        {.viewName = "aLoadView",
-         .buttonName = "selectFileButton",
-         .dropName = tr("Drop a folder here to see what is large in it"),
-         .pictureName = tr("Choose a folder to look into"),
-         .heading = tr("See what takes up the space"),
-         .hint = tr("Drop a folder here, or choose one. The biggest files and folders come first.")});
+    const FolderStart start =
+        makeFolderStart({.viewName = "aLoadView",
+                         .buttonName = "selectFileButton",
+                         .dropName = tr("Drop a folder here to see what is large in it"),
+                         .pictureName = tr("Choose a folder to look into"),
+                         .heading = tr("See what takes up the space"),
+                         .hint = tr("Drop a folder here, or choose one. The biggest files and folders come first.")});
     aLoadView = start.view;
     dragView = start.dragView;
     animationHoverImageView = start.animationHoverImageView;

@@ -36,9 +36,9 @@ TEST(PropertyList, ValuesOfBothForms) {
     const std::string text =
         xml("<dict><key>s</key><string>a &amp; b</string><key>n</key><integer>-5</integer><key>t</key><true/>"
             "<key>r</key><real>2.9</real><key>v</key><string> 12x</string><key>d</key><dict/></dict>");
-    const std::string packed = binary({std::string("\xD2\0\1\0\2\0\3\0\4", 9), "\x51s", "\x51n",
-                                       std::string("\x55") + "a & b",
-                                       "\x13" + bigEndian(static_cast<std::uint64_t>(-5), 8)});
+    const std::string packed =
+        binary({std::string("\xD2\0\1\0\2\0\3\0\4", 9), "\x51s", "\x51n", std::string("\x55") + "a & b",
+                "\x13" + bigEndian(static_cast<std::uint64_t>(-5), 8)});
     for (const std::string& bytes : {text, packed}) {
         const auto list = PropertyList::parse(bytes);
         ASSERT_TRUE(list);

@@ -100,7 +100,8 @@ TEST_F(UserDefaultsTest, ObserversHearChangesOnlyAndOnlyWhileTheyAreKept) {
 }
 
 TEST_F(UserDefaultsTest, DamagedFilesAreSetAsideAndDefaultsHold) {
-    for (const std::string& bytes : {std::string("garbage"), std::string(), std::string(std::size_t{10'000'000}, 'x')}) {
+    for (const std::string& bytes :
+         {std::string("garbage"), std::string(), std::string(std::size_t{10'000'000}, 'x')}) {
         ASSERT_TRUE(tree.write("f/settings.ini", bytes));
         UserDefaults defaults(tree.at("f/settings.ini"));
         defaults.registerDefaults({{"a", Int{7}}});

@@ -26,12 +26,11 @@ LargePage::~LargePage() {
 }
 
 void LargePage::setOwnFiles(std::vector<std::string> ownFiles) {
-    Controller::getController().setParts(
-        {.files = &window.files,
-         .mainQueue = &m_mainQueue,
-         .ownFiles = std::move(ownFiles),
-         .reveal = [this](const std::string& path) { revealed.push_back(path); },
-         .openFolder = {}});
+    Controller::getController().setParts({.files = &window.files,
+                                          .mainQueue = &m_mainQueue,
+                                          .ownFiles = std::move(ownFiles),
+                                          .reveal = [this](const std::string& path) { revealed.push_back(path); },
+                                          .openFolder = {}});
 }
 
 std::string LargePage::textOf(const char* name) {
@@ -60,7 +59,9 @@ std::string LargePage::list() {
     std::string text;
     for (QModelIndex row = outline().model()->index(0, 0); row.isValid(); row = outline().indexBelow(row)) {
         for (QModelIndex above = row.parent(); above.isValid(); above = above.parent()) text += "  ";
-        const auto cell = [&](int column, int role = Qt::DisplayRole) { return row.siblingAtColumn(column).data(role); };
+        const auto cell = [&](int column, int role = Qt::DisplayRole) {
+            return row.siblingAtColumn(column).data(role);
+        };
         const QVariant state = cell(FileNodeModel::CheckBox, FileNodeModel::StateRole);
         text += !state.isValid() ? ' ' : ".x-"[state.toInt()];
         text += ' ' + cell(FileNodeModel::Name).toString().toStdString() + ' ' +

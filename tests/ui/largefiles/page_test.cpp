@@ -57,8 +57,9 @@ TEST_F(LargeFilePage, ShowsTheBiggestFirstAndRemovesWhatIsTicked) {
     EXPECT_EQ(on.dialogs.choices().back().title, QStringLiteral("Choose a path to search"));
     EXPECT_TRUE(on.isShown("stopScanButton"));
     ASSERT_TRUE(on.waitFor([&] { return !on.page().isScan(); }));
-    EXPECT_EQ(on.list(),
-              ". movie.mkv 5.00 MB\n. photos 1.50 MB\n. Viewer.app 700.00 KB\n. same.txt 1.50 KB\n. notes.txt 1.50 KB\n");
+    EXPECT_EQ(
+        on.list(),
+        ". movie.mkv 5.00 MB\n. photos 1.50 MB\n. Viewer.app 700.00 KB\n. same.txt 1.50 KB\n. notes.txt 1.50 KB\n");
     EXPECT_FALSE(on.isShown("stopScanButton") || on.isShown("progressLabel") || on.control("deleteButton").isEnabled());
     const QModelIndex notes = on.row("notes.txt").siblingAtColumn(FileNodeModel::Size);
     EXPECT_TRUE(notes.data(Qt::ToolTipRole).toString().endsWith(QStringLiteral("\nshared by 2 names")));
@@ -68,9 +69,10 @@ TEST_F(LargeFilePage, ShowsTheBiggestFirstAndRemovesWhatIsTicked) {
     on.open("photos");
     on.tick("new");
     on.tick("movie.mkv");
-    EXPECT_EQ(on.list(),
-              "x movie.mkv 5.00 MB\n- photos 1.50 MB\n  x new 900.00 KB\n  . old.png 600.00 KB\n. Viewer.app 700.00 KB\n"
-              ". same.txt 1.50 KB\n. notes.txt 1.50 KB\n");
+    EXPECT_EQ(
+        on.list(),
+        "x movie.mkv 5.00 MB\n- photos 1.50 MB\n  x new 900.00 KB\n  . old.png 600.00 KB\n. Viewer.app 700.00 KB\n"
+        ". same.txt 1.50 KB\n. notes.txt 1.50 KB\n");
     on.dialogs.willAnswer(1);
     on.click("deleteButton");
     QTest::qWait(700);
@@ -87,8 +89,9 @@ TEST_F(LargeFilePage, ShowsTheBiggestFirstAndRemovesWhatIsTicked) {
     }));
     EXPECT_FALSE(isThere("f/movie.mkv") || isThere("f/photos/new"));
     EXPECT_TRUE(isThere("f/photos/old.png") && isThere("f/Viewer.app/viewer"));
-    EXPECT_EQ(on.list(),
-              ". photos 1.50 MB\n  . old.png 600.00 KB\n. Viewer.app 700.00 KB\n. same.txt 1.50 KB\n. notes.txt 1.50 KB\n");
+    EXPECT_EQ(
+        on.list(),
+        ". photos 1.50 MB\n  . old.png 600.00 KB\n. Viewer.app 700.00 KB\n. same.txt 1.50 KB\n. notes.txt 1.50 KB\n");
     EXPECT_FALSE(on.isShown("failureLine") || on.control("deleteButton").isEnabled());
 
     on.click("selectAllButton");
@@ -102,7 +105,8 @@ TEST_F(LargeFilePage, TicksInThreeStatesDownToWhatIsOpened) {
     ASSERT_TRUE(makeFolder() && on.scan(on.tree.at("f")));
     on.tick("photos");
     on.open("photos");
-    EXPECT_NE(on.list().find("x photos 1.50 MB\n  x new"), std::string::npos) << "the tick reaches what comes into view";
+    EXPECT_NE(on.list().find("x photos 1.50 MB\n  x new"), std::string::npos)
+        << "the tick reaches what comes into view";
     on.tick("old.png");
     EXPECT_NE(on.list().find("- photos"), std::string::npos);
     on.tick("photos");

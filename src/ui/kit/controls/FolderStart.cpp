@@ -29,9 +29,9 @@ FolderStart makeFolderStart(const FolderStartTexts& texts) {
     QLabel* const hint = makeLabel("hint", Theme::Text::Body, QPalette::PlaceholderText);
     hint->setText(texts.hint);
     hint->setWordWrap(true);
-    made.button =
-        named(new TextImageButton(QCoreApplication::translate("FolderStart", "Choose a Folder"), TextImageButton::Role::Primary),
-              texts.buttonName);
+    made.button = named(new TextImageButton(QCoreApplication::translate("FolderStart", "Choose a Folder"),
+                                            TextImageButton::Role::Primary),
+                        texts.buttonName);
 
     auto* const around = new QVBoxLayout(made.view);
     around->setContentsMargins({});

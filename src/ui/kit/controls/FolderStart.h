@@ -13,10 +13,10 @@ class DragView;
 class TextImageButton;
 
 struct FolderStartTexts {
-    const char* viewName;     ///< object name of the view
-    const char* buttonName;   ///< object name of the button
-    QString dropName;         ///< for screen readers: the place to drop
-    QString pictureName;      ///< for screen readers: the picture to press
+    const char* viewName;    ///< object name of the view
+    const char* buttonName;  ///< object name of the button
+    QString dropName;        ///< for screen readers: the place to drop
+    QString pictureName;     ///< for screen readers: the picture to press
     QString heading;
     QString hint;
 };
