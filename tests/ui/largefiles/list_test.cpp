@@ -5,8 +5,10 @@
 #include <QApplication>
 #include <QScrollBar>
 #include <QTest>
+#include <algorithm>
 #include <deque>
 
+#include "engine/largefiles/SystemFolder.h"
 #include "ui/largefiles/FileNodeModel.h"
 #include "ui/largefiles/NewOutlineView.h"
 
@@ -111,6 +113,24 @@ TEST_F(GrowingList, ClosesAFolderThatIsNoLongerAmongTheRowsShown) {
     EXPECT_FALSE(folder.isExpand());
     EXPECT_FALSE(view.isExpanded(model.index(0, 0)));
     EXPECT_EQ(model.rowCount(), 5000);
+}
+
+TEST_F(GrowingList, GivesNoBoxToWhatNobodyShouldSelect) {
+    const auto& listed = SystemFolder::paths();
+    const auto below = std::ranges::find_if(listed, [](const std::string& path) { return path.rfind('/') > 0; });
+    ASSERT_NE(below, listed.end());
+    int clicks = 0;
+    FileNodeModel rows({}, [&clicks](FileNode& /*node*/) { ++clicks; });
+    tree = std::make_shared<FileNodeTree>(below->substr(0, below->rfind('/')));
+    add(tree->root(), below->substr(below->rfind('/') + 1), 2, true);
+    add(tree->root(), "ours", 1);
+    rows.setTree(tree);
+    for (const bool isOurs : {false, true}) {
+        const QModelIndex box = rows.index(isOurs ? 1 : 0, FileNodeModel::CheckBox);
+        EXPECT_EQ(box.data(FileNodeModel::StateRole).isValid(), isOurs);
+        EXPECT_EQ(rows.setData(box, {}, FileNodeModel::StateRole), isOurs);
+    }
+    EXPECT_EQ(clicks, 1);
 }
 
 }  // namespace
