@@ -30,25 +30,10 @@ constexpr const char* lockedFile = "holiday-photos.zip";
 
 LargeFileScenes::LargeFileScenes(const SampleFolder& sample, UserDefaults& defaults, const PictureFolder& pictures,
                                  QSet<QString> wanted)
-    : m_sample(sample),
-      m_pictures(pictures),
-      m_wanted(std::move(wanted)),
-      m_controller(std::make_unique<DuplicateMainWindowController>(
-          SameFileDeleteParts{.files = &m_files,
-                              .notifications = &m_notifications,
-                              .defaults = &defaults,
-                              .dialogs = &m_dialogs,
-                              .mainQueue = &m_mainQueue,
-                              .icons = [this](const IconRequest& request) { return m_icons.icon(request); },
-                              .reveal = {},
-                              .openAddress = {}},
-          m_icons)),
-      m_window(m_controller->window()) {
+    : PageScenes(sample, defaults, pictures, std::move(wanted), QStringLiteral("large-files-")) {
     Controller::getController().setParts(
         {.files = &m_files, .mainQueue = &m_mainQueue, .ownFiles = {}, .reveal = {}, .openFolder = {}});
-    m_controller->showWindow();
     m_controller->selectFileListButtonAction();
-    m_files.refuse(SampleFolder::unreadableFolder, EACCES);
 }
 
 LargeFileScenes::~LargeFileScenes() {
@@ -57,14 +42,6 @@ LargeFileScenes::~LargeFileScenes() {
 }
 
 bool LargeFileScenes::draw() { return save("first") && drawScan() && drawResult() && drawRemoval(); }
-
-bool LargeFileScenes::save(const char* scene, QWidget* shown) const {
-    const QString name = QLatin1String(scene);
-    if (!m_wanted.isEmpty() && !m_wanted.contains(name)) return true;
-    if (shown == nullptr) m_window->activateWindow();
-    QApplication::processEvents();
-    return m_pictures.save(QStringLiteral("large-files-") + name, (shown != nullptr ? shown : m_window)->grab());
-}
 
 QTreeView& LargeFileScenes::outline() const { return *m_window->findChild<QTreeView*>(QStringLiteral("outlineView")); }
 

@@ -64,18 +64,13 @@ void deleteDupFiles(RemovalRun& run, const FileSystem& files, const std::functio
 
 void SameFileDeleteViewController::removeBtnClicked() {
     if (!m_bSearchFinished || m_selection.allSelectNumArr().empty()) return;
-    Alert question;
-    question.title = QStringLiteral("Are you sure you want to delete all your selected files?");
-    question.text = QStringLiteral(" ");
-    question.buttons = QStringList{QStringLiteral("Sure"), QStringLiteral("Cancel")};
-    question.cancelButton = 1;
-    question.severity = Alert::Severity::Warning;
-    question.isDestructive = true;
     // What was ticked when the person confirms is what goes.
     // Not what a later search may have put in its place.
-    m_parts.dialogs->alert(m_mainWindow, question, [self = QPointer(this), asked = m_duplicateOpt](int button) {
-        if (self != nullptr && self->m_duplicateOpt == asked) self->alertEnded_aContext(button == 0 ? 1 : 0);
-    });
+    m_parts.dialogs->alert(m_mainWindow, removalQuestion(),
+                           [self = QPointer(this), asked = m_duplicateOpt](int button) {
+                               if (self != nullptr && self->m_duplicateOpt == asked)
+                                   self->alertEnded_aContext(button == 0 ? 1 : 0);
+                           });
 }
 
 void SameFileDeleteViewController::alertEnded_aContext(int code) {

@@ -21,15 +21,8 @@ constexpr std::chrono::milliseconds beforeRemoval{500};
 
 void ListFileViewController::deleteFiles() {
     if (m_isScan || m_isRemoving) return;
-    Alert question;
-    question.title = QStringLiteral("Are you sure you want to delete all your selected files?");
-    question.text = QStringLiteral(" ");
-    question.buttons = QStringList{QStringLiteral("Sure"), QStringLiteral("Cancel")};
-    question.cancelButton = 1;
-    question.severity = Alert::Severity::Warning;
-    question.isDestructive = true;
     // What a later scan shows was not asked about.
-    m_parts.dialogs->alert(m_mainWindow, question,
+    m_parts.dialogs->alert(m_mainWindow, removalQuestion(),
                            [self = QPointer(this), asked = std::weak_ptr(m_rootNodeArr)](int button) {
                                if (self != nullptr && self->m_rootNodeArr == asked.lock())
                                    self->alertEnded_code(button == 0 ? 1 : 0);
