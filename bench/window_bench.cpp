@@ -1,6 +1,7 @@
 // How long the window stands still: the real page on real files, driven by clicks, with the program's own counter of stalls.
 // Makes a folder of duplicates, searches it, and then opens, sorts, ticks, scrolls and removes. Windows are drawn offscreen.
-//     window-bench [--groups N] [--leaves N] [--at FOLDER] [--scan FOLDER] [--json]
+// The large file page follows on a folder of its own.
+//     window-bench [--groups N] [--leaves N] [--entries N] [--at FOLDER] [--scan FOLDER] [--json]
 // Ends with 1 when a step stands still for longer than the bar, or redraws too rarely.
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -10,20 +11,16 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
-#include <QElapsedTimer>
-#include <QEventLoop>
 #include <QHeaderView>
-#include <QMouseEvent>
-#include <QScrollBar>
 #include <QTemporaryDir>
-#include <QTimer>
-#include <chrono>
 #include <functional>
-#include <thread>
 
+#include "LargePageSteps.h"
+#include "WindowSteps.h"
 #include "engine/base/Log.h"
 #include "engine/base/NotificationCenter.h"
 #include "engine/cleaning/QnAuthorization.h"
+#include "engine/largefiles/Controller.h"
 #include "engine/settings/PreferenceViewController.h"
 #include "engine/settings/UserDefaults.h"
 #include "platform/linux/LinuxAuthorization.h"
@@ -35,22 +32,18 @@
 #include "ui/duplicates/ResultOutline.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/controls/TickBox.h"
-#include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/shell/DuplicateMainWindowController.h"
 #include "ui/shell/FileIcons.h"
 #include "ui/shell/MyNSApplication.h"
-#include "ui/shell/StallCounter.h"
 
 namespace orrinvale {
 namespace {
 
-constexpr qint64 longestStall = 50;   // milliseconds
-constexpr double fewestRedraws = 60;  // a second
-
 struct Setting {
     std::size_t groups = 60'000;
     std::size_t leaves = 200'000;
+    std::size_t entries = 1'000'000;
     std::string at;
     std::string scan;
     bool json = false;
@@ -79,33 +72,12 @@ bool makeFiles(const std::string& root, const Setting& setting) {
     return true;
 }
 
-/// Agrees to every question, from the event loop, as a person would.
-class Agreeing final : public Dialogs {
-public:
-    void alert(QWidget* /*window*/, const Alert& /*alert*/, Answer answered) override {
-        QTimer::singleShot(0, &m_context, [answered = std::move(answered)] { answered(0); });
-    }
-    void choosePaths(QWidget* /*window*/, const PathChoice& /*choice*/, Paths chosen) override {
-        QTimer::singleShot(0, &m_context, [chosen = std::move(chosen)] { chosen({}); });
-    }
-
-private:
-    QObject m_context;
-};
-
-struct Row {
-    std::string step;
-    qint64 longest = 0;  // milliseconds
-    qint64 total = 0;    // milliseconds until the step was over
-    qint64 busy = 0;     // milliseconds of processor time on the main thread, which other programs do not stretch
-    double redraws = 0;  // a second; 0 where nothing was scrolled
-};
-
 class Bench final {
 public:
-    Bench(const Setting& setting, const std::string& folder)
+    Bench(const Setting& setting, const std::string& folder, WindowSteps& steps)
         : m_setting(setting),
           m_folder(folder),
+          m_steps(steps),
           m_window({.files = &m_files,
                     .notifications = &m_notifications,
                     .defaults = &UserDefaults::standardUserDefaults(),
@@ -117,93 +89,39 @@ public:
                    m_icons) {
         QnAuthorization::shareQnAuthorization().setParts(
             {.authorization = &m_authorization, .files = &m_files, .permissions = &m_permissions, .ownFiles = {}});
+        Controller::getController().setParts(
+            {.files = &m_files, .mainQueue = &m_mainQueue, .ownFiles = {}, .reveal = {}, .openFolder = {}});
         m_window.showWindow();
         m_outline = m_window.sameFileDeleteVC()->detailView()->findChild<ResultOutline*>(QStringLiteral("outline"));
     }
 
-    /// False when the counter does not see work that holds the loop up, whatever kind of event it comes with.
-    bool counterWorks() {
-        constexpr std::chrono::milliseconds held{60};
-        const auto hold = [held] { std::this_thread::sleep_for(held); };
-        pass(50);
-        static_cast<void>(m_stalls.takeLongest());
-        QTimer::singleShot(1, &m_context, hold);
-        pass(100);
-        const qint64 byTimer = m_stalls.takeLongest();
-        QMetaObject::invokeMethod(&m_context, hold, Qt::QueuedConnection);
-        pass(100);
-        const qint64 byPost = m_stalls.takeLongest();
-        pass(200);
-        return byTimer >= held.count() && byPost >= held.count() && m_stalls.takeLongest() < held.count();
-    }
+    ~Bench() { Controller::getController().setParts({}); }
+    Bench(const Bench&) = delete;
+    Bench& operator=(const Bench&) = delete;
 
     void run() {
         if (!m_setting.scan.empty()) search("search of the given folder", m_setting.scan);
         search("search and open", m_folder);
         sort("closed");
-        step("expand all", [this] { m_outline->expandAll(); });
-        scroll("scroll, all open");
+        m_steps.step("expand all", [this] { m_outline->expandAll(); });
+        m_steps.scroll("scroll, all open", *m_outline);
         sort("open");
         tick();
         for (std::int32_t row = 1; row <= 7; ++row) switchTo(row % 7);
-        step("collapse all", [this] { m_outline->collapseAll(); });
-        scroll("scroll, closed");
+        m_steps.step("collapse all", [this] { m_outline->collapseAll(); });
+        m_steps.scroll("scroll, closed", *m_outline);
         remove();
         search("search again", m_folder);
-        step("close", [this] { m_window.closeWindow(); });
+        if (m_setting.entries != 0) runLargePageSteps(m_steps, m_window, m_folder + " entries");
+        m_steps.step("close", [this] { m_window.closeWindow(); });
     }
-
-    [[nodiscard]] const std::vector<Row>& rows() const { return m_rows; }
 
 private:
     SameFileDeleteViewController& page() { return *m_window.sameFileDeleteVC(); }
 
-    void pass(int milliseconds) {
-        QEventLoop loop;
-        QTimer::singleShot(milliseconds, &loop, [&loop] { loop.quit(); });
-        loop.exec();
-    }
-
-    // The action runs as an event of its own; what it asks to be drawn follows before the step is over.
-    void step(
-        const std::string& name, const std::function<void()>& action,
-        const std::function<bool()>& isOver = [] { return true; }) {
-        pass(150);
-        static_cast<void>(m_stalls.takeLongest());
-        QElapsedTimer clock;
-        clock.start();
-        const qint64 busyBefore = busy();
-        bool begun = false;
-        QTimer::singleShot(0, &m_context, [&] {
-            action();
-            // Behind the clicks that the action has posted.
-            QMetaObject::invokeMethod(
-                &m_context, [&] { begun = true; }, Qt::QueuedConnection);
-        });
-        while (!begun || !isOver()) pass(1);
-        const qint64 total = clock.elapsed();
-        pass(150);
-        m_rows.push_back({name, m_stalls.takeLongest(), total, busy() - busyBefore, 0});
-    }
-
-    static qint64 busy() {
-        timespec now{};
-        ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-        return std::int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000;
-    }
-
     void search(const std::string& name, const std::string& folder) {
-        step(
+        m_steps.step(
             name, [&] { page().viewDragAction(folder); }, [this] { return page().bSearchFinished(); });
-    }
-
-    static void click(QWidget& widget, QPoint position) {
-        const QPointF local(position);
-        const QPointF global(widget.mapToGlobal(position));
-        for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease})
-            QCoreApplication::postEvent(
-                &widget, new QMouseEvent(type, local, global, Qt::LeftButton,
-                                         type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, {}));
     }
 
     void sort(const std::string& state) {
@@ -211,61 +129,37 @@ private:
         for (const auto& [column, key] :
              {std::pair(Model::NameColumn, "name"), {Model::FileSize, "size"}, {Model::ModifyDate, "date"}})
             for (const char* const direction : {"up", "down"})
-                step(fmt::format("sort by {} {}, {}", key, direction, state), [this, section = column] {
+                m_steps.step(fmt::format("sort by {} {}, {}", key, direction, state), [this, section = column] {
                     QHeaderView& header = *m_outline->header();
-                    click(*header.viewport(),
-                          {header.sectionViewportPosition(section) + header.sectionSize(section) / 2,
-                           header.height() / 2});
+                    WindowSteps::click(*header.viewport(),
+                                       {header.sectionViewportPosition(section) + header.sectionSize(section) / 2,
+                                        header.height() / 2});
                 });
     }
 
     void clickBox(const QModelIndex& group) {
         m_outline->scrollTo(group);
-        click(*m_outline->viewport(),
-              m_outline->visualRect(group.siblingAtColumn(DuplicateResultModel::Checkbox)).center());
+        WindowSteps::click(*m_outline->viewport(),
+                           m_outline->visualRect(group.siblingAtColumn(DuplicateResultModel::Checkbox)).center());
     }
 
     void tick() {
         const auto header = [this] { m_outline->headerBox()->click(); };
         QAbstractItemModel& model = *m_outline->model();
-        step("tick all by the header box", header);
-        step("clear a group", [&] { clickBox(model.index(0, 0)); });
-        step("tick a group", [&] { clickBox(model.index(0, 0)); });
-        step("clear a leaf", [&] { clickBox(model.index(0, 0, model.index(0, 0))); });
-        step("clear all by the header box", header);
-        step("tick all again", header);
-        step("clear all again", header);
+        m_steps.step("tick all by the header box", header);
+        m_steps.step("clear a group", [&] { clickBox(model.index(0, 0)); });
+        m_steps.step("tick a group", [&] { clickBox(model.index(0, 0)); });
+        m_steps.step("clear a leaf", [&] { clickBox(model.index(0, 0, model.index(0, 0))); });
+        m_steps.step("clear all by the header box", header);
+        m_steps.step("tick all again", header);
+        m_steps.step("clear all again", header);
     }
 
     void switchTo(std::int32_t row) {
-        step(fmt::format("switch to view {}", row), [this, row] {
+        m_steps.step(fmt::format("switch to view {}", row), [this, row] {
             for (auto* const cell : page().detailView()->findChildren<DuplicationLeftCell*>())
-                if (cell->rowViewNum() == row) click(*cell, cell->rect().center());
+                if (cell->rowViewNum() == row) WindowSteps::click(*cell, cell->rect().center());
         });
-    }
-
-    // The whole list goes by, so that every redraw draws other rows.
-    void scroll(const std::string& name) {
-        constexpr int redraws = 300;
-        QScrollBar& bar = *m_outline->verticalScrollBar();
-        int drawn = 0;
-        QElapsedTimer clock;
-        QTimer frames;
-        frames.setInterval(0);
-        QObject::connect(&frames, &QTimer::timeout, m_outline, [&] {
-            bar.setValue(static_cast<int>(std::int64_t{bar.maximum()} * drawn / redraws));
-            m_outline->viewport()->repaint();
-            if (++drawn == redraws) frames.stop();
-        });
-        step(
-            name,
-            [&] {
-                clock.start();
-                frames.start();
-            },
-            [&] { return drawn == redraws; });
-        m_rows.back().redraws = redraws * 1000.0 / static_cast<double>(m_rows.back().total);
-        bar.setValue(0);
     }
 
     // All copies but one of each group of pictures.
@@ -275,13 +169,13 @@ private:
         auto* const button = page().detailView()->findChild<QAbstractButton*>(QStringLiteral("stopBtn"));
         const int before = leaves();
         bool begun = false;
-        step(
+        m_steps.step(
             "remove", [&] { button->click(); },
             [&] {
                 begun = begun || !page().bSearchFinished();
                 return begun && page().bSearchFinished();
             });
-        m_rows.back().step = fmt::format("remove {} files", before - leaves());
+        m_steps.rows.back().step = fmt::format("remove {} files", before - leaves());
         switchTo(0);
     }
 
@@ -294,7 +188,7 @@ private:
 
     const Setting& m_setting;
     const std::string m_folder;
-    StallCounter m_stalls{false};
+    WindowSteps& m_steps;
     LinuxFileSystem m_files;
     LinuxPermissions m_permissions;
     LinuxAuthorization m_authorization;
@@ -304,28 +198,7 @@ private:
     FileIcons m_icons;
     DuplicateMainWindowController m_window;
     ResultOutline* m_outline = nullptr;
-    QObject m_context;
-    std::vector<Row> m_rows;
 };
-
-bool isOver(const Row& row) { return row.longest > longestStall || (row.redraws != 0 && row.redraws < fewestRedraws); }
-
-void print(const std::vector<Row>& rows, bool asJson) {
-    std::string text;
-    for (const Row& row : rows) {
-        if (asJson)
-            text += fmt::format(
-                R"({}{{"step":"{}","longest_ms":{},"total_ms":{},"busy_ms":{},"redraws_per_second":{:.0f},"over":{}}})",
-                text.empty() ? "[" : ",\n ", row.step, row.longest, row.total, row.busy, row.redraws, isOver(row));
-        else
-            text +=
-                fmt::format("{:<32}{:>8} ms{:>8} ms{:>8} ms{:>10}{}\n", row.step, row.longest, row.total, row.busy,
-                            row.redraws == 0 ? "" : fmt::format("{:.0f}/s", row.redraws), isOver(row) ? "  over" : "");
-    }
-    if (asJson) text += "]\n";
-    else text.insert(0, fmt::format("{:<32}{:>11}{:>11}{:>11}{:>10}\n", "step", "longest", "total", "busy", "redraws"));
-    std::fputs(text.c_str(), stdout);
-}
 
 Setting settingFrom(const QCoreApplication& application) {
     QCommandLineParser parser;
@@ -335,6 +208,7 @@ Setting settingFrom(const QCoreApplication& application) {
     };
     add("groups", QStringLiteral("groups of equal files"), QStringLiteral("N"), QStringLiteral("60000"));
     add("leaves", QStringLiteral("files in all groups together"), QStringLiteral("N"), QStringLiteral("200000"));
+    add("entries", QStringLiteral("files for the large file page"), QStringLiteral("N"), QStringLiteral("1000000"));
     add("at", QStringLiteral("where the files are made"), QStringLiteral("FOLDER"), QDir::tempPath());
     add("scan", QStringLiteral("a folder to search first; it is left alone"), QStringLiteral("FOLDER"), {});
     parser.addOption({QStringLiteral("json"), QStringLiteral("print JSON")});
@@ -342,6 +216,7 @@ Setting settingFrom(const QCoreApplication& application) {
     Setting setting;
     setting.groups = parser.value(QStringLiteral("groups")).toULongLong();
     setting.leaves = parser.value(QStringLiteral("leaves")).toULongLong();
+    setting.entries = parser.value(QStringLiteral("entries")).toULongLong();
     setting.at = parser.value(QStringLiteral("at")).toStdString();
     setting.scan = parser.value(QStringLiteral("scan")).toStdString();
     setting.json = parser.isSet(QStringLiteral("json"));
@@ -359,21 +234,21 @@ int runBench(int argc, char** argv) {
     const std::string settings = folder.filePath(QStringLiteral("settings")).toStdString();
     const std::string corpus = folder.filePath(QStringLiteral("files")).toStdString();
     if (!folder.isValid() || ::mkdir(settings.c_str(), 0755) != 0 || ::mkdir(corpus.c_str(), 0755) != 0 ||
-        !makeFiles(corpus, setting)) {
+        !makeFiles(corpus, setting) || (setting.entries != 0 && !makeEntries(corpus + " entries", setting.entries))) {
         std::fputs("window-bench: the files can not be made\n", stderr);
         return 2;
     }
     ::setenv("XDG_CONFIG_HOME", settings.c_str(), 1);
     Theme::shared().install(application);
     PreferenceViewController::initialize();
-    Bench bench(setting, corpus);
-    if (!bench.counterWorks()) {
+    WindowSteps steps;
+    if (!steps.counterWorks()) {
         std::fputs("window-bench: the counter does not see stalls\n", stderr);
         return 2;
     }
-    bench.run();
-    print(bench.rows(), setting.json);
-    return std::any_of(bench.rows().begin(), bench.rows().end(), isOver) ? 1 : 0;
+    Bench(setting, corpus, steps).run();
+    print(steps.rows, setting.json);
+    return std::any_of(steps.rows.begin(), steps.rows.end(), isOver) ? 1 : 0;
 }
 
 }  // namespace

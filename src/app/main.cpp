@@ -9,6 +9,7 @@
 #include "engine/base/NotificationCenter.h"
 #include "engine/base/UtilityObject.h"
 #include "engine/cleaning/QnAuthorization.h"
+#include "engine/largefiles/Controller.h"
 #include "engine/memory/ClearMemory.h"
 #include "engine/settings/PreferenceViewController.h"
 #include "engine/settings/UserDefaults.h"
@@ -47,7 +48,8 @@ public:
         m_timer.setInterval(100);
         connect(&m_timer, &QTimer::timeout, this, [this, &window] {
             if (window.window()->isVisible()) m_timer.stop();
-            else if (window.sameFileDeleteVC()->bSearchFinished()) QCoreApplication::quit();
+            else if (window.sameFileDeleteVC()->bSearchFinished() && !Controller::getController().isRemoving())
+                QCoreApplication::quit();
         });
     }
     void closeMainWindow() override { m_timer.start(); }
@@ -78,6 +80,11 @@ int runWindow(int argc, char** argv) {
     QnAuthorization& right = QnAuthorization::shareQnAuthorization();
     right.setParts(
         {.authorization = &authorization, .files = &files, .permissions = &permissions, .ownFiles = programFiles()});
+    Controller::getController().setParts({.files = &files,
+                                          .mainQueue = &mainQueue,
+                                          .ownFiles = programFiles(),
+                                          .reveal = revealInFileManager,
+                                          .openFolder = revealInFileManager});
     right.setRightLostHandler([&](AuthorizationRefusal /*reason*/) {
         mainQueue.async([&] {
             UtilityObject::getMyObject().setIsOpenLocked(false);

@@ -35,40 +35,15 @@ constexpr const char* lockedCopy = "holiday-photos.zip";
 
 DuplicateScenes::DuplicateScenes(const SampleFolder& sample, UserDefaults& defaults, const PictureFolder& pictures,
                                  QSet<QString> wanted)
-    : m_sample(sample),
-      m_pictures(pictures),
-      m_wanted(std::move(wanted)),
-      m_controller(std::make_unique<DuplicateMainWindowController>(
-          SameFileDeleteParts{.files = &m_files,
-                              .notifications = &m_notifications,
-                              .defaults = &defaults,
-                              .dialogs = &m_dialogs,
-                              .mainQueue = &m_mainQueue,
-                              .icons = [this](const IconRequest& request) { return m_icons.icon(request); },
-                              .reveal = {},
-                              .openAddress = {}},
-          m_icons)),
-      m_window(m_controller->window()) {
+    : PageScenes(sample, defaults, pictures, std::move(wanted), QStringLiteral("duplicates-")) {
     QnAuthorization::shareQnAuthorization().setParts(
         {.authorization = nullptr, .files = &m_files, .permissions = nullptr, .ownFiles = {}});
-    m_controller->showWindow();
-    m_files.refuse(SampleFolder::unreadableFolder, EACCES);
     m_files.refuse(SampleFolder::unreadableFile, EACCES);
 }
-
-DuplicateScenes::~DuplicateScenes() { m_files.release(); }
 
 bool DuplicateScenes::draw() {
     return drawFirstView() && drawSearch() && drawResult() && drawKeyboard() && drawQuestion() && drawLargeWindow() &&
            drawPreview() && drawRemoval() && drawFailures() && drawEmptyResult();
-}
-
-bool DuplicateScenes::save(const char* scene, QWidget* shown) const {
-    const QString name = QLatin1String(scene);
-    if (!m_wanted.isEmpty() && !m_wanted.contains(name)) return true;
-    if (shown == nullptr) m_window->activateWindow();
-    QApplication::processEvents();
-    return m_pictures.save(QStringLiteral("duplicates-") + name, (shown != nullptr ? shown : m_window)->grab());
 }
 
 QTreeView* DuplicateScenes::outline() const { return m_window->findChild<QTreeView*>(QStringLiteral("outline")); }

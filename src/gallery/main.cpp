@@ -15,6 +15,7 @@
 #include "engine/text/UtilityFunction.h"
 #include "gallery/ControlSheet.h"
 #include "gallery/DuplicateScenes.h"
+#include "gallery/LargeFileScenes.h"
 #include "gallery/SampleFolder.h"
 #include "gallery/drawing.h"
 #include "platform/linux/LinuxSystem.h"
@@ -76,22 +77,27 @@ QSet<QString> wantedScenes(const Order& order) {
     return {QStringLiteral("first"), QStringLiteral("detail")};
 }
 
+// On a folder of its own, since pages remove things.
+template <class Scenes> bool drawPage(const Order& order, const PictureFolder& pictures) {
+    const SampleFolder sample;
+    if (!sample.failure().empty()) {
+        std::fprintf(stderr, "orrinvale-gallery: %s\n", sample.failure().c_str());
+        return false;
+    }
+    UserDefaults defaults(sample.settings());
+    UserDefaults::setStandardUserDefaults(&defaults);
+    PreferenceViewController::initialize();
+    const bool isDrawn = Scenes(sample, defaults, pictures, wantedScenes(order)).draw();
+    UserDefaults::setStandardUserDefaults(nullptr);
+    return isDrawn;
+}
+
 int drawGallery(const Order& order, NotificationCenter& notifications) {
     const PictureFolder pictures(
         order.folder, QLatin1String(order.isDark ? "-dark" : "") + QLatin1String(order.isLarge ? "@2x" : ""));
     if (!drawSheet(pictures, notifications)) return 1;
     if (order.isDark && order.isLarge) return 0;
-    const SampleFolder sample;
-    if (!sample.failure().empty()) {
-        std::fprintf(stderr, "orrinvale-gallery: %s\n", sample.failure().c_str());
-        return 1;
-    }
-    UserDefaults defaults(sample.settings());
-    UserDefaults::setStandardUserDefaults(&defaults);
-    PreferenceViewController::initialize();
-    const bool isDrawn = DuplicateScenes(sample, defaults, pictures, wantedScenes(order)).draw();
-    UserDefaults::setStandardUserDefaults(nullptr);
-    return isDrawn ? 0 : 1;
+    return drawPage<DuplicateScenes>(order, pictures) && drawPage<LargeFileScenes>(order, pictures) ? 0 : 1;
 }
 
 std::string_view valueAfter(int argc, char** argv, std::string_view option) {

@@ -61,12 +61,12 @@ std::span<FileNode* const> FileNode::biggestChildren(std::size_t count) {
     count = std::min(count, all.size());
     if (m_ordered >= count) return all;
     const auto before = [](const FileNode* a, const FileNode* b) { return a->standsBefore(*b); };
-    if (all.size() <= wholeLevel) {
-        count = all.size();
-    } else if (count < all.size()) {
-        std::nth_element(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(count), all.end(), before);
-    }
-    std::sort(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(count), before);
+    if (all.size() <= wholeLevel) count = all.size();
+    // Those in order already are bigger than the rest, so that a list which grows as it is scrolled sorts what is new in it.
+    const auto first = all.begin() + m_ordered;
+    const auto end = all.begin() + static_cast<std::ptrdiff_t>(count);
+    if (count < all.size()) std::nth_element(first, end, all.end(), before);
+    std::sort(first, end, before);
     m_ordered = static_cast<std::uint32_t>(count);
     return all;
 }

@@ -7,24 +7,11 @@
 
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/kit/controls/FlatHeader.h"
+#include "ui/kit/controls/pathText.h"
 #include "ui/kit/look/Theme.h"
 
 namespace orrinvale {
 namespace {
-
-// A line break in a name would hide what follows it.
-QString onOneLine(QString text) { return text.replace(QLatin1Char('\n'), QChar(0x2424)); }
-
-// What of a folder is nearest to the name stays: all copies lie below one folder, and it is the end that tells them apart.
-QString shortenedFolder(const QString& folder, const QFontMetrics& metrics, int width) {
-    if (metrics.horizontalAdvance(folder) <= width) return folder;
-    for (qsizetype slash = folder.indexOf(QLatin1Char('/'), 1); slash >= 0 && slash < folder.size() - 1;
-         slash = folder.indexOf(QLatin1Char('/'), slash + 1)) {
-        QString shown = QChar(0x2026) + folder.mid(slash);
-        if (metrics.horizontalAdvance(shown) <= width) return shown;
-    }
-    return metrics.elidedText(folder, Qt::ElideLeft, width);
-}
 
 // The folder gives way first: the name is what tells two rows apart.
 void drawPath(QPainter& painter, const QRect& rect, const QString& path, const QFont& font, const QColor& nameColor) {

@@ -4,7 +4,6 @@
 #include <QStackedWidget>
 #include <algorithm>
 #include <chrono>
-#include <map>
 
 #include "engine/base/UtilityObject.h"
 #include "engine/cleaning/QnAuthorization.h"
@@ -65,18 +64,13 @@ void deleteDupFiles(RemovalRun& run, const FileSystem& files, const std::functio
 
 void SameFileDeleteViewController::removeBtnClicked() {
     if (!m_bSearchFinished || m_selection.allSelectNumArr().empty()) return;
-    Alert question;
-    question.title = QStringLiteral("Are you sure you want to delete all your selected files?");
-    question.text = QStringLiteral(" ");
-    question.buttons = QStringList{QStringLiteral("Sure"), QStringLiteral("Cancel")};
-    question.cancelButton = 1;
-    question.severity = Alert::Severity::Warning;
-    question.isDestructive = true;
     // What was ticked when the person confirms is what goes.
     // Not what a later search may have put in its place.
-    m_parts.dialogs->alert(m_mainWindow, question, [self = QPointer(this), asked = m_duplicateOpt](int button) {
-        if (self != nullptr && self->m_duplicateOpt == asked) self->alertEnded_aContext(button == 0 ? 1 : 0);
-    });
+    m_parts.dialogs->alert(m_mainWindow, removalQuestion(),
+                           [self = QPointer(this), asked = m_duplicateOpt](int button) {
+                               if (self != nullptr && self->m_duplicateOpt == asked)
+                                   self->alertEnded_aContext(button == 0 ? 1 : 0);
+                           });
 }
 
 void SameFileDeleteViewController::alertEnded_aContext(int code) {
@@ -214,15 +208,7 @@ void SameFileDeleteViewController::alertCanNotRemoveSome() {
 
 void SameFileDeleteViewController::showFailures() {
     if (!m_removal || !m_bSearchFinished) return;
-    std::map<std::string, QStringList> byReason;
-    for (const RemovalRun::Failure& failure : m_removal->failures)
-        byReason[failure.reason].push_back(QStringLiteral("    ") + QString::fromStdString(failure.path));
-    QStringList lines;
-    for (const auto& [reason, paths] : byReason) {
-        lines.push_back(QStringLiteral("%1 (%2)").arg(QString::fromStdString(reason), QString::number(paths.size())));
-        lines.append(paths);
-    }
-    showLineList(m_mainWindow, tr("Could not be removed"), lines);
+    showLineList(m_mainWindow, tr("Could not be removed"), linesByReason(m_removal->failures));
 }
 
 void SameFileDeleteViewController::stopRemoveBtnClicked() {

@@ -313,11 +313,7 @@ void SameFileDeleteViewController::showFitting() {
 
 void SameFileDeleteViewController::showSkipped() {
     const auto search = m_duplicateOpt ? m_duplicateOpt->search() : nullptr;
-    if (!search) return;
-    QStringList lines;
-    for (const Error& error : search->skipped().entries())
-        lines.push_back(QString::fromStdString(error.reason()) + QStringLiteral(": ") + bytesToText(error.path));
-    showLineList(m_mainWindow, tr("Could not be read"), lines);
+    if (search) showLineList(m_mainWindow, tr("Could not be read"), linesOf(search->skipped().entries()));
 }
 
 void SameFileDeleteViewController::stopScanBtnClicked() {

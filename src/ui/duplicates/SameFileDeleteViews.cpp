@@ -8,7 +8,6 @@
 #include <QVBoxLayout>
 
 #include "engine/duplicates/results/ResultViews.h"
-#include "ui/duplicates/Panel.h"
 #include "ui/duplicates/ResultOutline.h"
 #include "ui/kit/chrome/AnimationHoverImageView.h"
 #include "ui/kit/chrome/HoverButton.h"
@@ -17,8 +16,11 @@
 #include "ui/kit/controls/Animation.h"
 #include "ui/kit/controls/DragView.h"
 #include "ui/kit/controls/ElidedLabel.h"
+#include "ui/kit/controls/FolderStart.h"
+#include "ui/kit/controls/Panel.h"
 #include "ui/kit/controls/PictureView.h"
 #include "ui/kit/controls/TickBox.h"
+#include "ui/kit/controls/viewParts.h"
 #include "ui/kit/look/Theme.h"
 
 namespace orrinvale {
@@ -29,30 +31,6 @@ constexpr int barHeight = 52;
 constexpr int imageSide = 64;
 
 QString tr(const char* text) { return QCoreApplication::translate("SameFileDeleteViews", text); }
-
-template <class Control> Control* named(Control* control, const char* name, const QString& accessibleName = {}) {
-    control->setObjectName(QLatin1String(name));
-    if (!accessibleName.isEmpty()) control->setAccessibleName(accessibleName);
-    return control;
-}
-
-QLabel* label(const char* name, Theme::Text text, QPalette::ColorRole role = QPalette::WindowText) {
-    auto* const made = named(new QLabel, name);
-    made->setTextFormat(Qt::PlainText);
-    made->setFont(Theme::shared().font(text));
-    made->setForegroundRole(role);
-    made->setAlignment(Qt::AlignCenter);
-    return made;
-}
-
-TCImageButton* imageButton(const char* name, const QString& image, const QString& toolTip) {
-    auto* const made = named(new TCImageButton, name);
-    made->setImage(image);
-    made->setIconSize({20, 20});
-    made->setFixedSize(Theme::controlHeight, Theme::controlHeight);
-    made->setToolTip(toolTip);
-    return made;
-}
 
 }  // namespace
 
@@ -70,22 +48,17 @@ SameFileDeleteViews::~SameFileDeleteViews() {
 }
 
 void SameFileDeleteViews::makeFirstView() {
-    fristView = named(new Panel(Theme::Color::Window), "fristView");
-    dragView = named(new DragView(fristView), "dragView", tr("Drop a folder here to search it"));
-    animationHoverImageView =
-        named(new AnimationHoverImageView, "animationHoverImageView", tr("Choose a folder to search"));
-    animationHoverImageView->setImages(QStringLiteral("addbg"), QStringLiteral("addbg_hover"),
-                                       QStringLiteral("addbg_press"));
-    // The picture is the place to drop at; around it the whole view takes folders too, and says so only then.
-    dragView->setFrameAtRest(false);
-    QObject::connect(dragView, &DragView::folderOverChanged, animationHoverImageView,
-                     &AnimationHoverImageView::setDropTarget);
-    QLabel* const heading = label("heading", Theme::Text::Title);
-    heading->setText(tr("Find files that you have twice"));
-    QLabel* const hint = label("hint", Theme::Text::Body, QPalette::PlaceholderText);
-    hint->setText(tr("Drop a folder here, or choose one. Nothing is removed until you tick it and confirm."));
-    hint->setWordWrap(true);
-    pathChoseBtn = named(new TextImageButton(tr("Choose a Folder"), TextImageButton::Role::Primary), "pathChoseBtn");
+    const FolderStart start = makeFolderStart(
+        {.viewName = "fristView",
+         .buttonName = "pathChoseBtn",
+         .dropName = tr("Drop a folder here to search it"),
+         .pictureName = tr("Choose a folder to search"),
+         .heading = tr("Find files that you have twice"),
+         .hint = tr("Drop a folder here, or choose one. Nothing is removed until you tick it and confirm.")});
+    fristView = start.view;
+    dragView = start.dragView;
+    animationHoverImageView = start.animationHoverImageView;
+    pathChoseBtn = start.button;
     pathChoseBtn->setToolTip(tr("Select scan path"));
     searchBtn = named(new TextImageButton(tr("Scan")), "searchBtn");
     searchBtn->setToolTip(tr("Scan"));
@@ -93,22 +66,9 @@ void SameFileDeleteViews::makeFirstView() {
     logoButton = named(new HoverButton, "logoButton", tr("Open the web page of Orrinvale"));
     logoButton->setText(tr("Orrinvale on the web"));
 
-    auto* const around = new QVBoxLayout(fristView);
-    around->setContentsMargins({});
-    around->addWidget(dragView);
-    auto* const column = new QVBoxLayout(dragView);
-    column->setContentsMargins(Theme::gapSection, Theme::gapSection, Theme::gapSection, Theme::gap);
-    column->setSpacing(Theme::gap);
-    column->addStretch();
-    column->addWidget(animationHoverImageView, 0, Qt::AlignHCenter);
-    column->addSpacing(Theme::gapSmall);
-    column->addWidget(heading);
-    column->addWidget(hint);
-    column->addSpacing(Theme::gapSmall);
-    column->addWidget(pathChoseBtn, 0, Qt::AlignHCenter);
-    column->addWidget(searchBtn, 0, Qt::AlignHCenter);
-    column->addStretch();
-    column->addWidget(logoButton, 0, Qt::AlignHCenter);
+    // Between the button and the free space below it.
+    start.column->insertWidget(start.column->count() - 1, searchBtn, 0, Qt::AlignHCenter);
+    start.column->addWidget(logoButton, 0, Qt::AlignHCenter);
 }
 
 void SameFileDeleteViews::makeLoadPathView() {
@@ -119,7 +79,7 @@ void SameFileDeleteViews::makeLoadPathView() {
     nameTextStr = named(new ElidedLabel(Qt::ElideMiddle), "nameTextStr", tr("At this moment"));
     nameTextStr->setAlignment(Qt::AlignCenter);
     nameTextStr->setFont(Theme::shared().font(Theme::Text::Body));
-    countsLabel = label("countsLabel", Theme::Text::Caption, QPalette::PlaceholderText);
+    countsLabel = makeLabel("countsLabel", Theme::Text::Caption, QPalette::PlaceholderText);
     auto* const column = new QVBoxLayout(loadPathView);
     column->setContentsMargins({});
     column->setSpacing(Theme::gapSmall);
@@ -131,7 +91,7 @@ void SameFileDeleteViews::makeLoadPathView() {
 void SameFileDeleteViews::makeProgressView(const NotificationCenter& notifications) {
     progressageView = named(new Panel(Theme::Color::Window), "progressageView");
     animation = named(new Animation(notifications), "animation", tr("Progress of the search"));
-    progress = label("progress", Theme::Text::Display);
+    progress = makeLabel("progress", Theme::Text::Display);
     stopScanBtn = named(new TextImageButton(tr("Stop")), "stopScanBtn");
     stopScanBtn->setToolTip(tr("Stop Scan"));
     auto* const column = new QVBoxLayout(progressageView);
@@ -177,14 +137,14 @@ QWidget* SameFileDeleteViews::makeLeftView(const NotificationCenter& notificatio
 QWidget* SameFileDeleteViews::makeTopBar() {
     auto* const bar = new Panel(Theme::Color::Surface, Qt::BottomEdge);
     bar->setFixedHeight(barHeight);
-    backButton = imageButton("backButton", QStringLiteral("arrow_left"), tr("Search another folder"));
+    backButton = makeImageButton("backButton", QStringLiteral("arrow_left"), tr("Search another folder"));
     rightImageView = named(new PictureView(QStringLiteral("all"), {20, 20}), "rightImageView");
     titleLabel = named(new ElidedLabel(Qt::ElideMiddle), "titleLabel");
     titleLabel->setFont(Theme::shared().font(Theme::Text::BodyStrong));
     btnBgView = named(new QWidget, "btnBgView");
-    openBtn = imageButton("openBtn", QStringLiteral("preview"), tr("Open selected file"));
-    RevealFinder = imageButton("RevealFinder", QStringLiteral("locate"), tr("Reveal selected file in finder"));
-    lockButton = imageButton("lockButton", QStringLiteral("ic_lock"), tr("Click lock to get a higer privileges."));
+    openBtn = makeImageButton("openBtn", QStringLiteral("preview"), tr("Open selected file"));
+    RevealFinder = makeImageButton("RevealFinder", QStringLiteral("locate"), tr("Reveal selected file in finder"));
+    lockButton = makeImageButton("lockButton", QStringLiteral("ic_lock"), tr("Click lock to get a higer privileges."));
     lockButton->setAccessibleName(tr("Administrator right"));
     lockButton->setCheckable(true);
     auto* const buttons = new QHBoxLayout(btnBgView);
@@ -207,7 +167,7 @@ QWidget* SameFileDeleteViews::makeContent() {
     button = outline->headerBox();
 
     emptyView = named(new Panel(Theme::Color::Surface), "emptyView");
-    emptyLabel = label("emptyLabel", Theme::Text::Heading);
+    emptyLabel = makeLabel("emptyLabel", Theme::Text::Heading);
     emptyLabel->setWordWrap(true);
     otherFolderBtn = named(new TextImageButton(tr("Choose Another Folder")), "otherFolderBtn");
     emptyView->setFocusProxy(otherFolderBtn);

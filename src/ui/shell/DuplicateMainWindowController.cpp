@@ -23,6 +23,15 @@ constexpr int leftMargin = 8;
 constexpr QSize smallest{800, 506};
 constexpr QSize largest{1200, 900};
 
+QWidget* makeHolder(QWidget& content, const char* name) {
+    auto* const made = new QWidget(&content);
+    made->setObjectName(QLatin1String(name));
+    auto* const column = new QVBoxLayout(made);
+    column->setContentsMargins({});
+    content.layout()->addWidget(made);
+    return made;
+}
+
 }  // namespace
 
 DuplicateMainWindowController::DuplicateMainWindowController(SameFileDeleteParts parts, FileIcons& icons,
@@ -30,6 +39,7 @@ DuplicateMainWindowController::DuplicateMainWindowController(SameFileDeleteParts
     : QObject(parent),
       m_icons(icons),
       m_aWindow(std::make_unique<TCImageWindow>()),
+      m_listFileParts{.files = parts.files, .dialogs = parts.dialogs, .icons = parts.icons},
       m_sameFileDeleteVC(std::make_unique<SameFileDeleteViewController>(std::move(parts))) {
     windowDidLoad();
 }
@@ -50,21 +60,17 @@ void DuplicateMainWindowController::windowDidLoad() {
     addTabs();
 
     auto* const content = new QWidget;
-    m_duplicateView = new QWidget(content);
-    m_duplicateView->setObjectName(QStringLiteral("duplicateView"));
     auto* const around = new QVBoxLayout(content);
     around->setContentsMargins({});
-    around->addWidget(m_duplicateView);
-    auto* const holder = new QVBoxLayout(m_duplicateView);
-    holder->setContentsMargins({});
+    m_duplicateView = makeHolder(*content, "duplicateView");
+    m_diskView = makeHolder(*content, "diskView");
     window.setContentView(content);
     window.setContentSize(smallest);
     window.standardWindowButton(0)->setAction([this] { closeWindow(); });
 
     m_sameFileDeleteVC->setMainWindow(&window);
     m_sameFileDeleteVC->setDelegate(this);
-    holder->addWidget(m_sameFileDeleteVC->view());
-    m_sameFileDeleteVC->view()->show();
+    swapView(*m_duplicateView, nullptr, m_sameFileDeleteVC->view());
     addShortcuts();
     selectDuplicateButtonAction();
 }
@@ -74,11 +80,10 @@ void DuplicateMainWindowController::addTabs() {
     m_titleLabel = new QLabel(QStringLiteral("Orrinvale"), &bar);
     m_titleLabel->setObjectName(QStringLiteral("titleLabel"));
     m_titleLabel->setFont(Theme::shared().font(Theme::Text::Heading));
-    m_duplicateButton = new TitleTab(tr("Duplicate File Finder"), &bar);
-    m_duplicateButton->setObjectName(QStringLiteral("duplicateButton"));
-    connect(m_duplicateButton, &QAbstractButton::clicked, this,
-            &DuplicateMainWindowController::selectDuplicateButtonAction);
-    // The three window buttons stand on the left; as much is left free on the right, so that the tab is in the middle.
+    using Self = DuplicateMainWindowController;
+    m_duplicateButton = makeTab(tr("Duplicate File Finder"), "duplicateButton", &Self::selectDuplicateButtonAction);
+    m_fileListButton = makeTab(tr("Large File Finder"), "fileListButton", &Self::selectFileListButtonAction);
+    // The three window buttons stand on the left; as much is left free on the right, so that the tabs are in the middle.
     constexpr int buttonsWidth = leftMargin + 3 * WindowButton::side + 2 * Theme::gapSmall;
     auto* const row = new QHBoxLayout(&bar);
     row->setContentsMargins(buttonsWidth, 0, buttonsWidth, 0);
@@ -86,8 +91,17 @@ void DuplicateMainWindowController::addTabs() {
     row->addWidget(m_titleLabel);
     row->addStretch(1);
     row->addWidget(m_duplicateButton, 0, Qt::AlignBottom);
+    row->addWidget(m_fileListButton, 0, Qt::AlignBottom);
     row->addStretch(1);
     row->addSpacing(m_titleLabel->sizeHint().width());
+}
+
+TitleTab* DuplicateMainWindowController::makeTab(const QString& title, const char* name,
+                                                 void (DuplicateMainWindowController::*chosen)()) {
+    auto* const tab = new TitleTab(title, m_aWindow->titleBarView());
+    tab->setObjectName(QLatin1String(name));
+    connect(tab, &QAbstractButton::clicked, this, chosen);
+    return tab;
 }
 
 void DuplicateMainWindowController::addShortcuts() {
@@ -95,8 +109,14 @@ void DuplicateMainWindowController::addShortcuts() {
         connect(new QShortcut(keys, m_aWindow.get()), &QShortcut::activated, this, action);
     };
     on(QKeySequence(Qt::CTRL | Qt::Key_1), &DuplicateMainWindowController::selectDuplicateButtonAction);
+    on(QKeySequence(Qt::CTRL | Qt::Key_2), &DuplicateMainWindowController::selectFileListButtonAction);
     // The window itself has the keys that close it: a second shortcut would make them ambiguous, and neither would act.
-    on(QKeySequence(QKeySequence::Open), [this] { m_sameFileDeleteVC->clickScanBtn(); });
+    on(QKeySequence(QKeySequence::Open), &DuplicateMainWindowController::chooseFolder);
+}
+
+void DuplicateMainWindowController::chooseFolder() {
+    if (m_fileListButton->isOn()) m_listFileVC->selectFileButtonAction();
+    else m_sameFileDeleteVC->clickScanBtn();
 }
 
 void DuplicateMainWindowController::showWindow() {
@@ -112,18 +132,34 @@ void DuplicateMainWindowController::closeWindow() {
     m_aWindow->hide();
 }
 
-void DuplicateMainWindowController::selectDuplicateButtonAction() {
-    m_duplicateButton->setOn(true);
-    m_duplicateView->show();
+void DuplicateMainWindowController::selectDuplicateButtonAction() { showHolder(false); }
+
+void DuplicateMainWindowController::selectFileListButtonAction() {
+    addListFileView();
+    showHolder(true);
 }
 
-void DuplicateMainWindowController::swapView(QWidget* removed, QWidget* added) {
-    QLayout& holder = *m_duplicateView->layout();
+void DuplicateMainWindowController::showHolder(bool isDiskView) {
+    m_duplicateButton->setOn(!isDiskView);
+    m_fileListButton->setOn(isDiskView);
+    m_duplicateView->setVisible(!isDiskView);
+    m_diskView->setVisible(isDiskView);
+}
+
+void DuplicateMainWindowController::addListFileView() {
+    if (m_listFileVC) return;
+    m_listFileVC = std::make_unique<ListFileViewController>(m_listFileParts);
+    m_listFileVC->setMainWindow(m_aWindow.get());
+    m_listFileVC->setDetagate(this);
+    swapView(*m_diskView, nullptr, m_listFileVC->aLoadView());
+}
+
+void DuplicateMainWindowController::swapView(QWidget& holder, QWidget* removed, QWidget* added) {
     if (removed != nullptr) {
-        holder.removeWidget(removed);
+        holder.layout()->removeWidget(removed);
         removed->hide();
     }
-    holder.addWidget(added);
+    holder.layout()->addWidget(added);
     added->show();
     added->raise();
 }
@@ -132,18 +168,26 @@ void DuplicateMainWindowController::changeToProgressView() {
     // The detail view too: a folder may be chosen from there.
     m_sameFileDeleteVC->detailView()->hide();
     m_duplicateView->layout()->removeWidget(m_sameFileDeleteVC->detailView());
-    swapView(m_sameFileDeleteVC->view(), m_sameFileDeleteVC->progressageView());
+    swapView(*m_duplicateView, m_sameFileDeleteVC->view(), m_sameFileDeleteVC->progressageView());
 }
 
 void DuplicateMainWindowController::changeToDetailView() {
-    swapView(m_sameFileDeleteVC->progressageView(), m_sameFileDeleteVC->detailView());
+    swapView(*m_duplicateView, m_sameFileDeleteVC->progressageView(), m_sameFileDeleteVC->detailView());
 }
 
 void DuplicateMainWindowController::backButtonAction() {
     // After a stopped search the progress view stands there, and the first view takes its place too.
     m_sameFileDeleteVC->progressageView()->hide();
     m_duplicateView->layout()->removeWidget(m_sameFileDeleteVC->progressageView());
-    swapView(m_sameFileDeleteVC->detailView(), m_sameFileDeleteVC->view());
+    swapView(*m_duplicateView, m_sameFileDeleteVC->detailView(), m_sameFileDeleteVC->view());
+}
+
+void DuplicateMainWindowController::showDetailPage() {
+    swapView(*m_diskView, m_listFileVC->aLoadView(), m_listFileVC->listView());
+}
+
+void DuplicateMainWindowController::listFileBackButtonAction() {
+    swapView(*m_diskView, m_listFileVC->listView(), m_listFileVC->aLoadView());
 }
 
 void DuplicateMainWindowController::quickLookWithPath(const std::string& path) {

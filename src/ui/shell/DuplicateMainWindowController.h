@@ -7,6 +7,7 @@
 #include <string>
 
 #include "ui/duplicates/SameFileDeleteViewController.h"
+#include "ui/largefiles/ListFileViewController.h"
 
 class QLabel;
 
@@ -28,8 +29,11 @@ protected:
     DuplicateMainWindowControllerDelegate& operator=(const DuplicateMainWindowControllerDelegate&) = default;
 };
 
-/// Makes the window and the duplicate page at once; both live as long as it does, the window being closed or not. Main thread only.
-class DuplicateMainWindowController final : public QObject, private SameFileDeleteViewControllerDelegate {
+/// Makes the window and the duplicate page at once, the large file page when its tab is first chosen; all live as long as it does, the
+/// window being closed or not. What runs on one tab goes on while the other is shown. Main thread only.
+class DuplicateMainWindowController final : public QObject,
+                                            private SameFileDeleteViewControllerDelegate,
+                                            private ListFileViewControllerDelagate {
     Q_OBJECT
 public:
     /// `icons` outlives the controller.
@@ -38,7 +42,10 @@ public:
 
     [[nodiscard]] TCImageWindow* window() const { return m_aWindow.get(); }
     [[nodiscard]] SameFileDeleteViewController* sameFileDeleteVC() const { return m_sameFileDeleteVC.get(); }
+    /// Null until its tab has been chosen.
+    [[nodiscard]] ListFileViewController* listFileVC() const { return m_listFileVC.get(); }
     [[nodiscard]] QWidget* duplicateView() const { return m_duplicateView; }
+    [[nodiscard]] QWidget* diskView() const { return m_diskView; }
     [[nodiscard]] const std::string& filePath() const { return m_filePath; }
 
     void setDelegate(DuplicateMainWindowControllerDelegate* delegate) { m_delegate = delegate; }  ///< not owned
@@ -49,6 +56,7 @@ public:
 public Q_SLOTS:
     void closeWindow();
     void selectDuplicateButtonAction();
+    void selectFileListButtonAction();
 
     /// Opens the preview of the path, or closes it when it is open; the path shown stays then.
     void quickLookWithPath(const std::string& path);
@@ -57,19 +65,30 @@ private:
     void windowDidLoad();
     void addTabs();
     void addShortcuts();
-    void swapView(QWidget* removed, QWidget* added);
+    [[nodiscard]] TitleTab* makeTab(const QString& title, const char* name,
+                                    void (DuplicateMainWindowController::*chosen)());
+    void addListFileView();
+    void showHolder(bool isDiskView);
+    void chooseFolder();
+    static void swapView(QWidget& holder, QWidget* removed, QWidget* added);
     void changeToProgressView() override;
     void changeToDetailView() override;
     void backButtonAction() override;
+    void showDetailPage() override;
+    void listFileBackButtonAction() override;
     void pereviewFileWithFileNodePath(const std::string& path) override { quickLookWithPath(path); }
 
     FileIcons& m_icons;
     std::unique_ptr<TCImageWindow> m_aWindow;
     QPointer<QWidget> m_duplicateView;
+    QPointer<QWidget> m_diskView;
     QPointer<TitleTab> m_duplicateButton;
+    QPointer<TitleTab> m_fileListButton;
     QPointer<QLabel> m_titleLabel;
     QPointer<PreviewWindow> m_previewPanel;
+    const ListFileParts m_listFileParts;
     std::unique_ptr<SameFileDeleteViewController> m_sameFileDeleteVC;
+    std::unique_ptr<ListFileViewController> m_listFileVC;
     DuplicateMainWindowControllerDelegate* m_delegate = nullptr;
     std::string m_filePath;
 };

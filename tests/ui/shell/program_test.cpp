@@ -31,7 +31,8 @@ TEST(MainWindow, HasItsBoundsAndShowsOnlyWhatIsThere) {
     EXPECT_EQ(window.titleBarView()->findChild<QLabel*>(QStringLiteral("titleLabel"))->text(),
               QStringLiteral("Orrinvale"));
     EXPECT_EQ(on.textOf("duplicateButton"), "Duplicate File Finder");
-    EXPECT_EQ(window.findChild<QWidget*>(QStringLiteral("fileListButton")), nullptr);
+    EXPECT_EQ(on.textOf("fileListButton"), "Large File Finder");
+    EXPECT_EQ(on.window->listFileVC(), nullptr) << "made when somebody wants it";
     window.performClose();
     EXPECT_FALSE(window.isVisible());
     on.window->showWindow();

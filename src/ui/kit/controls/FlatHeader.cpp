@@ -19,6 +19,10 @@ FlatHeader::FlatHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, parent) {
     connect(&Theme::shared(), &Theme::changed, this, [this] { viewport()->update(); });
 }
 
+QColor FlatHeader::titleColor(int section) const {
+    return Theme::shared().color(isSorted(section) ? Theme::Color::Text : Theme::Color::TextSecondary);
+}
+
 QSize FlatHeader::sizeHint() const { return {QHeaderView::sizeHint().width(), Theme::rowHeight}; }
 
 void FlatHeader::paintEvent(QPaintEvent* event) {
@@ -33,22 +37,21 @@ void FlatHeader::paintEvent(QPaintEvent* event) {
 }
 
 void FlatHeader::paintSection(QPainter* painter, const QRect& rect, int section) const {
-    const Theme& theme = Theme::shared();
     const QRect inside = rect.adjusted(textMargin, 0, -textMargin, 0);
     const QString text = model()->headerData(section, orientation(), Qt::DisplayRole).toString();
     if (text.isEmpty() || inside.isEmpty()) return;
     const QVariant wanted = model()->headerData(section, orientation(), Qt::TextAlignmentRole);
     const auto side = QStyle::visualAlignment(
         layoutDirection(), wanted.isValid() ? Qt::Alignment(wanted.toInt()) : Qt::AlignLeft | Qt::AlignVCenter);
-    const bool isSorted = isSortIndicatorShown() && sortIndicatorSection() == section;
-    const QFont font = theme.font(Theme::Text::Caption);
+    const bool hasChevron = isSorted(section);
+    const QFont font = Theme::shared().font(Theme::Text::Caption);
     const QFontMetrics metrics(font);
-    const QString shown = metrics.elidedText(text, Qt::ElideRight, inside.width() - (isSorted ? chevronSide : 0));
+    const QString shown = metrics.elidedText(text, Qt::ElideRight, inside.width() - (hasChevron ? chevronSide : 0));
     const int width = metrics.horizontalAdvance(shown);
     painter->setFont(font);
-    painter->setPen(theme.color(isSorted ? Theme::Color::Text : Theme::Color::TextSecondary));
+    painter->setPen(titleColor(section));
     painter->drawText(inside, static_cast<int>(side | Qt::AlignVCenter) | Qt::TextSingleLine, shown);
-    if (!isSorted) return;
+    if (!hasChevron) return;
     // On the side of the text that has room, so that the text stays in line with its column.
     const int left =
         side.testFlag(Qt::AlignRight) ? inside.right() + 1 - width - chevronSide - 2 : inside.left() + width + 2;

@@ -6,7 +6,7 @@
 namespace orrinvale {
 
 /// Horizontal only. Shows the text and the alignment that the model gives for a section. Main thread only.
-class FlatHeader final : public QHeaderView {
+class FlatHeader : public QHeaderView {
     Q_OBJECT
 public:
     /// What cells and header leave free on either side of a text, in points.
@@ -19,6 +19,11 @@ public:
 protected:
     void paintEvent(QPaintEvent* event) override;
     void paintSection(QPainter* painter, const QRect& rect, int section) const override;
+
+    [[nodiscard]] virtual QColor titleColor(int section) const;
+    [[nodiscard]] bool isSorted(int section) const {
+        return isSortIndicatorShown() && sortIndicatorSection() == section;
+    }
 };
 
 }  // namespace orrinvale

@@ -63,4 +63,16 @@ protected:
     return alert.cancelButton < alert.buttons.size() ? alert.cancelButton : -1;
 }
 
+/// Whether everything that is selected on a page may be removed: 0 for yes, 1 for no, which Escape gives too.
+[[nodiscard]] inline Alert removalQuestion() {
+    Alert question;
+    question.title = QStringLiteral("Are you sure you want to delete all your selected files?");
+    question.text = QStringLiteral(" ");
+    question.buttons = QStringList{QStringLiteral("Sure"), QStringLiteral("Cancel")};
+    question.cancelButton = 1;
+    question.severity = Alert::Severity::Warning;
+    question.isDestructive = true;
+    return question;
+}
+
 }  // namespace orrinvale

@@ -22,6 +22,14 @@ constexpr QSize usualSize{620, 380};
 
 }  // namespace
 
+QStringList linesOf(const std::vector<Error>& errors) {
+    QStringList lines;
+    for (const Error& error : errors)
+        lines.push_back(QString::fromStdString(error.reason()) + QStringLiteral(": ") +
+                        QString::fromStdString(error.path));
+    return lines;
+}
+
 void showLineList(QWidget* parent, const QString& title, const QStringList& lines) {
     auto* const dialog = new QDialog(parent != nullptr ? parent->window() : nullptr);
     dialog->setAttribute(Qt::WA_DeleteOnClose);

@@ -2,6 +2,11 @@
 #pragma once
 
 #include <QStringList>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "platform/error.h"
 
 class QWidget;
 
@@ -9,5 +14,21 @@ namespace orrinvale {
 
 /// Opens a window of its own, not modal, that deletes itself when it is closed; Escape closes it. Main thread only.
 void showLineList(QWidget* parent, const QString& title, const QStringList& lines);
+
+/// A line for each: "reason: path".
+[[nodiscard]] QStringList linesOf(const std::vector<Error>& errors);
+
+/// Paths under their reasons, each reason with how many they are. A failure has a `path` in exact bytes and a `reason`.
+template <class Failures> [[nodiscard]] QStringList linesByReason(const Failures& failures) {
+    std::map<std::string, QStringList> byReason;
+    for (const auto& failure : failures)
+        byReason[failure.reason].push_back(QStringLiteral("    ") + QString::fromStdString(failure.path));
+    QStringList lines;
+    for (const auto& [reason, paths] : byReason) {
+        lines.push_back(QStringLiteral("%1 (%2)").arg(QString::fromStdString(reason), QString::number(paths.size())));
+        lines.append(paths);
+    }
+    return lines;
+}
 
 }  // namespace orrinvale

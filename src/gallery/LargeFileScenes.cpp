@@ -1,0 +1,102 @@
+// LargeFileScenes: see LargeFileScenes.h.
+#include "gallery/LargeFileScenes.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QLabel>
+#include <QTreeView>
+#include <cerrno>
+#include <cstdio>
+#include <utility>
+
+#include "engine/largefiles/Controller.h"
+#include "engine/settings/UserDefaults.h"
+#include "gallery/SampleFolder.h"
+#include "gallery/drawing.h"
+#include "ui/kit/chrome/TCImageWindow.h"
+#include "ui/kit/dialogs/Sheet.h"
+#include "ui/largefiles/FileNodeModel.h"
+#include "ui/shell/DuplicateMainWindowController.h"
+
+namespace orrinvale {
+namespace {
+
+// What the scan and the removal are held at, and what can not be removed.
+constexpr const char* heldFolder = "Norway";
+constexpr const char* heldVideo = "Graduation of Anna.mp4";
+constexpr const char* lockedFile = "holiday-photos.zip";
+
+}  // namespace
+
+LargeFileScenes::LargeFileScenes(const SampleFolder& sample, UserDefaults& defaults, const PictureFolder& pictures,
+                                 QSet<QString> wanted)
+    : PageScenes(sample, defaults, pictures, std::move(wanted), QStringLiteral("large-files-")) {
+    Controller::getController().setParts(
+        {.files = &m_files, .mainQueue = &m_mainQueue, .ownFiles = {}, .reveal = {}, .openFolder = {}});
+    m_controller->selectFileListButtonAction();
+}
+
+LargeFileScenes::~LargeFileScenes() {
+    m_files.release();
+    Controller::getController().setParts({});
+}
+
+bool LargeFileScenes::draw() { return save("first") && drawScan() && drawResult() && drawRemoval(); }
+
+QTreeView& LargeFileScenes::outline() const { return *m_window->findChild<QTreeView*>(QStringLiteral("outlineView")); }
+
+QModelIndex LargeFileScenes::rowNamed(const char* name) const {
+    QModelIndex row = outline().model()->index(0, 0);
+    while (row.isValid() && row.siblingAtColumn(FileNodeModel::Name).data().toString() != QLatin1String(name))
+        row = outline().indexBelow(row);
+    if (!row.isValid()) std::fprintf(stderr, "orrinvale-gallery: no row %s\n", name);
+    return row;
+}
+
+void LargeFileScenes::tick(const char* name) const {
+    outline().model()->setData(rowNamed(name).siblingAtColumn(FileNodeModel::CheckBox), {}, FileNodeModel::StateRole);
+}
+
+bool LargeFileScenes::waitForEnd() const {
+    const auto* const page = m_controller->listFileVC();
+    return waitFor("the scan to end", [page] { return !page->isScan(); });
+}
+
+bool LargeFileScenes::drawScan() {
+    m_files.hold(heldFolder);
+    m_controller->listFileVC()->viewDragAction(m_sample.family());
+    // All but one of the nine folders are through.
+    const auto* const percent = m_window->findChild<QLabel*>(QStringLiteral("progressLabel"));
+    const bool isSaved =
+        waitFor("the scan to rest", [&] { return percent->text() == QLatin1String("88.9%"); }) && save("scan");
+    m_files.release();
+    return isSaved && waitForEnd();
+}
+
+bool LargeFileScenes::drawResult() {
+    outline().expand(rowNamed("Phone"));
+    QApplication::processEvents();
+    outline().expand(rowNamed("DCIM"));
+    QApplication::processEvents();
+    for (const char* const name : {"Downloads", "Videos", "IMG_2107.jpg"}) tick(name);
+    outline().setCurrentIndex(rowNamed("IMG_2107.jpg").siblingAtColumn(FileNodeModel::Name));
+    return save("detail");
+}
+
+bool LargeFileScenes::drawRemoval() {
+    m_files.refuse(lockedFile, EACCES);
+    m_files.hold(heldVideo);
+    m_window->findChild<QAbstractButton*>(QStringLiteral("deleteButton"))->click();
+    const auto sheet = [this] { return m_window->findChild<Sheet*>(); };
+    if (!waitFor("the question", [&] { return sheet() != nullptr && sheet()->content()->y() == 0; })) return false;
+    for (QAbstractButton* const button : sheet()->findChildren<QAbstractButton*>())
+        if (button->text() == QLatin1String("Sure")) button->click();
+    const auto window = [this] { return m_window->findChild<QWidget*>(QStringLiteral("progressWindow")); };
+    if (!waitFor("the removal to reach the video", [&] { return m_files.isHolding() && window() != nullptr; }))
+        return false;
+    const bool isSaved = save("removal", window());
+    m_files.release();
+    return isSaved && waitFor("the removal to end", [&] { return window() == nullptr; }) && save("after-removal");
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,74 @@
+// ListFileViewController: the removal of what is selected, the window over it, and what is told at its end.
+#include <QLocale>
+#include <chrono>
+
+#include "ui/kit/chrome/HoverButton.h"
+#include "ui/kit/chrome/TCImageButton.h"
+#include "ui/kit/dialogs/Dialogs.h"
+#include "ui/kit/dialogs/LineList.h"
+#include "ui/largefiles/FileNodeModel.h"
+#include "ui/largefiles/ListFileViewController.h"
+#include "ui/largefiles/ListFileViews.h"
+#include "ui/largefiles/NewOutlineView.h"
+
+namespace orrinvale {
+namespace {
+
+// The question has slid away before the next window comes.
+constexpr std::chrono::milliseconds beforeRemoval{500};
+
+}  // namespace
+
+void ListFileViewController::deleteFiles() {
+    if (m_isScan || m_isRemoving) return;
+    // What a later scan shows was not asked about.
+    m_parts.dialogs->alert(m_mainWindow, removalQuestion(),
+                           [self = QPointer(this), asked = std::weak_ptr(m_rootNodeArr)](int button) {
+                               if (self != nullptr && self->m_rootNodeArr == asked.lock())
+                                   self->alertEnded_code(button == 0 ? 1 : 0);
+                           });
+}
+
+void ListFileViewController::alertEnded_code(int code) {
+    if (code != 1 || m_isScan || m_isRemoving || !m_rootNodeArr) return;
+    // What was selected when the person agreed is what goes: until then no box and no other folder.
+    m_isRemoving = true;
+    changeDeleteButtonState();
+    QTimer::singleShot(beforeRemoval, this, &ListFileViewController::doRemoveAction);
+}
+
+void ListFileViewController::doRemoveAction() {
+    m_removal = {};
+    m_views->failureLine->hide();
+    if (!Controller::getController().deleteFilesWithDic()) {
+        m_isRemoving = false;
+        changeDeleteButtonState();
+        return;
+    }
+    m_progress = new ProgressWindowController(m_mainWindow, *this);
+    m_progress->show();
+}
+
+void ListFileViewController::changeProgressWithPoint(std::int32_t percent, const std::string& path) {
+    if (m_progress != nullptr) m_progress->changeProgressValue(percent, path);
+}
+
+void ListFileViewController::stopRemove() { Controller::getController().stopRemove(); }
+
+void ListFileViewController::removalEnded(const LargeFileRemoval& removal) {
+    m_isRemoving = false;
+    m_removal = removal;
+    changeDeleteButtonState();
+    m_views->failureLine->setVisible(removal.failed != 0);
+    m_views->failureLine->setText(removal.failed == 1 ? tr("1 could not be removed; a new scan will show it again")
+                                                      : tr("%1 could not be removed; a new scan will show them again")
+                                                            .arg(QLocale().toString(qulonglong(removal.failed))));
+    refreshList();
+    m_views->outlineView->setFocus();
+}
+
+void ListFileViewController::showFailures() {
+    showLineList(m_mainWindow, tr("Could not be removed"), linesByReason(m_removal.failures));
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,124 @@
+// ListFileViewController: the boxes, opening and closing, and what is done with one row.
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMenu>
+
+#include "ui/kit/chrome/TextImageButton.h"
+#include "ui/kit/controls/TickBox.h"
+#include "ui/kit/dialogs/Dialogs.h"
+#include "ui/largefiles/FileNodeModel.h"
+#include "ui/largefiles/ListFileViewController.h"
+#include "ui/largefiles/ListFileViews.h"
+#include "ui/largefiles/NewOutlineView.h"
+
+namespace orrinvale {
+
+void ListFileViewController::setAllSelectOrNoSelect() {
+    // The click has changed the box already, and the scan does not let it.
+    if (m_isScan || m_isRemoving) {
+        changeSelectAllButtonState(m_selectAllButSt);
+        return;
+    }
+    Controller::getController().selectAllFileNode(m_selectAllButSt == 1 ? FileNode::NotSelected : FileNode::Selected);
+    changeSelectAllButtonState(m_selectAllButSt);
+}
+
+void ListFileViewController::changeSelectAllButtonState(std::int32_t state) {
+    m_selectAllButSt = state;
+    m_views->selectAllButton->setState(state == 0 ? TickState::Nothing : state == 1 ? TickState::All : TickState::Some);
+    changeDeleteButtonState();
+}
+
+void ListFileViewController::changeDeleteButtonState() {
+    m_views->deleteButton->setEnabled(m_selectAllButSt != 0 && !m_isRemoving);
+}
+
+void ListFileViewController::boxClicked(FileNode& node) {
+    if (m_isScan || m_isRemoving) return;
+    const auto state = node.state() == FileNode::Selected ? FileNode::NotSelected : FileNode::Selected;
+    node.setState(state);
+    Controller& controller = Controller::getController();
+    if (node.isExpand()) controller.changeSelectWithNode(node, state);
+    controller.changeFatherNodeSelectState(node, state);
+}
+
+void ListFileViewController::outlineViewItemDidExpand(const QModelIndex& index) {
+    m_views->outlineView->clearRowNum();
+    FileNode* const node = m_model->node(index);
+    if (node == nullptr) return;
+    node->setIsExpand(true);
+    // The ticks reach what has just come into view.
+    if (node->state() != FileNode::Mixed) Controller::getController().changeSelectWithNode(*node, node->state());
+    // What was read of it when it was open before may be long out of date.
+    reloadTreeList();
+}
+
+void ListFileViewController::outlineViewItemDidCollapse(const QModelIndex& index) {
+    m_views->outlineView->clearRowNum();
+    if (FileNode* const node = m_model->node(index)) node->setIsExpand(false);
+}
+
+void ListFileViewController::cellClicked(const QModelIndex& index) {
+    const FileNode* const node = m_model->node(index);
+    if (node == nullptr) return;
+    if (index.column() == FileNodeModel::OpenFinder) Controller::getController().openFileWithFileNode(*node);
+    if (index.column() == FileNodeModel::Pareview) preview(index);
+}
+
+void ListFileViewController::preview(const QModelIndex& index) {
+    const FileNode* const node = m_model->node(index);
+    if (node != nullptr && !node->isDirectory() && m_detagate != nullptr)
+        m_detagate->pereviewFileWithFileNodePath(node->path());
+}
+
+void ListFileViewController::showRowMenu(const QModelIndex& index, QPoint position) {
+    FileNode* const node = m_model->node(index);
+    if (node == nullptr) return;
+    // The tree lives as long as the menu, so that its node does; another scan may have begun meanwhile.
+    const auto tree = m_rootNodeArr;
+    auto* const menu = new QMenu(m_views->listView);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addAction(tr("Preview"), this, [this, place = QPersistentModelIndex(index)] { preview(place); })
+        ->setEnabled(!node->isDirectory());
+    menu->addAction(tr("Show in Folder"), this,
+                    [tree, node] { Controller::getController().openFileWithFileNode(*node); });
+    menu->addAction(tr("Copy Path"), this,
+                    [tree, node] { QGuiApplication::clipboard()->setText(QString::fromStdString(node->path())); });
+    menu->addSeparator();
+    menu->addAction(tr("Move to Trash"), this,
+                    [this, tree, node] {
+                        if (tree == m_rootNodeArr) putIntoTrash(*node);
+                    })
+        ->setEnabled(!m_isScan && !m_isRemoving && !node->isSystemFile());
+    menu->popup(position);
+}
+
+void ListFileViewController::putIntoTrash(FileNode& node) {
+    if (m_isScan || m_isRemoving) return;
+    const std::string path = node.path();
+    const std::string reason = Controller::getController().moveFileToTrash(path);
+    if (reason.empty()) {
+        takeOut(node);
+        return;
+    }
+    Alert alert;
+    alert.title = tr("This could not be moved to the trash.");
+    alert.text = QStringLiteral("%1\n%2").arg(QString::fromStdString(path), QString::fromStdString(reason));
+    alert.severity = Alert::Severity::Warning;
+    m_parts.dialogs->alert(m_mainWindow, alert, [](int /*button*/) {});
+}
+
+// The boxes above tell of what is left.
+void ListFileViewController::takeOut(FileNode& node) {
+    Controller& controller = Controller::getController();
+    FileNode* const father = node.father();
+    if (father != nullptr && father->state() == FileNode::Mixed) {
+        node.setState(FileNode::NotSelected);
+        controller.changeFatherNodeSelectState(node, FileNode::NotSelected);
+    }
+    (father != nullptr ? *father : m_rootNodeArr->root()).removeChild(node);
+    controller.changeSelectAllButtonState();
+    reloadTreeList();
+}
+
+}  // namespace orrinvale

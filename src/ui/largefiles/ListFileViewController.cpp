@@ -1,0 +1,215 @@
+// ListFileViewController: choosing a folder, the scan, and how it ends. See the header for the other sources.
+#include "ui/largefiles/ListFileViewController.h"
+
+#include <QLabel>
+#include <QLocale>
+#include <QStackedWidget>
+#include <chrono>
+#include <utility>
+
+#include "engine/base/Log.h"
+#include "ui/kit/chrome/AnimationHoverImageView.h"
+#include "ui/kit/chrome/HoverButton.h"
+#include "ui/kit/chrome/TCImageButton.h"
+#include "ui/kit/chrome/TextImageButton.h"
+#include "ui/kit/controls/ElidedLabel.h"
+#include "ui/kit/controls/TickBox.h"
+#include "ui/kit/dialogs/Dialogs.h"
+#include "ui/kit/dialogs/LineList.h"
+#include "ui/largefiles/FileNodeModel.h"
+#include "ui/largefiles/ListFileViews.h"
+#include "ui/largefiles/NewOutlineView.h"
+#include "ui/largefiles/QnProgressView.h"
+
+namespace orrinvale {
+namespace {
+
+// Rows that jump more often can not be read.
+constexpr std::chrono::milliseconds refreshTime{2000};
+// What there is to see at first comes sooner, and a short scan is over before the first refresh.
+constexpr std::chrono::milliseconds firstRefresh{200};
+constexpr std::chrono::milliseconds endWatch{100};
+
+}  // namespace
+
+ListFileViewController::ListFileViewController(ListFileParts parts, QObject* parent)
+    : QObject(parent),
+      m_parts(std::move(parts)),
+      m_views(std::make_unique<ListFileViews>()),
+      m_model(std::make_unique<FileNodeModel>(m_parts.icons, [this](FileNode& node) { boxClicked(node); })) {
+    m_views->outlineView->setModel(m_model.get());
+    m_views->dragView->setDelegate(this);
+    Controller::getController().setADelegate(this);
+    connectControls();
+    m_sortTimer.setInterval(refreshTime);
+    connect(&m_sortTimer, &QTimer::timeout, this, &ListFileViewController::refreshList);
+    m_reloadTimer.setSingleShot(true);
+    connect(&m_reloadTimer, &QTimer::timeout, this, &ListFileViewController::refreshList);
+    m_endTimer.setInterval(endWatch);
+    connect(&m_endTimer, &QTimer::timeout, this, &ListFileViewController::watchForEnd);
+}
+
+ListFileViewController::~ListFileViewController() {
+    Controller& controller = Controller::getController();
+    if (controller.aDelegate() == this) controller.setADelegate(nullptr);
+    if (m_isScan) controller.stopScan();
+    m_model->setTree(nullptr);
+    if (m_views->aLoadView != nullptr) m_views->dragView->setDelegate(nullptr);
+}
+
+QWidget* ListFileViewController::aLoadView() const { return m_views->aLoadView; }
+QWidget* ListFileViewController::listView() const { return m_views->listView; }
+
+void ListFileViewController::connectControls() {
+    using Self = ListFileViewController;
+    ListFileViews& views = *m_views;
+    connect(views.selectFileButton, &QAbstractButton::clicked, this, &Self::selectFileButtonAction);
+    connect(views.animationHoverImageView, &QAbstractButton::clicked, this, &Self::selectFileButtonAction);
+    connect(views.stopScanButton, &QAbstractButton::clicked, this, &Self::stopScanButtonAction);
+    connect(views.backHomeButton, &QAbstractButton::clicked, this, &Self::backButtonAction);
+    connect(views.deleteButton, &QAbstractButton::clicked, this, &Self::deleteFiles);
+    connect(views.selectAllButton, &QAbstractButton::clicked, this, &Self::setAllSelectOrNoSelect);
+    connect(views.quietLine, &QAbstractButton::clicked, this, &Self::showSkipped);
+    connect(views.failureLine, &QAbstractButton::clicked, this, &Self::showFailures);
+    NewOutlineView& outline = *views.outlineView;
+    connect(&outline, &QTreeView::expanded, this, &Self::outlineViewItemDidExpand);
+    connect(&outline, &QTreeView::collapsed, this, &Self::outlineViewItemDidCollapse);
+    connect(&outline, &QAbstractItemView::clicked, this, &Self::cellClicked);
+    connect(&outline, &TickOutline::menuWanted, this, &Self::showRowMenu);
+    connect(&outline, &TickOutline::previewWanted, this, [this, &outline] { preview(outline.currentIndex()); });
+    connect(&outline, &NewOutlineView::moreWanted, m_model.get(), &FileNodeModel::showMore);
+}
+
+void ListFileViewController::selectFileButtonAction() {
+    PathChoice choice;
+    choice.withSeveral = true;
+    m_parts.dialogs->choosePaths(m_mainWindow, choice, [self = QPointer(this)](std::vector<std::string> paths) {
+        if (self != nullptr && !paths.empty()) self->viewDragAction(paths.front());
+    });
+}
+
+void ListFileViewController::viewDragAction(const std::string& path) {
+    if (m_isRemoving) return;
+    const auto attributes = m_parts.files->attributes(FileSystem::noParent, path.c_str(), Links::Follow);
+    if (!attributes || attributes->type != FileType::Folder) return;
+    getRootNodeListWithPath(path);
+    showDetailPage();
+}
+
+void ListFileViewController::getRootNodeListWithPath(const std::string& path) {
+    m_rootNodeArr = std::make_shared<FileNodeTree>(path);
+    m_removal = {};
+    m_views->failureLine->hide();
+    m_views->quietLine->hide();
+    m_views->titleLabel->setText(QString::fromStdString(path));
+    m_views->showProgress();
+    m_model->setTree(m_rootNodeArr);
+    Controller::getController().eumeAllRootFileNodeWithRootArr(m_rootNodeArr, path);
+}
+
+void ListFileViewController::showDetailPage() {
+    m_isScan = true;
+    m_sortTimer.start();
+    m_endTimer.start();
+    QTimer::singleShot(firstRefresh, this, [this, tree = std::weak_ptr(m_rootNodeArr)] {
+        if (m_isScan && tree.lock() == m_rootNodeArr) refreshList();
+    });
+    changeSelectAllButtonState(0);
+    m_views->stopScanButton->setEnabled(true);
+    m_views->stopScanButton->show();
+    m_views->content->setCurrentWidget(m_views->outlineView);
+    if (m_detagate != nullptr) m_detagate->showDetailPage();
+    m_views->outlineView->setFocus();
+}
+
+void ListFileViewController::refreshList() {
+    m_model->refresh();
+    showFitting();
+    if (!m_isScan || !m_rootNodeArr) return;
+    m_views->stopScanButton->setEnabled(true);
+    m_views->stopScanButton->show();
+    showProgress();
+}
+
+void ListFileViewController::showProgress() {
+    const Controller& controller = Controller::getController();
+    const float progress = controller.getProgress();
+    if (m_views->progressView != nullptr) {
+        m_views->progressLabel->setText(QString::asprintf("%.1f%%", static_cast<double>(progress)));
+        m_views->progressView->changeProgressValue(progress);
+    }
+    Log::engine("-[ListFileViewController reloadTreeList]", "-----::{:f}", progress);
+    constexpr float all = 100;
+    // The last entries may be finished before all that is in them has come over.
+    if (progress >= all && controller.eumeRoot()->isEnded()) endScan();
+}
+
+void ListFileViewController::endScan() {
+    m_isScan = false;
+    m_sortTimer.stop();
+    m_endTimer.stop();
+    m_views->removeProgress();
+    m_views->stopScanButton->hide();
+    showFitting();
+    showQuietLine();
+}
+
+// An empty folder never gets beyond nothing of nothing, so that the scan's end alone ends no scan here.
+void ListFileViewController::watchForEnd() {
+    const EumeRoot* const scan = Controller::getController().eumeRoot();
+    if (scan == nullptr || !scan->isEnded()) return;
+    m_endTimer.stop();
+    refreshList();
+    showQuietLine();
+}
+
+void ListFileViewController::stopScanButtonAction() {
+    m_views->stopScanButton->setEnabled(false);
+    Controller::getController().stopScan();
+    endScan();
+    m_model->refresh();
+    m_views->outlineView->setFocus();
+}
+
+void ListFileViewController::backButtonAction() {
+    if (m_isRemoving) return;
+    changeSelectAllButtonState(0);
+    m_views->removeProgress();
+    if (m_isScan) Controller::getController().stopScan();
+    m_sortTimer.stop();
+    m_endTimer.stop();
+    m_rootNodeArr.reset();
+    m_model->setTree(nullptr);
+    if (m_detagate != nullptr) m_detagate->listFileBackButtonAction();
+    m_views->selectFileButton->setFocus();
+}
+
+// The list, or words in its place where there is nothing to list.
+void ListFileViewController::showFitting() {
+    ListFileViews& views = *m_views;
+    const EumeRoot* const scan = Controller::getController().eumeRoot();
+    const bool isEmpty = m_rootNodeArr && m_rootNodeArr->root().childCount() == 0 && scan != nullptr && scan->isEnded();
+    QWidget* const shown = isEmpty ? views.emptyView : static_cast<QWidget*>(views.outlineView);
+    if (isEmpty)
+        views.emptyLabel->setText(m_rootNodeArr->nodeCount() > 0 ? tr("Nothing is left in this folder.")
+                                  : scan->skipped().empty()      ? tr("This folder is empty.")
+                                                                 : tr("This folder could not be read."));
+    if (views.content->currentWidget() == shown) return;
+    views.content->setCurrentWidget(shown);
+}
+
+void ListFileViewController::showQuietLine() {
+    const EumeRoot* const scan = Controller::getController().eumeRoot();
+    const std::size_t skipped = scan != nullptr ? scan->skipped().size() : 0;
+    m_views->quietLine->setVisible(skipped != 0);
+    m_views->quietLine->setText(skipped == 1
+                                    ? tr("1 entry could not be read")
+                                    : tr("%1 entries could not be read").arg(QLocale().toString(qulonglong(skipped))));
+}
+
+void ListFileViewController::showSkipped() {
+    const EumeRoot* const scan = Controller::getController().eumeRoot();
+    if (scan != nullptr) showLineList(m_mainWindow, tr("Could not be read"), linesOf(scan->skipped()));
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,28 @@
+// NewOutlineView: the list of the large file page, biggest first. FileNodeModel.h is what it shows.
+#pragma once
+
+#include "ui/kit/controls/TickOutline.h"
+
+namespace orrinvale {
+
+/// The highlighted row, of which there is one at most, is the selected one. Main thread only.
+class NewOutlineView final : public TickOutline {
+    Q_OBJECT
+public:
+    explicit NewOutlineView(QWidget* parent = nullptr);
+
+    void setModel(QAbstractItemModel* model) override;
+
+    /// No row is highlighted any more; the keyboard stays at the row where it is.
+    void clearRowNum();
+
+Q_SIGNALS:
+    /// The end of the rows below this one comes into view.
+    void moreWanted(const QModelIndex& parent);
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void verticalScrollbarValueChanged(int value) override;
+};
+
+}  // namespace orrinvale

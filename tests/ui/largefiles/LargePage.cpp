@@ -1,0 +1,127 @@
+// LargePage: see LargePage.h.
+#include "ui/largefiles/LargePage.h"
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDialog>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QTest>
+
+#include "ui/kit/controls/TickBoxDelegate.h"
+#include "ui/largefiles/FileNodeModel.h"
+
+namespace orrinvale::testing {
+
+LargePage::LargePage() {
+    setOwnFiles({});
+    QTest::keyClick(window.window->window(), Qt::Key_2, Qt::ControlModifier);
+}
+
+LargePage::~LargePage() {
+    Controller::getController().setParts({});
+    window.window.reset();
+}
+
+void LargePage::setOwnFiles(std::vector<std::string> ownFiles) {
+    Controller::getController().setParts({.files = &window.files,
+                                          .mainQueue = &m_mainQueue,
+                                          .ownFiles = std::move(ownFiles),
+                                          .reveal = [this](const std::string& path) { revealed.push_back(path); },
+                                          .openFolder = {}});
+}
+
+std::string LargePage::textOf(const char* name) {
+    QWidget& found = control(name);
+    if (const auto* const label = qobject_cast<QLabel*>(&found)) return label->text().toStdString();
+    return qobject_cast<QAbstractButton*>(&found)->text().toStdString();
+}
+
+void LargePage::click(const char* name) {
+    EXPECT_TRUE(isShown(name) && control(name).isEnabled()) << name << " is out of reach";
+    QTest::mouseClick(&control(name), Qt::LeftButton);
+}
+
+void LargePage::choose(std::vector<std::string> paths) {
+    dialogs.willChoose(std::move(paths));
+    QTest::keyClick(window.window->window(), Qt::Key_O, Qt::ControlModifier);
+    EXPECT_TRUE(waitFor([this] { return isShown("listView"); }));
+}
+
+bool LargePage::scan(const std::string& path) {
+    choose({path});
+    return waitFor([this] { return !page().isScan(); });
+}
+
+std::string LargePage::list() {
+    std::string text;
+    for (QModelIndex row = outline().model()->index(0, 0); row.isValid(); row = outline().indexBelow(row)) {
+        for (QModelIndex above = row.parent(); above.isValid(); above = above.parent()) text += "  ";
+        const auto cell = [&](int column, int role = Qt::DisplayRole) {
+            return row.siblingAtColumn(column).data(role);
+        };
+        const QVariant state = cell(FileNodeModel::CheckBox, FileNodeModel::StateRole);
+        text += !state.isValid() ? ' ' : ".x-"[state.toInt()];
+        text += ' ' + cell(FileNodeModel::Name).toString().toStdString() + ' ' +
+                cell(FileNodeModel::Size).toString().toStdString() + '\n';
+    }
+    return text;
+}
+
+QModelIndex LargePage::row(const std::string& name) {
+    for (QModelIndex row = outline().model()->index(0, 0); row.isValid(); row = outline().indexBelow(row))
+        if (row.siblingAtColumn(FileNodeModel::Name).data().toString().toStdString() == name) return row;
+    ADD_FAILURE() << "no row " << name;
+    return {};
+}
+
+void LargePage::clickCell(const std::string& name, int column) {
+    const QModelIndex cell = row(name).siblingAtColumn(column);
+    outline().scrollTo(cell);
+    QStyleOptionViewItem option;
+    option.rect = outline().visualRect(cell);
+    const QPoint place =
+        column == FileNodeModel::CheckBox ? TickBoxDelegate::boxRect(option).center() : option.rect.center();
+    EXPECT_TRUE(outline().viewport()->rect().contains(place));
+    QTest::mouseClick(outline().viewport(), Qt::LeftButton, {}, place);
+    QApplication::processEvents();
+}
+
+void LargePage::tick(const std::string& name) { clickCell(name, FileNodeModel::CheckBox); }
+
+void LargePage::open(const std::string& name) {
+    outline().setFocus();
+    outline().setCurrentIndex(row(name).siblingAtColumn(FileNodeModel::Name));
+    QTest::keyClick(&outline(), Qt::Key_Right);
+    QApplication::processEvents();
+}
+
+bool LargePage::remove(const std::function<void(QWidget& progressWindow)>& meanwhile) {
+    dialogs.willAnswer(0);
+    if (meanwhile) window.removing.shut();
+    click("deleteButton");
+    const auto modal = [] { return QApplication::activeModalWidget(); };
+    if (meanwhile) {
+        if (!waitFor([&] { return modal() != nullptr && window.removing.isWaitedAt(); })) return false;
+        meanwhile(*modal());
+        window.removing.open();
+    }
+    bool begun = meanwhile != nullptr;
+    return waitFor([&] {
+        begun = begun || Controller::getController().isRemoving();
+        return begun && !Controller::getController().isRemoving() && modal() == nullptr;
+    });
+}
+
+std::string LargePage::linesBehind(const char* button) {
+    click(button);
+    auto* const shown = window.window->window()->findChild<QDialog*>(QStringLiteral("lineList"));
+    if (shown == nullptr) return "no list";
+    const std::string lines = shown->findChild<QPlainTextEdit*>()->toPlainText().toStdString();
+    QTest::keyClick(shown, Qt::Key_Escape);
+    return lines;
+}
+
+}  // namespace orrinvale::testing
