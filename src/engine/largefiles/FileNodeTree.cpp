@@ -104,8 +104,7 @@ void FileNodeTree::makeRoom(FileNode& folder, std::size_t more) {
     const bool wasLong = folder.m_childRoom > mostInArena;
     const std::size_t room = std::max(needed, folder.m_childCount + std::size_t{folder.m_childCount} / 2);
     if (!wasLong) m_longLists.reserve(m_longLists.size() + 1);
-    auto* const list =
-        static_cast<FileNode**>(std::realloc(wasLong ? folder.m_children : nullptr, room * childBytes));
+    auto* const list = static_cast<FileNode**>(std::realloc(wasLong ? folder.m_children : nullptr, room * childBytes));
     if (list == nullptr) throw std::bad_alloc();
     if (!wasLong) {
         if (folder.m_childCount > 0) std::memcpy(list, folder.m_children, folder.m_childCount * childBytes);
