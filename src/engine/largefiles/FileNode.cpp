@@ -14,6 +14,7 @@ namespace {
 
 // Below this a level is ordered as a whole: choosing a part of it costs as much.
 constexpr std::size_t wholeLevel = 4096;
+constexpr std::size_t sortedAhead = 20'000;
 
 }  // namespace
 
@@ -62,7 +63,9 @@ std::span<FileNode* const> FileNode::biggestChildren(std::size_t count) {
     if (m_ordered >= count) return all;
     const auto before = [](const FileNode* a, const FileNode* b) { return a->standsBefore(*b); };
     if (all.size() <= wholeLevel) count = all.size();
-    // Those in order already are bigger than the rest, so that a list which grows as it is scrolled sorts what is new in it.
+    // Those in order already are bigger than the rest, so that a list which grows as it is scrolled sorts what is new in it. Whoever
+    // comes back for more will do so again: choosing from all that is left costs more than sorting some of it ahead.
+    if (m_ordered > 0) count = std::min(count + sortedAhead, all.size());
     const auto first = all.begin() + m_ordered;
     const auto end = all.begin() + static_cast<std::ptrdiff_t>(count);
     if (count < all.size()) std::nth_element(first, end, all.end(), before);
