@@ -48,7 +48,7 @@ public:
         m_timer.setInterval(100);
         connect(&m_timer, &QTimer::timeout, this, [this, &window] {
             if (window.window()->isVisible()) m_timer.stop();
-            else if (window.sameFileDeleteVC()->bSearchFinished() && !Controller::getController().isRemoving())
+            else if (window.sameFileDeleteVC()->bSearchFinished() && !window.listFileVC()->isRemoving())
                 QCoreApplication::quit();
         });
     }
@@ -113,6 +113,7 @@ int runWindow(int argc, char** argv) {
     if (argc > 1)
         if (const auto folder = files.resolved(argv[1])) window.sameFileDeleteVC()->viewDragAction(*folder);
     const int status = QApplication::exec();
+    Controller::getController().setParts({});
     right.freeAuthorization();
     return status;
 }

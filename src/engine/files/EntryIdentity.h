@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "platform/files.h"
 
@@ -17,8 +18,10 @@ struct EntryIdentity {
     std::int64_t modified = 0;  ///< nanoseconds since 1970-01-01 UTC
     std::int64_t changed = 0;   ///< the same, of the inode
     std::int64_t born = 0;      ///< 0 where it is not known
-    bool knowsContents =
-        true;  ///< false for a scan that kept neither size nor times, for which a written file is the same still
+    std::optional<std::uint64_t> times =
+        std::nullopt;  ///< timesOf() both, in place of them, for scans that have to be small
+    std::uint32_t links =
+        0;  ///< hard links; not 0 says that we removed some since, which alone gives the others a new `changed`
 
     [[nodiscard]] static EntryIdentity of(const FileAttributes& seen) {
         return {.device = seen.device,
@@ -28,17 +31,27 @@ struct EntryIdentity {
                 .modified = seen.modified,
                 .changed = seen.changed,
                 .born = seen.born,
-                .knowsContents = true};
+                .times = std::nullopt,
+                .links = 0};
     }
 
-    /// True when `now` describes this entry, and a regular file still has its size and times, where the scan kept them. Folders change
-    /// their times with every entry that goes, so that only the one of their making is compared, where both sides know it; so it is
-    /// with links, and with files of which no more is known.
+    /// Both times of a file in one number: the upper half stands for `modified`, the lower one for `changed`.
+    [[nodiscard]] static std::uint64_t timesOf(std::int64_t modified, std::int64_t changed) {
+        constexpr std::uint64_t spread = 0x9E37'79B9'7F4A'7C15;  // 2^64 over the golden ratio
+        const auto half = [](std::int64_t time) { return (static_cast<std::uint64_t>(time) * spread) >> 32U; };
+        return (half(modified) << 32U) | half(changed);
+    }
+
+    /// True when `now` describes this entry, and a regular file still has its size and times. Folders change their times with
+    /// every entry that goes, so that only the one of their making is compared, where both sides know it; so it is with links.
     [[nodiscard]] bool isStill(const FileAttributes& now) const {
         if (device != now.device || inode != now.inode || type != now.type) return false;
-        if (type == FileType::Regular && knowsContents)
-            return size == now.size && modified == now.modified && changed == now.changed;
-        return born == 0 || now.born == 0 || born == now.born;
+        if (type != FileType::Regular) return born == 0 || now.born == 0 || born == now.born;
+        if (size != now.size) return false;
+        const bool lostNames = now.links < links;
+        if (!times) return modified == now.modified && (changed == now.changed || lostNames);
+        const std::uint64_t difference = *times ^ timesOf(now.modified, now.changed);
+        return (lostNames ? difference >> 32U : difference) == 0;
     }
 };
 

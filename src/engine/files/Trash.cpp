@@ -24,8 +24,9 @@ std::string reasonOf(int error) { return systemError("move", {}, error).reason()
 
 }  // namespace
 
-tl::expected<std::string, std::string> Trash::move(const std::string& path) const {
-    const auto held = HeldEntry::at(m_files, m_places, path, std::nullopt);
+tl::expected<std::string, std::string> Trash::move(const std::string& path,
+                                                   const std::optional<EntryIdentity>& expected) const {
+    const auto held = HeldEntry::at(m_files, m_places, path, expected);
     auto result = held ? moveHeld(*held) : tl::unexpected(held.error().reason);
     Log::line(result ? fmt::format("Moved to the trash {} ({})", path, *result)
                      : fmt::format("Not moved to the trash {}: {}", path, result.error()));
@@ -54,8 +55,12 @@ tl::expected<std::string, std::string> Trash::moveHeld(const HeldEntry& held) co
     const auto root = rootOfVolume(held);
     if (!root) return tl::unexpected(reasonOf(root.error()));
     // Administrators make the shared one, and where it does not serve it says nothing about the user's own.
-    if (auto shared = openShared(root->get()); shared)
+    // A shared one that is not safe is a thing for the administrator to know.
+    if (auto shared = openShared(root->get()); shared) {
         if (auto result = take(std::move(shared))) return *result;
+    } else if (m_files.attributes(root->get(), ".Trash", Links::Keep)) {
+        Log::line(fmt::format("The shared trash on the volume of {} is not used: {}", held.path, shared.error()));
+    }
     if (auto result = take(openOwn(root->get()))) return *result;
     return tl::unexpected("no trash on its volume: " + reason);
 }
@@ -106,7 +111,7 @@ Trash::Found Trash::openShared(int root) const {
     if (!shared) return tl::unexpected(reasonOf(shared.error()));
     struct stat seen {};
     if (::fstat(shared->get(), &seen) != 0) return tl::unexpected(reasonOf(errno));
-    if ((seen.st_mode & S_ISVTX) == 0) return tl::unexpected(std::string("the shared trash is not a safe one"));
+    if ((seen.st_mode & S_ISVTX) == 0) return tl::unexpected(std::string("anybody may remove what others put there"));
     auto trash = TrashFolder::open(m_files, shared->get(), std::to_string(m_variables.user), m_variables.user);
     if (trash) trash->keepRelativeTo(m_files.placeOf(root).value_or(std::string()));
     return trash;

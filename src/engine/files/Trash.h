@@ -2,6 +2,7 @@
 // TrashFolder is one such place.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <tl/expected.hpp>
 
@@ -22,8 +23,9 @@ public:
 
     /// Moves the entry at an absolute path, a folder with all that is in it, a link itself: to the trash of the home folder where
     /// that is on the same volume, else to the one at the root of its own volume, which is made if need be. Nothing is ever copied.
-    /// Where it is now, or why it stays, for people; one line in the log tells either.
-    [[nodiscard]] tl::expected<std::string, std::string> move(const std::string& path) const;
+    /// With `expected` it must still be what a scan saw. Where it is now, or why it stays, for people; one line in the log tells either.
+    [[nodiscard]] tl::expected<std::string, std::string> move(
+        const std::string& path, const std::optional<EntryIdentity>& expected = std::nullopt) const;
 
 private:
     using Found = tl::expected<TrashFolder, std::string>;

@@ -150,7 +150,8 @@ int TrashFolder::writeRecord(const std::string& name, const std::string& text) c
     const Descriptor file(
         ::openat(m_records.get(), full.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (!file.isOpen()) return errno;
-    const int error = writeAll(file.get(), text);
+    int error = writeAll(file.get(), text);
+    if (error == 0 && ::fsync(m_records.get()) != 0) error = errno;  // an entry without a record can not be put back
     if (error != 0) dropRecord(name);
     return error;
 }

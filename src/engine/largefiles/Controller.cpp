@@ -69,6 +69,11 @@ void Controller::eumeAllRootFileNodeWithRootArr(std::shared_ptr<FileNodeTree> ro
     m_aRootArr = std::move(rootArr);
 }
 
+void Controller::closeTree() {
+    m_eumeRoot.reset();
+    m_aRootArr.reset();
+}
+
 void Controller::stopScan() {
     if (m_eumeRoot) m_eumeRoot->stopScan();
 }
@@ -129,10 +134,10 @@ void Controller::pereviewFileWithFileNode(const FileNode& node) {
     if (m_parts.openFolder) m_parts.openFolder(node.path());
 }
 
-std::string Controller::moveFileToTrash(const std::string& path) {
+std::string Controller::moveFileToTrash(const std::string& path, const std::optional<EntryIdentity>& expected) {
     if (m_parts.files == nullptr) return "no file system";
     const auto places = protectedFromLargeFiles(*m_parts.files, m_parts.ownFiles);
-    const auto moved = Trash(*m_parts.files, places).move(path);
+    const auto moved = Trash(*m_parts.files, places).move(path, expected);
     Log::line(fmt::format("--delete file error ---::{}", moved ? "(null)" : moved.error()));
     return moved ? std::string() : moved.error();
 }
@@ -173,6 +178,7 @@ bool Controller::isRemoving() const { return m_removal != nullptr; }
 // Whatever the delegate is told, it may answer by ending the removal, or by turning an event loop that brings further news.
 void Controller::removalNews() {
     const std::shared_ptr<Removal> removal = m_removal;
+    if (!removal) return;
     if (removal->isTaking) {
         removal->isMissed = true;
         return;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -22,11 +23,12 @@ struct LargeFileRemoval {
         std::string path;    ///< exact bytes
         std::string reason;  ///< for people
     };
-    std::uint64_t chosen = 0;       ///< nodes that were to go
-    std::uint64_t gone = 0;         ///< nodes that went
-    std::uint64_t failed = 0;       ///< nodes that are still there, wholly or in part
-    std::vector<Failure> failures;  ///< the first ones, entry by entry
-    bool stopped = false;           ///< the person ended it
+    std::uint64_t chosen = 0;         ///< nodes that were to go
+    std::uint64_t gone = 0;           ///< nodes that went
+    std::uint64_t failed = 0;         ///< nodes that are still there, wholly or in part
+    std::uint64_t failedEntries = 0;  ///< all that could not go of these nodes
+    std::vector<Failure> failures;    ///< the first ones, entry by entry
+    bool stopped = false;             ///< the person ended it
 };
 
 /// The page, as the controller sees it. All calls come on the main thread.
@@ -63,13 +65,17 @@ class Controller final {
 public:
     /// Made at the first call, never freed.
     [[nodiscard]] static Controller& getController();
-    /// Ends the scan and the removal that are under way, and waits for the entry in hand: call it with nothing before the parts go.
+    /// Ends the scan and the removal that are under way, and waits for the removal's entry in hand: call it with nothing before the
+    /// parts go. Threads that scan may still be at a file system that does not answer, which therefore outlives them:
+    /// eumeRoot()->waitForEnd() waits for those.
     void setParts(ControllerParts parts);
     void setADelegate(ControllerDelegate* delegate) { _aDelegate = delegate; }  ///< not owned
     [[nodiscard]] ControllerDelegate* aDelegate() const { return _aDelegate; }
 
     void eumeAllRootFileNodeWithRootArr(std::shared_ptr<FileNodeTree> rootArr, const std::string& rootPath);
     void stopScan();
+    /// Stops the scan and lets go of its tree, which nobody looks at any more.
+    void closeTree();
     [[nodiscard]] float getProgress() const;
     /// The current scan, or null before the first.
     [[nodiscard]] EumeRoot* eumeRoot() const { return m_eumeRoot.get(); }
@@ -84,8 +90,9 @@ public:
     void openFileWithFileNode(const FileNode& node);
     void pereviewFileWithFileNode(const FileNode& node);
 
-    /// Moves one entry to the trash of its volume. Why it stays, for people; empty when it went. Either goes to the log as well.
-    std::string moveFileToTrash(const std::string& path);
+    /// Moves one entry to the trash of its volume; with `expected` only what the scan saw. Why it stays, for people; empty when it
+    /// went. Either goes to the log as well.
+    std::string moveFileToTrash(const std::string& path, const std::optional<EntryIdentity>& expected = std::nullopt);
     /// Gives what is selected to the outside eraser, and returns. Its nodes stay in the tree until the next scan; the page hears
     /// reloadTreeList() at once and at the end. One at a time.
     void moveFileToTarsh();

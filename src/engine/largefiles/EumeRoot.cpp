@@ -233,6 +233,8 @@ void EumeRoot::waitForEnd() {
     if (m_scan) m_scan->waitForEnd();
 }
 
+bool EumeRoot::isEmptyFolder() const { return m_scan && m_scan->counts().all == 0; }
+
 std::uint64_t EumeRoot::foundCount() const { return m_scan ? m_scan->counts().found.load() : 0; }
 
 std::vector<Error> EumeRoot::skipped() const { return m_scan ? m_scan->skipped().entries() : std::vector<Error>(); }

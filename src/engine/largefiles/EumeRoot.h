@@ -45,6 +45,8 @@ public:
     /// Returns when no thread scans any more. What then waits for the queue's turn is put into the tree here.
     void waitForEnd();
 
+    /// The chosen folder was listed to its end and holds nothing. Any thread.
+    [[nodiscard]] bool isEmptyFolder() const;
     /// Entries found so far. Any thread.
     [[nodiscard]] std::uint64_t foundCount() const;
     /// What could not be read so far. Any thread.

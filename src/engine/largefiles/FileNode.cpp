@@ -33,14 +33,21 @@ std::string FileNode::path() const {
 
 std::string FileNode::displayName() const { return m_name; }
 
-bool FileNode::isSystemFile() const { return SystemFolder::isSystemFileWithFilePath(path()); }
+// The list knows no path with two slashes, as those below "/" have.
+bool FileNode::isSystemFile() const {
+    const std::string spelled = path();
+    return SystemFolder::isSystemFileWithFilePath(plainPath(spelled).value_or(spelled));
+}
 
 EntryIdentity FileNode::identity() const {
-    return {.device = FileNodeTree::of(*this).m_devices[m_device],
-            .inode = m_inode,
-            .type = m_type,
-            .born = m_born,
-            .knowsContents = false};
+    EntryIdentity identity;
+    identity.device = FileNodeTree::of(*this).m_devices[m_device];
+    identity.inode = m_inode;
+    identity.type = m_type;
+    identity.size = m_size;
+    if (m_type == FileType::Regular) identity.times = m_times;
+    else identity.born = static_cast<std::int64_t>(m_times);
+    return identity;
 }
 
 FileNode* FileNode::father() const { return m_father != nullptr && m_father->m_father != nullptr ? m_father : nullptr; }

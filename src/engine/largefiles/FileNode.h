@@ -24,7 +24,9 @@ struct FoundEntry {
     std::uint64_t onDisk = 0;    ///< bytes that it takes on the disk
     std::uint64_t device = 0;    ///< st_dev, inode and time of making, which tell it from what may stand there later
     std::uint64_t inode = 0;
-    std::int64_t born = 0;  ///< 0 where it is not known
+    std::int64_t born = 0;      ///< 0 where it is not known
+    std::int64_t modified = 0;  ///< these two of regular files: they tell whether one was written since
+    std::int64_t changed = 0;
 };
 
 /// Belongs to its tree, and to the thread that owns the tree: in the window program the main thread, which alone reads and
@@ -104,7 +106,7 @@ private:
     std::uint64_t m_size = 0;
     std::uint64_t m_onDisk = 0;
     std::uint64_t m_inode = 0;
-    std::int64_t m_born = 0;
+    std::uint64_t m_times = 0;  // of a regular file EntryIdentity::timesOf(), of all others the time of their making
     FileNode** m_children = nullptr;
     std::uint32_t m_childCount = 0;
     std::uint32_t m_childRoom = 0;

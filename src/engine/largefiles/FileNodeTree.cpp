@@ -62,7 +62,8 @@ FileNodeTree::Added FileNodeTree::addHere(FileNode& folder, std::span<const Foun
         node->m_size = entry.size;
         node->m_onDisk = entry.onDisk;
         node->m_inode = entry.inode;
-        node->m_born = entry.born;
+        node->m_times = entry.type == FileType::Regular ? EntryIdentity::timesOf(entry.modified, entry.changed)
+                                                        : static_cast<std::uint64_t>(entry.born);
         node->m_position = entry.position;
         node->m_links = entry.links;
         node->m_device = deviceIndex(entry.device);

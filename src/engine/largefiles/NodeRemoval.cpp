@@ -33,7 +33,7 @@ NodeRemoval::NodeRemoval(const ControllerParts& parts, std::shared_ptr<FileNodeT
       m_tree(std::move(tree)),
       m_onNews(std::make_shared<const std::function<void()>>(std::move(onNews))) {
     m_plan.reserve(nodes.size());
-    for (FileNode* const node : nodes) m_plan.push_back({node, node->identity()});
+    for (FileNode* const node : nodes) m_plan.push_back({node, node->identity(), node->links()});
     m_result.chosen = m_plan.size();
     try {
         m_caller = std::thread([this] { callForNews(); });
@@ -72,7 +72,9 @@ void NodeRemoval::removeAll() {
             break;
         }
         notice(index, path);
-        if (!settle(entry, path, removal.remove(path, entry.identity, &m_stop))) break;
+        EntryIdentity expected = entry.identity;
+        if (m_result.gone > 0) expected.links = entry.links;  // another name of the file may have been among what went
+        if (!settle(entry, path, removal.remove(path, expected, &m_stop))) break;
     }
     end(std::move(path));
 }
@@ -80,6 +82,7 @@ void NodeRemoval::removeAll() {
 // False when it was stopped: what is left of such a folder stays in the tree. Everything else leaves it, since a node whose entry is
 // there in part shows sizes that are no longer true; the next scan brings it back.
 bool NodeRemoval::settle(const Entry& entry, const std::string& path, RemovalResult removal) {
+    m_result.failedEntries += removal.failed;
     for (auto& [failed, reason] : removal.failures) {
         if (m_result.failures.size() >= RemovalResult::mostFailures) break;
         m_result.failures.push_back({std::move(failed), std::move(reason)});

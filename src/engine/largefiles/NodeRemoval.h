@@ -65,6 +65,7 @@ private:
     struct Entry {
         FileNode* node;
         EntryIdentity identity;
+        std::uint32_t links;
     };
 
     void removeAll();

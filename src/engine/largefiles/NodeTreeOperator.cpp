@@ -26,7 +26,9 @@ FoundEntry foundEntry(const FileAttributes& seen, const char* name) {
             .onDisk = seen.type == FileType::Folder ? 0 : seen.onDisk,
             .device = seen.device,
             .inode = seen.inode,
-            .born = seen.born};
+            .born = seen.born,
+            .modified = seen.modified,
+            .changed = seen.changed};
 }
 
 }  // namespace

@@ -150,7 +150,8 @@ void LinuxFileSystem::readSizes(int folder, std::span<CatalogEntry> entries) con
 }
 
 void LinuxFileSystem::readIdentities(int folder, std::span<CatalogEntry> entries) const {
-    constexpr unsigned wanted = STATX_TYPE | STATX_NLINK | STATX_SIZE | STATX_BLOCKS | STATX_INO | STATX_BTIME;
+    constexpr unsigned wanted =
+        STATX_TYPE | STATX_NLINK | STATX_SIZE | STATX_BLOCKS | STATX_INO | STATX_MTIME | STATX_CTIME | STATX_BTIME;
     for (CatalogEntry& entry : entries)
         entry.error = askAttributes(folder, entry.name, AT_SYMLINK_NOFOLLOW, wanted, entry.attributes);
 }

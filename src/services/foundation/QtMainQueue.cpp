@@ -80,9 +80,11 @@ void QtMainQueue::wake() {
 void QtMainQueue::drain() {
     const std::shared_ptr<Shared> shared = m_shared;
     const auto until = std::chrono::steady_clock::now() + turn;
+    std::ptrdiff_t waiting = 0;  // what comes meanwhile is for another turn, so that work which asks for one gets it
     {
         const std::lock_guard guard(shared->mutex);
         shared->isAwake = false;
+        waiting = std::ssize(shared->items);
     }
     for (;;) {
         Shared::Item item;
@@ -103,7 +105,7 @@ void QtMainQueue::drain() {
         }
         const std::lock_guard guard(shared->mutex);
         if (shared->ended || shared->items.empty()) return;
-        if (std::chrono::steady_clock::now() < until) continue;
+        if (--waiting > 0 && std::chrono::steady_clock::now() < until) continue;
         wake();
         return;
     }

@@ -13,6 +13,7 @@
 
 #include "engine/text/UtilityFunction.h"
 #include "ui/kit/controls/paintTickBox.h"
+#include "ui/kit/controls/pathText.h"
 
 namespace orrinvale {
 namespace {
@@ -147,7 +148,7 @@ QVariant DuplicateResultModel::data(const QModelIndex& index, int role) const {
                 data->setShowSelectNumStr(fmt::format("{}/{}", data->selectNum() == 1 ? shown->numberOfChildren() : 0,
                                                       shown->numberOfChildren()));
             return text(*shown, index.column());
-        case Qt::ToolTipRole: return QString::fromStdString(data->name());
+        case Qt::ToolTipRole: return asToolTip(QString::fromStdString(data->name()));
         case Qt::AccessibleTextRole:
             return index.column() == Checkbox ? QString::fromStdString(data->name()) : text(*shown, index.column());
         case Qt::TextAlignmentRole:

@@ -7,6 +7,7 @@
 
 #include "engine/largefiles/PublicUtilities.h"
 #include "ui/kit/controls/paintTickBox.h"
+#include "ui/kit/controls/pathText.h"
 #include "ui/kit/look/picture.h"
 
 namespace orrinvale {
@@ -145,7 +146,8 @@ void FileNodeModel::placeRemembered(const std::vector<Remembered>& remembered) {
 
 bool FileNodeModel::hasMore(const QModelIndex& parent) const {
     const Level* const level = levelBelow(parent);
-    return level != nullptr && level->rows.size() < level->folder->childCount();
+    // A level that grows under a scan gets its new rows at the next refresh, and does not jump under a person who scrolls.
+    return level != nullptr && level->rows.size() >= level->wanted && level->rows.size() < level->folder->childCount();
 }
 
 void FileNodeModel::showMore(const QModelIndex& parent) {
@@ -242,7 +244,7 @@ QVariant FileNodeModel::data(const QModelIndex& index, int role) const {
             if (column == Size) return sizeToolTip(*shown);
             if (column == OpenFinder) return tr("Show in Folder");
             if (column == Pareview) return shown->isDirectory() ? QVariant() : tr("Preview");
-            return text(*shown, Path);
+            return asToolTip(QString::fromStdString(shown->path()));
         case Qt::AccessibleTextRole:
             if (column == OpenFinder || column == Pareview) return data(index, Qt::ToolTipRole);
             return text(*shown, column == CheckBox ? int(Name) : column);

@@ -68,7 +68,10 @@ void ListFileViewController::removalEnded(const LargeFileRemoval& removal) {
 }
 
 void ListFileViewController::showFailures() {
-    showLineList(m_mainWindow, tr("Could not be removed"), linesByReason(m_removal.failures));
+    QStringList lines = linesByReason(m_removal.failures);
+    if (m_removal.failedEntries > m_removal.failures.size())
+        lines.push_back(tr("and %1 more").arg(QLocale().toString(m_removal.failedEntries - m_removal.failures.size())));
+    showLineList(m_mainWindow, tr("Could not be removed"), lines);
 }
 
 }  // namespace orrinvale

@@ -96,7 +96,7 @@ void ListFileViewController::showRowMenu(const QModelIndex& index, QPoint positi
 void ListFileViewController::putIntoTrash(FileNode& node) {
     if (m_isScan || m_isRemoving) return;
     const std::string path = node.path();
-    const std::string reason = Controller::getController().moveFileToTrash(path);
+    const std::string reason = Controller::getController().moveFileToTrash(path, node.identity());
     if (reason.empty()) {
         takeOut(node);
         return;

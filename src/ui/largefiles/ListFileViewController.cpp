@@ -54,6 +54,7 @@ ListFileViewController::~ListFileViewController() {
     if (controller.aDelegate() == this) controller.setADelegate(nullptr);
     if (m_isScan) controller.stopScan();
     m_model->setTree(nullptr);
+    delete m_progress;
     if (m_views->aLoadView != nullptr) m_views->dragView->setDelegate(nullptr);
 }
 
@@ -180,6 +181,7 @@ void ListFileViewController::backButtonAction() {
     m_endTimer.stop();
     m_rootNodeArr.reset();
     m_model->setTree(nullptr);
+    Controller::getController().closeTree();
     if (m_detagate != nullptr) m_detagate->listFileBackButtonAction();
     m_views->selectFileButton->setFocus();
 }
@@ -192,7 +194,8 @@ void ListFileViewController::showFitting() {
     QWidget* const shown = isEmpty ? views.emptyView : static_cast<QWidget*>(views.outlineView);
     if (isEmpty)
         views.emptyLabel->setText(m_rootNodeArr->nodeCount() > 0 ? tr("Nothing is left in this folder.")
-                                  : scan->skipped().empty()      ? tr("This folder is empty.")
+                                  : scan->isEmptyFolder()        ? tr("This folder is empty.")
+                                  : scan->skipped().empty()      ? tr("Nothing was read of this folder.")
                                                                  : tr("This folder could not be read."));
     if (views.content->currentWidget() == shown) return;
     views.content->setCurrentWidget(shown);

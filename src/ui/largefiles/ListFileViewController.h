@@ -63,6 +63,8 @@ public:
 
     /// From the start of a scan until it ends or is stopped. Leaving the page stops a scan, and does not end this.
     [[nodiscard]] bool isScan() const { return m_isScan; }
+    /// From the person's yes to the end of the removal.
+    [[nodiscard]] bool isRemoving() const { return m_isRemoving; }
 
     /// Scans a folder, as if it had been dropped. Does nothing when it is none, or while files are removed.
     void viewDragAction(const std::string& path) override;

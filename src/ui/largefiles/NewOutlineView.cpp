@@ -52,9 +52,10 @@ void NewOutlineView::keyPressEvent(QKeyEvent* event) {
 
 void NewOutlineView::verticalScrollbarValueChanged(int value) {
     TickOutline::verticalScrollbarValueChanged(value);
-    const QModelIndex last = indexAt(viewport()->rect().bottomLeft());
-    for (QModelIndex index = last; index.isValid(); index = index.parent())
-        if (index.row() + rowsAhead >= model()->rowCount(index.parent())) Q_EMIT moreWanted(index.parent());
+    QList<QPersistentModelIndex> ending;  // asking for more moves rows
+    for (QModelIndex index = indexAt(viewport()->rect().bottomLeft()); index.isValid(); index = index.parent())
+        if (index.row() + rowsAhead >= model()->rowCount(index.parent())) ending.push_back(index.parent());
+    for (const QPersistentModelIndex& level : ending) Q_EMIT moreWanted(level);
 }
 
 }  // namespace orrinvale

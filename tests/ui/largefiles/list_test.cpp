@@ -115,22 +115,27 @@ TEST_F(GrowingList, ClosesAFolderThatIsNoLongerAmongTheRowsShown) {
     EXPECT_EQ(model.rowCount(), 5000);
 }
 
+// Directly below "/" the paths of the list begin with two slashes.
 TEST_F(GrowingList, GivesNoBoxToWhatNobodyShouldSelect) {
-    const auto& listed = SystemFolder::paths();
-    const auto below = std::ranges::find_if(listed, [](const std::string& path) { return path.rfind('/') > 0; });
-    ASSERT_NE(below, listed.end());
-    int clicks = 0;
-    FileNodeModel rows({}, [&clicks](FileNode& /*node*/) { ++clicks; });
-    tree = std::make_shared<FileNodeTree>(below->substr(0, below->rfind('/')));
-    add(tree->root(), below->substr(below->rfind('/') + 1), 2, true);
-    add(tree->root(), "ours", 1);
-    rows.setTree(tree);
-    for (const bool isOurs : {false, true}) {
-        const QModelIndex box = rows.index(isOurs ? 1 : 0, FileNodeModel::CheckBox);
-        EXPECT_EQ(box.data(FileNodeModel::StateRole).isValid(), isOurs);
-        EXPECT_EQ(rows.setData(box, {}, FileNodeModel::StateRole), isOurs);
+    for (const bool isBelowRoot : {true, false}) {
+        const auto& listed = SystemFolder::paths();
+        const auto path = std::ranges::find_if(listed, [isBelowRoot](const std::string& each) {
+            return each.size() > 1 && (each.rfind('/') == 0) == isBelowRoot;
+        });
+        ASSERT_NE(path, listed.end());
+        int clicks = 0;
+        FileNodeModel rows({}, [&clicks](FileNode& /*node*/) { ++clicks; });
+        tree = std::make_shared<FileNodeTree>(isBelowRoot ? "/" : path->substr(0, path->rfind('/')));
+        add(tree->root(), path->substr(path->rfind('/') + 1), 2, true);
+        add(tree->root(), "ours", 1);
+        rows.setTree(tree);
+        for (const bool isOurs : {false, true}) {
+            const QModelIndex box = rows.index(isOurs ? 1 : 0, FileNodeModel::CheckBox);
+            EXPECT_EQ(box.data(FileNodeModel::StateRole).isValid(), isOurs) << *path;
+            EXPECT_EQ(rows.setData(box, {}, FileNodeModel::StateRole), isOurs) << *path;
+        }
+        EXPECT_EQ(clicks, 1);
     }
-    EXPECT_EQ(clicks, 1);
 }
 
 }  // namespace

@@ -1,9 +1,15 @@
 // pathText: see pathText.h.
 #include "ui/kit/controls/pathText.h"
 
+#include <QTextDocument>
+
 namespace orrinvale {
 
 QString onOneLine(QString text) { return text.replace(QLatin1Char('\n'), QChar(0x2424)); }
+
+QString asToolTip(const QString& text) {
+    return Qt::mightBeRichText(text) ? QStringLiteral("<qt>%1</qt>").arg(text.toHtmlEscaped()) : text;
+}
 
 QString shortenedFolder(const QString& folder, const QFontMetrics& metrics, int width) {
     if (metrics.horizontalAdvance(folder) <= width) return folder;

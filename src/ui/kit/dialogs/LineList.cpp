@@ -26,7 +26,7 @@ QStringList linesOf(const std::vector<Error>& errors) {
     QStringList lines;
     for (const Error& error : errors)
         lines.push_back(QString::fromStdString(error.reason()) + QStringLiteral(": ") +
-                        QString::fromStdString(error.path));
+                        onOneLine(QString::fromStdString(error.path)));
     return lines;
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/error.h"
+#include "ui/kit/controls/pathText.h"
 
 class QWidget;
 
@@ -22,7 +23,7 @@ void showLineList(QWidget* parent, const QString& title, const QStringList& line
 template <class Failures> [[nodiscard]] QStringList linesByReason(const Failures& failures) {
     std::map<std::string, QStringList> byReason;
     for (const auto& failure : failures)
-        byReason[failure.reason].push_back(QStringLiteral("    ") + QString::fromStdString(failure.path));
+        byReason[failure.reason].push_back(QStringLiteral("    ") + onOneLine(QString::fromStdString(failure.path)));
     QStringList lines;
     for (const auto& [reason, paths] : byReason) {
         lines.push_back(QStringLiteral("%1 (%2)").arg(QString::fromStdString(reason), QString::number(paths.size())));
