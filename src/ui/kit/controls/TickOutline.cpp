@@ -42,6 +42,9 @@ TickOutline::TickOutline(BoxColumn boxes, FlatHeader* header, QWidget* parent) :
     connect(header, &QHeaderView::geometriesChanged, this, [this] { placeHeaderBox(); });
 }
 
+// The header outlives this part of the object, and is told to hide when a window of its own ends.
+TickOutline::~TickOutline() { header()->disconnect(this); }
+
 // A row of the accent's colour would drown its grey path; the selection is the quiet colour that the rest of the page uses.
 void TickOutline::followTheme() {
     QPalette colors;

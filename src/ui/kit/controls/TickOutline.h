@@ -24,6 +24,7 @@ public:
 
     /// Owns the header, in which the box that ticks everything lies; it has no title of its own.
     TickOutline(BoxColumn boxes, FlatHeader* header, QWidget* parent);
+    ~TickOutline() override;
 
     [[nodiscard]] TickBox* headerBox() const { return m_headerBox; }
 
