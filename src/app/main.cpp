@@ -48,13 +48,17 @@ public:
         m_timer.setInterval(100);
         connect(&m_timer, &QTimer::timeout, this, [this, &window] {
             if (window.window()->isVisible()) m_timer.stop();
-            else if (window.sameFileDeleteVC()->bSearchFinished() && !window.listFileVC()->isRemoving())
-                QCoreApplication::quit();
+            else if (window.sameFileDeleteVC()->bSearchFinished() && !isRemovingLarge(window)) QCoreApplication::quit();
         });
     }
     void closeMainWindow() override { m_timer.start(); }
 
 private:
+    // The page is made when somebody wants it.
+    static bool isRemovingLarge(const DuplicateMainWindowController& window) {
+        return window.listFileVC() != nullptr && window.listFileVC()->isRemoving();
+    }
+
     QTimer m_timer;
 };
 
