@@ -16,7 +16,6 @@
 namespace orrinvale {
 namespace {
 
-using testing::isThere;
 using testing::LargePage;
 
 constexpr uid_t nobody = 65534;
