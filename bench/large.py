@@ -10,7 +10,6 @@ build/bench/large.json.
 
 Exit status: 0 all bars held, 1 a bar or an answer missed, 2 the command line is wrong, 3 nothing could be measured.
 """
-import argparse
 import dataclasses
 import json
 import os
@@ -18,10 +17,8 @@ import shutil
 import subprocess
 import sys
 import tempfile
-from pathlib import Path
 
 import compare
-import corpus
 import sizes
 
 RESULTS = compare.ROOT / "build/bench/large.json"
@@ -147,27 +144,8 @@ def measure(options):
     return measured, {name: text for name, text in wrong.items() if text}
 
 
-def parse():
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("corpus", nargs="*", help=" ".join(ROWS))
-    parser.add_argument("--scale", type=float, default=1.0, help="share of the files of each corpus (1)")
-    parser.add_argument("--cap", type=float, default=24, help="GiB of disk that a corpus may take (24)")
-    parser.add_argument("--pairs", type=int, default=11, help="pairs of runs (11)")
-    parser.add_argument("--seconds", type=float, default=60, help=f"no further pairs after so long, but {compare.FEWEST_PAIRS} (60)")
-    parser.add_argument("--state", action="append", choices=("warm", "cold"), help="only this state of the file caches")
-    parser.add_argument("--corpora", type=Path, help="where the corpora are or go (build/bench/corpora/scale-F)")
-    options = parser.parse_args()
-    options.states = options.state or ["warm", "cold"]
-    unknown = set(options.corpus) - set(ROWS)
-    if unknown:
-        parser.error(f"{', '.join(sorted(unknown))} is not measured here")
-    if options.scale <= 0 or options.pairs < 1:
-        parser.error("--scale and --pairs must be above 0")
-    return options
-
-
 def main():
-    options = parse()
+    options = sizes.parse(__doc__, ROWS, ROWS)
     for needed in (str(compare.PROGRAM), "time"):
         if not shutil.which(needed):
             print(f"{needed} is not there", file=sys.stderr)

@@ -144,9 +144,10 @@ def measure(options):
     return comparisons, {name: text for name, text in wrong.items() if text}
 
 
-def parse():
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("corpus", nargs="*", help=" ".join(corpus.MAKERS) + f" (usually {' '.join(BARS)})")
+def parse(description, measured, usual):
+    """The command line. `measured` are the corpora that may be named, `usual` those of a run that names none."""
+    parser = argparse.ArgumentParser(description=description, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("corpus", nargs="*", help=" ".join(measured) + f" (usually {' '.join(usual)})")
     parser.add_argument("--scale", type=float, default=1.0, help="share of the files of each corpus (1)")
     parser.add_argument("--cap", type=float, default=24, help="GiB of disk that a corpus may take (24)")
     parser.add_argument("--pairs", type=int, default=11, help="pairs of runs (11)")
@@ -155,16 +156,16 @@ def parse():
     parser.add_argument("--corpora", type=Path, help="where the corpora are or go (build/bench/corpora/scale-F)")
     options = parser.parse_args()
     options.states = options.state or ["warm", "cold"]
-    unknown = set(options.corpus) - set(corpus.MAKERS)
+    unknown = set(options.corpus) - set(measured)
     if unknown:
-        parser.error(f"no corpus is called {', '.join(sorted(unknown))}")
+        parser.error(f"not measured here: {', '.join(sorted(unknown))}")
     if options.scale <= 0 or options.pairs < 1:
         parser.error("--scale and --pairs must be above 0")
     return options
 
 
 def main():
-    options = parse()
+    options = parse(__doc__, corpus.MAKERS, BARS)
     for needed in (str(compare.PROGRAM), "time", "du"):
         if not shutil.which(needed):
             print(f"{needed} is not there", file=sys.stderr)

@@ -9,6 +9,7 @@
 #include <set>
 
 #include "engine/base/Date.h"
+#include "engine/base/saturating.h"
 #include "engine/duplicates/FileKind.h"
 #include "engine/text/UtilityFunction.h"
 
@@ -39,8 +40,6 @@ std::uint64_t reclaimable(const DuplicateGroup& group) {
         if (!seen.insert({file->device, file->inode}).second) bytes -= file->fileSize;
     return bytes;
 }
-
-void addSaturating(std::uint64_t& sum, std::uint64_t more) { sum += std::min(more, ~std::uint64_t{0} - sum); }
 
 void appendNumber(std::string& out, std::uint64_t number) {
     std::array<char, 20> digits;

@@ -174,4 +174,13 @@ ProgramRun::Result ProgramRun::run() const {
     return result;
 }
 
+ProgramRun commandRun(std::string command, std::vector<std::string> arguments, std::string folder) {
+    ProgramRun run;
+    run.program = ORRINVALE_CLI_PATH;
+    run.arguments = std::move(arguments);
+    run.arguments.insert(run.arguments.begin(), std::move(command));
+    run.folder = std::move(folder);
+    return run;
+}
+
 }  // namespace orrinvale::testing

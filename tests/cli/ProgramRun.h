@@ -47,6 +47,9 @@ struct ProgramRun {
     [[nodiscard]] Result run() const;
 };
 
+/// A run of orrinvale-cli with that command, whose name needs not be among the arguments.
+[[nodiscard]] ProgramRun commandRun(std::string command, std::vector<std::string> arguments, std::string folder = {});
+
 /// True where the programs carry their own allocator, so that limits on memory mean nothing and times are long.
 [[nodiscard]] constexpr bool isSanitized() {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)

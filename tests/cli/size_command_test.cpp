@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "cli/ProgramRun.h"
 #include "support/TestTree.h"
@@ -15,12 +16,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 ProgramRun sizeRun(std::vector<std::string> arguments, const std::string& folder = {}) {
-    ProgramRun run;
-    run.program = ORRINVALE_CLI_PATH;
-    run.arguments = std::move(arguments);
-    run.arguments.insert(run.arguments.begin(), "size");
-    run.folder = folder;
-    return run;
+    return commandRun("size", std::move(arguments), folder);
 }
 
 void fill(TestTree& tree) {

@@ -5,15 +5,10 @@
 #include <memory>
 #include <utility>
 
+#include "engine/base/saturating.h"
 #include "engine/files/TreeLister.h"
 
 namespace orrinvale {
-namespace {
-
-void addSaturating(std::uint64_t& sum, std::uint64_t more) { sum += std::min(more, ~std::uint64_t{0} - sum); }
-
-}  // namespace
-
 Measuring::Measuring(const FileSystem& files, const SizeWatch& watch)
     : FolderWalk(files, watch.stop, watch.skipped), m_watch(watch), m_tallies(mostThreads) {}
 

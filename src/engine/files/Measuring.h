@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/base/saturating.h"
 #include "engine/files/FolderWalk.h"
 #include "engine/files/TreeSize.h"
 
@@ -38,11 +39,5 @@ private:
     std::vector<Tally> m_tallies;
     SizeCounts m_counts;
 };
-
-/// Adds without ever passing the largest number.
-inline void addSaturating(std::atomic<std::uint64_t>& sum, std::uint64_t more) {
-    std::uint64_t now = sum.load(std::memory_order_relaxed);
-    while (!sum.compare_exchange_weak(now, now + std::min(more, ~std::uint64_t{0} - now), std::memory_order_relaxed)) {}
-}
 
 }  // namespace orrinvale

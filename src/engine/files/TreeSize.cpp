@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <utility>
 
+#include "engine/base/saturating.h"
 #include "engine/files/FolderNode.h"
 #include "engine/files/Measuring.h"
 

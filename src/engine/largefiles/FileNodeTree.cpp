@@ -6,14 +6,14 @@
 #include <cstring>
 #include <new>
 
+#include "engine/base/saturating.h"
+
 namespace orrinvale {
 namespace {
 
 // Lists up to this length lie among the nodes; longer ones are allocated each for itself, so that growing leaves nothing behind.
 constexpr std::uint32_t mostInArena = 1024;
 constexpr std::size_t childBytes = sizeof(FileNode*);  // NOLINT(bugprone-sizeof-expression): a list of pointers
-
-void addSaturating(std::uint64_t& sum, std::uint64_t more) { sum += std::min(more, ~std::uint64_t{0} - sum); }
 
 }  // namespace
 

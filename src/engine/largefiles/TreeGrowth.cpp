@@ -4,13 +4,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "engine/base/saturating.h"
+
 namespace orrinvale {
 namespace {
 
 // So many folders are held back at most: passing up costs the depth of the tree each time, holding one costs memory.
 constexpr std::size_t mostBehind = 4096;
-
-void addSaturating(std::uint64_t& sum, std::uint64_t more) { sum += std::min(more, ~std::uint64_t{0} - sum); }
 
 }  // namespace
 

@@ -21,7 +21,7 @@ constexpr int sizeColumnWidth = 86;
 // As wide as a date in the language of the desktop.
 int dateColumnWidth() {
     const QDateTime wide(QDate(2028, 12, 28), QTime(20, 58));
-    QString text = QLocale::system().toString(wide, QLocale::ShortFormat);
+    QString text = QLocale().toString(wide, QLocale::ShortFormat);
     // Digits differ in width; the date that is shown may have the widest throughout.
     const QFontMetrics metrics(Theme::shared().font(Theme::Text::Body));
     const auto narrower = [&](QChar a, QChar b) { return metrics.horizontalAdvance(a) < metrics.horizontalAdvance(b); };

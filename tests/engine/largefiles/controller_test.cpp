@@ -66,7 +66,7 @@ TEST_F(LargeFiles, OneAloneIsAtThirtyPercent) {
     EXPECT_EQ(tree->root().childCount(), 0U);
 }
 
-// Neither a file that was written nor another one of its name is what was ticked, nor is what a link stands for now.
+// None of these is what was ticked: a file that was written, another file of its name, a link in the place of a folder.
 TEST_F(LargeFiles, WhatFailsIsToldAndLeavesTheTreeAllTheSame) {
     disk.write("log", std::string(400, 'x'));
     disk.write("another", std::string(300, 'x'));
