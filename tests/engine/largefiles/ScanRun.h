@@ -4,50 +4,22 @@
 #include <fmt/format.h>
 
 #include <chrono>
-#include <deque>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "engine/largefiles/EumeRoot.h"
 #include "engine/largefiles/FileNodeTree.h"
+#include "engine/largefiles/ScannedTree.h"
 #include "support/TestTree.h"
 
 namespace orrinvale::testing {
 
-/// Work waits until the test, as the main thread, runs it.
-class SteppedQueue final : public MainQueue {
-public:
-    void async(std::function<void()> work) override {
-        const std::lock_guard lock(m_mutex);
-        m_work.push_back(std::move(work));
-    }
-    bool sync(std::function<void()>) override { return false; }
-
-    /// Runs one piece; false when none waits.
-    bool step() {
-        std::function<void()> work;
-        {
-            const std::lock_guard lock(m_mutex);
-            if (m_work.empty()) return false;
-            work = std::move(m_work.front());
-            m_work.pop_front();
-        }
-        work();
-        return true;
-    }
-
-private:
-    std::mutex m_mutex;
-    std::deque<std::function<void()>> m_work;  // guarded by m_mutex
-};
-
 /// One scan into a tree of its own; with the queue when it is given.
 struct ScanRun {
-    ScanRun(const FileSystem& files, const std::string& path, SteppedQueue* queue = nullptr)
+    ScanRun(const FileSystem& files, const std::string& path, ServedQueue* queue = nullptr)
         : tree(std::make_shared<FileNodeTree>(path)), scan({.files = &files, .mainQueue = queue}) {
         scan.eumeAllRootFileNodeWithRootArr(tree, path);
         if (queue == nullptr) scan.waitForEnd();
@@ -58,7 +30,7 @@ struct ScanRun {
 };
 
 /// Turns the queue until the scan has ended, for a minute at most; looks on after each turn.
-inline bool turnToEnd(const EumeRoot& scan, SteppedQueue& queue, const std::function<void()>& look = {}) {
+inline bool turnToEnd(const EumeRoot& scan, ServedQueue& queue, const std::function<void()>& look = {}) {
     const auto until = std::chrono::steady_clock::now() + std::chrono::minutes(1);
     while (!scan.isEnded() && std::chrono::steady_clock::now() < until) {
         if (!queue.step()) std::this_thread::yield();

@@ -26,19 +26,31 @@ public:
     }
     bool sync(std::function<void()> /*work*/) override { return false; }
 
+    /// Runs one piece; false when none waits.
+    bool step() {
+        std::function<void()> work;
+        {
+            const std::lock_guard guard(m_mutex);
+            if (m_work.empty()) return false;
+            work = std::move(m_work.front());
+            m_work.pop_front();
+        }
+        const auto begun = std::chrono::steady_clock::now();
+        work();
+        longest = std::max(longest, std::chrono::steady_clock::now() - begun);
+        ++turns;
+        return true;
+    }
+
     /// False when the condition does not hold within 20 seconds.
     bool serveUntil(const std::function<bool()>& condition) {
         const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(20);
         while (!condition()) {
-            std::unique_lock lock(m_mutex);
-            if (!m_changed.wait_until(lock, until, [this] { return !m_work.empty(); })) return false;
-            const auto work = std::move(m_work.front());
-            m_work.pop_front();
-            lock.unlock();
-            const auto begun = std::chrono::steady_clock::now();
-            work();
-            longest = std::max(longest, std::chrono::steady_clock::now() - begun);
-            ++turns;
+            {
+                std::unique_lock lock(m_mutex);
+                if (!m_changed.wait_until(lock, until, [this] { return !m_work.empty(); })) return false;
+            }
+            step();
         }
         return true;
     }

@@ -14,7 +14,7 @@ namespace orrinvale {
 namespace {
 
 using testing::ScanRun;
-using testing::SteppedQueue;
+using testing::ServedQueue;
 using testing::TestTree;
 
 const LinuxFileSystem files;
@@ -98,7 +98,7 @@ TEST(LargeFileOrder, isThatOfSortingAfterEachEntry) {
         const auto expected = PlainScan(tree.path()).lines();
         const ScanRun alone(files, tree.path());
         RC_ASSERT(testing::linesOf(*alone.tree) == expected);
-        SteppedQueue queue;
+        ServedQueue queue;
         const ScanRun stepped(files, tree.path(), &queue);
         RC_ASSERT(testing::turnToEnd(stepped.scan, queue));
         RC_ASSERT(testing::linesOf(*stepped.tree) == expected);

@@ -11,7 +11,7 @@ namespace {
 
 using testing::linesOf;
 using testing::ScanRun;
-using testing::SteppedQueue;
+using testing::ServedQueue;
 using testing::TestTree;
 
 const LinuxFileSystem files;
@@ -23,7 +23,7 @@ TEST(LargeFileStop, leavesATreeThatHoldsTogetherAndStaysAsItIs) {
     std::mt19937 random(11);
     int cutShort = 0;
     for (int round = 0; round < 60; ++round) {
-        SteppedQueue queue;
+        ServedQueue queue;
         ScanRun run(files, tree.path(), &queue);
         const std::uint64_t wanted = random() % 5000;
         for (int steps = static_cast<int>(random() % 4); steps > 0;) {
@@ -58,7 +58,7 @@ TEST(LargeFileStop, waitsForNoDisk) {
         isHeld = true;
         goOn.wait(false);
     };
-    SteppedQueue queue;
+    ServedQueue queue;
     ScanRun run(watched, tree.path(), &queue);
     const std::weak_ptr<FileNodeTree> weak = run.tree;
     while (!isHeld) std::this_thread::yield();

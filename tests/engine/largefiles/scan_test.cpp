@@ -13,7 +13,7 @@ namespace {
 
 using testing::linesOf;
 using testing::ScanRun;
-using testing::SteppedQueue;
+using testing::ServedQueue;
 using testing::TestTree;
 
 const LinuxFileSystem files;
@@ -93,7 +93,7 @@ TEST(LargeFileScan, ofWhateverPathWasChosen) {
                  {"empty", "", 0},          {"missing", "", 0},           {"loose", "", 0},
                  {"a/file/below", "", 0},   {"pipe", "/pipe 0\n", 0},     {"tofile", "/tofile 6\n", 0}};
     for (const auto& each : cases) {
-        SteppedQueue queue;
+        ServedQueue queue;
         const ScanRun run(files, tree.at(each.name), &queue);
         ASSERT_TRUE(testing::turnToEnd(run.scan, queue)) << each.name;
         EXPECT_EQ(told(run, tree), each.nodes) << each.name;
@@ -110,7 +110,7 @@ TEST(LargeFileScan, aWideTreeHoldsTogetherWhileItGrows) {
     for (int i = 0; i < 3000; ++i) ASSERT_TRUE(tree.write("file number " + std::to_string(i), "abc"));
     for (int i = 0; i < 1200; ++i) ASSERT_TRUE(tree.write("w/folder " + std::to_string(i) + "/x", "12345"));
     for (int round = 0; round < 10; ++round) {
-        SteppedQueue queue;
+        ServedQueue queue;
         const ScanRun run(files, tree.path(), &queue);
         float progress = 0;
         ASSERT_TRUE(testing::turnToEnd(run.scan, queue, [&] {
