@@ -1,4 +1,4 @@
-// orrinvale-cli: reads the command line and hands over to a command. The commands are listed in main(); each is a class of its own.
+// orrinvale-cli: reads the command line and hands over to a command. CommandSet lists them; each is a class of its own.
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -8,21 +8,13 @@
 #include <vector>
 
 #include "cli/Command.h"
-#include "cli/DuplicatesCommand.h"
-#include "cli/LargeCommand.h"
-#include "cli/Output.h"
-#include "cli/SizeCommand.h"
-#include "cli/VolumesCommand.h"
+#include "cli/CommandSet.h"
 #include "engine/base/Log.h"
-#include "platform/linux/LinuxFiles.h"
-#include "platform/linux/LinuxVolumes.h"
 
 namespace orrinvale::cli {
 namespace {
 
 constexpr std::string_view repeated = "...";
-
-using Commands = std::vector<std::unique_ptr<Command>>;
 
 std::string keyOf(std::string_view names) {
     std::string_view last = names.substr(names.rfind(',') == std::string_view::npos ? 0 : names.rfind(',') + 1);
@@ -89,13 +81,8 @@ struct Parser {
 };
 
 int run(int argc, char** argv) {
-    const LinuxFileSystem files;
-    Commands commands;
-    commands.push_back(std::make_unique<DuplicatesCommand>(files));
-    LinuxVolumes volumes;
-    commands.push_back(std::make_unique<VolumesCommand>(volumes));
-    commands.push_back(std::make_unique<SizeCommand>(files));
-    commands.push_back(std::make_unique<LargeCommand>(files));
+    const CommandSet set;
+    const Commands& commands = set.commands();
 
     Parser parser(commands);
     try {

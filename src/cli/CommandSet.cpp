@@ -1,0 +1,18 @@
+// CommandSet: see CommandSet.h.
+#include "cli/CommandSet.h"
+
+#include "cli/DuplicatesCommand.h"
+#include "cli/LargeCommand.h"
+#include "cli/SizeCommand.h"
+#include "cli/VolumesCommand.h"
+
+namespace orrinvale::cli {
+
+CommandSet::CommandSet() {
+    m_commands.push_back(std::make_unique<DuplicatesCommand>(m_files));
+    m_commands.push_back(std::make_unique<LargeCommand>(m_files));
+    m_commands.push_back(std::make_unique<SizeCommand>(m_files));
+    m_commands.push_back(std::make_unique<VolumesCommand>(m_volumes));
+}
+
+}  // namespace orrinvale::cli
