@@ -1,10 +1,12 @@
-// The window program: the system gate first, then the run that only touches memory, then the window.
-#include <QTimer>
+// The window program: the system gate first, then the run that only touches memory, then a word to the program that runs already,
+// and only then the window.
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <optional>
 #include <string>
 
+#include "app/ProgramArguments.h"
 #include "engine/base/Log.h"
 #include "engine/base/NotificationCenter.h"
 #include "engine/base/UtilityObject.h"
@@ -14,16 +16,20 @@
 #include "engine/settings/PreferenceViewController.h"
 #include "engine/settings/UserDefaults.h"
 #include "engine/text/UtilityFunction.h"
+#include "platform/instance.h"
 #include "platform/linux/LinuxAuthorization.h"
 #include "platform/linux/LinuxFiles.h"
 #include "platform/linux/LinuxPermissions.h"
 #include "platform/linux/LinuxSystem.h"
+#include "platform/linux/LinuxVolumes.h"
 #include "services/foundation/QtMainQueue.h"
+#include "services/lifecycle/EndSignals.h"
+#include "services/lifecycle/StartService.h"
 #include "services/settings/SettingsKeeper.h"
-#include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/dialogs/WindowDialogs.h"
 #include "ui/kit/look/Theme.h"
-#include "ui/shell/DuplicateMainWindowController.h"
+#include "ui/kit/look/picture.h"
+#include "ui/shell/AppDelegate.h"
 #include "ui/shell/FileIcons.h"
 #include "ui/shell/FileManager.h"
 #include "ui/shell/MyNSApplication.h"
@@ -31,6 +37,8 @@
 
 namespace orrinvale {
 namespace {
+
+constexpr auto busPatience = std::chrono::milliseconds(500);
 
 // Qt ends the process by abort() where it finds no display; a person in a terminal gets a sentence instead.
 bool hasDisplay() {
@@ -41,85 +49,122 @@ bool hasDisplay() {
     return false;
 }
 
-// There is no way yet to bring a closed window back, so the program ends with it: once nothing runs any more.
-class ProgramEnd final : public QObject, public DuplicateMainWindowControllerDelegate {
-public:
-    explicit ProgramEnd(const DuplicateMainWindowController& window) {
-        m_timer.setInterval(100);
-        connect(&m_timer, &QTimer::timeout, this, [this, &window] {
-            if (window.window()->isVisible()) m_timer.stop();
-            else if (window.sameFileDeleteVC()->bSearchFinished() && !isRemovingLarge(window)) QCoreApplication::quit();
-        });
-    }
-    void closeMainWindow() override { m_timer.start(); }
-
-private:
-    // The page is made when somebody wants it.
-    static bool isRemovingLarge(const DuplicateMainWindowController& window) {
-        return window.listFileVC() != nullptr && window.listFileVC()->isRemoving();
-    }
-
-    QTimer m_timer;
+// What the whole program shares. Never freed: a search or a removal may still be at its last file when the process ends.
+struct Shared {
+    LinuxFileSystem files;
+    LinuxPermissions permissions;
+    LinuxVolumes volumes;
+    LinuxAuthorization authorization;
+    NotificationCenter notifications;
+    QtMainQueue mainQueue;
+    WindowDialogs dialogs;
+    FileIcons icons;
 };
 
-int runWindow(int argc, char** argv) {
+void connectEngine(Shared& shared) {
+    UtilityFunction::getMyFunction().setNotificationCenter(&shared.notifications);
+    QnAuthorization& right = QnAuthorization::shareQnAuthorization();
+    right.setParts({.authorization = &shared.authorization,
+                    .files = &shared.files,
+                    .permissions = &shared.permissions,
+                    .ownFiles = programFiles()});
+    right.setRightLostHandler([&shared](AuthorizationRefusal /*reason*/) {
+        shared.mainQueue.async([&shared] {
+            UtilityObject::getMyObject().setIsOpenLocked(false);
+            shared.notifications.post("changeLockState");
+        });
+    });
+    Controller::getController().setParts({.files = &shared.files,
+                                          .mainQueue = &shared.mainQueue,
+                                          .ownFiles = programFiles(),
+                                          .reveal = revealInFileManager,
+                                          .openFolder = revealInFileManager});
+}
+
+AppDelegateParts delegateParts(Shared& shared, std::unique_ptr<ProgramInstance>& instance) {
+    return {.pages = {.files = &shared.files,
+                      .notifications = &shared.notifications,
+                      .defaults = &UserDefaults::standardUserDefaults(),
+                      .dialogs = &shared.dialogs,
+                      .mainQueue = &shared.mainQueue,
+                      .icons = [&shared](const IconRequest& request) { return shared.icons.icon(request); },
+                      .reveal = revealInFileManager,
+                      .openAddress = openWebPage},
+            .icons = &shared.icons,
+            .volumes = &shared.volumes,
+            .openFolder = openInFileManager,
+            .openGuide = openUserGuide,
+            .exitProcess =
+                [&instance](int status) {
+                    instance.reset();
+                    std::_Exit(status);
+                },
+            .endBySignal =
+                [&instance](int signal) {
+                    instance.reset();
+                    EndSignals::endBy(signal);
+                }};
+}
+
+int runWindow(int argc, char** argv, const StartRequest& request, std::unique_ptr<ProgramInstance> instance) {
     // A line for each file of a search would fill the desktop's journal; what is removed is always logged.
     Log::setEngineEnabled(qEnvironmentVariableIntValue("ORRINVALE_LOG") == 1);
+    // Who connects to a bus that hangs, hangs with it; and nobody shall start one in its place.
+    if (!sessionBusAnswers(busPatience)) qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
     MyNSApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Orrinvale"));
-    QGuiApplication::setDesktopFileName(QStringLiteral("com.kelpford.Orrinvale"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(ORRINVALE_VERSION));
+    QGuiApplication::setDesktopFileName(QString::fromLatin1(programBusName));
+    QGuiApplication::setQuitOnLastWindowClosed(false);  // a closed window waits to be opened again
     Theme::shared().setScheme(Theme::desktopScheme());
     Theme::shared().install(application);
     // It looks at every event, so that it is there only where somebody asks.
     std::optional<StallCounter> stalls;
     if (qEnvironmentVariableIntValue("ORRINVALE_STALLS") == 1) stalls.emplace(true);
 
-    // Never freed: a search or a removal that was told to stop may still be at its last file when the window is gone.
-    static const auto& files = *new LinuxFileSystem;
-    static const auto& permissions = *new LinuxPermissions;
-    static auto& notifications = *new NotificationCenter;
-    static auto& mainQueue = *new QtMainQueue;
-    static auto& authorization = *new LinuxAuthorization;
-    UtilityFunction::getMyFunction().setNotificationCenter(&notifications);
-    QnAuthorization& right = QnAuthorization::shareQnAuthorization();
-    right.setParts(
-        {.authorization = &authorization, .files = &files, .permissions = &permissions, .ownFiles = programFiles()});
-    Controller::getController().setParts({.files = &files,
-                                          .mainQueue = &mainQueue,
-                                          .ownFiles = programFiles(),
-                                          .reveal = revealInFileManager,
-                                          .openFolder = revealInFileManager});
-    right.setRightLostHandler([&](AuthorizationRefusal /*reason*/) {
-        mainQueue.async([&] {
-            UtilityObject::getMyObject().setIsOpenLocked(false);
-            notifications.post("changeLockState");
-        });
-    });
-
+    auto& shared = *new Shared;
+    connectEngine(shared);
     PreferenceViewController::initialize();
     UserDefaults& defaults = UserDefaults::standardUserDefaults();
     const SettingsKeeper keeper(defaults);
-    WindowDialogs dialogs;
-    FileIcons icons;
-    DuplicateMainWindowController window({.files = &files,
-                                          .notifications = &notifications,
-                                          .defaults = &defaults,
-                                          .dialogs = &dialogs,
-                                          .mainQueue = &mainQueue,
-                                          .icons = [&](const IconRequest& request) { return icons.icon(request); },
-                                          .reveal = revealInFileManager,
-                                          .openAddress = openWebPage},
-                                         icons);
-    ProgramEnd end(window);
-    window.setDelegate(&end);
-    window.showWindow();
-    // A folder on the command line is searched as if it had been dropped: by its full path, since what is relative is never removed.
-    if (argc > 1)
-        if (const auto folder = files.resolved(argv[1])) window.sameFileDeleteVC()->viewDragAction(*folder);
-    const int status = QApplication::exec();
-    Controller::getController().setParts({});
-    right.freeAuthorization();
-    return status;
+    AppDelegate delegate(delegateParts(shared, instance));
+    const EndSignals signals([&delegate](int signal) { delegate.endBySignal(signal); });
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, &delegate,
+                     [&defaults] { static_cast<void>(defaults.synchronize()); });
+    delegate.applicationWillFinishLaunching();
+    delegate.applicationDidFinishLaunching();
+    const StartService service(*instance, [&delegate](const StartRequest& each) { delegate.perform(each); });
+    if (request.kind != StartRequest::Kind::Activate) delegate.perform(request);
+    return QApplication::exec();
+}
+
+int start(int argc, char** argv) {
+    const ProgramArguments arguments = programArguments(argc, argv, LinuxFileSystem());
+    if (!arguments.fault.empty()) {
+        std::fprintf(stderr, "orrinvale: %s\n", arguments.fault.c_str());
+        return 2;
+    }
+    if (!arguments.toPrint.empty()) return std::fputs(arguments.toPrint.c_str(), stdout) < 0 ? 1 : 0;
+
+    auto instance = std::make_unique<ProgramInstance>();
+    switch (instance->begin(arguments.request)) {
+        case ProgramInstance::Start::First: break;
+        case ProgramInstance::Start::HandedOver: return 0;
+        case ProgramInstance::Start::Unanswered:
+            std::fputs("orrinvale: the running program has been told, and has not answered\n", stderr);
+            return 0;
+        case ProgramInstance::Start::NoWay:
+            std::fprintf(stderr, "orrinvale: it runs already (process %d), and can not be reached\n",
+                         instance->holder());
+            return 1;
+    }
+    if (arguments.request == StartRequest{StartRequest::Kind::Action, "quit", arguments.request.activationToken})
+        return 0;  // nothing runs
+    if (!hasDisplay()) {
+        std::fputs("orrinvale: there is no display here; use orrinvale-cli\n", stderr);
+        return 2;
+    }
+    return runWindow(argc, argv, arguments.request, std::move(instance));
 }
 
 }  // namespace
@@ -132,10 +177,5 @@ int main(int argc, char** argv) {
 
     const std::int32_t memoryRun = orrinvale::ClearMemory::freeMemory(argc, argv);
     if (memoryRun != -1) return memoryRun;
-
-    if (!orrinvale::hasDisplay()) {
-        std::fputs("orrinvale: there is no display here; use orrinvale-cli\n", stderr);
-        return 2;
-    }
-    return orrinvale::runWindow(argc, argv);
+    return orrinvale::start(argc, argv);
 }

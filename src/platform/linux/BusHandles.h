@@ -42,4 +42,8 @@ private:
     return static_cast<std::uint64_t>(std::chrono::microseconds(time).count());
 }
 
+/// Waits until the bus has greeted this connection, which has been opened and has sent nothing; false when it has not within the time.
+/// Whoever calls without asking this first may wait for half a minute on a bus that hangs.
+[[nodiscard]] bool becomesReady(sd_bus& bus, std::chrono::milliseconds patience);
+
 }  // namespace orrinvale

@@ -79,6 +79,8 @@ public:
     [[nodiscard]] bool duplicateScaned() const { return m_duplicateScaned; }
     void setDuplicateScaned(bool scaned) { m_duplicateScaned = scaned; }
     [[nodiscard]] bool bSearchFinished() const { return m_bSearchFinished; }
+    /// From the person's yes to the end of the removal.
+    [[nodiscard]] bool isRemoving() const { return m_removalTimer.isActive(); }
     [[nodiscard]] const std::string& searchPath() const { return m_searchPath; }
 
     /// Searches a folder, as if it had been dropped. Does nothing when it is none, or while something runs.

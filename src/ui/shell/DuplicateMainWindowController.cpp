@@ -3,14 +3,18 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QMenu>
 #include <QShortcut>
 #include <QVBoxLayout>
 
+#include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/chrome/TitleBarView.h"
 #include "ui/kit/chrome/ToplineView.h"
 #include "ui/kit/chrome/WindowButton.h"
 #include "ui/kit/look/Theme.h"
+#include "ui/kit/look/picture.h"
+#include "ui/shell/ApplicationMenu.h"
 #include "ui/shell/PreviewWindow.h"
 #include "ui/shell/TitleTab.h"
 
@@ -20,6 +24,7 @@ namespace {
 constexpr int topButtonShift = 15;
 constexpr int titleBarHeight = 62;
 constexpr int leftMargin = 8;
+constexpr int menuSide = 20;
 constexpr QSize smallest{800, 506};
 constexpr QSize largest{1200, 900};
 
@@ -85,15 +90,36 @@ void DuplicateMainWindowController::addTabs() {
     m_fileListButton = makeTab(tr("Large File Finder"), "fileListButton", &Self::selectFileListButtonAction);
     // The three window buttons stand on the left; as much is left free on the right, so that the tabs are in the middle.
     constexpr int buttonsWidth = leftMargin + 3 * WindowButton::side + 2 * Theme::gapSmall;
+    constexpr int rightMargin = Theme::gapLarge;
     auto* const row = new QHBoxLayout(&bar);
-    row->setContentsMargins(buttonsWidth, 0, buttonsWidth, 0);
+    row->setContentsMargins(buttonsWidth, 0, rightMargin, 0);
     row->setSpacing(0);
     row->addWidget(m_titleLabel);
     row->addStretch(1);
     row->addWidget(m_duplicateButton, 0, Qt::AlignBottom);
     row->addWidget(m_fileListButton, 0, Qt::AlignBottom);
     row->addStretch(1);
-    row->addSpacing(m_titleLabel->sizeHint().width());
+    // What stands left of the tabs is as wide as what stands right of them.
+    m_menuButton = new HoverButton(&bar);
+    m_menuButton->setObjectName(QStringLiteral("menuButton"));
+    m_menuButton->setIcon(picture(QStringLiteral("menu")));
+    m_menuButton->setIconSize({menuSide, menuSide});
+    m_menuButton->setAccessibleName(tr("Menu"));
+    m_menuButton->setToolTip(tr("Menu (F10)"));
+    m_menuButton->hide();
+    row->addSpacing(m_titleLabel->sizeHint().width() + buttonsWidth - rightMargin - m_menuButton->sizeHint().width());
+    row->addWidget(m_menuButton);
+}
+
+void DuplicateMainWindowController::setApplicationMenu(ApplicationMenu& menu) {
+    const auto open = [this, &menu] {
+        const QSize size = menu.menu()->sizeHint();
+        menu.menu()->popup(m_menuButton->mapToGlobal(QPoint(m_menuButton->width() - size.width(), m_menuButton->height())));
+    };
+    connect(m_menuButton, &QAbstractButton::clicked, this, open);
+    connect(new QShortcut(QKeySequence(Qt::Key_F10), m_aWindow.get()), &QShortcut::activated, this, open);
+    menu.addKeysTo(*m_aWindow);
+    m_menuButton->show();
 }
 
 TitleTab* DuplicateMainWindowController::makeTab(const QString& title, const char* name,

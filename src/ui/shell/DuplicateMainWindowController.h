@@ -13,7 +13,9 @@ class QLabel;
 
 namespace orrinvale {
 
+class ApplicationMenu;
 class FileIcons;
+class HoverButton;
 class PreviewWindow;
 class TCImageWindow;
 class TitleTab;
@@ -50,6 +52,9 @@ public:
 
     void setDelegate(DuplicateMainWindowControllerDelegate* delegate) { m_delegate = delegate; }  ///< not owned
 
+    /// Opens at the right end of the title bar; its keys work in this window. It outlives the window.
+    void setApplicationMenu(ApplicationMenu& menu);
+
     /// Brings the window to the front.
     void showWindow();
 
@@ -85,6 +90,7 @@ private:
     QPointer<TitleTab> m_duplicateButton;
     QPointer<TitleTab> m_fileListButton;
     QPointer<QLabel> m_titleLabel;
+    QPointer<HoverButton> m_menuButton;
     QPointer<PreviewWindow> m_previewPanel;
     const ListFileParts m_listFileParts;
     std::unique_ptr<SameFileDeleteViewController> m_sameFileDeleteVC;

@@ -1,31 +1,36 @@
 // FileManager: see FileManager.h.
 #include "ui/shell/FileManager.h"
 
+#include <fmt/format.h>
+#include <sys/stat.h>
+
+#include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDesktopServices>
+#include <QDir>
+#include <QFileInfo>
 #include <QStringList>
 #include <QUrl>
 
 #include "engine/base/Log.h"
+#include "platform/FileUrl.h"
+#include "platform/paths.h"
 
 namespace orrinvale {
 namespace {
 
-// Each byte that an address may not hold is written as %XX, so that a name in any encoding comes through.
-QString fileAddress(const std::string& path) {
-    const QByteArray bytes(path.data(), static_cast<qsizetype>(path.size()));
-    return QStringLiteral("file://") + QString::fromLatin1(bytes.toPercentEncoding(QByteArrayLiteral("/")));
+QString fileAddress(const std::string& path) { return QString::fromStdString(fileUrlOf(path)); }
+
+bool openAddress(const std::string& path) {
+    if (QDesktopServices::openUrl(QUrl(fileAddress(path), QUrl::StrictMode))) return true;
+    Log::line(fmt::format("Nothing could be started to open {}.", path));
+    return false;
 }
 
-void openFolderOf(const std::string& path) {
-    const std::size_t cut = path.find_last_of('/');
-    const std::string folder = cut == 0 || cut == std::string::npos ? "/" : path.substr(0, cut);
-    const QUrl address(fileAddress(folder), QUrl::StrictMode);
-    if (!QDesktopServices::openUrl(address)) Log::line("No file manager could be started.");
-}
+void openFolderOf(const std::string& path) { openAddress(folderOf(path)); }
 
 }  // namespace
 
@@ -47,6 +52,18 @@ void revealInFileManager(const std::string& path) {
         if (reply.isError()) openFolderOf(path);
         watcher->deleteLater();
     });
+}
+
+bool openInFileManager(const std::string& path) {
+    struct stat folder {};
+    if (::stat(path.c_str(), &folder) != 0 || !S_ISDIR(folder.st_mode)) return false;
+    return openAddress(path);
+}
+
+bool openUserGuide() {
+    const QString guide = QDir::cleanPath(QCoreApplication::applicationDirPath() +
+                                          QStringLiteral("/../share/orrinvale/guide/user-guide.html"));
+    return QFileInfo::exists(guide) && QDesktopServices::openUrl(QUrl::fromLocalFile(guide));
 }
 
 void openWebPage(const QString& address) {

@@ -10,6 +10,14 @@ namespace orrinvale {
 /// that it lies in. Returns at once. Exact bytes. Main thread only.
 void revealInFileManager(const std::string& path);
 
+/// Opens the folder itself. False when it is none, or nothing here could open it; true says that somebody was asked to. Returns at
+/// once. Exact bytes. Main thread only.
+[[nodiscard]] bool openInFileManager(const std::string& path);
+
+/// Opens the user guide that lies beside the program (../share/orrinvale/guide) in the desktop's browser. False when it is not there or
+/// nothing could be started. Main thread only.
+[[nodiscard]] bool openUserGuide();
+
 /// Opens an https address in the desktop's browser; any other address does nothing. Returns at once. Main thread only.
 void openWebPage(const QString& address);
 

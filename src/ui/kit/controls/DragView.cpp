@@ -13,7 +13,7 @@
 #include <system_error>
 
 #include "engine/base/Log.h"
-#include "ui/kit/controls/FileUrl.h"
+#include "platform/FileUrl.h"
 #include "ui/kit/look/Theme.h"
 
 namespace orrinvale {

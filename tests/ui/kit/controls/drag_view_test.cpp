@@ -15,7 +15,7 @@
 #include "support/LogLines.h"
 #include "support/TestTree.h"
 #include "ui/kit/controls/DragView.h"
-#include "ui/kit/controls/FileUrl.h"
+#include "platform/FileUrl.h"
 
 namespace orrinvale {
 namespace {

@@ -1,4 +1,4 @@
-// FileUrl: the bytes of a path out of what a file manager writes down for a dragged file. DragView.cpp uses it.
+// FileUrl: the bytes of a path out of the address that desktops write down for a file, and back.
 #pragma once
 
 #include <optional>
@@ -14,5 +14,9 @@ namespace orrinvale {
 
 /// The first local path of a list as RFC 2483 has it: one address a line, comments begin with '#'.
 [[nodiscard]] std::optional<std::string> firstLocalPath(std::string_view uriList);
+
+/// The address of an absolute path. Each byte that an address may not hold is written as %XX, so that a name in any encoding comes
+/// through.
+[[nodiscard]] std::string fileUrlOf(std::string_view path);
 
 }  // namespace orrinvale

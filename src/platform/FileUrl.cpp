@@ -1,6 +1,7 @@
 // FileUrl: see FileUrl.h. Written by hand since QUrl::toLocalFile() goes through Unicode and loses names that are no UTF-8.
-#include "ui/kit/controls/FileUrl.h"
+#include "platform/FileUrl.h"
 
+#include <fmt/format.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -60,6 +61,18 @@ std::optional<std::string> pathOfFileUrl(std::string_view url) {
     if (!path.starts_with('/') || path.find('\0') != std::string::npos) return std::nullopt;
     while (path.size() > 1 && path.ends_with('/')) path.pop_back();
     return path;
+}
+
+std::string fileUrlOf(std::string_view path) {
+    constexpr std::string_view asTheyStand = "-._~/";  // beside letters and digits: RFC 3986
+    std::string url = "file://";
+    for (const char byte : path) {
+        const bool isAlphanumeric =
+            (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9');
+        if (isAlphanumeric || asTheyStand.find(byte) != std::string_view::npos) url += byte;
+        else url += fmt::format("%{:02X}", static_cast<unsigned char>(byte));
+    }
+    return url;
 }
 
 std::optional<std::string> firstLocalPath(std::string_view uriList) {

@@ -1,0 +1,84 @@
+// VolumeWorker: see VolumeWorker.h.
+#include "services/volumes/VolumeWorker.h"
+
+#include <algorithm>
+#include <deque>
+#include <mutex>
+#include <thread>
+#include <utility>
+
+#include "engine/base/MainQueue.h"
+#include "engine/volumes/VolumesInfo.h"
+
+namespace orrinvale {
+
+// A request runs on the worker's thread and gives back what is to be done with its result on the main one.
+struct VolumeWorker::Shared {
+    using Request = std::function<std::function<void()>(Volumes&)>;
+
+    Shared(Volumes& volumes, MainQueue& queue) : platform(volumes), mainQueue(queue) {}
+
+    Volumes& platform;
+    MainQueue& mainQueue;
+    std::mutex mutex;  // guards what follows
+    std::deque<Request> requests;
+    bool isRunning = false;
+    bool isOver = false;
+
+    // The next request; none, and the thread is told off, when nothing waits.
+    Request next() {
+        const std::lock_guard lock(mutex);
+        if (isOver) requests.clear();
+        isRunning = !requests.empty();
+        if (!isRunning) return nullptr;
+        Request first = std::move(requests.front());
+        requests.pop_front();
+        return first;
+    }
+
+    static void work(const std::shared_ptr<Shared>& self) {
+        while (const Request request = self->next())
+            self->mainQueue.async([self, answer = request(self->platform)] {
+                if (!self->isEnded()) answer();
+            });
+    }
+
+    bool isEnded() {
+        const std::lock_guard lock(mutex);
+        return isOver;
+    }
+};
+
+VolumeWorker::VolumeWorker(Volumes& platform, MainQueue& mainQueue)
+    : m_shared(std::make_shared<Shared>(platform, mainQueue)) {}
+
+VolumeWorker::~VolumeWorker() {
+    const std::lock_guard lock(m_shared->mutex);
+    m_shared->isOver = true;
+}
+
+void VolumeWorker::add(Shared::Request request) {
+    const std::lock_guard lock(m_shared->mutex);
+    m_shared->requests.push_back(std::move(request));
+    if (std::exchange(m_shared->isRunning, true)) return;
+    // Let go of: the process may end while a medium is still being written.
+    std::thread([shared = m_shared] { Shared::work(shared); }).detach();
+}
+
+void VolumeWorker::ejectAllVolumes(Ejected ended) {
+    add([ended = std::move(ended)](Volumes& platform) -> std::function<void()> {
+        VolumesManager manager(platform, {});
+        const std::int32_t status = manager.ejectAllVolumes();
+        return [ended, status, failures = manager.failures()] { ended(status, failures); };
+    });
+}
+
+void VolumeWorker::hasEjectable(std::function<void(bool)> answered) {
+    add([answered = std::move(answered)](Volumes& platform) -> std::function<void()> {
+        VolumesInfo info(platform);
+        const bool has = std::ranges::any_of(info.volsArray(), [](const auto& each) { return each->bCanEject; });
+        return [answered, has] { answered(has); };
+    });
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,41 @@
+// VolumeWorker: ejects volumes without holding the window up. engine/volumes/VolumesManager.h does the work.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "engine/volumes/VolumesManager.h"
+
+namespace orrinvale {
+
+class MainQueue;
+
+/// Requests are worked off one after another on a thread of their own, and answered on the main queue in their order: ejecting may
+/// take minutes where a medium has a lot to write. Main thread only. When the object ends, what has begun goes on, what waits is
+/// dropped, and nothing is answered any more.
+class VolumeWorker final {
+public:
+    using Ejected = std::function<void(std::int32_t status, const std::vector<EjectFailure>& failures)>;
+
+    /// Both outlive the process's last request.
+    VolumeWorker(Volumes& platform, MainQueue& mainQueue);
+    ~VolumeWorker();
+    VolumeWorker(const VolumeWorker&) = delete;
+    VolumeWorker& operator=(const VolumeWorker&) = delete;
+
+    /// As VolumesManager::ejectAllVolumes().
+    void ejectAllVolumes(Ejected ended);
+
+    /// Whether there is anything to eject at the moment.
+    void hasEjectable(std::function<void(bool)> answered);
+
+private:
+    struct Shared;
+    void add(std::function<std::function<void()>(Volumes&)> request);
+
+    const std::shared_ptr<Shared> m_shared;
+};
+
+}  // namespace orrinvale

@@ -1,0 +1,187 @@
+// AppDelegate: see AppDelegate.h.
+#include "ui/shell/AppDelegate.h"
+
+#include <QDeadlineTimer>
+#include <utility>
+
+#include "engine/base/Log.h"
+#include "engine/largefiles/Controller.h"
+#include "engine/settings/PreferenceViewController.h"
+#include "engine/settings/SettingsKeys.h"
+#include "engine/settings/UserDefaults.h"
+#include "engine/text/UtilityFunction.h"
+#include "services/volumes/WatchMountUnmount.h"
+#include "services/volumes/WorkspaceMounts.h"
+#include "ui/kit/chrome/TCImageWindow.h"
+#include "ui/kit/dialogs/Dialogs.h"
+#include "ui/preferences/AppPrefsWindowController.h"
+#include "ui/shell/ApplicationMenu.h"
+
+namespace orrinvale {
+namespace {
+
+constexpr int endPatience = 1000;  // milliseconds that a removal has to finish the entry that it is at
+constexpr int endPause = 10;
+
+}  // namespace
+
+AppDelegate::AppDelegate(AppDelegateParts parts, QObject* parent)
+    : QObject(parent),
+      m_parts(std::move(parts)),
+      m_menu(std::make_unique<ApplicationMenu>(ApplicationMenu::Actions{.openAboutWindow = [this] { openAboutWindow(); },
+                                                                        .Reference = [this] { Reference(); },
+                                                                        .CheckupdateMenuItemAction = {},
+                                                                        .showPages = [this] { showPages(); },
+                                                                        .rejestAllDisk = [this] { rejestAllDisk(); },
+                                                                        .help = [this] { help(); },
+                                                                        .quit = [this] { quit(); }})),
+      m_volumeWorker(*m_parts.volumes, *m_parts.pages.mainQueue) {
+    connect(m_menu.get(), &ApplicationMenu::opened, this, [this] { refMenuItemWhenDeleteAndAdd(); });
+}
+
+AppDelegate::~AppDelegate() = default;
+
+void AppDelegate::applicationWillFinishLaunching() {
+    m_isOpenWindow = true;
+    showMainWindow();
+}
+
+void AppDelegate::applicationDidFinishLaunching() {
+    registNSnotification();
+    addMainFuction();
+}
+
+void AppDelegate::registNSnotification() {
+    const auto observe = [this](const char* name, void (AppDelegate::*handler)(const Notification&)) {
+        m_observations.push_back(m_parts.pages.notifications->addObserver(
+            name, [this, handler](const Notification& notification) { (this->*handler)(notification); }));
+    };
+    observe(ZvVolumeMountNotification, &AppDelegate::ZvVolumeMountNotificationCall);
+    observe(ZvVolumeUnmountNotification, &AppDelegate::ZvVolumeUnmountNotificationCall);
+    observe("openFinderWhenClickItems", &AppDelegate::openFinderWhenClickItems);
+    m_observations.push_back(m_parts.pages.notifications->addObserver(
+        "refMenuItemWhenDeleteAndAdd", [this](const Notification&) { refMenuItemWhenDeleteAndAdd(); }));
+}
+
+void AppDelegate::addMainFuction() {
+    PreferenceViewController::setLastClickRow(0);
+    UtilityFunction::callSelectNotificationForMainWindowLeft(PreferenceViewController::getLastClickRow());
+    m_workspace = std::make_unique<WorkspaceMounts>();
+    m_watchMu = std::make_unique<WatchMountUnmount>(m_workspace->notificationCenter(), *m_parts.pages.notifications);
+    m_voluInfo = std::make_unique<VolumesInfo>(*m_parts.volumes);
+    m_voluManager = std::make_unique<VolumesManager>(*m_parts.volumes, m_parts.openFolder);
+    refMenuItemWhenDeleteAndAdd();
+    if (!m_parts.pages.defaults->boolForKey(ZvLoginCheckKey)) UtilityFunction::callSelectNotificationForMainWindowLeft(0);
+}
+
+void AppDelegate::perform(const StartRequest& request) {
+    // Read by the window system when the window asks for the keyboard.
+    if (!request.activationToken.empty())
+        qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(request.activationToken));
+    if (request.kind == StartRequest::Kind::Action && request.text == "quit") {
+        quit();
+        return;
+    }
+    handleReopenAppEvent();
+    if (request.kind == StartRequest::Kind::Open) {
+        m_duplicateMWC->selectDuplicateButtonAction();
+        m_duplicateMWC->sameFileDeleteVC()->viewDragAction(request.text);
+    } else if (request.text == "duplicates") {
+        m_duplicateMWC->selectDuplicateButtonAction();
+    } else if (request.text == "large-files") {
+        m_duplicateMWC->selectFileListButtonAction();
+    } else if (request.text == "eject-all") {
+        rejestAllDisk();
+    } else if (request.kind == StartRequest::Kind::Action) {
+        Log::line(fmt::format("There is no action \"{}\".", request.text));
+    }
+}
+
+void AppDelegate::openMainWindow() {
+    if (!m_isOpenWindow || m_isLeaving) return;
+    if (!m_duplicateMWC) {
+        m_duplicateMWC = std::make_unique<DuplicateMainWindowController>(m_parts.pages, *m_parts.icons);
+        m_duplicateMWC->setDelegate(this);
+        m_duplicateMWC->setApplicationMenu(*m_menu);
+    }
+    m_duplicateMWC->showWindow();
+}
+
+void AppDelegate::showMainWindowWhenClickMenuItem() {
+    m_isOpenWindow = true;
+    openMainWindow();
+}
+
+void AppDelegate::handleReopenAppEvent() {
+    m_isOpenWindow = true;
+    showMainWindow();
+}
+
+void AppDelegate::closeMainWindow() { m_isOpenWindow = false; }
+
+QWidget* AppDelegate::window() const { return m_duplicateMWC ? m_duplicateMWC->window() : nullptr; }
+
+void AppDelegate::quit() {
+    leave([this] { m_parts.exitProcess(1); });
+}
+
+void AppDelegate::endBySignal(int signal) {
+    leave([this, signal] { m_parts.endBySignal(signal); });
+}
+
+bool AppDelegate::isRemoving() const {
+    if (!m_duplicateMWC) return false;
+    const ListFileViewController* const large = m_duplicateMWC->listFileVC();
+    return m_duplicateMWC->sameFileDeleteVC()->isRemoving() || (large != nullptr && large->isRemoving());
+}
+
+// Nothing is unwound: threads may still be at work. What they remove goes entry by entry, and each stands as a whole or is gone; so
+// only an entry under way is worth a moment.
+void AppDelegate::leave(std::function<void()> last) {
+    if (std::exchange(m_isLeaving, true)) return;
+    const auto end = [this, last = std::move(last)] {
+        // A failure is logged there; there is nobody left to be asked.
+        static_cast<void>(m_parts.pages.defaults->synchronize());
+        last();
+    };
+    if (!isRemoving()) {
+        end();
+        return;
+    }
+    m_duplicateMWC->sameFileDeleteVC()->stopRemoveBtnClicked();
+    Controller::getController().stopRemove();
+    window()->hide();
+    connect(&m_leaving, &QTimer::timeout, this, [this, end, patience = QDeadlineTimer(endPatience)] {
+        if (!isRemoving() || patience.hasExpired()) end();
+    });
+    m_leaving.start(endPause);
+}
+
+void AppDelegate::openAboutWindow() {
+    handleReopenAppEvent();
+    Alert about;
+    about.title = QStringLiteral("Orrinvale " ORRINVALE_VERSION);
+    about.text = tr("Finds duplicates, shows what is large, and removes what you tick: that and nothing else.\n\n"
+                    "Free software under the Apache License 2.0.");
+    about.picture = QStringLiteral("appicon");
+    m_parts.pages.dialogs->alert(window(), about, [](int) {});
+}
+
+void AppDelegate::showPages() { AppPrefsWindowController::sharedPrefsWindowController().showWindow(); }
+
+void AppDelegate::Reference() {
+    auto& pages = AppPrefsWindowController::sharedPrefsWindowController();
+    pages.showWindow();
+    pages.displayViewForIdentifier(QStringLiteral("preferences"), true);
+}
+
+void AppDelegate::help() {
+    if (m_parts.openGuide()) return;
+    handleReopenAppEvent();
+    Alert missing;
+    missing.title = tr("The user guide could not be opened.");
+    missing.text = tr("It is installed together with the program, and shown by your web browser.");
+    m_parts.pages.dialogs->alert(window(), missing, [](int) {});
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,119 @@
+// AppDelegate: the life of the program, from its window at launch to its end, and what it does when volumes come and go.
+// AppDelegateVolumes.cpp has the volumes.
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "engine/base/NotificationCenter.h"
+#include "engine/volumes/VolumesInfo.h"
+#include "engine/volumes/VolumesManager.h"
+#include "platform/StartRequest.h"
+#include "services/volumes/VolumeWorker.h"
+#include "ui/duplicates/SameFileDeleteViewController.h"
+#include "ui/shell/DuplicateMainWindowController.h"
+
+class QLabel;
+
+namespace orrinvale {
+
+class ApplicationMenu;
+class WatchMountUnmount;
+class WorkspaceMounts;
+
+/// What the delegate works with. Nothing of it is owned; all of it outlives the delegate.
+struct AppDelegateParts {
+    SameFileDeleteParts pages;
+    FileIcons* icons = nullptr;
+    Volumes* volumes = nullptr;
+    std::function<bool(const std::string& path)> openFolder;  ///< in the desktop's file manager; false when it can not
+    std::function<bool()> openGuide;                          ///< false when it is not installed
+    std::function<void(int status)> exitProcess;  ///< ends the process where it stands
+    std::function<void(int signal)> endBySignal;  ///< the same, so that who sent the signal sees that it worked
+};
+
+/// The operations are called in the order of the declarations: the launch first. Main thread only.
+class AppDelegate final : public QObject, private DuplicateMainWindowControllerDelegate {
+    Q_OBJECT
+public:
+    explicit AppDelegate(AppDelegateParts parts, QObject* parent = nullptr);
+    ~AppDelegate() override;
+
+    /// The main window is on the screen first of all, before any volume is looked at.
+    void applicationWillFinishLaunching();
+    void applicationDidFinishLaunching();
+
+    void registNSnotification();
+    void addMainFuction();
+
+    /// What a start of the program asks for: the first one, and later ones that were handed over.
+    void perform(const StartRequest& request);
+
+    /// Does nothing unless the window may be opened. The window is made at the first call and lives on when it is closed.
+    void openMainWindow();
+    void showMainWindow() { openMainWindow(); }
+    void showMainWindowWhenClickMenuItem();
+    void handleReopenAppEvent();
+
+    [[nodiscard]] bool isOpenWindow() const { return m_isOpenWindow; }
+    [[nodiscard]] DuplicateMainWindowController* duplicateMWC() const { return m_duplicateMWC.get(); }  ///< null before
+    [[nodiscard]] ApplicationMenu& menu() const { return *m_menu; }
+
+    /// Ends the process with status 1. A removal under way stops before the next entry; nobody waits for it longer than a second.
+    void quit();
+    /// The same, as that signal ends a process.
+    void endBySignal(int signal);
+
+    // The application menu.
+    void openAboutWindow();
+    void Reference();
+    void showPages();
+    void help();
+
+    // Volumes.
+    void ZvVolumeMountNotificationCall(const Notification& notification);
+    void ZvVolumeUnmountNotificationCall(const Notification& notification);
+    void ZvCommVolumeNottification(const Notification& notification, const std::string& withInfo);
+    /// "Eject All". Returns at once; what stayed is told over the main window.
+    void rejestAllDisk();
+    /// The object of the notice is the path, a std::string.
+    void openFinderWhenClickItems(const Notification& notification);
+    /// The boot volume of a new walk; null when there is none.
+    [[nodiscard]] std::shared_ptr<ZvVolumeInfo> getBootVolume();
+
+    /// The sentence about a volume that was "mounted" or "unmounted".
+    [[nodiscard]] static std::string volumeSentence(const Notification& notification, const std::string& word);
+
+private:
+    void closeMainWindow() override;
+    void refMenuItemWhenDeleteAndAdd();
+    void ejectionEnded(std::int32_t status, const std::vector<EjectFailure>& failures);
+    void bubbleViewWith(std::unique_ptr<QLabel> view, std::unique_ptr<QLabel> withBView = nullptr);
+    void leave(std::function<void()> last);
+    [[nodiscard]] bool isRemoving() const;
+    [[nodiscard]] QWidget* window() const;
+
+    AppDelegateParts m_parts;
+    std::vector<NotificationCenter::Observation> m_observations;
+    std::unique_ptr<ApplicationMenu> m_menu;
+    std::unique_ptr<DuplicateMainWindowController> m_duplicateMWC;
+    VolumeWorker m_volumeWorker;
+    std::unique_ptr<WorkspaceMounts> m_workspace;
+    std::unique_ptr<WatchMountUnmount> m_watchMu;
+    std::unique_ptr<VolumesInfo> m_voluInfo;
+    std::unique_ptr<VolumesManager> m_voluManager;
+    std::vector<std::shared_ptr<ZvVolumeInfo>> m_volsInfo;
+    bool m_isOpenWindow = false;
+    bool m_isEjecting = false;
+    bool m_isLeaving = false;
+    QTimer m_leaving;
+};
+
+}  // namespace orrinvale

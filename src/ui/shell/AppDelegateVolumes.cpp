@@ -1,0 +1,114 @@
+// The volumes of AppDelegate: what is said and done when they come and go. See AppDelegate.h.
+#include <fmt/format.h>
+
+#include <QLabel>
+#include <algorithm>
+
+#include "engine/text/Localized.h"
+#include "ui/kit/controls/pathText.h"
+#include "ui/kit/dialogs/Dialogs.h"
+#include "ui/shell/AppDelegate.h"
+#include "ui/shell/ApplicationMenu.h"
+
+namespace orrinvale {
+namespace {
+
+constexpr const char* volumeNameKey = "NSWorkspaceVolumeLocalizedNameKey";
+
+// A field of a note: white, bold, on the colour of controls.
+std::unique_ptr<QLabel> noteField(const std::string& text) {
+    auto field = std::make_unique<QLabel>(QString::fromStdString(text));
+    field->setTextFormat(Qt::PlainText);
+    field->setGeometry(10, 5, 200, 40);
+    QFont font(QStringLiteral("Lucida Grande"));
+    font.setPixelSize(13);
+    font.setBold(true);
+    field->setFont(font);
+    QPalette palette = field->palette();
+    palette.setColor(QPalette::WindowText, Qt::white);
+    field->setPalette(palette);
+    return field;
+}
+
+}  // namespace
+
+void AppDelegate::ZvVolumeMountNotificationCall(const Notification& notification) {
+    ZvCommVolumeNottification(notification, "mounted");
+}
+
+void AppDelegate::ZvVolumeUnmountNotificationCall(const Notification& notification) {
+    ZvCommVolumeNottification(notification, "unmounted");
+}
+
+std::string AppDelegate::volumeSentence(const Notification& notification, const std::string& word) {
+    const auto found = notification.userInfo.find(volumeNameKey);
+    const auto* const name =
+        found == notification.userInfo.end() ? nullptr : std::any_cast<std::string>(&found->second);
+    const std::string shown = name == nullptr || name->empty() ? "You disk" : *name;
+    return fmt::format("{} is {} successfully!", shown, word);
+}
+
+void AppDelegate::ZvCommVolumeNottification(const Notification& notification, const std::string& withInfo) {
+    bubbleViewWith(noteField(volumeSentence(notification, withInfo)));
+    m_parts.pages.notifications->post("refMenuItemWhenDeleteAndAdd");
+    m_parts.pages.notifications->post("updateSizeView");
+}
+
+// The notes of the delegate are put together and pass without a window of their own: a volume that comes or goes is seen where
+// volumes are shown.
+void AppDelegate::bubbleViewWith(std::unique_ptr<QLabel> view, std::unique_ptr<QLabel> withBView) {
+    QWidget container;
+    container.resize(withBView ? 280 : 220, 50);
+    for (auto* const each : {&view, &withBView})
+        if (*each) each->release()->setParent(&container);
+}
+
+void AppDelegate::rejestAllDisk() {
+    if (m_isEjecting) return;
+    m_isEjecting = true;
+    m_menu->setCanEject(false);
+    m_volumeWorker.ejectAllVolumes([this](std::int32_t status, const std::vector<EjectFailure>& failures) {
+        m_isEjecting = false;
+        ejectionEnded(status, failures);
+    });
+}
+
+void AppDelegate::ejectionEnded(std::int32_t status, const std::vector<EjectFailure>& failures) {
+    if (status < 0) {
+        noteField(getLocalizedString("NO_HAVE_REMOVABLE"));
+        return;
+    }
+    refMenuItemWhenDeleteAndAdd();
+    if (failures.empty()) return;
+    handleReopenAppEvent();
+    QStringList lines;
+    for (const EjectFailure& each : failures) lines.push_back(onOneLine(QString::fromStdString(ejectFailureText(each))));
+    Alert alert;
+    alert.title = tr("Not every volume could be ejected.");
+    alert.text = lines.join(QLatin1Char('\n'));
+    alert.severity = Alert::Severity::Warning;
+    m_parts.pages.dialogs->alert(window(), alert, [](int) {});
+}
+
+// The menu is told what there is to eject; the walk that finds out runs elsewhere, since a server that is gone takes its time.
+void AppDelegate::refMenuItemWhenDeleteAndAdd() {
+    m_volumeWorker.hasEjectable([this](bool has) { m_menu->setCanEject(has && !m_isEjecting); });
+}
+
+void AppDelegate::openFinderWhenClickItems(const Notification& notification) {
+    const auto* const path = std::any_cast<std::string>(&notification.object);
+    if (m_voluManager->openVolRootDir(path != nullptr ? std::optional(*path) : std::nullopt)) return;
+    handleReopenAppEvent();
+    Alert alert;
+    alert.title = QString::fromStdString(getLocalizedString("CANNOT_OPEN_FINDER"));
+    alert.severity = Alert::Severity::Critical;
+    m_parts.pages.dialogs->alert(window(), alert, [](int) {});
+}
+
+std::shared_ptr<ZvVolumeInfo> AppDelegate::getBootVolume() {
+    m_volsInfo = m_voluInfo->getAllVolsInfo();
+    const auto boot = std::ranges::find_if(m_volsInfo, [](const auto& each) { return each->bIsDefaultVol; });
+    return boot == m_volsInfo.end() ? nullptr : *boot;
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,46 @@
+// ApplicationMenu: see ApplicationMenu.h.
+#include "ui/shell/ApplicationMenu.h"
+
+#include <QAction>
+#include <QMenu>
+
+namespace orrinvale {
+
+ApplicationMenu::ApplicationMenu(Actions actions, QObject* parent) : QObject(parent), m_menu(std::make_unique<QMenu>()) {
+    m_menu->setObjectName(QStringLiteral("applicationMenu"));
+    add("about", tr("About Orrinvale"), {}, actions.openAboutWindow);
+    m_menu->addSeparator();
+    m_preferences = add("Reference", tr("Preferences…"), QKeySequence(Qt::CTRL | Qt::Key_Comma), actions.Reference);
+    add("checkUpdate", tr("Check for Updates…"), {}, actions.CheckupdateMenuItemAction);
+    m_menu->addSeparator();
+    add("pages", tr("Show All Pages"), QKeySequence(Qt::CTRL | Qt::Key_0), actions.showPages);
+    m_eject = add("ejectAll", QStringLiteral("Eject All"), QKeySequence(Qt::CTRL | Qt::Key_E), actions.rejestAllDisk);
+    m_eject->setEnabled(false);
+    m_preferences->setEnabled(false);
+    m_menu->addSeparator();
+    add("help", tr("User Guide"), QKeySequence(QKeySequence::HelpContents), actions.help);
+    m_menu->addSeparator();
+    add("quit", QStringLiteral("Quit Orrinvale"), QKeySequence(Qt::CTRL | Qt::Key_Q), actions.quit);
+    connect(m_menu.get(), &QMenu::aboutToShow, this, &ApplicationMenu::opened);
+}
+
+ApplicationMenu::~ApplicationMenu() = default;
+
+QAction* ApplicationMenu::add(const char* name, const QString& title, const QKeySequence& keys,
+                              const std::function<void()>& action) {
+    QAction* const made = m_menu->addAction(title);
+    made->setObjectName(QLatin1String(name));
+    made->setShortcut(keys);
+    made->setShortcutVisibleInContextMenu(true);
+    made->setEnabled(action != nullptr);
+    if (action) connect(made, &QAction::triggered, this, [action] { action(); });
+    return made;
+}
+
+void ApplicationMenu::addKeysTo(QWidget& window) const { window.addActions(m_menu->actions()); }
+
+void ApplicationMenu::setCanEject(bool canEject) { m_eject->setEnabled(canEject); }
+
+void ApplicationMenu::setHasPreferences(bool hasPreferences) { m_preferences->setEnabled(hasPreferences); }
+
+}  // namespace orrinvale

@@ -1,0 +1,57 @@
+// ApplicationMenu: what concerns the whole program: about it, its pages, help, and its end.
+#pragma once
+
+#include <QKeySequence>
+#include <QObject>
+#include <QPointer>
+#include <functional>
+#include <memory>
+
+class QAction;
+class QMenu;
+class QWidget;
+
+namespace orrinvale {
+
+/// Main thread only.
+class ApplicationMenu final : public QObject {
+    Q_OBJECT
+public:
+    /// An entry without an action is greyed: there is nothing behind it in this program.
+    struct Actions {
+        std::function<void()> openAboutWindow;
+        std::function<void()> Reference;  ///< the preferences
+        std::function<void()> CheckupdateMenuItemAction;
+        std::function<void()> showPages;
+        std::function<void()> rejestAllDisk;  ///< "Eject All"
+        std::function<void()> help;
+        std::function<void()> quit;
+    };
+
+    explicit ApplicationMenu(Actions actions, QObject* parent = nullptr);
+    ~ApplicationMenu() override;
+
+    [[nodiscard]] QMenu* menu() const { return m_menu.get(); }
+
+    /// The keys of the entries work in this window from now on.
+    void addKeysTo(QWidget& window) const;
+
+    /// Whether there is anything to eject. It is greyed until that is told.
+    void setCanEject(bool canEject);
+
+    /// Whether there is a page of preferences. They are greyed until that is told.
+    void setHasPreferences(bool hasPreferences);
+
+Q_SIGNALS:
+    /// It is about to be seen: the moment to look what can be ejected.
+    void opened();
+
+private:
+    QAction* add(const char* name, const QString& title, const QKeySequence& keys, const std::function<void()>& action);
+
+    const std::unique_ptr<QMenu> m_menu;
+    QAction* m_eject = nullptr;
+    QAction* m_preferences = nullptr;
+};
+
+}  // namespace orrinvale
