@@ -20,10 +20,6 @@ namespace {
 constexpr std::int16_t kBufferVersion = 3;  // the first with extended attributes
 constexpr std::int16_t kLastNumber = std::numeric_limits<std::int16_t>::max();
 
-bool isSameMount(const MountEntry& a, const MountEntry& b) {
-    return a.id == b.id && a.major == b.major && a.minor == b.minor && a.point == b.point && a.source == b.source;
-}
-
 // In a changed root that is no mount of its own, the table does not hold "/".
 void addMissingRoot(std::vector<MountEntry>& mounts) {
     if (!mounts.empty() && mounts.front().point == "/") return;
@@ -70,7 +66,7 @@ std::int32_t LinuxVolumes::describe(const Row& row, IndexedVolume& answer) const
     answer = IndexedVolume{row.refNumber, {}, {}, row.mount.point, row.space.error};
     if (row.space.error != 0) return ioErr;
     answer.info = {row.space.total, row.space.free};
-    answer.name = nameOf(row.mount);
+    answer.name = volumeNameOf(row.mount, m_devices);
     return noErr;
 }
 
@@ -131,12 +127,6 @@ void LinuxVolumes::forgetAllBut(const std::vector<MountEntry>& standing) {
         return std::none_of(standing.begin(), standing.end(),
                             [&](const MountEntry& each) { return isSameMount(each, numbered.second); });
     });
-}
-
-std::string LinuxVolumes::nameOf(const MountEntry& mount) const {
-    std::string label = m_devices.labelOf(m_devices.deviceOf(mount));
-    if (!label.empty()) return label;
-    return mount.point == "/" ? "System" : std::string(lastPathComponent(mount.point));
 }
 
 std::optional<RegistryMatching> LinuxVolumes::IOBSDNameMatching(const char* bsdName) const {

@@ -58,7 +58,6 @@ private:
     void askForSpace(Table& table);
     [[nodiscard]] std::int16_t numberOf(const MountEntry& mount, const std::vector<MountEntry>& standing);
     void forgetAllBut(const std::vector<MountEntry>& standing);
-    [[nodiscard]] std::string nameOf(const MountEntry& mount) const;
     [[nodiscard]] std::int32_t describe(const Row& row, IndexedVolume& answer) const;
 
     const std::string m_mountInfo;

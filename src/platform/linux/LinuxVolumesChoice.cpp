@@ -145,21 +145,19 @@ private:
 // Less is better.
 auto rankOf(const MountEntry& mount) { return std::tuple(mount.point != "/", mount.root != "/", mount.point.size()); }
 
-using VolumeKey = std::tuple<std::uint32_t, std::uint32_t, std::string, std::string>;
+}  // namespace
 
-VolumeKey keyOf(const MountEntry& mount) {
+VolumeKey volumeKeyOf(const MountEntry& mount) {
     if (isNetworkMount(mount)) return {mount.major, mount.minor, mount.root, mount.source};
     return {mount.major, mount.minor, {}, {}};
 }
-
-}  // namespace
 
 std::vector<MountEntry> chooseVolumes(const std::vector<MountEntry>& table) {
     HiddenMounts hidden(table);
     std::map<VolumeKey, std::size_t> best;
     for (std::size_t i = 0; i < table.size(); ++i) {
         if (!isVolume(table[i]) || hidden.isHidden(i)) continue;
-        const auto [known, isNew] = best.try_emplace(keyOf(table[i]), i);
+        const auto [known, isNew] = best.try_emplace(volumeKeyOf(table[i]), i);
         if (!isNew && rankOf(table[i]) < rankOf(table[known->second])) known->second = i;
     }
     std::vector<std::size_t> chosen;

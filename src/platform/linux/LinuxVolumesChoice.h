@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "platform/linux/MountTable.h"
@@ -19,6 +21,10 @@ namespace orrinvale {
 /// - A mount that another one hides does not count.
 /// - "/" always counts, whatever it is.
 [[nodiscard]] std::vector<MountEntry> chooseVolumes(const std::vector<MountEntry>& table);
+
+/// What all mounts of one volume have in common: the device, and of a share its source too.
+using VolumeKey = std::tuple<std::uint32_t, std::uint32_t, std::string, std::string>;
+[[nodiscard]] VolumeKey volumeKeyOf(const MountEntry& mount);
 
 /// Not 0 for a mount that a server gives: a number made of the server's name as it stands in the source. Nothing is looked
 /// up, and two servers may share a number; only whether it is 0 means something.

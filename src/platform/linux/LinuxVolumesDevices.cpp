@@ -218,6 +218,12 @@ private:
 
 }  // namespace
 
+std::string volumeNameOf(const MountEntry& mount, const LinuxVolumesDevices& devices) {
+    std::string label = devices.labelOf(devices.deviceOf(mount));
+    if (!label.empty()) return label;
+    return mount.point == "/" ? "System" : std::string(lastPathComponent(mount.point));
+}
+
 RegistryEntryRef registryEntryOf(const LinuxVolumesDevices& devices, std::string folder) {
     return folder.empty() ? nullptr : std::make_shared<SystemEntry>(devices, std::move(folder));
 }

@@ -55,6 +55,9 @@ private:
     std::string m_udev;
 };
 
+/// What a person calls a volume: its label; without one "/" is "System", and any other bears the name of its folder.
+[[nodiscard]] std::string volumeNameOf(const MountEntry& mount, const LinuxVolumesDevices& devices);
+
 /// The object in the tree of devices of a folder in sysfs, and the iterator over its parents; null when the folder is gone.
 [[nodiscard]] RegistryEntryRef registryEntryOf(const LinuxVolumesDevices& devices, std::string folder);
 [[nodiscard]] std::unique_ptr<RegistryIterator> registryParentsOf(const RegistryEntry& entry);

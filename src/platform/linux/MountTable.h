@@ -26,6 +26,9 @@ struct MountEntry {
     friend bool operator==(const MountEntry&, const MountEntry&) = default;
 };
 
+/// Whether two entries, of tables of different times, stand for one mount: the kernel gives an id again soon after it is free.
+[[nodiscard]] bool isSameMount(const MountEntry& a, const MountEntry& b);
+
 /// What is read of the table at most. The kernel allows 100,000 mounts (fs.mount-max), at 100 to 200 bytes each.
 inline constexpr std::size_t mountInfoLimit = 16 * 1024 * 1024;
 

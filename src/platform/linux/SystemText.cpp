@@ -8,15 +8,14 @@
 #include <cerrno>
 
 namespace orrinvale {
+namespace {
 
-SysResult<std::string> readSystemText(const std::string& path, std::size_t limit) {
+SysResult<std::string> readOn(int file, std::size_t limit) {
     constexpr std::size_t step = 32 * 1024;
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-    if (!file.isOpen()) return tl::unexpected(errno);
     std::string text;
     for (std::size_t size = 0;;) {
         text.resize(std::min(size + step, limit));
-        const ssize_t count = ::read(file.get(), text.data() + size, text.size() - size);
+        const ssize_t count = ::read(file, text.data() + size, text.size() - size);
         if (count < 0 && errno == EINTR) continue;
         if (count < 0) return tl::unexpected(errno);
         size += static_cast<std::size_t>(count);
@@ -24,6 +23,19 @@ SysResult<std::string> readSystemText(const std::string& path, std::size_t limit
         text.resize(size);
         return text;
     }
+}
+
+}  // namespace
+
+SysResult<std::string> readSystemText(const std::string& path, std::size_t limit) {
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    if (!file.isOpen()) return tl::unexpected(errno);
+    return readOn(file.get(), limit);
+}
+
+SysResult<std::string> readSystemText(int file, std::size_t limit) {
+    if (::lseek(file, 0, SEEK_SET) != 0) return tl::unexpected(errno);
+    return readOn(file, limit);
 }
 
 }  // namespace orrinvale

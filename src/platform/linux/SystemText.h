@@ -11,4 +11,7 @@ namespace orrinvale {
 /// The first `limit` bytes of a file. Neither a FIFO nor a terminal holds the caller up.
 [[nodiscard]] SysResult<std::string> readSystemText(const std::string& path, std::size_t limit);
 
+/// The same of an open file, from its start.
+[[nodiscard]] SysResult<std::string> readSystemText(int file, std::size_t limit);
+
 }  // namespace orrinvale

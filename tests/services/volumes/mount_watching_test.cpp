@@ -1,0 +1,117 @@
+// Real mounts in a name space of the test's own, heard through the program's notices.
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <QCoreApplication>
+#include <chrono>
+
+#include "platform/linux/LinuxMountChanges.h"
+#include "services/volumes/WatchMountUnmount.h"
+#include "services/volumes/WorkspaceMounts.h"
+#include "support/EventLoop.h"
+#include "support/LogLines.h"
+#include "support/TestTree.h"
+
+namespace orrinvale {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+std::string textAt(const UserInfo& info, const char* key) {
+    const auto found = info.find(key);
+    const auto* const text = found == info.end() ? nullptr : std::any_cast<std::string>(&found->second);
+    return text == nullptr ? "nothing" : *text;
+}
+
+// Everything from the table to the program's notices; what was heard is a line of text.
+class Watched {
+public:
+    Watched() {
+        const auto hear = [this](const char* sign) {
+            return [this, sign](const Notification& notice) {
+                const auto* const sender = std::any_cast<WatchMountUnmount*>(&notice.object);
+                if (sender == nullptr || *sender != &watcher) heard += "from somebody else;";
+                heard += sign + textAt(notice.userInfo, NSWorkspaceVolumeLocalizedNameKey) + ' ' +
+                         textAt(notice.userInfo, NSDevicePath) + ';';
+            };
+        };
+        m_mounted = m_standard.addObserver("ZvVolumeMount", hear("+"));
+        m_unmounted = m_standard.addObserver("ZvVolumeUnmount", hear("-"));
+    }
+
+    // Waits until as much has been heard, for a second at most; says what differs, and when it came late.
+    std::string expect(const std::string& expected) {
+        const auto start = Clock::now();
+        testing::serveUntil([&] { return heard.size() >= expected.size(); }, 1);
+        const auto took = Clock::now() - start;
+        QCoreApplication::processEvents();
+        std::string fault;
+        if (heard != expected) fault = fmt::format("heard \"{}\" instead of \"{}\"\n", heard, expected);
+        if (took > 100ms) fault += fmt::format("after {} ms\n", took / 1ms);
+        heard.clear();
+        return fault;
+    }
+
+    std::string heard;
+
+private:
+    LinuxMountChanges m_changes;
+    WorkspaceMounts m_workspace{m_changes};
+    NotificationCenter m_standard;
+    WatchMountUnmount watcher{m_workspace.notificationCenter(), m_standard};
+    NotificationCenter::Observation m_mounted;
+    NotificationCenter::Observation m_unmounted;
+};
+
+bool mountRam(const char* folder) {
+    ::mkdir(folder, 0755);
+    return ::mount("ram", folder, "tmpfs", 0, "size=1m") == 0;
+}
+
+TEST(MountWatching, EachVolumeThatComesOrGoesIsToldAtOnce) {
+    if (::geteuid() != 0) GTEST_SKIP() << "only root may mount";
+    const std::string said = testing::runInChild({}, []() -> std::string {
+        if (::unshare(CLONE_NEWNS) != 0) return "skip: no name space for mounts: " + std::to_string(errno);
+        if (::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) return "skip: mounts can not be private";
+        if (!mountRam("/mnt")) return "skip: no tmpfs";
+        Watched watched;
+        std::string fault = watched.expect("");
+        if (!mountRam("/mnt/one")) return "no mount";
+        fault += watched.expect("+one /mnt/one;");
+        if (!mountRam("/mnt/two") || !mountRam("/mnt/line\nbreak")) return "no mounts";
+        fault += watched.expect("+two /mnt/two;+line\nbreak /mnt/line\nbreak;");
+        ::umount("/mnt/two");
+        fault += watched.expect("-two /mnt/two;");
+
+        // Nothing that people call a volume: a process's own place, a bind, another option.
+        ::mkdir("/mnt/bind", 0755);
+        if (::mount("none", "/dev/shm", "tmpfs", 0, nullptr) != 0 && ::mount("none", "/tmp", "tmpfs", 0, nullptr) != 0)
+            return "no mount that is no volume";
+        ::mount("/mnt/one", "/mnt/bind", nullptr, MS_BIND, nullptr);
+        ::mount(nullptr, "/mnt/one", nullptr, MS_REMOUNT | MS_RDONLY, nullptr);
+        if (!mountRam("/mnt/last")) return "no mount";
+        fault += watched.expect("+last /mnt/last;");
+        ::umount("/mnt/bind");
+        ::umount("/mnt/one");
+        ::umount("/mnt/line\nbreak");
+        return fault + watched.expect("-one /mnt/one;-line\nbreak /mnt/line\nbreak;");
+    });
+    if (said.starts_with("skip: ")) GTEST_SKIP() << said.substr(6);
+    EXPECT_EQ(said, "");
+}
+
+TEST(MountWatching, ATableThatCanNotBeWatchedIsLogged) {
+    const testing::LogLines log;
+    LinuxMountChanges changes({"/nothing/here", "/sys", "/run/udev"});
+    const WorkspaceMounts workspace(changes);
+    ASSERT_EQ(log.lines.size(), 1U);
+    EXPECT_NE(log.lines[0].find("can not be watched"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace orrinvale
