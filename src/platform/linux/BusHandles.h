@@ -11,7 +11,8 @@
 namespace orrinvale {
 
 struct BusCloser {
-    void operator()(sd_bus* bus) const { sd_bus_flush_close_unref(bus); }
+    // Not flushed, which would wait for a bus that hangs: calls are over when their answers are here.
+    void operator()(sd_bus* bus) const { sd_bus_close_unref(bus); }
 };
 struct BusMessageCloser {
     void operator()(sd_bus_message* message) const { sd_bus_message_unref(message); }
