@@ -79,6 +79,10 @@ std::optional<MountEntry> parseLine(std::string_view line) {
 
 }  // namespace
 
+bool isSameMount(const MountEntry& a, const MountEntry& b) {
+    return a.id == b.id && a.major == b.major && a.minor == b.minor && a.point == b.point && a.source == b.source;
+}
+
 std::vector<MountEntry> parseMountInfo(std::string_view text) {
     std::vector<MountEntry> entries;
     text = text.substr(0, mountInfoLimit);
