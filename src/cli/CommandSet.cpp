@@ -2,6 +2,7 @@
 #include "cli/CommandSet.h"
 
 #include "cli/DuplicatesCommand.h"
+#include "cli/EjectCommand.h"
 #include "cli/LargeCommand.h"
 #include "cli/SizeCommand.h"
 #include "cli/VolumesCommand.h"
@@ -13,6 +14,7 @@ CommandSet::CommandSet() {
     m_commands.push_back(std::make_unique<LargeCommand>(m_files));
     m_commands.push_back(std::make_unique<SizeCommand>(m_files));
     m_commands.push_back(std::make_unique<VolumesCommand>(m_volumes));
+    m_commands.push_back(std::make_unique<EjectCommand>(m_volumes));
 }
 
 }  // namespace orrinvale::cli

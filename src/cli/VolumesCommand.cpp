@@ -37,6 +37,9 @@ public:
         if (status != noErr) note(0);
         return status;
     }
+    std::int32_t FSEjectVolumeSync(std::int16_t refNumber, std::uint32_t options, EjectDissent& dissent) override {
+        return m_platform.FSEjectVolumeSync(refNumber, options, dissent);
+    }
     [[nodiscard]] std::optional<RegistryMatching> IOBSDNameMatching(const char* bsdName) const override {
         return m_platform.IOBSDNameMatching(bsdName);
     }

@@ -7,13 +7,15 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace orrinvale {
 
 /// Statuses of the operations on volumes. Any other number than 0 is a failure.
 inline constexpr std::int32_t noErr = 0;
-inline constexpr std::int32_t nsvErr = -35;  ///< no such volume: the index lies past the last one
-inline constexpr std::int32_t ioErr = -36;   ///< the volume did not answer, or not with success
+inline constexpr std::int32_t nsvErr = -35;   ///< no such volume: the index lies past the last one
+inline constexpr std::int32_t ioErr = -36;    ///< the volume did not answer, or not with success
+inline constexpr std::int32_t fBsyErr = -47;  ///< somebody uses the volume
 
 struct FSVolumeInfo {
     std::uint64_t totalBytes = 0;
@@ -41,6 +43,20 @@ struct GetVolParmsInfoBuffer {
 inline constexpr unsigned bIsEjectable = 0;
 inline constexpr unsigned bIsRemovable = 25;
 inline constexpr unsigned bIsOnExternalBus = 27;
+
+/// A program that uses a volume.
+struct VolumeHolder {
+    std::int32_t pid = 0;
+    std::string name;  ///< of the program, as the system knows it; any bytes
+    std::string path;  ///< something on the volume, or the device itself, that it holds open; any bytes
+    friend bool operator==(const VolumeHolder&, const VolumeHolder&) = default;
+};
+
+/// What stood in the way of an ejection.
+struct EjectDissent {
+    std::string reason;                 ///< one sentence for people, without a full stop; any bytes
+    std::vector<VolumeHolder> holders;  ///< as many as were found in a short time; others may hold the volume too
+};
 
 /// One object in the tree of devices; a reference keeps it. What it answers is read when it is asked.
 class RegistryEntry {
@@ -93,6 +109,13 @@ public:
 
     /// Fills the buffer for a volume that stands.
     virtual std::int32_t FSGetVolumeParms(std::int16_t refNumber, GetVolParmsInfoBuffer& buffer) = 0;
+
+    /// Unmounts the volume and gives its medium or drive back, with all other volumes of that drive. 0 when it is done. nsvErr
+    /// when the volume is gone already, fBsyErr when it is in use, ioErr for everything else; then `dissent` says why, and
+    /// nothing is forced. A volume that the system runs from is refused before anything is touched. Whatever is mounted in
+    /// the place of a volume that is gone stays. May ask the person for the right, and waits until a slow medium has taken all
+    /// that was written, which can be minutes: not for a thread that draws. No options are known; the number is 0.
+    virtual std::int32_t FSEjectVolumeSync(std::int16_t refNumber, std::uint32_t options, EjectDissent& dissent) = 0;
 
     /// Nothing for a text that can not name a device.
     [[nodiscard]] virtual std::optional<RegistryMatching> IOBSDNameMatching(const char* bsdName) const = 0;

@@ -1,6 +1,8 @@
 // Volumes of a test's making: any volume, any status, any tree of devices. Read platform/volumes.h first.
 #pragma once
 
+#include <algorithm>
+#include <functional>
 #include <map>
 #include <string>
 #include <utility>
@@ -40,7 +42,15 @@ public:
         GetVolParmsInfoBuffer parms;
     };
 
+    struct Ejection {
+        std::int32_t status = noErr;
+        EjectDissent dissent;
+    };
+
     std::vector<Volume> volumes;
+    std::map<std::int16_t, Ejection> ejections;    ///< by reference number; any other volume goes without trouble
+    std::vector<std::int16_t> ejectedNumbers;      ///< asked for, in order
+    std::function<void(std::int16_t)> onEjection;  ///< called before the answer, and may change `volumes`
     std::map<std::string, std::shared_ptr<FakeRegistryEntry>> devices;  ///< by name
     std::uint32_t iteratorStatus = 0;
     bool hasIterator = true;
@@ -62,6 +72,18 @@ public:
             return each.parmsStatus;
         }
         return nsvErr;
+    }
+
+    std::int32_t FSEjectVolumeSync(std::int16_t refNumber, std::uint32_t /*options*/, EjectDissent& dissent) override {
+        ejectedNumbers.push_back(refNumber);
+        if (onEjection) onEjection(refNumber);
+        if (const auto scripted = ejections.find(refNumber); scripted != ejections.end()) {
+            dissent = scripted->second.dissent;
+            return scripted->second.status;
+        }
+        const bool isListed = std::any_of(volumes.begin(), volumes.end(),
+                                          [&](const Volume& each) { return each.volume.refNumber == refNumber; });
+        return isListed ? noErr : nsvErr;
     }
 
     [[nodiscard]] std::optional<RegistryMatching> IOBSDNameMatching(const char* bsdName) const override {

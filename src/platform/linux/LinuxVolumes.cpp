@@ -40,6 +40,7 @@ LinuxVolumes::LinuxVolumes(LinuxVolumePlaces places, std::chrono::milliseconds p
                            LinuxVolumesSpace::Ask askForSpace)
     : m_mountInfo(std::move(places.mountInfo)),
       m_devices(places.sys, std::move(places.udev)),
+      m_ejection(m_mountInfo, std::move(places.swaps), m_devices),
       m_space(patience, std::move(askForSpace)) {}
 
 std::int32_t LinuxVolumes::FSGetVolumeInfo(std::uint32_t volumeIndex, IndexedVolume& answer) {
@@ -89,13 +90,40 @@ std::int32_t LinuxVolumes::FSGetVolumeParms(std::int16_t refNumber, GetVolParmsI
     return noErr;
 }
 
+std::int32_t LinuxVolumes::FSEjectVolumeSync(std::int16_t refNumber, std::uint32_t /*options*/, EjectDissent& dissent) {
+    Standing wanted;
+    {
+        const std::lock_guard lock(m_mutex);
+        const auto owner = m_owners.find(refNumber);
+        if (owner != m_owners.end()) wanted = owner->second;
+    }
+    auto outcome = m_ejection.eject(wanted.mount, wanted.diskSequence);  // the mount of no number stands nowhere
+    const std::lock_guard lock(m_mutex);
+    if (m_goneAlong.erase(refNumber) != 0 && outcome.status == nsvErr) return noErr;
+    if (outcome.status == noErr) noteGone(outcome.gone, refNumber);
+    dissent = std::move(outcome.dissent);
+    return outcome.status;
+}
+
+void LinuxVolumes::noteGone(const std::vector<MountEntry>& mounts, std::int16_t asked) {
+    for (const MountEntry& mount : mounts)
+        for (const auto& [number, owner] : m_owners)
+            if (number != asked && isSameMount(owner.mount, mount)) m_goneAlong.insert(number);
+}
+
 LinuxVolumes::Table LinuxVolumes::takeTable() {
     auto mounts = chooseVolumes(parseMountInfo(readMountInfo(m_mountInfo).value_or(std::string())));
     addMissingRoot(mounts);
+    std::vector<Standing> all;
+    all.reserve(mounts.size());
+    for (MountEntry& mount : mounts) {
+        std::string sequence = m_devices.sequenceOf(m_devices.deviceOf(mount));
+        all.push_back({std::move(mount), std::move(sequence)});
+    }
     Table table;
-    table.reserve(mounts.size());
+    table.reserve(all.size());
     const std::lock_guard lock(m_mutex);
-    for (const MountEntry& mount : mounts) table.push_back({mount, numberOf(mount, mounts), {}});
+    for (const Standing& each : all) table.push_back({each.mount, numberOf(each, all), {}});
     return table;
 }
 
@@ -109,23 +137,29 @@ void LinuxVolumes::askForSpace(Table& table) {
     std::erase_if(table, [](const Row& row) { return row.space.gone; });
 }
 
-std::int16_t LinuxVolumes::numberOf(const MountEntry& mount, const std::vector<MountEntry>& standing) {
-    for (const auto& [number, owner] : m_owners)
-        if (isSameMount(owner, mount)) return number;
-    if (m_owners.size() >= static_cast<std::size_t>(kLastNumber)) forgetAllBut(standing);
+std::int16_t LinuxVolumes::numberOf(const Standing& standing, const std::vector<Standing>& all) {
+    const MountEntry& mount = standing.mount;
+    for (const auto& [number, owner] : m_owners) {
+        if (!isSameMount(owner.mount, mount) || owner.diskSequence != standing.diskSequence) continue;
+        m_goneAlong.erase(number);  // back again
+        return number;
+    }
+    if (m_owners.size() >= static_cast<std::size_t>(kLastNumber)) forgetAllBut(all);
     std::int16_t number = kLastNumber;
     if (mount.id > 0 && mount.id <= static_cast<std::uint64_t>(kLastNumber))
         number = static_cast<std::int16_t>(mount.id);
     if (m_owners.contains(number)) number = kLastNumber;
     while (number > 0 && m_owners.contains(number)) --number;
-    m_owners[number] = mount;
+    m_owners[number] = standing;
     return number;
 }
 
-void LinuxVolumes::forgetAllBut(const std::vector<MountEntry>& standing) {
+void LinuxVolumes::forgetAllBut(const std::vector<Standing>& all) {
     std::erase_if(m_owners, [&](const auto& numbered) {
-        return std::none_of(standing.begin(), standing.end(),
-                            [&](const MountEntry& each) { return isSameMount(each, numbered.second); });
+        const Standing& owner = numbered.second;
+        return std::none_of(all.begin(), all.end(), [&](const Standing& each) {
+            return isSameMount(each.mount, owner.mount) && each.diskSequence == owner.diskSequence;
+        });
     });
 }
 

@@ -7,11 +7,13 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "platform/linux/LinuxVolumesDevices.h"
+#include "platform/linux/LinuxVolumesEjection.h"
 #include "platform/linux/LinuxVolumesSpace.h"
 #include "platform/linux/MountTable.h"
 #include "platform/volumes.h"
@@ -23,6 +25,7 @@ struct LinuxVolumePlaces {
     std::string mountInfo = "/proc/self/mountinfo";
     std::string sys = "/sys";
     std::string udev = "/run/udev";
+    std::string swaps = "/proc/swaps";
 };
 
 /// The reference number of a mount is its id where that fits 16 bits and meant no other mount before in this object, so that
@@ -34,6 +37,9 @@ struct LinuxVolumePlaces {
 /// nothing. It leaves out what vanished meanwhile; what did not answer fails with ioErr, so that those behind it are still
 /// seen. FSGetVolumeParms knows every volume that is mounted; for any other number it gives ioErr, never nsvErr, which
 /// would end the walk of a caller for one volume's sake.
+///
+/// FSEjectVolumeSync takes all volumes of a drive along. Asked for one of those afterwards it says once that this is done, so that
+/// whoever ejects a list of volumes does not hear of a failure for each further partition of one stick.
 class LinuxVolumes final : public Volumes {
 public:
     explicit LinuxVolumes(LinuxVolumePlaces places = {}, std::chrono::milliseconds patience = std::chrono::seconds(1),
@@ -41,12 +47,18 @@ public:
 
     std::int32_t FSGetVolumeInfo(std::uint32_t volumeIndex, IndexedVolume& answer) override;
     std::int32_t FSGetVolumeParms(std::int16_t refNumber, GetVolParmsInfoBuffer& buffer) override;
+    std::int32_t FSEjectVolumeSync(std::int16_t refNumber, std::uint32_t options, EjectDissent& dissent) override;
     [[nodiscard]] std::optional<RegistryMatching> IOBSDNameMatching(const char* bsdName) const override;
     [[nodiscard]] RegistryEntryRef IOServiceGetMatchingService(const RegistryMatching& matching) const override;
     std::uint32_t IORegistryEntryCreateIterator(const RegistryEntry& entry,
                                                 std::unique_ptr<RegistryIterator>& iterator) const override;
 
 private:
+    /// A mount, and the disk that it lies on: the kernel gives the numbers of a stick that was pulled to the next one.
+    struct Standing {
+        MountEntry mount;
+        std::string diskSequence;  ///< empty where there is none
+    };
     struct Row {
         MountEntry mount;
         std::int16_t refNumber = 0;
@@ -56,17 +68,20 @@ private:
 
     [[nodiscard]] Table takeTable();
     void askForSpace(Table& table);
-    [[nodiscard]] std::int16_t numberOf(const MountEntry& mount, const std::vector<MountEntry>& standing);
-    void forgetAllBut(const std::vector<MountEntry>& standing);
+    [[nodiscard]] std::int16_t numberOf(const Standing& mount, const std::vector<Standing>& all);
+    void forgetAllBut(const std::vector<Standing>& all);
+    void noteGone(const std::vector<MountEntry>& mounts, std::int16_t asked);
     [[nodiscard]] std::int32_t describe(const Row& row, IndexedVolume& answer) const;
 
     const std::string m_mountInfo;
     const LinuxVolumesDevices m_devices;
+    const LinuxVolumesEjection m_ejection;
     LinuxVolumesSpace m_space;
 
     std::mutex m_mutex;                                               // guards all that follows
     std::map<std::thread::id, std::shared_ptr<const Table>> m_walks;  // under way, one a thread
-    std::map<std::int16_t, MountEntry> m_owners;                      // of the numbers ever given
+    std::map<std::int16_t, Standing> m_owners;                        // of the numbers ever given
+    std::set<std::int16_t> m_goneAlong;                               // with another volume, and not asked for since
 };
 
 }  // namespace orrinvale

@@ -172,6 +172,10 @@ std::vector<MountEntry> chooseVolumes(const std::vector<MountEntry>& table) {
     return volumes;
 }
 
+bool isHiddenMount(const std::vector<MountEntry>& table, std::size_t index) {
+    return HiddenMounts(table).isHidden(index);
+}
+
 std::string_view serverOfSource(std::string_view source) {
     std::string_view rest = source;
     const std::size_t scheme = rest.find("://");

@@ -1,6 +1,7 @@
 // Which mounts are volumes to a person, and which of them a server gives. MountTable.h is where they come from.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -25,6 +26,9 @@ namespace orrinvale {
 /// What all mounts of one volume have in common: the device, and of a share its source too.
 using VolumeKey = std::tuple<std::uint32_t, std::uint32_t, std::string, std::string>;
 [[nodiscard]] VolumeKey volumeKeyOf(const MountEntry& mount);
+
+/// Whether another mount of the table hides this one, so that its path leads to the other.
+[[nodiscard]] bool isHiddenMount(const std::vector<MountEntry>& table, std::size_t index);
 
 /// Not 0 for a mount that a server gives: a number made of the server's name as it stands in the source. Nothing is looked
 /// up, and two servers may share a number; only whether it is 0 means something.

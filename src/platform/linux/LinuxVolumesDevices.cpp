@@ -4,6 +4,7 @@
 
 #include <dirent.h>
 #include <fmt/format.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -95,7 +96,7 @@ LinuxVolumesDevices::LinuxVolumesDevices(const std::string& sys, std::string ude
     : m_sys(resolved(sys)), m_udev(std::move(udev)) {}
 
 std::string LinuxVolumesDevices::deviceOf(const MountEntry& mount) const {
-    if (mount.major != 0) return resolved(fmt::format("{}/dev/block/{}:{}", m_sys, mount.major, mount.minor));
+    if (mount.major != 0) return deviceNumbered(mount.major, mount.minor);
     // These name their device in the source. No other source is touched: programs write there what they like, and a path
     // to a dead server would hang the walk.
     const bool namesDevice = mount.type == "btrfs" || mount.type == "bcachefs" || mount.type == "fuseblk";
@@ -107,6 +108,42 @@ std::string LinuxVolumesDevices::deviceOf(const MountEntry& mount) const {
 std::string LinuxVolumesDevices::deviceNamed(std::string_view name) const {
     if (name.empty() || name.starts_with('.') || name.find('/') != std::string_view::npos) return {};
     return resolved(fmt::format("{}/class/block/{}", m_sys, name));
+}
+
+std::string LinuxVolumesDevices::deviceNumbered(std::uint32_t major, std::uint32_t minor) const {
+    return resolved(fmt::format("{}/dev/block/{}:{}", m_sys, major, minor));
+}
+
+std::optional<std::uint64_t> LinuxVolumesDevices::numberOf(const std::string& device) const {
+    const std::string text = device.empty() ? std::string() : attribute(device + "/dev");
+    const char* const end = text.data() + text.size();
+    unsigned major = 0;
+    unsigned minor = 0;
+    const char* const colon = std::from_chars(text.data(), end, major).ptr;
+    if (colon == end || *colon != ':' || std::from_chars(colon + 1, end, minor).ptr != end) return std::nullopt;
+    return ::makedev(major, minor);
+}
+
+std::vector<std::string> LinuxVolumesDevices::layersOn(const std::string& device) const {
+    std::vector<std::string> layers;
+    if (!device.empty()) addLayersOn(device, mostLayers, layers);
+    return layers;
+}
+
+void LinuxVolumesDevices::addLayersOn(const std::string& device, int levelsLeft,
+                                      std::vector<std::string>& layers) const {
+    if (levelsLeft == 0) return;
+    const std::string folder = device + "/holders/";
+    for (const std::string& name : namesIn(folder)) {
+        const std::string above = resolved(folder + name);
+        if (above.empty() || std::find(layers.begin(), layers.end(), above) != layers.end()) continue;
+        layers.push_back(above);
+        addLayersOn(above, levelsLeft - 1, layers);
+    }
+}
+
+std::string LinuxVolumesDevices::sequenceOf(const std::string& device) const {
+    return device.empty() ? std::string() : attribute(wholeOf(device) + "/diskseq");
 }
 
 std::uint32_t LinuxVolumesDevices::extendedAttributes(const std::string& device) const {

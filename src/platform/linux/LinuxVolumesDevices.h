@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/linux/MountTable.h"
 #include "platform/volumes.h"
@@ -23,6 +24,19 @@ public:
 
     /// By its kernel name ("sda1"); empty when there is none.
     [[nodiscard]] std::string deviceNamed(std::string_view name) const;
+
+    /// By its number; empty when there is none.
+    [[nodiscard]] std::string deviceNumbered(std::uint32_t major, std::uint32_t minor) const;
+
+    /// The number of a device as makedev(3) makes it; nothing when it is gone.
+    [[nodiscard]] std::optional<std::uint64_t> numberOf(const std::string& device) const;
+
+    /// The devices that are made of this one: unlocked, mapped, joined, those made of these included.
+    [[nodiscard]] std::vector<std::string> layersOn(const std::string& device) const;
+
+    /// The text that the kernel gives to one disk only: a medium put in later under the same name has another. Empty where the
+    /// kernel is too old, and for no device.
+    [[nodiscard]] std::string sequenceOf(const std::string& device) const;
 
     /// The bits of vMExtendedAttributes.
     /// - Removable: the drive says so, and discs, cards in SD slots and loop devices, which somebody attached to see an image.
@@ -48,6 +62,7 @@ public:
 
 private:
     [[nodiscard]] std::uint32_t attributesOfWhole(const std::string& whole, int levelsLeft) const;
+    void addLayersOn(const std::string& device, int levelsLeft, std::vector<std::string>& layers) const;
     [[nodiscard]] bool isOnExternalBus(const std::string& whole) const;
     [[nodiscard]] std::string udevProperties(const std::string& device) const;
 

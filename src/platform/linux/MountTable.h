@@ -26,7 +26,8 @@ struct MountEntry {
     friend bool operator==(const MountEntry&, const MountEntry&) = default;
 };
 
-/// Whether two entries, of tables of different times, stand for one mount: the kernel gives an id again soon after it is free.
+/// Whether two entries, perhaps of tables taken at different times, are one mount as far as a table can tell: the kernel gives
+/// the id of a mount that is gone to the next one.
 [[nodiscard]] bool isSameMount(const MountEntry& a, const MountEntry& b);
 
 /// What is read of the table at most. The kernel allows 100,000 mounts (fs.mount-max), at 100 to 200 bytes each.

@@ -1,0 +1,106 @@
+// VolumesManager: see VolumesManager.h.
+#include "engine/volumes/VolumesManager.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <utility>
+
+#include "engine/base/Log.h"
+#include "engine/volumes/VolumesInfo.h"
+
+namespace orrinvale {
+namespace {
+
+constexpr std::int32_t kNothingToEject = -1;
+constexpr std::int32_t kSomeStayed = 1;
+constexpr std::size_t kMostNamedHolders = 3;
+
+std::string textOf(const VolumeHolder& holder) {
+    return fmt::format("{} (process {}, {})", escapeControls(holder.name), holder.pid, escapeControls(holder.path));
+}
+
+std::string textOf(const std::vector<VolumeHolder>& holders) {
+    const std::size_t named = std::min(holders.size(), kMostNamedHolders);
+    const std::size_t more = holders.size() - named;
+    std::string text;
+    for (std::size_t i = 0; i < named; ++i) {
+        const bool isLast = i + 1 == named && more == 0;
+        if (i > 0) text += isLast ? " and " : ", ";
+        text += textOf(holders[i]);
+    }
+    return more == 0 ? text : text + fmt::format(" and {} more", more);
+}
+
+// By its text alone: whether the folder can be reached is the file manager's to find out, on a dead server too.
+std::string standardizedPath(const std::string& path) {
+    std::string plain = std::filesystem::path(path).lexically_normal().string();
+    while (plain.size() > 1 && plain.back() == '/') plain.pop_back();
+    return plain;
+}
+
+}  // namespace
+
+std::string ejectFailureText(const EjectFailure& failure) {
+    const std::string& name = failure.volumeName.empty() ? failure.volRootDir : failure.volumeName;
+    std::string text = name.empty() ? "The volume" : '"' + escapeControls(name) + '"';
+    text += " could not be ejected";
+    if (!failure.dissent.reason.empty()) text += ": " + escapeControls(failure.dissent.reason);
+    if (!failure.dissent.holders.empty()) text += ", held open by " + textOf(failure.dissent.holders);
+    return text + '.';
+}
+
+VolumesManager::VolumesManager(Volumes& platform, OpenFolder openFolder)
+    : m_platform(platform), m_openFolder(std::move(openFolder)) {}
+
+bool VolumesManager::ejectSingleVolume(std::int16_t volRefNumber) {
+    m_failures.clear();
+    auto failure = eject(volRefNumber);
+    if (!failure) return true;
+    addNames(*failure);
+    m_failures.push_back(std::move(*failure));
+    return false;
+}
+
+std::int32_t VolumesManager::ejectAllVolumes() {
+    m_failures.clear();
+    // The list is taken once: what comes up while the ejections run is not meant, and the others must not be asked twice.
+    const VolumesInfo::VolumeArray volumes = VolumesInfo(m_platform).volsArray();
+    bool isAnyEjectable = false;
+    for (const auto& volume : volumes) {
+        if (!volume->bCanEject) continue;
+        isAnyEjectable = true;
+        auto failure = eject(volume->volRefNumber);
+        if (!failure) continue;
+        failure->volumeName = volume->volumeName;
+        failure->volRootDir = volume->volRootDir;
+        m_failures.push_back(std::move(*failure));
+    }
+    if (!isAnyEjectable) return kNothingToEject;
+    return m_failures.empty() ? noErr : kSomeStayed;
+}
+
+std::optional<EjectFailure> VolumesManager::eject(std::int16_t volRefNumber) {
+    EjectFailure failure{volRefNumber, {}, {}, noErr, {}};
+    failure.status = m_platform.FSEjectVolumeSync(volRefNumber, 0, failure.dissent);
+    if (failure.status == noErr) return std::nullopt;
+    Log::line(fmt::format("Eject the volume {} failed result: {}", volRefNumber, failure.status));
+    return failure;
+}
+
+// Not by a VolumesInfo, whose log lines about devices would stand behind that of the ejection.
+void VolumesManager::addNames(EjectFailure& failure) {
+    IndexedVolume volume;
+    for (std::uint32_t index = 1; m_platform.FSGetVolumeInfo(index, volume) != nsvErr; ++index) {
+        if (volume.refNumber != failure.volRefNumber || !failure.volRootDir.empty()) continue;
+        failure.volumeName = volume.name;
+        failure.volRootDir = volume.rootPath;
+    }
+}
+
+bool VolumesManager::openVolRootDir(const std::optional<std::string>& path) {
+    return path && !path->empty() && m_openFolder && m_openFolder(standardizedPath(*path));
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,279 @@
+// LinuxVolumesEjection: see LinuxVolumesEjection.h. First all that speaks against an ejection, then the ejection itself.
+#include "platform/linux/LinuxVolumesEjection.h"
+
+#include <fmt/format.h>
+#include <sys/mount.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+#include "platform/error.h"
+#include "platform/linux/DiskService.h"
+#include "platform/linux/EjectionPlan.h"
+#include "platform/linux/LinuxVolumesChoice.h"
+#include "platform/linux/SystemText.h"
+#include "platform/linux/VolumeHolders.h"
+#include "platform/paths.h"
+#include "platform/process.h"
+
+namespace orrinvale {
+namespace {
+
+using Outcome = LinuxVolumesEjection::Outcome;
+using Mounts = std::vector<MountEntry>;
+using Kind = DiskServiceFailure::Kind;
+
+constexpr std::chrono::seconds kPatienceWithService{1};
+constexpr std::chrono::milliseconds kPatienceWithHolders{300};
+constexpr std::chrono::minutes kLongestUnmount{10};
+constexpr std::size_t kSwapsLimit = 64 * 1024;
+
+constexpr const char* kInUse = "The volume is in use";
+constexpr const char* kIsGone = "The volume is not mounted any more";
+
+// Without these the system does not run. A stick that somebody mounted below their home folder is not among them.
+bool isSystemPlace(std::string_view point) {
+    constexpr std::array<std::string_view, 6> exact{"/", "/home", "/root", "/srv", "/tmp", "/run"};
+    constexpr std::array<std::string_view, 7> withAllBelow{"/boot", "/efi", "/usr", "/var", "/etc", "/opt", "/nix"};
+    constexpr std::array<std::string_view, 4> personal{"/var/mnt", "/var/media", "/var/run/media", "/var/home/"};
+    if (std::any_of(personal.begin(), personal.end(), [&](auto each) { return point.starts_with(each); })) return false;
+    return std::find(exact.begin(), exact.end(), point) != exact.end() ||
+           std::any_of(withAllBelow.begin(), withAllBelow.end(), [&](auto each) { return isWithin(point, each); });
+}
+
+Outcome failure(std::int32_t status, std::string reason) { return {status, {std::move(reason), {}}, {}}; }
+
+Outcome refusalFor(std::string_view use) {
+    return failure(ioErr, fmt::format("The system runs from this drive: {}", use));
+}
+
+Outcome busy(Mounts mounts, std::vector<std::string> nodes, const Mounts& table) {
+    Outcome outcome = failure(fBsyErr, kInUse);
+    outcome.dissent.holders = findVolumeHolders({std::move(mounts), std::move(nodes)}, table, kPatienceWithHolders);
+    return outcome;
+}
+
+bool isAmong(const Mounts& mounts, const MountEntry& wanted) {
+    return std::any_of(mounts.begin(), mounts.end(), [&](const MountEntry& each) { return isSameMount(each, wanted); });
+}
+
+// Something else that is mounted on one of these; the kernel would call them busy and name nothing.
+const MountEntry* strangerOn(const Mounts& mounts, const Mounts& table) {
+    for (const MountEntry& each : table) {
+        const bool isOnOne = std::any_of(mounts.begin(), mounts.end(), [&](const MountEntry& mount) {
+            return each.parent == mount.id && each.id != mount.id;
+        });
+        if (isOnOne && !isAmong(mounts, each)) return &each;
+    }
+    return nullptr;
+}
+
+Outcome strangerFailure(const MountEntry& stranger) {
+    return failure(fBsyErr, fmt::format("Another volume is mounted on it at {}", stranger.point));
+}
+
+// One line an area, its path first; the line above them names the columns.
+std::vector<std::string> swapPathsIn(std::string_view text) {
+    std::vector<std::string> paths;
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
+        if (line.starts_with('/')) paths.emplace_back(line.substr(0, line.find_first_of(" \t")));
+    }
+    return paths;
+}
+
+// Runs the first of these programs that is there, to its end.
+void runTool(const std::vector<std::string>& programs, const std::vector<std::string>& arguments) {
+    struct End {
+        std::mutex mutex;
+        std::condition_variable came;
+        bool isHere = false;
+    };
+    const auto end = std::make_shared<End>();
+    for (const std::string& program : programs) {
+        if (::access(program.c_str(), X_OK) != 0) continue;
+        const auto process = Process::start(program, arguments, [end] {
+            const std::lock_guard lock(end->mutex);
+            end->isHere = true;
+            end->came.notify_all();
+        });
+        if (!process) continue;
+        std::unique_lock lock(end->mutex);
+        const bool ended = end->came.wait_for(lock, kLongestUnmount, [&] { return end->isHere; });
+        lock.unlock();
+        if (!ended) (*process)->terminate();
+        return;
+    }
+}
+
+// The programs that may unmount what the user mounted, though the user may not.
+void unmountWithTool(const MountEntry& mount) {
+    if (mount.type == "fuse" || mount.type.starts_with("fuse."))
+        runTool({"/usr/bin/fusermount3", "/bin/fusermount3", "/usr/bin/fusermount"}, {"-u", "--", mount.point});
+    else runTool({"/usr/bin/umount", "/bin/umount"}, {"--", mount.point});
+}
+
+}  // namespace
+
+Mounts LinuxVolumesEjection::table() const {
+    return parseMountInfo(readMountInfo(m_mountInfo).value_or(std::string()));
+}
+
+bool LinuxVolumesEjection::stands(const MountEntry& mount) const { return isAmong(table(), mount); }
+
+Outcome LinuxVolumesEjection::eject(const MountEntry& mount, const std::string& diskSequence) const {
+    const Mounts now = table();
+    const auto found =
+        std::find_if(now.begin(), now.end(), [&](const MountEntry& each) { return isSameMount(each, mount); });
+    if (found == now.end()) return failure(nsvErr, kIsGone);
+    const std::string device = m_devices.deviceOf(mount);
+    if (!diskSequence.empty() && m_devices.sequenceOf(device) != diskSequence) return failure(nsvErr, kIsGone);
+    // A path leads to the mount on top, so that the other one would go.
+    if (isHiddenMount(now, static_cast<std::size_t>(found - now.begin())))
+        return failure(fBsyErr, "Another volume is mounted over it");
+    return device.empty() ? unmount(mount, now) : ejectDevice(mount, device, now);
+}
+
+Outcome LinuxVolumesEjection::unmount(const MountEntry& mount, const Mounts& table) const {
+    if (isSystemPlace(mount.point)) return refusalFor("it is mounted on " + mount.point);
+    if (const MountEntry* const stranger = strangerOn({mount}, table)) return strangerFailure(*stranger);
+    int error = ::umount2(mount.point.c_str(), UMOUNT_NOFOLLOW) == 0 ? 0 : errno;
+    if (error == EPERM || error == EACCES) unmountWithTool(mount);
+    if (error == 0 || !stands(mount)) return {noErr, {}, {mount}};
+    if (error == EBUSY) return busy({mount}, {}, table);
+    Outcome outcome = busy({mount}, {}, table);
+    if (!outcome.dissent.holders.empty()) return outcome;
+    return failure(ioErr, systemError("umount", mount.point, error).reason());
+}
+
+// The folders in sysfs of all that goes, and of all that is made of it.
+std::vector<std::string> LinuxVolumesEjection::devicesOf(const EjectionPlan& plan) const {
+    std::vector<std::string> devices;
+    for (const DiskObject& each : plan.devices) {
+        const std::string device = m_devices.deviceNumbered(gnu_dev_major(each.number), gnu_dev_minor(each.number));
+        if (device.empty()) continue;
+        devices.push_back(device);
+        for (std::string& layer : m_devices.layersOn(device)) devices.push_back(std::move(layer));
+    }
+    return devices;
+}
+
+// What of the system lies there, in words; empty when nothing does.
+std::string LinuxVolumesEjection::useBySystem(const EjectionPlan& plan, const std::vector<std::string>& devices,
+                                              const Mounts& mounts) const {
+    for (const MountEntry& each : mounts)
+        if (isSystemPlace(each.point)) return "it is mounted on " + each.point;
+    for (const DiskObject& each : plan.devices) {
+        if (each.isActiveSwap) return "memory is swapped to it";
+        for (const std::string& point : each.mountPoints)
+            if (isSystemPlace(point)) return "it is mounted on " + point;
+    }
+    for (const std::string& path : swapPathsIn(readSystemText(m_swaps, kSwapsLimit).value_or(std::string()))) {
+        const bool isFile = std::any_of(mounts.begin(), mounts.end(),
+                                        [&](const MountEntry& each) { return isWithin(path, each.point); });
+        const std::string device = isWithin(path, "/dev") ? m_devices.deviceNamed(lastPathComponent(path)) : "";
+        if (isFile || std::find(devices.begin(), devices.end(), device) != devices.end())
+            return "memory is swapped to it";
+    }
+    return {};
+}
+
+namespace {
+
+// Carries a plan out, step by step; stops at the first step that fails.
+class DiskEjection final {
+public:
+    DiskEjection(DiskService& service, const EjectionPlan& plan) : m_service(service), m_plan(plan) {}
+
+    // Nothing when all file systems are unmounted.
+    std::optional<DiskServiceFailure> unmount() {
+        for (const std::string& device : m_plan.mounted) {
+            const auto done = call(device, "Filesystem", "Unmount");
+            if (!done && done.error().kind != Kind::NotMounted) return done.error();
+        }
+        return std::nullopt;
+    }
+
+    // Nothing when the drive can be taken away.
+    std::optional<DiskServiceFailure> release() {
+        for (const std::string& device : m_plan.unlocked)
+            if (const auto done = call(device, "Encrypted", "Lock"); !done && !isGone(done)) return done.error();
+        if (!m_plan.loop.empty())
+            if (const auto done = call(m_plan.loop, "Loop", "Delete"); !done && !isGone(done)) return done.error();
+        return releaseDrive();
+    }
+
+private:
+    using Result = DiskServiceResult<void>;
+
+    Result call(const std::string& path, const std::string& interface, const char* operation) {
+        return m_service.call(path, ("org.freedesktop.UDisks2." + interface).c_str(), operation);
+    }
+
+    // What vanished by itself, such as a stick that was pulled now, needs no more.
+    static bool isGone(const Result& result) { return !result && result.error().kind == Kind::Gone; }
+
+    // A drive that gives its medium back may stay switched on, and one that can be switched off need not give it back.
+    std::optional<DiskServiceFailure> releaseDrive() {
+        std::optional<DiskServiceFailure> obstacle;
+        if (m_plan.ejects) {
+            const Result done = call(m_plan.drive, "Drive", "Eject");
+            if (isGone(done)) return std::nullopt;
+            if (!done) obstacle = done.error();
+        }
+        if (!m_plan.powersOff) return obstacle;
+        const Result done = call(m_plan.drive, "Drive", "PowerOff");
+        if (done || isGone(done) || (m_plan.ejects && !obstacle)) return std::nullopt;
+        return obstacle ? obstacle : done.error();
+    }
+
+    DiskService& m_service;
+    const EjectionPlan& m_plan;
+};
+
+}  // namespace
+
+Outcome LinuxVolumesEjection::ejectDevice(const MountEntry& mount, const std::string& device,
+                                          const Mounts& table) const {
+    if (isSystemPlace(mount.point)) return refusalFor("it is mounted on " + mount.point);
+    auto service = DiskService::open(kPatienceWithService);
+    if (!service) return failure(ioErr, service.error().reason);
+    const auto number = m_devices.numberOf(device);
+    const auto plan = number ? planEjection(service->objects(), *number) : std::nullopt;
+    if (!plan) return failure(ioErr, fmt::format("The disk service does not know {}", lastPathComponent(device)));
+
+    const std::vector<std::string> devices = devicesOf(*plan);
+    Mounts mounts;
+    for (const MountEntry& each : table)
+        if (std::find(devices.begin(), devices.end(), m_devices.deviceOf(each)) != devices.end())
+            mounts.push_back(each);
+    if (const std::string use = useBySystem(*plan, devices, mounts); !use.empty()) return refusalFor(use);
+    if (const MountEntry* const stranger = strangerOn(mounts, table)) return strangerFailure(*stranger);
+
+    const auto failureOf = [&](const DiskServiceFailure& obstacle, std::string_view before) {
+        if (obstacle.kind != Kind::Busy) return failure(ioErr, fmt::format("{}{}", before, obstacle.reason));
+        std::vector<std::string> nodes;
+        for (const DiskObject& each : plan->devices) nodes.push_back(each.node);
+        return busy(mounts, std::move(nodes), table);
+    };
+    DiskEjection ejection(*service, *plan);
+    if (const auto obstacle = ejection.unmount()) {
+        if (obstacle->kind == Kind::Gone && !stands(mount)) return failure(nsvErr, obstacle->reason);
+        return failureOf(*obstacle, "");
+    }
+    if (stands(mount)) return failure(ioErr, "The disk service unmounted it, but it is still mounted here");
+    if (const auto obstacle = ejection.release())
+        return failureOf(*obstacle, "The volume is unmounted, but its drive stays: ");
+    return {noErr, {}, std::move(mounts)};
+}
+
+}  // namespace orrinvale
