@@ -19,6 +19,15 @@ class Output;
 /// The exit statuses that all commands share.
 enum class Status : int { Done = 0, SomeSkipped = 1, BadUsage = 2, NoSuchFolder = 3, Stopped = 130 };
 
+/// What an exit status tells, in one sentence for people.
+struct StatusMeaning {
+    Status status;
+    std::string_view meaning;
+};
+
+/// Every status, in ascending order.
+[[nodiscard]] std::vector<StatusMeaning> statusMeanings();
+
 /// One option or argument of a command, as data.
 struct OptionSpec {
     std::string_view
@@ -54,6 +63,8 @@ public:
     virtual ~Command() = default;
     [[nodiscard]] virtual std::string_view name() const = 0;
     [[nodiscard]] virtual std::string_view summary() const = 0;
+    /// What the manual page says beyond the summary; empty where that says it all.
+    [[nodiscard]] virtual std::string_view description() const { return {}; }
     [[nodiscard]] virtual std::vector<OptionSpec> options() const = 0;
 
     /// Runs the command and gives the exit status.

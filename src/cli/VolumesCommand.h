@@ -15,6 +15,9 @@ public:
     [[nodiscard]] std::string_view summary() const override {
         return "List the mounted volumes, their kinds and their free space";
     }
+    [[nodiscard]] std::string_view description() const override {
+        return "A volume that does not answer within a second is left out, and told as skipped.";
+    }
     [[nodiscard]] std::vector<OptionSpec> options() const override { return {}; }
     Status run(const Arguments& arguments) override;
 

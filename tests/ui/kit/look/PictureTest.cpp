@@ -141,10 +141,12 @@ TEST(PictureFile, AllAreBuiltInAndNameTheirColours) {
     const QDir folder(QStringLiteral(ORRINVALE_SOURCE_DIR "/resources/pictures"));
     QStringList files = folder.entryList({"*.svg"_s});
     for (QString& file : files) file.chop(4);
-    files.sort();
-    EXPECT_EQ(PictureFile::names(), files);
+    // The program's own icon lies with the desktop's files, and has the same colours on all of them.
+    QStringList names = files + QStringList{"appicon"_s};
+    names.sort();
+    EXPECT_EQ(PictureFile::names(), names);
     static const QRegularExpression fixedColor("(fill|stroke|stop-color)=\"(?!none|url\\(#)[^\"]*\""_s);
-    for (const QString& name : PictureFile::names()) {
+    for (const QString& name : files) {
         QFile file(folder.filePath(name + ".svg"_s));
         ASSERT_TRUE(file.open(QIODevice::ReadOnly));
         const QString text = QString::fromUtf8(file.readAll());

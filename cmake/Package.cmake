@@ -1,0 +1,36 @@
+# The Debian package, made by `cpack` in the build folder or by `./dev package`. cmake/PackageRoot.cmake, which runs when all is
+# staged, adds what only a package has.
+if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr" OR NOT ORRINVALE_GUI OR NOT CMARK_GFM)
+  return()  # the programs know the places of each other, and a package is never half
+endif()
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME orrinvale)
+set(CPACK_PACKAGE_VENDOR Kelpford)
+set(CPACK_PACKAGE_CONTACT "Orrinvale maintainers <maintainers@users.noreply.c-seed-0e71f8e9.example>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "find duplicate files and what is large")
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
+"Orrinvale is for people whose disks are full. It finds files that are there
+twice and shows what is large, on folders of any size and depth, and removes
+what you tick and nothing else.
+
+This package has the window program, the terminal command orrinvale-cli for
+scripts and servers, and the helper that removes protected files after an
+administrator was asked.")
+set(CPACK_PACKAGE_HOMEPAGE_URL "https://www.kelpford.com/")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_VERBATIM_VARIABLES ON)
+
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_DEBIAN_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
+  "default-dbus-session-bus | dbus-session-bus, fonts-inter, pkexec, polkitd, qt6-wayland, udisks2")
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "adwaita-icon-theme, gvfs")
+
+set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/PackageRoot.cmake)
+set(CPACK_ORRINVALE_SOURCE ${PROJECT_SOURCE_DIR})
+set(CPACK_ORRINVALE_DATE ${ORRINVALE_RELEASE_DATE})
+include(CPack)
