@@ -19,6 +19,7 @@
 #include "platform/instance.h"
 #include "platform/linux/LinuxAuthorization.h"
 #include "platform/linux/LinuxFiles.h"
+#include "platform/linux/LinuxMountChanges.h"
 #include "platform/linux/LinuxPermissions.h"
 #include "platform/linux/LinuxSystem.h"
 #include "platform/linux/LinuxVolumes.h"
@@ -54,6 +55,7 @@ struct Shared {
     LinuxFileSystem files;
     LinuxPermissions permissions;
     LinuxVolumes volumes;
+    LinuxMountChanges mountChanges;
     LinuxAuthorization authorization;
     NotificationCenter notifications;
     QtMainQueue mainQueue;
@@ -92,6 +94,7 @@ AppDelegateParts delegateParts(Shared& shared, std::unique_ptr<ProgramInstance>&
                       .openAddress = openWebPage},
             .icons = &shared.icons,
             .volumes = &shared.volumes,
+            .mountChanges = &shared.mountChanges,
             .openFolder = openInFileManager,
             .openGuide = openUserGuide,
             .exitProcess =

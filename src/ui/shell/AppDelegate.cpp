@@ -66,7 +66,7 @@ void AppDelegate::registNSnotification() {
 void AppDelegate::addMainFuction() {
     PreferenceViewController::setLastClickRow(0);
     UtilityFunction::callSelectNotificationForMainWindowLeft(PreferenceViewController::getLastClickRow());
-    m_workspace = std::make_unique<WorkspaceMounts>();
+    m_workspace = std::make_unique<WorkspaceMounts>(*m_parts.mountChanges);
     m_watchMu = std::make_unique<WatchMountUnmount>(m_workspace->notificationCenter(), *m_parts.pages.notifications);
     m_voluInfo = std::make_unique<VolumesInfo>(*m_parts.volumes);
     m_voluManager = std::make_unique<VolumesManager>(*m_parts.volumes, m_parts.openFolder);

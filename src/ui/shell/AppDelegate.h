@@ -25,6 +25,7 @@ class QLabel;
 namespace orrinvale {
 
 class ApplicationMenu;
+class MountChanges;
 class WatchMountUnmount;
 class WorkspaceMounts;
 
@@ -33,6 +34,7 @@ struct AppDelegateParts {
     SameFileDeleteParts pages;
     FileIcons* icons = nullptr;
     Volumes* volumes = nullptr;
+    MountChanges* mountChanges = nullptr;
     std::function<bool(const std::string& path)> openFolder;  ///< in the desktop's file manager; false when it can not
     std::function<bool()> openGuide;                          ///< false when it is not installed
     std::function<void(int status)> exitProcess;  ///< ends the process where it stands

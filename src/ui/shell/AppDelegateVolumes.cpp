@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "engine/text/Localized.h"
+#include "services/volumes/WorkspaceMounts.h"
 #include "ui/kit/controls/pathText.h"
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/shell/AppDelegate.h"
@@ -12,8 +13,6 @@
 
 namespace orrinvale {
 namespace {
-
-constexpr const char* volumeNameKey = "NSWorkspaceVolumeLocalizedNameKey";
 
 // A field of a note: white, bold, on the colour of controls.
 std::unique_ptr<QLabel> noteField(const std::string& text) {
@@ -41,7 +40,7 @@ void AppDelegate::ZvVolumeUnmountNotificationCall(const Notification& notificati
 }
 
 std::string AppDelegate::volumeSentence(const Notification& notification, const std::string& word) {
-    const auto found = notification.userInfo.find(volumeNameKey);
+    const auto found = notification.userInfo.find(NSWorkspaceVolumeLocalizedNameKey);
     const auto* const name =
         found == notification.userInfo.end() ? nullptr : std::any_cast<std::string>(&found->second);
     const std::string shown = name == nullptr || name->empty() ? "You disk" : *name;
