@@ -27,9 +27,10 @@
 #include "services/lifecycle/EndSignals.h"
 #include "services/lifecycle/StartService.h"
 #include "services/settings/SettingsKeeper.h"
+#include "ui/duplicates/registerDuplicatePage.h"
 #include "ui/kit/dialogs/WindowDialogs.h"
 #include "ui/kit/look/Theme.h"
-#include "ui/kit/look/picture.h"
+#include "ui/preferences/AppPrefsWindowController.h"
 #include "ui/shell/AppDelegate.h"
 #include "ui/shell/FileIcons.h"
 #include "ui/shell/FileManager.h"
@@ -109,6 +110,14 @@ AppDelegateParts delegateParts(Shared& shared, std::unique_ptr<ProgramInstance>&
                 }};
 }
 
+// The pages of the toolbar window; each is made when somebody looks at it.
+void preparePages(const AppDelegateParts& parts, AppDelegate& delegate) {
+    auto& pages = AppPrefsWindowController::sharedPrefsWindowController();
+    pages.setOpenAddress(parts.pages.openAddress);
+    pages.setOpenHelp([&delegate] { delegate.help(); });
+    registerDuplicatePage(pages, parts.pages);
+}
+
 int runWindow(int argc, char** argv, const StartRequest& request, std::unique_ptr<ProgramInstance> instance) {
     // A line for each file of a search would fill the desktop's journal; what is removed is always logged.
     Log::setEngineEnabled(qEnvironmentVariableIntValue("ORRINVALE_LOG") == 1);
@@ -130,7 +139,9 @@ int runWindow(int argc, char** argv, const StartRequest& request, std::unique_pt
     PreferenceViewController::initialize();
     UserDefaults& defaults = UserDefaults::standardUserDefaults();
     const SettingsKeeper keeper(defaults);
-    AppDelegate delegate(delegateParts(shared, instance));
+    const AppDelegateParts parts = delegateParts(shared, instance);
+    AppDelegate delegate(parts);
+    preparePages(parts, delegate);
     const EndSignals signals([&delegate](int signal) { delegate.endBySignal(signal); });
     QObject::connect(&application, &QGuiApplication::commitDataRequest, &delegate,
                      [&defaults] { static_cast<void>(defaults.synchronize()); });

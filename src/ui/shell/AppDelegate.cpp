@@ -1,6 +1,9 @@
 // AppDelegate: see AppDelegate.h.
 #include "ui/shell/AppDelegate.h"
 
+#include <fmt/format.h>
+
+#include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <utility>
 
@@ -160,7 +163,7 @@ void AppDelegate::leave(std::function<void()> last) {
 void AppDelegate::openAboutWindow() {
     handleReopenAppEvent();
     Alert about;
-    about.title = QStringLiteral("Orrinvale " ORRINVALE_VERSION);
+    about.title = QStringLiteral("Orrinvale ") + QCoreApplication::applicationVersion();
     about.text = tr("Finds duplicates, shows what is large, and removes what you tick: that and nothing else.\n\n"
                     "Free software under the Apache License 2.0.");
     about.picture = QStringLiteral("appicon");
