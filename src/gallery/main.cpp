@@ -17,6 +17,7 @@
 #include "gallery/DuplicateScenes.h"
 #include "gallery/LargeFileScenes.h"
 #include "gallery/SampleFolder.h"
+#include "gallery/ToolbarScene.h"
 #include "gallery/drawing.h"
 #include "platform/linux/LinuxSystem.h"
 #include "ui/kit/chrome/HoverButton.h"
@@ -97,7 +98,9 @@ int drawGallery(const Order& order, NotificationCenter& notifications) {
         order.folder, QLatin1String(order.isDark ? "-dark" : "") + QLatin1String(order.isLarge ? "@2x" : ""));
     if (!drawSheet(pictures, notifications)) return 1;
     if (order.isDark && order.isLarge) return 0;
-    return drawPage<DuplicateScenes>(order, pictures) && drawPage<LargeFileScenes>(order, pictures) ? 0 : 1;
+    const bool isDrawn = drawPage<DuplicateScenes>(order, pictures) && drawPage<LargeFileScenes>(order, pictures) &&
+                         drawPage<ToolbarScene>(order, pictures);
+    return isDrawn ? 0 : 1;
 }
 
 std::string_view valueAfter(int argc, char** argv, std::string_view option) {

@@ -37,5 +37,6 @@ inline constexpr const char* SUScheduledCheckInterval = "SUScheduledCheckInterva
 inline constexpr const char* openAtStartupKey = "openAtStartup";              ///< boolean: open it at start
 inline constexpr const char* fadeKey = "fade";                                ///< boolean: panes cross-fade
 inline constexpr const char* shiftSlowsAnimationKey = "shiftSlowsAnimation";  ///< boolean: Shift slows the change
+inline constexpr const char* DBPreferencesToolbarKey = "DBPreferencesToolbar";  ///< int: a ToolbarDisplay
 
 }  // namespace orrinvale

@@ -1,0 +1,86 @@
+// AppPrefsWindowController: see AppPrefsWindowController.h.
+#include "ui/preferences/AppPrefsWindowController.h"
+
+#include <QCoreApplication>
+#include <algorithm>
+#include <utility>
+
+#include "engine/base/Log.h"
+#include "engine/settings/PreferenceViewController.h"
+#include "engine/settings/SettingsKeys.h"
+#include "ui/preferences/ToolbarItem.h"
+
+namespace orrinvale {
+
+AppPrefsWindowController& AppPrefsWindowController::sharedPrefsWindowController() {
+    static QPointer<AppPrefsWindowController> shared;
+    if (shared.isNull()) {
+        shared = new AppPrefsWindowController;
+        connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, shared.data(), [] { delete shared.data(); });
+    }
+    return *shared;
+}
+
+AppPrefsWindowController::AppPrefsWindowController(QObject* parent)
+    : DBPrefsWindowController(parent), m_pageOwner(std::make_unique<QObject>()) {
+    registerPreferencesWindowDefaults();
+    readSettings();
+    followSetting(fadeKey);
+    followSetting(shiftSlowsAnimationKey);
+}
+
+AppPrefsWindowController::~AppPrefsWindowController() = default;
+
+// A setting may change on any thread, and after this object's end on the way here.
+void AppPrefsWindowController::followSetting(const char* key) {
+    m_observations.push_back(defaults().addObserver(key, [self = QPointer(this)] {
+        QMetaObject::invokeMethod(QCoreApplication::instance(), [self] {
+            if (self) self->readSettings();
+        });
+    }));
+}
+
+void AppPrefsWindowController::readSettings() {
+    setCrossFade(defaults().boolForKey(fadeKey));
+    setShiftSlowsAnimation(defaults().boolForKey(shiftSlowsAnimationKey));
+}
+
+void AppPrefsWindowController::registerPage(PageDescriptor page) {
+    const bool isTaken = std::any_of(m_pages.begin(), m_pages.end(),
+                                     [&](const auto& each) { return each.identifier == page.identifier; });
+    if (isTaken) {
+        Log::line("The page \"" + page.identifier.toStdString() + "\" is there already.");
+        return;
+    }
+    m_pages.push_back(std::move(page));
+    if (isToolbarSetUp()) insertPage(static_cast<int>(m_pages.size()) - 1);
+}
+
+void AppPrefsWindowController::insertPage(int place) {
+    const PageDescriptor& page = m_pages[static_cast<std::size_t>(place)];
+    insertView(place, nullptr, page.identifier, page.picture);
+    toolbarItems().value(page.identifier)->setLabel(page.label);
+}
+
+void AppPrefsWindowController::setupToolbar() {
+    for (int place = 0; place < static_cast<int>(m_pages.size()); ++place) insertPage(place);
+    if (!opensAddress() && !opensHelp()) return;
+    addView(nullptr, {});
+    if (opensAddress()) {
+        addView(nullptr, QStringLiteral("websit"));
+        toolbarItems().value(QStringLiteral("websit"))->setLabel(tr("Web Site"));
+    }
+    if (opensHelp()) {
+        addView(nullptr, QStringLiteral("Help"));
+        toolbarItems().value(QStringLiteral("Help"))->setLabel(tr("Help"));
+    }
+}
+
+QWidget* AppPrefsWindowController::makeView(const QString& identifier) {
+    for (PageDescriptor& each : m_pages)
+        if (each.identifier == identifier && each.makeView)
+            return std::exchange(each.makeView, nullptr)(m_pageOwner.get());
+    return nullptr;
+}
+
+}  // namespace orrinvale
