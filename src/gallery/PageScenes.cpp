@@ -20,6 +20,7 @@ PageScenes::PageScenes(const SampleFolder& sample, UserDefaults& defaults, const
       m_pictures(pictures),
       m_wanted(std::move(wanted)),
       m_page(std::move(page)),
+      m_menu({}),
       m_controller(std::make_unique<DuplicateMainWindowController>(
           SameFileDeleteParts{.files = &m_files,
                               .notifications = &m_notifications,
@@ -31,6 +32,7 @@ PageScenes::PageScenes(const SampleFolder& sample, UserDefaults& defaults, const
                               .openAddress = {}},
           m_icons)),
       m_window(m_controller->window()) {
+    m_controller->setApplicationMenu(m_menu);
     m_controller->showWindow();
     m_files.refuse(SampleFolder::unreadableFolder, EACCES);
 }

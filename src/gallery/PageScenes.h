@@ -10,6 +10,7 @@
 #include "platform/linux/LinuxFiles.h"
 #include "services/foundation/QtMainQueue.h"
 #include "ui/kit/dialogs/WindowDialogs.h"
+#include "ui/shell/ApplicationMenu.h"
 #include "ui/shell/FileIcons.h"
 
 class QWidget;
@@ -48,6 +49,7 @@ protected:
     QtMainQueue m_mainQueue;
     WindowDialogs m_dialogs;
     FileIcons m_icons;
+    ApplicationMenu m_menu;
     std::unique_ptr<DuplicateMainWindowController> m_controller;
     TCImageWindow* m_window;
 };

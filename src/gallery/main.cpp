@@ -16,6 +16,7 @@
 #include "gallery/ControlSheet.h"
 #include "gallery/DuplicateScenes.h"
 #include "gallery/LargeFileScenes.h"
+#include "gallery/ProgramScenes.h"
 #include "gallery/SampleFolder.h"
 #include "gallery/ToolbarScene.h"
 #include "gallery/drawing.h"
@@ -73,8 +74,8 @@ bool drawSheet(const PictureFolder& pictures, NotificationCenter& notifications)
 QSet<QString> wantedScenes(const Order& order) {
     if (!order.isDark && !order.isLarge) return {};
     if (order.isDark && !order.isLarge)
-        return {QStringLiteral("first"), QStringLiteral("progress"), QStringLiteral("detail"),
-                QStringLiteral("question"), QStringLiteral("failure")};
+        return {QStringLiteral("first"),    QStringLiteral("progress"), QStringLiteral("detail"),
+                QStringLiteral("question"), QStringLiteral("failure"),  QStringLiteral("menu")};
     return {QStringLiteral("first"), QStringLiteral("detail")};
 }
 
@@ -99,7 +100,7 @@ int drawGallery(const Order& order, NotificationCenter& notifications) {
     if (!drawSheet(pictures, notifications)) return 1;
     if (order.isDark && order.isLarge) return 0;
     const bool isDrawn = drawPage<DuplicateScenes>(order, pictures) && drawPage<LargeFileScenes>(order, pictures) &&
-                         drawPage<ToolbarScene>(order, pictures);
+                         drawPage<ToolbarScene>(order, pictures) && drawPage<ProgramScenes>(order, pictures);
     return isDrawn ? 0 : 1;
 }
 

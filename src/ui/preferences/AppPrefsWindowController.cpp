@@ -16,7 +16,8 @@ AppPrefsWindowController& AppPrefsWindowController::sharedPrefsWindowController(
     static QPointer<AppPrefsWindowController> shared;
     if (shared.isNull()) {
         shared = new AppPrefsWindowController;
-        connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, shared.data(), [] { delete shared.data(); });
+        connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, shared.data(),
+                [] { delete shared.data(); });
     }
     return *shared;
 }
@@ -46,14 +47,16 @@ void AppPrefsWindowController::readSettings() {
 }
 
 void AppPrefsWindowController::registerPage(PageDescriptor page) {
-    const bool isTaken = std::any_of(m_pages.begin(), m_pages.end(),
-                                     [&](const auto& each) { return each.identifier == page.identifier; });
-    if (isTaken) {
+    if (hasPage(page.identifier)) {
         Log::line("The page \"" + page.identifier.toStdString() + "\" is there already.");
         return;
     }
     m_pages.push_back(std::move(page));
     if (isToolbarSetUp()) insertPage(static_cast<int>(m_pages.size()) - 1);
+}
+
+bool AppPrefsWindowController::hasPage(const QString& identifier) const {
+    return std::ranges::any_of(m_pages, [&](const PageDescriptor& each) { return each.identifier == identifier; });
 }
 
 void AppPrefsWindowController::insertPage(int place) {

@@ -33,6 +33,7 @@ public:
     /// Adds a page behind those that are registered, now or when the window is first shown. An identifier that is taken is logged
     /// and leaves the page that has it.
     void registerPage(PageDescriptor page);
+    [[nodiscard]] bool hasPage(const QString& identifier) const;
 
 private:
     void setupToolbar() override;

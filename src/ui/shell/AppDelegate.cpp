@@ -31,13 +31,14 @@ constexpr int endPause = 10;
 AppDelegate::AppDelegate(AppDelegateParts parts, QObject* parent)
     : QObject(parent),
       m_parts(std::move(parts)),
-      m_menu(std::make_unique<ApplicationMenu>(ApplicationMenu::Actions{.openAboutWindow = [this] { openAboutWindow(); },
-                                                                        .Reference = [this] { Reference(); },
-                                                                        .CheckupdateMenuItemAction = {},
-                                                                        .showPages = [this] { showPages(); },
-                                                                        .rejestAllDisk = [this] { rejestAllDisk(); },
-                                                                        .help = [this] { help(); },
-                                                                        .quit = [this] { quit(); }})),
+      m_menu(
+          std::make_unique<ApplicationMenu>(ApplicationMenu::Actions{.openAboutWindow = [this] { openAboutWindow(); },
+                                                                     .Reference = [this] { Reference(); },
+                                                                     .CheckupdateMenuItemAction = {},
+                                                                     .showPages = [this] { showPages(); },
+                                                                     .rejestAllDisk = [this] { rejestAllDisk(); },
+                                                                     .help = [this] { help(); },
+                                                                     .quit = [this] { quit(); }})),
       m_volumeWorker(*m_parts.volumes, *m_parts.pages.mainQueue) {
     connect(m_menu.get(), &ApplicationMenu::opened, this, [this] { refMenuItemWhenDeleteAndAdd(); });
 }
@@ -74,7 +75,8 @@ void AppDelegate::addMainFuction() {
     m_voluInfo = std::make_unique<VolumesInfo>(*m_parts.volumes);
     m_voluManager = std::make_unique<VolumesManager>(*m_parts.volumes, m_parts.openFolder);
     refMenuItemWhenDeleteAndAdd();
-    if (!m_parts.pages.defaults->boolForKey(ZvLoginCheckKey)) UtilityFunction::callSelectNotificationForMainWindowLeft(0);
+    if (!m_parts.pages.defaults->boolForKey(ZvLoginCheckKey))
+        UtilityFunction::callSelectNotificationForMainWindowLeft(0);
 }
 
 void AppDelegate::perform(const StartRequest& request) {
@@ -143,6 +145,7 @@ bool AppDelegate::isRemoving() const {
 void AppDelegate::leave(std::function<void()> last) {
     if (std::exchange(m_isLeaving, true)) return;
     const auto end = [this, last = std::move(last)] {
+        m_leaving.stop();
         // A failure is logged there; there is nobody left to be asked.
         static_cast<void>(m_parts.pages.defaults->synchronize());
         last();
@@ -164,8 +167,9 @@ void AppDelegate::openAboutWindow() {
     handleReopenAppEvent();
     Alert about;
     about.title = QStringLiteral("Orrinvale ") + QCoreApplication::applicationVersion();
-    about.text = tr("Finds duplicates, shows what is large, and removes what you tick: that and nothing else.\n\n"
-                    "Free software under the Apache License 2.0.");
+    about.text =
+        tr("Finds duplicates, shows what is large, and removes what you tick: that and nothing else.\n\n"
+           "Free software under the Apache License 2.0.");
     about.picture = QStringLiteral("appicon");
     m_parts.pages.dialogs->alert(window(), about, [](int) {});
 }

@@ -8,6 +8,7 @@
 #include "services/volumes/WorkspaceMounts.h"
 #include "ui/kit/controls/pathText.h"
 #include "ui/kit/dialogs/Dialogs.h"
+#include "ui/preferences/AppPrefsWindowController.h"
 #include "ui/shell/AppDelegate.h"
 #include "ui/shell/ApplicationMenu.h"
 
@@ -81,7 +82,8 @@ void AppDelegate::ejectionEnded(std::int32_t status, const std::vector<EjectFail
     if (failures.empty()) return;
     handleReopenAppEvent();
     QStringList lines;
-    for (const EjectFailure& each : failures) lines.push_back(onOneLine(QString::fromStdString(ejectFailureText(each))));
+    for (const EjectFailure& each : failures)
+        lines.push_back(onOneLine(QString::fromStdString(ejectFailureText(each))));
     Alert alert;
     alert.title = tr("Not every volume could be ejected.");
     alert.text = lines.join(QLatin1Char('\n'));
@@ -91,6 +93,8 @@ void AppDelegate::ejectionEnded(std::int32_t status, const std::vector<EjectFail
 
 // The menu is told what there is to eject; the walk that finds out runs elsewhere, since a server that is gone takes its time.
 void AppDelegate::refMenuItemWhenDeleteAndAdd() {
+    m_menu->setHasPreferences(
+        AppPrefsWindowController::sharedPrefsWindowController().hasPage(QStringLiteral("preferences")));
     m_volumeWorker.hasEjectable([this](bool has) { m_menu->setCanEject(has && !m_isEjecting); });
 }
 

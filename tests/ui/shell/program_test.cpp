@@ -1,10 +1,16 @@
-// The program as a person starts it, on a display of its own: the window, its bounds, a folder from the command line, and its end.
+// The program as a person starts it: the window, its bounds, a folder from the command line, further starts, and its end.
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 
+#include <QElapsedTimer>
 #include <QImage>
 #include <QLabel>
+#include <QStandardPaths>
+#include <csignal>
 #include <set>
 
+#include "platform/descriptor.h"
 #include "support/TestTree.h"
 #include "ui/duplicates/PageWindow.h"
 #include "ui/kit/chrome/DesktopSession.h"
@@ -39,20 +45,56 @@ TEST(MainWindow, HasItsBoundsAndShowsOnlyWhatIsThere) {
     EXPECT_EQ(window.frame().size(), QSize(900, 700)) << "as it was left";
 }
 
-TEST(Program, StartsSearchesAFolderAndEndsWithItsWindow) {
+// The program as another process, in the environment of a session.
+struct Running {
+    explicit Running(QProcessEnvironment variables) : environment(std::move(variables)) {
+        environment.insert(QStringLiteral("ORRINVALE_LOG"), QStringLiteral("1"));
+        program.setProcessEnvironment(environment);
+        program.setProcessChannelMode(QProcess::MergedChannels);
+    }
+    ~Running() {
+        program.kill();
+        program.waitForFinished();
+    }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+
+    void start(const QStringList& arguments = {}) {
+        program.start(QStringLiteral(ORRINVALE_PROGRAM), arguments);
+        ASSERT_TRUE(program.waitForStarted());
+    }
+    /// Another start of the program, to its end: its status, -1 when it does not end within five seconds.
+    int startAgain(const QStringList& arguments = {}) const {
+        QProcess second;
+        second.setProcessEnvironment(environment);
+        second.start(QStringLiteral(ORRINVALE_PROGRAM), arguments);
+        return second.waitForFinished(5000) && second.exitStatus() == QProcess::NormalExit ? second.exitCode() : -1;
+    }
+    bool hasSaid(const std::string& words) {
+        said += program.readAll().toStdString();
+        return said.find(words) != std::string::npos;
+    }
+    /// The status with which it ended; -1 for none yet, minus the signal that ended it.
+    int ended(int patience = 10'000) {
+        if (!program.waitForFinished(patience)) return -1;
+        return program.exitStatus() == QProcess::NormalExit ? program.exitCode() : -program.exitCode();
+    }
+
+    QProcessEnvironment environment;
+    QProcess program;
+    std::string said;
+};
+
+TEST(Program, StartsSearchesAFolderAndLivesOnWhenItsWindowIsClosed) {
     testing::TestTree tree;
     ASSERT_TRUE(tree.write("f/a/x.txt", "the same") && tree.write("f/b/x.txt", "the same"));
     DesktopSession session;
+    session.setVariable("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
     const std::string reason = session.startX11({QStringLiteral("openbox")});
     if (!reason.empty()) GTEST_SKIP() << reason;
-    QProcess program;
-    QProcessEnvironment environment = session.environment();
-    environment.insert(QStringLiteral("ORRINVALE_LOG"), QStringLiteral("1"));
-    program.setProcessEnvironment(environment);
-    program.setProcessChannelMode(QProcess::MergedChannels);
-    program.setWorkingDirectory(QString::fromStdString(tree.path()));
-    program.start(QStringLiteral(ORRINVALE_PROGRAM), {QStringLiteral("./f/")});
-    ASSERT_TRUE(program.waitForStarted());
+    Running running(session.environment());
+    running.program.setWorkingDirectory(QString::fromStdString(tree.path()));
+    running.start({QStringLiteral("./f/")});
     const auto find = [&] {
         return session
             .run(QStringLiteral("xdotool"), {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
@@ -60,7 +102,7 @@ TEST(Program, StartsSearchesAFolderAndEndsWithItsWindow) {
             .trimmed();
     };
     QString id;
-    ASSERT_TRUE(PageWindow::waitFor([&] { return !(id = find()).isEmpty(); })) << program.readAll().toStdString();
+    ASSERT_TRUE(PageWindow::waitFor([&] { return !(id = find()).isEmpty(); }));
     // More than a dozen colours: not a blank window.
     const QString picture = QString::fromStdString(tree.at("window.png"));
     QImage image;
@@ -74,13 +116,168 @@ TEST(Program, StartsSearchesAFolderAndEndsWithItsWindow) {
     }));
     EXPECT_GE(image.width(), 800);
     EXPECT_GE(image.height(), 506 + 62);
-    session.run(QStringLiteral("xdotool"), {QStringLiteral("windowactivate"), QStringLiteral("--sync"), id,
-                                            QStringLiteral("key"), QStringLiteral("ctrl+w")});
-    EXPECT_TRUE(program.waitForFinished(10'000));
-    EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
-    const std::string said = program.readAll().toStdString();
-    EXPECT_EQ(program.exitCode(), 0) << said;
-    EXPECT_NE(said.find("search Path:" + tree.at("f") + ' '), std::string::npos) << said;
+    EXPECT_TRUE(PageWindow::waitFor([&] { return running.hasSaid("search Path:" + tree.at("f") + ' '); }))
+        << running.said;
+    const auto press = [&](const char* keys) {
+        session.run(QStringLiteral("xdotool"), {QStringLiteral("windowactivate"), QStringLiteral("--sync"), find(),
+                                                QStringLiteral("key"), QLatin1String(keys)});
+    };
+    press("ctrl+w");
+    ASSERT_TRUE(PageWindow::waitFor([&] { return find().isEmpty(); }));
+    EXPECT_EQ(running.program.state(), QProcess::Running);
+    EXPECT_EQ(running.startAgain(), 0);
+    ASSERT_TRUE(PageWindow::waitFor([&] { return !find().isEmpty(); }))
+        << "the second start opens the first one's window";
+    press("ctrl+q");
+    EXPECT_EQ(running.ended(), 1);
+}
+
+// A session bus that starts the program when somebody calls it by its name, as an installed one does.
+class PrivateBus {
+public:
+    explicit PrivateBus(testing::TestTree& tree) {
+        if (QStandardPaths::findExecutable(QStringLiteral("dbus-daemon")).isEmpty() ||
+            QStandardPaths::findExecutable(QStringLiteral("gdbus")).isEmpty())
+            return;
+        tree.write("services/com.kelpford.Orrinvale.service",
+                   "[D-BUS Service]\nName=com.kelpford.Orrinvale\nExec=" ORRINVALE_PROGRAM "\n");
+        tree.write("bus.conf",
+                   "<busconfig><type>session</type><listen>unix:path=" + tree.at("bus") + "</listen><servicedir>" +
+                       tree.at("services") +
+                       "</servicedir><policy context=\"default\"><allow send_destination=\"*\" eavesdrop=\"true\"/>"
+                       "<allow eavesdrop=\"true\"/><allow own=\"*\"/></policy></busconfig>");
+        environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"),
+                           QString::fromStdString("unix:path=" + tree.at("bus")));
+        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), QString::fromStdString(tree.path()));
+        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), QString::fromStdString(tree.path()));
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        environment.insert(QStringLiteral("ORRINVALE_LOG"), QStringLiteral("1"));
+        m_daemon.setProcessEnvironment(environment);
+        m_daemon.setProcessChannelMode(QProcess::MergedChannels);
+        m_daemon.start(QStringLiteral("dbus-daemon"), {QString::fromStdString("--config-file=" + tree.at("bus.conf")),
+                                                       QStringLiteral("--nofork"), QStringLiteral("--nopidfile")});
+        isThere = m_daemon.waitForStarted() && PageWindow::waitFor([&] { return testing::isThere(tree.at("bus")); });
+    }
+    ~PrivateBus() {
+        m_daemon.terminate();
+        m_daemon.waitForFinished();
+    }
+    PrivateBus(const PrivateBus&) = delete;
+    PrivateBus& operator=(const PrivateBus&) = delete;
+
+    /// What the method answers; a null text when it fails.
+    QString call(const QString& method, const QStringList& arguments,
+                 const char* destination = "com.kelpford.Orrinvale",
+                 const char* path = "/com/kelpford/Orrinvale") const {
+        QProcess gdbus;
+        gdbus.setProcessEnvironment(environment);
+        gdbus.start(QStringLiteral("gdbus"),
+                    QStringList{QStringLiteral("call"), QStringLiteral("--session"), QStringLiteral("--dest"),
+                                QLatin1String(destination), QStringLiteral("--object-path"), QLatin1String(path),
+                                QStringLiteral("--method"), method} +
+                        arguments);
+        if (!gdbus.waitForFinished(20'000) || gdbus.exitCode() != 0) return {};
+        return QString::fromUtf8(gdbus.readAllStandardOutput());
+    }
+    /// What the program said that the bus has started.
+    std::string said() { return m_said += m_daemon.readAll().toStdString(); }
+    bool hasProgram() const {
+        return call(QStringLiteral("org.freedesktop.DBus.NameHasOwner"), {QStringLiteral("com.kelpford.Orrinvale")},
+                    "org.freedesktop.DBus", "/org/freedesktop/DBus")
+            .contains(QLatin1String("true"));
+    }
+
+    QProcessEnvironment environment;
+    bool isThere = false;
+
+private:
+    QProcess m_daemon;
+    std::string m_said;
+};
+
+TEST(Program, IsStartedAndReachedOverTheSessionBus) {
+    testing::TestTree tree;
+    PrivateBus bus(tree);
+    if (!bus.isThere) GTEST_SKIP() << "no dbus-daemon or no gdbus here";
+    ASSERT_TRUE(tree.write("a b/x", "same") && tree.write("a b/y", "same") && tree.write("c/x", "same"));
+    const QString application = QStringLiteral("org.freedesktop.Application.");
+    ASSERT_FALSE(bus.hasProgram());
+    ASSERT_FALSE(bus.call(application + QStringLiteral("Activate"), {QStringLiteral("{}")}).isNull()) << bus.said();
+    EXPECT_TRUE(bus.hasProgram());
+    const QString address = QString::fromStdString("['file://" + tree.at("a%20b") + "']");
+    EXPECT_FALSE(bus.call(application + QStringLiteral("Open"), {address, QStringLiteral("{}")}).isNull());
+    EXPECT_TRUE(PageWindow::waitFor([&] {
+        return bus.said().find("search Path:" + tree.at("a b") + ' ') != std::string::npos;
+    })) << bus.said();
+    // A start from a terminal ends with the status 0 when the running program has taken it over.
+    const Running second(bus.environment);
+    EXPECT_EQ(second.startAgain({QString::fromStdString(tree.at("c"))}), 0);
+    EXPECT_TRUE(PageWindow::waitFor([&] {
+        return bus.said().find("search Path:" + tree.at("c") + ' ') != std::string::npos;
+    })) << bus.said();
+    EXPECT_EQ(second.startAgain({QStringLiteral("--action"), QStringLiteral("quit")}), 0);
+    EXPECT_TRUE(PageWindow::waitFor([&] { return !bus.hasProgram(); })) << "it has quit";
+}
+
+TEST(Program, OfTwoStartsAtTheSameMomentOneStays) {
+    testing::TestTree tree;
+    PrivateBus bus(tree);
+    if (!bus.isThere) GTEST_SKIP() << "no dbus-daemon or no gdbus here";
+    const QByteArray asked = qgetenv("ORRINVALE_TEST_ROUNDS");
+    const int rounds = asked.isEmpty() ? 5 : asked.toInt();
+    for (int round = 0; round < rounds; ++round) {
+        // With the bus in one half of the rounds, through the socket alone in the other.
+        if (round % 2 == 1)
+            bus.environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"),
+                                   QStringLiteral("unix:path=/nonexistent"));
+        Running one(bus.environment), other(bus.environment);
+        one.start();
+        other.start();
+        ASSERT_TRUE(PageWindow::waitFor([&] {
+            return one.program.state() == QProcess::NotRunning || other.program.state() == QProcess::NotRunning;
+        }));
+        Running& first = one.program.state() == QProcess::Running ? one : other;
+        Running& second = &first == &one ? other : one;
+        ASSERT_EQ(second.ended(), 0) << "round " << round << ": " << second.program.readAll().toStdString();
+        ASSERT_EQ(first.program.state(), QProcess::Running) << round;
+        ASSERT_EQ(first.startAgain({QStringLiteral("--action"), QStringLiteral("quit")}), 0) << round;
+        ASSERT_EQ(first.ended(), 1) << "round " << round;
+    }
+}
+
+TEST(Program, EndsBySignalsAndNeedsNoBusAtAll) {
+    testing::TestTree tree;
+    // A bus that accepts and never says a word.
+    const Descriptor silent(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    tree.at("bus").copy(address.sun_path, sizeof address.sun_path - 1);
+    ASSERT_EQ(::bind(silent.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(::listen(silent.get(), 8), 0);
+    for (const std::string& bus :
+         {"unix:path=" + tree.at("bus"), std::string("unix:path=/nonexistent"), std::string()}) {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        for (const char* name : {"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS"})
+            environment.insert(QLatin1String(name), QString::fromStdString(bus));
+        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), QString::fromStdString(tree.path()));
+        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), QString::fromStdString(tree.path()));
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        Running running(environment);
+        running.start();
+        // It answers once its window stands.
+        ASSERT_TRUE(PageWindow::waitFor([&] { return testing::isThere(tree.at("orrinvale.socket")); })) << bus;
+        QElapsedTimer clock;
+        clock.start();
+        EXPECT_EQ(running.startAgain(), 0) << bus;
+        EXPECT_LT(clock.elapsed(), 3000) << bus;
+        for (int attempt = 0; attempt < 50 && running.program.state() == QProcess::Running; ++attempt) {
+            running.program.terminate();
+            if (running.program.waitForFinished(100)) break;
+        }
+        EXPECT_EQ(running.ended(0), -SIGTERM) << bus;
+        EXPECT_FALSE(testing::isThere(tree.at("orrinvale.socket"))) << "it tidied up";
+    }
 }
 
 }  // namespace

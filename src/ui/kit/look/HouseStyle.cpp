@@ -3,10 +3,12 @@
 
 #include <QPainter>
 #include <QStyleFactory>
+#include <QStyleOptionMenuItem>
 #include <QStyleOptionSlider>
 #include <algorithm>
 
 #include "ui/kit/look/Theme.h"
+#include "ui/kit/look/menuLook.h"
 
 namespace orrinvale {
 namespace {
@@ -59,8 +61,20 @@ void HouseStyle::drawComplexControl(ComplexControl control, const QStyleOptionCo
     else QProxyStyle::drawComplexControl(control, option, painter, widget);
 }
 
+void HouseStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                             const QWidget* widget) const {
+    const auto* const row = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+    if (element == CE_MenuItem && row != nullptr) drawMenuRow(*painter, *row);
+    else QProxyStyle::drawControl(element, option, painter, widget);
+}
+
 void HouseStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                                const QWidget* widget) const {
+    if (element == PE_PanelMenu) {
+        drawMenuPanel(*painter, option->rect);
+        return;
+    }
+    if (element == PE_FrameMenu) return;  // the panel has it
     if (element != PE_Frame) {
         QProxyStyle::drawPrimitive(element, option, painter, widget);
         return;
@@ -94,9 +108,17 @@ QRect HouseStyle::subControlRect(ComplexControl control, const QStyleOptionCompl
     return visualRect(bar->direction, bar->rect, place);
 }
 
+QSize HouseStyle::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
+                                   const QWidget* widget) const {
+    const auto* const row = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+    if (type == CT_MenuItem && row != nullptr) return menuRowSize(*row, contents);
+    return QProxyStyle::sizeFromContents(type, option, contents, widget);
+}
+
 int HouseStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {
     if (metric == PM_ScrollBarExtent) return barExtent;
     if (metric == PM_ScrollBarSliderMin) return shortestBar;
+    if (metric == PM_MenuVMargin) return menuPadding;
     return QProxyStyle::pixelMetric(metric, option, widget);
 }
 

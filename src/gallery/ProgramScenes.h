@@ -1,0 +1,57 @@
+// ProgramScenes: pictures of what concerns the whole program: its menu, the words about it, and volumes that stay.
+#pragma once
+
+#include <QSet>
+#include <QString>
+#include <memory>
+#include <string>
+
+#include "engine/base/NotificationCenter.h"
+#include "platform/fake/FakeMountChanges.h"
+#include "platform/fake/FakeVolumes.h"
+#include "platform/linux/LinuxFiles.h"
+#include "services/foundation/QtMainQueue.h"
+#include "ui/kit/dialogs/WindowDialogs.h"
+#include "ui/shell/FileIcons.h"
+
+namespace orrinvale {
+
+class AppDelegate;
+class PictureFolder;
+class SampleFolder;
+class TCImageWindow;
+class UserDefaults;
+
+/// The volumes are made up, as no machine that draws has a stick in it. Main thread only.
+class ProgramScenes final {
+public:
+    /// As PageScenes.
+    ProgramScenes(const SampleFolder& sample, UserDefaults& defaults, const PictureFolder& pictures,
+                  QSet<QString> wanted);
+    ~ProgramScenes();
+    ProgramScenes(const ProgramScenes&) = delete;
+    ProgramScenes& operator=(const ProgramScenes&) = delete;
+
+    /// False when a picture could not be made; standard error says why.
+    bool draw();
+
+private:
+    void addStick(std::int16_t number, const char* name, const char* path);
+    bool save(const char* scene, const QPixmap& picture) const;
+    bool saveSheet(const char* scene);
+    bool drawMenu();
+
+    const PictureFolder& m_pictures;
+    const QSet<QString> m_wanted;
+    const LinuxFileSystem m_files;
+    NotificationCenter m_notifications;
+    QtMainQueue m_mainQueue;
+    WindowDialogs m_dialogs;
+    FileIcons m_icons;
+    FakeVolumes m_volumes;
+    FakeMountChanges m_mountChanges;
+    std::unique_ptr<AppDelegate> m_delegate;
+    TCImageWindow* m_window = nullptr;
+};
+
+}  // namespace orrinvale

@@ -1,0 +1,245 @@
+// The life of the program from inside: launch, reopening, what volumes that come and go set off, ejecting, and the end.
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QMenu>
+#include <QTest>
+
+#include "engine/cleaning/QnAuthorization.h"
+#include "engine/settings/SettingsKeys.h"
+#include "engine/text/Localized.h"
+#include "engine/text/UtilityFunction.h"
+#include "platform/fake/FakeMountChanges.h"
+#include "platform/fake/FakeVolumes.h"
+#include "services/volumes/WatchMountUnmount.h"
+#include "services/volumes/WorkspaceMounts.h"
+#include "ui/duplicates/PageWindow.h"
+#include "ui/shell/AppDelegate.h"
+#include "ui/shell/ApplicationMenu.h"
+
+namespace orrinvale::testing {
+namespace {
+
+FakeVolumes::Volume volume(std::int16_t number, const char* name, const char* path, bool canEject) {
+    FakeVolumes::Volume made;
+    made.volume = {number, {1000, 500}, name, path, 0};
+    made.parms.vMVersion = 3;
+    if (canEject) made.parms.vMExtendedAttributes = 1U << bIsEjectable | 1U << bIsRemovable;
+    return made;
+}
+
+// The delegate with everything that it works with, and a list of what it set off.
+struct Launched {
+    Launched() {
+        UserDefaults::setStandardUserDefaults(&defaults);
+        UtilityFunction::getMyFunction().setNotificationCenter(&notifications);
+        for (const char* name : {"refMenuItemWhenDeleteAndAdd", "updateSizeView", "shouldSelectRow"})
+            observations.push_back(
+                notifications.addObserver(name, [this](const Notification& each) { posted.push_back(each.name); }));
+        volumes.volumes = {volume(1, "System", "/", false), volume(7, "Stick", "/media/stick", true)};
+        delegate = std::make_unique<AppDelegate>(
+            AppDelegateParts{.pages = {.files = &files,
+                                       .notifications = &notifications,
+                                       .defaults = &defaults,
+                                       .dialogs = &dialogs,
+                                       .mainQueue = &mainQueue,
+                                       .icons = {},
+                                       .reveal = {},
+                                       .openAddress = {}},
+                             .icons = &icons,
+                             .volumes = &volumes,
+                             .mountChanges = &mounts,
+                             .openFolder = [this](const std::string& path) { return opened.push_back(path), canOpen; },
+                             .openGuide = [this] { return canOpen; },
+                             .exitProcess = [this](int status) { ends.push_back(status); },
+                             .endBySignal = [this](int signal) { ends.push_back(-signal); }});
+        delegate->applicationWillFinishLaunching();
+    }
+    ~Launched() {
+        delegate.reset();
+        UtilityFunction::getMyFunction().setNotificationCenter(nullptr);
+        UserDefaults::setStandardUserDefaults(nullptr);
+    }
+    Launched(const Launched&) = delete;
+    Launched& operator=(const Launched&) = delete;
+
+    QAction* entry(const char* name) const { return delegate->menu().menu()->findChild<QAction*>(QLatin1String(name)); }
+    bool isVisible() const { return delegate->duplicateMWC()->window()->isVisible(); }
+    void closeWindow() const { delegate->duplicateMWC()->window()->performClose(); }
+
+    TestTree tree;
+    UserDefaults defaults{tree.at("settings.ini")};
+    WatchedFiles files;
+    NotificationCenter notifications;
+    std::vector<NotificationCenter::Observation> observations;
+    RecordedDialogs dialogs;
+    QtMainQueue mainQueue;
+    FileIcons icons;
+    FakeVolumes volumes;
+    FakeMountChanges mounts;
+    std::vector<std::string> posted, opened;
+    std::vector<int> ends;
+    bool canOpen = true;
+    std::unique_ptr<AppDelegate> delegate;
+};
+
+TEST(AppDelegate, TheWindowStandsBeforeAnyVolumeIsLookedAt) {
+    Launched on;
+    EXPECT_TRUE(on.isVisible());
+    EXPECT_TRUE(on.volumes.askedIndexes.empty());
+    on.defaults.setInteger(5, ZvLastClickRow);
+    on.delegate->applicationDidFinishLaunching();
+    EXPECT_FALSE(on.volumes.askedIndexes.empty());
+    EXPECT_EQ(on.defaults.integerForKey(ZvLastClickRow), 0);
+    EXPECT_EQ(on.posted, (std::vector<std::string>{"shouldSelectRow", "shouldSelectRow"})) << "not started at login";
+    ASSERT_NE(on.delegate->getBootVolume(), nullptr);
+    EXPECT_EQ(on.delegate->getBootVolume()->volumeName, "System");
+    on.volumes.volumes.erase(on.volumes.volumes.begin());
+    EXPECT_EQ(on.delegate->getBootVolume(), nullptr);
+}
+
+TEST(AppDelegate, AClosedWindowComesBackAsItWasLeft) {
+    Launched on;
+    on.delegate->applicationDidFinishLaunching();
+    DuplicateMainWindowController* const controller = on.delegate->duplicateMWC();
+    controller->window()->setFrame({controller->window()->frame().topLeft(), QSize(900, 700)});
+    controller->selectFileListButtonAction();
+    on.closeWindow();
+    EXPECT_FALSE(on.isVisible());
+    on.delegate->openMainWindow();
+    EXPECT_FALSE(on.isVisible()) << "a rebuilt menu brings no window back that a person has closed";
+    on.delegate->handleReopenAppEvent();
+    EXPECT_TRUE(on.isVisible());
+    EXPECT_EQ(on.delegate->duplicateMWC(), controller);
+    EXPECT_EQ(controller->window()->frame().size(), QSize(900, 700));
+    EXPECT_TRUE(controller->diskView()->isVisible());
+}
+
+TEST(AppDelegate, WhatAStartAsksForIsDone) {
+    Launched on;
+    on.delegate->applicationDidFinishLaunching();
+    ASSERT_TRUE(on.tree.folder("f"));
+    using Kind = StartRequest::Kind;
+    const struct {
+        StartRequest request;
+        bool isLarge;
+    } cases[] = {{{Kind::Action, "large-files", "token"}, true},
+                 {{Kind::Activate, "", ""}, true},  // as it was left
+                 {{Kind::Action, "no such action", ""}, true},
+                 {{Kind::Action, "duplicates", ""}, false},
+                 {{Kind::Open, on.tree.at("f"), ""}, false}};
+    for (const auto& each : cases) {
+        on.closeWindow();
+        on.delegate->perform(each.request);
+        EXPECT_TRUE(on.isVisible()) << each.request.text;
+        EXPECT_EQ(on.delegate->duplicateMWC()->diskView()->isVisible(), each.isLarge) << each.request.text;
+    }
+    EXPECT_EQ(on.delegate->duplicateMWC()->sameFileDeleteVC()->searchPath(), on.tree.at("f"));
+    EXPECT_EQ(qgetenv("XDG_ACTIVATION_TOKEN"), "token");
+    qunsetenv("XDG_ACTIVATION_TOKEN");
+    EXPECT_TRUE(
+        PageWindow::waitFor([&] { return on.delegate->duplicateMWC()->sameFileDeleteVC()->bSearchFinished(); }));
+    EXPECT_TRUE(on.ends.empty());
+    on.delegate->perform({Kind::Action, "quit", ""});
+    EXPECT_EQ(on.ends, std::vector<int>{1});
+}
+
+TEST(AppDelegate, EachVolumeThatComesOrGoesIsASentenceAndTwoNotices) {
+    const struct {
+        UserInfo info;
+        const char* sentence;
+    } cases[] = {{{{NSWorkspaceVolumeLocalizedNameKey, std::string("Stick")}}, "Stick is mounted successfully!"},
+                 {{{NSWorkspaceVolumeLocalizedNameKey, std::string("a\nb")}}, "a\nb is mounted successfully!"},
+                 {{{NSWorkspaceVolumeLocalizedNameKey, std::string()}}, "You disk is mounted successfully!"},
+                 {{{NSWorkspaceVolumeLocalizedNameKey, 5}}, "You disk is mounted successfully!"},
+                 {{}, "You disk is mounted successfully!"}};
+    for (const auto& each : cases)
+        EXPECT_EQ(AppDelegate::volumeSentence({ZvVolumeMountNotification, {}, each.info}, "mounted"), each.sentence);
+    Launched on;
+    on.delegate->applicationDidFinishLaunching();
+    on.posted.clear();
+    on.notifications.post(ZvVolumeMountNotification);
+    on.notifications.post(ZvVolumeUnmountNotification);
+    const std::vector<std::string> twice{"refMenuItemWhenDeleteAndAdd", "updateSizeView", "refMenuItemWhenDeleteAndAdd",
+                                         "updateSizeView"};
+    EXPECT_EQ(on.posted, twice);
+    EXPECT_TRUE(on.dialogs.alerts().empty()) << "nothing appears on the screen";
+}
+
+TEST(AppDelegate, EjectAllTellsWhatStayed) {
+    Launched on;
+    on.delegate->applicationDidFinishLaunching();
+    EXPECT_FALSE(on.entry("Reference")->isEnabled());
+    EXPECT_FALSE(on.entry("checkUpdate")->isEnabled());
+    EXPECT_TRUE(PageWindow::waitFor([&] { return on.entry("ejectAll")->isEnabled(); }));
+    on.volumes.volumes.push_back(volume(8, "Disc", "/media/disc", true));
+    on.volumes.ejections[7] = {fBsyErr, {"it is busy", {{4242, "vlc", "/media/stick/film.mkv"}}}};
+    on.closeWindow();
+    on.dialogs.willAnswer(0);
+    on.entry("ejectAll")->trigger();
+    EXPECT_FALSE(on.entry("ejectAll")->isEnabled()) << "one at a time";
+    ASSERT_TRUE(PageWindow::waitFor([&] { return on.dialogs.alerts().size() == 1; }));
+    EXPECT_EQ(on.volumes.ejectedNumbers, (std::vector<std::int16_t>{7, 8}));
+    const QString text = on.dialogs.alerts()[0].text;
+    EXPECT_TRUE(text.contains(QLatin1String("Stick")) && text.contains(QLatin1String("vlc"))) << text.toStdString();
+    EXPECT_TRUE(on.isVisible()) << "a question needs a window";
+    // What can not be ejected is no failure, and nothing is said.
+    on.volumes.volumes.resize(1);
+    on.delegate->rejestAllDisk();
+    EXPECT_TRUE(PageWindow::waitFor([&] { return on.entry("ejectAll")->isEnabled() == false; }));
+    QTest::qWait(50);
+    EXPECT_EQ(on.dialogs.alerts().size(), 1U);
+}
+
+TEST(AppDelegate, AVolumeIsOpenedOrThePersonIsTold) {
+    Launched on;
+    on.delegate->applicationDidFinishLaunching();
+    on.notifications.post("openFinderWhenClickItems", std::string("/media//stick/"));
+    EXPECT_EQ(on.opened, std::vector<std::string>{"/media/stick"});
+    on.canOpen = false;
+    for (const std::any& object : {std::any(std::string("/media/stick")), std::any()}) {
+        on.dialogs.willAnswer(0);
+        on.notifications.post("openFinderWhenClickItems", object);
+        EXPECT_EQ(on.dialogs.alerts().back().title.toStdString(), getLocalizedString("CANNOT_OPEN_FINDER"));
+    }
+    EXPECT_EQ(on.opened.size(), 2U) << "no path, nothing asked";
+    on.dialogs.willAnswer(0);
+    on.delegate->help();
+    QTest::qWait(10);
+    EXPECT_EQ(on.dialogs.alerts().size(), 3U);
+}
+
+TEST(AppDelegate, QuittingSavesAndLetsARemovalFinishTheEntryThatItIsAt) {
+    LinuxPermissions permissions;
+    FakeAuthorization authorization;
+    Launched on;
+    Gate removing;
+    on.files.beforeRemoval = [&](const char* operation) {
+        if (std::string_view(operation) == "removeEntry") removing.pass();
+    };
+    QnAuthorization::shareQnAuthorization().setParts({&authorization, &on.files, &permissions, {}});
+    ASSERT_TRUE(on.tree.write("f/a", "same") && on.tree.write("f/b", "same") && on.tree.write("f/c", "same"));
+    on.delegate->applicationDidFinishLaunching();
+    auto& page = *on.delegate->duplicateMWC()->sameFileDeleteVC();
+    page.viewDragAction(on.tree.at("f"));
+    ASSERT_TRUE(PageWindow::waitFor([&] { return page.bSearchFinished() && page.detailView()->isVisible(); }));
+    page.setAllSelectOrNoSelect();
+    removing.shut();
+    on.dialogs.willAnswer(0);
+    page.removeBtnClicked();
+    ASSERT_TRUE(PageWindow::waitFor([&] { return removing.isWaitedAt(); }));
+    on.defaults.setInteger(3, ZvDuplicatesUnit);
+    on.entry("quit")->trigger();
+    on.entry("quit")->trigger();
+    EXPECT_TRUE(on.ends.empty());
+    EXPECT_FALSE(on.isVisible());
+    removing.open();
+    ASSERT_TRUE(PageWindow::waitFor([&] { return !on.ends.empty(); }));
+    EXPECT_EQ(on.ends[0], 1);
+    EXPECT_EQ(isThere(on.tree.at("f/a")) + isThere(on.tree.at("f/b")) + isThere(on.tree.at("f/c")), 2)
+        << "the entry under way is gone, and no other";
+    EXPECT_FALSE(on.defaults.isUnsaved());
+}
+
+}  // namespace
+}  // namespace orrinvale::testing
