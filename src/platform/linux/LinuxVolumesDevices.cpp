@@ -142,6 +142,10 @@ void LinuxVolumesDevices::addLayersOn(const std::string& device, int levelsLeft,
     }
 }
 
+bool LinuxVolumesDevices::isEmptyLoop(const std::string& device) const {
+    return isNumbered(lastPathComponent(device), "loop") && exists(device) && !exists(device + "/loop/backing_file");
+}
+
 std::string LinuxVolumesDevices::sequenceOf(const std::string& device) const {
     return device.empty() ? std::string() : attribute(wholeOf(device) + "/diskseq");
 }

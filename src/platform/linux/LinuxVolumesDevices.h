@@ -34,6 +34,9 @@ public:
     /// The devices that are made of this one: unlocked, mapped, joined, those made of these included.
     [[nodiscard]] std::vector<std::string> layersOn(const std::string& device) const;
 
+    /// Whether it is a loop device with no image behind it; many let go of the image by themselves when they are unmounted.
+    [[nodiscard]] bool isEmptyLoop(const std::string& device) const;
+
     /// The text that the kernel gives to one disk only: a medium put in later under the same name has another. Empty where the
     /// kernel is too old, and for no device.
     [[nodiscard]] std::string sequenceOf(const std::string& device) const;

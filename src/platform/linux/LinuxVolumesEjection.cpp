@@ -192,7 +192,8 @@ namespace {
 // Carries a plan out, step by step; stops at the first step that fails.
 class DiskEjection final {
 public:
-    DiskEjection(DiskService& service, const EjectionPlan& plan) : m_service(service), m_plan(plan) {}
+    DiskEjection(DiskService& service, const EjectionPlan& plan, const LinuxVolumesDevices& devices)
+        : m_service(service), m_plan(plan), m_devices(devices) {}
 
     // Nothing when all file systems are unmounted.
     std::optional<DiskServiceFailure> unmount() {
@@ -207,9 +208,11 @@ public:
     std::optional<DiskServiceFailure> release() {
         for (const std::string& device : m_plan.unlocked)
             if (const auto done = call(device, "Encrypted", "Lock"); !done && !isGone(done)) return done.error();
-        if (!m_plan.loop.empty())
-            if (const auto done = call(m_plan.loop, "Loop", "Delete"); !done && !isGone(done)) return done.error();
-        return releaseDrive();
+        if (m_plan.loop.empty()) return releaseDrive();
+        if (isLoopEmpty()) return std::nullopt;
+        const auto done = call(m_plan.loop, "Loop", "Delete");
+        if (done || isGone(done) || isLoopEmpty()) return std::nullopt;
+        return done.error();
     }
 
 private:
@@ -221,6 +224,14 @@ private:
 
     // What vanished by itself, such as a stick that was pulled now, needs no more.
     static bool isGone(const Result& result) { return !result && result.error().kind == Kind::Gone; }
+
+    bool isLoopEmpty() const {
+        return std::any_of(m_plan.devices.begin(), m_plan.devices.end(), [&](const DiskObject& each) {
+            const auto number = each.number;
+            return each.path == m_plan.loop &&
+                   m_devices.isEmptyLoop(m_devices.deviceNumbered(gnu_dev_major(number), gnu_dev_minor(number)));
+        });
+    }
 
     // A drive that gives its medium back may stay switched on, and one that can be switched off need not give it back.
     std::optional<DiskServiceFailure> releaseDrive() {
@@ -238,6 +249,7 @@ private:
 
     DiskService& m_service;
     const EjectionPlan& m_plan;
+    const LinuxVolumesDevices& m_devices;
 };
 
 }  // namespace
@@ -265,7 +277,7 @@ Outcome LinuxVolumesEjection::ejectDevice(const MountEntry& mount, const std::st
         for (const DiskObject& each : plan->devices) nodes.push_back(each.node);
         return busy(mounts, std::move(nodes), table);
     };
-    DiskEjection ejection(*service, *plan);
+    DiskEjection ejection(*service, *plan, m_devices);
     if (const auto obstacle = ejection.unmount()) {
         if (obstacle->kind == Kind::Gone && !stands(mount)) return failure(nsvErr, obstacle->reason);
         return failureOf(*obstacle, "");
