@@ -18,7 +18,6 @@ scripts and servers, and the helper that removes protected files after an
 administrator was asked.")
 set(CPACK_PACKAGE_HOMEPAGE_URL "https://www.kelpford.com/")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-set(CPACK_STRIP_FILES ON)
 set(CPACK_VERBATIM_VARIABLES ON)
 
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -32,5 +31,7 @@ set(CPACK_DEBIAN_PACKAGE_SUGGESTS "adwaita-icon-theme, gvfs")
 
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/PackageRoot.cmake)
 set(CPACK_ORRINVALE_SOURCE ${PROJECT_SOURCE_DIR})
+set(CPACK_ORRINVALE_STRIP ${CMAKE_STRIP})
 set(CPACK_ORRINVALE_DATE ${ORRINVALE_RELEASE_DATE})
 include(CPack)
+set(ORRINVALE_PACKAGE ON)

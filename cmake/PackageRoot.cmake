@@ -1,7 +1,11 @@
-# Runs inside of cpack, between staging and packing: compresses the manual pages and adds the documents that Debian expects.
+# Runs inside of cpack, between staging and packing: strips the programs, compresses the manual pages and adds the documents that Debian expects.
 set(usr ${CPACK_TEMPORARY_DIRECTORY}/usr)
 set(doc ${usr}/share/doc/${CPACK_PACKAGE_NAME})
 set(debian ${CPACK_ORRINVALE_SOURCE}/data/debian)
+
+execute_process(COMMAND ${CPACK_ORRINVALE_STRIP} --strip-all --remove-section=.comment --remove-section=.note
+    ${usr}/bin/orrinvale ${usr}/bin/orrinvale-cli ${usr}/libexec/orrinvale/orrinvale-helper
+  COMMAND_ERROR_IS_FATAL ANY)
 file(MAKE_DIRECTORY ${doc} ${usr}/share/lintian/overrides)
 file(COPY ${debian}/copyright DESTINATION ${doc})
 configure_file(${debian}/lintian-overrides ${usr}/share/lintian/overrides/${CPACK_PACKAGE_NAME} COPYONLY)

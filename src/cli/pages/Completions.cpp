@@ -83,7 +83,8 @@ std::string zshText(std::string_view text) {
 
 std::string_view zshKind(WordKind kind) {
     switch (kind) {
-        case WordKind::Folder: return "_files -/";
+        // The other one, _files, falls back to files where there is no folder.
+        case WordKind::Folder: return "_path_files -/";
         case WordKind::Path: return "_files";
         case WordKind::Volume: return "_orrinvale_volumes";
         case WordKind::Free: break;
