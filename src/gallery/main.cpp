@@ -148,6 +148,7 @@ std::optional<Order> readOrder(const QCoreApplication& application) {
 int run(int argc, char** argv) {
     if (!valueAfter(argc, argv, "--draw").empty()) fixSurroundings(argc, argv);
     const QApplication application(argc, argv);
+    QCoreApplication::setApplicationVersion(QStringLiteral(ORRINVALE_VERSION));
     const auto order = readOrder(application);
     if (!order) return 2;
     Theme::shared().setScheme(Theme::desktopScheme());

@@ -79,7 +79,7 @@ public:
     [[nodiscard]] bool duplicateScaned() const { return m_duplicateScaned; }
     void setDuplicateScaned(bool scaned) { m_duplicateScaned = scaned; }
     [[nodiscard]] bool bSearchFinished() const { return m_bSearchFinished; }
-    /// From the person's yes to the end of the removal.
+    /// From half a second after the person's yes, when the first entry goes, to the end of the removal.
     [[nodiscard]] bool isRemoving() const { return m_removalTimer.isActive(); }
     [[nodiscard]] const std::string& searchPath() const { return m_searchPath; }
 

@@ -16,6 +16,7 @@
 #include "services/volumes/WatchMountUnmount.h"
 #include "services/volumes/WorkspaceMounts.h"
 #include "ui/kit/chrome/TCImageWindow.h"
+#include "ui/kit/controls/pathText.h"
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/preferences/AppPrefsWindowController.h"
 #include "ui/shell/ApplicationMenu.h"
@@ -89,8 +90,7 @@ void AppDelegate::perform(const StartRequest& request) {
     }
     handleReopenAppEvent();
     if (request.kind == StartRequest::Kind::Open) {
-        m_duplicateMWC->selectDuplicateButtonAction();
-        m_duplicateMWC->sameFileDeleteVC()->viewDragAction(request.text);
+        searchFolder(request.text);
     } else if (request.text == "duplicates") {
         m_duplicateMWC->selectDuplicateButtonAction();
     } else if (request.text == "large-files") {
@@ -100,6 +100,20 @@ void AppDelegate::perform(const StartRequest& request) {
     } else if (request.kind == StartRequest::Kind::Action) {
         Log::line(fmt::format("There is no action \"{}\".", request.text));
     }
+}
+
+void AppDelegate::searchFolder(const std::string& path) {
+    m_duplicateMWC->selectDuplicateButtonAction();
+    SameFileDeleteViewController& page = *m_duplicateMWC->sameFileDeleteVC();
+    if (page.bSearchFinished()) {
+        page.viewDragAction(path);
+        return;
+    }
+    Alert busy;
+    busy.title = tr("Something else is under way.");
+    busy.text =
+        tr("Stop it or wait for its end, and then choose %1 again.").arg(onOneLine(QString::fromStdString(path)));
+    m_parts.pages.dialogs->alert(window(), busy, [](int) {});
 }
 
 void AppDelegate::openMainWindow() {

@@ -37,7 +37,7 @@ struct AppDelegateParts {
     MountChanges* mountChanges = nullptr;
     std::function<bool(const std::string& path)> openFolder;  ///< in the desktop's file manager; false when it can not
     std::function<bool()> openGuide;                          ///< false when it is not installed
-    std::function<void(int status)> exitProcess;  ///< ends the process where it stands
+    std::function<void(int status)> exitProcess;              ///< ends the process where it stands
     std::function<void(int signal)> endBySignal;  ///< the same, so that who sent the signal sees that it worked
 };
 
@@ -98,6 +98,7 @@ private:
     void refMenuItemWhenDeleteAndAdd();
     void ejectionEnded(std::int32_t status, const std::vector<EjectFailure>& failures);
     void bubbleViewWith(std::unique_ptr<QLabel> view, std::unique_ptr<QLabel> withBView = nullptr);
+    void searchFolder(const std::string& path);
     void leave(std::function<void()> last);
     [[nodiscard]] bool isRemoving() const;
     [[nodiscard]] QWidget* window() const;

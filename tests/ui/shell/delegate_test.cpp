@@ -1,6 +1,7 @@
 // The life of the program from inside: launch, reopening, what volumes that come and go set off, ejecting, and the end.
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QMenu>
 #include <QTest>
@@ -135,6 +136,10 @@ TEST(AppDelegate, WhatAStartAsksForIsDone) {
         EXPECT_EQ(on.delegate->duplicateMWC()->diskView()->isVisible(), each.isLarge) << each.request.text;
     }
     EXPECT_EQ(on.delegate->duplicateMWC()->sameFileDeleteVC()->searchPath(), on.tree.at("f"));
+    // A search is not given up for another one; the person is told.
+    on.dialogs.willAnswer(0);
+    on.delegate->perform({Kind::Open, on.tree.at("f"), ""});
+    EXPECT_EQ(on.dialogs.alerts().size(), 1U);
     EXPECT_EQ(qgetenv("XDG_ACTIVATION_TOKEN"), "token");
     qunsetenv("XDG_ACTIVATION_TOKEN");
     EXPECT_TRUE(
@@ -223,7 +228,7 @@ TEST(AppDelegate, QuittingSavesAndLetsARemovalFinishTheEntryThatItIsAt) {
     auto& page = *on.delegate->duplicateMWC()->sameFileDeleteVC();
     page.viewDragAction(on.tree.at("f"));
     ASSERT_TRUE(PageWindow::waitFor([&] { return page.bSearchFinished() && page.detailView()->isVisible(); }));
-    page.setAllSelectOrNoSelect();
+    page.detailView()->findChild<QAbstractButton*>(QStringLiteral("button"))->click();
     removing.shut();
     on.dialogs.willAnswer(0);
     page.removeBtnClicked();
