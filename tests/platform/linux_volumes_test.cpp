@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
-#include <sched.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -20,12 +19,14 @@
 #include "platform/linux/LinuxVolumes.h"
 #include "platform/linux/LinuxVolumesChoice.h"
 #include "platform/paths.h"
+#include "support/OwnMounts.h"
 #include "support/TestTree.h"
 
 namespace orrinvale {
 namespace {
 
 using testing::TestTree;
+using testing::withOwnMounts;
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 using Texts = std::vector<std::string>;
@@ -391,19 +392,6 @@ TEST(LinuxVolumes, ANumberDoesNotPassToAnotherMount) {
     IndexedVolume volume;
     EXPECT_EQ(platform.FSGetVolumeInfo(0, volume), nsvErr);
     EXPECT_EQ(platform.FSGetVolumeInfo(2, volume), nsvErr) << "no walk is under way";
-}
-
-// Runs the check where mounts are seen by it alone; what it says is a failure.
-void withOwnMounts(const std::function<std::string()>& check) {
-    if (::geteuid() != 0) GTEST_SKIP() << "only root may mount";
-    const std::string said = testing::runInChild({}, [&]() -> std::string {
-        if (::unshare(CLONE_NEWNS) != 0) return "skip: no name space for mounts: " + std::to_string(errno);
-        if (::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) return "skip: mounts can not be private";
-        if (::mount("ram", "/mnt", "tmpfs", 0, "size=64m") != 0) return "skip: no tmpfs";
-        return check();
-    });
-    if (said.starts_with("skip: ")) GTEST_SKIP() << said.substr(6);
-    EXPECT_EQ(said, "");
 }
 
 std::string describe(VolumesInfo& info) {

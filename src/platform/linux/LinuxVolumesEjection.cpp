@@ -16,6 +16,7 @@
 #include <utility>
 
 #include "platform/error.h"
+#include "platform/linux/DiskEjection.h"
 #include "platform/linux/DiskService.h"
 #include "platform/linux/EjectionPlan.h"
 #include "platform/linux/LinuxVolumesChoice.h"
@@ -167,6 +168,19 @@ std::vector<std::string> LinuxVolumesEjection::devicesOf(const EjectionPlan& pla
     return devices;
 }
 
+// The service learns of a mount a moment after it is made.
+void LinuxVolumesEjection::addMounts(std::vector<DiskObject>& objects, const Mounts& table) const {
+    for (const MountEntry& mount : table) {
+        const auto number = m_devices.numberOf(m_devices.deviceOf(mount));
+        for (DiskObject& object : objects) {
+            const auto& points = object.mountPoints;
+            if (number && object.isBlock && object.number == *number &&
+                std::find(points.begin(), points.end(), mount.point) == points.end())
+                object.mountPoints.push_back(mount.point);
+        }
+    }
+}
+
 // What of the system lies there, in words; empty when nothing does.
 std::string LinuxVolumesEjection::useBySystem(const EjectionPlan& plan, const std::vector<std::string>& devices,
                                               const Mounts& mounts) const {
@@ -187,81 +201,16 @@ std::string LinuxVolumesEjection::useBySystem(const EjectionPlan& plan, const st
     return {};
 }
 
-namespace {
-
-// Carries a plan out, step by step; stops at the first step that fails.
-class DiskEjection final {
-public:
-    DiskEjection(DiskService& service, const EjectionPlan& plan, const LinuxVolumesDevices& devices)
-        : m_service(service), m_plan(plan), m_devices(devices) {}
-
-    // Nothing when all file systems are unmounted.
-    std::optional<DiskServiceFailure> unmount() {
-        for (const std::string& device : m_plan.mounted) {
-            const auto done = call(device, "Filesystem", "Unmount");
-            if (!done && done.error().kind != Kind::NotMounted) return done.error();
-        }
-        return std::nullopt;
-    }
-
-    // Nothing when the drive can be taken away.
-    std::optional<DiskServiceFailure> release() {
-        for (const std::string& device : m_plan.unlocked)
-            if (const auto done = call(device, "Encrypted", "Lock"); !done && !isGone(done)) return done.error();
-        if (m_plan.loop.empty()) return releaseDrive();
-        if (isLoopEmpty()) return std::nullopt;
-        const auto done = call(m_plan.loop, "Loop", "Delete");
-        if (done || isGone(done) || isLoopEmpty()) return std::nullopt;
-        return done.error();
-    }
-
-private:
-    using Result = DiskServiceResult<void>;
-
-    Result call(const std::string& path, const std::string& interface, const char* operation) {
-        return m_service.call(path, ("org.freedesktop.UDisks2." + interface).c_str(), operation);
-    }
-
-    // What vanished by itself, such as a stick that was pulled now, needs no more.
-    static bool isGone(const Result& result) { return !result && result.error().kind == Kind::Gone; }
-
-    bool isLoopEmpty() const {
-        return std::any_of(m_plan.devices.begin(), m_plan.devices.end(), [&](const DiskObject& each) {
-            const auto number = each.number;
-            return each.path == m_plan.loop &&
-                   m_devices.isEmptyLoop(m_devices.deviceNumbered(gnu_dev_major(number), gnu_dev_minor(number)));
-        });
-    }
-
-    // A drive that gives its medium back may stay switched on, and one that can be switched off need not give it back.
-    std::optional<DiskServiceFailure> releaseDrive() {
-        std::optional<DiskServiceFailure> obstacle;
-        if (m_plan.ejects) {
-            const Result done = call(m_plan.drive, "Drive", "Eject");
-            if (isGone(done)) return std::nullopt;
-            if (!done) obstacle = done.error();
-        }
-        if (!m_plan.powersOff) return obstacle;
-        const Result done = call(m_plan.drive, "Drive", "PowerOff");
-        if (done || isGone(done) || (m_plan.ejects && !obstacle)) return std::nullopt;
-        return obstacle ? obstacle : done.error();
-    }
-
-    DiskService& m_service;
-    const EjectionPlan& m_plan;
-    const LinuxVolumesDevices& m_devices;
-};
-
-}  // namespace
-
 Outcome LinuxVolumesEjection::ejectDevice(const MountEntry& mount, const std::string& device,
                                           const Mounts& table) const {
     if (isSystemPlace(mount.point)) return refusalFor("it is mounted on " + mount.point);
     auto service = DiskService::open(kPatienceWithService);
     if (!service) return failure(ioErr, service.error().reason);
+    std::vector<DiskObject> objects = service->objects();
+    addMounts(objects, table);
     const auto number = m_devices.numberOf(device);
-    const auto plan = number ? planEjection(service->objects(), *number) : std::nullopt;
-    if (!plan) return failure(ioErr, fmt::format("The disk service does not know {}", lastPathComponent(device)));
+    const auto plan = number ? planEjection(objects, *number) : std::nullopt;
+    if (!plan) return failure(ioErr, "The disk service can not tell what the volume lies on");
 
     const std::vector<std::string> devices = devicesOf(*plan);
     Mounts mounts;
@@ -277,12 +226,16 @@ Outcome LinuxVolumesEjection::ejectDevice(const MountEntry& mount, const std::st
         for (const DiskObject& each : plan->devices) nodes.push_back(each.node);
         return busy(mounts, std::move(nodes), table);
     };
+    const auto isAnyLeft = [&] {
+        const Mounts now = this->table();
+        return std::any_of(mounts.begin(), mounts.end(), [&](const MountEntry& each) { return isAmong(now, each); });
+    };
     DiskEjection ejection(*service, *plan, m_devices);
-    if (const auto obstacle = ejection.unmount()) {
+    if (const auto obstacle = ejection.unmount(isAnyLeft)) {
         if (obstacle->kind == Kind::Gone && !stands(mount)) return failure(nsvErr, obstacle->reason);
         return failureOf(*obstacle, "");
     }
-    if (stands(mount)) return failure(ioErr, "The disk service unmounted it, but it is still mounted here");
+    if (isAnyLeft()) return failure(ioErr, "The disk service unmounted it, but it is still mounted here");
     if (const auto obstacle = ejection.release())
         return failureOf(*obstacle, "The volume is unmounted, but its drive stays: ");
     return {noErr, {}, std::move(mounts)};

@@ -13,6 +13,7 @@
 
 namespace orrinvale {
 
+struct DiskObject;
 struct EjectionPlan;
 
 class LinuxVolumesEjection final {
@@ -38,6 +39,7 @@ private:
     [[nodiscard]] Outcome unmount(const MountEntry& mount, const std::vector<MountEntry>& table) const;
     [[nodiscard]] Outcome ejectDevice(const MountEntry& mount, const std::string& device,
                                       const std::vector<MountEntry>& table) const;
+    void addMounts(std::vector<DiskObject>& objects, const std::vector<MountEntry>& table) const;
     [[nodiscard]] std::vector<std::string> devicesOf(const EjectionPlan& plan) const;
     [[nodiscard]] std::string useBySystem(const EjectionPlan& plan, const std::vector<std::string>& devices,
                                           const std::vector<MountEntry>& mounts) const;

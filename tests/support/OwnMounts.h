@@ -1,0 +1,13 @@
+// A check among mounts that nobody else sees.
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace orrinvale::testing {
+
+/// Runs the check as root in a process where /mnt is an empty tmpfs, and whatever it mounts and starts goes with it, however it
+/// ends. What it says is a failure; "skip: " and a reason skips the test, as does a machine where this can not be had.
+void withOwnMounts(const std::function<std::string()>& check);
+
+}  // namespace orrinvale::testing
