@@ -16,7 +16,8 @@ AppPrefsWindowController& AppPrefsWindowController::sharedPrefsWindowController(
     static QPointer<AppPrefsWindowController> shared;
     if (shared.isNull()) {
         shared = new AppPrefsWindowController;
-        connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, shared.data(), [] { delete shared.data(); });
+        connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, shared.data(),
+                [] { delete shared.data(); });
     }
     return *shared;
 }

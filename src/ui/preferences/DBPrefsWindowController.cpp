@@ -176,7 +176,7 @@ QString DBPrefsWindowController::storedIdentifier() const {
         const ToolbarItem* const item = m_toolbarItems.value(identifier);
         return item != nullptr && item->isCheckable();
     };
-    const QString stored = m_toolbarIdentifiers.value(m_defaults.integerForKey(ZvToobarItem));
+    QString stored = m_toolbarIdentifiers.value(m_defaults.integerForKey(ZvToobarItem));
     if (isPage(stored)) return stored;
     const auto first = std::find_if(m_toolbarIdentifiers.begin(), m_toolbarIdentifiers.end(), isPage);
     return first == m_toolbarIdentifiers.end() ? QString() : *first;
