@@ -128,7 +128,9 @@ void DBPrefsWindowController::makeTitleBar() {
 }
 
 void DBPrefsWindowController::fitTitleBar() {
-    m_window->setTitleBarHeight(titleHeight + m_toolbar->sizeHint().height());
+    const int height = m_toolbar->sizeHint().height();
+    m_toolbar->setFixedHeight(height);
+    m_window->setTitleBarHeight(titleHeight + height);
 }
 
 void DBPrefsWindowController::keepDisplay(ToolbarDisplay display) {

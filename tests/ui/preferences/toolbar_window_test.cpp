@@ -260,6 +260,14 @@ TEST_F(ToolbarWindow, TheMenuChoosesWhatItemsShowAndThatIsKept) {
     const auto actions = menu->actions();
     ASSERT_EQ(actions.size(), 3);
     EXPECT_TRUE(actions[0]->isChecked());
+    const auto* const item = controller->toolbarItems().value(QStringLiteral("first"));
+    const int itemHeight = item->height();
+    actions[2]->trigger();
+    QCoreApplication::processEvents();
+    EXPECT_LT(item->height(), itemHeight);
+    actions[0]->trigger();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(item->height(), itemHeight);
     actions[2]->trigger();
     menu->close();
     const int lower = controller->window()->titleBarHeight();
