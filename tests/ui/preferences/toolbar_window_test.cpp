@@ -239,6 +239,10 @@ TEST_F(ToolbarWindow, TheKeyboardReachesEveryItem) {
         EXPECT_EQ(focused(), QLatin1String(item));
     }
     EXPECT_EQ(selected(), QStringLiteral("first")) << "to go there is not to choose it";
+    press(Qt::Key_Tab);
+    EXPECT_NE(focused(), QStringLiteral("Help"));
+    press(Qt::Key_Backtab);
+    EXPECT_EQ(focused(), QStringLiteral("Help")) << "the row remembers its place";
     press(Qt::Key_Home);
     press(Qt::Key_Right);
     press(Qt::Key_Space);
@@ -303,6 +307,7 @@ TEST_F(ToolbarWindow, TheDuplicatePageStandsAloneInIt) {
     ASSERT_NE(item, nullptr);
     EXPECT_EQ(item->text(), QStringLiteral("Duplicates"));
     EXPECT_FALSE(item->icon().isNull());
+    EXPECT_EQ(item->width(), item->sizeHint().width()) << "it stands on the left, and does not fill the row";
     const QString view = shown();
     ASSERT_TRUE(tree.write("copies/one", "same") && tree.write("copies/two", "same"));
     QMimeData dragged;
