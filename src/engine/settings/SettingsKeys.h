@@ -34,9 +34,9 @@ inline constexpr const char* SUEnableAutomaticChecks = "SUEnableAutomaticChecks"
 inline constexpr const char* SUScheduledCheckInterval = "SUScheduledCheckInterval";  ///< integer: a pop-up tag
 
 // Of the preferences window.
-inline constexpr const char* openAtStartupKey = "openAtStartup";              ///< boolean: open it at start
-inline constexpr const char* fadeKey = "fade";                                ///< boolean: panes cross-fade
-inline constexpr const char* shiftSlowsAnimationKey = "shiftSlowsAnimation";  ///< boolean: Shift slows the change
+inline constexpr const char* openAtStartupKey = "openAtStartup";                ///< boolean: open it at start
+inline constexpr const char* fadeKey = "fade";                                  ///< boolean: panes cross-fade
+inline constexpr const char* shiftSlowsAnimationKey = "shiftSlowsAnimation";    ///< boolean: Shift slows the change
 inline constexpr const char* DBPreferencesToolbarKey = "DBPreferencesToolbar";  ///< int: a ToolbarDisplay
 
 }  // namespace orrinvale

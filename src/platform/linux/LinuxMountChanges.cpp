@@ -74,8 +74,7 @@ std::vector<MountChange> LinuxMountChanges::look() {
     if (!now) return {};
     std::vector<MountChange> changes;
     for (const Volume& before : m_last.volumes)
-        if (!stays(&before, now->find(before.mount), *now))
-            changes.push_back({false, before.name, before.mount.point});
+        if (!stays(&before, now->find(before.mount), *now)) changes.push_back({false, before.name, before.mount.point});
     for (Volume& after : now->volumes) {
         const Volume* const before = m_last.find(after.mount);
         // A stick that was pulled out has lost its label though it is still mounted.

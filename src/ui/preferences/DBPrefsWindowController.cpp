@@ -128,7 +128,9 @@ void DBPrefsWindowController::makeTitleBar() {
 }
 
 void DBPrefsWindowController::fitTitleBar() {
-    m_window->setTitleBarHeight(titleHeight + m_toolbar->sizeHint().height());
+    const int height = m_toolbar->sizeHint().height();
+    m_toolbar->setFixedHeight(height);
+    m_window->setTitleBarHeight(titleHeight + height);
 }
 
 void DBPrefsWindowController::keepDisplay(ToolbarDisplay display) {
@@ -176,7 +178,7 @@ QString DBPrefsWindowController::storedIdentifier() const {
         const ToolbarItem* const item = m_toolbarItems.value(identifier);
         return item != nullptr && item->isCheckable();
     };
-    const QString stored = m_toolbarIdentifiers.value(m_defaults.integerForKey(ZvToobarItem));
+    QString stored = m_toolbarIdentifiers.value(m_defaults.integerForKey(ZvToobarItem));
     if (isPage(stored)) return stored;
     const auto first = std::find_if(m_toolbarIdentifiers.begin(), m_toolbarIdentifiers.end(), isPage);
     return first == m_toolbarIdentifiers.end() ? QString() : *first;

@@ -44,7 +44,9 @@ public:
     void setShiftSlowsAnimation(bool shiftSlowsAnimation) { m_shiftSlowsAnimation = shiftSlowsAnimation; }
 
     /// What opens a web page, and the program's help. Set before the window is first shown: only then has it items for them.
-    void setOpenAddress(std::function<void(const QString& address)> openAddress) { m_openAddress = std::move(openAddress); }
+    void setOpenAddress(std::function<void(const QString& address)> openAddress) {
+        m_openAddress = std::move(openAddress);
+    }
     void setOpenHelp(std::function<void()> openHelp) { m_openHelp = std::move(openHelp); }
 
     /// Adds an item to the toolbar, whose identifier and first label is `label`. The window takes the view over. An image is a

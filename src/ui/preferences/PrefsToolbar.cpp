@@ -89,9 +89,10 @@ void PrefsToolbar::contextMenuEvent(QContextMenuEvent* event) {
     auto* const menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     auto* const choices = new QActionGroup(menu);
-    const std::array<std::pair<QString, ToolbarDisplay>, 3> displays{{{tr("Icon and Text"), ToolbarDisplay::IconAndText},
-                                                                      {tr("Icon Only"), ToolbarDisplay::IconOnly},
-                                                                      {tr("Text Only"), ToolbarDisplay::TextOnly}}};
+    const std::array<std::pair<QString, ToolbarDisplay>, 3> displays{
+        {{tr("Icon and Text"), ToolbarDisplay::IconAndText},
+         {tr("Icon Only"), ToolbarDisplay::IconOnly},
+         {tr("Text Only"), ToolbarDisplay::TextOnly}}};
     for (const auto& [title, display] : displays) {
         QAction* const action = menu->addAction(title, this, [this, chosen = display] { setDisplay(chosen); });
         action->setCheckable(true);

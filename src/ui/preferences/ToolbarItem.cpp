@@ -26,6 +26,7 @@ ToolbarItem::ToolbarItem(QString identifier, const QString& image, bool isSelect
     : DrawnButton(parent), m_identifier(std::move(identifier)) {
     setObjectName(m_identifier);
     setCheckable(isSelectable);
+    setAutoExclusive(isSelectable);  // to a screen reader one of several, and no box to tick
     setFocusPolicy(Qt::NoFocus);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     setIconSize(pictureSide);
