@@ -33,7 +33,8 @@ def commands():
 
 
 def shown(page):
-    status, text = run(tool("man"), "-l", "-E", "ascii", page, env={**os.environ, "MANWIDTH": "1000", "LC_ALL": "C.UTF-8"})
+    status, text = run(tool("man"), "-l", "-E", "ascii", page,
+                       env={**os.environ, "MANWIDTH": "1000", "LC_ALL": "C.UTF-8"})
     assert status == 0, text
     return re.sub(".\b", "", text)
 
@@ -79,7 +80,7 @@ class Completions(support.Case):
                 dash = "-l " if option.startswith("--") else "-s "
                 self.assertRegex(block["fish"], rf"{dash}{re.escape(option.lstrip('-'))} ", name)
 
-    # A line with its tabs, and the words that the program is started with. A folder ends in a slash or not, as the shell likes.
+    # A line with its tabs, and the words that the program is started with. A folder ends in a slash where the shell likes.
     LINES = [
         ("orrinvale-cli dup\t--hid\tmy\t", ["duplicates", "--hidden", "my folder"]),
         ("orrinvale-cli duplicates --lim\t5 sol\t", ["duplicates", "--limit", "5", "sol"]),  # files are no folders

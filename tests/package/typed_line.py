@@ -1,4 +1,5 @@
-"""Types a line, tabs included, into a real shell on a terminal, and tells with which words orrinvale-cli was started."""
+"""Types a line, tabs included, into a real shell on a terminal, and tells with which words orrinvale-cli was started.
+"""
 import os
 import pty
 import select
