@@ -1,5 +1,5 @@
-# The Debian package, made by `cpack` in the build folder or by `./dev package`. cmake/PackageRoot.cmake, which runs when all is
-# staged, adds what only a package has.
+# The Debian package, made by `cpack` in the build folder or by `./dev package`. cmake/PackageRoot.cmake, which runs when
+# all is staged, adds what only a package has.
 if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr" OR NOT ORRINVALE_GUI OR NOT CMARK_GFM)
   return()  # the programs know the places of each other, and a package is never half
 endif()

@@ -1,4 +1,5 @@
-# Runs inside of cpack, between staging and packing: strips the programs, compresses the manual pages and adds the documents that Debian expects.
+# Runs inside of cpack, between staging and packing: strips the programs, compresses the manual pages and adds the documents
+# that Debian expects.
 set(usr ${CPACK_TEMPORARY_DIRECTORY}/usr)
 set(doc ${usr}/share/doc/${CPACK_PACKAGE_NAME})
 set(debian ${CPACK_ORRINVALE_SOURCE}/data/debian)
@@ -13,7 +14,8 @@ configure_file(${debian}/lintian-overrides ${usr}/share/lintian/overrides/${CPAC
 # The date in the form of mail: noon, so that it is the same day nearly everywhere.
 execute_process(COMMAND date --utc --rfc-email --date "${CPACK_ORRINVALE_DATE} 12:00 UTC"
   OUTPUT_VARIABLE date OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-file(WRITE ${doc}/changelog.Debian "${CPACK_PACKAGE_NAME} (${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}) unstable; urgency=medium
+set(version ${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
+file(WRITE ${doc}/changelog.Debian "${CPACK_PACKAGE_NAME} (${version}) unstable; urgency=medium
 
   * Packaged for Debian.
 
@@ -29,6 +31,7 @@ file(CHMOD ${compressed} PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_REA
 file(GLOB_RECURSE folders LIST_DIRECTORIES true ${usr}/*)
 foreach(folder ${usr} ${folders})
   if(IS_DIRECTORY ${folder})
-    file(CHMOD ${folder} PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+    file(CHMOD ${folder} PERMISSIONS
+      OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
   endif()
 endforeach()

@@ -1,5 +1,6 @@
-# Makes the user guide, written in Markdown, a page for browsers: SOURCE and TEMPLATE into OUT/user-guide.html, with the pictures
-# that it shows beside it. CMARK is the program that turns Markdown into HTML. Run by cmake -P while building.
+# Makes the user guide, written in Markdown, a page for browsers: SOURCE and TEMPLATE into OUT/user-guide.html, headed by
+# the drawing ICON, with the pictures that it shows beside it. CMARK is the program that turns Markdown into HTML. Run by
+# cmake -P while building.
 get_filename_component(folder ${SOURCE} DIRECTORY)
 # Its Markdown is the project's own, so HTML in it (pictures for dark and light pages) is let through.
 execute_process(COMMAND ${CMARK} --unsafe --extension table --to html ${SOURCE}
@@ -34,7 +35,8 @@ foreach(heading IN LISTS headings)
 endforeach()
 
 # The README is not installed: what points into it stays as words.
-string(REGEX REPLACE "<a href=\"(\\.\\./)?[A-Za-z_/-]+\\.md(#[^\"]*)?\">([^<]*(<code>[^<]*</code>)?[^<]*)</a>" "\\3" BODY "${BODY}")
+set(link "<a href=\"(\\.\\./)?[A-Za-z_/-]+\\.md(#[^\"]*)?\">([^<]*(<code>[^<]*</code>)?[^<]*)</a>")
+string(REGEX REPLACE "${link}" "\\3" BODY "${BODY}")
 
 file(REMOVE_RECURSE ${OUT})
 string(REGEX MATCHALL "(src|srcset)=\"[^\"]+\"" pictures "${BODY}")
@@ -51,6 +53,7 @@ foreach(variable BODY CONTENTS TITLE)
   string(REPLACE "${opening}" "[" ${variable} "${${variable}}")
   string(REPLACE "${closing}" "]" ${variable} "${${variable}}")
 endforeach()
+file(READ ${ICON} ICON)
 configure_file(${TEMPLATE} ${OUT}/user-guide.html @ONLY)
 # A file that did not change keeps its time; the build wants to see that it was made.
 file(TOUCH ${OUT}/user-guide.html)

@@ -14,13 +14,14 @@
 namespace orrinvale::cli {
 
 std::vector<StatusMeaning> statusMeanings() {
-    return {{Status::Done, "Done."},
-            {Status::SomeSkipped,
-             "Done, but some entries could not be read; each is named on standard error and listed as skipped. Or the one "
-             "thing that was asked for failed; standard error says why."},
-            {Status::BadUsage, "The command line is wrong."},
-            {Status::NoSuchFolder, "What was named does not exist, or can not be used; nothing was printed."},
-            {Status::Stopped, "Stopped by a signal; what was found until then was printed."}};
+    return {
+        {Status::Done, "Done."},
+        {Status::SomeSkipped,
+         "Done, but some entries could not be read; each is named on standard error and listed as skipped. Or the one "
+         "thing that was asked for failed; standard error says why."},
+        {Status::BadUsage, "The command line is wrong."},
+        {Status::NoSuchFolder, "What was named does not exist, or can not be used; nothing was printed."},
+        {Status::Stopped, "Stopped by a signal; what was found until then was printed."}};
 }
 
 std::vector<OptionSpec> commonOptions() {

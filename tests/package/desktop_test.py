@@ -60,7 +60,9 @@ class Page(HTMLParser):
         self.targets += [given[key] for key in ("href", "src", "srcset") if key in given]
 
     def handle_startendtag(self, tag, attrs):
+        before = list(self.open)
         self.handle_starttag(tag, attrs)
+        self.open = before
 
     def handle_endtag(self, tag):
         assert self.open and self.open.pop() == tag, f"</{tag}> at {self.getpos()}"
@@ -76,8 +78,10 @@ class Guide(support.Case):
         source.write_text(markdown, encoding="utf-8")
         (source.parent / "screenshots/a.png").write_bytes(b"picture")
         out = Path(folder) / "out"
-        status, text = run(tool("cmake"), f"-DCMARK={tool('cmark-gfm')}", f"-DSOURCE={source}", f"-DOUT={out}",
-                           f"-DTEMPLATE={SOURCE / 'data/guide/page.html.in'}", "-P", SOURCE / "cmake/UserGuide.cmake")
+        settings = {"CMARK": tool("cmark-gfm"), "SOURCE": source, "OUT": out, "ICON": SOURCE / f"data/icons/{ID}.svg",
+                    "TEMPLATE": SOURCE / "data/guide/page.html.in"}
+        status, text = run(tool("cmake"), *(f"-D{name}={value}" for name, value in settings.items()), "-P",
+                           SOURCE / "cmake/UserGuide.cmake")
         return status, text, out
 
     def test_what_points_somewhere_finds_it(self):

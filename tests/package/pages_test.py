@@ -7,7 +7,7 @@ from pathlib import Path
 
 import support
 from support import BUILD, run, tool
-from typed_line import typed
+from typed_line import furnish, typed
 
 CLI = BUILD / "bin/orrinvale-cli"
 DATA = BUILD / "data"
@@ -33,7 +33,8 @@ def commands():
 
 
 def shown(page):
-    status, text = run(tool("man"), "-l", "-E", "ascii", page, env={**os.environ, "MANWIDTH": "1000", "LC_ALL": "C.UTF-8"})
+    status, text = run(tool("man"), "-l", "-E", "ascii", page,
+                       env={**os.environ, "MANWIDTH": "1000", "LC_ALL": "C.UTF-8"})
     assert status == 0, text
     return re.sub(".\b", "", text)
 
@@ -79,7 +80,7 @@ class Completions(support.Case):
                 dash = "-l " if option.startswith("--") else "-s "
                 self.assertRegex(block["fish"], rf"{dash}{re.escape(option.lstrip('-'))} ", name)
 
-    # A line with its tabs, and the words that the program is started with. A folder ends in a slash or not, as the shell likes.
+    # A line with its tabs, and the words that the program is started with. A folder ends in a slash where the shell likes.
     LINES = [
         ("orrinvale-cli dup\t--hid\tmy\t", ["duplicates", "--hidden", "my folder"]),
         ("orrinvale-cli duplicates --lim\t5 sol\t", ["duplicates", "--limit", "5", "sol"]),  # files are no folders
@@ -107,12 +108,14 @@ class Completions(support.Case):
     def test_fish(self):
         cases = {"orrinvale-cli dup": ["duplicates"], "orrinvale-cli size --js": ["--json"],
                  "orrinvale-cli large my": ["my folder/"], "orrinvale-cli large --top ": []}
-        with tempfile.TemporaryDirectory() as home:
-            (Path(home) / "my folder").mkdir()
-            (Path(home) / "my data.txt").touch()
+        if "eject" in commands():
+            cases["orrinvale-cli eject /media/s"] = ["/media/stick one"]
+        with tempfile.TemporaryDirectory() as place:
+            home, programs = furnish(Path(place))
+            environment = {**os.environ, "HOME": str(home), "PATH": f"{programs}:/usr/bin:/bin"}
             for line, expected in cases.items():
-                script = f"source {self.FILES['fish']}; complete -C '{line}'"
-                status, text = run(tool("fish"), "-c", script, cwd=home, env={**os.environ, "HOME": home})
+                status, text = run(tool("fish"), "-c", f"source {self.FILES['fish']}; complete -C '{line}'", cwd=home,
+                                   env=environment)
                 self.assertEqual(status, 0, text)
                 self.assertEqual([offer.split("\t")[0] for offer in text.splitlines()], expected, line)
 

@@ -1,4 +1,4 @@
-"""What the checks of the package share: where things lie, how tools are run, and how a check that can not be made says so."""
+"""What the checks of the package share: where things lie, how tools are run, how a check that can not be made says so."""
 import os
 import shutil
 import subprocess
@@ -22,8 +22,8 @@ def tool(name):
 
 def run(*command, **options):
     """Status and what was printed, both streams together."""
-    done = subprocess.run([str(word) for word in command], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False,
-                          stdin=subprocess.DEVNULL, text=True, errors="replace", **options)
+    done = subprocess.run([str(word) for word in command], stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                          stdin=subprocess.DEVNULL, check=False, text=True, errors="replace", **options)
     return done.returncode, done.stdout
 
 

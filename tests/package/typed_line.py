@@ -1,4 +1,5 @@
-"""Types a line, tabs included, into a real shell on a terminal, and tells with which words orrinvale-cli was started."""
+"""Types a line, tabs included, into a real shell on a terminal, and tells with which words orrinvale-cli was started.
+"""
 import os
 import pty
 import select
@@ -35,17 +36,23 @@ def read_until(terminal, condition):
     return seen
 
 
+def furnish(place):
+    """A home folder with something to complete, and a folder with the stand-in for the program."""
+    home, programs = place / "home", place / "bin"
+    (home / "my folder").mkdir(parents=True)
+    (home / "my data.txt").touch()
+    (home / "solitary.txt").touch()
+    programs.mkdir()
+    (programs / "orrinvale-cli").write_text(STAND_IN)
+    (programs / "orrinvale-cli").chmod(0o755)
+    return home, programs
+
+
 def typed(shell, program, completion, line):
-    """In a folder that holds "my folder", "my data.txt" and "solitary.txt"."""
+    """The line is typed in the home folder."""
     with tempfile.TemporaryDirectory() as place:
-        home, seen = Path(place) / "home", Path(place) / "seen"
-        (home / "my folder").mkdir(parents=True)
-        (home / "my data.txt").touch()
-        (home / "solitary.txt").touch()
-        programs = Path(place) / "bin"
-        programs.mkdir()
-        (programs / "orrinvale-cli").write_text(STAND_IN)
-        (programs / "orrinvale-cli").chmod(0o755)
+        seen = Path(place) / "seen"
+        home, programs = furnish(Path(place))
         environment = {"PATH": f"{programs}:/usr/bin:/bin", "HOME": str(home), "TERM": "dumb", "LC_ALL": "C.UTF-8",
                        "INPUTRC": "/dev/null", "HISTFILE": "/dev/null", "ORRINVALE_SEEN": str(seen)}
         options, setting = SETTING[shell]

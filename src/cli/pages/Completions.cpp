@@ -1,5 +1,5 @@
-// The completions of bash, zsh and fish: what the tables of the commands say, in the language of each shell. All offer the
-// commands, the options, and for arguments folders, paths or the places of mounted volumes.
+// The completions of bash, zsh and fish: what the tables of the commands say, in the language of each shell. All offer
+// the commands, the options, and for arguments folders, paths or the places of mounted volumes.
 #include <fmt/format.h>
 
 #include "cli/pages/CommandTable.h"
@@ -171,8 +171,8 @@ _orrinvale_cli() {
 )sh";
     std::string names;
     for (const CommandForms& command : commands) names += std::string(command.name) + ' ';
-    out += fmt::format("        '') mapfile -t COMPREPLY < <(compgen -W '{}--help --version' -- \"$word\"); return ;;\n",
-                       names);
+    out += fmt::format(
+        "        '') mapfile -t COMPREPLY < <(compgen -W '{}--help --version' -- \"$word\"); return ;;\n", names);
     for (const CommandForms& command : commands) out += bashCase(command);
     return out + std::string(bashEnd);
 }

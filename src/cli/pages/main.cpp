@@ -1,4 +1,5 @@
-// orrinvale-docs: prints the manual page or the completions of orrinvale-cli. It runs while building and is not installed.
+// orrinvale-docs: writes the manual page and the completions of orrinvale-cli. It runs while building and is not
+// installed.
 #include <cstdio>
 #include <string>
 #include <string_view>

@@ -1,5 +1,5 @@
-// orrinvale-icons: draws the program's icon as a PNG of each size that desktops ask for. It runs while building and is not
-// installed; it needs neither a display nor fonts.
+// orrinvale-icons: draws the program's icon as a PNG of each size that desktops ask for. It runs while building and is
+// not installed; it needs neither a display nor fonts.
 #include <QFile>
 #include <QImage>
 #include <QPainter>
