@@ -1,5 +1,5 @@
-// Handles of sd-bus(3) that let go by themselves. LinuxVolumesEjection speaks to the disk service with them, ProgramHandover
-// to a running Orrinvale.
+// sd-bus(3), loaded when it is first wanted, and handles of it that let go by themselves. DiskService speaks to the disk service
+// with them, LinuxInstanceBus to a running Orrinvale.
 #pragma once
 
 #include <systemd/sd-bus.h>
@@ -10,12 +10,33 @@
 
 namespace orrinvale {
 
+/// The functions that we use of it.
+#define ORRINVALE_SD_BUS(function)                                                                        \
+    function(call) function(close_unref) function(error_free) function(is_ready) function(message_append) \
+        function(message_at_end) function(message_enter_container) function(message_exit_container)       \
+            function(message_new_method_call) function(message_peek_type) function(message_read_array)    \
+                function(message_read_basic) function(message_set_allow_interactive_authorization)        \
+                    function(message_set_auto_start) function(message_skip) function(message_unref)       \
+                        function(open_system) function(open_user) function(process) function(wait)
+
+/// Its functions by their names without the prefix. The library brings six others with it, which would make each start of the
+/// terminal command slower by a quarter, so that nothing is linked with it.
+struct SdBus {
+#define ORRINVALE_MEMBER(name) decltype(&::sd_bus_##name) name = nullptr;
+    ORRINVALE_SD_BUS(ORRINVALE_MEMBER)
+#undef ORRINVALE_MEMBER
+};
+
+/// False where the library is not installed; nothing else here may be called then. Any thread.
+[[nodiscard]] bool hasSdBus();
+[[nodiscard]] const SdBus& sdBus();
+
 struct BusCloser {
     // Not flushed, which would wait for a bus that hangs: calls are over when their answers are here.
-    void operator()(sd_bus* bus) const { sd_bus_close_unref(bus); }
+    void operator()(sd_bus* bus) const { sdBus().close_unref(bus); }
 };
 struct BusMessageCloser {
-    void operator()(sd_bus_message* message) const { sd_bus_message_unref(message); }
+    void operator()(sd_bus_message* message) const { sdBus().message_unref(message); }
 };
 
 /// A connection; belongs to one thread at a time.
@@ -26,7 +47,7 @@ using BusMessage = std::unique_ptr<sd_bus_message, BusMessageCloser>;
 class BusError final {
 public:
     BusError() = default;
-    ~BusError() { sd_bus_error_free(&m_error); }
+    ~BusError() { sdBus().error_free(&m_error); }
     BusError(const BusError&) = delete;
     BusError& operator=(const BusError&) = delete;
 

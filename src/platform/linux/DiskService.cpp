@@ -48,21 +48,9 @@ DiskServiceFailure failureOf(const BusError& error) {
     return {isBusy ? Kind::Busy : Kind::Other, std::move(reason)};
 }
 
-// Until the bus has let us in: sd_bus_call() would wait for that without end.
-bool isReadyWithin(sd_bus* bus, Clock::time_point end) {
-    while (sd_bus_is_ready(bus) <= 0) {
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now());
-        if (left.count() <= 0) return false;
-        const int worked = sd_bus_process(bus, nullptr);
-        if (worked < 0) return false;
-        if (worked == 0 && sd_bus_wait(bus, busMicroseconds(left)) < 0) return false;
-    }
-    return true;
-}
-
 std::string textOf(sd_bus_message* message, char type) {
     const char* text = nullptr;
-    return sd_bus_message_read_basic(message, type, &text) > 0 && text != nullptr ? text : "";
+    return sdBus().message_read_basic(message, type, &text) > 0 && text != nullptr ? text : "";
 }
 
 // A path; that of no object is "/".
@@ -73,24 +61,24 @@ std::string objectIn(sd_bus_message* message) {
 
 bool truthIn(sd_bus_message* message) {
     int truth = 0;
-    return sd_bus_message_read_basic(message, 'b', &truth) > 0 && truth != 0;
+    return sdBus().message_read_basic(message, 'b', &truth) > 0 && truth != 0;
 }
 
 // Bytes with a NUL behind them.
 std::string bytesIn(sd_bus_message* message) {
     const void* bytes = nullptr;
     std::size_t size = 0;
-    if (sd_bus_message_read_array(message, 'y', &bytes, &size) <= 0 || size == 0) return {};
+    if (sdBus().message_read_array(message, 'y', &bytes, &size) <= 0 || size == 0) return {};
     const std::string_view all(static_cast<const char*>(bytes), size);
     return std::string(all.substr(0, all.find('\0')));
 }
 
 // Calls `each` inside every element until it can not be read. False for what is no such container.
 bool eachIn(sd_bus_message* message, char type, const char* contents, const std::function<bool()>& each) {
-    if (sd_bus_message_enter_container(message, type, contents) <= 0) return false;
-    while (sd_bus_message_at_end(message, 0) == 0)
+    if (sdBus().message_enter_container(message, type, contents) <= 0) return false;
+    while (sdBus().message_at_end(message, 0) == 0)
         if (!each()) return false;
-    return sd_bus_message_exit_container(message) >= 0;
+    return sdBus().message_exit_container(message) >= 0;
 }
 
 struct Property {
@@ -115,7 +103,7 @@ void takeMedia(sd_bus_message* message, DiskObject& object) {
 }
 
 void takeNumber(sd_bus_message* message, DiskObject& object) {
-    sd_bus_message_read_basic(message, 't', &object.number);
+    sdBus().message_read_basic(message, 't', &object.number);
 }
 
 using Message = sd_bus_message;
@@ -136,46 +124,46 @@ constexpr Property properties[] = {
 
 // One "{sv}".
 bool takeProperty(Message* message, std::string_view interface, DiskObject& object) {
-    if (sd_bus_message_enter_container(message, SD_BUS_TYPE_DICT_ENTRY, "sv") <= 0) return false;
+    if (sdBus().message_enter_container(message, SD_BUS_TYPE_DICT_ENTRY, "sv") <= 0) return false;
     const std::string name = textOf(message, 's');
     const char* contents = nullptr;
-    if (sd_bus_message_peek_type(message, nullptr, &contents) <= 0 || contents == nullptr) return false;
+    if (sdBus().message_peek_type(message, nullptr, &contents) <= 0 || contents == nullptr) return false;
     const auto* const known = std::find_if(std::begin(properties), std::end(properties), [&](const Property& each) {
         return each.interface == interface && each.name == name && each.type == contents;
     });
     if (known == std::end(properties)) {
-        if (sd_bus_message_skip(message, "v") < 0) return false;
+        if (sdBus().message_skip(message, "v") < 0) return false;
     } else {
-        if (sd_bus_message_enter_container(message, SD_BUS_TYPE_VARIANT, contents) <= 0) return false;
+        if (sdBus().message_enter_container(message, SD_BUS_TYPE_VARIANT, contents) <= 0) return false;
         known->take(message, object);
-        if (sd_bus_message_exit_container(message) < 0) return false;
+        if (sdBus().message_exit_container(message) < 0) return false;
     }
-    return sd_bus_message_exit_container(message) >= 0;
+    return sdBus().message_exit_container(message) >= 0;
 }
 
 // One "{sa{sv}}".
 bool takeInterface(Message* message, DiskObject& object) {
     constexpr std::string_view prefix = "org.freedesktop.UDisks2.";
-    if (sd_bus_message_enter_container(message, SD_BUS_TYPE_DICT_ENTRY, "sa{sv}") <= 0) return false;
+    if (sdBus().message_enter_container(message, SD_BUS_TYPE_DICT_ENTRY, "sa{sv}") <= 0) return false;
     const std::string name = textOf(message, 's');
     const std::string_view interface = name.starts_with(prefix) ? std::string_view(name).substr(prefix.size()) : "";
     if (interface == "Block") object.isBlock = true;
     if (interface == "Drive") object.isDrive = true;
     if (interface == "Loop") object.isLoop = true;
     return eachIn(message, SD_BUS_TYPE_ARRAY, "{sv}", [&] { return takeProperty(message, interface, object); }) &&
-           sd_bus_message_exit_container(message) >= 0;
+           sdBus().message_exit_container(message) >= 0;
 }
 
 // "a{oa{sa{sv}}}"; false for what is no such answer.
 bool takeObjects(Message* message, std::vector<DiskObject>& objects) {
     return eachIn(message, SD_BUS_TYPE_ARRAY, "{oa{sa{sv}}}", [&] {
-        if (sd_bus_message_enter_container(message, SD_BUS_TYPE_DICT_ENTRY, "oa{sa{sv}}") <= 0) return false;
+        if (sdBus().message_enter_container(message, SD_BUS_TYPE_DICT_ENTRY, "oa{sa{sv}}") <= 0) return false;
         DiskObject object;
         object.path = objectIn(message);
         if (!eachIn(message, SD_BUS_TYPE_ARRAY, "{sa{sv}}", [&] { return takeInterface(message, object); }))
             return false;
         if (object.isBlock || object.isDrive) objects.push_back(std::move(object));
-        return sd_bus_message_exit_container(message) >= 0;
+        return sdBus().message_exit_container(message) >= 0;
     });
 }
 
@@ -184,26 +172,24 @@ bool takeObjects(Message* message, std::vector<DiskObject>& objects) {
 DiskServiceResult<DiskService> DiskService::open(std::chrono::milliseconds patience) {
     const auto end = Clock::now() + patience;
     sd_bus* connection = nullptr;
-    if (sd_bus_open_system(&connection) < 0)
+    if (!hasSdBus() || sdBus().open_system(&connection) < 0)
         return tl::unexpected(
             DiskServiceFailure{Kind::Unreachable, "The disk service can not be asked: no system bus"});
     DiskService service{BusHandle(connection)};
-    if (!isReadyWithin(connection, end)) {
-        sd_bus_close(connection);  // letting go of an open one waits until the bus has taken what was written
+    if (!becomesReady(*connection, patience))
         return tl::unexpected(DiskServiceFailure{Kind::Unreachable, "The system bus does not answer"});
-    }
 
     Message* message = nullptr;
-    if (sd_bus_message_new_method_call(connection, &message, kService, kManager, "org.freedesktop.DBus.ObjectManager",
-                                       "GetManagedObjects") < 0)
+    if (sdBus().message_new_method_call(connection, &message, kService, kManager, "org.freedesktop.DBus.ObjectManager",
+                                        "GetManagedObjects") < 0)
         return tl::unexpected(DiskServiceFailure{Kind::Unreachable, kSilent});
     const BusMessage question(message);
     const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now());
     BusError error;
     Message* reply = nullptr;
     // A time-out of 0 would be the library's own, which is long.
-    if (sd_bus_call(connection, question.get(), std::max<std::uint64_t>(busMicroseconds(left), 1), error.get(),
-                    &reply) < 0)
+    if (sdBus().call(connection, question.get(), std::max<std::uint64_t>(busMicroseconds(left), 1), error.get(),
+                     &reply) < 0)
         return tl::unexpected(failureOf(error));
     const BusMessage answer(reply);
     if (!takeObjects(reply, service.m_objects))
@@ -213,13 +199,13 @@ DiskServiceResult<DiskService> DiskService::open(std::chrono::milliseconds patie
 
 DiskServiceResult<void> DiskService::call(const std::string& path, const char* interface, const char* operation) {
     Message* message = nullptr;
-    if (sd_bus_message_new_method_call(m_bus.get(), &message, kService, path.c_str(), interface, operation) < 0)
+    if (sdBus().message_new_method_call(m_bus.get(), &message, kService, path.c_str(), interface, operation) < 0)
         return tl::unexpected(DiskServiceFailure{Kind::Unreachable, kSilent});
     const BusMessage question(message);
-    sd_bus_message_set_allow_interactive_authorization(message, 1);
+    sdBus().message_set_allow_interactive_authorization(message, 1);
     BusError error;
-    if (sd_bus_message_append(message, "a{sv}", 0) < 0 ||
-        sd_bus_call(m_bus.get(), message, busMicroseconds(kLongestOperation), error.get(), nullptr) < 0)
+    if (sdBus().message_append(message, "a{sv}", 0) < 0 ||
+        sdBus().call(m_bus.get(), message, busMicroseconds(kLongestOperation), error.get(), nullptr) < 0)
         return tl::unexpected(failureOf(error));
     return {};
 }

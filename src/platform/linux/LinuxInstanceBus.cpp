@@ -19,27 +19,28 @@ milliseconds until(Clock::time_point end) {
 
 BusHandle sessionBus(milliseconds patience) {
     sd_bus* opened = nullptr;
-    if (sd_bus_open_user(&opened) < 0) return nullptr;
+    if (!hasSdBus() || sdBus().open_user(&opened) < 0) return nullptr;
     BusHandle bus(opened);
     return becomesReady(*bus, patience) ? std::move(bus) : nullptr;
 }
 
 int appendPlatformData(sd_bus_message& message, const StartRequest& request) {
-    if (request.activationToken.empty()) return sd_bus_message_append(&message, "a{sv}", 0);
+    if (request.activationToken.empty()) return sdBus().message_append(&message, "a{sv}", 0);
     const char* const token = request.activationToken.c_str();
-    return sd_bus_message_append(&message, "a{sv}", 2, "activation-token", "s", token, "desktop-startup-id", "s",
-                                 token);
+    return sdBus().message_append(&message, "a{sv}", 2, "activation-token", "s", token, "desktop-startup-id", "s",
+                                  token);
 }
 
 int appendArguments(sd_bus_message& message, const StartRequest& request) {
     switch (request.kind) {
         case StartRequest::Kind::Activate: break;
         case StartRequest::Kind::Open:
-            if (const int failed = sd_bus_message_append(&message, "as", 1, fileUrlOf(request.text).c_str()); failed < 0)
+            if (const int failed = sdBus().message_append(&message, "as", 1, fileUrlOf(request.text).c_str());
+                failed < 0)
                 return failed;
             break;
         case StartRequest::Kind::Action:
-            if (const int failed = sd_bus_message_append(&message, "sav", request.text.c_str(), 0); failed < 0)
+            if (const int failed = sdBus().message_append(&message, "sav", request.text.c_str(), 0); failed < 0)
                 return failed;
             break;
     }
@@ -57,12 +58,12 @@ const char* methodFor(StartRequest::Kind kind) {
 
 BusMessage callFor(sd_bus& bus, const StartRequest& request) {
     sd_bus_message* made = nullptr;
-    const int failed = sd_bus_message_new_method_call(&bus, &made, programBusName, programBusPath, programBusInterface,
-                                                      methodFor(request.kind));
+    const int failed = sdBus().message_new_method_call(&bus, &made, programBusName, programBusPath, programBusInterface,
+                                                       methodFor(request.kind));
     BusMessage call(made);
     if (failed < 0 || appendArguments(*call, request) < 0) return nullptr;
     // A bus that starts the program by its service file would start this very one again.
-    sd_bus_message_set_auto_start(call.get(), 0);
+    sdBus().message_set_auto_start(call.get(), 0);
     return call;
 }
 
@@ -78,7 +79,7 @@ std::optional<ProgramInstance::Start> handOverBySessionBus(const StartRequest& r
     const auto left = std::max(milliseconds(1), until(end));
     BusError error;
     sd_bus_message* answered = nullptr;
-    const int result = sd_bus_call(bus.get(), call.get(), busMicroseconds(left), error.get(), &answered);
+    const int result = sdBus().call(bus.get(), call.get(), busMicroseconds(left), error.get(), &answered);
     const BusMessage answer(answered);
     if (result >= 0) return ProgramInstance::Start::HandedOver;
     if (result == -ETIMEDOUT) return ProgramInstance::Start::Unanswered;
