@@ -50,7 +50,7 @@ public:
     std::vector<Volume> volumes;
     std::map<std::int16_t, Ejection> ejections;    ///< by reference number; any other volume goes without trouble
     std::vector<std::int16_t> ejectedNumbers;      ///< asked for, in order
-    std::function<void(std::int16_t)> onEjection;  ///< called before the answer, and may change `volumes`
+    std::function<void(std::int16_t)> onEjection;  ///< called when the answer stands; may change `volumes`
     std::map<std::string, std::shared_ptr<FakeRegistryEntry>> devices;  ///< by name
     std::uint32_t iteratorStatus = 0;
     bool hasIterator = true;
@@ -76,14 +76,14 @@ public:
 
     std::int32_t FSEjectVolumeSync(std::int16_t refNumber, std::uint32_t /*options*/, EjectDissent& dissent) override {
         ejectedNumbers.push_back(refNumber);
-        if (onEjection) onEjection(refNumber);
-        if (const auto scripted = ejections.find(refNumber); scripted != ejections.end()) {
-            dissent = scripted->second.dissent;
-            return scripted->second.status;
-        }
         const bool isListed = std::any_of(volumes.begin(), volumes.end(),
                                           [&](const Volume& each) { return each.volume.refNumber == refNumber; });
-        return isListed ? noErr : nsvErr;
+        const auto scripted = ejections.find(refNumber);
+        const Ejection answer =
+            scripted != ejections.end() ? scripted->second : Ejection{isListed ? noErr : nsvErr, {}};
+        if (onEjection) onEjection(refNumber);
+        dissent = answer.dissent;
+        return answer.status;
     }
 
     [[nodiscard]] std::optional<RegistryMatching> IOBSDNameMatching(const char* bsdName) const override {
