@@ -38,7 +38,9 @@ class Archive(support.Case):
         self.assertEqual(sorted(found, key=lambda line: line.split()[1]), expected)
 
     def test_lintian(self):
-        status, text = run(tool("lintian"), "--fail-on", "error,warning,info", "--display-info",
+        # These two look for words and calls in the machine code, and what they find there changes with the compiler.
+        accidents = "spelling-error-in-binary,hardening-no-fortify-functions"
+        status, text = run(tool("lintian"), "--suppress-tags", accidents, "--fail-on", "error,warning,info", "--display-info",
                            "--tag-display-limit", "0", "--allow-root", package())
         self.assertEqual((status, text.strip()), (0, ""))
         # Each exception comes with its reason, and is still needed.
