@@ -28,6 +28,20 @@ std::string textAt(const UserInfo& info, const char* key) {
     return text == nullptr ? "nothing" : *text;
 }
 
+// Counts the looks: one at a table that has not changed is a loop that never rests.
+class CountedChanges final : public MountChanges {
+public:
+    [[nodiscard]] int descriptor() const override { return m_real.descriptor(); }
+    [[nodiscard]] std::vector<MountChange> look() override {
+        ++looks;
+        return m_real.look();
+    }
+    int looks = 0;
+
+private:
+    LinuxMountChanges m_real;
+};
+
 // Everything from the table to the program's notices; what was heard is a line of text.
 class Watched {
 public:
@@ -57,10 +71,17 @@ public:
         return fault;
     }
 
+    // How often the table is looked at while nothing happens.
+    int looksAtRest() {
+        const int before = m_changes.looks;
+        for (int i = 0; i < 100; ++i) QCoreApplication::processEvents();
+        return m_changes.looks - before;
+    }
+
     std::string heard;
 
 private:
-    LinuxMountChanges m_changes;
+    CountedChanges m_changes;
     WorkspaceMounts m_workspace{m_changes};
     NotificationCenter m_standard;
     WatchMountUnmount watcher{m_workspace.notificationCenter(), m_standard};
@@ -99,7 +120,9 @@ TEST(MountWatching, EachVolumeThatComesOrGoesIsToldAtOnce) {
         ::umount("/mnt/bind");
         ::umount("/mnt/one");
         ::umount("/mnt/line\nbreak");
-        return fault + watched.expect("-one /mnt/one;-line\nbreak /mnt/line\nbreak;");
+        fault += watched.expect("-one /mnt/one;-line\nbreak /mnt/line\nbreak;");
+        if (const int looks = watched.looksAtRest(); looks != 0) fault += fmt::format("{} looks at nothing\n", looks);
+        return fault;
     });
     if (said.starts_with("skip: ")) GTEST_SKIP() << said.substr(6);
     EXPECT_EQ(said, "");
