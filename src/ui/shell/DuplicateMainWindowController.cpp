@@ -146,6 +146,7 @@ void DuplicateMainWindowController::chooseFolder() {
 }
 
 void DuplicateMainWindowController::showWindow() {
+    m_aWindow->setWindowState(m_aWindow->windowState() & ~Qt::WindowMinimized);
     m_aWindow->show();
     m_aWindow->raise();
     m_aWindow->activateWindow();
