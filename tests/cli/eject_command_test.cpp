@@ -15,7 +15,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-struct Run {
+struct Printed {
     Status status = Status::Done;
     std::string output;
     std::string error;
@@ -42,11 +42,11 @@ protected:
         platform.volumes.push_back(made);
     }
 
-    Run run(const std::string& volume, const std::string& option = "quiet") {
+    Printed run(const std::string& volume, const std::string& option = "quiet") {
         Arguments arguments;
         arguments.set("VOLUME", {volume});
         arguments.set(option, {"true"});
-        Run out;
+        Printed out;
         ::testing::internal::CaptureStdout();
         ::testing::internal::CaptureStderr();
         out.status = EjectCommand(platform).run(arguments);
@@ -80,7 +80,7 @@ TEST_F(EjectCommandTest, AVolumeIsMeantByItsPathOrItsName) {
     };
     for (const auto& each : cases) {
         platform.ejectedNumbers.clear();
-        const Run result = run(each.given);
+        const Printed result = run(each.given);
         EXPECT_EQ(result.status, each.status) << each.given;
         EXPECT_EQ(platform.ejectedNumbers, each.ejected) << each.given;
         EXPECT_EQ(result.output.empty(), each.status != Status::Done) << each.given;

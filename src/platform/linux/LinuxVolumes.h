@@ -68,7 +68,7 @@ private:
 
     [[nodiscard]] Table takeTable();
     void askForSpace(Table& table);
-    [[nodiscard]] std::int16_t numberOf(const Standing& mount, const std::vector<Standing>& all);
+    [[nodiscard]] std::int16_t numberOf(const Standing& standing, const std::vector<Standing>& all);
     void forgetAllBut(const std::vector<Standing>& all);
     void noteGone(const std::vector<MountEntry>& mounts, std::int16_t asked);
     [[nodiscard]] std::int32_t describe(const Row& row, IndexedVolume& answer) const;
