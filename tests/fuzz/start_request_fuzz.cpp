@@ -17,7 +17,8 @@ void require(bool condition) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(bytes), size);
-    if (const auto request = orrinvale::parseStartRequest(text)) require(orrinvale::printStartRequest(*request) == text);
+    if (const auto request = orrinvale::parseStartRequest(text))
+        require(orrinvale::printStartRequest(*request) == text);
     // As an address it comes over the bus; a path comes back from the address that is made of it.
     if (const auto path = orrinvale::pathOfFileUrl(text))
         require(orrinvale::pathOfFileUrl(orrinvale::fileUrlOf(*path)) == path);

@@ -151,9 +151,9 @@ TEST(Instance, NeitherABrokenPacketNorAMissingFolderIsInTheWay) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     tree.at("run/orrinvale.socket").copy(address.sun_path, sizeof address.sun_path - 1);
-    for (const std::string& packet : {std::string(), std::string("o\0", 2), std::string("orelative\0", 10),
-                                      std::string("a\0", 2), std::string("v"), std::string("vx\0", 3),
-                                      std::string("v\0t\0", 4), std::string("z\0", 2), std::string(70'000, 'o')})
+    for (const std::string& packet :
+         {std::string(), std::string("o\0", 2), std::string("orelative\0", 10), std::string("a\0", 2), std::string("v"),
+          std::string("vx\0", 3), std::string("v\0t\0", 4), std::string("z\0", 2), std::string(70'000, 'o')})
         ASSERT_GE(::sendto(sender.get(), packet.data(), packet.size(), 0, reinterpret_cast<const sockaddr*>(&address),
                            sizeof address),
                   0);

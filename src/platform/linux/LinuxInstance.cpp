@@ -84,7 +84,8 @@ std::string ProgramInstance::folderOfUser() {
     for (const std::string& each : {runtime != nullptr ? std::string(runtime) : std::string(), usual})
         if (each.starts_with('/') && isOwnFolder(each)) return each;
     const auto variables = FolderVariables::ofThisProcess();
-    const std::string config = variables.configHome.empty() ? joinPath(variables.home, ".config") : variables.configHome;
+    const std::string config =
+        variables.configHome.empty() ? joinPath(variables.home, ".config") : variables.configHome;
     return joinPath(config, programBusName);
 }
 
@@ -165,7 +166,8 @@ std::optional<StartRequest> ProgramInstance::receive() const {
         auto request = parseStartRequest(std::string_view(packet).substr(0, static_cast<std::size_t>(length)));
         if (!request || !isFromThisUser(message)) continue;
         const char taken = '1';
-        ::sendto(m_socket.get(), &taken, 1, MSG_NOSIGNAL, reinterpret_cast<const sockaddr*>(&from), message.msg_namelen);
+        ::sendto(m_socket.get(), &taken, 1, MSG_NOSIGNAL, reinterpret_cast<const sockaddr*>(&from),
+                 message.msg_namelen);
         return request;
     }
 }

@@ -114,7 +114,8 @@ void DuplicateMainWindowController::addTabs() {
 void DuplicateMainWindowController::setApplicationMenu(ApplicationMenu& menu) {
     const auto open = [this, &menu] {
         const QSize size = menu.menu()->sizeHint();
-        menu.menu()->popup(m_menuButton->mapToGlobal(QPoint(m_menuButton->width() - size.width(), m_menuButton->height())));
+        menu.menu()->popup(
+            m_menuButton->mapToGlobal(QPoint(m_menuButton->width() - size.width(), m_menuButton->height())));
     };
     connect(m_menuButton, &QAbstractButton::clicked, this, open);
     connect(new QShortcut(QKeySequence(Qt::Key_F10), m_aWindow.get()), &QShortcut::activated, this, open);

@@ -12,10 +12,10 @@
 #include <memory>
 #include <vector>
 
+#include "platform/FileUrl.h"
 #include "support/LogLines.h"
 #include "support/TestTree.h"
 #include "ui/kit/controls/DragView.h"
-#include "platform/FileUrl.h"
 
 namespace orrinvale {
 namespace {
