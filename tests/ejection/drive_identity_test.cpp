@@ -23,6 +23,10 @@ TEST(DriveIdentity, WhatTookTheirPlaceIsNeverEjected) {
     const std::int16_t number = drives.numberOf("/media/c");
     drives.tree.write("mounts", contentOf(drives.tree.at("mounts")) + mountLine(59, "8:64", "/media/c", 52));
     EXPECT_EQ(drives.volumes.FSEjectVolumeSync(number, 0, dissent), fBsyErr) << "another stands over it";
+    drives.tree.write("mounts",
+                      "1 0 8:1 / / rw - ext4 /dev/sda1 rw\n" + kStickMounts + mountLine(59, "8:64", "/media"));
+    EXPECT_EQ(drives.volumes.FSEjectVolumeSync(number, 0, dissent), fBsyErr) << "another stands over its folder";
+    EXPECT_EQ(dissent.reason, "Another volume is mounted over it");
     drives.tree.write("sys/devices/sdc/diskseq", "8\n");
     drives.tree.write("mounts", "1 0 8:1 / / rw - ext4 /dev/sda1 rw\n" + kStickMounts);
     EXPECT_EQ(drives.volumes.FSEjectVolumeSync(number, 0, dissent), nsvErr)

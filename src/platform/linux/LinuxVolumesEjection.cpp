@@ -57,9 +57,9 @@ Outcome refusalFor(std::string_view use) {
     return failure(ioErr, fmt::format("The system runs from this drive: {}", use));
 }
 
-Outcome busy(Mounts mounts, std::vector<std::string> nodes, const Mounts& table) {
+Outcome busy(Mounts mounts, std::vector<std::string> nodes) {
     Outcome outcome = failure(fBsyErr, kInUse);
-    outcome.dissent.holders = findVolumeHolders({std::move(mounts), std::move(nodes)}, table, kPatienceWithHolders);
+    outcome.dissent.holders = findVolumeHolders({std::move(mounts), std::move(nodes)}, kPatienceWithHolders);
     return outcome;
 }
 
@@ -151,9 +151,8 @@ Outcome LinuxVolumesEjection::unmount(const MountEntry& mount, const Mounts& tab
     int error = ::umount2(mount.point.c_str(), UMOUNT_NOFOLLOW) == 0 ? 0 : errno;
     if (error == EPERM || error == EACCES) unmountWithTool(mount);
     if (error == 0 || !stands(mount)) return {noErr, {}, {mount}};
-    if (error == EBUSY) return busy({mount}, {}, table);
-    Outcome outcome = busy({mount}, {}, table);
-    if (!outcome.dissent.holders.empty()) return outcome;
+    Outcome outcome = busy({mount}, {});
+    if (error == EBUSY || !outcome.dissent.holders.empty()) return outcome;
     return failure(ioErr, systemError("umount", mount.point, error).reason());
 }
 
@@ -225,7 +224,7 @@ Outcome LinuxVolumesEjection::ejectDevice(const MountEntry& mount, const std::st
         if (obstacle.kind != Kind::Busy) return failure(ioErr, fmt::format("{}{}", before, obstacle.reason));
         std::vector<std::string> nodes;
         for (const DiskObject& each : plan->devices) nodes.push_back(each.node);
-        return busy(mounts, std::move(nodes), table);
+        return busy(mounts, std::move(nodes));
     };
     const auto isAnyLeft = [&] {
         const Mounts now = this->table();

@@ -61,8 +61,8 @@ struct Findings {
 
 class Search final {
 public:
-    Search(HeldVolume volume, std::vector<MountEntry> table, Clock::time_point end, std::shared_ptr<Findings> findings)
-        : m_volume(std::move(volume)), m_table(std::move(table)), m_end(end), m_findings(std::move(findings)) {
+    Search(HeldVolume volume, Clock::time_point end, std::shared_ptr<Findings> findings)
+        : m_volume(std::move(volume)), m_end(end), m_findings(std::move(findings)) {
         for (const MountEntry& mount : m_volume.mounts) m_mountIds.insert(mount.id);
     }
 
@@ -113,7 +113,7 @@ private:
             if (!isOnPoint(target)) continue;
             // Two mounts can be seen at one path, one above the other or in another name space. The number is exact.
             const auto mount = mountOf(fmt::format("{}fdinfo/{}", folder, descriptor));
-            if (mount ? m_mountIds.contains(*mount) : isHeldPath(target)) return target;
+            if (!mount || m_mountIds.contains(*mount)) return target;
         }
         return {};
     }
@@ -141,16 +141,7 @@ private:
                            [&](const MountEntry& mount) { return isWithin(path, mount.point); });
     }
 
-    // By the path alone: what lies below it on another mount is none of ours.
-    bool isHeldPath(std::string_view path) const {
-        if (isDevice(path)) return true;
-        if (!isOnPoint(path)) return false;
-        const MountEntry* nearest = nullptr;
-        for (const MountEntry& mount : m_table)
-            if (isWithin(path, mount.point) && (!nearest || mount.point.size() >= nearest->point.size()))
-                nearest = &mount;
-        return nearest != nullptr && m_mountIds.contains(nearest->id);
-    }
+    bool isHeldPath(std::string_view path) const { return isDevice(path) || isOnPoint(path); }
 
     static std::optional<std::uint64_t> mountOf(const std::string& descriptorInfo) {
         constexpr std::string_view label = "mnt_id:";
@@ -166,7 +157,6 @@ private:
     }
 
     const HeldVolume m_volume;
-    const std::vector<MountEntry> m_table;
     const Clock::time_point m_end;
     const std::shared_ptr<Findings> m_findings;
     std::set<std::uint64_t> m_mountIds;
@@ -174,11 +164,10 @@ private:
 
 }  // namespace
 
-std::vector<VolumeHolder> findVolumeHolders(HeldVolume volume, std::vector<MountEntry> table,
-                                            std::chrono::milliseconds patience) {
+std::vector<VolumeHolder> findVolumeHolders(HeldVolume volume, std::chrono::milliseconds patience) {
     const auto end = Clock::now() + patience;
     const auto findings = std::make_shared<Findings>();
-    auto search = std::make_shared<Search>(std::move(volume), std::move(table), end, findings);
+    auto search = std::make_shared<Search>(std::move(volume), end, findings);
     try {
         std::thread([search = std::move(search)] { search->run(); }).detach();
     } catch (const std::system_error&) {

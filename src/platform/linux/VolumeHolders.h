@@ -19,8 +19,7 @@ struct HeldVolume {
 /// One entry a program, in the order of their numbers; what this process may not look into is left out. Nothing on the volume is
 /// touched, only the kernel's account of the programs is read. Even that can wait on a dead volume, where a program is stuck in
 /// its memory: so it is read on a thread that nobody waits for longer than `patience`, and what was found until then is the
-/// answer. `table` is the whole table of mounts.
-[[nodiscard]] std::vector<VolumeHolder> findVolumeHolders(HeldVolume volume, std::vector<MountEntry> table,
-                                                          std::chrono::milliseconds patience);
+/// answer. Nothing else may be mounted on the volume: what is held there would count as held here.
+[[nodiscard]] std::vector<VolumeHolder> findVolumeHolders(HeldVolume volume, std::chrono::milliseconds patience);
 
 }  // namespace orrinvale
