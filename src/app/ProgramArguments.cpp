@@ -29,7 +29,8 @@ constexpr const char* help =
     "\n"
     "For scripts and servers there is orrinvale-cli.\n";
 
-constexpr std::array<std::string_view, 4> actions{"duplicates", "large-files", "eject-all", "quit"};
+constexpr std::array actions{startAction::duplicates, startAction::largeFiles, startAction::ejectAll,
+                             startAction::quit};
 
 std::string activationToken() {
     for (const char* const name : {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"})

@@ -172,8 +172,7 @@ int start(int argc, char** argv) {
                          instance->holder());
             return 1;
     }
-    if (arguments.request == StartRequest{StartRequest::Kind::Action, "quit", arguments.request.activationToken})
-        return 0;  // nothing runs
+    if (arguments.request.isAction(startAction::quit)) return 0;  // nothing runs
     if (!hasDisplay()) {
         std::fputs("orrinvale: there is no display here; use orrinvale-cli\n", stderr);
         return 2;

@@ -16,9 +16,9 @@ public:
     [[nodiscard]] std::string_view name() const override { return "size"; }
     [[nodiscard]] std::string_view summary() const override { return "Add up the sizes of files and folders"; }
     [[nodiscard]] std::string_view description() const override {
-        return "Each path is measured for itself. Lengths of files are added up, not the blocks that they take on the "
-               "disk; "
-               "a file counts once for each of its names. Links are not followed, except a path that ends in a slash.";
+        return "Each path is measured for itself. Lengths of files are added up, not the blocks that they take on "
+               "the disk; a file counts once for each of its names. Links are not followed, except a path that ends "
+               "in a slash.";
     }
     [[nodiscard]] std::vector<OptionSpec> options() const override;
     Status run(const Arguments& arguments) override;

@@ -17,12 +17,12 @@
 
 namespace orrinvale {
 
-ProgramScenes::ProgramScenes(const SampleFolder& /*sample*/, UserDefaults& defaults, const PictureFolder& pictures,
-                             QSet<QString> wanted)
+ProgramScenes::ProgramScenes(UserDefaults& defaults, const PictureFolder& pictures, QSet<QString> wanted)
     : m_pictures(pictures), m_wanted(std::move(wanted)) {
-    addStick(7, "Holiday", "/media/anna/Holiday");
-    addStick(8, "Backup", "/media/anna/Backup");
-    m_volumes.ejections[7] = {fBsyErr, {"it is in use", {{4242, "vlc", "/media/anna/Holiday/Lake.mp4"}}}};
+    for (const auto& [number, name] : {std::pair(7, "Holiday"), std::pair(8, "Backup")})
+        m_volumes.volumes.push_back(FakeVolumes::volume(static_cast<std::int16_t>(number), name,
+                                                        std::string("/media/anna/") + name, true, 64'000'000'000));
+    m_volumes.ejections[7] = {fBsyErr, {"The volume is in use", {{4242, "vlc", "/media/anna/Holiday/Lake.mp4"}}}};
     m_delegate = std::make_unique<AppDelegate>(
         AppDelegateParts{.pages = {.files = &m_files,
                                    .notifications = &m_notifications,
@@ -45,14 +45,6 @@ ProgramScenes::ProgramScenes(const SampleFolder& /*sample*/, UserDefaults& defau
 }
 
 ProgramScenes::~ProgramScenes() = default;
-
-void ProgramScenes::addStick(std::int16_t number, const char* name, const char* path) {
-    FakeVolumes::Volume stick;
-    stick.volume = {number, {64'000'000'000, 12'000'000'000}, name, path, 0};
-    stick.parms.vMVersion = 3;
-    stick.parms.vMExtendedAttributes = 1U << bIsOnExternalBus | 1U << bIsEjectable;
-    m_volumes.volumes.push_back(stick);
-}
 
 bool ProgramScenes::draw() {
     if (!drawMenu()) return false;

@@ -18,16 +18,14 @@ namespace orrinvale {
 
 class AppDelegate;
 class PictureFolder;
-class SampleFolder;
 class TCImageWindow;
 class UserDefaults;
 
 /// The volumes are made up, as no machine that draws has a stick in it. Main thread only.
 class ProgramScenes final {
 public:
-    /// As PageScenes.
-    ProgramScenes(const SampleFolder& sample, UserDefaults& defaults, const PictureFolder& pictures,
-                  QSet<QString> wanted);
+    /// All outlive the object; of the scenes only the `wanted` become pictures, all of them where none is named.
+    ProgramScenes(UserDefaults& defaults, const PictureFolder& pictures, QSet<QString> wanted);
     ~ProgramScenes();
     ProgramScenes(const ProgramScenes&) = delete;
     ProgramScenes& operator=(const ProgramScenes&) = delete;
@@ -36,7 +34,6 @@ public:
     bool draw();
 
 private:
-    void addStick(std::int16_t number, const char* name, const char* path);
     bool save(const char* scene, const QPixmap& picture) const;
     bool saveSheet(const char* scene);
     bool drawMenu();

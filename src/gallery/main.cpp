@@ -18,7 +18,7 @@
 #include "gallery/LargeFileScenes.h"
 #include "gallery/ProgramScenes.h"
 #include "gallery/SampleFolder.h"
-#include "gallery/ToolbarScene.h"
+#include "gallery/drawToolbar.h"
 #include "gallery/drawing.h"
 #include "platform/linux/LinuxSystem.h"
 #include "ui/kit/chrome/HoverButton.h"
@@ -79,8 +79,8 @@ QSet<QString> wantedScenes(const Order& order) {
     return {QStringLiteral("first"), QStringLiteral("detail")};
 }
 
-// On a folder of its own, since pages remove things.
-template <class Scenes> bool drawPage(const Order& order, const PictureFolder& pictures) {
+// On a folder of its own, since pages remove things, and with settings of its own.
+template <class Draw> bool drawWithSample(Draw draw) {
     const SampleFolder sample;
     if (!sample.failure().empty()) {
         std::fprintf(stderr, "orrinvale-gallery: %s\n", sample.failure().c_str());
@@ -89,9 +89,21 @@ template <class Scenes> bool drawPage(const Order& order, const PictureFolder& p
     UserDefaults defaults(sample.settings());
     UserDefaults::setStandardUserDefaults(&defaults);
     PreferenceViewController::initialize();
-    const bool isDrawn = Scenes(sample, defaults, pictures, wantedScenes(order)).draw();
+    const bool isDrawn = draw(sample, defaults);
     UserDefaults::setStandardUserDefaults(nullptr);
     return isDrawn;
+}
+
+template <class Scenes> bool drawPage(const Order& order, const PictureFolder& pictures) {
+    return drawWithSample([&](const SampleFolder& sample, UserDefaults& defaults) {
+        return Scenes(sample, defaults, pictures, wantedScenes(order)).draw();
+    });
+}
+
+bool drawProgram(const Order& order, const PictureFolder& pictures) {
+    return drawWithSample([&](const SampleFolder& /*sample*/, UserDefaults& defaults) {
+        return drawToolbar(defaults, pictures) && ProgramScenes(defaults, pictures, wantedScenes(order)).draw();
+    });
 }
 
 int drawGallery(const Order& order, NotificationCenter& notifications) {
@@ -100,7 +112,7 @@ int drawGallery(const Order& order, NotificationCenter& notifications) {
     if (!drawSheet(pictures, notifications)) return 1;
     if (order.isDark && order.isLarge) return 0;
     const bool isDrawn = drawPage<DuplicateScenes>(order, pictures) && drawPage<LargeFileScenes>(order, pictures) &&
-                         drawPage<ToolbarScene>(order, pictures) && drawPage<ProgramScenes>(order, pictures);
+                         drawProgram(order, pictures);
     return isDrawn ? 0 : 1;
 }
 

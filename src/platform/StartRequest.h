@@ -9,12 +9,22 @@
 
 namespace orrinvale {
 
+/// The names of the actions.
+namespace startAction {
+inline constexpr std::string_view duplicates = "duplicates";
+inline constexpr std::string_view largeFiles = "large-files";
+inline constexpr std::string_view ejectAll = "eject-all";
+inline constexpr std::string_view quit = "quit";
+}  // namespace startAction
+
 struct StartRequest {
     enum class Kind : std::uint8_t { Activate, Open, Action };
 
     Kind kind = Kind::Activate;
     std::string text;             ///< Open: the absolute path of a folder, exact bytes; Action: the action's name
     std::string activationToken;  ///< the desktop's leave to come to the front (XDG activation); may be empty
+
+    [[nodiscard]] bool isAction(std::string_view name) const { return kind == Kind::Action && text == name; }
 
     friend bool operator==(const StartRequest&, const StartRequest&) = default;
 };

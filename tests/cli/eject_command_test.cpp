@@ -36,10 +36,7 @@ protected:
     }
 
     void add(std::int16_t number, const std::string& name, const std::string& root, bool canEject) {
-        FakeVolumes::Volume made;
-        made.volume = IndexedVolume{number, {1000, 500}, name, root, 0};
-        made.parms = {3, 0, canEject ? 1U << bIsEjectable : 0, "vda"};
-        platform.volumes.push_back(made);
+        platform.volumes.push_back(FakeVolumes::volume(number, name, root, canEject));
     }
 
     Printed run(const std::string& volume, const std::string& option = "quiet") {

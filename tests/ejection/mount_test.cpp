@@ -27,10 +27,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-bool mountRam(const char* folder) {
-    return ::mkdir(folder, 0777) == 0 && ::mount("ram", folder, "tmpfs", 0, "size=1m") == 0;
-}
-
 std::int16_t numberOf(LinuxVolumes& volumes, const std::string& path) {
     std::int16_t number = -1;
     IndexedVolume volume;

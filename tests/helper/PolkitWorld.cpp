@@ -20,6 +20,8 @@
 #include <sstream>
 #include <thread>
 
+#include "support/ServiceProcess.h"
+
 namespace orrinvale::testing {
 namespace {
 
@@ -59,15 +61,6 @@ int run(const std::vector<const char*>& arguments) {
     int status = -1;
     ::waitpid(start(arguments), &status, 0);
     return status;
-}
-
-template <class Condition> bool comesTrue(Condition condition) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end) return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    return true;
 }
 
 bool cover(const std::string& with, const char* what) {

@@ -91,10 +91,7 @@ class Completions(support.Case):
     ]
 
     def check_lines(self, shell):
-        known = commands()
         for line, expected in self.LINES:
-            if expected[0] not in known:
-                continue
             with self.subTest(line=line):
                 words = typed(shell, tool(shell), self.FILES[shell], line)
                 self.assertEqual([word.rstrip("/") for word in words], expected)
@@ -107,9 +104,8 @@ class Completions(support.Case):
 
     def test_fish(self):
         cases = {"orrinvale-cli dup": ["duplicates"], "orrinvale-cli size --js": ["--json"],
-                 "orrinvale-cli large my": ["my folder/"], "orrinvale-cli large --top ": []}
-        if "eject" in commands():
-            cases["orrinvale-cli eject /media/s"] = ["/media/stick one"]
+                 "orrinvale-cli large my": ["my folder/"], "orrinvale-cli large --top ": [],
+                 "orrinvale-cli eject /media/s": ["/media/stick one"]}
         with tempfile.TemporaryDirectory() as place:
             home, programs = furnish(Path(place))
             environment = {**os.environ, "HOME": str(home), "PATH": f"{programs}:/usr/bin:/bin"}

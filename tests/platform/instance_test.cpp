@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/file.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 
 #include <array>
@@ -12,6 +10,7 @@
 #include <cstdlib>
 
 #include "platform/instance.h"
+#include "support/SilentSocket.h"
 #include "support/TestTree.h"
 
 namespace orrinvale::testing {
@@ -24,19 +23,19 @@ using Kind = StartRequest::Kind;
 
 milliseconds since(Clock::time_point start) { return std::chrono::duration_cast<milliseconds>(Clock::now() - start); }
 
-// No session bus for this process and its children while it lives.
-class Environment {
+// Where this process and its children look for the session bus while it lives; nowhere unless an address is given.
+class SessionBusAddress {
 public:
-    explicit Environment(const std::string& busAddress = "unix:path=/nonexistent/bus") {
+    explicit SessionBusAddress(const std::string& busAddress = "unix:path=/nonexistent/bus") {
         if (const char* const before = std::getenv(name)) m_before = before;
         ::setenv(name, busAddress.c_str(), 1);
     }
-    ~Environment() {
+    ~SessionBusAddress() {
         if (m_before) ::setenv(name, m_before->c_str(), 1);
         else ::unsetenv(name);
     }
-    Environment(const Environment&) = delete;
-    Environment& operator=(const Environment&) = delete;
+    SessionBusAddress(const SessionBusAddress&) = delete;
+    SessionBusAddress& operator=(const SessionBusAddress&) = delete;
 
 private:
     static constexpr const char* name = "DBUS_SESSION_BUS_ADDRESS";
@@ -64,7 +63,7 @@ std::optional<StartRequest> awaitRequest(const ProgramInstance& instance, millis
 }
 
 TEST(Instance, OfTwoThatStartAtTheSameMomentOneIsTheProgramAndOneHandsOver) {
-    const Environment noBus;
+    const SessionBusAddress noBus;
     const TestTree tree;
     for (int round = 0; round < 200; ++round) {
         std::array<int, 2> gate{};
@@ -91,7 +90,7 @@ TEST(Instance, OfTwoThatStartAtTheSameMomentOneIsTheProgramAndOneHandsOver) {
 }
 
 TEST(Instance, WhatIsAskedForArrivesByteForByte) {
-    const Environment noBus;
+    const SessionBusAddress noBus;
     const TestTree tree;
     ProgramInstance first(tree.at(std::string(150, 'l') + "/ong"));
     ASSERT_EQ(first.begin({}), Start::First);
@@ -113,7 +112,7 @@ TEST(Instance, WhatIsAskedForArrivesByteForByte) {
 }
 
 TEST(Instance, AProgramThatDiedOrHangsHoldsNobodyUp) {
-    const Environment noBus;
+    const SessionBusAddress noBus;
     const TestTree tree;
     const std::string folder = tree.at("run");
     std::array<int, 2> ready{};
@@ -143,14 +142,12 @@ TEST(Instance, AProgramThatDiedOrHangsHoldsNobodyUp) {
 }
 
 TEST(Instance, NeitherABrokenPacketNorAMissingFolderIsInTheWay) {
-    const Environment noBus;
+    const SessionBusAddress noBus;
     TestTree tree;
     ProgramInstance first(tree.at("run"));
     ASSERT_EQ(first.begin({}), Start::First);
     const Descriptor sender(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    tree.at("run/orrinvale.socket").copy(address.sun_path, sizeof address.sun_path - 1);
+    const sockaddr_un address = socketAddress(tree.at("run/orrinvale.socket"));
     for (const std::string& packet :
          {std::string(), std::string("o\0", 2), std::string("orelative\0", 10), std::string("a\0", 2), std::string("v"),
           std::string("vx\0", 3), std::string("v\0t\0", 4), std::string("z\0", 2), std::string(70'000, 'o')})
@@ -165,13 +162,9 @@ TEST(Instance, NeitherABrokenPacketNorAMissingFolderIsInTheWay) {
 
 TEST(Instance, ABusThatHangsIsGivenUp) {
     const TestTree tree;
-    const Descriptor silent(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    tree.at("bus").copy(address.sun_path, sizeof address.sun_path - 1);
-    ASSERT_EQ(::bind(silent.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    ASSERT_EQ(::listen(silent.get(), 8), 0);
-    const Environment bus("unix:path=" + tree.at("bus"));
+    const Descriptor silent = silentSocket(tree.at("bus"));
+    ASSERT_TRUE(silent.isOpen());
+    const SessionBusAddress bus("unix:path=" + tree.at("bus"));
     const auto begun = Clock::now();
     EXPECT_FALSE(sessionBusAnswers(milliseconds(200)));
     EXPECT_EQ(handOverBySessionBus({}, milliseconds(200)), std::nullopt);

@@ -5,6 +5,7 @@
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/prctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -29,6 +30,11 @@ void withOwnMounts(const std::function<std::string()>& check) {
     });
     if (said.starts_with("skip: ")) GTEST_SKIP() << said.substr(6);
     EXPECT_EQ(said, "");
+}
+
+bool mountRam(const char* folder) {
+    ::mkdir(folder, 0777);
+    return ::mount("ram", folder, "tmpfs", 0, "size=1m") == 0;
 }
 
 }  // namespace orrinvale::testing

@@ -10,4 +10,7 @@ namespace orrinvale::testing {
 /// ends. What it says is a failure; "skip: " and a reason skips the test, as does a machine where this can not be had.
 void withOwnMounts(const std::function<std::string()>& check);
 
+/// Makes the folder where it is missing, and mounts an empty tmpfs there; false when it can not.
+[[nodiscard]] bool mountRam(const char* folder);
+
 }  // namespace orrinvale::testing

@@ -13,13 +13,11 @@
 
 namespace orrinvale::testing {
 
-ServiceProcess::ServiceProcess(std::vector<std::string> command, std::vector<std::string> variables)
-    : m_process(::fork()) {
+ServiceProcess::ServiceProcess(std::vector<std::string> command) : m_process(::fork()) {
     if (m_process != 0) return;
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     const int nothing = ::open("/dev/null", O_RDWR | O_CLOEXEC);
     for (int number = 0; number <= 2; ++number) ::dup2(nothing, number);
-    for (std::string& each : variables) ::putenv(each.data());
     std::vector<char*> arguments;
     for (std::string& each : command) arguments.push_back(each.data());
     arguments.push_back(nullptr);

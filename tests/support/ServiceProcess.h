@@ -14,8 +14,8 @@ namespace orrinvale::testing {
 /// nothing. Start it on the test's main thread.
 class ServiceProcess final {
 public:
-    /// The program's absolute path and its arguments, and variables "NAME=value" beside those of the test.
-    explicit ServiceProcess(std::vector<std::string> command, std::vector<std::string> variables = {});
+    /// The program's absolute path and its arguments.
+    explicit ServiceProcess(std::vector<std::string> command);
     ~ServiceProcess();
     ServiceProcess(ServiceProcess&& other) noexcept;
     ServiceProcess& operator=(ServiceProcess&& other) noexcept;

@@ -2,6 +2,7 @@
 #include "cli/pages/CommandTable.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace orrinvale::cli {
 namespace {
@@ -35,9 +36,15 @@ std::vector<OptionForms> commonForms() {
     return forms;
 }
 
+std::vector<OptionForms> allOptions(const CommandForms& command) {
+    std::vector<OptionForms> all = command.options;
+    for (OptionForms& common : commonForms()) all.push_back(std::move(common));
+    return all;
+}
+
 WordKind kindOf(std::string_view argument) {
     if (argument.starts_with("FOLDER")) return WordKind::Folder;
-    if (argument.starts_with("NAME") || argument.starts_with("VOLUME")) return WordKind::Volume;
+    if (argument.starts_with("VOLUME")) return WordKind::Volume;
     if (argument.starts_with("PATH")) return WordKind::Path;
     return WordKind::Free;
 }

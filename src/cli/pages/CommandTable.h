@@ -30,8 +30,10 @@ struct CommandForms {
 
 [[nodiscard]] CommandForms formsOf(const Command& command);
 [[nodiscard]] std::vector<OptionForms> commonForms();
+/// Its own options and then the common ones.
+[[nodiscard]] std::vector<OptionForms> allOptions(const CommandForms& command);
 
-/// "FOLDER", "PATH...", "NAME|PATH": folders, paths, mounted volumes.
+/// "FOLDER", "PATH...", "VOLUME": folders, paths, mounted volumes.
 [[nodiscard]] WordKind kindOf(std::string_view argument);
 
 /// The manual page orrinvale-cli(1). `date` is that of the release, "2026-11-21".

@@ -14,12 +14,6 @@ std::string replaced(std::string_view text, std::string_view what, std::string_v
     return out;
 }
 
-std::vector<OptionForms> allOptions(const CommandForms& command) {
-    std::vector<OptionForms> all = command.options;
-    for (OptionForms& common : commonForms()) all.push_back(std::move(common));
-    return all;
-}
-
 // The kind of what stands behind the options; all arguments of a command are of one kind.
 WordKind argumentKind(const CommandForms& command) {
     return command.arguments.empty() ? WordKind::Free : kindOf(command.arguments.front().names);

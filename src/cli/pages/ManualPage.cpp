@@ -54,23 +54,20 @@ std::string closed(std::string_view text) {
     return std::string(text) + (text.ends_with('.') || text.empty() ? "" : ".");
 }
 
-std::string optionEntry(const OptionForms& option) {
+// All names of an option in a row, and what it takes behind a blank.
+std::string namesOf(const OptionForms& option, const char* between, const char* blank) {
     std::string names;
-    for (const std::string_view name : option.names) names += (names.empty() ? "" : ", ") + bold(name);
-    if (!option.argument.empty()) names += ' ' + slanted(option.argument);
-    return fmt::format(".TP\n{}\n{}", names, sentences(closed(option.help)));
+    for (const std::string_view name : option.names) names += (names.empty() ? "" : between) + bold(name);
+    return option.argument.empty() ? names : names + blank + slanted(option.argument);
+}
+
+std::string optionEntry(const OptionForms& option) {
+    return fmt::format(".TP\n{}\n{}", namesOf(option, ", ", " "), sentences(closed(option.help)));
 }
 
 std::string synopsis(const CommandForms& command) {
     std::string out = fmt::format(".SY orrinvale\\-cli\n.B {}\n", plain(command.name));
-    std::vector<OptionForms> options = command.options;
-    for (const OptionForms& common : commonForms()) options.push_back(common);
-    for (const OptionForms& option : options) {
-        std::string names;
-        for (const std::string_view name : option.names) names += (names.empty() ? "" : "\\ |\\ ") + bold(name);
-        if (!option.argument.empty()) names += "\\ " + slanted(option.argument);
-        out += '[' + names + "]\n";
-    }
+    for (const OptionForms& option : allOptions(command)) out += '[' + namesOf(option, "\\ |\\ ", "\\ ") + "]\n";
     for (const OptionSpec& argument : command.arguments) out += slanted(argument.names) + '\n';
     return out + ".YS\n";
 }
@@ -89,7 +86,7 @@ constexpr std::string_view beforeCommands = R"(.SH DESCRIPTION
 looks after disks without a window: in terminals, in scripts and on servers.
 Results go to standard output, everything else to standard error.
 Colours and the line of progress appear on a terminal only.
-Ctrl\-C stops a command; what it found until then is printed.
+Ctrl\-C stops a search; what it found until then is printed.
 )";
 
 constexpr std::string_view afterCommands = R"(.SH OUTPUT

@@ -58,7 +58,6 @@ bool VolumesManager::ejectSingleVolume(std::int16_t volRefNumber) {
     m_failures.clear();
     auto failure = eject(volRefNumber);
     if (!failure) return true;
-    addNames(*failure);
     m_failures.push_back(std::move(*failure));
     return false;
 }
@@ -87,16 +86,6 @@ std::optional<EjectFailure> VolumesManager::eject(std::int16_t volRefNumber) {
     if (failure.status == noErr) return std::nullopt;
     Log::line(fmt::format("Eject the volume {} failed result: {}", volRefNumber, failure.status));
     return failure;
-}
-
-// Not by a VolumesInfo, whose log lines about devices would stand behind that of the ejection.
-void VolumesManager::addNames(EjectFailure& failure) {
-    IndexedVolume volume;
-    for (std::uint32_t index = 1; m_platform.FSGetVolumeInfo(index, volume) != nsvErr; ++index) {
-        if (volume.refNumber != failure.volRefNumber || !failure.volRootDir.empty()) continue;
-        failure.volumeName = volume.name;
-        failure.volRootDir = volume.rootPath;
-    }
 }
 
 bool VolumesManager::openVolRootDir(const std::optional<std::string>& path) {

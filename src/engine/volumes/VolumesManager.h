@@ -36,7 +36,7 @@ public:
     VolumesManager(const VolumesManager&) = delete;
     VolumesManager& operator=(const VolumesManager&) = delete;
 
-    /// True when the volume is ejected. A failure is logged and kept in failures().
+    /// True when the volume is ejected. A failure is logged and kept in failures(), without the names, which the caller has.
     bool ejectSingleVolume(std::int16_t volRefNumber);
 
     /// Ejects what can be ejected of the volumes that stand now, in their order; one that fails stops nothing. -1 when there
@@ -52,7 +52,6 @@ public:
 
 private:
     [[nodiscard]] std::optional<EjectFailure> eject(std::int16_t volRefNumber);
-    void addNames(EjectFailure& failure);
 
     Volumes& m_platform;
     const OpenFolder m_openFolder;

@@ -47,6 +47,15 @@ public:
         EjectDissent dissent;
     };
 
+    /// A volume that is half empty; one that can be ejected is a removable medium.
+    [[nodiscard]] static Volume volume(std::int16_t number, const std::string& name, const std::string& path,
+                                       bool canEject, std::uint64_t total = 1000) {
+        Volume made;
+        made.volume = {number, {total, total / 2}, name, path, 0};
+        made.parms = {3, 0, canEject ? 1U << bIsEjectable | 1U << bIsRemovable : 0, "vda"};
+        return made;
+    }
+
     std::vector<Volume> volumes;
     std::map<std::int16_t, Ejection> ejections;    ///< by reference number; any other volume goes without trouble
     std::vector<std::int16_t> ejectedNumbers;      ///< asked for, in order

@@ -3,9 +3,10 @@
 
 #include <dlfcn.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <type_traits>
+
+#include "platform/deadline.h"
 
 namespace orrinvale {
 namespace {
@@ -50,8 +51,8 @@ bool becomesReady(sd_bus& bus, std::chrono::milliseconds patience) {
         const int processed = sdBus().process(&bus, nullptr);
         if (processed < 0) return false;
         if (processed > 0) continue;
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
-        if (left.count() <= 0) return false;
+        const auto left = timeUntil(end);
+        if (left.count() == 0) return false;
         if (const int waited = sdBus().wait(&bus, busMicroseconds(left)); waited < 0 && waited != -EINTR) return false;
     }
 }

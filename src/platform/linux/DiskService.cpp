@@ -7,6 +7,8 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/deadline.h"
+
 namespace orrinvale {
 namespace {
 
@@ -32,6 +34,10 @@ constexpr std::array<std::string_view, 3> goneErrors{"org.freedesktop.DBus.Error
 bool isAbsence(std::string_view name) {
     return name == "org.freedesktop.DBus.Error.ServiceUnknown" || name == "org.freedesktop.DBus.Error.NameHasNoOwner" ||
            name.starts_with("org.freedesktop.DBus.Error.Spawn");
+}
+
+tl::unexpected<DiskServiceFailure> unreachable(const char* reason) {
+    return tl::unexpected(DiskServiceFailure{Kind::Unreachable, reason});
 }
 
 DiskServiceFailure failureOf(const BusError& error) {
@@ -173,23 +179,20 @@ DiskServiceResult<DiskService> DiskService::open(std::chrono::milliseconds patie
     const auto end = Clock::now() + patience;
     sd_bus* connection = nullptr;
     if (!hasSdBus() || sdBus().open_system(&connection) < 0)
-        return tl::unexpected(
-            DiskServiceFailure{Kind::Unreachable, "The disk service can not be asked: no system bus"});
+        return unreachable("The disk service can not be asked: no system bus");
     DiskService service{BusHandle(connection)};
-    if (!becomesReady(*connection, patience))
-        return tl::unexpected(DiskServiceFailure{Kind::Unreachable, "The system bus does not answer"});
+    if (!becomesReady(*connection, patience)) return unreachable("The system bus does not answer");
 
     Message* message = nullptr;
     if (sdBus().message_new_method_call(connection, &message, kService, kManager, "org.freedesktop.DBus.ObjectManager",
                                         "GetManagedObjects") < 0)
-        return tl::unexpected(DiskServiceFailure{Kind::Unreachable, kSilent});
+        return unreachable(kSilent);
     const BusMessage question(message);
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now());
     BusError error;
     Message* reply = nullptr;
     // A time-out of 0 would be the library's own, which is long.
-    if (sdBus().call(connection, question.get(), std::max<std::uint64_t>(busMicroseconds(left), 1), error.get(),
-                     &reply) < 0)
+    if (sdBus().call(connection, question.get(), std::max<std::uint64_t>(busMicroseconds(timeUntil(end)), 1),
+                     error.get(), &reply) < 0)
         return tl::unexpected(failureOf(error));
     const BusMessage answer(reply);
     if (!takeObjects(reply, service.m_objects))
@@ -200,7 +203,7 @@ DiskServiceResult<DiskService> DiskService::open(std::chrono::milliseconds patie
 DiskServiceResult<void> DiskService::call(const std::string& path, const char* interface, const char* operation) {
     Message* message = nullptr;
     if (sdBus().message_new_method_call(m_bus.get(), &message, kService, path.c_str(), interface, operation) < 0)
-        return tl::unexpected(DiskServiceFailure{Kind::Unreachable, kSilent});
+        return unreachable(kSilent);
     const BusMessage question(message);
     sdBus().message_set_allow_interactive_authorization(message, 1);
     BusError error;

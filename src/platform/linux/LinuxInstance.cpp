@@ -14,6 +14,7 @@
 #include <thread>
 
 #include "platform/FolderVariables.h"
+#include "platform/deadline.h"
 #include "platform/instance.h"
 #include "platform/paths.h"
 
@@ -36,10 +37,6 @@ void makeFolders(const std::string& path) {
     for (std::size_t at = path.find('/', 1); at != std::string::npos; at = path.find('/', at + 1))
         ::mkdir(path.substr(0, at).c_str(), S_IRWXU);
     ::mkdir(path.c_str(), S_IRWXU);
-}
-
-milliseconds until(Clock::time_point end) {
-    return std::max(milliseconds(0), std::chrono::duration_cast<milliseconds>(end - Clock::now()));
 }
 
 int numberIn(int file) {
@@ -106,8 +103,8 @@ ProgramInstance::Start ProgramInstance::begin(const StartRequest& request, milli
             listen();
             return Start::First;
         }
-        if (const auto told = handOverBySessionBus(request, until(end))) return *told;
-        if (const auto told = handOverThroughSocket(request, until(end))) return *told;
+        if (const auto told = handOverBySessionBus(request, timeUntil(end))) return *told;
+        if (const auto told = handOverThroughSocket(request, timeUntil(end))) return *told;
         if (Clock::now() + pause >= end) return Start::NoWay;
         std::this_thread::sleep_for(pause);
     }

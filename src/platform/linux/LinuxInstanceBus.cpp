@@ -4,6 +4,7 @@
 #include <string>
 
 #include "platform/FileUrl.h"
+#include "platform/deadline.h"
 #include "platform/instance.h"
 #include "platform/linux/BusHandles.h"
 
@@ -12,10 +13,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
-
-milliseconds until(Clock::time_point end) {
-    return std::max(milliseconds(0), std::chrono::duration_cast<milliseconds>(end - Clock::now()));
-}
 
 BusHandle sessionBus(milliseconds patience) {
     sd_bus* opened = nullptr;
@@ -76,7 +73,7 @@ std::optional<ProgramInstance::Start> handOverBySessionBus(const StartRequest& r
     const BusMessage call = callFor(*bus, request);
     if (!call) return std::nullopt;
     // What is left of the time, and never 0, which would mean 25 seconds.
-    const auto left = std::max(milliseconds(1), until(end));
+    const auto left = std::max(milliseconds(1), timeUntil(end));
     BusError error;
     sd_bus_message* answered = nullptr;
     const int result = sdBus().call(bus.get(), call.get(), busMicroseconds(left), error.get(), &answered);

@@ -25,9 +25,6 @@ public:
     StartService(const ProgramInstance& instance, Handler handler);
     ~StartService() override;
 
-    /// False where the session bus does not know this program by its name.
-    [[nodiscard]] bool isOnBus() const { return m_isOnBus; }
-
 public Q_SLOTS:
     // Of the interface; the names are those of the bus.
     void Activate(const QVariantMap& platform_data);

@@ -25,7 +25,7 @@ struct VolumeWorker::Shared {
     bool isRunning = false;
     bool isOver = false;
 
-    // The next request; none, and the thread is told off, when nothing waits.
+    // The next request; none when nothing waits, and then the thread ends.
     Request next() {
         const std::lock_guard lock(mutex);
         if (isOver) requests.clear();

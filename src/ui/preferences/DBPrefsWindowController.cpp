@@ -162,7 +162,7 @@ void DBPrefsWindowController::insertView(int place, QWidget* view, const QString
     m_toolbarViews.insert(label, view);
 }
 
-void DBPrefsWindowController::setUpToolbar() {
+void DBPrefsWindowController::buildToolbarOnce() {
     if (std::exchange(m_isToolbarSetUp, true)) return;
     setupToolbar();
     const auto stored = m_defaults.integerForKey(DBPreferencesToolbarKey);
@@ -185,7 +185,7 @@ QString DBPrefsWindowController::storedIdentifier() const {
 }
 
 void DBPrefsWindowController::showWindow() {
-    setUpToolbar();
+    buildToolbarOnce();
     displayViewForIdentifier(storedIdentifier(), false);
     m_window->show();
     m_window->raise();

@@ -88,7 +88,7 @@ protected:
 private:
     void makeWindow();
     void makeTitleBar();
-    void setUpToolbar();
+    void buildToolbarOnce();
     void fitTitleBar();
     void keepDisplay(ToolbarDisplay display);
     [[nodiscard]] QString storedIdentifier() const;

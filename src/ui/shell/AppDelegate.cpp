@@ -84,18 +84,18 @@ void AppDelegate::perform(const StartRequest& request) {
     // Read by the window system when the window asks for the keyboard.
     if (!request.activationToken.empty())
         qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(request.activationToken));
-    if (request.kind == StartRequest::Kind::Action && request.text == "quit") {
+    if (request.isAction(startAction::quit)) {
         quit();
         return;
     }
     handleReopenAppEvent();
     if (request.kind == StartRequest::Kind::Open) {
         searchFolder(request.text);
-    } else if (request.text == "duplicates") {
+    } else if (request.isAction(startAction::duplicates)) {
         m_duplicateMWC->selectDuplicateButtonAction();
-    } else if (request.text == "large-files") {
+    } else if (request.isAction(startAction::largeFiles)) {
         m_duplicateMWC->selectFileListButtonAction();
-    } else if (request.text == "eject-all") {
+    } else if (request.isAction(startAction::ejectAll)) {
         rejestAllDisk();
     } else if (request.kind == StartRequest::Kind::Action) {
         Log::line(fmt::format("There is no action \"{}\".", request.text));
@@ -113,7 +113,7 @@ void AppDelegate::searchFolder(const std::string& path) {
     busy.title = tr("Something else is under way.");
     busy.text =
         tr("Stop it or wait for its end, and then choose %1 again.").arg(onOneLine(QString::fromStdString(path)));
-    m_parts.pages.dialogs->alert(window(), busy, [](int) {});
+    tell(busy);
 }
 
 void AppDelegate::openMainWindow() {
@@ -126,10 +126,7 @@ void AppDelegate::openMainWindow() {
     m_duplicateMWC->showWindow();
 }
 
-void AppDelegate::showMainWindowWhenClickMenuItem() {
-    m_isOpenWindow = true;
-    openMainWindow();
-}
+void AppDelegate::showMainWindowWhenClickMenuItem() { handleReopenAppEvent(); }
 
 void AppDelegate::handleReopenAppEvent() {
     m_isOpenWindow = true;
@@ -159,7 +156,7 @@ bool AppDelegate::isRemoving() const {
 void AppDelegate::leave(std::function<void()> last) {
     if (std::exchange(m_isLeaving, true)) return;
     const auto end = [this, last = std::move(last)] {
-        m_leaving.stop();
+        m_leaveTimer.stop();
         // A failure is logged there; there is nobody left to be asked.
         static_cast<void>(m_parts.pages.defaults->synchronize());
         last();
@@ -171,21 +168,25 @@ void AppDelegate::leave(std::function<void()> last) {
     m_duplicateMWC->sameFileDeleteVC()->stopRemoveBtnClicked();
     Controller::getController().stopRemove();
     window()->hide();
-    connect(&m_leaving, &QTimer::timeout, this, [this, end, patience = QDeadlineTimer(endPatience)] {
+    connect(&m_leaveTimer, &QTimer::timeout, this, [this, end, patience = QDeadlineTimer(endPatience)] {
         if (!isRemoving() || patience.hasExpired()) end();
     });
-    m_leaving.start(endPause);
+    m_leaveTimer.start(endPause);
+}
+
+void AppDelegate::tell(const Alert& alert) {
+    handleReopenAppEvent();
+    m_parts.pages.dialogs->alert(window(), alert, [](int) {});
 }
 
 void AppDelegate::openAboutWindow() {
-    handleReopenAppEvent();
     Alert about;
     about.title = QStringLiteral("Orrinvale ") + QCoreApplication::applicationVersion();
     about.text =
         tr("Finds duplicates, shows what is large, and removes what you tick: that and nothing else.\n\n"
            "Free software under the Apache License 2.0.");
     about.picture = QStringLiteral("appicon");
-    m_parts.pages.dialogs->alert(window(), about, [](int) {});
+    tell(about);
 }
 
 void AppDelegate::showPages() { AppPrefsWindowController::sharedPrefsWindowController().showWindow(); }
@@ -198,11 +199,10 @@ void AppDelegate::Reference() {
 
 void AppDelegate::help() {
     if (m_parts.openGuide()) return;
-    handleReopenAppEvent();
     Alert missing;
     missing.title = tr("The user guide could not be opened.");
     missing.text = tr("It is installed together with the program, and shown by your web browser.");
-    m_parts.pages.dialogs->alert(window(), missing, [](int) {});
+    tell(missing);
 }
 
 }  // namespace orrinvale

@@ -25,6 +25,7 @@ class QLabel;
 namespace orrinvale {
 
 class ApplicationMenu;
+struct Alert;
 class MountChanges;
 class WatchMountUnmount;
 class WorkspaceMounts;
@@ -41,7 +42,8 @@ struct AppDelegateParts {
     std::function<void(int signal)> endBySignal;  ///< the same, so that who sent the signal sees that it worked
 };
 
-/// The operations are called in the order of the declarations: the launch first. Main thread only.
+/// applicationWillFinishLaunching() is called first and applicationDidFinishLaunching() next, the others after these. Main thread
+/// only.
 class AppDelegate final : public QObject, private DuplicateMainWindowControllerDelegate {
     Q_OBJECT
 public:
@@ -64,7 +66,6 @@ public:
     void showMainWindowWhenClickMenuItem();
     void handleReopenAppEvent();
 
-    [[nodiscard]] bool isOpenWindow() const { return m_isOpenWindow; }
     [[nodiscard]] DuplicateMainWindowController* duplicateMWC() const { return m_duplicateMWC.get(); }  ///< null before
     [[nodiscard]] ApplicationMenu& menu() const { return *m_menu; }
 
@@ -98,6 +99,7 @@ private:
     void refMenuItemWhenDeleteAndAdd();
     void ejectionEnded(std::int32_t status, const std::vector<EjectFailure>& failures);
     void bubbleViewWith(std::unique_ptr<QLabel> view, std::unique_ptr<QLabel> withBView = nullptr);
+    void tell(const Alert& alert);
     void searchFolder(const std::string& path);
     void leave(std::function<void()> last);
     [[nodiscard]] bool isRemoving() const;
@@ -116,7 +118,7 @@ private:
     bool m_isOpenWindow = false;
     bool m_isEjecting = false;
     bool m_isLeaving = false;
-    QTimer m_leaving;
+    QTimer m_leaveTimer;
 };
 
 }  // namespace orrinvale

@@ -54,8 +54,7 @@ void AppDelegate::ZvCommVolumeNottification(const Notification& notification, co
     m_parts.pages.notifications->post("updateSizeView");
 }
 
-// The notes of the delegate are put together and pass without a window of their own: a volume that comes or goes is seen where
-// volumes are shown.
+// Put together and let go: the delegate's notes are never shown. A volume that comes or goes is seen where volumes are.
 void AppDelegate::bubbleViewWith(std::unique_ptr<QLabel> view, std::unique_ptr<QLabel> withBView) {
     QWidget container;
     container.resize(withBView ? 280 : 220, 50);
@@ -80,7 +79,6 @@ void AppDelegate::ejectionEnded(std::int32_t status, const std::vector<EjectFail
     }
     refMenuItemWhenDeleteAndAdd();
     if (failures.empty()) return;
-    handleReopenAppEvent();
     QStringList lines;
     for (const EjectFailure& each : failures)
         lines.push_back(onOneLine(QString::fromStdString(ejectFailureText(each))));
@@ -88,7 +86,7 @@ void AppDelegate::ejectionEnded(std::int32_t status, const std::vector<EjectFail
     alert.title = tr("Not every volume could be ejected.");
     alert.text = lines.join(QLatin1Char('\n'));
     alert.severity = Alert::Severity::Warning;
-    m_parts.pages.dialogs->alert(window(), alert, [](int) {});
+    tell(alert);
 }
 
 // The menu is told what there is to eject; the walk that finds out runs elsewhere, since a server that is gone takes its time.
@@ -101,11 +99,10 @@ void AppDelegate::refMenuItemWhenDeleteAndAdd() {
 void AppDelegate::openFinderWhenClickItems(const Notification& notification) {
     const auto* const path = std::any_cast<std::string>(&notification.object);
     if (m_voluManager->openVolRootDir(path != nullptr ? std::optional(*path) : std::nullopt)) return;
-    handleReopenAppEvent();
     Alert alert;
     alert.title = QString::fromStdString(getLocalizedString("CANNOT_OPEN_FINDER"));
     alert.severity = Alert::Severity::Critical;
-    m_parts.pages.dialogs->alert(window(), alert, [](int) {});
+    tell(alert);
 }
 
 std::shared_ptr<ZvVolumeInfo> AppDelegate::getBootVolume() {

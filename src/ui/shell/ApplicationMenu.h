@@ -3,7 +3,6 @@
 
 #include <QKeySequence>
 #include <QObject>
-#include <QPointer>
 #include <functional>
 #include <memory>
 

@@ -2,7 +2,6 @@
 #include "ui/shell/FileManager.h"
 
 #include <fmt/format.h>
-#include <sys/stat.h>
 
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -54,11 +53,7 @@ void revealInFileManager(const std::string& path) {
     });
 }
 
-bool openInFileManager(const std::string& path) {
-    struct stat folder {};
-    if (::stat(path.c_str(), &folder) != 0 || !S_ISDIR(folder.st_mode)) return false;
-    return openAddress(path);
-}
+bool openInFileManager(const std::string& path) { return openAddress(path); }
 
 bool openUserGuide() {
     const QString guide = QDir::cleanPath(QCoreApplication::applicationDirPath() +

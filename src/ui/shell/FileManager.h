@@ -10,8 +10,8 @@ namespace orrinvale {
 /// that it lies in. Returns at once. Exact bytes. Main thread only.
 void revealInFileManager(const std::string& path);
 
-/// Opens the folder itself. False when it is none, or nothing here could open it; true says that somebody was asked to. Returns at
-/// once. Exact bytes. Main thread only.
+/// Opens the folder itself. False when nothing here could be started for that; whether the folder can be reached is left to the file
+/// manager, since a dead server would hold this thread up. Returns at once. Exact bytes. Main thread only.
 [[nodiscard]] bool openInFileManager(const std::string& path);
 
 /// Opens the user guide that lies beside the program (../share/orrinvale/guide) in the desktop's browser. False when it is not there or

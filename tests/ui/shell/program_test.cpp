@@ -1,7 +1,5 @@
 // The program as a person starts it: the window, its bounds, a folder from the command line, further starts, and its end.
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 
 #include <QElapsedTimer>
 #include <QImage>
@@ -10,7 +8,7 @@
 #include <csignal>
 #include <set>
 
-#include "platform/descriptor.h"
+#include "support/SilentSocket.h"
 #include "support/TestTree.h"
 #include "ui/duplicates/PageWindow.h"
 #include "ui/kit/chrome/DesktopSession.h"
@@ -132,6 +130,16 @@ TEST(Program, StartsSearchesAFolderAndLivesOnWhenItsWindowIsClosed) {
     EXPECT_EQ(running.ended(), 1);
 }
 
+// Without a display, with folders of its own.
+QProcessEnvironment offscreen(const testing::TestTree& tree, const std::string& bus) {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char* const name : {"XDG_RUNTIME_DIR", "XDG_CONFIG_HOME"})
+        environment.insert(QLatin1String(name), QString::fromStdString(tree.path()));
+    environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QString::fromStdString(bus));
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    return environment;
+}
+
 // A session bus that starts the program when somebody calls it by its name, as an installed one does.
 class PrivateBus {
 public:
@@ -146,12 +154,7 @@ public:
                        tree.at("services") +
                        "</servicedir><policy context=\"default\"><allow send_destination=\"*\" eavesdrop=\"true\"/>"
                        "<allow eavesdrop=\"true\"/><allow own=\"*\"/></policy></busconfig>");
-        environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"),
-                           QString::fromStdString("unix:path=" + tree.at("bus")));
-        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), QString::fromStdString(tree.path()));
-        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), QString::fromStdString(tree.path()));
-        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        environment = offscreen(tree, "unix:path=" + tree.at("bus"));
         environment.insert(QStringLiteral("ORRINVALE_LOG"), QStringLiteral("1"));
         m_daemon.setProcessEnvironment(environment);
         m_daemon.setProcessChannelMode(QProcess::MergedChannels);
@@ -228,10 +231,10 @@ TEST(Program, OfTwoStartsAtTheSameMomentOneStays) {
     const int rounds = asked.isEmpty() ? 5 : asked.toInt();
     for (int round = 0; round < rounds; ++round) {
         // With the bus in one half of the rounds, through the socket alone in the other.
+        QProcessEnvironment environment = bus.environment;
         if (round % 2 == 1)
-            bus.environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"),
-                                   QStringLiteral("unix:path=/nonexistent"));
-        Running one(bus.environment), other(bus.environment);
+            environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nonexistent"));
+        Running one(environment), other(environment);
         one.start();
         other.start();
         ASSERT_TRUE(PageWindow::waitFor([&] {
@@ -249,20 +252,12 @@ TEST(Program, OfTwoStartsAtTheSameMomentOneStays) {
 TEST(Program, EndsBySignalsAndNeedsNoBusAtAll) {
     testing::TestTree tree;
     // A bus that accepts and never says a word.
-    const Descriptor silent(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    tree.at("bus").copy(address.sun_path, sizeof address.sun_path - 1);
-    ASSERT_EQ(::bind(silent.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    ASSERT_EQ(::listen(silent.get(), 8), 0);
+    const Descriptor silent = testing::silentSocket(tree.at("bus"));
+    ASSERT_TRUE(silent.isOpen());
     for (const std::string& bus :
          {"unix:path=" + tree.at("bus"), std::string("unix:path=/nonexistent"), std::string()}) {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        for (const char* name : {"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS"})
-            environment.insert(QLatin1String(name), QString::fromStdString(bus));
-        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), QString::fromStdString(tree.path()));
-        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), QString::fromStdString(tree.path()));
-        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        QProcessEnvironment environment = offscreen(tree, bus);
+        environment.insert(QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), QString::fromStdString(bus));
         Running running(environment);
         running.start();
         // It answers once its window stands.

@@ -24,12 +24,6 @@ void drawMark(QPainter& painter, const QRect& rect, QColor color) {
     painter.drawPolyline(QPolygonF{middle + QPointF(-4, 0), middle + QPointF(-1, 3), middle + QPointF(4.5, -3.5)});
 }
 
-void drawArrow(QPainter& painter, const QRect& rect, QColor color) {
-    const QPointF middle(rect.right() - Theme::gap, QRectF(rect).center().y());
-    painter.setPen(QPen(color, 1.75, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.drawPolyline(QPolygonF{middle + QPointF(-2, -4), middle + QPointF(2, 0), middle + QPointF(-2, 4)});
-}
-
 }  // namespace
 
 QSize menuRowSize(const QStyleOptionMenuItem& row, QSize texts) {
@@ -37,7 +31,6 @@ QSize menuRowSize(const QStyleOptionMenuItem& row, QSize texts) {
     int width = texts.width() + row.reservedShortcutWidth + 2 * (menuPadding + Theme::gapSmall);
     if (row.reservedShortcutWidth > 0) width += keysGap;
     if (row.menuHasCheckableItems) width += Theme::gapHuge;
-    if (row.menuItemType == QStyleOptionMenuItem::SubMenu) width += Theme::gapLarge;
     return {std::max(width, leastWidth), Theme::rowHeight};
 }
 
@@ -64,7 +57,6 @@ void drawMenuRow(QPainter& painter, const QStyleOptionMenuItem& row) {
         if (isChecked(row)) drawMark(painter, QRect(text.left(), text.top(), Theme::gapLarge, text.height()), color);
         text.setLeft(text.left() + Theme::gapHuge);
     }
-    if (row.menuItemType == QStyleOptionMenuItem::SubMenu) drawArrow(painter, text, color);
     painter.setFont(row.font);
     painter.setPen(color);
     const QStringList parts = row.text.split(QLatin1Char('\t'));

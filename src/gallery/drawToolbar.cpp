@@ -1,5 +1,5 @@
-// ToolbarScene: see ToolbarScene.h.
-#include "gallery/ToolbarScene.h"
+// drawToolbar: see drawToolbar.h.
+#include "gallery/drawToolbar.h"
 
 #include <QApplication>
 
@@ -15,11 +15,7 @@
 
 namespace orrinvale {
 
-ToolbarScene::ToolbarScene(const SampleFolder& /*sample*/, UserDefaults& defaults, const PictureFolder& pictures,
-                           const QSet<QString>& /*wanted*/)
-    : m_defaults(defaults), m_pictures(pictures) {}
-
-bool ToolbarScene::draw() {
+bool drawToolbar(UserDefaults& defaults, const PictureFolder& pictures) {
     const LinuxFileSystem files;
     NotificationCenter notifications;
     QtMainQueue mainQueue;
@@ -30,7 +26,7 @@ bool ToolbarScene::draw() {
     controller.setOpenHelp([] {});
     registerDuplicatePage(controller, {.files = &files,
                                        .notifications = &notifications,
-                                       .defaults = &m_defaults,
+                                       .defaults = &defaults,
                                        .dialogs = &dialogs,
                                        .mainQueue = &mainQueue,
                                        .icons = [&](const IconRequest& request) { return icons.icon(request); },
@@ -39,7 +35,7 @@ bool ToolbarScene::draw() {
     controller.showWindow();
     controller.window()->activateWindow();
     QApplication::processEvents();
-    return m_pictures.save(QStringLiteral("toolbar-window"), controller.window()->grab());
+    return pictures.save(QStringLiteral("toolbar-window"), controller.window()->grab());
 }
 
 }  // namespace orrinvale
