@@ -41,10 +41,11 @@ ProgramScenes::ProgramScenes(UserDefaults& defaults, const PictureFolder& pictur
                          .endBySignal = {}});
     m_delegate->applicationWillFinishLaunching();
     m_delegate->applicationDidFinishLaunching();
-    m_window = m_delegate->duplicateMWC()->window();
 }
 
 ProgramScenes::~ProgramScenes() = default;
+
+TCImageWindow& ProgramScenes::window() const { return *m_delegate->duplicateMWC()->window(); }
 
 bool ProgramScenes::draw() {
     if (!drawMenu()) return false;
@@ -65,22 +66,22 @@ bool ProgramScenes::drawMenu() {
     QMenu& menu = *m_delegate->menu().menu();
     const auto* const eject = menu.findChild<QAction*>(QStringLiteral("ejectAll"));
     if (!waitFor("the volumes", [eject] { return eject->isEnabled(); })) return false;
-    m_window->activateWindow();
-    m_window->findChild<QAbstractButton*>(QStringLiteral("menuButton"))->click();
+    window().activateWindow();
+    window().findChild<QAbstractButton*>(QStringLiteral("menuButton"))->click();
     QApplication::processEvents();
     menu.setActiveAction(menu.findChild<QAction*>(QStringLiteral("help")));
-    QPixmap picture = m_window->grab();
-    QPainter(&picture).drawPixmap(m_window->mapFromGlobal(menu.pos()), menu.grab());
+    QPixmap picture = window().grab();
+    QPainter(&picture).drawPixmap(window().mapFromGlobal(menu.pos()), menu.grab());
     menu.close();
     return save("menu", picture);
 }
 
 bool ProgramScenes::saveSheet(const char* scene) {
-    const auto sheet = [this] { return m_window->findChild<Sheet*>(); };
+    const auto sheet = [this] { return window().findChild<Sheet*>(); };
     if (!waitFor("the sheet", [&] { return sheet() != nullptr && sheet()->content()->y() == 0; })) return false;
-    m_window->activateWindow();
+    window().activateWindow();
     QApplication::processEvents();
-    if (!save(scene, m_window->grab())) return false;
+    if (!save(scene, window().grab())) return false;
     sheet()->findChild<QAbstractButton*>()->click();
     return waitFor("the sheet to go", [&] { return sheet() == nullptr; });
 }

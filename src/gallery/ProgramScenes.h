@@ -37,6 +37,7 @@ private:
     bool save(const char* scene, const QPixmap& picture) const;
     bool saveSheet(const char* scene);
     bool drawMenu();
+    [[nodiscard]] TCImageWindow& window() const;
 
     const PictureFolder& m_pictures;
     const QSet<QString> m_wanted;
@@ -48,7 +49,6 @@ private:
     FakeVolumes m_volumes;
     FakeMountChanges m_mountChanges;
     std::unique_ptr<AppDelegate> m_delegate;
-    TCImageWindow* m_window = nullptr;
 };
 
 }  // namespace orrinvale

@@ -19,10 +19,11 @@ namespace orrinvale {
                     function(message_set_auto_start) function(message_skip) function(message_unref)       \
                         function(open_system) function(open_user) function(process) function(wait)
 
-/// Its functions by their names without the prefix. The library brings six others with it, which would make each start of the
-/// terminal command slower by a quarter, so that nothing is linked with it.
+/// Its functions by their names without the prefix. The library brings six others with it, which each start of the terminal command
+/// would have to load, so that nothing is linked with it.
 struct SdBus {
-#define ORRINVALE_MEMBER(name) decltype(&::sd_bus_##name) name = nullptr;
+// A name that is declared can not stand in parentheses.
+#define ORRINVALE_MEMBER(name) decltype(&::sd_bus_##name) name = nullptr;  // NOLINT(bugprone-macro-parentheses)
     ORRINVALE_SD_BUS(ORRINVALE_MEMBER)
 #undef ORRINVALE_MEMBER
 };
