@@ -25,6 +25,7 @@ set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_DEPENDS libsystemd0)  # loaded when it is first wanted, which nobody sees from outside
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
   "default-dbus-session-bus | dbus-session-bus, fonts-inter, pkexec, polkitd, qt6-wayland, udisks2")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "adwaita-icon-theme, gvfs")

@@ -40,7 +40,7 @@
 namespace orrinvale {
 namespace {
 
-constexpr auto busPatience = std::chrono::milliseconds(500);
+constexpr auto mainThreadPatience = std::chrono::milliseconds(50);
 
 // Qt ends the process by abort() where it finds no display; a person in a terminal gets a sentence instead.
 bool hasDisplay() {
@@ -56,6 +56,7 @@ struct Shared {
     LinuxFileSystem files;
     LinuxPermissions permissions;
     LinuxVolumes volumes;
+    LinuxVolumes volumesAtOnce{{}, mainThreadPatience};
     LinuxMountChanges mountChanges;
     LinuxAuthorization authorization;
     NotificationCenter notifications;
@@ -84,7 +85,8 @@ void connectEngine(Shared& shared) {
                                           .openFolder = revealInFileManager});
 }
 
-AppDelegateParts delegateParts(Shared& shared, std::unique_ptr<ProgramInstance>& instance) {
+AppDelegateParts delegateParts(Shared& shared, std::unique_ptr<ProgramInstance>& instance,
+                               std::optional<StartService>& service) {
     return {.pages = {.files = &shared.files,
                       .notifications = &shared.notifications,
                       .defaults = &UserDefaults::standardUserDefaults(),
@@ -95,9 +97,14 @@ AppDelegateParts delegateParts(Shared& shared, std::unique_ptr<ProgramInstance>&
                       .openAddress = openWebPage},
             .icons = &shared.icons,
             .volumes = &shared.volumes,
+            .volumesAtOnce = &shared.volumesAtOnce,
             .mountChanges = &shared.mountChanges,
             .openFolder = openInFileManager,
             .openGuide = openUserGuide,
+            .stopListening =
+                [&service] {
+                    if (service) service->stop();
+                },
             .exitProcess =
                 [&instance](int status) {
                     instance.reset();
@@ -121,8 +128,8 @@ void preparePages(const AppDelegateParts& parts, AppDelegate& delegate) {
 int runWindow(int argc, char** argv, const StartRequest& request, std::unique_ptr<ProgramInstance> instance) {
     // A line for each file of a search would fill the desktop's journal; what is removed is always logged.
     Log::setEngineEnabled(qEnvironmentVariableIntValue("ORRINVALE_LOG") == 1);
-    // Who connects to a bus that hangs, hangs with it; and nobody shall start one in its place.
-    if (!sessionBusAnswers(busPatience)) qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+    // The toolkit would hang with a bus that hangs, and start one where there is none.
+    if (!instance->hasSessionBus()) qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
     MyNSApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Orrinvale"));
     QCoreApplication::setApplicationVersion(QStringLiteral(ORRINVALE_VERSION));
@@ -139,7 +146,8 @@ int runWindow(int argc, char** argv, const StartRequest& request, std::unique_pt
     PreferenceViewController::initialize();
     UserDefaults& defaults = UserDefaults::standardUserDefaults();
     const SettingsKeeper keeper(defaults);
-    const AppDelegateParts parts = delegateParts(shared, instance);
+    std::optional<StartService> service;
+    const AppDelegateParts parts = delegateParts(shared, instance, service);
     AppDelegate delegate(parts);
     preparePages(parts, delegate);
     const EndSignals signals([&delegate](int signal) { delegate.endBySignal(signal); });
@@ -147,7 +155,7 @@ int runWindow(int argc, char** argv, const StartRequest& request, std::unique_pt
                      [&defaults] { static_cast<void>(defaults.synchronize()); });
     delegate.applicationWillFinishLaunching();
     delegate.applicationDidFinishLaunching();
-    const StartService service(*instance, [&delegate](const StartRequest& each) { delegate.perform(each); });
+    service.emplace(*instance, [&delegate](const StartRequest& each) { delegate.perform(each); });
     if (request.kind != StartRequest::Kind::Activate) delegate.perform(request);
     return QApplication::exec();
 }

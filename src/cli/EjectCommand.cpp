@@ -8,6 +8,7 @@
 #include <optional>
 #include <utility>
 
+#include "cli/NotedVolumes.h"
 #include "cli/Output.h"
 #include "cli/SearchWatch.h"
 #include "engine/volumes/VolumesInfo.h"
@@ -94,6 +95,17 @@ Status print(const Arguments& arguments, const ZvVolumeInfo& volume, const Eject
     return status == Status::Done && ejected.failure ? Status::SomeSkipped : status;
 }
 
+// A volume that does not answer is not listed, and yet it is there.
+Status unlisted(const std::string& given, const std::vector<Error>& silent) {
+    const std::string path = absolutePath(given);
+    for (const Error& each : silent) {
+        if (each.path != path) continue;
+        complainOfEach({each});
+        return Status::SomeSkipped;
+    }
+    return noSuchFolder(given, "no such volume");
+}
+
 }  // namespace
 
 std::vector<OptionSpec> EjectCommand::options() const {
@@ -103,9 +115,10 @@ std::vector<OptionSpec> EjectCommand::options() const {
 Status EjectCommand::run(const Arguments& arguments) {
     const std::string given = arguments.text("VOLUME");
     if (given.empty()) return badUsage("the name of the volume is empty");
-    VolumesInfo info(m_platform);
+    NotedVolumes platform(m_platform);
+    VolumesInfo info(platform);
     const Records found = recordsNamed(info.volsArray(), given);
-    if (found.empty()) return noSuchFolder(given, "no such volume");
+    if (found.empty()) return unlisted(given, platform.failures());
     if (found.size() > 1) {
         for (const auto& volume : found)
             complain(fmt::format("\"{}\" is mounted on {}", volume->volumeName, volume->volRootDir));

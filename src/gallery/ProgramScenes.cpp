@@ -34,9 +34,11 @@ ProgramScenes::ProgramScenes(UserDefaults& defaults, const PictureFolder& pictur
                                    .openAddress = {}},
                          .icons = &m_icons,
                          .volumes = &m_volumes,
+                         .volumesAtOnce = &m_volumes,
                          .mountChanges = &m_mountChanges,
                          .openFolder = [](const std::string& /*path*/) { return true; },
                          .openGuide = [] { return true; },
+                         .stopListening = {},
                          .exitProcess = {},
                          .endBySignal = {}});
     m_delegate->applicationWillFinishLaunching();

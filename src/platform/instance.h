@@ -40,6 +40,9 @@ public:
     [[nodiscard]] Start begin(const StartRequest& request,
                               std::chrono::milliseconds patience = std::chrono::seconds(1));
 
+    /// Whether begin() found a session bus that answers. Who connects to one that hangs, hangs with it.
+    [[nodiscard]] bool hasSessionBus() const { return m_hasSessionBus; }
+
     /// Of the process that holds the lock, as the file has it; 0 when it says nothing. After begin().
     [[nodiscard]] int holder() const { return m_holder; }
 
@@ -48,6 +51,9 @@ public:
 
     /// The next request from a process of this user; never waits.
     [[nodiscard]] std::optional<StartRequest> receive() const;
+
+    /// From now on nobody reaches this process through the socket. The lock stays until the object ends.
+    void stopListening();
 
     /// The user's runtime folder ($XDG_RUNTIME_DIR or /run/user/UID, where it is the user's), else the folder of the settings.
     [[nodiscard]] static std::string folderOfUser();
@@ -64,15 +70,17 @@ private:
     Descriptor m_lock;
     Descriptor m_socket;
     int m_holder = 0;
+    bool m_hasSessionBus = false;
 };
 
-/// Hands a request to the program on the session bus. Nothing when there is no bus or nobody of that name on it, also when nothing
-/// answered within the time before the request was sent. Never starts a program.
-[[nodiscard]] std::optional<ProgramInstance::Start> handOverBySessionBus(const StartRequest& request,
-                                                                         std::chrono::milliseconds patience);
+/// How a hand-over on the session bus went.
+struct BusHandOver {
+    bool isBusThere = false;                     ///< it has greeted us; one that hangs has not
+    std::optional<ProgramInstance::Start> told;  ///< nothing where nobody could be told
+};
 
-/// Whether the session bus answers within the time. A bus that hangs would hang whoever connects to it; without a bus this is
-/// false at once.
-[[nodiscard]] bool sessionBusAnswers(std::chrono::milliseconds patience);
+/// Hands a request to the program of that name on the session bus. Never starts a program. Within `patience`, less than half a second
+/// of it for a bus that does not even greet, so that there is time for another way.
+[[nodiscard]] BusHandOver handOverBySessionBus(const StartRequest& request, std::chrono::milliseconds patience);
 
 }  // namespace orrinvale

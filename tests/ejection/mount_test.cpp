@@ -146,13 +146,13 @@ TEST(MountedVolumes, AnOrdinaryUserEjectsTheirOwnAndNothingElse) {
 
 TEST(MountedVolumes, WhatTheSystemRunsFromIsRefused) {
     withOwnMounts([]() -> std::string {
+        // What is made below it stays among the test's own mounts.
+        if (!mountRam("/var/lib")) return "skip: no tmpfs";
         if (mountSilent("/srv", "fuse.sshfs") < 0 || mountSilent("/var/lib/silent", "fuse.sshfs") < 0)
             return "skip: no FUSE here";
         std::string fault = difference(ejection("/srv"), "-36:The system runs from this drive: it is mounted on /srv");
         fault += difference(ejection("/var/lib/silent"),
                             "-36:The system runs from this drive: it is mounted on /var/lib/silent");
-        ::umount("/var/lib/silent");
-        ::rmdir("/var/lib/silent");
         return fault;
     });
 }

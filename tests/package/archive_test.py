@@ -50,7 +50,7 @@ class Archive(support.Case):
 
     def test_what_it_asks_for(self):
         depends = re.findall(r"[a-z0-9.+-]+(?= |,|$)", re.sub(r"\(.*?\)", "", control("Depends")))
-        for library in ("libc6", "libfmt9", "libplist3", "libqt6core6", "libqt6gui6", "libqt6svg6", "libqt6widgets6"):
+        for library in ("libc6", "libfmt9", "libplist3", "libqt6core6", "libqt6gui6", "libqt6svg6", "libqt6widgets6", "libsystemd0"):
             self.assertIn(library, depends)
         for name in ("polkitd", "pkexec", "udisks2", "dbus-session-bus"):
             self.assertIn(name, control("Recommends"))

@@ -75,7 +75,7 @@ TEST(Instance, OfTwoThatStartAtTheSameMomentOneIsTheProgramAndOneHandsOver) {
             const auto begun = Clock::now();
             ProgramInstance instance(tree.at("run"));
             const Start result = instance.begin({Kind::Activate, {}, {}});
-            if (since(begun) > milliseconds(1000)) return 9;
+            if (since(begun) > milliseconds(3000)) return 9;  // a second, and what a loaded machine takes
             if (result != Start::First) return result == Start::HandedOver ? 1 : 8;
             return awaitRequest(instance, milliseconds(5000)) ? 0 : 7;
         };
@@ -109,6 +109,9 @@ TEST(Instance, WhatIsAskedForArrivesByteForByte) {
         EXPECT_EQ(statusOf(second), static_cast<int>(Start::HandedOver));
     }
     EXPECT_EQ(first.receive(), std::nullopt) << "nothing waits, and nobody is waited for";
+    first.stopListening();
+    ProgramInstance late(tree.at(std::string(150, 'l') + "/ong"));
+    EXPECT_EQ(late.begin({}, milliseconds(100)), Start::NoWay) << "nobody is told that it has been taken over";
 }
 
 TEST(Instance, AProgramThatDiedOrHangsHoldsNobodyUp) {
@@ -166,9 +169,9 @@ TEST(Instance, ABusThatHangsIsGivenUp) {
     ASSERT_TRUE(silent.isOpen());
     const SessionBusAddress bus("unix:path=" + tree.at("bus"));
     const auto begun = Clock::now();
-    EXPECT_FALSE(sessionBusAnswers(milliseconds(200)));
-    EXPECT_EQ(handOverBySessionBus({}, milliseconds(200)), std::nullopt);
-    EXPECT_LT(since(begun), milliseconds(1000));
+    const BusHandOver result = handOverBySessionBus({}, milliseconds(5000));
+    EXPECT_FALSE(result.isBusThere || result.told);
+    EXPECT_LT(since(begun), milliseconds(2000)) << "there is time left for the socket";
 }
 
 }  // namespace

@@ -88,9 +88,12 @@ std::string ProgramInstance::folderOfUser() {
 
 ProgramInstance::ProgramInstance(std::string folder) : m_folder(std::move(folder)) {}
 
-ProgramInstance::~ProgramInstance() {
+ProgramInstance::~ProgramInstance() { stopListening(); }
+
+void ProgramInstance::stopListening() {
     // While the lock is held no other process listens there.
     if (m_socket.isOpen()) ::unlinkat(m_folderHandle.get(), socketName, 0);
+    m_socket.reset();
 }
 
 ProgramInstance::Start ProgramInstance::begin(const StartRequest& request, milliseconds patience) {
@@ -99,11 +102,18 @@ ProgramInstance::Start ProgramInstance::begin(const StartRequest& request, milli
     m_folderHandle = Descriptor(::open(m_folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     // Who has the lock may not listen yet, or may be about to end: look again until the time is over.
     for (;;) {
-        if (takeLock()) {
+        const bool isFirst = takeLock();
+        // Who has the lock may still not be the program: another runtime folder, or no lock to be had, and yet the same bus.
+        const BusHandOver onBus = handOverBySessionBus(request, timeUntil(end));
+        m_hasSessionBus = onBus.isBusThere;
+        if (onBus.told) {
+            m_lock.reset();
+            return *onBus.told;
+        }
+        if (isFirst) {
             listen();
             return Start::First;
         }
-        if (const auto told = handOverBySessionBus(request, timeUntil(end))) return *told;
         if (const auto told = handOverThroughSocket(request, timeUntil(end))) return *told;
         if (Clock::now() + pause >= end) return Start::NoWay;
         std::this_thread::sleep_for(pause);

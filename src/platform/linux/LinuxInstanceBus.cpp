@@ -14,6 +14,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
+constexpr milliseconds longestGreeting{400};
+
 BusHandle sessionBus(milliseconds patience) {
     sd_bus* opened = nullptr;
     if (!hasSdBus() || sdBus().open_user(&opened) < 0) return nullptr;
@@ -66,23 +68,23 @@ BusMessage callFor(sd_bus& bus, const StartRequest& request) {
 
 }  // namespace
 
-std::optional<ProgramInstance::Start> handOverBySessionBus(const StartRequest& request, milliseconds patience) {
+BusHandOver handOverBySessionBus(const StartRequest& request, milliseconds patience) {
     const auto end = Clock::now() + patience;
-    const BusHandle bus = sessionBus(patience);
-    if (!bus) return std::nullopt;
+    BusHandOver out;
+    const BusHandle bus = sessionBus(std::min(patience, longestGreeting));
+    if (!bus) return out;
+    out.isBusThere = true;
     const BusMessage call = callFor(*bus, request);
-    if (!call) return std::nullopt;
+    if (!call) return out;
     // What is left of the time, and never 0, which would mean 25 seconds.
     const auto left = std::max(milliseconds(1), timeUntil(end));
     BusError error;
     sd_bus_message* answered = nullptr;
     const int result = sdBus().call(bus.get(), call.get(), busMicroseconds(left), error.get(), &answered);
     const BusMessage answer(answered);
-    if (result >= 0) return ProgramInstance::Start::HandedOver;
-    if (result == -ETIMEDOUT) return ProgramInstance::Start::Unanswered;
-    return std::nullopt;
+    if (result >= 0) out.told = ProgramInstance::Start::HandedOver;
+    if (result == -ETIMEDOUT) out.told = ProgramInstance::Start::Unanswered;
+    return out;
 }
-
-bool sessionBusAnswers(milliseconds patience) { return sessionBus(patience) != nullptr; }
 
 }  // namespace orrinvale

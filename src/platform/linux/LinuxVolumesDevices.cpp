@@ -2,7 +2,6 @@
 // testing/sysfs-devices-removable of the kernel's sources; udev's state: one file a device, "E:NAME=value" a line.
 #include "platform/linux/LinuxVolumesDevices.h"
 
-#include <dirent.h>
 #include <fmt/format.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
@@ -41,14 +40,6 @@ std::string attribute(const std::string& path) {
     std::string text = readSystemText(path, attributeLimit).value_or(std::string());
     while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();
     return text;
-}
-
-std::vector<std::string> namesIn(const std::string& folder) {
-    std::vector<std::string> names;
-    const std::unique_ptr<DIR, int (*)(DIR*)> entries(::opendir(folder.c_str()), &::closedir);
-    while (const dirent* entry = entries ? ::readdir(entries.get()) : nullptr)
-        if (entry->d_name[0] != '.') names.emplace_back(entry->d_name);
-    return names;
 }
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
@@ -134,7 +125,7 @@ void LinuxVolumesDevices::addLayersOn(const std::string& device, int levelsLeft,
                                       std::vector<std::string>& layers) const {
     if (levelsLeft == 0) return;
     const std::string folder = device + "/holders/";
-    for (const std::string& name : namesIn(folder)) {
+    for (const std::string& name : systemNamesIn(folder)) {
         const std::string above = resolved(folder + name);
         if (above.empty() || std::find(layers.begin(), layers.end(), above) != layers.end()) continue;
         layers.push_back(above);
@@ -163,7 +154,7 @@ std::uint32_t LinuxVolumesDevices::attributesOfWhole(const std::string& whole, i
     if (isOnExternalBus(whole)) bits |= bit(bIsOnExternalBus);
     if (levelsLeft == 0) return bits;
     const std::string layer = whole + "/slaves/";
-    for (const std::string& name : namesIn(layer)) {
+    for (const std::string& name : systemNamesIn(layer)) {
         const std::string below = resolved(fmt::format("{}{}", layer, name));
         if (!below.empty()) bits |= attributesOfWhole(wholeOf(below), levelsLeft - 1);
     }

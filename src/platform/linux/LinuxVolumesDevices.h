@@ -37,6 +37,13 @@ public:
     /// Whether it is a loop device with no image behind it; many let go of the image by themselves when they are unmounted.
     [[nodiscard]] bool isEmptyLoop(const std::string& device) const;
 
+    /// What else is made of these devices than mounts and the devices among them, in words for people: volume groups and arrays,
+    /// file systems that span other drives, storage pools. Empty when nothing is.
+    [[nodiscard]] std::string otherUseOf(const std::vector<std::string>& devices) const;
+
+    /// The files behind attached loop devices, in exact bytes.
+    [[nodiscard]] std::vector<std::string> attachedImages() const;
+
     /// The text that the kernel gives to one disk only: a medium put in later under the same name has another. Empty where the
     /// kernel is too old, and for no device.
     [[nodiscard]] std::string sequenceOf(const std::string& device) const;
@@ -66,6 +73,7 @@ public:
 private:
     [[nodiscard]] std::uint32_t attributesOfWhole(const std::string& whole, int levelsLeft) const;
     void addLayersOn(const std::string& device, int levelsLeft, std::vector<std::string>& layers) const;
+    [[nodiscard]] std::string spanningUseOf(const std::vector<std::string>& devices) const;
     [[nodiscard]] bool isOnExternalBus(const std::string& whole) const;
     [[nodiscard]] std::string udevProperties(const std::string& device) const;
 

@@ -44,7 +44,10 @@ constexpr const char* kIsGone = "The volume is not mounted any more";
 // Without these the system does not run. A stick that somebody mounted below their home folder is not among them.
 bool isSystemPlace(std::string_view point) {
     constexpr std::array<std::string_view, 6> exact{"/", "/home", "/root", "/srv", "/tmp", "/run"};
-    constexpr std::array<std::string_view, 7> withAllBelow{"/boot", "/efi", "/usr", "/var", "/etc", "/opt", "/nix"};
+    // The last ones are where systems that run from a stick have mounted it.
+    constexpr std::array<std::string_view, 14> withAllBelow{
+        "/boot", "/efi",      "/usr",           "/var",         "/etc",   "/opt",       "/nix",
+        "/gnu",  "/run/live", "/run/initramfs", "/run/archiso", "/cdrom", "/isodevice", "/sysroot"};
     constexpr std::array<std::string_view, 4> personal{"/var/mnt", "/var/media", "/var/run/media", "/var/home/"};
     if (std::any_of(personal.begin(), personal.end(), [&](auto each) { return point.starts_with(each); })) return false;
     return std::find(exact.begin(), exact.end(), point) != exact.end() ||
@@ -201,6 +204,17 @@ std::string LinuxVolumesEjection::useBySystem(const EjectionPlan& plan, const st
     return {};
 }
 
+// What would break, or would hold the drive, though it is no mount of it; empty when there is nothing.
+std::string LinuxVolumesEjection::useByOthers(const EjectionPlan& plan, const Mounts& mounts) const {
+    std::vector<std::string> planned;
+    for (const DiskObject& each : plan.devices)
+        planned.push_back(m_devices.deviceNumbered(gnu_dev_major(each.number), gnu_dev_minor(each.number)));
+    for (const std::string& image : m_devices.attachedImages())
+        if (std::ranges::any_of(mounts, [&](const MountEntry& each) { return isWithin(image, each.point); }))
+            return fmt::format("the disk image {} on it is attached", image);
+    return m_devices.otherUseOf(planned);
+}
+
 Outcome LinuxVolumesEjection::ejectDevice(const MountEntry& mount, const std::string& device,
                                           const Mounts& table) const {
     if (isSystemPlace(mount.point)) return refusalFor("it is mounted on " + mount.point);
@@ -219,6 +233,7 @@ Outcome LinuxVolumesEjection::ejectDevice(const MountEntry& mount, const std::st
             mounts.push_back(each);
     if (const std::string use = useBySystem(*plan, devices, mounts); !use.empty()) return refusalFor(use);
     if (const MountEntry* const stranger = strangerOn(mounts, table)) return strangerFailure(*stranger);
+    if (const std::string use = useByOthers(*plan, mounts); !use.empty()) return failure(fBsyErr, "In use: " + use);
 
     const auto failureOf = [&](const DiskServiceFailure& obstacle, std::string_view before) {
         if (obstacle.kind != Kind::Busy) return failure(ioErr, fmt::format("{}{}", before, obstacle.reason));

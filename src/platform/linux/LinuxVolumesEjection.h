@@ -44,6 +44,8 @@ private:
     [[nodiscard]] std::string useBySystem(const EjectionPlan& plan, const std::vector<std::string>& devices,
                                           const std::vector<MountEntry>& mounts) const;
 
+    [[nodiscard]] std::string useByOthers(const EjectionPlan& plan, const std::vector<MountEntry>& mounts) const;
+
     const std::string m_mountInfo;
     const std::string m_swaps;
     const LinuxVolumesDevices& m_devices;

@@ -1,11 +1,13 @@
 // Small texts: see SystemText.h.
 #include "platform/linux/SystemText.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <memory>
 
 namespace orrinvale {
 namespace {
@@ -36,6 +38,14 @@ SysResult<std::string> readSystemText(const std::string& path, std::size_t limit
 SysResult<std::string> readSystemText(int file, std::size_t limit) {
     if (::lseek(file, 0, SEEK_SET) != 0) return tl::unexpected(errno);
     return readOn(file, limit);
+}
+
+std::vector<std::string> systemNamesIn(const std::string& folder) {
+    std::vector<std::string> names;
+    const std::unique_ptr<DIR, int (*)(DIR*)> entries(::opendir(folder.c_str()), &::closedir);
+    while (const dirent* entry = entries ? ::readdir(entries.get()) : nullptr)
+        if (entry->d_name[0] != '.') names.emplace_back(entry->d_name);
+    return names;
 }
 
 }  // namespace orrinvale

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 #include "platform/files.h"
 
@@ -13,5 +14,8 @@ namespace orrinvale {
 
 /// The same of an open file, from its start.
 [[nodiscard]] SysResult<std::string> readSystemText(int file, std::size_t limit);
+
+/// The names in a folder of the system's, hidden ones left out; none where it can not be listed.
+[[nodiscard]] std::vector<std::string> systemNamesIn(const std::string& folder);
 
 }  // namespace orrinvale

@@ -31,6 +31,12 @@ void setAction(int signal, void (*handler)(int)) {
     ::sigaction(signal, &action, nullptr);
 }
 
+// As whoever started the program wants it, nohup(1) for instance.
+bool isIgnored(int signal) {
+    struct sigaction action {};
+    return ::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
 }  // namespace
 
 EndSignals::EndSignals(std::function<void(int)> handler) : m_handler(std::move(handler)) {
@@ -41,12 +47,14 @@ EndSignals::EndSignals(std::function<void(int)> handler) : m_handler(std::move(h
     m_notifier = std::make_unique<QSocketNotifier>(ends[0], QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] { receive(); });
     writeEnd = ends[1];
-    for (const int signal : signalsOfEnd) setAction(signal, noteSignal);
+    for (const int signal : signalsOfEnd)
+        if (!isIgnored(signal)) setAction(signal, noteSignal);
 }
 
 EndSignals::~EndSignals() {
     if (!m_write.isOpen()) return;
-    for (const int signal : signalsOfEnd) setAction(signal, SIG_DFL);
+    for (const int signal : signalsOfEnd)
+        if (!isIgnored(signal)) setAction(signal, SIG_DFL);
     writeEnd = -1;
 }
 

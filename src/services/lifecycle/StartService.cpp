@@ -2,7 +2,8 @@
 #include "services/lifecycle/StartService.h"
 
 #include <QDBusConnection>
-#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <utility>
 
 #include "engine/base/Log.h"
 #include "platform/FileUrl.h"
@@ -18,7 +19,7 @@ std::string tokenIn(const QVariantMap& platformData) {
 
 }  // namespace
 
-StartService::StartService(const ProgramInstance& instance, Handler handler)
+StartService::StartService(ProgramInstance& instance, Handler handler)
     : m_instance(instance), m_handler(std::move(handler)) {
     if (instance.descriptor() >= 0) {
         m_notifier = std::make_unique<QSocketNotifier>(instance.descriptor(), QSocketNotifier::Read);
@@ -27,11 +28,22 @@ StartService::StartService(const ProgramInstance& instance, Handler handler)
     joinBus();
 }
 
-StartService::~StartService() {
-    if (!m_isOnBus) return;
+StartService::~StartService() { stop(); }
+
+void StartService::stop() {
+    if (m_notifier) m_notifier->setEnabled(false);
+    m_instance.stopListening();
+    if (!std::exchange(m_isOnBus, false)) return;
     QDBusConnection bus = QDBusConnection::sessionBus();
-    bus.unregisterService(QLatin1String(programBusName));
     bus.unregisterObject(QLatin1String(programBusPath));
+    // By hand, since the connection's own operation would wait for a bus that has come to hang. With the answer all earlier
+    // messages are on their way.
+    QDBusMessage release =
+        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+                                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("ReleaseName"));
+    release << QString::fromLatin1(programBusName);
+    constexpr int patience = 200;
+    bus.call(release, QDBus::Block, patience);
 }
 
 void StartService::joinBus() {

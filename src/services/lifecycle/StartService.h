@@ -22,8 +22,12 @@ public:
     using Handler = std::function<void(const StartRequest& request)>;
 
     /// `handler` runs on the main thread, one request after another.
-    StartService(const ProgramInstance& instance, Handler handler);
+    StartService(ProgramInstance& instance, Handler handler);
     ~StartService() override;
+
+    /// Takes nothing over any more: who starts the program now finds nobody, and becomes the program as soon as this one has ended.
+    /// What has been answered on the bus is sent before this returns.
+    void stop();
 
 public Q_SLOTS:
     // Of the interface; the names are those of the bus.
@@ -35,7 +39,7 @@ private:
     void receive();
     void joinBus();
 
-    const ProgramInstance& m_instance;
+    ProgramInstance& m_instance;
     const Handler m_handler;
     std::unique_ptr<QSocketNotifier> m_notifier;
     bool m_isOnBus = false;

@@ -4,9 +4,11 @@
 #include <algorithm>
 #include <deque>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <utility>
 
+#include "engine/base/Log.h"
 #include "engine/base/MainQueue.h"
 #include "engine/volumes/VolumesInfo.h"
 
@@ -62,7 +64,12 @@ void VolumeWorker::add(Shared::Request request) {
     m_shared->requests.push_back(std::move(request));
     if (std::exchange(m_shared->isRunning, true)) return;
     // Let go of: the process may end while a medium is still being written.
-    std::thread([shared = m_shared] { Shared::work(shared); }).detach();
+    try {
+        std::thread([shared = m_shared] { Shared::work(shared); }).detach();
+    } catch (const std::system_error& error) {
+        Log::line(fmt::format("No thread for the volumes: {}", error.what()));
+        m_shared->isRunning = false;  // the next request tries again
+    }
 }
 
 void VolumeWorker::ejectAllVolumes(Ejected ended) {

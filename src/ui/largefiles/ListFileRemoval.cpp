@@ -34,7 +34,16 @@ void ListFileViewController::alertEnded_code(int code) {
     // What was selected when the person agreed is what goes: until then no box and no other folder.
     m_isRemoving = true;
     changeDeleteButtonState();
-    QTimer::singleShot(beforeRemoval, this, &ListFileViewController::doRemoveAction);
+    m_removalDelay.start(beforeRemoval);
+}
+
+void ListFileViewController::giveUpRemoval() {
+    if (m_removalDelay.isActive()) {
+        m_removalDelay.stop();
+        m_isRemoving = false;
+        changeDeleteButtonState();
+    }
+    stopRemove();
 }
 
 void ListFileViewController::doRemoveAction() {

@@ -45,6 +45,8 @@ ListFileViewController::ListFileViewController(ListFileParts parts, QObject* par
     connect(&m_sortTimer, &QTimer::timeout, this, &ListFileViewController::refreshList);
     m_reloadTimer.setSingleShot(true);
     connect(&m_reloadTimer, &QTimer::timeout, this, &ListFileViewController::refreshList);
+    m_removalDelay.setSingleShot(true);
+    connect(&m_removalDelay, &QTimer::timeout, this, &ListFileViewController::doRemoveAction);
     m_endTimer.setInterval(endWatch);
     connect(&m_endTimer, &QTimer::timeout, this, &ListFileViewController::watchForEnd);
 }

@@ -65,6 +65,8 @@ public:
     [[nodiscard]] bool isScan() const { return m_isScan; }
     /// From the person's yes to the end of the removal.
     [[nodiscard]] bool isRemoving() const { return m_isRemoving; }
+    /// The removal ends before its next entry, and does not begin where it has not begun.
+    void giveUpRemoval();
 
     /// Scans a folder, as if it had been dropped. Does nothing when it is none, or while files are removed.
     void viewDragAction(const std::string& path) override;
@@ -125,6 +127,7 @@ private:
     LargeFileRemoval m_removal;  // the last one of this scan
     bool m_isScan = false;
     bool m_isRemoving = false;  // from the person's yes on
+    QTimer m_removalDelay;      // from there to the first entry
 };
 
 }  // namespace orrinvale

@@ -187,6 +187,7 @@ QString DBPrefsWindowController::storedIdentifier() const {
 void DBPrefsWindowController::showWindow() {
     buildToolbarOnce();
     displayViewForIdentifier(storedIdentifier(), false);
+    m_window->setWindowState(m_window->windowState() & ~Qt::WindowMinimized);
     m_window->show();
     m_window->raise();
     m_window->activateWindow();

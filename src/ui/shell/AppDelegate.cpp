@@ -8,11 +8,11 @@
 #include <utility>
 
 #include "engine/base/Log.h"
-#include "engine/largefiles/Controller.h"
 #include "engine/settings/PreferenceViewController.h"
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/UserDefaults.h"
 #include "engine/text/UtilityFunction.h"
+#include "platform/error.h"
 #include "services/volumes/WatchMountUnmount.h"
 #include "services/volumes/WorkspaceMounts.h"
 #include "ui/kit/chrome/TCImageWindow.h"
@@ -24,7 +24,8 @@
 namespace orrinvale {
 namespace {
 
-constexpr int endPatience = 1000;  // milliseconds that a removal has to finish the entry that it is at
+// Milliseconds that a removal has to finish the entry that it is at. Less than the second for which a later start waits.
+constexpr int endPatience = 700;
 constexpr int endPause = 10;
 
 }  // namespace
@@ -73,8 +74,8 @@ void AppDelegate::addMainFuction() {
     UtilityFunction::callSelectNotificationForMainWindowLeft(PreferenceViewController::getLastClickRow());
     m_workspace = std::make_unique<WorkspaceMounts>(*m_parts.mountChanges);
     m_watchMu = std::make_unique<WatchMountUnmount>(m_workspace->notificationCenter(), *m_parts.pages.notifications);
-    m_voluInfo = std::make_unique<VolumesInfo>(*m_parts.volumes);
-    m_voluManager = std::make_unique<VolumesManager>(*m_parts.volumes, m_parts.openFolder);
+    m_voluInfo = std::make_unique<VolumesInfo>(*m_parts.volumesAtOnce);
+    m_voluManager = std::make_unique<VolumesManager>(*m_parts.volumesAtOnce, m_parts.openFolder);
     refMenuItemWhenDeleteAndAdd();
     if (!m_parts.pages.defaults->boolForKey(ZvLoginCheckKey))
         UtilityFunction::callSelectNotificationForMainWindowLeft(0);
@@ -85,9 +86,11 @@ void AppDelegate::perform(const StartRequest& request) {
     if (!request.activationToken.empty())
         qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(request.activationToken));
     if (request.isAction(startAction::quit)) {
-        quit();
+        // Who asked gets the answer first.
+        QTimer::singleShot(0, this, &AppDelegate::quit);
         return;
     }
+    if (m_isLeaving) return;
     handleReopenAppEvent();
     if (request.kind == StartRequest::Kind::Open) {
         searchFolder(request.text);
@@ -105,15 +108,24 @@ void AppDelegate::perform(const StartRequest& request) {
 void AppDelegate::searchFolder(const std::string& path) {
     m_duplicateMWC->selectDuplicateButtonAction();
     SameFileDeleteViewController& page = *m_duplicateMWC->sameFileDeleteVC();
-    if (page.bSearchFinished()) {
-        page.viewDragAction(path);
+    const QString shown = onOneLine(QString::fromStdString(path));
+    // By its real path: what is relative or climbs is never removed.
+    const auto folder = m_parts.pages.files->resolved(path);
+    const auto opened = folder ? m_parts.pages.files->openFolder(FileSystem::noParent, folder->c_str(), Links::Follow)
+                               : SysResult<Descriptor>(tl::unexpected(folder.error()));
+    Alert alert;
+    if (!opened) {
+        alert.title = tr("This folder can not be searched.");
+        alert.text =
+            shown + QStringLiteral(": ") + QString::fromStdString(systemError("open", path, opened.error()).reason());
+    } else if (!page.bSearchFinished()) {
+        alert.title = tr("Something else is under way.");
+        alert.text = tr("Stop it or wait for its end, and then choose %1 again.").arg(shown);
+    } else {
+        page.viewDragAction(*folder);
         return;
     }
-    Alert busy;
-    busy.title = tr("Something else is under way.");
-    busy.text =
-        tr("Stop it or wait for its end, and then choose %1 again.").arg(onOneLine(QString::fromStdString(path)));
-    tell(busy);
+    tell(alert);
 }
 
 void AppDelegate::openMainWindow() {
@@ -155,6 +167,7 @@ bool AppDelegate::isRemoving() const {
 // only an entry under way is worth a moment.
 void AppDelegate::leave(std::function<void()> last) {
     if (std::exchange(m_isLeaving, true)) return;
+    m_parts.stopListening();
     const auto end = [this, last = std::move(last)] {
         m_leaveTimer.stop();
         // A failure is logged there; there is nobody left to be asked.
@@ -166,7 +179,7 @@ void AppDelegate::leave(std::function<void()> last) {
         return;
     }
     m_duplicateMWC->sameFileDeleteVC()->stopRemoveBtnClicked();
-    Controller::getController().stopRemove();
+    if (m_duplicateMWC->listFileVC() != nullptr) m_duplicateMWC->listFileVC()->giveUpRemoval();
     window()->hide();
     connect(&m_leaveTimer, &QTimer::timeout, this, [this, end, patience = QDeadlineTimer(endPatience)] {
         if (!isRemoving() || patience.hasExpired()) end();
@@ -189,12 +202,16 @@ void AppDelegate::openAboutWindow() {
     tell(about);
 }
 
-void AppDelegate::showPages() { AppPrefsWindowController::sharedPrefsWindowController().showWindow(); }
+void AppDelegate::showPages() {
+    auto& pages = AppPrefsWindowController::sharedPrefsWindowController();
+    if (!std::exchange(m_hasPagesKeys, true)) m_menu->addKeysTo(*pages.window());
+    pages.showWindow();
+}
 
 void AppDelegate::Reference() {
-    auto& pages = AppPrefsWindowController::sharedPrefsWindowController();
-    pages.showWindow();
-    pages.displayViewForIdentifier(QStringLiteral("preferences"), true);
+    showPages();
+    AppPrefsWindowController::sharedPrefsWindowController().displayViewForIdentifier(QStringLiteral("preferences"),
+                                                                                     true);
 }
 
 void AppDelegate::help() {

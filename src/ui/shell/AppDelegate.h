@@ -34,10 +34,12 @@ class WorkspaceMounts;
 struct AppDelegateParts {
     SameFileDeleteParts pages;
     FileIcons* icons = nullptr;
-    Volumes* volumes = nullptr;
+    Volumes* volumes = nullptr;        ///< asked on other threads, and patient
+    Volumes* volumesAtOnce = nullptr;  ///< asked on the main thread; leaves out what does not answer at once
     MountChanges* mountChanges = nullptr;
     std::function<bool(const std::string& path)> openFolder;  ///< in the desktop's file manager; false when it can not
     std::function<bool()> openGuide;                          ///< false when it is not installed
+    std::function<void()> stopListening;                      ///< to later starts, when this one leaves
     std::function<void(int status)> exitProcess;              ///< ends the process where it stands
     std::function<void(int signal)> endBySignal;  ///< the same, so that who sent the signal sees that it worked
 };
@@ -118,6 +120,7 @@ private:
     bool m_isOpenWindow = false;
     bool m_isEjecting = false;
     bool m_isLeaving = false;
+    bool m_hasPagesKeys = false;
     QTimer m_leaveTimer;
 };
 

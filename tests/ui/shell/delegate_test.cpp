@@ -59,9 +59,11 @@ struct Launched {
                                        .openAddress = {}},
                              .icons = &icons,
                              .volumes = &volumes,
+                             .volumesAtOnce = &volumes,
                              .mountChanges = &mounts,
                              .openFolder = [this](const std::string& path) { return opened.push_back(path), canOpen; },
                              .openGuide = [this] { return canOpen; },
+                             .stopListening = [this] { isListening = false; },
                              .exitProcess = [this](int status) { ends.push_back(status); },
                              .endBySignal = [this](int signal) { ends.push_back(-signal); }});
         delegate->applicationWillFinishLaunching();
@@ -91,6 +93,7 @@ struct Launched {
     std::vector<std::string> posted, opened;
     std::vector<int> ends;
     bool canOpen = true;
+    bool isListening = true;
     std::unique_ptr<AppDelegate> delegate;
 };
 
@@ -155,8 +158,14 @@ TEST(AppDelegate, WhatAStartAsksForIsDone) {
     EXPECT_TRUE(
         PageWindow::waitFor([&] { return on.delegate->duplicateMWC()->sameFileDeleteVC()->bSearchFinished(); }));
     EXPECT_TRUE(on.ends.empty());
+    // What is no folder is told, and leaves what is shown.
+    on.dialogs.willAnswer(0);
+    on.delegate->perform({Kind::Open, on.tree.at("settings.ini"), ""});
+    EXPECT_EQ(on.dialogs.alerts().size(), 2U);
     on.delegate->perform({Kind::Action, "quit", ""});
-    EXPECT_EQ(on.ends, std::vector<int>{1});
+    EXPECT_TRUE(on.ends.empty()) << "who asked is answered first";
+    EXPECT_TRUE(PageWindow::waitFor([&] { return on.ends == std::vector<int>{1}; }));
+    EXPECT_FALSE(on.isListening);
 }
 
 TEST(AppDelegate, EachVolumeThatComesOrGoesIsASentenceAndTwoNotices) {

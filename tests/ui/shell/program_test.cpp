@@ -66,7 +66,9 @@ struct Running {
         QProcess second;
         second.setProcessEnvironment(environment);
         second.start(QStringLiteral(ORRINVALE_PROGRAM), arguments);
-        return second.waitForFinished(5000) && second.exitStatus() == QProcess::NormalExit ? second.exitCode() : -1;
+        const bool hasEnded = second.waitForFinished(5000) && second.exitStatus() == QProcess::NormalExit;
+        EXPECT_EQ(second.readAllStandardError().toStdString(), "") << "it was answered";
+        return hasEnded ? second.exitCode() : -1;
     }
     bool hasSaid(const std::string& words) {
         said += program.readAll().toStdString();
