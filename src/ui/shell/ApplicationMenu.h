@@ -27,7 +27,7 @@ public:
         std::function<void()> quit;
     };
 
-    explicit ApplicationMenu(Actions actions, QObject* parent = nullptr);
+    explicit ApplicationMenu(const Actions& actions, QObject* parent = nullptr);
     ~ApplicationMenu() override;
 
     [[nodiscard]] QMenu* menu() const { return m_menu.get(); }

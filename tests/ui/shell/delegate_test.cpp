@@ -5,8 +5,10 @@
 #include <QAction>
 #include <QMenu>
 #include <QTest>
+#include <csignal>
 
 #include "engine/cleaning/QnAuthorization.h"
+#include "engine/largefiles/Controller.h"
 #include "engine/settings/SettingsKeys.h"
 #include "engine/text/Localized.h"
 #include "engine/text/UtilityFunction.h"
@@ -41,6 +43,7 @@ private:
 // The delegate with everything that it works with, and a list of what it set off.
 struct Launched {
     Launched() {
+        QnAuthorization::shareQnAuthorization().setParts({&authorization, &files, &permissions, {}});
         UserDefaults::setStandardUserDefaults(&defaults);
         UtilityFunction::getMyFunction().setNotificationCenter(&notifications);
         for (const char* name : {"refMenuItemWhenDeleteAndAdd", "updateSizeView", "shouldSelectRow"})
@@ -82,6 +85,8 @@ struct Launched {
 
     TestTree tree;
     UserDefaults defaults{tree.at("settings.ini")};
+    LinuxPermissions permissions;
+    FakeAuthorization authorization;
     WatchedFiles files;
     NotificationCenter notifications;
     std::vector<NotificationCenter::Observation> observations;
@@ -240,14 +245,11 @@ TEST(AppDelegate, AVolumeIsOpenedOrThePersonIsTold) {
 }
 
 TEST(AppDelegate, QuittingSavesAndLetsARemovalFinishTheEntryThatItIsAt) {
-    LinuxPermissions permissions;
-    FakeAuthorization authorization;
     Launched on;
     Gate removing;
     on.files.beforeRemoval = [&](const char* operation) {
         if (std::string_view(operation) == "removeEntry") removing.pass();
     };
-    QnAuthorization::shareQnAuthorization().setParts({&authorization, &on.files, &permissions, {}});
     ASSERT_TRUE(on.tree.write("f/a", "same") && on.tree.write("f/b", "same") && on.tree.write("f/c", "same"));
     on.delegate->applicationDidFinishLaunching();
     auto& page = *on.delegate->duplicateMWC()->sameFileDeleteVC();
@@ -269,6 +271,28 @@ TEST(AppDelegate, QuittingSavesAndLetsARemovalFinishTheEntryThatItIsAt) {
     EXPECT_EQ(isThere(on.tree.at("f/a")) + isThere(on.tree.at("f/b")) + isThere(on.tree.at("f/c")), 2)
         << "the entry under way is gone, and no other";
     EXPECT_FALSE(on.defaults.isUnsaved());
+}
+
+TEST(AppDelegate, ARemovalThatWasOnlyAgreedToDoesNotBeginWhenOneQuits) {
+    Launched on;
+    Controller::getController().setParts(
+        {.files = &on.files, .mainQueue = &on.mainQueue, .ownFiles = {}, .reveal = {}, .openFolder = {}});
+    ASSERT_TRUE(on.tree.write("f/a", "x") && on.tree.write("f/b", "y"));
+    on.delegate->applicationDidFinishLaunching();
+    on.delegate->perform({StartRequest::Kind::Action, "large-files", ""});
+    ListFileViewController& page = *on.delegate->duplicateMWC()->listFileVC();
+    page.viewDragAction(on.tree.at("f"));
+    ASSERT_TRUE(PageWindow::waitFor([&] { return !page.isScan(); }));
+    page.listView()->findChild<QAbstractButton*>(QStringLiteral("selectAllButton"))->click();
+    on.dialogs.willAnswer(0);
+    page.deleteFiles();
+    ASSERT_TRUE(PageWindow::waitFor([&] { return page.isRemoving(); }));
+    on.delegate->endBySignal(SIGTERM);
+    ASSERT_TRUE(PageWindow::waitFor([&] { return !on.ends.empty(); }));
+    EXPECT_EQ(on.ends, std::vector<int>{-SIGTERM});
+    QTest::qWait(600);  // longer than the removal would have waited
+    EXPECT_TRUE(isThere(on.tree.at("f/a")) && isThere(on.tree.at("f/b")));
+    Controller::getController().setParts({});
 }
 
 }  // namespace

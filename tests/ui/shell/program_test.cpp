@@ -221,6 +221,11 @@ TEST(Program, IsStartedAndReachedOverTheSessionBus) {
         EXPECT_EQ(second.startAgain({QString::fromStdString(tree.at("c"))}), 0);
         return bus.said().find("search Path:" + tree.at("c") + ' ') != std::string::npos;
     })) << bus.said();
+    // Another runtime folder, and so another lock, and yet the same bus.
+    ASSERT_TRUE(tree.folder("other") && tree.setMode("other", 0700));
+    QProcessEnvironment elsewhere = bus.environment;
+    elsewhere.insert(QStringLiteral("XDG_RUNTIME_DIR"), QString::fromStdString(tree.at("other")));
+    EXPECT_EQ(Running(elsewhere).startAgain(), 0);
     EXPECT_EQ(second.startAgain({QStringLiteral("--action"), QStringLiteral("quit")}), 0);
     EXPECT_TRUE(PageWindow::waitFor([&] { return !bus.hasProgram(); })) << "it has quit";
 }
