@@ -14,13 +14,13 @@ ApplicationMenu::ApplicationMenu(Actions actions, QObject* parent) : QObject(par
     add("checkUpdate", tr("Check for Updates…"), {}, actions.CheckupdateMenuItemAction);
     m_menu->addSeparator();
     add("pages", tr("Show All Pages"), QKeySequence(Qt::CTRL | Qt::Key_0), actions.showPages);
-    m_eject = add("ejectAll", QStringLiteral("Eject All"), QKeySequence(Qt::CTRL | Qt::Key_E), actions.rejestAllDisk);
+    m_eject = add("ejectAll", tr("Eject All"), QKeySequence(Qt::CTRL | Qt::Key_E), actions.rejestAllDisk);
     m_eject->setEnabled(false);
     m_preferences->setEnabled(false);
     m_menu->addSeparator();
     add("help", tr("User Guide"), QKeySequence(QKeySequence::HelpContents), actions.help);
     m_menu->addSeparator();
-    add("quit", QStringLiteral("Quit Orrinvale"), QKeySequence(Qt::CTRL | Qt::Key_Q), actions.quit);
+    add("quit", tr("Quit Orrinvale"), QKeySequence(Qt::CTRL | Qt::Key_Q), actions.quit);
     connect(m_menu.get(), &QMenu::aboutToShow, this, &ApplicationMenu::opened);
 }
 

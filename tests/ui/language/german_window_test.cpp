@@ -1,0 +1,150 @@
+// The window in German: no text of another language is left, and none is cut off where the window is smallest.
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QLabel>
+#include <QMenu>
+#include <QTest>
+
+#include "platform/linux/LinuxFiles.h"
+#include "services/foundation/QtMainQueue.h"
+#include "ui/duplicates/registerDuplicatePage.h"
+#include "ui/kit/chrome/TCImageWindow.h"
+#include "ui/kit/controls/TickOutline.h"
+#include "ui/kit/dialogs/AlertPanel.h"
+#include "ui/kit/look/Theme.h"
+#include "ui/kit/look/Translations.h"
+#include "ui/language/ShownTexts.h"
+#include "ui/largefiles/LargePage.h"
+#include "ui/preferences/AppPrefsWindowController.h"
+#include "ui/shell/ApplicationMenu.h"
+
+namespace orrinvale::testing {
+namespace {
+
+class GermanWindow : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (m_translations.language().isEmpty()) GTEST_SKIP() << "no lrelease here";
+        ASSERT_GT(german.size(), 150);
+    }
+
+    /// Notes what stands there in another language, and what has too little room.
+    void look(const char* where, const QWidget& widget) {
+        QApplication::processEvents();
+        for (const QString& text : shownTexts(widget)) {
+            seen.insert(text);
+            if (!german.knows(text) && !isData(text))
+                ADD_FAILURE() << where << ": \"" << text.toStdString() << "\" is no German of ours";
+        }
+        for (const QString& text : cutTexts(widget)) ADD_FAILURE() << where << " cuts off " << text.toStdString();
+    }
+    void lookAtMenu(const char* where, const QWidget& parent) {
+        auto* const menu = parent.findChild<QMenu*>();
+        ASSERT_NE(menu, nullptr) << where;
+        look(where, *menu);
+        menu->close();
+    }
+    /// Names and paths of the test, and sizes.
+    static bool isData(const QString& text) {
+        static const QRegularExpression size(QStringLiteral("[0-9]+,[0-9]+ ?[KMG]B?"));
+        static const QRegularExpression sizeWithPoint(QStringLiteral("[0-9]\\.[0-9]+ ?[KMG]B?"));
+        if (text.contains(sizeWithPoint)) return false;
+        return text == QLatin1String("Orrinvale") || text == QLatin1String("folder") || text.contains(QLatin1Char('/')) ||
+               text.contains(size) || text.contains(QLatin1String(".txt"));
+    }
+
+    Translations m_translations{QStringList{QStringLiteral("de-DE"), QStringLiteral("de")}};
+    const GermanTexts german;
+    QSet<QString> seen;
+};
+
+TEST_F(GermanWindow, TheDuplicatePage) {
+    PageWindow on;
+    ApplicationMenu menu({});
+    on.window->setApplicationMenu(menu);
+    QWidget& window = *on.window->window();
+    ASSERT_EQ(on.window->window()->contentView()->size().width(), 800);
+    look("menu", *menu.menu());
+    look("start", window);
+
+    ASSERT_TRUE(on.tree.write("folder/a/x.txt", "the same") && on.tree.write("folder/b/x.txt", "the same") &&
+                on.tree.write("folder/locked.txt", "the same"));
+    on.files.refuse("locked.txt", EACCES);
+    on.reading.shut();
+    on.drop(on.tree.at("folder"));
+    ASSERT_TRUE(PageWindow::waitFor([&] { return on.reading.isWaitedAt() && !on.textOf("countsLabel").empty(); }));
+    look("search", window);
+    on.reading.open();
+    ASSERT_TRUE(PageWindow::waitFor([&] { return on.isShown("detailView"); }));
+    look("result", window);
+
+    const QModelIndex copy = on.row("x.txt", "/a/x.txt");
+    Q_EMIT on.control<TickOutline>("outline").menuWanted(copy, {});
+    lookAtMenu("menu of a row", *on.page().detailView());
+    on.tick(copy);
+    ASSERT_TRUE(PageWindow::waitFor([&] { return on.control("stopBtn").isEnabled(); }));
+    on.files.refuse("x.txt", EACCES);
+    on.dialogs.willAnswer(0);
+    ASSERT_TRUE(on.remove([&] { look("removal", window); }));
+    look("result of the removal", window);
+    for (const char* const line : {"quietLine", "failureLine"}) {
+        if (!on.isShown(line)) continue;
+        on.click(line);
+        auto* const list = window.findChild<QWidget*>(QStringLiteral("lineList"));
+        ASSERT_NE(list, nullptr);
+        look(line, *list);
+        list->close();
+    }
+    ASSERT_EQ(on.dialogs.alerts().size(), 2U);
+    for (const Alert& alert : on.dialogs.alerts()) look("alert", AlertPanel(alert));
+    for (const char* const text : {"Duplikate finden", "Möchten Sie wirklich alle ausgewählten Dateien löschen?",
+                                   "2 Dateien in folder, insgesamt 1 Datei ausgewählt.", "Dokumente, 0,02 KB"})
+        EXPECT_TRUE(seen.contains(QString::fromUtf8(text))) << text;
+}
+
+TEST_F(GermanWindow, TheLargeFilePage) {
+    LargePage on;
+    QWidget& window = *on.window.window->window();
+    look("start", window);
+    ASSERT_TRUE(on.tree.write("folder/a/x.txt", "the same") && on.tree.write("folder/b/y.txt", "another"));
+    ASSERT_TRUE(on.scan(on.tree.at("folder")));
+    look("result", window);
+    Q_EMIT on.control<TickOutline>("outlineView").menuWanted(on.row("a"), {});
+    lookAtMenu("menu of a row", *on.page().listView());
+    on.tick("a");
+    ASSERT_TRUE(on.remove([&](QWidget& progress) { look("removal", progress); }));
+    look("result of the removal", window);
+    EXPECT_TRUE(seen.contains(QStringLiteral("Große Dateien finden")));
+}
+
+TEST_F(GermanWindow, TheToolbarWindow) {
+    TestTree tree;
+    UserDefaults defaults(tree.at("settings.ini"));
+    UserDefaults::setStandardUserDefaults(&defaults);
+    {
+        const LinuxFileSystem files;
+        NotificationCenter notifications;
+        QtMainQueue mainQueue;
+        RecordedDialogs dialogs;
+        AppPrefsWindowController controller;
+        controller.setOpenAddress([](const QString& /*address*/) {});
+        controller.setOpenHelp([] {});
+        registerDuplicatePage(controller, {.files = &files,
+                                           .notifications = &notifications,
+                                           .defaults = &defaults,
+                                           .dialogs = &dialogs,
+                                           .mainQueue = &mainQueue,
+                                           .icons = {},
+                                           .reveal = {},
+                                           .openAddress = {}});
+        controller.showWindow();
+        look("toolbar window", *controller.window());
+    }
+    UserDefaults::setStandardUserDefaults(nullptr);
+    EXPECT_TRUE(seen.contains(QStringLiteral("Hilfe")));
+}
+
+}  // namespace
+}  // namespace orrinvale::testing
