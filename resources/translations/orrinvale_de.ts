@@ -62,7 +62,7 @@
     </message>
     <message>
         <source>Drop a folder here, or choose one. The biggest files and folders come first.</source>
-        <translation>Ziehen Sie einen Ordner hierher oder wählen Sie einen aus. Die größten Dateien und Ordner stehen oben.</translation>
+        <translation>Ordner hierher ziehen oder auswählen. Die größten Dateien und Ordner stehen oben.</translation>
     </message>
     <message>
         <source>Look into another folder</source>
@@ -95,6 +95,10 @@
     <message>
         <source>%1%</source>
         <translation>%1&#xa0;%</translation>
+    </message>
+    <message>
+        <source>%1 byte</source>
+        <translation>%1 Byte</translation>
     </message>
 </context>
 <context>
@@ -502,7 +506,7 @@
     </message>
     <message>
         <source>Drop a folder here, or choose one. Nothing is removed until you tick it and confirm.</source>
-        <translation>Ziehen Sie einen Ordner hierher oder wählen Sie einen aus. Nichts wird entfernt, bevor Sie es auswählen und bestätigen.</translation>
+        <translation>Ordner hierher ziehen oder auswählen. Entfernt wird nur, was Sie auswählen und bestätigen.</translation>
     </message>
     <message>
         <source>Select scan path</source>

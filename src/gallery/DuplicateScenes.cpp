@@ -159,7 +159,7 @@ bool DuplicateScenes::pressInSheet(int number) {
     const auto* const sheet = m_window->findChild<Sheet*>();
     const auto buttons = sheet != nullptr ? sheet->findChildren<QAbstractButton*>() : QList<QAbstractButton*>();
     if (number >= buttons.size()) {
-        std::fprintf(stderr, "orrinvale-gallery: the sheet has %lld buttons\n", static_cast<long long>(buttons.size()));
+        std::fprintf(stderr, "orrinvale-gallery: the sheet has no button %d\n", number);
         return false;
     }
     buttons.at(number)->click();

@@ -22,7 +22,7 @@ ProgramScenes::ProgramScenes(const SampleFolder& /*sample*/, UserDefaults& defau
     : m_pictures(pictures), m_wanted(std::move(wanted)) {
     addStick(7, "Holiday", "/media/anna/Holiday");
     addStick(8, "Backup", "/media/anna/Backup");
-    m_volumes.ejections[7] = {fBsyErr, {"it is in use", {{4242, "vlc", "/media/anna/Holiday/Lake.mp4"}}}};
+    m_volumes.ejections[7] = {fBsyErr, {"The volume is in use", {{4242, "vlc", "/media/anna/Holiday/Lake.mp4"}}}};
     m_delegate = std::make_unique<AppDelegate>(
         AppDelegateParts{.pages = {.files = &m_files,
                                    .notifications = &m_notifications,

@@ -16,7 +16,7 @@
 namespace orrinvale::testing {
 namespace {
 
-bool hasLetter(const QString& text) { return std::ranges::any_of(text, &QChar::isLetter); }
+bool hasLetter(const QString& text) { return std::ranges::any_of(text, [](QChar each) { return each.isLetter(); }); }
 
 void addTo(QStringList& texts, const QString& text) {
     for (const QString& line : text.split(QLatin1Char('\n')))
@@ -90,7 +90,9 @@ bool GermanTexts::knows(const QString& text) const {
     const auto isTranslation = [this](const QString& piece) {
         return std::ranges::any_of(m_patterns, [&](const auto& each) { return each.match(piece).hasMatch(); });
     };
-    if (isTranslation(text)) return true;
+    // How many there are of a kind stands behind it.
+    static const QRegularExpression count(QStringLiteral(" \\(\\d+\\)$"));
+    if (isTranslation(QString(text).remove(count))) return true;
     const QString sentence = text.endsWith(QLatin1Char('.')) ? text.chopped(1) : text;
     const QStringList pieces = sentence.split(QStringLiteral(", "));
     return std::ranges::all_of(pieces, [&](const QString& piece) { return !hasLetter(piece) || isTranslation(piece); });

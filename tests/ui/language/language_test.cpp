@@ -55,12 +55,14 @@ TEST(Translations, FailuresAndNumbersReadAsTheLanguageWritesThem) {
                    {"", ""}};
     for (const auto& each : reasons) EXPECT_EQ(inWords(each.english).toStdString(), each.english);
     EXPECT_EQ(shownSize("1.25 MB").toStdString(), "1.25 MB");
+    EXPECT_EQ(shownSize("7 byte").toStdString(), "7 byte");
     EXPECT_EQ(shownPercent(QStringLiteral("88.9")).toStdString(), "88.9%");
 
     const Translations translations(german);
     if (translations.language().isEmpty()) GTEST_SKIP() << "no lrelease here";
     for (const auto& each : reasons) EXPECT_EQ(inWords(each.english).toStdString(), each.german);
     EXPECT_EQ(shownSize("1.25 MB").toStdString(), "1,25 MB");
+    EXPECT_EQ(shownSize("7 byte").toStdString(), "7 Byte");
     EXPECT_EQ(shownPercent(QStringLiteral("88.9")).toStdString(), "88,9\u00a0%");
 }
 
@@ -88,8 +90,14 @@ TEST(Translations, TheProgramSpeaksTheLanguageOfItsSession) {
             QFile file(QStringLiteral("/proc/%1/maps").arg(program.processId()));
             return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
         };
-        // Pictures are drawn after the window has its words.
-        EXPECT_TRUE(testing::PageWindow::waitFor([&] { return maps().contains("libqsvg"); }));
+        EXPECT_TRUE(testing::PageWindow::waitFor([&] { return maps().contains("libqoffscreen"); }));
+        // It answers another start once its window stands.
+        QProcess second;
+        second.setProcessEnvironment(environment);
+        second.start(QStringLiteral(ORRINVALE_PROGRAM), QStringList());
+        EXPECT_TRUE(second.waitForFinished(10'000));
+        EXPECT_EQ(second.exitCode(), 0);
+        EXPECT_EQ(second.readAllStandardError().toStdString(), "");
         EXPECT_EQ(maps().contains("orrinvale_de.qm"), each.isGerman) << each.languages;
         program.kill();
         program.waitForFinished();

@@ -17,7 +17,12 @@ QString withDecimalSign(QString number) {
 
 }  // namespace
 
-QString shownSize(const std::string& size) { return withDecimalSign(QString::fromStdString(size)); }
+QString shownSize(const std::string& size) {
+    const QString shown = QString::fromStdString(size);
+    const QString unit = QStringLiteral(" byte");
+    if (shown.endsWith(unit)) return NumberText::tr("%1 byte").arg(shown.chopped(unit.size()));
+    return withDecimalSign(shown);
+}
 
 QString shownPercent(const QString& number) { return NumberText::tr("%1%").arg(withDecimalSign(number)); }
 
