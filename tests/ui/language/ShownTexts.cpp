@@ -10,8 +10,9 @@
 #include <QXmlStreamReader>
 #include <algorithm>
 
-#include "ui/kit/controls/ElidedLabel.h"
+#include "engine/text/Localized.h"
 #include "ui/kit/controls/FlatHeader.h"
+#include "ui/kit/look/Theme.h"
 
 namespace orrinvale::testing {
 namespace {
@@ -31,6 +32,13 @@ void addTextsOf(const QWidget& widget, QStringList& texts) {
     if (const auto* const header = qobject_cast<const QHeaderView*>(&widget); header && header->model())
         for (int column = 0; column < header->count(); ++column)
             addTo(texts, header->model()->headerData(column, Qt::Horizontal).toString());
+}
+
+// Names, paths and sizes.
+bool isData(const QString& text) {
+    static const QRegularExpression data(QRegularExpression::anchoredPattern(
+        QStringLiteral("Orrinvale|folder|\\S+\\.txt|\\S*/\\S*|\\d+,\\d+ ?[KMG]B?|\\d+ Byte")));
+    return data.match(text).hasMatch();
 }
 
 QRegularExpression patternOf(const QString& translation) {
@@ -67,7 +75,8 @@ QStringList cutTexts(const QWidget& window) {
         if (!each->isVisible()) continue;
         for (int column = 0; column < each->count(); ++column) {
             const QString text = each->model()->headerData(column, Qt::Horizontal).toString();
-            const int needed = each->fontMetrics().horizontalAdvance(text) + 2 * FlatHeader::textMargin;
+            const QFontMetrics metrics(Theme::shared().font(Theme::Text::Caption));  // in which it is drawn
+            const int needed = metrics.horizontalAdvance(text) + 2 * FlatHeader::textMargin;
             if (!text.isEmpty() && each->sectionSize(column) < needed) note(*each, text);
         }
     }
@@ -75,6 +84,7 @@ QStringList cutTexts(const QWidget& window) {
 }
 
 GermanTexts::GermanTexts() {
+    for (const auto& [key, text] : builtInTexts("de").texts) m_patterns.push_back(patternOf(QString::fromStdString(text)));
     QFile file(QStringLiteral(ORRINVALE_GERMAN));
     if (!file.open(QIODevice::ReadOnly)) return;
     for (QXmlStreamReader xml(&file); !xml.atEnd(); xml.readNext()) {
@@ -93,9 +103,11 @@ bool GermanTexts::knows(const QString& text) const {
     // How many there are of a kind stands behind it.
     static const QRegularExpression count(QStringLiteral(" \\(\\d+\\)$"));
     if (isTranslation(QString(text).remove(count))) return true;
+    static const QRegularExpression seam(QStringLiteral(", |: "));
     const QString sentence = text.endsWith(QLatin1Char('.')) ? text.chopped(1) : text;
-    const QStringList pieces = sentence.split(QStringLiteral(", "));
-    return std::ranges::all_of(pieces, [&](const QString& piece) { return !hasLetter(piece) || isTranslation(piece); });
+    return std::ranges::all_of(sentence.split(seam), [&](const QString& piece) {
+        return !hasLetter(piece) || isData(piece) || isTranslation(piece);
+    });
 }
 
 }  // namespace orrinvale::testing

@@ -16,12 +16,13 @@ namespace orrinvale::testing {
 /// Those visible labels and buttons, and columns of lists, whose text has less room than it needs: "name: text".
 [[nodiscard]] QStringList cutTexts(const QWidget& window);
 
-/// The German side of the file of translations.
+/// All that the window says in German.
 class GermanTexts {
 public:
     GermanTexts();
 
-    /// Whether the text is a translation, with anything in place of its placeholders, or several of them with a comma between.
+    /// Whether the text is a translation, with anything in place of its placeholders, or made of translations and of names, paths and
+    /// sizes, with commas or colons between.
     [[nodiscard]] bool knows(const QString& text) const;
     [[nodiscard]] qsizetype size() const { return m_patterns.size(); }
 
