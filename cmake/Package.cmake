@@ -1,6 +1,6 @@
 # The Debian package, made by `cpack` in the build folder or by `./dev package`. cmake/PackageRoot.cmake, which runs when
 # all is staged, adds what only a package has.
-if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr" OR NOT ORRINVALE_GUI OR NOT CMARK_GFM)
+if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr" OR NOT ORRINVALE_GUI OR NOT CMARK_GFM OR NOT LRELEASE)
   return()  # the programs know the places of each other, and a package is never half
 endif()
 set(CPACK_GENERATOR DEB)
@@ -28,7 +28,7 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS libsystemd0)  # loaded when it is first wanted, which nobody sees from outside
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
   "default-dbus-session-bus | dbus-session-bus, fonts-inter, pkexec, polkitd, qt6-wayland, udisks2")
-set(CPACK_DEBIAN_PACKAGE_SUGGESTS "adwaita-icon-theme, gvfs")
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "adwaita-icon-theme, gvfs, qt6-translations-l10n")
 
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/PackageRoot.cmake)
 set(CPACK_ORRINVALE_SOURCE ${PROJECT_SOURCE_DIR})

@@ -30,6 +30,7 @@
 #include "ui/duplicates/registerDuplicatePage.h"
 #include "ui/kit/dialogs/WindowDialogs.h"
 #include "ui/kit/look/Theme.h"
+#include "ui/kit/look/Translations.h"
 #include "ui/preferences/AppPrefsWindowController.h"
 #include "ui/shell/AppDelegate.h"
 #include "ui/shell/FileIcons.h"
@@ -131,6 +132,7 @@ int runWindow(int argc, char** argv, const StartRequest& request, std::unique_pt
     // The toolkit would hang with a bus that hangs, and start one where there is none.
     if (!instance->hasSessionBus()) qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
     MyNSApplication application(argc, argv);
+    const Translations translations;
     QCoreApplication::setApplicationName(QStringLiteral("Orrinvale"));
     QCoreApplication::setApplicationVersion(QStringLiteral(ORRINVALE_VERSION));
     QGuiApplication::setDesktopFileName(QString::fromLatin1(programBusName));

@@ -31,6 +31,10 @@ namespace {
 constexpr const char* heldCopy = "Aria (1).mp3";
 constexpr const char* lockedCopy = "holiday-photos.zip";
 
+// The buttons of a sheet.
+constexpr int agree = 0;
+constexpr int cancel = 1;
+
 }  // namespace
 
 DuplicateScenes::DuplicateScenes(const SampleFolder& sample, UserDefaults& defaults, const PictureFolder& pictures,
@@ -151,20 +155,19 @@ bool DuplicateScenes::waitForSheet(bool isThere) {
     });
 }
 
-bool DuplicateScenes::pressInSheet(const QString& text) {
+bool DuplicateScenes::pressInSheet(int number) {
     const auto* const sheet = m_window->findChild<Sheet*>();
     const auto buttons = sheet != nullptr ? sheet->findChildren<QAbstractButton*>() : QList<QAbstractButton*>();
-    for (QAbstractButton* const button : buttons)
-        if (button->text() == text) {
-            button->click();
-            return waitForSheet(false);
-        }
-    std::fprintf(stderr, "orrinvale-gallery: the sheet has no button %s\n", qPrintable(text));
-    return false;
+    if (number >= buttons.size()) {
+        std::fprintf(stderr, "orrinvale-gallery: the sheet has no button %d\n", number);
+        return false;
+    }
+    buttons.at(number)->click();
+    return waitForSheet(false);
 }
 
 bool DuplicateScenes::drawQuestion() {
-    return click("stopBtn") && waitForSheet(true) && save("question") && pressInSheet(QStringLiteral("Cancel"));
+    return click("stopBtn") && waitForSheet(true) && save("question") && pressInSheet(cancel);
 }
 
 bool DuplicateScenes::drawKeyboard() {
@@ -208,7 +211,7 @@ bool DuplicateScenes::drawRemoval() {
     for (const char* const name : {"holiday-photos", "Aria", "Graduation", "Letter"}) tickGroup(name);
     m_files.refuse(lockedCopy, EACCES);
     m_files.hold(heldCopy);
-    if (!click("stopBtn") || !waitForSheet(true) || !pressInSheet(QStringLiteral("Sure"))) return false;
+    if (!click("stopBtn") || !waitForSheet(true) || !pressInSheet(agree)) return false;
     if (!waitFor("the removal to reach the song", [this] { return m_files.isHolding(); })) return false;
     // The spinner has gone round to its third picture, with the path in hand beside it.
     const auto* const spinner = m_window->findChild<QLabel*>(QStringLiteral("imageView"));
@@ -224,7 +227,7 @@ bool DuplicateScenes::drawRemoval() {
 }
 
 bool DuplicateScenes::drawFailures() {
-    return waitForSheet(true) && save("failure") && pressInSheet(QStringLiteral("OK")) && save("after-removal") &&
+    return waitForSheet(true) && save("failure") && pressInSheet(agree) && save("after-removal") &&
            saveLines("failures", "failureLine");
 }
 

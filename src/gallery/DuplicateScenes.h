@@ -33,7 +33,7 @@ private:
     bool startSearch(const std::string& folder);
     bool waitForResult();
     bool waitForSheet(bool isThere);
-    bool pressInSheet(const QString& text);
+    bool pressInSheet(int number);
     bool saveLines(const char* scene, const char* lineButton);
     void tickGroup(const char* name);
     [[nodiscard]] QTreeView* outline() const;

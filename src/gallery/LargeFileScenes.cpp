@@ -14,6 +14,7 @@
 #include "gallery/SampleFolder.h"
 #include "gallery/drawing.h"
 #include "ui/kit/chrome/TCImageWindow.h"
+#include "ui/kit/controls/numberText.h"
 #include "ui/kit/dialogs/Sheet.h"
 #include "ui/largefiles/FileNodeModel.h"
 #include "ui/shell/DuplicateMainWindowController.h"
@@ -68,7 +69,7 @@ bool LargeFileScenes::drawScan() {
     // All but one of the nine folders are through.
     const auto* const percent = m_window->findChild<QLabel*>(QStringLiteral("progressLabel"));
     const bool isSaved =
-        waitFor("the scan to rest", [&] { return percent->text() == QLatin1String("88.9%"); }) && save("scan");
+        waitFor("the scan to rest", [&] { return percent->text() == shownPercent(QStringLiteral("88.9")); }) && save("scan");
     m_files.release();
     return isSaved && waitForEnd();
 }
@@ -89,8 +90,7 @@ bool LargeFileScenes::drawRemoval() {
     m_window->findChild<QAbstractButton*>(QStringLiteral("deleteButton"))->click();
     const auto sheet = [this] { return m_window->findChild<Sheet*>(); };
     if (!waitFor("the question", [&] { return sheet() != nullptr && sheet()->content()->y() == 0; })) return false;
-    for (QAbstractButton* const button : sheet()->findChildren<QAbstractButton*>())
-        if (button->text() == QLatin1String("Sure")) button->click();
+    sheet()->findChild<QAbstractButton*>()->click();  // the first one agrees
     const auto window = [this] { return m_window->findChild<QWidget*>(QStringLiteral("progressWindow")); };
     if (!waitFor("the removal to reach the video", [&] { return m_files.isHolding() && window() != nullptr; }))
         return false;

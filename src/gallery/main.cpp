@@ -26,6 +26,7 @@
 #include "ui/kit/chrome/TitleBarView.h"
 #include "ui/kit/chrome/ToplineView.h"
 #include "ui/kit/look/Theme.h"
+#include "ui/kit/look/Translations.h"
 
 namespace orrinvale {
 namespace {
@@ -34,6 +35,7 @@ struct Order {
     QString folder;
     bool isDark = false;
     bool isLarge = false;  // twice the pixels
+    QString language;      // empty for English
 };
 
 void toggleScheme() {
@@ -107,8 +109,9 @@ bool drawProgram(const Order& order, const PictureFolder& pictures) {
 }
 
 int drawGallery(const Order& order, NotificationCenter& notifications) {
-    const PictureFolder pictures(
-        order.folder, QLatin1String(order.isDark ? "-dark" : "") + QLatin1String(order.isLarge ? "@2x" : ""));
+    const QString language = order.language.isEmpty() ? QString() : QLatin1Char('-') + order.language;
+    const PictureFolder pictures(order.folder, language + QLatin1String(order.isDark ? "-dark" : "") +
+                                                   QLatin1String(order.isLarge ? "@2x" : ""));
     if (!drawSheet(pictures, notifications)) return 1;
     if (order.isDark && order.isLarge) return 0;
     const bool isDrawn = drawPage<DuplicateScenes>(order, pictures) && drawPage<LargeFileScenes>(order, pictures) &&
@@ -124,9 +127,11 @@ std::string_view valueAfter(int argc, char** argv, std::string_view option) {
 
 // Before Qt starts, which reads these once: the same letters, dates and pixels on every machine.
 void fixSurroundings(int argc, char** argv) {
-    const std::array<std::pair<const char*, const char*>, 6> fixed{{{"QT_QPA_PLATFORM", "offscreen"},
+    const bool isGerman = valueAfter(argc, argv, "--language") == "de";
+    const std::array<std::pair<const char*, const char*>, 7> fixed{{{"QT_QPA_PLATFORM", "offscreen"},
                                                                     {"QT_FONT_DPI", "96"},
-                                                                    {"LC_ALL", "en_GB.UTF-8"},
+                                                                    {"LC_ALL", isGerman ? "de_DE.UTF-8" : "en_GB.UTF-8"},
+                                                                    {"LANGUAGE", ""},
                                                                     {"TZ", "UTC"},
                                                                     {"ORRINVALE_SYSTEM_FRAME", "0"},
                                                                     {"ORRINVALE_STALLS", "0"}}};
@@ -144,17 +149,23 @@ std::optional<Order> readOrder(const QCoreApplication& application) {
                                     QStringLiteral("SCHEME"), QStringLiteral("light"));
     const QCommandLineOption scale(QStringLiteral("scale"), QStringLiteral("1 or 2."), QStringLiteral("SCALE"),
                                    QStringLiteral("1"));
-    parser.addOptions({draw, scheme, scale});
+    const QCommandLineOption language(QStringLiteral("language"), QStringLiteral("en or de; of the pictures."),
+                                      QStringLiteral("LANGUAGE"), QStringLiteral("en"));
+    parser.addOptions({draw, scheme, scale, language});
     parser.addHelpOption();
     parser.process(application);
     const QStringList schemes{QStringLiteral("light"), QStringLiteral("dark")};
     const QStringList scales{QStringLiteral("1"), QStringLiteral("2")};
+    const QStringList languages{QStringLiteral("en"), QStringLiteral("de")};
     if (!parser.positionalArguments().isEmpty() || !schemes.contains(parser.value(scheme)) ||
-        !scales.contains(parser.value(scale))) {
+        !scales.contains(parser.value(scale)) || !languages.contains(parser.value(language))) {
         std::fputs("orrinvale-gallery: see --help\n", stderr);
         return std::nullopt;
     }
-    return Order{parser.value(draw), parser.value(scheme) == schemes.last(), parser.value(scale) == scales.last()};
+    return Order{.folder = parser.value(draw),
+                 .isDark = parser.value(scheme) == schemes.last(),
+                 .isLarge = parser.value(scale) == scales.last(),
+                 .language = parser.value(language) == languages.last() ? languages.last() : QString()};
 }
 
 int run(int argc, char** argv) {
@@ -163,6 +174,11 @@ int run(int argc, char** argv) {
     QCoreApplication::setApplicationVersion(QStringLiteral(ORRINVALE_VERSION));
     const auto order = readOrder(application);
     if (!order) return 2;
+    const Translations translations;
+    if (!order->folder.isEmpty() && translations.language() != order->language) {
+        std::fputs("orrinvale-gallery: the translation is not built here\n", stderr);
+        return 1;
+    }
     Theme::shared().setScheme(Theme::desktopScheme());
     Theme::shared().install(*qApp);
     NotificationCenter notifications;

@@ -2,6 +2,7 @@
 #include "engine/text/Localized.h"
 
 #include <algorithm>
+#include <atomic>
 #include <optional>
 #include <utility>
 
@@ -63,6 +64,11 @@ bool skipComments(std::string_view& rest, bool isInside) {
     }
 }
 
+std::atomic<const StringTable*>& currentTable() {
+    static std::atomic<const StringTable*> table = &builtInTexts();
+    return table;
+}
+
 bool readEntry(std::string_view& rest, StringTable& table) {
     auto key = takeQuoted(rest);
     if (!key || key->empty() || !takeMark(rest, '=')) return false;
@@ -89,14 +95,31 @@ StringTable parseStringTable(std::string_view source) {
     return table;
 }
 
-const StringTable& builtInTexts() {
-    static const StringTable* const table = new StringTable(parseStringTable(kBuiltInTexts));
-    return *table;
+const StringTable& builtInTexts(std::string_view language) {
+    static const StringTable* const english = new StringTable(parseStringTable(kEnglishTexts));
+    if (language != "de") return *english;
+    static const StringTable* const german = new StringTable(parseStringTable(kGermanTexts));
+    return *german;
+}
+
+void setTextLanguage(std::string_view language) { currentTable() = &builtInTexts(language); }
+
+std::string getLocalizedString(const char* key, const std::vector<std::string>& values) {
+    std::string text = getLocalizedString(key);
+    std::size_t from = 0;
+    for (std::size_t mark = text.find('%'); mark != std::string::npos; mark = text.find('%', from)) {
+        from = mark + 1;
+        const std::size_t digit = from < text.size() ? static_cast<unsigned char>(text[from]) - std::size_t{'1'} : 9;
+        if (digit >= values.size()) continue;
+        text.replace(mark, 2, values[digit]);
+        from = mark + values[digit].size();
+    }
+    return text;
 }
 
 std::string getLocalizedString(const char* key) {
     if (key == nullptr) return {};
-    const auto& texts = builtInTexts().texts;
+    const auto& texts = currentTable().load()->texts;
     const auto found = texts.find(std::string_view(key));
     return found == texts.end() ? std::string(key) : found->second;
 }

@@ -1,4 +1,5 @@
-// Localized: the texts that the user reads, by fixed keys. They are written in resources/texts/en.strings and built in.
+// Localized: the texts that the user reads, by fixed keys. They are written in resources/texts, a table a language, and
+// built in.
 #pragma once
 
 #include <cstddef>
@@ -20,8 +21,14 @@ struct StringTable {
 /// line of another form is noted and left out.
 [[nodiscard]] StringTable parseStringTable(std::string_view source);
 
-/// The built-in table, read at the first call. Any thread.
-[[nodiscard]] const StringTable& builtInTexts();
+/// The built-in table of a language, "en" or "de", read at the first call; the English one for any other. Any thread.
+[[nodiscard]] const StringTable& builtInTexts(std::string_view language = "en");
+
+/// From now on texts come in this language; English until the first call. Any thread, best before others run.
+void setTextLanguage(std::string_view language);
+
+/// The text of a key with its placeholders %1 to %9 filled in order; what is filled in is not looked through again.
+[[nodiscard]] std::string getLocalizedString(const char* key, const std::vector<std::string>& values);
 
 /// The text of a key; the key itself when the table lacks it, empty for a null key. Any thread.
 [[nodiscard]] std::string getLocalizedString(const char* key);

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "engine/base/Log.h"
+#include "engine/text/Localized.h"
 #include "engine/volumes/VolumesInfo.h"
 
 namespace orrinvale {
@@ -18,19 +19,19 @@ constexpr std::int32_t kSomeStayed = 1;
 constexpr std::size_t kMostNamedHolders = 3;
 
 std::string textOf(const VolumeHolder& holder) {
-    return fmt::format("{} (process {}, {})", escapeControls(holder.name), holder.pid, escapeControls(holder.path));
+    return getLocalizedString("EJECT_HOLDER",
+                  {escapeControls(holder.name), std::to_string(holder.pid), escapeControls(holder.path)});
 }
 
 std::string textOf(const std::vector<VolumeHolder>& holders) {
     const std::size_t named = std::min(holders.size(), kMostNamedHolders);
     const std::size_t more = holders.size() - named;
-    std::string text;
-    for (std::size_t i = 0; i < named; ++i) {
+    std::string text = textOf(holders.front());
+    for (std::size_t i = 1; i < named; ++i) {
         const bool isLast = i + 1 == named && more == 0;
-        if (i > 0) text += isLast ? " and " : ", ";
-        text += textOf(holders[i]);
+        text = isLast ? getLocalizedString("EJECT_LAST_HOLDER", {text, textOf(holders[i])}) : text + ", " + textOf(holders[i]);
     }
-    return more == 0 ? text : text + fmt::format(" and {} more", more);
+    return more == 0 ? text : getLocalizedString("EJECT_MORE_HOLDERS", {text, std::to_string(more)});
 }
 
 // By its text alone: whether the folder can be reached is the file manager's to find out, on a dead server too.
@@ -44,10 +45,10 @@ std::string standardizedPath(const std::string& path) {
 
 std::string ejectFailureText(const EjectFailure& failure) {
     const std::string& name = failure.volumeName.empty() ? failure.volRootDir : failure.volumeName;
-    std::string text = name.empty() ? "The volume" : '"' + escapeControls(name) + '"';
-    text += " could not be ejected";
+    std::string text = name.empty() ? getLocalizedString("EJECT_FAILED_NAMELESS")
+                                    : getLocalizedString("EJECT_FAILED", {escapeControls(name)});
     if (!failure.dissent.reason.empty()) text += ": " + escapeControls(failure.dissent.reason);
-    if (!failure.dissent.holders.empty()) text += ", held open by " + textOf(failure.dissent.holders);
+    if (!failure.dissent.holders.empty()) text += ", " + getLocalizedString("EJECT_HELD_OPEN", {textOf(failure.dissent.holders)});
     return text + '.';
 }
 

@@ -14,6 +14,7 @@
 #include "engine/text/UtilityFunction.h"
 #include "ui/kit/controls/paintTickBox.h"
 #include "ui/kit/controls/pathText.h"
+#include "ui/kit/controls/numberText.h"
 
 namespace orrinvale {
 namespace {
@@ -131,7 +132,7 @@ QString DuplicateResultModel::text(const TreeNode& node, int column) const {
     switch (column) {
         case NameColumn: return QString::fromStdString(data.name());
         case AllSelectNum: return data.isGroup() ? QString::fromStdString(data.showSelectNumStr()) : QString();
-        case FileSize: return QString::fromStdString(UtilityFunction::convertVolSpace(data.fileSize()));
+        case FileSize: return shownSize(UtilityFunction::convertVolSpace(data.fileSize()));
         case ModifyDate: return shortDate(data.ModificationDate());
         default: return {};
     }
@@ -179,10 +180,10 @@ QVariant DuplicateResultModel::headerData(int section, Qt::Orientation orientati
     if (role == Qt::TextAlignmentRole && section == FileSize) return QVariant(Qt::AlignRight | Qt::AlignVCenter);
     if (role != Qt::DisplayRole) return {};
     switch (section) {
-        case NameColumn: return QStringLiteral("Name");
-        case AllSelectNum: return QStringLiteral("Selected");
-        case FileSize: return QStringLiteral("Size");
-        case ModifyDate: return QStringLiteral("Modified");
+        case NameColumn: return tr("Name");
+        case AllSelectNum: return tr("Selected");
+        case FileSize: return tr("Size");
+        case ModifyDate: return tr("Modified");
         default: return {};
     }
 }

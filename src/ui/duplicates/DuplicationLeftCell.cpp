@@ -7,6 +7,7 @@
 
 #include "engine/base/NotificationCenter.h"
 #include "ui/kit/chrome/buttonLook.h"
+#include "ui/kit/controls/numberText.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/kit/look/getColor.h"
 #include "ui/kit/look/picture.h"
@@ -37,7 +38,7 @@ DuplicationLeftCell::DuplicationLeftCell(std::int32_t rowViewNum, const QString&
     setAttribute(Qt::WA_Hover);
     setObjectName(QStringLiteral("leftCell%1").arg(rowViewNum));
     connect(&Theme::shared(), &Theme::changed, this, [this] { update(); });
-    setSizeTextFieldString(QStringLiteral("0.00K"));
+    setSizeTextFieldString(shownSize("0.00K"));
 }
 
 void DuplicationLeftCell::setHiglightImage(bool isSelected) {

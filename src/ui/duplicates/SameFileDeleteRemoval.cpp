@@ -196,7 +196,7 @@ void SameFileDeleteViewController::alertCanNotRemoveSome() {
     if (m_selection.allSelectNumArr().empty()) return;
     m_views->animation->startUnlockAnimation(m_views->lockButton);
     Alert alert;
-    alert.title = QStringLiteral("Some files that require admin access can't be removed!");
+    alert.title = tr("Some files that require admin access can't be removed!");
     alert.severity = Alert::Severity::Warning;
     m_parts.dialogs->alert(m_mainWindow, alert, [self = QPointer(this)](int /*button*/) {
         if (self == nullptr) return;
@@ -265,7 +265,7 @@ void SameFileDeleteViewController::changeLockState() {
     padlock.setImage(isOpen ? QStringLiteral("ic_unlock") : QStringLiteral("ic_lock"));
     padlock.setIconSize({20, 20});
     const std::string refusal = isOpen ? std::string() : QnAuthorization::shareQnAuthorization().refusalText();
-    QString toolTip = QStringLiteral("Click lock to get a higer privileges.");
+    QString toolTip = tr("Click lock to get a higer privileges.");
     if (!refusal.empty()) toolTip += QLatin1Char('\n') + QString::fromStdString(refusal);
     padlock.setToolTip(toolTip);
 }

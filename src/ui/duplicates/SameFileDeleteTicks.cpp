@@ -17,10 +17,17 @@ namespace {
 
 QString toText(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
 
+// "file" stands where there is nothing to count, and not with one.
+QString selectedText(std::size_t selected, bool isAnything) {
+    const int number = static_cast<int>(selected);
+    return isAnything ? SameFileDeleteViewController::tr("selected %n files in All", nullptr, number)
+                      : SameFileDeleteViewController::tr("selected %n file in All", nullptr, number);
+}
+
 }  // namespace
 
 QString SameFileDeleteViewController::rowLabel() const {
-    if (m_remberWitchSelect != 0) return toText(resultRows.at(static_cast<std::size_t>(m_remberWitchSelect)).title);
+    if (m_remberWitchSelect != 0) return resultRowTitle(static_cast<std::size_t>(m_remberWitchSelect));
     const std::size_t end = m_searchPath.find_last_not_of('/');
     if (end == std::string::npos) return QString::fromStdString(m_searchPath);  // the root
     const std::size_t cut = m_searchPath.find_last_of('/', end);
@@ -44,10 +51,8 @@ void SameFileDeleteViewController::refViewBgColor(std::int32_t row) {
 }
 
 void SameFileDeleteViewController::showSelectCountWithFileCount(std::size_t count, const QString& pathName) {
-    const QString first = QStringLiteral("%1 files in %2").arg(QString::number(count), pathName);
-    const QString second = QStringLiteral("selected %1 %2 in All")
-                               .arg(QString::number(m_selection.allSelectNumArr().size()),
-                                    count != 0 ? QStringLiteral("files") : QStringLiteral("file"));
+    const QString first = tr("%n files in %1", nullptr, static_cast<int>(count)).arg(pathName);
+    const QString second = selectedText(m_selection.allSelectNumArr().size(), count != 0);
     m_views->titleLabel->setText(QStringLiteral("%1, %2.").arg(first, second));
     m_views->titleLabel->setToolTip(first);
 }
@@ -56,10 +61,7 @@ void SameFileDeleteViewController::setSelectCount() {
     // What stands before the first comma is the count of the view; a folder with a comma in its name loses its tail here.
     const QString first = m_views->titleLabel->text().section(QLatin1Char(','), 0, 0);
     const std::size_t selected = m_selection.allSelectNumArr().size();
-    const QString second =
-        QStringLiteral("selected %1 %2 in All")
-            .arg(QString::number(selected), selected != 0 ? QStringLiteral("files") : QStringLiteral("file"));
-    m_views->titleLabel->setText(QStringLiteral("%1, %2.").arg(first, second));
+    m_views->titleLabel->setText(QStringLiteral("%1, %2.").arg(first, selectedText(selected, selected != 0)));
 }
 
 void SameFileDeleteViewController::boxClicked(const TreeNode::Pointer& node, const QModelIndex& index) {
@@ -83,9 +85,9 @@ void SameFileDeleteViewController::setSelectState(const TreeNode::Pointer& leaf)
         case LeafClick::Ticked: fly(leaf); break;
         case LeafClick::Question: {
             Alert question;
-            question.title = QStringLiteral("Are you sure you want to delete all the duplicate files?");
+            question.title = tr("Are you sure you want to delete all the duplicate files?");
             question.text = QStringLiteral(" ");
-            question.buttons = QStringList{QStringLiteral("OK"), QStringLiteral("Cancel")};
+            question.buttons = QStringList{tr("OK"), tr("Cancel")};
             question.cancelButton = 1;
             question.severity = Alert::Severity::Warning;
             m_parts.dialogs->alert(m_mainWindow, question,

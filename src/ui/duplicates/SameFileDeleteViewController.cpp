@@ -26,6 +26,7 @@
 #include "ui/kit/controls/Animation.h"
 #include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/controls/PictureView.h"
+#include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/TickBox.h"
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/dialogs/LineList.h"
@@ -233,7 +234,7 @@ void SameFileDeleteViewController::getPathForSreachDuplicate() {
         m_views->countsLabel->setText(
             tr("%1 files listed, %2 compared")
                 .arg(QLocale().toString(counts.listedFiles),
-                     QString::fromStdString(UtilityFunction::convertVolSpace(counts.hashedBytes))));
+                     shownSize(UtilityFunction::convertVolSpace(counts.hashedBytes))));
     }
 }
 
@@ -247,7 +248,7 @@ void SameFileDeleteViewController::getPrograss() {
 }
 
 void SameFileDeleteViewController::showPercent(int percent) {
-    m_views->progress->setText(QStringLiteral("%1%").arg(percent));
+    m_views->progress->setText(shownPercent(QString::number(percent)));
 }
 
 void SameFileDeleteViewController::searchFinished(ResultViews found) {
@@ -334,7 +335,7 @@ void SameFileDeleteViewController::backButtonAction() {
 
 void SameFileDeleteViewController::showSameFileSize() {
     for (std::size_t row = 0; row < m_views->leftCells.size(); ++row)
-        m_views->leftCells.at(row)->setSizeTextFieldString(QString::fromStdString(m_results.sizeText(row)));
+        m_views->leftCells.at(row)->setSizeTextFieldString(shownSize(m_results.sizeText(row)));
 }
 
 ResultViews SameFileDeleteViewController::resetOulineView() {

@@ -1,11 +1,12 @@
 // SameFileDeleteViews: see SameFileDeleteViews.h.
 #include "ui/duplicates/SameFileDeleteViews.h"
 
-#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QStackedWidget>
 #include <QVBoxLayout>
+#include <algorithm>
+#include <array>
 
 #include "engine/duplicates/results/ResultViews.h"
 #include "ui/duplicates/ResultOutline.h"
@@ -30,9 +31,20 @@ constexpr int leftViewWidth = 204;
 constexpr int barHeight = 52;
 constexpr int imageSide = 64;
 
-QString tr(const char* text) { return QCoreApplication::translate("SameFileDeleteViews", text); }
+// The titles of engine/duplicates/results/ResultViews.h.
+constexpr std::array titles{
+    QT_TRANSLATE_NOOP("ResultRow", "All"),      QT_TRANSLATE_NOOP("ResultRow", "Documents"),
+    QT_TRANSLATE_NOOP("ResultRow", "Videos"),   QT_TRANSLATE_NOOP("ResultRow", "Music"),
+    QT_TRANSLATE_NOOP("ResultRow", "Archives"), QT_TRANSLATE_NOOP("ResultRow", "Pictures"),
+    QT_TRANSLATE_NOOP("ResultRow", "Others"),
+};
+static_assert(std::ranges::equal(titles, resultRows, {}, [](const char* title) { return std::string_view(title); },
+                                 &ResultRow::title),
+              "a row of the engine has another title here");
 
 }  // namespace
+
+QString resultRowTitle(std::size_t row) { return QCoreApplication::translate("ResultRow", titles.at(row)); }
 
 SameFileDeleteViews::SameFileDeleteViews(const NotificationCenter& notifications) {
     makeLoadPathView();
@@ -125,7 +137,7 @@ QWidget* SameFileDeleteViews::makeLeftView(const NotificationCenter& notificatio
     for (std::size_t row = 0; row < leftCells.size(); ++row) {
         const ResultRow& shown = resultRows.at(row);
         leftCells.at(row) = new DuplicationLeftCell(
-            static_cast<std::int32_t>(row), QString::fromUtf8(shown.title.data(), qsizetype(shown.title.size())),
+            static_cast<std::int32_t>(row), resultRowTitle(row),
             QString::fromUtf8(shown.picture.data(), qsizetype(shown.picture.size())), notifications);
         leftCells.at(row)->setFixedHeight(DuplicationLeftCell::cellHeight);
         column->addWidget(leftCells.at(row));

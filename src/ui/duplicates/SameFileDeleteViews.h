@@ -2,6 +2,7 @@
 // SameFileDeleteViewController.h is what they do.
 #pragma once
 
+#include <QCoreApplication>
 #include <QPointer>
 #include <array>
 
@@ -25,9 +26,14 @@ class TCImageButton;
 class TextImageButton;
 class TickBox;
 
+/// What a person reads on a row of the list of types.
+[[nodiscard]] QString resultRowTitle(std::size_t row);
+
 /// Each control has an object name equal to its field's. The views that nobody has put into a window are deleted with this.
 /// Main thread only.
 class SameFileDeleteViews final {
+    Q_DECLARE_TR_FUNCTIONS(SameFileDeleteViews)
+
 public:
     explicit SameFileDeleteViews(const NotificationCenter& notifications);
     ~SameFileDeleteViews();

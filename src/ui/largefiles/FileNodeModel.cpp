@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "engine/largefiles/PublicUtilities.h"
+#include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/paintTickBox.h"
 #include "ui/kit/controls/pathText.h"
 #include "ui/kit/look/picture.h"
@@ -35,7 +36,7 @@ constexpr std::uint64_t neverRead = ~std::uint64_t{0};
 
 bool isBundle(const FileNode& node) { return node.name().ends_with(".app") || node.name().ends_with(".framework"); }
 
-QString sizeText(std::uint64_t bytes) { return QString::fromStdString(PublicUtilities::byteToSizeWithByte(bytes)); }
+QString sizeText(std::uint64_t bytes) { return shownSize(PublicUtilities::byteToSizeWithByte(bytes)); }
 
 // What the size alone would leave a person wondering about.
 QString sizeToolTip(const FileNode& node) {

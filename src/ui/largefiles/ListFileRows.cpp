@@ -6,6 +6,7 @@
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/controls/TickBox.h"
 #include "ui/kit/dialogs/Dialogs.h"
+#include "ui/kit/dialogs/failureWords.h"
 #include "ui/largefiles/FileNodeModel.h"
 #include "ui/largefiles/ListFileViewController.h"
 #include "ui/largefiles/ListFileViews.h"
@@ -103,7 +104,7 @@ void ListFileViewController::putIntoTrash(FileNode& node) {
     }
     Alert alert;
     alert.title = tr("This could not be moved to the trash.");
-    alert.text = QStringLiteral("%1\n%2").arg(QString::fromStdString(path), QString::fromStdString(reason));
+    alert.text = QStringLiteral("%1\n%2").arg(QString::fromStdString(path), inWords(reason));
     alert.severity = Alert::Severity::Warning;
     m_parts.dialogs->alert(m_mainWindow, alert, [](int /*button*/) {});
 }

@@ -14,6 +14,7 @@
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/controls/TickBox.h"
+#include "ui/kit/controls/numberText.h"
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/dialogs/LineList.h"
 #include "ui/largefiles/FileNodeModel.h"
@@ -138,7 +139,7 @@ void ListFileViewController::showProgress() {
     const Controller& controller = Controller::getController();
     const float progress = controller.getProgress();
     if (m_views->progressView != nullptr) {
-        m_views->progressLabel->setText(QString::asprintf("%.1f%%", static_cast<double>(progress)));
+        m_views->progressLabel->setText(shownPercent(QString::number(static_cast<double>(progress), 'f', 1)));
         m_views->progressView->changeProgressValue(progress);
     }
     Log::engine("-[ListFileViewController reloadTreeList]", "-----::{:f}", progress);

@@ -1,7 +1,6 @@
 // ListFileViews: see ListFileViews.h.
 #include "ui/largefiles/ListFileViews.h"
 
-#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QStackedWidget>
@@ -15,6 +14,7 @@
 #include "ui/kit/controls/FolderStart.h"
 #include "ui/kit/controls/Panel.h"
 #include "ui/kit/controls/PictureView.h"
+#include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/viewParts.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/largefiles/NewOutlineView.h"
@@ -24,8 +24,6 @@ namespace orrinvale {
 namespace {
 
 constexpr int barHeight = 52;
-
-QString tr(const char* text) { return QCoreApplication::translate("ListFileViews", text); }
 
 }  // namespace
 
@@ -95,10 +93,10 @@ QWidget* ListFileViews::makeBottomBar() {
     progressLabel = makeLabel("progressLabel", Theme::Text::Body, QPalette::PlaceholderText);
     progressLabel->setAlignment(Qt::AlignTrailing | Qt::AlignVCenter);
     // As wide as it ever gets, so that the bar beside it keeps its width.
-    progressLabel->setMinimumWidth(progressLabel->fontMetrics().horizontalAdvance(QStringLiteral("100.0%")));
+    progressLabel->setMinimumWidth(progressLabel->fontMetrics().horizontalAdvance(shownPercent(QStringLiteral("100.0"))));
     progressLabel->hide();
-    stopScanButton = named(new TextImageButton(QStringLiteral("Stop")), "stopScanButton");
-    deleteButton = named(new TextImageButton(QStringLiteral("Delete"), TextImageButton::Role::Danger), "deleteButton");
+    stopScanButton = named(new TextImageButton(tr("Stop")), "stopScanButton");
+    deleteButton = named(new TextImageButton(tr("Delete"), TextImageButton::Role::Danger), "deleteButton");
     deleteButton->setToolTip(tr("Delete what is selected, for good"));
     deleteButton->setEnabled(false);
     m_bottom = new QHBoxLayout(bar);
@@ -125,7 +123,7 @@ void ListFileViews::makeResultPage() {
 
 void ListFileViews::showProgress() {
     if (progressView != nullptr) return;
-    progressLabel->setText(QStringLiteral("0%"));
+    progressLabel->setText(shownPercent(QStringLiteral("0")));
     progressLabel->show();
     progressView = named(new QnProgressView, "progressView", tr("Progress of the scan"));
     constexpr int wide = 1000;  // all of the free space of the bar, whose spring has 1

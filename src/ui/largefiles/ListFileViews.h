@@ -2,6 +2,7 @@
 // ListFileViewController.h is what they do.
 #pragma once
 
+#include <QCoreApplication>
 #include <QPointer>
 #include <QWidget>
 
@@ -24,6 +25,8 @@ class TickBox;
 /// Each control has an object name equal to its field's. A view that nobody has put into a window is deleted with this.
 /// Main thread only.
 class ListFileViews final {
+    Q_DECLARE_TR_FUNCTIONS(ListFileViews)
+
 public:
     ListFileViews();
     ~ListFileViews();

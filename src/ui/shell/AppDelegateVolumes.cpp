@@ -1,6 +1,4 @@
 // The volumes of AppDelegate: what is said and done when they come and go. See AppDelegate.h.
-#include <fmt/format.h>
-
 #include <QLabel>
 #include <algorithm>
 
@@ -8,6 +6,7 @@
 #include "services/volumes/WorkspaceMounts.h"
 #include "ui/kit/controls/pathText.h"
 #include "ui/kit/dialogs/Dialogs.h"
+#include "ui/kit/dialogs/failureWords.h"
 #include "ui/preferences/AppPrefsWindowController.h"
 #include "ui/shell/AppDelegate.h"
 #include "ui/shell/ApplicationMenu.h"
@@ -33,19 +32,19 @@ std::unique_ptr<QLabel> noteField(const std::string& text) {
 }  // namespace
 
 void AppDelegate::ZvVolumeMountNotificationCall(const Notification& notification) {
-    ZvCommVolumeNottification(notification, "mounted");
+    ZvCommVolumeNottification(notification, QT_TR_NOOP("mounted"));
 }
 
 void AppDelegate::ZvVolumeUnmountNotificationCall(const Notification& notification) {
-    ZvCommVolumeNottification(notification, "unmounted");
+    ZvCommVolumeNottification(notification, QT_TR_NOOP("unmounted"));
 }
 
 std::string AppDelegate::volumeSentence(const Notification& notification, const std::string& word) {
     const auto found = notification.userInfo.find(NSWorkspaceVolumeLocalizedNameKey);
     const auto* const name =
         found == notification.userInfo.end() ? nullptr : std::any_cast<std::string>(&found->second);
-    const std::string shown = name == nullptr || name->empty() ? "You disk" : *name;
-    return fmt::format("{} is {} successfully!", shown, word);
+    const QString shown = name == nullptr || name->empty() ? tr("You disk") : QString::fromStdString(*name);
+    return tr("%1 is %2 successfully!").arg(shown, tr(word.c_str())).toStdString();
 }
 
 void AppDelegate::ZvCommVolumeNottification(const Notification& notification, const std::string& withInfo) {
@@ -80,8 +79,10 @@ void AppDelegate::ejectionEnded(std::int32_t status, const std::vector<EjectFail
     refMenuItemWhenDeleteAndAdd();
     if (failures.empty()) return;
     QStringList lines;
-    for (const EjectFailure& each : failures)
+    for (EjectFailure each : failures) {
+        each.dissent.reason = inWords(each.dissent.reason).toStdString();
         lines.push_back(onOneLine(QString::fromStdString(ejectFailureText(each))));
+    }
     Alert alert;
     alert.title = tr("Not every volume could be ejected.");
     alert.text = lines.join(QLatin1Char('\n'));

@@ -12,6 +12,7 @@
 #include <QVBoxLayout>
 
 #include "engine/text/UtilityFunction.h"
+#include "ui/kit/controls/numberText.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/shell/FileIcons.h"
 #include "ui/shell/previewContent.h"
@@ -40,7 +41,7 @@ QString factsOf(const PreviewContent& content) {
     if (content.kind == PreviewContent::Kind::Folder)
         facts.push_back(QCoreApplication::translate("PreviewWindow", "Folder with %1 entries")
                             .arg(QLocale().toString(qulonglong(content.entries))));
-    else facts.push_back(QString::fromStdString(UtilityFunction::convertVolSpace(content.size)));
+    else facts.push_back(shownSize(UtilityFunction::convertVolSpace(content.size)));
     if (content.pictureSize.isValid())
         facts.push_back(QStringLiteral("%1 × %2").arg(QString::number(content.pictureSize.width()),
                                                       QString::number(content.pictureSize.height())));

@@ -33,6 +33,35 @@ TEST(Localized, BuiltInTableHasNoMalformedLineAndNoEmptyText) {
     }
 }
 
+TEST(Localized, GermanHasTheSameKeysAndPlaceholders) {
+    const auto marks = [](const std::string& text) {
+        std::multiset<char> found;
+        for (std::size_t at = text.find('%'); at != std::string::npos; at = text.find('%', at + 1))
+            found.insert(at + 1 < text.size() ? text[at + 1] : '%');
+        return found;
+    };
+    const auto& english = builtInTexts().texts;
+    const StringTable& german = builtInTexts("de");
+    EXPECT_TRUE(german.malformedLines.empty()) << "first in line " << german.malformedLines.front();
+    EXPECT_EQ(german.texts.size(), english.size());
+    for (const auto& [key, text] : english) {
+        const auto found = german.texts.find(key);
+        ASSERT_NE(found, german.texts.end()) << key;
+        EXPECT_EQ(marks(found->second), marks(text)) << key;
+        EXPECT_FALSE(found->second.empty()) << key;
+        if (key != "TITLE_CLEAN_DOWNLOADS") EXPECT_NE(found->second, text) << key;
+    }
+}
+
+TEST(Localized, TextsComeInTheLanguageThatWasSet) {
+    const auto sentence = [] { return getLocalizedString("EJECT_HOLDER", {"%2 50%", "7"}); };
+    EXPECT_EQ(sentence(), "%2 50% (process 7, %3)") << "what is filled in is left alone, and so is what nothing fills";
+    setTextLanguage("de");
+    EXPECT_EQ(sentence(), "%2 50% (Prozess 7, %3)");
+    setTextLanguage("fr");
+    EXPECT_EQ(sentence(), "%2 50% (process 7, %3)") << "English for all others";
+}
+
 TEST(Localized, KeysOfTheInterfaceAreThere) {
     std::istringstream keys(
         "TITLE_CLEAN_SYS_MYMAC TITLE_CLEAN_SYS_CACHES DESC_CLEAN_SYS_CACHES TITLE_CLEAN_USR_CACHES "

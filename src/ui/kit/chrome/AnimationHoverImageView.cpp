@@ -111,7 +111,10 @@ void AnimationHoverImageView::paintEvent(QPaintEvent*) {
     followLook();
     QPainter painter(this);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-    QRect place(QPoint(), iconSize());
+    // Where words need the room of a low window, the picture becomes smaller rather than lose its edges.
+    const QSize room = size().shrunkBy({ringMargin, ringMargin, ringMargin, ringMargin});
+    const bool fits = iconSize().boundedTo(room) == iconSize();
+    QRect place(QPoint(), fits ? iconSize() : iconSize().scaled(room, Qt::KeepAspectRatio));
     place.moveCenter(rect().center());
     painter.drawPixmap(place, shownPixmap());
     if (m_isDropTarget) {

@@ -13,11 +13,11 @@ namespace {
 
 QString nameOf(WindowButton::Kind kind, bool restores) {
     switch (kind) {
-        case WindowButton::Kind::Close: return QStringLiteral("Close");
-        case WindowButton::Kind::Miniaturize: return QStringLiteral("Minimize");
+        case WindowButton::Kind::Close: return WindowButton::tr("Close");
+        case WindowButton::Kind::Miniaturize: return WindowButton::tr("Minimize");
         case WindowButton::Kind::Zoom: break;
     }
-    return restores ? QStringLiteral("Restore") : QStringLiteral("Zoom");
+    return restores ? WindowButton::tr("Restore") : WindowButton::tr("Zoom");
 }
 
 ButtonPictures picturesOf(WindowButton::Kind kind, bool restores) {

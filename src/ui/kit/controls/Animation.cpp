@@ -31,7 +31,7 @@ Animation::Animation(const NotificationCenter& notifications, QWidget* parent)
     : QWidget(parent), m_notifications(notifications) {
     installAccessibleAnimation();
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    setAccessibleName(QStringLiteral("Progress"));
+    setAccessibleName(tr("Progress"));
     m_timer.setTimerType(Qt::PreciseTimer);
     connect(&m_timer, &QTimer::timeout, this, [this] { (this->*m_tick)(); });
     connect(&m_unlockTimer, &QTimer::timeout, this, &Animation::changeUnlockImage);

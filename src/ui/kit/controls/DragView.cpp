@@ -49,8 +49,8 @@ std::optional<std::string> folderOf(const QMimeData& data) {
 
 DragView::DragView(QWidget* parent) : QWidget(parent) {
     setAcceptDrops(true);
-    setAccessibleName(QStringLiteral("Drop area"));
-    setAccessibleDescription(QStringLiteral("Takes a folder that is dragged here from the file manager"));
+    setAccessibleName(tr("Drop area"));
+    setAccessibleDescription(tr("Takes a folder that is dragged here from the file manager"));
     connect(&Theme::shared(), &Theme::changed, this, [this] { update(); });
 }
 

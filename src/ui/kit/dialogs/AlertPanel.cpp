@@ -115,7 +115,7 @@ void AlertPanel::addButtons(QBoxLayout& column, const Alert& alert) {
         row->addWidget(link);
     }
     row->addStretch();
-    const QStringList texts = alert.buttons.isEmpty() ? QStringList(QStringLiteral("OK")) : alert.buttons;
+    const QStringList texts = alert.buttons.isEmpty() ? Alert().buttons : alert.buttons;
     for (int index = 0; index < texts.size(); ++index) {
         auto role = TextImageButton::Role::Plain;
         if (index == alert.defaultButton)

@@ -1,6 +1,7 @@
 // Dialogs: how a page asks the user. WindowDialogs.h shows the questions; tests answer them without a screen.
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 #include <QStringList>
 
@@ -18,7 +19,7 @@ struct Alert {
 
     QString title;  ///< what is asked; either text may be empty or blank
     QString text;   ///< what follows from it
-    QStringList buttons{QStringLiteral("OK")};
+    QStringList buttons{QCoreApplication::translate("Dialogs", "OK")};
     int defaultButton = 0;  ///< taken by Enter: where the keyboard stands at first
     int cancelButton = -1;  ///< taken by Escape; -1 for none, yet a single button is always taken by it
     Severity severity = Severity::Information;
@@ -30,9 +31,9 @@ struct Alert {
 
 /// What may be chosen, and where the choice starts. Links are followed to what they stand for.
 struct PathChoice {
-    QString title = QStringLiteral("Choose a path to search");
-    QString prompt = QStringLiteral("Choose");  ///< on the button that accepts
-    std::string directory;                      ///< exact bytes; the home folder when empty
+    QString title = QCoreApplication::translate("Dialogs", "Choose a path to search");
+    QString prompt = QCoreApplication::translate("Dialogs", "Choose");  ///< on the button that accepts
+    std::string directory;  ///< exact bytes; the home folder when empty
     bool withFiles = false;                     ///< files too, not only folders
     bool withSeveral = false;
 };
@@ -66,9 +67,11 @@ protected:
 /// Whether everything that is selected on a page may be removed: 0 for yes, 1 for no, which Escape gives too.
 [[nodiscard]] inline Alert removalQuestion() {
     Alert question;
-    question.title = QStringLiteral("Are you sure you want to delete all your selected files?");
+    question.title =
+        QCoreApplication::translate("Dialogs", "Are you sure you want to delete all your selected files?");
     question.text = QStringLiteral(" ");
-    question.buttons = QStringList{QStringLiteral("Sure"), QStringLiteral("Cancel")};
+    question.buttons = QStringList{QCoreApplication::translate("Dialogs", "Sure"),
+                                   QCoreApplication::translate("Dialogs", "Cancel")};
     question.cancelButton = 1;
     question.severity = Alert::Severity::Warning;
     question.isDestructive = true;

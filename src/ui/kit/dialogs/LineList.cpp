@@ -16,7 +16,9 @@
 namespace orrinvale {
 namespace {
 
-QString tr(const char* text) { return QCoreApplication::translate("LineList", text); }
+struct LineList {
+    Q_DECLARE_TR_FUNCTIONS(LineList)
+};
 
 constexpr QSize usualSize{620, 380};
 
@@ -25,7 +27,7 @@ constexpr QSize usualSize{620, 380};
 QStringList linesOf(const std::vector<Error>& errors) {
     QStringList lines;
     for (const Error& error : errors)
-        lines.push_back(QString::fromStdString(error.reason()) + QStringLiteral(": ") +
+        lines.push_back(inWords(error.reason()) + QStringLiteral(": ") +
                         onOneLine(QString::fromStdString(error.path)));
     return lines;
 }
@@ -42,8 +44,8 @@ void showLineList(QWidget* parent, const QString& title, const QStringList& line
     text->setLineWrapMode(QPlainTextEdit::NoWrap);
     text->setPlainText(lines.join(QLatin1Char('\n')));
     text->setAccessibleName(title);
-    auto* const copy = new TextImageButton(tr("Copy"));
-    auto* const close = new TextImageButton(tr("Close"), TextImageButton::Role::Primary);
+    auto* const copy = new TextImageButton(LineList::tr("Copy"));
+    auto* const close = new TextImageButton(LineList::tr("Close"), TextImageButton::Role::Primary);
     close->setDefault(true);
     QObject::connect(copy, &QAbstractButton::clicked, text,
                      [text] { QGuiApplication::clipboard()->setText(text->toPlainText()); });

@@ -8,6 +8,7 @@
 
 #include "platform/error.h"
 #include "ui/kit/controls/pathText.h"
+#include "ui/kit/dialogs/failureWords.h"
 
 class QWidget;
 
@@ -26,7 +27,7 @@ template <class Failures> [[nodiscard]] QStringList linesByReason(const Failures
         byReason[failure.reason].push_back(QStringLiteral("    ") + onOneLine(QString::fromStdString(failure.path)));
     QStringList lines;
     for (const auto& [reason, paths] : byReason) {
-        lines.push_back(QStringLiteral("%1 (%2)").arg(QString::fromStdString(reason), QString::number(paths.size())));
+        lines.push_back(QStringLiteral("%1 (%2)").arg(inWords(reason), QString::number(paths.size())));
         lines.append(paths);
     }
     return lines;

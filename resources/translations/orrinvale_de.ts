@@ -1,0 +1,1020 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de_DE" sourcelanguage="en">
+<context>
+    <name>Dialogs</name>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Choose a path to search</source>
+        <translation>Ordner zum Durchsuchen auswählen</translation>
+    </message>
+    <message>
+        <source>Choose</source>
+        <translation>Auswählen</translation>
+    </message>
+    <message>
+        <source>Are you sure you want to delete all your selected files?</source>
+        <translation>Möchten Sie wirklich alle ausgewählten Dateien löschen?</translation>
+    </message>
+    <message>
+        <source>Sure</source>
+        <translation>Löschen</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+</context>
+<context>
+    <name>FolderStart</name>
+    <message>
+        <source>Choose a Folder</source>
+        <translation>Ordner auswählen</translation>
+    </message>
+</context>
+<context>
+    <name>LineList</name>
+    <message>
+        <source>Copy</source>
+        <translation>Kopieren</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+</context>
+<context>
+    <name>ListFileViews</name>
+    <message>
+        <source>Drop a folder here to see what is large in it</source>
+        <translation>Ordner hierher ziehen, um zu sehen, was darin groß ist</translation>
+    </message>
+    <message>
+        <source>Choose a folder to look into</source>
+        <translation>Ordner zum Untersuchen auswählen</translation>
+    </message>
+    <message>
+        <source>See what takes up the space</source>
+        <translation>Sehen Sie, was den Platz belegt</translation>
+    </message>
+    <message>
+        <source>Drop a folder here, or choose one. The biggest files and folders come first.</source>
+        <translation>Ordner hierher ziehen oder auswählen. Die größten Dateien und Ordner stehen oben.</translation>
+    </message>
+    <message>
+        <source>Look into another folder</source>
+        <translation>Anderen Ordner untersuchen</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Stoppen</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Löschen</translation>
+    </message>
+    <message>
+        <source>Delete what is selected, for good</source>
+        <translation>Die Auswahl endgültig löschen</translation>
+    </message>
+    <message>
+        <source>Progress of the scan</source>
+        <translation>Fortschritt des Suchlaufs</translation>
+    </message>
+</context>
+<context>
+    <name>NumberText</name>
+    <message>
+        <source>.</source>
+        <extracomment>The decimal sign, as in 1.25 MB.</extracomment>
+        <translation>,</translation>
+    </message>
+    <message>
+        <source>%1%</source>
+        <translation>%1&#xa0;%</translation>
+    </message>
+    <message>
+        <source>%1 byte</source>
+        <translation>%1 Byte</translation>
+    </message>
+</context>
+<context>
+    <name>PreviewWindow</name>
+    <message>
+        <source>This file is missing.</source>
+        <translation>Diese Datei fehlt.</translation>
+    </message>
+    <message>
+        <source>Folder with %1 entries</source>
+        <translation>Ordner mit %1 Einträgen</translation>
+    </message>
+    <message>
+        <source>Link to %1</source>
+        <translation>Verknüpfung mit %1</translation>
+    </message>
+    <message>
+        <source>beginning only</source>
+        <translation>nur der Anfang</translation>
+    </message>
+</context>
+<context>
+    <name>Reason</name>
+    <message>
+        <source>a mount point</source>
+        <translation>ein Einhängepunkt</translation>
+    </message>
+    <message>
+        <source>a home folder</source>
+        <translation>ein persönlicher Ordner</translation>
+    </message>
+    <message>
+        <source>a folder of the kernel</source>
+        <translation>ein Ordner des Kernels</translation>
+    </message>
+    <message>
+        <source>in a folder of the kernel</source>
+        <translation>in einem Ordner des Kernels</translation>
+    </message>
+    <message>
+        <source>one of the program&apos;s own files</source>
+        <translation>eine Datei dieses Programms</translation>
+    </message>
+    <message>
+        <source>part of the system</source>
+        <translation>Teil des Systems</translation>
+    </message>
+    <message>
+        <source>the root of the file system</source>
+        <translation>die Wurzel des Dateisystems</translation>
+    </message>
+    <message>
+        <source>a folder with a mount below</source>
+        <translation>ein Ordner, in dem etwas eingehängt ist</translation>
+    </message>
+    <message>
+        <source>a folder above a home folder</source>
+        <translation>ein Ordner über einem persönlichen Ordner</translation>
+    </message>
+    <message>
+        <source>a folder above a folder of the kernel</source>
+        <translation>ein Ordner über einem Ordner des Kernels</translation>
+    </message>
+    <message>
+        <source>a folder above one of the program&apos;s own files</source>
+        <translation>ein Ordner über einer Datei dieses Programms</translation>
+    </message>
+    <message>
+        <source>a folder above part of the system</source>
+        <translation>ein Ordner über einem Teil des Systems</translation>
+    </message>
+    <message>
+        <source>what is mounted can not be told</source>
+        <translation>es lässt sich nicht feststellen, was eingehängt ist</translation>
+    </message>
+    <message>
+        <source>not a plain absolute path</source>
+        <translation>kein einfacher absoluter Pfad</translation>
+    </message>
+    <message>
+        <source>changed since the scan</source>
+        <translation>seit dem Suchlauf geändert</translation>
+    </message>
+    <message>
+        <source>changed since it was looked at</source>
+        <translation>seit der Prüfung geändert</translation>
+    </message>
+    <message>
+        <source>moved meanwhile</source>
+        <translation>inzwischen verschoben</translation>
+    </message>
+    <message>
+        <source>another entry is in its place</source>
+        <translation>an seiner Stelle steht ein anderer Eintrag</translation>
+    </message>
+    <message>
+        <source>another entry came into its place</source>
+        <translation>ein anderer Eintrag ist an seine Stelle getreten</translation>
+    </message>
+    <message>
+        <source>is gone already</source>
+        <translation>ist schon weg</translation>
+    </message>
+    <message>
+        <source>no other verified copy is left</source>
+        <translation>es gibt keine andere geprüfte Kopie mehr</translation>
+    </message>
+    <message>
+        <source>stopped</source>
+        <translation>gestoppt</translation>
+    </message>
+    <message>
+        <source>still there</source>
+        <translation>noch vorhanden</translation>
+    </message>
+    <message>
+        <source>anybody may remove what others put there</source>
+        <translation>jeder darf entfernen, was andere dort ablegen</translation>
+    </message>
+    <message>
+        <source>the trash there is another user&apos;s</source>
+        <translation>der Papierkorb dort gehört jemand anderem</translation>
+    </message>
+    <message>
+        <source>the trash is in it</source>
+        <translation>der Papierkorb liegt darin</translation>
+    </message>
+    <message>
+        <source>it is in the trash</source>
+        <translation>es liegt im Papierkorb</translation>
+    </message>
+    <message>
+        <source>it is a part of the trash</source>
+        <translation>es ist ein Teil des Papierkorbs</translation>
+    </message>
+    <message>
+        <source>a folder on the way belongs to someone else</source>
+        <translation>ein Ordner auf dem Weg gehört jemand anderem</translation>
+    </message>
+    <message>
+        <source>a folder on the way may be written by others</source>
+        <translation>in einen Ordner auf dem Weg dürfen andere schreiben</translation>
+    </message>
+    <message>
+        <source>the removal broke off</source>
+        <translation>das Entfernen ist abgebrochen</translation>
+    </message>
+    <message>
+        <source>The disk service does not answer</source>
+        <translation>Der Datenträgerdienst antwortet nicht</translation>
+    </message>
+    <message>
+        <source>The disk service, udisks2, is not there</source>
+        <translation>Der Datenträgerdienst udisks2 ist nicht vorhanden</translation>
+    </message>
+    <message>
+        <source>The disk service gave no reason</source>
+        <translation>Der Datenträgerdienst nannte keinen Grund</translation>
+    </message>
+    <message>
+        <source>The disk service can not be asked: no system bus</source>
+        <translation>Der Datenträgerdienst ist nicht erreichbar: kein System-Bus</translation>
+    </message>
+    <message>
+        <source>The disk service answers with something else</source>
+        <translation>Der Datenträgerdienst antwortet anders als erwartet</translation>
+    </message>
+    <message>
+        <source>The disk service can not tell what the volume lies on</source>
+        <translation>Der Datenträgerdienst weiß nicht, worauf der Datenträger liegt</translation>
+    </message>
+    <message>
+        <source>The disk service unmounted it, but it is still mounted here</source>
+        <translation>Der Datenträgerdienst hat ihn ausgehängt, hier ist er aber noch eingehängt</translation>
+    </message>
+    <message>
+        <source>The system bus does not answer</source>
+        <translation>Der System-Bus antwortet nicht</translation>
+    </message>
+    <message>
+        <source>The drive is not there any more</source>
+        <translation>Das Laufwerk ist nicht mehr da</translation>
+    </message>
+    <message>
+        <source>The volume is in use</source>
+        <translation>Der Datenträger wird gerade benutzt</translation>
+    </message>
+    <message>
+        <source>The volume is not mounted any more</source>
+        <translation>Der Datenträger ist nicht mehr eingehängt</translation>
+    </message>
+    <message>
+        <source>Another volume is mounted over it</source>
+        <translation>Darüber ist ein anderer Datenträger eingehängt</translation>
+    </message>
+    <message>
+        <source>memory is swapped to it</source>
+        <translation>er dient als Auslagerungsspeicher</translation>
+    </message>
+    <message>
+        <source>Not found</source>
+        <translation>Nicht gefunden</translation>
+    </message>
+    <message>
+        <source>Not a folder</source>
+        <translation>Kein Ordner</translation>
+    </message>
+    <message>
+        <source>Not a regular file</source>
+        <translation>Keine gewöhnliche Datei</translation>
+    </message>
+    <message>
+        <source>Changed since it was looked at</source>
+        <translation>Seit der Prüfung geändert</translation>
+    </message>
+    <message>
+        <source>Not supported here</source>
+        <translation>Hier nicht unterstützt</translation>
+    </message>
+    <message>
+        <source>Input/output error</source>
+        <translation>Ein-/Ausgabefehler</translation>
+    </message>
+    <message>
+        <source>Permission denied</source>
+        <translation>Zugriff verweigert</translation>
+    </message>
+    <message>
+        <source>Operation not permitted</source>
+        <translation>Nicht erlaubt</translation>
+    </message>
+    <message>
+        <source>No such file or directory</source>
+        <translation>Datei oder Ordner nicht vorhanden</translation>
+    </message>
+    <message>
+        <source>Not a directory</source>
+        <translation>Kein Ordner</translation>
+    </message>
+    <message>
+        <source>Is a directory</source>
+        <translation>Ist ein Ordner</translation>
+    </message>
+    <message>
+        <source>Directory not empty</source>
+        <translation>Ordner nicht leer</translation>
+    </message>
+    <message>
+        <source>File exists</source>
+        <translation>Datei schon vorhanden</translation>
+    </message>
+    <message>
+        <source>File name too long</source>
+        <translation>Dateiname zu lang</translation>
+    </message>
+    <message>
+        <source>Too many levels of symbolic links</source>
+        <translation>Zu viele verschachtelte Verknüpfungen</translation>
+    </message>
+    <message>
+        <source>Read-only file system</source>
+        <translation>Dateisystem schreibgeschützt</translation>
+    </message>
+    <message>
+        <source>No space left on device</source>
+        <translation>Kein Platz mehr auf dem Datenträger</translation>
+    </message>
+    <message>
+        <source>Disk quota exceeded</source>
+        <translation>Speicherkontingent überschritten</translation>
+    </message>
+    <message>
+        <source>Device or resource busy</source>
+        <translation>Gerät oder Ressource belegt</translation>
+    </message>
+    <message>
+        <source>Text file busy</source>
+        <translation>Programmdatei wird gerade ausgeführt</translation>
+    </message>
+    <message>
+        <source>No such device</source>
+        <translation>Gerät nicht vorhanden</translation>
+    </message>
+    <message>
+        <source>No such device or address</source>
+        <translation>Gerät oder Adresse nicht vorhanden</translation>
+    </message>
+    <message>
+        <source>Invalid argument</source>
+        <translation>Ungültiges Argument</translation>
+    </message>
+    <message>
+        <source>Invalid cross-device link</source>
+        <translation>Nicht über Datenträgergrenzen möglich</translation>
+    </message>
+    <message>
+        <source>Operation not supported</source>
+        <translation>Nicht unterstützt</translation>
+    </message>
+    <message>
+        <source>Function not implemented</source>
+        <translation>Funktion nicht vorhanden</translation>
+    </message>
+    <message>
+        <source>Too many open files</source>
+        <translation>Zu viele geöffnete Dateien</translation>
+    </message>
+    <message>
+        <source>Too many open files in system</source>
+        <translation>Zu viele geöffnete Dateien im System</translation>
+    </message>
+    <message>
+        <source>Cannot allocate memory</source>
+        <translation>Nicht genug Arbeitsspeicher</translation>
+    </message>
+    <message>
+        <source>Resource temporarily unavailable</source>
+        <translation>Ressource zurzeit nicht verfügbar</translation>
+    </message>
+    <message>
+        <source>Stale file handle</source>
+        <translation>Datei auf dem Server nicht mehr vorhanden</translation>
+    </message>
+    <message>
+        <source>Transport endpoint is not connected</source>
+        <translation>Verbindung zum Dateisystem unterbrochen</translation>
+    </message>
+    <message>
+        <source>Connection timed out</source>
+        <translation>Zeitüberschreitung der Verbindung</translation>
+    </message>
+    <message>
+        <source>Host is down</source>
+        <translation>Rechner nicht erreichbar</translation>
+    </message>
+    <message>
+        <source>no trash on its volume: %1</source>
+        <translation>kein Papierkorb auf dem Datenträger: %1</translation>
+    </message>
+    <message>
+        <source>The system runs from this drive: %1</source>
+        <translation>Von diesem Laufwerk läuft das System: %1</translation>
+    </message>
+    <message>
+        <source>Another volume is mounted on it at %1</source>
+        <translation>Ein anderer Datenträger ist darauf eingehängt: %1</translation>
+    </message>
+    <message>
+        <source>it is mounted on %1</source>
+        <translation>er ist unter %1 eingehängt</translation>
+    </message>
+    <message>
+        <source>The volume is unmounted, but its drive stays: %1</source>
+        <translation>Der Datenträger ist ausgehängt, aber das Laufwerk bleibt: %1</translation>
+    </message>
+    <message>
+        <source>Unknown error %1</source>
+        <translation>Unbekannter Fehler %1</translation>
+    </message>
+</context>
+<context>
+    <name>ResultRow</name>
+    <message>
+        <source>All</source>
+        <translation>Alle</translation>
+    </message>
+    <message>
+        <source>Documents</source>
+        <translation>Dokumente</translation>
+    </message>
+    <message>
+        <source>Videos</source>
+        <translation>Videos</translation>
+    </message>
+    <message>
+        <source>Music</source>
+        <translation>Musik</translation>
+    </message>
+    <message>
+        <source>Archives</source>
+        <translation>Archive</translation>
+    </message>
+    <message>
+        <source>Pictures</source>
+        <translation>Bilder</translation>
+    </message>
+    <message>
+        <source>Others</source>
+        <translation>Andere</translation>
+    </message>
+</context>
+<context>
+    <name>SameFileDeleteViews</name>
+    <message>
+        <source>Drop a folder here to search it</source>
+        <translation>Ordner hierher ziehen, um ihn zu durchsuchen</translation>
+    </message>
+    <message>
+        <source>Choose a folder to search</source>
+        <translation>Ordner zum Durchsuchen auswählen</translation>
+    </message>
+    <message>
+        <source>Find files that you have twice</source>
+        <translation>Finden Sie Dateien, die Sie doppelt haben</translation>
+    </message>
+    <message>
+        <source>Drop a folder here, or choose one. Nothing is removed until you tick it and confirm.</source>
+        <translation>Ordner hierher ziehen oder auswählen. Entfernt wird nur, was Sie auswählen und bestätigen.</translation>
+    </message>
+    <message>
+        <source>Select scan path</source>
+        <translation>Ordner zum Durchsuchen auswählen</translation>
+    </message>
+    <message>
+        <source>Scan</source>
+        <translation>Suchen</translation>
+    </message>
+    <message>
+        <source>Open the web page of Orrinvale</source>
+        <translation>Die Webseite von Orrinvale öffnen</translation>
+    </message>
+    <message>
+        <source>Orrinvale on the web</source>
+        <translation>Orrinvale im Web</translation>
+    </message>
+    <message>
+        <source>At this moment</source>
+        <translation>Gerade in Arbeit</translation>
+    </message>
+    <message>
+        <source>Progress of the search</source>
+        <translation>Fortschritt der Suche</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Stoppen</translation>
+    </message>
+    <message>
+        <source>Stop Scan</source>
+        <translation>Suche stoppen</translation>
+    </message>
+    <message>
+        <source>Kinds of files</source>
+        <translation>Dateiarten</translation>
+    </message>
+    <message>
+        <source>Search another folder</source>
+        <translation>Anderen Ordner durchsuchen</translation>
+    </message>
+    <message>
+        <source>Open selected file</source>
+        <translation>Ausgewählte Datei öffnen</translation>
+    </message>
+    <message>
+        <source>Reveal selected file in finder</source>
+        <translation>Ausgewählte Datei im Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>Click lock to get a higer privileges.</source>
+        <translation>Klicken Sie auf das Schloss, um höhere Rechte zu erhalten.</translation>
+    </message>
+    <message>
+        <source>Administrator right</source>
+        <translation>Administratorrechte</translation>
+    </message>
+    <message>
+        <source>Choose Another Folder</source>
+        <translation>Anderen Ordner auswählen</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>Entfernen</translation>
+    </message>
+    <message>
+        <source>Remove selected file</source>
+        <translation>Ausgewählte Dateien entfernen</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::Animation</name>
+    <message>
+        <source>Progress</source>
+        <translation>Fortschritt</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::AppDelegate</name>
+    <message>
+        <source>Something else is under way.</source>
+        <translation>Gerade läuft etwas anderes.</translation>
+    </message>
+    <message>
+        <source>Stop it or wait for its end, and then choose %1 again.</source>
+        <translation>Stoppen Sie es oder warten Sie, bis es fertig ist, und wählen Sie dann %1 noch einmal.</translation>
+    </message>
+    <message>
+        <source>Finds duplicates, shows what is large, and removes what you tick: that and nothing else.
+
+Free software under the Apache License 2.0.</source>
+        <translation>Findet Duplikate, zeigt, was viel Platz belegt, und entfernt, was Sie auswählen: das und nichts anderes.
+
+Freie Software unter der Apache License 2.0.</translation>
+    </message>
+    <message>
+        <source>The user guide could not be opened.</source>
+        <translation>Das Handbuch konnte nicht geöffnet werden.</translation>
+    </message>
+    <message>
+        <source>It is installed together with the program, and shown by your web browser.</source>
+        <translation>Es wird mit dem Programm installiert und von Ihrem Webbrowser angezeigt.</translation>
+    </message>
+    <message>
+        <source>mounted</source>
+        <translation>eingehängt</translation>
+    </message>
+    <message>
+        <source>unmounted</source>
+        <translation>ausgehängt</translation>
+    </message>
+    <message>
+        <source>You disk</source>
+        <translation>Ihr Datenträger</translation>
+    </message>
+    <message>
+        <source>%1 is %2 successfully!</source>
+        <translation>%1 wurde erfolgreich %2.</translation>
+    </message>
+    <message>
+        <source>Not every volume could be ejected.</source>
+        <translation>Nicht alle Datenträger konnten ausgeworfen werden.</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::AppPrefsWindowController</name>
+    <message>
+        <source>Web Site</source>
+        <translation>Webseite</translation>
+    </message>
+    <message>
+        <source>Help</source>
+        <translation>Hilfe</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::ApplicationMenu</name>
+    <message>
+        <source>About Orrinvale</source>
+        <translation>Über Orrinvale</translation>
+    </message>
+    <message>
+        <source>Preferences…</source>
+        <translation>Einstellungen …</translation>
+    </message>
+    <message>
+        <source>Check for Updates…</source>
+        <translation>Nach Aktualisierungen suchen …</translation>
+    </message>
+    <message>
+        <source>Show All Pages</source>
+        <translation>Alle Seiten zeigen</translation>
+    </message>
+    <message>
+        <source>Eject All</source>
+        <translation>Alle Datenträger auswerfen</translation>
+    </message>
+    <message>
+        <source>User Guide</source>
+        <translation>Handbuch</translation>
+    </message>
+    <message>
+        <source>Quit Orrinvale</source>
+        <translation>Orrinvale beenden</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::DBPrefsWindowController</name>
+    <message>
+        <source>Pages</source>
+        <translation>Seiten</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::DragView</name>
+    <message>
+        <source>Drop area</source>
+        <translation>Ablagefläche</translation>
+    </message>
+    <message>
+        <source>Takes a folder that is dragged here from the file manager</source>
+        <translation>Nimmt einen Ordner an, der aus der Dateiverwaltung hierher gezogen wird</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::DuplicateMainWindowController</name>
+    <message>
+        <source>Duplicate File Finder</source>
+        <translation>Duplikate finden</translation>
+    </message>
+    <message>
+        <source>Large File Finder</source>
+        <translation>Große Dateien finden</translation>
+    </message>
+    <message>
+        <source>Menu</source>
+        <translation>Menü</translation>
+    </message>
+    <message>
+        <source>Menu (F10)</source>
+        <translation>Menü (F10)</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::DuplicateResultModel</name>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Selected</source>
+        <translation>Auswahl</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Modified</source>
+        <translation>Geändert</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::FileNodeModel</name>
+    <message>
+        <source>%1, %2 on disk</source>
+        <translation>%1, auf dem Datenträger %2</translation>
+    </message>
+    <message>
+        <source>shared by %1 names</source>
+        <translation>unter %1 Namen vorhanden</translation>
+    </message>
+    <message>
+        <source>Show in Folder</source>
+        <translation>Im Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>Preview</source>
+        <translation>Vorschau</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Path</source>
+        <translation>Pfad</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::ListFileViewController</name>
+    <message>
+        <source>1 could not be removed; a new scan will show it again</source>
+        <translation>1 Eintrag nicht entfernt; ein neuer Suchlauf zeigt ihn wieder</translation>
+    </message>
+    <message>
+        <source>%1 could not be removed; a new scan will show them again</source>
+        <translation>%1 Einträge nicht entfernt; ein neuer Suchlauf zeigt sie wieder</translation>
+    </message>
+    <message>
+        <source>and %1 more</source>
+        <translation>und %1 weitere</translation>
+    </message>
+    <message>
+        <source>Could not be removed</source>
+        <translation>Nicht entfernt</translation>
+    </message>
+    <message>
+        <source>Preview</source>
+        <translation>Vorschau</translation>
+    </message>
+    <message>
+        <source>Show in Folder</source>
+        <translation>Im Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>Copy Path</source>
+        <translation>Pfad kopieren</translation>
+    </message>
+    <message>
+        <source>Move to Trash</source>
+        <translation>In den Papierkorb verschieben</translation>
+    </message>
+    <message>
+        <source>This could not be moved to the trash.</source>
+        <translation>Das konnte nicht in den Papierkorb verschoben werden.</translation>
+    </message>
+    <message>
+        <source>Nothing is left in this folder.</source>
+        <translation>In diesem Ordner ist nichts mehr übrig.</translation>
+    </message>
+    <message>
+        <source>This folder is empty.</source>
+        <translation>Dieser Ordner ist leer.</translation>
+    </message>
+    <message>
+        <source>Nothing was read of this folder.</source>
+        <translation>Von diesem Ordner wurde nichts gelesen.</translation>
+    </message>
+    <message>
+        <source>This folder could not be read.</source>
+        <translation>Dieser Ordner konnte nicht gelesen werden.</translation>
+    </message>
+    <message>
+        <source>1 entry could not be read</source>
+        <translation>1 Eintrag nicht lesbar</translation>
+    </message>
+    <message>
+        <source>%1 entries could not be read</source>
+        <translation>%1 Einträge nicht lesbar</translation>
+    </message>
+    <message>
+        <source>Could not be read</source>
+        <translation>Nicht lesbar</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::NewOutlineView</name>
+    <message>
+        <source>Files and folders by size</source>
+        <translation>Dateien und Ordner nach Größe</translation>
+    </message>
+    <message>
+        <source>Select everything</source>
+        <translation>Alles auswählen</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::PrefsToolbar</name>
+    <message>
+        <source>Icon and Text</source>
+        <translation>Symbol und Text</translation>
+    </message>
+    <message>
+        <source>Icon Only</source>
+        <translation>Nur Symbol</translation>
+    </message>
+    <message>
+        <source>Text Only</source>
+        <translation>Nur Text</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::ProgressWindowController</name>
+    <message>
+        <source>Progress of the removal</source>
+        <translation>Fortschritt beim Entfernen</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Stoppen</translation>
+    </message>
+    <message>
+        <source>Removing</source>
+        <translation>Entfernen</translation>
+    </message>
+    <message>
+        <source>Removing what you selected</source>
+        <translation>Ihre Auswahl wird entfernt</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::ResultOutline</name>
+    <message>
+        <source>Groups of duplicates</source>
+        <translation>Gruppen von Duplikaten</translation>
+    </message>
+    <message>
+        <source>Select all but one of each group</source>
+        <translation>In jeder Gruppe alle bis auf eine Datei auswählen</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::SameFileDeleteViewController</name>
+    <message>
+        <source>Duplicates</source>
+        <translation>Duplikate</translation>
+    </message>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%1 von %2</translation>
+    </message>
+    <message>
+        <source>1 could not be removed</source>
+        <translation>1 Datei nicht entfernt</translation>
+    </message>
+    <message>
+        <source>%1 could not be removed</source>
+        <translation>%1 Dateien nicht entfernt</translation>
+    </message>
+    <message>
+        <source>Some files that require admin access can&apos;t be removed!</source>
+        <translation>Einige Dateien lassen sich nur mit Administratorrechten entfernen!</translation>
+    </message>
+    <message>
+        <source>Could not be removed</source>
+        <translation>Nicht entfernt</translation>
+    </message>
+    <message>
+        <source>Click lock to get a higer privileges.</source>
+        <translation>Klicken Sie auf das Schloss, um höhere Rechte zu erhalten.</translation>
+    </message>
+    <message>
+        <source>Preview</source>
+        <translation>Vorschau</translation>
+    </message>
+    <message>
+        <source>Show in Folder</source>
+        <translation>Im Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>Copy Path</source>
+        <translation>Pfad kopieren</translation>
+    </message>
+    <message>
+        <source>Tick All but This One</source>
+        <translation>Alle außer dieser Datei auswählen</translation>
+    </message>
+    <message numerus="yes">
+        <source>selected %n files in All</source>
+        <translation>
+            <numerusform>insgesamt %n Datei ausgewählt</numerusform>
+            <numerusform>insgesamt %n Dateien ausgewählt</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>selected %n file in All</source>
+        <translation>
+            <numerusform>insgesamt %n Datei ausgewählt</numerusform>
+            <numerusform>insgesamt %n Dateien ausgewählt</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n files in %1</source>
+        <translation>
+            <numerusform>%n Datei in %1</numerusform>
+            <numerusform>%n Dateien in %1</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Are you sure you want to delete all the duplicate files?</source>
+        <translation>Möchten Sie wirklich alle Duplikate löschen?</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>%1 files listed, %2 compared</source>
+        <translation>%1 Dateien erfasst, %2 verglichen</translation>
+    </message>
+    <message>
+        <source>1 entry could not be read</source>
+        <translation>1 Eintrag nicht lesbar</translation>
+    </message>
+    <message>
+        <source>%1 entries could not be read</source>
+        <translation>%1 Einträge nicht lesbar</translation>
+    </message>
+    <message>
+        <source>This folder could not be read.</source>
+        <translation>Dieser Ordner konnte nicht gelesen werden.</translation>
+    </message>
+    <message>
+        <source>No duplicates are left here.</source>
+        <translation>Hier sind keine Duplikate mehr.</translation>
+    </message>
+    <message>
+        <source>No two files here are the same.</source>
+        <translation>Hier gibt es keine zwei gleichen Dateien.</translation>
+    </message>
+    <message>
+        <source>Could not be read</source>
+        <translation>Nicht lesbar</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::TitleTab</name>
+    <message>
+        <source>shown</source>
+        <translation>wird angezeigt</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::WindowButton</name>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>Minimize</source>
+        <translation>Minimieren</translation>
+    </message>
+    <message>
+        <source>Restore</source>
+        <translation>Wiederherstellen</translation>
+    </message>
+    <message>
+        <source>Zoom</source>
+        <translation>Maximieren</translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,122 @@
+// failureWords: see failureWords.h. The tables hold the words that lower floors use.
+#include "ui/kit/dialogs/failureWords.h"
+
+#include <QCoreApplication>
+#include <array>
+#include <string_view>
+
+namespace orrinvale {
+namespace {
+
+constexpr const char* context = "Reason";
+
+constexpr std::array whole{
+    // What is removed, and where the trash is
+    QT_TRANSLATE_NOOP("Reason", "a mount point"),
+    QT_TRANSLATE_NOOP("Reason", "a home folder"),
+    QT_TRANSLATE_NOOP("Reason", "a folder of the kernel"),
+    QT_TRANSLATE_NOOP("Reason", "in a folder of the kernel"),
+    QT_TRANSLATE_NOOP("Reason", "one of the program's own files"),
+    QT_TRANSLATE_NOOP("Reason", "part of the system"),
+    QT_TRANSLATE_NOOP("Reason", "the root of the file system"),
+    QT_TRANSLATE_NOOP("Reason", "a folder with a mount below"),
+    QT_TRANSLATE_NOOP("Reason", "a folder above a home folder"),
+    QT_TRANSLATE_NOOP("Reason", "a folder above a folder of the kernel"),
+    QT_TRANSLATE_NOOP("Reason", "a folder above one of the program's own files"),
+    QT_TRANSLATE_NOOP("Reason", "a folder above part of the system"),
+    QT_TRANSLATE_NOOP("Reason", "what is mounted can not be told"),
+    QT_TRANSLATE_NOOP("Reason", "not a plain absolute path"),
+    QT_TRANSLATE_NOOP("Reason", "changed since the scan"),
+    QT_TRANSLATE_NOOP("Reason", "changed since it was looked at"),
+    QT_TRANSLATE_NOOP("Reason", "moved meanwhile"),
+    QT_TRANSLATE_NOOP("Reason", "another entry is in its place"),
+    QT_TRANSLATE_NOOP("Reason", "another entry came into its place"),
+    QT_TRANSLATE_NOOP("Reason", "is gone already"),
+    QT_TRANSLATE_NOOP("Reason", "no other verified copy is left"),
+    QT_TRANSLATE_NOOP("Reason", "stopped"),
+    QT_TRANSLATE_NOOP("Reason", "still there"),
+    QT_TRANSLATE_NOOP("Reason", "anybody may remove what others put there"),
+    QT_TRANSLATE_NOOP("Reason", "the trash there is another user's"),
+    QT_TRANSLATE_NOOP("Reason", "the trash is in it"),
+    QT_TRANSLATE_NOOP("Reason", "it is in the trash"),
+    QT_TRANSLATE_NOOP("Reason", "it is a part of the trash"),
+    // The administrator's helper
+    QT_TRANSLATE_NOOP("Reason", "a folder on the way belongs to someone else"),
+    QT_TRANSLATE_NOOP("Reason", "a folder on the way may be written by others"),
+    QT_TRANSLATE_NOOP("Reason", "the removal broke off"),
+    // Volumes
+    QT_TRANSLATE_NOOP("Reason", "The disk service does not answer"),
+    QT_TRANSLATE_NOOP("Reason", "The disk service, udisks2, is not there"),
+    QT_TRANSLATE_NOOP("Reason", "The disk service gave no reason"),
+    QT_TRANSLATE_NOOP("Reason", "The disk service can not be asked: no system bus"),
+    QT_TRANSLATE_NOOP("Reason", "The disk service answers with something else"),
+    QT_TRANSLATE_NOOP("Reason", "The disk service can not tell what the volume lies on"),
+    QT_TRANSLATE_NOOP("Reason", "The disk service unmounted it, but it is still mounted here"),
+    QT_TRANSLATE_NOOP("Reason", "The system bus does not answer"),
+    QT_TRANSLATE_NOOP("Reason", "The drive is not there any more"),
+    QT_TRANSLATE_NOOP("Reason", "The volume is in use"),
+    QT_TRANSLATE_NOOP("Reason", "The volume is not mounted any more"),
+    QT_TRANSLATE_NOOP("Reason", "Another volume is mounted over it"),
+    QT_TRANSLATE_NOOP("Reason", "memory is swapped to it"),
+    // Failures without a number, and of the C library those that files and folders meet
+    QT_TRANSLATE_NOOP("Reason", "Not found"),
+    QT_TRANSLATE_NOOP("Reason", "Not a folder"),
+    QT_TRANSLATE_NOOP("Reason", "Not a regular file"),
+    QT_TRANSLATE_NOOP("Reason", "Changed since it was looked at"),
+    QT_TRANSLATE_NOOP("Reason", "Not supported here"),
+    QT_TRANSLATE_NOOP("Reason", "Input/output error"),
+    QT_TRANSLATE_NOOP("Reason", "Permission denied"),
+    QT_TRANSLATE_NOOP("Reason", "Operation not permitted"),
+    QT_TRANSLATE_NOOP("Reason", "No such file or directory"),
+    QT_TRANSLATE_NOOP("Reason", "Not a directory"),
+    QT_TRANSLATE_NOOP("Reason", "Is a directory"),
+    QT_TRANSLATE_NOOP("Reason", "Directory not empty"),
+    QT_TRANSLATE_NOOP("Reason", "File exists"),
+    QT_TRANSLATE_NOOP("Reason", "File name too long"),
+    QT_TRANSLATE_NOOP("Reason", "Too many levels of symbolic links"),
+    QT_TRANSLATE_NOOP("Reason", "Read-only file system"),
+    QT_TRANSLATE_NOOP("Reason", "No space left on device"),
+    QT_TRANSLATE_NOOP("Reason", "Disk quota exceeded"),
+    QT_TRANSLATE_NOOP("Reason", "Device or resource busy"),
+    QT_TRANSLATE_NOOP("Reason", "Text file busy"),
+    QT_TRANSLATE_NOOP("Reason", "No such device"),
+    QT_TRANSLATE_NOOP("Reason", "No such device or address"),
+    QT_TRANSLATE_NOOP("Reason", "Invalid argument"),
+    QT_TRANSLATE_NOOP("Reason", "Invalid cross-device link"),
+    QT_TRANSLATE_NOOP("Reason", "Operation not supported"),
+    QT_TRANSLATE_NOOP("Reason", "Function not implemented"),
+    QT_TRANSLATE_NOOP("Reason", "Too many open files"),
+    QT_TRANSLATE_NOOP("Reason", "Too many open files in system"),
+    QT_TRANSLATE_NOOP("Reason", "Cannot allocate memory"),
+    QT_TRANSLATE_NOOP("Reason", "Resource temporarily unavailable"),
+    QT_TRANSLATE_NOOP("Reason", "Stale file handle"),
+    QT_TRANSLATE_NOOP("Reason", "Transport endpoint is not connected"),
+    QT_TRANSLATE_NOOP("Reason", "Connection timed out"),
+    QT_TRANSLATE_NOOP("Reason", "Host is down"),
+};
+
+// Those that end in what they concern, which may be a reason again.
+constexpr std::array beginnings{
+    QT_TRANSLATE_NOOP("Reason", "no trash on its volume: %1"),
+    QT_TRANSLATE_NOOP("Reason", "The system runs from this drive: %1"),
+    QT_TRANSLATE_NOOP("Reason", "Another volume is mounted on it at %1"),
+    QT_TRANSLATE_NOOP("Reason", "it is mounted on %1"),
+    QT_TRANSLATE_NOOP("Reason", "The volume is unmounted, but its drive stays: %1"),
+    QT_TRANSLATE_NOOP("Reason", "Unknown error %1"),
+};
+
+}  // namespace
+
+QString inWords(const std::string& reason) {
+    for (const char* const known : whole)
+        if (reason == known) return QCoreApplication::translate(context, known);
+    constexpr std::size_t placeholder = 2;
+    for (const char* const known : beginnings) {
+        const std::string_view beginning(known, std::string_view(known).size() - placeholder);
+        if (reason.starts_with(beginning))
+            return QCoreApplication::translate(context, known).arg(inWords(reason.substr(beginning.size())));
+    }
+    return QString::fromStdString(reason);
+}
+
+}  // namespace orrinvale

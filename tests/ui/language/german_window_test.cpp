@@ -1,0 +1,202 @@
+// The window in German: no text of another language is left, and none is cut off where the window is smallest.
+#include <gtest/gtest.h>
+#include <sys/fsuid.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QLabel>
+#include <QMenu>
+#include <QTest>
+
+#include "platform/fake/FakeMountChanges.h"
+#include "platform/fake/FakeVolumes.h"
+#include "platform/linux/LinuxFiles.h"
+#include "services/foundation/QtMainQueue.h"
+#include "ui/duplicates/registerDuplicatePage.h"
+#include "ui/kit/chrome/TCImageWindow.h"
+#include "ui/kit/controls/TickOutline.h"
+#include "ui/kit/dialogs/AlertPanel.h"
+#include "ui/kit/look/Theme.h"
+#include "ui/kit/look/Translations.h"
+#include "ui/language/ShownTexts.h"
+#include "ui/largefiles/LargePage.h"
+#include "ui/preferences/AppPrefsWindowController.h"
+#include "ui/shell/AppDelegate.h"
+#include "ui/shell/ApplicationMenu.h"
+
+namespace orrinvale::testing {
+namespace {
+
+constexpr uid_t nobody = 65534;
+
+class GermanWindow : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (m_translations.language().isEmpty()) GTEST_SKIP() << "no lrelease here";
+        ASSERT_GT(german.size(), 150);
+    }
+
+    /// Notes what stands there in another language, and what has too little room.
+    void look(const char* where, const QWidget& widget) {
+        QApplication::processEvents();
+        for (const QString& text : shownTexts(widget)) {
+            seen.insert(text);
+            if (!german.knows(text))
+                ADD_FAILURE() << where << ": \"" << text.toStdString() << "\" is no German of ours";
+        }
+        for (const QString& text : cutTexts(widget)) ADD_FAILURE() << where << " cuts off " << text.toStdString();
+    }
+    void lookAtMenu(const char* where, const QWidget& parent) {
+        auto* const menu = parent.findChild<QMenu*>();
+        ASSERT_NE(menu, nullptr) << where;
+        look(where, *menu);
+        menu->close();
+    }
+
+    Translations m_translations{QStringList{QStringLiteral("de-DE"), QStringLiteral("de")}};
+    const GermanTexts german;
+    QSet<QString> seen;
+};
+
+TEST_F(GermanWindow, TheDuplicatePage) {
+    PageWindow on;
+    ApplicationMenu menu({});
+    on.window->setApplicationMenu(menu);
+    QWidget& window = *on.window->window();
+    ASSERT_EQ(on.window->window()->contentView()->size().width(), 800);
+    look("menu", *menu.menu());
+    look("start", window);
+
+    ASSERT_TRUE(on.tree.write("folder/a/x.txt", "the same") && on.tree.write("folder/b/x.txt", "the same") &&
+                on.tree.write("folder/locked/y.txt", "the same") && on.tree.setMode("folder/locked", 0) &&
+                on.tree.setMode("folder", 0755) && on.tree.setMode(".", 0755));
+    on.reading.shut();
+    // The threads of the search take over whose rights this one has on files.
+    const int before = ::setfsuid(nobody);
+    on.drop(on.tree.at("folder"));
+    ::setfsuid(static_cast<uid_t>(before));
+    ASSERT_TRUE(PageWindow::waitFor([&] { return on.reading.isWaitedAt() && !on.textOf("countsLabel").empty(); }));
+    look("search", window);
+    on.reading.open();
+    ASSERT_TRUE(PageWindow::waitFor([&] { return on.isShown("detailView"); }));
+    look("result", window);
+
+    const QModelIndex copy = on.row("x.txt", "/a/x.txt");
+    Q_EMIT on.control<TickOutline>("outline").menuWanted(copy, {});
+    lookAtMenu("menu of a row", *on.page().detailView());
+    on.tick(copy);
+    ASSERT_TRUE(PageWindow::waitFor([&] { return on.control("stopBtn").isEnabled(); }));
+    look("tick", window);
+    ASSERT_TRUE(on.tree.patch("folder/a/x.txt", 3, "changed"));
+    on.dialogs.willAnswer(0);
+    ASSERT_TRUE(on.remove());
+    look("result of the removal", window);
+    for (const char* const line : {"quietLine", "failureLine"}) {
+        on.click(line);
+        auto* const list = window.findChild<QWidget*>(QStringLiteral("lineList"));
+        ASSERT_NE(list, nullptr);
+        look(line, *list);
+        delete list;
+    }
+    ASSERT_EQ(on.dialogs.alerts().size(), 2U);
+    for (const Alert& alert : on.dialogs.alerts()) look("alert", AlertPanel(alert));
+    for (const char* const text : {"Duplikate finden", "Möchten Sie wirklich alle ausgewählten Dateien löschen?",
+                                   "2 Dateien in folder, insgesamt 1 Datei ausgewählt.", "Dokumente, 0,02 KB",
+                                   "1 Eintrag nicht lesbar", "1 Datei nicht entfernt", "seit dem Suchlauf geändert (1)"})
+        EXPECT_TRUE(seen.contains(QString::fromUtf8(text))) << text;
+}
+
+TEST_F(GermanWindow, TheLargeFilePage) {
+    LargePage on;
+    QWidget& window = *on.window.window->window();
+    look("start", window);
+    ASSERT_TRUE(on.tree.write("folder/a/x.txt", "the same") && on.tree.write("folder/b/y.txt", "another"));
+    ASSERT_TRUE(on.scan(on.tree.at("folder")));
+    look("result", window);
+    Q_EMIT on.control<TickOutline>("outlineView").menuWanted(on.row("a"), {});
+    lookAtMenu("menu of a row", *on.page().listView());
+    on.tick("a");
+    ASSERT_TRUE(on.remove([&](QWidget& progress) { look("removal", progress); }));
+    look("result of the removal", window);
+    EXPECT_TRUE(seen.contains(QStringLiteral("Große Dateien finden")));
+}
+
+TEST_F(GermanWindow, WhatTheProgramTells) {
+    const LinuxFileSystem files;
+    TestTree tree;
+    UserDefaults defaults(tree.at("settings.ini"));
+    UserDefaults::setStandardUserDefaults(&defaults);
+    RecordedDialogs dialogs;
+    {
+        NotificationCenter notifications;
+        QtMainQueue mainQueue;
+        FileIcons icons;
+        FakeMountChanges mounts;
+        FakeVolumes volumes;
+        FakeVolumes::Volume stick;
+        stick.volume = {7, {1000, 500}, "Stick", "/media/stick", 0};
+        stick.parms.vMVersion = 3;
+        stick.parms.vMExtendedAttributes = 1U << bIsEjectable | 1U << bIsRemovable;
+        volumes.volumes = {stick};
+        volumes.ejections[7] = {fBsyErr, {"The volume is in use", {{42, "vlc", "/media/stick/a.mp4"}}}};
+        AppDelegate delegate({.pages = {.files = &files,
+                                        .notifications = &notifications,
+                                        .defaults = &defaults,
+                                        .dialogs = &dialogs,
+                                        .mainQueue = &mainQueue,
+                                        .icons = {},
+                                        .reveal = {},
+                                        .openAddress = {}},
+                              .icons = &icons,
+                              .volumes = &volumes,
+                              .mountChanges = &mounts,
+                              .openFolder = [](const std::string& /*path*/) { return false; },
+                              .openGuide = [] { return false; },
+                              .exitProcess = [](int /*status*/) {},
+                              .endBySignal = [](int /*signal*/) {}});
+        delegate.applicationWillFinishLaunching();
+        delegate.applicationDidFinishLaunching();
+        for (int alert = 0; alert < 4; ++alert) dialogs.willAnswer(0);
+        delegate.openAboutWindow();
+        delegate.help();
+        notifications.post("openFinderWhenClickItems", std::string("/media/stick"));
+        delegate.rejestAllDisk();
+        EXPECT_TRUE(PageWindow::waitFor([&] { return dialogs.alerts().size() == 4; }));
+        QApplication::processEvents();
+        for (const Alert& alert : dialogs.alerts()) look("alert", AlertPanel(alert));
+        look("menu", *delegate.menu().menu());
+    }
+    UserDefaults::setStandardUserDefaults(nullptr);
+    EXPECT_TRUE(seen.contains(QStringLiteral("„Stick“ konnte nicht ausgeworfen werden: Der Datenträger wird gerade benutzt, offen "
+                                             "gehalten von vlc (Prozess 42, /media/stick/a.mp4).")));
+}
+
+TEST_F(GermanWindow, TheToolbarWindow) {
+    TestTree tree;
+    UserDefaults defaults(tree.at("settings.ini"));
+    UserDefaults::setStandardUserDefaults(&defaults);
+    {
+        const LinuxFileSystem files;
+        NotificationCenter notifications;
+        QtMainQueue mainQueue;
+        RecordedDialogs dialogs;
+        AppPrefsWindowController controller;
+        controller.setOpenAddress([](const QString& /*address*/) {});
+        controller.setOpenHelp([] {});
+        registerDuplicatePage(controller, {.files = &files,
+                                           .notifications = &notifications,
+                                           .defaults = &defaults,
+                                           .dialogs = &dialogs,
+                                           .mainQueue = &mainQueue,
+                                           .icons = {},
+                                           .reveal = {},
+                                           .openAddress = {}});
+        controller.showWindow();
+        look("toolbar window", *controller.window());
+    }
+    UserDefaults::setStandardUserDefaults(nullptr);
+    EXPECT_TRUE(seen.contains(QStringLiteral("Hilfe")));
+}
+
+}  // namespace
+}  // namespace orrinvale::testing
