@@ -133,11 +133,7 @@ TEST_F(GermanWindow, WhatTheProgramTells) {
         FileIcons icons;
         FakeMountChanges mounts;
         FakeVolumes volumes;
-        FakeVolumes::Volume stick;
-        stick.volume = {7, {1000, 500}, "Stick", "/media/stick", 0};
-        stick.parms.vMVersion = 3;
-        stick.parms.vMExtendedAttributes = 1U << bIsEjectable | 1U << bIsRemovable;
-        volumes.volumes = {stick};
+        volumes.volumes = {FakeVolumes::volume(7, "Stick", "/media/stick", true)};
         volumes.ejections[7] = {fBsyErr, {"The volume is in use", {{42, "vlc", "/media/stick/a.mp4"}}}};
         AppDelegate delegate({.pages = {.files = &files,
                                         .notifications = &notifications,
@@ -149,9 +145,11 @@ TEST_F(GermanWindow, WhatTheProgramTells) {
                                         .openAddress = {}},
                               .icons = &icons,
                               .volumes = &volumes,
+                              .volumesAtOnce = &volumes,
                               .mountChanges = &mounts,
                               .openFolder = [](const std::string& /*path*/) { return false; },
                               .openGuide = [] { return false; },
+                              .stopListening = [] {},
                               .exitProcess = [](int /*status*/) {},
                               .endBySignal = [](int /*signal*/) {}});
         delegate.applicationWillFinishLaunching();
