@@ -6,7 +6,8 @@
 
 namespace orrinvale {
 
-ApplicationMenu::ApplicationMenu(Actions actions, QObject* parent) : QObject(parent), m_menu(std::make_unique<QMenu>()) {
+ApplicationMenu::ApplicationMenu(Actions actions, QObject* parent)
+    : QObject(parent), m_menu(std::make_unique<QMenu>()) {
     m_menu->setObjectName(QStringLiteral("applicationMenu"));
     add("about", tr("About Orrinvale"), {}, actions.openAboutWindow);
     m_menu->addSeparator();
