@@ -295,6 +295,26 @@
         <translation>Darüber ist ein anderer Datenträger eingehängt</translation>
     </message>
     <message>
+        <source>it belongs to a storage pool</source>
+        <translation>er gehört zu einem Speicherpool</translation>
+    </message>
+    <message>
+        <source>a file system on it spans other drives</source>
+        <translation>ein Dateisystem darauf erstreckt sich über andere Laufwerke</translation>
+    </message>
+    <message>
+        <source>In use: %1</source>
+        <translation>In Gebrauch: %1</translation>
+    </message>
+    <message>
+        <source>another device is made of it: %1</source>
+        <translation>ein anderes Gerät besteht daraus: %1</translation>
+    </message>
+    <message>
+        <source>a disk image on it is attached: %1</source>
+        <translation>ein Abbild darauf ist eingebunden: %1</translation>
+    </message>
+    <message>
         <source>memory is swapped to it</source>
         <translation>er dient als Auslagerungsspeicher</translation>
     </message>
@@ -586,6 +606,10 @@
 </context>
 <context>
     <name>orrinvale::AppDelegate</name>
+    <message>
+        <source>This folder can not be searched.</source>
+        <translation>Dieser Ordner kann nicht durchsucht werden.</translation>
+    </message>
     <message>
         <source>Something else is under way.</source>
         <translation>Gerade läuft etwas anderes.</translation>

@@ -69,7 +69,8 @@ bool LargeFileScenes::drawScan() {
     // All but one of the nine folders are through.
     const auto* const percent = m_window->findChild<QLabel*>(QStringLiteral("progressLabel"));
     const bool isSaved =
-        waitFor("the scan to rest", [&] { return percent->text() == shownPercent(QStringLiteral("88.9")); }) && save("scan");
+        waitFor("the scan to rest", [&] { return percent->text() == shownPercent(QStringLiteral("88.9")); }) &&
+        save("scan");
     m_files.release();
     return isSaved && waitForEnd();
 }

@@ -128,13 +128,14 @@ std::string_view valueAfter(int argc, char** argv, std::string_view option) {
 // Before Qt starts, which reads these once: the same letters, dates and pixels on every machine.
 void fixSurroundings(int argc, char** argv) {
     const bool isGerman = valueAfter(argc, argv, "--language") == "de";
-    const std::array<std::pair<const char*, const char*>, 7> fixed{{{"QT_QPA_PLATFORM", "offscreen"},
-                                                                    {"QT_FONT_DPI", "96"},
-                                                                    {"LC_ALL", isGerman ? "de_DE.UTF-8" : "en_GB.UTF-8"},
-                                                                    {"LANGUAGE", ""},
-                                                                    {"TZ", "UTC"},
-                                                                    {"ORRINVALE_SYSTEM_FRAME", "0"},
-                                                                    {"ORRINVALE_STALLS", "0"}}};
+    const std::array<std::pair<const char*, const char*>, 7> fixed{
+        {{"QT_QPA_PLATFORM", "offscreen"},
+         {"QT_FONT_DPI", "96"},
+         {"LC_ALL", isGerman ? "de_DE.UTF-8" : "en_GB.UTF-8"},
+         {"LANGUAGE", ""},
+         {"TZ", "UTC"},
+         {"ORRINVALE_SYSTEM_FRAME", "0"},
+         {"ORRINVALE_STALLS", "0"}}};
     for (const auto& [name, value] : fixed) qputenv(name, value);
     qputenv("QT_SCALE_FACTOR", valueAfter(argc, argv, "--scale") == "2" ? "2" : "1");
     qputenv("ORRINVALE_THEME", valueAfter(argc, argv, "--scheme") == "dark" ? "dark" : "light");

@@ -33,9 +33,9 @@ TEST(DeviceUses, WhatIsMadeOfADriveOrSpansItIsTold) {
     Machine unlocked;
     unlocked.tree.symlink("../../dm-0", "sys/devices/sda1/holders/dm-0");
     EXPECT_EQ(unlocked.use({"sda", "sda1", "dm-0"}), "") << "it is locked again on the way";
-    EXPECT_EQ(unlocked.use(stick), "another device, dm-0, is made of it");
+    EXPECT_EQ(unlocked.use(stick), "another device is made of it: dm-0");
     unlocked.tree.write("sys/devices/dm-0/dm/name", "vg-home\n");
-    EXPECT_EQ(unlocked.use(stick), "another device, vg-home, is made of it");
+    EXPECT_EQ(unlocked.use(stick), "another device is made of it: vg-home");
 
     Machine spanned;
     spanned.tree.symlink("../../../../devices/sda1", "sys/fs/btrfs/1234/devices/sda1");

@@ -20,7 +20,7 @@ constexpr std::size_t kMostNamedHolders = 3;
 
 std::string textOf(const VolumeHolder& holder) {
     return getLocalizedString("EJECT_HOLDER",
-                  {escapeControls(holder.name), std::to_string(holder.pid), escapeControls(holder.path)});
+                              {escapeControls(holder.name), std::to_string(holder.pid), escapeControls(holder.path)});
 }
 
 std::string textOf(const std::vector<VolumeHolder>& holders) {
@@ -29,7 +29,8 @@ std::string textOf(const std::vector<VolumeHolder>& holders) {
     std::string text = textOf(holders.front());
     for (std::size_t i = 1; i < named; ++i) {
         const bool isLast = i + 1 == named && more == 0;
-        text = isLast ? getLocalizedString("EJECT_LAST_HOLDER", {text, textOf(holders[i])}) : text + ", " + textOf(holders[i]);
+        text = isLast ? getLocalizedString("EJECT_LAST_HOLDER", {text, textOf(holders[i])})
+                      : text + ", " + textOf(holders[i]);
     }
     return more == 0 ? text : getLocalizedString("EJECT_MORE_HOLDERS", {text, std::to_string(more)});
 }
@@ -48,7 +49,8 @@ std::string ejectFailureText(const EjectFailure& failure) {
     std::string text = name.empty() ? getLocalizedString("EJECT_FAILED_NAMELESS")
                                     : getLocalizedString("EJECT_FAILED", {escapeControls(name)});
     if (!failure.dissent.reason.empty()) text += ": " + escapeControls(failure.dissent.reason);
-    if (!failure.dissent.holders.empty()) text += ", " + getLocalizedString("EJECT_HELD_OPEN", {textOf(failure.dissent.holders)});
+    if (!failure.dissent.holders.empty())
+        text += ", " + getLocalizedString("EJECT_HELD_OPEN", {textOf(failure.dissent.holders)});
     return text + '.';
 }
 

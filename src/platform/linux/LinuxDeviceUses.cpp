@@ -1,7 +1,5 @@
 // What uses block devices without being mounted: a part of LinuxVolumesDevices. The kernel lists what is made of a device in its
 // "holders", the members of a btrfs in /sys/fs/btrfs (btrfs(5)); of storage pools only udev knows.
-#include <fmt/format.h>
-
 #include <algorithm>
 
 #include "platform/linux/LinuxVolumesDevices.h"
@@ -30,7 +28,7 @@ std::string LinuxVolumesDevices::otherUseOf(const std::vector<std::string>& devi
             const std::string above = deviceNamed(name);
             if (isAmong(devices, above)) continue;
             const std::string label = lineIn(above + "/dm/name");
-            return fmt::format("another device, {}, is made of it", label.empty() ? name : label);
+            return "another device is made of it: " + (label.empty() ? name : label);
         }
         if (udevProperties(device).find("\nE:ID_FS_TYPE=zfs_member\n") != std::string::npos)
             return "it belongs to a storage pool";

@@ -211,7 +211,7 @@ std::string LinuxVolumesEjection::useByOthers(const EjectionPlan& plan, const Mo
         planned.push_back(m_devices.deviceNumbered(gnu_dev_major(each.number), gnu_dev_minor(each.number)));
     for (const std::string& image : m_devices.attachedImages())
         if (std::ranges::any_of(mounts, [&](const MountEntry& each) { return isWithin(image, each.point); }))
-            return fmt::format("the disk image {} on it is attached", image);
+            return "a disk image on it is attached: " + image;
     return m_devices.otherUseOf(planned);
 }
 

@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "engine/text/UtilityFunction.h"
+#include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/paintTickBox.h"
 #include "ui/kit/controls/pathText.h"
-#include "ui/kit/controls/numberText.h"
 
 namespace orrinvale {
 namespace {

@@ -26,8 +26,8 @@
 #include "ui/kit/controls/Animation.h"
 #include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/controls/PictureView.h"
-#include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/TickBox.h"
+#include "ui/kit/controls/numberText.h"
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/dialogs/LineList.h"
 #include "ui/kit/look/picture.h"
@@ -231,10 +231,9 @@ void SameFileDeleteViewController::getPathForSreachDuplicate() {
     }
     if (const auto search = m_duplicateOpt->search()) {
         const SearchCounts counts = search->counts();
-        m_views->countsLabel->setText(
-            tr("%1 files listed, %2 compared")
-                .arg(QLocale().toString(counts.listedFiles),
-                     shownSize(UtilityFunction::convertVolSpace(counts.hashedBytes))));
+        m_views->countsLabel->setText(tr("%1 files listed, %2 compared")
+                                          .arg(QLocale().toString(counts.listedFiles),
+                                               shownSize(UtilityFunction::convertVolSpace(counts.hashedBytes))));
     }
 }
 

@@ -38,8 +38,8 @@ constexpr std::array titles{
     QT_TRANSLATE_NOOP("ResultRow", "Archives"), QT_TRANSLATE_NOOP("ResultRow", "Pictures"),
     QT_TRANSLATE_NOOP("ResultRow", "Others"),
 };
-static_assert(std::ranges::equal(titles, resultRows, {}, [](const char* title) { return std::string_view(title); },
-                                 &ResultRow::title),
+static_assert(std::ranges::equal(
+                  titles, resultRows, {}, [](const char* title) { return std::string_view(title); }, &ResultRow::title),
               "a row of the engine has another title here");
 
 }  // namespace

@@ -93,7 +93,8 @@ QWidget* ListFileViews::makeBottomBar() {
     progressLabel = makeLabel("progressLabel", Theme::Text::Body, QPalette::PlaceholderText);
     progressLabel->setAlignment(Qt::AlignTrailing | Qt::AlignVCenter);
     // As wide as it ever gets, so that the bar beside it keeps its width.
-    progressLabel->setMinimumWidth(progressLabel->fontMetrics().horizontalAdvance(shownPercent(QStringLiteral("100.0"))));
+    progressLabel->setMinimumWidth(
+        progressLabel->fontMetrics().horizontalAdvance(shownPercent(QStringLiteral("100.0"))));
     progressLabel->hide();
     stopScanButton = named(new TextImageButton(tr("Stop")), "stopScanButton");
     deleteButton = named(new TextImageButton(tr("Delete"), TextImageButton::Role::Danger), "deleteButton");

@@ -17,7 +17,9 @@
 namespace orrinvale::testing {
 namespace {
 
-bool hasLetter(const QString& text) { return std::ranges::any_of(text, [](QChar each) { return each.isLetter(); }); }
+bool hasLetter(const QString& text) {
+    return std::ranges::any_of(text, [](QChar each) { return each.isLetter(); });
+}
 
 void addTo(QStringList& texts, const QString& text) {
     for (const QString& line : text.split(QLatin1Char('\n')))
@@ -44,7 +46,8 @@ bool isData(const QString& text) {
 QRegularExpression patternOf(const QString& translation) {
     static const QRegularExpression placeholder(QStringLiteral("\\\\%(\\d|n)"));
     const QString escaped = QRegularExpression::escape(translation);
-    return QRegularExpression(QRegularExpression::anchoredPattern(QString(escaped).replace(placeholder, QStringLiteral(".+"))));
+    return QRegularExpression(
+        QRegularExpression::anchoredPattern(QString(escaped).replace(placeholder, QStringLiteral(".+"))));
 }
 
 }  // namespace
@@ -84,7 +87,8 @@ QStringList cutTexts(const QWidget& window) {
 }
 
 GermanTexts::GermanTexts() {
-    for (const auto& [key, text] : builtInTexts("de").texts) m_patterns.push_back(patternOf(QString::fromStdString(text)));
+    for (const auto& [key, text] : builtInTexts("de").texts)
+        m_patterns.push_back(patternOf(QString::fromStdString(text)));
     QFile file(QStringLiteral(ORRINVALE_GERMAN));
     if (!file.open(QIODevice::ReadOnly)) return;
     for (QXmlStreamReader xml(&file); !xml.atEnd(); xml.readNext()) {

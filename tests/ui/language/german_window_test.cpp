@@ -100,9 +100,10 @@ TEST_F(GermanWindow, TheDuplicatePage) {
     }
     ASSERT_EQ(on.dialogs.alerts().size(), 2U);
     for (const Alert& alert : on.dialogs.alerts()) look("alert", AlertPanel(alert));
-    for (const char* const text : {"Duplikate finden", "Möchten Sie wirklich alle ausgewählten Dateien löschen?",
-                                   "2 Dateien in folder, insgesamt 1 Datei ausgewählt.", "Dokumente, 0,02 KB",
-                                   "1 Eintrag nicht lesbar", "1 Datei nicht entfernt", "seit dem Suchlauf geändert (1)"})
+    for (const char* const text :
+         {"Duplikate finden", "Möchten Sie wirklich alle ausgewählten Dateien löschen?",
+          "2 Dateien in folder, insgesamt 1 Datei ausgewählt.", "Dokumente, 0,02 KB", "1 Eintrag nicht lesbar",
+          "1 Datei nicht entfernt", "seit dem Suchlauf geändert (1)"})
         EXPECT_TRUE(seen.contains(QString::fromUtf8(text))) << text;
 }
 
@@ -165,8 +166,9 @@ TEST_F(GermanWindow, WhatTheProgramTells) {
         look("menu", *delegate.menu().menu());
     }
     UserDefaults::setStandardUserDefaults(nullptr);
-    EXPECT_TRUE(seen.contains(QStringLiteral("„Stick“ konnte nicht ausgeworfen werden: Der Datenträger wird gerade benutzt, offen "
-                                             "gehalten von vlc (Prozess 42, /media/stick/a.mp4).")));
+    EXPECT_TRUE(seen.contains(
+        QStringLiteral("„Stick“ konnte nicht ausgeworfen werden: Der Datenträger wird gerade benutzt, offen "
+                       "gehalten von vlc (Prozess 42, /media/stick/a.mp4).")));
 }
 
 TEST_F(GermanWindow, TheToolbarWindow) {

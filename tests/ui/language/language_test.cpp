@@ -26,8 +26,11 @@ TEST(Translations, TheFirstLanguageThatIsThereCounts) {
     const struct {
         const char* languages;
         const char* language;
-    } cases[] = {{"de", "de"},      {"de-DE de-Latn-DE de", "de"}, {"de-AT", "de"}, {"fr-FR fr de", "de"}, {"en-GB de", ""},
-                 {"fr de-DE en", "de"}, {"fr en de", ""},          {"C", ""},       {"", ""},              {"fr", ""}};
+    } cases[] = {{"de", "de"},     {"de-DE de-Latn-DE de", "de"},
+                 {"de-AT", "de"},  {"fr-FR fr de", "de"},
+                 {"en-GB de", ""}, {"fr de-DE en", "de"},
+                 {"fr en de", ""}, {"C", ""},
+                 {"", ""},         {"fr", ""}};
     for (const auto& each : cases) {
         {
             const Translations translations(QString::fromLatin1(each.languages).split(QLatin1Char(' ')));

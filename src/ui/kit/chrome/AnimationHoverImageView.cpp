@@ -112,9 +112,8 @@ void AnimationHoverImageView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
     // Where words need the room of a low window, the picture becomes smaller rather than lose its edges.
-    const QSize room = size().shrunkBy({ringMargin, ringMargin, ringMargin, ringMargin});
-    const bool fits = iconSize().boundedTo(room) == iconSize();
-    QRect place(QPoint(), fits ? iconSize() : iconSize().scaled(room, Qt::KeepAspectRatio));
+    const bool fits = iconSize().boundedTo(size()) == iconSize();
+    QRect place(QPoint(), fits ? iconSize() : iconSize().scaled(size(), Qt::KeepAspectRatio));
     place.moveCenter(rect().center());
     painter.drawPixmap(place, shownPixmap());
     if (m_isDropTarget) {

@@ -33,8 +33,8 @@ struct Alert {
 struct PathChoice {
     QString title = QCoreApplication::translate("Dialogs", "Choose a path to search");
     QString prompt = QCoreApplication::translate("Dialogs", "Choose");  ///< on the button that accepts
-    std::string directory;  ///< exact bytes; the home folder when empty
-    bool withFiles = false;                     ///< files too, not only folders
+    std::string directory;                                              ///< exact bytes; the home folder when empty
+    bool withFiles = false;                                             ///< files too, not only folders
     bool withSeveral = false;
 };
 
@@ -67,11 +67,10 @@ protected:
 /// Whether everything that is selected on a page may be removed: 0 for yes, 1 for no, which Escape gives too.
 [[nodiscard]] inline Alert removalQuestion() {
     Alert question;
-    question.title =
-        QCoreApplication::translate("Dialogs", "Are you sure you want to delete all your selected files?");
+    question.title = QCoreApplication::translate("Dialogs", "Are you sure you want to delete all your selected files?");
     question.text = QStringLiteral(" ");
-    question.buttons = QStringList{QCoreApplication::translate("Dialogs", "Sure"),
-                                   QCoreApplication::translate("Dialogs", "Cancel")};
+    question.buttons =
+        QStringList{QCoreApplication::translate("Dialogs", "Sure"), QCoreApplication::translate("Dialogs", "Cancel")};
     question.cancelButton = 1;
     question.severity = Alert::Severity::Warning;
     question.isDestructive = true;

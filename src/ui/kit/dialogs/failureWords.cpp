@@ -58,6 +58,8 @@ constexpr std::array whole{
     QT_TRANSLATE_NOOP("Reason", "The volume is not mounted any more"),
     QT_TRANSLATE_NOOP("Reason", "Another volume is mounted over it"),
     QT_TRANSLATE_NOOP("Reason", "memory is swapped to it"),
+    QT_TRANSLATE_NOOP("Reason", "it belongs to a storage pool"),
+    QT_TRANSLATE_NOOP("Reason", "a file system on it spans other drives"),
     // Failures without a number, and of the C library those that files and folders meet
     QT_TRANSLATE_NOOP("Reason", "Not found"),
     QT_TRANSLATE_NOOP("Reason", "Not a folder"),
@@ -101,6 +103,9 @@ constexpr std::array beginnings{
     QT_TRANSLATE_NOOP("Reason", "The system runs from this drive: %1"),
     QT_TRANSLATE_NOOP("Reason", "Another volume is mounted on it at %1"),
     QT_TRANSLATE_NOOP("Reason", "it is mounted on %1"),
+    QT_TRANSLATE_NOOP("Reason", "In use: %1"),
+    QT_TRANSLATE_NOOP("Reason", "another device is made of it: %1"),
+    QT_TRANSLATE_NOOP("Reason", "a disk image on it is attached: %1"),
     QT_TRANSLATE_NOOP("Reason", "The volume is unmounted, but its drive stays: %1"),
     QT_TRANSLATE_NOOP("Reason", "Unknown error %1"),
 };
