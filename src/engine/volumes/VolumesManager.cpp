@@ -29,8 +29,8 @@ std::string textOf(const std::vector<VolumeHolder>& holders) {
     std::string text = textOf(holders.front());
     for (std::size_t i = 1; i < named; ++i) {
         const bool isLast = i + 1 == named && more == 0;
-        text = isLast ? getLocalizedString("EJECT_LAST_HOLDER", {text, textOf(holders[i])})
-                      : text + ", " + textOf(holders[i]);
+        if (isLast) text = getLocalizedString("EJECT_LAST_HOLDER", {text, textOf(holders[i])});
+        else text.append(", ").append(textOf(holders[i]));
     }
     return more == 0 ? text : getLocalizedString("EJECT_MORE_HOLDERS", {text, std::to_string(more)});
 }
