@@ -132,10 +132,10 @@ bool DuplicateScenes::drawResult() {
                  [this] { return m_window->findChild<QAbstractButton*>(QStringLiteral("stopBtn"))->isEnabled(); }))
         return false;
     if (!save("detail")) return false;
-    m_notifications.post("refViewBgColor", UserInfo{{"rowNum", std::int32_t{5}}});
+    m_workings.notifications.post("refViewBgColor", UserInfo{{"rowNum", std::int32_t{5}}});
     outline()->expandAll();
     if (!save("pictures")) return false;
-    m_notifications.post("refViewBgColor", UserInfo{{"rowNum", std::int32_t{0}}});
+    m_workings.notifications.post("refViewBgColor", UserInfo{{"rowNum", std::int32_t{0}}});
     return saveLines("unreadable", "quietLine");
 }
 

@@ -33,7 +33,7 @@ LargeFileScenes::LargeFileScenes(const SampleFolder& sample, UserDefaults& defau
                                  QSet<QString> wanted)
     : PageScenes(sample, defaults, pictures, std::move(wanted), QStringLiteral("large-files-")) {
     Controller::getController().setParts(
-        {.files = &m_files, .mainQueue = &m_mainQueue, .ownFiles = {}, .reveal = {}, .openFolder = {}});
+        {.files = &m_files, .mainQueue = &m_workings.mainQueue, .ownFiles = {}, .reveal = {}, .openFolder = {}});
     m_controller->selectFileListButtonAction();
 }
 

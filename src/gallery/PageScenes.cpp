@@ -21,16 +21,8 @@ PageScenes::PageScenes(const SampleFolder& sample, UserDefaults& defaults, const
       m_wanted(std::move(wanted)),
       m_page(std::move(page)),
       m_menu({}),
-      m_controller(std::make_unique<DuplicateMainWindowController>(
-          SameFileDeleteParts{.files = &m_files,
-                              .notifications = &m_notifications,
-                              .defaults = &defaults,
-                              .dialogs = &m_dialogs,
-                              .mainQueue = &m_mainQueue,
-                              .icons = [this](const IconRequest& request) { return m_icons.icon(request); },
-                              .reveal = {},
-                              .openAddress = {}},
-          m_icons)),
+      m_controller(
+          std::make_unique<DuplicateMainWindowController>(m_workings.parts(m_files, defaults), m_workings.icons)),
       m_window(m_controller->window()) {
     m_controller->setApplicationMenu(m_menu);
     m_controller->showWindow();

@@ -5,13 +5,10 @@
 #include <QString>
 #include <memory>
 
-#include "engine/base/NotificationCenter.h"
+#include "gallery/PageWorkings.h"
 #include "gallery/StagedFiles.h"
 #include "platform/linux/LinuxFiles.h"
-#include "services/foundation/QtMainQueue.h"
-#include "ui/kit/dialogs/WindowDialogs.h"
 #include "ui/shell/ApplicationMenu.h"
-#include "ui/shell/FileIcons.h"
 
 class QWidget;
 
@@ -45,10 +42,7 @@ protected:
     const QString m_page;
     const LinuxFileSystem m_realFiles;
     StagedFiles m_files{m_realFiles};
-    NotificationCenter m_notifications;
-    QtMainQueue m_mainQueue;
-    WindowDialogs m_dialogs;
-    FileIcons m_icons;
+    PageWorkings m_workings;
     ApplicationMenu m_menu;
     std::unique_ptr<DuplicateMainWindowController> m_controller;
     TCImageWindow* m_window;

@@ -23,24 +23,17 @@ ProgramScenes::ProgramScenes(UserDefaults& defaults, const PictureFolder& pictur
         m_volumes.volumes.push_back(FakeVolumes::volume(static_cast<std::int16_t>(number), name,
                                                         std::string("/media/anna/") + name, true, 64'000'000'000));
     m_volumes.ejections[7] = {fBsyErr, {"The volume is in use", {{4242, "vlc", "/media/anna/Holiday/Lake.mp4"}}}};
-    m_delegate = std::make_unique<AppDelegate>(
-        AppDelegateParts{.pages = {.files = &m_files,
-                                   .notifications = &m_notifications,
-                                   .defaults = &defaults,
-                                   .dialogs = &m_dialogs,
-                                   .mainQueue = &m_mainQueue,
-                                   .icons = [this](const IconRequest& request) { return m_icons.icon(request); },
-                                   .reveal = {},
-                                   .openAddress = {}},
-                         .icons = &m_icons,
-                         .volumes = &m_volumes,
-                         .volumesAtOnce = &m_volumes,
-                         .mountChanges = &m_mountChanges,
-                         .openFolder = [](const std::string& /*path*/) { return true; },
-                         .openGuide = [] { return true; },
-                         .stopListening = {},
-                         .exitProcess = {},
-                         .endBySignal = {}});
+    m_delegate =
+        std::make_unique<AppDelegate>(AppDelegateParts{.pages = m_workings.parts(m_files, defaults),
+                                                       .icons = &m_workings.icons,
+                                                       .volumes = &m_volumes,
+                                                       .volumesAtOnce = &m_volumes,
+                                                       .mountChanges = &m_mountChanges,
+                                                       .openFolder = [](const std::string& /*path*/) { return true; },
+                                                       .openGuide = [] { return true; },
+                                                       .stopListening = {},
+                                                       .exitProcess = {},
+                                                       .endBySignal = {}});
     m_delegate->applicationWillFinishLaunching();
     m_delegate->applicationDidFinishLaunching();
 }

@@ -6,13 +6,10 @@
 #include <memory>
 #include <string>
 
-#include "engine/base/NotificationCenter.h"
+#include "gallery/PageWorkings.h"
 #include "platform/fake/FakeMountChanges.h"
 #include "platform/fake/FakeVolumes.h"
 #include "platform/linux/LinuxFiles.h"
-#include "services/foundation/QtMainQueue.h"
-#include "ui/kit/dialogs/WindowDialogs.h"
-#include "ui/shell/FileIcons.h"
 
 namespace orrinvale {
 
@@ -42,10 +39,7 @@ private:
     const PictureFolder& m_pictures;
     const QSet<QString> m_wanted;
     const LinuxFileSystem m_files;
-    NotificationCenter m_notifications;
-    QtMainQueue m_mainQueue;
-    WindowDialogs m_dialogs;
-    FileIcons m_icons;
+    PageWorkings m_workings;
     FakeVolumes m_volumes;
     FakeMountChanges m_mountChanges;
     std::unique_ptr<AppDelegate> m_delegate;

@@ -8,10 +8,6 @@
 #include <QMenu>
 #include <QTest>
 
-#include "platform/fake/FakeMountChanges.h"
-#include "platform/fake/FakeVolumes.h"
-#include "platform/linux/LinuxFiles.h"
-#include "services/foundation/QtMainQueue.h"
 #include "ui/duplicates/registerDuplicatePage.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/controls/TickOutline.h"
@@ -21,8 +17,7 @@
 #include "ui/language/ShownTexts.h"
 #include "ui/largefiles/LargePage.h"
 #include "ui/preferences/AppPrefsWindowController.h"
-#include "ui/shell/AppDelegate.h"
-#include "ui/shell/ApplicationMenu.h"
+#include "ui/shell/Launched.h"
 
 namespace orrinvale::testing {
 namespace {
@@ -123,78 +118,32 @@ TEST_F(GermanWindow, TheLargeFilePage) {
 }
 
 TEST_F(GermanWindow, WhatTheProgramTells) {
-    const LinuxFileSystem files;
-    TestTree tree;
-    UserDefaults defaults(tree.at("settings.ini"));
-    UserDefaults::setStandardUserDefaults(&defaults);
-    RecordedDialogs dialogs;
-    {
-        NotificationCenter notifications;
-        QtMainQueue mainQueue;
-        FileIcons icons;
-        FakeMountChanges mounts;
-        FakeVolumes volumes;
-        volumes.volumes = {FakeVolumes::volume(7, "Stick", "/media/stick", true)};
-        volumes.ejections[7] = {fBsyErr, {"The volume is in use", {{42, "vlc", "/media/stick/a.mp4"}}}};
-        AppDelegate delegate({.pages = {.files = &files,
-                                        .notifications = &notifications,
-                                        .defaults = &defaults,
-                                        .dialogs = &dialogs,
-                                        .mainQueue = &mainQueue,
-                                        .icons = {},
-                                        .reveal = {},
-                                        .openAddress = {}},
-                              .icons = &icons,
-                              .volumes = &volumes,
-                              .volumesAtOnce = &volumes,
-                              .mountChanges = &mounts,
-                              .openFolder = [](const std::string& /*path*/) { return false; },
-                              .openGuide = [] { return false; },
-                              .stopListening = [] {},
-                              .exitProcess = [](int /*status*/) {},
-                              .endBySignal = [](int /*signal*/) {}});
-        delegate.applicationWillFinishLaunching();
-        delegate.applicationDidFinishLaunching();
-        for (int alert = 0; alert < 4; ++alert) dialogs.willAnswer(0);
-        delegate.openAboutWindow();
-        delegate.help();
-        notifications.post("openFinderWhenClickItems", std::string("/media/stick"));
-        delegate.rejestAllDisk();
-        EXPECT_TRUE(PageWindow::waitFor([&] { return dialogs.alerts().size() == 4; }));
-        QApplication::processEvents();
-        for (const Alert& alert : dialogs.alerts()) look("alert", AlertPanel(alert));
-        look("menu", *delegate.menu().menu());
-    }
-    UserDefaults::setStandardUserDefaults(nullptr);
+    Launched on;
+    on.canOpen = false;
+    on.volumes.ejections[7] = {fBsyErr, {"The volume is in use", {{42, "vlc", "/media/stick/a.mp4"}}}};
+    on.delegate->applicationDidFinishLaunching();
+    for (int alert = 0; alert < 4; ++alert) on.dialogs.willAnswer(0);
+    on.delegate->openAboutWindow();
+    on.delegate->help();
+    on.notifications.post("openFinderWhenClickItems", std::string("/media/stick"));
+    on.delegate->rejestAllDisk();
+    EXPECT_TRUE(PageWindow::waitFor([&] { return on.dialogs.alerts().size() == 4; }));
+    QApplication::processEvents();
+    for (const Alert& alert : on.dialogs.alerts()) look("alert", AlertPanel(alert));
+    look("menu", *on.delegate->menu().menu());
     EXPECT_TRUE(seen.contains(
         QStringLiteral("„Stick“ konnte nicht ausgeworfen werden: Der Datenträger wird gerade benutzt, offen "
                        "gehalten von vlc (Prozess 42, /media/stick/a.mp4).")));
 }
 
 TEST_F(GermanWindow, TheToolbarWindow) {
-    TestTree tree;
-    UserDefaults defaults(tree.at("settings.ini"));
-    UserDefaults::setStandardUserDefaults(&defaults);
-    {
-        const LinuxFileSystem files;
-        NotificationCenter notifications;
-        QtMainQueue mainQueue;
-        RecordedDialogs dialogs;
-        AppPrefsWindowController controller;
-        controller.setOpenAddress([](const QString& /*address*/) {});
-        controller.setOpenHelp([] {});
-        registerDuplicatePage(controller, {.files = &files,
-                                           .notifications = &notifications,
-                                           .defaults = &defaults,
-                                           .dialogs = &dialogs,
-                                           .mainQueue = &mainQueue,
-                                           .icons = {},
-                                           .reveal = {},
-                                           .openAddress = {}});
-        controller.showWindow();
-        look("toolbar window", *controller.window());
-    }
-    UserDefaults::setStandardUserDefaults(nullptr);
+    Launched on;
+    AppPrefsWindowController controller;
+    controller.setOpenAddress([](const QString& /*address*/) {});
+    controller.setOpenHelp([] {});
+    registerDuplicatePage(controller, on.pages());
+    controller.showWindow();
+    look("toolbar window", *controller.window());
     EXPECT_TRUE(seen.contains(QStringLiteral("Hilfe")));
 }
 

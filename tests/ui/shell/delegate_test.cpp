@@ -2,105 +2,18 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
-#include <QAction>
-#include <QMenu>
 #include <QTest>
 #include <csignal>
 
-#include "engine/cleaning/QnAuthorization.h"
 #include "engine/largefiles/Controller.h"
 #include "engine/settings/SettingsKeys.h"
 #include "engine/text/Localized.h"
-#include "engine/text/UtilityFunction.h"
-#include "platform/fake/FakeMountChanges.h"
-#include "platform/fake/FakeVolumes.h"
 #include "services/volumes/WatchMountUnmount.h"
 #include "services/volumes/WorkspaceMounts.h"
-#include "ui/duplicates/PageWindow.h"
-#include "ui/shell/AppDelegate.h"
-#include "ui/shell/ApplicationMenu.h"
+#include "ui/shell/Launched.h"
 
 namespace orrinvale::testing {
 namespace {
-
-// Tells how many pieces of work have run on the main thread.
-class CountingQueue final : public MainQueue {
-public:
-    void async(std::function<void()> work) override {
-        m_queue.async([this, work = std::move(work)] {
-            work();
-            ++answers;
-        });
-    }
-    bool sync(std::function<void()> work) override { return m_queue.sync(std::move(work)); }
-
-    int answers = 0;
-
-private:
-    QtMainQueue m_queue;
-};
-
-// The delegate with everything that it works with, and a list of what it set off.
-struct Launched {
-    Launched() {
-        QnAuthorization::shareQnAuthorization().setParts({&authorization, &files, &permissions, {}});
-        UserDefaults::setStandardUserDefaults(&defaults);
-        UtilityFunction::getMyFunction().setNotificationCenter(&notifications);
-        for (const char* name : {"refMenuItemWhenDeleteAndAdd", "updateSizeView", "shouldSelectRow"})
-            observations.push_back(
-                notifications.addObserver(name, [this](const Notification& each) { posted.push_back(each.name); }));
-        volumes.volumes = {FakeVolumes::volume(1, "System", "/", false),
-                           FakeVolumes::volume(7, "Stick", "/media/stick", true)};
-        delegate = std::make_unique<AppDelegate>(
-            AppDelegateParts{.pages = {.files = &files,
-                                       .notifications = &notifications,
-                                       .defaults = &defaults,
-                                       .dialogs = &dialogs,
-                                       .mainQueue = &mainQueue,
-                                       .icons = {},
-                                       .reveal = {},
-                                       .openAddress = {}},
-                             .icons = &icons,
-                             .volumes = &volumes,
-                             .volumesAtOnce = &volumes,
-                             .mountChanges = &mounts,
-                             .openFolder = [this](const std::string& path) { return opened.push_back(path), canOpen; },
-                             .openGuide = [this] { return canOpen; },
-                             .stopListening = [this] { isListening = false; },
-                             .exitProcess = [this](int status) { ends.push_back(status); },
-                             .endBySignal = [this](int signal) { ends.push_back(-signal); }});
-        delegate->applicationWillFinishLaunching();
-    }
-    ~Launched() {
-        delegate.reset();
-        UtilityFunction::getMyFunction().setNotificationCenter(nullptr);
-        UserDefaults::setStandardUserDefaults(nullptr);
-    }
-    Launched(const Launched&) = delete;
-    Launched& operator=(const Launched&) = delete;
-
-    QAction* entry(const char* name) const { return delegate->menu().menu()->findChild<QAction*>(QLatin1String(name)); }
-    bool isVisible() const { return delegate->duplicateMWC()->window()->isVisible(); }
-    void closeWindow() const { delegate->duplicateMWC()->window()->performClose(); }
-
-    TestTree tree;
-    UserDefaults defaults{tree.at("settings.ini")};
-    LinuxPermissions permissions;
-    FakeAuthorization authorization;
-    WatchedFiles files;
-    NotificationCenter notifications;
-    std::vector<NotificationCenter::Observation> observations;
-    RecordedDialogs dialogs;
-    CountingQueue mainQueue;
-    FileIcons icons;
-    FakeVolumes volumes;
-    FakeMountChanges mounts;
-    std::vector<std::string> posted, opened;
-    std::vector<int> ends;
-    bool canOpen = true;
-    bool isListening = true;
-    std::unique_ptr<AppDelegate> delegate;
-};
 
 TEST(AppDelegate, TheWindowStandsBeforeAnyVolumeIsLookedAt) {
     Launched on;
