@@ -15,7 +15,7 @@ namespace orrinvale {
 /// A volume that stayed, and why.
 struct EjectFailure {
     std::int16_t volRefNumber = 0;
-    std::string volumeName;  ///< exact bytes; empty where the volume is gone and nobody knows any more
+    std::string volumeName;  ///< exact bytes; empty after ejectSingleVolume(), whose caller has it
     std::string volRootDir;  ///< likewise
     std::int32_t status = noErr;
     EjectDissent dissent;

@@ -1,7 +1,6 @@
 // Holders of a volume: see VolumeHolders.h. What /proc tells of a program: proc(5).
 #include "platform/linux/VolumeHolders.h"
 
-#include <dirent.h>
 #include <fmt/format.h>
 #include <unistd.h>
 
@@ -40,9 +39,7 @@ std::string targetOf(const std::string& link) {
 // Names made of digits, smallest number first: processes, descriptors.
 std::vector<std::int32_t> numbersIn(const std::string& folder) {
     std::vector<std::int32_t> numbers;
-    const std::unique_ptr<DIR, int (*)(DIR*)> entries(::opendir(folder.c_str()), &::closedir);
-    while (const dirent* entry = entries ? ::readdir(entries.get()) : nullptr) {
-        const std::string_view name = entry->d_name;
+    for (const std::string& name : systemNamesIn(folder)) {
         std::int32_t number = 0;
         const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), number);
         if (error == std::errc{} && end == name.data() + name.size()) numbers.push_back(number);

@@ -44,10 +44,10 @@ bool isData(const QString& text) {
 }
 
 QRegularExpression patternOf(const QString& translation) {
-    static const QRegularExpression placeholder(QStringLiteral("\\\\%(\\d|n)"));
+    static const QRegularExpression filledIn(QStringLiteral("\\\\%(\\d|n)"));
     const QString escaped = QRegularExpression::escape(translation);
     return QRegularExpression(
-        QRegularExpression::anchoredPattern(QString(escaped).replace(placeholder, QStringLiteral(".+"))));
+        QRegularExpression::anchoredPattern(QString(escaped).replace(filledIn, QStringLiteral(".+"))));
 }
 
 }  // namespace

@@ -115,9 +115,9 @@ constexpr std::array beginnings{
 QString inWords(const std::string& reason) {
     for (const char* const known : whole)
         if (reason == known) return QCoreApplication::translate(context, known);
-    constexpr std::size_t placeholder = 2;
+    constexpr std::size_t filledIn = 2;  // "%1" at the end
     for (const char* const known : beginnings) {
-        const std::string_view beginning(known, std::string_view(known).size() - placeholder);
+        const std::string_view beginning(known, std::string_view(known).size() - filledIn);
         if (reason.starts_with(beginning))
             return QCoreApplication::translate(context, known).arg(inWords(reason.substr(beginning.size())));
     }
