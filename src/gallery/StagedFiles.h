@@ -6,15 +6,15 @@
 #include <mutex>
 #include <string>
 
-#include "platform/files.h"
+#include "platform/ForwardingFiles.h"
 
 namespace orrinvale {
 
 /// Hands everything on to another file system, which outlives it. Folders list in the order of their names, so that a page looks the
 /// same on every disk. Thread-safe.
-class StagedFiles final : public FileSystem {
+class StagedFiles final : public ForwardingFiles {
 public:
-    explicit StagedFiles(const FileSystem& files) : m_files(files) {}
+    explicit StagedFiles(const FileSystem& files) : ForwardingFiles(files) {}
 
     /// Opening or removing the entry of that name fails with the errno; 0 takes it back.
     void refuse(const std::string& name, int error);
@@ -27,41 +27,15 @@ public:
 
     SysResult<Descriptor> openFolder(int parent, const char* name, Links links) const override;
     SysResult<bool> readFolder(int folder, CatalogBatch& batch) const override;
-    void readAttributes(int folder, std::span<CatalogEntry> entries) const override;
-    SysResult<FileAttributes> attributes(int parent, const char* name, Links links) const override;
-    SysResult<FileAttributes> attributes(int descriptor) const override;
     SysResult<Descriptor> openFile(int parent, const char* name, Links links, ReadState& state) const override;
-    void beginReading(int file, std::uint64_t device, std::uint64_t offset, std::uint64_t length,
-                      ReadState& state) const override;
-    void endReading(int file, ReadState& state) const override;
-    SysResult<std::size_t> read(int file, std::span<std::byte> buffer, std::uint64_t offset,
-                                ReadState& state) const override;
-    SysResult<std::size_t> readResident(int file, std::span<std::byte> buffer, std::uint64_t offset,
-                                        ReadState& state) const override;
-    SysResult<bool> visitResident(int file, std::uint64_t offset, std::uint64_t length,
-                                  const std::function<void(std::span<const std::byte>)>& visit) const override;
-    SysResult<DataStretch> nextData(int file, std::uint64_t offset) const override;
-    void expectRandomReads(int file) const override;
-    std::vector<std::uint64_t> kernelDevices() const override;
-    SysResult<std::string> resolved(const std::string& path) const override;
-    std::size_t descriptorLimit() const override;
-    SysResult<Descriptor> holdFolder(int parent, const char* path, Links onTheWay) const override;
-    SysResult<Descriptor> openInside(int parent, const char* name) const override;
     SysResult<void> removeEntry(int folder, const char* name, FileType type) const override;
     SysResult<void> moveEntry(int folder, const char* name, int newFolder, const char* newName) const override;
-    SysResult<bool> clearImmutable(int descriptor) const override;
-    SysResult<std::string> placeOf(int folder) const override;
-    SysResult<std::vector<MountPoint>> mountPoints() const override;
-    void useOwnDescriptors() const override;
-    void readSizes(int folder, std::span<CatalogEntry> entries) const override;
-    void readIdentities(int folder, std::span<CatalogEntry> entries) const override;
-    SysResult<Descriptor> holdEntry(int parent, const char* name) const override;
+    SysResult<void> renameInside(int folder, const char* name, const char* newName) const override;
 
 private:
     /// Waits where the name is held; the errno for it, 0 for none.
     [[nodiscard]] int pass(const char* name) const;
 
-    const FileSystem& m_files;
     mutable std::mutex m_mutex;  // guards what follows
     mutable std::condition_variable m_released;
     std::map<std::string, int> m_refused;

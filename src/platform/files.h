@@ -161,9 +161,22 @@ public:
     [[nodiscard]] virtual SysResult<void> removeEntry(int folder, const char* name, FileType type) const = 0;
 
     /// Gives an entry another name in another folder of the same volume, never over an entry that is there: EEXIST. EXDEV on another
-    /// volume, EINVAL for a folder into itself.
+    /// volume, EINVAL for a folder into itself. Where the file system knows no such promise a file goes by a second name (EPERM where
+    /// there are none), and a folder may take the place of an empty one.
     [[nodiscard]] virtual SysResult<void> moveEntry(int folder, const char* name, int newFolder,
                                                     const char* newName) const = 0;
+
+    /// Gives an entry another name in its folder, never over an entry that is there: EEXIST. EINVAL or ENOSYS where the file system can
+    /// not promise that, with no way around; EXDEV where it would have to copy. Folders of layers, for one.
+    [[nodiscard]] virtual SysResult<void> renameInside(int folder, const char* name, const char* newName) const = 0;
+
+    /// False on file systems where a rename gives a file another inode number, or where a power cut in the middle may lose both names:
+    /// FAT, exFAT and ext2.
+    [[nodiscard]] virtual bool renamesSafely(int folder) const = 0;
+
+    /// Whether anybody holds this open file open or mapped for writing; tells also after the writer closed it but kept a mapping. False
+    /// where the system does not tell: other users' files, file systems without leases.
+    [[nodiscard]] virtual bool isOpenForWriting(int file) const = 0;
 
     /// Takes the mark from an open file or folder that keeps even its owner from changing and removing it. True when it had one;
     /// false also on file systems that know none.
@@ -177,6 +190,15 @@ public:
     virtual void useOwnDescriptors() const = 0;
 
     static constexpr int noParent = -100;  ///< AT_FDCWD
+
+    /// Like attributes(), and asked of whoever keeps the entry, past what this machine remembers of it. A second view of a folder that
+    /// changed under it is only told this way.
+    [[nodiscard]] virtual SysResult<FileAttributes> freshAttributes(int parent, const char* name,
+                                                                    Links links) const = 0;
+
+    /// Devices (st_dev) whose inode numbers need not last from one look to the next: FAT, exFAT, and what programs serve (FUSE). An
+    /// entry there is known by its path, its size and its times.
+    [[nodiscard]] virtual std::vector<std::uint64_t> devicesOfPassingInodes() const = 0;
 
     /// Fills type and size of `attributes`, or `error`, of each entry, links kept; the other attributes mean nothing. Asks the file
     /// system for no more than these two, which spares network file systems a round trip.

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/ForwardingFiles.h"
 #include "platform/linux/LinuxFiles.h"
 
 namespace orrinvale::testing {
@@ -69,8 +70,14 @@ struct ChildSetting {
 [[nodiscard]] bool failSystemCall(long number, int error);
 
 /// The real file system with a view on what is asked of it, and with faults of the test's choice.
-class WatchedFiles final : public FileSystem {
+/// What WatchedFiles stands on; a base, so that it is there before it is handed over.
+struct RealFiles {
+    LinuxFileSystem real;
+};
+
+class WatchedFiles final : private RealFiles, public ForwardingFiles {
 public:
+    WatchedFiles() : ForwardingFiles(real) {}
     std::function<void(const char* name)> onOpenFile;
     std::function<void()> onReadFolder;
     std::function<void()> onReadIdentities;
@@ -81,86 +88,62 @@ public:
 
     SysResult<Descriptor> openFolder(int parent, const char* name, Links links) const override {
         step("openFolder");
-        return m_real.openFolder(parent, name, links);
+        return ForwardingFiles::openFolder(parent, name, links);
     }
     SysResult<bool> readFolder(int folder, CatalogBatch& batch) const override {
         if (onReadFolder) onReadFolder();
         step("readFolder");
-        return m_real.readFolder(folder, batch);
+        return ForwardingFiles::readFolder(folder, batch);
     }
-    void readAttributes(int folder, std::span<CatalogEntry> entries) const override {
-        m_real.readAttributes(folder, entries);
-    }
+    using ForwardingFiles::attributes;
     SysResult<FileAttributes> attributes(int parent, const char* name, Links links) const override {
         step("attributes");
-        return m_real.attributes(parent, name, links);
+        return ForwardingFiles::attributes(parent, name, links);
     }
-    SysResult<FileAttributes> attributes(int descriptor) const override { return m_real.attributes(descriptor); }
+    SysResult<FileAttributes> freshAttributes(int parent, const char* name, Links links) const override {
+        step("freshAttributes");
+        return ForwardingFiles::freshAttributes(parent, name, links);
+    }
     SysResult<Descriptor> openFile(int parent, const char* name, Links links, ReadState& state) const override {
         if (onOpenFile) onOpenFile(name);
-        return m_real.openFile(parent, name, links, state);
+        return ForwardingFiles::openFile(parent, name, links, state);
     }
-    void beginReading(int file, std::uint64_t device, std::uint64_t offset, std::uint64_t length,
-                      ReadState& state) const override {
-        m_real.beginReading(file, device, offset, length, state);
+    std::size_t descriptorLimit() const override {
+        return descriptors != 0 ? descriptors : ForwardingFiles::descriptorLimit();
     }
-    void endReading(int file, ReadState& state) const override { m_real.endReading(file, state); }
-    SysResult<std::size_t> read(int file, std::span<std::byte> buffer, std::uint64_t offset,
-                                ReadState& state) const override {
-        return m_real.read(file, buffer, offset, state);
-    }
-    SysResult<std::size_t> readResident(int file, std::span<std::byte> buffer, std::uint64_t offset,
-                                        ReadState& state) const override {
-        return m_real.readResident(file, buffer, offset, state);
-    }
-    SysResult<bool> visitResident(int file, std::uint64_t offset, std::uint64_t length,
-                                  const std::function<void(std::span<const std::byte>)>& visit) const override {
-        return m_real.visitResident(file, offset, length, visit);
-    }
-    SysResult<DataStretch> nextData(int file, std::uint64_t offset) const override {
-        return m_real.nextData(file, offset);
-    }
-    void expectRandomReads(int file) const override { m_real.expectRandomReads(file); }
-    std::vector<std::uint64_t> kernelDevices() const override { return m_real.kernelDevices(); }
-    SysResult<std::string> resolved(const std::string& path) const override { return m_real.resolved(path); }
-    std::size_t descriptorLimit() const override { return descriptors != 0 ? descriptors : m_real.descriptorLimit(); }
-    void useOwnDescriptors() const override { m_real.useOwnDescriptors(); }
     SysResult<Descriptor> holdFolder(int parent, const char* path, Links onTheWay) const override {
         step("holdFolder");
-        return m_real.holdFolder(parent, path, onTheWay);
+        return ForwardingFiles::holdFolder(parent, path, onTheWay);
     }
     SysResult<Descriptor> openInside(int parent, const char* name) const override {
         step("openInside");
-        return m_real.openInside(parent, name);
+        return ForwardingFiles::openInside(parent, name);
     }
     SysResult<void> removeEntry(int folder, const char* name, FileType type) const override {
         step("removeEntry");
-        return m_real.removeEntry(folder, name, type);
+        return ForwardingFiles::removeEntry(folder, name, type);
     }
     SysResult<void> moveEntry(int folder, const char* name, int newFolder, const char* newName) const override {
         step("moveEntry");
-        return m_real.moveEntry(folder, name, newFolder, newName);
+        return ForwardingFiles::moveEntry(folder, name, newFolder, newName);
     }
-    SysResult<bool> clearImmutable(int descriptor) const override { return m_real.clearImmutable(descriptor); }
-    void readSizes(int folder, std::span<CatalogEntry> entries) const override { m_real.readSizes(folder, entries); }
+    SysResult<void> renameInside(int folder, const char* name, const char* newName) const override {
+        step("renameInside");
+        return ForwardingFiles::renameInside(folder, name, newName);
+    }
     void readIdentities(int folder, std::span<CatalogEntry> entries) const override {
         if (onReadIdentities) onReadIdentities();
-        m_real.readIdentities(folder, entries);
+        ForwardingFiles::readIdentities(folder, entries);
     }
-    SysResult<Descriptor> holdEntry(int parent, const char* name) const override {
-        return m_real.holdEntry(parent, name);
-    }
-    SysResult<std::string> placeOf(int descriptor) const override { return m_real.placeOf(descriptor); }
     SysResult<std::vector<MountPoint>> mountPoints() const override {
         if (mountsFail) return tl::unexpected(5);  // EIO
-        return m_real.mountPoints();
+        return ForwardingFiles::mountPoints();
     }
 
 private:
     void step(const char* operation) const {
         if (beforeRemoval) beforeRemoval(operation);
     }
-    LinuxFileSystem m_real;
 };
 
 }  // namespace orrinvale::testing

@@ -2,32 +2,16 @@
 #pragma once
 
 #include <atomic>
-#include <cstdint>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "engine/files/EntryIdentity.h"
 #include "engine/files/HeldEntry.h"
 #include "engine/files/ProtectedPlaces.h"
+#include "engine/files/RemovalResult.h"
 #include "platform/files.h"
 
 namespace orrinvale {
-
-/// What became of one removal.
-struct RemovalResult {
-    struct Failure {
-        std::string path;    ///< exact bytes
-        std::string reason;  ///< "Permission denied", "changed since the scan", "a mount point", ...
-    };
-    bool gone = false;              ///< the entry was looked up again and is not there
-    bool stopped = false;           ///< the caller's flag ended it
-    bool refused = false;           ///< it may not go, whoever asks; nothing was touched
-    std::uint64_t removed = 0;      ///< entries that went, the chosen one included
-    std::uint64_t failed = 0;       ///< entries that could not be removed; not the folders that stay because of them
-    std::vector<Failure> failures;  ///< the first `mostFailures` of them
-    static constexpr std::size_t mostFailures = 100;
-};
 
 /// Holds no state that changes; any thread. The file system and the places must outlive it.
 class SafeRemoval final {

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "engine/base/Date.h"
+#include "engine/files/shortenedName.h"
 #include "platform/error.h"
 #include "platform/paths.h"
 
@@ -22,7 +23,6 @@ namespace {
 using Failure = TrashFolder::Failure;
 
 constexpr std::string_view recordExtension = ".trashinfo";
-constexpr std::size_t longestName = 255;  // bytes, NAME_MAX of every usual file system
 // Numbers one after another up to here, so that people see a series; from there on by chance, since ten thousand entries of one
 // name must not take ten thousand attempts each.
 constexpr std::uint64_t mostInSeries = 20;
@@ -78,19 +78,8 @@ int writeAll(int file, std::string_view bytes) {
 }  // namespace
 
 std::string nameInTrash(std::string_view name, std::uint64_t attempt) {
-    std::string_view extension = pathExtension(name);
-    if (extension.size() > 20) extension = {};  // no extension, but a name with a dot in it
-    std::string_view stem = name;
-    if (!extension.empty()) stem.remove_suffix(extension.size() + 1);
-    std::string end = attempt < 2 ? std::string() : fmt::format(" {}", attempt);
-    if (!extension.empty()) end += fmt::format(".{}", extension);
-    std::size_t length = std::min(stem.size(), longestName - recordExtension.size() - end.size());
-    // Never within a character: its other bytes begin with the bits 10.
-    const auto isWithin = [&] {
-        return length < stem.size() && (static_cast<unsigned char>(stem[length]) & 0xC0U) == 0x80U;
-    };
-    while (length > 1 && isWithin()) --length;
-    return std::string(stem.substr(0, length)) + end;
+    const std::string number = attempt < 2 ? std::string() : fmt::format(" {}", attempt);
+    return shortenedName(name, number, longestName - recordExtension.size());
 }
 
 tl::expected<TrashFolder, std::string> TrashFolder::open(const FileSystem& files, int parent, const std::string& name,

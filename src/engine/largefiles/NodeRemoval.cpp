@@ -83,9 +83,9 @@ void NodeRemoval::removeAll() {
 // there in part shows sizes that are no longer true; the next scan brings it back.
 bool NodeRemoval::settle(const Entry& entry, const std::string& path, RemovalResult removal) {
     m_result.failedEntries += removal.failed;
-    for (auto& [failed, reason] : removal.failures) {
+    for (auto& [failed, reason, kind] : removal.failures) {
         if (m_result.failures.size() >= RemovalResult::mostFailures) break;
-        m_result.failures.push_back({std::move(failed), std::move(reason)});
+        m_result.failures.push_back({std::move(failed), std::move(reason)}), static_cast<void>(kind);
     }
     m_result.stopped = removal.stopped && !removal.gone;
     if (removal.gone) ++m_result.gone;

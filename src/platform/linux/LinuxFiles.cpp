@@ -176,6 +176,14 @@ SysResult<FileAttributes> LinuxFileSystem::attributes(int parent, const char* na
     return out;
 }
 
+SysResult<FileAttributes> LinuxFileSystem::freshAttributes(int parent, const char* name, Links links) const {
+    FileAttributes out;
+    const int follow = links == Links::Keep ? AT_SYMLINK_NOFOLLOW : 0;
+    const int error = askAttributes(parent, name, follow | AT_STATX_FORCE_SYNC, wantedAttributes | STATX_BTIME, out);
+    if (error != 0) return tl::unexpected(error);
+    return out;
+}
+
 SysResult<FileAttributes> LinuxFileSystem::attributes(int descriptor) const {
     FileAttributes out;
     const int error = askAttributes(descriptor, "", AT_EMPTY_PATH, wantedAttributes | STATX_BTIME, out);

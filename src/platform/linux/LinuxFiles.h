@@ -39,6 +39,11 @@ public:
     void readSizes(int folder, std::span<CatalogEntry> entries) const override;
     void readIdentities(int folder, std::span<CatalogEntry> entries) const override;
     SysResult<Descriptor> holdEntry(int parent, const char* name) const override;
+    SysResult<FileAttributes> freshAttributes(int parent, const char* name, Links links) const override;
+    SysResult<void> renameInside(int folder, const char* name, const char* newName) const override;
+    bool renamesSafely(int folder) const override;
+    bool isOpenForWriting(int file) const override;
+    std::vector<std::uint64_t> devicesOfPassingInodes() const override;
 };
 
 /// The program's own files: its executables, and where it is installed its folders of data and the files by which the desktop

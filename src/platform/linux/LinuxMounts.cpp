@@ -24,16 +24,39 @@ bool mayHang(std::string_view type) {
     return std::any_of(starts.begin(), starts.end(), [&](std::string_view start) { return type.starts_with(start); });
 }
 
-}  // namespace
+// FUSE hands out numbers as it looks entries up unless the serving program gives its own, which nobody can see from outside; the
+// FATs have none on the disk. "fuseblk" and "fuse.NAME" are FUSE too, "fusectl" is not.
+bool hasPassingInodes(std::string_view type) {
+    constexpr std::array<std::string_view, 5> exact{"fuse", "fuseblk", "vfat", "msdos", "exfat"};
+    return type.starts_with("fuse.") || std::find(exact.begin(), exact.end(), type) != exact.end();
+}
 
-std::vector<std::uint64_t> LinuxFileSystem::kernelDevices() const {
+template <class Wanted> std::vector<std::uint64_t> devicesOf(Wanted isWanted) {
     std::vector<std::uint64_t> devices;
     for (const MountEntry& mount : parseMountInfo(readMountInfo().value_or(std::string())))
-        if (std::find(kernelFileSystems.begin(), kernelFileSystems.end(), mount.type) != kernelFileSystems.end())
-            devices.push_back(::makedev(mount.major, mount.minor));
+        if (isWanted(mount.type)) devices.push_back(::makedev(mount.major, mount.minor));
     std::sort(devices.begin(), devices.end());
     devices.erase(std::unique(devices.begin(), devices.end()), devices.end());
     return devices;
+}
+
+}  // namespace
+
+std::vector<std::uint64_t> LinuxFileSystem::kernelDevices() const {
+    return devicesOf([](std::string_view type) {
+        return std::find(kernelFileSystems.begin(), kernelFileSystems.end(), type) != kernelFileSystems.end();
+    });
+}
+
+std::vector<std::uint64_t> LinuxFileSystem::devicesOfPassingInodes() const { return devicesOf(hasPassingInodes); }
+
+bool LinuxFileSystem::renamesSafely(int folder) const {
+    constexpr std::array<std::string_view, 4> unsafe{"ext2", "vfat", "msdos", "exfat"};
+    const auto seen = attributes(folder);
+    if (!seen) return true;  // the rename itself will tell
+    const auto devices =
+        devicesOf([&](std::string_view type) { return std::find(unsafe.begin(), unsafe.end(), type) != unsafe.end(); });
+    return !std::binary_search(devices.begin(), devices.end(), seen->device);
 }
 
 SysResult<std::vector<MountPoint>> LinuxFileSystem::mountPoints() const {

@@ -12,6 +12,7 @@
 #include <array>
 #include <cerrno>
 #include <climits>
+#include <csignal>
 #include <cstdio>
 #include <string_view>
 
@@ -126,14 +127,34 @@ SysResult<void> LinuxFileSystem::removeEntry(int folder, const char* name, FileT
     return {};
 }
 
-// File systems that can not promise to spare an entry answer EINVAL, as every one does for a folder into itself; there the name is
-// looked up first.
+SysResult<void> LinuxFileSystem::renameInside(int folder, const char* name, const char* newName) const {
+    if (::renameat2(folder, name, folder, newName, RENAME_NOREPLACE) == 0) return {};
+    return tl::unexpected(errno);
+}
+
+// File systems that can not promise to spare an entry answer EINVAL, as every one does for a folder into itself. A second name is
+// never made over anything; folders have none, and take the place of an empty folder at the most.
 SysResult<void> LinuxFileSystem::moveEntry(int folder, const char* name, int newFolder, const char* newName) const {
     if (::renameat2(folder, name, newFolder, newName, RENAME_NOREPLACE) == 0) return {};
     if (errno != EINVAL) return tl::unexpected(errno);
+    const auto entry = attributes(folder, name, Links::Keep);
+    if (!entry) return tl::unexpected(entry.error());
+    if (entry->type != FileType::Folder) {
+        if (::linkat(folder, name, newFolder, newName, 0) != 0) return tl::unexpected(errno);
+        return removeEntry(folder, name, entry->type);
+    }
     if (attributes(newFolder, newName, Links::Keep)) return tl::unexpected(EEXIST);
     if (::renameat(folder, name, newFolder, newName) != 0) return tl::unexpected(errno);
     return {};
+}
+
+// A read lease is given only where nobody has the file open for writing, a mapping included. It is given back at once: who opens the
+// file meanwhile is not kept waiting. The signal that tells of such an opening would end the program unless it is one that is ignored.
+bool LinuxFileSystem::isOpenForWriting(int file) const {
+    if (::fcntl(file, F_SETSIG, SIGURG) != 0) return false;
+    if (::fcntl(file, F_SETLEASE, F_RDLCK) != 0) return errno == EAGAIN;
+    (void)::fcntl(file, F_SETLEASE, F_UNLCK);
+    return false;
 }
 
 SysResult<bool> LinuxFileSystem::clearImmutable(int descriptor) const {
