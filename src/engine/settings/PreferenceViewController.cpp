@@ -14,13 +14,14 @@ constexpr float kAlarm = 0.1F;
 const SettingValues& registered() {
     using Int = std::int64_t;
     static const auto* const values =
-        new SettingValues{{ZvSpaceAlarmKey, kAlarm},  {ZvMemoryAlarmKey, kAlarm},  {ZvSystemCachesKey, true},
-                          {ZvUserCachesKey, true},    {ZvSystemLogsKey, true},     {ZvUserLogsKey, true},
-                          {ZvUserTrashKey, false},    {ZvUserDownloadsKey, false}, {ZvLoginItemIsHide, false},
-                          {ZvLoginCheckKey, Int{0}},  {ZvMyMacClicked, Int{1}},    {ZvLastClickRow, Int{0}},
-                          {ZvToobarItem, Int{0}},     {ZvToobarItem_app, Int{0}},  {ZvDuplicationLimit, Int{0}},
-                          {ZvDuplicatesUnit, Int{2}}, {ZvHidenDuplication, false}, {ZvSystemDuplication, false},
-                          {ZvShowStatusItem, false},  {ZvDiskUsageLimit, Int{1}},  {ZvDiskUsageUnit, Int{2}}};
+        new SettingValues{{ZvSpaceAlarmKey, kAlarm},       {ZvMemoryAlarmKey, kAlarm},  {ZvSystemCachesKey, true},
+                          {ZvUserCachesKey, true},         {ZvSystemLogsKey, true},     {ZvUserLogsKey, true},
+                          {ZvUserTrashKey, false},         {ZvUserDownloadsKey, false}, {ZvLoginItemIsHide, false},
+                          {ZvLoginCheckKey, Int{0}},       {ZvMyMacClicked, Int{1}},    {ZvLastClickRow, Int{0}},
+                          {ZvToobarItem, Int{0}},          {ZvToobarItem_app, Int{0}},  {ZvDuplicationLimit, Int{0}},
+                          {ZvDuplicatesUnit, Int{2}},      {ZvHidenDuplication, false}, {ZvSystemDuplication, false},
+                          {ZvShowStatusItem, false},       {ZvDiskUsageLimit, Int{1}},  {ZvDiskUsageUnit, Int{2}},
+                          {compareBeforeRemovingKey, true}};
     return *values;
 }
 
@@ -96,6 +97,11 @@ std::int32_t PreferenceViewController::getLastClickRow() {
 
 Result<void> PreferenceViewController::setHiddenStatusItem(bool hidden) { return store(hidden, ZvShowStatusItem); }
 bool PreferenceViewController::getHiddenStatusItem() { return defaults().boolForKey(ZvShowStatusItem); }
+
+Result<void> PreferenceViewController::setCompareBeforeRemoving(bool compare) {
+    return store(compare, compareBeforeRemovingKey);
+}
+bool PreferenceViewController::compareBeforeRemoving() { return defaults().boolForKey(compareBeforeRemovingKey); }
 
 void registerPreferencesWindowDefaults() {
     const SettingValue on = std::string("YES");

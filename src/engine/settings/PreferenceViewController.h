@@ -48,6 +48,10 @@ public:
     [[nodiscard]] static Result<void> setHiddenStatusItem(bool hidden);
     [[nodiscard]] static bool getHiddenStatusItem();
 
+    /// Whether contents are compared once more before a copy is removed; on unless the user says otherwise.
+    [[nodiscard]] static Result<void> setCompareBeforeRemoving(bool compare);
+    [[nodiscard]] static bool compareBeforeRemoving();
+
 protected:
     PreferenceViewController() = default;
     ~PreferenceViewController() = default;

@@ -33,6 +33,9 @@ inline constexpr const char* ZvDiskUsageUnit = "ZvDiskUsageUnit";    ///< int: a
 inline constexpr const char* SUEnableAutomaticChecks = "SUEnableAutomaticChecks";    ///< boolean
 inline constexpr const char* SUScheduledCheckInterval = "SUScheduledCheckInterval";  ///< integer: a pop-up tag
 
+/// Boolean: the bytes of a copy and of one that stays are compared once more before the copy is removed.
+inline constexpr const char* compareBeforeRemovingKey = "compareBeforeRemoving";
+
 // Of the preferences window.
 inline constexpr const char* openAtStartupKey = "openAtStartup";                ///< boolean: open it at start
 inline constexpr const char* fadeKey = "fade";                                  ///< boolean: panes cross-fade

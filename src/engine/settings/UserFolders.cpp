@@ -23,4 +23,9 @@ std::string userDataFolder() {
     return ownFolderIn(variables.dataHome, variables.home, ".local/share");
 }
 
+std::string userStateFolder() {
+    const auto variables = FolderVariables::ofThisProcess();
+    return ownFolderIn(variables.stateHome, variables.home, ".local/state");
+}
+
 }  // namespace orrinvale

@@ -12,4 +12,7 @@ namespace orrinvale {
 /// As userConfigFolder(), below $XDG_DATA_HOME (~/.local/share).
 [[nodiscard]] std::string userDataFolder();
 
+/// As userConfigFolder(), below $XDG_STATE_HOME (~/.local/state): what outlives a start and is neither setting nor data, such as journals.
+[[nodiscard]] std::string userStateFolder();
+
 }  // namespace orrinvale

@@ -17,6 +17,7 @@
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/TCPublicUtilities.h"
 #include "engine/settings/UserDefaults.h"
+#include "engine/settings/UserFolders.h"
 #include "engine/settings/UtilityFunctionOfData.h"
 #include "support/TestTree.h"
 
@@ -92,6 +93,31 @@ TEST_F(AccessorsTest, OtherAccessors) {
     EXPECT_TRUE(defaults.isUnsaved()) << "one of these has synchronized";
     EXPECT_TRUE(P::setHiddenStatusItem(true));
     EXPECT_TRUE(P::getHiddenStatusItem() && UserDefaults(defaults.path()).boolForKey("ZvShowStatusItem"));
+    EXPECT_TRUE(P::compareBeforeRemoving());
+    EXPECT_TRUE(P::setCompareBeforeRemoving(false));
+    EXPECT_TRUE(!P::compareBeforeRemoving() && UserDefaults(defaults.path()).objectForKey("compareBeforeRemoving"));
+}
+
+TEST(UserFolders, EachBelowItsOwnHome) {
+    const testing::TestTree tree;
+    struct Row {
+        std::string (*folder)();
+        const char* variable;
+        const char* usual;
+    };
+    const char* const before = std::getenv("HOME");
+    const std::string home = before != nullptr ? before : "";
+    ::setenv("HOME", tree.path().c_str(), 1);
+    for (const Row& row :
+         {Row{&userConfigFolder, "XDG_CONFIG_HOME", ".config"}, Row{&userDataFolder, "XDG_DATA_HOME", ".local/share"},
+          Row{&userStateFolder, "XDG_STATE_HOME", ".local/state"}}) {
+        ::unsetenv(row.variable);
+        EXPECT_EQ(row.folder(), tree.at(std::string(row.usual) + "/com.kelpford.Orrinvale"));
+        ::setenv(row.variable, tree.at("own").c_str(), 1);
+        EXPECT_EQ(row.folder(), tree.at("own/com.kelpford.Orrinvale")) << row.variable;
+        ::unsetenv(row.variable);
+    }
+    ::setenv("HOME", home.c_str(), 1);
 }
 
 TEST_F(AccessorsTest, SnapshotAndItsArchive) {
