@@ -8,8 +8,9 @@
 
 namespace orrinvale::helper {
 
-/// The request of a packet, or the reason to refuse it, for people. A request that comes back has an absolute path whose components
-/// are names, none of them empty, "." or "..", and the type of a real entry.
+/// The request of a packet, or the reason to refuse it, for people. What comes back names an entry, and the copy that stays where
+/// there is one: absolute paths whose components are names, none of them empty, "." or "..", and types of real entries. Of a copy that
+/// stays the state is told as well.
 [[nodiscard]] tl::expected<HelperRequest, std::string_view> readRequest(std::string_view packet);
 
 /// The sequence of a packet, for the reply to one that is refused; 0 for one too short to have any.

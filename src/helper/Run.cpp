@@ -18,10 +18,12 @@
 #include <optional>
 #include <utility>
 
+#include "engine/files/EntryIdentity.h"
 #include "engine/files/ProtectedPlaces.h"
 #include "helper/Checks.h"
 #include "platform/error.h"
 #include "platform/linux/LinuxFiles.h"
+#include "platform/paths.h"
 
 namespace orrinvale::helper {
 namespace {
@@ -119,8 +121,27 @@ HelperReply outcomeOf(const FileSystem& files, const WorkFolder& work, const std
     return {0, Outcome::StillThere, left ? "still there" : reasonOf(left.error())};
 }
 
-bool isRequested(const FileAttributes& entry, const HelperRequest& request) {
-    return entry.device == request.device && entry.inode == request.inode && entry.type == request.type;
+bool isStill(const SeenEntry& then, const FileAttributes& now) {
+    if (!then.state) return now.device == then.device && now.inode == then.inode && now.type == then.type;
+    return EntryIdentity{.device = then.device,
+                         .inode = then.inode,
+                         .type = then.type,
+                         .size = then.state->size,
+                         .modified = then.state->modified,
+                         .changed = then.state->changed,
+                         .born = then.state->born}
+        .isStill(now);
+}
+
+/// Whether the copy that stays is where it was seen, and no part of what goes. Asked past what is remembered, since it may be a second
+/// view of the entry.
+bool stands(const FileSystem& files, const SeenEntry& stays, const SeenEntry& goes) {
+    if (isWithin(stays.path, goes.path)) return false;
+    const auto parent = files.holdFolder(FileSystem::noParent, folderOf(stays.path).c_str(), Links::Keep);
+    if (!parent) return false;
+    const std::string name(lastPathComponent(stays.path));
+    const auto now = files.freshAttributes(parent->get(), name.c_str(), Links::Keep);
+    return now && isStill(stays, *now);
 }
 
 HelperReply refused(std::string reason) { return {0, Outcome::Refused, std::move(reason)}; }
@@ -144,7 +165,7 @@ std::optional<std::string> homeOf(uid_t user) {
 
 HelperReply removeEntry(const HelperRequest& request, uid_t caller, const std::vector<std::string>& ownFiles) {
     const LinuxFileSystem files;
-    auto parent = openVerifiedParent(request.path, caller);
+    auto parent = openVerifiedParent(request.entry.path, caller);
     if (!parent) return refused(std::move(parent.error()));
     const std::string name = parent->name;
     // From the folder as it is seen now: in the copy a mount point looks like the folder below it.
@@ -152,12 +173,13 @@ HelperReply removeEntry(const HelperRequest& request, uid_t caller, const std::v
     if (!seen) return refused(reasonOf(seen.error()));
     auto places = ProtectedPlaces::ofThisMachine(files, ownFiles);
     if (const auto home = homeOf(caller)) places.addHome(files, *home, caller);
-    if (auto reason = places.refusal(request.path, *seen)) return refused(std::move(*reason));
+    if (auto reason = places.refusal(request.entry.path, *seen)) return refused(std::move(*reason));
 
     const WorkFolder work = workFolderOf(std::move(parent->folder));
     const auto entry = files.attributes(work.folder.get(), name.c_str(), Links::Keep);
-    if (!entry || !isRequested(*entry, request) || !isRequested(*seen, request))
+    if (!entry || !isStill(request.entry, *entry) || !isStill(request.entry, *seen))
         return refused("changed since it was looked at");
+    if (request.stays && !stands(files, *request.stays, request.entry)) return refused("no other copy is left");
     Stream output(HelperReply::mostOutput);
     Stream errors(HelperReply::mostText);
     if (auto reason = runTool(name, work, output, errors)) return {0, Outcome::Failed, std::move(*reason)};

@@ -155,7 +155,7 @@ void Session::answer(const HelperReply& reply) const {
 // The path comes last: it is the one part that may be too long for the line.
 void Session::note(const HelperReply& reply) const {
     report(fmt::format("uid {}: {}{}{}: {}:{} {}", m_caller, wordFor(reply.outcome), reply.text.empty() ? "" : ": ",
-                       reply.text, m_request.device, m_request.inode, m_request.path));
+                       reply.text, m_request.entry.device, m_request.entry.inode, m_request.entry.path));
 }
 
 }  // namespace orrinvale::helper

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -55,6 +56,30 @@ enum class AuthorizationRefusal : std::uint8_t {
     Idle            ///< the right was held and not used for ten minutes
 };
 
+/// What tells that an entry was written to, or that another one got its inode number. Times are nanoseconds since 1970-01-01 UTC.
+struct EntryState {
+    std::uint64_t size = 0;
+    std::int64_t modified = 0;
+    std::int64_t changed = 0;
+    std::int64_t born = 0;  ///< 0 where it is not known
+
+    [[nodiscard]] static EntryState of(const FileAttributes& seen) {
+        return {.size = seen.size, .modified = seen.modified, .changed = seen.changed, .born = seen.born};
+    }
+    bool operator==(const EntryState&) const = default;
+};
+
+/// An entry and where it was seen.
+struct SeenEntry {
+    std::string path;  ///< absolute, exact bytes
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    FileType type = FileType::Unknown;
+    std::optional<EntryState> state;  ///< without it device, inode and type have to do
+
+    bool operator==(const SeenEntry&) const = default;
+};
+
 /// One run of a tool. The entry is what the caller saw at the path that is the last argument; whoever runs the tool makes sure that
 /// it is still there.
 struct PrivilegedRun {
@@ -63,6 +88,10 @@ struct PrivilegedRun {
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
     FileType type = FileType::Unknown;
+    std::optional<EntryState> state{};  ///< what else was seen of the entry, just before
+    /// The copy for whose sake the entry may go: where it is not there any more, unchanged and another entry than this one, the tool is
+    /// not run. By a way without links.
+    std::optional<SeenEntry> stays{};
 };
 
 /// What a tool printed on its standard output. Where it printed nothing although the entry is still there, the reason stands here,

@@ -90,7 +90,9 @@ std::optional<HelperReply> HelperRun::receive() const {
 HelperRequest HelperRun::requestFor(const std::string& path) {
     const auto seen = LinuxFileSystem().attributes(FileSystem::noParent, path.c_str(), Links::Keep);
     const FileAttributes entry = seen.value_or(FileAttributes{.type = FileType::Regular});
-    return {7, entry.device, entry.inode, entry.type, path};
+    return {.sequence = 7,
+            .entry = {path, entry.device, entry.inode, entry.type, EntryState::of(entry)},
+            .stays = std::nullopt};
 }
 
 HelperReply HelperRun::ask(const HelperRequest& request) const {

@@ -50,8 +50,8 @@ protected:
         return system.copyRights(reference, kRight, AuthorizationFlags::acquire);
     }
     static PrivilegedRun removal(const std::string& path) {
-        const HelperRequest seen = HelperRun::requestFor(path);
-        return {"/bin/rm", {"-rf", path}, seen.device, seen.inode, seen.type};
+        const SeenEntry seen = HelperRun::requestFor(path).entry;
+        return {"/bin/rm", {"-rf", path}, seen.device, seen.inode, seen.type, seen.state};
     }
     bool isThere(const char* name) const { return ::access(tree.at(name).c_str(), F_OK) == 0; }
 
@@ -84,6 +84,13 @@ TEST_F(RightOnLinux, ServesFromTheFirstReferenceToItsFree) {
     ++changed.inode;
     EXPECT_EQ(system.executeWithPrivileges(use, changed, output), Status::toolFailed);
     EXPECT_GT(output->read(printed), 0);
+    changed = removal(tree.at("b"));
+    changed.state->modified++;
+    EXPECT_EQ(system.executeWithPrivileges(use, changed, output), Status::toolFailed);
+    changed = removal(tree.at("b"));
+    changed.stays = HelperRun::requestFor(tree.at("c")).entry;
+    ASSERT_TRUE(tree.write("c", "written to"));
+    EXPECT_EQ(system.executeWithPrivileges(use, changed, output), Status::toolFailed);
     PrivilegedRun otherTool = removal(tree.at("b"));
     otherTool.tool = "/bin/cat";
     EXPECT_EQ(system.executeWithPrivileges(use, otherTool, output), Status::toolFailed);

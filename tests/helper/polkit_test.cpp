@@ -56,7 +56,7 @@ struct Attempt {
 
 private:
     std::string remove(LinuxAuthorization& system, AuthorizationRef reference) const {
-        const HelperRequest seen = HelperRun::requestFor(victim);
+        const SeenEntry seen = HelperRun::requestFor(victim).entry;
         std::unique_ptr<ToolOutput> output;
         std::array<char, 128> printed{};
         const auto status = system.executeWithPrivileges(

@@ -115,14 +115,18 @@ TEST_F(HelperRefuses, PacketsThatAreNoRequest) {
         change(request);
         return request.packed();
     };
-    const auto withPath = [&](const std::string& path) { return changed([&](HelperRequest& r) { r.path = path; }); };
+    const auto withPath = [&](const std::string& path) {
+        return changed([&](HelperRequest& r) { r.entry.path = path; });
+    };
+    constexpr std::size_t smallest = HelperRequest::headSize + HelperRequest::entryHeadSize;
+    const auto withByte = [&](std::size_t at, char byte) { return good.packed().replace(at, 1, 1, byte); };
     struct Case {
         const char* what;
         std::string packet;
     };
     for (const Case& each :
          {Case{"1 MB", good.packed() + std::string(1 << 20, 'x')},
-          {"one byte too many", withPath('/' + std::string(HelperRequest::mostBytes - HelperRequest::headSize, 'x'))},
+          {"one byte too many", withPath('/' + std::string(HelperRequest::mostBytes - smallest, 'x'))},
           {"short", good.packed().substr(0, HelperRequest::headSize - 1)},
           {"another mark", "x" + good.packed().substr(1)},
           {"no path", withPath("")},
@@ -134,11 +138,25 @@ TEST_F(HelperRefuses, PacketsThatAreNoRequest) {
           {"dots", withPath(tree.at("folder/../folder/victim"))},
           {"dots at the end", withPath(tree.at("folder/.."))},
           {"NUL", withPath(victim + std::string("\0x", 2))},
-          {"no type", changed([](HelperRequest& r) { r.type = FileType::Unknown; })},
-          {"unheard-of type", changed([](HelperRequest& r) { r.type = FileType{200}; })},
-          {"another type", changed([](HelperRequest& r) { r.type = FileType::Folder; })},
-          {"another inode", changed([](HelperRequest& r) { ++r.inode; })},
-          {"another device", changed([](HelperRequest& r) { ++r.device; })},
+          {"no type", changed([](HelperRequest& r) { r.entry.type = FileType::Unknown; })},
+          {"unheard-of type", changed([](HelperRequest& r) { r.entry.type = FileType{200}; })},
+          {"another type", changed([](HelperRequest& r) { r.entry.type = FileType::Folder; })},
+          {"another inode", changed([](HelperRequest& r) { ++r.entry.inode; })},
+          {"another device", changed([](HelperRequest& r) { ++r.entry.device; })},
+          {"another size", changed([](HelperRequest& r) { ++r.entry.state->size; })},
+          {"another time", changed([](HelperRequest& r) { ++r.entry.state->modified; })},
+          {"another time of the inode", changed([](HelperRequest& r) { ++r.entry.state->changed; })},
+          {"no entry", withByte(8, 0)},
+          {"three entries", withByte(8, 3)},
+          {"two entries told of, one there", withByte(8, 2)},
+          {"more than the entry", good.packed() + 'x'},
+          {"a path longer than the packet", withByte(smallest - 1, 0x7F)},
+          {"filled up with something", withByte(9, 1)},
+          {"an entry filled up with something", withByte(smallest - 5, 1)},
+          {"a state that is not told", withByte(smallest - 7, 0)},
+          {"a state neither told nor untold", withByte(smallest - 7, 2)},
+          {"what stays without its state", changed([](HelperRequest& r) { (r.stays = r.entry)->state.reset(); })},
+          {"what stays by no plain path", changed([](HelperRequest& r) { (r.stays = r.entry)->path += "/.."; })},
           {"nothing there", withPath(tree.at("folder/missing"))}}) {
         ASSERT_TRUE(helper.send(each.packet)) << each.what;
         const auto reply = helper.receive();

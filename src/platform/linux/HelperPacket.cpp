@@ -18,18 +18,33 @@ std::uint32_t numberAt(std::string_view packet, std::size_t offset) {
     return value;
 }
 
+void append(std::string& out, const SeenEntry& entry) {
+    const EntryState state = entry.state.value_or(EntryState{});
+    append(out, entry.device);
+    append(out, entry.inode);
+    append(out, state.size);
+    append(out, state.modified);
+    append(out, state.changed);
+    append(out, state.born);
+    append(out, entry.type);
+    append(out, static_cast<std::uint8_t>(entry.state.has_value()));
+    out.append(2, '\0');
+    append(out, static_cast<std::uint32_t>(entry.path.size()));
+    out += entry.path;
+}
+
 }  // namespace
 
 std::string HelperRequest::packed() const {
     std::string out;
-    out.reserve(headSize + path.size());
+    out.reserve(headSize + 2 * entryHeadSize + entry.path.size() + (stays ? stays->path.size() : 0));
     append(out, mark);
     append(out, sequence);
-    append(out, device);
-    append(out, inode);
-    append(out, type);
+    append(out, static_cast<std::uint8_t>(stays ? 2 : 1));
     out.append(3, '\0');
-    return out += path;
+    append(out, entry);
+    if (stays) append(out, *stays);
+    return out;
 }
 
 std::string HelperReply::packed() const {

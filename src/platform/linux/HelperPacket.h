@@ -8,20 +8,21 @@
 #include <string>
 #include <string_view>
 
-#include "platform/files.h"
+#include "platform/authorization.h"
 
 namespace orrinvale {
 
-/// "Remove this entry." Bytes: mark 4, sequence 4, device 8, inode 8, type 1, zero 3, and the path up to the packet's end.
+/// "Remove this entry." Bytes: mark 4, sequence 4, count of entries 1, zero 3; then the entry, and the copy that stays where there is
+/// one. Of each: device 8, inode 8, size 8, modified 8, changed 8, born 8 (these four zero where they are not told), type 1, whether
+/// they are told 1, zero 2, length of the path 4, path.
 struct HelperRequest {
     std::uint32_t sequence = 0;  ///< comes back in the reply
-    std::uint64_t device = 0;
-    std::uint64_t inode = 0;
-    FileType type = FileType::Unknown;
-    std::string path;  ///< absolute, exact bytes
+    SeenEntry entry;
+    std::optional<SeenEntry> stays;
 
-    static constexpr std::uint32_t mark = 0x5152524F;      // "ORRQ"
-    static constexpr std::size_t headSize = 28;            ///< where the path begins
+    static constexpr std::uint32_t mark = 0x5252524F;      // "ORRR"
+    static constexpr std::size_t headSize = 12;            ///< where the entries begin
+    static constexpr std::size_t entryHeadSize = 56;       ///< of each entry; then comes its path
     static constexpr std::size_t mostBytes = 64UL * 1024;  ///< of a whole packet
 
     [[nodiscard]] std::string packed() const;

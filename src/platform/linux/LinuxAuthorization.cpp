@@ -169,7 +169,8 @@ std::int32_t LinuxAuthorization::executeWithPrivileges(AuthorizationRef referenc
     const SharedRight right = heldBy(reference);
     if (!right) return AuthorizationStatus::denied;
     if (!isTheTool(run)) return AuthorizationStatus::toolFailed;
-    const auto reply = right->helper->ask({0, run.device, run.inode, run.type, run.arguments.back()});
+    const SeenEntry entry{run.arguments.back(), run.device, run.inode, run.type, run.state};
+    const auto reply = right->helper->ask({.sequence = 0, .entry = entry, .stays = run.stays});
     if (!reply) return AuthorizationStatus::toolFailed;
     const bool needsText = reply->outcome != HelperReply::Outcome::Removed && reply->text.empty();
     output = std::make_unique<TextOutput>(needsText ? "still there" : reply->text);
