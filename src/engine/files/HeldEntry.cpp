@@ -50,6 +50,10 @@ std::optional<std::string> refusal(const FileSystem& files, const ProtectedPlace
 
 }  // namespace
 
+SysResult<Descriptor> HeldEntry::holdParentOf(const FileSystem& files, const std::string& path) {
+    return hold(files, folderOf(path));
+}
+
 tl::expected<HeldEntry, Objection> HeldEntry::at(const FileSystem& files, const ProtectedPlaces& places,
                                                  const std::string& path,
                                                  const std::optional<EntryIdentity>& expected) {

@@ -35,6 +35,9 @@ struct HeldEntry {
     [[nodiscard]] static tl::expected<HeldEntry, Objection> at(const FileSystem& files, const ProtectedPlaces& places,
                                                                const std::string& path,
                                                                const std::optional<EntryIdentity>& expected);
+
+    /// The folder that a path of any length leads to, held, as at() holds it.
+    [[nodiscard]] static SysResult<Descriptor> holdParentOf(const FileSystem& files, const std::string& path);
 };
 
 }  // namespace orrinvale

@@ -1,0 +1,169 @@
+// SetAside: see SetAside.h.
+#include "engine/removal/SetAside.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+#include "engine/files/asideName.h"
+#include "platform/error.h"
+#include "platform/paths.h"
+
+namespace orrinvale {
+namespace {
+
+constexpr const char* changedReason = "changed since the scan";
+constexpr const char* noCopyReason = "no other verified copy is left";
+
+// The file system has no such rename (layers answer EXDEV for folders that lie below, old or foreign ones EINVAL), or no room for a
+// longer name: on a full disk most renames fail while every removal works.
+bool isImpossible(int error) {
+    constexpr std::array impossible{EXDEV, EINVAL, ENOSYS, ENOTSUP, ENOSPC, EDQUOT, ENAMETOOLONG};
+    return std::find(impossible.begin(), impossible.end(), error) != impossible.end();
+}
+
+bool isSameInode(const FileAttributes& a, const FileAttributes& b) {
+    return a.device == b.device && a.inode == b.inode;
+}
+
+/// A copy as it stands now, with its folder.
+struct FoundCopy {
+    Descriptor folder;
+    FileAttributes attributes;
+};
+
+SysResult<FoundCopy> findCopy(const FileSystem& files, const KeptCopy& kept) {
+    auto folder = HeldEntry::holdParentOf(files, kept.path);
+    if (!folder) return tl::unexpected(folder.error());
+    const auto now =
+        files.freshAttributes(folder->get(), std::string(lastPathComponent(kept.path)).c_str(), Links::Keep);
+    if (!now) return tl::unexpected(now.error());
+    return FoundCopy{std::move(*folder), *now};
+}
+
+StayedEntry withoutCopy(const std::string& path, const KeptCopy& kept, const std::string& why) {
+    return {path, fmt::format("{} ({}: {})", noCopyReason, kept.path, why), StayReason::NoCopy};
+}
+
+}  // namespace
+
+StayReason stayReasonOf(int error) {
+    return error == EACCES || error == EPERM ? StayReason::Rights : StayReason::System;
+}
+
+bool RenameGround::isSafe(int folder, std::uint64_t device) {
+    const auto known = m_safe.find(device);
+    if (known != m_safe.end()) return known->second;
+    return m_safe[device] = m_files.renamesSafely(folder);
+}
+
+bool RenameGround::inodesLast(std::uint64_t device) const {
+    return !std::binary_search(m_passing.begin(), m_passing.end(), device);
+}
+
+StayedEntry SetAside::stays(StayReason kind, std::string reason) const {
+    return {m_held.path, std::move(reason), kind};
+}
+
+StayedEntry SetAside::staysWith(int error) const {
+    return stays(stayReasonOf(error), systemError("rename", {}, error).reason());
+}
+
+// Layers give a file another number when they copy it up for the rename; both the held entry and the new name show that one.
+bool SetAside::isSameEntry(const FileAttributes& a, const FileAttributes& b) const {
+    const bool isSame = !m_ground.inodesLast(a.device) || a.inode == b.inode;
+    if (!isSame || a.device != b.device || a.type != b.type) return false;
+    return a.type == FileType::Folder || (a.size == b.size && a.modified == b.modified);
+}
+
+tl::expected<bool, StayedEntry> SetAside::take(std::string_view token) {
+    const int folder = m_held.parent.get();
+    if (!m_ground.isSafe(folder, m_held.attributes.device)) return false;
+    auto entry = m_files.holdEntry(folder, m_held.name.c_str());
+    if (!entry) return tl::unexpected(staysWith(entry.error()));
+    m_entry = std::move(*entry);
+    const auto before = m_files.attributes(m_entry.get());
+    if (!before) return tl::unexpected(staysWith(before.error()));
+    if (!isSameEntry(*before, m_held.attributes) ||
+        (before->type != FileType::Folder && before->changed != m_held.attributes.changed))
+        return tl::unexpected(stays(StayReason::Changed, changedReason));
+
+    m_name = asideName(token, m_held.name);
+    if (const auto renamed = m_files.renameInside(folder, m_held.name.c_str(), m_name.c_str()); !renamed) {
+        if (isImpossible(renamed.error())) return false;
+        return tl::unexpected(staysWith(renamed.error()));
+    }
+    if (auto reason = objectionToEntry()) return tl::unexpected(putBack().value_or(std::move(*reason)));
+    m_changed = changedByUs().value_or(0);
+    return true;
+}
+
+// By the held entry: a name tells what stands there, not that it is what was looked at before the rename.
+std::optional<StayedEntry> SetAside::objectionToEntry() const {
+    const auto aside = m_files.freshAttributes(m_held.parent.get(), m_name.c_str(), Links::Keep);
+    if (!aside) return staysWith(aside.error());
+    const auto held = m_files.attributes(m_entry.get());
+    if (!held) return staysWith(held.error());
+    FileAttributes seen = m_held.attributes;  // what was seen, under the number that the entry has by now
+    seen.inode = held->inode;
+    seen.device = held->device;
+    if (isSameEntry(*aside, *held) && isSameEntry(*aside, seen)) return std::nullopt;
+    return stays(StayReason::Changed, changedReason);
+}
+
+std::optional<StayedEntry> SetAside::objectionToCopy(const KeptCopy& kept) const {
+    const auto copy = findCopy(m_files, kept);
+    if (!copy) return withoutCopy(m_held.path, kept, systemError("look", {}, copy.error()).reason());
+    EntryIdentity expected = kept.identity;
+    const auto aside = m_files.attributes(m_entry.get());
+    if (!aside) return staysWith(aside.error());
+    // Another name of the file that goes has its new time of change too, and exactly that one.
+    if (isSameInode(*aside, copy->attributes)) expected.changed = m_changed;
+    if (!expected.isStill(copy->attributes)) return withoutCopy(m_held.path, kept, "changed since the scan");
+
+    const auto ours = m_files.attributes(m_held.parent.get());
+    const auto theirs = m_files.attributes(copy->folder.get());
+    if (!ours || !theirs) return staysWith(!ours ? ours.error() : theirs.error());
+    if (isSameInode(*ours, *theirs)) return std::nullopt;
+    const auto ourName = m_files.freshAttributes(copy->folder.get(), m_name.c_str(), Links::Keep);
+    if (!ourName && ourName.error() == ENOENT) return std::nullopt;
+    return withoutCopy(m_held.path, kept, "the same folder by another path");
+}
+
+std::optional<StayedEntry> SetAside::objection(const std::optional<KeptCopy>& kept) const {
+    if (auto reason = objectionToEntry()) return reason;
+    return kept ? objectionToCopy(*kept) : std::nullopt;
+}
+
+std::optional<StayedEntry> SetAside::putBack() {
+    const int folder = m_held.parent.get();
+    const auto moved = m_files.moveEntry(folder, m_name.c_str(), folder, m_held.name.c_str());
+    if (moved || moved.error() == ENOENT) return std::nullopt;
+    const std::string place = joinPath(folderOf(m_held.path), m_name);
+    const std::string why = moved.error() == EEXIST ? "another entry has its name by now"
+                                                    : systemError("rename", {}, moved.error()).reason();
+    return StayedEntry{place, fmt::format("kept aside under this name, since {}", why), StayReason::Aside};
+}
+
+std::optional<std::int64_t> SetAside::changedByUs() const {
+    const auto now = m_files.attributes(m_entry.get());
+    if (!now || now->links == 0) return std::nullopt;
+    return now->changed;
+}
+
+std::optional<StayedEntry> objectionToCopyInPlace(const FileSystem& files, const HeldEntry& leaving,
+                                                  const KeptCopy& kept) {
+    const auto copy = findCopy(files, kept);
+    if (!copy) return withoutCopy(leaving.path, kept, systemError("look", {}, copy.error()).reason());
+    if (!kept.identity.isStill(copy->attributes)) return withoutCopy(leaving.path, kept, "changed since the scan");
+    if (!isSameInode(leaving.attributes, copy->attributes)) return std::nullopt;
+    const auto ours = files.attributes(leaving.parent.get());
+    const auto theirs = files.attributes(copy->folder.get());
+    if (ours && theirs && (!isSameInode(*ours, *theirs) || leaving.name != lastPathComponent(kept.path)))
+        return std::nullopt;
+    return withoutCopy(leaving.path, kept, "it is the same entry");
+}
+
+}  // namespace orrinvale
