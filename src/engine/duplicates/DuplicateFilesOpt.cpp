@@ -64,14 +64,20 @@ void addLeaves(SimpleTreeNode& node, const DuplicateGroup& group) {
         leaf->setFileSize(size);
         leaf->setModificationDate(date);
         leaf->setIdentity(identity);
-        node.insertChild(SimpleTreeNode::treeNodeWithData(std::move(leaf)), node.numberOfChildren());
+        node.insertChild(SimpleTreeNode::treeNodeWithData(leaf), node.numberOfChildren());
+        return leaf;
     };
-    for (const AppAttrbItem* bundle : group.bundles)
-        add(bundle->DirectoryPathName, bundle->DirectorySize, {IconRequest::BareName, bundle->DirectoryName},
-            std::nullopt, {.device = bundle->device, .inode = bundle->inode, .type = FileType::Folder});
+    for (const AppAttrbItem* bundle : group.bundles) {
+        const auto leaf =
+            add(bundle->DirectoryPathName, bundle->DirectorySize, {IconRequest::BareName, bundle->DirectoryName},
+                std::nullopt, {.device = bundle->device, .inode = bundle->inode, .type = FileType::Folder});
+        leaf->setBundleDigest(bundle->digest);
+    }
     for (const fileAttrbItem* file : group.files) {
         const std::string path = file->filePathName();
-        add(path, file->fileSize, {IconRequest::Path, path}, file->ModificationDate(), identityOf(*file));
+        const auto leaf =
+            add(path, file->fileSize, {IconRequest::Path, path}, file->ModificationDate(), identityOf(*file));
+        leaf->setHardLinks(file->links);
     }
 }
 

@@ -6,8 +6,8 @@
 #include <set>
 #include <tuple>
 
+#include "engine/duplicates/BundleListing.h"
 #include "engine/duplicates/algorithm.h"
-#include "engine/files/TreeLister.h"
 #include "engine/files/WorkCrew.h"
 
 namespace orrinvale {
@@ -45,7 +45,8 @@ void hashWholes(const FileSystem& files, SkipList& skipped, const AppAttrbItem& 
 
 }  // namespace
 
-FindDuplicateApp::FindDuplicateApp(const FileSystem& files, SkipList& skipped) : m_files(files), m_skipped(skipped) {}
+FindDuplicateApp::FindDuplicateApp(const FileSystem& files, SkipList& skipped, std::vector<std::uint64_t> passingInodes)
+    : m_files(files), m_skipped(skipped), m_passingInodes(std::move(passingInodes)) {}
 
 std::string FindDuplicateApp::CurrentSearchFile() const {
     const std::lock_guard lock(m_mutex);
@@ -69,32 +70,20 @@ bool FindDuplicateApp::getAllFilePathName(const std::string& path, AppAttrbItem*
     OutArray->inode = identity->inode;
     OutArray->modified = identity->modified;
 
-    int failure = 0;
-    TreeListing listing;
-    listing.order = TreeListing::Order::SortedByBytes;
-    listing.foldersFirst = true;
-    listing.failed = [&](std::string_view relative, int error) {
-        failure = error;
-        m_skipped.add(systemError("list", joinPath(path, relative), error));
-    };
-    listing.entry = [&](const TreeEntry& entry) {
-        if (entry.type == FileType::Folder) return;
-        if (entry.type == FileType::SymbolicLink) {
-            const auto target = m_files.attributes(entry.folder, entry.name.data(), Links::Follow);
-            if (target && target->type == FileType::Folder) return;
-        }
-        const auto attributes = m_files.attributes(entry.folder, entry.name.data(), Links::Keep);
-        if (!attributes) {
-            failure = attributes.error();
-            m_skipped.add(systemError("attributes", joinPath(path, entry.relative), failure));
-            return;
-        }
-        const auto& file = OutArray->AllFileInDirectory.add(joinPath(path, entry.relative), *attributes);
-        OutArray->DirectorySize += std::min(file.fileSize, ~std::uint64_t{0} - OutArray->DirectorySize);
-    };
-    const auto listed = listTree(m_files, start->get(), listing, m_StopSearch);
+    const auto listing = listBundleAt(m_files, start->get(), path,
+                                      {.passingInodes = m_passingInodes, .followLinks = true}, m_StopSearch);
     setCurrentSearchFile({});
-    return listed.has_value() && failure == 0 && !m_StopSearch;
+    if (!listing) {
+        if (listing.error().number != ECANCELED) m_skipped.add(listing.error());
+        return false;
+    }
+    OutArray->digest = listing->digest;
+    for (const BundleEntry& entry : listing->entries) {
+        if (entry.attributes.type == FileType::Folder || entry.leadsTo == FileType::Folder) continue;
+        const auto& file = OutArray->AllFileInDirectory.add(joinPath(path, entry.path), entry.attributes);
+        OutArray->DirectorySize += std::min(file.fileSize, ~std::uint64_t{0} - OutArray->DirectorySize);
+    }
+    return true;
 }
 
 bool FindDuplicateApp::InitInputAppDirectory(const std::vector<std::string>* array) {

@@ -22,8 +22,8 @@ class FindDuplicateApp final {
 public:
     using AppList = std::vector<std::shared_ptr<AppAttrbItem>>;
 
-    /// Both must outlive the object.
-    FindDuplicateApp(const FileSystem& files, SkipList& skipped);
+    /// The first two must outlive the object. `passingInodes` is FileSystem::devicesOfPassingInodes().
+    FindDuplicateApp(const FileSystem& files, SkipList& skipped, std::vector<std::uint64_t> passingInodes = {});
     FindDuplicateApp(const FindDuplicateApp&) = delete;
     FindDuplicateApp& operator=(const FindDuplicateApp&) = delete;
 
@@ -34,7 +34,7 @@ public:
     /// Lists the bundles into the list of those to deal with; one that can not be listed is left out. False for a null array.
     bool InitInputAppDirectory(const std::vector<std::string>* array);
 
-    /// Fills in the files, their sum and the identity of the bundle. False when it can not be listed.
+    /// Fills in the files, their sum, the digest and the identity of the bundle. False when it can not be listed.
     bool getAllFilePathName(const std::string& path, AppAttrbItem* OutArray);
 
     /// Appends the bundles of the item's size; true when the result has members.
@@ -65,6 +65,7 @@ private:
 
     const FileSystem& m_files;
     SkipList& m_skipped;
+    const std::vector<std::uint64_t> m_passingInodes;
     AppList m_AllAppItem;
     std::map<std::vector<std::uint64_t>, AppList>
         m_classes;  // bundles that may be equal, by what they were told apart by

@@ -9,7 +9,8 @@
 namespace orrinvale {
 
 /// Device, inode and type name an entry for as long as it exists; size and times show whether a file was written since. File systems
-/// give the number of a folder that went to the next one at once, which only the time of its making tells.
+/// give the number of a folder that went to the next one at once, which only the time of its making tells. Where numbers do not
+/// last an entry is known by where it is found, and by its size and times.
 struct EntryIdentity {
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
@@ -18,6 +19,8 @@ struct EntryIdentity {
     std::int64_t modified = 0;  ///< nanoseconds since 1970-01-01 UTC
     std::int64_t changed = 0;   ///< the same, of the inode
     std::int64_t born = 0;      ///< 0 where it is not known
+    bool inodePasses =
+        false;  ///< the inode number need not last (FileSystem::devicesOfPassingInodes()) and tells nothing
     std::optional<std::uint64_t> times =
         std::nullopt;  ///< timesOf() both, in place of them, for scans that have to be small
     std::uint32_t links =
@@ -31,6 +34,7 @@ struct EntryIdentity {
                 .modified = seen.modified,
                 .changed = seen.changed,
                 .born = seen.born,
+                .inodePasses = false,
                 .times = std::nullopt,
                 .links = 0};
     }
@@ -45,7 +49,7 @@ struct EntryIdentity {
     /// True when `now` describes this entry, and a regular file still has its size and times. Folders change their times with
     /// every entry that goes, so that only the one of their making is compared, where both sides know it; so it is with links.
     [[nodiscard]] bool isStill(const FileAttributes& now) const {
-        if (device != now.device || inode != now.inode || type != now.type) return false;
+        if (device != now.device || type != now.type || (inode != now.inode && !inodePasses)) return false;
         if (type != FileType::Regular) return born == 0 || now.born == 0 || born == now.born;
         if (size != now.size) return false;
         const bool lostNames = now.links < links;

@@ -22,6 +22,14 @@ struct Level {
     std::uint64_t inode = 0;
 };
 
+// A file system that is changed while it is listed may give one name twice.
+void sortByBytes(std::vector<ListedEntry>& entries) {
+    std::sort(entries.begin(), entries.end(),
+              [](const ListedEntry& a, const ListedEntry& b) { return a.name < b.name; });
+    const auto sameName = [](const ListedEntry& a, const ListedEntry& b) { return a.name == b.name; };
+    entries.erase(std::unique(entries.begin(), entries.end(), sameName), entries.end());
+}
+
 class Lister {
 public:
     Lister(const FileSystem& files, int start, const TreeListing& listing, const std::atomic<bool>& stop)
@@ -50,15 +58,13 @@ private:
         if (!identity) return identity.error();
         level.device = identity->device;
         level.inode = identity->inode;
-        for (;;) {
+        while (!m_stop) {
             const auto more = m_files.readFolder(descriptor, m_batch);
             if (!more) return more.error();
             if (!*more) break;
             for (const CatalogEntry& entry : m_batch.entries) level.entries.push_back({entry.name, entry.type});
         }
-        if (m_listing.order == TreeListing::Order::SortedByBytes)
-            std::sort(level.entries.begin(), level.entries.end(),
-                      [](const ListedEntry& a, const ListedEntry& b) { return a.name < b.name; });
+        if (m_listing.order == TreeListing::Order::SortedByBytes) sortByBytes(level.entries);
         m_levels.push_back(std::move(level));
         return 0;
     }

@@ -23,7 +23,7 @@ struct TreeEntry {
 
 /// How a tree is listed.
 struct TreeListing {
-    enum class Order { System, SortedByBytes };
+    enum class Order { System, SortedByBytes };  ///< sorted, no name of a folder comes twice, whatever the system lists
     Order order = Order::System;
     bool foldersFirst =
         false;  ///< a folder before its contents; otherwise behind them, and only when it could be listed

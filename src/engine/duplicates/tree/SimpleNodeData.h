@@ -67,6 +67,28 @@ public:
     [[nodiscard]] const std::optional<EntryIdentity>& identity() const { return m_identity; }
     void setIdentity(std::optional<EntryIdentity> identity) { m_identity = identity; }
 
+    /// Of a bundle what BundleListing's digest was when the search listed it; nothing for everything else.
+    [[nodiscard]] std::optional<std::uint64_t> bundleDigest() const { return m_bundleDigest; }
+    void setBundleDigest(std::optional<std::uint64_t> digest) { m_bundleDigest = digest; }
+
+    /// How many names the leaf's file has, on the whole file system, as the search saw it; 1 for everything else.
+    [[nodiscard]] std::uint32_t hardLinks() const { return m_hardLinks; }
+    void setHardLinks(std::uint32_t count) { m_hardLinks = count; }
+
+    /// True when the leaf is a symbolic link directly in the folder that was searched, or stands behind one: it then lies
+    /// elsewhere than its path says, at linkTarget(), a path without links, empty where that could not be found out.
+    [[nodiscard]] bool isLink() const { return m_isLink; }
+    [[nodiscard]] const std::string& linkTarget() const { return m_linkTarget; }
+
+    /// True for a link, and for what stands behind one, whose real place is not below the folder that was searched.
+    [[nodiscard]] bool liesOutside() const { return m_liesOutside; }
+
+    void setLink(std::string target, bool outside) {
+        m_isLink = true;
+        m_linkTarget = std::move(target);
+        m_liesOutside = outside;
+    }
+
     /// A group's count of ticked leaves as "1/3".
     [[nodiscard]] const std::string& showSelectNumStr() const { return m_showSelectNumStr; }
     void setShowSelectNumStr(std::string text) { m_showSelectNumStr = std::move(text); }
@@ -92,6 +114,11 @@ private:
     bool m_isLeaf;
     bool m_isExpandable;
     bool m_mark = false;
+    bool m_isLink = false;
+    bool m_liesOutside = false;
+    std::uint32_t m_hardLinks = 1;
+    std::optional<std::uint64_t> m_bundleDigest;
+    std::string m_linkTarget;
     std::string m_showSelectNumStr;
     std::optional<Date> m_modificationDate;
     std::optional<EntryIdentity> m_identity;
