@@ -13,6 +13,7 @@
 #include <charconv>
 #include <cstdlib>
 
+#include "helper/Accounts.h"
 #include "platform/error.h"
 
 namespace orrinvale::helper {
@@ -46,11 +47,14 @@ std::string fault(std::string_view what, std::string_view name) {
     return fmt::format("{}: {}", what, systemError("open", std::string(name), errno).reason());
 }
 
-std::string_view faultOfFolder(const struct stat& folder, uid_t caller) {
+std::string_view faultOfFolder(int held, const struct stat& folder, uid_t caller, TrustedGroups& groups) {
     if (folder.st_uid != 0 && folder.st_uid != caller) return "a folder on the way belongs to someone else";
+    const bool isSticky = (folder.st_mode & S_ISVTX) != 0;
+    if (isSticky) return {};
     // With an access list the group's bits are the mask of all that it grants, so that it is seen here too.
-    const bool othersWrite = (folder.st_mode & (S_IWGRP | S_IWOTH)) != 0;
-    if (othersWrite && (folder.st_mode & S_ISVTX) == 0) return "a folder on the way may be written by others";
+    const bool groupWrites = (folder.st_mode & S_IWGRP) != 0;
+    const bool isGroupTrusted = !groupWrites || (!mayHaveAccessList(held) && groups.contains(folder.st_gid));
+    if ((folder.st_mode & S_IWOTH) != 0 || !isGroupTrusted) return "a folder on the way may be written by others";
     return {};
 }
 
@@ -75,12 +79,13 @@ tl::expected<uid_t, Refusal> callerOf(const Start& start) {
 
 tl::expected<VerifiedParent, std::string> openVerifiedParent(std::string_view path, uid_t caller) {
     constexpr int flags = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+    TrustedGroups groups(caller);
     Descriptor folder(::open("/", flags));
     for (;;) {
         struct stat seen {};
         if (!folder.isOpen() || ::fstat(folder.get(), &seen) != 0)
             return tl::unexpected(fault("a folder on the way can not be entered", path));
-        if (const auto reason = faultOfFolder(seen, caller); !reason.empty())
+        if (const auto reason = faultOfFolder(folder.get(), seen, caller, groups); !reason.empty())
             return tl::unexpected(std::string(reason));
         path.remove_prefix(1);
         const std::size_t slash = path.find('/');

@@ -40,7 +40,8 @@ struct VerifiedParent {
 
 /// Walks from the root to the folder that holds the entry, one name at a time and through no link. Each folder on the way, the root
 /// and the last included, has to belong to root or to the caller, and nobody else may write it unless it is sticky; otherwise someone
-/// could exchange what stands below it between our look and the tool's. The path is one that readRequest() let through.
+/// could exchange what stands below it between our look and the tool's. A group may write it when it is one of TrustedGroups. The path is
+/// one that readRequest() let through.
 [[nodiscard]] tl::expected<VerifiedParent, std::string> openVerifiedParent(std::string_view path, uid_t caller);
 
 }  // namespace orrinvale::helper

@@ -4,7 +4,6 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <poll.h>
-#include <pwd.h>
 #include <sys/mount.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
@@ -20,6 +19,7 @@
 
 #include "engine/files/EntryIdentity.h"
 #include "engine/files/ProtectedPlaces.h"
+#include "helper/Accounts.h"
 #include "helper/Checks.h"
 #include "platform/error.h"
 #include "platform/linux/LinuxFiles.h"
@@ -145,21 +145,6 @@ bool stands(const FileSystem& files, const SeenEntry& stays, const SeenEntry& go
 }
 
 HelperReply refused(std::string reason) { return {0, Outcome::Refused, std::move(reason)}; }
-
-/// The home of the user who is served, which is asked of the system's services too: the table of users does not name everybody.
-/// Nothing when the user has none.
-std::optional<std::string> homeOf(uid_t user) {
-    constexpr unsigned patience = 10;  // seconds; then SIGALRM ends this process, and the request with it
-    constexpr std::size_t mostText = std::size_t{1} << 20U;
-    std::string text(1024, '\0');
-    passwd entry{};
-    passwd* found = nullptr;
-    ::alarm(patience);
-    while (::getpwuid_r(user, &entry, text.data(), text.size(), &found) == ERANGE && text.size() < mostText)
-        text.resize(text.size() * 2);
-    ::alarm(0);
-    return found != nullptr ? std::optional<std::string>(found->pw_dir) : std::nullopt;
-}
 
 }  // namespace
 

@@ -183,7 +183,6 @@ TEST_F(HelperRefuses, FoldersThatOthersCouldChange) {
                              {"like /tmp", 0, 01777, true},
                              {"someone else's", 12345, 0755, false},
                              {"someone else's, sticky", 12345, 01777, false},
-                             {"writable by a group", 0, 0775, false},
                              {"writable by all", ordinaryUser, 0777, false}}) {
         for (const char* below : {"", "/below"}) {  // the last folder on the way, and one before it
             TestTree own;

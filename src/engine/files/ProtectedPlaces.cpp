@@ -12,6 +12,7 @@
 
 #include "engine/files/FolderNode.h"
 #include "engine/files/TreeLister.h"
+#include "engine/files/accounts.h"
 
 namespace orrinvale {
 namespace {
@@ -53,10 +54,6 @@ std::string_view fieldOf(std::string_view line, int number) {
 bool isWithinAny(std::string_view path, const std::vector<std::string>& folders) {
     return std::any_of(folders.begin(), folders.end(), [&](const auto& folder) { return isWithin(path, folder); });
 }
-
-// Services have theirs in folders of the system. 60514 to 65535 are given out to services and to nobody, above them begin the
-// ranges of directories (systemd's UIDS-GIDS).
-bool isPerson(std::uint32_t user) { return user >= 1000 && (user < 60514 || user > 65535); }
 
 }  // namespace
 
