@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -37,6 +38,9 @@ struct RemovalResult {
     std::uint64_t removed = 0;      ///< entries that went, the chosen one included
     std::uint64_t failed = 0;       ///< entries that could not be removed; not the folders that stay because of them
     std::vector<Failure> failures;  ///< the first `mostFailures` of them
+    std::optional<std::int64_t> changed =
+        std::nullopt;  ///< the time of change that our own doing gave to what is left of the file: its
+                       ///< other names after it went, itself after it came back
     static constexpr std::size_t mostFailures = 100;
 };
 

@@ -2,6 +2,7 @@
 #include "engine/removal/SetAside.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -54,9 +55,17 @@ StayReason stayReasonOf(int error) {
 }
 
 bool RenameGround::isSafe(int folder, std::uint64_t device) {
-    const auto known = m_safe.find(device);
-    if (known != m_safe.end()) return known->second;
-    return m_safe[device] = m_files.renamesSafely(folder);
+    const auto [place, isNew] = m_devices.try_emplace(device);
+    if (isNew) {
+        place->second.isSafe = m_files.renamesSafely(folder);
+        if (auto opened = m_files.openFolder(folder, ".", Links::Keep)) place->second.folder = std::move(*opened);
+    }
+    return place->second.isSafe;
+}
+
+void RenameGround::flush() const {
+    for (const auto& [device, each] : m_devices)
+        if (each.isSafe && each.folder.isOpen()) (void)::syncfs(each.folder.get());
 }
 
 bool RenameGround::inodesLast(std::uint64_t device) const {

@@ -33,11 +33,18 @@ public:
     [[nodiscard]] bool isSafe(int folder, std::uint64_t device);
     /// Whether inode numbers of the device tell entries apart.
     [[nodiscard]] bool inodesLast(std::uint64_t device) const;
+    /// Makes all renames and removals on them durable.
+    void flush() const;
 
 private:
+    struct Device {
+        bool isSafe = true;
+        Descriptor folder;  // open for syncing; not open where it may not be read
+    };
+
     const FileSystem& m_files;
     const std::vector<std::uint64_t> m_passing;
-    std::map<std::uint64_t, bool> m_safe;
+    std::map<std::uint64_t, Device> m_devices;
 };
 
 /// One entry. One thread; what is handed over outlives it.

@@ -1,0 +1,63 @@
+// ContentComparison: see ContentComparison.h.
+#include "engine/removal/ContentComparison.h"
+
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <span>
+
+namespace orrinvale {
+namespace {
+
+// As for hashing: large enough that the calls cost nothing, small enough to stay in the second cache.
+constexpr std::size_t pieceBytes = 256 * 1024;
+
+/// One of the two files, read from its beginning.
+class Reading final {
+public:
+    Reading(const FileSystem& files, int file, const FileAttributes& seen)
+        : m_files(files), m_file(file), m_buffer(std::make_unique_for_overwrite<std::byte[]>(pieceBytes)) {
+        m_files.beginReading(m_file, seen.device, 0, seen.size, m_state);
+    }
+    ~Reading() { m_files.endReading(m_file, m_state); }
+    Reading(const Reading&) = delete;
+    Reading& operator=(const Reading&) = delete;
+
+    [[nodiscard]] SysResult<std::span<const std::byte>> next() {
+        const auto count = m_files.read(m_file, {m_buffer.get(), pieceBytes}, m_offset, m_state);
+        if (!count) return tl::unexpected(count.error());
+        m_offset += *count;
+        return std::span<const std::byte>(m_buffer.get(), *count);
+    }
+
+private:
+    const FileSystem& m_files;
+    const int m_file;
+    ReadState m_state;
+    std::unique_ptr<std::byte[]> m_buffer;
+    std::uint64_t m_offset = 0;
+};
+
+}  // namespace
+
+SysResult<Comparison> compareContents(const FileSystem& files, int a, int b, const std::atomic<bool>& stop) {
+    const auto seenA = files.attributes(a);
+    const auto seenB = files.attributes(b);
+    if (!seenA || !seenB) return tl::unexpected(!seenA ? seenA.error() : seenB.error());
+    if (seenA->size != seenB->size) return Comparison::Different;
+    Reading readingA(files, a, *seenA);
+    Reading readingB(files, b, *seenB);
+    for (std::uint64_t done = 0; done < seenA->size;) {
+        if (stop) return Comparison::Stopped;
+        const auto pieceA = readingA.next();
+        const auto pieceB = readingB.next();
+        if (!pieceA || !pieceB) return tl::unexpected(!pieceA ? pieceA.error() : pieceB.error());
+        // Shorter than its size: cut meanwhile, which is another file from now on.
+        if (pieceA->empty() || pieceA->size() != pieceB->size()) return Comparison::Different;
+        if (std::memcmp(pieceA->data(), pieceB->data(), pieceA->size()) != 0) return Comparison::Different;
+        done += pieceA->size();
+    }
+    return Comparison::Same;
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,75 @@
+// CopyLook: see CopyLook.h.
+#include "engine/removal/CopyLook.h"
+
+#include <fmt/format.h>
+
+#include "engine/removal/ContentComparison.h"
+#include "platform/error.h"
+#include "platform/paths.h"
+
+namespace orrinvale {
+namespace {
+
+StayedEntry noCopy(const HeldEntry& leaving, const KeptCopy& kept, const std::string& why) {
+    return {leaving.path, fmt::format("no other verified copy is left ({}: {})", kept.path, why), StayReason::NoCopy};
+}
+
+std::string wordsOf(int error) { return systemError("read", {}, error).reason(); }
+
+SysResult<Descriptor> openKept(const FileSystem& files, const KeptCopy& kept) {
+    const auto folder = HeldEntry::holdParentOf(files, kept.path);
+    if (!folder) return tl::unexpected(folder.error());
+    ReadState state;
+    return files.openFile(folder->get(), std::string(lastPathComponent(kept.path)).c_str(), Links::Keep, state);
+}
+
+}  // namespace
+
+// Only files have contents; of anything else the look at the entry itself is enough.
+std::optional<StayedEntry> FileLook::before(const HeldEntry& leaving, const std::atomic<bool>& stop) {
+    if (leaving.attributes.type != FileType::Regular) return std::nullopt;
+    if (auto reason = openBoth(leaving)) return reason;
+    if (auto reason = inUse(leaving)) return reason;
+    if (!m_compares || !m_keptFile.isOpen()) return std::nullopt;
+    const auto answer = compareContents(m_files, m_leavingFile.get(), m_keptFile.get(), stop);
+    if (!answer) return StayedEntry{leaving.path, "could not be compared: " + wordsOf(answer.error())};
+    if (*answer == Comparison::Different) return noCopy(leaving, *m_kept, "its contents are others");
+    return std::nullopt;
+}
+
+// A file that may not be read can not be compared, and goes all the same where nothing has to stay.
+std::optional<StayedEntry> FileLook::openBoth(const HeldEntry& leaving) {
+    ReadState state;
+    auto file = m_files.openFile(leaving.parent.get(), leaving.name.c_str(), Links::Keep, state);
+    if (file) m_leavingFile = std::move(*file);
+    if (!m_kept || m_kept->identity.type != FileType::Regular) return std::nullopt;
+    if (!m_leavingFile.isOpen() && m_compares)
+        return StayedEntry{leaving.path, "could not be compared: " + wordsOf(file.error())};
+    auto kept = openKept(m_files, *m_kept);
+    if (!kept) return noCopy(leaving, *m_kept, wordsOf(kept.error()));
+    const auto now = m_files.attributes(kept->get());
+    if (!now || !m_kept->identity.isStill(*now)) return noCopy(leaving, *m_kept, "changed since the scan");
+    m_keptFile = std::move(*kept);
+    return std::nullopt;
+}
+
+std::optional<StayedEntry> FileLook::inUse(const HeldEntry& leaving) const {
+    if (m_leavingFile.isOpen() && m_files.isOpenForWriting(m_leavingFile.get()))
+        return StayedEntry{leaving.path, "a program has it open for writing", StayReason::InUse};
+    if (m_keptFile.isOpen() && m_files.isOpenForWriting(m_keptFile.get()))
+        return noCopy(leaving, *m_kept, "a program has it open for writing");
+    return std::nullopt;
+}
+
+// What was compared is what is held; that it is what stands under the name, size and time tell where inode numbers do not last.
+std::optional<StayedEntry> FileLook::last(const HeldEntry& leaving, const std::string& name) {
+    if (!m_leavingFile.isOpen()) return std::nullopt;
+    const auto held = m_files.attributes(m_leavingFile.get());
+    const auto named = m_files.attributes(leaving.parent.get(), name.c_str(), Links::Keep);
+    if (!held || !named) return StayedEntry{leaving.path, wordsOf(!held ? held.error() : named.error())};
+    if (held->size != named->size || held->modified != named->modified || held->changed != named->changed)
+        return StayedEntry{leaving.path, "changed since the scan", StayReason::Changed};
+    return inUse(leaving);
+}
+
+}  // namespace orrinvale
