@@ -6,8 +6,11 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 
+#include <array>
 #include <cerrno>
 #include <chrono>
+#include <climits>
+#include <cstdio>
 #include <thread>
 #include <utility>
 
@@ -54,6 +57,24 @@ Result<std::string> readBytes(int file, std::size_t limit, const std::string& pa
     }
 }
 
+// "NAME.bad", "NAME.bad.2", "NAME.bad.3" ...
+std::string asideName(const std::string& name, int number) {
+    return number == 1 ? name + ".bad" : fmt::format("{}.bad.{}", name, number);
+}
+
+bool isThere(int folder, const std::string& name) {
+    struct stat status {};
+    return ::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 || errno != ENOENT;
+}
+
+// Never over another entry; 0 or the error. Where the file system has no such rename, the one who asks holds the writers' lock.
+int renameToFree(int folder, const std::string& from, const std::string& to) {
+    if (::renameat2(folder, from.c_str(), folder, to.c_str(), RENAME_NOREPLACE) == 0) return 0;
+    if (errno != EINVAL && errno != ENOSYS) return errno;
+    if (isThere(folder, to)) return EEXIST;
+    return ::renameat(folder, from.c_str(), folder, to.c_str()) == 0 ? 0 : errno;
+}
+
 }  // namespace
 
 Result<std::string> DurableFile::read(const std::string& path, std::size_t limit, Owner owner) {
@@ -80,6 +101,35 @@ Result<std::string> DurableFile::current(std::size_t limit, const Test& isWell) 
     if (bytes ? isWell(*bytes) : !isDamage(bytes.error())) return bytes;
     if (auto aside = putAside(); !aside) return tl::unexpected(aside.error());
     return failure("read", EBADMSG);
+}
+
+Result<std::string> DurableFile::keepCopy(const std::string& path, std::string_view bytes) {
+    for (int number = 1; number <= asideLimit; ++number) {
+        const std::string aside = asideName(path, number);
+        if (const auto there = read(aside, bytes.size()); there && *there == bytes) return std::string();
+        auto copy = begin(aside);
+        if (!copy) return tl::unexpected(copy.error());
+        if (isThere(copy->m_folder.get(), copy->m_name)) continue;
+        if (auto saved = copy->commit(bytes); !saved) return tl::unexpected(saved.error());
+        return aside;
+    }
+    return tl::unexpected(systemError("copy", path, EEXIST));
+}
+
+Result<std::string> DurableFile::behindOwnLinks(const std::string& path) {
+    constexpr int kMostLinks = 40;  // as many as the kernel follows
+    std::string at = path;
+    for (int links = 0; links < kMostLinks; ++links) {
+        struct stat status {};
+        if (::lstat(at.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return at;
+        if (status.st_uid != ::geteuid()) return tl::unexpected(systemError("readlink", at, EPERM));
+        std::array<char, PATH_MAX> target;
+        const ssize_t length = ::readlink(at.c_str(), target.data(), target.size());
+        if (length < 0) return tl::unexpected(systemError("readlink", at, errno));
+        const std::string next(target.data(), static_cast<std::size_t>(length));
+        at = next.starts_with('/') ? next : joinPath(folderOf(at), next);
+    }
+    return tl::unexpected(systemError("readlink", path, ELOOP));
 }
 
 Result<void> DurableFile::save(const std::string& path, std::string_view bytes) {
@@ -199,10 +249,14 @@ Result<void> DurableFile::checkReplaceable() const {
 
 Result<void> DurableFile::putAside() const {
     if (auto mine = checkReplaceable(); !mine) return mine;
-    if (::renameat(m_folder.get(), m_name.c_str(), m_folder.get(), (m_name + ".bad").c_str()) != 0)
-        return failure("rename", errno);
-    Log::line(fmt::format("{} can not be read and is kept as {}.bad.", m_path, m_path));
-    return {};
+    for (int number = 1; number <= asideLimit; ++number) {
+        const int error = renameToFree(m_folder.get(), m_name, asideName(m_name, number));
+        if (error == EEXIST) continue;
+        if (error != 0) return failure("rename", error);
+        Log::line(fmt::format("{} can not be read and is kept as {}.", m_path, asideName(m_path, number)));
+        return {};
+    }
+    return failure("rename", EEXIST);
 }
 
 }  // namespace orrinvale

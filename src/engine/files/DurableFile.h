@@ -22,15 +22,24 @@ class DurableFile final {
 public:
     using Test = std::function<bool(std::string_view bytes)>;
     enum class Owner : std::uint8_t { Any, Me };
+    static constexpr int asideLimit = 99;
 
     /// The bytes of a regular file. No link is followed, and neither a pipe nor a device can hold the caller up. EFBIG when it
     /// has more than `limit` bytes; EPERM when it must be, and is not, this user's own.
     [[nodiscard]] static Result<std::string> read(const std::string& path, std::size_t limit, Owner owner = Owner::Me);
 
     /// The bytes of this user's file if they pass the test. A file that can not be read, is too large or fails the test is renamed to
-    /// NAME.bad and gives EBADMSG, this once; from then on it is missing. An older NAME.bad goes: there is never a heap of them.
-    /// What is no regular file or another user's is left alone.
+    /// NAME.bad and gives EBADMSG, this once; from then on it is missing. Where a NAME.bad stands, the next is NAME.bad.2, and so on up to
+    /// asideLimit; then nothing more is put aside (EEXIST). What is no regular file or another user's is left alone.
     [[nodiscard]] static Result<std::string> readWell(const std::string& path, std::size_t limit, const Test& isWell);
+
+    /// Keeps these bytes of NAME, which stays as it is, under the next free name of those of readWell(), and gives the path of the copy;
+    /// an empty one when such a copy was there already. Success means that one is on the disk.
+    [[nodiscard]] static Result<std::string> keepCopy(const std::string& path, std::string_view bytes);
+
+    /// Where the path leads by links that this user has made, each of them looked at; the path itself when it is no link, and also
+    /// when nothing is there. EPERM at another user's link, ELOOP when there is no end.
+    [[nodiscard]] static Result<std::string> behindOwnLinks(const std::string& path);
 
     /// begin() and commit().
     [[nodiscard]] static Result<void> save(const std::string& path, std::string_view bytes);

@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::string_view kHead = "# Written whole at every change, so notes added here are lost.\n[Orrinvale]\n";
 constexpr std::string_view kSection = "[Orrinvale]";
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view kBare = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.-";
 
 std::string_view trimmed(std::string_view text) {
@@ -87,6 +88,26 @@ std::optional<std::string> takeQuoted(std::string_view& rest) {
     return std::nullopt;
 }
 
+struct Quotes {
+    std::string_view open;
+    std::string_view close;
+};
+
+// What word processors and some keyboards put in the place of "; between them nothing is an escape.
+constexpr std::array<Quotes, 3> kOtherQuotes{{{"'", "'"}, {"“", "”"}, {"„", "“"}}};
+
+std::optional<std::string> takeOtherQuoted(std::string_view& rest) {
+    for (const Quotes& quotes : kOtherQuotes) {
+        if (!rest.starts_with(quotes.open)) continue;
+        const std::size_t end = rest.find(quotes.close, quotes.open.size());
+        if (end == std::string_view::npos) return std::nullopt;
+        std::string text(rest.substr(quotes.open.size(), end - quotes.open.size()));
+        rest.remove_prefix(end + quotes.close.size());
+        return text;
+    }
+    return std::nullopt;
+}
+
 template <class Number> std::optional<SettingValue> wholeNumber(std::string_view text) {
     Number number{};
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -94,16 +115,57 @@ template <class Number> std::optional<SettingValue> wholeNumber(std::string_view
     return SettingValue(number);
 }
 
+std::string lowerCase(std::string_view text) {
+    std::string out(text);
+    for (char& c : out)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    return out;
+}
+
+std::optional<SettingValue> parseFlag(std::string_view text) {
+    const std::string word = lowerCase(text);
+    if (word == "true" || word == "yes" || word == "on") return SettingValue(true);
+    if (word == "false" || word == "no" || word == "off") return SettingValue(false);
+    return std::nullopt;
+}
+
+// "0,25"; with three digits behind the comma it could be a thousand, unless a lone zero stands before it.
+std::optional<SettingValue> parseCommaDecimal(std::string_view text) {
+    const std::size_t comma = text.find(',');
+    if (comma == std::string_view::npos || text.find('.') != std::string_view::npos) return std::nullopt;
+    const std::string_view before = text.substr(0, comma);
+    const bool mayBeThousands = text.size() - comma == 4 && before != "0" && before != "-0";
+    if (before.empty() || comma + 1 == text.size() || mayBeThousands) return std::nullopt;
+    std::string withPoint(text);
+    withPoint[comma] = '.';
+    return wholeNumber<float>(withPoint);
+}
+
+std::string_view withoutNote(std::string_view text) {
+    for (std::size_t at = text.find_first_of("#;"); at != std::string_view::npos; at = text.find_first_of("#;", at + 1))
+        if (at > 0 && (text[at - 1] == ' ' || text[at - 1] == '\t')) return trimmed(text.substr(0, at));
+    return text;
+}
+
+std::optional<SettingValue> parseQuotedValue(std::string_view text) {
+    auto value = text.starts_with('"') ? takeQuoted(text) : takeOtherQuoted(text);
+    const std::string_view rest = trimmed(text);
+    if (!value || !(rest.empty() || rest.starts_with('#') || rest.starts_with(';'))) return std::nullopt;
+    return SettingValue(std::move(*value));
+}
+
+bool isQuoted(std::string_view text) {
+    return text.starts_with('"') ||
+           std::ranges::any_of(kOtherQuotes, [&](const Quotes& quotes) { return text.starts_with(quotes.open); });
+}
+
 std::optional<SettingValue> parseValue(std::string_view text) {
-    if (text == "true") return SettingValue(true);
-    if (text == "false") return SettingValue(false);
-    if (text.starts_with('"')) {
-        auto value = takeQuoted(text);
-        if (!value || !text.empty()) return std::nullopt;
-        return SettingValue(std::move(*value));
-    }
+    if (isQuoted(text)) return parseQuotedValue(text);
+    text = withoutNote(text);
+    if (auto value = parseFlag(text)) return value;
     if (auto value = wholeNumber<std::int64_t>(text)) return value;
-    return wholeNumber<float>(text);
+    if (auto value = wholeNumber<float>(text)) return value;
+    return parseCommaDecimal(text);
 }
 
 std::optional<std::string> takeKey(std::string_view& line) {
@@ -126,6 +188,13 @@ bool parseLine(std::string_view line, SettingValues& values) {
     return true;
 }
 
+std::string_view takeLine(std::string_view& text) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    const std::string_view line = trimmed(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
+    return line;
+}
+
 }  // namespace
 
 std::string printSettings(const SettingValues& values) {
@@ -137,20 +206,25 @@ std::string printSettings(const SettingValues& values) {
     return out;
 }
 
-std::optional<SettingValues> parseSettings(std::string_view text) {
+std::optional<ParsedSettings> parseSettings(std::string_view text) {
     if (text.size() > kSettingsTextLimit) return std::nullopt;
-    SettingValues values;
-    bool isInSection = false;
-    while (!text.empty()) {
-        const std::size_t end = std::min(text.find('\n'), text.size());
-        const std::string_view line = trimmed(text.substr(0, end));
-        text.remove_prefix(std::min(end + 1, text.size()));
+    if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+    ParsedSettings parsed;
+    bool hasSection = false;
+    bool isInAnother = false;
+    for (std::size_t number = 1; !text.empty(); ++number) {
+        const std::string_view line = takeLine(text);
         if (line.empty() || line.starts_with('#') || line.starts_with(';')) continue;
-        if (line == kSection) isInSection = true;
-        else if (!isInSection || !parseLine(line, values)) return std::nullopt;
+        if (line == kSection) {
+            hasSection = true;
+            isInAnother = false;
+            continue;
+        }
+        isInAnother = isInAnother || line.starts_with('[');
+        if (isInAnother || !parseLine(line, parsed.values)) parsed.badLines.push_back(number);
     }
-    if (!isInSection) return std::nullopt;
-    return values;
+    if (!hasSection && parsed.values.empty()) return std::nullopt;
+    return parsed;
 }
 
 }  // namespace orrinvale

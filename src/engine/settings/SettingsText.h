@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "engine/settings/SettingValue.h"
 
@@ -18,8 +19,16 @@ inline constexpr std::size_t kSettingsTextLimit = std::size_t{1} << 20U;
 /// A key of other characters than letters, digits, _ . and - is quoted like a text.
 [[nodiscard]] std::string printSettings(const SettingValues& values);
 
-/// Reads it back; spaces, blank lines and lines that begin with # or ; do not matter, and of a key given twice the last one holds.
-/// Nothing when the text is too large, the section is missing, or any line has another form: half a file is not guessed at.
-[[nodiscard]] std::optional<SettingValues> parseSettings(std::string_view text);
+/// What a text holds.
+struct ParsedSettings {
+    SettingValues values;
+    std::vector<std::size_t> badLines;  ///< the numbers, from 1 on, of the lines that could not be read
+};
+
+/// Reads it back; of a key given twice the last one holds. Read as well is what people and their editors write: a byte order mark, any
+/// line ends, blank lines, notes behind # or ;, a missing section line, YES, No, on and off in any case, 0,5 for 0.5, and texts in
+/// 'single', “curved” or „low“ quotation marks, as they stand in them. "1,000" may be one or a thousand and is a bad line, as is
+/// every line below another section. Nothing when the text is too large, or holds neither the section nor a setting.
+[[nodiscard]] std::optional<ParsedSettings> parseSettings(std::string_view text);
 
 }  // namespace orrinvale

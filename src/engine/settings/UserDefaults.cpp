@@ -2,6 +2,7 @@
 #include "engine/settings/UserDefaults.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <atomic>
 #include <cerrno>
@@ -23,6 +24,18 @@ std::atomic<UserDefaults*> replacement{nullptr};
 constexpr const char* kAllKeys = "";
 
 bool isReadable(std::string_view text) { return parseSettings(text).has_value(); }
+
+// A text with lines that can not be read is kept, once, before anything is written in its place.
+Result<void> keepBadLines(const std::string& path, const std::string& text) {
+    const auto parsed = parseSettings(text);
+    if (!parsed || parsed->badLines.empty()) return {};
+    const auto copy = DurableFile::keepCopy(path, text);
+    if (!copy) return tl::unexpected(copy.error());
+    if (!copy->empty())
+        Log::line(fmt::format("{}: line {} can not be read, the others hold. A copy is kept as {}.", path,
+                              fmt::join(parsed->badLines, ", "), *copy));
+    return {};
+}
 
 SettingObject valueIn(const SettingValues& values, std::string_view key) {
     const auto found = values.find(key);
@@ -123,22 +136,34 @@ Result<std::vector<std::string>> UserDefaults::exchange() {
 
 // A missing file holds nothing. In the place of a damaged one, which stands aside now, what is known of it holds on.
 Result<SettingValues> UserDefaults::storedNow(Result<std::string> text) const {
-    if (text) return parseSettings(*text).value_or(SettingValues{});
+    if (text) return parseSettings(*text).value_or(ParsedSettings{}).values;
     if (text.error().kind == ErrorKind::NotFound) return SettingValues{};
     if (text.error().number != EBADMSG) return tl::unexpected(std::move(text.error()));
     const std::lock_guard lock(m_mutex);
     return m_stored;
 }
 
+Result<std::string> UserDefaults::filePath() const { return DurableFile::behindOwnLinks(m_path); }
+
 Result<SettingValues> UserDefaults::read() const {
-    return storedNow(DurableFile::readWell(m_path, kSettingsTextLimit, isReadable));
+    const auto path = filePath();
+    if (!path) return tl::unexpected(path.error());
+    auto text = DurableFile::readWell(*path, kSettingsTextLimit, isReadable);
+    // The file stays as it is, so that nothing is lost yet where no copy can be made.
+    if (text) (void)keepBadLines(*path, *text);
+    return storedNow(std::move(text));
 }
 
 Result<SettingValues> UserDefaults::write(const SettingValues& changes) const {
     if (auto made = DurableFile::makeFolder(folderOf(m_path)); !made) return tl::unexpected(std::move(made.error()));
-    auto file = DurableFile::begin(m_path);
+    const auto path = filePath();
+    if (!path) return tl::unexpected(path.error());
+    auto file = DurableFile::begin(*path);
     if (!file) return tl::unexpected(std::move(file.error()));
-    auto stored = storedNow(file->current(kSettingsTextLimit, isReadable));
+    auto current = file->current(kSettingsTextLimit, isReadable);
+    if (current)
+        if (auto kept = keepBadLines(*path, *current); !kept) return tl::unexpected(std::move(kept.error()));
+    auto stored = storedNow(std::move(current));
     if (!stored) return stored;
     for (const auto& [key, value] : changes) stored->insert_or_assign(key, value);
     const std::string text = printSettings(*stored);

@@ -33,7 +33,9 @@ public:
     /// owned; they must outlive their use. Null gives the user's own back.
     static void setStandardUserDefaults(UserDefaults* defaults);
 
-    /// Reads the file. One that is damaged is put aside (see DurableFile); without a file everything reads as registered.
+    /// Reads the file. Without one everything reads as registered, as it does when the file can not be read at all, which is then put
+    /// aside (see DurableFile). Of a file with bad lines the others hold, and the log says which are bad; before they are written over,
+    /// a copy with them is kept.
     explicit UserDefaults(std::string path);
     ~UserDefaults();
     UserDefaults(const UserDefaults&) = delete;
@@ -68,6 +70,9 @@ public:
     [[nodiscard]] Observation addObserverOfAll(Handler handler);
 
     [[nodiscard]] const std::string& path() const { return m_path; }
+
+    /// The file itself: where path() is a link of this user's, what it leads to. Asked anew at every call.
+    [[nodiscard]] Result<std::string> filePath() const;
 
 private:
     [[nodiscard]] SettingObject lookUp(std::string_view key) const;  // with m_mutex held

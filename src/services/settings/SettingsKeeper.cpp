@@ -5,7 +5,6 @@
 
 #include <QCoreApplication>
 #include <QFile>
-#include <QFileInfo>
 #include <array>
 #include <chrono>
 #include <cstdint>
@@ -20,6 +19,9 @@ namespace {
 
 constexpr std::chrono::milliseconds kSettle{50};  // one save makes several notices
 constexpr std::chrono::milliseconds kSaveDelay{1000};
+
+// The settings themselves, behind a link of the user's; a link that may not be followed stands for itself.
+std::string fileOf(const UserDefaults& defaults) { return defaults.filePath().value_or(defaults.path()); }
 
 // What changes with every new content of the file; zeros while there is none.
 std::array<std::int64_t, 5> stampOf(const std::string& path) {
@@ -70,19 +72,24 @@ SettingsKeeper::~SettingsKeeper() {
     save();
 }
 
-// A replaced file is watched no longer, so this is done again after each change.
+// A replaced file is watched no longer, so this is done again after each change. The folder of a link tells when it leads elsewhere.
 void SettingsKeeper::watch() {
-    const std::string& path = m_defaults.path();
-    const QString file = QFile::decodeName(path.c_str());
-    const QString folder = QFileInfo(file).path();
-    if (!m_watcher.directories().contains(folder) && DurableFile::makeFolder(folderOf(path))) m_watcher.addPath(folder);
-    if (QFile::exists(file) && !m_watcher.files().contains(file)) m_watcher.addPath(file);
+    const std::string file = fileOf(m_defaults);
+    if (DurableFile::makeFolder(folderOf(m_defaults.path()))) watchPath(folderOf(m_defaults.path()));
+    watchPath(folderOf(file));
+    watchPath(file);
+}
+
+void SettingsKeeper::watchPath(const std::string& path) {
+    const QString name = QFile::decodeName(path.c_str());
+    const bool isWatched = m_watcher.files().contains(name) || m_watcher.directories().contains(name);
+    if (!isWatched && QFile::exists(name)) m_watcher.addPath(name);
 }
 
 // A folder in which a file can not be put right would otherwise answer each attempt with a notice.
 void SettingsKeeper::takeOver() {
     watch();
-    const Stamp stamp = stampOf(m_defaults.path());
+    const Stamp stamp = stampOf(fileOf(m_defaults));
     if (std::exchange(m_stamp, stamp) == stamp) return;
     // Ours goes along with it: both are one exchange under one lock. An error is logged there.
     (void)m_defaults.synchronize();

@@ -30,6 +30,7 @@ private:
     struct Link;
     using Stamp = std::array<std::int64_t, 5>;
     void watch();
+    void watchPath(const std::string& path);
     void takeOver();
     void save();
 

@@ -208,17 +208,28 @@ TEST(DurableFile, RestsOfOthersDoNotLeakIntoASave) {
 TEST(DurableFile, DamagedFilesAreKeptAside) {
     TestTree tree;
     const auto isGood = [](std::string_view bytes) { return bytes == "good"; };
+    std::string aside = "f.bad";
     for (const std::string& bad : {std::string("garbage"), std::string(), std::string(kLimit + 1, 'x')}) {
         ASSERT_TRUE(tree.write("f", bad));
         const auto first = DurableFile::readWell(tree.at("f"), kLimit, isGood);
         EXPECT_TRUE(!first && first.error().number == EBADMSG);
         const auto second = DurableFile::readWell(tree.at("f"), kLimit, isGood);
         EXPECT_TRUE(!second && second.error().kind == ErrorKind::NotFound);
-        EXPECT_EQ(contentOf(tree.at("f.bad")), bad);
+        EXPECT_EQ(contentOf(tree.at(aside)), bad);
+        aside = aside == "f.bad" ? "f.bad.2" : "f.bad.3";
     }
     ASSERT_TRUE(tree.write("f", "good"));
     EXPECT_EQ(DurableFile::readWell(tree.at("f"), kLimit, isGood).value_or(""), "good");
-    EXPECT_EQ(namesIn(tree.path()), (std::set<std::string>{"f", "f.bad"}));
+    EXPECT_EQ(namesIn(tree.path()), (std::set<std::string>{"f", "f.bad", "f.bad.2", "f.bad.3"}));
+    EXPECT_EQ(DurableFile::keepCopy(tree.at("f"), "garbage").value_or("-"), "") << "that one is there";
+    EXPECT_EQ(DurableFile::keepCopy(tree.at("f"), "other").value_or("-"), tree.at("f.bad.4"));
+    EXPECT_EQ(contentOf(tree.at("f.bad.4")), "other");
+    for (int number = 5; number <= DurableFile::asideLimit; ++number)
+        ASSERT_TRUE(tree.write("f.bad." + std::to_string(number), std::to_string(number)));
+    EXPECT_FALSE(DurableFile::keepCopy(tree.at("f"), "one too many"));
+    ASSERT_TRUE(tree.write("f", "bad"));
+    EXPECT_FALSE(DurableFile::readWell(tree.at("f"), kLimit, isGood));
+    EXPECT_EQ(contentOf(tree.at("f")), "bad");
 }
 
 TEST(DurableFile, WritersOfOneFileTakeTurns) {

@@ -6,7 +6,9 @@
 
 #include <cstdlib>
 #include <map>
+#include <regex>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -15,6 +17,7 @@
 #include "engine/settings/NetworkProbe.h"
 #include "engine/settings/PreferenceViewController.h"
 #include "engine/settings/SettingsKeys.h"
+#include "engine/settings/SettingsText.h"
 #include "engine/settings/TCPublicUtilities.h"
 #include "engine/settings/UserDefaults.h"
 #include "engine/settings/UserFolders.h"
@@ -55,6 +58,39 @@ TEST_F(AccessorsTest, FreshAccount) {
     for (const char* key : {"openAtStartup", "fade", "shiftSlowsAnimation"})
         EXPECT_TRUE(defaults.boolForKey(key)) << key;
     EXPECT_FALSE(defaults.isUnsaved());
+}
+
+// A row of the guide's tables of settings: "| `key` | meaning | `default` ... |".
+std::map<std::string, std::string> defaultsInTheGuide() {
+    std::map<std::string, std::string> rows;
+    std::istringstream guide(testing::contentOf(ORRINVALE_SOURCES "/../docs/user-guide.md"));
+    const std::regex row("\\| `(\\w+)` \\| [^|]+ \\| (?:`([^`]+)`|none)[^|]*\\|");
+    bool isInSettings = false;
+    for (std::string line; std::getline(guide, line);) {
+        if (line.starts_with("## ")) isInSettings = line == "## Settings";
+        std::smatch found;
+        if (isInSettings && std::regex_match(line, found, row)) rows[found[1]] = found[2];
+    }
+    return rows;
+}
+
+TEST_F(AccessorsTest, TheGuideTellsEveryKeyAndItsDefault) {
+    PreferenceViewController::initialize();
+    registerPreferencesWindowDefaults();
+    std::map<std::string, std::string> expected;
+    const std::string keys = testing::contentOf(ORRINVALE_SOURCES "/engine/settings/SettingsKeys.h");
+    const std::regex key("const char\\* \\w+ = \"(\\w+)\"");
+    for (std::sregex_iterator each(keys.begin(), keys.end(), key); each != std::sregex_iterator(); ++each) {
+        const std::string name = (*each)[1];
+        const SettingObject value = defaults.objectForKey(name);
+        const bool isText = value && std::holds_alternative<std::string>(*value);
+        expected[name] = !value   ? ""
+                         : isText ? (boolOf(*value) ? "true" : "false")
+                                  : printSettings({{"v", *value}}).substr(printSettings({}).size() + 4);
+        if (expected[name].ends_with('\n')) expected[name].pop_back();
+    }
+    EXPECT_GT(expected.size(), 30U);
+    EXPECT_EQ(defaultsInTheGuide(), expected);
 }
 
 TEST_F(AccessorsTest, CategoriesKeepTheirNumberAndCountAsThere) {

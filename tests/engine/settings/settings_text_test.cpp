@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <vector>
 
 #include "engine/settings/SettingsText.h"
 #include "engine/settings/UnitTags.h"
@@ -24,27 +25,77 @@ TEST(SettingsText, EveryValueComesBackAsItWas) {
         values.emplace(text, Int{1});
     }
     const auto again = parseSettings(printSettings(values));
-    ASSERT_TRUE(again);
-    EXPECT_EQ(again->size(), values.size());
+    ASSERT_TRUE(again && again->badLines.empty());
+    EXPECT_EQ(again->values.size(), values.size());
     for (const auto& [key, value] : values) {
-        ASSERT_TRUE(again->contains(key)) << key;
-        EXPECT_TRUE(isSame(again->at(key), value)) << key;
+        ASSERT_TRUE(again->values.contains(key)) << key;
+        EXPECT_TRUE(isSame(again->values.at(key), value)) << key;
     }
 }
 
 TEST(SettingsText, HandWrittenFiles) {
-    const auto values = parseSettings("; note\r\n\r\n [Orrinvale] \r\na=1\r\n\tb\t=  1.5e1 \n\"c d\"=\"x\" \na = 2");
-    const SettingValues expected{{"a", Int{2}}, {"b", 15.0F}, {"c d", std::string("x")}};
-    EXPECT_EQ(values, expected);
-    EXPECT_EQ(parseSettings("[Orrinvale]"), SettingValues{});
+    const auto parsed = parseSettings("; note\r\n\r\n [Orrinvale] \r\na=1\r\n\tb\t=  1.5e1 \n\"c d\"=\"x\" \na = 2");
+    ASSERT_TRUE(parsed && parsed->badLines.empty());
+    EXPECT_EQ(parsed->values, (SettingValues{{"a", Int{2}}, {"b", 15.0F}, {"c d", std::string("x")}}));
+    const struct {
+        const char* text;
+        SettingValue value;
+    } cases[] = {
+        {"YES", true},
+        {"no", false},
+        {"On", true},
+        {"OFF", false},
+        {"True", true},
+        {"0,25", 0.25F},
+        {"-1,5", -1.5F},
+        {"0,125", 0.125F},
+        {"7 # note", Int{7}},
+        {"0.5\t; note", 0.5F},
+        {"\"a # b\" ; note", std::string("a # b")},
+        {"'it is \"so\" \\n'", std::string("it is \"so\" \\n")},
+        {"“curved”", std::string("curved")},
+        {"„low“", std::string("low")},
+    };
+    for (const auto& each : cases)
+        for (const char* head : {"[Orrinvale]\n", "\xEF\xBB\xBF[Orrinvale]\r\n", "", "\xEF\xBB\xBF"}) {
+            const auto one = parseSettings(head + std::string("a = ") + each.text + "\r\n");
+            ASSERT_TRUE(one) << each.text;
+            EXPECT_EQ(one->values, (SettingValues{{"a", each.value}})) << head << each.text;
+        }
 }
 
-TEST(SettingsText, OneBadLineMakesTheFileBad) {
-    for (const char* line :
-         {"x", "= 1", "a =", "a = yes", "a = 1,5", "a = 0x10", "a = 1e99", "a = 99999999999999999999x", "a = \"",
-          "a = \"b\" c", "a = \"\\q\"", "a = \"\\x4\"", "a b = 1", "[General]", "\x7F"})
-        EXPECT_FALSE(parseSettings(std::string("[Orrinvale]\nok = 1\n") + line + "\n")) << line;
-    for (const std::string& text : {std::string(), std::string("a = 1\n[Orrinvale]\n"), std::string("\0\0\0", 3),
+TEST(SettingsText, ABadLineCostsItselfAlone) {
+    for (const char* line : {"x",
+                             "= 1",
+                             "a =",
+                             "a = maybe",
+                             "a = 1,000",
+                             "a = 1,2,3",
+                             "a = 1.5,2",
+                             "a = ,5",
+                             "a = 0x10",
+                             "a = 1e99",
+                             "a = 99999999999999999999x",
+                             "a = \"",
+                             "a = \"b\" c",
+                             "a = \"\\q\"",
+                             "a = \"\\x4\"",
+                             "a = 'b",
+                             "a = 1#2",
+                             "a b = 1",
+                             "\x7F",
+                             "\xFF\xFE[\1"}) {
+        const auto parsed = parseSettings(std::string("[Orrinvale]\nok = 1\n") + line + "\nlast = 2\n");
+        ASSERT_TRUE(parsed) << line;
+        EXPECT_EQ(parsed->values, (SettingValues{{"ok", Int{1}}, {"last", Int{2}}})) << line;
+        EXPECT_EQ(parsed->badLines, std::vector<std::size_t>{3}) << line;
+    }
+    const auto sections = parseSettings("a = 1\n[General]\nb = 1\n[Orrinvale]\nc = 1\n");
+    ASSERT_TRUE(sections);
+    EXPECT_EQ(sections->values, (SettingValues{{"a", Int{1}}, {"c", Int{1}}}));
+    EXPECT_EQ(sections->badLines, (std::vector<std::size_t>{2, 3}));
+    EXPECT_TRUE(parseSettings("[Orrinvale]"));
+    for (const std::string& text : {std::string(), std::string("garbage\n"), std::string("\0\0\0", 3),
                                     "[Orrinvale]\n#" + std::string(kSettingsTextLimit, 'x')})
         EXPECT_FALSE(parseSettings(text)) << text.substr(0, 20);
 }

@@ -15,6 +15,7 @@
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/SettingsText.h"
 #include "engine/settings/UserDefaults.h"
+#include "support/LogLines.h"
 #include "support/TestTree.h"
 
 namespace orrinvale {
@@ -23,6 +24,10 @@ namespace {
 using testing::contentOf;
 using testing::TestTree;
 using Int = std::int64_t;
+
+SettingValues storedIn(const std::string& path) {
+    return parseSettings(contentOf(path)).value_or(ParsedSettings{}).values;
+}
 
 struct UserDefaultsTest : ::testing::Test {
     TestTree tree;
@@ -41,7 +46,7 @@ TEST_F(UserDefaultsTest, RegisteredValuesAreNotWrittenAndSetOnesAre) {
     EXPECT_TRUE(defaults.isUnsaved());
     ASSERT_TRUE(defaults.synchronize());
     EXPECT_FALSE(defaults.isUnsaved());
-    EXPECT_EQ(parseSettings(contentOf(path)), (SettingValues{{"a", Int{2}}, {"share", 0.25F}}));
+    EXPECT_EQ(storedIn(path), (SettingValues{{"a", Int{2}}, {"share", 0.25F}}));
     struct stat status {};
     ASSERT_EQ(::stat(path.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 077U, 0U) << "others can read it";
@@ -74,7 +79,7 @@ TEST_F(UserDefaultsTest, ChangesOfTwoProcessesMeet) {
               "");
     ASSERT_TRUE(ours.synchronize());
     EXPECT_EQ(fired, std::vector<std::string>{"fade on"});
-    EXPECT_EQ(parseSettings(contentOf(path)), (SettingValues{{"both", Int{2}}, {"fade", true}, {"kept", Int{1}}}));
+    EXPECT_EQ(storedIn(path), (SettingValues{{"both", Int{2}}, {"fade", true}, {"kept", Int{1}}}));
     // A file that the user has thrown away is a file without settings.
     ASSERT_EQ(::unlink(path.c_str()), 0);
     ASSERT_TRUE(ours.synchronize());
@@ -100,20 +105,87 @@ TEST_F(UserDefaultsTest, ObserversHearChangesOnlyAndOnlyWhileTheyAreKept) {
 }
 
 TEST_F(UserDefaultsTest, DamagedFilesAreSetAsideAndDefaultsHold) {
+    ASSERT_TRUE(tree.write("f/settings.ini.bad", "older") && tree.folder("f/settings.ini.bad.2"));
+    int kept = 2;
     for (const std::string& bytes :
          {std::string("garbage"), std::string(), std::string(std::size_t{10'000'000}, 'x')}) {
         ASSERT_TRUE(tree.write("f/settings.ini", bytes));
         UserDefaults defaults(tree.at("f/settings.ini"));
         defaults.registerDefaults({{"a", Int{7}}});
         EXPECT_EQ(defaults.integerForKey("a"), 7);
-        EXPECT_EQ(contentOf(tree.at("f/settings.ini.bad")), bytes);
+        EXPECT_EQ(contentOf(tree.at("f/settings.ini.bad." + std::to_string(++kept))), bytes);
         defaults.setInteger(8, "b");
         EXPECT_TRUE(defaults.synchronize());
         // Damaged while we run: what we know of it is written again.
         ASSERT_TRUE(tree.write("f/settings.ini", "x"));
         defaults.setInteger(9, "c");
         EXPECT_TRUE(defaults.synchronize());
-        EXPECT_EQ(parseSettings(contentOf(tree.at("f/settings.ini"))), (SettingValues{{"b", Int{8}}, {"c", Int{9}}}));
+        EXPECT_EQ(contentOf(tree.at("f/settings.ini.bad." + std::to_string(++kept))), "x");
+        EXPECT_EQ(storedIn(tree.at("f/settings.ini")), (SettingValues{{"b", Int{8}}, {"c", Int{9}}}));
+    }
+    EXPECT_EQ(contentOf(tree.at("f/settings.ini.bad")), "older");
+}
+
+TEST_F(UserDefaultsTest, OfAFileWithABadLineTheOthersHoldAndACopyIsKeptOnce) {
+    const std::string text = "[Orrinvale]\nSpaceAlarm = 0,2\nfade = perhaps\nmine = 3\n";
+    ASSERT_TRUE(tree.write("f/settings.ini", text) && tree.write("f/settings.ini.bad", "older"));
+    const std::string file = tree.at("f/settings.ini");
+    testing::LogLines log;
+    UserDefaults defaults(file);
+    EXPECT_EQ(defaults.floatForKey("SpaceAlarm"), 0.2F);
+    EXPECT_EQ(defaults.integerForKey("mine"), 3);
+    ASSERT_EQ(log.lines.size(), 1U);
+    EXPECT_EQ(log.lines.front(),
+              file + ": line 3 can not be read, the others hold. A copy is kept as " + file + ".bad.2.");
+    EXPECT_TRUE(defaults.synchronize());
+    EXPECT_EQ(contentOf(file), text) << "reading alone changes nothing";
+    defaults.setInteger(4, "mine");
+    EXPECT_TRUE(defaults.synchronize());
+    EXPECT_EQ(storedIn(file), (SettingValues{{"SpaceAlarm", 0.2F}, {"mine", Int{4}}}));
+    EXPECT_EQ(contentOf(file + ".bad.2"), text);
+    EXPECT_EQ(contentOf(file + ".bad"), "older");
+    EXPECT_FALSE(std::filesystem::exists(file + ".bad.3"));
+    EXPECT_EQ(log.lines.size(), 1U);
+}
+
+// Without a copy a save would be the end of what somebody typed.
+TEST_F(UserDefaultsTest, ABadLineThatCanNotBeKeptIsNotWrittenOver) {
+    const std::string text = "[Orrinvale]\nmine = 3\nfade = perhaps\n";
+    ASSERT_TRUE(tree.write("f/settings.ini", text) && tree.folder("f/settings.ini.bad.new"));
+    UserDefaults defaults(tree.at("f/settings.ini"));
+    EXPECT_EQ(defaults.integerForKey("mine"), 3);
+    defaults.setInteger(4, "mine");
+    EXPECT_FALSE(defaults.synchronize());
+    EXPECT_EQ(contentOf(tree.at("f/settings.ini")), text);
+}
+
+TEST_F(UserDefaultsTest, OnesOwnLinkIsFollowedToOnesOwnFile) {
+    ASSERT_TRUE(tree.write("dots/real.ini", "[Orrinvale]\nk = 1\n") && tree.symlink("real.ini", "dots/middle") &&
+                tree.folder("f") && tree.symlink("../dots/middle", "f/settings.ini") &&
+                tree.symlink("../dots/none.ini", "f/new.ini") && tree.symlink("loop", "f/loop"));
+    UserDefaults defaults(tree.at("f/settings.ini"));
+    EXPECT_EQ(defaults.integerForKey("k"), 1);
+    defaults.setInteger(2, "k");
+    EXPECT_TRUE(defaults.synchronize());
+    EXPECT_EQ(storedIn(tree.at("dots/real.ini")), (SettingValues{{"k", Int{2}}}));
+    EXPECT_TRUE(std::filesystem::is_symlink(tree.at("f/settings.ini")) &&
+                std::filesystem::is_symlink(tree.at("dots/middle")));
+    UserDefaults dangling(tree.at("f/new.ini"));
+    dangling.setInteger(3, "k");
+    EXPECT_TRUE(dangling.synchronize());
+    EXPECT_EQ(storedIn(tree.at("dots/none.ini")), (SettingValues{{"k", Int{3}}}));
+    UserDefaults endless(tree.at("f/loop"));
+    endless.setInteger(4, "k");
+    EXPECT_FALSE(endless.synchronize());
+    if (::geteuid() != 0) GTEST_SKIP() << "only root can make files of another user";
+    for (const char* name : {"dots/real.ini", "f/settings.ini"}) {
+        ASSERT_EQ(::lchown(tree.at(name).c_str(), 65534, 65534), 0);
+        UserDefaults others(tree.at("f/settings.ini"));
+        EXPECT_EQ(others.integerForKey("k"), 0) << name;
+        others.setInteger(5, "k");
+        EXPECT_FALSE(others.synchronize()) << name;
+        EXPECT_EQ(storedIn(tree.at("dots/real.ini")), (SettingValues{{"k", Int{2}}})) << name;
+        ASSERT_EQ(::lchown(tree.at(name).c_str(), 0, 0), 0);
     }
 }
 
@@ -160,7 +232,7 @@ TEST_F(UserDefaultsTest, ManyThreadsAndProcessesLoseNothing) {
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(good, 4);
     const Int last = kRounds;
-    EXPECT_EQ(parseSettings(contentOf(path)), (SettingValues{{"a", last}, {"b", last}, {"c", last}, {"d", last}}));
+    EXPECT_EQ(storedIn(path), (SettingValues{{"a", last}, {"b", last}, {"c", last}, {"d", last}}));
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // The keeper on real files: another process's change reaches the observers, and what nobody saved is saved.
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
 #include <QEventLoop>
 #include <QTimer>
 #include <atomic>
@@ -77,10 +78,42 @@ TEST_F(SettingsKeeperTest, TheEndSavesWhatIsLeft) {
     EXPECT_EQ(UserDefaults(path).integerForKey("row"), 5);
 }
 
+TEST_F(SettingsKeeperTest, WhatWasLeftBeforeItsStartIsTakenUp) {
+    defaults.setInteger(4, "ours");
+    ASSERT_EQ(storeElsewhere("theirs", true), "");
+    const SettingsKeeper keeper(defaults);
+    EXPECT_TRUE(waitFor([&] { return defaults.boolForKey("theirs"); }));
+    EXPECT_TRUE(waitFor([&] { return UserDefaults(path).integerForKey("ours") == 4; }));
+}
+
+TEST_F(SettingsKeeperTest, TheEndOfTheApplicationSaves) {
+    const SettingsKeeper keeper(defaults);
+    defaults.setInteger(5, "row");
+    QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+    QCoreApplication::exec();
+    EXPECT_EQ(UserDefaults(path).integerForKey("row"), 5);
+}
+
+TEST_F(SettingsKeeperTest, BehindALinkTheFileIsHeard) {
+    ASSERT_TRUE(tree.folder("dots") && tree.folder("com.kelpford.Orrinvale") &&
+                tree.symlink("../dots/real.ini", "com.kelpford.Orrinvale/settings.ini"));
+    UserDefaults linked(path);
+    const SettingsKeeper keeper(linked);
+    for (const char* text : {"[Orrinvale]\nrow = 1\n", "[Orrinvale]\nrow = 2\n"}) {
+        // As editors do: a new file in the place of the old one.
+        ASSERT_TRUE(tree.write("dots/new.ini", text));
+        std::filesystem::rename(tree.at("dots/new.ini"), tree.at("dots/real.ini"));
+        EXPECT_TRUE(waitFor([&] { return linked.integerForKey("row") == text[18] - '0'; })) << text;
+    }
+    ASSERT_TRUE(tree.write("dots/other.ini", "[Orrinvale]\nrow = 3\n"));
+    std::filesystem::remove(path);
+    ASSERT_TRUE(tree.symlink("../dots/other.ini", "com.kelpford.Orrinvale/settings.ini"));
+    EXPECT_TRUE(waitFor([&] { return linked.integerForKey("row") == 3; })) << "the link leads elsewhere now";
+}
+
 // An attempt makes and removes a file in the folder, which must not be taken for the next change.
 TEST_F(SettingsKeeperTest, AFileThatCanNotBePutRightCostsOneAttempt) {
-    ASSERT_TRUE(tree.write("com.kelpford.Orrinvale/settings.ini.bad/x", "") &&
-                tree.write("com.kelpford.Orrinvale/settings.ini", "garbage"));
+    ASSERT_TRUE(tree.folder("com.kelpford.Orrinvale/settings.ini"));
     const SettingsKeeper keeper(defaults);
     std::atomic<int> attempts{0};
     Log::setEnabled(true);
