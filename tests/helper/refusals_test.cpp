@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sched.h>
 #include <sys/mount.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -10,6 +11,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>
@@ -218,6 +220,39 @@ TEST_F(HelperRefuses, ProtectedPlaces) {
     EXPECT_TRUE(isThere(tree.at("outer/mount/file")));
     EXPECT_EQ(helper.ask(tree.at("outer/mount/file")).outcome, Outcome::Removed);
     EXPECT_EQ(::umount(mount.c_str()), 0);
+}
+
+// In a root of its own over the machine's, so that a helper that does wrong does it there.
+TEST_F(HelperRefuses, PartsOfTheSystem) {
+    TestTree layer("/dev/shm");
+    for (const char* folder : {"upper", "work", "root"}) ASSERT_TRUE(layer.folder(folder));
+    const std::string told = runInChild({}, [&]() -> std::string {
+        const std::string root = layer.at("root");
+        const std::string options = "lowerdir=/,upperdir=" + layer.at("upper") + ",workdir=" + layer.at("work");
+        const std::string programs = std::string(ORRINVALE_HELPER).substr(0, std::string(ORRINVALE_HELPER).rfind('/'));
+        if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            ::mount("none", root.c_str(), "overlay", 0, options.c_str()) != 0)
+            return "skipped: no layers here";
+        for (const std::string& each : {std::string("/proc"), std::string("/dev"), programs}) {
+            std::filesystem::create_directories(root + each);
+            if (::mount(each.c_str(), (root + each).c_str(), nullptr, MS_BIND | MS_REC, nullptr) != 0) return each;
+        }
+        if (::chroot(root.c_str()) != 0 || ::chdir("/") != 0) return "no root";
+        const HelperRun helper(0);
+        std::string wrong;
+        for (const char* const place :
+             {"/srv", "/opt", "/boot", "/mnt", "/var/log", "/usr/local", "/usr/lib", "/usr"}) {
+            std::filesystem::create_directories(place);
+            const HelperReply reply = helper.ask(place);
+            if (reply.outcome != Outcome::Refused || !isThere(place)) wrong += std::string(place) + ' ' + reply.text;
+            const std::string inside = std::string(place) + "/orrinvale";
+            std::filesystem::create_directories(inside);
+            if (helper.ask(inside).outcome != Outcome::Removed) wrong += " not " + inside;
+        }
+        return wrong;
+    });
+    if (told.starts_with("skipped")) GTEST_SKIP() << told;
+    EXPECT_EQ(told, "");
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include "engine/files/FolderNode.h"
 #include "engine/files/TreeLister.h"
 #include "engine/files/accounts.h"
+#include "engine/files/systemPlaces.h"
 
 namespace orrinvale {
 namespace {
@@ -20,6 +21,7 @@ namespace {
 constexpr std::string_view mountReason = "a mount point";
 constexpr std::string_view homeReason = "a home folder";
 constexpr std::string_view kernelReason = "a folder of the kernel";
+constexpr std::string_view systemReason = "part of the system";
 constexpr std::string_view ownReason = "one of the program's own files";
 constexpr int mostLinks = 40;  // as the kernel, path_resolution(7)
 constexpr std::size_t mostOfUserTable = std::size_t{16} << 20U;
@@ -60,7 +62,10 @@ bool isWithinAny(std::string_view path, const std::vector<std::string>& folders)
 ProtectedPlaces ProtectedPlaces::ofThisMachine(const FileSystem& files, const std::vector<std::string>& ownFiles) {
     // What comes later gives its reason to a place that is several things.
     ProtectedPlaces places;
-    places.addMounts(files);
+    const std::vector<MountPoint> mounts =
+        places.learnMounts(files);  // first of all: from then on it is known what may hang
+    for (const std::string_view path : systemPlaces()) places.add(files, path, std::string(systemReason));
+    for (const MountPoint& mount : mounts) places.protect(files, mount.path, std::string(mountReason));
     places.addHomes(files);  // accounts of the system have theirs in odd places, /dev among them
     for (const std::string& path : ownFiles) places.addOwnFile(files, path);
     places.addKernelPlaces(files);
@@ -68,13 +73,13 @@ ProtectedPlaces ProtectedPlaces::ofThisMachine(const FileSystem& files, const st
     return places;
 }
 
-void ProtectedPlaces::addMounts(const FileSystem& files) {
-    const auto mounts = files.mountPoints();
+std::vector<MountPoint> ProtectedPlaces::learnMounts(const FileSystem& files) {
+    auto mounts = files.mountPoints();
     m_blind = !mounts || mounts->empty();
-    if (m_blind) return;
+    if (m_blind) return {};
     for (const MountPoint& mount : *mounts)
         if (mount.mayHang && mount.path != "/") m_mayHang.push_back(mount.path);  // without its root nothing answers
-    for (const MountPoint& mount : *mounts) protect(files, mount.path, std::string(mountReason));
+    return std::move(*mounts);
 }
 
 void ProtectedPlaces::addKernelPlaces(const FileSystem& files) {

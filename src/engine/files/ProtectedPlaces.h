@@ -16,7 +16,7 @@
 namespace orrinvale {
 
 /// The root, mount points and folders with a mount below, home folders, the program's own files, the kernel's folders with all
-/// that is in them, and every folder above one of these. Compared by device and inode as well as by spelling, so that neither a
+/// that is in them, systemPlaces(), and every folder above one of these. Compared by device and inode as well as by spelling, so that neither a
 /// bind mount nor another way of writing the path leads around it. A snapshot of one moment: make it anew for each removal
 /// that a person confirms. Not changed after it is made, so any thread may ask.
 class ProtectedPlaces final {
@@ -42,7 +42,7 @@ public:
 private:
     using Identity = std::pair<std::uint64_t, std::uint64_t>;  // device, inode
 
-    void addMounts(const FileSystem& files);
+    [[nodiscard]] std::vector<MountPoint> learnMounts(const FileSystem& files);
     void addKernelPlaces(const FileSystem& files);
     void addHomes(const FileSystem& files);
     void addOwnFile(const FileSystem& files, const std::string& path);

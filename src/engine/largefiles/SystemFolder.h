@@ -1,4 +1,4 @@
-// SystemFolder: the files and folders that nobody should select in the large file page.
+// SystemFolder: the files and folders that nobody should select in the large file page; no removal takes them either.
 #pragma once
 
 #include <set>

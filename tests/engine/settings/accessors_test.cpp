@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/files/systemPlaces.h"
 #include "engine/settings/BundleResources.h"
 #include "engine/settings/KeyedArchive.h"
 #include "engine/settings/NetworkProbe.h"
@@ -246,6 +247,8 @@ TEST(BundleResources, SystemFileIsNumberedWithoutAGap) {
         paths.insert(*path);
     }
     EXPECT_EQ(paths.size(), list->count());
+    const auto places = systemPlaces();  // what removals refuse
+    EXPECT_EQ(paths, std::set<std::string>(places.begin(), places.end()));
     for (const char* path : {"/", "/bin", "/boot", "/dev", "/etc", "/home", "/lib", "/proc", "/root", "/run", "/sbin",
                              "/sys", "/usr", "/var"})
         EXPECT_TRUE(paths.contains(path)) << path;
