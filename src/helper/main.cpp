@@ -2,11 +2,14 @@
 // Checks.h says whom it serves, Session.h how.
 #include <fcntl.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/time.h>
 #include <syslog.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <string>
@@ -35,6 +38,30 @@ void forgetTheCaller() {
     ::clearenv();
 }
 
+/// Within the caller's hard limit where this root may not raise it, as in containers.
+void setLimit(decltype(RLIMIT_CPU) which, rlim_t soft, rlim_t hard) {
+    const rlimit wanted{soft, hard};
+    if (::setrlimit(which, &wanted) == 0) return;
+    rlimit now{};
+    ::getrlimit(which, &now);
+    now.rlim_cur = std::min(soft, now.rlim_max);
+    ::setrlimit(which, &now);
+}
+
+/// What a caller may leave in force over the change of the user: a file size of nothing would break the journal, a second of processor
+/// time or a timer that is about to end would end a removal in the middle.
+void liftLimits() {
+    for (const auto which : {ITIMER_REAL, ITIMER_VIRTUAL, ITIMER_PROF}) {
+        const itimerval never{};
+        ::setitimer(which, &never, nullptr);
+    }
+    for (const auto each : {RLIMIT_CPU, RLIMIT_FSIZE, RLIMIT_DATA, RLIMIT_AS, RLIMIT_RSS, RLIMIT_NPROC})
+        setLimit(each, RLIM_INFINITY, RLIM_INFINITY);
+    setLimit(RLIMIT_STACK, rlim_t{8} << 20U, RLIM_INFINITY);
+    setLimit(RLIMIT_NOFILE, 1024, 524'288);  // what systemd gives to services
+    setLimit(RLIMIT_CORE, 0, 0);
+}
+
 /// Descriptors 0 to 2 stand for what they are named after, whatever the caller closed. Opened for writing only, so that a missing
 /// standard input is no socket.
 void fillStandardDescriptors() {
@@ -53,6 +80,7 @@ std::vector<std::string> ownFiles() {
 }
 
 int serve(int argc) {
+    liftLimits();
     fillStandardDescriptors();
     ::openlog("orrinvale-helper", LOG_PID, LOG_AUTHPRIV);
     const auto caller = callerOf(howStarted(argc));

@@ -49,7 +49,7 @@ SocketPair::SocketPair(uid_t user, int type) {
     theirs = Descriptor(ends[1]);
 }
 
-HelperRun::HelperRun(uid_t caller) {
+HelperRun::HelperRun(uid_t caller, const std::function<void()>& before) {
     SocketPair sockets(caller, SOCK_SEQPACKET);
     const std::string user = "PKEXEC_UID=" + std::to_string(caller);
     const char* const environment[] = {user.c_str(), nullptr};
@@ -57,6 +57,7 @@ HelperRun::HelperRun(uid_t caller) {
     const pid_t child = ::fork();
     if (child == 0) {
         ::dup2(sockets.theirs.get(), STDIN_FILENO);
+        before();
         ::execve(arguments[0], const_cast<char* const*>(arguments), const_cast<char* const*>(environment));
         ::_exit(125);
     }

@@ -4,6 +4,7 @@
 #include <sys/types.h>
 
 #include <chrono>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -24,7 +25,9 @@ struct SocketPair {
 class HelperRun final {
 public:
     /// Starts it for this user; the first packet is awaited.
-    explicit HelperRun(uid_t caller = ordinaryUser);
+    explicit HelperRun(uid_t caller = ordinaryUser) : HelperRun(caller, [] {}) {}
+    /// With what the new process does before it becomes the helper.
+    HelperRun(uid_t caller, const std::function<void()>& before);
     ~HelperRun();  ///< kills it
     HelperRun(const HelperRun&) = delete;
     HelperRun& operator=(const HelperRun&) = delete;

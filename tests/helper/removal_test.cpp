@@ -2,10 +2,15 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <linux/fs.h>
+#include <sched.h>
 #include <sys/ioctl.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/time.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <string>
 
 #include "helper/HelperRun.h"
@@ -74,6 +79,82 @@ TEST_F(HelperRemoves, SaysWhyAnEntryIsStillThere) {
     EXPECT_FALSE(isThere(tree.at("folder/loose")));
     flags = 0;
     EXPECT_EQ(::ioctl(file.get(), FS_IOC_SETFLAGS, &flags), 0);
+}
+
+// A tool that can not be started says nothing about the entry.
+TEST_F(HelperRemoves, SaysThatTheToolDidNotRun) {
+    ASSERT_TRUE(tree.write("file", "1"));
+    struct Case {
+        std::string tool;
+        mode_t mode;
+        std::string told;
+    };
+    for (const Case& each : {Case{"no program", 0644, "could not be started"},
+                             {"#!/no/such/shell\n", 0755, "could not be started"},
+                             {"#!/bin/sh\nexit 127\n", 0755, "ended with status 127"},
+                             {"#!/bin/sh\nkill -9 $$\n", 0755, "ended by signal 9"}}) {
+        const std::string told = runInChild({}, [&]() -> std::string {
+            tree.write("rm", each.tool);
+            tree.setMode("rm", each.mode);
+            if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+                ::mount(tree.at("rm").c_str(), "/bin/rm", nullptr, MS_BIND, nullptr) != 0)
+                return "skipped: no mounts of our own";
+            const HelperReply reply = HelperRun().ask(tree.at("file"));
+            return reply.outcome == Outcome::Failed ? reply.text : "another outcome: " + reply.text;
+        });
+        if (told.starts_with("skipped")) GTEST_SKIP() << told;
+        EXPECT_NE(told.find(each.told), std::string::npos) << told;
+        EXPECT_FALSE(told.starts_with("another")) << told;
+        EXPECT_TRUE(isThere(tree.at("file")));
+    }
+}
+
+TEST_F(HelperRemoves, UnderNoneOfItsCallersLimits) {
+    ASSERT_TRUE(tree.write("folder/file", "1"));
+    const HelperRun helper(ordinaryUser, [] {
+        for (const auto& [which, most] : {std::pair{RLIMIT_FSIZE, 0}, {RLIMIT_CPU, 1}, {RLIMIT_NOFILE, 8}}) {
+            rlimit limit{};
+            ::getrlimit(which, &limit);
+            limit.rlim_cur = static_cast<rlim_t>(most);  // the hard one only some roots may raise again
+            ::setrlimit(which, &limit);
+        }
+        const itimerval soon{{}, {0, 100'000}};
+        ::setitimer(ITIMER_REAL, &soon, nullptr);
+        ::setitimer(ITIMER_PROF, &soon, nullptr);
+    });
+    ASSERT_TRUE(helper.isReady());
+    ::usleep(200'000);  // past the timer's end
+    const HelperReply reply = helper.ask(tree.at("folder"));
+    EXPECT_EQ(reply.outcome, Outcome::Removed) << reply.text;
+    for (const auto which : {RLIMIT_FSIZE, RLIMIT_CPU, RLIMIT_NOFILE}) {
+        rlimit now{};
+        ASSERT_EQ(::prlimit(helper.process(), which, nullptr, &now), 0);
+        EXPECT_GE(now.rlim_cur, std::min(now.rlim_max, rlim_t{1024})) << which;
+    }
+}
+
+// What is mounted over the parts of a folder can not be seen from the mount's copy, so that it stays even where it came between the look
+// and the tool.
+TEST_F(HelperRemoves, NothingOfAMountThatCameMeanwhile) {
+    const std::string told = runInChild({}, [&]() -> std::string {
+        if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
+            return "skipped: no mounts of our own";
+        tree.write("way/many/a", "below the mount");
+        tree.write("other/precious", "1");
+        // The tool of this world mounts first, as if by chance, where its caller's view is, then works.
+        tree.write("rm", "#!/bin/sh\nnsenter --mount=/proc/" + std::to_string(::getpid()) + "/ns/mnt mount --bind '" +
+                             tree.at("other") + "' '" + tree.at("way/many") + "' || exit 9\nexec '" +
+                             tree.at("real rm") + "' \"$@\"\n");
+        tree.setMode("rm", 0755);
+        std::filesystem::copy_file("/bin/rm", tree.at("real rm"));
+        const HelperRequest request = HelperRun::requestFor(tree.at("way/many"));
+        if (::mount(tree.at("rm").c_str(), "/bin/rm", nullptr, MS_BIND, nullptr) != 0) return "skipped: no tool";
+        const HelperReply reply = HelperRun().ask(request);
+        if (!isThere(tree.at("other/precious"))) return "what was mounted meanwhile went: " + reply.text;
+        return {};
+    });
+    if (told.starts_with("skipped")) GTEST_SKIP() << told;
+    EXPECT_EQ(told, "");
 }
 
 }  // namespace

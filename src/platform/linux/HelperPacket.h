@@ -37,7 +37,7 @@ struct HelperReply {
         StillThere,  ///< the tool printed nothing and the entry is there; the text is the reason
         Refused,     ///< nothing was touched; the text is the reason
         Busy,        ///< a request is in flight; nothing was touched
-        Failed,      ///< the tool could not be run; the text is the reason
+        Failed,      ///< the tool could not be started, or was ended, and the entry is there; the text is the reason
         Idle         ///< ten minutes without a request; the last packet, sequence 0
     };
     std::uint32_t sequence = 0;
