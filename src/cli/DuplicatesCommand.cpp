@@ -53,6 +53,12 @@ Status DuplicatesCommand::run(const Arguments& arguments) {
 
     const std::vector<Error> skipped = state->skipped().entries();
     if (!arguments.has("quiet")) complainOfEach(skipped);
+    if (!arguments.has("quiet") && state->inodesPass())
+        Output(STDERR_FILENO)
+            .write(fmt::format(
+                "orrinvale-cli: inode numbers do not last everywhere in {}: files there are known by path, size "
+                "and times\n",
+                printable(root)));
 
     Output out(STDOUT_FILENO);
     const DuplicatesSummary summary = summarize(search);

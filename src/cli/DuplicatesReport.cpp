@@ -29,16 +29,30 @@ template <class Visit> void forEachLeaf(const DuplicateGroup& group, Visit visit
         visit(Leaf{file->filePathName(), file->fileSize, file->ModificationDate()});
 }
 
-// Bytes that go when all but one leaf go. Names of one file share its bytes, so they count as one.
+// Adds up what goes with leaves. Names of one file share its bytes, so they count once, and not at all where one of them stays.
+class Gain {
+public:
+    void keep(const fileAttrbItem& file) {
+        if (file.links > 1) m_seen.insert({file.device, file.inode});
+    }
+    void remove(const fileAttrbItem& file) {
+        if (file.links < 2 || m_seen.insert({file.device, file.inode}).second) addSaturating(m_bytes, file.fileSize);
+    }
+    [[nodiscard]] std::uint64_t bytes() const { return m_bytes; }
+
+private:
+    std::set<std::pair<std::uint64_t, std::uint64_t>> m_seen;
+    std::uint64_t m_bytes = 0;
+};
+
+// Bytes that go when all but one leaf go.
 std::uint64_t reclaimable(const DuplicateGroup& group) {
-    if (group.bundle) return group.size - group.bundles.front()->DirectorySize;
-    std::uint64_t bytes = group.size - group.files.front()->fileSize;
-    if (std::none_of(group.files.begin(), group.files.end(), [](const auto* file) { return file->links > 1; }))
-        return bytes;
-    std::set<std::pair<std::uint64_t, std::uint64_t>> seen;
-    for (const fileAttrbItem* file : group.files)
-        if (!seen.insert({file->device, file->inode}).second) bytes -= file->fileSize;
-    return bytes;
+    Gain gain;
+    for (const AppAttrbItem* bundle : group.bundles)
+        for (const fileAttrbItem* file : bundle->AllFileInDirectory.items())
+            bundle == group.bundles.front() ? gain.keep(*file) : gain.remove(*file);
+    for (const fileAttrbItem* file : group.files) file == group.files.front() ? gain.keep(*file) : gain.remove(*file);
+    return gain.bytes();
 }
 
 void appendNumber(std::string& out, std::uint64_t number) {

@@ -9,6 +9,7 @@
 #include <set>
 
 #include "cli/DuplicatesTest.h"
+#include "support/ServedFiles.h"
 
 namespace orrinvale::testing {
 namespace {
@@ -61,6 +62,23 @@ TEST(DuplicatesJson, NamesOfOneFileFreeNothing) {
     ASSERT_TRUE(tree.write("d", someBytes(300, 2)) && tree.hardLink("d", "e"));
     const Json summary = search({tree.path()})["summary"];
     EXPECT_EQ(summary.dump(), R"({"files":5,"bundles":0,"groups":2,"leaves":5,"bytes":3600,"reclaimable":1000})");
+
+    TestTree bundles;
+    ASSERT_TRUE(bundles.write("a.app/in", someBytes(1000, 1)) && bundles.write("a.app/own", "12345"));
+    ASSERT_TRUE(bundles.hardLink("a.app/in", "b.app/in") && bundles.write("b.app/own", "12345"));
+    EXPECT_EQ(search({bundles.path()})["summary"]["reclaimable"], 5);
+}
+
+TEST(StandardError, FilesThatAreKnownByPathAloneAreSaidOnce) {
+    ServedFiles served({"renumber"});
+    if (!served.isThere()) GTEST_SKIP() << "no FUSE here";
+    for (const char* name : {"a/1", "b/2"}) ASSERT_TRUE(served.source().write(name, "12345"));
+    const auto result = duplicatesRun({"--json", served.path()}).run();
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(leavesOf(jsonOf(result)).size(), 2U);
+    EXPECT_EQ(std::count(result.error.begin(), result.error.end(), '\n'), 1) << result.error;
+    EXPECT_NE(result.error.find("inode numbers do not last"), std::string::npos) << result.error;
+    EXPECT_EQ(duplicatesRun({"--json", "--quiet", served.path()}).run().error, "");
 }
 
 TEST(DuplicatesJson, BundlesComeFirstAndHideTheirFiles) {

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "engine/base/Log.h"
+#include "engine/duplicates/LinkPlaces.h"
 
 namespace orrinvale {
 namespace {
@@ -29,12 +30,17 @@ void visitBundles(const std::vector<AppGroup>& groups, const Visit& visit) {
     }
 }
 
-// The members of a group stand next to each other and share their hash. The first of them becomes the last leaf.
+// Two groups may have one hash by chance, and stand next to each other.
+bool areOneGroup(const fileAttrbItem& a, const fileAttrbItem& b) {
+    return a.md5 == b.md5 && a.fileSize == b.fileSize && a.md5_1k == b.md5_1k;
+}
+
+// The members of a group stand next to each other and share their hashes. The first of them becomes the last leaf.
 void visitFiles(const FileList& files, const Visit& visit) {
     DuplicateGroup group;
     for (std::size_t from = 0; from < files.size();) {
         std::size_t to = from + 1;
-        while (to < files.size() && files[to]->md5 == files[from]->md5) ++to;
+        while (to < files.size() && areOneGroup(*files[to], *files[from])) ++to;
         group.name = files[from]->fileName();
         group.extension = pathExtension(group.name);
         group.size = 0;
@@ -53,10 +59,15 @@ EntryIdentity identityOf(const fileAttrbItem& file) {
             .type = file.type,
             .size = file.fileSize,
             .modified = file.modified,
-            .changed = file.changed};
+            .changed = file.changed,
+            .inodePasses = file.inodePasses};
 }
 
-void addLeaves(SimpleTreeNode& node, const DuplicateGroup& group) {
+void setPlace(SimpleNodeData& leaf, const LinkPlaces::Place* place) {
+    if (place != nullptr) leaf.setLink(place->target, place->outside);
+}
+
+void addLeaves(SimpleTreeNode& node, const DuplicateGroup& group, const LinkPlaces* places) {
     auto add = [&](const std::string& name, std::uint64_t size, IconRequest icon, std::optional<Date> date,
                    const EntryIdentity& identity) {
         auto leaf = SimpleNodeData::leafDataWithName(name);
@@ -68,16 +79,21 @@ void addLeaves(SimpleTreeNode& node, const DuplicateGroup& group) {
         return leaf;
     };
     for (const AppAttrbItem* bundle : group.bundles) {
-        const auto leaf =
-            add(bundle->DirectoryPathName, bundle->DirectorySize, {IconRequest::BareName, bundle->DirectoryName},
-                std::nullopt, {.device = bundle->device, .inode = bundle->inode, .type = FileType::Folder});
+        const auto leaf = add(bundle->DirectoryPathName, bundle->DirectorySize,
+                              {IconRequest::BareName, bundle->DirectoryName}, std::nullopt,
+                              {.device = bundle->device,
+                               .inode = bundle->inode,
+                               .type = FileType::Folder,
+                               .inodePasses = bundle->inodePasses});
         leaf->setBundleDigest(bundle->digest);
+        if (places != nullptr) setPlace(*leaf, places->of(*bundle));
     }
     for (const fileAttrbItem* file : group.files) {
         const std::string path = file->filePathName();
         const auto leaf =
             add(path, file->fileSize, {IconRequest::Path, path}, file->ModificationDate(), identityOf(*file));
         leaf->setHardLinks(file->links);
+        if (places != nullptr) setPlace(*leaf, places->of(*file));
     }
 }
 
@@ -164,7 +180,7 @@ bool DuplicateFilesOpt::getDuplicateFiles(std::shared_ptr<SimpleTreeNode>* root)
         data->setIconRep(IconRequest{IconRequest::FileType, std::string(group.extension)});
         data->setFileSize(group.size);
         auto node = SimpleTreeNode::treeNodeWithData(std::move(data));
-        addLeaves(*node, group);
+        addLeaves(*node, group, search->linkPlaces());
         top->insertChild(std::move(node), top->numberOfChildren());
     };
     visitBundles(m_findAppArray, addGroup);

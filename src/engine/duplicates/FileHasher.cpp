@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "engine/base/Log.h"
 #include "engine/duplicates/crc.h"
 
 namespace orrinvale {
@@ -25,9 +26,9 @@ constexpr std::uint64_t fewestZeros = 1024 * 1024;
 // What is resident is noted for so much at a time, where that has to be done.
 constexpr std::uint64_t noteBytes = 64ULL << 20;
 
+// Of one open file, which is itself whatever number it has.
 bool sameVersion(const FileAttributes& a, const FileAttributes& b) {
-    return a.type == b.type && a.device == b.device && a.inode == b.inode && a.size == b.size &&
-           a.modified == b.modified && a.changed == b.changed;
+    return a.type == b.type && a.size == b.size && a.modified == b.modified && a.changed == b.changed;
 }
 
 std::uint64_t extend(std::uint64_t value, std::span<const std::byte> bytes) {
@@ -62,25 +63,44 @@ SysResult<Descriptor> CandidateOpener::open(const fileAttrbItem& item) {
     if (m_folderError != 0) return tl::unexpected(m_folderError);
     // A link is followed only where the listing saw a link: what is exchanged for one later must not be taken for its target.
     const Links links = item.type == FileType::SymbolicLink ? Links::Follow : Links::Keep;
+    if (item.type == FileType::SymbolicLink) {
+        const auto target = m_files.attributes(m_folder.get(), item.name, Links::Follow);
+        if (!target) return tl::unexpected(target.error());
+        if (target->type != FileType::Regular) return tl::unexpected(notARegularFile);
+    } else if (item.type != FileType::Regular && item.type != FileType::Unknown) {
+        return tl::unexpected(notARegularFile);
+    }
     return m_files.openFile(m_folder.get(), item.name, links, m_state);
 }
 
-FileHasher::FileHasher(const FileSystem& files, SkipList& skipped)
-    : m_files(files), m_skipped(skipped), m_opener(files) {}
+FileHasher::FileHasher(const FileSystem& files, SkipList& skipped, const StopGrace* grace)
+    : m_files(files), m_skipped(skipped), m_grace(grace), m_opener(files) {}
 
 bool FileHasher::fail(const fileAttrbItem& item, const char* operation, int number) {
-    m_skipped.add(systemError(operation, item.filePathName(), number));
+    if (number == ECANCELED) return false;
+    if (number == CandidateOpener::notARegularFile)
+        return fail(item, Error{ErrorKind::NotARegularFile, operation, item.filePathName(), 0});
+    return fail(item, systemError(operation, item.filePathName(), number));
+}
+
+bool FileHasher::fail(const fileAttrbItem& item, Error error) {
+    Log::engine("-[algorithm getMD5:]", "open file :{} failed", item.filePathName() + ": " + error.reason());
+    m_skipped.add(std::move(error));
     return false;
 }
 
-bool FileHasher::fail(const fileAttrbItem& item, ErrorKind kind) {
-    m_skipped.add(Error{kind, "read", item.filePathName(), 0});
-    return false;
+// A read ended before the file did. Where that was an error the next read at this place tells it; otherwise the file was cut.
+bool FileHasher::failShort(const fileAttrbItem& item, int file, std::uint64_t end) {
+    std::byte one;
+    const auto next = m_files.read(file, {&one, 1}, end, m_opener.state());
+    if (!next) return fail(item, "read", next.error());
+    return fail(item, Error{ErrorKind::Changed, "read", item.filePathName(), 0});
 }
 
 bool FileHasher::isAsListed(const fileAttrbItem& item, const FileAttributes& now) {
-    return now.type == FileType::Regular && item.type == FileType::Regular && now.inode == item.inode &&
-           now.size == item.fileSize && now.modified == item.modified && now.changed == item.changed;
+    return now.type == FileType::Regular && item.type == FileType::Regular &&
+           (now.inode == item.inode || item.inodePasses) && now.size == item.fileSize &&
+           now.modified == item.modified && now.changed == item.changed;
 }
 
 std::size_t FileHasher::hashSmall(fileAttrbItem& item) {
@@ -94,14 +114,12 @@ std::size_t FileHasher::hashSmall(fileAttrbItem& item) {
     ReadState& state = m_opener.state();
     m_files.beginReading(file->get(), item.device, 0, item.fileSize, state);
     const auto count = m_files.read(file->get(), {m_small.get(), smallFile + 1}, 0, state);
-    const auto after = m_files.attributes(file->get());
     m_files.endReading(file->get(), state);
     if (!count) {
         fail(item, "read", count.error());
         return 0;
     }
-    if (!after || !isAsListed(item, *after) || *count != item.fileSize)
-        return hashSettled(item, file->get()) ? item.fileSize : 0;
+    if (*count != item.fileSize) return hashSettled(item, file->get()) ? item.fileSize : 0;
 
     item.md5 = crc::crc64(m_small.get(), static_cast<std::uint32_t>(*count));
     if (*count < headBytes) std::memset(m_small.get() + *count, 0, headBytes - *count);
@@ -133,8 +151,8 @@ FileHasher::Ends FileHasher::hashEnds(fileAttrbItem& item, bool waitForTail) {
         waitForTail ? m_files.read(number, tail, tailAt, state) : m_files.readResident(number, tail, tailAt, state);
     const auto after = m_files.attributes(number);
     m_files.endReading(number, state);
-    if (!headCount) {
-        fail(item, "read", headCount.error());
+    if (!headCount || (waitForTail && !tailCount)) {
+        fail(item, "read", headCount ? tailCount.error() : headCount.error());
         return ends;
     }
     if (!after || !isAsListed(item, *after)) {
@@ -156,12 +174,14 @@ std::span<std::byte> FileHasher::largeBuffer() {
 
 std::uint64_t FileHasher::hashHead(const fileAttrbItem& item) {
     const auto file = m_opener.open(item);
+    if (!file) fail(item, "open", file.error());
     if (!file) return 0;
     std::byte head[headBytes];
     m_files.expectRandomReads(file->get());
     m_files.beginReading(file->get(), item.device, 0, headBytes, m_opener.state());
     const auto count = m_files.read(file->get(), head, 0, m_opener.state());
     m_files.endReading(file->get(), m_opener.state());
+    if (!count) fail(item, "read", count.error());
     return count ? crc::crc64(head, static_cast<std::uint32_t>(*count)) : 0;
 }
 
@@ -196,6 +216,7 @@ SysResult<std::uint64_t> FileHasher::streamData(int file, std::uint64_t offset, 
     std::uint64_t done = 0;
     bool fromDisk = false;  // then what is read ahead looks resident, but is ours, and must go again
     while (done < length) {
+        if (m_grace != nullptr && m_grace->isOver()) return tl::unexpected(ECANCELED);
         if (!fromDisk && length - done >= mappedPiece && (offset + done) % mappedPiece == 0) {
             const auto seen =
                 m_files.visitResident(file, offset + done, mappedPiece,
@@ -233,7 +254,9 @@ bool FileHasher::hashStretch(const fileAttrbItem& item, std::uint64_t offset, st
     const auto count = stream(number, item.device, offset, length, value);
     if (!count) return fail(item, "read", count.error());
     const auto after = m_files.attributes(number);
-    if (*count != length || !after || !isAsListed(item, *after)) return fail(item, ErrorKind::Changed);
+    if (!after) return fail(item, "attributes", after.error());
+    if (!isAsListed(item, *after)) return fail(item, Error{ErrorKind::Changed, "read", item.filePathName(), 0});
+    if (*count != length) return failShort(item, number, offset + *count);
     return true;
 }
 
@@ -250,7 +273,7 @@ bool FileHasher::hashWhole(fileAttrbItem& item) {
 bool FileHasher::hashSettled(fileAttrbItem& item, int file) {
     const auto before = m_files.attributes(file);
     if (!before) return fail(item, "attributes", before.error());
-    if (before->type != FileType::Regular) return fail(item, ErrorKind::NotARegularFile);
+    if (before->type != FileType::Regular) return fail(item, "open", CandidateOpener::notARegularFile);
     if (before->size == 0) return false;
     ReadState& state = m_opener.state();
     m_files.beginReading(file, before->device, 0, headBytes, state);
@@ -262,7 +285,9 @@ bool FileHasher::hashSettled(fileAttrbItem& item, int file) {
         headCount ? stream(file, before->device, 0, before->size, value) : tl::unexpected(headCount.error());
     if (!count) return fail(item, "read", count.error());
     const auto after = m_files.attributes(file);
-    if (!after || !sameVersion(*before, *after) || *count != before->size) return fail(item, ErrorKind::Changed);
+    if (!after) return fail(item, "attributes", after.error());
+    if (!sameVersion(*before, *after)) return fail(item, Error{ErrorKind::Changed, "read", item.filePathName(), 0});
+    if (*count != before->size) return failShort(item, file, *count);
     item.md5 = value;
     item.md5_1k = crc::crc64(head, headBytes);
     return true;

@@ -29,7 +29,8 @@ template <class Tell> bool agree(const AppAttrbItem& a, const AppAttrbItem& b, T
     return sortedKeys(a, tell) == sortedKeys(b, tell);
 }
 
-void hashWholes(const FileSystem& files, SkipList& skipped, const AppAttrbItem& a, const AppAttrbItem& b) {
+void hashWholes(const FileSystem& files, SkipList& skipped, const StopGrace& grace, const AppAttrbItem& a,
+                const AppAttrbItem& b) {
     FileList wanted;
     for (const AppAttrbItem* bundle : {&a, &b})
         for (fileAttrbItem* file : bundle->AllFileInDirectory.items())
@@ -38,9 +39,16 @@ void hashWholes(const FileSystem& files, SkipList& skipped, const AppAttrbItem& 
     std::vector<std::unique_ptr<FileHasher>> hashers(crew.most());
     const std::atomic<bool> never{false};
     crew.forEach(wanted.size(), 1, never, [&](std::size_t at, unsigned worker) {
-        if (!hashers[worker]) hashers[worker] = std::make_unique<FileHasher>(files, skipped);
+        if (grace.isOver()) return;
+        if (!hashers[worker]) hashers[worker] = std::make_unique<FileHasher>(files, skipped, &grace);
         (void)hashers[worker]->hashWhole(*wanted[at]);
     });
+}
+
+// Nothing but empty files, and links that lead nowhere, says nothing of what a bundle is.
+bool holdsContents(const AppAttrbItem& bundle) {
+    const FileList& files = bundle.AllFileInDirectory.items();
+    return std::any_of(files.begin(), files.end(), [](const fileAttrbItem* file) { return file->md5 != 0; });
 }
 
 }  // namespace
@@ -68,6 +76,7 @@ bool FindDuplicateApp::getAllFilePathName(const std::string& path, AppAttrbItem*
     }
     OutArray->device = identity->device;
     OutArray->inode = identity->inode;
+    OutArray->inodePasses = std::ranges::binary_search(m_passingInodes, identity->device);
     OutArray->modified = identity->modified;
 
     const auto listing = listBundleAt(m_files, start->get(), path,
@@ -80,7 +89,8 @@ bool FindDuplicateApp::getAllFilePathName(const std::string& path, AppAttrbItem*
     OutArray->digest = listing->digest;
     for (const BundleEntry& entry : listing->entries) {
         if (entry.attributes.type == FileType::Folder || entry.leadsTo == FileType::Folder) continue;
-        const auto& file = OutArray->AllFileInDirectory.add(joinPath(path, entry.path), entry.attributes);
+        auto& file = OutArray->AllFileInDirectory.add(joinPath(path, entry.path), entry.attributes);
+        file.inodePasses = std::ranges::binary_search(m_passingInodes, entry.attributes.device);
         OutArray->DirectorySize += std::min(file.fileSize, ~std::uint64_t{0} - OutArray->DirectorySize);
     }
     return true;
@@ -113,10 +123,14 @@ bool FindDuplicateApp::CompareDir(AppAttrbItem* dir, AppAttrbItem* With) {
     // The buffer of the first-kilobyte hash keeps what earlier reads left behind a short file. After one pass over the first
     // bundle it holds what a pass over an equal one leaves, so that both are then hashed over the same remains.
     for (const AppAttrbItem* bundle : {dir, dir, With})
-        for (fileAttrbItem* file : bundle->AllFileInDirectory.items()) hashes.getMD5_1K(*file);
+        for (fileAttrbItem* file : bundle->AllFileInDirectory.items()) {
+            if (m_grace.isOver()) return false;
+            hashes.getMD5_1K(*file);
+        }
     if (!agree(*dir, *With, [](const fileAttrbItem& file) { return Key{file.fileSize, file.md5_1k, 0}; })) return false;
 
-    hashWholes(m_files, m_skipped, *dir, *With);
+    hashWholes(m_files, m_skipped, m_grace, *dir, *With);
+    if (m_grace.isOver() || !holdsContents(*dir)) return false;
     // Whoever removes one of two copies relies on both having been read. Empty files have no hash, and links that lead nowhere
     // and the like are nothing but their size.
     for (const AppAttrbItem* bundle : {dir, With})
@@ -138,9 +152,11 @@ bool FindDuplicateApp::getDuplicateAppDirInArray(const AppList& array, const std
 
 // A folder that was reached by two paths is one bundle, not its own copy.
 void FindDuplicateApp::dropRepeated() {
-    std::set<std::pair<std::uint64_t, std::uint64_t>> seen;
+    std::set<std::tuple<std::uint64_t, std::uint64_t, std::string>> seen;
     std::erase_if(m_AllAppItem, [&](const auto& bundle) {
-        return !seen.insert({bundle->device, bundle->inode}).second;
+        const std::string& path = bundle->DirectoryPathName;
+        if (bundle->inodePasses) return !seen.emplace(0, 0, m_files.resolved(path).value_or(path)).second;
+        return !seen.emplace(bundle->device, bundle->inode, std::string()).second;
     });
 }
 
@@ -160,8 +176,10 @@ void FindDuplicateApp::tellClasses() {
     crew.forEach(wanted.size(), 1, m_StopSearch, [&](std::size_t at, unsigned worker) {
         if (!hashers[worker]) hashers[worker] = std::make_unique<FileHasher>(m_files, m_skipped);
         std::vector<std::uint64_t> heads;
-        for (fileAttrbItem* file : wanted[at]->AllFileInDirectory.items())
+        for (fileAttrbItem* file : wanted[at]->AllFileInDirectory.items()) {
+            if (m_StopSearch) return;
             heads.push_back(file->type == FileType::Regular ? hashers[worker]->hashHead(*file) : 0);
+        }
         std::sort(heads.begin(), heads.end());
         wanted[at]->likeness.insert(wanted[at]->likeness.end(), heads.begin(), heads.end());
     });

@@ -12,12 +12,13 @@
 
 #include "engine/duplicates/AppAttrbItem.h"
 #include "engine/files/SkipList.h"
+#include "engine/files/StopGrace.h"
 #include "platform/files.h"
 
 namespace orrinvale {
 
-/// Two bundles are equal when they hold equally many files and these can be paired off by content; names and places inside play
-/// no part. One search at a time on one thread; the accessors and setStopSearch() may be called from any.
+/// Two bundles are equal when they hold equally many files and these can be paired off by content, of which there must be some; names
+/// and places inside play no part. One search at a time on one thread; the accessors and setStopSearch() may be called from any.
 class FindDuplicateApp final {
 public:
     using AppList = std::vector<std::shared_ptr<AppAttrbItem>>;
@@ -40,7 +41,8 @@ public:
     /// Appends the bundles of the item's size; true when the result has members.
     static bool getSameSizeDirInArray(const AppList& array, const AppAttrbItem& WithItem, AppList& OutResult);
 
-    /// True for duplicates. First-kilobyte hashes of files below 1024 bytes depend on what was read before them, as in
+    /// True for duplicates, of which some bytes were read. A stop that comes meanwhile lets a short comparison end, and makes a long
+    /// one false. First-kilobyte hashes of files below 1024 bytes depend on what was read before them, as in
     /// algorithm::getMD5_1K(): two bundles that list alike always compare by their contents alone.
     bool CompareDir(AppAttrbItem* dir, AppAttrbItem* With);
 
@@ -72,6 +74,7 @@ private:
     std::atomic<std::uint32_t> m_Progress{0};
     std::uint64_t m_AppCount = 0;
     std::atomic<bool> m_StopSearch{false};
+    const StopGrace m_grace{m_StopSearch};
     mutable std::mutex m_mutex;
     std::string m_CurrentSearchFile;  // guarded by m_mutex
 };

@@ -9,11 +9,13 @@
 namespace orrinvale {
 namespace {
 
-// A batch is meant to take about half a second, so that progress moves and a stop finds results, on any disk. The first is
-// small since the speed of the disk is not known yet.
-constexpr std::uint64_t firstBatchFiles = 1024;
-constexpr std::uint64_t firstBatchBytes = 1ULL << 30;
+// A batch is meant to take about half a second, so that progress moves on any disk. The first is tiny, since the speed of the disk
+// is not known yet, and the next ones grow by steps, since the first may have come from memory.
+constexpr std::uint64_t firstBatchFiles = 64;
+constexpr std::uint64_t firstBatchBytes = 16ULL << 20;
 constexpr double batchSeconds = 0.5;
+constexpr double largestGrowth = 32;
+constexpr double largestCut = 16;
 
 // Large files are read by few threads: more of them only cost memory for buffers, a disk that reads ahead is busy with these.
 constexpr unsigned mostWholeReaders = 8;
@@ -72,13 +74,13 @@ void HashAhead::resolveMore(std::uint32_t upTo) {
         hashBatch(m_resolved, last);
         m_resolved = last;
         const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-        const double factor = std::clamp(batchSeconds / std::max(seconds, 1e-6), 0.5, 256.0);
-        const auto scaled = [&](std::uint64_t amount) {
-            return std::min(mostBatch, static_cast<std::uint64_t>(static_cast<double>(amount) * factor) + 1);
-        };
-        m_batchFiles = scaled(m_batchFiles);
-        m_batchBytes = scaled(m_batchBytes);
+        scaleBatches(std::clamp(batchSeconds / std::max(seconds, 1e-6), 1 / largestCut, largestGrowth));
     }
+}
+
+void HashAhead::scaleBatches(double factor) {
+    for (std::uint64_t* const amount : {&m_batchFiles, &m_batchBytes})
+        *amount = std::min(mostBatch, static_cast<std::uint64_t>(static_cast<double>(*amount) * factor) + 1);
 }
 
 std::uint32_t HashAhead::endOfBatch(std::uint32_t first) const {
@@ -107,15 +109,23 @@ void HashAhead::hashBatch(std::uint32_t first, std::uint32_t last) {
     hashFirstVisits(small, large);
     hashTails(large);
     hashWholes(large);
-    if (m_stop) return;
-    m_crew.forEach(last - first, 256, m_stop,
+    // After a stop too: what is hashed is not lost.
+    const std::atomic<bool> never{false};
+    m_crew.forEach(last - first, 256, never,
                    [&](std::size_t at, unsigned) { groupClass(first + static_cast<std::uint32_t>(at)); });
 }
 
-FileHasher& HashAhead::hasher(unsigned worker) {
-    auto& own = m_workers[worker].hasher;
-    if (!own) own = std::make_unique<FileHasher>(m_files, m_skipped);
-    return *own;
+FileHasher& HashAhead::hasherFor(unsigned worker, const fileAttrbItem& item) {
+    Worker& own = m_workers[worker];
+    if (!own.hasher) own.hasher = std::make_unique<FileHasher>(m_files, m_skipped, &m_grace);
+    own.item.store(&item, std::memory_order_relaxed);
+    return *own.hasher;
+}
+
+const fileAttrbItem* HashAhead::itemInHand() const {
+    for (const Worker& worker : m_workers)
+        if (const fileAttrbItem* const item = worker.item.load(std::memory_order_relaxed)) return item;
+    return nullptr;
 }
 
 // A thread's descriptors are its own: what it holds open must be closed by itself.
@@ -146,12 +156,14 @@ void HashAhead::hashFirstVisits(const std::vector<std::uint32_t>& small, std::ve
     const std::size_t grain = std::clamp<std::size_t>(total / 1024, 2, 128);
     m_crew.forEach(total, grain, m_stop, [&](std::size_t at, unsigned worker) {
         if (at < small.size()) {
-            const std::size_t bytes = hasher(worker).hashSmall(*m_list[small[at]]);
+            fileAttrbItem& item = *m_list[small[at]];
+            const std::size_t bytes = hasherFor(worker, item).hashSmall(item);
             m_hashed[small[at]] = bytes != 0;
             count(worker, 1, bytes);
         } else {
             Large& one = large[at - small.size()];
-            one.ends = hasher(worker).hashEnds(*m_list[one.index], false);
+            fileAttrbItem& item = *m_list[one.index];
+            one.ends = hasherFor(worker, item).hashEnds(item, false);
             count(worker, 1, FileHasher::headBytes);
         }
     });
@@ -180,7 +192,8 @@ void HashAhead::hashTails(std::vector<Large>& large) {
         if (!one.ends.hasTail && one.ends.regular) wanted.push_back(&one);
     std::sort(wanted.begin(), wanted.end(), [](const Large* a, const Large* b) { return a->index < b->index; });
     m_crew.forEach(wanted.size(), 2, m_stop, [&](std::size_t at, unsigned worker) {
-        wanted[at]->ends = hasher(worker).hashEnds(*m_list[wanted[at]->index], true);
+        fileAttrbItem& item = *m_list[wanted[at]->index];
+        wanted[at]->ends = hasherFor(worker, item).hashEnds(item, true);
         count(worker, 0, FileHasher::tailBytes);
     });
     std::erase_if(large, [](const Large& one) { return !one.ends.hashed; });
@@ -219,7 +232,8 @@ void HashAhead::hashWholes(std::vector<Large>& large) {
     std::vector<Stretch> stretches = cutIntoStretches(wanted);
     m_wholeCrew.forEach(stretches.size(), 1, m_stop, [&](std::size_t at, unsigned worker) {
         Stretch& one = stretches[at];
-        one.hashed = hasher(worker).hashStretch(*m_list[one.index], one.offset, one.length, one.value);
+        fileAttrbItem& item = *m_list[one.index];
+        one.hashed = hasherFor(worker, item).hashStretch(item, one.offset, one.length, one.value);
         count(worker, 0, one.length);
     });
     for (std::size_t at = 0; at < stretches.size();) {

@@ -14,6 +14,7 @@
 #include "engine/duplicates/FileHasher.h"
 #include "engine/duplicates/fileAttrbItem.h"
 #include "engine/files/SkipList.h"
+#include "engine/files/StopGrace.h"
 #include "engine/files/WorkCrew.h"
 
 namespace orrinvale {
@@ -50,9 +51,11 @@ public:
 
     /// The next member of the group of a file, in the order of the list; `none` at the last one and for a file that has no
     /// duplicate. Hashes what is needed for the answer, and, to keep all threads busy, classes that come later.
-    /// After a stop the answer is `none` for what was not hashed yet.
+    /// After a stop the answer is `none` for what was not hashed yet, and nothing more is hashed.
     [[nodiscard]] std::uint32_t nextInGroup(std::size_t index);
 
+    /// A file that is being hashed, or was lately; null before the first.
+    [[nodiscard]] const fileAttrbItem* itemInHand() const;
     [[nodiscard]] std::uint64_t hashedFiles() const;
     [[nodiscard]] std::uint64_t hashedBytes() const;
 
@@ -64,9 +67,11 @@ private:
         std::unique_ptr<FileHasher> hasher;  // made when the worker first comes
         std::atomic<std::uint64_t> files{0};
         std::atomic<std::uint64_t> bytes{0};
+        std::atomic<const fileAttrbItem*> item{nullptr};
     };
 
     void resolveMore(std::uint32_t upTo);
+    void scaleBatches(double factor);
     std::uint32_t endOfBatch(std::uint32_t first) const;
     void hashBatch(std::uint32_t first, std::uint32_t last);
     void hashFirstVisits(const std::vector<std::uint32_t>& small, std::vector<Large>& large);
@@ -74,13 +79,14 @@ private:
     void hashWholes(std::vector<Large>& large);
     std::vector<Stretch> cutIntoStretches(const std::vector<Large*>& wanted) const;
     void groupClass(std::uint32_t number);
-    FileHasher& hasher(unsigned worker);
+    FileHasher& hasherFor(unsigned worker, const fileAttrbItem& item);
     void leave(unsigned worker);
     void count(unsigned worker, std::uint64_t files, std::uint64_t bytes);
 
     const FileSystem& m_files;
     const FileList& m_list;
     const std::atomic<bool>& m_stop;
+    const StopGrace m_grace{m_stop};
     SkipList& m_skipped;
     SizeClasses m_classes;
     std::vector<std::uint32_t> m_next;   // group links, by place in the list

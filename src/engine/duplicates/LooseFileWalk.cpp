@@ -9,6 +9,7 @@
 
 #include "engine/base/Log.h"
 #include "engine/files/WorkCrew.h"
+#include "engine/files/asideName.h"
 
 namespace orrinvale {
 namespace {
@@ -31,7 +32,8 @@ struct WalkFolder : FolderNode {
     std::atomic<std::uint32_t> users{1};  // tasks that still need the descriptor
     bool isBundleRoot = false;
     bool topLevel = false;  // directly in the root
-    bool failed = false;    // could not be listed to its end: its entries do not count
+    bool inodesPass = false;
+    bool failed = false;  // could not be listed to its end: its entries do not count
     WalkFolder* parentFolder = nullptr;
 };
 
@@ -73,6 +75,7 @@ struct LooseFileWalk::State {
     std::vector<std::unique_ptr<Bundle>> bundles;  // guarded by mutex
     std::atomic<WalkFolder*> current{nullptr};
     std::atomic<bool> mayRepeat{false};
+    std::atomic<bool> inodesPass{false};
     std::atomic<std::uint64_t> listed{0};
     std::atomic<std::size_t> openFolders{0};
     std::size_t mostOpenFolders = 0;
@@ -104,6 +107,7 @@ struct LooseFileWalk::State {
     Run* appendRun(Worker& worker, WalkFolder& folder) const;
     std::unique_ptr<CatalogBatch> newBatch(Worker& worker) const;
     Bundle* newBundle();
+    bool numbersPass(std::uint64_t device) const { return std::ranges::binary_search(query.passingInodes, device); }
     bool isSettled(const WalkFolder& folder) const { return folder.bundle != nullptr && folder.bundle->wanted; }
     LooseFiles collect();
 };
@@ -203,6 +207,11 @@ bool LooseFileWalk::State::identify(WalkFolder& folder) {
             std::binary_search(kernelDevices.begin(), kernelDevices.end(), folder.device))
             return false;
     }
+    folder.inodesPass = numbersPass(folder.device);
+    if (folder.inodesPass) {
+        folder.inode = 0;
+        inodesPass = true;
+    }
     // A folder counts by its own size too, but only below the first level, where a folder is no entry of the list.
     if (folder.bundle != nullptr && !folder.topLevel && &folder != root && attributes->size > query.limit)
         folder.bundle->wanted = true;
@@ -257,7 +266,8 @@ void LooseFileWalk::State::readBatch(Worker& worker, WalkFolder& folder, Catalog
     run.records = worker.records->allocate<fileAttrbItem>(most);
     std::uint32_t count = 0;
     for (CatalogEntry& entry : batch.entries) {
-        if (!query.hidden && entry.name[0] == '.') continue;
+        if (stop.load(std::memory_order_relaxed)) break;  // one look may take a second on a slow file system
+        if ((!query.hidden && entry.name[0] == '.') || isAsideName(entry.name)) continue;
         auto* const record = new (&run.records[count]) fileAttrbItem;
         if (takeEntry(worker, folder, entry, *record)) ++count;
     }
@@ -322,6 +332,7 @@ bool LooseFileWalk::State::takeFile(Worker& worker, WalkFolder& folder, CatalogE
     record.setAttributes(attributes);
     record.folder = &folder;
     record.name = worker.names->copy(entry.name);
+    record.inodePasses = attributes.device == folder.device ? folder.inodesPass : numbersPass(attributes.device);
     if (attributes.mount != folder.mount) mayRepeat = true;
     ++worker.files;
     return true;
@@ -403,6 +414,7 @@ LooseFiles LooseFileWalk::State::collect() {
     };
     LooseFiles out;
     out.mayRepeat = mayRepeat;
+    out.inodesPass = inodesPass;
     out.files.reserve(listed);
     if (root->bundle != nullptr && root->bundle->wanted) out.bundles.push_back(outermostBundle(query.root));
 

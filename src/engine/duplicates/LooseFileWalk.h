@@ -19,9 +19,10 @@ namespace orrinvale {
 /// What a walk looks for.
 struct LooseFileQuery {
     std::string root;
-    std::uint64_t limit = 0;     ///< only files larger than that
-    bool hidden = false;         ///< entries with a dot in front too
-    bool systemFolders = false;  ///< the system's folders directly in "/" too
+    std::uint64_t limit = 0;                        ///< only files larger than that
+    bool hidden = false;                            ///< entries with a dot in front too
+    bool systemFolders = false;                     ///< the system's folders directly in "/" too
+    std::vector<std::uint64_t> passingInodes = {};  ///< FileSystem::devicesOfPassingInodes()
 };
 
 /// What a walk found.
@@ -29,7 +30,8 @@ struct LooseFiles {
     FileList files;                    ///< larger than the limit, outside of bundles
     std::vector<std::string> bundles;  ///< outermost bundles in which an entry is larger than the limit
     std::vector<std::shared_ptr<Arena>> storage;
-    bool mayRepeat = false;  ///< a link was followed or a mount was met: an entry may be listed twice
+    bool mayRepeat = false;   ///< a link was followed or a mount was met: much may be listed twice
+    bool inodesPass = false;  ///< a folder was met whose inode numbers need not last
 };
 
 class LooseFileWalk final {

@@ -1,48 +1,71 @@
-// dropRepeatedEntries: see RepeatedEntries.h. Only a search that followed a link or met a mount needs it.
+// RepeatedEntries: see RepeatedEntries.h.
 #include "engine/duplicates/RepeatedEntries.h"
 
-#include <optional>
-#include <set>
-#include <tuple>
+#include <algorithm>
+#include <unordered_set>
 
 namespace orrinvale {
-namespace {
 
-// device, inode, and for a file with several hard links device and inode of the folder, and the name
-using Entry = std::tuple<std::uint64_t, std::uint64_t, std::uint64_t, std::uint64_t, std::string>;
-
-std::optional<Entry> entryAt(const FileSystem& files, const std::string& path, const FileAttributes& file) {
-    if (file.links < 2) return Entry{file.device, file.inode, 0, 0, {}};
-    const std::size_t slash = path.rfind('/');
-    if (slash == std::string::npos) return std::nullopt;
-    const auto folder = openFolderByPath(files, path.substr(0, slash == 0 ? 1 : slash), Links::Follow);
-    const auto identity = folder ? files.attributes(folder->get()) : tl::unexpected(folder.error());
-    if (!identity) return std::nullopt;
-    return Entry{file.device, file.inode, identity->device, identity->inode, path.substr(slash + 1)};
+// False when the entry was seen before.
+bool RepeatedEntries::Seen::add(Entry entry) {
+    if (!names.insert(std::move(entry.name)).second) return false;
+    if (entry.file == File{}) return true;
+    const auto [place, isNew] = files.emplace(entry.file, entry.isOnly);
+    if (isNew) return true;
+    const bool isOne = place->second || entry.isOnly;
+    place->second = isOne;
+    return !isOne;
 }
 
-// What the item leads to. A link is the entry that it points at.
-std::optional<Entry> entryOf(const FileSystem& files, const fileAttrbItem& item) {
-    if (item.type != FileType::SymbolicLink) {
-        if (item.links < 2) return Entry{item.device, item.inode, 0, 0, {}};
-        return Entry{item.device, item.inode, item.folder->device, item.folder->inode, std::string(item.fileName())};
+const std::string& RepeatedEntries::placeOf(const FolderNode& folder) {
+    const auto [place, isNew] = m_places.try_emplace(&folder);
+    if (isNew) {
+        const std::string path = pathOf(folder);
+        place->second = m_files.resolved(path).value_or(path);
     }
-    const auto path = files.resolved(item.filePathName());
-    if (!path) return std::nullopt;
-    const auto target = files.attributes(FileSystem::noParent, path->c_str(), Links::Keep);
-    if (!target) return std::nullopt;
-    return entryAt(files, *path, *target);
+    return place->second;
 }
 
-}  // namespace
+RepeatedEntries::Entry RepeatedEntries::entryOf(const fileAttrbItem& item) {
+    if (item.type == FileType::SymbolicLink) return targetOf(item);
+    const File file = item.inodePasses ? File{} : File{item.device, item.inode};
+    if (item.folder->inode == 0)
+        return {{0, 0, joinPath(placeOf(*item.folder), item.fileName())}, file, item.links < 2};
+    return {{item.folder->device, item.folder->inode, std::string(item.fileName())}, file, item.links < 2};
+}
 
-void dropRepeatedEntries(const FileSystem& files, FileArray& array) {
-    // Only files listed with one size can meet. A link to a file has the size of its own text, and must not put out the file.
-    std::set<std::pair<std::uint64_t, Entry>> seen;
-    array.removeIf([&](const fileAttrbItem* item) {
-        auto entry = entryOf(files, *item);
-        return entry && !seen.insert({item->fileSize, std::move(*entry)}).second;
+// A link is the entry that it points at; one that points nowhere is itself.
+RepeatedEntries::Entry RepeatedEntries::targetOf(const fileAttrbItem& link) {
+    const std::string path = m_files.resolved(link.filePathName()).value_or(link.filePathName());
+    const auto target = m_files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);
+    const auto folder = m_files.attributes(FileSystem::noParent, folderOf(path).c_str(), Links::Follow);
+    const bool passes = !target || !folder || std::ranges::binary_search(m_passingInodes, folder->device);
+    if (passes) return {{0, 0, path}, {}, false};
+    return {{folder->device, folder->inode, std::string(lastPathComponent(path))},
+            {target->device, target->inode},
+            target->links < 2};
+}
+
+void RepeatedEntries::dropFrom(FileArray& array) {
+    // A link to a file has the size of its own text, and must not put out the file.
+    std::map<std::uint64_t, Seen> seen;
+    array.removeIf([&](const fileAttrbItem* item) { return !seen[item->fileSize].add(entryOf(*item)); });
+}
+
+bool RepeatedEntries::mayRepeat(const FileList& group) {
+    std::unordered_set<std::uint64_t> inodes;
+    const bool isPair = group.size() == 2;  // nearly every group is one
+    if (isPair && group[0]->inode == group[1]->inode) return true;
+    return std::any_of(group.begin(), group.end(), [&](const fileAttrbItem* item) {
+        if (item->inodePasses || item->type != FileType::Regular) return true;
+        return !isPair && !inodes.insert(item->inode).second;
     });
+}
+
+void RepeatedEntries::dropFrom(FileList& group) {
+    if (!mayRepeat(group)) return;
+    Seen seen;
+    std::erase_if(group, [&](const fileAttrbItem* item) { return !seen.add(entryOf(*item)); });
 }
 
 }  // namespace orrinvale

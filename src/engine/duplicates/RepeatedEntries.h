@@ -1,12 +1,58 @@
-// One directory entry is not its own copy: finding entries that were listed by two paths.
+// One directory entry is not its own copy: finding entries that were listed more than once.
 #pragma once
+
+#include <map>
+#include <set>
+#include <span>
+#include <string>
+#include <tuple>
+#include <utility>
 
 #include "engine/duplicates/fileAttrbItem.h"
 
 namespace orrinvale {
 
-/// Takes the later one of two items that are one directory entry out of the list: the same file, and where it has several
-/// hard links the same name in the same folder too. Files listed with different sizes never meet and all stay. Two names of one file stay, they are two entries.
-void dropRepeatedEntries(const FileSystem& files, FileArray& array);
+/// An entry is listed again by a second path, through a link or a mount, and by a folder that changes while it is listed: some
+/// file systems then give a name twice, or a file under its old and its new name. One thread.
+///
+/// Two items are one entry when they have one name in one folder, or are one file that had no other name when either was listed. Where
+/// inode numbers do not last the path without links counts instead. Two names of one file are two entries.
+class RepeatedEntries final {
+public:
+    /// `passingInodes` is FileSystem::devicesOfPassingInodes(). Both must outlive the object.
+    RepeatedEntries(const FileSystem& files, std::span<const std::uint64_t> passingInodes)
+        : m_files(files), m_passingInodes(passingInodes) {}
+
+    /// Takes the later one of two items that are one entry out of the list. Files listed with different sizes never meet and all stay.
+    void dropFrom(FileArray& array);
+
+    /// The same for files of one size, at little cost where no two of them can be one entry.
+    void dropFrom(FileList& group);
+
+private:
+    // device and inode of the folder, and the name in it; or nothing, nothing and the path
+    using Name = std::tuple<std::uint64_t, std::uint64_t, std::string>;
+    using File = std::pair<std::uint64_t, std::uint64_t>;  // device and inode
+
+    struct Entry {
+        Name name;
+        File file;
+        bool isOnly = false;  // the file had this name alone; false where `file` means nothing
+    };
+    struct Seen {
+        std::set<Name> names;
+        std::map<File, bool> files;  // and whether one of them had one name alone
+        bool add(Entry entry);
+    };
+
+    static bool mayRepeat(const FileList& group);
+    Entry entryOf(const fileAttrbItem& item);
+    Entry targetOf(const fileAttrbItem& link);
+    const std::string& placeOf(const FolderNode& folder);
+
+    const FileSystem& m_files;
+    const std::span<const std::uint64_t> m_passingInodes;
+    std::map<const FolderNode*, std::string> m_places;  // paths without links
+};
 
 }  // namespace orrinvale

@@ -53,8 +53,9 @@ bool algorithm::getMD5_1K(fileAttrbItem& item) {
     const auto before = file ? m_files.attributes(file->get()) : tl::unexpected(file.error());
     if (!before || before->type != FileType::Regular) {
         Log::engine("-[algorithm getMD5_1K:]", "open file:{} failed", item.filePathName());
-        m_skipped.add(before ? Error{ErrorKind::NotARegularFile, "open", item.filePathName(), 0}
-                             : systemError("open", item.filePathName(), before.error()));
+        const bool isOther = before || before.error() == CandidateOpener::notARegularFile;
+        m_skipped.add(isOther ? Error{ErrorKind::NotARegularFile, "open", item.filePathName(), 0}
+                              : systemError("open", item.filePathName(), before.error()));
         return false;
     }
     ReadState& state = m_opener.state();
@@ -77,11 +78,7 @@ bool algorithm::getMD5_1K(fileAttrbItem& item) {
     return true;
 }
 
-bool algorithm::getMD5(fileAttrbItem& item) {
-    if (m_hasher.hashWhole(item)) return true;
-    if (item.fileSize != 0) Log::engine("-[algorithm getMD5:]", "open file :{} failed", item.filePathName());
-    return false;
-}
+bool algorithm::getMD5(fileAttrbItem& item) { return m_hasher.hashWhole(item); }
 
 bool algorithm::getSingleMd5WithData(fileAttrbItem& item) { return item.md5 != 0 || getMD5(item); }
 

@@ -1,9 +1,12 @@
 // duplicateFind: see duplicateFind.h. _searchDuplicateFile() names the steps of a search.
 #include "engine/duplicates/duplicateFind.h"
 
+#include <new>
+
 #include "engine/base/Log.h"
 #include "engine/duplicates/FindDuplicateApp.h"
 #include "engine/duplicates/HashAhead.h"
+#include "engine/duplicates/LinkPlaces.h"
 #include "engine/duplicates/RepeatedEntries.h"
 #include "engine/duplicates/getFileList.h"
 
@@ -25,11 +28,28 @@ void duplicateFind::searchDuplicateFileAtPath(const std::string& path, std::uint
     }
     m_path = path;
     m_limittedSize = limittedSize;
-    const int result = _searchDuplicateFile();
+    int result = 1;
+    try {
+        result = _searchDuplicateFile();
+        if (m_mayRepeat) findLinkPlaces();
+    } catch (const std::bad_alloc&) {
+        endEarly();
+    }
     Log::engine("-[duplicateFind searchDuplicateFileAtPath:limittedSize:]", "findDuplicate result:{}", result);
 }
 
+// What the steps held goes first, so that there is memory to tell what was found.
+void duplicateFind::endEarly() {
+    const std::lock_guard lock(m_mutex);
+    m_outOfMemory = true;
+    m_Stop = true;
+    m_fileList.reset();
+    m_findDuplicateApp.reset();
+    m_hashAhead.reset();
+}
+
 int duplicateFind::_searchDuplicateFile() {
+    m_passingInodes = m_files.devicesOfPassingInodes();
     const bool listed = listFiles();
     if (m_DirectoryArray.empty()) m_iAppProgress = 100;
     else getDuplicateApp(&m_DirectoryArray);
@@ -40,7 +60,7 @@ int duplicateFind::_searchDuplicateFile() {
     if (!listed) return 0;
     if (m_Stop) return 1;
     if (m_allFileArray.empty()) return 0;
-    if (m_mayRepeat) dropRepeatedEntries();
+    if (m_mayRepeat) RepeatedEntries(m_files, m_passingInodes).dropFrom(m_allFileArray);
     pairFiles();
     return 1;
 }
@@ -49,6 +69,7 @@ bool duplicateFind::listFiles() {
     const auto list = std::make_shared<getFileList>(m_files, m_skipped, &m_Stop);
     list->setSearchHiddenFile(m_bSearchHiddenFile);
     list->setSearchSystemDirectory(m_bSearchSystemDirectory);
+    list->setPassingInodes(m_passingInodes);
     {
         const std::lock_guard lock(m_mutex);
         m_fileList = list;
@@ -56,13 +77,18 @@ bool duplicateFind::listFiles() {
     const bool listed = list->getListAtPath(m_path, m_allFileArray, m_DirectoryArray, m_limittedSize);
     m_rootError = list->rootError();
     m_mayRepeat = list->mayRepeat();
+    m_inodesPass = list->inodesPass();
+    if (m_inodesPass)
+        Log::engine("-[duplicateFind searchDuplicateFileAtPath:limittedSize:]",
+                    "inode numbers do not last everywhere in {}: files there are known by path, size and times",
+                    m_path);
     m_listedFiles = m_allFileArray.size();
     return listed;
 }
 
 void duplicateFind::getDuplicateApp(std::vector<std::string>* bundles) {
     if (bundles == nullptr) return;
-    const auto search = std::make_shared<FindDuplicateApp>(m_files, m_skipped);
+    const auto search = std::make_shared<FindDuplicateApp>(m_files, m_skipped, m_passingInodes);
     {
         const std::lock_guard lock(m_mutex);
         if (m_Stop) search->setStopSearch(true);
@@ -75,10 +101,24 @@ void duplicateFind::getDuplicateApp(std::vector<std::string>* bundles) {
     m_iAppProgress = 100;
 }
 
-void duplicateFind::dropRepeatedEntries() { orrinvale::dropRepeatedEntries(m_files, m_allFileArray); }
+void duplicateFind::findLinkPlaces() {
+    m_linkPlaces = std::make_unique<LinkPlaces>(m_files, m_path);
+    m_linkPlaces->find(m_newFileArray);
+    m_linkPlaces->find(m_allAppArray);
+}
 
-// Takes each file in turn against the rest. HashAhead knows the answer; the order in which files and groups come, the rule that a
-// file belongs to one group at most, and the look at the stop flag between two files are those of a plain loop.
+struct duplicateFind::Pairing {
+    const FileArray& all;
+    HashAhead& hashes;
+    RepeatedEntries repeats;
+    std::vector<std::uint8_t> taken = std::vector<std::uint8_t>(all.size(), 0);
+    std::uint64_t remaining = all.size();
+    FileList group = {};
+};
+
+// Takes each file in turn against the rest. HashAhead knows the answer; the order in which files and groups come, and the rule that
+// a file belongs to one group at most, are those of a plain loop. After a stop the loop goes on over what is hashed already: nothing
+// is read any more, and what was read is not lost.
 void duplicateFind::pairFiles() {
     m_allFileCount = m_allFileArray.size();
     const auto hashes = std::make_shared<HashAhead>(m_files, m_allFileArray.items(), m_Stop, m_skipped);
@@ -86,14 +126,13 @@ void duplicateFind::pairFiles() {
         const std::lock_guard lock(m_mutex);
         m_hashAhead = hashes;
     }
-    std::vector<std::uint8_t> taken(m_allFileArray.size(), 0);
-    std::uint64_t remaining = m_allFileCount;
-    for (std::uint32_t index = 0; remaining > 0 && !m_Stop; ++index) {
-        if (taken[index] != 0) continue;
+    Pairing pairing{m_allFileArray, *hashes, RepeatedEntries(m_files, m_passingInodes)};
+    for (std::uint32_t index = 0; pairing.remaining > 0; ++index) {
+        if (pairing.taken[index] != 0) continue;
         m_item.store(&m_allFileArray[index], std::memory_order_release);
-        if (--remaining == 0) break;
-        takeGroup(*hashes, index, taken, remaining);
-        m_iProgress.store((m_allFileCount - remaining) * 100 / m_allFileCount, std::memory_order_relaxed);
+        if (--pairing.remaining == 0) break;
+        takeGroup(pairing, index, m_newFileArray);
+        m_iProgress.store((m_allFileCount - pairing.remaining) * 100 / m_allFileCount, std::memory_order_relaxed);
     }
     const std::lock_guard lock(m_mutex);
     m_hashCounts.hashedFiles = hashes->hashedFiles();
@@ -101,16 +140,21 @@ void duplicateFind::pairFiles() {
     m_hashAhead.reset();
 }
 
-void duplicateFind::takeGroup(HashAhead& hashes, std::uint32_t first, std::vector<std::uint8_t>& taken,
-                              std::uint64_t& remaining) {
-    std::uint32_t member = hashes.nextInGroup(first);
+// The members of a group that are one entry count once; a group of one is none.
+void duplicateFind::takeGroup(Pairing& pairing, std::uint32_t first, FileList& found) {
+    std::uint32_t member = pairing.hashes.nextInGroup(first);
     if (member == HashAhead::none) return;
-    for (; member != HashAhead::none; member = hashes.nextInGroup(member)) {
-        taken[member] = 1;
-        --remaining;
-        m_newFileArray.push_back(&m_allFileArray[member]);
+    FileList& group = pairing.group;
+    group.assign(1, &pairing.all[first]);
+    for (; member != HashAhead::none; member = pairing.hashes.nextInGroup(member)) {
+        pairing.taken[member] = 1;
+        --pairing.remaining;
+        group.push_back(&pairing.all[member]);
     }
-    m_newFileArray.push_back(&m_allFileArray[first]);
+    pairing.repeats.dropFrom(group);
+    if (group.size() < 2) return;
+    found.insert(found.end(), group.begin() + 1, group.end());
+    found.push_back(group.front());
 }
 
 std::uint64_t duplicateFind::getProgress() const {
@@ -140,12 +184,17 @@ void duplicateFind::getNewAppDuplicateDir(std::vector<AppGroup>& array, std::uin
     for (std::uint64_t index = fromIndex; index < m_allAppArray.size(); ++index) array.push_back(m_allAppArray[index]);
 }
 
+// With the lock held. Hashing is far ahead of the pairing, and takes the time.
+const fileAttrbItem* duplicateFind::itemInHand() const {
+    const fileAttrbItem* const hashed = m_hashAhead ? m_hashAhead->itemInHand() : nullptr;
+    return hashed != nullptr ? hashed : m_item.load(std::memory_order_acquire);
+}
+
 std::string duplicateFind::getCurrentSearchPath() const {
     const std::lock_guard lock(m_mutex);
     if (m_findDuplicateApp) return m_findDuplicateApp->CurrentSearchFile();
     if (m_fileList) m_CurrentSearchPath = m_fileList->m_CurrentPath();
-    else if (const fileAttrbItem* item = m_item.load(std::memory_order_acquire))
-        m_CurrentSearchPath = item->filePathName();
+    else if (const fileAttrbItem* const item = itemInHand()) m_CurrentSearchPath = item->filePathName();
     return m_CurrentSearchPath;
 }
 

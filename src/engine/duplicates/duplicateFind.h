@@ -19,6 +19,7 @@ namespace orrinvale {
 class getFileList;
 class FindDuplicateApp;
 class HashAhead;
+class LinkPlaces;
 
 /// What a search did so far, for display beside the percent.
 struct SearchCounts {
@@ -63,16 +64,31 @@ public:
     [[nodiscard]] const SkipList& skipped() const { return m_skipped; }
     [[nodiscard]] const std::optional<Error>& rootError() const { return m_rootError; }
 
+    /// Memory ran out: the search ended like one that was stopped, with what it had found.
+    [[nodiscard]] bool ranOutOfMemory() const { return m_outOfMemory; }
+
+    /// Some of what was searched lies where inode numbers need not last, so that files are known by path, size and times there.
+    [[nodiscard]] bool inodesPass() const { return m_inodesPass; }
+
+    /// Where what was found behind links lies; null when the search followed none.
+    [[nodiscard]] const LinkPlaces* linkPlaces() const { return m_linkPlaces.get(); }
+
 private:
     int _searchDuplicateFile();
     bool listFiles();
+    void findLinkPlaces();
+    const fileAttrbItem* itemInHand() const;
+    void endEarly();
     void getDuplicateApp(std::vector<std::string>* bundles);
-    void dropRepeatedEntries();
     void pairFiles();
-    void takeGroup(HashAhead& hashes, std::uint32_t first, std::vector<std::uint8_t>& taken, std::uint64_t& remaining);
+
+    struct Pairing;
+    static void takeGroup(Pairing& pairing, std::uint32_t first, FileList& found);
 
     const FileSystem& m_files;
     SkipList m_skipped;
+    std::vector<std::uint64_t> m_passingInodes;
+    std::unique_ptr<LinkPlaces> m_linkPlaces;
     std::string m_path;
     FileArray m_allFileArray;
     std::vector<AppGroup> m_allAppArray;
@@ -87,6 +103,8 @@ private:
     bool m_bSearchHiddenFile = false;
     bool m_bSearchSystemDirectory = false;
     bool m_mayRepeat = false;
+    bool m_inodesPass = false;
+    bool m_outOfMemory = false;
     std::optional<Error> m_rootError;
 
     std::atomic<const fileAttrbItem*> m_item{nullptr};  // in hand; its path is put together only when somebody asks

@@ -29,6 +29,7 @@ struct fileAttrbItem {
     const char* name = nullptr;
     std::uint32_t links = 0;  ///< hard links
     FileType type = FileType::Unknown;
+    bool inodePasses = false;  ///< `inode` need not last: see EntryIdentity
 
     [[nodiscard]] std::string filePathName() const { return pathOf(*folder, name); }
     [[nodiscard]] std::string_view fileName() const { return name; }

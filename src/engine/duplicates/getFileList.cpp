@@ -66,6 +66,7 @@ bool getFileList::getListAtPath(const std::string& path, FileArray& FileArray, s
     if (m_alsoStop != nullptr && *m_alsoStop) m_bStopSearch = true;
     m_rootError.reset();
     m_mayRepeat = false;
+    m_inodesPass = false;
     if (path.empty()) return false;
     // The test for hidden entries is on the whole path: below a hidden folder there is nothing to find.
     if (!m_bSearchHiddenFile && IsHiddenFile(path)) {
@@ -75,7 +76,7 @@ bool getFileList::getListAtPath(const std::string& path, FileArray& FileArray, s
         return listed || fail(topName, path, listed.error());
     }
 
-    LooseFileQuery query{path, LimittedSize, m_bSearchHiddenFile, m_bSearchSystemDirectory};
+    LooseFileQuery query{path, LimittedSize, m_bSearchHiddenFile, m_bSearchSystemDirectory, m_passingInodes};
     auto walk = std::make_unique<LooseFileWalk>(m_files, query, m_bStopSearch, m_skipped);
     {
         const std::lock_guard lock(m_mutex);
@@ -92,6 +93,7 @@ bool getFileList::getListAtPath(const std::string& path, FileArray& FileArray, s
         return false;
     }
     m_mayRepeat = found->mayRepeat;
+    m_inodesPass = found->inodesPass;
     if (Log::isEngineEnabled())
         for (const fileAttrbItem* item : found->files)
             Log::engine(listName, "file:{} filesize:{}", item->filePathName(), item->fileSize);

@@ -33,6 +33,9 @@ public:
     void setSearchHiddenFile(bool search) { m_bSearchHiddenFile = search; }
     void setSearchSystemDirectory(bool search) { m_bSearchSystemDirectory = search; }
 
+    /// FileSystem::devicesOfPassingInodes(), which a search asks for once.
+    void setPassingInodes(std::vector<std::uint64_t> devices) { m_passingInodes = std::move(devices); }
+
     /// Appends every loose file below `path` that is larger than LimittedSize (bytes) to FileArray, in the order of a sequential
     /// walk, and every outermost bundle with an entry larger than that to DirectoryArray. True when the root could be listed,
     /// also after a stop. An empty path is false.
@@ -68,8 +71,11 @@ public:
     /// Why the root could not be listed, after a false answer.
     [[nodiscard]] const std::optional<Error>& rootError() const { return m_rootError; }
 
-    /// True when the last listing may hold one directory entry twice: it followed a link, or met a mount.
+    /// True when the last listing may hold many directory entries twice: it followed a link, or met a mount.
     [[nodiscard]] bool mayRepeat() const { return m_mayRepeat; }
+
+    /// True when the last listing met a folder whose inode numbers need not last.
+    [[nodiscard]] bool inodesPass() const { return m_inodesPass; }
 
 private:
     bool fail(const char* method, const std::string& path, int number);
@@ -83,6 +89,8 @@ private:
     bool m_bSearchHiddenFile = false;
     bool m_bSearchSystemDirectory = false;
     bool m_mayRepeat = false;
+    bool m_inodesPass = false;
+    std::vector<std::uint64_t> m_passingInodes;
     std::optional<Error> m_rootError;
 
     mutable std::mutex m_mutex;

@@ -14,7 +14,9 @@ namespace orrinvale {
 struct FolderNode {
     const FolderNode* parent = nullptr;
     const char* name = nullptr;  ///< exact bytes; of a root, which has no parent, the whole path
-    std::uint64_t device = 0;    ///< st_dev, inode and mount id as seen when the folder was opened; 0 before
+    std::uint64_t device =
+        0;  ///< st_dev, inode and mount id as seen when the folder was opened; 0 before, and the inode also
+            ///< where its number need not last
     std::uint64_t inode = 0;
     std::uint64_t mount = 0;
     bool throughLink = false;  ///< the name is a symbolic link that was followed

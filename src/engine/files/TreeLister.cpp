@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <optional>
 #include <vector>
 
 namespace orrinvale {
@@ -122,7 +123,14 @@ private:
         const auto identity = m_files.attributes(opened->get());
         if (!identity) return identity.error();
         m_folder = std::move(*opened);
-        return identity->device == parent.device && identity->inode == parent.inode ? 0 : ESTALE;
+        const bool isSame = identity->device == parent.device && identity->inode == parent.inode;
+        return isSame || (identity->device == parent.device && inodesPass(parent.device)) ? 0 : ESTALE;
+    }
+
+    // Asked only when numbers differ.
+    bool inodesPass(std::uint64_t device) {
+        if (!m_passing) m_passing = m_files.devicesOfPassingInodes();
+        return std::binary_search(m_passing->begin(), m_passing->end(), device);
     }
 
     const FileSystem& m_files;
@@ -133,6 +141,7 @@ private:
     Descriptor m_folder;  // the folder in hand, when it is not the start
     CatalogBatch m_batch;
     std::string m_path;
+    std::optional<std::vector<std::uint64_t>> m_passing;
 };
 
 }  // namespace

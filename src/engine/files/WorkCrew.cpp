@@ -6,7 +6,7 @@
 
 #include <algorithm>
 #include <ctime>
-#include <system_error>
+#include <utility>
 
 namespace orrinvale {
 namespace {
@@ -75,6 +75,7 @@ void WorkCrew::run(const std::function<Step(unsigned)>& step) {
     }
     threads.clear();  // joins
     m_step = nullptr;
+    if (m_failure) std::rethrow_exception(std::exchange(m_failure, nullptr));
 }
 
 void WorkCrew::forEach(std::size_t count, std::size_t grain, const std::atomic<bool>& stop,
@@ -85,7 +86,8 @@ void WorkCrew::forEach(std::size_t count, std::size_t grain, const std::atomic<b
         const std::size_t first = next.fetch_add(grain, std::memory_order_relaxed);
         if (first >= count) return Step::Finished;
         const std::size_t last = std::min(count, first + grain);
-        for (std::size_t index = first; index < last; ++index) task(index, worker);
+        for (std::size_t index = first; index < last && !stop.load(std::memory_order_relaxed); ++index)
+            task(index, worker);
         return Step::Worked;
     });
 }
@@ -110,7 +112,7 @@ void WorkCrew::work(unsigned worker) {
             park(worker, seen);
             continue;
         }
-        switch ((*m_step)(worker)) {
+        switch (guardedStep(worker)) {
             case Step::Worked:
                 m_steps.fetch_add(1, std::memory_order_relaxed);
                 consider();
@@ -118,6 +120,17 @@ void WorkCrew::work(unsigned worker) {
             case Step::Idle: park(worker, seen); break;
             case Step::Finished: finish(); break;
         }
+    }
+}
+
+// Memory may run out on any thread, and an exception that leaves a thread ends the process.
+WorkCrew::Step WorkCrew::guardedStep(unsigned worker) {
+    try {
+        return (*m_step)(worker);
+    } catch (...) {
+        const std::lock_guard lock(m_mutex);
+        if (!m_failure) m_failure = std::current_exception();
+        return Step::Finished;
     }
 }
 
@@ -184,7 +197,7 @@ void WorkCrew::setLimit(unsigned limit) {
                 work(next);
                 if (m_atEnd) m_atEnd(next);
             });
-    } catch (const std::system_error&) {  // the user may have no more threads: those that are there do the work
+    } catch (const std::exception&) {  // no more threads for this user, or no memory: those that are there do the work
         limit = static_cast<unsigned>(m_threads.size()) + 1;
         m_hold = ~0U;
     }

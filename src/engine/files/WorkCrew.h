@@ -6,6 +6,7 @@
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <mutex>
 #include <thread>
@@ -33,11 +34,12 @@ public:
     WorkCrew& operator=(const WorkCrew&) = delete;
 
     /// Calls step(worker) until it answers Finished on any worker; returns when all workers have come home. `worker` counts from
-    /// 0 (the caller) and stays below most(); each number is one thread for the whole call.
+    /// 0 (the caller) and stays below most(); each number is one thread for the whole call. What a step throws on any thread ends
+    /// the call as Finished does, and is thrown to the caller.
     void run(const std::function<Step(unsigned worker)>& step);
 
     /// Runs task(index, worker) once for each index below `count`, `grain` of them at a time, in rising order of start.
-    /// `stop` is looked at between two grains; tasks under way end in their own time.
+    /// `stop` is looked at before each; tasks under way end in their own time.
     void forEach(std::size_t count, std::size_t grain, const std::atomic<bool>& stop,
                  const std::function<void(std::size_t index, unsigned worker)>& task);
 
@@ -53,6 +55,7 @@ private:
     using Clock = std::chrono::steady_clock;
 
     void work(unsigned worker);
+    Step guardedStep(unsigned worker);
     void consider();
     void adjust(Clock::time_point now);
     void setLimit(unsigned limit);
@@ -74,6 +77,7 @@ private:
     std::mutex m_mutex;  // guards what follows
     std::condition_variable m_wakeUp;
     std::vector<std::jthread> m_threads;
+    std::exception_ptr m_failure;
     Clock::time_point m_lastCheck;
     std::int64_t m_lastProcessor = 0;
     std::int64_t m_lastWaits = 0;

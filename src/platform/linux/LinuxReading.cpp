@@ -37,8 +37,9 @@ SysResult<std::size_t> readFully(int file, std::span<std::byte> buffer, std::uin
         const ssize_t count = readOnce(file, buffer.subspan(done), offset + done, flags);
         if (count > 0) {
             done += static_cast<std::size_t>(count);
-            // A short count from a regular file is its end. Asking again would cost a system call for every small file.
-            if (done < buffer.size()) break;
+            // An error behind what was read shortens the count too, at the edge of a page, and only the next call tells it. A count that
+            // ends inside of a page is the end of the file; asking again would cost a system call for every small file.
+            if ((offset + done) % pageBytes() != 0) break;
         } else if (count == 0) {
             break;
         } else if (errno != EINTR) {

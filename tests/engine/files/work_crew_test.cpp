@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
 #include <numeric>
 #include <set>
 
@@ -58,7 +59,7 @@ TEST(WorkCrew, oneMeansTheCallingThreadAlone) {
     EXPECT_EQ(next, 200U);
 }
 
-TEST(WorkCrew, aStopIsSeenBetweenTwoGrains) {
+TEST(WorkCrew, aStopIsSeenBeforeEachTask) {
     WorkCrew crew(4);
     std::atomic<bool> stop{false};
     std::atomic<std::size_t> done{0};
@@ -67,8 +68,32 @@ TEST(WorkCrew, aStopIsSeenBetweenTwoGrains) {
         compute(1us);
     });
     EXPECT_GT(done, 500U);
-    EXPECT_LE(done, 500U + 4 * 10 + 10);
-    EXPECT_EQ(done % 10, 0U) << "a grain was cut";
+    EXPECT_LE(done, 500U + 4) << "more than what each thread had in hand";
+}
+
+// An exception that leaves a thread ends the process, so that it must come to the caller, and the crew must be good for more.
+TEST(WorkCrew, whatATaskThrowsOnAnyThreadComesToTheCaller) {
+    WorkCrew crew(4);
+    const std::atomic<bool> stop{false};
+    std::set<bool> onCaller;
+    const auto caller = std::this_thread::get_id();
+    for (int round = 0; round < 200 && onCaller.size() < 2; ++round) {
+        std::atomic<bool> thrown{false};
+        std::atomic<std::size_t> done{0};
+        const auto work = [&](std::size_t index, unsigned) {
+            compute(20us);
+            ++done;
+            if (index < 100 || thrown.exchange(true)) return;
+            onCaller.insert(std::this_thread::get_id() == caller);  // once a round
+            throw std::bad_alloc();
+        };
+        EXPECT_THROW(crew.forEach(100'000, 1, stop, work), std::bad_alloc);
+        EXPECT_LT(done, 10'000U) << "the others went on";
+        done = 0;
+        crew.forEach(50, 1, stop, work);
+        EXPECT_EQ(done, 50U);
+    }
+    EXPECT_EQ(onCaller.size(), 2U) << "no other thread ever threw";
 }
 
 // One producer feeds a queue slowly; the others sleep meanwhile and must be there for each piece, and at the end.

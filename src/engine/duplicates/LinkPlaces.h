@@ -1,0 +1,42 @@
+// LinkPlaces: where what a search found behind links really lies.
+#pragma once
+
+#include <string>
+#include <unordered_map>
+
+#include "engine/duplicates/AppAttrbItem.h"
+#include "engine/duplicates/fileAttrbItem.h"
+#include "platform/files.h"
+
+namespace orrinvale {
+
+/// Links are followed where they stand directly in the folder that is searched. Filled by the thread that searches, read-only behind
+/// its end.
+class LinkPlaces final {
+public:
+    /// `root` is the folder that is searched. The file system must outlive the object.
+    LinkPlaces(const FileSystem& files, const std::string& root);
+
+    /// Finds out the place of each file or bundle that is such a link, or stands behind one.
+    void find(const FileList& list);
+    void find(const std::vector<AppGroup>& groups);
+
+    struct Place {
+        std::string target;    ///< a path without links; empty when it can not be told
+        bool outside = false;  ///< not below the folder that is searched
+    };
+    /// Null for what lies where its path says.
+    [[nodiscard]] const Place* of(const fileAttrbItem& file) const { return placeOf(&file); }
+    [[nodiscard]] const Place* of(const AppAttrbItem& bundle) const { return placeOf(&bundle); }
+
+private:
+    [[nodiscard]] const Place* placeOf(const void* found) const;
+    void add(const void* found, const std::string& path);
+
+    const FileSystem& m_files;
+    const std::string m_root;
+    const std::string m_realRoot;
+    std::unordered_map<const void*, Place> m_places;
+};
+
+}  // namespace orrinvale
