@@ -23,8 +23,6 @@ struct EntryIdentity {
         false;  ///< the inode number need not last (FileSystem::devicesOfPassingInodes()) and tells nothing
     std::optional<std::uint64_t> times =
         std::nullopt;  ///< timesOf() both, in place of them, for scans that have to be small
-    std::uint32_t links =
-        0;  ///< hard links; not 0 says that we removed some since, which alone gives the others a new `changed`
 
     [[nodiscard]] static EntryIdentity of(const FileAttributes& seen) {
         return {.device = seen.device,
@@ -35,8 +33,7 @@ struct EntryIdentity {
                 .changed = seen.changed,
                 .born = seen.born,
                 .inodePasses = false,
-                .times = std::nullopt,
-                .links = 0};
+                .times = std::nullopt};
     }
 
     /// Both times of a file in one number: the upper half stands for `modified`, the lower one for `changed`.
@@ -52,10 +49,8 @@ struct EntryIdentity {
         if (device != now.device || type != now.type || (inode != now.inode && !inodePasses)) return false;
         if (type != FileType::Regular) return born == 0 || now.born == 0 || born == now.born;
         if (size != now.size) return false;
-        const bool lostNames = now.links < links;
-        if (!times) return modified == now.modified && (changed == now.changed || lostNames);
-        const std::uint64_t difference = *times ^ timesOf(now.modified, now.changed);
-        return (lostNames ? difference >> 32U : difference) == 0;
+        return times ? *times == timesOf(now.modified, now.changed)
+                     : modified == now.modified && changed == now.changed;
     }
 };
 

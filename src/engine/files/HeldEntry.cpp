@@ -14,9 +14,11 @@ using Objection = HeldEntry::Objection;
 
 constexpr std::size_t longestPath = 4000;  // below PATH_MAX (4096), which counts the closing NUL
 
-Objection refused(std::string reason) { return {Objection::Kind::Refused, 0, std::move(reason)}; }
+Objection refused(std::string reason, StayReason why) { return {Objection::Kind::Refused, 0, std::move(reason), why}; }
 
-Objection failed(Objection::Kind kind, int error) { return {kind, error, systemError("hold", {}, error).reason()}; }
+Objection failed(Objection::Kind kind, int error) {
+    return {kind, error, systemError("hold", {}, error).reason(), stayReasonOf(error)};
+}
 
 // Once, and then held. A path longer than the system's limit is gone through piece by piece, each from the one before.
 SysResult<Descriptor> hold(const FileSystem& files, const std::string& path) {
@@ -36,15 +38,17 @@ SysResult<Descriptor> hold(const FileSystem& files, const std::string& path) {
 }
 
 // The path as it was given may lead through links, so that the place of the held parent is asked for too.
-std::optional<std::string> refusal(const FileSystem& files, const ProtectedPlaces& places, const HeldEntry& held) {
-    if (auto reason = places.refusal(held.path, held.attributes)) return reason;
+std::optional<Objection> objection(const FileSystem& files, const ProtectedPlaces& places, const HeldEntry& held) {
+    if (auto reason = places.refusal(held.path, held.attributes))
+        return refused(std::move(*reason), StayReason::Protected);
     if (const auto place = files.placeOf(held.parent.get()); place && place->starts_with('/'))
-        if (auto reason = places.refusal(joinPath(*place, held.name), held.attributes)) return reason;
+        if (auto reason = places.refusal(joinPath(*place, held.name), held.attributes))
+            return refused(std::move(*reason), StayReason::Protected);
     const auto folder = files.attributes(held.parent.get());
-    if (!folder) return systemError("hold", {}, folder.error()).reason();
+    if (!folder) return failed(Objection::Kind::NoParent, folder.error());
     // Layered file systems give files the device of their layer, so that it tells a mount of folders only.
     const bool otherDevice = held.attributes.type == FileType::Folder && folder->device != held.attributes.device;
-    if (otherDevice || folder->mount != held.attributes.mount) return "a mount point";
+    if (otherDevice || folder->mount != held.attributes.mount) return refused("a mount point", StayReason::Protected);
     return std::nullopt;
 }
 
@@ -56,18 +60,19 @@ SysResult<Descriptor> HeldEntry::holdParentOf(const FileSystem& files, const std
 
 tl::expected<HeldEntry, Objection> HeldEntry::at(const FileSystem& files, const ProtectedPlaces& places,
                                                  const std::string& path,
-                                                 const std::optional<EntryIdentity>& expected) {
+                                                 const std::optional<EntryIdentity>& expected, const OwnChanges* own) {
     auto plain = plainPath(path);
-    if (!plain) return tl::unexpected(refused("not a plain absolute path"));
-    if (*plain == "/") return tl::unexpected(refused("the root of the file system"));
+    if (!plain) return tl::unexpected(refused("not a plain absolute path", StayReason::Protected));
+    if (*plain == "/") return tl::unexpected(refused("the root of the file system", StayReason::Protected));
     auto parent = hold(files, folderOf(*plain));
     if (!parent) return tl::unexpected(failed(Objection::Kind::NoParent, parent.error()));
     std::string name(lastPathComponent(*plain));
     const auto seen = files.attributes(parent->get(), name.c_str(), Links::Keep);
     if (!seen) return tl::unexpected(failed(Objection::Kind::NoEntry, seen.error()));
     HeldEntry held{std::move(*parent), std::move(*plain), std::move(name), *seen};
-    if (auto reason = refusal(files, places, held)) return tl::unexpected(refused(std::move(*reason)));
-    if (expected && !expected->isStill(*seen)) return tl::unexpected(refused("changed since the scan"));
+    if (auto against = objection(files, places, held)) return tl::unexpected(std::move(*against));
+    if (expected && !expected->isStill(own != nullptr ? own->withoutOurs(*seen) : *seen))
+        return tl::unexpected(refused("changed since the scan", StayReason::Changed));
     return held;
 }
 

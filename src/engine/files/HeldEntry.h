@@ -7,7 +7,9 @@
 #include <tl/expected.hpp>
 
 #include "engine/files/EntryIdentity.h"
+#include "engine/files/OwnChanges.h"
 #include "engine/files/ProtectedPlaces.h"
+#include "engine/files/RemovalResult.h"
 #include "platform/files.h"
 
 namespace orrinvale {
@@ -28,13 +30,15 @@ struct HeldEntry {
         Kind kind = Kind::Refused;
         int error = 0;       ///< errno, 0 for what is refused
         std::string reason;  ///< for people: "a mount point", "changed since the scan", "Permission denied"
+        StayReason why = StayReason::System;
     };
 
-    /// Holds the parent of an absolute path, once; of any length. With `expected` the entry must still be what the scan saw. A
-    /// protected place is refused, however the path is spelled and through whatever links it leads.
+    /// Holds the parent of an absolute path, once; of any length. With `expected` the entry must still be what the scan saw, `own`
+    /// aside, which may be null. A protected place is refused, however the path is spelled and through whatever links it leads.
     [[nodiscard]] static tl::expected<HeldEntry, Objection> at(const FileSystem& files, const ProtectedPlaces& places,
                                                                const std::string& path,
-                                                               const std::optional<EntryIdentity>& expected);
+                                                               const std::optional<EntryIdentity>& expected,
+                                                               const OwnChanges* own = nullptr);
 
     /// The folder that a path of any length leads to, held, as at() holds it.
     [[nodiscard]] static SysResult<Descriptor> holdParentOf(const FileSystem& files, const std::string& path);

@@ -1,11 +1,14 @@
 // RemovalResult: what became of one entry that was to go, in terms that pages, the command and the log share.
 #pragma once
 
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "engine/base/saturating.h"
 
 namespace orrinvale {
 
@@ -21,6 +24,11 @@ enum class StayReason : std::uint8_t {
     System      ///< any other error of the system
 };
 
+/// Rights for what this user may not do, System for every other error of the system.
+[[nodiscard]] inline StayReason stayReasonOf(int error) {
+    return error == EACCES || error == EPERM ? StayReason::Rights : StayReason::System;
+}
+
 /// One entry that is still there.
 struct StayedEntry {
     std::string path;    ///< exact bytes
@@ -34,14 +42,23 @@ struct RemovalResult {
     bool gone = false;              ///< the entry was looked up again and is not there
     bool stopped = false;           ///< the caller's flag ended it
     bool refused = false;           ///< it may not go, whoever asks; nothing was touched
-    bool byOthers = false;          ///< it was gone before we came to it
-    std::uint64_t removed = 0;      ///< entries that went, the chosen one included
+    bool byOthers = false;          ///< it is gone, and somebody else removed it
+    std::uint64_t removed = 0;      ///< entries that went by us, the chosen one included
     std::uint64_t failed = 0;       ///< entries that could not be removed; not the folders that stay because of them
     std::vector<Failure> failures;  ///< the first `mostFailures` of them
     std::optional<std::int64_t> changed =
         std::nullopt;  ///< the time of change that our own doing gave to what is left of the file: its
                        ///< other names after it went, itself after it came back
+    std::optional<std::uint64_t> bytes =
+        std::nullopt;  ///< lengths of the files that went, each once however many of its names went; not known
+                       ///< of a folder that goes with all that is in it
     static constexpr std::size_t mostFailures = 100;
+
+    void addBytes(std::uint64_t more) {
+        std::uint64_t sum = bytes.value_or(0);
+        addSaturating(sum, more);
+        bytes = sum;
+    }
 };
 
 }  // namespace orrinvale

@@ -13,17 +13,18 @@
 namespace orrinvale {
 namespace {
 
-void fail(RemovalResult& result, const std::string& path, std::string reason) {
+void fail(RemovalResult& result, const std::string& path, StayReason kind, std::string reason) {
     ++result.failed;
-    result.failures.push_back({path, std::move(reason)});
+    result.failures.push_back({path, std::move(reason), kind});
 }
 
 void fail(RemovalResult& result, const std::string& path, int error) {
-    fail(result, path, systemError("remove", {}, error).reason());
+    fail(result, path, stayReasonOf(error), systemError("remove", {}, error).reason());
 }
 
 std::string lineOf(const std::string& path, const RemovalResult& result) {
     const std::string reason = result.failures.empty() ? std::string() : ": " + result.failures.front().reason;
+    if (result.gone && result.byOthers) return fmt::format("Gone already {} ({} entries went)", path, result.removed);
     if (result.gone) return fmt::format("Removed {} ({} entries)", path, result.removed);
     if (result.stopped) return fmt::format("Stopped removing {} ({} entries went)", path, result.removed);
     if (result.removed == 0 && result.failed <= 1) return fmt::format("Not removed {}{}", path, reason);
@@ -33,52 +34,88 @@ std::string lineOf(const std::string& path, const RemovalResult& result) {
 }  // namespace
 
 RemovalResult SafeRemoval::remove(const std::string& path, const std::optional<EntryIdentity>& expected,
-                                  const std::atomic<bool>* stop) const {
+                                  const std::atomic<bool>* stop, const SeenEntries* seen) const {
     RemovalResult result;
-    const auto held = HeldEntry::at(m_files, m_places, path, expected);
+    OwnChanges ofThisOne;
+    OwnChanges& own = m_own != nullptr ? *m_own : ofThisOne;
+    const auto held = HeldEntry::at(m_files, m_places, path, expected, &own);
     if (held) {
-        removeHeld(*held, stop, result);
+        removeHeld(*held, {stop, seen, own}, result);
     } else {
         const HeldEntry::Objection& objection = held.error();
         const bool isMissing = objection.error == ENOENT;
         result.refused = objection.kind == HeldEntry::Objection::Kind::Refused;
         result.gone = isMissing && (objection.kind == HeldEntry::Objection::Kind::NoEntry ||
                                     isSurelyAbsent(plainPath(path).value_or("/"), expected));
-        if (!result.gone) fail(result, path, objection.reason);
+        result.byOthers = result.gone;
+        if (!result.gone) fail(result, path, objection.why, objection.reason);
     }
     Log::line(lineOf(path, result));
     return result;
 }
 
-void SafeRemoval::removeHeld(const HeldEntry& held, const std::atomic<bool>* stop, RemovalResult& result) const {
-    if (stop != nullptr && *stop) {
+void SafeRemoval::removeHeld(const HeldEntry& held, const Asked& asked, RemovalResult& result) const {
+    if (asked.stop != nullptr && *asked.stop) {
         result.stopped = true;
         return;
     }
-    const int parent = held.parent.get();
-    const char* const name = held.name.c_str();
-    if (held.attributes.type == FileType::Folder) {
-        TreeRemoval(m_files, held.path, stop, result).run(parent, held.name, held.attributes);
-    } else {
-        const auto removal = m_files.removeEntry(parent, name, held.attributes.type);
-        if (removal) ++result.removed;
-        else if (removal.error() != ENOENT) fail(result, held.path, removal.error());
+    const bool isFolder = held.attributes.type == FileType::Folder;
+    const bool isOurs = isFolder ? removeFolder(held, asked, result) : removeFile(held, asked.own, result);
+    lookAgain(held, isOurs, result);
+}
+
+// These two: whether the entry went by our own hand.
+bool SafeRemoval::removeFolder(const HeldEntry& held, const Asked& asked, RemovalResult& result) const {
+    TreeRemoval removal(m_files, held.path, asked.stop, result, asked.seen, &asked.own);
+    if (asked.seen != nullptr) result.addBytes(0);
+    removal.run(held.parent.get(), held.name, held.attributes);
+    return removal.isOurs();
+}
+
+bool SafeRemoval::removeFile(const HeldEntry& held, OwnChanges& own, RemovalResult& result) const {
+    const bool isCounted = held.attributes.type != FileType::Regular || own.touched(held.attributes);
+    const auto removal = own.removeName(m_files, held.parent.get(), held.name.c_str(), held.attributes);
+    if (removal) {
+        ++result.removed;
+        result.addBytes(isCounted ? 0 : held.attributes.size);
+    } else if (removal.error() == ESTALE) {
+        fail(result, held.path, StayReason::Changed, "changed since the scan");
+    } else if (removal.error() != ENOENT) {
+        fail(result, held.path, removal.error());
     }
-    const auto after = m_files.attributes(parent, name, Links::Keep);
+    return removal.has_value();
+}
+
+// Success is absence, whoever brought it about.
+void SafeRemoval::lookAgain(const HeldEntry& held, bool isOurs, RemovalResult& result) const {
+    const auto after = m_files.attributes(held.parent.get(), held.name.c_str(), Links::Keep);
     result.gone = !after && after.error() == ENOENT;
+    result.byOthers = result.gone && !isOurs;
+    if (result.gone) {
+        result.failed = 0;
+        result.failures.clear();
+        return;
+    }
+    if (result.stopped || result.failed > 0) return;
+    if (!after) return fail(result, held.path, after.error());
     // Nothing went wrong, and yet something is there: it came after ours went.
-    if (!result.gone && !result.stopped && result.failed == 0) fail(result, held.path, "another entry is in its place");
+    fail(result, held.path, StayReason::CameLater, "another entry is in its place");
 }
 
 // A missing folder on the way proves that the entry is gone only where the scan's file system is still there: without its mount,
 // the path leads nowhere while the entry sits safely on the disk that was pulled out.
 bool SafeRemoval::isSurelyAbsent(const std::string& path, const std::optional<EntryIdentity>& expected) const {
-    for (std::string folder = folderOf(path); folder != "/"; folder = folderOf(folder)) {
-        const auto above = m_files.attributes(FileSystem::noParent, folderOf(folder).c_str(), Links::Keep);
-        if (!above && above.error() == ENOENT) continue;
-        if (!above || above->type != FileType::Folder) return false;
-        const auto next = m_files.attributes(FileSystem::noParent, folder.c_str(), Links::Keep);
-        return !next && next.error() == ENOENT && (!expected || above->device == expected->device);
+    const auto lookAt = [this](const std::string& folder) -> SysResult<FileAttributes> {
+        if (folder == "/") return m_files.attributes(FileSystem::noParent, "/", Links::Keep);
+        const auto parent = HeldEntry::holdParentOf(m_files, folder);
+        if (!parent) return tl::unexpected(parent.error());
+        return m_files.attributes(parent->get(), std::string(lastPathComponent(folder)).c_str(), Links::Keep);
+    };
+    for (std::string missing = folderOf(path); missing != "/"; missing = folderOf(missing)) {
+        const auto next = lookAt(missing);
+        if (next || next.error() != ENOENT) return false;
+        const auto above = lookAt(folderOf(missing));
+        if (above) return above->type == FileType::Folder && (!expected || above->device == expected->device);
     }
     return false;
 }

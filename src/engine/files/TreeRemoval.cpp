@@ -15,6 +15,11 @@ constexpr std::size_t heldLevels = 24;
 // Some file systems leave entries out of a listing while others are removed, and a running program may write new ones.
 constexpr unsigned mostPasses = 4;
 
+constexpr const char* changedSince = "changed since the scan";
+// Said of what came later, and of what a scan that was stopped did not reach.
+constexpr const char* notSeen = "not seen by the scan";
+constexpr const char* mountPoint = "a mount point";
+
 bool isSame(const FileAttributes& now, std::uint64_t device, std::uint64_t inode) {
     return now.device == device && now.inode == inode;
 }
@@ -48,13 +53,18 @@ void TreeRemoval::enter(std::string name, const Level* former) {
     if (!opened) return withoutEntering(name, opened.error());
     const auto now = m_files.attributes(opened->get());
     if (!now) return failWith(name, now.error());
-    if (m_levels.empty() && !isSame(*now, m_start.device, m_start.inode)) return fail(name, "changed since the scan");
+    const bool isStart = m_levels.empty();
+    if (isStart && !isSame(*now, m_start.device, m_start.inode)) return fail(name, StayReason::Changed, changedSince);
     if (former != nullptr && !isSame(*now, former->device, former->inode)) return failWith(name, ENOTEMPTY);
-    if (now->device != m_start.device || now->mount != m_start.mount) return fail(name, "a mount point");
+    if (now->device != m_start.device || now->mount != m_start.mount)
+        return fail(name, StayReason::Protected, mountPoint);
+    auto key = former != nullptr ? former->key : SeenEntries::chosenFolder;
+    if (!isStart && former == nullptr && !isAsSeen(name, *now, key)) return;
     push({.name = std::move(name),
           .folder = std::move(*opened),
           .device = now->device,
           .inode = now->inode,
+          .key = key,
           .folders = {},
           .pass = former == nullptr ? 0 : former->pass + 1});
     removeFiles();
@@ -62,12 +72,30 @@ void TreeRemoval::enter(std::string name, const Level* former) {
 
 void TreeRemoval::withoutEntering(const std::string& name, int error) {
     if (error == ENOENT) return;
-    if (error == EXDEV) return fail(name, "a mount point");
+    if (error == EXDEV) return fail(name, StayReason::Protected, mountPoint);
     const bool noFolder = error == ENOTDIR || error == ELOOP;
-    if (noFolder && m_levels.empty()) return fail(name, "changed since the scan");
+    if (noFolder && m_levels.empty()) return fail(name, StayReason::Changed, changedSince);
+    if (m_seen != nullptr && !m_levels.empty()) {
+        const auto now = m_files.attributes(here(), name.c_str(), Links::Keep);
+        SeenEntries::Key key = 0;
+        if (!now && now.error() != ENOENT) return failWith(name, now.error());
+        if (!now || !isAsSeen(name, *now, key)) return;
+    }
     // A folder that became a link or a file goes by its name, and one that may not be read goes if it is empty.
     const auto removal = m_files.removeEntry(here(), name.c_str(), noFolder ? FileType::Unknown : FileType::Folder);
     if (!went(removal)) failWith(name, noFolder ? removal.error() : error);
+}
+
+// False, and told, when the scan did not see this of the folder in hand.
+bool TreeRemoval::isAsSeen(std::string_view name, const FileAttributes& now, SeenEntries::Key& key) {
+    if (m_seen == nullptr) return true;
+    key = m_seen->keyOf(m_levels.back().key, name, now.inode);
+    switch (m_seen->verdictOn(key, SeenEntry::of(m_own.withoutOurs(now)))) {
+        case SeenEntries::Verdict::AsSeen: return true;
+        case SeenEntries::Verdict::Changed: fail(name, StayReason::Changed, changedSince); break;
+        case SeenEntries::Verdict::Unseen: fail(name, StayReason::CameLater, notSeen); break;
+    }
+    return false;
 }
 
 void TreeRemoval::push(Level level) {
@@ -81,30 +109,57 @@ void TreeRemoval::removeFiles() {
         const auto more = m_files.readFolder(here(), m_batch);
         if (!more) return failWith({}, more.error());
         if (!*more) return;
-        for (const CatalogEntry& entry : m_batch.entries) {
+        for (CatalogEntry& entry : m_batch.entries) {
             if (isStopped()) return;
-            int error = EISDIR;
-            if (entry.type != FileType::Folder) {
-                const auto removal = m_files.removeEntry(here(), entry.name, FileType::Unknown);
-                error = went(removal) ? 0 : removal.error();
-            }
-            if (error == EISDIR) m_levels.back().folders.emplace_back(entry.name);
-            else if (error != 0) failWith(entry.name, error);
+            if (entry.type == FileType::Folder) m_levels.back().folders.emplace_back(entry.name);
+            else if (m_seen != nullptr) removeSeen(entry);
+            else removeFile(entry);
         }
     }
+}
+
+void TreeRemoval::removeFile(const CatalogEntry& entry) {
+    const auto removal = m_files.removeEntry(here(), entry.name, FileType::Unknown);
+    if (went(removal)) return;
+    if (removal.error() == EISDIR) m_levels.back().folders.emplace_back(entry.name);
+    else failWith(entry.name, removal.error());
+}
+
+// The look comes right before the removal, one entry at a time: a look at many would leave a longer gap, and costs as much.
+void TreeRemoval::removeSeen(CatalogEntry& entry) {
+    m_files.readIdentities(here(), {&entry, 1});
+    if (entry.error == ENOENT) return;
+    if (entry.error != 0) return failWith(entry.name, entry.error);
+    const FileAttributes& now = entry.attributes;
+    if (now.type == FileType::Folder) return void(m_levels.back().folders.emplace_back(entry.name));
+    SeenEntries::Key key = 0;
+    if (!isAsSeen(entry.name, now, key)) return;
+    const bool isCounted = now.type != FileType::Regular || m_own.touched(now);
+    const auto removal = m_own.removeName(m_files, here(), entry.name, now);
+    if (removal && !isCounted) m_result.addBytes(now.size);
+    if (went(removal)) return;
+    if (removal.error() == ESTALE) fail(entry.name, StayReason::Changed, changedSince);
+    else failWith(entry.name, removal.error());
 }
 
 void TreeRemoval::leave() {
     const Level done = std::move(m_levels.back());
     m_levels.pop_back();
-    if (!m_levels.empty() && !returnTo(m_levels.back(), done)) {
-        fail({}, "moved meanwhile");
+    const int lost = m_levels.empty() ? 0 : returnTo(m_levels.back(), done);
+    if (lost != 0) {
+        if (lost == ESTALE) fail({}, StayReason::Changed, "moved meanwhile");
+        else failWith({}, lost);
         m_levels.clear();  // what is left of them is out of reach
         return;
     }
-    if (done.stays) {
-        if (!m_levels.empty()) m_levels.back().stays = true;
-        return;
+    if (!done.stays) return removeEmptied(done);
+    if (!m_levels.empty()) m_levels.back().stays = true;
+}
+
+void TreeRemoval::removeEmptied(const Level& done) {
+    if (m_seen != nullptr) {  // an empty folder that came into its place is nobody's to take
+        const auto now = m_files.attributes(here(), done.name.c_str(), Links::Keep);
+        if (now && !isSame(*now, done.device, done.inode)) return fail(done.name, StayReason::CameLater, notSeen);
     }
     const auto removal = m_files.removeEntry(here(), done.name.c_str(), FileType::Folder);
     if (went(removal)) return;
@@ -113,33 +168,40 @@ void TreeRemoval::leave() {
     failWith(done.name, removal.error());
 }
 
-bool TreeRemoval::returnTo(Level& above, const Level& from) {
-    if (above.folder.isOpen()) return true;
+// 0, or the error of the system; ESTALE when the folder above is another one by now.
+int TreeRemoval::returnTo(Level& above, const Level& from) {
+    if (above.folder.isOpen()) return 0;
     auto opened = m_files.openFolder(from.folder.get(), "..", Links::Keep);
-    if (!opened) return false;
+    if (!opened) return opened.error();
     const auto now = m_files.attributes(opened->get());
-    if (!now || !isSame(*now, above.device, above.inode)) return false;
+    if (!now) return now.error();
+    if (!isSame(*now, above.device, above.inode)) return ESTALE;
     above.folder = std::move(*opened);
-    return true;
+    return 0;
 }
 
 // True when the entry is not there any more, by us or by somebody else.
 bool TreeRemoval::went(const SysResult<void>& removal) {
-    if (removal) ++m_result.removed;
+    if (removal) {
+        ++m_result.removed;
+        m_isOurs = m_levels.empty();
+    }
     return removal || removal.error() == ENOENT;
 }
 
 // An entry of the folder in hand, or that folder itself for an empty name.
-void TreeRemoval::fail(std::string_view name, std::string reason) {
+void TreeRemoval::fail(std::string_view name, StayReason kind, std::string reason) {
     if (!m_levels.empty()) m_levels.back().stays = true;
     ++m_result.failed;
     if (m_result.failures.size() >= RemovalResult::mostFailures) return;
     std::string path = m_path;
     for (std::size_t level = 1; level < m_levels.size(); ++level) path += '/' + m_levels[level].name;
     if (!m_levels.empty() && !name.empty()) (path += '/') += name;
-    m_result.failures.push_back({std::move(path), std::move(reason)});
+    m_result.failures.push_back({std::move(path), std::move(reason), kind});
 }
 
-void TreeRemoval::failWith(std::string_view name, int error) { fail(name, systemError("remove", {}, error).reason()); }
+void TreeRemoval::failWith(std::string_view name, int error) {
+    fail(name, stayReasonOf(error), systemError("remove", {}, error).reason());
+}
 
 }  // namespace orrinvale

@@ -5,9 +5,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "engine/files/SafeRemoval.h"
+#include "engine/files/OwnChanges.h"
+#include "engine/files/RemovalResult.h"
+#include "engine/files/SeenEntries.h"
+#include "platform/files.h"
 
 namespace orrinvale {
 
@@ -16,14 +20,24 @@ namespace orrinvale {
 /// must be the folder that was left.
 class TreeRemoval final {
 public:
-    /// `path` is for reports alone. All of the references must outlive the removal; what happens is added to `result`.
-    TreeRemoval(const FileSystem& files, const std::string& path, const std::atomic<bool>* stop, RemovalResult& result)
-        : m_files(files), m_path(path), m_stop(stop), m_result(result) {}
+    /// `path` is for reports alone. All of the references must outlive the removal; what happens is added to `result`. With `seen`
+    /// only what is in it goes, the changes of our own aside.
+    TreeRemoval(const FileSystem& files, const std::string& path, const std::atomic<bool>* stop, RemovalResult& result,
+                const SeenEntries* seen = nullptr, OwnChanges* own = nullptr)
+        : m_files(files),
+          m_path(path),
+          m_stop(stop),
+          m_seen(seen),
+          m_own(own != nullptr ? *own : m_ofThisOne),
+          m_result(result) {}
     TreeRemoval(const TreeRemoval&) = delete;
     TreeRemoval& operator=(const TreeRemoval&) = delete;
 
     /// Removes the folder of that name in `parent`, which has to be the one described.
     void run(int parent, const std::string& name, const FileAttributes& folder);
+
+    /// After run(): the folder itself went by our own hand.
+    [[nodiscard]] bool isOurs() const { return m_isOurs; }
 
 private:
     struct Level {
@@ -31,6 +45,7 @@ private:
         Descriptor folder;
         std::uint64_t device = 0;
         std::uint64_t inode = 0;
+        SeenEntries::Key key = SeenEntries::chosenFolder;
         std::vector<std::string> folders;  // inner ones, still to be removed
         unsigned pass = 0;                 // how often the folder was emptied before and was not empty then
         bool stays = false;                // something in it could not be removed
@@ -40,20 +55,28 @@ private:
     [[nodiscard]] int here() const { return m_levels.empty() ? m_parent : m_levels.back().folder.get(); }
     void enter(std::string name, const Level* former);
     void withoutEntering(const std::string& name, int error);
+    [[nodiscard]] bool isAsSeen(std::string_view name, const FileAttributes& now, SeenEntries::Key& key);
     void push(Level level);
     void removeFiles();
+    void removeFile(const CatalogEntry& entry);
+    void removeSeen(CatalogEntry& entry);
     void leave();
-    [[nodiscard]] bool returnTo(Level& above, const Level& from);
+    void removeEmptied(const Level& done);
+    [[nodiscard]] int returnTo(Level& above, const Level& from);
     [[nodiscard]] bool went(const SysResult<void>& removal);
-    void fail(std::string_view name, std::string reason);
+    void fail(std::string_view name, StayReason kind, std::string reason);
     void failWith(std::string_view name, int error);
 
     const FileSystem& m_files;
     const std::string& m_path;
     const std::atomic<bool>* const m_stop;
+    const SeenEntries* const m_seen;
+    OwnChanges m_ofThisOne;
+    OwnChanges& m_own;
     RemovalResult& m_result;
     int m_parent = -1;
     FileAttributes m_start;
+    bool m_isOurs = false;
     std::vector<Level> m_levels;
     CatalogBatch m_batch;
 };

@@ -73,6 +73,7 @@ std::span<FileNode* const> FileNode::biggestChildren(std::size_t count) {
     // Those in order already are bigger than the rest, so that a list which grows as it is scrolled sorts what is new in it. Whoever
     // comes back for more will do so again: choosing from all that is left costs more than sorting some of it ahead.
     if (m_ordered > 0) count = std::min(count + sortedAhead, all.size());
+    const std::lock_guard lock(FileNodeTree::of(*this).m_lists);
     const auto first = all.begin() + m_ordered;
     const auto end = all.begin() + static_cast<std::ptrdiff_t>(count);
     if (count < all.size()) std::nth_element(first, end, all.end(), before);
@@ -89,6 +90,7 @@ void FileNode::putInOrder(std::span<FileNode*> children) {
 // In a folder of a million entries a look at each child would take longer than a frame, so that the list alone is compared with
 // those that leave, up to the last of them.
 void FileNode::removeChildren(std::span<FileNode* const> leaving) {
+    const std::lock_guard lock(FileNodeTree::of(*this).m_lists);
     std::size_t found = 0;
     std::size_t at = 0;
     std::size_t kept = 0;

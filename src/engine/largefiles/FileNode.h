@@ -115,9 +115,10 @@ private:
     std::uint32_t m_links = 0;
     std::uint16_t m_device = 0;  // index into the tree's devices
     bool m_isDirectory : 1 = false;
-    bool m_isExpand : 1 = false;
     FileType m_type : 4 = FileType::Unknown;
-    State m_state = NotSelected;
+    unsigned char : 0;  // what changes later shares no byte with what a removal reads meanwhile
+    State m_state : 2 = NotSelected;
+    bool m_isExpand : 1 = false;
 };
 
 }  // namespace orrinvale

@@ -49,6 +49,7 @@ std::span<FileNode* const> FileNodeTree::add(FileNode& folder, std::span<const F
 }
 
 FileNodeTree::Added FileNodeTree::addHere(FileNode& folder, std::span<const FoundEntry> entries) {
+    const std::lock_guard lock(m_lists);
     makeRoom(folder, entries.size());
     const std::span<FileNode*> added{folder.m_children + folder.m_childCount, entries.size()};
     auto* const nodes = m_nodes.allocate<FileNode>(entries.size());
@@ -90,6 +91,27 @@ void FileNodeTree::grow(FileNode& folder, std::uint64_t size, std::uint64_t onDi
 void FileNodeTree::addChosenFile(const FoundEntry& entry) {
     m_root->m_isDirectory = false;
     add(*m_root, {&entry, 1});
+}
+
+SeenEntries FileNodeTree::seenBelow(const FileNode& folder, bool inodesPass) const {
+    SeenEntries seen(inodesPass);
+    std::vector<std::pair<const FileNode*, SeenEntries::Key>> waiting{{&folder, SeenEntries::chosenFolder}};
+    std::vector<const FileNode*> children;
+    while (!waiting.empty()) {
+        const auto [node, key] = waiting.back();
+        waiting.pop_back();
+        {
+            const std::lock_guard lock(m_lists);
+            children.assign(node->m_children, node->m_children + node->m_childCount);
+        }
+        for (const FileNode* const child : children) {
+            const bool isFile = child->m_type == FileType::Regular;
+            const auto own = seen.keyOf(key, child->m_name, child->m_inode);
+            seen.add(own, {.type = child->m_type, .size = isFile ? child->m_size : 0, .stamp = child->m_times});
+            if (child->m_isDirectory) waiting.emplace_back(child, own);
+        }
+    }
+    return seen;
 }
 
 void FileNodeTree::makeRoom(FileNode& folder, std::size_t more) {

@@ -3,12 +3,15 @@
 
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <span>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "engine/files/Arena.h"
+#include "engine/files/OwnChanges.h"
+#include "engine/files/SeenEntries.h"
 #include "engine/largefiles/FileNode.h"
 
 namespace orrinvale {
@@ -51,6 +54,12 @@ public:
     /// Rises with every change by add() and removeChild().
     [[nodiscard]] std::uint64_t revision() const { return m_revision; }
 
+    /// What the scan saw below a folder, for the removal of it. Any thread, also while the owner of the tree changes it.
+    [[nodiscard]] SeenEntries seenBelow(const FileNode& folder, bool inodesPass) const;
+
+    /// What our own removals of what the tree shows did to its files. For the one removal that is under way.
+    [[nodiscard]] OwnChanges& ownChanges() { return m_ownChanges; }
+
     /// The tree that a node belongs to.
     [[nodiscard]] static FileNodeTree& of(const FileNode& node);
 
@@ -61,12 +70,16 @@ private:
     std::uint16_t deviceIndex(std::uint64_t device);
 
     std::string m_rootPath;
+    // Held by whoever changes a list of children or its order, and by seenBelow() while it copies one. What a node keeps of its entry
+    // never changes once it stands in a list.
+    mutable std::mutex m_lists;
     Arena m_nodes;
     FileNode* m_root = nullptr;
     std::vector<FileNode*> m_longLists;  // folders whose list of children is allocated for itself
     std::vector<std::uint64_t> m_devices;
     std::uint16_t m_lastDevice = 0;
     std::vector<std::shared_ptr<const void>> m_kept;
+    OwnChanges m_ownChanges;
     std::uint64_t m_nodeCount = 0;
     std::uint64_t m_revision = 0;
 };

@@ -33,7 +33,7 @@ NodeRemoval::NodeRemoval(const ControllerParts& parts, std::shared_ptr<FileNodeT
       m_tree(std::move(tree)),
       m_onNews(std::make_shared<const std::function<void()>>(std::move(onNews))) {
     m_plan.reserve(nodes.size());
-    for (FileNode* const node : nodes) m_plan.push_back({node, node->identity(), node->links()});
+    for (FileNode* const node : nodes) m_plan.push_back({node, node->identity(), node->isDirectory()});
     m_result.chosen = m_plan.size();
     try {
         m_caller = std::thread([this] { callForNews(); });
@@ -62,7 +62,8 @@ void NodeRemoval::abandon() {
 
 void NodeRemoval::removeAll() {
     const auto places = protectedFromLargeFiles(m_files, m_ownFiles);
-    const SafeRemoval removal(m_files, places);
+    m_passing = m_files.devicesOfPassingInodes();
+    const SafeRemoval removal(m_files, places, &m_tree->ownChanges());
     std::string path;
     for (std::size_t index = 0; index < m_plan.size(); ++index) {
         const Entry& entry = m_plan[index];
@@ -72,11 +73,16 @@ void NodeRemoval::removeAll() {
             break;
         }
         notice(index, path);
-        EntryIdentity expected = entry.identity;
-        if (m_result.gone > 0) expected.links = entry.links;  // another name of the file may have been among what went
-        if (!settle(entry, path, removal.remove(path, expected, &m_stop))) break;
+        if (!settle(entry, path, removeOne(removal, entry, path))) break;
     }
     end(std::move(path));
+}
+
+RemovalResult NodeRemoval::removeOne(const SafeRemoval& removal, const Entry& entry, const std::string& path) {
+    if (!entry.isFolder) return removal.remove(path, entry.identity, &m_stop);
+    const bool inodesPass = std::ranges::count(m_passing, entry.identity.device) != 0;
+    const SeenEntries seen = m_tree->seenBelow(*entry.node, inodesPass);
+    return removal.remove(path, entry.identity, &m_stop, &seen);
 }
 
 // False when it was stopped: what is left of such a folder stays in the tree. Everything else leaves it, since a node whose entry is

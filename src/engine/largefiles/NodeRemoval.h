@@ -65,10 +65,11 @@ private:
     struct Entry {
         FileNode* node;
         EntryIdentity identity;
-        std::uint32_t links;
+        bool isFolder;
     };
 
     void removeAll();
+    [[nodiscard]] RemovalResult removeOne(const SafeRemoval& removal, const Entry& entry, const std::string& path);
     [[nodiscard]] bool settle(const Entry& entry, const std::string& path, RemovalResult removal);
     void notice(std::size_t index, const std::string& path);
     void end(std::string path);
@@ -84,8 +85,8 @@ private:
     const std::shared_ptr<const std::function<void()>> m_onNews;  // calls on their way hold it weakly
     std::vector<Entry> m_plan;
     std::atomic<bool> m_stop{false};
-
-    // The removing thread's, handed over at the end.
+    // The removing thread's; the result is handed over at the end.
+    std::vector<std::uint64_t> m_passing;  // devices whose inode numbers need not last
     LargeFileRemoval m_result;
     std::int32_t m_percent = -1;
     std::chrono::steady_clock::time_point m_noticed;

@@ -1,6 +1,7 @@
 // PlainDoor: removal with this user's own rights. Copies are set aside first (SetAside.h), everything else goes by SafeRemoval.
 #pragma once
 
+#include "engine/files/OwnChanges.h"
 #include "engine/files/ProtectedPlaces.h"
 #include "engine/removal/RemovalDoor.h"
 #include "engine/removal/SetAside.h"
@@ -32,6 +33,7 @@ private:
     const FileSystem& m_files;
     const ProtectedPlaces m_places;
     RenameGround m_ground;
+    OwnChanges m_own;
     bool m_isToldPlain = false;  // that copies go without being set aside, once
 };
 

@@ -30,7 +30,7 @@ public:
     [[nodiscard]] virtual std::string path(std::size_t index) const = 0;
     /// What the scan saw; nothing where no scan did.
     [[nodiscard]] virtual std::optional<EntryIdentity> identity(std::size_t index) const = 0;
-    /// What goes with the entry, in bytes, as the page counts it.
+    /// What goes with the entry, in bytes, as the page counts it, for where the removal itself does not count (RemovalResult::bytes).
     [[nodiscard]] virtual std::uint64_t bytes(std::size_t index) const = 0;
 
     /// What the scan saw below a folder, which alone goes with it; nullptr: all goes.

@@ -116,8 +116,10 @@ RemovalResult RemovalRun::removeOne(std::size_t index, const std::string& path, 
 }
 
 void RemovalRun::count(std::size_t index, const RemovalResult& result) {
+    if (result.bytes) addSaturating(m_outcome.bytes, *result.bytes);
     if (result.gone) {
         ++(result.byOthers ? m_outcome.byOthers : m_outcome.removed);
+        if (result.bytes) return;
         const auto identity = m_list.identity(index);
         const bool isFile = identity && identity->type == FileType::Regular;
         const bool isNew = !isFile || m_counted.insert({identity->device, identity->inode}).second;

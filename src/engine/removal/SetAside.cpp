@@ -50,10 +50,6 @@ StayedEntry withoutCopy(const std::string& path, const KeptCopy& kept, const std
 
 }  // namespace
 
-StayReason stayReasonOf(int error) {
-    return error == EACCES || error == EPERM ? StayReason::Rights : StayReason::System;
-}
-
 bool RenameGround::isSafe(int folder, std::uint64_t device) {
     const auto [place, isNew] = m_devices.try_emplace(device);
     if (isNew) {

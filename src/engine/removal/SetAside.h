@@ -99,7 +99,4 @@ private:
 [[nodiscard]] std::optional<StayedEntry> objectionToCopyInPlace(const FileSystem& files, const HeldEntry& leaving,
                                                                 const KeptCopy& kept);
 
-/// Rights for what the user may not do, System for everything else.
-[[nodiscard]] StayReason stayReasonOf(int error);
-
 }  // namespace orrinvale

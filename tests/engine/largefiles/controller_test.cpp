@@ -110,6 +110,59 @@ TEST_F(LargeFiles, BothNamesOfAFileGo) {
     EXPECT_EQ(page.ended->failed, 0U);
 }
 
+// Between the two the file is written through the name that is left, and its time of writing put back.
+TEST_F(LargeFiles, ASecondNameThatWasWrittenToAfterTheFirstWentStays) {
+    disk.write("first", "before");
+    disk.hardLink("first", "second");
+    scan();
+    controller.selectAllFileNode(1);
+    std::string left;
+    files.beforeRemoval = [&](const char* operation) {
+        if (std::strcmp(operation, "holdFolder") != 0 || !left.empty()) return;
+        if (isThere(disk.at("first")) && isThere(disk.at("second"))) return;
+        left = isThere(disk.at("first")) ? "first" : "second";
+        struct stat seen {};
+        ASSERT_EQ(::stat(disk.at(left).c_str(), &seen), 0);
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        disk.patch(left, 0, "after!");
+        const timespec times[] = {seen.st_atim, seen.st_mtim};
+        ASSERT_EQ(::utimensat(AT_FDCWD, disk.at(left).c_str(), times, 0), 0);
+    };
+    remove();
+    files.beforeRemoval = {};
+    EXPECT_EQ(page.ended->gone, 1U);
+    EXPECT_EQ(page.ended->failed, 1U);
+    EXPECT_EQ(testing::contentOf(disk.at(left)), "after!");
+}
+
+// In a folder that is open in the list, in one that is not, and in a bundle, which stands as one row.
+TEST_F(LargeFiles, WhatCameIntoATickedFolderAfterTheScanStaysAndIsTold) {
+    for (const char* folder : {"open", "closed/inner", "Viewer.app/lib"})
+        for (const char* name : {"/old", "/deep/older", "/written"}) disk.write(std::string(folder) + name, "x");
+    scan();
+    node("open").setIsExpand(true);
+    controller.selectAllFileNode(1);
+    for (const char* folder : {"open", "closed/inner", "Viewer.app/lib"}) {
+        disk.write(std::string(folder) + "/deep/new", "precious");
+        disk.patch(std::string(folder) + "/written", 0, "y");
+    }
+    remove();
+    EXPECT_EQ(page.ended->failed, 3U);
+    EXPECT_EQ(page.ended->failedEntries, 6U);
+    for (const char* folder : {"open", "closed/inner", "Viewer.app/lib"}) {
+        const std::string in(folder);
+        EXPECT_TRUE(isThere(disk.at(in + "/deep/new")) && isThere(disk.at(in + "/written"))) << in;
+        EXPECT_FALSE(isThere(disk.at(in + "/old")) || isThere(disk.at(in + "/deep/older"))) << in;
+        EXPECT_EQ(std::ranges::count_if(page.ended->failures,
+                                        [&](const auto& failure) {
+                                            return failure.path == disk.at(in + "/deep/new") &&
+                                                   failure.reason == "not seen by the scan";
+                                        }),
+                  1)
+            << in;
+    }
+}
+
 // Size and time of writing are as before, as somebody leaves them who wants a change to go unnoticed.
 TEST_F(LargeFiles, AFileWrittenWithItsTimeSetBackStays) {
     disk.write("file", "before");

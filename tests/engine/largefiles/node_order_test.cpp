@@ -4,8 +4,10 @@
 #include <rapidcheck.h>
 
 #include <algorithm>
+#include <atomic>
 #include <list>
 #include <random>
+#include <thread>
 
 #include "engine/files/FolderNode.h"
 #include "engine/largefiles/ScanRun.h"
@@ -149,6 +151,41 @@ TEST(LargeFileOrder, ofAWideLevelHoldsWhileItGrowsAndShrinks) {
             ASSERT_EQ(tree.root().biggestChildren(goes + 1)[goes]->identity().inode, expected[goes].second);
         }
     }
+}
+
+// A removal asks on its own thread what stood below a folder, while the owner of the tree scrolls, takes out and adds.
+TEST(LargeFileOrder, whatStandsBelowAFolderIsToldWhileItsOwnerChangesIt) {
+    std::mt19937 random(11);
+    FileNodeTree tree("/chosen");
+    const auto grow = [&](FileNode& folder, std::size_t count, bool isDirectory) {
+        std::vector<FoundEntry> entries;
+        for (std::size_t i = 0; i < count; ++i)
+            entries.push_back({.name = "x",
+                               .isDirectory = isDirectory,
+                               .type = isDirectory ? FileType::Folder : FileType::Regular,
+                               .size = isDirectory ? 0 : random() % 500,
+                               .inode = random()});
+        return tree.add(folder, entries);
+    };
+    FileNode& chosen = *grow(tree.root(), 1, true).front();
+    FileNode& wide = *grow(chosen, 1, true).front();
+    static_cast<void>(grow(wide, 20'000, false));
+    std::atomic<bool> ended{false};
+    std::thread remover([&] {
+        for (int i = 0; i < 40; ++i) {
+            const std::size_t count = tree.seenBelow(chosen, false).count();
+            if (count < 15'001 || count > 30'001) ADD_FAILURE() << count;
+        }
+        ended = true;
+    });
+    for (std::size_t round = 0; !ended; ++round) {
+        const auto children = wide.biggestChildren(round % 300 * 50);
+        chosen.setState(FileNode::Mixed);
+        wide.setIsExpand(round % 2 == 0);
+        if (round % 2 == 0 && wide.childCount() > 15'000) wide.removeChild(*children[random() % 100]);
+        if (round % 64 == 0 && wide.childCount() < 29'000) static_cast<void>(grow(wide, 500, false));
+    }
+    remover.join();
 }
 
 }  // namespace
