@@ -478,6 +478,10 @@
         <source>Unknown error %1</source>
         <translation>Unbekannter Fehler %1</translation>
     </message>
+    <message>
+        <source>not seen by the scan</source>
+        <translation>vom Suchlauf nicht gesehen</translation>
+    </message>
 </context>
 <context>
     <name>ResultRow</name>

@@ -59,8 +59,8 @@ SysResult<Descriptor> HeldEntry::holdParentOf(const FileSystem& files, const std
 }
 
 tl::expected<HeldEntry, Objection> HeldEntry::at(const FileSystem& files, const ProtectedPlaces& places,
-                                                 const std::string& path,
-                                                 const std::optional<EntryIdentity>& expected, const OwnChanges* own) {
+                                                 const std::string& path, const std::optional<EntryIdentity>& expected,
+                                                 const OwnChanges* own) {
     auto plain = plainPath(path);
     if (!plain) return tl::unexpected(refused("not a plain absolute path", StayReason::Protected));
     if (*plain == "/") return tl::unexpected(refused("the root of the file system", StayReason::Protected));

@@ -19,32 +19,34 @@ std::uint64_t mixed(std::uint64_t value) {
     return value ^ (value >> 33U);
 }
 
-std::uint64_t printOf(SeenEntries::Key key, const SeenEntry& entry) {
-    const std::uint64_t state = mixed(mixed(entry.stamp ^ (static_cast<std::uint64_t>(entry.type) << 56U)) + entry.size);
+std::uint64_t printOf(SeenEntries::Key key, const SeenState& entry) {
+    const std::uint64_t state =
+        mixed(mixed(entry.stamp ^ (static_cast<std::uint64_t>(entry.type) << 56U)) + entry.size);
     const std::uint64_t print = (key & upperHalf) | (state >> 32U);
     return print != 0 ? print : 1;
 }
 
 }  // namespace
 
-SeenEntry SeenEntry::of(const FileAttributes& seen) {
+SeenState SeenState::of(const FileAttributes& seen) {
     const bool isFile = seen.type == FileType::Regular;
-    return {.type = seen.type,
-            .size = isFile ? seen.size : 0,
-            .stamp = isFile ? EntryIdentity::timesOf(seen.modified, seen.changed) : static_cast<std::uint64_t>(seen.born)};
+    return {
+        .type = seen.type,
+        .size = isFile ? seen.size : 0,
+        .stamp = isFile ? EntryIdentity::timesOf(seen.modified, seen.changed) : static_cast<std::uint64_t>(seen.born)};
 }
 
 SeenEntries::Key SeenEntries::keyOf(Key folder, std::string_view name, std::uint64_t inode) const {
     return mixed(mixed(folder + std::hash<std::string_view>{}(name)) + (m_inodesPass ? 0 : inode));
 }
 
-void SeenEntries::add(Key key, const SeenEntry& entry) {
+void SeenEntries::add(Key key, const SeenState& entry) {
     if ((m_count + 1) * 5 > m_prints.size() * 4) grow();
     put(printOf(key, entry));
     ++m_count;
 }
 
-SeenEntries::Verdict SeenEntries::verdictOn(Key key, const SeenEntry& entry) const {
+SeenEntries::Verdict SeenEntries::verdictOn(Key key, const SeenState& entry) const {
     if (m_prints.empty()) return Verdict::Unseen;
     const Print wanted = printOf(key, entry);
     Verdict verdict = Verdict::Unseen;

@@ -13,12 +13,13 @@ namespace orrinvale {
 
 /// The state of an entry. Sizes and times of files count, so that one that was written since is told; of everything else the time of
 /// its making.
-struct SeenEntry {
+struct SeenState {
     FileType type = FileType::Unknown;
-    std::uint64_t size = 0;   ///< of regular files alone
-    std::uint64_t stamp = 0;  ///< of a regular file EntryIdentity::timesOf(), of all others the time of their making, 0 where not known
+    std::uint64_t size = 0;  ///< of regular files alone
+    std::uint64_t stamp =
+        0;  ///< of a regular file EntryIdentity::timesOf(), of all others the time of their making, 0 where not known
 
-    [[nodiscard]] static SeenEntry of(const FileAttributes& seen);
+    [[nodiscard]] static SeenState of(const FileAttributes& seen);
 };
 
 /// A set of fingerprints, one for each entry, of 10 to 20 bytes. Half of a fingerprint stands for the folder, the name and the inode
@@ -42,8 +43,8 @@ public:
     /// The key of an entry of a folder, to be handed over with what is below it.
     [[nodiscard]] Key keyOf(Key folder, std::string_view name, std::uint64_t inode) const;
 
-    void add(Key key, const SeenEntry& entry);
-    [[nodiscard]] Verdict verdictOn(Key key, const SeenEntry& entry) const;
+    void add(Key key, const SeenState& entry);
+    [[nodiscard]] Verdict verdictOn(Key key, const SeenState& entry) const;
     [[nodiscard]] std::size_t count() const { return m_count; }
 
 private:

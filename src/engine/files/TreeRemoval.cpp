@@ -90,7 +90,7 @@ void TreeRemoval::withoutEntering(const std::string& name, int error) {
 bool TreeRemoval::isAsSeen(std::string_view name, const FileAttributes& now, SeenEntries::Key& key) {
     if (m_seen == nullptr) return true;
     key = m_seen->keyOf(m_levels.back().key, name, now.inode);
-    switch (m_seen->verdictOn(key, SeenEntry::of(m_own.withoutOurs(now)))) {
+    switch (m_seen->verdictOn(key, SeenState::of(m_own.withoutOurs(now)))) {
         case SeenEntries::Verdict::AsSeen: return true;
         case SeenEntries::Verdict::Changed: fail(name, StayReason::Changed, changedSince); break;
         case SeenEntries::Verdict::Unseen: fail(name, StayReason::CameLater, notSeen); break;

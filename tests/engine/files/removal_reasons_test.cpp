@@ -143,9 +143,7 @@ TEST(RemovalReasons, WhatSomebodyElseRemovedIsNoFailureAndNotCountedAsOurs) {
         std::uint64_t removed;
         int atRemoval;
         const char* theirs;
-    } cases[] = {{"x", "gone by others", 0, 1, "x"},
-                 {"f", "gone", 2, 1, "f/1"},
-                 {"f", "gone by others", 2, 3, "f"}};
+    } cases[] = {{"x", "gone by others", 0, 1, "x"}, {"f", "gone", 2, 1, "f/1"}, {"f", "gone by others", 2, 3, "f"}};
     for (const auto& [path, expected, removed, atRemoval, theirs] : cases) {
         TestTree tree;
         for (const char* name : {"x", "f/1", "f/2"}) tree.write(name, "x");

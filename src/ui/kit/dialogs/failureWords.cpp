@@ -27,6 +27,7 @@ constexpr std::array whole{
     QT_TRANSLATE_NOOP("Reason", "what is mounted can not be told"),
     QT_TRANSLATE_NOOP("Reason", "not a plain absolute path"),
     QT_TRANSLATE_NOOP("Reason", "changed since the scan"),
+    QT_TRANSLATE_NOOP("Reason", "not seen by the scan"),
     QT_TRANSLATE_NOOP("Reason", "changed since it was looked at"),
     QT_TRANSLATE_NOOP("Reason", "moved meanwhile"),
     QT_TRANSLATE_NOOP("Reason", "another entry is in its place"),
