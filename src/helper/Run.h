@@ -6,14 +6,22 @@
 #include <string>
 #include <vector>
 
+#include "helper/EndSignal.h"
+#include "helper/RootJournal.h"
 #include "platform/linux/HelperPacket.h"
 
 namespace orrinvale::helper {
 
-/// Verifies and removes one entry in this process, which must have one thread; it changes the working folder. SIGTERM is to be
-/// ignored here: the tool, in this process's group, takes it, and what became of the entry is told all the same. `ownFiles` are the
-/// program's own files.
-[[nodiscard]] HelperReply removeEntry(const HelperRequest& request, uid_t caller,
-                                      const std::vector<std::string>& ownFiles);
+/// What all requests of a session share.
+struct Grounds {
+    uid_t caller;
+    const std::vector<std::string>& ownFiles;  ///< the program's own
+    RootJournal& journal;                      ///< open, or nothing is set aside
+    const EndSignal& end;  ///< when it comes the tool is ended, and what is aside gets its own name back
+};
+
+/// Verifies and removes one entry in this process, which must have one thread. A file, and a copy of something that stays, is set aside
+/// first and looked at again: it goes as what was asked for, or it stays under its own name. The tool is in this process's group.
+[[nodiscard]] HelperReply removeEntry(const HelperRequest& request, const Grounds& grounds);
 
 }  // namespace orrinvale::helper

@@ -26,6 +26,7 @@ namespace {
 using Outcome = HelperReply::Outcome;
 
 constexpr std::chrono::milliseconds kPatience = std::chrono::seconds(1);  // from SIGTERM to SIGKILL
+constexpr std::chrono::milliseconds kGrace{500};                          // for the rest of its work after that
 constexpr std::size_t kMostLine = 4000;  // a pipe that has room takes PIPE_BUF = 4096 bytes at once (pipe(7))
 
 std::string_view wordFor(Outcome outcome) {
@@ -59,20 +60,50 @@ Session::Session(int socket, uid_t caller, std::vector<std::string> ownFiles, st
     : m_socket(socket), m_caller(caller), m_ownFiles(std::move(ownFiles)), m_idle(idle) {}
 
 void Session::run() {
+    if (m_journal.hasFolder())
+        apart([this] {
+            for (const std::string& line : m_journal.bringBack()) report(line);
+        });
     answer({0, Outcome::Ready, {}});
+    serve();
+    stop();
+    if (m_journal.isOpen()) apart([this] { m_journal.settle(); });
+}
+
+void Session::serve() {
     for (;;) {
-        std::array<pollfd, 2> sources{{{m_socket, POLLIN, 0}, {m_result.get(), POLLIN, 0}}};
+        std::array<pollfd, 3> sources{
+            {{m_socket, POLLIN, 0}, {m_result.get(), POLLIN, 0}, {m_end.descriptor(), POLLIN, 0}}};
         const int count = ::poll(sources.data(), sources.size(), m_worker < 0 ? static_cast<int>(m_idle.count()) : -1);
         if (count < 0 && errno == EINTR) continue;
-        if (count < 0) break;
+        if (count < 0) return;
         if (count == 0) {
             answer({0, Outcome::Idle, {}});
-            break;
+            return;
         }
         if (sources[1].revents != 0) finish();
-        if (sources[0].revents != 0 && !receive()) break;
+        if (sources[0].revents != 0 && !receive()) return;
+        if (sources[2].revents != 0) return;
     }
-    stop();
+}
+
+// In a process that a disk which does not answer may keep for as long as it likes; what it does is nearly always done within the second
+// that it is waited for.
+void Session::apart(const std::function<void()>& task) const {
+    int ends[2];
+    if (::pipe2(ends, O_CLOEXEC) != 0) return;
+    const Descriptor ours(ends[0]);
+    Descriptor theirs(ends[1]);
+    const pid_t other = ::fork();
+    if (other == 0) {
+        ::close(m_socket);
+        m_end.letThrough();
+        task();
+        ::_exit(0);
+    }
+    theirs.reset();
+    const bool isDone = waitReadable(ours.get(), kPatience);
+    while (isDone && other > 0 && ::waitpid(other, nullptr, 0) < 0 && errno == EINTR) {}
 }
 
 // False when the caller is gone. An empty packet looks the same and is taken for it.
@@ -97,6 +128,7 @@ bool Session::receive() {
 void Session::begin(const HelperRequest& request) {
     m_request = request;
     m_reply.clear();
+    openJournal();
     int ends[2];
     if (::pipe2(ends, O_CLOEXEC) == 0) {
         m_result = Descriptor(ends[0]);
@@ -109,13 +141,20 @@ void Session::begin(const HelperRequest& request) {
     else ::setpgid(m_worker, m_worker);  // the worker does so too; whoever is first
 }
 
-void Session::work(const HelperRequest& request, pid_t parent, int result) const {
+// Without one removals go on, and nothing is set aside: a full disk must not keep anybody from making room on it.
+void Session::openJournal() {
+    m_journal.touched(m_request.entry.device, m_request.entry.path);
+    const auto reason = m_journal.open();
+    if (reason && !std::exchange(m_saidNoJournal, true))
+        report(fmt::format("uid {}: nothing is set aside: {}", m_caller, *reason));
+}
+
+void Session::work(const HelperRequest& request, pid_t parent, int result) {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (::getppid() != parent) ::_exit(1);
     ::setpgid(0, 0);
-    ::signal(SIGTERM, SIG_IGN);  // for the tool, which takes the signal back
-    ::close(m_socket);           // or it would keep the caller from seeing the helper's death
-    const std::string packet = removeEntry(request, m_caller, m_ownFiles).packed();
+    ::close(m_socket);  // or it would keep the caller from seeing the helper's death
+    const std::string packet = removeEntry(request, {m_caller, m_ownFiles, m_journal, m_end}).packed();
     ::_exit(::write(result, packet.data(), packet.size()) == static_cast<ssize_t>(packet.size()) ? 0 : 1);
 }
 
@@ -137,11 +176,11 @@ void Session::finish() {
     answer(reply);
 }
 
-// The caller is gone, so that nobody waits for the tool any more.
+// The worker gives the tool a second, puts back what is aside and tells what became of the entry.
 void Session::stop() {
     if (m_worker < 0) return;
     ::kill(-m_worker, SIGTERM);
-    while (m_worker >= 0 && waitReadable(m_result.get(), kPatience)) finish();
+    while (m_worker >= 0 && waitReadable(m_result.get(), kPatience + kGrace)) finish();
     if (m_worker < 0) return;
     ::kill(-m_worker, SIGKILL);
     note({0, Outcome::Failed, "killed, as its caller is gone"});

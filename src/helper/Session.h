@@ -4,9 +4,12 @@
 #include <sys/types.h>
 
 #include <chrono>
+#include <functional>
 #include <string>
 #include <vector>
 
+#include "helper/EndSignal.h"
+#include "helper/RootJournal.h"
 #include "platform/descriptor.h"
 #include "platform/linux/HelperPacket.h"
 
@@ -21,13 +24,17 @@ public:
     /// `socket` is the caller's and is not owned.
     Session(int socket, uid_t caller, std::vector<std::string> ownFiles, std::chrono::milliseconds idle = idleLimit);
 
-    /// Says Ready and serves until the caller is gone or has been idle for too long.
+    /// Brings back what killed sessions left aside, says Ready and serves until the caller is gone, has been idle for too long, or SIGTERM
+    /// comes. A removal at work then has a second to end, and what it set aside gets its own name back.
     void run();
 
 private:
+    void serve();
     [[nodiscard]] bool receive();
     void begin(const HelperRequest& request);
-    [[noreturn]] void work(const HelperRequest& request, pid_t parent, int result) const;
+    [[noreturn]] void work(const HelperRequest& request, pid_t parent, int result);
+    void openJournal();
+    void apart(const std::function<void()>& task) const;
     void finish();
     void stop();
     void answer(const HelperReply& reply) const;
@@ -41,6 +48,9 @@ private:
     Descriptor m_result;      // the worker's reply; its end is the worker's end
     std::string m_reply;      // what came out of it so far
     HelperRequest m_request;  // the one in flight, or the last
+    EndSignal m_end;
+    RootJournal m_journal;
+    bool m_saidNoJournal = false;
 };
 
 /// One line to the system's log and to standard error, control bytes escaped. Never waits for a reader of standard error.

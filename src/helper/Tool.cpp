@@ -13,7 +13,9 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <cstring>
 #include <utility>
 
@@ -55,9 +57,9 @@ struct Streams {
 // The number of `start` in the tool. Everything above it is closed.
 constexpr int kStartDescriptor = STDERR_FILENO + 1;
 
-bool takePlaces(const WorkFolder& work, const Streams& streams) {
+bool takePlaces(int folder, const Streams& streams) {
     const int nothing = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
-    return ::fchdir(work.folder.get()) == 0 && ::dup2(nothing, STDIN_FILENO) >= 0 &&
+    return ::fchdir(folder) == 0 && ::dup2(nothing, STDIN_FILENO) >= 0 &&
            ::dup2(streams.output.theirs.get(), STDOUT_FILENO) >= 0 &&
            ::dup2(streams.errors.theirs.get(), STDERR_FILENO) >= 0 &&
            ::dup2(streams.start.theirs.get(), kStartDescriptor) >= 0 &&
@@ -65,21 +67,28 @@ bool takePlaces(const WorkFolder& work, const Streams& streams) {
            ::syscall(SYS_close_range, kStartDescriptor + 1U, ~0U, 0U) == 0;
 }
 
-[[noreturn]] void becomeTool(const std::string& name, const WorkFolder& work, const Streams& streams, pid_t parent) {
+/// Where the tool works, and on what.
+struct Task {
+    int folder;
+    bool hidesMounts;
+    const std::string& name;
+};
+
+[[noreturn]] void becomeTool(const Task& task, const Streams& streams, const EndSignal& end, pid_t parent) {
     constexpr int cannotRun = 125;
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);  // whoever kills the helper ends the tool
     if (::getppid() != parent) ::_exit(cannotRun);
-    std::string path = "./" + name;
+    std::string path = "./" + task.name;
     std::string tool = "rm";
     std::string how = "-rf";
     std::string within = "--one-file-system";
     std::array<char*, 5> arguments{tool.data(), how.data(), path.data(), nullptr, nullptr};
-    if (!work.hidesMounts) arguments = {tool.data(), how.data(), within.data(), path.data(), nullptr};
+    if (!task.hidesMounts) arguments = {tool.data(), how.data(), within.data(), path.data(), nullptr};
     char* const noEnvironment[] = {nullptr};
     int report = streams.start.theirs.get();
-    if (takePlaces(work, streams)) {
+    if (takePlaces(task.folder, streams)) {
         report = kStartDescriptor;
-        ::signal(SIGTERM, SIG_DFL);
+        end.letThrough();
         ::execve("/bin/rm", arguments.data(), noEnvironment);
     }
     const int error = errno;
@@ -87,17 +96,56 @@ bool takePlaces(const WorkFolder& work, const Streams& streams) {
     ::_exit(cannotRun);
 }
 
-void readAll(Streams& streams) {
+/// Ends the tool when its time has come: asked first, a second later by force.
+class Patience final {
+public:
+    Patience(pid_t tool, const EndSignal& end) : m_tool(tool), m_end(end) {}
+
+    /// What to wait for besides the tool; nothing more once it came.
+    [[nodiscard]] pollfd source() const { return {m_isAsked ? -1 : m_end.descriptor(), POLLIN, 0}; }
+    /// How long to wait: for as long as it takes, or what is left of the second.
+    [[nodiscard]] int milliseconds() const {
+        using std::chrono::ceil;
+        if (!m_isAsked) return -1;
+        const auto left = ceil<std::chrono::milliseconds>(m_until - Clock::now());
+        return static_cast<int>(std::max<std::int64_t>(left.count(), 0));
+    }
+    /// What it still had to say is nobody's concern then.
+    [[nodiscard]] bool isOver() const { return m_isOver; }
+    void look() {
+        if (!m_isAsked && m_end.hasCome()) {
+            m_isAsked = true;
+            m_until = Clock::now() + std::chrono::seconds(1);
+            ::kill(m_tool, SIGTERM);
+        } else if (m_isAsked && Clock::now() >= m_until) {
+            m_isOver = true;
+            ::kill(m_tool, SIGKILL);
+        }
+    }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    const pid_t m_tool;
+    const EndSignal& m_end;
+    Clock::time_point m_until;
+    bool m_isAsked = false;
+    bool m_isOver = false;
+};
+
+void readAll(Streams& streams, Patience patience) {
     const auto isOpen = [](const Stream* stream) { return stream->ours.isOpen(); };
     const auto all = streams.all();
-    while (std::any_of(all.begin(), all.end(), isOpen)) {
-        std::array<pollfd, all.size()> sources;
+    while (!patience.isOver() && std::any_of(all.begin(), all.end(), isOpen)) {
+        std::array<pollfd, all.size() + 1> sources;
         std::transform(all.begin(), all.end(), sources.begin(), [](const Stream* stream) {
             return pollfd{stream->ours.get(), POLLIN, 0};
         });
-        if (::poll(sources.data(), sources.size(), -1) < 0 && errno != EINTR) return;
+        sources.back() = patience.source();
+        if (::poll(sources.data(), sources.size(), patience.milliseconds()) < 0 && errno != EINTR) return;
         for (std::size_t i = 0; i < all.size(); ++i)
             if (sources[i].revents != 0) all[i]->read();
+        patience.look();
     }
 }
 
@@ -124,16 +172,16 @@ WorkFolder WorkFolder::of(Descriptor folder) {
     return {std::move(folder), false};
 }
 
-ToolRun runTool(const std::string& name, const WorkFolder& work) {
+ToolRun runTool(int folder, bool hidesMounts, const std::string& name, const EndSignal& end) {
     Streams streams;
     for (const Stream* const stream : streams.all())
         if (!stream->ours.isOpen()) return {reasonOf(errno), {}, {}};
     const pid_t self = ::getpid();
     const pid_t tool = ::fork();
     if (tool < 0) return {reasonOf(errno), {}, {}};
-    if (tool == 0) becomeTool(name, work, streams, self);
+    if (tool == 0) becomeTool({folder, hidesMounts, name}, streams, end, self);
     for (Stream* const stream : streams.all()) stream->theirs.reset();
-    readAll(streams);
+    readAll(streams, Patience(tool, end));
     int status = 0;
     while (::waitpid(tool, &status, 0) < 0 && errno == EINTR) {}
     const std::string& errors = streams.errors.text;

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "helper/EndSignal.h"
 #include "platform/descriptor.h"
 
 namespace orrinvale::helper {
@@ -25,7 +26,8 @@ struct ToolRun {
 };
 
 /// Runs "/bin/rm -rf ./name" in the folder to its end, without environment and with no descriptor but its three streams; nothing of it
-/// is left when this returns. Changes nothing of this process. One thread.
-[[nodiscard]] ToolRun runTool(const std::string& name, const WorkFolder& work);
+/// is left when this returns. When the signal comes it has a second to end. Where the folder is no copy of its mount, the tool is kept
+/// from other file systems by its own means. One thread.
+[[nodiscard]] ToolRun runTool(int folder, bool hidesMounts, const std::string& name, const EndSignal& end);
 
 }  // namespace orrinvale::helper

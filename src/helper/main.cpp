@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "helper/Checks.h"
+#include "helper/RootJournal.h"
 #include "helper/Session.h"
 #include "platform/linux/LinuxFiles.h"
 
@@ -71,10 +72,11 @@ void fillStandardDescriptors() {
     }
 }
 
-/// What stands beside the helper, and what an installed program has elsewhere.
+/// What stands beside the helper, what an installed program has elsewhere, and the journals.
 std::vector<std::string> ownFiles() {
     std::vector<std::string> files = programFiles();
-    for (const char* const path : {ORRINVALE_HELPER_PATH, ORRINVALE_POLICY_PATH, ORRINVALE_PROGRAM_PATHS})
+    for (const char* const path :
+         {ORRINVALE_HELPER_PATH, ORRINVALE_POLICY_PATH, ORRINVALE_PROGRAM_PATHS, RootJournal::usualFolder})
         files.emplace_back(path);
     return files;
 }

@@ -69,7 +69,8 @@ HelperRun::HelperRun(uid_t caller, const std::function<void()>& before) {
 }
 
 HelperRun::~HelperRun() {
-    if (m_process <= 0) return;
+    letGo();  // its own end takes its journal away
+    if (m_process <= 0 || endsWithin(std::chrono::milliseconds(3000))) return;
     ::kill(m_process, SIGKILL);
     ::waitpid(m_process, nullptr, 0);
 }

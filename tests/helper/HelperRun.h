@@ -28,7 +28,7 @@ public:
     explicit HelperRun(uid_t caller = ordinaryUser) : HelperRun(caller, [] {}) {}
     /// With what the new process does before it becomes the helper.
     HelperRun(uid_t caller, const std::function<void()>& before);
-    ~HelperRun();  ///< kills it
+    ~HelperRun();  ///< ends it, by force if need be
     HelperRun(const HelperRun&) = delete;
     HelperRun& operator=(const HelperRun&) = delete;
 
