@@ -482,6 +482,18 @@
         <source>not seen by the scan</source>
         <translation>vom Suchlauf nicht gesehen</translation>
     </message>
+    <message>
+        <source>the tool could not be started: %1</source>
+        <translation>das Werkzeug ließ sich nicht starten: %1</translation>
+    </message>
+    <message>
+        <source>the tool was ended by signal %1</source>
+        <translation>das Werkzeug wurde durch das Signal %1 beendet</translation>
+    </message>
+    <message>
+        <source>the tool ended with status %1</source>
+        <translation>das Werkzeug endete mit dem Status %1</translation>
+    </message>
 </context>
 <context>
     <name>ResultRow</name>

@@ -139,7 +139,7 @@ HelperReply removeEntry(const HelperRequest& request, const Grounds& grounds) {
     if (!entry || !isStill(wanted, *entry) || !isStill(wanted, *seen)) return refused("changed since it was looked at");
     std::optional<KeptCopy> kept;
     if (request.stays) kept = KeptCopy{request.stays->path, identityOf(*request.stays)};
-    if (kept && isWithin(kept->path, wanted.path)) return refused("no other copy is left");
+    if (kept && isWithin(kept->path, wanted.path)) return refused("no other verified copy is left");
     const HeldEntry held{std::move(work.folder), wanted.path, name, *entry};
     return Removal(files, held, work.hidesMounts, grounds.end).run(kept, grounds.journal);
 }

@@ -15,9 +15,14 @@
 namespace orrinvale {
 namespace {
 
-// The mount tells two mounts of one volume apart, between which nothing can be moved; kernels before 5.8 do not number them.
+bool isSameFolder(const FileAttributes& a, const FileAttributes& b) {
+    return a.device == b.device && a.inode == b.inode;
+}
+
+// Two mounts of one volume count as two, as nothing can be moved between them. Kernels before 5.8 do not number mounts. Parts of a volume
+// that have devices of their own (subvolumes) are on one mount, which is where every desktop looks for its trash.
 bool isSameMount(const FileAttributes& a, const FileAttributes& b) {
-    return a.device == b.device && a.mount == b.mount;
+    return a.mount != 0 && b.mount != 0 ? a.mount == b.mount : a.device == b.device;
 }
 
 std::string reasonOf(int error) { return systemError("move", {}, error).reason(); }
@@ -80,7 +85,7 @@ bool Trash::isOnVolumeOf(const HeldEntry& held, std::string folder) const {
         seen = m_files.attributes(FileSystem::noParent, folder.c_str(), Links::Follow);
     }
     const auto parent = m_files.attributes(held.parent.get());
-    return seen && parent && isSameMount(*seen, *parent);
+    return seen && parent && seen->device == parent->device && isSameMount(*seen, *parent);
 }
 
 SysResult<Descriptor> Trash::rootOfVolume(const HeldEntry& held) const {
@@ -91,7 +96,7 @@ SysResult<Descriptor> Trash::rootOfVolume(const HeldEntry& held) const {
         const auto seen = m_files.attributes(here->get());
         const auto next = m_files.attributes(above->get());
         if (!seen || !next) return tl::unexpected(!seen ? seen.error() : next.error());
-        if (!isSameMount(*seen, *next) || seen->inode == next->inode) break;
+        if (!isSameMount(*seen, *next) || isSameFolder(*seen, *next)) break;
         here = std::move(above);
     }
     return here;

@@ -22,6 +22,7 @@ namespace {
 
 using Failure = TrashFolder::Failure;
 
+constexpr std::string_view replacedReason = "another entry came into its place";
 constexpr std::string_view recordExtension = ".trashinfo";
 // Numbers one after another up to here, so that people see a series; from there on by chance, since ten thousand entries of one
 // name must not take ten thousand attempts each.
@@ -55,14 +56,28 @@ std::string wallClock() {
     return iso8601({std::chrono::duration_cast<std::chrono::nanoseconds>(now).count()}).substr(0, 19);
 }
 
+bool isSame(const FileAttributes& a, const FileAttributes& b) {
+    return a.device == b.device && a.inode == b.inode && a.type == b.type;
+}
+
 bool isSame(const FileSystem& files, int folder, const FileAttributes& entry) {
     const auto seen = files.attributes(folder);
-    return seen && seen->device == entry.device && seen->inode == entry.inode;
+    return seen && isSame(*seen, entry);
 }
 
 SysResult<Descriptor> openMade(const FileSystem& files, int parent, const char* name) {
     if (::mkdirat(parent, name, 0700) != 0 && errno != EEXIST) return tl::unexpected(errno);
     return files.openInside(parent, name);
+}
+
+/// Nothing, with the reason, for a folder of another user: what is moved there would be his.
+tl::expected<Descriptor, std::string> openMadeOwn(const FileSystem& files, int parent, const char* name, uid_t user) {
+    auto opened = openMade(files, parent, name);
+    if (!opened) return tl::unexpected(reasonOf(opened.error()));
+    struct stat seen {};
+    if (::fstat(opened->get(), &seen) != 0) return tl::unexpected(reasonOf(errno));
+    if (seen.st_uid != user) return tl::unexpected(std::string("the trash there is another user's"));
+    return std::move(*opened);
 }
 
 int writeAll(int file, std::string_view bytes) {
@@ -84,15 +99,12 @@ std::string nameInTrash(std::string_view name, std::uint64_t attempt) {
 
 tl::expected<TrashFolder, std::string> TrashFolder::open(const FileSystem& files, int parent, const std::string& name,
                                                          uid_t user) {
-    const auto opened = openMade(files, parent, name.c_str());
-    if (!opened) return tl::unexpected(reasonOf(opened.error()));
-    struct stat seen {};
-    if (::fstat(opened->get(), &seen) != 0) return tl::unexpected(reasonOf(errno));
-    if (seen.st_uid != user) return tl::unexpected(std::string("the trash there is another user's"));
+    const auto opened = openMadeOwn(files, parent, name.c_str(), user);
+    if (!opened) return tl::unexpected(opened.error());
     TrashFolder trash(files);
     for (auto [folder, inner] : {std::pair{&trash.m_entries, "files"}, std::pair{&trash.m_records, "info"}}) {
-        auto made = openMade(files, opened->get(), inner);
-        if (!made) return tl::unexpected(reasonOf(made.error()));
+        auto made = openMadeOwn(files, opened->get(), inner, user);
+        if (!made) return tl::unexpected(std::move(made.error()));
         *folder = std::move(*made);
     }
     return trash;
@@ -100,6 +112,10 @@ tl::expected<TrashFolder, std::string> TrashFolder::open(const FileSystem& files
 
 tl::expected<std::string, Failure> TrashFolder::take(const HeldEntry& held, const std::string& place) const {
     if (auto reason = objection(held)) return tl::unexpected(Failure{std::move(*reason)});
+    const auto entry = m_files->holdEntry(held.parent.get(), held.name.c_str());
+    const auto now = entry ? m_files->attributes(entry->get()) : tl::unexpected(entry.error());
+    if (!now) return tl::unexpected(Failure{reasonOf(now.error())});
+    if (!isSame(*now, held.attributes)) return tl::unexpected(Failure{std::string(replacedReason)});
     const std::string record = recordOf(place);
     for (std::uint64_t attempt = 1; attempt <= mostAttempts; ++attempt) {
         const std::string name = nameInTrash(held.name, numberOf(attempt));
@@ -107,7 +123,7 @@ tl::expected<std::string, Failure> TrashFolder::take(const HeldEntry& held, cons
         else if (error != 0) return tl::unexpected(Failure{reasonOf(error)});
         const auto moved = m_files->moveEntry(held.parent.get(), held.name.c_str(), m_entries.get(), name.c_str());
         if (moved) {
-            if (auto failure = check(held, name)) return tl::unexpected(std::move(*failure));
+            if (auto failure = check(held, entry->get(), name)) return tl::unexpected(std::move(*failure));
             return joinPath(m_files->placeOf(m_entries.get()).value_or(""), name);
         }
         dropRecord(name);
@@ -149,15 +165,14 @@ void TrashFolder::dropRecord(const std::string& name) const {
     (void)m_files->removeEntry(m_records.get(), (name + std::string(recordExtension)).c_str(), FileType::Regular);
 }
 
-// A name was moved, and only now is it certain what stood behind it. Layered file systems give a file another number when it moves.
-std::optional<Failure> TrashFolder::check(const HeldEntry& held, const std::string& name) const {
+// A name was moved, and only now is it certain what stood behind it. Layers give a file another number as they copy it up for the move;
+// the entry that was held from before shows that one too.
+std::optional<Failure> TrashFolder::check(const HeldEntry& held, int entry, const std::string& name) const {
     const auto now = m_files->attributes(m_entries.get(), name.c_str(), Links::Keep);
-    const FileAttributes& seen = held.attributes;
-    if (now && now->type == seen.type &&
-        (now->inode == seen.inode || (now->size == seen.size && now->modified == seen.modified)))
-        return std::nullopt;
+    const auto moved = m_files->attributes(entry);
+    if (now && moved && isSame(*now, *moved)) return std::nullopt;
     if (m_files->moveEntry(m_entries.get(), name.c_str(), held.parent.get(), held.name.c_str())) dropRecord(name);
-    return Failure{"another entry came into its place"};
+    return Failure{std::string(replacedReason)};
 }
 
 }  // namespace orrinvale

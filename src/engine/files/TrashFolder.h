@@ -24,8 +24,8 @@ public:
         bool isElsewhere = false;  ///< this trash is on another volume, so that a further one is worth a try
     };
 
-    /// A folder of this name in `parent`, made for the user alone if it is not there. Nothing, with the reason for people, when it is a
-    /// link or another user's: it may have been put there to have files fall into other hands.
+    /// A folder of this name in `parent`, made for the user alone if it is not there. Nothing, with the reason for people, when it, or
+    /// what is in it, is a link or another user's: it may have been put there to have files fall into other hands.
     [[nodiscard]] static tl::expected<TrashFolder, std::string> open(const FileSystem& files, int parent,
                                                                      const std::string& name, uid_t user);
 
@@ -47,7 +47,7 @@ private:
     [[nodiscard]] std::optional<std::string> objection(const HeldEntry& held) const;
     [[nodiscard]] int writeRecord(const std::string& name, const std::string& text) const;
     [[nodiscard]] std::string recordOf(const std::string& place) const;
-    [[nodiscard]] std::optional<Failure> check(const HeldEntry& held, const std::string& name) const;
+    [[nodiscard]] std::optional<Failure> check(const HeldEntry& held, int entry, const std::string& name) const;
     void dropRecord(const std::string& name) const;
 
     const FileSystem* m_files;

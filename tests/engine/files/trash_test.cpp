@@ -1,6 +1,7 @@
 // Trash on real files and volumes, and what other programs of the desktop make of what lies in it.
 #include "engine/files/Trash.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sched.h>
@@ -10,6 +11,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <optional>
@@ -177,11 +179,15 @@ TEST(Trash, NothingIsReplacedWhereTheSystemDoesNotLookAfterThat) {
     EXPECT_EQ(contentOf(tree.at(trash + "files/x")), "without a record");
 }
 
-// Between the look at it and the move.
+// Between the look at it and the move; of the same size and time as well.
 TEST(Trash, AnotherEntryThatCameInItsPlaceGoesBack) {
     TestTree tree;
     tree.write("x", "confirmed");
-    tree.write("y", "another");
+    tree.write("y", "unlike it");
+    struct stat seen {};
+    ASSERT_EQ(::stat(tree.at("x").c_str(), &seen), 0);
+    const std::array<timespec, 2> times{seen.st_atim, seen.st_mtim};
+    ASSERT_EQ(::utimensat(AT_FDCWD, tree.at("y").c_str(), times.data(), 0), 0);
     WatchedFiles watched;
     watched.beforeRemoval = [&, done = false](const char* operation) mutable {
         if (std::strcmp(operation, "moveEntry") != 0 || std::exchange(done, true)) return;
@@ -189,7 +195,7 @@ TEST(Trash, AnotherEntryThatCameInItsPlaceGoesBack) {
         ::rename(tree.at("y").c_str(), tree.at("x").c_str());
     };
     EXPECT_EQ(moveAt(tree, "x", watched).error(), "another entry came into its place");
-    EXPECT_EQ(contentOf(tree.at("x")), "another");
+    EXPECT_EQ(contentOf(tree.at("x")), "unlike it");
     EXPECT_EQ(contentOf(tree.at("kept")), "confirmed");
     EXPECT_EQ(recordOf(tree, "x"), "");
 }
@@ -255,6 +261,18 @@ TEST(Trash, AnotherVolumeHasItsOwn) {
              (void)!::chown(tree.at("volume/.Trash-" + user).c_str(), 65534, 65534);
          },
          "no trash on its volume: the trash there is another user's"},
+        {"somebody else's files",
+         [&](TestTree& tree) {
+             tree.folder("volume/.Trash-" + user + "/files");
+             (void)!::chown(tree.at("volume/.Trash-" + user + "/files").c_str(), 65534, 65534);
+         },
+         "no trash on its volume: the trash there is another user's"},
+        {"somebody else's records",
+         [&](TestTree& tree) {
+             tree.folder("volume/.Trash-" + user + "/info");
+             (void)!::chown(tree.at("volume/.Trash-" + user + "/info").c_str(), 65534, 65534);
+         },
+         "no trash on its volume: the trash there is another user's"},
         {"a link", [&](TestTree& tree) { tree.symlink("/tmp", "volume/.Trash-" + user); },
          "no trash on its volume: Not a directory"},
     };
@@ -288,6 +306,33 @@ TEST(Trash, ABoundFolderIsAVolumeOfItsOwn) {
     });
     if (told.starts_with("skipped")) GTEST_SKIP() << told;
     EXPECT_EQ(told, "bound/.Trash-" + std::to_string(::geteuid()) + "/files/x");
+}
+
+// Desktops look for the trash at the mount, and a part of the volume with a device of its own is none.
+TEST(Trash, ASubvolumeGetsNoneOfItsOwn) {
+    TestTree tree;
+    tree.sparse("image", std::uint64_t{120} << 20U);
+    const auto made = outputOf("mkfs.btrfs -q '" + tree.at("image") + "'");
+    if (!made) GTEST_SKIP() << "btrfs-progs is not installed";
+    tree.folder("top");
+    tree.folder("home");
+    const std::string told = runInChild({}, [&]() -> std::string {
+        if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
+            return "skipped: no mounts of our own";
+        const auto mounted = outputOf("mount -o loop '" + tree.at("image") + "' '" + tree.at("top") +
+                                      "' && btrfs -q subvolume create '" + tree.at("top/part") + "'");
+        if (!mounted || !mounted->ends_with(":0")) return "skipped: no btrfs on a loop device: " + mounted.value_or("");
+        tree.write("top/part/d/x", "x");
+        tree.write("top/d/y", "y");
+        const auto ofPart = moveAt(tree, "top/part/d/x");
+        const auto ofTop = moveAt(tree, "top/d/y");
+        if (isThere(tree.at("top/part/.Trash-" + std::to_string(::geteuid())))) return "made where nobody looks";
+        if (!ofTop) return ofTop.error();
+        return ofPart ? contentOf(*ofPart) : ofPart.error();
+    });
+    if (told.starts_with("skipped")) GTEST_SKIP() << told;
+    // Nothing can be moved from one part to another.
+    EXPECT_EQ(told, "no trash on its volume: Invalid cross-device link");
 }
 
 TEST(Trash, OtherProgramsListAndRestoreWhatIsInIt) {

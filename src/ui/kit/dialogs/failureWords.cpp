@@ -101,6 +101,9 @@ constexpr std::array whole{
 // Those that end in what they concern, which may be a reason again.
 constexpr std::array beginnings{
     QT_TRANSLATE_NOOP("Reason", "no trash on its volume: %1"),
+    QT_TRANSLATE_NOOP("Reason", "the tool could not be started: %1"),
+    QT_TRANSLATE_NOOP("Reason", "the tool was ended by signal %1"),
+    QT_TRANSLATE_NOOP("Reason", "the tool ended with status %1"),
     QT_TRANSLATE_NOOP("Reason", "The system runs from this drive: %1"),
     QT_TRANSLATE_NOOP("Reason", "Another volume is mounted on it at %1"),
     QT_TRANSLATE_NOOP("Reason", "it is mounted on %1"),
