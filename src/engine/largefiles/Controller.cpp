@@ -9,10 +9,10 @@
 #include <utility>
 
 #include "engine/base/Log.h"
-#include "engine/files/Trash.h"
 #include "engine/largefiles/NodeRemoval.h"
 #include "engine/largefiles/NodeSelection.h"
 #include "engine/largefiles/RemoveFileAndFolder.h"
+#include "engine/largefiles/TrashErrands.h"
 
 namespace orrinvale {
 namespace {
@@ -59,6 +59,7 @@ void Controller::setParts(ControllerParts parts) {
     if (m_removal) m_removal->work.abandon();
     m_removal.reset();
     m_erasure.reset();
+    m_errands.reset();
     m_eumeRoot.reset();
     m_parts = std::move(parts);
 }
@@ -136,10 +137,14 @@ void Controller::pereviewFileWithFileNode(const FileNode& node) {
 
 std::string Controller::moveFileToTrash(const std::string& path, const std::optional<EntryIdentity>& expected) {
     if (m_parts.files == nullptr) return "no file system";
-    const auto places = protectedFromLargeFiles(*m_parts.files, m_parts.ownFiles);
-    const auto moved = Trash(*m_parts.files, places).move(path, expected);
-    Log::line(fmt::format("--delete file error ---::{}", moved ? "(null)" : moved.error()));
-    return moved ? std::string() : moved.error();
+    return moveToTrash(*m_parts.files, m_parts.ownFiles, path, expected);
+}
+
+void Controller::moveFileToTrash(const std::string& path, const std::optional<EntryIdentity>& expected,
+                                 std::function<void(const std::string& reason)> whenDone) {
+    if (m_parts.files == nullptr || m_parts.mainQueue == nullptr) return;
+    if (!m_errands) m_errands = std::make_unique<TrashErrands>(*m_parts.files, *m_parts.mainQueue, m_parts.ownFiles);
+    m_errands->send(path, expected, std::move(whenDone));
 }
 
 void Controller::moveFileToTarsh() {

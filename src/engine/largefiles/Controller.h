@@ -60,6 +60,8 @@ struct ControllerParts {
     std::function<void(const std::string& path)> openFolder;  ///< opens the entry with the desktop's file manager
 };
 
+class TrashErrands;
+
 /// Main thread only; the removal runs on a thread of its own and changes the tree on the main thread, in batches.
 class Controller final {
 public:
@@ -93,6 +95,10 @@ public:
     /// Moves one entry to the trash of its volume; with `expected` only what the scan saw. Why it stays, for people; empty when it
     /// went. Either goes to the log as well.
     std::string moveFileToTrash(const std::string& path, const std::optional<EntryIdentity>& expected = std::nullopt);
+    /// The same beside the main thread, which a home folder that does not answer would keep; `whenDone` is called on it, or never when the
+    /// parts go before.
+    void moveFileToTrash(const std::string& path, const std::optional<EntryIdentity>& expected,
+                         std::function<void(const std::string& reason)> whenDone);
     /// Gives what is selected to the outside eraser, and returns. Its nodes stay in the tree until the next scan; the page hears
     /// reloadTreeList() at once and at the end. One at a time.
     void moveFileToTarsh();
@@ -123,6 +129,7 @@ private:
     std::shared_ptr<FileNodeTree> m_aRootArr;
     std::unique_ptr<EumeRoot> m_eumeRoot;
     std::shared_ptr<Removal> m_removal;  // while one is under way
+    std::unique_ptr<TrashErrands> m_errands;
     std::shared_ptr<Erasure> m_erasure;  // the same of the outside eraser
 };
 

@@ -2,6 +2,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QMenu>
+#include <QPointer>
 
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/controls/TickBox.h"
@@ -97,11 +98,15 @@ void ListFileViewController::showRowMenu(const QModelIndex& index, QPoint positi
 void ListFileViewController::putIntoTrash(FileNode& node) {
     if (m_isScan || m_isRemoving) return;
     const std::string path = node.path();
-    const std::string reason = Controller::getController().moveFileToTrash(path, node.identity());
-    if (reason.empty()) {
-        takeOut(node);
-        return;
-    }
+    Controller::getController().moveFileToTrash(
+        path, node.identity(), [page = QPointer(this), tree = m_rootNodeArr, &node, path](const std::string& reason) {
+            if (page == nullptr) return;
+            if (!reason.empty()) page->tellWhyNotInTrash(path, reason);
+            else if (tree == page->m_rootNodeArr) page->takeOut(node);
+        });
+}
+
+void ListFileViewController::tellWhyNotInTrash(const std::string& path, const std::string& reason) {
     Alert alert;
     alert.title = tr("This could not be moved to the trash.");
     alert.text = QStringLiteral("%1\n%2").arg(QString::fromStdString(path), inWords(reason));

@@ -102,6 +102,7 @@ private:
     void preview(const QModelIndex& index);
     void showRowMenu(const QModelIndex& index, QPoint position);
     void putIntoTrash(FileNode& node);
+    void tellWhyNotInTrash(const std::string& path, const std::string& reason);
     void takeOut(FileNode& node);
 
     // Removal.

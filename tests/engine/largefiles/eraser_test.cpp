@@ -9,6 +9,8 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <cstring>
+#include <future>
 
 #include "engine/largefiles/ControllerWorld.h"
 #include "support/LogLines.h"
@@ -199,6 +201,32 @@ TEST_F(Eraser, TheTrashOfTheControllerTakesOnePathAndTellsTheLog) {
               ",one of the program's own files\n--delete file error ---::(null)\n"
               "--delete file error ---::one of the program's own files");
     EXPECT_TRUE(isThere(disk.at("share/Trash/files/with blank")) && isThere(disk.at("data/own")));
+}
+
+// As in a home folder on a server that does not answer.
+TEST_F(Eraser, ATrashThatDoesNotAnswerKeepsNobody) {
+    disk.write("data/first", "x");
+    EXPECT_EQ(testing::runInChild(
+                  {},
+                  [this]() -> std::string {
+                      ::setenv("XDG_DATA_HOME", disk.at("share").c_str(), 1);
+                      std::promise<void> answer;
+                      files.beforeRemoval = [waits = answer.get_future().share()](const char* step) {
+                          if (std::strcmp(step, "moveEntry") == 0) waits.wait();
+                      };
+                      controller.setParts(
+                          {.files = &files, .mainQueue = &queue, .ownFiles = {}, .reveal = {}, .openFolder = {}});
+                      std::vector<std::string> answers;
+                      const auto tell = [&](const std::string& reason) { answers.push_back(reason); };
+                      controller.moveFileToTrash(disk.at("data/first"), std::nullopt, tell);
+                      controller.moveFileToTrash(disk.at("data/missing"), std::nullopt, tell);
+                      if (!queue.serveUntil([&] { return answers.size() == 1; })) return "no answer";
+                      answer.set_value();
+                      if (!queue.serveUntil([&] { return answers.size() == 2; })) return "no end";
+                      return answers[0] + ',' + answers[1];
+                  }),
+              "No such file or directory,");
+    EXPECT_TRUE(isThere(disk.at("share/Trash/files/first")));
 }
 
 }  // namespace

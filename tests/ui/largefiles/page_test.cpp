@@ -174,6 +174,7 @@ TEST_F(LargeFilePage, MovesARowToTheTrashAndSaysWhyItCouldNot) {
 
     on.dialogs.willAnswer(0);
     EXPECT_TRUE(choose("movie.mkv", "Move to Trash"));
+    ASSERT_TRUE(on.waitFor([&] { return !on.dialogs.alerts().empty(); }));
     EXPECT_TRUE(isThere("f/movie.mkv"));
     EXPECT_NE(on.list().find("movie.mkv"), std::string::npos);
     EXPECT_TRUE(on.dialogs.alerts().back().text.startsWith(QString::fromStdString(on.tree.at("f/movie.mkv") + '\n')));
