@@ -17,11 +17,13 @@ constexpr double batchSeconds = 0.5;
 constexpr double largestGrowth = 32;
 constexpr double largestCut = 16;
 
-// Large files are read by few threads: more of them only cost memory for buffers, a disk that reads ahead is busy with these.
-constexpr unsigned mostWholeReaders = 8;
+// Large files are read by few threads: beyond two to four of them the disk gave nothing more (./dev bench disk), and each takes a
+// buffer.
+constexpr unsigned mostWholeReaders = 4;
 constexpr unsigned mostReaders = 64;
 
-// Files above twice this are hashed in stretches by several threads at a time.
+// Files above twice this are hashed in stretches by several threads at a time. They are far apart: readers that are close behind each
+// other in one file take each other's reading ahead, and get half of what one alone gets.
 constexpr std::uint64_t stretchBytes = 64ULL << 20;
 constexpr std::uint64_t mostStretches = 1024;
 
