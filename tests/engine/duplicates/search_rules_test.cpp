@@ -34,7 +34,7 @@ Strings leavesOf(const DuplicateFilesOpt& search) {
 }
 
 Strings searched(const std::string& root, const SearchOption& option = {}, const FileSystem& files = realFiles,
-               std::vector<Error>* skipped = nullptr) {
+                 std::vector<Error>* skipped = nullptr) {
     DuplicateFilesOpt search(files);
     search.setSearchOption(&option);
     search.beginSearchAtPath(root, 0);
