@@ -15,6 +15,7 @@
 #include "engine/memory/ClearMemory.h"
 #include "engine/settings/PreferenceViewController.h"
 #include "engine/settings/UserDefaults.h"
+#include "engine/settings/UserFolders.h"
 #include "engine/text/UtilityFunction.h"
 #include "platform/instance.h"
 #include "platform/linux/LinuxAuthorization.h"
@@ -93,6 +94,7 @@ AppDelegateParts delegateParts(Shared& shared, std::unique_ptr<ProgramInstance>&
                       .defaults = &UserDefaults::standardUserDefaults(),
                       .dialogs = &shared.dialogs,
                       .mainQueue = &shared.mainQueue,
+                      .stateFolder = userStateFolder(),
                       .icons = [&shared](const IconRequest& request) { return shared.icons.icon(request); },
                       .reveal = revealInFileManager,
                       .openAddress = openWebPage},

@@ -1,4 +1,5 @@
 // orrinvale-cli: reads the command line and hands over to a command. CommandSet lists them; each is a class of its own.
+#include <fmt/format.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -9,7 +10,11 @@
 
 #include "cli/Command.h"
 #include "cli/CommandSet.h"
+#include "cli/Output.h"
 #include "engine/base/Log.h"
+#include "engine/removal/AsideJournal.h"
+#include "engine/settings/UserFolders.h"
+#include "platform/linux/LinuxFiles.h"
 
 namespace orrinvale::cli {
 namespace {
@@ -80,6 +85,15 @@ struct Parser {
     std::map<const Command*, std::vector<std::pair<std::string, CLI::Option*>>> options;
 };
 
+// What a removal that was killed had set aside.
+void tellOfRecovery(const AsideRecovery& recovery) {
+    Output errors(STDERR_FILENO);
+    for (const std::string& path : recovery.broughtBack)
+        errors.write(fmt::format("brought back what a removal that was ended had set aside: {}\n", printable(path)));
+    for (const StayedEntry& each : recovery.stayed)
+        errors.write(fmt::format("still set aside, {}: {}\n", each.reason, printable(each.path)));
+}
+
 int run(int argc, char** argv) {
     const CommandSet set;
     const Commands& commands = set.commands();
@@ -96,6 +110,7 @@ int run(int argc, char** argv) {
         if (!parser.app.got_subcommand(std::string(command->name()))) continue;
         const Arguments arguments = parser.argumentsOf(*command);
         Log::setEnabled(arguments.has("log"));
+        tellOfRecovery(bringBackAside(LinuxFileSystem(), asideJournalFolder(userStateFolder())));
         return static_cast<int>(command->run(arguments));
     }
     return static_cast<int>(badUsage("no command given"));

@@ -23,6 +23,7 @@ struct PageWorkings {
                 .defaults = &defaults,
                 .dialogs = &dialogs,
                 .mainQueue = &mainQueue,
+                .stateFolder = {},
                 .icons = [this](const IconRequest& request) { return icons.icon(request); },
                 .reveal = {},
                 .openAddress = {}};

@@ -4,14 +4,13 @@
 #include <atomic>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <mutex>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "engine/files/EntryIdentity.h"
-#include "engine/files/ProtectedPlaces.h"
+#include "engine/removal/RemovalDoor.h"
 #include "platform/authorization.h"
 
 namespace orrinvale {
@@ -24,15 +23,6 @@ struct AuthorizationParts {
     const FileSystem* files = nullptr;
     const Permissions* permissions = nullptr;
     std::vector<std::string> ownFiles;  ///< absolute paths of the program's files, which are never removed
-};
-
-/// What became of an entry.
-struct FastRemoval {
-    bool gone = false;
-    bool stopped = false;       ///< the caller's flag ended it
-    bool privileged = false;    ///< the administrator's tool took it
-    std::uint64_t removed = 0;  ///< entries that plain removal took, the chosen one included
-    std::string reason;         ///< why the entry is still there, for people; empty when it is gone
 };
 
 /// allocAuthorization() and freeAuthorization() belong to the main thread, where the padlocks are; all operations may be called
@@ -71,14 +61,9 @@ public:
     /// looked at is handed to the tool.
     [[nodiscard]] static bool synFastRemovePath(const std::string& path);
 
-    /// The same for an entry that a scan saw: it goes only if it is that entry still. `places` is made once for all that a person
-    /// confirmed.
-    [[nodiscard]] static FastRemoval synFastRemovePath(const std::string& path, const EntryIdentity& expected,
-                                                       const ProtectedPlaces& places,
-                                                       const std::atomic<bool>* stop = nullptr);
-
-    /// The protected places of this moment, the program's own files among them.
-    [[nodiscard]] static ProtectedPlaces protectedPlaces();
+    /// The way out for what a scan saw: one for all that a person confirmed, with the protected places of this moment, the program's own
+    /// files among them. The parts must have been handed over.
+    [[nodiscard]] static std::unique_ptr<RemovalDoor> makeDoor();
 
     /// The platform that the right comes from; one that refuses everything when none was handed over.
     [[nodiscard]] Authorization& platform() const;

@@ -20,6 +20,7 @@
 #include "engine/files/DurableFile.h"
 #include "engine/files/HeldEntry.h"
 #include "engine/files/asideName.h"
+#include "engine/removal/stayReasons.h"
 #include "platform/paths.h"
 
 namespace orrinvale {
@@ -142,7 +143,7 @@ Settling settle(const FileSystem& files, const AsideRecord& record) {
         return {Found::Stays, "it is another entry than the one that was set aside"};
     const auto moved = files.moveEntry(parent->get(), aside.c_str(), parent->get(), own.c_str());
     if (moved) return {Found::BroughtBack, {}};
-    if (moved.error() == EEXIST) return {Found::Stays, "another entry has its name by now"};
+    if (moved.error() == EEXIST) return {Found::Stays, std::string(stay::nameTaken)};
     return {Found::Later, {}};
 }
 

@@ -1,17 +1,16 @@
 // CopyLook: see CopyLook.h.
 #include "engine/removal/CopyLook.h"
 
-#include <fmt/format.h>
-
 #include "engine/removal/ContentComparison.h"
+#include "engine/removal/stayReasons.h"
 #include "platform/error.h"
 #include "platform/paths.h"
 
 namespace orrinvale {
 namespace {
 
-StayedEntry noCopy(const HeldEntry& leaving, const KeptCopy& kept, const std::string& why) {
-    return {leaving.path, fmt::format("no other verified copy is left ({}: {})", kept.path, why), StayReason::NoCopy};
+StayedEntry noCopy(const HeldEntry& leaving, std::string_view reason = stay::noCopy) {
+    return {leaving.path, std::string(reason), StayReason::NoCopy};
 }
 
 std::string wordsOf(int error) { return systemError("read", {}, error).reason(); }
@@ -32,8 +31,8 @@ std::optional<StayedEntry> FileLook::before(const HeldEntry& leaving, const std:
     if (auto reason = inUse(leaving)) return reason;
     if (!m_compares || !m_keptFile.isOpen()) return std::nullopt;
     const auto answer = compareContents(m_files, m_leavingFile.get(), m_keptFile.get(), stop);
-    if (!answer) return StayedEntry{leaving.path, "could not be compared: " + wordsOf(answer.error())};
-    if (*answer == Comparison::Different) return noCopy(leaving, *m_kept, "its contents are others");
+    if (!answer) return StayedEntry{leaving.path, wordsOf(answer.error())};
+    if (*answer == Comparison::Different) return noCopy(leaving, stay::otherContents);
     return std::nullopt;
 }
 
@@ -43,21 +42,19 @@ std::optional<StayedEntry> FileLook::openBoth(const HeldEntry& leaving) {
     auto file = m_files.openFile(leaving.parent.get(), leaving.name.c_str(), Links::Keep, state);
     if (file) m_leavingFile = std::move(*file);
     if (!m_kept || m_kept->identity.type != FileType::Regular) return std::nullopt;
-    if (!m_leavingFile.isOpen() && m_compares)
-        return StayedEntry{leaving.path, "could not be compared: " + wordsOf(file.error())};
+    if (!m_leavingFile.isOpen() && m_compares) return StayedEntry{leaving.path, wordsOf(file.error())};
     auto kept = openKept(m_files, *m_kept);
-    if (!kept) return noCopy(leaving, *m_kept, wordsOf(kept.error()));
+    if (!kept) return noCopy(leaving);
     const auto now = m_files.attributes(kept->get());
-    if (!now || !m_kept->identity.isStill(*now)) return noCopy(leaving, *m_kept, "changed since the scan");
+    if (!now || !m_kept->identity.isStill(*now)) return noCopy(leaving);
     m_keptFile = std::move(*kept);
     return std::nullopt;
 }
 
 std::optional<StayedEntry> FileLook::inUse(const HeldEntry& leaving) const {
     if (m_leavingFile.isOpen() && m_files.isOpenForWriting(m_leavingFile.get()))
-        return StayedEntry{leaving.path, "a program has it open for writing", StayReason::InUse};
-    if (m_keptFile.isOpen() && m_files.isOpenForWriting(m_keptFile.get()))
-        return noCopy(leaving, *m_kept, "a program has it open for writing");
+        return StayedEntry{leaving.path, std::string(stay::inUse), StayReason::InUse};
+    if (m_keptFile.isOpen() && m_files.isOpenForWriting(m_keptFile.get())) return noCopy(leaving, stay::copyInUse);
     return std::nullopt;
 }
 
@@ -68,7 +65,7 @@ std::optional<StayedEntry> FileLook::last(const HeldEntry& leaving, const std::s
     const auto named = m_files.attributes(leaving.parent.get(), name.c_str(), Links::Keep);
     if (!held || !named) return StayedEntry{leaving.path, wordsOf(!held ? held.error() : named.error())};
     if (held->size != named->size || held->modified != named->modified || held->changed != named->changed)
-        return StayedEntry{leaving.path, "changed since the scan", StayReason::Changed};
+        return StayedEntry{leaving.path, std::string(stay::changed), StayReason::Changed};
     return inUse(leaving);
 }
 

@@ -9,6 +9,7 @@
 #include "engine/base/Log.h"
 #include "engine/files/SafeRemoval.h"
 #include "engine/files/TreeRemoval.h"
+#include "engine/removal/stayReasons.h"
 #include "platform/error.h"
 #include "platform/paths.h"
 
@@ -80,7 +81,7 @@ RemovalResult PlainDoor::removeAside(SetAside& aside, const HeldEntry& held, con
     result.changed = aside.changedByUs();
     if (result.gone && m_files.attributes(held.parent.get(), held.name.c_str(), Links::Keep)) {
         result.gone = false;
-        fail(result, {held.path, "another entry is in its place", StayReason::Changed});
+        fail(result, {held.path, std::string(stay::otherInPlace), StayReason::Changed});
     }
     return result;
 }
@@ -98,7 +99,7 @@ RemovalResult PlainDoor::removeInPlace(const HeldEntry& held, const LeavingEntry
     const auto left = m_files.attributes(held.parent.get(), held.name.c_str(), Links::Keep);
     result.gone = !left && left.error() == ENOENT;
     if (!result.gone && result.failed == 0 && !result.stopped)
-        fail(result, left ? StayedEntry{held.path, "another entry is in its place", StayReason::Changed}
+        fail(result, left ? StayedEntry{held.path, std::string(stay::otherInPlace), StayReason::Changed}
                           : failureOf(held.path, left.error()));
     const auto rest = entryHeld ? m_files.attributes(entryHeld->get()) : tl::unexpected(ENOENT);
     if (rest && rest->links > 0) result.changed = rest->changed;

@@ -85,6 +85,7 @@ void RemovalJob::Work::run() {
 void RemovalJob::Work::waiting(bool isWaiting) {
     const std::lock_guard guard(m_mutex);
     m_progress.isWaiting = isWaiting;
+    m_progress.of = m_list->size();
 }
 
 // A folder may take its time, so that what went before it is told first.

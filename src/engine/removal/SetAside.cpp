@@ -8,15 +8,14 @@
 #include <cerrno>
 #include <utility>
 
+#include "engine/base/Log.h"
 #include "engine/files/asideName.h"
+#include "engine/removal/stayReasons.h"
 #include "platform/error.h"
 #include "platform/paths.h"
 
 namespace orrinvale {
 namespace {
-
-constexpr const char* changedReason = "changed since the scan";
-constexpr const char* noCopyReason = "no other verified copy is left";
 
 // The file system has no such rename (layers answer EXDEV for folders that lie below, old or foreign ones EINVAL), or no room for a
 // longer name: on a full disk most renames fail while every removal works.
@@ -44,8 +43,10 @@ SysResult<FoundCopy> findCopy(const FileSystem& files, const KeptCopy& kept) {
     return FoundCopy{std::move(*folder), *now};
 }
 
-StayedEntry withoutCopy(const std::string& path, const KeptCopy& kept, const std::string& why) {
-    return {path, fmt::format("{} ({}: {})", noCopyReason, kept.path, why), StayReason::NoCopy};
+StayedEntry withoutCopy(const std::string& path, const KeptCopy& kept, const std::string& why,
+                        std::string_view reason = stay::noCopy) {
+    Log::line(fmt::format("{} does not count as a copy of {}: {}", kept.path, path, why));
+    return {path, std::string(reason), StayReason::NoCopy};
 }
 
 }  // namespace
@@ -93,7 +94,7 @@ tl::expected<bool, StayedEntry> SetAside::take(std::string_view token) {
     if (!before) return tl::unexpected(staysWith(before.error()));
     if (!isSameEntry(*before, m_held.attributes) ||
         (before->type != FileType::Folder && before->changed != m_held.attributes.changed))
-        return tl::unexpected(stays(StayReason::Changed, changedReason));
+        return tl::unexpected(stays(StayReason::Changed, std::string(stay::changed)));
 
     m_name = asideName(token, m_held.name);
     if (const auto renamed = m_files.renameInside(folder, m_held.name.c_str(), m_name.c_str()); !renamed) {
@@ -115,7 +116,7 @@ std::optional<StayedEntry> SetAside::objectionToEntry() const {
     seen.inode = held->inode;
     seen.device = held->device;
     if (isSameEntry(*aside, *held) && isSameEntry(*aside, seen)) return std::nullopt;
-    return stays(StayReason::Changed, changedReason);
+    return stays(StayReason::Changed, std::string(stay::changed));
 }
 
 std::optional<StayedEntry> SetAside::objectionToCopy(const KeptCopy& kept) const {
@@ -126,7 +127,7 @@ std::optional<StayedEntry> SetAside::objectionToCopy(const KeptCopy& kept) const
     if (!aside) return staysWith(aside.error());
     // Another name of the file that goes has its new time of change too, and exactly that one.
     if (isSameInode(*aside, copy->attributes)) expected.changed = m_changed;
-    if (!expected.isStill(copy->attributes)) return withoutCopy(m_held.path, kept, "changed since the scan");
+    if (!expected.isStill(copy->attributes)) return withoutCopy(m_held.path, kept, std::string(stay::changed));
 
     const auto ours = m_files.attributes(m_held.parent.get());
     const auto theirs = m_files.attributes(copy->folder.get());
@@ -134,7 +135,7 @@ std::optional<StayedEntry> SetAside::objectionToCopy(const KeptCopy& kept) const
     if (isSameInode(*ours, *theirs)) return std::nullopt;
     const auto ourName = m_files.freshAttributes(copy->folder.get(), m_name.c_str(), Links::Keep);
     if (!ourName && ourName.error() == ENOENT) return std::nullopt;
-    return withoutCopy(m_held.path, kept, "the same folder by another path");
+    return withoutCopy(m_held.path, kept, "the same folder by another path", stay::sameEntry);
 }
 
 std::optional<StayedEntry> SetAside::objection(const std::optional<KeptCopy>& kept) const {
@@ -147,9 +148,10 @@ std::optional<StayedEntry> SetAside::putBack() {
     const auto moved = m_files.moveEntry(folder, m_name.c_str(), folder, m_held.name.c_str());
     if (moved || moved.error() == ENOENT) return std::nullopt;
     const std::string place = joinPath(folderOf(m_held.path), m_name);
-    const std::string why = moved.error() == EEXIST ? "another entry has its name by now"
-                                                    : systemError("rename", {}, moved.error()).reason();
-    return StayedEntry{place, fmt::format("kept aside under this name, since {}", why), StayReason::Aside};
+    return StayedEntry{
+        place,
+        moved.error() == EEXIST ? std::string(stay::nameTaken) : systemError("rename", {}, moved.error()).reason(),
+        StayReason::Aside};
 }
 
 std::optional<std::int64_t> SetAside::changedByUs() const {
@@ -162,13 +164,13 @@ std::optional<StayedEntry> objectionToCopyInPlace(const FileSystem& files, const
                                                   const KeptCopy& kept) {
     const auto copy = findCopy(files, kept);
     if (!copy) return withoutCopy(leaving.path, kept, systemError("look", {}, copy.error()).reason());
-    if (!kept.identity.isStill(copy->attributes)) return withoutCopy(leaving.path, kept, "changed since the scan");
+    if (!kept.identity.isStill(copy->attributes)) return withoutCopy(leaving.path, kept, std::string(stay::changed));
     if (!isSameInode(leaving.attributes, copy->attributes)) return std::nullopt;
     const auto ours = files.attributes(leaving.parent.get());
     const auto theirs = files.attributes(copy->folder.get());
     if (ours && theirs && (!isSameInode(*ours, *theirs) || leaving.name != lastPathComponent(kept.path)))
         return std::nullopt;
-    return withoutCopy(leaving.path, kept, "it is the same entry");
+    return withoutCopy(leaving.path, kept, "the same entry", stay::sameEntry);
 }
 
 }  // namespace orrinvale

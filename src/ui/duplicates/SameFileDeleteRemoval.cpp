@@ -3,13 +3,13 @@
 #include <QLocale>
 #include <QStackedWidget>
 #include <algorithm>
-#include <chrono>
 
 #include "engine/base/UtilityObject.h"
 #include "engine/cleaning/QnAuthorization.h"
+#include "engine/settings/PreferenceViewController.h"
 #include "services/foundation/ThreadWorker.h"
 #include "ui/duplicates/DuplicateResultModel.h"
-#include "ui/duplicates/RemovalRun.h"
+#include "ui/duplicates/PageRemoval.h"
 #include "ui/duplicates/ResultOutline.h"
 #include "ui/duplicates/SameFileDeleteViewController.h"
 #include "ui/duplicates/SameFileDeleteViews.h"
@@ -23,41 +23,17 @@
 #include "ui/kit/controls/PictureView.h"
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/dialogs/LineList.h"
+#include "ui/kit/dialogs/removalWords.h"
 #include "ui/kit/look/picture.h"
 
 namespace orrinvale {
 namespace {
 
-// How often the removing thread tells of what has gone. Each time the main thread goes once over the groups, and nobody reads the
-// sizes faster than this.
-constexpr std::chrono::milliseconds batchTime{50};
-
-// On the removing thread. `report` is called about once a batch.
-void deleteDupFiles(RemovalRun& run, const FileSystem& files, const std::function<void()>& report) {
-    const ProtectedPlaces places = QnAuthorization::protectedPlaces();
-    // The main thread changes no tree before the first report.
-    RemovalPlan& plan = run.plan.emplace(run.ticked);
-    run.planned = plan.size();
-    auto reported = std::chrono::steady_clock::now();
-    for (std::size_t i = 0; i < plan.size() && !run.stop; ++i) {
-        const std::string& path = plan.path(i);
-        run.current.put(path);
-        if (auto objection = plan.objection(i, files)) {
-            run.failures.push_back({path, std::move(*objection)});
-        } else {
-            const FastRemoval result = QnAuthorization::synFastRemovePath(path, *plan.identity(i), places);
-            if (result.gone) {
-                plan.removed(i, files);
-                run.addRemoved(plan.leaf(i));
-            } else {
-                run.failures.push_back({path, result.reason});
-            }
-        }
-        ++run.done;
-        if (std::chrono::steady_clock::now() - reported < batchTime) continue;
-        report();
-        reported = std::chrono::steady_clock::now();
-    }
+// As the main thread leaves it alone, and as it is compared: by the setting.
+std::shared_ptr<RemovalPlan> planOf(const FileSystem& files, const std::vector<TreeNode::Pointer>& ticked) {
+    const bool compares = PreferenceViewController::compareBeforeRemoving();
+    return std::make_shared<RemovalPlan>(files, ticked,
+                                         compares ? RemovalPlan::Comparing::Always : RemovalPlan::Comparing::Never);
 }
 
 }  // namespace
@@ -76,7 +52,8 @@ void SameFileDeleteViewController::removeBtnClicked() {
 void SameFileDeleteViewController::alertEnded_aContext(int code) {
     if (code != 1 || !m_bSearchFinished || m_selection.allSelectNumArr().empty()) return;
     finishSorting();
-    m_removal = std::make_shared<RemovalRun>(m_selection.allSelectNumArr().entries());
+    m_removal = std::make_unique<PageRemoval>();
+    m_removal->ticked = m_selection.allSelectNumArr().entries();
     m_bSearchFinished = false;
     m_views->stopBtn->setEnabled(false);
     QTimer::singleShot(500, this, [this] { doRemoveDuplicateAction(); });
@@ -99,6 +76,7 @@ void SameFileDeleteViewController::delDuplicateItems() {
     views.showLoadPathInDetail();
     views.loadPathView->show();
     views.content->setCurrentWidget(views.removalView);
+    views.removedLine->hide();
     views.failureLine->hide();
     views.stopBtn->hide();
     views.stopRemoveBtn->setEnabled(true);
@@ -110,39 +88,46 @@ void SameFileDeleteViewController::delDuplicateItems() {
     m_removalTimer.start();
     deleteUpView();
 
-    const auto report = [self = QPointer(this), queue = m_parts.mainQueue] {
-        queue->async([self] {
-            if (self != nullptr) self->refreshOutlineView();
-        });
-    };
-    m_twRemoveDupFiles =
-        ThreadWorker::workOn({m_removal, "<SameFileDeleteViewController>"},
-                             {"deleteDupFiles:worker:",
-                              ThreadWorker::CancellableTask([run = m_removal, files = m_parts.files, report](
-                                                                const std::any& /*nothing*/, ThreadWorker& /*worker*/) {
-                                  deleteDupFiles(*run, *files, report);
-                              })},
-                             {}, [self = QPointer(this)](const std::any& /*nothing*/) {
-                                 if (self != nullptr) self->deleteFinished();
-                             });
-    if (m_twRemoveDupFiles == nullptr) deleteFinished();
+    m_removal->plan = planOf(*m_parts.files, m_removal->ticked);
+    m_removal->job = std::make_unique<RemovalJob>(
+        RemovalJob::Parts{m_parts.files, m_parts.mainQueue, &QnAuthorization::makeDoor, m_parts.stateFolder},
+        m_removal->plan, [this] { removalNews(); });
 }
 
 void SameFileDeleteViewController::deleteUpView() {
-    if (!m_removal) return;
-    m_views->nameTextStr->setText(QString::fromStdString(m_removal->current.copy().value_or(" ")));
+    if (!m_removal || !m_removal->job) return;
+    const RemovalJob::Progress progress = m_removal->job->progress();
+    const QString shown =
+        progress.isWaiting ? tr("Waiting for another removal to end") : QString::fromStdString(progress.current);
+    m_views->nameTextStr->setText(shown.isEmpty() ? QStringLiteral(" ") : shown);
     m_views->imageView->setPixmap(picturePixmap(QStringLiteral("loading_%1").arg(m_progressNum), QSize(64, 64),
                                                 m_views->imageView->devicePixelRatioF()));
     constexpr std::int32_t pictures = 12;
     m_progressNum = m_progressNum % pictures + 1;
-    m_views->countsLabel->setText(tr("%1 of %2")
-                                      .arg(QLocale().toString(qulonglong(m_removal->done.load())),
-                                           QLocale().toString(qulonglong(m_removal->planned.load()))));
+    m_views->countsLabel->setText(
+        tr("%1 of %2").arg(QLocale().toString(qulonglong(progress.done)), QLocale().toString(qulonglong(progress.of))));
 }
 
-void SameFileDeleteViewController::refreshOutlineView() {
-    if (!m_removal) return;
-    const std::vector<TreeNode::Pointer> gone = m_removal->takeRemoved();
+void SameFileDeleteViewController::removalNews() {
+    if (!m_removal || !m_removal->job) return;
+    RemovalJob::News news = m_removal->job->takeNews();
+    refreshOutlineView(news.settled);
+    if (!news.ending) return;
+    m_removal->outcome = std::move(*news.ending);
+    // It is the job's own call that is running, so that the job goes in a later turn.
+    m_parts.mainQueue->async([ended = std::shared_ptr<RemovalJob>(std::move(m_removal->job))] {});
+    deleteFinished();
+}
+
+void SameFileDeleteViewController::refreshOutlineView(const std::vector<RemovalJob::Settled>& settled) {
+    std::vector<TreeNode::Pointer> gone;
+    std::vector<RemovalPlan::Excuse> excuses;
+    for (const RemovalJob::Settled& each : settled) {
+        const TreeNode::Pointer& leaf = m_removal->plan->leaf(each.index);
+        if (each.changed) excuses.emplace_back(leaf, *each.changed);
+        if (each.gone) gone.push_back(leaf);
+    }
+    RemovalPlan::excuse(excuses);
     if (gone.empty()) return;
     m_results.removeLeaves(gone);
     showSameFileSize();
@@ -151,9 +136,7 @@ void SameFileDeleteViewController::refreshOutlineView() {
 
 void SameFileDeleteViewController::deleteFinished() {
     SameFileDeleteViews& views = *m_views;
-    refreshOutlineView();
     m_removalTimer.stop();
-    m_twRemoveDupFiles.reset();
     views.stopBtn->show();
     views.searchBtn->setEnabled(true);
     views.searchBtn->setIcon(picture(QStringLiteral("scan_b_normal")));
@@ -183,21 +166,21 @@ void SameFileDeleteViewController::deleteFinished() {
     views.nameTextStr->setText(QStringLiteral(" "));
     views.imageView->clear();
     views.countsLabel->clear();
-    const std::size_t failed = m_removal->failures.size();
-    views.failureLine->setText(failed == 1 ? tr("1 could not be removed")
-                                           : tr("%1 could not be removed").arg(QLocale().toString(qulonglong(failed))));
     showFitting();
     setSelectCount();
     // The buttons that may have had it are gone or disabled.
     if (views.detailView->isVisible()) views.content->currentWidget()->setFocus();
 }
 
+// The padlock is pointed at where it would help.
 void SameFileDeleteViewController::alertCanNotRemoveSome() {
-    if (m_selection.allSelectNumArr().empty()) return;
-    m_views->animation->startUnlockAnimation(m_views->lockButton);
-    Alert alert;
-    alert.title = tr("Some files that require admin access can't be removed!");
-    alert.severity = Alert::Severity::Warning;
+    if (m_selection.allSelectNumArr().empty() || m_removal->outcome.failed == 0) return;
+    Alert alert = stayedAlert(m_removal->outcome);
+    if (m_removal->outcome.lacksRights) {
+        m_views->animation->startUnlockAnimation(m_views->lockButton);
+        alert.title = tr("Some files that require admin access can't be removed!");
+        alert.text.clear();
+    }
     m_parts.dialogs->alert(m_mainWindow, alert, [self = QPointer(this)](int /*button*/) {
         if (self == nullptr) return;
         self->m_views->animation->stopUnlockAnimation(self->m_views->lockButton);
@@ -206,14 +189,22 @@ void SameFileDeleteViewController::alertCanNotRemoveSome() {
     });
 }
 
+void SameFileDeleteViewController::showRemovalEnded() {
+    const RemovalOutcome outcome = m_removal ? m_removal->outcome : RemovalOutcome{};
+    m_views->removedLine->setText(removedText(outcome));
+    m_views->removedLine->setVisible(outcome.removed != 0);
+    m_views->failureLine->setText(stayedText(outcome));
+    m_views->failureLine->setVisible(outcome.failed != 0);
+}
+
 void SameFileDeleteViewController::showFailures() {
     if (!m_removal || !m_bSearchFinished) return;
-    showLineList(m_mainWindow, tr("Could not be removed"), linesByReason(m_removal->failures));
+    showLineList(m_mainWindow, tr("Could not be removed"), linesByReason(m_removal->outcome.stayed));
 }
 
 void SameFileDeleteViewController::stopRemoveBtnClicked() {
-    if (!m_removal || m_bSearchFinished) return;
-    m_removal->stop = true;
+    if (!m_removal || !m_removal->job || m_bSearchFinished) return;
+    m_removal->job->stop();
     m_isClickStopRemove = true;
     m_views->stopRemoveBtn->setEnabled(false);
     m_views->titleLabel->hide();

@@ -42,7 +42,7 @@ void SameFileDeleteViewController::refViewBgColor(std::int32_t row) {
     m_treeData = m_results.tree(static_cast<std::size_t>(row));
     m_views->rightImageView->setPicture(toText(resultRows.at(static_cast<std::size_t>(row)).picture));
     // While a removal changes the trees nothing looks at them; at its end the list gets the view that was chosen last.
-    if (m_twRemoveDupFiles == nullptr) m_model->setTree(m_treeData);
+    if (!isRemoving()) m_model->setTree(m_treeData);
     if (m_treeData != nullptr) {
         changeAllSelectCheckBoxState();
         if (m_model->rowCount() > 0) m_views->outline->expand(m_model->index(0, 0));

@@ -16,7 +16,7 @@
 #include "engine/text/UtilityFunction.h"
 #include "services/foundation/ThreadWorker.h"
 #include "ui/duplicates/DuplicateResultModel.h"
-#include "ui/duplicates/RemovalRun.h"
+#include "ui/duplicates/PageRemoval.h"
 #include "ui/duplicates/ResultOutline.h"
 #include "ui/duplicates/SameFileDeleteViews.h"
 #include "ui/kit/chrome/AnimationHoverImageView.h"
@@ -47,7 +47,7 @@ struct Leftovers {
         search.reset();
     }
     std::shared_ptr<DuplicateFilesOpt> search;
-    std::shared_ptr<RemovalRun> removal;
+    std::shared_ptr<PageRemoval> removal;
     TickedLeaves ticked;
     ResultViews results;
 };
@@ -83,7 +83,6 @@ SameFileDeleteViewController::SameFileDeleteViewController(SameFileDeleteParts p
 
 SameFileDeleteViewController::~SameFileDeleteViewController() {
     if (m_duplicateOpt) m_duplicateOpt->stopSearch();
-    if (m_removal) m_removal->stop = true;
     m_model->setTree(nullptr);
     if (m_views->fristView != nullptr) m_views->dragView->setDelegate(nullptr);
 }
@@ -301,7 +300,7 @@ void SameFileDeleteViewController::showFitting() {
     views.quietLine->setText(skipped == 1
                                  ? tr("1 entry could not be read")
                                  : tr("%1 entries could not be read").arg(QLocale().toString(qulonglong(skipped))));
-    views.failureLine->setVisible(m_removal && !m_removal->failures.empty());
+    showRemovalEnded();
     const bool isEmpty = m_results.tree(0) == nullptr || m_results.tree(0)->numberOfChildren() == 0;
     const bool removedAll = isEmpty && m_removal != nullptr;
     views.emptyLabel->setText(search && search->rootError() ? tr("This folder could not be read.")

@@ -20,6 +20,7 @@
 #include "engine/duplicates/results/DuplicateSelection.h"
 #include "engine/duplicates/results/LeafSort.h"
 #include "engine/duplicates/results/ResultViews.h"
+#include "engine/removal/RemovalJob.h"
 #include "platform/files.h"
 #include "ui/kit/controls/DragView.h"
 #include "ui/kit/controls/PathAnimation.h"
@@ -32,7 +33,7 @@ class DuplicateResultModel;
 class SameFileDeleteViews;
 class ThreadWorker;
 class UserDefaults;
-struct RemovalRun;
+struct PageRemoval;
 
 /// What the page asks of the window that it stands in.
 class SameFileDeleteViewControllerDelegate {
@@ -57,6 +58,7 @@ struct SameFileDeleteParts {
     UserDefaults* defaults = nullptr;
     Dialogs* dialogs = nullptr;
     MainQueue* mainQueue = nullptr;
+    std::string stateFolder;  ///< where removals keep their journal; empty: nothing is set aside
     std::function<QIcon(const IconRequest&)> icons;
     std::function<void(const std::string& path)> reveal;      ///< shows the entry in the desktop's file manager
     std::function<void(const QString& address)> openAddress;  ///< opens a web page
@@ -137,8 +139,10 @@ private:
     void doRemoveDuplicateAction();
     void delDuplicateItems();
     void deleteUpView();
-    void refreshOutlineView();
+    void removalNews();
+    void refreshOutlineView(const std::vector<RemovalJob::Settled>& settled);
     void deleteFinished();
+    void showRemovalEnded();
     void alertCanNotRemoveSome();
     void showFailures();
     void changeLockState();
@@ -168,9 +172,8 @@ private:
     std::int32_t m_remberWitchSelect = 0;
     std::shared_ptr<DuplicateFilesOpt> m_duplicateOpt;
     std::shared_ptr<ThreadWorker> m_twDuplicateSearch;
-    std::shared_ptr<ThreadWorker> m_twRemoveDupFiles;
     std::shared_ptr<ThreadWorker> m_unlocking;
-    std::shared_ptr<RemovalRun> m_removal;  // the running or the last one
+    std::unique_ptr<PageRemoval> m_removal;  // the running or the last one
     std::string m_searchPath;
     std::string m_openItemPath;
     QTimer m_newTimer;

@@ -205,8 +205,10 @@ QWidget* SameFileDeleteViews::makeBottomBar() {
     bottomBgView = named(new Panel(Theme::Color::Surface, Qt::TopEdge), "bottomBgView");
     bottomBgView->setFixedHeight(barHeight);
     quietLine = named(new HoverButton, "quietLine");
+    removedLine = named(new QLabel, "removedLine");
     failureLine = named(new HoverButton, "failureLine");
     quietLine->hide();
+    removedLine->hide();
     failureLine->hide();
     trashBtn = named(new PictureView(QStringLiteral("trash"), {20, 20}), "trashBtn");
     stopRemoveBtn = named(new TextImageButton(tr("Stop")), "stopRemoveBtn");
@@ -218,6 +220,7 @@ QWidget* SameFileDeleteViews::makeBottomBar() {
     row->setContentsMargins(Theme::gap, 0, Theme::gap, 0);
     row->setSpacing(Theme::gapSmall);
     row->addWidget(quietLine);
+    row->addWidget(removedLine);
     row->addWidget(failureLine);
     row->addStretch();
     row->addWidget(trashBtn);

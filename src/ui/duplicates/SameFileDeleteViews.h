@@ -83,6 +83,7 @@ public:
     QWidget* removalView = nullptr;
     QWidget* bottomBgView = nullptr;
     HoverButton* quietLine = nullptr;
+    QLabel* removedLine = nullptr;  ///< what the last removal took
     HoverButton* failureLine = nullptr;
     PictureView* trashBtn = nullptr;
     TextImageButton* stopRemoveBtn = nullptr;

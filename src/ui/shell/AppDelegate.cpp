@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QLocale>
 #include <utility>
 
 #include "engine/base/Log.h"
@@ -13,11 +14,13 @@
 #include "engine/settings/UserDefaults.h"
 #include "engine/text/UtilityFunction.h"
 #include "platform/error.h"
+#include "services/foundation/ThreadWorker.h"
 #include "services/volumes/WatchMountUnmount.h"
 #include "services/volumes/WorkspaceMounts.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/controls/pathText.h"
 #include "ui/kit/dialogs/Dialogs.h"
+#include "ui/kit/dialogs/failureWords.h"
 #include "ui/preferences/AppPrefsWindowController.h"
 #include "ui/shell/ApplicationMenu.h"
 
@@ -79,6 +82,36 @@ void AppDelegate::addMainFuction() {
     refMenuItemWhenDeleteAndAdd();
     if (!m_parts.pages.defaults->boolForKey(ZvLoginCheckKey))
         UtilityFunction::callSelectNotificationForMainWindowLeft(0);
+    bringBackWhatIsAside();
+}
+
+// Of removals that were killed. Their folders may lie on a disk that is slow to answer.
+void AppDelegate::bringBackWhatIsAside() {
+    const auto recovery = std::make_shared<AsideRecovery>();  // written before the end method, read in it
+    m_recovering = ThreadWorker::workOn(
+        {recovery, "<AppDelegate>"},
+        {"bringBackAside", ThreadWorker::Task([recovery, files = m_parts.pages.files,
+                                               folder = asideJournalFolder(m_parts.pages.stateFolder)](
+                                                  const std::any&) { *recovery = bringBackAside(*files, folder); })},
+        {}, [self = QPointer(this), recovery](const std::any&) {
+            if (self != nullptr) self->tellOfRecovery(*recovery);
+        });
+}
+
+void AppDelegate::tellOfRecovery(const AsideRecovery& recovery) {
+    m_recovering.reset();
+    if (recovery.broughtBack.empty() && recovery.stayed.empty()) return;
+    Alert alert;
+    alert.title = tr("A removal was ended in the middle. Everything that it had set aside has been looked after.");
+    QStringList lines;
+    if (!recovery.broughtBack.empty())
+        lines.push_back(
+            tr("Back under their own names: %1").arg(QLocale().toString(qulonglong(recovery.broughtBack.size()))));
+    for (const StayedEntry& each : recovery.stayed)
+        lines.push_back(
+            QStringLiteral("%1: %2").arg(onOneLine(QString::fromStdString(each.path)), inWords(each.reason)));
+    alert.text = lines.join(QLatin1Char('\n'));
+    tell(alert);
 }
 
 void AppDelegate::perform(const StartRequest& request) {

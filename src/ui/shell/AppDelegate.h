@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "engine/base/NotificationCenter.h"
+#include "engine/removal/AsideJournal.h"
 #include "engine/volumes/VolumesInfo.h"
 #include "engine/volumes/VolumesManager.h"
 #include "platform/StartRequest.h"
@@ -24,6 +25,7 @@ class QLabel;
 
 namespace orrinvale {
 
+class ThreadWorker;
 class ApplicationMenu;
 struct Alert;
 class MountChanges;
@@ -105,6 +107,8 @@ private:
     void searchFolder(const std::string& path);
     void leave(std::function<void()> last);
     [[nodiscard]] bool isRemoving() const;
+    void bringBackWhatIsAside();
+    void tellOfRecovery(const AsideRecovery& recovery);
     [[nodiscard]] QWidget* window() const;
 
     AppDelegateParts m_parts;
@@ -122,6 +126,7 @@ private:
     bool m_isLeaving = false;
     bool m_hasPagesKeys = false;
     QTimer m_leaveTimer;
+    std::shared_ptr<ThreadWorker> m_recovering;
 };
 
 }  // namespace orrinvale

@@ -75,6 +75,7 @@ struct Launched {
                 .defaults = &defaults,
                 .dialogs = &dialogs,
                 .mainQueue = &mainQueue,
+                .stateFolder = tree.at("state"),
                 .icons = {},
                 .reveal = {},
                 .openAddress = {}};

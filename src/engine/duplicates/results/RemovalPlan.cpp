@@ -1,12 +1,13 @@
-// RemovalPlan: see RemovalPlan.h.
+// RemovalPlan: see RemovalPlan.h. BundleLook.h compares bundles, engine/removal/CopyLook.h files.
 #include "engine/duplicates/results/RemovalPlan.h"
 
 #include <algorithm>
-#include <unordered_set>
+#include <map>
 #include <utility>
 
-#include "engine/base/Log.h"
-#include "engine/files/TreeSize.h"
+#include "engine/duplicates/results/BundleLook.h"
+#include "engine/removal/stayReasons.h"
+#include "platform/paths.h"
 
 namespace orrinvale {
 namespace {
@@ -15,37 +16,48 @@ std::pair<std::uint64_t, std::uint64_t> fileOf(const std::optional<EntryIdentity
     return {identity->device, identity->inode};
 }
 
-}  // namespace
-
-RemovalPlan::RemovalPlan(std::span<const TreeNode::Pointer> ticked) {
-    std::unordered_map<const TreeNode*, Place> places;
-    std::unordered_set<const TreeNode*> seen;
-    for (const auto& leaf : ticked) {
-        const TreeNode* const parent = leaf->nodeParent();
-        if (parent == nullptr || !seen.insert(leaf.get()).second) continue;
-        if (!places.contains(leaf.get())) addGroup(*parent, places);
-        m_entries.push_back({leaf, places.at(leaf.get())});
-    }
+bool isSameFile(const EntryIdentity& a, const EntryIdentity& b) {
+    return a.device == b.device && a.inode == b.inode && !a.inodePasses;
 }
 
-void RemovalPlan::addGroup(const TreeNode& node, std::unordered_map<const TreeNode*, Place>& places) {
+}  // namespace
+
+RemovalPlan::RemovalPlan(const FileSystem& files, std::vector<TreeNode::Pointer> ticked, Comparing comparing)
+    : m_files(files), m_ticked(std::move(ticked)), m_comparing(comparing) {}
+
+void RemovalPlan::prepare() {
+    std::unordered_map<const TreeNode*, Place> places;
+    std::unordered_set<const TreeNode*> ticked;
+    for (const auto& leaf : m_ticked) ticked.insert(leaf.get());
+    std::unordered_set<const TreeNode*> taken;
+    for (const auto& leaf : m_ticked) {
+        const TreeNode* const parent = leaf->nodeParent();
+        if (parent == nullptr || !taken.insert(leaf.get()).second) continue;
+        if (!places.contains(leaf.get())) addGroup(*parent, ticked, places);
+        m_entries.push_back({leaf, places.at(leaf.get())});
+        const Member& leaving = member(m_entries.size() - 1);
+        if (leaving.identity && leaving.identity->type == FileType::Folder) m_leavingFolders.push_back(leaving.path);
+    }
+    m_isPrepared = true;
+}
+
+void RemovalPlan::addGroup(const TreeNode& node, const std::unordered_set<const TreeNode*>& ticked,
+                           std::unordered_map<const TreeNode*, Place>& places) {
     Group group;
     group.whollyTicked = simpleData(node)->selectNum() == 1;
     for (std::size_t i = 0; i < node.numberOfChildren(); ++i) {
         const TreeNode& child = *node.childAtIndex(i);
+        const auto& data = simpleData(child);
         places.emplace(&child, Place{m_groups.size(), i});
-        group.members.push_back(
-            {simpleData(child)->name(), simpleData(child)->fileSize(), simpleData(child)->identity()});
+        group.members.push_back({data->name(), data->fileSize(), data->identity(), data->bundleDigest()});
+        group.copies.push_back(i);
         if (group.members.back().identity) group.byFile.push_back(i);
     }
+    std::stable_partition(group.copies.begin(), group.copies.end(),
+                          [&](std::size_t i) { return ticked.contains(node.childAtIndex(i).get()); });
     std::sort(group.byFile.begin(), group.byFile.end(), [&](std::size_t left, std::size_t right) {
         return fileOf(group.members[left].identity) < fileOf(group.members[right].identity);
     });
-    const std::size_t ring = group.members.size() + 1;
-    for (std::size_t i = 0; i < ring; ++i) {
-        group.before.push_back((i + ring - 1) % ring);
-        group.after.push_back((i + 1) % ring);
-    }
     m_groups.push_back(std::move(group));
 }
 
@@ -54,73 +66,88 @@ const RemovalPlan::Member& RemovalPlan::member(std::size_t index) const {
     return m_groups[place.group].members[place.member];
 }
 
-// The identity of a folder says nothing of what is in it: of a bundle the bytes are added up again.
-RemovalPlan::Found RemovalPlan::lookUp(const Member& member, const FileSystem& files) {
-    const auto now = files.attributes(FileSystem::noParent, member.path.c_str(), Links::Keep);
-    if (!now) return Found::Gone;
-    if (!member.identity) return Found::Same;
-    if (!member.identity->isStill(*now)) return Found::Changed;
-    if (now->type != FileType::Folder) return Found::Same;
-    const auto totals = TreeSize(files).ofPath(member.path);
-    return totals && totals->bytes == member.size ? Found::Same : Found::Changed;
+// That it is another entry than the one that goes, wherever paths may lead, the look after setting aside makes sure.
+bool RemovalPlan::isCopyFor(const Member& wanted, const Member& other) const {
+    if (other.path == wanted.path || !other.identity || liesInWhatGoes(other.path)) return false;
+    const auto now = m_files.attributes(FileSystem::noParent, other.path.c_str(), Links::Keep);
+    if (!now || !other.identity->isStill(*now)) return false;
+    const bool isOneEntry = wanted.identity && isSameFile(*wanted.identity, *other.identity) && now->links < 2;
+    if (isOneEntry) return false;
+    if (other.identity->type != FileType::SymbolicLink) return true;
+    const auto target = m_files.attributes(FileSystem::noParent, other.path.c_str(), Links::Follow);
+    return wanted.identity && wanted.identity->type == FileType::SymbolicLink && target &&
+           target->type == FileType::Regular;
 }
 
-bool RemovalPlan::isCopyFor(const Member& wanted, const Member& other, const FileSystem& files) {
-    if (&other == &wanted || lookUp(other, files) != Found::Same) return false;
-    const auto isLink = [](const Member& member) {
-        return member.identity && member.identity->type == FileType::SymbolicLink;
+bool RemovalPlan::liesInWhatGoes(const std::string& path) const {
+    if (m_leavingFolders.empty()) return false;
+    const auto isIn = [&](const std::string& place) {
+        return std::any_of(m_leavingFolders.begin(), m_leavingFolders.end(),
+                           [&](const std::string& folder) { return isWithin(place, folder); });
     };
-    if (!isLink(other)) return true;
-    const auto target = files.attributes(FileSystem::noParent, other.path.c_str(), Links::Follow);
-    return isLink(wanted) && target && target->type == FileType::Regular;
+    const auto real = m_files.resolved(path);
+    return isIn(path) || (real && isIn(*real));
 }
 
-const std::string& RemovalPlan::path(std::size_t index) const { return member(index).path; }
+// From the end, where the copy that stays by itself stands. What is found gone or changed is asked no more.
+const RemovalPlan::Member* RemovalPlan::copyFor(Group& group, const Member& wanted) const {
+    while (!group.copies.empty() && group.members[group.copies.back()].isOut) group.copies.pop_back();
+    for (std::size_t at = group.copies.size(); at-- > 0;) {
+        Member& other = group.members[group.copies[at]];
+        if (other.isOut || &other == &wanted) continue;
+        if (isCopyFor(wanted, other)) return &other;
+        const auto now = m_files.attributes(FileSystem::noParent, other.path.c_str(), Links::Keep);
+        other.isOut = !now || !other.identity || !other.identity->isStill(*now);
+    }
+    return nullptr;
+}
 
-const std::optional<EntryIdentity>& RemovalPlan::identity(std::size_t index) const { return member(index).identity; }
+std::unique_ptr<CopyLook> RemovalPlan::lookFor(const Member& wanted, const Member* kept) const {
+    auto copy = kept != nullptr ? std::optional(KeptCopy{kept->path, *kept->identity}) : std::nullopt;
+    const bool compares = m_comparing == Comparing::Always;
+    if (!wanted.digest) return std::make_unique<FileLook>(m_files, std::move(copy), compares);
+    return std::make_unique<BundleLook>(
+        m_files, BundleLook::Digests{wanted.digest, kept != nullptr ? kept->digest : std::nullopt}, std::move(copy),
+        compares);
+}
 
-std::optional<std::string> RemovalPlan::objection(std::size_t index, const FileSystem& files) const {
-    const Group& group = m_groups[m_entries.at(index).place.group];
+tl::expected<std::unique_ptr<CopyLook>, StayedEntry> RemovalPlan::judge(std::size_t index) {
+    Group& group = m_groups[m_entries.at(index).place.group];
     const Member& wanted = member(index);
-    std::optional<std::string> reason;
-    switch (lookUp(wanted, files)) {
-        case Found::Gone: reason = "is gone already"; break;
-        case Found::Changed: reason = "changed since the scan"; break;
-        case Found::Same:
-            if (!group.whollyTicked && !hasOther(group, wanted, files)) reason = "no other verified copy is left";
-            break;
+    const Member* kept = nullptr;
+    if (!group.whollyTicked) {
+        kept = copyFor(group, wanted);
+        if (kept == nullptr)
+            return tl::unexpected(StayedEntry{wanted.path, std::string(stay::noCopy), StayReason::NoCopy});
     }
-    if (reason) Log::line(fmt::format("Not removed, {}: {}", *reason, wanted.path));
-    return reason;
+    return lookFor(wanted, kept);
 }
 
-// From the end, where the copy that stays by itself stands.
-bool RemovalPlan::hasOther(const Group& group, const Member& wanted, const FileSystem& files) {
-    for (std::size_t i = group.before.front(); i != 0; i = group.before[i]) {
-        if (isCopyFor(wanted, group.members[i - 1], files)) return true;
-    }
-    return false;
+void RemovalPlan::excuse(std::span<const Excuse> excuses) {
+    std::map<const TreeNode*, std::map<std::pair<std::uint64_t, std::uint64_t>, std::int64_t>> byGroup;
+    for (const auto& [leaf, changed] : excuses)
+        if (const auto& identity = simpleData(*leaf)->identity(); identity && leaf->nodeParent() != nullptr)
+            byGroup[leaf->nodeParent()][fileOf(identity)] = changed;
+    for (const auto& [group, files] : byGroup)
+        for (std::size_t i = 0; i < group->numberOfChildren(); ++i) {
+            auto identity = simpleData(*group->childAtIndex(i))->identity();
+            const auto file = identity ? files.find(fileOf(identity)) : files.end();
+            if (file == files.end()) continue;
+            identity->changed = file->second;
+            simpleData(*group->childAtIndex(i))->setIdentity(identity);
+        }
 }
 
-void RemovalPlan::removed(std::size_t index, const FileSystem& files) {
+void RemovalPlan::settled(std::size_t index, const RemovalResult& result) {
     const Place place = m_entries.at(index).place;
     Group& group = m_groups[place.group];
-    const std::size_t gone = place.member + 1;
-    group.before[group.after[gone]] = group.before[gone];
-    group.after[group.before[gone]] = group.after[gone];
-    group.members[place.member].removed = true;
-    if (!group.members[place.member].identity) return;
+    group.members[place.member].isOut = result.gone;
+    if (!result.changed || !group.members[place.member].identity) return;
     const auto same = std::equal_range(
         group.byFile.begin(), group.byFile.end(), place.member, [&](std::size_t left, std::size_t right) {
             return fileOf(group.members[left].identity) < fileOf(group.members[right].identity);
         });
-    for (auto each = same.first; each != same.second; ++each) {
-        Member& other = group.members[*each];
-        if (other.removed) continue;
-        const auto now = files.attributes(FileSystem::noParent, other.path.c_str(), Links::Keep);
-        if (now && now->inode == other.identity->inode && now->device == other.identity->device)
-            other.identity->changed = now->changed;
-    }
+    for (auto each = same.first; each != same.second; ++each) group.members[*each].identity->changed = *result.changed;
 }
 
 }  // namespace orrinvale

@@ -1,52 +1,70 @@
-// RemovalPlan: what goes, fixed when a person confirms, and the last look at each copy before it goes.
+// RemovalPlan: the copies that go, fixed when a person confirms, and the copy that stays for each of them.
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "engine/duplicates/tree/SimpleTreeNode.h"
 #include "engine/files/EntryIdentity.h"
+#include "engine/removal/RemovalList.h"
 #include "platform/files.h"
 
 namespace orrinvale {
 
-/// Made on the main thread from the ticked leaves; the rest belongs to the thread that removes, and touches no node of the tree.
-class RemovalPlan final {
+/// Made on the main thread from the ticked leaves; the rest belongs to the thread that removes. No node of the tree is touched after
+/// prepare().
+class RemovalPlan final : public RemovalList {
 public:
-    /// Each ticked leaf once, in the order of ticking. The groups are those that the leaves stand in now.
-    explicit RemovalPlan(std::span<const TreeNode::Pointer> ticked);
+    /// How contents are compared before a copy goes. Groups that rest on anything but a search just made are always compared.
+    enum class Comparing : std::uint8_t { Always, Never };
 
-    [[nodiscard]] std::size_t size() const { return m_entries.size(); }
-    [[nodiscard]] const std::string& path(std::size_t index) const;
-    [[nodiscard]] const std::optional<EntryIdentity>& identity(std::size_t index) const;
+    /// Each ticked leaf once, in the order of ticking. The file system outlives the plan.
+    RemovalPlan(const FileSystem& files, std::vector<TreeNode::Pointer> ticked, Comparing comparing);
+
+    /// The groups are those that the leaves stand in now: nobody changes the tree before the first news of the removal.
+    void prepare() override;
+
+    [[nodiscard]] std::size_t size() const override { return m_isPrepared ? m_entries.size() : m_ticked.size(); }
+    [[nodiscard]] std::string path(std::size_t index) const override { return member(index).path; }
+    [[nodiscard]] std::optional<EntryIdentity> identity(std::size_t index) const override {
+        return member(index).identity;
+    }
+    [[nodiscard]] std::uint64_t bytes(std::size_t index) const override { return member(index).size; }
+    [[nodiscard]] bool isCopy(std::size_t /*index*/) const override { return true; }
     [[nodiscard]] const TreeNode::Pointer& leaf(std::size_t index) const { return m_entries.at(index).leaf; }
 
-    /// Why the copy must not go now, or nothing when it may: it is gone already, it is not what the search saw any more, or, in a
-    /// group that is not wholly ticked, no other copy is left that still is what the search saw. A bundle is looked at with all that
-    /// is in it. A link is no copy for a file: it may point at the very file that goes. Logged.
-    [[nodiscard]] std::optional<std::string> objection(std::size_t index, const FileSystem& files) const;
+    /// Why the copy must not go now: in a group that is not wholly ticked, no other copy is still what the search saw. One that is not
+    /// ticked is asked first; where there is none any more a ticked one serves, and is then the one that stays. A link is
+    /// no copy for a file, since it may point at the very file that goes; neither is the same entry by another path, nor what lies in a
+    /// bundle that goes. Else how it goes, with the copy that stays.
+    [[nodiscard]] tl::expected<std::unique_ptr<CopyLook>, StayedEntry> judge(std::size_t index) override;
 
-    /// The copy has gone. Other names of the same file have another change time from then on, by our own doing.
-    void removed(std::size_t index, const FileSystem& files);
+    /// Other names of the same file have another time of change once one has gone, by our own doing: exactly that one is excused.
+    void settled(std::size_t index, const RemovalResult& result) override;
+
+    /// A leaf whose file got this time of change by our own doing, as it was told.
+    using Excuse = std::pair<TreeNode::Pointer, std::int64_t>;
+    /// The same for the tree, so that a further removal of the same result knows it. Main thread, before the leaves leave their groups.
+    static void excuse(std::span<const Excuse> excuses);
 
 private:
     struct Member {
         std::string path;
         std::uint64_t size = 0;  ///< bytes, as the search counted them; of a bundle those of all that is in it
         std::optional<EntryIdentity> identity;
-        bool removed = false;
+        std::optional<std::uint64_t> digest;  ///< of a bundle's listing
+        bool isOut = false;                   ///< gone, or found changed: no copy for any other
     };
-    /// A group may hold a hundred thousand copies, so that nothing here walks over all of them for each that goes.
     struct Group {
         std::vector<Member> members;
         std::vector<std::size_t>
-            before;  ///< by member: one more than the next one towards the front that is not removed
-        std::vector<std::size_t>
-            after;  ///< the same towards the end; member i stands at i + 1 in both, 0 is the ring's joint
+            copies;  ///< members, those that are not ticked behind the others; the last is asked first
         std::vector<std::size_t> byFile;  ///< members by device and inode
         bool whollyTicked = false;
     };
@@ -58,15 +76,21 @@ private:
         TreeNode::Pointer leaf;
         Place place;
     };
-    void addGroup(const TreeNode& node, std::unordered_map<const TreeNode*, Place>& places);
+    void addGroup(const TreeNode& node, const std::unordered_set<const TreeNode*>& ticked,
+                  std::unordered_map<const TreeNode*, Place>& places);
     [[nodiscard]] const Member& member(std::size_t index) const;
-    enum class Found { Same, Changed, Gone };
-    [[nodiscard]] static Found lookUp(const Member& member, const FileSystem& files);
-    [[nodiscard]] static bool isCopyFor(const Member& wanted, const Member& other, const FileSystem& files);
-    [[nodiscard]] static bool hasOther(const Group& group, const Member& wanted, const FileSystem& files);
+    [[nodiscard]] bool isCopyFor(const Member& wanted, const Member& other) const;
+    [[nodiscard]] bool liesInWhatGoes(const std::string& path) const;
+    [[nodiscard]] const Member* copyFor(Group& group, const Member& wanted) const;
+    [[nodiscard]] std::unique_ptr<CopyLook> lookFor(const Member& wanted, const Member* kept) const;
 
+    const FileSystem& m_files;
+    std::vector<TreeNode::Pointer> m_ticked;
+    const Comparing m_comparing;
+    bool m_isPrepared = false;
     std::vector<Group> m_groups;
     std::vector<Entry> m_entries;
+    std::vector<std::string> m_leavingFolders;  ///< ticked bundles
 };
 
 }  // namespace orrinvale

@@ -1,0 +1,126 @@
+// BundleLook: see BundleLook.h.
+#include "engine/duplicates/results/BundleLook.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+#include "engine/files/FolderNode.h"
+#include "engine/removal/ContentComparison.h"
+#include "engine/removal/stayReasons.h"
+#include "platform/paths.h"
+
+namespace orrinvale {
+namespace {
+
+StayedEntry noCopy(const HeldEntry& leaving, std::string_view reason = stay::noCopy) {
+    return {leaving.path, std::string(reason), StayReason::NoCopy};
+}
+
+StayedEntry failed(const HeldEntry& leaving, int error) {
+    if (error == ESTALE) return {leaving.path, std::string(stay::changed), StayReason::Changed};
+    return {leaving.path, systemError("read", {}, error).reason(), stayReasonOf(error)};
+}
+
+// The same place in two bundles.
+bool isAlike(const BundleEntry& a, const BundleEntry& b) {
+    const bool isFile = a.attributes.type == FileType::Regular;
+    return a.path == b.path && a.attributes.type == b.attributes.type && a.linkText == b.linkText &&
+           (!isFile || a.attributes.size == b.attributes.size);
+}
+
+/// Opens the files of a bundle one after another; neighbours share their folder.
+class BundleFiles final {
+public:
+    BundleFiles(const FileSystem& files, int bundle, bool inodesPass)
+        : m_files(files), m_bundle(bundle), m_inodesPass(inodesPass) {}
+
+    [[nodiscard]] SysResult<Descriptor> open(const BundleEntry& entry) {
+        const std::size_t slash = entry.path.rfind('/');
+        const std::string folder = slash == std::string::npos ? std::string() : entry.path.substr(0, slash);
+        if (!folder.empty() && folder != m_name) {
+            auto opened = openFolderBelow(m_files, m_bundle, folder, Links::Keep);
+            if (!opened) return opened;
+            m_folder = std::move(*opened);
+            m_name = folder;
+        }
+        const std::string name = entry.path.substr(slash == std::string::npos ? 0 : slash + 1);
+        auto file = m_files.openFile(folder.empty() ? m_bundle : m_folder.get(), name.c_str(), Links::Keep, m_state);
+        if (!file) return file;
+        const auto now = m_files.attributes(file->get());
+        auto seen = EntryIdentity::of(entry.attributes);
+        seen.inodePasses = m_inodesPass;
+        if (!now || !seen.isStill(*now)) return tl::unexpected(ESTALE);
+        return file;
+    }
+
+private:
+    const FileSystem& m_files;
+    const int m_bundle;
+    const bool m_inodesPass;
+    ReadState m_state;
+    std::string m_name;  // of the folder that is open
+    Descriptor m_folder;
+};
+
+}  // namespace
+
+std::optional<StayedEntry> BundleLook::before(const HeldEntry& leaving, const std::atomic<bool>& stop) {
+    if (auto reason = listBoth(leaving, leaving.name, stop)) return reason;
+    return m_kept && m_compares ? compare(leaving, stop) : std::nullopt;
+}
+
+std::optional<StayedEntry> BundleLook::last(const HeldEntry& leaving, const std::string& name) {
+    const std::atomic<bool> never{false};
+    return listBoth(leaving, name, never);
+}
+
+std::optional<StayedEntry> BundleLook::listBoth(const HeldEntry& leaving, const std::string& name,
+                                                const std::atomic<bool>& stop) {
+    auto folder = m_files.openInside(leaving.parent.get(), name.c_str());
+    if (!folder)
+        return StayedEntry{leaving.path, systemError("open", {}, folder.error()).reason(),
+                           stayReasonOf(folder.error())};
+    m_leavingFolder = std::move(*folder);
+    auto list = listBundleAt(m_files, m_leavingFolder.get(), leaving.path, {m_passing}, stop);
+    if (!list) return failed(leaving, list.error().number);
+    m_leavingList = std::move(*list);
+    if (m_digests.leaving && *m_digests.leaving != m_leavingList.digest) return failed(leaving, ESTALE);
+    if (!m_kept) return std::nullopt;
+
+    auto kept = openFolderByPath(m_files, m_kept->path, Links::Keep);
+    if (!kept) return noCopy(leaving);
+    m_keptFolder = std::move(*kept);
+    auto keptList = listBundleAt(m_files, m_keptFolder.get(), m_kept->path, {m_passing}, stop);
+    if (!keptList) return noCopy(leaving);
+    m_keptList = std::move(*keptList);
+    if (m_digests.kept && *m_digests.kept != m_keptList.digest) return noCopy(leaving);
+    return std::nullopt;
+}
+
+std::optional<StayedEntry> BundleLook::compare(const HeldEntry& leaving, const std::atomic<bool>& stop) const {
+    const auto& ours = m_leavingList.entries;
+    const auto& theirs = m_keptList.entries;
+    if (ours.size() != theirs.size()) return noCopy(leaving, stay::otherContents);
+    const auto inodesPass = [this](std::uint64_t device) {
+        return std::find(m_passing.begin(), m_passing.end(), device) != m_passing.end();
+    };
+    BundleFiles ourFiles(m_files, m_leavingFolder.get(), inodesPass(leaving.attributes.device));
+    BundleFiles theirFiles(m_files, m_keptFolder.get(), inodesPass(m_kept->identity.device));
+    for (std::size_t i = 0; i < ours.size() && !stop; ++i) {
+        if (!isAlike(ours[i], theirs[i])) return noCopy(leaving, stay::otherContents);
+        if (ours[i].attributes.type != FileType::Regular) continue;
+        const auto a = ourFiles.open(ours[i]);
+        const auto b = theirFiles.open(theirs[i]);
+        const auto answer =
+            a && b ? compareContents(m_files, a->get(), b->get(), stop) : tl::unexpected(!a ? a.error() : b.error());
+        if (!answer) return failed(leaving, answer.error());
+        if (*answer == Comparison::Different) return noCopy(leaving, stay::otherContents);
+        if (m_files.isOpenForWriting(a->get()))
+            return StayedEntry{leaving.path, std::string(stay::inUse), StayReason::InUse};
+        if (m_files.isOpenForWriting(b->get())) return noCopy(leaving, stay::copyInUse);
+    }
+    return std::nullopt;
+}
+
+}  // namespace orrinvale

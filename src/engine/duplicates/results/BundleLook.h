@@ -1,0 +1,50 @@
+// BundleLook: how a copy goes that is a whole bundle.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "engine/duplicates/BundleListing.h"
+#include "engine/removal/CopyLook.h"
+
+namespace orrinvale {
+
+/// Two bundles are copies of each other while both hold, to the last entry, what the search listed, and hold the same: names, types,
+/// texts of links, and bytes.
+class BundleLook final : public CopyLook {
+public:
+    /// Of the two listings, as the search took them; nothing for a bundle that does not stay or was never listed.
+    struct Digests {
+        std::optional<std::uint64_t> leaving;
+        std::optional<std::uint64_t> kept;
+    };
+    /// `compares` false: the listings alone have to agree with those of the search.
+    BundleLook(const FileSystem& files, Digests digests, std::optional<KeptCopy> kept, bool compares)
+        : m_files(files),
+          m_digests(digests),
+          m_kept(std::move(kept)),
+          m_compares(compares),
+          m_passing(files.devicesOfPassingInodes()) {}
+
+    const std::optional<KeptCopy>& kept() const override { return m_kept; }
+    std::optional<StayedEntry> before(const HeldEntry& leaving, const std::atomic<bool>& stop) override;
+    std::optional<StayedEntry> last(const HeldEntry& leaving, const std::string& name) override;
+
+private:
+    [[nodiscard]] std::optional<StayedEntry> listBoth(const HeldEntry& leaving, const std::string& name,
+                                                      const std::atomic<bool>& stop);
+    [[nodiscard]] std::optional<StayedEntry> compare(const HeldEntry& leaving, const std::atomic<bool>& stop) const;
+
+    const FileSystem& m_files;
+    const Digests m_digests;
+    std::optional<KeptCopy> m_kept;
+    const bool m_compares;
+    const std::vector<std::uint64_t> m_passing;
+    BundleListing m_leavingList;
+    BundleListing m_keptList;
+    Descriptor m_leavingFolder;  // both open as they were listed
+    Descriptor m_keptFolder;
+};
+
+}  // namespace orrinvale
