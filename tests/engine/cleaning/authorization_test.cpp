@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/cleaning/AuthorizedDoor.h"
 #include "engine/cleaning/FolderUtilities.h"
 #include "engine/cleaning/QnAuthorization.h"
 #include "platform/fake/FakeAuthorization.h"
@@ -35,6 +36,17 @@ protected:
     ~Right() override {
         right.freeAuthorization();
         right.setParts({});
+    }
+
+    RemovalResult remove(const std::string& path, const EntryIdentity& seen, const ProtectedPlaces& places) {
+        LeavingEntry leaving;
+        leaving.path = path;
+        leaving.identity = seen;
+        const std::atomic<bool> never{false};
+        return AuthorizedDoor({&system, &files, &permissions, {}}, places).remove(leaving, never);
+    }
+    static std::string reasonOf(const RemovalResult& result) {
+        return result.failures.empty() ? std::string() : result.failures.front().reason;
     }
 
     std::string last() const { return lines.empty() ? "no line" : lines.back(); }
@@ -203,7 +215,7 @@ TEST_F(Right, PlainFirstPrivilegedSecond) {
                 const std::string secret = tree.at("theirs/secret");
                 const auto seen =
                     EntryIdentity::of(*files.attributes(FileSystem::noParent, secret.c_str(), Links::Keep));
-                const auto removed = [&] { return QnAuthorization::synFastRemovePath(secret, seen, none); };
+                const auto removed = [&] { return remove(secret, seen, none); };
                 expect(QnAuthorization::synFastRemovePath(tree.at("mine/a")), "a plain file stays");
                 expect(QnAuthorization::synFastRemovePath(tree.at("mine/folder")),
                        "a folder without the right to write stays");
@@ -217,8 +229,8 @@ TEST_F(Right, PlainFirstPrivilegedSecond) {
                     modesAtRun.push_back(modeOf(run.arguments.back()));
                     return std::string();
                 };
-                const FastRemoval again = removed();
-                expect(again.gone, "the padlock is open now, and yet: " + again.reason);
+                const RemovalResult again = removed();
+                expect(again.gone, "the padlock is open now, and yet: " + reasonOf(again));
                 expect(modeOf(tree.at("mine/secret")) == 0600, "the file is open to others by its other name");
                 expect(QnAuthorization::synFastRemovePath(tree.at("theirs/kept")), "the tool's word is not taken");
                 expect(last().starts_with("Clean deletable file failed: "), "no line");
@@ -243,28 +255,27 @@ TEST_F(Right, WhatIsProtectedOrChangedIsNotPassedOn) {
         return EntryIdentity::of(*files.attributes(FileSystem::noParent, tree.at(name).c_str(), Links::Keep));
     };
     ASSERT_TRUE(right.allocAuthorization());
-    const auto refused = QnAuthorization::synFastRemovePath(tree.at("protected"), identity("protected"), places);
+    const auto refused = remove(tree.at("protected"), identity("protected"), places);
     EXPECT_FALSE(refused.gone);
-    EXPECT_THAT(refused.reason, HasSubstr("mine"));
+    EXPECT_THAT(reasonOf(refused), HasSubstr("mine"));
     // Protected by its place alone, which the path does not tell.
     places.add(files, tree.at("real/later"), "mine too");
     ASSERT_TRUE(tree.write("real/later", "1"));
     ASSERT_TRUE(tree.symlink("real", "way"));
-    EXPECT_EQ(QnAuthorization::synFastRemovePath(tree.at("way/later"), identity("way/later"), places).reason,
-              "mine too");
+    EXPECT_EQ(reasonOf(remove(tree.at("way/later"), identity("way/later"), places)), "mine too");
 
     const auto seen = identity("seen");
     const auto gone = identity("gone");
     ASSERT_TRUE(tree.write("seen", "other"));
     ASSERT_EQ(::unlink(tree.at("gone").c_str()), 0);
-    const auto changed = QnAuthorization::synFastRemovePath(tree.at("seen"), seen, places);
+    const auto changed = remove(tree.at("seen"), seen, places);
     EXPECT_FALSE(changed.gone);
-    EXPECT_EQ(changed.reason, "changed since the scan");
-    EXPECT_TRUE(QnAuthorization::synFastRemovePath(tree.at("gone"), gone, places).gone);
+    EXPECT_EQ(reasonOf(changed), "changed since the scan");
+    EXPECT_TRUE(remove(tree.at("gone"), gone, places).gone);
     auto pulledOut = gone;
     ++pulledOut.device;
-    EXPECT_FALSE(QnAuthorization::synFastRemovePath(tree.at("disk/gone"), pulledOut, places).gone);
-    EXPECT_TRUE(QnAuthorization::synFastRemovePath(tree.at("seen"), identity("seen"), places).gone);
+    EXPECT_FALSE(remove(tree.at("disk/gone"), pulledOut, places).gone);
+    EXPECT_TRUE(remove(tree.at("seen"), identity("seen"), places).gone);
     EXPECT_FALSE(QnAuthorization::synFastRemovePath("/"));
     EXPECT_FALSE(QnAuthorization::synFastRemovePath("seen"));
     EXPECT_THAT(system.runs, IsEmpty());
