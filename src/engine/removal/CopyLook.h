@@ -11,6 +11,8 @@
 
 namespace orrinvale {
 
+class SeenEntries;
+
 /// How a copy goes. Made by the page's rules for one entry, used by the door, on the removing thread.
 class CopyLook {
 public:
@@ -26,6 +28,9 @@ public:
     /// Just before the removal, when the entry is aside under this name, or still has its own where it can not be set aside: what was
     /// compared is still what stands there. The copy that stays is looked at by the caller.
     [[nodiscard]] virtual std::optional<StayedEntry> last(const HeldEntry& leaving, const std::string& name) = 0;
+
+    /// After last(): what a bundle holds, which alone goes with it; nullptr for what is none.
+    [[nodiscard]] virtual const SeenEntries* seen() const { return nullptr; }
 
 protected:
     CopyLook() = default;

@@ -107,10 +107,11 @@ RemovalResult PlainDoor::removeInPlace(const HeldEntry& held, const LeavingEntry
 }
 
 // Of what came into a bundle since it was listed nothing goes.
-void PlainDoor::unlink(const HeldEntry& held, const std::string& name, const LeavingEntry& /*entry*/,
+void PlainDoor::unlink(const HeldEntry& held, const std::string& name, const LeavingEntry& entry,
                        const std::atomic<bool>& stop, RemovalResult& result) const {
     if (held.attributes.type == FileType::Folder) {
-        TreeRemoval(m_files, held.path, &stop, result).run(held.parent.get(), name, held.attributes);
+        TreeRemoval(m_files, held.path, &stop, result, entry.look->seen())
+            .run(held.parent.get(), name, held.attributes);
         return;
     }
     const auto removal = m_files.removeEntry(held.parent.get(), name.c_str(), held.attributes.type);

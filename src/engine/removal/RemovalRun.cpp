@@ -115,15 +115,20 @@ RemovalResult RemovalRun::removeOne(std::size_t index, const std::string& path, 
     return m_door.remove({path, m_list.identity(index), look->get(), seen.get(), token}, m_stop);
 }
 
+// Of folders the removal itself knows best.
+void RemovalRun::countBytes(std::size_t index, const RemovalResult& result) {
+    const auto identity = m_list.identity(index);
+    const bool isFile = identity && identity->type == FileType::Regular;
+    if (isFile && !m_counted.insert({identity->device, identity->inode}).second) return;
+    addSaturating(m_outcome.bytes, isFile ? m_list.bytes(index) : result.bytes.value_or(m_list.bytes(index)));
+}
+
 void RemovalRun::count(std::size_t index, const RemovalResult& result) {
     if (result.bytes) addSaturating(m_outcome.bytes, *result.bytes);
     if (result.gone) {
         ++(result.byOthers ? m_outcome.byOthers : m_outcome.removed);
         if (result.bytes) return;
-        const auto identity = m_list.identity(index);
-        const bool isFile = identity && identity->type == FileType::Regular;
-        const bool isNew = !isFile || m_counted.insert({identity->device, identity->inode}).second;
-        if (!result.byOthers && isNew) addSaturating(m_outcome.bytes, m_list.bytes(index));
+        if (!result.byOthers) countBytes(index, result);
         return;
     }
     if (result.failed == 0) return;  // stopped

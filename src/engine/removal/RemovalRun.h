@@ -53,6 +53,7 @@ private:
     [[nodiscard]] bool nameInJournal(std::size_t from, std::size_t to);
     [[nodiscard]] RemovalResult removeOne(std::size_t index, const std::string& path, const std::string& token);
     void count(std::size_t index, const RemovalResult& result);
+    void countBytes(std::size_t index, const RemovalResult& result);
     [[nodiscard]] std::optional<AsideRecord> recordFor(std::size_t index);
     [[nodiscard]] Result<void> write(const std::vector<AsideRecord>& records);
 

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include "engine/files/FolderNode.h"
@@ -27,6 +29,20 @@ bool isAlike(const BundleEntry& a, const BundleEntry& b) {
     const bool isFile = a.attributes.type == FileType::Regular;
     return a.path == b.path && a.attributes.type == b.attributes.type && a.linkText == b.linkText &&
            (!isFile || a.attributes.size == b.attributes.size);
+}
+
+SeenEntries seenOf(const BundleListing& listing, bool inodesPass) {
+    SeenEntries seen(inodesPass);
+    std::unordered_map<std::string, SeenEntries::Key> folders{{"", SeenEntries::chosenFolder}};
+    for (const BundleEntry& entry : listing.entries) {  // a folder stands before what is in it
+        const std::size_t slash = entry.path.rfind('/');
+        const std::string folder = slash == std::string::npos ? std::string() : entry.path.substr(0, slash);
+        const std::string_view name = std::string_view(entry.path).substr(slash == std::string::npos ? 0 : slash + 1);
+        const SeenEntries::Key key = seen.keyOf(folders[folder], name, entry.attributes.inode);
+        seen.add(key, SeenState::of(entry.attributes));
+        if (entry.attributes.type == FileType::Folder) folders[entry.path] = key;
+    }
+    return seen;
 }
 
 /// Opens the files of a bundle one after another; neighbours share their folder.
@@ -72,7 +88,13 @@ std::optional<StayedEntry> BundleLook::before(const HeldEntry& leaving, const st
 
 std::optional<StayedEntry> BundleLook::last(const HeldEntry& leaving, const std::string& name) {
     const std::atomic<bool> never{false};
-    return listBoth(leaving, name, never);
+    auto reason = listBoth(leaving, name, never);
+    if (!reason) m_seen = seenOf(m_leavingList, inodesPass(leaving.attributes.device));
+    return reason;
+}
+
+bool BundleLook::inodesPass(std::uint64_t device) const {
+    return std::find(m_passing.begin(), m_passing.end(), device) != m_passing.end();
 }
 
 std::optional<StayedEntry> BundleLook::listBoth(const HeldEntry& leaving, const std::string& name,
@@ -102,9 +124,6 @@ std::optional<StayedEntry> BundleLook::compare(const HeldEntry& leaving, const s
     const auto& ours = m_leavingList.entries;
     const auto& theirs = m_keptList.entries;
     if (ours.size() != theirs.size()) return noCopy(leaving, stay::otherContents);
-    const auto inodesPass = [this](std::uint64_t device) {
-        return std::find(m_passing.begin(), m_passing.end(), device) != m_passing.end();
-    };
     BundleFiles ourFiles(m_files, m_leavingFolder.get(), inodesPass(leaving.attributes.device));
     BundleFiles theirFiles(m_files, m_keptFolder.get(), inodesPass(m_kept->identity.device));
     for (std::size_t i = 0; i < ours.size() && !stop; ++i) {

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "engine/duplicates/BundleListing.h"
+#include "engine/files/SeenEntries.h"
 #include "engine/removal/CopyLook.h"
 
 namespace orrinvale {
@@ -30,10 +31,12 @@ public:
     const std::optional<KeptCopy>& kept() const override { return m_kept; }
     std::optional<StayedEntry> before(const HeldEntry& leaving, const std::atomic<bool>& stop) override;
     std::optional<StayedEntry> last(const HeldEntry& leaving, const std::string& name) override;
+    const SeenEntries* seen() const override { return m_seen ? &*m_seen : nullptr; }
 
 private:
     [[nodiscard]] std::optional<StayedEntry> listBoth(const HeldEntry& leaving, const std::string& name,
                                                       const std::atomic<bool>& stop);
+    [[nodiscard]] bool inodesPass(std::uint64_t device) const;
     [[nodiscard]] std::optional<StayedEntry> compare(const HeldEntry& leaving, const std::atomic<bool>& stop) const;
 
     const FileSystem& m_files;
@@ -43,6 +46,7 @@ private:
     const std::vector<std::uint64_t> m_passing;
     BundleListing m_leavingList;
     BundleListing m_keptList;
+    std::optional<SeenEntries> m_seen;
     Descriptor m_leavingFolder;  // both open as they were listed
     Descriptor m_keptFolder;
 };
