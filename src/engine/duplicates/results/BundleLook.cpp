@@ -89,7 +89,7 @@ std::optional<StayedEntry> BundleLook::before(const HeldEntry& leaving, const st
 std::optional<StayedEntry> BundleLook::last(const HeldEntry& leaving, const std::string& name) {
     const std::atomic<bool> never{false};
     auto reason = listBoth(leaving, name, never);
-    if (!reason) m_seen = seenOf(m_leavingList, inodesPass(leaving.attributes.device));
+    if (!reason) m_seen.emplace(seenOf(m_leavingList, inodesPass(leaving.attributes.device)));
     return reason;
 }
 
