@@ -199,10 +199,6 @@
         <translation>ein anderer Eintrag ist an seine Stelle getreten</translation>
     </message>
     <message>
-        <source>is gone already</source>
-        <translation>ist schon weg</translation>
-    </message>
-    <message>
         <source>no other verified copy is left</source>
         <translation>es gibt keine andere geprüfte Kopie mehr</translation>
     </message>
@@ -494,6 +490,45 @@
         <source>the tool ended with status %1</source>
         <translation>das Werkzeug endete mit dem Status %1</translation>
     </message>
+    <message>
+        <source>its contents are not those of the copy that stays</source>
+        <translation>ihr Inhalt ist nicht der der Kopie, die bleibt</translation>
+    </message>
+    <message>
+        <source>the copy that stays is the same entry by another path</source>
+        <translation>die Kopie, die bleibt, ist derselbe Eintrag auf anderem Weg</translation>
+    </message>
+    <message>
+        <source>a program has it open for writing</source>
+        <translation>ein Programm hat sie zum Schreiben geöffnet</translation>
+    </message>
+    <message>
+        <source>a program has the copy that stays open for writing</source>
+        <translation>ein Programm hat die Kopie, die bleibt, zum Schreiben geöffnet</translation>
+    </message>
+    <message>
+        <source>kept aside under another name, since its own is taken by now</source>
+        <translation>unter anderem Namen aufgehoben, da der eigene inzwischen vergeben ist</translation>
+    </message>
+    <message>
+        <source>its folder is not there any more</source>
+        <translation>ihr Ordner ist nicht mehr da</translation>
+    </message>
+    <message>
+        <source>it is another entry than the one that was set aside</source>
+        <translation>es ist ein anderer Eintrag als der, der beiseitegelegt wurde</translation>
+    </message>
+</context>
+<context>
+    <name>Removal</name>
+    <message>
+        <source>%1 removed, %2</source>
+        <translation>%1 gelöscht, %2</translation>
+    </message>
+    <message>
+        <source>%1 could not be removed</source>
+        <translation type="unfinished">%1 Dateien nicht entfernt</translation>
+    </message>
 </context>
 <context>
     <name>ResultRow</name>
@@ -669,6 +704,14 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Not every volume could be ejected.</source>
         <translation>Nicht alle Datenträger konnten ausgeworfen werden.</translation>
+    </message>
+    <message>
+        <source>A removal was ended in the middle. Everything that it had set aside has been looked after.</source>
+        <translation>Ein Löschvorgang wurde mittendrin beendet. Um alles, was er beiseitegelegt hatte, wurde sich gekümmert.</translation>
+    </message>
+    <message>
+        <source>Back under their own names: %1</source>
+        <translation>Wieder unter ihrem eigenen Namen: %1</translation>
     </message>
 </context>
 <context>
@@ -934,14 +977,6 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>%1 von %2</translation>
     </message>
     <message>
-        <source>1 could not be removed</source>
-        <translation>1 Datei nicht entfernt</translation>
-    </message>
-    <message>
-        <source>%1 could not be removed</source>
-        <translation>%1 Dateien nicht entfernt</translation>
-    </message>
-    <message>
         <source>Some files that require admin access can&apos;t be removed!</source>
         <translation>Einige Dateien lassen sich nur mit Administratorrechten entfernen!</translation>
     </message>
@@ -1029,6 +1064,10 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Could not be read</source>
         <translation>Nicht lesbar</translation>
+    </message>
+    <message>
+        <source>Waiting for another removal to end</source>
+        <translation>Wartet auf das Ende eines anderen Löschvorgangs</translation>
     </message>
 </context>
 <context>

@@ -14,7 +14,6 @@
 namespace orrinvale {
 namespace {
 
-constexpr const char* context = "Removal";
 constexpr std::size_t mostReasons = 4;
 
 QString counted(std::size_t count) { return QLocale().toString(qulonglong(count)); }
@@ -23,13 +22,13 @@ QString counted(std::size_t count) { return QLocale().toString(qulonglong(count)
 
 QString removedText(const RemovalOutcome& outcome) {
     if (outcome.removed == 0) return {};
-    return QCoreApplication::translate(context, "%1 removed, %2")
+    return QCoreApplication::translate("Removal", "%1 removed, %2")
         .arg(counted(outcome.removed), shownSize(UtilityFunction::convertVolSpace(outcome.bytes)));
 }
 
 QString stayedText(const RemovalOutcome& outcome) {
     if (outcome.failed == 0) return {};
-    return QCoreApplication::translate(context, "%1 could not be removed").arg(counted(outcome.failed));
+    return QCoreApplication::translate("Removal", "%1 could not be removed").arg(counted(outcome.failed));
 }
 
 Alert stayedAlert(const RemovalOutcome& outcome) {
