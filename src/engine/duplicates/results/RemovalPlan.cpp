@@ -73,10 +73,18 @@ bool RemovalPlan::isCopyFor(const Member& wanted, const Member& other) const {
     if (!now || !other.identity->isStill(*now)) return false;
     const bool isOneEntry = wanted.identity && isSameFile(*wanted.identity, *other.identity) && now->links < 2;
     if (isOneEntry) return false;
+    if (other.digest) return isAsListed(other);
     if (other.identity->type != FileType::SymbolicLink) return true;
     const auto target = m_files.attributes(FileSystem::noParent, other.path.c_str(), Links::Follow);
     return wanted.identity && wanted.identity->type == FileType::SymbolicLink && target &&
            target->type == FileType::Regular;
+}
+
+bool RemovalPlan::isAsListed(const Member& bundle) const {
+    const auto passing = m_files.devicesOfPassingInodes();
+    const std::atomic<bool> never{false};
+    const auto now = listBundle(m_files, bundle.path, {passing}, never);
+    return now && now->digest == *bundle.digest;
 }
 
 bool RemovalPlan::liesInWhatGoes(const std::string& path) const {
@@ -97,7 +105,7 @@ const RemovalPlan::Member* RemovalPlan::copyFor(Group& group, const Member& want
         if (other.isOut || &other == &wanted) continue;
         if (isCopyFor(wanted, other)) return &other;
         const auto now = m_files.attributes(FileSystem::noParent, other.path.c_str(), Links::Keep);
-        other.isOut = !now || !other.identity || !other.identity->isStill(*now);
+        other.isOut = !now || !other.identity || !other.identity->isStill(*now) || (other.digest && !isAsListed(other));
     }
     return nullptr;
 }

@@ -80,6 +80,7 @@ private:
                   std::unordered_map<const TreeNode*, Place>& places);
     [[nodiscard]] const Member& member(std::size_t index) const;
     [[nodiscard]] bool isCopyFor(const Member& wanted, const Member& other) const;
+    [[nodiscard]] bool isAsListed(const Member& bundle) const;
     [[nodiscard]] bool liesInWhatGoes(const std::string& path) const;
     [[nodiscard]] const Member* copyFor(Group& group, const Member& wanted) const;
     [[nodiscard]] std::unique_ptr<CopyLook> lookFor(const Member& wanted, const Member* kept) const;
