@@ -523,11 +523,11 @@
     <name>Removal</name>
     <message>
         <source>%1 removed, %2</source>
-        <translation>%1 gelöscht, %2</translation>
+        <translation>%1 entfernt, %2</translation>
     </message>
     <message>
         <source>%1 could not be removed</source>
-        <translation type="unfinished">%1 Dateien nicht entfernt</translation>
+        <translation>%1 Einträge nicht entfernt</translation>
     </message>
 </context>
 <context>
@@ -707,7 +707,7 @@ Freie Software unter der Apache License 2.0.</translation>
     </message>
     <message>
         <source>A removal was ended in the middle. Everything that it had set aside has been looked after.</source>
-        <translation>Ein Löschvorgang wurde mittendrin beendet. Um alles, was er beiseitegelegt hatte, wurde sich gekümmert.</translation>
+        <translation>Ein Entfernen wurde mittendrin beendet. Was es beiseitegelegt hatte, ist versorgt.</translation>
     </message>
     <message>
         <source>Back under their own names: %1</source>
@@ -1067,7 +1067,7 @@ Freie Software unter der Apache License 2.0.</translation>
     </message>
     <message>
         <source>Waiting for another removal to end</source>
-        <translation>Wartet auf das Ende eines anderen Löschvorgangs</translation>
+        <translation>Wartet, bis ein anderes Entfernen zu Ende ist</translation>
     </message>
 </context>
 <context>

@@ -299,6 +299,7 @@ TEST_F(ToolbarWindow, TheDuplicatePageStandsAloneInIt) {
                                         .defaults = &settings,
                                         .dialogs = &dialogs,
                                         .mainQueue = &mainQueue,
+                                        .stateFolder = {},
                                         .icons = {},
                                         .reveal = {},
                                         .openAddress = {}});
