@@ -511,10 +511,6 @@
         <translation>unter anderem Namen aufgehoben, da der eigene inzwischen vergeben ist</translation>
     </message>
     <message>
-        <source>its folder is not there any more</source>
-        <translation>ihr Ordner ist nicht mehr da</translation>
-    </message>
-    <message>
         <source>it is another entry than the one that was set aside</source>
         <translation>es ist ein anderer Eintrag als der, der beiseitegelegt wurde</translation>
     </message>

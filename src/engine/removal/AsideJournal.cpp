@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <ctime>
 #include <memory>
 #include <random>
 #include <utility>
@@ -110,14 +111,13 @@ struct Settling {
     std::string reason;
 };
 
-// Where the volume is in, the folder was moved or removed since.
+// Where the volume is in, the folder went since, and what was in it with it.
 Settling settleWithoutFolder(const FileSystem& files, const AsideRecord& record) {
     std::string folder = folderOf(record.path);
     auto seen = files.attributes(FileSystem::noParent, folder.c_str(), Links::Follow);
     for (; !seen && seen.error() == ENOENT && folder != "/"; folder = folderOf(folder))
         seen = files.attributes(FileSystem::noParent, folderOf(folder).c_str(), Links::Follow);
-    if (seen && seen->device == record.device) return {Settling::Found::Stays, "its folder is not there any more"};
-    return {Settling::Found::Later, {}};
+    return {seen && seen->device == record.device ? Settling::Found::Settled : Settling::Found::Later, {}};
 }
 
 bool isThatEntry(const FileSystem& files, const AsideRecord& record, const FileAttributes& folder,
@@ -175,19 +175,27 @@ std::optional<std::string> takeOver(const std::string& path, Descriptor& file) {
     return text ? std::optional(std::move(*text)) : std::nullopt;
 }
 
+// A volume that was out for so long does not come back, and numbers of devices are given anew at every start.
+bool isOutdated(int journal) {
+    constexpr std::int64_t days = 90;
+    struct stat seen {};
+    return ::fstat(journal, &seen) == 0 && std::time(nullptr) - seen.st_mtime > days * 24 * 3600;
+}
+
 void recover(const FileSystem& files, const std::string& path, AsideRecovery& recovery) {
     Descriptor file;
     const auto text = takeOver(path, file);
     if (!text) return;
     std::vector<AsideRecord> later;
-    for (AsideRecord& record : parseAsideJournal(*text)) {
+    std::vector<AsideRecord> records = parseAsideJournal(*text);
+    for (AsideRecord& record : records) {
         Settling settling = settle(files, record);
         const bool isForLater = settling.found == Settling::Found::Later;
         report(recovery, record, std::move(settling));
-        if (isForLater) later.push_back(std::move(record));
+        if (isForLater) later.push_back(record);
     }
-    if (later.empty()) ::unlink(path.c_str());
-    else (void)DurableFile::save(path, writeAsideJournal(later));
+    if (later.empty() || isOutdated(file.get())) ::unlink(path.c_str());
+    else if (later.size() < records.size()) (void)DurableFile::save(path, writeAsideJournal(later));
 }
 
 std::vector<std::string> journalsIn(const std::string& folder) {

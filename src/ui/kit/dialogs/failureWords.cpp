@@ -38,7 +38,6 @@ constexpr std::array whole{
     QT_TRANSLATE_NOOP("Reason", "a program has it open for writing"),
     QT_TRANSLATE_NOOP("Reason", "a program has the copy that stays open for writing"),
     QT_TRANSLATE_NOOP("Reason", "kept aside under another name, since its own is taken by now"),
-    QT_TRANSLATE_NOOP("Reason", "its folder is not there any more"),
     QT_TRANSLATE_NOOP("Reason", "it is another entry than the one that was set aside"),
     QT_TRANSLATE_NOOP("Reason", "stopped"),
     QT_TRANSLATE_NOOP("Reason", "still there"),
