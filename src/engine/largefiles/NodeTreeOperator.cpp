@@ -13,7 +13,7 @@
 namespace orrinvale {
 namespace {
 
-// Entries looked at between two looks at the stop, and read in one call of the file system.
+// Entries of a deep folder that are handed over at once.
 constexpr std::size_t batchEntries = 40;
 
 FoundEntry foundEntry(const FileAttributes& seen, const char* name) {
@@ -75,13 +75,11 @@ void NodeTreeOperator::take(Worker& worker, WalkedFolder& walked, std::uint32_t 
     FoundChunk chunk;
     chunk.folder = &folder;
     chunk.entries.reserve(entries.size());
-    for (std::size_t at = 0; at < entries.size() && !stopped(); at += batchEntries) {
-        const auto batch = entries.subspan(at, std::min(batchEntries, entries.size() - at));
-        m_files.readIdentities(folder.handle.get(), batch);
-        for (CatalogEntry& entry : batch) {
-            TreeFolder* const found = addEntry(chunk, arena, entry, first++);
-            if (found != nullptr) addFound(worker, folder, found, chunk.entries.back().name);
-        }
+    for (CatalogEntry& entry : entries) {
+        if (stopped()) break;  // one look may take a second on a slow file system
+        m_files.readIdentities(folder.handle.get(), {&entry, 1});
+        TreeFolder* const found = addEntry(chunk, arena, entry, first++);
+        if (found != nullptr) addFound(worker, folder, found, chunk.entries.back().name);
     }
     handOver(std::move(chunk));
 }
