@@ -905,6 +905,14 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>Could not be read</source>
         <translation>Nicht lesbar</translation>
     </message>
+    <message>
+        <source>Stopped: %1 removed, %2</source>
+        <translation>Angehalten: %1 entfernt, %2</translation>
+    </message>
+    <message>
+        <source>%1 removed, %2</source>
+        <translation>%1 entfernt, %2</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::NewOutlineView</name>

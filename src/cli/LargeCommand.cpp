@@ -50,7 +50,7 @@ Status LargeCommand::run(const Arguments& arguments) {
 
     const bool quiet = arguments.has("quiet");
     const auto tree = std::make_shared<FileNodeTree>(root);
-    EumeRoot scan({.files = &m_files, .mainQueue = nullptr});
+    EumeRoot scan({.files = &m_files, .mainQueue = nullptr, .grown = {}});
     const bool stopped = runScan(scan, tree, !quiet && isTerminal(STDERR_FILENO));
     const std::vector<Error> skipped = scan.skipped();
     if (tree->nodeCount() == 0 && !skipped.empty() && skipped.front().path == root)

@@ -61,16 +61,24 @@ void Controller::setParts(ControllerParts parts) {
     m_erasure.reset();
     m_errands.reset();
     m_eumeRoot.reset();
+    if (m_rescan) {
+        m_rescan->stopScan();
+        m_rescan->waitForEnd();
+    }
+    m_rescan.reset();
     m_parts = std::move(parts);
 }
 
 void Controller::eumeAllRootFileNodeWithRootArr(std::shared_ptr<FileNodeTree> rootArr, const std::string& rootPath) {
-    m_eumeRoot = std::make_unique<EumeRoot>(ScanParts{.files = m_parts.files, .mainQueue = m_parts.mainQueue});
+    m_rescan.reset();
+    m_eumeRoot =
+        std::make_unique<EumeRoot>(ScanParts{.files = m_parts.files, .mainQueue = m_parts.mainQueue, .grown = {}});
     m_eumeRoot->eumeAllRootFileNodeWithRootArr(rootArr, rootPath);
     m_aRootArr = std::move(rootArr);
 }
 
 void Controller::closeTree() {
+    m_rescan.reset();
     m_eumeRoot.reset();
     m_aRootArr.reset();
 }
@@ -170,6 +178,7 @@ bool Controller::deleteFilesWithDic() {
     if (m_removal || !m_aRootArr || m_parts.files == nullptr || m_parts.mainQueue == nullptr) return false;
     const std::vector<FileNode*> nodes = deleteFilesWithDic(m_aRootArr->root().childrenInAnyOrder());
     if (nodes.empty()) return false;
+    m_rescan.reset();  // two at once would add to folders that leave
     m_removal = std::make_shared<Removal>(m_parts, m_aRootArr, nodes, [this] { removalNews(); });
     return true;
 }
@@ -223,8 +232,15 @@ void Controller::endRemoval() {
     const bool isShown = &m_removal->work.tree() == m_aRootArr.get();
     const NodeRemoval::News last = *std::exchange(m_removal, nullptr)->last;
     if (isShown) selectAllFileNode(FileNode::NotSelected);
+    if (isShown && last.cut != nullptr) scanAgain(m_aRootArr, *last.cut);
     if (_aDelegate != nullptr) _aDelegate->changeProgressWithPoint(100, last.lastPath);
     if (_aDelegate != nullptr) _aDelegate->removalEnded(*last.ending);
+}
+
+void Controller::scanAgain(std::shared_ptr<FileNodeTree> tree, FileNode& folder) {
+    m_rescan = std::make_unique<EumeRoot>(
+        ScanParts{.files = m_parts.files, .mainQueue = m_parts.mainQueue, .grown = [this] { reloadTree(); }});
+    m_rescan->scanAgain(std::move(tree), folder);
 }
 
 }  // namespace orrinvale

@@ -10,26 +10,13 @@
 #include <string>
 #include <vector>
 
-#include "engine/base/MainQueue.h"
+#include "engine/largefiles/ControllerParts.h"
 #include "engine/largefiles/EumeRoot.h"
 #include "engine/largefiles/FileNode.h"
+#include "engine/largefiles/LargeFileRemoval.h"
 #include "platform/files.h"
 
 namespace orrinvale {
-
-/// How a removal ended, for the person who asked for it.
-struct LargeFileRemoval {
-    struct Failure {
-        std::string path;    ///< exact bytes
-        std::string reason;  ///< for people
-    };
-    std::uint64_t chosen = 0;         ///< nodes that were to go
-    std::uint64_t gone = 0;           ///< nodes that went
-    std::uint64_t failed = 0;         ///< nodes that are still there, wholly or in part
-    std::uint64_t failedEntries = 0;  ///< all that could not go of these nodes
-    std::vector<Failure> failures;    ///< the first ones, entry by entry
-    bool stopped = false;             ///< the person ended it
-};
 
 /// The page, as the controller sees it. All calls come on the main thread.
 class ControllerDelegate {
@@ -51,15 +38,6 @@ protected:
     ControllerDelegate& operator=(const ControllerDelegate&) = default;
 };
 
-/// What the controller works with. Nothing of it is owned; all of it outlives the last use.
-struct ControllerParts {
-    const FileSystem* files = nullptr;
-    MainQueue* mainQueue = nullptr;
-    std::vector<std::string> ownFiles;                        ///< absolute paths of the program's files, never removed
-    std::function<void(const std::string& path)> reveal;      ///< shows the entry in the desktop's file manager
-    std::function<void(const std::string& path)> openFolder;  ///< opens the entry with the desktop's file manager
-};
-
 class TrashErrands;
 
 /// Main thread only; the removal runs on a thread of its own and changes the tree on the main thread, in batches.
@@ -67,8 +45,8 @@ class Controller final {
 public:
     /// Made at the first call, never freed.
     [[nodiscard]] static Controller& getController();
-    /// Ends the scan and the removal that are under way, and waits for the removal's entry in hand: call it with nothing before the
-    /// parts go. Threads that scan may still be at a file system that does not answer, which therefore outlives them:
+    /// Ends the scans and the removal that are under way, and waits for the removal's entry in hand and for the scan of what a stop left:
+    /// call it with nothing before the parts go. Threads that scan may still be at a file system that does not answer, which therefore outlives them:
     /// eumeRoot()->waitForEnd() waits for those.
     void setParts(ControllerParts parts);
     void setADelegate(ControllerDelegate* delegate) { _aDelegate = delegate; }  ///< not owned
@@ -103,7 +81,8 @@ public:
     /// reloadTreeList() at once and at the end. One at a time.
     void moveFileToTarsh();
 
-    /// Starts the removal of what is ticked. False, and no call to the delegate, when nothing is.
+    /// Starts the removal of what is ticked. False, and no call to the delegate, when nothing is. A folder that stopRemove() cuts stays in
+    /// the tree and is scanned anew from the end on, so that it and the folders above it come to show what is left.
     bool deleteFilesWithDic();
     /// What would go of these siblings, in the order of the tree: a ticked node as a whole, of a mixed one what is ticked below it.
     [[nodiscard]] static std::vector<FileNode*> deleteFilesWithDic(std::span<FileNode* const> nodes);
@@ -123,11 +102,13 @@ private:
     void removalNews();
     void takeOut(Removal& removal, std::span<FileNode* const> nodes);
     void endRemoval();
+    void scanAgain(std::shared_ptr<FileNodeTree> tree, FileNode& folder);
 
     ControllerParts m_parts;
     ControllerDelegate* _aDelegate = nullptr;
     std::shared_ptr<FileNodeTree> m_aRootArr;
     std::unique_ptr<EumeRoot> m_eumeRoot;
+    std::unique_ptr<EumeRoot> m_rescan;  // of a folder that a stop left a part of, since the last removal
     std::shared_ptr<Removal> m_removal;  // while one is under way
     std::unique_ptr<TrashErrands> m_errands;
     std::shared_ptr<Erasure> m_erasure;  // the same of the outside eraser

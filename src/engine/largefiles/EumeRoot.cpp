@@ -31,10 +31,14 @@ std::atomic<std::int32_t> s_finishedEntries{0};
 /// Shared by its owner, the walking threads and the work that waits in the main queue.
 class EumeRoot::Scan final : public std::enable_shared_from_this<Scan> {
 public:
-    Scan(const ScanParts& parts, std::shared_ptr<FileNodeTree> tree)
-        : m_files(*parts.files), m_queue(parts.mainQueue), m_hasQueue(parts.mainQueue != nullptr) {
+    Scan(const ScanParts& parts, std::shared_ptr<FileNodeTree> tree, FileNode& start)
+        : m_files(*parts.files),
+          m_queue(parts.mainQueue),
+          m_isOfAll(&start == &tree->root()),
+          m_hasQueue(parts.mainQueue != nullptr),
+          m_grown(parts.grown) {
         tree->keep(m_arenas);
-        m_growth = std::make_unique<TreeGrowth>(std::move(tree), m_counts);
+        m_growth = std::make_unique<TreeGrowth>(std::move(tree), start, m_counts);
     }
     ~Scan() { drop(); }
 
@@ -70,13 +74,15 @@ private:
     bool m_isDropping = false;  // nothing is taken in any more
     std::condition_variable m_home;
 
+    const bool m_isOfAll;  // not of a part of the tree, anew
     const bool m_hasQueue;
     std::atomic<bool> m_isEnded{false};
 
     // Of the thread that owns the tree; without a queue of whoever set m_isAsked.
     std::unique_ptr<TreeGrowth> m_growth;
     std::vector<FoundChunk> m_inHand;
-    std::size_t m_next = 0;  // in m_inHand
+    std::size_t m_next = 0;         // in m_inHand
+    std::function<void()> m_grown;  // empty from a stop on
 };
 
 void EumeRoot::Scan::start(const std::string& path) {
@@ -132,6 +138,7 @@ void EumeRoot::Scan::takeTurn() {
     const auto until = std::chrono::steady_clock::now() + turn;
     while (takeNext() && std::chrono::steady_clock::now() < until) {}
     m_growth->passUp();
+    if (m_grown) m_grown();
     {
         const std::lock_guard lock(m_mutex);
         m_isAsked = false;
@@ -165,6 +172,7 @@ bool EumeRoot::Scan::takeNext() {
 
 void EumeRoot::Scan::stop() {
     m_counts->stop = true;
+    m_grown = nullptr;
     if (!m_hasQueue || m_isEnded) return;
     drop();
     end();
@@ -186,10 +194,11 @@ void EumeRoot::Scan::drop() {
 void EumeRoot::Scan::end() {
     m_growth->passUp();
     m_growth.reset();
+    m_isEnded = true;
+    if (!m_isOfAll) return;
     const auto finished = static_cast<std::int32_t>(m_counts->finished);
     const std::int32_t finishedEver = s_finishedEntries.fetch_add(finished) + finished;
     if (m_counts->all >= 0 && m_counts->all == finishedEver && Log::isEnabled()) Log::line("---end----");
-    m_isEnded = true;
 }
 
 void EumeRoot::Scan::waitForEnd() {
@@ -202,7 +211,7 @@ void EumeRoot::Scan::waitForEnd() {
     end();
 }
 
-EumeRoot::EumeRoot(ScanParts parts) : m_parts(parts) {}
+EumeRoot::EumeRoot(ScanParts parts) : m_parts(std::move(parts)) {}
 
 EumeRoot::~EumeRoot() {
     if (!m_scan) return;
@@ -211,8 +220,15 @@ EumeRoot::~EumeRoot() {
 }
 
 void EumeRoot::eumeAllRootFileNodeWithRootArr(std::shared_ptr<FileNodeTree> rootArr, const std::string& rootPath) {
-    m_scan = std::make_shared<Scan>(m_parts, std::move(rootArr));
+    FileNode& root = rootArr->root();
+    m_scan = std::make_shared<Scan>(m_parts, std::move(rootArr), root);
     m_scan->start(rootPath);
+}
+
+void EumeRoot::scanAgain(std::shared_ptr<FileNodeTree> rootArr, FileNode& folder) {
+    rootArr->empty(folder);
+    m_scan = std::make_shared<Scan>(m_parts, std::move(rootArr), folder);
+    m_scan->start(folder.path());
 }
 
 float EumeRoot::getProgress() const {

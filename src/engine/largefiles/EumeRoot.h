@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -19,6 +20,8 @@ namespace orrinvale {
 struct ScanParts {
     const FileSystem* files = nullptr;
     MainQueue* mainQueue = nullptr;
+    std::function<void()>
+        grown;  ///< on the main thread, after each turn that changed the tree; never once the EumeRoot is gone
 };
 
 /// Used from the thread that owns the tree, but for what says otherwise. A scan under way when the object goes is stopped, and without
@@ -32,6 +35,10 @@ public:
 
     /// Starts the scan of the path into the tree, which is empty, and returns. Once for each object.
     void eumeAllRootFileNodeWithRootArr(std::shared_ptr<FileNodeTree> rootArr, const std::string& rootPath);
+
+    /// Empties one folder of the tree, and starts its scan into its place, with the sizes of the folders above kept true; and returns.
+    /// In place of the other scan.
+    void scanAgain(std::shared_ptr<FileNodeTree> rootArr, FileNode& folder);
 
     /// Percent of the entries directly in the chosen folder that are finished, 0 to 100; 0 when there are none. Any thread.
     [[nodiscard]] float getProgress() const;

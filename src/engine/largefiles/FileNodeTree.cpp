@@ -42,9 +42,7 @@ FileNodeTree& FileNodeTree::of(const FileNode& node) {
 
 std::span<FileNode* const> FileNodeTree::add(FileNode& folder, std::span<const FoundEntry> entries) {
     const Added added = addHere(folder, entries);
-    for (FileNode* above = folder.m_father; above != nullptr && (added.size | added.onDisk) != 0;
-         above = above->m_father)
-        grow(*above, added.size, added.onDisk);
+    if ((added.size | added.onDisk) != 0) growAbove(folder, added.size, added.onDisk);
     return added.nodes;
 }
 
@@ -86,6 +84,24 @@ void FileNodeTree::grow(FileNode& folder, std::uint64_t size, std::uint64_t onDi
     addSaturating(folder.m_size, size);
     addSaturating(folder.m_onDisk, onDisk);
     if (folder.m_father != nullptr) folder.m_father->m_ordered = 0;
+}
+
+void FileNodeTree::growAbove(const FileNode& folder, std::uint64_t size, std::uint64_t onDisk) {
+    for (FileNode* above = folder.m_father; above != nullptr; above = above->m_father) grow(*above, size, onDisk);
+}
+
+// A sum that was held at its limit is not known any more; it then shrinks by what it would have.
+void FileNodeTree::empty(FileNode& folder) {
+    const std::lock_guard lock(m_lists);
+    folder.m_childCount = folder.m_ordered = 0;
+    const std::uint64_t size = folder.m_size;
+    const std::uint64_t onDisk = folder.m_onDisk;
+    for (FileNode* each = &folder; each != nullptr; each = each->m_father) {
+        each->m_size -= std::min(size, each->m_size);
+        each->m_onDisk -= std::min(onDisk, each->m_onDisk);
+        if (each->m_father != nullptr) each->m_father->m_ordered = 0;
+    }
+    ++m_revision;
 }
 
 void FileNodeTree::addChosenFile(const FoundEntry& entry) {

@@ -42,6 +42,11 @@ public:
     };
     Added addHere(FileNode& folder, std::span<const FoundEntry> entries);
     static void grow(FileNode& folder, std::uint64_t size, std::uint64_t onDisk);
+    /// grow() for every folder above.
+    static void growAbove(const FileNode& folder, std::uint64_t size, std::uint64_t onDisk);
+
+    /// Takes out all that stands below a folder, and its bytes of it and of every folder above.
+    void empty(FileNode& folder);
 
     /// Adds the only node of a tree whose rootPath() is that of a file.
     void addChosenFile(const FoundEntry& entry);
@@ -58,7 +63,7 @@ public:
     [[nodiscard]] SeenEntries seenBelow(const FileNode& folder, bool inodesPass) const;
 
     /// What our own removals of what the tree shows did to its files. For the one removal that is under way.
-    [[nodiscard]] OwnChanges& ownChanges() { return m_ownChanges; }
+    [[nodiscard]] const std::shared_ptr<OwnChanges>& ownChanges() const { return m_ownChanges; }
 
     /// The tree that a node belongs to.
     [[nodiscard]] static FileNodeTree& of(const FileNode& node);
@@ -79,7 +84,7 @@ private:
     std::vector<std::uint64_t> m_devices;
     std::uint16_t m_lastDevice = 0;
     std::vector<std::shared_ptr<const void>> m_kept;
-    OwnChanges m_ownChanges;
+    const std::shared_ptr<OwnChanges> m_ownChanges = std::make_shared<OwnChanges>();
     std::uint64_t m_nodeCount = 0;
     std::uint64_t m_revision = 0;
 };

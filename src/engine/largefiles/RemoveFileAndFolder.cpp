@@ -7,8 +7,9 @@
 #include <utility>
 
 #include "engine/base/Log.h"
-#include "engine/largefiles/NodeRemoval.h"
+#include "engine/largefiles/largeFilePlaces.h"
 #include "platform/error.h"
+#include "platform/paths.h"
 
 namespace orrinvale {
 
@@ -72,8 +73,10 @@ void RemoveFileAndFolder::clearImmutable(const HeldEntry& held) const {
 // What the program ends with is not asked for: it proves nothing. The log tells when the entry is there still.
 void RemoveFileAndFolder::doneErasing() {
     m_eraser.reset();
-    const auto left = m_files.attributes(FileSystem::noParent, m_filePathStr.c_str(), Links::Keep);
-    if (left) Log::line(fmt::format("Not erased {}: it is there still", m_filePathStr));
+    const auto parent = HeldEntry::holdParentOf(m_files, m_filePathStr);  // paths have any length
+    const std::string name(lastPathComponent(m_filePathStr));
+    if (parent && m_files.attributes(parent->get(), name.c_str(), Links::Keep))
+        Log::line(fmt::format("Not erased {}: it is there still", m_filePathStr));
     advance();
     if (m_idx < m_allFilesArr.size() && !m_isCancel) runTaskWithPath();
     else end();

@@ -9,7 +9,8 @@
 
 #include "engine/files/HeldEntry.h"
 #include "engine/files/ProtectedPlaces.h"
-#include "engine/largefiles/Controller.h"
+#include "engine/largefiles/ControllerParts.h"
+#include "engine/largefiles/FileNodeTree.h"
 #include "platform/process.h"
 
 namespace orrinvale {

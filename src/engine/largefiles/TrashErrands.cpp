@@ -8,8 +8,8 @@
 #include <utility>
 
 #include "engine/base/Log.h"
-#include "engine/files/ProtectedPlaces.h"
 #include "engine/files/Trash.h"
+#include "engine/largefiles/largeFilePlaces.h"
 #include "platform/FolderVariables.h"
 #include "platform/error.h"
 
@@ -19,7 +19,7 @@ namespace {
 std::string moveWith(const FileSystem& files, const std::vector<std::string>& ownFiles,
                      const FolderVariables& variables, const std::string& path,
                      const std::optional<EntryIdentity>& expected) {
-    const auto places = ProtectedPlaces::ofThisMachine(files, ownFiles);
+    const auto places = protectedFromLargeFiles(files, ownFiles);
     const auto moved = Trash(files, places, variables).move(path, expected);
     Log::line(fmt::format("--delete file error ---::{}", moved ? "(null)" : moved.error()));
     return moved ? std::string() : moved.error();

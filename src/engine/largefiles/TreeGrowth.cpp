@@ -14,16 +14,17 @@ constexpr std::size_t mostBehind = 4096;
 
 }  // namespace
 
-TreeGrowth::TreeGrowth(std::shared_ptr<FileNodeTree> tree, std::shared_ptr<ScanCounts> counts)
-    : m_tree(std::move(tree)), m_counts(std::move(counts)) {}
+TreeGrowth::TreeGrowth(std::shared_ptr<FileNodeTree> tree, FileNode& start, std::shared_ptr<ScanCounts> counts)
+    : m_tree(std::move(tree)), m_start(start), m_counts(std::move(counts)) {}
 
 void TreeGrowth::take(const FoundChunk& chunk) {
     if (chunk.folder == nullptr) {
-        m_tree->addChosenFile(chunk.entries.front());
+        // In the place of a folder that is scanned anew it is another entry, which nobody chose.
+        if (&m_start == &m_tree->root()) m_tree->addChosenFile(chunk.entries.front());
         return;
     }
     TreeFolder& folder = *chunk.folder;
-    if (folder.depth == 0) folder.node = &m_tree->root();
+    if (folder.depth == 0) folder.node = &m_start;
     const FileNodeTree::Added added = m_tree->addHere(*folder.node, chunk.entries);
     auto next = chunk.folders.begin();
     for (std::size_t i = 0; next != chunk.folders.end(); ++i)
@@ -35,7 +36,7 @@ void TreeGrowth::take(const FoundChunk& chunk) {
 }
 
 void TreeGrowth::gained(TreeFolder& folder, std::uint64_t size, std::uint64_t onDisk) {
-    if (folder.depth == 0) return;
+    if (folder.depth == 0) return FileNodeTree::growAbove(m_start, size, onDisk);
     addSaturating(folder.size, size);
     addSaturating(folder.onDisk, onDisk);
     if (std::exchange(folder.isBehind, true)) return;

@@ -16,7 +16,8 @@ namespace orrinvale {
 /// for many chunks, level by level.
 class TreeGrowth final {
 public:
-    TreeGrowth(std::shared_ptr<FileNodeTree> tree, std::shared_ptr<ScanCounts> counts);
+    /// What the walk finds comes below `start`, a folder of the tree.
+    TreeGrowth(std::shared_ptr<FileNodeTree> tree, FileNode& start, std::shared_ptr<ScanCounts> counts);
     TreeGrowth(const TreeGrowth&) = delete;
     TreeGrowth& operator=(const TreeGrowth&) = delete;
 
@@ -29,6 +30,7 @@ private:
     void gained(TreeFolder& folder, std::uint64_t size, std::uint64_t onDisk);
 
     const std::shared_ptr<FileNodeTree> m_tree;
+    FileNode& m_start;
     const std::shared_ptr<ScanCounts> m_counts;
     std::vector<TreeFolder*> m_behind;  // held; the folders above them lack something
 };

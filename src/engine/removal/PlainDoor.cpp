@@ -47,7 +47,7 @@ RemovalResult PlainDoor::remove(const LeavingEntry& entry, const std::atomic<boo
     const auto held = entry.look != nullptr ? HeldEntry::at(m_files, m_places, entry.path, entry.identity)
                                             : tl::unexpected(HeldEntry::Objection{});
     // What can not be held is told, or found gone, by the plain removal.
-    if (!held) return SafeRemoval(m_files, m_places, &m_own).remove(entry.path, entry.identity, &stop, entry.seen);
+    if (!held) return SafeRemoval(m_files, m_places, m_own.get()).remove(entry.path, entry.identity, &stop, entry.seen);
     RemovalResult result = removeCopy(*held, entry, stop);
     logCopy(entry.path, result);
     return result;

@@ -1,6 +1,9 @@
 // PlainDoor: removal with this user's own rights. Copies are set aside first (SetAside.h), everything else goes by SafeRemoval.
 #pragma once
 
+#include <memory>
+#include <utility>
+
 #include "engine/files/OwnChanges.h"
 #include "engine/files/ProtectedPlaces.h"
 #include "engine/removal/RemovalDoor.h"
@@ -11,8 +14,10 @@ namespace orrinvale {
 /// The file system outlives it.
 class PlainDoor final : public RemovalDoor {
 public:
-    PlainDoor(const FileSystem& files, ProtectedPlaces places)
-        : m_files(files), m_places(std::move(places)), m_ground(files) {}
+    /// `own` is what earlier removals of the same scan's entries did to their files.
+    PlainDoor(const FileSystem& files, ProtectedPlaces places,
+              std::shared_ptr<OwnChanges> own = std::make_shared<OwnChanges>())
+        : m_files(files), m_places(std::move(places)), m_ground(files), m_own(std::move(own)) {}
 
     RemovalResult remove(const LeavingEntry& entry, const std::atomic<bool>& stop) override;
 
@@ -33,7 +38,7 @@ private:
     const FileSystem& m_files;
     const ProtectedPlaces m_places;
     RenameGround m_ground;
-    OwnChanges m_own;
+    const std::shared_ptr<OwnChanges> m_own;
     bool m_isToldPlain = false;  // that copies go without being set aside, once
 };
 

@@ -88,11 +88,11 @@ void RemovalJob::Work::waiting(bool isWaiting) {
     m_progress.of = m_list->size();
 }
 
-// A folder may take its time, so that what went before it is told first.
-void RemovalJob::Work::begins(std::size_t /*index*/, const std::string& path, bool isFolder) {
+// A folder may take its time, so that what went before it, and that it has begun, is told first; so is the very first entry.
+void RemovalJob::Work::begins(std::size_t index, const std::string& path, bool isFolder) {
     std::unique_lock lock(m_mutex);
     m_progress.current = path;
-    if (isFolder && !m_settled.empty()) tell(lock);
+    if (isFolder || index == 0) tell(lock);
 }
 
 void RemovalJob::Work::settled(std::size_t index, const RemovalResult& result) {

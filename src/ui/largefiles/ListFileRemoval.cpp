@@ -1,7 +1,9 @@
 // ListFileViewController: the removal of what is selected, the window over it, and what is told at its end.
+#include <QLabel>
 #include <QLocale>
 #include <chrono>
 
+#include "engine/largefiles/PublicUtilities.h"
 #include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/chrome/TCImageButton.h"
 #include "ui/kit/dialogs/Dialogs.h"
@@ -48,6 +50,7 @@ void ListFileViewController::giveUpRemoval() {
 
 void ListFileViewController::doRemoveAction() {
     m_removal = {};
+    m_views->removedLabel->hide();
     m_views->failureLine->hide();
     if (!Controller::getController().deleteFilesWithDic()) {
         m_isRemoving = false;
@@ -68,12 +71,21 @@ void ListFileViewController::removalEnded(const LargeFileRemoval& removal) {
     m_isRemoving = false;
     m_removal = removal;
     changeDeleteButtonState();
+    showRemoved();
     m_views->failureLine->setVisible(removal.failed != 0);
     m_views->failureLine->setText(removal.failed == 1 ? tr("1 could not be removed; a new scan will show it again")
                                                       : tr("%1 could not be removed; a new scan will show them again")
                                                             .arg(QLocale().toString(qulonglong(removal.failed))));
     refreshList();
     m_views->outlineView->setFocus();
+}
+
+void ListFileViewController::showRemoved() {
+    const QString count = QLocale().toString(qulonglong(m_removal.removed));
+    const QString size = QString::fromStdString(PublicUtilities::byteToSizeWithByte(m_removal.bytes));
+    m_views->removedLabel->setText(m_removal.stopped ? tr("Stopped: %1 removed, %2").arg(count, size)
+                                                     : tr("%1 removed, %2").arg(count, size));
+    m_views->removedLabel->setVisible(m_removal.stopped || m_removal.removed != 0 || m_removal.bytes != 0);
 }
 
 void ListFileViewController::showFailures() {

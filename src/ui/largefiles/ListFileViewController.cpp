@@ -103,6 +103,7 @@ void ListFileViewController::viewDragAction(const std::string& path) {
 void ListFileViewController::getRootNodeListWithPath(const std::string& path) {
     m_rootNodeArr = std::make_shared<FileNodeTree>(path);
     m_removal = {};
+    m_views->removedLabel->hide();
     m_views->failureLine->hide();
     m_views->quietLine->hide();
     m_views->titleLabel->setText(QString::fromStdString(path));

@@ -110,6 +110,7 @@ private:
     void doRemoveAction();
     void changeProgressWithPoint(std::int32_t percent, const std::string& path) override;
     void removalEnded(const LargeFileRemoval& removal) override;
+    void showRemoved();
     void stopRemove() override;
     void showFailures();
 

@@ -88,7 +88,9 @@ QWidget* ListFileViews::makeBottomBar() {
     bar->setFixedHeight(barHeight);
     quietLine = named(new HoverButton, "quietLine");
     failureLine = named(new HoverButton, "failureLine");
+    removedLabel = makeLabel("removedLabel", Theme::Text::Body, QPalette::PlaceholderText);
     quietLine->hide();
+    removedLabel->hide();
     failureLine->hide();
     progressLabel = makeLabel("progressLabel", Theme::Text::Body, QPalette::PlaceholderText);
     progressLabel->setAlignment(Qt::AlignTrailing | Qt::AlignVCenter);
@@ -104,6 +106,7 @@ QWidget* ListFileViews::makeBottomBar() {
     m_bottom->setContentsMargins(Theme::gap, 0, Theme::gap, 0);
     m_bottom->setSpacing(Theme::gap);
     m_bottom->addWidget(quietLine);
+    m_bottom->addWidget(removedLabel);
     m_bottom->addWidget(failureLine);
     m_bottom->addStretch(1);
     m_bottom->addWidget(progressLabel);

@@ -54,6 +54,7 @@ public:
     QWidget* emptyView = nullptr;
     QLabel* emptyLabel = nullptr;
     HoverButton* quietLine = nullptr;
+    QLabel* removedLabel = nullptr;
     HoverButton* failureLine = nullptr;
     QnProgressView* progressView = nullptr;  ///< null unless a scan runs
     QLabel* progressLabel = nullptr;

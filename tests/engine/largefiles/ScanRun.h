@@ -20,7 +20,7 @@ namespace orrinvale::testing {
 /// One scan into a tree of its own; with the queue when it is given.
 struct ScanRun {
     ScanRun(const FileSystem& files, const std::string& path, ServedQueue* queue = nullptr)
-        : tree(std::make_shared<FileNodeTree>(path)), scan({.files = &files, .mainQueue = queue}) {
+        : tree(std::make_shared<FileNodeTree>(path)), scan({.files = &files, .mainQueue = queue, .grown = {}}) {
         scan.eumeAllRootFileNodeWithRootArr(tree, path);
         if (queue == nullptr) scan.waitForEnd();
     }

@@ -211,6 +211,11 @@ TEST_F(LargeFiles, TheStopEndsItBeforeTheNextEntry) {
         EXPECT_TRUE(isThere(disk.at("folder")) && isThere(disk.at("z")));
         EXPECT_EQ(tree->root().childCount(), 2U);
         EXPECT_EQ(controller.deleteFilesWithDic(tree->root().children()).size(), 0U);
+        // What is left of the folder shows in it, and in the sums above, which else stay those of the scan.
+        const std::uint64_t left = inFolder * 10;
+        EXPECT_TRUE(queue.serveUntil([&] { return node("folder").size() == left; })) << node("folder").size();
+        EXPECT_EQ(node("folder").childCount(), inFolder);
+        EXPECT_EQ(tree->root().size(), 900U + 800 + left + 100);
         scan();
         EXPECT_EQ(node("folder").childCount(), inFolder);
     }
@@ -253,12 +258,14 @@ TEST_F(LargeFiles, WhatBelongsToTheSystemStaysThoughItWasTicked) {
         remove();
         std::string text;
         for (const auto& [path, reason] : page.ended->failures) text += path + ": " + reason + '\n';
+        text += "to the trash: " + controller.moveFileToTrash("/srv") + '\n';
         for (const char* path : {"/usr/src/x", "/srv/x", "/holds/x"}) text += isThere(path) ? "" : "removed";
         return text + std::to_string(page.ended->gone) + (isThere("/usr/own") || isThere("/free") ? " left" : " gone");
     });
     if (told.starts_with("skipped")) GTEST_SKIP() << told;
     for (const char* line : {"//usr/src: part of the system\n", "//srv: part of the system\n",
-                             "//holds: a folder above one of the program's own files\n", "//proc: "})
+                             "//holds: a folder above one of the program's own files\n", "//proc: ",
+                             "to the trash: part of the system\n"})
         EXPECT_THAT(told, HasSubstr(line));
     EXPECT_THAT(told, ::testing::EndsWith("\n2 gone"));
 }

@@ -78,7 +78,7 @@ TEST(LargeFileStop, fromAnotherThreadWithoutAQueue) {
     for (int i = 0; i < 200; ++i) ASSERT_TRUE(tree.write(std::to_string(i) + "/x", "1"));
     testing::WatchedFiles watched;
     const auto nodes = std::make_shared<FileNodeTree>(tree.path());
-    EumeRoot scan({.files = &watched, .mainQueue = nullptr});
+    EumeRoot scan({.files = &watched, .mainQueue = nullptr, .grown = {}});
     std::atomic<int> listings{0};
     watched.onReadFolder = [&] {
         if (++listings == 50) scan.stopScan();

@@ -167,5 +167,19 @@ TEST(Selection, ChildrenLeaveTogetherAndTheRestStaysInOrder) {
     }
 }
 
+// Whichever folder was chosen: paths directly below "/" begin with two slashes.
+TEST(Selection, KnowsTheSystemsFoldersByTheirOwnPathsAlone) {
+    const struct {
+        const char* chosen;
+        const char* name;
+        bool isSystem;
+    } cases[] = {{"/", "usr", true}, {"/", "lost", false}, {"/usr", "lib", true}, {"/home/usr", "lib", false}};
+    for (const auto& [chosen, name, isSystem] : cases) {
+        FileNodeTree tree(chosen);
+        const FoundEntry entry{.name = name, .isDirectory = true, .type = FileType::Folder};
+        EXPECT_EQ(tree.add(tree.root(), {&entry, 1}).front()->isSystemFile(), isSystem) << chosen << ' ' << name;
+    }
+}
+
 }  // namespace
 }  // namespace orrinvale

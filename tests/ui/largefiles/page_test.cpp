@@ -92,11 +92,13 @@ TEST_F(LargeFilePage, ShowsTheBiggestFirstAndRemovesWhatIsTicked) {
         on.list(),
         ". photos 1.50 MB\n  . old.png 600.00 KB\n. Viewer.app 700.00 KB\n. same.txt 1.50 KB\n. notes.txt 1.50 KB\n");
     EXPECT_FALSE(on.isShown("failureLine") || on.control("deleteButton").isEnabled());
+    EXPECT_EQ(on.textOf("removedLabel"), "2 removed, 5.90 MB");
 
     on.click("selectAllButton");
     EXPECT_EQ(on.list().find(". "), std::string::npos) << "all boxes are ticked";
     ASSERT_TRUE(on.remove());
     EXPECT_EQ(on.textOf("emptyLabel"), "Nothing is left in this folder.");
+    EXPECT_EQ(on.textOf("removedLabel"), "4 removed, 1.30 MB") << "a file with two names counts once";
     EXPECT_FALSE(isThere("f/notes.txt") || isThere("f/photos"));
 }
 
@@ -111,6 +113,12 @@ TEST_F(LargeFilePage, TicksInThreeStatesDownToWhatIsOpened) {
     on.tick("photos");
     EXPECT_NE(on.list().find("x photos 1.50 MB\n  x new 900.00 KB\n  x old.png"), std::string::npos)
         << "a click on a mixed box selects";
+    on.tick("new");
+    const std::string mixed = on.list();
+    on.outline().collapse(on.row("photos"));
+    on.outline().expand(on.row("photos"));
+    EXPECT_EQ(on.list(), mixed) << "opening a mixed folder leaves the boxes in it alone";
+    on.tick("photos");
     // A bundle has no inside.
     on.open("Viewer.app");
     EXPECT_FALSE(on.outline().isExpanded(on.row("Viewer.app")));
