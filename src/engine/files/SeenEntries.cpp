@@ -40,6 +40,10 @@ SeenEntries::Key SeenEntries::keyOf(Key folder, std::string_view name, std::uint
     return mixed(mixed(folder + std::hash<std::string_view>{}(name)) + (m_inodesPass ? 0 : inode));
 }
 
+void SeenEntries::expect(Key key) const {
+    if (!m_prints.empty()) __builtin_prefetch(&m_prints[placeOf(key)]);
+}
+
 void SeenEntries::add(Key key, const SeenState& entry) {
     if ((m_count + 1) * 5 > m_prints.size() * 4) grow();
     put(printOf(key, entry));

@@ -43,6 +43,9 @@ public:
     /// The key of an entry of a folder, to be handed over with what is below it.
     [[nodiscard]] Key keyOf(Key folder, std::string_view name, std::uint64_t inode) const;
 
+    /// Fetches into the processor's cache what verdictOn() will need.
+    void expect(Key key) const;
+
     void add(Key key, const SeenState& entry);
     [[nodiscard]] Verdict verdictOn(Key key, const SeenState& entry) const;
     [[nodiscard]] std::size_t count() const { return m_count; }

@@ -58,7 +58,7 @@ void TreeRemoval::enter(std::string name, const Level* former) {
     if (former != nullptr && !isSame(*now, former->device, former->inode)) return failWith(name, ENOTEMPTY);
     if (now->device != m_start.device || now->mount != m_start.mount)
         return fail(name, StayReason::Protected, mountPoint);
-    auto key = former != nullptr ? former->key : SeenEntries::chosenFolder;
+    const auto key = isStart ? SeenEntries::chosenFolder : former != nullptr ? former->key : keyOf(name, now->inode);
     if (!isStart && former == nullptr && !isAsSeen(name, *now, key)) return;
     push({.name = std::move(name),
           .folder = std::move(*opened),
@@ -77,19 +77,21 @@ void TreeRemoval::withoutEntering(const std::string& name, int error) {
     if (noFolder && m_levels.empty()) return fail(name, StayReason::Changed, changedSince);
     if (m_seen != nullptr && !m_levels.empty()) {
         const auto now = m_files.attributes(here(), name.c_str(), Links::Keep);
-        SeenEntries::Key key = 0;
         if (!now && now.error() != ENOENT) return failWith(name, now.error());
-        if (!now || !isAsSeen(name, *now, key)) return;
+        if (!now || !isAsSeen(name, *now, keyOf(name, now->inode))) return;
     }
     // A folder that became a link or a file goes by its name, and one that may not be read goes if it is empty.
     const auto removal = m_files.removeEntry(here(), name.c_str(), noFolder ? FileType::Unknown : FileType::Folder);
     if (!went(removal)) failWith(name, noFolder ? removal.error() : error);
 }
 
+SeenEntries::Key TreeRemoval::keyOf(std::string_view name, std::uint64_t inode) const {
+    return m_seen != nullptr ? m_seen->keyOf(m_levels.back().key, name, inode) : SeenEntries::chosenFolder;
+}
+
 // False, and told, when the scan did not see this of the folder in hand.
-bool TreeRemoval::isAsSeen(std::string_view name, const FileAttributes& now, SeenEntries::Key& key) {
+bool TreeRemoval::isAsSeen(std::string_view name, const FileAttributes& now, SeenEntries::Key key) {
     if (m_seen == nullptr) return true;
-    key = m_seen->keyOf(m_levels.back().key, name, now.inode);
     switch (m_seen->verdictOn(key, SeenState::of(m_own.withoutOurs(now)))) {
         case SeenEntries::Verdict::AsSeen: return true;
         case SeenEntries::Verdict::Changed: fail(name, StayReason::Changed, changedSince); break;
@@ -127,12 +129,14 @@ void TreeRemoval::removeFile(const CatalogEntry& entry) {
 
 // The look comes right before the removal, one entry at a time: a look at many would leave a longer gap, and costs as much.
 void TreeRemoval::removeSeen(CatalogEntry& entry) {
+    SeenEntries::Key key = keyOf(entry.name, entry.inode);
+    m_seen->expect(key);  // comes in while the file system is asked
     m_files.readIdentities(here(), {&entry, 1});
     if (entry.error == ENOENT) return;
     if (entry.error != 0) return failWith(entry.name, entry.error);
     const FileAttributes& now = entry.attributes;
     if (now.type == FileType::Folder) return void(m_levels.back().folders.emplace_back(entry.name));
-    SeenEntries::Key key = 0;
+    if (now.inode != entry.inode) key = keyOf(entry.name, now.inode);  // layers list other numbers
     if (!isAsSeen(entry.name, now, key)) return;
     const bool isCounted = now.type != FileType::Regular || m_own.touched(now);
     const auto removal = m_own.removeName(m_files, here(), entry.name, now);

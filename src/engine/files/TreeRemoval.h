@@ -55,7 +55,8 @@ private:
     [[nodiscard]] int here() const { return m_levels.empty() ? m_parent : m_levels.back().folder.get(); }
     void enter(std::string name, const Level* former);
     void withoutEntering(const std::string& name, int error);
-    [[nodiscard]] bool isAsSeen(std::string_view name, const FileAttributes& now, SeenEntries::Key& key);
+    [[nodiscard]] SeenEntries::Key keyOf(std::string_view name, std::uint64_t inode) const;
+    [[nodiscard]] bool isAsSeen(std::string_view name, const FileAttributes& now, SeenEntries::Key key);
     void push(Level level);
     void removeFiles();
     void removeFile(const CatalogEntry& entry);

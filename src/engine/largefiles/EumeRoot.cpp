@@ -56,6 +56,7 @@ private:
     void receive(FoundChunk&& chunk);
     void ask();
     void takeTurn();
+    void emptyFirst();
     void takeAll();
     bool takeNext();
     void drop();
@@ -82,6 +83,7 @@ private:
     std::unique_ptr<TreeGrowth> m_growth;
     std::vector<FoundChunk> m_inHand;
     std::size_t m_next = 0;         // in m_inHand
+    bool m_isEmptied = false;       // of a scan anew: the folder is
     std::function<void()> m_grown;  // empty from a stop on
 };
 
@@ -135,6 +137,7 @@ void EumeRoot::Scan::ask() {
 
 void EumeRoot::Scan::takeTurn() {
     if (m_isEnded) return;
+    emptyFirst();
     const auto until = std::chrono::steady_clock::now() + turn;
     while (takeNext() && std::chrono::steady_clock::now() < until) {}
     m_growth->passUp();
@@ -149,6 +152,11 @@ void EumeRoot::Scan::takeTurn() {
         if (!m_isHome) return;
     }
     end();
+}
+
+// Not before there is something to take its place, so that the folder does not show nothing in between.
+void EumeRoot::Scan::emptyFirst() {
+    if (!m_isOfAll && !std::exchange(m_isEmptied, true)) m_growth->startAnew();
 }
 
 // Without a queue one of the walking threads takes in what all of them found, and none waits for it.
@@ -207,6 +215,7 @@ void EumeRoot::Scan::waitForEnd() {
         m_home.wait(lock, [this] { return m_isHome; });
     }
     if (m_isEnded) return;
+    emptyFirst();
     takeAll();
     end();
 }
@@ -226,7 +235,6 @@ void EumeRoot::eumeAllRootFileNodeWithRootArr(std::shared_ptr<FileNodeTree> root
 }
 
 void EumeRoot::scanAgain(std::shared_ptr<FileNodeTree> rootArr, FileNode& folder) {
-    rootArr->empty(folder);
     m_scan = std::make_shared<Scan>(m_parts, std::move(rootArr), folder);
     m_scan->start(folder.path());
 }

@@ -36,8 +36,8 @@ public:
     /// Starts the scan of the path into the tree, which is empty, and returns. Once for each object.
     void eumeAllRootFileNodeWithRootArr(std::shared_ptr<FileNodeTree> rootArr, const std::string& rootPath);
 
-    /// Empties one folder of the tree, and starts its scan into its place, with the sizes of the folders above kept true; and returns.
-    /// In place of the other scan.
+    /// Starts the scan of one folder of the tree anew, and returns. With the first that comes of it the folder loses what stood below it;
+    /// the sizes of the folders above stay true. For a queue, and in place of the other scan.
     void scanAgain(std::shared_ptr<FileNodeTree> rootArr, FileNode& folder);
 
     /// Percent of the entries directly in the chosen folder that are finished, 0 to 100; 0 when there are none. Any thread.

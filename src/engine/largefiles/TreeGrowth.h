@@ -21,6 +21,8 @@ public:
     TreeGrowth(const TreeGrowth&) = delete;
     TreeGrowth& operator=(const TreeGrowth&) = delete;
 
+    /// Takes out what stands below the start, before the first chunk.
+    void startAnew() { m_tree->empty(m_start); }
     /// Takes in a chunk, those that tell of its folder before it, and lets go of its folders.
     void take(const FoundChunk& chunk);
     /// Brings all sizes up to date. Before anybody looks at the tree, and before the object goes.
