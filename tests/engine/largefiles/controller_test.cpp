@@ -263,9 +263,9 @@ TEST_F(LargeFiles, WhatBelongsToTheSystemStaysThoughItWasTicked) {
         return text + std::to_string(page.ended->gone) + (isThere("/usr/own") || isThere("/free") ? " left" : " gone");
     });
     if (told.starts_with("skipped")) GTEST_SKIP() << told;
-    for (const char* line : {"//usr/src: part of the system\n", "//srv: part of the system\n",
-                             "//holds: a folder above one of the program's own files\n", "//proc: ",
-                             "to the trash: part of the system\n"})
+    for (const char* line :
+         {"//usr/src: part of the system\n", "//srv: part of the system\n",
+          "//holds: a folder above one of the program's own files\n", "//proc: ", "to the trash: part of the system\n"})
         EXPECT_THAT(told, HasSubstr(line));
     EXPECT_THAT(told, ::testing::EndsWith("\n2 gone"));
 }
