@@ -46,7 +46,7 @@ public:
         const bool isCovered = (!isUdevThere || shell("mkdir /mnt/udev && mount --bind /run/udev /mnt/udev")) &&
                                ::mount("ram", "/run", "tmpfs", 0, "mode=755") == 0 &&
                                shell("mkdir /run/dbus /run/udev") &&
-                               (!isUdevThere || shell("mount --move /mnt/udev /run/udev")) &&
+                               (!isUdevThere || shell("mount --move /mnt/udev /run/udev")) && hasStateFolder() &&
                                ::mount("ram", "/var/lib/udisks2", "tmpfs", 0, "mode=700") == 0;
         if (!isCovered) obstacle = std::string("no mounts: ") + std::strerror(errno);
         if (!obstacle.empty()) return;
@@ -68,6 +68,14 @@ public:
     std::string obstacle;
 
 private:
+    // The service makes it at its first start; where it never ran, a layer over the machine's own folder has it.
+    static bool hasStateFolder() {
+        return ::access("/var/lib/udisks2", F_OK) == 0 ||
+               shell(
+                   "mkdir /run/upper /run/work && mount -t overlay overlay "
+                   "-o lowerdir=/var/lib,upperdir=/run/upper,workdir=/run/work /var/lib && mkdir /var/lib/udisks2");
+    }
+
     std::vector<ServiceProcess> m_services;
 };
 

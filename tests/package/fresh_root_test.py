@@ -103,18 +103,48 @@ def remove(root):
     must((root.path / HOME / f".config/{ID}/kept by hand").is_file(), "the person's settings are still there")
 
 
+def is_same(one, other):
+    """A trigger of another package may write a file anew that then is what it was, as mailcap's does."""
+    if one.is_symlink() or other.is_symlink():
+        return one.is_symlink() and other.is_symlink() and os.readlink(one) == os.readlink(other)
+    if one.is_dir() or other.is_dir():
+        return one.is_dir() and other.is_dir()
+    if not one.is_file() or not other.is_file():
+        return False
+    looks = [(look.st_mode, look.st_uid, look.st_gid, look.st_size) for look in (one.stat(), other.stat())]
+    return looks[0] == looks[1] and one.read_bytes() == other.read_bytes()
+
+
 def left_in(upper, lower):
-    """What the layer holds beyond folders that were there before, and what it hides of what was there."""
+    """What the layer holds that was not there before or was another, and what it hides of what was there."""
     left = []
     for path in upper.rglob("*"):
         name = path.relative_to(upper).as_posix()
-        was_there = path.is_dir() and not path.is_symlink() and (lower / name).is_dir()
-        if not was_there and not KEPT.fullmatch(name) and not HOME.startswith(name + "/"):
+        if not is_same(path, lower / name) and not KEPT.fullmatch(name) and not HOME.startswith(name + "/"):
             left.append(name)
     return sorted(left)
 
 
+def prove_left_in():
+    """That it finds each kind of thing, before it is trusted to find nothing."""
+    with tempfile.TemporaryDirectory() as place:
+        upper, lower = Path(place, "upper"), Path(place, "lower")
+        for side, text in ((upper, "new"), (lower, "old")):
+            (side / "etc").mkdir(parents=True)
+            (side / "etc/changed").write_text(text)
+            for name in ("etc/same", "etc/mode"):
+                (side / name).write_text("one text")
+            (side / "etc/link").symlink_to(text)
+            (side / "etc/kept link").symlink_to("somewhere")
+        (upper / "etc/mode").chmod(0o600)
+        (upper / "etc/added").mkdir()
+        os.mkfifo(upper / "etc/pipe")
+        expected = [f"etc/{name}" for name in ("added", "changed", "link", "mode", "pipe")]
+        must(left_in(upper, lower) == expected, "what is left is told by content, mode and kind")
+
+
 def overlay():
+    prove_left_in()
     lower = Path("/")
     # The layer lives in memory below a folder that the root itself hides then.
     layer = Path(os.environ[INSIDE])
