@@ -3,6 +3,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "engine/base/Log.h"
 #include "engine/text/UtilityFunction.h"
 
@@ -44,6 +46,9 @@ void VolumesInfo::enumVolumesInfo() {
         status = m_platform.FSGetVolumeInfo(index, volume);
         if (status == noErr && volume.info.totalBytes != 0) status = addVolume(volume);
     }
+    std::erase_if(m_withoutDevice, [this](const std::string& path) {  // what comes back is told again
+        return std::ranges::none_of(m_volsArray, [&](const auto& volume) { return volume->volRootDir == path; });
+    });
 }
 
 std::int32_t VolumesInfo::addVolume(const IndexedVolume& volume) {
@@ -54,6 +59,7 @@ std::int32_t VolumesInfo::addVolume(const IndexedVolume& volume) {
         Log::line(fmt::format("FSGetVolumeParms failed returned {}", status));  // the log ends the line
         return status;
     }
+    m_inHand = record->volRootDir;
     record->bCanEject = getVolEjectFlag(buffer, record->volRootDir);
     record->volType = getVolumeType(buffer);
     if (record->volType == OpticalVolume) record->bCanEject = true;  // a drive gives a disc back, whatever it reports
@@ -95,7 +101,8 @@ bool VolumesInfo::volCDorDVD(const char* bsdName) {
     m_bVolIsCDorDVD = false;
     const auto matching = m_platform.IOBSDNameMatching(bsdName);
     if (!matching) {
-        Log::line("IOBSDNameMatching returned a NULL dictionary.");
+        // Once a volume and not once a walk, of which there is one every two seconds.
+        if (m_withoutDevice.insert(m_inHand).second) Log::line("IOBSDNameMatching returned a NULL dictionary.");
         return false;
     }
     const RegistryEntryRef service = m_platform.IOServiceGetMatchingService(*matching);

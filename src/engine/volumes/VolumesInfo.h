@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -13,7 +14,7 @@
 
 namespace orrinvale {
 
-/// Every answer is made afresh; nothing is kept from one walk to the next but the array itself. One object belongs to one
+/// Every answer is made afresh; nothing is kept from one walk to the next but the array itself, and what the log has been told. One object belongs to one
 /// thread. A walk waits for the platform.
 class VolumesInfo final {
 public:
@@ -63,7 +64,9 @@ private:
 
     Volumes& m_platform;
     VolumeArray m_volsArray;
-    bool m_bVolIsCDorDVD = false;  // what the climb found for the volume that is being classified
+    std::string m_inHand;                   // root path of the volume that is being classified
+    std::set<std::string> m_withoutDevice;  // root paths of volumes whose device has no name, which was logged
+    bool m_bVolIsCDorDVD = false;           // what the climb found for the volume that is being classified
 };
 
 }  // namespace orrinvale

@@ -124,6 +124,21 @@ TEST(VolumesInfo, FailuresLeaveOutOneVolumeAndOnlyTheEndEndsTheWalk) {
     EXPECT_EQ(platform.askedIndexes, (std::vector<std::uint32_t>{1, 2, 3, 4}));
 }
 
+TEST(VolumesInfo, AVolumeWithoutADeviceIsLoggedOnceWhileItStands) {
+    FakeVolumes platform;
+    platform.volumes = {volume(1, "/x", 1000, {3, 0, removable, ""}), volume(2, "/y", 1000, {3, 0, removable, ""})};
+    testing::LogLines log;
+    VolumesInfo info(platform);
+    EXPECT_EQ(info.getAllVolsInfo().size(), 2U);
+    EXPECT_EQ(log.lines.size(), 2U);
+    const auto standing = platform.volumes;
+    platform.volumes.pop_back();
+    info.getAllVolsInfo();
+    platform.volumes = standing;
+    info.getAllVolsInfo();
+    EXPECT_EQ(log.lines.size(), 3U) << "it went and came back";
+}
+
 TEST(VolumesInfo, EachFailureOfTheDiscTestIsLoggedAndCountsAsNo) {
     const struct {
         const char* device;
