@@ -26,12 +26,15 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
 endif()
 target_link_options(orrinvale_options INTERFACE -Wl,-z,relro,-z,now -Wl,-z,noexecstack -Wl,--as-needed)
 
+# A program that runs while building runs plain: what a sanitizer says of the toolkit in it would end the build. It links no library
+# of ours and has the property ORRINVALE_PLAIN.
 if(ORRINVALE_SANITIZE)
+  set(sanitized $<NOT:$<BOOL:$<TARGET_PROPERTY:ORRINVALE_PLAIN>>>)
   target_compile_options(orrinvale_options INTERFACE
-    -fsanitize=${ORRINVALE_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all
+    "$<${sanitized}:-fsanitize=${ORRINVALE_SANITIZE};-fno-omit-frame-pointer;-fno-sanitize-recover=all>"
     # GCC 12 sees its own instrumentation as uses of what was never set.
     $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
-  target_link_options(orrinvale_options INTERFACE -fsanitize=${ORRINVALE_SANITIZE})
+  target_link_options(orrinvale_options INTERFACE "$<${sanitized}:-fsanitize=${ORRINVALE_SANITIZE}>")
 elseif(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
   target_compile_definitions(orrinvale_options INTERFACE _FORTIFY_SOURCE=2)
 endif()
@@ -50,6 +53,7 @@ set(orrinvale_headers_std <algorithm> <array> <atomic> <cerrno> <chrono> <cstdin
   <optional> <set> <span> <string> <string_view> <thread> <unordered_map> <utility> <vector> <fmt/format.h> <tl/expected.hpp>)
 set(orrinvale_headers_qt <QAbstractItemModel> <QAbstractItemView> <QApplication> <QCoreApplication> <QIcon> <QKeyEvent> <QLabel>
   <QLocale> <QObject> <QPainter> <QPointer> <QString> <QStringList> <QTimer> <QTreeView> <QVBoxLayout> <QWidget>)
+set(orrinvale_headers_core <QCoreApplication> <QObject> <QString> <QTimer>)
 set(orrinvale_headers_test <gtest/gtest.h> <gmock/gmock.h>)
 function(orrinvale_precompile target)
   foreach(name IN LISTS ARGN)

@@ -74,7 +74,13 @@ private:
         else m_out.request = {StartRequest::Kind::Action, std::string(name), {}};
     }
 
+    // "fr" wants a size behind it. Alone it asks for nothing, unless it names a folder.
+    [[nodiscard]] bool isLoneMemoryRun(std::string_view given) const {
+        return given == "fr" && m_next == m_end && !m_files.resolved(std::string(given));
+    }
+
     void takeFolder(std::string_view given) {
+        if (isLoneMemoryRun(given)) return;
         const std::string path = pathOfFileUrl(given).value_or(std::string(given));
         if (m_out.request.kind != StartRequest::Kind::Activate) {
             m_out.fault = "more than one thing is asked for";

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "app/Desktop.h"
 #include "app/ProgramArguments.h"
 #include "engine/base/Log.h"
 #include "engine/base/NotificationCenter.h"
@@ -24,6 +25,7 @@
 #include "platform/linux/LinuxPermissions.h"
 #include "platform/linux/LinuxSystem.h"
 #include "platform/linux/LinuxVolumes.h"
+#include "platform/standardStreams.h"
 #include "services/foundation/QtMainQueue.h"
 #include "services/lifecycle/EndSignals.h"
 #include "services/lifecycle/StartService.h"
@@ -55,6 +57,7 @@ bool hasDisplay() {
 
 // What the whole program shares. Never freed: a search or a removal may still be at its last file when the process ends.
 struct Shared {
+    Desktop desktop;
     LinuxFileSystem files;
     LinuxPermissions permissions;
     LinuxVolumes volumes;
@@ -196,6 +199,7 @@ int start(int argc, char** argv) {
 }  // namespace orrinvale
 
 int main(int argc, char** argv) {
+    orrinvale::fillStandardStreams();
     static const orrinvale::LinuxSystem system;
     orrinvale::UtilityFunction::getMyFunction().setSystem(&system);
     if (orrinvale::UtilityFunction::isBelow1050SystemVer()) return 0;

@@ -2,10 +2,14 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <functional>
 #include <string>
 
 #include "cli/ProgramRun.h"
+#include "support/TestTree.h"
 
 namespace orrinvale::testing {
 namespace {
@@ -37,14 +41,75 @@ TEST(App, APairOfTheWordAndASizeTouchesMemoryAndEnds) {
 }
 
 TEST(App, AnythingElseNeedsADisplay) {
-    for (const std::vector<std::string>& arguments :
-         {std::vector<std::string>{}, {"fr"}, {"x", "fr"}, {"FR", "4096"}}) {
-        const auto result = runApp(arguments);
-        EXPECT_EQ(result.status, 2) << ::testing::PrintToString(arguments);
+    const std::string noDisplay = "orrinvale: there is no display here; use orrinvale-cli\n";
+    const struct {
+        std::vector<std::string> arguments;
+        std::string says;
+    } cases[] = {{{}, noDisplay},
+                 {{"fr"}, noDisplay},
+                 {{"--action", "duplicates", "fr"}, noDisplay},
+                 {{"x", "fr"}, "orrinvale: x: No such file or directory\n"},
+                 {{"fr", "fr"}, "freeMemoy size=fr\n"},
+                 {{"FR", "4096"}, "orrinvale: FR: No such file or directory\n"}};
+    for (const auto& each : cases) {
+        const auto result = runApp(each.arguments);
+        EXPECT_EQ(result.status, each.says.starts_with("free") ? 0 : 2) << ::testing::PrintToString(each.arguments);
         EXPECT_EQ(result.output, "");
-        EXPECT_EQ(std::count(result.error.begin(), result.error.end(), '\n'), 1) << result.error;
-        EXPECT_TRUE(result.error.ends_with('\n')) << result.error;
+        EXPECT_EQ(result.error, each.says);
     }
+}
+
+// The program without a display, on a folder of its own, with settings that it has to say something about.
+struct OffscreenRun {
+    OffscreenRun() {
+        run.program = ORRINVALE_APP_PATH;
+        run.environment = {"QT_QPA_PLATFORM=offscreen", "HOME=" + tree.path(), "XDG_RUNTIME_DIR=" + tree.at("run"),
+                           "XDG_CONFIG_HOME=" + tree.at("config"), "ORRINVALE_LOG=1"};
+        run.folder = tree.path();
+        tree.folder("run");
+        tree.setMode("run", 0700);
+        tree.write(settings, "[Orrinvale]\nread at start\n");
+    }
+    [[nodiscard]] bool isKept(const char* number) const {
+        return ::access(tree.at(settings + number).c_str(), F_OK) == 0;
+    }
+    /// The signal goes out when the program has looked at its settings a second time, or after 20 seconds.
+    ProgramRun::Result runUntilChangeIsHeard(int signal) {
+        const auto start = std::chrono::steady_clock::now();
+        bool isChanged = false;
+        run.signals = {{signal, [=, this](const std::string&) mutable {
+                            if (!isChanged && isKept(".bad"))
+                                isChanged = tree.write(settings, "[Orrinvale]\nchanged since\n");
+                            return isKept(".bad.2") ||
+                                   std::chrono::steady_clock::now() - start > std::chrono::seconds(20);
+                        }}};
+        return run.run();
+    }
+    TestTree tree;
+    const std::string settings = "config/com.kelpford.Orrinvale/settings.ini";
+    ProgramRun run;
+};
+
+// Nobody but its keeper looks at the settings once they have been read.
+TEST(App, KeepsUpWithItsSettingsFile) {
+    OffscreenRun app;
+    const auto result = app.runUntilChangeIsHeard(SIGTERM);
+    EXPECT_EQ(result.signal, SIGTERM) << result.error;
+    EXPECT_NE(result.error.find("line 2 can not be read"), std::string::npos) << result.error;
+    EXPECT_EQ(contentOf(app.tree.at(app.settings + ".bad.2")), "[Orrinvale]\nchanged since\n");
+}
+
+// Otherwise the first file that it opens gets the number of standard error, and the log is written into it.
+TEST(App, ClosedStreamsAreNoFilesOfIts) {
+    OffscreenRun app;
+    app.run.program = "/bin/sh";
+    app.run.arguments = {"-c", "exec \"$0\" <&- 2>&-", ORRINVALE_APP_PATH};
+    EXPECT_EQ(app.runUntilChangeIsHeard(SIGKILL).signal, SIGKILL);
+    std::string written;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(app.tree.at("run")))
+        if (entry.is_regular_file()) written += contentOf(entry.path());
+    EXPECT_NE(written, "") << "the lock holds the number of the process";
+    EXPECT_EQ(written.find_first_not_of("0123456789\n"), std::string::npos) << written;
 }
 
 TEST(App, NoMemoryIsStatusOne) {

@@ -56,8 +56,9 @@ void TCImageWindow::makeFrame() {
     miniaturizeButton->setAction([this] { miniaturize(); });
     zoomButton->setAction([this] { zoom(); });
     m_titleBar->setDoubleClickAction([this] {
-        if (m_doubleClick == DoubleClick::Zoom) zoom();
-        else if (m_doubleClick == DoubleClick::Miniaturize) miniaturize();
+        const DoubleClick action = m_doubleClick.value_or(Theme::shared().desktopDoubleClick());
+        if (action == DoubleClick::Zoom) zoom();
+        else if (action == DoubleClick::Miniaturize) miniaturize();
     });
     for (WindowCorner*& corner : m_corners) corner = new WindowCorner(this);
     constexpr std::array<Qt::Edges, 8> edges{Qt::LeftEdge,

@@ -15,6 +15,7 @@
 #include "ui/kit/chrome/WindowDrag.h"
 #include "ui/kit/chrome/desktopFrame.h"
 #include "ui/kit/dialogs/SheetHost.h"
+#include "ui/kit/look/Theme.h"
 
 namespace orrinvale {
 
@@ -29,7 +30,7 @@ class WindowCorner;
 class TCImageWindow final : public QWidget, public SheetHost {
     Q_OBJECT
 public:
-    enum class DoubleClick { Zoom, Miniaturize, Nothing };
+    using DoubleClick = TitleDoubleClick;
 
     explicit TCImageWindow(QWidget* parent = nullptr);
 
@@ -39,7 +40,7 @@ public:
     void setTopButtonShift(int shift);
     void setLeftMargin(int margin);
     void setHeaderImage(const QString& name);
-    /// What a double click on the title bar does, by the desktop's setting "AppleMiniaturizeOnDoubleClick" for instance.
+    /// What a double click on the title bar does in this window, in place of what the desktop's setting says.
     void setDoubleClickAction(DoubleClick action) { m_doubleClick = action; }
 
     /// The area below the title bar. The window takes the view over, and deletes the one before.
@@ -113,7 +114,7 @@ private:
     std::array<ResizeGrip*, 8> m_grips{};
     std::array<WindowCorner*, 4> m_corners{};
     int m_titleBarHeight = 36;
-    DoubleClick m_doubleClick = DoubleClick::Zoom;
+    std::optional<DoubleClick> m_doubleClick;
     QSize m_minSize;
     QSize m_maxSize{QWIDGETSIZE_MAX, QWIDGETSIZE_MAX};
     std::optional<QRect> m_frameBeforeZoom;

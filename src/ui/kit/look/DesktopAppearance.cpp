@@ -1,4 +1,4 @@
-// Two settings of the desktop's settings service. Theme.cpp decides what the answers count for.
+// Three settings of the desktop's settings service. Theme.cpp decides what the answers count for.
 #include "ui/kit/look/DesktopAppearance.h"
 
 #include <QDBusPendingCallWatcher>
@@ -16,6 +16,8 @@ struct Names {
     // The group of a setting and its key.
     QStringList scheme{QStringLiteral("org.freedesktop.appearance"), QStringLiteral("color-scheme")};
     QStringList animations{QStringLiteral("org.gnome.desktop.interface"), QStringLiteral("enable-animations")};
+    QStringList doubleClick{QStringLiteral("org.gnome.desktop.wm.preferences"),
+                            QStringLiteral("action-double-click-titlebar")};
 };
 
 const Names& names() {
@@ -51,6 +53,7 @@ DesktopAppearance::DesktopAppearance(const QDBusConnection& bus, QObject* parent
     else if (QDBusError(reply).type() == QDBusError::NoReply) takeLater(bus, question, &DesktopAppearance::takeScheme);
     else return;  // there is no such service
     takeLater(bus, questionFor(names().animations), &DesktopAppearance::takeAnimations);
+    takeLater(bus, questionFor(names().doubleClick), &DesktopAppearance::takeTitleDoubleClick);
 }
 
 void DesktopAppearance::takeLater(const QDBusConnection& bus, const QDBusMessage& question, Taker taker) {
@@ -68,6 +71,7 @@ void DesktopAppearance::settingChanged(const QDBusMessage& message) {
     const QStringList setting{arguments[0].toString(), arguments[1].toString()};
     if (setting == names().scheme) takeScheme(arguments[2]);
     if (setting == names().animations) takeAnimations(arguments[2]);
+    if (setting == names().doubleClick) takeTitleDoubleClick(arguments[2]);
 }
 
 void DesktopAppearance::takeScheme(const QVariant& value) {
@@ -82,6 +86,13 @@ void DesktopAppearance::takeScheme(const QVariant& value) {
 
 void DesktopAppearance::takeAnimations(const QVariant& value) {
     if (const QVariant plain = unwrapped(value); plain.userType() == QMetaType::Bool) m_animates = plain.toBool();
+}
+
+void DesktopAppearance::takeTitleDoubleClick(const QVariant& value) {
+    const QString action = unwrapped(value).toString();
+    m_titleDoubleClick = TitleDoubleClick::Zoom;
+    if (action == QLatin1String("minimize")) m_titleDoubleClick = TitleDoubleClick::Miniaturize;
+    if (action == QLatin1String("none")) m_titleDoubleClick = TitleDoubleClick::Nothing;
 }
 
 }  // namespace orrinvale

@@ -113,6 +113,10 @@ Theme::Scheme Theme::desktopScheme() {
 
 bool Theme::desktopAnimates() const { return !m_appearance || m_appearance->animates(); }
 
+TitleDoubleClick Theme::desktopDoubleClick() const {
+    return m_appearance ? m_appearance->titleDoubleClick() : TitleDoubleClick::Zoom;
+}
+
 void Theme::setScheme(Scheme scheme) {
     if (scheme == m_scheme) return;
     m_scheme = scheme;

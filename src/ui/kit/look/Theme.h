@@ -13,6 +13,9 @@ namespace orrinvale {
 
 class DesktopAppearance;
 
+/// What a double click on a title bar does to the window.
+enum class TitleDoubleClick { Zoom, Miniaturize, Nothing };
+
 /// Main thread only. One instance a process; changed() tells windows to draw anew.
 class Theme final : public QObject {
     Q_OBJECT
@@ -70,6 +73,9 @@ public:
 
     /// False where the desktop's settings service asks for no animations; mayAnimate() of motion.h asks others too.
     [[nodiscard]] bool desktopAnimates() const;
+
+    /// The desktop's own setting, known elsewhere as "AppleMiniaturizeOnDoubleClick"; Zoom where it has none.
+    [[nodiscard]] TitleDoubleClick desktopDoubleClick() const;
 
     [[nodiscard]] QColor color(Color role) const { return color(role, m_scheme); }
     [[nodiscard]] static QColor color(Color role, Scheme scheme);

@@ -52,9 +52,13 @@ protected:
         addMethod("Move", "b", "",
                   "self.EmitSignal('org.freedesktop.portal.Settings', 'SettingChanged', 'ssv', "
                   "['org.gnome.desktop.interface', 'enable-animations', args[0]])");
+        addMethod("Press", "s", "",
+                  "self.EmitSignal('org.freedesktop.portal.Settings', 'SettingChanged', 'ssv', "
+                  "['org.gnome.desktop.wm.preferences', 'action-double-click-titlebar', args[0]])");
         return true;
     }
     void turn(const char* key) { call(m_interface, "Turn", {QString::fromLatin1(key)}); }
+    void setDoubleClick(const char* action) { call(m_interface, "Press", {QString::fromLatin1(action)}); }
     void setAnimations(bool on) { call(m_interface, "Move", {on}); }
 
     std::unique_ptr<QDBusConnection> m_bus;
@@ -94,6 +98,22 @@ TEST_F(DesktopAppearanceTest, AsksOnceAndFollows) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return !appearance.animates(); }));
     setAnimations(true);
     EXPECT_TRUE(QTest::qWaitFor([&] { return appearance.animates(); }));
+}
+
+TEST_F(DesktopAppearanceTest, KnowsWhatADoubleClickOnATitleBarDoes) {
+    if (!startService("ret = dbus.UInt32(1, variant_level=1) if args[1] == 'color-scheme' else "
+                      "dbus.String('minimize', variant_level=1) if args[1] == 'action-double-click-titlebar' and "
+                      "args[0] == 'org.gnome.desktop.wm.preferences' else dbus.Boolean(True, variant_level=1)"))
+        GTEST_SKIP() << "no python3-dbusmock here";
+    const DesktopAppearance appearance(*m_bus, nullptr);
+    const auto comes = [&](TitleDoubleClick action) {
+        return QTest::qWaitFor([&] { return appearance.titleDoubleClick() == action; });
+    };
+    EXPECT_TRUE(comes(TitleDoubleClick::Miniaturize));
+    setDoubleClick("toggle-maximize-horizontally");
+    EXPECT_TRUE(comes(TitleDoubleClick::Zoom));
+    setDoubleClick("none");
+    EXPECT_TRUE(comes(TitleDoubleClick::Nothing));
 }
 
 TEST_F(DesktopAppearanceTest, ASlowServiceHoldsUpNothingAndIsHeardLater) {
