@@ -4,11 +4,11 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <charconv>
 #include <cstdlib>
 #include <memory>
 
 #include "cli/Output.h"
+#include "cli/SearchWatch.h"
 #include "engine/files/FolderNode.h"
 
 namespace orrinvale::cli {
@@ -18,7 +18,7 @@ std::vector<StatusMeaning> statusMeanings() {
         {Status::Done, "Done."},
         {Status::SomeSkipped,
          "Done, but some entries could not be read; each is named on standard error and listed as skipped. Or the one "
-         "thing that was asked for failed; standard error says why."},
+         "thing that was asked for failed, or memory ran out; standard error says why."},
         {Status::BadUsage, "The command line is wrong."},
         {Status::NoSuchFolder, "What was named does not exist, or can not be used; nothing was printed."},
         {Status::Stopped, "Stopped by a signal; what was found until then was printed."}};
@@ -26,7 +26,7 @@ std::vector<StatusMeaning> statusMeanings() {
 
 std::vector<OptionSpec> commonOptions() {
     return {{"--json", "", "Print one JSON document"},
-            {"-0,--print0", "", "Print exact path bytes, each path ended by a NUL byte"},
+            {"-0,--print0", "", "Print exact path bytes, each path ended by a NUL byte; not with --json"},
             {"--quiet", "", "No progress and no messages about single entries"},
             {"--log", "", "Send the log of the engine to standard error"}};
 }
@@ -45,12 +45,16 @@ void complainOfEach(const std::vector<Error>& skipped) {
     for (const Error& entry : skipped) complain(fmt::format("{}: {}", entry.path, entry.reason()));
 }
 
-Status finish(Output& out, const std::vector<Error>& skipped, bool stopped) {
+Status finish(Output& out, const std::vector<Error>& skipped, Ending ending) {
     if (!out.flush()) {
         complain("the result could not be written");
         return Status::SomeSkipped;
     }
-    if (stopped) return Status::Stopped;
+    if (ending == Ending::Signalled) return Status::Stopped;
+    if (ending == Ending::OutOfMemory) {
+        complain("there was not enough memory to go on; what was found until then was printed");
+        return Status::SomeSkipped;
+    }
     return skipped.empty() ? Status::Done : Status::SomeSkipped;
 }
 
@@ -62,13 +66,6 @@ std::string folderFault(const FileSystem& files, const std::string& path) {
 Status noSuchFolder(const std::string& path, const std::string& reason) {
     complain(fmt::format("{}: {}", path, reason));
     return Status::NoSuchFolder;
-}
-
-std::optional<std::uint64_t> parseBytes(std::string_view text) {
-    std::uint64_t value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc{} || end != text.data() + text.size() || text.empty()) return std::nullopt;
-    return value;
 }
 
 std::string absolutePath(const std::string& path) {

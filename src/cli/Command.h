@@ -15,6 +15,7 @@
 namespace orrinvale::cli {
 
 class Output;
+enum class Ending : std::uint8_t;
 
 /// The exit statuses that all commands share.
 enum class Status : int { Done = 0, SomeSkipped = 1, BadUsage = 2, NoSuchFolder = 3, Stopped = 130 };
@@ -33,7 +34,7 @@ struct OptionSpec {
     std::string_view
         names;  ///< "--json", "-0,--print0"; a bare name such as "FOLDER" is an argument that must be given, one
                 ///< such as "PATH..." an argument that must be given and may be repeated
-    std::string_view argument;  ///< what the option takes ("BYTES"); empty for a flag
+    std::string_view argument;  ///< what the option takes ("SIZE"); empty for a flag
     std::string_view help;
 };
 
@@ -81,17 +82,14 @@ Status badUsage(std::string_view message);
 /// One complaint for each entry that a run left out.
 void complainOfEach(const std::vector<Error>& skipped);
 
-/// Flushes the output and gives the exit status of a run that left this out, or was stopped.
-[[nodiscard]] Status finish(Output& out, const std::vector<Error>& skipped, bool stopped);
+/// Flushes the output and gives the exit status of a run that left this out and ended so. Tells it where memory was what ended it.
+[[nodiscard]] Status finish(Output& out, const std::vector<Error>& skipped, Ending ending);
 
 /// Why the folder can not be listed at all; empty when it can.
 [[nodiscard]] std::string folderFault(const FileSystem& files, const std::string& path);
 
 /// Complains of it.
 Status noSuchFolder(const std::string& path, const std::string& reason);
-
-/// A number of bytes in decimal digits and nothing else.
-[[nodiscard]] std::optional<std::uint64_t> parseBytes(std::string_view text);
 
 /// The path as an absolute one without "." and doubled slashes; ".." is resolved by the file system. Hidden parts are judged by
 /// whole paths, so that "." must not count as a hidden name.

@@ -7,6 +7,7 @@
 #include "cli/DuplicatesReport.h"
 #include "cli/Output.h"
 #include "cli/SearchWatch.h"
+#include "cli/SizeText.h"
 #include "engine/duplicates/DuplicateFilesOpt.h"
 #include "engine/text/UtilityFunction.h"
 
@@ -25,13 +26,13 @@ std::string progressLine(DuplicateFilesOpt& search) {
 std::vector<OptionSpec> DuplicatesCommand::options() const {
     return {{"--hidden", "", "Search entries whose names begin with a dot too"},
             {"--system", "", "Search the system's folders in / too"},
-            {"--limit", "BYTES", "Look at files larger than that only (default 0)"},
+            {"--limit", "SIZE", "Look at files larger than that only (default 0)"},
             {"FOLDER", "", "The folder to search"}};
 }
 
 Status DuplicatesCommand::run(const Arguments& arguments) {
-    const auto limit = arguments.has("limit") ? parseBytes(arguments.text("limit")) : 0;
-    if (!limit) return badUsage(fmt::format("--limit takes a number of bytes, not \"{}\"", arguments.text("limit")));
+    const auto limit = arguments.has("limit") ? parseSize(arguments.text("limit")) : 0;
+    if (!limit) return badUsage(fmt::format("--limit takes {}, not \"{}\"", sizeForms, arguments.text("limit")));
     if (arguments.text("FOLDER").empty()) return badUsage("the folder's name is empty");
     const std::string root = absolutePath(arguments.text("FOLDER"));
     const std::string fault = folderFault(m_files, root);
@@ -40,14 +41,12 @@ Status DuplicatesCommand::run(const Arguments& arguments) {
     DuplicateFilesOpt search(m_files);
     const SearchOption option{arguments.has("hidden"), arguments.has("system")};
     search.setSearchOption(&option);
-    bool stopped = false;
-    {
-        std::function<std::string()> progress;
-        if (!arguments.has("quiet") && isTerminal(STDERR_FILENO)) progress = [&search] { return progressLine(search); };
-        const SearchWatch watch([&search] { search.stopSearch(); }, progress);
+    const Ending ending = [&] {
+        const SearchWatch watch([&search] { search.stopSearch(); }, [&search] { return progressLine(search); },
+                                tellingFor(arguments));
         search.beginSearchAtPath(root, *limit);
-        stopped = watch.wasSignalled();
-    }
+        return watch.ending();
+    }();
     const auto state = search.search();
     if (state->rootError()) return noSuchFolder(root, state->rootError()->reason());
 
@@ -62,10 +61,10 @@ Status DuplicatesCommand::run(const Arguments& arguments) {
 
     Output out(STDOUT_FILENO);
     const DuplicatesSummary summary = summarize(search);
-    if (arguments.has("json")) printJson(out, root, search, summary, skipped, stopped);
+    if (arguments.has("json")) printJson(out, root, search, summary, skipped, ending != Ending::Whole);
     else if (arguments.has("print0")) printPaths(out, search);
     else printListing(out, search, summary, wantsColour(STDOUT_FILENO));
-    return finish(out, skipped, stopped);
+    return finish(out, skipped, ending);
 }
 
 }  // namespace orrinvale::cli

@@ -40,14 +40,12 @@ Records recordsNamed(const Records& all, const std::string& given) {
 
 struct Ejected {
     std::optional<EjectFailure> failure;
-    bool stopped = false;
+    Ending ending{};
 };
 
-Ejected eject(Volumes& platform, const ZvVolumeInfo& volume, bool showProgress) {
-    std::function<std::string()> progress;
-    if (showProgress) progress = [text = "Ejecting " + printable(volume.volumeName)] { return text; };
+Ejected eject(Volumes& platform, const ZvVolumeInfo& volume, Telling telling) {
     // An ejection that has begun can not be taken back, so a first signal is only told; the next one ends the program.
-    const SearchWatch watch([] {}, progress);
+    const SearchWatch watch([] {}, [text = "Ejecting " + printable(volume.volumeName)] { return text; }, telling);
     VolumesManager manager(platform, {});
     Ejected out;
     if (!manager.ejectSingleVolume(volume.volRefNumber)) {
@@ -55,7 +53,7 @@ Ejected eject(Volumes& platform, const ZvVolumeInfo& volume, bool showProgress) 
         out.failure->volumeName = volume.volumeName;  // nobody else knows it once the volume is gone
         out.failure->volRootDir = volume.volRootDir;
     }
-    out.stopped = watch.wasSignalled();
+    out.ending = watch.ending();
     return out;
 }
 
@@ -80,7 +78,7 @@ void printJson(Output& out, const ZvVolumeInfo& volume, const Ejected& ejected) 
     if (ejected.failure) appendJsonText(text, ejected.failure->dissent.reason);
     else text += "null";
     text += fmt::format(", \"holders\": [{}], \"stopped\": {}}}\n",
-                        ejected.failure ? holdersOf(ejected.failure->dissent) : "", ejected.stopped);
+                        ejected.failure ? holdersOf(ejected.failure->dissent) : "", ejected.ending != Ending::Whole);
     out.write(text);
 }
 
@@ -91,7 +89,7 @@ Status print(const Arguments& arguments, const ZvVolumeInfo& volume, const Eject
     else if (!ejected.failure && arguments.has("print0")) out.write(volume.volRootDir + '\0');
     else if (!ejected.failure)
         out.write(fmt::format("Ejected {} from {}\n", printable(volume.volumeName), printable(volume.volRootDir)));
-    const Status status = finish(out, {}, ejected.stopped);
+    const Status status = finish(out, {}, ejected.ending);
     return status == Status::Done && ejected.failure ? Status::SomeSkipped : status;
 }
 
@@ -125,12 +123,10 @@ Status EjectCommand::run(const Arguments& arguments) {
         return badUsage("several volumes bear this name, give a path");
     }
     const ZvVolumeInfo& volume = *found.front();
-    if (volume.bCanEject)
-        return print(arguments, volume,
-                     eject(m_platform, volume, !arguments.has("quiet") && isTerminal(STDERR_FILENO)));
+    if (volume.bCanEject) return print(arguments, volume, eject(m_platform, volume, tellingFor(arguments)));
     const EjectFailure refusal{
         volume.volRefNumber, volume.volumeName, volume.volRootDir, ioErr, {"It is fixed in this machine", {}}};
-    return print(arguments, volume, {refusal, false});
+    return print(arguments, volume, {refusal, Ending::Whole});
 }
 
 }  // namespace orrinvale::cli

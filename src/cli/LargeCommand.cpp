@@ -4,9 +4,12 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <cerrno>
+
 #include "cli/LargeReport.h"
 #include "cli/Output.h"
 #include "cli/SearchWatch.h"
+#include "cli/SizeText.h"
 #include "engine/largefiles/EumeRoot.h"
 
 namespace orrinvale::cli {
@@ -16,15 +19,19 @@ std::string progressLine(const EumeRoot& scan) {
     return fmt::format("{:3.0f} %  {} entries", scan.getProgress(), scan.foundCount());
 }
 
-// True when it was ended by a signal.
-bool runScan(EumeRoot& scan, std::shared_ptr<FileNodeTree> tree, bool showProgress) {
-    std::function<std::string()> progress;
-    if (showProgress) progress = [&scan] { return progressLine(scan); };
+// The folder can not be read, or there was not even a thread to be had for reading it.
+Status notScanned(const Error& error) {
+    if (error.number != EAGAIN) return noSuchFolder(error.path, error.reason());
+    complain("there is not enough memory for this");
+    return Status::SomeSkipped;
+}
+
+Ending runScan(EumeRoot& scan, std::shared_ptr<FileNodeTree> tree, Telling telling) {
     const std::string root = tree->rootPath();
     scan.eumeAllRootFileNodeWithRootArr(std::move(tree), root);
-    const SearchWatch watch([&scan] { scan.stopScan(); }, progress);
+    const SearchWatch watch([&scan] { scan.stopScan(); }, [&scan] { return progressLine(scan); }, telling);
     scan.waitForEnd();
-    return watch.wasSignalled();
+    return watch.ending();
 }
 
 }  // namespace
@@ -39,7 +46,7 @@ Status LargeCommand::run(const Arguments& arguments) {
     LargeExtent extent;
     for (const auto& [option, value] : {std::pair{"depth", &extent.depth}, std::pair{"top", &extent.top}}) {
         if (!arguments.has(option)) continue;
-        const auto number = parseBytes(arguments.text(option));
+        const auto number = parseNumber(arguments.text(option));
         if (!number) return badUsage(fmt::format("--{} takes a number, not \"{}\"", option, arguments.text(option)));
         *value = *number;
     }
@@ -51,17 +58,16 @@ Status LargeCommand::run(const Arguments& arguments) {
     const bool quiet = arguments.has("quiet");
     const auto tree = std::make_shared<FileNodeTree>(root);
     EumeRoot scan({.files = &m_files, .mainQueue = nullptr, .grown = {}});
-    const bool stopped = runScan(scan, tree, !quiet && isTerminal(STDERR_FILENO));
+    const Ending ending = runScan(scan, tree, tellingFor(arguments));
     const std::vector<Error> skipped = scan.skipped();
-    if (tree->nodeCount() == 0 && !skipped.empty() && skipped.front().path == root)
-        return noSuchFolder(root, skipped.front().reason());
+    if (tree->nodeCount() == 0 && !skipped.empty() && skipped.front().path == root) return notScanned(skipped.front());
     if (!quiet) complainOfEach(skipped);
 
     Output out(STDOUT_FILENO);
-    if (arguments.has("json")) printJson(out, *tree, extent, skipped, stopped);
+    if (arguments.has("json")) printJson(out, *tree, extent, skipped, ending != Ending::Whole);
     else if (arguments.has("print0")) printPaths(out, *tree, extent);
     else printListing(out, *tree, extent, wantsColour(STDOUT_FILENO));
-    return finish(out, skipped, stopped);
+    return finish(out, skipped, ending);
 }
 
 }  // namespace orrinvale::cli

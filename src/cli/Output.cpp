@@ -4,6 +4,8 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 
@@ -111,23 +113,59 @@ void appendJsonSkipped(std::string& out, const std::vector<Error>& skipped) {
     }
 }
 
+namespace {
+
+struct Range {
+    char32_t first;
+    char32_t last;
+};
+
+// Unicode's control characters (C0, DEL, C1), those of the direction of writing (Bidi_Control), and those that are drawn with no width
+// or as a break: soft hyphen, zero width space and joiners, line separators, invisible operators, byte order mark, tags.
+constexpr std::array<Range, 15> kEscaped{{{0x00, 0x1F},
+                                          {0x7F, 0x9F},
+                                          {0xAD, 0xAD},
+                                          {0x034F, 0x034F},
+                                          {0x061C, 0x061C},
+                                          {0x115F, 0x1160},
+                                          {0x17B4, 0x17B5},
+                                          {0x180B, 0x180F},
+                                          {0x200B, 0x200F},
+                                          {0x2028, 0x202E},
+                                          {0x2060, 0x206F},
+                                          {0x3164, 0x3164},
+                                          {0xFEFF, 0xFEFF},
+                                          {0xFFF9, 0xFFFB},
+                                          {0xE0000, 0xE0FFF}}};
+
+// Of a valid sequence.
+char32_t characterOf(std::string_view sequence) {
+    const auto lead = static_cast<unsigned char>(sequence.front());
+    if (sequence.size() == 1) return lead;
+    char32_t character = lead & (0x7FU >> sequence.size());
+    for (const char byte : sequence.substr(1)) character = character << 6U | (static_cast<unsigned char>(byte) & 0x3FU);
+    return character;
+}
+
+bool isEscaped(char32_t character) {
+    return std::ranges::any_of(kEscaped,
+                               [=](const Range& range) { return character >= range.first && character <= range.last; });
+}
+
+}  // namespace
+
 std::string printable(std::string_view bytes) {
     std::string out;
     while (!bytes.empty()) {
-        const std::size_t length = validSequence(bytes);
-        const auto first = static_cast<unsigned char>(bytes.front());
-        // The second block of control characters, U+0080 to U+009F, moves cursors too.
-        const bool control = first < 0x20 || first == 0x7F ||
-                             (length == 2 && first == 0xC2 && static_cast<unsigned char>(bytes[1]) < 0xA0);
-        if (length != 0 && !control) {
-            out += bytes.substr(0, length);
-            bytes.remove_prefix(length);
-            continue;
-        }
-        if (first == '\n') out += "\\n";
-        else if (first == '\t') out += "\\t";
-        else out += fmt::format("\\x{:02x}", first);
-        bytes.remove_prefix(1);
+        const std::size_t length = std::max<std::size_t>(validSequence(bytes), 1);
+        const std::string_view sequence = bytes.substr(0, length);
+        const bool isValid = validSequence(sequence) == length;
+        bytes.remove_prefix(length);
+        if (isValid && !isEscaped(characterOf(sequence))) out += sequence;
+        else if (sequence == "\n") out += "\\n";
+        else if (sequence == "\t") out += "\\t";
+        else
+            for (const char byte : sequence) out += fmt::format("\\x{:02x}", static_cast<unsigned char>(byte));
     }
     return out;
 }

@@ -49,7 +49,8 @@ void appendJsonSkipped(std::string& out, const std::vector<Error>& skipped);
 /// Length of the valid UTF-8 sequence at the start of the bytes; 0 when there is none.
 [[nodiscard]] std::size_t validSequence(std::string_view bytes);
 
-/// The text for a terminal: control bytes escaped, bytes that are not UTF-8 as \xHH, so that no name can command it.
+/// The text for a terminal, so that no name can command it or pass for another: byte by byte as \xHH stands what is not UTF-8, what
+/// controls the terminal, what turns the direction of writing, and what has no width; line breaks and tabs as \n and \t.
 [[nodiscard]] std::string printable(std::string_view bytes);
 
 /// True when the descriptor is a terminal, and colours are not refused by NO_COLOR.

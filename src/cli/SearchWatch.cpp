@@ -2,6 +2,7 @@
 #include "cli/SearchWatch.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -10,13 +11,17 @@
 #include <cerrno>
 #include <csignal>
 #include <system_error>
+#include <utility>
 
+#include "cli/Command.h"
+#include "cli/MemoryReserve.h"
 #include "cli/Output.h"
 
 namespace orrinvale::cli {
 namespace {
 
 constexpr int redrawMilliseconds = 100;
+constexpr int hangMilliseconds = 500;
 constexpr std::array signals{SIGINT, SIGTERM};
 volatile std::sig_atomic_t s_pipe = -1;
 
@@ -37,6 +42,11 @@ void onSignal(int) {
     errno = kept;
 }
 
+void onShortage() {
+    const char byte = 'm';
+    if (s_pipe >= 0) (void)!::write(s_pipe, &byte, 1);
+}
+
 // A signal that whoever started the program lets it ignore stays ignored.
 void listen() {
     struct sigaction action {};
@@ -54,24 +64,42 @@ std::size_t columns() {
     return 80;
 }
 
+int pauseFor(Telling telling) {
+    switch (telling) {
+        case Telling::Nothing: return -1;
+        case Telling::Hangs: return hangMilliseconds;
+        case Telling::Line: return redrawMilliseconds;
+    }
+    return -1;
+}
+
 }  // namespace
 
-SearchWatch::SearchWatch(std::function<void()> stop, std::function<std::string()> progress)
-    : m_stop(std::move(stop)), m_progress(std::move(progress)) {
+Telling tellingFor(const Arguments& arguments) {
+    if (arguments.has("quiet")) return Telling::Nothing;
+    return isTerminal(STDERR_FILENO) ? Telling::Line : Telling::Hangs;
+}
+
+SearchWatch::SearchWatch(std::function<void()> stop, std::function<std::string()> progress, Telling telling)
+    : m_stop(std::move(stop)), m_progress(std::move(progress)), m_telling(telling) {
     if (::pipe2(m_end, O_CLOEXEC | O_NONBLOCK) != 0) return;  // no descriptor left: the command runs unwatched
     s_pipe = m_end[1];
     try {
         m_thread = std::thread([this] { watch(); });
     } catch (const std::system_error&) {  // no thread left for this user: likewise
+        s_pipe = -1;
         for (const int end : m_end) ::close(end);
         return;
     }
+    setShortageHandler(&onShortage);
+    if (hasMemoryRunShort()) onShortage();
     listen();
 }
 
 SearchWatch::~SearchWatch() {
     if (!m_thread.joinable()) return;
     stopListening();
+    setShortageHandler(nullptr);
     s_pipe = -1;
     const char byte = 'e';
     (void)!::write(m_end[1], &byte, 1);
@@ -81,23 +109,46 @@ SearchWatch::~SearchWatch() {
     Output(STDERR_FILENO).write("\r\x1b[K");
 }
 
+Ending SearchWatch::ending() const {
+    if (m_signalled) return Ending::Signalled;
+    return hasMemoryRunShort() ? Ending::OutOfMemory : Ending::Whole;
+}
+
 void SearchWatch::watch() {
-    for (;;) {
+    while (!m_ended) {
         pollfd wait{m_end[0], POLLIN, 0};
-        const int ready = ::poll(&wait, 1, m_progress ? redrawMilliseconds : -1);
-        if (ready == 0) draw();
-        if (ready <= 0) continue;
-        std::array<char, 16> bytes;
-        const ssize_t count = ::read(m_end[0], bytes.data(), bytes.size());
-        for (ssize_t i = 0; i < count; ++i) {
-            if (bytes[static_cast<std::size_t>(i)] == 'e') return;
-            if (!m_signalled.exchange(true)) m_stop();
-        }
+        const int ready = ::poll(&wait, 1, pauseFor(m_telling));
+        if (ready == 0) tell();
+        if (ready > 0) takeBytes();
     }
 }
 
-void SearchWatch::draw() {
-    std::string text = m_progress();
+void SearchWatch::takeBytes() {
+    std::array<char, 16> bytes;
+    const ssize_t count = ::read(m_end[0], bytes.data(), bytes.size());
+    for (ssize_t i = 0; i < count; ++i) {
+        const char byte = bytes[static_cast<std::size_t>(i)];
+        if (byte == 'e') {
+            m_ended = true;
+            return;
+        }
+        if (byte == 's') m_signalled = true;
+        if (!std::exchange(m_stopped, true)) m_stop();
+    }
+}
+
+void SearchWatch::tell() {
+    std::string line = m_progress();
+    const auto hang = m_hangs.look(line, HangLook::Clock::now());
+    const std::string path = hang ? printable(hang->path) : std::string();
+    if (m_telling == Telling::Line) {
+        draw(hang ? fmt::format("no answer for {} s: {}", hang->since.count(), path) : std::move(line));
+    } else if (hang && std::exchange(m_told, hang->path) != hang->path) {
+        Output(STDERR_FILENO).write(fmt::format("orrinvale-cli: no answer for {} s: {}\n", hang->since.count(), path));
+    }
+}
+
+void SearchWatch::draw(std::string text) {
     const std::size_t width = columns();
     if (text.size() >= width) {
         std::size_t end = width - 1;

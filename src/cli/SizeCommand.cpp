@@ -24,7 +24,7 @@ struct Measured {
     std::vector<Error> failed;   // paths that could not be measured at all
     std::vector<Error> skipped;  // these and what was skipped below the others
     std::uint64_t total = 0;
-    bool stopped = false;
+    Ending ending{};
 };
 
 // A slash at the end asks for what a link leads to; it does so no longer once the path is made absolute.
@@ -39,14 +39,12 @@ std::string progressLine(const SizeCounts& counts) {
                        UtilityFunction::convertVolSpace(counts.bytes));
 }
 
-Measured measure(const FileSystem& files, const std::vector<std::string>& paths, bool showProgress) {
+Measured measure(const FileSystem& files, const std::vector<std::string>& paths, Telling telling) {
     Measured out;
     std::atomic<bool> stop{false};
     SizeCounts counts;
     SkipList skipped;
-    std::function<std::string()> progress;
-    if (showProgress) progress = [&counts] { return progressLine(counts); };
-    const SearchWatch watch([&stop] { stop = true; }, progress);
+    const SearchWatch watch([&stop] { stop = true; }, [&counts] { return progressLine(counts); }, telling);
     const TreeSize trees(files, {.stop = &stop, .counts = &counts, .skipped = &skipped});
     for (const std::string& given : paths) {
         if (stop) break;
@@ -61,7 +59,7 @@ Measured measure(const FileSystem& files, const std::vector<std::string>& paths,
         out.total += std::min(totals->bytes, ~std::uint64_t{0} - out.total);
     }
     out.skipped = skipped.entries();
-    out.stopped = watch.wasSignalled();
+    out.ending = watch.ending();
     return out;
 }
 
@@ -77,7 +75,7 @@ void printJson(Output& out, const Measured& measured) {
     }
     text += fmt::format("],\n  \"total\": {},\n  \"skipped\": [", measured.total);
     appendJsonSkipped(text, measured.skipped);
-    text += fmt::format("],\n  \"stopped\": {}\n}}\n", measured.stopped);
+    text += fmt::format("],\n  \"stopped\": {}\n}}\n", measured.ending != Ending::Whole);
     out.write(text);
 }
 
@@ -109,7 +107,7 @@ Status SizeCommand::run(const Arguments& arguments) {
     if (std::any_of(paths.begin(), paths.end(), [](const std::string& path) { return path.empty(); }))
         return badUsage("a path is empty");
     const bool quiet = arguments.has("quiet");
-    const Measured measured = measure(m_files, paths, !quiet && isTerminal(STDERR_FILENO));
+    const Measured measured = measure(m_files, paths, tellingFor(arguments));
     if (measured.paths.empty() && !measured.failed.empty()) {
         complainOfEach(measured.failed);
         return Status::NoSuchFolder;
@@ -120,7 +118,7 @@ Status SizeCommand::run(const Arguments& arguments) {
     if (arguments.has("json")) printJson(out, measured);
     else if (arguments.has("print0")) printPaths(out, measured);
     else printListing(out, measured, wantsColour(STDOUT_FILENO));
-    return finish(out, measured.skipped, measured.stopped);
+    return finish(out, measured.skipped, measured.ending);
 }
 
 }  // namespace orrinvale::cli

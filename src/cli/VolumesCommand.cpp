@@ -105,23 +105,23 @@ void printListing(Output& out, const Records& volumes, bool colour) {
 
 Status VolumesCommand::run(const Arguments& arguments) {
     NotedVolumes platform(m_platform);
-    bool stopped = false;
+    Ending ending{};
     std::optional<VolumesInfo> info;
     {
         // A walk is over within about a second, so a signal has nothing to stop; it is only told.
-        const SearchWatch watch([] {}, {});
+        const SearchWatch watch([] {}, {}, Telling::Nothing);
         info.emplace(platform);
-        stopped = watch.wasSignalled();
+        ending = watch.ending();
     }
     const Records& volumes = info->volsArray();
     const std::vector<Error>& skipped = platform.failures();
     if (!arguments.has("quiet")) complainOfEach(skipped);
 
     Output out(STDOUT_FILENO);
-    if (arguments.has("json")) printJson(out, volumes, skipped, stopped);
+    if (arguments.has("json")) printJson(out, volumes, skipped, ending != Ending::Whole);
     else if (arguments.has("print0")) printPaths(out, volumes);
     else printListing(out, volumes, wantsColour(STDOUT_FILENO));
-    return finish(out, skipped, stopped);
+    return finish(out, skipped, ending);
 }
 
 }  // namespace orrinvale::cli

@@ -10,11 +10,14 @@
 
 #include "cli/Command.h"
 #include "cli/CommandSet.h"
+#include "cli/MemoryReserve.h"
 #include "cli/Output.h"
+#include "cli/unknownWord.h"
 #include "engine/base/Log.h"
 #include "engine/removal/AsideJournal.h"
 #include "engine/settings/UserFolders.h"
 #include "platform/linux/LinuxFiles.h"
+#include "platform/standardStreams.h"
 
 namespace orrinvale::cli {
 namespace {
@@ -94,10 +97,18 @@ void tellOfRecovery(const AsideRecovery& recovery) {
         errors.write(fmt::format("still set aside, {}: {}\n", each.reason, printable(each.path)));
 }
 
+// The log keeps names on one line; beyond that, what a terminal would obey is shown as it is everywhere here.
+void logToStandardError(bool isWanted) {
+    Log::setEnabled(isWanted);
+    Log::setSink([](std::string_view line) { Output(STDERR_FILENO).write(printable(line) + '\n'); });
+}
+
 int run(int argc, char** argv) {
     const CommandSet set;
     const Commands& commands = set.commands();
 
+    if (const auto complaint = unknownWord({argv + std::min(argc, 1), argv + argc}, commands))
+        return static_cast<int>(badUsage(*complaint));
     Parser parser(commands);
     try {
         parser.app.parse(parserArguments(argc, argv));
@@ -109,7 +120,9 @@ int run(int argc, char** argv) {
     for (const auto& command : commands) {
         if (!parser.app.got_subcommand(std::string(command->name()))) continue;
         const Arguments arguments = parser.argumentsOf(*command);
-        Log::setEnabled(arguments.has("log"));
+        if (arguments.has("json") && arguments.has("print0"))
+            return static_cast<int>(badUsage("--json and -0 are two forms of one result, take one of them"));
+        logToStandardError(arguments.has("log"));
         tellOfRecovery(bringBackAside(LinuxFileSystem(), asideJournalFolder(userStateFolder())));
         return static_cast<int>(command->run(arguments));
     }
@@ -119,4 +132,8 @@ int run(int argc, char** argv) {
 }  // namespace
 }  // namespace orrinvale::cli
 
-int main(int argc, char** argv) { return orrinvale::cli::run(argc, argv); }
+int main(int argc, char** argv) {
+    orrinvale::fillStandardStreams();
+    orrinvale::cli::keepMemoryReserve();
+    return orrinvale::cli::run(argc, argv);
+}

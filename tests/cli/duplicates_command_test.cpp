@@ -124,6 +124,7 @@ TEST(DuplicatesSearch, OptionsChooseWhatIsLookedAt) {
         {{"--limit", "0"}, 6},
         {{"--limit", "9"}, 6},
         {{"--limit=10"}, 4},
+        {{"--limit", "0.01 KB"}, 4},
         {{"--limit", "11", "--hidden"}, 4},
         {{"--limit", "13", "--hidden", "--system"}, 0},
         {{"--limit", "18446744073709551615"}, 0},

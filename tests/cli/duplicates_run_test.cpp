@@ -33,7 +33,17 @@ TEST(CommandLine, WhatIsWrongIsSaidAndHelpIsNamed) {
         std::string says;
     } cases[] = {
         {{}, ""},
-        {{"dublicates", "."}, "dublicates"},
+        {{"dublicates", "."}, "there is no command \"dublicates\"; the nearest is \"duplicates\""},
+        {{"dublicates", "--help"}, "duplicates"},
+        {{"--help", "lareg"}, "the nearest is \"large\""},
+        {{"vol", "--help"}, "the nearest is \"volumes\""},
+        {{"xyzzy", "--version"}, "there is no command \"xyzzy\"; see"},
+        {{"duplicates", "--hiden", "--help"}, "there is no option \"--hiden\"; the nearest is \"--hidden\""},
+        {{"duplicates", "--limit=1", "--josn", "-h"}, "the nearest is \"--json\""},
+        {{"duplicates", "--json", "-0", "."}, "take one of them"},
+        {{"volumes", "--print0", "--json"}, "take one of them"},
+        {{"large", "--depth", "1KB", "."}, "--depth"},
+        {{"duplicates", "--limit", "1M", "."}, "10MB, 1.5 GB, 4KiB, or a number of bytes, not \"1M\""},
         {{""}, ""},
         {{"duplicates"}, "FOLDER"},
         {{"duplicates", "--json"}, "FOLDER"},
@@ -68,7 +78,7 @@ TEST(CommandLine, HelpNamesEveryOption) {
     EXPECT_EQ(help.status, 0);
     EXPECT_EQ(help.error, "");
     for (const char* word :
-         {"--hidden", "--system", "--limit BYTES", "FOLDER", "--json", "-0,--print0", "--quiet", "--log"})
+         {"--hidden", "--system", "--limit SIZE", "FOLDER", "--json", "-0,--print0", "--quiet", "--log"})
         EXPECT_NE(help.output.find(word), std::string::npos) << word << '\n' << help.output;
     EXPECT_EQ(programRun({"--version"}).run().status, 0);
 }

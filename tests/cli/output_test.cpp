@@ -12,6 +12,7 @@
 
 #include "cli/Command.h"
 #include "cli/Output.h"
+#include "cli/SizeText.h"
 #include "support/TestTree.h"
 
 namespace orrinvale::cli {
@@ -98,18 +99,53 @@ TEST(Printable, NothingInANameCommandsTheTerminal) {
         {"\x9B\xFF", "\\x9b\\xff"},
         {"\xC3", "\\xc3"},
         {"\xED\xA0\x80", "\\xed\\xa0\\x80"},
+        {"a\u202Egpj.exe", "a\\xe2\\x80\\xaegpj.exe"},  // shown as "aexe.jpg" otherwise
+        {"\u061C\u200E\u200F", "\\xd8\\x9c\\xe2\\x80\\x8e\\xe2\\x80\\x8f"},
+        {"\u202A\u2066\u2069", "\\xe2\\x80\\xaa\\xe2\\x81\\xa6\\xe2\\x81\\xa9"},
+        {"a\u200Bb\u200D\u2060", "a\\xe2\\x80\\x8bb\\xe2\\x80\\x8d\\xe2\\x81\\xa0"},
+        {"\uFEFF\u00AD\u2028", "\\xef\\xbb\\xbf\\xc2\\xad\\xe2\\x80\\xa8"},
+        {"\U000E0041", "\\xf3\\xa0\\x81\\x81"},
+        {"\u2010\u2030\u05D0\u0627", "\u2010\u2030\u05D0\u0627"},  // letters written from the right are letters
     };
     for (const auto& each : cases) EXPECT_EQ(printable(each.bytes), each.text);
 }
 
-TEST(ParseBytes, DigitsAndNothingElse) {
-    EXPECT_EQ(parseBytes("0"), 0U);
-    EXPECT_EQ(parseBytes("007"), 7U);
-    EXPECT_EQ(parseBytes("18446744073709551615"), UINT64_MAX);
-    for (const std::string_view text : {std::string_view("1\0", 2), std::string_view("18446744073709551616")})
-        EXPECT_EQ(parseBytes(text), std::nullopt) << text;
-    for (const char* text : {"", "-0", "-1", "+1", " 1", "1 ", "1e3", "1.5", "0x10", "1K", "1,000"})
-        EXPECT_EQ(parseBytes(text), std::nullopt) << '"' << text << '"';
+TEST(SizeText, NumbersWithAndWithoutUnits) {
+    const struct {
+        std::string_view text;
+        std::optional<std::uint64_t> bytes;
+    } cases[] = {
+        {"0", 0},
+        {"007", 7},
+        {"18446744073709551615", UINT64_MAX},
+        {"10MB", 10'000'000},
+        {"10 MB", 10'000'000},
+        {"10mb", 10'000'000},
+        {"4KiB", 4096},
+        {"4 kib", 4096},
+        {"3B", 3},
+        {"2GB", 2'000'000'000},
+        {"2GiB", 2ULL << 30},
+        {"1TB", 1'000'000'000'000},
+        {"1PiB", 1ULL << 50},
+        {"1.5 GB", 1'500'000'000},
+        {"1,5 GB", 1'500'000'000},
+        {"0,125KB", 125},
+        {"0.0009KB", 0},
+        {"1.999999999999999999999KiB", 2047},
+        {"18446PB", 18'446'000'000'000'000'000ULL},
+        {"18447PB", std::nullopt},
+        {"16384PiB", std::nullopt},
+        {"18446744073709551616", std::nullopt},
+        {std::string_view("1\0", 2), std::nullopt},
+    };
+    for (const auto& each : cases) EXPECT_EQ(parseSize(each.text), each.bytes) << each.text;
+    for (const char* text :
+         {"",   "-0",    "-1",      "+1", " 1",   "1 ",   "1e3",   "1.5",  "1.5B",   "0x10", "1K",   "1M",
+          "1k", "1,000", "1,000KB", "MB", ".5MB", "1.MB", "1  MB", "1MB ", "1 MB/s", "1ZB",  "1KIBB"})
+        EXPECT_EQ(parseSize(text), std::nullopt) << '"' << text << '"';
+    EXPECT_EQ(parseNumber("12"), 12U);
+    EXPECT_EQ(parseNumber("1KB"), std::nullopt);
 }
 
 TEST(AbsolutePath, NoDotsAndNoDoubledSlashes) {

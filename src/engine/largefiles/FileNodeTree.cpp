@@ -15,6 +15,16 @@ namespace {
 constexpr std::uint32_t mostInArena = 1024;
 constexpr std::size_t childBytes = sizeof(FileNode*);  // NOLINT(bugprone-sizeof-expression): a list of pointers
 
+// As operator new does: whoever can make room is asked before the allocation fails.
+void* resized(void* list, std::size_t bytes) {
+    for (;;) {
+        if (void* const out = std::realloc(list, bytes)) return out;
+        const std::new_handler makeRoom = std::get_new_handler();
+        if (makeRoom == nullptr) throw std::bad_alloc();
+        makeRoom();
+    }
+}
+
 }  // namespace
 
 struct FileNodeTree::Root : FileNode {
@@ -143,8 +153,7 @@ void FileNodeTree::makeRoom(FileNode& folder, std::size_t more) {
     const bool wasLong = folder.m_childRoom > mostInArena;
     const std::size_t room = std::max(needed, folder.m_childCount + std::size_t{folder.m_childCount} / 2);
     if (!wasLong) m_longLists.reserve(m_longLists.size() + 1);
-    auto* const list = static_cast<FileNode**>(std::realloc(wasLong ? folder.m_children : nullptr, room * childBytes));
-    if (list == nullptr) throw std::bad_alloc();
+    auto* const list = static_cast<FileNode**>(resized(wasLong ? folder.m_children : nullptr, room * childBytes));
     if (!wasLong) {
         if (folder.m_childCount > 0) std::memcpy(list, folder.m_children, folder.m_childCount * childBytes);
         m_longLists.push_back(&folder);
