@@ -149,7 +149,10 @@ TEST_F(Removal, TellsOfWhatCouldNotGoAndWhy) {
     ASSERT_TRUE(on.waitFor([&] { return on.dialogs.alerts().size() == 2 && on.page().bSearchFinished(); }));
     ASSERT_EQ(on.dialogs.alerts().size(), 2U);
     EXPECT_EQ(on.dialogs.alerts()[0].title, QStringLiteral("Are you sure you want to delete all your selected files?"));
-    EXPECT_EQ(on.dialogs.alerts()[1].title, QStringLiteral("Some files that require admin access can't be removed!"));
+    // Nobody's rights would change it, so that the padlock is not pointed at.
+    EXPECT_EQ(on.dialogs.alerts()[1].title, QStringLiteral("2 could not be removed"));
+    EXPECT_EQ(on.dialogs.alerts()[1].text,
+              QStringLiteral("1: changed since the scan\n1: no other verified copy is left"));
     EXPECT_EQ(on.dialogs.alerts()[1].buttons, QStringList{QStringLiteral("OK")});
     EXPECT_EQ(on.textOf("failureLine"), "2 could not be removed");
     const std::string lines = linesBehind("failureLine");
@@ -209,6 +212,9 @@ TEST(RemovalAsUser, InTheOtherProcess) {
     on.tick(on.row("roots.txt"));
     on.dialogs.willAnswer(0);
     ASSERT_TRUE(on.remove());
+    EXPECT_EQ(on.dialogs.alerts().back().title,
+              QStringLiteral("Some files that require admin access can't be removed!"));
+    EXPECT_EQ(on.textOf("removedLine"), "2 removed, 34 Byte");
     EXPECT_EQ(on.textOf("failureLine"), "2 could not be removed");
     EXPECT_EQ(on.list(), "roots.txt 0 0/3: ...\n");
     EXPECT_EQ(on.textOf("titleLabel"), "3 files in " + tree.substr(tree.rfind('/') + 1) + ", selected 0 file in All.");
