@@ -5,6 +5,7 @@
 //   renumber         an entry gets a new inode number with each look
 //   eio=NAME:AT      bytes of files with that name can not be read from there on
 //   twice=NAME       listings give that name twice
+//   cache            this machine remembers names and attributes for a minute, whatever happens behind its back
 #define FUSE_USE_VERSION 35
 #include <dirent.h>
 #include <fcntl.h>
@@ -32,6 +33,7 @@ struct Faults {
     std::string unreadable;
     off_t unreadableFrom = 0;
     std::string twice;
+    bool isCached = false;
 };
 Faults s_faults;
 std::atomic<ino_t> s_number{1000};
@@ -102,7 +104,7 @@ int setTimes(const char* path, const timespec times[2], fuse_file_info*) {
 
 void* begin(fuse_conn_info*, fuse_config* config) {
     config->use_ino = s_faults.renumber ? 1 : 0;
-    config->entry_timeout = config->attr_timeout = config->negative_timeout = 0;
+    config->entry_timeout = config->attr_timeout = config->negative_timeout = s_faults.isCached ? 60 : 0;
     config->nullpath_ok = 0;
     return nullptr;
 }
@@ -141,6 +143,7 @@ bool take(std::string_view fault) {
     const std::size_t equals = fault.find('=');
     const std::string value(equals == std::string_view::npos ? "" : fault.substr(equals + 1));
     if (fault == "renumber") s_faults.renumber = true;
+    else if (fault == "cache") s_faults.isCached = true;
     else if (fault.starts_with("look=")) s_faults.look = std::chrono::milliseconds(std::stoi(value));
     else if (fault.starts_with("twice=")) s_faults.twice = value;
     else if (fault.starts_with("eio=")) {

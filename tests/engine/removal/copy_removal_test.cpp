@@ -17,6 +17,7 @@
 #include "engine/removal/RemovalRun.h"
 #include "engine/removal/stayReasons.h"
 #include "support/OwnMounts.h"
+#include "support/ServedFiles.h"
 #include "support/TestTree.h"
 
 namespace orrinvale {
@@ -284,6 +285,23 @@ TEST(CopyRemoval, ASecondViewOfOneFileIsNoCopy) {
         }
         return {};
     });
+}
+
+// A server whose answers are remembered for a minute still shows the file that goes, unless it is asked anew.
+TEST(CopyRemoval, ASecondViewThatIsRememberedIsNoCopy) {
+    testing::ServedFiles served({"cache"});
+    if (!served.isThere()) GTEST_SKIP() << "no FUSE here";
+    for (const bool isServedLeaving : {false, true}) {
+        const LinuxFileSystem files;
+        TestTree state;
+        ASSERT_TRUE(served.source().write("a", "the same"));
+        const std::string real = served.source().at("a");
+        PairList list(files, state.at("none"), {});
+        list.add(isServedLeaving ? served.at("a") : real, isServedLeaving ? real : served.at("a"));
+        ASSERT_EQ(list.size(), 1U);
+        EXPECT_EQ(run(files, list, state.at("state")).outcome.removed, 0U) << isServedLeaving;
+        EXPECT_EQ(contentOf(real), "the same") << isServedLeaving;
+    }
 }
 
 }  // namespace
