@@ -137,22 +137,48 @@ void SameFileDeleteViewController::showHeaderBox(const HeaderBox& box) {
 void SameFileDeleteViewController::changeAllSelectCheckBoxState() {
     if (m_treeData == nullptr) return;
     const HeaderBox box = DuplicateSelection::headerBox(*m_treeData);
-    if (!box.isOn) m_tickedByHeader.reset(static_cast<std::size_t>(m_remberWitchSelect));
+    forgetClearedKinds();
     showHeaderBox(box);
     showSelectCountWithFileCount(box.leaves, rowLabel());
 }
 
-void SameFileDeleteViewController::setAllSelectOrNoSelect() {
+void SameFileDeleteViewController::forgetClearedKinds() {
+    for (std::size_t row = 1; row < m_tickedByHeader.size(); ++row) {
+        const SimpleTreeNode* const tree = m_results.tree(row);
+        if (m_tickedByHeader[row] && (tree == nullptr || !DuplicateSelection::hasTicks(*tree)))
+            m_tickedByHeader.reset(row);
+    }
+}
+
+// The first row shows all kinds: there the box has ticked what is ticked when that is so of each kind with ticks.
+bool SameFileDeleteViewController::isTickedByHeader() const {
     const auto view = static_cast<std::size_t>(m_remberWitchSelect);
+    if (view != 0) return m_tickedByHeader[view];
+    for (std::size_t row = 1; row < m_tickedByHeader.size(); ++row) {
+        const SimpleTreeNode* const tree = m_results.tree(row);
+        if (!m_tickedByHeader[row] && tree != nullptr && DuplicateSelection::hasTicks(*tree)) return false;
+    }
+    return true;
+}
+
+void SameFileDeleteViewController::setTickedByHeader(bool on) {
+    const auto view = static_cast<std::size_t>(m_remberWitchSelect);
+    if (view != 0) m_tickedByHeader.set(view, on);
+    else if (on) m_tickedByHeader.set();
+    else m_tickedByHeader.reset();
+}
+
+void SameFileDeleteViewController::setAllSelectOrNoSelect() {
     // The box shows "some" both for what it has ticked itself, which the next click clears, and for ticks made by hand.
-    const bool on = m_views->button->state() != TickState::Nothing && !m_tickedByHeader[view];
+    const bool wasClear = m_treeData == nullptr || !DuplicateSelection::hasTicks(*m_treeData);
+    const bool on = wasClear || !isTickedByHeader();
     if (m_treeData == nullptr || m_treeData->numberOfChildren() == 0 || !m_bSearchFinished) {
         showHeaderBox({});
         return;
     }
     finishSorting();
     m_selection.setAll(*m_treeData, on);
-    m_tickedByHeader.set(view, on);
+    setTickedByHeader(on);
     m_views->button->setState(on ? TickState::Some : TickState::Nothing);
     setRemoveButtonState();
     setSelectCount();
@@ -160,8 +186,11 @@ void SameFileDeleteViewController::setAllSelectOrNoSelect() {
 }
 
 void SameFileDeleteViewController::updateCheckBox() {
-    if (m_treeData != nullptr) m_selection.clearTree(*m_treeData);
-    m_tickedByHeader.reset(static_cast<std::size_t>(m_remberWitchSelect));
+    // After a stop nothing is selected any more, in whatever view it was ticked; else what failed stays ticked in the other views.
+    TreeNode* const cleared = m_isClickStopRemove ? m_results.tree(0) : m_treeData;
+    if (cleared != nullptr) m_selection.clearTree(*cleared);
+    m_selection.allSelectNumArr().removeOrphans();
+    forgetClearedKinds();
     showHeaderBox({});
     m_model->refresh();
 }

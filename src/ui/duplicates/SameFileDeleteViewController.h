@@ -130,6 +130,9 @@ private:
     void callBackDeleteItemWithIndex() override;
     void setRemoveButtonState();
     void changeAllSelectCheckBoxState();
+    void forgetClearedKinds();
+    [[nodiscard]] bool isTickedByHeader() const;
+    void setTickedByHeader(bool on);
     void updateCheckBox();
     void showHeaderBox(const HeaderBox& box);
     [[nodiscard]] QString rowLabel() const;
@@ -181,7 +184,7 @@ private:
     PathAnimation m_flight;
     QPersistentModelIndex m_checkBoxItem;  // the row whose box was clicked last
     int m_lastColumn = -1;
-    std::bitset<7> m_tickedByHeader;  // by view: its header box was switched on, and nothing has cleared the view since
+    std::bitset<7> m_tickedByHeader;  // by kind: a header box was switched on over it, and nothing has cleared it since
     bool m_sortDescending = false;
     bool m_bSearchFinished = true;
     bool m_isStopScan = false;

@@ -116,6 +116,42 @@ TEST_F(Ticks, TheBoxOverTheListTicksAndClearsTheView) {
     EXPECT_EQ(on.list(), "three.jpg 2 2/3: xx.\n");
 }
 
+TEST_F(Ticks, WhatTheBoxHasTickedItsNextClickClearsInAnyView) {
+    const auto clicks = [&](const char* view) {
+        on.click(view);
+        on.click("button");
+        return selected();
+    };
+    EXPECT_EQ(clicks("leftCell0"), "selected 3 files in All.");
+    EXPECT_EQ(clicks("leftCell5"), "selected 1 files in All.") << "the pictures are clear, the rest stays";
+    EXPECT_EQ(clicks("leftCell0"), "selected 0 file in All.") << "nothing here was ticked by hand";
+    EXPECT_EQ(clicks("leftCell5"), "selected 2 files in All.");
+    EXPECT_EQ(clicks("leftCell0"), "selected 0 file in All.");
+    // Ticks by hand in one view: there the box ticks the rest, and so it does where they are seen along with others.
+    on.click("leftCell1");
+    on.tick(on.model().index(0, 0, on.row("two.txt")));
+    EXPECT_EQ(clicks("leftCell5"), "selected 3 files in All.");
+    on.click("leftCell0");
+    on.click("button");
+    EXPECT_EQ(group("two"), "two.txt 2 1/2: x.");
+    EXPECT_EQ(group("three"), "three.jpg 2 2/3: xx.");
+    on.click("button");
+    EXPECT_EQ(selected(), "selected 0 file in All.");
+}
+
+TEST_F(Ticks, ASingleGroupIsDrawnAnewWithItsCopies) {
+    on.click("leftCell1");
+    const QModelIndex copy = on.model().index(0, Model::Checkbox, on.row("two.txt"));
+    outline.expand(copy.parent());
+    const auto seen = [&] { return on.onScreen(*outline.viewport(), outline.visualRect(copy)); };
+    const QImage clear = seen();
+    on.click("button");
+    ASSERT_EQ(copy.data(Model::StateRole).toInt(), 1);
+    EXPECT_TRUE(seen() != clear) << "ticked, and not on the screen";
+    on.click("button");
+    EXPECT_TRUE(seen() == clear);
+}
+
 TEST_F(Ticks, TheOrderDecidesWhichCopyIsTheLast) {
     const auto last = [&] {
         const QModelIndex parent = on.row("two.txt");

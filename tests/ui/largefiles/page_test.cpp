@@ -148,6 +148,20 @@ TEST_F(LargeFilePage, IsTickedAndLookedAtByTheKeyboard) {
     EXPECT_FALSE(on.outline().isExpanded(on.row("photos")));
 }
 
+TEST_F(LargeFilePage, ASingleRowIsDrawnAnewWithWhatIsBelowIt) {
+    ASSERT_TRUE(on.tree.write("f/only/inner", "x"));
+    ASSERT_TRUE(on.scan(on.tree.at("f")));
+    on.open("only");
+    const auto seen = [&] {
+        const QModelIndex box = on.row("inner").siblingAtColumn(FileNodeModel::CheckBox);
+        return on.window.onScreen(*on.outline().viewport(), on.outline().visualRect(box));
+    };
+    const QImage clear = seen();
+    on.click("selectAllButton");
+    ASSERT_EQ(on.list().find("  x inner"), on.list().find('\n') + 1) << on.list();
+    EXPECT_TRUE(seen() != clear) << "ticked, and not on the screen";
+}
+
 TEST_F(LargeFilePage, OpensWhatARowIsAskedFor) {
     ASSERT_TRUE(makeFolder() && on.scan(on.tree.at("f")));
     on.clickCell("photos", FileNodeModel::OpenFinder);

@@ -62,6 +62,10 @@ void TickedLeaves::removeClear() {
     std::erase_if(m_entries, [](const TreeNode::Pointer& entry) { return simpleData(*entry)->selectNum() == 0; });
 }
 
+void TickedLeaves::removeOrphans() {
+    std::erase_if(m_entries, [](const TreeNode::Pointer& entry) { return entry->nodeParent() == nullptr; });
+}
+
 LeafClick DuplicateSelection::clickLeaf(const TreeNode::Pointer& leaf) {
     TreeNode& group = *leaf->nodeParent();
     SimpleNodeData& data = *simpleData(*leaf);
@@ -169,6 +173,12 @@ HeaderBox DuplicateSelection::headerBox(const TreeNode& tree) {
     box.isOn = none != groups;
     box.picture = pictureOf(!box.isOn ? 0 : all == groups ? 1 : 2);
     return box;
+}
+
+bool DuplicateSelection::hasTicks(const TreeNode& tree) {
+    for (std::size_t g = 0; g < tree.numberOfChildren(); ++g)
+        if (simpleData(*tree.childAtIndex(g))->selectNum() != 0) return true;
+    return false;
 }
 
 std::string_view DuplicateSelection::pictureOf(std::int32_t selectNum) {

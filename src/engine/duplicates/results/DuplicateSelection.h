@@ -20,6 +20,8 @@ public:
     void remove(const TreeNode* leaf);
     void removeAll(std::span<const TreeNode::Pointer> leaves);
     void removeClear();
+    /// Takes out what stands in no group any more.
+    void removeOrphans();
     void clear() { m_entries.clear(); }
 
     /// How many there are, doubles included.
@@ -66,6 +68,9 @@ public:
     void clearTree(TreeNode& tree);
 
     [[nodiscard]] static HeaderBox headerBox(const TreeNode& tree);
+
+    /// Whether any copy of the view is ticked.
+    [[nodiscard]] static bool hasTicks(const TreeNode& tree);
 
     /// "option_no", "option_yes" or "option_a" for the states 0, 1 and 2.
     [[nodiscard]] static std::string_view pictureOf(std::int32_t selectNum);
