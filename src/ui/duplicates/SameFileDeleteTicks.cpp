@@ -2,6 +2,7 @@
 #include <QLabel>
 #include <QLocale>
 
+#include "engine/text/UtilityFunction.h"
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/duplicates/ResultOutline.h"
 #include "ui/duplicates/SameFileDeleteViewController.h"
@@ -10,6 +11,7 @@
 #include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/controls/PictureView.h"
 #include "ui/kit/controls/TickBox.h"
+#include "ui/kit/controls/numberText.h"
 #include "ui/kit/dialogs/Dialogs.h"
 
 namespace orrinvale {
@@ -26,8 +28,8 @@ QString selectedText(std::size_t selected, bool isAnything) {
 
 }  // namespace
 
-QString SameFileDeleteViewController::rowLabel() const {
-    if (m_remberWitchSelect != 0) return resultRowTitle(static_cast<std::size_t>(m_remberWitchSelect));
+QString SameFileDeleteViewController::rowLabel(std::int32_t row) const {
+    if (row != 0) return resultRowTitle(static_cast<std::size_t>(row));
     const std::size_t end = m_searchPath.find_last_not_of('/');
     if (end == std::string::npos) return QString::fromStdString(m_searchPath);  // the root
     const std::size_t cut = m_searchPath.find_last_of('/', end);
@@ -43,6 +45,7 @@ void SameFileDeleteViewController::refViewBgColor(std::int32_t row) {
     m_views->rightImageView->setPicture(toText(resultRows.at(static_cast<std::size_t>(row)).picture));
     // While a removal changes the trees nothing looks at them; at its end the list gets the view that was chosen last.
     if (!isRemoving()) m_model->setTree(m_treeData);
+    showSortIndicator();
     if (m_treeData != nullptr) {
         changeAllSelectCheckBoxState();
         if (m_model->rowCount() > 0) m_views->outline->expand(m_model->index(0, 0));
@@ -126,6 +129,26 @@ void SameFileDeleteViewController::callBackDeleteItemWithIndex() {
 
 void SameFileDeleteViewController::setRemoveButtonState() {
     m_views->stopBtn->setEnabled(m_bSearchFinished && !m_selection.allSelectNumArr().empty());
+    showGain();
+}
+
+void SameFileDeleteViewController::showGain() {
+    const TickedSums& sums = m_selection.sums();
+    QLabel& label = *m_views->gainLabel;
+    label.setVisible(sums.copies != 0);
+    label.setText(sums.bytes == 0
+                      ? tr("Nothing can be gained")
+                      : tr("%1 can be gained").arg(shownSize(UtilityFunction::convertVolSpace(sums.bytes))));
+    label.setToolTip(tr("A file with several names counts once, and only when all its names are ticked."));
+}
+
+Alert SameFileDeleteViewController::questionAboutTicked() const {
+    Alert question = removalQuestion();
+    const auto outside = static_cast<int>(m_selection.sums().outside);
+    if (outside == 1) question.text = tr("1 of them lies outside of the folder that was searched.");
+    else if (outside > 1)
+        question.text = tr("%Ln of them lie outside of the folder that was searched.", nullptr, outside);
+    return question;
 }
 
 void SameFileDeleteViewController::showHeaderBox(const HeaderBox& box) {
@@ -139,7 +162,7 @@ void SameFileDeleteViewController::changeAllSelectCheckBoxState() {
     const HeaderBox box = DuplicateSelection::headerBox(*m_treeData);
     forgetClearedKinds();
     showHeaderBox(box);
-    showSelectCountWithFileCount(box.leaves, rowLabel());
+    showSelectCountWithFileCount(box.leaves, rowLabel(m_remberWitchSelect));
 }
 
 void SameFileDeleteViewController::forgetClearedKinds() {
@@ -190,8 +213,10 @@ void SameFileDeleteViewController::updateCheckBox() {
     TreeNode* const cleared = m_isClickStopRemove ? m_results.tree(0) : m_treeData;
     if (cleared != nullptr) m_selection.clearTree(*cleared);
     m_selection.allSelectNumArr().removeOrphans();
+    m_selection.recount();
     forgetClearedKinds();
     showHeaderBox({});
+    showGain();
     m_model->refresh();
 }
 

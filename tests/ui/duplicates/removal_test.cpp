@@ -224,6 +224,7 @@ TEST_F(Removal, ThePadlockHoldsTheRightAndSaysWhy) {
     EXPECT_TRUE(on.waitFor([&] { return padlock.isEnabled(); }));
     EXPECT_FALSE(isOpen() || padlock.isChecked());
     EXPECT_TRUE(padlock.toolTip().contains(QLatin1Char('\n'))) << "the reason stands below";
+    EXPECT_EQ(QApplication::focusWidget(), &padlock) << "where the person was before the dialog";
     on.authorization.failures.clear();
     int changes = 0;
     const auto observation = on.notifications.addObserver("changeLockState", [&](const Notification&) { ++changes; });
