@@ -84,6 +84,14 @@
         <source>Progress of the scan</source>
         <translation>Fortschritt des Suchlaufs</translation>
     </message>
+    <message>
+        <source>Drop a folder here to look into it</source>
+        <translation>Ordner hierher ziehen, um hineinzusehen</translation>
+    </message>
+    <message>
+        <source>Drop the folder to look into it</source>
+        <translation>Ordner loslassen, um hineinzusehen</translation>
+    </message>
 </context>
 <context>
     <name>NumberText</name>
@@ -108,16 +116,16 @@
         <translation>Diese Datei fehlt.</translation>
     </message>
     <message>
-        <source>Folder with %1 entries</source>
-        <translation>Ordner mit %1 Einträgen</translation>
-    </message>
-    <message>
         <source>Link to %1</source>
         <translation>Verknüpfung mit %1</translation>
     </message>
     <message>
         <source>beginning only</source>
         <translation>nur der Anfang</translation>
+    </message>
+    <message>
+        <source>Folder with 1 entry</source>
+        <translation>Ordner mit 1 Eintrag</translation>
     </message>
 </context>
 <context>
@@ -643,6 +651,10 @@
         <source>Remove selected file</source>
         <translation>Ausgewählte Dateien entfernen</translation>
     </message>
+    <message>
+        <source>Drop the folder to search it</source>
+        <translation>Ordner loslassen, um ihn zu durchsuchen</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::Animation</name>
@@ -708,6 +720,20 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Back under their own names: %1</source>
         <translation>Wieder unter ihrem eigenen Namen: %1</translation>
+    </message>
+    <message>
+        <source>A question is still open.</source>
+        <translation>Eine Frage ist noch offen.</translation>
+    </message>
+    <message>
+        <source>Answer it, and then choose %1 again.</source>
+        <translation>Beantworten Sie sie, und wählen Sie %1 dann noch einmal.</translation>
+    </message>
+    <message>
+        <source>Any web browser shows it. It lies at:
+%1</source>
+        <translation>Jeder Webbrowser zeigt sie. Sie liegt hier:
+%1</translation>
     </message>
 </context>
 <context>
@@ -788,6 +814,10 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>Menu (F10)</source>
         <translation>Menü (F10)</translation>
     </message>
+    <message>
+        <source>Pages</source>
+        <translation>Seiten</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::DuplicateResultModel</name>
@@ -806,6 +836,25 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Modified</source>
         <translation>Geändert</translation>
+    </message>
+    <message>
+        <source>Reached through a link</source>
+        <translation>Über eine Verknüpfung erreicht</translation>
+    </message>
+    <message>
+        <source>Reached through a link; it lies at %1</source>
+        <translation>Über eine Verknüpfung erreicht; liegt in Wirklichkeit hier: %1</translation>
+    </message>
+    <message numerus="yes">
+        <source>One file with %Ln names; its space is free when all of them are gone</source>
+        <translation>
+            <numerusform>Eine Datei mit %Ln Namen; ihr Platz wird frei, wenn er weg ist</numerusform>
+            <numerusform>Eine Datei mit %Ln Namen; ihr Platz wird frei, wenn alle weg sind</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Ticked</source>
+        <translation>Ausgewählt</translation>
     </message>
 </context>
 <context>
@@ -837,6 +886,10 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Path</source>
         <translation>Pfad</translation>
+    </message>
+    <message>
+        <source>Ticked</source>
+        <translation>Ausgewählt</translation>
     </message>
 </context>
 <context>
@@ -898,10 +951,6 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>1 Eintrag nicht lesbar</translation>
     </message>
     <message>
-        <source>%1 entries could not be read</source>
-        <translation>%1 Einträge nicht lesbar</translation>
-    </message>
-    <message>
         <source>Could not be read</source>
         <translation>Nicht lesbar</translation>
     </message>
@@ -912,6 +961,37 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>%1 removed, %2</source>
         <translation>%1 entfernt, %2</translation>
+    </message>
+    <message>
+        <source>Look into another folder?</source>
+        <translation>In einen anderen Ordner sehen?</translation>
+    </message>
+    <message>
+        <source>What is ticked here is forgotten, and nothing is removed. To be looked into: %1</source>
+        <translation>Die Auswahl hier wird vergessen, und nichts wird gelöscht. Anzusehen: %1</translation>
+    </message>
+    <message>
+        <source>Look</source>
+        <translation>Ansehen</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>One folder at a time: only %1 is looked into</source>
+        <translation>Immer nur ein Ordner: angesehen wird allein %1</translation>
+    </message>
+    <message>
+        <source>The list is empty. A new scan shows what stayed in this folder.</source>
+        <translation>Die Liste ist leer. Was in diesem Ordner geblieben ist, zeigt ein neuer Durchgang.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln entries could not be read</source>
+        <translation>
+            <numerusform>%Ln Eintrag ließ sich nicht lesen</numerusform>
+            <numerusform>%Ln Einträge ließen sich nicht lesen</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -1042,16 +1122,8 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>Abbrechen</translation>
     </message>
     <message>
-        <source>%1 files listed, %2 compared</source>
-        <translation>%1 Dateien erfasst, %2 verglichen</translation>
-    </message>
-    <message>
         <source>1 entry could not be read</source>
         <translation>1 Eintrag nicht lesbar</translation>
-    </message>
-    <message>
-        <source>%1 entries could not be read</source>
-        <translation>%1 Einträge nicht lesbar</translation>
     </message>
     <message>
         <source>This folder could not be read.</source>
@@ -1073,12 +1145,62 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>Waiting for another removal to end</source>
         <translation>Wartet, bis ein anderes Entfernen zu Ende ist</translation>
     </message>
-</context>
-<context>
-    <name>orrinvale::TitleTab</name>
     <message>
-        <source>shown</source>
-        <translation>wird angezeigt</translation>
+        <source>Nothing can be gained</source>
+        <translation>Nichts zu gewinnen</translation>
+    </message>
+    <message>
+        <source>%1 can be gained</source>
+        <translation>%1 zu gewinnen</translation>
+    </message>
+    <message>
+        <source>A file with several names counts once, and only when all its names are ticked.</source>
+        <translation>Eine Datei mit mehreren Namen zählt einmal, und nur wenn alle ihre Namen ausgewählt sind.</translation>
+    </message>
+    <message>
+        <source>1 of them lies outside of the folder that was searched.</source>
+        <translation>1 davon liegt außerhalb des durchsuchten Ordners.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln of them lie outside of the folder that was searched.</source>
+        <translation>
+            <numerusform>%Ln davon liegt außerhalb des durchsuchten Ordners.</numerusform>
+            <numerusform>%Ln davon liegen außerhalb des durchsuchten Ordners.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Search another folder?</source>
+        <translation>Einen anderen Ordner durchsuchen?</translation>
+    </message>
+    <message>
+        <source>What is ticked here is forgotten, and nothing is removed. To be searched: %1</source>
+        <translation>Die Auswahl hier wird vergessen, und nichts wird gelöscht. Zu durchsuchen: %1</translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <translation>Durchsuchen</translation>
+    </message>
+    <message>
+        <source>One folder at a time: only %1 is searched</source>
+        <translation>Immer nur ein Ordner: durchsucht wird allein %1</translation>
+    </message>
+    <message>
+        <source>1 file listed, %1 compared</source>
+        <translation>1 Datei gefunden, %1 verglichen</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln files listed, %1 compared</source>
+        <translation>
+            <numerusform>%Ln Datei gefunden, %1 verglichen</numerusform>
+            <numerusform>%Ln Dateien gefunden, %1 verglichen</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln entries could not be read</source>
+        <translation>
+            <numerusform>%Ln Eintrag ließ sich nicht lesen</numerusform>
+            <numerusform>%Ln Einträge ließen sich nicht lesen</numerusform>
+        </translation>
     </message>
 </context>
 <context>

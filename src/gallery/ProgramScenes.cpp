@@ -30,7 +30,7 @@ ProgramScenes::ProgramScenes(UserDefaults& defaults, const PictureFolder& pictur
                                                        .volumesAtOnce = &m_volumes,
                                                        .mountChanges = &m_mountChanges,
                                                        .openFolder = [](const std::string& /*path*/) { return true; },
-                                                       .openGuide = [] { return true; },
+                                                       .openGuide = [](const std::function<void()>& /*failed*/) {},
                                                        .stopListening = {},
                                                        .exitProcess = {},
                                                        .endBySignal = {}});

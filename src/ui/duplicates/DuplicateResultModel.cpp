@@ -37,6 +37,24 @@ QString shortDate(const std::optional<Date>& date) {
     return QLocale().toString(moment, QLocale::ShortFormat);
 }
 
+// What sets the file of a row apart from others, a sentence each.
+QStringList specialsOf(const SimpleNodeData& data) {
+    QStringList specials;
+    if (data.isLink())
+        specials.push_back(data.linkTarget().empty() ? DuplicateResultModel::tr("Reached through a link")
+                                                     : DuplicateResultModel::tr("Reached through a link; it lies at %1")
+                                                           .arg(QString::fromStdString(data.linkTarget())));
+    if (data.hardLinks() > 1)
+        specials.push_back(
+            DuplicateResultModel::tr("One file with %Ln names; its space is free when all of them are gone", nullptr,
+                                     static_cast<int>(data.hardLinks())));
+    return specials;
+}
+
+QString toolTipOf(const SimpleNodeData& data) {
+    return (QStringList(QString::fromStdString(data.name())) + specialsOf(data)).join(QLatin1Char('\n'));
+}
+
 }  // namespace
 
 DuplicateResultModel::DuplicateResultModel(IconSource icons, BoxClicked boxClicked, QObject* parent)
@@ -44,6 +62,7 @@ DuplicateResultModel::DuplicateResultModel(IconSource icons, BoxClicked boxClick
 
 void DuplicateResultModel::setTree(TreeNode* tree) {
     beginResetModel();
+    m_sharedFolders.clear();
     m_tree = tree;
     endResetModel();
 }
@@ -138,6 +157,19 @@ QString DuplicateResultModel::text(const TreeNode& node, int column) const {
     }
 }
 
+QString DuplicateResultModel::sharedFolder(const TreeNode& group) const {
+    const auto [found, isNew] = m_sharedFolders.try_emplace(&group);
+    if (!isNew) return found->second;
+    std::string_view shared = simpleData(*group.childAtIndex(0))->name();
+    for (std::size_t i = 0; i < group.numberOfChildren(); ++i) {
+        const std::string& path = simpleData(*group.childAtIndex(i))->name();
+        shared = shared.substr(0, std::size_t(std::ranges::mismatch(shared, path).in1 - shared.begin()));
+    }
+    shared = shared.substr(0, shared.rfind('/') + 1);
+    found->second = QString::fromUtf8(shared.data(), qsizetype(shared.size()));
+    return found->second;
+}
+
 QVariant DuplicateResultModel::data(const QModelIndex& index, int role) const {
     const TreeNode::Pointer shown = node(index);
     SimpleNodeData* const data = shown ? simpleData(*shown) : nullptr;
@@ -149,7 +181,9 @@ QVariant DuplicateResultModel::data(const QModelIndex& index, int role) const {
                 data->setShowSelectNumStr(fmt::format("{}/{}", data->selectNum() == 1 ? shown->numberOfChildren() : 0,
                                                       shown->numberOfChildren()));
             return text(*shown, index.column());
-        case Qt::ToolTipRole: return asToolTip(QString::fromStdString(data->name()));
+        case Qt::ToolTipRole: return asToolTip(toolTipOf(*data));
+        case Qt::AccessibleDescriptionRole:
+            return index.column() == NameColumn ? specialsOf(*data).join(QLatin1Char('\n')) : QString();
         case Qt::AccessibleTextRole:
             return index.column() == Checkbox ? QString::fromStdString(data->name()) : text(*shown, index.column());
         case Qt::TextAlignmentRole:
@@ -161,6 +195,9 @@ QVariant DuplicateResultModel::data(const QModelIndex& index, int role) const {
                        ? QVariant(static_cast<int>(checkState(tickState(QVariant(data->selectNum())))))
                        : QVariant();
         case IsGroupRole: return data->isGroup();
+        case SharedFolderRole: return data->isGroup() ? QString() : sharedFolder(*shown->nodeParent());
+        case LinkRole: return data->isLink();
+        case HardLinksRole: return data->hardLinks();
         case IconRole: return data->iconRep() && m_icons ? QVariant(m_icons(*data->iconRep())) : QVariant();
         default: return {};
     }
@@ -178,8 +215,11 @@ bool DuplicateResultModel::setData(const QModelIndex& index, const QVariant& /*v
 QVariant DuplicateResultModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (orientation != Qt::Horizontal) return {};
     if (role == Qt::TextAlignmentRole && section == FileSize) return QVariant(Qt::AlignRight | Qt::AlignVCenter);
-    if (role != Qt::DisplayRole) return {};
+    // Columns of boxes and pictures have no words over them, but a name for those who do not see them.
+    const bool isNamed = role == Qt::AccessibleTextRole;
+    if (role != Qt::DisplayRole && !isNamed) return {};
     switch (section) {
+        case Checkbox: return isNamed ? QVariant(tr("Ticked")) : QVariant();
         case NameColumn: return tr("Name");
         case AllSelectNum: return tr("Selected");
         case FileSize: return tr("Size");

@@ -3,6 +3,7 @@
 
 #include <QAbstractItemModel>
 #include <functional>
+#include <unordered_map>
 
 #include "engine/duplicates/tree/SimpleTreeNode.h"
 
@@ -19,7 +20,10 @@ public:
     enum Role {
         StateRole = Qt::UserRole,  ///< selectNum: 0 nothing, 1 all, 2 some
         IsGroupRole,
-        IconRole  ///< a QIcon, made when it is drawn
+        IconRole,          ///< a QIcon, made when it is drawn
+        SharedFolderRole,  ///< of a copy: the folder below which all copies of its group lie, with a slash at its end
+        LinkRole,          ///< the row is a link, or stands behind one
+        HardLinksRole      ///< how many names its file has
     };
 
     using IconSource = std::function<QIcon(const IconRequest&)>;
@@ -51,10 +55,13 @@ public:
 
 private:
     [[nodiscard]] QString text(const TreeNode& node, int column) const;
+    [[nodiscard]] QString sharedFolder(const TreeNode& group) const;
 
     IconSource m_icons;
     BoxClicked m_boxClicked;
     TreeNode* m_tree = nullptr;
+    // Of the groups that were drawn: a group may have a hundred thousand copies, and all of them have to be asked.
+    mutable std::unordered_map<const TreeNode*, QString> m_sharedFolders;
 };
 
 }  // namespace orrinvale

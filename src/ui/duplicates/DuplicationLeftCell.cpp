@@ -9,6 +9,7 @@
 #include "ui/kit/chrome/buttonLook.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/look/Theme.h"
+#include "ui/kit/look/accessibleRole.h"
 #include "ui/kit/look/getColor.h"
 #include "ui/kit/look/picture.h"
 
@@ -37,12 +38,15 @@ DuplicationLeftCell::DuplicationLeftCell(std::int32_t rowViewNum, const QString&
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_Hover);
     setObjectName(QStringLiteral("leftCell%1").arg(rowViewNum));
+    setAccessibleTraits(*this, {.role = QAccessible::ListItem, .isSelectable = true, .press = [this] { choose(); }});
+    setAccessiblySelected(*this, m_isSelected);
     connect(&Theme::shared(), &Theme::changed, this, [this] { update(); });
     setSizeTextFieldString(shownSize("0.00K"));
 }
 
 void DuplicationLeftCell::setHiglightImage(bool isSelected) {
     m_isSelected = isSelected;
+    setAccessiblySelected(*this, isSelected);
     update();
 }
 

@@ -9,24 +9,58 @@
 #include "ui/kit/controls/FlatHeader.h"
 #include "ui/kit/controls/pathText.h"
 #include "ui/kit/look/Theme.h"
+#include "ui/kit/look/picture.h"
 
 namespace orrinvale {
 namespace {
 
-// The folder gives way first: the name is what tells two rows apart.
-void drawPath(QPainter& painter, const QRect& rect, const QString& path, const QFont& font, const QColor& nameColor) {
-    const QFontMetrics metrics(font);
-    const qsizetype cut = path.lastIndexOf(QLatin1Char('/')) + 1;
-    const QString name = path.mid(cut);
-    const int nameWidth = qMin(metrics.horizontalAdvance(name), rect.width());
-    const QString folder = shortenedFolder(path.left(cut), metrics, rect.width() - nameWidth);
-    const int folderWidth = metrics.horizontalAdvance(folder);
+constexpr int signSide = 16;
+
+void drawPath(QPainter& painter, const QRect& rect, const PathParts& shown, const QFont& font) {
+    const Theme& theme = Theme::shared();
+    constexpr int how = Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine;
     painter.setFont(font);
-    painter.setPen(Theme::shared().color(Theme::Color::TextSecondary));
-    painter.drawText(rect, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, folder);
-    painter.setPen(nameColor);
-    painter.drawText(rect.adjusted(folderWidth, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
-                     metrics.elidedText(name, Qt::ElideMiddle, rect.width() - folderWidth));
+    painter.setPen(theme.color(Theme::Color::TextSecondary));
+    painter.drawText(rect, how, shown.folder);
+    painter.setPen(theme.color(Theme::Color::Text));
+    painter.drawText(rect.adjusted(QFontMetrics(font).horizontalAdvance(shown.folder), 0, 0, 0), how, shown.name);
+}
+
+// What is special about the file behind a row, in small pictures before its path. Returns where they end.
+int drawSigns(QPainter& painter, const QRect& rect, const QModelIndex& index) {
+    int left = rect.left();
+    const auto draw = [&](const QString& name) {
+        picture(name).paint(&painter, QRect(left, rect.top() + (rect.height() - signSide) / 2, signSide, signSide));
+        left += signSide + Theme::gapTiny;
+    };
+    if (index.data(DuplicateResultModel::LinkRole).toBool()) draw(QStringLiteral("sign_link"));
+    if (index.data(DuplicateResultModel::HardLinksRole).toUInt() > 1) draw(QStringLiteral("sign_hard_link"));
+    return left;
+}
+
+void drawNameCell(QPainter& painter, const QRect& cell, const QModelIndex& index) {
+    QRect rect = cell.adjusted(Theme::gapTiny, 0, -FlatHeader::textMargin, 0);  // beside its chevron
+    constexpr int side = ResultRowDelegate::iconSide;
+    const QRect iconRect(rect.left(), rect.top() + (rect.height() - side) / 2, side, side);
+    index.data(DuplicateResultModel::IconRole).value<QIcon>().paint(&painter, iconRect);
+    rect.setLeft(iconRect.right() + 1 + Theme::gapSmall);
+    rect.setLeft(drawSigns(painter, rect, index));
+    const bool isGroup = index.data(DuplicateResultModel::IsGroupRole).toBool();
+    const QFont font = Theme::shared().font(isGroup ? Theme::Text::BodyStrong : Theme::Text::Body);
+    const QString shared = index.data(DuplicateResultModel::SharedFolderRole).toString();
+    const QString path = onOneLine(index.data(Qt::DisplayRole).toString());
+    drawPath(painter, rect, shortenedPath(path, shared, QFontMetrics(font), rect.width()), font);
+}
+
+void drawTextCell(QPainter& painter, const QRect& cell, const QModelIndex& index) {
+    const QRect rect = cell.adjusted(FlatHeader::textMargin, 0, -FlatHeader::textMargin, 0);
+    const bool isGroup = index.data(DuplicateResultModel::IsGroupRole).toBool();
+    const QFont font = Theme::shared().font(Theme::Text::Body);
+    painter.setFont(font);
+    painter.setPen(Theme::shared().color(isGroup ? Theme::Color::Text : Theme::Color::TextSecondary));
+    painter.drawText(
+        rect, index.data(Qt::TextAlignmentRole).toInt() | Qt::TextSingleLine,
+        QFontMetrics(font).elidedText(index.data(Qt::DisplayRole).toString(), Qt::ElideRight, rect.width()));
 }
 
 }  // namespace
@@ -37,27 +71,9 @@ void ResultRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opt
     QStyle* const style = option.widget != nullptr ? option.widget->style() : QApplication::style();
     style->drawPrimitive(QStyle::PE_PanelItemViewItem, &cell, painter, option.widget);
 
-    const Theme& theme = Theme::shared();
-    const bool isGroup = index.data(DuplicateResultModel::IsGroupRole).toBool();
-    const QString text = onOneLine(index.data(Qt::DisplayRole).toString());
-    QRect rect = option.rect.adjusted(FlatHeader::textMargin, 0, -FlatHeader::textMargin, 0);
     painter->save();
-    if (index.column() == DuplicateResultModel::NameColumn) {
-        rect.setLeft(option.rect.left() + Theme::gapTiny);  // beside its chevron
-        const auto icon = index.data(DuplicateResultModel::IconRole).value<QIcon>();
-        const QRect iconRect(rect.left(), rect.top() + (rect.height() - iconSide) / 2, iconSide, iconSide);
-        icon.paint(painter, iconRect);
-        rect.setLeft(iconRect.right() + 1 + Theme::gapSmall);
-        drawPath(*painter, rect, text, theme.font(isGroup ? Theme::Text::BodyStrong : Theme::Text::Body),
-                 theme.color(Theme::Color::Text));
-    } else {
-        const auto alignment = index.data(Qt::TextAlignmentRole).toInt();
-        const QFont font = theme.font(Theme::Text::Body);
-        painter->setFont(font);
-        painter->setPen(theme.color(isGroup ? Theme::Color::Text : Theme::Color::TextSecondary));
-        painter->drawText(rect, alignment | Qt::TextSingleLine,
-                          QFontMetrics(font).elidedText(text, Qt::ElideRight, rect.width()));
-    }
+    if (index.column() == DuplicateResultModel::NameColumn) drawNameCell(*painter, option.rect, index);
+    else drawTextCell(*painter, option.rect, index);
     painter->restore();
 }
 

@@ -42,7 +42,7 @@ void SameFileDeleteViewController::removeBtnClicked() {
     if (!m_bSearchFinished || m_selection.allSelectNumArr().empty()) return;
     // What was ticked when the person confirms is what goes.
     // Not what a later search may have put in its place.
-    m_parts.dialogs->alert(m_mainWindow, removalQuestion(),
+    m_parts.dialogs->alert(m_mainWindow, questionAboutTicked(),
                            [self = QPointer(this), asked = m_duplicateOpt](int button) {
                                if (self != nullptr && self->m_duplicateOpt == asked)
                                    self->alertEnded_aContext(button == 0 ? 1 : 0);
@@ -240,6 +240,7 @@ void SameFileDeleteViewController::unlockRigths() {
             if (self != nullptr) {
                 self->m_unlocking.reset();
                 self->m_views->lockButton->setEnabled(self->m_bSearchFinished);
+                self->m_views->lockButton->setFocus();  // it lost the keyboard while it rested
             }
             notifications->post("changeLockState");
         });

@@ -13,9 +13,29 @@
 namespace orrinvale {
 
 void SameFileDeleteViewController::shouldSelectItem(const QModelIndex& index) {
-    const TreeNode::Pointer node = m_model->node(index);
+    const QPersistentModelIndex chosen(index);
     finishSorting();  // the row now chosen moves along
-    m_openItemPath = node ? simpleData(*node)->name() : std::string();
+    m_openItemPath = pathOf(chosen);
+}
+
+// A group has a name and no place on the disk: its first copy stands for it.
+std::string SameFileDeleteViewController::pathOf(const QModelIndex& index) const {
+    const TreeNode::Pointer node = m_model->node(index);
+    if (!node) return {};
+    if (!simpleData(*node)->isGroup()) return simpleData(*node)->name();
+    return node->numberOfChildren() != 0 ? simpleData(*node->childAtIndex(0))->name() : std::string();
+}
+
+std::string SameFileDeleteViewController::previewBeside(int step) {
+    if (!m_bSearchFinished) return {};
+    QTreeView& outline = *m_views->outline;
+    QModelIndex row = outline.currentIndex();
+    const std::string shown = pathOf(row);
+    do row = step < 0 ? outline.indexAbove(row) : outline.indexBelow(row);
+    while (row.isValid() && pathOf(row) == shown);  // an open group and its first copy
+    if (!row.isValid()) return {};
+    outline.setCurrentIndex(row);
+    return m_openItemPath;
 }
 
 void SameFileDeleteViewController::openFinderBtnClicked() {
@@ -37,10 +57,11 @@ void SameFileDeleteViewController::didClickTableColumn(int column) {
 void SameFileDeleteViewController::sortTree(int column) {
     using Model = DuplicateResultModel;
     const bool isSortable = column == Model::NameColumn || column == Model::FileSize || column == Model::ModifyDate;
-    QHeaderView& header = *m_views->outline->header();
-    header.setSortIndicatorShown(isSortable);
+    auto& sorting = m_sortings.at(static_cast<std::size_t>(m_remberWitchSelect));
+    sorting.reset();
+    if (isSortable) sorting = {column, m_sortDescending ? Qt::DescendingOrder : Qt::AscendingOrder};
+    showSortIndicator();
     if (!isSortable || m_treeData == nullptr) return;
-    header.setSortIndicator(column, m_sortDescending ? Qt::DescendingOrder : Qt::AscendingOrder);
     finishSorting();  // equal keys keep the order of the sort before
     const SortKey key = column == Model::NameColumn ? SortKey::Name
                         : column == Model::FileSize ? SortKey::Size
@@ -56,6 +77,14 @@ void SameFileDeleteViewController::sortTree(int column) {
         if (m_treeData->numberOfChildren() <= atOnce) m_leafSort.finish();
     });
     if (m_leafSort.isPending()) m_sortTimer.start();
+}
+
+// Each kind has an order of its own, and a list that nobody has sorted shows none.
+void SameFileDeleteViewController::showSortIndicator() {
+    const auto& sorting = m_sortings.at(static_cast<std::size_t>(m_remberWitchSelect));
+    QHeaderView& header = *m_views->outline->header();
+    header.setSortIndicatorShown(sorting.has_value());
+    if (sorting) header.setSortIndicator(sorting->column, sorting->order);
 }
 
 void SameFileDeleteViewController::sortFurther() {

@@ -2,6 +2,7 @@
 #include <QLabel>
 #include <QLocale>
 
+#include "engine/text/UtilityFunction.h"
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/duplicates/ResultOutline.h"
 #include "ui/duplicates/SameFileDeleteViewController.h"
@@ -10,6 +11,7 @@
 #include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/controls/PictureView.h"
 #include "ui/kit/controls/TickBox.h"
+#include "ui/kit/controls/numberText.h"
 #include "ui/kit/dialogs/Dialogs.h"
 
 namespace orrinvale {
@@ -26,8 +28,8 @@ QString selectedText(std::size_t selected, bool isAnything) {
 
 }  // namespace
 
-QString SameFileDeleteViewController::rowLabel() const {
-    if (m_remberWitchSelect != 0) return resultRowTitle(static_cast<std::size_t>(m_remberWitchSelect));
+QString SameFileDeleteViewController::rowLabel(std::int32_t row) const {
+    if (row != 0) return resultRowTitle(static_cast<std::size_t>(row));
     const std::size_t end = m_searchPath.find_last_not_of('/');
     if (end == std::string::npos) return QString::fromStdString(m_searchPath);  // the root
     const std::size_t cut = m_searchPath.find_last_of('/', end);
@@ -43,6 +45,7 @@ void SameFileDeleteViewController::refViewBgColor(std::int32_t row) {
     m_views->rightImageView->setPicture(toText(resultRows.at(static_cast<std::size_t>(row)).picture));
     // While a removal changes the trees nothing looks at them; at its end the list gets the view that was chosen last.
     if (!isRemoving()) m_model->setTree(m_treeData);
+    showSortIndicator();
     if (m_treeData != nullptr) {
         changeAllSelectCheckBoxState();
         if (m_model->rowCount() > 0) m_views->outline->expand(m_model->index(0, 0));
@@ -126,6 +129,26 @@ void SameFileDeleteViewController::callBackDeleteItemWithIndex() {
 
 void SameFileDeleteViewController::setRemoveButtonState() {
     m_views->stopBtn->setEnabled(m_bSearchFinished && !m_selection.allSelectNumArr().empty());
+    showGain();
+}
+
+void SameFileDeleteViewController::showGain() {
+    const TickedSums& sums = m_selection.sums();
+    QLabel& label = *m_views->gainLabel;
+    label.setVisible(sums.copies != 0);
+    label.setText(sums.bytes == 0
+                      ? tr("Nothing can be gained")
+                      : tr("%1 can be gained").arg(shownSize(UtilityFunction::convertVolSpace(sums.bytes))));
+    label.setToolTip(tr("A file with several names counts once, and only when all its names are ticked."));
+}
+
+Alert SameFileDeleteViewController::questionAboutTicked() const {
+    Alert question = removalQuestion();
+    const auto outside = static_cast<int>(m_selection.sums().outside);
+    if (outside == 1) question.text = tr("1 of them lies outside of the folder that was searched.");
+    else if (outside > 1)
+        question.text = tr("%Ln of them lie outside of the folder that was searched.", nullptr, outside);
+    return question;
 }
 
 void SameFileDeleteViewController::showHeaderBox(const HeaderBox& box) {
@@ -137,22 +160,48 @@ void SameFileDeleteViewController::showHeaderBox(const HeaderBox& box) {
 void SameFileDeleteViewController::changeAllSelectCheckBoxState() {
     if (m_treeData == nullptr) return;
     const HeaderBox box = DuplicateSelection::headerBox(*m_treeData);
-    if (!box.isOn) m_tickedByHeader.reset(static_cast<std::size_t>(m_remberWitchSelect));
+    forgetClearedKinds();
     showHeaderBox(box);
-    showSelectCountWithFileCount(box.leaves, rowLabel());
+    showSelectCountWithFileCount(box.leaves, rowLabel(m_remberWitchSelect));
+}
+
+void SameFileDeleteViewController::forgetClearedKinds() {
+    for (std::size_t row = 1; row < m_tickedByHeader.size(); ++row) {
+        const SimpleTreeNode* const tree = m_results.tree(row);
+        if (m_tickedByHeader[row] && (tree == nullptr || !DuplicateSelection::hasTicks(*tree)))
+            m_tickedByHeader.reset(row);
+    }
+}
+
+// The first row shows all kinds: there the box has ticked what is ticked when that is so of each kind with ticks.
+bool SameFileDeleteViewController::isTickedByHeader() const {
+    const auto view = static_cast<std::size_t>(m_remberWitchSelect);
+    if (view != 0) return m_tickedByHeader[view];
+    for (std::size_t row = 1; row < m_tickedByHeader.size(); ++row) {
+        const SimpleTreeNode* const tree = m_results.tree(row);
+        if (!m_tickedByHeader[row] && tree != nullptr && DuplicateSelection::hasTicks(*tree)) return false;
+    }
+    return true;
+}
+
+void SameFileDeleteViewController::setTickedByHeader(bool on) {
+    const auto view = static_cast<std::size_t>(m_remberWitchSelect);
+    if (view != 0) m_tickedByHeader.set(view, on);
+    else if (on) m_tickedByHeader.set();
+    else m_tickedByHeader.reset();
 }
 
 void SameFileDeleteViewController::setAllSelectOrNoSelect() {
-    const auto view = static_cast<std::size_t>(m_remberWitchSelect);
     // The box shows "some" both for what it has ticked itself, which the next click clears, and for ticks made by hand.
-    const bool on = m_views->button->state() != TickState::Nothing && !m_tickedByHeader[view];
+    const bool wasClear = m_treeData == nullptr || !DuplicateSelection::hasTicks(*m_treeData);
+    const bool on = wasClear || !isTickedByHeader();
     if (m_treeData == nullptr || m_treeData->numberOfChildren() == 0 || !m_bSearchFinished) {
         showHeaderBox({});
         return;
     }
     finishSorting();
     m_selection.setAll(*m_treeData, on);
-    m_tickedByHeader.set(view, on);
+    setTickedByHeader(on);
     m_views->button->setState(on ? TickState::Some : TickState::Nothing);
     setRemoveButtonState();
     setSelectCount();
@@ -160,9 +209,14 @@ void SameFileDeleteViewController::setAllSelectOrNoSelect() {
 }
 
 void SameFileDeleteViewController::updateCheckBox() {
-    if (m_treeData != nullptr) m_selection.clearTree(*m_treeData);
-    m_tickedByHeader.reset(static_cast<std::size_t>(m_remberWitchSelect));
+    // After a stop nothing is selected any more, in whatever view it was ticked; else what failed stays ticked in the other views.
+    TreeNode* const cleared = m_isClickStopRemove ? m_results.tree(0) : m_treeData;
+    if (cleared != nullptr) m_selection.clearTree(*cleared);
+    m_selection.allSelectNumArr().removeOrphans();
+    m_selection.recount();
+    forgetClearedKinds();
     showHeaderBox({});
+    showGain();
     m_model->refresh();
 }
 

@@ -28,6 +28,7 @@
 #include "ui/kit/controls/PictureView.h"
 #include "ui/kit/controls/TickBox.h"
 #include "ui/kit/controls/numberText.h"
+#include "ui/kit/controls/pathText.h"
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/dialogs/LineList.h"
 #include "ui/kit/look/picture.h"
@@ -64,7 +65,7 @@ SameFileDeleteViewController::SameFileDeleteViewController(SameFileDeleteParts p
           m_parts.icons, [this](const TreeNode::Pointer& node, const QModelIndex& index) { boxClicked(node, index); })),
       m_flight(*m_views->detailView) {
     m_views->outline->setModel(m_model.get());
-    m_views->dragView->setDelegate(this);
+    for (DragView* const area : {m_views->dragView, m_views->resultDragView}) area->setDelegate(this);
     m_flight.setDelegate(this);
     m_searchPath = QFile::encodeName(QDir::homePath()).toStdString();
     m_views->titleLabel->setText(bytesToText(m_searchPath));
@@ -85,6 +86,7 @@ SameFileDeleteViewController::~SameFileDeleteViewController() {
     if (m_duplicateOpt) m_duplicateOpt->stopSearch();
     m_model->setTree(nullptr);
     if (m_views->fristView != nullptr) m_views->dragView->setDelegate(nullptr);
+    if (m_views->detailView != nullptr) m_views->resultDragView->setDelegate(nullptr);
 }
 
 QWidget* SameFileDeleteViewController::view() const { return m_views->fristView; }
@@ -127,18 +129,35 @@ void SameFileDeleteViewController::clickScanBtn() {
     choice.directory = m_searchPath;
     choice.withSeveral = true;
     m_parts.dialogs->choosePaths(m_mainWindow, choice, [self = QPointer(this)](std::vector<std::string> paths) {
-        if (self != nullptr && !paths.empty()) self->searchFolder(paths.front());
+        if (self != nullptr && !paths.empty()) self->searchFolder(paths.front(), paths.size() > 1);
     });
 }
 
-void SameFileDeleteViewController::viewDragAction(const std::string& path) {
+void SameFileDeleteViewController::folderDropped(const std::string& path, bool isOneOfSeveral) {
     const auto attributes = m_parts.files->attributes(FileSystem::noParent, path.c_str(), Links::Follow);
-    if (attributes && attributes->type == FileType::Folder) searchFolder(path);
+    if (!attributes || attributes->type != FileType::Folder || !m_bSearchFinished) return;
+    if (m_selection.allSelectNumArr().empty() || !m_views->detailView->isVisible()) {
+        searchFolder(path, isOneOfSeveral);
+        return;
+    }
+    Alert question;
+    question.title = tr("Search another folder?");
+    question.text = tr("What is ticked here is forgotten, and nothing is removed. To be searched: %1")
+                        .arg(onOneLine(bytesToText(path)));
+    question.buttons = QStringList{tr("Search"), tr("Cancel")};
+    question.cancelButton = 1;
+    m_parts.dialogs->alert(m_mainWindow, question, [self = QPointer(this), path, isOneOfSeveral](int button) {
+        if (self != nullptr && button == 0) self->searchFolder(path, isOneOfSeveral);
+    });
 }
 
-void SameFileDeleteViewController::searchFolder(const std::string& path) {
+void SameFileDeleteViewController::searchFolder(const std::string& path, bool isOneOfSeveral) {
     if (!m_bSearchFinished) return;
     updatePathString(path);
+    for (QLabel* const label : {m_views->onlyOneLabel, static_cast<QLabel*>(m_views->onlyOneNote)}) {
+        label->setText(tr("One folder at a time: only %1 is searched").arg(onOneLine(rowLabel(0))));
+        label->setVisible(isOneOfSeveral);
+    }
     searchBtnClicked();
     forwardViewForAnimation();
 }
@@ -188,6 +207,8 @@ void SameFileDeleteViewController::searchBtnClicked() {
     old->search = std::move(m_duplicateOpt);
     old->removal = std::move(m_removal);
     old->ticked = std::exchange(m_selection.allSelectNumArr(), {});
+    m_selection.recount();
+    showGain();
     old->results = resetOulineView();
     showPercent(0);
 
@@ -230,9 +251,11 @@ void SameFileDeleteViewController::getPathForSreachDuplicate() {
     }
     if (const auto search = m_duplicateOpt->search()) {
         const SearchCounts counts = search->counts();
-        m_views->countsLabel->setText(tr("%1 files listed, %2 compared")
-                                          .arg(QLocale().toString(counts.listedFiles),
-                                               shownSize(UtilityFunction::convertVolSpace(counts.hashedBytes))));
+        const QString compared = shownSize(UtilityFunction::convertVolSpace(counts.hashedBytes));
+        m_views->countsLabel->setText((counts.listedFiles == 1 ? tr("1 file listed, %1 compared")
+                                                               : tr("%Ln files listed, %1 compared", nullptr,
+                                                                    static_cast<int>(counts.listedFiles)))
+                                          .arg(compared));
     }
 }
 
@@ -256,7 +279,8 @@ void SameFileDeleteViewController::searchFinished(ResultViews found) {
     constructSubtrees();
     if (m_model->rowCount() > 0) m_views->outline->expand(m_model->index(0, 0));
     m_views->animation->stop();
-    showSelectCountWithFileCount(m_treeData != nullptr ? ResultViews::leafCount(*m_treeData) : 0, rowLabel());
+    showSelectCountWithFileCount(m_treeData != nullptr ? ResultViews::leafCount(*m_treeData) : 0,
+                                 rowLabel(m_remberWitchSelect));
     QTimer::singleShot(1000, this, [this] { delayBtnChangeStateTime(); });
 }
 
@@ -297,9 +321,8 @@ void SameFileDeleteViewController::showFitting() {
     const auto search = m_duplicateOpt ? m_duplicateOpt->search() : nullptr;
     const std::size_t skipped = search ? search->skipped().entries().size() : 0;
     views.quietLine->setVisible(skipped != 0);
-    views.quietLine->setText(skipped == 1
-                                 ? tr("1 entry could not be read")
-                                 : tr("%1 entries could not be read").arg(QLocale().toString(qulonglong(skipped))));
+    views.quietLine->setText(skipped == 1 ? tr("1 entry could not be read")
+                                          : tr("%Ln entries could not be read", nullptr, static_cast<int>(skipped)));
     showRemovalEnded();
     const bool isEmpty = m_results.tree(0) == nullptr || m_results.tree(0)->numberOfChildren() == 0;
     const bool removedAll = isEmpty && m_removal != nullptr;
@@ -345,7 +368,8 @@ ResultViews SameFileDeleteViewController::resetOulineView() {
     ++m_resultNumber;
     m_openItemPath.clear();
     m_lastColumn = -1;
-    m_views->outline->header()->setSortIndicatorShown(false);
+    m_sortings = {};
+    showSortIndicator();
     showSameFileSize();
     return old;
 }

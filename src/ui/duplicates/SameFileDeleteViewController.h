@@ -8,10 +8,12 @@
 #include <QPersistentModelIndex>
 #include <QPointer>
 #include <QTimer>
+#include <array>
 #include <bitset>
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,6 +30,7 @@
 namespace orrinvale {
 
 class Dialogs;
+struct Alert;
 class DuplicateFilesOpt;
 class DuplicateResultModel;
 class SameFileDeleteViews;
@@ -42,7 +45,7 @@ public:
     virtual void changeToProgressView() {}
     virtual void changeToDetailView() {}
     virtual void backButtonAction() {}
-    /// Exact bytes; of a group the bare name.
+    /// Exact bytes; of a group those of its first copy.
     virtual void pereviewFileWithFileNodePath(const std::string& path) { static_cast<void>(path); }
 
 protected:
@@ -85,8 +88,14 @@ public:
     [[nodiscard]] bool isRemoving() const { return m_removalTimer.isActive(); }
     [[nodiscard]] const std::string& searchPath() const { return m_searchPath; }
 
-    /// Searches a folder, as if it had been dropped. Does nothing when it is none, or while something runs.
-    void viewDragAction(const std::string& path) override;
+    /// Searches a folder, as if it had been dropped. Does nothing when it is none, or while something runs. Where the result on
+    /// the screen has ticks the person is asked first.
+    void viewDragAction(const std::string& path) override { folderDropped(path, false); }
+    void viewDragActionOfSeveral(const std::string& path) override { folderDropped(path, true); }
+
+    /// Goes on to the next row that stands for another file, or with -1 to the one before, and gives its path; empty where there
+    /// is none.
+    [[nodiscard]] std::string previewBeside(int step);
 
 public Q_SLOTS:
     void clickScanBtn();
@@ -104,7 +113,8 @@ public Q_SLOTS:
 private:
     // Search.
     void connectControls();
-    void searchFolder(const std::string& path);
+    void folderDropped(const std::string& path, bool isOneOfSeveral);
+    void searchFolder(const std::string& path, bool isOneOfSeveral);
     void updatePathString(const std::string& path);
     void forwardViewForAnimation();
     void backViewForAnimation();
@@ -129,10 +139,16 @@ private:
     void fly(const TreeNode::Pointer& leaf);
     void callBackDeleteItemWithIndex() override;
     void setRemoveButtonState();
+    void showGain();
+    [[nodiscard]] Alert questionAboutTicked() const;
     void changeAllSelectCheckBoxState();
+    void forgetClearedKinds();
+    [[nodiscard]] bool isTickedByHeader() const;
+    void setTickedByHeader(bool on);
     void updateCheckBox();
     void showHeaderBox(const HeaderBox& box);
-    [[nodiscard]] QString rowLabel() const;
+    /// What the titles call the view of a row: its kind, or the folder that was searched.
+    [[nodiscard]] QString rowLabel(std::int32_t row) const;
 
     // Removal.
     void alertEnded_aContext(int code);
@@ -149,8 +165,10 @@ private:
 
     // One row.
     void shouldSelectItem(const QModelIndex& index);
+    [[nodiscard]] std::string pathOf(const QModelIndex& index) const;
     void didClickTableColumn(int column);
     void sortTree(int column);
+    void showSortIndicator();
     void sortFurther();
     void finishSorting();
     void showRowMenu(const QModelIndex& index, QPoint position);
@@ -180,8 +198,14 @@ private:
     QTimer m_removalTimer;
     PathAnimation m_flight;
     QPersistentModelIndex m_checkBoxItem;  // the row whose box was clicked last
+    /// How the list of each row on the left was sorted; a result comes unsorted.
+    struct Sorting {
+        int column;
+        Qt::SortOrder order;
+    };
+    std::array<std::optional<Sorting>, resultRows.size()> m_sortings;
     int m_lastColumn = -1;
-    std::bitset<7> m_tickedByHeader;  // by view: its header box was switched on, and nothing has cleared the view since
+    std::bitset<7> m_tickedByHeader;  // by kind: a header box was switched on over it, and nothing has cleared it since
     bool m_sortDescending = false;
     bool m_bSearchFinished = true;
     bool m_isStopScan = false;

@@ -23,11 +23,12 @@
 #include "ui/kit/controls/TickBox.h"
 #include "ui/kit/controls/viewParts.h"
 #include "ui/kit/look/Theme.h"
+#include "ui/kit/look/accessibleRole.h"
 
 namespace orrinvale {
 namespace {
 
-constexpr int leftViewWidth = 204;
+constexpr int leftViewWidth = 188;
 constexpr int barHeight = 52;
 constexpr int imageSide = 64;
 
@@ -104,6 +105,8 @@ void SameFileDeleteViews::makeProgressView(const NotificationCenter& notificatio
     progressageView = named(new Panel(Theme::Color::Window), "progressageView");
     animation = named(new Animation(notifications), "animation", tr("Progress of the search"));
     progress = makeLabel("progress", Theme::Text::Display);
+    onlyOneLabel = makeLabel("onlyOneLabel", Theme::Text::Caption, QPalette::PlaceholderText);
+    onlyOneLabel->hide();
     stopScanBtn = named(new TextImageButton(tr("Stop")), "stopScanBtn");
     stopScanBtn->setToolTip(tr("Stop Scan"));
     auto* const column = new QVBoxLayout(progressageView);
@@ -113,6 +116,7 @@ void SameFileDeleteViews::makeProgressView(const NotificationCenter& notificatio
     column->addWidget(progress);
     column->addWidget(animation, 0, Qt::AlignHCenter);
     column->addSpacing(Theme::gapSmall);
+    column->addWidget(onlyOneLabel);
     column->addStretch();
     column->addWidget(stopScanBtn, 0, Qt::AlignHCenter);
 }
@@ -131,6 +135,7 @@ void SameFileDeleteViews::showLoadPathInDetail() {
 QWidget* SameFileDeleteViews::makeLeftView(const NotificationCenter& notifications) {
     leftView = named(new Panel(Theme::Color::SurfaceRaised, Qt::RightEdge), "leftView", tr("Kinds of files"));
     leftView->setFixedWidth(leftViewWidth);
+    setAccessibleTraits(*leftView, {.role = QAccessible::List});
     auto* const column = new QVBoxLayout(leftView);
     column->setContentsMargins(Theme::gapSmall, Theme::gap, Theme::gapSmall, Theme::gap);
     column->setSpacing(0);
@@ -210,6 +215,8 @@ QWidget* SameFileDeleteViews::makeBottomBar() {
     quietLine->hide();
     removedLine->hide();
     failureLine->hide();
+    gainLabel = makeLabel("gainLabel", Theme::Text::Body, QPalette::PlaceholderText);
+    gainLabel->hide();
     trashBtn = named(new PictureView(QStringLiteral("trash"), {20, 20}), "trashBtn");
     stopRemoveBtn = named(new TextImageButton(tr("Stop")), "stopRemoveBtn");
     stopRemoveBtn->hide();
@@ -222,7 +229,13 @@ QWidget* SameFileDeleteViews::makeBottomBar() {
     row->addWidget(quietLine);
     row->addWidget(removedLine);
     row->addWidget(failureLine);
+    onlyOneNote = named(new ElidedLabel(Qt::ElideMiddle), "onlyOneNote");
+    onlyOneNote->setFont(Theme::shared().font(Theme::Text::Caption));
+    onlyOneNote->setForegroundRole(QPalette::PlaceholderText);
+    onlyOneNote->hide();
+    row->addWidget(onlyOneNote, 1);
     row->addStretch();
+    row->addWidget(gainLabel);
     row->addWidget(trashBtn);
     row->addWidget(stopRemoveBtn);
     row->addWidget(stopBtn);
@@ -231,7 +244,12 @@ QWidget* SameFileDeleteViews::makeBottomBar() {
 
 void SameFileDeleteViews::makeDetailView(const NotificationCenter& notifications) {
     detailView = named(new Panel(Theme::Color::Window), "detailView");
-    auto* const row = new QHBoxLayout(detailView);
+    resultDragView = named(new DragView(detailView), "resultDragView", tr("Drop a folder here to search it"));
+    resultDragView->setFrameAtRest(false);
+    auto* const around = new QVBoxLayout(detailView);
+    around->setContentsMargins({});
+    around->addWidget(resultDragView);
+    auto* const row = new QHBoxLayout(resultDragView);
     row->setContentsMargins({});
     row->setSpacing(0);
     row->addWidget(makeLeftView(notifications));
@@ -242,6 +260,7 @@ void SameFileDeleteViews::makeDetailView(const NotificationCenter& notifications
     column->addWidget(makeContent(), 1);
     column->addWidget(makeBottomBar());
     row->addLayout(column, 1);
+    resultDragView->setInvitation(tr("Drop the folder to search it"));
 }
 
 }  // namespace orrinvale

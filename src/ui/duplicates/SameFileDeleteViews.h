@@ -62,9 +62,12 @@ public:
     QLabel* countsLabel = nullptr;
     Animation* animation = nullptr;
     QLabel* progress = nullptr;
+    QLabel* onlyOneLabel = nullptr;  ///< of several folders one is searched; hidden where there was one
     TextImageButton* stopScanBtn = nullptr;
 
     // The detail view.
+    DragView* resultDragView = nullptr;  ///< holds all of it
+    ElidedLabel* onlyOneNote = nullptr;  ///< what onlyOneLabel said during the search
     QWidget* leftView = nullptr;
     std::array<DuplicationLeftCell*, 7> leftCells{};
     TCImageButton* backButton = nullptr;
@@ -85,6 +88,7 @@ public:
     HoverButton* quietLine = nullptr;
     QLabel* removedLine = nullptr;  ///< what the last removal took
     HoverButton* failureLine = nullptr;
+    QLabel* gainLabel = nullptr;  ///< what the removal of the ticked copies gives back; hidden while there are none
     PictureView* trashBtn = nullptr;
     TextImageButton* stopRemoveBtn = nullptr;
     TextImageButton* stopBtn = nullptr;

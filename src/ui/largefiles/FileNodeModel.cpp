@@ -255,6 +255,7 @@ QVariant FileNodeModel::data(const QModelIndex& index, int role) const {
         case StateRole: return isBox ? QVariant(int(shown->state())) : QVariant();
         case Qt::CheckStateRole:
             return isBox ? QVariant(int(checkState(tickState(QVariant(int(shown->state())))))) : QVariant();
+        case ScannedFolderRole: return QString::fromStdString(m_tree->root().path());
         case IconRole:
             if (column == Name) return icon(*shown);
             if (column == OpenFinder) return picture(QStringLiteral("locate"));
@@ -275,8 +276,13 @@ bool FileNodeModel::setData(const QModelIndex& index, const QVariant& /*value*/,
 QVariant FileNodeModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (orientation != Qt::Horizontal) return {};
     if (role == Qt::TextAlignmentRole && section == Size) return QVariant(Qt::AlignRight | Qt::AlignVCenter);
-    if (role != Qt::DisplayRole) return {};
+    // Columns of boxes and pictures have no words over them, but a name for those who do not see them.
+    const bool isNamed = role == Qt::AccessibleTextRole;
+    if (role != Qt::DisplayRole && !isNamed) return {};
     switch (section) {
+        case CheckBox: return isNamed ? QVariant(tr("Ticked")) : QVariant();
+        case OpenFinder: return isNamed ? QVariant(tr("Show in Folder")) : QVariant();
+        case Pareview: return isNamed ? QVariant(tr("Preview")) : QVariant();
         case Name: return tr("Name");
         case Size: return tr("Size");
         case Path: return tr("Path");

@@ -24,7 +24,8 @@ public:
 
     enum Role {
         StateRole = Qt::UserRole,  ///< FileNode::State; none where nobody should select
-        IconRole                   ///< a QIcon, made when it is drawn
+        IconRole,                  ///< a QIcon, made when it is drawn
+        ScannedFolderRole          ///< the folder that everything lies in
     };
 
     /// How many rows of a level are shown at first, and come with each showMore().

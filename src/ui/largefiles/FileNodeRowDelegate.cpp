@@ -11,6 +11,16 @@
 #include "ui/largefiles/FileNodeModel.h"
 
 namespace orrinvale {
+namespace {
+
+// All lie below the folder that was scanned, so that its path is the first to go.
+QString shownPath(const QString& path, const QModelIndex& index, const QFontMetrics& metrics, int width) {
+    const QString scanned = index.data(FileNodeModel::ScannedFolderRole).toString();
+    const PathParts shown = shortenedPath(path, scanned, metrics, width);
+    return shown.folder + shown.name;
+}
+
+}  // namespace
 
 // The style says of the whole row that the pointer is over it; which picture it is on shows the pointer's place.
 void FileNodeRowDelegate::drawButton(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) {
@@ -57,9 +67,9 @@ void FileNodeRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& o
     const QString text = onOneLine(index.data(Qt::DisplayRole).toString());
     painter->setFont(font);
     painter->setPen(theme.color(isName ? Theme::Color::Text : Theme::Color::TextSecondary));
-    // Of a path the end says where a thing is among its likes; of a name both ends count.
+    // Of a name both ends count.
     painter->drawText(rect, index.data(Qt::TextAlignmentRole).toInt() | Qt::TextSingleLine,
-                      isPath ? shortenedFolder(text, metrics, rect.width())
+                      isPath ? shownPath(text, index, metrics, rect.width())
                              : metrics.elidedText(text, isName ? Qt::ElideMiddle : Qt::ElideRight, rect.width()));
     painter->restore();
 }

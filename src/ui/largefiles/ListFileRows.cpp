@@ -73,6 +73,16 @@ void ListFileViewController::preview(const QModelIndex& index) {
         m_detagate->pereviewFileWithFileNodePath(node->path());
 }
 
+std::string ListFileViewController::previewBeside(int step) {
+    QTreeView& outline = *m_views->outlineView;
+    QModelIndex row = outline.currentIndex();
+    do row = step < 0 ? outline.indexAbove(row) : outline.indexBelow(row);
+    while (row.isValid() && m_model->node(row)->isDirectory());
+    if (!row.isValid()) return {};
+    outline.setCurrentIndex(row);
+    return m_model->node(row)->path();
+}
+
 void ListFileViewController::showRowMenu(const QModelIndex& index, QPoint position) {
     FileNode* const node = m_model->node(index);
     if (node == nullptr) return;

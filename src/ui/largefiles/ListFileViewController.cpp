@@ -15,6 +15,7 @@
 #include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/controls/TickBox.h"
 #include "ui/kit/controls/numberText.h"
+#include "ui/kit/controls/pathText.h"
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/dialogs/LineList.h"
 #include "ui/largefiles/FileNodeModel.h"
@@ -39,7 +40,7 @@ ListFileViewController::ListFileViewController(ListFileParts parts, QObject* par
       m_views(std::make_unique<ListFileViews>()),
       m_model(std::make_unique<FileNodeModel>(m_parts.icons, [this](FileNode& node) { boxClicked(node); })) {
     m_views->outlineView->setModel(m_model.get());
-    m_views->dragView->setDelegate(this);
+    for (DragView* const area : {m_views->dragView, m_views->resultDragView}) area->setDelegate(this);
     Controller::getController().setADelegate(this);
     connectControls();
     m_sortTimer.setInterval(refreshTime);
@@ -59,6 +60,7 @@ ListFileViewController::~ListFileViewController() {
     m_model->setTree(nullptr);
     delete m_progress;
     if (m_views->aLoadView != nullptr) m_views->dragView->setDelegate(nullptr);
+    if (m_views->listView != nullptr) m_views->resultDragView->setDelegate(nullptr);
 }
 
 QWidget* ListFileViewController::aLoadView() const { return m_views->aLoadView; }
@@ -88,15 +90,34 @@ void ListFileViewController::selectFileButtonAction() {
     PathChoice choice;
     choice.withSeveral = true;
     m_parts.dialogs->choosePaths(m_mainWindow, choice, [self = QPointer(this)](std::vector<std::string> paths) {
-        if (self != nullptr && !paths.empty()) self->viewDragAction(paths.front());
+        if (self != nullptr && !paths.empty()) self->folderDropped(paths.front(), paths.size() > 1);
     });
 }
 
-void ListFileViewController::viewDragAction(const std::string& path) {
+void ListFileViewController::folderDropped(const std::string& path, bool isOneOfSeveral) {
     if (m_isRemoving) return;
     const auto attributes = m_parts.files->attributes(FileSystem::noParent, path.c_str(), Links::Follow);
     if (!attributes || attributes->type != FileType::Folder) return;
+    if (m_selectAllButSt == 0 || !m_views->listView->isVisible()) {
+        scanFolder(path, isOneOfSeveral);
+        return;
+    }
+    Alert question;
+    question.title = tr("Look into another folder?");
+    question.text = tr("What is ticked here is forgotten, and nothing is removed. To be looked into: %1")
+                        .arg(onOneLine(QString::fromStdString(path)));
+    question.buttons = QStringList{tr("Look"), tr("Cancel")};
+    question.cancelButton = 1;
+    m_parts.dialogs->alert(m_mainWindow, question, [self = QPointer(this), path, isOneOfSeveral](int button) {
+        if (self != nullptr && button == 0 && !self->m_isRemoving) self->scanFolder(path, isOneOfSeveral);
+    });
+}
+
+void ListFileViewController::scanFolder(const std::string& path, bool isOneOfSeveral) {
     getRootNodeListWithPath(path);
+    const QString name = pathParts(QString::fromStdString(path)).name;
+    m_views->onlyOneNote->setText(tr("One folder at a time: only %1 is looked into").arg(onOneLine(name)));
+    m_views->onlyOneNote->setVisible(isOneOfSeveral);
     showDetailPage();
 }
 
@@ -190,17 +211,25 @@ void ListFileViewController::backButtonAction() {
     m_views->selectFileButton->setFocus();
 }
 
+QString ListFileViewController::emptyText() const {
+    const EumeRoot& scan = *Controller::getController().eumeRoot();
+    if (m_rootNodeArr->nodeCount() > 0) {
+        // What could not be removed or read is on the disk all the same.
+        const bool isAnythingThere = m_removal.failed != 0 || !scan.skipped().empty();
+        return isAnythingThere ? tr("The list is empty. A new scan shows what stayed in this folder.")
+                               : tr("Nothing is left in this folder.");
+    }
+    if (scan.isEmptyFolder()) return tr("This folder is empty.");
+    return scan.skipped().empty() ? tr("Nothing was read of this folder.") : tr("This folder could not be read.");
+}
+
 // The list, or words in its place where there is nothing to list.
 void ListFileViewController::showFitting() {
     ListFileViews& views = *m_views;
     const EumeRoot* const scan = Controller::getController().eumeRoot();
     const bool isEmpty = m_rootNodeArr && m_rootNodeArr->root().childCount() == 0 && scan != nullptr && scan->isEnded();
     QWidget* const shown = isEmpty ? views.emptyView : static_cast<QWidget*>(views.outlineView);
-    if (isEmpty)
-        views.emptyLabel->setText(m_rootNodeArr->nodeCount() > 0 ? tr("Nothing is left in this folder.")
-                                  : scan->isEmptyFolder()        ? tr("This folder is empty.")
-                                  : scan->skipped().empty()      ? tr("Nothing was read of this folder.")
-                                                                 : tr("This folder could not be read."));
+    if (isEmpty) views.emptyLabel->setText(emptyText());
     if (views.content->currentWidget() == shown) return;
     views.content->setCurrentWidget(shown);
 }
@@ -209,9 +238,8 @@ void ListFileViewController::showQuietLine() {
     const EumeRoot* const scan = Controller::getController().eumeRoot();
     const std::size_t skipped = scan != nullptr ? scan->skipped().size() : 0;
     m_views->quietLine->setVisible(skipped != 0);
-    m_views->quietLine->setText(skipped == 1
-                                    ? tr("1 entry could not be read")
-                                    : tr("%1 entries could not be read").arg(QLocale().toString(qulonglong(skipped))));
+    m_views->quietLine->setText(skipped == 1 ? tr("1 entry could not be read")
+                                             : tr("%Ln entries could not be read", nullptr, static_cast<int>(skipped)));
 }
 
 void ListFileViewController::showSkipped() {

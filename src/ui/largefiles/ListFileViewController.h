@@ -68,8 +68,13 @@ public:
     /// The removal ends before its next entry, and does not begin where it has not begun.
     void giveUpRemoval();
 
-    /// Scans a folder, as if it had been dropped. Does nothing when it is none, or while files are removed.
-    void viewDragAction(const std::string& path) override;
+    /// Scans a folder, as if it had been dropped. Does nothing when it is none, or while files are removed. Where something on the
+    /// screen is selected the person is asked first.
+    void viewDragAction(const std::string& path) override { folderDropped(path, false); }
+    void viewDragActionOfSeveral(const std::string& path) override { folderDropped(path, true); }
+
+    /// Goes on to the next row of a file, or with -1 to the one before, and gives its path; empty where there is none.
+    [[nodiscard]] std::string previewBeside(int step);
 
 public Q_SLOTS:
     void selectFileButtonAction();
@@ -81,6 +86,8 @@ public Q_SLOTS:
 private:
     // Scan.
     void connectControls();
+    void folderDropped(const std::string& path, bool isOneOfSeveral);
+    void scanFolder(const std::string& path, bool isOneOfSeveral);
     void getRootNodeListWithPath(const std::string& path);
     void showDetailPage();
     void refreshList();
@@ -88,6 +95,7 @@ private:
     void endScan();
     void watchForEnd();
     void showFitting();
+    [[nodiscard]] QString emptyText() const;
     void showQuietLine();
     void showSkipped();
 

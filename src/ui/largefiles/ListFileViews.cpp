@@ -10,6 +10,7 @@
 #include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/chrome/TCImageButton.h"
 #include "ui/kit/chrome/TextImageButton.h"
+#include "ui/kit/controls/DragView.h"
 #include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/controls/FolderStart.h"
 #include "ui/kit/controls/Panel.h"
@@ -108,6 +109,11 @@ QWidget* ListFileViews::makeBottomBar() {
     m_bottom->addWidget(quietLine);
     m_bottom->addWidget(removedLabel);
     m_bottom->addWidget(failureLine);
+    onlyOneNote = named(new ElidedLabel(Qt::ElideMiddle), "onlyOneNote");
+    onlyOneNote->setFont(Theme::shared().font(Theme::Text::Caption));
+    onlyOneNote->setForegroundRole(QPalette::PlaceholderText);
+    onlyOneNote->hide();
+    m_bottom->addWidget(onlyOneNote, 1);
     m_bottom->addStretch(1);
     m_bottom->addWidget(progressLabel);
     m_bottom->addWidget(stopScanButton);
@@ -117,12 +123,18 @@ QWidget* ListFileViews::makeBottomBar() {
 
 void ListFileViews::makeResultPage() {
     listView = named(new Panel(Theme::Color::Window), "listView");
-    auto* const column = new QVBoxLayout(listView);
+    resultDragView = named(new DragView(listView), "resultDragView", tr("Drop a folder here to look into it"));
+    resultDragView->setFrameAtRest(false);
+    auto* const around = new QVBoxLayout(listView);
+    around->setContentsMargins({});
+    around->addWidget(resultDragView);
+    auto* const column = new QVBoxLayout(resultDragView);
     column->setContentsMargins({});
     column->setSpacing(0);
     column->addWidget(makeTopBar());
     column->addWidget(makeContent(), 1);
     column->addWidget(makeBottomBar());
+    resultDragView->setInvitation(tr("Drop the folder to look into it"));
 }
 
 void ListFileViews::showProgress() {

@@ -46,6 +46,8 @@ public:
     TextImageButton* selectFileButton = nullptr;
 
     // The result page.
+    DragView* resultDragView = nullptr;  ///< holds all of it
+    ElidedLabel* onlyOneNote = nullptr;  ///< of several folders one is shown; hidden where there was one
     TCImageButton* backHomeButton = nullptr;
     ElidedLabel* titleLabel = nullptr;
     QStackedWidget* content = nullptr;  ///< the list, or what stands in its place

@@ -59,6 +59,10 @@ bool AppPrefsWindowController::hasPage(const QString& identifier) const {
     return std::ranges::any_of(m_pages, [&](const PageDescriptor& each) { return each.identifier == identifier; });
 }
 
+bool AppPrefsWindowController::hasPagesBeside(const QString& identifier) const {
+    return std::ranges::any_of(m_pages, [&](const PageDescriptor& each) { return each.identifier != identifier; });
+}
+
 void AppPrefsWindowController::insertPage(int place) {
     const PageDescriptor& page = m_pages[static_cast<std::size_t>(place)];
     insertView(place, nullptr, page.identifier, page.picture);

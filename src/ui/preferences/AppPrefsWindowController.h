@@ -34,6 +34,8 @@ public:
     /// and leaves the page that has it.
     void registerPage(PageDescriptor page);
     [[nodiscard]] bool hasPage(const QString& identifier) const;
+    /// Whether a page of another identifier is registered.
+    [[nodiscard]] bool hasPagesBeside(const QString& identifier) const;
 
 private:
     void setupToolbar() override;

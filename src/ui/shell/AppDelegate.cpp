@@ -3,8 +3,9 @@
 
 #include <fmt/format.h>
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QDeadlineTimer>
+#include <QFileDialog>
 #include <QLocale>
 #include <utility>
 
@@ -23,6 +24,7 @@
 #include "ui/kit/dialogs/failureWords.h"
 #include "ui/preferences/AppPrefsWindowController.h"
 #include "ui/shell/ApplicationMenu.h"
+#include "ui/shell/FileManager.h"
 
 namespace orrinvale {
 namespace {
@@ -139,7 +141,10 @@ void AppDelegate::perform(const StartRequest& request) {
 }
 
 void AppDelegate::searchFolder(const std::string& path) {
-    m_duplicateMWC->selectDuplicateButtonAction();
+    // Who names a folder has no use any more for the dialog that chooses one.
+    if (auto* const chooser = qobject_cast<QFileDialog*>(QApplication::activeModalWidget())) chooser->reject();
+    const bool isAsking = m_duplicateMWC->isAsking();
+    if (!isAsking) m_duplicateMWC->selectDuplicateButtonAction();
     SameFileDeleteViewController& page = *m_duplicateMWC->sameFileDeleteVC();
     const QString shown = onOneLine(QString::fromStdString(path));
     // By its real path: what is relative or climbs is never removed.
@@ -151,6 +156,9 @@ void AppDelegate::searchFolder(const std::string& path) {
         alert.title = tr("This folder can not be searched.");
         alert.text =
             shown + QStringLiteral(": ") + QString::fromStdString(systemError("open", path, opened.error()).reason());
+    } else if (isAsking) {
+        alert.title = tr("A question is still open.");
+        alert.text = tr("Answer it, and then choose %1 again.").arg(shown);
     } else if (!page.bSearchFinished()) {
         alert.title = tr("Something else is under way.");
         alert.text = tr("Stop it or wait for its end, and then choose %1 again.").arg(shown);
@@ -203,6 +211,7 @@ void AppDelegate::leave(std::function<void()> last) {
     m_parts.stopListening();
     const auto end = [this, last = std::move(last)] {
         m_leaveTimer.stop();
+        if (m_duplicateMWC) m_duplicateMWC->keepFrame();
         // A failure is logged there; there is nobody left to be asked.
         static_cast<void>(m_parts.pages.defaults->synchronize());
         last();
@@ -248,10 +257,17 @@ void AppDelegate::Reference() {
 }
 
 void AppDelegate::help() {
-    if (m_parts.openGuide()) return;
+    m_parts.openGuide([self = QPointer(this)] {
+        if (self != nullptr) self->tellOfGuide();
+    });
+}
+
+void AppDelegate::tellOfGuide() {
+    const QString guide = userGuidePath();
     Alert missing;
     missing.title = tr("The user guide could not be opened.");
-    missing.text = tr("It is installed together with the program, and shown by your web browser.");
+    missing.text = guide.isEmpty() ? tr("It is installed together with the program, and shown by your web browser.")
+                                   : tr("Any web browser shows it. It lies at:\n%1").arg(guide);
     tell(missing);
 }
 

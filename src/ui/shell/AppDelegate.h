@@ -40,9 +40,10 @@ struct AppDelegateParts {
     Volumes* volumesAtOnce = nullptr;  ///< asked on the main thread; leaves out what does not answer at once
     MountChanges* mountChanges = nullptr;
     std::function<bool(const std::string& path)> openFolder;  ///< in the desktop's file manager; false when it can not
-    std::function<bool()> openGuide;                          ///< false when it is not installed
-    std::function<void()> stopListening;                      ///< to later starts, when this one leaves
-    std::function<void(int status)> exitProcess;              ///< ends the process where it stands
+    std::function<void(std::function<void()> failed)>
+        openGuide;                                ///< runs `failed`, maybe later, where nothing shows it
+    std::function<void()> stopListening;          ///< to later starts, when this one leaves
+    std::function<void(int status)> exitProcess;  ///< ends the process where it stands
     std::function<void(int signal)> endBySignal;  ///< the same, so that who sent the signal sees that it worked
 };
 
@@ -101,6 +102,7 @@ public:
 private:
     void closeMainWindow() override;
     void refMenuItemWhenDeleteAndAdd();
+    void tellOfGuide();
     void ejectionEnded(std::int32_t status, const std::vector<EjectFailure>& failures);
     void bubbleViewWith(std::unique_ptr<QLabel> view, std::unique_ptr<QLabel> withBView = nullptr);
     void tell(const Alert& alert);

@@ -92,8 +92,9 @@ void AppDelegate::ejectionEnded(std::int32_t status, const std::vector<EjectFail
 
 // The menu is told what there is to eject; the walk that finds out runs elsewhere, since a server that is gone takes its time.
 void AppDelegate::refMenuItemWhenDeleteAndAdd() {
-    m_menu->setHasPreferences(
-        AppPrefsWindowController::sharedPrefsWindowController().hasPage(QStringLiteral("preferences")));
+    const auto& pages = AppPrefsWindowController::sharedPrefsWindowController();
+    m_menu->setHasPreferences(pages.hasPage(QStringLiteral("preferences")));
+    m_menu->setHasPages(pages.hasPagesBeside(QStringLiteral("duplicates_file")));
     m_volumeWorker.hasEjectable([this](bool has) { m_menu->setCanEject(has && !m_isEjecting); });
 }
 

@@ -41,6 +41,9 @@ public:
     /// Whether there is a page of preferences. They are greyed until that is told.
     void setHasPreferences(bool hasPreferences);
 
+    /// Whether the window with all pages shows anything that the main window does not. It is not offered until that is told.
+    void setHasPages(bool hasPages);
+
 Q_SIGNALS:
     /// It is about to be seen: the moment to look what can be ejected.
     void opened();
@@ -51,6 +54,7 @@ private:
     const std::unique_ptr<QMenu> m_menu;
     QAction* m_eject = nullptr;
     QAction* m_preferences = nullptr;
+    QAction* m_pages = nullptr;
 };
 
 }  // namespace orrinvale

@@ -1,18 +1,25 @@
 // DuplicateMainWindowController: see DuplicateMainWindowController.h.
 #include "ui/shell/DuplicateMainWindowController.h"
 
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
 #include <QShortcut>
 #include <QVBoxLayout>
+#include <string_view>
+#include <utility>
+#include <variant>
 
+#include "engine/settings/UserDefaults.h"
 #include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/chrome/TitleBarView.h"
 #include "ui/kit/chrome/ToplineView.h"
 #include "ui/kit/chrome/WindowButton.h"
+#include "ui/kit/dialogs/Sheet.h"
 #include "ui/kit/look/Theme.h"
+#include "ui/kit/look/accessibleRole.h"
 #include "ui/kit/look/picture.h"
 #include "ui/shell/ApplicationMenu.h"
 #include "ui/shell/PreviewWindow.h"
@@ -27,6 +34,7 @@ constexpr int leftMargin = 8;
 constexpr int menuSide = 20;
 constexpr QSize smallest{800, 506};
 constexpr QSize largest{1200, 900};
+constexpr std::string_view frameKey = "MainWindowFrame";
 
 QWidget* makeHolder(QWidget& content, const char* name) {
     auto* const made = new QWidget(&content);
@@ -43,6 +51,7 @@ DuplicateMainWindowController::DuplicateMainWindowController(SameFileDeleteParts
                                                              QObject* parent)
     : QObject(parent),
       m_icons(icons),
+      m_defaults(*parts.defaults),
       m_aWindow(std::make_unique<TCImageWindow>()),
       m_listFileParts{.files = parts.files, .dialogs = parts.dialogs, .icons = parts.icons},
       m_sameFileDeleteVC(std::make_unique<SameFileDeleteViewController>(std::move(parts))) {
@@ -96,8 +105,15 @@ void DuplicateMainWindowController::addTabs() {
     row->setSpacing(0);
     row->addWidget(m_titleLabel);
     row->addStretch(1);
-    row->addWidget(m_duplicateButton, 0, Qt::AlignBottom);
-    row->addWidget(m_fileListButton, 0, Qt::AlignBottom);
+    auto* const tabs = new QWidget(&bar);
+    tabs->setAccessibleName(tr("Pages"));
+    setAccessibleTraits(*tabs, {.role = QAccessible::PageTabList});
+    auto* const inTabs = new QHBoxLayout(tabs);
+    inTabs->setContentsMargins({});
+    inTabs->setSpacing(0);
+    inTabs->addWidget(m_duplicateButton);
+    inTabs->addWidget(m_fileListButton);
+    row->addWidget(tabs, 0, Qt::AlignBottom);
     row->addStretch(1);
     // What stands left of the tabs is as wide as what stands right of them.
     m_menuButton = new HoverButton(&bar);
@@ -147,15 +163,36 @@ void DuplicateMainWindowController::chooseFolder() {
 }
 
 void DuplicateMainWindowController::showWindow() {
+    if (!std::exchange(m_isPlaced, true)) placeWindow();
     m_aWindow->setWindowState(m_aWindow->windowState() & ~Qt::WindowMinimized);
     m_aWindow->show();
     m_aWindow->raise();
-    m_aWindow->activateWindow();
+    // A dialog keeps the keyboard: what is behind it could do nothing with it.
+    QWidget* const dialog = QApplication::activeModalWidget();
+    if (dialog != nullptr) dialog->raise();
+    (dialog != nullptr ? dialog : m_aWindow.get())->activateWindow();
+}
+
+void DuplicateMainWindowController::placeWindow() {
+    const SettingObject kept = m_defaults.objectForKey(frameKey);
+    const auto* const text = kept ? std::get_if<std::string>(&*kept) : nullptr;
+    if (text == nullptr || !m_aWindow->setFrameFromString(*text)) m_aWindow->center();
+}
+
+void DuplicateMainWindowController::keepFrame() {
+    const SettingValue now = m_aWindow->stringWithSavedFrame();
+    if (m_isPlaced && m_defaults.objectForKey(frameKey) != now) m_defaults.setValue(now, frameKey);
+}
+
+bool DuplicateMainWindowController::isAsking() const {
+    return QApplication::activeModalWidget() != nullptr ||
+           m_aWindow->findChild<Sheet*>(QString(), Qt::FindDirectChildrenOnly) != nullptr;
 }
 
 void DuplicateMainWindowController::closeWindow() {
     if (m_delegate != nullptr) m_delegate->closeMainWindow();
     if (m_previewPanel) m_previewPanel->close();
+    keepFrame();
     // Without the action of the button, which is this very operation.
     m_aWindow->hide();
 }
@@ -224,13 +261,24 @@ void DuplicateMainWindowController::quickLookWithPath(const std::string& path) {
         return;
     }
     m_filePath = path;
-    if (!m_previewPanel) m_previewPanel = new PreviewWindow(m_icons, m_aWindow.get());
+    if (!m_previewPanel) {
+        m_previewPanel = new PreviewWindow(m_icons, m_aWindow.get());
+        connect(m_previewPanel, &PreviewWindow::otherWanted, this, &DuplicateMainWindowController::showBeside);
+    }
     m_previewPanel->showPath(path);
     const QRect frame = m_aWindow->frame();
     m_previewPanel->move(frame.center() - m_previewPanel->rect().center());
     m_previewPanel->show();
     m_previewPanel->raise();
     m_previewPanel->activateWindow();
+}
+
+void DuplicateMainWindowController::showBeside(int step) {
+    const std::string path =
+        m_fileListButton->isOn() ? m_listFileVC->previewBeside(step) : m_sameFileDeleteVC->previewBeside(step);
+    if (path.empty()) return;  // there is no further one
+    m_filePath = path;
+    m_previewPanel->showPath(path);
 }
 
 }  // namespace orrinvale

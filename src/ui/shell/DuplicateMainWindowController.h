@@ -55,8 +55,15 @@ public:
     /// Opens at the right end of the title bar; its keys work in this window. It outlives the window.
     void setApplicationMenu(ApplicationMenu& menu);
 
-    /// Brings the window to the front.
+    /// Brings the window to the front, or the dialog that stands over it. The first time it comes where it was when the settings
+    /// last kept its place, and else to the middle of the screen.
     void showWindow();
+
+    /// Keeps size and place in the settings, for the next run of the program.
+    void keepFrame();
+
+    /// A question, or a window that has to be closed first, stands over the window.
+    [[nodiscard]] bool isAsking() const;
 
 public Q_SLOTS:
     void closeWindow();
@@ -68,6 +75,8 @@ public Q_SLOTS:
 
 private:
     void windowDidLoad();
+    void placeWindow();
+    void showBeside(int step);
     void addTabs();
     void addShortcuts();
     [[nodiscard]] TitleTab* makeTab(const QString& title, const char* name,
@@ -84,6 +93,7 @@ private:
     void pereviewFileWithFileNodePath(const std::string& path) override { quickLookWithPath(path); }
 
     FileIcons& m_icons;
+    UserDefaults& m_defaults;
     std::unique_ptr<TCImageWindow> m_aWindow;
     QPointer<QWidget> m_duplicateView;
     QPointer<QWidget> m_diskView;
@@ -97,6 +107,7 @@ private:
     std::unique_ptr<ListFileViewController> m_listFileVC;
     DuplicateMainWindowControllerDelegate* m_delegate = nullptr;
     std::string m_filePath;
+    bool m_isPlaced = false;
 };
 
 }  // namespace orrinvale

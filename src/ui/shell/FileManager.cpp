@@ -11,8 +11,11 @@
 #include <QDesktopServices>
 #include <QDir>
 #include <QFileInfo>
+#include <QProcess>
+#include <QStandardPaths>
 #include <QStringList>
 #include <QUrl>
+#include <utility>
 
 #include "engine/base/Log.h"
 #include "platform/FileUrl.h"
@@ -55,10 +58,29 @@ void revealInFileManager(const std::string& path) {
 
 bool openInFileManager(const std::string& path) { return openAddress(path); }
 
-bool openUserGuide() {
+QString userGuidePath() {
     const QString guide = QDir::cleanPath(QCoreApplication::applicationDirPath() +
                                           QStringLiteral("/../share/orrinvale/guide/user-guide.html"));
-    return QFileInfo::exists(guide) && QDesktopServices::openUrl(QUrl::fromLocalFile(guide));
+    return QFileInfo::exists(guide) ? guide : QString();
+}
+
+// The desktop's opener is watched to its end: the toolkit starts it too, but never learns that it has found no browser.
+void openUserGuide(std::function<void()> failed) {
+    const QString guide = userGuidePath();
+    const QString opener = QStandardPaths::findExecutable(QStringLiteral("xdg-open"));
+    if (guide.isEmpty() || opener.isEmpty()) {
+        if (guide.isEmpty() || !QDesktopServices::openUrl(QUrl::fromLocalFile(guide))) failed();
+        return;
+    }
+    auto* const opening = new QProcess(QCoreApplication::instance());  // never ended: it may have become the browser
+    QObject::connect(opening, &QProcess::finished, opening,
+                     [opening, failed = std::move(failed)](int status, QProcess::ExitStatus how) {
+                         opening->deleteLater();
+                         if (how != QProcess::NormalExit || status != 0) failed();
+                     });
+    opening->setStandardOutputFile(QProcess::nullDevice());
+    opening->setStandardErrorFile(QProcess::nullDevice());
+    opening->start(opener, {guide});
 }
 
 void openWebPage(const QString& address) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 #include <string>
 
 namespace orrinvale {
@@ -14,9 +15,12 @@ void revealInFileManager(const std::string& path);
 /// manager, since a dead server would hold this thread up. Returns at once. Exact bytes. Main thread only.
 [[nodiscard]] bool openInFileManager(const std::string& path);
 
-/// Opens the user guide that lies beside the program (../share/orrinvale/guide) in the desktop's browser. False when it is not there or
-/// nothing could be started. Main thread only.
-[[nodiscard]] bool openUserGuide();
+/// The user guide, which lies beside the program (../share/orrinvale/guide). Empty where it is not installed.
+[[nodiscard]] QString userGuidePath();
+
+/// Opens the user guide in the desktop's browser, and returns at once. Runs `failed`, maybe later, when it is not there or nothing
+/// shows it. Main thread only.
+void openUserGuide(std::function<void()> failed);
 
 /// Opens an https address in the desktop's browser; any other address does nothing. Returns at once. Main thread only.
 void openWebPage(const QString& address);

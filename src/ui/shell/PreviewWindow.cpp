@@ -3,6 +3,7 @@
 
 #include <QCoreApplication>
 #include <QDateTime>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLocale>
 #include <QPlainTextEdit>
@@ -14,6 +15,7 @@
 #include "engine/text/UtilityFunction.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/look/Theme.h"
+#include "ui/kit/look/accessibleRole.h"
 #include "ui/shell/FileIcons.h"
 #include "ui/shell/previewContent.h"
 
@@ -39,8 +41,9 @@ QString factsOf(const PreviewContent& content) {
     QStringList facts;
     if (!content.type.isEmpty()) facts.push_back(content.type);
     if (content.kind == PreviewContent::Kind::Folder)
-        facts.push_back(QCoreApplication::translate("PreviewWindow", "Folder with %1 entries")
-                            .arg(QLocale().toString(qulonglong(content.entries))));
+        facts.push_back(content.entries == 1 ? QCoreApplication::translate("PreviewWindow", "Folder with 1 entry")
+                                             : QCoreApplication::translate("PreviewWindow", "Folder with %Ln entries",
+                                                                           nullptr, static_cast<int>(content.entries)));
     else facts.push_back(shownSize(UtilityFunction::convertVolSpace(content.size)));
     if (content.pictureSize.isValid())
         facts.push_back(QStringLiteral("%1 × %2").arg(QString::number(content.pictureSize.width()),
@@ -66,6 +69,7 @@ PreviewWindow::PreviewWindow(FileIcons& icons, QWidget* parent)
       m_text(new QPlainTextEdit),
       m_icon(new QLabel) {
     setObjectName(QStringLiteral("previewPanel"));
+    setAccessibleTraits(*this, {.role = QAccessible::Window});
     m_picture->setAlignment(Qt::AlignCenter);
     m_icon->setAlignment(Qt::AlignCenter);
     m_text->setReadOnly(true);
@@ -83,7 +87,25 @@ PreviewWindow::PreviewWindow(FileIcons& icons, QWidget* parent)
     for (const QKeySequence& keys :
          {QKeySequence(Qt::Key_Escape), QKeySequence(Qt::Key_Space), QKeySequence(Qt::CTRL | Qt::Key_Space)})
         connect(new QShortcut(keys, this), &QShortcut::activated, this, &QWidget::close);
+    for (const auto& [key, step] : {std::pair(Qt::Key_Up, -1), std::pair(Qt::Key_Down, 1)})
+        connect(new QShortcut(QKeySequence(key), this), &QShortcut::activated, this,
+                [this, step = step] { Q_EMIT otherWanted(step); });
     resize(usualSize);
+}
+
+// The keys of the window behind work here too, and its key that closes would take both away. A shortcut of our own beside it
+// would make the key ambiguous.
+bool PreviewWindow::event(QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride && static_cast<QKeyEvent&>(*event).matches(QKeySequence::Close)) {
+        event->accept();
+        return true;
+    }
+    return QWidget::event(event);
+}
+
+void PreviewWindow::keyPressEvent(QKeyEvent* event) {
+    if (event->matches(QKeySequence::Close)) close();
+    else QWidget::keyPressEvent(event);
 }
 
 void PreviewWindow::showPath(const std::string& path) {

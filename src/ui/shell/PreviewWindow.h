@@ -16,7 +16,8 @@ class FileIcons;
 struct PreviewContent;
 
 /// Shows a picture, the beginning of a text, or the facts of anything else. What is read is read on a worker, so that a slow disk does not
-/// hold the window up. Escape, space and the preview key close it. Main thread only.
+/// hold the window up. Escape, space, the preview key and the keys that close a window close it, and none of them reaches the window
+/// behind. Main thread only.
 class PreviewWindow final : public QWidget {
     Q_OBJECT
 public:
@@ -25,6 +26,14 @@ public:
     /// Exact bytes. A path that names nothing shows that it is missing.
     void showPath(const std::string& path);
     [[nodiscard]] const std::string& path() const { return m_path; }
+
+Q_SIGNALS:
+    /// The file after this one is to be shown, with 1, or the one before it, with -1.
+    void otherWanted(int step);
+
+protected:
+    bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void showContent(const PreviewContent& content);

@@ -4,6 +4,7 @@
 #include <QPainter>
 
 #include "ui/kit/look/Theme.h"
+#include "ui/kit/look/accessibleRole.h"
 #include "ui/kit/look/getColor.h"
 #include "ui/kit/look/picture.h"
 
@@ -32,13 +33,14 @@ QColor textColor(bool isOn) {
 TitleTab::TitleTab(const QString& title, QWidget* parent) : QAbstractButton(parent) {
     setText(title);
     setAccessibleName(title);
+    setAccessibleTraits(*this, {.role = QAccessible::PageTab, .isSelectable = true, .press = [this] { click(); }});
     setFocusPolicy(Qt::TabFocus);
     followTheme(*this);
 }
 
 void TitleTab::setOn(bool isOn) {
     m_isOn = isOn;
-    setAccessibleDescription(isOn ? tr("shown") : QString());
+    setAccessiblySelected(*this, isOn);
     update();
 }
 

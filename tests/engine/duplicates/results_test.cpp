@@ -1,5 +1,6 @@
 // What a person sees and does after a search: the seven views, the ticks with the rule that one copy stays, and the upkeep of both
 // while copies go.
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -96,6 +97,43 @@ TEST(DuplicateSelection, TheHeaderBoxTicksTheViewAndShowsIt) {
     selection.setAll(*root, false);
     EXPECT_TRUE(selection.allSelectNumArr().empty());
     EXPECT_EQ(box(), "0 option_no 5");
+}
+
+TEST(DuplicateSelection, SumsCountEachCopyAndEachFileOnce) {
+    const auto root = newRoot();
+    const Pointer group = addGroup(*root, "a", 5);
+    const auto leaf = [&](std::size_t i) { return simpleData(*group->childAtIndex(i)); };
+    for (std::size_t i = 0; i < 5; ++i) {
+        leaf(i)->setFileSize(100);
+        leaf(i)->setIdentity(EntryIdentity{.device = 1, .inode = i < 2 ? 7 : i, .type = FileType::Regular});
+    }
+    for (const std::size_t name : {0U, 1U}) leaf(name)->setHardLinks(2);
+    leaf(3)->setLink("/elsewhere/a", true);
+    leaf(3)->setIdentity(EntryIdentity{.device = 1, .inode = 3, .type = FileType::SymbolicLink});
+    DuplicateSelection selection;
+    const auto sums = [&] {
+        const TickedSums& now = selection.sums();
+        return fmt::format("{} {} {}", now.copies, now.outside, now.bytes);
+    };
+    const auto click = [&](std::size_t i) {
+        static_cast<void>(selection.clickLeaf(group->childAtIndex(i)));
+        return sums();
+    };
+    EXPECT_EQ(click(0), "1 0 0") << "its other name keeps the file";
+    EXPECT_EQ(click(1), "2 0 100");
+    EXPECT_EQ(click(2), "3 0 200");
+    EXPECT_EQ(click(3), "4 1 200") << "a link holds next to nothing";
+    EXPECT_EQ(click(1), "3 1 100");
+    selection.setAll(*root, true);
+    EXPECT_EQ(sums(), "4 1 200") << "those that stand in the list twice count once";
+    selection.recount();
+    EXPECT_EQ(sums(), "4 1 200");
+    selection.clickGroup(*group);
+    EXPECT_EQ(sums(), "0 0 0");
+    selection.setAll(*root, true);
+    selection.allSelectNumArr().clear();
+    selection.recount();
+    EXPECT_EQ(sums(), "0 0 0");
 }
 
 TEST(TickedLeaves, KeepTheOrderOverManyRemovals) {

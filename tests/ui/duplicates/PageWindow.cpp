@@ -6,6 +6,7 @@
 #include <QAbstractButton>
 #include <QLabel>
 #include <QMimeData>
+#include <QScreen>
 #include <QTest>
 #include <QTreeView>
 #include <QUrl>
@@ -124,6 +125,13 @@ bool PageWindow::remove(const std::function<void()>& meanwhile) {
 bool PageWindow::waitFor(const std::function<bool()>& isSo) { return QTest::qWaitFor(isSo, 10'000); }
 
 QAbstractItemModel& PageWindow::model() { return *control<QTreeView>("outline").model(); }
+
+QImage PageWindow::onScreen(const QWidget& widget, const QRect& part) {
+    QTest::qWait(30);  // what was asked for is drawn
+    QWidget& shown = *window->window();
+    const QPixmap all = shown.screen()->grabWindow(shown.winId());
+    return all.copy(QRect(widget.mapTo(&shown, part.topLeft()), part.size())).toImage();
+}
 
 std::string PageWindow::list() {
     const QAbstractItemModel& shown = model();

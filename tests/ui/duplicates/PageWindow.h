@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QAbstractItemModel>
+#include <QImage>
 #include <QWidget>
 #include <condition_variable>
 #include <functional>
@@ -70,6 +71,8 @@ public:
     [[nodiscard]] bool remove(const std::function<void()>& meanwhile = {});
     [[nodiscard]] static bool waitFor(const std::function<bool()>& isSo);
 
+    /// What of a widget stands on the screen, without asking it to draw itself anew.
+    QImage onScreen(const QWidget& widget, const QRect& part);
     /// The list as a person reads it, a group in a line: "name state count: boxes of its copies".
     std::string list();
     QAbstractItemModel& model();

@@ -163,6 +163,41 @@ TEST_F(Removal, TellsOfWhatCouldNotGoAndWhy) {
     EXPECT_EQ(on.list().find('x', on.list().rfind('/')), std::string::npos) << "unticked, to start afresh";
 }
 
+TEST_F(Removal, WhatLeavesTheListLeavesTheSelection) {
+    ASSERT_TRUE(makeGroup("two.jpg", 2, 1000) && makeGroup("more.txt", 2, 3000));
+    ASSERT_TRUE(on.search(on.tree.at("f")));
+    // The copy that the box leaves alone is ticked by hand: both are, and the second one has no other to stay.
+    on.tick(on.model().index(1, 0, on.row("two.jpg")));
+    on.click("leftCell5");
+    on.click("button");
+    on.dialogs.willAnswer(0);
+    ASSERT_TRUE(on.remove());
+    EXPECT_EQ(copies("two.jpg"), 1);
+    EXPECT_EQ(on.textOf("failureLine"), "1 could not be removed");
+    EXPECT_EQ(on.textOf("titleLabel"), "0 files in Pictures, selected 0 file in All.");
+    on.click("leftCell0");
+    EXPECT_EQ(on.textOf("titleLabel"), "2 files in f, selected 0 files in All.");
+    on.click("leftCell1");
+    on.tick(on.row("more.txt"));
+    on.click("button");
+    on.click("button");
+    EXPECT_EQ(on.textOf("titleLabel"), "2 files in Documents, selected 0 file in All.");
+}
+
+TEST_F(Removal, AStopForgetsTheTicksOfAllViews) {
+    ASSERT_TRUE(makeGroup("four.txt", 4, 1000) && makeGroup("other.jpg", 4, 2000));
+    ASSERT_TRUE(on.search(on.tree.at("f")));
+    on.click("button");
+    on.click("leftCell6");
+    ASSERT_TRUE(on.remove([&] { on.click("stopRemoveBtn"); }));
+    for (const auto& [row, name] : {std::pair("leftCell1", "four.txt"), std::pair("leftCell5", "other.jpg")}) {
+        on.click(row);
+        const std::string left = std::to_string(copies(name));
+        EXPECT_EQ(on.list(), std::string(name) + " 0 0/" + left + ": " + std::string(std::stoul(left), '.') + '\n')
+            << "a box that is ticked and does not count";
+    }
+}
+
 TEST_F(Removal, ThePageMayEndMeanwhile) {
     ASSERT_TRUE(makeGroup("four.txt", 4, 1000));
     ASSERT_TRUE(on.search(on.tree.at("f")));
@@ -189,6 +224,7 @@ TEST_F(Removal, ThePadlockHoldsTheRightAndSaysWhy) {
     EXPECT_TRUE(on.waitFor([&] { return padlock.isEnabled(); }));
     EXPECT_FALSE(isOpen() || padlock.isChecked());
     EXPECT_TRUE(padlock.toolTip().contains(QLatin1Char('\n'))) << "the reason stands below";
+    EXPECT_EQ(QApplication::focusWidget(), &padlock) << "where the person was before the dialog";
     on.authorization.failures.clear();
     int changes = 0;
     const auto observation = on.notifications.addObserver("changeLockState", [&](const Notification&) { ++changes; });

@@ -61,6 +61,14 @@ TEST(DuplicatePage, StartsWithTheFirstViewAndEverythingNamed) {
         }
 }
 
+TEST(DuplicatePage, TheFirstTabStopsAtWhatOneCameFor) {
+    PageWindow on;
+    QTest::keyClick(on.window->window(), Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), &on.control("pathChoseBtn"));
+    QTest::keyClick(on.window->window(), Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), &on.control("animationHoverImageView"));
+}
+
 TEST(DuplicatePage, ASearchRunsOnWhateverTheWindowDoes) {
     PageWindow on;
     // 26 characters are cut, 25 are not.

@@ -116,6 +116,42 @@ TEST_F(Ticks, TheBoxOverTheListTicksAndClearsTheView) {
     EXPECT_EQ(on.list(), "three.jpg 2 2/3: xx.\n");
 }
 
+TEST_F(Ticks, WhatTheBoxHasTickedItsNextClickClearsInAnyView) {
+    const auto clicks = [&](const char* view) {
+        on.click(view);
+        on.click("button");
+        return selected();
+    };
+    EXPECT_EQ(clicks("leftCell0"), "selected 3 files in All.");
+    EXPECT_EQ(clicks("leftCell5"), "selected 1 files in All.") << "the pictures are clear, the rest stays";
+    EXPECT_EQ(clicks("leftCell0"), "selected 0 file in All.") << "nothing here was ticked by hand";
+    EXPECT_EQ(clicks("leftCell5"), "selected 2 files in All.");
+    EXPECT_EQ(clicks("leftCell0"), "selected 0 file in All.");
+    // Ticks by hand in one view: there the box ticks the rest, and so it does where they are seen along with others.
+    on.click("leftCell1");
+    on.tick(on.model().index(0, 0, on.row("two.txt")));
+    EXPECT_EQ(clicks("leftCell5"), "selected 3 files in All.");
+    on.click("leftCell0");
+    on.click("button");
+    EXPECT_EQ(group("two"), "two.txt 2 1/2: x.");
+    EXPECT_EQ(group("three"), "three.jpg 2 2/3: xx.");
+    on.click("button");
+    EXPECT_EQ(selected(), "selected 0 file in All.");
+}
+
+TEST_F(Ticks, ASingleGroupIsDrawnAnewWithItsCopies) {
+    on.click("leftCell1");
+    const QModelIndex copy = on.model().index(0, Model::Checkbox, on.row("two.txt"));
+    outline.expand(copy.parent());
+    const auto seen = [&] { return on.onScreen(*outline.viewport(), outline.visualRect(copy)); };
+    const QImage clear = seen();
+    on.click("button");
+    ASSERT_EQ(copy.data(Model::StateRole).toInt(), 1);
+    EXPECT_TRUE(seen() != clear) << "ticked, and not on the screen";
+    on.click("button");
+    EXPECT_TRUE(seen() == clear);
+}
+
 TEST_F(Ticks, TheOrderDecidesWhichCopyIsTheLast) {
     const auto last = [&] {
         const QModelIndex parent = on.row("two.txt");
@@ -158,6 +194,74 @@ TEST_F(Ticks, TheOrderDecidesWhichCopyIsTheLast) {
     EXPECT_EQ(std::make_pair(state("b/two.txt"), state("a/two.txt")), std::make_pair(1, 0));
 }
 
+TEST_F(Ticks, AListShowsTheOrderThatItIsIn) {
+    const auto shown = [&] {
+        const QHeaderView& header = *outline.header();
+        return header.isSortIndicatorShown() ? header.sortIndicatorSection() : -1;
+    };
+    EXPECT_EQ(shown(), -1) << "as it was found";
+    sortBy(Model::FileSize);
+    EXPECT_EQ(shown(), Model::FileSize);
+    on.click("leftCell5");
+    EXPECT_EQ(shown(), -1) << "the pictures are not sorted";
+    sortBy(Model::NameColumn);
+    on.click("leftCell0");
+    EXPECT_EQ(shown(), Model::FileSize);
+    ASSERT_TRUE(on.search(on.tree.at("f")));
+    EXPECT_EQ(shown(), -1);
+}
+
+TEST_F(Ticks, TellWhatARemovalWouldGiveBack) {
+    EXPECT_FALSE(on.isShown("gainLabel"));
+    on.tick(on.row("two.txt"));
+    EXPECT_EQ(on.textOf("gainLabel"), "3.00 KB can be gained");
+    on.tick(on.row("three.jpg"));
+    EXPECT_EQ(on.textOf("gainLabel"), "5.00 KB can be gained");
+    on.click("button");
+    on.click("button");
+    EXPECT_FALSE(on.isShown("gainLabel"));
+    // Names of one file.
+    const std::string bytes = testing::someBytes(2000, 3);
+    ASSERT_TRUE(on.tree.write("g/a", bytes) && on.tree.hardLink("g/a", "g/b") && on.tree.write("g/c", bytes));
+    ASSERT_TRUE(on.search(on.tree.at("g")));
+    EXPECT_FALSE(on.isShown("gainLabel"));
+    const QString group = on.model().index(0, Model::NameColumn).data().toString();
+    for (const char* name : {"/a", "/b"}) on.tick(on.row(group.toStdString(), name));
+    EXPECT_EQ(on.textOf("gainLabel"), "2.00 KB can be gained");
+    on.tick(on.row(group.toStdString(), "/a"));
+    EXPECT_EQ(on.textOf("gainLabel"), "Nothing can be gained");
+    const QModelIndex b = on.row(group.toStdString(), "/b").siblingAtColumn(Model::NameColumn);
+    EXPECT_EQ(b.data(Model::HardLinksRole).toInt(), 2);
+    EXPECT_TRUE(b.data(Qt::ToolTipRole).toString().contains(QStringLiteral("2 names")));
+}
+
+TEST_F(Ticks, ThePreviewGoesOnToTheNextFileAndClosesAlone) {
+    outline.setFocus();
+    outline.collapseAll();
+    outline.setCurrentIndex(on.model().index(0, 0));
+    const auto path = [&](int group, int copy) {
+        return on.model().index(copy, Model::NameColumn, on.model().index(group, 0)).data().toString().toStdString();
+    };
+    on.click("openBtn");
+    QWidget& preview = on.control("previewPanel");
+    preview.activateWindow();
+    ASSERT_TRUE(on.waitFor([&] { return QApplication::activeWindow() == &preview; }));
+    EXPECT_EQ(on.window->filePath(), path(0, 0));
+    const auto after = [&](Qt::Key key) {
+        QTest::keyClick(&preview, key);
+        return on.window->filePath();
+    };
+    EXPECT_EQ(after(Qt::Key_Down), path(1, 0)) << "a closed group is its first copy";
+    EXPECT_EQ(after(Qt::Key_Down), path(1, 0)) << "there is no further one";
+    outline.expandAll();
+    EXPECT_EQ(after(Qt::Key_Down), path(1, 1)) << "the first copy has been seen";
+    EXPECT_EQ(after(Qt::Key_Up), path(1, 0));
+    EXPECT_EQ(outline.currentIndex().parent(), on.model().index(1, 0)) << "the list goes along";
+    QTest::keyClick(&preview, Qt::Key_W, Qt::ControlModifier);
+    EXPECT_FALSE(preview.isVisible());
+    EXPECT_TRUE(on.window->window()->isVisible()) << "one window at a time";
+}
+
 TEST_F(Ticks, EverythingByKeyAndByTheMenuOfARow) {
     outline.setFocus();
     outline.collapseAll();
@@ -185,7 +289,9 @@ TEST_F(Ticks, EverythingByKeyAndByTheMenuOfARow) {
     EXPECT_FALSE(on.isShown("previewPanel")) << "the same action closes it";
     EXPECT_EQ(on.window->filePath(), copy);
     on.click("RevealFinder");
-    EXPECT_EQ(on.revealed, std::vector<std::string>{"three.jpg"}) << "of a group its bare name";
+    const std::string first =
+        on.model().index(0, Model::NameColumn, on.row("three.jpg")).data().toString().toStdString();
+    EXPECT_EQ(on.revealed, std::vector<std::string>{first}) << "of a group its first copy";
 
     const auto menu = [&]() -> QMenu* {
         QContextMenuEvent event(QContextMenuEvent::Keyboard, {}, {});

@@ -44,7 +44,7 @@ bool isData(const QString& text) {
 }
 
 QRegularExpression patternOf(const QString& translation) {
-    static const QRegularExpression filledIn(QStringLiteral("\\\\%(\\d|n)"));
+    static const QRegularExpression filledIn(QStringLiteral("\\\\%(\\d|L?n)"));
     const QString escaped = QRegularExpression::escape(translation);
     return QRegularExpression(
         QRegularExpression::anchoredPattern(QString(escaped).replace(filledIn, QStringLiteral(".+"))));

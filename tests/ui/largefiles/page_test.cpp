@@ -148,6 +148,20 @@ TEST_F(LargeFilePage, IsTickedAndLookedAtByTheKeyboard) {
     EXPECT_FALSE(on.outline().isExpanded(on.row("photos")));
 }
 
+TEST_F(LargeFilePage, ASingleRowIsDrawnAnewWithWhatIsBelowIt) {
+    ASSERT_TRUE(on.tree.write("f/only/inner", "x"));
+    ASSERT_TRUE(on.scan(on.tree.at("f")));
+    on.open("only");
+    const auto seen = [&] {
+        const QModelIndex box = on.row("inner").siblingAtColumn(FileNodeModel::CheckBox);
+        return on.window.onScreen(*on.outline().viewport(), on.outline().visualRect(box));
+    };
+    const QImage clear = seen();
+    on.click("selectAllButton");
+    ASSERT_EQ(on.list().find("  x inner"), on.list().find('\n') + 1) << on.list();
+    EXPECT_TRUE(seen() != clear) << "ticked, and not on the screen";
+}
+
 TEST_F(LargeFilePage, OpensWhatARowIsAskedFor) {
     ASSERT_TRUE(makeFolder() && on.scan(on.tree.at("f")));
     on.clickCell("photos", FileNodeModel::OpenFinder);
@@ -230,6 +244,35 @@ TEST_F(LargeFilePage, SaysWhenAFolderIsEmptyAndWaitsForStop) {
     on.click("stopScanButton");
     EXPECT_FALSE(on.page().isScan());
     EXPECT_TRUE(on.isShown("emptyLabel"));
+}
+
+TEST_F(LargeFilePage, SaysOfAnEmptyListWhetherTheFolderIsEmptyToo) {
+    ASSERT_TRUE(on.tree.write("f/gone", "1") && on.tree.write("f/stays", "1"));
+    ASSERT_TRUE(on.scan(on.tree.at("f")));
+    ASSERT_TRUE(on.tree.patch("f/stays", 0, "2"));
+    on.click("selectAllButton");
+    ASSERT_TRUE(on.remove());
+    ASSERT_TRUE(isThere("f/stays") && !isThere("f/gone"));
+    EXPECT_TRUE(on.waitFor([&] { return on.isShown("emptyLabel"); }));
+    EXPECT_EQ(on.textOf("emptyLabel"), "The list is empty. A new scan shows what stayed in this folder.");
+    on.page().viewDragAction(on.tree.at("f"));
+    ASSERT_TRUE(on.waitFor([&] { return !on.page().isScan(); }));
+    on.click("selectAllButton");
+    ASSERT_TRUE(on.remove());
+    EXPECT_TRUE(on.waitFor([&] { return on.isShown("emptyLabel"); }));
+    EXPECT_EQ(on.textOf("emptyLabel"), "Nothing is left in this folder.");
+}
+
+TEST_F(LargeFilePage, ThePreviewGoesOnToTheNextFile) {
+    ASSERT_TRUE(makeFolder());
+    ASSERT_TRUE(on.scan(on.tree.at("f")));
+    on.clickCell("movie.mkv", FileNodeModel::Pareview);
+    ASSERT_TRUE(on.window.isShown("previewPanel"));
+    for (const auto& [key, name] : {std::pair(Qt::Key_Down, "same.txt"), std::pair(Qt::Key_Down, "notes.txt"),
+                                    std::pair(Qt::Key_Down, "notes.txt"), std::pair(Qt::Key_Up, "same.txt")}) {
+        QTest::keyClick(&on.window.control("previewPanel"), key);
+        EXPECT_EQ(on.window.window->filePath(), on.tree.at("f/" + std::string(name))) << "folders have no preview";
+    }
 }
 
 TEST_F(LargeFilePage, TellsWhatCouldNotBeRead) {

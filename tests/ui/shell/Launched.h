@@ -55,7 +55,10 @@ struct Launched {
                              .volumesAtOnce = &volumes,
                              .mountChanges = &mounts,
                              .openFolder = [this](const std::string& path) { return opened.push_back(path), canOpen; },
-                             .openGuide = [this] { return canOpen; },
+                             .openGuide =
+                                 [this](const std::function<void()>& failed) {
+                                     if (!canOpen) failed();
+                                 },
                              .stopListening = [this] { isListening = false; },
                              .exitProcess = [this](int status) { ends.push_back(status); },
                              .endBySignal = [this](int signal) { ends.push_back(-signal); }});

@@ -2,6 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
+#include <QApplication>
+#include <QFile>
+#include <QScreen>
 #include <QTest>
 #include <csignal>
 
@@ -10,6 +13,9 @@
 #include "engine/text/Localized.h"
 #include "services/volumes/WatchMountUnmount.h"
 #include "services/volumes/WorkspaceMounts.h"
+#include "ui/kit/dialogs/WindowDialogs.h"
+#include "ui/preferences/AppPrefsWindowController.h"
+#include "ui/shell/FileManager.h"
 #include "ui/shell/Launched.h"
 
 namespace orrinvale::testing {
@@ -122,6 +128,7 @@ TEST(AppDelegate, EjectAllTellsWhatStayed) {
     EXPECT_FALSE(on.entry("ejectAll")->isEnabled()) << "one at a time";
     ASSERT_TRUE(PageWindow::waitFor([&] { return on.dialogs.alerts().size() == 1; }));
     EXPECT_EQ(on.volumes.ejectedNumbers, (std::vector<std::int16_t>{7, 8}));
+    EXPECT_TRUE(PageWindow::waitFor([&] { return on.entry("ejectAll")->isEnabled(); })) << "to be tried again";
     const QString text = on.dialogs.alerts()[0].text;
     EXPECT_TRUE(text.contains(QLatin1String("Stick")) && text.contains(QLatin1String("vlc"))) << text.toStdString();
     EXPECT_TRUE(on.isVisible()) << "a question needs a window";
@@ -154,7 +161,117 @@ TEST(AppDelegate, AVolumeIsOpenedOrThePersonIsTold) {
     on.dialogs.willAnswer(0);
     on.delegate->help();
     QTest::qWait(10);
-    EXPECT_EQ(on.dialogs.alerts().size(), 3U);
+    ASSERT_EQ(on.dialogs.alerts().size(), 3U);
+    if (const QString guide = userGuidePath(); !guide.isEmpty()) {
+        EXPECT_TRUE(on.dialogs.alerts().back().text.contains(guide)) << "any browser shows it";
+    }
+}
+
+// A desktop whose opener finds no browser, and one whose does.
+TEST(UserGuide, WhoFindsNoBrowserIsToldSo) {
+    if (userGuidePath().isEmpty()) GTEST_SKIP() << "the guide is not built here";
+    TestTree tree;
+    const QByteArray path = qgetenv("PATH");
+    for (const int status : {3, 0}) {
+        ASSERT_TRUE(tree.write("xdg-open", "#!/bin/sh\necho \"$1\" > \"$(dirname \"$0\")/opened\"\nexit " +
+                                               std::to_string(status) + "\n") &&
+                    tree.setMode("xdg-open", 0755));
+        qputenv("PATH", QByteArray::fromStdString(tree.path()) + ':' + path);
+        int failures = 0;
+        openUserGuide([&] { ++failures; });
+        EXPECT_TRUE(PageWindow::waitFor([&] { return isThere(tree.at("opened")); }));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return failures != 0; }, status == 0 ? 300 : 5000) == (status != 0));
+        QFile::remove(QString::fromStdString(tree.at("opened")));
+    }
+    qputenv("PATH", path);
+}
+
+TEST(AppDelegate, AFurtherStartLeavesTheKeyboardWithTheDialogThatIsOpen) {
+    Launched on;
+    on.delegate->applicationDidFinishLaunching();
+    ASSERT_TRUE(on.tree.folder("f"));
+    QWidget* const window = on.delegate->duplicateMWC()->window();
+    WindowDialogs real;
+    bool isChosen = false;
+    real.choosePaths(window, {}, [&](const auto& paths) { isChosen = !paths.empty(); });
+    QWidget* const chooser = QApplication::activeModalWidget();
+    ASSERT_NE(chooser, nullptr);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(chooser));
+    on.delegate->perform({StartRequest::Kind::Activate, "", ""});
+    EXPECT_EQ(QApplication::activeWindow(), chooser);
+    // A folder makes the choice needless.
+    const auto& page = *on.delegate->duplicateMWC()->sameFileDeleteVC();
+    on.delegate->perform({StartRequest::Kind::Open, on.tree.at("f"), ""});
+    EXPECT_EQ(page.searchPath(), on.tree.at("f"));
+    EXPECT_TRUE(PageWindow::waitFor([] { return QApplication::activeModalWidget() == nullptr; }));
+    EXPECT_FALSE(isChosen);
+    ASSERT_TRUE(PageWindow::waitFor([&] { return page.bSearchFinished(); }));
+    // Nothing is searched behind a question.
+    real.alert(window, {}, [](int) {});
+    on.dialogs.willAnswer(0);
+    on.delegate->perform({StartRequest::Kind::Open, on.tree.path(), ""});
+    EXPECT_EQ(page.searchPath(), on.tree.at("f"));
+    EXPECT_EQ(on.dialogs.alerts().back().title, QStringLiteral("A question is still open."));
+}
+
+TEST(AppDelegate, AMinimisedWindowComesBackAsItWas) {
+    Launched on;
+    TCImageWindow& window = *on.delegate->duplicateMWC()->window();
+    window.setFrame({window.frame().topLeft(), QSize(900, 700)});
+    window.showMinimized();
+    ASSERT_TRUE(window.isMinimized());
+    on.delegate->perform({StartRequest::Kind::Activate, "", ""});
+    EXPECT_FALSE(window.isMinimized());
+    EXPECT_EQ(window.frame().size(), QSize(900, 700));
+}
+
+TEST(AppDelegate, TheNextRunFindsTheWindowWhereItWas) {
+    QByteArray kept;
+    const QRect place(0, 30, 800, 600);
+    {
+        Launched on;
+        TCImageWindow& window = *on.delegate->duplicateMWC()->window();
+        const QPoint middle = window.screen()->availableGeometry().center();
+        EXPECT_LE((window.frame().center() - middle).manhattanLength(), 2) << "at first in the middle";
+        window.setFrame(place);
+        on.delegate->quit();
+        QFile settings(QString::fromStdString(on.tree.at("settings.ini")));
+        ASSERT_TRUE(settings.open(QIODevice::ReadOnly));
+        kept = settings.readAll();
+        EXPECT_TRUE(kept.contains("0 30 800 600 0")) << kept.toStdString();
+    }
+    const struct {
+        const char* stored;
+        QRect frame;
+    } cases[] = {{"0 30 800 600 0", place}, {"5000 -9000 800 506 0", {}}, {"no frame", {}}};
+    for (const auto& each : cases) {
+        TestTree tree;
+        QByteArray stored = kept;
+        ASSERT_TRUE(tree.write("settings.ini", stored.replace("0 30 800 600 0", each.stored).toStdString()));
+        Launched on;
+        UserDefaults defaults(tree.at("settings.ini"));
+        SameFileDeleteParts parts = on.pages();
+        parts.defaults = &defaults;
+        DuplicateMainWindowController next(parts, on.icons);
+        next.showWindow();
+        const QRect frame = next.window()->frame();
+        if (each.frame.isValid()) {
+            EXPECT_EQ(frame, each.frame);
+        }
+        EXPECT_TRUE(next.window()->screen()->availableGeometry().contains(frame)) << each.stored;
+    }
+}
+
+TEST(AppDelegate, ThePagesAreOfferedOnceTheyAreMoreThanTheMainWindowHas) {
+    Launched on;
+    AppPrefsWindowController::sharedPrefsWindowController().registerPage(
+        {QStringLiteral("duplicates_file"), {}, {}, {}});
+    on.delegate->applicationDidFinishLaunching();
+    EXPECT_FALSE(on.entry("pages")->isVisible());
+    AppPrefsWindowController::sharedPrefsWindowController().registerPage({QStringLiteral("another"), {}, {}, {}});
+    Q_EMIT on.delegate->menu().opened();
+    EXPECT_TRUE(on.entry("pages")->isVisible());
+    delete &AppPrefsWindowController::sharedPrefsWindowController();  // the next test has one of its own
 }
 
 TEST(AppDelegate, QuittingSavesAndLetsARemovalFinishTheEntryThatItIsAt) {

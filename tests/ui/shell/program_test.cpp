@@ -132,6 +132,57 @@ TEST(Program, StartsSearchesAFolderAndLivesOnWhenItsWindowIsClosed) {
     EXPECT_EQ(running.ended(), 1);
 }
 
+TEST(Program, StandsInTheMiddleOfTheScreenAndWhereItWasLeftTheNextTime) {
+    for (const char* const dpi : {"96", "144"}) {
+        SCOPED_TRACE(dpi);
+        testing::TestTree tree;
+        DesktopSession session;
+        session.setVariable("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+        session.setVariable("XDG_CONFIG_HOME", tree.path().c_str());
+        session.setVariable("QT_FONT_DPI", dpi);
+        const std::string reason = session.startX11({QStringLiteral("openbox")});
+        if (!reason.empty()) GTEST_SKIP() << reason;
+        const auto xdotool = [&](const QStringList& orders) { return session.run(QStringLiteral("xdotool"), orders); };
+        const auto place = [&]() -> QRect {
+            const QString said = xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                                          QStringLiteral("--name"), QStringLiteral("^Orrinvale$"),
+                                          QStringLiteral("getwindowgeometry"), QStringLiteral("--shell")});
+            const auto number = [&](const char* name) {
+                return said.section(QLatin1String(name) + QLatin1Char('='), 1, 1)
+                    .section(QLatin1Char('\n'), 0, 0)
+                    .toInt();
+            };
+            return {number("X"), number("Y"), number("WIDTH"), number("HEIGHT")};
+        };
+        const auto ended = [&](Running& running) {
+            xdotool({QStringLiteral("key"), QStringLiteral("--clearmodifiers"), QStringLiteral("ctrl+q")});
+            return running.ended();
+        };
+        QRect first;
+        {
+            Running running(session.environment());
+            running.start();
+            ASSERT_TRUE(PageWindow::waitFor([&] { return (first = place()).width() > 100; }));
+            EXPECT_LE(first.height(), 800) << "as high as the screen";
+            EXPECT_LE(std::abs(first.center().y() - 400), 3);
+            if (first.width() <= 1000) {
+                EXPECT_LE(std::abs(first.center().x() - 500), 3);
+            }
+            xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--name"),
+                     QStringLiteral("^Orrinvale$"), QStringLiteral("windowmove"), QStringLiteral("--sync"),
+                     QStringLiteral("60"), QStringLiteral("12")});
+            ASSERT_TRUE(PageWindow::waitFor([&] { return place().topLeft() != first.topLeft(); }));
+            first = place();
+            EXPECT_EQ(ended(running), 1);
+        }
+        if (first.right() >= 1000) continue;  // it would be brought into view
+        Running running(session.environment());
+        running.start();
+        ASSERT_TRUE(PageWindow::waitFor([&] { return place().width() > 100; }));
+        EXPECT_TRUE(PageWindow::waitFor([&] { return place() == first; })) << place().x() << ' ' << place().y();
+    }
+}
+
 // Without a display, with folders of its own.
 QProcessEnvironment offscreen(const testing::TestTree& tree, const std::string& bus) {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -228,6 +279,19 @@ TEST(Program, IsStartedAndReachedOverTheSessionBus) {
     EXPECT_EQ(Running(elsewhere).startAgain(), 0);
     EXPECT_EQ(second.startAgain({QStringLiteral("--action"), QStringLiteral("quit")}), 0);
     EXPECT_TRUE(PageWindow::waitFor([&] { return !bus.hasProgram(); })) << "it has quit";
+}
+
+TEST(Program, LaunchesToItsEnd) {
+    testing::TestTree tree;
+    ASSERT_TRUE(tree.write("com.kelpford.Orrinvale/settings.ini", "[Orrinvale]\nZvLastClickRow = 5\n"));
+    Running running(offscreen(tree, "unix:path=/nonexistent"));
+    running.start();
+    ASSERT_TRUE(PageWindow::waitFor([&] { return testing::isThere(tree.at("orrinvale.socket")); }));
+    EXPECT_EQ(running.startAgain({QStringLiteral("--action"), QStringLiteral("quit")}), 0);
+    EXPECT_EQ(running.ended(), 1);
+    // The last step of the launch puts the row back, and what is set is stored when the program ends.
+    EXPECT_EQ(testing::contentOf(tree.at("com.kelpford.Orrinvale/settings.ini")).find("ZvLastClickRow = 5"),
+              std::string::npos);
 }
 
 TEST(Program, OfTwoStartsAtTheSameMomentOneStays) {

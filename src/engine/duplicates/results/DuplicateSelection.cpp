@@ -62,12 +62,16 @@ void TickedLeaves::removeClear() {
     std::erase_if(m_entries, [](const TreeNode::Pointer& entry) { return simpleData(*entry)->selectNum() == 0; });
 }
 
+void TickedLeaves::removeOrphans() {
+    std::erase_if(m_entries, [](const TreeNode::Pointer& entry) { return entry->nodeParent() == nullptr; });
+}
+
 LeafClick DuplicateSelection::clickLeaf(const TreeNode::Pointer& leaf) {
     TreeNode& group = *leaf->nodeParent();
     SimpleNodeData& data = *simpleData(*leaf);
     const std::size_t copies = group.numberOfChildren();
     if (data.selectNum() == 1) {
-        data.setSelectNum(0);
+        clear(data);
         m_ticked.remove(leaf.get());
         const std::size_t ticked = countTicked(group);
         showGroup(group, ticked == 0 ? 0 : 2, ticked);
@@ -75,17 +79,14 @@ LeafClick DuplicateSelection::clickLeaf(const TreeNode::Pointer& leaf) {
     }
     const std::size_t ticked = countTicked(group);
     if (ticked + 1 >= copies) return LeafClick::Question;
-    data.setSelectNum(1);
-    m_ticked.append(leaf);
+    tick(leaf);
     showGroup(group, 2, ticked + 1);
     return LeafClick::Ticked;
 }
 
 void DuplicateSelection::tickLast(const TreeNode::Pointer& leaf) {
-    SimpleNodeData& data = *simpleData(*leaf);
-    if (data.selectNum() == 1) return;
-    data.setSelectNum(1);
-    m_ticked.append(leaf);
+    if (simpleData(*leaf)->selectNum() == 1) return;
+    tick(leaf);
     TreeNode& group = *leaf->nodeParent();
     showGroup(group, 1, group.numberOfChildren());
 }
@@ -106,11 +107,10 @@ void DuplicateSelection::tickAllBut(TreeNode& leaf) {
         const TreeNode::Pointer& child = group.childAtIndex(i);
         SimpleNodeData& data = *simpleData(*child);
         if (child.get() == &leaf) {
-            data.setSelectNum(0);
+            clear(data);
             m_ticked.remove(child.get());
         } else if (data.selectNum() != 1) {
-            data.setSelectNum(1);
-            m_ticked.append(child);
+            tick(child);
         }
     }
     showGroup(group, 2, copies - 1);
@@ -119,7 +119,7 @@ void DuplicateSelection::tickAllBut(TreeNode& leaf) {
 void DuplicateSelection::clearLeaves(TreeNode& group, std::size_t shownCount) {
     // A group is in state 0 only while none of its leaves is ticked.
     if (simpleData(group)->selectNum() != 0)
-        for (std::size_t i = 0; i < group.numberOfChildren(); ++i) simpleData(*group.childAtIndex(i))->setSelectNum(0);
+        for (std::size_t i = 0; i < group.numberOfChildren(); ++i) clear(*simpleData(*group.childAtIndex(i)));
     SimpleNodeData& data = *simpleData(group);
     data.setSelectNum(0);
     data.setShowSelectNumStr(fmt::format("0/{}", shownCount));
@@ -136,9 +136,7 @@ void DuplicateSelection::setAll(TreeNode& tree, bool on) {
         }
         const std::size_t copies = group.numberOfChildren();
         for (std::size_t i = 0; i + 1 < copies; ++i) {
-            const TreeNode::Pointer& child = group.childAtIndex(i);
-            simpleData(*child)->setSelectNum(1);
-            m_ticked.append(child);
+            tick(group.childAtIndex(i));
         }
         showGroup(group, 2, copies == 0 ? 0 : copies - 1);
     }
@@ -152,6 +150,45 @@ void DuplicateSelection::clearTree(TreeNode& tree) {
         clearLeaves(group, group.numberOfChildren());
     }
     m_ticked.removeClear();
+}
+
+void DuplicateSelection::tick(const TreeNode::Pointer& leaf) {
+    SimpleNodeData& data = *simpleData(*leaf);
+    if (data.selectNum() != 1) count(data, true);
+    data.setSelectNum(1);
+    m_ticked.append(leaf);
+}
+
+void DuplicateSelection::clear(SimpleNodeData& leaf) {
+    if (leaf.selectNum() == 1) count(leaf, false);
+    leaf.setSelectNum(0);
+}
+
+void DuplicateSelection::count(const SimpleNodeData& leaf, bool isTicked) {
+    const auto change = [isTicked](auto& sum, auto by) {
+        sum = isTicked ? sum + by : sum - std::min<decltype(sum + by)>(sum, by);
+    };
+    change(m_sums.copies, std::size_t{1});
+    if (leaf.liesOutside()) change(m_sums.outside, std::size_t{1});
+    const auto& identity = leaf.identity();
+    if (identity && identity->type == FileType::SymbolicLink) return;
+    if (leaf.hardLinks() < 2 || !identity) {
+        change(m_sums.bytes, leaf.fileSize());
+        return;
+    }
+    std::uint32_t& names = m_tickedNames[{identity->device, identity->inode}];
+    const bool wereAll = names >= leaf.hardLinks();
+    change(names, std::uint32_t{1});
+    if (wereAll != (names >= leaf.hardLinks())) change(m_sums.bytes, leaf.fileSize());
+}
+
+void DuplicateSelection::recount() {
+    m_sums = {};
+    m_tickedNames.clear();
+    std::vector<TreeNode::Pointer> leaves = m_ticked.entries();
+    std::sort(leaves.begin(), leaves.end());
+    leaves.erase(std::unique(leaves.begin(), leaves.end()), leaves.end());
+    for (const auto& leaf : leaves) count(*simpleData(*leaf), true);
 }
 
 HeaderBox DuplicateSelection::headerBox(const TreeNode& tree) {
@@ -169,6 +206,12 @@ HeaderBox DuplicateSelection::headerBox(const TreeNode& tree) {
     box.isOn = none != groups;
     box.picture = pictureOf(!box.isOn ? 0 : all == groups ? 1 : 2);
     return box;
+}
+
+bool DuplicateSelection::hasTicks(const TreeNode& tree) {
+    for (std::size_t g = 0; g < tree.numberOfChildren(); ++g)
+        if (simpleData(*tree.childAtIndex(g))->selectNum() != 0) return true;
+    return false;
 }
 
 std::string_view DuplicateSelection::pictureOf(std::int32_t selectNum) {

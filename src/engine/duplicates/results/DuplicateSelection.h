@@ -2,9 +2,12 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <map>
 #include <memory>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "engine/duplicates/tree/SimpleTreeNode.h"
@@ -20,6 +23,8 @@ public:
     void remove(const TreeNode* leaf);
     void removeAll(std::span<const TreeNode::Pointer> leaves);
     void removeClear();
+    /// Takes out what stands in no group any more.
+    void removeOrphans();
     void clear() { m_entries.clear(); }
 
     /// How many there are, doubles included.
@@ -45,6 +50,14 @@ struct HeaderBox {
     std::size_t leaves = 0;
 };
 
+/// What the ticked copies come to, each once however often it stands in the list.
+struct TickedSums {
+    std::size_t copies = 0;
+    std::size_t outside = 0;  ///< of these, not below the folder that was searched
+    /// That their removal gives back: of a file with several names when all its names are ticked, and once; of a link none.
+    std::uint64_t bytes = 0;
+};
+
 /// Keeps `selectNum` and `showSelectNumStr` of leaves and groups true. Main thread only.
 class DuplicateSelection final {
 public:
@@ -67,16 +80,29 @@ public:
 
     [[nodiscard]] static HeaderBox headerBox(const TreeNode& tree);
 
+    /// Whether any copy of the view is ticked.
+    [[nodiscard]] static bool hasTicks(const TreeNode& tree);
+
     /// "option_no", "option_yes" or "option_a" for the states 0, 1 and 2.
     [[nodiscard]] static std::string_view pictureOf(std::int32_t selectNum);
+
+    /// Of what was ticked and cleared here. After any other change of allSelectNumArr(), such as the end of a removal, recount()
+    /// puts them right.
+    [[nodiscard]] const TickedSums& sums() const { return m_sums; }
+    void recount();
 
     [[nodiscard]] TickedLeaves& allSelectNumArr() { return m_ticked; }
     [[nodiscard]] const TickedLeaves& allSelectNumArr() const { return m_ticked; }
 
 private:
-    static void clearLeaves(TreeNode& group, std::size_t shownCount);
+    void tick(const TreeNode::Pointer& leaf);
+    void clear(SimpleNodeData& leaf);
+    void clearLeaves(TreeNode& group, std::size_t shownCount);
+    void count(const SimpleNodeData& leaf, bool isTicked);
 
     TickedLeaves m_ticked;
+    TickedSums m_sums;
+    std::map<std::pair<std::uint64_t, std::uint64_t>, std::uint32_t> m_tickedNames;  // by device and inode
 };
 
 }  // namespace orrinvale

@@ -18,6 +18,7 @@
 #include "ui/kit/chrome/WindowShadow.h"
 #include "ui/kit/chrome/frameGeometry.h"
 #include "ui/kit/look/Theme.h"
+#include "ui/kit/look/accessibleRole.h"
 
 namespace orrinvale {
 namespace {
@@ -40,6 +41,7 @@ TCImageWindow::TCImageWindow(QWidget* parent)
       m_drag(*this, [this] { QMetaObject::invokeMethod(this, &TCImageWindow::useSystemFrame, Qt::QueuedConnection); }),
       m_titleBar(new TitleBarView(m_drag, this)),
       m_minSize(160, m_titleBarHeight) {
+    setAccessibleTraits(*this, {.role = QAccessible::Window});
     // Asked for before the native window exists, whatever the desktop blends today: a compositor may start later.
     setAttribute(Qt::WA_TranslucentBackground);
     makeFrame();
@@ -282,6 +284,9 @@ QList<QWidget*> TCImageWindow::focusOrder() const {
     for (QWidget* each = nextInFocusChain(); each != this; each = each->nextInFocusChain())
         if (!each->isWindow() && takesFocus(each) && std::find(buttons.begin(), buttons.end(), each) == buttons.end())
             out.append(each);
+    std::stable_partition(out.begin(), out.end(), [this](const QWidget* each) {
+        return m_content != nullptr && m_content->isAncestorOf(each);
+    });
     std::copy_if(buttons.begin(), buttons.end(), std::back_inserter(out), takesFocus);
     return out;
 }
@@ -289,6 +294,13 @@ QList<QWidget*> TCImageWindow::focusOrder() const {
 bool TCImageWindow::focusNextPrevChild(bool next) {
     const QList<QWidget*> order = focusOrder();
     if (order.isEmpty()) return false;
+    // Who has the keyboard without being asked for shows no ring; the first Tab shows where one is.
+    QWidget* const unasked = std::exchange(m_unaskedFocus, nullptr);
+    if (next && unasked != nullptr && unasked == focusWidget()) {
+        unasked->clearFocus();
+        unasked->setFocus(Qt::TabFocusReason);
+        return true;
+    }
     const qsizetype now = order.indexOf(focusWidget());
     const qsizetype count = order.size();
     const qsizetype then = now < 0 ? (next ? 0 : count - 1) : (now + (next ? 1 : count - 1)) % count;
@@ -334,7 +346,10 @@ bool TCImageWindow::event(QEvent* event) {
     const bool out = QWidget::event(event);
     // The toolkit would give the first focus to the first that was made, the button that closes the window.
     if (event->type() == QEvent::WindowActivate && focusWidget() == nullptr)
-        if (const auto order = focusOrder(); !order.isEmpty()) order.first()->setFocus(Qt::ActiveWindowFocusReason);
+        if (const auto order = focusOrder(); !order.isEmpty()) {
+            order.first()->setFocus(Qt::ActiveWindowFocusReason);
+            m_unaskedFocus = order.first();
+        }
     if (event->type() == QEvent::WindowActivate || event->type() == QEvent::Resize) {
         // Later, since it may make the native window anew.
         if (isFramedAllTheSame()) QMetaObject::invokeMethod(this, &TCImageWindow::useSystemFrame, Qt::QueuedConnection);

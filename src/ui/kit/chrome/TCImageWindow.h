@@ -100,7 +100,7 @@ private:
     void applyBounds();
     void layOut();
     void layOutFrame(const QRect& frame);
-    /// What the Tab key goes through: the contents first, the window buttons last.
+    /// What the Tab key goes through: the contents first, then the title bar, the window buttons last.
     [[nodiscard]] QList<QWidget*> focusOrder() const;
     void boundMaximised();
     [[nodiscard]] QRect zoomTarget() const;
@@ -111,6 +111,7 @@ private:
     WindowDrag m_drag;
     TitleBarView* m_titleBar;
     QPointer<QWidget> m_content;
+    QPointer<QWidget> m_unaskedFocus;  // that the window itself gave the keyboard when it came up
     std::array<ResizeGrip*, 8> m_grips{};
     std::array<WindowCorner*, 4> m_corners{};
     int m_titleBarHeight = 36;

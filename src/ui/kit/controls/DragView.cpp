@@ -7,6 +7,7 @@
 #include <QMimeData>
 #include <QPainter>
 #include <QPen>
+#include <QUrl>
 
 #include <filesystem>
 #include <optional>
@@ -14,6 +15,7 @@
 
 #include "engine/base/Log.h"
 #include "platform/FileUrl.h"
+#include "ui/kit/controls/DropInvitation.h"
 #include "ui/kit/look/Theme.h"
 
 namespace orrinvale {
@@ -74,13 +76,20 @@ bool DragView::performDragOperation(const QMimeData& dragged) {
         return isPresent;
     }
     const auto folder = folderOf(dragged);
-    if (folder) viewDragAction(*folder);
-    return folder.has_value();
+    if (!folder) return false;
+    if (m_delegate != nullptr && dragged.urls().size() > 1) m_delegate->viewDragActionOfSeveral(*folder);
+    else viewDragAction(*folder);
+    return true;
 }
 
 void DragView::setFrameAtRest(bool isShown) {
     m_hasFrameAtRest = isShown;
     update();
+}
+
+void DragView::setInvitation(const QString& text) {
+    delete m_invitation;
+    m_invitation = new DropInvitation(text, *this);
 }
 
 void DragView::concludeDragOperation() { setFolderOver(false); }
@@ -143,6 +152,7 @@ void DragView::paintEvent(QPaintEvent* /*event*/) {
 void DragView::setFolderOver(bool isOver) {
     if (m_isFolderOver == isOver) return;
     m_isFolderOver = isOver;
+    if (m_invitation != nullptr) m_invitation->setShown(isOver);
     update();
     Q_EMIT folderOverChanged(isOver);
 }

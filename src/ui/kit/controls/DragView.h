@@ -9,12 +9,17 @@ class QMimeData;
 
 namespace orrinvale {
 
+class DropInvitation;
+
 class DragViewDelegate {
 public:
     virtual ~DragViewDelegate() = default;
 
     /// The exact bytes of the path of an existing folder.
     virtual void viewDragAction(const std::string& path) { static_cast<void>(path); }
+
+    /// The same, of the first of several that were dropped together. Whoever can tells that the others are left aside.
+    virtual void viewDragActionOfSeveral(const std::string& path) { viewDragAction(path); }
 
 protected:
     DragViewDelegate() = default;
@@ -35,6 +40,9 @@ public:
 
     /// Without it the view shows its frame only while a folder hovers, for pages that draw a place to drop of their own.
     void setFrameAtRest(bool isShown);
+
+    /// What is shown over everything in the view while a folder hovers, for views that are full.
+    void setInvitation(const QString& text);
 
     /// True while a folder, and nothing else, hovers over the view.
     [[nodiscard]] bool isFolderOver() const { return m_isFolderOver; }
@@ -63,6 +71,7 @@ private:
     void setFolderOver(bool isOver);
 
     DragViewDelegate* m_delegate = nullptr;
+    DropInvitation* m_invitation = nullptr;  // a child; null without a text
     bool m_isFolderOver = false;
     bool m_hasFrameAtRest = true;
 };

@@ -47,6 +47,8 @@ FolderStart makeFolderStart(const FolderStartTexts& texts) {
     made.column->addSpacing(Theme::gapSmall);
     made.column->addWidget(made.button, 0, Qt::AlignHCenter);
     made.column->addStretch();
+    // What one came for is the first stop; the picture does the same.
+    QWidget::setTabOrder(made.button, made.animationHoverImageView);
     return made;
 }
 

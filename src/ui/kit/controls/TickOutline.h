@@ -28,6 +28,15 @@ public:
 
     [[nodiscard]] TickBox* headerBox() const { return m_headerBox; }
 
+    /// The rows that are open, counted from top to bottom, whether they are in view or not; 0 before the list is laid out.
+    [[nodiscard]] int openRows() const;
+    /// Among these; -1 for a row that is in a closed one.
+    [[nodiscard]] int openRow(const QModelIndex& index) const;
+    [[nodiscard]] QModelIndex indexOfOpenRow(int row, int column) const;
+
+    /// As a click on the box of the row.
+    void toggleBox(const QModelIndex& index);
+
 Q_SIGNALS:
     void menuWanted(const QModelIndex& index, QPoint globalPosition);
     void previewWanted();
@@ -45,6 +54,7 @@ protected:
 
 private:
     void followTheme();
+    void tellOfBox() const;
 
     const BoxColumn m_boxes;
     KeyboardFocus m_keyboardFocus;

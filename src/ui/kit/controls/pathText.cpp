@@ -1,9 +1,31 @@
 // pathText: see pathText.h.
 #include "ui/kit/controls/pathText.h"
 
+#include <QStringList>
 #include <QTextDocument>
 
 namespace orrinvale {
+namespace {
+
+constexpr QLatin1Char slash('/');
+constexpr QChar dots(0x2026);
+
+// "c/d/" of the third name on.
+QString from(const QStringList& names, qsizetype first) { return names.mid(first).join(slash) + slash; }
+
+QString lastOnly(const QString& folder) {
+    const qsizetype cut = folder.lastIndexOf(slash, -2);
+    return cut <= 0 ? folder : dots + folder.mid(cut);
+}
+
+QString cutInside(const QString& name, const QFontMetrics& metrics, int width) {
+    const QString before = QString(dots) + slash;
+    const int around = metrics.horizontalAdvance(before) + metrics.horizontalAdvance(slash);
+    const QString left = metrics.elidedText(name, Qt::ElideMiddle, width - around);
+    return left.isEmpty() ? QString() : before + left + slash;
+}
+
+}  // namespace
 
 QString onOneLine(QString text) { return text.replace(QLatin1Char('\n'), QChar(0x2424)); }
 
@@ -11,14 +33,36 @@ QString asToolTip(const QString& text) {
     return Qt::mightBeRichText(text) ? QStringLiteral("<qt>%1</qt>").arg(text.toHtmlEscaped()) : text;
 }
 
-QString shortenedFolder(const QString& folder, const QFontMetrics& metrics, int width) {
-    if (metrics.horizontalAdvance(folder) <= width) return folder;
-    for (qsizetype slash = folder.indexOf(QLatin1Char('/'), 1); slash >= 0 && slash < folder.size() - 1;
-         slash = folder.indexOf(QLatin1Char('/'), slash + 1)) {
-        QString shown = QChar(0x2026) + folder.mid(slash);
-        if (metrics.horizontalAdvance(shown) <= width) return shown;
-    }
-    return metrics.elidedText(folder, Qt::ElideLeft, width);
+PathParts pathParts(const QString& path) {
+    const qsizetype cut = path.lastIndexOf(slash) + 1;
+    return {path.left(cut), path.mid(cut)};
+}
+
+QString shortenedFolder(const QString& folder, const QString& shared, const QFontMetrics& metrics, int width) {
+    const auto fits = [&](const QString& text) { return metrics.horizontalAdvance(text) <= width; };
+    if (fits(folder)) return folder;
+    const QStringList names = folder.split(slash, Qt::SkipEmptyParts);
+    if (names.isEmpty()) return folder;
+    const qsizetype last = names.size() - 1;
+    const qsizetype first = shared.isEmpty() ? 0 : qMin(shared.split(slash, Qt::SkipEmptyParts).size(), last);
+    const QString start = first > 0 ? QString(dots) + slash : QString(slash);
+    if (const QString tail = start + from(names, first); fits(tail)) return tail;
+    for (qsizetype next = first + 2; next <= last; ++next)
+        if (const QString cut = start + names[first] + slash + dots + slash + from(names, next); fits(cut)) return cut;
+    const QString end = lastOnly(folder);
+    return fits(end) ? end : cutInside(names[last], metrics, width);
+}
+
+PathParts shortenedPath(const QString& path, const QString& shared, const QFontMetrics& metrics, int width) {
+    const PathParts whole = pathParts(path);
+    const int nameWidth = metrics.horizontalAdvance(whole.name);
+    const int leastFolder =
+        qMin(metrics.horizontalAdvance(whole.folder), metrics.horizontalAdvance(lastOnly(whole.folder)));
+    const int leastName = metrics.horizontalAdvance(whole.name.left(2) + dots + whole.name.right(4));
+    const int forName = qMin(nameWidth, qMax(width - leastFolder, leastName));
+    PathParts shown{shortenedFolder(whole.folder, shared, metrics, width - forName), {}};
+    shown.name = metrics.elidedText(whole.name, Qt::ElideMiddle, width - metrics.horizontalAdvance(shown.folder));
+    return shown;
 }
 
 }  // namespace orrinvale

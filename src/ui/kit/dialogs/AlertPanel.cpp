@@ -8,6 +8,7 @@
 
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/look/Theme.h"
+#include "ui/kit/look/accessibleRole.h"
 #include "ui/kit/look/picture.h"
 
 namespace orrinvale {
@@ -72,6 +73,7 @@ TextImageButton* newButton(const QString& text, TextImageButton::Role role, QWid
 }  // namespace
 
 AlertPanel::AlertPanel(const Alert& alert) : m_defaultButton(alert.defaultButton) {
+    setAccessibleTraits(*this, {.role = QAccessible::AlertMessage, .isModal = true});
     setAccessibleName(alert.title.trimmed().isEmpty() ? alert.text : alert.title);
     setAccessibleDescription(alert.text);
     auto* column = new QVBoxLayout(this);

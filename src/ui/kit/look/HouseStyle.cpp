@@ -38,8 +38,9 @@ void drawScrollBar(QPainter& painter, const QStyleOptionSlider& bar) {
     if (bar.minimum == bar.maximum) return;
     const bool isHeld =
         bar.state.testFlag(QStyle::State_Sunken) && bar.activeSubControls.testFlag(QStyle::SC_ScrollBarSlider);
-    QColor color = theme.color(Theme::Color::Outline);
-    color.setAlphaF(isHeld ? 1.0F : bar.state.testFlag(QStyle::State_MouseOver) ? 0.8F : 0.5F);
+    // Whole colours: what shines through leaves too little contrast for those who see less.
+    const bool isUnderPointer = isHeld || bar.state.testFlag(QStyle::State_MouseOver);
+    const QColor color = theme.color(isUnderPointer ? Theme::Color::TextSecondary : Theme::Color::Outline);
     const QRectF shape = QRectF(sliderRect(bar)).adjusted(barMargin, barMargin, -barMargin, -barMargin);
     const qreal radius = std::min(shape.width(), shape.height()) / 2;
     painter.save();

@@ -34,6 +34,8 @@ ImageObject onCanvas(const ImageObject& image, QPointF corner, double whiteHeigh
         painter.fillRect(QRectF(0, menuSize.height() - white, menuSize.width(), white), Qt::white);
     }
     const double top = menuSize.height() - corner.y() - image.size.height();
+    // The white is what the image is seen on: above it, and where there is none, nothing of the image shows.
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
     painter.drawImage(QRectF(QPointF(corner.x(), top), image.size), image.rendered(scale));
     painter.end();
     return ImageObject(canvas);

@@ -29,7 +29,8 @@ class IconScaling final {
 public:
     /// For a menu row of 13 by 14 points. An image at least as large is resized; a smaller one comes in the middle of a
     /// new canvas, as the table in the source says. The canvas is white from its foot up to 13 or 14 points times
-    /// amountReflected, transparent above, and as dense as the image's pixels.
+    /// amountReflected, transparent above, and as dense as the image's pixels. Only on the white the image shows, and there it
+    /// takes the place of the white, where it is transparent too.
     [[nodiscard]] static ImageObject createScalesImage(ImageObject& image, bool flipFlag, float amountReflected);
 
     /// 50 by 50 points. The amount is ignored, here and below.

@@ -5,6 +5,8 @@
 #include <QTest>
 
 #include "ui/kit/look/HouseStyle.h"
+#include "ui/kit/look/Theme.h"
+#include "ui/kit/look/contrast.h"
 
 namespace orrinvale {
 namespace {
@@ -44,6 +46,23 @@ TEST_P(ScrollBars, FollowThePointerFromEndToEnd) {
 INSTANTIATE_TEST_SUITE_P(BothWays, ScrollBars,
                          ::testing::Combine(::testing::Values(Qt::Vertical, Qt::Horizontal),
                                             ::testing::Values(Range{1'000, 400}, Range{2'000'000'000, 300})));
+
+TEST(ScrollBars, AreSeenOnBothPalettes) {
+    HouseStyle style;
+    const auto before = Theme::shared().scheme();
+    for (const auto scheme : {Theme::Scheme::Light, Theme::Scheme::Dark}) {
+        Theme::shared().setScheme(scheme);
+        QScrollBar bar(Qt::Vertical);
+        bar.setStyle(&style);
+        bar.setRange(0, 1000);
+        bar.setPageStep(500);
+        bar.resize(bar.sizeHint().width(), 300);
+        const QImage drawn = bar.grab().toImage();
+        const QColor slider = drawn.pixelColor(bar.width() / 2, 30), groove = drawn.pixelColor(bar.width() / 2, 290);
+        EXPECT_GE(testing::contrast(slider, groove), 3.0) << static_cast<int>(scheme);
+    }
+    Theme::shared().setScheme(before);
+}
 
 }  // namespace
 }  // namespace orrinvale

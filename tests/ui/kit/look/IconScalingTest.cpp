@@ -50,15 +50,16 @@ TEST(IconScaling, MenuIconsByTheirSize) {
         {26, 28, 1, true, true, "bbbbbbbrrrrrrr", "rrrrrrrrrrrrr"},
         // Too low: stretched to the canvas, raised by half of 14 - 10, the top cut off, white below. Where red meets blue they mix.
         {20, 10, 1, false, true, "rrrr??bbbbbbww", "wwwwwwwwwwwww"},
-        {20, 10, 0, false, true, "rrrr??bbbbbb..", "............."},
+        {20, 10, 0, false, true, "..............", "............."},
+        {20, 10, 0.5F, false, true, ".......bbbbbww", "wwwwwwwwwwwww"},
         {20, 10, 1, true, true, "bbbb??rrrrrrww", "wwwwwwwwwwwww"},
         // Too narrow: stretched, moved right by half of 13 - 7, the right end cut off. White reaches up to 13.
-        {7, 28, 1, false, true, "rrrrrrrbbbbbbb", "wwwbbbbbbbbbb"},
+        {7, 28, 1, false, true, ".rrrrrrbbbbbbb", "wwwbbbbbbbbbb"},
         // Smaller, or as wide and lower, or 14 high and narrower: as it is, in the middle.
         {7, 8, 1, false, false, ".wwrrrrbbbbwww", "wwwwwwwwwwwww"},
-        {13, 8, 0, false, false, "...rrrrbbbb...", "............."},
-        {7, 14, 0.5F, false, false, "rrrrrrrbbbbbbb", "wwwbbbbbbbwww"},
-        {7, 8, 0, true, false, "...bbbbrrrr...", "............."},
+        {13, 8, 0, false, false, "..............", "............."},
+        {7, 14, 0.5F, false, false, "........bbbbbb", "wwwbbbbbbbwww"},
+        {7, 8, 1, true, false, ".wwbbbbrrrrwww", "wwwwwwwwwwwww"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::to_string(c.width) + " by " + std::to_string(c.height));
@@ -93,9 +94,9 @@ TEST(IconScaling, DensePixelsStayDenseAndNothingStaysNothing) {
     ImageObject dense = icon(14, 16);
     dense.image.setDevicePixelRatio(2);
     dense.size = dense.image.deviceIndependentSize();
-    const QImage canvas = IconScaling::createScalesImage(dense, false, 0).image;
+    const QImage canvas = IconScaling::createScalesImage(dense, false, 1).image;
     EXPECT_EQ(canvas.size(), QSize(26, 28));
-    EXPECT_EQ(column(canvas, 12), "......rrrrrrrrbbbbbbbb......");
+    EXPECT_EQ(column(canvas, 12), "..wwwwrrrrrrrrbbbbbbbbwwwwww");
 
     ImageObject none;
     EXPECT_TRUE(IconScaling::createScalesImage(none, true, 1).isNull());

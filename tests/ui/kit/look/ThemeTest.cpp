@@ -11,8 +11,8 @@
 #include <QWidget>
 #include <algorithm>
 #include <array>
-#include <cmath>
 
+#include "ui/kit/look/contrast.h"
 #include "ui/kit/look/getColor.h"
 #include "ui/kit/look/picture.h"
 
@@ -22,19 +22,7 @@ namespace {
 using Color = Theme::Color;
 using Scheme = Theme::Scheme;
 
-// The relative luminance of WCAG 2.1.
-double luminance(const QColor& color) {
-    const auto linear = [](int byte) {
-        const double value = byte / 255.0;
-        return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(color.red()) + 0.7152 * linear(color.green()) + 0.0722 * linear(color.blue());
-}
-
-double contrast(const QColor& one, const QColor& other) {
-    const auto [low, high] = std::minmax({luminance(one), luminance(other)});
-    return (high + 0.05) / (low + 0.05);
-}
+using testing::contrast;
 
 TEST(Theme, EveryPairOfColoursThatMeetCanBeRead) {
     ASSERT_NEAR(contrast(Qt::black, Qt::white), 21.0, 0.001);

@@ -1,0 +1,92 @@
+// Folders that are dropped while a page shows something already, and several at once.
+#include <gtest/gtest.h>
+
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QMimeData>
+#include <QTest>
+#include <QTreeView>
+#include <QUrl>
+#include <QWindow>
+
+#include "ui/duplicates/PageWindow.h"
+#include "ui/largefiles/LargePage.h"
+
+namespace orrinvale {
+namespace {
+
+using testing::LargePage;
+using testing::PageWindow;
+
+// Through the window, as the desktop does it: it falls to whoever takes it at that place.
+void dropOn(QWidget& place, const std::vector<std::string>& folders) {
+    QMimeData dragged;
+    QList<QUrl> urls;
+    for (const std::string& each : folders) urls.push_back(QUrl::fromLocalFile(QString::fromStdString(each)));
+    dragged.setUrls(urls);
+    QWidget& window = *place.window();
+    const QPoint at = place.mapTo(&window, place.rect().center());
+    QDragEnterEvent enters(at, Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window.windowHandle(), &enters);
+    EXPECT_TRUE(enters.isAccepted());
+    QDragMoveEvent moves(at, Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window.windowHandle(), &moves);
+    QDropEvent drop(QPointF(at), Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window.windowHandle(), &drop);
+}
+
+TEST(DroppedFolders, AreSearchedFromTheResultToo) {
+    PageWindow on;
+    for (const char* name : {"f/a.txt", "f/b.txt", "g/a.jpg", "g/b.jpg"}) ASSERT_TRUE(on.tree.write(name, "same"));
+    ASSERT_TRUE(on.search(on.tree.at("f")));
+    const auto done = [&](const char* folder) {
+        return on.waitFor([&] {
+            return on.page().searchPath() == on.tree.at(folder) && on.page().bSearchFinished() &&
+                   on.isShown("detailView");
+        });
+    };
+    QWidget& list = *on.control<QTreeView>("outline").viewport();
+    dropOn(list, {on.tree.at("g")});
+    ASSERT_TRUE(done("g"));
+    EXPECT_FALSE(on.isShown("onlyOneNote"));
+    // With ticks the person is asked, and may think better of it.
+    on.click("button");
+    for (const int button : {1, 0}) {
+        on.dialogs.willAnswer(button);
+        dropOn(list, {on.tree.at("f")});
+        QTest::qWait(10);
+        EXPECT_EQ(on.page().searchPath() == on.tree.at("f"), button == 0);
+    }
+    ASSERT_TRUE(done("f"));
+    EXPECT_EQ(on.dialogs.alerts().size(), 2U);
+    EXPECT_FALSE(on.isShown("gainLabel"));
+    // Of two the first, and the page says so during the search and after it.
+    dropOn(list, {on.tree.at("g"), on.tree.at("f")});
+    EXPECT_TRUE(on.isShown("onlyOneLabel"));
+    ASSERT_TRUE(done("g"));
+    EXPECT_EQ(on.textOf("onlyOneNote"), "One folder at a time: only g is searched");
+    EXPECT_TRUE(on.isShown("onlyOneNote"));
+}
+
+TEST(DroppedFolders, AreLookedIntoFromTheListOfLargeFilesToo) {
+    LargePage on;
+    ASSERT_TRUE(on.tree.write("f/a", "1") && on.tree.write("g/b", "22"));
+    ASSERT_TRUE(on.scan(on.tree.at("f")));
+    const auto title = [&] { return on.textOf("titleLabel"); };
+    dropOn(*on.outline().viewport(), {on.tree.at("g"), on.tree.at("f")});
+    EXPECT_EQ(title(), on.tree.at("g"));
+    EXPECT_EQ(on.textOf("onlyOneNote"), "One folder at a time: only g is looked into");
+    ASSERT_TRUE(on.waitFor([&] { return !on.page().isScan(); }));
+    on.tick("b");
+    for (const int button : {1, 0}) {
+        on.dialogs.willAnswer(button);
+        dropOn(*on.outline().viewport(), {on.tree.at("f")});
+        QTest::qWait(10);
+        EXPECT_EQ(title(), on.tree.at(button == 0 ? "f" : "g"));
+    }
+    EXPECT_FALSE(on.isShown("onlyOneNote"));
+    ASSERT_TRUE(on.waitFor([&] { return !on.page().isScan(); }));
+}
+
+}  // namespace
+}  // namespace orrinvale
