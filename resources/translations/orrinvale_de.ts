@@ -1202,6 +1202,10 @@ Freie Software unter der Apache License 2.0.</translation>
             <numerusform>%Ln Einträge ließen sich nicht lesen</numerusform>
         </translation>
     </message>
+    <message>
+        <source>Compared again and removed: %1 of %2</source>
+        <translation>Noch einmal verglichen und entfernt: %1 von %2</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::WindowButton</name>

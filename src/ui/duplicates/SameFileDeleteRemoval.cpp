@@ -104,8 +104,9 @@ void SameFileDeleteViewController::deleteUpView() {
                                                 m_views->imageView->devicePixelRatioF()));
     constexpr std::int32_t pictures = 12;
     m_progressNum = m_progressNum % pictures + 1;
+    const QString done = m_removal->plan->compares() ? tr("Compared again and removed: %1 of %2") : tr("%1 of %2");
     m_views->countsLabel->setText(
-        tr("%1 of %2").arg(QLocale().toString(qulonglong(progress.done)), QLocale().toString(qulonglong(progress.of))));
+        done.arg(QLocale().toString(qulonglong(progress.done)), QLocale().toString(qulonglong(progress.of))));
 }
 
 void SameFileDeleteViewController::removalNews() {

@@ -36,9 +36,6 @@
 namespace orrinvale {
 namespace {
 
-// The percent shown only climbs, over all searches of one run of the program: while bundles are compared the engine's falls.
-int highestPercent = 0;
-
 // What a new search no longer shows. Moved out of the page, so that whichever thread holds it last frees it.
 struct Leftovers {
     void free() {
@@ -210,6 +207,7 @@ void SameFileDeleteViewController::searchBtnClicked() {
     m_selection.recount();
     showGain();
     old->results = resetOulineView();
+    m_highestPercent = 0;
     showPercent(0);
 
     m_duplicateOpt = std::make_shared<DuplicateFilesOpt>(*m_parts.files);
@@ -262,8 +260,9 @@ void SameFileDeleteViewController::getPathForSreachDuplicate() {
 void SameFileDeleteViewController::getPrograss() {
     const int percent = m_duplicateOpt ? static_cast<int>(m_duplicateOpt->getProgress()) : 0;
     constexpr int lowestShown = 6;  // the strip starts at 5
-    if (percent < lowestShown || percent < highestPercent) return;
-    highestPercent = percent;
+    // It only climbs: while bundles are compared the engine's falls.
+    if (percent < lowestShown || percent < m_highestPercent) return;
+    m_highestPercent = percent;
     m_views->animation->baseNumberSetPrograss(percent);
     showPercent(percent);
 }

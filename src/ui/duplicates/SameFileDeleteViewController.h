@@ -212,6 +212,7 @@ private:
     bool m_isClickStopRemove = false;
     bool m_duplicateScaned = false;
     std::int32_t m_progressNum = 1;
+    int m_highestPercent = 0;  // that the running search has shown
 };
 
 }  // namespace orrinvale

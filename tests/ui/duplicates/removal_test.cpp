@@ -113,7 +113,7 @@ TEST_F(Removal, StopsBetweenTwoFilesAndForgetsTheRest) {
         for (const char* const name : {"openBtn", "RevealFinder", "lockButton", "backButton"})
             EXPECT_FALSE(on.control(name).isEnabled()) << name;
         EXPECT_TRUE(on.waitFor([&] { return on.textOf("nameTextStr").ends_with("four.txt"); }));
-        EXPECT_EQ(on.textOf("countsLabel"), "0 of 3");
+        EXPECT_EQ(on.textOf("countsLabel"), "Compared again and removed: 0 of 3");
         EXPECT_FALSE(on.control<QLabel>("imageView").pixmap(Qt::ReturnByValue).isNull());
         // None of these may reach the tree while it changes.
         on.click("leftCell5");

@@ -27,6 +27,8 @@ public:
     /// Each ticked leaf once, in the order of ticking. The file system outlives the plan.
     RemovalPlan(const FileSystem& files, std::vector<TreeNode::Pointer> ticked, Comparing comparing);
 
+    [[nodiscard]] bool compares() const { return m_comparing == Comparing::Always; }
+
     /// The groups are those that the leaves stand in now: nobody changes the tree before the first news of the removal.
     void prepare() override;
 
