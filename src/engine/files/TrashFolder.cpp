@@ -14,6 +14,7 @@
 
 #include "engine/base/Date.h"
 #include "engine/files/shortenedName.h"
+#include "engine/files/writeAll.h"
 #include "platform/error.h"
 #include "platform/paths.h"
 
@@ -78,16 +79,6 @@ tl::expected<Descriptor, std::string> openMadeOwn(const FileSystem& files, int p
     if (::fstat(opened->get(), &seen) != 0) return tl::unexpected(reasonOf(errno));
     if (seen.st_uid != user) return tl::unexpected(std::string("the trash there is another user's"));
     return std::move(*opened);
-}
-
-int writeAll(int file, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = ::write(file, bytes.data(), bytes.size());
-        if (count < 0 && errno == EINTR) continue;
-        if (count < 0) return errno;
-        bytes.remove_prefix(static_cast<std::size_t>(count));
-    }
-    return ::fsync(file) == 0 ? 0 : errno;
 }
 
 }  // namespace
@@ -156,6 +147,7 @@ int TrashFolder::writeRecord(const std::string& name, const std::string& text) c
         ::openat(m_records.get(), full.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (!file.isOpen()) return errno;
     int error = writeAll(file.get(), text);
+    if (error == 0 && ::fsync(file.get()) != 0) error = errno;
     if (error == 0 && ::fsync(m_records.get()) != 0) error = errno;  // an entry without a record can not be put back
     if (error != 0) dropRecord(name);
     return error;

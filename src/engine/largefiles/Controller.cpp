@@ -145,7 +145,7 @@ void Controller::pereviewFileWithFileNode(const FileNode& node) {
 
 std::string Controller::moveFileToTrash(const std::string& path, const std::optional<EntryIdentity>& expected) {
     if (m_parts.files == nullptr) return "no file system";
-    return moveToTrash(*m_parts.files, m_parts.ownFiles, path, expected);
+    return putIntoTrash(*m_parts.files, m_parts.ownFiles, path, expected);
 }
 
 void Controller::moveFileToTrash(const std::string& path, const std::optional<EntryIdentity>& expected,

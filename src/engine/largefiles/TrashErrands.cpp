@@ -65,7 +65,7 @@ void TrashErrands::send(const std::string& path, const std::optional<EntryIdenti
     }
 }
 
-std::string moveToTrash(const FileSystem& files, const std::vector<std::string>& ownFiles, const std::string& path,
+std::string putIntoTrash(const FileSystem& files, const std::vector<std::string>& ownFiles, const std::string& path,
                         const std::optional<EntryIdentity>& expected) {
     return moveWith(files, ownFiles, FolderVariables::ofThisProcess(), path, expected);
 }

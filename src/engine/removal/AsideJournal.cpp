@@ -21,6 +21,7 @@
 #include "engine/files/DurableFile.h"
 #include "engine/files/HeldEntry.h"
 #include "engine/files/asideName.h"
+#include "engine/files/writeAll.h"
 #include "engine/removal/stayReasons.h"
 #include "platform/paths.h"
 
@@ -92,16 +93,6 @@ std::string linesOf(std::span<const AsideRecord> records) {
         fmt::format_to(std::back_inserter(lines), "{} {} {} {} {}\n", each.token, each.device, each.inode,
                        static_cast<unsigned>(each.type), escaped(each.path));
     return lines;
-}
-
-int writeAll(int file, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = ::write(file, bytes.data(), bytes.size());
-        if (count < 0 && errno == EINTR) continue;
-        if (count < 0) return errno;
-        bytes.remove_prefix(static_cast<std::size_t>(count));
-    }
-    return 0;
 }
 
 /// What became of one record.
