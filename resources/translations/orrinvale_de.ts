@@ -529,9 +529,12 @@
         <source>%1 removed, %2</source>
         <translation>%1 entfernt, %2</translation>
     </message>
-    <message>
-        <source>%1 could not be removed</source>
-        <translation>%1 Einträge nicht entfernt</translation>
+    <message numerus="yes">
+        <source>%Ln could not be removed</source>
+        <translation>
+            <numerusform>%Ln Datei nicht entfernt</numerusform>
+            <numerusform>%Ln Dateien nicht entfernt</numerusform>
+        </translation>
     </message>
 </context>
 <context>

@@ -88,11 +88,14 @@ Results go to standard output, everything else to standard error.
 Colours and the line of progress appear on a terminal only.
 Ctrl\-C stops a search; what it found until then is printed.
 The same holds when memory runs out; the exit status is 1 then.
-A file system that does not answer for five seconds is named on standard error with the path.
-In listings and messages characters that would command the terminal, turn the direction of writing or have no width are shown as \exHH;
+A file system that does not answer for five seconds is named
+on standard error with the path.
+In listings and messages characters that would command the terminal,
+turn the direction of writing or have no width are shown as \exHH;
 JSON and \-0 have the exact name.
 .PP
-Sizes are given as 10MB, 1.5 GB, 4KiB or as a number of bytes: KB, MB, GB are powers of 1000, KiB, MiB, GiB of 1024.
+Sizes are given as 10MB, 1.5 GB, 4KiB or as a number of bytes:
+KB, MB, GB are powers of 1000, KiB, MiB, GiB of 1024.
 )";
 
 constexpr std::string_view afterCommands = R"(.SH OUTPUT

@@ -250,7 +250,7 @@ TEST(RemovalAsUser, InTheOtherProcess) {
     ASSERT_TRUE(on.remove());
     EXPECT_EQ(on.dialogs.alerts().back().title,
               QStringLiteral("Some files that require admin access can't be removed!"));
-    EXPECT_EQ(on.textOf("removedLine"), "2 removed, 34 Byte");
+    EXPECT_EQ(on.textOf("removedLine"), "2 removed, 0.03 KB");
     EXPECT_EQ(on.textOf("failureLine"), "2 could not be removed");
     EXPECT_EQ(on.list(), "roots.txt 0 0/3: ...\n");
     EXPECT_EQ(on.textOf("titleLabel"), "3 files in " + tree.substr(tree.rfind('/') + 1) + ", selected 0 file in All.");

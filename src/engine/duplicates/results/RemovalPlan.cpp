@@ -91,7 +91,7 @@ bool RemovalPlan::liesInWhatGoes(const std::string& path) const {
     if (m_leavingFolders.empty()) return false;
     const auto isIn = [&](const std::string& place) {
         return std::any_of(m_leavingFolders.begin(), m_leavingFolders.end(),
-                           [&](const std::string& folder) { return isWithin(place, folder); });
+                           [&](const std::string& folder) { return place != folder && isWithin(place, folder); });
     };
     const auto real = m_files.resolved(path);
     return isIn(path) || (real && isIn(*real));

@@ -28,7 +28,8 @@ QString removedText(const RemovalOutcome& outcome) {
 
 QString stayedText(const RemovalOutcome& outcome) {
     if (outcome.failed == 0) return {};
-    return QCoreApplication::translate("Removal", "%1 could not be removed").arg(counted(outcome.failed));
+    const int count = static_cast<int>(outcome.failed);
+    return QCoreApplication::translate("Removal", "%Ln could not be removed", nullptr, count);
 }
 
 Alert stayedAlert(const RemovalOutcome& outcome) {
