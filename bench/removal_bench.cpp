@@ -41,7 +41,7 @@ int searchAndRemove(const FileSystem& files, const std::string& folder, const st
     std::shared_ptr<SimpleTreeNode> root;
     if (!search.getDuplicateFiles(&root)) return 1;
     DuplicateSelection selection;
-    (void)selection.setAll(*root, true);
+    selection.setAll(*root, true);
     RemovalPlan plan(files, selection.allSelectNumArr().entries(), RemovalPlan::Comparing::Always);
     return remove(files, state, plan);
 }
