@@ -28,8 +28,9 @@ SysResult<Descriptor> openKept(const FileSystem& files, const KeptCopy& kept) {
 std::optional<StayedEntry> FileLook::before(const HeldEntry& leaving, const std::atomic<bool>& stop) {
     if (leaving.attributes.type != FileType::Regular) return std::nullopt;
     if (auto reason = openBoth(leaving)) return reason;
+    if (!m_compares) return std::nullopt;
     if (auto reason = inUse(leaving)) return reason;
-    if (!m_compares || !m_keptFile.isOpen()) return std::nullopt;
+    if (!m_keptFile.isOpen()) return std::nullopt;
     const auto answer = compareContents(m_files, m_leavingFile.get(), m_keptFile.get(), stop);
     if (!answer) return StayedEntry{leaving.path, wordsOf(answer.error())};
     if (*answer == Comparison::Different) return noCopy(leaving, stay::otherContents);
@@ -40,7 +41,12 @@ std::optional<StayedEntry> FileLook::before(const HeldEntry& leaving, const std:
 std::optional<StayedEntry> FileLook::openBoth(const HeldEntry& leaving) {
     ReadState state;
     auto file = m_files.openFile(leaving.parent.get(), leaving.name.c_str(), Links::Keep, state);
-    if (file) m_leavingFile = std::move(*file);
+    if (file) {
+        const auto opened = m_files.attributes(file->get());
+        if (!opened || opened->size != leaving.attributes.size || opened->changed != leaving.attributes.changed)
+            return StayedEntry{leaving.path, std::string(stay::changed), StayReason::Changed};
+        m_leavingFile = std::move(*file);
+    }
     if (!m_kept || m_kept->identity.type != FileType::Regular) return std::nullopt;
     if (!m_leavingFile.isOpen() && m_compares) return StayedEntry{leaving.path, wordsOf(file.error())};
     auto kept = openKept(m_files, *m_kept);
@@ -58,13 +64,13 @@ std::optional<StayedEntry> FileLook::inUse(const HeldEntry& leaving) const {
     return std::nullopt;
 }
 
-// What was compared is what is held; that it is what stands under the name, size and time tell where inode numbers do not last.
-std::optional<StayedEntry> FileLook::last(const HeldEntry& leaving, const std::string& name) {
+// What was compared is what is held open; that this is what stands under the name, the look at the set-aside entry tells.
+std::optional<StayedEntry> FileLook::last(const HeldEntry& leaving, const std::string& /*name*/) {
     if (!m_leavingFile.isOpen()) return std::nullopt;
     const auto held = m_files.attributes(m_leavingFile.get());
-    const auto named = m_files.attributes(leaving.parent.get(), name.c_str(), Links::Keep);
-    if (!held || !named) return StayedEntry{leaving.path, wordsOf(!held ? held.error() : named.error())};
-    if (held->size != named->size || held->modified != named->modified || held->changed != named->changed)
+    if (!held) return StayedEntry{leaving.path, wordsOf(held.error())};
+    const FileAttributes& seen = leaving.attributes;
+    if (held->size != seen.size || held->modified != seen.modified)
         return StayedEntry{leaving.path, std::string(stay::changed), StayReason::Changed};
     return inUse(leaving);
 }

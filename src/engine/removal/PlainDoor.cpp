@@ -78,7 +78,7 @@ RemovalResult PlainDoor::removeAside(SetAside& aside, const HeldEntry& held, con
     result.byOthers = result.gone && result.removed == 0;
     if (!result.gone)
         if (auto place = aside.putBack()) result.failures.insert(result.failures.begin(), std::move(*place));
-    result.changed = aside.changedByUs();
+    result.changed = aside.changedByUs(result.gone);
     if (result.gone && m_files.attributes(held.parent.get(), held.name.c_str(), Links::Keep)) {
         result.gone = false;
         fail(result, {held.path, std::string(stay::otherInPlace), StayReason::Changed});

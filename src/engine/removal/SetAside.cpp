@@ -101,17 +101,16 @@ tl::expected<bool, StayedEntry> SetAside::take(std::string_view token) {
         if (isImpossible(renamed.error())) return false;
         return tl::unexpected(staysWith(renamed.error()));
     }
-    if (auto reason = objectionToEntry()) return tl::unexpected(putBack().value_or(std::move(*reason)));
-    m_changed = changedByUs().value_or(0);
     return true;
 }
 
 // By the held entry: a name tells what stands there, not that it is what was looked at before the rename.
-std::optional<StayedEntry> SetAside::objectionToEntry() const {
+std::optional<StayedEntry> SetAside::objectionToEntry() {
     const auto aside = m_files.freshAttributes(m_held.parent.get(), m_name.c_str(), Links::Keep);
     if (!aside) return staysWith(aside.error());
     const auto held = m_files.attributes(m_entry.get());
     if (!held) return staysWith(held.error());
+    m_now = *held;
     FileAttributes seen = m_held.attributes;  // what was seen, under the number that the entry has by now
     seen.inode = held->inode;
     seen.device = held->device;
@@ -123,22 +122,20 @@ std::optional<StayedEntry> SetAside::objectionToCopy(const KeptCopy& kept) const
     const auto copy = findCopy(m_files, kept);
     if (!copy) return withoutCopy(m_held.path, kept, systemError("look", {}, copy.error()).reason());
     EntryIdentity expected = kept.identity;
-    const auto aside = m_files.attributes(m_entry.get());
-    if (!aside) return staysWith(aside.error());
     // Another name of the file that goes has its new time of change too, and exactly that one.
-    if (isSameInode(*aside, copy->attributes)) expected.changed = m_changed;
+    if (isSameInode(m_now, copy->attributes)) expected.changed = m_now.changed;
     if (!expected.isStill(copy->attributes)) return withoutCopy(m_held.path, kept, std::string(stay::changed));
 
-    const auto ours = m_files.attributes(m_held.parent.get());
-    const auto theirs = m_files.attributes(copy->folder.get());
-    if (!ours || !theirs) return staysWith(!ours ? ours.error() : theirs.error());
-    if (isSameInode(*ours, *theirs)) return std::nullopt;
+    if (folderOf(kept.path) == folderOf(m_held.path)) return std::nullopt;  // one folder, and both names are there
     const auto ourName = m_files.freshAttributes(copy->folder.get(), m_name.c_str(), Links::Keep);
     if (!ourName && ourName.error() == ENOENT) return std::nullopt;
+    const auto ours = m_files.attributes(m_held.parent.get());
+    const auto theirs = m_files.attributes(copy->folder.get());
+    if (ours && theirs && isSameInode(*ours, *theirs)) return std::nullopt;
     return withoutCopy(m_held.path, kept, "the same folder by another path", stay::sameEntry);
 }
 
-std::optional<StayedEntry> SetAside::objection(const std::optional<KeptCopy>& kept) const {
+std::optional<StayedEntry> SetAside::objection(const std::optional<KeptCopy>& kept) {
     if (auto reason = objectionToEntry()) return reason;
     return kept ? objectionToCopy(*kept) : std::nullopt;
 }
@@ -154,7 +151,8 @@ std::optional<StayedEntry> SetAside::putBack() {
         StayReason::Aside};
 }
 
-std::optional<std::int64_t> SetAside::changedByUs() const {
+std::optional<std::int64_t> SetAside::changedByUs(bool isGone) const {
+    if (isGone && m_held.attributes.links < 2) return std::nullopt;
     const auto now = m_files.attributes(m_entry.get());
     if (!now || now->links == 0) return std::nullopt;
     return now->changed;

@@ -63,13 +63,10 @@ public:
     /// The name that it has now.
     [[nodiscard]] const std::string& name() const { return m_name; }
 
-    /// The time of change that the rename gave to the file, under whatever name it is looked at.
-    [[nodiscard]] std::int64_t changed() const { return m_changed; }
-
     /// Why the entry must not go, or nothing: what is aside is still what was taken, and the copy that stays stands at its own path,
     /// looked up anew, as it was, as another entry. A second view of the same folder (layers, bind mounts, what programs serve) shows
     /// our new name, the new time of change, or no copy any more.
-    [[nodiscard]] std::optional<StayedEntry> objection(const std::optional<KeptCopy>& kept) const;
+    [[nodiscard]] std::optional<StayedEntry> objection(const std::optional<KeptCopy>& kept);
 
     /// Gives the entry its own name back, never over anything. Nothing when it has it, or when somebody took the entry away; else the
     /// place where it stays, with the reason.
@@ -77,11 +74,11 @@ public:
 
     /// The time of change of the file by now: after it came back, and for its other names after it went. Nothing where nothing of it
     /// is left.
-    [[nodiscard]] std::optional<std::int64_t> changedByUs() const;
+    [[nodiscard]] std::optional<std::int64_t> changedByUs(bool isGone) const;
 
 private:
     [[nodiscard]] bool isSameEntry(const FileAttributes& a, const FileAttributes& b) const;
-    [[nodiscard]] std::optional<StayedEntry> objectionToEntry() const;
+    [[nodiscard]] std::optional<StayedEntry> objectionToEntry();
     [[nodiscard]] std::optional<StayedEntry> objectionToCopy(const KeptCopy& kept) const;
     [[nodiscard]] StayedEntry stays(StayReason kind, std::string reason) const;
     [[nodiscard]] StayedEntry staysWith(int error) const;
@@ -91,7 +88,7 @@ private:
     const HeldEntry& m_held;
     Descriptor m_entry;  // held from before the rename, so that its inode number is not given to another
     std::string m_name;
-    std::int64_t m_changed = 0;
+    FileAttributes m_now;  // of the held entry, at the last look
 };
 
 /// What a look without setting aside can tell of the copy that stays: it stands at its own path, as it was, and is another entry than

@@ -149,9 +149,10 @@ SysResult<void> LinuxFileSystem::moveEntry(int folder, const char* name, int new
 }
 
 // A read lease is given only where nobody has the file open for writing, a mapping included. It is given back at once: who opens the
-// file meanwhile is not kept waiting. The signal that tells of such an opening would end the program unless it is one that is ignored.
+// file meanwhile is not kept waiting. The signal that tells of such an opening, SIGIO, would end the program.
 bool LinuxFileSystem::isOpenForWriting(int file) const {
-    if (::fcntl(file, F_SETSIG, SIGURG) != 0) return false;
+    static const bool isIgnored = ::signal(SIGIO, SIG_IGN) != SIG_ERR;
+    if (!isIgnored) return false;
     if (::fcntl(file, F_SETLEASE, F_RDLCK) != 0) return errno == EAGAIN;
     (void)::fcntl(file, F_SETLEASE, F_UNLCK);
     return false;

@@ -35,6 +35,7 @@ public:
         if (!seen) return;
         Pair pair{path, EntryIdentity::of(*seen), std::nullopt};
         const auto other = m_files.attributes(FileSystem::noParent, kept.c_str(), Links::Keep);
+        if (!other && !kept.empty()) return;  // another removal was quicker: no pair any more
         if (other) pair.kept = KeptCopy{kept, EntryIdentity::of(*other)};
         m_pairs.push_back(std::move(pair));
     }
