@@ -143,6 +143,7 @@ void AppDelegate::perform(const StartRequest& request) {
 void AppDelegate::searchFolder(const std::string& path) {
     // Who names a folder has no use any more for the dialog that chooses one.
     if (auto* const chooser = qobject_cast<QFileDialog*>(QApplication::activeModalWidget())) chooser->reject();
+    m_duplicateMWC->dismissMessages();
     const bool isAsking = m_duplicateMWC->isAsking();
     if (!isAsking) m_duplicateMWC->selectDuplicateButtonAction();
     SameFileDeleteViewController& page = *m_duplicateMWC->sameFileDeleteVC();

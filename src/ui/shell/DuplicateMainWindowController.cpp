@@ -1,12 +1,14 @@
 // DuplicateMainWindowController: see DuplicateMainWindowController.h.
 #include "ui/shell/DuplicateMainWindowController.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
 #include <QShortcut>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <string_view>
 #include <utility>
 #include <variant>
@@ -27,6 +29,9 @@
 
 namespace orrinvale {
 namespace {
+
+// A sheet with one button says something; nobody has to decide anything before the next thing is done.
+bool isQuestion(const Sheet* sheet) { return sheet->content()->findChildren<QAbstractButton*>().size() != 1; }
 
 constexpr int topButtonShift = 15;
 constexpr int titleBarHeight = 62;
@@ -185,8 +190,13 @@ void DuplicateMainWindowController::keepFrame() {
 }
 
 bool DuplicateMainWindowController::isAsking() const {
-    return QApplication::activeModalWidget() != nullptr ||
-           m_aWindow->findChild<Sheet*>(QString(), Qt::FindDirectChildrenOnly) != nullptr;
+    const auto sheets = m_aWindow->findChildren<Sheet*>(QString(), Qt::FindDirectChildrenOnly);
+    return QApplication::activeModalWidget() != nullptr || std::any_of(sheets.begin(), sheets.end(), isQuestion);
+}
+
+void DuplicateMainWindowController::dismissMessages() {
+    for (Sheet* const sheet : m_aWindow->findChildren<Sheet*>(QString(), Qt::FindDirectChildrenOnly))
+        if (!isQuestion(sheet)) sheet->content()->findChild<QAbstractButton*>()->click();
 }
 
 void DuplicateMainWindowController::closeWindow() {

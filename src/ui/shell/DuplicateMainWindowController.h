@@ -64,6 +64,8 @@ public:
 
     /// A question, or a window that has to be closed first, stands over the window.
     [[nodiscard]] bool isAsking() const;
+    /// Closes the sheets that only say something.
+    void dismissMessages();
 
 public Q_SLOTS:
     void closeWindow();

@@ -266,17 +266,10 @@ TEST(Program, IsStartedAndReachedOverTheSessionBus) {
     EXPECT_TRUE(PageWindow::waitFor([&] {
         return bus.said().find("search Path:" + tree.at("a b") + ' ') != std::string::npos;
     })) << bus.said();
-    // While the first search is at its end, another one would be answered by a sheet. Two workers end: the look for what an earlier
-    // removal set aside, and the search.
-    EXPECT_TRUE(PageWindow::waitFor([&] {
-        const std::string end = "_endRunLoop: 1";
-        const std::size_t first = bus.said().find(end);
-        return first != std::string::npos && bus.said().find(end, first + 1) != std::string::npos;
-    })) << bus.said();
     // A start from a terminal ends with the status 0 when the running program has taken it over.
     const Running second(bus.environment);
-    EXPECT_EQ(second.startAgain({QString::fromStdString(tree.at("c"))}), 0);
-    EXPECT_TRUE(PageWindow::waitFor([&] {
+    EXPECT_TRUE(PageWindow::waitFor([&] {  // the first search may still be at its end
+        EXPECT_EQ(second.startAgain({QString::fromStdString(tree.at("c"))}), 0);
         return bus.said().find("search Path:" + tree.at("c") + ' ') != std::string::npos;
     })) << bus.said();
     // Another runtime folder, and so another lock, and yet the same bus.

@@ -39,16 +39,15 @@ FolderStart makeFolderStart(const FolderStartTexts& texts) {
     made.column = new QVBoxLayout(made.dragView);
     made.column->setContentsMargins(Theme::gapSection, Theme::gapSection, Theme::gapSection, Theme::gap);
     made.column->setSpacing(Theme::gap);
+    // What one came for becomes a child first, and so the first stop of the Tab key; the picture above it does the same.
     made.column->addStretch();
-    made.column->addWidget(made.animationHoverImageView, 0, Qt::AlignHCenter);
-    made.column->addSpacing(Theme::gapSmall);
-    made.column->addWidget(heading);
-    made.column->addWidget(hint);
-    made.column->addSpacing(Theme::gapSmall);
     made.column->addWidget(made.button, 0, Qt::AlignHCenter);
     made.column->addStretch();
-    // What one came for is the first stop; the picture does the same.
-    QWidget::setTabOrder(made.button, made.animationHoverImageView);
+    made.column->insertWidget(1, made.animationHoverImageView, 0, Qt::AlignHCenter);
+    made.column->insertSpacing(2, Theme::gapSmall);
+    made.column->insertWidget(3, heading);
+    made.column->insertWidget(4, hint);
+    made.column->insertSpacing(5, Theme::gapSmall);
     return made;
 }
 
