@@ -78,7 +78,7 @@ private:
         return std::nullopt;
     }
 
-    std::optional<StayedEntry> objection(const std::optional<KeptCopy>& kept) const {
+    std::optional<StayedEntry> objection(const std::optional<KeptCopy>& kept) {
         if (m_aside) return m_aside->objection(kept);
         return kept ? objectionToCopyInPlace(m_files, m_held, *kept) : std::nullopt;
     }
