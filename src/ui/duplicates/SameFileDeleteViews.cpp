@@ -210,7 +210,8 @@ QWidget* SameFileDeleteViews::makeBottomBar() {
     bottomBgView = named(new Panel(Theme::Color::Surface, Qt::TopEdge), "bottomBgView");
     bottomBgView->setFixedHeight(barHeight);
     quietLine = named(new HoverButton, "quietLine");
-    removedLine = named(new QLabel, "removedLine");
+    removedLine = makeLabel("removedLine", Theme::Text::Body, QPalette::PlaceholderText);
+    removedLine->setContentsMargins(Theme::gapSmall, 0, Theme::gapSmall, 0);
     failureLine = named(new HoverButton, "failureLine");
     quietLine->hide();
     removedLine->hide();
