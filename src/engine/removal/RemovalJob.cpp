@@ -30,6 +30,7 @@ public:
 
     void start();
     void stop() { m_stop = true; }
+    void letGo();
     void abandon();
     [[nodiscard]] Progress progress() const;
     [[nodiscard]] News takeNews(std::size_t most);
@@ -136,10 +137,15 @@ void RemovalJob::Work::callAgain() {
     if (!m_isAbandoned) call();
 }
 
-void RemovalJob::Work::abandon() {
+void RemovalJob::Work::letGo() {
     m_stop = true;
-    std::unique_lock lock(m_mutex);
+    const std::lock_guard guard(m_mutex);
     m_isAbandoned = true;
+}
+
+void RemovalJob::Work::abandon() {
+    letGo();
+    std::unique_lock lock(m_mutex);
     m_home.wait(lock, [this] { return m_outcome.has_value(); });
 }
 
@@ -165,7 +171,7 @@ RemovalJob::RemovalJob(Parts parts, std::shared_ptr<RemovalList> list, std::func
     m_work->start();
 }
 
-RemovalJob::~RemovalJob() { abandon(); }
+RemovalJob::~RemovalJob() { m_work->letGo(); }
 void RemovalJob::stop() { m_work->stop(); }
 void RemovalJob::abandon() { m_work->abandon(); }
 RemovalJob::Progress RemovalJob::progress() const { return m_work->progress(); }

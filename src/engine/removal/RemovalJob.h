@@ -49,7 +49,8 @@ public:
 
     /// Starts. `onNews` is called on the main thread, at most every 50 ms, while there are news; never once this object is gone.
     RemovalJob(Parts parts, std::shared_ptr<RemovalList> list, std::function<void()> onNews);
-    /// Abandons it.
+    /// Has it stopped, and lets go of it: it ends by itself, a disk that hangs holds nobody up. Until then it uses list, door and files; the
+    /// queue no more.
     ~RemovalJob();
     RemovalJob(const RemovalJob&) = delete;
     RemovalJob& operator=(const RemovalJob&) = delete;

@@ -207,7 +207,7 @@ TEST(AppDelegate, AFurtherStartLeavesTheKeyboardWithTheDialogThatIsOpen) {
     EXPECT_FALSE(isChosen);
     ASSERT_TRUE(PageWindow::waitFor([&] { return page.bSearchFinished(); }));
     // Nothing is searched behind a question.
-    real.alert(window, {}, [](int) {});
+    real.alert(window, removalQuestion(), [](int) {});
     on.dialogs.willAnswer(0);
     on.delegate->perform({StartRequest::Kind::Open, on.tree.path(), ""});
     EXPECT_EQ(page.searchPath(), on.tree.at("f"));
