@@ -66,7 +66,7 @@ void TrashErrands::send(const std::string& path, const std::optional<EntryIdenti
 }
 
 std::string putIntoTrash(const FileSystem& files, const std::vector<std::string>& ownFiles, const std::string& path,
-                        const std::optional<EntryIdentity>& expected) {
+                         const std::optional<EntryIdentity>& expected) {
     return moveWith(files, ownFiles, FolderVariables::ofThisProcess(), path, expected);
 }
 

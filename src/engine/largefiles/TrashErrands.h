@@ -38,6 +38,6 @@ private:
 
 /// Moves the entry now, on this thread: why it stays, for people; empty when it went. Either goes to the log as well.
 [[nodiscard]] std::string putIntoTrash(const FileSystem& files, const std::vector<std::string>& ownFiles,
-                                      const std::string& path, const std::optional<EntryIdentity>& expected);
+                                       const std::string& path, const std::optional<EntryIdentity>& expected);
 
 }  // namespace orrinvale
