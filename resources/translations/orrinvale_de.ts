@@ -992,8 +992,8 @@ Freie Software unter der Apache License 2.0.</translation>
     <message numerus="yes">
         <source>%Ln entries could not be read</source>
         <translation>
-            <numerusform>%Ln Eintrag ließ sich nicht lesen</numerusform>
-            <numerusform>%Ln Einträge ließen sich nicht lesen</numerusform>
+            <numerusform>%Ln Eintrag nicht lesbar</numerusform>
+            <numerusform>%Ln Einträge nicht lesbar</numerusform>
         </translation>
     </message>
 </context>
@@ -1189,20 +1189,20 @@ Freie Software unter der Apache License 2.0.</translation>
     </message>
     <message>
         <source>1 file listed, %1 compared</source>
-        <translation>1 Datei gefunden, %1 verglichen</translation>
+        <translation>1 Datei erfasst, %1 verglichen</translation>
     </message>
     <message numerus="yes">
         <source>%Ln files listed, %1 compared</source>
         <translation>
-            <numerusform>%Ln Datei gefunden, %1 verglichen</numerusform>
-            <numerusform>%Ln Dateien gefunden, %1 verglichen</numerusform>
+            <numerusform>%Ln Datei erfasst, %1 verglichen</numerusform>
+            <numerusform>%Ln Dateien erfasst, %1 verglichen</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>%Ln entries could not be read</source>
         <translation>
-            <numerusform>%Ln Eintrag ließ sich nicht lesen</numerusform>
-            <numerusform>%Ln Einträge ließen sich nicht lesen</numerusform>
+            <numerusform>%Ln Eintrag nicht lesbar</numerusform>
+            <numerusform>%Ln Einträge nicht lesbar</numerusform>
         </translation>
     </message>
     <message>

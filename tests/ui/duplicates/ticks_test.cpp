@@ -235,6 +235,30 @@ TEST_F(Ticks, TellWhatARemovalWouldGiveBack) {
     EXPECT_TRUE(b.data(Qt::ToolTipRole).toString().contains(QStringLiteral("2 names")));
 }
 
+TEST_F(Ticks, WhatLiesElsewhereIsSaidInTheRowAndBeforeARemoval) {
+    const std::string bytes = testing::someBytes(2000, 4);
+    for (const char* name : {"h/a.txt", "h/b.txt", "out/1/c.txt", "out/2/d.txt"})
+        ASSERT_TRUE(on.tree.write(name, bytes));
+    ASSERT_TRUE(on.tree.symlink(on.tree.at("out/1"), "h/one") && on.tree.symlink(on.tree.at("out/2"), "h/two"));
+    ASSERT_TRUE(on.search(on.tree.at("h")));
+    ASSERT_EQ(on.model().rowCount(), 1);
+    const QModelIndex group = on.model().index(0, 0);
+    const std::string name = group.siblingAtColumn(Model::NameColumn).data().toString().toStdString();
+    const auto at = [&](const char* copy) { return on.row(name, copy).siblingAtColumn(Model::NameColumn); };
+    EXPECT_FALSE(at("/h/a.txt").data(Model::LinkRole).toBool());
+    EXPECT_TRUE(at("/one/c.txt").data(Model::LinkRole).toBool());
+    EXPECT_TRUE(at("/one/c.txt").data(Qt::ToolTipRole).toString().toStdString().ends_with(on.tree.at("out/1/c.txt")));
+    const auto asked = [&](const char* copy) {
+        on.tick(on.row(name, copy));
+        on.dialogs.willAnswer(1);
+        on.click("stopBtn");
+        return on.dialogs.alerts().back().text.toStdString();
+    };
+    EXPECT_EQ(asked("/h/a.txt"), " ");
+    EXPECT_EQ(asked("/one/c.txt"), "1 of them lies outside of the folder that was searched.");
+    EXPECT_EQ(asked("/two/d.txt"), "2 of them lie outside of the folder that was searched.");
+}
+
 TEST_F(Ticks, ThePreviewGoesOnToTheNextFileAndClosesAlone) {
     outline.setFocus();
     outline.collapseAll();
