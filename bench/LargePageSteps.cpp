@@ -22,8 +22,8 @@ bool makeFolder(const std::string& path, std::size_t entries) {
     if (::mkdir(path.c_str(), 0755) != 0) return false;
     const Descriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     for (std::size_t i = 0; i < entries; ++i) {
-        const Descriptor file(
-            ::openat(folder.get(), fmt::format("{}.dat", i).c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
+        const Descriptor file(::openat(folder.get(), fmt::format("{}.dat", i).c_str(),
+                                       O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
         // Sparse; in no order, so that the list has to find the biggest.
         const auto size = static_cast<off_t>(i * 2'654'435'761U % 1'000'003U);
         if (!file.isOpen() || ::ftruncate(file.get(), size) != 0) return false;
@@ -45,7 +45,8 @@ bool makeEntries(const std::string& root, std::size_t entries) {
     return makeFolder(root + "/flat", entries - entries / 2);
 }
 
-void runLargePageSteps(WindowSteps& steps, DuplicateMainWindowController& window, const std::string& folder) {
+void runLargePageSteps(WindowSteps& steps, DuplicateMainWindowController& window,
+                       const std::string& folder) {
     steps.step("large: first look at the tab", [&] { window.selectFileListButtonAction(); });
     ListFileViewController& page = *window.listFileVC();
     auto& outline = *page.listView()->findChild<NewOutlineView*>();

@@ -29,7 +29,9 @@ qint64 busy() {
 
 }  // namespace
 
-bool isOver(const Row& row) { return row.longest > longestStall || (row.redraws != 0 && row.redraws < fewestRedraws); }
+bool isOver(const Row& row) {
+    return row.longest > longestStall || (row.redraws != 0 && row.redraws < fewestRedraws);
+}
 
 void print(const std::vector<Row>& rows, bool asJson) {
     std::string text;
@@ -37,14 +39,18 @@ void print(const std::vector<Row>& rows, bool asJson) {
         if (asJson)
             text += fmt::format(
                 R"({}{{"step":"{}","longest_ms":{},"total_ms":{},"busy_ms":{},"redraws_per_second":{:.0f},"over":{}}})",
-                text.empty() ? "[" : ",\n ", row.step, row.longest, row.total, row.busy, row.redraws, isOver(row));
+                text.empty() ? "[" : ",\n ", row.step, row.longest, row.total, row.busy,
+                row.redraws, isOver(row));
         else
-            text +=
-                fmt::format("{:<32}{:>8} ms{:>8} ms{:>8} ms{:>10}{}\n", row.step, row.longest, row.total, row.busy,
-                            row.redraws == 0 ? "" : fmt::format("{:.0f}/s", row.redraws), isOver(row) ? "  over" : "");
+            text += fmt::format("{:<32}{:>8} ms{:>8} ms{:>8} ms{:>10}{}\n", row.step, row.longest,
+                                row.total, row.busy,
+                                row.redraws == 0 ? "" : fmt::format("{:.0f}/s", row.redraws),
+                                isOver(row) ? "  over" : "");
     }
     if (asJson) text += "]\n";
-    else text.insert(0, fmt::format("{:<32}{:>11}{:>11}{:>11}{:>10}\n", "step", "longest", "total", "busy", "redraws"));
+    else
+        text.insert(0, fmt::format("{:<32}{:>11}{:>11}{:>11}{:>10}\n", "step", "longest", "total",
+                                   "busy", "redraws"));
     std::fputs(text.c_str(), stdout);
 }
 
@@ -60,7 +66,8 @@ bool WindowSteps::counterWorks() {
     pass(100);
     const qint64 byPost = m_stalls.takeLongest();
     pass(200);
-    return byTimer >= held.count() && byPost >= held.count() && m_stalls.takeLongest() < held.count();
+    return byTimer >= held.count() && byPost >= held.count() &&
+           m_stalls.takeLongest() < held.count();
 }
 
 void WindowSteps::pass(int milliseconds) {
@@ -94,8 +101,9 @@ void WindowSteps::click(QWidget& widget, QPoint position) {
     const QPointF global(widget.mapToGlobal(position));
     for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease})
         QCoreApplication::postEvent(
-            &widget, new QMouseEvent(type, local, global, Qt::LeftButton,
-                                     type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, {}));
+            &widget,
+            new QMouseEvent(type, local, global, Qt::LeftButton,
+                            type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, {}));
 }
 
 void WindowSteps::scroll(const std::string& name, QTreeView& outline) {

@@ -1,4 +1,5 @@
-// WindowSteps: one step after the other on a window, each measured by the program's own counter of stalls.
+// WindowSteps: one step after the other on a window, each measured by the program's own counter of
+// stalls.
 #pragma once
 
 #include <QObject>
@@ -33,7 +34,8 @@ struct Row {
     std::string step;
     qint64 longest = 0;  // milliseconds
     qint64 total = 0;    // milliseconds until the step was over
-    qint64 busy = 0;     // milliseconds of processor time on the main thread, which other programs do not stretch
+    qint64 busy = 0;  // milliseconds of processor time on the main thread, which other programs do
+                      // not stretch
     double redraws = 0;  // a second; 0 where nothing was scrolled
 };
 
@@ -43,12 +45,14 @@ void print(const std::vector<Row>& rows, bool asJson);
 
 class WindowSteps final {
 public:
-    /// False when the counter does not see work that holds the loop up, whatever kind of event it comes with.
+    /// False when the counter does not see work that holds the loop up, whatever kind of event it
+    /// comes with.
     [[nodiscard]] bool counterWorks();
 
     /// Runs the event loop.
     static void pass(int milliseconds);
-    /// The action runs as an event of its own; what it asks to be drawn follows before the step is over.
+    /// The action runs as an event of its own; what it asks to be drawn follows before the step is
+    /// over.
     void step(
         const std::string& name, const std::function<void()>& action,
         const std::function<bool()>& isOver = [] { return true; });

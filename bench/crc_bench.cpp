@@ -1,5 +1,5 @@
-// How fast each loop of the hash runs, beside the function of the ISA-L library for the same polynomial. Stops with
-// an error when the two do not agree.
+// How fast each loop of the hash runs, beside the function of the ISA-L library for the same
+// polynomial. Stops with an error when the two do not agree.
 #include <benchmark/benchmark.h>
 #include <isa-l/crc64.h>
 
@@ -47,14 +47,17 @@ void run(benchmark::State& state, Update update) {
 }
 
 bool agree(const orrinvale::CrcKernel& kernel) {
-    for (const std::size_t size : {std::size_t{64}, std::size_t{1024}, std::size_t{65'537}, largest})
+    for (const std::size_t size :
+         {std::size_t{64}, std::size_t{1024}, std::size_t{65'537}, largest})
         for (const std::uint64_t value : {~std::uint64_t{0}, std::uint64_t{12345}})
-            if (kernel.update(value, sample().data(), size) != isal(value, sample().data(), size)) return false;
+            if (kernel.update(value, sample().data(), size) != isal(value, sample().data(), size))
+                return false;
     return true;
 }
 
 void add(const std::string& name, Update update) {
-    benchmark::RegisterBenchmark(name.c_str(), [update](benchmark::State& state) { run(state, update); })
+    benchmark::RegisterBenchmark(name.c_str(),
+                                 [update](benchmark::State& state) { run(state, update); })
         ->Arg(64)
         ->Arg(1 << 10)
         ->Arg(64 << 10)

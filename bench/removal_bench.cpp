@@ -1,8 +1,9 @@
 // removal-bench: removals that removal.py times.
 //
-//   removal-bench search FOLDER STATE        finds the duplicates in a folder and removes all but one of each group, as the page does
-//   removal-bench aside LEAVING STAYING STATE  removes the files of one folder whose copies stand in another one, without comparing
-//   removal-bench unlink LEAVING             unlinks the files of a folder one by one: the floor of the former
+//   removal-bench search FOLDER STATE        finds the duplicates in a folder and removes all but
+//   one of each group, as the page does removal-bench aside LEAVING STAYING STATE  removes the
+//   files of one folder whose copies stand in another one, without comparing removal-bench unlink
+//   LEAVING             unlinks the files of a folder one by one: the floor of the former
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -56,7 +57,8 @@ int unlinkAll(const FileSystem& files, const std::string& leaving) {
     const testing::PairList list(files, leaving, {}, false);
     const int folder = ::open(leaving.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     for (std::size_t i = 0; i < list.size(); ++i)
-        if (::unlinkat(folder, std::string(lastPathComponent(list.path(i))).c_str(), 0) != 0) return 1;
+        if (::unlinkat(folder, std::string(lastPathComponent(list.path(i))).c_str(), 0) != 0)
+            return 1;
     return 0;
 }
 

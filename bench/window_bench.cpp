@@ -1,6 +1,7 @@
-// How long the window stands still: the real page on real files, driven by clicks, with the program's own counter of stalls.
-// Makes a folder of duplicates, searches it, and then opens, sorts, ticks, scrolls and removes. Windows are drawn offscreen.
-// The large file page follows on a folder of its own.
+// How long the window stands still: the real page on real files, driven by clicks, with the
+// program's own counter of stalls. Makes a folder of duplicates, searches it, and then opens,
+// sorts, ticks, scrolls and removes. Windows are drawn offscreen. The large file page follows on a
+// folder of its own.
 //     window-bench [--groups N] [--leaves N] [--entries N] [--at FOLDER] [--scan FOLDER] [--json]
 // Ends with 1 when a step stands still for longer than the bar, or redraws too rarely.
 #include <fcntl.h>
@@ -49,7 +50,8 @@ struct Setting {
     bool json = false;
 };
 
-// Groups of equal small files, spread over the six types of the page and over folders of a thousand files.
+// Groups of equal small files, spread over the six types of the page and over folders of a thousand
+// files.
 bool makeFiles(const std::string& root, const Setting& setting) {
     constexpr std::array<const char*, 6> extensions{"jpg", "pdf", "mkv", "mp3", "zip", "dat"};
     constexpr std::size_t inFolder = 1000;
@@ -61,10 +63,12 @@ bool makeFiles(const std::string& root, const Setting& setting) {
         for (; made < end; ++made) {
             const std::string folder = fmt::format("{}/folder {}", root, made / inFolder);
             if (made % inFolder == 0 && ::mkdir(folder.c_str(), 0755) != 0) return false;
-            const std::string path = fmt::format("{}/{:x} {}.{}", folder, made * 2'654'435'761U % 1'000'003U, made,
-                                                 extensions[group % extensions.size()]);
+            const std::string path =
+                fmt::format("{}/{:x} {}.{}", folder, made * 2'654'435'761U % 1'000'003U, made,
+                            extensions[group % extensions.size()]);
             const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
-            const bool written = file >= 0 && ::write(file, bytes.data(), bytes.size()) == ssize_t(bytes.size());
+            const bool written =
+                file >= 0 && ::write(file, bytes.data(), bytes.size()) == ssize_t(bytes.size());
             if (file >= 0) ::close(file);
             if (!written) return false;
         }
@@ -87,12 +91,18 @@ public:
                     .reveal = {},
                     .openAddress = {}},
                    m_icons) {
-        QnAuthorization::shareQnAuthorization().setParts(
-            {.authorization = &m_authorization, .files = &m_files, .permissions = &m_permissions, .ownFiles = {}});
-        Controller::getController().setParts(
-            {.files = &m_files, .mainQueue = &m_mainQueue, .ownFiles = {}, .reveal = {}, .openFolder = {}});
+        QnAuthorization::shareQnAuthorization().setParts({.authorization = &m_authorization,
+                                                          .files = &m_files,
+                                                          .permissions = &m_permissions,
+                                                          .ownFiles = {}});
+        Controller::getController().setParts({.files = &m_files,
+                                              .mainQueue = &m_mainQueue,
+                                              .ownFiles = {},
+                                              .reveal = {},
+                                              .openFolder = {}});
         m_window.showWindow();
-        m_outline = m_window.sameFileDeleteVC()->detailView()->findChild<ResultOutline*>(QStringLiteral("outline"));
+        m_outline = m_window.sameFileDeleteVC()->detailView()->findChild<ResultOutline*>(
+            QStringLiteral("outline"));
     }
 
     ~Bench() { Controller::getController().setParts({}); }
@@ -121,26 +131,31 @@ private:
 
     void search(const std::string& name, const std::string& folder) {
         m_steps.step(
-            name, [&] { page().viewDragAction(folder); }, [this] { return page().bSearchFinished(); });
+            name, [&] { page().viewDragAction(folder); },
+            [this] { return page().bSearchFinished(); });
     }
 
     void sort(const std::string& state) {
         using Model = DuplicateResultModel;
-        for (const auto& [column, key] :
-             {std::pair(Model::NameColumn, "name"), {Model::FileSize, "size"}, {Model::ModifyDate, "date"}})
+        for (const auto& [column, key] : {std::pair(Model::NameColumn, "name"),
+                                          {Model::FileSize, "size"},
+                                          {Model::ModifyDate, "date"}})
             for (const char* const direction : {"up", "down"})
-                m_steps.step(fmt::format("sort by {} {}, {}", key, direction, state), [this, section = column] {
-                    QHeaderView& header = *m_outline->header();
-                    WindowSteps::click(*header.viewport(),
-                                       {header.sectionViewportPosition(section) + header.sectionSize(section) / 2,
-                                        header.height() / 2});
-                });
+                m_steps.step(fmt::format("sort by {} {}, {}", key, direction, state),
+                             [this, section = column] {
+                                 QHeaderView& header = *m_outline->header();
+                                 WindowSteps::click(*header.viewport(),
+                                                    {header.sectionViewportPosition(section) +
+                                                         header.sectionSize(section) / 2,
+                                                     header.height() / 2});
+                             });
     }
 
     void clickBox(const QModelIndex& group) {
         m_outline->scrollTo(group);
-        WindowSteps::click(*m_outline->viewport(),
-                           m_outline->visualRect(group.siblingAtColumn(DuplicateResultModel::Checkbox)).center());
+        WindowSteps::click(
+            *m_outline->viewport(),
+            m_outline->visualRect(group.siblingAtColumn(DuplicateResultModel::Checkbox)).center());
     }
 
     void tick() {
@@ -166,7 +181,8 @@ private:
     void remove() {
         switchTo(5);
         m_outline->headerBox()->click();
-        auto* const button = page().detailView()->findChild<QAbstractButton*>(QStringLiteral("stopBtn"));
+        auto* const button =
+            page().detailView()->findChild<QAbstractButton*>(QStringLiteral("stopBtn"));
         const int before = leaves();
         bool begun = false;
         m_steps.step(
@@ -182,7 +198,8 @@ private:
     int leaves() const {
         const QAbstractItemModel& model = *m_outline->model();
         int count = 0;
-        for (int row = 0; row < model.rowCount(); ++row) count += model.rowCount(model.index(row, 0)) - 1;
+        for (int row = 0; row < model.rowCount(); ++row)
+            count += model.rowCount(model.index(row, 0)) - 1;
         return count;
     }
 
@@ -203,14 +220,20 @@ private:
 Setting settingFrom(const QCoreApplication& application) {
     QCommandLineParser parser;
     parser.addHelpOption();
-    const auto add = [&](const char* name, const QString& what, const QString& value, const QString& usual) {
+    const auto add = [&](const char* name, const QString& what, const QString& value,
+                         const QString& usual) {
         parser.addOption({QString::fromLatin1(name), what, value, usual});
     };
-    add("groups", QStringLiteral("groups of equal files"), QStringLiteral("N"), QStringLiteral("60000"));
-    add("leaves", QStringLiteral("files in all groups together"), QStringLiteral("N"), QStringLiteral("200000"));
-    add("entries", QStringLiteral("files for the large file page"), QStringLiteral("N"), QStringLiteral("1000000"));
-    add("at", QStringLiteral("where the files are made"), QStringLiteral("FOLDER"), QDir::tempPath());
-    add("scan", QStringLiteral("a folder to search first; it is left alone"), QStringLiteral("FOLDER"), {});
+    add("groups", QStringLiteral("groups of equal files"), QStringLiteral("N"),
+        QStringLiteral("60000"));
+    add("leaves", QStringLiteral("files in all groups together"), QStringLiteral("N"),
+        QStringLiteral("200000"));
+    add("entries", QStringLiteral("files for the large file page"), QStringLiteral("N"),
+        QStringLiteral("1000000"));
+    add("at", QStringLiteral("where the files are made"), QStringLiteral("FOLDER"),
+        QDir::tempPath());
+    add("scan", QStringLiteral("a folder to search first; it is left alone"),
+        QStringLiteral("FOLDER"), {});
     parser.addOption({QStringLiteral("json"), QStringLiteral("print JSON")});
     parser.process(application);
     Setting setting;
@@ -230,11 +253,13 @@ int runBench(int argc, char** argv) {
         std::fputs("window-bench: every group needs two files\n", stderr);
         return 2;
     }
-    const QTemporaryDir folder(QString::fromStdString(setting.at) + QStringLiteral("/orrinvale-window-bench-XXXXXX"));
+    const QTemporaryDir folder(QString::fromStdString(setting.at) +
+                               QStringLiteral("/orrinvale-window-bench-XXXXXX"));
     const std::string settings = folder.filePath(QStringLiteral("settings")).toStdString();
     const std::string corpus = folder.filePath(QStringLiteral("files")).toStdString();
-    if (!folder.isValid() || ::mkdir(settings.c_str(), 0755) != 0 || ::mkdir(corpus.c_str(), 0755) != 0 ||
-        !makeFiles(corpus, setting) || (setting.entries != 0 && !makeEntries(corpus + " entries", setting.entries))) {
+    if (!folder.isValid() || ::mkdir(settings.c_str(), 0755) != 0 ||
+        ::mkdir(corpus.c_str(), 0755) != 0 || !makeFiles(corpus, setting) ||
+        (setting.entries != 0 && !makeEntries(corpus + " entries", setting.entries))) {
         std::fputs("window-bench: the files can not be made\n", stderr);
         return 2;
     }

@@ -1,4 +1,5 @@
-// Desktop: what the engine asks of the desktop around it: whether there is a network, and where the main screen is.
+// Desktop: what the engine asks of the desktop around it: whether there is a network, and where the
+// main screen is.
 #pragma once
 
 #include "platform/workspace.h"
@@ -6,7 +7,8 @@
 
 namespace orrinvale {
 
-/// Answers the engine's shared instances while it lives. One at a time; on the main thread, after the application object.
+/// Answers the engine's shared instances while it lives. One at a time; on the main thread, after
+/// the application object.
 class Desktop final : public Workspace {
 public:
     Desktop();

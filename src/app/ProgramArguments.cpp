@@ -19,29 +19,33 @@ namespace {
 constexpr const char* help =
     "usage: orrinvale [--action NAME] [FOLDER]\n"
     "\n"
-    "Opens the window, and searches FOLDER for duplicates if one is given. A program that runs already\n"
+    "Opens the window, and searches FOLDER for duplicates if one is given. A program that runs "
+    "already\n"
     "comes to the front instead and takes over what is asked for.\n"
     "\n"
-    "  --action NAME  duplicates, large-files: show that page; eject-all: eject what can be ejected;\n"
+    "  --action NAME  duplicates, large-files: show that page; eject-all: eject what can be "
+    "ejected;\n"
     "                 quit: end the running program\n"
     "  --help         this text\n"
     "  --version      the version\n"
     "\n"
     "For scripts and servers there is orrinvale-cli.\n";
 
-constexpr std::array actions{startAction::duplicates, startAction::largeFiles, startAction::ejectAll,
-                             startAction::quit};
+constexpr std::array actions{startAction::duplicates, startAction::largeFiles,
+                             startAction::ejectAll, startAction::quit};
 
 std::string activationToken() {
     for (const char* const name : {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"})
-        if (const char* const value = std::getenv(name); value != nullptr && *value != '\0') return value;
+        if (const char* const value = std::getenv(name); value != nullptr && *value != '\0')
+            return value;
     return {};
 }
 
 // Reads the arguments one by one.
 class Reader {
 public:
-    Reader(int argc, char** argv, const FileSystem& files) : m_end(argv + argc), m_next(argv + 1), m_files(files) {
+    Reader(int argc, char** argv, const FileSystem& files)
+        : m_end(argv + argc), m_next(argv + 1), m_files(files) {
         if (argc == 0) m_next = m_end;
     }
 
@@ -63,14 +67,19 @@ private:
         else if (option == "--version") m_out.toPrint = "orrinvale " ORRINVALE_VERSION "\n";
         else if (option == "--action") takeAction(m_next < m_end ? *m_next++ : "");
         else if (option.starts_with("--action=")) takeAction(option.substr(option.find('=') + 1));
-        else if (option == "-session" && m_next < m_end) ++m_next;  // of the session manager, for the toolkit
-        else m_out.fault = fmt::format("there is no option \"{}\"; see orrinvale --help", escapeControls(option));
+        else if (option == "-session" && m_next < m_end)
+            ++m_next;  // of the session manager, for the toolkit
+        else
+            m_out.fault = fmt::format("there is no option \"{}\"; see orrinvale --help",
+                                      escapeControls(option));
     }
 
     void takeAction(std::string_view name) {
         if (std::ranges::find(actions, name) == actions.end())
-            m_out.fault = fmt::format("there is no action \"{}\"; see orrinvale --help", escapeControls(name));
-        else if (m_out.request.kind != StartRequest::Kind::Activate) m_out.fault = "more than one thing is asked for";
+            m_out.fault = fmt::format("there is no action \"{}\"; see orrinvale --help",
+                                      escapeControls(name));
+        else if (m_out.request.kind != StartRequest::Kind::Activate)
+            m_out.fault = "more than one thing is asked for";
         else m_out.request = {StartRequest::Kind::Action, std::string(name), {}};
     }
 
@@ -86,12 +95,16 @@ private:
             m_out.fault = "more than one thing is asked for";
             return;
         }
-        // By its full path: the running program stands in another folder, and what is relative is never removed.
+        // By its full path: the running program stands in another folder, and what is relative is
+        // never removed.
         const auto folder = m_files.resolved(path);
-        const auto opened = folder ? m_files.openFolder(FileSystem::noParent, folder->c_str(), Links::Follow)
-                                   : SysResult<Descriptor>(tl::unexpected(folder.error()));
+        const auto opened =
+            folder ? m_files.openFolder(FileSystem::noParent, folder->c_str(), Links::Follow)
+                   : SysResult<Descriptor>(tl::unexpected(folder.error()));
         if (opened) m_out.request = {StartRequest::Kind::Open, *folder, {}};
-        else m_out.fault = escapeControls(path) + ": " + systemError("open", path, opened.error()).reason();
+        else
+            m_out.fault =
+                escapeControls(path) + ": " + systemError("open", path, opened.error()).reason();
     }
 
     char** const m_end;

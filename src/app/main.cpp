@@ -1,5 +1,5 @@
-// The window program: the system gate first, then the run that only touches memory, then a word to the program that runs already,
-// and only then the window.
+// The window program: the system gate first, then the run that only touches memory, then a word to
+// the program that runs already, and only then the window.
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -46,7 +46,8 @@ namespace {
 
 constexpr auto mainThreadPatience = std::chrono::milliseconds(50);
 
-// Qt ends the process by abort() where it finds no display; a person in a terminal gets a sentence instead.
+// Qt ends the process by abort() where it finds no display; a person in a terminal gets a sentence
+// instead.
 bool hasDisplay() {
     for (const char* const name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
         const char* const value = std::getenv(name);
@@ -55,7 +56,8 @@ bool hasDisplay() {
     return false;
 }
 
-// What the whole program shares. Never freed: a search or a removal may still be at its last file when the process ends.
+// What the whole program shares. Never freed: a search or a removal may still be at its last file
+// when the process ends.
 struct Shared {
     Desktop desktop;
     LinuxFileSystem files;
@@ -92,35 +94,37 @@ void connectEngine(Shared& shared) {
 
 AppDelegateParts delegateParts(Shared& shared, std::unique_ptr<ProgramInstance>& instance,
                                std::optional<StartService>& service) {
-    return {.pages = {.files = &shared.files,
-                      .notifications = &shared.notifications,
-                      .defaults = &UserDefaults::standardUserDefaults(),
-                      .dialogs = &shared.dialogs,
-                      .mainQueue = &shared.mainQueue,
-                      .stateFolder = userStateFolder(),
-                      .icons = [&shared](const IconRequest& request) { return shared.icons.icon(request); },
-                      .reveal = revealInFileManager,
-                      .openAddress = openWebPage},
-            .icons = &shared.icons,
-            .volumes = &shared.volumes,
-            .volumesAtOnce = &shared.volumesAtOnce,
-            .mountChanges = &shared.mountChanges,
-            .openFolder = openInFileManager,
-            .openGuide = openUserGuide,
-            .stopListening =
-                [&service] {
-                    if (service) service->stop();
-                },
-            .exitProcess =
-                [&instance](int status) {
-                    instance.reset();
-                    std::_Exit(status);
-                },
-            .endBySignal =
-                [&instance](int signal) {
-                    instance.reset();
-                    EndSignals::endBy(signal);
-                }};
+    return {
+        .pages = {.files = &shared.files,
+                  .notifications = &shared.notifications,
+                  .defaults = &UserDefaults::standardUserDefaults(),
+                  .dialogs = &shared.dialogs,
+                  .mainQueue = &shared.mainQueue,
+                  .stateFolder = userStateFolder(),
+                  .icons =
+                      [&shared](const IconRequest& request) { return shared.icons.icon(request); },
+                  .reveal = revealInFileManager,
+                  .openAddress = openWebPage},
+        .icons = &shared.icons,
+        .volumes = &shared.volumes,
+        .volumesAtOnce = &shared.volumesAtOnce,
+        .mountChanges = &shared.mountChanges,
+        .openFolder = openInFileManager,
+        .openGuide = openUserGuide,
+        .stopListening =
+            [&service] {
+                if (service) service->stop();
+            },
+        .exitProcess =
+            [&instance](int status) {
+                instance.reset();
+                std::_Exit(status);
+            },
+        .endBySignal =
+            [&instance](int signal) {
+                instance.reset();
+                EndSignals::endBy(signal);
+            }};
 }
 
 // The pages of the toolbar window; each is made when somebody looks at it.
@@ -131,8 +135,10 @@ void preparePages(const AppDelegateParts& parts, AppDelegate& delegate) {
     registerDuplicatePage(pages, parts.pages);
 }
 
-int runWindow(int argc, char** argv, const StartRequest& request, std::unique_ptr<ProgramInstance> instance) {
-    // A line for each file of a search would fill the desktop's journal; what is removed is always logged.
+int runWindow(int argc, char** argv, const StartRequest& request,
+              std::unique_ptr<ProgramInstance> instance) {
+    // A line for each file of a search would fill the desktop's journal; what is removed is always
+    // logged.
     Log::setEngineEnabled(qEnvironmentVariableIntValue("ORRINVALE_LOG") == 1);
     // The toolkit would hang with a bus that hangs, and start one where there is none.
     if (!instance->hasSessionBus()) qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
@@ -173,17 +179,20 @@ int start(int argc, char** argv) {
         std::fprintf(stderr, "orrinvale: %s\n", arguments.fault.c_str());
         return 2;
     }
-    if (!arguments.toPrint.empty()) return std::fputs(arguments.toPrint.c_str(), stdout) < 0 ? 1 : 0;
+    if (!arguments.toPrint.empty())
+        return std::fputs(arguments.toPrint.c_str(), stdout) < 0 ? 1 : 0;
 
     auto instance = std::make_unique<ProgramInstance>();
     switch (instance->begin(arguments.request)) {
         case ProgramInstance::Start::First: break;
         case ProgramInstance::Start::HandedOver: return 0;
         case ProgramInstance::Start::Unanswered:
-            std::fputs("orrinvale: the running program has been told, and has not answered\n", stderr);
+            std::fputs("orrinvale: the running program has been told, and has not answered\n",
+                       stderr);
             return 0;
         case ProgramInstance::Start::NoWay:
-            std::fprintf(stderr, "orrinvale: it runs already (process %d), and can not be reached\n",
+            std::fprintf(stderr,
+                         "orrinvale: it runs already (process %d), and can not be reached\n",
                          instance->holder());
             return 1;
     }

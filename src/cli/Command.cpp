@@ -14,19 +14,21 @@
 namespace orrinvale::cli {
 
 std::vector<StatusMeaning> statusMeanings() {
-    return {
-        {Status::Done, "Done."},
-        {Status::SomeSkipped,
-         "Done, but some entries could not be read; each is named on standard error and listed as skipped. Or the one "
-         "thing that was asked for failed, or memory ran out; standard error says why."},
-        {Status::BadUsage, "The command line is wrong."},
-        {Status::NoSuchFolder, "What was named does not exist, or can not be used; nothing was printed."},
-        {Status::Stopped, "Stopped by a signal; what was found until then was printed."}};
+    return {{Status::Done, "Done."},
+            {Status::SomeSkipped,
+             "Done, but some entries could not be read; each is named on standard error and listed "
+             "as skipped. Or the one "
+             "thing that was asked for failed, or memory ran out; standard error says why."},
+            {Status::BadUsage, "The command line is wrong."},
+            {Status::NoSuchFolder,
+             "What was named does not exist, or can not be used; nothing was printed."},
+            {Status::Stopped, "Stopped by a signal; what was found until then was printed."}};
 }
 
 std::vector<OptionSpec> commonOptions() {
     return {{"--json", "", "Print one JSON document"},
-            {"-0,--print0", "", "Print exact path bytes, each path ended by a NUL byte; not with --json"},
+            {"-0,--print0", "",
+             "Print exact path bytes, each path ended by a NUL byte; not with --json"},
             {"--quiet", "", "No progress and no messages about single entries"},
             {"--log", "", "Send the log of the engine to standard error"}};
 }
@@ -82,7 +84,8 @@ std::string absolutePath(const std::string& path) {
         at = end + 1;
         if (component.empty() || component == ".") continue;
         if (component == "..") {
-            const std::unique_ptr<char, decltype(&std::free)> real(::realpath(full.c_str(), nullptr), &std::free);
+            const std::unique_ptr<char, decltype(&std::free)> real(
+                ::realpath(full.c_str(), nullptr), &std::free);
             return real ? std::string(real.get()) : full;
         }
         out += '/';

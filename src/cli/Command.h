@@ -1,5 +1,6 @@
-// One command of orrinvale-cli: what it is called, what it takes, what it does. Everything that a person reads about it, and
-// the parser, come from the table that it declares. main.cpp lists the commands.
+// One command of orrinvale-cli: what it is called, what it takes, what it does. Everything that a
+// person reads about it, and the parser, come from the table that it declares. main.cpp lists the
+// commands.
 #pragma once
 
 #include <cstdint>
@@ -18,7 +19,13 @@ class Output;
 enum class Ending : std::uint8_t;
 
 /// The exit statuses that all commands share.
-enum class Status : int { Done = 0, SomeSkipped = 1, BadUsage = 2, NoSuchFolder = 3, Stopped = 130 };
+enum class Status : int {
+    Done = 0,
+    SomeSkipped = 1,
+    BadUsage = 2,
+    NoSuchFolder = 3,
+    Stopped = 130
+};
 
 /// What an exit status tells, in one sentence for people.
 struct StatusMeaning {
@@ -31,9 +38,9 @@ struct StatusMeaning {
 
 /// One option or argument of a command, as data.
 struct OptionSpec {
-    std::string_view
-        names;  ///< "--json", "-0,--print0"; a bare name such as "FOLDER" is an argument that must be given, one
-                ///< such as "PATH..." an argument that must be given and may be repeated
+    std::string_view names;     ///< "--json", "-0,--print0"; a bare name such as "FOLDER" is an
+                                ///< argument that must be given, one such as "PATH..." an argument
+                                ///< that must be given and may be repeated
     std::string_view argument;  ///< what the option takes ("SIZE"); empty for a flag
     std::string_view help;
 };
@@ -41,13 +48,16 @@ struct OptionSpec {
 /// What was given on the command line.
 class Arguments final {
 public:
-    void set(std::string name, std::vector<std::string> values) { m_values[std::move(name)] = std::move(values); }
+    void set(std::string name, std::vector<std::string> values) {
+        m_values[std::move(name)] = std::move(values);
+    }
 
     /// By the long name without dashes, or the argument's name without dots.
     [[nodiscard]] bool has(const std::string& name) const { return m_values.contains(name); }
     [[nodiscard]] std::string text(const std::string& name) const {
         const auto found = m_values.find(name);
-        return found == m_values.end() || found->second.empty() ? std::string() : found->second.front();
+        return found == m_values.end() || found->second.empty() ? std::string()
+                                                                : found->second.front();
     }
     /// All that was given, in its order; empty when nothing was.
     [[nodiscard]] std::vector<std::string> texts(const std::string& name) const {
@@ -75,14 +85,16 @@ public:
 /// The options that every command has.
 [[nodiscard]] std::vector<OptionSpec> commonOptions();
 
-/// Writes "orrinvale-cli: MESSAGE" to standard error, and for a bad command line the hint at --help.
+/// Writes "orrinvale-cli: MESSAGE" to standard error, and for a bad command line the hint at
+/// --help.
 void complain(std::string_view message);
 Status badUsage(std::string_view message);
 
 /// One complaint for each entry that a run left out.
 void complainOfEach(const std::vector<Error>& skipped);
 
-/// Flushes the output and gives the exit status of a run that left this out and ended so. Tells it where memory was what ended it.
+/// Flushes the output and gives the exit status of a run that left this out and ended so. Tells it
+/// where memory was what ended it.
 [[nodiscard]] Status finish(Output& out, const std::vector<Error>& skipped, Ending ending);
 
 /// Why the folder can not be listed at all; empty when it can.
@@ -91,8 +103,8 @@ void complainOfEach(const std::vector<Error>& skipped);
 /// Complains of it.
 Status noSuchFolder(const std::string& path, const std::string& reason);
 
-/// The path as an absolute one without "." and doubled slashes; ".." is resolved by the file system. Hidden parts are judged by
-/// whole paths, so that "." must not count as a hidden name.
+/// The path as an absolute one without "." and doubled slashes; ".." is resolved by the file
+/// system. Hidden parts are judged by whole paths, so that "." must not count as a hidden name.
 [[nodiscard]] std::string absolutePath(const std::string& path);
 
 }  // namespace orrinvale::cli

@@ -18,7 +18,8 @@ std::string progressLine(DuplicateFilesOpt& search) {
     const auto state = search.search();
     const SearchCounts counts = state ? state->counts() : SearchCounts{};
     return fmt::format("{:3} %  {} files, {} read  {}", search.getProgress(), counts.listedFiles,
-                       UtilityFunction::convertVolSpace(counts.hashedBytes), printable(search.getCurrentSearchFile()));
+                       UtilityFunction::convertVolSpace(counts.hashedBytes),
+                       printable(search.getCurrentSearchFile()));
 }
 
 }  // namespace
@@ -32,7 +33,9 @@ std::vector<OptionSpec> DuplicatesCommand::options() const {
 
 Status DuplicatesCommand::run(const Arguments& arguments) {
     const auto limit = arguments.has("limit") ? parseSize(arguments.text("limit")) : 0;
-    if (!limit) return badUsage(fmt::format("--limit takes {}, not \"{}\"", sizeForms, arguments.text("limit")));
+    if (!limit)
+        return badUsage(
+            fmt::format("--limit takes {}, not \"{}\"", sizeForms, arguments.text("limit")));
     if (arguments.text("FOLDER").empty()) return badUsage("the folder's name is empty");
     const std::string root = absolutePath(arguments.text("FOLDER"));
     const std::string fault = folderFault(m_files, root);
@@ -42,8 +45,8 @@ Status DuplicatesCommand::run(const Arguments& arguments) {
     const SearchOption option{arguments.has("hidden"), arguments.has("system")};
     search.setSearchOption(&option);
     const Ending ending = [&] {
-        const SearchWatch watch([&search] { search.stopSearch(); }, [&search] { return progressLine(search); },
-                                tellingFor(arguments));
+        const SearchWatch watch([&search] { search.stopSearch(); },
+                                [&search] { return progressLine(search); }, tellingFor(arguments));
         search.beginSearchAtPath(root, *limit);
         return watch.ending();
     }();
@@ -54,14 +57,15 @@ Status DuplicatesCommand::run(const Arguments& arguments) {
     if (!arguments.has("quiet")) complainOfEach(skipped);
     if (!arguments.has("quiet") && state->inodesPass())
         Output(STDERR_FILENO)
-            .write(fmt::format(
-                "orrinvale-cli: inode numbers do not last everywhere in {}: files there are known by path, size "
-                "and times\n",
-                printable(root)));
+            .write(fmt::format("orrinvale-cli: inode numbers do not last everywhere in {}: files "
+                               "there are known by path, size "
+                               "and times\n",
+                               printable(root)));
 
     Output out(STDOUT_FILENO);
     const DuplicatesSummary summary = summarize(search);
-    if (arguments.has("json")) printJson(out, root, search, summary, skipped, ending != Ending::Whole);
+    if (arguments.has("json"))
+        printJson(out, root, search, summary, skipped, ending != Ending::Whole);
     else if (arguments.has("print0")) printPaths(out, search);
     else printListing(out, search, summary, wantsColour(STDOUT_FILENO));
     return finish(out, skipped, ending);

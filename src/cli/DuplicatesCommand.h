@@ -16,9 +16,12 @@ public:
         return "Find files and application bundles with identical content";
     }
     [[nodiscard]] std::string_view description() const override {
-        return "Files are equal when their sizes and a 64-bit checksum over their whole contents agree; they are "
-               "not compared byte by byte. Folders whose names end in .app are applications and compared as wholes. "
-               "Links directly in the folder are followed, links further down are not, and empty files are left out. "
+        return "Files are equal when their sizes and a 64-bit checksum over their whole contents "
+               "agree; they are "
+               "not compared byte by byte. Folders whose names end in .app are applications and "
+               "compared as wholes. "
+               "Links directly in the folder are followed, links further down are not, and empty "
+               "files are left out. "
                "Nothing is removed.";
     }
     [[nodiscard]] std::vector<OptionSpec> options() const override;

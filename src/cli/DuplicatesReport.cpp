@@ -29,14 +29,16 @@ template <class Visit> void forEachLeaf(const DuplicateGroup& group, Visit visit
         visit(Leaf{file->filePathName(), file->fileSize, file->ModificationDate()});
 }
 
-// Adds up what goes with leaves. Names of one file share its bytes, so they count once, and not at all where one of them stays.
+// Adds up what goes with leaves. Names of one file share its bytes, so they count once, and not at
+// all where one of them stays.
 class Gain {
 public:
     void keep(const fileAttrbItem& file) {
         if (file.links > 1) m_seen.insert({file.device, file.inode});
     }
     void remove(const fileAttrbItem& file) {
-        if (file.links < 2 || m_seen.insert({file.device, file.inode}).second) addSaturating(m_bytes, file.fileSize);
+        if (file.links < 2 || m_seen.insert({file.device, file.inode}).second)
+            addSaturating(m_bytes, file.fileSize);
     }
     [[nodiscard]] std::uint64_t bytes() const { return m_bytes; }
 
@@ -51,7 +53,8 @@ std::uint64_t reclaimable(const DuplicateGroup& group) {
     for (const AppAttrbItem* bundle : group.bundles)
         for (const fileAttrbItem* file : bundle->AllFileInDirectory.items())
             bundle == group.bundles.front() ? gain.keep(*file) : gain.remove(*file);
-    for (const fileAttrbItem* file : group.files) file == group.files.front() ? gain.keep(*file) : gain.remove(*file);
+    for (const fileAttrbItem* file : group.files)
+        file == group.files.front() ? gain.keep(*file) : gain.remove(*file);
     return gain.bytes();
 }
 
@@ -70,7 +73,8 @@ void appendGroup(std::string& out, const DuplicateGroup& group) {
     appendJsonText(out, group.name);
     out += ", \"extension\": ";
     appendJsonText(out, group.extension);
-    fmt::format_to(std::back_inserter(out), ", \"type\": \"{}\", \"bundle\": {}, \"size\": {},\n     \"leaves\": [",
+    fmt::format_to(std::back_inserter(out),
+                   ", \"type\": \"{}\", \"bundle\": {}, \"size\": {},\n     \"leaves\": [",
                    kindName(kindOfExtension(group.extension)), group.bundle, group.size);
     const char* between = "{";
     forEachLeaf(group, [&](const Leaf& leaf) {
@@ -78,7 +82,8 @@ void appendGroup(std::string& out, const DuplicateGroup& group) {
         appendJsonPath(out, leaf.path);
         out += ", \"size\": ";
         appendNumber(out, leaf.size);
-        out += leaf.modified ? ", \"modified\": \"" + iso8601(*leaf.modified) + "\"}" : ", \"modified\": null}";
+        out += leaf.modified ? ", \"modified\": \"" + iso8601(*leaf.modified) + "\"}"
+                             : ", \"modified\": null}";
         between = ",\n                {";
     });
     out += "]}";
@@ -101,8 +106,8 @@ DuplicatesSummary summarize(const DuplicateFilesOpt& search) {
     return summary;
 }
 
-void printJson(Output& out, const std::string& root, const DuplicateFilesOpt& search, const DuplicatesSummary& summary,
-               const std::vector<Error>& skipped, bool stopped) {
+void printJson(Output& out, const std::string& root, const DuplicateFilesOpt& search,
+               const DuplicatesSummary& summary, const std::vector<Error>& skipped, bool stopped) {
     std::string text = "{\n  ";
     appendJsonPath(text, root, "root");
     text += ",\n  \"groups\": [";
@@ -115,10 +120,11 @@ void printJson(Output& out, const std::string& root, const DuplicateFilesOpt& se
         text.clear();
     });
     text += fmt::format(
-        "{}],\n  \"summary\": {{\"files\": {}, \"bundles\": {}, \"groups\": {}, \"leaves\": {}, \"bytes\": {}, "
+        "{}],\n  \"summary\": {{\"files\": {}, \"bundles\": {}, \"groups\": {}, \"leaves\": {}, "
+        "\"bytes\": {}, "
         "\"reclaimable\": {}}},\n  \"skipped\": [",
-        summary.groups == 0 ? "" : "\n  ", summary.files, summary.bundles, summary.groups, summary.leaves,
-        summary.bytes, summary.reclaimable);
+        summary.groups == 0 ? "" : "\n  ", summary.files, summary.bundles, summary.groups,
+        summary.leaves, summary.bytes, summary.reclaimable);
     appendJsonSkipped(text, skipped);
     text += fmt::format("],\n  \"stopped\": {}\n}}\n", stopped);
     out.write(text);
@@ -133,20 +139,25 @@ void printPaths(Output& out, const DuplicateFilesOpt& search) {
     });
 }
 
-void printListing(Output& out, const DuplicateFilesOpt& search, const DuplicatesSummary& summary, bool colour) {
+void printListing(Output& out, const DuplicateFilesOpt& search, const DuplicatesSummary& summary,
+                  bool colour) {
     const std::string_view strong = colour ? "\x1b[1m" : "";
     const std::string_view faint = colour ? "\x1b[2m" : "";
     const std::string_view plain = colour ? "\x1b[0m" : "";
     search.visitGroups([&](const DuplicateGroup& group) {
         const std::uint64_t leaves = group.files.size() + group.bundles.size();
-        const std::uint64_t each = group.bundle ? group.bundles.front()->DirectorySize : group.files.front()->fileSize;
+        const std::uint64_t each =
+            group.bundle ? group.bundles.front()->DirectorySize : group.files.front()->fileSize;
         out.write(fmt::format("{}{}{}  {}{} of {}{}\n", strong, printable(group.name), plain, faint,
-                              plural(leaves, "copy", "copies"), UtilityFunction::convertVolSpace(each), plain));
-        forEachLeaf(group, [&](const Leaf& leaf) { out.write("  " + printable(leaf.path) + "\n"); });
+                              plural(leaves, "copy", "copies"),
+                              UtilityFunction::convertVolSpace(each), plain));
+        forEachLeaf(group,
+                    [&](const Leaf& leaf) { out.write("  " + printable(leaf.path) + "\n"); });
         out.write("\n");
     });
     std::string listed = plural(summary.files, "file", "files");
-    if (summary.bundles > 0) listed += " and " + plural(summary.bundles, "application", "applications");
+    if (summary.bundles > 0)
+        listed += " and " + plural(summary.bundles, "application", "applications");
     if (summary.groups == 0) {
         out.write(fmt::format("No duplicates among {}.\n", listed));
         return;

@@ -17,15 +17,17 @@ struct DuplicatesSummary {
     std::uint64_t bundles = 0;  ///< listed bundles
     std::uint64_t groups = 0;
     std::uint64_t leaves = 0;
-    std::uint64_t bytes = 0;        ///< of all leaves
-    std::uint64_t reclaimable = 0;  ///< what goes when one leaf of each group stays; links to one file count once
+    std::uint64_t bytes = 0;  ///< of all leaves
+    std::uint64_t reclaimable =
+        0;  ///< what goes when one leaf of each group stays; links to one file count once
 };
 
 [[nodiscard]] DuplicatesSummary summarize(const DuplicateFilesOpt& search);
 
-void printJson(Output& out, const std::string& root, const DuplicateFilesOpt& search, const DuplicatesSummary& summary,
-               const std::vector<Error>& skipped, bool stopped);
+void printJson(Output& out, const std::string& root, const DuplicateFilesOpt& search,
+               const DuplicatesSummary& summary, const std::vector<Error>& skipped, bool stopped);
 void printPaths(Output& out, const DuplicateFilesOpt& search);
-void printListing(Output& out, const DuplicateFilesOpt& search, const DuplicatesSummary& summary, bool colour);
+void printListing(Output& out, const DuplicateFilesOpt& search, const DuplicatesSummary& summary,
+                  bool colour);
 
 }  // namespace orrinvale::cli

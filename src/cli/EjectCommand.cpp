@@ -44,13 +44,16 @@ struct Ejected {
 };
 
 Ejected eject(Volumes& platform, const ZvVolumeInfo& volume, Telling telling) {
-    // An ejection that has begun can not be taken back, so a first signal is only told; the next one ends the program.
-    const SearchWatch watch([] {}, [text = "Ejecting " + printable(volume.volumeName)] { return text; }, telling);
+    // An ejection that has begun can not be taken back, so a first signal is only told; the next
+    // one ends the program.
+    const SearchWatch watch(
+        [] {}, [text = "Ejecting " + printable(volume.volumeName)] { return text; }, telling);
     VolumesManager manager(platform, {});
     Ejected out;
     if (!manager.ejectSingleVolume(volume.volRefNumber)) {
         out.failure = manager.failures().front();
-        out.failure->volumeName = volume.volumeName;  // nobody else knows it once the volume is gone
+        out.failure->volumeName =
+            volume.volumeName;  // nobody else knows it once the volume is gone
         out.failure->volRootDir = volume.volRootDir;
     }
     out.ending = watch.ending();
@@ -78,7 +81,8 @@ void printJson(Output& out, const ZvVolumeInfo& volume, const Ejected& ejected) 
     if (ejected.failure) appendJsonText(text, ejected.failure->dissent.reason);
     else text += "null";
     text += fmt::format(", \"holders\": [{}], \"stopped\": {}}}\n",
-                        ejected.failure ? holdersOf(ejected.failure->dissent) : "", ejected.ending != Ending::Whole);
+                        ejected.failure ? holdersOf(ejected.failure->dissent) : "",
+                        ejected.ending != Ending::Whole);
     out.write(text);
 }
 
@@ -88,7 +92,8 @@ Status print(const Arguments& arguments, const ZvVolumeInfo& volume, const Eject
     if (arguments.has("json")) printJson(out, volume, ejected);
     else if (!ejected.failure && arguments.has("print0")) out.write(volume.volRootDir + '\0');
     else if (!ejected.failure)
-        out.write(fmt::format("Ejected {} from {}\n", printable(volume.volumeName), printable(volume.volRootDir)));
+        out.write(fmt::format("Ejected {} from {}\n", printable(volume.volumeName),
+                              printable(volume.volRootDir)));
     const Status status = finish(out, {}, ejected.ending);
     return status == Status::Done && ejected.failure ? Status::SomeSkipped : status;
 }
@@ -119,13 +124,18 @@ Status EjectCommand::run(const Arguments& arguments) {
     if (found.empty()) return unlisted(given, platform.failures());
     if (found.size() > 1) {
         for (const auto& volume : found)
-            complain(fmt::format("\"{}\" is mounted on {}", volume->volumeName, volume->volRootDir));
+            complain(
+                fmt::format("\"{}\" is mounted on {}", volume->volumeName, volume->volRootDir));
         return badUsage("several volumes bear this name, give a path");
     }
     const ZvVolumeInfo& volume = *found.front();
-    if (volume.bCanEject) return print(arguments, volume, eject(m_platform, volume, tellingFor(arguments)));
-    const EjectFailure refusal{
-        volume.volRefNumber, volume.volumeName, volume.volRootDir, ioErr, {"It is fixed in this machine", {}}};
+    if (volume.bCanEject)
+        return print(arguments, volume, eject(m_platform, volume, tellingFor(arguments)));
+    const EjectFailure refusal{volume.volRefNumber,
+                               volume.volumeName,
+                               volume.volRootDir,
+                               ioErr,
+                               {"It is fixed in this machine", {}}};
     return print(arguments, volume, {refusal, Ending::Whole});
 }
 

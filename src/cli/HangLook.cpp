@@ -1,4 +1,5 @@
-// HangLook: see HangLook.h. Two samples of what the threads wait for are compared; platform/blockedCalls.h takes them.
+// HangLook: see HangLook.h. Two samples of what the threads wait for are compared;
+// platform/blockedCalls.h takes them.
 #include "cli/HangLook.h"
 
 #include <algorithm>
@@ -35,8 +36,9 @@ std::string HangLook::stuckPath(Clock::time_point now) {
     const bool isFirst = m_sampled == Clock::time_point();
     if (!isFirst && now - m_sampled < kApart) return {};
     std::vector<BlockedCall> sample = blockedCalls();
-    const auto stuck = std::ranges::find_if(
-        sample, [&](const BlockedCall& call) { return std::ranges::find(m_sample, call) != m_sample.end(); });
+    const auto stuck = std::ranges::find_if(sample, [&](const BlockedCall& call) {
+        return std::ranges::find(m_sample, call) != m_sample.end();
+    });
     if (!isFirst && stuck != sample.end()) return stuck->path;
     m_sample = std::move(sample);
     m_sampled = now;

@@ -10,8 +10,9 @@
 
 namespace orrinvale::cli {
 
-/// Work without a new progress line for five seconds, and a thread of it that has waited in one and the same call on a file for
-/// nearly all of that time. Work that computes for long, or reads one large file piece by piece, is no hang. One thread.
+/// Work without a new progress line for five seconds, and a thread of it that has waited in one and
+/// the same call on a file for nearly all of that time. Work that computes for long, or reads one
+/// large file piece by piece, is no hang. One thread.
 class HangLook final {
 public:
     using Clock = std::chrono::steady_clock;

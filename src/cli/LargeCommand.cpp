@@ -1,4 +1,5 @@
-// orrinvale-cli large: see LargeCommand.h. engine/largefiles/EumeRoot.h scans, LargeReport.h prints.
+// orrinvale-cli large: see LargeCommand.h. engine/largefiles/EumeRoot.h scans, LargeReport.h
+// prints.
 #include "cli/LargeCommand.h"
 
 #include <fmt/format.h>
@@ -29,7 +30,8 @@ Status notScanned(const Error& error) {
 Ending runScan(EumeRoot& scan, std::shared_ptr<FileNodeTree> tree, Telling telling) {
     const std::string root = tree->rootPath();
     scan.eumeAllRootFileNodeWithRootArr(std::move(tree), root);
-    const SearchWatch watch([&scan] { scan.stopScan(); }, [&scan] { return progressLine(scan); }, telling);
+    const SearchWatch watch([&scan] { scan.stopScan(); }, [&scan] { return progressLine(scan); },
+                            telling);
     scan.waitForEnd();
     return watch.ending();
 }
@@ -44,10 +46,13 @@ std::vector<OptionSpec> LargeCommand::options() const {
 
 Status LargeCommand::run(const Arguments& arguments) {
     LargeExtent extent;
-    for (const auto& [option, value] : {std::pair{"depth", &extent.depth}, std::pair{"top", &extent.top}}) {
+    for (const auto& [option, value] :
+         {std::pair{"depth", &extent.depth}, std::pair{"top", &extent.top}}) {
         if (!arguments.has(option)) continue;
         const auto number = parseNumber(arguments.text(option));
-        if (!number) return badUsage(fmt::format("--{} takes a number, not \"{}\"", option, arguments.text(option)));
+        if (!number)
+            return badUsage(
+                fmt::format("--{} takes a number, not \"{}\"", option, arguments.text(option)));
         *value = *number;
     }
     if (arguments.text("FOLDER").empty()) return badUsage("the folder's name is empty");
@@ -60,7 +65,8 @@ Status LargeCommand::run(const Arguments& arguments) {
     EumeRoot scan({.files = &m_files, .mainQueue = nullptr, .grown = {}});
     const Ending ending = runScan(scan, tree, tellingFor(arguments));
     const std::vector<Error> skipped = scan.skipped();
-    if (tree->nodeCount() == 0 && !skipped.empty() && skipped.front().path == root) return notScanned(skipped.front());
+    if (tree->nodeCount() == 0 && !skipped.empty() && skipped.front().path == root)
+        return notScanned(skipped.front());
     if (!quiet) complainOfEach(skipped);
 
     Output out(STDOUT_FILENO);

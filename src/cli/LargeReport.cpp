@@ -1,5 +1,5 @@
-// The printed forms of a tree of large files: see LargeReport.h. A list of levels stands in for the call stack, since trees may be
-// deeper than that.
+// The printed forms of a tree of large files: see LargeReport.h. A list of levels stands in for the
+// call stack, since trees may be deeper than that.
 #include "cli/LargeReport.h"
 
 #include <fmt/format.h>
@@ -13,14 +13,17 @@
 namespace orrinvale::cli {
 namespace {
 
-/// Goes through what is to be printed, a folder before its contents. `path` is the path of the entry in hand.
+/// Goes through what is to be printed, a folder before its contents. `path` is the path of the
+/// entry in hand.
 class Rows {
 public:
-    Rows(FileNodeTree& tree, const LargeExtent& extent) : m_extent(extent), m_path(tree.rootPath()) {
+    Rows(FileNodeTree& tree, const LargeExtent& extent)
+        : m_extent(extent), m_path(tree.rootPath()) {
         open(tree.root());
     }
 
-    /// The next entry, or null when the folder that was open last has no more; that folder is closed then.
+    /// The next entry, or null when the folder that was open last has no more; that folder is
+    /// closed then.
     FileNode* next() {
         Level& level = m_levels.back();
         m_path.resize(level.pathLength);
@@ -54,7 +57,8 @@ private:
     };
 
     void open(FileNode& folder) {
-        const std::size_t count = m_extent.depth == 0 ? 0 : std::min<std::uint64_t>(m_extent.top, folder.childCount());
+        const std::size_t count =
+            m_extent.depth == 0 ? 0 : std::min<std::uint64_t>(m_extent.top, folder.childCount());
         m_levels.push_back({folder.biggestChildren(count).first(count), m_path.size()});
     }
 
@@ -65,11 +69,12 @@ private:
 
 }  // namespace
 
-void printJson(Output& out, FileNodeTree& tree, const LargeExtent& extent, const std::vector<Error>& skipped,
-               bool stopped) {
+void printJson(Output& out, FileNodeTree& tree, const LargeExtent& extent,
+               const std::vector<Error>& skipped, bool stopped) {
     std::string text = "{\n  ";
     appendJsonPath(text, tree.rootPath(), "root");
-    text += fmt::format(",\n  \"size\": {},\n  \"stopped\": {},\n  \"skipped\": [", tree.root().size(), stopped);
+    text += fmt::format(",\n  \"size\": {},\n  \"stopped\": {},\n  \"skipped\": [",
+                        tree.root().size(), stopped);
     appendJsonSkipped(text, skipped);
     text += "],\n  \"entries\": [";
     bool isFirst = true;
@@ -108,8 +113,8 @@ void printListing(Output& out, FileNodeTree& tree, const LargeExtent& extent, bo
     const std::string_view strong = colour ? "\x1b[1m" : "";
     const std::string_view plain = colour ? "\x1b[0m" : "";
     const auto line = [&](std::uint64_t bytes, std::size_t depth, const std::string& what) {
-        out.write(fmt::format("{}{:>10}{}  {:{}}{}\n", strong, UtilityFunction::convertVolSpace(bytes), plain, "",
-                              2 * depth, what));
+        out.write(fmt::format("{}{:>10}{}  {:{}}{}\n", strong,
+                              UtilityFunction::convertVolSpace(bytes), plain, "", 2 * depth, what));
     };
     for (Rows rows(tree, extent); !rows.atEnd();) {
         const std::size_t depth = rows.depth();

@@ -17,8 +17,8 @@ struct LargeExtent {
 };
 
 /// Each form orders no more of the tree than it prints.
-void printJson(Output& out, FileNodeTree& tree, const LargeExtent& extent, const std::vector<Error>& skipped,
-               bool stopped);
+void printJson(Output& out, FileNodeTree& tree, const LargeExtent& extent,
+               const std::vector<Error>& skipped, bool stopped);
 void printPaths(Output& out, FileNodeTree& tree, const LargeExtent& extent);
 void printListing(Output& out, FileNodeTree& tree, const LargeExtent& extent, bool colour);
 

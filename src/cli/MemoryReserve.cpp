@@ -1,4 +1,5 @@
-// MemoryReserve: see MemoryReserve.h. The reserve is address space alone; it costs memory only when something else takes its place.
+// MemoryReserve: see MemoryReserve.h. The reserve is address space alone; it costs memory only when
+// something else takes its place.
 #include "cli/MemoryReserve.h"
 
 #include <sys/mman.h>
@@ -47,7 +48,8 @@ void onShortage() {
 }
 
 bool isShortage(const std::system_error& error) {
-    return error.code() == std::errc::resource_unavailable_try_again || error.code() == std::errc::not_enough_memory;
+    return error.code() == std::errc::resource_unavailable_try_again ||
+           error.code() == std::errc::not_enough_memory;
 }
 
 [[noreturn]] void onTerminate() {
@@ -70,7 +72,8 @@ void keepMemoryReserve() {
     s_size = kReserve;
     if (::getrlimit(RLIMIT_AS, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY)
         s_size = std::min<std::size_t>(s_size, limit.rlim_cur / 4);
-    void* const reserve = ::mmap(nullptr, s_size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    void* const reserve =
+        ::mmap(nullptr, s_size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     if (reserve != MAP_FAILED) s_reserve = reserve;
     std::set_new_handler(&onShortage);
     std::set_terminate(&onTerminate);

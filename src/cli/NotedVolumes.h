@@ -11,8 +11,8 @@
 
 namespace orrinvale::cli {
 
-/// Passes every question on. The list of volumes has no place for those that do not answer, but whoever misses a server wants to know
-/// why. The platform outlives the object. One thread.
+/// Passes every question on. The list of volumes has no place for those that do not answer, but
+/// whoever misses a server wants to know why. The platform outlives the object. One thread.
 class NotedVolumes final : public Volumes {
 public:
     explicit NotedVolumes(Volumes& platform) : m_platform(platform) {}
@@ -30,17 +30,20 @@ public:
         if (status != noErr) note(0);
         return status;
     }
-    std::int32_t FSEjectVolumeSync(std::int16_t refNumber, std::uint32_t options, EjectDissent& dissent) override {
+    std::int32_t FSEjectVolumeSync(std::int16_t refNumber, std::uint32_t options,
+                                   EjectDissent& dissent) override {
         return m_platform.FSEjectVolumeSync(refNumber, options, dissent);
     }
-    [[nodiscard]] std::optional<RegistryMatching> IOBSDNameMatching(const char* bsdName) const override {
+    [[nodiscard]] std::optional<RegistryMatching> IOBSDNameMatching(
+        const char* bsdName) const override {
         return m_platform.IOBSDNameMatching(bsdName);
     }
-    [[nodiscard]] RegistryEntryRef IOServiceGetMatchingService(const RegistryMatching& matching) const override {
+    [[nodiscard]] RegistryEntryRef IOServiceGetMatchingService(
+        const RegistryMatching& matching) const override {
         return m_platform.IOServiceGetMatchingService(matching);
     }
-    std::uint32_t IORegistryEntryCreateIterator(const RegistryEntry& entry,
-                                                std::unique_ptr<RegistryIterator>& iterator) const override {
+    std::uint32_t IORegistryEntryCreateIterator(
+        const RegistryEntry& entry, std::unique_ptr<RegistryIterator>& iterator) const override {
         return m_platform.IORegistryEntryCreateIterator(entry, iterator);
     }
 

@@ -28,7 +28,9 @@ bool Output::flush() {
 
 // RFC 3629: no overlong forms, no surrogates, nothing above U+10FFFF.
 std::size_t validSequence(std::string_view bytes) {
-    const auto at = [&](std::size_t i) { return i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0U; };
+    const auto at = [&](std::size_t i) {
+        return i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0U;
+    };
     const auto follows = [&](std::size_t i) { return (at(i) & 0xC0U) == 0x80U; };
     const unsigned first = at(0);
     if (bytes.empty()) return 0;
@@ -83,13 +85,15 @@ void appendJsonText(std::string& out, std::string_view bytes) {
     out += '"';
 }
 
-void appendJsonPath(std::string& out, std::string_view path, std::string_view field, std::string_view hexField) {
+void appendJsonPath(std::string& out, std::string_view path, std::string_view field,
+                    std::string_view hexField) {
     out += '"';
     out += field;
     out += "\": ";
     appendJsonText(out, path);
     for (std::string_view rest = path; !rest.empty();) {
-        const std::size_t length = static_cast<unsigned char>(rest.front()) < 0x80 ? 1 : validSequence(rest);
+        const std::size_t length =
+            static_cast<unsigned char>(rest.front()) < 0x80 ? 1 : validSequence(rest);
         if (length != 0) {
             rest.remove_prefix(length);
             continue;
@@ -120,8 +124,9 @@ struct Range {
     char32_t last;
 };
 
-// Unicode's control characters (C0, DEL, C1), those of the direction of writing (Bidi_Control), and those that are drawn with no width
-// or as a break: soft hyphen, zero width space and joiners, line separators, invisible operators, byte order mark, tags.
+// Unicode's control characters (C0, DEL, C1), those of the direction of writing (Bidi_Control), and
+// those that are drawn with no width or as a break: soft hyphen, zero width space and joiners, line
+// separators, invisible operators, byte order mark, tags.
 constexpr std::array<Range, 15> kEscaped{{{0x00, 0x1F},
                                           {0x7F, 0x9F},
                                           {0xAD, 0xAD},
@@ -143,13 +148,15 @@ char32_t characterOf(std::string_view sequence) {
     const auto lead = static_cast<unsigned char>(sequence.front());
     if (sequence.size() == 1) return lead;
     char32_t character = lead & (0x7FU >> sequence.size());
-    for (const char byte : sequence.substr(1)) character = character << 6U | (static_cast<unsigned char>(byte) & 0x3FU);
+    for (const char byte : sequence.substr(1))
+        character = character << 6U | (static_cast<unsigned char>(byte) & 0x3FU);
     return character;
 }
 
 bool isEscaped(char32_t character) {
-    return std::ranges::any_of(kEscaped,
-                               [=](const Range& range) { return character >= range.first && character <= range.last; });
+    return std::ranges::any_of(kEscaped, [=](const Range& range) {
+        return character >= range.first && character <= range.last;
+    });
 }
 
 }  // namespace
@@ -165,7 +172,8 @@ std::string printable(std::string_view bytes) {
         else if (sequence == "\n") out += "\\n";
         else if (sequence == "\t") out += "\\t";
         else
-            for (const char byte : sequence) out += fmt::format("\\x{:02x}", static_cast<unsigned char>(byte));
+            for (const char byte : sequence)
+                out += fmt::format("\\x{:02x}", static_cast<unsigned char>(byte));
     }
     return out;
 }

@@ -11,7 +11,8 @@
 
 namespace orrinvale::cli {
 
-/// Collects text and writes it to a descriptor in blocks; what is left goes out when the object goes. One thread.
+/// Collects text and writes it to a descriptor in blocks; what is left goes out when the object
+/// goes. One thread.
 class Output final {
 public:
     explicit Output(int descriptor);
@@ -24,7 +25,8 @@ public:
         if (m_buffer.size() >= blockBytes) flush();
     }
 
-    /// False when something could not be written, on a full disk for example. What fails once stays failed.
+    /// False when something could not be written, on a full disk for example. What fails once stays
+    /// failed.
     bool flush();
 
 private:
@@ -38,8 +40,8 @@ private:
 /// A JSON text in quotes. Bytes that are not valid UTF-8 become U+FFFD each.
 void appendJsonText(std::string& out, std::string_view bytes);
 
-/// "path": "..." and, where the bytes are not valid UTF-8, "pathHex" with the exact bytes in hexadecimal. Both fields may have other
-/// names.
+/// "path": "..." and, where the bytes are not valid UTF-8, "pathHex" with the exact bytes in
+/// hexadecimal. Both fields may have other names.
 void appendJsonPath(std::string& out, std::string_view path, std::string_view field = "path",
                     std::string_view hexField = "pathHex");
 
@@ -49,8 +51,9 @@ void appendJsonSkipped(std::string& out, const std::vector<Error>& skipped);
 /// Length of the valid UTF-8 sequence at the start of the bytes; 0 when there is none.
 [[nodiscard]] std::size_t validSequence(std::string_view bytes);
 
-/// The text for a terminal, so that no name can command it or pass for another: byte by byte as \xHH stands what is not UTF-8, what
-/// controls the terminal, what turns the direction of writing, and what has no width; line breaks and tabs as \n and \t.
+/// The text for a terminal, so that no name can command it or pass for another: byte by byte as
+/// \xHH stands what is not UTF-8, what controls the terminal, what turns the direction of writing,
+/// and what has no width; line breaks and tabs as \n and \t.
 [[nodiscard]] std::string printable(std::string_view bytes);
 
 /// True when the descriptor is a terminal, and colours are not refused by NO_COLOR.

@@ -1,4 +1,5 @@
-// SearchWatch: see SearchWatch.h. The signal handler only writes a byte into a pipe; the watching thread does the rest.
+// SearchWatch: see SearchWatch.h. The signal handler only writes a byte into a pipe; the watching
+// thread does the rest.
 #include "cli/SearchWatch.h"
 
 #include <fcntl.h>
@@ -30,7 +31,8 @@ void stopListening() {
     plain.sa_handler = SIG_DFL;
     for (const int number : signals) {
         struct sigaction now {};
-        if (::sigaction(number, nullptr, &now) == 0 && now.sa_handler != SIG_IGN) ::sigaction(number, &plain, nullptr);
+        if (::sigaction(number, nullptr, &now) == 0 && now.sa_handler != SIG_IGN)
+            ::sigaction(number, &plain, nullptr);
     }
 }
 
@@ -54,7 +56,8 @@ void listen() {
     action.sa_flags = SA_RESTART;
     for (const int number : signals) {
         struct sigaction now {};
-        if (::sigaction(number, nullptr, &now) == 0 && now.sa_handler != SIG_IGN) ::sigaction(number, &action, nullptr);
+        if (::sigaction(number, nullptr, &now) == 0 && now.sa_handler != SIG_IGN)
+            ::sigaction(number, &action, nullptr);
     }
 }
 
@@ -80,9 +83,11 @@ Telling tellingFor(const Arguments& arguments) {
     return isTerminal(STDERR_FILENO) ? Telling::Line : Telling::Hangs;
 }
 
-SearchWatch::SearchWatch(std::function<void()> stop, std::function<std::string()> progress, Telling telling)
+SearchWatch::SearchWatch(std::function<void()> stop, std::function<std::string()> progress,
+                         Telling telling)
     : m_stop(std::move(stop)), m_progress(std::move(progress)), m_telling(telling) {
-    if (::pipe2(m_end, O_CLOEXEC | O_NONBLOCK) != 0) return;  // no descriptor left: the command runs unwatched
+    if (::pipe2(m_end, O_CLOEXEC | O_NONBLOCK) != 0)
+        return;  // no descriptor left: the command runs unwatched
     s_pipe = m_end[1];
     try {
         m_thread = std::thread([this] { watch(); });
@@ -142,9 +147,12 @@ void SearchWatch::tell() {
     const auto hang = m_hangs.look(line, HangLook::Clock::now());
     const std::string path = hang ? printable(hang->path) : std::string();
     if (m_telling == Telling::Line) {
-        draw(hang ? fmt::format("no answer for {} s: {}", hang->since.count(), path) : std::move(line));
+        draw(hang ? fmt::format("no answer for {} s: {}", hang->since.count(), path)
+                  : std::move(line));
     } else if (hang && std::exchange(m_told, hang->path) != hang->path) {
-        Output(STDERR_FILENO).write(fmt::format("orrinvale-cli: no answer for {} s: {}\n", hang->since.count(), path));
+        Output(STDERR_FILENO)
+            .write(
+                fmt::format("orrinvale-cli: no answer for {} s: {}\n", hang->since.count(), path));
     }
 }
 
@@ -152,7 +160,8 @@ void SearchWatch::draw(std::string text) {
     const std::size_t width = columns();
     if (text.size() >= width) {
         std::size_t end = width - 1;
-        while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) --end;  // not inside of a character
+        while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U)
+            --end;  // not inside of a character
         text.resize(end);
     }
     m_drawn = true;

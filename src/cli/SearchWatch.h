@@ -1,5 +1,5 @@
-// What happens beside a running command: a progress line on a terminal, a word about a file system that does not answer, and the end
-// on SIGINT and SIGTERM or when memory runs out.
+// What happens beside a running command: a progress line on a terminal, a word about a file system
+// that does not answer, and the end on SIGINT and SIGTERM or when memory runs out.
 #pragma once
 
 #include <atomic>
@@ -27,13 +27,14 @@ enum class Telling : std::uint8_t {
 /// Nothing for --quiet, the line on a terminal, else the hangs.
 [[nodiscard]] Telling tellingFor(const Arguments& arguments);
 
-/// Watches from its construction to its destruction, on a thread of its own. One at a time in a process, since signals belong to
-/// the process. After the first signal the next one ends the process at once.
+/// Watches from its construction to its destruction, on a thread of its own. One at a time in a
+/// process, since signals belong to the process. After the first signal the next one ends the
+/// process at once.
 class SearchWatch final {
 public:
-    /// `stop` is called once, at the first signal or shortage of memory; `progress` gives the text of the progress line, without a
-    /// line break, and another one after each progress. Both are called on the watching thread. `progress` may be empty with
-    /// Telling::Nothing.
+    /// `stop` is called once, at the first signal or shortage of memory; `progress` gives the text
+    /// of the progress line, without a line break, and another one after each progress. Both are
+    /// called on the watching thread. `progress` may be empty with Telling::Nothing.
     SearchWatch(std::function<void()> stop, std::function<std::string()> progress, Telling telling);
     ~SearchWatch();
     SearchWatch(const SearchWatch&) = delete;
@@ -56,8 +57,9 @@ private:
     bool m_ended = false;
     bool m_drawn = false;
     HangLook m_hangs;
-    std::string m_told;       // the path that a line was written for
-    int m_end[2] = {-1, -1};  // pipe: written to at the end, by the signal handler, and when memory runs out
+    std::string m_told;  // the path that a line was written for
+    int m_end[2] = {
+        -1, -1};  // pipe: written to at the end, by the signal handler, and when memory runs out
     std::thread m_thread;
 };
 

@@ -27,7 +27,8 @@ struct Measured {
     Ending ending{};
 };
 
-// A slash at the end asks for what a link leads to; it does so no longer once the path is made absolute.
+// A slash at the end asks for what a link leads to; it does so no longer once the path is made
+// absolute.
 std::string startOf(const std::string& given) {
     std::string path = absolutePath(given);
     if (given.ends_with('/') && !path.ends_with('/')) path += '/';
@@ -44,7 +45,8 @@ Measured measure(const FileSystem& files, const std::vector<std::string>& paths,
     std::atomic<bool> stop{false};
     SizeCounts counts;
     SkipList skipped;
-    const SearchWatch watch([&stop] { stop = true; }, [&counts] { return progressLine(counts); }, telling);
+    const SearchWatch watch([&stop] { stop = true; }, [&counts] { return progressLine(counts); },
+                            telling);
     const TreeSize trees(files, {.stop = &stop, .counts = &counts, .skipped = &skipped});
     for (const std::string& given : paths) {
         if (stop) break;
@@ -69,8 +71,8 @@ void printJson(Output& out, const Measured& measured) {
     for (const MeasuredPath& each : measured.paths) {
         text += between;
         appendJsonPath(text, each.path);
-        text += fmt::format(", \"size\": {}, \"files\": {}, \"folders\": {}}}", each.totals.bytes, each.totals.files,
-                            each.totals.folders);
+        text += fmt::format(", \"size\": {}, \"files\": {}, \"folders\": {}}}", each.totals.bytes,
+                            each.totals.files, each.totals.folders);
         between = ",\n            {";
     }
     text += fmt::format("],\n  \"total\": {},\n  \"skipped\": [", measured.total);
@@ -90,7 +92,8 @@ void printListing(Output& out, const Measured& measured, bool colour) {
     const std::string_view strong = colour ? "\x1b[1m" : "";
     const std::string_view plain = colour ? "\x1b[0m" : "";
     const auto line = [&](std::uint64_t bytes, const std::string& what) {
-        out.write(fmt::format("{}{:>10}{}  {}\n", strong, UtilityFunction::convertVolSpace(bytes), plain, what));
+        out.write(fmt::format("{}{:>10}{}  {}\n", strong, UtilityFunction::convertVolSpace(bytes),
+                              plain, what));
     };
     for (const MeasuredPath& each : measured.paths) line(each.totals.bytes, printable(each.path));
     if (measured.paths.size() > 1) line(measured.total, "total");
@@ -99,12 +102,15 @@ void printListing(Output& out, const Measured& measured, bool colour) {
 }  // namespace
 
 std::vector<OptionSpec> SizeCommand::options() const {
-    return {{"PATH...", "", "The files and folders to measure; with -0 whole bytes and a tab stand before each path"}};
+    return {
+        {"PATH...", "",
+         "The files and folders to measure; with -0 whole bytes and a tab stand before each path"}};
 }
 
 Status SizeCommand::run(const Arguments& arguments) {
     const std::vector<std::string> paths = arguments.texts("PATH");
-    if (std::any_of(paths.begin(), paths.end(), [](const std::string& path) { return path.empty(); }))
+    if (std::any_of(paths.begin(), paths.end(),
+                    [](const std::string& path) { return path.empty(); }))
         return badUsage("a path is empty");
     const bool quiet = arguments.has("quiet");
     const Measured measured = measure(m_files, paths, tellingFor(arguments));

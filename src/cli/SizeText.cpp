@@ -15,8 +15,9 @@ constexpr std::string_view digits = "0123456789";
 // KB to PB and KiB to PiB by their first letter.
 std::optional<std::uint64_t> factorOf(std::string_view unit) {
     std::string letters(unit);
-    std::ranges::transform(letters, letters.begin(),
-                           [](char c) { return static_cast<char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c); });
+    std::ranges::transform(letters, letters.begin(), [](char c) {
+        return static_cast<char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
+    });
     if (letters.empty() || letters == "B") return 1;
     const bool isBinary = letters.size() == 3 && letters.ends_with("IB");
     if (!isBinary && !(letters.size() == 2 && letters.ends_with('B'))) return std::nullopt;
@@ -52,7 +53,8 @@ std::uint64_t shareOf(std::uint64_t factor, std::string_view fraction) {
 std::optional<std::uint64_t> parseNumber(std::string_view text) {
     std::uint64_t value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc{} || end != text.data() + text.size() || text.empty()) return std::nullopt;
+    if (error != std::errc{} || end != text.data() + text.size() || text.empty())
+        return std::nullopt;
     return value;
 }
 

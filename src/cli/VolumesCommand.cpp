@@ -31,13 +31,15 @@ std::string_view typeName(std::int32_t type) {
 }
 
 void appendVolume(std::string& out, const ZvVolumeInfo& volume) {
-    out += fmt::format("{{\"refNumber\": {}, \"type\": {}, \"typeName\": \"{}\", \"boot\": {}, ", volume.volRefNumber,
-                       volume.volType, typeName(volume.volType), volume.bIsDefaultVol);
+    out += fmt::format("{{\"refNumber\": {}, \"type\": {}, \"typeName\": \"{}\", \"boot\": {}, ",
+                       volume.volRefNumber, volume.volType, typeName(volume.volType),
+                       volume.bIsDefaultVol);
     appendJsonPath(out, volume.volumeName, "name", "nameHex");
     out += ", ";
     appendJsonPath(out, volume.volRootDir);
     out += fmt::format(
-        ",\n     \"freeSpace\": \"{}\", \"totalSpace\": \"{}\", \"free\": {}, \"total\": {}, \"canEject\": {}",
+        ",\n     \"freeSpace\": \"{}\", \"totalSpace\": \"{}\", \"free\": {}, \"total\": {}, "
+        "\"canEject\": {}",
         volume.freeSpace, volume.totalSpace, volume.nFreeSize, volume.nTotalSize, volume.bCanEject);
     if (volume.volIcon) {
         out += ", \"icon\": {";
@@ -47,7 +49,8 @@ void appendVolume(std::string& out, const ZvVolumeInfo& volume) {
     out += '}';
 }
 
-void printJson(Output& out, const Records& volumes, const std::vector<Error>& skipped, bool stopped) {
+void printJson(Output& out, const Records& volumes, const std::vector<Error>& skipped,
+               bool stopped) {
     std::string text = "{\n  \"volumes\": [";
     const char* between = "\n    ";
     for (const auto& volume : volumes) {
@@ -71,14 +74,15 @@ using Cells = std::array<std::string, 5>;
 
 Cells cellsOf(const ZvVolumeInfo& volume) {
     return {printable(volume.volumeName), std::string(typeName(volume.volType)),
-            fmt::format("{} of {}", volume.freeSpace, volume.totalSpace), volume.bCanEject ? "yes" : "no",
-            printable(volume.volRootDir)};
+            fmt::format("{} of {}", volume.freeSpace, volume.totalSpace),
+            volume.bCanEject ? "yes" : "no", printable(volume.volRootDir)};
 }
 
 // Characters, not bytes; wide ones count as one.
 std::size_t widthOf(std::string_view text) {
-    return static_cast<std::size_t>(std::count_if(
-        text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
+    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) {
+        return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U;
+    }));
 }
 
 void printListing(Output& out, const Records& volumes, bool colour) {
@@ -90,7 +94,8 @@ void printListing(Output& out, const Records& volumes, bool colour) {
     for (const auto& volume : volumes) rows.push_back(cellsOf(*volume));
     std::array<std::size_t, 5> widths{};
     for (const Cells& row : rows)
-        for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], widthOf(row[i]));
+        for (std::size_t i = 0; i < row.size(); ++i)
+            widths[i] = std::max(widths[i], widthOf(row[i]));
     for (const Cells& row : rows) {
         std::string line;
         for (std::size_t i = 0; i + 1 < row.size(); ++i)

@@ -1,4 +1,5 @@
-// orrinvale-cli: reads the command line and hands over to a command. CommandSet lists them; each is a class of its own.
+// orrinvale-cli: reads the command line and hands over to a command. CommandSet lists them; each is
+// a class of its own.
 #include <fmt/format.h>
 #include <unistd.h>
 
@@ -25,7 +26,8 @@ namespace {
 constexpr std::string_view repeated = "...";
 
 std::string keyOf(std::string_view names) {
-    std::string_view last = names.substr(names.rfind(',') == std::string_view::npos ? 0 : names.rfind(',') + 1);
+    std::string_view last =
+        names.substr(names.rfind(',') == std::string_view::npos ? 0 : names.rfind(',') + 1);
     while (last.starts_with('-')) last.remove_prefix(1);
     if (last.ends_with(repeated)) last.remove_suffix(repeated.size());
     return std::string(last);
@@ -44,8 +46,9 @@ CLI::Option* declare(CLI::App& app, const OptionSpec& spec) {
     return app.add_option(names, help)->type_name(std::string(spec.argument));
 }
 
-// The arguments as the parser takes them, last one first. Paths that it would misread are put otherwise: they are relative, and lead
-// to the same place with "./" before them. One written "[a,b]" would be taken for a list; one that begins with a dash behind
+// The arguments as the parser takes them, last one first. Paths that it would misread are put
+// otherwise: they are relative, and lead to the same place with "./" before them. One written
+// "[a,b]" would be taken for a list; one that begins with a dash behind
 // "--" is refused as soon as another path stands before the "--".
 std::vector<std::string> parserArguments(int argc, char** argv) {
     std::vector<std::string> out;
@@ -66,14 +69,17 @@ std::vector<std::string> parserArguments(int argc, char** argv) {
 
 // The parser, made from the tables of the commands.
 struct Parser {
-    explicit Parser(const Commands& commands) : app("Disk maintenance in the terminal.", "orrinvale-cli") {
+    explicit Parser(const Commands& commands)
+        : app("Disk maintenance in the terminal.", "orrinvale-cli") {
         app.require_subcommand(0, 1);  // none is told below, an unknown one by its name
         app.set_version_flag("--version", ORRINVALE_VERSION);
         for (const auto& command : commands) {
-            CLI::App* const sub = app.add_subcommand(std::string(command->name()), std::string(command->summary()));
+            CLI::App* const sub =
+                app.add_subcommand(std::string(command->name()), std::string(command->summary()));
             auto& known = options[command.get()];
             for (const auto& list : {command->options(), commonOptions()})
-                for (const OptionSpec& spec : list) known.emplace_back(keyOf(spec.names), declare(*sub, spec));
+                for (const OptionSpec& spec : list)
+                    known.emplace_back(keyOf(spec.names), declare(*sub, spec));
         }
     }
 
@@ -92,15 +98,18 @@ struct Parser {
 void tellOfRecovery(const AsideRecovery& recovery) {
     Output errors(STDERR_FILENO);
     for (const std::string& path : recovery.broughtBack)
-        errors.write(fmt::format("brought back what a removal that was ended had set aside: {}\n", printable(path)));
+        errors.write(fmt::format("brought back what a removal that was ended had set aside: {}\n",
+                                 printable(path)));
     for (const StayedEntry& each : recovery.stayed)
         errors.write(fmt::format("still set aside, {}: {}\n", each.reason, printable(each.path)));
 }
 
-// The log keeps names on one line; beyond that, what a terminal would obey is shown as it is everywhere here.
+// The log keeps names on one line; beyond that, what a terminal would obey is shown as it is
+// everywhere here.
 void logToStandardError(bool isWanted) {
     Log::setEnabled(isWanted);
-    Log::setSink([](std::string_view line) { Output(STDERR_FILENO).write(printable(line) + '\n'); });
+    Log::setSink(
+        [](std::string_view line) { Output(STDERR_FILENO).write(printable(line) + '\n'); });
 }
 
 int run(int argc, char** argv) {
@@ -121,7 +130,8 @@ int run(int argc, char** argv) {
         if (!parser.app.got_subcommand(std::string(command->name()))) continue;
         const Arguments arguments = parser.argumentsOf(*command);
         if (arguments.has("json") && arguments.has("print0"))
-            return static_cast<int>(badUsage("--json and -0 are two forms of one result, take one of them"));
+            return static_cast<int>(
+                badUsage("--json and -0 are two forms of one result, take one of them"));
         logToStandardError(arguments.has("log"));
         tellOfRecovery(bringBackAside(LinuxFileSystem(), asideJournalFolder(userStateFolder())));
         return static_cast<int>(command->run(arguments));

@@ -57,7 +57,8 @@ public:
         m_grid->setHorizontalSpacing(Theme::gap);
         m_grid->setVerticalSpacing(Theme::gap);
         for (std::size_t i = 0; i < m_columns; ++i)
-            m_grid->addWidget(caption(QLatin1String(states.at(i).name)), 0, static_cast<int>(i) + 1);
+            m_grid->addWidget(caption(QLatin1String(states.at(i).name)), 0,
+                              static_cast<int>(i) + 1);
         m_grid->setColumnStretch(static_cast<int>(m_columns) + 1, 1);
     }
 
@@ -67,7 +68,8 @@ public:
             if (states.at(i).state == ControlState::Checked && !isCheckable) continue;
             QWidget* const shown = i == 0 ? make() : new Portrait(make, states.at(i).state);
             shown->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-            m_grid->addWidget(shown, m_row, static_cast<int>(i) + 1, Qt::AlignLeft | Qt::AlignVCenter);
+            m_grid->addWidget(shown, m_row, static_cast<int>(i) + 1,
+                              Qt::AlignLeft | Qt::AlignVCenter);
         }
         ++m_row;
     }
@@ -121,7 +123,8 @@ QWidget* hoverButton() {
     return button;
 }
 
-Alert sampleAlert(Alert::Severity severity, const QString& title, const QString& text, bool isQuestion) {
+Alert sampleAlert(Alert::Severity severity, const QString& title, const QString& text,
+                  bool isQuestion) {
     Alert alert;
     alert.severity = severity;
     alert.title = title;
@@ -135,11 +138,13 @@ Alert sampleAlert(Alert::Severity severity, const QString& title, const QString&
 
 ControlSheet::ControlSheet(NotificationCenter& notifications, QWidget* parent)
     : QWidget(parent), m_notifications(notifications), m_column(new QVBoxLayout(this)) {
-    m_column->setContentsMargins(Theme::gapSection, Theme::gapSection, Theme::gapSection, Theme::gapSection);
+    m_column->setContentsMargins(Theme::gapSection, Theme::gapSection, Theme::gapSection,
+                                 Theme::gapSection);
     m_column->setSpacing(Theme::gap);
     setFixedWidth(sheetWidth);
     addSection(QStringLiteral("Buttons"), buttons());
-    addSection(QStringLiteral("Tick boxes"), sideBySide({tickBoxes(), tickRows()}, Theme::gapSection));
+    addSection(QStringLiteral("Tick boxes"),
+               sideBySide({tickBoxes(), tickRows()}, Theme::gapSection));
     addSection(QStringLiteral("Rows of the list of types"), leftRows());
     addSection(QStringLiteral("Progress"), strips());
     addSection(QStringLiteral("Where a folder is dropped"), dropAreas());
@@ -165,8 +170,10 @@ void ControlSheet::addSection(const QString& title, QWidget* content) {
 QWidget* ControlSheet::buttons() const {
     using Role = TextImageButton::Role;
     StateTable table(states.size());
-    table.add(QStringLiteral("TextImageButton"), textButton(QStringLiteral("Stop"), Role::Plain), true);
-    table.add(QStringLiteral("... primary"), textButton(QStringLiteral("Choose a Folder"), Role::Primary));
+    table.add(QStringLiteral("TextImageButton"), textButton(QStringLiteral("Stop"), Role::Plain),
+              true);
+    table.add(QStringLiteral("... primary"),
+              textButton(QStringLiteral("Choose a Folder"), Role::Primary));
     table.add(QStringLiteral("... danger"), textButton(QStringLiteral("Remove"), Role::Danger));
     table.add(QStringLiteral("... link"), textButton(QStringLiteral("Learn More"), Role::Link));
     table.add(QStringLiteral("TCImageButton"), imageButton, true);
@@ -206,7 +213,8 @@ QWidget* ControlSheet::tickRows() const {
     const std::array texts{"User Caches", "User Logs", "Downloads", "Trash"};
     int number = 0;
     for (const char* const text : texts) {
-        auto* const item = new QStandardItem(picture(QStringLiteral("folder")), QLatin1String(text));
+        auto* const item =
+            new QStandardItem(picture(QStringLiteral("folder")), QLatin1String(text));
         item->setData(number % 3, Qt::UserRole);
         item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
         if (++number == static_cast<int>(texts.size())) item->setEnabled(false);
@@ -217,25 +225,28 @@ QWidget* ControlSheet::tickRows() const {
     list->setHeaderHidden(true);
     list->setRootIsDecorated(false);
     list->setCurrentIndex(model->index(1, 0));
-    list->setFixedSize(240, static_cast<int>(texts.size()) * Theme::rowHeight + 2 * list->frameWidth());
+    list->setFixedSize(240,
+                       static_cast<int>(texts.size()) * Theme::rowHeight + 2 * list->frameWidth());
     return list;
 }
 
 QWidget* ControlSheet::leftRows() const {
     const auto row = [this](std::int32_t number, bool isSelected) {
         return [=, this] {
-            auto* const cell =
-                new DuplicationLeftCell(number, QStringLiteral("Documents"), QStringLiteral("ic_doc"), m_notifications);
+            auto* const cell = new DuplicationLeftCell(number, QStringLiteral("Documents"),
+                                                       QStringLiteral("ic_doc"), m_notifications);
             cell->setSizeTextFieldString(QStringLiteral("812.20 MB"));
             cell->setHiglightImage(isSelected);
             cell->resize(cell->sizeHint().width(), DuplicationLeftCell::cellHeight);
             return cell;
         };
     };
-    return sideBySide({withCaption(QStringLiteral("normal"), new Portrait(row(1, false), ControlState::Normal)),
-                       withCaption(QStringLiteral("hover"), new Portrait(row(1, false), ControlState::Hover)),
-                       withCaption(QStringLiteral("selected"), new Portrait(row(1, true), ControlState::Normal)),
-                       withCaption(QStringLiteral("focused"), new Portrait(row(1, true), ControlState::Focused))});
+    return sideBySide(
+        {withCaption(QStringLiteral("normal"), new Portrait(row(1, false), ControlState::Normal)),
+         withCaption(QStringLiteral("hover"), new Portrait(row(1, false), ControlState::Hover)),
+         withCaption(QStringLiteral("selected"), new Portrait(row(1, true), ControlState::Normal)),
+         withCaption(QStringLiteral("focused"),
+                     new Portrait(row(1, true), ControlState::Focused))});
 }
 
 QWidget* ControlSheet::strips() const {
@@ -255,13 +266,15 @@ QWidget* ControlSheet::dropAreas() const {
         auto* const area = new DragView;
         area->setFixedSize(areaSize);
         if (isOver) hoverWithFolder(*area, true);
-        areas.append(
-            withCaption(isOver ? QStringLiteral("DragView, a folder over it") : QStringLiteral("DragView"), area));
+        areas.append(withCaption(
+            isOver ? QStringLiteral("DragView, a folder over it") : QStringLiteral("DragView"),
+            area));
     }
     const auto target = [](bool isDropTarget) {
         return [=] {
             auto* const view = new AnimationHoverImageView;
-            view->setImages(QStringLiteral("addbg"), QStringLiteral("addbg_hover"), QStringLiteral("addbg_press"));
+            view->setImages(QStringLiteral("addbg"), QStringLiteral("addbg_hover"),
+                            QStringLiteral("addbg_press"));
             view->setDropTarget(isDropTarget);
             return view;
         };
@@ -293,12 +306,13 @@ QWidget* ControlSheet::alerts() const {
     information.linkAction = [] {};
     const std::array alerts{
         information,
-        sampleAlert(Severity::Warning, QStringLiteral("Are you sure you want to delete all your selected files?"), {},
+        sampleAlert(Severity::Warning,
+                    QStringLiteral("Are you sure you want to delete all your selected files?"), {},
                     true),
-        sampleAlert(
-            Severity::Critical, QStringLiteral("The disk is full"),
-            QStringLiteral("The list of what was removed could not be written to /home/anna/.local/share/orrinvale."),
-            false)};
+        sampleAlert(Severity::Critical, QStringLiteral("The disk is full"),
+                    QStringLiteral("The list of what was removed could not be written to "
+                                   "/home/anna/.local/share/orrinvale."),
+                    false)};
     auto* const holder = new QWidget;
     auto* const grid = new QGridLayout(holder);
     grid->setContentsMargins({});

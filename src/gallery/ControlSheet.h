@@ -1,4 +1,5 @@
-// ControlSheet: every control of the kit in every state, on one sheet. Portrait.h holds states that need a pointer or a keyboard.
+// ControlSheet: every control of the kit in every state, on one sheet. Portrait.h holds states that
+// need a pointer or a keyboard.
 #pragma once
 
 #include <QWidget>

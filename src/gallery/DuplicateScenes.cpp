@@ -1,5 +1,5 @@
-// DuplicateScenes: see DuplicateScenes.h. The order matters: the percent shown by the page only climbs while the program runs, so
-// the search is drawn first.
+// DuplicateScenes: see DuplicateScenes.h. The order matters: the percent shown by the page only
+// climbs while the program runs, so the search is drawn first.
 #include "gallery/DuplicateScenes.h"
 
 #include <QAbstractButton>
@@ -37,8 +37,8 @@ constexpr int cancel = 1;
 
 }  // namespace
 
-DuplicateScenes::DuplicateScenes(const SampleFolder& sample, UserDefaults& defaults, const PictureFolder& pictures,
-                                 QSet<QString> wanted)
+DuplicateScenes::DuplicateScenes(const SampleFolder& sample, UserDefaults& defaults,
+                                 const PictureFolder& pictures, QSet<QString> wanted)
     : PageScenes(sample, defaults, pictures, std::move(wanted), QStringLiteral("duplicates-")) {
     QnAuthorization::shareQnAuthorization().setParts(
         {.authorization = nullptr, .files = &m_files, .permissions = nullptr, .ownFiles = {}});
@@ -46,16 +46,19 @@ DuplicateScenes::DuplicateScenes(const SampleFolder& sample, UserDefaults& defau
 }
 
 bool DuplicateScenes::draw() {
-    return drawFirstView() && drawSearch() && drawResult() && drawKeyboard() && drawQuestion() && drawLargeWindow() &&
-           drawPreview() && drawRemoval() && drawFailures() && drawEmptyResult();
+    return drawFirstView() && drawSearch() && drawResult() && drawKeyboard() && drawQuestion() &&
+           drawLargeWindow() && drawPreview() && drawRemoval() && drawFailures() &&
+           drawEmptyResult();
 }
 
-QTreeView* DuplicateScenes::outline() const { return m_window->findChild<QTreeView*>(QStringLiteral("outline")); }
+QTreeView* DuplicateScenes::outline() const {
+    return m_window->findChild<QTreeView*>(QStringLiteral("outline"));
+}
 
 QModelIndex DuplicateScenes::groupNamed(const char* name) const {
     const auto* const model = outline()->model();
-    const auto found = model->match(model->index(0, DuplicateResultModel::NameColumn), Qt::DisplayRole,
-                                    QLatin1String(name), 1, Qt::MatchStartsWith);
+    const auto found = model->match(model->index(0, DuplicateResultModel::NameColumn),
+                                    Qt::DisplayRole, QLatin1String(name), 1, Qt::MatchStartsWith);
     return found.isEmpty() ? QModelIndex() : found.first();
 }
 
@@ -85,7 +88,8 @@ bool DuplicateScenes::drawFirstView() {
     hoverWithFolder(*area, true);
     const auto* const target = m_window->findChild<AnimationHoverImageView*>();
     const bool isSaved =
-        waitFor("the fading to end", [target] { return target->fadeProgress() >= 1.0; }) && save("first-drop");
+        waitFor("the fading to end", [target] { return target->fadeProgress() >= 1.0; }) &&
+        save("first-drop");
     hoverWithFolder(*area, false);
     return isSaved;
 }
@@ -97,13 +101,15 @@ bool DuplicateScenes::startSearch(const std::string& folder) {
 
 bool DuplicateScenes::waitForResult() {
     const auto* const page = m_controller->sameFileDeleteVC();
-    return waitFor("the result", [page] { return page->bSearchFinished() && page->detailView()->isVisible(); });
+    return waitFor("the result",
+                   [page] { return page->bSearchFinished() && page->detailView()->isVisible(); });
 }
 
 bool DuplicateScenes::drawSearch() {
     m_files.hold(SampleFolder::largeVideo);
     startSearch(m_sample.family());
-    if (!waitFor("the search to reach the video", [this] { return m_files.isHolding(); })) return false;
+    if (!waitFor("the search to reach the video", [this] { return m_files.isHolding(); }))
+        return false;
     // Everything but the video has been compared once the counts rest.
     const auto* const counts = m_window->findChild<QLabel*>(QStringLiteral("countsLabel"));
     QString before;
@@ -125,11 +131,13 @@ bool DuplicateScenes::drawResult() {
     outline()->collapseAll();
     const QModelIndex open = groupNamed("Tax return");
     outline()->expand(open.siblingAtColumn(0));
-    outline()->setCurrentIndex(outline()->model()->index(0, DuplicateResultModel::NameColumn, open.siblingAtColumn(0)));
+    outline()->setCurrentIndex(
+        outline()->model()->index(0, DuplicateResultModel::NameColumn, open.siblingAtColumn(0)));
     outline()->scrollToTop();
     // The picture that flies to the bin takes a second.
-    if (!waitFor("the button that removes",
-                 [this] { return m_window->findChild<QAbstractButton*>(QStringLiteral("stopBtn"))->isEnabled(); }))
+    if (!waitFor("the button that removes", [this] {
+            return m_window->findChild<QAbstractButton*>(QStringLiteral("stopBtn"))->isEnabled();
+        }))
         return false;
     if (!save("detail")) return false;
     m_workings.notifications.post("refViewBgColor", UserInfo{{"rowNum", std::int32_t{5}}});
@@ -142,7 +150,8 @@ bool DuplicateScenes::drawResult() {
 bool DuplicateScenes::saveLines(const char* scene, const char* lineButton) {
     if (!click(lineButton)) return false;
     const auto find = [this] { return m_window->findChild<QWidget*>(QStringLiteral("lineList")); };
-    if (!waitFor("the list of lines", [&] { return find() != nullptr && find()->isVisible(); })) return false;
+    if (!waitFor("the list of lines", [&] { return find() != nullptr && find()->isVisible(); }))
+        return false;
     const bool isSaved = save(scene, find());
     find()->close();
     return isSaved && waitFor("the list of lines to go", [&] { return find() == nullptr; });
@@ -157,7 +166,8 @@ bool DuplicateScenes::waitForSheet(bool isThere) {
 
 bool DuplicateScenes::pressInSheet(int number) {
     const auto* const sheet = m_window->findChild<Sheet*>();
-    const auto buttons = sheet != nullptr ? sheet->findChildren<QAbstractButton*>() : QList<QAbstractButton*>();
+    const auto buttons =
+        sheet != nullptr ? sheet->findChildren<QAbstractButton*>() : QList<QAbstractButton*>();
     if (number >= buttons.size()) {
         std::fprintf(stderr, "orrinvale-gallery: the sheet has no button %d\n", number);
         return false;
@@ -176,7 +186,8 @@ bool DuplicateScenes::drawKeyboard() {
     QWidget* const before = m_window->focusWidget();
     const QModelIndex open = groupNamed("Lake at sunrise");
     outline()->expand(open.siblingAtColumn(0));
-    outline()->setCurrentIndex(outline()->model()->index(1, DuplicateResultModel::NameColumn, open.siblingAtColumn(0)));
+    outline()->setCurrentIndex(
+        outline()->model()->index(1, DuplicateResultModel::NameColumn, open.siblingAtColumn(0)));
     outline()->clearFocus();  // a focus that is there already would keep its reason
     outline()->setFocus(Qt::TabFocusReason);
     const bool isSaved = save("keyboard");
@@ -208,18 +219,22 @@ bool DuplicateScenes::drawPreview() {
 }
 
 bool DuplicateScenes::drawRemoval() {
-    for (const char* const name : {"holiday-photos", "Aria", "Graduation", "Letter"}) tickGroup(name);
+    for (const char* const name : {"holiday-photos", "Aria", "Graduation", "Letter"})
+        tickGroup(name);
     m_files.refuse(lockedCopy, EACCES);
     m_files.hold(heldCopy);
     if (!click("stopBtn") || !waitForSheet(true) || !pressInSheet(agree)) return false;
-    if (!waitFor("the removal to reach the song", [this] { return m_files.isHolding(); })) return false;
+    if (!waitFor("the removal to reach the song", [this] { return m_files.isHolding(); }))
+        return false;
     // The spinner has gone round to its third picture, with the path in hand beside it.
     const auto* const spinner = m_window->findChild<QLabel*>(QStringLiteral("imageView"));
     const auto* const path = m_window->findChild<ElidedLabel*>(QStringLiteral("nameTextStr"));
     const QImage third =
-        picturePixmap(QStringLiteral("loading_3"), QSize(64, 64), spinner->devicePixelRatioF()).toImage();
+        picturePixmap(QStringLiteral("loading_3"), QSize(64, 64), spinner->devicePixelRatioF())
+            .toImage();
     const bool isShown = waitFor("the spinner", [&] {
-        return path->text().endsWith(QLatin1String(heldCopy)) && spinner->pixmap().toImage() == third;
+        return path->text().endsWith(QLatin1String(heldCopy)) &&
+               spinner->pixmap().toImage() == third;
     });
     const bool isSaved = isShown && save("removal");
     m_files.release();

@@ -1,4 +1,5 @@
-// DuplicateScenes: the duplicate page led through its states on a folder of real files, with a picture of each.
+// DuplicateScenes: the duplicate page led through its states on a folder of real files, with a
+// picture of each.
 #pragma once
 
 #include "gallery/PageScenes.h"
@@ -11,11 +12,13 @@ namespace orrinvale {
 /// The page is driven as a person does it: through its controls. Main thread only.
 class DuplicateScenes final : private PageScenes {
 public:
-    /// All outlive the object. Of the scenes only those that are `wanted` become pictures; an empty set means all.
-    DuplicateScenes(const SampleFolder& sample, UserDefaults& defaults, const PictureFolder& pictures,
-                    QSet<QString> wanted);
+    /// All outlive the object. Of the scenes only those that are `wanted` become pictures; an empty
+    /// set means all.
+    DuplicateScenes(const SampleFolder& sample, UserDefaults& defaults,
+                    const PictureFolder& pictures, QSet<QString> wanted);
 
-    /// False when a state did not come about or a picture could not be written; standard error says which.
+    /// False when a state did not come about or a picture could not be written; standard error says
+    /// which.
     bool draw();
 
 private:

@@ -42,7 +42,8 @@ constexpr std::array colors{
     NamedColor{Color::Warning, "Warning"},
     NamedColor{Color::Shadow, "Shadow"},
 };
-static_assert(colors.size() == static_cast<std::size_t>(Color::Count), "a colour is missing in the sheet");
+static_assert(colors.size() == static_cast<std::size_t>(Color::Count),
+              "a colour is missing in the sheet");
 
 struct NamedText {
     Theme::Text text;
@@ -50,9 +51,12 @@ struct NamedText {
 };
 
 constexpr std::array texts{
-    NamedText{Theme::Text::Display, "Display 28"}, NamedText{Theme::Text::Title, "Title 20"},
-    NamedText{Theme::Text::Heading, "Heading 15"}, NamedText{Theme::Text::BodyStrong, "BodyStrong 13"},
-    NamedText{Theme::Text::Body, "Body 13"},       NamedText{Theme::Text::Caption, "Caption 11"},
+    NamedText{Theme::Text::Display, "Display 28"},
+    NamedText{Theme::Text::Title, "Title 20"},
+    NamedText{Theme::Text::Heading, "Heading 15"},
+    NamedText{Theme::Text::BodyStrong, "BodyStrong 13"},
+    NamedText{Theme::Text::Body, "Body 13"},
+    NamedText{Theme::Text::Caption, "Caption 11"},
 };
 
 constexpr QSize swatchSize{124, 56};
@@ -71,13 +75,15 @@ QGridLayout* gridOf(QWidget& holder) {
 void writeName(QPainter& painter, const QRect& place, const QString& name) {
     painter.setFont(Theme::shared().font(Theme::Text::Caption));
     painter.setPen(Theme::shared().color(Color::TextSecondary));
-    painter.drawText(place, Qt::AlignCenter,
-                     painter.fontMetrics().elidedText(name, Qt::ElideMiddle, place.width() - Theme::gapTiny));
+    painter.drawText(
+        place, Qt::AlignCenter,
+        painter.fontMetrics().elidedText(name, Qt::ElideMiddle, place.width() - Theme::gapTiny));
 }
 
 }  // namespace
 
-Swatch::Swatch(Color color, QString name, QWidget* parent) : QWidget(parent), m_color(color), m_name(std::move(name)) {
+Swatch::Swatch(Color color, QString name, QWidget* parent)
+    : QWidget(parent), m_color(color), m_name(std::move(name)) {
     setFixedSize(swatchSize);
 }
 
@@ -86,7 +92,8 @@ void Swatch::paintEvent(QPaintEvent* /*event*/) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Theme::shared().color(Color::Line));
     painter.setBrush(Theme::shared().color(m_color));
-    painter.drawRoundedRect(QRectF(0.5, 0.5, width() - 1, swatchHeight), Theme::radiusSmall, Theme::radiusSmall);
+    painter.drawRoundedRect(QRectF(0.5, 0.5, width() - 1, swatchHeight), Theme::radiusSmall,
+                            Theme::radiusSmall);
     writeName(painter, rect().adjusted(0, swatchHeight, 0, 0), m_name);
 }
 
@@ -98,7 +105,8 @@ void PictureCell::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     QSize size = pictureSize(m_name);
     const QSize room(width(), pictureSide);
-    if (size.width() > room.width() || size.height() > room.height()) size.scale(room, Qt::KeepAspectRatio);
+    if (size.width() > room.width() || size.height() > room.height())
+        size.scale(room, Qt::KeepAspectRatio);
     QRect place(QPoint(), size.expandedTo({1, 1}));
     place.moveCenter(QPoint(width() / 2, pictureSide / 2));
     picture(m_name).paint(&painter, place);
@@ -109,8 +117,8 @@ QWidget* allColors() {
     auto* const holder = new QWidget;
     QGridLayout* const grid = gridOf(*holder);
     for (std::size_t i = 0; i < colors.size(); ++i)
-        grid->addWidget(new Swatch(colors.at(i).color, QLatin1String(colors.at(i).name)), static_cast<int>(i) / columns,
-                        static_cast<int>(i) % columns);
+        grid->addWidget(new Swatch(colors.at(i).color, QLatin1String(colors.at(i).name)),
+                        static_cast<int>(i) / columns, static_cast<int>(i) % columns);
     return holder;
 }
 

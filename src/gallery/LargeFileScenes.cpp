@@ -29,11 +29,14 @@ constexpr const char* lockedFile = "holiday-photos.zip";
 
 }  // namespace
 
-LargeFileScenes::LargeFileScenes(const SampleFolder& sample, UserDefaults& defaults, const PictureFolder& pictures,
-                                 QSet<QString> wanted)
+LargeFileScenes::LargeFileScenes(const SampleFolder& sample, UserDefaults& defaults,
+                                 const PictureFolder& pictures, QSet<QString> wanted)
     : PageScenes(sample, defaults, pictures, std::move(wanted), QStringLiteral("large-files-")) {
-    Controller::getController().setParts(
-        {.files = &m_files, .mainQueue = &m_workings.mainQueue, .ownFiles = {}, .reveal = {}, .openFolder = {}});
+    Controller::getController().setParts({.files = &m_files,
+                                          .mainQueue = &m_workings.mainQueue,
+                                          .ownFiles = {},
+                                          .reveal = {},
+                                          .openFolder = {}});
     m_controller->selectFileListButtonAction();
 }
 
@@ -42,20 +45,26 @@ LargeFileScenes::~LargeFileScenes() {
     Controller::getController().setParts({});
 }
 
-bool LargeFileScenes::draw() { return save("first") && drawScan() && drawResult() && drawRemoval(); }
+bool LargeFileScenes::draw() {
+    return save("first") && drawScan() && drawResult() && drawRemoval();
+}
 
-QTreeView& LargeFileScenes::outline() const { return *m_window->findChild<QTreeView*>(QStringLiteral("outlineView")); }
+QTreeView& LargeFileScenes::outline() const {
+    return *m_window->findChild<QTreeView*>(QStringLiteral("outlineView"));
+}
 
 QModelIndex LargeFileScenes::rowNamed(const char* name) const {
     QModelIndex row = outline().model()->index(0, 0);
-    while (row.isValid() && row.siblingAtColumn(FileNodeModel::Name).data().toString() != QLatin1String(name))
+    while (row.isValid() &&
+           row.siblingAtColumn(FileNodeModel::Name).data().toString() != QLatin1String(name))
         row = outline().indexBelow(row);
     if (!row.isValid()) std::fprintf(stderr, "orrinvale-gallery: no row %s\n", name);
     return row;
 }
 
 void LargeFileScenes::tick(const char* name) const {
-    outline().model()->setData(rowNamed(name).siblingAtColumn(FileNodeModel::CheckBox), {}, FileNodeModel::StateRole);
+    outline().model()->setData(rowNamed(name).siblingAtColumn(FileNodeModel::CheckBox), {},
+                               FileNodeModel::StateRole);
 }
 
 bool LargeFileScenes::waitForEnd() const {
@@ -69,7 +78,8 @@ bool LargeFileScenes::drawScan() {
     // All but one of the nine folders are through.
     const auto* const percent = m_window->findChild<QLabel*>(QStringLiteral("progressLabel"));
     const bool isSaved =
-        waitFor("the scan to rest", [&] { return percent->text() == shownPercent(QStringLiteral("88.9")); }) &&
+        waitFor("the scan to rest",
+                [&] { return percent->text() == shownPercent(QStringLiteral("88.9")); }) &&
         save("scan");
     m_files.release();
     return isSaved && waitForEnd();
@@ -90,14 +100,20 @@ bool LargeFileScenes::drawRemoval() {
     m_files.hold(heldVideo);
     m_window->findChild<QAbstractButton*>(QStringLiteral("deleteButton"))->click();
     const auto sheet = [this] { return m_window->findChild<Sheet*>(); };
-    if (!waitFor("the question", [&] { return sheet() != nullptr && sheet()->content()->y() == 0; })) return false;
+    if (!waitFor("the question",
+                 [&] { return sheet() != nullptr && sheet()->content()->y() == 0; }))
+        return false;
     sheet()->findChild<QAbstractButton*>()->click();  // the first one agrees
-    const auto window = [this] { return m_window->findChild<QWidget*>(QStringLiteral("progressWindow")); };
-    if (!waitFor("the removal to reach the video", [&] { return m_files.isHolding() && window() != nullptr; }))
+    const auto window = [this] {
+        return m_window->findChild<QWidget*>(QStringLiteral("progressWindow"));
+    };
+    if (!waitFor("the removal to reach the video",
+                 [&] { return m_files.isHolding() && window() != nullptr; }))
         return false;
     const bool isSaved = save("removal", window());
     m_files.release();
-    return isSaved && waitFor("the removal to end", [&] { return window() == nullptr; }) && save("after-removal");
+    return isSaved && waitFor("the removal to end", [&] { return window() == nullptr; }) &&
+           save("after-removal");
 }
 
 }  // namespace orrinvale

@@ -14,15 +14,15 @@
 
 namespace orrinvale {
 
-PageScenes::PageScenes(const SampleFolder& sample, UserDefaults& defaults, const PictureFolder& pictures,
-                       QSet<QString> wanted, QString page)
+PageScenes::PageScenes(const SampleFolder& sample, UserDefaults& defaults,
+                       const PictureFolder& pictures, QSet<QString> wanted, QString page)
     : m_sample(sample),
       m_pictures(pictures),
       m_wanted(std::move(wanted)),
       m_page(std::move(page)),
       m_menu({}),
-      m_controller(
-          std::make_unique<DuplicateMainWindowController>(m_workings.parts(m_files, defaults), m_workings.icons)),
+      m_controller(std::make_unique<DuplicateMainWindowController>(
+          m_workings.parts(m_files, defaults), m_workings.icons)),
       m_window(m_controller->window()) {
     m_controller->setApplicationMenu(m_menu);
     m_controller->showWindow();

@@ -1,4 +1,5 @@
-// PageScenes: the main window on the sample folder, for the pictures of a page. DuplicateScenes and LargeFileScenes lead a page.
+// PageScenes: the main window on the sample folder, for the pictures of a page. DuplicateScenes and
+// LargeFileScenes lead a page.
 #pragma once
 
 #include <QSet>
@@ -27,10 +28,10 @@ public:
     PageScenes& operator=(const PageScenes&) = delete;
 
 protected:
-    /// All outlive the object. Of the scenes only those that are `wanted` become pictures; an empty set means all. The name of
-    /// each picture begins with the page's.
-    PageScenes(const SampleFolder& sample, UserDefaults& defaults, const PictureFolder& pictures, QSet<QString> wanted,
-               QString page);
+    /// All outlive the object. Of the scenes only those that are `wanted` become pictures; an empty
+    /// set means all. The name of each picture begins with the page's.
+    PageScenes(const SampleFolder& sample, UserDefaults& defaults, const PictureFolder& pictures,
+               QSet<QString> wanted, QString page);
     ~PageScenes();
 
     /// A picture of the window, or of what is `shown` of it.

@@ -16,7 +16,8 @@ struct PageWorkings {
     WindowDialogs dialogs;
     FileIcons icons;
 
-    /// Over these files and settings, which outlive the pages too. Nothing is opened outside of the gallery.
+    /// Over these files and settings, which outlive the pages too. Nothing is opened outside of the
+    /// gallery.
     [[nodiscard]] SameFileDeleteParts parts(const FileSystem& files, UserDefaults& defaults) {
         return {.files = &files,
                 .notifications = &notifications,

@@ -19,7 +19,9 @@ public:
     StillStyle() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* data) const override {
-        return hint == SH_Widget_Animation_Duration ? 0 : QProxyStyle::styleHint(hint, option, widget, data);
+        return hint == SH_Widget_Animation_Duration
+                   ? 0
+                   : QProxyStyle::styleHint(hint, option, widget, data);
     }
 };
 

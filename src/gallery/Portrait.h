@@ -1,4 +1,5 @@
-// Portrait: a control as a picture in a state that it can not be held in, under a pointer or with the keyboard on it.
+// Portrait: a control as a picture in a state that it can not be held in, under a pointer or with
+// the keyboard on it.
 #pragma once
 
 #include <QPixmap>
@@ -9,8 +10,8 @@ namespace orrinvale {
 
 enum class ControlState { Normal, Hover, Pressed, Focused, Disabled, Checked };
 
-/// Makes a control, brings it into the state by the events that a desktop would send, and takes its picture; anew when the
-/// theme changes.
+/// Makes a control, brings it into the state by the events that a desktop would send, and takes its
+/// picture; anew when the theme changes.
 class Portrait final : public QWidget {
     Q_OBJECT
 public:

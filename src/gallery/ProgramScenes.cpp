@@ -17,23 +17,26 @@
 
 namespace orrinvale {
 
-ProgramScenes::ProgramScenes(UserDefaults& defaults, const PictureFolder& pictures, QSet<QString> wanted)
+ProgramScenes::ProgramScenes(UserDefaults& defaults, const PictureFolder& pictures,
+                             QSet<QString> wanted)
     : m_pictures(pictures), m_wanted(std::move(wanted)) {
     for (const auto& [number, name] : {std::pair(7, "Holiday"), std::pair(8, "Backup")})
         m_volumes.volumes.push_back(FakeVolumes::volume(static_cast<std::int16_t>(number), name,
-                                                        std::string("/media/anna/") + name, true, 64'000'000'000));
-    m_volumes.ejections[7] = {fBsyErr, {"The volume is in use", {{4242, "vlc", "/media/anna/Holiday/Lake.mp4"}}}};
-    m_delegate =
-        std::make_unique<AppDelegate>(AppDelegateParts{.pages = m_workings.parts(m_files, defaults),
-                                                       .icons = &m_workings.icons,
-                                                       .volumes = &m_volumes,
-                                                       .volumesAtOnce = &m_volumes,
-                                                       .mountChanges = &m_mountChanges,
-                                                       .openFolder = [](const std::string& /*path*/) { return true; },
-                                                       .openGuide = [](const std::function<void()>& /*failed*/) {},
-                                                       .stopListening = {},
-                                                       .exitProcess = {},
-                                                       .endBySignal = {}});
+                                                        std::string("/media/anna/") + name, true,
+                                                        64'000'000'000));
+    m_volumes.ejections[7] = {
+        fBsyErr, {"The volume is in use", {{4242, "vlc", "/media/anna/Holiday/Lake.mp4"}}}};
+    m_delegate = std::make_unique<AppDelegate>(
+        AppDelegateParts{.pages = m_workings.parts(m_files, defaults),
+                         .icons = &m_workings.icons,
+                         .volumes = &m_volumes,
+                         .volumesAtOnce = &m_volumes,
+                         .mountChanges = &m_mountChanges,
+                         .openFolder = [](const std::string& /*path*/) { return true; },
+                         .openGuide = [](const std::function<void()>& /*failed*/) {},
+                         .stopListening = {},
+                         .exitProcess = {},
+                         .endBySignal = {}});
     m_delegate->applicationWillFinishLaunching();
     m_delegate->applicationDidFinishLaunching();
 }
@@ -73,7 +76,8 @@ bool ProgramScenes::drawMenu() {
 
 bool ProgramScenes::saveSheet(const char* scene) {
     const auto sheet = [this] { return window().findChild<Sheet*>(); };
-    if (!waitFor("the sheet", [&] { return sheet() != nullptr && sheet()->content()->y() == 0; })) return false;
+    if (!waitFor("the sheet", [&] { return sheet() != nullptr && sheet()->content()->y() == 0; }))
+        return false;
     window().activateWindow();
     QApplication::processEvents();
     if (!save(scene, window().grab())) return false;

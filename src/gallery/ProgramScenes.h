@@ -1,4 +1,5 @@
-// ProgramScenes: pictures of what concerns the whole program: its menu, the words about it, and volumes that stay.
+// ProgramScenes: pictures of what concerns the whole program: its menu, the words about it, and
+// volumes that stay.
 #pragma once
 
 #include <QSet>
@@ -21,7 +22,8 @@ class UserDefaults;
 /// The volumes are made up, as no machine that draws has a stick in it. Main thread only.
 class ProgramScenes final {
 public:
-    /// All outlive the object; of the scenes only the `wanted` become pictures, all of them where none is named.
+    /// All outlive the object; of the scenes only the `wanted` become pictures, all of them where
+    /// none is named.
     ProgramScenes(UserDefaults& defaults, const PictureFolder& pictures, QSet<QString> wanted);
     ~ProgramScenes();
     ProgramScenes(const ProgramScenes&) = delete;

@@ -41,7 +41,8 @@ constexpr std::array family{
     Sample{"Documents/Letter to Anna.txt", 2'640, 1, 40},
     Sample{"Documents/Old letters/Letter to Anna.txt", 2'640, 1, 41},
     Sample{"Documents/Tax return 2025.pdf", 812'204, 2, 90},
-    Sample{"Documents/Archive of the old computer/Users/anna/Desktop/To be sorted one day/Tax return (signed).pdf",
+    Sample{"Documents/Archive of the old computer/Users/anna/Desktop/To be sorted one day/Tax "
+           "return (signed).pdf",
            812'204, 2, 91},
     Sample{"Downloads/Tax return 2025 (1).pdf", 812'204, 2, 92},
     Sample{"Documents/Diary.odt", 48'204, 3, 12},
@@ -83,14 +84,15 @@ bool makeFile(const std::string& path, std::string_view begin, std::uint64_t siz
     std::error_code failure;
     std::filesystem::create_directories(std::filesystem::path(path).parent_path(), failure);
     const Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-    if (::write(file.get(), begin.data(), begin.size()) != static_cast<ssize_t>(begin.size())) return false;
+    if (::write(file.get(), begin.data(), begin.size()) != static_cast<ssize_t>(begin.size()))
+        return false;
     return ::ftruncate(file.get(), static_cast<off_t>(size)) == 0 && setDate(path, days);
 }
 
 bool makeFiles(const std::string& root, std::span<const Sample> samples) {
     return std::ranges::all_of(samples, [&](const Sample& sample) {
-        return makeFile(fmt::format("{}/{}", root, sample.path), fmt::format("content {}\n", sample.content),
-                        sample.size, sample.day);
+        return makeFile(fmt::format("{}/{}", root, sample.path),
+                        fmt::format("content {}\n", sample.content), sample.size, sample.day);
     });
 }
 
@@ -148,15 +150,16 @@ bool removeFolder() {
 }  // namespace
 
 SampleFolder::SampleFolder() {
-    if (!take() || !fill()) m_failure = fmt::format("{} can not be used: {}", place, std::strerror(errno));
+    if (!take() || !fill())
+        m_failure = fmt::format("{} can not be used: {}", place, std::strerror(errno));
 }
 
 SampleFolder::~SampleFolder() {
     if (m_failure.empty()) static_cast<void>(removeFolder());
 }
 
-// Everybody may write to /tmp: what stands there is removed only when it is a folder of ours, no link, and nobody else's at this
-// moment.
+// Everybody may write to /tmp: what stands there is removed only when it is a folder of ours, no
+// link, and nobody else's at this moment.
 bool SampleFolder::take() {
     m_place = lockedFolder();
     if (!m_place.isOpen() && errno != ENOENT) return false;
@@ -171,13 +174,16 @@ bool SampleFolder::fill() const {
     if (!makeFiles(family(), orrinvale::family) || !makeFiles(tidy(), tidyHome)) return false;
     const std::string lake = paintedLake().toStdString();
     constexpr int midsummer = 171;
-    return makeFile(family() + "/Phone/DCIM/Lake in the evening.png", lake, lake.size(), midsummer) &&
+    return makeFile(family() + "/Phone/DCIM/Lake in the evening.png", lake, lake.size(),
+                    midsummer) &&
            makeFile(painting(), lake, lake.size(), midsummer);
 }
 
 std::string SampleFolder::family() const { return fmt::format("{}/Family", place); }
 std::string SampleFolder::tidy() const { return fmt::format("{}/Tidy", place); }
-std::string SampleFolder::painting() const { return family() + "/Pictures/Norway/Lake in the evening.png"; }
+std::string SampleFolder::painting() const {
+    return family() + "/Pictures/Norway/Lake in the evening.png";
+}
 std::string SampleFolder::settings() const { return fmt::format("{}/settings.ini", place); }
 
 }  // namespace orrinvale

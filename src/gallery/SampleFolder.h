@@ -1,4 +1,5 @@
-// SampleFolder: a family's folder with copies in it, made anew for each run with the same names, sizes and dates.
+// SampleFolder: a family's folder with copies in it, made anew for each run with the same names,
+// sizes and dates.
 #pragma once
 
 #include <string>
@@ -7,8 +8,8 @@
 
 namespace orrinvale {
 
-/// Stands at one fixed place below /tmp, since paths are to be seen in the pictures; one process at a time has it. Files are
-/// sparse: large sizes take no space. Gone with the object.
+/// Stands at one fixed place below /tmp, since paths are to be seen in the pictures; one process at
+/// a time has it. Files are sparse: large sizes take no space. Gone with the object.
 class SampleFolder final {
 public:
     SampleFolder();

@@ -45,12 +45,14 @@ SysResult<Descriptor> StagedFiles::openFolder(int parent, const char* name, Link
 
 SysResult<bool> StagedFiles::readFolder(int folder, CatalogBatch& batch) const {
     auto more = ForwardingFiles::readFolder(folder, batch);
-    std::ranges::sort(batch.entries,
-                      [](const CatalogEntry& a, const CatalogEntry& b) { return std::strcmp(a.name, b.name) < 0; });
+    std::ranges::sort(batch.entries, [](const CatalogEntry& a, const CatalogEntry& b) {
+        return std::strcmp(a.name, b.name) < 0;
+    });
     return more;
 }
 
-SysResult<Descriptor> StagedFiles::openFile(int parent, const char* name, Links links, ReadState& state) const {
+SysResult<Descriptor> StagedFiles::openFile(int parent, const char* name, Links links,
+                                            ReadState& state) const {
     if (const int error = pass(name); error != 0) return tl::unexpected(error);
     return ForwardingFiles::openFile(parent, name, links, state);
 }
@@ -59,7 +61,8 @@ SysResult<void> StagedFiles::removeEntry(int folder, const char* name, FileType 
     if (const int error = pass(name); error != 0) return tl::unexpected(error);
     return ForwardingFiles::removeEntry(folder, name, type);
 }
-SysResult<void> StagedFiles::moveEntry(int folder, const char* name, int newFolder, const char* newName) const {
+SysResult<void> StagedFiles::moveEntry(int folder, const char* name, int newFolder,
+                                       const char* newName) const {
     if (const int error = pass(name); error != 0) return tl::unexpected(error);
     return ForwardingFiles::moveEntry(folder, name, newFolder, newName);
 }

@@ -1,4 +1,5 @@
-// StagedFiles: a file system that stops where a picture is to be taken, and refuses what a picture shows as refused.
+// StagedFiles: a file system that stops where a picture is to be taken, and refuses what a picture
+// shows as refused.
 #pragma once
 
 #include <condition_variable>
@@ -10,8 +11,8 @@
 
 namespace orrinvale {
 
-/// Hands everything on to another file system, which outlives it. Folders list in the order of their names, so that a page looks the
-/// same on every disk. Thread-safe.
+/// Hands everything on to another file system, which outlives it. Folders list in the order of
+/// their names, so that a page looks the same on every disk. Thread-safe.
 class StagedFiles final : public ForwardingFiles {
 public:
     explicit StagedFiles(const FileSystem& files) : ForwardingFiles(files) {}
@@ -27,9 +28,11 @@ public:
 
     SysResult<Descriptor> openFolder(int parent, const char* name, Links links) const override;
     SysResult<bool> readFolder(int folder, CatalogBatch& batch) const override;
-    SysResult<Descriptor> openFile(int parent, const char* name, Links links, ReadState& state) const override;
+    SysResult<Descriptor> openFile(int parent, const char* name, Links links,
+                                   ReadState& state) const override;
     SysResult<void> removeEntry(int folder, const char* name, FileType type) const override;
-    SysResult<void> moveEntry(int folder, const char* name, int newFolder, const char* newName) const override;
+    SysResult<void> moveEntry(int folder, const char* name, int newFolder,
+                              const char* newName) const override;
     SysResult<void> renameInside(int folder, const char* name, const char* newName) const override;
 
 private:

@@ -59,7 +59,8 @@ void hoverWithFolder(QWidget& widget, bool isOver) {
     }
     QMimeData dragged;
     dragged.setUrls({QUrl::fromLocalFile(QDir::tempPath())});
-    QDragEnterEvent enter(widget.rect().center(), Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+    QDragEnterEvent enter(widget.rect().center(), Qt::CopyAction, &dragged, Qt::LeftButton,
+                          Qt::NoModifier);
     QApplication::sendEvent(&widget, &enter);
 }
 
@@ -68,9 +69,11 @@ bool PictureFolder::save(const QString& name, const QPixmap& picture) const {
     const QByteArray bytes = pngOf(picture);
     if (holds(path, bytes)) return true;
     QFile file(path);
-    const bool isWritten = !bytes.isEmpty() && QDir().mkpath(m_folder) && file.open(QIODevice::WriteOnly) &&
-                           file.write(bytes) == bytes.size() && file.flush();
-    if (!isWritten) std::fprintf(stderr, "orrinvale-gallery: %s can not be written\n", qPrintable(path));
+    const bool isWritten = !bytes.isEmpty() && QDir().mkpath(m_folder) &&
+                           file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() &&
+                           file.flush();
+    if (!isWritten)
+        std::fprintf(stderr, "orrinvale-gallery: %s can not be written\n", qPrintable(path));
     return isWritten;
 }
 

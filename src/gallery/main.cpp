@@ -1,4 +1,5 @@
-// The gallery: a window with every control in every state, or the same and the pages as pictures in a folder.
+// The gallery: a window with every control in every state, or the same and the pages as pictures in
+// a folder.
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QHBoxLayout>
@@ -40,7 +41,8 @@ struct Order {
 
 void toggleScheme() {
     Theme& theme = Theme::shared();
-    theme.setScheme(theme.scheme() == Theme::Scheme::Light ? Theme::Scheme::Dark : Theme::Scheme::Light);
+    theme.setScheme(theme.scheme() == Theme::Scheme::Light ? Theme::Scheme::Dark
+                                                           : Theme::Scheme::Light);
 }
 
 int showGallery(NotificationCenter& notifications) {
@@ -104,18 +106,21 @@ template <class Scenes> bool drawPage(const Order& order, const PictureFolder& p
 
 bool drawProgram(const Order& order, const PictureFolder& pictures) {
     return drawWithSample([&](const SampleFolder& /*sample*/, UserDefaults& defaults) {
-        return drawToolbar(defaults, pictures) && ProgramScenes(defaults, pictures, wantedScenes(order)).draw();
+        return drawToolbar(defaults, pictures) &&
+               ProgramScenes(defaults, pictures, wantedScenes(order)).draw();
     });
 }
 
 int drawGallery(const Order& order, NotificationCenter& notifications) {
-    const QString language = order.language.isEmpty() ? QString() : QLatin1Char('-') + order.language;
-    const PictureFolder pictures(order.folder, language + QLatin1String(order.isDark ? "-dark" : "") +
+    const QString language =
+        order.language.isEmpty() ? QString() : QLatin1Char('-') + order.language;
+    const PictureFolder pictures(order.folder, language +
+                                                   QLatin1String(order.isDark ? "-dark" : "") +
                                                    QLatin1String(order.isLarge ? "@2x" : ""));
     if (!drawSheet(pictures, notifications)) return 1;
     if (order.isDark && order.isLarge) return 0;
-    const bool isDrawn = drawPage<DuplicateScenes>(order, pictures) && drawPage<LargeFileScenes>(order, pictures) &&
-                         drawProgram(order, pictures);
+    const bool isDrawn = drawPage<DuplicateScenes>(order, pictures) &&
+                         drawPage<LargeFileScenes>(order, pictures) && drawProgram(order, pictures);
     return isDrawn ? 0 : 1;
 }
 
@@ -144,13 +149,15 @@ void fixSurroundings(int argc, char** argv) {
 // None for what nobody can draw; standard error says why.
 std::optional<Order> readOrder(const QCoreApplication& application) {
     QCommandLineParser parser;
-    const QCommandLineOption draw(QStringLiteral("draw"), QStringLiteral("Write pictures into FOLDER."),
+    const QCommandLineOption draw(QStringLiteral("draw"),
+                                  QStringLiteral("Write pictures into FOLDER."),
                                   QStringLiteral("FOLDER"));
     const QCommandLineOption scheme(QStringLiteral("scheme"), QStringLiteral("light or dark."),
                                     QStringLiteral("SCHEME"), QStringLiteral("light"));
-    const QCommandLineOption scale(QStringLiteral("scale"), QStringLiteral("1 or 2."), QStringLiteral("SCALE"),
-                                   QStringLiteral("1"));
-    const QCommandLineOption language(QStringLiteral("language"), QStringLiteral("en or de; of the pictures."),
+    const QCommandLineOption scale(QStringLiteral("scale"), QStringLiteral("1 or 2."),
+                                   QStringLiteral("SCALE"), QStringLiteral("1"));
+    const QCommandLineOption language(QStringLiteral("language"),
+                                      QStringLiteral("en or de; of the pictures."),
                                       QStringLiteral("LANGUAGE"), QStringLiteral("en"));
     parser.addOptions({draw, scheme, scale, language});
     parser.addHelpOption();
@@ -163,10 +170,11 @@ std::optional<Order> readOrder(const QCoreApplication& application) {
         std::fputs("orrinvale-gallery: see --help\n", stderr);
         return std::nullopt;
     }
-    return Order{.folder = parser.value(draw),
-                 .isDark = parser.value(scheme) == schemes.last(),
-                 .isLarge = parser.value(scale) == scales.last(),
-                 .language = parser.value(language) == languages.last() ? languages.last() : QString()};
+    return Order{
+        .folder = parser.value(draw),
+        .isDark = parser.value(scheme) == schemes.last(),
+        .isLarge = parser.value(scale) == scales.last(),
+        .language = parser.value(language) == languages.last() ? languages.last() : QString()};
 }
 
 int run(int argc, char** argv) {
@@ -184,7 +192,8 @@ int run(int argc, char** argv) {
     Theme::shared().install(*qApp);
     NotificationCenter notifications;
     UtilityFunction::getMyFunction().setNotificationCenter(&notifications);
-    return order->folder.isEmpty() ? showGallery(notifications) : drawGallery(*order, notifications);
+    return order->folder.isEmpty() ? showGallery(notifications)
+                                   : drawGallery(*order, notifications);
 }
 
 }  // namespace

@@ -30,7 +30,8 @@ public:
     Patience& operator=(const Patience&) = delete;
 };
 
-/// Calls look(buffer, size), which answers an errno, with a buffer that is large enough; what it answered then.
+/// Calls look(buffer, size), which answers an errno, with a buffer that is large enough; what it
+/// answered then.
 template <class Look> int withRoom(std::string& text, Look look) {
     text.resize(1024);
     int error = look(text.data(), text.size());
@@ -41,17 +42,21 @@ template <class Look> int withRoom(std::string& text, Look look) {
     return error;
 }
 
-/// Whether the users and groups that the system knows are those that it lists. Services of directories, sss(8) for one, answer questions
-/// about their users and list none of them.
+/// Whether the users and groups that the system knows are those that it lists. Services of
+/// directories, sss(8) for one, answer questions about their users and list none of them.
 bool listsEverybody() {
-    constexpr std::array<std::string_view, 4> complete{"files", "systemd", "altfiles", "extrausers"};
-    std::ifstream file("/etc/nsswitch.conf");  // nsswitch.conf(5); without it only the files are asked
+    constexpr std::array<std::string_view, 4> complete{"files", "systemd", "altfiles",
+                                                       "extrausers"};
+    std::ifstream file(
+        "/etc/nsswitch.conf");  // nsswitch.conf(5); without it only the files are asked
     for (std::string line; std::getline(file, line);) {
         std::istringstream words(line.substr(0, line.find('#')));
         std::string word;
-        if (!(words >> word) || (word != "passwd:" && word != "group:" && word != "initgroups:")) continue;
+        if (!(words >> word) || (word != "passwd:" && word != "group:" && word != "initgroups:"))
+            continue;
         while (words >> word)
-            if (word.front() != '[' && std::find(complete.begin(), complete.end(), word) == complete.end())
+            if (word.front() != '[' &&
+                std::find(complete.begin(), complete.end(), word) == complete.end())
                 return false;
     }
     return true;
@@ -61,8 +66,9 @@ std::optional<uid_t> numberOf(const char* name) {
     std::string text;
     passwd entry{};
     passwd* found = nullptr;
-    (void)withRoom(text,
-                   [&](char* buffer, std::size_t size) { return ::getpwnam_r(name, &entry, buffer, size, &found); });
+    (void)withRoom(text, [&](char* buffer, std::size_t size) {
+        return ::getpwnam_r(name, &entry, buffer, size, &found);
+    });
     return found != nullptr ? std::optional(found->pw_uid) : std::nullopt;
 }
 
@@ -101,8 +107,9 @@ std::optional<std::vector<uid_t>> membersOf(gid_t number) {
     std::string text;
     group entry{};
     group* found = nullptr;
-    (void)withRoom(text,
-                   [&](char* buffer, std::size_t size) { return ::getgrgid_r(number, &entry, buffer, size, &found); });
+    (void)withRoom(text, [&](char* buffer, std::size_t size) {
+        return ::getgrgid_r(number, &entry, buffer, size, &found);
+    });
     if (found == nullptr || hasPassword(entry)) return std::nullopt;
     auto members = firstMembersOf(number);
     for (char** name = entry.gr_mem; members && *name != nullptr; ++name) {
@@ -120,8 +127,9 @@ std::optional<std::string> homeOf(uid_t user) {
     std::string text;
     passwd entry{};
     passwd* found = nullptr;
-    (void)withRoom(text,
-                   [&](char* buffer, std::size_t size) { return ::getpwuid_r(user, &entry, buffer, size, &found); });
+    (void)withRoom(text, [&](char* buffer, std::size_t size) {
+        return ::getpwuid_r(user, &entry, buffer, size, &found);
+    });
     return found != nullptr ? std::optional<std::string>(found->pw_dir) : std::nullopt;
 }
 
@@ -135,17 +143,20 @@ bool TrustedGroups::isTrusted(gid_t group) const {
     const Patience patience;
     if (!listsEverybody()) return false;
     const auto members = membersOf(group);
-    return members && std::all_of(members->begin(), members->end(),
-                                  [this](uid_t user) { return user == m_caller || !isPerson(user); });
+    return members && std::all_of(members->begin(), members->end(), [this](uid_t user) {
+               return user == m_caller || !isPerson(user);
+           });
 }
 
 bool mayHaveAccessList(int folder) {
     // A held folder can not be asked itself.
     const std::string path = "/proc/self/fd/" + std::to_string(folder);
-    constexpr std::array<const char*, 5> lists{"system.posix_acl_access", "system.nfs4_acl", "system.richacl",
-                                               "system.cifs_acl", "system.ntfs_acl"};
+    constexpr std::array<const char*, 5> lists{"system.posix_acl_access", "system.nfs4_acl",
+                                               "system.richacl", "system.cifs_acl",
+                                               "system.ntfs_acl"};
     return std::any_of(lists.begin(), lists.end(), [&](const char* list) {
-        return ::getxattr(path.c_str(), list, nullptr, 0) >= 0 || (errno != ENODATA && errno != EOPNOTSUPP);
+        return ::getxattr(path.c_str(), list, nullptr, 0) >= 0 ||
+               (errno != ENODATA && errno != EOPNOTSUPP);
     });
 }
 

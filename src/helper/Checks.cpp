@@ -29,7 +29,8 @@ std::optional<uid_t> peerOf(int socket) {
     ucred peer{};
     socklen_t size = sizeof peer;
     // -1 is the answer of a socket that has no other end.
-    if (::getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0 || peer.uid == static_cast<uid_t>(-1))
+    if (::getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0 ||
+        peer.uid == static_cast<uid_t>(-1))
         return std::nullopt;
     return peer.uid;
 }
@@ -47,14 +48,19 @@ std::string fault(std::string_view what, std::string_view name) {
     return fmt::format("{}: {}", what, systemError("open", std::string(name), errno).reason());
 }
 
-std::string_view faultOfFolder(int held, const struct stat& folder, uid_t caller, TrustedGroups& groups) {
-    if (folder.st_uid != 0 && folder.st_uid != caller) return "a folder on the way belongs to someone else";
+std::string_view faultOfFolder(int held, const struct stat& folder, uid_t caller,
+                               TrustedGroups& groups) {
+    if (folder.st_uid != 0 && folder.st_uid != caller)
+        return "a folder on the way belongs to someone else";
     const bool isSticky = (folder.st_mode & S_ISVTX) != 0;
     if (isSticky) return {};
-    // With an access list the group's bits are the mask of all that it grants, so that it is seen here too.
+    // With an access list the group's bits are the mask of all that it grants, so that it is seen
+    // here too.
     const bool groupWrites = (folder.st_mode & S_IWGRP) != 0;
-    const bool isGroupTrusted = !groupWrites || (!mayHaveAccessList(held) && groups.contains(folder.st_gid));
-    if ((folder.st_mode & S_IWOTH) != 0 || !isGroupTrusted) return "a folder on the way may be written by others";
+    const bool isGroupTrusted =
+        !groupWrites || (!mayHaveAccessList(held) && groups.contains(folder.st_gid));
+    if ((folder.st_mode & S_IWOTH) != 0 || !isGroupTrusted)
+        return "a folder on the way may be written by others";
     return {};
 }
 
@@ -62,18 +68,23 @@ std::string_view faultOfFolder(int held, const struct stat& folder, uid_t caller
 
 Start howStarted(int argc) {
     const bool isPlain = ::getauxval(AT_SECURE) == 0;
-    return {argc, isPlain && ::getuid() == 0 && ::geteuid() == 0, STDIN_FILENO, std::getenv("PKEXEC_UID")};
+    return {argc, isPlain && ::getuid() == 0 && ::geteuid() == 0, STDIN_FILENO,
+            std::getenv("PKEXEC_UID")};
 }
 
 tl::expected<uid_t, Refusal> callerOf(const Start& start) {
-    const auto refused = [](int status, std::string line) { return tl::unexpected(Refusal{status, std::move(line)}); };
+    const auto refused = [](int status, std::string line) {
+        return tl::unexpected(Refusal{status, std::move(line)});
+    };
     if (start.arguments != 1) return refused(EX_USAGE, "takes no arguments");
     if (!start.isRoot) return refused(EX_NOPERM, "is started by pkexec only");
     const auto caller = userOf(start.caller);
     if (!caller) return refused(EX_NOPERM, "is started by pkexec only");
-    if (socketOption(start.input, SO_DOMAIN) != AF_UNIX || socketOption(start.input, SO_TYPE) != SOCK_SEQPACKET)
+    if (socketOption(start.input, SO_DOMAIN) != AF_UNIX ||
+        socketOption(start.input, SO_TYPE) != SOCK_SEQPACKET)
         return refused(EX_NOPERM, "standard input is not the window program's socket");
-    if (peerOf(start.input) != caller) return refused(EX_NOPERM, "the socket belongs to another user");
+    if (peerOf(start.input) != caller)
+        return refused(EX_NOPERM, "the socket belongs to another user");
     return *caller;
 }
 
@@ -89,8 +100,10 @@ tl::expected<VerifiedParent, std::string> openVerifiedParent(std::string_view pa
             return tl::unexpected(std::string(reason));
         path.remove_prefix(1);
         const std::size_t slash = path.find('/');
-        if (slash == std::string_view::npos) return VerifiedParent{std::move(folder), std::string(path)};
-        folder = Descriptor(::openat(folder.get(), std::string(path.substr(0, slash)).c_str(), flags));
+        if (slash == std::string_view::npos)
+            return VerifiedParent{std::move(folder), std::string(path)};
+        folder =
+            Descriptor(::openat(folder.get(), std::string(path.substr(0, slash)).c_str(), flags));
         path.remove_prefix(slash);
     }
 }

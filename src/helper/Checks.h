@@ -29,7 +29,8 @@ struct Refusal {
 /// How this process was started.
 [[nodiscard]] Start howStarted(int argc);
 
-/// The user who is served: the one whom pkexec names and who made the socket. Anything else is refused.
+/// The user who is served: the one whom pkexec names and who made the socket. Anything else is
+/// refused.
 [[nodiscard]] tl::expected<uid_t, Refusal> callerOf(const Start& start);
 
 /// The parent of an entry and the entry's name in it.
@@ -38,10 +39,12 @@ struct VerifiedParent {
     std::string name;
 };
 
-/// Walks from the root to the folder that holds the entry, one name at a time and through no link. Each folder on the way, the root
-/// and the last included, has to belong to root or to the caller, and nobody else may write it unless it is sticky; otherwise someone
-/// could exchange what stands below it between our look and the tool's. A group may write it when it is one of TrustedGroups. The path is
-/// one that readRequest() let through.
-[[nodiscard]] tl::expected<VerifiedParent, std::string> openVerifiedParent(std::string_view path, uid_t caller);
+/// Walks from the root to the folder that holds the entry, one name at a time and through no link.
+/// Each folder on the way, the root and the last included, has to belong to root or to the caller,
+/// and nobody else may write it unless it is sticky; otherwise someone could exchange what stands
+/// below it between our look and the tool's. A group may write it when it is one of TrustedGroups.
+/// The path is one that readRequest() let through.
+[[nodiscard]] tl::expected<VerifiedParent, std::string> openVerifiedParent(std::string_view path,
+                                                                           uid_t caller);
 
 }  // namespace orrinvale::helper

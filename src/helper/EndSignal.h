@@ -1,4 +1,5 @@
-// EndSignal: SIGTERM as something to wait for, so that whatever is at work comes to an end of its own.
+// EndSignal: SIGTERM as something to wait for, so that whatever is at work comes to an end of its
+// own.
 #pragma once
 
 #include <csignal>
@@ -7,8 +8,9 @@
 
 namespace orrinvale::helper {
 
-/// Keeps SIGTERM from ending this thread while it lives. A process that is forked meanwhile asks about its own SIGTERM by the same
-/// object; one that becomes another program calls letThrough() first.
+/// Keeps SIGTERM from ending this thread while it lives. A process that is forked meanwhile asks
+/// about its own SIGTERM by the same object; one that becomes another program calls letThrough()
+/// first.
 class EndSignal final {
 public:
     EndSignal();

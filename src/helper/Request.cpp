@@ -1,4 +1,5 @@
-// Request: see Request.h. Works on bytes alone and asks the disk nothing; that is done in Checks.cpp.
+// Request: see Request.h. Works on bytes alone and asks the disk nothing; that is done in
+// Checks.cpp.
 #include "helper/Request.h"
 
 #include <algorithm>
@@ -86,14 +87,17 @@ std::uint32_t sequenceOf(std::string_view packet) {
 tl::expected<HelperRequest, std::string_view> readRequest(std::string_view packet) {
     const auto refused = [](std::string_view reason) { return tl::unexpected(reason); };
     if (packet.size() > HelperRequest::mostBytes) return refused("the packet is too large");
-    if (packet.size() < HelperRequest::headSize || valueAt<std::uint32_t>(packet, 0) != HelperRequest::mark)
+    if (packet.size() < HelperRequest::headSize ||
+        valueAt<std::uint32_t>(packet, 0) != HelperRequest::mark)
         return refused("the packet is no request");
     const auto count = valueAt<unsigned char>(packet, 8);
-    if (count < 1 || count > 2 || !isZero(packet.substr(9, 3))) return refused("the packet is no request");
+    if (count < 1 || count > 2 || !isZero(packet.substr(9, 3)))
+        return refused("the packet is no request");
     std::string_view rest = packet.substr(HelperRequest::headSize);
     auto entry = takeEntry(rest);
     if (!entry) return refused(entry.error());
-    HelperRequest request{.sequence = sequenceOf(packet), .entry = std::move(*entry), .stays = std::nullopt};
+    HelperRequest request{
+        .sequence = sequenceOf(packet), .entry = std::move(*entry), .stays = std::nullopt};
     if (count == 2) {
         auto stays = takeEntry(rest);
         if (!stays) return refused(stays.error());

@@ -19,12 +19,15 @@
 namespace orrinvale::helper {
 namespace {
 
-/// False where what happened on the volume can not be made durable now. One that is not there any more was made so when it went.
+/// False where what happened on the volume can not be made durable now. One that is not there any
+/// more was made so when it went.
 bool makeDurable(std::uint64_t device, std::string folder) {
     for (;; folder = folderOf(folder)) {
-        const Descriptor held(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+        const Descriptor held(
+            ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
         struct stat seen {};
-        if (held.isOpen() && ::fstat(held.get(), &seen) == 0 && seen.st_dev == device) return ::syncfs(held.get()) == 0;
+        if (held.isOpen() && ::fstat(held.get(), &seen) == 0 && seen.st_dev == device)
+            return ::syncfs(held.get()) == 0;
         if (folder == "/") return true;
     }
 }
@@ -33,7 +36,8 @@ bool makeDurable(std::uint64_t device, std::string folder) {
 
 bool RootJournal::hasFolder() const { return ::access(m_folder.c_str(), F_OK) == 0; }
 
-// What stands in a journal is done as root, so that the way to it must be root's alone, and lead through no link.
+// What stands in a journal is done as root, so that the way to it must be root's alone, and lead
+// through no link.
 std::optional<std::string> RootJournal::objectionToFolder() const {
     constexpr uid_t root = 0;
     const auto parent = openVerifiedParent(m_folder, root);
@@ -76,22 +80,25 @@ void RootJournal::touched(std::uint64_t device, std::string_view path) {
 
 void RootJournal::settle() {
     if (!m_journal) return;
-    const bool isDurable = std::all_of(m_volumes.begin(), m_volumes.end(),
-                                       [](const auto& volume) { return makeDurable(volume.first, volume.second); });
+    const bool isDurable = std::all_of(m_volumes.begin(), m_volumes.end(), [](const auto& volume) {
+        return makeDurable(volume.first, volume.second);
+    });
     if (!isDurable) return;
     m_journal->settle();
     (void)::rmdir(m_folder.c_str());  // other sessions' journals keep it
 }
 
 std::vector<std::string> RootJournal::bringBack() const {
-    if (auto objection = objectionToFolder()) return {fmt::format("{} is not used: {}", m_folder, *objection)};
+    if (auto objection = objectionToFolder())
+        return {fmt::format("{} is not used: {}", m_folder, *objection)};
     std::vector<std::string> lines;
     const AsideRecovery recovery = bringBackAside(LinuxFileSystem(), m_folder);
     for (const std::string& path : recovery.broughtBack) lines.push_back("brought back: " + path);
     for (const StayedEntry& each : recovery.stayed)
         lines.push_back(fmt::format("still aside: {}: {}", each.reason, each.path));
     if (recovery.later > 0)
-        lines.push_back(fmt::format("{} entries are aside on volumes that are not there", recovery.later));
+        lines.push_back(
+            fmt::format("{} entries are aside on volumes that are not there", recovery.later));
     (void)::rmdir(m_folder.c_str());
     return lines;
 }

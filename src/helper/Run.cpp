@@ -25,7 +25,8 @@ HelperReply refused(std::string reason) { return {0, Outcome::Refused, std::move
 
 /// What is told of an entry that setting aside, or a look after it, made stay.
 HelperReply stayed(const StayedEntry& entry) {
-    if (entry.kind == StayReason::Aside) return {0, Outcome::StillThere, entry.reason + ": " + entry.path};
+    if (entry.kind == StayReason::Aside)
+        return {0, Outcome::StillThere, entry.reason + ": " + entry.path};
     const bool isOurs = entry.kind == StayReason::Changed || entry.kind == StayReason::NoCopy;
     return {0, isOurs ? Outcome::Refused : Outcome::StillThere, entry.reason};
 }
@@ -53,7 +54,8 @@ public:
         : m_files(files), m_held(held), m_hidesMounts(hidesMounts), m_end(end), m_ground(files) {}
 
     HelperReply run(const std::optional<KeptCopy>& kept, RootJournal& journal) {
-        // A folder that is no copy of anything keeps its name: programs may write there while it goes, and a kill must not hide it.
+        // A folder that is no copy of anything keeps its name: programs may write there while it
+        // goes, and a kill must not hide it.
         if (m_held.attributes.type != FileType::Folder || kept)
             if (auto reply = setAside(journal)) return std::move(*reply);
         if (auto reason = objection(kept)) return givenBack(stayed(*reason));
@@ -95,8 +97,10 @@ private:
         if (left || left.error() != ENOENT) {
             if (!run.output.empty()) return givenBack({0, Outcome::Printed, run.output});
             if (!run.failure.empty()) return givenBack({0, Outcome::Failed, run.failure});
-            if (!run.firstError.empty()) return givenBack({0, Outcome::StillThere, inOwnName(run.firstError)});
-            return givenBack({0, Outcome::StillThere, left ? "still there" : reasonOf(left.error())});
+            if (!run.firstError.empty())
+                return givenBack({0, Outcome::StillThere, inOwnName(run.firstError)});
+            return givenBack(
+                {0, Outcome::StillThere, left ? "still there" : reasonOf(left.error())});
         }
         if (!run.output.empty()) return {0, Outcome::Printed, run.output};
         if (m_aside && m_files.attributes(parent, m_held.name.c_str(), Links::Keep))
@@ -107,7 +111,8 @@ private:
     /// The tool knows the entry by the name that it had meanwhile.
     std::string inOwnName(std::string text) const {
         const std::string name = nameNow();
-        if (const std::size_t at = text.find(name); at != std::string::npos) text.replace(at, name.size(), m_held.name);
+        if (const std::size_t at = text.find(name); at != std::string::npos)
+            text.replace(at, name.size(), m_held.name);
         return text;
     }
 
@@ -136,7 +141,8 @@ HelperReply removeEntry(const HelperRequest& request, const Grounds& grounds) {
 
     WorkFolder work = WorkFolder::of(std::move(parent->folder));
     const auto entry = files.attributes(work.folder.get(), name.c_str(), Links::Keep);
-    if (!entry || !isStill(wanted, *entry) || !isStill(wanted, *seen)) return refused("changed since it was looked at");
+    if (!entry || !isStill(wanted, *entry) || !isStill(wanted, *seen))
+        return refused("changed since it was looked at");
     std::optional<KeptCopy> kept;
     if (request.stays) kept = KeptCopy{request.stays->path, identityOf(*request.stays)};
     if (kept && isWithin(kept->path, wanted.path)) return refused("no other verified copy is left");

@@ -1,4 +1,5 @@
-// Session: see Session.h. What a worker does is in Run.cpp; the caller's side is platform/linux/HelperProcess.cpp.
+// Session: see Session.h. What a worker does is in Run.cpp; the caller's side is
+// platform/linux/HelperProcess.cpp.
 #include "helper/Session.h"
 
 #include <fcntl.h>
@@ -26,8 +27,9 @@ namespace {
 using Outcome = HelperReply::Outcome;
 
 constexpr std::chrono::milliseconds kPatience = std::chrono::seconds(1);  // from SIGTERM to SIGKILL
-constexpr std::chrono::milliseconds kGrace{500};                          // for the rest of its work after that
-constexpr std::size_t kMostLine = 4000;  // a pipe that has room takes PIPE_BUF = 4096 bytes at once (pipe(7))
+constexpr std::chrono::milliseconds kGrace{500};  // for the rest of its work after that
+constexpr std::size_t kMostLine =
+    4000;  // a pipe that has room takes PIPE_BUF = 4096 bytes at once (pipe(7))
 
 std::string_view wordFor(Outcome outcome) {
     switch (outcome) {
@@ -56,7 +58,8 @@ void report(const std::string& line) {
     if (::poll(&errors, 1, 0) > 0) (void)!::write(STDERR_FILENO, text.data(), text.size());
 }
 
-Session::Session(int socket, uid_t caller, std::vector<std::string> ownFiles, std::chrono::milliseconds idle)
+Session::Session(int socket, uid_t caller, std::vector<std::string> ownFiles,
+                 std::chrono::milliseconds idle)
     : m_socket(socket), m_caller(caller), m_ownFiles(std::move(ownFiles)), m_idle(idle) {}
 
 void Session::run() {
@@ -74,7 +77,8 @@ void Session::serve() {
     for (;;) {
         std::array<pollfd, 3> sources{
             {{m_socket, POLLIN, 0}, {m_result.get(), POLLIN, 0}, {m_end.descriptor(), POLLIN, 0}}};
-        const int count = ::poll(sources.data(), sources.size(), m_worker < 0 ? static_cast<int>(m_idle.count()) : -1);
+        const int count = ::poll(sources.data(), sources.size(),
+                                 m_worker < 0 ? static_cast<int>(m_idle.count()) : -1);
         if (count < 0 && errno == EINTR) continue;
         if (count < 0) return;
         if (count == 0) {
@@ -87,8 +91,8 @@ void Session::serve() {
     }
 }
 
-// In a process that a disk which does not answer may keep for as long as it likes; what it does is nearly always done within the second
-// that it is waited for.
+// In a process that a disk which does not answer may keep for as long as it likes; what it does is
+// nearly always done within the second that it is waited for.
 void Session::apart(const std::function<void()>& task) const {
     int ends[2];
     if (::pipe2(ends, O_CLOEXEC) != 0) return;
@@ -141,7 +145,8 @@ void Session::begin(const HelperRequest& request) {
     else ::setpgid(m_worker, m_worker);  // the worker does so too; whoever is first
 }
 
-// Without one removals go on, and nothing is set aside: a full disk must not keep anybody from making room on it.
+// Without one removals go on, and nothing is set aside: a full disk must not keep anybody from
+// making room on it.
 void Session::openJournal() {
     m_journal.touched(m_request.entry.device, m_request.entry.path);
     const auto reason = m_journal.open();
@@ -154,14 +159,18 @@ void Session::work(const HelperRequest& request, pid_t parent, int result) {
     if (::getppid() != parent) ::_exit(1);
     ::setpgid(0, 0);
     ::close(m_socket);  // or it would keep the caller from seeing the helper's death
-    const std::string packet = removeEntry(request, {m_caller, m_ownFiles, m_journal, m_end}).packed();
-    ::_exit(::write(result, packet.data(), packet.size()) == static_cast<ssize_t>(packet.size()) ? 0 : 1);
+    const std::string packet =
+        removeEntry(request, {m_caller, m_ownFiles, m_journal, m_end}).packed();
+    ::_exit(::write(result, packet.data(), packet.size()) == static_cast<ssize_t>(packet.size())
+                ? 0
+                : 1);
 }
 
 // Called when the worker has something to say or is gone.
 void Session::finish() {
     std::array<char, HelperReply::headSize + HelperReply::mostText> piece;
-    const ssize_t count = m_result.isOpen() ? ::read(m_result.get(), piece.data(), piece.size()) : 0;
+    const ssize_t count =
+        m_result.isOpen() ? ::read(m_result.get(), piece.data(), piece.size()) : 0;
     if (count < 0 && errno == EINTR) return;
     if (count > 0) {
         m_reply.append(piece.data(), static_cast<std::size_t>(count));
@@ -170,7 +179,8 @@ void Session::finish() {
     m_result.reset();
     while (m_worker > 0 && ::waitpid(m_worker, nullptr, 0) < 0 && errno == EINTR) {}
     m_worker = -1;
-    auto reply = HelperReply::read(m_reply).value_or(HelperReply{0, Outcome::Failed, "the removal broke off"});
+    auto reply = HelperReply::read(m_reply).value_or(
+        HelperReply{0, Outcome::Failed, "the removal broke off"});
     reply.sequence = m_request.sequence;
     note(reply);
     answer(reply);
@@ -193,8 +203,9 @@ void Session::answer(const HelperReply& reply) const {
 
 // The path comes last: it is the one part that may be too long for the line.
 void Session::note(const HelperReply& reply) const {
-    report(fmt::format("uid {}: {}{}{}: {}:{} {}", m_caller, wordFor(reply.outcome), reply.text.empty() ? "" : ": ",
-                       reply.text, m_request.entry.device, m_request.entry.inode, m_request.entry.path));
+    report(fmt::format("uid {}: {}{}{}: {}:{} {}", m_caller, wordFor(reply.outcome),
+                       reply.text.empty() ? "" : ": ", reply.text, m_request.entry.device,
+                       m_request.entry.inode, m_request.entry.path));
 }
 
 }  // namespace orrinvale::helper

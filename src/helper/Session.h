@@ -15,17 +15,19 @@
 
 namespace orrinvale::helper {
 
-/// Each request is worked on in a process of its own: a file system that hangs then never keeps the helper from seeing that its
-/// caller is gone, and a fault costs one request. One thread.
+/// Each request is worked on in a process of its own: a file system that hangs then never keeps the
+/// helper from seeing that its caller is gone, and a fault costs one request. One thread.
 class Session final {
 public:
     static constexpr std::chrono::milliseconds idleLimit = std::chrono::minutes(10);
 
     /// `socket` is the caller's and is not owned.
-    Session(int socket, uid_t caller, std::vector<std::string> ownFiles, std::chrono::milliseconds idle = idleLimit);
+    Session(int socket, uid_t caller, std::vector<std::string> ownFiles,
+            std::chrono::milliseconds idle = idleLimit);
 
-    /// Brings back what killed sessions left aside, says Ready and serves until the caller is gone, has been idle for too long, or SIGTERM
-    /// comes. A removal at work then has a second to end, and what it set aside gets its own name back.
+    /// Brings back what killed sessions left aside, says Ready and serves until the caller is gone,
+    /// has been idle for too long, or SIGTERM comes. A removal at work then has a second to end,
+    /// and what it set aside gets its own name back.
     void run();
 
 private:
@@ -44,16 +46,17 @@ private:
     const uid_t m_caller;
     const std::vector<std::string> m_ownFiles;
     const std::chrono::milliseconds m_idle;
-    pid_t m_worker = -1;      // -1 when no request is in flight; also the number of its process group
-    Descriptor m_result;      // the worker's reply; its end is the worker's end
-    std::string m_reply;      // what came out of it so far
+    pid_t m_worker = -1;  // -1 when no request is in flight; also the number of its process group
+    Descriptor m_result;  // the worker's reply; its end is the worker's end
+    std::string m_reply;  // what came out of it so far
     HelperRequest m_request;  // the one in flight, or the last
     EndSignal m_end;
     RootJournal m_journal;
     bool m_saidNoJournal = false;
 };
 
-/// One line to the system's log and to standard error, control bytes escaped. Never waits for a reader of standard error.
+/// One line to the system's log and to standard error, control bytes escaped. Never waits for a
+/// reader of standard error.
 void report(const std::string& line);
 
 }  // namespace orrinvale::helper

@@ -1,4 +1,5 @@
-// Tool: see Tool.h. It works by a name relative to a folder that is held, so that no path is resolved a second time.
+// Tool: see Tool.h. It works by a name relative to a folder that is held, so that no path is
+// resolved a second time.
 #include "helper/Tool.h"
 
 #include <fcntl.h>
@@ -25,7 +26,8 @@
 namespace orrinvale::helper {
 namespace {
 
-/// One stream of the tool: its first bytes are kept, the rest is read and dropped, so that the tool never waits.
+/// One stream of the tool: its first bytes are kept, the rest is read and dropped, so that the tool
+/// never waits.
 struct Stream {
     Descriptor ours;
     Descriptor theirs;
@@ -42,7 +44,9 @@ struct Stream {
         std::array<char, 4096> piece;
         const ssize_t count = ::read(ours.get(), piece.data(), piece.size());
         if (count == 0 || (count < 0 && errno != EINTR)) ours.reset();
-        if (count > 0) text.append(piece.data(), std::min(static_cast<std::size_t>(count), most - text.size()));
+        if (count > 0)
+            text.append(piece.data(),
+                        std::min(static_cast<std::size_t>(count), most - text.size()));
     }
 };
 
@@ -74,7 +78,8 @@ struct Task {
     const std::string& name;
 };
 
-[[noreturn]] void becomeTool(const Task& task, const Streams& streams, const EndSignal& end, pid_t parent) {
+[[noreturn]] void becomeTool(const Task& task, const Streams& streams, const EndSignal& end,
+                             pid_t parent) {
     constexpr int cannotRun = 125;
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);  // whoever kills the helper ends the tool
     if (::getppid() != parent) ::_exit(cannotRun);
@@ -83,7 +88,8 @@ struct Task {
     std::string how = "-rf";
     std::string within = "--one-file-system";
     std::array<char*, 5> arguments{tool.data(), how.data(), path.data(), nullptr, nullptr};
-    if (!task.hidesMounts) arguments = {tool.data(), how.data(), within.data(), path.data(), nullptr};
+    if (!task.hidesMounts)
+        arguments = {tool.data(), how.data(), within.data(), path.data(), nullptr};
     char* const noEnvironment[] = {nullptr};
     int report = streams.start.theirs.get();
     if (takePlaces(task.folder, streams)) {
@@ -142,7 +148,8 @@ void readAll(Streams& streams, Patience patience) {
             return pollfd{stream->ours.get(), POLLIN, 0};
         });
         sources.back() = patience.source();
-        if (::poll(sources.data(), sources.size(), patience.milliseconds()) < 0 && errno != EINTR) return;
+        if (::poll(sources.data(), sources.size(), patience.milliseconds()) < 0 && errno != EINTR)
+            return;
         for (std::size_t i = 0; i < all.size(); ++i)
             if (sources[i].revents != 0) all[i]->read();
         patience.look();
@@ -151,23 +158,26 @@ void readAll(Streams& streams, Patience patience) {
 
 std::string reasonOf(int error) { return systemError("rm", {}, error).reason(); }
 
-// The tool's own statuses are 0 and 1. Others come from whatever should have started it, or ended it.
+// The tool's own statuses are 0 and 1. Others come from whatever should have started it, or ended
+// it.
 std::string failureOf(const Streams& streams, int status) {
     if (streams.start.text.size() == sizeof(int)) {
         int error = 0;
         std::memcpy(&error, streams.start.text.data(), sizeof error);
         return "the tool could not be started: " + reasonOf(error);
     }
-    if (WIFSIGNALED(status)) return fmt::format("the tool was ended by signal {}", WTERMSIG(status));
-    if (WEXITSTATUS(status) > 1) return fmt::format("the tool ended with status {}", WEXITSTATUS(status));
+    if (WIFSIGNALED(status))
+        return fmt::format("the tool was ended by signal {}", WTERMSIG(status));
+    if (WEXITSTATUS(status) > 1)
+        return fmt::format("the tool ended with status {}", WEXITSTATUS(status));
     return {};
 }
 
 }  // namespace
 
 WorkFolder WorkFolder::of(Descriptor folder) {
-    Descriptor copy(static_cast<int>(
-        ::syscall(SYS_open_tree, folder.get(), "", OPEN_TREE_CLONE | OPEN_TREE_CLOEXEC | AT_EMPTY_PATH)));
+    Descriptor copy(static_cast<int>(::syscall(
+        SYS_open_tree, folder.get(), "", OPEN_TREE_CLONE | OPEN_TREE_CLOEXEC | AT_EMPTY_PATH)));
     if (copy.isOpen()) return {std::move(copy), true};
     return {std::move(folder), false};
 }

@@ -1,4 +1,5 @@
-// FileUrl: see FileUrl.h. Written by hand since QUrl::toLocalFile() goes through Unicode and loses names that are no UTF-8.
+// FileUrl: see FileUrl.h. Written by hand since QUrl::toLocalFile() goes through Unicode and loses
+// names that are no UTF-8.
 #include "platform/FileUrl.h"
 
 #include <fmt/format.h>
@@ -17,9 +18,13 @@ int hexValue(char digit) {
     return -1;
 }
 
-char lower(char letter) { return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + 32) : letter; }
+char lower(char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + 32) : letter;
+}
 
-bool equalsIgnoringCase(std::string_view a, std::string_view b) { return std::ranges::equal(a, b, {}, lower, lower); }
+bool equalsIgnoringCase(std::string_view a, std::string_view b) {
+    return std::ranges::equal(a, b, {}, lower, lower);
+}
 
 // A '%' that no two digits follow stands for itself.
 std::string percentDecoded(std::string_view text) {
@@ -49,7 +54,8 @@ bool isThisMachine(std::string_view host) {
 
 std::optional<std::string> pathOfFileUrl(std::string_view url) {
     constexpr std::string_view scheme = "file:";
-    if (url.size() < scheme.size() || !equalsIgnoringCase(url.substr(0, scheme.size()), scheme)) return std::nullopt;
+    if (url.size() < scheme.size() || !equalsIgnoringCase(url.substr(0, scheme.size()), scheme))
+        return std::nullopt;
     std::string_view rest = url.substr(scheme.size());
     if (rest.starts_with("//")) {
         rest.remove_prefix(2);
@@ -67,8 +73,8 @@ std::string fileUrlOf(std::string_view path) {
     constexpr std::string_view asTheyStand = "-._~/";  // beside letters and digits: RFC 3986
     std::string url = "file://";
     for (const char byte : path) {
-        const bool isAlphanumeric =
-            (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9');
+        const bool isAlphanumeric = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
+                                    (byte >= '0' && byte <= '9');
         if (isAlphanumeric || asTheyStand.find(byte) != std::string_view::npos) url += byte;
         else url += fmt::format("%{:02X}", static_cast<unsigned char>(byte));
     }

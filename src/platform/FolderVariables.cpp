@@ -19,7 +19,8 @@ std::string homeInDatabase(uid_t user) {
     std::vector<char> buffer(16384);
     passwd entry{};
     passwd* found = nullptr;
-    if (::getpwuid_r(user, &entry, buffer.data(), buffer.size(), &found) != 0 || found == nullptr) return {};
+    if (::getpwuid_r(user, &entry, buffer.data(), buffer.size(), &found) != 0 || found == nullptr)
+        return {};
     return found->pw_dir != nullptr && *found->pw_dir == '/' ? found->pw_dir : "";
 }
 

@@ -1,4 +1,5 @@
-// FolderVariables: the environment's word on where a user's files belong. folders.h and engine/settings/UserFolders.h build on it.
+// FolderVariables: the environment's word on where a user's files belong. folders.h and
+// engine/settings/UserFolders.h build on it.
 #pragma once
 
 #include <sys/types.h>
@@ -7,7 +8,8 @@
 
 namespace orrinvale {
 
-/// The variables of the XDG base directory specification, as exact bytes; relative values count as missing and are empty.
+/// The variables of the XDG base directory specification, as exact bytes; relative values count as
+/// missing and are empty.
 struct FolderVariables {
     std::string home{};  ///< HOME, or where it is missing or relative, the user database
     std::string cacheHome{};

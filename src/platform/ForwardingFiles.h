@@ -1,5 +1,5 @@
-// ForwardingFiles: a file system that hands everything on to another one. What stages or watches files overrides the operations that
-// it is about.
+// ForwardingFiles: a file system that hands everything on to another one. What stages or watches
+// files overrides the operations that it is about.
 #pragma once
 
 #include "platform/files.h"
@@ -23,8 +23,11 @@ public:
     SysResult<FileAttributes> attributes(int parent, const char* name, Links links) const override {
         return m_base.attributes(parent, name, links);
     }
-    SysResult<FileAttributes> attributes(int descriptor) const override { return m_base.attributes(descriptor); }
-    SysResult<Descriptor> openFile(int parent, const char* name, Links links, ReadState& state) const override {
+    SysResult<FileAttributes> attributes(int descriptor) const override {
+        return m_base.attributes(descriptor);
+    }
+    SysResult<Descriptor> openFile(int parent, const char* name, Links links,
+                                   ReadState& state) const override {
         return m_base.openFile(parent, name, links, state);
     }
     void beginReading(int file, std::uint64_t device, std::uint64_t offset, std::uint64_t length,
@@ -40,8 +43,9 @@ public:
                                         ReadState& state) const override {
         return m_base.readResident(file, buffer, offset, state);
     }
-    SysResult<bool> visitResident(int file, std::uint64_t offset, std::uint64_t length,
-                                  const std::function<void(std::span<const std::byte>)>& visit) const override {
+    SysResult<bool> visitResident(
+        int file, std::uint64_t offset, std::uint64_t length,
+        const std::function<void(std::span<const std::byte>)>& visit) const override {
         return m_base.visitResident(file, offset, length, visit);
     }
     SysResult<DataStretch> nextData(int file, std::uint64_t offset) const override {
@@ -49,7 +53,9 @@ public:
     }
     void expectRandomReads(int file) const override { m_base.expectRandomReads(file); }
     std::vector<std::uint64_t> kernelDevices() const override { return m_base.kernelDevices(); }
-    SysResult<std::string> resolved(const std::string& path) const override { return m_base.resolved(path); }
+    SysResult<std::string> resolved(const std::string& path) const override {
+        return m_base.resolved(path);
+    }
     std::size_t descriptorLimit() const override { return m_base.descriptorLimit(); }
     void useOwnDescriptors() const override { m_base.useOwnDescriptors(); }
     SysResult<Descriptor> holdFolder(int parent, const char* path, Links onTheWay) const override {
@@ -61,20 +67,28 @@ public:
     SysResult<void> removeEntry(int folder, const char* name, FileType type) const override {
         return m_base.removeEntry(folder, name, type);
     }
-    SysResult<void> moveEntry(int folder, const char* name, int newFolder, const char* newName) const override {
+    SysResult<void> moveEntry(int folder, const char* name, int newFolder,
+                              const char* newName) const override {
         return m_base.moveEntry(folder, name, newFolder, newName);
     }
-    SysResult<bool> clearImmutable(int descriptor) const override { return m_base.clearImmutable(descriptor); }
-    SysResult<std::string> placeOf(int descriptor) const override { return m_base.placeOf(descriptor); }
+    SysResult<bool> clearImmutable(int descriptor) const override {
+        return m_base.clearImmutable(descriptor);
+    }
+    SysResult<std::string> placeOf(int descriptor) const override {
+        return m_base.placeOf(descriptor);
+    }
     SysResult<std::vector<MountPoint>> mountPoints() const override { return m_base.mountPoints(); }
-    void readSizes(int folder, std::span<CatalogEntry> entries) const override { m_base.readSizes(folder, entries); }
+    void readSizes(int folder, std::span<CatalogEntry> entries) const override {
+        m_base.readSizes(folder, entries);
+    }
     void readIdentities(int folder, std::span<CatalogEntry> entries) const override {
         m_base.readIdentities(folder, entries);
     }
     SysResult<Descriptor> holdEntry(int parent, const char* name) const override {
         return m_base.holdEntry(parent, name);
     }
-    SysResult<FileAttributes> freshAttributes(int parent, const char* name, Links links) const override {
+    SysResult<FileAttributes> freshAttributes(int parent, const char* name,
+                                              Links links) const override {
         return m_base.freshAttributes(parent, name, links);
     }
     SysResult<void> renameInside(int folder, const char* name, const char* newName) const override {
@@ -82,7 +96,9 @@ public:
     }
     bool renamesSafely(int folder) const override { return m_base.renamesSafely(folder); }
     bool isOpenForWriting(int file) const override { return m_base.isOpenForWriting(file); }
-    std::vector<std::uint64_t> devicesOfPassingInodes() const override { return m_base.devicesOfPassingInodes(); }
+    std::vector<std::uint64_t> devicesOfPassingInodes() const override {
+        return m_base.devicesOfPassingInodes();
+    }
 
 private:
     const FileSystem& m_base;

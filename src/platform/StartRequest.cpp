@@ -8,7 +8,8 @@ namespace orrinvale {
 namespace {
 
 using Kind = StartRequest::Kind;
-constexpr std::array<std::pair<Kind, char>, 3> letters{{{Kind::Activate, 'v'}, {Kind::Open, 'o'}, {Kind::Action, 'a'}}};
+constexpr std::array<std::pair<Kind, char>, 3> letters{
+    {{Kind::Activate, 'v'}, {Kind::Open, 'o'}, {Kind::Action, 'a'}}};
 
 bool hasFittingText(const StartRequest& request) {
     switch (request.kind) {
@@ -36,7 +37,8 @@ std::optional<StartRequest> parseStartRequest(std::string_view packet) {
         if (letter != packet.front()) continue;
         const std::size_t end = packet.find('\0');
         if (end == std::string_view::npos) return std::nullopt;
-        StartRequest request{kind, std::string(packet.substr(1, end - 1)), std::string(packet.substr(end + 1))};
+        StartRequest request{kind, std::string(packet.substr(1, end - 1)),
+                             std::string(packet.substr(end + 1))};
         const bool isWhole = request.activationToken.find('\0') == std::string::npos;
         if (isWhole && hasFittingText(request)) return request;
         return std::nullopt;

@@ -1,5 +1,5 @@
-// StartRequest: what somebody wants who starts the program: its window, a folder searched, or one of its actions. instance.h hands
-// it to a program that runs already.
+// StartRequest: what somebody wants who starts the program: its window, a folder searched, or one
+// of its actions. instance.h hands it to a program that runs already.
 #pragma once
 
 #include <cstdint>
@@ -21,18 +21,24 @@ struct StartRequest {
     enum class Kind : std::uint8_t { Activate, Open, Action };
 
     Kind kind = Kind::Activate;
-    std::string text;             ///< Open: the absolute path of a folder, exact bytes; Action: the action's name
-    std::string activationToken;  ///< the desktop's leave to come to the front (XDG activation); may be empty
+    std::string
+        text;  ///< Open: the absolute path of a folder, exact bytes; Action: the action's name
+    std::string activationToken;  ///< the desktop's leave to come to the front (XDG activation);
+                                  ///< may be empty
 
-    [[nodiscard]] bool isAction(std::string_view name) const { return kind == Kind::Action && text == name; }
+    [[nodiscard]] bool isAction(std::string_view name) const {
+        return kind == Kind::Action && text == name;
+    }
 
     friend bool operator==(const StartRequest&, const StartRequest&) = default;
 };
 
-/// Longer ones are not sent and not read: a path of the kernel's has 4096 bytes at most, and deeper ones nobody types.
+/// Longer ones are not sent and not read: a path of the kernel's has 4096 bytes at most, and deeper
+/// ones nobody types.
 inline constexpr std::size_t startRequestLimit = 64 * 1024;
 
-/// One packet, and back. Nothing for what is no request: an unknown kind, a relative path, an empty name, bytes behind the end.
+/// One packet, and back. Nothing for what is no request: an unknown kind, a relative path, an empty
+/// name, bytes behind the end.
 [[nodiscard]] std::string printStartRequest(const StartRequest& request);
 [[nodiscard]] std::optional<StartRequest> parseStartRequest(std::string_view packet);
 

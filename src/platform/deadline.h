@@ -7,9 +7,11 @@
 namespace orrinvale {
 
 /// Never below 0.
-[[nodiscard]] inline std::chrono::milliseconds timeUntil(std::chrono::steady_clock::time_point end) {
+[[nodiscard]] inline std::chrono::milliseconds timeUntil(
+    std::chrono::steady_clock::time_point end) {
     using std::chrono::milliseconds;
-    const auto left = std::chrono::duration_cast<milliseconds>(end - std::chrono::steady_clock::now());
+    const auto left =
+        std::chrono::duration_cast<milliseconds>(end - std::chrono::steady_clock::now());
     return std::max(milliseconds(0), left);
 }
 

@@ -1,4 +1,5 @@
-// Error and Result: how a failure is handed up. Nothing throws across a target; see also engine/base/Log.h.
+// Error and Result: how a failure is handed up. Nothing throws across a target; see also
+// engine/base/Log.h.
 #pragma once
 
 #include <string>
@@ -8,17 +9,26 @@
 namespace orrinvale {
 
 /// What went wrong, in terms that a caller can act on without knowing errno values.
-enum class ErrorKind { NotFound, PermissionDenied, NotAFolder, NotARegularFile, Changed, Unsupported, Io };
+enum class ErrorKind {
+    NotFound,
+    PermissionDenied,
+    NotAFolder,
+    NotARegularFile,
+    Changed,
+    Unsupported,
+    Io
+};
 
-/// A failure: its kind, the operation that failed (a constant such as "open"), the path concerned (exact bytes) and the
-/// system's error number, 0 where no system call failed.
+/// A failure: its kind, the operation that failed (a constant such as "open"), the path concerned
+/// (exact bytes) and the system's error number, 0 where no system call failed.
 struct Error {
     ErrorKind kind = ErrorKind::Io;
     std::string_view operation;
     std::string path;
     int number = 0;
 
-    /// The reason alone, in the system's English words ("Permission denied"), independent of the locale.
+    /// The reason alone, in the system's English words ("Permission denied"), independent of the
+    /// locale.
     [[nodiscard]] std::string reason() const;
 };
 

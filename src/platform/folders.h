@@ -1,4 +1,5 @@
-// Folders: where this desktop keeps caches, logs, trash and downloads. linux/LinuxFolders.h implements it.
+// Folders: where this desktop keeps caches, logs, trash and downloads. linux/LinuxFolders.h
+// implements it.
 #pragma once
 
 #include <optional>
@@ -7,8 +8,9 @@
 
 namespace orrinvale {
 
-/// Absolute paths in exact bytes, as they are at the moment of the call. An empty text means that there is no such folder; unless an
-/// operation says so, a folder that is named need not exist. Any thread.
+/// Absolute paths in exact bytes, as they are at the moment of the call. An empty text means that
+/// there is no such folder; unless an operation says so, a folder that is named need not exist. Any
+/// thread.
 class Folders {
 public:
     virtual ~Folders() = default;
@@ -23,20 +25,22 @@ public:
     /// The folders that hold nothing but logs of the user's programs; only those that exist.
     [[nodiscard]] virtual std::vector<std::string> userLogs() const = 0;
 
-    /// The folder that receives what the user downloads. Empty when the user has none of its own: a home folder itself
-    /// never is one.
+    /// The folder that receives what the user downloads. Empty when the user has none of its own: a
+    /// home folder itself never is one.
     [[nodiscard]] virtual std::string downloads() const = 0;
 
     /// The folder whose entries are what the user threw away, on the volume of the home folder.
     [[nodiscard]] virtual std::string homeTrash() const = 0;
 
-    /// The same on another volume, by the path of its root. Only a folder that another user can not have put there counts;
-    /// the one that would be made is named when there is none yet.
+    /// The same on another volume, by the path of its root. Only a folder that another user can not
+    /// have put there counts; the one that would be made is named when there is none yet.
     [[nodiscard]] virtual std::vector<std::string> volumeTrash(const std::string& root) const = 0;
 
-    /// The record of where a trashed entry came from, by the path of the entry in one of these folders: it is to be removed once
-    /// the entry is gone. Nothing for a path that is not directly in such a folder.
-    [[nodiscard]] virtual std::optional<std::string> trashRecordOf(const std::string& path) const = 0;
+    /// The record of where a trashed entry came from, by the path of the entry in one of these
+    /// folders: it is to be removed once the entry is gone. Nothing for a path that is not directly
+    /// in such a folder.
+    [[nodiscard]] virtual std::optional<std::string> trashRecordOf(
+        const std::string& path) const = 0;
 
 protected:
     Folders() = default;

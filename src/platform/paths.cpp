@@ -35,11 +35,13 @@ std::string_view pathExtension(std::string_view path) {
 }
 
 bool isWithin(std::string_view path, std::string_view folder) {
-    return path.starts_with(folder) && (folder == "/" || path.size() == folder.size() || path[folder.size()] == '/');
+    return path.starts_with(folder) &&
+           (folder == "/" || path.size() == folder.size() || path[folder.size()] == '/');
 }
 
 std::optional<std::string> plainPath(std::string_view path) {
-    if (path.empty() || path.front() != '/' || path.find('\0') != std::string_view::npos) return std::nullopt;
+    if (path.empty() || path.front() != '/' || path.find('\0') != std::string_view::npos)
+        return std::nullopt;
     std::string plain;
     while (!path.empty()) {
         path.remove_prefix(std::min(path.find_first_not_of('/'), path.size()));

@@ -10,15 +10,17 @@
 
 namespace orrinvale {
 
-/// Any thread. What the program prints is thrown away, it has nothing to read, and it inherits the environment but no open file.
+/// Any thread. What the program prints is thrown away, it has nothing to read, and it inherits the
+/// environment but no open file.
 class Process final {
 public:
-    /// Starts the program at an absolute path, with these arguments behind its name. No shell reads them. It works in "/", so that an
-    /// argument that is no absolute path names nothing of the user's. `ended` is called once, on a thread of its own, when the
-    /// program has ended, however it did.
-    [[nodiscard]] static SysResult<std::unique_ptr<Process>> start(const std::string& program,
-                                                                   const std::vector<std::string>& arguments,
-                                                                   std::function<void()> ended);
+    /// Starts the program at an absolute path, with these arguments behind its name. No shell reads
+    /// them. It works in "/", so that an argument that is no absolute path names nothing of the
+    /// user's. `ended` is called once, on a thread of its own, when the program has ended, however
+    /// it did.
+    [[nodiscard]] static SysResult<std::unique_ptr<Process>> start(
+        const std::string& program, const std::vector<std::string>& arguments,
+        std::function<void()> ended);
 
     /// The program runs on; its end is not told any more, unless that is just being done.
     ~Process();

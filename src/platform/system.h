@@ -1,4 +1,5 @@
-// System: figures about the running system, asked for by a short selector. linux/LinuxSystem.h implements it.
+// System: figures about the running system, asked for by a short selector. linux/LinuxSystem.h
+// implements it.
 #pragma once
 
 #include <cstdint>
@@ -10,8 +11,9 @@ class System {
 public:
     virtual ~System() = default;
 
-    /// The figure that the selector names; 0 for a selector that this system does not know. "sysv" is the version of
-    /// the system as hexadecimal digits, major version in the upper byte: 0x1060 is 10.6.0. Any thread.
+    /// The figure that the selector names; 0 for a selector that this system does not know. "sysv"
+    /// is the version of the system as hexadecimal digits, major version in the upper byte: 0x1060
+    /// is 10.6.0. Any thread.
     [[nodiscard]] virtual std::uint32_t gestalt(std::string_view selector) const = 0;
 
 protected:

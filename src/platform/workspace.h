@@ -1,5 +1,5 @@
-// Workspace: what the engine asks of the desktop's screens. Implemented where a screen can be reached; tests use a
-// fake.
+// Workspace: what the engine asks of the desktop's screens. Implemented where a screen can be
+// reached; tests use a fake.
 #pragma once
 
 #include <optional>

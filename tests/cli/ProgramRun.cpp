@@ -24,7 +24,9 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-[[noreturn]] void fail(const std::string& what) { throw std::runtime_error(what + ": " + std::strerror(errno)); }
+[[noreturn]] void fail(const std::string& what) {
+    throw std::runtime_error(what + ": " + std::strerror(errno));
+}
 
 struct Ends {
     Descriptor ours;
@@ -39,11 +41,13 @@ Ends makePipe() {
 
 Ends makeTerminal() {
     Descriptor ours(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
-    if (!ours.isOpen() || ::grantpt(ours.get()) != 0 || ::unlockpt(ours.get()) != 0) fail("posix_openpt");
+    if (!ours.isOpen() || ::grantpt(ours.get()) != 0 || ::unlockpt(ours.get()) != 0)
+        fail("posix_openpt");
     Descriptor theirs(::open(::ptsname(ours.get()), O_RDWR | O_NOCTTY | O_CLOEXEC));
     const winsize size{24, 80, 0, 0};
     termios setting{};
-    if (!theirs.isOpen() || ::ioctl(theirs.get(), TIOCSWINSZ, &size) != 0 || ::tcgetattr(theirs.get(), &setting) != 0)
+    if (!theirs.isOpen() || ::ioctl(theirs.get(), TIOCSWINSZ, &size) != 0 ||
+        ::tcgetattr(theirs.get(), &setting) != 0)
         fail("terminal");
     setting.c_oflag &= ~static_cast<tcflag_t>(OPOST);  // bytes as they were written
     if (::tcsetattr(theirs.get(), TCSANOW, &setting) != 0) fail("tcsetattr");
@@ -60,7 +64,8 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
 // Where sanitizers and coverage look for their settings.
 std::vector<std::string> environmentOf(const ProgramRun& run) {
     std::vector<std::string> out = run.environment;
-    for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS", "LSAN_OPTIONS", "LLVM_PROFILE_FILE"})
+    for (const char* name :
+         {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS", "LSAN_OPTIONS", "LLVM_PROFILE_FILE"})
         if (const char* value = std::getenv(name)) out.push_back(std::string(name) + '=' + value);
     return out;
 }
@@ -100,7 +105,8 @@ bool readSome(int from, std::string& into) {
     std::array<char, 65536> block;
     const ssize_t count = ::read(from, block.data(), block.size());
     if (count > 0) into.append(block.data(), static_cast<std::size_t>(count));
-    return count > 0 || (count < 0 && errno == EINTR);  // a terminal whose other end is gone answers EIO
+    return count > 0 ||
+           (count < 0 && errno == EINTR);  // a terminal whose other end is gone answers EIO
 }
 
 class Watch final {
@@ -120,7 +126,8 @@ public:
             streams[0].events = m_run.holdOutput && signalsLeft && !result.late ? 0 : POLLIN;
             ::poll(streams.data(), streams.size(), signalsLeft ? 5 : 200);
             for (std::size_t i = 0; i < streams.size(); ++i)
-                if (streams[i].fd >= 0 && (streams[i].revents & (POLLIN | POLLHUP | POLLERR)) != 0 &&
+                if (streams[i].fd >= 0 &&
+                    (streams[i].revents & (POLLIN | POLLHUP | POLLERR)) != 0 &&
                     !readSome(streams[i].fd, i == 0 ? result.output : result.error))
                     streams[i].fd = -1;
             sendSignals(result.error);
@@ -141,13 +148,15 @@ private:
 }  // namespace
 
 ProgramRun::Result ProgramRun::run() const {
-    const std::optional<TestTree> fresh = folder.empty() ? std::optional<TestTree>(std::in_place) : std::nullopt;
+    const std::optional<TestTree> fresh =
+        folder.empty() ? std::optional<TestTree>(std::in_place) : std::nullopt;
     const std::string where = fresh ? fresh->path() : folder;
     Ends error = terminal ? makeTerminal() : makePipe();
     Ends output;
     if (outputTerminal) output = makeTerminal();
     else if (outputFile.empty() && !closeOutput) output = makePipe();
-    else if (!closeOutput) output.theirs = Descriptor(::open(outputFile.c_str(), O_WRONLY | O_CLOEXEC));
+    else if (!closeOutput)
+        output.theirs = Descriptor(::open(outputFile.c_str(), O_WRONLY | O_CLOEXEC));
     const Descriptor file(::open(program.c_str(), O_RDONLY | O_CLOEXEC));
     if (!file.isOpen() || (!closeOutput && !output.theirs.isOpen())) fail(program);
 

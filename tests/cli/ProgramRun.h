@@ -1,4 +1,5 @@
-// Runs a real program in a fresh folder, with nothing of this process's environment, and keeps exactly what it wrote.
+// Runs a real program in a fresh folder, with nothing of this process's environment, and keeps
+// exactly what it wrote.
 #pragma once
 
 #include <sys/resource.h>
@@ -12,8 +13,9 @@
 
 namespace orrinvale::testing {
 
-/// A signal that is sent when the condition on what stands on standard error so far holds. Signals go out in their order; each
-/// condition is asked about every 5 ms, from the moment when the one before was sent.
+/// A signal that is sent when the condition on what stands on standard error so far holds. Signals
+/// go out in their order; each condition is asked about every 5 ms, from the moment when the one
+/// before was sent.
 struct SignalWhen {
     int number;
     std::function<bool(const std::string& error)> condition;
@@ -21,16 +23,16 @@ struct SignalWhen {
 
 struct ProgramRun {
     std::string program;
-    std::vector<std::string> arguments;          ///< without the program's name
-    std::vector<std::string> environment;        ///< "NAME=value"; only these and what sanitizers read
-    std::string folder;                          ///< to run in; empty for a fresh one
-    std::optional<uid_t> user;                   ///< to run as; needs root
+    std::vector<std::string> arguments;    ///< without the program's name
+    std::vector<std::string> environment;  ///< "NAME=value"; only these and what sanitizers read
+    std::string folder;                    ///< to run in; empty for a fresh one
+    std::optional<uid_t> user;             ///< to run as; needs root
     std::vector<std::pair<int, rlim_t>> limits;  ///< RLIMIT_AS, 1 << 29
     bool terminal = false;                       ///< standard error is a terminal of 80 columns
     bool outputTerminal = false;                 ///< standard output likewise; both may be one
     bool closeOutput = false;                    ///< standard output is closed
-    std::string outputFile;                      ///< where standard output goes instead of into the result
-    bool holdOutput = false;                     ///< standard output is read only when all signals are sent
+    std::string outputFile;   ///< where standard output goes instead of into the result
+    bool holdOutput = false;  ///< standard output is read only when all signals are sent
     std::vector<SignalWhen> signals;
     int secondsToLive = 60;  ///< then the program is killed
 
@@ -43,14 +45,17 @@ struct ProgramRun {
         std::string error;
     };
 
-    /// Throws std::runtime_error when the program can not be started. A terminal passes bytes on as they are written.
+    /// Throws std::runtime_error when the program can not be started. A terminal passes bytes on as
+    /// they are written.
     [[nodiscard]] Result run() const;
 };
 
 /// A run of orrinvale-cli with that command, whose name needs not be among the arguments.
-[[nodiscard]] ProgramRun commandRun(std::string command, std::vector<std::string> arguments, std::string folder = {});
+[[nodiscard]] ProgramRun commandRun(std::string command, std::vector<std::string> arguments,
+                                    std::string folder = {});
 
-/// True where the programs carry their own allocator, so that limits on memory mean nothing and times are long.
+/// True where the programs carry their own allocator, so that limits on memory mean nothing and
+/// times are long.
 [[nodiscard]] constexpr bool isSanitized() {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     return true;

@@ -1,4 +1,5 @@
-// The window program as a process: the run that only touches memory, and what its file asks of the machine.
+// The window program as a process: the run that only touches memory, and what its file asks of the
+// machine.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -14,7 +15,8 @@
 namespace orrinvale::testing {
 namespace {
 
-ProgramRun::Result runApp(std::vector<std::string> arguments, std::vector<std::pair<int, rlim_t>> limits = {}) {
+ProgramRun::Result runApp(std::vector<std::string> arguments,
+                          std::vector<std::pair<int, rlim_t>> limits = {}) {
     ProgramRun run;
     run.program = ORRINVALE_APP_PATH;
     run.arguments = std::move(arguments);
@@ -53,17 +55,20 @@ TEST(App, AnythingElseNeedsADisplay) {
                  {{"FR", "4096"}, "orrinvale: FR: No such file or directory\n"}};
     for (const auto& each : cases) {
         const auto result = runApp(each.arguments);
-        EXPECT_EQ(result.status, each.says.starts_with("free") ? 0 : 2) << ::testing::PrintToString(each.arguments);
+        EXPECT_EQ(result.status, each.says.starts_with("free") ? 0 : 2)
+            << ::testing::PrintToString(each.arguments);
         EXPECT_EQ(result.output, "");
         EXPECT_EQ(result.error, each.says);
     }
 }
 
-// The program without a display, on a folder of its own, with settings that it has to say something about.
+// The program without a display, on a folder of its own, with settings that it has to say something
+// about.
 struct OffscreenRun {
     OffscreenRun() {
         run.program = ORRINVALE_APP_PATH;
-        run.environment = {"QT_QPA_PLATFORM=offscreen", "HOME=" + tree.path(), "XDG_RUNTIME_DIR=" + tree.at("run"),
+        run.environment = {"QT_QPA_PLATFORM=offscreen", "HOME=" + tree.path(),
+                           "XDG_RUNTIME_DIR=" + tree.at("run"),
                            "XDG_CONFIG_HOME=" + tree.at("config"), "ORRINVALE_LOG=1"};
         run.folder = tree.path();
         tree.folder("run");
@@ -74,9 +79,9 @@ struct OffscreenRun {
     [[nodiscard]] std::string copy(int number) const {
         return tree.at(settings + ".bad" + (number == 1 ? "" : "." + std::to_string(number)));
     }
-    /// Whenever the program has looked at its settings they are changed again; a change that met a save of the program's own, which
-    /// takes no notice of editors, is made once more. The signal goes out when it has looked more often than a start does, or after
-    /// 20 seconds.
+    /// Whenever the program has looked at its settings they are changed again; a change that met a
+    /// save of the program's own, which takes no notice of editors, is made once more. The signal
+    /// goes out when it has looked more often than a start does, or after 20 seconds.
     ProgramRun::Result runUntilChangesAreHeard(int signal) {
         using Clock = std::chrono::steady_clock;
         const auto end = Clock::now() + std::chrono::seconds(20);
@@ -86,7 +91,8 @@ struct OffscreenRun {
                             const bool isHeard = ::access(copy(changes).c_str(), F_OK) == 0;
                             changes += isHeard ? 1 : 0;
                             if (isHeard || Clock::now() > again) {
-                                tree.write(settings, "[Orrinvale]\nchange " + std::to_string(changes) + "\n");
+                                tree.write(settings,
+                                           "[Orrinvale]\nchange " + std::to_string(changes) + "\n");
                                 again = Clock::now() + std::chrono::seconds(1);
                             }
                             return changes > looks || Clock::now() > end;
@@ -108,7 +114,8 @@ TEST(App, KeepsUpWithItsSettingsFile) {
     EXPECT_EQ(contentOf(app.copy(app.looks)), "[Orrinvale]\nchange 6\n");
 }
 
-// Otherwise the first file that it opens gets the number of standard error, and the log is written into it.
+// Otherwise the first file that it opens gets the number of standard error, and the log is written
+// into it.
 TEST(App, ClosedStreamsAreNoFilesOfIts) {
     OffscreenRun app;
     app.run.program = "/bin/sh";
@@ -122,14 +129,17 @@ TEST(App, ClosedStreamsAreNoFilesOfIts) {
 }
 
 TEST(App, NoMemoryIsStatusOne) {
-    if (isSanitized()) GTEST_SKIP() << "the sanitizer's allocator needs the address space that the limit takes";
+    if (isSanitized())
+        GTEST_SKIP() << "the sanitizer's allocator needs the address space that the limit takes";
     const auto result = runApp({"fr", "3221225472"}, {{RLIMIT_AS, 512U << 20}});
     EXPECT_EQ(result.status, 1) << result.error;
     EXPECT_EQ(result.error, "freeMemoy size=3221225472\n");
-    EXPECT_EQ(runApp({"fr", "33554432"}, {{RLIMIT_AS, 512U << 20}}).status, 0);  // the limit alone is no hindrance
+    EXPECT_EQ(runApp({"fr", "33554432"}, {{RLIMIT_AS, 512U << 20}}).status,
+              0);  // the limit alone is no hindrance
 }
 
-// The run that only touches memory happens each time somebody frees memory: it must not load what draws windows.
+// The run that only touches memory happens each time somebody frees memory: it must not load what
+// draws windows.
 TEST(App, TheMemoryRunLoadsNoPlugins) {
     if (isSanitized()) GTEST_SKIP() << "strace and the sanitizers do not go together";
     ProgramRun run;

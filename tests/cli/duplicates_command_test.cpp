@@ -1,4 +1,5 @@
-// What orrinvale-cli duplicates finds and prints, in its three forms, on real trees. duplicates_run_test.cpp has the process.
+// What orrinvale-cli duplicates finds and prints, in its three forms, on real trees.
+// duplicates_run_test.cpp has the process.
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/stat.h>
@@ -25,7 +26,8 @@ TEST(DuplicatesJson, WholeDocument) {
     TestTree tree;
     for (const char* name : {"1", "2", "3"})
         ASSERT_TRUE(tree.write(std::string(name) + "\xFF\"\n.txt", someBytes(1500, 1)));
-    ASSERT_TRUE(tree.write("other.txt", someBytes(1500, 2)) && tree.write("empty1", "") && tree.write("empty2", ""));
+    ASSERT_TRUE(tree.write("other.txt", someBytes(1500, 2)) && tree.write("empty1", "") &&
+                tree.write("empty2", ""));
     Json leaves = Json::array();
     for (const char* name : {"1", "2", "3"}) {
         const std::string path = tree.at(std::string(name) + "\xFF\"\n.txt");
@@ -42,29 +44,41 @@ TEST(DuplicatesJson, WholeDocument) {
     Json document = jsonOf(run.run());
     ASSERT_EQ(document["groups"].size(), 1U);
     Json& group = document["groups"][0];
-    EXPECT_EQ(tree.at(group["name"].get<std::string>()), group["leaves"].back()["path"]) << "named after the last";
+    EXPECT_EQ(tree.at(group["name"].get<std::string>()), group["leaves"].back()["path"])
+        << "named after the last";
     group.erase("name");
     std::sort(group["leaves"].begin(), group["leaves"].end());
-    const Json expected = {
-        {"root", tree.path()},
-        {"groups",
-         {{{"extension", "txt"}, {"type", "documents"}, {"bundle", false}, {"size", 4500}, {"leaves", leaves}}}},
-        {"summary",
-         {{"files", 4}, {"bundles", 0}, {"groups", 1}, {"leaves", 3}, {"bytes", 4500}, {"reclaimable", 3000}}},
-        {"skipped", Json::array()},
-        {"stopped", false}};
+    const Json expected = {{"root", tree.path()},
+                           {"groups",
+                            {{{"extension", "txt"},
+                              {"type", "documents"},
+                              {"bundle", false},
+                              {"size", 4500},
+                              {"leaves", leaves}}}},
+                           {"summary",
+                            {{"files", 4},
+                             {"bundles", 0},
+                             {"groups", 1},
+                             {"leaves", 3},
+                             {"bytes", 4500},
+                             {"reclaimable", 3000}}},
+                           {"skipped", Json::array()},
+                           {"stopped", false}};
     EXPECT_EQ(document.dump(1), expected.dump(1));
 }
 
 TEST(DuplicatesJson, NamesOfOneFileFreeNothing) {
     TestTree tree;
-    ASSERT_TRUE(tree.write("a", someBytes(1000, 1)) && tree.hardLink("a", "b") && tree.write("c", someBytes(1000, 1)));
+    ASSERT_TRUE(tree.write("a", someBytes(1000, 1)) && tree.hardLink("a", "b") &&
+                tree.write("c", someBytes(1000, 1)));
     ASSERT_TRUE(tree.write("d", someBytes(300, 2)) && tree.hardLink("d", "e"));
     const Json summary = search({tree.path()})["summary"];
-    EXPECT_EQ(summary.dump(), R"({"files":5,"bundles":0,"groups":2,"leaves":5,"bytes":3600,"reclaimable":1000})");
+    EXPECT_EQ(summary.dump(),
+              R"({"files":5,"bundles":0,"groups":2,"leaves":5,"bytes":3600,"reclaimable":1000})");
 
     TestTree bundles;
-    ASSERT_TRUE(bundles.write("a.app/in", someBytes(1000, 1)) && bundles.write("a.app/own", "12345"));
+    ASSERT_TRUE(bundles.write("a.app/in", someBytes(1000, 1)) &&
+                bundles.write("a.app/own", "12345"));
     ASSERT_TRUE(bundles.hardLink("a.app/in", "b.app/in") && bundles.write("b.app/own", "12345"));
     EXPECT_EQ(search({bundles.path()})["summary"]["reclaimable"], 5);
 }
@@ -87,18 +101,23 @@ TEST(DuplicatesJson, BundlesComeFirstAndHideTheirFiles) {
         ASSERT_TRUE(tree.write(std::string(bundle) + "/Contents/program", someBytes(5000, 1)));
         ASSERT_TRUE(tree.write(std::string(bundle) + "/Contents/short", "x"));
     }
-    for (const char* name : {"loose", "sub/loose"}) ASSERT_TRUE(tree.write(name, someBytes(5000, 1)));
+    for (const char* name : {"loose", "sub/loose"})
+        ASSERT_TRUE(tree.write(name, someBytes(5000, 1)));
     const Json document = search({tree.path()});
     ASSERT_EQ(document["groups"].size(), 2U);
     Json bundles = document["groups"][0];
-    EXPECT_EQ(bundles["name"],
-              std::filesystem::path(bundles["leaves"][1]["path"].get<std::string>()).filename().string());
+    EXPECT_EQ(
+        bundles["name"],
+        std::filesystem::path(bundles["leaves"][1]["path"].get<std::string>()).filename().string());
     bundles.erase("name");
     std::sort(bundles["leaves"].begin(), bundles["leaves"].end());
     const Json leaves = {{{"path", tree.at("One.app")}, {"size", 5001}, {"modified", nullptr}},
                          {{"path", tree.at("sub/Two.APP")}, {"size", 5001}, {"modified", nullptr}}};
-    const Json expected = {
-        {"extension", "APP"}, {"type", "others"}, {"bundle", true}, {"size", 10002}, {"leaves", leaves}};
+    const Json expected = {{"extension", "APP"},
+                           {"type", "others"},
+                           {"bundle", true},
+                           {"size", 10002},
+                           {"leaves", leaves}};
     EXPECT_EQ(bundles.dump(1), expected.dump(1));
     EXPECT_EQ(document["groups"][1]["bundle"], false);
     EXPECT_EQ(document["summary"].dump(),
@@ -131,15 +150,18 @@ TEST(DuplicatesSearch, OptionsChooseWhatIsLookedAt) {
     };
     for (auto each : cases) {
         each.options.push_back(tree.path());
-        EXPECT_EQ(leavesOf(search(each.options)).size(), each.leaves) << ::testing::PrintToString(each.options);
+        EXPECT_EQ(leavesOf(search(each.options)).size(), each.leaves)
+            << ::testing::PrintToString(each.options);
     }
 }
 
 TEST(DuplicatesSearch, TheRootMayBeNamedInManyWays) {
     TestTree tree;
     for (const char* copy : {"1", "2"})
-        for (const char* folder : {"x", "x/y", ".dot/in", "[a]", "a,b", "duplicates", "-x", "{}", "%s"})
-            ASSERT_TRUE(tree.write(std::string(folder) + "/file" + copy, std::string("in ") + folder));
+        for (const char* folder :
+             {"x", "x/y", ".dot/in", "[a]", "a,b", "duplicates", "-x", "{}", "%s"})
+            ASSERT_TRUE(
+                tree.write(std::string(folder) + "/file" + copy, std::string("in ") + folder));
     ASSERT_TRUE(tree.symlink("x/y", "link"));
     const struct {
         std::vector<std::string> arguments;
@@ -200,15 +222,18 @@ TEST(DuplicatesOutput, ZeroEndedPathsAreExact) {
 
 TEST(DuplicatesOutput, TheListingForPeople) {
     TestTree tree;
-    ASSERT_TRUE(tree.write("a.bin", std::string(1'500'000, 'x')) && tree.hardLink("a.bin", "b.bin"));
+    ASSERT_TRUE(tree.write("a.bin", std::string(1'500'000, 'x')) &&
+                tree.hardLink("a.bin", "b.bin"));
     ASSERT_TRUE(tree.write("c.bin", std::string(1'500'000, 'x')));
     const std::vector<std::string> paths = leavesOf(search({tree.path()}));
     ASSERT_EQ(paths.size(), 3U);
-    std::string expected = std::filesystem::path(paths.back()).filename().string() + "  3 copies of 1.50 MB\n";
+    std::string expected =
+        std::filesystem::path(paths.back()).filename().string() + "  3 copies of 1.50 MB\n";
     for (const std::string& path : paths) expected += "  " + path + "\n";
     expected += "\n1 group of duplicates among 3 files: 3 copies, 1.50 MB can be freed.\n";
     EXPECT_EQ(duplicatesRun({tree.path()}).run().output, expected);
-    EXPECT_EQ(duplicatesRun({"--limit", "1500000", tree.path()}).run().output, "No duplicates among 0 files.\n");
+    EXPECT_EQ(duplicatesRun({"--limit", "1500000", tree.path()}).run().output,
+              "No duplicates among 0 files.\n");
 }
 
 TEST(DuplicatesOutput, NamesDoNotCommandTheTerminal) {
@@ -225,7 +250,8 @@ TEST(DuplicatesOutput, NamesDoNotCommandTheTerminal) {
         if (!colour) run.environment = {"NO_COLOR=1"};
         const auto result = run.run();
         EXPECT_EQ(result.status, 0);
-        EXPECT_NE(result.output.find("\\x1b]0;title\\x07\\n\\x0d\\x7f\\xc2\\x9b2J\\x9b1"), std::string::npos)
+        EXPECT_NE(result.output.find("\\x1b]0;title\\x07\\n\\x0d\\x7f\\xc2\\x9b2J\\x9b1"),
+                  std::string::npos)
             << result.output;
         EXPECT_EQ(result.output.find_first_of("\x07\r\x7F\x9B"), std::string::npos);
         EXPECT_EQ(result.output.find('\x1b') != std::string::npos, colour) << result.output;

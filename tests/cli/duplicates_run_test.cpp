@@ -1,4 +1,5 @@
-// orrinvale-cli duplicates as a process: exit statuses, what goes to standard error, signals, terminals, the environment.
+// orrinvale-cli duplicates as a process: exit statuses, what goes to standard error, signals,
+// terminals, the environment.
 #include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -16,9 +17,13 @@ namespace {
 
 constexpr uid_t kNobody = 65534;
 
-std::optional<uid_t> ordinaryUser() { return ::geteuid() == 0 ? std::optional<uid_t>(kNobody) : std::nullopt; }
+std::optional<uid_t> ordinaryUser() {
+    return ::geteuid() == 0 ? std::optional<uid_t>(kNobody) : std::nullopt;
+}
 
-std::ptrdiff_t linesIn(const std::string& text) { return std::count(text.begin(), text.end(), '\n'); }
+std::ptrdiff_t linesIn(const std::string& text) {
+    return std::count(text.begin(), text.end(), '\n');
+}
 
 ProgramRun programRun(std::vector<std::string> arguments) {
     ProgramRun run;
@@ -38,12 +43,14 @@ TEST(CommandLine, WhatIsWrongIsSaidAndHelpIsNamed) {
         {{"--help", "lareg"}, "the nearest is \"large\""},
         {{"vol", "--help"}, "the nearest is \"volumes\""},
         {{"xyzzy", "--version"}, "there is no command \"xyzzy\"; see"},
-        {{"duplicates", "--hiden", "--help"}, "there is no option \"--hiden\"; the nearest is \"--hidden\""},
+        {{"duplicates", "--hiden", "--help"},
+         "there is no option \"--hiden\"; the nearest is \"--hidden\""},
         {{"duplicates", "--limit=1", "--josn", "-h"}, "the nearest is \"--json\""},
         {{"duplicates", "--json", "-0", "."}, "take one of them"},
         {{"volumes", "--print0", "--json"}, "take one of them"},
         {{"large", "--depth", "1KB", "."}, "--depth"},
-        {{"duplicates", "--limit", "1M", "."}, "10MB, 1.5 GB, 4KiB, or a number of bytes, not \"1M\""},
+        {{"duplicates", "--limit", "1M", "."},
+         "10MB, 1.5 GB, 4KiB, or a number of bytes, not \"1M\""},
         {{""}, ""},
         {{"duplicates"}, "FOLDER"},
         {{"duplicates", "--json"}, "FOLDER"},
@@ -77,16 +84,17 @@ TEST(CommandLine, HelpNamesEveryOption) {
     const auto help = programRun({"duplicates", "--help"}).run();
     EXPECT_EQ(help.status, 0);
     EXPECT_EQ(help.error, "");
-    for (const char* word :
-         {"--hidden", "--system", "--limit SIZE", "FOLDER", "--json", "-0,--print0", "--quiet", "--log"})
+    for (const char* word : {"--hidden", "--system", "--limit SIZE", "FOLDER", "--json",
+                             "-0,--print0", "--quiet", "--log"})
         EXPECT_NE(help.output.find(word), std::string::npos) << word << '\n' << help.output;
     EXPECT_EQ(programRun({"--version"}).run().status, 0);
 }
 
 TEST(Statuses, AFolderThatCanNotBeSearchedIsThree) {
     TestTree tree;
-    ASSERT_TRUE(tree.write("file", "x") && tree.folder("locked") && tree.symlink("nowhere", "broken") &&
-                tree.fifo("pipe") && tree.symlink("loop", "loop"));
+    ASSERT_TRUE(tree.write("file", "x") && tree.folder("locked") &&
+                tree.symlink("nowhere", "broken") && tree.fifo("pipe") &&
+                tree.symlink("loop", "loop"));
     ASSERT_TRUE(tree.setMode("locked", 0) && ::chmod(tree.path().c_str(), 0755) == 0);
     const struct {
         std::string name;
@@ -112,7 +120,8 @@ TEST(Statuses, AFolderThatCanNotBeSearchedIsThree) {
             EXPECT_EQ(result.output, "");
             EXPECT_EQ(linesIn(result.error), 1) << result.error;
             EXPECT_NE(result.error.find(each.reason), std::string::npos) << result.error;
-            EXPECT_EQ(result.error.find("\xC2\x9B"), std::string::npos) << "a control byte reaches the terminal";
+            EXPECT_EQ(result.error.find("\xC2\x9B"), std::string::npos)
+                << "a control byte reaches the terminal";
         }
     }
     ASSERT_TRUE(tree.setMode("locked", 0700));
@@ -120,10 +129,12 @@ TEST(Statuses, AFolderThatCanNotBeSearchedIsThree) {
 
 TEST(Statuses, UnreadableEntriesAreNamedAndGiveOne) {
     TestTree tree;
-    for (const char* name : {"a", "b", "locked file", "in/c", "locked folder/d"}) ASSERT_TRUE(tree.write(name, "same"));
+    for (const char* name : {"a", "b", "locked file", "in/c", "locked folder/d"})
+        ASSERT_TRUE(tree.write(name, "same"));
     ASSERT_TRUE(tree.write("locked alone", "of a size of its own"));
     ASSERT_TRUE(::chmod(tree.path().c_str(), 0755) == 0 && tree.setMode("in", 0755));
-    for (const char* name : {"locked file", "locked folder", "locked alone"}) ASSERT_TRUE(tree.setMode(name, 0));
+    for (const char* name : {"locked file", "locked folder", "locked alone"})
+        ASSERT_TRUE(tree.setMode(name, 0));
     for (const char* name : {"a", "b", "in/c"}) ASSERT_TRUE(tree.setMode(name, 0644));
 
     ProgramRun run = duplicatesRun({"--json", tree.path()});
@@ -134,8 +145,9 @@ TEST(Statuses, UnreadableEntriesAreNamedAndGiveOne) {
     std::map<std::string, std::string> skipped;
     for (const Json& entry : document["skipped"]) skipped[entry["path"]] = entry["reason"];
     // The file whose size nobody shares need not be read.
-    const std::map<std::string, std::string> expected{{tree.at("locked file"), "Permission denied"},
-                                                      {tree.at("locked folder"), "Permission denied"}};
+    const std::map<std::string, std::string> expected{
+        {tree.at("locked file"), "Permission denied"},
+        {tree.at("locked folder"), "Permission denied"}};
     EXPECT_EQ(skipped, expected);
     EXPECT_EQ(leavesOf(document).size(), 3U);
     for (const auto& [path, reason] : expected)
@@ -177,7 +189,8 @@ TEST(StandardError, LogLinesOnlyWhenAskedFor) {
         EXPECT_TRUE(logged.error.substr(at).starts_with("[qrt]fun:")) << logged.error;
 }
 
-// Large files that take long to read for little disk: a byte here and there, at distances below which holes are not skipped.
+// Large files that take long to read for little disk: a byte here and there, at distances below
+// which holes are not skipped.
 void makeSlowFile(TestTree& tree, const std::string& name, std::uint64_t size) {
     ASSERT_TRUE(tree.sparse(name, size));
     for (std::uint64_t at = 0; at < size; at += 1000 * 1024) ASSERT_TRUE(tree.patch(name, at, "x"));
@@ -188,7 +201,8 @@ constexpr int kPairs = 150;
 void makeSlowTree(TestTree& tree, const std::string& folder = {}) {
     for (int i = 0; i < kPairs; ++i)
         for (const char* copy : {"a", "b"})
-            makeSlowFile(tree, folder + copy + std::to_string(i), (64U << 20) + static_cast<unsigned>(i) * 4096U);
+            makeSlowFile(tree, folder + copy + std::to_string(i),
+                         (64U << 20) + static_cast<unsigned>(i) * 4096U);
 }
 
 // More than the first batch of files that is hashed together, so that groups are found already.
@@ -226,16 +240,17 @@ TEST(Signals, TheSecondOneEndsAtOnce) {
 #if defined(__SANITIZE_THREAD__)
     GTEST_SKIP() << "ThreadSanitizer holds signals back while a call blocks";
 #endif
-    // Pairs that are found before others that take long; their paths fill a pipe that nobody reads, so that the command
-    // hangs in the middle of its result.
+    // Pairs that are found before others that take long; their paths fill a pipe that nobody reads,
+    // so that the command hangs in the middle of its result.
     TestTree slow;
     ASSERT_TRUE(slow.folder("x") && slow.folder("y"));
-    const std::string early = std::filesystem::directory_iterator(slow.path())->path().filename().string() + '/';
+    const std::string early =
+        std::filesystem::directory_iterator(slow.path())->path().filename().string() + '/';
     const std::string later = early == "x/" ? "y/" : "x/";
     for (const char* copy : {"a", "b"})
         for (int i = 0; i < 400; ++i)
-            ASSERT_TRUE(
-                slow.write(early + std::string(200, 'n') + std::to_string(i) + copy, "content " + std::to_string(i)));
+            ASSERT_TRUE(slow.write(early + std::string(200, 'n') + std::to_string(i) + copy,
+                                   "content " + std::to_string(i)));
     makeSlowTree(slow, later);
     for (const auto& [first, second] :
          {std::pair{SIGINT, SIGINT}, {SIGTERM, SIGTERM}, {SIGINT, SIGTERM}, {SIGTERM, SIGINT}}) {
@@ -252,11 +267,13 @@ TEST(Signals, TheSecondOneEndsAtOnce) {
                        {second, [&](const std::string& error) {
                             // The end of the progress line says that the first one has been taken.
                             return error.ends_with("\r\x1b[K") &&
-                                   std::chrono::steady_clock::now() - sent > std::chrono::milliseconds(300);
+                                   std::chrono::steady_clock::now() - sent >
+                                       std::chrono::milliseconds(300);
                         }}};
         const auto result = run.run();
         EXPECT_FALSE(result.late) << first << ' ' << second;
-        EXPECT_EQ(result.signal, second) << first << ", status " << result.status << ", " << result.output.size();
+        EXPECT_EQ(result.signal, second)
+            << first << ", status " << result.status << ", " << result.output.size();
     }
 }
 
@@ -271,7 +288,8 @@ TEST(StandardError, TheProgressLineIsForTerminals) {
             run.terminal = terminal;
             const auto begin = std::chrono::steady_clock::now();
             run.signals = {{SIGINT, [begin](const std::string&) {
-                                return std::chrono::steady_clock::now() - begin > std::chrono::milliseconds(700);
+                                return std::chrono::steady_clock::now() - begin >
+                                       std::chrono::milliseconds(700);
                             }}};
             const auto result = run.run();
             EXPECT_EQ(result.status, 130);
@@ -280,11 +298,14 @@ TEST(StandardError, TheProgressLineIsForTerminals) {
                 continue;
             }
             EXPECT_NE(result.error.find(" files, "), std::string::npos);
-            EXPECT_EQ(result.error.find('\n'), std::string::npos) << "one line, drawn over and over";
+            EXPECT_EQ(result.error.find('\n'), std::string::npos)
+                << "one line, drawn over and over";
             EXPECT_EQ(result.error.find("\x1b[2J"), std::string::npos);
             for (std::size_t at = 0; at < result.error.size();) {
-                const std::size_t end = std::min(result.error.find('\r', at + 1), result.error.size());
-                EXPECT_LE(end - at, 80U + 4U) << result.error.substr(at, end - at);  // with "\r" and the erasing
+                const std::size_t end =
+                    std::min(result.error.find('\r', at + 1), result.error.size());
+                EXPECT_LE(end - at, 80U + 4U)
+                    << result.error.substr(at, end - at);  // with "\r" and the erasing
                 at = end;
             }
         }
@@ -293,12 +314,16 @@ TEST(StandardError, TheProgressLineIsForTerminals) {
 
 TEST(Environment, ChangesNothing) {
     TestTree tree;
-    ASSERT_TRUE(tree.write("a", std::string(1'500'000, 'x')) && tree.write("b\xC3\xA9", std::string(1'500'000, 'x')));
+    ASSERT_TRUE(tree.write("a", std::string(1'500'000, 'x')) &&
+                tree.write("b\xC3\xA9", std::string(1'500'000, 'x')));
     const auto listing = duplicatesRun({tree.path()}).run();  // with no environment at all
     ASSERT_NE(listing.output.find("1.50 MB"), std::string::npos);
     const auto document = duplicatesRun({"--json", tree.path()}).run();
-    std::vector<std::vector<std::string>> environments{
-        {"HOME=/nonexistent"}, {"TMPDIR=/nonexistent"}, {"LC_ALL=tr_TR.UTF-8"}, {"TERM=dumb"}, {"POSIXLY_CORRECT=1"}};
+    std::vector<std::vector<std::string>> environments{{"HOME=/nonexistent"},
+                                                       {"TMPDIR=/nonexistent"},
+                                                       {"LC_ALL=tr_TR.UTF-8"},
+                                                       {"TERM=dumb"},
+                                                       {"POSIXLY_CORRECT=1"}};
     // Where ./dev test has made the German locale, a comma stands for the decimal point.
     if (const char* const folder = std::getenv("LOCPATH"))
         environments.push_back({"LC_ALL=de_DE.UTF-8", std::string("LOCPATH=") + folder});

@@ -1,4 +1,5 @@
-// orrinvale-cli large as a process: what it prints and how much of it, exit statuses, the stop, the log.
+// orrinvale-cli large as a process: what it prints and how much of it, exit statuses, the stop, the
+// log.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <unistd.h>
@@ -20,8 +21,9 @@ ProgramRun largeRun(std::vector<std::string> arguments, const std::string& folde
 }
 
 void fill(TestTree& tree) {
-    ASSERT_TRUE(tree.write("a/big/file", std::string(1500, 'x')) && tree.write("a/\"small\"", "12345") &&
-                tree.write("\xfe\n", "123") && tree.folder("empty"));
+    ASSERT_TRUE(tree.write("a/big/file", std::string(1500, 'x')) &&
+                tree.write("a/\"small\"", "12345") && tree.write("\xfe\n", "123") &&
+                tree.folder("empty"));
 }
 
 // The tree in short: NAME SIZE, and in braces what stands in a folder's children.
@@ -32,7 +34,8 @@ std::string shortOf(const Json& entries, const std::string& above) {
         EXPECT_EQ(entry["path"], above + "/" + name);
         out += name + " " + std::to_string(entry["size"].get<std::uint64_t>());
         out += entry["directory"] == true ? "/ " : " ";
-        if (entry.contains("children")) out += "{" + shortOf(entry["children"], above + "/" + name) + "} ";
+        if (entry.contains("children"))
+            out += "{" + shortOf(entry["children"], above + "/" + name) + "} ";
     }
     return out;
 }
@@ -49,11 +52,15 @@ TEST(LargeCommand, printsAsDeepAndAsMuchAsAsked) {
          "/a|/\xfe\n|/empty|",
          "   1.50 KB  a/\n   0.00 KB  \\xfe\\n\n   0.00 KB  empty/\n"},
         {{"--depth", "0"}, "", "", ""},
-        {{"--depth", "2", "--top", "1"}, "a 1505/ {big 1500/ } ", "/a|/a/big|", "   1.50 KB  a/\n   1.50 KB    big/\n"},
+        {{"--depth", "2", "--top", "1"},
+         "a 1505/ {big 1500/ } ",
+         "/a|/a/big|",
+         "   1.50 KB  a/\n   1.50 KB    big/\n"},
         {{"--depth", "99"},
          "a 1505/ {big 1500/ {file 1500 } \"small\" 5 } \xEF\xBF\xBD\n 3 empty 0/ {} ",
          "/a|/a/big|/a/big/file|/a/\"small\"|/\xfe\n|/empty|",
-         "   1.50 KB  a/\n   1.50 KB    big/\n   1.50 KB      file\n   0.00 KB    \"small\"\n   0.00 KB  \\xfe\\n\n"
+         "   1.50 KB  a/\n   1.50 KB    big/\n   1.50 KB      file\n   0.00 KB    \"small\"\n   "
+         "0.00 KB  \\xfe\\n\n"
          "   0.00 KB  empty/\n"},
         {{"--top", "0"}, "", "", ""},
     };
@@ -88,7 +95,8 @@ TEST(LargeCommand, printsAsDeepAndAsMuchAsAsked) {
 TEST(LargeCommand, whatCanNotBeReadAndWhatIsWrong) {
     TestTree tree;
     fill(tree);
-    ASSERT_TRUE(tree.write("b/locked/x", "1") && tree.setMode("b/locked", 0) && tree.write("file", "1"));
+    ASSERT_TRUE(tree.write("b/locked/x", "1") && tree.setMode("b/locked", 0) &&
+                tree.write("file", "1"));
     const struct {
         std::vector<std::string> arguments;
         int status;
@@ -115,7 +123,8 @@ TEST(LargeCommand, whatCanNotBeReadAndWhatIsWrong) {
             const std::string said = ::testing::PrintToString(each.arguments) + result.error;
             EXPECT_EQ(result.status, each.status) << said;
             EXPECT_EQ(result.output.empty(), each.status > 1) << said;
-            EXPECT_EQ(std::count(result.error.begin(), result.error.end(), '\n'), each.lines) << said;
+            EXPECT_EQ(std::count(result.error.begin(), result.error.end(), '\n'), each.lines)
+                << said;
             if (form != std::string("--json") || each.status != 1) continue;
             EXPECT_EQ(Json::parse(result.output)["skipped"][0]["path"], tree.at("b/locked"));
         }
@@ -145,16 +154,20 @@ TEST(LargeCommand, aStopPrintsWhatIsThere) {
     for (const int number : {SIGINT, SIGTERM}) {
         ProgramRun run = largeRun({"--json", "/"});
         run.terminal = true;
-        run.signals = {{number, [](const std::string& error) { return error.find(" entries") != std::string::npos; }}};
+        run.signals = {{number, [](const std::string& error) {
+                            return error.find(" entries") != std::string::npos;
+                        }}};
         const auto result = run.run();
-        if (result.status == 0 || result.status == 1) GTEST_SKIP() << "read the whole disk before the signal came";
+        if (result.status == 0 || result.status == 1)
+            GTEST_SKIP() << "read the whole disk before the signal came";
         EXPECT_FALSE(result.late);
         EXPECT_EQ(result.status, 130) << result.signal;
         const Json document = Json::parse(result.output, nullptr, false);
         ASSERT_TRUE(document.is_object());
         EXPECT_EQ(document["stopped"], true);
         EXPECT_GT(document["entries"].size(), 0U);
-        EXPECT_NE(result.error.find("\r\x1b[K"), std::string::npos) << "the progress line stays behind";
+        EXPECT_NE(result.error.find("\r\x1b[K"), std::string::npos)
+            << "the progress line stays behind";
     }
 }
 

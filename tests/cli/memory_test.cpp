@@ -1,4 +1,5 @@
-// The commands with less and less memory: none is cut down in the middle, and each says what was missing.
+// The commands with less and less memory: none is cut down in the middle, and each says what was
+// missing.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -18,18 +19,21 @@ constexpr rlim_t kMegabyte = rlim_t{1} << 20U;
 bool hasBegun(const ProgramRun::Result& result) { return result.status != 127; }
 
 TEST(Memory, RunningOutIsSaidAndWhatWasFoundIsPrinted) {
-    if (isSanitized()) GTEST_SKIP() << "the sanitizer's allocator needs the address space that the limit takes";
+    if (isSanitized())
+        GTEST_SKIP() << "the sanitizer's allocator needs the address space that the limit takes";
     TestTree tree;
     const std::string longName(200, 'n');
     for (int file = 0; file < 20'000; ++file)
-        ASSERT_TRUE(tree.write("f" + std::to_string(file / 1000) + '/' + longName + std::to_string(file), "same"));
+        ASSERT_TRUE(tree.write(
+            "f" + std::to_string(file / 1000) + '/' + longName + std::to_string(file), "same"));
     for (const char* command : {"duplicates", "large", "size"}) {
         int stoppedDocuments = 0;
         for (rlim_t limit = 16; limit <= 64; limit += 8) {
             ProgramRun run = commandRun(command, {"--json", tree.path()});
             run.limits = {{RLIMIT_AS, limit * kMegabyte}};
             const auto result = run.run();
-            SCOPED_TRACE(std::string(command) + ' ' + std::to_string(limit) + " MB\n" + result.error);
+            SCOPED_TRACE(std::string(command) + ' ' + std::to_string(limit) + " MB\n" +
+                         result.error);
             EXPECT_EQ(result.signal, 0);
             if (!hasBegun(result) || result.status == 0) continue;
             EXPECT_EQ(result.status, 1);

@@ -1,4 +1,5 @@
-// The texts that commands print and read: JSON of any bytes, names on a terminal, numbers of bytes, absolute paths.
+// The texts that commands print and read: JSON of any bytes, names on a terminal, numbers of bytes,
+// absolute paths.
 #include <gtest/gtest.h>
 
 #include <unistd.h>
@@ -33,10 +34,13 @@ TEST(Utf8, TheSequenceAtTheStartIsMeasured) {
         {2, {"\xC2\x80", "\xDF\xBF"}},
         {3, {"\xE0\xA0\x80", "\xED\x9F\xBF", "\xEE\x80\x80", "\xEF\xBF\xBF"}},
         {4, {"\xF0\x90\x80\x80", "\xF0\x9F\x98\x80 and more", "\xF4\x8F\xBF\xBF"}},
-        {0, {"", "\x80", "\xBF", "\xFF", "\xF5\x80\x80\x80", "\xF8\x88\x80\x80\x80"}},      // begin nothing
-        {0, {"\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF"}},                  // overlong
-        {0, {"\xED\xA0\x80", "\xED\xBF\xBF", "\xF4\x90\x80\x80"}},                          // no code points
-        {0, {"\xC2", "\xC2\x41", "\xC2\xC2", "\xE2\x82", "\xE2\x28\xA1", "\xE2\x82\x28"}},  // cut off
+        {0,
+         {"", "\x80", "\xBF", "\xFF", "\xF5\x80\x80\x80",
+          "\xF8\x88\x80\x80\x80"}},                                         // begin nothing
+        {0, {"\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF"}},  // overlong
+        {0, {"\xED\xA0\x80", "\xED\xBF\xBF", "\xF4\x90\x80\x80"}},          // no code points
+        {0,
+         {"\xC2", "\xC2\x41", "\xC2\xC2", "\xE2\x82", "\xE2\x28\xA1", "\xE2\x82\x28"}},  // cut off
         {0, {"\xF0\x9F\x98", "\xF0\x9F\x98\x28"}}};
     for (const auto& [length, sequences] : cases)
         for (const std::string_view bytes : sequences)
@@ -58,7 +62,8 @@ TEST(Json, TextsAreQuoted) {
         {"\xED\xA0\x80\"", "\"" + kBad + kBad + kBad + "\\\"\""},
         {"\xC3\n", "\"" + kBad + "\\n\""},
     };
-    for (const auto& each : cases) EXPECT_EQ(jsonText(each.bytes), each.text) << ::testing::PrintToString(each.bytes);
+    for (const auto& each : cases)
+        EXPECT_EQ(jsonText(each.bytes), each.text) << ::testing::PrintToString(each.bytes);
 }
 
 TEST(Json, EveryByteAndPairOfBytesGivesAText) {
@@ -66,8 +71,8 @@ TEST(Json, EveryByteAndPairOfBytesGivesAText) {
         const std::string bytes{static_cast<char>(pair >> 8), static_cast<char>(pair & 255)};
         const auto parsed = nlohmann::json::parse(jsonText(bytes), nullptr, false);
         ASSERT_TRUE(parsed.is_string()) << pair;
-        const bool valid =
-            validSequence(bytes) == 2 || (validSequence(bytes) == 1 && validSequence(bytes.substr(1)) == 1);
+        const bool valid = validSequence(bytes) == 2 ||
+                           (validSequence(bytes) == 1 && validSequence(bytes.substr(1)) == 1);
         ASSERT_EQ(parsed.get<std::string>() == bytes, valid) << pair;
     }
 }
@@ -79,7 +84,8 @@ TEST(Json, ExactBytesStandBesideABadPathOnly) {
         return nlohmann::json::parse("{" + out + "}");
     };
     EXPECT_EQ(fieldsOf("/a\n\xC3\xA9"), (nlohmann::json{{"path", "/a\n\xC3\xA9"}}));
-    EXPECT_EQ(fieldsOf("/a\xFF\x0A"), (nlohmann::json{{"path", "/a" + kBad + "\n"}, {"pathHex", "2f61ff0a"}}));
+    EXPECT_EQ(fieldsOf("/a\xFF\x0A"),
+              (nlohmann::json{{"path", "/a" + kBad + "\n"}, {"pathHex", "2f61ff0a"}}));
 }
 
 TEST(Printable, NothingInANameCommandsTheTerminal) {
@@ -105,7 +111,8 @@ TEST(Printable, NothingInANameCommandsTheTerminal) {
         {"a\u200Bb\u200D\u2060", "a\\xe2\\x80\\x8bb\\xe2\\x80\\x8d\\xe2\\x81\\xa0"},
         {"\uFEFF\u00AD\u2028", "\\xef\\xbb\\xbf\\xc2\\xad\\xe2\\x80\\xa8"},
         {"\U000E0041", "\\xf3\\xa0\\x81\\x81"},
-        {"\u2010\u2030\u05D0\u0627", "\u2010\u2030\u05D0\u0627"},  // letters written from the right are letters
+        {"\u2010\u2030\u05D0\u0627",
+         "\u2010\u2030\u05D0\u0627"},  // letters written from the right are letters
     };
     for (const auto& each : cases) EXPECT_EQ(printable(each.bytes), each.text);
 }
@@ -140,9 +147,9 @@ TEST(SizeText, NumbersWithAndWithoutUnits) {
         {std::string_view("1\0", 2), std::nullopt},
     };
     for (const auto& each : cases) EXPECT_EQ(parseSize(each.text), each.bytes) << each.text;
-    for (const char* text :
-         {"",   "-0",    "-1",      "+1", " 1",   "1 ",   "1e3",   "1.5",  "1.5B",   "0x10", "1K",   "1M",
-          "1k", "1,000", "1,000KB", "MB", ".5MB", "1.MB", "1  MB", "1MB ", "1 MB/s", "1ZB",  "1KIBB"})
+    for (const char* text : {"",     "-0",   "-1",    "+1",   " 1",     "1 ",    "1e3",     "1.5",
+                             "1.5B", "0x10", "1K",    "1M",   "1k",     "1,000", "1,000KB", "MB",
+                             ".5MB", "1.MB", "1  MB", "1MB ", "1 MB/s", "1ZB",   "1KIBB"})
         EXPECT_EQ(parseSize(text), std::nullopt) << '"' << text << '"';
     EXPECT_EQ(parseNumber("12"), 12U);
     EXPECT_EQ(parseNumber("1KB"), std::nullopt);

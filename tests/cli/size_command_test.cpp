@@ -27,23 +27,26 @@ void fill(TestTree& tree) {
 TEST(SizeCommand, printsEachPathAndTheSum) {
     TestTree tree;
     fill(tree);
-    const auto json = sizeRun({"--json", "a", tree.at("a/file"), "link", "link/", "\xfe\n", "a"}, tree.path()).run();
+    const auto json =
+        sizeRun({"--json", "a", tree.at("a/file"), "link", "link/", "\xfe\n", "a"}, tree.path())
+            .run();
     EXPECT_EQ(json.status, 0);
     EXPECT_EQ(json.error, "");
-    const Json expected = {{"sizes",
-                            {{{"path", tree.at("a")}, {"size", 1505}, {"files", 2}, {"folders", 1}},
-                             {{"path", tree.at("a/file")}, {"size", 1500}, {"files", 1}, {"folders", 0}},
-                             {{"path", tree.at("link")}, {"size", 1}, {"files", 1}, {"folders", 0}},
-                             {{"path", tree.at("link/")}, {"size", 1505}, {"files", 2}, {"folders", 1}},
-                             {{"path", tree.at("\xEF\xBF\xBD\n")},
-                              {"pathHex", Json::parse(json.output)["sizes"][4].value("pathHex", "")},
-                              {"size", 1},
-                              {"files", 1},
-                              {"folders", 0}},
-                             {{"path", tree.at("a")}, {"size", 1505}, {"files", 2}, {"folders", 1}}}},
-                           {"total", 6017},
-                           {"skipped", Json::array()},
-                           {"stopped", false}};
+    const Json expected = {
+        {"sizes",
+         {{{"path", tree.at("a")}, {"size", 1505}, {"files", 2}, {"folders", 1}},
+          {{"path", tree.at("a/file")}, {"size", 1500}, {"files", 1}, {"folders", 0}},
+          {{"path", tree.at("link")}, {"size", 1}, {"files", 1}, {"folders", 0}},
+          {{"path", tree.at("link/")}, {"size", 1505}, {"files", 2}, {"folders", 1}},
+          {{"path", tree.at("\xEF\xBF\xBD\n")},
+           {"pathHex", Json::parse(json.output)["sizes"][4].value("pathHex", "")},
+           {"size", 1},
+           {"files", 1},
+           {"folders", 0}},
+          {{"path", tree.at("a")}, {"size", 1505}, {"files", 2}, {"folders", 1}}}},
+        {"total", 6017},
+        {"skipped", Json::array()},
+        {"stopped", false}};
     EXPECT_EQ(Json::parse(json.output), expected) << json.output;
     EXPECT_TRUE(expected["sizes"][4]["pathHex"].get<std::string>().ends_with("2ffe0a"));
 
@@ -54,7 +57,8 @@ TEST(SizeCommand, printsEachPathAndTheSum) {
               "3\t" + tree.at("[a,b]") + '\0' + "2\t" + tree.at("-x") + '\0');
     EXPECT_EQ(sizeRun({"a"}, tree.path()).run().output, "   1.50 KB  " + tree.at("a") + "\n");
     EXPECT_EQ(sizeRun({"a", "\xfe\n"}, tree.path()).run().output,
-              "   1.50 KB  " + tree.at("a") + "\n   0.00 KB  " + tree.at("\\xfe\\n") + "\n   1.51 KB  total\n");
+              "   1.50 KB  " + tree.at("a") + "\n   0.00 KB  " + tree.at("\\xfe\\n") +
+                  "\n   1.51 KB  total\n");
 }
 
 TEST(SizeCommand, whatCanNotBeMeasuredIsToldAndAloneIsThree) {
@@ -87,7 +91,8 @@ TEST(SizeCommand, whatCanNotBeMeasuredIsToldAndAloneIsThree) {
             const std::string said = ::testing::PrintToString(each.arguments) + result.error;
             EXPECT_EQ(result.status, each.status) << said;
             EXPECT_EQ(result.output.empty(), each.status > 1) << said;
-            EXPECT_EQ(std::count(result.error.begin(), result.error.end(), '\n'), each.lines) << said;
+            EXPECT_EQ(std::count(result.error.begin(), result.error.end(), '\n'), each.lines)
+                << said;
             if (form != std::string("--json") || each.skipped.empty()) continue;
             std::vector<std::string> skipped;
             const Json document = Json::parse(result.output);
@@ -117,7 +122,9 @@ TEST(SizeCommand, aStopPrintsWhatIsThere) {
     for (const int number : {SIGINT, SIGTERM}) {
         ProgramRun run = sizeRun(arguments, tree.path());
         run.terminal = true;
-        run.signals = {{number, [](const std::string& error) { return error.find(" files, ") != std::string::npos; }}};
+        run.signals = {{number, [](const std::string& error) {
+                            return error.find(" files, ") != std::string::npos;
+                        }}};
         const auto result = run.run();
         EXPECT_FALSE(result.late);
         EXPECT_EQ(result.status, 130) << result.signal;

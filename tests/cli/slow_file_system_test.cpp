@@ -1,4 +1,5 @@
-// The commands on a file system that is slow, and on one that does not answer: a stop is heard, and a hang is told with its path.
+// The commands on a file system that is slow, and on one that does not answer: a stop is heard, and
+// a hang is told with its path.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/mount.h>
@@ -33,7 +34,8 @@ public:
             ::execl(ORRINVALE_SLOW_FS, ORRINVALE_SLOW_FS, where.c_str(), time.c_str(), nullptr);
             ::_exit(127);
         }
-        for (int turns = 0; turns < 500 && !isMounted() && hasServer(); ++turns) std::this_thread::sleep_for(10ms);
+        for (int turns = 0; turns < 500 && !isMounted() && hasServer(); ++turns)
+            std::this_thread::sleep_for(10ms);
     }
     ~SlowFileSystem() {
         end();
@@ -54,8 +56,8 @@ public:
     [[nodiscard]] bool isMounted() const {
         struct stat inside {};
         struct stat outside {};
-        return ::stat(path().c_str(), &inside) == 0 && ::stat(m_tree.path().c_str(), &outside) == 0 &&
-               inside.st_dev != outside.st_dev;
+        return ::stat(path().c_str(), &inside) == 0 &&
+               ::stat(m_tree.path().c_str(), &outside) == 0 && inside.st_dev != outside.st_dev;
     }
 
 private:
@@ -91,7 +93,9 @@ TEST(SlowFileSystem, AStopIsHeardWithinASecond) {
 
 std::size_t timesIn(std::string_view text, std::string_view words) {
     std::size_t count = 0;
-    for (std::size_t at = text.find(words); at != std::string_view::npos; at = text.find(words, at + 1)) ++count;
+    for (std::size_t at = text.find(words); at != std::string_view::npos;
+         at = text.find(words, at + 1))
+        ++count;
     return count;
 }
 
@@ -105,21 +109,24 @@ TEST(SlowFileSystem, AHangIsToldWithItsPath) {
             run.terminal = terminal;
             const Clock::time_point begin = Clock::now();
             Clock::duration took{};
-            // Not even a kill gets through to the call; it comes back when the file system is gone. A second more shows whether
-            // the line is told again.
+            // Not even a kill gets through to the call; it comes back when the file system is gone.
+            // A second more shows whether the line is told again.
             run.signals = {{0, [&](const std::string& error) {
                                 const auto now = Clock::now() - begin;
-                                if (took == 0s && error.find("no answer for ") != std::string::npos) took = now;
+                                if (took == 0s && error.find("no answer for ") != std::string::npos)
+                                    took = now;
                                 if (now < (took == 0s ? 15s : took + 1500ms)) return false;
                                 hanging.end();
                                 return true;
                             }}};
             const auto result = run.run();
-            EXPECT_NE(result.error.find(told), std::string::npos) << command << terminal << result.error;
+            EXPECT_NE(result.error.find(told), std::string::npos)
+                << command << terminal << result.error;
             EXPECT_GT(took, 4900ms) << command << terminal;
             EXPECT_LT(took, 8s) << command << terminal;
             // What the end of the file system made unreadable is told besides.
-            EXPECT_TRUE(terminal || timesIn(result.error, "no answer for ") == 1) << result.error.substr(0, 1000);
+            EXPECT_TRUE(terminal || timesIn(result.error, "no answer for ") == 1)
+                << result.error.substr(0, 1000);
         }
     }
 }

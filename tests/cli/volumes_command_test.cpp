@@ -1,5 +1,5 @@
-// orrinvale-cli volumes as a process, among mounts with names that no one should use. Each run sees mounts of its own, which
-// go with it.
+// orrinvale-cli volumes as a process, among mounts with names that no one should use. Each run sees
+// mounts of its own, which go with it.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -23,8 +23,9 @@ constexpr const char* mounts =
 ProgramRun::Result volumesRun(const std::string& before, const std::string& options) {
     ProgramRun run;
     run.program = "/usr/bin/unshare";
-    run.arguments = {
-        "-m", "--propagation", "private", "sh", "-c", "{ " + before + "true; } || exit 99; exec " + options};
+    run.arguments = {"-m",      "--propagation",
+                     "private", "sh",
+                     "-c",      "{ " + before + "true; } || exit 99; exec " + options};
     run.environment = {"PATH=/usr/sbin:/usr/bin:/sbin:/bin"};
     return run.run();
 }
@@ -60,9 +61,11 @@ TEST_F(VolumesCommand, TheDocumentHoldsEveryFieldOfEveryRecord) {
     ASSERT_TRUE(odd.is_object()) << result.output;
     EXPECT_GT(odd.at("refNumber"), 0);
     odd.erase("refNumber");
-    EXPECT_EQ(odd.dump(), R"({"type":0,"typeName":"local","boot":false,"name":"a\nb","path":"/mnt/locked/a\nb",)"
-                          R"("freeSpace":"2.05 MB","totalSpace":"2.05 MB","free":2048000,"total":2048000,)"
-                          R"("canEject":false,"icon":{"path":"/mnt/locked/a\nb"}})");
+    EXPECT_EQ(
+        odd.dump(),
+        R"({"type":0,"typeName":"local","boot":false,"name":"a\nb","path":"/mnt/locked/a\nb",)"
+        R"("freeSpace":"2.05 MB","totalSpace":"2.05 MB","free":2048000,"total":2048000,)"
+        R"("canEject":false,"icon":{"path":"/mnt/locked/a\nb"}})");
     const Json bad = volumeAt(document, "/mnt/locked/c\xEF\xBF\xBD");
     ASSERT_TRUE(bad.is_object()) << result.output;
     EXPECT_EQ(bad.at("name"), "c\xEF\xBF\xBD");
@@ -75,23 +78,28 @@ TEST_F(VolumesCommand, TheDocumentHoldsEveryFieldOfEveryRecord) {
 TEST_F(VolumesCommand, TheListingIsOneLineAVolumeAndPathsAreExact) {
     const auto listing = volumesRun(mounts, program);
     EXPECT_EQ(listing.status, 0);
-    EXPECT_NE(listing.output.find("local  2.05 MB of 2.05 MB"), std::string::npos) << listing.output;
+    EXPECT_NE(listing.output.find("local  2.05 MB of 2.05 MB"), std::string::npos)
+        << listing.output;
     EXPECT_NE(listing.output.find("  /mnt/locked/a\\nb\n"), std::string::npos) << listing.output;
     EXPECT_NE(listing.output.find("  /mnt/locked/c\\xff\n"), std::string::npos) << listing.output;
     const std::size_t column = listing.output.find("PATH");
     std::size_t lines = 0;
-    for (std::size_t at = 0; at < listing.output.size(); at = listing.output.find('\n', at) + 1, ++lines)
+    for (std::size_t at = 0; at < listing.output.size();
+         at = listing.output.find('\n', at) + 1, ++lines)
         EXPECT_EQ(lines == 0 ? 'P' : '/', listing.output[at + column]) << listing.output;
     const auto paths = volumesRun(mounts, program + "-0");
     EXPECT_TRUE(paths.output.starts_with(std::string("/\0", 2)));
-    EXPECT_NE(paths.output.find(std::string("\0/mnt/locked/a\nb\0/mnt/locked/c\xff\0", 32)), std::string::npos);
-    EXPECT_EQ(static_cast<std::size_t>(std::count(paths.output.begin(), paths.output.end(), '\0')), lines - 1);
+    EXPECT_NE(paths.output.find(std::string("\0/mnt/locked/a\nb\0/mnt/locked/c\xff\0", 32)),
+              std::string::npos);
+    EXPECT_EQ(static_cast<std::size_t>(std::count(paths.output.begin(), paths.output.end(), '\0')),
+              lines - 1);
 }
 
 TEST_F(VolumesCommand, WhatCanNotBeAskedIsNamed) {
     const std::string asOther = "setpriv --reuid=65534 --regid=65534 --clear-groups " + program;
     const std::string locked = std::string(mounts) + "chmod 700 /mnt/locked && ";
-    if (volumesRun(locked, asOther + "--help").status != 0) GTEST_SKIP() << "another user can not start the program";
+    if (volumesRun(locked, asOther + "--help").status != 0)
+        GTEST_SKIP() << "another user can not start the program";
     const auto result = volumesRun(locked, asOther + "--json");
     EXPECT_EQ(result.status, 1);
     const Json document = Json::parse(result.output, nullptr, false);
@@ -99,8 +107,10 @@ TEST_F(VolumesCommand, WhatCanNotBeAskedIsNamed) {
     EXPECT_EQ(volumeAt(document, "/mnt/locked/a\nb"), nullptr);
     EXPECT_TRUE(volumeAt(document, "/mnt").is_object());
     ASSERT_EQ(document.at("skipped").size(), 2U) << result.output;
-    EXPECT_EQ(document["skipped"][0].dump(), R"({"path":"/mnt/locked/a\nb","reason":"Permission denied"})");
-    EXPECT_TRUE(result.error.starts_with("orrinvale-cli: /mnt/locked/a\\nb: Permission denied\n")) << result.error;
+    EXPECT_EQ(document["skipped"][0].dump(),
+              R"({"path":"/mnt/locked/a\nb","reason":"Permission denied"})");
+    EXPECT_TRUE(result.error.starts_with("orrinvale-cli: /mnt/locked/a\\nb: Permission denied\n"))
+        << result.error;
     EXPECT_EQ(volumesRun(locked, asOther + "--quiet").error, "");
     EXPECT_EQ(volumesRun(mounts, program + ">/dev/full").status, 1);
 }

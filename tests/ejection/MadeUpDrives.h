@@ -1,5 +1,5 @@
-// Drives that no test machine has, on a disk service of the test's making and a bus of its own. The devices and the mounts are
-// files of the test.
+// Drives that no test machine has, on a disk service of the test's making and a bus of its own. The
+// devices and the mounts are files of the test.
 #pragma once
 
 #include <fmt/format.h>
@@ -40,8 +40,9 @@ inline std::string obstacle() {
     return status == 0 ? std::string() : "python3-dbusmock is not here";
 }
 
-/// The disks as disk_service.py reads them, the lines of the table of mounts below "/", and the service's answers that are not the
-/// usual ones. No disks, no service. While it lives the system bus is the test's.
+/// The disks as disk_service.py reads them, the lines of the table of mounts below "/", and the
+/// service's answers that are not the usual ones. No disks, no service. While it lives the system
+/// bus is the test's.
 class MadeUpDrives {
 public:
     MadeUpDrives(const std::string& disks, const std::string& mounts, const Answers& answers = {}) {
@@ -53,9 +54,12 @@ public:
         bus.emplace(Texts{kBus, "--session", "--nofork", "--nopidfile", "--address=" + address});
         isReady = comesTrue([&] { return isThere(tree.at("bus")); });
         if (disks.empty()) return;
-        const nlohmann::json parameters{
-            {"disks", disks}, {"mounts", tree.at("mounts")}, {"calls", tree.at("calls")}, {"answers", answers}};
-        service.emplace(Texts{kPython, "-m", "dbusmock", "-t", ORRINVALE_DISK_SERVICE, "-p", parameters.dump()});
+        const nlohmann::json parameters{{"disks", disks},
+                                        {"mounts", tree.at("mounts")},
+                                        {"calls", tree.at("calls")},
+                                        {"answers", answers}};
+        service.emplace(Texts{kPython, "-m", "dbusmock", "-t", ORRINVALE_DISK_SERVICE, "-p",
+                              parameters.dump()});
         isReady = isReady && comesTrue([&] { return contentOf(tree.at("calls")) == "ready\n"; });
     }
     ~MadeUpDrives() { ::unsetenv("DBUS_SYSTEM_BUS_ADDRESS"); }
@@ -68,7 +72,8 @@ public:
         if (number.find(':') == std::string::npos) return;
         tree.write("sys/devices/" + name + "/dev", number + '\n');
         tree.write("sys/devices/" + name + "/diskseq", "7\n");
-        if (line.ends_with(" loop")) tree.write("sys/devices/" + name + "/loop/backing_file", "/image\n");
+        if (line.ends_with(" loop"))
+            tree.write("sys/devices/" + name + "/loop/backing_file", "/image\n");
         tree.symlink(tree.at("sys/devices/" + name), "sys/dev/block/" + number);
         tree.symlink(tree.at("sys/devices/" + name), "sys/class/block/" + name);
     }
@@ -104,18 +109,23 @@ private:
     }
 };
 
-inline std::string mountLine(int id, const std::string& device, const std::string& point, int parent = 1) {
+inline std::string mountLine(int id, const std::string& device, const std::string& point,
+                             int parent = 1) {
     return fmt::format("{} {} {} / {} rw - vfat /dev/x rw\n", id, parent, device, point);
 }
 
 inline const std::string kStick =
     "stick drive eject power\nsdb 8:16 on=stick\nsdb1 8:17 on=stick in=sdb at=/media/a\n"
-    "sdb2 8:18 on=stick in=sdb at=/media/a/deep\nother drive eject\nsdc 8:32 on=other at=/media/c\n";
-inline const std::string kStickMounts =
-    mountLine(50, "8:17", "/media/a") + mountLine(51, "8:18", "/media/a/deep", 50) + mountLine(52, "8:32", "/media/c");
+    "sdb2 8:18 on=stick in=sdb at=/media/a/deep\nother drive eject\nsdc 8:32 on=other "
+    "at=/media/c\n";
+inline const std::string kStickMounts = mountLine(50, "8:17", "/media/a") +
+                                        mountLine(51, "8:18", "/media/a/deep", 50) +
+                                        mountLine(52, "8:32", "/media/c");
 inline const std::string kVault =
-    "disk drive power\nsdd 8:48 on=disk\nsdd1 8:49 on=disk in=sdd at=/media/plain\nsdd2 8:50 on=disk in=sdd "
+    "disk drive power\nsdd 8:48 on=disk\nsdd1 8:49 on=disk in=sdd at=/media/plain\nsdd2 8:50 "
+    "on=disk in=sdd "
     "unlocked=dm-0\ndm-0 253:0 locked=sdd2 unlocked=dm-1\ndm-1 253:1 locked=dm-0 at=/media/vault\n";
-inline const std::string kVaultMounts = mountLine(60, "8:49", "/media/plain") + mountLine(61, "253:1", "/media/vault");
+inline const std::string kVaultMounts =
+    mountLine(60, "8:49", "/media/plain") + mountLine(61, "253:1", "/media/vault");
 
 }  // namespace orrinvale::testing

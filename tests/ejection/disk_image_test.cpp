@@ -1,5 +1,5 @@
-// Disk images on loop devices, ejected by the command through the real disk service. All services are the test's own, in name spaces
-// that take them along.
+// Disk images on loop devices, ejected by the command through the real disk service. All services
+// are the test's own, in name spaces that take them along.
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <sys/mount.h>
@@ -33,24 +33,29 @@ constexpr const char* kBus = "/usr/bin/dbus-daemon";
 constexpr const char* kUdev = "/lib/systemd/systemd-udevd";
 constexpr const char* kDisks = "/usr/libexec/udisks2/udisksd";
 
-bool shell(const std::string& command) { return std::system(("{ " + command + "; } >/dev/null 2>&1").c_str()) == 0; }
+bool shell(const std::string& command) {
+    return std::system(("{ " + command + "; } >/dev/null 2>&1").c_str()) == 0;
+}
 
 /// The services, among mounts that nobody else sees.
 class DiskWorld {
 public:
     DiskWorld() {
-        for (const char* const program : {kBus, kUdev, kDisks, "/usr/sbin/mkfs.ext4", "/usr/sbin/losetup"})
+        for (const char* const program :
+             {kBus, kUdev, kDisks, "/usr/sbin/mkfs.ext4", "/usr/sbin/losetup"})
             if (::access(program, X_OK) != 0) obstacle = std::string(program) + " is not here";
         // A machine with a udevd has no need of a second one, which would disturb it.
         const bool isUdevThere = shell("udevadm control --ping --timeout=1");
-        const bool isCovered = (!isUdevThere || shell("mkdir /mnt/udev && mount --bind /run/udev /mnt/udev")) &&
-                               ::mount("ram", "/run", "tmpfs", 0, "mode=755") == 0 &&
-                               shell("mkdir /run/dbus /run/udev") &&
-                               (!isUdevThere || shell("mount --move /mnt/udev /run/udev")) && hasStateFolder() &&
-                               ::mount("ram", "/var/lib/udisks2", "tmpfs", 0, "mode=700") == 0;
+        const bool isCovered =
+            (!isUdevThere || shell("mkdir /mnt/udev && mount --bind /run/udev /mnt/udev")) &&
+            ::mount("ram", "/run", "tmpfs", 0, "mode=755") == 0 &&
+            shell("mkdir /run/dbus /run/udev") &&
+            (!isUdevThere || shell("mount --move /mnt/udev /run/udev")) && hasStateFolder() &&
+            ::mount("ram", "/var/lib/udisks2", "tmpfs", 0, "mode=700") == 0;
         if (!isCovered) obstacle = std::string("no mounts: ") + std::strerror(errno);
         if (!obstacle.empty()) return;
-        m_services.emplace_back(std::vector<std::string>{kBus, "--system", "--nofork", "--nopidfile"});
+        m_services.emplace_back(
+            std::vector<std::string>{kBus, "--system", "--nofork", "--nopidfile"});
         bool isUp = comesTrue([] { return isThere("/run/dbus/system_bus_socket"); });
         if (!isUdevThere) {
             m_services.emplace_back(std::vector<std::string>{kUdev});
@@ -59,7 +64,8 @@ public:
         m_services.emplace_back(std::vector<std::string>{kDisks});
         isUp = isUp && comesTrue([] {
                    return shell(
-                       "gdbus call --system -d org.freedesktop.UDisks2 -o /org/freedesktop/UDisks2/Manager "
+                       "gdbus call --system -d org.freedesktop.UDisks2 -o "
+                       "/org/freedesktop/UDisks2/Manager "
                        "-m org.freedesktop.DBus.Peer.Ping");
                });
         if (!isUp) obstacle = "the services did not start";
@@ -68,12 +74,14 @@ public:
     std::string obstacle;
 
 private:
-    // The service makes it at its first start; where it never ran, a layer over the machine's own folder has it.
+    // The service makes it at its first start; where it never ran, a layer over the machine's own
+    // folder has it.
     static bool hasStateFolder() {
         return ::access("/var/lib/udisks2", F_OK) == 0 ||
                shell(
                    "mkdir /run/upper /run/work && mount -t overlay overlay "
-                   "-o lowerdir=/var/lib,upperdir=/run/upper,workdir=/run/work /var/lib && mkdir /var/lib/udisks2");
+                   "-o lowerdir=/var/lib,upperdir=/run/upper,workdir=/run/work /var/lib && mkdir "
+                   "/var/lib/udisks2");
     }
 
     std::vector<ServiceProcess> m_services;
@@ -86,9 +94,11 @@ ProgramRun ejectRun(const std::string& volume, std::vector<std::string> options 
 
 /// The service learns of a device a moment after udev.
 bool isKnownToService(const std::string& device) {
-    const std::string object = "/org/freedesktop/UDisks2/block_devices" + device.substr(std::strlen("/dev"));
+    const std::string object =
+        "/org/freedesktop/UDisks2/block_devices" + device.substr(std::strlen("/dev"));
     return shell("gdbus call --system -d org.freedesktop.UDisks2 -o " + object +
-                 " -m org.freedesktop.DBus.Properties.Get org.freedesktop.UDisks2.Block IdUsage | grep filesystem");
+                 " -m org.freedesktop.DBus.Properties.Get org.freedesktop.UDisks2.Block IdUsage | "
+                 "grep filesystem");
 }
 
 /// The loop devices that show a file below this folder.
@@ -96,7 +106,8 @@ std::vector<std::string> loopsOf(const std::string& folder) {
     std::vector<std::string> loops;
     for (const auto& entry : std::filesystem::directory_iterator("/sys/block")) {
         const std::string image = contentOf(entry.path().string() + "/loop/backing_file");
-        if (image.find(folder) != std::string::npos) loops.push_back("/dev/" + entry.path().filename().string());
+        if (image.find(folder) != std::string::npos)
+            loops.push_back("/dev/" + entry.path().filename().string());
     }
     return loops;
 }
@@ -105,7 +116,8 @@ std::vector<std::string> loopsOf(const std::string& folder) {
 std::string partitionTable() {
     std::string sector(512, '\0');
     const auto put = [&](std::size_t at, std::uint32_t number) {
-        for (std::size_t i = 0; i < 4; ++i) sector[at + i] = static_cast<char>(number >> (8 * i) & 0xFFU);
+        for (std::size_t i = 0; i < 4; ++i)
+            sector[at + i] = static_cast<char>(number >> (8 * i) & 0xFFU);
     };
     constexpr std::uint32_t size = 16U * 2048;
     for (const std::uint32_t partition : {0U, 1U}) {
@@ -119,7 +131,8 @@ std::string partitionTable() {
     return sector;
 }
 
-/// Images in a folder of the test, shown by loop devices that are let go at the end, also of a child that was killed.
+/// Images in a folder of the test, shown by loop devices that are let go at the end, also of a
+/// child that was killed.
 class DiskImages : public ::testing::Test {
 protected:
     void TearDown() override {
@@ -127,8 +140,10 @@ protected:
         EXPECT_EQ(loopsOf(tree.path()), std::vector<std::string>());
     }
 
-    [[nodiscard]] std::string fault(const std::string& what, const ProgramRun::Result& result) const {
-        return fmt::format("{}: status {}, {}{}\n", what, result.status, result.output, result.error);
+    [[nodiscard]] std::string fault(const std::string& what,
+                                    const ProgramRun::Result& result) const {
+        return fmt::format("{}: status {}, {}{}\n", what, result.status, result.output,
+                           result.error);
     }
 
     /// Makes the image, with a file system that has a line break in its name, and shows it.
@@ -155,15 +170,16 @@ TEST_F(DiskImages, AnImageGoesWithItsDeviceAndNotWhileItIsHeld) {
 
         std::string faults;
         ServiceProcess child({"/usr/bin/env", "-C", "/mnt/disk", "/usr/bin/sleep", "100"});
-        if (!comesTrue([&] { return shell(fmt::format("grep -q sleep /proc/{}/comm", child.number())); }))
+        if (!comesTrue(
+                [&] { return shell(fmt::format("grep -q sleep /proc/{}/comm", child.number())); }))
             return "no child";
         auto result = ejectRun("a\nb").run();
         const Json held = Json::parse(result.output, nullptr, false);
         const Json holder{{"pid", child.number()}, {"name", "sleep"}, {"path", "/mnt/disk"}};
         if (result.status != 1 || held.value("ejected", true) ||
             held.value("holders", Json()) != Json::array({holder}) ||
-            result.error.find("\"a\\nb\" could not be ejected: The volume is in use, held open by sleep (process ") ==
-                std::string::npos)
+            result.error.find("\"a\\nb\" could not be ejected: The volume is in use, held open by "
+                              "sleep (process ") == std::string::npos)
             faults += fault("held", result);
         child.end();
 
@@ -196,26 +212,35 @@ TEST_F(DiskImages, AllPartitionsGoTogetherAndAnImageMayLetGoByItself) {
         const std::string first = loop + "p1";
         const std::string second = loop + "p2";
         if (!isThere(first)) shell("partx -a " + loop);
-        if (!comesTrue([&] { return isThere(first) && isThere(second); })) return "skip: no partitions on loop devices";
-        // A device that changes while udev looks at it for the first time would be looked at once only.
-        if (!shell("udevadm settle && mkfs.ext4 -q " + first + " && mkfs.ext4 -q " + second)) return "no file systems";
-        if (!comesTrue([&] { return isKnownToService(first) && isKnownToService(second); })) return "not known";
+        if (!comesTrue([&] { return isThere(first) && isThere(second); }))
+            return "skip: no partitions on loop devices";
+        // A device that changes while udev looks at it for the first time would be looked at once
+        // only.
+        if (!shell("udevadm settle && mkfs.ext4 -q " + first + " && mkfs.ext4 -q " + second))
+            return "no file systems";
+        if (!comesTrue([&] { return isKnownToService(first) && isKnownToService(second); }))
+            return "not known";
         ::mkdir("/mnt/a", 0755);
-        if (::mount(first.c_str(), "/mnt/a", "ext4", 0, nullptr) != 0 || ::mkdir("/mnt/a/b", 0755) != 0 ||
+        if (::mount(first.c_str(), "/mnt/a", "ext4", 0, nullptr) != 0 ||
+            ::mkdir("/mnt/a/b", 0755) != 0 ||
             ::mount(second.c_str(), "/mnt/a/b", "ext4", 0, nullptr) != 0)
             return "no mounts";
         std::string faults;
         auto result = ejectRun("/mnt/a", {"-0"}).run();
-        if (result.status != 0 || result.output != std::string("/mnt/a\0", 7)) faults += fault("partitions", result);
+        if (result.status != 0 || result.output != std::string("/mnt/a\0", 7))
+            faults += fault("partitions", result);
         if (isThere("/mnt/a/b")) faults += "the second partition is still mounted\n";
         if (!loopsOf(tree.path()).empty()) faults += "the loop device is still there\n";
 
         tree.sparse("image", 16 << 20);
-        if (!shell("mkfs.ext4 -q " + tree.at("image") + " && mount -o loop " + tree.at("image") + " /mnt/a"))
+        if (!shell("mkfs.ext4 -q " + tree.at("image") + " && mount -o loop " + tree.at("image") +
+                   " /mnt/a"))
             return faults + "no mount";
-        if (!comesTrue([&] { return isKnownToService(loopsOf(tree.path()).at(0)); })) return faults + "not known";
+        if (!comesTrue([&] { return isKnownToService(loopsOf(tree.path()).at(0)); }))
+            return faults + "not known";
         result = ejectRun("/mnt/a", {}).run();
-        if (result.status != 0 || result.output != "Ejected a from /mnt/a\n") faults += fault("lets go", result);
+        if (result.status != 0 || result.output != "Ejected a from /mnt/a\n")
+            faults += fault("lets go", result);
         if (!loopsOf(tree.path()).empty()) faults += "the image is still shown\n";
         return faults;
     });

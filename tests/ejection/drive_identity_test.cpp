@@ -1,4 +1,5 @@
-// Which of the drives goes when things change between listing and ejecting, and when the disk service is silent.
+// Which of the drives goes when things change between listing and ejecting, and when the disk
+// service is silent.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -18,14 +19,18 @@ TEST(DriveIdentity, WhatTookTheirPlaceIsNeverEjected) {
     MadeUpDrives drives(kStick, kStickMounts);
     ASSERT_TRUE(drives.isReady);
     EjectDissent dissent;
-    EXPECT_EQ(drives.volumes.FSEjectVolumeSync(50, 0, dissent), nsvErr) << "a number that nobody was given";
+    EXPECT_EQ(drives.volumes.FSEjectVolumeSync(50, 0, dissent), nsvErr)
+        << "a number that nobody was given";
 
     const std::int16_t number = drives.numberOf("/media/c");
-    drives.tree.write("mounts", contentOf(drives.tree.at("mounts")) + mountLine(59, "8:64", "/media/c", 52));
-    EXPECT_EQ(drives.volumes.FSEjectVolumeSync(number, 0, dissent), fBsyErr) << "another stands over it";
     drives.tree.write("mounts",
-                      "1 0 8:1 / / rw - ext4 /dev/sda1 rw\n" + kStickMounts + mountLine(59, "8:64", "/media"));
-    EXPECT_EQ(drives.volumes.FSEjectVolumeSync(number, 0, dissent), fBsyErr) << "another stands over its folder";
+                      contentOf(drives.tree.at("mounts")) + mountLine(59, "8:64", "/media/c", 52));
+    EXPECT_EQ(drives.volumes.FSEjectVolumeSync(number, 0, dissent), fBsyErr)
+        << "another stands over it";
+    drives.tree.write("mounts", "1 0 8:1 / / rw - ext4 /dev/sda1 rw\n" + kStickMounts +
+                                    mountLine(59, "8:64", "/media"));
+    EXPECT_EQ(drives.volumes.FSEjectVolumeSync(number, 0, dissent), fBsyErr)
+        << "another stands over its folder";
     EXPECT_EQ(dissent.reason, "Another volume is mounted over it");
     drives.tree.write("sys/devices/sdc/diskseq", "8\n");
     drives.tree.write("mounts", "1 0 8:1 / / rw - ext4 /dev/sda1 rw\n" + kStickMounts);
@@ -34,7 +39,8 @@ TEST(DriveIdentity, WhatTookTheirPlaceIsNeverEjected) {
     EXPECT_EQ(dissent.reason, "The volume is not mounted any more");
     EXPECT_NE(drives.numberOf("/media/c"), number);
     drives.tree.write("mounts", mountLine(52, "8:17", "/media/c"));
-    EXPECT_EQ(drives.volumes.FSEjectVolumeSync(number, 0, dissent), nsvErr) << "another device under the same id";
+    EXPECT_EQ(drives.volumes.FSEjectVolumeSync(number, 0, dissent), nsvErr)
+        << "another device under the same id";
     EXPECT_EQ(drives.calls(), Texts{});
 }
 
@@ -47,8 +53,8 @@ TEST(DriveIdentity, AllVolumesOfADriveGoTogetherWithoutAFailure) {
     const std::int16_t second = drives.numberOf("/media/a/deep");
     VolumesManager manager(drives.volumes, {});
     EXPECT_EQ(manager.ejectAllVolumes(), 0);
-    EXPECT_EQ(drives.calls(),
-              (Texts{"Unmount sdb2", "Unmount sdb1", "Eject stick", "PowerOff stick", "Unmount sdc", "Eject other"}));
+    EXPECT_EQ(drives.calls(), (Texts{"Unmount sdb2", "Unmount sdb1", "Eject stick",
+                                     "PowerOff stick", "Unmount sdc", "Eject other"}));
     EXPECT_FALSE(manager.ejectSingleVolume(second)) << "told once";
     ASSERT_EQ(manager.failures().size(), 1U);
     EXPECT_EQ(manager.failures()[0].status, nsvErr);

@@ -49,7 +49,9 @@ std::vector<Case> whatGoes() {
         single({.what = "one slot of a reader",
                 .disks = "d drive eject power siblings=hub\ne drive eject power siblings=hub\n",
                 .calls = {"Unmount sdb", "Eject d"}}),
-        single({.what = "a disc", .disks = "d drive eject power optical\n", .calls = {"Unmount sdb", "Eject d"}}),
+        single({.what = "a disc",
+                .disks = "d drive eject power optical\n",
+                .calls = {"Unmount sdb", "Eject d"}}),
         {.what = "twice mounted",
          .disks = "d drive\nsdb 8:16 on=d at=/media/a,/media/b\n",
          .mounts = kSingleMount + mountLine(51, "8:16", "/media/b"),
@@ -70,8 +72,12 @@ std::vector<Case> whatGoes() {
          .path = "/media/c",
          .answers = {{"Unmount sdc", "not mounted"}},
          .calls = {"Unmount sdc", "Eject other"}},
-        {.what = "switched off, though it does not eject", .answers = {{"Eject stick", "failed"}}, .calls = kAll},
-        {.what = "ejected, though it stays switched on", .answers = {{"PowerOff stick", "denied"}}, .calls = kAll},
+        {.what = "switched off, though it does not eject",
+         .answers = {{"Eject stick", "failed"}},
+         .calls = kAll},
+        {.what = "ejected, though it stays switched on",
+         .answers = {{"PowerOff stick", "denied"}},
+         .calls = kAll},
         {.what = "pulled when all is unmounted",
          .answers = {{"Eject stick", "gone"}},
          .calls = {"Unmount sdb2", "Unmount sdb1", "Eject stick"}},
@@ -154,18 +160,23 @@ std::vector<Case> whatIsRefused() {
          .mounts = mountLine(50, "8:64", "/media/a"),
          .status = ioErr,
          .reason = "The disk service can not tell what the volume lies on"},
-        system({.what = "the system beside it", .mounts = kStickMounts + mountLine(53, "8:18", "/boot/efi")},
+        system({.what = "the system beside it",
+                .mounts = kStickMounts + mountLine(53, "8:18", "/boot/efi")},
                "it is mounted on /boot/efi"),
         system({.what = "the system on something made of it",
                 .mounts = kStickMounts + mountLine(53, "253:3", "/usr"),
                 .holders = {kMadeOfIt}},
                "it is mounted on /usr"),
-        system({.what = "a partition to swap to", .disks = kStick + "sdb3 8:19 on=stick in=sdb swap\n"}, swapped),
-        system(
-            {.what = "swapping to what is made of it", .swaps = "/dev/dm-3 partition 1 0 -2\n", .holders = {kMadeOfIt}},
-            swapped),
+        system({.what = "a partition to swap to",
+                .disks = kStick + "sdb3 8:19 on=stick in=sdb swap\n"},
+               swapped),
+        system({.what = "swapping to what is made of it",
+                .swaps = "/dev/dm-3 partition 1 0 -2\n",
+                .holders = {kMadeOfIt}},
+               swapped),
         system({.what = "a file to swap to", .swaps = "/media/a/deep/swap file 1 0 -2\n"}, swapped),
-        busy({.what = "another volume on it", .mounts = kStickMounts + mountLine(53, "8:64", "/media/a/x", 50)},
+        busy({.what = "another volume on it",
+              .mounts = kStickMounts + mountLine(53, "8:64", "/media/a/x", 50)},
              "Another volume is mounted on it at /media/a/x"),
         busy({.what = "a volume group on it, of which nothing is mounted", .holders = {kMadeOfIt}},
              "In use: another device is made of it: dm-3"),
@@ -181,7 +192,8 @@ void expectOutcome(const Case& each) {
         const std::string above = holder.substr(below.size() + 1);
         drives.addDevice(above);
         const std::string name = above.substr(0, above.find(' '));
-        drives.tree.symlink(drives.tree.at("sys/devices/" + name), "sys/devices/" + below + "/holders/" + name);
+        drives.tree.symlink(drives.tree.at("sys/devices/" + name),
+                            "sys/devices/" + below + "/holders/" + name);
     }
     if (!each.swaps.empty()) drives.tree.write("swaps", "Filename\n" + each.swaps);
     const std::int16_t number = drives.numberOf(each.path);
@@ -190,7 +202,8 @@ void expectOutcome(const Case& each) {
     EXPECT_EQ(drives.volumes.FSEjectVolumeSync(number, 0, dissent), each.status) << each.what;
     EXPECT_EQ(dissent.reason, each.reason) << each.what;
     EXPECT_EQ(drives.calls(), each.calls) << each.what;
-    const bool isLeft = contentOf(drives.tree.at("mounts")).find(' ' + each.path + ' ') != std::string::npos;
+    const bool isLeft =
+        contentOf(drives.tree.at("mounts")).find(' ' + each.path + ' ') != std::string::npos;
     EXPECT_TRUE(isLeft ? each.status != noErr : !each.calls.empty()) << each.what;
 }
 

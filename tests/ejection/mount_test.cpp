@@ -1,5 +1,5 @@
-// Volumes without a disk below them, on real mounts in a name space of their own: unmounted by the kernel or by the program that may,
-// and who is in the way where they stay.
+// Volumes without a disk below them, on real mounts in a name space of their own: unmounted by the
+// kernel or by the program that may, and who is in the way where they stay.
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -38,11 +38,14 @@ std::int16_t numberOf(LinuxVolumes& volumes, const std::string& path) {
 // Status, reason and the paths that are held, as one text.
 std::string ejection(const std::string& path) {
     // Not asked for its space: a silent volume would keep the question, and that holds it.
-    LinuxVolumes volumes({}, 10s, [](const SpaceQuestion&) { return SpaceAnswer{0, false, 1000, 500}; });
+    LinuxVolumes volumes({}, 10s, [](const SpaceQuestion&) {
+        return SpaceAnswer{0, false, 1000, 500};
+    });
     EjectDissent dissent;
     const std::int32_t status = volumes.FSEjectVolumeSync(numberOf(volumes, path), 0, dissent);
     std::string text = fmt::format("{}:{}", status, dissent.reason);
-    for (const VolumeHolder& holder : dissent.holders) text += fmt::format(" [{} {}]", holder.name, holder.path);
+    for (const VolumeHolder& holder : dissent.holders)
+        text += fmt::format(" [{} {}]", holder.name, holder.path);
     return text;
 }
 
@@ -84,27 +87,34 @@ TEST(MountedVolumes, EveryKindOfHolderIsNamedAndNobodyElse) {
     withOwnMounts([]() -> std::string {
         if (!mountRam("/mnt/ram") || !mountRam("/mnt/ramp")) return "no mounts";
         const std::vector<pid_t> holders{
-            holder("in\na", [] { return ::mkdir("/mnt/ram/f", 0777) == 0 && ::chdir("/mnt/ram/f") == 0; }),
+            holder("in\na",
+                   [] { return ::mkdir("/mnt/ram/f", 0777) == 0 && ::chdir("/mnt/ram/f") == 0; }),
             holder("opens", [] { return ::open("/mnt/ram/a\nb", O_WRONLY | O_CREAT, 0666) >= 0; }),
             holder("maps", [] { return mapsFile("/mnt/ram/mapped"); }),
             holder("neighbour", [] { return ::chdir("/mnt/ramp") == 0; }),
-            // Opened before the volume was mounted over the folder: the path is the same, the volume is not.
-            holder(
-                "below",
-                [] { return ::mkdir("/mnt/ramp/x", 0777) == 0 && ::open("/mnt/ramp/x", O_RDONLY | O_DIRECTORY) >= 0; }),
+            // Opened before the volume was mounted over the folder: the path is the same, the
+            // volume is not.
+            holder("below",
+                   [] {
+                       return ::mkdir("/mnt/ramp/x", 0777) == 0 &&
+                              ::open("/mnt/ramp/x", O_RDONLY | O_DIRECTORY) >= 0;
+                   }),
         };
         if (std::count(holders.begin(), holders.end(), -1) != 0) return "no holders";
-        std::string fault = difference(ejection("/mnt/ram"),
-                                       "-47:The volume is in use [in\na /mnt/ram/f] [opens /mnt/ram/a\nb] [maps "
-                                       "/mnt/ram/mapped]");
+        std::string fault =
+            difference(ejection("/mnt/ram"),
+                       "-47:The volume is in use [in\na /mnt/ram/f] [opens /mnt/ram/a\nb] [maps "
+                       "/mnt/ram/mapped]");
         for (std::size_t i = 0; i < 3; ++i) end(holders[i]);
         fault += difference(ejection("/mnt/ram"), "0:");
         fault += difference(ejection("/mnt/ram"), "-35:The volume is not mounted any more");
 
         if (::mount("over", "/mnt/ramp/x", "tmpfs", 0, "size=1m") != 0) return "no mount";
         const pid_t inside = holder("inside", [] { return ::chdir("/mnt/ramp/x") == 0; });
-        fault += difference(ejection("/mnt/ramp/x"), "-47:The volume is in use [inside /mnt/ramp/x]");
-        fault += difference(ejection("/mnt/ramp"), "-47:Another volume is mounted on it at /mnt/ramp/x");
+        fault +=
+            difference(ejection("/mnt/ramp/x"), "-47:The volume is in use [inside /mnt/ramp/x]");
+        fault +=
+            difference(ejection("/mnt/ramp"), "-47:Another volume is mounted on it at /mnt/ramp/x");
         end(inside);
         return fault + difference(ejection("/mnt/ramp/x"), "0:");
     });
@@ -114,7 +124,8 @@ TEST(MountedVolumes, EveryKindOfHolderIsNamedAndNobodyElse) {
 int mountSilent(const char* folder, const char* type) {
     if (::mkdir(folder, 0777) != 0 && errno != EEXIST) return -1;
     const int program = ::open("/dev/fuse", O_RDWR | O_CLOEXEC);
-    const std::string options = fmt::format("fd={},rootmode=40000,user_id=65534,group_id=65534", program);
+    const std::string options =
+        fmt::format("fd={},rootmode=40000,user_id=65534,group_id=65534", program);
     return ::mount("host:", folder, type, 0, options.c_str()) == 0 ? program : -1;
 }
 
@@ -125,12 +136,14 @@ std::string asOrdinaryUser(const std::function<std::string()>& check) {
 TEST(MountedVolumes, AnOrdinaryUserEjectsTheirOwnAndNothingElse) {
     withOwnMounts([]() -> std::string {
         if (!mountRam("/mnt/ram")) return "no mount";
-        std::string fault =
-            difference(asOrdinaryUser([] { return ejection("/mnt/ram"); }), "-36:Operation not permitted");
+        std::string fault = difference(asOrdinaryUser([] { return ejection("/mnt/ram"); }),
+                                       "-36:Operation not permitted");
         fault += difference(ejection("/mnt/ram"), "0:");
 
-        if (mountSilent("/mnt/own", "fuse.test") < 0) return fault.empty() ? "skip: no FUSE here" : fault;
-        if (::access("/usr/bin/fusermount3", X_OK) != 0) return fault.empty() ? "skip: no fusermount3 here" : fault;
+        if (mountSilent("/mnt/own", "fuse.test") < 0)
+            return fault.empty() ? "skip: no FUSE here" : fault;
+        if (::access("/usr/bin/fusermount3", X_OK) != 0)
+            return fault.empty() ? "skip: no fusermount3 here" : fault;
         fault += difference(asOrdinaryUser([] {
                                 ::prctl(PR_SET_NAME, "user");
                                 const int held = ::open("/mnt/own", O_PATH);
@@ -148,11 +161,14 @@ TEST(MountedVolumes, WhatTheSystemRunsFromIsRefused) {
     withOwnMounts([]() -> std::string {
         // What is made below it stays among the test's own mounts.
         if (!mountRam("/var/lib")) return "skip: no tmpfs";
-        if (mountSilent("/srv", "fuse.sshfs") < 0 || mountSilent("/var/lib/silent", "fuse.sshfs") < 0)
+        if (mountSilent("/srv", "fuse.sshfs") < 0 ||
+            mountSilent("/var/lib/silent", "fuse.sshfs") < 0)
             return "skip: no FUSE here";
-        std::string fault = difference(ejection("/srv"), "-36:The system runs from this drive: it is mounted on /srv");
-        fault += difference(ejection("/var/lib/silent"),
-                            "-36:The system runs from this drive: it is mounted on /var/lib/silent");
+        std::string fault = difference(
+            ejection("/srv"), "-36:The system runs from this drive: it is mounted on /srv");
+        fault +=
+            difference(ejection("/var/lib/silent"),
+                       "-36:The system runs from this drive: it is mounted on /var/lib/silent");
         return fault;
     });
 }

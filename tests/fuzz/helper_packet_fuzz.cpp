@@ -1,4 +1,5 @@
-// Any bytes as a packet to the administrator's helper, and as its reply: what is let through is what the helper may act on.
+// Any bytes as a packet to the administrator's helper, and as its reply: what is let through is
+// what the helper may act on.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -30,7 +31,8 @@ void checkEntry(const SeenEntry& entry) {
 void checkRequest(std::string_view packet) {
     const auto request = helper::readRequest(packet);
     if (!request) return require(!request.error().empty());
-    require(packet.size() <= HelperRequest::mostBytes && request->sequence == helper::sequenceOf(packet));
+    require(packet.size() <= HelperRequest::mostBytes &&
+            request->sequence == helper::sequenceOf(packet));
     checkEntry(request->entry);
     if (request->stays) checkEntry(*request->stays);
     require(!request->stays || request->stays->state.has_value());
@@ -42,8 +44,9 @@ void checkReply(std::string_view packet) {
     if (reply) require(reply->packed() == packet && reply->text.size() <= HelperReply::mostText);
 }
 
-// Most made-up bytes fail at the mark already. Behind a good head they are a path, and with one of these pieces put in, one that the
-// checks have to look at closely. 104 packets an input: the 50,000 inputs of a replay make some five million.
+// Most made-up bytes fail at the mark already. Behind a good head they are a path, and with one of
+// these pieces put in, one that the checks have to look at closely. 104 packets an input: the
+// 50,000 inputs of a replay make some five million.
 void checkFramed(std::string_view any) {
     using namespace std::string_view_literals;
     for (const std::string_view piece :
@@ -53,13 +56,15 @@ void checkFramed(std::string_view any) {
             std::string path = at == 0 ? std::string() : "/";
             path.append(any.substr(0, at)).append(piece).append(any.substr(at));
             const auto type = static_cast<FileType>((any.size() + piece.size()) % 9);
-            HelperRequest request{
-                .sequence = 1, .entry = {std::move(path), 2, 3, type, EntryState{}}, .stays = std::nullopt};
+            HelperRequest request{.sequence = 1,
+                                  .entry = {std::move(path), 2, 3, type, EntryState{}},
+                                  .stays = std::nullopt};
             checkRequest(request.packed());
             request.stays = request.entry;
             const std::string packet = request.packed();
             checkRequest(packet);
-            checkRequest(std::string_view(packet).substr(0, packet.size() - any.size() % packet.size()));
+            checkRequest(
+                std::string_view(packet).substr(0, packet.size() - any.size() % packet.size()));
             checkRequest(packet + std::string(any));
         }
     }

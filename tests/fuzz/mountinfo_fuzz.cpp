@@ -1,5 +1,6 @@
-// Any bytes as a table of mounts, whole and as the fields of lines that are otherwise right: what comes out are paths that
-// can be used, what is chosen stood in the table, and what the kernel escapes comes back as it was.
+// Any bytes as a table of mounts, whole and as the fields of lines that are otherwise right: what
+// comes out are paths that can be used, what is chosen stood in the table, and what the kernel
+// escapes comes back as it was.
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -29,7 +30,8 @@ std::string escaped(std::string_view bytes) {
         }
         const auto byte = static_cast<unsigned char>(c);
         out += '\\';
-        for (const unsigned shift : {6U, 3U, 0U}) out += static_cast<char>('0' + (byte >> shift & 7U));
+        for (const unsigned shift : {6U, 3U, 0U})
+            out += static_cast<char>('0' + (byte >> shift & 7U));
     }
     return out;
 }
@@ -65,9 +67,9 @@ void checkFields(std::string_view bytes) {
         const std::size_t kind = piece.empty() ? 0 : static_cast<unsigned char>(piece.front());
         if (piece.find('\0') != std::string_view::npos) continue;
         points.push_back(std::string(places[kind / 8 % places.size()]) + std::string(piece));
-        table += std::to_string(number) + ' ' + std::to_string(number - kind % 5) + " 8:" + std::to_string(kind % 3) +
-                 " / " + escaped(points.back()) + " rw - " + std::string(types[kind % types.size()]) + ' ' +
-                 escaped(piece) + " rw\n";
+        table += std::to_string(number) + ' ' + std::to_string(number - kind % 5) +
+                 " 8:" + std::to_string(kind % 3) + " / " + escaped(points.back()) + " rw - " +
+                 std::string(types[kind % types.size()]) + ' ' + escaped(piece) + " rw\n";
     }
     const auto entries = checkTable(table);
     require(entries.size() == points.size());
@@ -78,7 +80,8 @@ void checkFields(std::string_view bytes) {
 
 static void checkAll(std::string_view text) {
     (void)checkTable(text);
-    (void)checkTable("1 0 8:0 / / rw - ext4 x rw\n2 1 8:1 / /" + std::string(text) + " rw - ext4 x rw\n");
+    (void)checkTable("1 0 8:0 / / rw - ext4 x rw\n2 1 8:1 / /" + std::string(text) +
+                     " rw - ext4 x rw\n");
     checkFields(text);
 }
 

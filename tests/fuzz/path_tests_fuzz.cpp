@@ -1,4 +1,5 @@
-// Any bytes as a path: the tests that decide what a search looks at, and the texts in which a path is printed.
+// Any bytes as a path: the tests that decide what a search looks at, and the texts in which a path
+// is printed.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -31,15 +32,18 @@ template <class Visit> void forEachComponent(std::string_view path, Visit visit)
 
 void checkNames(std::string_view path) {
     const std::string_view name = lastPathComponent(path);
-    require(name.size() <= path.size() && (name == "/" || name.find('/') == std::string_view::npos));
+    require(name.size() <= path.size() &&
+            (name == "/" || name.find('/') == std::string_view::npos));
     const std::string_view extension = pathExtension(path);
-    require(extension.find('.') == std::string_view::npos && extension.find('/') == std::string_view::npos);
+    require(extension.find('.') == std::string_view::npos &&
+            extension.find('/') == std::string_view::npos);
     require(extension.empty() || name.ends_with("." + std::string(extension)));
     require(pathExtension(name) == extension);
     std::string upper(extension);
     for (char& c : upper)
         if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
-    require(kindOfExtension(upper) == kindOfExtension(extension) && !kindName(kindOfExtension(extension)).empty());
+    require(kindOfExtension(upper) == kindOfExtension(extension) &&
+            !kindName(kindOfExtension(extension)).empty());
 }
 
 void checkTests(std::string_view path) {
@@ -73,7 +77,8 @@ void checkTexts(std::string_view path) {
     const auto text = nlohmann::json::parse(json, nullptr, false);
     require(text.is_string() && isValid(text.get<std::string>()));
     // Only the mark for a bad byte makes a text longer than its bytes.
-    require(isValid(path) ? text.get<std::string>() == path : text.get<std::string>().size() > path.size());
+    require(isValid(path) ? text.get<std::string>() == path
+                          : text.get<std::string>().size() > path.size());
 
     std::string fields = "{";
     cli::appendJsonPath(fields, path);
@@ -93,7 +98,8 @@ void checkAbsolute(std::string_view path) {
     if (path.find('\0') != std::string_view::npos) return;  // no path of a file system
     // Climbing asks the disk, so the answer is its own.
     bool climbs = false;
-    forEachComponent(path, [&](std::string_view component) { climbs = climbs || component == ".."; });
+    forEachComponent(path,
+                     [&](std::string_view component) { climbs = climbs || component == ".."; });
     if (climbs) return;
     const std::string absolute = cli::absolutePath("/" + std::string(path));
     require(absolute.front() == '/' && absolute.find("//") == std::string::npos);

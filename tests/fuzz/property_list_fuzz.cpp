@@ -1,4 +1,5 @@
-// Any bytes as a property list, alone, inside a list of the XML form, and as changes to one of the binary form.
+// Any bytes as a property list, alone, inside a list of the XML form, and as changes to one of the
+// binary form.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -10,7 +11,8 @@
 namespace {
 
 using orrinvale::PropertyList;
-using namespace std::string_view_literals;  // NOLINT(google-build-using-namespace): literals have no other way in
+using namespace std::string_view_literals;  // NOLINT(google-build-using-namespace): literals have
+                                            // no other way in
 
 // {"a": "text", "b": [1, true]} in the binary form: objects, offsets, trailer.
 constexpr std::string_view kBinary =
@@ -41,10 +43,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     checkList(text);
     checkList("<plist><dict><key>a</key>" + text + "</dict></plist>");
     checkList("<plist><dict><key>a</key><string>" + text + "</string></dict></plist>");
-    checkList("<plist><dict><key>&#" + text + ";</key><string>&#x" + text + ";</string></dict></plist>");
+    checkList("<plist><dict><key>&#" + text + ";</key><string>&#x" + text +
+              ";</string></dict></plist>");
     std::string changed(kBinary);
     require(PropertyList::parse(changed).has_value());
-    for (std::size_t i = 0; i + 1 < size && i < 8; i += 2) changed[bytes[i] % changed.size()] = text[i + 1];
+    for (std::size_t i = 0; i + 1 < size && i < 8; i += 2)
+        changed[bytes[i] % changed.size()] = text[i + 1];
     checkList(changed);
     return 0;
 }

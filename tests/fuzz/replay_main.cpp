@@ -1,5 +1,5 @@
-// Feeds a fuzz target made-up inputs where no fuzzer is at hand: seeds of the kinds that the targets know, changed at random, the
-// same in every run. Linked with one *_fuzz.cpp.
+// Feeds a fuzz target made-up inputs where no fuzzer is at hand: seeds of the kinds that the
+// targets know, changed at random, the same in every run. Linked with one *_fuzz.cpp.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -25,7 +25,8 @@ constexpr std::string_view seedText =
 
 std::vector<std::string_view> split(std::string_view text) {
     std::vector<std::string_view> out;
-    for (std::size_t bar = 0; bar != std::string_view::npos; text.remove_prefix(std::min(bar + 1, text.size()))) {
+    for (std::size_t bar = 0; bar != std::string_view::npos;
+         text.remove_prefix(std::min(bar + 1, text.size()))) {
         bar = text.find('|');
         out.push_back(text.substr(0, bar));
     }
@@ -34,7 +35,8 @@ std::vector<std::string_view> split(std::string_view text) {
 
 const std::vector<std::string_view> seeds = split(seedText);
 
-constexpr std::string_view marks = "/.-: 0123456789eE+KMGTBapPAnif\n\x1b\x80\x9B\xC2\xE2\xF0\xFF\\\""sv;
+constexpr std::string_view marks =
+    "/.-: 0123456789eE+KMGTBapPAnif\n\x1b\x80\x9B\xC2\xE2\xF0\xFF\\\""sv;
 
 class Maker final {
 public:
@@ -47,7 +49,9 @@ public:
 
 private:
     std::size_t below(std::size_t limit) { return m_random() % limit; }
-    char mark() { return below(4) == 0 ? static_cast<char>(below(256)) : marks[below(marks.size())]; }
+    char mark() {
+        return below(4) == 0 ? static_cast<char>(below(256)) : marks[below(marks.size())];
+    }
 
     std::string noise(std::size_t size) {
         std::string out;

@@ -23,7 +23,8 @@ void require(bool condition) {
 
 void checkSame(const SettingValues& one, const SettingValues& other) {
     require(one.size() == other.size());
-    for (const auto& [key, value] : one) require(other.contains(key) && isSame(other.at(key), value));
+    for (const auto& [key, value] : one)
+        require(other.contains(key) && isSame(other.at(key), value));
 }
 
 void checkText(std::string_view text) {

@@ -1,4 +1,5 @@
-// Any bytes as a size or date text: nothing but std::out_of_range may escape, and the answers stay within their ranges.
+// Any bytes as a size or date text: nothing but std::out_of_range may escape, and the answers stay
+// within their ranges.
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -26,10 +27,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     using orrinvale::UtilityFunction;
     const std::string_view text(reinterpret_cast<const char*>(bytes), size);
     expectOnlyOutOfRange([&] {
-        require(UtilityFunction::getVolSpaceFromString(text) == 0 || text.ends_with("KB") || text.ends_with("MB") ||
-                text.ends_with("GB") || text.ends_with("TB"));
+        require(UtilityFunction::getVolSpaceFromString(text) == 0 || text.ends_with("KB") ||
+                text.ends_with("MB") || text.ends_with("GB") || text.ends_with("TB"));
     });
-    expectOnlyOutOfRange([&] { require(!std::isnan(UtilityFunction::returnParserFromVolSpace(text))); });
-    expectOnlyOutOfRange([&] { require(UtilityFunction::parseDateTime(text).size() <= text.size()); });
+    expectOnlyOutOfRange(
+        [&] { require(!std::isnan(UtilityFunction::returnParserFromVolSpace(text))); });
+    expectOnlyOutOfRange(
+        [&] { require(UtilityFunction::parseDateTime(text).size() <= text.size()); });
     return 0;
 }

@@ -1,4 +1,5 @@
-// Any bytes as the packet by which a later start reaches the running program: what is read prints to the same packet.
+// Any bytes as the packet by which a later start reaches the running program: what is read prints
+// to the same packet.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>

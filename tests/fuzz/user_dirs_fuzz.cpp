@@ -1,4 +1,5 @@
-// Any bytes as a user-dirs.dirs: what comes out is a plain absolute path, and the last good line wins.
+// Any bytes as a user-dirs.dirs: what comes out is a plain absolute path, and the last good line
+// wins.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -16,15 +17,16 @@ void require(bool condition) {
 void check(std::string_view text) {
     const auto found = orrinvale::downloadsIn(text, "/home/u");
     if (found) {
-        require(found->starts_with('/') && found->size() <= text.size() + std::string_view("/home/u").size());
+        require(found->starts_with('/') &&
+                found->size() <= text.size() + std::string_view("/home/u").size());
         require(*found == "/" || !found->ends_with('/'));
         const std::string closed = *found + '/';
         for (const std::string_view piece : {"//", "/./", "/../"})
             require(*found == "/" || closed.find(piece) == std::string::npos);
         require(found->find('\n') == std::string::npos && found->find('\0') == std::string::npos);
     }
-    require(orrinvale::downloadsIn(std::string(text) + "\nXDG_DOWNLOAD_DIR=\"$HOME/last\"", "/home/u") ==
-            "/home/u/last");
+    require(orrinvale::downloadsIn(std::string(text) + "\nXDG_DOWNLOAD_DIR=\"$HOME/last\"",
+                                   "/home/u") == "/home/u/last");
 }
 
 }  // namespace

@@ -43,7 +43,8 @@ char stateOf(pid_t process) {
 SocketPair::SocketPair(uid_t user, int type) {
     int ends[2] = {-1, -1};
     const uid_t self = ::geteuid();
-    const bool isMade = ::seteuid(user) == 0 && ::socketpair(AF_UNIX, type | SOCK_CLOEXEC, 0, ends) == 0;
+    const bool isMade =
+        ::seteuid(user) == 0 && ::socketpair(AF_UNIX, type | SOCK_CLOEXEC, 0, ends) == 0;
     if (::seteuid(self) != 0 || !isMade) return;
     ours = Descriptor(ends[0]);
     theirs = Descriptor(ends[1]);
@@ -58,7 +59,8 @@ HelperRun::HelperRun(uid_t caller, const std::function<void()>& before) {
     if (child == 0) {
         ::dup2(sockets.theirs.get(), STDIN_FILENO);
         before();
-        ::execve(arguments[0], const_cast<char* const*>(arguments), const_cast<char* const*>(environment));
+        ::execve(arguments[0], const_cast<char* const*>(arguments),
+                 const_cast<char* const*>(environment));
         ::_exit(125);
     }
     m_process = child;
@@ -78,7 +80,8 @@ HelperRun::~HelperRun() {
 bool HelperRun::send(const std::string& packet) const {
     const int room = 4 << 20;
     ::setsockopt(m_socket.get(), SOL_SOCKET, SO_SNDBUFFORCE, &room, sizeof room);
-    return ::send(m_socket.get(), packet.data(), packet.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(packet.size());
+    return ::send(m_socket.get(), packet.data(), packet.size(), MSG_NOSIGNAL) ==
+           static_cast<ssize_t>(packet.size());
 }
 
 std::optional<HelperReply> HelperRun::receive() const {
@@ -86,7 +89,8 @@ std::optional<HelperReply> HelperRun::receive() const {
     if (::poll(&source, 1, 20'000) <= 0) return std::nullopt;
     std::array<char, 4096> packet;
     const ssize_t count = ::recv(m_socket.get(), packet.data(), packet.size(), 0);
-    return count <= 0 ? std::nullopt : HelperReply::read({packet.data(), static_cast<std::size_t>(count)});
+    return count <= 0 ? std::nullopt
+                      : HelperReply::read({packet.data(), static_cast<std::size_t>(count)});
 }
 
 HelperRequest HelperRun::requestFor(const std::string& path) {
@@ -103,15 +107,18 @@ HelperReply HelperRun::ask(const HelperRequest& request) const {
 }
 
 bool HelperRun::endsWithin(std::chrono::milliseconds time) {
-    const bool ended = within(time, [&] { return ::waitpid(m_process, nullptr, WNOHANG) == m_process; });
+    const bool ended =
+        within(time, [&] { return ::waitpid(m_process, nullptr, WNOHANG) == m_process; });
     if (ended) m_process = -1;
     return ended;
 }
 
 pid_t childOf(pid_t process) {
     pid_t child = -1;
-    const std::string list = "/proc/" + std::to_string(process) + "/task/" + std::to_string(process) + "/children";
-    (void)within(std::chrono::seconds(1), [&] { return static_cast<bool>(std::ifstream(list) >> child); });
+    const std::string list =
+        "/proc/" + std::to_string(process) + "/task/" + std::to_string(process) + "/children";
+    (void)within(std::chrono::seconds(1),
+                 [&] { return static_cast<bool>(std::ifstream(list) >> child); });
     return child;
 }
 

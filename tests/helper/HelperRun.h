@@ -1,4 +1,5 @@
-// Starts the real helper as pkexec would: as root, with the caller's socket for standard input. Needs root.
+// Starts the real helper as pkexec would: as root, with the caller's socket for standard input.
+// Needs root.
 #pragma once
 
 #include <sys/types.h>

@@ -32,10 +32,12 @@ constexpr const char* kActions = "/usr/share/polkit-1/actions";
 constexpr const char* kAction = "com.kelpford.Orrinvale.remove";
 // Of PolkitWorld::password, by `openssl passwd -6 -salt orrinvale`.
 constexpr const char* kHash =
-    "$6$orrinvale$ScJ6QY1jj7fKg15dQM6Ix2pnfQ5SrO3fXC3271eUqZHS325.7r/4TpQC/hEA7yTPgm.dAQP/bmMRo/AdGJjO30";
+    "$6$orrinvale$ScJ6QY1jj7fKg15dQM6Ix2pnfQ5SrO3fXC3271eUqZHS325.7r/4TpQC/hEA7yTPgm.dAQP/bmMRo/"
+    "AdGJjO30";
 
 std::string replaced(std::string text, const std::string& from, const std::string& to) {
-    for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
+    for (std::size_t at = text.find(from); at != std::string::npos;
+         at = text.find(from, at + to.size()))
         text.replace(at, from.size(), to);
     return text;
 }
@@ -74,14 +76,17 @@ PolkitWorld::PolkitWorld() : m_obstacle(enter()) {}
 PolkitWorld::~PolkitWorld() {
     end();
     ::umount2(kActions, MNT_DETACH);
-    for (const char* const path : {"/etc/shadow", "/etc/group", "/run/dbus"}) ::umount2(path, MNT_DETACH);
+    for (const char* const path : {"/etc/shadow", "/etc/group", "/run/dbus"})
+        ::umount2(path, MNT_DETACH);
 }
 
 std::string PolkitWorld::enter() const {
-    for (const char* const program : {kDaemon, kPolkit, "/usr/bin/pkexec", "/usr/bin/pkttyagent", "/usr/bin/pkaction"})
+    for (const char* const program :
+         {kDaemon, kPolkit, "/usr/bin/pkexec", "/usr/bin/pkttyagent", "/usr/bin/pkaction"})
         if (::access(program, X_OK) != 0) return std::string(program) + " is not here";
     if (::geteuid() != 0) return "only root can make a world of its own";
-    if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
+    if (::unshare(CLONE_NEWNS) != 0 ||
+        ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
         return std::string("no mount namespace: ") + std::strerror(errno);
     TestTree& tree = const_cast<TestTree&>(m_tree);
     ::mkdir("/run/dbus", 0755);
@@ -95,8 +100,9 @@ std::string PolkitWorld::enter() const {
     tree.write("shadow", shadow);
     tree.setMode("shadow", 0600);
     tree.write("group", replaced(contentOf("/etc/group"), "sudo:x:27:", "sudo:x:27:nobody"));
-    const bool isCovered = cover(tree.at("bus"), "/run/dbus") && cover(tree.at("actions"), kActions) &&
-                           cover(tree.at("shadow"), "/etc/shadow") && cover(tree.at("group"), "/etc/group");
+    const bool isCovered =
+        cover(tree.at("bus"), "/run/dbus") && cover(tree.at("actions"), kActions) &&
+        cover(tree.at("shadow"), "/etc/shadow") && cover(tree.at("group"), "/etc/group");
     return isCovered ? std::string() : std::string("no mounts: ") + std::strerror(errno);
 }
 
@@ -107,7 +113,8 @@ std::string PolkitWorld::addHelper(const std::string& name, const std::string& a
     std::string policy = replaced(contentOf(ORRINVALE_POLICY), "@ORRINVALE_HELPER_PATH@", helper);
     policy = replaced(policy, kAction, kAction + ('.' + name));
     if (!allowAny.empty())
-        policy = replaced(policy, "<allow_any>no</allow_any>", "<allow_any>" + allowAny + "</allow_any>");
+        policy = replaced(policy, "<allow_any>no</allow_any>",
+                          "<allow_any>" + allowAny + "</allow_any>");
     m_tree.write("actions/" + name + ".policy", policy);
     return helper;
 }
@@ -127,16 +134,18 @@ void PolkitWorld::end() {
     m_services.clear();
 }
 
-PolkitAgent::PolkitAgent(Kind kind, pid_t subject) : m_terminal(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
+PolkitAgent::PolkitAgent(Kind kind, pid_t subject)
+    : m_terminal(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
     int ready[2];
-    if (::grantpt(m_terminal.get()) != 0 || ::unlockpt(m_terminal.get()) != 0 || ::pipe(ready) != 0) return;
+    if (::grantpt(m_terminal.get()) != 0 || ::unlockpt(m_terminal.get()) != 0 || ::pipe(ready) != 0)
+        return;
     const Descriptor end(ready[0]);
     Descriptor theirs(ready[1]);
     const Descriptor terminal(::open(::ptsname(m_terminal.get()), O_RDWR | O_NOCTTY | O_CLOEXEC));
     const std::string process = std::to_string(subject);
     const std::string notify = std::to_string(ready[1]);
-    std::vector<const char*> command{"/usr/bin/pkttyagent", "--process", process.c_str(), "--notify-fd",
-                                     notify.c_str()};
+    std::vector<const char*> command{"/usr/bin/pkttyagent", "--process", process.c_str(),
+                                     "--notify-fd", notify.c_str()};
     if (kind == Kind::Dismissing) command = {kPython, ORRINVALE_DISMISSING_AGENT, process.c_str()};
     m_process = start(command, terminal.get());
     theirs.reset();
@@ -171,7 +180,8 @@ void PolkitAgent::type(const std::string& line) const {
 }
 
 std::string obstacleToDismissing() {
-    const int status = run({kPython, "-c", "import dbus.service, dbus.mainloop.glib; from gi.repository import GLib"});
+    const int status = run(
+        {kPython, "-c", "import dbus.service, dbus.mainloop.glib; from gi.repository import GLib"});
     return status == 0 ? std::string() : "Python's dbus and gi are not here";
 }
 

@@ -1,5 +1,6 @@
-// A world of its own for polkit: real dbus-daemon and polkitd, actions of the test, and an administrator with a password, all in a
-// mount namespace, so that the machine and other tests see nothing of it.
+// A world of its own for polkit: real dbus-daemon and polkitd, actions of the test, and an
+// administrator with a password, all in a mount namespace, so that the machine and other tests see
+// nothing of it.
 #pragma once
 
 #include <sys/types.h>
@@ -26,7 +27,8 @@ public:
     /// Why there is none here; empty when it can be begun.
     [[nodiscard]] const std::string& obstacle() const { return m_obstacle; }
 
-    /// A copy of the helper with an action of its own: the project's, with another answer for callers without a seat. Before begin().
+    /// A copy of the helper with an action of its own: the project's, with another answer for
+    /// callers without a seat. Before begin().
     [[nodiscard]] std::string addHelper(const std::string& name, const std::string& allowAny);
 
     /// Starts the services; true when polkit knows the actions.

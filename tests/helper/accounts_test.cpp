@@ -1,4 +1,5 @@
-// Which groups may write the folders on the way: in a world whose users and groups the test chooses.
+// Which groups may write the folders on the way: in a world whose users and groups the test
+// chooses.
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
@@ -51,13 +52,15 @@ protected:
         tree.write("passwd", kUsers);
         tree.write("group", kGroups);
         tree.write("gshadow", kShadow);
-        tree.write("nsswitch.conf", "passwd: files systemd\ngroup: files [SUCCESS=merge] systemd\nshadow: files\n");
+        tree.write("nsswitch.conf",
+                   "passwd: files systemd\ngroup: files [SUCCESS=merge] systemd\nshadow: files\n");
         return runInChild({}, [&]() -> std::string {
-            if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
+            if (::unshare(CLONE_NEWNS) != 0 ||
+                ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
                 return "skipped: no mounts of our own";
             for (const char* name : {"passwd", "group", "gshadow", "nsswitch.conf"})
-                if (::mount(tree.at(name).c_str(), (std::string("/etc/") + name).c_str(), nullptr, MS_BIND, nullptr) !=
-                    0)
+                if (::mount(tree.at(name).c_str(), (std::string("/etc/") + name).c_str(), nullptr,
+                            MS_BIND, nullptr) != 0)
                     return std::string("skipped: nothing to cover for ") + name;
             return check();
         });
@@ -67,7 +70,8 @@ protected:
     std::string answerFor(gid_t group, mode_t mode = 0775) {
         tree.write("way/below/victim", "1");
         const std::string victim = tree.at("way/below/victim");
-        if (::chown(tree.at("way").c_str(), kCaller, group) != 0 || ::chmod(tree.at("way").c_str(), mode) != 0)
+        if (::chown(tree.at("way").c_str(), kCaller, group) != 0 ||
+            ::chmod(tree.at("way").c_str(), mode) != 0)
             return "no folder";
         const HelperReply reply = HelperRun(kCaller).ask(victim);
         if (isThere(victim) == (reply.outcome == Outcome::Removed)) return "it did something else";
@@ -103,8 +107,10 @@ TEST_F(Accounts, DecideWhichGroupsMayWriteAFolderOnTheWay) {
             if (answer != (each.isTaken ? "removed" : kByOthers))
                 wrong += std::string(each.what) + ": " + answer + '\n';
         }
-        if (const std::string answer = answerFor(1000, 0777); answer != kByOthers) wrong += "by all: " + answer;
-        if (const std::string answer = answerFor(1002, 01775); answer != "removed") wrong += "sticky: " + answer;
+        if (const std::string answer = answerFor(1000, 0777); answer != kByOthers)
+            wrong += "by all: " + answer;
+        if (const std::string answer = answerFor(1002, 01775); answer != "removed")
+            wrong += "sticky: " + answer;
         return wrong;
     });
     if (told.starts_with("skipped")) GTEST_SKIP() << told;
@@ -114,14 +120,15 @@ TEST_F(Accounts, DecideWhichGroupsMayWriteAFolderOnTheWay) {
 TEST_F(Accounts, OfADirectoryNeedNotBeListed) {
     const std::string told = inThisWorld([&] {
         std::string wrong;
-        for (const char* line :
-             {"passwd: files sss", "group: files ldap", "initgroups: winbind", "\tgroup:\tnis # x"}) {
+        for (const char* line : {"passwd: files sss", "group: files ldap", "initgroups: winbind",
+                                 "\tgroup:\tnis # x"}) {
             tree.write("nsswitch.conf", std::string("passwd: files\ngroup: files\n") + line + '\n');
             if (const std::string answer = answerFor(1000); answer != kByOthers)
                 wrong += std::string(line) + ": " + answer + '\n';
         }
         tree.write("nsswitch.conf", "# passwd: sss\nhosts: dns\n");
-        if (const std::string answer = answerFor(1000); answer != "removed") wrong += "by default: " + answer;
+        if (const std::string answer = answerFor(1000); answer != "removed")
+            wrong += "by default: " + answer;
         return wrong;
     });
     if (told.starts_with("skipped")) GTEST_SKIP() << told;
@@ -132,11 +139,14 @@ TEST_F(Accounts, DoNotCountWhereAnAccessListStands) {
     ASSERT_TRUE(tree.folder("way"));
     // acl(5): version 2; owner rwx, user 12345 rwx, group r-x, mask rwx, others r-x.
     constexpr std::array<unsigned char, 44> list{
-        2,    0,    0,    0,    1,    0, 7, 0, 0xFF, 0xFF, 0xFF, 0xFF, 2,    0, 7, 0, 57,   48,   0,    0,   4, 0, 5, 0,
-        0xFF, 0xFF, 0xFF, 0xFF, 0x10, 0, 7, 0, 0xFF, 0xFF, 0xFF, 0xFF, 0x20, 0, 5, 0, 0xFF, 0xFF, 0xFF, 0xFF};
+        2, 0,  0,    0,    1,    0,    7,    0, 0xFF, 0xFF, 0xFF, 0xFF, 2,    0,    7,
+        0, 57, 48,   0,    0,    4,    0,    5, 0,    0xFF, 0xFF, 0xFF, 0xFF, 0x10, 0,
+        7, 0,  0xFF, 0xFF, 0xFF, 0xFF, 0x20, 0, 5,    0,    0xFF, 0xFF, 0xFF, 0xFF};
     const std::string told = inThisWorld([&]() -> std::string {
-        if (const std::string answer = answerFor(1000); answer != "removed") return "without one: " + answer;
-        if (::setxattr(tree.at("way").c_str(), "system.posix_acl_access", list.data(), list.size(), 0) != 0)
+        if (const std::string answer = answerFor(1000); answer != "removed")
+            return "without one: " + answer;
+        if (::setxattr(tree.at("way").c_str(), "system.posix_acl_access", list.data(), list.size(),
+                       0) != 0)
             return "skipped: no access lists here";
         tree.write("way/below/victim", "1");
         const HelperReply reply = HelperRun(kCaller).ask(tree.at("way/below/victim"));

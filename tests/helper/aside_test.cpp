@@ -1,4 +1,5 @@
-// What the helper sets aside before its tool runs: looked at again there, given its name back, and found again by the next start.
+// What the helper sets aside before its tool runs: looked at again there, given its name back, and
+// found again by the next start.
 #include <gtest/gtest.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
@@ -46,8 +47,10 @@ void inOwnWorld(const std::function<std::string()>& check) {
 // In place of the tool: does this first, where its caller is, then works.
 bool letToolDoFirst(TestTree& tree, const std::string& script) {
     std::filesystem::copy_file("/bin/rm", tree.at("real rm"));
-    return tree.write("rm", "#!/bin/sh\n" + script + "\nexec '" + tree.at("real rm") + "' \"$@\"\n") &&
-           tree.setMode("rm", 0755) && ::mount(tree.at("rm").c_str(), "/bin/rm", nullptr, MS_BIND, nullptr) == 0;
+    return tree.write("rm",
+                      "#!/bin/sh\n" + script + "\nexec '" + tree.at("real rm") + "' \"$@\"\n") &&
+           tree.setMode("rm", 0755) &&
+           ::mount(tree.at("rm").c_str(), "/bin/rm", nullptr, MS_BIND, nullptr) == 0;
 }
 
 TEST(HelperSetsAside, AndLooksAtWhatStaysAgain) {
@@ -66,9 +69,12 @@ TEST(HelperSetsAside, AndLooksAtWhatStaysAgain) {
             {"another name of the file", "one/a", "two/link", nothing, true},
             {"a folder's copy", "one/folder", "two/folder", nothing, true},
             {"no copy named", "one/a", "", nothing, true},
-            {"the copy is gone", "one/a", "two/a", [](TestTree& t) { ::unlink(t.at("two/a").c_str()); }, false},
-            {"the copy was written to", "one/a", "two/a", [](TestTree& t) { t.write("two/a", "other"); }, false},
-            {"the entry was written to", "one/a", "two/a", [](TestTree& t) { t.write("one/a", "other"); }, false},
+            {"the copy is gone", "one/a", "two/a",
+             [](TestTree& t) { ::unlink(t.at("two/a").c_str()); }, false},
+            {"the copy was written to", "one/a", "two/a",
+             [](TestTree& t) { t.write("two/a", "other"); }, false},
+            {"the entry was written to", "one/a", "two/a",
+             [](TestTree& t) { t.write("one/a", "other"); }, false},
             {"the entry itself", "one/a", "one/a", nothing, false},
             {"the entry by a second view of its folder", "one/a", "view/a", nothing, false},
             {"a folder by a second view", "one/folder", "view/folder", nothing, false},
@@ -77,18 +83,20 @@ TEST(HelperSetsAside, AndLooksAtWhatStaysAgain) {
         std::string wrong;
         for (const Case& each : cases) {
             TestTree tree;
-            for (const char* name : {"one/a", "one/b", "two/a", "one/folder/x", "two/folder/x"}) tree.write(name, "1");
+            for (const char* name : {"one/a", "one/b", "two/a", "one/folder/x", "two/folder/x"})
+                tree.write(name, "1");
             tree.folder("view");
             tree.hardLink("one/a", "two/link");
-            if (::mount(tree.at("one").c_str(), tree.at("view").c_str(), nullptr, MS_BIND, nullptr) != 0)
+            if (::mount(tree.at("one").c_str(), tree.at("view").c_str(), nullptr, MS_BIND,
+                        nullptr) != 0)
                 return "skip: no second view";
             const std::string stays = *each.stays == '\0' ? "" : tree.at(each.stays);
             const HelperRequest request = requestFor(tree.at(each.goes), stays);
             each.meanwhile(tree);
             const HelperReply reply = HelperRun().ask(request);
             const bool isThereStill = isThere(tree.at(each.goes));
-            if (reply.outcome != (each.isTaken ? Outcome::Removed : Outcome::Refused) || isThereStill == each.isTaken ||
-                asideBelow(tree.path()) != 0)
+            if (reply.outcome != (each.isTaken ? Outcome::Removed : Outcome::Refused) ||
+                isThereStill == each.isTaken || asideBelow(tree.path()) != 0)
                 wrong += std::string(each.what) + ": " + reply.text + '\n';
             ::umount(tree.at("view").c_str());
         }
@@ -101,15 +109,18 @@ TEST(HelperSetsAside, SoThatWhatComesInItsPlaceStays) {
     inOwnWorld([]() -> std::string {
         TestTree tree;
         tree.write("folder/a", "1");
-        if (!letToolDoFirst(tree, "echo new > '" + tree.at("folder/a") + "'")) return "skip: no tool of our own";
+        if (!letToolDoFirst(tree, "echo new > '" + tree.at("folder/a") + "'"))
+            return "skip: no tool of our own";
         const HelperReply reply = HelperRun().ask(tree.at("folder/a"));
-        if (contentOf(tree.at("folder/a")) != "new\n") return "what came in its place went: " + reply.text;
+        if (contentOf(tree.at("folder/a")) != "new\n")
+            return "what came in its place went: " + reply.text;
         if (asideBelow(tree.path()) != 0) return "it is aside";
         return reply.outcome == Outcome::StillThere ? "" : "told as another outcome: " + reply.text;
     });
 }
 
-// By the end of its caller and by SIGTERM, with a tool that would take minutes and one that takes no notice.
+// By the end of its caller and by SIGTERM, with a tool that would take minutes and one that takes
+// no notice.
 TEST(HelperSetsAside, AndPutsBackBeforeItEnds) {
     for (const bool isBySignal : {false, true}) {
         for (const char* tool : {"sleep 60", "trap '' TERM; sleep 60"}) {
@@ -117,7 +128,8 @@ TEST(HelperSetsAside, AndPutsBackBeforeItEnds) {
                 TestTree tree;
                 tree.write("one/folder/x", "1");
                 tree.write("two/folder/x", "1");
-                if (!letToolDoFirst(tree, "touch '" + tree.at("begun") + "'; " + tool)) return "skip: no tool";
+                if (!letToolDoFirst(tree, "touch '" + tree.at("begun") + "'; " + tool))
+                    return "skip: no tool";
                 HelperRun helper;
                 helper.send(requestFor(tree.at("one/folder"), tree.at("two/folder")).packed());
                 for (int i = 0; i < 5000 && !isThere(tree.at("begun")); ++i) ::usleep(1000);
@@ -125,7 +137,8 @@ TEST(HelperSetsAside, AndPutsBackBeforeItEnds) {
                 if (isBySignal) ::kill(helper.process(), SIGTERM);
                 else helper.letGo();
                 if (!helper.endsWithin(milliseconds(4000))) return "the helper does not end";
-                if (!isThere(tree.at("one/folder/x")) || asideBelow(tree.path()) != 0) return "it is not back";
+                if (!isThere(tree.at("one/folder/x")) || asideBelow(tree.path()) != 0)
+                    return "it is not back";
                 return isThere(kJournals) ? "a journal is left" : "";
             });
         }
@@ -141,20 +154,26 @@ TEST(HelperSetsAside, AndTheNextStartBringsBackWhatAKilledOneLeft) {
             const bool isFolder = round % 2 == 0;
             for (int i = 0; i < (isFolder ? 1500 : 1); ++i)
                 for (const char* copy : {"one", "two"})
-                    tree.write(copy + (isFolder ? "/copy/" + std::to_string(i) : std::string("/copy")), "1");
+                    tree.write(
+                        copy + (isFolder ? "/copy/" + std::to_string(i) : std::string("/copy")),
+                        "1");
             {
                 HelperRun helper;
                 helper.send(requestFor(tree.at("one/copy"), tree.at("two/copy")).packed());
                 const pid_t worker = childOf(helper.process());
                 ::usleep(static_cast<unsigned>(round) * 150);
                 ::kill(helper.process(), SIGKILL);
-                if (!helper.endsWithin(milliseconds(2000)) || !isGoneWithin(worker, milliseconds(5000))) return "alive";
+                if (!helper.endsWithin(milliseconds(2000)) ||
+                    !isGoneWithin(worker, milliseconds(5000)))
+                    return "alive";
             }
             const bool wasAside = asideBelow(tree.path()) > 0;
             foundAside += wasAside ? 1 : 0;
             if (!HelperRun().isReady()) return "no next start";
-            if (asideBelow(tree.path()) != 0) return "aside after the next start, round " + std::to_string(round);
-            if (wasAside && !isThere(tree.at("one/copy"))) return "lost in round " + std::to_string(round);
+            if (asideBelow(tree.path()) != 0)
+                return "aside after the next start, round " + std::to_string(round);
+            if (wasAside && !isThere(tree.at("one/copy")))
+                return "lost in round " + std::to_string(round);
             if (isThere(kJournals)) return "a journal is left in round " + std::to_string(round);
         }
         std::printf("[          ] %d of %d kills found it aside\n", foundAside, rounds);
@@ -163,7 +182,8 @@ TEST(HelperSetsAside, AndTheNextStartBringsBackWhatAKilledOneLeft) {
     });
 }
 
-// Root does what stands in a journal, so that nobody else may have written it; and without one removals go on.
+// Root does what stands in a journal, so that nobody else may have written it; and without one
+// removals go on.
 TEST(HelperSetsAside, NothingWhereItsJournalCanNotBeTrusted) {
     inOwnWorld([]() -> std::string {
         struct Case {
@@ -174,9 +194,9 @@ TEST(HelperSetsAside, NothingWhereItsJournalCanNotBeTrusted) {
             tree.write("planted/" + std::string("orrinvale kept aside 0123456789abcdef name"), "1");
             struct stat seen {};
             ::stat(tree.at("planted/orrinvale kept aside 0123456789abcdef name").c_str(), &seen);
-            tree.write(journal + "/x.aside", "orrinvale aside 1\n0123456789abcdef " + std::to_string(seen.st_dev) +
-                                                 ' ' + std::to_string(seen.st_ino) + " 1 " + tree.at("planted/name") +
-                                                 '\n');
+            tree.write(journal + "/x.aside",
+                       "orrinvale aside 1\n0123456789abcdef " + std::to_string(seen.st_dev) + ' ' +
+                           std::to_string(seen.st_ino) + " 1 " + tree.at("planted/name") + '\n');
         };
         const Case cases[]{
             {"a link",
@@ -208,7 +228,10 @@ TEST(HelperSetsAside, NothingWhereItsJournalCanNotBeTrusted) {
                  ::mount("none", kJournals, "tmpfs", 0, "size=4096");
                  std::ofstream(std::string(kJournals) + "/filler") << std::string(4096, 'x');
              }},
-            {"read only", [&](TestTree&) { ::mount("none", "/var/lib", nullptr, MS_REMOUNT | MS_RDONLY, nullptr); }},
+            {"read only",
+             [&](TestTree&) {
+                 ::mount("none", "/var/lib", nullptr, MS_REMOUNT | MS_RDONLY, nullptr);
+             }},
         };
         std::string wrong;
         for (const Case& each : cases) {
@@ -218,7 +241,8 @@ TEST(HelperSetsAside, NothingWhereItsJournalCanNotBeTrusted) {
             const HelperReply reply = HelperRun().ask(tree.at("a"));
             if (reply.outcome != Outcome::Removed || isThere(tree.at("a")))
                 wrong += std::string(each.what) + ": " + reply.text + '\n';
-            if (isThere(tree.at("planted/name"))) wrong += std::string(each.what) + ": did what was planted\n";
+            if (isThere(tree.at("planted/name")))
+                wrong += std::string(each.what) + ": did what was planted\n";
             ::umount(kJournals);
             ::mount("none", "/var/lib", nullptr, MS_REMOUNT, nullptr);
             std::filesystem::remove_all(kJournals);
@@ -227,7 +251,8 @@ TEST(HelperSetsAside, NothingWhereItsJournalCanNotBeTrusted) {
     });
 }
 
-// Of journals in their right place: what is no record in them is left out, and two helpers at once leave each other's alone.
+// Of journals in their right place: what is no record in them is left out, and two helpers at once
+// leave each other's alone.
 TEST(HelperSetsAside, AndReadsItsJournalsWithCare) {
     inOwnWorld([]() -> std::string {
         TestTree tree;
@@ -242,7 +267,9 @@ TEST(HelperSetsAside, AndReadsItsJournalsWithCare) {
         for (int i = 0; i < 2; ++i)
             for (const auto& [helper, name] : {std::pair{&first, "a"}, {&second, "b"}}) {
                 tree.write(name, "1");
-                if (const auto reply = helper->ask(tree.at(name)); reply.outcome != Outcome::Removed) return reply.text;
+                if (const auto reply = helper->ask(tree.at(name));
+                    reply.outcome != Outcome::Removed)
+                    return reply.text;
             }
         return {};
     });

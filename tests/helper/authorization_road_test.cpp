@@ -1,4 +1,5 @@
-// The right on Linux from its acquisition to its end, with the real helper and a stand-in for pkexec whose answers are chosen here.
+// The right on Linux from its acquisition to its end, with the real helper and a stand-in for
+// pkexec whose answers are chosen here.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
@@ -31,7 +32,8 @@ constexpr auto kRight = Authorization::adminRight;
 std::string agreeing() { return "PKEXEC_UID=" + std::to_string(::getuid()) + " exec \"$2\"\n"; }
 
 std::ptrdiff_t openDescriptors() {
-    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), std::filesystem::directory_iterator());
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
+                         std::filesystem::directory_iterator());
 }
 
 class RightOnLinux : public ::testing::Test {
@@ -41,7 +43,8 @@ protected:
     }
 
     HelperPaths paths(const std::string& script) {
-        tree.write("pkexec", "#!/bin/sh\n[ \"$1\" = --disable-internal-agent ] || exit 3\n" + script);
+        tree.write("pkexec",
+                   "#!/bin/sh\n[ \"$1\" = --disable-internal-agent ] || exit 3\n" + script);
         tree.setMode("pkexec", 0755);
         return {tree.at("pkexec"), ORRINVALE_HELPER};
     }
@@ -131,7 +134,8 @@ TEST_F(RightOnLinux, EveryRefusalIsTold) {
                Status::interactionNotAllowed},
           {error + "Not authorized' >&2; exit 127\n", Refusal::Refused, Status::denied},
           {error + "Request dismissed' >&2; exit 126\n", Refusal::Dismissed, Status::canceled},
-          {"echo 'Error getting authority: no bus' >&2; exit 127\n", Refusal::NoPolkit, Status::internal},
+          {"echo 'Error getting authority: no bus' >&2; exit 127\n", Refusal::NoPolkit,
+           Status::internal},
           {"exit 127\n", Refusal::HelperFailed, Status::internal},
           {"kill -9 $$\n", Refusal::HelperFailed, Status::internal},
           {"PKEXEC_UID=4242 exec \"$2\"\n", Refusal::HelperFailed, Status::internal}}) {
@@ -168,9 +172,11 @@ TEST_F(RightOnLinux, ADialogThatStandsIsEndedByGivingUp) {
     ASSERT_TRUE(tree.fifo("asked"));
     LinuxAuthorization system(paths("echo > " + tree.at("asked") + "; exec sleep 60\n"));
     ASSERT_EQ(system.create(owner), Status::success);
-    auto answer =
-        std::async(std::launch::async, [&] { return system.copyRights(owner, kRight, AuthorizationFlags::acquire); });
-    const Descriptor asked(::open(tree.at("asked").c_str(), O_RDONLY | O_CLOEXEC));  // waits for the dialog
+    auto answer = std::async(std::launch::async, [&] {
+        return system.copyRights(owner, kRight, AuthorizationFlags::acquire);
+    });
+    const Descriptor asked(
+        ::open(tree.at("asked").c_str(), O_RDONLY | O_CLOEXEC));  // waits for the dialog
     EXPECT_EQ(system.free(owner), Status::success);
     ASSERT_EQ(answer.wait_for(milliseconds(5000)), std::future_status::ready);
     EXPECT_NE(answer.get(), Status::success);
@@ -207,7 +213,8 @@ TEST_F(RightOnLinux, ManyWorkersTakeTurns) {
             int done = 0;
             std::unique_ptr<ToolOutput> output;
             for (int i = worker; i < 80; i += 4)
-                done += system.executeWithPrivileges(owner, removal(tree.at("many/" + std::to_string(i))), output) == 0
+                done += system.executeWithPrivileges(
+                            owner, removal(tree.at("many/" + std::to_string(i))), output) == 0
                             ? 1
                             : 0;
             return done;

@@ -24,8 +24,8 @@ protected:
         if (::geteuid() != 0) GTEST_SKIP() << "the helper runs as root only";
     }
 
-    // A tool at work, held there: it removes many files, and is stopped when it is seen. One that was too quick is followed by
-    // another.
+    // A tool at work, held there: it removes many files, and is stopped when it is seen. One that
+    // was too quick is followed by another.
     pid_t stoppedTool(const HelperRun& helper) {
         for (int attempt = 0; attempt < 10; ++attempt) {
             for (int i = 0; i < 10'000; ++i) tree.write("many/" + std::to_string(i), {});
@@ -66,7 +66,8 @@ TEST_F(HelperLife, EndsWithItsCallerAtOnce) {
     EXPECT_TRUE(helper.endsWithin(milliseconds(1000)));
 }
 
-// The tool can not take SIGTERM while it is stopped, so that this takes the whole of the second that it is given.
+// The tool can not take SIGTERM while it is stopped, so that this takes the whole of the second
+// that it is given.
 TEST_F(HelperLife, TheToolEndsWithTheCallerEvenWhenItDoesNotWantTo) {
     HelperRun helper;
     const pid_t tool = stoppedTool(helper);
@@ -117,7 +118,8 @@ TEST(HelperIdle, SaysSoAndEnds) {
     char packet[64];
     for (const Outcome expected : {Outcome::Ready, Outcome::Idle}) {
         const ssize_t count = ::recv(ours.get(), packet, sizeof packet, MSG_DONTWAIT);
-        const auto reply = HelperReply::read({packet, static_cast<std::size_t>(count > 0 ? count : 0)});
+        const auto reply =
+            HelperReply::read({packet, static_cast<std::size_t>(count > 0 ? count : 0)});
         ASSERT_TRUE(reply);
         EXPECT_EQ(reply->outcome, expected);
     }

@@ -1,4 +1,5 @@
-// The whole road through the real polkit: what each answer of the system makes of the right, and a removal at its end.
+// The whole road through the real polkit: what each answer of the system makes of the right, and a
+// removal at its end.
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -19,8 +20,8 @@ namespace {
 
 using Refusal = AuthorizationRefusal;
 
-/// As the ordinary user: asks for the right, with an agent at hand or none, and removes with it. The text says what went another way
-/// than expected.
+/// As the ordinary user: asks for the right, with an agent at hand or none, and removes with it.
+/// The text says what went another way than expected.
 struct Attempt {
     std::string helper;
     std::string victim;
@@ -35,14 +36,18 @@ struct Attempt {
         const bool isDismissed = person == Person::Dismisses;
         std::optional<PolkitAgent> agent;
         if (!typed.empty() || person != Person::Types)
-            agent.emplace(isDismissed ? PolkitAgent::Kind::Dismissing : PolkitAgent::Kind::Password, ::getpid());
+            agent.emplace(isDismissed ? PolkitAgent::Kind::Dismissing : PolkitAgent::Kind::Password,
+                          ::getpid());
         auto asked = std::async(std::launch::async, [&] {
-            return system.copyRights(reference, Authorization::adminRight, AuthorizationFlags::acquire);
+            return system.copyRights(reference, Authorization::adminRight,
+                                     AuthorizationFlags::acquire);
         });
         std::string trouble;
-        if (agent && !isDismissed && !agent->says("Password:")) trouble = "nobody asked for a password; ";
+        if (agent && !isDismissed && !agent->says("Password:"))
+            trouble = "nobody asked for a password; ";
         if (agent && person == Person::Leaves) agent->kill();
-        // The agent throws away what was typed before it has switched the echo off, which it does after it has asked.
+        // The agent throws away what was typed before it has switched the echo off, which it does
+        // after it has asked.
         constexpr std::chrono::seconds longEnough{2};
         for (int i = 0; agent && person == Person::Types && i < 10; ++i) {
             agent->type(typed);
@@ -50,7 +55,8 @@ struct Attempt {
         }
         const std::int32_t status = asked.get();
         if (system.lastRefusal() != expected)
-            trouble += fmt::format("refusal {}, status {}", static_cast<int>(system.lastRefusal()), status);
+            trouble += fmt::format("refusal {}, status {}", static_cast<int>(system.lastRefusal()),
+                                   status);
         return status == 0 ? trouble + remove(system, reference) : trouble;
     }
 
@@ -80,9 +86,11 @@ TEST(Polkit, EveryAnswerOfTheSystem) {
         std::string troubles;
         const auto attempt = [&](const char* what, const Attempt& each) {
             tree.write("theirs/victim", "1");
-            const std::string trouble = runInChild({.ordinaryUser = true}, [&] { return each.run(); });
+            const std::string trouble =
+                runInChild({.ordinaryUser = true}, [&] { return each.run(); });
             if (!trouble.empty()) troubles += std::string(what) + ": " + trouble + '\n';
-            if (isThere() == (each.expected == Refusal::None)) troubles += std::string(what) + ": the wrong end\n";
+            if (isThere() == (each.expected == Refusal::None))
+                troubles += std::string(what) + ": the wrong end\n";
         };
         using Person = Attempt::Person;
         attempt("no polkit", {free, victim, Refusal::NoPolkit});
@@ -94,7 +102,9 @@ TEST(Polkit, EveryAnswerOfTheSystem) {
         attempt("a wrong password", {guarded, victim, Refusal::Refused, "guess"});
         attempt("an agent that goes away", {guarded, victim, Refusal::Refused, {}, Person::Leaves});
         const std::string obstacle = obstacleToDismissing();
-        if (obstacle.empty()) attempt("a closed dialog", {guarded, victim, Refusal::Dismissed, {}, Person::Dismisses});
+        if (obstacle.empty())
+            attempt("a closed dialog",
+                    {guarded, victim, Refusal::Dismissed, {}, Person::Dismisses});
         else if (troubles.empty()) return "skip: all but a closed dialog was tried: " + obstacle;
         return troubles;
     });

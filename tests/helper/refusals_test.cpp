@@ -1,4 +1,5 @@
-// What the helper does not do: serve anybody but its caller, take a packet that is none, remove what others could exchange.
+// What the helper does not do: serve anybody but its caller, take a packet that is none, remove
+// what others could exchange.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -44,7 +45,8 @@ Ended runByHand(int input, std::vector<const char*> arguments, const char* calle
         else ::dup2(input, STDIN_FILENO);
         ::dup2(theirs.get(), STDERR_FILENO);
         if (user == 0 || ::setuid(user) == 0)
-            ::fexecve(program.get(), const_cast<char* const*>(arguments.data()), const_cast<char* const*>(environment));
+            ::fexecve(program.get(), const_cast<char* const*>(arguments.data()),
+                      const_cast<char* const*>(environment));
         ::_exit(125);
     }
     theirs.reset();
@@ -86,20 +88,21 @@ TEST_F(HelperRefuses, ToServeWhoeverIsNotItsCaller) {
         int status;
     };
     const int good = packets.theirs.get();
-    for (const Case& each : {Case{"two arguments", good, {"/tmp/x"}, "PKEXEC_UID=65534", 0, EX_USAGE},
-                             {"not root", good, {}, "PKEXEC_UID=65534", ordinaryUser, EX_NOPERM},
-                             {"by hand", good, {}, "A=", 0, EX_NOPERM},
-                             {"no number", good, {}, "PKEXEC_UID=65534x", 0, EX_NOPERM},
-                             {"empty", good, {}, "PKEXEC_UID=", 0, EX_NOPERM},
-                             {"negative", good, {}, "PKEXEC_UID=-1", 0, EX_NOPERM},
-                             {"wrong user", good, {}, "PKEXEC_UID=1", 0, EX_NOPERM},
-                             {"no peer", alone.get(), {}, "PKEXEC_UID=4294967295", 0, EX_NOPERM},
-                             {"stream", stream.theirs.get(), {}, "PKEXEC_UID=65534", 0, EX_NOPERM},
-                             {"datagrams", datagrams.theirs.get(), {}, "PKEXEC_UID=65534", 0, EX_NOPERM},
-                             {"pipe", pipeEnd.get(), {}, "PKEXEC_UID=0", 0, EX_NOPERM},
-                             {"terminal", terminal.get(), {}, "PKEXEC_UID=0", 0, EX_NOPERM},
-                             {"device", nothing.get(), {}, "PKEXEC_UID=0", 0, EX_NOPERM},
-                             {"closed", -1, {}, "PKEXEC_UID=0", 0, EX_NOPERM}}) {
+    for (const Case& each :
+         {Case{"two arguments", good, {"/tmp/x"}, "PKEXEC_UID=65534", 0, EX_USAGE},
+          {"not root", good, {}, "PKEXEC_UID=65534", ordinaryUser, EX_NOPERM},
+          {"by hand", good, {}, "A=", 0, EX_NOPERM},
+          {"no number", good, {}, "PKEXEC_UID=65534x", 0, EX_NOPERM},
+          {"empty", good, {}, "PKEXEC_UID=", 0, EX_NOPERM},
+          {"negative", good, {}, "PKEXEC_UID=-1", 0, EX_NOPERM},
+          {"wrong user", good, {}, "PKEXEC_UID=1", 0, EX_NOPERM},
+          {"no peer", alone.get(), {}, "PKEXEC_UID=4294967295", 0, EX_NOPERM},
+          {"stream", stream.theirs.get(), {}, "PKEXEC_UID=65534", 0, EX_NOPERM},
+          {"datagrams", datagrams.theirs.get(), {}, "PKEXEC_UID=65534", 0, EX_NOPERM},
+          {"pipe", pipeEnd.get(), {}, "PKEXEC_UID=0", 0, EX_NOPERM},
+          {"terminal", terminal.get(), {}, "PKEXEC_UID=0", 0, EX_NOPERM},
+          {"device", nothing.get(), {}, "PKEXEC_UID=0", 0, EX_NOPERM},
+          {"closed", -1, {}, "PKEXEC_UID=0", 0, EX_NOPERM}}) {
         const Ended ended = runByHand(each.input, each.arguments, each.caller, each.user);
         EXPECT_EQ(ended.status, each.status) << each.what << ": " << ended.errors;
         EXPECT_EQ(std::count(ended.errors.begin(), ended.errors.end(), '\n'), 1) << each.what;
@@ -121,14 +124,17 @@ TEST_F(HelperRefuses, PacketsThatAreNoRequest) {
         return changed([&](HelperRequest& r) { r.entry.path = path; });
     };
     constexpr std::size_t smallest = HelperRequest::headSize + HelperRequest::entryHeadSize;
-    const auto withByte = [&](std::size_t at, char byte) { return good.packed().replace(at, 1, 1, byte); };
+    const auto withByte = [&](std::size_t at, char byte) {
+        return good.packed().replace(at, 1, 1, byte);
+    };
     struct Case {
         const char* what;
         std::string packet;
     };
     for (const Case& each :
          {Case{"1 MB", good.packed() + std::string(1 << 20, 'x')},
-          {"one byte too many", withPath('/' + std::string(HelperRequest::mostBytes - smallest, 'x'))},
+          {"one byte too many",
+           withPath('/' + std::string(HelperRequest::mostBytes - smallest, 'x'))},
           {"short", good.packed().substr(0, HelperRequest::headSize - 1)},
           {"another mark", "x" + good.packed().substr(1)},
           {"no path", withPath("")},
@@ -147,7 +153,8 @@ TEST_F(HelperRefuses, PacketsThatAreNoRequest) {
           {"another device", changed([](HelperRequest& r) { ++r.entry.device; })},
           {"another size", changed([](HelperRequest& r) { ++r.entry.state->size; })},
           {"another time", changed([](HelperRequest& r) { ++r.entry.state->modified; })},
-          {"another time of the inode", changed([](HelperRequest& r) { ++r.entry.state->changed; })},
+          {"another time of the inode",
+           changed([](HelperRequest& r) { ++r.entry.state->changed; })},
           {"no entry", withByte(8, 0)},
           {"three entries", withByte(8, 3)},
           {"two entries told of, one there", withByte(8, 2)},
@@ -157,8 +164,10 @@ TEST_F(HelperRefuses, PacketsThatAreNoRequest) {
           {"an entry filled up with something", withByte(smallest - 5, 1)},
           {"a state that is not told", withByte(smallest - 7, 0)},
           {"a state neither told nor untold", withByte(smallest - 7, 2)},
-          {"what stays without its state", changed([](HelperRequest& r) { (r.stays = r.entry)->state.reset(); })},
-          {"what stays by no plain path", changed([](HelperRequest& r) { (r.stays = r.entry)->path += "/.."; })},
+          {"what stays without its state",
+           changed([](HelperRequest& r) { (r.stays = r.entry)->state.reset(); })},
+          {"what stays by no plain path",
+           changed([](HelperRequest& r) { (r.stays = r.entry)->path += "/.."; })},
           {"nothing there", withPath(tree.at("folder/missing"))}}) {
         ASSERT_TRUE(helper.send(each.packet)) << each.what;
         const auto reply = helper.receive();
@@ -213,7 +222,8 @@ TEST_F(HelperRefuses, ProtectedPlaces) {
     }
     ASSERT_TRUE(tree.folder("outer/mount"));
     const std::string mount = tree.at("outer/mount");
-    if (::mount("none", mount.c_str(), "tmpfs", 0, nullptr) != 0) GTEST_SKIP() << "this process may not mount";
+    if (::mount("none", mount.c_str(), "tmpfs", 0, nullptr) != 0)
+        GTEST_SKIP() << "this process may not mount";
     EXPECT_TRUE(tree.write("outer/mount/file", "1"));
     EXPECT_EQ(helper.ask(mount).outcome, Outcome::Refused);
     EXPECT_EQ(helper.ask(tree.at("outer")).outcome, Outcome::Refused);
@@ -228,14 +238,19 @@ TEST_F(HelperRefuses, PartsOfTheSystem) {
     for (const char* folder : {"upper", "work", "root"}) ASSERT_TRUE(layer.folder(folder));
     const std::string told = runInChild({}, [&]() -> std::string {
         const std::string root = layer.at("root");
-        const std::string options = "lowerdir=/,upperdir=" + layer.at("upper") + ",workdir=" + layer.at("work");
-        const std::string programs = std::string(ORRINVALE_HELPER).substr(0, std::string(ORRINVALE_HELPER).rfind('/'));
-        if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+        const std::string options =
+            "lowerdir=/,upperdir=" + layer.at("upper") + ",workdir=" + layer.at("work");
+        const std::string programs =
+            std::string(ORRINVALE_HELPER).substr(0, std::string(ORRINVALE_HELPER).rfind('/'));
+        if (::unshare(CLONE_NEWNS) != 0 ||
+            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
             ::mount("none", root.c_str(), "overlay", 0, options.c_str()) != 0)
             return "skipped: no layers here";
         for (const std::string& each : {std::string("/proc"), std::string("/dev"), programs}) {
             std::filesystem::create_directories(root + each);
-            if (::mount(each.c_str(), (root + each).c_str(), nullptr, MS_BIND | MS_REC, nullptr) != 0) return each;
+            if (::mount(each.c_str(), (root + each).c_str(), nullptr, MS_BIND | MS_REC, nullptr) !=
+                0)
+                return each;
         }
         if (::chroot(root.c_str()) != 0 || ::chdir("/") != 0) return "no root";
         const HelperRun helper(0);
@@ -244,7 +259,8 @@ TEST_F(HelperRefuses, PartsOfTheSystem) {
              {"/srv", "/opt", "/boot", "/mnt", "/var/log", "/usr/local", "/usr/lib", "/usr"}) {
             std::filesystem::create_directories(place);
             const HelperReply reply = helper.ask(place);
-            if (reply.outcome != Outcome::Refused || !isThere(place)) wrong += std::string(place) + ' ' + reply.text;
+            if (reply.outcome != Outcome::Refused || !isThere(place))
+                wrong += std::string(place) + ' ' + reply.text;
             const std::string inside = std::string(place) + "/orrinvale";
             std::filesystem::create_directories(inside);
             if (helper.ask(inside).outcome != Outcome::Removed) wrong += " not " + inside;

@@ -38,15 +38,16 @@ TEST_F(HelperRemoves, EntriesOfEveryKindAndNothingElse) {
     ASSERT_TRUE(tree.fifo("in/fifo"));
     ASSERT_TRUE(tree.socket("in/socket"));
     const std::string longName(255, 'n');
-    for (const std::string& name :
-         {std::string("-rf"), std::string("a\nb"), std::string("\xFF\xFE"), longName, std::string("*")})
+    for (const std::string& name : {std::string("-rf"), std::string("a\nb"),
+                                    std::string("\xFF\xFE"), longName, std::string("*")})
         ASSERT_TRUE(tree.write("in/" + name, "1"));
     ASSERT_TRUE(tree.write("in/sibling", "1"));
     const HelperRun helper;
     ASSERT_TRUE(helper.isReady());
     for (const std::string& name :
-         {std::string("folder"), std::string("link"), std::string("broken"), std::string("fifo"), std::string("socket"),
-          std::string("-rf"), std::string("a\nb"), std::string("\xFF\xFE"), longName, std::string("*")}) {
+         {std::string("folder"), std::string("link"), std::string("broken"), std::string("fifo"),
+          std::string("socket"), std::string("-rf"), std::string("a\nb"), std::string("\xFF\xFE"),
+          longName, std::string("*")}) {
         const HelperReply reply = helper.ask(tree.at("in/" + name));
         EXPECT_EQ(reply.outcome, Outcome::Removed) << name << ": " << reply.text;
         EXPECT_EQ(reply.sequence, 7U);
@@ -70,7 +71,8 @@ TEST_F(HelperRemoves, SaysWhyAnEntryIsStillThere) {
     ASSERT_TRUE(tree.write("folder/loose", "1"));
     const Descriptor file(::open(tree.at("folder/fixed").c_str(), O_RDONLY | O_CLOEXEC));
     int flags = FS_IMMUTABLE_FL;
-    if (::ioctl(file.get(), FS_IOC_SETFLAGS, &flags) != 0) GTEST_SKIP() << "this file system has no immutable files";
+    if (::ioctl(file.get(), FS_IOC_SETFLAGS, &flags) != 0)
+        GTEST_SKIP() << "this file system has no immutable files";
     const HelperRun helper;
     const HelperReply reply = helper.ask(tree.at("folder"));
     EXPECT_EQ(reply.outcome, Outcome::StillThere);
@@ -96,7 +98,8 @@ TEST_F(HelperRemoves, SaysThatTheToolDidNotRun) {
         const std::string told = runInChild({}, [&]() -> std::string {
             tree.write("rm", each.tool);
             tree.setMode("rm", each.mode);
-            if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            if (::unshare(CLONE_NEWNS) != 0 ||
+                ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
                 ::mount(tree.at("rm").c_str(), "/bin/rm", nullptr, MS_BIND, nullptr) != 0)
                 return "skipped: no mounts of our own";
             const HelperReply reply = HelperRun().ask(tree.at("file"));
@@ -112,10 +115,12 @@ TEST_F(HelperRemoves, SaysThatTheToolDidNotRun) {
 TEST_F(HelperRemoves, UnderNoneOfItsCallersLimits) {
     ASSERT_TRUE(tree.write("folder/file", "1"));
     const HelperRun helper(ordinaryUser, [] {
-        for (const auto& [which, most] : {std::pair{RLIMIT_FSIZE, 0}, {RLIMIT_CPU, 1}, {RLIMIT_NOFILE, 8}}) {
+        for (const auto& [which, most] :
+             {std::pair{RLIMIT_FSIZE, 0}, {RLIMIT_CPU, 1}, {RLIMIT_NOFILE, 8}}) {
             rlimit limit{};
             ::getrlimit(which, &limit);
-            limit.rlim_cur = static_cast<rlim_t>(most);  // the hard one only some roots may raise again
+            limit.rlim_cur =
+                static_cast<rlim_t>(most);  // the hard one only some roots may raise again
             ::setrlimit(which, &limit);
         }
         const itimerval soon{{}, {0, 100'000}};
@@ -133,24 +138,29 @@ TEST_F(HelperRemoves, UnderNoneOfItsCallersLimits) {
     }
 }
 
-// What is mounted over the parts of a folder can not be seen from the mount's copy, so that it stays even where it came between the look
-// and the tool.
+// What is mounted over the parts of a folder can not be seen from the mount's copy, so that it
+// stays even where it came between the look and the tool.
 TEST_F(HelperRemoves, NothingOfAMountThatCameMeanwhile) {
     const std::string told = runInChild({}, [&]() -> std::string {
-        if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
+        if (::unshare(CLONE_NEWNS) != 0 ||
+            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
             return "skipped: no mounts of our own";
         tree.write("way/many/a", "below the mount");
         tree.write("other/precious", "1");
-        // The tool of this world mounts first, as if by chance, where its caller's view is, then works.
-        tree.write("rm", "#!/bin/sh\nnsenter --mount=/proc/" + std::to_string(::getpid()) + "/ns/mnt mount --bind '" +
-                             tree.at("other") + "' '" + tree.at("way/many") + "' || exit 9\nexec '" +
-                             tree.at("real rm") + "' \"$@\"\n");
+        // The tool of this world mounts first, as if by chance, where its caller's view is, then
+        // works.
+        tree.write("rm", "#!/bin/sh\nnsenter --mount=/proc/" + std::to_string(::getpid()) +
+                             "/ns/mnt mount --bind '" + tree.at("other") + "' '" +
+                             tree.at("way/many") + "' || exit 9\nexec '" + tree.at("real rm") +
+                             "' \"$@\"\n");
         tree.setMode("rm", 0755);
         std::filesystem::copy_file("/bin/rm", tree.at("real rm"));
         const HelperRequest request = HelperRun::requestFor(tree.at("way/many"));
-        if (::mount(tree.at("rm").c_str(), "/bin/rm", nullptr, MS_BIND, nullptr) != 0) return "skipped: no tool";
+        if (::mount(tree.at("rm").c_str(), "/bin/rm", nullptr, MS_BIND, nullptr) != 0)
+            return "skipped: no tool";
         const HelperReply reply = HelperRun().ask(request);
-        if (!isThere(tree.at("other/precious"))) return "what was mounted meanwhile went: " + reply.text;
+        if (!isThere(tree.at("other/precious")))
+            return "what was mounted meanwhile went: " + reply.text;
         return {};
     });
     if (told.starts_with("skipped")) GTEST_SKIP() << told;

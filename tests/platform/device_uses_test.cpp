@@ -1,4 +1,5 @@
-// What uses a drive without being mounted, in made-up folders of the kernel: a drive must not be switched off under it.
+// What uses a drive without being mounted, in made-up folders of the kernel: a drive must not be
+// switched off under it.
 #include <gtest/gtest.h>
 
 #include "platform/linux/LinuxVolumesDevices.h"
@@ -12,7 +13,8 @@ struct Machine {
     Machine() {
         for (const char* const name : {"sda", "sda1", "sdb", "sdb1", "dm-0", "loop3"}) {
             tree.folder(std::string("sys/devices/") + name);
-            tree.symlink(std::string("../../devices/") + name, std::string("sys/class/block/") + name);
+            tree.symlink(std::string("../../devices/") + name,
+                         std::string("sys/class/block/") + name);
         }
         tree.write("udev/data/b8:1", "I:1\nE:ID_FS_TYPE=ext4\n");
         tree.write("sys/devices/sda1/dev", "8:1\n");

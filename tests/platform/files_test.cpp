@@ -1,5 +1,5 @@
-// The file system as Linux gives it: what a listing and the attributes tell, that nothing blocks, and that reading leaves the
-// page cache as it was.
+// The file system as Linux gives it: what a listing and the attributes tell, that nothing blocks,
+// and that reading leaves the page cache as it was.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
@@ -49,10 +49,12 @@ TEST(LinuxFiles, eachKindOfEntryIsToldAsWhatItIs) {
     EXPECT_EQ(batch.entries.size(), cases.size() + 1);
     files.readAttributes(folder->get(), batch.entries);
     for (const Case& expected : cases) {
-        const auto entry = std::find_if(batch.entries.begin(), batch.entries.end(),
-                                        [&](const CatalogEntry& one) { return one.name == expected.name; });
+        const auto entry =
+            std::find_if(batch.entries.begin(), batch.entries.end(),
+                         [&](const CatalogEntry& one) { return one.name == expected.name; });
         ASSERT_NE(entry, batch.entries.end()) << expected.name;
-        EXPECT_TRUE(entry->type == expected.type || entry->type == FileType::Unknown) << expected.name;
+        EXPECT_TRUE(entry->type == expected.type || entry->type == FileType::Unknown)
+            << expected.name;
         EXPECT_EQ(entry->error, 0);
         EXPECT_EQ(entry->attributes.type, expected.type) << expected.name;
         EXPECT_EQ(entry->attributes.size, expected.size) << expected.name;
@@ -96,7 +98,8 @@ TEST(LinuxFiles, opensFailAsAnnouncedAndNeverBlock) {
     const std::string text = testing::runInChild({}, [&]() -> std::string {
         ::alarm(5);  // a blocked open ends by signal
         ReadState state;
-        if (error(files.openFile(folder->get(), "toFile", Links::Keep, state)) != ELOOP) return "a link was followed";
+        if (error(files.openFile(folder->get(), "toFile", Links::Keep, state)) != ELOOP)
+            return "a link was followed";
         const auto fifo = files.openFile(folder->get(), "fifo", Links::Keep, state);
         if (!fifo) return "the fifo did not open";
         const auto attributes = files.attributes(fifo->get());
@@ -139,7 +142,8 @@ bool chill(const std::string& path, bool keepSome) {
     ::posix_fadvise(file.get(), 0, 0, POSIX_FADV_DONTNEED);
     ::posix_fadvise(file.get(), 0, 0, POSIX_FADV_RANDOM);
     char piece[3 * pageSize];
-    if (keepSome && ::pread(file.get(), piece, sizeof piece, 3 * pageSize) != sizeof piece) return false;
+    if (keepSome && ::pread(file.get(), piece, sizeof piece, 3 * pageSize) != sizeof piece)
+        return false;
     const auto pages = residency(path);
     return std::count(pages.begin(), pages.end(), true) == (keepSome ? 3 : 0);
 }
@@ -159,9 +163,14 @@ TEST_P(PageCache, isAsItWasAfterHashing) {
         std::function<bool(FileHasher&, fileAttrbItem&)> hash;
     };
     const std::vector<Case> cases{
-        {"small", 30'000, [](FileHasher& hasher, fileAttrbItem& item) { return hasher.hashSmall(item) != 0; }},
-        {"ends", 3'000'000, [](FileHasher& hasher, fileAttrbItem& item) { return hasher.hashEnds(item, true).hashed; }},
-        {"whole", 9'000'000, [](FileHasher& hasher, fileAttrbItem& item) { return hasher.hashWhole(item); }}};
+        {"small", 30'000,
+         [](FileHasher& hasher, fileAttrbItem& item) { return hasher.hashSmall(item) != 0; }},
+        {"ends", 3'000'000,
+         [](FileHasher& hasher, fileAttrbItem& item) {
+             return hasher.hashEnds(item, true).hashed;
+         }},
+        {"whole", 9'000'000,
+         [](FileHasher& hasher, fileAttrbItem& item) { return hasher.hashWhole(item); }}};
     for (const Case& one : cases) {
         for (const bool keepSome : {false, true}) {
             SCOPED_TRACE(std::string(one.what) + (keepSome ? ", partly in memory" : ", cold"));
@@ -176,7 +185,8 @@ TEST_P(PageCache, isAsItWasAfterHashing) {
             FileHasher hasher(files, skipped);
             FileArray items;
             ASSERT_TRUE(
-                one.hash(hasher, items.add(path, *files.attributes(FileSystem::noParent, path.c_str(), Links::Keep))));
+                one.hash(hasher, items.add(path, *files.attributes(FileSystem::noParent,
+                                                                   path.c_str(), Links::Keep))));
             const auto after = residency(path);
             EXPECT_TRUE(before == after) << "before " << show(before) << ", after " << show(after);
         }
@@ -195,13 +205,15 @@ TEST_P(PageCache, isAsItWasAfterReadingWithTheResidencyNoted) {
             GTEST_SKIP() << "pages can not be brought out of memory here";
         const auto before = residency(tree.at("file"));
         ReadState state;
-        const auto file = files.openFile(FileSystem::noParent, tree.at("file").c_str(), Links::Keep, state);
+        const auto file =
+            files.openFile(FileSystem::noParent, tree.at("file").c_str(), Links::Keep, state);
         ASSERT_TRUE(file);
         const auto attributes = files.attributes(file->get());
         state.device = attributes->device;  // known as one that leaves pages behind
         files.beginReading(file->get(), attributes->device, 0, attributes->size, state);
         std::string read(bytes.size() + 10, 0);
-        const auto count = files.read(file->get(), std::as_writable_bytes(std::span(read)), 0, state);
+        const auto count =
+            files.read(file->get(), std::as_writable_bytes(std::span(read)), 0, state);
         const auto during = residency(tree.at("file"));
         files.endReading(file->get(), state);
         ASSERT_TRUE(count);
@@ -213,7 +225,9 @@ TEST_P(PageCache, isAsItWasAfterReadingWithTheResidencyNoted) {
 }
 
 INSTANTIATE_TEST_SUITE_P(FileSystems, PageCache, ::testing::Values("", "/dev/shm"),
-                         [](const auto& suite) { return *suite.param == 0 ? "Temporary" : "Memory"; });
+                         [](const auto& suite) {
+                             return *suite.param == 0 ? "Temporary" : "Memory";
+                         });
 
 TEST(LinuxFiles, readResidentAnswersWholeOrNotAtAll) {
     TestTree tree;
@@ -221,12 +235,14 @@ TEST(LinuxFiles, readResidentAnswersWholeOrNotAtAll) {
     ASSERT_TRUE(tree.write("file", bytes));
     (void)chill(tree.at("file"), true);
     ReadState state;
-    const auto file = files.openFile(FileSystem::noParent, tree.at("file").c_str(), Links::Keep, state);
+    const auto file =
+        files.openFile(FileSystem::noParent, tree.at("file").c_str(), Links::Keep, state);
     ASSERT_TRUE(file);
     std::string read(bytes.size(), 0);
     const auto buffer = std::as_writable_bytes(std::span(read));
     const auto partly = files.readResident(file->get(), buffer, 0, state);
-    // Asking may have the disk begin, and a fast one may have ended by then; but never is it a part.
+    // Asking may have the disk begin, and a fast one may have ended by then; but never is it a
+    // part.
     EXPECT_TRUE(partly ? *partly == bytes.size() : partly.error() == EAGAIN);
     ASSERT_TRUE(files.read(file->get(), buffer, 0, state));
     const auto now = files.readResident(file->get(), buffer, 0, state);
@@ -242,19 +258,23 @@ TEST(LinuxFiles, visitResidentShowsTheBytesAndSurvivesACut) {
     ASSERT_TRUE(tree.write("file", bytes));
     const std::string text = testing::runInChild({}, [&]() -> std::string {
         ReadState state;
-        const auto file = files.openFile(FileSystem::noParent, tree.at("file").c_str(), Links::Keep, state);
+        const auto file =
+            files.openFile(FileSystem::noParent, tree.at("file").c_str(), Links::Keep, state);
         std::string seen;
-        const auto whole = files.visitResident(file->get(), size, size, [&](std::span<const std::byte> shown) {
-            seen.assign(reinterpret_cast<const char*>(shown.data()), shown.size());
-        });
+        const auto whole =
+            files.visitResident(file->get(), size, size, [&](std::span<const std::byte> shown) {
+                seen.assign(reinterpret_cast<const char*>(shown.data()), shown.size());
+            });
         if (!whole) return "failed";
         if (!*whole) return "not told";
         if (seen != bytes.substr(size)) return "other bytes";
         std::size_t zeros = 0;
-        const auto cut = files.visitResident(file->get(), 0, size, [&](std::span<const std::byte> shown) {
-            if (::truncate(tree.at("file").c_str(), size / 2) != 0) return;
-            zeros = static_cast<std::size_t>(std::count(shown.begin() + size / 2, shown.end(), std::byte{0}));
-        });
+        const auto cut =
+            files.visitResident(file->get(), 0, size, [&](std::span<const std::byte> shown) {
+                if (::truncate(tree.at("file").c_str(), size / 2) != 0) return;
+                zeros = static_cast<std::size_t>(
+                    std::count(shown.begin() + size / 2, shown.end(), std::byte{0}));
+            });
         if (cut || cut.error() != EIO) return "the cut went unseen";
         return zeros == size / 2 ? "" : "no zeros behind the cut";
     });

@@ -21,9 +21,12 @@ using Clock = std::chrono::steady_clock;
 using Start = ProgramInstance::Start;
 using Kind = StartRequest::Kind;
 
-milliseconds since(Clock::time_point start) { return std::chrono::duration_cast<milliseconds>(Clock::now() - start); }
+milliseconds since(Clock::time_point start) {
+    return std::chrono::duration_cast<milliseconds>(Clock::now() - start);
+}
 
-// Where this process and its children look for the session bus while it lives; nowhere unless an address is given.
+// Where this process and its children look for the session bus while it lives; nowhere unless an
+// address is given.
 class SessionBusAddress {
 public:
     explicit SessionBusAddress(const std::string& busAddress = "unix:path=/nonexistent/bus") {
@@ -75,7 +78,8 @@ TEST(Instance, OfTwoThatStartAtTheSameMomentOneIsTheProgramAndOneHandsOver) {
             const auto begun = Clock::now();
             ProgramInstance instance(tree.at("run"));
             const Start result = instance.begin({Kind::Activate, {}, {}});
-            if (since(begun) > milliseconds(3000)) return 9;  // a second, and what a loaded machine takes
+            if (since(begun) > milliseconds(3000))
+                return 9;  // a second, and what a loaded machine takes
             if (result != Start::First) return result == Start::HandedOver ? 1 : 8;
             return awaitRequest(instance, milliseconds(5000)) ? 0 : 7;
         };
@@ -111,7 +115,8 @@ TEST(Instance, WhatIsAskedForArrivesByteForByte) {
     EXPECT_EQ(first.receive(), std::nullopt) << "nothing waits, and nobody is waited for";
     first.stopListening();
     ProgramInstance late(tree.at(std::string(150, 'l') + "/ong"));
-    EXPECT_EQ(late.begin({}, milliseconds(100)), Start::NoWay) << "nobody is told that it has been taken over";
+    EXPECT_EQ(late.begin({}, milliseconds(100)), Start::NoWay)
+        << "nobody is told that it has been taken over";
 }
 
 TEST(Instance, AProgramThatDiedOrHangsHoldsNobodyUp) {
@@ -152,10 +157,11 @@ TEST(Instance, NeitherABrokenPacketNorAMissingFolderIsInTheWay) {
     const Descriptor sender(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     const sockaddr_un address = socketAddress(tree.at("run/orrinvale.socket"));
     for (const std::string& packet :
-         {std::string(), std::string("o\0", 2), std::string("orelative\0", 10), std::string("a\0", 2), std::string("v"),
-          std::string("vx\0", 3), std::string("v\0t\0", 4), std::string("z\0", 2), std::string(70'000, 'o')})
-        ASSERT_GE(::sendto(sender.get(), packet.data(), packet.size(), 0, reinterpret_cast<const sockaddr*>(&address),
-                           sizeof address),
+         {std::string(), std::string("o\0", 2), std::string("orelative\0", 10),
+          std::string("a\0", 2), std::string("v"), std::string("vx\0", 3), std::string("v\0t\0", 4),
+          std::string("z\0", 2), std::string(70'000, 'o')})
+        ASSERT_GE(::sendto(sender.get(), packet.data(), packet.size(), 0,
+                           reinterpret_cast<const sockaddr*>(&address), sizeof address),
                   0);
     EXPECT_EQ(first.receive(), std::nullopt);
     // Where no lock can be had, a person still gets a window.

@@ -1,5 +1,5 @@
-// Volumes as Linux shows them: tables of mounts and trees of devices of the test's making, then real mounts in a name space
-// of their own, which takes them along when it ends.
+// Volumes as Linux shows them: tables of mounts and trees of devices of the test's making, then
+// real mounts in a name space of their own, which takes them along when it ends.
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -40,7 +40,8 @@ TEST(MountInfo, WholeLinesAreReadAndOthersLeftOut) {
     } cases[] = {
         {"36 35 8:1 / /mnt rw,noatime shared:1 master:2 - ext4 /dev/sda1 rw,errors=continue", true},
         {"36 35 8:1 / /mnt rw - ext4 /dev/sda1 rw", true},
-        {R"(36 35 8:1 / /a\040b\011c\012d\134e\043 rw - ext4 /dev/sda1 rw)", true, "/a b\tc\nd\\e#"},
+        {R"(36 35 8:1 / /a\040b\011c\012d\134e\043 rw - ext4 /dev/sda1 rw)", true,
+         "/a b\tc\nd\\e#"},
         {R"(36 35 8:1 / /\04\08\400\\\1 rw - ext4 /dev/sda1 rw)", true, R"(/\04\08\400\\\1)"},
         {"36 35 8:1 / /\xff\xc3 rw - ext4 /dev/sda1 rw", true, "/\xff\xc3"},
         {"36 35 0:42 / /mnt rw - tmpfs  rw", true, "/mnt", ""},
@@ -59,15 +60,16 @@ TEST(MountInfo, WholeLinesAreReadAndOthersLeftOut) {
         {std::string("36 35 8:1 / /m\0nt rw - ext4 /dev/sda1 rw", 40), false},
     };
     for (const auto& each : cases) {
-        const auto entries =
-            parseMountInfo("1 0 8:9 / / rw - xfs a rw\n" + each.line + "\n2 1 8:9 / /z rw - xfs a rw\n");
+        const auto entries = parseMountInfo("1 0 8:9 / / rw - xfs a rw\n" + each.line +
+                                            "\n2 1 8:9 / /z rw - xfs a rw\n");
         ASSERT_EQ(entries.size(), each.isEntry ? 3U : 2U) << each.line;
         EXPECT_EQ(entries.back().point, "/z");
         if (!each.isEntry) continue;
         EXPECT_EQ(entries[1].point, each.point);
         EXPECT_EQ(entries[1].source, each.source);
     }
-    EXPECT_TRUE(parseMountInfo("1 0 8:9 / / rw - xfs a rw").empty()) << "a line without its end may be cut short";
+    EXPECT_TRUE(parseMountInfo("1 0 8:9 / / rw - xfs a rw").empty())
+        << "a line without its end may be cut short";
     const std::string line = "1 0 8:9 / /" + std::string(4000, 'x') + " rw - xfs a rw\n";
     std::string endless;
     while (endless.size() < 2 * mountInfoLimit) endless += line;
@@ -76,7 +78,8 @@ TEST(MountInfo, WholeLinesAreReadAndOthersLeftOut) {
 
 Texts pointsOf(const std::string& table) {
     Texts points;
-    for (const MountEntry& each : chooseVolumes(parseMountInfo(table))) points.push_back(each.point);
+    for (const MountEntry& each : chooseVolumes(parseMountInfo(table)))
+        points.push_back(each.point);
     return points;
 }
 
@@ -88,36 +91,50 @@ TEST(VolumeChoice, WhatAPersonCallsAVolumeIsChosen) {
         Texts points;
     } cases[] = {
         {"\"/\" first, then the table's order",
-         "30 20 8:3 / /home rw - ext4 /dev/sda3 rw\n31 20 8:1 / /boot/efi rw - vfat /dev/sda1 rw\n" + root,
+         "30 20 8:3 / /home rw - ext4 /dev/sda3 rw\n31 20 8:1 / /boot/efi rw - vfat /dev/sda1 "
+         "rw\n" +
+             root,
          {"/", "/home", "/boot/efi"}},
         {"a container's root",
-         "20 1 0:50 / / rw - overlay overlay rw\n30 20 8:2 /c/hosts /etc/hosts rw - ext4 /dev/sda2 rw\n",
+         "20 1 0:50 / / rw - overlay overlay rw\n30 20 8:2 /c/hosts /etc/hosts rw - ext4 /dev/sda2 "
+         "rw\n",
          {"/"}},
         {"the system's own",
          root + "30 20 0:20 / /proc rw - proc proc rw\n31 20 0:21 / /tmp rw - tmpfs tmpfs rw\n"
-                "32 20 0:22 / /dev/shm rw - tmpfs tmpfs rw\n33 20 0:23 / /run/user/1000 rw - tmpfs tmpfs rw\n"
-                "34 20 7:1 / /snap/core/1 ro - squashfs /dev/loop1 ro\n35 20 7:2 / /var/lib/snapd/snap/x ro - squashfs "
+                "32 20 0:22 / /dev/shm rw - tmpfs tmpfs rw\n33 20 0:23 / /run/user/1000 rw - tmpfs "
+                "tmpfs rw\n"
+                "34 20 7:1 / /snap/core/1 ro - squashfs /dev/loop1 ro\n35 20 7:2 / "
+                "/var/lib/snapd/snap/x ro - squashfs "
                 "/dev/loop2 ro\n"
                 "36 20 0:24 / /var/lib/docker/overlay2/x/merged rw - overlay overlay rw\n"
-                "37 20 0:25 / /run/user/1000/doc rw - fuse.portal portal rw\n38 20 0:26 / /mnt/gvfs rw - "
+                "37 20 0:25 / /run/user/1000/doc rw - fuse.portal portal rw\n38 20 0:26 / "
+                "/mnt/gvfs rw - "
                 "fuse.gvfsd-fuse gvfsd-fuse rw\n"
-                "39 20 7:3 / /run/live/image ro - squashfs /dev/loop3 ro\n40 20 0:27 / /home/u/crypt rw - "
+                "39 20 7:3 / /run/live/image ro - squashfs /dev/loop3 ro\n40 20 0:27 / "
+                "/home/u/crypt rw - "
                 "fuse.gocryptfs g rw\n"
-                "41 20 0:28 / /net rw - autofs systemd-1 rw\n42 20 0:29 net:[4] /run/netns/a rw - nsfs nsfs rw\n",
+                "41 20 0:28 / /net rw - autofs systemd-1 rw\n42 20 0:29 net:[4] /run/netns/a rw - "
+                "nsfs nsfs rw\n",
          {"/"}},
         {"what people mount",
-         root + "30 20 0:30 / /mnt/ram rw - tmpfs tmpfs rw\n31 20 7:5 / /mnt/image rw - ext4 /dev/loop5 rw\n"
-                "32 20 7:6 / /media/u/CD ro - squashfs /dev/loop6 ro\n33 20 0:31 / /run/media/u/disk rw - fuseblk "
+         root + "30 20 0:30 / /mnt/ram rw - tmpfs tmpfs rw\n31 20 7:5 / /mnt/image rw - ext4 "
+                "/dev/loop5 rw\n"
+                "32 20 7:6 / /media/u/CD ro - squashfs /dev/loop6 ro\n33 20 0:31 / "
+                "/run/media/u/disk rw - fuseblk "
                 "/dev/sdb1 rw\n"
-                "34 20 0:32 / /home/u/far rw - fuse.sshfs u@host: rw\n35 20 0:33 / /srv/dav rw - fuse https://h/d rw\n"
-                "36 20 0:34 / /nfs rw - nfs4 h:/ rw\n37 20 0:35 / /tank rw - zfs tank rw\n38 20 0:36 / /media/mnt rw - "
+                "34 20 0:32 / /home/u/far rw - fuse.sshfs u@host: rw\n35 20 0:33 / /srv/dav rw - "
+                "fuse https://h/d rw\n"
+                "36 20 0:34 / /nfs rw - nfs4 h:/ rw\n37 20 0:35 / /tank rw - zfs tank rw\n38 20 "
+                "0:36 / /media/mnt rw - "
                 "fuse.mergerfs a:b rw\n",
-         {"/", "/mnt/ram", "/mnt/image", "/media/u/CD", "/run/media/u/disk", "/home/u/far", "/srv/dav", "/nfs", "/tank",
-          "/media/mnt"}},
+         {"/", "/mnt/ram", "/mnt/image", "/media/u/CD", "/run/media/u/disk", "/home/u/far",
+          "/srv/dav", "/nfs", "/tank", "/media/mnt"}},
         {"one mount a device",
          "30 20 8:2 / /a rw - ext4 /dev/sda2 rw\n" + root +
-             "31 20 8:3 /sub /b rw - ext4 /dev/sda3 rw\n32 20 8:3 / /media/whole rw - ext4 /dev/sda3 rw\n"
-             "33 20 8:3 / /mnt/longer/whole rw - ext4 /dev/sda3 rw\n34 20 0:40 /@home /home rw - btrfs /dev/sdc1 rw\n"
+             "31 20 8:3 /sub /b rw - ext4 /dev/sda3 rw\n32 20 8:3 / /media/whole rw - ext4 "
+             "/dev/sda3 rw\n"
+             "33 20 8:3 / /mnt/longer/whole rw - ext4 /dev/sda3 rw\n34 20 0:40 /@home /home rw - "
+             "btrfs /dev/sdc1 rw\n"
              "35 20 0:40 /@srv /srv rw - btrfs /dev/sdc1 rw\n",
          {"/", "/media/whole", "/srv"}},
         {"one mount a share",
@@ -127,17 +144,22 @@ TEST(VolumeChoice, WhatAPersonCallsAVolumeIsChosen) {
         {"the one on top counts",
          "1 1 0:2 / / rw - rootfs rootfs rw\n" + root +
              "30 20 8:3 / /mnt/a rw - ext4 /dev/sda3 rw\n"
-             "31 30 8:4 / /mnt/a rw - ext4 /dev/sda4 rw\n32 31 8:5 / /mnt/a/b rw - ext4 /dev/sda5 rw\n",
+             "31 30 8:4 / /mnt/a rw - ext4 /dev/sda4 rw\n32 31 8:5 / /mnt/a/b rw - ext4 /dev/sda5 "
+             "rw\n",
          {"/", "/mnt/a", "/mnt/a/b"}},
         {"what lies below a covered folder is out of reach, with all on it",
-         root + "30 20 8:3 / /mnt/a/b rw - ext4 /dev/sda3 rw\n31 30 8:4 / /mnt/a/b/c rw - ext4 /dev/sda4 rw\n"
-                "32 20 8:5 / /mnt/a rw - ext4 /dev/sda5 rw\n33 20 8:6 / /mnt/ab rw - ext4 /dev/sda6 rw\n",
+         root + "30 20 8:3 / /mnt/a/b rw - ext4 /dev/sda3 rw\n31 30 8:4 / /mnt/a/b/c rw - ext4 "
+                "/dev/sda4 rw\n"
+                "32 20 8:5 / /mnt/a rw - ext4 /dev/sda5 rw\n33 20 8:6 / /mnt/ab rw - ext4 "
+                "/dev/sda6 rw\n",
          {"/", "/mnt/a", "/mnt/ab"}},
         {"a hidden mount leaves its device to another",
          root + "30 20 8:3 / /a rw - ext4 /dev/sda3 rw\n31 30 8:4 / /a rw - ext4 /dev/sda4 rw\n"
                 "32 20 8:3 / /mnt/long rw - ext4 /dev/sda3 rw\n",
          {"/", "/a", "/mnt/long"}},
-        {"a table that goes in circles", "5 6 8:1 / /a rw - ext4 x rw\n6 5 8:2 / /b rw - ext4 x rw\n", {"/a", "/b"}},
+        {"a table that goes in circles",
+         "5 6 8:1 / /a rw - ext4 x rw\n6 5 8:2 / /b rw - ext4 x rw\n",
+         {"/a", "/b"}},
     };
     for (const auto& each : cases) EXPECT_EQ(pointsOf(each.mounts), each.points) << each.what;
 }
@@ -182,14 +204,17 @@ public:
         ok &= tree.symlink(tree.at(device), "sys/class/block/" + name);
         ok &= tree.symlink(tree.at(device), "sys/dev/block/" + number);
         for (const std::string& each : attributes)
-            ok &= tree.write(device + '/' + each.substr(0, each.find('=')), each.substr(each.find('=') + 1) + "\n");
+            ok &= tree.write(device + '/' + each.substr(0, each.find('=')),
+                             each.substr(each.find('=') + 1) + "\n");
     }
 
     // Through the engine, so that the whole way is seen.
-    VolumesInfo::VolumeArray volumesOn(const std::string& number, const std::string& rest = "- ext4 /dev/x rw") {
+    VolumesInfo::VolumeArray volumesOn(const std::string& number,
+                                       const std::string& rest = "- ext4 /dev/x rw") {
         struct statx root {};
         ::statx(AT_FDCWD, "/", 0, 0x1000U, &root);
-        ok &= tree.write("mounts", std::to_string(root.stx_mnt_id) + " 1 " + number + " / / rw " + rest + "\n");
+        ok &= tree.write(
+            "mounts", std::to_string(root.stx_mnt_id) + " 1 " + number + " / / rw " + rest + "\n");
         LinuxVolumes platform({tree.at("mounts"), tree.at("sys"), tree.at("udev")});
         return VolumesInfo(platform).volsArray();
     }
@@ -200,7 +225,8 @@ public:
 
 TEST(LinuxVolumes, KindsOfDevicesAreToldByBusDriveAndMedium) {
     const std::string sata = "pci0000:00/0000:00:17.0/ata1/host0/target0:0:0/0:0:0:0/block/";
-    const std::string usb = "pci0000:00/0000:00:14.0/usb2/2-1/2-1:1.0/host6/target6:0:0/6:0:0:0/block/";
+    const std::string usb =
+        "pci0000:00/0000:00:14.0/usb2/2-1/2-1:1.0/host6/target6:0:0/6:0:0:0/block/";
     MadeUpMachine machine;
     machine.add(sata + "sda", "8:0", {"removable=0", "device/type=0"});
     machine.add(sata + "sda/sda1", "8:1", {"partition=1"});
@@ -217,9 +243,11 @@ TEST(LinuxVolumes, KindsOfDevicesAreToldByBusDriveAndMedium) {
     machine.add("virtual/block/dm-0", "252:0", {"removable=0"});
     machine.add("virtual/block/dm-1", "252:1", {"removable=0"});
     machine.ok &= machine.tree.write("sys/devices/pci0/thunder/removable", "removable\n");
-    machine.ok &= machine.tree.symlink("../../../../" + usb + "sdb/sdb1", "sys/devices/virtual/block/dm-0/slaves/sdb1");
+    machine.ok &= machine.tree.symlink("../../../../" + usb + "sdb/sdb1",
+                                       "sys/devices/virtual/block/dm-0/slaves/sdb1");
     machine.ok &= machine.tree.symlink("../../dm-0", "sys/devices/virtual/block/dm-1/slaves/dm-0");
-    machine.ok &= machine.tree.symlink("../../dm-1", "sys/devices/virtual/block/dm-0/slaves/dm-1");  // a circle ends
+    machine.ok &= machine.tree.symlink(
+        "../../dm-1", "sys/devices/virtual/block/dm-0/slaves/dm-1");  // a circle ends
     machine.ok &= machine.tree.write("udev/data/b11:1", "S:cdrom\nE:ID_CDROM_MEDIA_DVD=1\n");
     const struct {
         const char* what;
@@ -295,7 +323,8 @@ struct Gate {
 TEST(LinuxVolumes, DeadMountsHoldNobodyUpAndAreAskedOnce) {
     TestTree tree;
     std::string table = "20 1 8:2 / / rw - ext4 /dev/sda2 rw\n";
-    for (int i = 30; i < 50; ++i) table += fmt::format("{0} 20 0:{0} / /dead{0} rw - nfs h:/{0} rw\n", i);
+    for (int i = 30; i < 50; ++i)
+        table += fmt::format("{0} 20 0:{0} / /dead{0} rw - nfs h:/{0} rw\n", i);
     table += "60 20 8:6 / /alive rw - ext4 /dev/sda6 rw\n";
     ASSERT_TRUE(tree.write("mounts", table));
     const auto gate = std::make_shared<Gate>();
@@ -354,7 +383,8 @@ TEST(LinuxVolumes, WalksOfSeveralThreadsDoNotMix) {
     LinuxVolumes platform({tree.at("mounts"), tree.at("sys"), tree.at("udev")}, 10s,
                           [gate](const SpaceQuestion& question) { return gate->ask(question); });
     std::string table;
-    for (int i = 0; i < 50; ++i) table += fmt::format("{0} 1 8:{0} / /v{0} rw - ext4 /dev/x rw\n", i + 20);
+    for (int i = 0; i < 50; ++i)
+        table += fmt::format("{0} 1 8:{0} / /v{0} rw - ext4 /dev/x rw\n", i + 20);
     ASSERT_TRUE(tree.write("mounts", "1 0 8:0 / / rw - ext4 x rw\n" + table));
     std::atomic<int> faults{0};
     {
@@ -381,8 +411,8 @@ TEST(LinuxVolumes, ANumberDoesNotPassToAnotherMount) {
     };
     const std::string stick = "50 1 8:16 / /media/a rw - vfat /dev/sdb rw";
     EXPECT_EQ(numberOfSecond(stick), 50);
-    const std::int16_t other =
-        numberOfSecond("50 1 8:32 / /media/b rw - vfat /dev/sdc rw");  // the kernel reuses ids at once
+    const std::int16_t other = numberOfSecond(
+        "50 1 8:32 / /media/b rw - vfat /dev/sdc rw");  // the kernel reuses ids at once
     EXPECT_GT(other, 50);
     GetVolParmsInfoBuffer buffer;
     EXPECT_EQ(platform.FSGetVolumeParms(other, buffer), noErr);
@@ -398,7 +428,8 @@ std::string describe(VolumesInfo& info) {
     std::string text;
     for (const auto& each : info.getAllVolsInfo())
         if (isWithin(each->volRootDir, "/mnt"))
-            text += fmt::format("{} {} {};", each->volRootDir, each->volType, each->bCanEject ? 1 : 0);
+            text +=
+                fmt::format("{} {} {};", each->volRootDir, each->volType, each->bCanEject ? 1 : 0);
     return text;
 }
 
@@ -410,15 +441,18 @@ std::string difference(const std::string& found, const std::string& expected) {
 TEST(RealVolumes, ImagesAreListedBindsAreNotAndWhatGoesIsGone) {
     withOwnMounts([]() -> std::string {
         if (::mkdir("/mnt/image", 0755) != 0 || ::mkdir("/mnt/b", 0755) != 0) return "no folders";
-        if (std::system("truncate -s 16M /mnt/file && mkfs.ext4 -q -L 'My Disk' -m 10 /mnt/file >/dev/null 2>&1 && "
+        if (std::system("truncate -s 16M /mnt/file && mkfs.ext4 -q -L 'My Disk' -m 10 /mnt/file "
+                        ">/dev/null 2>&1 && "
                         "mount -o loop /mnt/file /mnt/image 2>/dev/null") != 0)
             return "skip: no loop device or no mkfs.ext4 here";
         LinuxVolumes platform;
         VolumesInfo info(platform);
         std::string fault = difference(describe(info), "/mnt 0 0;/mnt/image 4 1;");
         const ZvVolumeInfo& image = *info.volsArray().back();
-        if (image.nTotalSize < 10'000'000 || image.nTotalSize > 16 * 1024 * 1024) fault += "odd size\n";
-        if (image.nTotalSize - image.nFreeSize < image.nTotalSize / 12) fault += "what is held back counts as free\n";
+        if (image.nTotalSize < 10'000'000 || image.nTotalSize > 16 * 1024 * 1024)
+            fault += "odd size\n";
+        if (image.nTotalSize - image.nFreeSize < image.nTotalSize / 12)
+            fault += "what is held back counts as free\n";
         const std::int16_t number = image.volRefNumber;
 
         ::mount("/mnt/image", "/mnt/b", nullptr, MS_BIND, nullptr);
@@ -437,9 +471,11 @@ TEST(RealVolumes, ImagesAreListedBindsAreNotAndWhatGoesIsGone) {
 TEST(RealVolumes, AMountThatWentAfterTheListingIsNotTakenForWhatLiesBelow) {
     withOwnMounts([]() -> std::string {
         for (const char* folder : {"/mnt/ram", "/mnt/file", "/mnt/gone"})
-            if (::mkdir(folder, 0755) != 0 || ::mount("ram", folder, "tmpfs", 0, "size=1m") != 0) return "no mount";
+            if (::mkdir(folder, 0755) != 0 || ::mount("ram", folder, "tmpfs", 0, "size=1m") != 0)
+                return "no mount";
         const TestTree tree("/mnt");
-        if (std::system(("cat /proc/self/mountinfo > " + tree.at("mounts")).c_str()) != 0) return "no table";
+        if (std::system(("cat /proc/self/mountinfo > " + tree.at("mounts")).c_str()) != 0)
+            return "no table";
         ::umount("/mnt/ram");
         ::umount("/mnt/file");
         if (::rmdir("/mnt/file") != 0 || !std::ofstream("/mnt/file")) return "no file";
@@ -456,7 +492,8 @@ TEST(RealVolumes, AServerThatNeverAnswersIsLeftOut) {
         if (::mkdir("/mnt/dead", 0755) != 0) return "no folder";
         // A file system in user space whose program never reads a request.
         const int program = ::open("/dev/fuse", O_RDWR | O_CLOEXEC);
-        const std::string options = fmt::format("fd={},rootmode=40000,user_id=0,group_id=0", program);
+        const std::string options =
+            fmt::format("fd={},rootmode=40000,user_id=0,group_id=0", program);
         if (program < 0 || ::mount("host:", "/mnt/dead", "fuse.sshfs", 0, options.c_str()) != 0)
             return "skip: no FUSE here";
         LinuxVolumes platform;
@@ -465,7 +502,8 @@ TEST(RealVolumes, AServerThatNeverAnswersIsLeftOut) {
         const auto first = Clock::now() - start;
         std::string fault = difference(describe(info), "/mnt 0 0;");
         const auto second = Clock::now() - start - first;
-        if (first < 900ms || first > 1500ms) fault += fmt::format("first walk took {} ms\n", first / 1ms);
+        if (first < 900ms || first > 1500ms)
+            fault += fmt::format("first walk took {} ms\n", first / 1ms);
         if (second > 100ms) fault += fmt::format("second walk took {} ms\n", second / 1ms);
         ::close(program);  // the kernel answers in its place from here on
         return fault;

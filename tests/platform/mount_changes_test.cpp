@@ -1,4 +1,5 @@
-// What came and what went between two looks at a table of the test's making. Real mounts are in services/volumes.
+// What came and what went between two looks at a table of the test's making. Real mounts are in
+// services/volumes.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -15,7 +16,8 @@ using testing::TestTree;
 // "+name path" or "-name path" a change.
 std::string textOf(const std::vector<MountChange>& changes) {
     std::string text;
-    for (const MountChange& each : changes) text += (each.came ? "+" : "-") + each.name + ' ' + each.path + ';';
+    for (const MountChange& each : changes)
+        text += (each.came ? "+" : "-") + each.name + ' ' + each.path + ';';
     return text;
 }
 
@@ -33,21 +35,26 @@ TEST(MountChanges, OneVolumeComesOrGoesWhateverItsMountsDo) {
         {"nothing", stick, stick, ""},
         {"one comes", "", stick, "+My Stick /media/stick;"},
         {"one goes", stick, "", "-My Stick /media/stick;"},
-        {"what goes is told first, each in the table's order", "52 1 8:50 / /mnt/p rw - ext4 x rw\n" + stick,
-         far + "53 1 8:51 / /mnt/q rw - ext4 x rw\n", "-p /mnt/p;-My Stick /media/stick;+far /far;+q /mnt/q;"},
-        {"another device in the same place", "50 1 8:80 / /media/stick rw - vfat /dev/sdf rw\n", stick,
-         "-stick /media/stick;+My Stick /media/stick;"},
-        {"what is no volume", "", "90 1 0:9 / /run/user/0 rw - tmpfs tmpfs rw\n91 1 0:8 / /proc rw - proc proc rw\n",
-         ""},
+        {"what goes is told first, each in the table's order",
+         "52 1 8:50 / /mnt/p rw - ext4 x rw\n" + stick, far + "53 1 8:51 / /mnt/q rw - ext4 x rw\n",
+         "-p /mnt/p;-My Stick /media/stick;+far /far;+q /mnt/q;"},
+        {"another device in the same place", "50 1 8:80 / /media/stick rw - vfat /dev/sdf rw\n",
+         stick, "-stick /media/stick;+My Stick /media/stick;"},
+        {"what is no volume", "",
+         "90 1 0:9 / /run/user/0 rw - tmpfs tmpfs rw\n91 1 0:8 / /proc rw - proc proc rw\n", ""},
         {"seen at a shorter path from now on", stick, stick + bind, ""},
         {"the shorter path goes", stick + bind, stick, ""},
-        {"mounted on itself", stick, stick + "51 50 8:16 / /media/stick rw - vfat /dev/sdb rw\n", ""},
-        {"taken down here and put up there", stick, bind, "-My Stick /media/stick;+My Stick /mnt/a;"},
+        {"mounted on itself", stick, stick + "51 50 8:16 / /media/stick rw - vfat /dev/sdb rw\n",
+         ""},
+        {"taken down here and put up there", stick, bind,
+         "-My Stick /media/stick;+My Stick /mnt/a;"},
         {"other options, and the lines in another order", stick + far,
          far + "50 1 8:16 / /media/stick ro - vfat /dev/sdb ro\n", ""},
-        {"two shares of one server", far, far + "61 1 0:40 / /near rw - nfs host:/b rw\n", "+near /near;"},
+        {"two shares of one server", far, far + "61 1 0:40 / /near rw - nfs host:/b rw\n",
+         "+near /near;"},
         {"one mounted over another, which is out of reach", "70 1 8:70 / /mnt/x rw - ext4 x rw\n",
-         "70 1 8:70 / /mnt/x rw - ext4 x rw\n71 70 8:71 / /mnt/x rw - ext4 y rw\n", "-x /mnt/x;+x /mnt/x;"},
+         "70 1 8:70 / /mnt/x rw - ext4 x rw\n71 70 8:71 / /mnt/x rw - ext4 y rw\n",
+         "-x /mnt/x;+x /mnt/x;"},
         {"a line that is cut short", stick, stick + "99 1 8:99 / /mnt/z rw - ext4", ""},
     };
     TestTree tree;
@@ -68,7 +75,8 @@ TEST(MountChanges, WhatWentIsCalledAsItWas) {
     const std::string stick = "50 1 8:16 / /media/folder rw - vfat /dev/sdb rw\n";
     ASSERT_TRUE(tree.write("sys/devices/sdb/dev", "8:16\n") &&
                 tree.symlink(tree.at("sys/devices/sdb"), "sys/dev/block/8:16") &&
-                tree.write("udev/data/b8:16", "E:ID_FS_LABEL=Label\n") && tree.write("mounts", stick));
+                tree.write("udev/data/b8:16", "E:ID_FS_LABEL=Label\n") &&
+                tree.write("mounts", stick));
     LinuxMountChanges watched({tree.at("mounts"), tree.at("sys"), tree.at("udev")});
     ASSERT_TRUE(tree.write("udev/data/b8:16", ""));
     ASSERT_TRUE(tree.write("mounts", stick + "90 1 0:9 / /proc rw - proc proc rw\n"));

@@ -8,7 +8,8 @@
 
 namespace orrinvale::testing {
 
-/// Serves this thread's events until the condition holds; false when it does not within the seconds given.
+/// Serves this thread's events until the condition holds; false when it does not within the seconds
+/// given.
 inline bool serveUntil(const std::function<bool()>& condition, int seconds = 20) {
     const QDeadlineTimer deadline(seconds * 1000);
     while (!condition()) {

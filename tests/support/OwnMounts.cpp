@@ -18,13 +18,17 @@ namespace orrinvale::testing {
 void withOwnMounts(const std::function<std::string()>& check) {
     if (::geteuid() != 0) GTEST_SKIP() << "only root may mount";
     const std::string said = runInChild({}, [&]() -> std::string {
-        if (::unshare(CLONE_NEWNS | CLONE_NEWPID) != 0) return "skip: no name spaces: " + std::to_string(errno);
-        if (::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) return "skip: mounts can not be private";
+        if (::unshare(CLONE_NEWNS | CLONE_NEWPID) != 0)
+            return "skip: no name spaces: " + std::to_string(errno);
+        if (::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
+            return "skip: mounts can not be private";
         if (::mount("ram", "/mnt", "tmpfs", 0, "size=64m") != 0) return "skip: no tmpfs";
-        // The first process of its kind: with it end all others. It hears no alarm of its own, only the end of its parent.
+        // The first process of its kind: with it end all others. It hears no alarm of its own, only
+        // the end of its parent.
         return runInChild({}, [&]() -> std::string {
             ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-            if (::mount("proc", "/proc", "proc", 0, nullptr) != 0) return "skip: no /proc of its own";
+            if (::mount("proc", "/proc", "proc", 0, nullptr) != 0)
+                return "skip: no /proc of its own";
             return check();
         });
     });

@@ -6,8 +6,9 @@
 
 namespace orrinvale::testing {
 
-/// Runs the check as root in a process where /mnt is an empty tmpfs, and whatever it mounts and starts goes with it, however it
-/// ends. What it says is a failure; "skip: " and a reason skips the test, as does a machine where this can not be had.
+/// Runs the check as root in a process where /mnt is an empty tmpfs, and whatever it mounts and
+/// starts goes with it, however it ends. What it says is a failure; "skip: " and a reason skips the
+/// test, as does a machine where this can not be had.
 void withOwnMounts(const std::function<std::string()>& check);
 
 /// Makes the folder where it is missing, and mounts an empty tmpfs there; false when it can not.

@@ -16,7 +16,8 @@ dev_t deviceOf(const std::string& path) {
 }  // namespace
 
 ServedFiles::ServedFiles(const std::vector<std::string>& faults) {
-    if (::geteuid() != 0 || ::access("/dev/fuse", R_OK | W_OK) != 0 || !m_place.folder("served")) return;
+    if (::geteuid() != 0 || ::access("/dev/fuse", R_OK | W_OK) != 0 || !m_place.folder("served"))
+        return;
     std::vector<std::string> command{ORRINVALE_SERVED_FILES_PROGRAM, path(), m_source.path()};
     command.insert(command.end(), faults.begin(), faults.end());
     m_program = std::make_unique<ServiceProcess>(std::move(command));

@@ -1,4 +1,5 @@
-// A folder served by FUSE, with the faults that a test wants: what slow, broken and forgetful file systems do.
+// A folder served by FUSE, with the faults that a test wants: what slow, broken and forgetful file
+// systems do.
 #pragma once
 
 #include <memory>
@@ -10,8 +11,8 @@
 
 namespace orrinvale::testing {
 
-/// Serves what is in source() at path() from its construction to its destruction. The faults are those that
-/// served_files_program.cpp lists.
+/// Serves what is in source() at path() from its construction to its destruction. The faults are
+/// those that served_files_program.cpp lists.
 class ServedFiles final {
 public:
     explicit ServedFiles(const std::vector<std::string>& faults);
@@ -25,7 +26,9 @@ public:
     /// Where files are put without the faults.
     [[nodiscard]] TestTree& source() { return m_source; }
     [[nodiscard]] std::string path() const { return m_place.at("served"); }
-    [[nodiscard]] std::string at(std::string_view name) const { return path() + '/' + std::string(name); }
+    [[nodiscard]] std::string at(std::string_view name) const {
+        return path() + '/' + std::string(name);
+    }
 
 private:
     TestTree m_source;

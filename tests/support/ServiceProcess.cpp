@@ -27,7 +27,8 @@ ServiceProcess::ServiceProcess(std::vector<std::string> command) : m_process(::f
 
 ServiceProcess::~ServiceProcess() { end(); }
 
-ServiceProcess::ServiceProcess(ServiceProcess&& other) noexcept : m_process(std::exchange(other.m_process, -1)) {}
+ServiceProcess::ServiceProcess(ServiceProcess&& other) noexcept
+    : m_process(std::exchange(other.m_process, -1)) {}
 
 ServiceProcess& ServiceProcess::operator=(ServiceProcess&& other) noexcept {
     std::swap(m_process, other.m_process);

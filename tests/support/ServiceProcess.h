@@ -10,8 +10,8 @@
 
 namespace orrinvale::testing {
 
-/// Runs from its construction to its destruction, and no longer than the test's process, however that ends. It reads and writes
-/// nothing. Start it on the test's main thread.
+/// Runs from its construction to its destruction, and no longer than the test's process, however
+/// that ends. It reads and writes nothing. Start it on the test's main thread.
 class ServiceProcess final {
 public:
     /// The program's absolute path and its arguments.

@@ -22,7 +22,8 @@ namespace orrinvale::testing {
 [[nodiscard]] inline Descriptor silentSocket(const std::string& path) {
     Descriptor made(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
     const sockaddr_un address = socketAddress(path);
-    const bool isBound = ::bind(made.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    const bool isBound =
+        ::bind(made.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
     if (!isBound || ::listen(made.get(), 8) != 0) made.reset();
     return made;
 }

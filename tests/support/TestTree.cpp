@@ -29,11 +29,14 @@
 namespace orrinvale::testing {
 namespace {
 
-bool isDots(const char* name) { return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0; }
+bool isDots(const char* name) {
+    return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
+}
 
 bool writeAll(int file, std::string_view bytes, std::uint64_t offset) {
     while (!bytes.empty()) {
-        const ssize_t count = ::pwrite(file, bytes.data(), bytes.size(), static_cast<off_t>(offset));
+        const ssize_t count =
+            ::pwrite(file, bytes.data(), bytes.size(), static_cast<off_t>(offset));
         if (count <= 0) return false;
         bytes.remove_prefix(static_cast<std::size_t>(count));
         offset += static_cast<std::uint64_t>(count);
@@ -42,8 +45,8 @@ bool writeAll(int file, std::string_view bytes, std::uint64_t offset) {
 }
 
 bool writeAt(int folder, const char* name, std::string_view bytes) {
-    const Descriptor file(
-        ::openat(folder, name, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0644));
+    const Descriptor file(::openat(
+        folder, name, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0644));
     return file.isOpen() && writeAll(file.get(), bytes, 0);
 }
 
@@ -69,7 +72,8 @@ void emptyFolder(int start) {
         const std::string next = removeFiles(here.get());
         if (!next.empty()) {
             (void)!::fchmodat(here.get(), next.c_str(), 0700, 0);
-            Descriptor below(::openat(here.get(), next.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+            Descriptor below(::openat(here.get(), next.c_str(),
+                                      O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
             if (!below.isOpen()) return;
             names.push_back(next);
             here = std::move(below);
@@ -77,7 +81,8 @@ void emptyFolder(int start) {
         }
         if (names.empty()) return;
         Descriptor above(::openat(here.get(), "..", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-        if (!above.isOpen() || ::unlinkat(above.get(), names.back().c_str(), AT_REMOVEDIR) != 0) return;
+        if (!above.isOpen() || ::unlinkat(above.get(), names.back().c_str(), AT_REMOVEDIR) != 0)
+            return;
         here = std::move(above);
         names.pop_back();
     }
@@ -91,7 +96,8 @@ TestTree::TestTree(std::string base) {
         base = chosen != nullptr && *chosen != 0 ? chosen : "/tmp";
     }
     m_path = base + "/orrinvale-XXXXXX";
-    if (::mkdtemp(m_path.data()) == nullptr) throw std::runtime_error("no temporary folder in " + base);
+    if (::mkdtemp(m_path.data()) == nullptr)
+        throw std::runtime_error("no temporary folder in " + base);
     ::chmod(m_path.c_str(), 0755);  // other users look in too
 }
 
@@ -153,9 +159,12 @@ bool TestTree::socket(std::string_view name) {
     return ::bind(end.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
 }
 
-bool TestTree::setMode(std::string_view name, mode_t mode) { return ::chmod(at(name).c_str(), mode) == 0; }
+bool TestTree::setMode(std::string_view name, mode_t mode) {
+    return ::chmod(at(name).c_str(), mode) == 0;
+}
 
-bool TestTree::makeDeep(std::string_view name, int levels, std::string_view leaf, bool sideFolders) {
+bool TestTree::makeDeep(std::string_view name, int levels, std::string_view leaf,
+                        bool sideFolders) {
     if (!folder(name)) return false;
     Descriptor here(::open(at(name).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     for (int level = 0; level < levels; ++level) {
@@ -172,7 +181,9 @@ bool TestTree::makeDeep(std::string_view name, int levels, std::string_view leaf
     return writeAt(here.get(), "leaf", leaf);
 }
 
-bool isThere(const std::string& path) { return ::faccessat(AT_FDCWD, path.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0; }
+bool isThere(const std::string& path) {
+    return ::faccessat(AT_FDCWD, path.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0;
+}
 
 std::string contentOf(const std::string& path) {
     std::ostringstream text;
@@ -197,9 +208,11 @@ std::string runInChild(const ChildSetting& setting, const std::function<std::str
         const rlimit limit{setting.descriptors, setting.descriptors};
         bool ready = setting.descriptors == 0 || ::setrlimit(RLIMIT_NOFILE, &limit) == 0;
         if (setting.ordinaryUser && ::geteuid() == 0)
-            ready = ready && ::setgroups(0, nullptr) == 0 && ::setgid(65534) == 0 && ::setuid(65534) == 0;
+            ready = ready && ::setgroups(0, nullptr) == 0 && ::setgid(65534) == 0 &&
+                    ::setuid(65534) == 0;
         const std::string text = ready ? check() : "the process could not be prepared";
-        const bool told = ::write(ends[1], text.data(), text.size()) == static_cast<ssize_t>(text.size());
+        const bool told =
+            ::write(ends[1], text.data(), text.size()) == static_cast<ssize_t>(text.size());
         ::_exit(told ? 0 : 1);
     }
     ::close(ends[1]);
@@ -211,7 +224,8 @@ std::string runInChild(const ChildSetting& setting, const std::function<std::str
     int status = 0;
     ::waitpid(child, &status, 0);
     if (WIFSIGNALED(status)) text += "\nended by signal " + std::to_string(WTERMSIG(status));
-    else if (WEXITSTATUS(status) != 0) text += "\nended with status " + std::to_string(WEXITSTATUS(status));
+    else if (WEXITSTATUS(status) != 0)
+        text += "\nended with status " + std::to_string(WEXITSTATUS(status));
     return text;
 }
 
@@ -222,8 +236,10 @@ bool failSystemCall(long number, int error) {
         sock_filter{BPF_RET | BPF_K, 0, 0, SECCOMP_RET_ERRNO | static_cast<unsigned>(error)},
         sock_filter{BPF_RET | BPF_K, 0, 0, SECCOMP_RET_ALLOW},
     };
-    const sock_fprog filter{static_cast<unsigned short>(program.size()), const_cast<sock_filter*>(program.data())};
-    return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 && ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0;
+    const sock_fprog filter{static_cast<unsigned short>(program.size()),
+                            const_cast<sock_filter*>(program.data())};
+    return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+           ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0;
 }
 
 }  // namespace orrinvale::testing

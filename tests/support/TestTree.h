@@ -1,5 +1,6 @@
-// A temporary folder that a test fills with whatever a disk can hold, and the means to run a check as another user or with few
-// descriptors. Everything is made and removed relative to open folders, so that depth and length of paths do not matter.
+// A temporary folder that a test fills with whatever a disk can hold, and the means to run a check
+// as another user or with few descriptors. Everything is made and removed relative to open folders,
+// so that depth and length of paths do not matter.
 #pragma once
 
 #include <sys/types.h>
@@ -15,18 +16,22 @@
 
 namespace orrinvale::testing {
 
-/// A fresh folder under $TMPDIR or /tmp, removed with all that is in it. Names are relative to it; the folders on the way are
-/// made when they are missing. The operations answer whether the entry is there now.
+/// A fresh folder under $TMPDIR or /tmp, removed with all that is in it. Names are relative to it;
+/// the folders on the way are made when they are missing. The operations answer whether the entry
+/// is there now.
 class TestTree final {
 public:
-    /// In another folder than the usual one when `base` is given. Throws std::runtime_error when no folder can be made.
+    /// In another folder than the usual one when `base` is given. Throws std::runtime_error when no
+    /// folder can be made.
     explicit TestTree(std::string base = {});
     ~TestTree();
     TestTree(const TestTree&) = delete;
     TestTree& operator=(const TestTree&) = delete;
 
     [[nodiscard]] const std::string& path() const { return m_path; }
-    [[nodiscard]] std::string at(std::string_view name) const { return m_path + '/' + std::string(name); }
+    [[nodiscard]] std::string at(std::string_view name) const {
+        return m_path + '/' + std::string(name);
+    }
 
     bool write(std::string_view name, std::string_view bytes);
     /// A file of this size without blocks; bytes can be set with patch().
@@ -39,9 +44,11 @@ public:
     bool socket(std::string_view name);
     bool setMode(std::string_view name, mode_t mode);
 
-    /// A chain of `levels` folders called "d" below `name`, with `leaf` as a file of these bytes in the last. With `sideFolders`
-    /// each level holds a second folder "s" that holds such a file too.
-    bool makeDeep(std::string_view name, int levels, std::string_view leaf, bool sideFolders = false);
+    /// A chain of `levels` folders called "d" below `name`, with `leaf` as a file of these bytes in
+    /// the last. With `sideFolders` each level holds a second folder "s" that holds such a file
+    /// too.
+    bool makeDeep(std::string_view name, int levels, std::string_view leaf,
+                  bool sideFolders = false);
 
 private:
     bool makeParents(const std::string& full);
@@ -63,10 +70,13 @@ struct ChildSetting {
     unsigned descriptors = 0;   ///< RLIMIT_NOFILE, 0 to leave it alone
 };
 
-/// Runs the check in a forked process with a minute to live. Its text comes back; so does a line about a crash or a time-out.
-[[nodiscard]] std::string runInChild(const ChildSetting& setting, const std::function<std::string()>& check);
+/// Runs the check in a forked process with a minute to live. Its text comes back; so does a line
+/// about a crash or a time-out.
+[[nodiscard]] std::string runInChild(const ChildSetting& setting,
+                                     const std::function<std::string()>& check);
 
-/// From now on this process gets the errno from every system call of that number: for runInChild(). False when it can not be had.
+/// From now on this process gets the errno from every system call of that number: for runInChild().
+/// False when it can not be had.
 [[nodiscard]] bool failSystemCall(long number, int error);
 
 /// The real file system with a view on what is asked of it, and with faults of the test's choice.
@@ -100,11 +110,13 @@ public:
         step("attributes");
         return ForwardingFiles::attributes(parent, name, links);
     }
-    SysResult<FileAttributes> freshAttributes(int parent, const char* name, Links links) const override {
+    SysResult<FileAttributes> freshAttributes(int parent, const char* name,
+                                              Links links) const override {
         step("freshAttributes");
         return ForwardingFiles::freshAttributes(parent, name, links);
     }
-    SysResult<Descriptor> openFile(int parent, const char* name, Links links, ReadState& state) const override {
+    SysResult<Descriptor> openFile(int parent, const char* name, Links links,
+                                   ReadState& state) const override {
         if (onOpenFile) onOpenFile(name);
         return ForwardingFiles::openFile(parent, name, links, state);
     }
@@ -123,7 +135,8 @@ public:
         step("removeEntry");
         return ForwardingFiles::removeEntry(folder, name, type);
     }
-    SysResult<void> moveEntry(int folder, const char* name, int newFolder, const char* newName) const override {
+    SysResult<void> moveEntry(int folder, const char* name, int newFolder,
+                              const char* newName) const override {
         step("moveEntry");
         return ForwardingFiles::moveEntry(folder, name, newFolder, newName);
     }

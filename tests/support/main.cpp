@@ -1,5 +1,5 @@
-// The main function of every test binary: takes the locale from the environment, so that a run under LC_ALL=de_DE.UTF-8
-// shows numbers that stray through the C locale, and keeps the log quiet.
+// The main function of every test binary: takes the locale from the environment, so that a run
+// under LC_ALL=de_DE.UTF-8 shows numbers that stray through the C locale, and keeps the log quiet.
 #include <gtest/gtest.h>
 
 #include <clocale>
@@ -9,8 +9,11 @@
 #include "engine/base/Log.h"
 
 int main(int argc, char** argv) {
-    if (std::setlocale(LC_ALL, "") == nullptr && std::getenv("ORRINVALE_TEST_NEEDS_LOCALE") != nullptr) {
-        std::fputs("skipped: the locale that this run asks for is not there (./dev test makes it)\n", stderr);
+    if (std::setlocale(LC_ALL, "") == nullptr &&
+        std::getenv("ORRINVALE_TEST_NEEDS_LOCALE") != nullptr) {
+        std::fputs(
+            "skipped: the locale that this run asks for is not there (./dev test makes it)\n",
+            stderr);
         return 77;
     }
     orrinvale::Log::setEnabled(false);

@@ -1,11 +1,12 @@
-// served_files_program MOUNTPOINT SOURCE [FAULT...]: serves a folder by FUSE, with the faults that a test wants. It runs until it is
-// unmounted or killed. ServedFiles.h starts it.
+// served_files_program MOUNTPOINT SOURCE [FAULT...]: serves a folder by FUSE, with the faults that
+// a test wants. It runs until it is unmounted or killed. ServedFiles.h starts it.
 //
 //   look=MS          every look at an entry takes so many milliseconds
 //   renumber         an entry gets a new inode number with each look
 //   eio=NAME:AT      bytes of files with that name can not be read from there on
 //   twice=NAME       listings give that name twice
-//   cache            this machine remembers names and attributes for a minute, whatever happens behind its back
+//   cache            this machine remembers names and attributes for a minute, whatever happens
+//   behind its back
 #define FUSE_USE_VERSION 35
 #include <dirent.h>
 #include <fcntl.h>
@@ -51,7 +52,8 @@ int look(const char* path, struct stat* out, fuse_file_info*) {
     return 0;
 }
 
-int list(const char* path, void* buffer, fuse_fill_dir_t fill, off_t, fuse_file_info*, fuse_readdir_flags) {
+int list(const char* path, void* buffer, fuse_fill_dir_t fill, off_t, fuse_file_info*,
+         fuse_readdir_flags) {
     DIR* const folder = ::opendir(real(path).c_str());
     if (folder == nullptr) return -errno;
     while (const dirent* const entry = ::readdir(folder)) {
@@ -59,14 +61,16 @@ int list(const char* path, void* buffer, fuse_fill_dir_t fill, off_t, fuse_file_
         kind.st_ino = entry->d_ino;
         kind.st_mode = DTTOIF(entry->d_type);
         const int times = s_faults.twice == entry->d_name ? 2 : 1;
-        for (int i = 0; i < times; ++i) fill(buffer, entry->d_name, &kind, 0, fuse_fill_dir_flags{});
+        for (int i = 0; i < times; ++i)
+            fill(buffer, entry->d_name, &kind, 0, fuse_fill_dir_flags{});
     }
     ::closedir(folder);
     return 0;
 }
 
 int open(const char* path, fuse_file_info* file) {
-    const int opened = ::open(real(path).c_str(), file->flags & ~(O_NOFOLLOW | O_NOATIME | O_EXCL | O_CREAT));
+    const int opened =
+        ::open(real(path).c_str(), file->flags & ~(O_NOFOLLOW | O_NOATIME | O_EXCL | O_CREAT));
     if (opened < 0) return -errno;
     file->fh = static_cast<std::uint64_t>(opened);
     return 0;
@@ -104,7 +108,8 @@ int setTimes(const char* path, const timespec times[2], fuse_file_info*) {
 
 void* begin(fuse_conn_info*, fuse_config* config) {
     config->use_ino = s_faults.renumber ? 1 : 0;
-    config->entry_timeout = config->attr_timeout = config->negative_timeout = s_faults.isCached ? 60 : 0;
+    config->entry_timeout = config->attr_timeout = config->negative_timeout =
+        s_faults.isCached ? 60 : 0;
     config->nullpath_ok = 0;
     return nullptr;
 }
@@ -121,11 +126,17 @@ fuse_operations operations() {
     out.release = &close;
     out.readlink = &readLink;
     out.utimens = &setTimes;
-    out.mkdir = [](const char* path, mode_t mode) { return answer(::mkdir(real(path).c_str(), mode)); };
+    out.mkdir = [](const char* path, mode_t mode) {
+        return answer(::mkdir(real(path).c_str(), mode));
+    };
     out.unlink = [](const char* path) { return answer(::unlink(real(path).c_str())); };
     out.rmdir = [](const char* path) { return answer(::rmdir(real(path).c_str())); };
-    out.symlink = [](const char* text, const char* path) { return answer(::symlink(text, real(path).c_str())); };
-    out.link = [](const char* from, const char* to) { return answer(::link(real(from).c_str(), real(to).c_str())); };
+    out.symlink = [](const char* text, const char* path) {
+        return answer(::symlink(text, real(path).c_str()));
+    };
+    out.link = [](const char* from, const char* to) {
+        return answer(::link(real(from).c_str(), real(to).c_str()));
+    };
     out.chmod = [](const char* path, mode_t mode, fuse_file_info*) {
         return answer(::chmod(real(path).c_str(), mode));
     };
@@ -135,7 +146,9 @@ fuse_operations operations() {
     out.rename = [](const char* from, const char* to, unsigned flags) {
         return answer(::renameat2(AT_FDCWD, real(from).c_str(), AT_FDCWD, real(to).c_str(), flags));
     };
-    out.statfs = [](const char* path, struct statvfs* facts) { return answer(::statvfs(real(path).c_str(), facts)); };
+    out.statfs = [](const char* path, struct statvfs* facts) {
+        return answer(::statvfs(real(path).c_str(), facts));
+    };
     return out;
 }
 
@@ -144,7 +157,8 @@ bool take(std::string_view fault) {
     const std::string value(equals == std::string_view::npos ? "" : fault.substr(equals + 1));
     if (fault == "renumber") s_faults.renumber = true;
     else if (fault == "cache") s_faults.isCached = true;
-    else if (fault.starts_with("look=")) s_faults.look = std::chrono::milliseconds(std::stoi(value));
+    else if (fault.starts_with("look="))
+        s_faults.look = std::chrono::milliseconds(std::stoi(value));
     else if (fault.starts_with("twice=")) s_faults.twice = value;
     else if (fault.starts_with("eio=")) {
         s_faults.unreadable = value.substr(0, value.rfind(':'));

@@ -1,5 +1,6 @@
-// slow_fs MOUNTPOINT MILLISECONDS: a file system that takes its time for every look at an entry. Folders f0, f1 ... hold files of one
-// content each; a look at a name that begins with "hang" is answered when the file system goes.
+// slow_fs MOUNTPOINT MILLISECONDS: a file system that takes its time for every look at an entry.
+// Folders f0, f1 ... hold files of one content each; a look at a name that begins with "hang" is
+// answered when the file system goes.
 #define FUSE_USE_VERSION 35
 #include <fuse3/fuse.h>
 
@@ -39,11 +40,14 @@ int getAttributes(const char* path, struct stat* status, fuse_file_info*) {
     return 0;
 }
 
-int listFolder(const char* path, void* into, fuse_fill_dir_t fill, off_t, fuse_file_info*, fuse_readdir_flags) {
+int listFolder(const char* path, void* into, fuse_fill_dir_t fill, off_t, fuse_file_info*,
+               fuse_readdir_flags) {
     const bool isRoot = depthOf(path) == 0;
     struct stat kind {};
     kind.st_mode = isRoot ? S_IFDIR : S_IFREG;
-    const auto add = [&](const std::string& name) { return fill(into, name.c_str(), &kind, 0, fuse_fill_dir_flags{}); };
+    const auto add = [&](const std::string& name) {
+        return fill(into, name.c_str(), &kind, 0, fuse_fill_dir_flags{});
+    };
     for (int i = 0; i < (isRoot ? kFolders : kFiles); ++i)
         if (add((isRoot ? "f" : "x") + std::to_string(i)) != 0) return -EIO;
     kind.st_mode = S_IFREG;

@@ -1,4 +1,5 @@
-// The main function of the tests that drive widgets. They run under the offscreen platform unless the environment names another.
+// The main function of the tests that drive widgets. They run under the offscreen platform unless
+// the environment names another.
 #include <gtest/gtest.h>
 
 #include "engine/base/Log.h"

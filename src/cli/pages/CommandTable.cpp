@@ -1,4 +1,5 @@
-// CommandTable: see CommandTable.h. ManualPage.cpp and Completions.cpp write what stands here into their formats.
+// CommandTable: see CommandTable.h. ManualPage.cpp and Completions.cpp write what stands here into
+// their formats.
 #include "cli/pages/CommandTable.h"
 
 #include <algorithm>
@@ -17,7 +18,9 @@ std::vector<std::string_view> namesOf(std::string_view names) {
     return out;
 }
 
-OptionForms optionForms(const OptionSpec& option) { return {namesOf(option.names), option.argument, option.help}; }
+OptionForms optionForms(const OptionSpec& option) {
+    return {namesOf(option.names), option.argument, option.help};
+}
 
 }  // namespace
 

@@ -1,4 +1,5 @@
-// CommandTable: what the manual page and the completions of the shells both read out of the commands' own tables.
+// CommandTable: what the manual page and the completions of the shells both read out of the
+// commands' own tables.
 #pragma once
 
 #include <string>
@@ -24,7 +25,8 @@ struct CommandForms {
     std::string_view name;
     std::string_view summary;
     std::string_view description;
-    std::vector<OptionForms> options;   ///< its own; commonForms() has those that every command takes
+    std::vector<OptionForms>
+        options;  ///< its own; commonForms() has those that every command takes
     std::vector<OptionSpec> arguments;  ///< in their order
 };
 
@@ -37,8 +39,8 @@ struct CommandForms {
 [[nodiscard]] WordKind kindOf(std::string_view argument);
 
 /// The manual page orrinvale-cli(1). `date` is that of the release, "2026-11-21".
-[[nodiscard]] std::string manualPage(const std::vector<CommandForms>& commands, std::string_view version,
-                                     std::string_view date);
+[[nodiscard]] std::string manualPage(const std::vector<CommandForms>& commands,
+                                     std::string_view version, std::string_view date);
 
 [[nodiscard]] std::string bashCompletion(const std::vector<CommandForms>& commands);
 [[nodiscard]] std::string zshCompletion(const std::vector<CommandForms>& commands);

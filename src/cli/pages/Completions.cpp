@@ -1,5 +1,6 @@
-// The completions of bash, zsh and fish: what the tables of the commands say, in the language of each shell. All offer
-// the commands, the options, and for arguments folders, paths or the places of mounted volumes.
+// The completions of bash, zsh and fish: what the tables of the commands say, in the language of
+// each shell. All offer the commands, the options, and for arguments folders, paths or the places
+// of mounted volumes.
 #include <fmt/format.h>
 
 #include "cli/pages/CommandTable.h"
@@ -9,7 +10,8 @@ namespace {
 
 std::string replaced(std::string_view text, std::string_view what, std::string_view by) {
     std::string out(text);
-    for (std::size_t at = out.find(what); at != std::string::npos; at = out.find(what, at + by.size()))
+    for (std::size_t at = out.find(what); at != std::string::npos;
+         at = out.find(what, at + by.size()))
         out.replace(at, what.size(), by);
     return out;
 }
@@ -19,7 +21,8 @@ WordKind argumentKind(const CommandForms& command) {
     return command.arguments.empty() ? WordKind::Free : kindOf(command.arguments.front().names);
 }
 
-// --- bash -----------------------------------------------------------------------------------------------------------
+// --- bash
+// -----------------------------------------------------------------------------------------------------------
 
 std::string_view bashKind(WordKind kind) {
     switch (kind) {
@@ -40,8 +43,8 @@ std::string bashCase(const CommandForms& command) {
             if (!option.argument.empty()) takers += ' ' + std::string(name) + ' ';
         }
     }
-    return fmt::format("        {}) options='{}' takers='{}' kind='{}' ;;\n", command.name, options, takers,
-                       bashKind(argumentKind(command)));
+    return fmt::format("        {}) options='{}' takers='{}' kind='{}' ;;\n", command.name, options,
+                       takers, bashKind(argumentKind(command)));
 }
 
 // Folders and paths are left to the shell itself, which knows how to quote them.
@@ -66,12 +69,14 @@ constexpr std::string_view bashEnd = R"sh(        *) return ;;
 complete -F _orrinvale_cli orrinvale-cli
 )sh";
 
-// --- zsh ------------------------------------------------------------------------------------------------------------
+// --- zsh
+// ------------------------------------------------------------------------------------------------------------
 
 // In single quotes and in brackets, where a colon divides too.
 std::string zshText(std::string_view text) {
     std::string out = replaced(text, "'", "'\\''");
-    for (const char* const special : {"[", "]", ":"}) out = replaced(out, special, std::string("\\") + special);
+    for (const char* const special : {"[", "]", ":"})
+        out = replaced(out, special, std::string("\\") + special);
     return out;
 }
 
@@ -102,18 +107,22 @@ std::string zshOption(const OptionForms& option) {
 
 std::string zshCase(const CommandForms& command) {
     std::string out = fmt::format("        {})\n            _arguments -s", command.name);
-    for (const OptionForms& option : allOptions(command)) out += " \\\n                " + zshOption(option);
+    for (const OptionForms& option : allOptions(command))
+        out += " \\\n                " + zshOption(option);
     for (const OptionSpec& argument : command.arguments) {
         const bool repeated = argument.names.ends_with("...");
-        out += fmt::format(" \\\n                '{}:{}:{}'", repeated ? "*" : "", zshText(argument.names),
-                           zshKind(kindOf(argument.names)));
+        out += fmt::format(" \\\n                '{}:{}:{}'", repeated ? "*" : "",
+                           zshText(argument.names), zshKind(kindOf(argument.names)));
     }
     return out + " ;;\n";
 }
 
-// --- fish -----------------------------------------------------------------------------------------------------------
+// --- fish
+// -----------------------------------------------------------------------------------------------------------
 
-std::string fishText(std::string_view text) { return '\'' + replaced(replaced(text, "\\", "\\\\"), "'", "\\'") + '\''; }
+std::string fishText(std::string_view text) {
+    return '\'' + replaced(replaced(text, "\\", "\\\\"), "'", "\\'") + '\'';
+}
 
 std::string fishOption(const std::string& condition, const OptionForms& option) {
     std::string out = fmt::format("complete -c orrinvale-cli -n {}", condition);
@@ -130,26 +139,30 @@ std::string_view fishKind(WordKind kind) {
     switch (kind) {
         case WordKind::Folder: return "-a '(__fish_complete_directories)'";
         case WordKind::Path: return "-F";
-        case WordKind::Volume: return "-a '(orrinvale-cli volumes -0 --quiet 2>/dev/null | string split0)'";
+        case WordKind::Volume:
+            return "-a '(orrinvale-cli volumes -0 --quiet 2>/dev/null | string split0)'";
         case WordKind::Free: break;
     }
     return "";
 }
 
 std::string fishCommand(const CommandForms& command) {
-    std::string out = fmt::format("complete -c orrinvale-cli -n __fish_use_subcommand -a {} -d {}\n", command.name,
-                                  fishText(command.summary));
+    std::string out =
+        fmt::format("complete -c orrinvale-cli -n __fish_use_subcommand -a {} -d {}\n",
+                    command.name, fishText(command.summary));
     const std::string condition = fmt::format("'__fish_seen_subcommand_from {}'", command.name);
     for (const OptionForms& option : allOptions(command)) out += fishOption(condition, option);
     const std::string_view words = fishKind(argumentKind(command));
-    if (!words.empty()) out += fmt::format("complete -c orrinvale-cli -n {} {}\n", condition, words);
+    if (!words.empty())
+        out += fmt::format("complete -c orrinvale-cli -n {} {}\n", condition, words);
     return out;
 }
 
 }  // namespace
 
 std::string bashCompletion(const std::vector<CommandForms>& commands) {
-    std::string out = R"sh(# bash completion of orrinvale-cli, made from the program's own table of commands.
+    std::string out =
+        R"sh(# bash completion of orrinvale-cli, made from the program's own table of commands.
 _orrinvale_cli() {
     local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
     local command='' ended='' options='' takers='' kind='' place at
@@ -166,7 +179,9 @@ _orrinvale_cli() {
     std::string names;
     for (const CommandForms& command : commands) names += std::string(command.name) + ' ';
     out += fmt::format(
-        "        '') mapfile -t COMPREPLY < <(compgen -W '{}--help --version' -- \"$word\"); return ;;\n", names);
+        "        '') mapfile -t COMPREPLY < <(compgen -W '{}--help --version' -- \"$word\"); "
+        "return ;;\n",
+        names);
     for (const CommandForms& command : commands) out += bashCase(command);
     return out + std::string(bashEnd);
 }
@@ -198,7 +213,8 @@ _orrinvale_cli() {
 }
 
 std::string fishCompletion(const std::vector<CommandForms>& commands) {
-    std::string out = "# Made from the program's own table of commands.\ncomplete -c orrinvale-cli -f\n";
+    std::string out =
+        "# Made from the program's own table of commands.\ncomplete -c orrinvale-cli -f\n";
     const std::string first = "__fish_use_subcommand";
     out += fishOption(first, {{"-h", "--help"}, "", "Tell the options and end"});
     out += fishOption(first, {{"--version"}, "", "Tell the version"});

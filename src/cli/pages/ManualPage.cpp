@@ -1,4 +1,5 @@
-// The manual page of orrinvale-cli: what the tables of the commands say, and around it what holds for all of them.
+// The manual page of orrinvale-cli: what the tables of the commands say, and around it what holds
+// for all of them.
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -8,7 +9,8 @@
 namespace orrinvale::cli {
 namespace {
 
-// Text for the formatter: its own characters are escaped, and a dash stays one that can be copied into a terminal.
+// Text for the formatter: its own characters are escaped, and a dash stays one that can be copied
+// into a terminal.
 std::string plain(std::string_view text) {
     std::string out;
     for (const char c : text) {
@@ -29,7 +31,8 @@ std::string plain(std::string_view text) {
 std::string bold(std::string_view text) { return "\\fB" + plain(text) + "\\fP"; }
 std::string slanted(std::string_view text) { return "\\fI" + plain(text) + "\\fP"; }
 
-// Each sentence begins a line, so that the formatter sets the space between them; long ones take several lines.
+// Each sentence begins a line, so that the formatter sets the space between them; long ones take
+// several lines.
 std::string sentences(std::string_view text) {
     constexpr std::size_t widest = 78;
     std::string out;
@@ -57,7 +60,8 @@ std::string closed(std::string_view text) {
 // All names of an option in a row, and what it takes behind a blank.
 std::string namesOf(const OptionForms& option, const char* between, const char* blank) {
     std::string names;
-    for (const std::string_view name : option.names) names += (names.empty() ? "" : between) + bold(name);
+    for (const std::string_view name : option.names)
+        names += (names.empty() ? "" : between) + bold(name);
     return option.argument.empty() ? names : names + blank + slanted(option.argument);
 }
 
@@ -67,17 +71,20 @@ std::string optionEntry(const OptionForms& option) {
 
 std::string synopsis(const CommandForms& command) {
     std::string out = fmt::format(".SY orrinvale\\-cli\n.B {}\n", plain(command.name));
-    for (const OptionForms& option : allOptions(command)) out += '[' + namesOf(option, "\\ |\\ ", "\\ ") + "]\n";
+    for (const OptionForms& option : allOptions(command))
+        out += '[' + namesOf(option, "\\ |\\ ", "\\ ") + "]\n";
     for (const OptionSpec& argument : command.arguments) out += slanted(argument.names) + '\n';
     return out + ".YS\n";
 }
 
 std::string commandSection(const CommandForms& command) {
-    std::string out = fmt::format(".SS {}\n{}", plain(command.name), sentences(closed(command.summary)));
+    std::string out =
+        fmt::format(".SS {}\n{}", plain(command.name), sentences(closed(command.summary)));
     out += sentences(command.description);
     for (const OptionForms& option : command.options) out += optionEntry(option);
     for (const OptionSpec& argument : command.arguments)
-        out += fmt::format(".TP\n{}\n{}", slanted(argument.names), sentences(closed(argument.help)));
+        out +=
+            fmt::format(".TP\n{}\n{}", slanted(argument.names), sentences(closed(argument.help)));
     return out;
 }
 
@@ -132,8 +139,10 @@ The mounted volumes, for a script.
 
 }  // namespace
 
-std::string manualPage(const std::vector<CommandForms>& commands, std::string_view version, std::string_view date) {
-    std::string out = fmt::format(".TH ORRINVALE\\-CLI 1 {} \"Orrinvale {}\" \"User Commands\"\n", date, version);
+std::string manualPage(const std::vector<CommandForms>& commands, std::string_view version,
+                       std::string_view date) {
+    std::string out =
+        fmt::format(".TH ORRINVALE\\-CLI 1 {} \"Orrinvale {}\" \"User Commands\"\n", date, version);
     out += ".SH NAME\norrinvale\\-cli \\- disk maintenance in the terminal\n.SH SYNOPSIS\n";
     for (const CommandForms& command : commands) out += synopsis(command);
     out += ".SY orrinvale\\-cli\n.B \\-\\-version\n.YS\n";
@@ -145,7 +154,8 @@ std::string manualPage(const std::vector<CommandForms>& commands, std::string_vi
     out += afterCommands;
     out += ".SH EXIT STATUS\n";
     for (const StatusMeaning& each : statusMeanings())
-        out += fmt::format(".TP\n.B {}\n{}", static_cast<int>(each.status), sentences(each.meaning));
+        out +=
+            fmt::format(".TP\n.B {}\n{}", static_cast<int>(each.status), sentences(each.meaning));
     return out + std::string(closing);
 }
 

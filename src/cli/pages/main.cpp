@@ -1,5 +1,5 @@
-// orrinvale-docs: writes the manual page and the completions of orrinvale-cli. It runs while building and is not
-// installed.
+// orrinvale-docs: writes the manual page and the completions of orrinvale-cli. It runs while
+// building and is not installed.
 #include <cstdio>
 #include <string>
 #include <string_view>

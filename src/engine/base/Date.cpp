@@ -1,4 +1,5 @@
-// Date: see Date.h. The calendar is that of <chrono>; only the local offset comes from the C library.
+// Date: see Date.h. The calendar is that of <chrono>; only the local offset comes from the C
+// library.
 #include "engine/base/Date.h"
 
 #include <chrono>
@@ -22,7 +23,9 @@ std::int64_t floorDivide(std::int64_t value, std::int64_t divisor) {
     return value / divisor - (value % divisor < 0 ? 1 : 0);
 }
 
-std::int64_t wholeSeconds(Date date) { return floorDivide(date.nanoseconds, kNanosecondsPerSecond); }
+std::int64_t wholeSeconds(Date date) {
+    return floorDivide(date.nanoseconds, kNanosecondsPerSecond);
+}
 
 Clock clockAt(std::int64_t seconds) {
     const std::int64_t days = floorDivide(seconds, kSecondsPerDay);
@@ -38,11 +41,13 @@ int localOffsetMinutes(std::int64_t seconds) {
     return static_cast<int>(local.tm_gmtoff / 60);
 }
 
-// Digits by hand: a result of a search prints a hundred thousand dates, and a format call costs ten times as much.
+// Digits by hand: a result of a search prints a hundred thousand dates, and a format call costs ten
+// times as much.
 void appendDigits(std::string& out, int value, int digits) {
     const std::size_t end = out.size() + static_cast<std::size_t>(digits);
     out.resize(end);
-    for (std::size_t at = end; digits > 0; --digits, value /= 10) out[--at] = static_cast<char>('0' + value % 10);
+    for (std::size_t at = end; digits > 0; --digits, value /= 10)
+        out[--at] = static_cast<char>('0' + value % 10);
 }
 
 std::string clockText(std::int64_t seconds, char between) {
@@ -63,8 +68,8 @@ std::string clockText(std::int64_t seconds, char between) {
     return out;
 }
 
-/// Takes texts apart from the left: digits of a fixed count, and single marks. Once a piece is missing all further
-/// fail.
+/// Takes texts apart from the left: digits of a fixed count, and single marks. Once a piece is
+/// missing all further fail.
 class Reader {
 public:
     explicit Reader(std::string_view text) : m_rest(text) {}
@@ -152,8 +157,8 @@ std::optional<Date> parseDate(std::string_view text) {
     const int offsetMinutes = reader.number(2);
 
     const std::chrono::year_month_day date{year, month, day};
-    if (!reader.isDone() || !date.ok() || hour > 23 || minute > 59 || second > 59 || offsetHours > 23 ||
-        offsetMinutes > 59)
+    if (!reader.isDone() || !date.ok() || hour > 23 || minute > 59 || second > 59 ||
+        offsetHours > 23 || offsetMinutes > 59)
         return std::nullopt;
     const std::int64_t days = std::chrono::sys_days{date}.time_since_epoch().count();
     const std::int64_t local = days * kSecondsPerDay + hour * 3600 + minute * 60 + second;

@@ -1,5 +1,5 @@
-// IconRequest: a picture wanted for a row. The engine knows no pictures; the screen draws one from this when it shows
-// the row.
+// IconRequest: a picture wanted for a row. The engine knows no pictures; the screen draws one from
+// this when it shows the row.
 #pragma once
 
 #include <string>

@@ -1,4 +1,5 @@
-// Log: see Log.h. The line goes out by one write(2), so that lines of several threads and processes never mix.
+// Log: see Log.h. The line goes out by one write(2), so that lines of several threads and processes
+// never mix.
 #include "engine/base/Log.h"
 
 #include <unistd.h>
@@ -19,7 +20,8 @@ struct SinkHolder {
 };
 
 SinkHolder& holder() {
-    static SinkHolder* const instance = new SinkHolder;  // outlives every thread that may still log at exit
+    static SinkHolder* const instance =
+        new SinkHolder;  // outlives every thread that may still log at exit
     return *instance;
 }
 
@@ -37,9 +39,13 @@ bool Log::isEnabled() { return s_enabled.load(std::memory_order_relaxed); }
 
 void Log::setEnabled(bool enabled) { s_enabled.store(enabled, std::memory_order_relaxed); }
 
-bool Log::isEngineEnabled() { return isEnabled() && s_engineEnabled.load(std::memory_order_relaxed); }
+bool Log::isEngineEnabled() {
+    return isEnabled() && s_engineEnabled.load(std::memory_order_relaxed);
+}
 
-void Log::setEngineEnabled(bool enabled) { s_engineEnabled.store(enabled, std::memory_order_relaxed); }
+void Log::setEngineEnabled(bool enabled) {
+    s_engineEnabled.store(enabled, std::memory_order_relaxed);
+}
 
 void Log::setSink(Sink sink) {
     const std::lock_guard lock(holder().mutex);

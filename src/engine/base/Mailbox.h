@@ -7,8 +7,9 @@
 
 namespace orrinvale {
 
-/// Holds one value under a lock. A writer replaces it, a reader copies or takes it; neither waits for the other beyond that. For
-/// what changes often and of which only the newest counts, such as the path that a scan is at.
+/// Holds one value under a lock. A writer replaces it, a reader copies or takes it; neither waits
+/// for the other beyond that. For what changes often and of which only the newest counts, such as
+/// the path that a scan is at.
 template <class T> class Mailbox final {
 public:
     void put(T value) {

@@ -1,5 +1,6 @@
-// NotificationCenter: see NotificationCenter.h. The list of one name is never changed in place: each change makes a new
-// list, so a round under way keeps the one that it began with, and handlers run with the lock open.
+// NotificationCenter: see NotificationCenter.h. The list of one name is never changed in place:
+// each change makes a new list, so a round under way keeps the one that it began with, and handlers
+// run with the lock open.
 #include "engine/base/NotificationCenter.h"
 
 #include <atomic>
@@ -51,10 +52,12 @@ struct NotificationCenter::Registry {
     }
 };
 
-NotificationCenter::Observation::Observation(std::weak_ptr<Registry> registry, std::shared_ptr<Entry> entry)
+NotificationCenter::Observation::Observation(std::weak_ptr<Registry> registry,
+                                             std::shared_ptr<Entry> entry)
     : m_registry(std::move(registry)), m_entry(std::move(entry)) {}
 
-NotificationCenter::Observation& NotificationCenter::Observation::operator=(Observation&& other) noexcept {
+NotificationCenter::Observation& NotificationCenter::Observation::operator=(
+    Observation&& other) noexcept {
     if (this == &other) return *this;
     remove();
     m_registry = std::move(other.m_registry);

@@ -19,8 +19,8 @@ struct Notification {
     UserInfo userInfo;
 };
 
-/// Hands a notice to those who asked for its name. All operations may be called from any thread, and from within a
-/// handler. No lock is held while a handler runs or is destroyed.
+/// Hands a notice to those who asked for its name. All operations may be called from any thread,
+/// and from within a handler. No lock is held while a handler runs or is destroyed.
 class NotificationCenter final {
     struct Entry;
     struct Registry;
@@ -36,9 +36,10 @@ public:
         Observation& operator=(Observation&& other) noexcept;
         ~Observation() { remove(); }
 
-        /// Removes the handler now. On the thread that calls it the handler runs no more. A run that another thread has
-        /// already begun goes on to its end: waiting for it here would lock up a handler that itself waits for this
-        /// thread. A handler that may be called on several threads therefore holds what it uses by a weak pointer.
+        /// Removes the handler now. On the thread that calls it the handler runs no more. A run
+        /// that another thread has already begun goes on to its end: waiting for it here would lock
+        /// up a handler that itself waits for this thread. A handler that may be called on several
+        /// threads therefore holds what it uses by a weak pointer.
         void remove();
 
     private:
@@ -57,9 +58,9 @@ public:
     /// Registers a handler for a name until the result ends.
     [[nodiscard]] Observation addObserver(std::string name, Handler handler);
 
-    /// Runs the handlers of the name on this thread, in the order of their registration, and returns after the last. A
-    /// handler added meanwhile waits for the next notice; one removed meanwhile is left out. What a handler throws ends
-    /// the round and reaches the caller.
+    /// Runs the handlers of the name on this thread, in the order of their registration, and
+    /// returns after the last. A handler added meanwhile waits for the next notice; one removed
+    /// meanwhile is left out. What a handler throws ends the round and reaches the caller.
     void post(std::string_view name, std::any object = {}, UserInfo userInfo = {}) const;
 
 private:

@@ -4,7 +4,8 @@
 namespace orrinvale {
 
 UtilityObject& UtilityObject::getMyObject() {
-    static UtilityObject* const instance = new UtilityObject;  // threads may still look at it while the process ends
+    static UtilityObject* const instance =
+        new UtilityObject;  // threads may still look at it while the process ends
     return *instance;
 }
 

@@ -1,5 +1,6 @@
-// AuthorizedDoor: see AuthorizedDoor.h. Plain removal is engine/removal/PlainDoor, the administrator's tool runs behind
-// platform/authorization.h; neither follows a link, and both make sure of the entry again.
+// AuthorizedDoor: see AuthorizedDoor.h. Plain removal is engine/removal/PlainDoor, the
+// administrator's tool runs behind platform/authorization.h; neither follows a link, and both make
+// sure of the entry again.
 #include "engine/cleaning/AuthorizedDoor.h"
 
 #include <fmt/format.h>
@@ -29,7 +30,8 @@ SysResult<Descriptor> holdAt(const FileSystem& files, const std::string& path) {
     return files.holdEntry(parent->get(), std::string(lastPathComponent(path)).c_str());
 }
 
-/// The same entry by a way without links, which the administrator's tool does not take. What is at its end is compared by identity.
+/// The same entry by a way without links, which the administrator's tool does not take. What is at
+/// its end is compared by identity.
 std::string withoutLinksOnTheWay(const FileSystem& files, const std::string& path) {
     auto folder = files.resolved(folderOf(path));
     return folder ? joinPath(*folder, lastPathComponent(path)) : path;
@@ -37,22 +39,24 @@ std::string withoutLinksOnTheWay(const FileSystem& files, const std::string& pat
 
 std::optional<SeenEntry> seenEntryOf(const FileSystem& files, const std::optional<KeptCopy>& kept) {
     if (!kept) return std::nullopt;
-    SeenEntry seen{withoutLinksOnTheWay(files, kept->path), kept->identity.device, kept->identity.inode,
-                   kept->identity.type, std::nullopt};
+    SeenEntry seen{withoutLinksOnTheWay(files, kept->path), kept->identity.device,
+                   kept->identity.inode, kept->identity.type, std::nullopt};
     if (!kept->identity.times)
-        seen.state =
-            EntryState{kept->identity.size, kept->identity.modified, kept->identity.changed, kept->identity.born};
+        seen.state = EntryState{kept->identity.size, kept->identity.modified,
+                                kept->identity.changed, kept->identity.born};
     return seen;
 }
 
-/// Opens a folder that shuts out its own owner, so that he can empty it, and shuts it again: a private folder must not stay open
-/// behind a removal that failed, nor while the administrator's tool works. The mode of anything else is nobody's business here:
-/// a file goes by the right to change its folder, and its mode would change under all its other names as well.
+/// Opens a folder that shuts out its own owner, so that he can empty it, and shuts it again: a
+/// private folder must not stay open behind a removal that failed, nor while the administrator's
+/// tool works. The mode of anything else is nobody's business here: a file goes by the right to
+/// change its folder, and its mode would change under all its other names as well.
 class OpenedUp final {
 public:
     OpenedUp(const FileSystem& files, const Permissions* permissions, const LeavingEntry& entry)
         : m_permissions(permissions) {
-        if (m_permissions == nullptr || !entry.identity || entry.identity->type != FileType::Folder) return;
+        if (m_permissions == nullptr || !entry.identity || entry.identity->type != FileType::Folder)
+            return;
         auto folder = holdAt(files, entry.path);
         if (!folder) return;
         const auto now = files.attributes(folder->get());
@@ -90,13 +94,14 @@ SysResult<FileAttributes> attributesByPath(const FileSystem& files, const std::s
 }
 
 std::optional<std::string> runRemovalTool(const FileSystem& files, const std::string& path,
-                                          const SysResult<FileAttributes>& entry, const std::optional<KeptCopy>& kept) {
+                                          const SysResult<FileAttributes>& entry,
+                                          const std::optional<KeptCopy>& kept) {
     if (!entry && entry.error() != ENOENT) return systemError("stat", path, entry.error()).reason();
     QnAuthorization& right = QnAuthorization::shareQnAuthorization();
     const AuthorizationRef reference = right.getAuthorizationRet();
     std::unique_ptr<ToolOutput> output;
-    auto status =
-        reference == AuthorizationRef::null ? AuthorizationStatus::invalidReference : AuthorizationStatus::success;
+    auto status = reference == AuthorizationRef::null ? AuthorizationStatus::invalidReference
+                                                      : AuthorizationStatus::success;
     if (entry) {
         const PrivilegedRun run{"/bin/rm",
                                 {"-rf", withoutLinksOnTheWay(files, path)},
@@ -111,24 +116,29 @@ std::optional<std::string> runRemovalTool(const FileSystem& files, const std::st
     std::array<char, mostOutput> printed{};
     const std::ptrdiff_t count = output ? output->read(printed) : 0;
     if (status == AuthorizationStatus::success && count <= 0) return std::nullopt;
-    return std::string(printed.data(), static_cast<std::size_t>(std::max<std::ptrdiff_t>(count, 0)));
+    return std::string(printed.data(),
+                       static_cast<std::size_t>(std::max<std::ptrdiff_t>(count, 0)));
 }
 
 AuthorizedDoor::AuthorizedDoor(const AuthorizationParts& parts)
     : AuthorizedDoor(parts, ProtectedPlaces::ofThisMachine(*parts.files, parts.ownFiles)) {}
 
 AuthorizedDoor::AuthorizedDoor(const AuthorizationParts& parts, ProtectedPlaces places)
-    : m_files(*parts.files), m_permissions(parts.permissions), m_plain(*parts.files, std::move(places)) {}
+    : m_files(*parts.files),
+      m_permissions(parts.permissions),
+      m_plain(*parts.files, std::move(places)) {}
 
-// What the tool took from a folder makes room for another plain attempt: failures are told a hundred at a time, and a folder that was
-// not empty may be so now.
+// What the tool took from a folder makes room for another plain attempt: failures are told a
+// hundred at a time, and a folder that was not empty may be so now.
 RemovalResult AuthorizedDoor::remove(const LeavingEntry& entry, const std::atomic<bool>& stop) {
     RemovalResult result = removePlainly(entry, stop);
-    const std::string first = result.failures.empty() ? std::string() : result.failures.front().reason;
+    const std::string first =
+        result.failures.empty() ? std::string() : result.failures.front().reason;
     bool isTried = false;
     while (!result.gone && !result.stopped && lacksRights(result)) {
         isTried = true;
-        if (!QnAuthorization::shareQnAuthorization().isValidAuth || !removeRefused(entry, result)) break;
+        if (!QnAuthorization::shareQnAuthorization().isValidAuth || !removeRefused(entry, result))
+            break;
         if (result.gone) break;
         const std::uint64_t removed = result.removed;
         result = removePlainly(entry, stop);
@@ -138,7 +148,8 @@ RemovalResult AuthorizedDoor::remove(const LeavingEntry& entry, const std::atomi
     return result;
 }
 
-RemovalResult AuthorizedDoor::removePlainly(const LeavingEntry& entry, const std::atomic<bool>& stop) {
+RemovalResult AuthorizedDoor::removePlainly(const LeavingEntry& entry,
+                                            const std::atomic<bool>& stop) {
     const OpenedUp opened(m_files, m_permissions, entry);
     return m_plain.remove(entry, stop);
 }
@@ -162,13 +173,15 @@ bool AuthorizedDoor::removeRefused(const LeavingEntry& entry, RemovalResult& res
 
 // The tool empties folders without asking what is in them. A bundle was listed just before.
 bool AuthorizedDoor::isForTheTool(const LeavingEntry& entry, const std::string& refused) const {
-    const bool wasListed = entry.seen != nullptr || (entry.look != nullptr && refused != entry.path);
+    const bool wasListed =
+        entry.seen != nullptr || (entry.look != nullptr && refused != entry.path);
     if (!wasListed) return true;
     const auto now = attributesByPath(m_files, refused);
     if (!now || now->type != FileType::Folder) return true;
     const auto parent = HeldEntry::holdParentOf(m_files, refused);
     if (!parent) return false;
-    const auto folder = m_files.openInside(parent->get(), std::string(lastPathComponent(refused)).c_str());
+    const auto folder =
+        m_files.openInside(parent->get(), std::string(lastPathComponent(refused)).c_str());
     CatalogBatch batch;
     return folder && m_files.readFolder(folder->get(), batch).value_or(true) == false;
 }

@@ -1,7 +1,8 @@
 // CleanablePlaces: see CleanablePlaces.h. The tables hold the reasons.
 //
-// Folders below the two system folders always stay: packages make them once, with owners and modes that their services rely
-// on, and most services neither make them again nor start without them. Only files go.
+// Folders below the two system folders always stay: packages make them once, with owners and modes
+// that their services rely on, and most services neither make them again nor start without them.
+// Only files go.
 #include "engine/cleaning/CleanablePlaces.h"
 
 #include <algorithm>
@@ -38,11 +39,12 @@ constexpr std::array keptLogs{
 };
 
 // Kept by the programs that log people in: they write to these files, but do not make them.
-constexpr std::array<std::string_view, 7> loginRecords{"wtmp",     "btmp",    "lastlog",    "faillog",
-                                                       "tallylog", "wtmp.db", "lastlog2.db"};
+constexpr std::array<std::string_view, 7> loginRecords{
+    "wtmp", "btmp", "lastlog", "faillog", "tallylog", "wtmp.db", "lastlog2.db"};
 
 constexpr Verdict mayGo{};
-constexpr Verdict folderStays{Rule::ContentsOnly, "the folder belongs to a package; the files in it may go"};
+constexpr Verdict folderStays{Rule::ContentsOnly,
+                              "the folder belongs to a package; the files in it may go"};
 
 // False when the path climbs or stands still.
 bool split(std::string_view path, Components& out) {
@@ -65,9 +67,10 @@ std::optional<Components> below(const std::string& root, const Components& path)
     return Components(path.begin() + static_cast<std::ptrdiff_t>(start.size()), path.end());
 }
 
-template <std::size_t Size> const KeptPlace* find(const std::array<KeptPlace, Size>& places, std::string_view name) {
-    const auto* const found =
-        std::find_if(places.begin(), places.end(), [&](const KeptPlace& each) { return each.name == name; });
+template <std::size_t Size>
+const KeptPlace* find(const std::array<KeptPlace, Size>& places, std::string_view name) {
+    const auto* const found = std::find_if(
+        places.begin(), places.end(), [&](const KeptPlace& each) { return each.name == name; });
     return found == places.end() ? nullptr : found;
 }
 
@@ -76,17 +79,20 @@ std::optional<Verdict> ofType(FileType type) {
     switch (type) {
         case FileType::Folder: return folderStays;
         case FileType::Regular: return std::nullopt;
-        case FileType::SymbolicLink: return Verdict{Rule::Stays, "a link that an administrator or a package set"};
+        case FileType::SymbolicLink:
+            return Verdict{Rule::Stays, "a link that an administrator or a package set"};
         default: return Verdict{Rule::Stays, "not a file"};
     }
 }
 
 Verdict ofCache(const Components& path, FileType type) {
     if (path.empty()) return {Rule::ContentsOnly, "the folder of the system's caches"};
-    if (const KeptPlace* const kept = find(keptCaches, path.front())) return {Rule::Stays, kept->reason};
+    if (const KeptPlace* const kept = find(keptCaches, path.front()))
+        return {Rule::Stays, kept->reason};
     if (const auto verdict = ofType(type)) return *verdict;
     const std::string_view name = path.back();
-    if (name == "lock" || name.ends_with(".lock")) return {Rule::Stays, "a running program may hold it"};
+    if (name == "lock" || name.ends_with(".lock"))
+        return {Rule::Stays, "a running program may hold it"};
     return mayGo;
 }
 
@@ -100,10 +106,12 @@ bool isOpenJournal(const Components& path) {
 bool isBinaryLog(const Components& path) {
     const bool database = path.front() == "mysql" || path.front() == "mariadb";
     const std::string_view name = path.back();
-    const std::size_t dot = name.rfind('.');  // "binlog.000001", "host-bin.000001", and the index of these
+    const std::size_t dot =
+        name.rfind('.');  // "binlog.000001", "host-bin.000001", and the index of these
     if (!database || dot == std::string_view::npos) return false;
     const std::string_view ending = name.substr(dot + 1);
-    const bool isNumber = !ending.empty() && ending.find_first_not_of("0123456789") == std::string_view::npos;
+    const bool isNumber =
+        !ending.empty() && ending.find_first_not_of("0123456789") == std::string_view::npos;
     // Rotated messages end in one or two figures, binary logs in six.
     constexpr std::size_t fewestFigures = 4;
     return (isNumber && ending.size() >= fewestFigures) || ending == "index";
@@ -111,9 +119,11 @@ bool isBinaryLog(const Components& path) {
 
 Verdict ofLog(const Components& path, FileType type) {
     if (path.empty()) return {Rule::ContentsOnly, "the folder of the system's logs"};
-    if (const KeptPlace* const kept = find(keptLogs, path.front())) return {Rule::Stays, kept->reason};
+    if (const KeptPlace* const kept = find(keptLogs, path.front()))
+        return {Rule::Stays, kept->reason};
     if (const auto verdict = ofType(type)) return *verdict;
-    if (path.size() == 1 && std::find(loginRecords.begin(), loginRecords.end(), path.front()) != loginRecords.end())
+    if (path.size() == 1 &&
+        std::find(loginRecords.begin(), loginRecords.end(), path.front()) != loginRecords.end())
         return {Rule::Stays, "the record of logins"};
     if (isOpenJournal(path)) return {Rule::Stays, "the journal is being written to it"};
     if (isBinaryLog(path)) return {Rule::Stays, "a database restores and copies itself from it"};
@@ -127,7 +137,8 @@ CleanablePlaces::CleanablePlaces(std::string systemCaches, std::string systemLog
 
 Verdict CleanablePlaces::verdict(std::string_view path, FileType type) const {
     Components components;
-    if (!path.starts_with('/') || !split(path, components)) return {Rule::Stays, "not a plain path"};
+    if (!path.starts_with('/') || !split(path, components))
+        return {Rule::Stays, "not a plain path"};
     if (const auto relative = below(m_caches, components)) return ofCache(*relative, type);
     if (const auto relative = below(m_logs, components)) return ofLog(*relative, type);
     return mayGo;

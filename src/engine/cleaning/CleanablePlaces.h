@@ -1,5 +1,6 @@
-// CleanablePlaces: what of the system's caches and logs may be removed, and what must stay because nothing makes it again. Whatever
-// cleans asks here for each entry before it asks engine/files/SafeRemoval.h.
+// CleanablePlaces: what of the system's caches and logs may be removed, and what must stay because
+// nothing makes it again. Whatever cleans asks here for each entry before it asks
+// engine/files/SafeRemoval.h.
 #pragma once
 
 #include <optional>
@@ -27,8 +28,9 @@ public:
     /// The two folders, absolute, as FolderUtilities gives them.
     CleanablePlaces(std::string systemCaches, std::string systemLogs);
 
-    /// The rule for an entry below one of the two folders, or for these themselves. Everything else may go as far as this class
-    /// is concerned. `path` is absolute; one with a "." or ".." in it stays, wherever it leads.
+    /// The rule for an entry below one of the two folders, or for these themselves. Everything else
+    /// may go as far as this class is concerned. `path` is absolute; one with a "." or ".." in it
+    /// stays, wherever it leads.
     [[nodiscard]] Verdict verdict(std::string_view path, FileType type) const;
 
 private:

@@ -1,5 +1,5 @@
-// FolderUtilities: the folders of the six cleaning categories, the sizes of what lies in them, and the one-shot right to clean them.
-// CleanablePlaces.h says what of it may go.
+// FolderUtilities: the folders of the six cleaning categories, the sizes of what lies in them, and
+// the one-shot right to clean them. CleanablePlaces.h says what of it may go.
 #pragma once
 
 #include <cstdint>
@@ -17,38 +17,51 @@
 namespace orrinvale {
 
 /// The positions of the categories in all arrays and rows of the cleaning pages.
-enum class CleanCategory : std::uint32_t { SystemCaches, UserCaches, SystemLogs, UserLogs, UserTrash, UserDownloads };
+enum class CleanCategory : std::uint32_t {
+    SystemCaches,
+    UserCaches,
+    SystemLogs,
+    UserLogs,
+    UserTrash,
+    UserDownloads
+};
 
 /// Holds no state that changes; any thread.
 class FolderUtilities final {
 public:
-    /// The roots of all mounted local volumes; empty when they can not be told. Called for each question about the trash.
+    /// The roots of all mounted local volumes; empty when they can not be told. Called for each
+    /// question about the trash.
     using LocalVolumes = std::function<std::vector<std::string>()>;
 
     /// The references must outlive the object.
     FolderUtilities(const FileSystem& files, const Folders& folders, LocalVolumes localVolumes);
 
-    /// The folders of a CleanCategory by its number; they need not exist. The user's logs may be none. The trash gives the
-    /// folders whose entries are what was thrown away: for the volume of the home folder the user's own, for each other
-    /// local volume those on it; none when no volume is known. A number above 5 gives none.
+    /// The folders of a CleanCategory by its number; they need not exist. The user's logs may be
+    /// none. The trash gives the folders whose entries are what was thrown away: for the volume of
+    /// the home folder the user's own, for each other local volume those on it; none when no volume
+    /// is known. A number above 5 gives none.
     [[nodiscard]] std::vector<std::string> getFolderPath(std::uint32_t index) const;
 
-    /// Bytes of a file, or of everything below a folder, as TreeSize counts them; 0 for a path that can not be reached.
-    /// With a watch it can be followed and stopped.
-    [[nodiscard]] std::uint64_t sizeOfItemAtPath(const std::string& path, const SizeWatch& watch = {}) const;
+    /// Bytes of a file, or of everything below a folder, as TreeSize counts them; 0 for a path that
+    /// can not be reached. With a watch it can be followed and stopped.
+    [[nodiscard]] std::uint64_t sizeOfItemAtPath(const std::string& path,
+                                                 const SizeWatch& watch = {}) const;
 
     /// The same for a reference; 0 for null and for one that names nothing.
-    [[nodiscard]] std::uint64_t _sizeOfItemForFSRef(const FSRef* ref, const SizeWatch& watch = {}) const;
+    [[nodiscard]] std::uint64_t _sizeOfItemForFSRef(const FSRef* ref,
+                                                    const SizeWatch& watch = {}) const;
 
-    /// The path of an entry; nothing for null, for an entry that is gone, and for a path of more than 4095 bytes.
+    /// The path of an entry; nothing for null, for an entry that is gone, and for a path of more
+    /// than 4095 bytes.
     [[nodiscard]] std::optional<std::string> pathForRef(const FSRef* ref) const;
 
-    /// The folder to show for a path: a plain folder shows itself; a file, a missing path and an application bundle show
-    /// the folder that they are in.
+    /// The folder to show for a path: a plain folder shows itself; a file, a missing path and an
+    /// application bundle show the folder that they are in.
     [[nodiscard]] std::string getFolderFromFile(const std::string& path) const;
 
-    /// Asks the person for the administrator right once more, on a new reference. The one handed in stays as it was, and the new
-    /// one goes with the answer, which tells only that the person agreed. A right that the padlock holds stays.
+    /// Asks the person for the administrator right once more, on a new reference. The one handed in
+    /// stays as it was, and the new one goes with the answer, which tells only that the person
+    /// agreed. A right that the padlock holds stays.
     [[nodiscard]] static bool CreateAuthoration(AuthorizationRef reference);
 
     /// Frees the reference; false when the platform does not know it.

@@ -1,4 +1,5 @@
-// QnAuthorization: see QnAuthorization.h. Here is the right itself; what it is used for is in privilegedRemoval.cpp.
+// QnAuthorization: see QnAuthorization.h. Here is the right itself; what it is used for is in
+// privilegedRemoval.cpp.
 #include "engine/cleaning/QnAuthorization.h"
 
 #include <fmt/format.h>
@@ -21,11 +22,13 @@ public:
     std::int32_t makeExternalForm(AuthorizationRef, AuthorizationExternalForm&) override {
         return AuthorizationStatus::internal;
     }
-    std::int32_t createFromExternalForm(const AuthorizationExternalForm&, AuthorizationRef&) override {
+    std::int32_t createFromExternalForm(const AuthorizationExternalForm&,
+                                        AuthorizationRef&) override {
         return AuthorizationStatus::internal;
     }
     std::int32_t rightGet(std::string_view) override { return AuthorizationStatus::internal; }
-    std::int32_t executeWithPrivileges(AuthorizationRef, const PrivilegedRun&, std::unique_ptr<ToolOutput>&) override {
+    std::int32_t executeWithPrivileges(AuthorizationRef, const PrivilegedRun&,
+                                       std::unique_ptr<ToolOutput>&) override {
         return AuthorizationStatus::internal;
     }
     std::int32_t free(AuthorizationRef) override { return AuthorizationStatus::internal; }
@@ -43,7 +46,8 @@ QnAuthorization& QnAuthorization::shareQnAuthorization() {
 void QnAuthorization::setParts(AuthorizationParts parts) {
     m_parts = std::move(parts);
     if (m_parts.authorization != nullptr)
-        m_parts.authorization->setLostHandler([this](AuthorizationRefusal reason) { rightLost(reason); });
+        m_parts.authorization->setLostHandler(
+            [this](AuthorizationRefusal reason) { rightLost(reason); });
 }
 
 void QnAuthorization::setRightLostHandler(std::function<void(AuthorizationRefusal)> handler) {
@@ -86,11 +90,12 @@ bool QnAuthorization::acquire() {
     // One that another thread gave up before it stood here is nobody else's to free.
     const AuthorizationRef stale = authorizationRef.exchange(reference);
     if (stale != AuthorizationRef::null) (void)system.free(stale);
-    if (!worked("Copy Rights Unsuccessful",
-                system.copyRights(reference, Authorization::adminRight, AuthorizationFlags::acquire)))
+    if (!worked("Copy Rights Unsuccessful", system.copyRights(reference, Authorization::adminRight,
+                                                              AuthorizationFlags::acquire)))
         return false;
     AuthorizationExternalForm made{};
-    if (!worked("Make ExternalForm Unsuccessful", system.makeExternalForm(reference, made))) return false;
+    if (!worked("Make ExternalForm Unsuccessful", system.makeExternalForm(reference, made)))
+        return false;
     const std::lock_guard guard(m_mutex);
     authForm = made;
     return true;
@@ -98,7 +103,8 @@ bool QnAuthorization::acquire() {
 
 bool QnAuthorization::freeAuthorization() {
     if (!isValidAuth) return true;
-    (void)worked("Free Rights Unsuccessful", platform().free(authorizationRef.exchange(AuthorizationRef::null)));
+    (void)worked("Free Rights Unsuccessful",
+                 platform().free(authorizationRef.exchange(AuthorizationRef::null)));
     isValidAuth = false;
     return true;
 }
@@ -112,9 +118,10 @@ AuthorizationRef QnAuthorization::getAuthorizationRet() {
     auto reference = AuthorizationRef::null;
     if (!isValidAuth) return reference;
     Authorization& system = platform();
-    if (!worked("Creat Ret Unsuccessful", system.createFromExternalForm(form(), reference))) return reference;
-    if (worked("Copy Rights Unsuccessful",
-               system.copyRights(reference, Authorization::adminRight, AuthorizationFlags::checkAgain)))
+    if (!worked("Creat Ret Unsuccessful", system.createFromExternalForm(form(), reference)))
+        return reference;
+    if (worked("Copy Rights Unsuccessful", system.copyRights(reference, Authorization::adminRight,
+                                                             AuthorizationFlags::checkAgain)))
         (void)worked("Get Rights Unsuccessful", system.rightGet(Authorization::adminRight));
     return reference;
 }

@@ -1,4 +1,5 @@
-// The removals of QnAuthorization for a path that no scan saw. AuthorizedDoor.h removes what a scan did see.
+// The removals of QnAuthorization for a path that no scan saw. AuthorizedDoor.h removes what a scan
+// did see.
 #include <fmt/format.h>
 
 #include <climits>
@@ -35,10 +36,11 @@ bool QnAuthorization::synFastRemovePath(const std::string& path) {
         const std::atomic<bool> never{false};
         return AuthorizedDoor(parts).remove(leaving, never).gone;
     }
-    // A path at which nothing stands takes the tool's answer. What can not be seen because a folder on the way may not be searched
-    // stays, with or without the right: nobody could tell that it is the entry that was meant.
-    Log::line(
-        fmt::format("Clean deletable file failed: {}-{}", *plain, systemError("stat", *plain, entry.error()).reason()));
+    // A path at which nothing stands takes the tool's answer. What can not be seen because a folder
+    // on the way may not be searched stays, with or without the right: nobody could tell that it is
+    // the entry that was meant.
+    Log::line(fmt::format("Clean deletable file failed: {}-{}", *plain,
+                          systemError("stat", *plain, entry.error()).reason()));
     return !runRemovalTool(*parts.files, *plain, entry);
 }
 

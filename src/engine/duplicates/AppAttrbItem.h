@@ -17,12 +17,12 @@ struct AppAttrbItem {
     std::string DirectoryName;        ///< last component
     std::uint64_t device = 0;         ///< identity of the bundle folder, as seen when it was listed
     std::uint64_t inode = 0;
-    std::int64_t modified = 0;  ///< nanoseconds since 1970 UTC
-    bool inodePasses = false;   ///< `inode` need not last: see EntryIdentity
-    std::uint64_t digest = 0;   ///< of all that is in it, as BundleListing makes it
-    std::vector<std::uint64_t>
-        likeness;        ///< equal bundles agree in it: sorted sizes, and hashes of the files' own first bytes
-    bool taken = false;  ///< stands in a group
+    std::int64_t modified = 0;            ///< nanoseconds since 1970 UTC
+    bool inodePasses = false;             ///< `inode` need not last: see EntryIdentity
+    std::uint64_t digest = 0;             ///< of all that is in it, as BundleListing makes it
+    std::vector<std::uint64_t> likeness;  ///< equal bundles agree in it: sorted sizes, and hashes
+                                          ///< of the files' own first bytes
+    bool taken = false;                   ///< stands in a group
 };
 
 /// A group of equal bundles, the one that opened it last.

@@ -16,12 +16,14 @@
 namespace orrinvale {
 namespace {
 
-// Every piece goes in with its length in front, so that no two lists of pieces give one row of bytes.
+// Every piece goes in with its length in front, so that no two lists of pieces give one row of
+// bytes.
 class Digest {
 public:
     void add(std::string_view bytes) {
         add(std::uint64_t{bytes.size()});
-        m_value = crc::crc64Buffer(bytes.data(), static_cast<std::uint32_t>(bytes.size()), false, m_value);
+        m_value = crc::crc64Buffer(bytes.data(), static_cast<std::uint32_t>(bytes.size()), false,
+                                   m_value);
     }
     void add(std::uint64_t number) {
         std::array<unsigned char, sizeof number> bytes;
@@ -69,7 +71,8 @@ private:
     bool addEntry(const TreeEntry& entry) {
         const auto attributes = m_files.attributes(entry.folder, entry.name.data(), Links::Keep);
         if (!attributes) return fail("attributes", entry.relative, attributes.error());
-        BundleEntry one{.path = std::string(entry.relative), .attributes = *attributes, .linkText = {}};
+        BundleEntry one{
+            .path = std::string(entry.relative), .attributes = *attributes, .linkText = {}};
         if (attributes->type == FileType::SymbolicLink && !lookThrough(entry, one)) return false;
         addSaturating(m_listing.bytes, countedSize(one.attributes));
         addToDigest(one);
@@ -98,7 +101,9 @@ private:
     }
 
     bool fail(std::string_view operation, std::string_view relative, int error) {
-        if (!m_error) m_error = systemError(operation, relative.empty() ? m_shown : joinPath(m_shown, relative), error);
+        if (!m_error)
+            m_error = systemError(operation,
+                                  relative.empty() ? m_shown : joinPath(m_shown, relative), error);
         return false;
     }
 
@@ -117,8 +122,8 @@ Result<BundleListing> listBundleAt(const FileSystem& files, int folder, const st
     return Taking(files, shown, query).take(folder, stop);
 }
 
-Result<BundleListing> listBundle(const FileSystem& files, const std::string& path, const BundleQuery& query,
-                                 const std::atomic<bool>& stop) {
+Result<BundleListing> listBundle(const FileSystem& files, const std::string& path,
+                                 const BundleQuery& query, const std::atomic<bool>& stop) {
     const auto folder = openFolderByPath(files, path, Links::Follow);
     if (!folder) return tl::unexpected(systemError("open", path, folder.error()));
     return listBundleAt(files, folder->get(), path, query, stop);

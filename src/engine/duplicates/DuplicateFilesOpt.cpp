@@ -1,4 +1,5 @@
-// DuplicateFilesOpt: see DuplicateFilesOpt.h. The order of groups and leaves is decided in visitBundles() and visitFiles().
+// DuplicateFilesOpt: see DuplicateFilesOpt.h. The order of groups and leaves is decided in
+// visitBundles() and visitFiles().
 #include "engine/duplicates/DuplicateFilesOpt.h"
 
 #include <limits>
@@ -35,7 +36,8 @@ bool areOneGroup(const fileAttrbItem& a, const fileAttrbItem& b) {
     return a.md5 == b.md5 && a.fileSize == b.fileSize && a.md5_1k == b.md5_1k;
 }
 
-// The members of a group stand next to each other and share their hashes. The first of them becomes the last leaf.
+// The members of a group stand next to each other and share their hashes. The first of them becomes
+// the last leaf.
 void visitFiles(const FileList& files, const Visit& visit) {
     DuplicateGroup group;
     for (std::size_t from = 0; from < files.size();) {
@@ -68,8 +70,8 @@ void setPlace(SimpleNodeData& leaf, const LinkPlaces::Place* place) {
 }
 
 void addLeaves(SimpleTreeNode& node, const DuplicateGroup& group, const LinkPlaces* places) {
-    auto add = [&](const std::string& name, std::uint64_t size, IconRequest icon, std::optional<Date> date,
-                   const EntryIdentity& identity) {
+    auto add = [&](const std::string& name, std::uint64_t size, IconRequest icon,
+                   std::optional<Date> date, const EntryIdentity& identity) {
         auto leaf = SimpleNodeData::leafDataWithName(name);
         leaf->setIconRep(std::move(icon));
         leaf->setFileSize(size);
@@ -90,8 +92,8 @@ void addLeaves(SimpleTreeNode& node, const DuplicateGroup& group, const LinkPlac
     }
     for (const fileAttrbItem* file : group.files) {
         const std::string path = file->filePathName();
-        const auto leaf =
-            add(path, file->fileSize, {IconRequest::Path, path}, file->ModificationDate(), identityOf(*file));
+        const auto leaf = add(path, file->fileSize, {IconRequest::Path, path},
+                              file->ModificationDate(), identityOf(*file));
         leaf->setHardLinks(file->links);
         if (places != nullptr) setPlace(*leaf, places->of(*file));
     }

@@ -1,4 +1,5 @@
-// The face of the duplicate search: options in, progress and stop through, groups and the result tree out.
+// The face of the duplicate search: options in, progress and stop through, groups and the result
+// tree out.
 #pragma once
 
 #include <atomic>
@@ -30,8 +31,9 @@ struct DuplicateGroup {
     std::vector<const AppAttrbItem*> bundles;  ///< likewise
 };
 
-/// One object serves one search. beginSearchAtPath() runs the search on the calling thread; getProgress(),
-/// getCurrentSearchFile(), counts() and stopSearch() may be called from any thread meanwhile; all else is for before or after.
+/// One object serves one search. beginSearchAtPath() runs the search on the calling thread;
+/// getProgress(), getCurrentSearchFile(), counts() and stopSearch() may be called from any thread
+/// meanwhile; all else is for before or after.
 class DuplicateFilesOpt final {
 public:
     /// `files` must outlive the object.
@@ -43,7 +45,8 @@ public:
     /// Before the search; a null record changes nothing.
     void setSearchOption(const SearchOption* option);
 
-    /// Searches the folder for duplicates among files larger than the limit (bytes). A second call does nothing but log.
+    /// Searches the folder for duplicates among files larger than the limit (bytes). A second call
+    /// does nothing but log.
     void beginSearchAtPath(const std::string& path, std::uint64_t withLimitSize);
 
     /// Percent, 0 when no search began.
@@ -55,12 +58,14 @@ public:
     /// Also before the search has begun: it then ends at once.
     void stopSearch();
 
-    /// Builds the result tree: a root named "Root", bundle groups, then file groups in order of discovery, each with its
-    /// leaves. False, with nothing stored, when nothing was found. A second call would show everything twice.
+    /// Builds the result tree: a root named "Root", bundle groups, then file groups in order of
+    /// discovery, each with its leaves. False, with nothing stored, when nothing was found. A
+    /// second call would show everything twice.
     bool getDuplicateFiles(std::shared_ptr<SimpleTreeNode>* root);
 
-    /// Calls the visitor for each group in the order of the tree, with the leaves in the order of the tree, but builds none:
-    /// the way for those who print. The pointers stay good as long as this object.
+    /// Calls the visitor for each group in the order of the tree, with the leaves in the order of
+    /// the tree, but builds none: the way for those who print. The pointers stay good as long as
+    /// this object.
     void visitGroups(const std::function<void(const DuplicateGroup&)>& visit) const;
 
     /// The search behind it, for its counts and what it skipped; null before one began. Any thread.

@@ -9,17 +9,21 @@ namespace {
 
 using namespace std::string_view_literals;
 
-// "acc" beside "aac", and "ogg" among the videos, are meant. An extension is what stands behind the last dot, so that the two
-// double ones never match; they name what people look for.
-constexpr std::array documents{"doc"sv, "docx"sv, "xls"sv,  "xlsx"sv, "mpp"sv,   "ppt"sv, "pptx"sv, "txt"sv,
-                               "rtf"sv, "pdf"sv,  "odt"sv,  "ott"sv,  "ods"sv,   "odg"sv, "odf"sv,  "odb"sv,
-                               "odp"sv, "htm"sv,  "html"sv, "xml"sv,  "pages"sv, "key"sv};
-constexpr std::array music{"wav"sv, "aiff"sv, "au"sv, "mp3"sv, "midi"sv, "wma"sv, "acc"sv, "ape"sv, "ra"sv, "aac"sv};
-constexpr std::array videos{"avi"sv, "rmvb"sv, "rm"sv,  "3gp"sv, "3g2"sv, "flv"sv, "mpeg"sv, "mpg"sv, "qt"sv,
-                            "qtm"sv, "qtx"sv,  "mov"sv, "mpe"sv, "mp4"sv, "m4v"sv, "mkv"sv,  "wmv"sv, "ogg"sv};
+// "acc" beside "aac", and "ogg" among the videos, are meant. An extension is what stands behind the
+// last dot, so that the two double ones never match; they name what people look for.
+constexpr std::array documents{"doc"sv,  "docx"sv, "xls"sv,   "xlsx"sv, "mpp"sv, "ppt"sv,
+                               "pptx"sv, "txt"sv,  "rtf"sv,   "pdf"sv,  "odt"sv, "ott"sv,
+                               "ods"sv,  "odg"sv,  "odf"sv,   "odb"sv,  "odp"sv, "htm"sv,
+                               "html"sv, "xml"sv,  "pages"sv, "key"sv};
+constexpr std::array music{"wav"sv, "aiff"sv, "au"sv,  "mp3"sv, "midi"sv,
+                           "wma"sv, "acc"sv,  "ape"sv, "ra"sv,  "aac"sv};
+constexpr std::array videos{"avi"sv,  "rmvb"sv, "rm"sv,  "3gp"sv, "3g2"sv, "flv"sv,
+                            "mpeg"sv, "mpg"sv,  "qt"sv,  "qtm"sv, "qtx"sv, "mov"sv,
+                            "mpe"sv,  "mp4"sv,  "m4v"sv, "mkv"sv, "wmv"sv, "ogg"sv};
 constexpr std::array archives{"zip"sv, "rar"sv, "tar"sv, "tar.gz"sv, "tar.bz2"sv};
-constexpr std::array pictures{"bmp"sv, "jpg"sv, "png"sv, "ico"sv, "gif"sv, "tiff"sv, "jpeg"sv, "tga"sv, "exif"sv,
-                              "fpx"sv, "svg"sv, "psd"sv, "cdr"sv, "pcd"sv, "dxf"sv,  "ufo"sv,  "eps"sv};
+constexpr std::array pictures{"bmp"sv,  "jpg"sv, "png"sv,  "ico"sv, "gif"sv, "tiff"sv,
+                              "jpeg"sv, "tga"sv, "exif"sv, "fpx"sv, "svg"sv, "psd"sv,
+                              "cdr"sv,  "pcd"sv, "dxf"sv,  "ufo"sv, "eps"sv};
 
 template <class List> bool holds(const List& list, std::string_view text) {
     return std::find(list.begin(), list.end(), text) != list.end();

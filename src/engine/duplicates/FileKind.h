@@ -8,7 +8,14 @@
 namespace orrinvale {
 
 /// The codes that the result tree stores in `fileType`.
-enum class FileKind : std::int32_t { Documents = 1, Music = 2, Videos = 3, Archives = 4, Pictures = 5, Others = 6 };
+enum class FileKind : std::int32_t {
+    Documents = 1,
+    Music = 2,
+    Videos = 3,
+    Archives = 4,
+    Pictures = 5,
+    Others = 6
+};
 
 /// The kind by extension, in any case of ASCII letters. Bundles ("APP") are Others.
 [[nodiscard]] FileKind kindOfExtension(std::string_view extension);

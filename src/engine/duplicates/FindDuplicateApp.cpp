@@ -15,8 +15,9 @@ namespace {
 
 using Key = std::tuple<std::uint64_t, std::uint64_t, std::uint64_t>;
 
-// What the files of a bundle are paired off by, in sorted order: files of both bundles find partners exactly when the sorted
-// lists agree, since agreeing in all of it is an equivalence. So no file needs to be held against every other one.
+// What the files of a bundle are paired off by, in sorted order: files of both bundles find
+// partners exactly when the sorted lists agree, since agreeing in all of it is an equivalence. So
+// no file needs to be held against every other one.
 template <class Tell> std::vector<Key> sortedKeys(const AppAttrbItem& bundle, Tell tell) {
     std::vector<Key> keys;
     keys.reserve(bundle.AllFileInDirectory.size());
@@ -29,8 +30,8 @@ template <class Tell> bool agree(const AppAttrbItem& a, const AppAttrbItem& b, T
     return sortedKeys(a, tell) == sortedKeys(b, tell);
 }
 
-void hashWholes(const FileSystem& files, SkipList& skipped, const StopGrace& grace, const AppAttrbItem& a,
-                const AppAttrbItem& b) {
+void hashWholes(const FileSystem& files, SkipList& skipped, const StopGrace& grace,
+                const AppAttrbItem& a, const AppAttrbItem& b) {
     FileList wanted;
     for (const AppAttrbItem* bundle : {&a, &b})
         for (fileAttrbItem* file : bundle->AllFileInDirectory.items())
@@ -40,7 +41,8 @@ void hashWholes(const FileSystem& files, SkipList& skipped, const StopGrace& gra
     const std::atomic<bool> never{false};
     crew.forEach(wanted.size(), 1, never, [&](std::size_t at, unsigned worker) {
         if (grace.isOver()) return;
-        if (!hashers[worker]) hashers[worker] = std::make_unique<FileHasher>(files, skipped, &grace);
+        if (!hashers[worker])
+            hashers[worker] = std::make_unique<FileHasher>(files, skipped, &grace);
         (void)hashers[worker]->hashWhole(*wanted[at]);
     });
 }
@@ -48,12 +50,14 @@ void hashWholes(const FileSystem& files, SkipList& skipped, const StopGrace& gra
 // Nothing but empty files, and links that lead nowhere, says nothing of what a bundle is.
 bool holdsContents(const AppAttrbItem& bundle) {
     const FileList& files = bundle.AllFileInDirectory.items();
-    return std::any_of(files.begin(), files.end(), [](const fileAttrbItem* file) { return file->md5 != 0; });
+    return std::any_of(files.begin(), files.end(),
+                       [](const fileAttrbItem* file) { return file->md5 != 0; });
 }
 
 }  // namespace
 
-FindDuplicateApp::FindDuplicateApp(const FileSystem& files, SkipList& skipped, std::vector<std::uint64_t> passingInodes)
+FindDuplicateApp::FindDuplicateApp(const FileSystem& files, SkipList& skipped,
+                                   std::vector<std::uint64_t> passingInodes)
     : m_files(files), m_skipped(skipped), m_passingInodes(std::move(passingInodes)) {}
 
 std::string FindDuplicateApp::CurrentSearchFile() const {
@@ -79,8 +83,9 @@ bool FindDuplicateApp::getAllFilePathName(const std::string& path, AppAttrbItem*
     OutArray->inodePasses = std::ranges::binary_search(m_passingInodes, identity->device);
     OutArray->modified = identity->modified;
 
-    const auto listing = listBundleAt(m_files, start->get(), path,
-                                      {.passingInodes = m_passingInodes, .followLinks = true}, m_StopSearch);
+    const auto listing =
+        listBundleAt(m_files, start->get(), path,
+                     {.passingInodes = m_passingInodes, .followLinks = true}, m_StopSearch);
     setCurrentSearchFile({});
     if (!listing) {
         if (listing.error().number != ECANCELED) m_skipped.add(listing.error());
@@ -88,10 +93,12 @@ bool FindDuplicateApp::getAllFilePathName(const std::string& path, AppAttrbItem*
     }
     OutArray->digest = listing->digest;
     for (const BundleEntry& entry : listing->entries) {
-        if (entry.attributes.type == FileType::Folder || entry.leadsTo == FileType::Folder) continue;
+        if (entry.attributes.type == FileType::Folder || entry.leadsTo == FileType::Folder)
+            continue;
         auto& file = OutArray->AllFileInDirectory.add(joinPath(path, entry.path), entry.attributes);
         file.inodePasses = std::ranges::binary_search(m_passingInodes, entry.attributes.device);
-        OutArray->DirectorySize += std::min(file.fileSize, ~std::uint64_t{0} - OutArray->DirectorySize);
+        OutArray->DirectorySize +=
+            std::min(file.fileSize, ~std::uint64_t{0} - OutArray->DirectorySize);
     }
     return true;
 }
@@ -108,7 +115,8 @@ bool FindDuplicateApp::InitInputAppDirectory(const std::vector<std::string>* arr
     return true;
 }
 
-bool FindDuplicateApp::getSameSizeDirInArray(const AppList& array, const AppAttrbItem& WithItem, AppList& OutResult) {
+bool FindDuplicateApp::getSameSizeDirInArray(const AppList& array, const AppAttrbItem& WithItem,
+                                             AppList& OutResult) {
     for (const auto& bundle : array)
         if (bundle->DirectorySize == WithItem.DirectorySize) OutResult.push_back(bundle);
     return !OutResult.empty();
@@ -117,29 +125,38 @@ bool FindDuplicateApp::getSameSizeDirInArray(const AppList& array, const AppAttr
 bool FindDuplicateApp::CompareDir(AppAttrbItem* dir, AppAttrbItem* With) {
     if (dir == nullptr || With == nullptr) return false;
     if (dir->AllFileInDirectory.size() != With->AllFileInDirectory.size()) return false;
-    if (!agree(*dir, *With, [](const fileAttrbItem& file) { return Key{file.fileSize, 0, 0}; })) return false;
+    if (!agree(*dir, *With, [](const fileAttrbItem& file) { return Key{file.fileSize, 0, 0}; }))
+        return false;
 
     algorithm hashes(m_files, m_skipped);
-    // The buffer of the first-kilobyte hash keeps what earlier reads left behind a short file. After one pass over the first
-    // bundle it holds what a pass over an equal one leaves, so that both are then hashed over the same remains.
+    // The buffer of the first-kilobyte hash keeps what earlier reads left behind a short file.
+    // After one pass over the first bundle it holds what a pass over an equal one leaves, so that
+    // both are then hashed over the same remains.
     for (const AppAttrbItem* bundle : {dir, dir, With})
         for (fileAttrbItem* file : bundle->AllFileInDirectory.items()) {
             if (m_grace.isOver()) return false;
             hashes.getMD5_1K(*file);
         }
-    if (!agree(*dir, *With, [](const fileAttrbItem& file) { return Key{file.fileSize, file.md5_1k, 0}; })) return false;
+    if (!agree(*dir, *With, [](const fileAttrbItem& file) {
+            return Key{file.fileSize, file.md5_1k, 0};
+        }))
+        return false;
 
     hashWholes(m_files, m_skipped, m_grace, *dir, *With);
     if (m_grace.isOver() || !holdsContents(*dir)) return false;
-    // Whoever removes one of two copies relies on both having been read. Empty files have no hash, and links that lead nowhere
-    // and the like are nothing but their size.
+    // Whoever removes one of two copies relies on both having been read. Empty files have no hash,
+    // and links that lead nowhere and the like are nothing but their size.
     for (const AppAttrbItem* bundle : {dir, With})
         for (const fileAttrbItem* file : bundle->AllFileInDirectory.items())
-            if (file->type == FileType::Regular && file->fileSize != 0 && file->md5 == 0) return false;
-    return agree(*dir, *With, [](const fileAttrbItem& file) { return Key{file.fileSize, file.md5_1k, file.md5}; });
+            if (file->type == FileType::Regular && file->fileSize != 0 && file->md5 == 0)
+                return false;
+    return agree(*dir, *With, [](const fileAttrbItem& file) {
+        return Key{file.fileSize, file.md5_1k, file.md5};
+    });
 }
 
-bool FindDuplicateApp::getDuplicateAppDirInArray(const AppList& array, const std::shared_ptr<AppAttrbItem>& With,
+bool FindDuplicateApp::getDuplicateAppDirInArray(const AppList& array,
+                                                 const std::shared_ptr<AppAttrbItem>& With,
                                                  AppGroup& OutArray) {
     AppList sameSize;
     getSameSizeDirInArray(array, *With, sameSize);
@@ -155,19 +172,22 @@ void FindDuplicateApp::dropRepeated() {
     std::set<std::tuple<std::uint64_t, std::uint64_t, std::string>> seen;
     std::erase_if(m_AllAppItem, [&](const auto& bundle) {
         const std::string& path = bundle->DirectoryPathName;
-        if (bundle->inodePasses) return !seen.emplace(0, 0, m_files.resolved(path).value_or(path)).second;
+        if (bundle->inodePasses)
+            return !seen.emplace(0, 0, m_files.resolved(path).value_or(path)).second;
         return !seen.emplace(bundle->device, bundle->inode, std::string()).second;
     });
 }
 
-// Tells bundles apart at the cost of one look at each, so that only those that are equal in all likelihood are held against each
-// other: many bundles of one size would otherwise be compared each with each.
+// Tells bundles apart at the cost of one look at each, so that only those that are equal in all
+// likelihood are held against each other: many bundles of one size would otherwise be compared each
+// with each.
 void FindDuplicateApp::tellClasses() {
     std::map<std::uint64_t, std::size_t> sizes;
     for (const auto& bundle : m_AllAppItem) ++sizes[bundle->DirectorySize];
     AppList wanted;
     for (const auto& bundle : m_AllAppItem) {
-        for (const fileAttrbItem* file : bundle->AllFileInDirectory.items()) bundle->likeness.push_back(file->fileSize);
+        for (const fileAttrbItem* file : bundle->AllFileInDirectory.items())
+            bundle->likeness.push_back(file->fileSize);
         std::sort(bundle->likeness.begin(), bundle->likeness.end());
         if (sizes[bundle->DirectorySize] > 1) wanted.push_back(bundle);
     }
@@ -186,7 +206,8 @@ void FindDuplicateApp::tellClasses() {
     for (const auto& bundle : m_AllAppItem) m_classes[bundle->likeness].push_back(bundle);
 }
 
-void FindDuplicateApp::takeGroup(const std::shared_ptr<AppAttrbItem>& item, std::vector<AppGroup>& out) {
+void FindDuplicateApp::takeGroup(const std::shared_ptr<AppAttrbItem>& item,
+                                 std::vector<AppGroup>& out) {
     AppList& alike = m_classes[item->likeness];
     std::erase_if(alike, [&](const auto& bundle) { return bundle == item || bundle->taken; });
     AppGroup group;
@@ -195,7 +216,8 @@ void FindDuplicateApp::takeGroup(const std::shared_ptr<AppAttrbItem>& item, std:
     out.push_back(std::move(group));
 }
 
-bool FindDuplicateApp::FindAppInArray(const std::vector<std::string>* array, std::vector<AppGroup>& OutArray) {
+bool FindDuplicateApp::FindAppInArray(const std::vector<std::string>* array,
+                                      std::vector<AppGroup>& OutArray) {
     if (!InitInputAppDirectory(array)) return false;
     dropRepeated();
     m_AppCount = array->size();

@@ -9,21 +9,23 @@
 namespace orrinvale {
 namespace {
 
-// A batch is meant to take about half a second, so that progress moves on any disk. The first is tiny, since the speed of the disk
-// is not known yet, and the next ones grow by steps, since the first may have come from memory.
+// A batch is meant to take about half a second, so that progress moves on any disk. The first is
+// tiny, since the speed of the disk is not known yet, and the next ones grow by steps, since the
+// first may have come from memory.
 constexpr std::uint64_t firstBatchFiles = 64;
 constexpr std::uint64_t firstBatchBytes = 16ULL << 20;
 constexpr double batchSeconds = 0.5;
 constexpr double largestGrowth = 32;
 constexpr double largestCut = 16;
 
-// Large files are read by few threads: beyond two to four of them the disk gave nothing more (./dev bench disk), and each takes a
-// buffer.
+// Large files are read by few threads: beyond two to four of them the disk gave nothing more (./dev
+// bench disk), and each takes a buffer.
 constexpr unsigned mostWholeReaders = 4;
 constexpr unsigned mostReaders = 64;
 
-// Files above twice this are hashed in stretches by several threads at a time. They are far apart: readers that are close behind each
-// other in one file take each other's reading ahead, and get half of what one alone gets.
+// Files above twice this are hashed in stretches by several threads at a time. They are far apart:
+// readers that are close behind each other in one file take each other's reading ahead, and get
+// half of what one alone gets.
 constexpr std::uint64_t stretchBytes = 64ULL << 20;
 constexpr std::uint64_t mostStretches = 1024;
 
@@ -46,7 +48,8 @@ struct HashAhead::Stretch {
     bool hashed = false;
 };
 
-HashAhead::HashAhead(const FileSystem& files, const FileList& list, const std::atomic<bool>& stop, SkipList& skipped)
+HashAhead::HashAhead(const FileSystem& files, const FileList& list, const std::atomic<bool>& stop,
+                     SkipList& skipped)
     : m_files(files),
       m_list(list),
       m_stop(stop),
@@ -57,9 +60,11 @@ HashAhead::HashAhead(const FileSystem& files, const FileList& list, const std::a
       m_batchFiles(firstBatchFiles),
       m_batchBytes(firstBatchBytes),
       m_crew(
-          mostReaders, [&files] { files.useOwnDescriptors(); }, [this](unsigned worker) { leave(worker); }),
+          mostReaders, [&files] { files.useOwnDescriptors(); },
+          [this](unsigned worker) { leave(worker); }),
       m_wholeCrew(
-          mostWholeReaders, [&files] { files.useOwnDescriptors(); }, [this](unsigned worker) { leave(worker); }),
+          mostWholeReaders, [&files] { files.useOwnDescriptors(); },
+          [this](unsigned worker) { leave(worker); }),
       m_workers(m_crew.most()) {}
 
 std::uint32_t HashAhead::nextInGroup(std::size_t index) {
@@ -75,14 +80,17 @@ void HashAhead::resolveMore(std::uint32_t upTo) {
         const std::uint32_t last = endOfBatch(m_resolved);
         hashBatch(m_resolved, last);
         m_resolved = last;
-        const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-        scaleBatches(std::clamp(batchSeconds / std::max(seconds, 1e-6), 1 / largestCut, largestGrowth));
+        const double seconds =
+            std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        scaleBatches(
+            std::clamp(batchSeconds / std::max(seconds, 1e-6), 1 / largestCut, largestGrowth));
     }
 }
 
 void HashAhead::scaleBatches(double factor) {
     for (std::uint64_t* const amount : {&m_batchFiles, &m_batchBytes})
-        *amount = std::min(mostBatch, static_cast<std::uint64_t>(static_cast<double>(*amount) * factor) + 1);
+        *amount = std::min(mostBatch,
+                           static_cast<std::uint64_t>(static_cast<double>(*amount) * factor) + 1);
 }
 
 std::uint32_t HashAhead::endOfBatch(std::uint32_t first) const {
@@ -113,8 +121,9 @@ void HashAhead::hashBatch(std::uint32_t first, std::uint32_t last) {
     hashWholes(large);
     // After a stop too: what is hashed is not lost.
     const std::atomic<bool> never{false};
-    m_crew.forEach(last - first, 256, never,
-                   [&](std::size_t at, unsigned) { groupClass(first + static_cast<std::uint32_t>(at)); });
+    m_crew.forEach(last - first, 256, never, [&](std::size_t at, unsigned) {
+        groupClass(first + static_cast<std::uint32_t>(at));
+    });
 }
 
 FileHasher& HashAhead::hasherFor(unsigned worker, const fileAttrbItem& item) {
@@ -126,7 +135,8 @@ FileHasher& HashAhead::hasherFor(unsigned worker, const fileAttrbItem& item) {
 
 const fileAttrbItem* HashAhead::itemInHand() const {
     for (const Worker& worker : m_workers)
-        if (const fileAttrbItem* const item = worker.item.load(std::memory_order_relaxed)) return item;
+        if (const fileAttrbItem* const item = worker.item.load(std::memory_order_relaxed))
+            return item;
     return nullptr;
 }
 
@@ -153,7 +163,8 @@ std::uint64_t HashAhead::hashedBytes() const {
     return sum;
 }
 
-void HashAhead::hashFirstVisits(const std::vector<std::uint32_t>& small, std::vector<Large>& large) {
+void HashAhead::hashFirstVisits(const std::vector<std::uint32_t>& small,
+                                std::vector<Large>& large) {
     const std::size_t total = small.size() + large.size();
     const std::size_t grain = std::clamp<std::size_t>(total / 1024, 2, 128);
     m_crew.forEach(total, grain, m_stop, [&](std::size_t at, unsigned worker) {
@@ -171,9 +182,11 @@ void HashAhead::hashFirstVisits(const std::vector<std::uint32_t>& small, std::ve
     });
 }
 
-// Puts candidates that still agree next to each other, in the order of the list, and leaves out those that stand alone.
+// Puts candidates that still agree next to each other, in the order of the list, and leaves out
+// those that stand alone.
 template <class Key, class Large> static void keepEqual(std::vector<Large>& large, Key key) {
-    std::stable_sort(large.begin(), large.end(), [&](const Large& a, const Large& b) { return key(a) < key(b); });
+    std::stable_sort(large.begin(), large.end(),
+                     [&](const Large& a, const Large& b) { return key(a) < key(b); });
     std::vector<Large> kept;
     for (std::size_t from = 0; from < large.size();) {
         std::size_t to = from + 1;
@@ -188,35 +201,42 @@ template <class Key, class Large> static void keepEqual(std::vector<Large>& larg
 
 void HashAhead::hashTails(std::vector<Large>& large) {
     std::erase_if(large, [](const Large& one) { return !one.ends.hashed; });
-    keepEqual(large, [&](const Large& one) { return std::tuple(one.number, m_list[one.index]->md5_1k); });
+    keepEqual(large,
+              [&](const Large& one) { return std::tuple(one.number, m_list[one.index]->md5_1k); });
     std::vector<Large*> wanted;
     for (Large& one : large)
         if (!one.ends.hasTail && one.ends.regular) wanted.push_back(&one);
-    std::sort(wanted.begin(), wanted.end(), [](const Large* a, const Large* b) { return a->index < b->index; });
+    std::sort(wanted.begin(), wanted.end(),
+              [](const Large* a, const Large* b) { return a->index < b->index; });
     m_crew.forEach(wanted.size(), 2, m_stop, [&](std::size_t at, unsigned worker) {
         fileAttrbItem& item = *m_list[wanted[at]->index];
         wanted[at]->ends = hasherFor(worker, item).hashEnds(item, true);
         count(worker, 0, FileHasher::tailBytes);
     });
     std::erase_if(large, [](const Large& one) { return !one.ends.hashed; });
-    // A file that is not what the listing saw is compared by its whole alone, and so are those that may equal it.
+    // A file that is not what the listing saw is compared by its whole alone, and so are those that
+    // may equal it.
     for (std::size_t from = 0; from < large.size();) {
         std::size_t to = from;
         bool regular = true;
-        for (; to < large.size() && large[to].number == large[from].number; ++to) regular &= large[to].ends.regular;
+        for (; to < large.size() && large[to].number == large[from].number; ++to)
+            regular &= large[to].ends.regular;
         for (; from < to; ++from)
             if (!regular) large[from].ends.tail = 0;
     }
-    keepEqual(large,
-              [&](const Large& one) { return std::tuple(one.number, m_list[one.index]->md5_1k, one.ends.tail); });
+    keepEqual(large, [&](const Large& one) {
+        return std::tuple(one.number, m_list[one.index]->md5_1k, one.ends.tail);
+    });
 }
 
-std::vector<HashAhead::Stretch> HashAhead::cutIntoStretches(const std::vector<Large*>& wanted) const {
+std::vector<HashAhead::Stretch> HashAhead::cutIntoStretches(
+    const std::vector<Large*>& wanted) const {
     std::vector<Stretch> out;
     for (const Large* one : wanted) {
         const std::uint64_t size = m_list[one->index]->fileSize;
         // Never more than some thousand stretches, however large a sparse file says it is.
-        const std::uint64_t share = (size / mostStretches + stretchBytes - 1) / stretchBytes * stretchBytes;
+        const std::uint64_t share =
+            (size / mostStretches + stretchBytes - 1) / stretchBytes * stretchBytes;
         const std::uint64_t piece = size > 2 * stretchBytes ? std::max(stretchBytes, share) : size;
         for (std::uint64_t at = 0; at < size; at += out.back().length)
             out.push_back({one->index, at, std::min(piece, size - at), 0, false});
@@ -230,7 +250,8 @@ void HashAhead::hashWholes(std::vector<Large>& large) {
         if (one.ends.regular) wanted.push_back(&one);
         else m_hashed[one.index] = 1;  // its first visit read all of it
     }
-    std::sort(wanted.begin(), wanted.end(), [](const Large* a, const Large* b) { return a->index < b->index; });
+    std::sort(wanted.begin(), wanted.end(),
+              [](const Large* a, const Large* b) { return a->index < b->index; });
     std::vector<Stretch> stretches = cutIntoStretches(wanted);
     m_wholeCrew.forEach(stretches.size(), 1, m_stop, [&](std::size_t at, unsigned worker) {
         Stretch& one = stretches[at];
@@ -261,7 +282,8 @@ void HashAhead::groupClass(std::uint32_t number) {
     thread_local std::vector<Key> keys;
     keys.clear();
     for (const std::uint32_t index : m_classes.members(number))
-        if (m_hashed[index] != 0) keys.push_back({m_list[index]->md5, m_list[index]->md5_1k, index});
+        if (m_hashed[index] != 0)
+            keys.push_back({m_list[index]->md5, m_list[index]->md5_1k, index});
     std::sort(keys.begin(), keys.end());
     for (std::size_t at = 1; at < keys.size(); ++at)
         if (keys[at].md5 == keys[at - 1].md5 && keys[at].md5_1k == keys[at - 1].md5_1k)

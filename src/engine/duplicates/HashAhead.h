@@ -1,8 +1,10 @@
-// Hashing at full speed, ahead of the pairing loop: size classes first, then the pieces of files that can still matter.
+// Hashing at full speed, ahead of the pairing loop: size classes first, then the pieces of files
+// that can still matter.
 //
-// Files of a size that stands alone are never opened. The others are hashed class by class in rising order of their first
-// member, many classes at a time: small files whole, in the order of their folders; large ones by their first kilobyte, then by their
-// last 4 KiB, then whole, each stage only where the stage before left at least two that agree. HashAhead.cpp has the stages.
+// Files of a size that stands alone are never opened. The others are hashed class by class in
+// rising order of their first member, many classes at a time: small files whole, in the order of
+// their folders; large ones by their first kilobyte, then by their last 4 KiB, then whole, each
+// stage only where the stage before left at least two that agree. HashAhead.cpp has the stages.
 #pragma once
 
 #include <atomic>
@@ -19,14 +21,16 @@
 
 namespace orrinvale {
 
-/// The files of a search by size. Index numbers are places in the list given at construction, which must not change.
+/// The files of a search by size. Index numbers are places in the list given at construction, which
+/// must not change.
 class SizeClasses final {
 public:
     static constexpr std::uint32_t alone = ~std::uint32_t{0};
 
     explicit SizeClasses(const FileList& files);
 
-    /// Number of the class of a file; `alone` where no other file has its size. Classes count up in order of their first members.
+    /// Number of the class of a file; `alone` where no other file has its size. Classes count up in
+    /// order of their first members.
     [[nodiscard]] std::uint32_t classOf(std::size_t index) const { return m_classOf[index]; }
     [[nodiscard]] std::size_t count() const { return m_starts.size() - 1; }
 
@@ -41,17 +45,20 @@ private:
     std::vector<std::uint32_t> m_members;
 };
 
-/// Resolves size classes into groups of equal files. Driven by one thread; the counters may be read by any.
+/// Resolves size classes into groups of equal files. Driven by one thread; the counters may be read
+/// by any.
 class HashAhead final {
 public:
     static constexpr std::uint32_t none = ~std::uint32_t{0};
 
     /// All references must outlive the object. When `stop` is set, no further file is begun.
-    HashAhead(const FileSystem& files, const FileList& list, const std::atomic<bool>& stop, SkipList& skipped);
+    HashAhead(const FileSystem& files, const FileList& list, const std::atomic<bool>& stop,
+              SkipList& skipped);
 
-    /// The next member of the group of a file, in the order of the list; `none` at the last one and for a file that has no
-    /// duplicate. Hashes what is needed for the answer, and, to keep all threads busy, classes that come later.
-    /// After a stop the answer is `none` for what was not hashed yet, and nothing more is hashed.
+    /// The next member of the group of a file, in the order of the list; `none` at the last one and
+    /// for a file that has no duplicate. Hashes what is needed for the answer, and, to keep all
+    /// threads busy, classes that come later. After a stop the answer is `none` for what was not
+    /// hashed yet, and nothing more is hashed.
     [[nodiscard]] std::uint32_t nextInGroup(std::size_t index);
 
     /// A file that is being hashed, or was lately; null before the first.

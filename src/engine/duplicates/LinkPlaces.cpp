@@ -23,13 +23,15 @@ void LinkPlaces::find(const FileList& list) {
         if (isBehindLink(*file)) add(file, file->filePathName());
 }
 
-// A bundle that lies where its path says is the folder that is searched, with the rest of the path behind it.
+// A bundle that lies where its path says is the folder that is searched, with the rest of the path
+// behind it.
 void LinkPlaces::find(const std::vector<AppGroup>& groups) {
     for (const AppGroup& group : groups)
         for (const auto& bundle : group) {
             const std::string& path = bundle->DirectoryPathName;
             const bool isBelow = path.size() > m_root.size();
-            const std::string plain = isBelow ? joinPath(m_realRoot, path.substr(m_root.size())) : m_realRoot;
+            const std::string plain =
+                isBelow ? joinPath(m_realRoot, path.substr(m_root.size())) : m_realRoot;
             const auto real = m_files.resolved(path);
             if (isBelow && (!real || plainPath(plain) != *real)) add(bundle.get(), path);
         }

@@ -10,8 +10,8 @@
 
 namespace orrinvale {
 
-/// Links are followed where they stand directly in the folder that is searched. Filled by the thread that searches, read-only behind
-/// its end.
+/// Links are followed where they stand directly in the folder that is searched. Filled by the
+/// thread that searches, read-only behind its end.
 class LinkPlaces final {
 public:
     /// `root` is the folder that is searched. The file system must outlive the object.

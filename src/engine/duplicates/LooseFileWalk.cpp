@@ -19,7 +19,8 @@ constexpr const char* topLogName = "-[getFileList getDirectoryAtPath:resultArray
 
 struct Run;
 
-// A bundle met on the way. Once an entry in it is larger than the limit there is nothing more to learn from it.
+// A bundle met on the way. Once an entry in it is larger than the limit there is nothing more to
+// learn from it.
 struct Bundle {
     std::atomic<bool> wanted{false};
 };
@@ -27,8 +28,8 @@ struct Bundle {
 struct WalkFolder : FolderNode {
     Run* firstRun = nullptr;  // in the order of the listing
     Run* lastRun = nullptr;
-    Bundle* bundle = nullptr;             // the outermost bundle that it lies in, or is
-    int descriptor = -1;                  // open while `users` is not zero, unless descriptors ran short
+    Bundle* bundle = nullptr;  // the outermost bundle that it lies in, or is
+    int descriptor = -1;       // open while `users` is not zero, unless descriptors ran short
     std::atomic<std::uint32_t> users{1};  // tasks that still need the descriptor
     bool isBundleRoot = false;
     bool topLevel = false;  // directly in the root
@@ -37,7 +38,8 @@ struct WalkFolder : FolderNode {
     WalkFolder* parentFolder = nullptr;
 };
 
-// A record of a run is a file, or stands for a subfolder: then `folder` points to it and `name` is null.
+// A record of a run is a file, or stands for a subfolder: then `folder` points to it and `name` is
+// null.
 struct Run {
     fileAttrbItem* records = nullptr;
     std::uint32_t count = 0;
@@ -46,7 +48,8 @@ struct Run {
 
 struct Task {
     WalkFolder* folder = nullptr;
-    std::unique_ptr<CatalogBatch> batch;  // set: these entries of the folder; else the folder itself
+    std::unique_ptr<CatalogBatch>
+        batch;  // set: these entries of the folder; else the folder itself
     Run* run = nullptr;
 };
 
@@ -61,8 +64,8 @@ struct alignas(64) Worker {
 }  // namespace
 
 struct LooseFileWalk::State {
-    State(const FileSystem& fileSystem, const LooseFileQuery& what, const std::atomic<bool>& stopFlag,
-          SkipList& skipList)
+    State(const FileSystem& fileSystem, const LooseFileQuery& what,
+          const std::atomic<bool>& stopFlag, SkipList& skipList)
         : files(fileSystem), query(what), stop(stopFlag), skipped(skipList) {}
 
     const FileSystem& files;
@@ -85,7 +88,8 @@ struct LooseFileWalk::State {
     std::optional<Error> rootError;
 
     std::mutex mutex;
-    std::vector<Task> tasks;           // guarded by mutex; the last in goes first, which keeps the walk depth first
+    std::vector<Task>
+        tasks;  // guarded by mutex; the last in goes first, which keeps the walk depth first
     std::atomic<std::size_t> open{0};  // tasks that wait or run
 
     WorkCrew::Step step(unsigned number);
@@ -93,7 +97,8 @@ struct LooseFileWalk::State {
     SysResult<Descriptor> openFolder(const WalkFolder& folder);
     bool identify(WalkFolder& folder);
     void listFolder(Worker& worker, WalkFolder& folder);
-    void handOver(Worker& worker, WalkFolder& folder, std::unique_ptr<CatalogBatch> batch, Run& run);
+    void handOver(Worker& worker, WalkFolder& folder, std::unique_ptr<CatalogBatch> batch,
+                  Run& run);
     void closeEarly(WalkFolder& folder);
     void readBatch(Worker& worker, WalkFolder& folder, CatalogBatch& batch, Run& run);
     bool takeEntry(Worker& worker, WalkFolder& folder, CatalogEntry& entry, fileAttrbItem& record);
@@ -107,13 +112,17 @@ struct LooseFileWalk::State {
     Run* appendRun(Worker& worker, WalkFolder& folder) const;
     std::unique_ptr<CatalogBatch> newBatch(Worker& worker) const;
     Bundle* newBundle();
-    bool numbersPass(std::uint64_t device) const { return std::ranges::binary_search(query.passingInodes, device); }
-    bool isSettled(const WalkFolder& folder) const { return folder.bundle != nullptr && folder.bundle->wanted; }
+    bool numbersPass(std::uint64_t device) const {
+        return std::ranges::binary_search(query.passingInodes, device);
+    }
+    bool isSettled(const WalkFolder& folder) const {
+        return folder.bundle != nullptr && folder.bundle->wanted;
+    }
     LooseFiles collect();
 };
 
-LooseFileWalk::LooseFileWalk(const FileSystem& files, const LooseFileQuery& query, const std::atomic<bool>& stop,
-                             SkipList& skipped)
+LooseFileWalk::LooseFileWalk(const FileSystem& files, const LooseFileQuery& query,
+                             const std::atomic<bool>& stop, SkipList& skipped)
     : m_state(std::make_unique<State>(files, query, stop, skipped)) {
     State& state = *m_state;
     auto& arena = *state.workers[0].names;
@@ -128,7 +137,9 @@ LooseFileWalk::~LooseFileWalk() = default;
 
 std::string LooseFileWalk::currentPath() const { return pathOf(*m_state->current.load()); }
 
-std::uint64_t LooseFileWalk::listedFiles() const { return m_state->listed.load(std::memory_order_relaxed); }
+std::uint64_t LooseFileWalk::listedFiles() const {
+    return m_state->listed.load(std::memory_order_relaxed);
+}
 
 Result<LooseFiles> LooseFileWalk::run() {
     State& state = *m_state;
@@ -193,8 +204,8 @@ SysResult<Descriptor> LooseFileWalk::State::openFolder(const WalkFolder& folder)
     return files.openFolder(again->get(), folder.name, links);
 }
 
-// False when the folder is not to be entered: the kernel's own file systems hold no files of people, and some of them never
-// end. They are searched only when the search begins there.
+// False when the folder is not to be entered: the kernel's own file systems hold no files of
+// people, and some of them never end. They are searched only when the search begins there.
 bool LooseFileWalk::State::identify(WalkFolder& folder) {
     const auto attributes = files.attributes(folder.descriptor);
     if (!attributes) return true;
@@ -212,8 +223,10 @@ bool LooseFileWalk::State::identify(WalkFolder& folder) {
         folder.inode = 0;
         inodesPass = true;
     }
-    // A folder counts by its own size too, but only below the first level, where a folder is no entry of the list.
-    if (folder.bundle != nullptr && !folder.topLevel && &folder != root && attributes->size > query.limit)
+    // A folder counts by its own size too, but only below the first level, where a folder is no
+    // entry of the list.
+    if (folder.bundle != nullptr && !folder.topLevel && &folder != root &&
+        attributes->size > query.limit)
         folder.bundle->wanted = true;
     return !isSettled(folder);
 }
@@ -246,27 +259,31 @@ void LooseFileWalk::State::listFolder(Worker& worker, WalkFolder& folder) {
 }
 
 // A large folder: others size these entries while the listing goes on.
-void LooseFileWalk::State::handOver(Worker& worker, WalkFolder& folder, std::unique_ptr<CatalogBatch> batch, Run& run) {
+void LooseFileWalk::State::handOver(Worker& worker, WalkFolder& folder,
+                                    std::unique_ptr<CatalogBatch> batch, Run& run) {
     waitingBatches.fetch_add(1);
     folder.users.fetch_add(1);
     worker.found.push_back(Task{&folder, std::move(batch), &run});
     pushFound(worker);
 }
 
-// So many folders wait for their subfolders that descriptors run short. The subfolders of this one find their way by path
-// then, and its identity tells whether it is the same folder still. Nobody else knows the folder yet, so none uses it.
+// So many folders wait for their subfolders that descriptors run short. The subfolders of this one
+// find their way by path then, and its identity tells whether it is the same folder still. Nobody
+// else knows the folder yet, so none uses it.
 void LooseFileWalk::State::closeEarly(WalkFolder& folder) {
     Descriptor(folder.descriptor).reset();
     folder.descriptor = -1;
     openFolders.fetch_sub(1);
 }
 
-void LooseFileWalk::State::readBatch(Worker& worker, WalkFolder& folder, CatalogBatch& batch, Run& run) {
+void LooseFileWalk::State::readBatch(Worker& worker, WalkFolder& folder, CatalogBatch& batch,
+                                     Run& run) {
     const std::size_t most = batch.entries.size();
     run.records = worker.records->allocate<fileAttrbItem>(most);
     std::uint32_t count = 0;
     for (CatalogEntry& entry : batch.entries) {
-        if (stop.load(std::memory_order_relaxed)) break;  // one look may take a second on a slow file system
+        if (stop.load(std::memory_order_relaxed))
+            break;  // one look may take a second on a slow file system
         if ((!query.hidden && entry.name[0] == '.') || isAsideName(entry.name)) continue;
         auto* const record = new (&run.records[count]) fileAttrbItem;
         if (takeEntry(worker, folder, entry, *record)) ++count;
@@ -277,7 +294,8 @@ void LooseFileWalk::State::readBatch(Worker& worker, WalkFolder& folder, Catalog
     worker.files = 0;
 }
 
-bool LooseFileWalk::State::takeEntry(Worker& worker, WalkFolder& folder, CatalogEntry& entry, fileAttrbItem& record) {
+bool LooseFileWalk::State::takeEntry(Worker& worker, WalkFolder& folder, CatalogEntry& entry,
+                                     fileAttrbItem& record) {
     bool throughLink = false;
     if (entry.type == FileType::Unknown) {
         files.readAttributes(folder.descriptor, {&entry, 1});
@@ -297,9 +315,10 @@ bool LooseFileWalk::State::takeEntry(Worker& worker, WalkFolder& folder, Catalog
     }
 }
 
-// A link directly in the root. False when it leads nowhere; otherwise the entry becomes what it leads to, a folder, or stays
-// the link to a file, which is listed with the size of the link.
-bool LooseFileWalk::State::takeTopLevelEntry(WalkFolder& folder, CatalogEntry& entry, bool& throughLink) {
+// A link directly in the root. False when it leads nowhere; otherwise the entry becomes what it
+// leads to, a folder, or stays the link to a file, which is listed with the size of the link.
+bool LooseFileWalk::State::takeTopLevelEntry(WalkFolder& folder, CatalogEntry& entry,
+                                             bool& throughLink) {
     const auto target = files.attributes(folder.descriptor, entry.name, Links::Follow);
     if (!target) {
         Log::engine(topLogName, "directory not exsts:{}", pathOf(folder, entry.name));
@@ -313,9 +332,11 @@ bool LooseFileWalk::State::takeTopLevelEntry(WalkFolder& folder, CatalogEntry& e
     return true;
 }
 
-bool LooseFileWalk::State::takeFile(Worker& worker, WalkFolder& folder, CatalogEntry& entry, fileAttrbItem& record) {
+bool LooseFileWalk::State::takeFile(Worker& worker, WalkFolder& folder, CatalogEntry& entry,
+                                    fileAttrbItem& record) {
     const FileType listedType = entry.type;
-    if (entry.attributes.type == FileType::Unknown) files.readAttributes(folder.descriptor, {&entry, 1});
+    if (entry.attributes.type == FileType::Unknown)
+        files.readAttributes(folder.descriptor, {&entry, 1});
     if (entry.error != 0) {
         skipped.add(systemError("attributes", pathOf(folder, entry.name), entry.error));
         return false;
@@ -332,14 +353,15 @@ bool LooseFileWalk::State::takeFile(Worker& worker, WalkFolder& folder, CatalogE
     record.setAttributes(attributes);
     record.folder = &folder;
     record.name = worker.names->copy(entry.name);
-    record.inodePasses = attributes.device == folder.device ? folder.inodesPass : numbersPass(attributes.device);
+    record.inodePasses =
+        attributes.device == folder.device ? folder.inodesPass : numbersPass(attributes.device);
     if (attributes.mount != folder.mount) mayRepeat = true;
     ++worker.files;
     return true;
 }
 
-void LooseFileWalk::State::addFolder(Worker& worker, WalkFolder& parent, const CatalogEntry& entry, bool throughLink,
-                                     fileAttrbItem& record) {
+void LooseFileWalk::State::addFolder(Worker& worker, WalkFolder& parent, const CatalogEntry& entry,
+                                     bool throughLink, fileAttrbItem& record) {
     auto* const folder = new (worker.names->allocate<WalkFolder>()) WalkFolder;
     folder->parent = &parent;
     folder->parentFolder = &parent;
@@ -348,7 +370,9 @@ void LooseFileWalk::State::addFolder(Worker& worker, WalkFolder& parent, const C
     folder->topLevel = &parent == root;
     folder->bundle = parent.bundle;
     record.folder = folder;
-    if (folder->topLevel && query.root == "/" && !query.systemFolders && isSystemFolder(pathOf(*folder))) return;
+    if (folder->topLevel && query.root == "/" && !query.systemFolders &&
+        isSystemFolder(pathOf(*folder)))
+        return;
     if (folder->bundle == nullptr && isBundleName(entry.name)) {
         folder->bundle = newBundle();
         folder->isBundleRoot = true;
@@ -363,7 +387,8 @@ void LooseFileWalk::State::pushFound(Worker& worker) {
     open.fetch_add(count);
     {
         const std::lock_guard lock(mutex);
-        for (auto task = worker.found.rbegin(); task != worker.found.rend(); ++task) tasks.push_back(std::move(*task));
+        for (auto task = worker.found.rbegin(); task != worker.found.rend(); ++task)
+            tasks.push_back(std::move(*task));
     }
     worker.found.clear();
     crew.wake();
@@ -380,8 +405,8 @@ void LooseFileWalk::State::release(WalkFolder& folder) {
 
 void LooseFileWalk::State::fail(const WalkFolder& folder, const char* operation, int number) {
     Error error = systemError(operation, pathOf(folder), number);
-    Log::engine(folder.parent == nullptr ? topLogName : logName, "get contents Of Directory At Path failed{}",
-                error.path + ": " + error.reason());
+    Log::engine(folder.parent == nullptr ? topLogName : logName,
+                "get contents Of Directory At Path failed{}", error.path + ": " + error.reason());
     if (folder.parent == nullptr) rootError = error;
     else skipped.add(std::move(error));
 }
@@ -416,7 +441,8 @@ LooseFiles LooseFileWalk::State::collect() {
     out.mayRepeat = mayRepeat;
     out.inodesPass = inodesPass;
     out.files.reserve(listed);
-    if (root->bundle != nullptr && root->bundle->wanted) out.bundles.push_back(outermostBundle(query.root));
+    if (root->bundle != nullptr && root->bundle->wanted)
+        out.bundles.push_back(outermostBundle(query.root));
 
     std::vector<Place> places{{root->firstRun, 0}};
     while (!places.empty()) {

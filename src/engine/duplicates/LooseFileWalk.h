@@ -1,7 +1,9 @@
-// The walk of a duplicate search: all cores list and size the tree, and the result stands in the order of a sequential walk.
+// The walk of a duplicate search: all cores list and size the tree, and the result stands in the
+// order of a sequential walk.
 //
-// Each folder is a task, and so is each further thousand entries of a large folder. A task writes its entries, files and
-// subfolders alike, into a run of records; when all is done the runs are read off depth first. LooseFileWalk.cpp has the stages.
+// Each folder is a task, and so is each further thousand entries of a large folder. A task writes
+// its entries, files and subfolders alike, into a run of records; when all is done the runs are
+// read off depth first. LooseFileWalk.cpp has the stages.
 #pragma once
 
 #include <atomic>
@@ -27,8 +29,9 @@ struct LooseFileQuery {
 
 /// What a walk found.
 struct LooseFiles {
-    FileList files;                    ///< larger than the limit, outside of bundles
-    std::vector<std::string> bundles;  ///< outermost bundles in which an entry is larger than the limit
+    FileList files;  ///< larger than the limit, outside of bundles
+    std::vector<std::string>
+        bundles;  ///< outermost bundles in which an entry is larger than the limit
     std::vector<std::shared_ptr<Arena>> storage;
     bool mayRepeat = false;   ///< a link was followed or a mount was met: much may be listed twice
     bool inodesPass = false;  ///< a folder was met whose inode numbers need not last
@@ -37,8 +40,8 @@ struct LooseFiles {
 class LooseFileWalk final {
 public:
     /// All references must outlive the walk. `stop` may be set from any thread.
-    LooseFileWalk(const FileSystem& files, const LooseFileQuery& query, const std::atomic<bool>& stop,
-                  SkipList& skipped);
+    LooseFileWalk(const FileSystem& files, const LooseFileQuery& query,
+                  const std::atomic<bool>& stop, SkipList& skipped);
     ~LooseFileWalk();
     LooseFileWalk(const LooseFileWalk&) = delete;
     LooseFileWalk& operator=(const LooseFileWalk&) = delete;
@@ -57,7 +60,8 @@ private:
     std::unique_ptr<State> m_state;
 };
 
-/// True when the extension of the last component is "app" in any case and of exactly these three letters.
+/// True when the extension of the last component is "app" in any case and of exactly these three
+/// letters.
 [[nodiscard]] bool isBundleName(std::string_view name);
 
 /// The outermost bundle on the way to the path, itself included; empty when there is none.
@@ -66,7 +70,8 @@ private:
 /// True when a component of the path begins with a dot.
 [[nodiscard]] bool hasHiddenComponent(std::string_view path);
 
-/// True when the first component behind the root is one of the folders that belong to the system, in any case.
+/// True when the first component behind the root is one of the folders that belong to the system,
+/// in any case.
 [[nodiscard]] bool isSystemFolder(std::string_view path);
 
 }  // namespace orrinvale

@@ -16,7 +16,8 @@ bool equalIgnoringCase(std::string_view a, std::string_view b) {
     return true;
 }
 
-// Calls visit(component, end of the component in the path) for each component but the root's slash, until it answers true.
+// Calls visit(component, end of the component in the path) for each component but the root's slash,
+// until it answers true.
 template <class Visit> bool anyComponent(std::string_view path, Visit visit) {
     for (std::size_t at = 0; at < path.size();) {
         const std::size_t end = std::min(path.find('/', at), path.size());
@@ -41,11 +42,13 @@ std::string outermostBundle(std::string_view path) {
 }
 
 bool hasHiddenComponent(std::string_view path) {
-    return anyComponent(path, [](std::string_view component, std::size_t) { return component.front() == '.'; });
+    return anyComponent(
+        path, [](std::string_view component, std::size_t) { return component.front() == '.'; });
 }
 
 bool isSystemFolder(std::string_view path) {
-    static constexpr std::array<std::string_view, 6> names{"Library", "Developer", "System", "Volumes", "bin", "sbin"};
+    static constexpr std::array<std::string_view, 6> names{"Library", "Developer", "System",
+                                                           "Volumes", "bin",       "sbin"};
     std::string_view first;
     anyComponent(path, [&](std::string_view component, std::size_t) {
         first = component;

@@ -31,15 +31,19 @@ RepeatedEntries::Entry RepeatedEntries::entryOf(const fileAttrbItem& item) {
     const File file = item.inodePasses ? File{} : File{item.device, item.inode};
     if (item.folder->inode == 0)
         return {{0, 0, joinPath(placeOf(*item.folder), item.fileName())}, file, item.links < 2};
-    return {{item.folder->device, item.folder->inode, std::string(item.fileName())}, file, item.links < 2};
+    return {{item.folder->device, item.folder->inode, std::string(item.fileName())},
+            file,
+            item.links < 2};
 }
 
 // A link is the entry that it points at; one that points nowhere is itself.
 RepeatedEntries::Entry RepeatedEntries::targetOf(const fileAttrbItem& link) {
     const std::string path = m_files.resolved(link.filePathName()).value_or(link.filePathName());
     const auto target = m_files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);
-    const auto folder = m_files.attributes(FileSystem::noParent, folderOf(path).c_str(), Links::Follow);
-    const bool passes = !target || !folder || std::ranges::binary_search(m_passingInodes, folder->device);
+    const auto folder =
+        m_files.attributes(FileSystem::noParent, folderOf(path).c_str(), Links::Follow);
+    const bool passes =
+        !target || !folder || std::ranges::binary_search(m_passingInodes, folder->device);
     if (passes) return {{0, 0, path}, {}, false};
     return {{folder->device, folder->inode, std::string(lastPathComponent(path))},
             {target->device, target->inode},
@@ -49,7 +53,8 @@ RepeatedEntries::Entry RepeatedEntries::targetOf(const fileAttrbItem& link) {
 void RepeatedEntries::dropFrom(FileArray& array) {
     // A link to a file has the size of its own text, and must not put out the file.
     std::map<std::uint64_t, Seen> seen;
-    array.removeIf([&](const fileAttrbItem* item) { return !seen[item->fileSize].add(entryOf(*item)); });
+    array.removeIf(
+        [&](const fileAttrbItem* item) { return !seen[item->fileSize].add(entryOf(*item)); });
 }
 
 bool RepeatedEntries::mayRepeat(const FileList& group) {

@@ -12,18 +12,21 @@
 
 namespace orrinvale {
 
-/// An entry is listed again by a second path, through a link or a mount, and by a folder that changes while it is listed: some
-/// file systems then give a name twice, or a file under its old and its new name. One thread.
+/// An entry is listed again by a second path, through a link or a mount, and by a folder that
+/// changes while it is listed: some file systems then give a name twice, or a file under its old
+/// and its new name. One thread.
 ///
-/// Two items are one entry when they have one name in one folder, or are one file that had no other name when either was listed. Where
-/// inode numbers do not last the path without links counts instead. Two names of one file are two entries.
+/// Two items are one entry when they have one name in one folder, or are one file that had no other
+/// name when either was listed. Where inode numbers do not last the path without links counts
+/// instead. Two names of one file are two entries.
 class RepeatedEntries final {
 public:
     /// `passingInodes` is FileSystem::devicesOfPassingInodes(). Both must outlive the object.
     RepeatedEntries(const FileSystem& files, std::span<const std::uint64_t> passingInodes)
         : m_files(files), m_passingInodes(passingInodes) {}
 
-    /// Takes the later one of two items that are one entry out of the list. Files listed with different sizes never meet and all stay.
+    /// Takes the later one of two items that are one entry out of the list. Files listed with
+    /// different sizes never meet and all stay.
     void dropFrom(FileArray& array);
 
     /// The same for files of one size, at little cost where no two of them can be one entry.

@@ -1,4 +1,5 @@
-// SizeClasses: one pass over the sizes through a table with open addressing, and a counting sort. Declared in HashAhead.h.
+// SizeClasses: one pass over the sizes through a table with open addressing, and a counting sort.
+// Declared in HashAhead.h.
 #include <bit>
 
 #include "engine/duplicates/HashAhead.h"
@@ -13,7 +14,8 @@ struct Slot {
 };
 
 std::size_t placeOf(std::uint64_t size, unsigned bits) {
-    return static_cast<std::size_t>((size * 0x9E3779B97F4A7C15ULL) >> (64 - bits));  // Knuth, multiplicative hashing
+    return static_cast<std::size_t>((size * 0x9E3779B97F4A7C15ULL) >>
+                                    (64 - bits));  // Knuth, multiplicative hashing
 }
 
 class SizeTable {

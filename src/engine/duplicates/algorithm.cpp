@@ -12,7 +12,8 @@
 namespace orrinvale {
 namespace {
 
-// The relative paths of everything below a folder, by bytes within each folder; nothing when it can not be listed.
+// The relative paths of everything below a folder, by bytes within each folder; nothing when it can
+// not be listed.
 std::optional<std::vector<std::string>> subpaths(const FileSystem& files, const std::string& path) {
     const auto start = openFolderByPath(files, path, Links::Follow);
     if (!start) return std::nullopt;
@@ -82,9 +83,11 @@ bool algorithm::getMD5(fileAttrbItem& item) { return m_hasher.hashWhole(item); }
 
 bool algorithm::getSingleMd5WithData(fileAttrbItem& item) { return item.md5 != 0 || getMD5(item); }
 
-bool algorithm::findFileWithSize(const FileList& list, FileList& outArray, const fileAttrbItem& findItem) {
+bool algorithm::findFileWithSize(const FileList& list, FileList& outArray,
+                                 const fileAttrbItem& findItem) {
     for (fileAttrbItem* const candidate : list)
-        if (candidate != nullptr && candidate->fileSize == findItem.fileSize) outArray.push_back(candidate);
+        if (candidate != nullptr && candidate->fileSize == findItem.fileSize)
+            outArray.push_back(candidate);
     return true;
 }
 
@@ -101,7 +104,9 @@ bool algorithm::findFileWithMd5(FileList& list, FileList& outArray, fileAttrbIte
     outArray.push_back(&findItem);
     FileList gone = outArray;
     std::sort(gone.begin(), gone.end());
-    std::erase_if(list, [&](fileAttrbItem* item) { return std::binary_search(gone.begin(), gone.end(), item); });
+    std::erase_if(list, [&](fileAttrbItem* item) {
+        return std::binary_search(gone.begin(), gone.end(), item);
+    });
     return true;
 }
 
@@ -118,7 +123,8 @@ bool algorithm::compareWholeFile(fileAttrbItem& item, fileAttrbItem& anotherFile
     return getMD5(anotherFile);
 }
 
-bool algorithm::CompareDirectoryWithoutHash(const std::string& path, const std::string& otherDirectory) {
+bool algorithm::CompareDirectoryWithoutHash(const std::string& path,
+                                            const std::string& otherDirectory) {
     const auto one = subpaths(m_files, path);
     const auto other = subpaths(m_files, otherDirectory);
     return one && other && *one == *other;

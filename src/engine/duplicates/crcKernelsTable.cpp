@@ -1,4 +1,5 @@
-// The portable CRC loop, by tables, and the choice among all loops. Read crcKernelsX86.cpp next for the fast ones.
+// The portable CRC loop, by tables, and the choice among all loops. Read crcKernelsX86.cpp next for
+// the fast ones.
 #include "engine/duplicates/crcKernels.h"
 
 #include <array>
@@ -10,8 +11,8 @@ namespace {
 
 using Table = std::array<std::uint64_t, 256>;
 
-/// Bytes that one step takes in. Sixteen tables fill 32 KiB, which still fits the first-level cache, and their
-/// look-ups do not wait for each other.
+/// Bytes that one step takes in. Sixteen tables fill 32 KiB, which still fits the first-level
+/// cache, and their look-ups do not wait for each other.
 constexpr std::size_t slices = 16;
 
 /// tables[k][b] is what byte b adds to the value once k further bytes have followed it.
@@ -40,7 +41,8 @@ std::uint64_t loadLittleEndian(const unsigned char* bytes) {
     return word;
 }
 
-/// The sum over the eight bytes of a word, the first of which is followed by `last` + 7 more bytes of this step.
+/// The sum over the eight bytes of a word, the first of which is followed by `last` + 7 more bytes
+/// of this step.
 std::uint64_t lookUp(std::uint64_t word, std::size_t last) {
     return tables[last + 7][word & 0xFF] ^ tables[last + 6][(word >> 8) & 0xFF] ^
            tables[last + 5][(word >> 16) & 0xFF] ^ tables[last + 4][(word >> 24) & 0xFF] ^

@@ -35,7 +35,8 @@ void duplicateFind::searchDuplicateFileAtPath(const std::string& path, std::uint
     } catch (const std::bad_alloc&) {
         endEarly();
     }
-    Log::engine("-[duplicateFind searchDuplicateFileAtPath:limittedSize:]", "findDuplicate result:{}", result);
+    Log::engine("-[duplicateFind searchDuplicateFileAtPath:limittedSize:]",
+                "findDuplicate result:{}", result);
 }
 
 // What the steps held goes first, so that there is memory to tell what was found.
@@ -74,13 +75,15 @@ bool duplicateFind::listFiles() {
         const std::lock_guard lock(m_mutex);
         m_fileList = list;
     }
-    const bool listed = list->getListAtPath(m_path, m_allFileArray, m_DirectoryArray, m_limittedSize);
+    const bool listed =
+        list->getListAtPath(m_path, m_allFileArray, m_DirectoryArray, m_limittedSize);
     m_rootError = list->rootError();
     m_mayRepeat = list->mayRepeat();
     m_inodesPass = list->inodesPass();
     if (m_inodesPass)
         Log::engine("-[duplicateFind searchDuplicateFileAtPath:limittedSize:]",
-                    "inode numbers do not last everywhere in {}: files there are known by path, size and times",
+                    "inode numbers do not last everywhere in {}: files there are known by path, "
+                    "size and times",
                     m_path);
     m_listedFiles = m_allFileArray.size();
     return listed;
@@ -116,12 +119,14 @@ struct duplicateFind::Pairing {
     FileList group = {};
 };
 
-// Takes each file in turn against the rest. HashAhead knows the answer; the order in which files and groups come, and the rule that
-// a file belongs to one group at most, are those of a plain loop. After a stop the loop goes on over what is hashed already: nothing
-// is read any more, and what was read is not lost.
+// Takes each file in turn against the rest. HashAhead knows the answer; the order in which files
+// and groups come, and the rule that a file belongs to one group at most, are those of a plain
+// loop. After a stop the loop goes on over what is hashed already: nothing is read any more, and
+// what was read is not lost.
 void duplicateFind::pairFiles() {
     m_allFileCount = m_allFileArray.size();
-    const auto hashes = std::make_shared<HashAhead>(m_files, m_allFileArray.items(), m_Stop, m_skipped);
+    const auto hashes =
+        std::make_shared<HashAhead>(m_files, m_allFileArray.items(), m_Stop, m_skipped);
     {
         const std::lock_guard lock(m_mutex);
         m_hashAhead = hashes;
@@ -132,7 +137,8 @@ void duplicateFind::pairFiles() {
         m_item.store(&m_allFileArray[index], std::memory_order_release);
         if (--pairing.remaining == 0) break;
         takeGroup(pairing, index, m_newFileArray);
-        m_iProgress.store((m_allFileCount - pairing.remaining) * 100 / m_allFileCount, std::memory_order_relaxed);
+        m_iProgress.store((m_allFileCount - pairing.remaining) * 100 / m_allFileCount,
+                          std::memory_order_relaxed);
     }
     const std::lock_guard lock(m_mutex);
     m_hashCounts.hashedFiles = hashes->hashedFiles();
@@ -170,18 +176,25 @@ void duplicateFind::stopSearch() {
     if (m_findDuplicateApp) m_findDuplicateApp->setStopSearch(true);
 }
 
-bool duplicateFind::getAllDuplicateFile(FileList* array) const { return findNewDuplicateFile(array, 0); }
+bool duplicateFind::getAllDuplicateFile(FileList* array) const {
+    return findNewDuplicateFile(array, 0);
+}
 
 bool duplicateFind::findNewDuplicateFile(FileList* array, std::uint64_t fromIndex) const {
     if (array == nullptr || fromIndex > m_newFileArray.size()) return false;
-    array->insert(array->end(), m_newFileArray.begin() + static_cast<std::ptrdiff_t>(fromIndex), m_newFileArray.end());
+    array->insert(array->end(), m_newFileArray.begin() + static_cast<std::ptrdiff_t>(fromIndex),
+                  m_newFileArray.end());
     return true;
 }
 
-void duplicateFind::getAllAppDuplicateDir(std::vector<AppGroup>& array) const { getNewAppDuplicateDir(array, 0); }
+void duplicateFind::getAllAppDuplicateDir(std::vector<AppGroup>& array) const {
+    getNewAppDuplicateDir(array, 0);
+}
 
-void duplicateFind::getNewAppDuplicateDir(std::vector<AppGroup>& array, std::uint64_t fromIndex) const {
-    for (std::uint64_t index = fromIndex; index < m_allAppArray.size(); ++index) array.push_back(m_allAppArray[index]);
+void duplicateFind::getNewAppDuplicateDir(std::vector<AppGroup>& array,
+                                          std::uint64_t fromIndex) const {
+    for (std::uint64_t index = fromIndex; index < m_allAppArray.size(); ++index)
+        array.push_back(m_allAppArray[index]);
 }
 
 // With the lock held. Hashing is far ahead of the pairing, and takes the time.
@@ -194,14 +207,16 @@ std::string duplicateFind::getCurrentSearchPath() const {
     const std::lock_guard lock(m_mutex);
     if (m_findDuplicateApp) return m_findDuplicateApp->CurrentSearchFile();
     if (m_fileList) m_CurrentSearchPath = m_fileList->m_CurrentPath();
-    else if (const fileAttrbItem* const item = itemInHand()) m_CurrentSearchPath = item->filePathName();
+    else if (const fileAttrbItem* const item = itemInHand())
+        m_CurrentSearchPath = item->filePathName();
     return m_CurrentSearchPath;
 }
 
 SearchCounts duplicateFind::counts() const {
     const std::lock_guard lock(m_mutex);
     SearchCounts counts = m_hashCounts;
-    counts.listedFiles = m_fileList && m_listedFiles == 0 ? m_fileList->listedFiles() : m_listedFiles.load();
+    counts.listedFiles =
+        m_fileList && m_listedFiles == 0 ? m_fileList->listedFiles() : m_listedFiles.load();
     if (m_hashAhead) {
         counts.hashedFiles = m_hashAhead->hashedFiles();
         counts.hashedBytes = m_hashAhead->hashedBytes();

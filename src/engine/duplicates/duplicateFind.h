@@ -1,4 +1,5 @@
-// The state of one duplicate search: listing, bundles, pairing. DuplicateFilesOpt.h is its face; HashAhead.h its speed.
+// The state of one duplicate search: listing, bundles, pairing. DuplicateFilesOpt.h is its face;
+// HashAhead.h its speed.
 #pragma once
 
 #include <atomic>
@@ -28,8 +29,9 @@ struct SearchCounts {
     std::uint64_t hashedBytes = 0;
 };
 
-/// One search. searchDuplicateFileAtPath() runs on one thread; getProgress(), getCurrentSearchPath(), counts() and
-/// stopSearch() may be called from any; the result operations belong behind the end of the search.
+/// One search. searchDuplicateFileAtPath() runs on one thread; getProgress(),
+/// getCurrentSearchPath(), counts() and stopSearch() may be called from any; the result operations
+/// belong behind the end of the search.
 class duplicateFind final {
 public:
     /// `files` must outlive the object.
@@ -40,7 +42,8 @@ public:
 
     void setSearchOption(bool hidden, bool option);
 
-    /// Searches and returns at the end. A path that does not exist or is no folder is an empty search.
+    /// Searches and returns at the end. A path that does not exist or is no folder is an empty
+    /// search.
     void searchDuplicateFileAtPath(const std::string& path, std::uint64_t limittedSize);
 
     /// Percent: the mean of the bundle search and the pairing. It falls while bundles are compared.
@@ -50,7 +53,8 @@ public:
     /// Appends all duplicates, the members of a group next to each other. False for a null array.
     bool getAllDuplicateFile(FileList* array) const;
 
-    /// Appends the duplicates from the index on; false for a null array and an index beyond the count.
+    /// Appends the duplicates from the index on; false for a null array and an index beyond the
+    /// count.
     bool findNewDuplicateFile(FileList* array, std::uint64_t fromIndex) const;
 
     void getAllAppDuplicateDir(std::vector<AppGroup>& array) const;
@@ -67,7 +71,8 @@ public:
     /// Memory ran out: the search ended like one that was stopped, with what it had found.
     [[nodiscard]] bool ranOutOfMemory() const { return m_outOfMemory; }
 
-    /// Some of what was searched lies where inode numbers need not last, so that files are known by path, size and times there.
+    /// Some of what was searched lies where inode numbers need not last, so that files are known by
+    /// path, size and times there.
     [[nodiscard]] bool inodesPass() const { return m_inodesPass; }
 
     /// Where what was found behind links lies; null when the search followed none.
@@ -107,13 +112,15 @@ private:
     bool m_outOfMemory = false;
     std::optional<Error> m_rootError;
 
-    std::atomic<const fileAttrbItem*> m_item{nullptr};  // in hand; its path is put together only when somebody asks
+    std::atomic<const fileAttrbItem*> m_item{
+        nullptr};  // in hand; its path is put together only when somebody asks
     mutable std::mutex m_mutex;
-    std::shared_ptr<getFileList> m_fileList;               // guarded by m_mutex; while the listing runs
-    std::shared_ptr<FindDuplicateApp> m_findDuplicateApp;  // guarded by m_mutex; while the bundle search runs
-    std::shared_ptr<HashAhead> m_hashAhead;                // guarded by m_mutex; while files are paired
-    mutable std::string m_CurrentSearchPath;               // guarded by m_mutex
-    SearchCounts m_hashCounts;                             // guarded by m_mutex
+    std::shared_ptr<getFileList> m_fileList;  // guarded by m_mutex; while the listing runs
+    std::shared_ptr<FindDuplicateApp>
+        m_findDuplicateApp;                   // guarded by m_mutex; while the bundle search runs
+    std::shared_ptr<HashAhead> m_hashAhead;   // guarded by m_mutex; while files are paired
+    mutable std::string m_CurrentSearchPath;  // guarded by m_mutex
+    SearchCounts m_hashCounts;                // guarded by m_mutex
 };
 
 }  // namespace orrinvale

@@ -1,4 +1,5 @@
-// One candidate file of a duplicate search, and the list that owns such files. getFileList.h fills it.
+// One candidate file of a duplicate search, and the list that owns such files. getFileList.h fills
+// it.
 #pragma once
 
 #include <cstdint>
@@ -14,16 +15,18 @@
 
 namespace orrinvale {
 
-/// A candidate file. Small on purpose, since a search holds one for every listed file: the path is put together from the
-/// folder when it is asked for. Lives in a FileArray.
+/// A candidate file. Small on purpose, since a search holds one for every listed file: the path is
+/// put together from the folder when it is asked for. Lives in a FileArray.
 struct fileAttrbItem {
-    std::uint64_t fileSize = 0;  ///< bytes, from the file's attributes; of a link the size of the link itself
-    std::uint64_t md5 = 0;       ///< hash of the whole file, zero until computed
-    std::uint64_t md5_1k = 0;    ///< hash of the first kilobyte, zero until computed
-    std::int64_t modified = 0;   ///< nanoseconds since 1970 UTC, like `changed`
-    std::int64_t changed = 0;    ///< change of the inode: with those below the identity that a removal asks for
-    std::uint64_t device =
-        0;  ///< the file's own; not its folder's where a file is mounted or layers lie upon each other
+    std::uint64_t fileSize =
+        0;  ///< bytes, from the file's attributes; of a link the size of the link itself
+    std::uint64_t md5 = 0;      ///< hash of the whole file, zero until computed
+    std::uint64_t md5_1k = 0;   ///< hash of the first kilobyte, zero until computed
+    std::int64_t modified = 0;  ///< nanoseconds since 1970 UTC, like `changed`
+    std::int64_t changed =
+        0;  ///< change of the inode: with those below the identity that a removal asks for
+    std::uint64_t device = 0;  ///< the file's own; not its folder's where a file is mounted or
+                               ///< layers lie upon each other
     std::uint64_t inode = 0;
     const FolderNode* folder = nullptr;
     const char* name = nullptr;
@@ -36,8 +39,10 @@ struct fileAttrbItem {
     [[nodiscard]] Date ModificationDate() const { return Date{modified}; }
 
     /// True when both are there, both have a whole-file hash, and the hashes are equal.
-    [[nodiscard]] static bool isEqual(const fileAttrbItem* object, const fileAttrbItem* otherObject) {
-        return object != nullptr && otherObject != nullptr && object->md5 != 0 && object->md5 == otherObject->md5;
+    [[nodiscard]] static bool isEqual(const fileAttrbItem* object,
+                                      const fileAttrbItem* otherObject) {
+        return object != nullptr && otherObject != nullptr && object->md5 != 0 &&
+               object->md5 == otherObject->md5;
     }
 
     void setAttributes(const FileAttributes& attributes);
@@ -46,8 +51,8 @@ struct fileAttrbItem {
 /// References to items that a FileArray owns.
 using FileList = std::vector<fileAttrbItem*>;
 
-/// A growing list of candidate files that owns them, with their names and folders. The items stay where they are, also
-/// when the list grows. One thread at a time.
+/// A growing list of candidate files that owns them, with their names and folders. The items stay
+/// where they are, also when the list grows. One thread at a time.
 class FileArray final {
 public:
     FileArray() = default;

@@ -1,4 +1,5 @@
-// getFileList: see getFileList.h. The tests on paths are in PathTests.cpp, the parallel walk in LooseFileWalk.cpp.
+// getFileList: see getFileList.h. The tests on paths are in PathTests.cpp, the parallel walk in
+// LooseFileWalk.cpp.
 #include "engine/duplicates/getFileList.h"
 
 #include <algorithm>
@@ -12,13 +13,15 @@
 namespace orrinvale {
 namespace {
 
-constexpr const char* listName = "-[getFileList getListAtPath:FileArray:DirectoryArray:LimittedSize:]";
+constexpr const char* listName =
+    "-[getFileList getListAtPath:FileArray:DirectoryArray:LimittedSize:]";
 constexpr const char* topName = "-[getFileList getDirectoryAtPath:resultArray:]";
 constexpr const char* treeName = "-[getFileList getSubpathsOfDirectoryAtPath:InPath:]";
 
 }  // namespace
 
-getFileList::getFileList(const FileSystem& files, SkipList& skipped, const std::atomic<bool>* alsoStop)
+getFileList::getFileList(const FileSystem& files, SkipList& skipped,
+                         const std::atomic<bool>* alsoStop)
     : m_files(files), m_skipped(skipped), m_alsoStop(alsoStop) {}
 getFileList::~getFileList() = default;
 
@@ -56,11 +59,13 @@ void getFileList::setCurrentPath(std::string path) {
 
 bool getFileList::fail(const char* method, const std::string& path, int number) {
     m_rootError = systemError("list", path, number);
-    Log::engine(method, "get contents Of Directory At Path failed{}", path + ": " + m_rootError->reason());
+    Log::engine(method, "get contents Of Directory At Path failed{}",
+                path + ": " + m_rootError->reason());
     return false;
 }
 
-bool getFileList::getListAtPath(const std::string& path, FileArray& FileArray, std::vector<std::string>& DirectoryArray,
+bool getFileList::getListAtPath(const std::string& path, FileArray& FileArray,
+                                std::vector<std::string>& DirectoryArray,
                                 std::uint64_t LimittedSize) {
     m_bStopSearch = false;
     if (m_alsoStop != nullptr && *m_alsoStop) m_bStopSearch = true;
@@ -68,15 +73,18 @@ bool getFileList::getListAtPath(const std::string& path, FileArray& FileArray, s
     m_mayRepeat = false;
     m_inodesPass = false;
     if (path.empty()) return false;
-    // The test for hidden entries is on the whole path: below a hidden folder there is nothing to find.
+    // The test for hidden entries is on the whole path: below a hidden folder there is nothing to
+    // find.
     if (!m_bSearchHiddenFile && IsHiddenFile(path)) {
         const auto root = openFolderByPath(m_files, path, Links::Follow);
         CatalogBatch batch;
-        const auto listed = root ? m_files.readFolder(root->get(), batch) : tl::unexpected(root.error());
+        const auto listed =
+            root ? m_files.readFolder(root->get(), batch) : tl::unexpected(root.error());
         return listed || fail(topName, path, listed.error());
     }
 
-    LooseFileQuery query{path, LimittedSize, m_bSearchHiddenFile, m_bSearchSystemDirectory, m_passingInodes};
+    LooseFileQuery query{path, LimittedSize, m_bSearchHiddenFile, m_bSearchSystemDirectory,
+                         m_passingInodes};
     auto walk = std::make_unique<LooseFileWalk>(m_files, query, m_bStopSearch, m_skipped);
     {
         const std::lock_guard lock(m_mutex);
@@ -127,20 +135,23 @@ SysResult<void> getFileList::appendTree(const std::string& path, std::vector<std
     };
     listing.failed = [&](std::string_view relative, int error) {
         const Error failure = systemError("list", joinPath(path, relative), error);
-        Log::engine(treeName, "get contents Of Directory At Path failed{}", failure.path + ": " + failure.reason());
+        Log::engine(treeName, "get contents Of Directory At Path failed{}",
+                    failure.path + ": " + failure.reason());
         m_skipped.add(failure);
     };
     return listTree(m_files, start->get(), listing, m_bStopSearch);
 }
 
-bool getFileList::getSubpathsOfDirectoryAtPath(std::vector<std::string>& array, const std::string& InPath) {
+bool getFileList::getSubpathsOfDirectoryAtPath(std::vector<std::string>& array,
+                                               const std::string& InPath) {
     if (InPath.empty() || m_bStopSearch) return false;
     const auto listed = appendTree(InPath, array);
     if (!listed) return fail(treeName, InPath, listed.error());
     return !m_bStopSearch;
 }
 
-bool getFileList::getDirectoryAtPath(const std::string& path, std::vector<std::string>& resultArray) {
+bool getFileList::getDirectoryAtPath(const std::string& path,
+                                     std::vector<std::string>& resultArray) {
     if (path.empty()) return false;
     const auto root = openFolderByPath(m_files, path, Links::Follow);
     if (!root) return fail(topName, path, root.error());

@@ -1,5 +1,6 @@
-// The listing of a duplicate search: loose files larger than a limit, and application bundles. LooseFileWalk does the work on all
-// cores; the single operations are here for callers that need one of them.
+// The listing of a duplicate search: loose files larger than a limit, and application bundles.
+// LooseFileWalk does the work on all cores; the single operations are here for callers that need
+// one of them.
 #pragma once
 
 #include <atomic>
@@ -20,12 +21,15 @@ namespace orrinvale {
 class LooseFileWalk;
 struct TreeListing;
 
-/// One listing at a time, on one thread; stopSearch(), m_CurrentPath() and listedFiles() may be called from any thread.
+/// One listing at a time, on one thread; stopSearch(), m_CurrentPath() and listedFiles() may be
+/// called from any thread.
 class getFileList final {
 public:
-    /// All must outlive the object. What could not be read is added to `skipped`. `alsoStop`, when given, ends a listing like
-    /// stopSearch(), but is not cleared: a stop that comes before the listing has begun is not lost.
-    getFileList(const FileSystem& files, SkipList& skipped, const std::atomic<bool>* alsoStop = nullptr);
+    /// All must outlive the object. What could not be read is added to `skipped`. `alsoStop`, when
+    /// given, ends a listing like stopSearch(), but is not cleared: a stop that comes before the
+    /// listing has begun is not lost.
+    getFileList(const FileSystem& files, SkipList& skipped,
+                const std::atomic<bool>* alsoStop = nullptr);
     ~getFileList();
     getFileList(const getFileList&) = delete;
     getFileList& operator=(const getFileList&) = delete;
@@ -34,25 +38,30 @@ public:
     void setSearchSystemDirectory(bool search) { m_bSearchSystemDirectory = search; }
 
     /// FileSystem::devicesOfPassingInodes(), which a search asks for once.
-    void setPassingInodes(std::vector<std::uint64_t> devices) { m_passingInodes = std::move(devices); }
+    void setPassingInodes(std::vector<std::uint64_t> devices) {
+        m_passingInodes = std::move(devices);
+    }
 
-    /// Appends every loose file below `path` that is larger than LimittedSize (bytes) to FileArray, in the order of a sequential
-    /// walk, and every outermost bundle with an entry larger than that to DirectoryArray. True when the root could be listed,
-    /// also after a stop. An empty path is false.
-    bool getListAtPath(const std::string& path, FileArray& FileArray, std::vector<std::string>& DirectoryArray,
-                       std::uint64_t LimittedSize);
+    /// Appends every loose file below `path` that is larger than LimittedSize (bytes) to FileArray,
+    /// in the order of a sequential walk, and every outermost bundle with an entry larger than that
+    /// to DirectoryArray. True when the root could be listed, also after a stop. An empty path is
+    /// false.
+    bool getListAtPath(const std::string& path, FileArray& FileArray,
+                       std::vector<std::string>& DirectoryArray, std::uint64_t LimittedSize);
 
-    /// Appends the paths of everything below the root, subject to the tests on the direct entries: hidden folders, the system's
-    /// folders in "/", and links there are followed. True when the root could be listed.
+    /// Appends the paths of everything below the root, subject to the tests on the direct entries:
+    /// hidden folders, the system's folders in "/", and links there are followed. True when the
+    /// root could be listed.
     bool getDirectoryAtPath(const std::string& path, std::vector<std::string>& resultArray);
 
-    /// Appends everything below the folder, each folder behind its contents; links are left out. True when the folder was
-    /// listed and no stop was set.
+    /// Appends everything below the folder, each folder behind its contents; links are left out.
+    /// True when the folder was listed and no stop was set.
     bool getSubpathsOfDirectoryAtPath(std::vector<std::string>& array, const std::string& InPath);
 
-    /// True when the path lies in or is a bundle. The outermost one is appended to outArray when the entry itself is larger
-    /// than limitSize and the bundle is not there yet.
-    bool getAppDirectory(const std::string& path, std::vector<std::string>& outArray, std::uint64_t limitSize);
+    /// True when the path lies in or is a bundle. The outermost one is appended to outArray when
+    /// the entry itself is larger than limitSize and the bundle is not there yet.
+    bool getAppDirectory(const std::string& path, std::vector<std::string>& outArray,
+                         std::uint64_t limitSize);
 
     [[nodiscard]] static bool IsHiddenFile(std::string_view path);
     [[nodiscard]] static bool IsSystemDirectory(std::string_view path);
@@ -71,7 +80,8 @@ public:
     /// Why the root could not be listed, after a false answer.
     [[nodiscard]] const std::optional<Error>& rootError() const { return m_rootError; }
 
-    /// True when the last listing may hold many directory entries twice: it followed a link, or met a mount.
+    /// True when the last listing may hold many directory entries twice: it followed a link, or met
+    /// a mount.
     [[nodiscard]] bool mayRepeat() const { return m_mayRepeat; }
 
     /// True when the last listing met a folder whose inode numbers need not last.

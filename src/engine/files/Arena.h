@@ -1,4 +1,5 @@
-// Storage for the many small things that a scan keeps: names, records, folders. Nothing in it is freed alone.
+// Storage for the many small things that a scan keeps: names, records, folders. Nothing in it is
+// freed alone.
 #pragma once
 
 #include <algorithm>

@@ -26,11 +26,13 @@ OSErr errorOf(int number) {
 }
 
 bool isOther(const FSRef& ref, const FileAttributes& now) {
-    return ref.identity() && (ref.identity()->device != now.device || ref.identity()->inode != now.inode);
+    return ref.identity() &&
+           (ref.identity()->device != now.device || ref.identity()->inode != now.inode);
 }
 
 void fill(FSCatalogInfo& info, FileType type, const FileAttributes& seen) {
-    info.nodeFlags = type == FileType::Folder ? FSCatalogInfo::kFSNodeIsDirectoryMask : std::uint16_t{0};
+    info.nodeFlags =
+        type == FileType::Folder ? FSCatalogInfo::kFSNodeIsDirectoryMask : std::uint16_t{0};
     info.dataLogicalSize = countedSize(seen);
 }
 
@@ -68,9 +70,9 @@ OSErr Catalog::FSOpenIterator(const FSRef& container, FSIterator& iterator) cons
     return noErr;
 }
 
-OSErr Catalog::FSGetCatalogInfoBulk(FSIterator& iterator, std::size_t maximumObjects, std::size_t& actualObjects,
-                                    std::uint32_t whichInfo, FSCatalogInfo* infos, FSRef* refs,
-                                    std::string* names) const {
+OSErr Catalog::FSGetCatalogInfoBulk(FSIterator& iterator, std::size_t maximumObjects,
+                                    std::size_t& actualObjects, std::uint32_t whichInfo,
+                                    FSCatalogInfo* infos, FSRef* refs, std::string* names) const {
     actualObjects = 0;
     if (!iterator.m_folder || maximumObjects == 0) return paramErr;
     while (actualObjects < maximumObjects) {
@@ -115,8 +117,9 @@ bool Catalog::take(const FSIterator& iterator, CatalogEntry& entry, std::uint32_
 
 OSErr Catalog::FSGetCatalogInfo(const FSRef& ref, FSCatalogInfo& info) const {
     if (!ref.isValid()) return paramErr;
-    const auto now = ref.name().empty() ? m_files.attributes(ref.base())
-                                        : m_files.attributes(ref.base(), ref.name().c_str(), Links::Keep);
+    const auto now = ref.name().empty()
+                         ? m_files.attributes(ref.base())
+                         : m_files.attributes(ref.base(), ref.name().c_str(), Links::Keep);
     if (!now) return errorOf(now.error());
     if (isOther(ref, *now)) return fnfErr;
     info = {};
@@ -125,8 +128,8 @@ OSErr Catalog::FSGetCatalogInfo(const FSRef& ref, FSCatalogInfo& info) const {
     return noErr;
 }
 
-// The system's answer for an entry that is gone, or for a folder out of this process's reach, is no path; so the way back must
-// lead to the entry.
+// The system's answer for an entry that is gone, or for a folder out of this process's reach, is no
+// path; so the way back must lead to the entry.
 std::optional<std::string> Catalog::FSRefMakePath(const FSRef& ref) const {
     FSCatalogInfo entry;
     if (FSGetCatalogInfo(ref, entry) != noErr) return std::nullopt;
@@ -135,7 +138,8 @@ std::optional<std::string> Catalog::FSRefMakePath(const FSRef& ref) const {
     if (!ref.name().empty()) *path = joinPath(*path, ref.name());
     if (path->size() > longestMade) return std::nullopt;
     const auto there = m_files.attributes(FileSystem::noParent, path->c_str(), Links::Keep);
-    if (!there || there->device != entry.attributes.device || there->inode != entry.attributes.inode)
+    if (!there || there->device != entry.attributes.device ||
+        there->inode != entry.attributes.inode)
         return std::nullopt;
     return *path;
 }

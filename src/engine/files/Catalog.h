@@ -1,5 +1,5 @@
-// Catalog: folders and their entries by reference instead of by path, a batch at a time. TreeSize.h is the faster way where only
-// sums are wanted.
+// Catalog: folders and their entries by reference instead of by path, a batch at a time. TreeSize.h
+// is the faster way where only sums are wanted.
 #pragma once
 
 #include <cstdint>
@@ -37,15 +37,17 @@ struct FSCatalogInfo {
 
     std::uint16_t nodeFlags = 0;
     std::uint64_t dataLogicalSize = 0;  ///< of a file or the text of a link; a folder has none
-    FileAttributes attributes;  ///< only with kFSCatInfoGettableInfo; `error` then tells whether they could be had
+    FileAttributes attributes;  ///< only with kFSCatInfoGettableInfo; `error` then tells whether
+                                ///< they could be had
     int error = 0;              ///< errno
 
     [[nodiscard]] bool isFolder() const { return (nodeFlags & kFSNodeIsDirectoryMask) != 0; }
 };
 
-/// Names one entry of a file system without a path: an entry held open, or a name below a folder held open. Copies share the
-/// descriptor, which closes with the last of them; so a caller that keeps a reference from each level of a tree
-/// keeps a descriptor for each level. A default one names nothing.
+/// Names one entry of a file system without a path: an entry held open, or a name below a folder
+/// held open. Copies share the descriptor, which closes with the last of them; so a caller that
+/// keeps a reference from each level of a tree keeps a descriptor for each level. A default one
+/// names nothing.
 class FSRef final {
 public:
     FSRef() = default;
@@ -58,7 +60,8 @@ public:
     [[nodiscard]] int base() const { return m_held ? m_held->get() : -1; }
     [[nodiscard]] const std::string& name() const { return m_name; }
 
-    /// From the moment on that the catalog has seen the entry's attributes, the reference names this entry and no other.
+    /// From the moment on that the catalog has seen the entry's attributes, the reference names
+    /// this entry and no other.
     void setIdentity(const FileAttributes& seen) { m_identity = EntryIdentity::of(seen); }
     [[nodiscard]] const std::optional<EntryIdentity>& identity() const { return m_identity; }
 
@@ -91,13 +94,15 @@ public:
     /// Begins a flat listing. errFSNotAFolder when the reference names something else.
     [[nodiscard]] OSErr FSOpenIterator(const FSRef& container, FSIterator& iterator) const;
 
-    /// The next entries, at most `maximumObjects` of them, in the system's order. `infos` has that much room, and so have
-    /// `refs` and `names` unless they are null. errFSNoMoreItems comes with the last items, of which there may be none. On any
-    /// other error there are no items. An entry that goes away during the call is left out. Only where sizes
-    /// or all information are asked for are entries looked at one by one.
+    /// The next entries, at most `maximumObjects` of them, in the system's order. `infos` has that
+    /// much room, and so have `refs` and `names` unless they are null. errFSNoMoreItems comes with
+    /// the last items, of which there may be none. On any other error there are no items. An entry
+    /// that goes away during the call is left out. Only where sizes or all information are asked
+    /// for are entries looked at one by one.
     [[nodiscard]] OSErr FSGetCatalogInfoBulk(FSIterator& iterator, std::size_t maximumObjects,
-                                             std::size_t& actualObjects, std::uint32_t whichInfo, FSCatalogInfo* infos,
-                                             FSRef* refs, std::string* names) const;
+                                             std::size_t& actualObjects, std::uint32_t whichInfo,
+                                             FSCatalogInfo* infos, FSRef* refs,
+                                             std::string* names) const;
 
     /// The information about one entry.
     [[nodiscard]] OSErr FSGetCatalogInfo(const FSRef& ref, FSCatalogInfo& info) const;
@@ -105,11 +110,13 @@ public:
     /// Ends a listing. The references that came from it stay good.
     static void FSCloseIterator(FSIterator& iterator) { iterator = FSIterator(); }
 
-    /// The path at which the entry stands now, at most 4095 bytes; nothing when it is longer or the entry is gone.
+    /// The path at which the entry stands now, at most 4095 bytes; nothing when it is longer or the
+    /// entry is gone.
     [[nodiscard]] std::optional<std::string> FSRefMakePath(const FSRef& ref) const;
 
 private:
-    bool take(const FSIterator& iterator, CatalogEntry& entry, std::uint32_t whichInfo, FSCatalogInfo& info) const;
+    bool take(const FSIterator& iterator, CatalogEntry& entry, std::uint32_t whichInfo,
+              FSCatalogInfo& info) const;
 
     const FileSystem& m_files;
 };

@@ -1,4 +1,5 @@
-// DurableFile: see DurableFile.h. The order of the system calls in commit() is the point of this file; the tests break each one.
+// DurableFile: see DurableFile.h. The order of the system calls in commit() is the point of this
+// file; the tests break each one.
 #include "engine/files/DurableFile.h"
 
 #include <fcntl.h>
@@ -27,15 +28,20 @@ Error notRegular(std::string_view operation, const std::string& path) {
     return Error{ErrorKind::NotARegularFile, operation, path, 0};
 }
 
-// What lies in the file itself, and not in this process or in the folder: such a file would fail in every run to come.
-bool isDamage(const Error& error) { return error.number == EFBIG || error.number == EIO || error.number == EACCES; }
+// What lies in the file itself, and not in this process or in the folder: such a file would fail in
+// every run to come.
+bool isDamage(const Error& error) {
+    return error.number == EFBIG || error.number == EIO || error.number == EACCES;
+}
 
 Result<void> lock(int file, const std::string& path) {
     for (int tries = 1; ::flock(file, LOCK_EX | LOCK_NB) != 0; ++tries) {
         if (errno == EINTR) continue;
-        // A file system without locks is no reason to save nothing: writers then take no turns, and each still writes whole files.
+        // A file system without locks is no reason to save nothing: writers then take no turns, and
+        // each still writes whole files.
         if (errno == ENOLCK || errno == EOPNOTSUPP || errno == ENOSYS) return {};
-        if (errno != EWOULDBLOCK || tries >= kLockTries) return tl::unexpected(systemError("lock", path, errno));
+        if (errno != EWOULDBLOCK || tries >= kLockTries)
+            return tl::unexpected(systemError("lock", path, errno));
         std::this_thread::sleep_for(kLockPause);
     }
     return {};
@@ -67,7 +73,8 @@ bool isThere(int folder, const std::string& name) {
     return ::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 || errno != ENOENT;
 }
 
-// Never over another entry; 0 or the error. Where the file system has no such rename, the one who asks holds the writers' lock.
+// Never over another entry; 0 or the error. Where the file system has no such rename, the one who
+// asks holds the writers' lock.
 int renameToFree(int folder, const std::string& from, const std::string& to) {
     if (::renameat2(folder, from.c_str(), folder, to.c_str(), RENAME_NOREPLACE) == 0) return 0;
     if (errno != EINVAL && errno != ENOSYS) return errno;
@@ -78,16 +85,19 @@ int renameToFree(int folder, const std::string& from, const std::string& to) {
 }  // namespace
 
 Result<std::string> DurableFile::read(const std::string& path, std::size_t limit, Owner owner) {
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC));
+    const Descriptor file(
+        ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC));
     if (!file.isOpen()) return tl::unexpected(systemError("open", path, errno));
     struct stat status {};
     if (::fstat(file.get(), &status) != 0) return tl::unexpected(systemError("stat", path, errno));
     if (!S_ISREG(status.st_mode)) return tl::unexpected(notRegular("open", path));
-    if (owner == Owner::Me && status.st_uid != ::geteuid()) return tl::unexpected(systemError("open", path, EPERM));
+    if (owner == Owner::Me && status.st_uid != ::geteuid())
+        return tl::unexpected(systemError("open", path, EPERM));
     return readBytes(file.get(), limit, path);
 }
 
-Result<std::string> DurableFile::readWell(const std::string& path, std::size_t limit, const Test& isWell) {
+Result<std::string> DurableFile::readWell(const std::string& path, std::size_t limit,
+                                          const Test& isWell) {
     auto bytes = read(path, limit);
     if (bytes ? isWell(*bytes) : !isDamage(bytes.error())) return bytes;
     // Looked at again as a writer: another process may be about to mend the file.
@@ -106,7 +116,8 @@ Result<std::string> DurableFile::current(std::size_t limit, const Test& isWell) 
 Result<std::string> DurableFile::keepCopy(const std::string& path, std::string_view bytes) {
     for (int number = 1; number <= asideLimit; ++number) {
         const std::string aside = asideName(path, number);
-        if (const auto there = read(aside, bytes.size()); there && *there == bytes) return std::string();
+        if (const auto there = read(aside, bytes.size()); there && *there == bytes)
+            return std::string();
         auto copy = begin(aside);
         if (!copy) return tl::unexpected(copy.error());
         if (isThere(copy->m_folder.get(), copy->m_name)) continue;
@@ -152,13 +163,16 @@ Result<void> DurableFile::makeFolder(const std::string& path) {
     if (number != 0) return tl::unexpected(systemError("mkdir", path, number));
     const Descriptor above(::open(folderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     number = above.isOpen() ? flushFolder(above.get()) : errno;
-    // A folder that may be entered but not listed can not be flushed; the new one in it is none the worse.
+    // A folder that may be entered but not listed can not be flushed; the new one in it is none the
+    // worse.
     if (number != 0 && number != EACCES) return tl::unexpected(systemError("fsync", path, number));
     return {};
 }
 
 DurableFile::DurableFile(std::string path, Descriptor folder)
-    : m_path(std::move(path)), m_name(m_path.substr(m_path.rfind('/') + 1)), m_folder(std::move(folder)) {}
+    : m_path(std::move(path)),
+      m_name(m_path.substr(m_path.rfind('/') + 1)),
+      m_folder(std::move(folder)) {}
 
 DurableFile::~DurableFile() {
     if (m_file.isOpen()) ::unlinkat(m_folder.get(), (m_name + ".new").c_str(), 0);
@@ -181,11 +195,12 @@ Result<DurableFile> DurableFile::begin(const std::string& path) {
     return tl::unexpected(systemError("lock", path, EWOULDBLOCK));
 }
 
-// False when the file that was locked is no longer the one of that name: its writer has renamed or removed it meanwhile.
+// False when the file that was locked is no longer the one of that name: its writer has renamed or
+// removed it meanwhile.
 Result<bool> DurableFile::takeTemporary() {
     const std::string name = m_name + ".new";
-    Descriptor file(
-        ::openat(m_folder.get(), name.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600));
+    Descriptor file(::openat(m_folder.get(), name.c_str(),
+                             O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600));
     if (!file.isOpen()) return failure("create", errno);
     if (auto locked = lock(file.get(), m_path); !locked) return tl::unexpected(locked.error());
     struct stat own {};
@@ -213,7 +228,8 @@ Result<void> DurableFile::commit(std::string_view bytes) {
     if (::renameat(m_folder.get(), (m_name + ".new").c_str(), m_folder.get(), m_name.c_str()) != 0)
         return failure("rename", errno);
     m_file.reset();
-    if (const int number = flushFolder(m_folder.get()); number != 0) return failure("fsync", number);
+    if (const int number = flushFolder(m_folder.get()); number != 0)
+        return failure("fsync", number);
     return {};
 }
 
@@ -228,8 +244,8 @@ Result<void> DurableFile::writeWhole(std::string_view bytes) const {
     struct stat status {};
     if (::fstat(m_file.get(), &status) != 0) return failure("stat", errno);
     if (status.st_size != static_cast<off_t>(bytes.size())) return failure("write", EIO);
-    // Network file systems tell of a lost write when a descriptor is closed. It is a copy that is closed here, because the
-    // lock must hold until the rename.
+    // Network file systems tell of a lost write when a descriptor is closed. It is a copy that is
+    // closed here, because the lock must hold until the rename.
     const int copy = ::fcntl(m_file.get(), F_DUPFD_CLOEXEC, 3);
     if (copy < 0) return failure("close", errno);
     if (::close(copy) != 0 && errno != EINTR) return failure("close", errno);
@@ -253,7 +269,8 @@ Result<void> DurableFile::putAside() const {
         const int error = renameToFree(m_folder.get(), m_name, asideName(m_name, number));
         if (error == EEXIST) continue;
         if (error != 0) return failure("rename", error);
-        Log::line(fmt::format("{} can not be read and is kept as {}.", m_path, asideName(m_path, number)));
+        Log::line(fmt::format("{} can not be read and is kept as {}.", m_path,
+                              asideName(m_path, number)));
         return {};
     }
     return failure("rename", EEXIST);

@@ -37,11 +37,13 @@ std::string pathOf(const FolderNode& folder) {
     return pathOf(*folder.parent, folder.name);
 }
 
-SysResult<Descriptor> openFolderByPath(const FileSystem& files, const std::string& path, Links last) {
+SysResult<Descriptor> openFolderByPath(const FileSystem& files, const std::string& path,
+                                       Links last) {
     return openFolderBelow(files, FileSystem::noParent, path, last);
 }
 
-SysResult<Descriptor> openFolderBelow(const FileSystem& files, int start, std::string_view relative, Links last) {
+SysResult<Descriptor> openFolderBelow(const FileSystem& files, int start, std::string_view relative,
+                                      Links last) {
     const std::string path(relative);
     if (path.size() < longestPath) return files.openFolder(start, path.c_str(), last);
     Descriptor base;
@@ -54,7 +56,8 @@ SysResult<Descriptor> openFolderBelow(const FileSystem& files, int start, std::s
             if (end == std::string::npos || end <= at) return tl::unexpected(ENAMETOOLONG);
         }
         const std::string piece = path.substr(at, end - at);
-        auto next = files.openFolder(parent, piece.c_str(), end == path.size() ? last : Links::Follow);
+        auto next =
+            files.openFolder(parent, piece.c_str(), end == path.size() ? last : Links::Follow);
         if (!next) return next;
         base = std::move(*next);
         parent = base.get();

@@ -1,5 +1,5 @@
-// FolderWalk: see FolderWalk.h. A task is a folder, to be opened or to be listed further: while one worker looks at the entries of a
-// large piece of a folder another lists the next one.
+// FolderWalk: see FolderWalk.h. A task is a folder, to be opened or to be listed further: while one
+// worker looks at the entries of a large piece of a folder another lists the next one.
 #include "engine/files/FolderWalk.h"
 
 #include <algorithm>
@@ -12,15 +12,18 @@ namespace {
 
 // A piece of a folder worth another worker's start: looking at it takes longer than handing over.
 constexpr std::size_t largePiece = 128;
-// Subfolders that may wait before the listing of their parent pauses, so that a folder of a million folders takes no memory.
+// Subfolders that may wait before the listing of their parent pauses, so that a folder of a million
+// folders takes no memory.
 constexpr std::size_t mostFound = 1024;
 
 }  // namespace
 
 FolderWalk::FolderWalk(const FileSystem& files, const std::atomic<bool>* stop, SkipList* skipped)
     : m_files(files), m_stop(stop), m_skipped(skipped) {
-    // An eighth, so that six lists of a cleaning page can be measured at once and leave enough for the rest.
-    m_mostOpen = std::max<std::size_t>(8, std::min<std::size_t>(m_files.descriptorLimit(), 65536) / 8);
+    // An eighth, so that six lists of a cleaning page can be measured at once and leave enough for
+    // the rest.
+    m_mostOpen =
+        std::max<std::size_t>(8, std::min<std::size_t>(m_files.descriptorLimit(), 65536) / 8);
     for (unsigned i = 0; i < m_workers.size(); ++i) m_workers[i].number = i;
 }
 
@@ -28,7 +31,8 @@ void FolderWalk::walk(std::unique_ptr<WalkedFolder> start, std::string shown, De
     start->text = std::move(shown);
     start->name = start->text.c_str();
     start->handle = std::move(handle);
-    if (const auto attributes = m_files.attributes(start->handle.get())) m_startDevice = attributes->device;
+    if (const auto attributes = m_files.attributes(start->handle.get()))
+        m_startDevice = attributes->device;
     start->device = m_startDevice;
     push(start.release());
     m_crew.run([this](unsigned worker) { return step(worker); });
@@ -42,7 +46,8 @@ WorkCrew::Step FolderWalk::step(unsigned number) {
         folder = m_tasks.back();
         m_tasks.pop_back();
     }
-    // Goes on with the first subfolder itself: in a chain of folders there is nothing for others, and nobody is woken.
+    // Goes on with the first subfolder itself: in a chain of folders there is nothing for others,
+    // and nobody is woken.
     Worker& worker = m_workers[number];
     while (folder != nullptr) {
         visit(worker, folder);
@@ -70,13 +75,14 @@ bool FolderWalk::enter(Worker& worker, WalkedFolder& folder) {
     releaseHandle(*folder.above);
     if (!opened) {
         // No folder any more: exchanged for something else since it was listed.
-        if (opened.error() != ENOTDIR && opened.error() != ELOOP) fail(folder, "open", opened.error());
+        if (opened.error() != ENOTDIR && opened.error() != ELOOP)
+            fail(folder, "open", opened.error());
         return false;
     }
     folder.handle = std::move(*opened);
     const bool deep = m_openFolders.fetch_add(1) >= m_mostOpen;
-    // Whoever looked at it in its parent knows its device already. What stands on another one is looked at again, since an
-    // automatic mount shows only now what it leads to.
+    // Whoever looked at it in its parent knows its device already. What stands on another one is
+    // looked at again, since an automatic mount shows only now what it leads to.
     if (folder.device == 0 || folder.device != deviceAbove) {
         const auto attributes = m_files.attributes(folder.handle.get());
         if (!attributes) return true;
@@ -88,7 +94,8 @@ bool FolderWalk::enter(Worker& worker, WalkedFolder& folder) {
     return !deep;
 }
 
-// Hands the rest of a large folder, or of one with many subfolders, to whoever is free, before the piece in hand is looked at.
+// Hands the rest of a large folder, or of one with many subfolders, to whoever is free, before the
+// piece in hand is looked at.
 void FolderWalk::list(Worker& worker, WalkedFolder& folder) {
     while (!stopped()) {
         const auto more = m_files.readFolder(folder.handle.get(), worker.batch);
@@ -99,7 +106,8 @@ void FolderWalk::list(Worker& worker, WalkedFolder& folder) {
         }
         const std::uint32_t first = folder.listedCount;
         folder.listedCount += static_cast<std::uint32_t>(worker.batch.entries.size());
-        const bool handOver = worker.batch.entries.size() >= largePiece || worker.found.size() >= mostFound;
+        const bool handOver =
+            worker.batch.entries.size() >= largePiece || worker.found.size() >= mostFound;
         if (handOver) {
             folder.handleUsers.fetch_add(1);
             folder.users.fetch_add(1);
@@ -110,7 +118,8 @@ void FolderWalk::list(Worker& worker, WalkedFolder& folder) {
     }
 }
 
-void FolderWalk::addFound(Worker& worker, WalkedFolder& parent, WalkedFolder* found, const char* name) {
+void FolderWalk::addFound(Worker& worker, WalkedFolder& parent, WalkedFolder* found,
+                          const char* name) {
     found->parent = &parent;
     found->above = &parent;
     found->name = name != nullptr ? name : found->text.c_str();
@@ -139,7 +148,8 @@ void FolderWalk::push(WalkedFolder* folder) {
     m_crew.wake();
 }
 
-// Leaves the found subfolders to all, but for the first, which is the answer and takes the place of the task in hand.
+// Leaves the found subfolders to all, but for the first, which is the answer and takes the place of
+// the task in hand.
 WalkedFolder* FolderWalk::pushFound(Worker& worker) {
     if (worker.found.empty()) return nullptr;
     WalkedFolder* const first = worker.found.front();

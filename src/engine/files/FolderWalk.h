@@ -1,5 +1,5 @@
-// FolderWalk: the walk through one folder by as many threads as pay. Measuring adds up what it meets, the large file page makes a
-// tree of it. Read FolderWalk::step() first.
+// FolderWalk: the walk through one folder by as many threads as pay. Measuring adds up what it
+// meets, the large file page makes a tree of it. Read FolderWalk::step() first.
 #pragma once
 
 #include <atomic>
@@ -26,14 +26,17 @@ struct WalkedFolder : FolderNode {
     std::string text;  // `name` points here, unless it lies where it lasts anyway
     WalkedFolder* above = nullptr;
     Descriptor handle;
-    std::uint32_t listedCount = 0;              // entries that its listing has given so far
-    std::atomic<std::uint32_t> handleUsers{1};  // its own listing, batches in hand, subfolders not opened yet
-    std::atomic<std::uint32_t> users{1};        // the same, subfolders that exist, and whoever else took hold of it
+    std::uint32_t listedCount = 0;  // entries that its listing has given so far
+    std::atomic<std::uint32_t> handleUsers{
+        1};  // its own listing, batches in hand, subfolders not opened yet
+    std::atomic<std::uint32_t> users{
+        1};  // the same, subfolders that exist, and whoever else took hold of it
 };
 
-/// Links are not followed. Mounted file systems below the start are walked, but the kernel's own (proc, sysfs, ...) only when the start
-/// lies in them. A descriptor is held for folders on the way to those being listed, up to an eighth of what the process
-/// may have; what is deeper goes to takeDeep(). A folder of any width is listed in pieces.
+/// Links are not followed. Mounted file systems below the start are walked, but the kernel's own
+/// (proc, sysfs, ...) only when the start lies in them. A descriptor is held for folders on the way
+/// to those being listed, up to an eighth of what the process may have; what is deeper goes to
+/// takeDeep(). A folder of any width is listed in pieces.
 class FolderWalk {
 public:
     static constexpr unsigned mostThreads = 64;
@@ -55,18 +58,22 @@ protected:
     /// Walks from an open folder; `shown` is the path that errors give for it. Once only.
     void walk(std::unique_ptr<WalkedFolder> start, std::string shown, Descriptor handle);
 
-    /// The entries in worker.batch are of the folder, the first of them at this place of its listing. Subfolders go to
-    /// addFound(), which makes them known to other workers when this returns.
+    /// The entries in worker.batch are of the folder, the first of them at this place of its
+    /// listing. Subfolders go to addFound(), which makes them known to other workers when this
+    /// returns.
     virtual void take(Worker& worker, WalkedFolder& folder, std::uint32_t first) = 0;
-    /// So many folders are open that no more should be: takes all below the open folder, with this thread alone.
+    /// So many folders are open that no more should be: takes all below the open folder, with this
+    /// thread alone.
     virtual void takeDeep(Worker& worker, WalkedFolder& folder) = 0;
     /// One folder is done with, but for its subfolders.
     virtual void visited(Worker& worker) { static_cast<void>(worker); }
-    /// All batches of the folder have been given out; some may be in the hands of other workers still.
+    /// All batches of the folder have been given out; some may be in the hands of other workers
+    /// still.
     virtual void listed(WalkedFolder& folder) { static_cast<void>(folder); }
 
     /// `name` must last as long as the folder does, unless it is empty and `found->text` holds it.
-    static void addFound(Worker& worker, WalkedFolder& parent, WalkedFolder* found, const char* name);
+    static void addFound(Worker& worker, WalkedFolder& parent, WalkedFolder* found,
+                         const char* name);
     /// Lets go of a folder; it and those above go with their last user. Any thread.
     static void release(WalkedFolder* folder);
 
@@ -98,7 +105,8 @@ private:
     std::atomic<std::size_t> m_openFolders{1};
     std::atomic<std::size_t> m_open{0};  // tasks that wait or run
     std::mutex m_mutex;
-    std::vector<WalkedFolder*> m_tasks;  // guarded by m_mutex; the last in goes first, which keeps the walk depth first
+    std::vector<WalkedFolder*>
+        m_tasks;  // guarded by m_mutex; the last in goes first, which keeps the walk depth first
 };
 
 }  // namespace orrinvale

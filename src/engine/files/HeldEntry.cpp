@@ -14,13 +14,16 @@ using Objection = HeldEntry::Objection;
 
 constexpr std::size_t longestPath = 4000;  // below PATH_MAX (4096), which counts the closing NUL
 
-Objection refused(std::string reason, StayReason why) { return {Objection::Kind::Refused, 0, std::move(reason), why}; }
+Objection refused(std::string reason, StayReason why) {
+    return {Objection::Kind::Refused, 0, std::move(reason), why};
+}
 
 Objection failed(Objection::Kind kind, int error) {
     return {kind, error, systemError("hold", {}, error).reason(), stayReasonOf(error)};
 }
 
-// Once, and then held. A path longer than the system's limit is gone through piece by piece, each from the one before.
+// Once, and then held. A path longer than the system's limit is gone through piece by piece, each
+// from the one before.
 SysResult<Descriptor> hold(const FileSystem& files, const std::string& path) {
     Descriptor base;
     std::string_view rest = path;
@@ -33,12 +36,14 @@ SysResult<Descriptor> hold(const FileSystem& files, const std::string& path) {
         base = std::move(*next);
         rest.remove_prefix(cut + 1);
     }
-    return files.holdFolder(base.isOpen() ? base.get() : FileSystem::noParent, std::string(rest).c_str(),
-                            Links::Follow);
+    return files.holdFolder(base.isOpen() ? base.get() : FileSystem::noParent,
+                            std::string(rest).c_str(), Links::Follow);
 }
 
-// The path as it was given may lead through links, so that the place of the held parent is asked for too.
-std::optional<Objection> objection(const FileSystem& files, const ProtectedPlaces& places, const HeldEntry& held) {
+// The path as it was given may lead through links, so that the place of the held parent is asked
+// for too.
+std::optional<Objection> objection(const FileSystem& files, const ProtectedPlaces& places,
+                                   const HeldEntry& held) {
     if (auto reason = places.refusal(held.path, held.attributes))
         return refused(std::move(*reason), StayReason::Protected);
     if (const auto place = files.placeOf(held.parent.get()); place && place->starts_with('/'))
@@ -46,9 +51,12 @@ std::optional<Objection> objection(const FileSystem& files, const ProtectedPlace
             return refused(std::move(*reason), StayReason::Protected);
     const auto folder = files.attributes(held.parent.get());
     if (!folder) return failed(Objection::Kind::NoParent, folder.error());
-    // Layered file systems give files the device of their layer, so that it tells a mount of folders only.
-    const bool otherDevice = held.attributes.type == FileType::Folder && folder->device != held.attributes.device;
-    if (otherDevice || folder->mount != held.attributes.mount) return refused("a mount point", StayReason::Protected);
+    // Layered file systems give files the device of their layer, so that it tells a mount of
+    // folders only.
+    const bool otherDevice =
+        held.attributes.type == FileType::Folder && folder->device != held.attributes.device;
+    if (otherDevice || folder->mount != held.attributes.mount)
+        return refused("a mount point", StayReason::Protected);
     return std::nullopt;
 }
 
@@ -58,12 +66,15 @@ SysResult<Descriptor> HeldEntry::holdParentOf(const FileSystem& files, const std
     return hold(files, folderOf(path));
 }
 
-tl::expected<HeldEntry, Objection> HeldEntry::at(const FileSystem& files, const ProtectedPlaces& places,
-                                                 const std::string& path, const std::optional<EntryIdentity>& expected,
+tl::expected<HeldEntry, Objection> HeldEntry::at(const FileSystem& files,
+                                                 const ProtectedPlaces& places,
+                                                 const std::string& path,
+                                                 const std::optional<EntryIdentity>& expected,
                                                  const OwnChanges* own) {
     auto plain = plainPath(path);
     if (!plain) return tl::unexpected(refused("not a plain absolute path", StayReason::Protected));
-    if (*plain == "/") return tl::unexpected(refused("the root of the file system", StayReason::Protected));
+    if (*plain == "/")
+        return tl::unexpected(refused("the root of the file system", StayReason::Protected));
     auto parent = hold(files, folderOf(*plain));
     if (!parent) return tl::unexpected(failed(Objection::Kind::NoParent, parent.error()));
     std::string name(lastPathComponent(*plain));

@@ -19,7 +19,8 @@ SizeTotals Measuring::run(const std::string& shown, Descriptor start) {
 
 void Measuring::take(Worker& worker, WalkedFolder& folder, std::uint32_t) {
     for (CatalogEntry& entry : worker.batch.entries) {
-        if (stopped()) return;  // one look may take a second on a slow file system, and a batch has a thousand
+        if (stopped())
+            return;  // one look may take a second on a slow file system, and a batch has a thousand
         takeEntry(worker, folder, entry);
     }
 }

@@ -16,12 +16,14 @@ bool isUnchanged(const FileAttributes& before, const FileAttributes& now) {
 // A descriptor that only holds the file needs no right to read it.
 SysResult<void> OwnChanges::removeName(const FileSystem& files, int folder, const char* name,
                                        const FileAttributes& seen) {
-    if (seen.type != FileType::Regular || seen.links < 2) return files.removeEntry(folder, name, FileType::Unknown);
+    if (seen.type != FileType::Regular || seen.links < 2)
+        return files.removeEntry(folder, name, FileType::Unknown);
     const auto held = files.holdEntry(folder, name);
     if (!held) return tl::unexpected(held.error());
     const auto before = files.attributes(held->get());
     if (!before) return tl::unexpected(before.error());
-    if (!isUnchanged(seen, *before) || seen.changed != before->changed) return tl::unexpected(ESTALE);
+    if (!isUnchanged(seen, *before) || seen.changed != before->changed)
+        return tl::unexpected(ESTALE);
     auto removal = files.removeEntry(folder, name, FileType::Unknown);
     if (!removal) return removal;
     const auto after = files.attributes(held->get());
@@ -38,7 +40,8 @@ void OwnChanges::learn(const FileAttributes& before, const FileAttributes& after
 FileAttributes OwnChanges::withoutOurs(FileAttributes now) const {
     if (now.links < 1 || m_files.empty()) return now;
     const auto known = m_files.find({now.device, now.inode});
-    if (known != m_files.end() && known->second.ours == now.changed) now.changed = known->second.seen;
+    if (known != m_files.end() && known->second.ours == now.changed)
+        now.changed = known->second.seen;
     return now;
 }
 

@@ -1,4 +1,5 @@
-// ProtectedPlaces: see ProtectedPlaces.h. Two tables, by path and by identity; folders above a place stand in them as well.
+// ProtectedPlaces: see ProtectedPlaces.h. Two tables, by path and by identity; folders above a
+// place stand in them as well.
 #include "engine/files/ProtectedPlaces.h"
 
 #include <algorithm>
@@ -54,18 +55,22 @@ std::string_view fieldOf(std::string_view line, int number) {
 }
 
 bool isWithinAny(std::string_view path, const std::vector<std::string>& folders) {
-    return std::any_of(folders.begin(), folders.end(), [&](const auto& folder) { return isWithin(path, folder); });
+    return std::any_of(folders.begin(), folders.end(),
+                       [&](const auto& folder) { return isWithin(path, folder); });
 }
 
 }  // namespace
 
-ProtectedPlaces ProtectedPlaces::ofThisMachine(const FileSystem& files, const std::vector<std::string>& ownFiles) {
+ProtectedPlaces ProtectedPlaces::ofThisMachine(const FileSystem& files,
+                                               const std::vector<std::string>& ownFiles) {
     // What comes later gives its reason to a place that is several things.
     ProtectedPlaces places;
     const std::vector<MountPoint> mounts =
         places.learnMounts(files);  // first of all: from then on it is known what may hang
-    for (const std::string_view path : systemPlaces()) places.add(files, path, std::string(systemReason));
-    for (const MountPoint& mount : mounts) places.protect(files, mount.path, std::string(mountReason));
+    for (const std::string_view path : systemPlaces())
+        places.add(files, path, std::string(systemReason));
+    for (const MountPoint& mount : mounts)
+        places.protect(files, mount.path, std::string(mountReason));
     places.addHomes(files);  // accounts of the system have theirs in odd places, /dev among them
     for (const std::string& path : ownFiles) places.addOwnFile(files, path);
     places.addKernelPlaces(files);
@@ -78,7 +83,8 @@ std::vector<MountPoint> ProtectedPlaces::learnMounts(const FileSystem& files) {
     m_blind = !mounts || mounts->empty();
     if (m_blind) return {};
     for (const MountPoint& mount : *mounts)
-        if (mount.mayHang && mount.path != "/") m_mayHang.push_back(mount.path);  // without its root nothing answers
+        if (mount.mayHang && mount.path != "/")
+            m_mayHang.push_back(mount.path);  // without its root nothing answers
     return std::move(*mounts);
 }
 
@@ -112,7 +118,8 @@ void ProtectedPlaces::addHome(const FileSystem& files, std::string_view home, st
     if (!plain || *plain == "/") return;
     for (const std::string& each : placesOf(files, *plain)) {
         protect(files, each, std::string(homeReason));
-        if (const std::string folder = folderOf(each); isPerson(user) && folder != "/") m_homeFolders.insert(folder);
+        if (const std::string folder = folderOf(each); isPerson(user) && folder != "/")
+            m_homeFolders.insert(folder);
     }
 }
 
@@ -121,19 +128,23 @@ void ProtectedPlaces::addOwnFile(const FileSystem& files, const std::string& pat
     const auto folder = openFolderByPath(files, path, Links::Keep);
     if (!folder) return;
     TreeListing listing;
-    listing.entry = [&](const TreeEntry& entry) { add(files, joinPath(path, entry.relative), std::string(ownReason)); };
+    listing.entry = [&](const TreeEntry& entry) {
+        add(files, joinPath(path, entry.relative), std::string(ownReason));
+    };
     const std::atomic<bool> never{false};
     (void)listTree(files, folder->get(), listing, never);
 }
 
-void ProtectedPlaces::add(const FileSystem& files, std::string_view path, const std::string& reason) {
+void ProtectedPlaces::add(const FileSystem& files, std::string_view path,
+                          const std::string& reason) {
     const auto plain = plainPath(path);
     if (!plain) return;
     for (const std::string& each : placesOf(files, *plain)) protect(files, each, reason);
 }
 
 // The path, and where links lead to from it: up to the place that may hang when they come by one.
-std::vector<std::string> ProtectedPlaces::placesOf(const FileSystem& files, const std::string& path) {
+std::vector<std::string> ProtectedPlaces::placesOf(const FileSystem& files,
+                                                   const std::string& path) {
     std::vector<std::string> places{path};
     if (auto beyond = beyondLinks(path)) {
         places.push_back(std::move(*beyond));
@@ -143,8 +154,9 @@ std::vector<std::string> ProtectedPlaces::placesOf(const FileSystem& files, cons
     return places;
 }
 
-// The spelling of a place that may hang, when the path comes to one; from then on nobody asks for what is behind that link either.
-// Followed link by link, as a look-up of the whole path might not come back.
+// The spelling of a place that may hang, when the path comes to one; from then on nobody asks for
+// what is behind that link either. Followed link by link, as a look-up of the whole path might not
+// come back.
 std::optional<std::string> ProtectedPlaces::beyondLinks(const std::string& path) {
     if (m_mayHang.empty()) return std::nullopt;
     std::string done = "/";
@@ -175,20 +187,24 @@ std::optional<std::string> ProtectedPlaces::beyondLinks(const std::string& path)
     return std::nullopt;
 }
 
-void ProtectedPlaces::protect(const FileSystem& files, const std::string& path, const std::string& reason) {
+void ProtectedPlaces::protect(const FileSystem& files, const std::string& path,
+                              const std::string& reason) {
     m_byPath.insert_or_assign(path, reason);
-    if (const auto identity = identityOf(files, path)) m_byIdentity.insert_or_assign(*identity, reason);
+    if (const auto identity = identityOf(files, path))
+        m_byIdentity.insert_or_assign(*identity, reason);
     const std::string above = reasonAbove(reason);
     for (std::size_t slash = path.rfind('/'); slash != std::string::npos && path.size() > 1;
          slash = slash == 0 ? std::string::npos : path.rfind('/', slash - 1)) {
         const std::string folder = slash == 0 ? "/" : path.substr(0, slash);
-        if (!m_byPath.try_emplace(folder, above).second) break;  // then the folders above it are known too
-        if (const auto identity = identityOf(files, folder)) m_byIdentity.try_emplace(*identity, above);
+        if (!m_byPath.try_emplace(folder, above).second)
+            break;  // then the folders above it are known too
+        if (const auto identity = identityOf(files, folder))
+            m_byIdentity.try_emplace(*identity, above);
     }
 }
 
-std::optional<ProtectedPlaces::Identity> ProtectedPlaces::identityOf(const FileSystem& files,
-                                                                     const std::string& path) const {
+std::optional<ProtectedPlaces::Identity> ProtectedPlaces::identityOf(
+    const FileSystem& files, const std::string& path) const {
     if (mayHang(path)) return std::nullopt;
     const auto seen = files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);
     if (!seen || seen->inode == 0) return std::nullopt;
@@ -199,7 +215,8 @@ bool ProtectedPlaces::mayHang(std::string_view path) const {
     return isWithinAny(path, m_mayHang) || isWithinAny(path, m_linksToHanging);
 }
 
-std::optional<std::string> ProtectedPlaces::refusal(std::string_view path, const FileAttributes& entry) const {
+std::optional<std::string> ProtectedPlaces::refusal(std::string_view path,
+                                                    const FileAttributes& entry) const {
     const auto plain = plainPath(path);
     if (!plain) return "not a plain absolute path";
     if (m_blind) return "what is mounted can not be told";
@@ -207,9 +224,11 @@ std::optional<std::string> ProtectedPlaces::refusal(std::string_view path, const
     const bool mayBeHome = entry.type == FileType::Folder || entry.type == FileType::SymbolicLink;
     if (mayBeHome && m_homeFolders.contains(folderOf(*plain))) return std::string(homeReason);
     if (entry.inode != 0)
-        if (const auto place = m_byIdentity.find({entry.device, entry.inode}); place != m_byIdentity.end())
+        if (const auto place = m_byIdentity.find({entry.device, entry.inode});
+            place != m_byIdentity.end())
             return place->second;
-    if (std::find(m_kernelDevices.begin(), m_kernelDevices.end(), entry.device) != m_kernelDevices.end())
+    if (std::find(m_kernelDevices.begin(), m_kernelDevices.end(), entry.device) !=
+        m_kernelDevices.end())
         return "in a folder of the kernel";
     return std::nullopt;
 }

@@ -1,4 +1,5 @@
-// RemovalResult: what became of one entry that was to go, in terms that pages, the command and the log share.
+// RemovalResult: what became of one entry that was to go, in terms that pages, the command and the
+// log share.
 #pragma once
 
 #include <cerrno>
@@ -12,7 +13,8 @@
 
 namespace orrinvale {
 
-/// Why an entry is still there. Pages choose by it what they tell, and the administrator's tool follows Rights alone.
+/// Why an entry is still there. Pages choose by it what they tell, and the administrator's tool
+/// follows Rights alone.
 enum class StayReason : std::uint8_t {
     Rights,     ///< EACCES or EPERM: this user may not
     Protected,  ///< nobody may: a mount point, a home, the program's own files
@@ -39,19 +41,20 @@ struct StayedEntry {
 /// What became of one removal.
 struct RemovalResult {
     using Failure = StayedEntry;
-    bool gone = false;              ///< the entry was looked up again and is not there
-    bool stopped = false;           ///< the caller's flag ended it
-    bool refused = false;           ///< it may not go, whoever asks; nothing was touched
-    bool byOthers = false;          ///< it is gone, and somebody else removed it
-    std::uint64_t removed = 0;      ///< entries that went by us, the chosen one included
-    std::uint64_t failed = 0;       ///< entries that could not be removed; not the folders that stay because of them
+    bool gone = false;          ///< the entry was looked up again and is not there
+    bool stopped = false;       ///< the caller's flag ended it
+    bool refused = false;       ///< it may not go, whoever asks; nothing was touched
+    bool byOthers = false;      ///< it is gone, and somebody else removed it
+    std::uint64_t removed = 0;  ///< entries that went by us, the chosen one included
+    std::uint64_t failed =
+        0;  ///< entries that could not be removed; not the folders that stay because of them
     std::vector<Failure> failures;  ///< the first `mostFailures` of them
     std::optional<std::int64_t> changed =
-        std::nullopt;  ///< the time of change that our own doing gave to what is left of the file: its
-                       ///< other names after it went, itself after it came back
+        std::nullopt;  ///< the time of change that our own doing gave to what is left of the file:
+                       ///< its other names after it went, itself after it came back
     std::optional<std::uint64_t> bytes =
-        std::nullopt;  ///< lengths of the files that went, each once however many of its names went; not known
-                       ///< of a folder that goes with all that is in it
+        std::nullopt;  ///< lengths of the files that went, each once however many of its names
+                       ///< went; not known of a folder that goes with all that is in it
     static constexpr std::size_t mostFailures = 100;
 
     void addBytes(std::uint64_t more) {

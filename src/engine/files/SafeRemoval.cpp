@@ -1,4 +1,5 @@
-// SafeRemoval: see SafeRemoval.h. HeldEntry tells whether the entry may go; folders are left to TreeRemoval.
+// SafeRemoval: see SafeRemoval.h. HeldEntry tells whether the entry may go; folders are left to
+// TreeRemoval.
 #include "engine/files/SafeRemoval.h"
 
 #include <fmt/format.h>
@@ -23,17 +24,23 @@ void fail(RemovalResult& result, const std::string& path, int error) {
 }
 
 std::string lineOf(const std::string& path, const RemovalResult& result) {
-    const std::string reason = result.failures.empty() ? std::string() : ": " + result.failures.front().reason;
-    if (result.gone && result.byOthers) return fmt::format("Gone already {} ({} entries went)", path, result.removed);
+    const std::string reason =
+        result.failures.empty() ? std::string() : ": " + result.failures.front().reason;
+    if (result.gone && result.byOthers)
+        return fmt::format("Gone already {} ({} entries went)", path, result.removed);
     if (result.gone) return fmt::format("Removed {} ({} entries)", path, result.removed);
-    if (result.stopped) return fmt::format("Stopped removing {} ({} entries went)", path, result.removed);
-    if (result.removed == 0 && result.failed <= 1) return fmt::format("Not removed {}{}", path, reason);
-    return fmt::format("Not removed {} ({} entries went, {} did not){}", path, result.removed, result.failed, reason);
+    if (result.stopped)
+        return fmt::format("Stopped removing {} ({} entries went)", path, result.removed);
+    if (result.removed == 0 && result.failed <= 1)
+        return fmt::format("Not removed {}{}", path, reason);
+    return fmt::format("Not removed {} ({} entries went, {} did not){}", path, result.removed,
+                       result.failed, reason);
 }
 
 }  // namespace
 
-RemovalResult SafeRemoval::remove(const std::string& path, const std::optional<EntryIdentity>& expected,
+RemovalResult SafeRemoval::remove(const std::string& path,
+                                  const std::optional<EntryIdentity>& expected,
                                   const std::atomic<bool>* stop, const SeenEntries* seen) const {
     RemovalResult result;
     OwnChanges ofThisOne;
@@ -54,18 +61,21 @@ RemovalResult SafeRemoval::remove(const std::string& path, const std::optional<E
     return result;
 }
 
-void SafeRemoval::removeHeld(const HeldEntry& held, const Asked& asked, RemovalResult& result) const {
+void SafeRemoval::removeHeld(const HeldEntry& held, const Asked& asked,
+                             RemovalResult& result) const {
     if (asked.stop != nullptr && *asked.stop) {
         result.stopped = true;
         return;
     }
     const bool isFolder = held.attributes.type == FileType::Folder;
-    const bool isOurs = isFolder ? removeFolder(held, asked, result) : removeFile(held, asked.own, result);
+    const bool isOurs =
+        isFolder ? removeFolder(held, asked, result) : removeFile(held, asked.own, result);
     lookAgain(held, isOurs, result);
 }
 
 // These two: whether the entry went by our own hand.
-bool SafeRemoval::removeFolder(const HeldEntry& held, const Asked& asked, RemovalResult& result) const {
+bool SafeRemoval::removeFolder(const HeldEntry& held, const Asked& asked,
+                               RemovalResult& result) const {
     TreeRemoval removal(m_files, held.path, asked.stop, result, asked.seen, &asked.own);
     if (asked.seen != nullptr) result.addBytes(0);
     removal.run(held.parent.get(), held.name, held.attributes);
@@ -73,8 +83,10 @@ bool SafeRemoval::removeFolder(const HeldEntry& held, const Asked& asked, Remova
 }
 
 bool SafeRemoval::removeFile(const HeldEntry& held, OwnChanges& own, RemovalResult& result) const {
-    const bool isCounted = held.attributes.type != FileType::Regular || own.touched(held.attributes);
-    const auto removal = own.removeName(m_files, held.parent.get(), held.name.c_str(), held.attributes);
+    const bool isCounted =
+        held.attributes.type != FileType::Regular || own.touched(held.attributes);
+    const auto removal =
+        own.removeName(m_files, held.parent.get(), held.name.c_str(), held.attributes);
     if (removal) {
         ++result.removed;
         result.addBytes(isCounted ? 0 : held.attributes.size);
@@ -102,20 +114,25 @@ void SafeRemoval::lookAgain(const HeldEntry& held, bool isOurs, RemovalResult& r
     fail(result, held.path, StayReason::CameLater, "another entry is in its place");
 }
 
-// A missing folder on the way proves that the entry is gone only where the scan's file system is still there: without its mount,
-// the path leads nowhere while the entry sits safely on the disk that was pulled out.
-bool SafeRemoval::isSurelyAbsent(const std::string& path, const std::optional<EntryIdentity>& expected) const {
+// A missing folder on the way proves that the entry is gone only where the scan's file system is
+// still there: without its mount, the path leads nowhere while the entry sits safely on the disk
+// that was pulled out.
+bool SafeRemoval::isSurelyAbsent(const std::string& path,
+                                 const std::optional<EntryIdentity>& expected) const {
     const auto lookAt = [this](const std::string& folder) -> SysResult<FileAttributes> {
         if (folder == "/") return m_files.attributes(FileSystem::noParent, "/", Links::Keep);
         const auto parent = HeldEntry::holdParentOf(m_files, folder);
         if (!parent) return tl::unexpected(parent.error());
-        return m_files.attributes(parent->get(), std::string(lastPathComponent(folder)).c_str(), Links::Keep);
+        return m_files.attributes(parent->get(), std::string(lastPathComponent(folder)).c_str(),
+                                  Links::Keep);
     };
     for (std::string missing = folderOf(path); missing != "/"; missing = folderOf(missing)) {
         const auto next = lookAt(missing);
         if (next || next.error() != ENOENT) return false;
         const auto above = lookAt(folderOf(missing));
-        if (above) return above->type == FileType::Folder && (!expected || above->device == expected->device);
+        if (above)
+            return above->type == FileType::Folder &&
+                   (!expected || above->device == expected->device);
     }
     return false;
 }

@@ -1,4 +1,5 @@
-// SafeRemoval: removes an entry, contents included, without ever following a link or resolving a path twice.
+// SafeRemoval: removes an entry, contents included, without ever following a link or resolving a
+// path twice.
 #pragma once
 
 #include <atomic>
@@ -15,20 +16,24 @@
 
 namespace orrinvale {
 
-/// The file system and the places must outlive it. Any thread; with changes of our own, the one thread that removes what one scan saw.
+/// The file system and the places must outlive it. Any thread; with changes of our own, the one
+/// thread that removes what one scan saw.
 class SafeRemoval final {
 public:
     /// `own` is not owned; without it, each removal knows of its own changes alone.
     SafeRemoval(const FileSystem& files, const ProtectedPlaces& places, OwnChanges* own = nullptr)
         : m_files(files), m_places(places), m_own(own) {}
 
-    /// Removes the entry at an absolute path, and everything below it. The parent is opened once and held; below it each folder is
-    /// entered by name from its parent and never through a link; a folder on another device or mount is not entered. With
-    /// `expected` the entry must still be what the scan saw. With `seen` of a folder only what the scan saw in it goes; what came or
-    /// changed since stays, together with the folders above it. What can not be removed stays and is counted; its siblings go. Depth
-    /// and width are free: neither the call stack nor the count of descriptors grows with them. A protected place is refused
-    /// before anything is touched. One line in the log tells the result.
-    [[nodiscard]] RemovalResult remove(const std::string& path, const std::optional<EntryIdentity>& expected,
+    /// Removes the entry at an absolute path, and everything below it. The parent is opened once
+    /// and held; below it each folder is entered by name from its parent and never through a link;
+    /// a folder on another device or mount is not entered. With `expected` the entry must still be
+    /// what the scan saw. With `seen` of a folder only what the scan saw in it goes; what came or
+    /// changed since stays, together with the folders above it. What can not be removed stays and
+    /// is counted; its siblings go. Depth and width are free: neither the call stack nor the count
+    /// of descriptors grows with them. A protected place is refused before anything is touched. One
+    /// line in the log tells the result.
+    [[nodiscard]] RemovalResult remove(const std::string& path,
+                                       const std::optional<EntryIdentity>& expected,
                                        const std::atomic<bool>* stop = nullptr,
                                        const SeenEntries* seen = nullptr) const;
 
@@ -39,10 +44,13 @@ private:
         OwnChanges& own;
     };
     void removeHeld(const HeldEntry& held, const Asked& asked, RemovalResult& result) const;
-    [[nodiscard]] bool removeFolder(const HeldEntry& held, const Asked& asked, RemovalResult& result) const;
-    [[nodiscard]] bool removeFile(const HeldEntry& held, OwnChanges& own, RemovalResult& result) const;
+    [[nodiscard]] bool removeFolder(const HeldEntry& held, const Asked& asked,
+                                    RemovalResult& result) const;
+    [[nodiscard]] bool removeFile(const HeldEntry& held, OwnChanges& own,
+                                  RemovalResult& result) const;
     void lookAgain(const HeldEntry& held, bool isOurs, RemovalResult& result) const;
-    [[nodiscard]] bool isSurelyAbsent(const std::string& path, const std::optional<EntryIdentity>& expected) const;
+    [[nodiscard]] bool isSurelyAbsent(const std::string& path,
+                                      const std::optional<EntryIdentity>& expected) const;
 
     const FileSystem& m_files;
     const ProtectedPlaces& m_places;

@@ -30,10 +30,10 @@ std::uint64_t printOf(SeenEntries::Key key, const SeenState& entry) {
 
 SeenState SeenState::of(const FileAttributes& seen) {
     const bool isFile = seen.type == FileType::Regular;
-    return {
-        .type = seen.type,
-        .size = isFile ? seen.size : 0,
-        .stamp = isFile ? EntryIdentity::timesOf(seen.modified, seen.changed) : static_cast<std::uint64_t>(seen.born)};
+    return {.type = seen.type,
+            .size = isFile ? seen.size : 0,
+            .stamp = isFile ? EntryIdentity::timesOf(seen.modified, seen.changed)
+                            : static_cast<std::uint64_t>(seen.born)};
 }
 
 SeenEntries::Key SeenEntries::keyOf(Key folder, std::string_view name, std::uint64_t inode) const {
@@ -54,7 +54,8 @@ SeenEntries::Verdict SeenEntries::verdictOn(Key key, const SeenState& entry) con
     if (m_prints.empty()) return Verdict::Unseen;
     const Print wanted = printOf(key, entry);
     Verdict verdict = Verdict::Unseen;
-    for (std::size_t place = placeOf(wanted); m_prints[place] != 0; place = (place + 1) % m_prints.size()) {
+    for (std::size_t place = placeOf(wanted); m_prints[place] != 0;
+         place = (place + 1) % m_prints.size()) {
         if (m_prints[place] == wanted) return Verdict::AsSeen;
         if (((m_prints[place] ^ wanted) & upperHalf) == 0) verdict = Verdict::Changed;
     }
@@ -62,7 +63,9 @@ SeenEntries::Verdict SeenEntries::verdictOn(Key key, const SeenState& entry) con
 }
 
 // By the half that stands for the key, scaled to the table.
-std::size_t SeenEntries::placeOf(Print print) const { return ((print >> 32U) * m_prints.size()) >> 32U; }
+std::size_t SeenEntries::placeOf(Print print) const {
+    return ((print >> 32U) * m_prints.size()) >> 32U;
+}
 
 void SeenEntries::put(Print print) {
     std::size_t place = placeOf(print);
@@ -71,8 +74,8 @@ void SeenEntries::put(Print print) {
 }
 
 void SeenEntries::grow() {
-    const std::vector<Print> former =
-        std::exchange(m_prints, std::vector<Print>(m_prints.empty() ? firstRoom : m_prints.size() * 2));
+    const std::vector<Print> former = std::exchange(
+        m_prints, std::vector<Print>(m_prints.empty() ? firstRoom : m_prints.size() * 2));
     for (const Print print : former)
         if (print != 0) put(print);
 }

@@ -1,5 +1,5 @@
-// SeenEntries: what a scan saw below one chosen folder, so that a removal of that folder takes this and nothing else. TreeRemoval asks
-// it for each entry.
+// SeenEntries: what a scan saw below one chosen folder, so that a removal of that folder takes this
+// and nothing else. TreeRemoval asks it for each entry.
 #pragma once
 
 #include <cstddef>
@@ -11,20 +11,21 @@
 
 namespace orrinvale {
 
-/// The state of an entry. Sizes and times of files count, so that one that was written since is told; of everything else the time of
-/// its making.
+/// The state of an entry. Sizes and times of files count, so that one that was written since is
+/// told; of everything else the time of its making.
 struct SeenState {
     FileType type = FileType::Unknown;
-    std::uint64_t size = 0;  ///< of regular files alone
-    std::uint64_t stamp =
-        0;  ///< of a regular file EntryIdentity::timesOf(), of all others the time of their making, 0 where not known
+    std::uint64_t size = 0;   ///< of regular files alone
+    std::uint64_t stamp = 0;  ///< of a regular file EntryIdentity::timesOf(), of all others the
+                              ///< time of their making, 0 where not known
 
     [[nodiscard]] static SeenState of(const FileAttributes& seen);
 };
 
-/// A set of fingerprints, one for each entry, of 10 to 20 bytes. Half of a fingerprint stands for the folder, the name and the inode
-/// number, the other half for the state: an entry that came later is taken for one of a million seen ones once in 10^13 times.
-/// Filled by one thread; from then on any thread may ask.
+/// A set of fingerprints, one for each entry, of 10 to 20 bytes. Half of a fingerprint stands for
+/// the folder, the name and the inode number, the other half for the state: an entry that came
+/// later is taken for one of a million seen ones once in 10^13 times. Filled by one thread; from
+/// then on any thread may ask.
 class SeenEntries final {
 public:
     /// Stands for a folder, by all names on the way to it from the chosen one.
@@ -37,7 +38,8 @@ public:
         Unseen
     };
 
-    /// On devices whose inode numbers need not last (FileSystem::devicesOfPassingInodes()) they do not count.
+    /// On devices whose inode numbers need not last (FileSystem::devicesOfPassingInodes()) they do
+    /// not count.
     explicit SeenEntries(bool inodesPass = false) : m_inodesPass(inodesPass) {}
 
     /// The key of an entry of a folder, to be handed over with what is below it.
@@ -57,7 +59,8 @@ private:
     void grow();
 
     const bool m_inodesPass;
-    std::vector<Print> m_prints;  // a hash table; all prints of one key begin their search at the same place
+    std::vector<Print>
+        m_prints;  // a hash table; all prints of one key begin their search at the same place
     std::size_t m_count = 0;
 };
 

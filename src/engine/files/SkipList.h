@@ -1,4 +1,5 @@
-// What a scan could not read, with the reason. One entry that fails never ends a scan; it lands here.
+// What a scan could not read, with the reason. One entry that fails never ends a scan; it lands
+// here.
 #pragma once
 
 #include <mutex>

@@ -7,7 +7,8 @@
 
 namespace orrinvale {
 
-/// Looks at a stop flag. What a moment would finish is finished after a stop; what takes longer is given up. Any thread.
+/// Looks at a stop flag. What a moment would finish is finished after a stop; what takes longer is
+/// given up. Any thread.
 class StopGrace final {
 public:
     static constexpr std::chrono::milliseconds length{500};

@@ -19,8 +19,9 @@ bool isSameFolder(const FileAttributes& a, const FileAttributes& b) {
     return a.device == b.device && a.inode == b.inode;
 }
 
-// Two mounts of one volume count as two, as nothing can be moved between them. Kernels before 5.8 do not number mounts. Parts of a volume
-// that have devices of their own (subvolumes) are on one mount, which is where every desktop looks for its trash.
+// Two mounts of one volume count as two, as nothing can be moved between them. Kernels before 5.8
+// do not number mounts. Parts of a volume that have devices of their own (subvolumes) are on one
+// mount, which is where every desktop looks for its trash.
 bool isSameMount(const FileAttributes& a, const FileAttributes& b) {
     return a.mount != 0 && b.mount != 0 ? a.mount == b.mount : a.device == b.device;
 }
@@ -29,8 +30,8 @@ std::string reasonOf(int error) { return systemError("move", {}, error).reason()
 
 }  // namespace
 
-tl::expected<std::string, std::string> Trash::move(const std::string& path,
-                                                   const std::optional<EntryIdentity>& expected) const {
+tl::expected<std::string, std::string> Trash::move(
+    const std::string& path, const std::optional<EntryIdentity>& expected) const {
     const auto held = HeldEntry::at(m_files, m_places, path, expected);
     auto result = held ? moveHeld(*held) : tl::unexpected(held.error().reason);
     Log::line(result ? fmt::format("Moved to the trash {} ({})", path, *result)
@@ -43,7 +44,8 @@ tl::expected<std::string, std::string> Trash::moveHeld(const HeldEntry& held) co
     if (!folder) return tl::unexpected(reasonOf(folder.error()));
     const std::string place = joinPath(*folder, held.name);
     std::string reason;
-    // Moves it, unless this trash can not be had or is on another volume after all, as between parts of one that count as volumes.
+    // Moves it, unless this trash can not be had or is on another volume after all, as between
+    // parts of one that count as volumes.
     const auto take = [&](Found trash) -> std::optional<tl::expected<std::string, std::string>> {
         if (!trash) {
             if (reason.empty()) reason = trash.error();
@@ -59,12 +61,13 @@ tl::expected<std::string, std::string> Trash::moveHeld(const HeldEntry& held) co
         if (auto result = take(openHome())) return *result;
     const auto root = rootOfVolume(held);
     if (!root) return tl::unexpected(reasonOf(root.error()));
-    // Administrators make the shared one, and where it does not serve it says nothing about the user's own.
-    // A shared one that is not safe is a thing for the administrator to know.
+    // Administrators make the shared one, and where it does not serve it says nothing about the
+    // user's own. A shared one that is not safe is a thing for the administrator to know.
     if (auto shared = openShared(root->get()); shared) {
         if (auto result = take(std::move(shared))) return *result;
     } else if (m_files.attributes(root->get(), ".Trash", Links::Keep)) {
-        Log::line(fmt::format("The shared trash on the volume of {} is not used: {}", held.path, shared.error()));
+        Log::line(fmt::format("The shared trash on the volume of {} is not used: {}", held.path,
+                              shared.error()));
     }
     if (auto result = take(openOwn(root->get()))) return *result;
     return tl::unexpected("no trash on its volume: " + reason);
@@ -104,10 +107,13 @@ SysResult<Descriptor> Trash::rootOfVolume(const HeldEntry& held) const {
 
 Trash::Found Trash::openHome() const {
     const std::string path = homeTrash();
-    if (const auto made = DurableFile::makeFolder(folderOf(path)); !made) return tl::unexpected(made.error().reason());
-    const auto folder = m_files.holdFolder(FileSystem::noParent, folderOf(path).c_str(), Links::Follow);
+    if (const auto made = DurableFile::makeFolder(folderOf(path)); !made)
+        return tl::unexpected(made.error().reason());
+    const auto folder =
+        m_files.holdFolder(FileSystem::noParent, folderOf(path).c_str(), Links::Follow);
     if (!folder) return tl::unexpected(reasonOf(folder.error()));
-    return TrashFolder::open(m_files, folder->get(), std::string(lastPathComponent(path)), m_variables.user);
+    return TrashFolder::open(m_files, folder->get(), std::string(lastPathComponent(path)),
+                             m_variables.user);
 }
 
 // "$topdir/.Trash" is for all users only with the sticky bit; a link there may lead anywhere.
@@ -116,14 +122,17 @@ Trash::Found Trash::openShared(int root) const {
     if (!shared) return tl::unexpected(reasonOf(shared.error()));
     struct stat seen {};
     if (::fstat(shared->get(), &seen) != 0) return tl::unexpected(reasonOf(errno));
-    if ((seen.st_mode & S_ISVTX) == 0) return tl::unexpected(std::string("anybody may remove what others put there"));
-    auto trash = TrashFolder::open(m_files, shared->get(), std::to_string(m_variables.user), m_variables.user);
+    if ((seen.st_mode & S_ISVTX) == 0)
+        return tl::unexpected(std::string("anybody may remove what others put there"));
+    auto trash = TrashFolder::open(m_files, shared->get(), std::to_string(m_variables.user),
+                                   m_variables.user);
     if (trash) trash->keepRelativeTo(m_files.placeOf(root).value_or(std::string()));
     return trash;
 }
 
 Trash::Found Trash::openOwn(int root) const {
-    auto trash = TrashFolder::open(m_files, root, ".Trash-" + std::to_string(m_variables.user), m_variables.user);
+    auto trash = TrashFolder::open(m_files, root, ".Trash-" + std::to_string(m_variables.user),
+                                   m_variables.user);
     if (trash) trash->keepRelativeTo(m_files.placeOf(root).value_or(std::string()));
     return trash;
 }

@@ -1,5 +1,5 @@
-// Trash: moves entries where every desktop finds them again, as freedesktop.org lays down for all of them (version 1.0).
-// TrashFolder is one such place.
+// Trash: moves entries where every desktop finds them again, as freedesktop.org lays down for all
+// of them (version 1.0). TrashFolder is one such place.
 #pragma once
 
 #include <optional>
@@ -21,9 +21,11 @@ public:
           FolderVariables variables = FolderVariables::ofThisProcess())
         : m_files(files), m_places(places), m_variables(std::move(variables)) {}
 
-    /// Moves the entry at an absolute path, a folder with all that is in it, a link itself: to the trash of the home folder where
-    /// that is on the same volume, else to the one at the root of its own volume, which is made if need be. Nothing is ever copied.
-    /// With `expected` it must still be what a scan saw. Where it is now, or why it stays, for people; one line in the log tells either.
+    /// Moves the entry at an absolute path, a folder with all that is in it, a link itself: to the
+    /// trash of the home folder where that is on the same volume, else to the one at the root of
+    /// its own volume, which is made if need be. Nothing is ever copied. With `expected` it must
+    /// still be what a scan saw. Where it is now, or why it stays, for people; one line in the log
+    /// tells either.
     [[nodiscard]] tl::expected<std::string, std::string> move(
         const std::string& path, const std::optional<EntryIdentity>& expected = std::nullopt) const;
 

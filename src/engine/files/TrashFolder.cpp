@@ -1,4 +1,5 @@
-// TrashFolder: see TrashFolder.h. The record comes first, so that no entry is ever in the trash without one.
+// TrashFolder: see TrashFolder.h. The record comes first, so that no entry is ever in the trash
+// without one.
 #include "engine/files/TrashFolder.h"
 
 #include <fcntl.h>
@@ -25,8 +26,8 @@ using Failure = TrashFolder::Failure;
 
 constexpr std::string_view replacedReason = "another entry came into its place";
 constexpr std::string_view recordExtension = ".trashinfo";
-// Numbers one after another up to here, so that people see a series; from there on by chance, since ten thousand entries of one
-// name must not take ten thousand attempts each.
+// Numbers one after another up to here, so that people see a series; from there on by chance, since
+// ten thousand entries of one name must not take ten thousand attempts each.
 constexpr std::uint64_t mostInSeries = 20;
 constexpr std::uint64_t mostAttempts = 200;
 
@@ -43,8 +44,8 @@ std::string percentEncoded(std::string_view path) {
     constexpr std::string_view plain = "-_.!~*'()/";
     std::string out;
     for (const char c : path) {
-        const bool isPlain = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
-                             plain.find(c) != std::string_view::npos;
+        const bool isPlain = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') ||
+                             (c >= 'a' && c <= 'z') || plain.find(c) != std::string_view::npos;
         if (isPlain) out += c;
         else out += fmt::format("%{:02X}", static_cast<unsigned char>(c));
     }
@@ -54,7 +55,8 @@ std::string percentEncoded(std::string_view path) {
 // "2026-11-21T10:00:00" by the wall clock, with no offset, is what the records hold.
 std::string wallClock() {
     const auto now = std::chrono::system_clock::now().time_since_epoch();
-    return iso8601({std::chrono::duration_cast<std::chrono::nanoseconds>(now).count()}).substr(0, 19);
+    return iso8601({std::chrono::duration_cast<std::chrono::nanoseconds>(now).count()})
+        .substr(0, 19);
 }
 
 bool isSame(const FileAttributes& a, const FileAttributes& b) {
@@ -72,12 +74,14 @@ SysResult<Descriptor> openMade(const FileSystem& files, int parent, const char* 
 }
 
 /// Nothing, with the reason, for a folder of another user: what is moved there would be his.
-tl::expected<Descriptor, std::string> openMadeOwn(const FileSystem& files, int parent, const char* name, uid_t user) {
+tl::expected<Descriptor, std::string> openMadeOwn(const FileSystem& files, int parent,
+                                                  const char* name, uid_t user) {
     auto opened = openMade(files, parent, name);
     if (!opened) return tl::unexpected(reasonOf(opened.error()));
     struct stat seen {};
     if (::fstat(opened->get(), &seen) != 0) return tl::unexpected(reasonOf(errno));
-    if (seen.st_uid != user) return tl::unexpected(std::string("the trash there is another user's"));
+    if (seen.st_uid != user)
+        return tl::unexpected(std::string("the trash there is another user's"));
     return std::move(*opened);
 }
 
@@ -88,12 +92,13 @@ std::string nameInTrash(std::string_view name, std::uint64_t attempt) {
     return shortenedName(name, number, longestName - recordExtension.size());
 }
 
-tl::expected<TrashFolder, std::string> TrashFolder::open(const FileSystem& files, int parent, const std::string& name,
-                                                         uid_t user) {
+tl::expected<TrashFolder, std::string> TrashFolder::open(const FileSystem& files, int parent,
+                                                         const std::string& name, uid_t user) {
     const auto opened = openMadeOwn(files, parent, name.c_str(), user);
     if (!opened) return tl::unexpected(opened.error());
     TrashFolder trash(files);
-    for (auto [folder, inner] : {std::pair{&trash.m_entries, "files"}, std::pair{&trash.m_records, "info"}}) {
+    for (auto [folder, inner] :
+         {std::pair{&trash.m_entries, "files"}, std::pair{&trash.m_records, "info"}}) {
         auto made = openMadeOwn(files, opened->get(), inner, user);
         if (!made) return tl::unexpected(std::move(made.error()));
         *folder = std::move(*made);
@@ -101,7 +106,8 @@ tl::expected<TrashFolder, std::string> TrashFolder::open(const FileSystem& files
     return trash;
 }
 
-tl::expected<std::string, Failure> TrashFolder::take(const HeldEntry& held, const std::string& place) const {
+tl::expected<std::string, Failure> TrashFolder::take(const HeldEntry& held,
+                                                     const std::string& place) const {
     if (auto reason = objection(held)) return tl::unexpected(Failure{std::move(*reason)});
     const auto entry = m_files->holdEntry(held.parent.get(), held.name.c_str());
     const auto now = entry ? m_files->attributes(entry->get()) : tl::unexpected(entry.error());
@@ -112,9 +118,11 @@ tl::expected<std::string, Failure> TrashFolder::take(const HeldEntry& held, cons
         const std::string name = nameInTrash(held.name, numberOf(attempt));
         if (const int error = writeRecord(name, record); error == EEXIST) continue;
         else if (error != 0) return tl::unexpected(Failure{reasonOf(error)});
-        const auto moved = m_files->moveEntry(held.parent.get(), held.name.c_str(), m_entries.get(), name.c_str());
+        const auto moved =
+            m_files->moveEntry(held.parent.get(), held.name.c_str(), m_entries.get(), name.c_str());
         if (moved) {
-            if (auto failure = check(held, entry->get(), name)) return tl::unexpected(std::move(*failure));
+            if (auto failure = check(held, entry->get(), name))
+                return tl::unexpected(std::move(*failure));
             return joinPath(m_files->placeOf(m_entries.get()).value_or(""), name);
         }
         dropRecord(name);
@@ -130,40 +138,47 @@ std::optional<std::string> TrashFolder::objection(const HeldEntry& held) const {
     const auto parent = m_files->attributes(held.parent.get());
     if (!parent) return reasonOf(parent.error());
     if (isSame(*m_files, m_entries.get(), *parent)) return "it is in the trash";
-    if (isSame(*m_files, m_records.get(), *parent) || isSame(*m_files, m_records.get(), held.attributes))
+    if (isSame(*m_files, m_records.get(), *parent) ||
+        isSame(*m_files, m_records.get(), held.attributes))
         return "it is a part of the trash";
     return std::nullopt;
 }
 
 std::string TrashFolder::recordOf(const std::string& place) const {
     std::string_view path = place;
-    if (!m_root.empty() && isWithin(place, m_root)) path.remove_prefix(m_root == "/" ? 1 : m_root.size() + 1);
-    return fmt::format("[Trash Info]\nPath={}\nDeletionDate={}\n", percentEncoded(path), wallClock());
+    if (!m_root.empty() && isWithin(place, m_root))
+        path.remove_prefix(m_root == "/" ? 1 : m_root.size() + 1);
+    return fmt::format("[Trash Info]\nPath={}\nDeletionDate={}\n", percentEncoded(path),
+                       wallClock());
 }
 
 int TrashFolder::writeRecord(const std::string& name, const std::string& text) const {
     const std::string full = name + std::string(recordExtension);
-    const Descriptor file(
-        ::openat(m_records.get(), full.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    const Descriptor file(::openat(m_records.get(), full.c_str(),
+                                   O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (!file.isOpen()) return errno;
     int error = writeAll(file.get(), text);
     if (error == 0 && ::fsync(file.get()) != 0) error = errno;
-    if (error == 0 && ::fsync(m_records.get()) != 0) error = errno;  // an entry without a record can not be put back
+    if (error == 0 && ::fsync(m_records.get()) != 0)
+        error = errno;  // an entry without a record can not be put back
     if (error != 0) dropRecord(name);
     return error;
 }
 
 void TrashFolder::dropRecord(const std::string& name) const {
-    (void)m_files->removeEntry(m_records.get(), (name + std::string(recordExtension)).c_str(), FileType::Regular);
+    (void)m_files->removeEntry(m_records.get(), (name + std::string(recordExtension)).c_str(),
+                               FileType::Regular);
 }
 
-// A name was moved, and only now is it certain what stood behind it. Layers give a file another number as they copy it up for the move;
-// the entry that was held from before shows that one too.
-std::optional<Failure> TrashFolder::check(const HeldEntry& held, int entry, const std::string& name) const {
+// A name was moved, and only now is it certain what stood behind it. Layers give a file another
+// number as they copy it up for the move; the entry that was held from before shows that one too.
+std::optional<Failure> TrashFolder::check(const HeldEntry& held, int entry,
+                                          const std::string& name) const {
     const auto now = m_files->attributes(m_entries.get(), name.c_str(), Links::Keep);
     const auto moved = m_files->attributes(entry);
     if (now && moved && isSame(*now, *moved)) return std::nullopt;
-    if (m_files->moveEntry(m_entries.get(), name.c_str(), held.parent.get(), held.name.c_str())) dropRecord(name);
+    if (m_files->moveEntry(m_entries.get(), name.c_str(), held.parent.get(), held.name.c_str()))
+        dropRecord(name);
     return Failure{std::string(replacedReason)};
 }
 

@@ -1,4 +1,5 @@
-// TrashFolder: one trash, held open: its folders "files" and "info", and the record that each entry in the first has in the second.
+// TrashFolder: one trash, held open: its folders "files" and "info", and the record that each entry
+// in the first has in the second.
 #pragma once
 
 #include <sys/types.h>
@@ -21,19 +22,26 @@ public:
     /// Why an entry stays where it is.
     struct Failure {
         std::string reason;
-        bool isElsewhere = false;  ///< this trash is on another volume, so that a further one is worth a try
+        bool isElsewhere =
+            false;  ///< this trash is on another volume, so that a further one is worth a try
     };
 
-    /// A folder of this name in `parent`, made for the user alone if it is not there. Nothing, with the reason for people, when it, or
-    /// what is in it, is a link or another user's: it may have been put there to have files fall into other hands.
-    [[nodiscard]] static tl::expected<TrashFolder, std::string> open(const FileSystem& files, int parent,
-                                                                     const std::string& name, uid_t user);
+    /// A folder of this name in `parent`, made for the user alone if it is not there. Nothing, with
+    /// the reason for people, when it, or what is in it, is a link or another user's: it may have
+    /// been put there to have files fall into other hands.
+    [[nodiscard]] static tl::expected<TrashFolder, std::string> open(const FileSystem& files,
+                                                                     int parent,
+                                                                     const std::string& name,
+                                                                     uid_t user);
 
-    /// Records of it hold paths relative to this folder, the root of a volume; before that absolute ones.
+    /// Records of it hold paths relative to this folder, the root of a volume; before that absolute
+    /// ones.
     void keepRelativeTo(std::string root) { m_root = std::move(root); }
 
-    /// Moves the entry, and writes its record first. `place` is where it stands now, without links. The path that it has then.
-    [[nodiscard]] tl::expected<std::string, Failure> take(const HeldEntry& held, const std::string& place) const;
+    /// Moves the entry, and writes its record first. `place` is where it stands now, without links.
+    /// The path that it has then.
+    [[nodiscard]] tl::expected<std::string, Failure> take(const HeldEntry& held,
+                                                          const std::string& place) const;
 
     TrashFolder(TrashFolder&&) noexcept = default;
     TrashFolder& operator=(TrashFolder&&) = delete;
@@ -47,7 +55,8 @@ private:
     [[nodiscard]] std::optional<std::string> objection(const HeldEntry& held) const;
     [[nodiscard]] int writeRecord(const std::string& name, const std::string& text) const;
     [[nodiscard]] std::string recordOf(const std::string& place) const;
-    [[nodiscard]] std::optional<Failure> check(const HeldEntry& held, int entry, const std::string& name) const;
+    [[nodiscard]] std::optional<Failure> check(const HeldEntry& held, int entry,
+                                               const std::string& name) const;
     void dropRecord(const std::string& name) const;
 
     const FileSystem* m_files;
@@ -56,8 +65,9 @@ private:
     std::string m_root;
 };
 
-/// A name for an entry in the trash: the entry's own at the first attempt, numbered before the extension at later ones, and cut
-/// between two characters where the name of its record would be too long.
+/// A name for an entry in the trash: the entry's own at the first attempt, numbered before the
+/// extension at later ones, and cut between two characters where the name of its record would be
+/// too long.
 [[nodiscard]] std::string nameInTrash(std::string_view name, std::uint64_t attempt);
 
 }  // namespace orrinvale

@@ -1,5 +1,6 @@
-// listTree: see TreeLister.h. A list of levels stands in for the call stack. Only two descriptors are held: on the way back the
-// parent is opened through "..", and must be the folder that was left.
+// listTree: see TreeLister.h. A list of levels stands in for the call stack. Only two descriptors
+// are held: on the way back the parent is opened through "..", and must be the folder that was
+// left.
 #include "engine/files/TreeLister.h"
 
 #include <algorithm>
@@ -27,13 +28,16 @@ struct Level {
 void sortByBytes(std::vector<ListedEntry>& entries) {
     std::sort(entries.begin(), entries.end(),
               [](const ListedEntry& a, const ListedEntry& b) { return a.name < b.name; });
-    const auto sameName = [](const ListedEntry& a, const ListedEntry& b) { return a.name == b.name; };
+    const auto sameName = [](const ListedEntry& a, const ListedEntry& b) {
+        return a.name == b.name;
+    };
     entries.erase(std::unique(entries.begin(), entries.end(), sameName), entries.end());
 }
 
 class Lister {
 public:
-    Lister(const FileSystem& files, int start, const TreeListing& listing, const std::atomic<bool>& stop)
+    Lister(const FileSystem& files, int start, const TreeListing& listing,
+           const std::atomic<bool>& stop)
         : m_files(files), m_start(start), m_listing(listing), m_stop(stop) {}
 
     SysResult<void> run() {
@@ -63,7 +67,8 @@ private:
             const auto more = m_files.readFolder(descriptor, m_batch);
             if (!more) return more.error();
             if (!*more) break;
-            for (const CatalogEntry& entry : m_batch.entries) level.entries.push_back({entry.name, entry.type});
+            for (const CatalogEntry& entry : m_batch.entries)
+                level.entries.push_back({entry.name, entry.type});
         }
         if (m_listing.order == TreeListing::Order::SortedByBytes) sortByBytes(level.entries);
         m_levels.push_back(std::move(level));
@@ -78,13 +83,16 @@ private:
             const auto attributes = m_files.attributes(folder(), entry.name.c_str(), Links::Keep);
             if (attributes) entry.type = attributes->type;
         }
-        if (entry.type == FileType::Folder && descend(entry)) return;  // the path stays until leave()
-        if (entry.type != FileType::Folder) m_listing.entry({folder(), entry.name, m_path, entry.type});
+        if (entry.type == FileType::Folder && descend(entry))
+            return;  // the path stays until leave()
+        if (entry.type != FileType::Folder)
+            m_listing.entry({folder(), entry.name, m_path, entry.type});
         m_path.resize(length);
     }
 
     bool descend(const ListedEntry& entry) {
-        if (m_listing.foldersFirst) m_listing.entry({folder(), entry.name, m_path, FileType::Folder});
+        if (m_listing.foldersFirst)
+            m_listing.entry({folder(), entry.name, m_path, FileType::Folder});
         auto opened = m_files.openFolder(folder(), entry.name.c_str(), Links::Keep);
         const int error = opened ? enter(opened->get()) : opened.error();
         if (error != 0) {
@@ -103,7 +111,8 @@ private:
         const int error = goUp(parent);
         if (error == 0) {
             const ListedEntry& self = parent.entries[parent.next - 1];
-            if (!m_listing.foldersFirst) m_listing.entry({folder(), self.name, m_path, FileType::Folder});
+            if (!m_listing.foldersFirst)
+                m_listing.entry({folder(), self.name, m_path, FileType::Folder});
         }
         m_path.resize(parent.pathLength);
         if (error == 0) return;
@@ -118,13 +127,16 @@ private:
         }
         auto opened = m_files.openFolder(m_folder.get(), "..", Links::Keep);
         // A folder that may be listed but not searched does not let go back through it.
-        if (!opened) opened = openFolderBelow(m_files, m_start, m_path.substr(0, parent.pathLength), Links::Keep);
+        if (!opened)
+            opened =
+                openFolderBelow(m_files, m_start, m_path.substr(0, parent.pathLength), Links::Keep);
         if (!opened) return opened.error();
         const auto identity = m_files.attributes(opened->get());
         if (!identity) return identity.error();
         m_folder = std::move(*opened);
         const bool isSame = identity->device == parent.device && identity->inode == parent.inode;
-        return isSame || (identity->device == parent.device && inodesPass(parent.device)) ? 0 : ESTALE;
+        return isSame || (identity->device == parent.device && inodesPass(parent.device)) ? 0
+                                                                                          : ESTALE;
     }
 
     // Asked only when numbers differ.

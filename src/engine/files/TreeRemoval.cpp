@@ -9,10 +9,12 @@
 namespace orrinvale {
 namespace {
 
-// Few enough for a process that may open 256 files and runs several removals; trees of people are seldom deeper.
+// Few enough for a process that may open 256 files and runs several removals; trees of people are
+// seldom deeper.
 constexpr std::size_t heldLevels = 24;
 
-// Some file systems leave entries out of a listing while others are removed, and a running program may write new ones.
+// Some file systems leave entries out of a listing while others are removed, and a running program
+// may write new ones.
 constexpr unsigned mostPasses = 4;
 
 constexpr const char* changedSince = "changed since the scan";
@@ -54,11 +56,15 @@ void TreeRemoval::enter(std::string name, const Level* former) {
     const auto now = m_files.attributes(opened->get());
     if (!now) return failWith(name, now.error());
     const bool isStart = m_levels.empty();
-    if (isStart && !isSame(*now, m_start.device, m_start.inode)) return fail(name, StayReason::Changed, changedSince);
-    if (former != nullptr && !isSame(*now, former->device, former->inode)) return failWith(name, ENOTEMPTY);
+    if (isStart && !isSame(*now, m_start.device, m_start.inode))
+        return fail(name, StayReason::Changed, changedSince);
+    if (former != nullptr && !isSame(*now, former->device, former->inode))
+        return failWith(name, ENOTEMPTY);
     if (now->device != m_start.device || now->mount != m_start.mount)
         return fail(name, StayReason::Protected, mountPoint);
-    const auto key = isStart ? SeenEntries::chosenFolder : former != nullptr ? former->key : keyOf(name, now->inode);
+    const auto key = isStart             ? SeenEntries::chosenFolder
+                     : former != nullptr ? former->key
+                                         : keyOf(name, now->inode);
     if (!isStart && former == nullptr && !isAsSeen(name, *now, key)) return;
     push({.name = std::move(name),
           .folder = std::move(*opened),
@@ -80,13 +86,16 @@ void TreeRemoval::withoutEntering(const std::string& name, int error) {
         if (!now && now.error() != ENOENT) return failWith(name, now.error());
         if (!now || !isAsSeen(name, *now, keyOf(name, now->inode))) return;
     }
-    // A folder that became a link or a file goes by its name, and one that may not be read goes if it is empty.
-    const auto removal = m_files.removeEntry(here(), name.c_str(), noFolder ? FileType::Unknown : FileType::Folder);
+    // A folder that became a link or a file goes by its name, and one that may not be read goes if
+    // it is empty.
+    const auto removal =
+        m_files.removeEntry(here(), name.c_str(), noFolder ? FileType::Unknown : FileType::Folder);
     if (!went(removal)) failWith(name, noFolder ? removal.error() : error);
 }
 
 SeenEntries::Key TreeRemoval::keyOf(std::string_view name, std::uint64_t inode) const {
-    return m_seen != nullptr ? m_seen->keyOf(m_levels.back().key, name, inode) : SeenEntries::chosenFolder;
+    return m_seen != nullptr ? m_seen->keyOf(m_levels.back().key, name, inode)
+                             : SeenEntries::chosenFolder;
 }
 
 // False, and told, when the scan did not see this of the folder in hand.
@@ -127,7 +136,8 @@ void TreeRemoval::removeFile(const CatalogEntry& entry) {
     else failWith(entry.name, removal.error());
 }
 
-// The look comes right before the removal, one entry at a time: a look at many would leave a longer gap, and costs as much.
+// The look comes right before the removal, one entry at a time: a look at many would leave a longer
+// gap, and costs as much.
 void TreeRemoval::removeSeen(CatalogEntry& entry) {
     SeenEntries::Key key = keyOf(entry.name, entry.inode);
     m_seen->expect(key);  // comes in while the file system is asked
@@ -163,7 +173,8 @@ void TreeRemoval::leave() {
 void TreeRemoval::removeEmptied(const Level& done) {
     if (m_seen != nullptr) {  // an empty folder that came into its place is nobody's to take
         const auto now = m_files.attributes(here(), done.name.c_str(), Links::Keep);
-        if (now && !isSame(*now, done.device, done.inode)) return fail(done.name, StayReason::CameLater, notSeen);
+        if (now && !isSame(*now, done.device, done.inode))
+            return fail(done.name, StayReason::CameLater, notSeen);
     }
     const auto removal = m_files.removeEntry(here(), done.name.c_str(), FileType::Folder);
     if (went(removal)) return;
@@ -199,7 +210,8 @@ void TreeRemoval::fail(std::string_view name, StayReason kind, std::string reaso
     ++m_result.failed;
     if (m_result.failures.size() >= RemovalResult::mostFailures) return;
     std::string path = m_path;
-    for (std::size_t level = 1; level < m_levels.size(); ++level) path += '/' + m_levels[level].name;
+    for (std::size_t level = 1; level < m_levels.size(); ++level)
+        path += '/' + m_levels[level].name;
     if (!m_levels.empty() && !name.empty()) (path += '/') += name;
     m_result.failures.push_back({std::move(path), std::move(reason), kind});
 }

@@ -15,15 +15,15 @@
 
 namespace orrinvale {
 
-/// Removes one folder, contents first, for one call of run(). Names only, each from its held parent. A list of levels stands in
-/// for the call stack; the descriptors of the deepest levels are held, further up the parent is opened again through ".." and
-/// must be the folder that was left.
+/// Removes one folder, contents first, for one call of run(). Names only, each from its held
+/// parent. A list of levels stands in for the call stack; the descriptors of the deepest levels are
+/// held, further up the parent is opened again through ".." and must be the folder that was left.
 class TreeRemoval final {
 public:
-    /// `path` is for reports alone. All of the references must outlive the removal; what happens is added to `result`. With `seen`
-    /// only what is in it goes, the changes of our own aside.
-    TreeRemoval(const FileSystem& files, const std::string& path, const std::atomic<bool>* stop, RemovalResult& result,
-                const SeenEntries* seen = nullptr, OwnChanges* own = nullptr)
+    /// `path` is for reports alone. All of the references must outlive the removal; what happens is
+    /// added to `result`. With `seen` only what is in it goes, the changes of our own aside.
+    TreeRemoval(const FileSystem& files, const std::string& path, const std::atomic<bool>* stop,
+                RemovalResult& result, const SeenEntries* seen = nullptr, OwnChanges* own = nullptr)
         : m_files(files),
           m_path(path),
           m_stop(stop),
@@ -47,16 +47,19 @@ private:
         std::uint64_t inode = 0;
         SeenEntries::Key key = SeenEntries::chosenFolder;
         std::vector<std::string> folders;  // inner ones, still to be removed
-        unsigned pass = 0;                 // how often the folder was emptied before and was not empty then
-        bool stays = false;                // something in it could not be removed
+        unsigned pass = 0;   // how often the folder was emptied before and was not empty then
+        bool stays = false;  // something in it could not be removed
     };
 
     [[nodiscard]] bool isStopped();
-    [[nodiscard]] int here() const { return m_levels.empty() ? m_parent : m_levels.back().folder.get(); }
+    [[nodiscard]] int here() const {
+        return m_levels.empty() ? m_parent : m_levels.back().folder.get();
+    }
     void enter(std::string name, const Level* former);
     void withoutEntering(const std::string& name, int error);
     [[nodiscard]] SeenEntries::Key keyOf(std::string_view name, std::uint64_t inode) const;
-    [[nodiscard]] bool isAsSeen(std::string_view name, const FileAttributes& now, SeenEntries::Key key);
+    [[nodiscard]] bool isAsSeen(std::string_view name, const FileAttributes& now,
+                                SeenEntries::Key key);
     void push(Level level);
     void removeFiles();
     void removeFile(const CatalogEntry& entry);

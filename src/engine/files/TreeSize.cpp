@@ -10,13 +10,14 @@
 
 namespace orrinvale {
 
-Result<SizeTotals> TreeSize::ofEntry(int parent, const std::string& name, const std::string& shown) const {
+Result<SizeTotals> TreeSize::ofEntry(int parent, const std::string& name,
+                                     const std::string& shown) const {
     auto folder = m_files.openFolder(parent, name.empty() ? "." : name.c_str(), Links::Keep);
     if (folder) return Measuring(m_files, m_watch).run(shown, std::move(*folder));
     if (folder.error() != ENOTDIR && folder.error() != ELOOP)
         return tl::unexpected(systemError("open", shown, folder.error()));
-    const auto entry =
-        name.empty() ? m_files.attributes(parent) : m_files.attributes(parent, name.c_str(), Links::Keep);
+    const auto entry = name.empty() ? m_files.attributes(parent)
+                                    : m_files.attributes(parent, name.c_str(), Links::Keep);
     if (!entry) return tl::unexpected(systemError("attributes", shown, entry.error()));
     const SizeTotals one{.bytes = countedSize(*entry), .files = 1, .folders = 0};
     if (m_watch.counts != nullptr) addSaturating(m_watch.counts->bytes, one.bytes);
@@ -29,7 +30,8 @@ Result<SizeTotals> TreeSize::ofPath(const std::string& path) const {
     if (path.empty()) return tl::unexpected(systemError("open", path, ENOENT));
     const std::size_t slash = path.find_last_not_of('/');
     const std::size_t cut = slash == std::string::npos ? slash : path.rfind('/', slash);
-    if (path.size() < longest || cut == std::string::npos) return ofEntry(FileSystem::noParent, path, path);
+    if (path.size() < longest || cut == std::string::npos)
+        return ofEntry(FileSystem::noParent, path, path);
     const auto parent = openFolderByPath(m_files, path.substr(0, cut + 1), Links::Follow);
     if (!parent) return tl::unexpected(systemError("open", path, parent.error()));
     return ofEntry(parent->get(), path.substr(cut + 1), path);

@@ -13,11 +13,13 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto beforeSecondThread = 150us;  // a thread costs 20 to 60 us to start and to join, measured
+constexpr auto beforeSecondThread =
+    150us;  // a thread costs 20 to 60 us to start and to join, measured
 constexpr auto betweenChecks = 3ms;
 constexpr auto longestWindow = 100ms;
 constexpr unsigned fewestSteps = 4;  // of each thread
-constexpr double busy = 0.6;         // below this share of the cores in use, threads are waiting for the disk
+constexpr double busy =
+    0.6;  // below this share of the cores in use, threads are waiting for the disk
 
 std::int64_t processorTime() {
     timespec used{};
@@ -25,8 +27,9 @@ std::int64_t processorTime() {
     return used.tv_sec * 1'000'000'000 + used.tv_nsec;
 }
 
-// How often threads of this process gave up the processor to wait for something. Other programs that take processors away do not
-// count here, so that a loaded machine is not mistaken for a slow disk.
+// How often threads of this process gave up the processor to wait for something. Other programs
+// that take processors away do not count here, so that a loaded machine is not mistaken for a slow
+// disk.
 std::int64_t waits() {
     rusage usage{};
     ::getrusage(RUSAGE_SELF, &usage);
@@ -42,13 +45,15 @@ std::int64_t nanoseconds(std::chrono::steady_clock::time_point time) {
 unsigned WorkCrew::cores() {
     static const unsigned number = [] {
         cpu_set_t set;
-        if (::sched_getaffinity(0, sizeof set, &set) == 0) return static_cast<unsigned>(std::max(1, CPU_COUNT(&set)));
+        if (::sched_getaffinity(0, sizeof set, &set) == 0)
+            return static_cast<unsigned>(std::max(1, CPU_COUNT(&set)));
         return std::max(1U, std::thread::hardware_concurrency());
     }();
     return number;
 }
 
-WorkCrew::WorkCrew(unsigned most, std::function<void()> atStart, std::function<void(unsigned)> atEnd)
+WorkCrew::WorkCrew(unsigned most, std::function<void()> atStart,
+                   std::function<void(unsigned)> atEnd)
     : m_most(std::max(1U, most)), m_atStart(std::move(atStart)), m_atEnd(std::move(atEnd)) {}
 
 void WorkCrew::run(const std::function<Step(unsigned)>& step) {
@@ -86,7 +91,8 @@ void WorkCrew::forEach(std::size_t count, std::size_t grain, const std::atomic<b
         const std::size_t first = next.fetch_add(grain, std::memory_order_relaxed);
         if (first >= count) return Step::Finished;
         const std::size_t last = std::min(count, first + grain);
-        for (std::size_t index = first; index < last && !stop.load(std::memory_order_relaxed); ++index)
+        for (std::size_t index = first; index < last && !stop.load(std::memory_order_relaxed);
+             ++index)
             task(index, worker);
         return Step::Worked;
     });
@@ -134,7 +140,8 @@ WorkCrew::Step WorkCrew::guardedStep(unsigned worker) {
     }
 }
 
-// Sleeps until wake() was called after `seen` was read. A worker beyond the limit is not counted: it is no sign of missing work.
+// Sleeps until wake() was called after `seen` was read. A worker beyond the limit is not counted:
+// it is no sign of missing work.
 void WorkCrew::park(unsigned worker, std::uint64_t seen) {
     std::unique_lock lock(m_mutex);
     const unsigned counted = worker < m_limit.load() ? 1 : 0;
@@ -155,8 +162,10 @@ void WorkCrew::adjust(Clock::time_point now) {
     if (m_finished.load() || nanoseconds(now) < m_nextCheck.load()) return;
     m_nextCheck = nanoseconds(now + betweenChecks);
     const unsigned limit = m_limit.load();
-    // A rate out of a few steps is chance: wait for more of them, but not forever where each takes long.
-    const bool enough = m_steps.load() - m_lastSteps >= fewestSteps * limit || now - m_lastCheck > longestWindow;
+    // A rate out of a few steps is chance: wait for more of them, but not forever where each takes
+    // long.
+    const bool enough =
+        m_steps.load() - m_lastSteps >= fewestSteps * limit || now - m_lastCheck > longestWindow;
     if (limit >= cores() && !enough) return;
     const std::int64_t processor = processorTime();
     const std::int64_t waited = waits();
@@ -164,7 +173,8 @@ void WorkCrew::adjust(Clock::time_point now) {
     const double seconds = std::chrono::duration<double>(now - m_lastCheck).count();
     const double rate = static_cast<double>(steps - m_lastSteps) / seconds;
     const double used = static_cast<double>(processor - m_lastProcessor) * 1e-9 / seconds;
-    const bool blocked = static_cast<double>(waited - m_lastWaits) > 0.5 * static_cast<double>(steps - m_lastSteps);
+    const bool blocked =
+        static_cast<double>(waited - m_lastWaits) > 0.5 * static_cast<double>(steps - m_lastSteps);
     m_lastCheck = now;
     m_lastProcessor = processor;
     m_lastWaits = waited;
@@ -197,7 +207,8 @@ void WorkCrew::setLimit(unsigned limit) {
                 work(next);
                 if (m_atEnd) m_atEnd(next);
             });
-    } catch (const std::exception&) {  // no more threads for this user, or no memory: those that are there do the work
+    } catch (const std::exception&) {  // no more threads for this user, or no memory: those that
+                                       // are there do the work
         limit = static_cast<unsigned>(m_threads.size()) + 1;
         m_hold = ~0U;
     }

@@ -1,4 +1,5 @@
-// The engine's own parallelism: one call that runs a step on as many threads as pays, and returns when all is done.
+// The engine's own parallelism: one call that runs a step on as many threads as pays, and returns
+// when all is done.
 #pragma once
 
 #include <atomic>
@@ -16,9 +17,10 @@ namespace orrinvale {
 
 /// Runs a step again and again on the calling thread and on others beside it.
 ///
-/// The second thread starts only when the work has lasted longer than a thread costs; then there are as many threads as cores.
-/// While they wait for the disk more than they compute, their number doubles, up to a bound: cold small files are read
-/// five times faster that way. When a doubling made the work slower, as on a disk that seeks, it is taken back.
+/// The second thread starts only when the work has lasted longer than a thread costs; then there
+/// are as many threads as cores. While they wait for the disk more than they compute, their number
+/// doubles, up to a bound: cold small files are read five times faster that way. When a doubling
+/// made the work slower, as on a disk that seeks, it is taken back.
 class WorkCrew final {
 public:
     enum class Step {
@@ -27,19 +29,22 @@ public:
         Finished  ///< there will be nothing more; all workers go home
     };
 
-    /// At most `most` threads, the calling one included; 1 runs everything on the caller. Each thread beside the caller's calls
-    /// `atStart` first and atEnd(worker) last.
-    explicit WorkCrew(unsigned most = 64, std::function<void()> atStart = {}, std::function<void(unsigned)> atEnd = {});
+    /// At most `most` threads, the calling one included; 1 runs everything on the caller. Each
+    /// thread beside the caller's calls `atStart` first and atEnd(worker) last.
+    explicit WorkCrew(unsigned most = 64, std::function<void()> atStart = {},
+                      std::function<void(unsigned)> atEnd = {});
     WorkCrew(const WorkCrew&) = delete;
     WorkCrew& operator=(const WorkCrew&) = delete;
 
-    /// Calls step(worker) until it answers Finished on any worker; returns when all workers have come home. `worker` counts from
-    /// 0 (the caller) and stays below most(); each number is one thread for the whole call. What a step throws on any thread ends
-    /// the call as Finished does, and is thrown to the caller.
+    /// Calls step(worker) until it answers Finished on any worker; returns when all workers have
+    /// come home. `worker` counts from 0 (the caller) and stays below most(); each number is one
+    /// thread for the whole call. What a step throws on any thread ends the call as Finished does,
+    /// and is thrown to the caller.
     void run(const std::function<Step(unsigned worker)>& step);
 
-    /// Runs task(index, worker) once for each index below `count`, `grain` of them at a time, in rising order of start.
-    /// `stop` is looked at before each; tasks under way end in their own time.
+    /// Runs task(index, worker) once for each index below `count`, `grain` of them at a time, in
+    /// rising order of start. `stop` is looked at before each; tasks under way end in their own
+    /// time.
     void forEach(std::size_t count, std::size_t grain, const std::atomic<bool>& stop,
                  const std::function<void(std::size_t index, unsigned worker)>& task);
 
@@ -82,8 +87,9 @@ private:
     std::int64_t m_lastProcessor = 0;
     std::int64_t m_lastWaits = 0;
     std::uint64_t m_lastSteps = 0;
-    double m_rateBefore = 0;  // steps a second before the last doubling, 0 when there was none to judge
-    unsigned m_hold = 0;      // checks to let pass before the next doubling
+    double m_rateBefore =
+        0;                // steps a second before the last doubling, 0 when there was none to judge
+    unsigned m_hold = 0;  // checks to let pass before the next doubling
 };
 
 }  // namespace orrinvale

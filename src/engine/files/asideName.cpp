@@ -16,7 +16,9 @@ std::string asideName(std::string_view token, std::string_view name) {
 bool isAsideName(std::string_view name) {
     if (!name.starts_with(asideMark)) return false;
     name.remove_prefix(asideMark.size());
-    const auto isHexadecimal = [](char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'); };
+    const auto isHexadecimal = [](char c) {
+        return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f');
+    };
     return name.size() > asideTokenLength && name[asideTokenLength] == ' ' &&
            std::all_of(name.begin(), name.begin() + asideTokenLength, isHexadecimal);
 }

@@ -10,7 +10,8 @@ namespace orrinvale {
 std::string shortenedName(std::string_view name, std::string_view behind, std::size_t most) {
     constexpr std::size_t longestExtension = 20;
     std::string_view extension = pathExtension(name);
-    if (extension.size() > longestExtension) extension = {};  // no extension, but a name with a dot in it
+    if (extension.size() > longestExtension)
+        extension = {};  // no extension, but a name with a dot in it
     std::string_view stem = name;
     if (!extension.empty()) stem.remove_suffix(extension.size() + 1);
     std::string end(behind);

@@ -1,5 +1,6 @@
-// The places that every system of this kind needs where they are, as resources/propertylists/SystemFile.plist lists them. Built in as
-// plain text, so that the administrator's helper reads no property lists.
+// The places that every system of this kind needs where they are, as
+// resources/propertylists/SystemFile.plist lists them. Built in as plain text, so that the
+// administrator's helper reads no property lists.
 #pragma once
 
 #include <span>

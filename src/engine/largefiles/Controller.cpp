@@ -1,4 +1,5 @@
-// Controller: see Controller.h. NodeSelection has the rules of the ticks, NodeRemoval the thread that removes.
+// Controller: see Controller.h. NodeSelection has the rules of the ticks, NodeRemoval the thread
+// that removes.
 #include "engine/largefiles/Controller.h"
 
 #include <fmt/format.h>
@@ -17,7 +18,8 @@
 namespace orrinvale {
 namespace {
 
-// What one turn of the main thread does at most, with room to spare: 4,096 nodes out of their lists, 65,536 states.
+// What one turn of the main thread does at most, with room to spare: 4,096 nodes out of their
+// lists, 65,536 states.
 constexpr std::size_t mostLeaving = 4096;
 constexpr std::size_t mostStates = 65536;
 
@@ -37,11 +39,14 @@ struct Controller::Removal {
 };
 
 struct Controller::Erasure final : RemoveFileAndFolderDelegate {
-    Erasure(const ControllerParts& parts, const std::shared_ptr<FileNodeTree>& tree, std::vector<FileNode*> nodes)
+    Erasure(const ControllerParts& parts, const std::shared_ptr<FileNodeTree>& tree,
+            std::vector<FileNode*> nodes)
         : work(parts, tree, std::move(nodes)) {
         work.setDelegate(this);
     }
-    void removeObjEnd(const std::vector<std::string>& deleteErrorArr) override { whenEnded(deleteErrorArr); }
+    void removeObjEnd(const std::vector<std::string>& deleteErrorArr) override {
+        whenEnded(deleteErrorArr);
+    }
 
     RemoveFileAndFolder work;
     std::function<void(const std::vector<std::string>&)> whenEnded;
@@ -69,10 +74,11 @@ void Controller::setParts(ControllerParts parts) {
     m_parts = std::move(parts);
 }
 
-void Controller::eumeAllRootFileNodeWithRootArr(std::shared_ptr<FileNodeTree> rootArr, const std::string& rootPath) {
+void Controller::eumeAllRootFileNodeWithRootArr(std::shared_ptr<FileNodeTree> rootArr,
+                                                const std::string& rootPath) {
     m_rescan.reset();
-    m_eumeRoot =
-        std::make_unique<EumeRoot>(ScanParts{.files = m_parts.files, .mainQueue = m_parts.mainQueue, .grown = {}});
+    m_eumeRoot = std::make_unique<EumeRoot>(
+        ScanParts{.files = m_parts.files, .mainQueue = m_parts.mainQueue, .grown = {}});
     m_eumeRoot->eumeAllRootFileNodeWithRootArr(rootArr, rootPath);
     m_aRootArr = std::move(rootArr);
 }
@@ -106,7 +112,8 @@ void Controller::changeChildrenFilNodeState(FileNode& node, std::uint8_t state) 
     reloadTree();
 }
 
-// The page hears of the whole climb once: a row that is drawn again for each level shows nothing else in the end.
+// The page hears of the whole climb once: a row that is drawn again for each level shows nothing
+// else in the end.
 void Controller::changeFatherNodeSelectState(FileNode& node, std::uint8_t /*state*/) {
     followUpwards(node);
     changeSelectAllButtonState();
@@ -143,15 +150,19 @@ void Controller::pereviewFileWithFileNode(const FileNode& node) {
     if (m_parts.openFolder) m_parts.openFolder(node.path());
 }
 
-std::string Controller::moveFileToTrash(const std::string& path, const std::optional<EntryIdentity>& expected) {
+std::string Controller::moveFileToTrash(const std::string& path,
+                                        const std::optional<EntryIdentity>& expected) {
     if (m_parts.files == nullptr) return "no file system";
     return putIntoTrash(*m_parts.files, m_parts.ownFiles, path, expected);
 }
 
-void Controller::moveFileToTrash(const std::string& path, const std::optional<EntryIdentity>& expected,
+void Controller::moveFileToTrash(const std::string& path,
+                                 const std::optional<EntryIdentity>& expected,
                                  std::function<void(const std::string& reason)> whenDone) {
     if (m_parts.files == nullptr || m_parts.mainQueue == nullptr) return;
-    if (!m_errands) m_errands = std::make_unique<TrashErrands>(*m_parts.files, *m_parts.mainQueue, m_parts.ownFiles);
+    if (!m_errands)
+        m_errands =
+            std::make_unique<TrashErrands>(*m_parts.files, *m_parts.mainQueue, m_parts.ownFiles);
     m_errands->send(path, expected, std::move(whenDone));
 }
 
@@ -161,9 +172,11 @@ void Controller::moveFileToTarsh() {
         if (!nodes.empty()) {
             m_erasure = std::make_shared<Erasure>(m_parts, m_aRootArr, std::move(nodes));
             m_erasure->whenEnded = [this](const std::vector<std::string>& failed) {
-                // It is this very object's call that is running, so that the object goes in a later turn.
+                // It is this very object's call that is running, so that the object goes in a later
+                // turn.
                 m_parts.mainQueue->async([ended = std::exchange(m_erasure, nullptr)] {});
-                for (const std::string& path : failed) Log::line(fmt::format("--delete file error ---::{}", path));
+                for (const std::string& path : failed)
+                    Log::line(fmt::format("--delete file error ---::{}", path));
                 reloadTree();
             };
             m_erasure->work.runTaskWithPath();
@@ -172,11 +185,15 @@ void Controller::moveFileToTarsh() {
     reloadTree();
 }
 
-std::vector<FileNode*> Controller::deleteFilesWithDic(std::span<FileNode* const> nodes) { return tickedOf(nodes); }
+std::vector<FileNode*> Controller::deleteFilesWithDic(std::span<FileNode* const> nodes) {
+    return tickedOf(nodes);
+}
 
 bool Controller::deleteFilesWithDic() {
-    if (m_removal || !m_aRootArr || m_parts.files == nullptr || m_parts.mainQueue == nullptr) return false;
-    const std::vector<FileNode*> nodes = deleteFilesWithDic(m_aRootArr->root().childrenInAnyOrder());
+    if (m_removal || !m_aRootArr || m_parts.files == nullptr || m_parts.mainQueue == nullptr)
+        return false;
+    const std::vector<FileNode*> nodes =
+        deleteFilesWithDic(m_aRootArr->root().childrenInAnyOrder());
     if (nodes.empty()) return false;
     m_rescan.reset();  // two at once would add to folders that leave
     m_removal = std::make_shared<Removal>(m_parts, m_aRootArr, nodes, [this] { removalNews(); });
@@ -189,7 +206,8 @@ void Controller::stopRemove() {
 
 bool Controller::isRemoving() const { return m_removal != nullptr; }
 
-// Whatever the delegate is told, it may answer by ending the removal, or by turning an event loop that brings further news.
+// Whatever the delegate is told, it may answer by ending the removal, or by turning an event loop
+// that brings further news.
 void Controller::removalNews() {
     const std::shared_ptr<Removal> removal = m_removal;
     if (!removal) return;
@@ -214,15 +232,16 @@ void Controller::removalNews() {
     else removal->work.callAgain();
 }
 
-// The siblings of what goes lose their ticks, as their folder does. That a folder is done once for all its nodes, and at the end,
-// leaves the same states: nobody ticks anything meanwhile.
+// The siblings of what goes lose their ticks, as their folder does. That a folder is done once for
+// all its nodes, and at the end, leaves the same states: nobody ticks anything meanwhile.
 void Controller::takeOut(Removal& removal, std::span<FileNode* const> nodes) {
     if (nodes.empty()) return;
     std::unordered_map<FileNode*, std::vector<FileNode*>> byFolder;
     for (FileNode* const node : nodes) {
         FileNode* const father = node->father();
         byFolder[father != nullptr ? father : &removal.work.tree().root()].push_back(node);
-        if (father != nullptr && removal.cleared.insert(father).second) removal.clearing.tick(*father);
+        if (father != nullptr && removal.cleared.insert(father).second)
+            removal.clearing.tick(*father);
     }
     for (const auto& [folder, leaving] : byFolder) folder->removeChildren(leaving);
     reloadTree();
@@ -238,8 +257,8 @@ void Controller::endRemoval() {
 }
 
 void Controller::scanAgain(std::shared_ptr<FileNodeTree> tree, FileNode& folder) {
-    m_rescan = std::make_unique<EumeRoot>(
-        ScanParts{.files = m_parts.files, .mainQueue = m_parts.mainQueue, .grown = [this] { reloadTree(); }});
+    m_rescan = std::make_unique<EumeRoot>(ScanParts{
+        .files = m_parts.files, .mainQueue = m_parts.mainQueue, .grown = [this] { reloadTree(); }});
     m_rescan->scanAgain(std::move(tree), folder);
 }
 

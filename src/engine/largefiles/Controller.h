@@ -1,5 +1,5 @@
-// Controller: what the large file page asks for. It starts and stops the scan, keeps the ticks consistent up and down the tree, and
-// removes what is ticked.
+// Controller: what the large file page asks for. It starts and stops the scan, keeps the ticks
+// consistent up and down the tree, and removes what is ticked.
 #pragma once
 
 #include <cstdint>
@@ -40,19 +40,22 @@ protected:
 
 class TrashErrands;
 
-/// Main thread only; the removal runs on a thread of its own and changes the tree on the main thread, in batches.
+/// Main thread only; the removal runs on a thread of its own and changes the tree on the main
+/// thread, in batches.
 class Controller final {
 public:
     /// Made at the first call, never freed.
     [[nodiscard]] static Controller& getController();
-    /// Ends the scans and the removal that are under way, and waits for the removal's entry in hand and for the scan of what a stop left:
-    /// call it with nothing before the parts go. Threads that scan may still be at a file system that does not answer, which therefore outlives them:
+    /// Ends the scans and the removal that are under way, and waits for the removal's entry in hand
+    /// and for the scan of what a stop left: call it with nothing before the parts go. Threads that
+    /// scan may still be at a file system that does not answer, which therefore outlives them:
     /// eumeRoot()->waitForEnd() waits for those.
     void setParts(ControllerParts parts);
     void setADelegate(ControllerDelegate* delegate) { _aDelegate = delegate; }  ///< not owned
     [[nodiscard]] ControllerDelegate* aDelegate() const { return _aDelegate; }
 
-    void eumeAllRootFileNodeWithRootArr(std::shared_ptr<FileNodeTree> rootArr, const std::string& rootPath);
+    void eumeAllRootFileNodeWithRootArr(std::shared_ptr<FileNodeTree> rootArr,
+                                        const std::string& rootPath);
     void stopScan();
     /// Stops the scan and lets go of its tree, which nobody looks at any more.
     void closeTree();
@@ -70,22 +73,26 @@ public:
     void openFileWithFileNode(const FileNode& node);
     void pereviewFileWithFileNode(const FileNode& node);
 
-    /// Moves one entry to the trash of its volume; with `expected` only what the scan saw. Why it stays, for people; empty when it
-    /// went. Either goes to the log as well.
-    std::string moveFileToTrash(const std::string& path, const std::optional<EntryIdentity>& expected = std::nullopt);
-    /// The same beside the main thread, which a home folder that does not answer would keep; `whenDone` is called on it, or never when the
-    /// parts go before.
+    /// Moves one entry to the trash of its volume; with `expected` only what the scan saw. Why it
+    /// stays, for people; empty when it went. Either goes to the log as well.
+    std::string moveFileToTrash(const std::string& path,
+                                const std::optional<EntryIdentity>& expected = std::nullopt);
+    /// The same beside the main thread, which a home folder that does not answer would keep;
+    /// `whenDone` is called on it, or never when the parts go before.
     void moveFileToTrash(const std::string& path, const std::optional<EntryIdentity>& expected,
                          std::function<void(const std::string& reason)> whenDone);
-    /// Gives what is selected to the outside eraser, and returns. Its nodes stay in the tree until the next scan; the page hears
-    /// reloadTreeList() at once and at the end. One at a time.
+    /// Gives what is selected to the outside eraser, and returns. Its nodes stay in the tree until
+    /// the next scan; the page hears reloadTreeList() at once and at the end. One at a time.
     void moveFileToTarsh();
 
-    /// Starts the removal of what is ticked. False, and no call to the delegate, when nothing is. A folder that stopRemove() cuts stays in
-    /// the tree and is scanned anew from the end on, so that it and the folders above it come to show what is left.
+    /// Starts the removal of what is ticked. False, and no call to the delegate, when nothing is. A
+    /// folder that stopRemove() cuts stays in the tree and is scanned anew from the end on, so that
+    /// it and the folders above it come to show what is left.
     bool deleteFilesWithDic();
-    /// What would go of these siblings, in the order of the tree: a ticked node as a whole, of a mixed one what is ticked below it.
-    [[nodiscard]] static std::vector<FileNode*> deleteFilesWithDic(std::span<FileNode* const> nodes);
+    /// What would go of these siblings, in the order of the tree: a ticked node as a whole, of a
+    /// mixed one what is ticked below it.
+    [[nodiscard]] static std::vector<FileNode*> deleteFilesWithDic(
+        std::span<FileNode* const> nodes);
     void stopRemove();
     [[nodiscard]] bool isRemoving() const;
 
@@ -108,7 +115,8 @@ private:
     ControllerDelegate* _aDelegate = nullptr;
     std::shared_ptr<FileNodeTree> m_aRootArr;
     std::unique_ptr<EumeRoot> m_eumeRoot;
-    std::unique_ptr<EumeRoot> m_rescan;  // of a folder that a stop left a part of, since the last removal
+    std::unique_ptr<EumeRoot>
+        m_rescan;  // of a folder that a stop left a part of, since the last removal
     std::shared_ptr<Removal> m_removal;  // while one is under way
     std::unique_ptr<TrashErrands> m_errands;
     std::shared_ptr<Erasure> m_erasure;  // the same of the outside eraser

@@ -14,9 +14,11 @@ namespace orrinvale {
 struct ControllerParts {
     const FileSystem* files = nullptr;
     MainQueue* mainQueue = nullptr;
-    std::vector<std::string> ownFiles;                        ///< absolute paths of the program's files, never removed
-    std::function<void(const std::string& path)> reveal;      ///< shows the entry in the desktop's file manager
-    std::function<void(const std::string& path)> openFolder;  ///< opens the entry with the desktop's file manager
+    std::vector<std::string> ownFiles;  ///< absolute paths of the program's files, never removed
+    std::function<void(const std::string& path)>
+        reveal;  ///< shows the entry in the desktop's file manager
+    std::function<void(const std::string& path)>
+        openFolder;  ///< opens the entry with the desktop's file manager
 };
 
 }  // namespace orrinvale

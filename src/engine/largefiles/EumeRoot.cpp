@@ -1,5 +1,5 @@
-// EumeRoot: see EumeRoot.h. NodeTreeOperator walks, TreeGrowth makes the tree; here is what lies between them: the chunks that wait,
-// and who takes them in when.
+// EumeRoot: see EumeRoot.h. NodeTreeOperator walks, TreeGrowth makes the tree; here is what lies
+// between them: the chunks that wait, and who takes them in when.
 #include "engine/largefiles/EumeRoot.h"
 
 #include <atomic>
@@ -19,11 +19,13 @@
 namespace orrinvale {
 namespace {
 
-// Of the 16 ms that a turn may take, the rest is for bringing sizes up to date and for the chunk in hand.
+// Of the 16 ms that a turn may take, the rest is for bringing sizes up to date and for the chunk in
+// hand.
 constexpr std::chrono::milliseconds turn{10};
 
-// Entries directly in chosen folders that were finished since the program began. Nobody sets it back, so that the end of a scan
-// is told only as long as it was the first, or all before it found nothing.
+// Entries directly in chosen folders that were finished since the program began. Nobody sets it
+// back, so that the end of a scan is told only as long as it was the first, or all before it found
+// nothing.
 std::atomic<std::int32_t> s_finishedEntries{0};
 
 }  // namespace
@@ -154,12 +156,14 @@ void EumeRoot::Scan::takeTurn() {
     end();
 }
 
-// Not before there is something to take its place, so that the folder does not show nothing in between.
+// Not before there is something to take its place, so that the folder does not show nothing in
+// between.
 void EumeRoot::Scan::emptyFirst() {
     if (!m_isOfAll && !std::exchange(m_isEmptied, true)) m_growth->startAnew();
 }
 
-// Without a queue one of the walking threads takes in what all of them found, and none waits for it.
+// Without a queue one of the walking threads takes in what all of them found, and none waits for
+// it.
 void EumeRoot::Scan::takeAll() {
     while (takeNext()) {}
 }
@@ -206,7 +210,8 @@ void EumeRoot::Scan::end() {
     if (!m_isOfAll) return;
     const auto finished = static_cast<std::int32_t>(m_counts->finished);
     const std::int32_t finishedEver = s_finishedEntries.fetch_add(finished) + finished;
-    if (m_counts->all >= 0 && m_counts->all == finishedEver && Log::isEnabled()) Log::line("---end----");
+    if (m_counts->all >= 0 && m_counts->all == finishedEver && Log::isEnabled())
+        Log::line("---end----");
 }
 
 void EumeRoot::Scan::waitForEnd() {
@@ -228,7 +233,8 @@ EumeRoot::~EumeRoot() {
     if (!m_scan->hasQueue()) m_scan->waitForEnd();
 }
 
-void EumeRoot::eumeAllRootFileNodeWithRootArr(std::shared_ptr<FileNodeTree> rootArr, const std::string& rootPath) {
+void EumeRoot::eumeAllRootFileNodeWithRootArr(std::shared_ptr<FileNodeTree> rootArr,
+                                              const std::string& rootPath) {
     FileNode& root = rootArr->root();
     m_scan = std::make_shared<Scan>(m_parts, std::move(rootArr), root);
     m_scan->start(rootPath);
@@ -242,9 +248,9 @@ void EumeRoot::scanAgain(std::shared_ptr<FileNodeTree> rootArr, FileNode& folder
 float EumeRoot::getProgress() const {
     if (!m_scan) return 0;
     const std::int64_t all = m_scan->counts().all;
-    return all < 1
-               ? 0
-               : static_cast<float>(static_cast<double>(m_scan->counts().finished) * 100.0 / static_cast<double>(all));
+    return all < 1 ? 0
+                   : static_cast<float>(static_cast<double>(m_scan->counts().finished) * 100.0 /
+                                        static_cast<double>(all));
 }
 
 void EumeRoot::stopScan() {
@@ -261,6 +267,8 @@ bool EumeRoot::isEmptyFolder() const { return m_scan && m_scan->counts().all == 
 
 std::uint64_t EumeRoot::foundCount() const { return m_scan ? m_scan->counts().found.load() : 0; }
 
-std::vector<Error> EumeRoot::skipped() const { return m_scan ? m_scan->skipped().entries() : std::vector<Error>(); }
+std::vector<Error> EumeRoot::skipped() const {
+    return m_scan ? m_scan->skipped().entries() : std::vector<Error>();
+}
 
 }  // namespace orrinvale

@@ -20,10 +20,13 @@ constexpr std::size_t sortedAhead = 20'000;
 
 std::string FileNode::path() const {
     std::vector<const FileNode*> way;
-    for (const FileNode* node = this; node->m_father != nullptr; node = node->m_father) way.push_back(node);
+    for (const FileNode* node = this; node->m_father != nullptr; node = node->m_father)
+        way.push_back(node);
     std::string path = FileNodeTree::of(*this).rootPath();
-    if (!way.empty() && !way.back()->m_father->m_isDirectory) return path;  // the chosen file itself
-    // Only the names directly in the chosen folder are put behind a slash whatever the folder is, so below "/" paths begin with two.
+    if (!way.empty() && !way.back()->m_father->m_isDirectory)
+        return path;  // the chosen file itself
+    // Only the names directly in the chosen folder are put behind a slash whatever the folder is,
+    // so below "/" paths begin with two.
     for (auto node = way.rbegin(); node != way.rend(); ++node) {
         path += '/';
         path += (*node)->m_name;
@@ -50,12 +53,14 @@ EntryIdentity FileNode::identity() const {
     return identity;
 }
 
-FileNode* FileNode::father() const { return m_father != nullptr && m_father->m_father != nullptr ? m_father : nullptr; }
+FileNode* FileNode::father() const {
+    return m_father != nullptr && m_father->m_father != nullptr ? m_father : nullptr;
+}
 
 bool FileNode::standsBefore(const FileNode& other) const {
     if (m_size != other.m_size) return m_size > other.m_size;
-    // A newcomer is put before those of its size. A folder comes as an empty one and is moved behind those whose size it
-    // reaches; at the top level it is put at the end to begin with.
+    // A newcomer is put before those of its size. A folder comes as an empty one and is moved
+    // behind those whose size it reaches; at the top level it is put at the end to begin with.
     const auto isMoved = [](const FileNode& node) {
         return node.m_isDirectory && (node.m_size > 0 || node.father() == nullptr);
     };
@@ -70,8 +75,9 @@ std::span<FileNode* const> FileNode::biggestChildren(std::size_t count) {
     if (m_ordered >= count) return all;
     const auto before = [](const FileNode* a, const FileNode* b) { return a->standsBefore(*b); };
     if (all.size() <= wholeLevel) count = all.size();
-    // Those in order already are bigger than the rest, so that a list which grows as it is scrolled sorts what is new in it. Whoever
-    // comes back for more will do so again: choosing from all that is left costs more than sorting some of it ahead.
+    // Those in order already are bigger than the rest, so that a list which grows as it is scrolled
+    // sorts what is new in it. Whoever comes back for more will do so again: choosing from all that
+    // is left costs more than sorting some of it ahead.
     if (m_ordered > 0) count = std::min(count + sortedAhead, all.size());
     const std::lock_guard lock(FileNodeTree::of(*this).m_lists);
     const auto first = all.begin() + m_ordered;
@@ -87,8 +93,8 @@ void FileNode::putInOrder(std::span<FileNode*> children) {
               [](const FileNode* a, const FileNode* b) { return a->standsBefore(*b); });
 }
 
-// In a folder of a million entries a look at each child would take longer than a frame, so that the list alone is compared with
-// those that leave, up to the last of them.
+// In a folder of a million entries a look at each child would take longer than a frame, so that the
+// list alone is compared with those that leave, up to the last of them.
 void FileNode::removeChildren(std::span<FileNode* const> leaving) {
     const std::lock_guard lock(FileNodeTree::of(*this).m_lists);
     std::size_t found = 0;
@@ -121,7 +127,8 @@ void FileNode::removeChildrenInAnyOrder(std::span<FileNode* const> leaving) {
     for (const FileNode* const node : sorted) maybe[bitOf(node)] = true;
     std::sort(sorted.begin(), sorted.end(), std::less<>());
     const auto leaves = [&](FileNode* child) {
-        return maybe[bitOf(child)] && std::binary_search(sorted.begin(), sorted.end(), child, std::less<>());
+        return maybe[bitOf(child)] &&
+               std::binary_search(sorted.begin(), sorted.end(), child, std::less<>());
     };
     FileNode** const ordered = m_children + m_ordered;
     FileNode** const orderedEnd = std::remove_if(m_children, ordered, leaves);

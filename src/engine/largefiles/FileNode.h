@@ -1,4 +1,5 @@
-// FileNode: a file or a folder in the tree of the large file page, and FileNodeTree, which owns the nodes of one scan.
+// FileNode: a file or a folder in the tree of the large file page, and FileNodeTree, which owns the
+// nodes of one scan.
 #pragma once
 
 #include <cstddef>
@@ -22,19 +23,23 @@ struct FoundEntry {
     std::uint32_t position = 0;  ///< its place in the listing of its folder, from 0
     std::uint64_t size = 0;      ///< bytes; 0 for a folder, whose contents add to it later
     std::uint64_t onDisk = 0;    ///< bytes that it takes on the disk
-    std::uint64_t device = 0;    ///< st_dev, inode and time of making, which tell it from what may stand there later
+    std::uint64_t device =
+        0;  ///< st_dev, inode and time of making, which tell it from what may stand there later
     std::uint64_t inode = 0;
-    std::int64_t born = 0;      ///< 0 where it is not known
-    std::int64_t modified = 0;  ///< these two of regular files: they tell whether one was written since
+    std::int64_t born = 0;  ///< 0 where it is not known
+    std::int64_t modified =
+        0;  ///< these two of regular files: they tell whether one was written since
     std::int64_t changed = 0;
 };
 
-/// Belongs to its tree, and to the thread that owns the tree: in the window program the main thread, which alone reads and
-/// changes it. Its address stays the same for the life of the tree, also when it was removed from its father.
+/// Belongs to its tree, and to the thread that owns the tree: in the window program the main
+/// thread, which alone reads and changes it. Its address stays the same for the life of the tree,
+/// also when it was removed from its father.
 ///
-/// Children are kept in order lazily: whoever looks at them gets the biggest first, as if each had been put into its place at
-/// its coming and moved with each byte. Of equal ones the file that came later stands before those that were there, while a folder
-/// that grew to that size stands behind them; at the top level so does an empty folder.
+/// Children are kept in order lazily: whoever looks at them gets the biggest first, as if each had
+/// been put into its place at its coming and moved with each byte. Of equal ones the file that came
+/// later stands before those that were there, while a folder that grew to that size stands behind
+/// them; at the top level so does an empty folder.
 class FileNode {
 public:
     enum State : std::uint8_t { NotSelected = 0, Selected = 1, Mixed = 2 };
@@ -43,8 +48,8 @@ public:
     FileNode& operator=(const FileNode&) = delete;
 
     [[nodiscard]] std::string_view name() const { return m_name; }
-    /// Put together from the names at each call; exact bytes, of any length. Any thread, also for a node that was taken out: names
-    /// and fathers never change.
+    /// Put together from the names at each call; exact bytes, of any length. Any thread, also for a
+    /// node that was taken out: names and fathers never change.
     [[nodiscard]] std::string path() const;
     /// The last component of the path.
     [[nodiscard]] std::string displayName() const;
@@ -52,7 +57,8 @@ public:
     /// Whether this very path is one that nobody should select.
     [[nodiscard]] bool isSystemFile() const;
 
-    /// Bytes: of a file its length, of a folder the sum of all that was found in it so far, each name of a file counted.
+    /// Bytes: of a file its length, of a folder the sum of all that was found in it so far, each
+    /// name of a file counted.
     [[nodiscard]] std::uint64_t size() const { return m_size; }
     /// The same on the disk.
     [[nodiscard]] std::uint64_t sizeOnDisk() const { return m_onDisk; }
@@ -72,11 +78,13 @@ public:
     [[nodiscard]] std::size_t childCount() const { return m_childCount; }
     /// All children, in order.
     [[nodiscard]] std::span<FileNode* const> children() { return biggestChildren(m_childCount); }
-    /// All children, of which at least the first `count` stand in order. What a folder of a million entries costs to look at
-    /// depends on this.
+    /// All children, of which at least the first `count` stand in order. What a folder of a million
+    /// entries costs to look at depends on this.
     [[nodiscard]] std::span<FileNode* const> biggestChildren(std::size_t count);
     /// All children, in no order: for sums and states.
-    [[nodiscard]] std::span<FileNode* const> childrenInAnyOrder() const { return {m_children, m_childCount}; }
+    [[nodiscard]] std::span<FileNode* const> childrenInAnyOrder() const {
+        return {m_children, m_childCount};
+    }
 
     /// Puts some children of one folder into that order.
     static void putInOrder(std::span<FileNode*> children);
@@ -86,11 +94,12 @@ public:
         FileNode* const leaving = &child;
         removeChildren({&leaving, 1});
     }
-    /// The same for many, in one pass over the list; those that are no children are passed over. Cheapest when they come in the order of
-    /// the list.
+    /// The same for many, in one pass over the list; those that are no children are passed over.
+    /// Cheapest when they come in the order of the list.
     void removeChildren(std::span<FileNode* const> leaving);
 
-    /// Less than 0 when this node is bigger than the other, 0 when they are of one size: the biggest comes first.
+    /// Less than 0 when this node is bigger than the other, 0 when they are of one size: the
+    /// biggest comes first.
     [[nodiscard]] int compareSize(const FileNode& other) const {
         return m_size == other.m_size ? 0 : m_size > other.m_size ? -1 : 1;
     }
@@ -106,7 +115,8 @@ private:
     std::uint64_t m_size = 0;
     std::uint64_t m_onDisk = 0;
     std::uint64_t m_inode = 0;
-    std::uint64_t m_times = 0;  // of a regular file EntryIdentity::timesOf(), of all others the time of their making
+    std::uint64_t m_times =
+        0;  // of a regular file EntryIdentity::timesOf(), of all others the time of their making
     FileNode** m_children = nullptr;
     std::uint32_t m_childCount = 0;
     std::uint32_t m_childRoom = 0;

@@ -11,9 +11,11 @@
 namespace orrinvale {
 namespace {
 
-// Lists up to this length lie among the nodes; longer ones are allocated each for itself, so that growing leaves nothing behind.
+// Lists up to this length lie among the nodes; longer ones are allocated each for itself, so that
+// growing leaves nothing behind.
 constexpr std::uint32_t mostInArena = 1024;
-constexpr std::size_t childBytes = sizeof(FileNode*);  // NOLINT(bugprone-sizeof-expression): a list of pointers
+constexpr std::size_t childBytes =
+    sizeof(FileNode*);  // NOLINT(bugprone-sizeof-expression): a list of pointers
 
 // As operator new does: whoever can make room is asked before the allocation fails.
 void* resized(void* list, std::size_t bytes) {
@@ -50,7 +52,8 @@ FileNodeTree& FileNodeTree::of(const FileNode& node) {
     return *static_cast<const Root*>(top)->tree;
 }
 
-std::span<FileNode* const> FileNodeTree::add(FileNode& folder, std::span<const FoundEntry> entries) {
+std::span<FileNode* const> FileNodeTree::add(FileNode& folder,
+                                             std::span<const FoundEntry> entries) {
     const Added added = addHere(folder, entries);
     if ((added.size | added.onDisk) != 0) growAbove(folder, added.size, added.onDisk);
     return added.nodes;
@@ -71,8 +74,9 @@ FileNodeTree::Added FileNodeTree::addHere(FileNode& folder, std::span<const Foun
         node->m_size = entry.size;
         node->m_onDisk = entry.onDisk;
         node->m_inode = entry.inode;
-        node->m_times = entry.type == FileType::Regular ? EntryIdentity::timesOf(entry.modified, entry.changed)
-                                                        : static_cast<std::uint64_t>(entry.born);
+        node->m_times = entry.type == FileType::Regular
+                            ? EntryIdentity::timesOf(entry.modified, entry.changed)
+                            : static_cast<std::uint64_t>(entry.born);
         node->m_position = entry.position;
         node->m_links = entry.links;
         node->m_device = deviceIndex(entry.device);
@@ -97,7 +101,8 @@ void FileNodeTree::grow(FileNode& folder, std::uint64_t size, std::uint64_t onDi
 }
 
 void FileNodeTree::growAbove(const FileNode& folder, std::uint64_t size, std::uint64_t onDisk) {
-    for (FileNode* above = folder.m_father; above != nullptr; above = above->m_father) grow(*above, size, onDisk);
+    for (FileNode* above = folder.m_father; above != nullptr; above = above->m_father)
+        grow(*above, size, onDisk);
 }
 
 // A sum that was held at its limit is not known any more; it then shrinks by what it would have.
@@ -121,7 +126,8 @@ void FileNodeTree::addChosenFile(const FoundEntry& entry) {
 
 SeenEntries FileNodeTree::seenBelow(const FileNode& folder, bool inodesPass) const {
     SeenEntries seen(inodesPass);
-    std::vector<std::pair<const FileNode*, SeenEntries::Key>> waiting{{&folder, SeenEntries::chosenFolder}};
+    std::vector<std::pair<const FileNode*, SeenEntries::Key>> waiting{
+        {&folder, SeenEntries::chosenFolder}};
     std::vector<const FileNode*> children;
     while (!waiting.empty()) {
         const auto [node, key] = waiting.back();
@@ -133,7 +139,9 @@ SeenEntries FileNodeTree::seenBelow(const FileNode& folder, bool inodesPass) con
         for (const FileNode* const child : children) {
             const bool isFile = child->m_type == FileType::Regular;
             const auto own = seen.keyOf(key, child->m_name, child->m_inode);
-            seen.add(own, {.type = child->m_type, .size = isFile ? child->m_size : 0, .stamp = child->m_times});
+            seen.add(own, {.type = child->m_type,
+                           .size = isFile ? child->m_size : 0,
+                           .stamp = child->m_times});
             if (child->m_isDirectory) waiting.emplace_back(child, own);
         }
     }
@@ -145,17 +153,21 @@ void FileNodeTree::makeRoom(FileNode& folder, std::size_t more) {
     if (needed <= folder.m_childRoom) return;
     if (needed <= mostInArena) {
         auto* const list = m_nodes.allocate<FileNode*>(needed);
-        if (folder.m_childCount > 0) std::memcpy(list, folder.m_children, folder.m_childCount * childBytes);
+        if (folder.m_childCount > 0)
+            std::memcpy(list, folder.m_children, folder.m_childCount * childBytes);
         folder.m_children = list;
         folder.m_childRoom = static_cast<std::uint32_t>(needed);
         return;
     }
     const bool wasLong = folder.m_childRoom > mostInArena;
-    const std::size_t room = std::max(needed, folder.m_childCount + std::size_t{folder.m_childCount} / 2);
+    const std::size_t room =
+        std::max(needed, folder.m_childCount + std::size_t{folder.m_childCount} / 2);
     if (!wasLong) m_longLists.reserve(m_longLists.size() + 1);
-    auto* const list = static_cast<FileNode**>(resized(wasLong ? folder.m_children : nullptr, room * childBytes));
+    auto* const list =
+        static_cast<FileNode**>(resized(wasLong ? folder.m_children : nullptr, room * childBytes));
     if (!wasLong) {
-        if (folder.m_childCount > 0) std::memcpy(list, folder.m_children, folder.m_childCount * childBytes);
+        if (folder.m_childCount > 0)
+            std::memcpy(list, folder.m_children, folder.m_childCount * childBytes);
         m_longLists.push_back(&folder);
     }
     folder.m_children = list;

@@ -16,7 +16,8 @@
 
 namespace orrinvale {
 
-/// One thread at a time, which owns the tree. A node costs 80 bytes, 8 to 12 in its father's list, and its name.
+/// One thread at a time, which owns the tree. A node costs 80 bytes, 8 to 12 in its father's list,
+/// and its name.
 class FileNodeTree final {
 public:
     /// `rootPath` is absolute; exact bytes.
@@ -29,12 +30,12 @@ public:
     /// Holds the top level as its children. Is shown nowhere and is no node's father().
     [[nodiscard]] FileNode& root() { return *m_root; }
 
-    /// Adds a node for each entry to `folder`, in one step, and their sizes to every folder above. The new nodes, in the order of the
-    /// entries; good until the next call for the folder.
+    /// Adds a node for each entry to `folder`, in one step, and their sizes to every folder above.
+    /// The new nodes, in the order of the entries; good until the next call for the folder.
     std::span<FileNode* const> add(FileNode& folder, std::span<const FoundEntry> entries);
 
-    /// The same in two halves, for many additions at once: what add() did to the sizes of the folders above `folder` is left to
-    /// grow(), for each of them, before anybody looks.
+    /// The same in two halves, for many additions at once: what add() did to the sizes of the
+    /// folders above `folder` is left to grow(), for each of them, before anybody looks.
     struct Added {
         std::span<FileNode* const> nodes;
         std::uint64_t size = 0;  ///< bytes of all of them
@@ -59,10 +60,12 @@ public:
     /// Rises with every change by add() and removeChild().
     [[nodiscard]] std::uint64_t revision() const { return m_revision; }
 
-    /// What the scan saw below a folder, for the removal of it. Any thread, also while the owner of the tree changes it.
+    /// What the scan saw below a folder, for the removal of it. Any thread, also while the owner of
+    /// the tree changes it.
     [[nodiscard]] SeenEntries seenBelow(const FileNode& folder, bool inodesPass) const;
 
-    /// What our own removals of what the tree shows did to its files. For the one removal that is under way.
+    /// What our own removals of what the tree shows did to its files. For the one removal that is
+    /// under way.
     [[nodiscard]] const std::shared_ptr<OwnChanges>& ownChanges() const { return m_ownChanges; }
 
     /// The tree that a node belongs to.
@@ -75,8 +78,8 @@ private:
     std::uint16_t deviceIndex(std::uint64_t device);
 
     std::string m_rootPath;
-    // Held by whoever changes a list of children or its order, and by seenBelow() while it copies one. What a node keeps of its entry
-    // never changes once it stands in a list.
+    // Held by whoever changes a list of children or its order, and by seenBelow() while it copies
+    // one. What a node keeps of its entry never changes once it stands in a list.
     mutable std::mutex m_lists;
     Arena m_nodes;
     FileNode* m_root = nullptr;

@@ -16,10 +16,12 @@ namespace orrinvale {
 /// The nodes, as they were when the person agreed.
 class NodeRemoval::List final : public RemovalList {
 public:
-    List(const FileSystem& files, std::shared_ptr<FileNodeTree> tree, const std::vector<FileNode*>& nodes)
+    List(const FileSystem& files, std::shared_ptr<FileNodeTree> tree,
+         const std::vector<FileNode*>& nodes)
         : m_files(files), m_tree(std::move(tree)) {
         m_entries.reserve(nodes.size());
-        for (FileNode* const node : nodes) m_entries.push_back({node, node->identity(), node->isDirectory()});
+        for (FileNode* const node : nodes)
+            m_entries.push_back({node, node->identity(), node->isDirectory()});
     }
 
     [[nodiscard]] FileNode* node(std::size_t index) const { return m_entries[index].node; }
@@ -32,22 +34,27 @@ public:
             entry.identity.inodePasses = std::ranges::count(passing, entry.identity.device) != 0;
     }
     [[nodiscard]] std::size_t size() const override { return m_entries.size(); }
-    [[nodiscard]] std::string path(std::size_t index) const override { return m_entries[index].node->path(); }
+    [[nodiscard]] std::string path(std::size_t index) const override {
+        return m_entries[index].node->path();
+    }
     [[nodiscard]] std::optional<EntryIdentity> identity(std::size_t index) const override {
         return m_entries[index].identity;
     }
-    [[nodiscard]] std::uint64_t bytes(std::size_t index) const override { return m_entries[index].identity.size; }
+    [[nodiscard]] std::uint64_t bytes(std::size_t index) const override {
+        return m_entries[index].identity.size;
+    }
     [[nodiscard]] std::shared_ptr<const SeenEntries> seen(std::size_t index) override {
         const Entry& entry = m_entries[index];
         if (!entry.isFolder) return nullptr;
-        return std::make_shared<const SeenEntries>(m_tree->seenBelow(*entry.node, entry.identity.inodePasses));
+        return std::make_shared<const SeenEntries>(
+            m_tree->seenBelow(*entry.node, entry.identity.inodePasses));
     }
     void settled(std::size_t index, const RemovalResult& result) override {
         if (result.gone) return;
         if (result.stopped) m_cut = index;
         else
-            Log::line(
-                fmt::format("--delete file error ---::{} ({} entries are still there)", path(index), result.failed));
+            Log::line(fmt::format("--delete file error ---::{} ({} entries are still there)",
+                                  path(index), result.failed));
     }
 
 private:
@@ -70,15 +77,16 @@ NodeRemoval::NodeRemoval(const ControllerParts& parts, std::shared_ptr<FileNodeT
              .mainQueue = parts.mainQueue,
              .makeDoor =
                  [files = parts.files, ownFiles = parts.ownFiles, own = m_tree->ownChanges()] {
-                     return std::make_unique<PlainDoor>(*files, protectedFromLargeFiles(*files, ownFiles), own);
+                     return std::make_unique<PlainDoor>(
+                         *files, protectedFromLargeFiles(*files, ownFiles), own);
                  },
              .stateFolder = {}},
             m_list, std::move(onNews)) {}
 
 NodeRemoval::~NodeRemoval() = default;
 
-// All leave the tree but what a stop cut: a node whose entry is there in part shows sizes that are no longer true, and the next scan
-// brings it back.
+// All leave the tree but what a stop cut: a node whose entry is there in part shows sizes that are
+// no longer true, and the next scan brings it back.
 NodeRemoval::News NodeRemoval::takeNews(std::size_t mostNodes) {
     News news;
     const RemovalJob::News job = m_job.takeNews(mostNodes);
@@ -90,16 +98,18 @@ NodeRemoval::News NodeRemoval::takeNews(std::size_t mostNodes) {
     m_taken += job.settled.size();
     news.isMore = job.isMore;
     const RemovalJob::Progress progress = m_job.progress();
-    const bool isBegun =
-        progress.done == m_taken && m_taken < m_list->size() && progress.current == m_list->path(m_taken);
+    const bool isBegun = progress.done == m_taken && m_taken < m_list->size() &&
+                         progress.current == m_list->path(m_taken);
     if (isBegun && !job.ending) notice(news, m_taken, true);
     if (job.ending) end(news, *job.ending);
     return news;
 }
 
-// Of thousands of nodes hundreds share a percentage, and each of them is gone before its name could be read.
+// Of thousands of nodes hundreds share a percentage, and each of them is gone before its name could
+// be read.
 void NodeRemoval::notice(News& news, std::size_t index, bool isInHand) {
-    const auto percent = m_list->size() == 1 ? 30 : static_cast<std::int32_t>(index * 100 / m_list->size());
+    const auto percent =
+        m_list->size() == 1 ? 30 : static_cast<std::int32_t>(index * 100 / m_list->size());
     if (percent == m_last.percent && !isInHand) return;
     std::string path = m_list->path(index);
     if (percent == m_last.percent && path == m_last.path) return;
@@ -115,7 +125,8 @@ void NodeRemoval::end(News& news, const RemovalOutcome& outcome) const {
     ending.bytes = outcome.bytes;
     ending.failed = outcome.failed;
     ending.failedEntries = outcome.failedEntries;
-    for (const StayedEntry& each : outcome.stayed) ending.failures.push_back({each.path, each.reason});
+    for (const StayedEntry& each : outcome.stayed)
+        ending.failures.push_back({each.path, each.reason});
     ending.stopped = outcome.stopped;
     const auto cut = m_list->cut();
     if (cut && m_list->node(*cut)->isDirectory()) news.cut = m_list->node(*cut);

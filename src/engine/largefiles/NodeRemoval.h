@@ -1,5 +1,5 @@
-// NodeRemoval: the removal of what was ticked in the large file page. RemovalJob removes; here its news become the page's. Controller
-// takes them and changes the tree.
+// NodeRemoval: the removal of what was ticked in the large file page. RemovalJob removes; here its
+// news become the page's. Controller takes them and changes the tree.
 #pragma once
 
 #include <cstddef>
@@ -26,17 +26,19 @@ public:
         std::string path;
     };
     struct News {
-        std::vector<FileNode*> leaving;          ///< in the order of the tree; none of them twice
-        std::vector<Notice> notices;             ///< in order; of nodes that share a percentage not each has one
+        std::vector<FileNode*> leaving;  ///< in the order of the tree; none of them twice
+        std::vector<Notice>
+            notices;  ///< in order; of nodes that share a percentage not each has one
         std::optional<LargeFileRemoval> ending;  ///< the last of all news has it
         std::string lastPath;                    ///< what it was at when it ended
-        FileNode* cut = nullptr;                 ///< with the ending: a folder that the stop left a part of
-        bool isMore = false;                     ///< call again, in another turn
+        FileNode* cut = nullptr;  ///< with the ending: a folder that the stop left a part of
+        bool isMore = false;      ///< call again, in another turn
     };
 
-    /// `nodes` is not empty. `onNews` is called on the main thread, never once this object is gone. The tree is held; the rest outlives it.
-    NodeRemoval(const ControllerParts& parts, std::shared_ptr<FileNodeTree> tree, const std::vector<FileNode*>& nodes,
-                std::function<void()> onNews);
+    /// `nodes` is not empty. `onNews` is called on the main thread, never once this object is gone.
+    /// The tree is held; the rest outlives it.
+    NodeRemoval(const ControllerParts& parts, std::shared_ptr<FileNodeTree> tree,
+                const std::vector<FileNode*>& nodes, std::function<void()> onNews);
     ~NodeRemoval();
     NodeRemoval(const NodeRemoval&) = delete;
     NodeRemoval& operator=(const NodeRemoval&) = delete;

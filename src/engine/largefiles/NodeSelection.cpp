@@ -1,4 +1,5 @@
-// NodeSelection: see NodeSelection.h. Lists stand in for the call stack, since a tree may be deeper than that.
+// NodeSelection: see NodeSelection.h. Lists stand in for the call stack, since a tree may be deeper
+// than that.
 #include "engine/largefiles/NodeSelection.h"
 
 #include <algorithm>
@@ -18,7 +19,8 @@ FileNode::State stateFromChildren(const FileNode& folder) {
     return touched != 0 ? FileNode::Mixed : FileNode::NotSelected;
 }
 
-// Those of some siblings that are not clear. Only these are put into order: of a million entries few are ticked one by one.
+// Those of some siblings that are not clear. Only these are put into order: of a million entries
+// few are ticked one by one.
 std::vector<FileNode*> lastToFirst(std::span<FileNode* const> siblings) {
     std::vector<FileNode*> touched;
     for (FileNode* const node : siblings)

@@ -1,4 +1,5 @@
-// NodeSelection: the rules of the ticks in the tree of the large file page, down and up. Controller tells the page about them.
+// NodeSelection: the rules of the ticks in the tree of the large file page, down and up. Controller
+// tells the page about them.
 #pragma once
 
 #include <cstddef>
@@ -10,11 +11,13 @@
 
 namespace orrinvale {
 
-/// Gives a state to what stands below folders: to the children in any case, further down through what is open in the list. What is
-/// below a closed folder keeps its states until it is opened. On the thread that owns the tree, like all that is here.
+/// Gives a state to what stands below folders: to the children in any case, further down through
+/// what is open in the list. What is below a closed folder keeps its states until it is opened. On
+/// the thread that owns the tree, like all that is here.
 class TickSpread final {
 public:
-    /// 0 clears. Any other state ticks what spreads it further, and is given to the rest as it stands.
+    /// 0 clears. Any other state ticks what spreads it further, and is given to the rest as it
+    /// stands.
     explicit TickSpread(std::uint8_t state) : m_state(static_cast<FileNode::State>(state)) {}
 
     /// The node's own state, and when it is a folder, those below it with the next steps.
@@ -34,13 +37,15 @@ private:
     bool m_wentFurther = false;
 };
 
-/// A node's state has changed: those of the folders above follow. A folder that holds folders is at most mixed.
+/// A node's state has changed: those of the folders above follow. A folder that holds folders is at
+/// most mixed.
 void followUpwards(FileNode& node);
 
 /// 0 nothing of these is ticked, 1 all of it, 2 something.
 [[nodiscard]] std::int32_t summaryOf(std::span<FileNode* const> nodes);
 
-/// What would go of these siblings, in the order of the tree: a ticked node as a whole, of a mixed one what is ticked below it.
+/// What would go of these siblings, in the order of the tree: a ticked node as a whole, of a mixed
+/// one what is ticked below it.
 [[nodiscard]] std::vector<FileNode*> tickedOf(std::span<FileNode* const> nodes);
 
 }  // namespace orrinvale

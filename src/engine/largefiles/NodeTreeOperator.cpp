@@ -1,4 +1,5 @@
-// NodeTreeOperator: see NodeTreeOperator.h. What is deeper than descriptors reach goes through DeepTree.
+// NodeTreeOperator: see NodeTreeOperator.h. What is deeper than descriptors reach goes through
+// DeepTree.
 #include "engine/largefiles/NodeTreeOperator.h"
 
 #include <algorithm>
@@ -33,7 +34,8 @@ FoundEntry foundEntry(const FileAttributes& seen, const char* name) {
 
 }  // namespace
 
-// Everything in a folder is in the tree when its last user goes, unless a stop threw something away.
+// Everything in a folder is in the tree when its last user goes, unless a stop threw something
+// away.
 TreeFolder::~TreeFolder() {
     if (counts != nullptr && !counts->stop) counts->finished.fetch_add(1);
 }
@@ -42,8 +44,8 @@ NodeTreeOperator::Arenas NodeTreeOperator::makeArenas() {
     return std::make_shared<std::vector<NameArena>>(mostThreads);
 }
 
-NodeTreeOperator::NodeTreeOperator(const FileSystem& files, std::shared_ptr<ScanCounts> counts, SkipList& skipped,
-                                   Arenas arenas, Receiver receiver)
+NodeTreeOperator::NodeTreeOperator(const FileSystem& files, std::shared_ptr<ScanCounts> counts,
+                                   SkipList& skipped, Arenas arenas, Receiver receiver)
     : FolderWalk(files, &counts->stop, &skipped),
       m_counts(std::move(counts)),
       m_arenas(std::move(arenas)),
@@ -63,7 +65,8 @@ void NodeTreeOperator::takeFile(const std::string& path) {
     if (!reference || catalog.FSGetCatalogInfo(*reference, info) != noErr) return;
     const std::size_t slash = path.rfind('/');
     FoundChunk chunk;
-    chunk.entries.push_back(foundEntry(info.attributes, m_arenas->front().names.copy(path.substr(slash + 1))));
+    chunk.entries.push_back(
+        foundEntry(info.attributes, m_arenas->front().names.copy(path.substr(slash + 1))));
     m_counts->found.fetch_add(1);
     m_receiver(std::move(chunk));
 }
@@ -84,7 +87,8 @@ void NodeTreeOperator::take(Worker& worker, WalkedFolder& walked, std::uint32_t 
     handOver(std::move(chunk));
 }
 
-// The folder that the entry is, in the chunk already but with no place in the walk; null for any other entry.
+// The folder that the entry is, in the chunk already but with no place in the walk; null for any
+// other entry.
 TreeFolder* NodeTreeOperator::addEntry(FoundChunk& chunk, Arena& arena, const CatalogEntry& entry,
                                        std::uint32_t position) {
     if (entry.error == ENOENT) {
@@ -129,10 +133,12 @@ void NodeTreeOperator::listed(WalkedFolder& folder) {
     if (folder.above == nullptr) m_counts->all = folder.listedCount;
 }
 
-// What one thread lists depth first below the start, made into chunks. The levels are the folders on the way to the entry in hand.
+// What one thread lists depth first below the start, made into chunks. The levels are the folders
+// on the way to the entry in hand.
 class NodeTreeOperator::DeepTree {
 public:
-    DeepTree(NodeTreeOperator& walk, Arena& arena, TreeFolder& start) : m_walk(walk), m_arena(arena) {
+    DeepTree(NodeTreeOperator& walk, Arena& arena, TreeFolder& start)
+        : m_walk(walk), m_arena(arena) {
         enter(&start, 0);
     }
     ~DeepTree() {

@@ -10,7 +10,8 @@ class PublicUtilities final {
 public:
     PublicUtilities() = delete;
 
-    /// "999 byte", "1.00 KB", "2.35 TB": decimal steps, two places from a thousand bytes on, a point in every locale. Any thread.
+    /// "999 byte", "1.00 KB", "2.35 TB": decimal steps, two places from a thousand bytes on, a
+    /// point in every locale. Any thread.
     [[nodiscard]] static std::string byteToSizeWithByte(std::uint64_t bytes);
 };
 

@@ -13,7 +13,8 @@
 
 namespace orrinvale {
 
-RemoveFileAndFolder::RemoveFileAndFolder(const ControllerParts& parts, std::shared_ptr<FileNodeTree> tree,
+RemoveFileAndFolder::RemoveFileAndFolder(const ControllerParts& parts,
+                                         std::shared_ptr<FileNodeTree> tree,
                                          std::vector<FileNode*> allFilesArr, std::string program)
     : m_files(*parts.files),
       m_mainQueue(*parts.mainQueue),
@@ -26,7 +27,8 @@ RemoveFileAndFolder::RemoveFileAndFolder(const ControllerParts& parts, std::shar
 bool RemoveFileAndFolder::runTaskWithPath() {
     if (m_allFilesArr.empty()) return false;
     if (m_idx == 0 && m_delegate != nullptr)
-        m_delegate->removeProgress(m_allFilesArr.size() == 1 ? 30.0F : 0.0F, m_allFilesArr.front()->path());
+        m_delegate->removeProgress(m_allFilesArr.size() == 1 ? 30.0F : 0.0F,
+                                   m_allFilesArr.front()->path());
     while (m_idx < m_allFilesArr.size() && !m_isCancel) {
         const FileNode& node = *m_allFilesArr[m_idx];
         m_filePathStr = node.path();
@@ -37,14 +39,16 @@ bool RemoveFileAndFolder::runTaskWithPath() {
     return false;
 }
 
-// The program gets a path and resolves it again by itself, so that more than the look just before it starts can not be had. The first
-// and the last argument are words of its own command line; neither names a file, see Process.
+// The program gets a path and resolves it again by itself, so that more than the look just before
+// it starts can not be had. The first and the last argument are words of its own command line;
+// neither names a file, see Process.
 bool RemoveFileAndFolder::launch(const FileNode& node, const std::string& path) {
     const auto held = HeldEntry::at(m_files, m_places, path, node.identity());
     std::string reason = held ? std::string() : held.error().reason;
     if (held) {
         clearImmutable(*held);
-        auto eraser = Process::start(m_program, {"mv", path, "~/.Trash"}, laterCall(&RemoveFileAndFolder::doneErasing));
+        auto eraser = Process::start(m_program, {"mv", path, "~/.Trash"},
+                                     laterCall(&RemoveFileAndFolder::doneErasing));
         if (eraser) {
             m_eraser = std::move(*eraser);
             return true;
@@ -56,12 +60,14 @@ bool RemoveFileAndFolder::launch(const FileNode& node, const std::string& path) 
     return false;
 }
 
-// What the caller may look at but not change keeps its mark, and then the eraser fails as it would by itself.
+// What the caller may look at but not change keeps its mark, and then the eraser fails as it would
+// by itself.
 void RemoveFileAndFolder::clearImmutable(const HeldEntry& held) const {
     const char* const name = held.name.c_str();
     ReadState state;
     SysResult<Descriptor> opened = tl::unexpected(EINVAL);
-    if (held.attributes.type == FileType::Folder) opened = m_files.openInside(held.parent.get(), name);
+    if (held.attributes.type == FileType::Folder)
+        opened = m_files.openInside(held.parent.get(), name);
     if (held.attributes.type == FileType::Regular)
         opened = m_files.openFile(held.parent.get(), name, Links::Keep, state);
     if (!opened) return;
@@ -70,7 +76,8 @@ void RemoveFileAndFolder::clearImmutable(const HeldEntry& held) const {
     (void)m_files.clearImmutable(opened->get());
 }
 
-// What the program ends with is not asked for: it proves nothing. The log tells when the entry is there still.
+// What the program ends with is not asked for: it proves nothing. The log tells when the entry is
+// there still.
 void RemoveFileAndFolder::doneErasing() {
     m_eraser.reset();
     const auto parent = HeldEntry::holdParentOf(m_files, m_filePathStr);  // paths have any length
@@ -98,7 +105,8 @@ void RemoveFileAndFolder::end() {
     if (m_delegate != nullptr) m_delegate->removeObjEnd(m_deleteErrorArr);
 }
 
-// To be called on any thread, where this object may be gone by then; only the queue, which outlives it, is touched there.
+// To be called on any thread, where this object may be gone by then; only the queue, which outlives
+// it, is touched there.
 std::function<void()> RemoveFileAndFolder::laterCall(void (RemoveFileAndFolder::*step)()) const {
     return [queue = &m_mainQueue, self = std::weak_ptr(m_self), step] {
         queue->async([self, step] {

@@ -23,8 +23,11 @@ public:
     virtual void removeProgress(float percent, const std::string& path) {
         static_cast<void>(percent), static_cast<void>(path);
     }
-    /// The last call. The paths of those that were not handed to the eraser; what it made of the others it does not say.
-    virtual void removeObjEnd(const std::vector<std::string>& deleteErrorArr) { static_cast<void>(deleteErrorArr); }
+    /// The last call. The paths of those that were not handed to the eraser; what it made of the
+    /// others it does not say.
+    virtual void removeObjEnd(const std::vector<std::string>& deleteErrorArr) {
+        static_cast<void>(deleteErrorArr);
+    }
 
 protected:
     RemoveFileAndFolderDelegate() = default;
@@ -32,7 +35,8 @@ protected:
     RemoveFileAndFolderDelegate& operator=(const RemoveFileAndFolderDelegate&) = default;
 };
 
-/// Main thread only. Destroyed while a program runs, it leaves that one to its work and starts no more.
+/// Main thread only. Destroyed while a program runs, it leaves that one to its work and starts no
+/// more.
 class RemoveFileAndFolder final {
 public:
     /// The tree holds the nodes; the rest of the parts outlives this object.
@@ -41,10 +45,13 @@ public:
     RemoveFileAndFolder(const RemoveFileAndFolder&) = delete;
     RemoveFileAndFolder& operator=(const RemoveFileAndFolder&) = delete;
 
-    void setDelegate(RemoveFileAndFolderDelegate* delegate) { m_delegate = delegate; }  ///< not owned
+    void setDelegate(RemoveFileAndFolderDelegate* delegate) {
+        m_delegate = delegate;
+    }  ///< not owned
 
-    /// Starts the program for the first entry that may go and that it can be started for. False when there is none; the end is
-    /// told then too, in a later turn, unless there was no entry at all.
+    /// Starts the program for the first entry that may go and that it can be started for. False
+    /// when there is none; the end is told then too, in a later turn, unless there was no entry at
+    /// all.
     bool runTaskWithPath();
 
     /// A command: the program in hand is asked to end, and no other one follows.

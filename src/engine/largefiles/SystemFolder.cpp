@@ -10,6 +10,8 @@ const std::set<std::string>& SystemFolder::paths() {
     return paths;
 }
 
-bool SystemFolder::isSystemFileWithFilePath(const std::string& path) { return paths().contains(path); }
+bool SystemFolder::isSystemFileWithFilePath(const std::string& path) {
+    return paths().contains(path);
+}
 
 }  // namespace orrinvale

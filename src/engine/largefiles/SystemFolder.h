@@ -1,4 +1,5 @@
-// SystemFolder: the files and folders that nobody should select in the large file page; no removal takes them either.
+// SystemFolder: the files and folders that nobody should select in the large file page; no removal
+// takes them either.
 #pragma once
 
 #include <set>

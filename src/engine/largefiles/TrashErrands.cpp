@@ -37,7 +37,8 @@ struct TrashErrands::Home {
     }
 };
 
-TrashErrands::TrashErrands(const FileSystem& files, MainQueue& queue, std::vector<std::string> ownFiles)
+TrashErrands::TrashErrands(const FileSystem& files, MainQueue& queue,
+                           std::vector<std::string> ownFiles)
     : m_files(files), m_ownFiles(std::move(ownFiles)), m_home(std::make_shared<Home>()) {
     m_home->queue = &queue;
 }
@@ -47,7 +48,8 @@ TrashErrands::~TrashErrands() {
     m_home->queue = nullptr;
 }
 
-void TrashErrands::send(const std::string& path, const std::optional<EntryIdentity>& expected, Done done) const {
+void TrashErrands::send(const std::string& path, const std::optional<EntryIdentity>& expected,
+                        Done done) const {
     const auto tell = [home = m_home, done = std::move(done)](std::string reason) {
         // What was handed over may run when nobody listens any more.
         home->tell([listening = std::weak_ptr(home), done, reason = std::move(reason)] {
@@ -56,7 +58,8 @@ void TrashErrands::send(const std::string& path, const std::optional<EntryIdenti
         });
     };
     // The environment is the main thread's to read.
-    auto move = [&files = m_files, ownFiles = m_ownFiles, variables = FolderVariables::ofThisProcess(), path, expected,
+    auto move = [&files = m_files, ownFiles = m_ownFiles,
+                 variables = FolderVariables::ofThisProcess(), path, expected,
                  tell] { tell(moveWith(files, ownFiles, variables, path, expected)); };
     try {
         std::thread(std::move(move)).detach();
@@ -65,8 +68,8 @@ void TrashErrands::send(const std::string& path, const std::optional<EntryIdenti
     }
 }
 
-std::string putIntoTrash(const FileSystem& files, const std::vector<std::string>& ownFiles, const std::string& path,
-                         const std::optional<EntryIdentity>& expected) {
+std::string putIntoTrash(const FileSystem& files, const std::vector<std::string>& ownFiles,
+                         const std::string& path, const std::optional<EntryIdentity>& expected) {
     return moveWith(files, ownFiles, FolderVariables::ofThisProcess(), path, expected);
 }
 

@@ -9,12 +9,14 @@
 namespace orrinvale {
 namespace {
 
-// So many folders are held back at most: passing up costs the depth of the tree each time, holding one costs memory.
+// So many folders are held back at most: passing up costs the depth of the tree each time, holding
+// one costs memory.
 constexpr std::size_t mostBehind = 4096;
 
 }  // namespace
 
-TreeGrowth::TreeGrowth(std::shared_ptr<FileNodeTree> tree, FileNode& start, std::shared_ptr<ScanCounts> counts)
+TreeGrowth::TreeGrowth(std::shared_ptr<FileNodeTree> tree, FileNode& start,
+                       std::shared_ptr<ScanCounts> counts)
     : m_tree(std::move(tree)), m_start(start), m_counts(std::move(counts)) {}
 
 void TreeGrowth::take(const FoundChunk& chunk) {
@@ -30,7 +32,8 @@ void TreeGrowth::take(const FoundChunk& chunk) {
     for (std::size_t i = 0; next != chunk.folders.end(); ++i)
         if (chunk.entries[i].isDirectory) (*next++)->node = added.nodes[i];
     if ((added.size | added.onDisk) != 0) gained(folder, added.size, added.onDisk);
-    if (folder.depth == 0) m_counts->finished.fetch_add(added.nodes.size() - chunk.folders.size() + chunk.goneCount);
+    if (folder.depth == 0)
+        m_counts->finished.fetch_add(added.nodes.size() - chunk.folders.size() + chunk.goneCount);
     NodeTreeOperator::releaseFolders(chunk);
     if (m_behind.size() >= mostBehind) passUp();
 }
@@ -48,11 +51,13 @@ void TreeGrowth::passUp() {
     std::vector<TreeFolder*> waiting = std::exchange(m_behind, {});
     std::sort(waiting.begin(), waiting.end(),
               [](const TreeFolder* a, const TreeFolder* b) { return a->depth < b->depth; });
-    // The deepest first. Those above that gain by it are collected in m_behind and are of the next level.
+    // The deepest first. Those above that gain by it are collected in m_behind and are of the next
+    // level.
     std::vector<TreeFolder*> level;
     while (!waiting.empty() || !level.empty()) {
         const std::uint32_t depth = level.empty() ? waiting.back()->depth : level.front()->depth;
-        for (; !waiting.empty() && waiting.back()->depth == depth; waiting.pop_back()) level.push_back(waiting.back());
+        for (; !waiting.empty() && waiting.back()->depth == depth; waiting.pop_back())
+            level.push_back(waiting.back());
         for (TreeFolder* const folder : level) {
             auto& above = static_cast<TreeFolder&>(*folder->above);
             FileNodeTree::grow(*above.node, folder->size, folder->onDisk);

@@ -12,12 +12,13 @@ namespace orrinvale {
 
 /// Used by the thread that owns the tree, one at a time.
 ///
-/// What a folder gained goes to the folders above it not with each chunk, which would take the depth of the tree for each, but once
-/// for many chunks, level by level.
+/// What a folder gained goes to the folders above it not with each chunk, which would take the
+/// depth of the tree for each, but once for many chunks, level by level.
 class TreeGrowth final {
 public:
     /// What the walk finds comes below `start`, a folder of the tree.
-    TreeGrowth(std::shared_ptr<FileNodeTree> tree, FileNode& start, std::shared_ptr<ScanCounts> counts);
+    TreeGrowth(std::shared_ptr<FileNodeTree> tree, FileNode& start,
+               std::shared_ptr<ScanCounts> counts);
     TreeGrowth(const TreeGrowth&) = delete;
     TreeGrowth& operator=(const TreeGrowth&) = delete;
 

@@ -5,9 +5,11 @@
 
 namespace orrinvale {
 
-ProtectedPlaces protectedFromLargeFiles(const FileSystem& files, const std::vector<std::string>& ownFiles) {
+ProtectedPlaces protectedFromLargeFiles(const FileSystem& files,
+                                        const std::vector<std::string>& ownFiles) {
     auto places = ProtectedPlaces::ofThisMachine(files, ownFiles);
-    for (const std::string& path : SystemFolder::paths()) places.add(files, path, "part of the system");
+    for (const std::string& path : SystemFolder::paths())
+        places.add(files, path, "part of the system");
     return places;
 }
 

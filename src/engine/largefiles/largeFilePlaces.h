@@ -9,7 +9,8 @@
 
 namespace orrinvale {
 
-/// What may not go of the machine, and what the list of system files names, together with every folder above one of these.
+/// What may not go of the machine, and what the list of system files names, together with every
+/// folder above one of these.
 [[nodiscard]] ProtectedPlaces protectedFromLargeFiles(const FileSystem& files,
                                                       const std::vector<std::string>& ownFiles);
 

@@ -24,7 +24,8 @@ const char* sizeArgument(int count, const char* const* param) {
 }
 
 std::size_t sizeOf(const char* text) {
-    // strtoll reads decimal digits alike in every locale, and has a defined answer for numbers that are too long.
+    // strtoll reads decimal digits alike in every locale, and has a defined answer for numbers that
+    // are too long.
     return static_cast<std::uint32_t>(std::strtoll(text, nullptr, 10)) & kWholeKibibytes;
 }
 
@@ -39,11 +40,13 @@ std::int32_t ClearMemory::freeMemory(int count, const char* const* param) {
 
     void* memory = std::malloc(size);
     if (memory == nullptr) return kNoMemory;
-    // Both barriers are needed (measured with g++ 12: without them 1 GiB "touched" held 3 MiB). The first hides where
-    // the pointer comes from; else allocation and zeroing become one calloc, which takes untouched zero pages. The
-    // second stands for a reader of the bytes; else the writes may be dropped.
+    // Both barriers are needed (measured with g++ 12: without them 1 GiB "touched" held 3 MiB). The
+    // first hides where the pointer comes from; else allocation and zeroing become one calloc,
+    // which takes untouched zero pages. The second stands for a reader of the bytes; else the
+    // writes may be dropped.
     asm volatile("" : "+r"(memory));
-    // NOLINTNEXTLINE(clang-analyzer-unix.Malloc): the analyzer takes what the barrier gives back for another pointer
+    // NOLINTNEXTLINE(clang-analyzer-unix.Malloc): the analyzer takes what the barrier gives back
+    // for another pointer
     std::memset(memory, 0, size);
     asm volatile("" : : "r"(memory) : "memory");
     std::free(memory);

@@ -1,5 +1,5 @@
-// AsideJournal: see AsideJournal.h. A record is a line: token, device, inode, type, and the path with line breaks and backslashes
-// escaped.
+// AsideJournal: see AsideJournal.h. A record is a line: token, device, inode, type, and the path
+// with line breaks and backslashes escaped.
 #include "engine/removal/AsideJournal.h"
 
 #include <dirent.h>
@@ -78,10 +78,12 @@ std::optional<AsideRecord> readRecord(std::string_view line) {
     AsideRecord record;
     unsigned type = 0;
     record.token = takeField(line);
-    const bool isRead = readNumber(takeField(line), record.device) && readNumber(takeField(line), record.inode) &&
-                        readNumber(takeField(line), type) && type <= static_cast<unsigned>(FileType::BlockDevice);
+    const bool isRead =
+        readNumber(takeField(line), record.device) && readNumber(takeField(line), record.inode) &&
+        readNumber(takeField(line), type) && type <= static_cast<unsigned>(FileType::BlockDevice);
     auto path = unescaped(line);
-    if (!isRead || !path || !isPlain(*path) || !isAsideName(asideName(record.token, "x"))) return std::nullopt;
+    if (!isRead || !path || !isPlain(*path) || !isAsideName(asideName(record.token, "x")))
+        return std::nullopt;
     record.type = static_cast<FileType>(type);
     record.path = std::move(*path);
     return record;
@@ -90,8 +92,8 @@ std::optional<AsideRecord> readRecord(std::string_view line) {
 std::string linesOf(std::span<const AsideRecord> records) {
     std::string lines;
     for (const AsideRecord& each : records)
-        fmt::format_to(std::back_inserter(lines), "{} {} {} {} {}\n", each.token, each.device, each.inode,
-                       static_cast<unsigned>(each.type), escaped(each.path));
+        fmt::format_to(std::back_inserter(lines), "{} {} {} {} {}\n", each.token, each.device,
+                       each.inode, static_cast<unsigned>(each.type), escaped(each.path));
     return lines;
 }
 
@@ -108,7 +110,9 @@ Settling settleWithoutFolder(const FileSystem& files, const AsideRecord& record)
     auto seen = files.attributes(FileSystem::noParent, folder.c_str(), Links::Follow);
     for (; !seen && seen.error() == ENOENT && folder != "/"; folder = folderOf(folder))
         seen = files.attributes(FileSystem::noParent, folderOf(folder).c_str(), Links::Follow);
-    return {seen && seen->device == record.device ? Settling::Found::Settled : Settling::Found::Later, {}};
+    return {
+        seen && seen->device == record.device ? Settling::Found::Settled : Settling::Found::Later,
+        {}};
 }
 
 bool isThatEntry(const FileSystem& files, const AsideRecord& record, const FileAttributes& folder,
@@ -139,13 +143,15 @@ Settling settle(const FileSystem& files, const AsideRecord& record) {
 }
 
 void report(AsideRecovery& recovery, const AsideRecord& record, Settling settling) {
-    const std::string place = joinPath(folderOf(record.path), asideName(record.token, lastPathComponent(record.path)));
+    const std::string place =
+        joinPath(folderOf(record.path), asideName(record.token, lastPathComponent(record.path)));
     switch (settling.found) {
         case Settling::Found::Settled: break;
         case Settling::Found::Later: ++recovery.later; break;
         case Settling::Found::BroughtBack:
-            Log::line(
-                fmt::format("Brought back {}, which a removal that ended in the middle had set aside", record.path));
+            Log::line(fmt::format(
+                "Brought back {}, which a removal that ended in the middle had set aside",
+                record.path));
             recovery.broughtBack.push_back(record.path);
             break;
         case Settling::Found::Stays:
@@ -159,14 +165,16 @@ void report(AsideRecovery& recovery, const AsideRecord& record, Settling settlin
 std::optional<std::string> takeOver(const std::string& path, Descriptor& file) {
     file = Descriptor(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     struct stat seen {};
-    if (!file.isOpen() || ::fstat(file.get(), &seen) != 0 || !S_ISREG(seen.st_mode) || seen.st_uid != ::geteuid())
+    if (!file.isOpen() || ::fstat(file.get(), &seen) != 0 || !S_ISREG(seen.st_mode) ||
+        seen.st_uid != ::geteuid())
         return std::nullopt;
     if (::flock(file.get(), LOCK_EX | LOCK_NB) != 0) return std::nullopt;  // its removal still runs
     auto text = DurableFile::read(path, mostJournalBytes);
     return text ? std::optional(std::move(*text)) : std::nullopt;
 }
 
-// A volume that was out for so long does not come back, and numbers of devices are given anew at every start.
+// A volume that was out for so long does not come back, and numbers of devices are given anew at
+// every start.
 bool isOutdated(int journal) {
     constexpr std::int64_t days = 90;
     struct stat seen {};
@@ -194,13 +202,16 @@ std::vector<std::string> journalsIn(const std::string& folder) {
     const std::unique_ptr<DIR, int (*)(DIR*)> listing(::opendir(folder.c_str()), &::closedir);
     if (!listing) return paths;
     while (const dirent* const entry = ::readdir(listing.get()))
-        if (std::string_view(entry->d_name).ends_with(extension)) paths.push_back(joinPath(folder, entry->d_name));
+        if (std::string_view(entry->d_name).ends_with(extension))
+            paths.push_back(joinPath(folder, entry->d_name));
     return paths;
 }
 
 }  // namespace
 
-std::string asideJournalFolder(const std::string& stateFolder) { return joinPath(stateFolder, "removals"); }
+std::string asideJournalFolder(const std::string& stateFolder) {
+    return joinPath(stateFolder, "removals");
+}
 
 std::vector<AsideRecord> parseAsideJournal(std::string_view text) {
     std::vector<AsideRecord> records;
@@ -213,12 +224,16 @@ std::vector<AsideRecord> parseAsideJournal(std::string_view text) {
     return records;
 }
 
-std::string writeAsideJournal(std::span<const AsideRecord> records) { return std::string(head) + linesOf(records); }
+std::string writeAsideJournal(std::span<const AsideRecord> records) {
+    return std::string(head) + linesOf(records);
+}
 
 Result<AsideJournal> AsideJournal::begin(const std::string& folder) {
-    if (auto made = DurableFile::makeFolder(folder); !made) return tl::unexpected(std::move(made.error()));
+    if (auto made = DurableFile::makeFolder(folder); !made)
+        return tl::unexpected(std::move(made.error()));
     std::string path = joinPath(folder, AsideTokens().next() + std::string(extension));
-    Descriptor file(::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    Descriptor file(::open(path.c_str(),
+                           O_WRONLY | O_APPEND | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (!file.isOpen() || ::flock(file.get(), LOCK_EX | LOCK_NB) != 0)
         return tl::unexpected(systemError("open", path, errno));
     int error = writeAll(file.get(), head);

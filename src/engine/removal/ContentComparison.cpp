@@ -9,14 +9,17 @@
 namespace orrinvale {
 namespace {
 
-// As for hashing: large enough that the calls cost nothing, small enough to stay in the second cache.
+// As for hashing: large enough that the calls cost nothing, small enough to stay in the second
+// cache.
 constexpr std::size_t pieceBytes = 256 * 1024;
 
 /// One of the two files, read from its beginning.
 class Reading final {
 public:
     Reading(const FileSystem& files, int file, const FileAttributes& seen)
-        : m_files(files), m_file(file), m_buffer(std::make_unique_for_overwrite<std::byte[]>(pieceBytes)) {
+        : m_files(files),
+          m_file(file),
+          m_buffer(std::make_unique_for_overwrite<std::byte[]>(pieceBytes)) {
         m_files.beginReading(m_file, seen.device, 0, seen.size, m_state);
     }
     ~Reading() { m_files.endReading(m_file, m_state); }
@@ -40,7 +43,8 @@ private:
 
 }  // namespace
 
-SysResult<Comparison> compareContents(const FileSystem& files, int a, int b, const std::atomic<bool>& stop) {
+SysResult<Comparison> compareContents(const FileSystem& files, int a, int b,
+                                      const std::atomic<bool>& stop) {
     const auto seenA = files.attributes(a);
     const auto seenB = files.attributes(b);
     if (!seenA || !seenB) return tl::unexpected(!seenA ? seenA.error() : seenB.error());
@@ -54,7 +58,8 @@ SysResult<Comparison> compareContents(const FileSystem& files, int a, int b, con
         if (!pieceA || !pieceB) return tl::unexpected(!pieceA ? pieceA.error() : pieceB.error());
         // Shorter than its size: cut meanwhile, which is another file from now on.
         if (pieceA->empty() || pieceA->size() != pieceB->size()) return Comparison::Different;
-        if (std::memcmp(pieceA->data(), pieceB->data(), pieceA->size()) != 0) return Comparison::Different;
+        if (std::memcmp(pieceA->data(), pieceB->data(), pieceA->size()) != 0)
+            return Comparison::Different;
         done += pieceA->size();
     }
     return Comparison::Same;

@@ -19,13 +19,15 @@ SysResult<Descriptor> openKept(const FileSystem& files, const KeptCopy& kept) {
     const auto folder = HeldEntry::holdParentOf(files, kept.path);
     if (!folder) return tl::unexpected(folder.error());
     ReadState state;
-    return files.openFile(folder->get(), std::string(lastPathComponent(kept.path)).c_str(), Links::Keep, state);
+    return files.openFile(folder->get(), std::string(lastPathComponent(kept.path)).c_str(),
+                          Links::Keep, state);
 }
 
 }  // namespace
 
 // Only files have contents; of anything else the look at the entry itself is enough.
-std::optional<StayedEntry> FileLook::before(const HeldEntry& leaving, const std::atomic<bool>& stop) {
+std::optional<StayedEntry> FileLook::before(const HeldEntry& leaving,
+                                            const std::atomic<bool>& stop) {
     if (leaving.attributes.type != FileType::Regular) return std::nullopt;
     if (auto reason = openBoth(leaving)) return reason;
     if (!m_compares) return std::nullopt;
@@ -43,12 +45,14 @@ std::optional<StayedEntry> FileLook::openBoth(const HeldEntry& leaving) {
     auto file = m_files.openFile(leaving.parent.get(), leaving.name.c_str(), Links::Keep, state);
     if (file) {
         const auto opened = m_files.attributes(file->get());
-        if (!opened || opened->size != leaving.attributes.size || opened->changed != leaving.attributes.changed)
+        if (!opened || opened->size != leaving.attributes.size ||
+            opened->changed != leaving.attributes.changed)
             return StayedEntry{leaving.path, std::string(stay::changed), StayReason::Changed};
         m_leavingFile = std::move(*file);
     }
     if (!m_kept || m_kept->identity.type != FileType::Regular) return std::nullopt;
-    if (!m_leavingFile.isOpen() && m_compares) return StayedEntry{leaving.path, wordsOf(file.error())};
+    if (!m_leavingFile.isOpen() && m_compares)
+        return StayedEntry{leaving.path, wordsOf(file.error())};
     auto kept = openKept(m_files, *m_kept);
     if (!kept) return noCopy(leaving);
     const auto now = m_files.attributes(kept->get());
@@ -60,11 +64,13 @@ std::optional<StayedEntry> FileLook::openBoth(const HeldEntry& leaving) {
 std::optional<StayedEntry> FileLook::inUse(const HeldEntry& leaving) const {
     if (m_leavingFile.isOpen() && m_files.isOpenForWriting(m_leavingFile.get()))
         return StayedEntry{leaving.path, std::string(stay::inUse), StayReason::InUse};
-    if (m_keptFile.isOpen() && m_files.isOpenForWriting(m_keptFile.get())) return noCopy(leaving, stay::copyInUse);
+    if (m_keptFile.isOpen() && m_files.isOpenForWriting(m_keptFile.get()))
+        return noCopy(leaving, stay::copyInUse);
     return std::nullopt;
 }
 
-// What was compared is what is held open; that this is what stands under the name, the look at the set-aside entry tells.
+// What was compared is what is held open; that this is what stands under the name, the look at the
+// set-aside entry tells.
 std::optional<StayedEntry> FileLook::last(const HeldEntry& leaving, const std::string& /*name*/) {
     if (!m_leavingFile.isOpen()) return std::nullopt;
     const auto held = m_files.attributes(m_leavingFile.get());

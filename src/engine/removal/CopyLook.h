@@ -1,4 +1,5 @@
-// CopyLook: what is held of a copy and of the one that stays, from the comparison to the last look before the copy goes.
+// CopyLook: what is held of a copy and of the one that stays, from the comparison to the last look
+// before the copy goes.
 #pragma once
 
 #include <atomic>
@@ -13,7 +14,8 @@ namespace orrinvale {
 
 class SeenEntries;
 
-/// How a copy goes. Made by the page's rules for one entry, used by the door, on the removing thread.
+/// How a copy goes. Made by the page's rules for one entry, used by the door, on the removing
+/// thread.
 class CopyLook {
 public:
     virtual ~CopyLook() = default;
@@ -21,13 +23,16 @@ public:
     /// The copy that has to stay; nothing where the whole group goes.
     [[nodiscard]] virtual const std::optional<KeptCopy>& kept() const = 0;
 
-    /// Before anything is touched: compares the contents, where that is wanted. A reason, when the entry stays.
+    /// Before anything is touched: compares the contents, where that is wanted. A reason, when the
+    /// entry stays.
     [[nodiscard]] virtual std::optional<StayedEntry> before(const HeldEntry& leaving,
                                                             const std::atomic<bool>& stop) = 0;
 
-    /// Just before the removal, when the entry is aside under this name, or still has its own where it can not be set aside: what was
-    /// compared is still what stands there. The copy that stays is looked at by the caller.
-    [[nodiscard]] virtual std::optional<StayedEntry> last(const HeldEntry& leaving, const std::string& name) = 0;
+    /// Just before the removal, when the entry is aside under this name, or still has its own where
+    /// it can not be set aside: what was compared is still what stands there. The copy that stays
+    /// is looked at by the caller.
+    [[nodiscard]] virtual std::optional<StayedEntry> last(const HeldEntry& leaving,
+                                                          const std::string& name) = 0;
 
     /// After last(): what a bundle holds, which alone goes with it; nullptr for what is none.
     [[nodiscard]] virtual const SeenEntries* seen() const { return nullptr; }
@@ -46,7 +51,8 @@ public:
         : m_files(files), m_kept(std::move(kept)), m_compares(compares) {}
 
     const std::optional<KeptCopy>& kept() const override { return m_kept; }
-    std::optional<StayedEntry> before(const HeldEntry& leaving, const std::atomic<bool>& stop) override;
+    std::optional<StayedEntry> before(const HeldEntry& leaving,
+                                      const std::atomic<bool>& stop) override;
     std::optional<StayedEntry> last(const HeldEntry& leaving, const std::string& name) override;
 
 private:

@@ -37,23 +37,27 @@ void logCopy(const std::string& path, const RemovalResult& result) {
     if (result.gone) Log::line(fmt::format("Removed {} ({} entries)", path, result.removed));
     else if (result.stopped) Log::line(fmt::format("Stopped removing {}", path));
     else
-        Log::line(
-            fmt::format("Not removed {}: {}", path, result.failures.empty() ? "" : result.failures.front().reason));
+        Log::line(fmt::format("Not removed {}: {}", path,
+                              result.failures.empty() ? "" : result.failures.front().reason));
 }
 
 }  // namespace
 
 RemovalResult PlainDoor::remove(const LeavingEntry& entry, const std::atomic<bool>& stop) {
-    const auto held = entry.look != nullptr ? HeldEntry::at(m_files, m_places, entry.path, entry.identity)
-                                            : tl::unexpected(HeldEntry::Objection{});
+    const auto held = entry.look != nullptr
+                          ? HeldEntry::at(m_files, m_places, entry.path, entry.identity)
+                          : tl::unexpected(HeldEntry::Objection{});
     // What can not be held is told, or found gone, by the plain removal.
-    if (!held) return SafeRemoval(m_files, m_places, m_own.get()).remove(entry.path, entry.identity, &stop, entry.seen);
+    if (!held)
+        return SafeRemoval(m_files, m_places, m_own.get())
+            .remove(entry.path, entry.identity, &stop, entry.seen);
     RemovalResult result = removeCopy(*held, entry, stop);
     logCopy(entry.path, result);
     return result;
 }
 
-RemovalResult PlainDoor::removeCopy(const HeldEntry& held, const LeavingEntry& entry, const std::atomic<bool>& stop) {
+RemovalResult PlainDoor::removeCopy(const HeldEntry& held, const LeavingEntry& entry,
+                                    const std::atomic<bool>& stop) {
     if (auto reason = entry.look->before(held, stop)) return stayed(std::move(*reason));
     if (stop) {
         RemovalResult result;
@@ -61,12 +65,14 @@ RemovalResult PlainDoor::removeCopy(const HeldEntry& held, const LeavingEntry& e
         return result;
     }
     SetAside aside(m_files, m_ground, held);
-    const auto taken = entry.token.empty() ? tl::expected<bool, StayedEntry>(false) : aside.take(entry.token);
+    const auto taken =
+        entry.token.empty() ? tl::expected<bool, StayedEntry>(false) : aside.take(entry.token);
     if (!taken) return stayed(taken.error());
     return *taken ? removeAside(aside, held, entry, stop) : removeInPlace(held, entry, stop);
 }
 
-RemovalResult PlainDoor::removeAside(SetAside& aside, const HeldEntry& held, const LeavingEntry& entry,
+RemovalResult PlainDoor::removeAside(SetAside& aside, const HeldEntry& held,
+                                     const LeavingEntry& entry,
                                      const std::atomic<bool>& stop) const {
     RemovalResult result;
     auto reason = aside.objection(entry.look->kept());
@@ -77,7 +83,8 @@ RemovalResult PlainDoor::removeAside(SetAside& aside, const HeldEntry& held, con
     result.gone = !left && left.error() == ENOENT;
     result.byOthers = result.gone && result.removed == 0;
     if (!result.gone)
-        if (auto place = aside.putBack()) result.failures.insert(result.failures.begin(), std::move(*place));
+        if (auto place = aside.putBack())
+            result.failures.insert(result.failures.begin(), std::move(*place));
     result.changed = aside.changedByUs(result.gone);
     if (result.gone && m_files.attributes(held.parent.get(), held.name.c_str(), Links::Keep)) {
         result.gone = false;
@@ -89,9 +96,11 @@ RemovalResult PlainDoor::removeAside(SetAside& aside, const HeldEntry& held, con
 RemovalResult PlainDoor::removeInPlace(const HeldEntry& held, const LeavingEntry& entry,
                                        const std::atomic<bool>& stop) {
     if (!std::exchange(m_isToldPlain, true))
-        Log::line(fmt::format("Nothing can be set aside in {}: copies there go straight away", folderOf(held.path)));
+        Log::line(fmt::format("Nothing can be set aside in {}: copies there go straight away",
+                              folderOf(held.path)));
     if (const auto& kept = entry.look->kept())
-        if (auto reason = objectionToCopyInPlace(m_files, held, *kept)) return stayed(std::move(*reason));
+        if (auto reason = objectionToCopyInPlace(m_files, held, *kept))
+            return stayed(std::move(*reason));
     if (auto reason = entry.look->last(held, held.name)) return stayed(std::move(*reason));
     RemovalResult result;
     const auto entryHeld = m_files.holdEntry(held.parent.get(), held.name.c_str());
@@ -99,8 +108,9 @@ RemovalResult PlainDoor::removeInPlace(const HeldEntry& held, const LeavingEntry
     const auto left = m_files.attributes(held.parent.get(), held.name.c_str(), Links::Keep);
     result.gone = !left && left.error() == ENOENT;
     if (!result.gone && result.failed == 0 && !result.stopped)
-        fail(result, left ? StayedEntry{held.path, std::string(stay::otherInPlace), StayReason::Changed}
-                          : failureOf(held.path, left.error()));
+        fail(result,
+             left ? StayedEntry{held.path, std::string(stay::otherInPlace), StayReason::Changed}
+                  : failureOf(held.path, left.error()));
     const auto rest = entryHeld ? m_files.attributes(entryHeld->get()) : tl::unexpected(ENOENT);
     if (rest && rest->links > 0) result.changed = rest->changed;
     return result;

@@ -1,4 +1,5 @@
-// PlainDoor: removal with this user's own rights. Copies are set aside first (SetAside.h), everything else goes by SafeRemoval.
+// PlainDoor: removal with this user's own rights. Copies are set aside first (SetAside.h),
+// everything else goes by SafeRemoval.
 #pragma once
 
 #include <memory>
@@ -28,7 +29,8 @@ public:
 private:
     [[nodiscard]] RemovalResult removeCopy(const HeldEntry& held, const LeavingEntry& entry,
                                            const std::atomic<bool>& stop);
-    [[nodiscard]] RemovalResult removeAside(SetAside& aside, const HeldEntry& held, const LeavingEntry& entry,
+    [[nodiscard]] RemovalResult removeAside(SetAside& aside, const HeldEntry& held,
+                                            const LeavingEntry& entry,
                                             const std::atomic<bool>& stop) const;
     [[nodiscard]] RemovalResult removeInPlace(const HeldEntry& held, const LeavingEntry& entry,
                                               const std::atomic<bool>& stop);

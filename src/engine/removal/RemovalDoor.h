@@ -1,4 +1,5 @@
-// RemovalDoor: the way out that a job uses: plain, with the administrator right, to the trash, by the eraser.
+// RemovalDoor: the way out that a job uses: plain, with the administrator right, to the trash, by
+// the eraser.
 #pragma once
 
 #include <atomic>
@@ -19,9 +20,10 @@ class SeenEntries;
 struct LeavingEntry {
     std::string path;
     std::optional<EntryIdentity> identity;
-    CopyLook* look = nullptr;           ///< of a copy
-    const SeenEntries* seen = nullptr;  ///< of a folder that is no copy; nullptr: all that is in it goes
-    std::string token;                  ///< to set it aside with; empty where it is to go straight away
+    CopyLook* look = nullptr;  ///< of a copy
+    const SeenEntries* seen =
+        nullptr;        ///< of a folder that is no copy; nullptr: all that is in it goes
+    std::string token;  ///< to set it aside with; empty where it is to go straight away
 };
 
 /// Used on the removing thread alone.
@@ -32,11 +34,13 @@ public:
     /// Whether copies are set aside on the way, so that a journal has to name them first.
     [[nodiscard]] virtual bool setsAside() const { return true; }
 
-    /// Makes what went durable, on all file systems that something was set aside on. May wait for a slow disk.
+    /// Makes what went durable, on all file systems that something was set aside on. May wait for a
+    /// slow disk.
     virtual void flush() {}
 
     /// Removes the entry, or says why it stays.
-    [[nodiscard]] virtual RemovalResult remove(const LeavingEntry& entry, const std::atomic<bool>& stop) = 0;
+    [[nodiscard]] virtual RemovalResult remove(const LeavingEntry& entry,
+                                               const std::atomic<bool>& stop) = 0;
 
 protected:
     RemovalDoor() = default;

@@ -1,4 +1,5 @@
-// RemovalJob: see RemovalJob.h. RemovalRun has the loop; here is the thread, and what it shares with the main one.
+// RemovalJob: see RemovalJob.h. RemovalRun has the loop; here is the thread, and what it shares
+// with the main one.
 #include "engine/removal/RemovalJob.h"
 
 #include <algorithm>
@@ -67,7 +68,8 @@ void RemovalJob::Work::start() {
         RemovalOutcome outcome;
         outcome.chosen = outcome.failed = m_list->size();
         if (outcome.chosen > 0)
-            outcome.stayed.push_back({m_list->path(0), systemError("start", {}, error.code().value()).reason()});
+            outcome.stayed.push_back(
+                {m_list->path(0), systemError("start", {}, error.code().value()).reason()});
         end(std::move(outcome));
     }
 }
@@ -77,7 +79,8 @@ void RemovalJob::Work::run() {
     RemovalRun removal(
         *m_parts.files, m_parts.stateFolder, *m_list, *door, m_stop,
         {.waiting = [this](bool isWaiting) { waiting(isWaiting); },
-         .begins = [this](auto index, const auto& path, bool isFolder) { begins(index, path, isFolder); },
+         .begins = [this](auto index, const auto& path,
+                          bool isFolder) { begins(index, path, isFolder); },
          .settled = [this](auto index, const auto& result) { settled(index, result); }});
     end(removal.run());
     removal.settleJournal();
@@ -89,7 +92,8 @@ void RemovalJob::Work::waiting(bool isWaiting) {
     m_progress.of = m_list->size();
 }
 
-// A folder may take its time, so that what went before it, and that it has begun, is told first; so is the very first entry.
+// A folder may take its time, so that what went before it, and that it has begun, is told first; so
+// is the very first entry.
 void RemovalJob::Work::begins(std::size_t index, const std::string& path, bool isFolder) {
     std::unique_lock lock(m_mutex);
     m_progress.current = path;
@@ -158,7 +162,8 @@ RemovalJob::News RemovalJob::Work::takeNews(std::size_t most) {
     News news;
     const std::lock_guard guard(m_mutex);
     m_isCalled = false;
-    const auto end = m_settled.begin() + static_cast<std::ptrdiff_t>(std::min(most, m_settled.size()));
+    const auto end =
+        m_settled.begin() + static_cast<std::ptrdiff_t>(std::min(most, m_settled.size()));
     news.settled.assign(m_settled.begin(), end);
     m_settled.erase(m_settled.begin(), end);
     news.isMore = !m_settled.empty();

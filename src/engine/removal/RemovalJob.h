@@ -1,5 +1,6 @@
-// RemovalJob: the one removal of the whole program. A page hands it a RemovalList and a RemovalDoor; it works through the list on a
-// thread of its own and tells the page what became of it.
+// RemovalJob: the one removal of the whole program. A page hands it a RemovalList and a
+// RemovalDoor; it works through the list on a thread of its own and tells the page what became of
+// it.
 #pragma once
 
 #include <cstddef>
@@ -23,8 +24,10 @@ public:
     struct Parts {
         const FileSystem* files = nullptr;
         MainQueue* mainQueue = nullptr;
-        std::function<std::unique_ptr<RemovalDoor>()> makeDoor;  ///< called on the removing thread, at the start
-        std::string stateFolder;  ///< where journal and lock are; empty: without both, and nothing is set aside
+        std::function<std::unique_ptr<RemovalDoor>()>
+            makeDoor;             ///< called on the removing thread, at the start
+        std::string stateFolder;  ///< where journal and lock are; empty: without both, and nothing
+                                  ///< is set aside
     };
 
     /// One entry of the list and what became of it.
@@ -47,17 +50,20 @@ public:
         bool isWaiting = false;  ///< for another removal's end
     };
 
-    /// Starts. `onNews` is called on the main thread, at most every 50 ms, while there are news; never once this object is gone.
+    /// Starts. `onNews` is called on the main thread, at most every 50 ms, while there are news;
+    /// never once this object is gone.
     RemovalJob(Parts parts, std::shared_ptr<RemovalList> list, std::function<void()> onNews);
-    /// Has it stopped, and lets go of it: it ends by itself, a disk that hangs holds nobody up. Until then it uses list, door and files; the
-    /// queue no more.
+    /// Has it stopped, and lets go of it: it ends by itself, a disk that hangs holds nobody up.
+    /// Until then it uses list, door and files; the queue no more.
     ~RemovalJob();
     RemovalJob(const RemovalJob&) = delete;
     RemovalJob& operator=(const RemovalJob&) = delete;
 
-    /// Ends it before the next entry, and within a folder or a comparison that is in hand. Any thread.
+    /// Ends it before the next entry, and within a folder or a comparison that is in hand. Any
+    /// thread.
     void stop();
-    /// Ends it, and returns when the entry in hand is settled: list, door and queue are used no more.
+    /// Ends it, and returns when the entry in hand is settled: list, door and queue are used no
+    /// more.
     void abandon();
 
     [[nodiscard]] Progress progress() const;

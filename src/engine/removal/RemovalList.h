@@ -1,4 +1,5 @@
-// RemovalList: what is to go, fixed when a person confirms, with the rules of the page that it comes from. RemovalJob.h works through it.
+// RemovalList: what is to go, fixed when a person confirms, with the rules of the page that it
+// comes from. RemovalJob.h works through it.
 #pragma once
 
 #include <atomic>
@@ -30,17 +31,22 @@ public:
     [[nodiscard]] virtual std::string path(std::size_t index) const = 0;
     /// What the scan saw; nothing where no scan did.
     [[nodiscard]] virtual std::optional<EntryIdentity> identity(std::size_t index) const = 0;
-    /// What goes with the entry, in bytes, as the page counts it, for where the removal itself does not count (RemovalResult::bytes).
+    /// What goes with the entry, in bytes, as the page counts it, for where the removal itself does
+    /// not count (RemovalResult::bytes).
     [[nodiscard]] virtual std::uint64_t bytes(std::size_t index) const = 0;
 
     /// What the scan saw below a folder, which alone goes with it; nullptr: all goes.
-    [[nodiscard]] virtual std::shared_ptr<const SeenEntries> seen(std::size_t /*index*/) { return nullptr; }
+    [[nodiscard]] virtual std::shared_ptr<const SeenEntries> seen(std::size_t /*index*/) {
+        return nullptr;
+    }
 
     /// Whether the entry is a copy, which is set aside and looked at with the one that stays.
     [[nodiscard]] virtual bool isCopy(std::size_t /*index*/) const { return false; }
 
-    /// What the page has against the removal at this moment, or how a copy goes; nullptr for what is none.
-    [[nodiscard]] virtual tl::expected<std::unique_ptr<CopyLook>, StayedEntry> judge(std::size_t /*index*/) {
+    /// What the page has against the removal at this moment, or how a copy goes; nullptr for what
+    /// is none.
+    [[nodiscard]] virtual tl::expected<std::unique_ptr<CopyLook>, StayedEntry> judge(
+        std::size_t /*index*/) {
         return nullptr;
     }
 

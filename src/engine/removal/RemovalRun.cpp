@@ -19,8 +19,8 @@ constexpr std::size_t batchSize = 2048;
 
 }  // namespace
 
-RemovalRun::RemovalRun(const FileSystem& files, const std::string& stateFolder, RemovalList& list, RemovalDoor& door,
-                       const std::atomic<bool>& stop, Telling telling)
+RemovalRun::RemovalRun(const FileSystem& files, const std::string& stateFolder, RemovalList& list,
+                       RemovalDoor& door, const std::atomic<bool>& stop, Telling telling)
     : m_files(files),
       m_folder(stateFolder.empty() ? std::string() : asideJournalFolder(stateFolder)),
       m_list(list),
@@ -46,7 +46,8 @@ void RemovalRun::runBatch(std::size_t from, std::size_t to) {
         const std::string path = m_list.path(index);
         const auto identity = m_list.identity(index);
         m_telling.begins(index, path, identity && identity->type == FileType::Folder);
-        const RemovalResult result = removeOne(index, path, isAside ? m_tokens[index - from] : std::string());
+        const RemovalResult result =
+            removeOne(index, path, isAside ? m_tokens[index - from] : std::string());
         if (result.stopped && !result.gone) m_outcome.stopped = true;
         count(index, result);
         m_list.settled(index, result);
@@ -69,8 +70,9 @@ bool RemovalRun::nameInJournal(std::size_t from, std::size_t to) {
     // A full disk is what brings people here: the comparison and the look before the removal stay.
     m_isWithoutJournal = !written;
     if (!written)
-        Log::line(fmt::format("Copies go without being set aside, since the journal can not be written: {}",
-                              written.error().reason()));
+        Log::line(fmt::format(
+            "Copies go without being set aside, since the journal can not be written: {}",
+            written.error().reason()));
     return written.has_value();
 }
 
@@ -83,7 +85,8 @@ std::optional<AsideRecord> RemovalRun::recordFor(std::size_t index) {
         m_lastDevice = seen ? seen->device : identity->device;
         m_lastFolder = std::move(folder);
     }
-    return AsideRecord{m_tokenSource.next(), std::move(path), m_lastDevice, identity->inode, identity->type};
+    return AsideRecord{m_tokenSource.next(), std::move(path), m_lastDevice, identity->inode,
+                       identity->type};
 }
 
 Result<void> RemovalRun::write(const std::vector<AsideRecord>& records) {
@@ -101,7 +104,8 @@ void RemovalRun::settleJournal() {
     m_journal->settle();
 }
 
-RemovalResult RemovalRun::removeOne(std::size_t index, const std::string& path, const std::string& token) {
+RemovalResult RemovalRun::removeOne(std::size_t index, const std::string& path,
+                                    const std::string& token) {
     auto look = m_list.judge(index);
     if (!look) {
         RemovalResult result;
@@ -120,7 +124,8 @@ void RemovalRun::countBytes(std::size_t index, const RemovalResult& result) {
     const auto identity = m_list.identity(index);
     const bool isFile = identity && identity->type == FileType::Regular;
     if (isFile && !m_counted.insert({identity->device, identity->inode}).second) return;
-    addSaturating(m_outcome.bytes, isFile ? m_list.bytes(index) : result.bytes.value_or(m_list.bytes(index)));
+    addSaturating(m_outcome.bytes,
+                  isFile ? m_list.bytes(index) : result.bytes.value_or(m_list.bytes(index)));
 }
 
 void RemovalRun::count(std::size_t index, const RemovalResult& result) {

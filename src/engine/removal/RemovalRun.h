@@ -18,13 +18,15 @@ namespace orrinvale {
 /// What a removal came to.
 struct RemovalOutcome {
     std::size_t chosen = 0;
-    std::size_t removed = 0;          ///< chosen entries that went, by us
-    std::size_t byOthers = 0;         ///< that somebody else had removed when we came to them
-    std::size_t failed = 0;           ///< that are still there, in whole or in part
-    std::uint64_t failedEntries = 0;  ///< entries that could not be removed, those within folders among them
-    std::uint64_t bytes = 0;          ///< of what went; a file with several names counts once
+    std::size_t removed = 0;   ///< chosen entries that went, by us
+    std::size_t byOthers = 0;  ///< that somebody else had removed when we came to them
+    std::size_t failed = 0;    ///< that are still there, in whole or in part
+    std::uint64_t failedEntries =
+        0;  ///< entries that could not be removed, those within folders among them
+    std::uint64_t bytes = 0;  ///< of what went; a file with several names counts once
     bool stopped = false;
-    bool lacksRights = false;         ///< at least one failed for a lack of rights, so that the padlock is worth a hint
+    bool lacksRights =
+        false;  ///< at least one failed for a lack of rights, so that the padlock is worth a hint
     std::vector<StayedEntry> stayed;  ///< the first `mostStayed` of them
     static constexpr std::size_t mostStayed = 10000;
 };
@@ -39,19 +41,21 @@ public:
     };
 
     /// `stateFolder`: where journal and lock are; empty: without both, and nothing is set aside.
-    RemovalRun(const FileSystem& files, const std::string& stateFolder, RemovalList& list, RemovalDoor& door,
-               const std::atomic<bool>& stop, Telling telling);
+    RemovalRun(const FileSystem& files, const std::string& stateFolder, RemovalList& list,
+               RemovalDoor& door, const std::atomic<bool>& stop, Telling telling);
 
     [[nodiscard]] RemovalOutcome run();
 
-    /// After run(): makes what went durable, which may wait for a slow disk, and lets go of the journal. Without it the next start looks
-    /// through the journal, and finds nothing to bring back.
+    /// After run(): makes what went durable, which may wait for a slow disk, and lets go of the
+    /// journal. Without it the next start looks through the journal, and finds nothing to bring
+    /// back.
     void settleJournal();
 
 private:
     void runBatch(std::size_t from, std::size_t to);
     [[nodiscard]] bool nameInJournal(std::size_t from, std::size_t to);
-    [[nodiscard]] RemovalResult removeOne(std::size_t index, const std::string& path, const std::string& token);
+    [[nodiscard]] RemovalResult removeOne(std::size_t index, const std::string& path,
+                                          const std::string& token);
     void count(std::size_t index, const RemovalResult& result);
     void countBytes(std::size_t index, const RemovalResult& result);
     [[nodiscard]] std::optional<AsideRecord> recordFor(std::size_t index);

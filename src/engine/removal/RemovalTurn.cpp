@@ -24,7 +24,8 @@ RemovalTurn::RemovalTurn(const std::string& folder, const std::atomic<bool>& sto
     if (folder.empty()) return;
     (void)DurableFile::makeFolder(folder);
     const std::string path = joinPath(folder, "turn");
-    m_file = Descriptor(::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600));
+    m_file = Descriptor(
+        ::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600));
     bool isTold = false;
     while (m_file.isOpen() && !stop && ::flock(m_file.get(), LOCK_EX | LOCK_NB) != 0) {
         if (errno != EWOULDBLOCK && errno != EINTR) return;

@@ -17,8 +17,9 @@
 namespace orrinvale {
 namespace {
 
-// The file system has no such rename (layers answer EXDEV for folders that lie below, old or foreign ones EINVAL), or no room for a
-// longer name: on a full disk most renames fail while every removal works.
+// The file system has no such rename (layers answer EXDEV for folders that lie below, old or
+// foreign ones EINVAL), or no room for a longer name: on a full disk most renames fail while every
+// removal works.
 bool isImpossible(int error) {
     constexpr std::array impossible{EXDEV, EINVAL, ENOSYS, ENOTSUP, ENOSPC, EDQUOT, ENAMETOOLONG};
     return std::find(impossible.begin(), impossible.end(), error) != impossible.end();
@@ -37,8 +38,8 @@ struct FoundCopy {
 SysResult<FoundCopy> findCopy(const FileSystem& files, const KeptCopy& kept) {
     auto folder = HeldEntry::holdParentOf(files, kept.path);
     if (!folder) return tl::unexpected(folder.error());
-    const auto now =
-        files.freshAttributes(folder->get(), std::string(lastPathComponent(kept.path)).c_str(), Links::Keep);
+    const auto now = files.freshAttributes(
+        folder->get(), std::string(lastPathComponent(kept.path)).c_str(), Links::Keep);
     if (!now) return tl::unexpected(now.error());
     return FoundCopy{std::move(*folder), *now};
 }
@@ -55,7 +56,8 @@ bool RenameGround::isSafe(int folder, std::uint64_t device) {
     const auto [place, isNew] = m_devices.try_emplace(device);
     if (isNew) {
         place->second.isSafe = m_files.renamesSafely(folder);
-        if (auto opened = m_files.openFolder(folder, ".", Links::Keep)) place->second.folder = std::move(*opened);
+        if (auto opened = m_files.openFolder(folder, ".", Links::Keep))
+            place->second.folder = std::move(*opened);
     }
     return place->second.isSafe;
 }
@@ -77,7 +79,8 @@ StayedEntry SetAside::staysWith(int error) const {
     return stays(stayReasonOf(error), systemError("rename", {}, error).reason());
 }
 
-// Layers give a file another number when they copy it up for the rename; both the held entry and the new name show that one.
+// Layers give a file another number when they copy it up for the rename; both the held entry and
+// the new name show that one.
 bool SetAside::isSameEntry(const FileAttributes& a, const FileAttributes& b) const {
     const bool isSame = !m_ground.inodesLast(a.device) || a.inode == b.inode;
     if (!isSame || a.device != b.device || a.type != b.type) return false;
@@ -97,21 +100,24 @@ tl::expected<bool, StayedEntry> SetAside::take(std::string_view token) {
         return tl::unexpected(stays(StayReason::Changed, std::string(stay::changed)));
 
     m_name = asideName(token, m_held.name);
-    if (const auto renamed = m_files.renameInside(folder, m_held.name.c_str(), m_name.c_str()); !renamed) {
+    if (const auto renamed = m_files.renameInside(folder, m_held.name.c_str(), m_name.c_str());
+        !renamed) {
         if (isImpossible(renamed.error())) return false;
         return tl::unexpected(staysWith(renamed.error()));
     }
     return true;
 }
 
-// By the held entry: a name tells what stands there, not that it is what was looked at before the rename.
+// By the held entry: a name tells what stands there, not that it is what was looked at before the
+// rename.
 std::optional<StayedEntry> SetAside::objectionToEntry() {
     const auto aside = m_files.freshAttributes(m_held.parent.get(), m_name.c_str(), Links::Keep);
     if (!aside) return staysWith(aside.error());
     const auto held = m_files.attributes(m_entry.get());
     if (!held) return staysWith(held.error());
     m_now = *held;
-    FileAttributes seen = m_held.attributes;  // what was seen, under the number that the entry has by now
+    FileAttributes seen =
+        m_held.attributes;  // what was seen, under the number that the entry has by now
     seen.inode = held->inode;
     seen.device = held->device;
     if (isSameEntry(*aside, *held) && isSameEntry(*aside, seen)) return std::nullopt;
@@ -120,13 +126,16 @@ std::optional<StayedEntry> SetAside::objectionToEntry() {
 
 std::optional<StayedEntry> SetAside::objectionToCopy(const KeptCopy& kept) const {
     const auto copy = findCopy(m_files, kept);
-    if (!copy) return withoutCopy(m_held.path, kept, systemError("look", {}, copy.error()).reason());
+    if (!copy)
+        return withoutCopy(m_held.path, kept, systemError("look", {}, copy.error()).reason());
     EntryIdentity expected = kept.identity;
     // Another name of the file that goes has its new time of change too, and exactly that one.
     if (isSameInode(m_now, copy->attributes)) expected.changed = m_now.changed;
-    if (!expected.isStill(copy->attributes)) return withoutCopy(m_held.path, kept, std::string(stay::changed));
+    if (!expected.isStill(copy->attributes))
+        return withoutCopy(m_held.path, kept, std::string(stay::changed));
 
-    if (folderOf(kept.path) == folderOf(m_held.path)) return std::nullopt;  // one folder, and both names are there
+    if (folderOf(kept.path) == folderOf(m_held.path))
+        return std::nullopt;  // one folder, and both names are there
     const auto ourName = m_files.freshAttributes(copy->folder.get(), m_name.c_str(), Links::Keep);
     if (!ourName && ourName.error() == ENOENT) return std::nullopt;
     const auto ours = m_files.attributes(m_held.parent.get());
@@ -145,10 +154,10 @@ std::optional<StayedEntry> SetAside::putBack() {
     const auto moved = m_files.moveEntry(folder, m_name.c_str(), folder, m_held.name.c_str());
     if (moved || moved.error() == ENOENT) return std::nullopt;
     const std::string place = joinPath(folderOf(m_held.path), m_name);
-    return StayedEntry{
-        place,
-        moved.error() == EEXIST ? std::string(stay::nameTaken) : systemError("rename", {}, moved.error()).reason(),
-        StayReason::Aside};
+    return StayedEntry{place,
+                       moved.error() == EEXIST ? std::string(stay::nameTaken)
+                                               : systemError("rename", {}, moved.error()).reason(),
+                       StayReason::Aside};
 }
 
 std::optional<std::int64_t> SetAside::changedByUs(bool isGone) const {
@@ -161,12 +170,15 @@ std::optional<std::int64_t> SetAside::changedByUs(bool isGone) const {
 std::optional<StayedEntry> objectionToCopyInPlace(const FileSystem& files, const HeldEntry& leaving,
                                                   const KeptCopy& kept) {
     const auto copy = findCopy(files, kept);
-    if (!copy) return withoutCopy(leaving.path, kept, systemError("look", {}, copy.error()).reason());
-    if (!kept.identity.isStill(copy->attributes)) return withoutCopy(leaving.path, kept, std::string(stay::changed));
+    if (!copy)
+        return withoutCopy(leaving.path, kept, systemError("look", {}, copy.error()).reason());
+    if (!kept.identity.isStill(copy->attributes))
+        return withoutCopy(leaving.path, kept, std::string(stay::changed));
     if (!isSameInode(leaving.attributes, copy->attributes)) return std::nullopt;
     const auto ours = files.attributes(leaving.parent.get());
     const auto theirs = files.attributes(copy->folder.get());
-    if (ours && theirs && (!isSameInode(*ours, *theirs) || leaving.name != lastPathComponent(kept.path)))
+    if (ours && theirs &&
+        (!isSameInode(*ours, *theirs) || leaving.name != lastPathComponent(kept.path)))
         return std::nullopt;
     return withoutCopy(leaving.path, kept, "the same entry", stay::sameEntry);
 }

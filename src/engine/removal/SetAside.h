@@ -1,6 +1,7 @@
-// SetAside: how a copy goes. It gets another name in its own folder first; then both it and the copy that stays are looked at again;
-// only then it is removed, or gets its own name back. Between a look and a removal by name there is always a moment in which the name may
-// come to mean something else; nobody knows the new name, so that what was looked at is what goes.
+// SetAside: how a copy goes. It gets another name in its own folder first; then both it and the
+// copy that stays are looked at again; only then it is removed, or gets its own name back. Between
+// a look and a removal by name there is always a moment in which the name may come to mean
+// something else; nobody knows the new name, so that what was looked at is what goes.
 #pragma once
 
 #include <cstdint>
@@ -27,7 +28,8 @@ struct KeptCopy {
 /// What the file systems of one removal allow; asked of each once. One thread.
 class RenameGround final {
 public:
-    explicit RenameGround(const FileSystem& files) : m_files(files), m_passing(files.devicesOfPassingInodes()) {}
+    explicit RenameGround(const FileSystem& files)
+        : m_files(files), m_passing(files.devicesOfPassingInodes()) {}
 
     /// Whether a power cut in the middle of a rename leaves one of the two names.
     [[nodiscard]] bool isSafe(int folder, std::uint64_t device);
@@ -55,25 +57,27 @@ public:
     SetAside(const SetAside&) = delete;
     SetAside& operator=(const SetAside&) = delete;
 
-    /// Renames the entry to asideName(token, name) if it still is, in whole, what `held` says. False when this folder's file system
-    /// knows no such rename, or has no room for the longer name: nothing was touched, and the removal has to do without. A reason, when
-    /// the entry is to stay; it then has its own name, or it is told with its place. Once.
+    /// Renames the entry to asideName(token, name) if it still is, in whole, what `held` says.
+    /// False when this folder's file system knows no such rename, or has no room for the longer
+    /// name: nothing was touched, and the removal has to do without. A reason, when the entry is to
+    /// stay; it then has its own name, or it is told with its place. Once.
     [[nodiscard]] tl::expected<bool, StayedEntry> take(std::string_view token);
 
     /// The name that it has now.
     [[nodiscard]] const std::string& name() const { return m_name; }
 
-    /// Why the entry must not go, or nothing: what is aside is still what was taken, and the copy that stays stands at its own path,
-    /// looked up anew, as it was, as another entry. A second view of the same folder (layers, bind mounts, what programs serve) shows
-    /// our new name, the new time of change, or no copy any more.
+    /// Why the entry must not go, or nothing: what is aside is still what was taken, and the copy
+    /// that stays stands at its own path, looked up anew, as it was, as another entry. A second
+    /// view of the same folder (layers, bind mounts, what programs serve) shows our new name, the
+    /// new time of change, or no copy any more.
     [[nodiscard]] std::optional<StayedEntry> objection(const std::optional<KeptCopy>& kept);
 
-    /// Gives the entry its own name back, never over anything. Nothing when it has it, or when somebody took the entry away; else the
-    /// place where it stays, with the reason.
+    /// Gives the entry its own name back, never over anything. Nothing when it has it, or when
+    /// somebody took the entry away; else the place where it stays, with the reason.
     [[nodiscard]] std::optional<StayedEntry> putBack();
 
-    /// The time of change of the file by now: after it came back, and for its other names after it went. Nothing where nothing of it
-    /// is left.
+    /// The time of change of the file by now: after it came back, and for its other names after it
+    /// went. Nothing where nothing of it is left.
     [[nodiscard]] std::optional<std::int64_t> changedByUs(bool isGone) const;
 
 private:
@@ -86,14 +90,17 @@ private:
     const FileSystem& m_files;
     RenameGround& m_ground;
     const HeldEntry& m_held;
-    Descriptor m_entry;  // held from before the rename, so that its inode number is not given to another
+    Descriptor
+        m_entry;  // held from before the rename, so that its inode number is not given to another
     std::string m_name;
     FileAttributes m_now;  // of the held entry, at the last look
 };
 
-/// What a look without setting aside can tell of the copy that stays: it stands at its own path, as it was, and is another entry than
-/// the one that goes. Nothing when it does; else the reason, for the path of the one that goes.
-[[nodiscard]] std::optional<StayedEntry> objectionToCopyInPlace(const FileSystem& files, const HeldEntry& leaving,
+/// What a look without setting aside can tell of the copy that stays: it stands at its own path, as
+/// it was, and is another entry than the one that goes. Nothing when it does; else the reason, for
+/// the path of the one that goes.
+[[nodiscard]] std::optional<StayedEntry> objectionToCopyInPlace(const FileSystem& files,
+                                                                const HeldEntry& leaving,
                                                                 const KeptCopy& kept);
 
 }  // namespace orrinvale

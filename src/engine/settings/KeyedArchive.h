@@ -18,7 +18,9 @@ public:
     /// From what data() gave; an error when the bytes are no property list.
     [[nodiscard]] static Result<KeyedArchive> withData(std::string_view bytes);
 
-    void encodeObject(std::string_view text, const char* forKey) { m_texts.setString(text, forKey); }
+    void encodeObject(std::string_view text, const char* forKey) {
+        m_texts.setString(text, forKey);
+    }
     [[nodiscard]] std::optional<std::string> decodeObjectForKey(const char* key) const {
         return m_texts.stringForKey(key);
     }

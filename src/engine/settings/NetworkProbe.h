@@ -10,9 +10,10 @@ class NetworkProbe {
 public:
     virtual ~NetworkProbe() = default;
 
-    /// True when an answer came from the address, whatever its status; false a second after the time-out at the latest. Blocks the caller.
-    /// Any thread.
-    [[nodiscard]] virtual bool isAnswered(const std::string& address, std::chrono::milliseconds timeOut) const = 0;
+    /// True when an answer came from the address, whatever its status; false a second after the
+    /// time-out at the latest. Blocks the caller. Any thread.
+    [[nodiscard]] virtual bool isAnswered(const std::string& address,
+                                          std::chrono::milliseconds timeOut) const = 0;
 
 protected:
     NetworkProbe() = default;

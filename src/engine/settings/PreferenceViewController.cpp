@@ -13,15 +13,15 @@ constexpr float kAlarm = 0.1F;
 
 const SettingValues& registered() {
     using Int = std::int64_t;
-    static const auto* const values =
-        new SettingValues{{ZvSpaceAlarmKey, kAlarm},       {ZvMemoryAlarmKey, kAlarm},  {ZvSystemCachesKey, true},
-                          {ZvUserCachesKey, true},         {ZvSystemLogsKey, true},     {ZvUserLogsKey, true},
-                          {ZvUserTrashKey, false},         {ZvUserDownloadsKey, false}, {ZvLoginItemIsHide, false},
-                          {ZvLoginCheckKey, Int{0}},       {ZvMyMacClicked, Int{1}},    {ZvLastClickRow, Int{0}},
-                          {ZvToobarItem, Int{0}},          {ZvToobarItem_app, Int{0}},  {ZvDuplicationLimit, Int{0}},
-                          {ZvDuplicatesUnit, Int{2}},      {ZvHidenDuplication, false}, {ZvSystemDuplication, false},
-                          {ZvShowStatusItem, false},       {ZvDiskUsageLimit, Int{1}},  {ZvDiskUsageUnit, Int{2}},
-                          {compareBeforeRemovingKey, true}};
+    static const auto* const values = new SettingValues{
+        {ZvSpaceAlarmKey, kAlarm},       {ZvMemoryAlarmKey, kAlarm},  {ZvSystemCachesKey, true},
+        {ZvUserCachesKey, true},         {ZvSystemLogsKey, true},     {ZvUserLogsKey, true},
+        {ZvUserTrashKey, false},         {ZvUserDownloadsKey, false}, {ZvLoginItemIsHide, false},
+        {ZvLoginCheckKey, Int{0}},       {ZvMyMacClicked, Int{1}},    {ZvLastClickRow, Int{0}},
+        {ZvToobarItem, Int{0}},          {ZvToobarItem_app, Int{0}},  {ZvDuplicationLimit, Int{0}},
+        {ZvDuplicatesUnit, Int{2}},      {ZvHidenDuplication, false}, {ZvSystemDuplication, false},
+        {ZvShowStatusItem, false},       {ZvDiskUsageLimit, Int{1}},  {ZvDiskUsageUnit, Int{2}},
+        {compareBeforeRemovingKey, true}};
     return *values;
 }
 
@@ -43,14 +43,17 @@ std::int32_t presenceOf(const char* key) { return objectOf(key) ? 1 : 0; }
 }  // namespace
 
 void PreferenceViewController::initialize() {
-    // An error here is one of reading, which synchronize() has logged; the registered values hold all the same.
+    // An error here is one of reading, which synchronize() has logged; the registered values hold
+    // all the same.
     (void)defaults().synchronize();
 }
 
 Result<void> PreferenceViewController::setSystemCashesClicked(SettingValue number) {
     return store(std::move(number), ZvSystemCachesKey);
 }
-SettingObject PreferenceViewController::getSystemCashesClicked() { return objectOf(ZvSystemCachesKey); }
+SettingObject PreferenceViewController::getSystemCashesClicked() {
+    return objectOf(ZvSystemCachesKey);
+}
 
 Result<void> PreferenceViewController::setUserCashesClicked(SettingValue number) {
     return store(std::move(number), ZvUserCachesKey);
@@ -60,7 +63,9 @@ SettingObject PreferenceViewController::getUserCashesClicked() { return objectOf
 Result<void> PreferenceViewController::setSystemLogsClicked(SettingValue number) {
     return store(std::move(number), ZvSystemLogsKey);
 }
-SettingObject PreferenceViewController::getSystemLogsClickedClicked() { return objectOf(ZvSystemLogsKey); }
+SettingObject PreferenceViewController::getSystemLogsClickedClicked() {
+    return objectOf(ZvSystemLogsKey);
+}
 
 Result<void> PreferenceViewController::setUserLogsClicked(SettingValue number) {
     return store(std::move(number), ZvUserLogsKey);
@@ -75,18 +80,26 @@ SettingObject PreferenceViewController::getUserTrashClicked() { return objectOf(
 Result<void> PreferenceViewController::setUserDownLoadsFolderClicked(SettingValue number) {
     return store(std::move(number), ZvUserDownloadsKey);
 }
-SettingObject PreferenceViewController::getUserDownLoadsFoldeClicked() { return objectOf(ZvUserDownloadsKey); }
+SettingObject PreferenceViewController::getUserDownLoadsFoldeClicked() {
+    return objectOf(ZvUserDownloadsKey);
+}
 
-void PreferenceViewController::setUninstallClicked(std::int32_t state) { defaults().setInteger(state, ZvUninstall); }
+void PreferenceViewController::setUninstallClicked(std::int32_t state) {
+    defaults().setInteger(state, ZvUninstall);
+}
 std::int32_t PreferenceViewController::getUninstallClicked() { return presenceOf(ZvUninstall); }
 
-void PreferenceViewController::setFreeSpaceClicked(std::int32_t state) { defaults().setInteger(state, ZvFreeSpace); }
+void PreferenceViewController::setFreeSpaceClicked(std::int32_t state) {
+    defaults().setInteger(state, ZvFreeSpace);
+}
 std::int32_t PreferenceViewController::getFreeSpaceClicked() { return presenceOf(ZvFreeSpace); }
 
 void PreferenceViewController::setLoginItemIsHide(std::int32_t state) {
     defaults().setInteger(state, ZvLoginItemIsHide);
 }
-std::int32_t PreferenceViewController::getLoginItemIsHide() { return presenceOf(ZvLoginItemIsHide); }
+std::int32_t PreferenceViewController::getLoginItemIsHide() {
+    return presenceOf(ZvLoginItemIsHide);
+}
 
 void PreferenceViewController::setLastClickRow(SettingValue number) {
     defaults().setValue(std::move(number), ZvLastClickRow);
@@ -95,17 +108,24 @@ std::int32_t PreferenceViewController::getLastClickRow() {
     return static_cast<std::int32_t>(defaults().integerForKey(ZvLastClickRow));
 }
 
-Result<void> PreferenceViewController::setHiddenStatusItem(bool hidden) { return store(hidden, ZvShowStatusItem); }
-bool PreferenceViewController::getHiddenStatusItem() { return defaults().boolForKey(ZvShowStatusItem); }
+Result<void> PreferenceViewController::setHiddenStatusItem(bool hidden) {
+    return store(hidden, ZvShowStatusItem);
+}
+bool PreferenceViewController::getHiddenStatusItem() {
+    return defaults().boolForKey(ZvShowStatusItem);
+}
 
 Result<void> PreferenceViewController::setCompareBeforeRemoving(bool compare) {
     return store(compare, compareBeforeRemovingKey);
 }
-bool PreferenceViewController::compareBeforeRemoving() { return defaults().boolForKey(compareBeforeRemovingKey); }
+bool PreferenceViewController::compareBeforeRemoving() {
+    return defaults().boolForKey(compareBeforeRemovingKey);
+}
 
 void registerPreferencesWindowDefaults() {
     const SettingValue on = std::string("YES");
-    defaults().registerDefaults({{openAtStartupKey, on}, {fadeKey, on}, {shiftSlowsAnimationKey, on}});
+    defaults().registerDefaults(
+        {{openAtStartupKey, on}, {fadeKey, on}, {shiftSlowsAnimationKey, on}});
 }
 
 }  // namespace orrinvale

@@ -1,5 +1,5 @@
-// PreferenceViewController: what several pages share of the preferences page: its registered settings and their accessors. The
-// page itself, in the ui, derives from this class.
+// PreferenceViewController: what several pages share of the preferences page: its registered
+// settings and their accessors. The page itself, in the ui, derives from this class.
 #pragma once
 
 #include <cstdint>
@@ -9,16 +9,18 @@
 
 namespace orrinvale {
 
-/// Everything works on UserDefaults::standardUserDefaults(), on any thread. A setter with a result has synchronized: its success
-/// means that the value is on the disk. The others leave that to SettingsKeeper.
+/// Everything works on UserDefaults::standardUserDefaults(), on any thread. A setter with a result
+/// has synchronized: its success means that the value is on the disk. The others leave that to
+/// SettingsKeeper.
 class PreferenceViewController {
 public:
-    /// Registers what each setting is before the user changes it, and synchronizes. Every accessor here makes sure of it; call it at
-    /// the start, because pages also read keys directly.
+    /// Registers what each setting is before the user changes it, and synchronizes. Every accessor
+    /// here makes sure of it; call it at the start, because pages also read keys directly.
     static void initialize();
 
-    // The six categories of the cleaning page: 0 nothing, 1 everything, 2 some of it ticked. A getter hands back the stored value
-    // itself, which as a condition asks for presence: a stored 0 counts as true. The state is integerForKey() of the key.
+    // The six categories of the cleaning page: 0 nothing, 1 everything, 2 some of it ticked. A
+    // getter hands back the stored value itself, which as a condition asks for presence: a stored 0
+    // counts as true. The state is integerForKey() of the key.
     [[nodiscard]] static Result<void> setSystemCashesClicked(SettingValue number);
     [[nodiscard]] static SettingObject getSystemCashesClicked();
     [[nodiscard]] static Result<void> setUserCashesClicked(SettingValue number);
@@ -32,8 +34,9 @@ public:
     [[nodiscard]] static Result<void> setUserDownLoadsFolderClicked(SettingValue number);
     [[nodiscard]] static SettingObject getUserDownLoadsFoldeClicked();
 
-    // These getters tell only whether the key holds a value: 1 when it does, whatever the value, and 0 when it does not. The
-    // registered ZvLoginItemIsHide therefore always gives 1; boolForKey() gives what it holds.
+    // These getters tell only whether the key holds a value: 1 when it does, whatever the value,
+    // and 0 when it does not. The registered ZvLoginItemIsHide therefore always gives 1;
+    // boolForKey() gives what it holds.
     static void setUninstallClicked(std::int32_t state);
     [[nodiscard]] static std::int32_t getUninstallClicked();
     static void setFreeSpaceClicked(std::int32_t state);
@@ -48,7 +51,8 @@ public:
     [[nodiscard]] static Result<void> setHiddenStatusItem(bool hidden);
     [[nodiscard]] static bool getHiddenStatusItem();
 
-    /// Whether contents are compared once more before a copy is removed; on unless the user says otherwise.
+    /// Whether contents are compared once more before a copy is removed; on unless the user says
+    /// otherwise.
     [[nodiscard]] static Result<void> setCompareBeforeRemoving(bool compare);
     [[nodiscard]] static bool compareBeforeRemoving();
 
@@ -57,8 +61,8 @@ protected:
     ~PreferenceViewController() = default;
 };
 
-/// The three settings of the preferences window, each on unless the user says otherwise. Its controller registers them when it is
-/// first used.
+/// The three settings of the preferences window, each on unless the user says otherwise. Its
+/// controller registers them when it is first used.
 void registerPreferencesWindowDefaults();
 
 }  // namespace orrinvale

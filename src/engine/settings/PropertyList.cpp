@@ -1,4 +1,5 @@
-// PropertyList: see PropertyList.h. Parsing and printing are libplist's; what it can not be trusted with, PropertyListGuard stops.
+// PropertyList: see PropertyList.h. Parsing and printing are libplist's; what it can not be trusted
+// with, PropertyListGuard stops.
 #include "engine/settings/PropertyList.h"
 
 #include <plist/plist.h>
@@ -18,7 +19,8 @@ namespace {
 using CText = std::unique_ptr<char, decltype(&std::free)>;
 
 plist_t itemOf(plist_t dictionary, const std::string& key) {
-    return key.find('\0') == std::string::npos ? plist_dict_get_item(dictionary, key.c_str()) : nullptr;
+    return key.find('\0') == std::string::npos ? plist_dict_get_item(dictionary, key.c_str())
+                                               : nullptr;
 }
 
 std::string textOf(plist_t node) {
@@ -32,13 +34,16 @@ std::string textOf(plist_t node) {
 std::int64_t wholePart(double value) {
     constexpr double most = 9223372036854775808.0;  // 2^63, the first that does not fit
     if (!(value > -most)) return value < 0 ? std::numeric_limits<std::int64_t>::min() : 0;
-    return value < most ? static_cast<std::int64_t>(value) : std::numeric_limits<std::int64_t>::max();
+    return value < most ? static_cast<std::int64_t>(value)
+                        : std::numeric_limits<std::int64_t>::max();
 }
 
-// libplist knows further forms, which the guard can not count: a list begins as a binary one or as XML.
+// libplist knows further forms, which the guard can not count: a list begins as a binary one or as
+// XML.
 bool isKnownForm(std::string_view bytes) {
     const std::size_t start = bytes.find_first_not_of(" \t\r\n");
-    return bytes.starts_with("bplist") || (start != std::string_view::npos && bytes[start] == '<') ||
+    return bytes.starts_with("bplist") ||
+           (start != std::string_view::npos && bytes[start] == '<') ||
            bytes.starts_with("\xEF\xBB\xBF<");
 }
 

@@ -1,6 +1,7 @@
-// PropertyListGuard: see PropertyListGuard.h. The binary form: "bplist00", objects, a table of their offsets, and a trailer of 32
-// bytes that tells the width of an offset (byte 6) and of a reference (7), the number of objects (8 to 15) and where the table is
-// (24 to 31); numbers are big-endian. An object begins with a byte of kind (upper half) and count (lower half).
+// PropertyListGuard: see PropertyListGuard.h. The binary form: "bplist00", objects, a table of
+// their offsets, and a trailer of 32 bytes that tells the width of an offset (byte 6) and of a
+// reference (7), the number of objects (8 to 15) and where the table is (24 to 31); numbers are
+// big-endian. An object begins with a byte of kind (upper half) and count (lower half).
 #include "engine/settings/PropertyListGuard.h"
 
 #include <charconv>
@@ -18,9 +19,11 @@ constexpr std::uint64_t kUnfoldedLimit = std::uint64_t{16} << 20U;
 constexpr std::size_t kTrailer = 32;
 
 std::optional<std::uint64_t> numberAt(std::string_view bytes, std::uint64_t at, std::size_t width) {
-    if (width == 0 || width > 8 || at > bytes.size() || bytes.size() - at < width) return std::nullopt;
+    if (width == 0 || width > 8 || at > bytes.size() || bytes.size() - at < width)
+        return std::nullopt;
     std::uint64_t number = 0;
-    for (const char c : bytes.substr(at, width)) number = number << 8U | static_cast<unsigned char>(c);
+    for (const char c : bytes.substr(at, width))
+        number = number << 8U | static_cast<unsigned char>(c);
     return number;
 }
 
@@ -49,7 +52,9 @@ public:
     }
 
 private:
-    static bool isContainer(std::uint64_t kind) { return kind >> 4U == 0xA || kind >> 4U == 0xC || kind >> 4U == 0xD; }
+    static bool isContainer(std::uint64_t kind) {
+        return kind >> 4U == 0xA || kind >> 4U == 0xC || kind >> 4U == 0xD;
+    }
 
     std::optional<std::uint64_t> offsetOf(std::size_t object) const {
         return numberAt(m_bytes, m_table + object * m_offsetWidth, m_offsetWidth);
@@ -84,10 +89,13 @@ private:
         const auto extent = extentOf(object);
         if (!extent) return true;
         if (extent->count > kReferenceLimit) return false;
-        const std::uint64_t count = *kindOf(object) >> 4U == 0xD ? 2 * extent->count : extent->count;
+        const std::uint64_t count =
+            *kindOf(object) >> 4U == 0xD ? 2 * extent->count : extent->count;
         for (std::uint64_t i = 0; i < count; ++i) {
-            const auto target = numberAt(m_bytes, extent->start + i * m_referenceWidth, m_referenceWidth);
-            if (!target || *target >= m_isNamed.size()) return false;  // the parser may go on past it
+            const auto target =
+                numberAt(m_bytes, extent->start + i * m_referenceWidth, m_referenceWidth);
+            if (!target || *target >= m_isNamed.size())
+                return false;  // the parser may go on past it
             if (++m_references > kReferenceLimit) return false;
             if (m_isContainer[*target] && m_isNamed[*target]) return false;
             m_isNamed[*target] = true;
@@ -127,20 +135,23 @@ private:
 
 std::size_t countOf(std::string_view bytes, std::string_view mark) {
     std::size_t count = 0;
-    for (std::size_t at = bytes.find(mark); at != std::string_view::npos; at = bytes.find(mark, at + 1)) ++count;
+    for (std::size_t at = bytes.find(mark); at != std::string_view::npos;
+         at = bytes.find(mark, at + 1))
+        ++count;
     return count;
 }
 
 // A null byte, as it stands or by its number, or a number that no character has.
 bool hasNull(std::string_view text) {
     if (text.find('\0') != std::string_view::npos) return true;
-    for (std::size_t at = text.find("&#"); at != std::string_view::npos; at = text.find("&#", at + 1)) {
+    for (std::size_t at = text.find("&#"); at != std::string_view::npos;
+         at = text.find("&#", at + 1)) {
         std::string_view digits = text.substr(at + 2, 64);
         const bool isHexadecimal = digits.starts_with('x') || digits.starts_with('X');
         if (isHexadecimal) digits.remove_prefix(1);
         std::uint32_t number = 0;
-        const auto result =
-            std::from_chars(digits.data(), digits.data() + digits.size(), number, isHexadecimal ? 16 : 10);
+        const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), number,
+                                            isHexadecimal ? 16 : 10);
         if (result.ec != std::errc{} || number == 0 || number > 0x10FFFF) return true;
     }
     return false;

@@ -13,7 +13,8 @@ struct Field {
     const char* key;
 };
 
-// The keys of an archive are not those of the settings, and stay as they are so that old archives can be read.
+// The keys of an archive are not those of the settings, and stay as they are so that old archives
+// can be read.
 constexpr std::array<Field, 9> kFields{{{&SettingItems::errorValue, "ErrorValue"},
                                         {&SettingItems::graphic, "Graphic"},
                                         {&SettingItems::digital, "Digital"},
@@ -27,7 +28,8 @@ constexpr std::array<Field, 9> kFields{{{&SettingItems::errorValue, "ErrorValue"
 }  // namespace
 
 SettingItems::SettingItems(const KeyedArchive& coder) {
-    for (const Field& field : kFields) this->*field.text = coder.decodeObjectForKey(field.key).value_or(std::string());
+    for (const Field& field : kFields)
+        this->*field.text = coder.decodeObjectForKey(field.key).value_or(std::string());
 }
 
 void SettingItems::encodeWithCoder(KeyedArchive& coder) const {

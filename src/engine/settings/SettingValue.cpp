@@ -31,7 +31,8 @@ std::int64_t wholeOf(std::string_view text) {
     if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
     std::int64_t number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error == std::errc::result_out_of_range) return text.starts_with('-') ? Whole::min() : Whole::max();
+    if (error == std::errc::result_out_of_range)
+        return text.starts_with('-') ? Whole::min() : Whole::max();
     return number;
 }
 
@@ -39,7 +40,8 @@ bool isTrue(std::string_view text) {
     text = afterBlanks(text);
     if (text.starts_with('+') || text.starts_with('-')) text.remove_prefix(1);
     text.remove_prefix(std::min(text.find_first_not_of('0'), text.size()));
-    return !text.empty() && std::string_view("YyTt123456789").find(text.front()) != std::string_view::npos;
+    return !text.empty() &&
+           std::string_view("YyTt123456789").find(text.front()) != std::string_view::npos;
 }
 
 }  // namespace

@@ -1,45 +1,67 @@
-// The names of all settings. Code names a setting by its constant, so that each text stands in one place.
+// The names of all settings. Code names a setting by its constant, so that each text stands in one
+// place.
 #pragma once
 
 namespace orrinvale {
 
-inline constexpr const char* ZvDisplayTypeKey = "DisplayType";         ///< integer: style of the volume views
-inline constexpr const char* ZvSpaceAlarmKey = "SpaceAlarm";           ///< float: warn below this share of free space
-inline constexpr const char* ZvMemoryAlarmKey = "MemoryAlarm";         ///< float: warn below this share of free memory
-inline constexpr const char* ZvSystemCachesKey = "SystemCaches";       ///< 0, 1 or 2: none, all or some rows ticked
-inline constexpr const char* ZvUserCachesKey = "UserCaches";           ///< as ZvSystemCachesKey
-inline constexpr const char* ZvSystemLogsKey = "SystemLogs";           ///< as ZvSystemCachesKey
-inline constexpr const char* ZvUserLogsKey = "UserLogs";               ///< as ZvSystemCachesKey
-inline constexpr const char* ZvUserTrashKey = "UserTrash";             ///< as ZvSystemCachesKey
-inline constexpr const char* ZvUserDownloadsKey = "UserDownloads";     ///< as ZvSystemCachesKey
-inline constexpr const char* ZvLoginCheckKey = "LoginCheck";           ///< int: 1 when started at login
-inline constexpr const char* ZvMyMacClicked = "ZvMyMacClicked";        ///< int: registered, not read yet
-inline constexpr const char* ZvLoginItemIsHide = "ZvLoginItemIsHide";  ///< boolean: hidden when started at login
-inline constexpr const char* ZvLastClickRow = "ZvLastClickRow";        ///< int: row of the cleaning window's left table
-inline constexpr const char* ZvUserAllDiskItemArr = "ZvUserAllDiskItemArr";  ///< nothing is stored under it
-inline constexpr const char* ZvUninstall = "ZvUninstall";                ///< int: click state of the uninstaller entry
-inline constexpr const char* ZvFreeSpace = "ZvFreeSpace";                ///< int: click state of the free space entry
-inline constexpr const char* ZvToobarItem = "ZvToolbarItem";             ///< int: pane of the preferences window
-inline constexpr const char* ZvToobarItem_app = "ZvToolbarItem_app";     ///< int: registered, not read yet
-inline constexpr const char* ZvDuplicationLimit = "ZvDuplicationLimit";  ///< int, in units of ZvDuplicatesUnit
-inline constexpr const char* ZvHidenDuplication = "ZvHidenDuplication";  ///< boolean: duplicates among hidden files
-inline constexpr const char* ZvSystemDuplication = "ZvSystemDuplication";  ///< boolean: duplicates among system files
-inline constexpr const char* ZvDuplicatesUnit = "ZvDuplicatesUnit";        ///< int: a tag of sizeUnitFactor()
+inline constexpr const char* ZvDisplayTypeKey =
+    "DisplayType";  ///< integer: style of the volume views
+inline constexpr const char* ZvSpaceAlarmKey =
+    "SpaceAlarm";  ///< float: warn below this share of free space
+inline constexpr const char* ZvMemoryAlarmKey =
+    "MemoryAlarm";  ///< float: warn below this share of free memory
+inline constexpr const char* ZvSystemCachesKey =
+    "SystemCaches";  ///< 0, 1 or 2: none, all or some rows ticked
+inline constexpr const char* ZvUserCachesKey = "UserCaches";        ///< as ZvSystemCachesKey
+inline constexpr const char* ZvSystemLogsKey = "SystemLogs";        ///< as ZvSystemCachesKey
+inline constexpr const char* ZvUserLogsKey = "UserLogs";            ///< as ZvSystemCachesKey
+inline constexpr const char* ZvUserTrashKey = "UserTrash";          ///< as ZvSystemCachesKey
+inline constexpr const char* ZvUserDownloadsKey = "UserDownloads";  ///< as ZvSystemCachesKey
+inline constexpr const char* ZvLoginCheckKey = "LoginCheck";     ///< int: 1 when started at login
+inline constexpr const char* ZvMyMacClicked = "ZvMyMacClicked";  ///< int: registered, not read yet
+inline constexpr const char* ZvLoginItemIsHide =
+    "ZvLoginItemIsHide";  ///< boolean: hidden when started at login
+inline constexpr const char* ZvLastClickRow =
+    "ZvLastClickRow";  ///< int: row of the cleaning window's left table
+inline constexpr const char* ZvUserAllDiskItemArr =
+    "ZvUserAllDiskItemArr";  ///< nothing is stored under it
+inline constexpr const char* ZvUninstall =
+    "ZvUninstall";  ///< int: click state of the uninstaller entry
+inline constexpr const char* ZvFreeSpace =
+    "ZvFreeSpace";  ///< int: click state of the free space entry
+inline constexpr const char* ZvToobarItem =
+    "ZvToolbarItem";  ///< int: pane of the preferences window
+inline constexpr const char* ZvToobarItem_app =
+    "ZvToolbarItem_app";  ///< int: registered, not read yet
+inline constexpr const char* ZvDuplicationLimit =
+    "ZvDuplicationLimit";  ///< int, in units of ZvDuplicatesUnit
+inline constexpr const char* ZvHidenDuplication =
+    "ZvHidenDuplication";  ///< boolean: duplicates among hidden files
+inline constexpr const char* ZvSystemDuplication =
+    "ZvSystemDuplication";  ///< boolean: duplicates among system files
+inline constexpr const char* ZvDuplicatesUnit =
+    "ZvDuplicatesUnit";  ///< int: a tag of sizeUnitFactor()
 /// Boolean. True hides the status item: the accessors' names are right and the key's is not.
 inline constexpr const char* ZvShowStatusItem = "ZvShowStatusItem";
-inline constexpr const char* ZvDiskUsageLimit = "ZvDiskUsageLimit";  ///< int, in units of ZvDiskUsageUnit
-inline constexpr const char* ZvDiskUsageUnit = "ZvDiskUsageUnit";    ///< int: a tag of sizeUnitFactor()
+inline constexpr const char* ZvDiskUsageLimit =
+    "ZvDiskUsageLimit";  ///< int, in units of ZvDiskUsageUnit
+inline constexpr const char* ZvDiskUsageUnit =
+    "ZvDiskUsageUnit";  ///< int: a tag of sizeUnitFactor()
 
-inline constexpr const char* SUEnableAutomaticChecks = "SUEnableAutomaticChecks";    ///< boolean
-inline constexpr const char* SUScheduledCheckInterval = "SUScheduledCheckInterval";  ///< integer: a pop-up tag
+inline constexpr const char* SUEnableAutomaticChecks = "SUEnableAutomaticChecks";  ///< boolean
+inline constexpr const char* SUScheduledCheckInterval =
+    "SUScheduledCheckInterval";  ///< integer: a pop-up tag
 
-/// Boolean: the bytes of a copy and of one that stays are compared once more before the copy is removed.
+/// Boolean: the bytes of a copy and of one that stays are compared once more before the copy is
+/// removed.
 inline constexpr const char* compareBeforeRemovingKey = "compareBeforeRemoving";
 
 // Of the preferences window.
-inline constexpr const char* openAtStartupKey = "openAtStartup";                ///< boolean: open it at start
-inline constexpr const char* fadeKey = "fade";                                  ///< boolean: panes cross-fade
-inline constexpr const char* shiftSlowsAnimationKey = "shiftSlowsAnimation";    ///< boolean: Shift slows the change
-inline constexpr const char* DBPreferencesToolbarKey = "DBPreferencesToolbar";  ///< int: a ToolbarDisplay
+inline constexpr const char* openAtStartupKey = "openAtStartup";  ///< boolean: open it at start
+inline constexpr const char* fadeKey = "fade";                    ///< boolean: panes cross-fade
+inline constexpr const char* shiftSlowsAnimationKey =
+    "shiftSlowsAnimation";  ///< boolean: Shift slows the change
+inline constexpr const char* DBPreferencesToolbarKey =
+    "DBPreferencesToolbar";  ///< int: a ToolbarDisplay
 
 }  // namespace orrinvale

@@ -12,10 +12,12 @@
 namespace orrinvale {
 namespace {
 
-constexpr std::string_view kHead = "# Written whole at every change, so notes added here are lost.\n[Orrinvale]\n";
+constexpr std::string_view kHead =
+    "# Written whole at every change, so notes added here are lost.\n[Orrinvale]\n";
 constexpr std::string_view kSection = "[Orrinvale]";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-constexpr std::string_view kBare = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.-";
+constexpr std::string_view kBare =
+    "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.-";
 
 std::string_view trimmed(std::string_view text) {
     const std::size_t start = text.find_first_not_of(" \t\r");
@@ -48,7 +50,8 @@ std::string printed(float number) {
 
 std::string printed(const SettingValue& value) {
     if (const bool* const flag = std::get_if<bool>(&value)) return *flag ? "true" : "false";
-    if (const std::int64_t* const number = std::get_if<std::int64_t>(&value)) return fmt::format("{}", *number);
+    if (const std::int64_t* const number = std::get_if<std::int64_t>(&value))
+        return fmt::format("{}", *number);
     if (const float* const number = std::get_if<float>(&value)) return printed(*number);
     return quoted(std::get<std::string>(value));
 }
@@ -129,10 +132,12 @@ std::optional<SettingValue> parseFlag(std::string_view text) {
     return std::nullopt;
 }
 
-// "0,25"; with three digits behind the comma it could be a thousand, unless a lone zero stands before it.
+// "0,25"; with three digits behind the comma it could be a thousand, unless a lone zero stands
+// before it.
 std::optional<SettingValue> parseCommaDecimal(std::string_view text) {
     const std::size_t comma = text.find(',');
-    if (comma == std::string_view::npos || text.find('.') != std::string_view::npos) return std::nullopt;
+    if (comma == std::string_view::npos || text.find('.') != std::string_view::npos)
+        return std::nullopt;
     const std::string_view before = text.substr(0, comma);
     const bool mayBeThousands = text.size() - comma == 4 && before != "0" && before != "-0";
     if (before.empty() || comma + 1 == text.size() || mayBeThousands) return std::nullopt;
@@ -142,21 +147,25 @@ std::optional<SettingValue> parseCommaDecimal(std::string_view text) {
 }
 
 std::string_view withoutNote(std::string_view text) {
-    for (std::size_t at = text.find_first_of("#;"); at != std::string_view::npos; at = text.find_first_of("#;", at + 1))
-        if (at > 0 && (text[at - 1] == ' ' || text[at - 1] == '\t')) return trimmed(text.substr(0, at));
+    for (std::size_t at = text.find_first_of("#;"); at != std::string_view::npos;
+         at = text.find_first_of("#;", at + 1))
+        if (at > 0 && (text[at - 1] == ' ' || text[at - 1] == '\t'))
+            return trimmed(text.substr(0, at));
     return text;
 }
 
 std::optional<SettingValue> parseQuotedValue(std::string_view text) {
     auto value = text.starts_with('"') ? takeQuoted(text) : takeOtherQuoted(text);
     const std::string_view rest = trimmed(text);
-    if (!value || !(rest.empty() || rest.starts_with('#') || rest.starts_with(';'))) return std::nullopt;
+    if (!value || !(rest.empty() || rest.starts_with('#') || rest.starts_with(';')))
+        return std::nullopt;
     return SettingValue(std::move(*value));
 }
 
 bool isQuoted(std::string_view text) {
-    return text.starts_with('"') ||
-           std::ranges::any_of(kOtherQuotes, [&](const Quotes& quotes) { return text.starts_with(quotes.open); });
+    return text.starts_with('"') || std::ranges::any_of(kOtherQuotes, [&](const Quotes& quotes) {
+               return text.starts_with(quotes.open);
+           });
 }
 
 std::optional<SettingValue> parseValue(std::string_view text) {

@@ -29,7 +29,8 @@ bool isPropertyList(std::string_view bytes) { return PropertyList::parse(bytes).
 std::optional<PropertyList> merged(const Result<std::string>& copy) {
     auto own = propertyListOfResource(kResource);
     if (!own) return std::nullopt;
-    auto list = copy ? PropertyList::parse(*copy) : Result<PropertyList>(tl::unexpected(copy.error()));
+    auto list =
+        copy ? PropertyList::parse(*copy) : Result<PropertyList>(tl::unexpected(copy.error()));
     if (!list) return std::move(*own);
     if (const auto version = own->stringForKey(kVersionKey)) list->setString(*version, kVersionKey);
     return std::move(*list);
@@ -52,7 +53,8 @@ Result<void> TCPublicUtilities::writeUpDataTimeStr(std::string_view time) {
     auto file = DurableFile::begin(copyPath());
     if (!file) return tl::unexpected(std::move(file.error()));
     const auto copy = file->current(kPropertyListLimit, isPropertyList);
-    // A copy that can not be read for other reasons than damage may be whole: it is not written over.
+    // A copy that can not be read for other reasons than damage may be whole: it is not written
+    // over.
     if (!copy && copy.error().kind != ErrorKind::NotFound && copy.error().number != EBADMSG)
         return tl::unexpected(copy.error());
     auto list = merged(copy);

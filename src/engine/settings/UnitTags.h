@@ -5,9 +5,10 @@
 
 namespace orrinvale {
 
-/// What a limit of this unit is multiplied by: tags 1 to 3 are KB, MB and GB of 1000 each, any other tag is bytes. The factor of tag
-/// 4, TB, is the product of four thousands in 32-bit signed arithmetic, widened with its sign, and not 10^12: limits compared with
-/// it have always come out so, and a limit in TB is therefore beyond the size of any file.
+/// What a limit of this unit is multiplied by: tags 1 to 3 are KB, MB and GB of 1000 each, any
+/// other tag is bytes. The factor of tag 4, TB, is the product of four thousands in 32-bit signed
+/// arithmetic, widened with its sign, and not 10^12: limits compared with it have always come out
+/// so, and a limit in TB is therefore beyond the size of any file.
 [[nodiscard]] constexpr std::uint64_t sizeUnitFactor(std::int64_t tag) {
     constexpr std::int64_t terabyte = -727379968;
     switch (tag) {

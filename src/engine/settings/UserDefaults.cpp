@@ -1,4 +1,5 @@
-// UserDefaults: see UserDefaults.h. The text of the file is SettingsText.h's, its safe replacement DurableFile.h's.
+// UserDefaults: see UserDefaults.h. The text of the file is SettingsText.h's, its safe replacement
+// DurableFile.h's.
 #include "engine/settings/UserDefaults.h"
 
 #include <fmt/format.h>
@@ -32,8 +33,8 @@ Result<void> keepBadLines(const std::string& path, const std::string& text) {
     const auto copy = DurableFile::keepCopy(path, text);
     if (!copy) return tl::unexpected(copy.error());
     if (!copy->empty())
-        Log::line(fmt::format("{}: line {} can not be read, the others hold. A copy is kept as {}.", path,
-                              fmt::join(parsed->badLines, ", "), *copy));
+        Log::line(fmt::format("{}: line {} can not be read, the others hold. A copy is kept as {}.",
+                              path, fmt::join(parsed->badLines, ", "), *copy));
     return {};
 }
 
@@ -55,7 +56,9 @@ void UserDefaults::setStandardUserDefaults(UserDefaults* defaults) { replacement
 
 UserDefaults::UserDefaults(std::string path) : m_path(std::move(path)) {
     if (auto stored = read()) m_stored = std::move(*stored);
-    else Log::line(fmt::format("The settings in {} could not be read: {}.", m_path, stored.error().reason()));
+    else
+        Log::line(fmt::format("The settings in {} could not be read: {}.", m_path,
+                              stored.error().reason()));
 }
 
 UserDefaults::~UserDefaults() = default;
@@ -115,7 +118,8 @@ bool UserDefaults::isUnsaved() const {
 Result<void> UserDefaults::synchronize() {
     auto changed = exchange();
     if (!changed) {
-        Log::line(fmt::format("The settings could not be saved in {}: {}.", m_path, changed.error().reason()));
+        Log::line(fmt::format("The settings could not be saved in {}: {}.", m_path,
+                              changed.error().reason()));
         return tl::unexpected(std::move(changed.error()));
     }
     for (const std::string& key : *changed) post(key);
@@ -134,7 +138,8 @@ Result<std::vector<std::string>> UserDefaults::exchange() {
     return adopt(std::move(*stored), changes);
 }
 
-// A missing file holds nothing. In the place of a damaged one, which stands aside now, what is known of it holds on.
+// A missing file holds nothing. In the place of a damaged one, which stands aside now, what is
+// known of it holds on.
 Result<SettingValues> UserDefaults::storedNow(Result<std::string> text) const {
     if (text) return parseSettings(*text).value_or(ParsedSettings{}).values;
     if (text.error().kind == ErrorKind::NotFound) return SettingValues{};
@@ -155,20 +160,23 @@ Result<SettingValues> UserDefaults::read() const {
 }
 
 Result<SettingValues> UserDefaults::write(const SettingValues& changes) const {
-    if (auto made = DurableFile::makeFolder(folderOf(m_path)); !made) return tl::unexpected(std::move(made.error()));
+    if (auto made = DurableFile::makeFolder(folderOf(m_path)); !made)
+        return tl::unexpected(std::move(made.error()));
     const auto path = filePath();
     if (!path) return tl::unexpected(path.error());
     auto file = DurableFile::begin(*path);
     if (!file) return tl::unexpected(std::move(file.error()));
     auto current = file->current(kSettingsTextLimit, isReadable);
     if (current)
-        if (auto kept = keepBadLines(*path, *current); !kept) return tl::unexpected(std::move(kept.error()));
+        if (auto kept = keepBadLines(*path, *current); !kept)
+            return tl::unexpected(std::move(kept.error()));
     auto stored = storedNow(std::move(current));
     if (!stored) return stored;
     for (const auto& [key, value] : changes) stored->insert_or_assign(key, value);
     const std::string text = printSettings(*stored);
     // It would be put aside as damaged at the next start.
-    if (text.size() > kSettingsTextLimit) return tl::unexpected(systemError("write", m_path, EFBIG));
+    if (text.size() > kSettingsTextLimit)
+        return tl::unexpected(systemError("write", m_path, EFBIG));
     if (auto saved = file->commit(text); !saved) return tl::unexpected(std::move(saved.error()));
     return stored;
 }
@@ -181,7 +189,9 @@ std::vector<std::string> UserDefaults::adopt(SettingValues stored, const Setting
         for (const auto& each : *values) before.emplace(each.first, lookUp(each.first));
     m_stored = std::move(stored);
     // What was set again while the file was written stays unsaved.
-    std::erase_if(m_changes, [&](const auto& each) { return isSame(each.second, valueIn(written, each.first)); });
+    std::erase_if(m_changes, [&](const auto& each) {
+        return isSame(each.second, valueIn(written, each.first));
+    });
     std::vector<std::string> changed;
     for (const auto& [key, value] : before)
         if (!isSame(lookUp(key), value)) changed.push_back(key);
@@ -189,7 +199,8 @@ std::vector<std::string> UserDefaults::adopt(SettingValues stored, const Setting
 }
 
 UserDefaults::Observation UserDefaults::addObserver(std::string_view key, Handler handler) {
-    return m_center.addObserver(std::string(key), [handler = std::move(handler)](const Notification&) { handler(); });
+    return m_center.addObserver(std::string(key),
+                                [handler = std::move(handler)](const Notification&) { handler(); });
 }
 
 UserDefaults::Observation UserDefaults::addObserverOfAll(Handler handler) {

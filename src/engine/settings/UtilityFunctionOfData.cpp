@@ -17,9 +17,12 @@ UtilityFunctionOfData& UtilityFunctionOfData::getMyData() {
 
 std::unique_ptr<SettingItems> UtilityFunctionOfData::readerTxtForSettingValue() const {
     const UserDefaults& defaults = UserDefaults::standardUserDefaults();
-    const auto whole = [&](const char* key) { return fmt::format("{}", defaults.integerForKey(key)); };
+    const auto whole = [&](const char* key) {
+        return fmt::format("{}", defaults.integerForKey(key));
+    };
     auto items = std::make_unique<SettingItems>();
-    items->errorValue = fmt::format("{:f}", static_cast<double>(defaults.floatForKey(ZvSpaceAlarmKey)));
+    items->errorValue =
+        fmt::format("{:f}", static_cast<double>(defaults.floatForKey(ZvSpaceAlarmKey)));
     items->digital = whole(ZvDisplayTypeKey);
     items->systemCaches = whole(ZvSystemCachesKey);
     items->userCaches = whole(ZvUserCachesKey);
@@ -39,8 +42,10 @@ std::optional<std::map<std::string, std::string>> UtilityFunctionOfData::parseFo
         const std::string_view piece = rest.substr(0, end);
         rest.remove_prefix(std::min(end + 1, rest.size()));
         const std::size_t mark = piece.find('=');
-        if (mark == std::string_view::npos || piece.find('=', mark + 1) != std::string_view::npos) continue;
-        pairs.insert_or_assign(std::string(piece.substr(0, mark)), std::string(piece.substr(mark + 1)));
+        if (mark == std::string_view::npos || piece.find('=', mark + 1) != std::string_view::npos)
+            continue;
+        pairs.insert_or_assign(std::string(piece.substr(0, mark)),
+                               std::string(piece.substr(mark + 1)));
     }
     return pairs;
 }

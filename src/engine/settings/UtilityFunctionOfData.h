@@ -28,8 +28,8 @@ public:
     /// A fresh snapshot of the standard defaults.
     [[nodiscard]] std::unique_ptr<SettingItems> readerTxtForSettingValue() const;
 
-    /// The pairs of a text such as "a=1&b=2", undecoded. A piece with no "=" or with two of them is left out; of two pairs with
-    /// one name the later holds. Nothing for no text.
+    /// The pairs of a text such as "a=1&b=2", undecoded. A piece with no "=" or with two of them is
+    /// left out; of two pairs with one name the later holds. Nothing for no text.
     [[nodiscard]] std::optional<std::map<std::string, std::string>> parseFormBodyWith(
         std::optional<std::string_view> text) const;
 

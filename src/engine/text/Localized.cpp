@@ -13,7 +13,9 @@ namespace {
 
 constexpr std::string_view kBlanks = " \t\r";
 
-void skipBlanks(std::string_view& rest) { rest.remove_prefix(std::min(rest.find_first_not_of(kBlanks), rest.size())); }
+void skipBlanks(std::string_view& rest) {
+    rest.remove_prefix(std::min(rest.find_first_not_of(kBlanks), rest.size()));
+}
 
 bool takeMark(std::string_view& rest, char mark) {
     skipBlanks(rest);
@@ -73,7 +75,8 @@ bool readEntry(std::string_view& rest, StringTable& table) {
     auto key = takeQuoted(rest);
     if (!key || key->empty() || !takeMark(rest, '=')) return false;
     auto text = takeQuoted(rest);
-    return text && takeMark(rest, ';') && table.texts.emplace(std::move(*key), std::move(*text)).second;
+    return text && takeMark(rest, ';') &&
+           table.texts.emplace(std::move(*key), std::move(*text)).second;
 }
 
 }  // namespace
@@ -107,9 +110,11 @@ void setTextLanguage(std::string_view language) { currentTable() = &builtInTexts
 std::string getLocalizedString(const char* key, const std::vector<std::string>& values) {
     std::string text = getLocalizedString(key);
     std::size_t from = 0;
-    for (std::size_t mark = text.find('%'); mark != std::string::npos; mark = text.find('%', from)) {
+    for (std::size_t mark = text.find('%'); mark != std::string::npos;
+         mark = text.find('%', from)) {
         from = mark + 1;
-        const std::size_t digit = from < text.size() ? static_cast<unsigned char>(text[from]) - std::size_t{'1'} : 9;
+        const std::size_t digit =
+            from < text.size() ? static_cast<unsigned char>(text[from]) - std::size_t{'1'} : 9;
         if (digit >= values.size()) continue;
         text.replace(mark, 2, values[digit]);
         from = mark + values[digit].size();

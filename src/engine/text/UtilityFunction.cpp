@@ -14,7 +14,8 @@
 namespace orrinvale {
 namespace {
 
-static_assert(FLT_EVAL_METHOD == 0, "the rounding of size texts wants plain single precision at every step");
+static_assert(FLT_EVAL_METHOD == 0,
+              "the rounding of size texts wants plain single precision at every step");
 
 constexpr std::uint32_t kFirstSupportedSystem = 0x1060;
 
@@ -25,10 +26,12 @@ std::string sizeText(float number, std::string_view unit) {
 std::uint64_t wholeBytes(float product) {
     constexpr float kLimit = 18446744073709551616.0F;  // 2^64
     if (!(product > 0.0F)) return 0;
-    return product >= kLimit ? std::numeric_limits<std::uint64_t>::max() : static_cast<std::uint64_t>(product);
+    return product >= kLimit ? std::numeric_limits<std::uint64_t>::max()
+                             : static_cast<std::uint64_t>(product);
 }
 
-/// The piece of the text with this number, 0 being the first; pieces end at each mark, and may be empty.
+/// The piece of the text with this number, 0 being the first; pieces end at each mark, and may be
+/// empty.
 std::string_view piece(std::string_view text, char mark, std::size_t number) {
     for (; number > 0; --number) {
         const std::size_t end = text.find(mark);
@@ -66,9 +69,12 @@ std::string UtilityFunction::formatValue(std::uint64_t value, std::int32_t baseN
     };
     const auto base = static_cast<std::uint32_t>(baseNumber);
     const std::uint32_t square = base * base;
-    if (value < square) return sizeText(whole(static_cast<std::uint64_t>(std::int64_t{baseNumber})), "KB");
-    // The cube alone is taken as a signed number, so that one past 2^31 becomes a very large divisor.
-    const auto cube = static_cast<std::uint64_t>(std::int64_t{static_cast<std::int32_t>(base * square)});
+    if (value < square)
+        return sizeText(whole(static_cast<std::uint64_t>(std::int64_t{baseNumber})), "KB");
+    // The cube alone is taken as a signed number, so that one past 2^31 becomes a very large
+    // divisor.
+    const auto cube =
+        static_cast<std::uint64_t>(std::int64_t{static_cast<std::int32_t>(base * square)});
     return value < cube ? sizeText(whole(square), "MB") : sizeText(whole(cube), "GB");
 }
 
@@ -78,7 +84,8 @@ std::uint64_t UtilityFunction::getVolSpaceFromString(std::string_view text) {
     if (text.ends_with("KB")) return wholeBytes(number * 1000.0F);
     if (text.ends_with("MB")) return wholeBytes(number * 1000000.0F);
     if (text.ends_with("GB")) return wholeBytes(number * 1000000000.0F);
-    if (text.ends_with("TB")) return wholeBytes(number * 999999995904.0F);  // the float nearest to 10^12
+    if (text.ends_with("TB"))
+        return wholeBytes(number * 999999995904.0F);  // the float nearest to 10^12
     return 0;
 }
 
@@ -95,7 +102,8 @@ float UtilityFunction::returnParserFromVolSpace(std::string_view text) {
 std::string UtilityFunction::parseDateTime(std::string_view text) {
     const std::string_view time = piece(text, ' ', 1);
     const std::string_view date = piece(text, ' ', 0);
-    return fmt::format("{}/{}/{} {}", piece(date, '-', 1), piece(date, '-', 2), piece(date, '-', 0), time);
+    return fmt::format("{}/{}/{} {}", piece(date, '-', 1), piece(date, '-', 2), piece(date, '-', 0),
+                       time);
 }
 
 Rect UtilityFunction::returnRectOfWindcenterWithWidht(float width, float height) {

@@ -1,4 +1,5 @@
-// readFloat: see readFloat.h. std::from_chars does the rounding; what it leaves open is decided here.
+// readFloat: see readFloat.h. std::from_chars does the rounding; what it leaves open is decided
+// here.
 #include "engine/text/readFloat.h"
 
 #include <algorithm>
@@ -12,8 +13,8 @@ namespace {
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-/// True for a number of 1 or more. Asked only of numbers outside the range of a float, whose digits from_chars has
-/// found well-formed; it reports too large and too small alike.
+/// True for a number of 1 or more. Asked only of numbers outside the range of a float, whose digits
+/// from_chars has found well-formed; it reports too large and too small alike.
 bool isLarge(std::string_view number) {
     const std::size_t mark = number.find_first_of("eE");
     const std::string_view digits = number.substr(0, mark);
@@ -25,10 +26,12 @@ bool isLarge(std::string_view number) {
         std::size_t start = mark + 1;
         if (start < number.size() && number[start] == '+') ++start;
         std::int64_t exponent = 0;
-        const auto read = std::from_chars(number.data() + start, number.data() + number.size(), exponent);
+        const auto read =
+            std::from_chars(number.data() + start, number.data() + number.size(), exponent);
         if (read.ec == std::errc::result_out_of_range) return number[start] != '-';
         // An exponent beyond any length of digits decides alone, and the sum below cannot overflow.
-        power += std::clamp<std::int64_t>(exponent, -(std::int64_t{1} << 60), std::int64_t{1} << 60);
+        power +=
+            std::clamp<std::int64_t>(exponent, -(std::int64_t{1} << 60), std::int64_t{1} << 60);
     }
     return power > 0;
 }

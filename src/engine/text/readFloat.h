@@ -5,9 +5,10 @@
 
 namespace orrinvale {
 
-/// Skips white space, then reads an optional sign, digits with an optional point, and an optional decimal exponent, up
-/// to the first byte that can not go on so. No number gives 0; one too large gives infinity of its sign, one too small
-/// 0. Hexadecimal digits and the words for infinity and not-a-number are no numbers here.
+/// Skips white space, then reads an optional sign, digits with an optional point, and an optional
+/// decimal exponent, up to the first byte that can not go on so. No number gives 0; one too large
+/// gives infinity of its sign, one too small 0. Hexadecimal digits and the words for infinity and
+/// not-a-number are no numbers here.
 [[nodiscard]] float readFloat(std::string_view text);
 
 }  // namespace orrinvale

@@ -1,4 +1,5 @@
-// VolumesInfo: see VolumesInfo.h. First the walk, then the decisions, then the climb from a partition to its disc.
+// VolumesInfo: see VolumesInfo.h. First the walk, then the decisions, then the climb from a
+// partition to its disc.
 #include "engine/volumes/VolumesInfo.h"
 
 #include <fmt/format.h>
@@ -46,9 +47,11 @@ void VolumesInfo::enumVolumesInfo() {
         status = m_platform.FSGetVolumeInfo(index, volume);
         if (status == noErr && volume.info.totalBytes != 0) status = addVolume(volume);
     }
-    std::erase_if(m_withoutDevice, [this](const std::string& path) {  // what comes back is told again
-        return std::ranges::none_of(m_volsArray, [&](const auto& volume) { return volume->volRootDir == path; });
-    });
+    std::erase_if(
+        m_withoutDevice, [this](const std::string& path) {  // what comes back is told again
+            return std::ranges::none_of(
+                m_volsArray, [&](const auto& volume) { return volume->volRootDir == path; });
+        });
 }
 
 std::int32_t VolumesInfo::addVolume(const IndexedVolume& volume) {
@@ -56,22 +59,27 @@ std::int32_t VolumesInfo::addVolume(const IndexedVolume& volume) {
     GetVolParmsInfoBuffer buffer;
     const std::int32_t status = m_platform.FSGetVolumeParms(volume.refNumber, buffer);
     if (status != noErr) {
-        Log::line(fmt::format("FSGetVolumeParms failed returned {}", status));  // the log ends the line
+        Log::line(
+            fmt::format("FSGetVolumeParms failed returned {}", status));  // the log ends the line
         return status;
     }
     m_inHand = record->volRootDir;
     record->bCanEject = getVolEjectFlag(buffer, record->volRootDir);
     record->volType = getVolumeType(buffer);
-    if (record->volType == OpticalVolume) record->bCanEject = true;  // a drive gives a disc back, whatever it reports
+    if (record->volType == OpticalVolume)
+        record->bCanEject = true;  // a drive gives a disc back, whatever it reports
     m_volsArray.push_back(std::move(record));
     return status;
 }
 
-std::uint32_t VolumesInfo::getVolParmsInfoExtendedAttributes(const GetVolParmsInfoBuffer& buffer) const {
+std::uint32_t VolumesInfo::getVolParmsInfoExtendedAttributes(
+    const GetVolParmsInfoBuffer& buffer) const {
     return buffer.vMVersion < kFirstVersionWithExtendedAttributes ? 0 : buffer.vMExtendedAttributes;
 }
 
-bool VolumesInfo::isNetworkVolume(const GetVolParmsInfoBuffer& buffer) const { return buffer.vMServerAdr != 0; }
+bool VolumesInfo::isNetworkVolume(const GetVolParmsInfoBuffer& buffer) const {
+    return buffer.vMServerAdr != 0;
+}
 
 bool VolumesInfo::volIsRemovable(const GetVolParmsInfoBuffer& buffer) const {
     return hasBit(getVolParmsInfoExtendedAttributes(buffer), bIsRemovable);
@@ -93,7 +101,8 @@ std::int32_t VolumesInfo::getVolumeType(const GetVolParmsInfoBuffer& buffer) {
     return LocalVolume;
 }
 
-bool VolumesInfo::getVolEjectFlag(const GetVolParmsInfoBuffer& buffer, const std::string& /*forVolume*/) const {
+bool VolumesInfo::getVolEjectFlag(const GetVolParmsInfoBuffer& buffer,
+                                  const std::string& /*forVolume*/) const {
     return isNetworkVolume(buffer) || volIsExtendBus(buffer) || volIsEjectable(buffer);
 }
 
@@ -102,7 +111,8 @@ bool VolumesInfo::volCDorDVD(const char* bsdName) {
     const auto matching = m_platform.IOBSDNameMatching(bsdName);
     if (!matching) {
         // Once a volume and not once a walk, of which there is one every two seconds.
-        if (m_withoutDevice.insert(m_inHand).second) Log::line("IOBSDNameMatching returned a NULL dictionary.");
+        if (m_withoutDevice.insert(m_inHand).second)
+            Log::line("IOBSDNameMatching returned a NULL dictionary.");
         return false;
     }
     const RegistryEntryRef service = m_platform.IOServiceGetMatchingService(*matching);
@@ -138,7 +148,8 @@ bool VolumesInfo::IsWholeMedia(const RegistryEntry& object) {
         return false;
     }
     if (!*whole) return false;
-    m_bVolIsCDorDVD = object.IOObjectConformsTo("IOCDMedia") || object.IOObjectConformsTo("IODVDMedia");
+    m_bVolIsCDorDVD =
+        object.IOObjectConformsTo("IOCDMedia") || object.IOObjectConformsTo("IODVDMedia");
     return true;
 }
 

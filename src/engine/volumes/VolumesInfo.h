@@ -1,5 +1,5 @@
-// VolumesInfo: which volumes are mounted now, and of what kind each is. ZvVolumeInfo.h is the record, platform/volumes.h
-// what it is made from.
+// VolumesInfo: which volumes are mounted now, and of what kind each is. ZvVolumeInfo.h is the
+// record, platform/volumes.h what it is made from.
 #pragma once
 
 #include <cstdint>
@@ -14,8 +14,8 @@
 
 namespace orrinvale {
 
-/// Every answer is made afresh; nothing is kept from one walk to the next but the array itself, and what the log has been told. One object belongs to one
-/// thread. A walk waits for the platform.
+/// Every answer is made afresh; nothing is kept from one walk to the next but the array itself, and
+/// what the log has been told. One object belongs to one thread. A walk waits for the platform.
 class VolumesInfo final {
 public:
     using VolumeArray = std::vector<std::shared_ptr<ZvVolumeInfo>>;
@@ -25,19 +25,21 @@ public:
     VolumesInfo(const VolumesInfo&) = delete;
     VolumesInfo& operator=(const VolumesInfo&) = delete;
 
-    /// The volumes of a new walk, in the platform's order. It is the same array at every call, so that the next call
-    /// changes it under the caller; whoever needs a record for longer keeps its pointer.
+    /// The volumes of a new walk, in the platform's order. It is the same array at every call, so
+    /// that the next call changes it under the caller; whoever needs a record for longer keeps its
+    /// pointer.
     VolumeArray& getAllVolsInfo();
 
     /// The array as the last walk left it.
     [[nodiscard]] VolumeArray& volsArray() { return m_volsArray; }
 
-    /// Walks the volumes and appends what it finds. A volume with no size or with a failure is left out, and the walk goes
-    /// on; it ends with the status nsvErr, whichever operation gives it.
+    /// Walks the volumes and appends what it finds. A volume with no size or with a failure is left
+    /// out, and the walk goes on; it ends with the status nsvErr, whichever operation gives it.
     void enumVolumesInfo();
 
     /// 0 for a buffer of a version below 3, which has no such bits.
-    [[nodiscard]] std::uint32_t getVolParmsInfoExtendedAttributes(const GetVolParmsInfoBuffer& buffer) const;
+    [[nodiscard]] std::uint32_t getVolParmsInfoExtendedAttributes(
+        const GetVolParmsInfoBuffer& buffer) const;
     [[nodiscard]] bool isNetworkVolume(const GetVolParmsInfoBuffer& buffer) const;
     [[nodiscard]] bool volIsRemovable(const GetVolParmsInfoBuffer& buffer) const;
     [[nodiscard]] bool volIsEjectable(const GetVolParmsInfoBuffer& buffer) const;
@@ -46,27 +48,31 @@ public:
     /// Whether the device of this name lies on a CD or a DVD. Every failure counts as no.
     [[nodiscard]] bool volCDorDVD(const char* bsdName);
 
-    /// Climbs from a device to the first whole medium above it, itself included, and notes whether that is a disc.
+    /// Climbs from a device to the first whole medium above it, itself included, and notes whether
+    /// that is a disc.
     void FindWholeMedia(const RegistryEntryRef& service);
 
     /// True for a whole medium; then it is noted whether that is a disc.
     [[nodiscard]] bool IsWholeMedia(const RegistryEntry& object);
 
-    /// One of VolumeType. A server decides first, then the disc, so that a disc in an outer drive is optical.
+    /// One of VolumeType. A server decides first, then the disc, so that a disc in an outer drive
+    /// is optical.
     [[nodiscard]] std::int32_t getVolumeType(const GetVolParmsInfoBuffer& buffer);
 
-    /// What a server gives or an external bus holds can always be ejected, the rest as the device says. The path does not
-    /// matter: the boot volume has no rule of its own.
-    [[nodiscard]] bool getVolEjectFlag(const GetVolParmsInfoBuffer& buffer, const std::string& forVolume) const;
+    /// What a server gives or an external bus holds can always be ejected, the rest as the device
+    /// says. The path does not matter: the boot volume has no rule of its own.
+    [[nodiscard]] bool getVolEjectFlag(const GetVolParmsInfoBuffer& buffer,
+                                       const std::string& forVolume) const;
 
 private:
     [[nodiscard]] std::int32_t addVolume(const IndexedVolume& volume);
 
     Volumes& m_platform;
     VolumeArray m_volsArray;
-    std::string m_inHand;                   // root path of the volume that is being classified
-    std::set<std::string> m_withoutDevice;  // root paths of volumes whose device has no name, which was logged
-    bool m_bVolIsCDorDVD = false;           // what the climb found for the volume that is being classified
+    std::string m_inHand;  // root path of the volume that is being classified
+    std::set<std::string>
+        m_withoutDevice;  // root paths of volumes whose device has no name, which was logged
+    bool m_bVolIsCDorDVD = false;  // what the climb found for the volume that is being classified
 };
 
 }  // namespace orrinvale

@@ -19,8 +19,9 @@ constexpr std::int32_t kSomeStayed = 1;
 constexpr std::size_t kMostNamedHolders = 3;
 
 std::string textOf(const VolumeHolder& holder) {
-    return getLocalizedString("EJECT_HOLDER",
-                              {escapeControls(holder.name), std::to_string(holder.pid), escapeControls(holder.path)});
+    return getLocalizedString(
+        "EJECT_HOLDER",
+        {escapeControls(holder.name), std::to_string(holder.pid), escapeControls(holder.path)});
 }
 
 std::string textOf(const std::vector<VolumeHolder>& holders) {
@@ -32,10 +33,12 @@ std::string textOf(const std::vector<VolumeHolder>& holders) {
         if (isLast) text = getLocalizedString("EJECT_LAST_HOLDER", {text, textOf(holders[i])});
         else text.append(", ").append(textOf(holders[i]));
     }
-    return more == 0 ? text : getLocalizedString("EJECT_MORE_HOLDERS", {text, std::to_string(more)});
+    return more == 0 ? text
+                     : getLocalizedString("EJECT_MORE_HOLDERS", {text, std::to_string(more)});
 }
 
-// By its text alone: whether the folder can be reached is the file manager's to find out, on a dead server too.
+// By its text alone: whether the folder can be reached is the file manager's to find out, on a dead
+// server too.
 std::string standardizedPath(const std::string& path) {
     std::string plain = std::filesystem::path(path).lexically_normal().string();
     while (plain.size() > 1 && plain.back() == '/') plain.pop_back();
@@ -67,7 +70,8 @@ bool VolumesManager::ejectSingleVolume(std::int16_t volRefNumber) {
 
 std::int32_t VolumesManager::ejectAllVolumes() {
     m_failures.clear();
-    // The list is taken once: what comes up while the ejections run is not meant, and the others must not be asked twice.
+    // The list is taken once: what comes up while the ejections run is not meant, and the others
+    // must not be asked twice.
     const VolumesInfo::VolumeArray volumes = VolumesInfo(m_platform).volsArray();
     bool isAnyEjectable = false;
     for (const auto& volume : volumes) {

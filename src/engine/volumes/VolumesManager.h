@@ -1,5 +1,5 @@
-// VolumesManager: ejects one volume or all that can be, and opens a volume's root in the file manager. platform/volumes.h does
-// the ejecting, VolumesInfo.h says which volumes there are.
+// VolumesManager: ejects one volume or all that can be, and opens a volume's root in the file
+// manager. platform/volumes.h does the ejecting, VolumesInfo.h says which volumes there are.
 #pragma once
 
 #include <cstdint>
@@ -21,11 +21,12 @@ struct EjectFailure {
     EjectDissent dissent;
 };
 
-/// The failure as one sentence for people, on one line: control bytes in names are escaped, and of many programs that hold
-/// the volume three are named. Bytes that are no UTF-8 stay as they are.
+/// The failure as one sentence for people, on one line: control bytes in names are escaped, and of
+/// many programs that hold the volume three are named. Bytes that are no UTF-8 stay as they are.
 [[nodiscard]] std::string ejectFailureText(const EjectFailure& failure);
 
-/// One object belongs to one thread at a time. The ejections wait for the platform, for minutes where a medium is slow.
+/// One object belongs to one thread at a time. The ejections wait for the platform, for minutes
+/// where a medium is slow.
 class VolumesManager final {
 public:
     /// Shows a folder in the file manager; false when that can not be had.
@@ -36,15 +37,17 @@ public:
     VolumesManager(const VolumesManager&) = delete;
     VolumesManager& operator=(const VolumesManager&) = delete;
 
-    /// True when the volume is ejected. A failure is logged and kept in failures(), without the names, which the caller has.
+    /// True when the volume is ejected. A failure is logged and kept in failures(), without the
+    /// names, which the caller has.
     bool ejectSingleVolume(std::int16_t volRefNumber);
 
-    /// Ejects what can be ejected of the volumes that stand now, in their order; one that fails stops nothing. -1 when there
-    /// are none, 0 when all went, 1 when at least one stayed. The boot volume is not spared by any rule of its own.
+    /// Ejects what can be ejected of the volumes that stand now, in their order; one that fails
+    /// stops nothing. -1 when there are none, 0 when all went, 1 when at least one stayed. The boot
+    /// volume is not spared by any rule of its own.
     std::int32_t ejectAllVolumes();
 
-    /// False for no path or an empty one, which touches nothing; else what the file manager says to the path in its plain form:
-    /// without repeated slashes, ".", ".." and slashes at the end.
+    /// False for no path or an empty one, which touches nothing; else what the file manager says to
+    /// the path in its plain form: without repeated slashes, ".", ".." and slashes at the end.
     bool openVolRootDir(const std::optional<std::string>& path);
 
     /// What stayed at the last call that ejected, in the order of the ejections.

@@ -22,12 +22,13 @@ enum VolumeType : std::int32_t {
 struct ZvVolumeInfo {
     std::int16_t volRefNumber = 0;  ///< the platform's number of the mount
     std::int32_t volType = UnknownVolumeType;
-    bool bIsDefaultVol = false;          ///< the boot volume
-    std::string volumeName;              ///< for people; any bytes
-    std::string freeSpace;               ///< nFreeSize as text
-    std::string totalSpace;              ///< nTotalSize as text
-    std::string volRootDir;              ///< exact bytes
-    std::optional<IconRequest> volIcon;  ///< the picture of the root folder; nothing means no picture
+    bool bIsDefaultVol = false;  ///< the boot volume
+    std::string volumeName;      ///< for people; any bytes
+    std::string freeSpace;       ///< nFreeSize as text
+    std::string totalSpace;      ///< nTotalSize as text
+    std::string volRootDir;      ///< exact bytes
+    std::optional<IconRequest>
+        volIcon;  ///< the picture of the root folder; nothing means no picture
     bool bCanEject = false;
     std::uint64_t nTotalSize = 0;  ///< bytes
     std::uint64_t nFreeSize = 0;   ///< bytes

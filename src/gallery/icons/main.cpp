@@ -1,5 +1,5 @@
-// orrinvale-icons: draws the program's icon as a PNG of each size that desktops ask for. It runs while building and is
-// not installed; it needs neither a display nor fonts.
+// orrinvale-icons: draws the program's icon as a PNG of each size that desktops ask for. It runs
+// while building and is not installed; it needs neither a display nor fonts.
 #include <QFile>
 #include <QImage>
 #include <QPainter>
@@ -28,7 +28,8 @@ bool drawIcon(const QString& drawing, int pixels, const QString& target) {
 // Triples of a drawing, a number of pixels and the file to write.
 int main(int argc, char** argv) {
     if (argc < 4 || argc % 3 != 1) {
-        std::fputs("usage: orrinvale-icons DRAWING PIXELS TARGET [DRAWING PIXELS TARGET...]\n", stderr);
+        std::fputs("usage: orrinvale-icons DRAWING PIXELS TARGET [DRAWING PIXELS TARGET...]\n",
+                   stderr);
         return 2;
     }
     for (int i = 1; i < argc; i += 3) {

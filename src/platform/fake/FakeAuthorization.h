@@ -1,4 +1,5 @@
-// FakeAuthorization: an Authorization whose answers a test chooses, and which keeps what was asked of it.
+// FakeAuthorization: an Authorization whose answers a test chooses, and which keeps what was asked
+// of it.
 #pragma once
 
 #include <algorithm>
@@ -26,17 +27,22 @@ public:
     std::int32_t create(AuthorizationRef& reference) override {
         return answer("create", "create", [&] { reference = add(); });
     }
-    std::int32_t copyRights(AuthorizationRef, std::string_view right, std::uint32_t flags) override {
-        const std::int32_t status = answer("copyRights", std::string(right) + ' ' + std::to_string(flags), [] {});
+    std::int32_t copyRights(AuthorizationRef, std::string_view right,
+                            std::uint32_t flags) override {
+        const std::int32_t status =
+            answer("copyRights", std::string(right) + ' ' + std::to_string(flags), [] {});
         if (flags == AuthorizationFlags::acquire && onCopyRights) onCopyRights();
         return status;
     }
     std::int32_t makeExternalForm(AuthorizationRef, AuthorizationExternalForm& form) override {
-        return answer("makeExternalForm", "makeExternalForm", [&] { form.fill(std::byte{++m_form}); });
+        return answer("makeExternalForm", "makeExternalForm",
+                      [&] { form.fill(std::byte{++m_form}); });
     }
-    std::int32_t createFromExternalForm(const AuthorizationExternalForm& form, AuthorizationRef& reference) override {
+    std::int32_t createFromExternalForm(const AuthorizationExternalForm& form,
+                                        AuthorizationRef& reference) override {
         reference = AuthorizationRef::null;
-        return answer("createFromExternalForm", "createFromExternalForm " + std::to_string(static_cast<int>(form[31])),
+        return answer("createFromExternalForm",
+                      "createFromExternalForm " + std::to_string(static_cast<int>(form[31])),
                       [&] { reference = add(); });
     }
     std::int32_t rightGet(std::string_view right) override {
@@ -54,10 +60,13 @@ public:
         const std::lock_guard guard(m_mutex);
         calls.emplace_back("free");
         if (failures.contains("free")) return failures["free"];
-        return m_live.erase(reference) == 1 ? AuthorizationStatus::success : AuthorizationStatus::invalidReference;
+        return m_live.erase(reference) == 1 ? AuthorizationStatus::success
+                                            : AuthorizationStatus::invalidReference;
     }
     AuthorizationRefusal lastRefusal() const override { return refusal; }
-    void setLostHandler(std::function<void(AuthorizationRefusal)> handler) override { m_lost = std::move(handler); }
+    void setLostHandler(std::function<void(AuthorizationRefusal)> handler) override {
+        m_lost = std::move(handler);
+    }
 
     /// What a platform does when the right goes away by itself.
     void loseRight(AuthorizationRefusal reason) {
@@ -82,7 +91,8 @@ private:
         std::string text;
     };
 
-    template <class Effect> std::int32_t answer(const std::string& operation, std::string call, Effect effect) {
+    template <class Effect>
+    std::int32_t answer(const std::string& operation, std::string call, Effect effect) {
         const std::lock_guard guard(m_mutex);
         calls.push_back(std::move(call));
         const auto failure = failures.find(operation);

@@ -1,4 +1,5 @@
-// Volumes of a test's making: any volume, any status, any tree of devices. Read platform/volumes.h first.
+// Volumes of a test's making: any volume, any status, any tree of devices. Read platform/volumes.h
+// first.
 #pragma once
 
 #include <algorithm>
@@ -27,7 +28,8 @@ struct FakeRegistryEntry final : public RegistryEntry {
             if (each == className) return true;
         return false;
     }
-    [[nodiscard]] std::optional<bool> IORegistryEntryCreateCFProperty(std::string_view key) const override {
+    [[nodiscard]] std::optional<bool> IORegistryEntryCreateCFProperty(
+        std::string_view key) const override {
         return key == "Whole" ? whole : std::nullopt;
     }
 };
@@ -48,8 +50,9 @@ public:
     };
 
     /// A volume that is half empty; one that can be ejected is a removable medium.
-    [[nodiscard]] static Volume volume(std::int16_t number, const std::string& name, const std::string& path,
-                                       bool canEject, std::uint64_t total = 1000) {
+    [[nodiscard]] static Volume volume(std::int16_t number, const std::string& name,
+                                       const std::string& path, bool canEject,
+                                       std::uint64_t total = 1000) {
         Volume made;
         made.volume = {number, {total, total / 2}, name, path, 0};
         made.parms = {3, 0, canEject ? 1U << bIsEjectable | 1U << bIsRemovable : 0, "vda"};
@@ -57,9 +60,11 @@ public:
     }
 
     std::vector<Volume> volumes;
-    std::map<std::int16_t, Ejection> ejections;    ///< by reference number; any other volume goes without trouble
-    std::vector<std::int16_t> ejectedNumbers;      ///< asked for, in order
-    std::function<void(std::int16_t)> onEjection;  ///< called when the answer stands; may change `volumes`
+    std::map<std::int16_t, Ejection>
+        ejections;  ///< by reference number; any other volume goes without trouble
+    std::vector<std::int16_t> ejectedNumbers;  ///< asked for, in order
+    std::function<void(std::int16_t)>
+        onEjection;  ///< called when the answer stands; may change `volumes`
     std::map<std::string, std::shared_ptr<FakeRegistryEntry>> devices;  ///< by name
     std::uint32_t iteratorStatus = 0;
     bool hasIterator = true;
@@ -83,31 +88,36 @@ public:
         return nsvErr;
     }
 
-    std::int32_t FSEjectVolumeSync(std::int16_t refNumber, std::uint32_t /*options*/, EjectDissent& dissent) override {
+    std::int32_t FSEjectVolumeSync(std::int16_t refNumber, std::uint32_t /*options*/,
+                                   EjectDissent& dissent) override {
         ejectedNumbers.push_back(refNumber);
-        const bool isListed = std::any_of(volumes.begin(), volumes.end(),
-                                          [&](const Volume& each) { return each.volume.refNumber == refNumber; });
+        const bool isListed = std::any_of(volumes.begin(), volumes.end(), [&](const Volume& each) {
+            return each.volume.refNumber == refNumber;
+        });
         const auto scripted = ejections.find(refNumber);
-        const Ejection answer =
-            scripted != ejections.end() ? scripted->second : Ejection{isListed ? noErr : nsvErr, {}};
+        const Ejection answer = scripted != ejections.end()
+                                    ? scripted->second
+                                    : Ejection{isListed ? noErr : nsvErr, {}};
         if (onEjection) onEjection(refNumber);
         dissent = answer.dissent;
         return answer.status;
     }
 
-    [[nodiscard]] std::optional<RegistryMatching> IOBSDNameMatching(const char* bsdName) const override {
+    [[nodiscard]] std::optional<RegistryMatching> IOBSDNameMatching(
+        const char* bsdName) const override {
         askedNames.emplace_back(bsdName);
         if (*bsdName == 0) return std::nullopt;
         return RegistryMatching{bsdName};
     }
 
-    [[nodiscard]] RegistryEntryRef IOServiceGetMatchingService(const RegistryMatching& matching) const override {
+    [[nodiscard]] RegistryEntryRef IOServiceGetMatchingService(
+        const RegistryMatching& matching) const override {
         const auto found = devices.find(matching.bsdName);
         return found == devices.end() ? nullptr : found->second;
     }
 
-    std::uint32_t IORegistryEntryCreateIterator(const RegistryEntry& entry,
-                                                std::unique_ptr<RegistryIterator>& iterator) const override {
+    std::uint32_t IORegistryEntryCreateIterator(
+        const RegistryEntry& entry, std::unique_ptr<RegistryIterator>& iterator) const override {
         const auto* const start = dynamic_cast<const FakeRegistryEntry*>(&entry);
         if (hasIterator && start != nullptr) iterator = std::make_unique<Parents>(start->parent);
         return iteratorStatus;

@@ -1,4 +1,5 @@
-// BlockedCalls: proc(5) shows the system call that a thread waits in with its arguments, and so the path, which lies in our own memory.
+// BlockedCalls: proc(5) shows the system call that a thread waits in with its arguments, and so the
+// path, which lies in our own memory.
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/syscall.h>
@@ -27,13 +28,15 @@ struct Call {
     std::array<std::uint64_t, 2> arguments{};
 };
 
-constexpr std::array kOnDescriptor{SYS_read,       SYS_pread64, SYS_getdents64, SYS_fstat,          SYS_fstatfs,
-                                   SYS_fadvise64,  SYS_lseek,   SYS_ioctl,      SYS_close,          SYS_readahead,
-                                   SYS_flistxattr, SYS_fsync,   SYS_fgetxattr,  SYS_copy_file_range};
+constexpr std::array kOnDescriptor{SYS_read,      SYS_pread64,        SYS_getdents64, SYS_fstat,
+                                   SYS_fstatfs,   SYS_fadvise64,      SYS_lseek,      SYS_ioctl,
+                                   SYS_close,     SYS_readahead,      SYS_flistxattr, SYS_fsync,
+                                   SYS_fgetxattr, SYS_copy_file_range};
 constexpr std::array kBelowFolder{SYS_openat,     SYS_openat2,  SYS_newfstatat, SYS_statx,
                                   SYS_readlinkat, SYS_unlinkat, SYS_faccessat};
 #ifdef SYS_stat
-constexpr std::array kByPath{SYS_stat, SYS_lstat, SYS_open, SYS_access, SYS_readlink, SYS_statfs, SYS_getxattr};
+constexpr std::array kByPath{SYS_stat,     SYS_lstat,  SYS_open,    SYS_access,
+                             SYS_readlink, SYS_statfs, SYS_getxattr};
 #else
 constexpr std::array kByPath{SYS_statfs, SYS_getxattr};
 #endif
@@ -58,11 +61,13 @@ std::optional<Call> parseCall(std::string_view line) {
     return call;
 }
 
-// By a descriptor: the thread may go on meanwhile and free what the address points at, which is then an error and no fault.
+// By a descriptor: the thread may go on meanwhile and free what the address points at, which is
+// then an error and no fault.
 std::string textAt(std::uint64_t address) {
     const Descriptor memory(::open("/proc/self/mem", O_RDONLY | O_CLOEXEC));
     std::array<char, PATH_MAX> text;
-    const ssize_t count = ::pread(memory.get(), text.data(), text.size(), static_cast<off_t>(address));
+    const ssize_t count =
+        ::pread(memory.get(), text.data(), text.size(), static_cast<off_t>(address));
     if (count <= 0) return {};
     return std::string(text.data(), ::strnlen(text.data(), static_cast<std::size_t>(count)));
 }
@@ -70,7 +75,8 @@ std::string textAt(std::uint64_t address) {
 std::string linkText(const std::string& path) {
     std::array<char, PATH_MAX> target;
     const ssize_t length = ::readlink(path.c_str(), target.data(), target.size());
-    return length <= 0 ? std::string() : std::string(target.data(), static_cast<std::size_t>(length));
+    return length <= 0 ? std::string()
+                       : std::string(target.data(), static_cast<std::size_t>(length));
 }
 
 // A thread may have a table of descriptors of its own.
@@ -86,8 +92,9 @@ std::string pathOf(const std::string& task, const Call& call) {
     else if (has(kByPath, call.number)) text = textAt(call.arguments[0]);
     else return {};
     if (text.starts_with('/')) return text;
-    const std::string folder =
-        has(kByPath, call.number) ? linkText(task + "/cwd") : pathOfDescriptor(task, call.arguments[0]);
+    const std::string folder = has(kByPath, call.number)
+                                   ? linkText(task + "/cwd")
+                                   : pathOfDescriptor(task, call.arguments[0]);
     return text.empty() ? folder : joinPath(folder, text);
 }
 
@@ -105,12 +112,14 @@ std::vector<BlockedCall> blockedCalls() {
     std::vector<BlockedCall> blocked;
     for (const std::string& name : systemNamesIn(tasks)) {
         const std::string task = joinPath(tasks, name);
-        const std::string line = readSystemText(task + "/syscall", kLineLimit).value_or(std::string());
+        const std::string line =
+            readSystemText(task + "/syscall", kLineLimit).value_or(std::string());
         const auto call = parseCall(line);
         if (!call) continue;
         std::string path = pathOf(task, *call);
         // Pipes, sockets and what the kernel makes itself have names without a slash in front.
-        if (path.starts_with('/')) blocked.push_back({std::move(path), name + ' ' + line + turnsOf(task)});
+        if (path.starts_with('/'))
+            blocked.push_back({std::move(path), name + ' ' + line + turnsOf(task)});
     }
     return blocked;
 }

@@ -16,7 +16,9 @@ bool becomesReady(sd_bus& bus, std::chrono::milliseconds patience) {
         if (processed > 0) continue;
         const auto left = timeUntil(end);
         if (left.count() == 0) return false;
-        if (const int waited = sdBus().wait(&bus, busMicroseconds(left)); waited < 0 && waited != -EINTR) return false;
+        if (const int waited = sdBus().wait(&bus, busMicroseconds(left));
+            waited < 0 && waited != -EINTR)
+            return false;
     }
 }
 

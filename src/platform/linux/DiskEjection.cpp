@@ -15,7 +15,9 @@ using Kind = DiskServiceFailure::Kind;
 constexpr int kMostRounds = 10;
 constexpr std::chrono::milliseconds kBetweenRounds{100};
 
-bool isGone(const DiskServiceResult<void>& result) { return !result && result.error().kind == Kind::Gone; }
+bool isGone(const DiskServiceResult<void>& result) {
+    return !result && result.error().kind == Kind::Gone;
+}
 
 }  // namespace
 
@@ -39,7 +41,8 @@ std::optional<DiskServiceFailure> DiskEjection::unmount(const std::function<bool
 
 std::optional<DiskServiceFailure> DiskEjection::release() {
     for (const std::string& device : m_plan.unlocked)
-        if (const Result done = call(device, "Encrypted", "Lock"); !done && !isGone(done)) return done.error();
+        if (const Result done = call(device, "Encrypted", "Lock"); !done && !isGone(done))
+            return done.error();
     if (m_plan.loop.empty()) return releaseDrive();
     if (isLoopEmpty()) return std::nullopt;
     const Result done = call(m_plan.loop, "Loop", "Delete");
@@ -47,7 +50,8 @@ std::optional<DiskServiceFailure> DiskEjection::release() {
     return done.error();
 }
 
-// A drive that gives its medium back may stay switched on, and one that can be switched off need not give it back.
+// A drive that gives its medium back may stay switched on, and one that can be switched off need
+// not give it back.
 std::optional<DiskServiceFailure> DiskEjection::releaseDrive() {
     std::optional<DiskServiceFailure> obstacle;
     if (m_plan.ejects) {
@@ -64,11 +68,13 @@ std::optional<DiskServiceFailure> DiskEjection::releaseDrive() {
 bool DiskEjection::isLoopEmpty() const {
     return std::any_of(m_plan.devices.begin(), m_plan.devices.end(), [&](const DiskObject& each) {
         return each.path == m_plan.loop &&
-               m_devices.isEmptyLoop(m_devices.deviceNumbered(gnu_dev_major(each.number), gnu_dev_minor(each.number)));
+               m_devices.isEmptyLoop(m_devices.deviceNumbered(gnu_dev_major(each.number),
+                                                              gnu_dev_minor(each.number)));
     });
 }
 
-DiskEjection::Result DiskEjection::call(const std::string& path, const std::string& interface, const char* operation) {
+DiskEjection::Result DiskEjection::call(const std::string& path, const std::string& interface,
+                                        const char* operation) {
     return m_service.call(path, ("org.freedesktop.UDisks2." + interface).c_str(), operation);
 }
 

@@ -1,5 +1,5 @@
-// The desktop's disk service, UDisks2, as far as ejecting needs it. LinuxVolumesEjection.h asks it; EjectionPlan.h makes sense of
-// its objects.
+// The desktop's disk service, UDisks2, as far as ejecting needs it. LinuxVolumesEjection.h asks it;
+// EjectionPlan.h makes sense of its objects.
 #pragma once
 
 #include <chrono>
@@ -12,8 +12,8 @@
 
 namespace orrinvale {
 
-/// One object of the service: a block device, or a drive. Fields of interfaces that it does not have keep these values; a path
-/// that leads to no object is empty.
+/// One object of the service: a block device, or a drive. Fields of interfaces that it does not
+/// have keep these values; a path that leads to no object is empty.
 struct DiskObject {
     std::string path;  ///< on the bus
 
@@ -32,7 +32,8 @@ struct DiskObject {
     bool canEject = false;
     bool canPowerOff = false;
     bool isOptical = false;
-    std::string siblings;  ///< the same for drives that one plug holds, such as the slots of a card reader
+    std::string
+        siblings;  ///< the same for drives that one plug holds, such as the slots of a card reader
 };
 
 struct DiskServiceFailure {
@@ -52,15 +53,16 @@ template <class T> using DiskServiceResult = tl::expected<T, DiskServiceFailure>
 /// A connection to the service. One thread.
 class DiskService final {
 public:
-    /// Connects to the system bus and takes all objects of the service, which is started where it can be. `patience` is for all
-    /// of this together.
+    /// Connects to the system bus and takes all objects of the service, which is started where it
+    /// can be. `patience` is for all of this together.
     [[nodiscard]] static DiskServiceResult<DiskService> open(std::chrono::milliseconds patience);
 
     [[nodiscard]] const std::vector<DiskObject>& objects() const { return m_objects; }
 
-    /// Calls an operation that takes nothing but options, and gives it none. It may ask the person for the right, and take as
-    /// long as a slow medium needs, ten minutes at most.
-    [[nodiscard]] DiskServiceResult<void> call(const std::string& path, const char* interface, const char* operation);
+    /// Calls an operation that takes nothing but options, and gives it none. It may ask the person
+    /// for the right, and take as long as a slow medium needs, ten minutes at most.
+    [[nodiscard]] DiskServiceResult<void> call(const std::string& path, const char* interface,
+                                               const char* operation);
 
 private:
     explicit DiskService(BusHandle bus) : m_bus(std::move(bus)) {}

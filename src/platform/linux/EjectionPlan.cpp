@@ -16,9 +16,9 @@ public:
     }
 
     std::optional<EjectionPlan> plan(std::uint64_t device) const {
-        const auto start = std::find_if(m_objects.begin(), m_objects.end(), [&](const DiskObject& object) {
-            return object.isBlock && object.number == device;
-        });
+        const auto start = std::find_if(
+            m_objects.begin(), m_objects.end(),
+            [&](const DiskObject& object) { return object.isBlock && object.number == device; });
         if (start == m_objects.end()) return std::nullopt;
         const DiskObject& physical = lowest(*start);
         EjectionPlan plan;
@@ -51,7 +51,8 @@ private:
         return *object;
     }
 
-    // The devices of the drive itself, then those unlocked on them, then those unlocked on these, and so on.
+    // The devices of the drive itself, then those unlocked on them, then those unlocked on these,
+    // and so on.
     std::vector<Layer> layersOf(const DiskObject& physical) const {
         const std::string& whole = physical.table.empty() ? physical.path : physical.table;
         std::vector<Layer> layers(1);
@@ -59,12 +60,14 @@ private:
         for (const DiskObject& object : m_objects) {
             if (!object.isBlock) continue;
             const bool isSameDrive = !physical.drive.empty() && object.drive == physical.drive;
-            if (isSameDrive || object.path == whole || object.table == whole) add(object, layers.back(), taken);
+            if (isSameDrive || object.path == whole || object.table == whole)
+                add(object, layers.back(), taken);
         }
         while (!layers.back().empty()) {
             Layer next;
             for (const DiskObject& object : m_objects)
-                if (!object.locked.empty() && taken.contains(object.locked) && !taken.contains(object.path))
+                if (!object.locked.empty() && taken.contains(object.locked) &&
+                    !taken.contains(object.path))
                     next.push_back(&object);
             for (const DiskObject* object : next) taken.insert(object->path);
             layers.push_back(std::move(next));
@@ -80,8 +83,10 @@ private:
     static void planUnmounts(EjectionPlan& plan) {
         std::vector<std::pair<std::size_t, std::string>> mounts;
         for (const DiskObject& device : plan.devices)
-            for (const std::string& point : device.mountPoints) mounts.emplace_back(point.size(), device.path);
-        std::stable_sort(mounts.begin(), mounts.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
+            for (const std::string& point : device.mountPoints)
+                mounts.emplace_back(point.size(), device.path);
+        std::stable_sort(mounts.begin(), mounts.end(),
+                         [](const auto& a, const auto& b) { return a.first > b.first; });
         for (auto& mount : mounts) plan.mounted.push_back(std::move(mount.second));
     }
 
@@ -102,7 +107,8 @@ private:
         if (drive == nullptr) return;
         plan.ejects = drive->canEject;
         const bool isAlone =
-            drive->siblings.empty() || std::none_of(m_objects.begin(), m_objects.end(), [&](const DiskObject& other) {
+            drive->siblings.empty() ||
+            std::none_of(m_objects.begin(), m_objects.end(), [&](const DiskObject& other) {
                 return other.isDrive && other.path != path && other.siblings == drive->siblings;
             });
         plan.powersOff = drive->canPowerOff && isAlone && !drive->isOptical;
@@ -114,7 +120,8 @@ private:
 
 }  // namespace
 
-std::optional<EjectionPlan> planEjection(const std::vector<DiskObject>& objects, std::uint64_t device) {
+std::optional<EjectionPlan> planEjection(const std::vector<DiskObject>& objects,
+                                         std::uint64_t device) {
     return Planner(objects).plan(device);
 }
 

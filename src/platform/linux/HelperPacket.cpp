@@ -37,7 +37,8 @@ void append(std::string& out, const SeenEntry& entry) {
 
 std::string HelperRequest::packed() const {
     std::string out;
-    out.reserve(headSize + 2 * entryHeadSize + entry.path.size() + (stays ? stays->path.size() : 0));
+    out.reserve(headSize + 2 * entryHeadSize + entry.path.size() +
+                (stays ? stays->path.size() : 0));
     append(out, mark);
     append(out, sequence);
     append(out, static_cast<std::uint8_t>(stays ? 2 : 1));
@@ -56,11 +57,13 @@ std::string HelperReply::packed() const {
 }
 
 std::optional<HelperReply> HelperReply::read(std::string_view packet) {
-    if (packet.size() < headSize || packet.size() > headSize + mostText || numberAt(packet, 0) != mark)
+    if (packet.size() < headSize || packet.size() > headSize + mostText ||
+        numberAt(packet, 0) != mark)
         return std::nullopt;
     const std::uint32_t outcome = numberAt(packet, 8);
     if (outcome > static_cast<std::uint32_t>(Outcome::Idle)) return std::nullopt;
-    return HelperReply{numberAt(packet, 4), static_cast<Outcome>(outcome), std::string(packet.substr(headSize))};
+    return HelperReply{numberAt(packet, 4), static_cast<Outcome>(outcome),
+                       std::string(packet.substr(headSize))};
 }
 
 }  // namespace orrinvale

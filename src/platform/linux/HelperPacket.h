@@ -1,5 +1,6 @@
-// HelperPacket: what the window program and the administrator's helper say to each other, one message a packet of a
-// SOCK_SEQPACKET socket. Both ends run on one machine, so that numbers stand in its byte order.
+// HelperPacket: what the window program and the administrator's helper say to each other, one
+// message a packet of a SOCK_SEQPACKET socket. Both ends run on one machine, so that numbers stand
+// in its byte order.
 #pragma once
 
 #include <cstddef>
@@ -12,9 +13,10 @@
 
 namespace orrinvale {
 
-/// "Remove this entry." Bytes: mark 4, sequence 4, count of entries 1, zero 3; then the entry, and the copy that stays where there is
-/// one. Of each: device 8, inode 8, size 8, modified 8, changed 8, born 8 (these four zero where they are not told), type 1, whether
-/// they are told 1, zero 2, length of the path 4, path.
+/// "Remove this entry." Bytes: mark 4, sequence 4, count of entries 1, zero 3; then the entry, and
+/// the copy that stays where there is one. Of each: device 8, inode 8, size 8, modified 8, changed
+/// 8, born 8 (these four zero where they are not told), type 1, whether they are told 1, zero 2,
+/// length of the path 4, path.
 struct HelperRequest {
     std::uint32_t sequence = 0;  ///< comes back in the reply
     SeenEntry entry;
@@ -37,8 +39,9 @@ struct HelperReply {
         StillThere,  ///< the tool printed nothing and the entry is there; the text is the reason
         Refused,     ///< nothing was touched; the text is the reason
         Busy,        ///< a request is in flight; nothing was touched
-        Failed,      ///< the tool could not be started, or was ended, and the entry is there; the text is the reason
-        Idle         ///< ten minutes without a request; the last packet, sequence 0
+        Failed,  ///< the tool could not be started, or was ended, and the entry is there; the text
+                 ///< is the reason
+        Idle     ///< ten minutes without a request; the last packet, sequence 0
     };
     std::uint32_t sequence = 0;
     Outcome outcome = Outcome::Failed;

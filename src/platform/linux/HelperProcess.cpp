@@ -55,7 +55,8 @@ public:
         ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
         ::posix_spawn_file_actions_adddup2(&actions, errors, STDERR_FILENO);
         ::posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
-        ::posix_spawn_file_actions_addchdir_np(&actions, "/");  // pkexec gives up where the working folder is gone
+        ::posix_spawn_file_actions_addchdir_np(
+            &actions, "/");  // pkexec gives up where the working folder is gone
         sigset_t signals;
         ::sigemptyset(&signals);
         ::posix_spawnattr_setsigmask(&attributes, &signals);
@@ -95,12 +96,15 @@ bool isTrustworthy(const std::string& helper) {
            (seen.st_mode & (S_IWGRP | S_IWOTH)) == 0;
 }
 
-/// pkexec(1): 126 when the dialog was dismissed, 127 for everything else of its own. Which it was stands on standard error only.
+/// pkexec(1): 126 when the dialog was dismissed, 127 for everything else of its own. Which it was
+/// stands on standard error only.
 AuthorizationRefusal refusalOf(int status, std::string_view errors) {
     if (!WIFEXITED(status)) return AuthorizationRefusal::HelperFailed;
     if (WEXITSTATUS(status) == 126) return AuthorizationRefusal::Dismissed;
     if (WEXITSTATUS(status) != 127) return AuthorizationRefusal::HelperFailed;
-    const auto says = [&](std::string_view words) { return errors.find(words) != std::string_view::npos; };
+    const auto says = [&](std::string_view words) {
+        return errors.find(words) != std::string_view::npos;
+    };
     if (says("No authentication agent")) return AuthorizationRefusal::NoAgent;
     if (says("Not authorized")) return AuthorizationRefusal::Refused;
     if (says("Error getting authority") || says("Error checking") || says("Error enumerating"))
@@ -133,7 +137,8 @@ AuthorizationRefusal HelperProcess::start() {
     auto answer = promise.get_future();
     m_isDone = false;
     try {
-        m_thread = std::thread([this, given = std::move(promise)]() mutable { run(std::move(given)); });
+        m_thread =
+            std::thread([this, given = std::move(promise)]() mutable { run(std::move(given)); });
     } catch (const std::system_error&) {
         m_isDone = true;
         return AuthorizationRefusal::HelperFailed;
@@ -160,12 +165,14 @@ void HelperProcess::run(std::promise<AuthorizationRefusal> answer) {
     m_isDone = true;
 }
 
-// The environment is ours alone: pkexec refuses a shell that /etc/shells does not know, and its messages are read by us.
+// The environment is ours alone: pkexec refuses a shell that /etc/shells does not know, and its
+// messages are read by us.
 int HelperProcess::spawn() {
     int errors[2];
     if (::pipe2(errors, O_CLOEXEC) != 0) return errno;
     m_errors = Descriptor(errors[0]);
-    ::fcntl(errors[0], F_SETFL, O_NONBLOCK);  // of our end only; the other programs' writes still wait
+    ::fcntl(errors[0], F_SETFL,
+            O_NONBLOCK);  // of our end only; the other programs' writes still wait
     const Descriptor theirErrors(errors[1]);
     const SpawnPlan plan(m_theirs.get(), theirErrors.get());
     std::string program = m_paths.pkexec;
@@ -176,14 +183,15 @@ int HelperProcess::spawn() {
     std::array<char*, 4> arguments{program.data(), noAgent.data(), helper.data(), nullptr};
     std::array<char*, 3> environment{path.data(), locale.data(), nullptr};
     pid_t child = -1;
-    const int error =
-        ::posix_spawn(&child, program.c_str(), &plan.actions, &plan.attributes, arguments.data(), environment.data());
+    const int error = ::posix_spawn(&child, program.c_str(), &plan.actions, &plan.attributes,
+                                    arguments.data(), environment.data());
     m_theirs.reset();
     if (error == 0) m_child = child;
     return error;
 }
 
-// Waits for the helper's first packet for as long as pkexec lives: a person may take minutes to find the password.
+// Waits for the helper's first packet for as long as pkexec lives: a person may take minutes to
+// find the password.
 bool HelperProcess::awaitReady() {
     std::array<pollfd, 2> sources{{{m_socket.get(), POLLIN, 0}, {m_errors.get(), POLLIN, 0}}};
     for (;;) {
@@ -199,7 +207,8 @@ bool HelperProcess::awaitReady() {
 }
 
 void HelperProcess::watch() {
-    std::array<pollfd, 2> sources{{{m_socket.get(), 0, 0}, {m_errors.get(), POLLIN, 0}}};  // POLLHUP comes unasked
+    std::array<pollfd, 2> sources{
+        {{m_socket.get(), 0, 0}, {m_errors.get(), POLLIN, 0}}};  // POLLHUP comes unasked
     while (sources[0].revents == 0) {
         if (!waitFor(sources)) break;
         if (sources[1].revents == 0) continue;
@@ -208,7 +217,8 @@ void HelperProcess::watch() {
     }
     m_isReady = false;
     const std::lock_guard guard(m_asking);  // whoever waits for a reply has it first
-    while (const auto last = receive(MSG_DONTWAIT)) m_isIdle = m_isIdle || last->outcome == HelperReply::Outcome::Idle;
+    while (const auto last = receive(MSG_DONTWAIT))
+        m_isIdle = m_isIdle || last->outcome == HelperReply::Outcome::Idle;
 }
 
 void HelperProcess::readErrors() {
@@ -220,9 +230,11 @@ void HelperProcess::readErrors() {
 }
 
 AuthorizationRefusal HelperProcess::reasonOfDeath() {
-    ::kill(m_child, SIGTERM);  // no harm to one that is gone; ends a dialog when we were the ones to end it
+    ::kill(m_child,
+           SIGTERM);  // no harm to one that is gone; ends a dialog when we were the ones to end it
     ::shutdown(m_socket.get(), SHUT_RDWR);
-    for (std::array<pollfd, 1> source{{{m_errors.get(), POLLIN, 0}}}; m_errors.isOpen() && waitFor(source);)
+    for (std::array<pollfd, 1> source{{{m_errors.get(), POLLIN, 0}}};
+         m_errors.isOpen() && waitFor(source);)
         readErrors();
     return refusalOf(waitFor(m_child), m_errorText);
 }
@@ -240,7 +252,8 @@ std::optional<HelperReply> HelperProcess::receive(int flags) {
 std::optional<HelperReply> HelperProcess::ask(HelperRequest request) {
     const std::lock_guard guard(m_asking);
     if (!m_isReady) return std::nullopt;
-    request.sequence = ++m_sequence == 0 ? ++m_sequence : m_sequence;  // 0 is for what answers no request
+    request.sequence =
+        ++m_sequence == 0 ? ++m_sequence : m_sequence;  // 0 is for what answers no request
     const std::string packet = request.packed();
     if (packet.size() > HelperRequest::mostBytes) return std::nullopt;
     ssize_t sent = 0;

@@ -1,4 +1,5 @@
-// HelperProcess: one run of the administrator's helper, from the password dialog to its end. Read HelperPacket.h first.
+// HelperProcess: one run of the administrator's helper, from the password dialog to its end. Read
+// HelperPacket.h first.
 #pragma once
 
 #include <sys/types.h>
@@ -25,9 +26,10 @@ struct HelperPaths {
     [[nodiscard]] static HelperPaths installed();
 };
 
-/// The operations may be called from any thread. A thread of its own starts the helper, watches it and reaps it: pkexec asks to be
-/// sent SIGTERM when the thread that started it ends, so a passing worker may not start it. While that thread runs the process is
-/// non-dumpable, so that no other program of the same user reads its memory or its descriptors.
+/// The operations may be called from any thread. A thread of its own starts the helper, watches it
+/// and reaps it: pkexec asks to be sent SIGTERM when the thread that started it ends, so a passing
+/// worker may not start it. While that thread runs the process is non-dumpable, so that no other
+/// program of the same user reads its memory or its descriptors.
 class HelperProcess final {
 public:
     /// `lost` is called on that thread when a helper that was ready ends by itself.
@@ -39,15 +41,18 @@ public:
     /// Starts it, once, and waits as long as the dialog stands. None when it is ready.
     [[nodiscard]] AuthorizationRefusal start();
 
-    /// Sends a request and waits for its reply; the sequence is filled in here. Nothing when the helper is not there (any more) or
-    /// the request is too large for a packet.
+    /// Sends a request and waits for its reply; the sequence is filled in here. Nothing when the
+    /// helper is not there (any more) or the request is too large for a packet.
     [[nodiscard]] std::optional<HelperReply> ask(HelperRequest request);
 
-    /// Lets go of the helper, which ends a running tool and itself; does not wait. Ends a dialog as well.
+    /// Lets go of the helper, which ends a running tool and itself; does not wait. Ends a dialog as
+    /// well.
     void end();
 
     [[nodiscard]] bool isReady() const { return m_isReady; }
-    [[nodiscard]] bool isDone() const { return m_isDone; }  ///< there is no thread, or it has nothing left to do
+    [[nodiscard]] bool isDone() const {
+        return m_isDone;
+    }  ///< there is no thread, or it has nothing left to do
 
 private:
     void run(std::promise<AuthorizationRefusal> answer);
@@ -60,7 +65,8 @@ private:
 
     const HelperPaths m_paths;
     const std::function<void(AuthorizationRefusal)> m_lost;
-    Descriptor m_socket;      // stays open from the constructor on, so that end() may come at any moment
+    Descriptor
+        m_socket;  // stays open from the constructor on, so that end() may come at any moment
     Descriptor m_theirs;      // the helper's end, until it has it
     Descriptor m_errors;      // what pkexec and the helper say
     std::string m_errorText;  // of the thread

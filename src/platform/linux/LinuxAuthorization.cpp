@@ -1,4 +1,5 @@
-// LinuxAuthorization: see LinuxAuthorization.h. Who holds which right; the talk with the helper is in HelperProcess.cpp.
+// LinuxAuthorization: see LinuxAuthorization.h. Who holds which right; the talk with the helper is
+// in HelperProcess.cpp.
 #include "platform/linux/LinuxAuthorization.h"
 
 #include <sys/random.h>
@@ -63,9 +64,11 @@ std::int32_t LinuxAuthorization::create(AuthorizationRef& reference) {
     return AuthorizationStatus::success;
 }
 
-std::int32_t LinuxAuthorization::copyRights(AuthorizationRef reference, std::string_view right, std::uint32_t flags) {
+std::int32_t LinuxAuthorization::copyRights(AuthorizationRef reference, std::string_view right,
+                                            std::uint32_t flags) {
     if (right != adminRight) return AuthorizationStatus::unknownRight;
-    constexpr std::uint32_t asks = AuthorizationFlags::interactionAllowed | AuthorizationFlags::preAuthorize;
+    constexpr std::uint32_t asks =
+        AuthorizationFlags::interactionAllowed | AuthorizationFlags::preAuthorize;
     if ((flags & asks) == asks) return acquire(reference);
     return heldBy(reference) ? AuthorizationStatus::success : AuthorizationStatus::denied;
 }
@@ -113,10 +116,12 @@ std::int32_t LinuxAuthorization::finish(const SharedRight& right, AuthorizationR
         return AuthorizationStatus::success;
     }
     if (m_right == right) drop();
-    return refusal == AuthorizationRefusal::None ? AuthorizationStatus::canceled : statusOf(refusal);
+    return refusal == AuthorizationRefusal::None ? AuthorizationStatus::canceled
+                                                 : statusOf(refusal);
 }
 
-// With the lock held. The helper ends by itself; its thread is joined later, since a running tool has a second to end.
+// With the lock held. The helper ends by itself; its thread is joined later, since a running tool
+// has a second to end.
 void LinuxAuthorization::drop() {
     m_right->helper->end();
     m_ended.push_back(std::exchange(m_right, nullptr));
@@ -138,7 +143,8 @@ LinuxAuthorization::SharedRight LinuxAuthorization::heldBy(AuthorizationRef refe
     return m_right->helper->isReady() ? m_right : nullptr;
 }
 
-std::int32_t LinuxAuthorization::makeExternalForm(AuthorizationRef reference, AuthorizationExternalForm& form) {
+std::int32_t LinuxAuthorization::makeExternalForm(AuthorizationRef reference,
+                                                  AuthorizationExternalForm& form) {
     const SharedRight right = heldBy(reference);
     if (!right) return AuthorizationStatus::invalidReference;
     const std::lock_guard guard(m_mutex);
@@ -152,7 +158,8 @@ std::int32_t LinuxAuthorization::createFromExternalForm(const AuthorizationExter
                                                         AuthorizationRef& reference) {
     const std::lock_guard guard(m_mutex);
     reference = AuthorizationRef::null;
-    if (!m_right || !m_right->isKept || m_right->token != form) return AuthorizationStatus::invalidReference;
+    if (!m_right || !m_right->isKept || m_right->token != form)
+        return AuthorizationStatus::invalidReference;
     reference = AuthorizationRef{++m_lastReference};
     m_references.emplace(reference, m_right);
     return AuthorizationStatus::success;
@@ -162,7 +169,8 @@ std::int32_t LinuxAuthorization::rightGet(std::string_view right) {
     return right == adminRight ? AuthorizationStatus::success : AuthorizationStatus::unknownRight;
 }
 
-std::int32_t LinuxAuthorization::executeWithPrivileges(AuthorizationRef reference, const PrivilegedRun& run,
+std::int32_t LinuxAuthorization::executeWithPrivileges(AuthorizationRef reference,
+                                                       const PrivilegedRun& run,
                                                        std::unique_ptr<ToolOutput>& output) {
     output.reset();
     if (reference == AuthorizationRef::null) return AuthorizationStatus::invalidReference;

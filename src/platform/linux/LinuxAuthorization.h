@@ -1,5 +1,5 @@
-// Authorization over polkit: the right is a running helper that pkexec started. Read platform/authorization.h and HelperProcess.h
-// first.
+// Authorization over polkit: the right is a running helper that pkexec started. Read
+// platform/authorization.h and HelperProcess.h first.
 #pragma once
 
 #include <cstdint>
@@ -15,18 +15,22 @@
 
 namespace orrinvale {
 
-/// One right a process. A second acquisition while it is held joins it without a dialog. The right ends when the reference that
-/// made the external form is freed, or, before one was made, the reference that acquired it last; so a reference that was acquired
-/// only to ask the person again never keeps the padlock's right alive. The external form is a random token of the right.
+/// One right a process. A second acquisition while it is held joins it without a dialog. The right
+/// ends when the reference that made the external form is freed, or, before one was made, the
+/// reference that acquired it last; so a reference that was acquired only to ask the person again
+/// never keeps the padlock's right alive. The external form is a random token of the right.
 class LinuxAuthorization final : public Authorization {
 public:
     explicit LinuxAuthorization(HelperPaths paths = HelperPaths::installed());
     ~LinuxAuthorization() override;  ///< ends the helper and waits for it
 
     std::int32_t create(AuthorizationRef& reference) override;
-    std::int32_t copyRights(AuthorizationRef reference, std::string_view right, std::uint32_t flags) override;
-    std::int32_t makeExternalForm(AuthorizationRef reference, AuthorizationExternalForm& form) override;
-    std::int32_t createFromExternalForm(const AuthorizationExternalForm& form, AuthorizationRef& reference) override;
+    std::int32_t copyRights(AuthorizationRef reference, std::string_view right,
+                            std::uint32_t flags) override;
+    std::int32_t makeExternalForm(AuthorizationRef reference,
+                                  AuthorizationExternalForm& form) override;
+    std::int32_t createFromExternalForm(const AuthorizationExternalForm& form,
+                                        AuthorizationRef& reference) override;
     std::int32_t rightGet(std::string_view right) override;
     std::int32_t executeWithPrivileges(AuthorizationRef reference, const PrivilegedRun& run,
                                        std::unique_ptr<ToolOutput>& output) override;

@@ -1,5 +1,6 @@
-// What uses block devices without being mounted: a part of LinuxVolumesDevices. The kernel lists what is made of a device in its
-// "holders", the members of a btrfs in /sys/fs/btrfs (btrfs(5)); of storage pools only udev knows.
+// What uses block devices without being mounted: a part of LinuxVolumesDevices. The kernel lists
+// what is made of a device in its "holders", the members of a btrfs in /sys/fs/btrfs (btrfs(5)); of
+// storage pools only udev knows.
 #include <algorithm>
 
 #include "platform/linux/LinuxVolumesDevices.h"
@@ -40,7 +41,9 @@ std::string LinuxVolumesDevices::spanningUseOf(const std::vector<std::string>& d
     const std::string fileSystems = m_sys + "/fs/btrfs/";
     for (const std::string& each : systemNamesIn(fileSystems)) {
         const std::vector<std::string> members = systemNamesIn(fileSystems + each + "/devices");
-        const auto isPlanned = [&](const std::string& name) { return isAmong(devices, deviceNamed(name)); };
+        const auto isPlanned = [&](const std::string& name) {
+            return isAmong(devices, deviceNamed(name));
+        };
         if (std::ranges::any_of(members, isPlanned) && !std::ranges::all_of(members, isPlanned))
             return "a file system on it spans other drives";
     }
@@ -51,7 +54,8 @@ std::vector<std::string> LinuxVolumesDevices::attachedImages() const {
     std::vector<std::string> images;
     for (const std::string& name : systemNamesIn(m_sys + "/class/block"))
         if (name.starts_with("loop"))
-            if (std::string image = lineIn(deviceNamed(name) + "/loop/backing_file"); !image.empty())
+            if (std::string image = lineIn(deviceNamed(name) + "/loop/backing_file");
+                !image.empty())
                 images.push_back(std::move(image));
     return images;
 }

@@ -1,4 +1,5 @@
-// Listing, attributes and opening on Linux. Reading is in LinuxReading.cpp, the table of mounts in LinuxMounts.cpp.
+// Listing, attributes and opening on Linux. Reading is in LinuxReading.cpp, the table of mounts in
+// LinuxMounts.cpp.
 #include "platform/linux/LinuxFiles.h"
 
 #include <dirent.h>
@@ -20,13 +21,16 @@
 namespace orrinvale {
 namespace {
 
-// One listing call gives about a thousand entries of usual names: enough that the calls cost nothing, and a piece that is
-// worth handing to another thread while the rest of a large folder is still being listed.
+// One listing call gives about a thousand entries of usual names: enough that the calls cost
+// nothing, and a piece that is worth handing to another thread while the rest of a large folder is
+// still being listed.
 constexpr std::size_t listingBytes = 32 * 1024;
 
-// The time of making is left out: a listing of many entries goes without it, since some file systems have to fetch it.
-constexpr unsigned wantedAttributes = STATX_TYPE | STATX_NLINK | STATX_SIZE | STATX_BLOCKS | STATX_INO | STATX_MTIME |
-                                      STATX_CTIME | 0x1000U;  // STATX_MNT_ID, not in every C library's header
+// The time of making is left out: a listing of many entries goes without it, since some file
+// systems have to fetch it.
+constexpr unsigned wantedAttributes = STATX_TYPE | STATX_NLINK | STATX_SIZE | STATX_BLOCKS |
+                                      STATX_INO | STATX_MTIME | STATX_CTIME |
+                                      0x1000U;  // STATX_MNT_ID, not in every C library's header
 
 struct LinuxDirectoryEntry {
     std::uint64_t inode;
@@ -35,7 +39,8 @@ struct LinuxDirectoryEntry {
     std::uint8_t type;
     char name[1];
 };
-constexpr std::size_t nameOffset = 19;  // getdents64(2): 8 + 8 + 2 + 1, with no padding before the name
+constexpr std::size_t nameOffset =
+    19;  // getdents64(2): 8 + 8 + 2 + 1, with no padding before the name
 
 FileType typeOfListing(std::uint8_t type) {
     switch (type) {
@@ -64,7 +69,8 @@ FileType typeOfMode(unsigned mode) {
 }
 
 std::int64_t nanoseconds(const statx_timestamp& time) {
-    // A corrupt inode may hold any 64-bit second; beyond the range of nanoseconds it is held at the edge.
+    // A corrupt inode may hold any 64-bit second; beyond the range of nanoseconds it is held at the
+    // edge.
     constexpr std::int64_t most = INT64_MAX / 1'000'000'000;
     if (time.tv_sec >= most) return INT64_MAX;
     if (time.tv_sec <= -most) return INT64_MIN;
@@ -80,7 +86,8 @@ int askAttributes(int folder, const char* name, int flags, unsigned wanted, File
     out.onDisk = answer.stx_blocks * 512;
     out.device = ::makedev(answer.stx_dev_major, answer.stx_dev_minor);
     out.inode = answer.stx_ino;
-    std::memcpy(&out.mount, reinterpret_cast<const std::byte*>(&answer) + 144, sizeof out.mount);  // stx_mnt_id
+    std::memcpy(&out.mount, reinterpret_cast<const std::byte*>(&answer) + 144,
+                sizeof out.mount);  // stx_mnt_id
     out.modified = nanoseconds(answer.stx_mtime);
     out.changed = nanoseconds(answer.stx_ctime);
     out.born = (wanted & answer.stx_mask & STATX_BTIME) != 0 ? nanoseconds(answer.stx_btime) : 0;
@@ -95,7 +102,9 @@ SysResult<Descriptor> openRetrying(int parent, const char* name, int flags) {
     }
 }
 
-bool isDots(const char* name) { return name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0)); }
+bool isDots(const char* name) {
+    return name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0));
+}
 
 }  // namespace
 
@@ -133,14 +142,16 @@ SysResult<bool> LinuxFileSystem::readFolder(int folder, CatalogBatch& batch) con
 
 void LinuxFileSystem::readAttributes(int folder, std::span<CatalogEntry> entries) const {
     for (CatalogEntry& entry : entries)
-        entry.error = askAttributes(folder, entry.name, AT_SYMLINK_NOFOLLOW, wantedAttributes, entry.attributes);
+        entry.error = askAttributes(folder, entry.name, AT_SYMLINK_NOFOLLOW, wantedAttributes,
+                                    entry.attributes);
 }
 
 void LinuxFileSystem::readSizes(int folder, std::span<CatalogEntry> entries) const {
     struct statx answer;
     for (CatalogEntry& entry : entries) {
         entry.error = 0;
-        if (::statx(folder, entry.name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, STATX_TYPE | STATX_SIZE, &answer) != 0) {
+        if (::statx(folder, entry.name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT,
+                    STATX_TYPE | STATX_SIZE, &answer) != 0) {
             entry.error = errno;
             continue;
         }
@@ -150,10 +161,11 @@ void LinuxFileSystem::readSizes(int folder, std::span<CatalogEntry> entries) con
 }
 
 void LinuxFileSystem::readIdentities(int folder, std::span<CatalogEntry> entries) const {
-    constexpr unsigned wanted =
-        STATX_TYPE | STATX_NLINK | STATX_SIZE | STATX_BLOCKS | STATX_INO | STATX_MTIME | STATX_CTIME | STATX_BTIME;
+    constexpr unsigned wanted = STATX_TYPE | STATX_NLINK | STATX_SIZE | STATX_BLOCKS | STATX_INO |
+                                STATX_MTIME | STATX_CTIME | STATX_BTIME;
     for (CatalogEntry& entry : entries)
-        entry.error = askAttributes(folder, entry.name, AT_SYMLINK_NOFOLLOW, wanted, entry.attributes);
+        entry.error =
+            askAttributes(folder, entry.name, AT_SYMLINK_NOFOLLOW, wanted, entry.attributes);
 }
 
 SysResult<Descriptor> LinuxFileSystem::holdEntry(int parent, const char* name) const {
@@ -168,7 +180,8 @@ SysResult<std::string> LinuxFileSystem::placeOf(int descriptor) const {
     return std::string(path.data(), static_cast<std::size_t>(length));
 }
 
-SysResult<FileAttributes> LinuxFileSystem::attributes(int parent, const char* name, Links links) const {
+SysResult<FileAttributes> LinuxFileSystem::attributes(int parent, const char* name,
+                                                      Links links) const {
     FileAttributes out;
     const int follow = links == Links::Keep ? AT_SYMLINK_NOFOLLOW : 0;
     const int error = askAttributes(parent, name, follow, wantedAttributes | STATX_BTIME, out);
@@ -176,25 +189,30 @@ SysResult<FileAttributes> LinuxFileSystem::attributes(int parent, const char* na
     return out;
 }
 
-SysResult<FileAttributes> LinuxFileSystem::freshAttributes(int parent, const char* name, Links links) const {
+SysResult<FileAttributes> LinuxFileSystem::freshAttributes(int parent, const char* name,
+                                                           Links links) const {
     FileAttributes out;
     const int follow = links == Links::Keep ? AT_SYMLINK_NOFOLLOW : 0;
-    const int error = askAttributes(parent, name, follow | AT_STATX_FORCE_SYNC, wantedAttributes | STATX_BTIME, out);
+    const int error = askAttributes(parent, name, follow | AT_STATX_FORCE_SYNC,
+                                    wantedAttributes | STATX_BTIME, out);
     if (error != 0) return tl::unexpected(error);
     return out;
 }
 
 SysResult<FileAttributes> LinuxFileSystem::attributes(int descriptor) const {
     FileAttributes out;
-    const int error = askAttributes(descriptor, "", AT_EMPTY_PATH, wantedAttributes | STATX_BTIME, out);
+    const int error =
+        askAttributes(descriptor, "", AT_EMPTY_PATH, wantedAttributes | STATX_BTIME, out);
     if (error != 0) return tl::unexpected(error);
     return out;
 }
 
-SysResult<Descriptor> LinuxFileSystem::openFile(int parent, const char* name, Links links, ReadState& state) const {
-    const int flags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | (links == Links::Keep ? O_NOFOLLOW : 0);
-    // Only the owner of a file may leave its access time alone; neighbours usually share their owner, so a refusal is
-    // remembered until the caller moves on to another folder.
+SysResult<Descriptor> LinuxFileSystem::openFile(int parent, const char* name, Links links,
+                                                ReadState& state) const {
+    const int flags =
+        O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | (links == Links::Keep ? O_NOFOLLOW : 0);
+    // Only the owner of a file may leave its access time alone; neighbours usually share their
+    // owner, so a refusal is remembered until the caller moves on to another folder.
     if (!state.denyNoAccessTime) {
         auto file = openRetrying(parent, name, flags | O_NOATIME);
         if (file || file.error() != EPERM) return file;
@@ -204,13 +222,15 @@ SysResult<Descriptor> LinuxFileSystem::openFile(int parent, const char* name, Li
 }
 
 SysResult<std::string> LinuxFileSystem::resolved(const std::string& path) const {
-    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
+    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr),
+                                                           &std::free);
     if (!real) return tl::unexpected(errno);
     return std::string(real.get());
 }
 
-// The copies that the table begins with are closed with the thread; a refusal only costs time. ThreadSanitizer takes descriptors of
-// one number for one descriptor, in whatever table, so that under it all threads share the table of the process.
+// The copies that the table begins with are closed with the thread; a refusal only costs time.
+// ThreadSanitizer takes descriptors of one number for one descriptor, in whatever table, so that
+// under it all threads share the table of the process.
 void LinuxFileSystem::useOwnDescriptors() const {
 #if !defined(__SANITIZE_THREAD__)
     (void)!::unshare(CLONE_FILES);
@@ -223,7 +243,8 @@ std::size_t LinuxFileSystem::descriptorLimit() const {
         if (::getrlimit(RLIMIT_NOFILE, &current) != 0) return std::size_t{256};
         rlimit raised = current;
         raised.rlim_cur = std::min<rlim_t>(current.rlim_max, 65536);
-        if (raised.rlim_cur > current.rlim_cur && ::setrlimit(RLIMIT_NOFILE, &raised) == 0) current = raised;
+        if (raised.rlim_cur > current.rlim_cur && ::setrlimit(RLIMIT_NOFILE, &raised) == 0)
+            current = raised;
         return static_cast<std::size_t>(std::min<rlim_t>(current.rlim_cur, 65536));
     }();
     return limit;

@@ -13,10 +13,13 @@
 namespace orrinvale {
 namespace {
 
-constexpr std::size_t mostUserDirs = 64 * 1024;  // bytes; the file that desktops write has less than one thousand
+constexpr std::size_t mostUserDirs =
+    64 * 1024;  // bytes; the file that desktops write has less than one thousand
 
 // A folder that is to be emptied must never be the home folder, nor one above it.
-bool holdsHome(const std::string& path, const std::string& home) { return path == "/" || isWithin(home, path); }
+bool holdsHome(const std::string& path, const std::string& home) {
+    return path == "/" || isWithin(home, path);
+}
 
 bool isFolder(const std::string& path) {
     struct stat entry {};
@@ -30,7 +33,8 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-// What stands between the quotes at the start of the text, backslashes resolved; nothing when they do not close.
+// What stands between the quotes at the start of the text, backslashes resolved; nothing when they
+// do not close.
 std::optional<std::string> quoted(std::string_view text) {
     if (!text.starts_with('"')) return std::nullopt;
     std::string out;
@@ -47,7 +51,8 @@ std::optional<std::string> userDirectory(std::string_view value, const std::stri
     constexpr std::string_view variable = "$HOME";
     auto path = quoted(value);
     if (!path) return std::nullopt;
-    if (path->starts_with(variable) && (path->size() == variable.size() || (*path)[variable.size()] == '/'))
+    if (path->starts_with(variable) &&
+        (path->size() == variable.size() || (*path)[variable.size()] == '/'))
         path->replace(0, variable.size(), home);
     return plainPath(*path);
 }
@@ -56,13 +61,15 @@ enum class Owned { Missing, Mine, Foreign };
 
 Owned whose(const std::string& path, uid_t user) {
     struct stat entry {};
-    if (::lstat(path.c_str(), &entry) != 0) return errno == ENOENT ? Owned::Missing : Owned::Foreign;
+    if (::lstat(path.c_str(), &entry) != 0)
+        return errno == ENOENT ? Owned::Missing : Owned::Foreign;
     return S_ISDIR(entry.st_mode) && entry.st_uid == user ? Owned::Mine : Owned::Foreign;
 }
 
 bool isSharedTrash(const std::string& path) {
     struct stat entry {};
-    return ::lstat(path.c_str(), &entry) == 0 && S_ISDIR(entry.st_mode) && (entry.st_mode & S_ISVTX) != 0;
+    return ::lstat(path.c_str(), &entry) == 0 && S_ISDIR(entry.st_mode) &&
+           (entry.st_mode & S_ISVTX) != 0;
 }
 
 }  // namespace
@@ -82,7 +89,9 @@ std::optional<std::string> downloadsIn(std::string_view userDirs, const std::str
 
 LinuxFolders::LinuxFolders(FolderVariables variables) : m_variables(std::move(variables)) {}
 
-std::string LinuxFolders::home() const { return plainPath(m_variables.home).value_or(std::string()); }
+std::string LinuxFolders::home() const {
+    return plainPath(m_variables.home).value_or(std::string());
+}
 
 std::string LinuxFolders::below(const std::string& chosen, const char* usual) const {
     const std::string start = home();
@@ -105,10 +114,13 @@ std::vector<std::string> LinuxFolders::userLogs() const {
 }
 
 std::string LinuxFolders::downloads() const {
-    const auto text = readSystemText(below(m_variables.configHome, "/.config") + "/user-dirs.dirs", mostUserDirs);
-    const auto chosen = text && text->size() < mostUserDirs ? downloadsIn(*text, home()) : std::nullopt;
+    const auto text =
+        readSystemText(below(m_variables.configHome, "/.config") + "/user-dirs.dirs", mostUserDirs);
+    const auto chosen =
+        text && text->size() < mostUserDirs ? downloadsIn(*text, home()) : std::nullopt;
     if (!chosen) return below({}, "/Downloads");
-    return holdsHome(*chosen, home()) ? std::string() : *chosen;  // desktops write the home folder for "none"
+    return holdsHome(*chosen, home()) ? std::string()
+                                      : *chosen;  // desktops write the home folder for "none"
 }
 
 std::string LinuxFolders::homeTrash() const {
@@ -125,7 +137,8 @@ std::vector<std::string> LinuxFolders::volumeTrash(const std::string& root) cons
     if (isSharedTrash(shared) && whose(shared + '/' + user, m_variables.user) == Owned::Mine)
         out.push_back(shared + '/' + user + "/files");
     const Owned owner = whose(own, m_variables.user);
-    if (owner == Owned::Mine || (owner == Owned::Missing && out.empty())) out.push_back(own + "/files");
+    if (owner == Owned::Mine || (owner == Owned::Missing && out.empty()))
+        out.push_back(own + "/files");
     return out;
 }
 
@@ -134,8 +147,8 @@ std::optional<std::string> LinuxFolders::trashRecordOf(const std::string& path) 
     const std::string folder = folderOf(entry);
     const std::string trash = folderOf(folder);
     const std::string_view name = lastPathComponent(trash);
-    const bool isTrash =
-        name == "Trash" || name.starts_with(".Trash-") || lastPathComponent(folderOf(trash)) == ".Trash";
+    const bool isTrash = name == "Trash" || name.starts_with(".Trash-") ||
+                         lastPathComponent(folderOf(trash)) == ".Trash";
     if (!isTrash || lastPathComponent(folder) != "files") return std::nullopt;
     return fmt::format("{}/info/{}.trashinfo", trash, lastPathComponent(entry));
 }

@@ -19,8 +19,9 @@ public:
     [[nodiscard]] std::string userCaches() const override;
     [[nodiscard]] std::string systemLogs() const override { return "/var/log"; }
 
-    /// Of this list, what is there: "log" and "logs" in $XDG_STATE_HOME; "xorg" (the X server's, when a user starts it) and
-    /// "sddm" (a session's output) in $XDG_DATA_HOME; "Code/logs" in $XDG_CONFIG_HOME; .npm/_logs.
+    /// Of this list, what is there: "log" and "logs" in $XDG_STATE_HOME; "xorg" (the X server's,
+    /// when a user starts it) and "sddm" (a session's output) in $XDG_DATA_HOME; "Code/logs" in
+    /// $XDG_CONFIG_HOME; .npm/_logs.
     [[nodiscard]] std::vector<std::string> userLogs() const override;
 
     /// XDG_DOWNLOAD_DIR of user-dirs.dirs, else Downloads in the home folder.
@@ -28,8 +29,9 @@ public:
 
     [[nodiscard]] std::string homeTrash() const override;
 
-    /// $topdir/.Trash/$uid and $topdir/.Trash-$uid, the first only below a real folder with the sticky bit; both only as
-    /// real folders of this user. Anything else may have been put there to have other folders emptied.
+    /// $topdir/.Trash/$uid and $topdir/.Trash-$uid, the first only below a real folder with the
+    /// sticky bit; both only as real folders of this user. Anything else may have been put there to
+    /// have other folders emptied.
     [[nodiscard]] std::vector<std::string> volumeTrash(const std::string& root) const override;
 
     [[nodiscard]] std::optional<std::string> trashRecordOf(const std::string& path) const override;
@@ -40,8 +42,10 @@ private:
     const FolderVariables m_variables;
 };
 
-/// The value of XDG_DOWNLOAD_DIR in the text of a user-dirs.dirs: the last one that is an absolute path, or begins with $HOME.
-/// Nothing when there is none. No other part of the shell's language is understood. No slash at its end.
-[[nodiscard]] std::optional<std::string> downloadsIn(std::string_view userDirs, const std::string& home);
+/// The value of XDG_DOWNLOAD_DIR in the text of a user-dirs.dirs: the last one that is an absolute
+/// path, or begins with $HOME. Nothing when there is none. No other part of the shell's language is
+/// understood. No slash at its end.
+[[nodiscard]] std::optional<std::string> downloadsIn(std::string_view userDirs,
+                                                     const std::string& home);
 
 }  // namespace orrinvale

@@ -1,4 +1,5 @@
-// ProgramInstance on Linux: flock(2), a datagram socket (unix(7)), and LinuxInstanceBus.cpp for the session bus.
+// ProgramInstance on Linux: flock(2), a datagram socket (unix(7)), and LinuxInstanceBus.cpp for the
+// session bus.
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <poll.h>
@@ -30,7 +31,8 @@ constexpr milliseconds pause{10};  // between two looks at a lock whose holder i
 
 bool isOwnFolder(const std::string& path) {
     struct stat entry {};
-    return ::lstat(path.c_str(), &entry) == 0 && S_ISDIR(entry.st_mode) && entry.st_uid == ::geteuid();
+    return ::lstat(path.c_str(), &entry) == 0 && S_ISDIR(entry.st_mode) &&
+           entry.st_uid == ::geteuid();
 }
 
 void makeFolders(const std::string& path) {
@@ -59,12 +61,14 @@ Descriptor answerableSocket() {
     Descriptor made(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     sockaddr_un any{};
     any.sun_family = AF_UNIX;
-    if (::bind(made.get(), reinterpret_cast<const sockaddr*>(&any), sizeof any.sun_family) != 0) made.reset();
+    if (::bind(made.get(), reinterpret_cast<const sockaddr*>(&any), sizeof any.sun_family) != 0)
+        made.reset();
     return made;
 }
 
 bool isFromThisUser(msghdr& message) {
-    for (cmsghdr* part = CMSG_FIRSTHDR(&message); part != nullptr; part = CMSG_NXTHDR(&message, part)) {
+    for (cmsghdr* part = CMSG_FIRSTHDR(&message); part != nullptr;
+         part = CMSG_NXTHDR(&message, part)) {
         if (part->cmsg_level != SOL_SOCKET || part->cmsg_type != SCM_CREDENTIALS) continue;
         ucred sender{};
         std::memcpy(&sender, CMSG_DATA(part), sizeof sender);
@@ -78,7 +82,8 @@ bool isFromThisUser(msghdr& message) {
 std::string ProgramInstance::folderOfUser() {
     const char* const runtime = std::getenv("XDG_RUNTIME_DIR");
     const std::string usual = fmt::format("/run/user/{}", ::geteuid());
-    for (const std::string& each : {runtime != nullptr ? std::string(runtime) : std::string(), usual})
+    for (const std::string& each :
+         {runtime != nullptr ? std::string(runtime) : std::string(), usual})
         if (each.starts_with('/') && isOwnFolder(each)) return each;
     const auto variables = FolderVariables::ofThisProcess();
     const std::string config =
@@ -100,10 +105,12 @@ ProgramInstance::Start ProgramInstance::begin(const StartRequest& request, milli
     const auto end = Clock::now() + patience;
     makeFolders(m_folder);
     m_folderHandle = Descriptor(::open(m_folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-    // Who has the lock may not listen yet, or may be about to end: look again until the time is over.
+    // Who has the lock may not listen yet, or may be about to end: look again until the time is
+    // over.
     for (;;) {
         const bool isFirst = takeLock();
-        // Who has the lock may still not be the program: another runtime folder, or no lock to be had, and yet the same bus.
+        // Who has the lock may still not be the program: another runtime folder, or no lock to be
+        // had, and yet the same bus.
         const BusHandOver onBus = handOverBySessionBus(request, timeUntil(end));
         m_hasSessionBus = onBus.isBusThere;
         if (onBus.told) {
@@ -132,7 +139,8 @@ bool ProgramInstance::takeLock() {
     m_holder = ::getpid();
     const std::string text = fmt::format("{}\n", m_holder);
     // The number is for people; the lock holds without it.
-    if (::ftruncate(file.get(), 0) == 0) static_cast<void>(!::pwrite(file.get(), text.data(), text.size(), 0));
+    if (::ftruncate(file.get(), 0) == 0)
+        static_cast<void>(!::pwrite(file.get(), text.data(), text.size(), 0));
     m_lock = std::move(file);
     return true;
 }
@@ -146,11 +154,13 @@ void ProgramInstance::listen() {
     if (!m_lock.isOpen()) return;
     Descriptor made(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     const int on = 1;
-    if (!made.isOpen() || ::setsockopt(made.get(), SOL_SOCKET, SO_PASSCRED, &on, sizeof on) != 0) return;
+    if (!made.isOpen() || ::setsockopt(made.get(), SOL_SOCKET, SO_PASSCRED, &on, sizeof on) != 0)
+        return;
     ::unlinkat(m_folderHandle.get(), socketName, 0);
     const sockaddr_un address = addressOf(socketAddress());
     const mode_t before = ::umask(S_IRWXG | S_IRWXO);
-    const int bound = ::bind(made.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    const int bound =
+        ::bind(made.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
     ::umask(before);
     if (bound == 0) m_socket = std::move(made);
 }
@@ -170,7 +180,8 @@ std::optional<StartRequest> ProgramInstance::receive() const {
         message.msg_controllen = control.size();
         const ssize_t length = ::recvmsg(m_socket.get(), &message, MSG_CMSG_CLOEXEC);
         if (length < 0) return std::nullopt;
-        auto request = parseStartRequest(std::string_view(packet).substr(0, static_cast<std::size_t>(length)));
+        auto request =
+            parseStartRequest(std::string_view(packet).substr(0, static_cast<std::size_t>(length)));
         if (!request || !isFromThisUser(message)) continue;
         const char taken = '1';
         ::sendto(m_socket.get(), &taken, 1, MSG_NOSIGNAL, reinterpret_cast<const sockaddr*>(&from),
@@ -179,15 +190,16 @@ std::optional<StartRequest> ProgramInstance::receive() const {
     }
 }
 
-std::optional<ProgramInstance::Start> ProgramInstance::handOverThroughSocket(const StartRequest& request,
-                                                                             milliseconds patience) const {
+std::optional<ProgramInstance::Start> ProgramInstance::handOverThroughSocket(
+    const StartRequest& request, milliseconds patience) const {
     const Descriptor socket = answerableSocket();
     const sockaddr_un address = addressOf(socketAddress());
     const std::string packet = printStartRequest(request);
     if (!socket.isOpen() || packet.size() > startRequestLimit) return std::nullopt;
     // Not waited for: a running program whose queue is full does not answer either.
-    const ssize_t sent = ::sendto(socket.get(), packet.data(), packet.size(), MSG_NOSIGNAL | MSG_DONTWAIT,
-                                  reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    const ssize_t sent =
+        ::sendto(socket.get(), packet.data(), packet.size(), MSG_NOSIGNAL | MSG_DONTWAIT,
+                 reinterpret_cast<const sockaddr*>(&address), sizeof address);
     if (sent < 0) return std::nullopt;
     pollfd answer{socket.get(), POLLIN, 0};
     const int ready = ::poll(&answer, 1, static_cast<int>(patience.count()));

@@ -1,4 +1,5 @@
-// The session bus side of ProgramInstance, over sd-bus(3) and not over the toolkit: a start that only hands over loads no windows.
+// The session bus side of ProgramInstance, over sd-bus(3) and not over the toolkit: a start that
+// only hands over loads no windows.
 #include <array>
 #include <cerrno>
 #include <string>
@@ -26,20 +27,22 @@ BusHandle sessionBus(milliseconds patience) {
 int appendPlatformData(sd_bus_message& message, const StartRequest& request) {
     if (request.activationToken.empty()) return sdBus().message_append(&message, "a{sv}", 0);
     const char* const token = request.activationToken.c_str();
-    return sdBus().message_append(&message, "a{sv}", 2, "activation-token", "s", token, "desktop-startup-id", "s",
-                                  token);
+    return sdBus().message_append(&message, "a{sv}", 2, "activation-token", "s", token,
+                                  "desktop-startup-id", "s", token);
 }
 
 int appendArguments(sd_bus_message& message, const StartRequest& request) {
     switch (request.kind) {
         case StartRequest::Kind::Activate: break;
         case StartRequest::Kind::Open:
-            if (const int failed = sdBus().message_append(&message, "as", 1, fileUrlOf(request.text).c_str());
+            if (const int failed =
+                    sdBus().message_append(&message, "as", 1, fileUrlOf(request.text).c_str());
                 failed < 0)
                 return failed;
             break;
         case StartRequest::Kind::Action:
-            if (const int failed = sdBus().message_append(&message, "sav", request.text.c_str(), 0); failed < 0)
+            if (const int failed = sdBus().message_append(&message, "sav", request.text.c_str(), 0);
+                failed < 0)
                 return failed;
             break;
     }
@@ -57,8 +60,8 @@ const char* methodFor(StartRequest::Kind kind) {
 
 BusMessage callFor(sd_bus& bus, const StartRequest& request) {
     sd_bus_message* made = nullptr;
-    const int failed = sdBus().message_new_method_call(&bus, &made, programBusName, programBusPath, programBusInterface,
-                                                       methodFor(request.kind));
+    const int failed = sdBus().message_new_method_call(
+        &bus, &made, programBusName, programBusPath, programBusInterface, methodFor(request.kind));
     BusMessage call(made);
     if (failed < 0 || appendArguments(*call, request) < 0) return nullptr;
     // A bus that starts the program by its service file would start this very one again.
@@ -80,7 +83,8 @@ BusHandOver handOverBySessionBus(const StartRequest& request, milliseconds patie
     const auto left = std::max(milliseconds(1), timeUntil(end));
     BusError error;
     sd_bus_message* answered = nullptr;
-    const int result = sdBus().call(bus.get(), call.get(), busMicroseconds(left), error.get(), &answered);
+    const int result =
+        sdBus().call(bus.get(), call.get(), busMicroseconds(left), error.get(), &answered);
     const BusMessage answer(answered);
     if (result >= 0) out.told = ProgramInstance::Start::HandedOver;
     if (result == -ETIMEDOUT) out.told = ProgramInstance::Start::Unanswered;

@@ -1,8 +1,9 @@
 // Looking at files in memory through a mapping, safe against files that shrink meanwhile.
 //
-// Large files that are in memory are hashed a third faster this way than by reading, which copies them. The price is SIGBUS: a
-// mapped page behind the new end of a file that was cut raises it. The handler puts a page of zeros there and notes the
-// fault; whoever looked then knows that what it saw is not the file.
+// Large files that are in memory are hashed a third faster this way than by reading, which copies
+// them. The price is SIGBUS: a mapped page behind the new end of a file that was cut raises it. The
+// handler puts a page of zeros there and notes the fault; whoever looked then knows that what it
+// saw is not the file.
 #include <sys/mman.h>
 
 #include <atomic>
@@ -30,8 +31,8 @@ void onBusError(int number, siginfo_t* info, void* context) {
     const auto at = reinterpret_cast<std::uintptr_t>(info->si_addr);
     if (at >= t_view.first && at < t_view.last) {
         const std::uintptr_t page = at & ~std::uintptr_t{4095};
-        void* const zeros =
-            ::mmap(reinterpret_cast<void*>(page), 4096, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED, -1, 0);
+        void* const zeros = ::mmap(reinterpret_cast<void*>(page), 4096, PROT_READ,
+                                   MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED, -1, 0);
         t_view.faulted = true;
         if (zeros != MAP_FAILED) return;
     }
@@ -57,12 +58,15 @@ void installHandler() {
 
 }  // namespace
 
-SysResult<bool> LinuxFileSystem::visitResident(int file, std::uint64_t offset, std::uint64_t length,
-                                               const std::function<void(std::span<const std::byte>)>& visit) const {
+SysResult<bool> LinuxFileSystem::visitResident(
+    int file, std::uint64_t offset, std::uint64_t length,
+    const std::function<void(std::span<const std::byte>)>& visit) const {
     static const bool usualPages = ::sysconf(_SC_PAGESIZE) == 4096;
-    if (!usualPages || length == 0 || offset % 4096 != 0 || !isResident(file, offset, length)) return false;
+    if (!usualPages || length == 0 || offset % 4096 != 0 || !isResident(file, offset, length))
+        return false;
     installHandler();
-    void* const map = ::mmap(nullptr, length, PROT_READ, MAP_SHARED | MAP_POPULATE, file, static_cast<off_t>(offset));
+    void* const map = ::mmap(nullptr, length, PROT_READ, MAP_SHARED | MAP_POPULATE, file,
+                             static_cast<off_t>(offset));
     if (map == MAP_FAILED) return false;
     const auto first = reinterpret_cast<std::uintptr_t>(map);
     t_view = {first, first + length, false};

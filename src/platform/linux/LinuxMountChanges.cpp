@@ -27,8 +27,8 @@ LinuxMountChanges::LinuxMountChanges(LinuxVolumePlaces places)
     static_cast<void>(look());
 }
 
-// A table that changes while it is read, in several pieces, may lack what stands in it all the time. The last attempt leaves the
-// kernel's mark alone, so that whoever polls is called again.
+// A table that changes while it is read, in several pieces, may lack what stands in it all the
+// time. The last attempt leaves the kernel's mark alone, so that whoever polls is called again.
 std::optional<std::string> LinuxMountChanges::readTable() const {
     constexpr int attempts = 5;
     for (int attempt = 1;; ++attempt) {
@@ -47,13 +47,15 @@ std::optional<LinuxMountChanges::Sight> LinuxMountChanges::takeSight() const {
         sight.byKey.emplace(volumeKeyOf(mount), sight.volumes.size());
         sight.volumes.push_back({std::move(mount), {}});
     }
-    std::sort(sight.table.begin(), sight.table.end(), [](const auto& a, const auto& b) { return a.id < b.id; });
+    std::sort(sight.table.begin(), sight.table.end(),
+              [](const auto& a, const auto& b) { return a.id < b.id; });
     return sight;
 }
 
 bool LinuxMountChanges::Sight::holds(const MountEntry& mount) const {
-    const auto at = std::lower_bound(table.begin(), table.end(), mount.id,
-                                     [](const MountEntry& each, std::uint64_t id) { return each.id < id; });
+    const auto at =
+        std::lower_bound(table.begin(), table.end(), mount.id,
+                         [](const MountEntry& each, std::uint64_t id) { return each.id < id; });
     return at != table.end() && isSameMount(*at, mount);
 }
 
@@ -62,11 +64,12 @@ const LinuxMountChanges::Volume* LinuxMountChanges::Sight::find(const MountEntry
     return found == byKey.end() ? nullptr : &volumes[found->second];
 }
 
-// One volume seen through two mounts is the same as long as both stood at the same time, before or after. Otherwise it was taken
-// down and put up elsewhere between the looks.
+// One volume seen through two mounts is the same as long as both stood at the same time, before or
+// after. Otherwise it was taken down and put up elsewhere between the looks.
 bool LinuxMountChanges::stays(const Volume* before, const Volume* after, const Sight& now) const {
     if (before == nullptr || after == nullptr) return false;
-    return isSameMount(before->mount, after->mount) || now.holds(before->mount) || m_last.holds(after->mount);
+    return isSameMount(before->mount, after->mount) || now.holds(before->mount) ||
+           m_last.holds(after->mount);
 }
 
 std::vector<MountChange> LinuxMountChanges::look() {
@@ -74,7 +77,8 @@ std::vector<MountChange> LinuxMountChanges::look() {
     if (!now) return {};
     std::vector<MountChange> changes;
     for (const Volume& before : m_last.volumes)
-        if (!stays(&before, now->find(before.mount), *now)) changes.push_back({false, before.name, before.mount.point});
+        if (!stays(&before, now->find(before.mount), *now))
+            changes.push_back({false, before.name, before.mount.point});
     for (Volume& after : now->volumes) {
         const Volume* const before = m_last.find(after.mount);
         // A stick that was pulled out has lost its label though it is still mounted.

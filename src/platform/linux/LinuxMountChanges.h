@@ -1,4 +1,5 @@
-// Mount changes by the kernel's table of mounts, held open. LinuxVolumesChoice.h says which mounts are volumes.
+// Mount changes by the kernel's table of mounts, held open. LinuxVolumesChoice.h says which mounts
+// are volumes.
 #pragma once
 
 #include <map>
@@ -34,7 +35,8 @@ private:
         std::vector<Volume> volumes;    // in the table's order
         std::map<VolumeKey, std::size_t> byKey;
         [[nodiscard]] bool holds(const MountEntry& mount) const;
-        [[nodiscard]] const Volume* find(const MountEntry& mount) const;  // null for a volume that is not there
+        [[nodiscard]] const Volume* find(
+            const MountEntry& mount) const;  // null for a volume that is not there
     };
 
     [[nodiscard]] std::optional<std::string> readTable() const;

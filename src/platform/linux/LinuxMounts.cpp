@@ -19,13 +19,16 @@ constexpr std::array<std::string_view, 21> kernelFileSystems{
     "fusectl", "efivarfs",   "autofs",   "selinuxfs", "nsfs",   "rpc_pipefs", "binfmt_misc"};
 
 bool mayHang(std::string_view type) {
-    constexpr std::array<std::string_view, 12> starts{"fuse", "nfs",  "cifs", "smb",  "9p",     "afs",
-                                                      "ceph", "coda", "ncp",  "gfs2", "lustre", "autofs"};
-    return std::any_of(starts.begin(), starts.end(), [&](std::string_view start) { return type.starts_with(start); });
+    constexpr std::array<std::string_view, 12> starts{"fuse", "nfs",  "cifs",   "smb",
+                                                      "9p",   "afs",  "ceph",   "coda",
+                                                      "ncp",  "gfs2", "lustre", "autofs"};
+    return std::any_of(starts.begin(), starts.end(),
+                       [&](std::string_view start) { return type.starts_with(start); });
 }
 
-// FUSE hands out numbers as it looks entries up unless the serving program gives its own, which nobody can see from outside; the
-// FATs have none on the disk. "fuseblk" and "fuse.NAME" are FUSE too, "fusectl" is not.
+// FUSE hands out numbers as it looks entries up unless the serving program gives its own, which
+// nobody can see from outside; the FATs have none on the disk. "fuseblk" and "fuse.NAME" are FUSE
+// too, "fusectl" is not.
 bool hasPassingInodes(std::string_view type) {
     constexpr std::array<std::string_view, 5> exact{"fuse", "fuseblk", "vfat", "msdos", "exfat"};
     return type.starts_with("fuse.") || std::find(exact.begin(), exact.end(), type) != exact.end();
@@ -44,18 +47,22 @@ template <class Wanted> std::vector<std::uint64_t> devicesOf(Wanted isWanted) {
 
 std::vector<std::uint64_t> LinuxFileSystem::kernelDevices() const {
     return devicesOf([](std::string_view type) {
-        return std::find(kernelFileSystems.begin(), kernelFileSystems.end(), type) != kernelFileSystems.end();
+        return std::find(kernelFileSystems.begin(), kernelFileSystems.end(), type) !=
+               kernelFileSystems.end();
     });
 }
 
-std::vector<std::uint64_t> LinuxFileSystem::devicesOfPassingInodes() const { return devicesOf(hasPassingInodes); }
+std::vector<std::uint64_t> LinuxFileSystem::devicesOfPassingInodes() const {
+    return devicesOf(hasPassingInodes);
+}
 
 bool LinuxFileSystem::renamesSafely(int folder) const {
     constexpr std::array<std::string_view, 4> unsafe{"ext2", "vfat", "msdos", "exfat"};
     const auto seen = attributes(folder);
     if (!seen) return true;  // the rename itself will tell
-    const auto devices =
-        devicesOf([&](std::string_view type) { return std::find(unsafe.begin(), unsafe.end(), type) != unsafe.end(); });
+    const auto devices = devicesOf([&](std::string_view type) {
+        return std::find(unsafe.begin(), unsafe.end(), type) != unsafe.end();
+    });
     return !std::binary_search(devices.begin(), devices.end(), seen->device);
 }
 
@@ -65,7 +72,8 @@ SysResult<std::vector<MountPoint>> LinuxFileSystem::mountPoints() const {
     // A table that was read in part would leave the rest unprotected.
     if (text->size() >= mountInfoLimit) return tl::unexpected(EFBIG);
     std::vector<MountPoint> mounts;
-    for (MountEntry& mount : parseMountInfo(*text)) mounts.push_back({std::move(mount.point), mayHang(mount.type)});
+    for (MountEntry& mount : parseMountInfo(*text))
+        mounts.push_back({std::move(mount.point), mayHang(mount.type)});
     return mounts;
 }
 

@@ -1,4 +1,5 @@
-// Process over posix_spawn(3). A thread for each program waits for its end, so that the signal SIGCHLD stays with whoever uses it.
+// Process over posix_spawn(3). A thread for each program waits for its end, so that the signal
+// SIGCHLD stays with whoever uses it.
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -21,7 +22,8 @@ int spawn(const std::string& program, const std::vector<std::string>& arguments,
     std::vector<std::string> texts{program};
     texts.insert(texts.end(), arguments.begin(), arguments.end());
     std::vector<char*> vector(texts.size() + 1);  // ends with a null pointer
-    std::transform(texts.begin(), texts.end(), vector.begin(), [](std::string& text) { return text.data(); });
+    std::transform(texts.begin(), texts.end(), vector.begin(),
+                   [](std::string& text) { return text.data(); });
 
     posix_spawn_file_actions_t actions{};
     posix_spawnattr_t attributes{};
@@ -38,7 +40,8 @@ int spawn(const std::string& program, const std::vector<std::string>& arguments,
     ::sigfillset(&signals);
     ::posix_spawnattr_setsigdefault(&attributes, &signals);
     ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-    const int error = ::posix_spawn(&child, program.c_str(), &actions, &attributes, vector.data(), environ);
+    const int error =
+        ::posix_spawn(&child, program.c_str(), &actions, &attributes, vector.data(), environ);
     ::posix_spawn_file_actions_destroy(&actions);
     ::posix_spawnattr_destroy(&attributes);
     return error;
@@ -49,10 +52,12 @@ int spawn(const std::string& program, const std::vector<std::string>& arguments,
 struct Process::Shared {
     explicit Shared(std::function<void()> whenEnded) : ended(std::move(whenEnded)) {}
 
-    /// On the waiting thread. The number of the program is its own until it is reaped, which is done under the lock.
+    /// On the waiting thread. The number of the program is its own until it is reaped, which is
+    /// done under the lock.
     void wait() {
         siginfo_t info{};
-        while (::waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOWAIT) != 0 && errno == EINTR) {}
+        while (::waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOWAIT) != 0 &&
+               errno == EINTR) {}
         std::function<void()> tell;
         {
             const std::lock_guard guard(mutex);
@@ -72,7 +77,8 @@ SysResult<std::unique_ptr<Process>> Process::start(const std::string& program,
                                                    const std::vector<std::string>& arguments,
                                                    std::function<void()> ended) {
     auto shared = std::make_shared<Shared>(std::move(ended));
-    if (const int error = spawn(program, arguments, shared->child); error != 0) return tl::unexpected(error);
+    if (const int error = spawn(program, arguments, shared->child); error != 0)
+        return tl::unexpected(error);
     try {
         std::thread([shared] { shared->wait(); }).detach();
     } catch (const std::system_error&) {

@@ -45,10 +45,12 @@ SysResult<Descriptor> openPlain(int parent, const char* name, int flags) {
     }
 }
 
-// Resolves a path as the kernel does, but one name at a time, so that it is our choice which links are followed.
+// Resolves a path as the kernel does, but one name at a time, so that it is our choice which links
+// are followed.
 class Walk {
 public:
-    Walk(int parent, std::string_view path, Links onTheWay) : m_parent(parent), m_rest(path), m_onTheWay(onTheWay) {}
+    Walk(int parent, std::string_view path, Links onTheWay)
+        : m_parent(parent), m_rest(path), m_onTheWay(onTheWay) {}
 
     SysResult<Descriptor> run() {
         int error = startAtRoot();
@@ -77,7 +79,8 @@ private:
 
     int step(const std::string& name) {
         if (name.empty()) return 0;
-        auto next = openPlain(m_here.isOpen() ? m_here.get() : m_parent, name.c_str(), O_PATH | O_NOFOLLOW);
+        auto next =
+            openPlain(m_here.isOpen() ? m_here.get() : m_parent, name.c_str(), O_PATH | O_NOFOLLOW);
         if (!next) return next.error();
         struct stat seen {};
         if (::fstat(next->get(), &seen) != 0) return errno;
@@ -107,7 +110,8 @@ private:
 
 }  // namespace
 
-SysResult<Descriptor> LinuxFileSystem::holdFolder(int parent, const char* path, Links onTheWay) const {
+SysResult<Descriptor> LinuxFileSystem::holdFolder(int parent, const char* path,
+                                                  Links onTheWay) const {
     const unsigned links = onTheWay == Links::Keep ? RESOLVE_NO_SYMLINKS : RESOLVE_NO_MAGICLINKS;
     auto held = openResolving(parent, path, O_PATH | O_DIRECTORY | O_CLOEXEC, links);
     if (held || !isMissing(held.error())) return held;
@@ -127,14 +131,17 @@ SysResult<void> LinuxFileSystem::removeEntry(int folder, const char* name, FileT
     return {};
 }
 
-SysResult<void> LinuxFileSystem::renameInside(int folder, const char* name, const char* newName) const {
+SysResult<void> LinuxFileSystem::renameInside(int folder, const char* name,
+                                              const char* newName) const {
     if (::renameat2(folder, name, folder, newName, RENAME_NOREPLACE) == 0) return {};
     return tl::unexpected(errno);
 }
 
-// File systems that can not promise to spare an entry answer EINVAL, as every one does for a folder into itself. A second name is
-// never made over anything; folders have none, and take the place of an empty folder at the most.
-SysResult<void> LinuxFileSystem::moveEntry(int folder, const char* name, int newFolder, const char* newName) const {
+// File systems that can not promise to spare an entry answer EINVAL, as every one does for a folder
+// into itself. A second name is never made over anything; folders have none, and take the place of
+// an empty folder at the most.
+SysResult<void> LinuxFileSystem::moveEntry(int folder, const char* name, int newFolder,
+                                           const char* newName) const {
     if (::renameat2(folder, name, newFolder, newName, RENAME_NOREPLACE) == 0) return {};
     if (errno != EINVAL) return tl::unexpected(errno);
     const auto entry = attributes(folder, name, Links::Keep);
@@ -148,8 +155,9 @@ SysResult<void> LinuxFileSystem::moveEntry(int folder, const char* name, int new
     return {};
 }
 
-// A read lease is given only where nobody has the file open for writing, a mapping included. It is given back at once: who opens the
-// file meanwhile is not kept waiting. The signal that tells of such an opening, SIGIO, would end the program.
+// A read lease is given only where nobody has the file open for writing, a mapping included. It is
+// given back at once: who opens the file meanwhile is not kept waiting. The signal that tells of
+// such an opening, SIGIO, would end the program.
 bool LinuxFileSystem::isOpenForWriting(int file) const {
     static const bool isIgnored = ::signal(SIGIO, SIG_IGN) != SIG_ERR;
     if (!isIgnored) return false;

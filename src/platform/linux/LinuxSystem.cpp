@@ -1,4 +1,5 @@
-// LinuxSystem: see LinuxSystem.h. The release text is read once a question; nobody asks more than once a start.
+// LinuxSystem: see LinuxSystem.h. The release text is read once a question; nobody asks more than
+// once a start.
 #include "platform/linux/LinuxSystem.h"
 
 #include <sys/utsname.h>

@@ -54,7 +54,8 @@ std::int32_t LinuxVolumes::FSGetVolumeInfo(std::uint32_t volumeIndex, IndexedVol
     {
         const std::lock_guard lock(m_mutex);
         if (table) m_walks[self] = table;
-        else if (const auto found = m_walks.find(self); found != m_walks.end()) table = found->second;
+        else if (const auto found = m_walks.find(self); found != m_walks.end())
+            table = found->second;
         if (!table || volumeIndex == 0 || volumeIndex > table->size()) {
             m_walks.erase(self);
             return nsvErr;
@@ -79,8 +80,8 @@ std::int32_t LinuxVolumes::FSGetVolumeParms(std::int16_t refNumber, GetVolParmsI
         if (found != m_walks.end()) table = found->second;
     }
     if (!table) table = std::make_shared<Table>(takeTable());  // asked outside of a walk
-    const auto row =
-        std::find_if(table->begin(), table->end(), [&](const Row& each) { return each.refNumber == refNumber; });
+    const auto row = std::find_if(table->begin(), table->end(),
+                                  [&](const Row& each) { return each.refNumber == refNumber; });
     if (row == table->end()) return ioErr;
     const std::string device = m_devices.deviceOf(row->mount);
     buffer.vMVersion = kBufferVersion;
@@ -90,14 +91,16 @@ std::int32_t LinuxVolumes::FSGetVolumeParms(std::int16_t refNumber, GetVolParmsI
     return noErr;
 }
 
-std::int32_t LinuxVolumes::FSEjectVolumeSync(std::int16_t refNumber, std::uint32_t /*options*/, EjectDissent& dissent) {
+std::int32_t LinuxVolumes::FSEjectVolumeSync(std::int16_t refNumber, std::uint32_t /*options*/,
+                                             EjectDissent& dissent) {
     Standing wanted;
     {
         const std::lock_guard lock(m_mutex);
         const auto owner = m_owners.find(refNumber);
         if (owner != m_owners.end()) wanted = owner->second;
     }
-    auto outcome = m_ejection.eject(wanted.mount, wanted.diskSequence);  // the mount of no number stands nowhere
+    auto outcome = m_ejection.eject(wanted.mount,
+                                    wanted.diskSequence);  // the mount of no number stands nowhere
     const std::lock_guard lock(m_mutex);
     if (m_goneAlong.erase(refNumber) != 0 && outcome.status == nsvErr) return noErr;
     if (outcome.status == noErr) noteGone(outcome.gone, refNumber);
@@ -131,7 +134,8 @@ void LinuxVolumes::askForSpace(Table& table) {
     std::vector<SpaceQuestion> questions;
     questions.reserve(table.size());
     for (const Row& row : table)
-        questions.push_back({row.mount.id, ::makedev(row.mount.major, row.mount.minor), row.mount.point});
+        questions.push_back(
+            {row.mount.id, ::makedev(row.mount.major, row.mount.minor), row.mount.point});
     const auto answers = m_space.ask(questions);
     for (std::size_t i = 0; i < table.size(); ++i) table[i].space = answers[i];
     std::erase_if(table, [](const Row& row) { return row.space.gone; });
@@ -140,7 +144,8 @@ void LinuxVolumes::askForSpace(Table& table) {
 std::int16_t LinuxVolumes::numberOf(const Standing& standing, const std::vector<Standing>& all) {
     const MountEntry& mount = standing.mount;
     for (const auto& [number, owner] : m_owners) {
-        if (!isSameMount(owner.mount, mount) || owner.diskSequence != standing.diskSequence) continue;
+        if (!isSameMount(owner.mount, mount) || owner.diskSequence != standing.diskSequence)
+            continue;
         m_goneAlong.erase(number);  // back again
         return number;
     }
@@ -164,7 +169,8 @@ void LinuxVolumes::forgetAllBut(const std::vector<Standing>& all) {
 }
 
 std::optional<RegistryMatching> LinuxVolumes::IOBSDNameMatching(const char* bsdName) const {
-    if (bsdName == nullptr || *bsdName == 0 || std::strchr(bsdName, '/') != nullptr) return std::nullopt;
+    if (bsdName == nullptr || *bsdName == 0 || std::strchr(bsdName, '/') != nullptr)
+        return std::nullopt;
     return RegistryMatching{bsdName};
 }
 
@@ -172,8 +178,8 @@ RegistryEntryRef LinuxVolumes::IOServiceGetMatchingService(const RegistryMatchin
     return registryEntryOf(m_devices, m_devices.deviceNamed(matching.bsdName));
 }
 
-std::uint32_t LinuxVolumes::IORegistryEntryCreateIterator(const RegistryEntry& entry,
-                                                          std::unique_ptr<RegistryIterator>& iterator) const {
+std::uint32_t LinuxVolumes::IORegistryEntryCreateIterator(
+    const RegistryEntry& entry, std::unique_ptr<RegistryIterator>& iterator) const {
     iterator = registryParentsOf(entry);
     return iterator ? 0 : ENODEV;
 }

@@ -1,4 +1,5 @@
-// The choice of volumes: see LinuxVolumesChoice.h. First the kinds of file systems, then hiding, then one mount a device.
+// The choice of volumes: see LinuxVolumesChoice.h. First the kinds of file systems, then hiding,
+// then one mount a device.
 #include "platform/linux/LinuxVolumesChoice.h"
 
 #include <algorithm>
@@ -13,33 +14,40 @@
 namespace orrinvale {
 namespace {
 
-template <std::size_t size> bool isOneOf(std::string_view text, const std::array<std::string_view, size>& list) {
+template <std::size_t size>
+bool isOneOf(std::string_view text, const std::array<std::string_view, size>& list) {
     return std::find(list.begin(), list.end(), text) != list.end();
 }
 
 constexpr std::array<std::string_view, 13> networkTypes{
-    "nfs", "nfs4", "cifs", "smb3", "smbfs", "afs", "ceph", "coda", "glusterfs", "lustre", "ncpfs", "davfs", "orangefs"};
+    "nfs",  "nfs4",      "cifs",   "smb3",  "smbfs", "afs",     "ceph",
+    "coda", "glusterfs", "lustre", "ncpfs", "davfs", "orangefs"};
 constexpr std::array<std::string_view, 17> networkPrograms{
     "fuse.sshfs",     "fuse.rclone",    "fuse.davfs",     "fuse.davfs2",
     "fuse.glusterfs", "fuse.ceph-fuse", "fuse.s3fs",      "fuse.gcsfuse",
     "fuse.goofys",    "fuse.curlftpfs", "fuse.smbnetfs",  "fuse.juicefs",
     "fuse.mfs",       "fuse.blobfuse2", "fuse.seaweedfs", "fuse.google-drive-ocamlfuse",
     "fuse.beegfs"};
-constexpr std::array<std::string_view, 4> serviceFileSystems{"fuse.gvfsd-fuse", "fuse.portal", "fuse.lxcfs",
-                                                             "fuse.snapfuse"};
-constexpr std::array<std::string_view, 6> ownDeviceTypes{"btrfs", "zfs", "bcachefs", "fuseblk", "ubifs", "jffs2"};
+constexpr std::array<std::string_view, 4> serviceFileSystems{"fuse.gvfsd-fuse", "fuse.portal",
+                                                             "fuse.lxcfs", "fuse.snapfuse"};
+constexpr std::array<std::string_view, 6> ownDeviceTypes{"btrfs",   "zfs",   "bcachefs",
+                                                         "fuseblk", "ubifs", "jffs2"};
 // Folders of the machine that runs this one.
 constexpr std::array<std::string_view, 4> hostShareTypes{"9p", "virtiofs", "vboxsf", "prl_fs"};
 
 constexpr std::array<std::string_view, 3> personalPlaces{"/media", "/run/media", "/mnt"};
 constexpr std::array<std::string_view, 3> snapPlaces{"/snap", "/var/snap", "/var/lib/snapd"};
-constexpr std::array<std::string_view, 7> systemPlaces{"/proc", "/sys", "/dev", "/run", "/usr", "/etc", "/init"};
+constexpr std::array<std::string_view, 7> systemPlaces{"/proc", "/sys", "/dev", "/run",
+                                                       "/usr",  "/etc", "/init"};
 constexpr std::array<std::string_view, 3> packedTypes{"squashfs", "erofs", "cramfs"};
 // Single files that containers mount over their own; each lies on the host's disk.
-constexpr std::array<std::string_view, 3> containerFiles{"/etc/hosts", "/etc/hostname", "/etc/resolv.conf"};
+constexpr std::array<std::string_view, 3> containerFiles{"/etc/hosts", "/etc/hostname",
+                                                         "/etc/resolv.conf"};
 
-template <std::size_t size> bool isWithinAny(std::string_view path, const std::array<std::string_view, size>& folders) {
-    return std::any_of(folders.begin(), folders.end(), [&](std::string_view each) { return isWithin(path, each); });
+template <std::size_t size>
+bool isWithinAny(std::string_view path, const std::array<std::string_view, size>& folders) {
+    return std::any_of(folders.begin(), folders.end(),
+                       [&](std::string_view each) { return isWithin(path, each); });
 }
 
 bool isProgram(std::string_view type) { return type == "fuse" || type.starts_with("fuse."); }
@@ -56,7 +64,8 @@ bool hasOption(std::string_view options, std::string_view wanted) {
 bool isNetworkMount(const MountEntry& mount) {
     if (isOneOf(mount.type, networkTypes) || isOneOf(mount.type, networkPrograms)) return true;
     if (mount.type == "9p")
-        return hasOption(mount.superOptions, "trans=tcp") || hasOption(mount.superOptions, "trans=rdma");
+        return hasOption(mount.superOptions, "trans=tcp") ||
+               hasOption(mount.superOptions, "trans=rdma");
     // Programs that do not tell their kind often tell the address: davfs2 mounts as plain "fuse".
     return isProgram(mount.type) && mount.source.find("://") != std::string::npos;
 }
@@ -75,7 +84,8 @@ bool isVolume(const MountEntry& mount) {
     return mount.major != 0 || isOneOf(mount.type, ownDeviceTypes);
 }
 
-// Which mounts can not be reached by their path, since another one was mounted later on the same folder or above it.
+// Which mounts can not be reached by their path, since another one was mounted later on the same
+// folder or above it.
 class HiddenMounts final {
 public:
     explicit HiddenMounts(const std::vector<MountEntry>& table)
@@ -99,7 +109,8 @@ private:
     // The first file system of a machine stands on itself.
     static bool isTop(const MountEntry& mount) { return mount.id == mount.parent; }
 
-    // Hidden together with all that is mounted on it. Goes up in a loop: a table may be as deep as it is long.
+    // Hidden together with all that is mounted on it. Goes up in a loop: a table may be as deep as
+    // it is long.
     bool isCutOff(std::size_t index) {
         std::vector<std::size_t> way;
         State state = State::Reachable;
@@ -143,7 +154,9 @@ private:
 };
 
 // Less is better.
-auto rankOf(const MountEntry& mount) { return std::tuple(mount.point != "/", mount.root != "/", mount.point.size()); }
+auto rankOf(const MountEntry& mount) {
+    return std::tuple(mount.point != "/", mount.root != "/", mount.point.size());
+}
 
 }  // namespace
 
@@ -193,7 +206,8 @@ std::string_view serverOfSource(std::string_view source) {
 std::uint32_t serverAddressOf(const MountEntry& mount) {
     if (!isNetworkMount(mount)) return 0;
     std::uint32_t number = 2166136261U;  // FNV-1a, 32 bits
-    for (const char c : serverOfSource(mount.source)) number = (number ^ static_cast<unsigned char>(c)) * 16777619U;
+    for (const char c : serverOfSource(mount.source))
+        number = (number ^ static_cast<unsigned char>(c)) * 16777619U;
     return number == 0 ? 1 : number;
 }
 

@@ -1,5 +1,6 @@
-// Block devices: see LinuxVolumesDevices.h. What the kernel's folders look like: Documentation/ABI/stable/sysfs-block and
-// testing/sysfs-devices-removable of the kernel's sources; udev's state: one file a device, "E:NAME=value" a line.
+// Block devices: see LinuxVolumesDevices.h. What the kernel's folders look like:
+// Documentation/ABI/stable/sysfs-block and testing/sysfs-devices-removable of the kernel's sources;
+// udev's state: one file a device, "E:NAME=value" a line.
 #include "platform/linux/LinuxVolumesDevices.h"
 
 #include <fmt/format.h>
@@ -30,7 +31,8 @@ constexpr std::uint32_t bit(unsigned number) { return std::uint32_t{1} << number
 constexpr std::uint32_t removableBits = bit(bIsRemovable) | bit(bIsEjectable);
 
 std::string resolved(const std::string& path) {
-    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
+    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr),
+                                                           &std::free);
     return real ? std::string(real.get()) : std::string();
 }
 
@@ -47,7 +49,8 @@ bool isDigit(char c) { return c >= '0' && c <= '9'; }
 // "usb3", "fw0": a bus of this kind.
 bool isNumbered(std::string_view name, std::string_view kind) {
     return name.size() > kind.size() && name.starts_with(kind) &&
-           std::all_of(name.begin() + static_cast<std::ptrdiff_t>(kind.size()), name.end(), isDigit);
+           std::all_of(name.begin() + static_cast<std::ptrdiff_t>(kind.size()), name.end(),
+                       isDigit);
 }
 
 // udev writes bytes that it does not trust as \xHH.
@@ -56,8 +59,9 @@ std::string withoutHexEscapes(std::string_view text) {
     for (std::size_t at = 0; at < text.size(); ++at) {
         unsigned byte = 0;
         const std::string_view digits = text.substr(std::min(at + 2, text.size()), 2);
-        const bool escape = text.substr(at, 2) == "\\x" && digits.size() == 2 &&
-                            std::from_chars(digits.data(), digits.data() + 2, byte, 16).ptr == digits.data() + 2;
+        const bool escape =
+            text.substr(at, 2) == "\\x" && digits.size() == 2 &&
+            std::from_chars(digits.data(), digits.data() + 2, byte, 16).ptr == digits.data() + 2;
         out += escape ? static_cast<char>(byte) : text[at];
         if (escape) at += 3;
     }
@@ -71,7 +75,8 @@ std::string_view propertyIn(std::string_view properties, std::string_view name) 
         properties.remove_prefix(std::min(end + 1, properties.size()));
         if (!line.starts_with("E:")) continue;
         line.remove_prefix(2);
-        if (line.starts_with(name) && line.substr(name.size()).starts_with('=')) return line.substr(name.size() + 1);
+        if (line.starts_with(name) && line.substr(name.size()).starts_with('='))
+            return line.substr(name.size() + 1);
     }
     return {};
 }
@@ -88,16 +93,19 @@ LinuxVolumesDevices::LinuxVolumesDevices(const std::string& sys, std::string ude
 
 std::string LinuxVolumesDevices::deviceOf(const MountEntry& mount) const {
     if (mount.major != 0) return deviceNumbered(mount.major, mount.minor);
-    // These name their device in the source. No other source is touched: programs write there what they like, and a path
-    // to a dead server would hang the walk.
-    const bool namesDevice = mount.type == "btrfs" || mount.type == "bcachefs" || mount.type == "fuseblk";
+    // These name their device in the source. No other source is touched: programs write there what
+    // they like, and a path to a dead server would hang the walk.
+    const bool namesDevice =
+        mount.type == "btrfs" || mount.type == "bcachefs" || mount.type == "fuseblk";
     if (!namesDevice || !mount.source.starts_with("/dev/")) return {};
     const std::string node = resolved(mount.source);  // from /dev/mapper/x, /dev/disk/by-label/x
-    return deviceNamed(lastPathComponent(isWithin(node, "/dev") ? std::string_view(node) : mount.source));
+    return deviceNamed(
+        lastPathComponent(isWithin(node, "/dev") ? std::string_view(node) : mount.source));
 }
 
 std::string LinuxVolumesDevices::deviceNamed(std::string_view name) const {
-    if (name.empty() || name.starts_with('.') || name.find('/') != std::string_view::npos) return {};
+    if (name.empty() || name.starts_with('.') || name.find('/') != std::string_view::npos)
+        return {};
     return resolved(fmt::format("{}/class/block/{}", m_sys, name));
 }
 
@@ -111,7 +119,8 @@ std::optional<std::uint64_t> LinuxVolumesDevices::numberOf(const std::string& de
     unsigned major = 0;
     unsigned minor = 0;
     const char* const colon = std::from_chars(text.data(), end, major).ptr;
-    if (colon == end || *colon != ':' || std::from_chars(colon + 1, end, minor).ptr != end) return std::nullopt;
+    if (colon == end || *colon != ':' || std::from_chars(colon + 1, end, minor).ptr != end)
+        return std::nullopt;
     return ::makedev(major, minor);
 }
 
@@ -127,14 +136,16 @@ void LinuxVolumesDevices::addLayersOn(const std::string& device, int levelsLeft,
     const std::string folder = device + "/holders/";
     for (const std::string& name : systemNamesIn(folder)) {
         const std::string above = resolved(folder + name);
-        if (above.empty() || std::find(layers.begin(), layers.end(), above) != layers.end()) continue;
+        if (above.empty() || std::find(layers.begin(), layers.end(), above) != layers.end())
+            continue;
         layers.push_back(above);
         addLayersOn(above, levelsLeft - 1, layers);
     }
 }
 
 bool LinuxVolumesDevices::isEmptyLoop(const std::string& device) const {
-    return isNumbered(lastPathComponent(device), "loop") && exists(device) && !exists(device + "/loop/backing_file");
+    return isNumbered(lastPathComponent(device), "loop") && exists(device) &&
+           !exists(device + "/loop/backing_file");
 }
 
 std::string LinuxVolumesDevices::sequenceOf(const std::string& device) const {
@@ -145,10 +156,12 @@ std::uint32_t LinuxVolumesDevices::extendedAttributes(const std::string& device)
     return device.empty() ? 0 : attributesOfWhole(wholeOf(device), mostLayers);
 }
 
-std::uint32_t LinuxVolumesDevices::attributesOfWhole(const std::string& whole, int levelsLeft) const {
+std::uint32_t LinuxVolumesDevices::attributesOfWhole(const std::string& whole,
+                                                     int levelsLeft) const {
     std::uint32_t bits = 0;
     const std::string kind = attribute(whole + "/device/type");
-    if (attribute(whole + "/removable") == "1" || kind == opticalDrive || isNumbered(lastPathComponent(whole), "loop"))
+    if (attribute(whole + "/removable") == "1" || kind == opticalDrive ||
+        isNumbered(lastPathComponent(whole), "loop"))
         bits |= removableBits;
     if (kind == "SD") bits |= removableBits | bit(bIsOnExternalBus);
     if (isOnExternalBus(whole)) bits |= bit(bIsOnExternalBus);
@@ -165,7 +178,8 @@ bool LinuxVolumesDevices::isOnExternalBus(const std::string& whole) const {
     for (std::string folder = whole; !folder.empty(); folder = parentOf(folder)) {
         const std::string_view name = lastPathComponent(folder);
         if (isNumbered(name, "usb") || isNumbered(name, "fw")) return true;
-        // Of a bus device this says whether it came through a port on the outside; of a block device it is "0" or "1".
+        // Of a bus device this says whether it came through a port on the outside; of a block
+        // device it is "0" or "1".
         if (attribute(folder + "/removable") == "removable") return true;
     }
     return false;
@@ -174,7 +188,8 @@ bool LinuxVolumesDevices::isOnExternalBus(const std::string& whole) const {
 std::string LinuxVolumesDevices::udevProperties(const std::string& device) const {
     const std::string number = device.empty() ? std::string() : attribute(device + "/dev");
     if (number.empty()) return {};
-    return readSystemText(fmt::format("{}/data/b{}", m_udev, number), udevLimit).value_or(std::string());
+    return readSystemText(fmt::format("{}/data/b{}", m_udev, number), udevLimit)
+        .value_or(std::string());
 }
 
 std::string LinuxVolumesDevices::labelOf(const std::string& device) const {
@@ -186,8 +201,10 @@ std::string LinuxVolumesDevices::labelOf(const std::string& device) const {
 
 bool LinuxVolumesDevices::isBlockDevice(const std::string& folder) const {
     std::array<char, PATH_MAX> target;
-    const ssize_t length = ::readlink((folder + "/subsystem").c_str(), target.data(), target.size());
-    return length > 0 && lastPathComponent({target.data(), static_cast<std::size_t>(length)}) == "block";
+    const ssize_t length =
+        ::readlink((folder + "/subsystem").c_str(), target.data(), target.size());
+    return length > 0 &&
+           lastPathComponent({target.data(), static_cast<std::size_t>(length)}) == "block";
 }
 
 std::optional<bool> LinuxVolumesDevices::isWhole(const std::string& device) const {
@@ -203,7 +220,8 @@ LinuxVolumesDevices::Disc LinuxVolumesDevices::discIn(const std::string& device)
 
 std::string LinuxVolumesDevices::parentOf(const std::string& folder) const {
     const std::string parent = folder.substr(0, folder.rfind('/'));
-    return parent.size() > m_sys.size() + std::string_view("/devices").size() && isWithin(parent, m_sys)
+    return parent.size() > m_sys.size() + std::string_view("/devices").size() &&
+                   isWithin(parent, m_sys)
                ? parent
                : std::string();
 }
@@ -222,7 +240,8 @@ public:
         if (className == "IODVDMedia") return m_devices.discIn(m_folder) == Disc::Dvd;
         return className == "IOMedia";
     }
-    [[nodiscard]] std::optional<bool> IORegistryEntryCreateCFProperty(std::string_view key) const override {
+    [[nodiscard]] std::optional<bool> IORegistryEntryCreateCFProperty(
+        std::string_view key) const override {
         return key == "Whole" ? m_devices.isWhole(m_folder) : std::nullopt;
     }
 
@@ -236,7 +255,8 @@ private:
 
 class SystemParents final : public RegistryIterator {
 public:
-    explicit SystemParents(const SystemEntry& start) : m_devices(start.devices()), m_folder(start.folder()) {}
+    explicit SystemParents(const SystemEntry& start)
+        : m_devices(start.devices()), m_folder(start.folder()) {}
 
     [[nodiscard]] RegistryEntryRef IOIteratorNext() override {
         if (!m_folder.empty()) m_folder = m_devices.parentOf(m_folder);

@@ -1,5 +1,6 @@
-// How full mounts are: see LinuxVolumesSpace.h. The threads are detached and share one block of state that the last of them
-// frees, for a thread within a dead mount ends when the mount answers, which may be never.
+// How full mounts are: see LinuxVolumesSpace.h. The threads are detached and share one block of
+// state that the last of them frees, for a thread within a dead mount ends when the mount answers,
+// which may be never.
 #include "platform/linux/LinuxVolumesSpace.h"
 
 #include <fcntl.h>
@@ -24,10 +25,11 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr unsigned kMountIdMask = 0x1000;        // STATX_MNT_ID, Linux 5.8
-constexpr std::chrono::milliseconds kStall{10};  // a mount that answers at all answers in microseconds
-constexpr std::size_t kMostLateAnswers = 1000;   // of mounts that nobody asks for again
-constexpr std::size_t kMostThreadsAtOnce = 8;    // that a stall adds
+constexpr unsigned kMountIdMask = 0x1000;  // STATX_MNT_ID, Linux 5.8
+constexpr std::chrono::milliseconds kStall{
+    10};  // a mount that answers at all answers in microseconds
+constexpr std::size_t kMostLateAnswers = 1000;  // of mounts that nobody asks for again
+constexpr std::size_t kMostThreadsAtOnce = 8;   // that a stall adds
 constexpr int kFolderOnly = O_PATH | O_DIRECTORY | O_CLOEXEC;
 
 std::uint64_t bytesOf(std::uint64_t blocks, std::uint64_t size) {
@@ -38,7 +40,8 @@ std::uint64_t bytesOf(std::uint64_t blocks, std::uint64_t size) {
 // Whether the descriptor lies on the mount that was meant; true where the kernel can not tell.
 bool isOnMount(int folder, std::uint64_t mount) {
     struct statx attributes {};
-    if (::statx(folder, "", AT_EMPTY_PATH | AT_STATX_DONT_SYNC, kMountIdMask, &attributes) != 0) return true;
+    if (::statx(folder, "", AT_EMPTY_PATH | AT_STATX_DONT_SYNC, kMountIdMask, &attributes) != 0)
+        return true;
     if ((attributes.stx_mask & kMountIdMask) == 0) return true;
     return attributes.stx_mnt_id == mount;
 }
@@ -75,7 +78,8 @@ SpaceAnswer askKernelForSpace(const SpaceQuestion& question) {
     } else if (::fstatfs(folder.get(), &space) != 0) {
         answer.error = errno;
     } else {
-        const auto unit = static_cast<std::uint64_t>(space.f_frsize != 0 ? space.f_frsize : space.f_bsize);
+        const auto unit =
+            static_cast<std::uint64_t>(space.f_frsize != 0 ? space.f_frsize : space.f_bsize);
         answer.total = bytesOf(space.f_blocks, unit);
         answer.free = std::min(bytesOf(space.f_bavail, unit), answer.total);
     }
@@ -130,12 +134,14 @@ struct LinuxVolumesSpace::Shared {
         errand->answer = answer;
         errand->done = true;
         open.erase(question);
-        if (Clock::now() >= errand->asked + patience && late.size() < kMostLateAnswers) late[question] = answer;
+        if (Clock::now() >= errand->asked + patience && late.size() < kMostLateAnswers)
+            late[question] = answer;
         ++answers;
         hasAnswer.notify_all();
     }
 
-    // Threads for what waits. Without any, what waits is given up: asking on the caller's thread could hold it for ever.
+    // Threads for what waits. Without any, what waits is given up: asking on the caller's thread
+    // could hold it for ever.
     static void addThreads(const std::shared_ptr<Shared>& shared, std::size_t count) {
         for (; count > 0; --count) {
             if (!startThread([shared] { serve(shared); })) break;
@@ -154,14 +160,16 @@ struct LinuxVolumesSpace::Shared {
         hasAnswer.notify_all();
     }
 
-    ErrandRef add(const SpaceQuestion& question, Clock::time_point now, std::chrono::milliseconds wait) {
+    ErrandRef add(const SpaceQuestion& question, Clock::time_point now,
+                  std::chrono::milliseconds wait) {
         auto errand = std::make_shared<Errand>(Errand{question, now, now + wait, {}, false});
         waiting.push_back(errand);
         return open[question] = std::move(errand);
     }
 
-    // A mount that answered too late last time gives that answer now, and is asked again for the next time meanwhile: a
-    // slow server is then a walk behind, rather than a second of waiting in each and missing from all of them.
+    // A mount that answered too late last time gives that answer now, and is asked again for the
+    // next time meanwhile: a slow server is then a walk behind, rather than a second of waiting in
+    // each and missing from all of them.
     ErrandRef enter(const SpaceQuestion& question, Clock::time_point now) {
         if (const auto known = open.find(question); known != open.end()) return known->second;
         const auto answered = late.extract(question);
@@ -185,7 +193,8 @@ std::vector<SpaceAnswer> LinuxVolumesSpace::ask(const std::vector<SpaceQuestion>
     std::unique_lock lock(shared.mutex);
     std::vector<Shared::ErrandRef> errands;
     errands.reserve(questions.size());
-    for (const SpaceQuestion& question : questions) errands.push_back(shared.enter(question, Clock::now()));
+    for (const SpaceQuestion& question : questions)
+        errands.push_back(shared.enter(question, Clock::now()));
     if (!shared.waiting.empty() && shared.idle == 0) Shared::addThreads(m_shared, 1);
     shared.hasWork.notify_one();
     for (std::size_t before = shared.answers;; before = shared.answers) {
@@ -194,8 +203,8 @@ std::vector<SpaceAnswer> LinuxVolumesSpace::ask(const std::vector<SpaceQuestion>
             if (!errand->done) latest = std::max(latest, errand->deadline);
         const Clock::time_point now = Clock::now();
         if (latest <= now) break;
-        const bool timedOut =
-            shared.hasAnswer.wait_until(lock, std::min(latest, now + kStall)) == std::cv_status::timeout;
+        const bool timedOut = shared.hasAnswer.wait_until(lock, std::min(latest, now + kStall)) ==
+                              std::cv_status::timeout;
         if (timedOut && shared.answers == before && !shared.waiting.empty())
             Shared::addThreads(m_shared, std::min(shared.waiting.size(), kMostThreadsAtOnce));
     }
@@ -203,7 +212,8 @@ std::vector<SpaceAnswer> LinuxVolumesSpace::ask(const std::vector<SpaceQuestion>
     answers.reserve(errands.size());
     for (const auto& errand : errands) {
         answers.push_back(errand->answer);
-        if (errand->done) shared.late.erase(errand->question);  // it came while somebody waited after all
+        if (errand->done)
+            shared.late.erase(errand->question);  // it came while somebody waited after all
         else answers.back().error = ETIMEDOUT;
     }
     return answers;

@@ -40,17 +40,20 @@ std::string unescaped(std::string_view field) {
         const std::string_view digits = field.substr(at + 1, 3);
         const bool escape = field[at] == '\\' && digits.size() == 3 && digits[0] <= '3' &&
                             std::all_of(digits.begin(), digits.end(), isOctal);
-        out +=
-            escape ? static_cast<char>((digits[0] - '0') * 64 + (digits[1] - '0') * 8 + (digits[2] - '0')) : field[at];
+        out += escape ? static_cast<char>((digits[0] - '0') * 64 + (digits[1] - '0') * 8 +
+                                          (digits[2] - '0'))
+                      : field[at];
         if (escape) at += 3;
     }
     return out;
 }
 
-// "36 35 98:0 /root /point options tags... - type source options"; the tags may be none, the source may be empty.
+// "36 35 98:0 /root /point options tags... - type source options"; the tags may be none, the source
+// may be empty.
 std::optional<MountEntry> parseLine(std::string_view line) {
     const std::size_t dash = line.find(" - ");
-    if (dash == std::string_view::npos || line.find('\0') != std::string_view::npos) return std::nullopt;
+    if (dash == std::string_view::npos || line.find('\0') != std::string_view::npos)
+        return std::nullopt;
     std::string_view mount = line.substr(0, dash);
     std::string_view system = line.substr(dash + 3);
     const auto id = takeField(mount);
@@ -62,10 +65,12 @@ std::optional<MountEntry> parseLine(std::string_view line) {
     const auto type = takeField(system);
     const auto source = takeField(system);
     const auto superOptions = takeField(system);
-    if (!options || !superOptions || type->empty() || root->empty() || !point->starts_with('/')) return std::nullopt;
+    if (!options || !superOptions || type->empty() || root->empty() || !point->starts_with('/'))
+        return std::nullopt;
 
     MountEntry entry;
-    if (!parseNumber(*id, entry.id) || !parseNumber(*parent, entry.parent) || !parseDevice(*device, entry))
+    if (!parseNumber(*id, entry.id) || !parseNumber(*parent, entry.parent) ||
+        !parseDevice(*device, entry))
         return std::nullopt;
     entry.root = unescaped(*root);
     entry.point = unescaped(*point);
@@ -80,7 +85,8 @@ std::optional<MountEntry> parseLine(std::string_view line) {
 }  // namespace
 
 bool isSameMount(const MountEntry& a, const MountEntry& b) {
-    return a.id == b.id && a.major == b.major && a.minor == b.minor && a.point == b.point && a.source == b.source;
+    return a.id == b.id && a.major == b.major && a.minor == b.minor && a.point == b.point &&
+           a.source == b.source;
 }
 
 std::vector<MountEntry> parseMountInfo(std::string_view text) {
@@ -95,6 +101,8 @@ std::vector<MountEntry> parseMountInfo(std::string_view text) {
     return entries;
 }
 
-SysResult<std::string> readMountInfo(const std::string& path) { return readSystemText(path, mountInfoLimit); }
+SysResult<std::string> readMountInfo(const std::string& path) {
+    return readSystemText(path, mountInfoLimit);
+}
 
 }  // namespace orrinvale

@@ -1,4 +1,5 @@
-// The program's own files, found from the place of the running executable. Declared in LinuxFiles.h.
+// The program's own files, found from the place of the running executable. Declared in
+// LinuxFiles.h.
 #include <array>
 #include <climits>
 #include <string_view>
@@ -20,7 +21,8 @@ std::vector<std::string> namesIn(const FileSystem& files, const std::string& fol
     return names;
 }
 
-// Every entry of the folder that bears the program's name: executables, folders of data, and what the desktop knows it by.
+// Every entry of the folder that bears the program's name: executables, folders of data, and what
+// the desktop knows it by.
 void addOwn(const FileSystem& files, const std::string& folder, std::vector<std::string>& found) {
     for (const std::string& name : namesIn(files, folder))
         if (name.starts_with("orrinvale") || name.starts_with("com.kelpford.Orrinvale"))
@@ -34,15 +36,17 @@ std::vector<std::string> programFilesAround(const std::string& executable) {
     std::vector<std::string> found{executable};
     std::string folder = folderOf(executable);
     addOwn(files, folder, found);
-    if (folder.ends_with("/libexec/orrinvale")) folder = folderOf(folder);  // the administrator's helper
+    if (folder.ends_with("/libexec/orrinvale"))
+        folder = folderOf(folder);  // the administrator's helper
     if (!folder.ends_with("/bin") && !folder.ends_with("/libexec")) return found;
     const std::string prefix = folderOf(folder);
-    for (const char* const name :
-         {"bin", "libexec", "share", "share/applications", "share/metainfo", "share/polkit-1/actions"})
+    for (const char* const name : {"bin", "libexec", "share", "share/applications",
+                                   "share/metainfo", "share/polkit-1/actions"})
         if (const std::string place = joinPath(prefix, name); place != folderOf(executable))
             addOwn(files, place, found);
     const std::string icons = joinPath(prefix, "share/icons/hicolor");
-    for (const std::string& size : namesIn(files, icons)) addOwn(files, joinPath(icons, size) + "/apps", found);
+    for (const std::string& size : namesIn(files, icons))
+        addOwn(files, joinPath(icons, size) + "/apps", found);
     return found;
 }
 

@@ -20,7 +20,8 @@ Loaded load() {
     if (library == nullptr) return out;
     out.isWhole = true;
     const auto find = [&](auto& function, const char* name) {
-        function = reinterpret_cast<std::remove_reference_t<decltype(function)>>(::dlsym(library, name));
+        function =
+            reinterpret_cast<std::remove_reference_t<decltype(function)>>(::dlsym(library, name));
         out.isWhole = out.isWhole && function != nullptr;
     };
 #define ORRINVALE_FIND(name) find(out.functions.name, "sd_bus_" #name);

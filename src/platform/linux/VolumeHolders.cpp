@@ -33,7 +33,8 @@ constexpr std::size_t mapsLimit = 4 * 1024 * 1024;  // thousands of mappings
 std::string targetOf(const std::string& link) {
     std::array<char, PATH_MAX> target;
     const ssize_t length = ::readlink(link.c_str(), target.data(), target.size());
-    return length > 0 ? std::string(target.data(), static_cast<std::size_t>(length)) : std::string();
+    return length > 0 ? std::string(target.data(), static_cast<std::size_t>(length))
+                      : std::string();
 }
 
 // Names made of digits, smallest number first: processes, descriptors.
@@ -73,7 +74,8 @@ public:
         for (const std::int32_t process : processes) {
             if (isLate()) break;
             if (isKnown(process)) continue;
-            if (const std::string held = heldByMappings(process); !held.empty()) note(process, held);
+            if (const std::string held = heldByMappings(process); !held.empty())
+                note(process, held);
         }
         {
             const std::lock_guard lock(m_findings->mutex);
@@ -91,7 +93,8 @@ private:
     }
 
     void note(std::int32_t process, const std::string& path) const {
-        std::string name = readSystemText(fmt::format("/proc/{}/comm", process), smallText).value_or(std::string());
+        std::string name = readSystemText(fmt::format("/proc/{}/comm", process), smallText)
+                               .value_or(std::string());
         if (name.ends_with('\n')) name.pop_back();
         const std::lock_guard lock(m_findings->mutex);
         m_findings->holders.emplace(process, VolumeHolder{process, std::move(name), path});
@@ -108,7 +111,8 @@ private:
             std::string target = targetOf(fmt::format("{}fd/{}", folder, descriptor));
             if (isDevice(target)) return target;
             if (!isOnPoint(target)) continue;
-            // Two mounts can be seen at one path, one above the other or in another name space. The number is exact.
+            // Two mounts can be seen at one path, one above the other or in another name space. The
+            // number is exact.
             const auto mount = mountOf(fmt::format("{}fdinfo/{}", folder, descriptor));
             if (!mount || m_mountIds.contains(*mount)) return target;
         }
@@ -117,20 +121,22 @@ private:
 
     // "7f12a000-7f13b000 r-xp 00000000 08:11 131 /media/stick/library"
     std::string heldByMappings(std::int32_t process) const {
-        const std::string text =
-            readSystemText(fmt::format("/proc/{}/maps", process), mapsLimit).value_or(std::string());
+        const std::string text = readSystemText(fmt::format("/proc/{}/maps", process), mapsLimit)
+                                     .value_or(std::string());
         std::string_view rest = text;
         while (!rest.empty()) {
             const std::string_view line = rest.substr(0, rest.find('\n'));
             rest.remove_prefix(std::min(line.size() + 1, rest.size()));
             const std::size_t path = line.find('/');
-            if (path != std::string_view::npos && isHeldPath(line.substr(path))) return std::string(line.substr(path));
+            if (path != std::string_view::npos && isHeldPath(line.substr(path)))
+                return std::string(line.substr(path));
         }
         return {};
     }
 
     bool isDevice(std::string_view path) const {
-        return std::find(m_volume.devices.begin(), m_volume.devices.end(), path) != m_volume.devices.end();
+        return std::find(m_volume.devices.begin(), m_volume.devices.end(), path) !=
+               m_volume.devices.end();
     }
 
     bool isOnPoint(std::string_view path) const {
@@ -148,7 +154,8 @@ private:
         at = text.find_first_not_of(" \t", at + label.size());
         if (at == std::string::npos) return std::nullopt;
         std::uint64_t number = 0;
-        const auto [end, error] = std::from_chars(text.data() + at, text.data() + text.size(), number);
+        const auto [end, error] =
+            std::from_chars(text.data() + at, text.data() + text.size(), number);
         if (error != std::errc{}) return std::nullopt;
         return number;
     }

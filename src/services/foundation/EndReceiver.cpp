@@ -8,7 +8,8 @@ EndReceiver::EndReceiver(std::function<void(const std::any&)> endMethod)
 }
 
 void EndReceiver::callAndWait() {
-    const std::shared_ptr<Gate> gate = m_gate;  // outlives the receiver, which may be gone before this thread wakes
+    const std::shared_ptr<Gate> gate =
+        m_gate;  // outlives the receiver, which may be gone before this thread wakes
     std::unique_lock lock(gate->mutex);
     Q_EMIT called();
     gate->passed.wait(lock, [&] { return gate->done; });
@@ -16,7 +17,8 @@ void EndReceiver::callAndWait() {
 
 void EndReceiver::serve() {
     {
-        // The calling thread holds the lock until it waits: what it wrote before is seen by the function.
+        // The calling thread holds the lock until it waits: what it wrote before is seen by the
+        // function.
         const std::lock_guard guard(m_gate->mutex);
     }
     m_endMethod({});

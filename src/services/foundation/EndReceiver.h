@@ -1,4 +1,5 @@
-// EndReceiver: lets another thread call one function on the thread that made the receiver, and wait for it.
+// EndReceiver: lets another thread call one function on the thread that made the receiver, and wait
+// for it.
 #pragma once
 
 #include <QObject>
@@ -10,13 +11,15 @@
 
 namespace orrinvale {
 
-/// Serves one call and then deletes itself on its own thread. A bare signal crosses; everything else is under a lock of ours.
+/// Serves one call and then deletes itself on its own thread. A bare signal crosses; everything
+/// else is under a lock of ours.
 class EndReceiver final : public QObject {
     Q_OBJECT
 public:
     explicit EndReceiver(std::function<void(const std::any&)> endMethod);
 
-    /// From another thread, once: returns when the function has run. The receiver is not to be touched afterwards.
+    /// From another thread, once: returns when the function has run. The receiver is not to be
+    /// touched afterwards.
     void callAndWait();
 
 Q_SIGNALS:

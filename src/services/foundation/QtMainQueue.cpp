@@ -58,7 +58,8 @@ bool QtMainQueue::sync(std::function<void()> work) {
         work();
         return true;
     }
-    const std::shared_ptr<Shared> shared = m_shared;  // outlives this queue, should it end meanwhile
+    const std::shared_ptr<Shared> shared =
+        m_shared;  // outlives this queue, should it end meanwhile
     Shared::State state = Shared::State::Waiting;
     {
         const std::lock_guard guard(shared->mutex);
@@ -80,7 +81,8 @@ void QtMainQueue::wake() {
 void QtMainQueue::drain() {
     const std::shared_ptr<Shared> shared = m_shared;
     const auto until = std::chrono::steady_clock::now() + turn;
-    std::ptrdiff_t waiting = 0;  // what comes meanwhile is for another turn, so that work which asks for one gets it
+    std::ptrdiff_t waiting =
+        0;  // what comes meanwhile is for another turn, so that work which asks for one gets it
     {
         const std::lock_guard guard(shared->mutex);
         shared->isAwake = false;

@@ -8,8 +8,9 @@
 
 namespace orrinvale {
 
-/// Make and end it on the main thread. Work moves through a queue under a lock of our own; what crosses through Qt is a bare
-/// wake-up. One turn of the event loop runs at most 16 ms of waiting work, so that a flood of batches can not freeze the window.
+/// Make and end it on the main thread. Work moves through a queue under a lock of our own; what
+/// crosses through Qt is a bare wake-up. One turn of the event loop runs at most 16 ms of waiting
+/// work, so that a flood of batches can not freeze the window.
 class QtMainQueue final : public QObject, public MainQueue {
     Q_OBJECT
 public:

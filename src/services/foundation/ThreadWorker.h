@@ -1,4 +1,5 @@
-// ThreadWorker: runs one piece of long work on a thread of its own and reports its end on the thread that asked for it.
+// ThreadWorker: runs one piece of long work on a thread of its own and reports its end on the
+// thread that asked for it.
 #pragma once
 
 #include <any>
@@ -10,8 +11,9 @@
 
 namespace orrinvale {
 
-/// A worker runs once. The starting thread must run an event loop, or the end is never delivered and the worker's thread waits.
-/// Cancelling is a mark that the task asks for; it stops nothing by itself.
+/// A worker runs once. The starting thread must run an event loop, or the end is never delivered
+/// and the worker's thread waits. Cancelling is a mark that the task asks for; it stops nothing by
+/// itself.
 class ThreadWorker final : public std::enable_shared_from_this<ThreadWorker> {
     struct Private {};
 
@@ -26,20 +28,24 @@ public:
         std::string description;
     };
 
-    /// What runs on the new thread. Empty operations stand for a target that knows no such operation.
+    /// What runs on the new thread. Empty operations stand for a target that knows no such
+    /// operation.
     struct Selector {
         std::string name;
         std::variant<Task, CancellableTask> operation;
     };
 
-    /// Starts the task on a new thread that has an event loop of its own, so that the task may use timers. When it has returned,
-    /// `didEndSelector`, if there is one, runs with an empty argument on the calling thread, from its event loop; the worker's
-    /// thread waits for that, so that what both touch needs no lock. Gives null, with a line in the log, when the selector
-    /// is empty or no thread can be had. What a task throws is not caught.
-    [[nodiscard]] static std::shared_ptr<ThreadWorker> workOn(Target target, Selector withSelector, std::any withObject,
+    /// Starts the task on a new thread that has an event loop of its own, so that the task may use
+    /// timers. When it has returned, `didEndSelector`, if there is one, runs with an empty argument
+    /// on the calling thread, from its event loop; the worker's thread waits for that, so that what
+    /// both touch needs no lock. Gives null, with a line in the log, when the selector is empty or
+    /// no thread can be had. What a task throws is not caught.
+    [[nodiscard]] static std::shared_ptr<ThreadWorker> workOn(Target target, Selector withSelector,
+                                                              std::any withObject,
                                                               EndMethod didEndSelector);
 
-    ThreadWorker(Private, Target target, Selector selector, std::any argument, EndMethod didEndSelector);
+    ThreadWorker(Private, Target target, Selector selector, std::any argument,
+                 EndMethod didEndSelector);
     ThreadWorker(const ThreadWorker&) = delete;
     ThreadWorker& operator=(const ThreadWorker&) = delete;
 

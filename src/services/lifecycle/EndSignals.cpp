@@ -1,4 +1,5 @@
-// EndSignals: see EndSignals.h. A handler may only write a byte (signal-safety(7)); the event loop reads it.
+// EndSignals: see EndSignals.h. A handler may only write a byte (signal-safety(7)); the event loop
+// reads it.
 #include "services/lifecycle/EndSignals.h"
 
 #include <fcntl.h>

@@ -10,9 +10,10 @@
 
 namespace orrinvale {
 
-/// While it lives, SIGTERM, SIGINT and SIGHUP run the handler on the thread that made this, from its event loop, instead of ending
-/// the process where it stands; at its end they do again what they do usually. One that is ignored
-/// stays ignored. Where no pipe can be had, all stay as they are. One object a process.
+/// While it lives, SIGTERM, SIGINT and SIGHUP run the handler on the thread that made this, from
+/// its event loop, instead of ending the process where it stands; at its end they do again what
+/// they do usually. One that is ignored stays ignored. Where no pipe can be had, all stay as they
+/// are. One object a process.
 class EndSignals final : public QObject {
     Q_OBJECT
 public:

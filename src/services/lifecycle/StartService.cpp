@@ -12,8 +12,10 @@ namespace orrinvale {
 namespace {
 
 std::string tokenIn(const QVariantMap& platformData) {
-    for (const QLatin1String key : {QLatin1String("activation-token"), QLatin1String("desktop-startup-id")})
-        if (const QString token = platformData.value(key).toString(); !token.isEmpty()) return token.toStdString();
+    for (const QLatin1String key :
+         {QLatin1String("activation-token"), QLatin1String("desktop-startup-id")})
+        if (const QString token = platformData.value(key).toString(); !token.isEmpty())
+            return token.toStdString();
     return {};
 }
 
@@ -22,7 +24,8 @@ std::string tokenIn(const QVariantMap& platformData) {
 StartService::StartService(ProgramInstance& instance, Handler handler)
     : m_instance(instance), m_handler(std::move(handler)) {
     if (instance.descriptor() >= 0) {
-        m_notifier = std::make_unique<QSocketNotifier>(instance.descriptor(), QSocketNotifier::Read);
+        m_notifier =
+            std::make_unique<QSocketNotifier>(instance.descriptor(), QSocketNotifier::Read);
         connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] { receive(); });
     }
     joinBus();
@@ -36,11 +39,11 @@ void StartService::stop() {
     if (!std::exchange(m_isOnBus, false)) return;
     QDBusConnection bus = QDBusConnection::sessionBus();
     bus.unregisterObject(QLatin1String(programBusPath));
-    // By hand, since the connection's own operation would wait for a bus that has come to hang. With the answer all earlier
-    // messages are on their way.
-    QDBusMessage release =
-        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-                                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("ReleaseName"));
+    // By hand, since the connection's own operation would wait for a bus that has come to hang.
+    // With the answer all earlier messages are on their way.
+    QDBusMessage release = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("ReleaseName"));
     release << QString::fromLatin1(programBusName);
     constexpr int patience = 200;
     bus.call(release, QDBus::Block, patience);
@@ -50,7 +53,8 @@ void StartService::joinBus() {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) return;
     // The object before the name: who waits for the name asks the object at once.
-    if (!bus.registerObject(QLatin1String(programBusPath), this, QDBusConnection::ExportAllSlots)) return;
+    if (!bus.registerObject(QLatin1String(programBusPath), this, QDBusConnection::ExportAllSlots))
+        return;
     m_isOnBus = bus.registerService(QLatin1String(programBusName));
     if (!m_isOnBus) Log::line("Another process has the program's name on the session bus.");
 }

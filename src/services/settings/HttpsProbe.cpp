@@ -19,16 +19,19 @@ namespace {
 
 constexpr qint64 kReadLimit = qint64{1} << 20;
 
-// Errors up to 199 are those of the network and of proxies; above, a server has answered with a status.
+// Errors up to 199 are those of the network and of proxies; above, a server has answered with a
+// status.
 bool isFromServer(QNetworkReply::NetworkError error) {
     return error == QNetworkReply::NoError || error > QNetworkReply::UnknownProxyError;
 }
 
 QNetworkRequest requestFor(const QUrl& url, const QList<QSslCertificate>& trusted) {
     QNetworkRequest request(url);
-    request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
+    request.setAttribute(QNetworkRequest::CacheLoadControlAttribute,
+                         QNetworkRequest::AlwaysNetwork);
     request.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
-    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
+                         QNetworkRequest::NoLessSafeRedirectPolicy);
     request.setMaximumRedirectsAllowed(5);
     QSslConfiguration ssl = request.sslConfiguration();
     if (!trusted.isEmpty()) ssl.addCaCertificates(trusted);
@@ -41,8 +44,9 @@ QNetworkRequest requestFor(const QUrl& url, const QList<QSslCertificate>& truste
 HttpsProbe::HttpsProbe(QList<QSslCertificate> trusted) : m_trusted(std::move(trusted)) {}
 
 bool HttpsProbe::isAnswered(const std::string& address, std::chrono::milliseconds timeOut) const {
-    // The loop that waits turns on a thread of its own: on the caller's it would run the window's events in the middle of the call.
-    // That thread is let go when it is late: Qt looks up the system's proxy before any time-out of ours can run, and that may hang.
+    // The loop that waits turns on a thread of its own: on the caller's it would run the window's
+    // events in the middle of the call. That thread is let go when it is late: Qt looks up the
+    // system's proxy before any time-out of ours can run, and that may hang.
     constexpr std::chrono::seconds grace{1};
     auto answer = std::make_shared<std::promise<bool>>();
     std::future<bool> answered = answer->get_future();
@@ -73,7 +77,8 @@ bool HttpsProbe::ask(const QByteArray& address, std::chrono::milliseconds timeOu
     QTimer::singleShot(timeOut, &loop, &QEventLoop::quit);
     loop.exec();
     const bool hasStatus = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
-    return hasStatus && (count >= kReadLimit || (reply->isFinished() && isFromServer(reply->error())));
+    return hasStatus &&
+           (count >= kReadLimit || (reply->isFinished() && isFromServer(reply->error())));
 }
 
 }  // namespace orrinvale

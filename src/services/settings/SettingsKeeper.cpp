@@ -20,15 +20,18 @@ namespace {
 constexpr std::chrono::milliseconds kSettle{50};  // one save makes several notices
 constexpr std::chrono::milliseconds kSaveDelay{1000};
 
-// The settings themselves, behind a link of the user's; a link that may not be followed stands for itself.
-std::string fileOf(const UserDefaults& defaults) { return defaults.filePath().value_or(defaults.path()); }
+// The settings themselves, behind a link of the user's; a link that may not be followed stands for
+// itself.
+std::string fileOf(const UserDefaults& defaults) {
+    return defaults.filePath().value_or(defaults.path());
+}
 
 // What changes with every new content of the file; zeros while there is none.
 std::array<std::int64_t, 5> stampOf(const std::string& path) {
     struct stat status {};
     if (::lstat(path.c_str(), &status) != 0) return {};
-    return {static_cast<std::int64_t>(status.st_ino), status.st_size, status.st_ctim.tv_sec, status.st_ctim.tv_nsec,
-            static_cast<std::int64_t>(status.st_mode)};
+    return {static_cast<std::int64_t>(status.st_ino), status.st_size, status.st_ctim.tv_sec,
+            status.st_ctim.tv_nsec, static_cast<std::int64_t>(status.st_mode)};
 }
 
 }  // namespace
@@ -39,7 +42,8 @@ struct SettingsKeeper::Link {
     SettingsKeeper* keeper;  // guarded by mutex
 };
 
-SettingsKeeper::SettingsKeeper(UserDefaults& defaults) : m_defaults(defaults), m_link(std::make_shared<Link>()) {
+SettingsKeeper::SettingsKeeper(UserDefaults& defaults)
+    : m_defaults(defaults), m_link(std::make_shared<Link>()) {
     m_link->keeper = this;
     m_takeOverTimer.setSingleShot(true);
     m_takeOverTimer.setInterval(kSettle);
@@ -50,7 +54,8 @@ SettingsKeeper::SettingsKeeper(UserDefaults& defaults) : m_defaults(defaults), m
     connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, startTakeOver);
     connect(&m_takeOverTimer, &QTimer::timeout, this, &SettingsKeeper::takeOver);
     connect(
-        this, &SettingsKeeper::valueSet, this, [this] { m_saveTimer.start(); }, Qt::QueuedConnection);
+        this, &SettingsKeeper::valueSet, this, [this] { m_saveTimer.start(); },
+        Qt::QueuedConnection);
     connect(&m_saveTimer, &QTimer::timeout, this, &SettingsKeeper::save);
     if (auto* const application = QCoreApplication::instance())
         connect(application, &QCoreApplication::aboutToQuit, this, &SettingsKeeper::save);
@@ -72,17 +77,20 @@ SettingsKeeper::~SettingsKeeper() {
     save();
 }
 
-// A replaced file is watched no longer, so this is done again after each change. The folder of a link tells when it leads elsewhere.
+// A replaced file is watched no longer, so this is done again after each change. The folder of a
+// link tells when it leads elsewhere.
 void SettingsKeeper::watch() {
     const std::string file = fileOf(m_defaults);
-    if (DurableFile::makeFolder(folderOf(m_defaults.path()))) watchPath(folderOf(m_defaults.path()));
+    if (DurableFile::makeFolder(folderOf(m_defaults.path())))
+        watchPath(folderOf(m_defaults.path()));
     watchPath(folderOf(file));
     watchPath(file);
 }
 
 void SettingsKeeper::watchPath(const std::string& path) {
     const QString name = QFile::decodeName(path.c_str());
-    const bool isWatched = m_watcher.files().contains(name) || m_watcher.directories().contains(name);
+    const bool isWatched =
+        m_watcher.files().contains(name) || m_watcher.directories().contains(name);
     if (!isWatched && QFile::exists(name)) m_watcher.addPath(name);
 }
 

@@ -12,10 +12,11 @@
 
 namespace orrinvale {
 
-/// While it lives: a change of the file by another process reaches the observers within a moment, on this object's thread; what was
-/// set and not synchronized is written a second after the last change, when the application quits, and at the end of this
-/// object. A failure is logged by UserDefaults and tried again with the next change. Make and end it on a thread with an event loop;
-/// the defaults must outlive it.
+/// While it lives: a change of the file by another process reaches the observers within a moment,
+/// on this object's thread; what was set and not synchronized is written a second after the last
+/// change, when the application quits, and at the end of this object. A failure is logged by
+/// UserDefaults and tried again with the next change. Make and end it on a thread with an event
+/// loop; the defaults must outlive it.
 class SettingsKeeper final : public QObject {
     Q_OBJECT
 public:

@@ -14,7 +14,8 @@
 
 namespace orrinvale {
 
-// A request runs on the worker's thread and gives back what is to be done with its result on the main one.
+// A request runs on the worker's thread and gives back what is to be done with its result on the
+// main one.
 struct VolumeWorker::Shared {
     using Request = std::function<std::function<void()>(Volumes&)>;
 
@@ -83,7 +84,8 @@ void VolumeWorker::ejectAllVolumes(Ejected ended) {
 void VolumeWorker::hasEjectable(std::function<void(bool)> answered) {
     add([answered = std::move(answered)](Volumes& platform) -> std::function<void()> {
         VolumesInfo info(platform);
-        const bool has = std::ranges::any_of(info.volsArray(), [](const auto& each) { return each->bCanEject; });
+        const bool has =
+            std::ranges::any_of(info.volsArray(), [](const auto& each) { return each->bCanEject; });
         return [answered, has] { answered(has); };
     });
 }

@@ -1,4 +1,5 @@
-// VolumeWorker: ejects volumes without holding the window up. engine/volumes/VolumesManager.h does the work.
+// VolumeWorker: ejects volumes without holding the window up. engine/volumes/VolumesManager.h does
+// the work.
 #pragma once
 
 #include <cstdint>
@@ -12,12 +13,14 @@ namespace orrinvale {
 
 class MainQueue;
 
-/// Requests are worked off one after another on a thread of their own, and answered on the main queue in their order: ejecting may
-/// take minutes where a medium has a lot to write. Main thread only. When the object ends, what has begun goes on, what waits is
-/// dropped, and nothing is answered any more.
+/// Requests are worked off one after another on a thread of their own, and answered on the main
+/// queue in their order: ejecting may take minutes where a medium has a lot to write. Main thread
+/// only. When the object ends, what has begun goes on, what waits is dropped, and nothing is
+/// answered any more.
 class VolumeWorker final {
 public:
-    using Ejected = std::function<void(std::int32_t status, const std::vector<EjectFailure>& failures)>;
+    using Ejected =
+        std::function<void(std::int32_t status, const std::vector<EjectFailure>& failures)>;
 
     /// Both outlive the process's last request.
     VolumeWorker(Volumes& platform, MainQueue& mainQueue);

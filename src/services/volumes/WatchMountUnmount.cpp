@@ -5,16 +5,19 @@
 
 namespace orrinvale {
 
-WatchMountUnmount::WatchMountUnmount(NotificationCenter& workspace, const NotificationCenter& standard)
+WatchMountUnmount::WatchMountUnmount(NotificationCenter& workspace,
+                                     const NotificationCenter& standard)
     : m_wsnc(&workspace), m_standard(standard) {
     registerNotifications();
 }
 
 void WatchMountUnmount::registerNotifications() {
-    m_mounted = m_wsnc->addObserver(NSWorkspaceDidMountNotification,
-                                    [this](const Notification& notification) { mountedVolume(notification); });
-    m_unmounted = m_wsnc->addObserver(NSWorkspaceDidUnmountNotification,
-                                      [this](const Notification& notification) { unmountedVolume(notification); });
+    m_mounted = m_wsnc->addObserver(
+        NSWorkspaceDidMountNotification,
+        [this](const Notification& notification) { mountedVolume(notification); });
+    m_unmounted = m_wsnc->addObserver(
+        NSWorkspaceDidUnmountNotification,
+        [this](const Notification& notification) { unmountedVolume(notification); });
 }
 
 void WatchMountUnmount::mountedVolume(const Notification& notification) {

@@ -8,11 +8,12 @@ namespace orrinvale {
 inline constexpr const char* ZvVolumeMountNotification = "ZvVolumeMount";
 inline constexpr const char* ZvVolumeUnmountNotification = "ZvVolumeUnmount";
 
-/// Each notice is posted again at once, on the thread that it comes on, with a `WatchMountUnmount*` as its object and the user
-/// info as it came. For as long as the watcher lives.
+/// Each notice is posted again at once, on the thread that it comes on, with a `WatchMountUnmount*`
+/// as its object and the user info as it came. For as long as the watcher lives.
 class WatchMountUnmount final {
 public:
-    /// Hears the notices of `workspace` (see WorkspaceMounts.h) and posts on `standard`; both outlive the watcher.
+    /// Hears the notices of `workspace` (see WorkspaceMounts.h) and posts on `standard`; both
+    /// outlive the watcher.
     WatchMountUnmount(NotificationCenter& workspace, const NotificationCenter& standard);
     WatchMountUnmount(const WatchMountUnmount&) = delete;
     WatchMountUnmount& operator=(const WatchMountUnmount&) = delete;

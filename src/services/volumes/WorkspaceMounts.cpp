@@ -5,19 +5,22 @@
 
 namespace orrinvale {
 
-WorkspaceMounts::WorkspaceMounts(MountChanges& changes, QObject* parent) : QObject(parent), m_changes(changes) {
+WorkspaceMounts::WorkspaceMounts(MountChanges& changes, QObject* parent)
+    : QObject(parent), m_changes(changes) {
     if (changes.descriptor() < 0) {
         Log::line("The table of mounts can not be watched.");
         return;
     }
-    m_notifier = std::make_unique<QSocketNotifier>(changes.descriptor(), QSocketNotifier::Exception);
+    m_notifier =
+        std::make_unique<QSocketNotifier>(changes.descriptor(), QSocketNotifier::Exception);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, &WorkspaceMounts::post);
 }
 
 void WorkspaceMounts::post() {
     for (const MountChange& each : m_changes.look())
-        m_center.post(each.came ? NSWorkspaceDidMountNotification : NSWorkspaceDidUnmountNotification, {},
-                      {{NSWorkspaceVolumeLocalizedNameKey, each.name}, {NSDevicePath, each.path}});
+        m_center.post(
+            each.came ? NSWorkspaceDidMountNotification : NSWorkspaceDidUnmountNotification, {},
+            {{NSWorkspaceVolumeLocalizedNameKey, each.name}, {NSDevicePath, each.path}});
 }
 
 }  // namespace orrinvale

@@ -19,9 +19,10 @@
 namespace orrinvale {
 namespace {
 
-// Qt keeps what is open in tables by index, and asks them once for each row that it lays out. It files an index under
-// 16 times its row plus its column plus its identifier. With these identifiers a group comes under twice its row and a copy under
-// an odd number, so that the groups, all of which may be open, share no place and a copy is known to be absent at the first look.
+// Qt keeps what is open in tables by index, and asks them once for each row that it lays out. It
+// files an index under 16 times its row plus its column plus its identifier. With these identifiers
+// a group comes under twice its row and a copy under an odd number, so that the groups, all of
+// which may be open, share no place and a copy is known to be absent at the first look.
 constexpr quintptr groupMark = quintptr{1} << (std::numeric_limits<quintptr>::digits - 1);
 
 quintptr groupId(int row) { return (quintptr(0) - quintptr(14) * quintptr(row)) | groupMark; }
@@ -41,18 +42,20 @@ QString shortDate(const std::optional<Date>& date) {
 QStringList specialsOf(const SimpleNodeData& data) {
     QStringList specials;
     if (data.isLink())
-        specials.push_back(data.linkTarget().empty() ? DuplicateResultModel::tr("Reached through a link")
-                                                     : DuplicateResultModel::tr("Reached through a link; it lies at %1")
-                                                           .arg(QString::fromStdString(data.linkTarget())));
+        specials.push_back(data.linkTarget().empty()
+                               ? DuplicateResultModel::tr("Reached through a link")
+                               : DuplicateResultModel::tr("Reached through a link; it lies at %1")
+                                     .arg(QString::fromStdString(data.linkTarget())));
     if (data.hardLinks() > 1)
-        specials.push_back(
-            DuplicateResultModel::tr("One file with %Ln names; its space is free when all of them are gone", nullptr,
-                                     static_cast<int>(data.hardLinks())));
+        specials.push_back(DuplicateResultModel::tr(
+            "One file with %Ln names; its space is free when all of them are gone", nullptr,
+            static_cast<int>(data.hardLinks())));
     return specials;
 }
 
 QString toolTipOf(const SimpleNodeData& data) {
-    return (QStringList(QString::fromStdString(data.name())) + specialsOf(data)).join(QLatin1Char('\n'));
+    return (QStringList(QString::fromStdString(data.name())) + specialsOf(data))
+        .join(QLatin1Char('\n'));
 }
 
 }  // namespace
@@ -70,7 +73,8 @@ void DuplicateResultModel::setTree(TreeNode* tree) {
 void DuplicateResultModel::reorder(const std::function<void()>& change) {
     Q_EMIT layoutAboutToBeChanged();
     const QModelIndexList before = persistentIndexList();
-    std::vector<std::pair<const TreeNode*, const TreeNode*>> nodes;  // the group, and the copy or null
+    std::vector<std::pair<const TreeNode*, const TreeNode*>>
+        nodes;  // the group, and the copy or null
     nodes.reserve(static_cast<std::size_t>(before.size()));
     for (const QModelIndex& index : before) {
         const int groupRow = isTopLevel(index) ? index.row() : groupRowOf(index);
@@ -90,7 +94,8 @@ void DuplicateResultModel::reorder(const std::function<void()>& change) {
     for (qsizetype i = 0; i < before.size(); ++i) {
         const auto [group, copy] = nodes[static_cast<std::size_t>(i)];
         const int column = before[i].column();
-        const int groupRow = std::lower_bound(groupRows.begin(), groupRows.end(), std::pair(group, 0))->second;
+        const int groupRow =
+            std::lower_bound(groupRows.begin(), groupRows.end(), std::pair(group, 0))->second;
         if (copy == nullptr) {
             after.push_back(createIndex(groupRow, column, groupId(groupRow)));
             continue;
@@ -131,12 +136,16 @@ int DuplicateResultModel::rowCount(const QModelIndex& parent) const {
     if (!parent.isValid()) return static_cast<int>(m_tree->numberOfChildren());
     if (!isTopLevel(parent) || parent.column() != 0) return 0;
     const auto row = static_cast<std::size_t>(parent.row());
-    return row < m_tree->numberOfChildren() ? static_cast<int>(m_tree->childAtIndex(row)->numberOfChildren()) : 0;
+    return row < m_tree->numberOfChildren()
+               ? static_cast<int>(m_tree->childAtIndex(row)->numberOfChildren())
+               : 0;
 }
 
 int DuplicateResultModel::columnCount(const QModelIndex& /*parent*/) const { return ColumnCount; }
 
-bool DuplicateResultModel::hasChildren(const QModelIndex& parent) const { return rowCount(parent) > 0; }
+bool DuplicateResultModel::hasChildren(const QModelIndex& parent) const {
+    return rowCount(parent) > 0;
+}
 
 Qt::ItemFlags DuplicateResultModel::flags(const QModelIndex& index) const {
     if (!index.isValid()) return Qt::NoItemFlags;
@@ -150,7 +159,8 @@ QString DuplicateResultModel::text(const TreeNode& node, int column) const {
     const SimpleNodeData& data = *simpleData(node);
     switch (column) {
         case NameColumn: return QString::fromStdString(data.name());
-        case AllSelectNum: return data.isGroup() ? QString::fromStdString(data.showSelectNumStr()) : QString();
+        case AllSelectNum:
+            return data.isGroup() ? QString::fromStdString(data.showSelectNumStr()) : QString();
         case FileSize: return shownSize(UtilityFunction::convertVolSpace(data.fileSize()));
         case ModifyDate: return shortDate(data.ModificationDate());
         default: return {};
@@ -163,7 +173,8 @@ QString DuplicateResultModel::sharedFolder(const TreeNode& group) const {
     std::string_view shared = simpleData(*group.childAtIndex(0))->name();
     for (std::size_t i = 0; i < group.numberOfChildren(); ++i) {
         const std::string& path = simpleData(*group.childAtIndex(i))->name();
-        shared = shared.substr(0, std::size_t(std::ranges::mismatch(shared, path).in1 - shared.begin()));
+        shared =
+            shared.substr(0, std::size_t(std::ranges::mismatch(shared, path).in1 - shared.begin()));
     }
     shared = shared.substr(0, shared.rfind('/') + 1);
     found->second = QString::fromUtf8(shared.data(), qsizetype(shared.size()));
@@ -176,35 +187,44 @@ QVariant DuplicateResultModel::data(const QModelIndex& index, int role) const {
     if (data == nullptr) return {};
     switch (role) {
         case Qt::DisplayRole:
-            // The count of a group without some of its copies ticked is known by heart; drawing it puts it right.
+            // The count of a group without some of its copies ticked is known by heart; drawing it
+            // puts it right.
             if (data->isGroup() && index.column() == AllSelectNum && data->selectNum() != 2)
-                data->setShowSelectNumStr(fmt::format("{}/{}", data->selectNum() == 1 ? shown->numberOfChildren() : 0,
-                                                      shown->numberOfChildren()));
+                data->setShowSelectNumStr(
+                    fmt::format("{}/{}", data->selectNum() == 1 ? shown->numberOfChildren() : 0,
+                                shown->numberOfChildren()));
             return text(*shown, index.column());
         case Qt::ToolTipRole: return asToolTip(toolTipOf(*data));
         case Qt::AccessibleDescriptionRole:
-            return index.column() == NameColumn ? specialsOf(*data).join(QLatin1Char('\n')) : QString();
+            return index.column() == NameColumn ? specialsOf(*data).join(QLatin1Char('\n'))
+                                                : QString();
         case Qt::AccessibleTextRole:
-            return index.column() == Checkbox ? QString::fromStdString(data->name()) : text(*shown, index.column());
+            return index.column() == Checkbox ? QString::fromStdString(data->name())
+                                              : text(*shown, index.column());
         case Qt::TextAlignmentRole:
             return index.column() == FileSize ? QVariant(Qt::AlignRight | Qt::AlignVCenter)
                                               : QVariant(Qt::AlignLeft | Qt::AlignVCenter);
-        case StateRole: return index.column() == Checkbox ? QVariant(data->selectNum()) : QVariant();
+        case StateRole:
+            return index.column() == Checkbox ? QVariant(data->selectNum()) : QVariant();
         case Qt::CheckStateRole:
             return index.column() == Checkbox
-                       ? QVariant(static_cast<int>(checkState(tickState(QVariant(data->selectNum())))))
+                       ? QVariant(
+                             static_cast<int>(checkState(tickState(QVariant(data->selectNum())))))
                        : QVariant();
         case IsGroupRole: return data->isGroup();
-        case SharedFolderRole: return data->isGroup() ? QString() : sharedFolder(*shown->nodeParent());
+        case SharedFolderRole:
+            return data->isGroup() ? QString() : sharedFolder(*shown->nodeParent());
         case LinkRole: return data->isLink();
         case HardLinksRole: return data->hardLinks();
-        case IconRole: return data->iconRep() && m_icons ? QVariant(m_icons(*data->iconRep())) : QVariant();
+        case IconRole:
+            return data->iconRep() && m_icons ? QVariant(m_icons(*data->iconRep())) : QVariant();
         default: return {};
     }
 }
 
 bool DuplicateResultModel::setData(const QModelIndex& index, const QVariant& /*value*/, int role) {
-    if (index.column() != Checkbox || (role != StateRole && role != Qt::CheckStateRole)) return false;
+    if (index.column() != Checkbox || (role != StateRole && role != Qt::CheckStateRole))
+        return false;
     const TreeNode::Pointer clicked = node(index);
     if (!clicked || !m_boxClicked) return false;
     // What the state becomes is not the box's to say: the last clear copy of a group asks first.
@@ -212,10 +232,13 @@ bool DuplicateResultModel::setData(const QModelIndex& index, const QVariant& /*v
     return true;
 }
 
-QVariant DuplicateResultModel::headerData(int section, Qt::Orientation orientation, int role) const {
+QVariant DuplicateResultModel::headerData(int section, Qt::Orientation orientation,
+                                          int role) const {
     if (orientation != Qt::Horizontal) return {};
-    if (role == Qt::TextAlignmentRole && section == FileSize) return QVariant(Qt::AlignRight | Qt::AlignVCenter);
-    // Columns of boxes and pictures have no words over them, but a name for those who do not see them.
+    if (role == Qt::TextAlignmentRole && section == FileSize)
+        return QVariant(Qt::AlignRight | Qt::AlignVCenter);
+    // Columns of boxes and pictures have no words over them, but a name for those who do not see
+    // them.
     const bool isNamed = role == Qt::AccessibleTextRole;
     if (role != Qt::DisplayRole && !isNamed) return {};
     switch (section) {

@@ -1,4 +1,5 @@
-// DuplicateResultModel: the result tree as a view reads it, without a copy of it. ResultRowDelegate.h draws the rows.
+// DuplicateResultModel: the result tree as a view reads it, without a copy of it.
+// ResultRowDelegate.h draws the rows.
 #pragma once
 
 #include <QAbstractItemModel>
@@ -9,8 +10,8 @@
 
 namespace orrinvale {
 
-/// Groups on the first level, their copies on the second. An index holds numbers only, never a pointer into the tree, so a view
-/// that is drawn late shows wrong rows at worst. Main thread only.
+/// Groups on the first level, their copies on the second. An index holds numbers only, never a
+/// pointer into the tree, so a view that is drawn late shows wrong rows at worst. Main thread only.
 class DuplicateResultModel final : public QAbstractItemModel {
     Q_OBJECT
 public:
@@ -21,7 +22,8 @@ public:
         StateRole = Qt::UserRole,  ///< selectNum: 0 nothing, 1 all, 2 some
         IsGroupRole,
         IconRole,          ///< a QIcon, made when it is drawn
-        SharedFolderRole,  ///< of a copy: the folder below which all copies of its group lie, with a slash at its end
+        SharedFolderRole,  ///< of a copy: the folder below which all copies of its group lie, with
+                           ///< a slash at its end
         LinkRole,          ///< the row is a link, or stands behind one
         HardLinksRole      ///< how many names its file has
     };
@@ -35,7 +37,8 @@ public:
     /// Shows another tree, or none. Not owned; it outlives the model or is replaced before.
     void setTree(TreeNode* tree);
 
-    /// Runs what changes the order of the tree, and keeps what a view remembers of its rows: what is open and what is selected.
+    /// Runs what changes the order of the tree, and keeps what a view remembers of its rows: what
+    /// is open and what is selected.
     void reorder(const std::function<void()>& change);
 
     /// States and texts of every row may have changed.
@@ -43,7 +46,8 @@ public:
 
     [[nodiscard]] TreeNode::Pointer node(const QModelIndex& index) const;
 
-    [[nodiscard]] QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
+    [[nodiscard]] QModelIndex index(int row, int column,
+                                    const QModelIndex& parent = {}) const override;
     [[nodiscard]] QModelIndex parent(const QModelIndex& child) const override;
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
@@ -51,7 +55,8 @@ public:
     [[nodiscard]] Qt::ItemFlags flags(const QModelIndex& index) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     bool setData(const QModelIndex& index, const QVariant& value, int role) override;
-    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
+                                      int role) const override;
 
 private:
     [[nodiscard]] QString text(const TreeNode& node, int column) const;
@@ -60,7 +65,8 @@ private:
     IconSource m_icons;
     BoxClicked m_boxClicked;
     TreeNode* m_tree = nullptr;
-    // Of the groups that were drawn: a group may have a hundred thousand copies, and all of them have to be asked.
+    // Of the groups that were drawn: a group may have a hundred thousand copies, and all of them
+    // have to be asked.
     mutable std::unordered_map<const TreeNode*, QString> m_sharedFolders;
 };
 

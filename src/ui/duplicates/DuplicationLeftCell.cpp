@@ -21,13 +21,15 @@ constexpr int iconSide = 16;
 
 // The light highlight is fixed; on a dark page it would outshine the text.
 QColor highlight() {
-    return Theme::shared().scheme() == Theme::Scheme::Light ? getColor(225, 231, 239, 1)
-                                                            : Theme::shared().color(Theme::Color::Selection);
+    return Theme::shared().scheme() == Theme::Scheme::Light
+               ? getColor(225, 231, 239, 1)
+               : Theme::shared().color(Theme::Color::Selection);
 }
 
 }  // namespace
 
-DuplicationLeftCell::DuplicationLeftCell(std::int32_t rowViewNum, const QString& title, const QString& picture,
+DuplicationLeftCell::DuplicationLeftCell(std::int32_t rowViewNum, const QString& title,
+                                         const QString& picture,
                                          const NotificationCenter& notifications, QWidget* parent)
     : QWidget(parent),
       m_rowViewNum(rowViewNum),
@@ -38,7 +40,9 @@ DuplicationLeftCell::DuplicationLeftCell(std::int32_t rowViewNum, const QString&
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_Hover);
     setObjectName(QStringLiteral("leftCell%1").arg(rowViewNum));
-    setAccessibleTraits(*this, {.role = QAccessible::ListItem, .isSelectable = true, .press = [this] { choose(); }});
+    setAccessibleTraits(
+        *this,
+        {.role = QAccessible::ListItem, .isSelectable = true, .press = [this] { choose(); }});
     setAccessiblySelected(*this, m_isSelected);
     connect(&Theme::shared(), &Theme::changed, this, [this] { update(); });
     setSizeTextFieldString(shownSize("0.00K"));
@@ -102,6 +106,8 @@ void DuplicationLeftCell::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-void DuplicationLeftCell::choose() { m_notifications.post("refViewBgColor", UserInfo{{"rowNum", m_rowViewNum}}); }
+void DuplicationLeftCell::choose() {
+    m_notifications.post("refViewBgColor", UserInfo{{"rowNum", m_rowViewNum}});
+}
 
 }  // namespace orrinvale

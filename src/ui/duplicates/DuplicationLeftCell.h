@@ -8,8 +8,9 @@ namespace orrinvale {
 
 class NotificationCenter;
 
-/// A click, or space and Enter with the focus on it, posts "refViewBgColor" with a UserInfo as object that holds the row, an
-/// std::int32_t, under "rowNum". Up and down go to the rows beside it. Main thread only.
+/// A click, or space and Enter with the focus on it, posts "refViewBgColor" with a UserInfo as
+/// object that holds the row, an std::int32_t, under "rowNum". Up and down go to the rows beside
+/// it. Main thread only.
 class DuplicationLeftCell final : public QWidget {
     Q_OBJECT
 public:

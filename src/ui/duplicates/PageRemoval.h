@@ -1,4 +1,5 @@
-// PageRemoval: one removal of the duplicate page, while it runs and for as long as its result is told.
+// PageRemoval: one removal of the duplicate page, while it runs and for as long as its result is
+// told.
 #pragma once
 
 #include <memory>

@@ -24,7 +24,9 @@ int dateColumnWidth() {
     QString text = QLocale().toString(wide, QLocale::ShortFormat);
     // Digits differ in width; the date that is shown may have the widest throughout.
     const QFontMetrics metrics(Theme::shared().font(Theme::Text::Body));
-    const auto narrower = [&](QChar a, QChar b) { return metrics.horizontalAdvance(a) < metrics.horizontalAdvance(b); };
+    const auto narrower = [&](QChar a, QChar b) {
+        return metrics.horizontalAdvance(a) < metrics.horizontalAdvance(b);
+    };
     const QString digits = QStringLiteral("0123456789");
     const QChar widest = *std::max_element(digits.begin(), digits.end(), narrower);
     for (QChar& letter : text)
@@ -35,7 +37,8 @@ int dateColumnWidth() {
 }  // namespace
 
 ResultOutline::ResultOutline(QWidget* parent)
-    : TickOutline({DuplicateResultModel::Checkbox, DuplicateResultModel::StateRole}, new FlatHeader, parent) {
+    : TickOutline({DuplicateResultModel::Checkbox, DuplicateResultModel::StateRole}, new FlatHeader,
+                  parent) {
     setObjectName(QStringLiteral("outline"));
     setAccessibleName(tr("Groups of duplicates"));
     setItemDelegate(new ResultRowDelegate(this));

@@ -1,4 +1,5 @@
-// ResultRowDelegate: draws the rows of the result: the picture, a path with its folder in the background, figures.
+// ResultRowDelegate: draws the rows of the result: the picture, a path with its folder in the
+// background, figures.
 #pragma once
 
 #include <QStyledItemDelegate>
@@ -13,8 +14,10 @@ public:
 
     using QStyledItemDelegate::QStyledItemDelegate;
 
-    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
-    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
+    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option,
+                                 const QModelIndex& index) const override;
 };
 
 }  // namespace orrinvale

@@ -1,4 +1,5 @@
-// SameFileDeleteViewController: the removal on a worker, the upkeep of tree and totals meanwhile, and the padlock.
+// SameFileDeleteViewController: the removal on a worker, the upkeep of tree and totals meanwhile,
+// and the padlock.
 #include <QLabel>
 #include <QLocale>
 #include <QStackedWidget>
@@ -30,10 +31,11 @@ namespace orrinvale {
 namespace {
 
 // As the main thread leaves it alone, and as it is compared: by the setting.
-std::shared_ptr<RemovalPlan> planOf(const FileSystem& files, const std::vector<TreeNode::Pointer>& ticked) {
+std::shared_ptr<RemovalPlan> planOf(const FileSystem& files,
+                                    const std::vector<TreeNode::Pointer>& ticked) {
     const bool compares = PreferenceViewController::compareBeforeRemoving();
-    return std::make_shared<RemovalPlan>(files, ticked,
-                                         compares ? RemovalPlan::Comparing::Always : RemovalPlan::Comparing::Never);
+    return std::make_shared<RemovalPlan>(
+        files, ticked, compares ? RemovalPlan::Comparing::Always : RemovalPlan::Comparing::Never);
 }
 
 }  // namespace
@@ -67,7 +69,8 @@ void SameFileDeleteViewController::doRemoveDuplicateAction() {
     delDuplicateItems();
     m_views->stopBtn->setEnabled(false);
     const QWidget& basket = *m_views->trashBtn;
-    showDisappearingEffect(*m_views->detailView, basket.mapTo(m_views->detailView, basket.rect().center()));
+    showDisappearingEffect(*m_views->detailView,
+                           basket.mapTo(m_views->detailView, basket.rect().center()));
 }
 
 void SameFileDeleteViewController::delDuplicateItems() {
@@ -90,23 +93,26 @@ void SameFileDeleteViewController::delDuplicateItems() {
 
     m_removal->plan = planOf(*m_parts.files, m_removal->ticked);
     m_removal->job = std::make_unique<RemovalJob>(
-        RemovalJob::Parts{m_parts.files, m_parts.mainQueue, &QnAuthorization::makeDoor, m_parts.stateFolder},
+        RemovalJob::Parts{m_parts.files, m_parts.mainQueue, &QnAuthorization::makeDoor,
+                          m_parts.stateFolder},
         m_removal->plan, [this] { removalNews(); });
 }
 
 void SameFileDeleteViewController::deleteUpView() {
     if (!m_removal || !m_removal->job) return;
     const RemovalJob::Progress progress = m_removal->job->progress();
-    const QString shown =
-        progress.isWaiting ? tr("Waiting for another removal to end") : QString::fromStdString(progress.current);
+    const QString shown = progress.isWaiting ? tr("Waiting for another removal to end")
+                                             : QString::fromStdString(progress.current);
     m_views->nameTextStr->setText(shown.isEmpty() ? QStringLiteral(" ") : shown);
-    m_views->imageView->setPixmap(picturePixmap(QStringLiteral("loading_%1").arg(m_progressNum), QSize(64, 64),
+    m_views->imageView->setPixmap(picturePixmap(QStringLiteral("loading_%1").arg(m_progressNum),
+                                                QSize(64, 64),
                                                 m_views->imageView->devicePixelRatioF()));
     constexpr std::int32_t pictures = 12;
     m_progressNum = m_progressNum % pictures + 1;
-    const QString done = m_removal->plan->compares() ? tr("Compared again and removed: %1 of %2") : tr("%1 of %2");
-    m_views->countsLabel->setText(
-        done.arg(QLocale().toString(qulonglong(progress.done)), QLocale().toString(qulonglong(progress.of))));
+    const QString done =
+        m_removal->plan->compares() ? tr("Compared again and removed: %1 of %2") : tr("%1 of %2");
+    m_views->countsLabel->setText(done.arg(QLocale().toString(qulonglong(progress.done)),
+                                           QLocale().toString(qulonglong(progress.of))));
 }
 
 void SameFileDeleteViewController::removalNews() {
@@ -120,7 +126,8 @@ void SameFileDeleteViewController::removalNews() {
     deleteFinished();
 }
 
-void SameFileDeleteViewController::refreshOutlineView(const std::vector<RemovalJob::Settled>& settled) {
+void SameFileDeleteViewController::refreshOutlineView(
+    const std::vector<RemovalJob::Settled>& settled) {
     std::vector<TreeNode::Pointer> gone;
     std::vector<RemovalPlan::Excuse> excuses;
     for (const RemovalJob::Settled& each : settled) {
@@ -153,14 +160,16 @@ void SameFileDeleteViewController::deleteFinished() {
     m_isClickStopRemove = false;
     m_bSearchFinished = true;
 
-    for (QWidget* const hidden :
-         {views.loadPathView, static_cast<QWidget*>(views.animation), static_cast<QWidget*>(views.stopRemoveBtn)})
+    for (QWidget* const hidden : {views.loadPathView, static_cast<QWidget*>(views.animation),
+                                  static_cast<QWidget*>(views.stopRemoveBtn)})
         hidden->hide();
-    for (QWidget* const shown : {static_cast<QWidget*>(views.titleLabel), static_cast<QWidget*>(views.openBtn),
-                                 static_cast<QWidget*>(views.RevealFinder), static_cast<QWidget*>(views.pathChoseBtn)})
+    for (QWidget* const shown :
+         {static_cast<QWidget*>(views.titleLabel), static_cast<QWidget*>(views.openBtn),
+          static_cast<QWidget*>(views.RevealFinder), static_cast<QWidget*>(views.pathChoseBtn)})
         shown->show();
     for (QWidget* const enabled :
-         {static_cast<QWidget*>(views.pathChoseBtn), static_cast<QWidget*>(views.animationHoverImageView),
+         {static_cast<QWidget*>(views.pathChoseBtn),
+          static_cast<QWidget*>(views.animationHoverImageView),
           static_cast<QWidget*>(views.openBtn), static_cast<QWidget*>(views.RevealFinder),
           static_cast<QWidget*>(views.lockButton), static_cast<QWidget*>(views.backButton)})
         enabled->setEnabled(true);
@@ -200,7 +209,8 @@ void SameFileDeleteViewController::showRemovalEnded() {
 
 void SameFileDeleteViewController::showFailures() {
     if (!m_removal || !m_bSearchFinished) return;
-    showLineList(m_mainWindow, tr("Could not be removed"), linesByReason(m_removal->outcome.stayed));
+    showLineList(m_mainWindow, tr("Could not be removed"),
+                 linesByReason(m_removal->outcome.stayed));
 }
 
 void SameFileDeleteViewController::stopRemoveBtnClicked() {
@@ -211,12 +221,14 @@ void SameFileDeleteViewController::stopRemoveBtnClicked() {
     m_views->titleLabel->hide();
     m_views->stopBtn->show();
     m_views->animation->show();
-    for (QWidget* const hidden : {static_cast<QWidget*>(m_views->pathChoseBtn), static_cast<QWidget*>(m_views->openBtn),
-                                  static_cast<QWidget*>(m_views->RevealFinder)})
+    for (QWidget* const hidden :
+         {static_cast<QWidget*>(m_views->pathChoseBtn), static_cast<QWidget*>(m_views->openBtn),
+          static_cast<QWidget*>(m_views->RevealFinder)})
         hidden->hide();
 }
 
-// The person's answer may take minutes, so that the wait is on a worker; the padlock rests meanwhile.
+// The person's answer may take minutes, so that the wait is on a worker; the padlock rests
+// meanwhile.
 void SameFileDeleteViewController::unlockRigths() {
     if (!m_bSearchFinished || m_unlocking != nullptr) {
         changeLockState();
@@ -230,13 +242,16 @@ void SameFileDeleteViewController::unlockRigths() {
         return;
     }
     m_views->lockButton->setEnabled(false);
-    const auto granted = std::make_shared<bool>(false);  // written before the end method, read in it
+    const auto granted =
+        std::make_shared<bool>(false);  // written before the end method, read in it
     m_unlocking = ThreadWorker::workOn(
         {granted, "<SameFileDeleteViewController>"},
         {"allocAuthorization", ThreadWorker::Task([granted](const std::any& /*nothing*/) {
              *granted = QnAuthorization::shareQnAuthorization().allocAuthorization();
          })},
-        {}, [self = QPointer(this), granted, notifications = m_parts.notifications](const std::any& /*nothing*/) {
+        {},
+        [self = QPointer(this), granted,
+         notifications = m_parts.notifications](const std::any& /*nothing*/) {
             UtilityObject::getMyObject().setIsOpenLocked(*granted);
             if (self != nullptr) {
                 self->m_unlocking.reset();
@@ -257,7 +272,8 @@ void SameFileDeleteViewController::changeLockState() {
     padlock.setChecked(isOpen);
     padlock.setImage(isOpen ? QStringLiteral("ic_unlock") : QStringLiteral("ic_lock"));
     padlock.setIconSize({20, 20});
-    const std::string refusal = isOpen ? std::string() : QnAuthorization::shareQnAuthorization().refusalText();
+    const std::string refusal =
+        isOpen ? std::string() : QnAuthorization::shareQnAuthorization().refusalText();
     QString toolTip = tr("Click lock to get a higer privileges.");
     if (!refusal.empty()) toolTip += QLatin1Char('\n') + QString::fromStdString(refusal);
     padlock.setToolTip(toolTip);

@@ -1,4 +1,5 @@
-// SameFileDeleteViewController: what is done with one row: choosing, opening, showing, sorting, and its menu.
+// SameFileDeleteViewController: what is done with one row: choosing, opening, showing, sorting, and
+// its menu.
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QHeaderView>
@@ -23,7 +24,8 @@ std::string SameFileDeleteViewController::pathOf(const QModelIndex& index) const
     const TreeNode::Pointer node = m_model->node(index);
     if (!node) return {};
     if (!simpleData(*node)->isGroup()) return simpleData(*node)->name();
-    return node->numberOfChildren() != 0 ? simpleData(*node->childAtIndex(0))->name() : std::string();
+    return node->numberOfChildren() != 0 ? simpleData(*node->childAtIndex(0))->name()
+                                         : std::string();
 }
 
 std::string SameFileDeleteViewController::previewBeside(int step) {
@@ -56,7 +58,8 @@ void SameFileDeleteViewController::didClickTableColumn(int column) {
 
 void SameFileDeleteViewController::sortTree(int column) {
     using Model = DuplicateResultModel;
-    const bool isSortable = column == Model::NameColumn || column == Model::FileSize || column == Model::ModifyDate;
+    const bool isSortable =
+        column == Model::NameColumn || column == Model::FileSize || column == Model::ModifyDate;
     auto& sorting = m_sortings.at(static_cast<std::size_t>(m_remberWitchSelect));
     sorting.reset();
     if (isSortable) sorting = {column, m_sortDescending ? Qt::DescendingOrder : Qt::AscendingOrder};
@@ -67,7 +70,8 @@ void SameFileDeleteViewController::sortTree(int column) {
                         : column == Model::FileSize ? SortKey::Size
                                                     : SortKey::Date;
     const QModelIndex current = m_views->outline->currentIndex();
-    const TreeNode::Pointer chosen = m_model->node(current.parent().isValid() ? current.parent() : current);
+    const TreeNode::Pointer chosen =
+        m_model->node(current.parent().isValid() ? current.parent() : current);
     m_model->reorder([&] {
         m_leafSort.begin(*m_treeData, key, m_sortDescending);
         // The view remembers the chosen row by its place, and nothing of other groups.
@@ -112,16 +116,19 @@ void SameFileDeleteViewController::showRowMenu(const QModelIndex& index, QPoint 
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->addAction(tr("Preview"), this, [this] { openFinderBtnClicked(); });
     menu->addAction(tr("Show in Folder"), this, [this] { RevealInFinderBtnClicked(); });
-    menu->addAction(tr("Copy Path"), this,
-                    [path] { QGuiApplication::clipboard()->setText(QString::fromStdString(path)); });
-    menu->addSeparator();
-    menu->addAction(tr("Tick All but This One"), this, [this, leaf = node, number = m_resultNumber] {
-        if (!m_bSearchFinished || number != m_resultNumber || leaf->nodeParent() == nullptr) return;
-        m_selection.tickAllBut(*leaf);
-        setRemoveButtonState();
-        changeAllSelectCheckBoxState();
-        m_model->refresh();
+    menu->addAction(tr("Copy Path"), this, [path] {
+        QGuiApplication::clipboard()->setText(QString::fromStdString(path));
     });
+    menu->addSeparator();
+    menu->addAction(
+        tr("Tick All but This One"), this, [this, leaf = node, number = m_resultNumber] {
+            if (!m_bSearchFinished || number != m_resultNumber || leaf->nodeParent() == nullptr)
+                return;
+            m_selection.tickAllBut(*leaf);
+            setRemoveButtonState();
+            changeAllSelectCheckBoxState();
+            m_model->refresh();
+        });
     menu->popup(position);
 }
 

@@ -1,4 +1,5 @@
-// SameFileDeleteViewController: the boxes, the views by type, and the titles. DuplicateSelection holds the rules.
+// SameFileDeleteViewController: the boxes, the views by type, and the titles. DuplicateSelection
+// holds the rules.
 #include <QLabel>
 #include <QLocale>
 
@@ -17,13 +18,16 @@
 namespace orrinvale {
 namespace {
 
-QString toText(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+QString toText(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
 
 // "file" stands where there is nothing to count, and not with one.
 QString selectedText(std::size_t selected, bool isAnything) {
     const int number = static_cast<int>(selected);
-    return isAnything ? SameFileDeleteViewController::tr("selected %n files in All", nullptr, number)
-                      : SameFileDeleteViewController::tr("selected %n file in All", nullptr, number);
+    return isAnything
+               ? SameFileDeleteViewController::tr("selected %n files in All", nullptr, number)
+               : SameFileDeleteViewController::tr("selected %n file in All", nullptr, number);
 }
 
 }  // namespace
@@ -42,18 +46,22 @@ void SameFileDeleteViewController::refViewBgColor(std::int32_t row) {
     finishSorting();
     m_remberWitchSelect = row;
     m_treeData = m_results.tree(static_cast<std::size_t>(row));
-    m_views->rightImageView->setPicture(toText(resultRows.at(static_cast<std::size_t>(row)).picture));
-    // While a removal changes the trees nothing looks at them; at its end the list gets the view that was chosen last.
+    m_views->rightImageView->setPicture(
+        toText(resultRows.at(static_cast<std::size_t>(row)).picture));
+    // While a removal changes the trees nothing looks at them; at its end the list gets the view
+    // that was chosen last.
     if (!isRemoving()) m_model->setTree(m_treeData);
     showSortIndicator();
     if (m_treeData != nullptr) {
         changeAllSelectCheckBoxState();
         if (m_model->rowCount() > 0) m_views->outline->expand(m_model->index(0, 0));
     }
-    for (DuplicationLeftCell* const cell : m_views->leftCells) cell->setHiglightImage(cell->rowViewNum() == row);
+    for (DuplicationLeftCell* const cell : m_views->leftCells)
+        cell->setHiglightImage(cell->rowViewNum() == row);
 }
 
-void SameFileDeleteViewController::showSelectCountWithFileCount(std::size_t count, const QString& pathName) {
+void SameFileDeleteViewController::showSelectCountWithFileCount(std::size_t count,
+                                                                const QString& pathName) {
     const QString first = tr("%n files in %1", nullptr, static_cast<int>(count)).arg(pathName);
     const QString second = selectedText(m_selection.allSelectNumArr().size(), count != 0);
     m_views->titleLabel->setText(QStringLiteral("%1, %2.").arg(first, second));
@@ -61,13 +69,16 @@ void SameFileDeleteViewController::showSelectCountWithFileCount(std::size_t coun
 }
 
 void SameFileDeleteViewController::setSelectCount() {
-    // What stands before the first comma is the count of the view; a folder with a comma in its name loses its tail here.
+    // What stands before the first comma is the count of the view; a folder with a comma in its
+    // name loses its tail here.
     const QString first = m_views->titleLabel->text().section(QLatin1Char(','), 0, 0);
     const std::size_t selected = m_selection.allSelectNumArr().size();
-    m_views->titleLabel->setText(QStringLiteral("%1, %2.").arg(first, selectedText(selected, selected != 0)));
+    m_views->titleLabel->setText(
+        QStringLiteral("%1, %2.").arg(first, selectedText(selected, selected != 0)));
 }
 
-void SameFileDeleteViewController::boxClicked(const TreeNode::Pointer& node, const QModelIndex& index) {
+void SameFileDeleteViewController::boxClicked(const TreeNode::Pointer& node,
+                                              const QModelIndex& index) {
     if (!m_bSearchFinished) return;
     m_checkBoxItem = index;
     finishSorting();
@@ -93,10 +104,12 @@ void SameFileDeleteViewController::setSelectState(const TreeNode::Pointer& leaf)
             question.buttons = QStringList{tr("OK"), tr("Cancel")};
             question.cancelButton = 1;
             question.severity = Alert::Severity::Warning;
-            m_parts.dialogs->alert(m_mainWindow, question,
-                                   [self = QPointer(this), leaf, number = m_resultNumber](int button) {
-                                       if (self != nullptr) self->alertEnded_context(button == 0 ? 1 : 0, leaf, number);
-                                   });
+            m_parts.dialogs->alert(
+                m_mainWindow, question,
+                [self = QPointer(this), leaf, number = m_resultNumber](int button) {
+                    if (self != nullptr)
+                        self->alertEnded_context(button == 0 ? 1 : 0, leaf, number);
+                });
             break;
         }
     }
@@ -105,7 +118,9 @@ void SameFileDeleteViewController::setSelectState(const TreeNode::Pointer& leaf)
 void SameFileDeleteViewController::alertEnded_context(int code, const TreeNode::Pointer& leaf,
                                                       std::uint64_t resultNumber) {
     // The tree, or the leaf's place in it, may have gone while the question stood.
-    if (code != 1 || resultNumber != m_resultNumber || leaf->nodeParent() == nullptr || !m_bSearchFinished) return;
+    if (code != 1 || resultNumber != m_resultNumber || leaf->nodeParent() == nullptr ||
+        !m_bSearchFinished)
+        return;
     m_selection.tickLast(leaf);
     changeAllSelectCheckBoxState();
     m_model->refresh();
@@ -136,10 +151,12 @@ void SameFileDeleteViewController::showGain() {
     const TickedSums& sums = m_selection.sums();
     QLabel& label = *m_views->gainLabel;
     label.setVisible(sums.copies != 0);
-    label.setText(sums.bytes == 0
-                      ? tr("Nothing can be gained")
-                      : tr("%1 can be gained").arg(shownSize(UtilityFunction::convertVolSpace(sums.bytes))));
-    label.setToolTip(tr("A file with several names counts once, and only when all its names are ticked."));
+    label.setText(
+        sums.bytes == 0
+            ? tr("Nothing can be gained")
+            : tr("%1 can be gained").arg(shownSize(UtilityFunction::convertVolSpace(sums.bytes))));
+    label.setToolTip(
+        tr("A file with several names counts once, and only when all its names are ticked."));
 }
 
 Alert SameFileDeleteViewController::questionAboutTicked() const {
@@ -147,7 +164,8 @@ Alert SameFileDeleteViewController::questionAboutTicked() const {
     const auto outside = static_cast<int>(m_selection.sums().outside);
     if (outside == 1) question.text = tr("1 of them lies outside of the folder that was searched.");
     else if (outside > 1)
-        question.text = tr("%Ln of them lie outside of the folder that was searched.", nullptr, outside);
+        question.text =
+            tr("%Ln of them lie outside of the folder that was searched.", nullptr, outside);
     return question;
 }
 
@@ -173,13 +191,15 @@ void SameFileDeleteViewController::forgetClearedKinds() {
     }
 }
 
-// The first row shows all kinds: there the box has ticked what is ticked when that is so of each kind with ticks.
+// The first row shows all kinds: there the box has ticked what is ticked when that is so of each
+// kind with ticks.
 bool SameFileDeleteViewController::isTickedByHeader() const {
     const auto view = static_cast<std::size_t>(m_remberWitchSelect);
     if (view != 0) return m_tickedByHeader[view];
     for (std::size_t row = 1; row < m_tickedByHeader.size(); ++row) {
         const SimpleTreeNode* const tree = m_results.tree(row);
-        if (!m_tickedByHeader[row] && tree != nullptr && DuplicateSelection::hasTicks(*tree)) return false;
+        if (!m_tickedByHeader[row] && tree != nullptr && DuplicateSelection::hasTicks(*tree))
+            return false;
     }
     return true;
 }
@@ -192,7 +212,8 @@ void SameFileDeleteViewController::setTickedByHeader(bool on) {
 }
 
 void SameFileDeleteViewController::setAllSelectOrNoSelect() {
-    // The box shows "some" both for what it has ticked itself, which the next click clears, and for ticks made by hand.
+    // The box shows "some" both for what it has ticked itself, which the next click clears, and for
+    // ticks made by hand.
     const bool wasClear = m_treeData == nullptr || !DuplicateSelection::hasTicks(*m_treeData);
     const bool on = wasClear || !isTickedByHeader();
     if (m_treeData == nullptr || m_treeData->numberOfChildren() == 0 || !m_bSearchFinished) {
@@ -209,7 +230,8 @@ void SameFileDeleteViewController::setAllSelectOrNoSelect() {
 }
 
 void SameFileDeleteViewController::updateCheckBox() {
-    // After a stop nothing is selected any more, in whatever view it was ticked; else what failed stays ticked in the other views.
+    // After a stop nothing is selected any more, in whatever view it was ticked; else what failed
+    // stays ticked in the other views.
     TreeNode* const cleared = m_isClickStopRemove ? m_results.tree(0) : m_treeData;
     if (cleared != nullptr) m_selection.clearTree(*cleared);
     m_selection.allSelectNumArr().removeOrphans();

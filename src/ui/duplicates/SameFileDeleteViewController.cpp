@@ -1,4 +1,5 @@
-// SameFileDeleteViewController: choosing a folder, the search, and how it ends. See the header for the other sources.
+// SameFileDeleteViewController: choosing a folder, the search, and how it ends. See the header for
+// the other sources.
 #include "ui/duplicates/SameFileDeleteViewController.h"
 
 #include <QDir>
@@ -36,7 +37,8 @@
 namespace orrinvale {
 namespace {
 
-// What a new search no longer shows. Moved out of the page, so that whichever thread holds it last frees it.
+// What a new search no longer shows. Moved out of the page, so that whichever thread holds it last
+// frees it.
 struct Leftovers {
     void free() {
         removal.reset();
@@ -54,26 +56,30 @@ QString bytesToText(const std::string& bytes) { return QString::fromStdString(by
 
 }  // namespace
 
-SameFileDeleteViewController::SameFileDeleteViewController(SameFileDeleteParts parts, QObject* parent)
+SameFileDeleteViewController::SameFileDeleteViewController(SameFileDeleteParts parts,
+                                                           QObject* parent)
     : QObject(parent),
       m_parts(std::move(parts)),
       m_views(std::make_unique<SameFileDeleteViews>(*m_parts.notifications)),
       m_model(std::make_unique<DuplicateResultModel>(
-          m_parts.icons, [this](const TreeNode::Pointer& node, const QModelIndex& index) { boxClicked(node, index); })),
+          m_parts.icons, [this](const TreeNode::Pointer& node,
+                                const QModelIndex& index) { boxClicked(node, index); })),
       m_flight(*m_views->detailView) {
     m_views->outline->setModel(m_model.get());
-    for (DragView* const area : {m_views->dragView, m_views->resultDragView}) area->setDelegate(this);
+    for (DragView* const area : {m_views->dragView, m_views->resultDragView})
+        area->setDelegate(this);
     m_flight.setDelegate(this);
     m_searchPath = QFile::encodeName(QDir::homePath()).toStdString();
     m_views->titleLabel->setText(bytesToText(m_searchPath));
     showPercent(0);
     connectControls();
-    m_observations.push_back(m_parts.notifications->addObserver("refViewBgColor", [this](const Notification& notice) {
-        const auto* const info = std::any_cast<UserInfo>(&notice.object);
-        if (info == nullptr) return;
-        const auto row = info->find("rowNum");
-        if (row != info->end()) refViewBgColor(std::any_cast<std::int32_t>(row->second));
-    }));
+    m_observations.push_back(
+        m_parts.notifications->addObserver("refViewBgColor", [this](const Notification& notice) {
+            const auto* const info = std::any_cast<UserInfo>(&notice.object);
+            if (info == nullptr) return;
+            const auto row = info->find("rowNum");
+            if (row != info->end()) refViewBgColor(std::any_cast<std::int32_t>(row->second));
+        }));
     m_observations.push_back(m_parts.notifications->addObserver(
         "changeLockState", [this](const Notification& /*notice*/) { changeLockState(); }));
     changeLockState();
@@ -108,8 +114,10 @@ void SameFileDeleteViewController::connectControls() {
     connect(views.logoButton, &QAbstractButton::clicked, this, &Self::openHttpOfQuennet);
     connect(views.quietLine, &QAbstractButton::clicked, this, &Self::showSkipped);
     connect(views.failureLine, &QAbstractButton::clicked, this, &Self::showFailures);
-    connect(views.outline->selectionModel(), &QItemSelectionModel::currentRowChanged, this, &Self::shouldSelectItem);
-    connect(views.outline->header(), &QHeaderView::sectionClicked, this, &Self::didClickTableColumn);
+    connect(views.outline->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            &Self::shouldSelectItem);
+    connect(views.outline->header(), &QHeaderView::sectionClicked, this,
+            &Self::didClickTableColumn);
     connect(views.outline, &ResultOutline::menuWanted, this, &Self::showRowMenu);
     connect(views.outline, &ResultOutline::previewWanted, this, &Self::openFinderBtnClicked);
     m_newTimer.setInterval(100);
@@ -125,13 +133,16 @@ void SameFileDeleteViewController::clickScanBtn() {
     PathChoice choice;
     choice.directory = m_searchPath;
     choice.withSeveral = true;
-    m_parts.dialogs->choosePaths(m_mainWindow, choice, [self = QPointer(this)](std::vector<std::string> paths) {
-        if (self != nullptr && !paths.empty()) self->searchFolder(paths.front(), paths.size() > 1);
-    });
+    m_parts.dialogs->choosePaths(m_mainWindow, choice,
+                                 [self = QPointer(this)](std::vector<std::string> paths) {
+                                     if (self != nullptr && !paths.empty())
+                                         self->searchFolder(paths.front(), paths.size() > 1);
+                                 });
 }
 
 void SameFileDeleteViewController::folderDropped(const std::string& path, bool isOneOfSeveral) {
-    const auto attributes = m_parts.files->attributes(FileSystem::noParent, path.c_str(), Links::Follow);
+    const auto attributes =
+        m_parts.files->attributes(FileSystem::noParent, path.c_str(), Links::Follow);
     if (!attributes || attributes->type != FileType::Folder || !m_bSearchFinished) return;
     if (m_selection.allSelectNumArr().empty() || !m_views->detailView->isVisible()) {
         searchFolder(path, isOneOfSeveral);
@@ -139,19 +150,23 @@ void SameFileDeleteViewController::folderDropped(const std::string& path, bool i
     }
     Alert question;
     question.title = tr("Search another folder?");
-    question.text = tr("What is ticked here is forgotten, and nothing is removed. To be searched: %1")
-                        .arg(onOneLine(bytesToText(path)));
+    question.text =
+        tr("What is ticked here is forgotten, and nothing is removed. To be searched: %1")
+            .arg(onOneLine(bytesToText(path)));
     question.buttons = QStringList{tr("Search"), tr("Cancel")};
     question.cancelButton = 1;
-    m_parts.dialogs->alert(m_mainWindow, question, [self = QPointer(this), path, isOneOfSeveral](int button) {
-        if (self != nullptr && button == 0) self->searchFolder(path, isOneOfSeveral);
-    });
+    m_parts.dialogs->alert(m_mainWindow, question,
+                           [self = QPointer(this), path, isOneOfSeveral](int button) {
+                               if (self != nullptr && button == 0)
+                                   self->searchFolder(path, isOneOfSeveral);
+                           });
 }
 
 void SameFileDeleteViewController::searchFolder(const std::string& path, bool isOneOfSeveral) {
     if (!m_bSearchFinished) return;
     updatePathString(path);
-    for (QLabel* const label : {m_views->onlyOneLabel, static_cast<QLabel*>(m_views->onlyOneNote)}) {
+    for (QLabel* const label :
+         {m_views->onlyOneLabel, static_cast<QLabel*>(m_views->onlyOneNote)}) {
         label->setText(tr("One folder at a time: only %1 is searched").arg(onOneLine(rowLabel(0))));
         label->setVisible(isOneOfSeveral);
     }
@@ -165,7 +180,8 @@ void SameFileDeleteViewController::updatePathString(const std::string& path) {
     m_searchPath = path;
     const QString shown = bytesToText(path);
     constexpr int longest = 25;
-    m_views->titleLabel->setText(shown.size() > longest ? shown.left(longest) + QStringLiteral("...") : shown);
+    m_views->titleLabel->setText(
+        shown.size() > longest ? shown.left(longest) + QStringLiteral("...") : shown);
     m_views->titleLabel->setToolTip(shown);
 }
 
@@ -199,7 +215,8 @@ void SameFileDeleteViewController::searchBtnClicked() {
     views.animation->startUpdatePrograss();
     m_tickedByHeader.reset();
     showHeaderBox({});
-    // Hundreds of thousands of rows take long to free, so that the searching thread does it, before it begins.
+    // Hundreds of thousands of rows take long to free, so that the searching thread does it, before
+    // it begins.
     const auto old = std::make_shared<Leftovers>();
     old->search = std::move(m_duplicateOpt);
     old->removal = std::move(m_removal);
@@ -218,20 +235,21 @@ void SameFileDeleteViewController::searchBtnClicked() {
     constexpr std::uint64_t anySize = 0;
     // Sorted into its views where the search runs: nothing shows it yet.
     const auto found = std::make_shared<ResultViews>();
-    m_twDuplicateSearch =
-        ThreadWorker::workOn({m_duplicateOpt, "<SameFileDeleteViewController>"},
-                             {"searchDuplicateFiles:worker:",
-                              ThreadWorker::CancellableTask([search = m_duplicateOpt, found, old](
-                                                                const std::any& path, ThreadWorker& /*worker*/) {
-                                  old->free();
-                                  search->beginSearchAtPath(std::any_cast<const std::string&>(path), anySize);
-                                  std::shared_ptr<SimpleTreeNode> all;
-                                  if (search->getDuplicateFiles(&all)) found->setResult(std::move(all));
-                              })},
-                             m_searchPath, [self = QPointer(this), found](const std::any& /*nothing*/) {
-                                 if (self != nullptr) self->searchFinished(std::move(*found));
-                             });
-    if (m_twDuplicateSearch == nullptr) {  // no thread to be had: an empty result, and the page stays usable
+    m_twDuplicateSearch = ThreadWorker::workOn(
+        {m_duplicateOpt, "<SameFileDeleteViewController>"},
+        {"searchDuplicateFiles:worker:",
+         ThreadWorker::CancellableTask(
+             [search = m_duplicateOpt, found, old](const std::any& path, ThreadWorker& /*worker*/) {
+                 old->free();
+                 search->beginSearchAtPath(std::any_cast<const std::string&>(path), anySize);
+                 std::shared_ptr<SimpleTreeNode> all;
+                 if (search->getDuplicateFiles(&all)) found->setResult(std::move(all));
+             })},
+        m_searchPath, [self = QPointer(this), found](const std::any& /*nothing*/) {
+            if (self != nullptr) self->searchFinished(std::move(*found));
+        });
+    if (m_twDuplicateSearch ==
+        nullptr) {  // no thread to be had: an empty result, and the page stays usable
         searchFinished({});
         return;
     }
@@ -245,14 +263,16 @@ void SameFileDeleteViewController::getPathForSreachDuplicate() {
     m_views->nameTextStr->setText(bytesToText(path));
     if (m_parts.icons) {
         const QIcon icon = m_parts.icons({IconRequest::Path, path});
-        m_views->imageView->setPixmap(icon.pixmap(QSize(120, 120), m_views->imageView->devicePixelRatioF()));
+        m_views->imageView->setPixmap(
+            icon.pixmap(QSize(120, 120), m_views->imageView->devicePixelRatioF()));
     }
     if (const auto search = m_duplicateOpt->search()) {
         const SearchCounts counts = search->counts();
         const QString compared = shownSize(UtilityFunction::convertVolSpace(counts.hashedBytes));
-        m_views->countsLabel->setText((counts.listedFiles == 1 ? tr("1 file listed, %1 compared")
-                                                               : tr("%Ln files listed, %1 compared", nullptr,
-                                                                    static_cast<int>(counts.listedFiles)))
+        m_views->countsLabel->setText((counts.listedFiles == 1
+                                           ? tr("1 file listed, %1 compared")
+                                           : tr("%Ln files listed, %1 compared", nullptr,
+                                                static_cast<int>(counts.listedFiles)))
                                           .arg(compared));
     }
 }
@@ -291,8 +311,9 @@ void SameFileDeleteViewController::constructSubtrees() {
 void SameFileDeleteViewController::delayBtnChangeStateTime() {
     SameFileDeleteViews& views = *m_views;
     m_bSearchFinished = true;
-    for (QWidget* const hidden : {views.loadPathView, static_cast<QWidget*>(views.animation),
-                                  static_cast<QWidget*>(views.searchBtn), static_cast<QWidget*>(views.stopScanBtn)})
+    for (QWidget* const hidden :
+         {views.loadPathView, static_cast<QWidget*>(views.animation),
+          static_cast<QWidget*>(views.searchBtn), static_cast<QWidget*>(views.stopScanBtn)})
         hidden->hide();
     showFitting();
     views.btnBgView->show();
@@ -314,27 +335,31 @@ void SameFileDeleteViewController::delayBtnChangeStateTime() {
     m_views->content->currentWidget()->setFocus();
 }
 
-// The list, or words in its place where there is nothing to list; and the quiet line about what could not be read.
+// The list, or words in its place where there is nothing to list; and the quiet line about what
+// could not be read.
 void SameFileDeleteViewController::showFitting() {
     SameFileDeleteViews& views = *m_views;
     const auto search = m_duplicateOpt ? m_duplicateOpt->search() : nullptr;
     const std::size_t skipped = search ? search->skipped().entries().size() : 0;
     views.quietLine->setVisible(skipped != 0);
-    views.quietLine->setText(skipped == 1 ? tr("1 entry could not be read")
-                                          : tr("%Ln entries could not be read", nullptr, static_cast<int>(skipped)));
+    views.quietLine->setText(
+        skipped == 1 ? tr("1 entry could not be read")
+                     : tr("%Ln entries could not be read", nullptr, static_cast<int>(skipped)));
     showRemovalEnded();
     const bool isEmpty = m_results.tree(0) == nullptr || m_results.tree(0)->numberOfChildren() == 0;
     const bool removedAll = isEmpty && m_removal != nullptr;
     views.emptyLabel->setText(search && search->rootError() ? tr("This folder could not be read.")
                               : removedAll                  ? tr("No duplicates are left here.")
-                                                            : tr("No two files here are the same."));
+                                           : tr("No two files here are the same."));
     views.outline->show();
-    views.content->setCurrentWidget(isEmpty ? views.emptyView : static_cast<QWidget*>(views.outline));
+    views.content->setCurrentWidget(isEmpty ? views.emptyView
+                                            : static_cast<QWidget*>(views.outline));
 }
 
 void SameFileDeleteViewController::showSkipped() {
     const auto search = m_duplicateOpt ? m_duplicateOpt->search() : nullptr;
-    if (search) showLineList(m_mainWindow, tr("Could not be read"), linesOf(search->skipped().entries()));
+    if (search)
+        showLineList(m_mainWindow, tr("Could not be read"), linesOf(search->skipped().entries()));
 }
 
 void SameFileDeleteViewController::stopScanBtnClicked() {

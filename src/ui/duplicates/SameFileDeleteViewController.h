@@ -1,6 +1,7 @@
-// SameFileDeleteViewController: the page of the duplicate finder. Four sources: this class's search, SameFileDeleteTicks.cpp its
-// boxes and titles, SameFileDeleteRemoval.cpp its removal, SameFileDeleteRows.cpp what is done with one row.
-// The decisions stand in engine/duplicates/results.
+// SameFileDeleteViewController: the page of the duplicate finder. Four sources: this class's
+// search, SameFileDeleteTicks.cpp its boxes and titles, SameFileDeleteRemoval.cpp its removal,
+// SameFileDeleteRows.cpp what is done with one row. The decisions stand in
+// engine/duplicates/results.
 #pragma once
 
 #include <QIcon>
@@ -51,7 +52,8 @@ public:
 protected:
     SameFileDeleteViewControllerDelegate() = default;
     SameFileDeleteViewControllerDelegate(const SameFileDeleteViewControllerDelegate&) = default;
-    SameFileDeleteViewControllerDelegate& operator=(const SameFileDeleteViewControllerDelegate&) = default;
+    SameFileDeleteViewControllerDelegate& operator=(const SameFileDeleteViewControllerDelegate&) =
+        default;
 };
 
 /// What the page works with. Nothing of it is owned; all of it outlives the page.
@@ -63,12 +65,16 @@ struct SameFileDeleteParts {
     MainQueue* mainQueue = nullptr;
     std::string stateFolder;  ///< where removals keep their journal; empty: nothing is set aside
     std::function<QIcon(const IconRequest&)> icons;
-    std::function<void(const std::string& path)> reveal;      ///< shows the entry in the desktop's file manager
+    std::function<void(const std::string& path)>
+        reveal;  ///< shows the entry in the desktop's file manager
     std::function<void(const QString& address)> openAddress;  ///< opens a web page
 };
 
-/// Main thread only. A search or a removal under way when the page ends is asked to stop, and its thread ends by itself.
-class SameFileDeleteViewController final : public QObject, private DragViewDelegate, private PathAnimationDelegate {
+/// Main thread only. A search or a removal under way when the page ends is asked to stop, and its
+/// thread ends by itself.
+class SameFileDeleteViewController final : public QObject,
+                                           private DragViewDelegate,
+                                           private PathAnimationDelegate {
     Q_OBJECT
 public:
     explicit SameFileDeleteViewController(SameFileDeleteParts parts, QObject* parent = nullptr);
@@ -79,22 +85,25 @@ public:
     [[nodiscard]] QWidget* detailView() const;
 
     void setMainWindow(QWidget* window) { m_mainWindow = window; }
-    void setDelegate(SameFileDeleteViewControllerDelegate* delegate) { m_delegate = delegate; }  ///< not owned
+    void setDelegate(SameFileDeleteViewControllerDelegate* delegate) {
+        m_delegate = delegate;
+    }  ///< not owned
 
     [[nodiscard]] bool duplicateScaned() const { return m_duplicateScaned; }
     void setDuplicateScaned(bool scaned) { m_duplicateScaned = scaned; }
     [[nodiscard]] bool bSearchFinished() const { return m_bSearchFinished; }
-    /// From half a second after the person's yes, when the first entry goes, to the end of the removal.
+    /// From half a second after the person's yes, when the first entry goes, to the end of the
+    /// removal.
     [[nodiscard]] bool isRemoving() const { return m_removalTimer.isActive(); }
     [[nodiscard]] const std::string& searchPath() const { return m_searchPath; }
 
-    /// Searches a folder, as if it had been dropped. Does nothing when it is none, or while something runs. Where the result on
-    /// the screen has ticks the person is asked first.
+    /// Searches a folder, as if it had been dropped. Does nothing when it is none, or while
+    /// something runs. Where the result on the screen has ticks the person is asked first.
     void viewDragAction(const std::string& path) override { folderDropped(path, false); }
     void viewDragActionOfSeveral(const std::string& path) override { folderDropped(path, true); }
 
-    /// Goes on to the next row that stands for another file, or with -1 to the one before, and gives its path; empty where there
-    /// is none.
+    /// Goes on to the next row that stands for another file, or with -1 to the one before, and
+    /// gives its path; empty where there is none.
     [[nodiscard]] std::string previewBeside(int step);
 
 public Q_SLOTS:
@@ -182,7 +191,8 @@ private:
     std::vector<NotificationCenter::Observation> m_observations;
 
     ResultViews m_results;
-    std::uint64_t m_resultNumber = 0;  // of the result that m_results holds; questions that outlive theirs are void
+    std::uint64_t m_resultNumber =
+        0;  // of the result that m_results holds; questions that outlive theirs are void
     DuplicateSelection m_selection;
     LeafSort m_leafSort;
     QTimer m_sortTimer;              // runs while copies are still to be sorted
@@ -205,7 +215,8 @@ private:
     };
     std::array<std::optional<Sorting>, resultRows.size()> m_sortings;
     int m_lastColumn = -1;
-    std::bitset<7> m_tickedByHeader;  // by kind: a header box was switched on over it, and nothing has cleared it since
+    std::bitset<7> m_tickedByHeader;  // by kind: a header box was switched on over it, and nothing
+                                      // has cleared it since
     bool m_sortDescending = false;
     bool m_bSearchFinished = true;
     bool m_isStopScan = false;

@@ -40,12 +40,15 @@ constexpr std::array titles{
     QT_TRANSLATE_NOOP("ResultRow", "Others"),
 };
 static_assert(std::ranges::equal(
-                  titles, resultRows, {}, [](const char* title) { return std::string_view(title); }, &ResultRow::title),
+                  titles, resultRows, {}, [](const char* title) { return std::string_view(title); },
+                  &ResultRow::title),
               "a row of the engine has another title here");
 
 }  // namespace
 
-QString resultRowTitle(std::size_t row) { return QCoreApplication::translate("ResultRow", titles.at(row)); }
+QString resultRowTitle(std::size_t row) {
+    return QCoreApplication::translate("ResultRow", titles.at(row));
+}
 
 SameFileDeleteViews::SameFileDeleteViews(const NotificationCenter& notifications) {
     makeLoadPathView();
@@ -61,13 +64,14 @@ SameFileDeleteViews::~SameFileDeleteViews() {
 }
 
 void SameFileDeleteViews::makeFirstView() {
-    const FolderStart start = makeFolderStart(
-        {.viewName = "fristView",
-         .buttonName = "pathChoseBtn",
-         .dropName = tr("Drop a folder here to search it"),
-         .pictureName = tr("Choose a folder to search"),
-         .heading = tr("Find files that you have twice"),
-         .hint = tr("Drop a folder here, or choose one. Nothing is removed until you tick it and confirm.")});
+    const FolderStart start =
+        makeFolderStart({.viewName = "fristView",
+                         .buttonName = "pathChoseBtn",
+                         .dropName = tr("Drop a folder here to search it"),
+                         .pictureName = tr("Choose a folder to search"),
+                         .heading = tr("Find files that you have twice"),
+                         .hint = tr("Drop a folder here, or choose one. Nothing is removed until "
+                                    "you tick it and confirm.")});
     fristView = start.view;
     dragView = start.dragView;
     animationHoverImageView = start.animationHoverImageView;
@@ -110,7 +114,8 @@ void SameFileDeleteViews::makeProgressView(const NotificationCenter& notificatio
     stopScanBtn = named(new TextImageButton(tr("Stop")), "stopScanBtn");
     stopScanBtn->setToolTip(tr("Stop Scan"));
     auto* const column = new QVBoxLayout(progressageView);
-    column->setContentsMargins(Theme::gapSection, Theme::gapSection, Theme::gapSection, Theme::gapSection);
+    column->setContentsMargins(Theme::gapSection, Theme::gapSection, Theme::gapSection,
+                               Theme::gapSection);
     column->setSpacing(Theme::gapLarge);
     column->addStretch();
     column->addWidget(progress);
@@ -133,7 +138,8 @@ void SameFileDeleteViews::showLoadPathInDetail() {
 }
 
 QWidget* SameFileDeleteViews::makeLeftView(const NotificationCenter& notifications) {
-    leftView = named(new Panel(Theme::Color::SurfaceRaised, Qt::RightEdge), "leftView", tr("Kinds of files"));
+    leftView = named(new Panel(Theme::Color::SurfaceRaised, Qt::RightEdge), "leftView",
+                     tr("Kinds of files"));
     leftView->setFixedWidth(leftViewWidth);
     setAccessibleTraits(*leftView, {.role = QAccessible::List});
     auto* const column = new QVBoxLayout(leftView);
@@ -143,7 +149,8 @@ QWidget* SameFileDeleteViews::makeLeftView(const NotificationCenter& notificatio
         const ResultRow& shown = resultRows.at(row);
         leftCells.at(row) = new DuplicationLeftCell(
             static_cast<std::int32_t>(row), resultRowTitle(row),
-            QString::fromUtf8(shown.picture.data(), qsizetype(shown.picture.size())), notifications);
+            QString::fromUtf8(shown.picture.data(), qsizetype(shown.picture.size())),
+            notifications);
         leftCells.at(row)->setFixedHeight(DuplicationLeftCell::cellHeight);
         column->addWidget(leftCells.at(row));
     }
@@ -154,20 +161,24 @@ QWidget* SameFileDeleteViews::makeLeftView(const NotificationCenter& notificatio
 QWidget* SameFileDeleteViews::makeTopBar() {
     auto* const bar = new Panel(Theme::Color::Surface, Qt::BottomEdge);
     bar->setFixedHeight(barHeight);
-    backButton = makeImageButton("backButton", QStringLiteral("arrow_left"), tr("Search another folder"));
+    backButton =
+        makeImageButton("backButton", QStringLiteral("arrow_left"), tr("Search another folder"));
     rightImageView = named(new PictureView(QStringLiteral("all"), {20, 20}), "rightImageView");
     titleLabel = named(new ElidedLabel(Qt::ElideMiddle), "titleLabel");
     titleLabel->setFont(Theme::shared().font(Theme::Text::BodyStrong));
     btnBgView = named(new QWidget, "btnBgView");
     openBtn = makeImageButton("openBtn", QStringLiteral("preview"), tr("Open selected file"));
-    RevealFinder = makeImageButton("RevealFinder", QStringLiteral("locate"), tr("Reveal selected file in finder"));
-    lockButton = makeImageButton("lockButton", QStringLiteral("ic_lock"), tr("Click lock to get a higer privileges."));
+    RevealFinder = makeImageButton("RevealFinder", QStringLiteral("locate"),
+                                   tr("Reveal selected file in finder"));
+    lockButton = makeImageButton("lockButton", QStringLiteral("ic_lock"),
+                                 tr("Click lock to get a higer privileges."));
     lockButton->setAccessibleName(tr("Administrator right"));
     lockButton->setCheckable(true);
     auto* const buttons = new QHBoxLayout(btnBgView);
     buttons->setContentsMargins({});
     buttons->setSpacing(Theme::gapTiny);
-    for (TCImageButton* const control : {openBtn, RevealFinder, lockButton}) buttons->addWidget(control);
+    for (TCImageButton* const control : {openBtn, RevealFinder, lockButton})
+        buttons->addWidget(control);
     auto* const row = new QHBoxLayout(bar);
     row->setContentsMargins(Theme::gapSmall, 0, Theme::gap, 0);
     row->setSpacing(Theme::gapSmall);
@@ -198,11 +209,13 @@ QWidget* SameFileDeleteViews::makeContent() {
 
     removalView = named(new Panel(Theme::Color::Surface), "removalView");
     auto* const removal = new QVBoxLayout(removalView);
-    removal->setContentsMargins(Theme::gapSection, Theme::gapSection, Theme::gapSection, Theme::gapSection);
+    removal->setContentsMargins(Theme::gapSection, Theme::gapSection, Theme::gapSection,
+                                Theme::gapSection);
     removal->addStretch();
     removal->addStretch();
 
-    for (QWidget* const page : {static_cast<QWidget*>(outline), emptyView, removalView}) content->addWidget(page);
+    for (QWidget* const page : {static_cast<QWidget*>(outline), emptyView, removalView})
+        content->addWidget(page);
     return content;
 }
 
@@ -245,7 +258,8 @@ QWidget* SameFileDeleteViews::makeBottomBar() {
 
 void SameFileDeleteViews::makeDetailView(const NotificationCenter& notifications) {
     detailView = named(new Panel(Theme::Color::Window), "detailView");
-    resultDragView = named(new DragView(detailView), "resultDragView", tr("Drop a folder here to search it"));
+    resultDragView =
+        named(new DragView(detailView), "resultDragView", tr("Drop a folder here to search it"));
     resultDragView->setFrameAtRest(false);
     auto* const around = new QVBoxLayout(detailView);
     around->setContentsMargins({});

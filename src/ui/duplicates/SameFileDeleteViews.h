@@ -1,5 +1,5 @@
-// SameFileDeleteViews: the three views of the duplicate page with their controls, and nothing of what they do.
-// SameFileDeleteViewController.h is what they do.
+// SameFileDeleteViews: the three views of the duplicate page with their controls, and nothing of
+// what they do. SameFileDeleteViewController.h is what they do.
 #pragma once
 
 #include <QCoreApplication>
@@ -29,8 +29,8 @@ class TickBox;
 /// What a person reads on a row of the list of types.
 [[nodiscard]] QString resultRowTitle(std::size_t row);
 
-/// Each control has an object name equal to its field's. The views that nobody has put into a window are deleted with this.
-/// Main thread only.
+/// Each control has an object name equal to its field's. The views that nobody has put into a
+/// window are deleted with this. Main thread only.
 class SameFileDeleteViews final {
     Q_DECLARE_TR_FUNCTIONS(SameFileDeleteViews)
 
@@ -40,7 +40,8 @@ public:
     SameFileDeleteViews(const SameFileDeleteViews&) = delete;
     SameFileDeleteViews& operator=(const SameFileDeleteViews&) = delete;
 
-    /// Puts the view of the entry in hand where a search shows it, or over the list, where a removal does.
+    /// Puts the view of the entry in hand where a search shows it, or over the list, where a
+    /// removal does.
     void showLoadPathInProgress();
     void showLoadPathInDetail();
 
@@ -62,7 +63,8 @@ public:
     QLabel* countsLabel = nullptr;
     Animation* animation = nullptr;
     QLabel* progress = nullptr;
-    QLabel* onlyOneLabel = nullptr;  ///< of several folders one is searched; hidden where there was one
+    QLabel* onlyOneLabel =
+        nullptr;  ///< of several folders one is searched; hidden where there was one
     TextImageButton* stopScanBtn = nullptr;
 
     // The detail view.
@@ -88,7 +90,8 @@ public:
     HoverButton* quietLine = nullptr;
     QLabel* removedLine = nullptr;  ///< what the last removal took
     HoverButton* failureLine = nullptr;
-    QLabel* gainLabel = nullptr;  ///< what the removal of the ticked copies gives back; hidden while there are none
+    QLabel* gainLabel =
+        nullptr;  ///< what the removal of the ticked copies gives back; hidden while there are none
     PictureView* trashBtn = nullptr;
     TextImageButton* stopRemoveBtn = nullptr;
     TextImageButton* stopBtn = nullptr;

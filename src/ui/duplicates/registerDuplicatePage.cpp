@@ -14,7 +14,8 @@ void registerDuplicatePage(AppPrefsWindowController& controller, SameFileDeleteP
         page->setMainWindow(controller.window());
         return page->view();
     };
-    controller.registerPage({QStringLiteral("duplicates_file"), SameFileDeleteViewController::tr("Duplicates"),
+    controller.registerPage({QStringLiteral("duplicates_file"),
+                             SameFileDeleteViewController::tr("Duplicates"),
                              QStringLiteral("duplicates_file"), makeView});
 }
 

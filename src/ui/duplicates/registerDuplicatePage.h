@@ -7,8 +7,8 @@ namespace orrinvale {
 
 class AppPrefsWindowController;
 
-/// An instance of its own, made when its item is first chosen. Nobody swaps its views: the window shows the first one alone. All
-/// parts outlive the controller. Main thread only.
+/// An instance of its own, made when its item is first chosen. Nobody swaps its views: the window
+/// shows the first one alone. All parts outlive the controller. Main thread only.
 void registerDuplicatePage(AppPrefsWindowController& controller, SameFileDeleteParts parts);
 
 }  // namespace orrinvale

@@ -12,7 +12,8 @@ namespace orrinvale {
 namespace {
 
 constexpr int side = 72;
-constexpr int duration = 450;  // milliseconds: long enough to be seen, short enough not to be waited for
+constexpr int duration =
+    450;  // milliseconds: long enough to be seen, short enough not to be waited for
 
 // Puffs that drift apart, swell and fade.
 class Cloud final : public QWidget {

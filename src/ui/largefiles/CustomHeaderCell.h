@@ -1,4 +1,5 @@
-// CustomHeaderCell: the header of the list of the large file page. Its first word is the column that people read.
+// CustomHeaderCell: the header of the list of the large file page. Its first word is the column
+// that people read.
 #pragma once
 
 #include "ui/kit/controls/FlatHeader.h"

@@ -34,9 +34,13 @@ namespace {
 
 constexpr std::uint64_t neverRead = ~std::uint64_t{0};
 
-bool isBundle(const FileNode& node) { return node.name().ends_with(".app") || node.name().ends_with(".framework"); }
+bool isBundle(const FileNode& node) {
+    return node.name().ends_with(".app") || node.name().ends_with(".framework");
+}
 
-QString sizeText(std::uint64_t bytes) { return shownSize(PublicUtilities::byteToSizeWithByte(bytes)); }
+QString sizeText(std::uint64_t bytes) {
+    return shownSize(PublicUtilities::byteToSizeWithByte(bytes));
+}
 
 // What the size alone would leave a person wondering about.
 QString sizeToolTip(const FileNode& node) {
@@ -45,7 +49,8 @@ QString sizeToolTip(const FileNode& node) {
     QString text = size;
     if (size != onDisk) text = FileNodeModel::tr("%1, %2 on disk").arg(size, onDisk);
     if (!node.isDirectory() && node.links() > 1)
-        text += QLatin1Char('\n') + FileNodeModel::tr("shared by %1 names").arg(QLocale().toString(node.links()));
+        text += QLatin1Char('\n') +
+                FileNodeModel::tr("shared by %1 names").arg(QLocale().toString(node.links()));
     return text;
 }
 
@@ -71,14 +76,16 @@ void FileNodeModel::setTree(std::shared_ptr<FileNodeTree> tree) {
 
 void FileNodeModel::fill(Level& level) const {
     const auto all = level.folder->biggestChildren(level.wanted);
-    level.rows.assign(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(std::min(level.wanted, all.size())));
+    level.rows.assign(
+        all.begin(), all.begin() + static_cast<std::ptrdiff_t>(std::min(level.wanted, all.size())));
     level.revision = m_tree->revision();
 }
 
 bool FileNodeModel::isStale(const Level& level) const {
     if (level.revision != m_tree->revision()) return true;
-    return std::ranges::any_of(
-        level.below, [this](const auto& below) { return below.second->folder->isExpand() && isStale(*below.second); });
+    return std::ranges::any_of(level.below, [this](const auto& below) {
+        return below.second->folder->isExpand() && isStale(*below.second);
+    });
 }
 
 void FileNodeModel::refresh() {
@@ -94,13 +101,15 @@ void FileNodeModel::refresh() {
     Q_EMIT layoutChanged();
 }
 
-// A level that is closed keeps its old rows until it is opened: nobody sees them, and there may be many.
+// A level that is closed keeps its old rows until it is opened: nobody sees them, and there may be
+// many.
 void FileNodeModel::refreshStale(Level& level) {
     if (level.revision != m_tree->revision()) fill(level);
     if (level.below.empty()) return;
     std::unordered_map<const FileNode*, int> rows;
     for (std::size_t row = 0; row < level.rows.size(); ++row)
-        if (level.below.contains(level.rows[row])) rows.emplace(level.rows[row], static_cast<int>(row));
+        if (level.below.contains(level.rows[row]))
+            rows.emplace(level.rows[row], static_cast<int>(row));
     for (auto below = level.below.begin(); below != level.below.end();) {
         const auto found = rows.find(below->first);
         if (found == rows.end()) {
@@ -140,15 +149,18 @@ void FileNodeModel::placeRemembered(const std::vector<Remembered>& remembered) {
                 rows.emplace(level->rows[row], static_cast<int>(row));
         const auto found = rows.find(node);
         before.push_back(index);
-        after.push_back(found == rows.end() ? QModelIndex() : createIndex(found->second, index.column(), level));
+        after.push_back(found == rows.end() ? QModelIndex()
+                                            : createIndex(found->second, index.column(), level));
     }
     changePersistentIndexList(before, after);
 }
 
 bool FileNodeModel::hasMore(const QModelIndex& parent) const {
     const Level* const level = levelBelow(parent);
-    // A level that grows under a scan gets its new rows at the next refresh, and does not jump under a person who scrolls.
-    return level != nullptr && level->rows.size() >= level->wanted && level->rows.size() < level->folder->childCount();
+    // A level that grows under a scan gets its new rows at the next refresh, and does not jump
+    // under a person who scrolls.
+    return level != nullptr && level->rows.size() >= level->wanted &&
+           level->rows.size() < level->folder->childCount();
 }
 
 void FileNodeModel::showMore(const QModelIndex& parent) {
@@ -183,11 +195,14 @@ FileNode* FileNodeModel::node(const QModelIndex& index) const {
     return row < rows.size() ? rows[row] : nullptr;
 }
 
-bool FileNodeModel::isItemExpandable(const FileNode& node) { return node.childCount() > 0 && !isBundle(node); }
+bool FileNodeModel::isItemExpandable(const FileNode& node) {
+    return node.childCount() > 0 && !isBundle(node);
+}
 
 QModelIndex FileNodeModel::index(int row, int column, const QModelIndex& parent) const {
     Level* const level = levelBelow(parent);
-    if (level == nullptr || row < 0 || static_cast<std::size_t>(row) >= level->rows.size()) return {};
+    if (level == nullptr || row < 0 || static_cast<std::size_t>(row) >= level->rows.size())
+        return {};
     return column >= 0 && column < ColumnCount ? createIndex(row, column, level) : QModelIndex();
 }
 
@@ -237,8 +252,8 @@ QVariant FileNodeModel::data(const QModelIndex& index, int role) const {
     const FileNode* const shown = node(index);
     if (shown == nullptr) return {};
     const int column = index.column();
-    const bool isBox =
-        column == CheckBox && (role == StateRole || role == Qt::CheckStateRole) && !shown->isSystemFile();
+    const bool isBox = column == CheckBox && (role == StateRole || role == Qt::CheckStateRole) &&
+                       !shown->isSystemFile();
     switch (role) {
         case Qt::DisplayRole: return text(*shown, column);
         case Qt::ToolTipRole:
@@ -254,12 +269,14 @@ QVariant FileNodeModel::data(const QModelIndex& index, int role) const {
                                   : QVariant(Qt::AlignLeft | Qt::AlignVCenter);
         case StateRole: return isBox ? QVariant(int(shown->state())) : QVariant();
         case Qt::CheckStateRole:
-            return isBox ? QVariant(int(checkState(tickState(QVariant(int(shown->state())))))) : QVariant();
+            return isBox ? QVariant(int(checkState(tickState(QVariant(int(shown->state()))))))
+                         : QVariant();
         case ScannedFolderRole: return QString::fromStdString(m_tree->root().path());
         case IconRole:
             if (column == Name) return icon(*shown);
             if (column == OpenFinder) return picture(QStringLiteral("locate"));
-            return column == Pareview && !shown->isDirectory() ? picture(QStringLiteral("preview")) : QVariant();
+            return column == Pareview && !shown->isDirectory() ? picture(QStringLiteral("preview"))
+                                                               : QVariant();
         default: return {};
     }
 }
@@ -275,8 +292,10 @@ bool FileNodeModel::setData(const QModelIndex& index, const QVariant& /*value*/,
 
 QVariant FileNodeModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (orientation != Qt::Horizontal) return {};
-    if (role == Qt::TextAlignmentRole && section == Size) return QVariant(Qt::AlignRight | Qt::AlignVCenter);
-    // Columns of boxes and pictures have no words over them, but a name for those who do not see them.
+    if (role == Qt::TextAlignmentRole && section == Size)
+        return QVariant(Qt::AlignRight | Qt::AlignVCenter);
+    // Columns of boxes and pictures have no words over them, but a name for those who do not see
+    // them.
     const bool isNamed = role == Qt::AccessibleTextRole;
     if (role != Qt::DisplayRole && !isNamed) return {};
     switch (section) {

@@ -1,4 +1,5 @@
-// FileNodeModel: the tree of a scan as a view reads it: the biggest rows of each level that is open. NewOutlineView.h shows it.
+// FileNodeModel: the tree of a scan as a view reads it: the biggest rows of each level that is
+// open. NewOutlineView.h shows it.
 #pragma once
 
 #include <QAbstractItemModel>
@@ -14,8 +15,9 @@
 
 namespace orrinvale {
 
-/// The tree grows while it is shown. What a view sees of it changes only with refresh(): for each level that is open the model keeps
-/// a list of pointers to the rows shown, and everything else it reads from the nodes. Main thread only.
+/// The tree grows while it is shown. What a view sees of it changes only with refresh(): for each
+/// level that is open the model keeps a list of pointers to the rows shown, and everything else it
+/// reads from the nodes. Main thread only.
 class FileNodeModel final : public QAbstractItemModel {
     Q_OBJECT
 public:
@@ -41,8 +43,8 @@ public:
     /// Shows another tree, or none.
     void setTree(std::shared_ptr<FileNodeTree> tree);
 
-    /// Brings the rows of the open levels into the order of this moment, and what a view remembers of them with it. A folder that is no longer
-    /// among the rows shown is closed.
+    /// Brings the rows of the open levels into the order of this moment, and what a view remembers
+    /// of them with it. A folder that is no longer among the rows shown is closed.
     void refresh();
 
     /// Whether a level holds more rows than are shown, and showing the next ones.
@@ -55,7 +57,8 @@ public:
     /// A folder with something in it, unless it is a bundle, which stands for itself.
     [[nodiscard]] static bool isItemExpandable(const FileNode& node);
 
-    [[nodiscard]] QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
+    [[nodiscard]] QModelIndex index(int row, int column,
+                                    const QModelIndex& parent = {}) const override;
     [[nodiscard]] QModelIndex parent(const QModelIndex& child) const override;
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
@@ -63,7 +66,8 @@ public:
     [[nodiscard]] Qt::ItemFlags flags(const QModelIndex& index) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     bool setData(const QModelIndex& index, const QVariant& value, int role) override;
-    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
+                                      int role) const override;
 
 private:
     struct Level;
@@ -83,7 +87,8 @@ private:
     BoxClicked m_boxClicked;
     std::shared_ptr<FileNodeTree> m_tree;
     std::unique_ptr<Level> m_top;
-    // A view may hold indexes of a level until it lays its rows out anew, so a level outlives its closing.
+    // A view may hold indexes of a level until it lays its rows out anew, so a level outlives its
+    // closing.
     std::vector<std::unique_ptr<Level>> m_closed;
 };
 

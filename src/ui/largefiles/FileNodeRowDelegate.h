@@ -1,4 +1,5 @@
-// FileNodeRowDelegate: draws the rows of the large file page: picture and name, size, path, and the two pictures to press.
+// FileNodeRowDelegate: draws the rows of the large file page: picture and name, size, path, and the
+// two pictures to press.
 #pragma once
 
 #include <QStyledItemDelegate>
@@ -13,11 +14,14 @@ public:
 
     using QStyledItemDelegate::QStyledItemDelegate;
 
-    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
-    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
+    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option,
+                                 const QModelIndex& index) const override;
 
 private:
-    static void drawButton(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index);
+    static void drawButton(QPainter& painter, const QStyleOptionViewItem& option,
+                           const QModelIndex& index);
 };
 
 }  // namespace orrinvale

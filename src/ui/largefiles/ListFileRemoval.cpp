@@ -1,4 +1,5 @@
-// ListFileViewController: the removal of what is selected, the window over it, and what is told at its end.
+// ListFileViewController: the removal of what is selected, the window over it, and what is told at
+// its end.
 #include <QLabel>
 #include <QLocale>
 #include <chrono>
@@ -24,11 +25,12 @@ constexpr std::chrono::milliseconds beforeRemoval{500};
 void ListFileViewController::deleteFiles() {
     if (m_isScan || m_isRemoving) return;
     // What a later scan shows was not asked about.
-    m_parts.dialogs->alert(m_mainWindow, removalQuestion(),
-                           [self = QPointer(this), asked = std::weak_ptr(m_rootNodeArr)](int button) {
-                               if (self != nullptr && self->m_rootNodeArr == asked.lock())
-                                   self->alertEnded_code(button == 0 ? 1 : 0);
-                           });
+    m_parts.dialogs->alert(
+        m_mainWindow, removalQuestion(),
+        [self = QPointer(this), asked = std::weak_ptr(m_rootNodeArr)](int button) {
+            if (self != nullptr && self->m_rootNodeArr == asked.lock())
+                self->alertEnded_code(button == 0 ? 1 : 0);
+        });
 }
 
 void ListFileViewController::alertEnded_code(int code) {
@@ -61,7 +63,8 @@ void ListFileViewController::doRemoveAction() {
     m_progress->show();
 }
 
-void ListFileViewController::changeProgressWithPoint(std::int32_t percent, const std::string& path) {
+void ListFileViewController::changeProgressWithPoint(std::int32_t percent,
+                                                     const std::string& path) {
     if (m_progress != nullptr) m_progress->changeProgressValue(percent, path);
 }
 
@@ -73,25 +76,31 @@ void ListFileViewController::removalEnded(const LargeFileRemoval& removal) {
     changeDeleteButtonState();
     showRemoved();
     m_views->failureLine->setVisible(removal.failed != 0);
-    m_views->failureLine->setText(removal.failed == 1 ? tr("1 could not be removed; a new scan will show it again")
-                                                      : tr("%1 could not be removed; a new scan will show them again")
-                                                            .arg(QLocale().toString(qulonglong(removal.failed))));
+    m_views->failureLine->setText(
+        removal.failed == 1 ? tr("1 could not be removed; a new scan will show it again")
+                            : tr("%1 could not be removed; a new scan will show them again")
+                                  .arg(QLocale().toString(qulonglong(removal.failed))));
     refreshList();
     m_views->outlineView->setFocus();
 }
 
 void ListFileViewController::showRemoved() {
     const QString count = QLocale().toString(qulonglong(m_removal.removed));
-    const QString size = QString::fromStdString(PublicUtilities::byteToSizeWithByte(m_removal.bytes));
-    m_views->removedLabel->setText(m_removal.stopped ? tr("Stopped: %1 removed, %2").arg(count, size)
-                                                     : tr("%1 removed, %2").arg(count, size));
-    m_views->removedLabel->setVisible(m_removal.stopped || m_removal.removed != 0 || m_removal.bytes != 0);
+    const QString size =
+        QString::fromStdString(PublicUtilities::byteToSizeWithByte(m_removal.bytes));
+    m_views->removedLabel->setText(m_removal.stopped
+                                       ? tr("Stopped: %1 removed, %2").arg(count, size)
+                                       : tr("%1 removed, %2").arg(count, size));
+    m_views->removedLabel->setVisible(m_removal.stopped || m_removal.removed != 0 ||
+                                      m_removal.bytes != 0);
 }
 
 void ListFileViewController::showFailures() {
     QStringList lines = linesByReason(m_removal.failures);
     if (m_removal.failedEntries > m_removal.failures.size())
-        lines.push_back(tr("and %1 more").arg(QLocale().toString(m_removal.failedEntries - m_removal.failures.size())));
+        lines.push_back(
+            tr("and %1 more")
+                .arg(QLocale().toString(m_removal.failedEntries - m_removal.failures.size())));
     showLineList(m_mainWindow, tr("Could not be removed"), lines);
 }
 

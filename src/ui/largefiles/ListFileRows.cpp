@@ -21,13 +21,16 @@ void ListFileViewController::setAllSelectOrNoSelect() {
         changeSelectAllButtonState(m_selectAllButSt);
         return;
     }
-    Controller::getController().selectAllFileNode(m_selectAllButSt == 1 ? FileNode::NotSelected : FileNode::Selected);
+    Controller::getController().selectAllFileNode(m_selectAllButSt == 1 ? FileNode::NotSelected
+                                                                        : FileNode::Selected);
     changeSelectAllButtonState(m_selectAllButSt);
 }
 
 void ListFileViewController::changeSelectAllButtonState(std::int32_t state) {
     m_selectAllButSt = state;
-    m_views->selectAllButton->setState(state == 0 ? TickState::Nothing : state == 1 ? TickState::All : TickState::Some);
+    m_views->selectAllButton->setState(state == 0   ? TickState::Nothing
+                                       : state == 1 ? TickState::All
+                                                    : TickState::Some);
     changeDeleteButtonState();
 }
 
@@ -37,7 +40,8 @@ void ListFileViewController::changeDeleteButtonState() {
 
 void ListFileViewController::boxClicked(FileNode& node) {
     if (m_isScan || m_isRemoving) return;
-    const auto state = node.state() == FileNode::Selected ? FileNode::NotSelected : FileNode::Selected;
+    const auto state =
+        node.state() == FileNode::Selected ? FileNode::NotSelected : FileNode::Selected;
     node.setState(state);
     Controller& controller = Controller::getController();
     if (node.isExpand()) controller.changeSelectWithNode(node, state);
@@ -50,7 +54,8 @@ void ListFileViewController::outlineViewItemDidExpand(const QModelIndex& index) 
     if (node == nullptr) return;
     node->setIsExpand(true);
     // The ticks reach what has just come into view.
-    if (node->state() != FileNode::Mixed) Controller::getController().changeSelectWithNode(*node, node->state());
+    if (node->state() != FileNode::Mixed)
+        Controller::getController().changeSelectWithNode(*node, node->state());
     // What was read of it when it was open before may be long out of date.
     reloadTreeList();
 }
@@ -63,7 +68,8 @@ void ListFileViewController::outlineViewItemDidCollapse(const QModelIndex& index
 void ListFileViewController::cellClicked(const QModelIndex& index) {
     const FileNode* const node = m_model->node(index);
     if (node == nullptr) return;
-    if (index.column() == FileNodeModel::OpenFinder) Controller::getController().openFileWithFileNode(*node);
+    if (index.column() == FileNodeModel::OpenFinder)
+        Controller::getController().openFileWithFileNode(*node);
     if (index.column() == FileNodeModel::Pareview) preview(index);
 }
 
@@ -86,16 +92,19 @@ std::string ListFileViewController::previewBeside(int step) {
 void ListFileViewController::showRowMenu(const QModelIndex& index, QPoint position) {
     FileNode* const node = m_model->node(index);
     if (node == nullptr) return;
-    // The tree lives as long as the menu, so that its node does; another scan may have begun meanwhile.
+    // The tree lives as long as the menu, so that its node does; another scan may have begun
+    // meanwhile.
     const auto tree = m_rootNodeArr;
     auto* const menu = new QMenu(m_views->listView);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->addAction(tr("Preview"), this, [this, place = QPersistentModelIndex(index)] { preview(place); })
+    menu->addAction(tr("Preview"), this,
+                    [this, place = QPersistentModelIndex(index)] { preview(place); })
         ->setEnabled(!node->isDirectory());
     menu->addAction(tr("Show in Folder"), this,
                     [tree, node] { Controller::getController().openFileWithFileNode(*node); });
-    menu->addAction(tr("Copy Path"), this,
-                    [tree, node] { QGuiApplication::clipboard()->setText(QString::fromStdString(node->path())); });
+    menu->addAction(tr("Copy Path"), this, [tree, node] {
+        QGuiApplication::clipboard()->setText(QString::fromStdString(node->path()));
+    });
     menu->addSeparator();
     menu->addAction(tr("Move to Trash"), this,
                     [this, tree, node] {
@@ -109,7 +118,8 @@ void ListFileViewController::putIntoTrash(FileNode& node) {
     if (m_isScan || m_isRemoving) return;
     const std::string path = node.path();
     Controller::getController().moveFileToTrash(
-        path, node.identity(), [page = QPointer(this), tree = m_rootNodeArr, &node, path](const std::string& reason) {
+        path, node.identity(),
+        [page = QPointer(this), tree = m_rootNodeArr, &node, path](const std::string& reason) {
             if (page == nullptr) return;
             if (!reason.empty()) page->tellWhyNotInTrash(path, reason);
             else if (tree == page->m_rootNodeArr) page->takeOut(node);

@@ -1,4 +1,5 @@
-// ListFileViewController: choosing a folder, the scan, and how it ends. See the header for the other sources.
+// ListFileViewController: choosing a folder, the scan, and how it ends. See the header for the
+// other sources.
 #include "ui/largefiles/ListFileViewController.h"
 
 #include <QLabel>
@@ -38,9 +39,11 @@ ListFileViewController::ListFileViewController(ListFileParts parts, QObject* par
     : QObject(parent),
       m_parts(std::move(parts)),
       m_views(std::make_unique<ListFileViews>()),
-      m_model(std::make_unique<FileNodeModel>(m_parts.icons, [this](FileNode& node) { boxClicked(node); })) {
+      m_model(std::make_unique<FileNodeModel>(m_parts.icons,
+                                              [this](FileNode& node) { boxClicked(node); })) {
     m_views->outlineView->setModel(m_model.get());
-    for (DragView* const area : {m_views->dragView, m_views->resultDragView}) area->setDelegate(this);
+    for (DragView* const area : {m_views->dragView, m_views->resultDragView})
+        area->setDelegate(this);
     Controller::getController().setADelegate(this);
     connectControls();
     m_sortTimer.setInterval(refreshTime);
@@ -70,7 +73,8 @@ void ListFileViewController::connectControls() {
     using Self = ListFileViewController;
     ListFileViews& views = *m_views;
     connect(views.selectFileButton, &QAbstractButton::clicked, this, &Self::selectFileButtonAction);
-    connect(views.animationHoverImageView, &QAbstractButton::clicked, this, &Self::selectFileButtonAction);
+    connect(views.animationHoverImageView, &QAbstractButton::clicked, this,
+            &Self::selectFileButtonAction);
     connect(views.stopScanButton, &QAbstractButton::clicked, this, &Self::stopScanButtonAction);
     connect(views.backHomeButton, &QAbstractButton::clicked, this, &Self::backButtonAction);
     connect(views.deleteButton, &QAbstractButton::clicked, this, &Self::deleteFiles);
@@ -82,21 +86,25 @@ void ListFileViewController::connectControls() {
     connect(&outline, &QTreeView::collapsed, this, &Self::outlineViewItemDidCollapse);
     connect(&outline, &QAbstractItemView::clicked, this, &Self::cellClicked);
     connect(&outline, &TickOutline::menuWanted, this, &Self::showRowMenu);
-    connect(&outline, &TickOutline::previewWanted, this, [this, &outline] { preview(outline.currentIndex()); });
+    connect(&outline, &TickOutline::previewWanted, this,
+            [this, &outline] { preview(outline.currentIndex()); });
     connect(&outline, &NewOutlineView::moreWanted, m_model.get(), &FileNodeModel::showMore);
 }
 
 void ListFileViewController::selectFileButtonAction() {
     PathChoice choice;
     choice.withSeveral = true;
-    m_parts.dialogs->choosePaths(m_mainWindow, choice, [self = QPointer(this)](std::vector<std::string> paths) {
-        if (self != nullptr && !paths.empty()) self->folderDropped(paths.front(), paths.size() > 1);
-    });
+    m_parts.dialogs->choosePaths(m_mainWindow, choice,
+                                 [self = QPointer(this)](std::vector<std::string> paths) {
+                                     if (self != nullptr && !paths.empty())
+                                         self->folderDropped(paths.front(), paths.size() > 1);
+                                 });
 }
 
 void ListFileViewController::folderDropped(const std::string& path, bool isOneOfSeveral) {
     if (m_isRemoving) return;
-    const auto attributes = m_parts.files->attributes(FileSystem::noParent, path.c_str(), Links::Follow);
+    const auto attributes =
+        m_parts.files->attributes(FileSystem::noParent, path.c_str(), Links::Follow);
     if (!attributes || attributes->type != FileType::Folder) return;
     if (m_selectAllButSt == 0 || !m_views->listView->isVisible()) {
         scanFolder(path, isOneOfSeveral);
@@ -104,19 +112,23 @@ void ListFileViewController::folderDropped(const std::string& path, bool isOneOf
     }
     Alert question;
     question.title = tr("Look into another folder?");
-    question.text = tr("What is ticked here is forgotten, and nothing is removed. To be looked into: %1")
-                        .arg(onOneLine(QString::fromStdString(path)));
+    question.text =
+        tr("What is ticked here is forgotten, and nothing is removed. To be looked into: %1")
+            .arg(onOneLine(QString::fromStdString(path)));
     question.buttons = QStringList{tr("Look"), tr("Cancel")};
     question.cancelButton = 1;
-    m_parts.dialogs->alert(m_mainWindow, question, [self = QPointer(this), path, isOneOfSeveral](int button) {
-        if (self != nullptr && button == 0 && !self->m_isRemoving) self->scanFolder(path, isOneOfSeveral);
-    });
+    m_parts.dialogs->alert(m_mainWindow, question,
+                           [self = QPointer(this), path, isOneOfSeveral](int button) {
+                               if (self != nullptr && button == 0 && !self->m_isRemoving)
+                                   self->scanFolder(path, isOneOfSeveral);
+                           });
 }
 
 void ListFileViewController::scanFolder(const std::string& path, bool isOneOfSeveral) {
     getRootNodeListWithPath(path);
     const QString name = pathParts(QString::fromStdString(path)).name;
-    m_views->onlyOneNote->setText(tr("One folder at a time: only %1 is looked into").arg(onOneLine(name)));
+    m_views->onlyOneNote->setText(
+        tr("One folder at a time: only %1 is looked into").arg(onOneLine(name)));
     m_views->onlyOneNote->setVisible(isOneOfSeveral);
     showDetailPage();
 }
@@ -161,7 +173,8 @@ void ListFileViewController::showProgress() {
     const Controller& controller = Controller::getController();
     const float progress = controller.getProgress();
     if (m_views->progressView != nullptr) {
-        m_views->progressLabel->setText(shownPercent(QString::number(static_cast<double>(progress), 'f', 1)));
+        m_views->progressLabel->setText(
+            shownPercent(QString::number(static_cast<double>(progress), 'f', 1)));
         m_views->progressView->changeProgressValue(progress);
     }
     Log::engine("-[ListFileViewController reloadTreeList]", "-----::{:f}", progress);
@@ -180,7 +193,8 @@ void ListFileViewController::endScan() {
     showQuietLine();
 }
 
-// An empty folder never gets beyond nothing of nothing, so that the scan's end alone ends no scan here.
+// An empty folder never gets beyond nothing of nothing, so that the scan's end alone ends no scan
+// here.
 void ListFileViewController::watchForEnd() {
     const EumeRoot* const scan = Controller::getController().eumeRoot();
     if (scan == nullptr || !scan->isEnded()) return;
@@ -216,18 +230,21 @@ QString ListFileViewController::emptyText() const {
     if (m_rootNodeArr->nodeCount() > 0) {
         // What could not be removed or read is on the disk all the same.
         const bool isAnythingThere = m_removal.failed != 0 || !scan.skipped().empty();
-        return isAnythingThere ? tr("The list is empty. A new scan shows what stayed in this folder.")
-                               : tr("Nothing is left in this folder.");
+        return isAnythingThere
+                   ? tr("The list is empty. A new scan shows what stayed in this folder.")
+                   : tr("Nothing is left in this folder.");
     }
     if (scan.isEmptyFolder()) return tr("This folder is empty.");
-    return scan.skipped().empty() ? tr("Nothing was read of this folder.") : tr("This folder could not be read.");
+    return scan.skipped().empty() ? tr("Nothing was read of this folder.")
+                                  : tr("This folder could not be read.");
 }
 
 // The list, or words in its place where there is nothing to list.
 void ListFileViewController::showFitting() {
     ListFileViews& views = *m_views;
     const EumeRoot* const scan = Controller::getController().eumeRoot();
-    const bool isEmpty = m_rootNodeArr && m_rootNodeArr->root().childCount() == 0 && scan != nullptr && scan->isEnded();
+    const bool isEmpty = m_rootNodeArr && m_rootNodeArr->root().childCount() == 0 &&
+                         scan != nullptr && scan->isEnded();
     QWidget* const shown = isEmpty ? views.emptyView : static_cast<QWidget*>(views.outlineView);
     if (isEmpty) views.emptyLabel->setText(emptyText());
     if (views.content->currentWidget() == shown) return;
@@ -238,13 +255,15 @@ void ListFileViewController::showQuietLine() {
     const EumeRoot* const scan = Controller::getController().eumeRoot();
     const std::size_t skipped = scan != nullptr ? scan->skipped().size() : 0;
     m_views->quietLine->setVisible(skipped != 0);
-    m_views->quietLine->setText(skipped == 1 ? tr("1 entry could not be read")
-                                             : tr("%Ln entries could not be read", nullptr, static_cast<int>(skipped)));
+    m_views->quietLine->setText(
+        skipped == 1 ? tr("1 entry could not be read")
+                     : tr("%Ln entries could not be read", nullptr, static_cast<int>(skipped)));
 }
 
 void ListFileViewController::showSkipped() {
     const EumeRoot* const scan = Controller::getController().eumeRoot();
-    if (scan != nullptr) showLineList(m_mainWindow, tr("Could not be read"), linesOf(scan->skipped()));
+    if (scan != nullptr)
+        showLineList(m_mainWindow, tr("Could not be read"), linesOf(scan->skipped()));
 }
 
 }  // namespace orrinvale

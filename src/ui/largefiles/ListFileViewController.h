@@ -1,5 +1,6 @@
-// ListFileViewController: the page that shows what is large in a folder. Three sources: this class's scan, ListFileRows.cpp its boxes and
-// what is done with one row, ListFileRemoval.cpp its removal. The decisions stand in engine/largefiles/Controller.h.
+// ListFileViewController: the page that shows what is large in a folder. Three sources: this
+// class's scan, ListFileRows.cpp its boxes and what is done with one row, ListFileRemoval.cpp its
+// removal. The decisions stand in engine/largefiles/Controller.h.
 #pragma once
 
 #include <QIcon>
@@ -59,21 +60,25 @@ public:
     [[nodiscard]] QWidget* listView() const;
 
     void setMainWindow(QWidget* window) { m_mainWindow = window; }
-    void setDetagate(ListFileViewControllerDelagate* detagate) { m_detagate = detagate; }  ///< not owned
+    void setDetagate(ListFileViewControllerDelagate* detagate) {
+        m_detagate = detagate;
+    }  ///< not owned
 
-    /// From the start of a scan until it ends or is stopped. Leaving the page stops a scan, and does not end this.
+    /// From the start of a scan until it ends or is stopped. Leaving the page stops a scan, and
+    /// does not end this.
     [[nodiscard]] bool isScan() const { return m_isScan; }
     /// From the person's yes to the end of the removal.
     [[nodiscard]] bool isRemoving() const { return m_isRemoving; }
     /// The removal ends before its next entry, and does not begin where it has not begun.
     void giveUpRemoval();
 
-    /// Scans a folder, as if it had been dropped. Does nothing when it is none, or while files are removed. Where something on the
-    /// screen is selected the person is asked first.
+    /// Scans a folder, as if it had been dropped. Does nothing when it is none, or while files are
+    /// removed. Where something on the screen is selected the person is asked first.
     void viewDragAction(const std::string& path) override { folderDropped(path, false); }
     void viewDragActionOfSeveral(const std::string& path) override { folderDropped(path, true); }
 
-    /// Goes on to the next row of a file, or with -1 to the one before, and gives its path; empty where there is none.
+    /// Goes on to the next row of a file, or with -1 to the one before, and gives its path; empty
+    /// where there is none.
     [[nodiscard]] std::string previewBeside(int step);
 
 public Q_SLOTS:
@@ -129,10 +134,11 @@ private:
     QPointer<QWidget> m_mainWindow;
     QPointer<ProgressWindowController> m_progress;
 
-    std::shared_ptr<FileNodeTree> m_rootNodeArr;  // null before the first scan and on the start page
-    QTimer m_sortTimer;                           // refreshes the list while a scan runs
-    QTimer m_reloadTimer;                         // answers all requests of one turn of the event loop by one refresh
-    QTimer m_endTimer;                            // sees that a scan has ended before the next refresh would
+    std::shared_ptr<FileNodeTree>
+        m_rootNodeArr;     // null before the first scan and on the start page
+    QTimer m_sortTimer;    // refreshes the list while a scan runs
+    QTimer m_reloadTimer;  // answers all requests of one turn of the event loop by one refresh
+    QTimer m_endTimer;     // sees that a scan has ended before the next refresh would
     std::int32_t m_selectAllButSt = 0;
     LargeFileRemoval m_removal;  // the last one of this scan
     bool m_isScan = false;

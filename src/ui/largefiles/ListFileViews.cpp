@@ -39,13 +39,14 @@ ListFileViews::~ListFileViews() {
 }
 
 void ListFileViews::makeStartPage() {
-    const FolderStart start =
-        makeFolderStart({.viewName = "aLoadView",
-                         .buttonName = "selectFileButton",
-                         .dropName = tr("Drop a folder here to see what is large in it"),
-                         .pictureName = tr("Choose a folder to look into"),
-                         .heading = tr("See what takes up the space"),
-                         .hint = tr("Drop a folder here, or choose one. The biggest files and folders come first.")});
+    const FolderStart start = makeFolderStart(
+        {.viewName = "aLoadView",
+         .buttonName = "selectFileButton",
+         .dropName = tr("Drop a folder here to see what is large in it"),
+         .pictureName = tr("Choose a folder to look into"),
+         .heading = tr("See what takes up the space"),
+         .hint =
+             tr("Drop a folder here, or choose one. The biggest files and folders come first.")});
     aLoadView = start.view;
     dragView = start.dragView;
     animationHoverImageView = start.animationHoverImageView;
@@ -55,7 +56,8 @@ void ListFileViews::makeStartPage() {
 QWidget* ListFileViews::makeTopBar() {
     auto* const bar = new Panel(Theme::Color::Surface, Qt::BottomEdge);
     bar->setFixedHeight(barHeight);
-    backHomeButton = makeImageButton("backHomeButton", QStringLiteral("arrow_left"), tr("Look into another folder"));
+    backHomeButton = makeImageButton("backHomeButton", QStringLiteral("arrow_left"),
+                                     tr("Look into another folder"));
     titleLabel = named(new ElidedLabel(Qt::ElideMiddle), "titleLabel");
     titleLabel->setFont(Theme::shared().font(Theme::Text::BodyStrong));
     auto* const row = new QHBoxLayout(bar);
@@ -100,7 +102,8 @@ QWidget* ListFileViews::makeBottomBar() {
         progressLabel->fontMetrics().horizontalAdvance(shownPercent(QStringLiteral("100.0"))));
     progressLabel->hide();
     stopScanButton = named(new TextImageButton(tr("Stop")), "stopScanButton");
-    deleteButton = named(new TextImageButton(tr("Delete"), TextImageButton::Role::Danger), "deleteButton");
+    deleteButton =
+        named(new TextImageButton(tr("Delete"), TextImageButton::Role::Danger), "deleteButton");
     deleteButton->setToolTip(tr("Delete what is selected, for good"));
     deleteButton->setEnabled(false);
     m_bottom = new QHBoxLayout(bar);
@@ -123,7 +126,8 @@ QWidget* ListFileViews::makeBottomBar() {
 
 void ListFileViews::makeResultPage() {
     listView = named(new Panel(Theme::Color::Window), "listView");
-    resultDragView = named(new DragView(listView), "resultDragView", tr("Drop a folder here to look into it"));
+    resultDragView =
+        named(new DragView(listView), "resultDragView", tr("Drop a folder here to look into it"));
     resultDragView->setFrameAtRest(false);
     auto* const around = new QVBoxLayout(listView);
     around->setContentsMargins({});

@@ -1,5 +1,5 @@
-// ListFileViews: the two views of the large file page with their controls, and nothing of what they do.
-// ListFileViewController.h is what they do.
+// ListFileViews: the two views of the large file page with their controls, and nothing of what they
+// do. ListFileViewController.h is what they do.
 #pragma once
 
 #include <QCoreApplication>
@@ -22,8 +22,8 @@ class TCImageButton;
 class TextImageButton;
 class TickBox;
 
-/// Each control has an object name equal to its field's. A view that nobody has put into a window is deleted with this.
-/// Main thread only.
+/// Each control has an object name equal to its field's. A view that nobody has put into a window
+/// is deleted with this. Main thread only.
 class ListFileViews final {
     Q_DECLARE_TR_FUNCTIONS(ListFileViews)
 
@@ -47,7 +47,8 @@ public:
 
     // The result page.
     DragView* resultDragView = nullptr;  ///< holds all of it
-    ElidedLabel* onlyOneNote = nullptr;  ///< of several folders one is shown; hidden where there was one
+    ElidedLabel* onlyOneNote =
+        nullptr;  ///< of several folders one is shown; hidden where there was one
     TCImageButton* backHomeButton = nullptr;
     ElidedLabel* titleLabel = nullptr;
     QStackedWidget* content = nullptr;  ///< the list, or what stands in its place

@@ -14,13 +14,15 @@ namespace orrinvale {
 namespace {
 
 constexpr int sizeColumnWidth = 96;
-// So many rows before the end the next ones are asked for, so that nobody runs into the end by scrolling.
+// So many rows before the end the next ones are asked for, so that nobody runs into the end by
+// scrolling.
 constexpr int rowsAhead = 200;
 
 }  // namespace
 
 NewOutlineView::NewOutlineView(QWidget* parent)
-    : TickOutline({FileNodeModel::CheckBox, FileNodeModel::StateRole}, new CustomHeaderCell, parent) {
+    : TickOutline({FileNodeModel::CheckBox, FileNodeModel::StateRole}, new CustomHeaderCell,
+                  parent) {
     setObjectName(QStringLiteral("outlineView"));
     setAccessibleName(tr("Files and folders by size"));
     setItemDelegate(new FileNodeRowDelegate(this));
@@ -35,7 +37,8 @@ void NewOutlineView::setModel(QAbstractItemModel* model) {
     setTreePosition(Model::Name);
     QHeaderView& columns = *header();
     columns.setSectionResizeMode(QHeaderView::Fixed);
-    for (const int column : {Model::Name, Model::Path}) columns.setSectionResizeMode(column, QHeaderView::Stretch);
+    for (const int column : {Model::Name, Model::Path})
+        columns.setSectionResizeMode(column, QHeaderView::Stretch);
     for (const int column : {Model::CheckBox, Model::OpenFinder, Model::Pareview})
         columns.resizeSection(column, boxColumnWidth);
     columns.resizeSection(Model::Size, sizeColumnWidth);
@@ -53,8 +56,10 @@ void NewOutlineView::keyPressEvent(QKeyEvent* event) {
 void NewOutlineView::verticalScrollbarValueChanged(int value) {
     TickOutline::verticalScrollbarValueChanged(value);
     QList<QPersistentModelIndex> ending;  // asking for more moves rows
-    for (QModelIndex index = indexAt(viewport()->rect().bottomLeft()); index.isValid(); index = index.parent())
-        if (index.row() + rowsAhead >= model()->rowCount(index.parent())) ending.push_back(index.parent());
+    for (QModelIndex index = indexAt(viewport()->rect().bottomLeft()); index.isValid();
+         index = index.parent())
+        if (index.row() + rowsAhead >= model()->rowCount(index.parent()))
+            ending.push_back(index.parent());
     for (const QPersistentModelIndex& level : ending) Q_EMIT moreWanted(level);
 }
 

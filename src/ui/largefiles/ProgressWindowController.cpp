@@ -17,10 +17,12 @@ constexpr int windowWidth = 460;
 
 }  // namespace
 
-ProgressWindowController::ProgressWindowController(QWidget* parent, ProgressWindowControllerDelegate& delegate)
+ProgressWindowController::ProgressWindowController(QWidget* parent,
+                                                   ProgressWindowControllerDelegate& delegate)
     : QDialog(parent),
       m_delegate(delegate),
-      m_progressView(named(new QnProgressView, "removalProgressView", tr("Progress of the removal"))),
+      m_progressView(
+          named(new QnProgressView, "removalProgressView", tr("Progress of the removal"))),
       m_pathLabel(named(new ElidedLabel(Qt::ElideMiddle), "pathLabel")),
       m_stopButton(named(new TextImageButton(tr("Stop")), "stopButton")) {
     setObjectName(QStringLiteral("progressWindow"));
@@ -32,7 +34,8 @@ ProgressWindowController::ProgressWindowController(QWidget* parent, ProgressWind
     heading->setAlignment(Qt::AlignLeading | Qt::AlignVCenter);
     heading->setText(tr("Removing what you selected"));
     m_pathLabel->setForegroundRole(QPalette::PlaceholderText);
-    connect(m_stopButton, &QAbstractButton::clicked, this, &ProgressWindowController::stopButtonAction);
+    connect(m_stopButton, &QAbstractButton::clicked, this,
+            &ProgressWindowController::stopButtonAction);
 
     auto* const buttons = new QHBoxLayout;
     buttons->addStretch();

@@ -22,8 +22,9 @@ protected:
     ProgressWindowControllerDelegate& operator=(const ProgressWindowControllerDelegate&) = default;
 };
 
-/// Keeps the rest of the program out of reach until the removal is over, and deletes itself then. Closing it, like Escape, asks for a stop:
-/// the entry in hand is finished first, and the window stays until then. Main thread only.
+/// Keeps the rest of the program out of reach until the removal is over, and deletes itself then.
+/// Closing it, like Escape, asks for a stop: the entry in hand is finished first, and the window
+/// stays until then. Main thread only.
 class ProgressWindowController final : public QDialog {
     Q_OBJECT
 public:

@@ -47,7 +47,8 @@ void QnProgressView::paintEvent(QPaintEvent* /*event*/) {
     const QRectF track = QRectF(rect()).adjusted(1, 1, -1, -1);
     painter.setBrush(Theme::shared().color(Theme::Color::Selection));
     painter.drawRoundedRect(track, trackRadius, trackRadius);
-    QRectF bar(track.left(), track.center().y() - barHeight / 2, barWidth(track.width(), m_percent), barHeight);
+    QRectF bar(track.left(), track.center().y() - barHeight / 2, barWidth(track.width(), m_percent),
+               barHeight);
     if (layoutDirection() == Qt::RightToLeft) bar.moveRight(track.right());
     painter.setBrush(Theme::shared().color(Theme::Color::Accent));
     painter.drawRoundedRect(bar, barHeight / 2, barHeight / 2);

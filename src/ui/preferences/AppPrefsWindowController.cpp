@@ -56,11 +56,13 @@ void AppPrefsWindowController::registerPage(PageDescriptor page) {
 }
 
 bool AppPrefsWindowController::hasPage(const QString& identifier) const {
-    return std::ranges::any_of(m_pages, [&](const PageDescriptor& each) { return each.identifier == identifier; });
+    return std::ranges::any_of(
+        m_pages, [&](const PageDescriptor& each) { return each.identifier == identifier; });
 }
 
 bool AppPrefsWindowController::hasPagesBeside(const QString& identifier) const {
-    return std::ranges::any_of(m_pages, [&](const PageDescriptor& each) { return each.identifier != identifier; });
+    return std::ranges::any_of(
+        m_pages, [&](const PageDescriptor& each) { return each.identifier != identifier; });
 }
 
 void AppPrefsWindowController::insertPage(int place) {

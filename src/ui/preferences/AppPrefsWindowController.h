@@ -15,8 +15,8 @@ struct PageDescriptor {
     QString identifier;
     QString label;
     QString picture;  ///< a name for picture()
-    /// Makes the page, when it is first shown. What the view needs to live becomes a child of `owner`, which ends before the view does;
-    /// the window takes the view over.
+    /// Makes the page, when it is first shown. What the view needs to live becomes a child of
+    /// `owner`, which ends before the view does; the window takes the view over.
     std::function<QWidget*(QObject* owner)> makeView;
 };
 
@@ -24,14 +24,15 @@ struct PageDescriptor {
 class AppPrefsWindowController final : public DBPrefsWindowController {
     Q_OBJECT
 public:
-    /// Made at the first call. It ends when the application is about to quit, since pages use what ends with it.
+    /// Made at the first call. It ends when the application is about to quit, since pages use what
+    /// ends with it.
     [[nodiscard]] static AppPrefsWindowController& sharedPrefsWindowController();
 
     explicit AppPrefsWindowController(QObject* parent = nullptr);
     ~AppPrefsWindowController() override;
 
-    /// Adds a page behind those that are registered, now or when the window is first shown. An identifier that is taken is logged
-    /// and leaves the page that has it.
+    /// Adds a page behind those that are registered, now or when the window is first shown. An
+    /// identifier that is taken is logged and leaves the page that has it.
     void registerPage(PageDescriptor page);
     [[nodiscard]] bool hasPage(const QString& identifier) const;
     /// Whether a page of another identifier is registered.

@@ -34,10 +34,12 @@ const QString helpItem = QStringLiteral("Help");
 
 QString windowTitle() { return QStringLiteral("Orrinvale"); }
 
-// The page that goes, as it looked, over the one that comes. A picture and not the page itself, which is off the window at once.
+// The page that goes, as it looked, over the one that comes. A picture and not the page itself,
+// which is off the window at once.
 class FadingPicture final : public QWidget {
 public:
-    FadingPicture(QPixmap picture, QWidget* parent) : QWidget(parent), m_picture(std::move(picture)) {
+    FadingPicture(QPixmap picture, QWidget* parent)
+        : QWidget(parent), m_picture(std::move(picture)) {
         setObjectName(QStringLiteral("fadingPicture"));
         setAttribute(Qt::WA_TransparentForMouseEvents);
         setGeometry(parent->rect());
@@ -71,7 +73,8 @@ DBPrefsWindowController::DBPrefsWindowController(QObject* parent)
     m_fade.setEndValue(0.0);
     m_fade.setEasingCurve(QEasingCurve::InOutQuad);
     connect(&m_fade, &QVariantAnimation::valueChanged, this, [this](const QVariant& opacity) {
-        if (m_fadingPicture) static_cast<FadingPicture*>(m_fadingPicture.data())->setOpacity(opacity.toReal());
+        if (m_fadingPicture)
+            static_cast<FadingPicture*>(m_fadingPicture.data())->setOpacity(opacity.toReal());
     });
     connect(&m_fade, &QVariantAnimation::finished, this, &DBPrefsWindowController::endFade);
     makeWindow();
@@ -112,9 +115,11 @@ void DBPrefsWindowController::makeTitleBar() {
     title->setText(windowTitle());
     title->setFixedHeight(titleHeight);
     m_toolbar = named(new PrefsToolbar, "DBPreferencesToolbar", tr("Pages"));
-    connect(m_toolbar, &PrefsToolbar::itemClicked, this, &DBPrefsWindowController::toggleActivePreferenceView);
+    connect(m_toolbar, &PrefsToolbar::itemClicked, this,
+            &DBPrefsWindowController::toggleActivePreferenceView);
     connect(m_toolbar, &PrefsToolbar::displayChanged, this, &DBPrefsWindowController::keepDisplay);
-    // The three window buttons stand on the left; as much is left free on the right, so that the title is in the middle.
+    // The three window buttons stand on the left; as much is left free on the right, so that the
+    // title is in the middle.
     constexpr int buttonsWidth = leftMargin + 3 * WindowButton::side + Theme::gapSmall;
     auto* const titleRow = new QHBoxLayout;
     titleRow->setContentsMargins(buttonsWidth, 0, buttonsWidth, 0);
@@ -144,7 +149,8 @@ void DBPrefsWindowController::addView(QWidget* view, const QString& label, const
     insertView(static_cast<int>(m_toolbarIdentifiers.size()), view, label, image);
 }
 
-void DBPrefsWindowController::insertView(int place, QWidget* view, const QString& label, const QString& image) {
+void DBPrefsWindowController::insertView(int place, QWidget* view, const QString& label,
+                                         const QString& image) {
     if (view == nullptr && label.isEmpty()) {
         m_toolbar->insertFlexibleSpace(place);
         m_toolbar->insertSpace(place + 1);
@@ -180,7 +186,8 @@ QString DBPrefsWindowController::storedIdentifier() const {
     };
     QString stored = m_toolbarIdentifiers.value(m_defaults.integerForKey(ZvToobarItem));
     if (isPage(stored)) return stored;
-    const auto first = std::find_if(m_toolbarIdentifiers.begin(), m_toolbarIdentifiers.end(), isPage);
+    const auto first =
+        std::find_if(m_toolbarIdentifiers.begin(), m_toolbarIdentifiers.end(), isPage);
     return first == m_toolbarIdentifiers.end() ? QString() : *first;
 }
 
@@ -246,7 +253,8 @@ void DBPrefsWindowController::crossFadeView(QWidget* from, QWidget* withView) {
     swapView(from, withView);
     fading->show();
     fading->raise();
-    const bool isSlow = m_shiftSlowsAnimation && QGuiApplication::keyboardModifiers().testFlag(Qt::ShiftModifier);
+    const bool isSlow =
+        m_shiftSlowsAnimation && QGuiApplication::keyboardModifiers().testFlag(Qt::ShiftModifier);
     m_fade.setDuration(isSlow ? slowFadeTime : fadeTime);
     m_fade.start();
 }

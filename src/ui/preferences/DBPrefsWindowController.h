@@ -1,4 +1,5 @@
-// DBPrefsWindowController: a window with a toolbar that shows one page at a time. AppPrefsWindowController.h says which pages.
+// DBPrefsWindowController: a window with a toolbar that shows one page at a time.
+// AppPrefsWindowController.h says which pages.
 #pragma once
 
 #include <QHash>
@@ -34,28 +35,37 @@ public:
     /// In the toolbar's order, spaces included.
     [[nodiscard]] const QStringList& toolbarIdentifiers() const { return m_toolbarIdentifiers; }
     /// Of the pages that have been made.
-    [[nodiscard]] const QHash<QString, QPointer<QWidget>>& toolbarViews() const { return m_toolbarViews; }
-    [[nodiscard]] const QHash<QString, ToolbarItem*>& toolbarItems() const { return m_toolbarItems; }
+    [[nodiscard]] const QHash<QString, QPointer<QWidget>>& toolbarViews() const {
+        return m_toolbarViews;
+    }
+    [[nodiscard]] const QHash<QString, ToolbarItem*>& toolbarItems() const {
+        return m_toolbarItems;
+    }
 
     /// Whether pages fade into each other, and whether that is slower while Shift is held down.
     [[nodiscard]] bool crossFade() const { return m_crossFade; }
     void setCrossFade(bool crossFade) { m_crossFade = crossFade; }
     [[nodiscard]] bool shiftSlowsAnimation() const { return m_shiftSlowsAnimation; }
-    void setShiftSlowsAnimation(bool shiftSlowsAnimation) { m_shiftSlowsAnimation = shiftSlowsAnimation; }
+    void setShiftSlowsAnimation(bool shiftSlowsAnimation) {
+        m_shiftSlowsAnimation = shiftSlowsAnimation;
+    }
 
-    /// What opens a web page, and the program's help. Set before the window is first shown: only then has it items for them.
+    /// What opens a web page, and the program's help. Set before the window is first shown: only
+    /// then has it items for them.
     void setOpenAddress(std::function<void(const QString& address)> openAddress) {
         m_openAddress = std::move(openAddress);
     }
     void setOpenHelp(std::function<void()> openHelp) { m_openHelp = std::move(openHelp); }
 
-    /// Adds an item to the toolbar, whose identifier and first label is `label`. The window takes the view over. An image is a
-    /// name for picture(). No view and no label adds a flexible and a fixed space.
+    /// Adds an item to the toolbar, whose identifier and first label is `label`. The window takes
+    /// the view over. An image is a name for picture(). No view and no label adds a flexible and a
+    /// fixed space.
     void addView(QWidget* view, const QString& label) { addView(view, label, label); }
     void addView(QWidget* view, const QString& label, const QString& image);
 
 public Q_SLOTS:
-    /// Brings the window to the front, with the page whose place in the toolbar is stored, or with the first one.
+    /// Brings the window to the front, with the page whose place in the toolbar is stored, or with
+    /// the first one.
     void showWindow();
     void closeWindow();
 
@@ -63,11 +73,13 @@ public Q_SLOTS:
     void toggleActivePreferenceView(const QString& identifier);
     void updatePreferenceView(const QString& identifier);
 
-    /// Shows the page and selects its item. An identifier without a page leaves the page that is there. "websit" opens the vendor's
-    /// web page and "Help" the program's help; both change nothing here.
+    /// Shows the page and selects its item. An identifier without a page leaves the page that is
+    /// there. "websit" opens the vendor's web page and "Help" the program's help; both change
+    /// nothing here.
     void displayViewForIdentifier(const QString& identifier, bool animate);
 
-    /// Shows the second view in place of the first, which fades within a quarter of a second, or within five quarters with Shift.
+    /// Shows the second view in place of the first, which fades within a quarter of a second, or
+    /// within five quarters with Shift.
     void crossFadeView(QWidget* from, QWidget* withView);
 
 protected:
@@ -75,7 +87,8 @@ protected:
 
     /// Adds the items. Called once, before the window is first shown.
     virtual void setupToolbar() = 0;
-    /// The view of a page that is asked for the first time; null when there is none. The window takes it over.
+    /// The view of a page that is asked for the first time; null when there is none. The window
+    /// takes it over.
     [[nodiscard]] virtual QWidget* makeView(const QString& identifier) = 0;
 
     /// As addView(), in another place than the last.

@@ -24,9 +24,11 @@ PrefsToolbar::PrefsToolbar(QWidget* parent) : QWidget(parent), m_row(new QHBoxLa
 void PrefsToolbar::insertItem(int place, ToolbarItem* item) {
     m_row->insertWidget(place, item);
     item->setDisplay(m_display);
-    connect(item, &QAbstractButton::clicked, this, [this, item] { Q_EMIT itemClicked(item->identifier()); });
+    connect(item, &QAbstractButton::clicked, this,
+            [this, item] { Q_EMIT itemClicked(item->identifier()); });
     const auto all = items();
-    if (std::none_of(all.begin(), all.end(), [](auto* each) { return each->focusPolicy() == Qt::TabFocus; }))
+    if (std::none_of(all.begin(), all.end(),
+                     [](auto* each) { return each->focusPolicy() == Qt::TabFocus; }))
         setTabStop(item);
     // The order in which they were made says nothing about where they stand.
     for (qsizetype i = 1; i < all.size(); ++i) setTabOrder(all[i - 1], all[i]);
@@ -39,7 +41,8 @@ void PrefsToolbar::insertSpace(int place) { m_row->insertSpacing(place, Theme::g
 QList<ToolbarItem*> PrefsToolbar::items() const {
     QList<ToolbarItem*> out;
     for (int i = 0; i < m_row->count(); ++i)
-        if (auto* const item = qobject_cast<ToolbarItem*>(m_row->itemAt(i)->widget())) out.append(item);
+        if (auto* const item = qobject_cast<ToolbarItem*>(m_row->itemAt(i)->widget()))
+            out.append(item);
     return out;
 }
 
@@ -52,12 +55,14 @@ void PrefsToolbar::setSelectedItemIdentifier(const QString& identifier) {
 
 QString PrefsToolbar::selectedItemIdentifier() const {
     const auto all = items();
-    const auto found = std::find_if(all.begin(), all.end(), [](auto* each) { return each->isChecked(); });
+    const auto found =
+        std::find_if(all.begin(), all.end(), [](auto* each) { return each->isChecked(); });
     return found == all.end() ? QString() : (*found)->identifier();
 }
 
 void PrefsToolbar::setTabStop(ToolbarItem* item) {
-    for (ToolbarItem* const each : items()) each->setFocusPolicy(each == item ? Qt::TabFocus : Qt::NoFocus);
+    for (ToolbarItem* const each : items())
+        each->setFocusPolicy(each == item ? Qt::TabFocus : Qt::NoFocus);
 }
 
 void PrefsToolbar::setDisplay(ToolbarDisplay display) {
@@ -94,7 +99,8 @@ void PrefsToolbar::contextMenuEvent(QContextMenuEvent* event) {
          {tr("Icon Only"), ToolbarDisplay::IconOnly},
          {tr("Text Only"), ToolbarDisplay::TextOnly}}};
     for (const auto& [title, display] : displays) {
-        QAction* const action = menu->addAction(title, this, [this, chosen = display] { setDisplay(chosen); });
+        QAction* const action =
+            menu->addAction(title, this, [this, chosen = display] { setDisplay(chosen); });
         action->setCheckable(true);
         action->setChecked(display == m_display);
         choices->addAction(action);

@@ -10,8 +10,9 @@ class QHBoxLayout;
 
 namespace orrinvale {
 
-/// The Tab key stops at one item of it, the arrow keys, Home and End go from item to item, and a context menu chooses what of them is
-/// shown. Without a flexible space its items stand on the left. Main thread only.
+/// The Tab key stops at one item of it, the arrow keys, Home and End go from item to item, and a
+/// context menu chooses what of them is shown. Without a flexible space its items stand on the
+/// left. Main thread only.
 class PrefsToolbar final : public QWidget {
     Q_OBJECT
 public:

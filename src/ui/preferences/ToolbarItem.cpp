@@ -22,7 +22,8 @@ constexpr int markWidth = 24;
 
 }  // namespace
 
-ToolbarItem::ToolbarItem(QString identifier, const QString& image, bool isSelectable, QWidget* parent)
+ToolbarItem::ToolbarItem(QString identifier, const QString& image, bool isSelectable,
+                         QWidget* parent)
     : DrawnButton(parent), m_identifier(std::move(identifier)) {
     setObjectName(m_identifier);
     setCheckable(isSelectable);
@@ -56,7 +57,9 @@ QSize ToolbarItem::sizeHint() const {
             image.height() + gap + words.height() + 2 * edgePadding};
 }
 
-QSize ToolbarItem::minimumSizeHint() const { return {iconSize().width() + 2 * edgePadding, sizeHint().height()}; }
+QSize ToolbarItem::minimumSizeHint() const {
+    return {iconSize().width() + 2 * edgePadding, sizeHint().height()};
+}
 
 bool ToolbarItem::isLabelCut() const {
     return !showsLabel() || fontMetrics().horizontalAdvance(text()) > width() - Theme::gapSmall;
@@ -85,22 +88,26 @@ void ToolbarItem::paintEvent(QPaintEvent* /*event*/) {
     drawPlate(painter);
     QRect words = rect();
     if (showsPicture()) {
-        const QRect place((width() - iconSize().width()) / 2, edgePadding, iconSize().width(), iconSize().height());
+        const QRect place((width() - iconSize().width()) / 2, edgePadding, iconSize().width(),
+                          iconSize().height());
         drawPicture(painter, icon(), place, isEnabled() ? PictureTint() : faintPicture);
         words = QRect(0, place.bottom() + 1 + Theme::gapTiny, width(), fontMetrics().height());
     }
     if (showsLabel()) {
         const bool isPlain = !isChecked() && buttonLook(*this) == ButtonLook::Normal;
-        painter.setPen(Theme::shared().color(isPlain ? Theme::Color::TextSecondary : Theme::Color::Text));
-        painter.drawText(words, Qt::AlignCenter,
-                         fontMetrics().elidedText(text(), Qt::ElideRight, width() - Theme::gapSmall));
+        painter.setPen(
+            Theme::shared().color(isPlain ? Theme::Color::TextSecondary : Theme::Color::Text));
+        painter.drawText(
+            words, Qt::AlignCenter,
+            fontMetrics().elidedText(text(), Qt::ElideRight, width() - Theme::gapSmall));
     }
     drawFocus(painter, Theme::radius);
 }
 
 bool ToolbarItem::event(QEvent* event) {
     if (event->type() != QEvent::ToolTip) return DrawnButton::event(event);
-    if (isLabelCut()) QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text(), this);
+    if (isLabelCut())
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text(), this);
     else QToolTip::hideText();
     return true;
 }
@@ -110,7 +117,9 @@ void ToolbarItem::keyPressEvent(QKeyEvent* event) {
         case Qt::Key_Left:
         case Qt::Key_Right:
         case Qt::Key_Up:
-        case Qt::Key_Down: event->ignore(); return;  // the toolbar's: a button would go on to the window's next control
+        case Qt::Key_Down:
+            event->ignore();
+            return;  // the toolbar's: a button would go on to the window's next control
         default: DrawnButton::keyPressEvent(event);
     }
 }

@@ -11,13 +11,15 @@ namespace orrinvale {
 /// What a toolbar shows of its items. The numbers are stored in the settings.
 enum class ToolbarDisplay { IconAndText = 0, IconOnly = 1, TextOnly = 2 };
 
-/// A picture over a label. A selectable item stands for a page and is checked while that page is shown; only the toolbar checks it,
-/// a click alone does not. Main thread only.
+/// A picture over a label. A selectable item stands for a page and is checked while that page is
+/// shown; only the toolbar checks it, a click alone does not. Main thread only.
 class ToolbarItem final : public DrawnButton<QAbstractButton> {
     Q_OBJECT
 public:
-    /// The label is the identifier until another one is set. A name that picture() does not know leaves the label alone.
-    ToolbarItem(QString identifier, const QString& image, bool isSelectable, QWidget* parent = nullptr);
+    /// The label is the identifier until another one is set. A name that picture() does not know
+    /// leaves the label alone.
+    ToolbarItem(QString identifier, const QString& image, bool isSelectable,
+                QWidget* parent = nullptr);
 
     [[nodiscard]] const QString& identifier() const { return m_identifier; }
     void setLabel(const QString& label);
@@ -33,8 +35,12 @@ protected:
     void nextCheckState() override {}
 
 private:
-    [[nodiscard]] bool showsPicture() const { return m_display != ToolbarDisplay::TextOnly && !icon().isNull(); }
-    [[nodiscard]] bool showsLabel() const { return m_display != ToolbarDisplay::IconOnly || icon().isNull(); }
+    [[nodiscard]] bool showsPicture() const {
+        return m_display != ToolbarDisplay::TextOnly && !icon().isNull();
+    }
+    [[nodiscard]] bool showsLabel() const {
+        return m_display != ToolbarDisplay::IconOnly || icon().isNull();
+    }
     [[nodiscard]] bool isLabelCut() const;
     void drawPlate(QPainter& painter) const;
 

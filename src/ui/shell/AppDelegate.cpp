@@ -29,7 +29,8 @@
 namespace orrinvale {
 namespace {
 
-// Milliseconds that a removal has to finish the entry that it is at. Less than the second for which a later start waits.
+// Milliseconds that a removal has to finish the entry that it is at. Less than the second for which
+// a later start waits.
 constexpr int endPatience = 700;
 constexpr int endPause = 10;
 
@@ -38,16 +39,17 @@ constexpr int endPause = 10;
 AppDelegate::AppDelegate(AppDelegateParts parts, QObject* parent)
     : QObject(parent),
       m_parts(std::move(parts)),
-      m_menu(
-          std::make_unique<ApplicationMenu>(ApplicationMenu::Actions{.openAboutWindow = [this] { openAboutWindow(); },
-                                                                     .Reference = [this] { Reference(); },
-                                                                     .CheckupdateMenuItemAction = {},
-                                                                     .showPages = [this] { showPages(); },
-                                                                     .rejestAllDisk = [this] { rejestAllDisk(); },
-                                                                     .help = [this] { help(); },
-                                                                     .quit = [this] { quit(); }})),
+      m_menu(std::make_unique<ApplicationMenu>(
+          ApplicationMenu::Actions{.openAboutWindow = [this] { openAboutWindow(); },
+                                   .Reference = [this] { Reference(); },
+                                   .CheckupdateMenuItemAction = {},
+                                   .showPages = [this] { showPages(); },
+                                   .rejestAllDisk = [this] { rejestAllDisk(); },
+                                   .help = [this] { help(); },
+                                   .quit = [this] { quit(); }})),
       m_volumeWorker(*m_parts.volumes, *m_parts.pages.mainQueue) {
-    connect(m_menu.get(), &ApplicationMenu::opened, this, [this] { refMenuItemWhenDeleteAndAdd(); });
+    connect(m_menu.get(), &ApplicationMenu::opened, this,
+            [this] { refMenuItemWhenDeleteAndAdd(); });
 }
 
 AppDelegate::~AppDelegate() = default;
@@ -63,22 +65,27 @@ void AppDelegate::applicationDidFinishLaunching() {
 }
 
 void AppDelegate::registNSnotification() {
-    const auto observe = [this](const char* name, void (AppDelegate::*handler)(const Notification&)) {
+    const auto observe = [this](const char* name,
+                                void (AppDelegate::*handler)(const Notification&)) {
         m_observations.push_back(m_parts.pages.notifications->addObserver(
-            name, [this, handler](const Notification& notification) { (this->*handler)(notification); }));
+            name,
+            [this, handler](const Notification& notification) { (this->*handler)(notification); }));
     };
     observe(ZvVolumeMountNotification, &AppDelegate::ZvVolumeMountNotificationCall);
     observe(ZvVolumeUnmountNotification, &AppDelegate::ZvVolumeUnmountNotificationCall);
     observe("openFinderWhenClickItems", &AppDelegate::openFinderWhenClickItems);
     m_observations.push_back(m_parts.pages.notifications->addObserver(
-        "refMenuItemWhenDeleteAndAdd", [this](const Notification&) { refMenuItemWhenDeleteAndAdd(); }));
+        "refMenuItemWhenDeleteAndAdd",
+        [this](const Notification&) { refMenuItemWhenDeleteAndAdd(); }));
 }
 
 void AppDelegate::addMainFuction() {
     PreferenceViewController::setLastClickRow(0);
-    UtilityFunction::callSelectNotificationForMainWindowLeft(PreferenceViewController::getLastClickRow());
+    UtilityFunction::callSelectNotificationForMainWindowLeft(
+        PreferenceViewController::getLastClickRow());
     m_workspace = std::make_unique<WorkspaceMounts>(*m_parts.mountChanges);
-    m_watchMu = std::make_unique<WatchMountUnmount>(m_workspace->notificationCenter(), *m_parts.pages.notifications);
+    m_watchMu = std::make_unique<WatchMountUnmount>(m_workspace->notificationCenter(),
+                                                    *m_parts.pages.notifications);
     m_voluInfo = std::make_unique<VolumesInfo>(*m_parts.volumesAtOnce);
     m_voluManager = std::make_unique<VolumesManager>(*m_parts.volumesAtOnce, m_parts.openFolder);
     refMenuItemWhenDeleteAndAdd();
@@ -89,12 +96,14 @@ void AppDelegate::addMainFuction() {
 
 // Of removals that were killed. Their folders may lie on a disk that is slow to answer.
 void AppDelegate::bringBackWhatIsAside() {
-    const auto recovery = std::make_shared<AsideRecovery>();  // written before the end method, read in it
+    const auto recovery =
+        std::make_shared<AsideRecovery>();  // written before the end method, read in it
     m_recovering = ThreadWorker::workOn(
         {recovery, "<AppDelegate>"},
-        {"bringBackAside", ThreadWorker::Task([recovery, files = m_parts.pages.files,
-                                               folder = asideJournalFolder(m_parts.pages.stateFolder)](
-                                                  const std::any&) { *recovery = bringBackAside(*files, folder); })},
+        {"bringBackAside",
+         ThreadWorker::Task([recovery, files = m_parts.pages.files,
+                             folder = asideJournalFolder(m_parts.pages.stateFolder)](
+                                const std::any&) { *recovery = bringBackAside(*files, folder); })},
         {}, [self = QPointer(this), recovery](const std::any&) {
             if (self != nullptr) self->tellOfRecovery(*recovery);
         });
@@ -104,14 +113,16 @@ void AppDelegate::tellOfRecovery(const AsideRecovery& recovery) {
     m_recovering.reset();
     if (recovery.broughtBack.empty() && recovery.stayed.empty()) return;
     Alert alert;
-    alert.title = tr("A removal was ended in the middle. Everything that it had set aside has been looked after.");
+    alert.title =
+        tr("A removal was ended in the middle. Everything that it had set aside has been looked "
+           "after.");
     QStringList lines;
     if (!recovery.broughtBack.empty())
-        lines.push_back(
-            tr("Back under their own names: %1").arg(QLocale().toString(qulonglong(recovery.broughtBack.size()))));
+        lines.push_back(tr("Back under their own names: %1")
+                            .arg(QLocale().toString(qulonglong(recovery.broughtBack.size()))));
     for (const StayedEntry& each : recovery.stayed)
-        lines.push_back(
-            QStringLiteral("%1: %2").arg(onOneLine(QString::fromStdString(each.path)), inWords(each.reason)));
+        lines.push_back(QStringLiteral("%1: %2").arg(onOneLine(QString::fromStdString(each.path)),
+                                                     inWords(each.reason)));
     alert.text = lines.join(QLatin1Char('\n'));
     tell(alert);
 }
@@ -142,7 +153,8 @@ void AppDelegate::perform(const StartRequest& request) {
 
 void AppDelegate::searchFolder(const std::string& path) {
     // Who names a folder has no use any more for the dialog that chooses one.
-    if (auto* const chooser = qobject_cast<QFileDialog*>(QApplication::activeModalWidget())) chooser->reject();
+    if (auto* const chooser = qobject_cast<QFileDialog*>(QApplication::activeModalWidget()))
+        chooser->reject();
     m_duplicateMWC->dismissMessages();
     const bool isAsking = m_duplicateMWC->isAsking();
     if (!isAsking) m_duplicateMWC->selectDuplicateButtonAction();
@@ -150,13 +162,14 @@ void AppDelegate::searchFolder(const std::string& path) {
     const QString shown = onOneLine(QString::fromStdString(path));
     // By its real path: what is relative or climbs is never removed.
     const auto folder = m_parts.pages.files->resolved(path);
-    const auto opened = folder ? m_parts.pages.files->openFolder(FileSystem::noParent, folder->c_str(), Links::Follow)
+    const auto opened = folder ? m_parts.pages.files->openFolder(FileSystem::noParent,
+                                                                 folder->c_str(), Links::Follow)
                                : SysResult<Descriptor>(tl::unexpected(folder.error()));
     Alert alert;
     if (!opened) {
         alert.title = tr("This folder can not be searched.");
-        alert.text =
-            shown + QStringLiteral(": ") + QString::fromStdString(systemError("open", path, opened.error()).reason());
+        alert.text = shown + QStringLiteral(": ") +
+                     QString::fromStdString(systemError("open", path, opened.error()).reason());
     } else if (isAsking) {
         alert.title = tr("A question is still open.");
         alert.text = tr("Answer it, and then choose %1 again.").arg(shown);
@@ -173,7 +186,8 @@ void AppDelegate::searchFolder(const std::string& path) {
 void AppDelegate::openMainWindow() {
     if (!m_isOpenWindow || m_isLeaving) return;
     if (!m_duplicateMWC) {
-        m_duplicateMWC = std::make_unique<DuplicateMainWindowController>(m_parts.pages, *m_parts.icons);
+        m_duplicateMWC =
+            std::make_unique<DuplicateMainWindowController>(m_parts.pages, *m_parts.icons);
         m_duplicateMWC->setDelegate(this);
         m_duplicateMWC->setApplicationMenu(*m_menu);
     }
@@ -202,11 +216,12 @@ void AppDelegate::endBySignal(int signal) {
 bool AppDelegate::isRemoving() const {
     if (!m_duplicateMWC) return false;
     const ListFileViewController* const large = m_duplicateMWC->listFileVC();
-    return m_duplicateMWC->sameFileDeleteVC()->isRemoving() || (large != nullptr && large->isRemoving());
+    return m_duplicateMWC->sameFileDeleteVC()->isRemoving() ||
+           (large != nullptr && large->isRemoving());
 }
 
-// Nothing is unwound: threads may still be at work. What they remove goes entry by entry, and each stands as a whole or is gone; so
-// only an entry under way is worth a moment.
+// Nothing is unwound: threads may still be at work. What they remove goes entry by entry, and each
+// stands as a whole or is gone; so only an entry under way is worth a moment.
 void AppDelegate::leave(std::function<void()> last) {
     if (std::exchange(m_isLeaving, true)) return;
     m_parts.stopListening();
@@ -224,9 +239,10 @@ void AppDelegate::leave(std::function<void()> last) {
     m_duplicateMWC->sameFileDeleteVC()->stopRemoveBtnClicked();
     if (m_duplicateMWC->listFileVC() != nullptr) m_duplicateMWC->listFileVC()->giveUpRemoval();
     window()->hide();
-    connect(&m_leaveTimer, &QTimer::timeout, this, [this, end, patience = QDeadlineTimer(endPatience)] {
-        if (!isRemoving() || patience.hasExpired()) end();
-    });
+    connect(&m_leaveTimer, &QTimer::timeout, this,
+            [this, end, patience = QDeadlineTimer(endPatience)] {
+                if (!isRemoving() || patience.hasExpired()) end();
+            });
     m_leaveTimer.start(endPause);
 }
 
@@ -239,7 +255,8 @@ void AppDelegate::openAboutWindow() {
     Alert about;
     about.title = QStringLiteral("Orrinvale ") + QCoreApplication::applicationVersion();
     about.text =
-        tr("Finds duplicates, shows what is large, and removes what you tick: that and nothing else.\n\n"
+        tr("Finds duplicates, shows what is large, and removes what you tick: that and nothing "
+           "else.\n\n"
            "Free software under the Apache License 2.0.");
     about.picture = QStringLiteral("appicon");
     tell(about);
@@ -253,8 +270,8 @@ void AppDelegate::showPages() {
 
 void AppDelegate::Reference() {
     showPages();
-    AppPrefsWindowController::sharedPrefsWindowController().displayViewForIdentifier(QStringLiteral("preferences"),
-                                                                                     true);
+    AppPrefsWindowController::sharedPrefsWindowController().displayViewForIdentifier(
+        QStringLiteral("preferences"), true);
 }
 
 void AppDelegate::help() {
@@ -267,8 +284,10 @@ void AppDelegate::tellOfGuide() {
     const QString guide = userGuidePath();
     Alert missing;
     missing.title = tr("The user guide could not be opened.");
-    missing.text = guide.isEmpty() ? tr("It is installed together with the program, and shown by your web browser.")
-                                   : tr("Any web browser shows it. It lies at:\n%1").arg(guide);
+    missing.text =
+        guide.isEmpty()
+            ? tr("It is installed together with the program, and shown by your web browser.")
+            : tr("Any web browser shows it. It lies at:\n%1").arg(guide);
     tell(missing);
 }
 

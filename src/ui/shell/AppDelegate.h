@@ -1,5 +1,5 @@
-// AppDelegate: the life of the program, from its window at launch to its end, and what it does when volumes come and go.
-// AppDelegateVolumes.cpp has the volumes.
+// AppDelegate: the life of the program, from its window at launch to its end, and what it does when
+// volumes come and go. AppDelegateVolumes.cpp has the volumes.
 #pragma once
 
 #include <QObject>
@@ -36,19 +36,22 @@ class WorkspaceMounts;
 struct AppDelegateParts {
     SameFileDeleteParts pages;
     FileIcons* icons = nullptr;
-    Volumes* volumes = nullptr;        ///< asked on other threads, and patient
-    Volumes* volumesAtOnce = nullptr;  ///< asked on the main thread; leaves out what does not answer at once
+    Volumes* volumes = nullptr;  ///< asked on other threads, and patient
+    Volumes* volumesAtOnce =
+        nullptr;  ///< asked on the main thread; leaves out what does not answer at once
     MountChanges* mountChanges = nullptr;
-    std::function<bool(const std::string& path)> openFolder;  ///< in the desktop's file manager; false when it can not
+    std::function<bool(const std::string& path)>
+        openFolder;  ///< in the desktop's file manager; false when it can not
     std::function<void(std::function<void()> failed)>
-        openGuide;                                ///< runs `failed`, maybe later, where nothing shows it
-    std::function<void()> stopListening;          ///< to later starts, when this one leaves
+        openGuide;                        ///< runs `failed`, maybe later, where nothing shows it
+    std::function<void()> stopListening;  ///< to later starts, when this one leaves
     std::function<void(int status)> exitProcess;  ///< ends the process where it stands
-    std::function<void(int signal)> endBySignal;  ///< the same, so that who sent the signal sees that it worked
+    std::function<void(int signal)>
+        endBySignal;  ///< the same, so that who sent the signal sees that it worked
 };
 
-/// applicationWillFinishLaunching() is called first and applicationDidFinishLaunching() next, the others after these. Main thread
-/// only.
+/// applicationWillFinishLaunching() is called first and applicationDidFinishLaunching() next, the
+/// others after these. Main thread only.
 class AppDelegate final : public QObject, private DuplicateMainWindowControllerDelegate {
     Q_OBJECT
 public:
@@ -65,16 +68,20 @@ public:
     /// What a start of the program asks for: the first one, and later ones that were handed over.
     void perform(const StartRequest& request);
 
-    /// Does nothing unless the window may be opened. The window is made at the first call and lives on when it is closed.
+    /// Does nothing unless the window may be opened. The window is made at the first call and lives
+    /// on when it is closed.
     void openMainWindow();
     void showMainWindow() { openMainWindow(); }
     void showMainWindowWhenClickMenuItem();
     void handleReopenAppEvent();
 
-    [[nodiscard]] DuplicateMainWindowController* duplicateMWC() const { return m_duplicateMWC.get(); }  ///< null before
+    [[nodiscard]] DuplicateMainWindowController* duplicateMWC() const {
+        return m_duplicateMWC.get();
+    }  ///< null before
     [[nodiscard]] ApplicationMenu& menu() const { return *m_menu; }
 
-    /// Ends the process with status 1. A removal under way stops before the next entry; nobody waits for it longer than a second.
+    /// Ends the process with status 1. A removal under way stops before the next entry; nobody
+    /// waits for it longer than a second.
     void quit();
     /// The same, as that signal ends a process.
     void endBySignal(int signal);
@@ -97,7 +104,8 @@ public:
     [[nodiscard]] std::shared_ptr<ZvVolumeInfo> getBootVolume();
 
     /// The sentence about a volume that was "mounted" or "unmounted".
-    [[nodiscard]] static std::string volumeSentence(const Notification& notification, const std::string& word);
+    [[nodiscard]] static std::string volumeSentence(const Notification& notification,
+                                                    const std::string& word);
 
 private:
     void closeMainWindow() override;

@@ -43,17 +43,20 @@ std::string AppDelegate::volumeSentence(const Notification& notification, const 
     const auto found = notification.userInfo.find(NSWorkspaceVolumeLocalizedNameKey);
     const auto* const name =
         found == notification.userInfo.end() ? nullptr : std::any_cast<std::string>(&found->second);
-    const QString shown = name == nullptr || name->empty() ? tr("You disk") : QString::fromStdString(*name);
+    const QString shown =
+        name == nullptr || name->empty() ? tr("You disk") : QString::fromStdString(*name);
     return tr("%1 is %2 successfully!").arg(shown, tr(word.c_str())).toStdString();
 }
 
-void AppDelegate::ZvCommVolumeNottification(const Notification& notification, const std::string& withInfo) {
+void AppDelegate::ZvCommVolumeNottification(const Notification& notification,
+                                            const std::string& withInfo) {
     bubbleViewWith(noteField(volumeSentence(notification, withInfo)));
     m_parts.pages.notifications->post("refMenuItemWhenDeleteAndAdd");
     m_parts.pages.notifications->post("updateSizeView");
 }
 
-// Put together and let go: the delegate's notes are never shown. A volume that comes or goes is seen where volumes are.
+// Put together and let go: the delegate's notes are never shown. A volume that comes or goes is
+// seen where volumes are.
 void AppDelegate::bubbleViewWith(std::unique_ptr<QLabel> view, std::unique_ptr<QLabel> withBView) {
     QWidget container;
     container.resize(withBView ? 280 : 220, 50);
@@ -65,10 +68,11 @@ void AppDelegate::rejestAllDisk() {
     if (m_isEjecting) return;
     m_isEjecting = true;
     m_menu->setCanEject(false);
-    m_volumeWorker.ejectAllVolumes([this](std::int32_t status, const std::vector<EjectFailure>& failures) {
-        m_isEjecting = false;
-        ejectionEnded(status, failures);
-    });
+    m_volumeWorker.ejectAllVolumes(
+        [this](std::int32_t status, const std::vector<EjectFailure>& failures) {
+            m_isEjecting = false;
+            ejectionEnded(status, failures);
+        });
 }
 
 void AppDelegate::ejectionEnded(std::int32_t status, const std::vector<EjectFailure>& failures) {
@@ -90,7 +94,8 @@ void AppDelegate::ejectionEnded(std::int32_t status, const std::vector<EjectFail
     tell(alert);
 }
 
-// The menu is told what there is to eject; the walk that finds out runs elsewhere, since a server that is gone takes its time.
+// The menu is told what there is to eject; the walk that finds out runs elsewhere, since a server
+// that is gone takes its time.
 void AppDelegate::refMenuItemWhenDeleteAndAdd() {
     const auto& pages = AppPrefsWindowController::sharedPrefsWindowController();
     m_menu->setHasPreferences(pages.hasPage(QStringLiteral("preferences")));
@@ -100,7 +105,8 @@ void AppDelegate::refMenuItemWhenDeleteAndAdd() {
 
 void AppDelegate::openFinderWhenClickItems(const Notification& notification) {
     const auto* const path = std::any_cast<std::string>(&notification.object);
-    if (m_voluManager->openVolRootDir(path != nullptr ? std::optional(*path) : std::nullopt)) return;
+    if (m_voluManager->openVolRootDir(path != nullptr ? std::optional(*path) : std::nullopt))
+        return;
     Alert alert;
     alert.title = QString::fromStdString(getLocalizedString("CANNOT_OPEN_FINDER"));
     alert.severity = Alert::Severity::Critical;
@@ -109,7 +115,8 @@ void AppDelegate::openFinderWhenClickItems(const Notification& notification) {
 
 std::shared_ptr<ZvVolumeInfo> AppDelegate::getBootVolume() {
     m_volsInfo = m_voluInfo->getAllVolsInfo();
-    const auto boot = std::ranges::find_if(m_volsInfo, [](const auto& each) { return each->bIsDefaultVol; });
+    const auto boot =
+        std::ranges::find_if(m_volsInfo, [](const auto& each) { return each->bIsDefaultVol; });
     return boot == m_volsInfo.end() ? nullptr : *boot;
 }
 

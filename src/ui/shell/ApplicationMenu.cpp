@@ -11,11 +11,14 @@ ApplicationMenu::ApplicationMenu(const Actions& actions, QObject* parent)
     m_menu->setObjectName(QStringLiteral("applicationMenu"));
     add("about", tr("About Orrinvale"), {}, actions.openAboutWindow);
     m_menu->addSeparator();
-    m_preferences = add("Reference", tr("Preferences…"), QKeySequence(Qt::CTRL | Qt::Key_Comma), actions.Reference);
+    m_preferences = add("Reference", tr("Preferences…"), QKeySequence(Qt::CTRL | Qt::Key_Comma),
+                        actions.Reference);
     add("checkUpdate", tr("Check for Updates…"), {}, actions.CheckupdateMenuItemAction);
     m_menu->addSeparator();
-    m_pages = add("pages", tr("Show All Pages"), QKeySequence(Qt::CTRL | Qt::Key_0), actions.showPages);
-    m_eject = add("ejectAll", tr("Eject All"), QKeySequence(Qt::CTRL | Qt::Key_E), actions.rejestAllDisk);
+    m_pages =
+        add("pages", tr("Show All Pages"), QKeySequence(Qt::CTRL | Qt::Key_0), actions.showPages);
+    m_eject =
+        add("ejectAll", tr("Eject All"), QKeySequence(Qt::CTRL | Qt::Key_E), actions.rejestAllDisk);
     m_eject->setEnabled(false);
     m_preferences->setEnabled(false);
     m_pages->setVisible(false);
@@ -43,7 +46,9 @@ void ApplicationMenu::addKeysTo(QWidget& window) const { window.addActions(m_men
 
 void ApplicationMenu::setCanEject(bool canEject) { m_eject->setEnabled(canEject); }
 
-void ApplicationMenu::setHasPreferences(bool hasPreferences) { m_preferences->setEnabled(hasPreferences); }
+void ApplicationMenu::setHasPreferences(bool hasPreferences) {
+    m_preferences->setEnabled(hasPreferences);
+}
 
 void ApplicationMenu::setHasPages(bool hasPages) { m_pages->setVisible(hasPages); }
 

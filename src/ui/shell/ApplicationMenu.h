@@ -41,7 +41,8 @@ public:
     /// Whether there is a page of preferences. They are greyed until that is told.
     void setHasPreferences(bool hasPreferences);
 
-    /// Whether the window with all pages shows anything that the main window does not. It is not offered until that is told.
+    /// Whether the window with all pages shows anything that the main window does not. It is not
+    /// offered until that is told.
     void setHasPages(bool hasPages);
 
 Q_SIGNALS:
@@ -49,7 +50,8 @@ Q_SIGNALS:
     void opened();
 
 private:
-    QAction* add(const char* name, const QString& title, const QKeySequence& keys, const std::function<void()>& action);
+    QAction* add(const char* name, const QString& title, const QKeySequence& keys,
+                 const std::function<void()>& action);
 
     const std::unique_ptr<QMenu> m_menu;
     QAction* m_eject = nullptr;

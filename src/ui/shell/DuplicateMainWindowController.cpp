@@ -30,8 +30,11 @@
 namespace orrinvale {
 namespace {
 
-// A sheet with one button says something; nobody has to decide anything before the next thing is done.
-bool isQuestion(const Sheet* sheet) { return sheet->content()->findChildren<QAbstractButton*>().size() != 1; }
+// A sheet with one button says something; nobody has to decide anything before the next thing is
+// done.
+bool isQuestion(const Sheet* sheet) {
+    return sheet->content()->findChildren<QAbstractButton*>().size() != 1;
+}
 
 constexpr int topButtonShift = 15;
 constexpr int titleBarHeight = 62;
@@ -52,8 +55,8 @@ QWidget* makeHolder(QWidget& content, const char* name) {
 
 }  // namespace
 
-DuplicateMainWindowController::DuplicateMainWindowController(SameFileDeleteParts parts, FileIcons& icons,
-                                                             QObject* parent)
+DuplicateMainWindowController::DuplicateMainWindowController(SameFileDeleteParts parts,
+                                                             FileIcons& icons, QObject* parent)
     : QObject(parent),
       m_icons(icons),
       m_defaults(*parts.defaults),
@@ -100,9 +103,12 @@ void DuplicateMainWindowController::addTabs() {
     m_titleLabel->setObjectName(QStringLiteral("titleLabel"));
     m_titleLabel->setFont(Theme::shared().font(Theme::Text::Heading));
     using Self = DuplicateMainWindowController;
-    m_duplicateButton = makeTab(tr("Duplicate File Finder"), "duplicateButton", &Self::selectDuplicateButtonAction);
-    m_fileListButton = makeTab(tr("Large File Finder"), "fileListButton", &Self::selectFileListButtonAction);
-    // The three window buttons stand on the left; as much is left free on the right, so that the tabs are in the middle.
+    m_duplicateButton =
+        makeTab(tr("Duplicate File Finder"), "duplicateButton", &Self::selectDuplicateButtonAction);
+    m_fileListButton =
+        makeTab(tr("Large File Finder"), "fileListButton", &Self::selectFileListButtonAction);
+    // The three window buttons stand on the left; as much is left free on the right, so that the
+    // tabs are in the middle.
     constexpr int buttonsWidth = leftMargin + 3 * WindowButton::side + 2 * Theme::gapSmall;
     constexpr int rightMargin = Theme::gapLarge;
     auto* const row = new QHBoxLayout(&bar);
@@ -128,18 +134,20 @@ void DuplicateMainWindowController::addTabs() {
     m_menuButton->setAccessibleName(tr("Menu"));
     m_menuButton->setToolTip(tr("Menu (F10)"));
     m_menuButton->hide();
-    row->addSpacing(m_titleLabel->sizeHint().width() + buttonsWidth - rightMargin - m_menuButton->sizeHint().width());
+    row->addSpacing(m_titleLabel->sizeHint().width() + buttonsWidth - rightMargin -
+                    m_menuButton->sizeHint().width());
     row->addWidget(m_menuButton);
 }
 
 void DuplicateMainWindowController::setApplicationMenu(ApplicationMenu& menu) {
     const auto open = [this, &menu] {
         const QSize size = menu.menu()->sizeHint();
-        menu.menu()->popup(
-            m_menuButton->mapToGlobal(QPoint(m_menuButton->width() - size.width(), m_menuButton->height())));
+        menu.menu()->popup(m_menuButton->mapToGlobal(
+            QPoint(m_menuButton->width() - size.width(), m_menuButton->height())));
     };
     connect(m_menuButton, &QAbstractButton::clicked, this, open);
-    connect(new QShortcut(QKeySequence(Qt::Key_F10), m_aWindow.get()), &QShortcut::activated, this, open);
+    connect(new QShortcut(QKeySequence(Qt::Key_F10), m_aWindow.get()), &QShortcut::activated, this,
+            open);
     menu.addKeysTo(*m_aWindow);
     m_menuButton->show();
 }
@@ -156,9 +164,12 @@ void DuplicateMainWindowController::addShortcuts() {
     const auto on = [this](const QKeySequence& keys, auto action) {
         connect(new QShortcut(keys, m_aWindow.get()), &QShortcut::activated, this, action);
     };
-    on(QKeySequence(Qt::CTRL | Qt::Key_1), &DuplicateMainWindowController::selectDuplicateButtonAction);
-    on(QKeySequence(Qt::CTRL | Qt::Key_2), &DuplicateMainWindowController::selectFileListButtonAction);
-    // The window itself has the keys that close it: a second shortcut would make them ambiguous, and neither would act.
+    on(QKeySequence(Qt::CTRL | Qt::Key_1),
+       &DuplicateMainWindowController::selectDuplicateButtonAction);
+    on(QKeySequence(Qt::CTRL | Qt::Key_2),
+       &DuplicateMainWindowController::selectFileListButtonAction);
+    // The window itself has the keys that close it: a second shortcut would make them ambiguous,
+    // and neither would act.
     on(QKeySequence(QKeySequence::Open), &DuplicateMainWindowController::chooseFolder);
 }
 
@@ -191,11 +202,13 @@ void DuplicateMainWindowController::keepFrame() {
 
 bool DuplicateMainWindowController::isAsking() const {
     const auto sheets = m_aWindow->findChildren<Sheet*>(QString(), Qt::FindDirectChildrenOnly);
-    return QApplication::activeModalWidget() != nullptr || std::any_of(sheets.begin(), sheets.end(), isQuestion);
+    return QApplication::activeModalWidget() != nullptr ||
+           std::any_of(sheets.begin(), sheets.end(), isQuestion);
 }
 
 void DuplicateMainWindowController::dismissMessages() {
-    for (Sheet* const sheet : m_aWindow->findChildren<Sheet*>(QString(), Qt::FindDirectChildrenOnly))
+    for (Sheet* const sheet :
+         m_aWindow->findChildren<Sheet*>(QString(), Qt::FindDirectChildrenOnly))
         if (!isQuestion(sheet)) sheet->content()->findChild<QAbstractButton*>()->click();
 }
 
@@ -247,11 +260,13 @@ void DuplicateMainWindowController::changeToProgressView() {
 }
 
 void DuplicateMainWindowController::changeToDetailView() {
-    swapView(*m_duplicateView, m_sameFileDeleteVC->progressageView(), m_sameFileDeleteVC->detailView());
+    swapView(*m_duplicateView, m_sameFileDeleteVC->progressageView(),
+             m_sameFileDeleteVC->detailView());
 }
 
 void DuplicateMainWindowController::backButtonAction() {
-    // After a stopped search the progress view stands there, and the first view takes its place too.
+    // After a stopped search the progress view stands there, and the first view takes its place
+    // too.
     m_sameFileDeleteVC->progressageView()->hide();
     m_duplicateView->layout()->removeWidget(m_sameFileDeleteVC->progressageView());
     swapView(*m_duplicateView, m_sameFileDeleteVC->detailView(), m_sameFileDeleteVC->view());
@@ -273,7 +288,8 @@ void DuplicateMainWindowController::quickLookWithPath(const std::string& path) {
     m_filePath = path;
     if (!m_previewPanel) {
         m_previewPanel = new PreviewWindow(m_icons, m_aWindow.get());
-        connect(m_previewPanel, &PreviewWindow::otherWanted, this, &DuplicateMainWindowController::showBeside);
+        connect(m_previewPanel, &PreviewWindow::otherWanted, this,
+                &DuplicateMainWindowController::showBeside);
     }
     m_previewPanel->showPath(path);
     const QRect frame = m_aWindow->frame();
@@ -284,8 +300,8 @@ void DuplicateMainWindowController::quickLookWithPath(const std::string& path) {
 }
 
 void DuplicateMainWindowController::showBeside(int step) {
-    const std::string path =
-        m_fileListButton->isOn() ? m_listFileVC->previewBeside(step) : m_sameFileDeleteVC->previewBeside(step);
+    const std::string path = m_fileListButton->isOn() ? m_listFileVC->previewBeside(step)
+                                                      : m_sameFileDeleteVC->previewBeside(step);
     if (path.empty()) return;  // there is no further one
     m_filePath = path;
     m_previewPanel->showPath(path);

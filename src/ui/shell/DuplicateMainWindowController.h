@@ -28,35 +28,43 @@ public:
 protected:
     DuplicateMainWindowControllerDelegate() = default;
     DuplicateMainWindowControllerDelegate(const DuplicateMainWindowControllerDelegate&) = default;
-    DuplicateMainWindowControllerDelegate& operator=(const DuplicateMainWindowControllerDelegate&) = default;
+    DuplicateMainWindowControllerDelegate& operator=(const DuplicateMainWindowControllerDelegate&) =
+        default;
 };
 
-/// Makes the window and the duplicate page at once, the large file page when its tab is first chosen; all live as long as it does, the
-/// window being closed or not. What runs on one tab goes on while the other is shown. Main thread only.
+/// Makes the window and the duplicate page at once, the large file page when its tab is first
+/// chosen; all live as long as it does, the window being closed or not. What runs on one tab goes
+/// on while the other is shown. Main thread only.
 class DuplicateMainWindowController final : public QObject,
                                             private SameFileDeleteViewControllerDelegate,
                                             private ListFileViewControllerDelagate {
     Q_OBJECT
 public:
     /// `icons` outlives the controller.
-    DuplicateMainWindowController(SameFileDeleteParts parts, FileIcons& icons, QObject* parent = nullptr);
+    DuplicateMainWindowController(SameFileDeleteParts parts, FileIcons& icons,
+                                  QObject* parent = nullptr);
     ~DuplicateMainWindowController() override;
 
     [[nodiscard]] TCImageWindow* window() const { return m_aWindow.get(); }
-    [[nodiscard]] SameFileDeleteViewController* sameFileDeleteVC() const { return m_sameFileDeleteVC.get(); }
+    [[nodiscard]] SameFileDeleteViewController* sameFileDeleteVC() const {
+        return m_sameFileDeleteVC.get();
+    }
     /// Null until its tab has been chosen.
     [[nodiscard]] ListFileViewController* listFileVC() const { return m_listFileVC.get(); }
     [[nodiscard]] QWidget* duplicateView() const { return m_duplicateView; }
     [[nodiscard]] QWidget* diskView() const { return m_diskView; }
     [[nodiscard]] const std::string& filePath() const { return m_filePath; }
 
-    void setDelegate(DuplicateMainWindowControllerDelegate* delegate) { m_delegate = delegate; }  ///< not owned
+    void setDelegate(DuplicateMainWindowControllerDelegate* delegate) {
+        m_delegate = delegate;
+    }  ///< not owned
 
-    /// Opens at the right end of the title bar; its keys work in this window. It outlives the window.
+    /// Opens at the right end of the title bar; its keys work in this window. It outlives the
+    /// window.
     void setApplicationMenu(ApplicationMenu& menu);
 
-    /// Brings the window to the front, or the dialog that stands over it. The first time it comes where it was when the settings
-    /// last kept its place, and else to the middle of the screen.
+    /// Brings the window to the front, or the dialog that stands over it. The first time it comes
+    /// where it was when the settings last kept its place, and else to the middle of the screen.
     void showWindow();
 
     /// Keeps size and place in the settings, for the next run of the program.

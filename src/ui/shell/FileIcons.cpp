@@ -47,7 +47,8 @@ QIcon FileIcons::iconOfName(const QString& name) {
         if (icon.isNull()) icon = picture(QStringLiteral("ic_app"));
     } else if (!suffix.isEmpty()) {
         static const QMimeDatabase types;
-        icon = themed(types.mimeTypeForFile(QStringLiteral("x.") + suffix, QMimeDatabase::MatchExtension));
+        icon = themed(
+            types.mimeTypeForFile(QStringLiteral("x.") + suffix, QMimeDatabase::MatchExtension));
     }
     if (icon.isNull()) icon = picture(pictureOfKind(suffix));
     m_bySuffix.insert(suffix, icon);

@@ -10,8 +10,9 @@
 
 namespace orrinvale {
 
-/// Answers from the name alone: a search lists millions of files, and a picture must not cost a read. Where the desktop has no
-/// icon theme the program's own pictures stand in. Keeps one picture a type. Main thread only.
+/// Answers from the name alone: a search lists millions of files, and a picture must not cost a
+/// read. Where the desktop has no icon theme the program's own pictures stand in. Keeps one picture
+/// a type. Main thread only.
 class FileIcons final {
 public:
     [[nodiscard]] QIcon icon(const IconRequest& request);

@@ -44,7 +44,8 @@ void revealInFileManager(const std::string& path) {
         return;
     }
     QDBusMessage call = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("/org/freedesktop/FileManager1"),
+        QStringLiteral("org.freedesktop.FileManager1"),
+        QStringLiteral("/org/freedesktop/FileManager1"),
         QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
     call << QStringList{fileAddress(path)} << QString();
     constexpr int timeout = 5000;
@@ -59,12 +60,14 @@ void revealInFileManager(const std::string& path) {
 bool openInFileManager(const std::string& path) { return openAddress(path); }
 
 QString userGuidePath() {
-    const QString guide = QDir::cleanPath(QCoreApplication::applicationDirPath() +
-                                          QStringLiteral("/../share/orrinvale/guide/user-guide.html"));
+    const QString guide =
+        QDir::cleanPath(QCoreApplication::applicationDirPath() +
+                        QStringLiteral("/../share/orrinvale/guide/user-guide.html"));
     return QFileInfo::exists(guide) ? guide : QString();
 }
 
-// The desktop's opener is watched to its end: the toolkit starts it too, but never learns that it has found no browser.
+// The desktop's opener is watched to its end: the toolkit starts it too, but never learns that it
+// has found no browser.
 void openUserGuide(std::function<void()> failed) {
     const QString guide = userGuidePath();
     const QString opener = QStandardPaths::findExecutable(QStringLiteral("xdg-open"));
@@ -72,7 +75,8 @@ void openUserGuide(std::function<void()> failed) {
         if (guide.isEmpty() || !QDesktopServices::openUrl(QUrl::fromLocalFile(guide))) failed();
         return;
     }
-    auto* const opening = new QProcess(QCoreApplication::instance());  // never ended: it may have become the browser
+    auto* const opening =
+        new QProcess(QCoreApplication::instance());  // never ended: it may have become the browser
     QObject::connect(opening, &QProcess::finished, opening,
                      [opening, failed = std::move(failed)](int status, QProcess::ExitStatus how) {
                          opening->deleteLater();

@@ -7,22 +7,26 @@
 
 namespace orrinvale {
 
-/// Shows the entry in the desktop's file manager, selected where it knows how (org.freedesktop.FileManager1), else the folder
-/// that it lies in. Returns at once. Exact bytes. Main thread only.
+/// Shows the entry in the desktop's file manager, selected where it knows how
+/// (org.freedesktop.FileManager1), else the folder that it lies in. Returns at once. Exact bytes.
+/// Main thread only.
 void revealInFileManager(const std::string& path);
 
-/// Opens the folder itself. False when nothing here could be started for that; whether the folder can be reached is left to the file
-/// manager, since a dead server would hold this thread up. Returns at once. Exact bytes. Main thread only.
+/// Opens the folder itself. False when nothing here could be started for that; whether the folder
+/// can be reached is left to the file manager, since a dead server would hold this thread up.
+/// Returns at once. Exact bytes. Main thread only.
 [[nodiscard]] bool openInFileManager(const std::string& path);
 
-/// The user guide, which lies beside the program (../share/orrinvale/guide). Empty where it is not installed.
+/// The user guide, which lies beside the program (../share/orrinvale/guide). Empty where it is not
+/// installed.
 [[nodiscard]] QString userGuidePath();
 
-/// Opens the user guide in the desktop's browser, and returns at once. Runs `failed`, maybe later, when it is not there or nothing
-/// shows it. Main thread only.
+/// Opens the user guide in the desktop's browser, and returns at once. Runs `failed`, maybe later,
+/// when it is not there or nothing shows it. Main thread only.
 void openUserGuide(std::function<void()> failed);
 
-/// Opens an https address in the desktop's browser; any other address does nothing. Returns at once. Main thread only.
+/// Opens an https address in the desktop's browser; any other address does nothing. Returns at
+/// once. Main thread only.
 void openWebPage(const QString& address);
 
 }  // namespace orrinvale

@@ -23,12 +23,15 @@ const char* slotOf(EditAction action) {
     return nullptr;
 }
 
-// A field with nothing to do again does not take the action, so that a capital Z is typed as any letter.
+// A field with nothing to do again does not take the action, so that a capital Z is typed as any
+// letter.
 bool canRedo(const QWidget& widget) {
-    if (const auto* const line = qobject_cast<const QLineEdit*>(&widget)) return line->isRedoAvailable();
+    if (const auto* const line = qobject_cast<const QLineEdit*>(&widget))
+        return line->isRedoAvailable();
     if (const auto* const text = qobject_cast<const QPlainTextEdit*>(&widget))
         return text->document()->isRedoAvailable();
-    if (const auto* const text = qobject_cast<const QTextEdit*>(&widget)) return text->document()->isRedoAvailable();
+    if (const auto* const text = qobject_cast<const QTextEdit*>(&widget))
+        return text->document()->isRedoAvailable();
     return true;
 }
 
@@ -45,7 +48,8 @@ EditAction commandAction(const QString& text) {
 
 EditAction editAction(const QKeyEvent& event) {
     const Qt::KeyboardModifiers held = event.modifiers() & ~Qt::KeypadModifier;
-    // With Ctrl the text of a key is a control character; the key's code is the letter without modifiers.
+    // With Ctrl the text of a key is a control character; the key's code is the letter without
+    // modifiers.
     const bool isLetter = event.key() >= Qt::Key_A && event.key() <= Qt::Key_Z;
     if (held == Qt::ControlModifier) {
         if (!isLetter) return EditAction::None;

@@ -9,8 +9,8 @@ namespace orrinvale {
 /// What an editing key asks for.
 enum class EditAction { None, Cut, Copy, Paste, Undo, SelectAll, Redo };
 
-/// Of a key press: the command key (Ctrl here) alone, or with caps lock, and x, c, v, z or a; otherwise a capital Z, whatever else
-/// is held, for redo.
+/// Of a key press: the command key (Ctrl here) alone, or with caps lock, and x, c, v, z or a;
+/// otherwise a capital Z, whatever else is held, for redo.
 [[nodiscard]] EditAction editAction(const QKeyEvent& event);
 
 /// Main thread only.

@@ -41,19 +41,24 @@ QString factsOf(const PreviewContent& content) {
     QStringList facts;
     if (!content.type.isEmpty()) facts.push_back(content.type);
     if (content.kind == PreviewContent::Kind::Folder)
-        facts.push_back(content.entries == 1 ? QCoreApplication::translate("PreviewWindow", "Folder with 1 entry")
-                                             : QCoreApplication::translate("PreviewWindow", "Folder with %Ln entries",
-                                                                           nullptr, static_cast<int>(content.entries)));
+        facts.push_back(content.entries == 1
+                            ? QCoreApplication::translate("PreviewWindow", "Folder with 1 entry")
+                            : QCoreApplication::translate("PreviewWindow",
+                                                          "Folder with %Ln entries", nullptr,
+                                                          static_cast<int>(content.entries)));
     else facts.push_back(shownSize(UtilityFunction::convertVolSpace(content.size)));
     if (content.pictureSize.isValid())
-        facts.push_back(QStringLiteral("%1 × %2").arg(QString::number(content.pictureSize.width()),
-                                                      QString::number(content.pictureSize.height())));
+        facts.push_back(
+            QStringLiteral("%1 × %2").arg(QString::number(content.pictureSize.width()),
+                                          QString::number(content.pictureSize.height())));
     if (!content.linkTarget.isEmpty())
-        facts.push_back(QCoreApplication::translate("PreviewWindow", "Link to %1").arg(content.linkTarget));
+        facts.push_back(
+            QCoreApplication::translate("PreviewWindow", "Link to %1").arg(content.linkTarget));
     constexpr std::int64_t perMillisecond = 1'000'000;
-    facts.push_back(
-        QLocale().toString(QDateTime::fromMSecsSinceEpoch(content.modified / perMillisecond), QLocale::ShortFormat));
-    if (content.isCut) facts.push_back(QCoreApplication::translate("PreviewWindow", "beginning only"));
+    facts.push_back(QLocale().toString(
+        QDateTime::fromMSecsSinceEpoch(content.modified / perMillisecond), QLocale::ShortFormat));
+    if (content.isCut)
+        facts.push_back(QCoreApplication::translate("PreviewWindow", "beginning only"));
     return facts.join(QStringLiteral("  ·  "));
 }
 
@@ -74,8 +79,8 @@ PreviewWindow::PreviewWindow(FileIcons& icons, QWidget* parent)
     m_icon->setAlignment(Qt::AlignCenter);
     m_text->setReadOnly(true);
     m_text->setFrameShape(QFrame::NoFrame);
-    for (QWidget* const page :
-         {static_cast<QWidget*>(m_icon), static_cast<QWidget*>(m_picture), static_cast<QWidget*>(m_text)})
+    for (QWidget* const page : {static_cast<QWidget*>(m_icon), static_cast<QWidget*>(m_picture),
+                                static_cast<QWidget*>(m_text)})
         m_pages->addWidget(page);
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(Theme::gapLarge, Theme::gapLarge, Theme::gapLarge, Theme::gapLarge);
@@ -84,8 +89,8 @@ PreviewWindow::PreviewWindow(FileIcons& icons, QWidget* parent)
     column->addWidget(m_name);
     column->addWidget(m_facts);
     // Shortcuts, since the text would take the space bar for a page down.
-    for (const QKeySequence& keys :
-         {QKeySequence(Qt::Key_Escape), QKeySequence(Qt::Key_Space), QKeySequence(Qt::CTRL | Qt::Key_Space)})
+    for (const QKeySequence& keys : {QKeySequence(Qt::Key_Escape), QKeySequence(Qt::Key_Space),
+                                     QKeySequence(Qt::CTRL | Qt::Key_Space)})
         connect(new QShortcut(keys, this), &QShortcut::activated, this, &QWidget::close);
     for (const auto& [key, step] : {std::pair(Qt::Key_Up, -1), std::pair(Qt::Key_Down, 1)})
         connect(new QShortcut(QKeySequence(key), this), &QShortcut::activated, this,
@@ -93,10 +98,11 @@ PreviewWindow::PreviewWindow(FileIcons& icons, QWidget* parent)
     resize(usualSize);
 }
 
-// The keys of the window behind work here too, and its key that closes would take both away. A shortcut of our own beside it
-// would make the key ambiguous.
+// The keys of the window behind work here too, and its key that closes would take both away. A
+// shortcut of our own beside it would make the key ambiguous.
 bool PreviewWindow::event(QEvent* event) {
-    if (event->type() == QEvent::ShortcutOverride && static_cast<QKeyEvent&>(*event).matches(QKeySequence::Close)) {
+    if (event->type() == QEvent::ShortcutOverride &&
+        static_cast<QKeyEvent&>(*event).matches(QKeySequence::Close)) {
         event->accept();
         return true;
     }
@@ -114,16 +120,19 @@ void PreviewWindow::showPath(const std::string& path) {
     setWindowTitle(name);
     m_name->setText(name);
     m_facts->clear();
-    m_icon->setPixmap(m_icons.icon({IconRequest::Path, path}).pixmap(QSize(iconSide, iconSide), devicePixelRatioF()));
+    m_icon->setPixmap(m_icons.icon({IconRequest::Path, path})
+                          .pixmap(QSize(iconSide, iconSide), devicePixelRatioF()));
     m_pages->setCurrentWidget(m_icon);
-    const auto content = std::make_shared<PreviewContent>();  // written before the end method, read in it
-    m_reading = ThreadWorker::workOn({content, "<PreviewWindow>"},
-                                     {"readPreview:", ThreadWorker::Task([content, path](const std::any& /*nothing*/) {
-                                          *content = readPreview(path);
-                                      })},
-                                     {}, [self = QPointer(this), content, path](const std::any& /*nothing*/) {
-                                         if (self != nullptr && self->m_path == path) self->showContent(*content);
-                                     });
+    const auto content =
+        std::make_shared<PreviewContent>();  // written before the end method, read in it
+    m_reading = ThreadWorker::workOn(
+        {content, "<PreviewWindow>"},
+        {"readPreview:", ThreadWorker::Task([content, path](const std::any& /*nothing*/) {
+             *content = readPreview(path);
+         })},
+        {}, [self = QPointer(this), content, path](const std::any& /*nothing*/) {
+            if (self != nullptr && self->m_path == path) self->showContent(*content);
+        });
 }
 
 void PreviewWindow::showContent(const PreviewContent& content) {

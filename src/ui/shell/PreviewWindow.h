@@ -1,4 +1,5 @@
-// PreviewWindow: a look at one file or folder, without ever running or changing it. previewContent.h reads it.
+// PreviewWindow: a look at one file or folder, without ever running or changing it.
+// previewContent.h reads it.
 #pragma once
 
 #include <QWidget>
@@ -15,9 +16,10 @@ namespace orrinvale {
 class FileIcons;
 struct PreviewContent;
 
-/// Shows a picture, the beginning of a text, or the facts of anything else. What is read is read on a worker, so that a slow disk does not
-/// hold the window up. Escape, space, the preview key and the keys that close a window close it, and none of them reaches the window
-/// behind. Main thread only.
+/// Shows a picture, the beginning of a text, or the facts of anything else. What is read is read on
+/// a worker, so that a slow disk does not hold the window up. Escape, space, the preview key and
+/// the keys that close a window close it, and none of them reaches the window behind. Main thread
+/// only.
 class PreviewWindow final : public QWidget {
     Q_OBJECT
 public:

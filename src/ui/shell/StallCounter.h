@@ -6,9 +6,10 @@
 
 namespace orrinvale {
 
-/// Watches the event loop of the main thread, and counts the turns that take longer than one frame of the screen. A turn lasts
-/// from the first event after the loop waited, or could have waited, to the next such moment. With `print` it writes each long one
-/// to standard error: the environment's ORRINVALE_STALLS=1 asks for it. Made once the application object is there; main thread only.
+/// Watches the event loop of the main thread, and counts the turns that take longer than one frame
+/// of the screen. A turn lasts from the first event after the loop waited, or could have waited, to
+/// the next such moment. With `print` it writes each long one to standard error: the environment's
+/// ORRINVALE_STALLS=1 asks for it. Made once the application object is there; main thread only.
 class StallCounter final : public QObject {
     Q_OBJECT
 public:
@@ -16,7 +17,8 @@ public:
 
     explicit StallCounter(bool print, QObject* parent = nullptr);
 
-    /// The longest turn since the last call, in milliseconds. The turn under way does not count yet.
+    /// The longest turn since the last call, in milliseconds. The turn under way does not count
+    /// yet.
     [[nodiscard]] qint64 takeLongest();
     [[nodiscard]] int count() const { return m_count; }
 

@@ -24,8 +24,9 @@ QFont tabFont() {
 // The dark blue of the tabs is written for a light bar.
 QColor textColor(bool isOn) {
     if (!isOn) return Theme::shared().color(Theme::Color::TextSecondary);
-    return Theme::shared().scheme() == Theme::Scheme::Light ? getColor(38, 52, 76, 1)
-                                                            : Theme::shared().color(Theme::Color::Text);
+    return Theme::shared().scheme() == Theme::Scheme::Light
+               ? getColor(38, 52, 76, 1)
+               : Theme::shared().color(Theme::Color::Text);
 }
 
 }  // namespace
@@ -33,7 +34,8 @@ QColor textColor(bool isOn) {
 TitleTab::TitleTab(const QString& title, QWidget* parent) : QAbstractButton(parent) {
     setText(title);
     setAccessibleName(title);
-    setAccessibleTraits(*this, {.role = QAccessible::PageTab, .isSelectable = true, .press = [this] { click(); }});
+    setAccessibleTraits(
+        *this, {.role = QAccessible::PageTab, .isSelectable = true, .press = [this] { click(); }});
     setFocusPolicy(Qt::TabFocus);
     followTheme(*this);
 }

@@ -7,8 +7,8 @@
 
 namespace orrinvale {
 
-/// Shows "tab_on" while its page is shown and "tab" otherwise, with the title in the middle. A click chooses it; whoever owns the
-/// tabs sets which one is on. Main thread only.
+/// Shows "tab_on" while its page is shown and "tab" otherwise, with the title in the middle. A
+/// click chooses it; whoever owns the tabs sets which one is on. Main thread only.
 class TitleTab final : public QAbstractButton {
     Q_OBJECT
 public:

@@ -25,7 +25,8 @@ bool readText(int file, PreviewContent& content) {
     QByteArray bytes(static_cast<qsizetype>(mostTextBytes + 1), '\0');
     qsizetype filled = 0;
     while (filled < bytes.size()) {
-        const ssize_t got = ::read(file, bytes.data() + filled, static_cast<std::size_t>(bytes.size() - filled));
+        const ssize_t got =
+            ::read(file, bytes.data() + filled, static_cast<std::size_t>(bytes.size() - filled));
         if (got < 0 && errno == EINTR) continue;
         if (got <= 0) break;
         filled += got;
@@ -42,7 +43,8 @@ bool readText(int file, PreviewContent& content) {
 
 bool readPicture(int file, PreviewContent& content) {
     QFile source;
-    if (content.size > mostPictureBytes || !source.open(file, QIODevice::ReadOnly, QFileDevice::DontCloseHandle))
+    if (content.size > mostPictureBytes ||
+        !source.open(file, QIODevice::ReadOnly, QFileDevice::DontCloseHandle))
         return false;
     QImageReader reader(&source);
     reader.setAutoTransform(true);
@@ -50,7 +52,8 @@ bool readPicture(int file, PreviewContent& content) {
     content.pictureSize = reader.size();
     if (content.pictureSize.isValid() &&
         std::max(content.pictureSize.width(), content.pictureSize.height()) > mostPixels)
-        reader.setScaledSize(content.pictureSize.scaled(mostPixels, mostPixels, Qt::KeepAspectRatio));
+        reader.setScaledSize(
+            content.pictureSize.scaled(mostPixels, mostPixels, Qt::KeepAspectRatio));
     content.picture = reader.read();
     return !content.picture.isNull();
 }
@@ -64,10 +67,12 @@ std::uint64_t countEntries(int folder) {
 }
 
 void readFile(int file, PreviewContent& content) {
-    const QMimeType type = QMimeDatabase().mimeTypeForFile(content.name, QMimeDatabase::MatchExtension);
+    const QMimeType type =
+        QMimeDatabase().mimeTypeForFile(content.name, QMimeDatabase::MatchExtension);
     content.type = type.isDefault() ? QString() : type.comment();
     content.kind = PreviewContent::Kind::Other;
-    if (QImageReader::allocationLimit() != mostImageMegabytes) QImageReader::setAllocationLimit(mostImageMegabytes);
+    if (QImageReader::allocationLimit() != mostImageMegabytes)
+        QImageReader::setAllocationLimit(mostImageMegabytes);
     if (readPicture(file, content)) content.kind = PreviewContent::Kind::Picture;
     else if (::lseek(file, 0, SEEK_SET) == 0 && content.size > 0 && readText(file, content))
         content.kind = PreviewContent::Kind::Text;
@@ -88,7 +93,8 @@ PreviewContent readPreview(const std::string& path) {
         content.linkTarget = QFile::symLinkTarget(QString::fromStdString(path));
         return content;
     }
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC));
+    const Descriptor file(
+        ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC));
     if (file.get() < 0 || ::fstat(file.get(), &status) != 0) return content;
     if (S_ISDIR(status.st_mode)) {
         content.kind = PreviewContent::Kind::Folder;

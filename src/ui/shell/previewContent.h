@@ -28,7 +28,8 @@ inline constexpr int mostPixels = 1600;
 /// A picture file above this is not decoded: a preview is no place for a gigabyte.
 inline constexpr std::uint64_t mostPictureBytes = 256ULL * 1024 * 1024;
 
-/// Opens regular files only, without waiting for a FIFO or a device, and keeps to the bounds above. Any thread.
+/// Opens regular files only, without waiting for a FIFO or a device, and keeps to the bounds above.
+/// Any thread.
 [[nodiscard]] PreviewContent readPreview(const std::string& path);
 
 }  // namespace orrinvale

@@ -29,7 +29,8 @@ TEST(Error, KindAndWordsFollowFromTheNumber) {
         EXPECT_EQ(error.reason(), each.reason);
         EXPECT_EQ(error.number, each.number);
     }
-    EXPECT_EQ((Error{ErrorKind::Changed, "remove", "/a", 0}.reason()), "Changed since it was looked at");
+    EXPECT_EQ((Error{ErrorKind::Changed, "remove", "/a", 0}.reason()),
+              "Changed since it was looked at");
 }
 
 }  // namespace

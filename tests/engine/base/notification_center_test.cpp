@@ -69,7 +69,8 @@ TEST(NotificationCenter, HandlersMayChangeTheListWhileItRuns) {
     once = center.addObserver("a", [&](const Notification&) {
         trace += "o";
         removed.remove();
-        if (trace == "o") added = center.addObserver("a", [&trace](const Notification&) { trace += "n"; });
+        if (trace == "o")
+            added = center.addObserver("a", [&trace](const Notification&) { trace += "n"; });
         once.remove();  // what this handler holds stays alive until it returns
         trace += ".";
     });
@@ -111,8 +112,8 @@ TEST(NotificationCenter, HoldsNoLockWhileAHandlerRunsOrDies) {
     int checks = 0;
     // A handler's captures die with it, and may use the centre too.
     const auto dying = [&](const void*) { checks += isUsableFromAnotherThread() ? 1 : 0; };
-    Observation observation =
-        center.addObserver("a", [&, held = std::shared_ptr<const void>(&center, dying)](const Notification&) {
+    Observation observation = center.addObserver(
+        "a", [&, held = std::shared_ptr<const void>(&center, dying)](const Notification&) {
             checks += isUsableFromAnotherThread() ? 1 : 0;
         });
     center.post("a");
@@ -131,7 +132,8 @@ TEST(NotificationCenter, ThreadsMayComeAndGo) {
         for (int i = 0; i < 4; ++i)
             threads.emplace_back([&] {
                 for (int n = 0; n < 500; ++n) {
-                    const Observation mine = center.addObserver("a", [&](const Notification&) { ++passing; });
+                    const Observation mine =
+                        center.addObserver("a", [&](const Notification&) { ++passing; });
                     center.post("a");
                 }
             });

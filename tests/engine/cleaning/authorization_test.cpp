@@ -1,4 +1,5 @@
-// The administrator right step by step, over a platform whose answers are chosen here, and the removals that use it, on real files.
+// The administrator right step by step, over a platform whose answers are chosen here, and the
+// removals that use it, on real files.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -38,7 +39,8 @@ protected:
         right.setParts({});
     }
 
-    RemovalResult remove(const std::string& path, const EntryIdentity& seen, const ProtectedPlaces& places) {
+    RemovalResult remove(const std::string& path, const EntryIdentity& seen,
+                         const ProtectedPlaces& places) {
         LeavingEntry leaving;
         leaving.path = path;
         leaving.identity = seen;
@@ -72,9 +74,9 @@ TEST_F(Right, OneGrantServesUntilItIsGivenUp) {
     EXPECT_TRUE(right.freeAuthorization());
     EXPECT_FALSE(right.isValidAuth);
     EXPECT_EQ(right.getAuthorizationRet(), AuthorizationRef::null);
-    EXPECT_THAT(system.calls,
-                ElementsAre("create", "system.privilege.admin 19", "makeExternalForm", "createFromExternalForm 1",
-                            "system.privilege.admin 3", "rightGet system.privilege.admin", "free"));
+    EXPECT_THAT(system.calls, ElementsAre("create", "system.privilege.admin 19", "makeExternalForm",
+                                          "createFromExternalForm 1", "system.privilege.admin 3",
+                                          "rightGet system.privilege.admin", "free"));
     EXPECT_THAT(lines, IsEmpty());
 }
 
@@ -130,7 +132,9 @@ TEST_F(Right, ASecondCallerWaitsForTheDialogOfTheFirst) {
         if (second.valid()) return;
         second = std::async(std::launch::async, [&] { return right.allocAuthorization(); });
         early = second.wait_for(std::chrono::milliseconds(100));
-        std::async(std::launch::async, [&] { right.freeAuthorization(); }).get();  // never waits for the dialog
+        std::async(std::launch::async, [&] {
+            right.freeAuthorization();
+        }).get();  // never waits for the dialog
     };
     EXPECT_FALSE(right.allocAuthorization());
     EXPECT_EQ(early, std::future_status::timeout);
@@ -156,7 +160,8 @@ TEST_F(Right, AskingOnceMoreKeepsTheCallersReference) {
     EXPECT_FALSE(FolderUtilities::DeleteAuthoration(mine));
     system.failures = {{"copyRights", -60006}};
     EXPECT_FALSE(FolderUtilities::CreateAuthoration(mine));
-    EXPECT_THAT(lines, ElementsAre("Free Rights Unsuccessful: -60002", "Copy Rights Unsuccessful: -60006"));
+    EXPECT_THAT(
+        lines, ElementsAre("Free Rights Unsuccessful: -60002", "Copy Rights Unsuccessful: -60006"));
     EXPECT_EQ(system.liveReferences(), 0U);
 }
 
@@ -184,16 +189,19 @@ TEST_F(Right, TheToolGetsTheEntryAndItsOutputIsAFailure) {
     system.failures.clear();
     system.tool = nullptr;
     EXPECT_TRUE(QnAuthorization::removeItemAtPath(tree.at("missing")));
-    for (const std::string& bad : {std::string(), std::string("a"), path + '\0', '/' + std::string(4095, 'x')})
+    for (const std::string& bad :
+         {std::string(), std::string("a"), path + '\0', '/' + std::string(4095, 'x')})
         EXPECT_FALSE(QnAuthorization::removeItemAtPath(bad)) << bad.size();
     EXPECT_EQ(system.liveReferences(), 1U);
 }
 
-// As a user who may not change the folder that holds the entries. Of a file of his, another name stands in a folder of his own.
+// As a user who may not change the folder that holds the entries. Of a file of his, another name
+// stands in a folder of his own.
 TEST_F(Right, PlainFirstPrivilegedSecond) {
     if (::geteuid() != 0) GTEST_SKIP() << "only root can make a folder of someone else";
     testing::TestTree tree;
-    for (const char* name : {"mine/a", "mine/folder/c", "mine/secret", "theirs/kept/e"}) tree.write(name, "1");
+    for (const char* name : {"mine/a", "mine/folder/c", "mine/secret", "theirs/kept/e"})
+        tree.write(name, "1");
     ASSERT_TRUE(tree.hardLink("mine/secret", "theirs/secret"));
     for (const char* name : {"mine", "mine/folder", "mine/secret", "theirs/kept", "theirs/kept/e"})
         ASSERT_EQ(::chown(tree.at(name).c_str(), 65534, 65534), 0);
@@ -206,22 +214,25 @@ TEST_F(Right, PlainFirstPrivilegedSecond) {
             {.ordinaryUser = true},
             [&]() -> std::string {
                 std::string out;
-                const auto expect = [&](bool good, const std::string& what) { out += good ? "" : what + '\n'; };
+                const auto expect = [&](bool good, const std::string& what) {
+                    out += good ? "" : what + '\n';
+                };
                 const auto modeOf = [](const std::string& path) {
                     struct stat now {};
                     return ::stat(path.c_str(), &now) == 0 ? now.st_mode & 07777 : 0;
                 };
                 const ProtectedPlaces none;
                 const std::string secret = tree.at("theirs/secret");
-                const auto seen =
-                    EntryIdentity::of(*files.attributes(FileSystem::noParent, secret.c_str(), Links::Keep));
+                const auto seen = EntryIdentity::of(
+                    *files.attributes(FileSystem::noParent, secret.c_str(), Links::Keep));
                 const auto removed = [&] { return remove(secret, seen, none); };
                 expect(QnAuthorization::synFastRemovePath(tree.at("mine/a")), "a plain file stays");
                 expect(QnAuthorization::synFastRemovePath(tree.at("mine/folder")),
                        "a folder without the right to write stays");
                 expect(last().starts_with("Removed"), "a plain removal complains: " + last());
                 expect(!removed().gone, "the padlock is closed");
-                expect(last() == "Clean deletable file failed: " + secret + "-Permission denied", last());
+                expect(last() == "Clean deletable file failed: " + secret + "-Permission denied",
+                       last());
 
                 right.allocAuthorization();
                 std::vector<mode_t> modesAtRun;
@@ -231,11 +242,15 @@ TEST_F(Right, PlainFirstPrivilegedSecond) {
                 };
                 const RemovalResult again = removed();
                 expect(again.gone, "the padlock is open now, and yet: " + reasonOf(again));
-                expect(modeOf(tree.at("mine/secret")) == 0600, "the file is open to others by its other name");
-                expect(QnAuthorization::synFastRemovePath(tree.at("theirs/kept")), "the tool's word is not taken");
+                expect(modeOf(tree.at("mine/secret")) == 0600,
+                       "the file is open to others by its other name");
+                expect(QnAuthorization::synFastRemovePath(tree.at("theirs/kept")),
+                       "the tool's word is not taken");
                 expect(last().starts_with("Clean deletable file failed: "), "no line");
-                expect(::access(tree.at("theirs/kept/e").c_str(), F_OK) != 0, "the folder was not opened up");
-                expect(modesAtRun == std::vector<mode_t>{0600, 0500}, "what the tool is to remove is open to others");
+                expect(::access(tree.at("theirs/kept/e").c_str(), F_OK) != 0,
+                       "the folder was not opened up");
+                expect(modesAtRun == std::vector<mode_t>{0600, 0500},
+                       "what the tool is to remove is open to others");
                 expect(modeOf(tree.at("theirs/kept")) == 0500, "what stays is left open");
                 system.tool = [](const PrivilegedRun&) { return "no"; };
                 expect(!removed().gone, "printing is no failure");
@@ -252,7 +267,8 @@ TEST_F(Right, WhatIsProtectedOrChangedIsNotPassedOn) {
     ProtectedPlaces places;
     places.add(files, tree.at("protected/a"), "mine");
     const auto identity = [&](const char* name) {
-        return EntryIdentity::of(*files.attributes(FileSystem::noParent, tree.at(name).c_str(), Links::Keep));
+        return EntryIdentity::of(
+            *files.attributes(FileSystem::noParent, tree.at(name).c_str(), Links::Keep));
     };
     ASSERT_TRUE(right.allocAuthorization());
     const auto refused = remove(tree.at("protected"), identity("protected"), places);

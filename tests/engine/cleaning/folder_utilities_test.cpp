@@ -1,4 +1,5 @@
-// FolderUtilities over the real base directories and trash folders, and the rules of CleanablePlaces.
+// FolderUtilities over the real base directories and trash folders, and the rules of
+// CleanablePlaces.
 #include "engine/cleaning/FolderUtilities.h"
 
 #include <gtest/gtest.h>
@@ -30,11 +31,13 @@ TEST(CategoryFolders, followTheBaseDirectories) {
     EXPECT_EQ(foldersOf(plain, 3), Paths{});
     EXPECT_EQ(foldersOf(plain, 5), Paths{"/home/u/Downloads"});
     for (const std::uint32_t index : {6U, 7U, ~0U}) EXPECT_EQ(foldersOf(plain, index), Paths{});
-    for (const std::uint32_t index : {1U, 3U, 5U}) EXPECT_EQ(foldersOf({}, index), Paths{}) << index;
+    for (const std::uint32_t index : {1U, 3U, 5U})
+        EXPECT_EQ(foldersOf({}, index), Paths{}) << index;
 
     const std::pair<const char*, const char*> caches[] = {
-        {"/big//cache/./", "/big/cache"}, {"relative", "/home/u/.cache"}, {"/", "/home/u/.cache"},
-        {"/home/u/", "/home/u/.cache"},   {"/home", "/home/u/.cache"},    {"/home/u/x/..", "/home/u/.cache"},
+        {"/big//cache/./", "/big/cache"}, {"relative", "/home/u/.cache"},
+        {"/", "/home/u/.cache"},          {"/home/u/", "/home/u/.cache"},
+        {"/home", "/home/u/.cache"},      {"/home/u/x/..", "/home/u/.cache"},
         {"/home/us", "/home/us"}};
     for (const auto& [given, expected] : caches)
         EXPECT_EQ(foldersOf({.home = "/home/u", .cacheHome = given}, 1), Paths{expected}) << given;
@@ -42,7 +45,8 @@ TEST(CategoryFolders, followTheBaseDirectories) {
 
 TEST(CategoryFolders, userLogsAreThoseThatExist) {
     TestTree tree;
-    for (const char* name : {"s/log", ".local/share/xorg", ".npm/_logs", "elsewhere"}) ASSERT_TRUE(tree.folder(name));
+    for (const char* name : {"s/log", ".local/share/xorg", ".npm/_logs", "elsewhere"})
+        ASSERT_TRUE(tree.folder(name));
     ASSERT_TRUE(tree.write("s/logs", "a file"));
     EXPECT_EQ(foldersOf({.home = tree.path(), .stateHome = tree.at("s")}, 3),
               (Paths{tree.at("s/log"), tree.at(".local/share/xorg"), tree.at(".npm/_logs")}));
@@ -55,7 +59,8 @@ TEST(CategoryFolders, downloadsAreWhereTheDesktopSaysButNeverTheHome) {
     } cases[] = {
         {"XDG_DOWNLOAD_DIR=\"$HOME/Geladen/\"", "/Geladen"},
         {"  XDG_DOWNLOAD_DIR=\"$HOME/a \\\"b\\\" \\$c\" \r", "/a \"b\" $c"},
-        {"XDG_DOWNLOAD_DIR=\"$HOME/1\"\nXDG_DOWNLOAD_DIR=\"$HOME/2\"\nXDG_DESKTOP_DIR=\"$HOME/3\"", "/2"},
+        {"XDG_DOWNLOAD_DIR=\"$HOME/1\"\nXDG_DOWNLOAD_DIR=\"$HOME/2\"\nXDG_DESKTOP_DIR=\"$HOME/3\"",
+         "/2"},
         {"XDG_DOWNLOAD_DIR=\"$HOME/\"", "-"},
         {"XDG_DOWNLOAD_DIR=\"$HOME/.//.\"", "-"},
         {"XDG_DOWNLOAD_DIR=\"/\"", "-"},
@@ -84,7 +89,8 @@ TEST(TrashFolders, oneForTheHomesVolumeAndTheSafeOnesOfOthers) {
     const std::string user = std::to_string(::getuid());
     const FolderVariables variables{.home = tree.at("disk/home"), .user = ::getuid()};
     const std::string home = tree.at("disk/home/.local/share/Trash/files");
-    for (const char* name : {"disk/home", "usb", "both", "linked", "victim/files", "unsticky", "planted", "foreign"})
+    for (const char* name :
+         {"disk/home", "usb", "both", "linked", "victim/files", "unsticky", "planted", "foreign"})
         ASSERT_TRUE(tree.folder(name));
     ASSERT_TRUE(tree.folder("both/.Trash/" + user) && tree.folder("both/.Trash-" + user) &&
                 tree.setMode("both/.Trash", 01777) && tree.folder("shared/.Trash/" + user) &&
@@ -95,7 +101,8 @@ TEST(TrashFolders, oneForTheHomesVolumeAndTheSafeOnesOfOthers) {
         {"usb", {tree.at("usb/.Trash-" + user + "/files")}},
         {"usb/", {tree.at("usb/.Trash-" + user + "/files")}},
         {"shared", {tree.at("shared/.Trash/" + user + "/files")}},
-        {"both", {tree.at("both/.Trash/" + user + "/files"), tree.at("both/.Trash-" + user + "/files")}},
+        {"both",
+         {tree.at("both/.Trash/" + user + "/files"), tree.at("both/.Trash-" + user + "/files")}},
         {"linked", {tree.at("linked/.Trash-" + user + "/files")}},
         {"unsticky", {tree.at("unsticky/.Trash-" + user + "/files")}},
         {"planted", {}},
@@ -106,7 +113,8 @@ TEST(TrashFolders, oneForTheHomesVolumeAndTheSafeOnesOfOthers) {
         EXPECT_EQ(foldersOf(variables, 4, {tree.at("disk"), tree.at(volume)}), expected) << volume;
     }
     EXPECT_EQ(foldersOf(variables, 4, {"/"}), Paths{home});
-    EXPECT_EQ(foldersOf(variables, 4, {tree.path(), tree.at("disk"), tree.at("disk/ho")}).at(1), home)
+    EXPECT_EQ(foldersOf(variables, 4, {tree.path(), tree.at("disk"), tree.at("disk/ho")}).at(1),
+              home)
         << "the nearest volume above the home folder";
     EXPECT_EQ(foldersOf(variables, 4), Paths{}) << "no volume is known";
     if (::geteuid() != 0) GTEST_SKIP() << "only root may give a folder to somebody else";
@@ -122,13 +130,15 @@ TEST(TrashFolders, eachEntryHasARecord) {
         {"/m/.Trash/1000/files/x", "/m/.Trash/1000/info/x.trashinfo"},
         {"/m/.Trash-1000/files/x", "/m/.Trash-1000/info/x.trashinfo"}};
     for (const auto& [path, record] : cases) EXPECT_EQ(folders.trashRecordOf(path), record) << path;
-    for (const char* path : {"/h/files/x", "/h/Trash/files/x/y", "/Trash/files", "Trash/files/x", ""})
+    for (const char* path :
+         {"/h/files/x", "/h/Trash/files/x/y", "/Trash/files", "Trash/files/x", ""})
         EXPECT_EQ(folders.trashRecordOf(path), std::nullopt) << path;
 }
 
 TEST(FolderUtilities, sizesPathsAndTheFolderToShow) {
     TestTree tree;
-    ASSERT_TRUE(tree.write("f/file", "12345") && tree.write("f/In.APP/x", "1") && tree.symlink("f", "link"));
+    ASSERT_TRUE(tree.write("f/file", "12345") && tree.write("f/In.APP/x", "1") &&
+                tree.symlink("f", "link"));
     const LinuxFolders folders(FolderVariables{});
     const FolderUtilities utilities(files, folders, {});
     const Catalog catalog(files);
@@ -153,7 +163,8 @@ TEST(FolderUtilities, sizesPathsAndTheFolderToShow) {
                                                          {"/", "/"},
                                                          {"/missing", "/"},
                                                          {"missing", ""}};
-    for (const auto& [path, folder] : cases) EXPECT_EQ(utilities.getFolderFromFile(path), folder) << path;
+    for (const auto& [path, folder] : cases)
+        EXPECT_EQ(utilities.getFolderFromFile(path), folder) << path;
 }
 
 TEST(CleanablePlaces, whatNothingMakesAgainStays) {

@@ -16,7 +16,8 @@ const LinuxFileSystem files;
 class Algorithm : public ::testing::Test {
 protected:
     fileAttrbItem& add(const std::string& name) {
-        const auto attributes = files.attributes(FileSystem::noParent, m_tree.at(name).c_str(), Links::Keep);
+        const auto attributes =
+            files.attributes(FileSystem::noParent, m_tree.at(name).c_str(), Links::Keep);
         return m_items.add(m_tree.at(name), attributes.value_or(FileAttributes{}));
     }
     fileAttrbItem& write(const std::string& name, std::string_view bytes) {
@@ -35,8 +36,8 @@ std::uint64_t hashOf(std::string_view bytes) {
 }
 
 TEST_F(Algorithm, wholeHashesOfFilesAroundThePieceSizes) {
-    for (const std::size_t size :
-         {1U, 1023U, 1024U, 1025U, 32'768U, 32'769U, 262'144U, 4'194'304U, 4'194'305U, 9'000'001U}) {
+    for (const std::size_t size : {1U, 1023U, 1024U, 1025U, 32'768U, 32'769U, 262'144U, 4'194'304U,
+                                   4'194'305U, 9'000'001U}) {
         const std::string bytes = testing::someBytes(size, 4);
         auto& item = write("f" + std::to_string(size), bytes);
         EXPECT_TRUE(m_algorithm.getMD5(item));
@@ -65,7 +66,8 @@ TEST_F(Algorithm, whatCanNotBeHashedIsRefusedAndNamed) {
     m_tree.symlink("/dev/zero", "toDevice");
     auto& vanished = write("vanished", "abc");
     ::unlink(m_tree.at("vanished").c_str());
-    for (fileAttrbItem* item : {&add("fifo"), &add("folder"), &add("toDevice"), &vanished, &add("never")}) {
+    for (fileAttrbItem* item :
+         {&add("fifo"), &add("folder"), &add("toDevice"), &vanished, &add("never")}) {
         const auto before = m_skipped.entries().size();
         EXPECT_FALSE(m_algorithm.getMD5(*item)) << item->filePathName();
         EXPECT_FALSE(m_algorithm.getMD5_1K(*item)) << item->filePathName();
@@ -89,13 +91,14 @@ TEST_F(Algorithm, compareWholeFileTable) {
     auto& other = write("other", "something else");
     auto& gone = write("gone", "abc");
     ::unlink(m_tree.at("gone").c_str());
-    for (const Case& at :
-         {Case{0, 0, true, true}, Case{1, 0, true, false}, Case{1, 1, true, false}, Case{0, 1, true, true},
-          Case{0, 0x100, true, false}, Case{0, 0x1FF, true, true}, Case{0, 0, false, false}}) {
+    for (const Case& at : {Case{0, 0, true, true}, Case{1, 0, true, false}, Case{1, 1, true, false},
+                           Case{0, 1, true, true}, Case{0, 0x100, true, false},
+                           Case{0, 0x1FF, true, true}, Case{0, 0, false, false}}) {
         fileAttrbItem& second = at.readable ? other : gone;
         one.md5 = at.first;
         second.md5 = at.second;
-        EXPECT_EQ(m_algorithm.compareWholeFile(one, second), at.expected) << at.first << ' ' << at.second;
+        EXPECT_EQ(m_algorithm.compareWholeFile(one, second), at.expected)
+            << at.first << ' ' << at.second;
     }
     EXPECT_FALSE(m_algorithm.compareWholeFile(gone, other));
 }
@@ -143,15 +146,18 @@ TEST_F(Algorithm, itemsAreEqualOnlyByAHashThatIsThere) {
 }
 
 TEST_F(Algorithm, foldersCompareByTheirRelativePaths) {
-    for (const char* name : {"a/x/1", "a/y", "b/y", "b/x/1", "c/x/1", "c/z", "d/x/1"}) write(name, name);
+    for (const char* name : {"a/x/1", "a/y", "b/y", "b/x/1", "c/x/1", "c/z", "d/x/1"})
+        write(name, name);
     m_tree.folder("d/y");  // the same path, of another kind
     struct Case {
         const char *one, *other;
         bool expected;
     };
-    for (const Case& at : {Case{"a", "b", true}, Case{"a", "a", true}, Case{"a", "c", false}, Case{"a", "d", true},
-                           Case{"a", "a/x", false}, Case{"a", "missing", false}, Case{"missing", "missing", false}}) {
-        EXPECT_EQ(m_algorithm.CompareDirectoryWithoutHash(m_tree.at(at.one), m_tree.at(at.other)), at.expected)
+    for (const Case& at : {Case{"a", "b", true}, Case{"a", "a", true}, Case{"a", "c", false},
+                           Case{"a", "d", true}, Case{"a", "a/x", false},
+                           Case{"a", "missing", false}, Case{"missing", "missing", false}}) {
+        EXPECT_EQ(m_algorithm.CompareDirectoryWithoutHash(m_tree.at(at.one), m_tree.at(at.other)),
+                  at.expected)
             << at.one << ' ' << at.other;
         EXPECT_FALSE(m_algorithm.CompareDirectory(m_tree.at(at.one), m_tree.at(at.other)));
     }

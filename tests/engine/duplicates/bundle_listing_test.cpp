@@ -23,10 +23,13 @@ class BundleDigest : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(m_tree.write("B.app/in/file", "12345") && m_tree.write("B.app/other", "67890"));
-        ASSERT_TRUE(m_tree.symlink("in", "B.app/toFolder") && m_tree.symlink("other", "B.app/toFile"));
+        ASSERT_TRUE(m_tree.symlink("in", "B.app/toFolder") &&
+                    m_tree.symlink("other", "B.app/toFile"));
         ASSERT_TRUE(m_tree.folder("B.app/empty") && m_tree.fifo("B.app/pipe"));
     }
-    [[nodiscard]] std::string at(const std::string& name) const { return m_tree.at("B.app/" + name); }
+    [[nodiscard]] std::string at(const std::string& name) const {
+        return m_tree.at("B.app/" + name);
+    }
     [[nodiscard]] BundleListing list(const BundleQuery& query = {}) const {
         auto listing = listBundle(realFiles, m_tree.at("B.app"), query, never);
         EXPECT_TRUE(listing.has_value());
@@ -58,7 +61,8 @@ TEST_F(BundleDigest, TellsEveryChange) {
         (void)::utimensat(AT_FDCWD, at(name).c_str(), times, AT_SYMLINK_NOFOLLOW);
     };
     const std::vector<std::pair<const char*, std::function<void()>>> changes{
-        {"a renamed file", [&] { sameTimes(".", [&] { ::rename(at("other").c_str(), at("othes").c_str()); }); }},
+        {"a renamed file",
+         [&] { sameTimes(".", [&] { ::rename(at("other").c_str(), at("othes").c_str()); }); }},
         {"a link that points elsewhere",
          [&] {
              sameTimes("toFolder", [&] {
@@ -128,7 +132,9 @@ TEST_F(BundleDigest, FailuresAndStopsAreErrors) {
     const std::string text = testing::runInChild({.ordinaryUser = true}, [&]() -> std::string {
         const auto listing = listBundle(realFiles, m_tree.at("B.app"), {}, never);
         if (listing) return "listed";
-        return listing.error().number == EACCES && listing.error().path == at("in") ? "" : listing.error().path;
+        return listing.error().number == EACCES && listing.error().path == at("in")
+                   ? ""
+                   : listing.error().path;
     });
     EXPECT_EQ(text, "");
 }

@@ -34,9 +34,11 @@ protected:
         }
         return out;
     }
-    void fill(const std::string& bundle, const std::vector<std::pair<std::string, std::string>>& contents) {
+    void fill(const std::string& bundle,
+              const std::vector<std::pair<std::string, std::string>>& contents) {
         ASSERT_TRUE(m_tree.folder(bundle));
-        for (const auto& [name, bytes] : contents) ASSERT_TRUE(m_tree.write(bundle + '/' + name, bytes));
+        for (const auto& [name, bytes] : contents)
+            ASSERT_TRUE(m_tree.write(bundle + '/' + name, bytes));
     }
 
     TestTree m_tree;
@@ -55,9 +57,9 @@ TEST_F(Bundles, namesAndPlacesPlayNoPartButContentsDo) {
     fill("SameSums.app", {{"bin/main", otherLarge}, {"data/k", kilobyte}});
     fill("SameSumOnly.app", {{"a", large + kilobyte}});
     fill("SameSumTwo.app", {{"a", large.substr(1)}, {"b", kilobyte + "x"}});
-    EXPECT_EQ(
-        find({"One.app", "SameSums.app", "x/Copy of one.app", "SameSumOnly.app", "Renamed.app", "SameSumTwo.app"}),
-        (Groups{{"x/Copy of one.app", "Renamed.app", "One.app"}}));
+    EXPECT_EQ(find({"One.app", "SameSums.app", "x/Copy of one.app", "SameSumOnly.app",
+                    "Renamed.app", "SameSumTwo.app"}),
+              (Groups{{"x/Copy of one.app", "Renamed.app", "One.app"}}));
     EXPECT_TRUE(m_skipped.empty());
 }
 
@@ -68,10 +70,13 @@ TEST_F(Bundles, groupsComeInOrderTheOpenerLast) {
               (Groups{{"y.app", "x.app"}, {"b.app", "c.app", "a.app"}}));
 }
 
-// The hash of a short file takes in what was read before it; copies that list alike must not depend on that.
+// The hash of a short file takes in what was read before it; copies that list alike must not depend
+// on that.
 TEST_F(Bundles, copiesThatBeginWithShortFilesAreEqual) {
     const std::vector<std::pair<std::string, std::string>> contents{
-        {"0", "brief"}, {"1", testing::someBytes(1023, 23)}, {"2", large}, {"3", ""}, {"4", "b"}, {"5/6", kilobyte},
+        {"0", "brief"}, {"1", testing::someBytes(1023, 23)},
+        {"2", large},   {"3", ""},
+        {"4", "b"},     {"5/6", kilobyte},
         {"7", "end"}};
     for (const char* name : {"a.app", "b.app", "c.app"}) fill(name, contents);
     auto changed = contents;
@@ -116,15 +121,18 @@ TEST_F(Bundles, oneFolderReachedTwiceIsNotItsOwnCopy) {
 }
 
 TEST_F(Bundles, whatCanNotBeListedIsLeftOut) {
-    for (const char* name : {"a.app", "locked.app", "inside.app", "b.app"}) fill(name, {{"in/x", large}});
+    for (const char* name : {"a.app", "locked.app", "inside.app", "b.app"})
+        fill(name, {{"in/x", large}});
     m_tree.setMode("locked.app", 0);
     m_tree.setMode("inside.app/in", 0);
     const std::string text = testing::runInChild({.ordinaryUser = true}, [&]() -> std::string {
         if (find({"locked.app"}) != Groups{}) return "a group of one";
-        if (find({"a.app", "locked.app", "missing.app", "inside.app", "b.app"}) != Groups{{"b.app", "a.app"}})
+        if (find({"a.app", "locked.app", "missing.app", "inside.app", "b.app"}) !=
+            Groups{{"b.app", "a.app"}})
             return "other groups";
         std::string named;
-        for (const Error& error : m_skipped) named += error.path.substr(m_tree.path().size() + 1) + ' ';
+        for (const Error& error : m_skipped)
+            named += error.path.substr(m_tree.path().size() + 1) + ' ';
         return named == "inside.app/in locked.app missing.app " ? "" : named;
     });
     EXPECT_EQ(text, "");
@@ -138,7 +146,8 @@ TEST_F(Bundles, filesThatCanNotBeReadMakeNoCopies) {
     m_tree.setMode("a.app/in/locked", 0);
     m_tree.setMode("b.app/in/locked", 0);
     const std::string text = testing::runInChild({.ordinaryUser = true}, [&]() -> std::string {
-        return find({"a.app", "b.app"}) == Groups{} ? "" : "called equal, though neither could be read";
+        return find({"a.app", "b.app"}) == Groups{} ? ""
+                                                    : "called equal, though neither could be read";
     });
     EXPECT_EQ(text, "");
 }

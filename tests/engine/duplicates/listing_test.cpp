@@ -1,4 +1,5 @@
-// The listing of a duplicate search: which files and bundles it finds, in which order, and what it survives.
+// The listing of a duplicate search: which files and bundles it finds, in which order, and what it
+// survives.
 #include <gtest/gtest.h>
 #include <rapidcheck.h>
 #include <sys/stat.h>
@@ -24,7 +25,9 @@ struct Listing {
     std::vector<std::pair<std::string, std::uint64_t>> files;
     Strings bundles;
     std::vector<Error> skipped;
-    bool operator==(const Listing& other) const { return files == other.files && bundles == other.bundles; }
+    bool operator==(const Listing& other) const {
+        return files == other.files && bundles == other.bundles;
+    }
     [[nodiscard]] Strings paths(const std::string& below) const {
         Strings out;
         for (const auto& file : files) out.push_back(file.first.substr(below.size() + 1));
@@ -67,18 +70,24 @@ Listing sequential(const std::string& root, Wanted wanted) {
         if (list.getAppDirectory(path, out.bundles, wanted.limit)) continue;
         struct stat target, self;
         if (::stat(path.c_str(), &target) == 0 && S_ISDIR(target.st_mode)) continue;
-        if (::lstat(path.c_str(), &self) != 0 || static_cast<std::uint64_t>(self.st_size) <= wanted.limit) continue;
+        if (::lstat(path.c_str(), &self) != 0 ||
+            static_cast<std::uint64_t>(self.st_size) <= wanted.limit)
+            continue;
         out.files.emplace_back(path, self.st_size);
     }
     return out;
 }
 
-// Which of the tests hold for a path: hidden, system folder, application bundle, inside of one (or one itself).
+// Which of the tests hold for a path: hidden, system folder, application bundle, inside of one (or
+// one itself).
 TEST(PathTests, table) {
     const std::pair<std::string, std::vector<std::string_view>> cases[] = {
-        {"", {"/", "", "/a.b/c.", "/a/b\n.c", "/home/Library", "/binx", "/usr/bin", "/x/A.apps", "/x/A.ap", "/x/Aapp"}},
+        {"",
+         {"/", "", "/a.b/c.", "/a/b\n.c", "/home/Library", "/binx", "/usr/bin", "/x/A.apps",
+          "/x/A.ap", "/x/Aapp"}},
         {"h", {"/a/.b/c", "/.a"}},
-        {"s", {"/Library/x", "/LIBRARY", "/bin", "/sBin/x/y", "Volumes/x", "/developer", "/System"}},
+        {"s",
+         {"/Library/x", "/LIBRARY", "/bin", "/sBin/x/y", "Volumes/x", "/developer", "/System"}},
         {"ai", {"/x/A.app", "/x/A.APP", "/x/A.b.app", "/x/\xff.App"}},
         {"i", {"/x/A.aPp/in", "/x/A.app/B.txt"}},
         {"hi", {"/x/.app"}},
@@ -109,14 +118,16 @@ TEST(Listing, hiddenEntriesLimitsAndLinks) {
     tree.symlink("../in", "in/linkDeeper");
     tree.symlink("nowhere", "dangling");
     tree.symlink("loop", "loop");
-    EXPECT_EQ(parallel(tree.path(), {false, 4}).paths(tree.path()),
-              (Strings{"Library/five", "five", "in/bin/five", "linkToFile", "linkToFolder/bin/five"}));
+    EXPECT_EQ(
+        parallel(tree.path(), {false, 4}).paths(tree.path()),
+        (Strings{"Library/five", "five", "in/bin/five", "linkToFile", "linkToFolder/bin/five"}));
     EXPECT_EQ(parallel(tree.path(), {true, 4}).paths(tree.path()),
-              (Strings{".dot", ".dots/x", "Library/five", "five", "in/.dot", "in/bin/five", "linkToFile",
-                       "linkToFolder/.dot", "linkToFolder/bin/five"}));
+              (Strings{".dot", ".dots/x", "Library/five", "five", "in/.dot", "in/bin/five",
+                       "linkToFile", "linkToFolder/.dot", "linkToFolder/bin/five"}));
     // The size of a link is that of its text: "five" is four bytes.
     EXPECT_EQ(parallel(tree.path(), {false, 0}).paths(tree.path()),
-              (Strings{"Library/five", "five", "four", "in/bin/five", "l", "linkToFile", "linkToFolder/bin/five"}));
+              (Strings{"Library/five", "five", "four", "in/bin/five", "l", "linkToFile",
+                       "linkToFolder/bin/five"}));
     EXPECT_TRUE(parallel(tree.path(), {true, ~std::uint64_t{0}}).files.empty());
 }
 
@@ -125,8 +136,9 @@ TEST(Listing, bundleRules) {
     tree.write("Top.app/a", "12345");
     tree.write("x/Lower.app/a", "12345");
     tree.write("x/UPPER.APP/in/Inner.app/a", "12345");
-    tree.write("x/Small.app/a",
-               "1");  // the folder itself is larger than the limit on most file systems, one level down
+    tree.write(
+        "x/Small.app/a",
+        "1");  // the folder itself is larger than the limit on most file systems, one level down
     tree.write("Small.app/a", "1");
     tree.write("Hidden.app/.a", "12345");
     tree.write("x.apps/a", "12345");
@@ -134,15 +146,18 @@ TEST(Listing, bundleRules) {
     tree.symlink("x.apps", "Linked.app");
     const auto found = parallel(tree.path(), {false, 4});
     Strings bundles;
-    for (const std::string& bundle : found.bundles) bundles.push_back(bundle.substr(tree.path().size() + 1));
+    for (const std::string& bundle : found.bundles)
+        bundles.push_back(bundle.substr(tree.path().size() + 1));
     std::sort(bundles.begin(), bundles.end());
-    const auto folder = realFiles.attributes(FileSystem::noParent, tree.at("x/Small.app").c_str(), Links::Keep);
+    const auto folder =
+        realFiles.attributes(FileSystem::noParent, tree.at("x/Small.app").c_str(), Links::Keep);
     Strings expected{"Linked.app", "Top.app", "file.app", "x/Lower.app", "x/UPPER.APP"};
     if (folder->size > 4) expected.insert(expected.begin() + 4, "x/Small.app");
     if (folder->size > 4) std::sort(expected.begin(), expected.end());
     EXPECT_EQ(bundles, expected);
     EXPECT_EQ(found.paths(tree.path()), Strings{"x.apps/a"});
-    EXPECT_EQ(parallel(tree.at("x/UPPER.APP/in"), {false, 4}).bundles, Strings{tree.at("x/UPPER.APP")});
+    EXPECT_EQ(parallel(tree.at("x/UPPER.APP/in"), {false, 4}).bundles,
+              Strings{tree.at("x/UPPER.APP")});
 }
 
 TEST(Listing, theRootDecides) {
@@ -166,7 +181,8 @@ struct Entry {
 };
 
 rc::Gen<std::vector<Entry>> someTree() {
-    const auto name = rc::gen::elementOf(Strings{"a", "b", "c.d", "bin", ".h", "X.app", "y.APP", "z.apps", ".app"});
+    const auto name = rc::gen::elementOf(
+        Strings{"a", "b", "c.d", "bin", ".h", "X.app", "y.APP", "z.apps", ".app"});
     const auto path = rc::gen::resize(4, rc::gen::nonEmpty(rc::gen::container<Strings>(name)));
     const auto entry = rc::gen::apply(
         [](Strings components, int kind) {
@@ -180,8 +196,11 @@ void build(TestTree& tree, const std::vector<Entry>& entries) {
     constexpr std::size_t sizes[] = {0, 1, 10, 100, 4096, 5000};
     for (const Entry& entry : entries) {
         std::string path;
-        for (const std::string& component : entry.components) path += (path.empty() ? "" : "/") + component;
-        if (entry.kind < 6) tree.write(path, std::string(sizes[entry.kind], 'x'));  // fails where something else stands
+        for (const std::string& component : entry.components)
+            path += (path.empty() ? "" : "/") + component;
+        if (entry.kind < 6)
+            tree.write(path,
+                       std::string(sizes[entry.kind], 'x'));  // fails where something else stands
         else if (entry.kind == 6) tree.folder(path);
         else if (entry.kind == 7) tree.fifo(path);
         else if (entry.kind == 8) tree.symlink(tree.path(), path);
@@ -214,7 +233,8 @@ TEST(Listing, theParallelWalkEqualsTheSequentialOne) {
 TEST(Listing, aHundredThousandEntriesInOneFolderKeepTheirOrder) {
     TestTree tree("/dev/shm");
     tree.folder("wide");
-    const auto wide = realFiles.openFolder(FileSystem::noParent, tree.at("wide").c_str(), Links::Keep);
+    const auto wide =
+        realFiles.openFolder(FileSystem::noParent, tree.at("wide").c_str(), Links::Keep);
     for (int i = 0; i < 100'000; ++i) {
         const std::string name = std::to_string(i);
         if (i % 5000 == 0) tree.write("wide/f" + name + "/x", "abc");
@@ -227,7 +247,8 @@ TEST(Listing, aHundredThousandEntriesInOneFolderKeepTheirOrder) {
     EXPECT_TRUE(found == sequential(tree.path(), {}));
 }
 
-// A chain needs a descriptor or two. The comb leaves a folder waiting on each level, more than there may be open descriptors.
+// A chain needs a descriptor or two. The comb leaves a folder waiting on each level, more than
+// there may be open descriptors.
 TEST(Listing, depthAndWaitingFoldersNeedFewDescriptors) {
     struct Case {
         const char* name;
@@ -244,8 +265,10 @@ TEST(Listing, depthAndWaitingFoldersNeedFewDescriptors) {
             const auto start = std::chrono::steady_clock::now();
             const auto found = parallel(tree.at(one.name), {}, files);
             const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
-            if (!found.skipped.empty()) return found.skipped[0].reason() + std::to_string(found.skipped.size());
-            if (found.files.size() != one.files) return std::to_string(found.files.size()) + " files";
+            if (!found.skipped.empty())
+                return found.skipped[0].reason() + std::to_string(found.skipped.size());
+            if (found.files.size() != one.files)
+                return std::to_string(found.files.size()) + " files";
             return time.count() < 20 ? "" : std::to_string(time.count()) + " s";
         });
         EXPECT_EQ(text, "") << one.name;
@@ -254,16 +277,19 @@ TEST(Listing, depthAndWaitingFoldersNeedFewDescriptors) {
 
 TEST(Listing, unreadableFoldersCostThemselvesAloneAndAreNamed) {
     TestTree tree;
-    for (const char* name : {"a/1", "locked/2", "in/locked/3", "in/b/4", "noSearch/5", "z/6"}) tree.write(name, "xyz");
+    for (const char* name : {"a/1", "locked/2", "in/locked/3", "in/b/4", "noSearch/5", "z/6"})
+        tree.write(name, "xyz");
     tree.setMode("locked", 0);
     tree.setMode("in/locked", 0);
     tree.setMode("noSearch", 0444);  // lists, but its entries can not be asked about
     const std::string text = testing::runInChild({.ordinaryUser = true}, [&]() -> std::string {
         const auto found = parallel(tree.path(), {});
-        if (!found.listed || found.paths(tree.path()) != Strings{"a/1", "in/b/4", "z/6"}) return "other files";
+        if (!found.listed || found.paths(tree.path()) != Strings{"a/1", "in/b/4", "z/6"})
+            return "other files";
         std::string named;
         for (const Error& error : found.skipped)
-            named += error.path.substr(tree.path().size() + 1) + (error.number == EACCES ? "" : "?") + ' ';
+            named += error.path.substr(tree.path().size() + 1) +
+                     (error.number == EACCES ? "" : "?") + ' ';
         if (named != "in/locked locked noSearch/5 ") return "named: " + named;
         const auto root = parallel(tree.at("locked"), {});
         return root.listed ? "an unreadable root was listed" : "";
@@ -273,7 +299,12 @@ TEST(Listing, unreadableFoldersCostThemselvesAloneAndAreNamed) {
 
 TEST(Listing, oddNamesAndKinds) {
     TestTree tree;
-    const Strings names{"line\nbreak", "\xff\xfe\x80", std::string(255, 'n'), " ", "*", "in\n/" + std::string(255, 'm'),
+    const Strings names{"line\nbreak",
+                        "\xff\xfe\x80",
+                        std::string(255, 'n'),
+                        " ",
+                        "*",
+                        "in\n/" + std::string(255, 'm'),
                         "-rf"};
     for (const std::string& name : names) ASSERT_TRUE(tree.write(name, "xyz"));
     tree.fifo("fifo");
@@ -317,7 +348,8 @@ TEST(Listing, aStopEndsItSoonAndCountsAsListed) {
     EXPECT_LT(calls, 100);
     EXPECT_LT(array.size(), 300U);
     files.onReadFolder = {};
-    EXPECT_TRUE(list.getListAtPath(tree.path(), array, bundles, 0)) << "a stop holds for one listing";
+    EXPECT_TRUE(list.getListAtPath(tree.path(), array, bundles, 0))
+        << "a stop holds for one listing";
     EXPECT_EQ(array.size(), 300U);
     list.stopSearch();
     Strings all;

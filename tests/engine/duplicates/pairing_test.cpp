@@ -1,4 +1,5 @@
-// The search from a folder to groups of equal files, against a plain pairing loop, and what it survives on the way.
+// The search from a folder to groups of equal files, against a plain pairing loop, and what it
+// survives on the way.
 #include <gtest/gtest.h>
 #include <rapidcheck.h>
 #include <unistd.h>
@@ -28,7 +29,8 @@ Strings pathsOf(const FileList& items) {
     return out;
 }
 
-Strings search(const std::string& root, const FileSystem& files = realFiles, std::vector<Error>* skipped = nullptr) {
+Strings search(const std::string& root, const FileSystem& files = realFiles,
+               std::vector<Error>* skipped = nullptr) {
     duplicateFind find(files);
     find.setSearchOption(true, true);
     find.searchDuplicateFileAtPath(root, 0);
@@ -54,7 +56,9 @@ Strings pairOneByOne(const std::string& root) {
         left.erase(left.begin());
         FileList group;
         compare.getDuplicateFile(item, &left, &group);
-        std::erase_if(left, [&](fileAttrbItem* one) { return std::count(group.begin(), group.end(), one) != 0; });
+        std::erase_if(left, [&](fileAttrbItem* one) {
+            return std::count(group.begin(), group.end(), one) != 0;
+        });
         found.insert(found.end(), group.begin(), group.end());
     }
     return pathsOf(found);
@@ -62,7 +66,8 @@ Strings pairOneByOne(const std::string& root) {
 
 struct Content {
     std::size_t size;
-    int change;  // where the content differs: 0 nowhere, 1 start, 2 middle, 3 end, 4 behind the first kilobyte
+    int change;  // where the content differs: 0 nowhere, 1 start, 2 middle, 3 end, 4 behind the
+                 // first kilobyte
     int folder;
     bool hardLink;
 };
@@ -70,7 +75,8 @@ struct Content {
 std::string contentOf(const Content& wanted) {
     std::string bytes = testing::someBytes(wanted.size, 7);
     if (wanted.size == 0 || wanted.change == 0) return bytes;
-    const std::size_t places[] = {0, 0, wanted.size / 2, wanted.size - 1, std::min<std::size_t>(1024, wanted.size - 1)};
+    const std::size_t places[] = {0, 0, wanted.size / 2, wanted.size - 1,
+                                  std::min<std::size_t>(1024, wanted.size - 1)};
     char& byte = bytes[places[wanted.change]];
     byte = static_cast<char>(byte ^ (1 << wanted.change));
     return bytes;
@@ -78,19 +84,20 @@ std::string contentOf(const Content& wanted) {
 
 TEST(Pairing, equalsAPlainLoopOnRandomTrees) {
     EXPECT_TRUE(rc::check("same groups in the same order, with the same order of members", [] {
-        const auto size = rc::gen::elementOf(std::vector<std::size_t>{0, 1, 100, 1023, 1024, 1025, 5000, 32'767, 32'768,
-                                                                      32'769, 36'864, 70'000, 200'000});
+        const auto size = rc::gen::elementOf(std::vector<std::size_t>{
+            0, 1, 100, 1023, 1024, 1025, 5000, 32'767, 32'768, 32'769, 36'864, 70'000, 200'000});
         const auto content = rc::gen::apply(
             [](std::size_t bytes, int change, int folder, int link) {
                 return Content{bytes, change, folder, link == 0};
             },
             size, rc::gen::inRange(0, 5), rc::gen::inRange(0, 5), rc::gen::inRange(0, 8));
-        const auto contents =
-            *rc::gen::noShrink(rc::gen::resize(40, rc::gen::container<std::vector<Content>>(content)));
+        const auto contents = *rc::gen::noShrink(
+            rc::gen::resize(40, rc::gen::container<std::vector<Content>>(content)));
         TestTree tree;
         std::string before;
         for (std::size_t number = 0; number < contents.size(); ++number) {
-            const std::string name = "d" + std::to_string(contents[number].folder) + "/f" + std::to_string(number);
+            const std::string name =
+                "d" + std::to_string(contents[number].folder) + "/f" + std::to_string(number);
             if (contents[number].hardLink && !before.empty()) tree.hardLink(before, name);
             else tree.write(name, contentOf(contents[number]));
             before = name;
@@ -117,7 +124,8 @@ TEST(Pairing, largeFilesAcrossThePiecesInWhichTheyAreHashed) {
     }
 }
 
-// Holes are computed, not read: files that say they are larger than any disk are told apart at once.
+// Holes are computed, not read: files that say they are larger than any disk are told apart at
+// once.
 TEST(Pairing, hugeSparseFilesCostNothing) {
     constexpr std::uint64_t huge = 1ULL << 62U;
     TestTree tree("/dev/shm");
@@ -155,8 +163,8 @@ TEST(Pairing, oneEntryIsNotItsOwnCopy) {
     EXPECT_NE(found[0].substr(found[0].rfind('/')), found[1].substr(found[1].rfind('/')));
 }
 
-// A link is listed with the size of its text. It stands for the file that it leads to, but must not take its place among the
-// files of that file's size, in whatever order the two are listed.
+// A link is listed with the size of its text. It stands for the file that it leads to, but must not
+// take its place among the files of that file's size, in whatever order the two are listed.
 TEST(Pairing, linksToFilesDoNotHideThem) {
     TestTree tree;
     const std::string bytes = testing::someBytes(3000, 9);
@@ -183,7 +191,8 @@ TEST(Pairing, unreadableFilesAreNamedAndTheOthersStillPaired) {
         const Strings found = search(tree.path(), realFiles, &skipped);
         if (found.size() != 6) return std::to_string(found.size()) + " found";
         if (found != pairOneByOne(tree.path())) return "another order";
-        if (skipped.size() != 2 || skipped[0].path != tree.at("100locked") || skipped[0].number != EACCES)
+        if (skipped.size() != 2 || skipped[0].path != tree.at("100locked") ||
+            skipped[0].number != EACCES)
             return "not named";
         return {};
     });
@@ -194,13 +203,15 @@ TEST(Pairing, filesThatVanishOrChangeBetweenListingAndReading) {
     TestTree tree;
     for (const char* size : {"small", "large"})
         for (const char* name : {"A", "B", "vanished", "changed", "grown", "fifo"})
-            tree.write(std::string(size) + name, testing::someBytes(size[0] == 's' ? 2000 : 60'000, 11));
+            tree.write(std::string(size) + name,
+                       testing::someBytes(size[0] == 's' ? 2000 : 60'000, 11));
     testing::WatchedFiles files;
     std::once_flag once;
     files.onOpenFile = [&](const char*) {
         std::call_once(once, [&] {
             for (const std::string size : {"small", "large"}) {
-                for (const char* name : {"vanished", "fifo"}) ::unlink(tree.at(size + name).c_str());
+                for (const char* name : {"vanished", "fifo"})
+                    ::unlink(tree.at(size + name).c_str());
                 tree.fifo(size + "fifo");
                 tree.patch(size + "changed", 1500, "other");
                 tree.patch(size + "grown", 60'000, "more");
@@ -210,7 +221,8 @@ TEST(Pairing, filesThatVanishOrChangeBetweenListingAndReading) {
     std::vector<Error> skipped;
     Strings found = search(tree.path(), files, &skipped);
     std::sort(found.begin(), found.end());
-    EXPECT_EQ(found, (Strings{tree.at("largeA"), tree.at("largeB"), tree.at("smallA"), tree.at("smallB")}));
+    EXPECT_EQ(found, (Strings{tree.at("largeA"), tree.at("largeB"), tree.at("smallA"),
+                              tree.at("smallB")}));
     for (const char* name : {"largevanished", "largefifo", "smallvanished", "smallfifo"})
         EXPECT_TRUE(std::any_of(skipped.begin(), skipped.end(), [&](const Error& error) {
             return error.path == tree.at(name);
@@ -232,9 +244,10 @@ TEST(Pairing, filesRewrittenAllTheWhileHarmNothing) {
     for (int round = 0; round < 5; ++round) {
         const Strings found = search(tree.path());
         // The thirty others stay as they are, fifteen of each size.
-        EXPECT_EQ(std::count_if(found.begin(), found.end(),
-                                [](const std::string& path) { return path[path.size() - 2] != 'f'; }),
-                  30);
+        EXPECT_EQ(
+            std::count_if(found.begin(), found.end(),
+                          [](const std::string& path) { return path[path.size() - 2] != 'f'; }),
+            30);
     }
 }
 
@@ -244,7 +257,8 @@ TEST(Pairing, aStopDeliversTheGroupsFoundSoFar) {
     constexpr int pairs = 12'000;
     for (int i = 0; i < pairs; ++i)
         for (const std::string side : {"a", "b"})
-            tree.sparse(side + std::to_string(i / 1000) + "/" + std::to_string(i), static_cast<std::uint64_t>(1 + i));
+            tree.sparse(side + std::to_string(i / 1000) + "/" + std::to_string(i),
+                        static_cast<std::uint64_t>(1 + i));
     testing::WatchedFiles files;
     duplicateFind find(files);
     find.setSearchOption(true, true);
@@ -259,7 +273,8 @@ TEST(Pairing, aStopDeliversTheGroupsFoundSoFar) {
     EXPECT_GT(found.size(), 0U);
     EXPECT_LT(found.size(), 2U * pairs);
     ASSERT_EQ(found.size() % 2, 0U);
-    for (std::size_t at = 0; at < found.size(); at += 2) EXPECT_TRUE(fileAttrbItem::isEqual(found[at], found[at + 1]));
+    for (std::size_t at = 0; at < found.size(); at += 2)
+        EXPECT_TRUE(fileAttrbItem::isEqual(found[at], found[at + 1]));
     FileList rest;
     EXPECT_TRUE(find.findNewDuplicateFile(&rest, found.size()));
     EXPECT_TRUE(rest.empty());
@@ -299,7 +314,9 @@ TEST(DuplicateFilesOpt, leavesStandSecondToLastThenFirst) {
     EXPECT_FALSE(search.getDuplicateFiles(&root));
     search.beginSearchAtPath(tree.path(), 0);
     ASSERT_TRUE(search.getDuplicateFiles(&root));
-    const auto data = [](const TreeNode& node) { return std::static_pointer_cast<SimpleNodeData>(node.nodeData()); };
+    const auto data = [](const TreeNode& node) {
+        return std::static_pointer_cast<SimpleNodeData>(node.nodeData());
+    };
     EXPECT_EQ(data(*root)->name(), "Root");
     ASSERT_EQ(root->numberOfChildren(), 2U);
     const auto& apps = *root->childAtIndex(0);
@@ -313,7 +330,8 @@ TEST(DuplicateFilesOpt, leavesStandSecondToLastThenFirst) {
     EXPECT_EQ(data(group)->fileSize(), 15U);
     EXPECT_EQ(data(group)->name(), lastPathComponent(listed[1])) << "named after the head";
     ASSERT_EQ(group.numberOfChildren(), 3U);
-    for (std::size_t at = 0; at < 3; ++at) EXPECT_EQ(data(*group.childAtIndex(at))->name(), listed[(at + 2) % 3]) << at;
+    for (std::size_t at = 0; at < 3; ++at)
+        EXPECT_EQ(data(*group.childAtIndex(at))->name(), listed[(at + 2) % 3]) << at;
 
     // Those who print visit the same groups with the same leaves.
     std::size_t visited = 0;
@@ -325,7 +343,9 @@ TEST(DuplicateFilesOpt, leavesStandSecondToLastThenFirst) {
         ASSERT_EQ(one.files.size() + one.bundles.size(), node.numberOfChildren());
         for (std::size_t at = 0; at < node.numberOfChildren(); ++at) {
             const auto leaf = data(*node.childAtIndex(at));
-            EXPECT_EQ(one.bundle ? one.bundles[at]->DirectoryPathName : one.files[at]->filePathName(), leaf->name());
+            EXPECT_EQ(
+                one.bundle ? one.bundles[at]->DirectoryPathName : one.files[at]->filePathName(),
+                leaf->name());
             EXPECT_EQ(leaf->ModificationDate().has_value(), !one.bundle);
         }
     });

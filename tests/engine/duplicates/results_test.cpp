@@ -1,5 +1,5 @@
-// What a person sees and does after a search: the seven views, the ticks with the rule that one copy stays, and the upkeep of both
-// while copies go.
+// What a person sees and does after a search: the seven views, the ticks with the rule that one
+// copy stays, and the upkeep of both while copies go.
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -23,15 +23,18 @@ namespace {
 using testing::TestTree;
 using Pointer = TreeNode::Pointer;
 
-Pointer addGroup(SimpleTreeNode& root, const std::string& extension, int copies, std::uint64_t size = 100) {
+Pointer addGroup(SimpleTreeNode& root, const std::string& extension, int copies,
+                 std::uint64_t size = 100) {
     auto data = SimpleNodeData::groupDataWithName("name." + extension);
     data->setExtendName(extension);
     data->setFileSize(size * static_cast<std::uint64_t>(copies));
     const Pointer group = SimpleTreeNode::treeNodeWithData(std::move(data));
     for (int i = 0; i < copies; ++i) {
-        auto leaf = SimpleNodeData::leafDataWithName("/" + std::to_string(i) + "/name." + extension);
+        auto leaf =
+            SimpleNodeData::leafDataWithName("/" + std::to_string(i) + "/name." + extension);
         leaf->setFileSize(size);
-        group->insertChild(SimpleTreeNode::treeNodeWithData(std::move(leaf)), group->numberOfChildren());
+        group->insertChild(SimpleTreeNode::treeNodeWithData(std::move(leaf)),
+                           group->numberOfChildren());
     }
     root.insertChild(group, root.numberOfChildren());
     return group;
@@ -43,9 +46,10 @@ std::shared_ptr<SimpleTreeNode> newRoot() {
 
 /// A group as a person sees it: its state, its count, and which leaves are ticked.
 std::string seen(const TreeNode& group) {
-    std::string text =
-        std::to_string(simpleData(group)->selectNum()) + " " + simpleData(group)->showSelectNumStr() + " ";
-    for (const auto& leaf : group.children()) text += simpleData(*leaf)->selectNum() == 1 ? 'x' : '.';
+    std::string text = std::to_string(simpleData(group)->selectNum()) + " " +
+                       simpleData(group)->showSelectNumStr() + " ";
+    for (const auto& leaf : group.children())
+        text += simpleData(*leaf)->selectNum() == 1 ? 'x' : '.';
     return text;
 }
 
@@ -83,13 +87,15 @@ TEST(DuplicateSelection, TheHeaderBoxTicksTheViewAndShowsIt) {
     DuplicateSelection selection;
     const auto box = [&] {
         const HeaderBox header = DuplicateSelection::headerBox(*root);
-        return std::to_string(header.isOn) + " " + std::string(header.picture) + " " + std::to_string(header.leaves);
+        return std::to_string(header.isOn) + " " + std::string(header.picture) + " " +
+               std::to_string(header.leaves);
     };
     EXPECT_EQ(box(), "0 option_no 5");
     ASSERT_EQ(selection.clickLeaf(two->childAtIndex(0)), LeafClick::Ticked);
     EXPECT_EQ(box(), "1 option_a 5");
     selection.setAll(*root, true);
-    EXPECT_EQ(selection.allSelectNumArr().size(), 4U) << "the leaf that was ticked before stands in it twice";
+    EXPECT_EQ(selection.allSelectNumArr().size(), 4U)
+        << "the leaf that was ticked before stands in it twice";
     EXPECT_EQ(seen(*two) + ", " + seen(*three), "2 1/2 x., 2 2/3 xx.");
     selection.tickLast(two->childAtIndex(1));
     selection.tickLast(three->childAtIndex(2));
@@ -105,7 +111,8 @@ TEST(DuplicateSelection, SumsCountEachCopyAndEachFileOnce) {
     const auto leaf = [&](std::size_t i) { return simpleData(*group->childAtIndex(i)); };
     for (std::size_t i = 0; i < 5; ++i) {
         leaf(i)->setFileSize(100);
-        leaf(i)->setIdentity(EntryIdentity{.device = 1, .inode = i < 2 ? 7 : i, .type = FileType::Regular});
+        leaf(i)->setIdentity(
+            EntryIdentity{.device = 1, .inode = i < 2 ? 7 : i, .type = FileType::Regular});
     }
     for (const std::size_t name : {0U, 1U}) leaf(name)->setHardLinks(2);
     leaf(3)->setLink("/elsewhere/a", true);
@@ -160,7 +167,9 @@ TEST(LeafSort, InPiecesGivesTheOrderOfOneSort) {
             const Pointer group = addGroup(*root, std::to_string(g * 7 % 10), 5, g % 3);
             for (std::size_t i = 0; i < 5; ++i) {
                 simpleData(*group->childAtIndex(i))->setFileSize((g + i) * 3 % 5);
-                if (i != 2) simpleData(*group->childAtIndex(i))->setModificationDate(Date{std::int64_t(i * g % 4) - 2});
+                if (i != 2)
+                    simpleData(*group->childAtIndex(i))
+                        ->setModificationDate(Date{std::int64_t(i * g % 4) - 2});
             }
         }
         return root;
@@ -170,7 +179,8 @@ TEST(LeafSort, InPiecesGivesTheOrderOfOneSort) {
         for (const auto& group : root.children()) {
             all += simpleData(*group)->name();
             for (const auto& leaf : group->children())
-                all += " " + simpleData(*leaf)->name() + " " + std::to_string(simpleData(*leaf)->fileSize());
+                all += " " + simpleData(*leaf)->name() + " " +
+                       std::to_string(simpleData(*leaf)->fileSize());
         }
         return all;
     };
@@ -187,7 +197,8 @@ TEST(LeafSort, InPiecesGivesTheOrderOfOneSort) {
         LeafSort sort;
         sort.begin(*pieces, c.key, c.descending);
         sort.sortNow(*pieces->childAtIndex(500));
-        EXPECT_FALSE(sort.step(std::chrono::steady_clock::time_point::min())) << "the time was over before it began";
+        EXPECT_FALSE(sort.step(std::chrono::steady_clock::time_point::min()))
+            << "the time was over before it began";
         sort.finish();
         EXPECT_FALSE(sort.isPending());
         EXPECT_EQ(text(*pieces), text(*whole));
@@ -196,15 +207,18 @@ TEST(LeafSort, InPiecesGivesTheOrderOfOneSort) {
 
 TEST(ResultViews, PutEachGroupIntoOneTypeByItsExtension) {
     const auto root = newRoot();
-    for (const char* extension : {"PDF", "mkv", "mp3", "zip", "gz", "jpg", "", "APP"}) addGroup(*root, extension, 2);
+    for (const char* extension : {"PDF", "mkv", "mp3", "zip", "gz", "jpg", "", "APP"})
+        addGroup(*root, extension, 2);
     ResultViews views;
     views.setResult(root);
     std::string rows;
     for (std::size_t row = 0; row < resultRows.size(); ++row)
-        rows += std::string(resultRows[row].title) + " " + std::to_string(views.tree(row)->numberOfChildren()) + " " +
-                views.sizeText(row) + "\n";
+        rows += std::string(resultRows[row].title) + " " +
+                std::to_string(views.tree(row)->numberOfChildren()) + " " + views.sizeText(row) +
+                "\n";
     EXPECT_EQ(rows,
-              "All 8 1.60 KB\nDocuments 1 0.20 KB\nVideos 1 0.20 KB\nMusic 1 0.20 KB\nArchives 1 0.20 KB\n"
+              "All 8 1.60 KB\nDocuments 1 0.20 KB\nVideos 1 0.20 KB\nMusic 1 0.20 KB\nArchives 1 "
+              "0.20 KB\n"
               "Pictures 1 0.20 KB\nOthers 3 0.60 KB\n");
     views.clear();
     EXPECT_EQ(views.tree(0), nullptr);
@@ -230,7 +244,13 @@ TEST(ResultViews, AreTrueAfterARemoval) {
         {"a wholly ticked group loses one of two", 2, {0, 1}, {1}, true, "1 1/1 x", 100},
         {"a wholly ticked group loses both", 2, {0, 1}, {0, 1}, false, "", 0},
         {"both ticked leaves of three go in one batch", 3, {0, 1}, {0, 1}, false, "", 0},
-        {"two of three ticked go in one batch, two stay", 5, {0, 1, 2}, {2, 0}, true, "2 1/3 x..", 300},
+        {"two of three ticked go in one batch, two stay",
+         5,
+         {0, 1, 2},
+         {2, 0},
+         true,
+         "2 1/3 x..",
+         300},
     };
     for (const Case& c : cases) {
         const auto root = newRoot();
@@ -267,30 +287,36 @@ protected:
         for (const std::string& name : names) {
             auto data = SimpleNodeData::leafDataWithName(tree.at(name));
             data->setFileSize(std::string_view("the same").size());
-            data->setIdentity(
-                EntryIdentity::of(*files.attributes(FileSystem::noParent, tree.at(name).c_str(), Links::Keep)));
+            data->setIdentity(EntryIdentity::of(
+                *files.attributes(FileSystem::noParent, tree.at(name).c_str(), Links::Keep)));
             if (name.ends_with(".app"))
-                data->setBundleDigest(listBundle(files, tree.at(name), {}, std::atomic<bool>{false})->digest);
-            group->insertChild(SimpleTreeNode::treeNodeWithData(std::move(data)), group->numberOfChildren());
+                data->setBundleDigest(
+                    listBundle(files, tree.at(name), {}, std::atomic<bool>{false})->digest);
+            group->insertChild(SimpleTreeNode::treeNodeWithData(std::move(data)),
+                               group->numberOfChildren());
         }
     }
     Pointer leaf(std::size_t index) const { return root->firstChild()->childAtIndex(index); }
     bool remove(const std::string& name) const { return unlink(tree.at(name).c_str()) == 0; }
 
-    /// Runs the plan as the removing thread does: "-" for what went, "others" for what somebody else had removed, else why it stays.
+    /// Runs the plan as the removing thread does: "-" for what went, "others" for what somebody
+    /// else had removed, else why it stays.
     std::vector<std::string> run() {
-        RemovalPlan plan(files, selection.allSelectNumArr().entries(), RemovalPlan::Comparing::Always);
+        RemovalPlan plan(files, selection.allSelectNumArr().entries(),
+                         RemovalPlan::Comparing::Always);
         PlainDoor door(files, {});
         std::vector<std::string> results;
         const std::atomic<bool> never{false};
-        RemovalRun removal(
-            files, tree.at("state"), plan, door, never,
-            {.waiting = [](bool) {},
-             .begins = [](std::size_t, const std::string&, bool) {},
-             .settled =
-                 [&](std::size_t, const RemovalResult& result) {
-                     results.push_back(result.byOthers ? "others" : result.gone ? "-" : result.failures.front().reason);
-                 }});
+        RemovalRun removal(files, tree.at("state"), plan, door, never,
+                           {.waiting = [](bool) {},
+                            .begins = [](std::size_t, const std::string&, bool) {},
+                            .settled =
+                                [&](std::size_t, const RemovalResult& result) {
+                                    results.push_back(result.byOthers ? "others"
+                                                      : result.gone
+                                                          ? "-"
+                                                          : result.failures.front().reason);
+                                }});
         (void)removal.run();
         removal.settleJournal();
         return results;
@@ -320,7 +346,8 @@ TEST_F(RemovalPlanTest, LeavesOneVerifiedCopyOfAGroupThatIsNotWhollyTicked) {
 
 TEST_F(RemovalPlanTest, FindsTheOtherCopyAcrossThoseThatHaveGone) {
     build({"a", "b", "c", "d"});
-    for (const std::size_t index : {2U, 1U, 0U}) ASSERT_EQ(selection.clickLeaf(leaf(index)), LeafClick::Ticked);
+    for (const std::size_t index : {2U, 1U, 0U})
+        ASSERT_EQ(selection.clickLeaf(leaf(index)), LeafClick::Ticked);
     ASSERT_TRUE(tree.write("d", "the copy that was to stay is another file now"));
     EXPECT_EQ(run(), (Results{"-", "-", "no other verified copy is left"}));
 }

@@ -1,4 +1,5 @@
-// The search on disks that fail, forget and dawdle, and under a stop: what is found stays right, and what is not read is said.
+// The search on disks that fail, forget and dawdle, and under a stop: what is found stays right,
+// and what is not read is said.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -59,15 +60,18 @@ TEST(SearchFaults, ReadErrorsAreToldAsWhatTheyAreWhereverTheyCome) {
         bool bundle;
     };
     for (const Case& one :
-         {Case{"the start of a small file", 20'000, 0, false}, Case{"its middle", 20'000, 8192, false},
-          Case{"a whole page of it", 8192, 4096, false}, Case{"the last bytes of a large one", 100'000, 99'000, false},
-          Case{"its middle", 1'000'000, 500'000, false}, Case{"behind 64 MiB", 160'000'000, 90'000'000, false},
+         {Case{"the start of a small file", 20'000, 0, false},
+          Case{"its middle", 20'000, 8192, false}, Case{"a whole page of it", 8192, 4096, false},
+          Case{"the last bytes of a large one", 100'000, 99'000, false},
+          Case{"its middle", 1'000'000, 500'000, false},
+          Case{"behind 64 MiB", 160'000'000, 90'000'000, false},
           Case{"a file of a bundle", 100'000, 50'000, true}}) {
         ServedFiles served({"eio=bad:" + std::to_string(one.from)});
         if (!served.isThere()) GTEST_SKIP() << "no FUSE here";
         const std::string inside = one.bundle ? ".app/" : "/";
         const std::string bytes = testing::someBytes(one.size, 31);
-        for (const std::string& name : {"x" + inside + "good", "y" + inside + "good", "z" + inside + "bad"})
+        for (const std::string& name :
+             {"x" + inside + "good", "y" + inside + "good", "z" + inside + "bad"})
             ASSERT_TRUE(served.source().write(name, bytes));
         const testing::LogLines log;
         const Found found = search(served.path());
@@ -90,9 +94,11 @@ TEST(SearchFaults, FilesAreFoundWhereInodeNumbersDoNotLast) {
     constexpr int pairs = 100;
     for (int i = 0; i < pairs; ++i)
         for (const std::string side : {"a", "b"})
-            ASSERT_TRUE(served.source().write("d" + std::to_string(i % 7) + "/" + side + std::to_string(i),
-                                              testing::someBytes(i % 3 == 0 ? 50'000 : 100, static_cast<unsigned>(i))));
-    for (const char* name : {"x.app/in/f", "y.app/in/f"}) ASSERT_TRUE(served.source().write(name, "a bundle's"));
+            ASSERT_TRUE(served.source().write(
+                "d" + std::to_string(i % 7) + "/" + side + std::to_string(i),
+                testing::someBytes(i % 3 == 0 ? 50'000 : 100, static_cast<unsigned>(i))));
+    for (const char* name : {"x.app/in/f", "y.app/in/f"})
+        ASSERT_TRUE(served.source().write(name, "a bundle's"));
     ASSERT_TRUE(served.source().symlink("d0", "again"));
 
     DuplicateFilesOpt opt(realFiles);
@@ -100,7 +106,9 @@ TEST(SearchFaults, FilesAreFoundWhereInodeNumbersDoNotLast) {
         const testing::LogLines log;
         opt.beginSearchAtPath(served.path(), 0);
         EXPECT_EQ(std::count_if(log.lines.begin(), log.lines.end(),
-                                [](const std::string& line) { return line.find("inode numbers") != line.npos; }),
+                                [](const std::string& line) {
+                                    return line.find("inode numbers") != line.npos;
+                                }),
                   1)
             << "said once";
     }
@@ -112,7 +120,8 @@ TEST(SearchFaults, FilesAreFoundWhereInodeNumbersDoNotLast) {
     for (const auto& group : root->children()) {
         EXPECT_EQ(group->numberOfChildren(), 2U) << simpleData(*group)->name();
         for (const auto& leaf : group->children()) {
-            const auto now = realFiles.attributes(FileSystem::noParent, simpleData(*leaf)->name().c_str(), Links::Keep);
+            const auto now = realFiles.attributes(FileSystem::noParent,
+                                                  simpleData(*leaf)->name().c_str(), Links::Keep);
             ASSERT_TRUE(now);
             EXPECT_NE(now->inode, simpleData(*leaf)->identity()->inode);
             EXPECT_TRUE(simpleData(*leaf)->identity()->isStill(*now)) << simpleData(*leaf)->name();
@@ -121,8 +130,10 @@ TEST(SearchFaults, FilesAreFoundWhereInodeNumbersDoNotLast) {
     // Its size and its times still tell a file from what is put in its place.
     const auto leaf = root->childAtIndex(1)->childAtIndex(0);
     ASSERT_TRUE(testing::contentOf(simpleData(*leaf)->name()).size() > 1);
-    ASSERT_TRUE(served.source().patch(simpleData(*leaf)->name().substr(served.path().size() + 1), 0, "?"));
-    const auto now = realFiles.attributes(FileSystem::noParent, simpleData(*leaf)->name().c_str(), Links::Keep);
+    ASSERT_TRUE(
+        served.source().patch(simpleData(*leaf)->name().substr(served.path().size() + 1), 0, "?"));
+    const auto now =
+        realFiles.attributes(FileSystem::noParent, simpleData(*leaf)->name().c_str(), Links::Keep);
     EXPECT_FALSE(simpleData(*leaf)->identity()->isStill(*now));
 }
 
@@ -132,11 +143,12 @@ TEST(SearchFaults, ANameThatIsListedTwiceIsNotItsOwnCopy) {
     for (const char* name : {"a/one", "b/other", "x.app/one", "y.app/one"})
         ASSERT_TRUE(served.source().write(name, "12345"));
     EXPECT_EQ(search(served.at("a")).leaves, Strings{});
-    EXPECT_EQ(search(served.path()).leaves,
-              (Strings{served.at("a/one"), served.at("b/other"), served.at("x.app"), served.at("y.app")}));
+    EXPECT_EQ(search(served.path()).leaves, (Strings{served.at("a/one"), served.at("b/other"),
+                                                     served.at("x.app"), served.at("y.app")}));
 }
 
-// The same with inode numbers that last, and a file that is renamed while the folder is listed: it comes under both names.
+// The same with inode numbers that last, and a file that is renamed while the folder is listed: it
+// comes under both names.
 class Repeating final : public ForwardingFiles {
 public:
     using ForwardingFiles::ForwardingFiles;
@@ -157,15 +169,18 @@ public:
             entry.error = one.error;
         }
     }
-    SysResult<Descriptor> openFile(int parent, const char* name, Links links, ReadState& state) const override {
-        return ForwardingFiles::openFile(parent, std::string_view(name) == "old" ? "new" : name, links, state);
+    SysResult<Descriptor> openFile(int parent, const char* name, Links links,
+                                   ReadState& state) const override {
+        return ForwardingFiles::openFile(parent, std::string_view(name) == "old" ? "new" : name,
+                                         links, state);
     }
 };
 
 TEST(SearchFaults, OneFileUnderTwoNamesIsNotItsOwnCopy) {
     TestTree tree;
     const Repeating files(realFiles);
-    ASSERT_TRUE(tree.write("a/one", "12345") && tree.write("b/new", "67890") && tree.write("c/old", "x"));
+    ASSERT_TRUE(tree.write("a/one", "12345") && tree.write("b/new", "67890") &&
+                tree.write("c/old", "x"));
     ASSERT_EQ(::rename(tree.at("c/old").c_str(), tree.at("b/old").c_str()), 0);
     EXPECT_EQ(search(tree.path(), files).leaves, Strings{});
     ASSERT_TRUE(tree.hardLink("a/one", "a/two"));
@@ -180,7 +195,8 @@ TEST(SearchFaults, AStopOnASlowFileSystemTakesAMoment) {
         served.source().write("d/f" + std::to_string(i), "12345");
         served.source().write("B.app/f" + std::to_string(i), "12345");
     }
-    const auto secondsAfterStop = [](const std::function<void()>& work, const std::function<void()>& stop) {
+    const auto secondsAfterStop = [](const std::function<void()>& work,
+                                     const std::function<void()>& stop) {
         std::chrono::steady_clock::time_point stopped;
         {
             const std::jthread stopper([&] {
@@ -194,16 +210,19 @@ TEST(SearchFaults, AStopOnASlowFileSystemTakesAMoment) {
     };
     for (const char* folder : {"d", "B.app", ""}) {
         DuplicateFilesOpt opt(realFiles);
-        EXPECT_LT(secondsAfterStop([&] { opt.beginSearchAtPath(served.at(folder), 0); }, [&] { opt.stopSearch(); }),
+        EXPECT_LT(secondsAfterStop([&] { opt.beginSearchAtPath(served.at(folder), 0); },
+                                   [&] { opt.stopSearch(); }),
                   1.0)
             << folder;
     }
     std::atomic<bool> stop{false};
     const TreeSize size(realFiles, {.stop = &stop});
-    EXPECT_LT(secondsAfterStop([&] { (void)size.ofPath(served.path()); }, [&] { stop = true; }), 1.0);
+    EXPECT_LT(secondsAfterStop([&] { (void)size.ofPath(served.path()); }, [&] { stop = true; }),
+              1.0);
 }
 
-// One class of sizes, which is hashed as a whole: what was hashed when the stop came stands in the result.
+// One class of sizes, which is hashed as a whole: what was hashed when the stop came stands in the
+// result.
 TEST(SearchFaults, AStopGroupsWhatIsHashed) {
     TestTree tree("/dev/shm");
     for (int i = 0; i < 900; ++i) ASSERT_TRUE(tree.write("f" + std::to_string(i), "12345"));
@@ -255,7 +274,8 @@ TEST(SearchFaults, OutOfMemoryEndsLikeAStop) {
 TEST(SearchFaults, NothingButFilesIsOpened) {
     TestTree tree;
     for (const char* bundle : {"a.app/", "b.app/"}) {
-        ASSERT_TRUE(tree.write(std::string(bundle) + "file", "12345") && tree.fifo(std::string(bundle) + "pipe"));
+        ASSERT_TRUE(tree.write(std::string(bundle) + "file", "12345") &&
+                    tree.fifo(std::string(bundle) + "pipe"));
         ASSERT_TRUE(tree.symlink("pipe", std::string(bundle) + "toPipe") &&
                     tree.symlink("file", std::string(bundle) + "toFile"));
     }
@@ -274,10 +294,11 @@ TEST(SearchFaults, NothingButFilesIsOpened) {
 TEST(SearchFaults, WhatARemovalHasSetAsideIsNotOffered) {
     TestTree tree;
     const std::string aside = asideName("0123456789abcdef", "file.txt");
-    for (const std::string& name : {std::string("file.txt"), aside, "in/" + aside, aside + "x/in", std::string("copy")})
-        ASSERT_TRUE(tree.write(name, "12345"));
     for (const std::string& name :
-         {std::string("A.app"), asideName("0123456789abcdef", "A.app"), "in/" + asideName("0123456789abcdef", "A.app")})
+         {std::string("file.txt"), aside, "in/" + aside, aside + "x/in", std::string("copy")})
+        ASSERT_TRUE(tree.write(name, "12345"));
+    for (const std::string& name : {std::string("A.app"), asideName("0123456789abcdef", "A.app"),
+                                    "in/" + asideName("0123456789abcdef", "A.app")})
         ASSERT_TRUE(tree.write(name + "/in", "67890"));
     EXPECT_EQ(search(tree.path()).leaves, (Strings{tree.at("copy"), tree.at("file.txt")}));
 }
@@ -296,11 +317,13 @@ TEST(SearchFaults, BundlesWithoutContentsAreNoCopies) {
     EXPECT_EQ(search(tree.path()).leaves, (Strings{tree.at("a.app"), tree.at("b.app")}));
 }
 
-// The hash is linear: eight bytes more bring it to any value, so files of two sizes can be given one hash.
+// The hash is linear: eight bytes more bring it to any value, so files of two sizes can be given
+// one hash.
 std::string bytesThatLead(std::uint64_t from, std::uint64_t to) {
     constexpr std::uint64_t polynomial = 0x95AC9329AC4BC9B5;
     constexpr std::uint64_t top = std::uint64_t{1} << 63U;
-    for (int bit = 0; bit < 64; ++bit) to = (to & top) != 0 ? ((to ^ polynomial) << 1U) | 1U : to << 1U;
+    for (int bit = 0; bit < 64; ++bit)
+        to = (to & top) != 0 ? ((to ^ polynomial) << 1U) | 1U : to << 1U;
     std::string bytes;
     for (std::uint64_t difference = from ^ to; bytes.size() < 8; difference >>= 8U)
         bytes += static_cast<char>(difference & 0xFFU);

@@ -1,4 +1,5 @@
-// Rules of a search that only show where two of its parts meet: the options, links and mounts, progress, and what changes under it.
+// Rules of a search that only show where two of its parts meet: the options, links and mounts,
+// progress, and what changes under it.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/mount.h>
@@ -33,8 +34,8 @@ Strings leavesOf(const DuplicateFilesOpt& search) {
     return leaves;
 }
 
-Strings searched(const std::string& root, const SearchOption& option = {}, const FileSystem& files = realFiles,
-                 std::vector<Error>* skipped = nullptr) {
+Strings searched(const std::string& root, const SearchOption& option = {},
+                 const FileSystem& files = realFiles, std::vector<Error>* skipped = nullptr) {
     DuplicateFilesOpt search(files);
     search.setSearchOption(&option);
     search.beginSearchAtPath(root, 0);
@@ -58,7 +59,8 @@ TEST(SearchRules, EachOptionOpensWhatItSays) {
     const std::string text = testing::runInChild({}, [&]() -> std::string {
         if (::chroot(tree.path().c_str()) != 0 || ::chdir("/") != 0) return "no root of its own";
         std::string found;
-        for (const SearchOption& option : {SearchOption{false, false}, {true, false}, {false, true}, {true, true}})
+        for (const SearchOption& option :
+             {SearchOption{false, false}, {true, false}, {false, true}, {true, true}})
             found += joined(searched("/", option)) + "| ";
         return found + joined(searched("/home", {false, false}));
     });
@@ -66,30 +68,34 @@ TEST(SearchRules, EachOptionOpensWhatItSays) {
     const std::string system = "/Library/1 /Library/2 /bin/1 /bin/2 ";
     const std::string hidden = "/.hidden/1 /.hidden/2 ";
     const std::string home = "/home/bin/1 /home/bin/2 ";
-    EXPECT_EQ(text, plain + home + "| " + hidden + plain + home + "| " + plain + system + home + "| " + hidden + plain +
-                        system + home + "| " + home);
+    EXPECT_EQ(text, plain + home + "| " + hidden + plain + home + "| " + plain + system + home +
+                        "| " + hidden + plain + system + home + "| " + home);
 }
 
 TEST(SearchRules, AnEntryThatAMountShowsAgainIsNotItsOwnCopy) {
     testing::withOwnMounts([]() -> std::string {
         TestTree tree("/mnt");
-        if (!tree.write("a/in/one", "12345") || !tree.folder("b") || !tree.write("A.app/x", "67890") ||
-            !tree.folder("c"))
+        if (!tree.write("a/in/one", "12345") || !tree.folder("b") ||
+            !tree.write("A.app/x", "67890") || !tree.folder("c"))
             return "no tree";
         if (!tree.write("alone", "abc") || !tree.write("place", "")) return "no tree";
         const auto bind = [&](const char* from, const char* to) {
-            return ::mount(tree.at(from).c_str(), tree.at(to).c_str(), nullptr, MS_BIND, nullptr) == 0;
+            return ::mount(tree.at(from).c_str(), tree.at(to).c_str(), nullptr, MS_BIND, nullptr) ==
+                   0;
         };
-        if (!bind("a", "b") || !bind("A.app", "c") || !bind("alone", "place")) return "skip: no bind mounts";
+        if (!bind("a", "b") || !bind("A.app", "c") || !bind("alone", "place"))
+            return "skip: no bind mounts";
         if (const Strings found = searched(tree.path()); !found.empty()) return joined(found);
         if (!tree.hardLink("a/in/one", "a/in/two")) return "no link";
         const Strings found = searched(tree.path());
-        for (const char* path : {"b", "c", "place"}) (void)::umount2(tree.at(path).c_str(), MNT_DETACH);
+        for (const char* path : {"b", "c", "place"})
+            (void)::umount2(tree.at(path).c_str(), MNT_DETACH);
         return found.size() == 2 ? "" : "with two names: " + joined(found);
     });
 }
 
-// The link count of a file changes between the two listings of it: by its folder, and through a link to that.
+// The link count of a file changes between the two listings of it: by its folder, and through a
+// link to that.
 TEST(SearchRules, AChangingLinkCountMakesNoCopies) {
     class Counting final : public ForwardingFiles {
     public:
@@ -103,20 +109,25 @@ TEST(SearchRules, AChangingLinkCountMakesNoCopies) {
         mutable std::atomic<std::uint32_t> m_looks{0};
     };
     TestTree tree;
-    ASSERT_TRUE(tree.write("in/one", "12345") && tree.symlink("in", "again") && tree.symlink("in", "andAgain"));
+    ASSERT_TRUE(tree.write("in/one", "12345") && tree.symlink("in", "again") &&
+                tree.symlink("in", "andAgain"));
     EXPECT_EQ(searched(tree.path(), {}, Counting(realFiles)), Strings{});
 }
 
 TEST(SearchRules, LeavesTellWhereTheyLieAndHowManyNamesTheyHave) {
     TestTree tree;
     TestTree elsewhere;
-    for (const char* name : {"root/plain", "root/in/twice", "other/far"}) ASSERT_TRUE(tree.write(name, "12345"));
-    ASSERT_TRUE(tree.hardLink("root/in/twice", "root/in/name") && elsewhere.write("A.app/x", "67890"));
+    for (const char* name : {"root/plain", "root/in/twice", "other/far"})
+        ASSERT_TRUE(tree.write(name, "12345"));
+    ASSERT_TRUE(tree.hardLink("root/in/twice", "root/in/name") &&
+                elsewhere.write("A.app/x", "67890"));
     ASSERT_TRUE(tree.write("root/B.app/x", "67890") && tree.symlink("../other", "root/link"));
     ASSERT_TRUE(tree.symlink(elsewhere.at("A.app"), "root/A.app"));
     // The text of a link counts: both are of one length, and lead to files of one content.
-    ASSERT_TRUE(tree.symlink("in/twice", "root/toIn") && tree.symlink("../other/far", "root/toFar"));
-    ASSERT_TRUE(tree.symlink("in/../plain/", "root/broken") && tree.symlink("./././plain", "root/toPlain1"));
+    ASSERT_TRUE(tree.symlink("in/twice", "root/toIn") &&
+                tree.symlink("../other/far", "root/toFar"));
+    ASSERT_TRUE(tree.symlink("in/../plain/", "root/broken") &&
+                tree.symlink("./././plain", "root/toPlain1"));
     ASSERT_TRUE(tree.symlink("././in/name", "root/toName12"));
     DuplicateFilesOpt opt(realFiles);
     opt.beginSearchAtPath(tree.at("root"), 0);
@@ -128,8 +139,10 @@ TEST(SearchRules, LeavesTellWhereTheyLieAndHowManyNamesTheyHave) {
             const auto leaf = simpleData(*node);
             std::string& text = told[leaf->name().substr(tree.at("root/").size())];
             text = std::to_string(leaf->hardLinks());
-            if (leaf->isLink()) text += (leaf->liesOutside() ? " out " : " in ") + leaf->linkTarget();
-            EXPECT_EQ(leaf->bundleDigest().has_value(), leaf->name().ends_with(".app")) << leaf->name();
+            if (leaf->isLink())
+                text += (leaf->liesOutside() ? " out " : " in ") + leaf->linkTarget();
+            EXPECT_EQ(leaf->bundleDigest().has_value(), leaf->name().ends_with(".app"))
+                << leaf->name();
         }
     const std::map<std::string, std::string> expected{
         {"plain", "1"},
@@ -147,8 +160,10 @@ TEST(SearchRules, LeavesTellWhereTheyLieAndHowManyNamesTheyHave) {
 TEST(SearchRules, ALeafHasTheDateOfItsFile) {
     TestTree tree;
     for (const char* name : {"a", "b"}) ASSERT_TRUE(tree.write(name, "12345"));
-    const timespec times[] = {{.tv_sec = 1, .tv_nsec = 0}, {.tv_sec = 1'000'000'000, .tv_nsec = 123'456'789}};
-    for (const char* name : {"a", "b"}) ASSERT_EQ(::utimensat(AT_FDCWD, tree.at(name).c_str(), times, 0), 0);
+    const timespec times[] = {{.tv_sec = 1, .tv_nsec = 0},
+                              {.tv_sec = 1'000'000'000, .tv_nsec = 123'456'789}};
+    for (const char* name : {"a", "b"})
+        ASSERT_EQ(::utimensat(AT_FDCWD, tree.at(name).c_str(), times, 0), 0);
     DuplicateFilesOpt opt(realFiles);
     opt.beginSearchAtPath(tree.path(), 0);
     std::shared_ptr<SimpleTreeNode> root;
@@ -157,7 +172,8 @@ TEST(SearchRules, ALeafHasTheDateOfItsFile) {
         EXPECT_EQ(simpleData(*leaf)->ModificationDate()->nanoseconds, 1'000'000'000'123'456'789);
 }
 
-// Bundles are the first half and files the second. The first batches of files are small, so that both classes are seen apart.
+// Bundles are the first half and files the second. The first batches of files are small, so that
+// both classes are seen apart.
 TEST(SearchRules, ProgressIsTheMeanOfBothHalves) {
     TestTree tree("/dev/shm");
     for (int i = 0; i < 100; ++i) {
@@ -183,7 +199,8 @@ TEST(SearchRules, ProgressIsTheMeanOfBothHalves) {
     EXPECT_EQ(opt.getProgress(), 100U);
 }
 
-// A folder whose listing fails after its first thousand entries: none of them counts, and its neighbours do.
+// A folder whose listing fails after its first thousand entries: none of them counts, and its
+// neighbours do.
 class Failing final : public ForwardingFiles {
 public:
     using ForwardingFiles::ForwardingFiles;
@@ -204,10 +221,12 @@ private:
 
 TEST(SearchRules, AFolderThatFailsHalfWayDoesNotCount) {
     TestTree tree;
-    for (int i = 0; i < 3000; ++i) ASSERT_TRUE(tree.write("in/half/f" + std::to_string(i), "12345"));
+    for (int i = 0; i < 3000; ++i)
+        ASSERT_TRUE(tree.write("in/half/f" + std::to_string(i), "12345"));
     for (const char* name : {"in/a", "in/b"}) ASSERT_TRUE(tree.write(name, "12345"));
     std::vector<Error> skipped;
-    EXPECT_EQ(searched(tree.path(), {}, Failing(realFiles), &skipped), (Strings{tree.at("in/a"), tree.at("in/b")}));
+    EXPECT_EQ(searched(tree.path(), {}, Failing(realFiles), &skipped),
+              (Strings{tree.at("in/a"), tree.at("in/b")}));
     ASSERT_EQ(skipped.size(), 1U);
     EXPECT_EQ(skipped[0].path, tree.at("in/half"));
     EXPECT_EQ(skipped[0].number, EIO);
@@ -217,7 +236,8 @@ TEST(SearchRules, AFolderThatFailsHalfWayDoesNotCount) {
 class Changing final : public ForwardingFiles {
 public:
     Changing(const FileSystem& base, TestTree& tree) : ForwardingFiles(base), m_tree(tree) {}
-    SysResult<Descriptor> openFile(int parent, const char* name, Links links, ReadState& state) const override {
+    SysResult<Descriptor> openFile(int parent, const char* name, Links links,
+                                   ReadState& state) const override {
         auto opened = ForwardingFiles::openFile(parent, name, links, state);
         const std::lock_guard lock(m_mutex);
         if (opened && std::string_view(name).starts_with("changed")) m_open[opened->get()] = name;
@@ -228,7 +248,8 @@ public:
                                 ReadState& state) const override {
         auto count = ForwardingFiles::read(file, buffer, offset, state);
         const std::lock_guard lock(m_mutex);
-        if (const auto open = m_open.find(file); open != m_open.end() && count) m_tree.patch(open->second, ++m_at, "?");
+        if (const auto open = m_open.find(file); open != m_open.end() && count)
+            m_tree.patch(open->second, ++m_at, "?");
         return count;
     }
     void useOwnDescriptors() const override {}  // one table, so that numbers are unique
@@ -248,7 +269,8 @@ TEST(SearchRules, AFileThatChangesWhileItIsReadIsNoCopy) {
             tree.patch(name, size / 2, "middle");
         }
         std::vector<Error> skipped;
-        EXPECT_EQ(searched(tree.path(), {}, Changing(realFiles, tree), &skipped), (Strings{tree.at("a"), tree.at("b")}))
+        EXPECT_EQ(searched(tree.path(), {}, Changing(realFiles, tree), &skipped),
+                  (Strings{tree.at("a"), tree.at("b")}))
             << size;
         ASSERT_EQ(skipped.size(), 1U) << size;
         EXPECT_EQ(skipped[0].path, tree.at("changed"));
@@ -262,20 +284,25 @@ TEST(SearchRules, ASmallFileThatGrewIsReadAnew) {
     for (const char* name : {"a", "b", "grown"}) ASSERT_TRUE(tree.write(name, "12345"));
     testing::WatchedFiles files;
     std::once_flag once;
-    files.onOpenFile = [&](const char*) { std::call_once(once, [&] { tree.patch("grown", 5, "6"); }); };
+    files.onOpenFile = [&](const char*) {
+        std::call_once(once, [&] { tree.patch("grown", 5, "6"); });
+    };
     EXPECT_EQ(searched(tree.path(), {}, files), (Strings{tree.at("a"), tree.at("b")}));
 }
 
-// On a disk image of the kind that shows it: while a folder is listed, files in it go away under another name and come back.
-// The system then lists some of them twice.
-void withImage(const std::string& make, const char* type, const std::function<std::string(TestTree& tree)>& check) {
+// On a disk image of the kind that shows it: while a folder is listed, files in it go away under
+// another name and come back. The system then lists some of them twice.
+void withImage(const std::string& make, const char* type,
+               const std::function<std::string(TestTree& tree)>& check) {
     TestTree place;
     if (!place.sparse("image", 400ULL << 20U)) GTEST_SKIP() << "no image";
-    if (std::system((make + " " + place.at("image") + " >/dev/null 2>&1").c_str()) != 0) GTEST_SKIP() << "no " << make;
+    if (std::system((make + " " + place.at("image") + " >/dev/null 2>&1").c_str()) != 0)
+        GTEST_SKIP() << "no " << make;
     testing::withOwnMounts([&]() -> std::string {
         const std::string mount =
             "mount -t " + std::string(type) + " -o loop " + place.at("image") + " /mnt 2>/dev/null";
-        if (std::system(mount.c_str()) != 0) return "skip: " + std::string(type) + " can not be mounted here";
+        if (std::system(mount.c_str()) != 0)
+            return "skip: " + std::string(type) + " can not be mounted here";
         std::string said;
         {
             TestTree tree("/mnt");
@@ -290,7 +317,8 @@ TEST(SearchRules, FilesRenamedAwayAndBackDuringTheListing) {
     withImage("mkfs.xfs -q", "xfs", [](TestTree& tree) -> std::string {
         constexpr int count = 40'000;
         for (int i = 0; i < count; ++i)
-            if (!tree.write("wide/file" + std::to_string(i), "content " + std::to_string(i))) return "no file";
+            if (!tree.write("wide/file" + std::to_string(i), "content " + std::to_string(i)))
+                return "no file";
         if (!tree.folder("away")) return "no folder";
         testing::WatchedFiles files;
         std::atomic<int> reads{0};
@@ -315,11 +343,13 @@ TEST(SearchRules, FilesOnADiskWithoutInodeNumbers) {
     withImage("mkfs.vfat", "vfat", [](TestTree& tree) -> std::string {
         for (int i = 0; i < 200; ++i)
             for (const char* side : {"a/", "b/"})
-                if (!tree.write(side + std::to_string(i), "content " + std::to_string(i))) return "no file";
+                if (!tree.write(side + std::to_string(i), "content " + std::to_string(i)))
+                    return "no file";
         testing::WatchedFiles files;
         std::once_flag once;
         files.onOpenFile = [&](const char*) {  // the system forgets the numbers that it gave out
-            std::call_once(once, [] { (void)!std::system("sync; echo 2 > /proc/sys/vm/drop_caches"); });
+            std::call_once(once,
+                           [] { (void)!std::system("sync; echo 2 > /proc/sys/vm/drop_caches"); });
         };
         const Strings found = searched(tree.path(), {}, files);
         return found.size() == 400 ? "" : std::to_string(found.size()) + " of 400 found";

@@ -1,4 +1,5 @@
-// The result tree: parents and children over two trees, the six sorts, the cover, and trees too deep for the stack.
+// The result tree: parents and children over two trees, the six sorts, the cover, and trees too
+// deep for the stack.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -14,16 +15,20 @@ namespace {
 using Pointer = TreeNode::Pointer;
 using Names = std::vector<std::string>;
 
-Pointer leaf(const std::string& name, std::uint64_t size = 0, std::optional<std::int64_t> date = {}) {
+Pointer leaf(const std::string& name, std::uint64_t size = 0,
+             std::optional<std::int64_t> date = {}) {
     auto data = SimpleNodeData::leafDataWithName(name);
     data->setFileSize(size);
     if (date) data->setModificationDate(Date{*date});
     return SimpleTreeNode::treeNodeWithData(std::move(data));
 }
 
-void add(const Pointer& parent, const Pointer& child) { parent->insertChild(child, parent->numberOfChildren()); }
+void add(const Pointer& parent, const Pointer& child) {
+    parent->insertChild(child, parent->numberOfChildren());
+}
 
-Pointer group(const std::string& name, const std::vector<Pointer>& children, std::uint64_t size = 0) {
+Pointer group(const std::string& name, const std::vector<Pointer>& children,
+              std::uint64_t size = 0) {
     auto data = SimpleNodeData::groupDataWithName(name);
     data->setFileSize(size);
     const Pointer node = SimpleTreeNode::treeNodeWithData(std::move(data));
@@ -79,7 +84,8 @@ TEST(Tree, ManyChildrenGoInOnePass) {
     root->_removeChildrenIdenticalTo(odd);
     EXPECT_EQ(text(*root), "r(0 2 4 6)");
     EXPECT_EQ(odd[0]->nodeParent(), nullptr);
-    EXPECT_EQ(stranger->nodeParent(), nullptr);  // as for all that are named, though another tree still holds it
+    EXPECT_EQ(stranger->nodeParent(),
+              nullptr);  // as for all that are named, though another tree still holds it
     EXPECT_EQ(text(*other), "o(s)");
     EXPECT_EQ(root->firstChild()->nodeParent(), root.get());
 }
@@ -107,9 +113,9 @@ TEST(Tree, ANodeInTwoTreesHasTheParentSetLast) {
 
 TEST(Tree, SortsEveryLevelByOneKeyAndKeepsTheOrderOfEquals) {
     const auto tree = [] {
-        return group("r",
-                     {group("b", {leaf("y", 5, 30), leaf("x", 5, 10), leaf("z", 1, 20)}, 11),
-                      group("C", {leaf("n", 2, 5), leaf("m", 3, 5)}, 1ULL << 63), group("a", {leaf("q", 7, -1)}, 11)});
+        return group("r", {group("b", {leaf("y", 5, 30), leaf("x", 5, 10), leaf("z", 1, 20)}, 11),
+                           group("C", {leaf("n", 2, 5), leaf("m", 3, 5)}, 1ULL << 63),
+                           group("a", {leaf("q", 7, -1)}, 11)});
     };
     const struct {
         void (TreeNode::*sort)();
@@ -131,18 +137,22 @@ TEST(Tree, SortsEveryLevelByOneKeyAndKeepsTheOrderOfEquals) {
 
 TEST(Tree, ManyEqualsKeepTheirOrderBothWays) {
     const Pointer root = group("r", {});
-    for (int i = 0; i < 100; ++i) add(root, leaf(std::to_string(i), static_cast<std::uint64_t>(i % 2)));
-    for (const auto& [sort, first] : {std::pair{&TreeNode::decendingSortSize, 1}, {&TreeNode::acendingSortSize, 0}}) {
+    for (int i = 0; i < 100; ++i)
+        add(root, leaf(std::to_string(i), static_cast<std::uint64_t>(i % 2)));
+    for (const auto& [sort, first] :
+         {std::pair{&TreeNode::decendingSortSize, 1}, {&TreeNode::acendingSortSize, 0}}) {
         (root.get()->*sort)();
         for (int i = 0; i < 100; ++i) {
             const int expected = i < 50 ? 2 * i + first : 2 * (i - 50) + 1 - first;
-            ASSERT_EQ(text(*root->childAtIndex(static_cast<std::size_t>(i))), std::to_string(expected));
+            ASSERT_EQ(text(*root->childAtIndex(static_cast<std::size_t>(i))),
+                      std::to_string(expected));
         }
     }
 }
 
 TEST(Tree, NodesWithoutAKeyKeepTheirPlacesAmongTheOthers) {
-    const Pointer root = group("r", {leaf("c", 0, 3), leaf("-"), leaf("b", 0, 2), leaf("="), leaf("a", 0, 1)});
+    const Pointer root =
+        group("r", {leaf("c", 0, 3), leaf("-"), leaf("b", 0, 2), leaf("="), leaf("a", 0, 1)});
     add(root, TreeNode::treeNodeWithData(nullptr));
     add(root, TreeNode::treeNodeWithData(std::make_shared<TreeNodeData>()));
     root->acendingSortDate();
@@ -153,7 +163,8 @@ TEST(Tree, NodesWithoutAKeyKeepTheirPlacesAmongTheOthers) {
     const Pointer dated = leaf("d", 0, 1), undated = leaf("e");
     EXPECT_TRUE(dated->compareDate(*undated) == 0 && undated->compareDateR(*dated) == 0);
     EXPECT_TRUE(dated->compareName(*undated) < 0 && dated->compareNameR(*undated) > 0);
-    EXPECT_TRUE(dated->compareName(*root->lastChild()) == 0 && dated->compareSize(*root->childAtIndex(5)) == 0);
+    EXPECT_TRUE(dated->compareName(*root->lastChild()) == 0 &&
+                dated->compareSize(*root->childAtIndex(5)) == 0);
 }
 
 /// The cover by the plain road: a working list from which each way up takes its nodes out.
@@ -180,7 +191,8 @@ TEST(Tree, CoverIsTheRootsInTheOrderOfTheNodes) {
             if (parent + 1 < nodes.size()) add(nodes[parent], nodes.back());
         }
         std::vector<TreeNode*> chosen;
-        for (std::size_t i = random() % 20; i > 0; --i) chosen.push_back(nodes[random() % nodes.size()].get());
+        for (std::size_t i = random() % 20; i > 0; --i)
+            chosen.push_back(nodes[random() % nodes.size()].get());
         ASSERT_EQ(TreeNode::minimumNodeCoverFromNodesInArray(chosen), coverByWorkingList(chosen));
     }
 }
@@ -198,8 +210,9 @@ TEST(Tree, DeepTreesSortAndEndInConstantStack) {
     const Pointer kept = deepest->firstChild();
     root->acendingSortName();
     EXPECT_EQ(deepest->lastChild(), kept);
-    EXPECT_EQ(TreeNode::minimumNodeCoverFromNodesInArray(std::vector<TreeNode*>{kept.get(), deepest}),
-              std::vector<TreeNode*>{root.get()});
+    EXPECT_EQ(
+        TreeNode::minimumNodeCoverFromNodesInArray(std::vector<TreeNode*>{kept.get(), deepest}),
+        std::vector<TreeNode*>{root.get()});
     root.reset();
     EXPECT_EQ(kept->nodeParent(), nullptr);
 }
@@ -211,7 +224,8 @@ TEST(Tree, GrowsFromADictionary) {
     EXPECT_EQ(tree->nodeParent(), nullptr);
     EXPECT_EQ(tree->firstChild()->nodeParent(), tree.get());
     EXPECT_TRUE(simpleData(*tree)->isGroup() && simpleData(*tree)->isExpandable());
-    EXPECT_TRUE(simpleData(*tree->firstChild())->isLeaf() && !simpleData(*tree->firstChild())->isExpandable());
+    EXPECT_TRUE(simpleData(*tree->firstChild())->isLeaf() &&
+                !simpleData(*tree->firstChild())->isExpandable());
     EXPECT_TRUE(simpleData(*tree->childAtIndex(1)->lastChild())->isGroup());
 }
 

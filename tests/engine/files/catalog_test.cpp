@@ -35,7 +35,8 @@ Listed list(const FSRef& folder, std::uint32_t whichInfo) {
     std::array<std::string, 40> names;
     for (OSErr result = noErr; result == noErr;) {
         std::size_t count = 0;
-        result = catalog.FSGetCatalogInfoBulk(iterator, 40, count, whichInfo, infos.data(), refs.data(), names.data());
+        result = catalog.FSGetCatalogInfoBulk(iterator, 40, count, whichInfo, infos.data(),
+                                              refs.data(), names.data());
         EXPECT_TRUE(result == noErr || result == errFSNoMoreItems) << result;
         out.batches.push_back(count);
         for (std::size_t i = 0; i < count; ++i) {
@@ -49,8 +50,10 @@ Listed list(const FSRef& folder, std::uint32_t whichInfo) {
 
 TEST(Catalog, batchesGiveEveryEntryOnceWithFlagsAndSizes) {
     TestTree tree;
-    for (int i = 0; i < 90; ++i) ASSERT_TRUE(tree.write(std::to_string(i), std::string(static_cast<unsigned>(i), 'x')));
-    ASSERT_TRUE(tree.write("folder/in", "1") && tree.symlink("folder", "link") && tree.fifo("pipe"));
+    for (int i = 0; i < 90; ++i)
+        ASSERT_TRUE(tree.write(std::to_string(i), std::string(static_cast<unsigned>(i), 'x')));
+    ASSERT_TRUE(tree.write("folder/in", "1") && tree.symlink("folder", "link") &&
+                tree.fifo("pipe"));
     const auto root = catalog.fsref(tree.path());
     ASSERT_TRUE(root);
     for (const std::uint32_t which : {flagsAndSizes, std::uint32_t{kFSCatInfoGettableInfo}}) {
@@ -60,7 +63,8 @@ TEST(Catalog, batchesGiveEveryEntryOnceWithFlagsAndSizes) {
         EXPECT_EQ(listed.infos["link"].dataLogicalSize, 6U);
         EXPECT_FALSE(listed.infos["link"].isFolder());
         EXPECT_TRUE(listed.infos["folder"].isFolder());
-        EXPECT_EQ(listed.infos["folder"].dataLogicalSize + listed.infos["pipe"].dataLogicalSize, 0U);
+        EXPECT_EQ(listed.infos["folder"].dataLogicalSize + listed.infos["pipe"].dataLogicalSize,
+                  0U);
         EXPECT_EQ(listed.infos["7"].attributes.inode != 0, which == kFSCatInfoGettableInfo);
         EXPECT_EQ(list(listed.refs["folder"], which).infos.size(), 1U);
         EXPECT_EQ(catalog.FSRefMakePath(listed.refs["folder"]), tree.at("folder"));
@@ -92,10 +96,12 @@ TEST(Catalog, aReferenceNamesItsEntryAndNoOther) {
 
 TEST(Catalog, whatIsNoFolderSaysSo) {
     TestTree tree;
-    ASSERT_TRUE(tree.write("file", "1") && tree.symlink("/", "link") && tree.fifo("pipe") && tree.folder("gone"));
+    ASSERT_TRUE(tree.write("file", "1") && tree.symlink("/", "link") && tree.fifo("pipe") &&
+                tree.folder("gone"));
     FSIterator iterator;
     for (const char* name : {"file", "link", "pipe"})
-        EXPECT_EQ(catalog.FSOpenIterator(*catalog.fsref(tree.at(name)), iterator), errFSNotAFolder) << name;
+        EXPECT_EQ(catalog.FSOpenIterator(*catalog.fsref(tree.at(name)), iterator), errFSNotAFolder)
+            << name;
     EXPECT_FALSE(catalog.fsref(tree.at("missing")) || catalog.fsref(""));
     EXPECT_EQ(catalog.FSOpenIterator(FSRef(), iterator), paramErr);
     Listed listed = list(*catalog.fsref(tree.path()), kFSCatInfoGettableInfo);

@@ -32,7 +32,8 @@ constexpr std::size_t kLimit = 4096;
 
 std::set<std::string> namesIn(const std::string& folder) {
     std::set<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) names.insert(entry.path().filename());
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        names.insert(entry.path().filename());
     return names;
 }
 
@@ -43,7 +44,8 @@ public:
 
     /// What the program printed; empty when it was killed.
     std::string run(const std::string& inject) {
-        std::vector<std::string> words{"strace", "-o", m_tree.at("trace"), "-E", "ASAN_OPTIONS=detect_leaks=0"};
+        std::vector<std::string> words{"strace", "-o", m_tree.at("trace"), "-E",
+                                       "ASAN_OPTIONS=detect_leaks=0"};
         if (!inject.empty()) words.insert(words.end(), {"-e", "inject=" + inject});
         words.insert(words.end(), {ORRINVALE_SAVE_PROGRAM, path()});
         std::vector<char*> arguments;
@@ -101,7 +103,8 @@ TEST(DurableFile, EverySystemCallOfASaveMayFailOrBeTheLast) {
     ASSERT_EQ(firstSaid, "saved\n");
     const std::string newText = first.whole();
     EXPECT_NE(newText.find("SpaceAlarm = 0.25\nmine = 7\n"), std::string::npos) << newText;
-    std::map<std::string, std::array<int, 2>> outcomes;  // by call: how many runs said "saved", how many did not
+    std::map<std::string, std::array<int, 2>>
+        outcomes;  // by call: how many runs said "saved", how many did not
     int kills = 0;
     for (const TracedSave::Call& call : first.calls()) {
         const std::string when = ":when=" + std::to_string(call.number);
@@ -112,7 +115,8 @@ TEST(DurableFile, EverySystemCallOfASaveMayFailOrBeTheLast) {
             const std::string said = save.run(call.name + fault + when);
             const std::string left = save.whole();
             SCOPED_TRACE(call.text + " with " + fault + " said " + said);
-            // A reading that fails may put the old file aside: the new one then stands in its place, or nothing is said.
+            // A reading that fails may put the old file aside: the new one then stands in its
+            // place, or nothing is said.
             EXPECT_TRUE(left == newText || left == kOld);
             if (isKill) {
                 EXPECT_EQ(said, "");
@@ -140,7 +144,8 @@ TEST(DurableFile, EverySystemCallOfASaveMayFailOrBeTheLast) {
 // A tmpfs of its own, in a mount namespace that ends with the process.
 std::string saveOnFullDisk() {
     const std::string folder = "/tmp";
-    if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+    if (::unshare(CLONE_NEWNS) != 0 ||
+        ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
         ::mount("small", folder.c_str(), "tmpfs", 0, "size=64k") != 0)
         return "skip";
     const std::string path = folder + "/history";
@@ -154,7 +159,8 @@ std::string saveOnFullDisk() {
     std::ofstream(folder + "/filler2") << std::string(4096 * 8, 'x');
     const auto full = DurableFile::save(path, "tiny");
     if (full || full.error().number != ENOSPC) return "a full disk was called saved";
-    if (contentOf(path) != std::string(4096, 'a')) return "the old file is damaged by the full disk";
+    if (contentOf(path) != std::string(4096, 'a'))
+        return "the old file is damaged by the full disk";
     if (namesIn(folder).contains("history.new")) return "something was left behind";
     if (::unlink((folder + "/filler").c_str()) != 0 || !DurableFile::save(path, "tiny"))
         return "no save with room again";
@@ -169,10 +175,12 @@ TEST(DurableFile, FullAndNearlyFullDisk) {
 
 TEST(DurableFile, WhatIsNotOursIsLeftAlone) {
     TestTree tree;
-    ASSERT_TRUE(tree.folder("folder") && tree.fifo("fifo") && tree.socket("socket") && tree.write("target", "t") &&
-                tree.symlink(tree.at("target"), "link") && tree.write("foreign", "f"));
+    ASSERT_TRUE(tree.folder("folder") && tree.fifo("fifo") && tree.socket("socket") &&
+                tree.write("target", "t") && tree.symlink(tree.at("target"), "link") &&
+                tree.write("foreign", "f"));
     std::vector<const char*> names{"folder", "fifo", "socket", "link"};
-    if (::geteuid() == 0 && ::chown(tree.at("foreign").c_str(), 65534, 65534) == 0) names.push_back("foreign");
+    if (::geteuid() == 0 && ::chown(tree.at("foreign").c_str(), 65534, 65534) == 0)
+        names.push_back("foreign");
     const auto before = namesIn(tree.path());
     const auto never = [](std::string_view) { return false; };
     for (const char* name : names) {
@@ -183,7 +191,8 @@ TEST(DurableFile, WhatIsNotOursIsLeftAlone) {
     }
     EXPECT_EQ(namesIn(tree.path()), before);
     EXPECT_EQ(contentOf(tree.at("target")) + contentOf(tree.at("foreign")), "tf");
-    if (names.back() != std::string_view("foreign")) GTEST_SKIP() << "only root can make a file of another user";
+    if (names.back() != std::string_view("foreign"))
+        GTEST_SKIP() << "only root can make a file of another user";
 }
 
 TEST(DurableFile, RestsOfOthersDoNotLeakIntoASave) {
@@ -209,7 +218,8 @@ TEST(DurableFile, DamagedFilesAreKeptAside) {
     TestTree tree;
     const auto isGood = [](std::string_view bytes) { return bytes == "good"; };
     std::string aside = "f.bad";
-    for (const std::string& bad : {std::string("garbage"), std::string(), std::string(kLimit + 1, 'x')}) {
+    for (const std::string& bad :
+         {std::string("garbage"), std::string(), std::string(kLimit + 1, 'x')}) {
         ASSERT_TRUE(tree.write("f", bad));
         const auto first = DurableFile::readWell(tree.at("f"), kLimit, isGood);
         EXPECT_TRUE(!first && first.error().number == EBADMSG);
@@ -221,7 +231,8 @@ TEST(DurableFile, DamagedFilesAreKeptAside) {
     ASSERT_TRUE(tree.write("f", "good"));
     EXPECT_EQ(DurableFile::readWell(tree.at("f"), kLimit, isGood).value_or(""), "good");
     EXPECT_EQ(namesIn(tree.path()), (std::set<std::string>{"f", "f.bad", "f.bad.2", "f.bad.3"}));
-    EXPECT_EQ(DurableFile::keepCopy(tree.at("f"), "garbage").value_or("-"), "") << "that one is there";
+    EXPECT_EQ(DurableFile::keepCopy(tree.at("f"), "garbage").value_or("-"), "")
+        << "that one is there";
     EXPECT_EQ(DurableFile::keepCopy(tree.at("f"), "other").value_or("-"), tree.at("f.bad.4"));
     EXPECT_EQ(contentOf(tree.at("f.bad.4")), "other");
     for (int number = 5; number <= DurableFile::asideLimit; ++number)
@@ -243,7 +254,8 @@ TEST(DurableFile, WritersOfOneFileTakeTurns) {
             for (int round = 0; round < kRounds; ++round) {
                 auto file = DurableFile::begin(tree.at("count"));
                 ASSERT_TRUE(file) << file.error().reason();
-                const auto now = file->current(kLimit, [](std::string_view bytes) { return !bytes.empty(); });
+                const auto now =
+                    file->current(kLimit, [](std::string_view bytes) { return !bytes.empty(); });
                 ASSERT_TRUE(now);
                 ASSERT_TRUE(file->commit(std::to_string(std::stoi(*now) + 1)));
             }

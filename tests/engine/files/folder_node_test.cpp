@@ -1,4 +1,5 @@
-// Names and paths of folders: extensions, joining, and the way to a folder whose path is longer than the system takes.
+// Names and paths of folders: extensions, joining, and the way to a folder whose path is longer
+// than the system takes.
 #include "engine/files/FolderNode.h"
 
 #include <gtest/gtest.h>
@@ -22,10 +23,12 @@ TEST(FolderNode, lastComponentAndExtensionTable) {
         std::string_view path, last, extension;
     };
     for (const Case& one :
-         {Case{"/a/b.txt", "b.txt", "txt"}, Case{"b.tar.gz", "b.tar.gz", "gz"}, Case{"/a/.app", ".app", ""},
-          Case{"/a/..app", "..app", "app"}, Case{"/a.d/b", "b", ""}, Case{"/a/b.", "b.", ""},
-          Case{"/a/b.app/", "b.app", "app"}, Case{"/a/b.app//", "b.app", "app"}, Case{"/", "/", ""}, Case{"", "", ""},
-          Case{"//", "/", ""}, Case{"a\n.x\ny", "a\n.x\ny", "x\ny"}, Case{"/a/\xff.\xfe", "\xff.\xfe", "\xfe"}}) {
+         {Case{"/a/b.txt", "b.txt", "txt"}, Case{"b.tar.gz", "b.tar.gz", "gz"},
+          Case{"/a/.app", ".app", ""}, Case{"/a/..app", "..app", "app"}, Case{"/a.d/b", "b", ""},
+          Case{"/a/b.", "b.", ""}, Case{"/a/b.app/", "b.app", "app"},
+          Case{"/a/b.app//", "b.app", "app"}, Case{"/", "/", ""}, Case{"", "", ""},
+          Case{"//", "/", ""}, Case{"a\n.x\ny", "a\n.x\ny", "x\ny"},
+          Case{"/a/\xff.\xfe", "\xff.\xfe", "\xfe"}}) {
         EXPECT_EQ(lastPathComponent(one.path), one.last) << one.path;
         EXPECT_EQ(pathExtension(one.path), one.extension) << one.path;
     }
@@ -47,7 +50,8 @@ TEST(FolderNode, pathsHaveOneSlashBetweenTheirParts) {
 TEST(FolderNode, foldersBeyondTheLongestPathAreReachedAndChecked) {
     TestTree tree;
     const std::string name(200, 'n');
-    Descriptor here = std::move(*files.openFolder(FileSystem::noParent, tree.path().c_str(), Links::Keep));
+    Descriptor here =
+        std::move(*files.openFolder(FileSystem::noParent, tree.path().c_str(), Links::Keep));
     const std::string root = tree.path();
     std::deque<FolderNode> nodes{FolderNode{nullptr, root.c_str()}};
     for (int level = 0; level < 60; ++level) {  // 12,060 bytes, three times the limit
@@ -85,7 +89,8 @@ TEST(FolderNode, aFolderExchangedForALinkIsNotReopened) {
     node.inode = seen.inode;
     ASSERT_TRUE(reopenFolder(files, node));
     ASSERT_EQ(::rename(tree.at("a").c_str(), tree.at("moved").c_str()), 0);
-    tree.symlink("moved", "a");  // the same folder, but by way of a link that the scan did not follow
+    tree.symlink("moved",
+                 "a");  // the same folder, but by way of a link that the scan did not follow
     EXPECT_FALSE(reopenFolder(files, node));
     ::unlink(tree.at("a").c_str());
     ASSERT_EQ(::rename(tree.at("b").c_str(), tree.at("a").c_str()), 0);

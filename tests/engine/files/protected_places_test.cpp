@@ -1,5 +1,5 @@
-// ProtectedPlaces: the table of refusals on this very machine, in other spellings and through mounts of the test's own; and that
-// SafeRemoval touches nothing of what is refused.
+// ProtectedPlaces: the table of refusals on this very machine, in other spellings and through
+// mounts of the test's own; and that SafeRemoval touches nothing of what is refused.
 #include "engine/files/ProtectedPlaces.h"
 
 #include <fcntl.h>
@@ -46,7 +46,8 @@ TEST(ProtectedPlaces, theMachinesOwn) {
     tree.write("program/share/other/x", "x");
     tree.hardLink("program/bin/orrinvale", "alias");
     const auto places = ProtectedPlaces::ofThisMachine(
-        files, {tree.at("program/bin/orrinvale"), tree.at("program/share/orrinvale"), tree.at("missing")});
+        files,
+        {tree.at("program/bin/orrinvale"), tree.at("program/share/orrinvale"), tree.at("missing")});
     const std::string own = "one of the program's own files";
     const std::pair<std::string, std::string> table[]{
         {"/", "the root of the file system"},
@@ -76,7 +77,8 @@ TEST(ProtectedPlaces, theMachinesOwn) {
     };
     for (const auto& [path, reason] : table) {
         EXPECT_EQ(reasonFor(places, path), reason) << path;
-        if (reason.empty() || path == tree.at("missing")) continue;  // what is not there counts as gone
+        if (reason.empty() || path == tree.at("missing"))
+            continue;  // what is not there counts as gone
         EXPECT_EQ(refusedBy(places, path), reason) << path;
     }
     EXPECT_TRUE(isThere(tree.at("program/share/orrinvale/pictures/p.svg")));
@@ -87,10 +89,12 @@ TEST(ProtectedPlaces, everyHomeAndEveryMountOfTheMachine) {
     const auto places = ProtectedPlaces::ofThisMachine(files, {});
     const auto mounts = files.mountPoints();
     ASSERT_TRUE(mounts && !mounts->empty());
-    for (const MountPoint& mount : *mounts) EXPECT_NE(reasonFor(places, mount.path), "") << mount.path;
+    for (const MountPoint& mount : *mounts)
+        EXPECT_NE(reasonFor(places, mount.path), "") << mount.path;
     WatchedFiles blind;
     blind.mountsFail = true;
-    EXPECT_EQ(reasonFor(ProtectedPlaces::ofThisMachine(blind, {}), "/tmp/x"), "what is mounted can not be told");
+    EXPECT_EQ(reasonFor(ProtectedPlaces::ofThisMachine(blind, {}), "/tmp/x"),
+              "what is mounted can not be told");
 }
 
 // A home that is reached through a link: both the link and what it leads to.
@@ -103,7 +107,8 @@ TEST(ProtectedPlaces, aHomeBehindALink) {
     ::setenv("HOME", tree.at("homes/user").c_str(), 1);
     const auto places = ProtectedPlaces::ofThisMachine(files, {});
     ::setenv("HOME", before.c_str(), 1);
-    for (const char* name : {"homes/user", "disk/user"}) EXPECT_EQ(refusedBy(places, tree.at(name)), "a home folder");
+    for (const char* name : {"homes/user", "disk/user"})
+        EXPECT_EQ(refusedBy(places, tree.at(name)), "a home folder");
     for (const char* name : {"homes", "disk"})
         EXPECT_EQ(refusedBy(places, tree.at(name)), "a folder above a home folder");
     EXPECT_TRUE(SafeRemoval(files, places).remove(tree.at("toHome"), std::nullopt).gone);
@@ -114,13 +119,15 @@ TEST(ProtectedPlaces, aHomeBehindALink) {
 // Not every home stands in the table of users.
 TEST(ProtectedPlaces, whatStandsBesideAHome) {
     TestTree tree;
-    for (const char* name : {"disk/user/x", "disk/other/x", "disk/list", "services/one/x", "services/two/x"})
+    for (const char* name :
+         {"disk/user/x", "disk/other/x", "disk/list", "services/one/x", "services/two/x"})
         tree.write(name, "x");
     tree.symlink("disk", "homes");
     ProtectedPlaces places;
     places.addHome(files, tree.at("homes/user"), 1000);
     places.addHome(files, tree.at("services/one"), 999);
-    for (const char* name : {"disk/user", "homes/user", "disk/other", "homes/other", "services/one"})
+    for (const char* name :
+         {"disk/user", "homes/user", "disk/other", "homes/other", "services/one"})
         EXPECT_EQ(reasonFor(places, tree.at(name)), "a home folder") << name;
     for (const char* name : {"disk/other/x", "disk/list", "services/two"})
         EXPECT_EQ(reasonFor(places, tree.at(name)), "") << name;
@@ -129,16 +136,20 @@ TEST(ProtectedPlaces, whatStandsBesideAHome) {
 // In a table of mounts of the child's own.
 TEST(ProtectedPlaces, mountsAndWhatIsReachedThroughThem) {
     TestTree tree;
-    for (const char* name : {"home/user/x", "mine/a/b/tmp mount/x", "bound/x", "source/x", "free/x", "bindOfSource/x"})
+    for (const char* name :
+         {"home/user/x", "mine/a/b/tmp mount/x", "bound/x", "source/x", "free/x", "bindOfSource/x"})
         tree.write(name, "x");
     tree.symlink(tree.at("mine"), "link");
     const std::string told = runInChild({}, [&]() -> std::string {
-        const auto mount = [&](const std::string& from, const char* at, const char* type, unsigned long flags) {
+        const auto mount = [&](const std::string& from, const char* at, const char* type,
+                               unsigned long flags) {
             return ::mount(from.c_str(), tree.at(at).c_str(), type, flags, nullptr) == 0;
         };
-        if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
+        if (::unshare(CLONE_NEWNS) != 0 ||
+            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
             return "skipped: no table of mounts of our own";
-        if (!mount("none", "mine/a/b/tmp mount", "tmpfs", 0) || !mount(tree.at("home"), "bound", nullptr, MS_BIND) ||
+        if (!mount("none", "mine/a/b/tmp mount", "tmpfs", 0) ||
+            !mount(tree.at("home"), "bound", nullptr, MS_BIND) ||
             !mount(tree.at("source"), "bindOfSource", nullptr, MS_BIND))
             return "skipped: no mounts";
         auto places = ProtectedPlaces::ofThisMachine(files, {});
@@ -156,12 +167,14 @@ TEST(ProtectedPlaces, mountsAndWhatIsReachedThroughThem) {
         for (const auto& [name, reason] : table)
             if (const auto got = refusedBy(places, tree.at(name)); got != reason)
                 wrong += std::string(name) + ": " + got + '\n';
-        if (!SafeRemoval(files, places).remove(tree.at("free"), std::nullopt).gone) wrong += "free stays\n";
+        if (!SafeRemoval(files, places).remove(tree.at("free"), std::nullopt).gone)
+            wrong += "free stays\n";
         return wrong;
     });
     if (told.starts_with("skipped")) GTEST_SKIP() << told;
     EXPECT_EQ(told, "");
-    for (const char* name : {"home/user/x", "mine/a/b/tmp mount/x", "source/x"}) EXPECT_TRUE(isThere(tree.at(name)));
+    for (const char* name : {"home/user/x", "mine/a/b/tmp mount/x", "source/x"})
+        EXPECT_TRUE(isThere(tree.at(name)));
 }
 
 // A file system whose server never answers: whoever asks it for anything waits for good.
@@ -171,8 +184,10 @@ TEST(ProtectedPlaces, aDeadDiskBehindALink) {
     tree.symlink("dead/all", "homes");
     const std::string told = runInChild({}, [&]() -> std::string {
         const Descriptor server(::open("/dev/fuse", O_RDWR | O_CLOEXEC));
-        const std::string how = fmt::format("fd={},rootmode=40000,user_id=0,group_id=0", server.get());
-        if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+        const std::string how =
+            fmt::format("fd={},rootmode=40000,user_id=0,group_id=0", server.get());
+        if (::unshare(CLONE_NEWNS) != 0 ||
+            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
             ::mount("none", tree.at("dead").c_str(), "fuse", 0, how.c_str()) != 0)
             return "skipped: no mount";
         auto places = ProtectedPlaces::ofThisMachine(files, {});
@@ -191,10 +206,10 @@ TEST(ProtectedPlaces, aDeadDiskBehindALink) {
 
 TEST(ProgramFiles, theExecutableItsSiblingsAndItsFoldersButNobodyElses) {
     TestTree tree;
-    for (const char* name :
-         {"p/bin/orrinvale", "p/bin/orrinvale-cli", "p/bin/ls", "p/share/orrinvale/x", "p/share/doc/x",
-          "p/libexec/orrinvale/helper", "p/share/icons/hicolor/48x48/apps/com.kelpford.Orrinvale.png",
-          "Downloads/orrinvale", "Downloads/thesis.pdf"})
+    for (const char* name : {"p/bin/orrinvale", "p/bin/orrinvale-cli", "p/bin/ls",
+                             "p/share/orrinvale/x", "p/share/doc/x", "p/libexec/orrinvale/helper",
+                             "p/share/icons/hicolor/48x48/apps/com.kelpford.Orrinvale.png",
+                             "Downloads/orrinvale", "Downloads/thesis.pdf"})
         tree.write(name, "x");
     const auto sorted = [&](const char* executable) {
         auto found = programFilesAround(tree.at(executable));
@@ -202,13 +217,15 @@ TEST(ProgramFiles, theExecutableItsSiblingsAndItsFoldersButNobodyElses) {
         found.erase(std::unique(found.begin(), found.end()), found.end());
         return found;
     };
-    EXPECT_EQ(
-        sorted("p/bin/orrinvale-cli"),
-        (std::vector<std::string>{
-            tree.at("p/bin/orrinvale"), tree.at("p/bin/orrinvale-cli"), tree.at("p/libexec/orrinvale"),
-            tree.at("p/share/icons/hicolor/48x48/apps/com.kelpford.Orrinvale.png"), tree.at("p/share/orrinvale")}));
+    EXPECT_EQ(sorted("p/bin/orrinvale-cli"),
+              (std::vector<std::string>{
+                  tree.at("p/bin/orrinvale"), tree.at("p/bin/orrinvale-cli"),
+                  tree.at("p/libexec/orrinvale"),
+                  tree.at("p/share/icons/hicolor/48x48/apps/com.kelpford.Orrinvale.png"),
+                  tree.at("p/share/orrinvale")}));
     EXPECT_THAT(sorted("p/libexec/orrinvale/helper"), Contains(tree.at("p/share/orrinvale")));
-    EXPECT_EQ(sorted("Downloads/orrinvale"), std::vector<std::string>{tree.at("Downloads/orrinvale")});
+    EXPECT_EQ(sorted("Downloads/orrinvale"),
+              std::vector<std::string>{tree.at("Downloads/orrinvale")});
     EXPECT_THAT(programFiles(), Contains(files.resolved("/proc/self/exe").value()));
 }
 

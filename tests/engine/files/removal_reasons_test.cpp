@@ -1,4 +1,5 @@
-// What a removal says of an entry that stayed, or that somebody else removed: the error that there was, and no other.
+// What a removal says of an entry that stayed, or that somebody else removed: the error that there
+// was, and no other.
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -34,11 +35,13 @@ const char* nameOf(StayReason kind) {
 
 std::string told(const RemovalResult& result) {
     std::string text = result.gone ? result.byOthers ? "gone by others" : "gone" : "there";
-    for (const auto& failure : result.failures) text += fmt::format(", {}: {}", nameOf(failure.kind), failure.reason);
+    for (const auto& failure : result.failures)
+        text += fmt::format(", {}: {}", nameOf(failure.kind), failure.reason);
     return text;
 }
 
-// The real files, with an error of the test's choice for the look at a name, counted from 1, or for the way back up.
+// The real files, with an error of the test's choice for the look at a name, counted from 1, or for
+// the way back up.
 class FaultyFiles final : private testing::RealFiles, public ForwardingFiles {
 public:
     FaultyFiles(std::string name, int atLook, int error)
@@ -66,7 +69,8 @@ RemovalResult removeAt(const FileSystem& system, const std::string& path,
 }
 
 EntryIdentity scanned(const FileSystem& files, const std::string& path) {
-    return EntryIdentity::of(files.attributes(FileSystem::noParent, path.c_str(), Links::Keep).value());
+    return EntryIdentity::of(
+        files.attributes(FileSystem::noParent, path.c_str(), Links::Keep).value());
 }
 
 TEST(RemovalReasons, AnErrorOfALookIsToldAsThatError) {
@@ -83,7 +87,8 @@ TEST(RemovalReasons, AnErrorOfALookIsToldAsThatError) {
         {"last look at a file", "x", 2, EIO, "f/x", "there, system: Input/output error", true},
         {"last look at a folder", "f", 2, EIO, "f", "there, system: Input/output error", true},
         {"way back up", "..", 1, EACCES, "deep", "there, rights: Permission denied", false},
-        {"way back up, other", "..", 1, EMFILE, "deep", "there, system: Too many open files", false},
+        {"way back up, other", "..", 1, EMFILE, "deep", "there, system: Too many open files",
+         false},
     };
     for (const auto& [what, name, atLook, error, path, expected, goes] : cases) {
         TestTree tree;
@@ -99,7 +104,8 @@ TEST(RemovalReasons, RightsAreToldFromWhatNobodyMay) {
     TestTree tree;
     for (const char* name : {"shut/x", "kept/x", "unread/x"}) tree.write(name, "x");
     for (const char* name : {".", "shut", "shut/x", "kept", "kept/x", "unread"})
-        if (::chown(tree.at(name).c_str(), 65534, 65534) != 0) GTEST_SKIP() << "files of another user need root";
+        if (::chown(tree.at(name).c_str(), 65534, 65534) != 0)
+            GTEST_SKIP() << "files of another user need root";
     tree.setMode("shut", 0);
     tree.setMode("kept", 0555);
     tree.setMode("unread", 0);
@@ -111,8 +117,10 @@ TEST(RemovalReasons, RightsAreToldFromWhatNobodyMay) {
         return text + told(removeAt(files, "/"));
     });
     EXPECT_EQ(shown,
-              "there, rights: Permission denied\nthere, rights: Permission denied\nthere, rights: Permission denied\n"
-              "there, protected: not a plain absolute path\nthere, protected: the root of the file system");
+              "there, rights: Permission denied\nthere, rights: Permission denied\nthere, rights: "
+              "Permission denied\n"
+              "there, protected: not a plain absolute path\nthere, protected: the root of the file "
+              "system");
 }
 
 TEST(RemovalReasons, ALongPathIsLookedAtLikeAnyOther) {
@@ -125,14 +133,17 @@ TEST(RemovalReasons, ALongPathIsLookedAtLikeAnyOther) {
     const EntryIdentity seen = scanned(files, tree.at("t"));
     EntryIdentity other = seen;
     ++other.inode;
-    EXPECT_EQ(told(removeAt(files, folder + "/leaf", other)), "there, changed: changed since the scan");
-    EXPECT_EQ(told(removeAt(files, folder + '/' + std::string(300, 'n'))), "there, system: File name too long");
+    EXPECT_EQ(told(removeAt(files, folder + "/leaf", other)),
+              "there, changed: changed since the scan");
+    EXPECT_EQ(told(removeAt(files, folder + '/' + std::string(300, 'n'))),
+              "there, system: File name too long");
     EXPECT_EQ(told(removeAt(files, folder + "/none")), "gone by others");
     ASSERT_TRUE(removeAt(files, folder.substr(0, folder.size() - 20)).gone);
     EXPECT_EQ(told(removeAt(files, folder + "/leaf", seen)), "gone by others") << "its folder went";
     EntryIdentity elsewhere = seen;
     ++elsewhere.device;
-    EXPECT_EQ(told(removeAt(files, folder + "/leaf", elsewhere)), "there, system: No such file or directory");
+    EXPECT_EQ(told(removeAt(files, folder + "/leaf", elsewhere)),
+              "there, system: No such file or directory");
 }
 
 // Somebody else is faster: right before the removal of the named entry.
@@ -143,13 +154,16 @@ TEST(RemovalReasons, WhatSomebodyElseRemovedIsNoFailureAndNotCountedAsOurs) {
         std::uint64_t removed;
         int atRemoval;
         const char* theirs;
-    } cases[] = {{"x", "gone by others", 0, 1, "x"}, {"f", "gone", 2, 1, "f/1"}, {"f", "gone by others", 2, 3, "f"}};
+    } cases[] = {{"x", "gone by others", 0, 1, "x"},
+                 {"f", "gone", 2, 1, "f/1"},
+                 {"f", "gone by others", 2, 3, "f"}};
     for (const auto& [path, expected, removed, atRemoval, theirs] : cases) {
         TestTree tree;
         for (const char* name : {"x", "f/1", "f/2"}) tree.write(name, "x");
         WatchedFiles files;
         files.beforeRemoval = [&, count = 0](const char* operation) mutable {
-            if (std::strcmp(operation, "removeEntry") == 0 && ++count == atRemoval) ::remove(tree.at(theirs).c_str());
+            if (std::strcmp(operation, "removeEntry") == 0 && ++count == atRemoval)
+                ::remove(tree.at(theirs).c_str());
         };
         const auto result = removeAt(files, tree.at(path));
         EXPECT_EQ(told(result), expected) << path << " at " << atRemoval;

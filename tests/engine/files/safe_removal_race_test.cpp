@@ -1,5 +1,6 @@
-// The race that a removal by paths loses: a folder of the tree is exchanged for a link to somebody else's folder while the removal
-// runs. First at every single step, then by a thread, 20,000 rounds, beside a removal by paths that shows that the race is real.
+// The race that a removal by paths loses: a folder of the tree is exchanged for a link to somebody
+// else's folder while the removal runs. First at every single step, then by a thread, 20,000
+// rounds, beside a removal by paths that shows that the race is real.
 #include <dirent.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -23,7 +24,8 @@ using testing::WatchedFiles;
 
 const LinuxFileSystem files;
 const ProtectedPlaces nothingProtected;
-using Removal = std::function<void(const std::string& path, const std::optional<EntryIdentity>& expected)>;
+using Removal =
+    std::function<void(const std::string& path, const std::optional<EntryIdentity>& expected)>;
 
 // What many programs do: each step by a path, which is resolved anew.
 void removeByPaths(const std::string& path, const std::optional<EntryIdentity>& expected) {
@@ -45,7 +47,8 @@ void removeSafely(const std::string& path, const std::optional<EntryIdentity>& e
     (void)SafeRemoval(files, nothingProtected).remove(path, expected);
 }
 
-// Now and then lets other threads go first in the middle, so that the two meet on a busy machine as well.
+// Now and then lets other threads go first in the middle, so that the two meet on a busy machine as
+// well.
 void removeSafelyWithPauses(const std::string& path, const std::optional<EntryIdentity>& expected) {
     static int s_round = 0;
     if (++s_round % 16 != 0) return removeSafely(path, expected);
@@ -57,10 +60,13 @@ void removeSafelyWithPauses(const std::string& path, const std::optional<EntryId
     (void)SafeRemoval(watched, nothingProtected).remove(path, expected);
 }
 
-// "tree/swapped" is what gets exchanged for "out", a link to "victim"; both lead to folders of the same shape.
+// "tree/swapped" is what gets exchanged for "out", a link to "victim"; both lead to folders of the
+// same shape.
 class Arena {
 public:
-    Arena() : m_tree("/dev/shm"), m_base(::open(m_tree.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {}
+    Arena()
+        : m_tree("/dev/shm"),
+          m_base(::open(m_tree.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {}
 
     // The tree comes to its place whole, since the swapping thread does not wait for it.
     void prepare() {
@@ -68,18 +74,22 @@ public:
             for (const char* inner : {"", "/inner"}) make(std::string(folder) + inner);
             for (const char* file : s_names) put(std::string(folder) + file);
         }
-        // Relative, as it is to be read in the tree: on its way an absolute one would leave the mount, which is refused by itself.
+        // Relative, as it is to be read in the tree: on its way an absolute one would leave the
+        // mount, which is refused by itself.
         while (::symlinkat("../victim", m_base.get(), "out") != 0) removeSafely(at("out"), {});
     }
     void setUp() { ::renameat(m_base.get(), "staging", m_base.get(), "tree"); }
 
     // True when it was exchanged; not when one of the two is gone.
-    bool swap() { return ::renameat2(m_base.get(), "tree/swapped", m_base.get(), "out", RENAME_EXCHANGE) == 0; }
+    bool swap() {
+        return ::renameat2(m_base.get(), "tree/swapped", m_base.get(), "out", RENAME_EXCHANGE) == 0;
+    }
 
     int lost() {
         int count = 0;
         for (const char* file : s_names)
-            if (::faccessat(m_base.get(), (std::string("victim") + file).c_str(), F_OK, AT_SYMLINK_NOFOLLOW) != 0)
+            if (::faccessat(m_base.get(), (std::string("victim") + file).c_str(), F_OK,
+                            AT_SYMLINK_NOFOLLOW) != 0)
                 ++count;
         return count;
     }
@@ -101,23 +111,27 @@ private:
         ::mkdirat(m_base.get(), name.c_str(), 0755);
     }
     void put(const std::string& name) {
-        const Descriptor file(::openat(m_base.get(), name.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
+        const Descriptor file(
+            ::openat(m_base.get(), name.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
     }
     TestTree m_tree;
     Descriptor m_base;
 };
 
 struct Case {
-    const char* chosen;  // the tree holds what is swapped, or what is swapped holds the chosen folder
+    const char*
+        chosen;  // the tree holds what is swapped, or what is swapped holds the chosen folder
     bool withIdentity;
 };
-constexpr std::array<Case, 3> cases{{{"tree", false}, {"tree/swapped", true}, {"tree/swapped/inner", true}}};
+constexpr std::array<Case, 3> cases{
+    {{"tree", false}, {"tree/swapped", true}, {"tree/swapped/inner", true}}};
 
 std::optional<EntryIdentity> identityFor(const Arena& arena, const Case& chosen) {
     if (!chosen.withIdentity) return std::nullopt;
     return EntryIdentity::of(
         files
-            .attributes(FileSystem::noParent, arena.at("staging" + std::string(chosen.chosen + 4)).c_str(), Links::Keep)
+            .attributes(FileSystem::noParent,
+                        arena.at("staging" + std::string(chosen.chosen + 4)).c_str(), Links::Keep)
             .value());
 }
 
@@ -136,7 +150,8 @@ TEST(SafeRemovalRace, aLinkPutInPlaceAtAnyStepLeadsNowhere) {
             watched.beforeRemoval = [&](const char*) {
                 if (++step == at) swapped = arena.swap() || step < 100;
             };
-            const auto result = SafeRemoval(watched, nothingProtected).remove(arena.at(chosen.chosen), expected);
+            const auto result =
+                SafeRemoval(watched, nothingProtected).remove(arena.at(chosen.chosen), expected);
             EXPECT_EQ(arena.lost(), 0) << chosen.chosen << " at step " << at;
             EXPECT_LE(result.failed, 1U);
         }

@@ -1,4 +1,5 @@
-// SafeRemoval on real files: what goes, what stays and why, links and mounts, depth and width, faults and the stop.
+// SafeRemoval on real files: what goes, what stays and why, links and mounts, depth and width,
+// faults and the stop.
 #include "engine/files/SafeRemoval.h"
 
 #include <fcntl.h>
@@ -32,46 +33,52 @@ using testing::WatchedFiles;
 const LinuxFileSystem files;
 const ProtectedPlaces nothingProtected;
 
-RemovalResult removeAt(const std::string& path, const std::optional<EntryIdentity>& expected = std::nullopt,
+RemovalResult removeAt(const std::string& path,
+                       const std::optional<EntryIdentity>& expected = std::nullopt,
                        const FileSystem& system = files) {
     return SafeRemoval(system, nothingProtected).remove(path, expected);
 }
 
 EntryIdentity scanned(const std::string& path) {
-    return EntryIdentity::of(files.attributes(FileSystem::noParent, path.c_str(), Links::Keep).value());
+    return EntryIdentity::of(
+        files.attributes(FileSystem::noParent, path.c_str(), Links::Keep).value());
 }
 
 // "path below the tree: reason" of each failure.
 std::string failuresOf(const TestTree& tree, const RemovalResult& result) {
     std::string text;
     for (const auto& failure : result.failures)
-        text +=
-            failure.path.substr(std::min(failure.path.size(), tree.path().size() + 1)) + ": " + failure.reason + '\n';
+        text += failure.path.substr(std::min(failure.path.size(), tree.path().size() + 1)) + ": " +
+                failure.reason + '\n';
     return text;
 }
 
 // A file tree of every kind of entry, with a victim that two links of it lead to.
 void fill(TestTree& tree) {
     ASSERT_TRUE(tree.write("victim/precious", "x"));
-    for (const std::string& name : {std::string("t/a/1"), "t/a/b/c/" + std::string(255, 'n'),
-                                    std::string("t/line\nbreak"), std::string("t/\xff\xfe/\x80"), std::string("t/-rf")})
+    for (const std::string& name :
+         {std::string("t/a/1"), "t/a/b/c/" + std::string(255, 'n'), std::string("t/line\nbreak"),
+          std::string("t/\xff\xfe/\x80"), std::string("t/-rf")})
         ASSERT_TRUE(tree.write(name, "x"));
     ASSERT_TRUE(tree.folder("t/empty") && tree.fifo("t/fifo") && tree.socket("t/socket"));
-    ASSERT_TRUE(tree.symlink(tree.at("victim"), "t/link") && tree.symlink("../../victim/precious", "t/a/link"));
-    ASSERT_TRUE(tree.symlink("nowhere", "t/a/b/dangling") && tree.hardLink("victim/precious", "t/hard"));
+    ASSERT_TRUE(tree.symlink(tree.at("victim"), "t/link") &&
+                tree.symlink("../../victim/precious", "t/a/link"));
+    ASSERT_TRUE(tree.symlink("nowhere", "t/a/b/dangling") &&
+                tree.hardLink("victim/precious", "t/hard"));
 }
 constexpr std::uint64_t entriesOfFill = 17;
 
 // Runs with openat2 answering ENOSYS, as a kernel before 5.6 does.
 bool forgetOpenat2() {
-    return testing::failSystemCall(SYS_openat2, ENOSYS) && ::syscall(SYS_openat2, -1, "", 0, 0) == -1 &&
-           errno == ENOSYS;
+    return testing::failSystemCall(SYS_openat2, ENOSYS) &&
+           ::syscall(SYS_openat2, -1, "", 0, 0) == -1 && errno == ENOSYS;
 }
 
 std::string removeEveryKind(TestTree& tree) {
     fill(tree);
     const auto result = removeAt(tree.at("t"));
-    if (!result.gone || isThere(tree.at("t"))) return "it is there still\n" + failuresOf(tree, result);
+    if (!result.gone || isThere(tree.at("t")))
+        return "it is there still\n" + failuresOf(tree, result);
     if (result.removed != entriesOfFill) return "removed " + std::to_string(result.removed);
     return isThere(tree.at("victim/precious")) ? "" : "a link was followed";
 }
@@ -80,7 +87,8 @@ TEST(SafeRemoval, everyKindOfEntryGoesAndNoLinkIsFollowed) {
     TestTree tree;
     EXPECT_EQ(removeEveryKind(tree), "");
     TestTree other;
-    EXPECT_EQ(runInChild({}, [&] { return forgetOpenat2() ? removeEveryKind(other) : "no filter"; }), "");
+    EXPECT_EQ(
+        runInChild({}, [&] { return forgetOpenat2() ? removeEveryKind(other) : "no filter"; }), "");
 }
 
 // What a kernel refuses by itself, our own walk through the path has to refuse as well.
@@ -93,10 +101,11 @@ std::string heldFolders(const TestTree& tree) {
         if (held && *place != tree.at("real/inner")) told += "at " + *place + ' ';
     };
     for (const Links links : {Links::Follow, Links::Keep})
-        for (const char* name :
-             {"real/inner", "real//inner/", "link/inner", "relative/inner", "real/file", "missing", "loop"})
+        for (const char* name : {"real/inner", "real//inner/", "link/inner", "relative/inner",
+                                 "real/file", "missing", "loop"})
             tell(tree.at(name), links);
-    for (const std::string magic : {"/proc/self/cwd", "/proc/self/root/tmp"}) tell(magic, Links::Follow);
+    for (const std::string magic : {"/proc/self/cwd", "/proc/self/root/tmp"})
+        tell(magic, Links::Follow);
     return told;
 }
 
@@ -109,7 +118,8 @@ TEST(SafeRemoval, parentsAreHeldAlikeWithAndWithoutTheNewSystemCall) {
     tree.symlink("loop", "loop");
     const std::string known = "held held held held 20 2 40 held held 40 40 20 2 40 40 40 ";
     EXPECT_EQ(heldFolders(tree), known);
-    EXPECT_EQ(runInChild({}, [&] { return forgetOpenat2() ? heldFolders(tree) : "no filter"; }), known);
+    EXPECT_EQ(runInChild({}, [&] { return forgetOpenat2() ? heldFolders(tree) : "no filter"; }),
+              known);
 }
 
 TEST(SafeRemoval, whatChangedSinceTheScanStays) {
@@ -160,8 +170,8 @@ TEST(SafeRemoval, whatChangedSinceTheScanStays) {
         EXPECT_EQ(isThere(tree.at("x")), !goes) << what;
         EXPECT_EQ(failuresOf(tree, result), goes ? "" : "x: changed since the scan\n") << what;
         ASSERT_EQ(log.lines.size(), 1U) << what;
-        EXPECT_THAT(log.lines[0],
-                    AllOf(HasSubstr(tree.at("x")), HasSubstr(goes ? "Removed" : "changed since the scan")));
+        EXPECT_THAT(log.lines[0], AllOf(HasSubstr(tree.at("x")),
+                                        HasSubstr(goes ? "Removed" : "changed since the scan")));
     }
     TestTree tree;  // a folder's times change with what goes from it
     tree.write("f/1", "x");
@@ -179,7 +189,8 @@ TEST(SafeRemoval, goneIsOnlyWhatIsSurelyGone) {
     EXPECT_TRUE(removeAt(tree.at("f"), std::nullopt).gone);
     auto elsewhere = expected;  // on a disk that is not mounted now
     ++elsewhere.device;
-    EXPECT_EQ(failuresOf(tree, removeAt(tree.at("f/x"), elsewhere)), "f/x: No such file or directory\n");
+    EXPECT_EQ(failuresOf(tree, removeAt(tree.at("f/x"), elsewhere)),
+              "f/x: No such file or directory\n");
     tree.symlink("nowhere", "f");
     EXPECT_FALSE(removeAt(tree.at("f/x"), expected).gone);
     EXPECT_EQ(failuresOf(tree, removeAt(tree.at("f/../f"))), "f/../f: not a plain absolute path\n");
@@ -189,23 +200,26 @@ TEST(SafeRemoval, goneIsOnlyWhatIsSurelyGone) {
 
 TEST(SafeRemoval, whatMayNotGoStaysWithItsReasonAndItsSiblingsGo) {
     TestTree tree;
-    for (const char* name :
-         {"t/locked/a", "t/locked/deep/b", "t/unread/c", "t/free/d", "t/unsearched/e", "t/emptyUnread/x"})
+    for (const char* name : {"t/locked/a", "t/locked/deep/b", "t/unread/c", "t/free/d",
+                             "t/unsearched/e", "t/emptyUnread/x"})
         tree.write(name, "x");
     ::unlink(tree.at("t/emptyUnread/x").c_str());
-    for (const char* name :
-         {"t", "t/locked", "t/locked/deep", "t/unread", "t/free", "t/unsearched", "t/emptyUnread", "."})
-        if (::chown(tree.at(name).c_str(), 65534, 65534) != 0) GTEST_SKIP() << "files of another user need root";
+    for (const char* name : {"t", "t/locked", "t/locked/deep", "t/unread", "t/free", "t/unsearched",
+                             "t/emptyUnread", "."})
+        if (::chown(tree.at(name).c_str(), 65534, 65534) != 0)
+            GTEST_SKIP() << "files of another user need root";
     tree.setMode("t/locked", 0555);
     tree.setMode("t/unread", 0);
     tree.setMode("t/unsearched", 0600);
     tree.setMode("t/emptyUnread", 0);
     const std::string told = runInChild({.ordinaryUser = true}, [&] {
         const auto result = removeAt(tree.at("t"));
-        return failuresOf(tree, result) + std::to_string(result.removed) + (result.gone ? " gone" : " there");
+        return failuresOf(tree, result) + std::to_string(result.removed) +
+               (result.gone ? " gone" : " there");
     });
-    for (const char* line : {"t/locked/a: Permission denied\n", "t/locked/deep: Permission denied\n",
-                             "t/unread: Permission denied\n", "t/unsearched/e: Permission denied\n"})
+    for (const char* line :
+         {"t/locked/a: Permission denied\n", "t/locked/deep: Permission denied\n",
+          "t/unread: Permission denied\n", "t/unsearched/e: Permission denied\n"})
         EXPECT_THAT(told, HasSubstr(line));
     EXPECT_THAT(told, HasSubstr("4 there"));  // d, free, deep/b, emptyUnread
     EXPECT_FALSE(isThere(tree.at("t/free")));
@@ -232,16 +246,20 @@ TEST(SafeRemoval, anImmutableFileStays) {
 // In a table of mounts of the child's own; the machine's stays as it is.
 TEST(SafeRemoval, mountsInTheTreeAreNeitherEnteredNorRemoved) {
     TestTree tree;
-    for (const char* name : {"victim/x", "t/a/1", "t/bound/2", "t/late/3", "t/file", "t/z/4"}) tree.write(name, "x");
+    for (const char* name : {"victim/x", "t/a/1", "t/bound/2", "t/late/3", "t/file", "t/z/4"})
+        tree.write(name, "x");
     tree.folder("t/tmp");
     const std::string told = runInChild({}, [&]() -> std::string {
-        const auto mount = [&](const char* from, const std::string& at, const char* type, unsigned long flags) {
+        const auto mount = [&](const char* from, const std::string& at, const char* type,
+                               unsigned long flags) {
             return ::mount(from, tree.at(at).c_str(), type, flags, nullptr) == 0;
         };
         const std::string victim = tree.at("victim");
-        if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
+        if (::unshare(CLONE_NEWNS) != 0 ||
+            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
             return "skipped: no table of mounts of our own";
-        if (!mount("none", "t/tmp", "tmpfs", 0) || !mount(victim.c_str(), "t/bound", nullptr, MS_BIND) ||
+        if (!mount("none", "t/tmp", "tmpfs", 0) ||
+            !mount(victim.c_str(), "t/bound", nullptr, MS_BIND) ||
             !mount((victim + "/x").c_str(), "t/file", nullptr, MS_BIND))
             return "skipped: no mounts";
         tree.write("t/tmp/kept", "x");
@@ -255,13 +273,14 @@ TEST(SafeRemoval, mountsInTheTreeAreNeitherEnteredNorRemoved) {
         if (!mounted || !isThere(tree.at("t/tmp/kept"))) return "a mounted file is gone";
         for (const char* name : {"t/bound", "t/tmp", "t/late", "t/file"}) {
             const auto direct = removeAt(tree.at(name));
-            if (direct.gone || direct.failures.at(0).reason != "a mount point") return std::string("removed ") + name;
+            if (direct.gone || direct.failures.at(0).reason != "a mount point")
+                return std::string("removed ") + name;
         }
         return failuresOf(tree, result);
     });
     if (told.starts_with("skipped")) GTEST_SKIP() << told;
-    for (const char* line :
-         {"t/bound: a mount point\n", "t/tmp: a mount point\n", "t/late: a mount point\n", "t/file: "})
+    for (const char* line : {"t/bound: a mount point\n", "t/tmp: a mount point\n",
+                             "t/late: a mount point\n", "t/file: "})
         EXPECT_THAT(told, HasSubstr(line));
     EXPECT_TRUE(isThere(tree.at("victim/x")));
     EXPECT_TRUE(isThere(tree.at("t/bound/2")) && isThere(tree.at("t/late/3")));
@@ -317,19 +336,22 @@ TEST(SafeRemoval, twoHundredThousandEntriesInOneFolderGo) {
 
 TEST(SafeRemoval, theStopEndsItBetweenTwoEntries) {
     TestTree tree;
-    for (int i = 0; i < 50; ++i) tree.write("t/" + std::to_string(i % 5) + '/' + std::to_string(i), "x");
+    for (int i = 0; i < 50; ++i)
+        tree.write("t/" + std::to_string(i % 5) + '/' + std::to_string(i), "x");
     std::atomic<bool> stop{false};
     WatchedFiles watched;
     int removals = 0;
     watched.beforeRemoval = [&](const char* operation) {
         if (std::strcmp(operation, "removeEntry") == 0 && ++removals == 20) stop = true;
     };
-    const auto result = SafeRemoval(watched, nothingProtected).remove(tree.at("t"), std::nullopt, &stop);
+    const auto result =
+        SafeRemoval(watched, nothingProtected).remove(tree.at("t"), std::nullopt, &stop);
     EXPECT_TRUE(result.stopped && !result.gone);
     EXPECT_EQ(removals, 20);
     EXPECT_EQ(result.removed, 20U);
     EXPECT_EQ(result.failed, 0U);
-    const auto again = SafeRemoval(watched, nothingProtected).remove(tree.at("t"), std::nullopt, &stop);
+    const auto again =
+        SafeRemoval(watched, nothingProtected).remove(tree.at("t"), std::nullopt, &stop);
     EXPECT_TRUE(again.stopped && again.removed == 0 && isThere(tree.at("t")));
 }
 

@@ -1,5 +1,5 @@
-// Saves one setting and tells how it went, for a test that makes each system call of the save fail. The calls between the two
-// getppid() are the save.
+// Saves one setting and tells how it went, for a test that makes each system call of the save fail.
+// The calls between the two getppid() are the save.
 #include <unistd.h>
 
 #include <cstdio>

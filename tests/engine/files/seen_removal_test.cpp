@@ -1,5 +1,6 @@
-// SafeRemoval with what a scan saw in a folder: this goes, and whatever came or changed since stays. Seen are the real attributes of real
-// files; what comes later does so before the removal, in the middle of it, and from a thread that does nothing else.
+// SafeRemoval with what a scan saw in a folder: this goes, and whatever came or changed since
+// stays. Seen are the real attributes of real files; what comes later does so before the removal,
+// in the middle of it, and from a thread that does nothing else.
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -49,7 +50,8 @@ SeenEntries seenIn(const std::string& path, bool inodesPass = false) {
     return seen;
 }
 
-RemovalResult removeSeen(const std::string& path, const SeenEntries& seen, const FileSystem& system = files) {
+RemovalResult removeSeen(const std::string& path, const SeenEntries& seen,
+                         const FileSystem& system = files) {
     return SafeRemoval(system, nothingProtected).remove(path, std::nullopt, nullptr, &seen);
 }
 
@@ -81,12 +83,15 @@ TEST(SeenRemoval, OnlyWhatTheScanSawGoes) {
     } cases[] = {
         {"nothing", [](TestTree&) {}, ""},
         {"a new file", [](TestTree& tree) { tree.write("t/new", "x"); }, "t/new: later"},
-        {"new ones further down", [](TestTree& tree) { tree.write("t/a/b/new", "x"), tree.fifo("t/a/pipe"); },
+        {"new ones further down",
+         [](TestTree& tree) { tree.write("t/a/b/new", "x"), tree.fifo("t/a/pipe"); },
          "t/a/b/new: later, t/a/pipe: later"},
-        {"a new folder", [](TestTree& tree) { tree.write("t/a/n/1", "x"), tree.write("t/a/n/2", "x"); },
+        {"a new folder",
+         [](TestTree& tree) { tree.write("t/a/n/1", "x"), tree.write("t/a/n/2", "x"); },
          "t/a/n: later"},
         {"written since", [](TestTree& tree) { rewrite(tree, "t/a/1", false); }, "t/a/1: changed"},
-        {"written, and its time put back", [](TestTree& tree) { rewrite(tree, "t/a/1", true); }, "t/a/1: changed"},
+        {"written, and its time put back", [](TestTree& tree) { rewrite(tree, "t/a/1", true); },
+         "t/a/1: changed"},
         {"saved by rename",
          [](TestTree& tree) {
              tree.write("save", "x");
@@ -117,7 +122,8 @@ TEST(SeenRemoval, OnlyWhatTheScanSawGoes) {
              tree.symlink("elsewhere", "t/link");
          },
          "t/link: later"},
-        {"moved within", [](TestTree& tree) { ::rename(tree.at("t/a/1").c_str(), tree.at("t/a/b/1").c_str()); },
+        {"moved within",
+         [](TestTree& tree) { ::rename(tree.at("t/a/1").c_str(), tree.at("t/a/b/1").c_str()); },
          "t/a/b/1: later"},
     };
     for (const auto& [what, change, stays] : cases) {
@@ -128,10 +134,13 @@ TEST(SeenRemoval, OnlyWhatTheScanSawGoes) {
         ASSERT_EQ(seen.count(), 7U);
         change(tree);
         const auto result = removeSeen(tree.at("t"), seen);
-        // A number that is free again may go to the next entry at once, which then counts as the same one changed.
+        // A number that is free again may go to the next entry at once, which then counts as the
+        // same one changed.
         std::string told = failuresOf(tree, result);
-        if (std::strcmp(what, "another link") == 0 || std::strcmp(what, "a folder in place of a file") == 0)
-            if (const std::size_t at = told.find("changed"); at != std::string::npos) told.replace(at, 7, "later");
+        if (std::strcmp(what, "another link") == 0 ||
+            std::strcmp(what, "a folder in place of a file") == 0)
+            if (const std::size_t at = told.find("changed"); at != std::string::npos)
+                told.replace(at, 7, "later");
         EXPECT_EQ(told, stays) << what;
         EXPECT_EQ(result.gone, *stays == 0) << what;
         EXPECT_FALSE(isThere(tree.at("t/c"))) << what;
@@ -140,7 +149,8 @@ TEST(SeenRemoval, OnlyWhatTheScanSawGoes) {
     }
 }
 
-// One comes after each removal: a folder that is not empty yet is gone through once more, and not for these.
+// One comes after each removal: a folder that is not empty yet is gone through once more, and not
+// for these.
 TEST(SeenRemoval, WhatComesWhileItRunsStays) {
     TestTree tree;
     for (int i = 0; i < 20; ++i) tree.write(fmt::format("t/{}/{}", i % 3, i), "x");
@@ -148,7 +158,8 @@ TEST(SeenRemoval, WhatComesWhileItRunsStays) {
     WatchedFiles watched;
     int came = 0;
     watched.beforeRemoval = [&](const char* operation) {
-        if (std::strcmp(operation, "removeEntry") == 0 && isThere(tree.at(fmt::format("t/{}", came % 3))))
+        if (std::strcmp(operation, "removeEntry") == 0 &&
+            isThere(tree.at(fmt::format("t/{}", came % 3))))
             tree.write(fmt::format("t/{}/late{}", came % 3, came), "precious"), ++came;
     };
     const auto result = removeSeen(tree.at("t"), seen, watched);
@@ -159,7 +170,8 @@ TEST(SeenRemoval, WhatComesWhileItRunsStays) {
         if (entry.is_regular_file()) ++left;
     EXPECT_EQ(left, came);
     EXPECT_EQ(result.bytes, 20U);
-    for (const auto& failure : result.failures) EXPECT_EQ(failure.kind, StayReason::CameLater) << failure.path;
+    for (const auto& failure : result.failures)
+        EXPECT_EQ(failure.kind, StayReason::CameLater) << failure.path;
 }
 
 TEST(SeenRemoval, AnEmptyFolderThatCameIntoThePlaceOfOneThatWasEmptiedStays) {
@@ -176,7 +188,8 @@ TEST(SeenRemoval, AnEmptyFolderThatCameIntoThePlaceOfOneThatWasEmptiedStays) {
     EXPECT_TRUE(isThere(tree.at("t/a")) && isThere(tree.at("moved")));
 }
 
-// Each removal of a name changes the file's other names, by our own doing. A change by others counts, whatever time it shows.
+// Each removal of a name changes the file's other names, by our own doing. A change by others
+// counts, whatever time it shows.
 TEST(SeenRemoval, AllNamesOfAFileGoUnlessSomebodyElseChangedIt) {
     for (const bool changed : {false, true}) {
         TestTree tree;
@@ -185,18 +198,22 @@ TEST(SeenRemoval, AllNamesOfAFileGoUnlessSomebodyElseChangedIt) {
         tree.write("t/other", "x");
         const SeenEntries seen = seenIn(tree.at("t"));
         WatchedFiles watched;
-        watched.beforeRemoval = [&](const char* operation) {  // between the names in the folder and those below
-            if (!changed || std::strcmp(operation, "openInside") != 0 || isThere(tree.at("t/a"))) return;
-            std::this_thread::sleep_for(timesDiffer);
-            rewrite(tree, "t/in/c", true);
-        };
+        watched.beforeRemoval =
+            [&](const char* operation) {  // between the names in the folder and those below
+                if (!changed || std::strcmp(operation, "openInside") != 0 ||
+                    isThere(tree.at("t/a")))
+                    return;
+                std::this_thread::sleep_for(timesDiffer);
+                rewrite(tree, "t/in/c", true);
+            };
         const auto result = removeSeen(tree.at("t"), seen, watched);
         EXPECT_EQ(failuresOf(tree, result), changed ? "t/in/c: changed, t/in/d: changed" : "");
         EXPECT_EQ(result.bytes, 5U) << "a file counts once";
     }
 }
 
-// The chosen ones themselves, one after another by one removal; the first has a name elsewhere that is written to in between.
+// The chosen ones themselves, one after another by one removal; the first has a name elsewhere that
+// is written to in between.
 TEST(SeenRemoval, OnlyOurOwnRemovalExcusesATimeOfChange) {
     for (const bool changed : {false, true}) {
         TestTree tree;
@@ -225,8 +242,10 @@ TEST(SeenRemoval, WhereInodeNumbersDoNotLastTheyDoNotCount) {
     for (const bool inodesPass : {false, true}) {
         SeenEntries seen(inodesPass);
         const SeenState file{.type = FileType::Regular, .size = 5, .stamp = 6};
-        for (std::uint64_t i = 0; i < 1000; ++i) seen.add(seen.keyOf(7, std::to_string(i), i), file);
-        const auto verdict = [&](SeenEntries::Key folder, const char* name, std::uint64_t inode, SeenState entry) {
+        for (std::uint64_t i = 0; i < 1000; ++i)
+            seen.add(seen.keyOf(7, std::to_string(i), i), file);
+        const auto verdict = [&](SeenEntries::Key folder, const char* name, std::uint64_t inode,
+                                 SeenState entry) {
             return seen.verdictOn(seen.keyOf(folder, name, inode), entry);
         };
         using enum SeenEntries::Verdict;
@@ -236,12 +255,14 @@ TEST(SeenRemoval, WhereInodeNumbersDoNotLastTheyDoNotCount) {
         EXPECT_EQ(verdict(7, "1000", 999, file), Unseen);
         EXPECT_EQ(verdict(7, "3", 3, {.type = FileType::Regular, .size = 4, .stamp = 6}), Changed);
         EXPECT_EQ(verdict(7, "3", 3, {.type = FileType::Regular, .size = 5, .stamp = 7}), Changed);
-        EXPECT_EQ(verdict(7, "3", 3, {.type = FileType::SymbolicLink, .size = 5, .stamp = 6}), Changed);
+        EXPECT_EQ(verdict(7, "3", 3, {.type = FileType::SymbolicLink, .size = 5, .stamp = 6}),
+                  Changed);
         EXPECT_EQ(SeenEntries().verdictOn(7, file), Unseen);
     }
 }
 
-// A program that saves by rename and makes new files in the folder that is being removed, as fast as it can.
+// A program that saves by rename and makes new files in the folder that is being removed, as fast
+// as it can.
 TEST(SeenRemoval, AThreadThatWritesIntoTheFolderLosesNothingThatItMade) {
     constexpr int rounds = 300;
     int kept = 0;
@@ -254,7 +275,8 @@ TEST(SeenRemoval, AThreadThatWritesIntoTheFolderLosesNothingThatItMade) {
         std::jthread writer([&](const std::stop_token& ended) {
             for (int i = 0; !ended.stop_requested() && i < 200; ++i) {
                 const std::string path = tree.at(fmt::format("t/{}/new{}", i % 3, i));
-                const Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
+                const Descriptor file(
+                    ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
                 if (file.isOpen()) made.push_back(path);
                 begun = true;
             }
@@ -276,7 +298,8 @@ TEST(SeenRemoval, DepthTakesNoDescriptors) {
     ASSERT_TRUE(tree.makeDeep("t", levels, "x", true));
     SeenEntries seen;
     // One descriptor at a time: what is two names deep on each level.
-    Descriptor folder = files.openFolder(FileSystem::noParent, tree.at("t").c_str(), Links::Keep).value();
+    Descriptor folder =
+        files.openFolder(FileSystem::noParent, tree.at("t").c_str(), Links::Keep).value();
     auto key = SeenEntries::chosenFolder;
     while (folder.isOpen()) {
         CatalogBatch batch;

@@ -49,7 +49,8 @@ std::optional<std::string> outputOf(const std::string& command) {
     if (pipe == nullptr) return std::nullopt;
     std::string text;
     std::array<char, 4096> piece;
-    while (const std::size_t count = std::fread(piece.data(), 1, piece.size(), pipe)) text.append(piece.data(), count);
+    while (const std::size_t count = std::fread(piece.data(), 1, piece.size(), pipe))
+        text.append(piece.data(), count);
     ::pclose(pipe);
     if (text.ends_with(":127")) return std::nullopt;
     return text;
@@ -77,7 +78,8 @@ TEST(Trash, EveryKindOfEntryIsThereWithItsRecord) {
         EXPECT_EQ(contentOf(*moved), name);
         EXPECT_FALSE(isThere(tree.at("data/" + name)));
         const std::string record = recordOf(tree, name);
-        EXPECT_TRUE(record.starts_with("[Trash Info]\nPath=" + tree.at("data/") + encoded + "\nDeletionDate="))
+        EXPECT_TRUE(record.starts_with("[Trash Info]\nPath=" + tree.at("data/") + encoded +
+                                       "\nDeletionDate="))
             << record;
         EXPECT_THAT(record.substr(record.find("Date=")),
                     MatchesRegex("Date=20[0-9][0-9]-[0-9]+-[0-9]+T[0-9]+:[0-9]+:[0-9]+\n"));
@@ -86,7 +88,8 @@ TEST(Trash, EveryKindOfEntryIsThereWithItsRecord) {
     tree.symlink(tree.at("data/folder"), "data/link");
     tree.symlink("data", "alias");
     tree.fifo("data/fifo");
-    for (const char* name : {"data/link", "data/fifo", "alias/folder"}) EXPECT_TRUE(moveAt(tree, name)) << name;
+    for (const char* name : {"data/link", "data/fifo", "alias/folder"})
+        EXPECT_TRUE(moveAt(tree, name)) << name;
     EXPECT_EQ(contentOf(tree.at("home/.local/share/Trash/files/folder/inner/deep")), "x");
     EXPECT_THAT(recordOf(tree, "folder"), HasSubstr("Path=" + tree.at("data/folder") + "\n"));
     struct stat seen {};
@@ -113,18 +116,21 @@ TEST(Trash, NamesThatAreTakenGetANumberAndNothingIsReplaced) {
     EXPECT_EQ(contentOf(tree.at(trash + "files/lost")), "without a record");
     EXPECT_FALSE(isThere(tree.at(trash + "info/lost.trashinfo")));
     const std::string longest =
-        std::string(249, 'n') + ".\xc3\xa4\xc3\xb6";  // 254 bytes, with the record's extension too many
+        std::string(249, 'n') +
+        ".\xc3\xa4\xc3\xb6";  // 254 bytes, with the record's extension too many
     for (int i = 0; i < 2; ++i) {
         tree.write(longest, "x");
         const auto moved = moveAt(tree, longest);
         ASSERT_TRUE(moved) << moved.error();
-        EXPECT_TRUE(moved->ends_with(i == 0 ? "nn.\xc3\xa4\xc3\xb6" : "nn 2.\xc3\xa4\xc3\xb6")) << *moved;
+        EXPECT_TRUE(moved->ends_with(i == 0 ? "nn.\xc3\xa4\xc3\xb6" : "nn 2.\xc3\xa4\xc3\xb6"))
+            << *moved;
     }
     // Never in the midst of a character.
     for (std::size_t length = 240; length < 250; ++length) {
         const std::string name = std::string(length, 'n') + "\xf0\x9f\x98\x80";
         const std::string cut = nameInTrash(name, 1);
-        EXPECT_TRUE(cut == name || cut == std::string(std::min<std::size_t>(length, 245), 'n')) << cut;
+        EXPECT_TRUE(cut == name || cut == std::string(std::min<std::size_t>(length, 245), 'n'))
+            << cut;
         EXPECT_LE(cut.size(), 245U);
     }
 }
@@ -159,7 +165,8 @@ TEST(Trash, WhatMayNotMoveStaysAndLeavesNoRecord) {
     }
     EXPECT_EQ(::rmdir(tree.at("home/.local/share/Trash/info").c_str()), -1);
     ::unlink(tree.at("home/.local/share/Trash/info/other.trashinfo").c_str());
-    EXPECT_EQ(::rmdir(tree.at("home/.local/share/Trash/info").c_str()), 0) << "a record of what did not move";
+    EXPECT_EQ(::rmdir(tree.at("home/.local/share/Trash/info").c_str()), 0)
+        << "a record of what did not move";
     EXPECT_EQ(trash.move("/").error(), "the root of the file system");
 }
 
@@ -171,8 +178,10 @@ TEST(Trash, NothingIsReplacedWhereTheSystemDoesNotLookAfterThat) {
     tree.write("x", "1");
     EXPECT_EQ(runInChild({},
                          [&]() -> std::string {
-                             if (!testing::failSystemCall(SYS_renameat2, EINVAL)) return "no filter";
-                             if (moveAt(tree, "home").error() != "the trash is in it") return "into itself";
+                             if (!testing::failSystemCall(SYS_renameat2, EINVAL))
+                                 return "no filter";
+                             if (moveAt(tree, "home").error() != "the trash is in it")
+                                 return "into itself";
                              return moveAt(tree, "x").value_or("stays");
                          }),
               tree.at(trash + "files/x 2"));
@@ -205,7 +214,8 @@ TEST(Trash, WithoutTheRightToItNothingMoves) {
     tree.write("locked/x", "x");
     tree.folder("home");
     for (const char* name : {".", "locked", "locked/x", "home"})
-        if (::chown(tree.at(name).c_str(), 65534, 65534) != 0) GTEST_SKIP() << "files of another user need root";
+        if (::chown(tree.at(name).c_str(), 65534, 65534) != 0)
+            GTEST_SKIP() << "files of another user need root";
     tree.setMode("locked", 0555);
     EXPECT_EQ(runInChild({.ordinaryUser = true}, [&] { return moveAt(tree, "locked/x").error(); }),
               "Permission denied");
@@ -214,12 +224,14 @@ TEST(Trash, WithoutTheRightToItNothingMoves) {
 }
 
 // On a volume of its own, in a table of mounts of the child's own.
-std::string onAnotherVolume(TestTree& tree, const std::function<std::string(const std::string& top)>& check) {
+std::string onAnotherVolume(TestTree& tree,
+                            const std::function<std::string(const std::string& top)>& check) {
     tree.folder("volume");
     tree.folder("home");
     return runInChild({}, [&]() -> std::string {
         const std::string top = tree.at("volume");
-        if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+        if (::unshare(CLONE_NEWNS) != 0 ||
+            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
             ::mount("none", top.c_str(), "tmpfs", 0, nullptr) != 0)
             return "skipped: no mounts of our own";
         tree.write("volume/d/x y", "x");
@@ -247,7 +259,8 @@ TEST(Trash, AnotherVolumeHasItsOwn) {
              tree.setMode("volume/.Trash", 0777);
          },
          ".Trash-" + user},
-        {"a link for the shared one", [](TestTree& tree) { tree.symlink("/tmp", "volume/.Trash"); }, ".Trash-" + user},
+        {"a link for the shared one", [](TestTree& tree) { tree.symlink("/tmp", "volume/.Trash"); },
+         ".Trash-" + user},
         {"somebody else's in the shared one",
          [&](TestTree& tree) {
              tree.folder("volume/.Trash/" + user);
@@ -282,14 +295,17 @@ TEST(Trash, AnotherVolumeHasItsOwn) {
             each.prepare(tree);
             const auto moved = moveAt(tree, "volume/d/x y");
             if (isThere(tree.at("home/.local"))) return "the home trash was made";
-            if (isThere(tree.at("volume/d/x y")) == moved.has_value()) return "it is not where it was said to be";
+            if (isThere(tree.at("volume/d/x y")) == moved.has_value())
+                return "it is not where it was said to be";
             if (!moved) return moved.error();
-            if (!contentOf(top + '/' + each.trash + "/info/x y.trashinfo").starts_with("[Trash Info]\nPath=d/x%20y\n"))
+            if (!contentOf(top + '/' + each.trash + "/info/x y.trashinfo")
+                     .starts_with("[Trash Info]\nPath=d/x%20y\n"))
                 return "another record";
             return moved->substr(top.size() + 1);
         });
         if (told.starts_with("skipped")) GTEST_SKIP() << told;
-        EXPECT_EQ(told, each.trash.starts_with('.') ? each.trash + "/files/x y" : each.trash) << each.what;
+        EXPECT_EQ(told, each.trash.starts_with('.') ? each.trash + "/files/x y" : each.trash)
+            << each.what;
     }
 }
 
@@ -299,7 +315,8 @@ TEST(Trash, ABoundFolderIsAVolumeOfItsOwn) {
     tree.write("real/x", "x");
     tree.folder("bound");
     const std::string told = onAnotherVolume(tree, [&](const std::string&) -> std::string {
-        if (::mount(tree.at("real").c_str(), tree.at("bound").c_str(), nullptr, MS_BIND, nullptr) != 0)
+        if (::mount(tree.at("real").c_str(), tree.at("bound").c_str(), nullptr, MS_BIND, nullptr) !=
+            0)
             return "skipped";
         const auto moved = moveAt(tree, "bound/x");
         return moved ? moved->substr(tree.path().size() + 1) : moved.error();
@@ -308,7 +325,8 @@ TEST(Trash, ABoundFolderIsAVolumeOfItsOwn) {
     EXPECT_EQ(told, "bound/.Trash-" + std::to_string(::geteuid()) + "/files/x");
 }
 
-// Desktops look for the trash at the mount, and a part of the volume with a device of its own is none.
+// Desktops look for the trash at the mount, and a part of the volume with a device of its own is
+// none.
 TEST(Trash, ASubvolumeGetsNoneOfItsOwn) {
     TestTree tree;
     tree.sparse("image", std::uint64_t{120} << 20U);
@@ -317,16 +335,20 @@ TEST(Trash, ASubvolumeGetsNoneOfItsOwn) {
     tree.folder("top");
     tree.folder("home");
     const std::string told = runInChild({}, [&]() -> std::string {
-        if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
+        if (::unshare(CLONE_NEWNS) != 0 ||
+            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
             return "skipped: no mounts of our own";
-        const auto mounted = outputOf("mount -o loop '" + tree.at("image") + "' '" + tree.at("top") +
-                                      "' && btrfs -q subvolume create '" + tree.at("top/part") + "'");
-        if (!mounted || !mounted->ends_with(":0")) return "skipped: no btrfs on a loop device: " + mounted.value_or("");
+        const auto mounted =
+            outputOf("mount -o loop '" + tree.at("image") + "' '" + tree.at("top") +
+                     "' && btrfs -q subvolume create '" + tree.at("top/part") + "'");
+        if (!mounted || !mounted->ends_with(":0"))
+            return "skipped: no btrfs on a loop device: " + mounted.value_or("");
         tree.write("top/part/d/x", "x");
         tree.write("top/d/y", "y");
         const auto ofPart = moveAt(tree, "top/part/d/x");
         const auto ofTop = moveAt(tree, "top/d/y");
-        if (isThere(tree.at("top/part/.Trash-" + std::to_string(::geteuid())))) return "made where nobody looks";
+        if (isThere(tree.at("top/part/.Trash-" + std::to_string(::geteuid()))))
+            return "made where nobody looks";
         if (!ofTop) return ofTop.error();
         return ofPart ? contentOf(*ofPart) : ofPart.error();
     });
@@ -341,28 +363,32 @@ TEST(Trash, OtherProgramsListAndRestoreWhatIsInIt) {
     tree.write("data/" + name, "bytes");
     ASSERT_TRUE(moveAt(tree, "data/" + name));
     // Neither asks the session's services: a process of them would outlive the test.
-    const std::string setting = "HOME='" + tree.at("home") + "' XDG_DATA_HOME='" + tree.at("home/.local/share") +
+    const std::string setting = "HOME='" + tree.at("home") + "' XDG_DATA_HOME='" +
+                                tree.at("home/.local/share") +
                                 "' LC_ALL=C.UTF-8 DBUS_SESSION_BUS_ADDRESS=disabled: ";
     const auto listed = outputOf(setting + "trash-list");
     if (!listed) GTEST_SKIP() << "trash-cli is not installed";
     EXPECT_THAT(*listed, HasSubstr(tree.at("data/" + name)));
-    const auto restored = outputOf("cd '" + tree.at("data") + "' && echo 0 | " + setting + "trash-restore");
+    const auto restored =
+        outputOf("cd '" + tree.at("data") + "' && echo 0 | " + setting + "trash-restore");
     EXPECT_EQ(contentOf(tree.at("data/" + name)), "bytes") << restored.value_or("");
     EXPECT_EQ(recordOf(tree, name), "");
 }
 
 TEST(Trash, TheDesktopListsAndRestoresIt) {
     TestTree tree;
-    const std::string name =
-        "odd 100% [x].txt";  // other characters gio does not put back even when it threw them away itself
+    const std::string name = "odd 100% [x].txt";  // other characters gio does not put back even
+                                                  // when it threw them away itself
     tree.write("data/" + name, "bytes");
     ASSERT_TRUE(moveAt(tree, "data/" + name));
-    const auto told = outputOf("HOME='" + tree.at("home") + "' XDG_DATA_HOME='" + tree.at("home/.local/share") +
-                               "' LC_ALL=C.UTF-8 timeout 20 dbus-run-session sh -c 'gio trash --list && "
-                               "gio trash --restore trash:///odd%20100%25%20%5Bx%5D.txt'");
+    const auto told =
+        outputOf("HOME='" + tree.at("home") + "' XDG_DATA_HOME='" + tree.at("home/.local/share") +
+                 "' LC_ALL=C.UTF-8 timeout 20 dbus-run-session sh -c 'gio trash --list && "
+                 "gio trash --restore trash:///odd%20100%25%20%5Bx%5D.txt'");
     if (!told || told->find("gio: not found") != std::string::npos)
         GTEST_SKIP() << "gio or dbus-run-session is not installed";
-    if (told->find("not supported") != std::string::npos) GTEST_SKIP() << "no trash of the desktop's: " << *told;
+    if (told->find("not supported") != std::string::npos)
+        GTEST_SKIP() << "no trash of the desktop's: " << *told;
     EXPECT_THAT(*told, HasSubstr("\t" + tree.at("data/" + name)));
     EXPECT_EQ(contentOf(tree.at("data/" + name)), "bytes") << *told;
 }

@@ -27,7 +27,8 @@ struct Told {
     SysResult<void> result;
 };
 
-Told list(const TestTree& tree, bool foldersFirst, const std::function<void(const TreeEntry&)>& also = {},
+Told list(const TestTree& tree, bool foldersFirst,
+          const std::function<void(const TreeEntry&)>& also = {},
           std::atomic<bool>* stopFlag = nullptr) {
     Told told;
     const auto start = files.openFolder(FileSystem::noParent, tree.path().c_str(), Links::Keep);
@@ -38,7 +39,9 @@ Told list(const TestTree& tree, bool foldersFirst, const std::function<void(cons
         told.entries.emplace_back(entry.relative);
         if (also) also(entry);
     };
-    listing.failed = [&](std::string_view relative, int error) { told.failures[std::string(relative)] = error; };
+    listing.failed = [&](std::string_view relative, int error) {
+        told.failures[std::string(relative)] = error;
+    };
     listing.enter = [&](std::string_view relative) { told.entered.emplace_back(relative); };
     std::atomic<bool> never{false};
     told.result = listTree(files, start->get(), listing, stopFlag != nullptr ? *stopFlag : never);
@@ -47,13 +50,14 @@ Told list(const TestTree& tree, bool foldersFirst, const std::function<void(cons
 
 TEST(TreeLister, sortedByBytesWithFoldersBeforeOrBehindTheirContents) {
     TestTree tree;
-    for (const char* name : {"b/2", "b/1", "a", "B", "b/c/x", "\xff", "z/.h"}) tree.write(name, "x");
+    for (const char* name : {"b/2", "b/1", "a", "B", "b/c/x", "\xff", "z/.h"})
+        tree.write(name, "x");
     tree.folder("empty");
     tree.symlink("b", "link");
-    EXPECT_EQ(list(tree, true).entries,
-              (Paths{"B", "a", "b", "b/1", "b/2", "b/c", "b/c/x", "empty", "link", "z", "z/.h", "\xff"}));
-    EXPECT_EQ(list(tree, false).entries,
-              (Paths{"B", "a", "b/1", "b/2", "b/c/x", "b/c", "b", "empty", "link", "z/.h", "z", "\xff"}));
+    EXPECT_EQ(list(tree, true).entries, (Paths{"B", "a", "b", "b/1", "b/2", "b/c", "b/c/x", "empty",
+                                               "link", "z", "z/.h", "\xff"}));
+    EXPECT_EQ(list(tree, false).entries, (Paths{"B", "a", "b/1", "b/2", "b/c/x", "b/c", "b",
+                                                "empty", "link", "z/.h", "z", "\xff"}));
     EXPECT_EQ(list(tree, true).entered, (Paths{"", "b", "b/c", "empty", "z"}));
 }
 
@@ -63,7 +67,8 @@ TEST(TreeLister, eachEntryIsToldWithTheFolderThatHoldsIt) {
     for (const bool foldersFirst : {true, false}) {
         const auto told = list(tree, foldersFirst, [&](const TreeEntry& entry) {
             const auto here = files.attributes(entry.folder, entry.name.data(), Links::Keep);
-            const auto known = files.attributes(FileSystem::noParent, tree.at(entry.relative).c_str(), Links::Keep);
+            const auto known = files.attributes(FileSystem::noParent,
+                                                tree.at(entry.relative).c_str(), Links::Keep);
             ASSERT_TRUE(here && known) << entry.relative;
             EXPECT_EQ(here->inode, known->inode) << entry.relative;
             EXPECT_EQ(entry.type, known->type);
@@ -72,10 +77,12 @@ TEST(TreeLister, eachEntryIsToldWithTheFolderThatHoldsIt) {
     }
 }
 
-// While the lister is inside, the folder is moved away: its ".." is another folder then, where nothing must be told.
+// While the lister is inside, the folder is moved away: its ".." is another folder then, where
+// nothing must be told.
 TEST(TreeLister, aFolderMovedMeanwhileDoesNotLeadElsewhere) {
     TestTree tree;
-    for (const char* name : {"in/a/sub/x", "in/a/y", "in/b/z", "in/c", "other/secret"}) tree.write(name, "x");
+    for (const char* name : {"in/a/sub/x", "in/a/y", "in/b/z", "in/c", "other/secret"})
+        tree.write(name, "x");
     const auto told = list(tree, true, [&](const TreeEntry& entry) {
         if (entry.relative != "in/a/sub/x") return;
         ASSERT_EQ(::rename(tree.at("in/a/sub").c_str(), tree.at("other/sub").c_str()), 0);
@@ -92,10 +99,11 @@ TEST(TreeLister, unreadableFoldersAreNamedAndTheirSiblingsSurvive) {
     const std::string text = testing::runInChild({.ordinaryUser = true}, [&]() -> std::string {
         for (const bool foldersFirst : {true, false}) {
             const auto told = list(tree, foldersFirst);
-            const Paths expected =
-                foldersFirst ? Paths{"a", "a/1", "locked", "z", "z/3"} : Paths{"a/1", "a", "z/3", "z"};
+            const Paths expected = foldersFirst ? Paths{"a", "a/1", "locked", "z", "z/3"}
+                                                : Paths{"a/1", "a", "z/3", "z"};
             if (told.entries != expected) return "other entries";
-            if (told.failures != std::map<std::string, int>{{"locked", EACCES}}) return "other failures";
+            if (told.failures != std::map<std::string, int>{{"locked", EACCES}})
+                return "other failures";
         }
         return {};
     });

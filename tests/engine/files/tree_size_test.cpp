@@ -19,12 +19,14 @@ const LinuxFileSystem files;
 
 std::string text(const Result<SizeTotals>& totals) {
     if (!totals) return totals.error().reason();
-    return fmt::format("{} bytes, {} files, {} folders", totals->bytes, totals->files, totals->folders);
+    return fmt::format("{} bytes, {} files, {} folders", totals->bytes, totals->files,
+                       totals->folders);
 }
 
 std::string measured(const std::string& path) { return text(TreeSize(files).ofPath(path)); }
 
-// What descriptorLimit() answers is fixed at the first call, so a child with few descriptors must be told.
+// What descriptorLimit() answers is fixed at the first call, so a child with few descriptors must
+// be told.
 testing::WatchedFiles withDescriptors(std::size_t limit) {
     testing::WatchedFiles watched;
     watched.descriptors = limit;
@@ -33,9 +35,10 @@ testing::WatchedFiles withDescriptors(std::size_t limit) {
 
 TEST(TreeSize, whatCountsAndHowMuch) {
     TestTree tree;
-    ASSERT_TRUE(tree.write("a/file", "12345") && tree.write("a/\xff\n", "1") && tree.sparse("a/b/sparse", 1ULL << 40) &&
-                tree.hardLink("a/file", "a/b/again") && tree.symlink("../../nowhere", "a/b/link") &&
-                tree.fifo("a/pipe") && tree.socket("a/socket") && tree.folder("a/empty") && tree.symlink("a", "to"));
+    ASSERT_TRUE(tree.write("a/file", "12345") && tree.write("a/\xff\n", "1") &&
+                tree.sparse("a/b/sparse", 1ULL << 40) && tree.hardLink("a/file", "a/b/again") &&
+                tree.symlink("../../nowhere", "a/b/link") && tree.fifo("a/pipe") &&
+                tree.socket("a/socket") && tree.folder("a/empty") && tree.symlink("a", "to"));
     const std::map<std::string, std::string> expected{
         {"a", "1099511627800 bytes, 7 files, 2 folders"},
         {"a/file", "5 bytes, 1 files, 0 folders"},
@@ -61,12 +64,15 @@ TEST(TreeSize, aSumTooLargeStaysAtTheLargestNumber) {
     EXPECT_EQ(measured(tree.path()), "18446744073709551615 bytes, 3 files, 1 folders");
 }
 
-// Wide enough to be handed over in pieces while it is listed, with subfolders among the files, and counted as it grows.
+// Wide enough to be handed over in pieces while it is listed, with subfolders among the files, and
+// counted as it grows.
 TEST(TreeSize, aWideFolderIsCountedOnce) {
     TestTree tree("/dev/shm");
-    for (int i = 0; i < 2000; ++i) ASSERT_TRUE(tree.write("w/file number " + std::to_string(i), "abc"));
+    for (int i = 0; i < 2000; ++i)
+        ASSERT_TRUE(tree.write("w/file number " + std::to_string(i), "abc"));
     for (int i = 0; i < 1200; ++i) ASSERT_TRUE(tree.folder("w/folder " + std::to_string(i)));
-    for (int i = 0; i < 1200; i += 10) ASSERT_TRUE(tree.write("w/folder " + std::to_string(i) + "/x", "12345"));
+    for (int i = 0; i < 1200; i += 10)
+        ASSERT_TRUE(tree.write("w/folder " + std::to_string(i) + "/x", "12345"));
     for (int round = 0; round < 20; ++round) {
         SizeCounts counts;
         const auto totals = TreeSize(files, {.counts = &counts}).ofPath(tree.path());
@@ -81,8 +87,8 @@ TEST(TreeSize, neitherDepthNorDescriptorsLimitIt) {
     ASSERT_TRUE(tree.makeDeep("deep", 10'000, "leaf", true));
     for (const unsigned limit : {0U, 64U}) {
         const auto watched = withDescriptors(limit);
-        const std::string told =
-            testing::runInChild({.descriptors = limit}, [&] { return text(TreeSize(watched).ofPath(tree.path())); });
+        const std::string told = testing::runInChild(
+            {.descriptors = limit}, [&] { return text(TreeSize(watched).ofPath(tree.path())); });
         EXPECT_EQ(told, "40004 bytes, 10001 files, 20001 folders") << limit;
     }
     std::string below = tree.at("deep");
@@ -93,11 +99,13 @@ TEST(TreeSize, neitherDepthNorDescriptorsLimitIt) {
 
 TEST(TreeSize, whatCanNotBeReadIsSkippedAndNamed) {
     TestTree tree;
-    for (const char* name : {"a/1", "locked/2", "blind/3", "z/4"}) ASSERT_TRUE(tree.write(name, "12"));
+    for (const char* name : {"a/1", "locked/2", "blind/3", "z/4"})
+        ASSERT_TRUE(tree.write(name, "12"));
     // The same below more folders than may be open at once with few descriptors.
     std::string deep = "d/d/d/d/d/d/d/d/d/d/d/d/";
     for (const char* name : {"locked/5", "6"}) ASSERT_TRUE(tree.write(deep + name, "12"));
-    ASSERT_TRUE(tree.setMode("locked", 0) && tree.setMode("blind", 0744) && tree.setMode(deep + "locked", 0));
+    ASSERT_TRUE(tree.setMode("locked", 0) && tree.setMode("blind", 0744) &&
+                tree.setMode(deep + "locked", 0));
     const auto watched = withDescriptors(32);
     const std::string told = testing::runInChild({.ordinaryUser = true, .descriptors = 32}, [&] {
         SkipList skipped;
@@ -108,7 +116,8 @@ TEST(TreeSize, whatCanNotBeReadIsSkippedAndNamed) {
     });
     EXPECT_EQ(told, "6 bytes, 4 files, 17 folders\n/blind/3: Permission denied\n/" + deep +
                         "locked: Permission denied\n/locked: Permission denied\nPermission denied");
-    ASSERT_TRUE(tree.setMode("locked", 0700) && tree.setMode("blind", 0700) && tree.setMode(deep + "locked", 0700));
+    ASSERT_TRUE(tree.setMode("locked", 0700) && tree.setMode("blind", 0700) &&
+                tree.setMode(deep + "locked", 0700));
 }
 
 TEST(TreeSize, aStopEndsItWithWhatWasFound) {
@@ -124,7 +133,8 @@ TEST(TreeSize, aStopEndsItWithWhatWasFound) {
     ASSERT_TRUE(some);
     EXPECT_GT(some->bytes, 0U);
     EXPECT_LT(some->bytes, 100U);
-    EXPECT_EQ(text(TreeSize(watched, {.stop = &stop}).ofPath(tree.path())), "0 bytes, 0 files, 0 folders");
+    EXPECT_EQ(text(TreeSize(watched, {.stop = &stop}).ofPath(tree.path())),
+              "0 bytes, 0 files, 0 folders");
 }
 
 // In a mount namespace of its own, so that nothing of it is seen outside.
@@ -135,13 +145,17 @@ TEST(TreeSize, mountsCountButTheKernelsOwnDoNot) {
                 tree.folder(deep + "kernel") && tree.write(deep + "z", "1"));
     const auto watched = withDescriptors(32);
     const std::string told = testing::runInChild({.descriptors = 32}, [&]() -> std::string {
-        const auto mount = [&](const std::string& name, const char* type, const char* source, unsigned long flags) {
+        const auto mount = [&](const std::string& name, const char* type, const char* source,
+                               unsigned long flags) {
             return ::mount(source, tree.at(name).c_str(), type, flags, nullptr) == 0;
         };
-        if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
+        if (::unshare(CLONE_NEWNS) != 0 ||
+            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
             return "skip";
-        if (!mount("disk", "tmpfs", "none", 0) || !mount("kernel", nullptr, "/sys/kernel", MS_BIND) ||
-            !mount(deep + "kernel", nullptr, "/sys/kernel", MS_BIND) || !tree.write("disk/x", "123"))
+        if (!mount("disk", "tmpfs", "none", 0) ||
+            !mount("kernel", nullptr, "/sys/kernel", MS_BIND) ||
+            !mount(deep + "kernel", nullptr, "/sys/kernel", MS_BIND) ||
+            !tree.write("disk/x", "123"))
             return "skip";
         const auto chosen = TreeSize(files).ofPath(tree.at("kernel"));
         return text(TreeSize(watched).ofPath(tree.path())) +

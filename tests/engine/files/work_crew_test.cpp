@@ -1,4 +1,5 @@
-// WorkCrew: every piece of work is done once, whatever the number of threads, and waiting workers wake and go home.
+// WorkCrew: every piece of work is done once, whatever the number of threads, and waiting workers
+// wake and go home.
 #include "engine/files/WorkCrew.h"
 
 #include <gtest/gtest.h>
@@ -22,8 +23,8 @@ TEST(WorkCrew, eachIndexIsDoneOnceAndWorkersAreThreads) {
         std::size_t count, grain;
         unsigned most;
     };
-    for (const Case& one :
-         {Case{0, 1, 8}, Case{1, 1, 8}, Case{7, 100, 8}, Case{3000, 7, 8}, Case{3000, 1, 1}, Case{3000, 64, 64}}) {
+    for (const Case& one : {Case{0, 1, 8}, Case{1, 1, 8}, Case{7, 100, 8}, Case{3000, 7, 8},
+                            Case{3000, 1, 1}, Case{3000, 64, 64}}) {
         WorkCrew crew(one.most);
         std::vector<std::atomic<int>> done(one.count);
         std::mutex mutex;
@@ -36,11 +37,13 @@ TEST(WorkCrew, eachIndexIsDoneOnceAndWorkersAreThreads) {
                 const std::lock_guard lock(mutex);
                 workers.insert({worker, std::this_thread::get_id()});
             });
-            for (std::size_t index = 0; index < one.count; ++index) ASSERT_EQ(done[index], round) << index;
+            for (std::size_t index = 0; index < one.count; ++index)
+                ASSERT_EQ(done[index], round) << index;
             std::set<unsigned> numbers;
             for (const auto& worker : workers) {
                 EXPECT_LT(worker.first, one.most);
-                EXPECT_TRUE(numbers.insert(worker.first).second) << "two threads with the number " << worker.first;
+                EXPECT_TRUE(numbers.insert(worker.first).second)
+                    << "two threads with the number " << worker.first;
             }
             workers.clear();
         }
@@ -71,7 +74,8 @@ TEST(WorkCrew, aStopIsSeenBeforeEachTask) {
     EXPECT_LE(done, 500U + 4) << "more than what each thread had in hand";
 }
 
-// An exception that leaves a thread ends the process, so that it must come to the caller, and the crew must be good for more.
+// An exception that leaves a thread ends the process, so that it must come to the caller, and the
+// crew must be good for more.
 TEST(WorkCrew, whatATaskThrowsOnAnyThreadComesToTheCaller) {
     WorkCrew crew(4);
     const std::atomic<bool> stop{false};
@@ -96,7 +100,8 @@ TEST(WorkCrew, whatATaskThrowsOnAnyThreadComesToTheCaller) {
     EXPECT_EQ(onCaller.size(), 2U) << "no other thread ever threw";
 }
 
-// One producer feeds a queue slowly; the others sleep meanwhile and must be there for each piece, and at the end.
+// One producer feeds a queue slowly; the others sleep meanwhile and must be there for each piece,
+// and at the end.
 TEST(WorkCrew, idleWorkersWakeForNewWorkAndAtTheEnd) {
     for (int round = 0; round < 20; ++round) {
         WorkCrew crew(8);
@@ -128,7 +133,8 @@ TEST(WorkCrew, moreThreadsComeWhileTheyWait) {
     std::atomic<unsigned> highest{0};
     const std::atomic<bool> stop{false};
     crew.forEach(400, 1, stop, [&](std::size_t, unsigned worker) {
-        for (unsigned seen = highest; seen < worker && !highest.compare_exchange_weak(seen, worker);) {}
+        for (unsigned seen = highest;
+             seen < worker && !highest.compare_exchange_weak(seen, worker);) {}
         std::this_thread::sleep_for(1ms);
     });
     EXPECT_GE(highest + 1, WorkCrew::cores());

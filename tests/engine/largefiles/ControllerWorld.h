@@ -1,4 +1,5 @@
-// A controller at work: a folder on the disk, its scanned tree, and a page that writes down what it is told.
+// A controller at work: a folder on the disk, its scanned tree, and a page that writes down what it
+// is told.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -39,7 +40,8 @@ protected:
     }
 
     void scan(const std::string& below = {}) {
-        controller.setParts({.files = &files, .mainQueue = &queue, .ownFiles = {}, .reveal = {}, .openFolder = {}});
+        controller.setParts(
+            {.files = &files, .mainQueue = &queue, .ownFiles = {}, .reveal = {}, .openFolder = {}});
         controller.setADelegate(&page);
         const std::string path = below.empty() ? disk.path() : disk.at(below);
         tree = std::make_shared<FileNodeTree>(path);

@@ -1,4 +1,5 @@
-// What the tests of the large file scan share: a main queue that the test itself turns, and the tree as text.
+// What the tests of the large file scan share: a main queue that the test itself turns, and the
+// tree as text.
 #pragma once
 
 #include <fmt/format.h>
@@ -20,7 +21,8 @@ namespace orrinvale::testing {
 /// One scan into a tree of its own; with the queue when it is given.
 struct ScanRun {
     ScanRun(const FileSystem& files, const std::string& path, ServedQueue* queue = nullptr)
-        : tree(std::make_shared<FileNodeTree>(path)), scan({.files = &files, .mainQueue = queue, .grown = {}}) {
+        : tree(std::make_shared<FileNodeTree>(path)),
+          scan({.files = &files, .mainQueue = queue, .grown = {}}) {
         scan.eumeAllRootFileNodeWithRootArr(tree, path);
         if (queue == nullptr) scan.waitForEnd();
     }
@@ -30,7 +32,8 @@ struct ScanRun {
 };
 
 /// Turns the queue until the scan has ended, for a minute at most; looks on after each turn.
-inline bool turnToEnd(const EumeRoot& scan, ServedQueue& queue, const std::function<void()>& look = {}) {
+inline bool turnToEnd(const EumeRoot& scan, ServedQueue& queue,
+                      const std::function<void()>& look = {}) {
     const auto until = std::chrono::steady_clock::now() + std::chrono::minutes(1);
     while (!scan.isEnded() && std::chrono::steady_clock::now() < until) {
         if (!queue.step()) std::this_thread::yield();
@@ -46,7 +49,8 @@ inline std::vector<std::string> linesOf(FileNodeTree& tree) {
     while (!waiting.empty()) {
         FileNode* const node = waiting.back();
         waiting.pop_back();
-        lines.push_back(fmt::format("{}{} {}", node->path(), node->isDirectory() ? "/" : "", node->size()));
+        lines.push_back(
+            fmt::format("{}{} {}", node->path(), node->isDirectory() ? "/" : "", node->size()));
         const auto children = node->children();
         waiting.insert(waiting.end(), children.rbegin(), children.rend());
     }

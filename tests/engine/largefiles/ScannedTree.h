@@ -1,5 +1,5 @@
-// What the tests of the large file page's controller share: a queue for the main thread that the test serves itself, and
-// nodes by their paths.
+// What the tests of the large file page's controller share: a queue for the main thread that the
+// test serves itself, and nodes by their paths.
 #pragma once
 
 #include <algorithm>
@@ -48,7 +48,8 @@ public:
         while (!condition()) {
             {
                 std::unique_lock lock(m_mutex);
-                if (!m_changed.wait_until(lock, until, [this] { return !m_work.empty(); })) return false;
+                if (!m_changed.wait_until(lock, until, [this] { return !m_work.empty(); }))
+                    return false;
             }
             step();
         }

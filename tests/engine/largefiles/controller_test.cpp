@@ -44,14 +44,17 @@ TEST_F(LargeFiles, WhatIsTickedGoesWithProgressAndLeavesTheTree) {
         EXPECT_FALSE(isThere(disk.at(path))) << path;
         EXPECT_EQ(nodeAt(*tree, path), nullptr) << path;
     }
-    EXPECT_TRUE(isThere(disk.at("o/f/keep")) && nodeAt(*tree, "o/f/keep") != nullptr && nodeAt(*tree, "untouched"));
-    EXPECT_THAT(page.progress,
-                ElementsAre(Pair(0, disk.at("o/f/big")), Pair(25, disk.at("o/f/small")), Pair(50, disk.at("d")),
-                            Pair(75, disk.at("top")), Pair(100, disk.at("top"))));
+    EXPECT_TRUE(isThere(disk.at("o/f/keep")) && nodeAt(*tree, "o/f/keep") != nullptr &&
+                nodeAt(*tree, "untouched"));
+    EXPECT_THAT(page.progress, ElementsAre(Pair(0, disk.at("o/f/big")),
+                                           Pair(25, disk.at("o/f/small")), Pair(50, disk.at("d")),
+                                           Pair(75, disk.at("top")), Pair(100, disk.at("top"))));
     EXPECT_EQ(page.allState, 0);
-    EXPECT_EQ(node("o").state() | node("o/f").state(), FileNode::NotSelected);  // also in a folder that is closed
+    EXPECT_EQ(node("o").state() | node("o/f").state(),
+              FileNode::NotSelected);  // also in a folder that is closed
     EXPECT_EQ(node("o/f").size(), size);
-    EXPECT_TRUE(page.ended->chosen == 4 && page.ended->gone == 4 && page.ended->failed == 0 && !page.ended->stopped);
+    EXPECT_TRUE(page.ended->chosen == 4 && page.ended->gone == 4 && page.ended->failed == 0 &&
+                !page.ended->stopped);
     EXPECT_FALSE(controller.deleteFilesWithDic());  // nothing is ticked
     EXPECT_EQ(page.progress.size(), 5U);
 }
@@ -66,7 +69,8 @@ TEST_F(LargeFiles, OneAloneIsAtThirtyPercent) {
     EXPECT_EQ(tree->root().childCount(), 0U);
 }
 
-// None of these is what was ticked: a file that was written, another file of its name, a link in the place of a folder.
+// None of these is what was ticked: a file that was written, another file of its name, a link in
+// the place of a folder.
 TEST_F(LargeFiles, WhatFailsIsToldAndLeavesTheTreeAllTheSame) {
     disk.write("log", std::string(400, 'x'));
     disk.write("another", std::string(300, 'x'));
@@ -83,7 +87,8 @@ TEST_F(LargeFiles, WhatFailsIsToldAndLeavesTheTreeAllTheSame) {
     LogLines log;
     remove();
     EXPECT_TRUE(isThere(disk.at("log")));
-    EXPECT_TRUE(isThere(disk.at("another")) && isThere(disk.at("swapped")) && isThere(disk.at("kept/precious")));
+    EXPECT_TRUE(isThere(disk.at("another")) && isThere(disk.at("swapped")) &&
+                isThere(disk.at("kept/precious")));
     EXPECT_EQ(tree->root().childCount(), 0U);
     EXPECT_EQ(page.ended->gone, 1U);
     EXPECT_EQ(page.ended->failed, 3U);
@@ -93,7 +98,8 @@ TEST_F(LargeFiles, WhatFailsIsToldAndLeavesTheTreeAllTheSame) {
     EXPECT_EQ(page.ended->failures[1].path, disk.at("another"));
     EXPECT_EQ(page.ended->failures[1].reason, "changed since the scan");
     EXPECT_EQ(page.ended->failures[2].path, disk.at("swapped"));
-    EXPECT_THAT(log.lines, ::testing::Contains(HasSubstr("--delete file error ---::" + disk.at("another"))));
+    EXPECT_THAT(log.lines,
+                ::testing::Contains(HasSubstr("--delete file error ---::" + disk.at("another"))));
     EXPECT_THAT(page.progress.back(), Pair(100, disk.at("gone")));
 }
 
@@ -110,7 +116,8 @@ TEST_F(LargeFiles, BothNamesOfAFileGo) {
     EXPECT_EQ(page.ended->failed, 0U);
 }
 
-// Between the two the file is written through the name that is left, and its time of writing put back.
+// Between the two the file is written through the name that is left, and its time of writing put
+// back.
 TEST_F(LargeFiles, ASecondNameThatWasWrittenToAfterTheFirstWentStays) {
     disk.write("first", "before");
     disk.hardLink("first", "second");
@@ -135,10 +142,12 @@ TEST_F(LargeFiles, ASecondNameThatWasWrittenToAfterTheFirstWentStays) {
     EXPECT_EQ(testing::contentOf(disk.at(left)), "after!");
 }
 
-// In a folder that is open in the list, in one that is not, and in a bundle, which stands as one row.
+// In a folder that is open in the list, in one that is not, and in a bundle, which stands as one
+// row.
 TEST_F(LargeFiles, WhatCameIntoATickedFolderAfterTheScanStaysAndIsTold) {
     for (const char* folder : {"open", "closed/inner", "Viewer.app/lib"})
-        for (const char* name : {"/old", "/deep/older", "/written"}) disk.write(std::string(folder) + name, "x");
+        for (const char* name : {"/old", "/deep/older", "/written"})
+            disk.write(std::string(folder) + name, "x");
     scan();
     node("open").setIsExpand(true);
     controller.selectAllFileNode(1);
@@ -163,7 +172,8 @@ TEST_F(LargeFiles, WhatCameIntoATickedFolderAfterTheScanStaysAndIsTold) {
     }
 }
 
-// Size and time of writing are as before, as somebody leaves them who wants a change to go unnoticed.
+// Size and time of writing are as before, as somebody leaves them who wants a change to go
+// unnoticed.
 TEST_F(LargeFiles, AFileWrittenWithItsTimeSetBackStays) {
     disk.write("file", "before");
     scan();
@@ -178,7 +188,8 @@ TEST_F(LargeFiles, AFileWrittenWithItsTimeSetBackStays) {
     EXPECT_EQ(page.ended->failed, 1U);
 }
 
-// The stop is pressed while the removal is at its second entry, which is a file, and while it is within a folder.
+// The stop is pressed while the removal is at its second entry, which is a file, and while it is
+// within a folder.
 TEST_F(LargeFiles, TheStopEndsItBeforeTheNextEntry) {
     const struct {
         int removals;  // of single entries, before the stop
@@ -188,7 +199,8 @@ TEST_F(LargeFiles, TheStopEndsItBeforeTheNextEntry) {
     for (const auto& [removals, last, gone, inFolder] : cases) {
         disk.write("a", std::string(900, 'x'));
         disk.write("b", std::string(800, 'x'));
-        for (int i = 0; i < 40; ++i) disk.write("folder/" + std::to_string(i), std::string(10, 'x'));
+        for (int i = 0; i < 40; ++i)
+            disk.write("folder/" + std::to_string(i), std::string(10, 'x'));
         disk.write("z", std::string(100, 'x'));
         scan();
         controller.selectAllFileNode(1);
@@ -211,9 +223,11 @@ TEST_F(LargeFiles, TheStopEndsItBeforeTheNextEntry) {
         EXPECT_TRUE(isThere(disk.at("folder")) && isThere(disk.at("z")));
         EXPECT_EQ(tree->root().childCount(), 2U);
         EXPECT_EQ(controller.deleteFilesWithDic(tree->root().children()).size(), 0U);
-        // What is left of the folder shows in it, and in the sums above, which else stay those of the scan.
+        // What is left of the folder shows in it, and in the sums above, which else stay those of
+        // the scan.
         const std::uint64_t left = inFolder * 10;
-        EXPECT_TRUE(queue.serveUntil([&] { return node("folder").size() == left; })) << node("folder").size();
+        EXPECT_TRUE(queue.serveUntil([&] { return node("folder").size() == left; }))
+            << node("folder").size();
         EXPECT_EQ(node("folder").childCount(), inFolder);
         EXPECT_EQ(tree->root().size(), 900U + 800 + left + 100);
         scan();
@@ -225,7 +239,8 @@ TEST_F(LargeFiles, AFolderWhoseEntriesGoInPartTellsWhichDidNot) {
     disk.write("t/locked/a", "x");
     disk.write("t/free", "x");
     for (const char* name : {"t", "t/locked", "."})
-        if (::chown(disk.at(name).c_str(), 65534, 65534) != 0) GTEST_SKIP() << "files of another user need root";
+        if (::chown(disk.at(name).c_str(), 65534, 65534) != 0)
+            GTEST_SKIP() << "files of another user need root";
     disk.setMode("t/locked", 0555);
     const std::string told = testing::runInChild({.ordinaryUser = true}, [this]() -> std::string {
         scan();
@@ -241,36 +256,45 @@ TEST_F(LargeFiles, AFolderWhoseEntriesGoInPartTellsWhichDidNot) {
 
 // In a root of the child's own, where a mistake costs nothing.
 TEST_F(LargeFiles, WhatBelongsToTheSystemStaysThoughItWasTicked) {
-    for (const char* path : {"usr/src/x", "usr/own/x", "srv/x", "holds/x", "free/x"}) disk.write(path, "x");
+    for (const char* path : {"usr/src/x", "usr/own/x", "srv/x", "holds/x", "free/x"})
+        disk.write(path, "x");
     disk.folder("proc");
     const std::string told = testing::runInChild({}, [this]() -> std::string {
-        if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            ::mount("proc", disk.at("proc").c_str(), "proc", 0, nullptr) != 0 || ::chroot(disk.path().c_str()) != 0 ||
-            ::chdir("/") != 0)
+        if (::unshare(CLONE_NEWNS) != 0 ||
+            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            ::mount("proc", disk.at("proc").c_str(), "proc", 0, nullptr) != 0 ||
+            ::chroot(disk.path().c_str()) != 0 || ::chdir("/") != 0)
             return "skipped: no root of our own";
-        controller.setParts(
-            {.files = &files, .mainQueue = &queue, .ownFiles = {"/holds/x"}, .reveal = {}, .openFolder = {}});
+        controller.setParts({.files = &files,
+                             .mainQueue = &queue,
+                             .ownFiles = {"/holds/x"},
+                             .reveal = {},
+                             .openFolder = {}});
         controller.setADelegate(&page);
         tree = std::make_shared<FileNodeTree>("/");
         controller.eumeAllRootFileNodeWithRootArr(tree, "/");
-        if (!queue.serveUntil([this] { return controller.eumeRoot()->isEnded(); })) return "no scan";
+        if (!queue.serveUntil([this] { return controller.eumeRoot()->isEnded(); }))
+            return "no scan";
         tick({"usr/src", "usr/own", "srv", "holds", "free", "proc"});
         remove();
         std::string text;
         for (const auto& [path, reason] : page.ended->failures) text += path + ": " + reason + '\n';
         text += "to the trash: " + controller.moveFileToTrash("/srv") + '\n';
-        for (const char* path : {"/usr/src/x", "/srv/x", "/holds/x"}) text += isThere(path) ? "" : "removed";
-        return text + std::to_string(page.ended->gone) + (isThere("/usr/own") || isThere("/free") ? " left" : " gone");
+        for (const char* path : {"/usr/src/x", "/srv/x", "/holds/x"})
+            text += isThere(path) ? "" : "removed";
+        return text + std::to_string(page.ended->gone) +
+               (isThere("/usr/own") || isThere("/free") ? " left" : " gone");
     });
     if (told.starts_with("skipped")) GTEST_SKIP() << told;
-    for (const char* line :
-         {"//usr/src: part of the system\n", "//srv: part of the system\n",
-          "//holds: a folder above one of the program's own files\n", "//proc: ", "to the trash: part of the system\n"})
+    for (const char* line : {"//usr/src: part of the system\n", "//srv: part of the system\n",
+                             "//holds: a folder above one of the program's own files\n",
+                             "//proc: ", "to the trash: part of the system\n"})
         EXPECT_THAT(told, HasSubstr(line));
     EXPECT_THAT(told, ::testing::EndsWith("\n2 gone"));
 }
 
-// Every percentage once and in order, few turns of the main thread, none of them long: the window is drawn meanwhile.
+// Every percentage once and in order, few turns of the main thread, none of them long: the window
+// is drawn meanwhile.
 TEST_F(LargeFiles, TwentyThousandOfOneFolderGoInFewTurns) {
     constexpr int count = 20'000;
     disk.write("wide/keep", "x");
@@ -297,7 +321,8 @@ TEST_F(LargeFiles, TwentyThousandOfOneFolderGoInFewTurns) {
     EXPECT_TRUE(std::is_sorted(percents.begin(), percents.end()));
     EXPECT_LT(queue.turns, 200U);
     std::printf("[          ] %zu turns, the longest %.1f ms, %zu notices\n", queue.turns,
-                std::chrono::duration<double, std::milli>(queue.longest).count(), page.progress.size());
+                std::chrono::duration<double, std::milli>(queue.longest).count(),
+                page.progress.size());
 }
 
 // A page that ends everything, or serves its events, from within what it is told.
@@ -310,12 +335,15 @@ TEST_F(LargeFiles, ThePageMayEndItOrServeItsEventsWhileItIsTold) {
         page.ended.reset();
         bool served = false;
         files.beforeRemoval = [](const char* operation) {  // so that there are news all the time
-            if (std::strcmp(operation, "removeEntry") == 0) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+            if (std::strcmp(operation, "removeEntry") == 0)
+                std::this_thread::sleep_for(std::chrono::milliseconds(5));
         };
         page.onProgress = [&](std::int32_t percent) {
             if (percent < 10 || std::exchange(served, true)) return;
             if (ends) controller.setParts({});
-            else (void)queue.serveUntil([until = queue.turns + 1, this] { return queue.turns >= until; });
+            else
+                (void)queue.serveUntil(
+                    [until = queue.turns + 1, this] { return queue.turns >= until; });
         };
         ASSERT_TRUE(controller.deleteFilesWithDic());
         ASSERT_TRUE(queue.serveUntil([&] { return ends ? served : page.ended.has_value(); }));
@@ -324,7 +352,8 @@ TEST_F(LargeFiles, ThePageMayEndItOrServeItsEventsWhileItIsTold) {
         EXPECT_FALSE(controller.isRemoving());
         EXPECT_EQ(page.ended.has_value(), !ends);
         const auto& told = page.progress;
-        EXPECT_TRUE(std::is_sorted(told.begin(), told.end(), [](auto& a, auto& b) { return a.first < b.first; }));
+        EXPECT_TRUE(std::is_sorted(told.begin(), told.end(),
+                                   [](auto& a, auto& b) { return a.first < b.first; }));
     }
 }
 

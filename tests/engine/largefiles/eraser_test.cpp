@@ -1,4 +1,5 @@
-// The outside eraser with a script in its place, and the two ways to the trash that the controller offers.
+// The outside eraser with a script in its place, and the two ways to the trash that the controller
+// offers.
 #include "engine/largefiles/RemoveFileAndFolder.h"
 
 #include <fcntl.h>
@@ -29,7 +30,9 @@ using testing::LogLines;
 
 class Eraser : public testing::ControllerWorld, protected RemoveFileAndFolderDelegate {
 protected:
-    void SetUp() override { script("printf '%s,' \"$PWD\" \"$@\" >> " + world.at("log") + "; rm -rf -- \"$2\""); }
+    void SetUp() override {
+        script("printf '%s,' \"$PWD\" \"$@\" >> " + world.at("log") + "; rm -rf -- \"$2\"");
+    }
     void script(const std::string& lines) {
         ASSERT_TRUE(world.write("eraser", "#!/bin/sh\n" + lines + '\n'));
         ASSERT_TRUE(world.setMode("eraser", 0755));
@@ -46,8 +49,12 @@ protected:
     bool serveToTheEnd() {
         return queue.serveUntil([this] { return ended.has_value(); });
     }
-    void removeProgress(float percent, const std::string& path) override { told.emplace_back(percent, path); }
-    void removeObjEnd(const std::vector<std::string>& deleteErrorArr) override { ended = deleteErrorArr; }
+    void removeProgress(float percent, const std::string& path) override {
+        told.emplace_back(percent, path);
+    }
+    void removeObjEnd(const std::vector<std::string>& deleteErrorArr) override {
+        ended = deleteErrorArr;
+    }
 
     testing::TestTree world;
     std::unique_ptr<RemoveFileAndFolder> eraser;
@@ -63,9 +70,10 @@ TEST_F(Eraser, GetsOnePathAfterTheOtherWithItsThreeArguments) {
     prepare({"folder", "odd \"$name\n"});
     EXPECT_TRUE(eraser->runTaskWithPath());
     ASSERT_TRUE(serveToTheEnd());
-    EXPECT_EQ(contentOf(world.at("log")),
-              "/,mv," + disk.at("folder") + ",~/.Trash,/,mv," + disk.at("odd \"$name\n") + ",~/.Trash,");
-    EXPECT_THAT(told, ElementsAre(Pair(0.0F, disk.at("folder")), Pair(50.0F, disk.at("odd \"$name\n"))));
+    EXPECT_EQ(contentOf(world.at("log")), "/,mv," + disk.at("folder") + ",~/.Trash,/,mv," +
+                                              disk.at("odd \"$name\n") + ",~/.Trash,");
+    EXPECT_THAT(told,
+                ElementsAre(Pair(0.0F, disk.at("folder")), Pair(50.0F, disk.at("odd \"$name\n"))));
     EXPECT_THAT(*ended, IsEmpty());
     EXPECT_TRUE(!isThere(disk.at("folder")) && isThere(disk.at("kept")));
 }
@@ -102,8 +110,8 @@ TEST_F(Eraser, IsNotGivenWhatIsAnotherEntryNow) {
     EXPECT_THAT(*ended, ElementsAre(disk.at("two")));
     EXPECT_EQ(contentOf(disk.at("two")), "precious");
     EXPECT_FALSE(isThere(disk.at("one")) || isThere(disk.at("three")));
-    EXPECT_THAT(told,
-                ElementsAre(Pair(0.0F, disk.at("two")), Pair(33.0F, disk.at("one")), Pair(66.0F, disk.at("three"))));
+    EXPECT_THAT(told, ElementsAre(Pair(0.0F, disk.at("two")), Pair(33.0F, disk.at("one")),
+                                  Pair(66.0F, disk.at("three"))));
 }
 
 TEST_F(Eraser, ThatFailsIsFollowedByTheNext) {
@@ -138,7 +146,8 @@ TEST_F(Eraser, TakesTheMarkThatKeepsAFileFromGoing) {
     {
         const Descriptor file(::open(disk.at("fixed").c_str(), O_RDONLY | O_CLOEXEC));
         int flags = FS_IMMUTABLE_FL;
-        if (::ioctl(file.get(), FS_IOC_SETFLAGS, &flags) != 0) GTEST_SKIP() << "no immutable files here";
+        if (::ioctl(file.get(), FS_IOC_SETFLAGS, &flags) != 0)
+            GTEST_SKIP() << "no immutable files here";
     }
     scan();
     prepare({"fixed"});
@@ -176,8 +185,9 @@ TEST_F(Eraser, OfTheControllerGetsWhatIsTicked) {
     std::vector<std::string> errors;
     for (const std::string& line : log.lines)
         if (line.starts_with("--delete")) errors.push_back(line);
-    EXPECT_THAT(errors, ::testing::UnorderedElementsAre("--delete file error ---::" + disk.at("f/one"),
-                                                        "--delete file error ---::" + disk.at("two")));
+    EXPECT_THAT(errors,
+                ::testing::UnorderedElementsAre("--delete file error ---::" + disk.at("f/one"),
+                                                "--delete file error ---::" + disk.at("two")));
 }
 
 TEST_F(Eraser, TheTrashOfTheControllerTakesOnePathAndTellsTheLog) {
@@ -192,7 +202,9 @@ TEST_F(Eraser, TheTrashOfTheControllerTakesOnePathAndTellsTheLog) {
                                                            .reveal = {},
                                                            .openFolder = {}});
                                       LogLines log;
-                                      std::string text = controller.moveFileToTrash(disk.at("data/with blank")) + ',';
+                                      std::string text =
+                                          controller.moveFileToTrash(disk.at("data/with blank")) +
+                                          ',';
                                       text += controller.moveFileToTrash(disk.at("data/own"));
                                       for (const std::string& line : log.lines)
                                           if (line.starts_with("--delete")) text += '\n' + line;
@@ -206,26 +218,30 @@ TEST_F(Eraser, TheTrashOfTheControllerTakesOnePathAndTellsTheLog) {
 // As in a home folder on a server that does not answer.
 TEST_F(Eraser, ATrashThatDoesNotAnswerKeepsNobody) {
     disk.write("data/first", "x");
-    EXPECT_EQ(testing::runInChild(
-                  {},
-                  [this]() -> std::string {
-                      ::setenv("XDG_DATA_HOME", disk.at("share").c_str(), 1);
-                      std::promise<void> answer;
-                      files.beforeRemoval = [waits = answer.get_future().share()](const char* step) {
-                          if (std::strcmp(step, "moveEntry") == 0) waits.wait();
-                      };
-                      controller.setParts(
-                          {.files = &files, .mainQueue = &queue, .ownFiles = {}, .reveal = {}, .openFolder = {}});
-                      std::vector<std::string> answers;
-                      const auto tell = [&](const std::string& reason) { answers.push_back(reason); };
-                      controller.moveFileToTrash(disk.at("data/first"), std::nullopt, tell);
-                      controller.moveFileToTrash(disk.at("data/missing"), std::nullopt, tell);
-                      if (!queue.serveUntil([&] { return answers.size() == 1; })) return "no answer";
-                      answer.set_value();
-                      if (!queue.serveUntil([&] { return answers.size() == 2; })) return "no end";
-                      return answers[0] + ',' + answers[1];
-                  }),
-              "No such file or directory,");
+    EXPECT_EQ(
+        testing::runInChild(
+            {},
+            [this]() -> std::string {
+                ::setenv("XDG_DATA_HOME", disk.at("share").c_str(), 1);
+                std::promise<void> answer;
+                files.beforeRemoval = [waits = answer.get_future().share()](const char* step) {
+                    if (std::strcmp(step, "moveEntry") == 0) waits.wait();
+                };
+                controller.setParts({.files = &files,
+                                     .mainQueue = &queue,
+                                     .ownFiles = {},
+                                     .reveal = {},
+                                     .openFolder = {}});
+                std::vector<std::string> answers;
+                const auto tell = [&](const std::string& reason) { answers.push_back(reason); };
+                controller.moveFileToTrash(disk.at("data/first"), std::nullopt, tell);
+                controller.moveFileToTrash(disk.at("data/missing"), std::nullopt, tell);
+                if (!queue.serveUntil([&] { return answers.size() == 1; })) return "no answer";
+                answer.set_value();
+                if (!queue.serveUntil([&] { return answers.size() == 2; })) return "no end";
+                return answers[0] + ',' + answers[1];
+            }),
+        "No such file or directory,");
     EXPECT_TRUE(isThere(disk.at("share/Trash/files/first")));
 }
 

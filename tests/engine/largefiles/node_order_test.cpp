@@ -1,5 +1,5 @@
-// The order of the nodes: a scan of random trees against the plainest way to the same order, which puts each entry into its place
-// and sorts after each; and looks at wide levels while they grow.
+// The order of the nodes: a scan of random trees against the plainest way to the same order, which
+// puts each entry into its place and sorts after each; and looks at wide levels while they grow.
 #include <gtest/gtest.h>
 #include <rapidcheck.h>
 
@@ -45,16 +45,20 @@ private:
         const auto folder = openFolderByPath(files, path, Links::Follow);
         CatalogBatch batch;
         while (folder && *files.readFolder(folder->get(), batch))
-            for (const CatalogEntry& entry : batch.entries) entries.emplace_back(entry.name, entry.type);
+            for (const CatalogEntry& entry : batch.entries)
+                entries.emplace_back(entry.name, entry.type);
         std::uint64_t total = 0;
         for (const auto& [name, type] : entries) {
-            Node& node = m_nodes.emplace_back(Node{path + "/" + name, type == FileType::Folder, 0, father, {}});
+            Node& node = m_nodes.emplace_back(
+                Node{path + "/" + name, type == FileType::Folder, 0, father, {}});
             std::vector<Node*>& level = father == nullptr ? m_top : father->children;
-            if (!node.isDirectory) node.size = files.attributes(folder->get(), name.c_str(), Links::Keep)->size;
+            if (!node.isDirectory)
+                node.size = files.attributes(folder->get(), name.c_str(), Links::Keep)->size;
             if (father == nullptr && node.isDirectory) level.push_back(&node);
             else
-                level.insert(
-                    std::find_if(level.begin(), level.end(), [&](Node* one) { return one->size <= node.size; }), &node);
+                level.insert(std::find_if(level.begin(), level.end(),
+                                          [&](Node* one) { return one->size <= node.size; }),
+                             &node);
             if (node.isDirectory) readFolder(node.path, &node);
             total += node.size;
             if (father != nullptr) setSize(*father, total);
@@ -63,11 +67,13 @@ private:
     void setSize(Node& node, std::uint64_t size) {
         node.size = size;
         std::vector<Node*>& level = node.father == nullptr ? m_top : node.father->children;
-        std::stable_sort(level.begin(), level.end(), [](const Node* a, const Node* b) { return a->size > b->size; });
+        std::stable_sort(level.begin(), level.end(),
+                         [](const Node* a, const Node* b) { return a->size > b->size; });
     }
     static void append(std::vector<std::string>& out, const std::vector<Node*>& level) {
         for (const Node* node : level) {
-            out.push_back(fmt::format("{}{} {}", node->path, node->isDirectory ? "/" : "", node->size));
+            out.push_back(
+                fmt::format("{}{} {}", node->path, node->isDirectory ? "/" : "", node->size));
             append(out, node->children);
         }
     }
@@ -79,16 +85,17 @@ private:
 
 // Few names and few sizes, so that folders fill up and many entries are of one size.
 bool grow(TestTree& tree) {
-    const auto entries =
-        *rc::gen::resize(40, rc::gen::container<std::vector<std::tuple<std::vector<int>, int>>>(rc::gen::tuple(
-                                 rc::gen::resize(4, rc::gen::container<std::vector<int>>(rc::gen::inRange(0, 3))),
-                                 rc::gen::inRange(-1, 4))));
+    const auto entries = *rc::gen::resize(
+        40, rc::gen::container<std::vector<std::tuple<std::vector<int>, int>>>(rc::gen::tuple(
+                rc::gen::resize(4, rc::gen::container<std::vector<int>>(rc::gen::inRange(0, 3))),
+                rc::gen::inRange(-1, 4))));
     int number = 0;
     for (const auto& [folders, size] : entries) {
         std::string name;
         for (const int folder : folders) name += "d" + std::to_string(folder) + "/";
         name += std::to_string(number++);
-        if (!(size < 0 ? tree.folder(name) : tree.sparse(name, static_cast<std::uint64_t>(size)))) return false;
+        if (!(size < 0 ? tree.folder(name) : tree.sparse(name, static_cast<std::uint64_t>(size))))
+            return false;
     }
     return true;
 }
@@ -112,13 +119,15 @@ TEST(LargeFileOrder, isThatOfTheListingWhereSizesAreEqual) {
     TestTree tree("/dev/shm");
     for (int i = 0; i < 4000; ++i)
         ASSERT_TRUE(tree.sparse("file " + std::to_string(i), static_cast<std::uint64_t>(i % 3)));
-    for (int i = 0; i < 20; ++i) ASSERT_TRUE(tree.sparse(std::to_string(i) + "/x", static_cast<std::uint64_t>(i % 3)));
+    for (int i = 0; i < 20; ++i)
+        ASSERT_TRUE(tree.sparse(std::to_string(i) + "/x", static_cast<std::uint64_t>(i % 3)));
     const auto expected = PlainScan(tree.path()).lines();
-    for (int round = 0; round < 5; ++round) EXPECT_EQ(testing::linesOf(*ScanRun(files, tree.path()).tree), expected);
+    for (int round = 0; round < 5; ++round)
+        EXPECT_EQ(testing::linesOf(*ScanRun(files, tree.path()).tree), expected);
 }
 
-// Wider than what is ordered as a whole, so that a look orders only a part; each look must see what is biggest at its moment, and
-// none may spoil what later ones see.
+// Wider than what is ordered as a whole, so that a look orders only a part; each look must see what
+// is biggest at its moment, and none may spoil what later ones see.
 TEST(LargeFileOrder, ofAWideLevelHoldsWhileItGrowsAndShrinks) {
     std::mt19937 random(7);
     FileNodeTree tree("/chosen");
@@ -148,12 +157,14 @@ TEST(LargeFileOrder, ofAWideLevelHoldsWhileItGrowsAndShrinks) {
         std::erase(expected, std::pair{gone.size(), gone.identity().inode});
         tree.root().removeChild(gone);
         if (goes < count) {
-            ASSERT_EQ(tree.root().biggestChildren(goes + 1)[goes]->identity().inode, expected[goes].second);
+            ASSERT_EQ(tree.root().biggestChildren(goes + 1)[goes]->identity().inode,
+                      expected[goes].second);
         }
     }
 }
 
-// A removal asks on its own thread what stood below a folder, while the owner of the tree scrolls, takes out and adds.
+// A removal asks on its own thread what stood below a folder, while the owner of the tree scrolls,
+// takes out and adds.
 TEST(LargeFileOrder, whatStandsBelowAFolderIsToldWhileItsOwnerChangesIt) {
     std::mt19937 random(11);
     FileNodeTree tree("/chosen");
@@ -182,8 +193,10 @@ TEST(LargeFileOrder, whatStandsBelowAFolderIsToldWhileItsOwnerChangesIt) {
         const auto children = wide.biggestChildren(round % 300 * 50);
         chosen.setState(FileNode::Mixed);
         wide.setIsExpand(round % 2 == 0);
-        if (round % 2 == 0 && wide.childCount() > 15'000) wide.removeChild(*children[random() % 100]);
-        if (round % 64 == 0 && wide.childCount() < 29'000) static_cast<void>(grow(wide, 500, false));
+        if (round % 2 == 0 && wide.childCount() > 15'000)
+            wide.removeChild(*children[random() % 100]);
+        if (round % 64 == 0 && wide.childCount() < 29'000)
+            static_cast<void>(grow(wide, 500, false));
     }
     remover.join();
 }

@@ -1,4 +1,5 @@
-// The end of a scan before its time: at any moment, while the disk does not answer, and when its owner goes.
+// The end of a scan before its time: at any moment, while the disk does not answer, and when its
+// owner goes.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -19,7 +20,8 @@ const LinuxFileSystem files;
 TEST(LargeFileStop, leavesATreeThatHoldsTogetherAndStaysAsItIs) {
     TestTree tree("/dev/shm");
     for (int i = 0; i < 400; ++i)
-        for (int j = 0; j < 12; ++j) ASSERT_TRUE(tree.write(fmt::format("{}/{}/{}", i % 7, i, j), "12345"));
+        for (int j = 0; j < 12; ++j)
+            ASSERT_TRUE(tree.write(fmt::format("{}/{}/{}", i % 7, i, j), "12345"));
     std::mt19937 random(11);
     int cutShort = 0;
     for (int round = 0; round < 60; ++round) {
@@ -47,7 +49,8 @@ TEST(LargeFileStop, leavesATreeThatHoldsTogetherAndStaysAsItIs) {
     EXPECT_GT(cutShort, 5);
 }
 
-// A disk that does not answer holds up neither the stop nor the end of the owner; what it answers later touches nothing.
+// A disk that does not answer holds up neither the stop nor the end of the owner; what it answers
+// later touches nothing.
 TEST(LargeFileStop, waitsForNoDisk) {
     TestTree tree;
     for (const char* name : {"a/1", "b/2", "3"}) ASSERT_TRUE(tree.write(name, "12"));
@@ -72,7 +75,8 @@ TEST(LargeFileStop, waitsForNoDisk) {
     EXPECT_FALSE(queue.step());
 }
 
-// Without a queue the stop comes from another thread, and the tree is there when the walkers are home.
+// Without a queue the stop comes from another thread, and the tree is there when the walkers are
+// home.
 TEST(LargeFileStop, fromAnotherThreadWithoutAQueue) {
     TestTree tree;
     for (int i = 0; i < 200; ++i) ASSERT_TRUE(tree.write(std::to_string(i) + "/x", "1"));

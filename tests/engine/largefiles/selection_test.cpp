@@ -1,4 +1,5 @@
-// The ticks of the large file page: down through what is open, up to what holds it, and what follows from them.
+// The ticks of the large file page: down through what is open, up to what holds it, and what
+// follows from them.
 #include <gtest/gtest.h>
 
 #include <set>
@@ -20,7 +21,8 @@ public:
             const bool isFolder = path.ends_with('/');
             if (isFolder) path.pop_back();
             const std::size_t slash = path.rfind('/');
-            FileNode* const folder = nodeAt(tree, slash == std::string::npos ? "" : path.substr(0, slash));
+            FileNode* const folder =
+                nodeAt(tree, slash == std::string::npos ? "" : path.substr(0, slash));
             const FoundEntry entry{.name = m_names.copy(path.substr(slash + 1)),
                                    .isDirectory = isFolder,
                                    .position = m_position++,
@@ -34,7 +36,8 @@ public:
     std::string states() {
         std::string text;
         for (const std::string& path : m_paths)
-            if (const FileNode* const node = nodeAt(tree, path); node != nullptr && node->state() != 0)
+            if (const FileNode* const node = nodeAt(tree, path);
+                node != nullptr && node->state() != 0)
                 text += path + ' ' + std::to_string(node->state()) + ", ";
         return text;
     }
@@ -117,7 +120,8 @@ TEST(Selection, WhatWouldGoIsTheTopmostTickedOnesTheBiggestFirst) {
     GrownTree grown({"f/", "f/d/", "f/d/1", "f/d/2", "f/3", "g", "h/", "h/4", "i/"});
     const auto names = [&] {
         std::string text;
-        for (const FileNode* const node : tickedOf(grown.tree.root().children())) text += node->path() + ' ';
+        for (const FileNode* const node : tickedOf(grown.tree.root().children()))
+            text += node->path() + ' ';
         return text;
     };
     EXPECT_EQ(names(), "");
@@ -173,11 +177,15 @@ TEST(Selection, KnowsTheSystemsFoldersByTheirOwnPathsAlone) {
         const char* chosen;
         const char* name;
         bool isSystem;
-    } cases[] = {{"/", "usr", true}, {"/", "lost", false}, {"/usr", "lib", true}, {"/home/usr", "lib", false}};
+    } cases[] = {{"/", "usr", true},
+                 {"/", "lost", false},
+                 {"/usr", "lib", true},
+                 {"/home/usr", "lib", false}};
     for (const auto& [chosen, name, isSystem] : cases) {
         FileNodeTree tree(chosen);
         const FoundEntry entry{.name = name, .isDirectory = true, .type = FileType::Folder};
-        EXPECT_EQ(tree.add(tree.root(), {&entry, 1}).front()->isSystemFile(), isSystem) << chosen << ' ' << name;
+        EXPECT_EQ(tree.add(tree.root(), {&entry, 1}).front()->isSystemFile(), isSystem)
+            << chosen << ' ' << name;
     }
 }
 

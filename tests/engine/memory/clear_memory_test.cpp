@@ -1,4 +1,5 @@
-// The command-line run that touches memory: its arguments, its exit statuses, and that it does touch.
+// The command-line run that touches memory: its arguments, its exit statuses, and that it does
+// touch.
 #include <gtest/gtest.h>
 
 #include <unistd.h>
@@ -56,8 +57,9 @@ long peak() {
     return -1;
 }
 
-/// How far the memory held grows at the peak of a run, in KiB; -1 when the run fails. Called in a child, as the reset
-/// is for the process. (The peak of getrusage would not do: a child begins with its parent's.)
+/// How far the memory held grows at the peak of a run, in KiB; -1 when the run fails. Called in a
+/// child, as the reset is for the process. (The peak of getrusage would not do: a child begins with
+/// its parent's.)
 long growth(const char* size) {
     std::ofstream("/proc/self/clear_refs") << "5" << std::flush;
     const long before = peak();
@@ -81,10 +83,13 @@ TEST(ClearMemory, TouchesTheLow32BitsInWholeKibibytes) {
     };
     for (const auto& each : cases) {
         const auto check = [&each] {
-            // The C library's own first use of memory, and what else shares the page tables, stays far below 4 MiB.
+            // The C library's own first use of memory, and what else shares the page tables, stays
+            // far below 4 MiB.
             const long grown = growth(each.size);
             std::fprintf(stderr, "grew by %ld KiB\n", grown);
-            ::_exit(grown >= each.kibibytes - 4096 && grown >= 0 && grown <= each.kibibytes + 4096 ? 0 : 1);
+            ::_exit(grown >= each.kibibytes - 4096 && grown >= 0 && grown <= each.kibibytes + 4096
+                        ? 0
+                        : 1);
         };
         EXPECT_EXIT(check(), ::testing::ExitedWithCode(0), "") << each.size;
     }

@@ -1,4 +1,5 @@
-// PairList: a removal of the files of one folder, for each of which the file of the same name in another folder stays.
+// PairList: a removal of the files of one folder, for each of which the file of the same name in
+// another folder stays.
 #pragma once
 
 #include <dirent.h>
@@ -17,7 +18,8 @@ namespace orrinvale::testing {
 class PairList final : public RemovalList {
 public:
     /// Looks at all of them now, as a scan would have.
-    PairList(const FileSystem& files, const std::string& leaving, const std::string& staying, bool compares = true)
+    PairList(const FileSystem& files, const std::string& leaving, const std::string& staying,
+             bool compares = true)
         : m_files(files), m_compares(compares) {
         DIR* const listing = ::opendir(leaving.c_str());
         if (listing == nullptr) return;
@@ -42,7 +44,9 @@ public:
 
     std::size_t size() const override { return m_pairs.size(); }
     std::string path(std::size_t index) const override { return m_pairs[index].path; }
-    std::optional<EntryIdentity> identity(std::size_t index) const override { return m_pairs[index].identity; }
+    std::optional<EntryIdentity> identity(std::size_t index) const override {
+        return m_pairs[index].identity;
+    }
     std::uint64_t bytes(std::size_t index) const override { return m_pairs[index].identity.size; }
     bool isCopy(std::size_t /*index*/) const override { return true; }
     tl::expected<std::unique_ptr<CopyLook>, StayedEntry> judge(std::size_t index) override {
@@ -52,7 +56,8 @@ public:
     void settled(std::size_t index, const RemovalResult& result) override {
         if (!result.changed) return;
         for (Pair& each : m_pairs)
-            if (each.identity.inode == m_pairs[index].identity.inode) each.identity.changed = *result.changed;
+            if (each.identity.inode == m_pairs[index].identity.inode)
+                each.identity.changed = *result.changed;
     }
 
 private:

@@ -46,16 +46,18 @@ TEST(AsideJournal, EachRecordComesBackByteForByte) {
     EXPECT_EQ(parseAsideJournal(text), records);
     // As the power leaves it: the last line is not whole.
     for (std::size_t cut = 1; cut < 40; ++cut)
-        EXPECT_EQ(parseAsideJournal(std::string_view(text).substr(0, text.size() - cut)).size(), 2U) << cut;
+        EXPECT_EQ(parseAsideJournal(std::string_view(text).substr(0, text.size() - cut)).size(), 2U)
+            << cut;
 }
 
 TEST(AsideJournal, WhatCouldLeadElsewhereIsNoRecord) {
     const std::string head = writeAsideJournal({});
     for (const std::string line :
-         {"0123456789abcdef 1 2 1 a", "0123456789abcdef 1 2 1 /a/../b", "0123456789abcdef 1 2 1 /a/",
-          "0123456789abcdef 1 2 1 //a", "0123456789abcdef 1 2 1 /", "0123456789abcdef 1 2 1 ",
-          "0123456789abcdef 1 2 99 /a", "0123456789abcdef 1 -2 1 /a", "0123456789ABCDEF 1 2 1 /a",
-          "../../../../../x 1 2 1 /a", "0123456789abcdef 1 2 1 /a\\x", "0123456789abcdef 1 2 /a", ""})
+         {"0123456789abcdef 1 2 1 a", "0123456789abcdef 1 2 1 /a/../b",
+          "0123456789abcdef 1 2 1 /a/", "0123456789abcdef 1 2 1 //a", "0123456789abcdef 1 2 1 /",
+          "0123456789abcdef 1 2 1 ", "0123456789abcdef 1 2 99 /a", "0123456789abcdef 1 -2 1 /a",
+          "0123456789ABCDEF 1 2 1 /a", "../../../../../x 1 2 1 /a", "0123456789abcdef 1 2 1 /a\\x",
+          "0123456789abcdef 1 2 /a", ""})
         EXPECT_THAT(parseAsideJournal(head + line + '\n'), IsEmpty()) << line;
     EXPECT_THAT(parseAsideJournal("0123456789abcdef 1 2 1 /a\n"), IsEmpty()) << "no journal";
 }
@@ -95,7 +97,8 @@ TEST(AsideJournal, TheNextStartBringsBackWhatIsAsideAndNothingElse) {
             const std::vector<AsideRecord> records{recordOf(tree, "f")};
             ASSERT_TRUE(journal->add(records).has_value());
             c.meanwhile(tree);
-            EXPECT_THAT(bringBackAside(LinuxFileSystem(), state.at("removals")).broughtBack, IsEmpty())
+            EXPECT_THAT(bringBackAside(LinuxFileSystem(), state.at("removals")).broughtBack,
+                        IsEmpty())
                 << "the removal still runs";
         }
         const AsideRecovery recovery = bringBackAside(LinuxFileSystem(), state.at("removals"));

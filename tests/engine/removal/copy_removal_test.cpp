@@ -1,4 +1,5 @@
-// One copy on its way out: what lets it go, what keeps it, and that nothing is lost whatever happens between two steps.
+// One copy on its way out: what lets it go, what keeps it, and that nothing is lost whatever
+// happens between two steps.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -52,12 +53,14 @@ bool isAnythingAside(const std::string& folder) {
     bool found = false;
     DIR* const listing = ::opendir(folder.c_str());
     if (listing == nullptr) return false;
-    while (const dirent* const entry = ::readdir(listing)) found = found || isAsideName(entry->d_name);
+    while (const dirent* const entry = ::readdir(listing))
+        found = found || isAsideName(entry->d_name);
     ::closedir(listing);
     return found;
 }
 
-// Two files of equal contents, "a" to go and "b" to stay; what happens before the removal, and what becomes of them.
+// Two files of equal contents, "a" to go and "b" to stay; what happens before the removal, and what
+// becomes of them.
 TEST(CopyRemoval, GoesOnlyForACopyThatIsThere) {
     struct Case {
         const char* what;
@@ -75,16 +78,18 @@ TEST(CopyRemoval, GoesOnlyForACopyThatIsThere) {
     };
     const std::vector<Case> cases{
         {"nothing", [](TestTree&) {}, true, {}},
-        {"the copy is gone", [](TestTree& tree) { ::unlink(tree.at("b").c_str()); }, false, stay::noCopy},
-        {"the copy was written to", [](TestTree& tree) { tree.patch("b", 299'999, "x"); }, false, stay::noCopy},
+        {"the copy is gone", [](TestTree& tree) { ::unlink(tree.at("b").c_str()); }, false,
+         stay::noCopy},
+        {"the copy was written to", [](TestTree& tree) { tree.patch("b", 299'999, "x"); }, false,
+         stay::noCopy},
         {"the copy is a link now",
          [](TestTree& tree) {
              ::unlink(tree.at("b").c_str());
              tree.symlink("a", "b");
          },
          false, stay::noCopy},
-        {"the one to go was written to and its time set back", [&](TestTree& tree) { keepTimes(tree, "a", 5); }, false,
-         stay::changed},
+        {"the one to go was written to and its time set back",
+         [&](TestTree& tree) { keepTimes(tree, "a", 5); }, false, stay::changed},
         {"the one to go is another file",
          [&](TestTree& tree) {
              tree.write("c", bytes);
@@ -107,13 +112,16 @@ TEST(CopyRemoval, GoesOnlyForACopyThatIsThere) {
     }
 }
 
-// Equal by sizes and times, and yet not by their contents: as a mapping that was dirty before the scan leaves them.
+// Equal by sizes and times, and yet not by their contents: as a mapping that was dirty before the
+// scan leaves them.
 TEST(CopyRemoval, ContentsDecide) {
-    for (const std::uint64_t at : {std::uint64_t{0}, std::uint64_t{262'144}, std::uint64_t{599'999}}) {
+    for (const std::uint64_t at :
+         {std::uint64_t{0}, std::uint64_t{262'144}, std::uint64_t{599'999}}) {
         TestTree tree;
         const LinuxFileSystem files;
         const std::string bytes = testing::someBytes(600'000, 1);
-        ASSERT_TRUE(tree.write("a", bytes) && tree.write("b", bytes) && tree.patch("b", at, "\x01\x02\x03"));
+        ASSERT_TRUE(tree.write("a", bytes) && tree.write("b", bytes) &&
+                    tree.patch("b", at, "\x01\x02\x03"));
         PairList list(files, tree.at("none"), {});
         list.add(tree.at("a"), tree.at("b"));
         EXPECT_EQ(run(files, list, tree.at("state")).reason(), stay::otherContents) << at;
@@ -131,17 +139,20 @@ TEST(CopyRemoval, WhatIsOpenOrMappedForWritingStays) {
             list.add(tree.at("a"), tree.at("b"));
             const int file = ::open(tree.at(name).c_str(), O_RDWR | O_CLOEXEC);
             ASSERT_GE(file, 0);
-            void* const map = isMapped ? ::mmap(nullptr, 8, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0) : MAP_FAILED;
+            void* const map = isMapped
+                                  ? ::mmap(nullptr, 8, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0)
+                                  : MAP_FAILED;
             if (isMapped) ::close(file);
-            EXPECT_EQ(run(files, list, tree.at("state")).reason(), *name == 'a' ? stay::inUse : stay::copyInUse);
+            EXPECT_EQ(run(files, list, tree.at("state")).reason(),
+                      *name == 'a' ? stay::inUse : stay::copyInUse);
             if (isMapped) ::munmap(map, 8);
             else ::close(file);
             EXPECT_EQ(run(files, list, tree.at("state")).outcome.removed, 1U);
         }
 }
 
-// Between the steps of a removal somebody acts. Whatever becomes of the removal, the bytes of "a" and what came in its place are
-// not lost.
+// Between the steps of a removal somebody acts. Whatever becomes of the removal, the bytes of "a"
+// and what came in its place are not lost.
 TEST(CopyRemoval, NothingIsLostBetweenTheSteps) {
     struct Case {
         const char* what;
@@ -164,7 +175,8 @@ TEST(CopyRemoval, NothingIsLostBetweenTheSteps) {
         {"a file is saved over it before it is set aside", "renameInside", save},
         {"a file is saved under its name while it is aside", "freshAttributes", save},
         {"a file is saved under its name before it goes", "removeEntry", save},
-        {"the copy goes while it is aside", "freshAttributes", [](TestTree& tree) { ::unlink(tree.at("b").c_str()); }},
+        {"the copy goes while it is aside", "freshAttributes",
+         [](TestTree& tree) { ::unlink(tree.at("b").c_str()); }},
         {"the copy is exchanged while it is aside", "freshAttributes",
          [](TestTree& tree) { tree.write("b", "other"); }},
         {"it is written to while it is aside", "freshAttributes",
@@ -195,7 +207,8 @@ TEST(CopyRemoval, NothingIsLostBetweenTheSteps) {
         if (isSaved) {
             EXPECT_EQ(a, "saved anew") << c.what;
         }
-        const bool isOldThere = a == "the same" || b == "the same" || contentOf(aside) == "the same" || a == "the" ||
+        const bool isOldThere = a == "the same" || b == "the same" ||
+                                contentOf(aside) == "the same" || a == "the" ||
                                 contentOf(aside) == "the";
         EXPECT_TRUE(isOldThere) << c.what;
     }
@@ -222,7 +235,8 @@ TEST(CopyRemoval, ATakenNameLeavesItAsideAndTold) {
     EXPECT_EQ(bringBackAside(files, tree.at("state/removals")).stayed.size(), 1U);
 }
 
-// Another name of the same file has a new time of change by our own doing, and exactly that one is excused.
+// Another name of the same file has a new time of change by our own doing, and exactly that one is
+// excused.
 TEST(CopyRemoval, HardLinksAreCopiesOfEachOther) {
     TestTree tree;
     WatchedFiles files;
@@ -233,11 +247,13 @@ TEST(CopyRemoval, HardLinksAreCopiesOfEachOther) {
     EXPECT_EQ(contentOf(tree.at("b")), "the same");
 }
 
-// As an ordinary user, in a folder of somebody else: told as a lack of rights, and nothing was moved.
+// As an ordinary user, in a folder of somebody else: told as a lack of rights, and nothing was
+// moved.
 TEST(CopyRemoval, ALackOfRightsIsTold) {
     if (::geteuid() != 0) GTEST_SKIP() << "only root can make a folder of someone else";
     TestTree tree;
-    ASSERT_TRUE(tree.write("theirs/a", "the same") && tree.write("b", "the same") && tree.folder("state"));
+    ASSERT_TRUE(tree.write("theirs/a", "the same") && tree.write("b", "the same") &&
+                tree.folder("state"));
     ASSERT_EQ(::chown(tree.at("state").c_str(), 65534, 65534), 0);
     EXPECT_EQ(testing::runInChild({.ordinaryUser = true},
                                   [&]() -> std::string {
@@ -245,7 +261,8 @@ TEST(CopyRemoval, ALackOfRightsIsTold) {
                                       PairList list(files, tree.at("none"), {});
                                       list.add(tree.at("theirs/a"), tree.at("b"));
                                       const Removed removed = run(files, list, tree.at("state"));
-                                      if (!removed.outcome.lacksRights) return "no lack of rights: " + removed.reason();
+                                      if (!removed.outcome.lacksRights)
+                                          return "no lack of rights: " + removed.reason();
                                       return isThere(tree.at("theirs/a")) ? "" : "it went";
                                   }),
               "");
@@ -255,8 +272,8 @@ TEST(CopyRemoval, ALackOfRightsIsTold) {
 TEST(CopyRemoval, ASecondViewOfOneFileIsNoCopy) {
     testing::withOwnMounts([]() -> std::string {
         const auto make = [](const char* folder) { return ::mkdir(folder, 0755) == 0; };
-        for (const char* const folder :
-             {"/mnt/lower", "/mnt/upper", "/mnt/work", "/mnt/merged", "/mnt/real", "/mnt/bound", "/mnt/state"})
+        for (const char* const folder : {"/mnt/lower", "/mnt/upper", "/mnt/work", "/mnt/merged",
+                                         "/mnt/real", "/mnt/bound", "/mnt/state"})
             if (!make(folder)) return std::string("mkdir ") + folder;
         const auto write = [](const std::string& path) {
             const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
@@ -264,30 +281,35 @@ TEST(CopyRemoval, ASecondViewOfOneFileIsNoCopy) {
             ::close(file);
             return isGood;
         };
-        if (!write("/mnt/lower/l") || !write("/mnt/upper/u") || !write("/mnt/real/r")) return "write";
-        if (::mount("/mnt/real", "/mnt/bound", nullptr, MS_BIND, nullptr) != 0) return "skip: no bind mounts";
+        if (!write("/mnt/lower/l") || !write("/mnt/upper/u") || !write("/mnt/real/r"))
+            return "write";
+        if (::mount("/mnt/real", "/mnt/bound", nullptr, MS_BIND, nullptr) != 0)
+            return "skip: no bind mounts";
         if (::mount("overlay", "/mnt/merged", "overlay", 0,
                     "lowerdir=/mnt/lower,upperdir=/mnt/upper,workdir=/mnt/work") != 0)
             return "skip: no overlay";
-        const std::vector<std::pair<std::string, std::string>> pairs{{"/mnt/bound/r", "/mnt/real/r"},
-                                                                     {"/mnt/real/r", "/mnt/bound/r"},
-                                                                     {"/mnt/merged/u", "/mnt/upper/u"},
-                                                                     {"/mnt/upper/u", "/mnt/merged/u"},
-                                                                     {"/mnt/lower/l", "/mnt/merged/l"}};
+        const std::vector<std::pair<std::string, std::string>> pairs{
+            {"/mnt/bound/r", "/mnt/real/r"},
+            {"/mnt/real/r", "/mnt/bound/r"},
+            {"/mnt/merged/u", "/mnt/upper/u"},
+            {"/mnt/upper/u", "/mnt/merged/u"},
+            {"/mnt/lower/l", "/mnt/merged/l"}};
         const LinuxFileSystem files;
         for (const auto& [leaving, staying] : pairs) {
             PairList list(files, "/mnt/none", {});
             list.add(leaving, staying);
             if (list.size() != 1) return leaving + " is not there any more";
             const Removed removed = run(files, list, "/mnt/state");
-            if (!isThere(leaving) || !isThere(staying)) return leaving + " went, with " + staying + " as its copy";
+            if (!isThere(leaving) || !isThere(staying))
+                return leaving + " went, with " + staying + " as its copy";
             if (removed.outcome.failed != 1) return leaving + " is told as removed";
         }
         return {};
     });
 }
 
-// A server whose answers are remembered for a minute still shows the file that goes, unless it is asked anew.
+// A server whose answers are remembered for a minute still shows the file that goes, unless it is
+// asked anew.
 TEST(CopyRemoval, ASecondViewThatIsRememberedIsNoCopy) {
     testing::ServedFiles served({"cache"});
     if (!served.isThere()) GTEST_SKIP() << "no FUSE here";

@@ -1,5 +1,6 @@
-// Removals under attack, by real processes: killed at any moment, two at once with opposite ticks, files saved over what goes, and
-// each system call failing once. ORRINVALE_ROUNDS multiplies the rounds.
+// Removals under attack, by real processes: killed at any moment, two at once with opposite ticks,
+// files saved over what goes, and each system call failing once. ORRINVALE_ROUNDS multiplies the
+// rounds.
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -66,8 +67,8 @@ std::vector<std::string> namesIn(const std::string& folder) {
 
 std::size_t asideIn(const std::string& folder) {
     const auto names = namesIn(folder);
-    return static_cast<std::size_t>(
-        std::count_if(names.begin(), names.end(), [](const auto& name) { return isAsideName(name); }));
+    return static_cast<std::size_t>(std::count_if(
+        names.begin(), names.end(), [](const auto& name) { return isAsideName(name); }));
 }
 
 void makePairs(TestTree& tree, int count) {
@@ -97,13 +98,15 @@ TEST(RemovalAttack, AKillLeavesNothingAsideAfterTheNextStart) {
         (void)bringBackAside(LinuxFileSystem(), tree.at("state/removals"));
         ASSERT_EQ(asideIn(tree.at("a")), 0U) << round;
         ASSERT_EQ(namesIn(tree.at("b")).size(), files) << round;
-        for (const std::string& name : namesIn(tree.at("a"))) ASSERT_EQ(contentOf(tree.at("a/" + name)), name);
+        for (const std::string& name : namesIn(tree.at("a")))
+            ASSERT_EQ(contentOf(tree.at("a/" + name)), name);
     }
     EXPECT_GT(inTheMiddle, 0) << "no kill hit a removal that was under way";
     RecordProperty("killsInTheMiddle", inTheMiddle);
 }
 
-// What one removes the other one relies on. They take no turns here: each has a state folder of its own.
+// What one removes the other one relies on. They take no turns here: each has a state folder of its
+// own.
 TEST(RemovalAttack, TwoRemovalsWithOppositeTicksNeverTakeBothCopies) {
     constexpr int files = 300;
     std::size_t met = 0;
@@ -124,7 +127,8 @@ TEST(RemovalAttack, TwoRemovalsWithOppositeTicksNeverTakeBothCopies) {
     RecordProperty("bothStayed", std::to_string(met));
 }
 
-// An editor saves by renaming a new file over the old one, again and again, while that one is removed.
+// An editor saves by renaming a new file over the old one, again and again, while that one is
+// removed.
 TEST(RemovalAttack, AFileThatIsSavedMeanwhileIsNeverLost) {
     TestTree tree;
     const LinuxFileSystem files;
@@ -176,24 +180,27 @@ TEST(RemovalAttack, AFileThatIsSavedMeanwhileIsNeverLost) {
     EXPECT_EQ(lost, 0);
 }
 
-// Each call that changes or looks fails once, at each of its turns. Nothing is lost then, and nothing is aside after the next start.
+// Each call that changes or looks fails once, at each of its turns. Nothing is lost then, and
+// nothing is aside after the next start.
 TEST(RemovalAttack, AnyCallThatFailsLosesNothing) {
     if (::system("strace -V >/dev/null 2>&1") != 0) GTEST_SKIP() << "strace is not installed";
     int injected = 0;
-    for (const char* const call : {"renameat2", "statx", "unlinkat", "openat", "openat2", "fdatasync", "fsync", "write",
-                                   "flock", "preadv2", "pread64", "fcntl", "close"})
+    for (const char* const call :
+         {"renameat2", "statx", "unlinkat", "openat", "openat2", "fdatasync", "fsync", "write",
+          "flock", "preadv2", "pread64", "fcntl", "close"})
         for (const char* const error : {"EIO", "ENOSPC"})
             for (int when = 1; when <= 12; when += 1 + when / 4) {
                 TestTree tree;
                 makePairs(tree, 3);
                 (void)waitFor(start({"strace", "-f", "-qq", "-o", "/dev/null", "-e",
-                                     fmt::format("inject={}:error={}:when={}", call, error, when), program,
-                                     tree.at("a"), tree.at("b"), tree.at("state")}));
+                                     fmt::format("inject={}:error={}:when={}", call, error, when),
+                                     program, tree.at("a"), tree.at("b"), tree.at("state")}));
                 ++injected;
                 (void)bringBackAside(LinuxFileSystem(), tree.at("state/removals"));
                 ASSERT_EQ(asideIn(tree.at("a")), 0U) << call << ' ' << error << ' ' << when;
                 for (int i = 0; i < 3; ++i)
-                    ASSERT_EQ(contentOf(tree.at(fmt::format("b/{}", i))), std::to_string(i)) << call;
+                    ASSERT_EQ(contentOf(tree.at(fmt::format("b/{}", i))), std::to_string(i))
+                        << call;
                 for (const std::string& name : namesIn(tree.at("a")))
                     ASSERT_EQ(contentOf(tree.at("a/" + name)), name) << call;
             }

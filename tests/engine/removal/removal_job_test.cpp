@@ -35,7 +35,8 @@ public:
     /// Runs the next piece of work; false when none comes within five seconds.
     bool runNext() {
         std::unique_lock lock(m_mutex);
-        if (!m_came.wait_for(lock, std::chrono::seconds(5), [this] { return !m_work.empty(); })) return false;
+        if (!m_came.wait_for(lock, std::chrono::seconds(5), [this] { return !m_work.empty(); }))
+            return false;
         const auto work = std::move(m_work.front());
         m_work.pop_front();
         lock.unlock();
@@ -52,12 +53,14 @@ private:
 struct Page {
     explicit Page(TestTree& tree, const FileSystem& files, int count) {
         for (int i = 0; i < count; ++i)
-            for (const char* const folder : {"a", "b"}) tree.write(fmt::format("{}/{:04}", folder, i), "the same");
+            for (const char* const folder : {"a", "b"})
+                tree.write(fmt::format("{}/{:04}", folder, i), "the same");
         list = std::make_shared<PairList>(files, tree.at("a"), tree.at("b"));
         job = std::make_unique<RemovalJob>(
-            RemovalJob::Parts{&files, &queue,
-                              [&files] { return std::make_unique<PlainDoor>(files, ProtectedPlaces()); },
-                              tree.at("state")},
+            RemovalJob::Parts{
+                &files, &queue,
+                [&files] { return std::make_unique<PlainDoor>(files, ProtectedPlaces()); },
+                tree.at("state")},
             list, [this] {
                 RemovalJob::News news = job->takeNews();
                 for (const auto& each : news.settled) settled.push_back(each);
@@ -83,7 +86,8 @@ TEST(RemovalJob, TellsEachEntryInOrderAndTheEndLast) {
     EXPECT_EQ(page.outcome->removed, 50U);
     EXPECT_EQ(page.outcome->bytes, 50U * 8);
     ASSERT_EQ(page.settled.size(), 50U);
-    for (std::size_t i = 0; i < 50; ++i) EXPECT_TRUE(page.settled[i].index == i && page.settled[i].gone);
+    for (std::size_t i = 0; i < 50; ++i)
+        EXPECT_TRUE(page.settled[i].index == i && page.settled[i].gone);
     EXPECT_EQ(page.job->progress().done, 50U);
     EXPECT_FALSE(isThere(tree.at("a/0049")));
 }

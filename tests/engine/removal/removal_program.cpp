@@ -1,6 +1,7 @@
-// removal_program LEAVING STAYING STATE [--blind]: removes the files of one folder, for each of which the file of the same name in the
-// other one stays, and prints what became of them. Tests kill it, run two at once, and let its system calls fail. With --blind nothing
-// is compared. `removal_program --recover STATE` is the next start.
+// removal_program LEAVING STAYING STATE [--blind]: removes the files of one folder, for each of
+// which the file of the same name in the other one stays, and prints what became of them. Tests
+// kill it, run two at once, and let its system calls fail. With --blind nothing is compared.
+// `removal_program --recover STATE` is the next start.
 #include <fmt/format.h>
 
 #include <cstdlib>
@@ -18,8 +19,8 @@ int main(int argc, char** argv) {
     if (std::getenv("ORRINVALE_LOG") == nullptr) Log::setSink([](std::string_view) {});
     if (argc == 3 && std::string_view(argv[1]) == "--recover") {
         const AsideRecovery recovery = bringBackAside(files, asideJournalFolder(argv[2]));
-        fmt::print("{} back, {} stayed, {} later\n", recovery.broughtBack.size(), recovery.stayed.size(),
-                   recovery.later);
+        fmt::print("{} back, {} stayed, {} later\n", recovery.broughtBack.size(),
+                   recovery.stayed.size(), recovery.later);
         return 0;
     }
     if (argc < 4) return 2;
@@ -32,7 +33,8 @@ int main(int argc, char** argv) {
                         .settled = [](std::size_t, const RemovalResult&) {}});
     const RemovalOutcome outcome = removal.run();
     removal.settleJournal();
-    fmt::print("{} removed, {} by others, {} failed\n", outcome.removed, outcome.byOthers, outcome.failed);
+    fmt::print("{} removed, {} by others, {} failed\n", outcome.removed, outcome.byOthers,
+               outcome.failed);
     for (std::size_t i = 0; i < outcome.stayed.size() && i < 10; ++i)
         fmt::print("{}: {}\n", outcome.stayed[i].reason, outcome.stayed[i].path);
     return outcome.failed == 0 ? 0 : 1;

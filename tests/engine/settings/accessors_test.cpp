@@ -44,10 +44,11 @@ TEST_F(AccessorsTest, FreshAccount) {
     EXPECT_EQ(defaults.floatForKey("SpaceAlarm"), 0.1F);
     EXPECT_EQ(defaults.floatForKey("MemoryAlarm"), 0.1F);
     std::string numbers;
-    for (const char* key : {"SystemCaches", "UserCaches", "SystemLogs", "UserLogs", "UserTrash", "UserDownloads",
-                            "ZvLoginItemIsHide", "LoginCheck", "ZvMyMacClicked", "ZvLastClickRow", "ZvToolbarItem",
-                            "ZvToolbarItem_app", "ZvDuplicationLimit", "ZvDuplicatesUnit", "ZvHidenDuplication",
-                            "ZvSystemDuplication", "ZvShowStatusItem", "ZvDiskUsageLimit", "ZvDiskUsageUnit"}) {
+    for (const char* key :
+         {"SystemCaches", "UserCaches", "SystemLogs", "UserLogs", "UserTrash", "UserDownloads",
+          "ZvLoginItemIsHide", "LoginCheck", "ZvMyMacClicked", "ZvLastClickRow", "ZvToolbarItem",
+          "ZvToolbarItem_app", "ZvDuplicationLimit", "ZvDuplicatesUnit", "ZvHidenDuplication",
+          "ZvSystemDuplication", "ZvShowStatusItem", "ZvDiskUsageLimit", "ZvDiskUsageUnit"}) {
         EXPECT_TRUE(defaults.objectForKey(key)) << key;
         numbers += std::to_string(defaults.integerForKey(key));
     }
@@ -79,15 +80,18 @@ TEST_F(AccessorsTest, TheGuideTellsEveryKeyAndItsDefault) {
     PreferenceViewController::initialize();
     registerPreferencesWindowDefaults();
     std::map<std::string, std::string> expected;
-    const std::string keys = testing::contentOf(ORRINVALE_SOURCES "/engine/settings/SettingsKeys.h");
+    const std::string keys =
+        testing::contentOf(ORRINVALE_SOURCES "/engine/settings/SettingsKeys.h");
     const std::regex key("const char\\* \\w+ = \"(\\w+)\"");
-    for (std::sregex_iterator each(keys.begin(), keys.end(), key); each != std::sregex_iterator(); ++each) {
+    for (std::sregex_iterator each(keys.begin(), keys.end(), key); each != std::sregex_iterator();
+         ++each) {
         const std::string name = (*each)[1];
         const SettingObject value = defaults.objectForKey(name);
         const bool isText = value && std::holds_alternative<std::string>(*value);
-        expected[name] = !value   ? ""
-                         : isText ? (boolOf(*value) ? "true" : "false")
-                                  : printSettings({{"v", *value}}).substr(printSettings({}).size() + 4);
+        expected[name] = !value ? ""
+                         : isText
+                             ? (boolOf(*value) ? "true" : "false")
+                             : printSettings({{"v", *value}}).substr(printSettings({}).size() + 4);
         if (expected[name].ends_with('\n')) expected[name].pop_back();
     }
     EXPECT_GT(expected.size(), 30U);
@@ -101,15 +105,18 @@ TEST_F(AccessorsTest, CategoriesKeepTheirNumberAndCountAsThere) {
         SettingObject (*get)();
         const char* key;
     };
-    for (const Row& row : {Row{&P::setSystemCashesClicked, &P::getSystemCashesClicked, "SystemCaches"},
-                           Row{&P::setUserCashesClicked, &P::getUserCashesClicked, "UserCaches"},
-                           Row{&P::setSystemLogsClicked, &P::getSystemLogsClickedClicked, "SystemLogs"},
-                           Row{&P::setUserLogsClicked, &P::getUserLogsClicked, "UserLogs"},
-                           Row{&P::setUserTrashClicked, &P::getUserTrashClicked, "UserTrash"},
-                           Row{&P::setUserDownLoadsFolderClicked, &P::getUserDownLoadsFoldeClicked, "UserDownloads"}})
+    for (const Row& row :
+         {Row{&P::setSystemCashesClicked, &P::getSystemCashesClicked, "SystemCaches"},
+          Row{&P::setUserCashesClicked, &P::getUserCashesClicked, "UserCaches"},
+          Row{&P::setSystemLogsClicked, &P::getSystemLogsClickedClicked, "SystemLogs"},
+          Row{&P::setUserLogsClicked, &P::getUserLogsClicked, "UserLogs"},
+          Row{&P::setUserTrashClicked, &P::getUserTrashClicked, "UserTrash"},
+          Row{&P::setUserDownLoadsFolderClicked, &P::getUserDownLoadsFoldeClicked,
+              "UserDownloads"}})
         for (const Int state : {Int{2}, Int{0}}) {
             EXPECT_TRUE(row.set(state)) << row.key;
-            EXPECT_EQ(UserDefaults(defaults.path()).objectForKey(row.key), SettingObject(state)) << row.key;
+            EXPECT_EQ(UserDefaults(defaults.path()).objectForKey(row.key), SettingObject(state))
+                << row.key;
             EXPECT_EQ(row.get(), SettingObject(state)) << row.key;
             EXPECT_TRUE(row.get()) << "a stored 0 is there, " << row.key;
         }
@@ -129,10 +136,12 @@ TEST_F(AccessorsTest, OtherAccessors) {
     EXPECT_EQ(P::getLastClickRow(), 4);
     EXPECT_TRUE(defaults.isUnsaved()) << "one of these has synchronized";
     EXPECT_TRUE(P::setHiddenStatusItem(true));
-    EXPECT_TRUE(P::getHiddenStatusItem() && UserDefaults(defaults.path()).boolForKey("ZvShowStatusItem"));
+    EXPECT_TRUE(P::getHiddenStatusItem() &&
+                UserDefaults(defaults.path()).boolForKey("ZvShowStatusItem"));
     EXPECT_TRUE(P::compareBeforeRemoving());
     EXPECT_TRUE(P::setCompareBeforeRemoving(false));
-    EXPECT_TRUE(!P::compareBeforeRemoving() && UserDefaults(defaults.path()).objectForKey("compareBeforeRemoving"));
+    EXPECT_TRUE(!P::compareBeforeRemoving() &&
+                UserDefaults(defaults.path()).objectForKey("compareBeforeRemoving"));
 }
 
 TEST(UserFolders, EachBelowItsOwnHome) {
@@ -145,9 +154,9 @@ TEST(UserFolders, EachBelowItsOwnHome) {
     const char* const before = std::getenv("HOME");
     const std::string home = before != nullptr ? before : "";
     ::setenv("HOME", tree.path().c_str(), 1);
-    for (const Row& row :
-         {Row{&userConfigFolder, "XDG_CONFIG_HOME", ".config"}, Row{&userDataFolder, "XDG_DATA_HOME", ".local/share"},
-          Row{&userStateFolder, "XDG_STATE_HOME", ".local/state"}}) {
+    for (const Row& row : {Row{&userConfigFolder, "XDG_CONFIG_HOME", ".config"},
+                           Row{&userDataFolder, "XDG_DATA_HOME", ".local/share"},
+                           Row{&userStateFolder, "XDG_STATE_HOME", ".local/state"}}) {
         ::unsetenv(row.variable);
         EXPECT_EQ(row.folder(), tree.at(std::string(row.usual) + "/com.kelpford.Orrinvale"));
         ::setenv(row.variable, tree.at("own").c_str(), 1);
@@ -165,16 +174,16 @@ TEST_F(AccessorsTest, SnapshotAndItsArchive) {
     defaults.setInteger(0, ZvUserTrashKey);
     EXPECT_EQ(items->errorValue, "0.100000");
     EXPECT_EQ(items->graphic, "");
-    EXPECT_EQ(items->digital + items->systemCaches + items->userCaches + items->systemLogs + items->userLogs +
-                  items->userTrash + items->downloads,
+    EXPECT_EQ(items->digital + items->systemCaches + items->userCaches + items->systemLogs +
+                  items->userLogs + items->userTrash + items->downloads,
               "3111120");
     KeyedArchive archive;
     items->encodeWithCoder(archive);
     const auto again = KeyedArchive::withData(archive.data());
     ASSERT_TRUE(again);
     EXPECT_EQ(SettingItems(*again), *items);
-    for (const char* key : {"ErrorValue", "Graphic", "Digital", "SystemCache", "UserCaches", "SystemLog", "UserLogs",
-                            "UserTrash", "Downloads"})
+    for (const char* key : {"ErrorValue", "Graphic", "Digital", "SystemCache", "UserCaches",
+                            "SystemLog", "UserLogs", "UserTrash", "Downloads"})
         EXPECT_TRUE(again->decodeObjectForKey(key)) << key;
     EXPECT_EQ(SettingItems(KeyedArchive()), SettingItems());
 }
@@ -184,8 +193,10 @@ TEST(UtilityFunctionOfData, FormBodies) {
     EXPECT_FALSE(data.parseFormBodyWith(std::nullopt));
     using Pairs = std::map<std::string, std::string>;
     EXPECT_EQ(data.parseFormBodyWith(""), Pairs{});
-    EXPECT_EQ(data.parseFormBodyWith("a=1&b&c=1=2&&a=%20&=x&y="), (Pairs{{"a", "%20"}, {"", "x"}, {"y", ""}}));
-    EXPECT_EQ(UtilityFunctionOfData::setAttributeString("t"), (AttributedText{"t", "Lucida Grande", 11.0}));
+    EXPECT_EQ(data.parseFormBodyWith("a=1&b&c=1=2&&a=%20&=x&y="),
+              (Pairs{{"a", "%20"}, {"", "x"}, {"y", ""}}));
+    EXPECT_EQ(UtilityFunctionOfData::setAttributeString("t"),
+              (AttributedText{"t", "Lucida Grande", 11.0}));
 }
 
 /// The user's data folder of a fresh account.
@@ -225,7 +236,8 @@ TEST_F(StringMessageTest, DamagedCopyAndNoPlaceToWrite) {
 
 TEST(TCPublicUtilities, AsksTheVendorsSite) {
     struct Probe final : NetworkProbe {
-        bool isAnswered(const std::string& address, std::chrono::milliseconds timeOut) const override {
+        bool isAnswered(const std::string& address,
+                        std::chrono::milliseconds timeOut) const override {
             return address == "https://www.kelpford.com/" && timeOut == std::chrono::seconds(5);
         }
     };
@@ -243,14 +255,15 @@ TEST(BundleResources, SystemFileIsNumberedWithoutAGap) {
     for (std::size_t i = 0; i < list->count(); ++i) {
         const auto path = list->stringForKey(std::to_string(i));
         ASSERT_TRUE(path) << i;
-        EXPECT_TRUE(path->starts_with('/') && (path->size() == 1 || !path->ends_with('/'))) << *path;
+        EXPECT_TRUE(path->starts_with('/') && (path->size() == 1 || !path->ends_with('/')))
+            << *path;
         paths.insert(*path);
     }
     EXPECT_EQ(paths.size(), list->count());
     const auto places = systemPlaces();  // what removals refuse
     EXPECT_EQ(paths, std::set<std::string>(places.begin(), places.end()));
-    for (const char* path : {"/", "/bin", "/boot", "/dev", "/etc", "/home", "/lib", "/proc", "/root", "/run", "/sbin",
-                             "/sys", "/usr", "/var"})
+    for (const char* path : {"/", "/bin", "/boot", "/dev", "/etc", "/home", "/lib", "/proc",
+                             "/root", "/run", "/sbin", "/sys", "/usr", "/var"})
         EXPECT_TRUE(paths.contains(path)) << path;
     EXPECT_FALSE(propertyListOfResource("NoSuch"));
 }

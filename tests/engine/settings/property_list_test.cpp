@@ -11,7 +11,9 @@
 namespace orrinvale {
 namespace {
 
-std::string xml(const std::string& inside) { return "<plist version=\"1.0\">" + inside + "</plist>"; }
+std::string xml(const std::string& inside) {
+    return "<plist version=\"1.0\">" + inside + "</plist>";
+}
 
 std::string bigEndian(std::uint64_t number, int width) {
     std::string out;
@@ -28,27 +30,30 @@ std::string binary(const std::vector<std::string>& objects) {
         out += object;
     }
     const std::uint64_t start = out.size();
-    return out + table + std::string(6, 0) + "\x04\x02" + bigEndian(objects.size(), 8) + bigEndian(0, 8) +
-           bigEndian(start, 8);
+    return out + table + std::string(6, 0) + "\x04\x02" + bigEndian(objects.size(), 8) +
+           bigEndian(0, 8) + bigEndian(start, 8);
 }
 
 TEST(PropertyList, ValuesOfBothForms) {
-    const std::string text =
-        xml("<dict><key>s</key><string>a &amp; b</string><key>n</key><integer>-5</integer><key>t</key><true/>"
-            "<key>r</key><real>2.9</real><key>v</key><string> 12x</string><key>d</key><dict/></dict>");
-    const std::string packed =
-        binary({std::string("\xD2\0\1\0\2\0\3\0\4", 9), "\x51s", "\x51n", std::string("\x55") + "a & b",
-                "\x13" + bigEndian(static_cast<std::uint64_t>(-5), 8)});
+    const std::string text = xml(
+        "<dict><key>s</key><string>a &amp; "
+        "b</string><key>n</key><integer>-5</integer><key>t</key><true/>"
+        "<key>r</key><real>2.9</real><key>v</key><string> 12x</string><key>d</key><dict/></dict>");
+    const std::string packed = binary({std::string("\xD2\0\1\0\2\0\3\0\4", 9), "\x51s", "\x51n",
+                                       std::string("\x55") + "a & b",
+                                       "\x13" + bigEndian(static_cast<std::uint64_t>(-5), 8)});
     for (const std::string& bytes : {text, packed}) {
         const auto list = PropertyList::parse(bytes);
         ASSERT_TRUE(list);
         EXPECT_EQ(list->stringForKey("s"), "a & b");
         EXPECT_EQ(list->integerForKey("n"), -5);
-        EXPECT_FALSE(list->stringForKey("n") || list->stringForKey("none") || list->integerForKey("none"));
+        EXPECT_FALSE(list->stringForKey("n") || list->stringForKey("none") ||
+                     list->integerForKey("none"));
     }
     auto list = PropertyList::parse(text);
     EXPECT_EQ(list->keys(), (std::vector<std::string>{"s", "n", "t", "r", "v", "d"}));
-    EXPECT_EQ(list->integerForKey("t").value_or(-1) * 100 + list->integerForKey("r").value_or(-1), 102);
+    EXPECT_EQ(list->integerForKey("t").value_or(-1) * 100 + list->integerForKey("r").value_or(-1),
+              102);
     EXPECT_EQ(list->integerForKey("v"), 12);
     EXPECT_FALSE(list->integerForKey("d"));
     list->removeObjectForKey("s");
@@ -67,23 +72,28 @@ TEST(PropertyList, GarbageAndHarm) {
         doubling.push_back("\xA2" + bigEndian(level + 1, 2) + bigEndian(level + 1, 2));
     doubling.emplace_back("\x51z");
     // One long text named 30,000 times.
-    std::vector<std::string> copies{std::string("\xD1\0\1\0\2", 5), "\x51k", "\xAF\x11" + bigEndian(30'000, 2),
+    std::vector<std::string> copies{std::string("\xD1\0\1\0\2", 5), "\x51k",
+                                    "\xAF\x11" + bigEndian(30'000, 2),
                                     "\x5F\x12" + bigEndian(400'000, 4) + std::string(400'000, 'x')};
     for (int i = 0; i < 30'000; ++i) copies[2] += bigEndian(3, 2);
-    // The same with a last key that names nothing, behind which a reader may stop counting and the parser goes on.
+    // The same with a last key that names nothing, behind which a reader may stop counting and the
+    // parser goes on.
     std::vector<std::string> strayKey{"\xDF\x11" + bigEndian(30'000, 2), "\x51k", copies[3]};
-    for (int i = 0; i < 60'000; ++i) strayKey[0] += bigEndian(i < 29'999 ? 1 : i == 29'999 ? 0xFFFF : 2, 2);
+    for (int i = 0; i < 60'000; ++i)
+        strayKey[0] += bigEndian(i < 29'999 ? 1 : i == 29'999 ? 0xFFFF : 2, 2);
     std::string nested;
     for (int i = 0; i < 70'000; ++i) nested += "<array>";
     const std::string deep = xml("<dict><key>a</key>" + nested);
     std::vector<std::string> loop{std::string("\xD1\0\1\0\0", 5), "\x51k"};
     for (const std::string& bytes :
-         {std::string(), std::string("x"), std::string("bplist00"), std::string(100, '\xFF'), xml("<array/>"),
-          xml("<dict><key>a</key>"), "bplist00" + std::string(40, '\xFF'), binary(doubling), binary(copies),
-          binary(strayKey), binary(loop), deep, xml("<dict/>") + std::string(kPropertyListLimit, ' ')}) {
+         {std::string(), std::string("x"), std::string("bplist00"), std::string(100, '\xFF'),
+          xml("<array/>"), xml("<dict><key>a</key>"), "bplist00" + std::string(40, '\xFF'),
+          binary(doubling), binary(copies), binary(strayKey), binary(loop), deep,
+          xml("<dict/>") + std::string(kPropertyListLimit, ' ')}) {
         const auto start = std::chrono::steady_clock::now();
         EXPECT_FALSE(PropertyList::parse(bytes)) << bytes.substr(0, 40);
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5)) << bytes.substr(0, 40);
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5))
+            << bytes.substr(0, 40);
     }
 }
 

@@ -15,12 +15,15 @@ namespace {
 using Int = std::int64_t;
 
 TEST(SettingsText, EveryValueComesBackAsItWas) {
-    SettingValues values{{"flag", true}, {"off", false}, {"least", std::numeric_limits<Int>::min()}};
+    SettingValues values{
+        {"flag", true}, {"off", false}, {"least", std::numeric_limits<Int>::min()}};
     int number = 0;
-    for (const float f : {0.1F, 1.0F, -0.0F, 1e20F, 1e-45F, 3.4028235e38F, std::numeric_limits<float>::infinity(), NAN})
+    for (const float f : {0.1F, 1.0F, -0.0F, 1e20F, 1e-45F, 3.4028235e38F,
+                          std::numeric_limits<float>::infinity(), NAN})
         values.emplace("float" + std::to_string(number++), f);
-    for (const std::string& text : {std::string(), std::string("YES"), std::string("a=\"b\" \\ # ; [x]\n\r\t\x01\x7F"),
-                                    std::string("\0x", 2), std::string("\xC3\xA9\xFF")}) {
+    for (const std::string& text :
+         {std::string(), std::string("YES"), std::string("a=\"b\" \\ # ; [x]\n\r\t\x01\x7F"),
+          std::string("\0x", 2), std::string("\xC3\xA9\xFF")}) {
         values.emplace("text" + std::to_string(number++), text);
         values.emplace(text, Int{1});
     }
@@ -34,9 +37,11 @@ TEST(SettingsText, EveryValueComesBackAsItWas) {
 }
 
 TEST(SettingsText, HandWrittenFiles) {
-    const auto parsed = parseSettings("; note\r\n\r\n [Orrinvale] \r\na=1\r\n\tb\t=  1.5e1 \n\"c d\"=\"x\" \na = 2");
+    const auto parsed = parseSettings(
+        "; note\r\n\r\n [Orrinvale] \r\na=1\r\n\tb\t=  1.5e1 \n\"c d\"=\"x\" \na = 2");
     ASSERT_TRUE(parsed && parsed->badLines.empty());
-    EXPECT_EQ(parsed->values, (SettingValues{{"a", Int{2}}, {"b", 15.0F}, {"c d", std::string("x")}}));
+    EXPECT_EQ(parsed->values,
+              (SettingValues{{"a", Int{2}}, {"b", 15.0F}, {"c d", std::string("x")}}));
     const struct {
         const char* text;
         SettingValue value;
@@ -57,7 +62,8 @@ TEST(SettingsText, HandWrittenFiles) {
         {"„low“", std::string("low")},
     };
     for (const auto& each : cases)
-        for (const char* head : {"[Orrinvale]\n", "\xEF\xBB\xBF[Orrinvale]\r\n", "", "\xEF\xBB\xBF"}) {
+        for (const char* head :
+             {"[Orrinvale]\n", "\xEF\xBB\xBF[Orrinvale]\r\n", "", "\xEF\xBB\xBF"}) {
             const auto one = parseSettings(head + std::string("a = ") + each.text + "\r\n");
             ASSERT_TRUE(one) << each.text;
             EXPECT_EQ(one->values, (SettingValues{{"a", each.value}})) << head << each.text;
@@ -85,7 +91,8 @@ TEST(SettingsText, ABadLineCostsItselfAlone) {
                              "a b = 1",
                              "\x7F",
                              "\xFF\xFE[\1"}) {
-        const auto parsed = parseSettings(std::string("[Orrinvale]\nok = 1\n") + line + "\nlast = 2\n");
+        const auto parsed =
+            parseSettings(std::string("[Orrinvale]\nok = 1\n") + line + "\nlast = 2\n");
         ASSERT_TRUE(parsed) << line;
         EXPECT_EQ(parsed->values, (SettingValues{{"ok", Int{1}}, {"last", Int{2}}})) << line;
         EXPECT_EQ(parsed->badLines, std::vector<std::size_t>{3}) << line;
@@ -95,8 +102,9 @@ TEST(SettingsText, ABadLineCostsItselfAlone) {
     EXPECT_EQ(sections->values, (SettingValues{{"a", Int{1}}, {"c", Int{1}}}));
     EXPECT_EQ(sections->badLines, (std::vector<std::size_t>{2, 3}));
     EXPECT_TRUE(parseSettings("[Orrinvale]"));
-    for (const std::string& text : {std::string(), std::string("garbage\n"), std::string("\0\0\0", 3),
-                                    "[Orrinvale]\n#" + std::string(kSettingsTextLimit, 'x')})
+    for (const std::string& text :
+         {std::string(), std::string("garbage\n"), std::string("\0\0\0", 3),
+          "[Orrinvale]\n#" + std::string(kSettingsTextLimit, 'x')})
         EXPECT_FALSE(parseSettings(text)) << text.substr(0, 20);
 }
 

@@ -121,7 +121,8 @@ TEST_F(UserDefaultsTest, DamagedFilesAreSetAsideAndDefaultsHold) {
         defaults.setInteger(9, "c");
         EXPECT_TRUE(defaults.synchronize());
         EXPECT_EQ(contentOf(tree.at("f/settings.ini.bad." + std::to_string(++kept))), "x");
-        EXPECT_EQ(storedIn(tree.at("f/settings.ini")), (SettingValues{{"b", Int{8}}, {"c", Int{9}}}));
+        EXPECT_EQ(storedIn(tree.at("f/settings.ini")),
+                  (SettingValues{{"b", Int{8}}, {"c", Int{9}}}));
     }
     EXPECT_EQ(contentOf(tree.at("f/settings.ini.bad")), "older");
 }
@@ -135,8 +136,9 @@ TEST_F(UserDefaultsTest, OfAFileWithABadLineTheOthersHoldAndACopyIsKeptOnce) {
     EXPECT_EQ(defaults.floatForKey("SpaceAlarm"), 0.2F);
     EXPECT_EQ(defaults.integerForKey("mine"), 3);
     ASSERT_EQ(log.lines.size(), 1U);
-    EXPECT_EQ(log.lines.front(),
-              file + ": line 3 can not be read, the others hold. A copy is kept as " + file + ".bad.2.");
+    EXPECT_EQ(
+        log.lines.front(),
+        file + ": line 3 can not be read, the others hold. A copy is kept as " + file + ".bad.2.");
     EXPECT_TRUE(defaults.synchronize());
     EXPECT_EQ(contentOf(file), text) << "reading alone changes nothing";
     defaults.setInteger(4, "mine");
@@ -160,8 +162,9 @@ TEST_F(UserDefaultsTest, ABadLineThatCanNotBeKeptIsNotWrittenOver) {
 }
 
 TEST_F(UserDefaultsTest, OnesOwnLinkIsFollowedToOnesOwnFile) {
-    ASSERT_TRUE(tree.write("dots/real.ini", "[Orrinvale]\nk = 1\n") && tree.symlink("real.ini", "dots/middle") &&
-                tree.folder("f") && tree.symlink("../dots/middle", "f/settings.ini") &&
+    ASSERT_TRUE(tree.write("dots/real.ini", "[Orrinvale]\nk = 1\n") &&
+                tree.symlink("real.ini", "dots/middle") && tree.folder("f") &&
+                tree.symlink("../dots/middle", "f/settings.ini") &&
                 tree.symlink("../dots/none.ini", "f/new.ini") && tree.symlink("loop", "f/loop"));
     UserDefaults defaults(tree.at("f/settings.ini"));
     EXPECT_EQ(defaults.integerForKey("k"), 1);
@@ -215,7 +218,8 @@ TEST_F(UserDefaultsTest, ManyThreadsAndProcessesLoseNothing) {
         bool good = true;
         for (int round = 1; round <= kRounds; ++round) {
             defaults.setInteger(round, name);
-            good = defaults.integerForKey(name) == round && defaults.synchronize().has_value() && good;
+            good =
+                defaults.integerForKey(name) == round && defaults.synchronize().has_value() && good;
         }
         return good;
     };
@@ -223,7 +227,8 @@ TEST_F(UserDefaultsTest, ManyThreadsAndProcessesLoseNothing) {
     const auto observation = ours.addObserverOfAll([&] { (void)ours.floatForKey("a"); });
     std::atomic<int> good{0};
     std::vector<std::thread> threads;
-    for (const char* name : {"a", "b"}) threads.emplace_back([&, name] { good += work(ours, name) ? 1 : 0; });
+    for (const char* name : {"a", "b"})
+        threads.emplace_back([&, name] { good += work(ours, name) ? 1 : 0; });
     for (const char* name : {"c", "d"})
         threads.emplace_back([&, name] {
             UserDefaults other(path);

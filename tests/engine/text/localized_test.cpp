@@ -16,7 +16,8 @@ namespace {
 std::set<std::string> keysAskedFor(std::string_view source) {
     constexpr std::string_view kCall = "getLocalizedString(";
     std::set<std::string> keys;
-    for (std::size_t at = source.find(kCall); at != std::string_view::npos; at = source.find(kCall, at + 1)) {
+    for (std::size_t at = source.find(kCall); at != std::string_view::npos;
+         at = source.find(kCall, at + 1)) {
         const std::size_t start = source.find_first_not_of(" \n", at + kCall.size());
         if (start == std::string_view::npos || source[start] != '"') continue;
         keys.emplace(source.substr(start + 1, source.find('"', start + 1) - start - 1));
@@ -55,7 +56,8 @@ TEST(Localized, GermanHasTheSameKeysAndPlaceholders) {
 
 TEST(Localized, TextsComeInTheLanguageThatWasSet) {
     const auto sentence = [] { return getLocalizedString("EJECT_HOLDER", {"%2 50%", "7"}); };
-    EXPECT_EQ(sentence(), "%2 50% (process 7, %3)") << "what is filled in is left alone, and so is what nothing fills";
+    EXPECT_EQ(sentence(), "%2 50% (process 7, %3)")
+        << "what is filled in is left alone, and so is what nothing fills";
     setTextLanguage("de");
     EXPECT_EQ(sentence(), "%2 50% (Prozess 7, %3)");
     setTextLanguage("fr");
@@ -66,16 +68,21 @@ TEST(Localized, KeysOfTheInterfaceAreThere) {
     std::istringstream keys(
         "TITLE_CLEAN_SYS_MYMAC TITLE_CLEAN_SYS_CACHES DESC_CLEAN_SYS_CACHES TITLE_CLEAN_USR_CACHES "
         "DESC_CLEAN_USR_CACHES TITLE_CLEAN_SYS_LOGS DESC_CLEAN_SYS_LOGS TITLE_CLEAN_USR_LOGS "
-        "DESC_CLEAN_USR_LOGS TITLE_CLEAN_TRASH DESC_CLEAN_TRASH TITLE_CLEAN_DOWNLOADS DESC_CLEAN_DOWNLOADS "
-        "TITLE_UNINSTALL DESC_UNINSTALL TITLE_FREESPACE_MONITOR DESC_FREESPACE_MONITOR CLEAN_FILES_COUNT "
-        "CLEAN_FILES_SIZE FREE_SPACE_SIZE NO_FOLDER_CONTENT LOCAL_STORAGE EXTERNAL_STORAGE SUPER_DRIVER "
+        "DESC_CLEAN_USR_LOGS TITLE_CLEAN_TRASH DESC_CLEAN_TRASH TITLE_CLEAN_DOWNLOADS "
+        "DESC_CLEAN_DOWNLOADS "
+        "TITLE_UNINSTALL DESC_UNINSTALL TITLE_FREESPACE_MONITOR DESC_FREESPACE_MONITOR "
+        "CLEAN_FILES_COUNT "
+        "CLEAN_FILES_SIZE FREE_SPACE_SIZE NO_FOLDER_CONTENT LOCAL_STORAGE EXTERNAL_STORAGE "
+        "SUPER_DRIVER "
         "NETWOR_STORAGE DISK_IMAGE FREE_MEMORY NO_HAVE_REMOVABLE CANNOT_OPEN_FINDER");
     for (std::string key; keys >> key;) EXPECT_TRUE(builtInTexts().texts.contains(key)) << key;
 }
 
 TEST(Localized, EveryKeyInTheSourcesIsInTheTable) {
-    EXPECT_EQ(keysAskedFor("f(getLocalizedString( \"A\"), getLocalizedString(key), getLocalizedString(\n\"B\"))"),
-              (std::set<std::string>{"A", "B"}));
+    EXPECT_EQ(
+        keysAskedFor(
+            "f(getLocalizedString( \"A\"), getLocalizedString(key), getLocalizedString(\n\"B\"))"),
+        (std::set<std::string>{"A", "B"}));
     std::size_t files = 0;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(ORRINVALE_SOURCES)) {
         const auto extension = entry.path().extension();
@@ -103,15 +110,21 @@ TEST(Localized, LinesOfEveryForm) {
         "\n"
         "\"D\" = \"last line, no break\";");
     EXPECT_TRUE(table.malformedLines.empty());
-    const std::map<std::string, std::string, std::less<>> expected{
-        {"A", "a \"b\" \\ c\nd"}, {"B", ""}, {"C", "// no comment /* either"}, {"D", "last line, no break"}};
+    const std::map<std::string, std::string, std::less<>> expected{{"A", "a \"b\" \\ c\nd"},
+                                                                   {"B", ""},
+                                                                   {"C", "// no comment /* either"},
+                                                                   {"D", "last line, no break"}};
     EXPECT_EQ(table.texts, expected);
 
-    for (const char* line : {"A = \"a\";", "\"A\" = \"a\"", "\"A\" \"a\";", "\"A\" = a;", "\"A\" = \"a;",
-                             "\"A\" = \"a\\\";", "\"A\" = \"\\q\";", "\"A = \"a\";", "\"A\" = \"a\"; x",
-                             "\"\" = \"a\";", "\"A\" = \"a\\", "x", "\"A\" = \"a\"; \"B\" = \"b\";"})
-        EXPECT_EQ(parseStringTable(std::string("\n") + line).malformedLines, std::vector<std::size_t>{2}) << line;
-    EXPECT_EQ(parseStringTable("\"A\" = \"a\";\n\"A\" = \"b\";").malformedLines, std::vector<std::size_t>{2});
+    for (const char* line :
+         {"A = \"a\";", "\"A\" = \"a\"", "\"A\" \"a\";", "\"A\" = a;", "\"A\" = \"a;",
+          "\"A\" = \"a\\\";", "\"A\" = \"\\q\";", "\"A = \"a\";", "\"A\" = \"a\"; x",
+          "\"\" = \"a\";", "\"A\" = \"a\\", "x", "\"A\" = \"a\"; \"B\" = \"b\";"})
+        EXPECT_EQ(parseStringTable(std::string("\n") + line).malformedLines,
+                  std::vector<std::size_t>{2})
+            << line;
+    EXPECT_EQ(parseStringTable("\"A\" = \"a\";\n\"A\" = \"b\";").malformedLines,
+              std::vector<std::size_t>{2});
 }
 
 }  // namespace

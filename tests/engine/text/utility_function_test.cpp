@@ -1,4 +1,5 @@
-// The services beside the size texts: date order, the centred window, the row notice and the system gate.
+// The services beside the size texts: date order, the centred window, the row notice and the system
+// gate.
 #include <gtest/gtest.h>
 
 #include <any>
@@ -14,7 +15,9 @@ namespace {
 
 struct FakeSystem final : System {
     explicit FakeSystem(std::uint32_t figure) : version(figure) {}
-    std::uint32_t gestalt(std::string_view selector) const override { return selector == "sysv" ? version : 0; }
+    std::uint32_t gestalt(std::string_view selector) const override {
+        return selector == "sysv" ? version : 0;
+    }
     std::uint32_t version;
 };
 
@@ -45,8 +48,10 @@ TEST_F(UtilityFunctionTest, DateTextPutsTheMonthFirst) {
         {"%s-%n-%d {}", "%n/%d/%s {}"},
         {"-- ", "// "},
     };
-    for (const auto& each : cases) EXPECT_EQ(UtilityFunction::parseDateTime(each.text), each.reordered);
-    for (const char* text : {"", "2013-04-09", "2013-04 10:20:30", "20130409 10:20:30", " 2013-04-09"})
+    for (const auto& each : cases)
+        EXPECT_EQ(UtilityFunction::parseDateTime(each.text), each.reordered);
+    for (const char* text :
+         {"", "2013-04-09", "2013-04 10:20:30", "20130409 10:20:30", " 2013-04-09"})
         EXPECT_THROW((void)UtilityFunction::parseDateTime(text), std::out_of_range) << text;
 }
 
@@ -58,15 +63,17 @@ TEST_F(UtilityFunctionTest, WindowLiesAboutTheCentreOfTheMainScreen) {
     EXPECT_EQ(UtilityFunction::returnRectOfWindcenterWithWidht(101.0F, 50.0F), aboutTheOrigin);
     // Where the screen lies makes no difference, only how large it is.
     workspace.frame = Rect{100.0, 200.0, 1921.0, 1080.0};
-    EXPECT_EQ(UtilityFunction::returnRectOfWindcenterWithWidht(101.0F, 50.0F), (Rect{910.0, 515.0, 101.0, 50.0}));
+    EXPECT_EQ(UtilityFunction::returnRectOfWindcenterWithWidht(101.0F, 50.0F),
+              (Rect{910.0, 515.0, 101.0, 50.0}));
 }
 
 TEST_F(UtilityFunctionTest, RowNoticeCarriesNoSelectionAndTheRow) {
     UtilityFunction::callSelectNotificationForMainWindowLeft(3);  // no centre: nothing to tell
     NotificationCenter center;
     std::optional<RowSelection> received;
-    const auto observation = center.addObserver(
-        "shouldSelectRow", [&](const Notification& notice) { received = std::any_cast<RowSelection>(notice.object); });
+    const auto observation = center.addObserver("shouldSelectRow", [&](const Notification& notice) {
+        received = std::any_cast<RowSelection>(notice.object);
+    });
     m_function.setNotificationCenter(&center);
     UtilityFunction::callSelectNotificationForMainWindowLeft(8);
     ASSERT_TRUE(received);
@@ -76,7 +83,8 @@ TEST_F(UtilityFunctionTest, RowNoticeCarriesNoSelectionAndTheRow) {
 
 TEST_F(UtilityFunctionTest, SystemGateLiesAt1060) {
     EXPECT_FALSE(UtilityFunction::isBelow1050SystemVer());
-    for (const auto& [version, isBelow] : {std::pair{0x1050U, true}, {0x105FU, true}, {0x1060U, false}, {0U, true}}) {
+    for (const auto& [version, isBelow] :
+         {std::pair{0x1050U, true}, {0x105FU, true}, {0x1060U, false}, {0U, true}}) {
         const FakeSystem system(version);
         m_function.setSystem(&system);
         EXPECT_EQ(UtilityFunction::isBelow1050SystemVer(), isBelow) << version;
@@ -95,7 +103,8 @@ TEST_F(UtilityFunctionTest, KernelsWithoutStatxAreTooOld) {
         {"", 0x1060},        {"4", 0x1060},
         {"4.", 0x1060},      {"next", 0x1060},
     };
-    for (const auto& each : cases) EXPECT_EQ(LinuxSystem::versionOfRelease(each.release), each.version) << each.release;
+    for (const auto& each : cases)
+        EXPECT_EQ(LinuxSystem::versionOfRelease(each.release), each.version) << each.release;
     EXPECT_EQ(LinuxSystem().gestalt("sysv"), 0x1060U);  // or this suite's own walks would not run
     EXPECT_EQ(LinuxSystem().gestalt("sys1"), 0U);
 }

@@ -38,11 +38,13 @@ void addDevices(FakeVolumes& platform) {
     const auto disk = add("vda", Classes{"IOMedia"}, true, bus);
     const auto cd = add("sr0", Classes{"IOMedia", "IOCDMedia"}, true, bus);
     const auto dvd = add("sr1", Classes{"IOMedia", "IODVDMedia"}, true, bus);
-    add("sr0p1", Classes{"IOMedia"}, false, std::make_shared<Entry>(Classes{"IOPartitionScheme"}, std::nullopt, cd));
+    add("sr0p1", Classes{"IOMedia"}, false,
+        std::make_shared<Entry>(Classes{"IOPartitionScheme"}, std::nullopt, cd));
     add("sr1p1", Classes{"IOMedia"}, false, dvd);
     add("vda1", Classes{"IOMedia"}, false, disk);
-    add("diskOverCd", Classes{"IOMedia"}, true, cd);               // the first whole medium decides
-    add("cdTrack", Classes{"IOMedia", "IOCDMedia"}, false, disk);  // a part is not asked for its class
+    add("diskOverCd", Classes{"IOMedia"}, true, cd);  // the first whole medium decides
+    add("cdTrack", Classes{"IOMedia", "IOCDMedia"}, false,
+        disk);  // a part is not asked for its class
     add("noMedia", Classes{"IOCDMedia"}, true, nullptr);
     add("unreadable", Classes{"IOMedia"}, std::nullopt, cd);
 }
@@ -68,7 +70,10 @@ TEST(VolumesInfo, KindAndEjectFlagFollowFromServerDiscBusAndBits) {
         {"server", {3, 5, 0, "sr0"}, 3, true, false},
         {"server by an old buffer", {0, 0x80000000U, 0, "sr0"}, 3, true, false},
         {"an old buffer has no bits", {2, 0, ejectable | removable | external, "vda1"}, 0, false},
-        {"bits beside those that count", {4, 0, ~(ejectable | removable | external), "vda1"}, 0, false},
+        {"bits beside those that count",
+         {4, 0, ~(ejectable | removable | external), "vda1"},
+         0,
+         false},
         {"whole medium before the disc", {3, 0, removable, "diskOverCd"}, 4, false},
         {"part of a disk that calls itself disc", {3, 0, 0, "cdTrack"}, 0, false},
         {"disc that is no medium", {3, 0, 0, "noMedia"}, 0, false},
@@ -107,8 +112,8 @@ TEST(VolumesInfo, TheRecordHoldsWhatThePlatformTold) {
 TEST(VolumesInfo, FailuresLeaveOutOneVolumeAndOnlyTheEndEndsTheWalk) {
     FakeVolumes platform;
     addDevices(platform);
-    platform.volumes = {volume(1, "/a"), volume(2, "/empty", 0), volume(3, "/noInfo"), volume(4, "/noParms"),
-                        volume(5, "/b")};
+    platform.volumes = {volume(1, "/a"), volume(2, "/empty", 0), volume(3, "/noInfo"),
+                        volume(4, "/noParms"), volume(5, "/b")};
     platform.volumes[2].infoStatus = -36;
     platform.volumes[3].parmsStatus = -50;
     const LogLines log;
@@ -126,7 +131,8 @@ TEST(VolumesInfo, FailuresLeaveOutOneVolumeAndOnlyTheEndEndsTheWalk) {
 
 TEST(VolumesInfo, AVolumeWithoutADeviceIsLoggedOnceWhileItStands) {
     FakeVolumes platform;
-    platform.volumes = {volume(1, "/x", 1000, {3, 0, removable, ""}), volume(2, "/y", 1000, {3, 0, removable, ""})};
+    platform.volumes = {volume(1, "/x", 1000, {3, 0, removable, ""}),
+                        volume(2, "/y", 1000, {3, 0, removable, ""})};
     testing::LogLines log;
     VolumesInfo info(platform);
     EXPECT_EQ(info.getAllVolsInfo().size(), 2U);
@@ -157,18 +163,20 @@ TEST(VolumesInfo, EachFailureOfTheDiscTestIsLoggedAndCountsAsNo) {
     for (const auto& each : cases) {
         FakeVolumes platform;
         addDevices(platform);
-        platform.devices["lone"] =
-            std::make_shared<FakeRegistryEntry>(std::vector<std::string>{"IOMedia", "IOCDMedia"}, std::nullopt);
+        platform.devices["lone"] = std::make_shared<FakeRegistryEntry>(
+            std::vector<std::string>{"IOMedia", "IOCDMedia"}, std::nullopt);
         platform.iteratorStatus = each.iteratorStatus;
         platform.hasIterator = each.hasIterator;
         platform.volumes = {volume(1, "/cd", 1000, {3, 0, 0, "sr0"}),
                             volume(2, "/x", 1000, {3, 0, removable, each.device})};
-        if (each.iteratorStatus != 0 || !each.hasIterator) platform.volumes.erase(platform.volumes.begin());
+        if (each.iteratorStatus != 0 || !each.hasIterator)
+            platform.volumes.erase(platform.volumes.begin());
         const LogLines log;
         VolumesInfo info(platform);
         EXPECT_EQ(log.lines, each.lines);
         ASSERT_FALSE(info.volsArray().empty());
-        EXPECT_EQ(info.volsArray().back()->volType, 4) << "the later tests still run, and the disc before is forgotten";
+        EXPECT_EQ(info.volsArray().back()->volType, 4)
+            << "the later tests still run, and the disc before is forgotten";
     }
 }
 

@@ -57,7 +57,8 @@ TEST(VolumesManager, NothingToEjectIsNoFailure) {
 TEST(VolumesManager, OneVolumeIsEjectedOrItsFailureKept) {
     FakeVolumes platform;
     platform.volumes = {volume(1, "/dead", true), volume(2, "/a", false)};
-    platform.volumes[0].infoStatus = ioErr;  // a volume that does not answer has no name, and those behind it do
+    platform.volumes[0].infoStatus =
+        ioErr;  // a volume that does not answer has no name, and those behind it do
     platform.ejections[2] = {ioErr, {"no", {}}};
     const LogLines log;
     VolumesManager manager(platform, {});
@@ -85,13 +86,16 @@ TEST(VolumesManager, AFailureIsOneSentenceOnOneLine) {
         {{1, "a\nb", "/s", fBsyErr, {"In\tuse", {{7, "x\x1b", "/s/\n"}}}},
          "\"a\\nb\" could not be ejected: In\\tuse, held open by x\\x1b (process 7, /s/\\n)."},
         {{1, "S", "/s", fBsyErr, {"In use", {cat, {2, "sh", "/s"}}}},
-         "\"S\" could not be ejected: In use, held open by cat (process 1, /s/a) and sh (process 2, /s)."},
+         "\"S\" could not be ejected: In use, held open by cat (process 1, /s/a) and sh (process "
+         "2, /s)."},
         {{1, "S", "/s", fBsyErr, {"In use", {cat, cat, cat}}},
-         "\"S\" could not be ejected: In use, held open by cat (process 1, /s/a), cat (process 1, /s/a) and cat "
+         "\"S\" could not be ejected: In use, held open by cat (process 1, /s/a), cat (process 1, "
+         "/s/a) and cat "
          "(process "
          "1, /s/a)."},
         {{1, "S", "/s", fBsyErr, {"In use", {cat, cat, cat, cat, cat}}},
-         "\"S\" could not be ejected: In use, held open by cat (process 1, /s/a), cat (process 1, /s/a), cat (process "
+         "\"S\" could not be ejected: In use, held open by cat (process 1, /s/a), cat (process 1, "
+         "/s/a), cat (process "
          "1, "
          "/s/a) and 2 more."},
     };
@@ -109,9 +113,11 @@ TEST(VolumesManager, ARootIsOpenedByItsPlainPath) {
     EXPECT_FALSE(manager.openVolRootDir(std::nullopt));
     EXPECT_FALSE(manager.openVolRootDir(""));
     EXPECT_TRUE(opened.empty());
-    for (const char* const path : {"/", "/media/a", "//media///a/", "/media/./b/../a/.", "/media/\xff\n"})
+    for (const char* const path :
+         {"/", "/media/a", "//media///a/", "/media/./b/../a/.", "/media/\xff\n"})
         EXPECT_TRUE(manager.openVolRootDir(path)) << path;
-    EXPECT_EQ(opened, (std::vector<std::string>{"/", "/media/a", "/media/a", "/media/a", "/media/\xff\n"}));
+    EXPECT_EQ(opened,
+              (std::vector<std::string>{"/", "/media/a", "/media/a", "/media/a", "/media/\xff\n"}));
     answer = false;
     EXPECT_FALSE(manager.openVolRootDir("/media/a"));
 }

@@ -27,10 +27,13 @@ TEST(MainQueue, RunsEachThreadsWorkInOrderOnTheMainThread) {
     std::vector<std::jthread> threads;
     for (std::size_t thread = 0; thread < seen.size(); ++thread)
         threads.emplace_back([&, thread] {
-            for (int i = 0; i < count; ++i) queue.async([&, thread, i] { seen[thread].push_back(i); });
+            for (int i = 0; i < count; ++i)
+                queue.async([&, thread, i] { seen[thread].push_back(i); });
         });
-    ASSERT_TRUE(serveUntil([&] { return seen[0].size() + seen[1].size() + seen[2].size() == 3 * count; }));
-    for (const std::vector<int>& numbers : seen) EXPECT_TRUE(std::is_sorted(numbers.begin(), numbers.end()));
+    ASSERT_TRUE(
+        serveUntil([&] { return seen[0].size() + seen[1].size() + seen[2].size() == 3 * count; }));
+    for (const std::vector<int>& numbers : seen)
+        EXPECT_TRUE(std::is_sorted(numbers.begin(), numbers.end()));
 }
 
 TEST(MainQueue, SyncReturnsWhenTheWorkHasRun) {
@@ -45,7 +48,8 @@ TEST(MainQueue, SyncReturnsWhenTheWorkHasRun) {
     });
     ASSERT_TRUE(serveUntil([&] { return finished.load(); }));
     EXPECT_EQ(seen, 5);
-    EXPECT_TRUE(queue.sync([&] { value = 6; })) << "on the main thread itself it must not wait for itself";
+    EXPECT_TRUE(queue.sync([&] { value = 6; }))
+        << "on the main thread itself it must not wait for itself";
     EXPECT_EQ(value, 6);
 }
 

@@ -49,8 +49,8 @@ TEST(ThreadWorker, WaitsInsideTheEndCall) {
     const std::weak_ptr<int> seen = kept;
     std::atomic<bool> ended = false;
     bool keptDuringEnd = false;
-    auto worker =
-        ThreadWorker::workOn({std::move(kept), "<Page>"}, {"work:", [](const std::any&) {}}, {}, [&](const std::any&) {
+    auto worker = ThreadWorker::workOn(
+        {std::move(kept), "<Page>"}, {"work:", [](const std::any&) {}}, {}, [&](const std::any&) {
             // The thread holds the worker, and the worker its target, until this returns.
             std::this_thread::sleep_for(std::chrono::milliseconds(30));
             keptDuringEnd = !seen.expired();
@@ -84,7 +84,8 @@ TEST(ThreadWorker, TellsTheTaskOfACancel) {
 TEST(ThreadWorker, EndsWithoutAnEndMethod) {
     auto kept = std::make_shared<int>(7);
     const std::weak_ptr<int> seen = kept;
-    auto worker = ThreadWorker::workOn({std::move(kept), "<Page>"}, {"work:", [](const std::any&) {}}, {}, nullptr);
+    auto worker = ThreadWorker::workOn({std::move(kept), "<Page>"},
+                                       {"work:", [](const std::any&) {}}, {}, nullptr);
     ASSERT_NE(worker, nullptr);
     worker.reset();
     EXPECT_TRUE(serveUntil([&] { return seen.expired(); })) << "the thread did not end";
@@ -92,15 +93,18 @@ TEST(ThreadWorker, EndsWithoutAnEndMethod) {
 
 TEST(ThreadWorker, RefusesATargetThatDoesNotRespond) {
     const testing::LogLines log;
-    const auto worker = ThreadWorker::workOn(target(), {"missing:", ThreadWorker::Task()}, {}, [](const std::any&) {});
+    const auto worker = ThreadWorker::workOn(target(), {"missing:", ThreadWorker::Task()}, {},
+                                             [](const std::any&) {});
     EXPECT_EQ(worker, nullptr);
     ASSERT_EQ(log.lines.size(), 1U);
-    EXPECT_NE(log.lines[0].find("ThreadWorker reports: Target <Page> does not respond to selector missing:."),
+    EXPECT_NE(log.lines[0].find(
+                  "ThreadWorker reports: Target <Page> does not respond to selector missing:."),
               std::string::npos)
         << log.lines[0];
 }
 
-// A worker may be started by another worker: the end belongs to whoever started it, not to the main thread.
+// A worker may be started by another worker: the end belongs to whoever started it, not to the main
+// thread.
 TEST(ThreadWorker, ReturnsToAStartingThreadThatIsNotTheMainOne) {
     std::thread::id outer;
     std::thread::id innerEnd;
@@ -110,12 +114,12 @@ TEST(ThreadWorker, ReturnsToAStartingThreadThatIsNotTheMainOne) {
                                               [&](const std::any&) {
                                                   outer = std::this_thread::get_id();
                                                   QEventLoop loop;
-                                                  const auto inner =
-                                                      ThreadWorker::workOn(target(), {"inner:", [](const std::any&) {}},
-                                                                           {}, [&](const std::any&) {
-                                                                               innerEnd = std::this_thread::get_id();
-                                                                               loop.quit();
-                                                                           });
+                                                  const auto inner = ThreadWorker::workOn(
+                                                      target(), {"inner:", [](const std::any&) {}},
+                                                      {}, [&](const std::any&) {
+                                                          innerEnd = std::this_thread::get_id();
+                                                          loop.quit();
+                                                      });
                                                   loop.exec();
                                               }},
                                              {}, [&](const std::any&) { ended = true; });

@@ -45,13 +45,15 @@ QByteArray contentOf(const std::string& path) {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// One server for all tests, on a thread of its own, because the probe blocks the test. It answers by the path that is asked for.
+/// One server for all tests, on a thread of its own, because the probe blocks the test. It answers
+/// by the path that is asked for.
 struct HttpsProbeTest : ::testing::Test {
     static void SetUpTestSuite() {
         const testing::TestTree tree;
-        made = runProgram({"openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:prime256v1",
-                           "-nodes", "-days", "2", "-subj", "/CN=localhost", "-addext", "subjectAltName=DNS:localhost",
-                           "-keyout", tree.at("key"), "-out", tree.at("certificate")}) == 0;
+        made = runProgram({"openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt",
+                           "ec_paramgen_curve:prime256v1", "-nodes", "-days", "2", "-subj",
+                           "/CN=localhost", "-addext", "subjectAltName=DNS:localhost", "-keyout",
+                           tree.at("key"), "-out", tree.at("certificate")}) == 0;
         certificate = QSslCertificate(contentOf(tree.at("certificate")));
         const QSslKey key(contentOf(tree.at("key")), QSsl::Ec);
         if (!made || !QSslSocket::supportsSsl()) return;
@@ -68,7 +70,8 @@ struct HttpsProbeTest : ::testing::Test {
 
     void SetUp() override {
 #if defined(__SANITIZE_THREAD__)
-        GTEST_SKIP() << "Qt's network threads are not built for ThreadSanitizer, which reports their own queues";
+        GTEST_SKIP() << "Qt's network threads are not built for ThreadSanitizer, which reports "
+                        "their own queues";
 #endif
         if (!made) GTEST_SKIP() << "openssl is missing, so there is no certificate";
         if (!thread.joinable()) GTEST_SKIP() << "this Qt has no TLS";
@@ -101,13 +104,15 @@ struct HttpsProbeTest : ::testing::Test {
 
     static void accept(QTcpSocket* socket) {
         if (socket == nullptr) return;  // announced once more than there are
-        QObject::connect(socket, &QTcpSocket::readyRead, socket, [socket] { answer(socket, socket->readAll()); });
+        QObject::connect(socket, &QTcpSocket::readyRead, socket,
+                         [socket] { answer(socket, socket->readAll()); });
     }
 
     static void answer(QTcpSocket* socket, const QByteArray& request) {
         const auto say = [&](const std::string& head, const std::string& body) {
             socket->write(QByteArray::fromStdString(
-                "HTTP/1.1 " + head + "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body));
+                "HTTP/1.1 " + head + "\r\nContent-Length: " + std::to_string(body.size()) +
+                "\r\n\r\n" + body));
         };
         if (request.startsWith("GET /ok ")) say("200 OK", "x");
         else if (request.startsWith("GET /none ")) say("204 No Content", "");
@@ -119,7 +124,8 @@ struct HttpsProbeTest : ::testing::Test {
         else if (request.startsWith("GET /cut ")) {
             socket->write("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nfew");
             socket->disconnectFromHost();
-        } else if (request.startsWith("GET /slow ")) socket->write("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nfew");
+        } else if (request.startsWith("GET /slow "))
+            socket->write("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nfew");
         else if (request.startsWith("GET /endless ")) flood(socket);
     }
 
@@ -128,13 +134,15 @@ struct HttpsProbeTest : ::testing::Test {
         const auto more = [socket] {
             constexpr qint64 piece = 1 << 16;
             const auto* const secure = qobject_cast<const QSslSocket*>(socket);
-            while (socket->bytesToWrite() + secure->encryptedBytesToWrite() < piece && sent < (64 << 20)) {
+            while (socket->bytesToWrite() + secure->encryptedBytesToWrite() < piece &&
+                   sent < (64 << 20)) {
                 socket->write(QByteArray(piece, 'x'));
                 sent += piece;
             }
         };
         socket->write("HTTP/1.1 200 OK\r\nContent-Length: 67108864\r\n\r\n");
-        QObject::connect(qobject_cast<QSslSocket*>(socket), &QSslSocket::encryptedBytesWritten, socket, more);
+        QObject::connect(qobject_cast<QSslSocket*>(socket), &QSslSocket::encryptedBytesWritten,
+                         socket, more);
         more();
     }
 
@@ -143,7 +151,8 @@ struct HttpsProbeTest : ::testing::Test {
     }
 
     inline static bool made = false;
-    inline static std::optional<QSslCertificate> certificate;  // Qt is not up yet where statics are made
+    inline static std::optional<QSslCertificate>
+        certificate;  // Qt is not up yet where statics are made
     inline static std::thread thread;
     inline static QEventLoop* loop = nullptr;
     inline static int port = 0;
@@ -162,13 +171,15 @@ TEST_F(HttpsProbeTest, AnswersOfEveryKind) {
 }
 
 TEST_F(HttpsProbeTest, OnlyTrustedHttps) {
-    EXPECT_FALSE(HttpsProbe().isAnswered(address("/ok"), 10s)) << "nobody vouches for this certificate";
+    EXPECT_FALSE(HttpsProbe().isAnswered(address("/ok"), 10s))
+        << "nobody vouches for this certificate";
     const HttpsProbe probe({*certificate});
     EXPECT_FALSE(probe.isAnswered("https://127.0.0.1:" + std::to_string(port) + "/ok", 10s))
         << "another host's certificate";
     EXPECT_FALSE(probe.isAnswered("http://localhost:" + std::to_string(plainPort) + "/", 10s));
     EXPECT_EQ(plainRequests, 0);
-    for (const char* bad : {"", "https://", "file:///etc/passwd", "https://localhost:1/", "not an address"})
+    for (const char* bad :
+         {"", "https://", "file:///etc/passwd", "https://localhost:1/", "not an address"})
         EXPECT_FALSE(probe.isAnswered(bad, 10s)) << bad;
 }
 

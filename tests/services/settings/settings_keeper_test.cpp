@@ -1,4 +1,5 @@
-// The keeper on real files: another process's change reaches the observers, and what nobody saved is saved.
+// The keeper on real files: another process's change reaches the observers, and what nobody saved
+// is saved.
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
@@ -52,7 +53,8 @@ struct SettingsKeeperTest : ::testing::Test {
 TEST_F(SettingsKeeperTest, AnotherProcessIsHeardEachTime) {
     const SettingsKeeper keeper(defaults);
     std::string heard;
-    const auto fade = defaults.addObserver("fade", [&] { heard += defaults.boolForKey("fade") ? "+" : "-"; });
+    const auto fade =
+        defaults.addObserver("fade", [&] { heard += defaults.boolForKey("fade") ? "+" : "-"; });
     ASSERT_EQ(storeElsewhere("fade", true), "");
     EXPECT_TRUE(waitFor([&] { return heard == "+"; })) << heard;
     ASSERT_EQ(storeElsewhere("fade", false), "");  // the first file is gone by now
@@ -99,11 +101,13 @@ TEST_F(SettingsKeeperTest, TheEndOfTheApplicationSaves) {
 }
 
 TEST_F(SettingsKeeperTest, BehindALinkTheFileIsHeard) {
-    ASSERT_TRUE(tree.write("dots/other.ini", "[Orrinvale]\nrow = 3\n") && tree.folder("com.kelpford.Orrinvale") &&
+    ASSERT_TRUE(tree.write("dots/other.ini", "[Orrinvale]\nrow = 3\n") &&
+                tree.folder("com.kelpford.Orrinvale") &&
                 tree.symlink("../dots/real.ini", "com.kelpford.Orrinvale/settings.ini"));
     UserDefaults linked(path);
     const SettingsKeeper keeper(linked);
-    // What happens now is heard by a watch, and not by the look at the start or after the change before.
+    // What happens now is heard by a watch, and not by the look at the start or after the change
+    // before.
     const auto settle = [] { turnFor(300ms); };
     settle();
     for (const char* text : {"[Orrinvale]\nrow = 1\n", "[Orrinvale]\nrow = 2\n"}) {
@@ -115,7 +119,8 @@ TEST_F(SettingsKeeperTest, BehindALinkTheFileIsHeard) {
     }
     ASSERT_TRUE(tree.symlink("../dots/other.ini", "com.kelpford.Orrinvale/new"));
     std::filesystem::rename(tree.at("com.kelpford.Orrinvale/new"), path);
-    EXPECT_TRUE(waitFor([&] { return linked.integerForKey("row") == 3; })) << "the link leads elsewhere now";
+    EXPECT_TRUE(waitFor([&] { return linked.integerForKey("row") == 3; }))
+        << "the link leads elsewhere now";
 }
 
 // An attempt makes and removes a file in the folder, which must not be taken for the next change.
@@ -124,8 +129,9 @@ TEST_F(SettingsKeeperTest, AFileThatCanNotBePutRightCostsOneAttempt) {
     const SettingsKeeper keeper(defaults);
     std::atomic<int> attempts{0};
     Log::setEnabled(true);
-    Log::setSink(
-        [&](std::string_view line) { attempts += line.find("could not be saved") != std::string_view::npos ? 1 : 0; });
+    Log::setSink([&](std::string_view line) {
+        attempts += line.find("could not be saved") != std::string_view::npos ? 1 : 0;
+    });
     defaults.setInteger(1, "a");
     EXPECT_FALSE(defaults.synchronize());
     turnFor(2500ms);

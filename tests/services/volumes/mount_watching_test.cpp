@@ -23,7 +23,8 @@ using Clock = std::chrono::steady_clock;
 
 std::string textAt(const UserInfo& info, const char* key) {
     const auto found = info.find(key);
-    const auto* const text = found == info.end() ? nullptr : std::any_cast<std::string>(&found->second);
+    const auto* const text =
+        found == info.end() ? nullptr : std::any_cast<std::string>(&found->second);
     return text == nullptr ? "nothing" : *text;
 }
 
@@ -57,14 +58,16 @@ public:
         m_unmounted = m_standard.addObserver("ZvVolumeUnmount", hear("-"));
     }
 
-    // Waits until as much has been heard, for a second at most; says what differs, and when it came late.
+    // Waits until as much has been heard, for a second at most; says what differs, and when it came
+    // late.
     std::string expect(const std::string& expected) {
         const auto start = Clock::now();
         testing::serveUntil([&] { return heard.size() >= expected.size(); }, 1);
         const auto took = Clock::now() - start;
         QCoreApplication::processEvents();
         std::string fault;
-        if (heard != expected) fault = fmt::format("heard \"{}\" instead of \"{}\"\n", heard, expected);
+        if (heard != expected)
+            fault = fmt::format("heard \"{}\" instead of \"{}\"\n", heard, expected);
         if (took > 100ms) fault += fmt::format("after {} ms\n", took / 1ms);
         heard.clear();
         return fault;
@@ -94,14 +97,16 @@ TEST(MountWatching, EachVolumeThatComesOrGoesIsToldAtOnce) {
         std::string fault = watched.expect("");
         if (!testing::mountRam("/mnt/one")) return "no mount";
         fault += watched.expect("+one /mnt/one;");
-        if (!testing::mountRam("/mnt/two") || !testing::mountRam("/mnt/line\nbreak")) return "no mounts";
+        if (!testing::mountRam("/mnt/two") || !testing::mountRam("/mnt/line\nbreak"))
+            return "no mounts";
         fault += watched.expect("+two /mnt/two;+line\nbreak /mnt/line\nbreak;");
         ::umount("/mnt/two");
         fault += watched.expect("-two /mnt/two;");
 
         // Nothing that people call a volume: a process's own place, a bind, another option.
         ::mkdir("/mnt/bind", 0755);
-        if (::mount("none", "/dev/shm", "tmpfs", 0, nullptr) != 0 && ::mount("none", "/tmp", "tmpfs", 0, nullptr) != 0)
+        if (::mount("none", "/dev/shm", "tmpfs", 0, nullptr) != 0 &&
+            ::mount("none", "/tmp", "tmpfs", 0, nullptr) != 0)
             return "no mount that is no volume";
         ::mount("/mnt/one", "/mnt/bind", nullptr, MS_BIND, nullptr);
         ::mount(nullptr, "/mnt/one", nullptr, MS_REMOUNT | MS_RDONLY, nullptr);
@@ -111,7 +116,8 @@ TEST(MountWatching, EachVolumeThatComesOrGoesIsToldAtOnce) {
         ::umount("/mnt/one");
         ::umount("/mnt/line\nbreak");
         fault += watched.expect("-one /mnt/one;-line\nbreak /mnt/line\nbreak;");
-        if (const int looks = watched.looksAtRest(); looks != 0) fault += fmt::format("{} looks at nothing\n", looks);
+        if (const int looks = watched.looksAtRest(); looks != 0)
+            fault += fmt::format("{} looks at nothing\n", looks);
         return fault;
     });
 }

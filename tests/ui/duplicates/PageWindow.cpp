@@ -48,9 +48,9 @@ std::size_t threadsNow() {
         return name;
     };
     const std::filesystem::directory_iterator threads("/proc/self/task");
-    return static_cast<std::size_t>(std::count_if(begin(threads), end(threads), [&](const auto& thread) {
-        return nameOf(thread.path()) == nameOf("/proc/self");
-    }));
+    return static_cast<std::size_t>(std::count_if(
+        begin(threads), end(threads),
+        [&](const auto& thread) { return nameOf(thread.path()) == nameOf("/proc/self"); }));
 }
 
 }  // namespace
@@ -62,15 +62,16 @@ PageWindow::PageWindow() : m_defaults(m_settings.at("settings.ini")), m_threads(
     };
     QnAuthorization::shareQnAuthorization().setParts({&authorization, &files, &m_permissions, {}});
     window = std::make_unique<DuplicateMainWindowController>(
-        SameFileDeleteParts{.files = &files,
-                            .notifications = &notifications,
-                            .defaults = &m_defaults,
-                            .dialogs = &dialogs,
-                            .mainQueue = &m_mainQueue,
-                            .stateFolder = m_settings.at("state"),
-                            .icons = [this](const IconRequest& request) { return m_icons.icon(request); },
-                            .reveal = [this](const std::string& path) { revealed.push_back(path); },
-                            .openAddress = {}},
+        SameFileDeleteParts{
+            .files = &files,
+            .notifications = &notifications,
+            .defaults = &m_defaults,
+            .dialogs = &dialogs,
+            .mainQueue = &m_mainQueue,
+            .stateFolder = m_settings.at("state"),
+            .icons = [this](const IconRequest& request) { return m_icons.icon(request); },
+            .reveal = [this](const std::string& path) { revealed.push_back(path); },
+            .openAddress = {}},
         m_icons);
     window->showWindow();
     EXPECT_TRUE(QTest::qWaitForWindowActive(window->window()));
@@ -122,7 +123,9 @@ bool PageWindow::remove(const std::function<void()>& meanwhile) {
     return waitFor([this] { return page().bSearchFinished(); });
 }
 
-bool PageWindow::waitFor(const std::function<bool()>& isSo) { return QTest::qWaitFor(isSo, 10'000); }
+bool PageWindow::waitFor(const std::function<bool()>& isSo) {
+    return QTest::qWaitFor(isSo, 10'000);
+}
 
 QAbstractItemModel& PageWindow::model() { return *control<QTreeView>("outline").model(); }
 
@@ -137,14 +140,19 @@ std::string PageWindow::list() {
     const QAbstractItemModel& shown = model();
     std::string text;
     const auto state = [&](const QModelIndex& row) {
-        return row.siblingAtColumn(DuplicateResultModel::Checkbox).data(DuplicateResultModel::StateRole).toInt();
+        return row.siblingAtColumn(DuplicateResultModel::Checkbox)
+            .data(DuplicateResultModel::StateRole)
+            .toInt();
     };
     for (int g = 0; g < shown.rowCount(); ++g) {
         const QModelIndex group = shown.index(g, 0);
-        const auto cell = [&](int column) { return group.siblingAtColumn(column).data().toString().toStdString(); };
+        const auto cell = [&](int column) {
+            return group.siblingAtColumn(column).data().toString().toStdString();
+        };
         text += cell(DuplicateResultModel::NameColumn) + ' ' + std::to_string(state(group)) + ' ' +
                 cell(DuplicateResultModel::AllSelectNum) + ": ";
-        for (int c = 0; c < shown.rowCount(group); ++c) text += state(shown.index(c, 0, group)) == 1 ? 'x' : '.';
+        for (int c = 0; c < shown.rowCount(group); ++c)
+            text += state(shown.index(c, 0, group)) == 1 ? 'x' : '.';
         text += '\n';
     }
     return text;
@@ -153,7 +161,10 @@ std::string PageWindow::list() {
 QModelIndex PageWindow::row(const std::string& group, const std::string& copy) {
     const QAbstractItemModel& shown = model();
     const auto nameOf = [](const QModelIndex& index) {
-        return index.siblingAtColumn(DuplicateResultModel::NameColumn).data().toString().toStdString();
+        return index.siblingAtColumn(DuplicateResultModel::NameColumn)
+            .data()
+            .toString()
+            .toStdString();
     };
     for (int g = 0; g < shown.rowCount(); ++g) {
         const QModelIndex parent = shown.index(g, 0);
@@ -174,7 +185,8 @@ void PageWindow::tick(const QModelIndex& row) {
     QStyleOptionViewItem option;
     option.rect = outline.visualRect(cell);
     EXPECT_TRUE(outline.viewport()->rect().contains(option.rect.center()));
-    QTest::mouseClick(outline.viewport(), Qt::LeftButton, {}, TickBoxDelegate::boxRect(option).center());
+    QTest::mouseClick(outline.viewport(), Qt::LeftButton, {},
+                      TickBoxDelegate::boxRect(option).center());
 }
 
 }  // namespace orrinvale::testing

@@ -1,4 +1,5 @@
-// PageWindow: the main window with the duplicate page over real folders, driven by the names of its controls.
+// PageWindow: the main window with the duplicate page over real folders, driven by the names of its
+// controls.
 #pragma once
 
 #include <QAbstractItemModel>
@@ -40,7 +41,8 @@ private:
     int m_waiting = 0;
 };
 
-/// Shown offscreen. The removal goes through the one door of the process, with an administrator right that the test decides about.
+/// Shown offscreen. The removal goes through the one door of the process, with an administrator
+/// right that the test decides about.
 class PageWindow {
 public:
     PageWindow();
@@ -49,11 +51,11 @@ public:
     PageWindow& operator=(const PageWindow&) = delete;
 
     SameFileDeleteViewController& page() { return *window->sameFileDeleteVC(); }
-    /// The control of this name, of the page, whose views wait outside of the window until they are needed, or else of the window;
-    /// the test ends where there is none.
+    /// The control of this name, of the page, whose views wait outside of the window until they are
+    /// needed, or else of the window; the test ends where there is none.
     template <class Control = QWidget> Control& control(const char* name) {
-        for (QWidget* const in :
-             {page().detailView(), page().progressageView(), page().view(), static_cast<QWidget*>(window->window())}) {
+        for (QWidget* const in : {page().detailView(), page().progressageView(), page().view(),
+                                  static_cast<QWidget*>(window->window())}) {
             if (in->objectName() == QLatin1String(name)) return static_cast<Control&>(*in);
             if (auto* const found = in->findChild<Control*>(QLatin1String(name))) return *found;
         }
@@ -67,7 +69,8 @@ public:
     void drop(const std::string& path);
     /// Drops it and waits until the result stands.
     [[nodiscard]] bool search(const std::string& path);
-    /// Presses Remove, agrees, and waits until the removal is over; `meanwhile` runs when the removal has begun.
+    /// Presses Remove, agrees, and waits until the removal is over; `meanwhile` runs when the
+    /// removal has begun.
     [[nodiscard]] bool remove(const std::function<void()>& meanwhile = {});
     [[nodiscard]] static bool waitFor(const std::function<bool()>& isSo);
 

@@ -22,7 +22,8 @@ using testing::PageWindow;
 void dropOn(QWidget& place, const std::vector<std::string>& folders) {
     QMimeData dragged;
     QList<QUrl> urls;
-    for (const std::string& each : folders) urls.push_back(QUrl::fromLocalFile(QString::fromStdString(each)));
+    for (const std::string& each : folders)
+        urls.push_back(QUrl::fromLocalFile(QString::fromStdString(each)));
     dragged.setUrls(urls);
     QWidget& window = *place.window();
     const QPoint at = place.mapTo(&window, place.rect().center());
@@ -37,7 +38,8 @@ void dropOn(QWidget& place, const std::vector<std::string>& folders) {
 
 TEST(DroppedFolders, AreSearchedFromTheResultToo) {
     PageWindow on;
-    for (const char* name : {"f/a.txt", "f/b.txt", "g/a.jpg", "g/b.jpg"}) ASSERT_TRUE(on.tree.write(name, "same"));
+    for (const char* name : {"f/a.txt", "f/b.txt", "g/a.jpg", "g/b.jpg"})
+        ASSERT_TRUE(on.tree.write(name, "same"));
     ASSERT_TRUE(on.search(on.tree.at("f")));
     const auto done = [&](const char* folder) {
         return on.waitFor([&] {

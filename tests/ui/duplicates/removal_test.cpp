@@ -1,5 +1,5 @@
-// Removals of real files: what goes, what stays, what the list and the sizes say afterwards, how a person stops one, the padlock, and what
-// an ordinary user may not remove.
+// Removals of real files: what goes, what stays, what the list and the sizes say afterwards, how a
+// person stops one, the padlock, and what an ordinary user may not remove.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -35,12 +35,15 @@ protected:
         return made;
     }
     std::string size(int row) {
-        return on.control<DuplicationLeftCell>(("leftCell" + std::to_string(row)).c_str()).sizeF().toStdString();
+        return on.control<DuplicationLeftCell>(("leftCell" + std::to_string(row)).c_str())
+            .sizeF()
+            .toStdString();
     }
     /// How many of the copies of a name are on the disk.
     int copies(const std::string& name) const {
         int count = 0;
-        for (const char* folder : {"f/a/", "f/b/", "f/c/", "f/d/"}) count += there(folder + name) ? 1 : 0;
+        for (const char* folder : {"f/a/", "f/b/", "f/c/", "f/d/"})
+            count += there(folder + name) ? 1 : 0;
         return count;
     }
     /// The first ticked, or clear, copy of a group, below the tree; not the one of another name.
@@ -48,9 +51,12 @@ protected:
         const QModelIndex parent = on.row(group);
         for (int c = 0; c < on.model().rowCount(parent); ++c) {
             const QModelIndex row = on.model().index(c, 0, parent);
-            const std::string path =
-                row.data(Qt::ToolTipRole).toString().toStdString().substr(on.tree.path().size() + 1);
-            const bool isIt = row.data(DuplicateResultModel::StateRole).toInt() == (isTicked ? 1 : 0);
+            const std::string path = row.data(Qt::ToolTipRole)
+                                         .toString()
+                                         .toStdString()
+                                         .substr(on.tree.path().size() + 1);
+            const bool isIt =
+                row.data(DuplicateResultModel::StateRole).toInt() == (isTicked ? 1 : 0);
             if ((isIt || !but.empty()) && path != but) return path;
         }
         return "no such copy";
@@ -69,8 +75,9 @@ protected:
 };
 
 TEST_F(Removal, KeepsListSizesAndDiskTrueInAViewOfOneType) {
-    ASSERT_TRUE(makeGroup("two.jpg", 2, 1000) && makeGroup("three.png", 3, 2000) && makeGroup("both.gif", 2, 3000) &&
-                makeGroup("more.bmp", 4, 500) && makeGroup("text.txt", 2, 4000));
+    ASSERT_TRUE(makeGroup("two.jpg", 2, 1000) && makeGroup("three.png", 3, 2000) &&
+                makeGroup("both.gif", 2, 3000) && makeGroup("more.bmp", 4, 500) &&
+                makeGroup("text.txt", 2, 4000));
     ASSERT_TRUE(on.search(on.tree.at("f")));
     EXPECT_EQ(size(0) + ' ' + size(5), "24.00 KB 16.00 KB");
     on.click("leftCell5");
@@ -80,7 +87,8 @@ TEST_F(Removal, KeepsListSizesAndDiskTrueInAViewOfOneType) {
     on.tick(on.row("both.gif", "a/both.gif"));
     on.dialogs.willAnswer(0);
     on.tick(on.row("both.gif", "b/both.gif"));
-    ASSERT_TRUE(on.waitFor([&] { return on.list().find("both.gif 1 2/2: xx") != std::string::npos; }));
+    ASSERT_TRUE(
+        on.waitFor([&] { return on.list().find("both.gif 1 2/2: xx") != std::string::npos; }));
     ASSERT_TRUE(on.remove());
     EXPECT_EQ(on.list(), "three.png 0 0/2: ..\n");
     EXPECT_EQ(on.textOf("titleLabel"), "2 files in Pictures, selected 0 file in All.");
@@ -108,7 +116,8 @@ TEST_F(Removal, StopsBetweenTwoFilesAndForgetsTheRest) {
     ASSERT_TRUE(on.search(on.tree.at("f")));
     on.tick(on.row("four.txt"));
     ASSERT_TRUE(on.remove([&] {
-        EXPECT_TRUE(on.isShown("stopRemoveBtn") && on.isShown("loadPathView") && on.isShown("removalView"));
+        EXPECT_TRUE(on.isShown("stopRemoveBtn") && on.isShown("loadPathView") &&
+                    on.isShown("removalView"));
         EXPECT_FALSE(on.isShown("stopBtn") || on.isShown("outline"));
         for (const char* const name : {"openBtn", "RevealFinder", "lockButton", "backButton"})
             EXPECT_FALSE(on.control(name).isEnabled()) << name;
@@ -133,7 +142,8 @@ TEST_F(Removal, StopsBetweenTwoFilesAndForgetsTheRest) {
     for (const char* const name : {"openBtn", "RevealFinder", "lockButton", "backButton"})
         EXPECT_TRUE(on.isShown(name) && on.control(name).isEnabled()) << name;
     EXPECT_TRUE(on.isShown("stopBtn") && on.isShown("outline"));
-    EXPECT_FALSE(on.control("stopBtn").isEnabled() || on.isShown("stopRemoveBtn") || on.isShown("failureLine"));
+    EXPECT_FALSE(on.control("stopBtn").isEnabled() || on.isShown("stopRemoveBtn") ||
+                 on.isShown("failureLine"));
     EXPECT_EQ(size(0), "7.00 KB");
 }
 
@@ -146,9 +156,11 @@ TEST_F(Removal, TellsOfWhatCouldNotGoAndWhy) {
     on.dialogs.willAnswer(0);
     on.dialogs.willAnswer(0);
     on.click("stopBtn");
-    ASSERT_TRUE(on.waitFor([&] { return on.dialogs.alerts().size() == 2 && on.page().bSearchFinished(); }));
+    ASSERT_TRUE(
+        on.waitFor([&] { return on.dialogs.alerts().size() == 2 && on.page().bSearchFinished(); }));
     ASSERT_EQ(on.dialogs.alerts().size(), 2U);
-    EXPECT_EQ(on.dialogs.alerts()[0].title, QStringLiteral("Are you sure you want to delete all your selected files?"));
+    EXPECT_EQ(on.dialogs.alerts()[0].title,
+              QStringLiteral("Are you sure you want to delete all your selected files?"));
     // Nobody's rights would change it, so that the padlock is not pointed at.
     EXPECT_EQ(on.dialogs.alerts()[1].title, QStringLiteral("2 could not be removed"));
     EXPECT_EQ(on.dialogs.alerts()[1].text,
@@ -157,16 +169,19 @@ TEST_F(Removal, TellsOfWhatCouldNotGoAndWhy) {
     EXPECT_EQ(on.textOf("failureLine"), "2 could not be removed");
     const std::string lines = linesBehind("failureLine");
     EXPECT_EQ(lines, "changed since the scan (1)\n    " + on.tree.at(changed) +
-                         "\nno other verified copy is left (1)\n    " + on.tree.at(copy("two.jpg", true, kept)));
+                         "\nno other verified copy is left (1)\n    " +
+                         on.tree.at(copy("two.jpg", true, kept)));
     EXPECT_EQ(copies("two.jpg") + copies("three.txt"), 4);
     EXPECT_EQ(on.textOf("titleLabel"), "4 files in f, selected 0 file in All.");
-    EXPECT_EQ(on.list().find('x', on.list().rfind('/')), std::string::npos) << "unticked, to start afresh";
+    EXPECT_EQ(on.list().find('x', on.list().rfind('/')), std::string::npos)
+        << "unticked, to start afresh";
 }
 
 TEST_F(Removal, WhatLeavesTheListLeavesTheSelection) {
     ASSERT_TRUE(makeGroup("two.jpg", 2, 1000) && makeGroup("more.txt", 2, 3000));
     ASSERT_TRUE(on.search(on.tree.at("f")));
-    // The copy that the box leaves alone is ticked by hand: both are, and the second one has no other to stay.
+    // The copy that the box leaves alone is ticked by hand: both are, and the second one has no
+    // other to stay.
     on.tick(on.model().index(1, 0, on.row("two.jpg")));
     on.click("leftCell5");
     on.click("button");
@@ -190,10 +205,12 @@ TEST_F(Removal, AStopForgetsTheTicksOfAllViews) {
     on.click("button");
     on.click("leftCell6");
     ASSERT_TRUE(on.remove([&] { on.click("stopRemoveBtn"); }));
-    for (const auto& [row, name] : {std::pair("leftCell1", "four.txt"), std::pair("leftCell5", "other.jpg")}) {
+    for (const auto& [row, name] :
+         {std::pair("leftCell1", "four.txt"), std::pair("leftCell5", "other.jpg")}) {
         on.click(row);
         const std::string left = std::to_string(copies(name));
-        EXPECT_EQ(on.list(), std::string(name) + " 0 0/" + left + ": " + std::string(std::stoul(left), '.') + '\n')
+        EXPECT_EQ(on.list(), std::string(name) + " 0 0/" + left + ": " +
+                                 std::string(std::stoul(left), '.') + '\n')
             << "a box that is ticked and does not count";
     }
 }
@@ -208,7 +225,8 @@ TEST_F(Removal, ThePageMayEndMeanwhile) {
     ASSERT_TRUE(on.waitFor([&] { return on.removing.isWaitedAt(); }));
     on.window.reset();
     on.removing.open();
-    EXPECT_TRUE(on.waitFor([&] { return copies("four.txt") == 3; })) << "the file in hand is finished";
+    EXPECT_TRUE(on.waitFor([&] { return copies("four.txt") == 3; }))
+        << "the file in hand is finished";
     QTest::qWait(100);
     EXPECT_EQ(copies("four.txt"), 3);
 }
@@ -227,12 +245,14 @@ TEST_F(Removal, ThePadlockHoldsTheRightAndSaysWhy) {
     EXPECT_EQ(QApplication::focusWidget(), &padlock) << "where the person was before the dialog";
     on.authorization.failures.clear();
     int changes = 0;
-    const auto observation = on.notifications.addObserver("changeLockState", [&](const Notification&) { ++changes; });
+    const auto observation =
+        on.notifications.addObserver("changeLockState", [&](const Notification&) { ++changes; });
     on.click("lockButton");
     EXPECT_TRUE(on.waitFor([&] { return isOpen(); }));
     EXPECT_TRUE(padlock.isChecked() && QnAuthorization::shareQnAuthorization().isValidAuth);
     on.click("lockButton");
-    EXPECT_FALSE(isOpen() || padlock.isChecked() || QnAuthorization::shareQnAuthorization().isValidAuth);
+    EXPECT_FALSE(isOpen() || padlock.isChecked() ||
+                 QnAuthorization::shareQnAuthorization().isValidAuth);
     EXPECT_EQ(changes, 2);
 }
 
@@ -253,7 +273,8 @@ TEST(RemovalAsUser, InTheOtherProcess) {
     EXPECT_EQ(on.textOf("removedLine"), "2 removed, 0.03 KB");
     EXPECT_EQ(on.textOf("failureLine"), "2 could not be removed");
     EXPECT_EQ(on.list(), "roots.txt 0 0/3: ...\n");
-    EXPECT_EQ(on.textOf("titleLabel"), "3 files in " + tree.substr(tree.rfind('/') + 1) + ", selected 0 file in All.");
+    EXPECT_EQ(on.textOf("titleLabel"),
+              "3 files in " + tree.substr(tree.rfind('/') + 1) + ", selected 0 file in All.");
 }
 
 TEST(RemovalAsUser, LeavesWhatBelongsToRoot) {
@@ -264,12 +285,14 @@ TEST(RemovalAsUser, LeavesWhatBelongsToRoot) {
         const std::string in = folder;
         ASSERT_TRUE(tree.write(in + "/mine/mine.txt", "mine, three times"));
         ASSERT_TRUE(tree.write(in + "/roots/roots.txt", "of root, three times"));
-        ASSERT_TRUE(tree.setMode(in + "/roots", 0755) && tree.setMode(in + "/roots/roots.txt", 0644));
+        ASSERT_TRUE(tree.setMode(in + "/roots", 0755) &&
+                    tree.setMode(in + "/roots/roots.txt", 0644));
         for (const std::string& mine : {in + "/mine", in + "/mine/mine.txt"})
             ASSERT_EQ(chown(tree.at(mine).c_str(), nobody, nobody), 0);
         ASSERT_TRUE(tree.setMode(in, 0755));
     }
-    ASSERT_TRUE(tree.folder("f/closed") && tree.setMode("f/closed", 0700) && tree.setMode("f", 0755));
+    ASSERT_TRUE(tree.folder("f/closed") && tree.setMode("f/closed", 0700) &&
+                tree.setMode("f", 0755));
     ASSERT_EQ(chmod(tree.path().c_str(), 0755), 0);
     QProcess other;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();

@@ -1,5 +1,5 @@
-// From a dropped folder to the list: what the page shows before, during and after a search, how a search is stopped, and what a
-// second one finds of the first.
+// From a dropped folder to the list: what the page shows before, during and after a search, how a
+// search is stopped, and what a second one finds of the first.
 #include <gtest/gtest.h>
 
 #include <QAccessible>
@@ -20,19 +20,24 @@ using testing::PageWindow;
 std::string sizes(PageWindow& on) {
     std::string text;
     for (int row = 0; row < 7; ++row) {
-        const auto& cell = on.control<DuplicationLeftCell>(("leftCell" + std::to_string(row)).c_str());
-        text += cell.title().toStdString() + ' ' + cell.sizeF().toStdString() + (cell.isSelected() ? "*|" : "|");
+        const auto& cell =
+            on.control<DuplicationLeftCell>(("leftCell" + std::to_string(row)).c_str());
+        text += cell.title().toStdString() + ' ' + cell.sizeF().toStdString() +
+                (cell.isSelected() ? "*|" : "|");
     }
     return text;
 }
 
 // One group of a kind, sizes that tell them apart.
 bool makeOneOfEachKind(testing::TestTree& tree, const std::string& in) {
-    const std::pair<const char*, std::size_t> files[] = {{"d.PDF", 1000}, {"v.mkv", 2000}, {"m.mp3", 3000},
-                                                         {"z.zip", 4000}, {"p.jpg", 5000}, {"o.bin", 6000}};
+    const std::pair<const char*, std::size_t> files[] = {{"d.PDF", 1000}, {"v.mkv", 2000},
+                                                         {"m.mp3", 3000}, {"z.zip", 4000},
+                                                         {"p.jpg", 5000}, {"o.bin", 6000}};
     return std::all_of(std::begin(files), std::end(files), [&](const auto& file) {
-        const std::string bytes = testing::someBytes(file.second, static_cast<unsigned>(file.second));
-        return tree.write(in + "/1/" + file.first, bytes) && tree.write(in + "/2/" + file.first, bytes);
+        const std::string bytes =
+            testing::someBytes(file.second, static_cast<unsigned>(file.second));
+        return tree.write(in + "/1/" + file.first, bytes) &&
+               tree.write(in + "/2/" + file.first, bytes);
     });
 }
 
@@ -51,13 +56,17 @@ TEST(DuplicatePage, StartsWithTheFirstViewAndEverythingNamed) {
         {"lockButton", "Click lock to get a higer privileges."},
     };
     for (const auto& [name, toolTip] : toolTips)
-        EXPECT_EQ(on.control(name).toolTip().section(QLatin1Char('\n'), 0, 0).toStdString(), toolTip);
+        EXPECT_EQ(on.control(name).toolTip().section(QLatin1Char('\n'), 0, 0).toStdString(),
+                  toolTip);
     EXPECT_EQ(on.control<DuplicationLeftCell>("leftCell6").sizeF(), QStringLiteral("0.00K"));
-    for (QWidget* const view : {on.page().view(), on.page().progressageView(), on.page().detailView()})
+    for (QWidget* const view :
+         {on.page().view(), on.page().progressageView(), on.page().detailView()})
         for (QWidget* const control : view->findChildren<QWidget*>()) {
-            if ((control->focusPolicy() & Qt::TabFocus) == 0 || !control->isVisibleTo(view)) continue;
+            if ((control->focusPolicy() & Qt::TabFocus) == 0 || !control->isVisibleTo(view))
+                continue;
             const auto* const read = QAccessible::queryAccessibleInterface(control);
-            EXPECT_FALSE(read->text(QAccessible::Name).isEmpty()) << control->objectName().toStdString();
+            EXPECT_FALSE(read->text(QAccessible::Name).isEmpty())
+                << control->objectName().toStdString();
         }
 }
 
@@ -72,25 +81,27 @@ TEST(DuplicatePage, TheFirstTabStopsAtWhatOneCameFor) {
 TEST(DuplicatePage, ASearchRunsOnWhateverTheWindowDoes) {
     PageWindow on;
     // 26 characters are cut, 25 are not.
-    const std::string folder =
-        on.tree.at(std::string(std::max<std::size_t>(26, on.tree.path().size() + 2) - on.tree.path().size() - 1, 'r'));
+    const std::string folder = on.tree.at(std::string(
+        std::max<std::size_t>(26, on.tree.path().size() + 2) - on.tree.path().size() - 1, 'r'));
     const std::string name = folder.substr(folder.rfind('/') + 1);
     ASSERT_GE(folder.size(), 26U);
     ASSERT_TRUE(makeOneOfEachKind(on.tree, name));
     int firstEnds = 0;
-    const auto observation =
-        on.notifications.addObserver("changeViewActionForDuplicate", [&](const Notification&) { ++firstEnds; });
+    const auto observation = on.notifications.addObserver(
+        "changeViewActionForDuplicate", [&](const Notification&) { ++firstEnds; });
 
     on.reading.shut();
     on.drop(folder);
     ASSERT_TRUE(on.waitFor([&] { return on.reading.isWaitedAt(); }));
-    EXPECT_TRUE(on.isShown("progressageView") && on.isShown("stopScanBtn") && on.isShown("animation"));
+    EXPECT_TRUE(on.isShown("progressageView") && on.isShown("stopScanBtn") &&
+                on.isShown("animation"));
     EXPECT_FALSE(on.isShown("fristView") || on.isShown("detailView"));
     EXPECT_EQ(QApplication::focusWidget(), &on.control("stopScanBtn"));
     const auto& title = on.control<QLabel>("titleLabel");
     EXPECT_EQ(title.text().toStdString(), folder.substr(0, 25) + "...");
     EXPECT_EQ(title.toolTip().toStdString(), folder);
-    EXPECT_TRUE(on.waitFor([&] { return on.textOf("countsLabel").starts_with("12 files listed, "); }));
+    EXPECT_TRUE(
+        on.waitFor([&] { return on.textOf("countsLabel").starts_with("12 files listed, "); }));
     EXPECT_NE(on.textOf("nameTextStr").find(folder), std::string::npos);
     EXPECT_FALSE(on.control<QLabel>("imageView").pixmap(Qt::ReturnByValue).isNull());
     on.page().viewDragAction(on.tree.path());
@@ -138,7 +149,8 @@ TEST(DuplicatePage, ASearchRunsOnWhateverTheWindowDoes) {
     QTest::keyClick(&on.control("leftCell0"), Qt::Key_Space);
     EXPECT_EQ(on.textOf("titleLabel"), "12 files in " + name + ", selected 0 files in All.");
 
-    // An empty folder, chosen from the first view: the old result is gone, and words stand in place of the list.
+    // An empty folder, chosen from the first view: the old result is gone, and words stand in place
+    // of the list.
     on.click("backButton");
     EXPECT_TRUE(on.isShown("fristView"));
     ASSERT_TRUE(on.tree.folder("none, of it"));
@@ -155,7 +167,8 @@ TEST(DuplicatePage, ASearchRunsOnWhateverTheWindowDoes) {
     EXPECT_EQ(on.textOf("emptyLabel"), "No two files here are the same.");
     EXPECT_EQ(on.textOf("titleLabel"), "0 files in none, of it, selected 0 file in All.");
     EXPECT_EQ(sizes(on),
-              "All 0.0KB*|Documents 0.0KB|Videos 0.0KB|Music 0.0KB|Archives 0.0KB|Pictures 0.0KB|Others 0.0KB|");
+              "All 0.0KB*|Documents 0.0KB|Videos 0.0KB|Music 0.0KB|Archives 0.0KB|Pictures "
+              "0.0KB|Others 0.0KB|");
     EXPECT_EQ(on.model().rowCount(), 0);
     EXPECT_EQ(firstEnds, 1) << "told once";
     on.dialogs.willChoose({});

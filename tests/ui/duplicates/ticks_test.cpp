@@ -1,4 +1,5 @@
-// Ticks: the boxes of copies and groups, the box over the list, the order of the list, keys and the menu of a row.
+// Ticks: the boxes of copies and groups, the box over the list, the order of the list, keys and the
+// menu of a row.
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -61,13 +62,15 @@ TEST_F(Ticks, OneCopyStaysUnlessAPersonInsists) {
     for (const int button : {1, 0}) {
         on.dialogs.willAnswer(button);
         on.tick(on.row("two.txt", "b/two.txt"));
-        EXPECT_EQ(group("two").substr(0, 13), "two.txt 2 1/2") << "the question alone changes nothing";
+        EXPECT_EQ(group("two").substr(0, 13), "two.txt 2 1/2")
+            << "the question alone changes nothing";
         QCoreApplication::processEvents();
         EXPECT_EQ(group("two"), button == 0 ? "two.txt 1 2/2: xx" : group("two"));
     }
     ASSERT_EQ(on.dialogs.alerts().size(), 2U);
     const Alert& asked = on.dialogs.alerts().front();
-    EXPECT_EQ(asked.title, QStringLiteral("Are you sure you want to delete all the duplicate files?"));
+    EXPECT_EQ(asked.title,
+              QStringLiteral("Are you sure you want to delete all the duplicate files?"));
     EXPECT_EQ(asked.text, QStringLiteral(" "));
     EXPECT_EQ(asked.buttons, (QStringList{QStringLiteral("OK"), QStringLiteral("Cancel")}));
     EXPECT_EQ(std::make_pair(asked.defaultButton, asked.cancelButton), std::make_pair(0, 1));
@@ -81,8 +84,9 @@ TEST_F(Ticks, OneCopyStaysUnlessAPersonInsists) {
     EXPECT_EQ(group("two"), "two.txt 0 0/2: ..");
     EXPECT_FALSE(on.control("stopBtn").isEnabled());
     // A tick that is taken back while its picture is still on the way leaves nothing to remove.
-    EXPECT_TRUE(on.waitFor(
-        [&] { return selected() == "selected 0 files in All." || selected() == "selected 0 file in All."; }));
+    EXPECT_TRUE(on.waitFor([&] {
+        return selected() == "selected 0 files in All." || selected() == "selected 0 file in All.";
+    }));
     EXPECT_EQ(box(), TickState::Nothing);
 }
 
@@ -99,7 +103,8 @@ TEST_F(Ticks, TheBoxOverTheListTicksAndClearsTheView) {
     EXPECT_EQ(box(), TickState::Some);
     on.click("leftCell5");
     on.click("button");
-    EXPECT_EQ(on.list(), "three.jpg 0 0/3: ...\n") << "what the box has ticked its next click clears";
+    EXPECT_EQ(on.list(), "three.jpg 0 0/3: ...\n")
+        << "what the box has ticked its next click clears";
     EXPECT_EQ(selected(), "selected 0 file in All.");
     EXPECT_FALSE(on.control("stopBtn").isEnabled());
 
@@ -123,11 +128,13 @@ TEST_F(Ticks, WhatTheBoxHasTickedItsNextClickClearsInAnyView) {
         return selected();
     };
     EXPECT_EQ(clicks("leftCell0"), "selected 3 files in All.");
-    EXPECT_EQ(clicks("leftCell5"), "selected 1 files in All.") << "the pictures are clear, the rest stays";
+    EXPECT_EQ(clicks("leftCell5"), "selected 1 files in All.")
+        << "the pictures are clear, the rest stays";
     EXPECT_EQ(clicks("leftCell0"), "selected 0 file in All.") << "nothing here was ticked by hand";
     EXPECT_EQ(clicks("leftCell5"), "selected 2 files in All.");
     EXPECT_EQ(clicks("leftCell0"), "selected 0 file in All.");
-    // Ticks by hand in one view: there the box ticks the rest, and so it does where they are seen along with others.
+    // Ticks by hand in one view: there the box ticks the rest, and so it does where they are seen
+    // along with others.
     on.click("leftCell1");
     on.tick(on.model().index(0, 0, on.row("two.txt")));
     EXPECT_EQ(clicks("leftCell5"), "selected 3 files in All.");
@@ -177,7 +184,8 @@ TEST_F(Ticks, TheOrderDecidesWhichCopyIsTheLast) {
     for (const auto& each : clicks) {
         SCOPED_TRACE(::testing::Message() << "column " << each.column << " " << each.order);
         sortBy(each.column);
-        EXPECT_EQ(on.model().index(0, Model::NameColumn).data().toString().toStdString(), each.first);
+        EXPECT_EQ(on.model().index(0, Model::NameColumn).data().toString().toStdString(),
+                  each.first);
         if (*each.lastCopy != '\0') {
             EXPECT_TRUE(last().ends_with(each.lastCopy)) << last();
         }
@@ -189,7 +197,10 @@ TEST_F(Ticks, TheOrderDecidesWhichCopyIsTheLast) {
     }
     on.tick(on.row("two.txt"));
     const auto state = [&](const char* copy) {
-        return on.row("two.txt", copy).siblingAtColumn(Model::Checkbox).data(Model::StateRole).toInt();
+        return on.row("two.txt", copy)
+            .siblingAtColumn(Model::Checkbox)
+            .data(Model::StateRole)
+            .toInt();
     };
     EXPECT_EQ(std::make_pair(state("b/two.txt"), state("a/two.txt")), std::make_pair(1, 0));
 }
@@ -222,7 +233,8 @@ TEST_F(Ticks, TellWhatARemovalWouldGiveBack) {
     EXPECT_FALSE(on.isShown("gainLabel"));
     // Names of one file.
     const std::string bytes = testing::someBytes(2000, 3);
-    ASSERT_TRUE(on.tree.write("g/a", bytes) && on.tree.hardLink("g/a", "g/b") && on.tree.write("g/c", bytes));
+    ASSERT_TRUE(on.tree.write("g/a", bytes) && on.tree.hardLink("g/a", "g/b") &&
+                on.tree.write("g/c", bytes));
     ASSERT_TRUE(on.search(on.tree.at("g")));
     EXPECT_FALSE(on.isShown("gainLabel"));
     const QString group = on.model().index(0, Model::NameColumn).data().toString();
@@ -239,15 +251,23 @@ TEST_F(Ticks, WhatLiesElsewhereIsSaidInTheRowAndBeforeARemoval) {
     const std::string bytes = testing::someBytes(2000, 4);
     for (const char* name : {"h/a.txt", "h/b.txt", "out/1/c.txt", "out/2/d.txt"})
         ASSERT_TRUE(on.tree.write(name, bytes));
-    ASSERT_TRUE(on.tree.symlink(on.tree.at("out/1"), "h/one") && on.tree.symlink(on.tree.at("out/2"), "h/two"));
+    ASSERT_TRUE(on.tree.symlink(on.tree.at("out/1"), "h/one") &&
+                on.tree.symlink(on.tree.at("out/2"), "h/two"));
     ASSERT_TRUE(on.search(on.tree.at("h")));
     ASSERT_EQ(on.model().rowCount(), 1);
     const QModelIndex group = on.model().index(0, 0);
-    const std::string name = group.siblingAtColumn(Model::NameColumn).data().toString().toStdString();
-    const auto at = [&](const char* copy) { return on.row(name, copy).siblingAtColumn(Model::NameColumn); };
+    const std::string name =
+        group.siblingAtColumn(Model::NameColumn).data().toString().toStdString();
+    const auto at = [&](const char* copy) {
+        return on.row(name, copy).siblingAtColumn(Model::NameColumn);
+    };
     EXPECT_FALSE(at("/h/a.txt").data(Model::LinkRole).toBool());
     EXPECT_TRUE(at("/one/c.txt").data(Model::LinkRole).toBool());
-    EXPECT_TRUE(at("/one/c.txt").data(Qt::ToolTipRole).toString().toStdString().ends_with(on.tree.at("out/1/c.txt")));
+    EXPECT_TRUE(at("/one/c.txt")
+                    .data(Qt::ToolTipRole)
+                    .toString()
+                    .toStdString()
+                    .ends_with(on.tree.at("out/1/c.txt")));
     const auto asked = [&](const char* copy) {
         on.tick(on.row(name, copy));
         on.dialogs.willAnswer(1);
@@ -264,7 +284,11 @@ TEST_F(Ticks, ThePreviewGoesOnToTheNextFileAndClosesAlone) {
     outline.collapseAll();
     outline.setCurrentIndex(on.model().index(0, 0));
     const auto path = [&](int group, int copy) {
-        return on.model().index(copy, Model::NameColumn, on.model().index(group, 0)).data().toString().toStdString();
+        return on.model()
+            .index(copy, Model::NameColumn, on.model().index(group, 0))
+            .data()
+            .toString()
+            .toStdString();
     };
     on.click("openBtn");
     QWidget& preview = on.control("previewPanel");
@@ -290,7 +314,9 @@ TEST_F(Ticks, EverythingByKeyAndByTheMenuOfARow) {
     outline.setFocus();
     outline.collapseAll();
     outline.setCurrentIndex(on.row("two.txt"));
-    const auto key = [&](Qt::Key each, Qt::KeyboardModifiers with = {}) { QTest::keyClick(&outline, each, with); };
+    const auto key = [&](Qt::Key each, Qt::KeyboardModifiers with = {}) {
+        QTest::keyClick(&outline, each, with);
+    };
     key(Qt::Key_Right);
     EXPECT_TRUE(outline.isExpanded(on.row("two.txt")));
     key(Qt::Key_Left);
@@ -301,7 +327,8 @@ TEST_F(Ticks, EverythingByKeyAndByTheMenuOfARow) {
     key(Qt::Key_Down);
     key(Qt::Key_Space);
     EXPECT_EQ(group("two"), "two.txt 0 0/2: ..");
-    const std::string copy = outline.currentIndex().siblingAtColumn(Model::NameColumn).data().toString().toStdString();
+    const std::string copy =
+        outline.currentIndex().siblingAtColumn(Model::NameColumn).data().toString().toStdString();
     EXPECT_EQ(copy.find(on.tree.at("f/")), 0U);
     EXPECT_EQ(outline.currentIndex().data(Qt::ToolTipRole).toString().toStdString(), copy);
 

@@ -27,11 +27,12 @@ void addTo(QStringList& texts, const QString& text) {
 }
 
 void addTextsOf(const QWidget& widget, QStringList& texts) {
-    for (const char* const property :
-         {"text", "plainText", "title", "windowTitle", "toolTip", "accessibleName", "accessibleDescription"})
+    for (const char* const property : {"text", "plainText", "title", "windowTitle", "toolTip",
+                                       "accessibleName", "accessibleDescription"})
         addTo(texts, widget.property(property).toString());
     for (const QAction* const action : widget.actions()) addTo(texts, action->text());
-    if (const auto* const header = qobject_cast<const QHeaderView*>(&widget); header && header->model())
+    if (const auto* const header = qobject_cast<const QHeaderView*>(&widget);
+        header && header->model())
         for (int column = 0; column < header->count(); ++column)
             addTo(texts, header->model()->headerData(column, Qt::Horizontal).toString());
 }
@@ -46,8 +47,8 @@ bool isData(const QString& text) {
 QRegularExpression patternOf(const QString& translation) {
     static const QRegularExpression filledIn(QStringLiteral("\\\\%(\\d|L?n)"));
     const QString escaped = QRegularExpression::escape(translation);
-    return QRegularExpression(
-        QRegularExpression::anchoredPattern(QString(escaped).replace(filledIn, QStringLiteral(".+"))));
+    return QRegularExpression(QRegularExpression::anchoredPattern(
+        QString(escaped).replace(filledIn, QStringLiteral(".+"))));
 }
 
 }  // namespace
@@ -66,7 +67,8 @@ QStringList cutTexts(const QWidget& window) {
         cut.push_back(widget.objectName() + QStringLiteral(": ") + text);
     };
     for (const auto* const each : window.findChildren<QAbstractButton*>())
-        if (each->isVisible() && !each->text().isEmpty() && each->width() < each->sizeHint().width())
+        if (each->isVisible() && !each->text().isEmpty() &&
+            each->width() < each->sizeHint().width())
             note(*each, each->text());
     for (const auto* const each : window.findChildren<QLabel*>()) {
         if (!each->isVisible() || each->text().isEmpty()) continue;
@@ -78,7 +80,8 @@ QStringList cutTexts(const QWidget& window) {
         if (!each->isVisible()) continue;
         for (int column = 0; column < each->count(); ++column) {
             const QString text = each->model()->headerData(column, Qt::Horizontal).toString();
-            const QFontMetrics metrics(Theme::shared().font(Theme::Text::Caption));  // in which it is drawn
+            const QFontMetrics metrics(
+                Theme::shared().font(Theme::Text::Caption));  // in which it is drawn
             const int needed = metrics.horizontalAdvance(text) + 2 * FlatHeader::textMargin;
             if (!text.isEmpty() && each->sectionSize(column) < needed) note(*each, text);
         }
@@ -92,7 +95,8 @@ GermanTexts::GermanTexts() {
     QFile file(QStringLiteral(ORRINVALE_GERMAN));
     if (!file.open(QIODevice::ReadOnly)) return;
     for (QXmlStreamReader xml(&file); !xml.atEnd(); xml.readNext()) {
-        const bool isText = xml.name() == QLatin1String("translation") || xml.name() == QLatin1String("numerusform");
+        const bool isText = xml.name() == QLatin1String("translation") ||
+                            xml.name() == QLatin1String("numerusform");
         if (!xml.isStartElement() || !isText) continue;
         const QString text = xml.readElementText(QXmlStreamReader::IncludeChildElements);
         for (const QString& line : text.split(QLatin1Char('\n')))
@@ -102,7 +106,8 @@ GermanTexts::GermanTexts() {
 
 bool GermanTexts::knows(const QString& text) const {
     const auto isTranslation = [this](const QString& piece) {
-        return std::ranges::any_of(m_patterns, [&](const auto& each) { return each.match(piece).hasMatch(); });
+        return std::ranges::any_of(m_patterns,
+                                   [&](const auto& each) { return each.match(piece).hasMatch(); });
     };
     // How many there are of a kind stands behind it.
     static const QRegularExpression count(QStringLiteral(" \\(\\d+\\)$"));

@@ -9,11 +9,12 @@
 
 namespace orrinvale::testing {
 
-/// Every text of the widget and of those in it: labels, buttons, titles, tool tips, what a screen reader says, menus, headers. Lines
-/// of their own; those without a letter are left out.
+/// Every text of the widget and of those in it: labels, buttons, titles, tool tips, what a screen
+/// reader says, menus, headers. Lines of their own; those without a letter are left out.
 [[nodiscard]] QStringList shownTexts(const QWidget& widget);
 
-/// Those visible labels and buttons, and columns of lists, whose text has less room than it needs: "name: text".
+/// Those visible labels and buttons, and columns of lists, whose text has less room than it needs:
+/// "name: text".
 [[nodiscard]] QStringList cutTexts(const QWidget& window);
 
 /// All that the window says in German.
@@ -21,8 +22,8 @@ class GermanTexts {
 public:
     GermanTexts();
 
-    /// Whether the text is a translation, with anything in place of its placeholders, or made of translations and of names, paths and
-    /// sizes, with commas or colons between.
+    /// Whether the text is a translation, with anything in place of its placeholders, or made of
+    /// translations and of names, paths and sizes, with commas or colons between.
     [[nodiscard]] bool knows(const QString& text) const;
     [[nodiscard]] qsizetype size() const { return m_patterns.size(); }
 

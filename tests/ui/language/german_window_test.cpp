@@ -1,4 +1,5 @@
-// The window in German: no text of another language is left, and none is cut off where the window is smallest.
+// The window in German: no text of another language is left, and none is cut off where the window
+// is smallest.
 #include <gtest/gtest.h>
 #include <sys/fsuid.h>
 
@@ -39,7 +40,8 @@ protected:
             if (!german.knows(text))
                 ADD_FAILURE() << where << ": \"" << text.toStdString() << "\" is no German of ours";
         }
-        for (const QString& text : cutTexts(widget)) ADD_FAILURE() << where << " cuts off " << text.toStdString();
+        for (const QString& text : cutTexts(widget))
+            ADD_FAILURE() << where << " cuts off " << text.toStdString();
     }
     void lookAtMenu(const char* where, const QWidget& parent) {
         auto* const menu = parent.findChild<QMenu*>();
@@ -62,15 +64,18 @@ TEST_F(GermanWindow, TheDuplicatePage) {
     look("menu", *menu.menu());
     look("start", window);
 
-    ASSERT_TRUE(on.tree.write("folder/a/x.txt", "the same") && on.tree.write("folder/b/x.txt", "the same") &&
-                on.tree.write("folder/locked/y.txt", "the same") && on.tree.setMode("folder/locked", 0) &&
-                on.tree.setMode("folder", 0755) && on.tree.setMode(".", 0755));
+    ASSERT_TRUE(on.tree.write("folder/a/x.txt", "the same") &&
+                on.tree.write("folder/b/x.txt", "the same") &&
+                on.tree.write("folder/locked/y.txt", "the same") &&
+                on.tree.setMode("folder/locked", 0) && on.tree.setMode("folder", 0755) &&
+                on.tree.setMode(".", 0755));
     on.reading.shut();
     // The threads of the search take over whose rights this one has on files.
     const int before = ::setfsuid(nobody);
     on.drop(on.tree.at("folder"));
     ::setfsuid(static_cast<uid_t>(before));
-    ASSERT_TRUE(PageWindow::waitFor([&] { return on.reading.isWaitedAt() && !on.textOf("countsLabel").empty(); }));
+    ASSERT_TRUE(PageWindow::waitFor(
+        [&] { return on.reading.isWaitedAt() && !on.textOf("countsLabel").empty(); }));
     look("search", window);
     on.reading.open();
     ASSERT_TRUE(PageWindow::waitFor([&] { return on.isShown("detailView"); }));
@@ -97,8 +102,8 @@ TEST_F(GermanWindow, TheDuplicatePage) {
     for (const Alert& alert : on.dialogs.alerts()) look("alert", AlertPanel(alert));
     for (const char* const text :
          {"Duplikate finden", "Möchten Sie wirklich alle ausgewählten Dateien löschen?",
-          "2 Dateien in folder, insgesamt 1 Datei ausgewählt.", "Dokumente, 0,02 KB", "1 Eintrag nicht lesbar",
-          "1 Datei nicht entfernt", "seit dem Suchlauf geändert (1)"})
+          "2 Dateien in folder, insgesamt 1 Datei ausgewählt.", "Dokumente, 0,02 KB",
+          "1 Eintrag nicht lesbar", "1 Datei nicht entfernt", "seit dem Suchlauf geändert (1)"})
         EXPECT_TRUE(seen.contains(QString::fromUtf8(text))) << text;
 }
 
@@ -106,7 +111,8 @@ TEST_F(GermanWindow, TheLargeFilePage) {
     LargePage on;
     QWidget& window = *on.window.window->window();
     look("start", window);
-    ASSERT_TRUE(on.tree.write("folder/a/x.txt", "the same") && on.tree.write("folder/b/y.txt", "another"));
+    ASSERT_TRUE(on.tree.write("folder/a/x.txt", "the same") &&
+                on.tree.write("folder/b/y.txt", "another"));
     ASSERT_TRUE(on.scan(on.tree.at("folder")));
     look("result", window);
     Q_EMIT on.control<TickOutline>("outlineView").menuWanted(on.row("a"), {});
@@ -120,7 +126,8 @@ TEST_F(GermanWindow, TheLargeFilePage) {
 TEST_F(GermanWindow, WhatTheProgramTells) {
     Launched on;
     on.canOpen = false;
-    on.volumes.ejections[7] = {fBsyErr, {"The volume is in use", {{42, "vlc", "/media/stick/a.mp4"}}}};
+    on.volumes.ejections[7] = {fBsyErr,
+                               {"The volume is in use", {{42, "vlc", "/media/stick/a.mp4"}}}};
     on.delegate->applicationDidFinishLaunching();
     for (int alert = 0; alert < 4; ++alert) on.dialogs.willAnswer(0);
     on.delegate->openAboutWindow();
@@ -131,9 +138,9 @@ TEST_F(GermanWindow, WhatTheProgramTells) {
     QApplication::processEvents();
     for (const Alert& alert : on.dialogs.alerts()) look("alert", AlertPanel(alert));
     look("menu", *on.delegate->menu().menu());
-    EXPECT_TRUE(seen.contains(
-        QStringLiteral("„Stick“ konnte nicht ausgeworfen werden: Der Datenträger wird gerade benutzt, offen "
-                       "gehalten von vlc (Prozess 42, /media/stick/a.mp4).")));
+    EXPECT_TRUE(seen.contains(QStringLiteral(
+        "„Stick“ konnte nicht ausgeworfen werden: Der Datenträger wird gerade benutzt, offen "
+        "gehalten von vlc (Prozess 42, /media/stick/a.mp4).")));
 }
 
 TEST_F(GermanWindow, TheToolbarWindow) {

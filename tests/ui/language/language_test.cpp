@@ -17,7 +17,9 @@
 namespace orrinvale {
 namespace {
 
-std::string stopText() { return QCoreApplication::translate("SameFileDeleteViews", "Stop").toStdString(); }
+std::string stopText() {
+    return QCoreApplication::translate("SameFileDeleteViews", "Stop").toStdString();
+}
 
 const QStringList german{QStringLiteral("de")};
 
@@ -33,11 +35,13 @@ TEST(Translations, TheFirstLanguageThatIsThereCounts) {
                  {"", ""},         {"fr", ""}};
     for (const auto& each : cases) {
         {
-            const Translations translations(QString::fromLatin1(each.languages).split(QLatin1Char(' ')));
+            const Translations translations(
+                QString::fromLatin1(each.languages).split(QLatin1Char(' ')));
             EXPECT_EQ(translations.language().toStdString(), each.language) << each.languages;
             const bool isGerman = *each.language != '\0';
             EXPECT_EQ(stopText(), isGerman ? "Stoppen" : "Stop") << each.languages;
-            EXPECT_EQ(getLocalizedString("TITLE_CLEAN_TRASH"), isGerman ? "Papierkorb" : "Trash") << each.languages;
+            EXPECT_EQ(getLocalizedString("TITLE_CLEAN_TRASH"), isGerman ? "Papierkorb" : "Trash")
+                << each.languages;
         }
         EXPECT_EQ(stopText(), "Stop") << "after " << each.languages;
         EXPECT_EQ(getLocalizedString("TITLE_CLEAN_TRASH"), "Trash") << "after " << each.languages;
@@ -80,10 +84,12 @@ TEST(Translations, TheProgramSpeaksTheLanguageOfItsSession) {
         testing::TestTree home;
         QProcess program;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        for (const char* const name : {"HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR", "XDG_DATA_HOME"})
+        for (const char* const name :
+             {"HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR", "XDG_DATA_HOME"})
             environment.insert(QLatin1String(name), QString::fromStdString(home.path()));
         environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-        environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nonexistent"));
+        environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"),
+                           QStringLiteral("unix:path=/nonexistent"));
         environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("en_GB.UTF-8"));
         environment.insert(QStringLiteral("LANGUAGE"), QLatin1String(each.languages));
         program.setProcessEnvironment(environment);

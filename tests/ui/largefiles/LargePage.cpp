@@ -26,11 +26,12 @@ LargePage::~LargePage() {
 }
 
 void LargePage::setOwnFiles(std::vector<std::string> ownFiles) {
-    Controller::getController().setParts({.files = &window.files,
-                                          .mainQueue = &m_mainQueue,
-                                          .ownFiles = std::move(ownFiles),
-                                          .reveal = [this](const std::string& path) { revealed.push_back(path); },
-                                          .openFolder = {}});
+    Controller::getController().setParts(
+        {.files = &window.files,
+         .mainQueue = &m_mainQueue,
+         .ownFiles = std::move(ownFiles),
+         .reveal = [this](const std::string& path) { revealed.push_back(path); },
+         .openFolder = {}});
 }
 
 std::string LargePage::textOf(const char* name) {
@@ -57,8 +58,10 @@ bool LargePage::scan(const std::string& path) {
 
 std::string LargePage::list() {
     std::string text;
-    for (QModelIndex row = outline().model()->index(0, 0); row.isValid(); row = outline().indexBelow(row)) {
-        for (QModelIndex above = row.parent(); above.isValid(); above = above.parent()) text += "  ";
+    for (QModelIndex row = outline().model()->index(0, 0); row.isValid();
+         row = outline().indexBelow(row)) {
+        for (QModelIndex above = row.parent(); above.isValid(); above = above.parent())
+            text += "  ";
         const auto cell = [&](int column, int role = Qt::DisplayRole) {
             return row.siblingAtColumn(column).data(role);
         };
@@ -71,8 +74,10 @@ std::string LargePage::list() {
 }
 
 QModelIndex LargePage::row(const std::string& name) {
-    for (QModelIndex row = outline().model()->index(0, 0); row.isValid(); row = outline().indexBelow(row))
-        if (row.siblingAtColumn(FileNodeModel::Name).data().toString().toStdString() == name) return row;
+    for (QModelIndex row = outline().model()->index(0, 0); row.isValid();
+         row = outline().indexBelow(row))
+        if (row.siblingAtColumn(FileNodeModel::Name).data().toString().toStdString() == name)
+            return row;
     ADD_FAILURE() << "no row " << name;
     return {};
 }
@@ -82,8 +87,9 @@ void LargePage::clickCell(const std::string& name, int column) {
     outline().scrollTo(cell);
     QStyleOptionViewItem option;
     option.rect = outline().visualRect(cell);
-    const QPoint place =
-        column == FileNodeModel::CheckBox ? TickBoxDelegate::boxRect(option).center() : option.rect.center();
+    const QPoint place = column == FileNodeModel::CheckBox
+                             ? TickBoxDelegate::boxRect(option).center()
+                             : option.rect.center();
     EXPECT_TRUE(outline().viewport()->rect().contains(place));
     QTest::mouseClick(outline().viewport(), Qt::LeftButton, {}, place);
     QApplication::processEvents();
@@ -104,7 +110,8 @@ bool LargePage::remove(const std::function<void(QWidget& progressWindow)>& meanw
     click("deleteButton");
     const auto modal = [] { return QApplication::activeModalWidget(); };
     if (meanwhile) {
-        if (!waitFor([&] { return modal() != nullptr && window.removing.isWaitedAt(); })) return false;
+        if (!waitFor([&] { return modal() != nullptr && window.removing.isWaitedAt(); }))
+            return false;
         meanwhile(*modal());
         window.removing.open();
     }

@@ -1,4 +1,5 @@
-// LargePage: the large file page in the real main window over real folders, driven by the names of its controls.
+// LargePage: the large file page in the real main window over real folders, driven by the names of
+// its controls.
 #pragma once
 
 #include <QModelIndex>
@@ -15,7 +16,8 @@
 
 namespace orrinvale::testing {
 
-/// The window with the second tab chosen. The controller of the process works on the files of this object for as long as it lives.
+/// The window with the second tab chosen. The controller of the process works on the files of this
+/// object for as long as it lives.
 class LargePage {
 public:
     LargePage();
@@ -44,17 +46,21 @@ public:
     void choose(std::vector<std::string> paths);
     /// Chooses it and waits until the scan is over.
     [[nodiscard]] bool scan(const std::string& path);
-    /// The rows as a person reads them, one a line: indent, box ("x" all, "." nothing, "-" some, " " none), name, size.
+    /// The rows as a person reads them, one a line: indent, box ("x" all, "." nothing, "-" some, "
+    /// " none), name, size.
     std::string list();
     /// The row of this name among those that are to be seen.
     QModelIndex row(const std::string& name);
     void clickCell(const std::string& name, int column);
     void tick(const std::string& name);
     void open(const std::string& name);
-    /// Presses Delete, agrees, and waits until the removal is over; `meanwhile` runs when its window stands.
+    /// Presses Delete, agrees, and waits until the removal is over; `meanwhile` runs when its
+    /// window stands.
     [[nodiscard]] bool remove(const std::function<void(QWidget& progressWindow)>& meanwhile = {});
     std::string linesBehind(const char* button);
-    [[nodiscard]] static bool waitFor(const std::function<bool()>& isSo) { return PageWindow::waitFor(isSo); }
+    [[nodiscard]] static bool waitFor(const std::function<bool()>& isSo) {
+        return PageWindow::waitFor(isSo);
+    }
 
     PageWindow window;
     TestTree& tree = window.tree;

@@ -1,4 +1,5 @@
-// The list of the large file page over a tree that grows: what is open, chosen and scrolled to survives, and a long level comes in parts.
+// The list of the large file page over a tree that grows: what is open, chosen and scrolled to
+// survives, and a long level comes in parts.
 #include <gtest/gtest.h>
 
 #include <QAbstractItemModelTester>
@@ -28,7 +29,8 @@ protected:
         view.show();
         model.setTree(tree);
     }
-    FileNode& add(FileNode& folder, const std::string& name, std::uint64_t size, bool isFolder = false) {
+    FileNode& add(FileNode& folder, const std::string& name, std::uint64_t size,
+                  bool isFolder = false) {
         names.push_back(name);
         const FoundEntry entry{.name = names.back().c_str(),
                                .isDirectory = isFolder,
@@ -83,7 +85,8 @@ TEST_F(GrowingList, ShowsALongLevelInPartsAsItIsScrolled) {
     constexpr int rows = 12'000;
     FileNode& folder = add(tree->root(), "folder", 0, true);
     add(folder, "inside", rows + 1);
-    for (int i = 0; i < rows; ++i) add(tree->root(), std::to_string(i), static_cast<std::uint64_t>(i) + 1);
+    for (int i = 0; i < rows; ++i)
+        add(tree->root(), std::to_string(i), static_cast<std::uint64_t>(i) + 1);
     show();
     EXPECT_EQ(model.rowCount(), 5000);
     view.expand(model.index(0, 0));
@@ -125,7 +128,8 @@ TEST_F(GrowingList, GivesNoBoxToWhatNobodyShouldSelect) {
         ASSERT_NE(path, listed.end());
         int clicks = 0;
         FileNodeModel rows({}, [&clicks](FileNode& /*node*/) { ++clicks; });
-        tree = std::make_shared<FileNodeTree>(isBelowRoot ? "/" : path->substr(0, path->rfind('/')));
+        tree =
+            std::make_shared<FileNodeTree>(isBelowRoot ? "/" : path->substr(0, path->rfind('/')));
         add(tree->root(), path->substr(path->rfind('/') + 1), 2, true);
         add(tree->root(), "ours", 1);
         rows.setTree(tree);

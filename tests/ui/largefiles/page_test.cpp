@@ -1,4 +1,5 @@
-// The large file page on real folders: a scan, ticks, a removal, what is told of them, and how a person gets about.
+// The large file page on real folders: a scan, ticks, a removal, what is told of them, and how a
+// person gets about.
 #include <gtest/gtest.h>
 #include <sys/fsuid.h>
 
@@ -23,9 +24,12 @@ constexpr uid_t nobody = 65534;
 class LargeFilePage : public ::testing::Test {
 protected:
     bool makeFolder() {
-        return on.tree.sparse("f/movie.mkv", 5'000'000) && on.tree.sparse("f/photos/new/lake.png", 900'000) &&
-               on.tree.sparse("f/photos/old.png", 600'000) && on.tree.sparse("f/Viewer.app/viewer", 700'000) &&
-               on.tree.write("f/notes.txt", std::string(1'500, 'n')) && on.tree.hardLink("f/notes.txt", "f/same.txt");
+        return on.tree.sparse("f/movie.mkv", 5'000'000) &&
+               on.tree.sparse("f/photos/new/lake.png", 900'000) &&
+               on.tree.sparse("f/photos/old.png", 600'000) &&
+               on.tree.sparse("f/Viewer.app/viewer", 700'000) &&
+               on.tree.write("f/notes.txt", std::string(1'500, 'n')) &&
+               on.tree.hardLink("f/notes.txt", "f/same.txt");
     }
     bool isThere(const std::string& name) { return testing::isThere(on.tree.at(name)); }
     QAction* menuAction(const std::string& row, const char* text) {
@@ -56,22 +60,25 @@ TEST_F(LargeFilePage, ShowsTheBiggestFirstAndRemovesWhatIsTicked) {
     EXPECT_EQ(on.dialogs.choices().back().title, QStringLiteral("Choose a path to search"));
     EXPECT_TRUE(on.isShown("stopScanButton"));
     ASSERT_TRUE(on.waitFor([&] { return !on.page().isScan(); }));
-    EXPECT_EQ(
-        on.list(),
-        ". movie.mkv 5.00 MB\n. photos 1.50 MB\n. Viewer.app 700.00 KB\n. same.txt 1.50 KB\n. notes.txt 1.50 KB\n");
-    EXPECT_FALSE(on.isShown("stopScanButton") || on.isShown("progressLabel") || on.control("deleteButton").isEnabled());
+    EXPECT_EQ(on.list(),
+              ". movie.mkv 5.00 MB\n. photos 1.50 MB\n. Viewer.app 700.00 KB\n. same.txt 1.50 "
+              "KB\n. notes.txt 1.50 KB\n");
+    EXPECT_FALSE(on.isShown("stopScanButton") || on.isShown("progressLabel") ||
+                 on.control("deleteButton").isEnabled());
     const QModelIndex notes = on.row("notes.txt").siblingAtColumn(FileNodeModel::Size);
-    EXPECT_TRUE(notes.data(Qt::ToolTipRole).toString().endsWith(QStringLiteral("\nshared by 2 names")));
-    EXPECT_EQ(on.row("movie.mkv").siblingAtColumn(FileNodeModel::Size).data(Qt::ToolTipRole).toString(),
-              QStringLiteral("5.00 MB, 0 byte on disk"));
+    EXPECT_TRUE(
+        notes.data(Qt::ToolTipRole).toString().endsWith(QStringLiteral("\nshared by 2 names")));
+    EXPECT_EQ(
+        on.row("movie.mkv").siblingAtColumn(FileNodeModel::Size).data(Qt::ToolTipRole).toString(),
+        QStringLiteral("5.00 MB, 0 byte on disk"));
 
     on.open("photos");
     on.tick("new");
     on.tick("movie.mkv");
-    EXPECT_EQ(
-        on.list(),
-        "x movie.mkv 5.00 MB\n- photos 1.50 MB\n  x new 900.00 KB\n  . old.png 600.00 KB\n. Viewer.app 700.00 KB\n"
-        ". same.txt 1.50 KB\n. notes.txt 1.50 KB\n");
+    EXPECT_EQ(on.list(),
+              "x movie.mkv 5.00 MB\n- photos 1.50 MB\n  x new 900.00 KB\n  . old.png 600.00 KB\n. "
+              "Viewer.app 700.00 KB\n"
+              ". same.txt 1.50 KB\n. notes.txt 1.50 KB\n");
     on.dialogs.willAnswer(1);
     on.click("deleteButton");
     QTest::qWait(700);
@@ -80,7 +87,8 @@ TEST_F(LargeFilePage, ShowsTheBiggestFirstAndRemovesWhatIsTicked) {
     ASSERT_TRUE(on.remove([&](QWidget& progressWindow) {
         EXPECT_EQ(progressWindow.windowModality(), Qt::ApplicationModal);
         const auto& path = *progressWindow.findChild<QLabel*>(QStringLiteral("pathLabel"));
-        EXPECT_TRUE(on.waitFor([&] { return path.text().toStdString() == on.tree.at("f/movie.mkv"); }));
+        EXPECT_TRUE(
+            on.waitFor([&] { return path.text().toStdString() == on.tree.at("f/movie.mkv"); }));
         // Whoever gets past the window changes nothing.
         on.page().setAllSelectOrNoSelect();
         on.page().backButtonAction();
@@ -88,9 +96,9 @@ TEST_F(LargeFilePage, ShowsTheBiggestFirstAndRemovesWhatIsTicked) {
     }));
     EXPECT_FALSE(isThere("f/movie.mkv") || isThere("f/photos/new"));
     EXPECT_TRUE(isThere("f/photos/old.png") && isThere("f/Viewer.app/viewer"));
-    EXPECT_EQ(
-        on.list(),
-        ". photos 1.50 MB\n  . old.png 600.00 KB\n. Viewer.app 700.00 KB\n. same.txt 1.50 KB\n. notes.txt 1.50 KB\n");
+    EXPECT_EQ(on.list(),
+              ". photos 1.50 MB\n  . old.png 600.00 KB\n. Viewer.app 700.00 KB\n. same.txt 1.50 "
+              "KB\n. notes.txt 1.50 KB\n");
     EXPECT_FALSE(on.isShown("failureLine") || on.control("deleteButton").isEnabled());
     EXPECT_EQ(on.textOf("removedLabel"), "2 removed, 5.90 MB");
 
@@ -98,7 +106,8 @@ TEST_F(LargeFilePage, ShowsTheBiggestFirstAndRemovesWhatIsTicked) {
     EXPECT_EQ(on.list().find(". "), std::string::npos) << "all boxes are ticked";
     ASSERT_TRUE(on.remove());
     EXPECT_EQ(on.textOf("emptyLabel"), "Nothing is left in this folder.");
-    EXPECT_EQ(on.textOf("removedLabel"), "4 removed, 1.30 MB") << "a file with two names counts once";
+    EXPECT_EQ(on.textOf("removedLabel"), "4 removed, 1.30 MB")
+        << "a file with two names counts once";
     EXPECT_FALSE(isThere("f/notes.txt") || isThere("f/photos"));
 }
 
@@ -141,7 +150,8 @@ TEST_F(LargeFilePage, IsTickedAndLookedAtByTheKeyboard) {
     QTest::keyClick(&on.outline(), Qt::Key_Down);
     QTest::keyClick(&on.outline(), Qt::Key_Right);
     EXPECT_TRUE(on.outline().isExpanded(on.row("photos")));
-    EXPECT_FALSE(on.outline().selectionModel()->hasSelection()) << "opening takes the highlight away";
+    EXPECT_FALSE(on.outline().selectionModel()->hasSelection())
+        << "opening takes the highlight away";
     QTest::keyClick(&on.outline(), Qt::Key_Asterisk);
     EXPECT_FALSE(on.outline().isExpanded(on.row("new")));
     QTest::keyClick(&on.outline(), Qt::Key_Left);
@@ -191,7 +201,8 @@ TEST_F(LargeFilePage, MovesARowToTheTrashAndSaysWhyItCouldNot) {
     ASSERT_TRUE(on.waitFor([&] { return on.list().find("old.png") == std::string::npos; }));
     EXPECT_FALSE(isThere("f/photos/old.png"));
     EXPECT_TRUE(isThere("data/Trash/files/old.png"));
-    EXPECT_NE(on.list().find(". photos"), std::string::npos) << "nothing below it is ticked any more";
+    EXPECT_NE(on.list().find(". photos"), std::string::npos)
+        << "nothing below it is ticked any more";
     EXPECT_FALSE(on.control("deleteButton").isEnabled());
 
     on.dialogs.willAnswer(0);
@@ -199,7 +210,8 @@ TEST_F(LargeFilePage, MovesARowToTheTrashAndSaysWhyItCouldNot) {
     ASSERT_TRUE(on.waitFor([&] { return !on.dialogs.alerts().empty(); }));
     EXPECT_TRUE(isThere("f/movie.mkv"));
     EXPECT_NE(on.list().find("movie.mkv"), std::string::npos);
-    EXPECT_TRUE(on.dialogs.alerts().back().text.startsWith(QString::fromStdString(on.tree.at("f/movie.mkv") + '\n')));
+    EXPECT_TRUE(on.dialogs.alerts().back().text.startsWith(
+        QString::fromStdString(on.tree.at("f/movie.mkv") + '\n')));
     if (dataBefore.isNull()) qunsetenv("XDG_DATA_HOME");
     else qputenv("XDG_DATA_HOME", dataBefore);
 }
@@ -213,7 +225,8 @@ TEST_F(LargeFilePage, TakesNoTicksDuringAScanAndKeepsWhatItFoundWhenItIsStopped)
     };
     on.window.reading.shut();
     on.choose({on.tree.at("f")});
-    ASSERT_TRUE(on.waitFor([&] { return on.window.reading.isWaitedAt() && on.list().size() > 20; })) << on.list();
+    ASSERT_TRUE(on.waitFor([&] { return on.window.reading.isWaitedAt() && on.list().size() > 20; }))
+        << on.list();
     EXPECT_TRUE(on.page().isScan() && on.isShown("progressView") && on.isShown("progressLabel"));
     on.tick("movie.mkv");
     on.click("selectAllButton");
@@ -254,7 +267,8 @@ TEST_F(LargeFilePage, SaysOfAnEmptyListWhetherTheFolderIsEmptyToo) {
     ASSERT_TRUE(on.remove());
     ASSERT_TRUE(isThere("f/stays") && !isThere("f/gone"));
     EXPECT_TRUE(on.waitFor([&] { return on.isShown("emptyLabel"); }));
-    EXPECT_EQ(on.textOf("emptyLabel"), "The list is empty. A new scan shows what stayed in this folder.");
+    EXPECT_EQ(on.textOf("emptyLabel"),
+              "The list is empty. A new scan shows what stayed in this folder.");
     on.page().viewDragAction(on.tree.at("f"));
     ASSERT_TRUE(on.waitFor([&] { return !on.page().isScan(); }));
     on.click("selectAllButton");
@@ -268,16 +282,19 @@ TEST_F(LargeFilePage, ThePreviewGoesOnToTheNextFile) {
     ASSERT_TRUE(on.scan(on.tree.at("f")));
     on.clickCell("movie.mkv", FileNodeModel::Pareview);
     ASSERT_TRUE(on.window.isShown("previewPanel"));
-    for (const auto& [key, name] : {std::pair(Qt::Key_Down, "same.txt"), std::pair(Qt::Key_Down, "notes.txt"),
-                                    std::pair(Qt::Key_Down, "notes.txt"), std::pair(Qt::Key_Up, "same.txt")}) {
+    for (const auto& [key, name] :
+         {std::pair(Qt::Key_Down, "same.txt"), std::pair(Qt::Key_Down, "notes.txt"),
+          std::pair(Qt::Key_Down, "notes.txt"), std::pair(Qt::Key_Up, "same.txt")}) {
         QTest::keyClick(&on.window.control("previewPanel"), key);
-        EXPECT_EQ(on.window.window->filePath(), on.tree.at("f/" + std::string(name))) << "folders have no preview";
+        EXPECT_EQ(on.window.window->filePath(), on.tree.at("f/" + std::string(name)))
+            << "folders have no preview";
     }
 }
 
 TEST_F(LargeFilePage, TellsWhatCouldNotBeRead) {
-    ASSERT_TRUE(on.tree.write("f/locked/secret.txt", "some words") && on.tree.setMode("f/locked", 0) &&
-                on.tree.setMode("f", 0755) && on.tree.setMode(".", 0755));
+    ASSERT_TRUE(on.tree.write("f/locked/secret.txt", "some words") &&
+                on.tree.setMode("f/locked", 0) && on.tree.setMode("f", 0755) &&
+                on.tree.setMode(".", 0755));
     // The threads of the scan take over whose rights this one has on files.
     const int before = ::setfsuid(nobody);
     const bool isScanned = on.scan(on.tree.at("f"));
@@ -299,7 +316,8 @@ TEST_F(LargeFilePage, StopsARemovalBetweenTwoNodesAndTellsOfFailures) {
     EXPECT_FALSE(isThere("f/notes.txt"));
     EXPECT_EQ(on.list().find("movie.mkv"), std::string::npos) << "it leaves the list all the same";
     EXPECT_EQ(on.textOf("failureLine"), "1 could not be removed; a new scan will show it again");
-    EXPECT_NE(on.linesBehind("failureLine").find("    " + on.tree.at("f/movie.mkv")), std::string::npos);
+    EXPECT_NE(on.linesBehind("failureLine").find("    " + on.tree.at("f/movie.mkv")),
+              std::string::npos);
 
     on.click("selectAllButton");
     ASSERT_TRUE(on.remove([&](QWidget& progressWindow) {

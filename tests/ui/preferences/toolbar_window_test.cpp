@@ -1,4 +1,5 @@
-// The window with the toolbar: which page it shows, how pages follow each other, and the toolbar by mouse and by keys.
+// The window with the toolbar: which page it shows, how pages follow each other, and the toolbar by
+// mouse and by keys.
 #include <gtest/gtest.h>
 
 #include <QContextMenuEvent>
@@ -34,7 +35,9 @@ namespace {
 class StillStyle final : public QProxyStyle {
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* data) const override {
-        return hint == SH_Widget_Animation_Duration ? 0 : QProxyStyle::styleHint(hint, option, widget, data);
+        return hint == SH_Widget_Animation_Duration
+                   ? 0
+                   : QProxyStyle::styleHint(hint, option, widget, data);
     }
 };
 
@@ -60,14 +63,15 @@ protected:
 
     // A page whose view is called `view`.
     void add(const char* identifier, const char* view) {
-        controller->registerPage({QLatin1String(identifier), QLatin1String(identifier), QStringLiteral("ic_doc"),
-                                  [this, name = QString(QLatin1String(view))](QObject* owner) -> QWidget* {
-                                      EXPECT_NE(owner, nullptr);
-                                      made.append(name);
-                                      auto* const label = new QLabel(name);
-                                      label->setObjectName(name);
-                                      return label;
-                                  }});
+        controller->registerPage(
+            {QLatin1String(identifier), QLatin1String(identifier), QStringLiteral("ic_doc"),
+             [this, name = QString(QLatin1String(view))](QObject* owner) -> QWidget* {
+                 EXPECT_NE(owner, nullptr);
+                 made.append(name);
+                 auto* const label = new QLabel(name);
+                 label->setObjectName(name);
+                 return label;
+             }});
     }
 
     void show() {
@@ -79,17 +83,23 @@ protected:
         const QWidget* const item = controller->toolbarItems().value(QLatin1String(identifier));
         QWidget* const window = controller->window();
         QCoreApplication::processEvents();  // a new item gets its place
-        QTest::mouseClick(window->windowHandle(), Qt::LeftButton, held, item->mapTo(window, item->rect().center()));
+        QTest::mouseClick(window->windowHandle(), Qt::LeftButton, held,
+                          item->mapTo(window, item->rect().center()));
     }
     // The names of all views in the window's content, the fading picture among them.
     [[nodiscard]] QString shown() const {
         QStringList names;
-        for (const auto* each : controller->contentSubview()->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+        for (const auto* each :
+             controller->contentSubview()->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
             names.append(each->objectName());
         return names.join(QLatin1Char(' '));
     }
-    [[nodiscard]] QString selected() const { return controller->toolbar()->selectedItemIdentifier(); }
-    [[nodiscard]] QVariantAnimation& fade() const { return *controller->findChild<QVariantAnimation*>(); }
+    [[nodiscard]] QString selected() const {
+        return controller->toolbar()->selectedItemIdentifier();
+    }
+    [[nodiscard]] QVariantAnimation& fade() const {
+        return *controller->findChild<QVariantAnimation*>();
+    }
     [[nodiscard]] bool isFading() const { return fade().state() == QAbstractAnimation::Running; }
 
     testing::TestTree tree;
@@ -109,11 +119,13 @@ TEST_F(ToolbarWindow, PagesAreMadeOnceWhenTheyAreFirstShown) {
     EXPECT_EQ(controller->toolbarViews().size(), 1);
     add("late", "late");
     EXPECT_EQ(controller->toolbarIdentifiers().join(QLatin1Char(' ')),
-              QStringLiteral("first second late NSToolbarFlexibleSpaceItem NSToolbarSpaceItem websit Help"));
+              QStringLiteral(
+                  "first second late NSToolbarFlexibleSpaceItem NSToolbarSpaceItem websit Help"));
     for (const char* const name : {"late", "second", "late", "first"}) {
         click(name);
         EXPECT_EQ(selected(), QLatin1String(name));
-        EXPECT_TRUE(QTest::qWaitFor([&] { return shown() == QLatin1String(name); })) << shown().toStdString();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return shown() == QLatin1String(name); }))
+            << shown().toStdString();
         EXPECT_EQ(controller->window()->windowTitle(), QStringLiteral("Orrinvale"));
     }
     EXPECT_EQ(made.join(QLatin1Char(' ')), QStringLiteral("first late second"));
@@ -143,7 +155,9 @@ TEST_F(ToolbarWindow, PagesFadeWhereTheyMay) {
         controller->setCrossFade(each.crossFade);
         controller->displayViewForIdentifier(QStringLiteral("second"), each.animate);
         EXPECT_EQ(isFading(), each.fades) << each.what;
-        EXPECT_EQ(shown(), each.fades ? QStringLiteral("second fadingPicture") : QStringLiteral("second")) << each.what;
+        EXPECT_EQ(shown(),
+                  each.fades ? QStringLiteral("second fadingPicture") : QStringLiteral("second"))
+            << each.what;
     }
 }
 
@@ -178,7 +192,8 @@ TEST_F(ToolbarWindow, SettingsAreFollowedFromAnyThread) {
         defaults.setBool(false, fadeKey);
         defaults.setBool(false, shiftSlowsAnimationKey);
     }).join();
-    EXPECT_TRUE(QTest::qWaitFor([this] { return !controller->crossFade() && !controller->shiftSlowsAnimation(); }));
+    EXPECT_TRUE(QTest::qWaitFor(
+        [this] { return !controller->crossFade() && !controller->shiftSlowsAnimation(); }));
     std::thread([this] { defaults.setBool(true, fadeKey); }).join();
     controller.reset();
     QTest::qWait(0);  // what is on its way finds nobody
@@ -186,8 +201,9 @@ TEST_F(ToolbarWindow, SettingsAreFollowedFromAnyThread) {
 
 TEST_F(ToolbarWindow, OpensWithTheStoredPageAndStoresTheFirst) {
     // The places: two pages, two spaces, two items that open something elsewhere.
-    const std::pair<std::int64_t, const char*> cases[] = {{0, "first"}, {1, "second"}, {2, "first"}, {4, "first"},
-                                                          {5, "first"}, {99, "first"}, {-1, "first"}};
+    const std::pair<std::int64_t, const char*> cases[] = {
+        {0, "first"}, {1, "second"}, {2, "first"}, {4, "first"},
+        {5, "first"}, {99, "first"}, {-1, "first"}};
     for (const auto& [stored, page] : cases) {
         defaults.setInteger(stored, ZvToobarItem);
         remake();
@@ -207,7 +223,8 @@ TEST_F(ToolbarWindow, WhatHasNoPageSwapsNothing) {
     show();
     click("websit");
     click("Help");
-    EXPECT_EQ(opened, (QStringList{QStringLiteral("https://www.kelpford.com/"), QStringLiteral("help")}));
+    EXPECT_EQ(opened,
+              (QStringList{QStringLiteral("https://www.kelpford.com/"), QStringLiteral("help")}));
     controller->displayViewForIdentifier(QStringLiteral("nowhere"), true);
     EXPECT_EQ(selected(), QStringLiteral("first"));
     controller->displayViewForIdentifier(QStringLiteral("preferences"), true);
@@ -229,10 +246,13 @@ TEST_F(ToolbarWindow, TheKeyboardReachesEveryItem) {
         const QWidget* const at = controller->window()->focusWidget();
         return at == nullptr ? QString() : at->objectName();
     };
-    const auto press = [this](Qt::Key key) { QTest::keyClick(controller->window()->focusWidget(), key); };
+    const auto press = [this](Qt::Key key) {
+        QTest::keyClick(controller->window()->focusWidget(), key);
+    };
     const std::pair<Qt::Key, const char*> cases[] = {
-        {Qt::Key_Left, "first"}, {Qt::Key_Right, "second"}, {Qt::Key_Right, "websit"}, {Qt::Key_Right, "Help"},
-        {Qt::Key_Right, "Help"}, {Qt::Key_Left, "websit"},  {Qt::Key_Home, "first"},   {Qt::Key_End, "Help"}};
+        {Qt::Key_Left, "first"}, {Qt::Key_Right, "second"}, {Qt::Key_Right, "websit"},
+        {Qt::Key_Right, "Help"}, {Qt::Key_Right, "Help"},   {Qt::Key_Left, "websit"},
+        {Qt::Key_Home, "first"}, {Qt::Key_End, "Help"}};
     EXPECT_EQ(focused(), QStringLiteral("first"));
     for (const auto& [key, item] : cases) {
         press(key);
@@ -257,7 +277,8 @@ TEST_F(ToolbarWindow, TheKeyboardReachesEveryItem) {
 TEST_F(ToolbarWindow, TheMenuChoosesWhatItemsShowAndThatIsKept) {
     show();
     const int height = controller->window()->titleBarHeight();
-    QContextMenuEvent event(QContextMenuEvent::Mouse, {5, 5}, controller->toolbar()->mapToGlobal(QPoint(5, 5)));
+    QContextMenuEvent event(QContextMenuEvent::Mouse, {5, 5},
+                            controller->toolbar()->mapToGlobal(QPoint(5, 5)));
     QApplication::sendEvent(controller->toolbar(), &event);
     auto* const menu = controller->toolbar()->findChild<QMenu*>();
     ASSERT_NE(menu, nullptr);
@@ -308,19 +329,22 @@ TEST_F(ToolbarWindow, TheDuplicatePageStandsAloneInIt) {
     ASSERT_NE(item, nullptr);
     EXPECT_EQ(item->text(), QStringLiteral("Duplicates"));
     EXPECT_FALSE(item->icon().isNull());
-    EXPECT_EQ(item->width(), item->sizeHint().width()) << "it stands on the left, and does not fill the row";
+    EXPECT_EQ(item->width(), item->sizeHint().width())
+        << "it stands on the left, and does not fill the row";
     const QString view = shown();
     ASSERT_TRUE(tree.write("copies/one", "same") && tree.write("copies/two", "same"));
     QMimeData dragged;
     dragged.setUrls({QUrl::fromLocalFile(QString::fromStdString(tree.at("copies")))});
-    EXPECT_TRUE(controller->contentSubview()->findChild<DragView*>()->performDragOperation(dragged));
+    EXPECT_TRUE(
+        controller->contentSubview()->findChild<DragView*>()->performDragOperation(dragged));
     EXPECT_EQ(shown(), view) << "nobody swaps its views";
     // With the search under way, or over.
     controller.reset();
 }
 
 TEST_F(ToolbarWindow, TheSharedOneEndsBeforeTheApplication) {
-    const QPointer<AppPrefsWindowController> shared(&AppPrefsWindowController::sharedPrefsWindowController());
+    const QPointer<AppPrefsWindowController> shared(
+        &AppPrefsWindowController::sharedPrefsWindowController());
     EXPECT_EQ(shared.data(), &AppPrefsWindowController::sharedPrefsWindowController());
     QTimer::singleShot(0, qApp, &QCoreApplication::quit);
     QApplication::exec();

@@ -1,4 +1,5 @@
-// Launched: the application's delegate with everything that it works with, for tests of the whole program.
+// Launched: the application's delegate with everything that it works with, for tests of the whole
+// program.
 #pragma once
 
 #include <QAction>
@@ -35,33 +36,36 @@ private:
     QtMainQueue m_queue;
 };
 
-/// The window is open. Everything else is the test's: settings, volumes, answers; and lists of what was set off. The shared parts of the
-/// process are its own while it lives.
+/// The window is open. Everything else is the test's: settings, volumes, answers; and lists of what
+/// was set off. The shared parts of the process are its own while it lives.
 struct Launched {
     explicit Launched(std::vector<FakeVolumes::Volume> standing = {
                           FakeVolumes::volume(1, "System", "/", false),
                           FakeVolumes::volume(7, "Stick", "/media/stick", true)}) {
-        QnAuthorization::shareQnAuthorization().setParts({&authorization, &files, &permissions, {}});
+        QnAuthorization::shareQnAuthorization().setParts(
+            {&authorization, &files, &permissions, {}});
         UserDefaults::setStandardUserDefaults(&defaults);
         UtilityFunction::getMyFunction().setNotificationCenter(&notifications);
-        for (const char* name : {"refMenuItemWhenDeleteAndAdd", "updateSizeView", "shouldSelectRow"})
-            observations.push_back(
-                notifications.addObserver(name, [this](const Notification& each) { posted.push_back(each.name); }));
+        for (const char* name :
+             {"refMenuItemWhenDeleteAndAdd", "updateSizeView", "shouldSelectRow"})
+            observations.push_back(notifications.addObserver(
+                name, [this](const Notification& each) { posted.push_back(each.name); }));
         volumes.volumes = std::move(standing);
-        delegate = std::make_unique<AppDelegate>(
-            AppDelegateParts{.pages = pages(),
-                             .icons = &icons,
-                             .volumes = &volumes,
-                             .volumesAtOnce = &volumes,
-                             .mountChanges = &mounts,
-                             .openFolder = [this](const std::string& path) { return opened.push_back(path), canOpen; },
-                             .openGuide =
-                                 [this](const std::function<void()>& failed) {
-                                     if (!canOpen) failed();
-                                 },
-                             .stopListening = [this] { isListening = false; },
-                             .exitProcess = [this](int status) { ends.push_back(status); },
-                             .endBySignal = [this](int signal) { ends.push_back(-signal); }});
+        delegate = std::make_unique<AppDelegate>(AppDelegateParts{
+            .pages = pages(),
+            .icons = &icons,
+            .volumes = &volumes,
+            .volumesAtOnce = &volumes,
+            .mountChanges = &mounts,
+            .openFolder =
+                [this](const std::string& path) { return opened.push_back(path), canOpen; },
+            .openGuide =
+                [this](const std::function<void()>& failed) {
+                    if (!canOpen) failed();
+                },
+            .stopListening = [this] { isListening = false; },
+            .exitProcess = [this](int status) { ends.push_back(status); },
+            .endBySignal = [this](int signal) { ends.push_back(-signal); }});
         delegate->applicationWillFinishLaunching();
     }
     ~Launched() {
@@ -83,7 +87,9 @@ struct Launched {
                 .reveal = {},
                 .openAddress = {}};
     }
-    QAction* entry(const char* name) const { return delegate->menu().menu()->findChild<QAction*>(QLatin1String(name)); }
+    QAction* entry(const char* name) const {
+        return delegate->menu().menu()->findChild<QAction*>(QLatin1String(name));
+    }
     bool isVisible() const { return delegate->duplicateMWC()->window()->isVisible(); }
     void closeWindow() const { delegate->duplicateMWC()->window()->performClose(); }
 

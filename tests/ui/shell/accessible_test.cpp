@@ -1,4 +1,5 @@
-// What a screen reader is told of the real program, through the desktop's own interface for it, on a bus and a display of the test.
+// What a screen reader is told of the real program, through the desktop's own interface for it, on
+// a bus and a display of the test.
 #include <gtest/gtest.h>
 
 #include <QFileInfo>
@@ -33,8 +34,10 @@ protected:
     /// Why it can not be had here; empty when the program runs with a search of the folder.
     std::string start(const TestTree& tree) {
         if (!QFileInfo::exists(launcher)) return "at-spi2-core is not installed";
-        if (QStandardPaths::findExecutable(QStringLiteral("dbus-daemon")).isEmpty()) return "no dbus-daemon here";
-        if (std::string reason = session.startX11({QStringLiteral("openbox")}); !reason.empty()) return reason;
+        if (QStandardPaths::findExecutable(QStringLiteral("dbus-daemon")).isEmpty())
+            return "no dbus-daemon here";
+        if (std::string reason = session.startX11({QStringLiteral("openbox")}); !reason.empty())
+            return reason;
         const std::string address = "unix:path=" + tree.at("bus");
         session.setVariable("DBUS_SESSION_BUS_ADDRESS", address.c_str());
         session.setVariable("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
@@ -43,7 +46,8 @@ protected:
         run(bus, QStringLiteral("dbus-daemon"),
             {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--nopidfile"),
              QString::fromStdString("--address=" + address)});
-        if (!PageWindow::waitFor([&] { return isThere(tree.at("bus")); })) return "the bus does not start";
+        if (!PageWindow::waitFor([&] { return isThere(tree.at("bus")); }))
+            return "the bus does not start";
         run(spi, launcher, {QStringLiteral("--launch-immediately")});
         run(orrinvale, QStringLiteral(ORRINVALE_PROGRAM), {QString::fromStdString(tree.at("f"))});
         return {};
@@ -61,7 +65,9 @@ protected:
 
 struct Told {
     std::vector<std::string> lines;
-    [[nodiscard]] long count(const std::string& wanted) const { return std::ranges::count(lines, wanted); }
+    [[nodiscard]] long count(const std::string& wanted) const {
+        return std::ranges::count(lines, wanted);
+    }
     /// Of the cells of that role those with that state.
     [[nodiscard]] long cells(const std::string& role, const std::string& state = {}) const {
         return std::ranges::count_if(lines, [&](const std::string& line) {
@@ -85,10 +91,12 @@ Told part(const std::string& said, const std::string& title) {
 TEST_F(ScreenReader, HearsWhatEachThingIsAndItsState) {
     TestTree tree;
     const std::string bytes = someBytes(3000, 1);
-    for (const char* name : {"f/a/x.txt", "f/b/x.txt", "f/c/x.txt"}) ASSERT_TRUE(tree.write(name, bytes));
+    for (const char* name : {"f/a/x.txt", "f/b/x.txt", "f/c/x.txt"})
+        ASSERT_TRUE(tree.write(name, bytes));
     if (const std::string reason = start(tree); !reason.empty()) GTEST_SKIP() << reason;
     Process reader;
-    run(reader, python, {QStringLiteral(ORRINVALE_SOURCE_DIR "/tests/ui/shell/accessible_tree.py")});
+    run(reader, python,
+        {QStringLiteral(ORRINVALE_SOURCE_DIR "/tests/ui/shell/accessible_tree.py")});
     ASSERT_TRUE(reader.program.waitForFinished(90'000));
     if (reader.program.exitCode() == 77) GTEST_SKIP() << "python3-pyatspi is not installed";
     const std::string said = reader.program.readAll().toStdString();
@@ -108,11 +116,14 @@ TEST_F(ScreenReader, HearsWhatEachThingIsAndItsState) {
     const Told ticked = part(said, "ticked");
     EXPECT_EQ(ticked.cells("check box", "indeterminate"), 1) << "the group";
     EXPECT_EQ(ticked.cells("check box", "checked"), 2) << "all copies but one";
-    EXPECT_EQ(ticked.cells("table cell", "checked") + ticked.cells("table cell", "indeterminate"), 0);
+    EXPECT_EQ(ticked.cells("table cell", "checked") + ticked.cells("table cell", "indeterminate"),
+              0);
     EXPECT_EQ(ticked.count("check box|Select all but one of each group|checked indeterminate"), 1)
         << "in the toolkit's words";
     const Told asked = part(said, "asked");
-    EXPECT_EQ(asked.count("alert|Are you sure you want to delete all your selected files?|modal"), 1) << said;
+    EXPECT_EQ(asked.count("alert|Are you sure you want to delete all your selected files?|modal"),
+              1)
+        << said;
 }
 
 }  // namespace

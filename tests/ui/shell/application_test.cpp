@@ -10,7 +10,8 @@ namespace orrinvale {
 namespace {
 
 TEST(EditingKeys, AreToldFromTheKeyAndWhatIsHeld) {
-    const Qt::KeyboardModifiers none, control = Qt::ControlModifier, shift = Qt::ShiftModifier, alt = Qt::AltModifier;
+    const Qt::KeyboardModifiers none, control = Qt::ControlModifier, shift = Qt::ShiftModifier,
+                                      alt = Qt::AltModifier;
     const struct {
         int key;
         Qt::KeyboardModifiers held;
@@ -33,7 +34,8 @@ TEST(EditingKeys, AreToldFromTheKeyAndWhatIsHeld) {
         {Qt::Key_1, control, "1", EditAction::None},
     };
     for (const auto& each : cases)
-        EXPECT_EQ(editAction(QKeyEvent(QEvent::KeyPress, each.key, each.held, QString::fromLatin1(each.text))),
+        EXPECT_EQ(editAction(QKeyEvent(QEvent::KeyPress, each.key, each.held,
+                                       QString::fromLatin1(each.text))),
                   each.action)
             << each.key << " " << each.held;
 }
@@ -43,7 +45,9 @@ TEST(EditingKeys, ReachTheFieldWithTheKeyboardOrAreTyped) {
     QLineEdit field;
     field.show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&field));
-    const auto key = [&](Qt::Key each, Qt::KeyboardModifiers held) { QTest::keyClick(&field, each, held); };
+    const auto key = [&](Qt::Key each, Qt::KeyboardModifiers held) {
+        QTest::keyClick(&field, each, held);
+    };
     QTest::keyClicks(&field, QStringLiteral("ab"));
     QTest::keyClick(&field, 'Z', Qt::ShiftModifier);
     EXPECT_EQ(field.text(), QStringLiteral("abZ")) << "with nothing to do again it is a letter";

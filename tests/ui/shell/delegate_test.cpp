@@ -1,4 +1,5 @@
-// The life of the program from inside: launch, reopening, what volumes that come and go set off, ejecting, and the end.
+// The life of the program from inside: launch, reopening, what volumes that come and go set off,
+// ejecting, and the end.
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
@@ -29,7 +30,8 @@ TEST(AppDelegate, TheWindowStandsBeforeAnyVolumeIsLookedAt) {
     on.delegate->applicationDidFinishLaunching();
     EXPECT_FALSE(on.volumes.askedIndexes.empty());
     EXPECT_EQ(on.defaults.integerForKey(ZvLastClickRow), 0);
-    EXPECT_EQ(on.posted, (std::vector<std::string>{"shouldSelectRow", "shouldSelectRow"})) << "not started at login";
+    EXPECT_EQ(on.posted, (std::vector<std::string>{"shouldSelectRow", "shouldSelectRow"}))
+        << "not started at login";
     ASSERT_NE(on.delegate->getBootVolume(), nullptr);
     EXPECT_EQ(on.delegate->getBootVolume()->volumeName, "System");
     on.volumes.volumes.erase(on.volumes.volumes.begin());
@@ -70,7 +72,8 @@ TEST(AppDelegate, WhatAStartAsksForIsDone) {
         on.closeWindow();
         on.delegate->perform(each.request);
         EXPECT_TRUE(on.isVisible()) << each.request.text;
-        EXPECT_EQ(on.delegate->duplicateMWC()->diskView()->isVisible(), each.isLarge) << each.request.text;
+        EXPECT_EQ(on.delegate->duplicateMWC()->diskView()->isVisible(), each.isLarge)
+            << each.request.text;
     }
     EXPECT_EQ(on.delegate->duplicateMWC()->sameFileDeleteVC()->searchPath(), on.tree.at("f"));
     // A search is not given up for another one; the person is told.
@@ -79,8 +82,8 @@ TEST(AppDelegate, WhatAStartAsksForIsDone) {
     EXPECT_EQ(on.dialogs.alerts().size(), 1U);
     EXPECT_EQ(qgetenv("XDG_ACTIVATION_TOKEN"), "token");
     qunsetenv("XDG_ACTIVATION_TOKEN");
-    EXPECT_TRUE(
-        PageWindow::waitFor([&] { return on.delegate->duplicateMWC()->sameFileDeleteVC()->bSearchFinished(); }));
+    EXPECT_TRUE(PageWindow::waitFor(
+        [&] { return on.delegate->duplicateMWC()->sameFileDeleteVC()->bSearchFinished(); }));
     EXPECT_TRUE(on.ends.empty());
     // What is no folder is told, and leaves what is shown.
     on.dialogs.willAnswer(0);
@@ -96,20 +99,25 @@ TEST(AppDelegate, EachVolumeThatComesOrGoesIsASentenceAndTwoNotices) {
     const struct {
         UserInfo info;
         const char* sentence;
-    } cases[] = {{{{NSWorkspaceVolumeLocalizedNameKey, std::string("Stick")}}, "Stick is mounted successfully!"},
-                 {{{NSWorkspaceVolumeLocalizedNameKey, std::string("a\nb")}}, "a\nb is mounted successfully!"},
-                 {{{NSWorkspaceVolumeLocalizedNameKey, std::string()}}, "You disk is mounted successfully!"},
-                 {{{NSWorkspaceVolumeLocalizedNameKey, 5}}, "You disk is mounted successfully!"},
-                 {{}, "You disk is mounted successfully!"}};
+    } cases[] = {
+        {{{NSWorkspaceVolumeLocalizedNameKey, std::string("Stick")}},
+         "Stick is mounted successfully!"},
+        {{{NSWorkspaceVolumeLocalizedNameKey, std::string("a\nb")}},
+         "a\nb is mounted successfully!"},
+        {{{NSWorkspaceVolumeLocalizedNameKey, std::string()}}, "You disk is mounted successfully!"},
+        {{{NSWorkspaceVolumeLocalizedNameKey, 5}}, "You disk is mounted successfully!"},
+        {{}, "You disk is mounted successfully!"}};
     for (const auto& each : cases)
-        EXPECT_EQ(AppDelegate::volumeSentence({ZvVolumeMountNotification, {}, each.info}, "mounted"), each.sentence);
+        EXPECT_EQ(
+            AppDelegate::volumeSentence({ZvVolumeMountNotification, {}, each.info}, "mounted"),
+            each.sentence);
     Launched on;
     on.delegate->applicationDidFinishLaunching();
     on.posted.clear();
     on.notifications.post(ZvVolumeMountNotification);
     on.notifications.post(ZvVolumeUnmountNotification);
-    const std::vector<std::string> twice{"refMenuItemWhenDeleteAndAdd", "updateSizeView", "refMenuItemWhenDeleteAndAdd",
-                                         "updateSizeView"};
+    const std::vector<std::string> twice{"refMenuItemWhenDeleteAndAdd", "updateSizeView",
+                                         "refMenuItemWhenDeleteAndAdd", "updateSizeView"};
     EXPECT_EQ(on.posted, twice);
     EXPECT_TRUE(on.dialogs.alerts().empty()) << "nothing appears on the screen";
 }
@@ -128,9 +136,11 @@ TEST(AppDelegate, EjectAllTellsWhatStayed) {
     EXPECT_FALSE(on.entry("ejectAll")->isEnabled()) << "one at a time";
     ASSERT_TRUE(PageWindow::waitFor([&] { return on.dialogs.alerts().size() == 1; }));
     EXPECT_EQ(on.volumes.ejectedNumbers, (std::vector<std::int16_t>{7, 8}));
-    EXPECT_TRUE(PageWindow::waitFor([&] { return on.entry("ejectAll")->isEnabled(); })) << "to be tried again";
+    EXPECT_TRUE(PageWindow::waitFor([&] { return on.entry("ejectAll")->isEnabled(); }))
+        << "to be tried again";
     const QString text = on.dialogs.alerts()[0].text;
-    EXPECT_TRUE(text.contains(QLatin1String("Stick")) && text.contains(QLatin1String("vlc"))) << text.toStdString();
+    EXPECT_TRUE(text.contains(QLatin1String("Stick")) && text.contains(QLatin1String("vlc")))
+        << text.toStdString();
     EXPECT_TRUE(on.isVisible()) << "a question needs a window";
 }
 
@@ -155,7 +165,8 @@ TEST(AppDelegate, AVolumeIsOpenedOrThePersonIsTold) {
     for (const std::any& object : {std::any(std::string("/media/stick")), std::any()}) {
         on.dialogs.willAnswer(0);
         on.notifications.post("openFinderWhenClickItems", object);
-        EXPECT_EQ(on.dialogs.alerts().back().title.toStdString(), getLocalizedString("CANNOT_OPEN_FINDER"));
+        EXPECT_EQ(on.dialogs.alerts().back().title.toStdString(),
+                  getLocalizedString("CANNOT_OPEN_FINDER"));
     }
     EXPECT_EQ(on.opened.size(), 2U) << "no path, nothing asked";
     on.dialogs.willAnswer(0);
@@ -173,14 +184,16 @@ TEST(UserGuide, WhoFindsNoBrowserIsToldSo) {
     TestTree tree;
     const QByteArray path = qgetenv("PATH");
     for (const int status : {3, 0}) {
-        ASSERT_TRUE(tree.write("xdg-open", "#!/bin/sh\necho \"$1\" > \"$(dirname \"$0\")/opened\"\nexit " +
-                                               std::to_string(status) + "\n") &&
-                    tree.setMode("xdg-open", 0755));
+        ASSERT_TRUE(
+            tree.write("xdg-open", "#!/bin/sh\necho \"$1\" > \"$(dirname \"$0\")/opened\"\nexit " +
+                                       std::to_string(status) + "\n") &&
+            tree.setMode("xdg-open", 0755));
         qputenv("PATH", QByteArray::fromStdString(tree.path()) + ':' + path);
         int failures = 0;
         openUserGuide([&] { ++failures; });
         EXPECT_TRUE(PageWindow::waitFor([&] { return isThere(tree.at("opened")); }));
-        EXPECT_TRUE(QTest::qWaitFor([&] { return failures != 0; }, status == 0 ? 300 : 5000) == (status != 0));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return failures != 0; }, status == 0 ? 300 : 5000) ==
+                    (status != 0));
         QFile::remove(QString::fromStdString(tree.at("opened")));
     }
     qputenv("PATH", path);
@@ -232,7 +245,8 @@ TEST(AppDelegate, TheNextRunFindsTheWindowWhereItWas) {
         Launched on;
         TCImageWindow& window = *on.delegate->duplicateMWC()->window();
         const QPoint middle = window.screen()->availableGeometry().center();
-        EXPECT_LE((window.frame().center() - middle).manhattanLength(), 2) << "at first in the middle";
+        EXPECT_LE((window.frame().center() - middle).manhattanLength(), 2)
+            << "at first in the middle";
         window.setFrame(place);
         on.delegate->quit();
         QFile settings(QString::fromStdString(on.tree.at("settings.ini")));
@@ -247,7 +261,8 @@ TEST(AppDelegate, TheNextRunFindsTheWindowWhereItWas) {
     for (const auto& each : cases) {
         TestTree tree;
         QByteArray stored = kept;
-        ASSERT_TRUE(tree.write("settings.ini", stored.replace("0 30 800 600 0", each.stored).toStdString()));
+        ASSERT_TRUE(tree.write("settings.ini",
+                               stored.replace("0 30 800 600 0", each.stored).toStdString()));
         Launched on;
         UserDefaults defaults(tree.at("settings.ini"));
         SameFileDeleteParts parts = on.pages();
@@ -268,10 +283,12 @@ TEST(AppDelegate, ThePagesAreOfferedOnceTheyAreMoreThanTheMainWindowHas) {
         {QStringLiteral("duplicates_file"), {}, {}, {}});
     on.delegate->applicationDidFinishLaunching();
     EXPECT_FALSE(on.entry("pages")->isVisible());
-    AppPrefsWindowController::sharedPrefsWindowController().registerPage({QStringLiteral("another"), {}, {}, {}});
+    AppPrefsWindowController::sharedPrefsWindowController().registerPage(
+        {QStringLiteral("another"), {}, {}, {}});
     Q_EMIT on.delegate->menu().opened();
     EXPECT_TRUE(on.entry("pages")->isVisible());
-    delete &AppPrefsWindowController::sharedPrefsWindowController();  // the next test has one of its own
+    delete &AppPrefsWindowController::sharedPrefsWindowController();  // the next test has one of
+                                                                      // its own
 }
 
 TEST(AppDelegate, QuittingSavesAndLetsARemovalFinishTheEntryThatItIsAt) {
@@ -280,11 +297,13 @@ TEST(AppDelegate, QuittingSavesAndLetsARemovalFinishTheEntryThatItIsAt) {
     on.files.beforeRemoval = [&](const char* operation) {
         if (std::string_view(operation) == "removeEntry") removing.pass();
     };
-    ASSERT_TRUE(on.tree.write("f/a", "same") && on.tree.write("f/b", "same") && on.tree.write("f/c", "same"));
+    ASSERT_TRUE(on.tree.write("f/a", "same") && on.tree.write("f/b", "same") &&
+                on.tree.write("f/c", "same"));
     on.delegate->applicationDidFinishLaunching();
     auto& page = *on.delegate->duplicateMWC()->sameFileDeleteVC();
     page.viewDragAction(on.tree.at("f"));
-    ASSERT_TRUE(PageWindow::waitFor([&] { return page.bSearchFinished() && page.detailView()->isVisible(); }));
+    ASSERT_TRUE(PageWindow::waitFor(
+        [&] { return page.bSearchFinished() && page.detailView()->isVisible(); }));
     page.detailView()->findChild<QAbstractButton*>(QStringLiteral("button"))->click();
     removing.shut();
     on.dialogs.willAnswer(0);
@@ -298,15 +317,19 @@ TEST(AppDelegate, QuittingSavesAndLetsARemovalFinishTheEntryThatItIsAt) {
     removing.open();
     ASSERT_TRUE(PageWindow::waitFor([&] { return !on.ends.empty(); }));
     EXPECT_EQ(on.ends[0], 1);
-    EXPECT_EQ(isThere(on.tree.at("f/a")) + isThere(on.tree.at("f/b")) + isThere(on.tree.at("f/c")), 2)
+    EXPECT_EQ(isThere(on.tree.at("f/a")) + isThere(on.tree.at("f/b")) + isThere(on.tree.at("f/c")),
+              2)
         << "the entry under way is gone, and no other";
     EXPECT_FALSE(on.defaults.isUnsaved());
 }
 
 TEST(AppDelegate, ARemovalThatWasOnlyAgreedToDoesNotBeginWhenOneQuits) {
     Launched on;
-    Controller::getController().setParts(
-        {.files = &on.files, .mainQueue = &on.mainQueue, .ownFiles = {}, .reveal = {}, .openFolder = {}});
+    Controller::getController().setParts({.files = &on.files,
+                                          .mainQueue = &on.mainQueue,
+                                          .ownFiles = {},
+                                          .reveal = {},
+                                          .openFolder = {}});
     ASSERT_TRUE(on.tree.write("f/a", "x") && on.tree.write("f/b", "y"));
     on.delegate->applicationDidFinishLaunching();
     on.delegate->perform({StartRequest::Kind::Action, "large-files", ""});

@@ -24,11 +24,13 @@ TEST(Preview, ReadsWhatIsSafeAndLittleOfIt) {
     wide.fill(Qt::red);
     ASSERT_TRUE(wide.save(QString::fromStdString(tree.at("wide.png"))));
     ASSERT_TRUE(tree.write("long.txt", std::string(mostTextBytes + 1, 'a')) &&
-                tree.write("exact.txt", std::string(mostTextBytes, 'a')) && tree.write("text", "two\nlines") &&
-                tree.write("bytes", std::string("a\0b", 3)) && tree.write("latin", "\xff\xfe\xfd\xfc") &&
-                tree.write("broken.png", std::string("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16)) && tree.write("empty", "") &&
-                tree.sparse("huge.png", mostPictureBytes * 4) && tree.write("folder/one", "1") &&
-                tree.write("folder/two", "2") && tree.fifo("pipe.txt") && tree.socket("socket") &&
+                tree.write("exact.txt", std::string(mostTextBytes, 'a')) &&
+                tree.write("text", "two\nlines") && tree.write("bytes", std::string("a\0b", 3)) &&
+                tree.write("latin", "\xff\xfe\xfd\xfc") &&
+                tree.write("broken.png", std::string("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16)) &&
+                tree.write("empty", "") && tree.sparse("huge.png", mostPictureBytes * 4) &&
+                tree.write("folder/one", "1") && tree.write("folder/two", "2") &&
+                tree.fifo("pipe.txt") && tree.socket("socket") &&
                 tree.symlink("wide.png", "link.png") && tree.symlink("/dev/zero", "zero.txt"));
     const struct {
         const char* name;
@@ -56,14 +58,17 @@ TEST(Preview, ReadsWhatIsSafeAndLittleOfIt) {
         const PreviewContent content = readPreview(tree.at(each.name));
         EXPECT_EQ(content.kind, each.kind) << each.name;
         EXPECT_EQ(content.isCut, each.isCut) << each.name;
-        const auto length = each.kind == Kind::Text ? static_cast<std::size_t>(content.text.size()) : content.entries;
-        EXPECT_EQ(each.kind == Kind::Text || each.kind == Kind::Folder ? length : 0, each.size) << each.name;
+        const auto length = each.kind == Kind::Text ? static_cast<std::size_t>(content.text.size())
+                                                    : content.entries;
+        EXPECT_EQ(each.kind == Kind::Text || each.kind == Kind::Folder ? length : 0, each.size)
+            << each.name;
     }
     const PreviewContent picture = readPreview(tree.at("wide.png"));
     EXPECT_EQ(picture.pictureSize, QSize(4000, 1000));
     EXPECT_EQ(picture.picture.size(), QSize(1600, 400));
     EXPECT_TRUE(readPreview(tree.at("link.png")).linkTarget.endsWith(QLatin1String("/wide.png")));
-    for (const char* path : {"", "name.txt", "../name"}) EXPECT_EQ(readPreview(path).kind, Kind::Missing) << path;
+    for (const char* path : {"", "name.txt", "../name"})
+        EXPECT_EQ(readPreview(path).kind, Kind::Missing) << path;
 }
 
 TEST(Preview, ShowsTheLastPathAskedForAndClosesOnItsKeys) {
@@ -74,15 +79,16 @@ TEST(Preview, ShowsTheLastPathAskedForAndClosesOnItsKeys) {
     FileIcons icons;
     PreviewWindow window(icons);
     auto& text = *window.findChild<QPlainTextEdit*>();
-    for (const QKeySequence& keys :
-         {QKeySequence(Qt::Key_Escape), QKeySequence(Qt::Key_Space), QKeySequence(Qt::CTRL | Qt::Key_Space)}) {
+    for (const QKeySequence& keys : {QKeySequence(Qt::Key_Escape), QKeySequence(Qt::Key_Space),
+                                     QKeySequence(Qt::CTRL | Qt::Key_Space)}) {
         window.showPath(tree.at("first.txt"));
         window.showPath(
             tree.at("b\xC3\xBC"
                     "cher & <b>.txt"));
         window.show();
         ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-        ASSERT_TRUE(QTest::qWaitFor([&] { return text.toPlainText() == QLatin1String("second") && text.isVisible(); }));
+        ASSERT_TRUE(QTest::qWaitFor(
+            [&] { return text.toPlainText() == QLatin1String("second") && text.isVisible(); }));
         QTest::qWait(20);
         EXPECT_EQ(text.toPlainText(), QStringLiteral("second"));
         const auto labels = window.findChildren<QLabel*>();
@@ -99,8 +105,9 @@ TEST(Preview, ShowsTheLastPathAskedForAndClosesOnItsKeys) {
     window.showPath("bare name");
     const auto labels = window.findChildren<QLabel*>();
     EXPECT_TRUE(QTest::qWaitFor([&] {
-        return std::any_of(labels.begin(), labels.end(),
-                           [](const QLabel* each) { return each->text() == QLatin1String("This file is missing."); });
+        return std::any_of(labels.begin(), labels.end(), [](const QLabel* each) {
+            return each->text() == QLatin1String("This file is missing.");
+        });
     }));
 }
 

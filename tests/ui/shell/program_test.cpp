@@ -1,4 +1,5 @@
-// The program as a person starts it: the window, its bounds, a folder from the command line, further starts, and its end.
+// The program as a person starts it: the window, its bounds, a folder from the command line,
+// further starts, and its end.
 #include <gtest/gtest.h>
 
 #include <QElapsedTimer>
@@ -61,12 +62,14 @@ struct Running {
         program.start(QStringLiteral(ORRINVALE_PROGRAM), arguments);
         ASSERT_TRUE(program.waitForStarted());
     }
-    /// Another start of the program, to its end: its status, -1 when it does not end within five seconds.
+    /// Another start of the program, to its end: its status, -1 when it does not end within five
+    /// seconds.
     int startAgain(const QStringList& arguments = {}) const {
         QProcess second;
         second.setProcessEnvironment(environment);
         second.start(QStringLiteral(ORRINVALE_PROGRAM), arguments);
-        const bool hasEnded = second.waitForFinished(5000) && second.exitStatus() == QProcess::NormalExit;
+        const bool hasEnded =
+            second.waitForFinished(5000) && second.exitStatus() == QProcess::NormalExit;
         EXPECT_EQ(second.readAllStandardError().toStdString(), "") << "it was answered";
         return hasEnded ? second.exitCode() : -1;
     }
@@ -76,8 +79,10 @@ struct Running {
     }
     /// The status with which it ended; -1 for none yet, minus the signal that ended it.
     int ended(int patience = 10'000) {
-        if (program.state() != QProcess::NotRunning && !program.waitForFinished(patience)) return -1;
-        return program.exitStatus() == QProcess::NormalExit ? program.exitCode() : -program.exitCode();
+        if (program.state() != QProcess::NotRunning && !program.waitForFinished(patience))
+            return -1;
+        return program.exitStatus() == QProcess::NormalExit ? program.exitCode()
+                                                            : -program.exitCode();
     }
 
     QProcessEnvironment environment;
@@ -97,8 +102,9 @@ TEST(Program, StartsSearchesAFolderAndLivesOnWhenItsWindowIsClosed) {
     running.start({QStringLiteral("./f/")});
     const auto find = [&] {
         return session
-            .run(QStringLiteral("xdotool"), {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
-                                             QStringLiteral("--name"), QStringLiteral("^Orrinvale$")})
+            .run(QStringLiteral("xdotool"),
+                 {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                  QStringLiteral("--name"), QStringLiteral("^Orrinvale$")})
             .trimmed();
     };
     QString id;
@@ -116,11 +122,13 @@ TEST(Program, StartsSearchesAFolderAndLivesOnWhenItsWindowIsClosed) {
     }));
     EXPECT_GE(image.width(), 800);
     EXPECT_GE(image.height(), 506 + 62);
-    EXPECT_TRUE(PageWindow::waitFor([&] { return running.hasSaid("search Path:" + tree.at("f") + ' '); }))
-        << running.said;
+    EXPECT_TRUE(PageWindow::waitFor([&] {
+        return running.hasSaid("search Path:" + tree.at("f") + ' ');
+    })) << running.said;
     const auto press = [&](const char* keys) {
-        session.run(QStringLiteral("xdotool"), {QStringLiteral("windowactivate"), QStringLiteral("--sync"), find(),
-                                                QStringLiteral("key"), QLatin1String(keys)});
+        session.run(QStringLiteral("xdotool"),
+                    {QStringLiteral("windowactivate"), QStringLiteral("--sync"), find(),
+                     QStringLiteral("key"), QLatin1String(keys)});
     };
     press("ctrl+w");
     ASSERT_TRUE(PageWindow::waitFor([&] { return find().isEmpty(); }));
@@ -142,11 +150,14 @@ TEST(Program, StandsInTheMiddleOfTheScreenAndWhereItWasLeftTheNextTime) {
         session.setVariable("QT_FONT_DPI", dpi);
         const std::string reason = session.startX11({QStringLiteral("openbox")});
         if (!reason.empty()) GTEST_SKIP() << reason;
-        const auto xdotool = [&](const QStringList& orders) { return session.run(QStringLiteral("xdotool"), orders); };
+        const auto xdotool = [&](const QStringList& orders) {
+            return session.run(QStringLiteral("xdotool"), orders);
+        };
         const auto place = [&]() -> QRect {
-            const QString said = xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"),
-                                          QStringLiteral("--name"), QStringLiteral("^Orrinvale$"),
-                                          QStringLiteral("getwindowgeometry"), QStringLiteral("--shell")});
+            const QString said =
+                xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                         QStringLiteral("--name"), QStringLiteral("^Orrinvale$"),
+                         QStringLiteral("getwindowgeometry"), QStringLiteral("--shell")});
             const auto number = [&](const char* name) {
                 return said.section(QLatin1String(name) + QLatin1Char('='), 1, 1)
                     .section(QLatin1Char('\n'), 0, 0)
@@ -155,7 +166,8 @@ TEST(Program, StandsInTheMiddleOfTheScreenAndWhereItWasLeftTheNextTime) {
             return {number("X"), number("Y"), number("WIDTH"), number("HEIGHT")};
         };
         const auto ended = [&](Running& running) {
-            xdotool({QStringLiteral("key"), QStringLiteral("--clearmodifiers"), QStringLiteral("ctrl+q")});
+            xdotool({QStringLiteral("key"), QStringLiteral("--clearmodifiers"),
+                     QStringLiteral("ctrl+q")});
             return running.ended();
         };
         QRect first;
@@ -168,9 +180,10 @@ TEST(Program, StandsInTheMiddleOfTheScreenAndWhereItWasLeftTheNextTime) {
             if (first.width() <= 1000) {
                 EXPECT_LE(std::abs(first.center().x() - 500), 3);
             }
-            xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--name"),
-                     QStringLiteral("^Orrinvale$"), QStringLiteral("windowmove"), QStringLiteral("--sync"),
-                     QStringLiteral("60"), QStringLiteral("12")});
+            xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                     QStringLiteral("--name"), QStringLiteral("^Orrinvale$"),
+                     QStringLiteral("windowmove"), QStringLiteral("--sync"), QStringLiteral("60"),
+                     QStringLiteral("12")});
             ASSERT_TRUE(PageWindow::waitFor([&] { return place().topLeft() != first.topLeft(); }));
             first = place();
             EXPECT_EQ(ended(running), 1);
@@ -179,7 +192,8 @@ TEST(Program, StandsInTheMiddleOfTheScreenAndWhereItWasLeftTheNextTime) {
         Running running(session.environment());
         running.start();
         ASSERT_TRUE(PageWindow::waitFor([&] { return place().width() > 100; }));
-        EXPECT_TRUE(PageWindow::waitFor([&] { return place() == first; })) << place().x() << ' ' << place().y();
+        EXPECT_TRUE(PageWindow::waitFor([&] { return place() == first; }))
+            << place().x() << ' ' << place().y();
     }
 }
 
@@ -193,7 +207,8 @@ QProcessEnvironment offscreen(const testing::TestTree& tree, const std::string& 
     return environment;
 }
 
-// A session bus that starts the program when somebody calls it by its name, as an installed one does.
+// A session bus that starts the program when somebody calls it by its name, as an installed one
+// does.
 class PrivateBus {
 public:
     explicit PrivateBus(testing::TestTree& tree) {
@@ -203,17 +218,20 @@ public:
         tree.write("services/com.kelpford.Orrinvale.service",
                    "[D-BUS Service]\nName=com.kelpford.Orrinvale\nExec=" ORRINVALE_PROGRAM "\n");
         tree.write("bus.conf",
-                   "<busconfig><type>session</type><listen>unix:path=" + tree.at("bus") + "</listen><servicedir>" +
-                       tree.at("services") +
-                       "</servicedir><policy context=\"default\"><allow send_destination=\"*\" eavesdrop=\"true\"/>"
+                   "<busconfig><type>session</type><listen>unix:path=" + tree.at("bus") +
+                       "</listen><servicedir>" + tree.at("services") +
+                       "</servicedir><policy context=\"default\"><allow send_destination=\"*\" "
+                       "eavesdrop=\"true\"/>"
                        "<allow eavesdrop=\"true\"/><allow own=\"*\"/></policy></busconfig>");
         environment = offscreen(tree, "unix:path=" + tree.at("bus"));
         environment.insert(QStringLiteral("ORRINVALE_LOG"), QStringLiteral("1"));
         m_daemon.setProcessEnvironment(environment);
         m_daemon.setProcessChannelMode(QProcess::MergedChannels);
-        m_daemon.start(QStringLiteral("dbus-daemon"), {QString::fromStdString("--config-file=" + tree.at("bus.conf")),
-                                                       QStringLiteral("--nofork"), QStringLiteral("--nopidfile")});
-        isThere = m_daemon.waitForStarted() && PageWindow::waitFor([&] { return testing::isThere(tree.at("bus")); });
+        m_daemon.start(QStringLiteral("dbus-daemon"),
+                       {QString::fromStdString("--config-file=" + tree.at("bus.conf")),
+                        QStringLiteral("--nofork"), QStringLiteral("--nopidfile")});
+        isThere = m_daemon.waitForStarted() &&
+                  PageWindow::waitFor([&] { return testing::isThere(tree.at("bus")); });
     }
     ~PrivateBus() {
         m_daemon.terminate();
@@ -229,8 +247,9 @@ public:
         QProcess gdbus;
         gdbus.setProcessEnvironment(environment);
         gdbus.start(QStringLiteral("gdbus"),
-                    QStringList{QStringLiteral("call"), QStringLiteral("--session"), QStringLiteral("--dest"),
-                                QLatin1String(destination), QStringLiteral("--object-path"), QLatin1String(path),
+                    QStringList{QStringLiteral("call"), QStringLiteral("--session"),
+                                QStringLiteral("--dest"), QLatin1String(destination),
+                                QStringLiteral("--object-path"), QLatin1String(path),
                                 QStringLiteral("--method"), method} +
                         arguments);
         if (!gdbus.waitForFinished(20'000) || gdbus.exitCode() != 0) return {};
@@ -239,8 +258,9 @@ public:
     /// What the program said that the bus has started.
     std::string said() { return m_said += m_daemon.readAll().toStdString(); }
     bool hasProgram() const {
-        return call(QStringLiteral("org.freedesktop.DBus.NameHasOwner"), {QStringLiteral("com.kelpford.Orrinvale")},
-                    "org.freedesktop.DBus", "/org/freedesktop/DBus")
+        return call(QStringLiteral("org.freedesktop.DBus.NameHasOwner"),
+                    {QStringLiteral("com.kelpford.Orrinvale")}, "org.freedesktop.DBus",
+                    "/org/freedesktop/DBus")
             .contains(QLatin1String("true"));
     }
 
@@ -256,13 +276,17 @@ TEST(Program, IsStartedAndReachedOverTheSessionBus) {
     testing::TestTree tree;
     PrivateBus bus(tree);
     if (!bus.isThere) GTEST_SKIP() << "no dbus-daemon or no gdbus here";
-    ASSERT_TRUE(tree.write("a b/x", "same") && tree.write("a b/y", "same") && tree.write("c/x", "same"));
+    ASSERT_TRUE(tree.write("a b/x", "same") && tree.write("a b/y", "same") &&
+                tree.write("c/x", "same"));
     const QString application = QStringLiteral("org.freedesktop.Application.");
     ASSERT_FALSE(bus.hasProgram());
-    ASSERT_FALSE(bus.call(application + QStringLiteral("Activate"), {QStringLiteral("{}")}).isNull()) << bus.said();
+    ASSERT_FALSE(
+        bus.call(application + QStringLiteral("Activate"), {QStringLiteral("{}")}).isNull())
+        << bus.said();
     EXPECT_TRUE(bus.hasProgram());
     const QString address = QString::fromStdString("['file://" + tree.at("a%20b") + "']");
-    EXPECT_FALSE(bus.call(application + QStringLiteral("Open"), {address, QStringLiteral("{}")}).isNull());
+    EXPECT_FALSE(
+        bus.call(application + QStringLiteral("Open"), {address, QStringLiteral("{}")}).isNull());
     EXPECT_TRUE(PageWindow::waitFor([&] {
         return bus.said().find("search Path:" + tree.at("a b") + ' ') != std::string::npos;
     })) << bus.said();
@@ -283,14 +307,17 @@ TEST(Program, IsStartedAndReachedOverTheSessionBus) {
 
 TEST(Program, LaunchesToItsEnd) {
     testing::TestTree tree;
-    ASSERT_TRUE(tree.write("com.kelpford.Orrinvale/settings.ini", "[Orrinvale]\nZvLastClickRow = 5\n"));
+    ASSERT_TRUE(
+        tree.write("com.kelpford.Orrinvale/settings.ini", "[Orrinvale]\nZvLastClickRow = 5\n"));
     Running running(offscreen(tree, "unix:path=/nonexistent"));
     running.start();
     ASSERT_TRUE(PageWindow::waitFor([&] { return testing::isThere(tree.at("orrinvale.socket")); }));
     EXPECT_EQ(running.startAgain({QStringLiteral("--action"), QStringLiteral("quit")}), 0);
     EXPECT_EQ(running.ended(), 1);
-    // The last step of the launch puts the row back, and what is set is stored when the program ends.
-    EXPECT_EQ(testing::contentOf(tree.at("com.kelpford.Orrinvale/settings.ini")).find("ZvLastClickRow = 5"),
+    // The last step of the launch puts the row back, and what is set is stored when the program
+    // ends.
+    EXPECT_EQ(testing::contentOf(tree.at("com.kelpford.Orrinvale/settings.ini"))
+                  .find("ZvLastClickRow = 5"),
               std::string::npos);
 }
 
@@ -304,18 +331,22 @@ TEST(Program, OfTwoStartsAtTheSameMomentOneStays) {
         // With the bus in one half of the rounds, through the socket alone in the other.
         QProcessEnvironment environment = bus.environment;
         if (round % 2 == 1)
-            environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nonexistent"));
+            environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"),
+                               QStringLiteral("unix:path=/nonexistent"));
         Running one(environment), other(environment);
         one.start();
         other.start();
         ASSERT_TRUE(PageWindow::waitFor([&] {
-            return one.program.state() == QProcess::NotRunning || other.program.state() == QProcess::NotRunning;
+            return one.program.state() == QProcess::NotRunning ||
+                   other.program.state() == QProcess::NotRunning;
         }));
         Running& first = one.program.state() == QProcess::Running ? one : other;
         Running& second = &first == &one ? other : one;
-        ASSERT_EQ(second.ended(), 0) << "round " << round << ": " << second.program.readAll().toStdString();
+        ASSERT_EQ(second.ended(), 0)
+            << "round " << round << ": " << second.program.readAll().toStdString();
         ASSERT_EQ(first.program.state(), QProcess::Running) << round;
-        ASSERT_EQ(first.startAgain({QStringLiteral("--action"), QStringLiteral("quit")}), 0) << round;
+        ASSERT_EQ(first.startAgain({QStringLiteral("--action"), QStringLiteral("quit")}), 0)
+            << round;
         ASSERT_EQ(first.ended(), 1) << "round " << round;
     }
 }
@@ -332,12 +363,15 @@ TEST(Program, EndsBySignalsAndNeedsNoBusAtAll) {
         Running running(environment);
         running.start();
         // It answers once its window stands.
-        ASSERT_TRUE(PageWindow::waitFor([&] { return testing::isThere(tree.at("orrinvale.socket")); })) << bus;
+        ASSERT_TRUE(PageWindow::waitFor([&] {
+            return testing::isThere(tree.at("orrinvale.socket"));
+        })) << bus;
         QElapsedTimer clock;
         clock.start();
         EXPECT_EQ(running.startAgain(), 0) << bus;
         EXPECT_LT(clock.elapsed(), 3000) << bus;
-        for (int attempt = 0; attempt < 50 && running.program.state() == QProcess::Running; ++attempt) {
+        for (int attempt = 0; attempt < 50 && running.program.state() == QProcess::Running;
+             ++attempt) {
             running.program.terminate();
             if (running.program.waitForFinished(100)) break;
         }

@@ -36,8 +36,10 @@ SeenEntries seenOf(const BundleListing& listing, bool inodesPass) {
     std::unordered_map<std::string, SeenEntries::Key> folders{{"", SeenEntries::chosenFolder}};
     for (const BundleEntry& entry : listing.entries) {  // a folder stands before what is in it
         const std::size_t slash = entry.path.rfind('/');
-        const std::string folder = slash == std::string::npos ? std::string() : entry.path.substr(0, slash);
-        const std::string_view name = std::string_view(entry.path).substr(slash == std::string::npos ? 0 : slash + 1);
+        const std::string folder =
+            slash == std::string::npos ? std::string() : entry.path.substr(0, slash);
+        const std::string_view name =
+            std::string_view(entry.path).substr(slash == std::string::npos ? 0 : slash + 1);
         const SeenEntries::Key key = seen.keyOf(folders[folder], name, entry.attributes.inode);
         seen.add(key, SeenState::of(entry.attributes));
         if (entry.attributes.type == FileType::Folder) folders[entry.path] = key;
@@ -53,7 +55,8 @@ public:
 
     [[nodiscard]] SysResult<Descriptor> open(const BundleEntry& entry) {
         const std::size_t slash = entry.path.rfind('/');
-        const std::string folder = slash == std::string::npos ? std::string() : entry.path.substr(0, slash);
+        const std::string folder =
+            slash == std::string::npos ? std::string() : entry.path.substr(0, slash);
         if (!folder.empty() && folder != m_name) {
             auto opened = openFolderBelow(m_files, m_bundle, folder, Links::Keep);
             if (!opened) return opened;
@@ -61,7 +64,8 @@ public:
             m_name = folder;
         }
         const std::string name = entry.path.substr(slash == std::string::npos ? 0 : slash + 1);
-        auto file = m_files.openFile(folder.empty() ? m_bundle : m_folder.get(), name.c_str(), Links::Keep, m_state);
+        auto file = m_files.openFile(folder.empty() ? m_bundle : m_folder.get(), name.c_str(),
+                                     Links::Keep, m_state);
         if (!file) return file;
         const auto now = m_files.attributes(file->get());
         auto seen = EntryIdentity::of(entry.attributes);
@@ -81,7 +85,8 @@ private:
 
 }  // namespace
 
-std::optional<StayedEntry> BundleLook::before(const HeldEntry& leaving, const std::atomic<bool>& stop) {
+std::optional<StayedEntry> BundleLook::before(const HeldEntry& leaving,
+                                              const std::atomic<bool>& stop) {
     if (auto reason = listBoth(leaving, leaving.name, stop)) return reason;
     return m_kept && m_compares ? compare(leaving, stop) : std::nullopt;
 }
@@ -107,7 +112,8 @@ std::optional<StayedEntry> BundleLook::listBoth(const HeldEntry& leaving, const 
     auto list = listBundleAt(m_files, m_leavingFolder.get(), leaving.path, {m_passing}, stop);
     if (!list) return failed(leaving, list.error().number);
     m_leavingList = std::move(*list);
-    if (m_digests.leaving && *m_digests.leaving != m_leavingList.digest) return failed(leaving, ESTALE);
+    if (m_digests.leaving && *m_digests.leaving != m_leavingList.digest)
+        return failed(leaving, ESTALE);
     if (!m_kept) return std::nullopt;
 
     auto kept = openFolderByPath(m_files, m_kept->path, Links::Keep);
@@ -120,7 +126,8 @@ std::optional<StayedEntry> BundleLook::listBoth(const HeldEntry& leaving, const 
     return std::nullopt;
 }
 
-std::optional<StayedEntry> BundleLook::compare(const HeldEntry& leaving, const std::atomic<bool>& stop) const {
+std::optional<StayedEntry> BundleLook::compare(const HeldEntry& leaving,
+                                               const std::atomic<bool>& stop) const {
     const auto& ours = m_leavingList.entries;
     const auto& theirs = m_keptList.entries;
     if (ours.size() != theirs.size()) return noCopy(leaving, stay::otherContents);
@@ -131,8 +138,8 @@ std::optional<StayedEntry> BundleLook::compare(const HeldEntry& leaving, const s
         if (ours[i].attributes.type != FileType::Regular) continue;
         const auto a = ourFiles.open(ours[i]);
         const auto b = theirFiles.open(theirs[i]);
-        const auto answer =
-            a && b ? compareContents(m_files, a->get(), b->get(), stop) : tl::unexpected(!a ? a.error() : b.error());
+        const auto answer = a && b ? compareContents(m_files, a->get(), b->get(), stop)
+                                   : tl::unexpected(!a ? a.error() : b.error());
         if (!answer) return failed(leaving, answer.error());
         if (*answer == Comparison::Different) return noCopy(leaving, stay::otherContents);
         if (m_files.isOpenForWriting(a->get()))

@@ -11,17 +11,19 @@
 
 namespace orrinvale {
 
-/// Two bundles are copies of each other while both hold, to the last entry, what the search listed, and hold the same: names, types,
-/// texts of links, and bytes.
+/// Two bundles are copies of each other while both hold, to the last entry, what the search listed,
+/// and hold the same: names, types, texts of links, and bytes.
 class BundleLook final : public CopyLook {
 public:
-    /// Of the two listings, as the search took them; nothing for a bundle that does not stay or was never listed.
+    /// Of the two listings, as the search took them; nothing for a bundle that does not stay or was
+    /// never listed.
     struct Digests {
         std::optional<std::uint64_t> leaving;
         std::optional<std::uint64_t> kept;
     };
     /// `compares` false: the listings alone have to agree with those of the search.
-    BundleLook(const FileSystem& files, Digests digests, std::optional<KeptCopy> kept, bool compares)
+    BundleLook(const FileSystem& files, Digests digests, std::optional<KeptCopy> kept,
+               bool compares)
         : m_files(files),
           m_digests(digests),
           m_kept(std::move(kept)),
@@ -29,15 +31,18 @@ public:
           m_passing(files.devicesOfPassingInodes()) {}
 
     const std::optional<KeptCopy>& kept() const override { return m_kept; }
-    std::optional<StayedEntry> before(const HeldEntry& leaving, const std::atomic<bool>& stop) override;
+    std::optional<StayedEntry> before(const HeldEntry& leaving,
+                                      const std::atomic<bool>& stop) override;
     std::optional<StayedEntry> last(const HeldEntry& leaving, const std::string& name) override;
     const SeenEntries* seen() const override { return m_seen ? &*m_seen : nullptr; }
 
 private:
-    [[nodiscard]] std::optional<StayedEntry> listBoth(const HeldEntry& leaving, const std::string& name,
+    [[nodiscard]] std::optional<StayedEntry> listBoth(const HeldEntry& leaving,
+                                                      const std::string& name,
                                                       const std::atomic<bool>& stop);
     [[nodiscard]] bool inodesPass(std::uint64_t device) const;
-    [[nodiscard]] std::optional<StayedEntry> compare(const HeldEntry& leaving, const std::atomic<bool>& stop) const;
+    [[nodiscard]] std::optional<StayedEntry> compare(const HeldEntry& leaving,
+                                                     const std::atomic<bool>& stop) const;
 
     const FileSystem& m_files;
     const Digests m_digests;

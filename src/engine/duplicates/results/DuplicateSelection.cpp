@@ -16,21 +16,24 @@ std::size_t countTicked(const TreeNode& group) {
     return count;
 }
 
-// A sorted tree lies all over the memory, and a walk over a large one mostly waits for it. So each link of the way to a leaf is
-// asked for a few groups ahead, when the link before it has come.
+// A sorted tree lies all over the memory, and a walk over a large one mostly waits for it. So each
+// link of the way to a leaf is asked for a few groups ahead, when the link before it has come.
 void expectGroups(const TreeNode& tree, std::size_t after) {
     const auto ahead = [&](std::size_t distance) -> const TreeNode* {
         const std::size_t index = after + distance;
         return index < tree.numberOfChildren() ? tree.childAtIndex(index).get() : nullptr;
     };
-    const auto leaves = [](const TreeNode& group) { return std::min(group.numberOfChildren(), std::size_t{8}); };
+    const auto leaves = [](const TreeNode& group) {
+        return std::min(group.numberOfChildren(), std::size_t{8});
+    };
     if (const TreeNode* const group = ahead(16)) __builtin_prefetch(group);
     if (const TreeNode* const group = ahead(12)) {
         __builtin_prefetch(group->nodeData().get(), 1);
         if (group->numberOfChildren() > 0) __builtin_prefetch(&group->firstChild());
     }
     if (const TreeNode* const group = ahead(8))
-        for (std::size_t i = 0; i < leaves(*group); ++i) __builtin_prefetch(group->childAtIndex(i).get(), 1);
+        for (std::size_t i = 0; i < leaves(*group); ++i)
+            __builtin_prefetch(group->childAtIndex(i).get(), 1);
     if (const TreeNode* const group = ahead(4))
         for (std::size_t i = 0; i < leaves(*group); ++i)
             __builtin_prefetch(group->childAtIndex(i)->nodeData().get(), 1);
@@ -45,7 +48,8 @@ void showGroup(TreeNode& group, std::int32_t selectNum, std::size_t ticked) {
 }  // namespace
 
 void TickedLeaves::remove(const TreeNode* leaf) {
-    std::erase_if(m_entries, [leaf](const TreeNode::Pointer& entry) { return entry.get() == leaf; });
+    std::erase_if(m_entries,
+                  [leaf](const TreeNode::Pointer& entry) { return entry.get() == leaf; });
 }
 
 void TickedLeaves::removeAll(std::span<const TreeNode::Pointer> leaves) {
@@ -59,11 +63,14 @@ void TickedLeaves::removeAll(std::span<const TreeNode::Pointer> leaves) {
 }
 
 void TickedLeaves::removeClear() {
-    std::erase_if(m_entries, [](const TreeNode::Pointer& entry) { return simpleData(*entry)->selectNum() == 0; });
+    std::erase_if(m_entries, [](const TreeNode::Pointer& entry) {
+        return simpleData(*entry)->selectNum() == 0;
+    });
 }
 
 void TickedLeaves::removeOrphans() {
-    std::erase_if(m_entries, [](const TreeNode::Pointer& entry) { return entry->nodeParent() == nullptr; });
+    std::erase_if(m_entries,
+                  [](const TreeNode::Pointer& entry) { return entry->nodeParent() == nullptr; });
 }
 
 LeafClick DuplicateSelection::clickLeaf(const TreeNode::Pointer& leaf) {
@@ -119,7 +126,8 @@ void DuplicateSelection::tickAllBut(TreeNode& leaf) {
 void DuplicateSelection::clearLeaves(TreeNode& group, std::size_t shownCount) {
     // A group is in state 0 only while none of its leaves is ticked.
     if (simpleData(group)->selectNum() != 0)
-        for (std::size_t i = 0; i < group.numberOfChildren(); ++i) clear(*simpleData(*group.childAtIndex(i)));
+        for (std::size_t i = 0; i < group.numberOfChildren(); ++i)
+            clear(*simpleData(*group.childAtIndex(i)));
     SimpleNodeData& data = *simpleData(group);
     data.setSelectNum(0);
     data.setShowSelectNumStr(fmt::format("0/{}", shownCount));

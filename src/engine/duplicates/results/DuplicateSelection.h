@@ -1,4 +1,5 @@
-// DuplicateSelection: which copies are ticked, and the rule that one copy of a group stays unless a person insists.
+// DuplicateSelection: which copies are ticked, and the rule that one copy of a group stays unless a
+// person insists.
 #pragma once
 
 #include <cstddef>
@@ -14,12 +15,14 @@
 
 namespace orrinvale {
 
-/// The ticked leaves over all views, in the order in which they were ticked. A leaf may stand in it twice. Main thread only.
+/// The ticked leaves over all views, in the order in which they were ticked. A leaf may stand in it
+/// twice. Main thread only.
 class TickedLeaves final {
 public:
     void append(TreeNode::Pointer leaf) { m_entries.push_back(std::move(leaf)); }
 
-    /// Take every occurrence out, in one pass: of one leaf, of all these leaves, and of all leaves that are clear.
+    /// Take every occurrence out, in one pass: of one leaf, of all these leaves, and of all leaves
+    /// that are clear.
     void remove(const TreeNode* leaf);
     void removeAll(std::span<const TreeNode::Pointer> leaves);
     void removeClear();
@@ -40,7 +43,8 @@ private:
 enum class LeafClick {
     Ticked,
     Cleared,
-    Question  ///< nothing changed: it is the last clear copy of its group, so ask, and then call tickLast()
+    Question  ///< nothing changed: it is the last clear copy of its group, so ask, and then call
+              ///< tickLast()
 };
 
 /// The box over the list: on or off, its picture, and the count of copies in the view.
@@ -54,7 +58,8 @@ struct HeaderBox {
 struct TickedSums {
     std::size_t copies = 0;
     std::size_t outside = 0;  ///< of these, not below the folder that was searched
-    /// That their removal gives back: of a file with several names when all its names are ticked, and once; of a link none.
+    /// That their removal gives back: of a file with several names when all its names are ticked,
+    /// and once; of a link none.
     std::uint64_t bytes = 0;
 };
 
@@ -66,13 +71,15 @@ public:
     /// Ticks the last clear copy of a group: the person insists.
     void tickLast(const TreeNode::Pointer& leaf);
 
-    /// Clears a group that has ticks; ticks all copies but the last, in the present order, of one that has none.
+    /// Clears a group that has ticks; ticks all copies but the last, in the present order, of one
+    /// that has none.
     void clickGroup(TreeNode& group);
 
     /// Ticks all copies but one of a leaf's group: that leaf stays clear.
     void tickAllBut(TreeNode& leaf);
 
-    /// The box over the list: ticks all copies but the last in every group of the view, whatever was ticked before, or clears the view.
+    /// The box over the list: ticks all copies but the last in every group of the view, whatever
+    /// was ticked before, or clears the view.
     void setAll(TreeNode& tree, bool on);
 
     /// Clears every leaf and group of the view.
@@ -86,8 +93,8 @@ public:
     /// "option_no", "option_yes" or "option_a" for the states 0, 1 and 2.
     [[nodiscard]] static std::string_view pictureOf(std::int32_t selectNum);
 
-    /// Of what was ticked and cleared here. After any other change of allSelectNumArr(), such as the end of a removal, recount()
-    /// puts them right.
+    /// Of what was ticked and cleared here. After any other change of allSelectNumArr(), such as
+    /// the end of a removal, recount() puts them right.
     [[nodiscard]] const TickedSums& sums() const { return m_sums; }
     void recount();
 
@@ -102,7 +109,8 @@ private:
 
     TickedLeaves m_ticked;
     TickedSums m_sums;
-    std::map<std::pair<std::uint64_t, std::uint64_t>, std::uint32_t> m_tickedNames;  // by device and inode
+    std::map<std::pair<std::uint64_t, std::uint64_t>, std::uint32_t>
+        m_tickedNames;  // by device and inode
 };
 
 }  // namespace orrinvale

@@ -13,7 +13,8 @@ void LeafSort::begin(TreeNode& tree, SortKey key, bool descending) {
     TreeNode* const top = &tree;
     TreeNode::sortLevel({&top, 1}, key, descending);
     m_groups.clear();
-    for (std::size_t i = 0; i < tree.numberOfChildren(); ++i) m_groups.push_back(tree.childAtIndex(i).get());
+    for (std::size_t i = 0; i < tree.numberOfChildren(); ++i)
+        m_groups.push_back(tree.childAtIndex(i).get());
     // As they lie in memory, from the end: the order of a sorted tree leads all over it.
     std::sort(m_groups.begin(), m_groups.end(), std::greater<>());
 }

@@ -9,8 +9,9 @@
 
 namespace orrinvale {
 
-/// The groups at once, and the copies within them a little at a time. When it is done the tree is as one sort of all levels leaves
-/// it. Holds plain pointers: finish() or drop() before the tree loses groups or is sorted again. Main thread only.
+/// The groups at once, and the copies within them a little at a time. When it is done the tree is
+/// as one sort of all levels leaves it. Holds plain pointers: finish() or drop() before the tree
+/// loses groups or is sorted again. Main thread only.
 class LeafSort final {
 public:
     void begin(TreeNode& tree, SortKey key, bool descending);

@@ -22,7 +22,8 @@ bool isSameFile(const EntryIdentity& a, const EntryIdentity& b) {
 
 }  // namespace
 
-RemovalPlan::RemovalPlan(const FileSystem& files, std::vector<TreeNode::Pointer> ticked, Comparing comparing)
+RemovalPlan::RemovalPlan(const FileSystem& files, std::vector<TreeNode::Pointer> ticked,
+                         Comparing comparing)
     : m_files(files), m_ticked(std::move(ticked)), m_comparing(comparing) {}
 
 void RemovalPlan::prepare() {
@@ -36,7 +37,8 @@ void RemovalPlan::prepare() {
         if (!places.contains(leaf.get())) addGroup(*parent, ticked, places);
         m_entries.push_back({leaf, places.at(leaf.get())});
         const Member& leaving = member(m_entries.size() - 1);
-        if (leaving.identity && leaving.identity->type == FileType::Folder) m_leavingFolders.push_back(leaving.path);
+        if (leaving.identity && leaving.identity->type == FileType::Folder)
+            m_leavingFolders.push_back(leaving.path);
     }
     m_isPrepared = true;
 }
@@ -49,12 +51,14 @@ void RemovalPlan::addGroup(const TreeNode& node, const std::unordered_set<const 
         const TreeNode& child = *node.childAtIndex(i);
         const auto& data = simpleData(child);
         places.emplace(&child, Place{m_groups.size(), i});
-        group.members.push_back({data->name(), data->fileSize(), data->identity(), data->bundleDigest()});
+        group.members.push_back(
+            {data->name(), data->fileSize(), data->identity(), data->bundleDigest()});
         group.copies.push_back(i);
         if (group.members.back().identity) group.byFile.push_back(i);
     }
-    std::stable_partition(group.copies.begin(), group.copies.end(),
-                          [&](std::size_t i) { return ticked.contains(node.childAtIndex(i).get()); });
+    std::stable_partition(group.copies.begin(), group.copies.end(), [&](std::size_t i) {
+        return ticked.contains(node.childAtIndex(i).get());
+    });
     std::sort(group.byFile.begin(), group.byFile.end(), [&](std::size_t left, std::size_t right) {
         return fileOf(group.members[left].identity) < fileOf(group.members[right].identity);
     });
@@ -66,12 +70,14 @@ const RemovalPlan::Member& RemovalPlan::member(std::size_t index) const {
     return m_groups[place.group].members[place.member];
 }
 
-// That it is another entry than the one that goes, wherever paths may lead, the look after setting aside makes sure.
+// That it is another entry than the one that goes, wherever paths may lead, the look after setting
+// aside makes sure.
 bool RemovalPlan::isCopyFor(const Member& wanted, const Member& other) const {
     if (other.path == wanted.path || !other.identity || liesInWhatGoes(other.path)) return false;
     const auto now = m_files.attributes(FileSystem::noParent, other.path.c_str(), Links::Keep);
     if (!now || !other.identity->isStill(*now)) return false;
-    const bool isOneEntry = wanted.identity && isSameFile(*wanted.identity, *other.identity) && now->links < 2;
+    const bool isOneEntry =
+        wanted.identity && isSameFile(*wanted.identity, *other.identity) && now->links < 2;
     if (isOneEntry) return false;
     if (other.digest) return isAsListed(other);
     if (other.identity->type != FileType::SymbolicLink) return true;
@@ -90,33 +96,38 @@ bool RemovalPlan::isAsListed(const Member& bundle) const {
 bool RemovalPlan::liesInWhatGoes(const std::string& path) const {
     if (m_leavingFolders.empty()) return false;
     const auto isIn = [&](const std::string& place) {
-        return std::any_of(m_leavingFolders.begin(), m_leavingFolders.end(),
-                           [&](const std::string& folder) { return place != folder && isWithin(place, folder); });
+        return std::any_of(
+            m_leavingFolders.begin(), m_leavingFolders.end(),
+            [&](const std::string& folder) { return place != folder && isWithin(place, folder); });
     };
     const auto real = m_files.resolved(path);
     return isIn(path) || (real && isIn(*real));
 }
 
-// From the end, where the copy that stays by itself stands. What is found gone or changed is asked no more.
+// From the end, where the copy that stays by itself stands. What is found gone or changed is asked
+// no more.
 const RemovalPlan::Member* RemovalPlan::copyFor(Group& group, const Member& wanted) const {
-    while (!group.copies.empty() && group.members[group.copies.back()].isOut) group.copies.pop_back();
+    while (!group.copies.empty() && group.members[group.copies.back()].isOut)
+        group.copies.pop_back();
     for (std::size_t at = group.copies.size(); at-- > 0;) {
         Member& other = group.members[group.copies[at]];
         if (other.isOut || &other == &wanted) continue;
         if (isCopyFor(wanted, other)) return &other;
         const auto now = m_files.attributes(FileSystem::noParent, other.path.c_str(), Links::Keep);
-        other.isOut = !now || !other.identity || !other.identity->isStill(*now) || (other.digest && !isAsListed(other));
+        other.isOut = !now || !other.identity || !other.identity->isStill(*now) ||
+                      (other.digest && !isAsListed(other));
     }
     return nullptr;
 }
 
 std::unique_ptr<CopyLook> RemovalPlan::lookFor(const Member& wanted, const Member* kept) const {
-    auto copy = kept != nullptr ? std::optional(KeptCopy{kept->path, *kept->identity}) : std::nullopt;
+    auto copy =
+        kept != nullptr ? std::optional(KeptCopy{kept->path, *kept->identity}) : std::nullopt;
     const bool compares = m_comparing == Comparing::Always;
     if (!wanted.digest) return std::make_unique<FileLook>(m_files, std::move(copy), compares);
     return std::make_unique<BundleLook>(
-        m_files, BundleLook::Digests{wanted.digest, kept != nullptr ? kept->digest : std::nullopt}, std::move(copy),
-        compares);
+        m_files, BundleLook::Digests{wanted.digest, kept != nullptr ? kept->digest : std::nullopt},
+        std::move(copy), compares);
 }
 
 tl::expected<std::unique_ptr<CopyLook>, StayedEntry> RemovalPlan::judge(std::size_t index) {
@@ -126,15 +137,18 @@ tl::expected<std::unique_ptr<CopyLook>, StayedEntry> RemovalPlan::judge(std::siz
     if (!group.whollyTicked) {
         kept = copyFor(group, wanted);
         if (kept == nullptr)
-            return tl::unexpected(StayedEntry{wanted.path, std::string(stay::noCopy), StayReason::NoCopy});
+            return tl::unexpected(
+                StayedEntry{wanted.path, std::string(stay::noCopy), StayReason::NoCopy});
     }
     return lookFor(wanted, kept);
 }
 
 void RemovalPlan::excuse(std::span<const Excuse> excuses) {
-    std::map<const TreeNode*, std::map<std::pair<std::uint64_t, std::uint64_t>, std::int64_t>> byGroup;
+    std::map<const TreeNode*, std::map<std::pair<std::uint64_t, std::uint64_t>, std::int64_t>>
+        byGroup;
     for (const auto& [leaf, changed] : excuses)
-        if (const auto& identity = simpleData(*leaf)->identity(); identity && leaf->nodeParent() != nullptr)
+        if (const auto& identity = simpleData(*leaf)->identity();
+            identity && leaf->nodeParent() != nullptr)
             byGroup[leaf->nodeParent()][fileOf(identity)] = changed;
     for (const auto& [group, files] : byGroup)
         for (std::size_t i = 0; i < group->numberOfChildren(); ++i) {
@@ -151,11 +165,13 @@ void RemovalPlan::settled(std::size_t index, const RemovalResult& result) {
     Group& group = m_groups[place.group];
     group.members[place.member].isOut = result.gone;
     if (!result.changed || !group.members[place.member].identity) return;
-    const auto same = std::equal_range(
-        group.byFile.begin(), group.byFile.end(), place.member, [&](std::size_t left, std::size_t right) {
-            return fileOf(group.members[left].identity) < fileOf(group.members[right].identity);
-        });
-    for (auto each = same.first; each != same.second; ++each) group.members[*each].identity->changed = *result.changed;
+    const auto same = std::equal_range(group.byFile.begin(), group.byFile.end(), place.member,
+                                       [&](std::size_t left, std::size_t right) {
+                                           return fileOf(group.members[left].identity) <
+                                                  fileOf(group.members[right].identity);
+                                       });
+    for (auto each = same.first; each != same.second; ++each)
+        group.members[*each].identity->changed = *result.changed;
 }
 
 }  // namespace orrinvale

@@ -1,4 +1,5 @@
-// RemovalPlan: the copies that go, fixed when a person confirms, and the copy that stays for each of them.
+// RemovalPlan: the copies that go, fixed when a person confirms, and the copy that stays for each
+// of them.
 #pragma once
 
 #include <cstddef>
@@ -17,56 +18,70 @@
 
 namespace orrinvale {
 
-/// Made on the main thread from the ticked leaves; the rest belongs to the thread that removes. No node of the tree is touched after
-/// prepare().
+/// Made on the main thread from the ticked leaves; the rest belongs to the thread that removes. No
+/// node of the tree is touched after prepare().
 class RemovalPlan final : public RemovalList {
 public:
-    /// How contents are compared before a copy goes. Groups that rest on anything but a search just made are always compared.
+    /// How contents are compared before a copy goes. Groups that rest on anything but a search just
+    /// made are always compared.
     enum class Comparing : std::uint8_t { Always, Never };
 
     /// Each ticked leaf once, in the order of ticking. The file system outlives the plan.
-    RemovalPlan(const FileSystem& files, std::vector<TreeNode::Pointer> ticked, Comparing comparing);
+    RemovalPlan(const FileSystem& files, std::vector<TreeNode::Pointer> ticked,
+                Comparing comparing);
 
     [[nodiscard]] bool compares() const { return m_comparing == Comparing::Always; }
 
-    /// The groups are those that the leaves stand in now: nobody changes the tree before the first news of the removal.
+    /// The groups are those that the leaves stand in now: nobody changes the tree before the first
+    /// news of the removal.
     void prepare() override;
 
-    [[nodiscard]] std::size_t size() const override { return m_isPrepared ? m_entries.size() : m_ticked.size(); }
+    [[nodiscard]] std::size_t size() const override {
+        return m_isPrepared ? m_entries.size() : m_ticked.size();
+    }
     [[nodiscard]] std::string path(std::size_t index) const override { return member(index).path; }
     [[nodiscard]] std::optional<EntryIdentity> identity(std::size_t index) const override {
         return member(index).identity;
     }
-    [[nodiscard]] std::uint64_t bytes(std::size_t index) const override { return member(index).size; }
+    [[nodiscard]] std::uint64_t bytes(std::size_t index) const override {
+        return member(index).size;
+    }
     [[nodiscard]] bool isCopy(std::size_t /*index*/) const override { return true; }
-    [[nodiscard]] const TreeNode::Pointer& leaf(std::size_t index) const { return m_entries.at(index).leaf; }
+    [[nodiscard]] const TreeNode::Pointer& leaf(std::size_t index) const {
+        return m_entries.at(index).leaf;
+    }
 
-    /// Why the copy must not go now: in a group that is not wholly ticked, no other copy is still what the search saw. One that is not
-    /// ticked is asked first; where there is none any more a ticked one serves, and is then the one that stays. A link is
-    /// no copy for a file, since it may point at the very file that goes; neither is the same entry by another path, nor what lies in a
-    /// bundle that goes. Else how it goes, with the copy that stays.
-    [[nodiscard]] tl::expected<std::unique_ptr<CopyLook>, StayedEntry> judge(std::size_t index) override;
+    /// Why the copy must not go now: in a group that is not wholly ticked, no other copy is still
+    /// what the search saw. One that is not ticked is asked first; where there is none any more a
+    /// ticked one serves, and is then the one that stays. A link is no copy for a file, since it
+    /// may point at the very file that goes; neither is the same entry by another path, nor what
+    /// lies in a bundle that goes. Else how it goes, with the copy that stays.
+    [[nodiscard]] tl::expected<std::unique_ptr<CopyLook>, StayedEntry> judge(
+        std::size_t index) override;
 
-    /// Other names of the same file have another time of change once one has gone, by our own doing: exactly that one is excused.
+    /// Other names of the same file have another time of change once one has gone, by our own
+    /// doing: exactly that one is excused.
     void settled(std::size_t index, const RemovalResult& result) override;
 
     /// A leaf whose file got this time of change by our own doing, as it was told.
     using Excuse = std::pair<TreeNode::Pointer, std::int64_t>;
-    /// The same for the tree, so that a further removal of the same result knows it. Main thread, before the leaves leave their groups.
+    /// The same for the tree, so that a further removal of the same result knows it. Main thread,
+    /// before the leaves leave their groups.
     static void excuse(std::span<const Excuse> excuses);
 
 private:
     struct Member {
         std::string path;
-        std::uint64_t size = 0;  ///< bytes, as the search counted them; of a bundle those of all that is in it
+        std::uint64_t size =
+            0;  ///< bytes, as the search counted them; of a bundle those of all that is in it
         std::optional<EntryIdentity> identity;
         std::optional<std::uint64_t> digest;  ///< of a bundle's listing
         bool isOut = false;                   ///< gone, or found changed: no copy for any other
     };
     struct Group {
         std::vector<Member> members;
-        std::vector<std::size_t>
-            copies;  ///< members, those that are not ticked behind the others; the last is asked first
+        std::vector<std::size_t> copies;  ///< members, those that are not ticked behind the others;
+                                          ///< the last is asked first
         std::vector<std::size_t> byFile;  ///< members by device and inode
         bool whollyTicked = false;
     };

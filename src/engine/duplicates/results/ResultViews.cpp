@@ -20,7 +20,8 @@ std::shared_ptr<SimpleTreeNode> newRoot() {
     return SimpleTreeNode::treeNodeWithData(SimpleNodeData::groupDataWithName("Root"));
 }
 
-// Leaves leave their groups and groups the root, so that who still holds one of them holds nothing else.
+// Leaves leave their groups and groups the root, so that who still holds one of them holds nothing
+// else.
 void takeApart(TreeNode& root) {
     for (const auto& group : root.children()) {
         const auto leaves = group->children();
@@ -97,7 +98,8 @@ std::string ResultViews::sizeText(std::size_t row) const {
 
 std::size_t ResultViews::leafCount(const TreeNode& tree) {
     std::size_t count = 0;
-    for (std::size_t i = 0; i < tree.numberOfChildren(); ++i) count += tree.childAtIndex(i)->numberOfChildren();
+    for (std::size_t i = 0; i < tree.numberOfChildren(); ++i)
+        count += tree.childAtIndex(i)->numberOfChildren();
     return count;
 }
 
@@ -107,8 +109,8 @@ void ResultViews::shrink(const SimpleNodeData& group, std::uint64_t bytes) {
     m_sizes[code] -= std::min(bytes, m_sizes[code]);
 }
 
-// One group's part of a batch, leaf by leaf in its order, but with one look at the copies that stay. True when the group is none
-// any more.
+// One group's part of a batch, leaf by leaf in its order, but with one look at the copies that
+// stay. True when the group is none any more.
 bool ResultViews::removeFromGroup(TreeNode& group, std::span<const TreeNode::Pointer> leaves) {
     SimpleNodeData& data = *simpleData(group);
     group._removeChildrenIdenticalTo(leaves);
@@ -131,14 +133,16 @@ bool ResultViews::removeFromGroup(TreeNode& group, std::span<const TreeNode::Poi
         }
         if (data.selectNum() == 2) data.setSelectNum(ticked != 0 ? 2 : 0);
     }
-    // Of a partly ticked group the first number says whether, not how many, until the next tick in it.
+    // Of a partly ticked group the first number says whether, not how many, until the next tick in
+    // it.
     const std::size_t shown = data.selectNum() == 1 ? left : data.selectNum() == 2 ? 1 : 0;
     data.setShowSelectNumStr(fmt::format("{}/{}", shown, left));
     return false;
 }
 
 void ResultViews::removeLeaves(std::span<const TreeNode::Pointer> leaves) {
-    // By group: a group may hold as many copies as a batch has leaves, and must not be walked for each of them.
+    // By group: a group may hold as many copies as a batch has leaves, and must not be walked for
+    // each of them.
     std::unordered_map<TreeNode*, std::vector<TreeNode::Pointer>> byGroup;
     for (const auto& leaf : leaves) {
         TreeNode* const group = leaf->nodeParent();

@@ -1,5 +1,5 @@
-// ResultViews: the result of a search sorted into its seven views, with their sizes, kept true while copies are removed.
-// DuplicateSelection.h says what is ticked in it.
+// ResultViews: the result of a search sorted into its seven views, with their sizes, kept true
+// while copies are removed. DuplicateSelection.h says what is ticked in it.
 #pragma once
 
 #include <array>
@@ -15,7 +15,8 @@
 
 namespace orrinvale {
 
-/// One row of the list of types: its title and picture, and which groups it shows; all of them when it has no kind.
+/// One row of the list of types: its title and picture, and which groups it shows; all of them when
+/// it has no kind.
 struct ResultRow {
     std::string_view title;
     std::string_view picture;
@@ -33,8 +34,9 @@ inline constexpr std::array<ResultRow, 7> resultRows{{
     {"Others", "ic_other", FileKind::Others},
 }};
 
-/// A group stands in the tree of row 0 and in the tree of exactly one type, and its size counts for that type. One thread at a time: it may
-/// be made on one and handed over, and what is left of it be cleared on another once nothing shows its trees.
+/// A group stands in the tree of row 0 and in the tree of exactly one type, and its size counts for
+/// that type. One thread at a time: it may be made on one and handed over, and what is left of it
+/// be cleared on another once nothing shows its trees.
 class ResultViews final {
 public:
     /// Takes the result over and puts each group that is not marked yet into the view of its type.
@@ -55,9 +57,9 @@ public:
     /// How many copies the groups of a tree hold.
     [[nodiscard]] static std::size_t leafCount(const TreeNode& tree);
 
-    /// Takes copies that are gone from the disk out of their groups, and groups that are none any more out of both their trees:
-    /// those without a copy left, and those partly ticked with a single copy left, which stays on the disk. One pass over the
-    /// trees for the whole batch.
+    /// Takes copies that are gone from the disk out of their groups, and groups that are none any
+    /// more out of both their trees: those without a copy left, and those partly ticked with a
+    /// single copy left, which stays on the disk. One pass over the trees for the whole batch.
     void removeLeaves(std::span<const TreeNode::Pointer> leaves);
 
 private:

@@ -4,7 +4,8 @@
 namespace orrinvale {
 namespace {
 
-template <class Compare> std::weak_ordering compareWith(const TreeNodeData& other, Compare compare) {
+template <class Compare>
+std::weak_ordering compareWith(const TreeNodeData& other, Compare compare) {
     const auto* const simple = dynamic_cast<const SimpleNodeData*>(&other);
     return simple ? compare(*simple) : std::weak_ordering::equivalent;
 }
@@ -13,8 +14,8 @@ std::weak_ordering names(const SimpleNodeData& left, const SimpleNodeData& right
     return left.name() <=> right.name();
 }
 
-// As a number that is ordered as the bytes are; a shorter name comes before the longer ones that it begins. It spares most
-// comparisons a look at the text.
+// As a number that is ordered as the bytes are; a shorter name comes before the longer ones that it
+// begins. It spares most comparisons a look at the text.
 std::uint64_t firstBytes(const std::string& name) {
     std::uint64_t number = 0;
     for (std::size_t i = 0; i < sizeof number; ++i)
@@ -27,7 +28,8 @@ std::weak_ordering sizes(const SimpleNodeData& left, const SimpleNodeData& right
 }
 
 std::weak_ordering dates(const SimpleNodeData& left, const SimpleNodeData& right) {
-    if (!left.ModificationDate() || !right.ModificationDate()) return std::weak_ordering::equivalent;
+    if (!left.ModificationDate() || !right.ModificationDate())
+        return std::weak_ordering::equivalent;
     return *left.ModificationDate() <=> *right.ModificationDate();
 }
 
@@ -45,22 +47,28 @@ SimpleNodeData::SimpleNodeData(std::string name, bool isLeaf)
     : m_name(std::move(name)), m_isLeaf(isLeaf), m_isExpandable(!isLeaf) {}
 
 std::weak_ordering SimpleNodeData::compareName(const TreeNodeData& other) const {
-    return compareWith(other, [this](const SimpleNodeData& simple) { return names(*this, simple); });
+    return compareWith(other,
+                       [this](const SimpleNodeData& simple) { return names(*this, simple); });
 }
 std::weak_ordering SimpleNodeData::compareSize(const TreeNodeData& other) const {
-    return compareWith(other, [this](const SimpleNodeData& simple) { return sizes(*this, simple); });
+    return compareWith(other,
+                       [this](const SimpleNodeData& simple) { return sizes(*this, simple); });
 }
 std::weak_ordering SimpleNodeData::compareDate(const TreeNodeData& other) const {
-    return compareWith(other, [this](const SimpleNodeData& simple) { return dates(*this, simple); });
+    return compareWith(other,
+                       [this](const SimpleNodeData& simple) { return dates(*this, simple); });
 }
 std::weak_ordering SimpleNodeData::compareNameR(const TreeNodeData& other) const {
-    return compareWith(other, [this](const SimpleNodeData& simple) { return names(simple, *this); });
+    return compareWith(other,
+                       [this](const SimpleNodeData& simple) { return names(simple, *this); });
 }
 std::weak_ordering SimpleNodeData::compareSizeR(const TreeNodeData& other) const {
-    return compareWith(other, [this](const SimpleNodeData& simple) { return sizes(simple, *this); });
+    return compareWith(other,
+                       [this](const SimpleNodeData& simple) { return sizes(simple, *this); });
 }
 std::weak_ordering SimpleNodeData::compareDateR(const TreeNodeData& other) const {
-    return compareWith(other, [this](const SimpleNodeData& simple) { return dates(simple, *this); });
+    return compareWith(other,
+                       [this](const SimpleNodeData& simple) { return dates(simple, *this); });
 }
 
 std::optional<SortValue> SimpleNodeData::sortValue(SortKey key) const {

@@ -14,10 +14,12 @@
 
 namespace orrinvale {
 
-/// The data of a group of duplicates or of one file or bundle in it. Main thread only, once a tree is shown.
+/// The data of a group of duplicates or of one file or bundle in it. Main thread only, once a tree
+/// is shown.
 class SimpleNodeData final : public TreeNodeData {
 public:
-    /// A leaf; the name is its full path in exact bytes, which is also what is removed and previewed.
+    /// A leaf; the name is its full path in exact bytes, which is also what is removed and
+    /// previewed.
     [[nodiscard]] static std::shared_ptr<SimpleNodeData> leafDataWithName(std::string name);
     /// A group; the name is what the user reads.
     [[nodiscard]] static std::shared_ptr<SimpleNodeData> groupDataWithName(std::string name);
@@ -63,24 +65,29 @@ public:
     [[nodiscard]] const std::optional<Date>& ModificationDate() const { return m_modificationDate; }
     void setModificationDate(std::optional<Date> date) { m_modificationDate = date; }
 
-    /// What the search saw of the leaf's file or bundle, for the look before it is removed. A group has none.
+    /// What the search saw of the leaf's file or bundle, for the look before it is removed. A group
+    /// has none.
     [[nodiscard]] const std::optional<EntryIdentity>& identity() const { return m_identity; }
     void setIdentity(std::optional<EntryIdentity> identity) { m_identity = identity; }
 
-    /// Of a bundle what BundleListing's digest was when the search listed it; nothing for everything else.
+    /// Of a bundle what BundleListing's digest was when the search listed it; nothing for
+    /// everything else.
     [[nodiscard]] std::optional<std::uint64_t> bundleDigest() const { return m_bundleDigest; }
     void setBundleDigest(std::optional<std::uint64_t> digest) { m_bundleDigest = digest; }
 
-    /// How many names the leaf's file has, on the whole file system, as the search saw it; 1 for everything else.
+    /// How many names the leaf's file has, on the whole file system, as the search saw it; 1 for
+    /// everything else.
     [[nodiscard]] std::uint32_t hardLinks() const { return m_hardLinks; }
     void setHardLinks(std::uint32_t count) { m_hardLinks = count; }
 
-    /// True when the leaf is a symbolic link directly in the folder that was searched, or stands behind one: it then lies
-    /// elsewhere than its path says, at linkTarget(), a path without links, empty where that could not be found out.
+    /// True when the leaf is a symbolic link directly in the folder that was searched, or stands
+    /// behind one: it then lies elsewhere than its path says, at linkTarget(), a path without
+    /// links, empty where that could not be found out.
     [[nodiscard]] bool isLink() const { return m_isLink; }
     [[nodiscard]] const std::string& linkTarget() const { return m_linkTarget; }
 
-    /// True for a link, and for what stands behind one, whose real place is not below the folder that was searched.
+    /// True for a link, and for what stands behind one, whose real place is not below the folder
+    /// that was searched.
     [[nodiscard]] bool liesOutside() const { return m_liesOutside; }
 
     void setLink(std::string target, bool outside) {
@@ -96,7 +103,8 @@ public:
     /// The name.
     [[nodiscard]] const std::string& description() const { return m_name; }
 
-    /// Names are compared byte by byte, sizes as numbers. Dates compare equivalent when either is missing.
+    /// Names are compared byte by byte, sizes as numbers. Dates compare equivalent when either is
+    /// missing.
     [[nodiscard]] std::weak_ordering compareName(const TreeNodeData& other) const override;
     [[nodiscard]] std::weak_ordering compareSize(const TreeNodeData& other) const override;
     [[nodiscard]] std::weak_ordering compareDate(const TreeNodeData& other) const override;

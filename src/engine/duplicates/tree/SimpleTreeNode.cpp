@@ -11,12 +11,14 @@ SimpleTreeNode::SimpleTreeNode(const Dictionary& dictionary)
     for (const auto& entry : dictionary.Entries) {
         const auto* const group = std::get_if<Dictionary>(&entry);
         insertChild(group ? treeFromDictionary(*group)
-                          : treeNodeWithData(SimpleNodeData::leafDataWithName(std::get<std::string>(entry))),
+                          : treeNodeWithData(
+                                SimpleNodeData::leafDataWithName(std::get<std::string>(entry))),
                     numberOfChildren());
     }
 }
 
-std::shared_ptr<SimpleTreeNode> SimpleTreeNode::treeNodeWithData(std::shared_ptr<TreeNodeData> data) {
+std::shared_ptr<SimpleTreeNode> SimpleTreeNode::treeNodeWithData(
+    std::shared_ptr<TreeNodeData> data) {
     return std::make_shared<SimpleTreeNode>(std::move(data), nullptr, std::vector<Pointer>{});
 }
 
@@ -26,8 +28,11 @@ std::shared_ptr<SimpleTreeNode> SimpleTreeNode::treeFromDictionary(const Diction
 
 SimpleNodeData* simpleData(const TreeNode& node) {
     TreeNodeData* const data = node.nodeData().get();
-    // The class is final, so that a look at the type is enough; a dynamic cast took a third of a walk over all leaves.
-    return data != nullptr && typeid(*data) == typeid(SimpleNodeData) ? static_cast<SimpleNodeData*>(data) : nullptr;
+    // The class is final, so that a look at the type is enough; a dynamic cast took a third of a
+    // walk over all leaves.
+    return data != nullptr && typeid(*data) == typeid(SimpleNodeData)
+               ? static_cast<SimpleNodeData*>(data)
+               : nullptr;
 }
 
 }  // namespace orrinvale

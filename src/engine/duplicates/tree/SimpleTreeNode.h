@@ -1,4 +1,5 @@
-// SimpleTreeNode: a node of the result tree, which is a root, groups, and leaves. Its data is a SimpleNodeData.
+// SimpleTreeNode: a node of the result tree, which is a root, groups, and leaves. Its data is a
+// SimpleNodeData.
 #pragma once
 
 #include <memory>
@@ -11,7 +12,8 @@
 
 namespace orrinvale {
 
-/// A tree as a plain value: the name of a group, and its members in order, each the name of a leaf or a group in turn.
+/// A tree as a plain value: the name of a group, and its members in order, each the name of a leaf
+/// or a group in turn.
 struct Dictionary {
     std::string Group;
     std::vector<std::variant<std::string, Dictionary>> Entries;
@@ -24,8 +26,10 @@ public:
     /// A group without a parent, with everything below it. Nests as deep as the dictionary does.
     explicit SimpleTreeNode(const Dictionary& dictionary);
 
-    [[nodiscard]] static std::shared_ptr<SimpleTreeNode> treeNodeWithData(std::shared_ptr<TreeNodeData> data);
-    [[nodiscard]] static std::shared_ptr<SimpleTreeNode> treeFromDictionary(const Dictionary& dictionary);
+    [[nodiscard]] static std::shared_ptr<SimpleTreeNode> treeNodeWithData(
+        std::shared_ptr<TreeNodeData> data);
+    [[nodiscard]] static std::shared_ptr<SimpleTreeNode> treeFromDictionary(
+        const Dictionary& dictionary);
 };
 
 /// The node's data as what the results are made of; null when it carries none or another kind.

@@ -1,4 +1,5 @@
-// TreeNode: see TreeNode.h. Walks keep their own stack of nodes, as a tree may be deeper than the thread's stack.
+// TreeNode: see TreeNode.h. Walks keep their own stack of nodes, as a tree may be deeper than the
+// thread's stack.
 #include "engine/duplicates/tree/TreeNode.h"
 
 #include <algorithm>
@@ -34,7 +35,8 @@ TreeNode::Pointer TreeNode::treeNodeWithData(std::shared_ptr<TreeNodeData> data)
     return std::make_shared<TreeNode>(std::move(data), nullptr, std::vector<Pointer>{});
 }
 
-TreeNode::TreeNode(std::shared_ptr<TreeNodeData> data, TreeNode* parent, std::vector<Pointer> children)
+TreeNode::TreeNode(std::shared_ptr<TreeNodeData> data, TreeNode* parent,
+                   std::vector<Pointer> children)
     : m_nodeParent(parent), m_nodeData(std::move(data)), m_nodeChildren(std::move(children)) {}
 
 TreeNode::~TreeNode() {
@@ -43,7 +45,8 @@ TreeNode::~TreeNode() {
     while (!pending.empty()) {
         const Pointer node = std::move(pending.back());
         pending.pop_back();
-        // The last holder takes the children over first, so that the node's own end finds none and does not nest.
+        // The last holder takes the children over first, so that the node's own end finds none and
+        // does not nest.
         if (node && node.use_count() == 1) node->releaseChildren(pending);
     }
 }
@@ -60,15 +63,18 @@ void TreeNode::setNodeData(std::shared_ptr<TreeNodeData> data) { m_nodeData = st
 
 void TreeNode::insertChild(Pointer child, std::size_t index) {
     assert(child != nullptr);
-    if (index > m_nodeChildren.size()) throw std::out_of_range("the place lies behind the last child");
+    if (index > m_nodeChildren.size())
+        throw std::out_of_range("the place lies behind the last child");
     child->m_nodeParent = this;
-    m_nodeChildren.insert(m_nodeChildren.begin() + static_cast<std::ptrdiff_t>(index), std::move(child));
+    m_nodeChildren.insert(m_nodeChildren.begin() + static_cast<std::ptrdiff_t>(index),
+                          std::move(child));
 }
 
 void TreeNode::removeChild(const TreeNode* child) {
     const auto index = indexOfChild(child);
     if (!index) throw std::out_of_range("the node is no child of this one");
-    const Pointer removed = m_nodeChildren[*index];  // keeps the child alive until the array is in order again
+    const Pointer removed =
+        m_nodeChildren[*index];  // keeps the child alive until the array is in order again
     std::erase(m_nodeChildren, removed);
     removed->m_nodeParent = nullptr;
 }
@@ -80,7 +86,8 @@ void TreeNode::_removeChildrenIdenticalTo(std::span<const Pointer> nodes) {
         node->m_nodeParent = nullptr;
         removed.insert(node.get());
     }
-    // Out of the array first and ended last, as the end of a node may lead anywhere. Nothing touches the children that stay.
+    // Out of the array first and ended last, as the end of a node may lead anywhere. Nothing
+    // touches the children that stay.
     std::vector<Pointer> gone;
     auto kept = m_nodeChildren.begin();
     for (Pointer& child : m_nodeChildren) {
@@ -109,7 +116,9 @@ std::optional<std::size_t> TreeNode::indexOfChildIdenticalTo(const TreeNode* chi
     return indexOfChild(child);
 }
 
-TreeNode::Pointer TreeNode::lastChild() const { return m_nodeChildren.empty() ? nullptr : m_nodeChildren.back(); }
+TreeNode::Pointer TreeNode::lastChild() const {
+    return m_nodeChildren.empty() ? nullptr : m_nodeChildren.back();
+}
 
 bool TreeNode::isDescendantOfNode(const TreeNode* node) const {
     const TreeNode* each = this;
@@ -118,7 +127,8 @@ bool TreeNode::isDescendantOfNode(const TreeNode* node) const {
 }
 
 bool TreeNode::isDescendantOfNodeInArray(std::span<TreeNode* const> nodes) const {
-    return std::any_of(nodes.begin(), nodes.end(), [this](const TreeNode* node) { return isDescendantOfNode(node); });
+    return std::any_of(nodes.begin(), nodes.end(),
+                       [this](const TreeNode* node) { return isDescendantOfNode(node); });
 }
 
 void TreeNode::acendingSortName() { sortAllLevels(SortKey::Name, false); }
@@ -147,7 +157,8 @@ std::weak_ordering TreeNode::compareDateR(const TreeNode& other) const {
     return compareData(*this, other, &TreeNodeData::compareDateR);
 }
 
-// What the levels of one sort share, so that a tree of many small groups does not ask for memory at each.
+// What the levels of one sort share, so that a tree of many small groups does not ask for memory at
+// each.
 struct TreeNode::SortRoom {
     struct Entry {
         SortValue value;
@@ -163,8 +174,8 @@ void TreeNode::sortAllLevels(SortKey key, bool descending) {
     std::vector<TreeNode*> level{this};
     std::vector<TreeNode*> below;
     for (; !level.empty(); level.swap(below)) {
-        // In the order in which they lie in memory: once a tree is sorted, its own order leads all over it. The levels do not
-        // depend on each other.
+        // In the order in which they lie in memory: once a tree is sorted, its own order leads all
+        // over it. The levels do not depend on each other.
         std::sort(level.begin(), level.end(), std::less<>());
         below.clear();
         for (TreeNode* const node : level) {
@@ -181,8 +192,8 @@ void TreeNode::sortLevel(std::span<TreeNode* const> nodes, SortKey key, bool des
 }
 
 void TreeNode::sortChildren(SortKey key, bool descending, SortRoom& room) {
-    // A node without the key is equal to every other, which is no order that a sort could follow; so such nodes keep
-    // their places, and only the rest is sorted, into the places that it had.
+    // A node without the key is equal to every other, which is no order that a sort could follow;
+    // so such nodes keep their places, and only the rest is sorted, into the places that it had.
     room.entries.clear();
     room.places.clear();
     // A sorted tree lies all over the memory; what is read next is asked for in advance.
@@ -191,7 +202,8 @@ void TreeNode::sortChildren(SortKey key, bool descending, SortRoom& room) {
     const std::size_t count = m_nodeChildren.size();
     for (std::size_t i = 0; i < count; ++i) {
         if (i + nodeAhead < count) __builtin_prefetch(m_nodeChildren[i + nodeAhead].get());
-        if (i + dataAhead < count) __builtin_prefetch(m_nodeChildren[i + dataAhead]->m_nodeData.get());
+        if (i + dataAhead < count)
+            __builtin_prefetch(m_nodeChildren[i + dataAhead]->m_nodeData.get());
         const TreeNodeData* const data = m_nodeChildren[i]->m_nodeData.get();
         const auto value = data != nullptr ? data->sortValue(key) : std::nullopt;
         if (!value) continue;
@@ -206,13 +218,16 @@ void TreeNode::sortChildren(SortKey key, bool descending, SortRoom& room) {
     if (std::is_sorted(room.entries.begin(), room.entries.end(), before)) return;
     std::sort(room.entries.begin(), room.entries.end(), before);
     room.sorted.clear();
-    for (const SortRoom::Entry& entry : room.entries) room.sorted.push_back(std::move(m_nodeChildren[entry.place]));
-    for (std::size_t i = 0; i < room.places.size(); ++i) m_nodeChildren[room.places[i]] = std::move(room.sorted[i]);
+    for (const SortRoom::Entry& entry : room.entries)
+        room.sorted.push_back(std::move(m_nodeChildren[entry.place]));
+    for (std::size_t i = 0; i < room.places.size(); ++i)
+        m_nodeChildren[room.places[i]] = std::move(room.sorted[i]);
 }
 
-std::vector<TreeNode*> TreeNode::minimumNodeCoverFromNodesInArray(std::span<TreeNode* const> nodes) {
-    // The way up from a node always ends at its root, so the cover is the set of roots. Each node on a way is climbed
-    // from once; a later way stops where it meets an earlier one.
+std::vector<TreeNode*> TreeNode::minimumNodeCoverFromNodesInArray(
+    std::span<TreeNode* const> nodes) {
+    // The way up from a node always ends at its root, so the cover is the set of roots. Each node
+    // on a way is climbed from once; a later way stops where it meets an earlier one.
     std::vector<TreeNode*> cover;
     std::unordered_set<const TreeNode*> climbed;
     for (TreeNode* node : nodes) {

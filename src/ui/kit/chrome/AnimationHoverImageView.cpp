@@ -1,5 +1,5 @@
-// AnimationHoverImageView: see AnimationHoverImageView.h. A fade starts from whatever is on the screen, so that a pointer that
-// passes quickly causes no jump.
+// AnimationHoverImageView: see AnimationHoverImageView.h. A fade starts from whatever is on the
+// screen, so that a pointer that passes quickly causes no jump.
 #include "ui/kit/chrome/AnimationHoverImageView.h"
 
 #include <QEvent>
@@ -12,7 +12,8 @@
 namespace orrinvale {
 namespace {
 
-// Between the picture and the ring of focus or of a drop, and the ring's rounding, which goes along with the pictures'.
+// Between the picture and the ring of focus or of a drop, and the ring's rounding, which goes along
+// with the pictures'.
 constexpr int ringMargin = Theme::gapSmall - 2;
 constexpr qreal ringRadius = 22;
 
@@ -32,12 +33,14 @@ AnimationHoverImageView::AnimationHoverImageView(QWidget* parent) : DrawnButton(
     });
 }
 
-void AnimationHoverImageView::setImages(const QString& normal, const QString& hover, const QString& pressed) {
+void AnimationHoverImageView::setImages(const QString& normal, const QString& hover,
+                                        const QString& pressed) {
     if (const QSize size = pictureSize(normal); !size.isEmpty()) setIconSize(size);
     setImages(picture(normal), picture(hover), picture(pressed));
 }
 
-void AnimationHoverImageView::setImages(const QIcon& normal, const QIcon& hover, const QIcon& pressed) {
+void AnimationHoverImageView::setImages(const QIcon& normal, const QIcon& hover,
+                                        const QIcon& pressed) {
     m_normal = normal;
     m_hover = hover;
     m_pressed = pressed;
@@ -66,7 +69,9 @@ ButtonLook AnimationHoverImageView::dueLook() const {
 
 QPixmap AnimationHoverImageView::pixmapFor(ButtonLook look) const {
     const qreal scale = devicePixelRatioF();
-    const QIcon& icon = look == ButtonLook::Hover ? m_hover : look == ButtonLook::Pressed ? m_pressed : m_normal;
+    const QIcon& icon = look == ButtonLook::Hover     ? m_hover
+                        : look == ButtonLook::Pressed ? m_pressed
+                                                      : m_normal;
     QPixmap out(iconSize() * scale);
     out.setDevicePixelRatio(scale);
     out.fill(Qt::transparent);
@@ -84,7 +89,8 @@ QPixmap AnimationHoverImageView::shownPixmap() const {
     out.setDevicePixelRatio(after.devicePixelRatio());
     out.fill(Qt::transparent);
     QPainter painter(&out);
-    // Weighted sums: drawn over each other, two half transparent pictures would let the background shine through.
+    // Weighted sums: drawn over each other, two half transparent pictures would let the background
+    // shine through.
     painter.setCompositionMode(QPainter::CompositionMode_Plus);
     painter.setOpacity(1 - progress);
     painter.drawPixmap(QRect(QPoint(), iconSize()), m_before);
@@ -107,18 +113,21 @@ void AnimationHoverImageView::followLook() {
 }
 
 void AnimationHoverImageView::paintEvent(QPaintEvent*) {
-    // Pressing and releasing have no event of their own that comes after the state has changed, but they repaint.
+    // Pressing and releasing have no event of their own that comes after the state has changed, but
+    // they repaint.
     followLook();
     QPainter painter(this);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-    // Where words need the room of a low window, the picture becomes smaller rather than lose its edges.
+    // Where words need the room of a low window, the picture becomes smaller rather than lose its
+    // edges.
     const bool fits = iconSize().boundedTo(size()) == iconSize();
     QRect place(QPoint(), fits ? iconSize() : iconSize().scaled(size(), Qt::KeepAspectRatio));
     place.moveCenter(rect().center());
     painter.drawPixmap(place, shownPixmap());
     if (m_isDropTarget) {
         painter.setPen(QPen(Theme::shared().color(Theme::Color::Accent), 3));
-        painter.drawRoundedRect(QRectF(rect()).adjusted(1.5, 1.5, -1.5, -1.5), ringRadius, ringRadius);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(1.5, 1.5, -1.5, -1.5), ringRadius,
+                                ringRadius);
     } else {
         drawFocus(painter, ringRadius);
     }

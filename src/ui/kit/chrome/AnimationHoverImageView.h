@@ -1,4 +1,5 @@
-// AnimationHoverImageView: the large control of a start page that is one picture, and fades into another under the pointer.
+// AnimationHoverImageView: the large control of a start page that is one picture, and fades into
+// another under the pointer.
 #pragma once
 
 #include <QIcon>
@@ -9,9 +10,10 @@
 
 namespace orrinvale {
 
-/// Three pictures, for rest, hover and press; each change takes fadeMilliseconds, or none at all on a desktop without
-/// animations. clicked() comes from the mouse, the space bar and Enter. What is dropped on it goes to the view behind it, whose
-/// business it is to call setDropTarget() while something hangs over it.
+/// Three pictures, for rest, hover and press; each change takes fadeMilliseconds, or none at all on
+/// a desktop without animations. clicked() comes from the mouse, the space bar and Enter. What is
+/// dropped on it goes to the view behind it, whose business it is to call setDropTarget() while
+/// something hangs over it.
 class AnimationHoverImageView final : public DrawnButton<QAbstractButton> {
     Q_OBJECT
 public:

@@ -1,4 +1,5 @@
-// DrawnButton: what all buttons that draw themselves do alike with the keyboard. Their looks come from buttonLook.h.
+// DrawnButton: what all buttons that draw themselves do alike with the keyboard. Their looks come
+// from buttonLook.h.
 #pragma once
 
 #include <QAbstractButton>
@@ -9,7 +10,8 @@
 
 namespace orrinvale {
 
-/// A button of the toolkit that follows the theme, is clicked by Enter too, and has a ring once the keyboard brings it the focus.
+/// A button of the toolkit that follows the theme, is clicked by Enter too, and has a ring once the
+/// keyboard brings it the focus.
 template <class Button> class DrawnButton : public Button {
 protected:
     explicit DrawnButton(QWidget* parent) : Button(parent) { followTheme(*this); }

@@ -24,7 +24,8 @@ HoverButton::HoverButton(QWidget* parent) : DrawnButton(parent) {
 
 QSize HoverButton::contentSize() const {
     const QSize picture = icon().isNull() ? QSize(0, 0) : iconSize();
-    const QSize words = text().isEmpty() ? QSize(0, 0) : fontMetrics().size(Qt::TextShowMnemonic, text());
+    const QSize words =
+        text().isEmpty() ? QSize(0, 0) : fontMetrics().size(Qt::TextShowMnemonic, text());
     const int gap = picture.isEmpty() || words.isEmpty() ? 0 : iconGap;
     return {picture.width() + gap + words.width(), std::max(picture.height(), words.height())};
 }
@@ -54,13 +55,16 @@ void HoverButton::paintEvent(QPaintEvent*) {
     place.moveCenter(rect().center());
     if (!icon().isNull()) {
         drawPicture(painter, icon(),
-                    QRect(place.x(), (height() - iconSize().height()) / 2, iconSize().width(), iconSize().height()),
+                    QRect(place.x(), (height() - iconSize().height()) / 2, iconSize().width(),
+                          iconSize().height()),
                     isEnabled() ? PictureTint() : faintPicture);
         place.setLeft(place.left() + iconSize().width() + iconGap);
     }
-    painter.setPen(Theme::shared().color(isEnabled() ? Theme::Color::Text : Theme::Color::TextDisabled));
+    painter.setPen(
+        Theme::shared().color(isEnabled() ? Theme::Color::Text : Theme::Color::TextDisabled));
     painter.drawText(QRect(place.x(), 0, place.width() + 1, height()),
-                     Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine | Qt::TextShowMnemonic, text());
+                     Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine | Qt::TextShowMnemonic,
+                     text());
     drawFocus(painter, Theme::radiusSmall + 2);
 }
 

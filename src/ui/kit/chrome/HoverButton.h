@@ -5,8 +5,8 @@
 
 namespace orrinvale {
 
-/// Shows an icon, a text, or both, beside each other. Space and Enter click it. When it is checkable, its state on keeps a
-/// tinted frame.
+/// Shows an icon, a text, or both, beside each other. Space and Enter click it. When it is
+/// checkable, its state on keeps a tinted frame.
 class HoverButton final : public DrawnButton<QAbstractButton> {
     Q_OBJECT
 public:

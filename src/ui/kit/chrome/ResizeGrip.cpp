@@ -1,4 +1,5 @@
-// ResizeGrip: see ResizeGrip.h. TCImageWindow has eight of them above everything else; WindowDrag does the resizing.
+// ResizeGrip: see ResizeGrip.h. TCImageWindow has eight of them above everything else; WindowDrag
+// does the resizing.
 #include "ui/kit/chrome/ResizeGrip.h"
 
 #include <QMouseEvent>
@@ -18,7 +19,8 @@ bool isCorner(Qt::Edges edges) {
 }
 
 Qt::CursorShape cursorFor(Qt::Edges edges) {
-    if (edges == (Qt::LeftEdge | Qt::TopEdge) || edges == (Qt::RightEdge | Qt::BottomEdge)) return Qt::SizeFDiagCursor;
+    if (edges == (Qt::LeftEdge | Qt::TopEdge) || edges == (Qt::RightEdge | Qt::BottomEdge))
+        return Qt::SizeFDiagCursor;
     if (isCorner(edges)) return Qt::SizeBDiagCursor;
     return edges & (Qt::LeftEdge | Qt::RightEdge) ? Qt::SizeHorCursor : Qt::SizeVerCursor;
 }
@@ -53,9 +55,11 @@ void ResizeGrip::place(const QRect& frame, int outside, int inside) {
     setGeometry(across.start, down.start, across.end - across.start, down.end - down.start);
     if (!isCorner(m_edges) || outside != 0) clearMask();
     else {
-        // Without a shadow a corner lies on the contents: an angle takes less of them than a square.
+        // Without a shadow a corner lies on the contents: an angle takes less of them than a
+        // square.
         const bool isLeft = m_edges.testFlag(Qt::LeftEdge), isTop = m_edges.testFlag(Qt::TopEdge);
-        const QRegion free(isLeft ? inside : 0, isTop ? inside : 0, width() - inside, height() - inside);
+        const QRegion free(isLeft ? inside : 0, isTop ? inside : 0, width() - inside,
+                           height() - inside);
         setMask(QRegion(rect()) - free);
     }
 }
@@ -79,7 +83,9 @@ void ResizeGrip::mousePressEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton) m_drag.begin(m_edges, event->globalPosition().toPoint());
 }
 
-void ResizeGrip::mouseMoveEvent(QMouseEvent* event) { m_drag.moveTo(event->globalPosition().toPoint()); }
+void ResizeGrip::mouseMoveEvent(QMouseEvent* event) {
+    m_drag.moveTo(event->globalPosition().toPoint());
+}
 
 void ResizeGrip::mouseReleaseEvent(QMouseEvent*) { m_drag.end(); }
 

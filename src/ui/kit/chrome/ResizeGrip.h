@@ -1,4 +1,5 @@
-// ResizeGrip: the strip along an edge, or the square at a corner, by which the pointer resizes a window without a system frame.
+// ResizeGrip: the strip along an edge, or the square at a corner, by which the pointer resizes a
+// window without a system frame.
 #pragma once
 
 #include <QWidget>
@@ -18,7 +19,8 @@ public:
     /// Takes its place around `frame`: from `outside` points beyond it to `inside` points within.
     void place(const QRect& frame, int outside, int inside);
 
-    /// Whether it draws a hairline along the window's edge, which a window with a shadow does not need.
+    /// Whether it draws a hairline along the window's edge, which a window with a shadow does not
+    /// need.
     void setLined(bool isLined);
 
 protected:

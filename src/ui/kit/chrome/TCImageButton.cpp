@@ -1,4 +1,5 @@
-// TCImageButton: see TCImageButton.h. Its looks come from buttonLook.h, its pictures from picture.h.
+// TCImageButton: see TCImageButton.h. Its looks come from buttonLook.h, its pictures from
+// picture.h.
 #include "ui/kit/chrome/TCImageButton.h"
 
 #include <QEvent>
@@ -15,13 +16,16 @@ namespace {
 // Room around the picture for the tint and the focus ring.
 constexpr int padding = Theme::gapTiny;
 
-QIcon pictureIfKnown(const QString& name) { return pictureNames().contains(name) ? picture(name) : QIcon(); }
+QIcon pictureIfKnown(const QString& name) {
+    return pictureNames().contains(name) ? picture(name) : QIcon();
+}
 
 }  // namespace
 
 ButtonPictures ButtonPictures::named(const QString& name) {
     return {picture(name), pictureIfKnown(name + QLatin1String("_hover")),
-            pictureIfKnown(name + QLatin1String("_press")), pictureIfKnown(name + QLatin1String("_disable"))};
+            pictureIfKnown(name + QLatin1String("_press")),
+            pictureIfKnown(name + QLatin1String("_disable"))};
 }
 
 const QIcon& ButtonPictures::forLook(ButtonLook look) const {
@@ -42,7 +46,9 @@ void TCImageButton::setImage(const QString& name) {
     setPictures(ButtonPictures::named(name));
 }
 
-void TCImageButton::setAlternateImage(const QString& name) { setAlternatePictures(ButtonPictures::named(name)); }
+void TCImageButton::setAlternateImage(const QString& name) {
+    setAlternatePictures(ButtonPictures::named(name));
+}
 
 void TCImageButton::setPictures(ButtonPictures pictures) {
     m_pictures = std::move(pictures);
@@ -55,7 +61,9 @@ void TCImageButton::setAlternatePictures(ButtonPictures pictures) {
     update();
 }
 
-QSize TCImageButton::sizeHint() const { return iconSize().grownBy({padding, padding, padding, padding}); }
+QSize TCImageButton::sizeHint() const {
+    return iconSize().grownBy({padding, padding, padding, padding});
+}
 
 const ButtonPictures& TCImageButton::pictures() const {
     return isChecked() && !m_alternatePictures.normal.isNull() ? m_alternatePictures : m_pictures;
@@ -67,7 +75,8 @@ void TCImageButton::paintEvent(QPaintEvent*) {
     const ButtonLook look = buttonLook(*this);
     const ButtonPictures& shown = pictures();
     const QIcon& icon = shown.forLook(look);
-    const bool isOwnPicture = look == ButtonLook::Normal || icon.cacheKey() != shown.normal.cacheKey();
+    const bool isOwnPicture =
+        look == ButtonLook::Normal || icon.cacheKey() != shown.normal.cacheKey();
     const bool isOnByTint = isChecked() && m_alternatePictures.normal.isNull();
     const auto tint = [&](Theme::Color role) {
         painter.setPen(Qt::NoPen);

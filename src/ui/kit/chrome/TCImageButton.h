@@ -8,22 +8,25 @@
 
 namespace orrinvale {
 
-/// One picture for each look of a button. Only the first is needed: a missing hover or pressed picture is the normal one with a
-/// tint behind it, a missing disabled one is the normal one made faint.
+/// One picture for each look of a button. Only the first is needed: a missing hover or pressed
+/// picture is the normal one with a tint behind it, a missing disabled one is the normal one made
+/// faint.
 struct ButtonPictures {
     QIcon normal;
     QIcon hover;
     QIcon pressed;
     QIcon disabled;
 
-    /// The picture of that name with its companions "_hover", "_press" and "_disable", as far as they exist.
+    /// The picture of that name with its companions "_hover", "_press" and "_disable", as far as
+    /// they exist.
     [[nodiscard]] static ButtonPictures named(const QString& name);
 
     [[nodiscard]] const QIcon& forLook(ButtonLook look) const;
 };
 
-/// Draws its picture in the middle, at iconSize(). Space and Enter click it. When it is checkable it may have a second set of
-/// pictures for its state on. The accessible name is, until one is set, the tool tip, since there is no text to read.
+/// Draws its picture in the middle, at iconSize(). Space and Enter click it. When it is checkable
+/// it may have a second set of pictures for its state on. The accessible name is, until one is set,
+/// the tool tip, since there is no text to read.
 class TCImageButton final : public DrawnButton<QAbstractButton> {
     Q_OBJECT
 public:

@@ -1,4 +1,5 @@
-// TCImageWindow: see TCImageWindow.h. Two rectangles everywhere: the frame that the user sees, and the widget with the shadow.
+// TCImageWindow: see TCImageWindow.h. Two rectangles everywhere: the frame that the user sees, and
+// the widget with the shadow.
 #include "ui/kit/chrome/TCImageWindow.h"
 
 #include <QCloseEvent>
@@ -23,14 +24,17 @@
 namespace orrinvale {
 namespace {
 
-constexpr Qt::WindowFlags ownFrame = Qt::Window | Qt::FramelessWindowHint | Qt::WindowSystemMenuHint |
-                                     Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint;
+constexpr Qt::WindowFlags ownFrame = Qt::Window | Qt::FramelessWindowHint |
+                                     Qt::WindowSystemMenuHint | Qt::WindowMinMaxButtonsHint |
+                                     Qt::WindowCloseButtonHint;
 constexpr Qt::WindowFlags systemFrame = Qt::Window;
 
-// How far the grips reach into the window: hardly where the shadow offers room, enough to be hit where it does not.
+// How far the grips reach into the window: hardly where the shadow offers room, enough to be hit
+// where it does not.
 constexpr int gripWithShadow = 2;
 constexpr int gripWithout = 5;
-// A frame with more than this at its top has a title bar in it; some managers keep a border of a point around any window.
+// A frame with more than this at its top has a title bar in it; some managers keep a border of a
+// point around any window.
 constexpr int tallestBorder = 8;
 
 }  // namespace
@@ -38,11 +42,16 @@ constexpr int tallestBorder = 8;
 TCImageWindow::TCImageWindow(QWidget* parent)
     : QWidget(parent, ownFrame),
       m_kind(chooseFrame(desktopFacts())),
-      m_drag(*this, [this] { QMetaObject::invokeMethod(this, &TCImageWindow::useSystemFrame, Qt::QueuedConnection); }),
+      m_drag(*this,
+             [this] {
+                 QMetaObject::invokeMethod(this, &TCImageWindow::useSystemFrame,
+                                           Qt::QueuedConnection);
+             }),
       m_titleBar(new TitleBarView(m_drag, this)),
       m_minSize(160, m_titleBarHeight) {
     setAccessibleTraits(*this, {.role = QAccessible::Window});
-    // Asked for before the native window exists, whatever the desktop blends today: a compositor may start later.
+    // Asked for before the native window exists, whatever the desktop blends today: a compositor
+    // may start later.
     setAttribute(Qt::WA_TranslucentBackground);
     makeFrame();
     applyKind(m_kind);
@@ -98,7 +107,9 @@ void TCImageWindow::setContentView(QWidget* view) {
     layOut();
 }
 
-void TCImageWindow::setContentSize(QSize size) { setFrame({frame().topLeft(), size + QSize(0, m_titleBarHeight)}); }
+void TCImageWindow::setContentSize(QSize size) {
+    setFrame({frame().topLeft(), size + QSize(0, m_titleBarHeight)});
+}
 
 void TCImageWindow::setMinSize(QSize size) {
     m_minSize = size;
@@ -114,7 +125,8 @@ void TCImageWindow::applyBounds() {
     const QMargins margins = shadowMargins();
     setMinimumSize(m_minSize.grownBy(margins));
     // A frame that the desktop maximises may be larger until boundMaximised() has seen to it.
-    setMaximumSize(m_maxSize.expandedTo(m_minSize).grownBy(margins).boundedTo({QWIDGETSIZE_MAX, QWIDGETSIZE_MAX}));
+    setMaximumSize(m_maxSize.expandedTo(m_minSize).grownBy(margins).boundedTo(
+        {QWIDGETSIZE_MAX, QWIDGETSIZE_MAX}));
     layOut();
 }
 
@@ -139,8 +151,9 @@ void TCImageWindow::center() {
 
 WindowButton* TCImageWindow::standardWindowButton(int index) const {
     const auto& buttons = m_titleBar->buttons();
-    return index >= 0 && index < static_cast<int>(buttons.size()) ? buttons.at(static_cast<std::size_t>(index))
-                                                                  : nullptr;
+    return index >= 0 && index < static_cast<int>(buttons.size())
+               ? buttons.at(static_cast<std::size_t>(index))
+               : nullptr;
 }
 
 void TCImageWindow::performClose() { standardWindowButton(0)->perform(); }
@@ -150,15 +163,19 @@ void TCImageWindow::closeEvent(QCloseEvent* event) {
         QWidget::closeEvent(event);
         return;
     }
-    // The window manager asks. The answer is the button's action, which may close us, and only after this event is over.
+    // The window manager asks. The answer is the button's action, which may close us, and only
+    // after this event is over.
     event->ignore();
     QMetaObject::invokeMethod(this, &TCImageWindow::performClose, Qt::QueuedConnection);
 }
 
-QRect TCImageWindow::zoomTarget() const { return zoomedRect(screen()->availableGeometry(), m_minSize, m_maxSize); }
+QRect TCImageWindow::zoomTarget() const {
+    return zoomedRect(screen()->availableGeometry(), m_minSize, m_maxSize);
+}
 
 bool TCImageWindow::isZoomed() const {
-    return isMaximized() || (m_frameBeforeZoom.has_value() && frame().size() == zoomTarget().size());
+    return isMaximized() ||
+           (m_frameBeforeZoom.has_value() && frame().size() == zoomTarget().size());
 }
 
 void TCImageWindow::zoom() {
@@ -192,13 +209,16 @@ QRect TCImageWindow::normalFrame() const {
     return normal.isEmpty() ? frame() : normal.marginsRemoved({margin, margin, margin, margin});
 }
 
-std::string TCImageWindow::stringWithSavedFrame() const { return SavedFrame{normalFrame(), isZoomed()}.text(); }
+std::string TCImageWindow::stringWithSavedFrame() const {
+    return SavedFrame{normalFrame(), isZoomed()}.text();
+}
 
 bool TCImageWindow::setFrameFromString(std::string_view text) {
     const auto saved = SavedFrame::fromText(text);
     if (!saved) return false;
     QList<QRect> screens{QGuiApplication::primaryScreen()->availableGeometry()};
-    for (const QScreen* const each : QGuiApplication::screens()) screens.append(each->availableGeometry());
+    for (const QScreen* const each : QGuiApplication::screens())
+        screens.append(each->availableGeometry());
     if (isZoomed()) zoom();
     setFrame(rectInView(saved->frame, screens, m_minSize));
     if (saved->isZoomed) zoom();
@@ -255,7 +275,8 @@ void TCImageWindow::layOut() {
 void TCImageWindow::layOutFrame(const QRect& frame) {
     const bool hasShadow = !shadowMargins().isNull();
     std::size_t index = 0;
-    for (const auto corner : {Qt::TopLeftCorner, Qt::TopRightCorner, Qt::BottomLeftCorner, Qt::BottomRightCorner}) {
+    for (const auto corner :
+         {Qt::TopLeftCorner, Qt::TopRightCorner, Qt::BottomLeftCorner, Qt::BottomRightCorner}) {
         WindowCorner* const cover = m_corners.at(index++);
         cover->place(frame, corner);
         cover->setVisible(hasShadow);
@@ -270,7 +291,8 @@ void TCImageWindow::layOutFrame(const QRect& frame) {
         grip->place(frame, hasShadow ? shadowMargin : 0, hasShadow ? gripWithShadow : gripWithout);
         grip->setLined(!hasShadow);
         grip->setVisible(isLoose);
-        grip->setAttribute(Qt::WA_TransparentForMouseEvents, (pullsAcross && !widens) || (pullsDown && !heightens));
+        grip->setAttribute(Qt::WA_TransparentForMouseEvents,
+                           (pullsAcross && !widens) || (pullsDown && !heightens));
         grip->raise();
     }
 }
@@ -279,10 +301,12 @@ QList<QWidget*> TCImageWindow::focusOrder() const {
     QList<QWidget*> out;
     const auto& buttons = m_titleBar->buttons();
     const auto takesFocus = [](const QWidget* each) {
-        return (each->focusPolicy() & Qt::TabFocus) == Qt::TabFocus && each->isVisible() && each->isEnabled();
+        return (each->focusPolicy() & Qt::TabFocus) == Qt::TabFocus && each->isVisible() &&
+               each->isEnabled();
     };
     for (QWidget* each = nextInFocusChain(); each != this; each = each->nextInFocusChain())
-        if (!each->isWindow() && takesFocus(each) && std::find(buttons.begin(), buttons.end(), each) == buttons.end())
+        if (!each->isWindow() && takesFocus(each) &&
+            std::find(buttons.begin(), buttons.end(), each) == buttons.end())
             out.append(each);
     std::stable_partition(out.begin(), out.end(), [this](const QWidget* each) {
         return m_content != nullptr && m_content->isAncestorOf(each);
@@ -303,7 +327,8 @@ bool TCImageWindow::focusNextPrevChild(bool next) {
     }
     const qsizetype now = order.indexOf(focusWidget());
     const qsizetype count = order.size();
-    const qsizetype then = now < 0 ? (next ? 0 : count - 1) : (now + (next ? 1 : count - 1)) % count;
+    const qsizetype then =
+        now < 0 ? (next ? 0 : count - 1) : (now + (next ? 1 : count - 1)) % count;
     order.at(then)->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
     return true;
 }
@@ -329,7 +354,8 @@ void TCImageWindow::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::WindowStateChange) {
         applyBounds();
-        if (isMaximized()) QMetaObject::invokeMethod(this, &TCImageWindow::boundMaximised, Qt::QueuedConnection);
+        if (isMaximized())
+            QMetaObject::invokeMethod(this, &TCImageWindow::boundMaximised, Qt::QueuedConnection);
     } else if (event->type() == QEvent::ActivationChange) {
         for (WindowCorner* const corner : m_corners) corner->setActive(isActiveWindow());
         m_titleBar->update();
@@ -339,12 +365,14 @@ void TCImageWindow::changeEvent(QEvent* event) {
 
 bool TCImageWindow::isFramedAllTheSame() const {
     const QWindow* const handle = windowHandle();
-    return m_kind != FrameKind::System && handle != nullptr && handle->frameMargins().top() > tallestBorder;
+    return m_kind != FrameKind::System && handle != nullptr &&
+           handle->frameMargins().top() > tallestBorder;
 }
 
 bool TCImageWindow::event(QEvent* event) {
     const bool out = QWidget::event(event);
-    // The toolkit would give the first focus to the first that was made, the button that closes the window.
+    // The toolkit would give the first focus to the first that was made, the button that closes the
+    // window.
     if (event->type() == QEvent::WindowActivate && focusWidget() == nullptr)
         if (const auto order = focusOrder(); !order.isEmpty()) {
             order.first()->setFocus(Qt::ActiveWindowFocusReason);
@@ -352,7 +380,8 @@ bool TCImageWindow::event(QEvent* event) {
         }
     if (event->type() == QEvent::WindowActivate || event->type() == QEvent::Resize) {
         // Later, since it may make the native window anew.
-        if (isFramedAllTheSame()) QMetaObject::invokeMethod(this, &TCImageWindow::useSystemFrame, Qt::QueuedConnection);
+        if (isFramedAllTheSame())
+            QMetaObject::invokeMethod(this, &TCImageWindow::useSystemFrame, Qt::QueuedConnection);
         else if (event->type() == QEvent::WindowActivate) followDesktop();
     }
     return out;

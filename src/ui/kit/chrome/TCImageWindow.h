@@ -1,5 +1,5 @@
-// TCImageWindow: the window of the program, with a title bar of its own. The pieces: TitleBarView, ResizeGrip, WindowDrag,
-// WindowShadow, frameGeometry; desktopFrame decides who draws the frame.
+// TCImageWindow: the window of the program, with a title bar of its own. The pieces: TitleBarView,
+// ResizeGrip, WindowDrag, WindowShadow, frameGeometry; desktopFrame decides who draws the frame.
 #pragma once
 
 #include <QList>
@@ -24,9 +24,10 @@ class TitleBarView;
 class WindowButton;
 class WindowCorner;
 
-/// Sizes and frames here are those that the user sees: with the title bar, without the shadow. The widget itself is larger by
-/// shadowMargins(). Where the desktop insists on its own frame (see chooseFrame) that one stands around the title bar, which
-/// then has no buttons; everything else works alike. Main thread only.
+/// Sizes and frames here are those that the user sees: with the title bar, without the shadow. The
+/// widget itself is larger by shadowMargins(). Where the desktop insists on its own frame (see
+/// chooseFrame) that one stands around the title bar, which then has no buttons; everything else
+/// works alike. Main thread only.
 class TCImageWindow final : public QWidget, public SheetHost {
     Q_OBJECT
 public:
@@ -40,7 +41,8 @@ public:
     void setTopButtonShift(int shift);
     void setLeftMargin(int margin);
     void setHeaderImage(const QString& name);
-    /// What a double click on the title bar does in this window, in place of what the desktop's setting says.
+    /// What a double click on the title bar does in this window, in place of what the desktop's
+    /// setting says.
     void setDoubleClickAction(DoubleClick action) { m_doubleClick = action; }
 
     /// The area below the title bar. The window takes the view over, and deletes the one before.
@@ -58,8 +60,9 @@ public:
     /// To the middle of the screen that it is on. On Wayland the compositor places windows.
     void center();
 
-    /// 0 closes, 1 minimises, 2 zooms; null for other numbers. An action that is set on the first takes part wherever the user
-    /// asks to close: by the button, by the keys, by the window manager.
+    /// 0 closes, 1 minimises, 2 zooms; null for other numbers. An action that is set on the first
+    /// takes part wherever the user asks to close: by the button, by the keys, by the window
+    /// manager.
     [[nodiscard]] WindowButton* standardWindowButton(int index) const;
 
     /// As the close button: runs its action, which closes the window if nobody has set another.
@@ -69,8 +72,8 @@ public:
     void zoom();
     [[nodiscard]] bool isZoomed() const;
 
-    /// The frame as text, to be kept between two runs, and back. A frame that lies off the screens of today is brought into
-    /// view. False for a text that is none, which changes nothing.
+    /// The frame as text, to be kept between two runs, and back. A frame that lies off the screens
+    /// of today is brought into view. False for a text that is none, which changes nothing.
     [[nodiscard]] std::string stringWithSavedFrame() const;
     bool setFrameFromString(std::string_view text);
 
@@ -100,7 +103,8 @@ private:
     void applyBounds();
     void layOut();
     void layOutFrame(const QRect& frame);
-    /// What the Tab key goes through: the contents first, then the title bar, the window buttons last.
+    /// What the Tab key goes through: the contents first, then the title bar, the window buttons
+    /// last.
     [[nodiscard]] QList<QWidget*> focusOrder() const;
     void boundMaximised();
     [[nodiscard]] QRect zoomTarget() const;

@@ -17,7 +17,8 @@ using Color = Theme::Color;
 
 constexpr int leastWidth = 84;  // short words make buttons of one width
 constexpr int iconGap = Theme::gapSmall - 2;
-// The focus ring stands outside of the fill, in a margin that is always there, so that nothing moves when it comes.
+// The focus ring stands outside of the fill, in a margin that is always there, so that nothing
+// moves when it comes.
 constexpr int ringMargin = 3;
 
 QColor fillColor(TextImageButton::Role role, ButtonLook look) {
@@ -40,7 +41,8 @@ QColor fillColor(TextImageButton::Role role, ButtonLook look) {
 
 }  // namespace
 
-TextImageButton::TextImageButton(const QString& text, Role role, QWidget* parent) : DrawnButton(parent), m_role(role) {
+TextImageButton::TextImageButton(const QString& text, Role role, QWidget* parent)
+    : DrawnButton(parent), m_role(role) {
     setText(text);
     setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
     const auto takeFont = [this] { setFont(Theme::shared().font(Theme::Text::BodyStrong)); };
@@ -60,7 +62,8 @@ int TextImageButton::widthAround(int textWidth) const {
 
 QSize TextImageButton::sizeHint() const {
     const int textWidth = fontMetrics().size(Qt::TextShowMnemonic, text()).width();
-    return {std::max(widthAround(textWidth), leastWidth + 2 * ringMargin), Theme::controlHeight + 2 * ringMargin};
+    return {std::max(widthAround(textWidth), leastWidth + 2 * ringMargin),
+            Theme::controlHeight + 2 * ringMargin};
 }
 
 QSize TextImageButton::minimumSizeHint() const {
@@ -79,8 +82,8 @@ void TextImageButton::drawBackground(QPainter& painter) const {
         const qreal width = isMarked ? 1.5 : 1;
         painter.setBrush(Qt::NoBrush);
         painter.setPen(QPen(Theme::shared().color(isMarked ? Color::Accent : Color::Line), width));
-        painter.drawRoundedRect(fill.adjusted(width / 2, width / 2, -width / 2, -width / 2), Theme::radius - width / 2,
-                                Theme::radius - width / 2);
+        painter.drawRoundedRect(fill.adjusted(width / 2, width / 2, -width / 2, -width / 2),
+                                Theme::radius - width / 2, Theme::radius - width / 2);
     }
 }
 
@@ -99,7 +102,8 @@ void TextImageButton::drawContents(QPainter& painter) const {
     const bool isOnColour = (m_role == Role::Primary || m_role == Role::Danger) && isEnabled();
     painter.setPen(Theme::shared().color(textColor()));
     const int room = width() - widthAround(0);
-    const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, std::max(room, 0), Qt::TextShowMnemonic);
+    const QString shown =
+        fontMetrics().elidedText(text(), Qt::ElideRight, std::max(room, 0), Qt::TextShowMnemonic);
     const int textWidth = fontMetrics().size(Qt::TextShowMnemonic, shown).width();
     int x = (width() - widthAround(textWidth)) / 2 + Theme::gapLarge + ringMargin;
     if (!icon().isNull()) {

@@ -1,4 +1,5 @@
-// TextImageButton: a push button with a text on a drawn background: Stop, Delete, and the buttons of dialogs.
+// TextImageButton: a push button with a text on a drawn background: Stop, Delete, and the buttons
+// of dialogs.
 #pragma once
 
 #include <QPushButton>
@@ -8,8 +9,9 @@
 
 namespace orrinvale {
 
-/// A QPushButton, so a dialog may make it its default one, which the Enter key presses. The icon, where there is one, stands
-/// before the text. A text that has no room is cut at its end and shown whole as a tool tip.
+/// A QPushButton, so a dialog may make it its default one, which the Enter key presses. The icon,
+/// where there is one, stands before the text. A text that has no room is cut at its end and shown
+/// whole as a tool tip.
 class TextImageButton final : public DrawnButton<QPushButton> {
     Q_OBJECT
 public:
@@ -20,8 +22,10 @@ public:
         Link      ///< leads elsewhere, and has its text alone
     };
 
-    explicit TextImageButton(QWidget* parent = nullptr) : TextImageButton({}, Role::Plain, parent) {}
-    explicit TextImageButton(const QString& text, Role role = Role::Plain, QWidget* parent = nullptr);
+    explicit TextImageButton(QWidget* parent = nullptr)
+        : TextImageButton({}, Role::Plain, parent) {}
+    explicit TextImageButton(const QString& text, Role role = Role::Plain,
+                             QWidget* parent = nullptr);
 
     [[nodiscard]] Role role() const { return m_role; }
     void setRole(Role role);

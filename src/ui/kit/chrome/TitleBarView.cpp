@@ -1,5 +1,5 @@
-// TitleBarView: see TitleBarView.h. A press becomes a drag only once the pointer has moved: a window manager that has taken over
-// at the press would swallow the double click.
+// TitleBarView: see TitleBarView.h. A press becomes a drag only once the pointer has moved: a
+// window manager that has taken over at the press would swallow the double click.
 #include "ui/kit/chrome/TitleBarView.h"
 
 #include <QApplication>
@@ -48,11 +48,14 @@ void TitleBarView::setHasButtons(bool hasButtons) {
 
 QRect TitleBarView::contentRect() const {
     if (!m_hasButtons) return rect();
-    return rect().adjusted(m_leftMargin + static_cast<int>(m_buttons.size()) * WindowButton::side + Theme::gapSmall, 0,
-                           0, 0);
+    return rect().adjusted(
+        m_leftMargin + static_cast<int>(m_buttons.size()) * WindowButton::side + Theme::gapSmall, 0,
+        0, 0);
 }
 
-void TitleBarView::setDoubleClickAction(std::function<void()> action) { m_doubleClickAction = std::move(action); }
+void TitleBarView::setDoubleClickAction(std::function<void()> action) {
+    m_doubleClickAction = std::move(action);
+}
 
 void TitleBarView::placeChildren() {
     int x = m_leftMargin;
@@ -61,7 +64,8 @@ void TitleBarView::placeChildren() {
         button->setVisible(m_hasButtons);
         x += WindowButton::side;
     }
-    for (ToplineView* const line : findChildren<ToplineView*>(Qt::FindDirectChildrenOnly)) line->setGeometry(rect());
+    for (ToplineView* const line : findChildren<ToplineView*>(Qt::FindDirectChildrenOnly))
+        line->setGeometry(rect());
 }
 
 void TitleBarView::paintEvent(QPaintEvent*) {

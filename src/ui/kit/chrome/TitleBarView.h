@@ -1,4 +1,5 @@
-// TitleBarView: the title bar of a TCImageWindow: header picture, window buttons, and whatever the owner puts on it.
+// TitleBarView: the title bar of a TCImageWindow: header picture, window buttons, and whatever the
+// owner puts on it.
 #pragma once
 
 #include <QPoint>
@@ -14,14 +15,16 @@ namespace orrinvale {
 class WindowButton;
 class WindowDrag;
 
-/// Its empty places move the window and take the double click. Labels on it let the pointer through, buttons do not.
+/// Its empty places move the window and take the double click. Labels on it let the pointer
+/// through, buttons do not.
 class TitleBarView final : public QWidget {
     Q_OBJECT
 public:
     /// `drag` outlives the bar.
     TitleBarView(WindowDrag& drag, QWidget* window);
 
-    /// A picture of the program's collection that fills the bar, behind everything on it. An empty name takes it away.
+    /// A picture of the program's collection that fills the bar, behind everything on it. An empty
+    /// name takes it away.
     void setHeaderImage(const QString& name);
 
     /// Where the window buttons begin: points from the left, and from the top.

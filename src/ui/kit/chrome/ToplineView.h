@@ -5,8 +5,8 @@
 
 namespace orrinvale {
 
-/// Draws a line one point high along its bottom edge, in a light grey, over whatever it shows otherwise. In a title bar it fills
-/// the bar, and the pointer goes through it to the bar.
+/// Draws a line one point high along its bottom edge, in a light grey, over whatever it shows
+/// otherwise. In a title bar it fills the bar, and the pointer goes through it to the bar.
 class ToplineView : public QWidget {
     Q_OBJECT
 public:

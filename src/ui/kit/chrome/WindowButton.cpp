@@ -1,5 +1,5 @@
-// WindowButton: see WindowButton.h. The signs are always there: ones that come only under the pointer leave three dots without
-// a label.
+// WindowButton: see WindowButton.h. The signs are always there: ones that come only under the
+// pointer leave three dots without a label.
 #include "ui/kit/chrome/WindowButton.h"
 
 #include <QPainter>
@@ -22,11 +22,14 @@ QString nameOf(WindowButton::Kind kind, bool restores) {
 
 ButtonPictures picturesOf(WindowButton::Kind kind, bool restores) {
     switch (kind) {
-        case WindowButton::Kind::Close: return ButtonPictures::named(QStringLiteral("window_close"));
-        case WindowButton::Kind::Miniaturize: return ButtonPictures::named(QStringLiteral("window_minimise"));
+        case WindowButton::Kind::Close:
+            return ButtonPictures::named(QStringLiteral("window_close"));
+        case WindowButton::Kind::Miniaturize:
+            return ButtonPictures::named(QStringLiteral("window_minimise"));
         case WindowButton::Kind::Zoom: break;
     }
-    return ButtonPictures::named(restores ? QStringLiteral("window_restore") : QStringLiteral("window_zoom"));
+    return ButtonPictures::named(restores ? QStringLiteral("window_restore")
+                                          : QStringLiteral("window_zoom"));
 }
 
 }  // namespace

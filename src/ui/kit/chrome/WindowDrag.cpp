@@ -35,8 +35,8 @@ void WindowDrag::moveTo(QPoint pointer) {
     const QPoint delta = pointer - m_startPointer;
     if (!m_edges) m_window.move(m_startGeometry.topLeft() + delta);
     else
-        m_window.setGeometry(
-            pulledRect(m_startGeometry, m_edges, delta, m_window.minimumSize(), m_window.maximumSize()));
+        m_window.setGeometry(pulledRect(m_startGeometry, m_edges, delta, m_window.minimumSize(),
+                                        m_window.maximumSize()));
 }
 
 }  // namespace orrinvale

@@ -1,4 +1,5 @@
-// WindowDrag: moves and resizes a window along with the pointer, by the window manager where he does that.
+// WindowDrag: moves and resizes a window along with the pointer, by the window manager where he
+// does that.
 #pragma once
 
 #include <QPoint>
@@ -9,12 +10,12 @@
 
 namespace orrinvale {
 
-/// One for each window. Between begin() and end() the widget that got the press hands on each position of the pointer. Where
-/// the window manager has taken over those calls do nothing.
+/// One for each window. Between begin() and end() the widget that got the press hands on each
+/// position of the pointer. Where the window manager has taken over those calls do nothing.
 class WindowDrag final {
 public:
-    /// `refused` is called where neither the manager nor the program can move windows: on Wayland a program does not know
-    /// where its windows are.
+    /// `refused` is called where neither the manager nor the program can move windows: on Wayland a
+    /// program does not know where its windows are.
     WindowDrag(QWidget& window, std::function<void()> refused);
     WindowDrag(const WindowDrag&) = delete;
     WindowDrag& operator=(const WindowDrag&) = delete;

@@ -1,4 +1,5 @@
-// WindowShadow: see WindowShadow.h. The shadow is one small picture, stretched along the edges, and kept between paintings.
+// WindowShadow: see WindowShadow.h. The shadow is one small picture, stretched along the edges, and
+// kept between paintings.
 #include "ui/kit/chrome/WindowShadow.h"
 
 #include <QImage>
@@ -16,7 +17,8 @@ namespace orrinvale {
 namespace {
 
 constexpr int radius = Theme::radiusWindow;
-// Light falls from above: the shadow lies lower than the window, and reaches the margin exactly at the bottom.
+// Light falls from above: the shadow lies lower than the window, and reaches the margin exactly at
+// the bottom.
 constexpr double drop = 4;
 constexpr double reach = shadowMargin - drop;
 // Of the picture: from the outer edge to where nothing changes any more along the window's edge.
@@ -26,7 +28,8 @@ constexpr int corner = shadowMargin + radius + shadowMargin;
 double distance(double x, double y, double low, double high) {
     const double dx = std::max(low + radius - x, x - (high - radius));
     const double dy = std::max(low + radius - y, y - (high - radius));
-    return std::hypot(std::max(dx, 0.0), std::max(dy, 0.0)) + std::min(std::max(dx, dy), 0.0) - radius;
+    return std::hypot(std::max(dx, 0.0), std::max(dy, 0.0)) + std::min(std::max(dx, dy), 0.0) -
+           radius;
 }
 
 // Of full strength beneath the window, and fading out smoothly over `reach`.
@@ -36,7 +39,8 @@ double strengthAt(double distance) {
 }
 
 QPixmap shadowPicture(qreal scale, QColor color, double strength) {
-    const QString key = QStringLiteral("WindowShadow %1 %2 %3").arg(scale).arg(color.rgba()).arg(strength);
+    const QString key =
+        QStringLiteral("WindowShadow %1 %2 %3").arg(scale).arg(color.rgba()).arg(strength);
     QPixmap out;
     if (QPixmapCache::find(key, &out)) return out;
     const int side = static_cast<int>(std::ceil((2 * corner + 1) * scale));
@@ -45,7 +49,8 @@ QPixmap shadowPicture(qreal scale, QColor color, double strength) {
     QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
     for (int row = 0; row < side; ++row)
         for (int column = 0; column < side; ++column) {
-            const double away = distance((column + 0.5) / scale, (row + 0.5) / scale - drop, low, high);
+            const double away =
+                distance((column + 0.5) / scale, (row + 0.5) / scale - drop, low, high);
             color.setAlphaF(static_cast<float>(strength * strengthAt(away)));
             image.setPixel(column, row, qPremultiply(color.rgba()));
         }
@@ -58,14 +63,17 @@ QPixmap shadowPicture(qreal scale, QColor color, double strength) {
 void drawStretched(QPainter& painter, const QRectF& target, const QPixmap& picture, qreal scale) {
     const double side = picture.width();
     const std::array from{0.0, corner * scale, side - corner * scale, side};
-    const std::array across{target.left(), target.left() + corner, target.right() - corner, target.right()};
-    const std::array down{target.top(), target.top() + corner, target.bottom() - corner, target.bottom()};
+    const std::array across{target.left(), target.left() + corner, target.right() - corner,
+                            target.right()};
+    const std::array down{target.top(), target.top() + corner, target.bottom() - corner,
+                          target.bottom()};
     for (std::size_t row = 0; row < 3; ++row)
         for (std::size_t column = 0; column < 3; ++column)
-            painter.drawPixmap(
-                QRectF(QPointF(across.at(column), down.at(row)), QPointF(across.at(column + 1), down.at(row + 1))),
-                picture,
-                QRectF(QPointF(from.at(column), from.at(row)), QPointF(from.at(column + 1), from.at(row + 1))));
+            painter.drawPixmap(QRectF(QPointF(across.at(column), down.at(row)),
+                                      QPointF(across.at(column + 1), down.at(row + 1))),
+                               picture,
+                               QRectF(QPointF(from.at(column), from.at(row)),
+                                      QPointF(from.at(column + 1), from.at(row + 1))));
 }
 
 }  // namespace
@@ -79,9 +87,10 @@ void drawWindowShadow(QPainter& painter, const QRectF& frame, bool isActive) {
     painter.save();
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform, true);
     const double margin = shadowMargin;
-    drawStretched(painter, frame.adjusted(-margin, -margin, margin, margin), shadowPicture(scale, color, strength),
-                  scale);
-    // Without a line a light window would melt into a light one behind it, and a dark one into the dark.
+    drawStretched(painter, frame.adjusted(-margin, -margin, margin, margin),
+                  shadowPicture(scale, color, strength), scale);
+    // Without a line a light window would melt into a light one behind it, and a dark one into the
+    // dark.
     QColor line = isDark ? QColor(255, 255, 255, 40) : QColor(0, 0, 0, 40);
     painter.setPen(QPen(line, 1));
     painter.setBrush(Qt::NoBrush);
@@ -100,7 +109,8 @@ void WindowCorner::place(const QRect& frame, Qt::Corner corner) {
     m_frame = frame;
     const bool isLeft = corner == Qt::TopLeftCorner || corner == Qt::BottomLeftCorner;
     const bool isTop = corner == Qt::TopLeftCorner || corner == Qt::TopRightCorner;
-    move(isLeft ? frame.left() : frame.right() + 1 - radius, isTop ? frame.top() : frame.bottom() + 1 - radius);
+    move(isLeft ? frame.left() : frame.right() + 1 - radius,
+         isTop ? frame.top() : frame.bottom() + 1 - radius);
     update();
 }
 

@@ -1,4 +1,5 @@
-// WindowShadow: the soft shadow of a window that draws its own frame, and the round corners cut out of its contents.
+// WindowShadow: the soft shadow of a window that draws its own frame, and the round corners cut out
+// of its contents.
 #pragma once
 
 #include <QRectF>
@@ -8,16 +9,16 @@ class QPainter;
 
 namespace orrinvale {
 
-/// How far the shadow reaches beyond the window, in points. It is also where the pointer takes hold of an edge, so no part of
-/// it swallows clicks for nothing.
+/// How far the shadow reaches beyond the window, in points. It is also where the pointer takes hold
+/// of an edge, so no part of it swallows clicks for nothing.
 inline constexpr int shadowMargin = 16;
 
-/// Draws the shadow of a window with round corners at `frame`, and a hairline around it. The window in front has the darker one.
-/// Main thread only.
+/// Draws the shadow of a window with round corners at `frame`, and a hairline around it. The window
+/// in front has the darker one. Main thread only.
 void drawWindowShadow(QPainter& painter, const QRectF& frame, bool isActive);
 
-/// Lies over one corner of the window's contents, and takes away what sticks out of the rounding. Child widgets are painted as
-/// rectangles, and a mask on them would have jagged edges.
+/// Lies over one corner of the window's contents, and takes away what sticks out of the rounding.
+/// Child widgets are painted as rectangles, and a mask on them would have jagged edges.
 class WindowCorner final : public QWidget {
     Q_OBJECT
 public:

@@ -32,11 +32,13 @@ void drawFocusRing(QPainter& painter, const QRectF& rect, qreal radius) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(Theme::shared().color(Theme::Color::FocusRing), width));
     painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(rect.adjusted(width / 2, width / 2, -width / 2, -width / 2), radius, radius);
+    painter.drawRoundedRect(rect.adjusted(width / 2, width / 2, -width / 2, -width / 2), radius,
+                            radius);
     painter.restore();
 }
 
-void drawPicture(QPainter& painter, const QIcon& icon, const QRect& place, const PictureTint& tint) {
+void drawPicture(QPainter& painter, const QIcon& icon, const QRect& place,
+                 const PictureTint& tint) {
     const qreal scale = painter.device()->devicePixelRatio();
     QPixmap drawn(place.size() * scale);
     drawn.setDevicePixelRatio(scale);
@@ -68,6 +70,8 @@ void KeyboardFocus::focusIn(const QFocusEvent& event) {
     }
 }
 
-bool KeyboardFocus::isShown(const QWidget& widget) const { return m_byKeyboard && widget.hasFocus(); }
+bool KeyboardFocus::isShown(const QWidget& widget) const {
+    return m_byKeyboard && widget.hasFocus();
+}
 
 }  // namespace orrinvale

@@ -1,4 +1,5 @@
-// buttonLook: what the drawn buttons share: which of their looks is due, the ring of keyboard focus, the Enter key.
+// buttonLook: what the drawn buttons share: which of their looks is due, the ring of keyboard
+// focus, the Enter key.
 #pragma once
 
 #include <QColor>
@@ -17,7 +18,8 @@ enum class ButtonLook { Normal, Hover, Pressed, Disabled };
 
 [[nodiscard]] ButtonLook buttonLook(const QAbstractButton& button);
 
-/// Draws the widget anew when the theme changes, gives it hover events and leaves its background to what lies behind.
+/// Draws the widget anew when the theme changes, gives it hover events and leaves its background to
+/// what lies behind.
 void followTheme(QWidget& widget);
 
 /// The ring that shows where the keyboard is, just within `rect`.
@@ -26,18 +28,23 @@ void drawFocusRing(QPainter& painter, const QRectF& rect, qreal radius);
 /// How a picture is drawn that has no version of its own for the occasion.
 struct PictureTint {
     qreal opacity = 1;
-    QColor color;  ///< all of it in this colour, as a sign on a coloured ground; invalid for the picture's own colours
+    QColor color;  ///< all of it in this colour, as a sign on a coloured ground; invalid for the
+                   ///< picture's own colours
 };
 
 inline constexpr PictureTint faintPicture{0.4, {}};
 
-/// The icon in the middle of `place`. It is tinted as a whole: parts of it that overlap do not show through each other.
-void drawPicture(QPainter& painter, const QIcon& icon, const QRect& place, const PictureTint& tint = {});
+/// The icon in the middle of `place`. It is tinted as a whole: parts of it that overlap do not show
+/// through each other.
+void drawPicture(QPainter& painter, const QIcon& icon, const QRect& place,
+                 const PictureTint& tint = {});
 
-/// True when the key is Enter and the button was clicked by it. QAbstractButton itself knows the space bar only.
+/// True when the key is Enter and the button was clicked by it. QAbstractButton itself knows the
+/// space bar only.
 bool clickedByEnter(QAbstractButton& button, const QKeyEvent& event);
 
-/// Knows whether the keyboard brought the focus: a ring after a click of the mouse would only distract.
+/// Knows whether the keyboard brought the focus: a ring after a click of the mouse would only
+/// distract.
 class KeyboardFocus final {
 public:
     void focusIn(const QFocusEvent& event);

@@ -7,7 +7,8 @@
 namespace orrinvale {
 
 FrameKind chooseFrame(const DesktopFacts& facts) {
-    const bool refused = facts.server == DesktopFacts::Server::X11 && facts.hasWindowManager && !facts.movesOnRequest;
+    const bool refused = facts.server == DesktopFacts::Server::X11 && facts.hasWindowManager &&
+                         !facts.movesOnRequest;
     if (facts.wantsSystemFrame.value_or(refused)) return FrameKind::System;
     return facts.isComposited ? FrameKind::Own : FrameKind::OwnWithoutAlpha;
 }

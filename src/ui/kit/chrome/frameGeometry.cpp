@@ -11,7 +11,8 @@
 namespace orrinvale {
 namespace {
 
-// The new start and length of one axis. `pullsLow` is the left or top edge, `pullsHigh` the right or bottom one.
+// The new start and length of one axis. `pullsLow` is the left or top edge, `pullsHigh` the right
+// or bottom one.
 struct Span {
     int start;
     int length;
@@ -30,13 +31,17 @@ std::int64_t area(const QRect& rect) {
 
 }  // namespace
 
-QSize boundedSize(QSize size, QSize least, QSize most) { return size.boundedTo(most).expandedTo(least); }
+QSize boundedSize(QSize size, QSize least, QSize most) {
+    return size.boundedTo(most).expandedTo(least);
+}
 
 QRect pulledRect(const QRect& start, Qt::Edges edges, QPoint delta, QSize least, QSize most) {
-    const Span across = pulledSpan({start.x(), start.width()}, edges.testFlag(Qt::LeftEdge),
-                                   edges.testFlag(Qt::RightEdge), delta.x(), least.width(), most.width());
-    const Span down = pulledSpan({start.y(), start.height()}, edges.testFlag(Qt::TopEdge),
-                                 edges.testFlag(Qt::BottomEdge), delta.y(), least.height(), most.height());
+    const Span across =
+        pulledSpan({start.x(), start.width()}, edges.testFlag(Qt::LeftEdge),
+                   edges.testFlag(Qt::RightEdge), delta.x(), least.width(), most.width());
+    const Span down =
+        pulledSpan({start.y(), start.height()}, edges.testFlag(Qt::TopEdge),
+                   edges.testFlag(Qt::BottomEdge), delta.y(), least.height(), most.height());
     return {across.start, down.start, across.length, down.length};
 }
 
@@ -51,16 +56,20 @@ QRect zoomedRect(const QRect& available, QSize least, QSize most) {
 QRect rectInView(const QRect& frame, const QList<QRect>& screens, QSize least) {
     if (screens.isEmpty()) return frame;
     const auto shown = [&](const QRect& screen) { return area(screen.intersected(frame)); };
-    const QRect screen = *std::max_element(screens.begin(), screens.end(),
-                                           [&](const QRect& a, const QRect& b) { return shown(a) < shown(b); });
+    const QRect screen =
+        *std::max_element(screens.begin(), screens.end(),
+                          [&](const QRect& a, const QRect& b) { return shown(a) < shown(b); });
     const QSize size = boundedSize(frame.size(), least, screen.size().expandedTo(least));
-    const int x = std::max(screen.x(), std::min(frame.x(), screen.x() + screen.width() - size.width()));
-    const int y = std::max(screen.y(), std::min(frame.y(), screen.y() + screen.height() - size.height()));
+    const int x =
+        std::max(screen.x(), std::min(frame.x(), screen.x() + screen.width() - size.width()));
+    const int y =
+        std::max(screen.y(), std::min(frame.y(), screen.y() + screen.height() - size.height()));
     return {QPoint(x, y), size};
 }
 
 std::string SavedFrame::text() const {
-    return fmt::format("{} {} {} {} {}", frame.x(), frame.y(), frame.width(), frame.height(), isZoomed ? 1 : 0);
+    return fmt::format("{} {} {} {} {}", frame.x(), frame.y(), frame.width(), frame.height(),
+                       isZoomed ? 1 : 0);
 }
 
 std::optional<SavedFrame> SavedFrame::fromText(std::string_view text) {
@@ -72,7 +81,8 @@ std::optional<SavedFrame> SavedFrame::fromText(std::string_view text) {
     for (std::size_t i = 0; i < numbers.size(); ++i) {
         if (i != 0 && (at == end || *at++ != ' ')) return std::nullopt;
         const auto [next, error] = std::from_chars(at, end, numbers.at(i));
-        if (error != std::errc() || numbers.at(i) > farthest || numbers.at(i) < -farthest) return std::nullopt;
+        if (error != std::errc() || numbers.at(i) > farthest || numbers.at(i) < -farthest)
+            return std::nullopt;
         at = next;
     }
     const auto [x, y, width, height, zoomed] = numbers;

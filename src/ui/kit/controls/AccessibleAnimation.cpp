@@ -14,7 +14,8 @@ public:
         : QAccessibleWidget(&strip, QAccessible::ProgressBar), m_strip(strip) {}
 
     void* interface_cast(QAccessible::InterfaceType type) override {
-        if (type == QAccessible::ValueInterface) return static_cast<QAccessibleValueInterface*>(this);
+        if (type == QAccessible::ValueInterface)
+            return static_cast<QAccessibleValueInterface*>(this);
         return QAccessibleWidget::interface_cast(type);
     }
     QVariant currentValue() const override { return m_strip.shownPercent(); }
@@ -35,7 +36,8 @@ QAccessibleInterface* makeInterface(const QString& /*className*/, QObject* objec
 }  // namespace
 
 void installAccessibleAnimation() {
-    [[maybe_unused]] static const bool isInstalled = (QAccessible::installFactory(&makeInterface), true);
+    [[maybe_unused]] static const bool isInstalled =
+        (QAccessible::installFactory(&makeInterface), true);
 }
 
 }  // namespace orrinvale

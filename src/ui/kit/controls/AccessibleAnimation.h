@@ -3,7 +3,8 @@
 
 namespace orrinvale {
 
-/// Makes strips known to screen readers as progress bars with a value from 0 to 100. Takes effect once a process.
+/// Makes strips known to screen readers as progress bars with a value from 0 to 100. Takes effect
+/// once a process.
 void installAccessibleAnimation();
 
 }  // namespace orrinvale

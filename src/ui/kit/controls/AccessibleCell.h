@@ -1,4 +1,5 @@
-// AccessibleCell: one cell of a list, or of its header, as screen readers hear it. AccessibleOutline.cpp makes them.
+// AccessibleCell: one cell of a list, or of its header, as screen readers hear it.
+// AccessibleOutline.cpp makes them.
 #pragma once
 
 #include <QAccessible>

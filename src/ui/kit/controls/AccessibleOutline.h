@@ -3,8 +3,9 @@
 
 namespace orrinvale {
 
-/// From now on every TickOutline answers screen readers as a tree with a header, whose boxes can be ticked and have three states;
-/// the toolkit's own interface knows of no box. Called by the outline; further calls do nothing.
+/// From now on every TickOutline answers screen readers as a tree with a header, whose boxes can be
+/// ticked and have three states; the toolkit's own interface knows of no box. Called by the
+/// outline; further calls do nothing.
 void installAccessibleOutline();
 
 }  // namespace orrinvale

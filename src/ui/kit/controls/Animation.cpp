@@ -1,4 +1,5 @@
-// Animation: see Animation.h. Three ways to place the strip, each with the arithmetic that its pages count on.
+// Animation: see Animation.h. Three ways to place the strip, each with the arithmetic that its
+// pages count on.
 #include "ui/kit/controls/Animation.h"
 
 #include <QAccessible>
@@ -20,10 +21,13 @@ namespace orrinvale {
 namespace {
 
 constexpr std::int32_t step = 5;
-constexpr std::int32_t lowest = -294;  // a sliver stays to be seen while the strip waits for its end
+constexpr std::int32_t lowest =
+    -294;  // a sliver stays to be seen while the strip waits for its end
 constexpr std::chrono::milliseconds blinkInterval{400};
 
-Animation::ImageView viewOf(const QString& name) { return {name, QRectF(QPointF(), QSizeF(pictureSize(name)))}; }
+Animation::ImageView viewOf(const QString& name) {
+    return {name, QRectF(QPointF(), QSizeF(pictureSize(name)))};
+}
 
 }  // namespace
 
@@ -64,7 +68,8 @@ void Animation::startUpdatePrograss() { startTimer(&Animation::askTarget); }
 void Animation::startTimer(Tick tick) {
     if (m_timer.isActive()) return;
     m_tick = tick;
-    m_timer.start(std::max(1, static_cast<int>(std::lround(std::clamp(m_timeSize, 0.0F, 3600.0F) * 1000.0F))));
+    m_timer.start(std::max(
+        1, static_cast<int>(std::lround(std::clamp(m_timeSize, 0.0F, 3600.0F) * 1000.0F))));
 }
 
 void Animation::askTarget() {
@@ -108,11 +113,13 @@ void Animation::baseNumberSetPrograssMax(std::int32_t max, std::int32_t index) {
 
 void Animation::prograssShowDependChangeSize(std::int32_t steps) {
     using Limits = std::numeric_limits<std::int32_t>;
-    m_addNumber = static_cast<std::int32_t>(
-        std::clamp(std::int64_t{m_addNumber} + steps, std::int64_t{Limits::min()}, std::int64_t{Limits::max()}));
+    m_addNumber = static_cast<std::int32_t>(std::clamp(std::int64_t{m_addNumber} + steps,
+                                                       std::int64_t{Limits::min()},
+                                                       std::int64_t{Limits::max()}));
     // Work of no steps is done with the first report.
-    const std::int64_t shown =
-        m_prograssMax == 0 ? stripWidth() : std::int64_t{m_addNumber} * stripWidth() / m_prograssMax;
+    const std::int64_t shown = m_prograssMax == 0
+                                   ? stripWidth()
+                                   : std::int64_t{m_addNumber} * stripWidth() / m_prograssMax;
     placeStrip(static_cast<double>(shown - stripWidth()));
     if (m_addNumber < m_prograssMax) return;
     m_addNumber = 0;
@@ -145,7 +152,8 @@ void Animation::changeUnlockImage() {
 int Animation::shownPercent() const {
     const double width = stripWidth();
     if (width <= 0.0) return 0;
-    return static_cast<int>(std::lround(std::clamp(1.0 + m_prograssView.frame.x() / width, 0.0, 1.0) * 100.0));
+    return static_cast<int>(
+        std::lround(std::clamp(1.0 + m_prograssView.frame.x() / width, 0.0, 1.0) * 100.0));
 }
 
 QSize Animation::sizeHint() const { return m_bottomView.frame.size().toSize(); }

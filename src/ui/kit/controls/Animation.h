@@ -1,5 +1,5 @@
-// Animation: the moving strip that pages show as their progress, and the blinking padlock. Its screen reader side stands in
-// AccessibleAnimation.cpp.
+// Animation: the moving strip that pages show as their progress, and the blinking padlock. Its
+// screen reader side stands in AccessibleAnimation.cpp.
 #pragma once
 
 #include <QPointer>
@@ -28,12 +28,14 @@ protected:
     AnimationTarget& operator=(const AnimationTarget&) = default;
 };
 
-/// A progress picture that slides over a bottom picture. Positions are offsets of its left edge in points: 0 shows the strip
-/// in full, minus the width of the bottom picture nothing of it. Right-to-left layouts show the mirror image. Main thread only.
+/// A progress picture that slides over a bottom picture. Positions are offsets of its left edge in
+/// points: 0 shows the strip in full, minus the width of the bottom picture nothing of it.
+/// Right-to-left layouts show the mirror image. Main thread only.
 class Animation final : public QWidget {
     Q_OBJECT
 public:
-    /// A picture by its name, and where it lies; of `prograssView` relative to `bottomView`, which cuts it off.
+    /// A picture by its name, and where it lies; of `prograssView` relative to `bottomView`, which
+    /// cuts it off.
     struct ImageView {
         QString image;
         QRectF frame;
@@ -44,7 +46,8 @@ public:
 
     [[nodiscard]] AnimationTarget* target() const { return m_target; }
     void setTarget(AnimationTarget* target) { m_target = target; }  ///< not owned
-    /// The position of the run that start() begins; not touched by what places the strip for a share of the work.
+    /// The position of the run that start() begins; not touched by what places the strip for a
+    /// share of the work.
     [[nodiscard]] std::int32_t goPrograss() const { return m_goPrograss; }
     [[nodiscard]] std::int32_t prograssMax() const { return m_prograssMax; }
     void setPrograssMax(std::int32_t steps) { m_prograssMax = steps; }
@@ -67,7 +70,8 @@ public:
     /// Lays a third picture over both.
     void showStyle(const QString& name);
 
-    /// Starts the timer of updateprograss(), unless the strip's timer runs already; the second one that of the target.
+    /// Starts the timer of updateprograss(), unless the strip's timer runs already; the second one
+    /// that of the target.
     void start();
     void startUpdatePrograss();
     void updateprograss();
@@ -83,8 +87,9 @@ public:
     void minishPrograss();
     void initZeroPrograss();
 
-    /// Lets the padlock blink until stopUnlockAnimation(), which leaves it closed. The button may die meanwhile. It shows a
-    /// picture by setImage(name) when it has that, and otherwise by its icon.
+    /// Lets the padlock blink until stopUnlockAnimation(), which leaves it closed. The button may
+    /// die meanwhile. It shows a picture by setImage(name) when it has that, and otherwise by its
+    /// icon.
     template <class Button> void startUnlockAnimation(Button* button) {
         startBlinking(button, [button](const QString& name) { showImage(*button, name); });
     }

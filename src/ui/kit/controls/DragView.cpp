@@ -1,4 +1,5 @@
-// DragView: see DragView.h. The events of Qt's drag and drop are led through the four steps of a drag destination.
+// DragView: see DragView.h. The events of Qt's drag and drop are led through the four steps of a
+// drag destination.
 #include "ui/kit/controls/DragView.h"
 
 #include <QDragEnterEvent>
@@ -27,7 +28,8 @@ constexpr qreal outlineWidth = 1.5;
 QString qtImageType() { return QStringLiteral("application/x-qt-image"); }
 QString fileNamesType() { return QStringLiteral("text/uri-list"); }
 
-// Images come first: a source that offers both drags the picture, and its list names where the picture came from.
+// Images come first: a source that offers both drags the picture, and its list names where the
+// picture came from.
 std::optional<QString> availableType(const QMimeData& data) {
     for (const QString& format : data.formats())
         if (format.startsWith(QLatin1String("image/")) || format == qtImageType()) return format;
@@ -61,7 +63,9 @@ Qt::DropAction DragView::draggingEntered(Qt::DropActions offered) {
     return offered.testFlag(Qt::LinkAction) ? Qt::LinkAction : Qt::IgnoreAction;
 }
 
-bool DragView::prepareForDragOperation(const QMimeData& dragged) const { return availableType(dragged).has_value(); }
+bool DragView::prepareForDragOperation(const QMimeData& dragged) const {
+    return availableType(dragged).has_value();
+}
 
 bool DragView::performDragOperation(const QMimeData& dragged) {
     const auto type = availableType(dragged);
@@ -77,7 +81,8 @@ bool DragView::performDragOperation(const QMimeData& dragged) {
     }
     const auto folder = folderOf(dragged);
     if (!folder) return false;
-    if (m_delegate != nullptr && dragged.urls().size() > 1) m_delegate->viewDragActionOfSeveral(*folder);
+    if (m_delegate != nullptr && dragged.urls().size() > 1)
+        m_delegate->viewDragActionOfSeveral(*folder);
     else viewDragAction(*folder);
     return true;
 }
@@ -107,7 +112,8 @@ void DragView::dragEnterEvent(QDragEnterEvent* event) {
     }
     event->setDropAction(action);
     event->accept();
-    // Looked at once, on the way in: a folder on a slow volume must not be asked for with every move of the pointer.
+    // Looked at once, on the way in: a folder on a slow volume must not be asked for with every
+    // move of the pointer.
     setFolderOver(availableType(dragged) == fileNamesType() && folderOf(dragged).has_value());
 }
 
@@ -145,7 +151,8 @@ void DragView::paintEvent(QPaintEvent* /*event*/) {
     if (!m_isFolderOver) pen.setDashPattern({4.0, 4.0});
     painter.setPen(pen);
     painter.setBrush(fill);
-    const QRectF inside = QRectF(rect()).adjusted(outlineWidth, outlineWidth, -outlineWidth, -outlineWidth);
+    const QRectF inside =
+        QRectF(rect()).adjusted(outlineWidth, outlineWidth, -outlineWidth, -outlineWidth);
     painter.drawRoundedRect(inside, Theme::radius, Theme::radius);
 }
 

@@ -1,4 +1,5 @@
-// DragView: the area of a page that takes a folder out of the file manager. FileUrl.h reads what was dropped.
+// DragView: the area of a page that takes a folder out of the file manager. FileUrl.h reads what
+// was dropped.
 #pragma once
 
 #include <QWidget>
@@ -18,7 +19,8 @@ public:
     /// The exact bytes of the path of an existing folder.
     virtual void viewDragAction(const std::string& path) { static_cast<void>(path); }
 
-    /// The same, of the first of several that were dropped together. Whoever can tells that the others are left aside.
+    /// The same, of the first of several that were dropped together. Whoever can tells that the
+    /// others are left aside.
     virtual void viewDragActionOfSeveral(const std::string& path) { viewDragAction(path); }
 
 protected:
@@ -27,8 +29,8 @@ protected:
     DragViewDelegate& operator=(const DragViewDelegate&) = default;
 };
 
-/// Main thread only. Lists of files and images may be dragged in; only a folder leads to anything. The page offers a button
-/// beside it that chooses a folder from the keyboard.
+/// Main thread only. Lists of files and images may be dragged in; only a folder leads to anything.
+/// The page offers a button beside it that chooses a folder from the keyboard.
 class DragView final : public QWidget {
     Q_OBJECT
 public:
@@ -38,7 +40,8 @@ public:
     /// Not owned; outlives the view or is taken out before.
     void setDelegate(DragViewDelegate* delegate) { m_delegate = delegate; }
 
-    /// Without it the view shows its frame only while a folder hovers, for pages that draw a place to drop of their own.
+    /// Without it the view shows its frame only while a folder hovers, for pages that draw a place
+    /// to drop of their own.
     void setFrameAtRest(bool isShown);
 
     /// What is shown over everything in the view while a folder hovers, for views that are full.
@@ -47,7 +50,8 @@ public:
     /// True while a folder, and nothing else, hovers over the view.
     [[nodiscard]] bool isFolderOver() const { return m_isFolderOver; }
 
-    /// What the source may be told: to copy, or else to link, and never to move, since it would then remove what it gave.
+    /// What the source may be told: to copy, or else to link, and never to move, since it would
+    /// then remove what it gave.
     [[nodiscard]] static Qt::DropAction draggingEntered(Qt::DropActions offered);
     [[nodiscard]] bool prepareForDragOperation(const QMimeData& dragged) const;
     /// Whether the drop was of use. Only the first path of several counts.

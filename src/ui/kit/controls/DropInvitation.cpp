@@ -8,7 +8,8 @@
 
 namespace orrinvale {
 
-DropInvitation::DropInvitation(QString text, QWidget& over) : QWidget(&over), m_text(std::move(text)) {
+DropInvitation::DropInvitation(QString text, QWidget& over)
+    : QWidget(&over), m_text(std::move(text)) {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     hide();
 }
@@ -32,7 +33,8 @@ void DropInvitation::paintEvent(QPaintEvent* /*event*/) {
     painter.setPen(QPen(theme.color(Theme::Color::Accent), lineWidth));
     painter.setBrush(Qt::NoBrush);
     constexpr qreal inset = Theme::gapSmall;
-    painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), Theme::radius, Theme::radius);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), Theme::radius,
+                            Theme::radius);
     painter.setFont(theme.font(Theme::Text::Heading));
     painter.setPen(theme.color(Theme::Color::Text));
     painter.drawText(rect(), Qt::AlignCenter | Qt::TextWordWrap, m_text);

@@ -27,9 +27,10 @@ void ElidedLabel::paintEvent(QPaintEvent* /*event*/) {
     // A line break in a file name would hide what follows it.
     QString shown = text();
     shown.replace(QLatin1Char('\n'), QChar(0x2424));
-    style()->drawItemText(&painter, rect, static_cast<int>(QStyle::visualAlignment(layoutDirection(), alignment())),
-                          palette(), isEnabled(), fontMetrics().elidedText(shown, m_mode, rect.width()),
-                          foregroundRole());
+    style()->drawItemText(&painter, rect,
+                          static_cast<int>(QStyle::visualAlignment(layoutDirection(), alignment())),
+                          palette(), isEnabled(),
+                          fontMetrics().elidedText(shown, m_mode, rect.width()), foregroundRole());
 }
 
 }  // namespace orrinvale

@@ -5,7 +5,8 @@
 
 namespace orrinvale {
 
-/// text() is always the whole text. Plain text only: a file name must not be read as markup. Main thread only.
+/// text() is always the whole text. Plain text only: a file name must not be read as markup. Main
+/// thread only.
 class ElidedLabel final : public QLabel {
     Q_OBJECT
 public:

@@ -20,7 +20,8 @@ FlatHeader::FlatHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, parent) {
 }
 
 QColor FlatHeader::titleColor(int section) const {
-    return Theme::shared().color(isSorted(section) ? Theme::Color::Text : Theme::Color::TextSecondary);
+    return Theme::shared().color(isSorted(section) ? Theme::Color::Text
+                                                   : Theme::Color::TextSecondary);
 }
 
 QSize FlatHeader::sizeHint() const { return {QHeaderView::sizeHint().width(), Theme::rowHeight}; }
@@ -31,7 +32,8 @@ void FlatHeader::paintEvent(QPaintEvent* event) {
         QPainter painter(viewport());
         const QRect all = viewport()->rect();
         painter.fillRect(all, Theme::shared().color(Theme::Color::Surface));
-        painter.fillRect(all.adjusted(0, all.height() - 1, 0, 0), Theme::shared().color(Theme::Color::Line));
+        painter.fillRect(all.adjusted(0, all.height() - 1, 0, 0),
+                         Theme::shared().color(Theme::Color::Line));
     }
     QHeaderView::paintEvent(event);
 }
@@ -42,21 +44,26 @@ void FlatHeader::paintSection(QPainter* painter, const QRect& rect, int section)
     if (text.isEmpty() || inside.isEmpty()) return;
     const QVariant wanted = model()->headerData(section, orientation(), Qt::TextAlignmentRole);
     const auto side = QStyle::visualAlignment(
-        layoutDirection(), wanted.isValid() ? Qt::Alignment(wanted.toInt()) : Qt::AlignLeft | Qt::AlignVCenter);
+        layoutDirection(),
+        wanted.isValid() ? Qt::Alignment(wanted.toInt()) : Qt::AlignLeft | Qt::AlignVCenter);
     const bool hasChevron = isSorted(section);
     const QFont font = Theme::shared().font(Theme::Text::Caption);
     const QFontMetrics metrics(font);
-    const QString shown = metrics.elidedText(text, Qt::ElideRight, inside.width() - (hasChevron ? chevronSide : 0));
+    const QString shown =
+        metrics.elidedText(text, Qt::ElideRight, inside.width() - (hasChevron ? chevronSide : 0));
     const int width = metrics.horizontalAdvance(shown);
     painter->setFont(font);
     painter->setPen(titleColor(section));
-    painter->drawText(inside, static_cast<int>(side | Qt::AlignVCenter) | Qt::TextSingleLine, shown);
+    painter->drawText(inside, static_cast<int>(side | Qt::AlignVCenter) | Qt::TextSingleLine,
+                      shown);
     if (!hasChevron) return;
     // On the side of the text that has room, so that the text stays in line with its column.
-    const int left =
-        side.testFlag(Qt::AlignRight) ? inside.right() + 1 - width - chevronSide - 2 : inside.left() + width + 2;
-    picture(sortIndicatorOrder() == Qt::AscendingOrder ? QStringLiteral("chevron_up") : QStringLiteral("chevron_down"))
-        .paint(painter, QRect(left, rect.top() + (rect.height() - chevronSide) / 2, chevronSide, chevronSide));
+    const int left = side.testFlag(Qt::AlignRight) ? inside.right() + 1 - width - chevronSide - 2
+                                                   : inside.left() + width + 2;
+    picture(sortIndicatorOrder() == Qt::AscendingOrder ? QStringLiteral("chevron_up")
+                                                       : QStringLiteral("chevron_down"))
+        .paint(painter, QRect(left, rect.top() + (rect.height() - chevronSide) / 2, chevronSide,
+                              chevronSide));
 }
 
 }  // namespace orrinvale

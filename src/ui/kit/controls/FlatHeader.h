@@ -1,11 +1,13 @@
-// FlatHeader: the header of a list: quiet words over a hairline, in line with the cells below, and a chevron where it is sorted.
+// FlatHeader: the header of a list: quiet words over a hairline, in line with the cells below, and
+// a chevron where it is sorted.
 #pragma once
 
 #include <QHeaderView>
 
 namespace orrinvale {
 
-/// Horizontal only. Shows the text and the alignment that the model gives for a section. Main thread only.
+/// Horizontal only. Shows the text and the alignment that the model gives for a section. Main
+/// thread only.
 class FlatHeader : public QHeaderView {
     Q_OBJECT
 public:

@@ -1,4 +1,5 @@
-// FolderStart: the first view of a page that scans a folder: a place to drop one, the large picture to press, a few words.
+// FolderStart: the first view of a page that scans a folder: a place to drop one, the large picture
+// to press, a few words.
 #pragma once
 
 #include <QString>
@@ -21,13 +22,15 @@ struct FolderStartTexts {
     QString hint;
 };
 
-/// The view is the caller's; the rest are its children, under the names of their fields but for the button.
+/// The view is the caller's; the rest are its children, under the names of their fields but for the
+/// button.
 struct FolderStart {
     QWidget* view = nullptr;
     DragView* dragView = nullptr;
     AnimationHoverImageView* animationHoverImageView = nullptr;
     TextImageButton* button = nullptr;
-    QVBoxLayout* column = nullptr;  ///< what else the page has goes to its end, below the free space
+    QVBoxLayout* column =
+        nullptr;  ///< what else the page has goes to its end, below the free space
 };
 
 /// Main thread only.

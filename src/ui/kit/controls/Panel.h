@@ -1,4 +1,5 @@
-// Panel: an area filled with one of the theme's colours, with hairlines at the edges that it is given.
+// Panel: an area filled with one of the theme's colours, with hairlines at the edges that it is
+// given.
 #pragma once
 
 #include <QPaintEvent>

@@ -45,8 +45,8 @@ void PathAnimation::fly(const QPixmap& image, const QRect& start, const QWidget*
         m_flight.stop();
         animationDidStop();
     }
-    const bool isMoving = !m_page.isNull() && !m_animatedIconView.isNull() && endButton != nullptr &&
-                          m_page->isVisible() && mayAnimate(*m_page);
+    const bool isMoving = !m_page.isNull() && !m_animatedIconView.isNull() &&
+                          endButton != nullptr && m_page->isVisible() && mayAnimate(*m_page);
     animationDidStart();
     if (!isMoving) {
         animationDidStop();
@@ -63,7 +63,8 @@ void PathAnimation::fly(const QPixmap& image, const QRect& start, const QWidget*
 }
 
 QPointF PathAnimation::pointOfPath(QPointF start, QPointF end, qreal share) {
-    // A quadratic curve; its handle stands above the middle, by a share of the distance that looks thrown, not dropped.
+    // A quadratic curve; its handle stands above the middle, by a share of the distance that looks
+    // thrown, not dropped.
     const QPointF way = end - start;
     const qreal lift = std::max<qreal>(40.0, std::hypot(way.x(), way.y()) * 0.35);
     const QPointF handle((start.x() + end.x()) / 2, std::min(start.y(), end.y()) - lift);
@@ -80,13 +81,15 @@ void PathAnimation::animationDidStop() {
     m_isFly = false;
     Log::line("animation end");
     if (!m_animatedIconView.isNull()) m_animatedIconView->hide();
-    if (m_delegate != nullptr) m_delegate->callBackDeleteItemWithIndex();  // last: it may end this object
+    if (m_delegate != nullptr)
+        m_delegate->callBackDeleteItemWithIndex();  // last: it may end this object
 }
 
 void PathAnimation::moveTo(qreal share) {
     if (m_animatedIconView.isNull()) return;
     const QRect frame = m_animatedIconView->rect();
-    m_animatedIconView->move((pointOfPath(m_start, m_end, share) - QRectF(frame).center()).toPoint());
+    m_animatedIconView->move(
+        (pointOfPath(m_start, m_end, share) - QRectF(frame).center()).toPoint());
 }
 
 }  // namespace orrinvale

@@ -1,4 +1,5 @@
-// PathAnimation: a picture that flies from a row to the button where it will be dealt with. motion.h says when nothing flies.
+// PathAnimation: a picture that flies from a row to the button where it will be dealt with.
+// motion.h says when nothing flies.
 #pragma once
 
 #include <QObject>
@@ -25,8 +26,9 @@ protected:
     PathAnimationDelegate& operator=(const PathAnimationDelegate&) = default;
 };
 
-/// One flight at a time, of 1.0 second; a new one ends the one under way first, with its callback. Where nothing may move, or the
-/// page is not on screen, a flight ends within the call that begins it. Main thread only.
+/// One flight at a time, of 1.0 second; a new one ends the one under way first, with its callback.
+/// Where nothing may move, or the page is not on screen, a flight ends within the call that begins
+/// it. Main thread only.
 class PathAnimation final : public QObject {
     Q_OBJECT
 public:
@@ -39,11 +41,12 @@ public:
     [[nodiscard]] QLabel* animatedIconView() const;
     [[nodiscard]] bool isFly() const { return m_isFly; }
 
-    /// Flies from the middle of a rectangle of the page to the middle of a button of the same window. Without a button the
-    /// flight ends at once.
+    /// Flies from the middle of a rectangle of the page to the middle of a button of the same
+    /// window. Without a button the flight ends at once.
     void fly(const QPixmap& image, const QRect& start, const QWidget* endButton);
 
-    /// Where the picture's middle is after a share of the flight, 0 to 1: a curve that rises above its ends.
+    /// Where the picture's middle is after a share of the flight, 0 to 1: a curve that rises above
+    /// its ends.
     [[nodiscard]] static QPointF pointOfPath(QPointF start, QPointF end, qreal share);
 
 private:

@@ -1,4 +1,5 @@
-// PictureView: a picture of the program's collection as a widget of a fixed size, in the colours of the theme of the moment.
+// PictureView: a picture of the program's collection as a widget of a fixed size, in the colours of
+// the theme of the moment.
 #pragma once
 
 #include <QPainter>

@@ -26,7 +26,8 @@ void TickBox::setState(TickState state) { setCheckState(orrinvale::checkState(st
 
 QSize TickBox::sizeHint() const {
     constexpr int box = tickBoxSize + 2 * tickBoxHalo;
-    const int label = text().isEmpty() ? 0 : Theme::gapSmall + fontMetrics().horizontalAdvance(text()) + 1;
+    const int label =
+        text().isEmpty() ? 0 : Theme::gapSmall + fontMetrics().horizontalAdvance(text()) + 1;
     return {box + label, std::max(box, fontMetrics().height())};
 }
 
@@ -46,7 +47,8 @@ void TickBox::paintEvent(QPaintEvent* /*event*/) {
     paintTickBox(painter, boxRect(), state(), look);
     if (text().isEmpty()) return;
     const int left = tickBoxSize + 2 * tickBoxHalo + Theme::gapSmall;
-    const QRect label = QStyle::visualRect(layoutDirection(), rect(), rect().adjusted(left, 0, 0, 0));
+    const QRect label =
+        QStyle::visualRect(layoutDirection(), rect(), rect().adjusted(left, 0, 0, 0));
     const auto color = isEnabled() ? Theme::Color::Text : Theme::Color::TextDisabled;
     painter.setPen(Theme::shared().color(color));
     painter.setFont(font());

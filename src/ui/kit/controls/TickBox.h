@@ -1,4 +1,5 @@
-// TickBox: a tick box with three states beside a text, for headers and forms. Rows of lists have TickBoxDelegate.
+// TickBox: a tick box with three states beside a text, for headers and forms. Rows of lists have
+// TickBoxDelegate.
 #pragma once
 
 #include <QCheckBox>
@@ -7,8 +8,9 @@
 
 namespace orrinvale {
 
-/// A click on box or text, and the space bar, make All of Nothing and of Some, and Nothing of All; then clicked() follows, and whoever
-/// knows better sets another state. To screen readers it is a check box. Main thread only.
+/// A click on box or text, and the space bar, make All of Nothing and of Some, and Nothing of All;
+/// then clicked() follows, and whoever knows better sets another state. To screen readers it is a
+/// check box. Main thread only.
 class TickBox final : public QCheckBox {
     Q_OBJECT
 public:
@@ -22,7 +24,9 @@ public:
 
 protected:
     void nextCheckState() override { setState(stateAfterClick(state())); }
-    bool hitButton(const QPoint& position) const override { return contentRect().contains(position); }
+    bool hitButton(const QPoint& position) const override {
+        return contentRect().contains(position);
+    }
     void paintEvent(QPaintEvent* event) override;
 
 private:

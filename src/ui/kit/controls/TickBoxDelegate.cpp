@@ -49,7 +49,8 @@ QRect TickBoxDelegate::hitRect(const QStyleOptionViewItem& option) {
     return boxRect(option).adjusted(-tickBoxHalo, -tickBoxHalo, tickBoxHalo, tickBoxHalo);
 }
 
-void TickBoxDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
+void TickBoxDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                            const QModelIndex& index) const {
     QStyleOptionViewItem cell = option;
     initStyleOption(&cell, index);
     styleOf(cell).drawPrimitive(QStyle::PE_PanelItemViewItem, &cell, painter, cell.widget);
@@ -58,45 +59,52 @@ void TickBoxDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
         TickLook look;
         look.isEnabled = acceptsToggle(index) && cell.state.testFlag(QStyle::State_Enabled);
         look.isHovered = cell.state.testFlag(QStyle::State_MouseOver);
-        look.isPressed = look.isHovered && m_pressed == index && QGuiApplication::mouseButtons() != Qt::NoButton;
+        look.isPressed =
+            look.isHovered && m_pressed == index && QGuiApplication::mouseButtons() != Qt::NoButton;
         look.isFocused = cell.state.testFlag(QStyle::State_HasFocus);
-        look.isOnAccent =
-            cell.state.testFlag(QStyle::State_Selected) &&
-            cell.palette.color(colorGroup(cell), QPalette::Highlight) == Theme::shared().color(Theme::Color::Accent);
+        look.isOnAccent = cell.state.testFlag(QStyle::State_Selected) &&
+                          cell.palette.color(colorGroup(cell), QPalette::Highlight) ==
+                              Theme::shared().color(Theme::Color::Accent);
         paintTickBox(*painter, boxRect(cell), tickState(index.data(m_stateRole)), look);
     }
     paintLabel(*painter, cell, isBoxed);
 }
 
-void TickBoxDelegate::paintLabel(QPainter& painter, const QStyleOptionViewItem& option, bool isBoxed) const {
+void TickBoxDelegate::paintLabel(QPainter& painter, const QStyleOptionViewItem& option,
+                                 bool isBoxed) const {
     painter.save();
     const auto group = colorGroup(option);
     QRect rest = option.rect.adjusted(isBoxed ? labelStart : boxMargin, 0, -boxMargin, 0);
     if (!option.icon.isNull()) {
-        const QRect icon(rest.left(), rest.top() + (rest.height() - iconSize) / 2, iconSize, iconSize);
+        const QRect icon(rest.left(), rest.top() + (rest.height() - iconSize) / 2, iconSize,
+                         iconSize);
         option.icon.paint(&painter, visual(option, icon), Qt::AlignCenter,
                           group == QPalette::Disabled ? QIcon::Disabled : QIcon::Normal);
         rest.setLeft(rest.left() + iconSize + Theme::gapSmall);
     }
     const bool isSelected = option.state.testFlag(QStyle::State_Selected);
-    painter.setPen(option.palette.color(group, isSelected ? QPalette::HighlightedText : QPalette::Text));
+    painter.setPen(
+        option.palette.color(group, isSelected ? QPalette::HighlightedText : QPalette::Text));
     painter.setFont(option.font);
     const auto side = QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignVCenter);
-    const QString text = option.fontMetrics.elidedText(option.text, option.textElideMode, rest.width());
+    const QString text =
+        option.fontMetrics.elidedText(option.text, option.textElideMode, rest.width());
     painter.drawText(visual(option, rest), static_cast<int>(side) | Qt::TextSingleLine, text);
     painter.restore();
 }
 
-QSize TickBoxDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
+QSize TickBoxDelegate::sizeHint(const QStyleOptionViewItem& option,
+                                const QModelIndex& index) const {
     QStyleOptionViewItem cell = option;
     initStyleOption(&cell, index);
-    int width = (hasBox(index) ? labelStart : boxMargin) + cell.fontMetrics.horizontalAdvance(cell.text) + boxMargin;
+    int width = (hasBox(index) ? labelStart : boxMargin) +
+                cell.fontMetrics.horizontalAdvance(cell.text) + boxMargin;
     if (!cell.icon.isNull()) width += iconSize + Theme::gapSmall;
     return {width, std::max(Theme::rowHeight, cell.fontMetrics.height() + Theme::gapTiny)};
 }
 
-bool TickBoxDelegate::editorEvent(QEvent* event, QAbstractItemModel* model, const QStyleOptionViewItem& option,
-                                  const QModelIndex& index) {
+bool TickBoxDelegate::editorEvent(QEvent* event, QAbstractItemModel* model,
+                                  const QStyleOptionViewItem& option, const QModelIndex& index) {
     if (!hasBox(index) || !acceptsToggle(index)) return false;
     switch (event->type()) {
         case QEvent::MouseButtonPress:
@@ -119,7 +127,8 @@ bool TickBoxDelegate::mouseEvent(const QEvent& event, QPoint position, QAbstract
                                  const QStyleOptionViewItem& option, const QModelIndex& index) {
     const bool isInside = hitRect(option).contains(position);
     if (event.type() != QEvent::MouseButtonRelease) {
-        // The second press of a quick pair counts like the first; taken here, it does not open the row.
+        // The second press of a quick pair counts like the first; taken here, it does not open the
+        // row.
         m_pressed = isInside ? QPersistentModelIndex(index) : QPersistentModelIndex();
         return isInside;
     }

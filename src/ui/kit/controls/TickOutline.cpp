@@ -22,14 +22,16 @@ constexpr int chevronSide = 14;
 
 }  // namespace
 
-TickOutline::TickOutline(BoxColumn boxes, FlatHeader* header, QWidget* parent) : QTreeView(parent), m_boxes(boxes) {
+TickOutline::TickOutline(BoxColumn boxes, FlatHeader* header, QWidget* parent)
+    : QTreeView(parent), m_boxes(boxes) {
     installAccessibleOutline();
     renewAccessible(*this);
     setHeader(header);
     m_headerBox = new TickBox({}, header);
     followTheme();
     connect(&Theme::shared(), &Theme::changed, this, &TickOutline::followTheme);
-    setUniformRowHeights(true);  // with hundreds of thousands of rows the view must not ask each for its height
+    setUniformRowHeights(
+        true);  // with hundreds of thousands of rows the view must not ask each for its height
     setSelectionBehavior(SelectRows);
     setSelectionMode(SingleSelection);
     setEditTriggers(NoEditTriggers);
@@ -50,7 +52,8 @@ TickOutline::TickOutline(BoxColumn boxes, FlatHeader* header, QWidget* parent) :
 // The header outlives this part of the object, and is told to hide when a window of its own ends.
 TickOutline::~TickOutline() { header()->disconnect(this); }
 
-// A row of the accent's colour would drown its grey path; the selection is the quiet colour that the rest of the page uses.
+// A row of the accent's colour would drown its grey path; the selection is the quiet colour that
+// the rest of the page uses.
 void TickOutline::followTheme() {
     QPalette colors;
     colors.setColor(QPalette::Highlight, Theme::shared().color(Theme::Color::Selection));
@@ -62,13 +65,15 @@ void TickOutline::placeHeaderBox() {
     const QSize size = m_headerBox->sizeHint();
     const int left = header()->sectionViewportPosition(m_boxes.column);
     // In one line with the boxes of the rows, whose halo reaches out to the same left.
-    m_headerBox->setGeometry(left + Theme::gapTiny - tickBoxHalo, (header()->height() - size.height()) / 2,
-                             size.width(), size.height());
+    m_headerBox->setGeometry(left + Theme::gapTiny - tickBoxHalo,
+                             (header()->height() - size.height()) / 2, size.width(), size.height());
 }
 
-void TickOutline::dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight, const QList<int>& roles) {
-    // More than one cell: the models speak of the top level and mean all that stands below it too. The base class would draw the rows
-    // named and no others, and look both up among all that are open, which took 45 ms of 260,000; no row changes its height here.
+void TickOutline::dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight,
+                              const QList<int>& roles) {
+    // More than one cell: the models speak of the top level and mean all that stands below it too.
+    // The base class would draw the rows named and no others, and look both up among all that are
+    // open, which took 45 ms of 260,000; no row changes its height here.
     if (topLeft != bottomRight) viewport()->update();
     else QTreeView::dataChanged(topLeft, bottomRight, roles);
     if (QAccessible::isActive() && hasFocus()) tellOfBox();
@@ -77,16 +82,18 @@ void TickOutline::dataChanged(const QModelIndex& topLeft, const QModelIndex& bot
 // Of the row that the keyboard is on, where a person ticks who does not see the others change.
 void TickOutline::tellOfBox() const {
     const QModelIndex current = currentIndex();
-    QAccessibleInterface* const list = QAccessible::queryAccessibleInterface(const_cast<TickOutline*>(this));
+    QAccessibleInterface* const list =
+        QAccessible::queryAccessibleInterface(const_cast<TickOutline*>(this));
     if (!current.isValid() || list == nullptr) return;
     QAccessible::State changed;
     changed.checked = true;
-    QAccessibleStateChangeEvent event(list->child((openRow(current) + 1) * model()->columnCount() + m_boxes.column),
-                                      changed);
+    QAccessibleStateChangeEvent event(
+        list->child((openRow(current) + 1) * model()->columnCount() + m_boxes.column), changed);
     QAccessible::updateAccessibility(&event);
 }
 
-// All rows are of one height, so that places are rows and the other way round; the base class keeps its table of rows to itself.
+// All rows are of one height, so that places are rows and the other way round; the base class keeps
+// its table of rows to itself.
 int TickOutline::openRow(const QModelIndex& index) const {
     const QRect row = visualRect(index.siblingAtColumn(treePosition()));
     return row.isEmpty() ? -1 : (row.y() + verticalOffset()) / row.height();
@@ -94,15 +101,18 @@ int TickOutline::openRow(const QModelIndex& index) const {
 
 int TickOutline::openRows() const {
     QModelIndex last;
-    while (model() != nullptr && model()->rowCount(last) > 0 && (!last.isValid() || isExpanded(last)))
+    while (model() != nullptr && model()->rowCount(last) > 0 &&
+           (!last.isValid() || isExpanded(last)))
         last = model()->index(model()->rowCount(last) - 1, 0, last);
     return last.isValid() ? openRow(last) + 1 : 0;
 }
 
 QModelIndex TickOutline::indexOfOpenRow(int row, int column) const {
-    const int height = model() != nullptr ? visualRect(model()->index(0, treePosition())).height() : 0;
+    const int height =
+        model() != nullptr ? visualRect(model()->index(0, treePosition())).height() : 0;
     if (height == 0) return {};
-    const QPoint place(columnViewportPosition(treePosition()), row * height - verticalOffset() + height / 2);
+    const QPoint place(columnViewportPosition(treePosition()),
+                       row * height - verticalOffset() + height / 2);
     return indexAt(place).siblingAtColumn(column);
 }
 
@@ -125,7 +135,8 @@ void TickOutline::contextMenuEvent(QContextMenuEvent* event) {
     const QModelIndex index = byKey ? currentIndex() : indexAt(event->pos());
     if (!index.isValid()) return;
     setCurrentIndex(index);
-    Q_EMIT menuWanted(index, byKey ? viewport()->mapToGlobal(visualRect(index).center()) : event->globalPos());
+    Q_EMIT menuWanted(
+        index, byKey ? viewport()->mapToGlobal(visualRect(index).center()) : event->globalPos());
 }
 
 void TickOutline::focusInEvent(QFocusEvent* event) {
@@ -133,14 +144,18 @@ void TickOutline::focusInEvent(QFocusEvent* event) {
     QTreeView::focusInEvent(event);
 }
 
-void TickOutline::drawRow(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
+void TickOutline::drawRow(QPainter* painter, const QStyleOptionViewItem& option,
+                          const QModelIndex& index) const {
     QTreeView::drawRow(painter, option, index);
     const QModelIndex current = currentIndex();
-    if (!m_keyboardFocus.isShown(*this) || index.row() != current.row() || index.parent() != current.parent()) return;
+    if (!m_keyboardFocus.isShown(*this) || index.row() != current.row() ||
+        index.parent() != current.parent())
+        return;
     drawFocusRing(*painter, QRectF(option.rect).adjusted(1, 1, -1, -1), Theme::radiusSmall);
 }
 
-void TickOutline::drawBranches(QPainter* painter, const QRect& rect, const QModelIndex& index) const {
+void TickOutline::drawBranches(QPainter* painter, const QRect& rect,
+                               const QModelIndex& index) const {
     if (!model()->hasChildren(index.siblingAtColumn(0))) return;
     const bool isOpen = isExpanded(index.siblingAtColumn(0));
     const QRect box(rect.right() - indentation() + (indentation() - chevronSide) / 2,

@@ -1,4 +1,5 @@
-// TickOutline: a tree of rows that are ticked, with the keys of such a list and a box over the column of boxes.
+// TickOutline: a tree of rows that are ticked, with the keys of such a list and a box over the
+// column of boxes.
 #pragma once
 
 #include <QTreeView>
@@ -10,8 +11,8 @@ namespace orrinvale {
 class FlatHeader;
 class TickBox;
 
-/// Space ticks the current row, in whatever column the cursor is; Ctrl and space ask for a preview. The menu key and the right
-/// button ask for the menu of the row. Main thread only.
+/// Space ticks the current row, in whatever column the cursor is; Ctrl and space ask for a preview.
+/// The menu key and the right button ask for the menu of the row. Main thread only.
 class TickOutline : public QTreeView {
     Q_OBJECT
 public:
@@ -28,7 +29,8 @@ public:
 
     [[nodiscard]] TickBox* headerBox() const { return m_headerBox; }
 
-    /// The rows that are open, counted from top to bottom, whether they are in view or not; 0 before the list is laid out.
+    /// The rows that are open, counted from top to bottom, whether they are in view or not; 0
+    /// before the list is laid out.
     [[nodiscard]] int openRows() const;
     /// Among these; -1 for a row that is in a closed one.
     [[nodiscard]] int openRow(const QModelIndex& index) const;
@@ -42,15 +44,18 @@ Q_SIGNALS:
     void previewWanted();
 
 public Q_SLOTS:
-    void dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight, const QList<int>& roles) override;
+    void dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight,
+                     const QList<int>& roles) override;
 
 protected:
     void placeHeaderBox();
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
-    void drawRow(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
-    void drawBranches(QPainter* painter, const QRect& rect, const QModelIndex& index) const override;
+    void drawRow(QPainter* painter, const QStyleOptionViewItem& option,
+                 const QModelIndex& index) const override;
+    void drawBranches(QPainter* painter, const QRect& rect,
+                      const QModelIndex& index) const override;
 
 private:
     void followTheme();

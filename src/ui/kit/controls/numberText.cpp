@@ -24,6 +24,8 @@ QString shownSize(const std::string& size) {
     return withDecimalSign(shown);
 }
 
-QString shownPercent(const QString& number) { return NumberText::tr("%1%").arg(withDecimalSign(number)); }
+QString shownPercent(const QString& number) {
+    return NumberText::tr("%1%").arg(withDecimalSign(number));
+}
 
 }  // namespace orrinvale

@@ -24,11 +24,13 @@ QString pictureOf(TickState state) {
 
 // Of the accent, since the row under the box may itself have the colour of hovering.
 void paintHalo(QPainter& painter, const QRectF& around, bool isPressed, bool isOnAccent) {
-    QColor halo = Theme::shared().color(isOnAccent ? Theme::Color::TextOnAccent : Theme::Color::Accent);
+    QColor halo =
+        Theme::shared().color(isOnAccent ? Theme::Color::TextOnAccent : Theme::Color::Accent);
     halo.setAlphaF(isPressed ? 0.28F : 0.16F);
     painter.setPen(Qt::NoPen);
     painter.setBrush(halo);
-    painter.drawRoundedRect(around, Theme::radiusSmall + tickBoxHalo, Theme::radiusSmall + tickBoxHalo);
+    painter.drawRoundedRect(around, Theme::radiusSmall + tickBoxHalo,
+                            Theme::radiusSmall + tickBoxHalo);
 }
 
 // Between the box and a row of its own colour.
@@ -39,7 +41,8 @@ void paintPlate(QPainter& painter, const QRect& box) {
 }
 
 void paintRing(QPainter& painter, const QRectF& around, bool isOnAccent) {
-    const QRectF line = around.adjusted(ringWidth / 2, ringWidth / 2, -ringWidth / 2, -ringWidth / 2);
+    const QRectF line =
+        around.adjusted(ringWidth / 2, ringWidth / 2, -ringWidth / 2, -ringWidth / 2);
     const auto color = isOnAccent ? Theme::Color::TextOnAccent : Theme::Color::FocusRing;
     painter.setPen(QPen(Theme::shared().color(color), ringWidth));
     painter.setBrush(Qt::NoBrush);
@@ -56,7 +59,9 @@ TickState tickState(const QVariant& value) {
     }
 }
 
-TickState stateAfterClick(TickState state) { return state == TickState::All ? TickState::Nothing : TickState::All; }
+TickState stateAfterClick(TickState state) {
+    return state == TickState::All ? TickState::Nothing : TickState::All;
+}
 
 Qt::CheckState checkState(TickState state) {
     if (state == TickState::Some) return Qt::PartiallyChecked;
@@ -66,7 +71,8 @@ Qt::CheckState checkState(TickState state) {
 void paintTickBox(QPainter& painter, const QRect& box, TickState state, const TickLook& look) {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF around = QRectF(box).adjusted(-tickBoxHalo, -tickBoxHalo, tickBoxHalo, tickBoxHalo);
+    const QRectF around =
+        QRectF(box).adjusted(-tickBoxHalo, -tickBoxHalo, tickBoxHalo, tickBoxHalo);
     if (look.isEnabled && (look.isHovered || look.isPressed))
         paintHalo(painter, around, look.isPressed, look.isOnAccent);
     if (!look.isEnabled) painter.setOpacity(painter.opacity() * disabledOpacity);

@@ -1,4 +1,5 @@
-// paintTickBox: the three states of a selection and their one drawing, shared by TickBox and TickBoxDelegate.
+// paintTickBox: the three states of a selection and their one drawing, shared by TickBox and
+// TickBoxDelegate.
 #pragma once
 
 #include <QRect>
@@ -29,10 +30,12 @@ struct TickLook {
     bool isOnAccent = false;  ///< what lies behind has the accent's own colour
 };
 
-/// Width and height of the box in points, and how far its halo and its ring of focus reach beyond it.
+/// Width and height of the box in points, and how far its halo and its ring of focus reach beyond
+/// it.
 inline constexpr int tickBoxSize = 18, tickBoxHalo = 3;
 
-/// Draws "option_no", "option_yes" or "option_a" into the square, with the halo of hovering and the ring of focus around it.
+/// Draws "option_no", "option_yes" or "option_a" into the square, with the halo of hovering and the
+/// ring of focus around it.
 void paintTickBox(QPainter& painter, const QRect& box, TickState state, const TickLook& look);
 
 }  // namespace orrinvale

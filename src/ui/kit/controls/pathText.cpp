@@ -11,7 +11,9 @@ constexpr QLatin1Char slash('/');
 constexpr QChar dots(0x2026);
 
 // "c/d/" of the third name on.
-QString from(const QStringList& names, qsizetype first) { return names.mid(first).join(slash) + slash; }
+QString from(const QStringList& names, qsizetype first) {
+    return names.mid(first).join(slash) + slash;
+}
 
 QString lastOnly(const QString& folder) {
     const qsizetype cut = folder.lastIndexOf(slash, -2);
@@ -30,7 +32,8 @@ QString cutInside(const QString& name, const QFontMetrics& metrics, int width) {
 QString onOneLine(QString text) { return text.replace(QLatin1Char('\n'), QChar(0x2424)); }
 
 QString asToolTip(const QString& text) {
-    return Qt::mightBeRichText(text) ? QStringLiteral("<qt>%1</qt>").arg(text.toHtmlEscaped()) : text;
+    return Qt::mightBeRichText(text) ? QStringLiteral("<qt>%1</qt>").arg(text.toHtmlEscaped())
+                                     : text;
 }
 
 PathParts pathParts(const QString& path) {
@@ -38,30 +41,37 @@ PathParts pathParts(const QString& path) {
     return {path.left(cut), path.mid(cut)};
 }
 
-QString shortenedFolder(const QString& folder, const QString& shared, const QFontMetrics& metrics, int width) {
+QString shortenedFolder(const QString& folder, const QString& shared, const QFontMetrics& metrics,
+                        int width) {
     const auto fits = [&](const QString& text) { return metrics.horizontalAdvance(text) <= width; };
     if (fits(folder)) return folder;
     const QStringList names = folder.split(slash, Qt::SkipEmptyParts);
     if (names.isEmpty()) return folder;
     const qsizetype last = names.size() - 1;
-    const qsizetype first = shared.isEmpty() ? 0 : qMin(shared.split(slash, Qt::SkipEmptyParts).size(), last);
+    const qsizetype first =
+        shared.isEmpty() ? 0 : qMin(shared.split(slash, Qt::SkipEmptyParts).size(), last);
     const QString start = first > 0 ? QString(dots) + slash : QString(slash);
     if (const QString tail = start + from(names, first); fits(tail)) return tail;
     for (qsizetype next = first + 2; next <= last; ++next)
-        if (const QString cut = start + names[first] + slash + dots + slash + from(names, next); fits(cut)) return cut;
+        if (const QString cut = start + names[first] + slash + dots + slash + from(names, next);
+            fits(cut))
+            return cut;
     const QString end = lastOnly(folder);
     return fits(end) ? end : cutInside(names[last], metrics, width);
 }
 
-PathParts shortenedPath(const QString& path, const QString& shared, const QFontMetrics& metrics, int width) {
+PathParts shortenedPath(const QString& path, const QString& shared, const QFontMetrics& metrics,
+                        int width) {
     const PathParts whole = pathParts(path);
     const int nameWidth = metrics.horizontalAdvance(whole.name);
-    const int leastFolder =
-        qMin(metrics.horizontalAdvance(whole.folder), metrics.horizontalAdvance(lastOnly(whole.folder)));
-    const int leastName = metrics.horizontalAdvance(whole.name.left(2) + dots + whole.name.right(4));
+    const int leastFolder = qMin(metrics.horizontalAdvance(whole.folder),
+                                 metrics.horizontalAdvance(lastOnly(whole.folder)));
+    const int leastName =
+        metrics.horizontalAdvance(whole.name.left(2) + dots + whole.name.right(4));
     const int forName = qMin(nameWidth, qMax(width - leastFolder, leastName));
     PathParts shown{shortenedFolder(whole.folder, shared, metrics, width - forName), {}};
-    shown.name = metrics.elidedText(whole.name, Qt::ElideMiddle, width - metrics.horizontalAdvance(shown.folder));
+    shown.name = metrics.elidedText(whole.name, Qt::ElideMiddle,
+                                    width - metrics.horizontalAdvance(shown.folder));
     return shown;
 }
 

@@ -65,7 +65,8 @@ private:
 
 // A '&' in a text is a letter: the sheet has no mnemonics.
 TextImageButton* newButton(const QString& text, TextImageButton::Role role, QWidget* parent) {
-    auto* button = new TextImageButton(QString(text).replace(QLatin1Char('&'), QStringLiteral("&&")), role, parent);
+    auto* button = new TextImageButton(
+        QString(text).replace(QLatin1Char('&'), QStringLiteral("&&")), role, parent);
     button->setAccessibleName(text);
     return button;
 }
@@ -98,7 +99,9 @@ void AlertPanel::addTexts(QBoxLayout& column, const Alert& alert) {
     texts->setSpacing(Theme::gapSmall);
     texts->addStretch();
     const bool hasTitle = !alert.title.trimmed().isEmpty();
-    if (hasTitle) texts->addWidget(new SheetText(alert.title, Theme::Text::Heading, Theme::Color::Text, this));
+    if (hasTitle)
+        texts->addWidget(
+            new SheetText(alert.title, Theme::Text::Heading, Theme::Color::Text, this));
     if (!alert.text.trimmed().isEmpty()) {
         const auto color = hasTitle ? Theme::Color::TextSecondary : Theme::Color::Text;
         texts->addWidget(new SheetText(alert.text, Theme::Text::Body, color, this));
@@ -121,7 +124,8 @@ void AlertPanel::addButtons(QBoxLayout& column, const Alert& alert) {
     for (int index = 0; index < texts.size(); ++index) {
         auto role = TextImageButton::Role::Plain;
         if (index == alert.defaultButton)
-            role = alert.isDestructive ? TextImageButton::Role::Danger : TextImageButton::Role::Primary;
+            role = alert.isDestructive ? TextImageButton::Role::Danger
+                                       : TextImageButton::Role::Primary;
         auto* button = newButton(texts.at(index), role, this);
         connect(button, &TextImageButton::clicked, this, [this, index] { Q_EMIT pressed(index); });
         m_buttons.push_back(button);

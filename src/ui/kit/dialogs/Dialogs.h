@@ -1,4 +1,5 @@
-// Dialogs: how a page asks the user. WindowDialogs.h shows the questions; tests answer them without a screen.
+// Dialogs: how a page asks the user. WindowDialogs.h shows the questions; tests answer them without
+// a screen.
 #pragma once
 
 #include <QCoreApplication>
@@ -21,7 +22,8 @@ struct Alert {
     QString text;   ///< what follows from it
     QStringList buttons{QCoreApplication::translate("Dialogs", "OK")};
     int defaultButton = 0;  ///< taken by Enter: where the keyboard stands at first
-    int cancelButton = -1;  ///< taken by Escape; -1 for none, yet a single button is always taken by it
+    int cancelButton =
+        -1;  ///< taken by Escape; -1 for none, yet a single button is always taken by it
     Severity severity = Severity::Information;
     bool isDestructive = false;  ///< the default button removes something, and looks like it
     QString picture;             ///< by name, in place of the sign of the severity
@@ -32,14 +34,15 @@ struct Alert {
 /// What may be chosen, and where the choice starts. Links are followed to what they stand for.
 struct PathChoice {
     QString title = QCoreApplication::translate("Dialogs", "Choose a path to search");
-    QString prompt = QCoreApplication::translate("Dialogs", "Choose");  ///< on the button that accepts
-    std::string directory;                                              ///< exact bytes; the home folder when empty
-    bool withFiles = false;                                             ///< files too, not only folders
+    QString prompt =
+        QCoreApplication::translate("Dialogs", "Choose");  ///< on the button that accepts
+    std::string directory;   ///< exact bytes; the home folder when empty
+    bool withFiles = false;  ///< files too, not only folders
     bool withSeveral = false;
 };
 
-/// Nothing here waits: an operation returns at once, and the callback comes later from the event loop, exactly once, or
-/// never when the window has ended. Main thread only.
+/// Nothing here waits: an operation returns at once, and the callback comes later from the event
+/// loop, exactly once, or never when the window has ended. Main thread only.
 class Dialogs {
 public:
     /// The index of the button; the cancel button's, or -1, when the question could not be shown.
@@ -64,13 +67,15 @@ protected:
     return alert.cancelButton < alert.buttons.size() ? alert.cancelButton : -1;
 }
 
-/// Whether everything that is selected on a page may be removed: 0 for yes, 1 for no, which Escape gives too.
+/// Whether everything that is selected on a page may be removed: 0 for yes, 1 for no, which Escape
+/// gives too.
 [[nodiscard]] inline Alert removalQuestion() {
     Alert question;
-    question.title = QCoreApplication::translate("Dialogs", "Are you sure you want to delete all your selected files?");
+    question.title = QCoreApplication::translate(
+        "Dialogs", "Are you sure you want to delete all your selected files?");
     question.text = QStringLiteral(" ");
-    question.buttons =
-        QStringList{QCoreApplication::translate("Dialogs", "Sure"), QCoreApplication::translate("Dialogs", "Cancel")};
+    question.buttons = QStringList{QCoreApplication::translate("Dialogs", "Sure"),
+                                   QCoreApplication::translate("Dialogs", "Cancel")};
     question.cancelButton = 1;
     question.severity = Alert::Severity::Warning;
     question.isDestructive = true;

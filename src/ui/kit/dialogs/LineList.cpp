@@ -27,7 +27,8 @@ constexpr QSize usualSize{620, 380};
 QStringList linesOf(const std::vector<Error>& errors) {
     QStringList lines;
     for (const Error& error : errors)
-        lines.push_back(inWords(error.reason()) + QStringLiteral(": ") + onOneLine(QString::fromStdString(error.path)));
+        lines.push_back(inWords(error.reason()) + QStringLiteral(": ") +
+                        onOneLine(QString::fromStdString(error.path)));
     return lines;
 }
 

@@ -1,4 +1,5 @@
-// LineList: a plain window with lines to read and to copy: what could not be read, what could not be removed.
+// LineList: a plain window with lines to read and to copy: what could not be read, what could not
+// be removed.
 #pragma once
 
 #include <QStringList>
@@ -14,20 +15,24 @@ class QWidget;
 
 namespace orrinvale {
 
-/// Opens a window of its own, not modal, that deletes itself when it is closed; Escape closes it. Main thread only.
+/// Opens a window of its own, not modal, that deletes itself when it is closed; Escape closes it.
+/// Main thread only.
 void showLineList(QWidget* parent, const QString& title, const QStringList& lines);
 
 /// A line for each: "reason: path".
 [[nodiscard]] QStringList linesOf(const std::vector<Error>& errors);
 
-/// Paths under their reasons, each reason with how many they are. A failure has a `path` in exact bytes and a `reason`.
+/// Paths under their reasons, each reason with how many they are. A failure has a `path` in exact
+/// bytes and a `reason`.
 template <class Failures> [[nodiscard]] QStringList linesByReason(const Failures& failures) {
     std::map<std::string, QStringList> byReason;
     for (const auto& failure : failures)
-        byReason[failure.reason].push_back(QStringLiteral("    ") + onOneLine(QString::fromStdString(failure.path)));
+        byReason[failure.reason].push_back(QStringLiteral("    ") +
+                                           onOneLine(QString::fromStdString(failure.path)));
     QStringList lines;
     for (const auto& [reason, paths] : byReason) {
-        lines.push_back(QStringLiteral("%1 (%2)").arg(inWords(reason), QString::number(paths.size())));
+        lines.push_back(
+            QStringLiteral("%1 (%2)").arg(inWords(reason), QString::number(paths.size())));
         lines.append(paths);
     }
     return lines;

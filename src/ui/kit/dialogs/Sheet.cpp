@@ -49,7 +49,8 @@ Sheet::Sheet(QWidget& widget, QWidget* content) : QWidget(widget.window()), m_co
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_NoMousePropagation);
     qApp->installEventFilter(this);
-    connect(qApp, &QApplication::focusChanged, this, [this](QWidget* /*before*/, QWidget* now) { keepFocus(now); });
+    connect(qApp, &QApplication::focusChanged, this,
+            [this](QWidget* /*before*/, QWidget* now) { keepFocus(now); });
     connect(&Theme::shared(), &Theme::changed, this, [this] { update(); });
     connect(&m_slide, &QVariantAnimation::valueChanged, this, [this](const QVariant& value) {
         m_shown = value.toReal();
@@ -83,7 +84,8 @@ void Sheet::close(std::function<void()> ended) {
     });
 }
 
-// Ends from the event loop also where nothing moves, so that a caller sees the same order everywhere.
+// Ends from the event loop also where nothing moves, so that a caller sees the same order
+// everywhere.
 void Sheet::slide(qreal from, qreal to, std::function<void()> ended) {
     m_slide.stop();
     m_slideEnded = std::move(ended);
@@ -118,7 +120,9 @@ void Sheet::keepFocus(QWidget* now) {
 }
 
 // As if the keyboard had brought it: the button that Enter presses has its ring from the start.
-void Sheet::takeFocus() { (m_first.isNull() ? this : m_first.data())->setFocus(Qt::OtherFocusReason); }
+void Sheet::takeFocus() {
+    (m_first.isNull() ? this : m_first.data())->setFocus(Qt::OtherFocusReason);
+}
 
 // Children stand in the order in which they lie over each other.
 bool Sheet::isUnderOther() const {
@@ -128,12 +132,14 @@ bool Sheet::isUnderOther() const {
 
 void Sheet::giveFocusBack() {
     QWidget* before = m_focusBefore.data();
-    if (before != nullptr && before->isVisible() && before->isEnabled()) before->setFocus(Qt::PopupFocusReason);
+    if (before != nullptr && before->isVisible() && before->isEnabled())
+        before->setFocus(Qt::PopupFocusReason);
     else if (isInside(*this, window()->focusWidget())) window()->setFocus(Qt::PopupFocusReason);
 }
 
 bool Sheet::event(QEvent* event) {
-    // Taken here, a key comes to the sheet's own widgets and not to the shortcuts of the page below.
+    // Taken here, a key comes to the sheet's own widgets and not to the shortcuts of the page
+    // below.
     if (event->type() == QEvent::ShortcutOverride) {
         event->accept();
         return true;
@@ -146,7 +152,9 @@ bool Sheet::eventFilter(QObject* watched, QEvent* event) {
     // The Enter that brought the sheet up may still be held down, and must not answer it.
     if (event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease) {
         const auto& key = static_cast<const QKeyEvent&>(*event);
-        if (key.isAutoRepeat() && isActivation(key) && isInside(*this, qobject_cast<QWidget*>(watched))) return true;
+        if (key.isAutoRepeat() && isActivation(key) &&
+            isInside(*this, qobject_cast<QWidget*>(watched)))
+            return true;
     }
     return QWidget::eventFilter(watched, event);
 }
@@ -157,7 +165,8 @@ bool Sheet::focusNextPrevChild(bool isNext) {
     for (QWidget* const start = each;;) {
         each = isNext ? each->nextInFocusChain() : each->previousInFocusChain();
         if (each == start) return true;  // nobody else takes it
-        if (!m_content->isAncestorOf(each) || !each->isVisibleTo(this) || !each->isEnabled()) continue;
+        if (!m_content->isAncestorOf(each) || !each->isVisibleTo(this) || !each->isEnabled())
+            continue;
         if (!(each->focusPolicy() & Qt::TabFocus)) continue;
         each->setFocus(isNext ? Qt::TabFocusReason : Qt::BacktabFocusReason);
         return true;
@@ -174,16 +183,19 @@ void Sheet::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     QColor dim(Qt::black);
-    dim.setAlphaF(static_cast<float>((theme.scheme() == Theme::Scheme::Dark ? 0.45 : 0.25) * m_shown));
+    dim.setAlphaF(
+        static_cast<float>((theme.scheme() == Theme::Scheme::Dark ? 0.45 : 0.25) * m_shown));
     painter.fillRect(rect(), dim);
     const QRectF panel = m_content->geometry();
-    // A soft shadow of many thin layers; QGraphicsDropShadowEffect would render the content at scale 1.
+    // A soft shadow of many thin layers; QGraphicsDropShadowEffect would render the content at
+    // scale 1.
     QColor shadow = theme.color(Theme::Color::Shadow);
     shadow.setAlphaF(shadow.alphaF() * shadowStep / shadowReach);
     painter.setPen(Qt::NoPen);
     painter.setBrush(shadow);
     for (int reach = shadowReach; reach > 0; reach -= shadowStep)
-        painter.drawPath(panelShape(panel.adjusted(-reach, 0, reach, reach), Theme::radiusWindow + reach));
+        painter.drawPath(
+            panelShape(panel.adjusted(-reach, 0, reach, reach), Theme::radiusWindow + reach));
     painter.setBrush(theme.color(Theme::Color::SurfaceRaised));
     painter.setPen(QPen(theme.color(Theme::Color::Line), 1));
     painter.drawPath(panelShape(panel.adjusted(0.5, -1.0, -0.5, -0.5), Theme::radiusWindow));

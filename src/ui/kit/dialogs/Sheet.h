@@ -1,4 +1,5 @@
-// Sheet: a panel that slides from the title bar of a window and keeps the rest of it out of reach until it is answered.
+// Sheet: a panel that slides from the title bar of a window and keeps the rest of it out of reach
+// until it is answered.
 #pragma once
 
 #include <QPointer>
@@ -9,21 +10,23 @@
 
 namespace orrinvale {
 
-/// Lies over a window, its title bar left free (see SheetHost.h), and dims it. Inside, Tab goes round, Escape calls cancelled(), a held-down Enter or space bar does nothing,
-/// and no shortcut of the window gets through. At the end the keyboard goes back to where it was, and the sheet deletes
-/// itself. A second sheet of the window lies over the first. Main thread only.
+/// Lies over a window, its title bar left free (see SheetHost.h), and dims it. Inside, Tab goes
+/// round, Escape calls cancelled(), a held-down Enter or space bar does nothing, and no shortcut of
+/// the window gets through. At the end the keyboard goes back to where it was, and the sheet
+/// deletes itself. A second sheet of the window lies over the first. Main thread only.
 class Sheet final : public QWidget {
     Q_OBJECT
 public:
-    /// A child of the window that `widget` lies in; owns `content`, which has the size that its layout asks for, less where the
-    /// window is smaller.
+    /// A child of the window that `widget` lies in; owns `content`, which has the size that its
+    /// layout asks for, less where the window is smaller.
     Sheet(QWidget& widget, QWidget* content);
     ~Sheet() override;
 
     /// Slides in and gives the keyboard to `first`, a child of the content.
     void open(QWidget* first);
 
-    /// Slides out, gives the keyboard back, runs `ended` and ends the sheet. Only the first call counts.
+    /// Slides out, gives the keyboard back, runs `ended` and ends the sheet. Only the first call
+    /// counts.
     void close(std::function<void()> ended);
 
     [[nodiscard]] QWidget* content() const { return m_content; }

@@ -13,7 +13,8 @@ public:
     /// What lies below the title bar, in the coordinates of the window's widget.
     [[nodiscard]] virtual QRect sheetArea() const = 0;
 
-    /// A sheet has come to the top of the window's children; what must lie over everything comes up again.
+    /// A sheet has come to the top of the window's children; what must lie over everything comes up
+    /// again.
     virtual void sheetRaised() {}
 
 protected:

@@ -43,23 +43,27 @@ std::string withoutLink(std::string path) {
 std::vector<std::string> pathsOf(const QStringList& names) {
     std::vector<std::string> paths;
     paths.reserve(static_cast<std::size_t>(names.size()));
-    for (const QString& name : names) paths.push_back(withoutLink(QFile::encodeName(name).toStdString()));
+    for (const QString& name : names)
+        paths.push_back(withoutLink(QFile::encodeName(name).toStdString()));
     return paths;
 }
 
-// Qt's own dialog: it looks like the rest of the window on every desktop, and it is the one that is tested. Its accept() enters a
-// folder where files may be chosen too, and waits in a message box where a name is wrong.
+// Qt's own dialog: it looks like the rest of the window on every desktop, and it is the one that is
+// tested. Its accept() enters a folder where files may be chosen too, and waits in a message box
+// where a name is wrong.
 class PathChooser final : public QFileDialog {
 public:
-    PathChooser(QWidget& window, const PathChoice& choice) : QFileDialog(&window, choice.title), m_choice(choice) {
+    PathChooser(QWidget& window, const PathChoice& choice)
+        : QFileDialog(&window, choice.title), m_choice(choice) {
         setAttribute(Qt::WA_DeleteOnClose);
         setWindowModality(Qt::WindowModal);
         setOption(QFileDialog::DontUseNativeDialog);
         setOption(QFileDialog::ShowDirsOnly, !choice.withFiles);
         setFileMode(choice.withFiles ? QFileDialog::ExistingFiles : QFileDialog::Directory);
         setLabelText(QFileDialog::Accept, choice.prompt);
-        setDirectory(choice.directory.empty() ? QDir::homePath()
-                                              : QFile::decodeName(QByteArray::fromStdString(choice.directory)));
+        setDirectory(choice.directory.empty()
+                         ? QDir::homePath()
+                         : QFile::decodeName(QByteArray::fromStdString(choice.directory)));
         tidy();
     }
 
@@ -71,7 +75,8 @@ public:
             return m_choice.withFiles ? std::filesystem::exists(path, failure)
                                       : std::filesystem::is_directory(path, failure);
         });
-        // NOLINTNEXTLINE(bugprone-parent-virtual-call): the chooser's own way looks the selection over by rules of its own
+        // NOLINTNEXTLINE(bugprone-parent-virtual-call): the chooser's own way looks the selection
+        // over by rules of its own
         if (areThere && !m_paths.empty()) QDialog::done(QDialog::Accepted);
     }
 
@@ -102,7 +107,8 @@ void WindowDialogs::alert(QWidget* window, const Alert& alert, Answer answered) 
     QWidget* const parent = windowFor(window);
     const int escape = escapeButton(alert);
     if (parent == nullptr) {
-        Log::line(fmt::format("no window for the alert: {} {}", alert.title.toStdString(), alert.text.toStdString()));
+        Log::line(fmt::format("no window for the alert: {} {}", alert.title.toStdString(),
+                              alert.text.toStdString()));
         QTimer::singleShot(0, qApp, [answered = std::move(answered), escape] { answered(escape); });
         return;
     }
@@ -127,9 +133,10 @@ void WindowDialogs::choosePaths(QWidget* window, const PathChoice& choice, Paths
         return;
     }
     auto* chooser = new PathChooser(*parent, choice);  // ends itself
-    QObject::connect(chooser, &QDialog::finished, chooser, [chooser, chosen = std::move(chosen)](int result) {
-        chosen(result == QDialog::Accepted ? chooser->paths() : std::vector<std::string>());
-    });
+    QObject::connect(
+        chooser, &QDialog::finished, chooser, [chooser, chosen = std::move(chosen)](int result) {
+            chosen(result == QDialog::Accepted ? chooser->paths() : std::vector<std::string>());
+        });
     chooser->open();
 }
 

@@ -128,7 +128,8 @@ QString inWords(const std::string& reason) {
     for (const char* const known : beginnings) {
         const std::string_view beginning(known, std::string_view(known).size() - filledIn);
         if (reason.starts_with(beginning))
-            return QCoreApplication::translate(context, known).arg(inWords(reason.substr(beginning.size())));
+            return QCoreApplication::translate(context, known)
+                .arg(inWords(reason.substr(beginning.size())));
     }
     return QString::fromStdString(reason);
 }

@@ -37,7 +37,8 @@ Alert stayedAlert(const RemovalOutcome& outcome) {
     for (const StayedEntry& each : outcome.stayed) ++counts[inWords(each.reason)];
     std::vector<std::pair<std::size_t, QString>> reasons;
     for (const auto& [reason, count] : counts) reasons.emplace_back(count, reason);
-    std::stable_sort(reasons.begin(), reasons.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
+    std::stable_sort(reasons.begin(), reasons.end(),
+                     [](const auto& a, const auto& b) { return a.first > b.first; });
     QStringList lines;
     for (const auto& [count, reason] : reasons) {
         if (std::size_t(lines.size()) == mostReasons) {

@@ -15,7 +15,8 @@ namespace orrinvale {
 /// "2 could not be removed"; empty where everything went.
 [[nodiscard]] QString stayedText(const RemovalOutcome& outcome);
 
-/// The sheet for entries that stay though nobody lacks a right: the reasons, the most frequent ones first.
+/// The sheet for entries that stay though nobody lacks a right: the reasons, the most frequent ones
+/// first.
 [[nodiscard]] Alert stayedAlert(const RemovalOutcome& outcome);
 
 }  // namespace orrinvale

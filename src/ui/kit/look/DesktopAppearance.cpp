@@ -14,8 +14,10 @@ struct Names {
     QString object = QStringLiteral("/org/freedesktop/portal/desktop");
     QString interface = QStringLiteral("org.freedesktop.portal.Settings");
     // The group of a setting and its key.
-    QStringList scheme{QStringLiteral("org.freedesktop.appearance"), QStringLiteral("color-scheme")};
-    QStringList animations{QStringLiteral("org.gnome.desktop.interface"), QStringLiteral("enable-animations")};
+    QStringList scheme{QStringLiteral("org.freedesktop.appearance"),
+                       QStringLiteral("color-scheme")};
+    QStringList animations{QStringLiteral("org.gnome.desktop.interface"),
+                           QStringLiteral("enable-animations")};
     QStringList doubleClick{QStringLiteral("org.gnome.desktop.wm.preferences"),
                             QStringLiteral("action-double-click-titlebar")};
 };
@@ -28,8 +30,8 @@ const Names& names() {
 constexpr int patience = 200;  // milliseconds
 
 QDBusMessage questionFor(const QStringList& setting) {
-    QDBusMessage read =
-        QDBusMessage::createMethodCall(names().service, names().object, names().interface, QStringLiteral("Read"));
+    QDBusMessage read = QDBusMessage::createMethodCall(names().service, names().object,
+                                                       names().interface, QStringLiteral("Read"));
     read << setting.at(0) << setting.at(1);
     return read;
 }
@@ -42,27 +44,32 @@ QVariant unwrapped(QVariant value) {
 
 }  // namespace
 
-DesktopAppearance::DesktopAppearance(const QDBusConnection& bus, QObject* parent) : QObject(parent) {
+DesktopAppearance::DesktopAppearance(const QDBusConnection& bus, QObject* parent)
+    : QObject(parent) {
     if (!bus.isConnected()) return;
-    QDBusConnection(bus).connect(names().service, names().object, names().interface, QStringLiteral("SettingChanged"),
-                                 this, SLOT(settingChanged(QDBusMessage)));
+    QDBusConnection(bus).connect(names().service, names().object, names().interface,
+                                 QStringLiteral("SettingChanged"), this,
+                                 SLOT(settingChanged(QDBusMessage)));
     const QDBusMessage question = questionFor(names().scheme);
     const QDBusMessage reply = bus.call(question, QDBus::Block, patience);
     if (reply.type() == QDBusMessage::ReplyMessage && !reply.arguments().isEmpty())
         takeScheme(reply.arguments().constFirst());
-    else if (QDBusError(reply).type() == QDBusError::NoReply) takeLater(bus, question, &DesktopAppearance::takeScheme);
+    else if (QDBusError(reply).type() == QDBusError::NoReply)
+        takeLater(bus, question, &DesktopAppearance::takeScheme);
     else return;  // there is no such service
     takeLater(bus, questionFor(names().animations), &DesktopAppearance::takeAnimations);
     takeLater(bus, questionFor(names().doubleClick), &DesktopAppearance::takeTitleDoubleClick);
 }
 
-void DesktopAppearance::takeLater(const QDBusConnection& bus, const QDBusMessage& question, Taker taker) {
+void DesktopAppearance::takeLater(const QDBusConnection& bus, const QDBusMessage& question,
+                                  Taker taker) {
     const auto* late = new QDBusPendingCallWatcher(bus.asyncCall(question), this);
-    connect(late, &QDBusPendingCallWatcher::finished, this, [this, taker](QDBusPendingCallWatcher* call) {
-        const QDBusPendingReply<QDBusVariant> answer = *call;
-        if (answer.isValid()) (this->*taker)(answer.value().variant());
-        call->deleteLater();
-    });
+    connect(late, &QDBusPendingCallWatcher::finished, this,
+            [this, taker](QDBusPendingCallWatcher* call) {
+                const QDBusPendingReply<QDBusVariant> answer = *call;
+                if (answer.isValid()) (this->*taker)(answer.value().variant());
+                call->deleteLater();
+            });
 }
 
 void DesktopAppearance::settingChanged(const QDBusMessage& message) {
@@ -85,7 +92,8 @@ void DesktopAppearance::takeScheme(const QVariant& value) {
 }
 
 void DesktopAppearance::takeAnimations(const QVariant& value) {
-    if (const QVariant plain = unwrapped(value); plain.userType() == QMetaType::Bool) m_animates = plain.toBool();
+    if (const QVariant plain = unwrapped(value); plain.userType() == QMetaType::Bool)
+        m_animates = plain.toBool();
 }
 
 void DesktopAppearance::takeTitleDoubleClick(const QVariant& value) {

@@ -1,5 +1,5 @@
-// DesktopAppearance: whether the desktop prefers dark and moves things, and what a double click on a title bar does there, from the
-// settings service that the desktops share.
+// DesktopAppearance: whether the desktop prefers dark and moves things, and what a double click on
+// a title bar does there, from the settings service that the desktops share.
 #pragma once
 
 #include <QDBusConnection>
@@ -11,15 +11,16 @@
 
 namespace orrinvale {
 
-/// Reads "color-scheme" of "org.freedesktop.appearance" from org.freedesktop.portal.Settings (0 no preference, 1 dark,
-/// 2 light), "enable-animations" of "org.gnome.desktop.interface" and "action-double-click-titlebar" of
-/// "org.gnome.desktop.wm.preferences", and follows them. Desktops whose palette Qt does not know,
-/// GNOME among them, tell it only there. Main thread.
+/// Reads "color-scheme" of "org.freedesktop.appearance" from org.freedesktop.portal.Settings (0 no
+/// preference, 1 dark, 2 light), "enable-animations" of "org.gnome.desktop.interface" and
+/// "action-double-click-titlebar" of "org.gnome.desktop.wm.preferences", and follows them. Desktops
+/// whose palette Qt does not know, GNOME among them, tell it only there. Main thread.
 class DesktopAppearance final : public QObject {
     Q_OBJECT
 public:
-    /// Asks for the scheme, and waits at most a fifth of a second: a window that comes up light and turns dark is worse than
-    /// that. A service that is only being started answers later, through changed(); so do the other answers.
+    /// Asks for the scheme, and waits at most a fifth of a second: a window that comes up light and
+    /// turns dark is worse than that. A service that is only being started answers later, through
+    /// changed(); so do the other answers.
     DesktopAppearance(const QDBusConnection& bus, QObject* parent);
 
     /// None without the service, or where the user has no preference.

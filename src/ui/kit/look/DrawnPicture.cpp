@@ -1,4 +1,5 @@
-// How the numbered pictures and the plates are drawn. Read named() first: a table of endings decides on the family.
+// How the numbered pictures and the plates are drawn. Read named() first: a table of endings
+// decides on the family.
 #include "ui/kit/look/DrawnPicture.h"
 
 #include <QPainter>
@@ -70,13 +71,16 @@ std::optional<int> numberIn(QStringView name, const NumberedForm& form) {
     if (!name.startsWith(before) || !name.endsWith(after)) return std::nullopt;
     if (name.size() <= before.size() + after.size()) return std::nullopt;
     const QStringView digits = name.mid(before.size(), name.size() - before.size() - after.size());
-    const bool plain = std::all_of(digits.begin(), digits.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
-    if (!plain || digits.size() > 3 || (digits.size() > 1 && digits.front() == u'0')) return std::nullopt;
+    const bool plain =
+        std::all_of(digits.begin(), digits.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
+    if (!plain || digits.size() > 3 || (digits.size() > 1 && digits.front() == u'0'))
+        return std::nullopt;
     const int number = digits.toInt();
     return number < form.first || number > form.last ? std::nullopt : std::optional(number);
 }
 
-// A full bar is as round at its end as an empty one; a little of something is never shown as nothing.
+// A full bar is as round at its end as an empty one; a little of something is never shown as
+// nothing.
 void drawBar(QPainter& painter, const QRectF& rectangle, double part, QColor track, QColor fill) {
     const double round = rectangle.height() / 2;
     QPainterPath pill;
@@ -97,13 +101,16 @@ QRectF squareIn(const QRectF& rectangle) {
     return square;
 }
 
-// The desktop's panel may be light or dark whatever our scheme is, so the gauge stands on a plate of its own. The warning
-// differs in its mark too, for eyes that see no red.
-void drawGauge(QPainter& painter, const QRectF& rectangle, int percent, bool warning, Theme::Scheme scheme) {
+// The desktop's panel may be light or dark whatever our scheme is, so the gauge stands on a plate
+// of its own. The warning differs in its mark too, for eyes that see no red.
+void drawGauge(QPainter& painter, const QRectF& rectangle, int percent, bool warning,
+               Theme::Scheme scheme) {
     const auto color = [scheme](Color role) { return Theme::color(role, scheme); };
     const QRectF square = squareIn(rectangle);
     const double unit = square.width() / 22;
-    const auto inset = [&](double by) { return square.adjusted(by * unit, by * unit, -by * unit, -by * unit); };
+    const auto inset = [&](double by) {
+        return square.adjusted(by * unit, by * unit, -by * unit, -by * unit);
+    };
     painter.setPen(Qt::NoPen);
     painter.setBrush(color(Color::Surface));
     painter.drawEllipse(inset(0.5));
@@ -157,15 +164,21 @@ struct PlateColors {
 PlateColors plateColors(bool primary, State state) {
     switch (state) {
         case State::Hover:
-            return primary ? PlateColors{Color::AccentHover, {}} : PlateColors{Color::Hover, Color::Line};
+            return primary ? PlateColors{Color::AccentHover, {}}
+                           : PlateColors{Color::Hover, Color::Line};
         case State::Press:
-            return primary ? PlateColors{Color::AccentPressed, {}} : PlateColors{Color::Pressed, Color::Outline};
-        case State::Disable: return primary ? PlateColors{Color::Line, {}} : PlateColors{Color::Window, Color::Line};
-        default: return primary ? PlateColors{Color::Accent, {}} : PlateColors{Color::Surface, Color::Line};
+            return primary ? PlateColors{Color::AccentPressed, {}}
+                           : PlateColors{Color::Pressed, Color::Outline};
+        case State::Disable:
+            return primary ? PlateColors{Color::Line, {}} : PlateColors{Color::Window, Color::Line};
+        default:
+            return primary ? PlateColors{Color::Accent, {}}
+                           : PlateColors{Color::Surface, Color::Line};
     }
 }
 
-void drawPlate(QPainter& painter, const QRectF& rectangle, const QString& name, State state, Theme::Scheme scheme) {
+void drawPlate(QPainter& painter, const QRectF& rectangle, const QString& name, State state,
+               Theme::Scheme scheme) {
     const double unit = rectangle.height() / buttonSize.height();
     const PlateColors colors = plateColors(name.startsWith(QLatin1String("btn_pri")), state);
     painter.setBrush(Theme::color(colors.fill, scheme));
@@ -184,7 +197,8 @@ void drawPlate(QPainter& painter, const QRectF& rectangle, const QString& name, 
 
 std::optional<DrawnPicture> DrawnPicture::named(const QString& name) {
     for (const FixedForm& form : fixedForms) {
-        if (name == QLatin1String(form.name)) return DrawnPicture(form.family, form.state, 0, form.size, name);
+        if (name == QLatin1String(form.name))
+            return DrawnPicture(form.family, form.state, 0, form.size, name);
     }
     for (const NumberedForm& form : numberedForms) {
         if (const auto number = numberIn(name, form))
@@ -197,7 +211,8 @@ QStringList DrawnPicture::names() {
     QStringList names;
     for (const FixedForm& form : fixedForms) names << QString::fromLatin1(form.name);
     for (const NumberedForm& form : numberedForms)
-        names << QLatin1String(form.before) % QString::number(form.first) % QLatin1String(form.after);
+        names << QLatin1String(form.before) % QString::number(form.first) %
+                     QLatin1String(form.after);
     return names;
 }
 

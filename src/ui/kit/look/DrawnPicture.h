@@ -1,4 +1,5 @@
-// The drawings that are code: the numbered families, and the plates of buttons and tabs, whose corners keep their radius.
+// The drawings that are code: the numbered families, and the plates of buttons and tabs, whose
+// corners keep their radius.
 #pragma once
 
 #include <QSize>
@@ -26,7 +27,8 @@ public:
     };
     enum class State { Normal, Hover, Press, Disable, On, Warning };
 
-    /// None for a name of no family, a number out of its range among them, or one with a leading zero.
+    /// None for a name of no family, a number out of its range among them, or one with a leading
+    /// zero.
     [[nodiscard]] static std::optional<DrawnPicture> named(const QString& name);
 
     /// Every plate, and of each numbered family the first.
@@ -39,7 +41,11 @@ public:
 
 private:
     DrawnPicture(Family family, State state, int number, QSize size, QString name)
-        : m_family(family), m_state(state), m_number(number), m_size(size), m_name(std::move(name)) {}
+        : m_family(family),
+          m_state(state),
+          m_number(number),
+          m_size(size),
+          m_name(std::move(name)) {}
 
     Family m_family;
     State m_state;

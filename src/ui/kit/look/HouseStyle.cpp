@@ -1,4 +1,5 @@
-// HouseStyle: see HouseStyle.h. A style sheet would do the same, but it takes the row heights of every view with it.
+// HouseStyle: see HouseStyle.h. A style sheet would do the same, but it takes the row heights of
+// every view with it.
 #include "ui/kit/look/HouseStyle.h"
 
 #include <QPainter>
@@ -26,8 +27,8 @@ QRect sliderRect(const QStyleOptionSlider& bar) {
     if (range > 0)
         length = std::clamp(static_cast<int>(qint64{bar.pageStep} * room / (range + bar.pageStep)),
                             std::min(shortestBar, room), room);
-    const int start =
-        QStyle::sliderPositionFromValue(bar.minimum, bar.maximum, bar.sliderPosition, room - length, bar.upsideDown);
+    const int start = QStyle::sliderPositionFromValue(bar.minimum, bar.maximum, bar.sliderPosition,
+                                                      room - length, bar.upsideDown);
     return isAcross ? QRect(bar.rect.x() + start, bar.rect.y(), length, bar.rect.height())
                     : QRect(bar.rect.x(), bar.rect.y() + start, bar.rect.width(), length);
 }
@@ -36,12 +37,14 @@ void drawScrollBar(QPainter& painter, const QStyleOptionSlider& bar) {
     const Theme& theme = Theme::shared();
     painter.fillRect(bar.rect, theme.color(Theme::Color::Surface));
     if (bar.minimum == bar.maximum) return;
-    const bool isHeld =
-        bar.state.testFlag(QStyle::State_Sunken) && bar.activeSubControls.testFlag(QStyle::SC_ScrollBarSlider);
+    const bool isHeld = bar.state.testFlag(QStyle::State_Sunken) &&
+                        bar.activeSubControls.testFlag(QStyle::SC_ScrollBarSlider);
     // Whole colours: what shines through leaves too little contrast for those who see less.
     const bool isUnderPointer = isHeld || bar.state.testFlag(QStyle::State_MouseOver);
-    const QColor color = theme.color(isUnderPointer ? Theme::Color::TextSecondary : Theme::Color::Outline);
-    const QRectF shape = QRectF(sliderRect(bar)).adjusted(barMargin, barMargin, -barMargin, -barMargin);
+    const QColor color =
+        theme.color(isUnderPointer ? Theme::Color::TextSecondary : Theme::Color::Outline);
+    const QRectF shape =
+        QRectF(sliderRect(bar)).adjusted(barMargin, barMargin, -barMargin, -barMargin);
     const qreal radius = std::min(shape.width(), shape.height()) / 2;
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
@@ -55,8 +58,8 @@ void drawScrollBar(QPainter& painter, const QStyleOptionSlider& bar) {
 
 HouseStyle::HouseStyle() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
 
-void HouseStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
-                                    const QWidget* widget) const {
+void HouseStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                                    QPainter* painter, const QWidget* widget) const {
     const auto* const bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
     if (control == CC_ScrollBar && bar != nullptr) drawScrollBar(*painter, *bar);
     else QProxyStyle::drawComplexControl(control, option, painter, widget);
@@ -69,8 +72,8 @@ void HouseStyle::drawControl(ControlElement element, const QStyleOption* option,
     else QProxyStyle::drawControl(element, option, painter, widget);
 }
 
-void HouseStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
-                               const QWidget* widget) const {
+void HouseStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
+                               QPainter* painter, const QWidget* widget) const {
     if (element == PE_PanelMenu) {
         drawMenuPanel(*painter, option->rect);
         return;
@@ -84,15 +87,16 @@ void HouseStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setPen(Theme::shared().color(Theme::Color::Line));
     painter->setBrush(Qt::NoBrush);
-    painter->drawRoundedRect(QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5), Theme::radiusSmall,
-                             Theme::radiusSmall);
+    painter->drawRoundedRect(QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5),
+                             Theme::radiusSmall, Theme::radiusSmall);
     painter->restore();
 }
 
-QRect HouseStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
-                                 const QWidget* widget) const {
+QRect HouseStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option,
+                                 SubControl part, const QWidget* widget) const {
     const auto* const bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
-    if (control != CC_ScrollBar || bar == nullptr) return QProxyStyle::subControlRect(control, option, part, widget);
+    if (control != CC_ScrollBar || bar == nullptr)
+        return QProxyStyle::subControlRect(control, option, part, widget);
     const QRect slider = sliderRect(*bar);
     const bool isAcross = bar->orientation == Qt::Horizontal;
     QRect place;  // without arrows
@@ -109,14 +113,15 @@ QRect HouseStyle::subControlRect(ComplexControl control, const QStyleOptionCompl
     return visualRect(bar->direction, bar->rect, place);
 }
 
-QSize HouseStyle::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
-                                   const QWidget* widget) const {
+QSize HouseStyle::sizeFromContents(ContentsType type, const QStyleOption* option,
+                                   const QSize& contents, const QWidget* widget) const {
     const auto* const row = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
     if (type == CT_MenuItem && row != nullptr) return menuRowSize(*row, contents);
     return QProxyStyle::sizeFromContents(type, option, contents, widget);
 }
 
-int HouseStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {
+int HouseStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
+                            const QWidget* widget) const {
     if (metric == PM_ScrollBarExtent) return barExtent;
     if (metric == PM_ScrollBarSliderMin) return shortestBar;
     if (metric == PM_MenuVMargin) return menuPadding;

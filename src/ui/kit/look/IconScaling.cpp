@@ -1,4 +1,5 @@
-// Icons for menu rows and pages. createScalesImage is the only one with cases; they stand in a list there.
+// Icons for menu rows and pages. createScalesImage is the only one with cases; they stand in a list
+// there.
 #include "ui/kit/look/IconScaling.h"
 
 #include <QPainter>
@@ -34,7 +35,8 @@ ImageObject onCanvas(const ImageObject& image, QPointF corner, double whiteHeigh
         painter.fillRect(QRectF(0, menuSize.height() - white, menuSize.width(), white), Qt::white);
     }
     const double top = menuSize.height() - corner.y() - image.size.height();
-    // The white is what the image is seen on: above it, and where there is none, nothing of the image shows.
+    // The white is what the image is seen on: above it, and where there is none, nothing of the
+    // image shows.
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
     painter.drawImage(QRectF(QPointF(corner.x(), top), image.size), image.rendered(scale));
     painter.end();
@@ -43,15 +45,19 @@ ImageObject onCanvas(const ImageObject& image, QPointF corner, double whiteHeigh
 
 }  // namespace
 
-ImageObject::ImageObject(QImage pixels) : image(std::move(pixels)), size(image.deviceIndependentSize()) {}
+ImageObject::ImageObject(QImage pixels)
+    : image(std::move(pixels)), size(image.deviceIndependentSize()) {}
 
-// QImage::scaled averages over all pixels that fall together; a painter would look at four and make icons of 512 jagged.
+// QImage::scaled averages over all pixels that fall together; a painter would look at four and make
+// icons of 512 jagged.
 QImage ImageObject::rendered(qreal scale) const {
     const QSize pixels = (size * scale).toSize();
     if (isNull() || pixels.isEmpty()) return {};
-    const QSize wanted = scalesWhenResized ? pixels : (image.deviceIndependentSize() * scale).toSize();
+    const QSize wanted =
+        scalesWhenResized ? pixels : (image.deviceIndependentSize() * scale).toSize();
     QImage scaled = image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    if (scaled.size() != wanted) scaled = scaled.scaled(wanted, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    if (scaled.size() != wanted)
+        scaled = scaled.scaled(wanted, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     scaled.setDevicePixelRatio(1);
     QImage result(pixels, QImage::Format_ARGB32_Premultiplied);
     result.fill(Qt::transparent);
@@ -68,8 +74,10 @@ QImage ImageObject::rendered(qreal scale) const {
 //   w >= 14, h < 14    resized, then on a canvas, raised by half of what h lacks
 //   w < 13,  h >= 15   resized, then on a canvas, moved right by half of what w lacks
 //   else               as large as it is, in the middle of a canvas
-// In the second and third case the image has filled the canvas before it is moved, so a part of it is cut off.
-ImageObject IconScaling::createScalesImage(ImageObject& image, bool flipFlag, float amountReflected) {
+// In the second and third case the image has filled the canvas before it is moved, so a part of it
+// is cut off.
+ImageObject IconScaling::createScalesImage(ImageObject& image, bool flipFlag,
+                                           float amountReflected) {
     if (image.isNull()) return {};
     prepare(image, true, flipFlag);
     const double w = static_cast<int>(image.size.width());

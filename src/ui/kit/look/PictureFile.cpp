@@ -1,4 +1,5 @@
-// Loading and colouring of the drawings in resources/pictures. Read picture.cpp for what becomes of them.
+// Loading and colouring of the drawings in resources/pictures. Read picture.cpp for what becomes of
+// them.
 #include "ui/kit/look/PictureFile.h"
 
 #include <QDir>
@@ -9,7 +10,8 @@
 #include <array>
 #include <memory>
 
-// The initialiser of the built-in files stands outside every namespace; in a static library nobody else calls it.
+// The initialiser of the built-in files stands outside every namespace; in a static library nobody
+// else calls it.
 static void loadPictures() { Q_INIT_RESOURCE(pictures); }
 
 namespace orrinvale {
@@ -41,7 +43,9 @@ constexpr std::array<std::pair<const char*, Color>, 21> colorNames{{
     {"outline", Color::Outline},
 }};
 
-QString filePath(const QString& name) { return QStringLiteral(":/pictures/") + name + QStringLiteral(".svg"); }
+QString filePath(const QString& name) {
+    return QStringLiteral(":/pictures/") + name + QStringLiteral(".svg");
+}
 
 // Parsed once for each scheme: a list that scrolls draws the same few pictures thousands of times.
 QSvgRenderer* renderer(const QString& name, Theme::Scheme scheme) {
@@ -62,7 +66,8 @@ QSvgRenderer* renderer(const QString& name, Theme::Scheme scheme) {
 
 QStringList PictureFile::names() {
     loadPictures();
-    QStringList names = QDir(QStringLiteral(":/pictures")).entryList({QStringLiteral("*.svg")}, QDir::Files);
+    QStringList names =
+        QDir(QStringLiteral(":/pictures")).entryList({QStringLiteral("*.svg")}, QDir::Files);
     for (QString& name : names) name.chop(4);
     names.sort();
     return names;
@@ -73,7 +78,8 @@ QSize PictureFile::size(const QString& name) {
     return file == nullptr ? QSize() : file->defaultSize();
 }
 
-void PictureFile::draw(QPainter& painter, const QRectF& rectangle, const QString& name, Theme::Scheme scheme) {
+void PictureFile::draw(QPainter& painter, const QRectF& rectangle, const QString& name,
+                       Theme::Scheme scheme) {
     if (QSvgRenderer* file = renderer(name, scheme)) file->render(&painter, rectangle);
 }
 

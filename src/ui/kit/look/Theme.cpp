@@ -1,4 +1,5 @@
-// The colours and letters of every window. The pairs of colours are proved in the tests; change a value here, run them.
+// The colours and letters of every window. The pairs of colours are proved in the tests; change a
+// value here, run them.
 #include "ui/kit/look/Theme.h"
 
 #include <QApplication>
@@ -23,8 +24,9 @@ struct Pair {
 
 constexpr auto colorCount = static_cast<std::size_t>(Theme::Color::Count);
 
-// In the order of Theme::Color. The greys lean a little towards the accent, a deep lake green-blue, so that both belong
-// together; in the dark scheme the accent is the light one of the two and its text dark.
+// In the order of Theme::Color. The greys lean a little towards the accent, a deep lake green-blue,
+// so that both belong together; in the dark scheme the accent is the light one of the two and its
+// text dark.
 constexpr std::array<Pair, colorCount> colors{{
     {0xFFF3F5F6, 0xFF15181A},  // Window
     {0xFFFFFFFF, 0xFF1C2023},  // Surface
@@ -51,7 +53,8 @@ constexpr std::array<Pair, colorCount> colors{{
 }};
 
 Theme::Scheme schemeOf(const QPalette& palette) {
-    return palette.color(QPalette::Window).lightness() < 128 ? Theme::Scheme::Dark : Theme::Scheme::Light;
+    return palette.color(QPalette::Window).lightness() < 128 ? Theme::Scheme::Dark
+                                                             : Theme::Scheme::Light;
 }
 
 // With a larger step goes a cut of the letters made for it.
@@ -91,7 +94,8 @@ void Theme::install(QApplication& application) {
     if (!m_installed) {
         m_coveredScheme = schemeOf(QGuiApplication::palette());
         m_appearance = new DesktopAppearance(QDBusConnection::sessionBus(), &application);
-        connect(m_appearance, &DesktopAppearance::changed, this, [this] { setScheme(desktopScheme()); });
+        connect(m_appearance, &DesktopAppearance::changed, this,
+                [this] { setScheme(desktopScheme()); });
     }
     QApplication::setStyle(new HouseStyle);
     m_installed = true;
@@ -124,8 +128,8 @@ void Theme::setScheme(Scheme scheme) {
     Q_EMIT changed();
 }
 
-// A widget with a palette of its own hears nothing of the new one, but its pictures and colours come from here all the
-// same, so every widget is asked to draw.
+// A widget with a palette of its own hears nothing of the new one, but its pictures and colours
+// come from here all the same, so every widget is asked to draw.
 void Theme::apply() const {
     QApplication::setPalette(palette());
     QToolTip::setPalette(palette());
@@ -174,7 +178,8 @@ QPalette Theme::palette() const {
     }};
     QPalette palette;
     for (const auto& [role, meaning] : roles) palette.setColor(role, color(meaning));
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::PlaceholderText})
+    for (const auto role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::PlaceholderText})
         palette.setColor(QPalette::Disabled, role, color(Color::TextDisabled));
     palette.setColor(QPalette::Disabled, QPalette::Highlight, color(Color::Line));
     palette.setColor(QPalette::Disabled, QPalette::HighlightedText, color(Color::TextDisabled));

@@ -1,4 +1,5 @@
-// Theme: the one palette, type scale and spacing of every window, light and dark. Pictures follow it, see picture.h.
+// Theme: the one palette, type scale and spacing of every window, light and dark. Pictures follow
+// it, see picture.h.
 #pragma once
 
 #include <QColor>
@@ -22,7 +23,8 @@ class Theme final : public QObject {
 public:
     enum class Scheme { Light, Dark };
 
-    /// What a colour is for. Foregrounds on the backgrounds that they are meant for have a contrast of at least 4.5.
+    /// What a colour is for. Foregrounds on the backgrounds that they are meant for have a contrast
+    /// of at least 4.5.
     enum class Color {
         Window,         ///< behind everything
         Surface,        ///< cards, lists, the inside of a view
@@ -53,34 +55,39 @@ public:
     enum class Text { Caption, Body, BodyStrong, Heading, Title, Display };
 
     /// Distances in points: every margin and gap is one of these.
-    static constexpr int gapTiny = 4, gapSmall = 8, gap = 12, gapLarge = 16, gapHuge = 24, gapSection = 32;
+    static constexpr int gapTiny = 4, gapSmall = 8, gap = 12, gapLarge = 16, gapHuge = 24,
+                         gapSection = 32;
     static constexpr int radiusSmall = 4, radius = 8, radiusWindow = 10;
     static constexpr int rowHeight = 30, controlHeight = 32;
 
     [[nodiscard]] static Theme& shared();
 
-    /// Fusion with the changes of HouseStyle.h, this palette and this type for the whole program, in the scheme of the desktop, which is followed from then
-    /// on. Call before the first window.
+    /// Fusion with the changes of HouseStyle.h, this palette and this type for the whole program,
+    /// in the scheme of the desktop, which is followed from then on. Call before the first window.
     void install(QApplication& application);
 
-    /// The scheme that the desktop asks for: ORRINVALE_THEME=light|dark if set, else what its settings service prefers,
-    /// else as light or dark as its palette was before install() covered it. Before install() only the palette is asked.
+    /// The scheme that the desktop asks for: ORRINVALE_THEME=light|dark if set, else what its
+    /// settings service prefers, else as light or dark as its palette was before install() covered
+    /// it. Before install() only the palette is asked.
     [[nodiscard]] static Scheme desktopScheme();
 
     [[nodiscard]] Scheme scheme() const { return m_scheme; }
-    /// Changes palette and pictures of all windows at once and emits changed(); the scheme in force changes nothing.
+    /// Changes palette and pictures of all windows at once and emits changed(); the scheme in force
+    /// changes nothing.
     void setScheme(Scheme scheme);
 
-    /// False where the desktop's settings service asks for no animations; mayAnimate() of motion.h asks others too.
+    /// False where the desktop's settings service asks for no animations; mayAnimate() of motion.h
+    /// asks others too.
     [[nodiscard]] bool desktopAnimates() const;
 
-    /// The desktop's own setting, known elsewhere as "AppleMiniaturizeOnDoubleClick"; Zoom where it has none.
+    /// The desktop's own setting, known elsewhere as "AppleMiniaturizeOnDoubleClick"; Zoom where it
+    /// has none.
     [[nodiscard]] TitleDoubleClick desktopDoubleClick() const;
 
     [[nodiscard]] QColor color(Color role) const { return color(role, m_scheme); }
     [[nodiscard]] static QColor color(Color role, Scheme scheme);
-    /// In points, so that a desktop that scales its text by the resolution scales this too: at 96 dots an inch the steps
-    /// are 11, 13, 13, 15, 20 and 28 pixels.
+    /// In points, so that a desktop that scales its text by the resolution scales this too: at 96
+    /// dots an inch the steps are 11, 13, 13, 15, 20 and 28 pixels.
     [[nodiscard]] QFont font(Text text) const;
     [[nodiscard]] QPalette palette() const;
 
@@ -92,7 +99,8 @@ private:
     void apply() const;
 
     Scheme m_scheme = Scheme::Light;
-    Scheme m_coveredScheme = Scheme::Light;    // what the desktop showed before our palette covered it
+    Scheme m_coveredScheme =
+        Scheme::Light;  // what the desktop showed before our palette covered it
     QPointer<DesktopAppearance> m_appearance;  // owned by the application
     bool m_installed = false;
 };

@@ -11,7 +11,8 @@ namespace {
 
 // As seen from the programs, in the build tree too.
 QString ownFolder() {
-    return QCoreApplication::applicationDirPath() + QStringLiteral("/../share/orrinvale/translations");
+    return QCoreApplication::applicationDirPath() +
+           QStringLiteral("/../share/orrinvale/translations");
 }
 
 }  // namespace
@@ -27,7 +28,8 @@ Translations::Translations(const QStringList& languages) {
     if (m_language.isEmpty()) return;
     QCoreApplication::installTranslator(&m_own);
     setTextLanguage(m_language.toStdString());
-    if (m_toolkit.load(QStringLiteral("qtbase_") + m_language, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+    if (m_toolkit.load(QStringLiteral("qtbase_") + m_language,
+                       QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
         QCoreApplication::installTranslator(&m_toolkit);
 }
 

@@ -56,7 +56,8 @@ QAccessibleInterface* makeInterface(const QString& /*className*/, QObject* objec
 }  // namespace
 
 void setAccessibleTraits(QWidget& widget, AccessibleTraits traits) {
-    [[maybe_unused]] static const bool isInstalled = (QAccessible::installFactory(&makeInterface), true);
+    [[maybe_unused]] static const bool isInstalled =
+        (QAccessible::installFactory(&makeInterface), true);
     new Traits(std::move(traits), widget);
     renewAccessible(widget);
 }

@@ -21,7 +21,8 @@ bool isChecked(const QStyleOptionMenuItem& row) {
 void drawMark(QPainter& painter, const QRect& rect, QColor color) {
     const QPointF middle = QRectF(rect).center();
     painter.setPen(QPen(color, 1.75, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.drawPolyline(QPolygonF{middle + QPointF(-4, 0), middle + QPointF(-1, 3), middle + QPointF(4.5, -3.5)});
+    painter.drawPolyline(
+        QPolygonF{middle + QPointF(-4, 0), middle + QPointF(-1, 3), middle + QPointF(4.5, -3.5)});
 }
 
 }  // namespace
@@ -54,7 +55,9 @@ void drawMenuRow(QPainter& painter, const QStyleOptionMenuItem& row) {
     const QColor color = theme.color(isEnabled ? Theme::Color::Text : Theme::Color::TextDisabled);
     QRect text = inside.adjusted(Theme::gapSmall, 0, -Theme::gapSmall, 0);
     if (row.menuHasCheckableItems) {
-        if (isChecked(row)) drawMark(painter, QRect(text.left(), text.top(), Theme::gapLarge, text.height()), color);
+        if (isChecked(row))
+            drawMark(painter, QRect(text.left(), text.top(), Theme::gapLarge, text.height()),
+                     color);
         text.setLeft(text.left() + Theme::gapHuge);
     }
     painter.setFont(row.font);

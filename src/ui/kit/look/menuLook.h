@@ -1,4 +1,5 @@
-// How menus look: rows as high as those of lists, the one under the pointer tinted with round corners. HouseStyle.cpp asks.
+// How menus look: rows as high as those of lists, the one under the pointer tinted with round
+// corners. HouseStyle.cpp asks.
 #pragma once
 
 #include <QSize>

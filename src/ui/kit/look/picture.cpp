@@ -1,4 +1,5 @@
-// From a name to a picture. The drawings themselves are files (PictureFile.h) or code (DrawnPicture.h).
+// From a name to a picture. The drawings themselves are files (PictureFile.h) or code
+// (DrawnPicture.h).
 #include "ui/kit/look/picture.h"
 
 #include <fmt/format.h>
@@ -15,7 +16,8 @@
 namespace orrinvale {
 namespace {
 
-// The interface writes some names with the extension that its pictures had elsewhere. A dot may also be part of a name.
+// The interface writes some names with the extension that its pictures had elsewhere. A dot may
+// also be part of a name.
 QString plainName(QString name) {
     for (const char* extension : {".png", ".svg", ".icns", ".tiff"})
         if (name.endsWith(QLatin1String(extension))) name.chop(QLatin1String(extension).size());
@@ -57,8 +59,8 @@ QPixmap rendered(const QString& name, QSize pixels, QIcon::Mode mode) {
     return pixmap;
 }
 
-// Holds the name alone: colours and pixels are made when they are asked for, so that an icon outlives a change of scheme
-// or a move to another screen.
+// Holds the name alone: colours and pixels are made when they are asked for, so that an icon
+// outlives a change of scheme or a move to another screen.
 class PictureEngine final : public QIconEngine {
 public:
     explicit PictureEngine(QString name) : m_name(std::move(name)) {}
@@ -66,7 +68,9 @@ public:
     void paint(QPainter* painter, const QRect& rectangle, QIcon::Mode mode, QIcon::State) override {
         draw(*painter, rectangle, m_name, mode);
     }
-    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State) override { return rendered(m_name, size, mode); }
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State) override {
+        return rendered(m_name, size, mode);
+    }
     QPixmap scaledPixmap(const QSize& size, QIcon::Mode mode, QIcon::State, qreal) override {
         return rendered(m_name, size, mode);
     }

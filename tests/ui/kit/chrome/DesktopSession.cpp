@@ -13,12 +13,15 @@ namespace {
 
 constexpr int patience = 10000;  // milliseconds; all of it is used only when a check fails
 
-bool isInstalled(const QString& program) { return !QStandardPaths::findExecutable(program).isEmpty(); }
+bool isInstalled(const QString& program) {
+    return !QStandardPaths::findExecutable(program).isEmpty();
+}
 
 }  // namespace
 
 DesktopSession::DesktopSession() : m_environment(QProcessEnvironment::systemEnvironment()) {
-    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "ORRINVALE_SYSTEM_FRAME", "ORRINVALE_THEME"})
+    for (const char* name :
+         {"DISPLAY", "WAYLAND_DISPLAY", "ORRINVALE_SYSTEM_FRAME", "ORRINVALE_THEME"})
         m_environment.remove(QLatin1String(name));
     m_environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_folder.path());
     m_environment.insert(QStringLiteral("HOME"), m_folder.path());
@@ -52,11 +55,13 @@ bool DesktopSession::startServer(const QString& program, const QStringList& argu
 std::string DesktopSession::startX11(const QStringList& windowManager) {
     for (const char* program : {"Xvfb", "xdotool", "xprop"})
         if (!isInstalled(QLatin1String(program))) return std::string(program) + " is not installed";
-    if (!windowManager.isEmpty() && !isInstalled(windowManager.first())) return "no such window manager";
+    if (!windowManager.isEmpty() && !isInstalled(windowManager.first()))
+        return "no such window manager";
     // The server itself picks a free display and writes its number.
-    const QStringList arguments{
-        QStringLiteral("-displayfd"),  QStringLiteral("1"),         QStringLiteral("-screen"), QStringLiteral("0"),
-        QStringLiteral("1000x800x24"), QStringLiteral("-nolisten"), QStringLiteral("tcp")};
+    const QStringList arguments{QStringLiteral("-displayfd"),  QStringLiteral("1"),
+                                QStringLiteral("-screen"),     QStringLiteral("0"),
+                                QStringLiteral("1000x800x24"), QStringLiteral("-nolisten"),
+                                QStringLiteral("tcp")};
     if (!startServer(QStringLiteral("Xvfb"), arguments)) return "Xvfb does not start";
     QProcess& server = *m_servers.front();
     while (!server.canReadLine())
@@ -65,10 +70,12 @@ std::string DesktopSession::startX11(const QStringList& windowManager) {
                          QLatin1Char(':') + QString::fromLatin1(server.readLine().trimmed()));
     m_environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
     if (windowManager.isEmpty()) return {};
-    if (!startServer(windowManager.first(), windowManager.mid(1))) return "the window manager does not start";
+    if (!startServer(windowManager.first(), windowManager.mid(1)))
+        return "the window manager does not start";
     QElapsedTimer timer;
     for (timer.start(); timer.elapsed() < patience; QThread::msleep(20))
-        if (run(QStringLiteral("xprop"), {QStringLiteral("-root"), QStringLiteral("_NET_SUPPORTING_WM_CHECK")})
+        if (run(QStringLiteral("xprop"),
+                {QStringLiteral("-root"), QStringLiteral("_NET_SUPPORTING_WM_CHECK")})
                 .contains(QLatin1String("0x")))
             return {};
     return "the window manager does not announce itself";
@@ -77,8 +84,9 @@ std::string DesktopSession::startX11(const QStringList& windowManager) {
 std::string DesktopSession::startWayland() {
     if (!isInstalled(QStringLiteral("weston"))) return "weston is not installed";
     const QString socket = QStringLiteral("chrome-test");
-    const QStringList arguments{QStringLiteral("--backend=headless-backend.so"), QStringLiteral("--width=1000"),
-                                QStringLiteral("--height=800"), QStringLiteral("--idle-time=0"),
+    const QStringList arguments{QStringLiteral("--backend=headless-backend.so"),
+                                QStringLiteral("--width=1000"), QStringLiteral("--height=800"),
+                                QStringLiteral("--idle-time=0"),
                                 QStringLiteral("--socket=") + socket};
     if (!startServer(QStringLiteral("weston"), arguments)) return "weston does not start";
     m_environment.insert(QStringLiteral("WAYLAND_DISPLAY"), socket);
@@ -94,7 +102,9 @@ std::string DesktopSession::startProbe(const QString& probe, const QStringList& 
     m_probe.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_probe.start(probe, arguments);
     if (!m_probe.waitForStarted()) return "the probe does not start";
-    return waitFor([](const ProbeState& state) { return state.frame.isValid(); }) ? "" : "the probe shows no window";
+    return waitFor([](const ProbeState& state) { return state.frame.isValid(); })
+               ? ""
+               : "the probe shows no window";
 }
 
 QString DesktopSession::run(const QString& program, const QStringList& arguments) {
@@ -106,7 +116,9 @@ QString DesktopSession::run(const QString& program, const QStringList& arguments
 }
 
 void DesktopSession::drag(QPoint from, QPoint to, int milliseconds) {
-    const auto place = [](QPoint point) { return QStringList{QString::number(point.x()), QString::number(point.y())}; };
+    const auto place = [](QPoint point) {
+        return QStringList{QString::number(point.x()), QString::number(point.y())};
+    };
     QStringList orders = QStringList{QStringLiteral("mousemove")} + place(from) +
                          QStringList{QStringLiteral("mousedown"), QStringLiteral("1")};
     constexpr int steps = 8;
@@ -114,9 +126,11 @@ void DesktopSession::drag(QPoint from, QPoint to, int milliseconds) {
     for (int step = 1; step <= steps; ++step)
         orders += QStringList{QStringLiteral("sleep"), pause, QStringLiteral("mousemove")} +
                   place(from + (to - from) * step / steps);
-    // The window manager asks for the pointer in the meantime; letting go before it has it would end nothing.
-    orders += {QStringLiteral("sleep"), pause, QStringLiteral("sleep"), pause, QStringLiteral("mouseup"),
-               QStringLiteral("1")};
+    // The window manager asks for the pointer in the meantime; letting go before it has it would
+    // end nothing.
+    orders +=
+        {QStringLiteral("sleep"), pause, QStringLiteral("sleep"), pause, QStringLiteral("mouseup"),
+         QStringLiteral("1")};
     run(QStringLiteral("xdotool"), orders);
 }
 
@@ -160,7 +174,8 @@ bool DesktopSession::waitForLine(const std::string& line) {
 }
 
 bool DesktopSession::probeEnded(int& status) {
-    if (!m_probe.waitForFinished(patience) || m_probe.exitStatus() != QProcess::NormalExit) return false;
+    if (!m_probe.waitForFinished(patience) || m_probe.exitStatus() != QProcess::NormalExit)
+        return false;
     status = m_probe.exitCode();
     return true;
 }

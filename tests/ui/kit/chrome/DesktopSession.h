@@ -37,11 +37,13 @@ public:
 
     /// A command in the session, to its end; what it wrote. A null text when it failed.
     QString run(const QString& program, const QStringList& arguments);
-    /// The pointer presses at the first place, goes to the second in eight steps with that pause before each, and lets go.
+    /// The pointer presses at the first place, goes to the second in eight steps with that pause
+    /// before each, and lets go.
     void drag(QPoint from, QPoint to, int milliseconds);
 
     void tell(const char* order);
-    /// Reads the probe until the condition holds. False when it does not within some seconds, or the probe has ended.
+    /// Reads the probe until the condition holds. False when it does not within some seconds, or
+    /// the probe has ended.
     bool waitFor(const std::function<bool(const ProbeState&)>& condition);
     bool waitForLine(const std::string& line);
 

@@ -64,7 +64,8 @@ TEST_F(Buttons, MouseSpaceAndEnterClickEveryKindUnlessItIsDisabled) {
         const auto tryAll = [&] {
             QTest::mouseClick(button, Qt::LeftButton);
             button->setFocus();
-            for (const auto key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter}) QTest::keyClick(button, key);
+            for (const auto key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter})
+                QTest::keyClick(button, key);
         };
         tryAll();
         EXPECT_EQ(clicks.count(), 4) << button->metaObject()->className();
@@ -153,7 +154,8 @@ TEST(TextImageButton, IsTheDefaultOfADialogAndKeepsRoomForItsText) {
     auto* const layout = new QVBoxLayout(&dialog);
     auto* const field = new QWidget;
     field->setFocusPolicy(Qt::StrongFocus);
-    auto* const sure = new TextImageButton(QStringLiteral("A text longer than the least width of buttons"));
+    auto* const sure =
+        new TextImageButton(QStringLiteral("A text longer than the least width of buttons"));
     layout->addWidget(field);
     layout->addWidget(sure);
     sure->setDefault(true);
@@ -162,7 +164,8 @@ TEST(TextImageButton, IsTheDefaultOfADialogAndKeepsRoomForItsText) {
     field->setFocus();
     QTest::keyClick(field, Qt::Key_Return);
     EXPECT_EQ(clicks.count(), 1);
-    EXPECT_GE(sure->width(), sure->fontMetrics().horizontalAdvance(sure->text()) + 2 * Theme::gapLarge);
+    EXPECT_GE(sure->width(),
+              sure->fontMetrics().horizontalAdvance(sure->text()) + 2 * Theme::gapLarge);
 }
 
 // A desktop with or without animations.
@@ -190,7 +193,8 @@ TEST_F(Buttons, TheAddControlFadesUnlessTheDesktopForbidsIt) {
     hover(view);
     EXPECT_LT(view->fadeProgress(), 1.0);
     EXPECT_GT(middle(*view).red(), middle(*view).green());
-    EXPECT_TRUE(QTest::qWaitFor([&] { return middle(*view).red() > 20 && middle(*view).green() > 20; }, 2000));
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return middle(*view).red() > 20 && middle(*view).green() > 20; }, 2000));
     EXPECT_TRUE(QTest::qWaitFor([&] { return middle(*view) == QColor(Qt::green); }, 2000));
     view->setStyle(nullptr);
 }

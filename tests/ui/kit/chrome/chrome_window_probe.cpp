@@ -1,4 +1,5 @@
-// Shows one TCImageWindow, does what it is told on standard input, and writes each change of the window on standard output:
+// Shows one TCImageWindow, does what it is told on standard input, and writes each change of the
+// window on standard output:
 //   frame X Y WIDTH HEIGHT zoomed|normal own|bare|system         pressed NUMBER   closing
 #include <fmt/format.h>
 
@@ -28,15 +29,17 @@ void say(const std::string& line) {
 std::string describe(const TCImageWindow& window) {
     constexpr const char* kinds[] = {"own", "bare", "system"};
     const QRect frame = window.frame();
-    return fmt::format("frame {} {} {} {} {} {}", frame.x(), frame.y(), frame.width(), frame.height(),
-                       window.isZoomed() ? "zoomed" : "normal", kinds[static_cast<int>(window.frameKind())]);
+    return fmt::format("frame {} {} {} {} {} {}", frame.x(), frame.y(), frame.width(),
+                       frame.height(), window.isZoomed() ? "zoomed" : "normal",
+                       kinds[static_cast<int>(window.frameKind())]);
 }
 
 void obey(TCImageWindow& window, const std::string& order) {
     if (order == "zoom") window.zoom();
     else if (order == "close") window.performClose();
     else if (order == "dark") Theme::shared().setScheme(Theme::Scheme::Dark);
-    else if (order.starts_with("grab ")) window.grab().save(QString::fromStdString(order.substr(5)));
+    else if (order.starts_with("grab "))
+        window.grab().save(QString::fromStdString(order.substr(5)));
     else if (order.starts_with("frame ")) window.setFrameFromString(order.substr(6));
     else if (order == "quit") QCoreApplication::quit();
 }
@@ -55,11 +58,13 @@ int run(int argc, char** argv) {
     window.setMaxSize(argc > 1 ? QSize(600, 500) : QSize(4000, 4000));
     auto* const content = new QWidget;
     window.setContentView(content);
-    auto* const button = new TextImageButton(QStringLiteral("Delete"), TextImageButton::Role::Danger, content);
+    auto* const button =
+        new TextImageButton(QStringLiteral("Delete"), TextImageButton::Role::Danger, content);
     button->move(40, 40);
     window.setFrame({100, 80, 500, 400});
     int presses = 0;
-    QObject::connect(button, &QAbstractButton::clicked, &window, [&] { say(fmt::format("pressed {}", ++presses)); });
+    QObject::connect(button, &QAbstractButton::clicked, &window,
+                     [&] { say(fmt::format("pressed {}", ++presses)); });
     window.standardWindowButton(0)->setAction([&] {
         say("closing");
         window.close();
@@ -72,7 +77,8 @@ int run(int argc, char** argv) {
     watch.start(20);
     QSocketNotifier orders(0, QSocketNotifier::Read);
     QObject::connect(&orders, &QSocketNotifier::activated, &window, [&] {
-        // The stream may have read several lines at once, and the notifier knows only what it has not read.
+        // The stream may have read several lines at once, and the notifier knows only what it has
+        // not read.
         do {
             std::string order;
             if (!std::getline(std::cin, order)) return QCoreApplication::quit();

@@ -1,4 +1,5 @@
-// TCImageWindow on real servers: X11 with a window manager and without, and Wayland. The pointer is moved by xdotool.
+// TCImageWindow on real servers: X11 with a window manager and without, and Wayland. The pointer is
+// moved by xdotool.
 #include <gtest/gtest.h>
 
 #include <QThread>
@@ -34,7 +35,8 @@ const Pull pulls[] = {
 
 // A window manager counts from where the pointer is when the press has become a drag.
 bool isReached(const QRect& frame, const QRect& expected, int slack) {
-    return frame.size() == expected.size() && (frame.topLeft() - expected.topLeft()).manhattanLength() <= slack;
+    return frame.size() == expected.size() &&
+           (frame.topLeft() - expected.topLeft()).manhattanLength() <= slack;
 }
 
 void expectPulls(DesktopSession& session, int slackOfMoves) {
@@ -45,10 +47,12 @@ void expectPulls(DesktopSession& session, int slackOfMoves) {
         // A busy machine may take longer to notice the press than a quick pull lasts.
         for (const int pace : {20, 200}) {
             session.tell("frame 100 80 500 400 0");
-            ASSERT_TRUE(session.waitFor([&](const ProbeState& state) { return state.frame == start; }))
-                << session.said();
+            ASSERT_TRUE(session.waitFor([&](const ProbeState& state) {
+                return state.frame == start;
+            })) << session.said();
             session.drag(pull.from, pull.from + pull.by, pace);
-            reached = session.waitFor([&](const ProbeState& s) { return isReached(s.frame, pull.expected, slack); });
+            reached = session.waitFor(
+                [&](const ProbeState& s) { return isReached(s.frame, pull.expected, slack); });
             if (reached) break;
         }
         EXPECT_TRUE(reached) << pull.name << '\n' << session.said();
@@ -72,10 +76,11 @@ TEST(WindowOnX11, ThePointerMovesAndResizesItWhereThereIsNoWindowManager) {
 }
 
 void doubleClick(DesktopSession& session, QPoint place) {
-    session.run(QStringLiteral("xdotool"),
-                {QStringLiteral("mousemove"), QString::number(place.x()), QString::number(place.y()),
-                 QStringLiteral("click"), QStringLiteral("--repeat"), QStringLiteral("2"), QStringLiteral("--delay"),
-                 QStringLiteral("60"), QStringLiteral("1")});
+    session.run(
+        QStringLiteral("xdotool"),
+        {QStringLiteral("mousemove"), QString::number(place.x()), QString::number(place.y()),
+         QStringLiteral("click"), QStringLiteral("--repeat"), QStringLiteral("2"),
+         QStringLiteral("--delay"), QStringLiteral("60"), QStringLiteral("1")});
 }
 
 TEST(WindowOnX11, ADoubleClickFillsTheScreenAsFarAsTheMaximumSizeAllows) {
@@ -83,16 +88,19 @@ TEST(WindowOnX11, ADoubleClickFillsTheScreenAsFarAsTheMaximumSizeAllows) {
         QStringList arguments;
         QRect zoomed;
     };
-    const Case cases[] = {{{}, {0, 0, 1000, 800}}, {{QStringLiteral("small")}, {200, 150, 600, 500}}};
+    const Case cases[] = {{{}, {0, 0, 1000, 800}},
+                          {{QStringLiteral("small")}, {200, 150, 600, 500}}};
     for (const Case& each : cases) {
         DesktopSession session;
         if (const auto reason = session.startX11(openbox); !reason.empty()) GTEST_SKIP() << reason;
         ASSERT_EQ(session.startProbe(probe, each.arguments), "");
         session.tell("frame 100 80 500 400 0");
-        ASSERT_TRUE(session.waitFor([](const ProbeState& state) { return state.frame == QRect(100, 80, 500, 400); }));
+        ASSERT_TRUE(session.waitFor(
+            [](const ProbeState& state) { return state.frame == QRect(100, 80, 500, 400); }));
         doubleClick(session, {350, 100});
-        EXPECT_TRUE(session.waitFor([&](const ProbeState& s) { return s.isZoomed && s.frame == each.zoomed; }))
-            << session.said();
+        EXPECT_TRUE(session.waitFor([&](const ProbeState& s) {
+            return s.isZoomed && s.frame == each.zoomed;
+        })) << session.said();
         doubleClick(session, each.zoomed.topLeft() + QPoint(250, 20));
         EXPECT_TRUE(session.waitFor([](const ProbeState& s) {
             return !s.isZoomed && s.frame == QRect(100, 80, 500, 400);
@@ -105,12 +113,14 @@ TEST(WindowOnX11, TheWindowManagersCloseTakesTheWayOfTheCloseButton) {
     if (const auto reason = session.startX11(openbox); !reason.empty()) GTEST_SKIP() << reason;
     ASSERT_EQ(session.startProbe(probe), "");
     const auto press = [&] {
-        return session.run(QStringLiteral("xdotool"),
-                           {QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--name"),
-                            QStringLiteral("Orrinvale probe"), QStringLiteral("windowfocus"), QStringLiteral("--sync"),
-                            QStringLiteral("key"), QStringLiteral("alt+F4")});
+        return session.run(
+            QStringLiteral("xdotool"),
+            {QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--name"),
+             QStringLiteral("Orrinvale probe"), QStringLiteral("windowfocus"),
+             QStringLiteral("--sync"), QStringLiteral("key"), QStringLiteral("alt+F4")});
     };
-    // A manager that is still at the window loses the key; once the window has gone there is nothing to press it on.
+    // A manager that is still at the window loses the key; once the window has gone there is
+    // nothing to press it on.
     for (int i = 0; i < 20 && !press().isNull(); ++i) QThread::msleep(100);
     EXPECT_TRUE(session.waitForLine("closing")) << session.said();
     int status = -1;
@@ -127,22 +137,26 @@ TEST(WindowOnX11, TheSystemsFrameTakesOverWhereItIsWishedOrPutThereAllTheSame) {
         int width = 550;
         session.tell("frame 100 80 550 350 0");
         const auto isSystem = [](const ProbeState& state) { return state.kind == "system"; };
-        // As a manager says it that has put a frame with a title bar around the window. The real one says otherwise when it has
-        // dealt with the window, which may be later: then it is said again, with a further resize in which it is noticed.
+        // As a manager says it that has put a frame with a title bar around the window. The real
+        // one says otherwise when it has dealt with the window, which may be later: then it is said
+        // again, with a further resize in which it is noticed.
         for (int i = 0; !isWished && !isSystem(session.state()) && i < 20; ++i) {
             session.run(QStringLiteral("xprop"),
-                        {QStringLiteral("-name"), QStringLiteral("Orrinvale probe"), QStringLiteral("-f"),
-                         QStringLiteral("_NET_FRAME_EXTENTS"), QStringLiteral("32c"), QStringLiteral("-set"),
+                        {QStringLiteral("-name"), QStringLiteral("Orrinvale probe"),
+                         QStringLiteral("-f"), QStringLiteral("_NET_FRAME_EXTENTS"),
+                         QStringLiteral("32c"), QStringLiteral("-set"),
                          QStringLiteral("_NET_FRAME_EXTENTS"), QStringLiteral("4, 4, 30, 4")});
             ++width;
             session.tell(("frame 100 80 " + std::to_string(width) + " 350 0").c_str());
-            EXPECT_TRUE(session.waitFor(
-                [&](const ProbeState& state) { return isSystem(state) || state.frame.width() == width; }));
+            EXPECT_TRUE(session.waitFor([&](const ProbeState& state) {
+                return isSystem(state) || state.frame.width() == width;
+            }));
         }
         EXPECT_TRUE(session.waitFor(isSystem)) << session.said();
         session.tell("frame 100 80 600 300 0");
-        EXPECT_TRUE(session.waitFor([](const ProbeState& state) { return state.frame.size() == QSize(600, 300); }))
-            << session.said();
+        EXPECT_TRUE(session.waitFor([](const ProbeState& state) {
+            return state.frame.size() == QSize(600, 300);
+        })) << session.said();
     }
 }
 
@@ -153,11 +167,13 @@ TEST(WindowOnWayland, ShowsZoomsAndCloses) {
     EXPECT_EQ(session.state().kind, "own");
     EXPECT_EQ(session.state().frame.size(), QSize(500, 400));
     session.tell("zoom");
-    EXPECT_TRUE(session.waitFor([](const ProbeState& state) { return state.isZoomed && state.frame.width() == 1000; }))
-        << session.said();
+    EXPECT_TRUE(session.waitFor([](const ProbeState& state) {
+        return state.isZoomed && state.frame.width() == 1000;
+    })) << session.said();
     session.tell("zoom");
-    EXPECT_TRUE(session.waitFor([](const ProbeState& s) { return !s.isZoomed && s.frame.size() == QSize(500, 400); }))
-        << session.said();
+    EXPECT_TRUE(session.waitFor([](const ProbeState& s) {
+        return !s.isZoomed && s.frame.size() == QSize(500, 400);
+    })) << session.said();
     session.tell("dark");
     session.tell("close");
     int status = -1;

@@ -1,4 +1,5 @@
-// TCImageWindow without a desktop: bounds, title bar, zoom, closing, focus and looks. desktop_window_test.cpp has real servers.
+// TCImageWindow without a desktop: bounds, title bar, zoom, closing, focus and looks.
+// desktop_window_test.cpp has real servers.
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -26,13 +27,15 @@ constexpr QSize most(600, 500);
 void mouse(QWidget* widget, QEvent::Type type, QPoint global) {
     const auto button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
     const auto held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
-    QMouseEvent event(type, QPointF(widget->mapFromGlobal(global)), QPointF(global), button, held, Qt::NoModifier);
+    QMouseEvent event(type, QPointF(widget->mapFromGlobal(global)), QPointF(global), button, held,
+                      Qt::NoModifier);
     QApplication::sendEvent(widget, &event);
 }
 
 void drag(QWidget* widget, QPoint from, QPoint by) {
     mouse(widget, QEvent::MouseButtonPress, from);
-    for (const int quarter : {1, 2, 3, 4}) mouse(widget, QEvent::MouseMove, from + by * quarter / 4);
+    for (const int quarter : {1, 2, 3, 4})
+        mouse(widget, QEvent::MouseMove, from + by * quarter / 4);
     mouse(widget, QEvent::MouseButtonRelease, from + by);
 }
 
@@ -61,7 +64,8 @@ protected:
 };
 
 TEST_F(Window, PutsTitleBarButtonsAndContentWhereTheyAreAskedFor) {
-    EXPECT_EQ(window.geometry(), start.adjusted(-shadowMargin, -shadowMargin, shadowMargin, shadowMargin));
+    EXPECT_EQ(window.geometry(),
+              start.adjusted(-shadowMargin, -shadowMargin, shadowMargin, shadowMargin));
     EXPECT_EQ(window.titleBarView()->mapToGlobal(QPoint()), start.topLeft());
     EXPECT_EQ(window.titleBarView()->size(), QSize(500, 62));
     EXPECT_EQ(content->mapToGlobal(QPoint()), start.topLeft() + QPoint(0, 62));
@@ -99,8 +103,8 @@ TEST_F(Window, EveryEdgeAndCornerResizesFromTheShadowToJustWithin) {
             auto* const grip = qobject_cast<ResizeGrip*>(at(place));
             ASSERT_NE(grip, nullptr) << side << ' ' << height;
             drag(grip, place, {side * 30, height * 30});
-            EXPECT_EQ(window.frame(),
-                      start.adjusted(side < 0 ? -30 : 0, height < 0 ? -30 : 0, side > 0 ? 30 : 0, height > 0 ? 30 : 0));
+            EXPECT_EQ(window.frame(), start.adjusted(side < 0 ? -30 : 0, height < 0 ? -30 : 0,
+                                                     side > 0 ? 30 : 0, height > 0 ? 30 : 0));
         }
 }
 
@@ -108,7 +112,8 @@ TEST_F(Window, EmptyPlacesAndLabelsOfTheTitleBarMoveItAndItsButtonsDoNot) {
     auto* const label = new QLabel(QStringLiteral("Orrinvale"), window.titleBarView());
     label->setGeometry(200, 10, 100, 30);
     label->show();
-    const QPoint empty = start.topLeft() + QPoint(400, 30), onLabel = start.topLeft() + QPoint(220, 20);
+    const QPoint empty = start.topLeft() + QPoint(400, 30),
+                 onLabel = start.topLeft() + QPoint(220, 20);
     drag(at(empty), empty, {40, -20});
     EXPECT_EQ(window.frame(), start.translated(40, -20));
     window.setFrame(start);
@@ -147,7 +152,8 @@ TEST_F(Window, ZoomsToTheMiddleWhereTheScreenIsLargerThanItMayBe) {
 TEST_F(Window, FillsTheScreenWithoutShadowOrGripsWhereItMay) {
     window.setMaxSize({4000, 4000});
     window.zoom();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return window.frame() == window.screen()->availableGeometry(); }));
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return window.frame() == window.screen()->availableGeometry(); }));
     EXPECT_TRUE(window.isMaximized());
     EXPECT_EQ(content->width(), window.width());
     EXPECT_EQ(qobject_cast<ResizeGrip*>(at(window.frame().topLeft())), nullptr);
@@ -158,7 +164,8 @@ TEST_F(Window, FillsTheScreenWithoutShadowOrGripsWhereItMay) {
 
 TEST_F(Window, BeingMaximisedFromOutsideEndsAtItsMaximumSizeToo) {
     window.showMaximized();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !window.isMaximized() && window.frame().size() == most; }));
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return !window.isMaximized() && window.frame().size() == most; }));
     window.zoom();
     EXPECT_EQ(window.frame(), start);
 }
@@ -197,14 +204,16 @@ TEST_F(Window, ASavedFrameComesBackAndOneOffScreenComesIntoView) {
 }
 
 TEST_F(Window, TheTabKeyReachesTheContentFirstAndTheWindowButtonsLast) {
-    auto* const first = new TextImageButton(QStringLiteral("First"), TextImageButton::Role::Plain, content);
-    auto* const second = new TextImageButton(QStringLiteral("Second"), TextImageButton::Role::Plain, content);
+    auto* const first =
+        new TextImageButton(QStringLiteral("First"), TextImageButton::Role::Plain, content);
+    auto* const second =
+        new TextImageButton(QStringLiteral("Second"), TextImageButton::Role::Plain, content);
     for (TextImageButton* const button : {first, second}) button->show();
     window.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
     window.setFocus();
-    const QList<QWidget*> expected{first, second, window.standardWindowButton(0), window.standardWindowButton(1),
-                                   window.standardWindowButton(2)};
+    const QList<QWidget*> expected{first, second, window.standardWindowButton(0),
+                                   window.standardWindowButton(1), window.standardWindowButton(2)};
     for (QWidget* const each : expected) {
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
         EXPECT_EQ(QApplication::focusWidget(), each);
@@ -248,7 +257,8 @@ TEST_F(Window, SheetsComeOutFromUnderTheTitleBarAndLeaveTheCornersRound) {
     auto* const panel = new QLabel(QStringLiteral("Sure?"));
     auto* const sheet = new Sheet(*content, panel);  // ends with the window
     sheet->open(nullptr);
-    const QRect below(window.titleBarView()->geometry().bottomLeft() + QPoint(0, 1), content->geometry().bottomRight());
+    const QRect below(window.titleBarView()->geometry().bottomLeft() + QPoint(0, 1),
+                      content->geometry().bottomRight());
     EXPECT_EQ(sheet->geometry(), below);
     EXPECT_EQ(window.childAt(window.titleBarView()->geometry().center()), window.titleBarView());
     const auto children = window.children();

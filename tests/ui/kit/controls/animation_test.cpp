@@ -1,4 +1,5 @@
-// The progress strip with its real timers, its arithmetic, the blinking padlock, and the flight of a picture.
+// The progress strip with its real timers, its arithmetic, the blinking padlock, and the flight of
+// a picture.
 #include <gtest/gtest.h>
 
 #include <QAccessible>
@@ -65,10 +66,11 @@ TEST_F(StripTest, SharesOfTheWork) {
 
 TEST_F(StripTest, StepsFillTheStripAndReportOnce) {
     int posts = 0, countAtPost = -1;
-    const auto observation = center.addObserver("allThreadFinishCallBack", [&](const Notification&) {
-        ++posts;
-        countAtPost = strip.addNumber();
-    });
+    const auto observation =
+        center.addObserver("allThreadFinishCallBack", [&](const Notification&) {
+            ++posts;
+            countAtPost = strip.addNumber();
+        });
     strip.setPrograssMax(3);
     const int whole = static_cast<int>(width);
     for (const int step : {1, 2, 3}) {
@@ -93,9 +95,11 @@ TEST_F(StripTest, TheRunGoesUpWrapsFallsAndEnds) {
     while (seen.size() < 70 && waitFor([&] { return strip.goPrograss() != seen.back(); }))
         seen.push_back(strip.goPrograss());
     ASSERT_EQ(seen.size(), 70U);
-    EXPECT_TRUE(std::all_of(seen.begin(), seen.end(), [](int each) { return each < 0 && each % 5 == 0; }));
+    EXPECT_TRUE(
+        std::all_of(seen.begin(), seen.end(), [](int each) { return each < 0 && each % 5 == 0; }));
     EXPECT_EQ(*std::max_element(seen.begin(), seen.end()), -5);
-    EXPECT_NE(std::find(seen.begin(), seen.end(), -static_cast<int>(width) / 2), seen.end()) << "half a width back";
+    EXPECT_NE(std::find(seen.begin(), seen.end(), -static_cast<int>(width) / 2), seen.end())
+        << "half a width back";
     strip.minishPrograss();
     EXPECT_FALSE(strip.isAdd());
     ASSERT_TRUE(waitFor([&] { return strip.goPrograss() == -294; }));
@@ -171,7 +175,9 @@ class StillStyle final : public QProxyStyle {
 public:
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* data) const override {
-        return hint == SH_Widget_Animation_Duration ? 0 : QProxyStyle::styleHint(hint, option, widget, data);
+        return hint == SH_Widget_Animation_Duration
+                   ? 0
+                   : QProxyStyle::styleHint(hint, option, widget, data);
     }
 };
 

@@ -49,7 +49,8 @@ TEST(FileUrl, PathsComeOutByteForByte) {
         const auto path = pathOfFileUrl(each.url);
         EXPECT_EQ(path.value_or("(none)"), each.path != nullptr ? each.path : "(none)") << each.url;
     }
-    EXPECT_EQ(firstLocalPath("# a comment\r\nhttps://example.org/\r\nfile:///a\r\nfile:///b\r\n"), "/a");
+    EXPECT_EQ(firstLocalPath("# a comment\r\nhttps://example.org/\r\nfile:///a\r\nfile:///b\r\n"),
+              "/a");
     EXPECT_EQ(firstLocalPath("file:///a\nfile:///b"), "/a");
     EXPECT_EQ(firstLocalPath("\r\n"), std::nullopt);
 }
@@ -93,7 +94,8 @@ protected:
 
 TEST_F(DragViewTest, OnlyTheFirstFolderReachesThePage) {
     const std::string odd = "a \xff%41#?\n";
-    ASSERT_TRUE(tree.folder(odd) && tree.folder("other") && tree.write("file", "x") && tree.symlink("other", "link"));
+    ASSERT_TRUE(tree.folder(odd) && tree.folder("other") && tree.write("file", "x") &&
+                tree.symlink("other", "link"));
     const std::string oddUrl = "file://" + tree.path() + "/a%20%FF%2541%23%3F%0A";
     const std::string base = "file://" + tree.path() + '/';
     const Qt::DropActions all = Qt::CopyAction | Qt::MoveAction | Qt::LinkAction;
@@ -138,8 +140,9 @@ TEST_F(DragViewTest, OtherDataThanFolders) {
     EXPECT_FALSE(dropOn(view, text, Qt::CopyAction).isEntered);
     EXPECT_FALSE(view.performDragOperation(text));
     EXPECT_TRUE(page.paths.empty());
-    EXPECT_EQ(lines, (std::vector<std::string>{"Error: MyNSView performDragOperation zPasteboardData == nil",
-                                               "Error MyNSView performDragOperation"}));
+    EXPECT_EQ(lines, (std::vector<std::string>{
+                         "Error: MyNSView performDragOperation zPasteboardData == nil",
+                         "Error MyNSView performDragOperation"}));
 }
 
 TEST_F(DragViewTest, TheLookOfHoveringFollowsThePointer) {

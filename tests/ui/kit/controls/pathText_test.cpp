@@ -19,13 +19,16 @@ TEST(PathText, AFolderLosesWhatIsSharedThenItsMiddleAndItsLastNameNever) {
     } cases[] = {
         {"/home/anna/2019/summer/lake/Programme/",
          "/home/anna/",
-         {"/home/anna/2019/summer/lake/Programme/", "…/2019/summer/lake/Programme/", "…/2019/…/lake/Programme/",
-          "…/2019/…/Programme/", "…/Programme/"}},
+         {"/home/anna/2019/summer/lake/Programme/", "…/2019/summer/lake/Programme/",
+          "…/2019/…/lake/Programme/", "…/2019/…/Programme/", "…/Programme/"}},
         {"/home/anna/2019/Programme/",
          "",
-         {"/home/anna/2019/Programme/", "/home/…/2019/Programme/", "/home/…/Programme/", "…/Programme/"}},
+         {"/home/anna/2019/Programme/", "/home/…/2019/Programme/", "/home/…/Programme/",
+          "…/Programme/"}},
         // All copies in one folder: its name stays.
-        {"/home/anna/Programme/", "/home/anna/Programme/", {"/home/anna/Programme/", "…/Programme/"}},
+        {"/home/anna/Programme/",
+         "/home/anna/Programme/",
+         {"/home/anna/Programme/", "…/Programme/"}},
         {"/Programme/", "/", {"/Programme/"}},
         {"/", "/", {"/"}},
     };
@@ -34,7 +37,8 @@ TEST(PathText, AFolderLosesWhatIsSharedThenItsMiddleAndItsLastNameNever) {
         for (const char* const text : each.steps) {
             const QString step = QString::fromUtf8(text);
             const auto shown = [&](int width) {
-                return shortenedFolder(QString::fromUtf8(each.folder), QString::fromUtf8(each.shared), metrics, width);
+                return shortenedFolder(QString::fromUtf8(each.folder),
+                                       QString::fromUtf8(each.shared), metrics, width);
             };
             const int width = metrics.horizontalAdvance(step);
             EXPECT_EQ(shown(width).toStdString(), step.toStdString());
@@ -46,20 +50,27 @@ TEST(PathText, AFolderLosesWhatIsSharedThenItsMiddleAndItsLastNameNever) {
 
 TEST(PathText, TheNameGivesWayBeforeTheLastFolderDoes) {
     const QFontMetrics metrics(QApplication::font());
-    const QString path = QStringLiteral("/home/anna/Programme/a very long name of a programme.tar.gz");
-    for (int width = metrics.horizontalAdvance(QStringLiteral("…/Programme/a ….gz  ")); width < 700; width += 7) {
+    const QString path =
+        QStringLiteral("/home/anna/Programme/a very long name of a programme.tar.gz");
+    for (int width = metrics.horizontalAdvance(QStringLiteral("…/Programme/a ….gz  ")); width < 700;
+         width += 7) {
         const PathParts shown = shortenedPath(path, QStringLiteral("/home/anna/"), metrics, width);
-        EXPECT_TRUE(shown.folder.endsWith(QStringLiteral("/Programme/"))) << shown.folder.toStdString() << ' ' << width;
-        EXPECT_LE(metrics.horizontalAdvance(shown.folder) + metrics.horizontalAdvance(shown.name), width);
+        EXPECT_TRUE(shown.folder.endsWith(QStringLiteral("/Programme/")))
+            << shown.folder.toStdString() << ' ' << width;
+        EXPECT_LE(metrics.horizontalAdvance(shown.folder) + metrics.horizontalAdvance(shown.name),
+                  width);
         EXPECT_GE(shown.name.size(), 3);
     }
     // Where even that is too much both are cut in their middles.
     const QString folder = QString(60, QLatin1Char('f'));
-    const PathParts shown = shortenedPath(QLatin1Char('/') + folder + QStringLiteral("/name.txt"), {}, metrics, 150);
-    EXPECT_TRUE(shown.folder.startsWith(QStringLiteral("…/f")) && shown.folder.endsWith(QStringLiteral("f/")));
+    const PathParts shown =
+        shortenedPath(QLatin1Char('/') + folder + QStringLiteral("/name.txt"), {}, metrics, 150);
+    EXPECT_TRUE(shown.folder.startsWith(QStringLiteral("…/f")) &&
+                shown.folder.endsWith(QStringLiteral("f/")));
     EXPECT_TRUE(shown.name.startsWith(QLatin1Char('n')) && shown.name.endsWith(QLatin1Char('t')));
     // A bare name has no folder to be cut.
-    EXPECT_EQ(shortenedPath(QStringLiteral("name.txt"), {}, metrics, 700).name, QStringLiteral("name.txt"));
+    EXPECT_EQ(shortenedPath(QStringLiteral("name.txt"), {}, metrics, 700).name,
+              QStringLiteral("name.txt"));
 }
 
 }  // namespace

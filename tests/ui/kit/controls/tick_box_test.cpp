@@ -1,4 +1,5 @@
-// Tick boxes, alone and in a tree: what a click and a key change, what is drawn, what a screen reader hears.
+// Tick boxes, alone and in a tree: what a click and a key change, what is drawn, what a screen
+// reader hears.
 #include <gtest/gtest.h>
 
 #include <QAccessible>
@@ -26,7 +27,9 @@ TEST(TickBox, ClicksAndKeysToggleAndSomeBecomesAll) {
     box.resize(300, 30);
     box.show();
     const QSignalSpy clicked(&box, &TickBox::clicked);
-    const auto click = [&](QPoint at) { QTest::mouseClick(&box, Qt::LeftButton, Qt::NoModifier, at); };
+    const auto click = [&](QPoint at) {
+        QTest::mouseClick(&box, Qt::LeftButton, Qt::NoModifier, at);
+    };
     box.setState(TickState::Some);
     EXPECT_TRUE(QAccessible::queryAccessibleInterface(&box)->state().checkStateMixed);
     EXPECT_EQ(QAccessible::queryAccessibleInterface(&box)->role(), QAccessible::CheckBox);
@@ -50,11 +53,13 @@ TEST(TickBox, EachLookCanBeToldFromTheOthers) {
     std::set<QByteArray> looks;
     for (const auto state : {TickState::Nothing, TickState::All, TickState::Some})
         for (const TickLook look :
-             {TickLook{}, TickLook{false, false, false, false, false}, TickLook{true, true, false, false, false},
-              TickLook{true, true, true, false, false}, TickLook{true, false, false, true, false},
+             {TickLook{}, TickLook{false, false, false, false, false},
+              TickLook{true, true, false, false, false}, TickLook{true, true, true, false, false},
+              TickLook{true, false, false, true, false},
               TickLook{true, false, false, true, true}}) {
             QImage image(30, 30, QImage::Format_ARGB32);
-            image.fill(Theme::shared().color(look.isOnAccent ? Theme::Color::Accent : Theme::Color::Surface));
+            image.fill(Theme::shared().color(look.isOnAccent ? Theme::Color::Accent
+                                                             : Theme::Color::Surface));
             QPainter painter(&image);
             paintTickBox(painter, QRect(6, 6, tickBoxSize, tickBoxSize), state, look);
             looks.emplace(reinterpret_cast<const char*>(image.constBits()), image.sizeInBytes());
@@ -78,7 +83,8 @@ protected:
         }
         view.setLayoutDirection(GetParam());
         view.setModel(&model);
-        view.setEditTriggers(QAbstractItemView::NoEditTriggers);  // as on the pages; a double click opens the row
+        view.setEditTriggers(
+            QAbstractItemView::NoEditTriggers);  // as on the pages; a double click opens the row
         view.setItemDelegateForColumn(0, &delegate);
         view.resize(500, 400);
         view.show();
@@ -93,8 +99,12 @@ protected:
         return cell;
     }
     QPoint box(int row) const { return TickBoxDelegate::boxRect(option(row)).center(); }
-    QPoint besideTheBox(int row) const { return box(row) + QPoint(GetParam() == Qt::LeftToRight ? 18 : -18, 0); }
-    void click(QPoint where) { QTest::mouseClick(view.viewport(), Qt::LeftButton, Qt::NoModifier, where); }
+    QPoint besideTheBox(int row) const {
+        return box(row) + QPoint(GetParam() == Qt::LeftToRight ? 18 : -18, 0);
+    }
+    void click(QPoint where) {
+        QTest::mouseClick(view.viewport(), Qt::LeftButton, Qt::NoModifier, where);
+    }
 
     QStandardItemModel model;
     QTreeView view;
@@ -106,7 +116,8 @@ TEST_P(TickTree, OnlyTheBoxToggles) {
     const struct {
         Row row;
         int first, second;  // after one click and after two
-    } cases[] = {{Clear, 1, 0}, {Ticked, 0, 1}, {Mixed, 1, 0}, {Disabled, 0, 0}, {Fixed, 0, 0}, {Boxless, 0, 0}};
+    } cases[] = {{Clear, 1, 0},    {Ticked, 0, 1}, {Mixed, 1, 0},
+                 {Disabled, 0, 0}, {Fixed, 0, 0},  {Boxless, 0, 0}};
     for (const auto& each : cases) {
         SCOPED_TRACE(each.row);
         const int before = state(each.row);
@@ -119,7 +130,8 @@ TEST_P(TickTree, OnlyTheBoxToggles) {
     }
     EXPECT_FALSE(at(Boxless).data(stateRole).isValid());
 
-    // A quick second click counts too, and does not open the row as a double click on its text does.
+    // A quick second click counts too, and does not open the row as a double click on its text
+    // does.
     QTest::mouseClick(view.viewport(), Qt::LeftButton, Qt::NoModifier, box(Clear));
     QTest::mouseDClick(view.viewport(), Qt::LeftButton, Qt::NoModifier, box(Clear));
     EXPECT_FALSE(view.isExpanded(at(Clear)));
@@ -151,14 +163,18 @@ TEST_P(TickTree, TheSpaceBarTogglesTheCurrentRow) {
 
 TEST_P(TickTree, IsDrawnWithinItsRow) {
     EXPECT_GE(view.visualRect(at(Clear)).height(), Theme::rowHeight);
-    const auto cellImage = [&](int row) { return view.viewport()->grab(view.visualRect(at(row))).toImage(); };
+    const auto cellImage = [&](int row) {
+        return view.viewport()->grab(view.visualRect(at(row))).toImage();
+    };
     EXPECT_NE(cellImage(Clear), cellImage(Ticked));
     EXPECT_NE(cellImage(Clear), cellImage(Disabled));
     EXPECT_NE(cellImage(Clear), cellImage(Boxless));
     EXPECT_TRUE(view.visualRect(at(Clear)).contains(TickBoxDelegate::hitRect(option(Clear))));
     const int middle = view.visualRect(at(Clear)).center().x();
     view.header()->resizeSection(0, 200);
-    EXPECT_EQ(box(Clear).x() < view.visualRect(at(Clear)).center().x(), GetParam() == Qt::LeftToRight) << middle;
+    EXPECT_EQ(box(Clear).x() < view.visualRect(at(Clear)).center().x(),
+              GetParam() == Qt::LeftToRight)
+        << middle;
 }
 
 INSTANTIATE_TEST_SUITE_P(Directions, TickTree, ::testing::Values(Qt::LeftToRight, Qt::RightToLeft));

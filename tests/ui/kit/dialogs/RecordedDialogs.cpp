@@ -18,14 +18,16 @@ void RecordedDialogs::alert(QWidget* /*window*/, const Alert& alert, Answer answ
     m_alerts.push_back(alert);
     int button = escapeButton(alert);
     if (m_buttons.empty()) {
-        ADD_FAILURE() << "unexpected alert: " << alert.title.toStdString() << " / " << alert.text.toStdString();
+        ADD_FAILURE() << "unexpected alert: " << alert.title.toStdString() << " / "
+                      << alert.text.toStdString();
     } else {
         button = m_buttons.front();
         m_buttons.pop_front();
         EXPECT_LT(button, alert.buttons.size()) << "the alert has no such button";
     }
     QMetaObject::invokeMethod(
-        &m_context, [answered = std::move(answered), button] { answered(button); }, Qt::QueuedConnection);
+        &m_context, [answered = std::move(answered), button] { answered(button); },
+        Qt::QueuedConnection);
 }
 
 void RecordedDialogs::choosePaths(QWidget* /*window*/, const PathChoice& choice, Paths chosen) {
@@ -38,7 +40,8 @@ void RecordedDialogs::choosePaths(QWidget* /*window*/, const PathChoice& choice,
         m_choices.pop_front();
     }
     QMetaObject::invokeMethod(
-        &m_context, [chosen = std::move(chosen), paths = std::move(paths)] { chosen(paths); }, Qt::QueuedConnection);
+        &m_context, [chosen = std::move(chosen), paths = std::move(paths)] { chosen(paths); },
+        Qt::QueuedConnection);
 }
 
 }  // namespace orrinvale::testing

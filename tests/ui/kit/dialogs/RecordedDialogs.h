@@ -1,5 +1,5 @@
-// RecordedDialogs: answers the questions of a page in a test, and keeps what was asked. Answers are preloaded; they come from
-// the event loop, as those of a user do.
+// RecordedDialogs: answers the questions of a page in a test, and keeps what was asked. Answers are
+// preloaded; they come from the event loop, as those of a user do.
 #pragma once
 
 #include <QObject>
@@ -12,8 +12,8 @@
 
 namespace orrinvale::testing {
 
-/// A question without a preloaded answer fails the test, and is answered by Escape or with no path. So does, at the end, an
-/// answer that nobody asked for.
+/// A question without a preloaded answer fails the test, and is answered by Escape or with no path.
+/// So does, at the end, an answer that nobody asked for.
 class RecordedDialogs final : public Dialogs {
 public:
     ~RecordedDialogs() override;

@@ -1,4 +1,5 @@
-// Sheets as a user has them: keys, focus, what stays out of reach; the choice of folders; and the recorder that pages' tests use.
+// Sheets as a user has them: keys, focus, what stays out of reach; the choice of folders; and the
+// recorder that pages' tests use.
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 
@@ -73,7 +74,11 @@ TEST(WindowDialogs, KeysChooseTheButton) {
         {"the other Enter too", 1, {}, {Qt::Key_Enter}, 0},
         {"Escape cancels", 1, {}, {Qt::Key_Escape}, 1},
         {"Tab and space", 1, {}, {Qt::Key_Tab, Qt::Key_Space}, 1},
-        {"Enter presses the button that the keyboard is on", 1, {}, {Qt::Key_Tab, Qt::Key_Return}, 1},
+        {"Enter presses the button that the keyboard is on",
+         1,
+         {},
+         {Qt::Key_Tab, Qt::Key_Return},
+         1},
         {"Tab goes round", 1, {}, {Qt::Key_Tab, Qt::Key_Tab, Qt::Key_Return}, 0},
         {"and back", 1, {}, {Qt::Key_Backtab, Qt::Key_Return}, 1},
         {"no cancel button", -1, {}, {Qt::Key_Escape}, -2},
@@ -107,7 +112,8 @@ TEST(WindowDialogs, ThePageIsOutOfReachMeanwhile) {
     QAction shortcut(&window);
     shortcut.setShortcut(QKeySequence(Qt::Key_F5));
     window.addAction(&shortcut);
-    const QSignalSpy triggered(&shortcut, &QAction::triggered), clicked(window.button, &QPushButton::clicked);
+    const QSignalSpy triggered(&shortcut, &QAction::triggered),
+        clicked(window.button, &QPushButton::clicked);
     press(Qt::Key_F5);
     ASSERT_EQ(triggered.count(), 1) << "the shortcut works without a sheet";
 
@@ -170,7 +176,8 @@ TEST(WindowDialogs, ALinkLeavesTheQuestionOpen) {
     QTest::mouseClick(*link, Qt::LeftButton);
     QTest::mouseClick(*link, Qt::LeftButton);
     EXPECT_EQ(visits, 2);
-    EXPECT_EQ(QAccessible::queryAccessibleInterface(*link)->text(QAccessible::Name), alert.linkText);
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(*link)->text(QAccessible::Name),
+              alert.linkText);
     press(Qt::Key_Escape);
     ASSERT_TRUE(waitFor([&] { return answer != -2; }));
     EXPECT_EQ(answer, 1);
@@ -192,7 +199,8 @@ TEST(WindowDialogs, AWindowThatEndsTakesItsQuestionsAlong) {
 
 TEST(WindowDialogs, AFolderIsChosenByItsBytes) {
     TestTree tree;
-    ASSERT_TRUE(tree.folder("Bücher & Co") && tree.symlink("Bücher & Co", "link") && tree.write("file", "x"));
+    ASSERT_TRUE(tree.folder("Bücher & Co") && tree.symlink("Bücher & Co", "link") &&
+                tree.write("file", "x"));
     const struct {
         const char* entry;
         bool withFiles;
@@ -212,7 +220,8 @@ TEST(WindowDialogs, AFolderIsChosenByItsBytes) {
         choice.directory = tree.path();
         choice.withFiles = each.withFiles;
         std::vector<std::vector<std::string>> results;
-        dialogs.choosePaths(window.button, choice, [&](auto paths) { results.push_back(std::move(paths)); });
+        dialogs.choosePaths(window.button, choice,
+                            [&](auto paths) { results.push_back(std::move(paths)); });
         auto* chooser = window.findChild<QFileDialog*>();
         ASSERT_NE(chooser, nullptr);
         EXPECT_EQ(chooser->windowTitle(), choice.title);
@@ -242,8 +251,10 @@ TEST(RecordedDialogs, AnswersLaterAndKnowsWhatWasAsked) {
     EXPECT_EQ(answer, 0);
     EXPECT_EQ(paths, (std::vector<std::string>{"/a", "/b"}));
     EXPECT_EQ(dialogs.alerts().front().title, question().title);
-    EXPECT_NONFATAL_FAILURE(dialogs.alert(nullptr, question(), [](int) {}), "unexpected alert: Remove all?");
-    EXPECT_NONFATAL_FAILURE(dialogs.choosePaths(nullptr, PathChoice(), [](auto) {}), "unexpected choice");
+    EXPECT_NONFATAL_FAILURE(dialogs.alert(nullptr, question(), [](int) {}),
+                            "unexpected alert: Remove all?");
+    EXPECT_NONFATAL_FAILURE(dialogs.choosePaths(nullptr, PathChoice(), [](auto) {}),
+                            "unexpected choice");
     EXPECT_NONFATAL_FAILURE(RecordedDialogs().willAnswer(1), "never came");
 }
 

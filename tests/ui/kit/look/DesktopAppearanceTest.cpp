@@ -19,11 +19,13 @@ class DesktopAppearanceTest : public ::testing::Test {
 protected:
     void SetUp() override {
         m_daemon.start(QStringLiteral("dbus-daemon"),
-                       {QStringLiteral("--session"), QStringLiteral("--print-address"), QStringLiteral("--nofork")});
+                       {QStringLiteral("--session"), QStringLiteral("--print-address"),
+                        QStringLiteral("--nofork")});
         if (!m_daemon.waitForStarted()) GTEST_SKIP() << "no dbus-daemon here";
         ASSERT_TRUE(m_daemon.waitForReadyRead());
         m_address = QString::fromUtf8(m_daemon.readLine()).trimmed();
-        m_bus = std::make_unique<QDBusConnection>(QDBusConnection::connectToBus(m_address, QStringLiteral("look")));
+        m_bus = std::make_unique<QDBusConnection>(
+            QDBusConnection::connectToBus(m_address, QStringLiteral("look")));
         ASSERT_TRUE(m_bus->isConnected());
     }
     void TearDown() override {
@@ -34,15 +36,20 @@ protected:
         }
     }
 
-    // False where the machine lacks python3-dbusmock. The code is what the service does when it is asked.
+    // False where the machine lacks python3-dbusmock. The code is what the service does when it is
+    // asked.
     bool startService(const char* readCode) {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), m_address);
         m_service.setProcessEnvironment(environment);
-        m_service.start(QStringLiteral("/usr/bin/python3"),
-                        {QStringLiteral("-m"), QStringLiteral("dbusmock"), m_name, m_path, m_interface});
-        const auto running = [this] { return m_bus->interface()->isServiceRegistered(m_name).value(); };
-        if (!QTest::qWaitFor([&] { return running() || m_service.state() == QProcess::NotRunning; }, 10000))
+        m_service.start(
+            QStringLiteral("/usr/bin/python3"),
+            {QStringLiteral("-m"), QStringLiteral("dbusmock"), m_name, m_path, m_interface});
+        const auto running = [this] {
+            return m_bus->interface()->isServiceRegistered(m_name).value();
+        };
+        if (!QTest::qWaitFor([&] { return running() || m_service.state() == QProcess::NotRunning; },
+                             10000))
             return false;
         if (!running()) return false;
         addMethod("Read", "ss", "v", readCode);
@@ -58,7 +65,9 @@ protected:
         return true;
     }
     void turn(const char* key) { call(m_interface, "Turn", {QString::fromLatin1(key)}); }
-    void setDoubleClick(const char* action) { call(m_interface, "Press", {QString::fromLatin1(action)}); }
+    void setDoubleClick(const char* action) {
+        call(m_interface, "Press", {QString::fromLatin1(action)});
+    }
     void setAnimations(bool on) { call(m_interface, "Move", {on}); }
 
     std::unique_ptr<QDBusConnection> m_bus;
@@ -66,11 +75,12 @@ protected:
 private:
     void addMethod(const char* name, const char* in, const char* out, const char* code) {
         call(QStringLiteral("org.freedesktop.DBus.Mock"), "AddMethod",
-             {m_interface, QString::fromLatin1(name), QString::fromLatin1(in), QString::fromLatin1(out),
-              QString::fromLatin1(code)});
+             {m_interface, QString::fromLatin1(name), QString::fromLatin1(in),
+              QString::fromLatin1(out), QString::fromLatin1(code)});
     }
     void call(const QString& interface, const char* method, const QVariantList& arguments) {
-        QDBusMessage message = QDBusMessage::createMethodCall(m_name, m_path, interface, QString::fromLatin1(method));
+        QDBusMessage message =
+            QDBusMessage::createMethodCall(m_name, m_path, interface, QString::fromLatin1(method));
         message.setArguments(arguments);
         EXPECT_EQ(m_bus->call(message).type(), QDBusMessage::ReplyMessage);
     }
@@ -102,8 +112,10 @@ TEST_F(DesktopAppearanceTest, AsksOnceAndFollows) {
 
 TEST_F(DesktopAppearanceTest, KnowsWhatADoubleClickOnATitleBarDoes) {
     if (!startService("ret = dbus.UInt32(1, variant_level=1) if args[1] == 'color-scheme' else "
-                      "dbus.String('minimize', variant_level=1) if args[1] == 'action-double-click-titlebar' and "
-                      "args[0] == 'org.gnome.desktop.wm.preferences' else dbus.Boolean(True, variant_level=1)"))
+                      "dbus.String('minimize', variant_level=1) if args[1] == "
+                      "'action-double-click-titlebar' and "
+                      "args[0] == 'org.gnome.desktop.wm.preferences' else dbus.Boolean(True, "
+                      "variant_level=1)"))
         GTEST_SKIP() << "no python3-dbusmock here";
     const DesktopAppearance appearance(*m_bus, nullptr);
     const auto comes = [&](TitleDoubleClick action) {

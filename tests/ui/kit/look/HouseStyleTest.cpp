@@ -1,4 +1,5 @@
-// HouseStyle by the pointer: a scroll bar without arrows that is dragged and paged through, however much there is to scroll.
+// HouseStyle by the pointer: a scroll bar without arrows that is dragged and paged through, however
+// much there is to scroll.
 #include <gtest/gtest.h>
 
 #include <QScrollBar>
@@ -28,8 +29,11 @@ TEST_P(ScrollBars, FollowThePointerFromEndToEnd) {
     const bool isAcross = orientation == Qt::Horizontal;
     constexpr int length = 300;
     constexpr int middle = 6;
-    bar.resize(isAcross ? QSize(length, bar.sizeHint().height()) : QSize(bar.sizeHint().width(), length));
-    const auto at = [&](int along) { return isAcross ? QPoint(along, middle) : QPoint(middle, along); };
+    bar.resize(isAcross ? QSize(length, bar.sizeHint().height())
+                        : QSize(bar.sizeHint().width(), length));
+    const auto at = [&](int along) {
+        return isAcross ? QPoint(along, middle) : QPoint(middle, along);
+    };
 
     QTest::mousePress(&bar, Qt::LeftButton, {}, at(2));
     QTest::mouseMove(&bar, at(length / 2));
@@ -39,13 +43,15 @@ TEST_P(ScrollBars, FollowThePointerFromEndToEnd) {
     EXPECT_EQ(bar.value(), range.maximum);
     QTest::mouseRelease(&bar, Qt::LeftButton, {}, at(length - 1));
 
-    QTest::mouseClick(&bar, Qt::LeftButton, {}, at(1));  // the groove pages, where arrows would step
+    QTest::mouseClick(&bar, Qt::LeftButton, {},
+                      at(1));  // the groove pages, where arrows would step
     EXPECT_EQ(bar.value(), range.maximum - range.page);
 }
 
 INSTANTIATE_TEST_SUITE_P(BothWays, ScrollBars,
                          ::testing::Combine(::testing::Values(Qt::Vertical, Qt::Horizontal),
-                                            ::testing::Values(Range{1'000, 400}, Range{2'000'000'000, 300})));
+                                            ::testing::Values(Range{1'000, 400},
+                                                              Range{2'000'000'000, 300})));
 
 TEST(ScrollBars, AreSeenOnBothPalettes) {
     HouseStyle style;
@@ -58,7 +64,8 @@ TEST(ScrollBars, AreSeenOnBothPalettes) {
         bar.setPageStep(500);
         bar.resize(bar.sizeHint().width(), 300);
         const QImage drawn = bar.grab().toImage();
-        const QColor slider = drawn.pixelColor(bar.width() / 2, 30), groove = drawn.pixelColor(bar.width() / 2, 290);
+        const QColor slider = drawn.pixelColor(bar.width() / 2, 30),
+                     groove = drawn.pixelColor(bar.width() / 2, 290);
         EXPECT_GE(testing::contrast(slider, groove), 3.0) << static_cast<int>(scheme);
     }
     Theme::shared().setScheme(before);

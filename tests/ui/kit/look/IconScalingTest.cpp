@@ -1,4 +1,5 @@
-// Icons brought to size, looked at pixel by pixel: the upper half of each is red, the lower half blue.
+// Icons brought to size, looked at pixel by pixel: the upper half of each is red, the lower half
+// blue.
 #include "ui/kit/look/IconScaling.h"
 
 #include <gtest/gtest.h>
@@ -42,18 +43,21 @@ TEST(IconScaling, MenuIconsByTheirSize) {
         int width, height;
         float amount;
         bool flip, resized;
-        std::string column, bottomRow;  // the middle column from above, the lowest row but one from the left
+        std::string column,
+            bottomRow;  // the middle column from above, the lowest row but one from the left
     };
     const std::vector<Case> cases = {
         {26, 28, 1, false, true, "rrrrrrrbbbbbbb", "bbbbbbbbbbbbb"},
         {13, 14, 1, false, true, "rrrrrrrbbbbbbb", "bbbbbbbbbbbbb"},
         {26, 28, 1, true, true, "bbbbbbbrrrrrrr", "rrrrrrrrrrrrr"},
-        // Too low: stretched to the canvas, raised by half of 14 - 10, the top cut off, white below. Where red meets blue they mix.
+        // Too low: stretched to the canvas, raised by half of 14 - 10, the top cut off, white
+        // below. Where red meets blue they mix.
         {20, 10, 1, false, true, "rrrr??bbbbbbww", "wwwwwwwwwwwww"},
         {20, 10, 0, false, true, "..............", "............."},
         {20, 10, 0.5F, false, true, ".......bbbbbww", "wwwwwwwwwwwww"},
         {20, 10, 1, true, true, "bbbb??rrrrrrww", "wwwwwwwwwwwww"},
-        // Too narrow: stretched, moved right by half of 13 - 7, the right end cut off. White reaches up to 13.
+        // Too narrow: stretched, moved right by half of 13 - 7, the right end cut off. White
+        // reaches up to 13.
         {7, 28, 1, false, true, ".rrrrrrbbbbbbb", "wwwbbbbbbbbbb"},
         // Smaller, or as wide and lower, or 14 high and narrower: as it is, in the middle.
         {7, 8, 1, false, false, ".wwrrrrbbbbwww", "wwwwwwwwwwwww"},

@@ -1,4 +1,5 @@
-// Every picture by its name: that it is there, shows something, keeps within its edges and follows the scheme.
+// Every picture by its name: that it is there, shows something, keeps within its edges and follows
+// the scheme.
 #include "ui/kit/look/picture.h"
 
 #include <gtest/gtest.h>
@@ -49,7 +50,8 @@ double inked(const QImage& image, Scheme scheme) {
 
 bool edgeIsClear(const QImage& image) {
     for (int i = 0; i < image.width(); ++i)
-        if (qAlpha(image.pixel(i, 0)) + qAlpha(image.pixel(i, image.height() - 1)) > 0) return false;
+        if (qAlpha(image.pixel(i, 0)) + qAlpha(image.pixel(i, image.height() - 1)) > 0)
+            return false;
     for (int i = 0; i < image.height(); ++i)
         if (qAlpha(image.pixel(0, i)) + qAlpha(image.pixel(image.width() - 1, i)) > 0) return false;
     return true;
@@ -67,7 +69,8 @@ TEST(Picture, EveryOneShowsSomethingInBothSchemesAndScales) {
                 EXPECT_GT(inked(image, scheme), 0.015);
             }
             // The program's icon is the same on every desktop.
-            EXPECT_EQ(drawn(name, scale, Scheme::Light) == drawn(name, scale, Scheme::Dark), name == "appicon"_s);
+            EXPECT_EQ(drawn(name, scale, Scheme::Light) == drawn(name, scale, Scheme::Dark),
+                      name == "appicon"_s);
         }
         const bool onGrid = pictureSize(name) == QSize(24, 24);
         EXPECT_TRUE(!onGrid || edgeIsClear(drawn(name, 2, Scheme::Light))) << "cut off";
@@ -76,15 +79,19 @@ TEST(Picture, EveryOneShowsSomethingInBothSchemesAndScales) {
 
 TEST(Picture, EveryNameOfTheInterfaceIsThere) {
     QStringList names =
-        ("wheader tab tab_on option_no option_yes option_a all ic_doc ic_video ic_music ic_archive ic_pic "
-         "ic_other ic_lock ic_unlock Lock.png Lock_1.png Unlock.png addbg addbg_hover addbg_press locate "
+        ("wheader tab tab_on option_no option_yes option_a all ic_doc ic_video ic_music ic_archive "
+         "ic_pic "
+         "ic_other ic_lock ic_unlock Lock.png Lock_1.png Unlock.png addbg addbg_hover addbg_press "
+         "locate "
          "preview file1.png trash scan_b_normal bottom_prograss.png animation_prograss.png"_s)
             .split(u' ');
-    for (const char* button : {"btn_back", "btn_sec", "btn_pri", "window_close", "window_minimise", "window_zoom"})
+    for (const char* button :
+         {"btn_back", "btn_sec", "btn_pri", "window_close", "window_minimise", "window_zoom"})
         for (const char* state : {"", "_hover", "_press", "_disable"})
             names << QLatin1String(button) + QLatin1String(state);
     for (int i = 0; i <= 100; ++i)
-        for (const char* form : {"%1", "%1-1.png", "%1%.png", "%1%-1.png", "%1_index", "%1_r_index", "%1_progress_bar"})
+        for (const char* form : {"%1", "%1-1.png", "%1%.png", "%1%-1.png", "%1_index", "%1_r_index",
+                                 "%1_progress_bar"})
             names << QString::fromLatin1(form).arg(i);
     for (int i = 1; i <= 12; ++i) names << "loading_%1"_s.arg(i);
     for (const QString& name : names) EXPECT_FALSE(picture(name).isNull()) << name.toStdString();
@@ -92,9 +99,10 @@ TEST(Picture, EveryNameOfTheInterfaceIsThere) {
 
 TEST(Picture, AnUnknownNameIsLoggedAndGivesNothing) {
     const testing::LogLines log;
-    const QStringList names{""_s,    "nothing"_s, "101%"_s,      "037"_s,        "%-1"_s,
-                            "-1"_s,  "1 "_s,      "loading_0"_s, "loading_13"_s, "../pictures/all"_s,
-                            "ALL"_s, "all.jpg"_s};
+    const QStringList names{
+        ""_s,    "nothing"_s, "101%"_s,      "037"_s,        "%-1"_s,
+        "-1"_s,  "1 "_s,      "loading_0"_s, "loading_13"_s, "../pictures/all"_s,
+        "ALL"_s, "all.jpg"_s};
     for (const QString& name : names) {
         EXPECT_TRUE(picture(name).isNull()) << name.toStdString();
         EXPECT_TRUE(picturePixmap(name, {10, 10}).isNull()) << name.toStdString();
@@ -107,7 +115,8 @@ TEST(Picture, AnUnknownNameIsLoggedAndGivesNothing) {
 TEST(Picture, KeepsItsShapeUnlessItIsMadeToStretch) {
     const QImage icon = picturePixmap("ic_video"_s, {72, 24}).toImage();
     for (int y = 0; y < 24; ++y)
-        for (const int x : {0, 10, 23, 48, 60, 71}) EXPECT_EQ(qAlpha(icon.pixel(x, y)), 0) << x << ' ' << y;
+        for (const int x : {0, 10, 23, 48, 60, 71})
+            EXPECT_EQ(qAlpha(icon.pixel(x, y)), 0) << x << ' ' << y;
     EXPECT_GT(qAlpha(icon.pixel(36, 12)), 0);
     const QImage header = picturePixmap("wheader"_s, {1200, 62}).toImage();
     EXPECT_EQ(qAlpha(header.pixel(0, 61)) + qAlpha(header.pixel(1199, 0)), 510);
@@ -126,7 +135,8 @@ TEST(Picture, ANumberIsHowMuchIsFilled) {
     const auto colored = [](const QString& name, QRgb color) {
         const QImage bar = drawn(name, 1, Scheme::Light);
         int count = 0;
-        for (int x = 0; x < bar.width(); ++x) count += bar.pixel(x, bar.height() / 2) == color ? 1 : 0;
+        for (int x = 0; x < bar.width(); ++x)
+            count += bar.pixel(x, bar.height() / 2) == color ? 1 : 0;
         return count * 100.0 / bar.width();
     };
     EXPECT_EQ(colored("0"_s, accent), 0);
@@ -146,7 +156,8 @@ TEST(PictureFile, AllAreBuiltInAndNameTheirColours) {
     QStringList names = files + QStringList{"appicon"_s};
     names.sort();
     EXPECT_EQ(PictureFile::names(), names);
-    static const QRegularExpression fixedColor("(fill|stroke|stop-color)=\"(?!none|url\\(#)[^\"]*\""_s);
+    static const QRegularExpression fixedColor(
+        "(fill|stroke|stop-color)=\"(?!none|url\\(#)[^\"]*\""_s);
     for (const QString& name : files) {
         QFile file(folder.filePath(name + ".svg"_s));
         ASSERT_TRUE(file.open(QIODevice::ReadOnly));
@@ -159,8 +170,8 @@ TEST(PictureFile, AllAreBuiltInAndNameTheirColours) {
     }
 }
 
-// The pictures that a source names: the first argument of picture() and its like, and whatever ends in .png. A place for a
-// number counts as 1.
+// The pictures that a source names: the first argument of picture() and its like, and whatever ends
+// in .png. A place for a number counts as 1.
 QStringList namedIn(const QString& source) {
     static const QRegularExpression literal(
         "\\bpicture(?:Pixmap|Size)?\\(\\s*(?:Q\\w+\\()?u?\"([^\"]+)\"|\"([^\"/*]+\\.png)\""_s);
@@ -174,18 +185,21 @@ QStringList namedIn(const QString& source) {
 }
 
 TEST(Picture, EveryNameInTheSourcesIsThere) {
-    ASSERT_EQ(namedIn("a(picture(QStringLiteral(\"x\")), QStringLiteral(\"Lock.png\")) pictureSize( u\"%1%-1\"_qs"_s),
-              (QStringList{"x"_s, "Lock.png"_s, "1%-1"_s}));
+    ASSERT_EQ(
+        namedIn(
+            "a(picture(QStringLiteral(\"x\")), QStringLiteral(\"Lock.png\")) pictureSize( u\"%1%-1\"_qs"_s),
+        (QStringList{"x"_s, "Lock.png"_s, "1%-1"_s}));
     int sources = 0;
-    QDirIterator files(QStringLiteral(ORRINVALE_SOURCE_DIR "/src/ui"), {"*.cpp"_s, "*.h"_s}, QDir::Files,
-                       QDirIterator::Subdirectories);
+    QDirIterator files(QStringLiteral(ORRINVALE_SOURCE_DIR "/src/ui"), {"*.cpp"_s, "*.h"_s},
+                       QDir::Files, QDirIterator::Subdirectories);
     while (files.hasNext()) {
         QFile file(files.next());
         if (file.fileName().contains("/kit/look/"_s)) continue;  // there names are taken apart
         ASSERT_TRUE(file.open(QIODevice::ReadOnly));
         ++sources;
         for (const QString& name : namedIn(QString::fromUtf8(file.readAll())))
-            EXPECT_FALSE(picture(name).isNull()) << file.fileName().toStdString() << ": " << name.toStdString();
+            EXPECT_FALSE(picture(name).isNull())
+                << file.fileName().toStdString() << ": " << name.toStdString();
     }
     if (sources == 0) GTEST_SKIP() << "no sources beside the looks themselves";
 }

@@ -36,7 +36,8 @@ TEST(Theme, EveryPairOfColoursThatMeetCanBeRead) {
         double least;
     };
     const std::array<Rule, 3> rules{{
-        {{Color::Text, Color::TextSecondary, Color::Accent, Color::Danger, Color::Success, Color::Warning},
+        {{Color::Text, Color::TextSecondary, Color::Accent, Color::Danger, Color::Success,
+          Color::Warning},
          grounds,
          4.5},
         {{Color::TextOnAccent}, plates, 4.5},
@@ -46,8 +47,11 @@ TEST(Theme, EveryPairOfColoursThatMeetCanBeRead) {
         for (const Rule& rule : rules)
             for (const Color foreground : rule.foregrounds)
                 for (const Color background : rule.backgrounds)
-                    EXPECT_GE(contrast(Theme::color(foreground, scheme), Theme::color(background, scheme)), rule.least)
-                        << "colour " << static_cast<int>(foreground) << " on " << static_cast<int>(background)
+                    EXPECT_GE(contrast(Theme::color(foreground, scheme),
+                                       Theme::color(background, scheme)),
+                              rule.least)
+                        << "colour " << static_cast<int>(foreground) << " on "
+                        << static_cast<int>(background)
                         << (scheme == Scheme::Dark ? ", dark" : ", light");
 }
 
@@ -65,14 +69,17 @@ TEST(Theme, InstallsAndRepaintsEveryWindowWhenTheSchemeChanges) {
     theme.install(*qApp);
     qunsetenv("ORRINVALE_THEME");
     EXPECT_EQ(theme.scheme(), Scheme::Dark);
-    EXPECT_EQ(Theme::desktopScheme(), Scheme::Light) << "the offscreen desktop is light, whatever we put over it";
+    EXPECT_EQ(Theme::desktopScheme(), Scheme::Light)
+        << "the offscreen desktop is light, whatever we put over it";
     const auto* const style = qobject_cast<QProxyStyle*>(QApplication::style());
     ASSERT_NE(style, nullptr);
     EXPECT_EQ(style->baseStyle()->name(), QStringLiteral("fusion"));
-    EXPECT_EQ(QApplication::palette().color(QPalette::Base), Theme::color(Color::Surface, Scheme::Dark));
+    EXPECT_EQ(QApplication::palette().color(QPalette::Base),
+              Theme::color(Color::Surface, Scheme::Dark));
 
     Painted widget;
-    widget.setPalette(theme.palette());  // every role of its own, so that the new palette does not reach it
+    widget.setPalette(
+        theme.palette());  // every role of its own, so that the new palette does not reach it
     widget.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&widget));
     QCoreApplication::processEvents();
@@ -87,16 +94,18 @@ TEST(Theme, InstallsAndRepaintsEveryWindowWhenTheSchemeChanges) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return widget.paints > before; }));
     EXPECT_NE(icon.pixmap(24, 24).toImage(), dark) << "an icon made before the change";
     EXPECT_EQ(QApplication::palette().color(QPalette::Base), QColor(Qt::white));
-    EXPECT_EQ(QApplication::palette().color(QPalette::Disabled, QPalette::Text), theme.color(Color::TextDisabled));
+    EXPECT_EQ(QApplication::palette().color(QPalette::Disabled, QPalette::Text),
+              theme.color(Color::TextDisabled));
 }
 
 TEST(Theme, LettersComeInStepsOfPixelsAtTheUsualResolution) {
     const std::array<int, 6> pixels{11, 13, 13, 15, 20, 28};
     for (std::size_t i = 0; i < pixels.size(); ++i)
-        EXPECT_NEAR(
-            QFontInfo(Theme::shared().font(static_cast<Theme::Text>(i))).pixelSize() * 96.0 / QWidget().logicalDpiY(),
-            pixels[i], 0.6);
-    EXPECT_GT(Theme::shared().font(Theme::Text::BodyStrong).weight(), Theme::shared().font(Theme::Text::Body).weight());
+        EXPECT_NEAR(QFontInfo(Theme::shared().font(static_cast<Theme::Text>(i))).pixelSize() *
+                        96.0 / QWidget().logicalDpiY(),
+                    pixels[i], 0.6);
+    EXPECT_GT(Theme::shared().font(Theme::Text::BodyStrong).weight(),
+              Theme::shared().font(Theme::Text::Body).weight());
 }
 
 TEST(GetColor, ComponentsAreBroughtIntoTheirRange) {
