@@ -11,6 +11,7 @@
 #include "engine/base/Log.h"
 #include "engine/base/NotificationCenter.h"
 #include "engine/base/UtilityObject.h"
+#include "engine/base/notices.h"
 #include "engine/cleaning/QnAuthorization.h"
 #include "engine/largefiles/Controller.h"
 #include "engine/memory/ClearMemory.h"
@@ -82,7 +83,7 @@ void connectEngine(Shared& shared) {
     right.setRightLostHandler([&shared](AuthorizationRefusal /*reason*/) {
         shared.mainQueue.async([&shared] {
             UtilityObject::getMyObject().setIsOpenLocked(false);
-            shared.notifications.post("changeLockState");
+            notice::changeLockState.post(shared.notifications);
         });
     });
     Controller::getController().setParts({.files = &shared.files,

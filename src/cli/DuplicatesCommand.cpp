@@ -17,9 +17,10 @@ namespace {
 std::string progressLine(DuplicateFilesOpt& search) {
     const auto state = search.search();
     const SearchCounts counts = state ? state->counts() : SearchCounts{};
-    return fmt::format("{:3} %  {} files, {} read  {}", search.getProgress(), counts.listedFiles,
+    const Progress progress = search.progress();
+    return fmt::format("{:3} %  {} files, {} read  {}", progress.done, counts.listedFiles,
                        UtilityFunction::convertVolSpace(counts.hashedBytes),
-                       printable(search.getCurrentSearchFile()));
+                       printable(progress.current));
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "engine/base/notices.h"
 #include "engine/cleaning/QnAuthorization.h"
 #include "engine/settings/UserDefaults.h"
 #include "gallery/SampleFolder.h"
@@ -140,10 +141,10 @@ bool DuplicateScenes::drawResult() {
         }))
         return false;
     if (!save("detail")) return false;
-    m_workings.notifications.post("refViewBgColor", UserInfo{{"rowNum", std::int32_t{5}}});
+    notice::refViewBgColor.post(m_workings.notifications, {5});
     outline()->expandAll();
     if (!save("pictures")) return false;
-    m_workings.notifications.post("refViewBgColor", UserInfo{{"rowNum", std::int32_t{0}}});
+    notice::refViewBgColor.post(m_workings.notifications, {0});
     return saveLines("unreadable", "quietLine");
 }
 

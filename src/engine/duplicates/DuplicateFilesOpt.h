@@ -32,7 +32,7 @@ struct DuplicateGroup {
 };
 
 /// One object serves one search. beginSearchAtPath() runs the search on the calling thread;
-/// getProgress(), getCurrentSearchFile(), counts() and stopSearch() may be called from any thread
+/// progress(), what it is made of, counts() and stopSearch() may be called from any thread
 /// meanwhile; all else is for before or after.
 class DuplicateFilesOpt final {
 public:
@@ -54,6 +54,9 @@ public:
 
     /// What the search is at, the root at first.
     [[nodiscard]] std::string getCurrentSearchFile();
+
+    /// Percent and path in one.
+    [[nodiscard]] Progress progress() { return {getProgress(), 100, getCurrentSearchFile()}; }
 
     /// Also before the search has begun: it then ends at once.
     void stopSearch();

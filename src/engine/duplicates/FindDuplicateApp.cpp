@@ -60,16 +60,6 @@ FindDuplicateApp::FindDuplicateApp(const FileSystem& files, SkipList& skipped,
                                    std::vector<std::uint64_t> passingInodes)
     : m_files(files), m_skipped(skipped), m_passingInodes(std::move(passingInodes)) {}
 
-std::string FindDuplicateApp::CurrentSearchFile() const {
-    const std::lock_guard lock(m_mutex);
-    return m_CurrentSearchFile;
-}
-
-void FindDuplicateApp::setCurrentSearchFile(std::string path) {
-    const std::lock_guard lock(m_mutex);
-    m_CurrentSearchFile = std::move(path);
-}
-
 bool FindDuplicateApp::getAllFilePathName(const std::string& path, AppAttrbItem* OutArray) {
     if (path.empty() || OutArray == nullptr) return false;
     const auto start = openFolderByPath(m_files, path, Links::Follow);
@@ -229,7 +219,7 @@ bool FindDuplicateApp::FindAppInArray(const std::vector<std::string>* array,
         setCurrentSearchFile(item->DirectoryPathName);
         takeGroup(item, OutArray);
         remaining -= item->taken ? OutArray.back().size() : 1;
-        m_Progress = static_cast<std::uint32_t>(remaining * 100 / m_AppCount);
+        setProgress(static_cast<std::uint32_t>(remaining * 100 / m_AppCount));
     }
     m_AllAppItem.clear();
     m_classes.clear();

@@ -6,10 +6,10 @@
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
+#include "engine/base/Progress.h"
 #include "engine/duplicates/AppAttrbItem.h"
 #include "engine/files/SkipList.h"
 #include "engine/files/StopGrace.h"
@@ -61,12 +61,14 @@ public:
     [[nodiscard]] bool StopSearch() const { return m_StopSearch; }
 
     /// Remaining share in percent: counts down to 0.
-    [[nodiscard]] std::uint32_t Progress() const { return m_Progress; }
-    void setProgress(std::uint32_t percent) { m_Progress = percent; }
+    [[nodiscard]] std::uint32_t Progress() const {
+        return static_cast<std::uint32_t>(m_told.copy().done);
+    }
+    void setProgress(std::uint32_t percent) { m_told.setDone(percent); }
 
     /// Path of the bundle in hand.
-    [[nodiscard]] std::string CurrentSearchFile() const;
-    void setCurrentSearchFile(std::string path);
+    [[nodiscard]] std::string CurrentSearchFile() const { return m_told.copy().current; }
+    void setCurrentSearchFile(std::string path) { m_told.setCurrent(std::move(path)); }
 
 private:
     void dropRepeated();
@@ -79,12 +81,10 @@ private:
     AppList m_AllAppItem;
     std::map<std::vector<std::uint64_t>, AppList>
         m_classes;  // bundles that may be equal, by what they were told apart by
-    std::atomic<std::uint32_t> m_Progress{0};
+    ProgressBox m_told;
     std::uint64_t m_AppCount = 0;
     std::atomic<bool> m_StopSearch{false};
     const StopGrace m_grace{m_StopSearch};
-    mutable std::mutex m_mutex;
-    std::string m_CurrentSearchFile;  // guarded by m_mutex
 };
 
 }  // namespace orrinvale

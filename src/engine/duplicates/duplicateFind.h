@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/base/Progress.h"
 #include "engine/duplicates/AppAttrbItem.h"
 #include "engine/duplicates/fileAttrbItem.h"
 #include "engine/files/SkipList.h"
@@ -29,9 +30,9 @@ struct SearchCounts {
     std::uint64_t hashedBytes = 0;
 };
 
-/// One search. searchDuplicateFileAtPath() runs on one thread; getProgress(),
-/// getCurrentSearchPath(), counts() and stopSearch() may be called from any; the result operations
-/// belong behind the end of the search.
+/// One search. searchDuplicateFileAtPath() runs on one thread; progress(), what it is made of,
+/// counts() and stopSearch() may be called from any; the result operations belong behind the end of
+/// the search.
 class duplicateFind final {
 public:
     /// `files` must outlive the object.
@@ -62,6 +63,9 @@ public:
 
     /// What the search is at, for display.
     [[nodiscard]] std::string getCurrentSearchPath() const;
+
+    /// Percent and path in one.
+    [[nodiscard]] Progress progress() const { return {getProgress(), 100, getCurrentSearchPath()}; }
 
     [[nodiscard]] SearchCounts counts() const;
     [[nodiscard]] std::uint64_t listedBundles() const { return m_DirectoryArray.size(); }

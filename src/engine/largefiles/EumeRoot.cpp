@@ -245,12 +245,10 @@ void EumeRoot::scanAgain(std::shared_ptr<FileNodeTree> rootArr, FileNode& folder
     m_scan->start(folder.path());
 }
 
-float EumeRoot::getProgress() const {
-    if (!m_scan) return 0;
+Progress EumeRoot::progress() const {
+    if (!m_scan) return {};
     const std::int64_t all = m_scan->counts().all;
-    return all < 1 ? 0
-                   : static_cast<float>(static_cast<double>(m_scan->counts().finished) * 100.0 /
-                                        static_cast<double>(all));
+    return {m_scan->counts().finished, all < 1 ? 0 : static_cast<std::uint64_t>(all), {}};
 }
 
 void EumeRoot::stopScan() {

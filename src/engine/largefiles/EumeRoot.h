@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "engine/base/MainQueue.h"
+#include "engine/base/Progress.h"
 #include "engine/largefiles/FileNodeTree.h"
 #include "platform/error.h"
 #include "platform/files.h"
@@ -46,7 +47,9 @@ public:
 
     /// Percent of the entries directly in the chosen folder that are finished, 0 to 100; 0 when
     /// there are none. Any thread.
-    [[nodiscard]] float getProgress() const;
+    [[nodiscard]] float getProgress() const { return static_cast<float>(progress().percent()); }
+    /// The same in entries; no path is told.
+    [[nodiscard]] Progress progress() const;
 
     /// The tree stays as it is at this moment, with the sizes found so far, and remains usable.
     /// Without a queue any thread may ask for the stop, and the moment is the return of

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "engine/base/MainQueue.h"
+#include "engine/base/Progress.h"
 #include "engine/removal/RemovalDoor.h"
 #include "engine/removal/RemovalList.h"
 #include "engine/removal/RemovalRun.h"
@@ -43,10 +44,7 @@ public:
         bool isMore = false;                   ///< call takeNews() again
     };
     /// Any thread.
-    struct Progress {
-        std::size_t done = 0;
-        std::size_t of = 0;
-        std::string current;     ///< the path in hand
+    struct Progress : orrinvale::Progress {
         bool isWaiting = false;  ///< for another removal's end
     };
 

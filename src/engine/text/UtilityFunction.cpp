@@ -7,7 +7,7 @@
 #include <limits>
 #include <stdexcept>
 
-#include "engine/base/NotificationCenter.h"
+#include "engine/base/notices.h"
 #include "engine/text/readFloat.h"
 #include "platform/system.h"
 
@@ -116,7 +116,7 @@ Rect UtilityFunction::returnRectOfWindcenterWithWidht(float width, float height)
 
 void UtilityFunction::callSelectNotificationForMainWindowLeft(std::int32_t row) {
     if (const NotificationCenter* const center = getMyFunction().m_center)
-        center->post("shouldSelectRow", RowSelection{{}, row});
+        notice::shouldSelectRow.post(*center, {{}, row});
 }
 
 bool UtilityFunction::isBelow1050SystemVer() {

@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "platform/workspace.h"
 
@@ -14,13 +13,6 @@ namespace orrinvale {
 
 class NotificationCenter;
 class System;
-
-/// The object of the notice "shouldSelectRow": the row that the main window's left table shall
-/// select, and the selection of the sender, empty when the sender is no table.
-struct RowSelection {
-    std::vector<std::int32_t> selection;
-    std::int32_t row = 0;
-};
 
 /// Sizes are computed in 32-bit floating point throughout: a count becomes a single-precision
 /// number first and is then scaled by a single-precision constant, so the text of a large size

@@ -1,8 +1,6 @@
 // WatchMountUnmount: see WatchMountUnmount.h.
 #include "services/volumes/WatchMountUnmount.h"
 
-#include "services/volumes/WorkspaceMounts.h"
-
 namespace orrinvale {
 
 WatchMountUnmount::WatchMountUnmount(NotificationCenter& workspace,
@@ -12,12 +10,10 @@ WatchMountUnmount::WatchMountUnmount(NotificationCenter& workspace,
 }
 
 void WatchMountUnmount::registerNotifications() {
-    m_mounted = m_wsnc->addObserver(
-        NSWorkspaceDidMountNotification,
-        [this](const Notification& notification) { mountedVolume(notification); });
-    m_unmounted = m_wsnc->addObserver(
-        NSWorkspaceDidUnmountNotification,
-        [this](const Notification& notification) { unmountedVolume(notification); });
+    m_mounted = notice::NSWorkspaceDidMount.observe(
+        *m_wsnc, [this](const Notification& notification) { mountedVolume(notification); });
+    m_unmounted = notice::NSWorkspaceDidUnmount.observe(
+        *m_wsnc, [this](const Notification& notification) { unmountedVolume(notification); });
 }
 
 void WatchMountUnmount::mountedVolume(const Notification& notification) {

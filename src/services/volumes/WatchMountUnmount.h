@@ -1,12 +1,12 @@
 // WatchMountUnmount: turns the desktop's mount notices into the program's own.
 #pragma once
 
-#include "engine/base/NotificationCenter.h"
+#include "engine/base/notices.h"
 
 namespace orrinvale {
 
-inline constexpr const char* ZvVolumeMountNotification = "ZvVolumeMount";
-inline constexpr const char* ZvVolumeUnmountNotification = "ZvVolumeUnmount";
+inline constexpr const char* ZvVolumeMountNotification = notice::ZvVolumeMount.name;
+inline constexpr const char* ZvVolumeUnmountNotification = notice::ZvVolumeUnmount.name;
 
 /// Each notice is posted again at once, on the thread that it comes on, with a `WatchMountUnmount*`
 /// as its object and the user info as it came. For as long as the watcher lives.

@@ -18,9 +18,8 @@ WorkspaceMounts::WorkspaceMounts(MountChanges& changes, QObject* parent)
 
 void WorkspaceMounts::post() {
     for (const MountChange& each : m_changes.look())
-        m_center.post(
-            each.came ? NSWorkspaceDidMountNotification : NSWorkspaceDidUnmountNotification, {},
-            {{NSWorkspaceVolumeLocalizedNameKey, each.name}, {NSDevicePath, each.path}});
+        (each.came ? notice::NSWorkspaceDidMount : notice::NSWorkspaceDidUnmount)
+            .post(m_center, {each.name, each.path});
 }
 
 }  // namespace orrinvale

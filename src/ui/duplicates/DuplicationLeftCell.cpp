@@ -5,7 +5,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 
-#include "engine/base/NotificationCenter.h"
+#include "engine/base/notices.h"
 #include "ui/kit/chrome/buttonLook.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/look/Theme.h"
@@ -106,8 +106,6 @@ void DuplicationLeftCell::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-void DuplicationLeftCell::choose() {
-    m_notifications.post("refViewBgColor", UserInfo{{"rowNum", m_rowViewNum}});
-}
+void DuplicationLeftCell::choose() { notice::refViewBgColor.post(m_notifications, {m_rowViewNum}); }
 
 }  // namespace orrinvale

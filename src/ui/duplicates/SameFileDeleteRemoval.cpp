@@ -1,14 +1,16 @@
 // SameFileDeleteViewController: the removal on a worker, the upkeep of tree and totals meanwhile,
 // and the padlock.
+#include <QCoreApplication>
 #include <QLabel>
 #include <QLocale>
 #include <QStackedWidget>
 #include <algorithm>
 
 #include "engine/base/UtilityObject.h"
+#include "engine/base/notices.h"
 #include "engine/cleaning/QnAuthorization.h"
 #include "engine/settings/PreferenceViewController.h"
-#include "services/foundation/ThreadWorker.h"
+#include "services/foundation/runAside.h"
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/duplicates/PageRemoval.h"
 #include "ui/duplicates/ResultOutline.h"
@@ -238,27 +240,22 @@ void SameFileDeleteViewController::unlockRigths() {
     if (!m_views->lockButton->isChecked()) {
         QnAuthorization::shareQnAuthorization().freeAuthorization();
         shared.setIsOpenLocked(false);
-        m_parts.notifications->post("changeLockState");
+        notice::changeLockState.post(*m_parts.notifications);
         return;
     }
     m_views->lockButton->setEnabled(false);
-    const auto granted =
-        std::make_shared<bool>(false);  // written before the end method, read in it
-    m_unlocking = ThreadWorker::workOn(
-        {granted, "<SameFileDeleteViewController>"},
-        {"allocAuthorization", ThreadWorker::Task([granted](const std::any& /*nothing*/) {
-             *granted = QnAuthorization::shareQnAuthorization().allocAuthorization();
-         })},
-        {},
-        [self = QPointer(this), granted,
-         notifications = m_parts.notifications](const std::any& /*nothing*/) {
-            UtilityObject::getMyObject().setIsOpenLocked(*granted);
+    // The answer is the whole program's, also when this page has gone meanwhile.
+    m_unlocking = runAside(
+        QCoreApplication::instance(), "allocAuthorization",
+        [] { return QnAuthorization::shareQnAuthorization().allocAuthorization(); },
+        [self = QPointer(this), notifications = m_parts.notifications](bool granted) {
+            UtilityObject::getMyObject().setIsOpenLocked(granted);
             if (self != nullptr) {
                 self->m_unlocking.reset();
                 self->m_views->lockButton->setEnabled(self->m_bSearchFinished);
                 self->m_views->lockButton->setFocus();  // it lost the keyboard while it rested
             }
-            notifications->post("changeLockState");
+            notice::changeLockState.post(*notifications);
         });
     if (m_unlocking == nullptr) {
         m_views->lockButton->setEnabled(true);

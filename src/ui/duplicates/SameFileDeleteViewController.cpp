@@ -11,11 +11,12 @@
 #include <utility>
 
 #include "engine/base/UtilityObject.h"
+#include "engine/base/notices.h"
 #include "engine/duplicates/DuplicateFilesOpt.h"
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/UserDefaults.h"
 #include "engine/text/UtilityFunction.h"
-#include "services/foundation/ThreadWorker.h"
+#include "services/foundation/runAside.h"
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/duplicates/PageRemoval.h"
 #include "ui/duplicates/ResultOutline.h"
@@ -73,15 +74,10 @@ SameFileDeleteViewController::SameFileDeleteViewController(SameFileDeleteParts p
     m_views->titleLabel->setText(bytesToText(m_searchPath));
     showPercent(0);
     connectControls();
+    m_observations.push_back(notice::refViewBgColor.observe(
+        *m_parts.notifications, [this](ChosenRow chosen) { refViewBgColor(chosen.row); }));
     m_observations.push_back(
-        m_parts.notifications->addObserver("refViewBgColor", [this](const Notification& notice) {
-            const auto* const info = std::any_cast<UserInfo>(&notice.object);
-            if (info == nullptr) return;
-            const auto row = info->find("rowNum");
-            if (row != info->end()) refViewBgColor(std::any_cast<std::int32_t>(row->second));
-        }));
-    m_observations.push_back(m_parts.notifications->addObserver(
-        "changeLockState", [this](const Notification& /*notice*/) { changeLockState(); }));
+        notice::changeLockState.observe(*m_parts.notifications, [this] { changeLockState(); }));
     changeLockState();
 }
 
@@ -233,21 +229,17 @@ void SameFileDeleteViewController::searchBtnClicked() {
     m_duplicateOpt->setSearchOption(&option);
     // Files of any size count; the limit of the settings belongs to other pages.
     constexpr std::uint64_t anySize = 0;
-    // Sorted into its views where the search runs: nothing shows it yet.
-    const auto found = std::make_shared<ResultViews>();
-    m_twDuplicateSearch = ThreadWorker::workOn(
-        {m_duplicateOpt, "<SameFileDeleteViewController>"},
-        {"searchDuplicateFiles:worker:",
-         ThreadWorker::CancellableTask(
-             [search = m_duplicateOpt, found, old](const std::any& path, ThreadWorker& /*worker*/) {
-                 old->free();
-                 search->beginSearchAtPath(std::any_cast<const std::string&>(path), anySize);
-                 std::shared_ptr<SimpleTreeNode> all;
-                 if (search->getDuplicateFiles(&all)) found->setResult(std::move(all));
-             })},
-        m_searchPath, [self = QPointer(this), found](const std::any& /*nothing*/) {
-            if (self != nullptr) self->searchFinished(std::move(*found));
-        });
+    m_twDuplicateSearch = runAside(
+        this, "searchDuplicateFiles:worker:",
+        [search = m_duplicateOpt, path = m_searchPath, old] {
+            old->free();
+            search->beginSearchAtPath(path, anySize);
+            std::shared_ptr<SimpleTreeNode> all;
+            ResultViews found;  // sorted into its views where the search runs: nothing shows it yet
+            if (search->getDuplicateFiles(&all)) found.setResult(std::move(all));
+            return found;
+        },
+        [this](ResultViews found) { searchFinished(std::move(found)); });
     if (m_twDuplicateSearch ==
         nullptr) {  // no thread to be had: an empty result, and the page stays usable
         searchFinished({});
@@ -327,7 +319,7 @@ void SameFileDeleteViewController::delayBtnChangeStateTime() {
     views.imageView->clear();
     views.countsLabel->clear();
     if (!m_duplicateScaned) {
-        m_parts.notifications->post("changeViewActionForDuplicate");
+        notice::changeViewActionForDuplicate.post(*m_parts.notifications);
         m_duplicateScaned = true;
     }
     if (m_isStopScan || m_delegate == nullptr) return;

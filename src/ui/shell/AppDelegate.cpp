@@ -15,7 +15,7 @@
 #include "engine/settings/UserDefaults.h"
 #include "engine/text/UtilityFunction.h"
 #include "platform/error.h"
-#include "services/foundation/ThreadWorker.h"
+#include "services/foundation/runAside.h"
 #include "services/volumes/WatchMountUnmount.h"
 #include "services/volumes/WorkspaceMounts.h"
 #include "ui/kit/chrome/TCImageWindow.h"
@@ -65,18 +65,17 @@ void AppDelegate::applicationDidFinishLaunching() {
 }
 
 void AppDelegate::registNSnotification() {
-    const auto observe = [this](const char* name,
-                                void (AppDelegate::*handler)(const Notification&)) {
-        m_observations.push_back(m_parts.pages.notifications->addObserver(
-            name,
+    NotificationCenter& center = *m_parts.pages.notifications;
+    const auto observe = [&](const auto& kind, void (AppDelegate::*handler)(const Notification&)) {
+        m_observations.push_back(kind.observe(
+            center,
             [this, handler](const Notification& notification) { (this->*handler)(notification); }));
     };
-    observe(ZvVolumeMountNotification, &AppDelegate::ZvVolumeMountNotificationCall);
-    observe(ZvVolumeUnmountNotification, &AppDelegate::ZvVolumeUnmountNotificationCall);
-    observe("openFinderWhenClickItems", &AppDelegate::openFinderWhenClickItems);
-    m_observations.push_back(m_parts.pages.notifications->addObserver(
-        "refMenuItemWhenDeleteAndAdd",
-        [this](const Notification&) { refMenuItemWhenDeleteAndAdd(); }));
+    observe(notice::ZvVolumeMount, &AppDelegate::ZvVolumeMountNotificationCall);
+    observe(notice::ZvVolumeUnmount, &AppDelegate::ZvVolumeUnmountNotificationCall);
+    observe(notice::openFinderWhenClickItems, &AppDelegate::openFinderWhenClickItems);
+    m_observations.push_back(notice::refMenuItemWhenDeleteAndAdd.observe(
+        center, [this] { refMenuItemWhenDeleteAndAdd(); }));
 }
 
 void AppDelegate::addMainFuction() {
@@ -96,21 +95,15 @@ void AppDelegate::addMainFuction() {
 
 // Of removals that were killed. Their folders may lie on a disk that is slow to answer.
 void AppDelegate::bringBackWhatIsAside() {
-    const auto recovery =
-        std::make_shared<AsideRecovery>();  // written before the end method, read in it
-    m_recovering = ThreadWorker::workOn(
-        {recovery, "<AppDelegate>"},
-        {"bringBackAside",
-         ThreadWorker::Task([recovery, files = m_parts.pages.files,
-                             folder = asideJournalFolder(m_parts.pages.stateFolder)](
-                                const std::any&) { *recovery = bringBackAside(*files, folder); })},
-        {}, [self = QPointer(this), recovery](const std::any&) {
-            if (self != nullptr) self->tellOfRecovery(*recovery);
-        });
+    runAside(
+        this, "bringBackAside",
+        [files = m_parts.pages.files, folder = asideJournalFolder(m_parts.pages.stateFolder)] {
+            return bringBackAside(*files, folder);
+        },
+        [this](const AsideRecovery& recovery) { tellOfRecovery(recovery); });
 }
 
 void AppDelegate::tellOfRecovery(const AsideRecovery& recovery) {
-    m_recovering.reset();
     if (recovery.broughtBack.empty() && recovery.stayed.empty()) return;
     Alert alert;
     alert.title =

@@ -25,7 +25,6 @@ class QLabel;
 
 namespace orrinvale {
 
-class ThreadWorker;
 class ApplicationMenu;
 struct Alert;
 class MountChanges;
@@ -136,7 +135,6 @@ private:
     bool m_isLeaving = false;
     bool m_hasPagesKeys = false;
     QTimer m_leaveTimer;
-    std::shared_ptr<ThreadWorker> m_recovering;
 };
 
 }  // namespace orrinvale

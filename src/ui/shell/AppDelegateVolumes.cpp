@@ -2,8 +2,8 @@
 #include <QLabel>
 #include <algorithm>
 
+#include "engine/base/notices.h"
 #include "engine/text/Localized.h"
-#include "services/volumes/WorkspaceMounts.h"
 #include "ui/kit/controls/pathText.h"
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/dialogs/failureWords.h"
@@ -40,19 +40,17 @@ void AppDelegate::ZvVolumeUnmountNotificationCall(const Notification& notificati
 }
 
 std::string AppDelegate::volumeSentence(const Notification& notification, const std::string& word) {
-    const auto found = notification.userInfo.find(NSWorkspaceVolumeLocalizedNameKey);
-    const auto* const name =
-        found == notification.userInfo.end() ? nullptr : std::any_cast<std::string>(&found->second);
-    const QString shown =
-        name == nullptr || name->empty() ? tr("You disk") : QString::fromStdString(*name);
+    const std::string name =
+        notice::ZvVolumeMount.read(notification).value_or(ChangedVolume{}).name;
+    const QString shown = name.empty() ? tr("You disk") : QString::fromStdString(name);
     return tr("%1 is %2 successfully!").arg(shown, tr(word.c_str())).toStdString();
 }
 
 void AppDelegate::ZvCommVolumeNottification(const Notification& notification,
                                             const std::string& withInfo) {
     bubbleViewWith(noteField(volumeSentence(notification, withInfo)));
-    m_parts.pages.notifications->post("refMenuItemWhenDeleteAndAdd");
-    m_parts.pages.notifications->post("updateSizeView");
+    notice::refMenuItemWhenDeleteAndAdd.post(*m_parts.pages.notifications);
+    notice::updateSizeView.post(*m_parts.pages.notifications);
 }
 
 // Put together and let go: the delegate's notes are never shown. A volume that comes or goes is
@@ -104,9 +102,7 @@ void AppDelegate::refMenuItemWhenDeleteAndAdd() {
 }
 
 void AppDelegate::openFinderWhenClickItems(const Notification& notification) {
-    const auto* const path = std::any_cast<std::string>(&notification.object);
-    if (m_voluManager->openVolRootDir(path != nullptr ? std::optional(*path) : std::nullopt))
-        return;
+    if (m_voluManager->openVolRootDir(notice::openFinderWhenClickItems.read(notification))) return;
     Alert alert;
     alert.title = QString::fromStdString(getLocalizedString("CANNOT_OPEN_FINDER"));
     alert.severity = Alert::Severity::Critical;

@@ -7,12 +7,12 @@
 #include <QLabel>
 #include <QLocale>
 #include <QPlainTextEdit>
-#include <QPointer>
 #include <QShortcut>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
 #include "engine/text/UtilityFunction.h"
+#include "services/foundation/runAside.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/kit/look/accessibleRole.h"
@@ -123,15 +123,10 @@ void PreviewWindow::showPath(const std::string& path) {
     m_icon->setPixmap(m_icons.icon({IconRequest::Path, path})
                           .pixmap(QSize(iconSide, iconSide), devicePixelRatioF()));
     m_pages->setCurrentWidget(m_icon);
-    const auto content =
-        std::make_shared<PreviewContent>();  // written before the end method, read in it
-    m_reading = ThreadWorker::workOn(
-        {content, "<PreviewWindow>"},
-        {"readPreview:", ThreadWorker::Task([content, path](const std::any& /*nothing*/) {
-             *content = readPreview(path);
-         })},
-        {}, [self = QPointer(this), content, path](const std::any& /*nothing*/) {
-            if (self != nullptr && self->m_path == path) self->showContent(*content);
+    runAside(
+        this, "readPreview:", [path] { return readPreview(path); },
+        [this, path](const PreviewContent& content) {
+            if (m_path == path) showContent(content);
         });
 }
 

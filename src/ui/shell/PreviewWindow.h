@@ -5,8 +5,6 @@
 #include <QWidget>
 #include <string>
 
-#include "services/foundation/ThreadWorker.h"
-
 class QLabel;
 class QPlainTextEdit;
 class QStackedWidget;
@@ -42,7 +40,6 @@ private:
 
     FileIcons& m_icons;
     std::string m_path;
-    std::shared_ptr<ThreadWorker> m_reading;
     QLabel* m_name;
     QLabel* m_facts;
     QStackedWidget* m_pages;

@@ -6,7 +6,7 @@
 #include <optional>
 #include <stdexcept>
 
-#include "engine/base/NotificationCenter.h"
+#include "engine/base/notices.h"
 #include "engine/text/UtilityFunction.h"
 #include "platform/linux/LinuxSystem.h"
 

@@ -12,7 +12,7 @@
 #include <limits>
 #include <utility>
 
-#include "engine/base/NotificationCenter.h"
+#include "engine/base/notices.h"
 #include "ui/kit/controls/AccessibleAnimation.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/kit/look/picture.h"
@@ -123,7 +123,7 @@ void Animation::prograssShowDependChangeSize(std::int32_t steps) {
     placeStrip(static_cast<double>(shown - stripWidth()));
     if (m_addNumber < m_prograssMax) return;
     m_addNumber = 0;
-    m_notifications.post("allThreadFinishCallBack");
+    notice::allThreadFinishCallBack.post(m_notifications);
 }
 
 void Animation::minishPrograss() {
