@@ -41,7 +41,8 @@ struct OptionSpec {
     std::string_view names;     ///< "--json", "-0,--print0"; a bare name such as "FOLDER" is an
                                 ///< argument that must be given, one such as "PATH..." an argument
                                 ///< that must be given and may be repeated
-    std::string_view argument;  ///< what the option takes ("SIZE"); empty for a flag
+    std::string_view argument;  ///< what the option takes ("SIZE"); empty for a flag; with dots
+                                ///< behind it ("PATH...") the option may be given several times
     std::string_view help;
 };
 

@@ -1,6 +1,7 @@
 // CommandSet: see CommandSet.h.
 #include "cli/CommandSet.h"
 
+#include "cli/CleanCommand.h"
 #include "cli/DuplicatesCommand.h"
 #include "cli/EjectCommand.h"
 #include "cli/LargeCommand.h"
@@ -13,6 +14,7 @@ CommandSet::CommandSet() {
     m_commands.push_back(std::make_unique<DuplicatesCommand>(m_files));
     m_commands.push_back(std::make_unique<LargeCommand>(m_files));
     m_commands.push_back(std::make_unique<SizeCommand>(m_files));
+    m_commands.push_back(std::make_unique<CleanCommand>(m_files, m_volumes));
     m_commands.push_back(std::make_unique<VolumesCommand>(m_volumes));
     m_commands.push_back(std::make_unique<EjectCommand>(m_volumes));
 }

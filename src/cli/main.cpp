@@ -43,7 +43,11 @@ CLI::Option* declare(CLI::App& app, const OptionSpec& spec) {
             ->expected(CLI::detail::expected_max_vector_size);
     if (!names.starts_with('-')) return app.add_option(names, help)->required()->type_name("");
     if (spec.argument.empty()) return app.add_flag(names, help);
-    return app.add_option(names, help)->type_name(std::string(spec.argument));
+    CLI::Option* const option = app.add_option(names, help)->type_name(std::string(spec.argument));
+    if (spec.argument.ends_with(repeated))
+        option->type_name(std::string(spec.argument.substr(0, spec.argument.size() - 3)))
+            ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    return option;
 }
 
 // The arguments as the parser takes them, last one first. Paths that it would misread are put

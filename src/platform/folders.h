@@ -22,12 +22,22 @@ public:
     [[nodiscard]] virtual std::string userCaches() const = 0;
     [[nodiscard]] virtual std::string systemLogs() const = 0;
 
-    /// The folders that hold nothing but logs of the user's programs; only those that exist.
+    /// The caches of programs that are kept apart from the user's other ones (flatpak, snap); only
+    /// those that exist.
+    [[nodiscard]] virtual std::vector<std::string> programCaches() const = 0;
+
+    /// The folders that hold nothing but logs of the user's programs, and old logs that lie alone;
+    /// only those that exist.
     [[nodiscard]] virtual std::vector<std::string> userLogs() const = 0;
 
     /// The folder that receives what the user downloads. Empty when the user has none of its own: a
     /// home folder itself never is one.
     [[nodiscard]] virtual std::string downloads() const = 0;
+
+    /// The folders that the user has for something else: the home folder, those of settings, data
+    /// and states, and those for documents, pictures and the like. What is emptied must be none of
+    /// them and hold none of them.
+    [[nodiscard]] virtual std::vector<std::string> otherUserFolders() const = 0;
 
     /// The folder whose entries are what the user threw away, on the volume of the home folder.
     [[nodiscard]] virtual std::string homeTrash() const = 0;

@@ -10,6 +10,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/paths.h"
+
 namespace orrinvale {
 namespace {
 
@@ -59,6 +61,78 @@ bool split(std::string_view path, Components& out) {
     return true;
 }
 
+bool isNumber(std::string_view text) {
+    return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+// "20241103" and "2024-11-03" at the end of a name, as rotation writes them.
+bool endsInDate(std::string_view name) {
+    std::string digits;
+    std::size_t at = name.size();
+    while (at > 0 && digits.size() < 8 && (isNumber(name.substr(at - 1, 1)) || name[at - 1] == '-'))
+        if (name[--at] != '-') digits.insert(digits.begin(), name[at]);
+    if (digits.size() != 8 || at == 0 || (name[at - 1] != '-' && name[at - 1] != '.')) return false;
+    const std::string_view year = std::string_view(digits).substr(0, 2);
+    const std::string_view month = std::string_view(digits).substr(4, 2);
+    const std::string_view day = std::string_view(digits).substr(6, 2);
+    return (year == "19" || year == "20") && month >= "01" && month <= "12" && day >= "01" &&
+           day <= "31";
+}
+
+// "syslog.1", "syslog.2.gz", "syslog-20241103.gz", "app-20241103.log", "Xorg.0.log.old".
+bool isRotatedName(std::string_view name) {
+    constexpr std::size_t mostFigures = 3;
+    if (name.ends_with(".old") && name.size() > 4) return true;
+    for (const std::string_view packed : {".gz", ".xz", ".zst"})
+        if (name.ends_with(packed)) {
+            name.remove_suffix(packed.size());
+            break;
+        }
+    const std::size_t dot = name.rfind('.');
+    const bool hasEnding = dot != std::string_view::npos && dot > 0;
+    if (hasEnding && isNumber(name.substr(dot + 1)) && name.size() - dot - 1 <= mostFigures)
+        return true;
+    if (endsInDate(name)) return true;
+    return name.ends_with(".log") && endsInDate(name.substr(0, name.size() - 4));
+}
+
+std::string lowered(std::string_view text) {
+    std::string out(text);
+    for (char& c : out)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    return out;
+}
+
+// What stands behind the last dot, in small letters: the program's name in "org.example.Program".
+std::string lastPiece(std::string_view id) { return lowered(id.substr(id.rfind('.') + 1)); }
+
+// Written by people, wherever programs put it.
+constexpr std::array<std::string_view, 34> documentEndings{
+    "doc",  "docx", "docm", "dot", "dotx", "odt",  "ott", "odm",   "fodt",    "rtf", "wpd",  "xls",
+    "xlsx", "xlsm", "xlsb", "ods", "ots",  "fods", "ppt", "pptx",  "pptm",    "pps", "ppsx", "odp",
+    "otp",  "fodp", "odg",  "otg", "fodg", "odf",  "pdf", "pages", "numbers", "odb"};
+
+constexpr std::array<std::string_view, 4> partialEndings{"part", "crdownload", "partial",
+                                                         "download"};
+
+// Programs that keep in their cache what they can not get again.
+constexpr std::array<std::string_view, 4> preciousPrograms{
+    "rclone",     // files that are not uploaded yet
+    "keepassxc",  // which databases there are and were opened
+    "s3ql",       // blocks of a file system that are not uploaded yet
+    "davfs2"};    // files that are not uploaded yet
+
+template <std::size_t Size>
+bool contains(const std::array<std::string_view, Size>& words, std::string_view word) {
+    return std::find(words.begin(), words.end(), word) != words.end();
+}
+
+// A journal beside a database says that a program has it open, or left it in the middle of a
+// change. An empty one is left over.
+bool isOpenDatabase(std::string_view name, std::uint64_t size) {
+    return size > 0 && CleanablePlaces::isJudgedBySize(name);
+}
+
 // What follows the root in the path; nothing when it does not lie there.
 std::optional<Components> below(const std::string& root, const Components& path) {
     Components start;
@@ -102,6 +176,12 @@ bool isOpenJournal(const Components& path) {
            path.back().find('@') == std::string_view::npos;
 }
 
+bool isArchivedJournal(const Components& path) {
+    const std::string_view name = path.back();
+    return path.size() > 1 && path.front() == "journal" && !isOpenJournal(path) &&
+           (name.ends_with(".journal") || name.ends_with(".journal~"));
+}
+
 // Binary logs are not messages but the changes since the last backup, and what replicas read.
 bool isBinaryLog(const Components& path) {
     const bool database = path.front() == "mysql" || path.front() == "mariadb";
@@ -110,11 +190,9 @@ bool isBinaryLog(const Components& path) {
         name.rfind('.');  // "binlog.000001", "host-bin.000001", and the index of these
     if (!database || dot == std::string_view::npos) return false;
     const std::string_view ending = name.substr(dot + 1);
-    const bool isNumber =
-        !ending.empty() && ending.find_first_not_of("0123456789") == std::string_view::npos;
     // Rotated messages end in one or two figures, binary logs in six.
     constexpr std::size_t fewestFigures = 4;
-    return (isNumber && ending.size() >= fewestFigures) || ending == "index";
+    return (isNumber(ending) && ending.size() >= fewestFigures) || ending == "index";
 }
 
 Verdict ofLog(const Components& path, FileType type) {
@@ -127,10 +205,34 @@ Verdict ofLog(const Components& path, FileType type) {
         return {Rule::Stays, "the record of logins"};
     if (isOpenJournal(path)) return {Rule::Stays, "the journal is being written to it"};
     if (isBinaryLog(path)) return {Rule::Stays, "a database restores and copies itself from it"};
-    return mayGo;
+    if (isArchivedJournal(path) || isRotatedName(path.back())) return mayGo;
+    return {Rule::Stays, "no rotated log: a program may be writing to it"};
 }
 
 }  // namespace
+
+std::string_view wordsOf(KeptBecause reason) {
+    switch (reason) {
+        case KeptBecause::Asked: return "you asked to keep it";
+        case KeptBecause::Mount: return "something is mounted in it";
+        case KeptBecause::Precious: return "its program keeps here what it can not make again";
+        case KeptBecause::Open: return "a program has it open";
+        case KeptBecause::HiddenProgram:
+            return "its program runs, and does not show what it has open";
+        case KeptBecause::Fresh: return "changed in the last 10 minutes";
+        case KeptBecause::Document: return "a document is in it";
+        case KeptBecause::Repository: return "a repository is in it";
+        case KeptBecause::PasswordSafe: return "a password safe is in it";
+        case KeptBecause::Database: return "a database in use is in it";
+        case KeptBecause::Socket: return "a program's socket is in it";
+        case KeptBecause::Partial: return "a download that is not complete";
+        case KeptBecause::Unread: return "a part of it can not be looked at";
+        case KeptBecause::TooDeep: return "its folders lie too deep to be looked through";
+        case KeptBecause::Rule:
+        case KeptBecause::Nothing: break;
+    }
+    return {};
+}
 
 CleanablePlaces::CleanablePlaces(std::string systemCaches, std::string systemLogs)
     : m_caches(std::move(systemCaches)), m_logs(std::move(systemLogs)) {}
@@ -142,6 +244,46 @@ Verdict CleanablePlaces::verdict(std::string_view path, FileType type) const {
     if (const auto relative = below(m_caches, components)) return ofCache(*relative, type);
     if (const auto relative = below(m_logs, components)) return ofLog(*relative, type);
     return mayGo;
+}
+
+bool CleanablePlaces::isOfTheSystem(std::string_view path) const {
+    Components components;
+    return !split(path, components) || below(m_caches, components) || below(m_logs, components);
+}
+
+KeptBecause CleanablePlaces::keepsRow(CleanCategory category, std::string_view name, FileType type,
+                                      std::uint64_t size) {
+    if (category == CleanCategory::UserTrash) return KeptBecause::Nothing;
+    const std::string ending = lowered(pathExtension(name));
+    if (category == CleanCategory::UserDownloads)
+        return contains(partialEndings, ending) ? KeptBecause::Partial : KeptBecause::Nothing;
+    if (name == ".git") return KeptBecause::Repository;
+    if (type == FileType::Socket) return KeptBecause::Socket;
+    if (type == FileType::Folder) return KeptBecause::Nothing;
+    if (ending == "kdbx") return KeptBecause::PasswordSafe;
+    if (contains(documentEndings, ending)) return KeptBecause::Document;
+    return isOpenDatabase(name, size) ? KeptBecause::Database : KeptBecause::Nothing;
+}
+
+bool CleanablePlaces::isJudgedBySize(std::string_view name) {
+    return name.ends_with("-wal") || name.ends_with("-journal");
+}
+
+// "~/.var/app/org.example.Program/cache", "~/snap/program/common/.cache"
+CleanablePlaces::ProgramNames CleanablePlaces::programNamesOf(std::string_view folder,
+                                                              std::string_view row) {
+    ProgramNames names{lastPiece(row), {}};
+    const std::string above = folderOf(folder);
+    if (lastPathComponent(folder) == "cache" && folderOf(above).ends_with("/.var/app"))
+        names.owner = lastPiece(lastPathComponent(above));
+    if (folder.ends_with("/common/.cache") && folderOf(folderOf(above)).ends_with("/snap"))
+        names.owner = lowered(lastPathComponent(folderOf(above)));
+    return names;
+}
+
+bool CleanablePlaces::isPrecious(const ProgramNames& names) {
+    return std::any_of(preciousPrograms.begin(), preciousPrograms.end(),
+                       [&](std::string_view each) { return names.contain(each); });
 }
 
 }  // namespace orrinvale

@@ -1,17 +1,42 @@
-// CleanablePlaces: what of the system's caches and logs may be removed, and what must stay because
-// nothing makes it again. Whatever cleans asks here for each entry before it asks
-// engine/files/SafeRemoval.h.
+// CleanablePlaces: the one judge of what cleaning may take, and of what must stay because nothing
+// makes it again. CleanWalk asks it about each entry; docs/cleaning.md tells users the same.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "engine/cleaning/CleanCategory.h"
 #include "platform/files.h"
 
 namespace orrinvale {
 
-/// Looks at names and types only, never at the disk. Not changed after it is made; any thread.
+/// Why a row stays, the weightier reason first: of several that hold, the first is told.
+enum class KeptBecause : std::uint8_t {
+    Asked,          ///< the person asked for it
+    Mount,          ///< something is mounted in it
+    Precious,       ///< a program known by name keeps here what it can not make again
+    Open,           ///< a program has something of it open
+    HiddenProgram,  ///< a program of its name runs, and does not show what it has open
+    Fresh,          ///< changed a moment ago
+    Document,
+    Repository,
+    PasswordSafe,
+    Database,
+    Socket,
+    Partial,  ///< a download that is not complete
+    Unread,   ///< a part of it could not be looked at
+    TooDeep,  ///< folders in folders beyond what can be looked through
+    Rule,     ///< single entries of it stay, by verdict()
+    Nothing   ///< nothing keeps it
+};
+
+/// The reason in words for people; empty for Rule, which has words of its own, and Nothing.
+[[nodiscard]] std::string_view wordsOf(KeptBecause reason);
+
+/// Looks at names, types and sizes only, never at the disk. Not changed after it is made; any
+/// thread.
 class CleanablePlaces final {
 public:
     enum class Rule {
@@ -28,10 +53,36 @@ public:
     /// The two folders, absolute, as FolderUtilities gives them.
     CleanablePlaces(std::string systemCaches, std::string systemLogs);
 
-    /// The rule for an entry below one of the two folders, or for these themselves. Everything else
-    /// may go as far as this class is concerned. `path` is absolute; one with a "." or ".." in it
-    /// stays, wherever it leads.
+    /// The rule for an entry below one of the two folders, or for these themselves, whichever
+    /// category lists it. Everything else may go as far as this is concerned. `path` is absolute;
+    /// one with a "." or ".." in it stays, wherever it leads.
     [[nodiscard]] Verdict verdict(std::string_view path, FileType type) const;
+
+    /// Whether verdict() has anything to say about what is at this path or below it.
+    [[nodiscard]] bool isOfTheSystem(std::string_view path) const;
+
+    /// Why an entry of this name keeps the whole row that it is in or that it is; Nothing for most.
+    /// The trash may hold anything, since somebody threw it away.
+    [[nodiscard]] static KeptBecause keepsRow(CleanCategory category, std::string_view name,
+                                              FileType type, std::uint64_t size);
+
+    /// Whether keepsRow() has to know the size of an entry of this name.
+    [[nodiscard]] static bool isJudgedBySize(std::string_view name);
+
+    /// The names by which a program would call a row in a folder of the user's caches: the row's
+    /// own, and that of the program that the folder belongs to, without what stands before the last
+    /// dot. Small letters.
+    struct ProgramNames {
+        std::string row;
+        std::string owner;
+        [[nodiscard]] bool contain(std::string_view program) const {
+            return !program.empty() && (row == program || owner == program);
+        }
+    };
+    [[nodiscard]] static ProgramNames programNamesOf(std::string_view folder, std::string_view row);
+
+    /// Whether a program keeps here what it can not make again.
+    [[nodiscard]] static bool isPrecious(const ProgramNames& names);
 
 private:
     const std::string m_caches;

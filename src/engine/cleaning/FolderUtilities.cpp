@@ -37,13 +37,19 @@ FolderUtilities::FolderUtilities(const FileSystem& files, const Folders& folders
 std::vector<std::string> FolderUtilities::getFolderPath(std::uint32_t index) const {
     switch (CleanCategory{index}) {
         case CleanCategory::SystemCaches: return named(m_folders.systemCaches());
-        case CleanCategory::UserCaches: return named(m_folders.userCaches());
+        case CleanCategory::UserCaches: return userCaches();
         case CleanCategory::SystemLogs: return named(m_folders.systemLogs());
         case CleanCategory::UserLogs: return m_folders.userLogs();
         case CleanCategory::UserTrash: return trashFolders();
         case CleanCategory::UserDownloads: return named(m_folders.downloads());
     }
     return {};
+}
+
+std::vector<std::string> FolderUtilities::userCaches() const {
+    std::vector<std::string> out = named(m_folders.userCaches());
+    for (std::string& each : m_folders.programCaches()) out.push_back(std::move(each));
+    return out;
 }
 
 // The home folder's volume is the one with the longest root above it. Devices would not tell: the

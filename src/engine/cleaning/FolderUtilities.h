@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/cleaning/CleanCategory.h"
 #include "engine/files/Catalog.h"
 #include "engine/files/TreeSize.h"
 #include "platform/authorization.h"
@@ -15,16 +16,6 @@
 #include "platform/folders.h"
 
 namespace orrinvale {
-
-/// The positions of the categories in all arrays and rows of the cleaning pages.
-enum class CleanCategory : std::uint32_t {
-    SystemCaches,
-    UserCaches,
-    SystemLogs,
-    UserLogs,
-    UserTrash,
-    UserDownloads
-};
 
 /// Holds no state that changes; any thread.
 class FolderUtilities final {
@@ -37,9 +28,9 @@ public:
     FolderUtilities(const FileSystem& files, const Folders& folders, LocalVolumes localVolumes);
 
     /// The folders of a CleanCategory by its number; they need not exist. The user's logs may be
-    /// none. The trash gives the folders whose entries are what was thrown away: for the volume of
-    /// the home folder the user's own, for each other local volume those on it; none when no volume
-    /// is known. A number above 5 gives none.
+    /// none, and a file among them stands for itself. The trash gives the folders whose entries are
+    /// what was thrown away: for the volume of the home folder the user's own, for each other local
+    /// volume those on it; none when no volume is known. A number above 5 gives none.
     [[nodiscard]] std::vector<std::string> getFolderPath(std::uint32_t index) const;
 
     /// Bytes of a file, or of everything below a folder, as TreeSize counts them; 0 for a path that
@@ -68,6 +59,7 @@ public:
     [[nodiscard]] static bool DeleteAuthoration(AuthorizationRef reference);
 
 private:
+    [[nodiscard]] std::vector<std::string> userCaches() const;
     [[nodiscard]] std::vector<std::string> trashFolders() const;
 
     const FileSystem& m_files;

@@ -5,7 +5,9 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <iterator>
 
 #include "platform/linux/SystemText.h"
 #include "platform/paths.h"
@@ -24,6 +26,11 @@ bool holdsHome(const std::string& path, const std::string& home) {
 bool isFolder(const std::string& path) {
     struct stat entry {};
     return ::stat(path.c_str(), &entry) == 0 && S_ISDIR(entry.st_mode);
+}
+
+bool isFile(const std::string& path) {
+    struct stat entry {};
+    return ::lstat(path.c_str(), &entry) == 0 && S_ISREG(entry.st_mode);
 }
 
 std::string_view trimmed(std::string_view text) {
@@ -57,6 +64,36 @@ std::optional<std::string> userDirectory(std::string_view value, const std::stri
     return plainPath(*path);
 }
 
+constexpr std::string_view downloadKey = "XDG_DOWNLOAD_DIR";
+
+// Calls found(key, folder) for each line XDG_..._DIR="FOLDER" that can be read, in their order.
+template <class Found>
+void forEachUserDir(std::string_view text, const std::string& home, const Found& found) {
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size());
+        const std::string_view line = trimmed(text.substr(at, end - at));
+        at = end + 1;
+        const std::size_t equals = std::min(line.find('='), line.size());
+        const std::string_view key = line.substr(0, equals);
+        if (!key.starts_with("XDG_") || !key.ends_with("_DIR") || equals == line.size()) continue;
+        if (auto folder = userDirectory(line.substr(equals + 1), home))
+            found(key, std::move(*folder));
+    }
+}
+
+std::vector<std::string> sortedNamesIn(const std::string& folder) {
+    std::vector<std::string> names = systemNamesIn(folder);
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+// Programs made with Electron write "logs" beside their settings. Only these: of an unknown program
+// nobody can tell what it keeps there.
+constexpr std::array electronPrograms{
+    "Code - OSS", "VSCodium",      "Cursor",         "discord", "Slack",           "Signal",
+    "Element",    "obsidian",      "GitHub Desktop", "Postman", "teams-for-linux", "Mattermost",
+    "draw.io",    "balena-etcher", "Atom",           "Joplin",  "Insomnia"};
+
 enum class Owned { Missing, Mine, Foreign };
 
 Owned whose(const std::string& path, uid_t user) {
@@ -76,14 +113,17 @@ bool isSharedTrash(const std::string& path) {
 
 std::optional<std::string> downloadsIn(std::string_view userDirs, const std::string& home) {
     std::optional<std::string> found;
-    for (std::size_t at = 0; at < userDirs.size();) {
-        const std::size_t end = std::min(userDirs.find('\n', at), userDirs.size());
-        const std::string_view line = trimmed(userDirs.substr(at, end - at));
-        at = end + 1;
-        constexpr std::string_view key = "XDG_DOWNLOAD_DIR=";
-        if (!line.starts_with(key)) continue;
-        if (auto value = userDirectory(line.substr(key.size()), home)) found = std::move(value);
-    }
+    forEachUserDir(userDirs, home, [&](std::string_view key, std::string folder) {
+        if (key == downloadKey) found = std::move(folder);
+    });
+    return found;
+}
+
+std::vector<std::string> otherFoldersIn(std::string_view userDirs, const std::string& home) {
+    std::vector<std::string> found;
+    forEachUserDir(userDirs, home, [&](std::string_view key, std::string folder) {
+        if (key != downloadKey) found.push_back(std::move(folder));
+    });
     return found;
 }
 
@@ -102,25 +142,57 @@ std::string LinuxFolders::below(const std::string& chosen, const char* usual) co
 
 std::string LinuxFolders::userCaches() const { return below(m_variables.cacheHome, "/.cache"); }
 
+std::vector<std::string> LinuxFolders::programCaches() const {
+    std::vector<std::string> out;
+    const auto collect = [&](const std::string& folder, const char* cache) {
+        if (folder.empty()) return;
+        for (const std::string& name : sortedNamesIn(folder))
+            if (const std::string path = joinPath(folder, name) + cache; isFolder(path))
+                out.push_back(path);
+    };
+    collect(below({}, "/.var/app"), "/cache");
+    collect(below({}, "/snap"), "/common/.cache");
+    return out;
+}
+
 std::vector<std::string> LinuxFolders::userLogs() const {
     const std::string state = below(m_variables.stateHome, "/.local/state");
     const std::string data = below(m_variables.dataHome, "/.local/share");
     const std::string config = below(m_variables.configHome, "/.config");
+    std::vector<std::string> wanted{state + "/log",        state + "/logs",
+                                    data + "/xorg",        data + "/sddm",
+                                    config + "/Code/logs", below({}, "/.npm/_logs")};
+    for (const char* const program : electronPrograms)
+        wanted.push_back(joinPath(config, program) + "/logs");
     std::vector<std::string> out;
-    for (const std::string& path : {state + "/log", state + "/logs", data + "/xorg", data + "/sddm",
-                                    config + "/Code/logs", below({}, "/.npm/_logs")})
-        if (isFolder(path)) out.push_back(path);
+    std::copy_if(wanted.begin(), wanted.end(), std::back_inserter(out), isFolder);
+    if (const std::string errors = below({}, "/.xsession-errors.old"); isFile(errors))
+        out.push_back(errors);
     return out;
 }
 
-std::string LinuxFolders::downloads() const {
+std::string LinuxFolders::userDirs() const {
     const auto text =
         readSystemText(below(m_variables.configHome, "/.config") + "/user-dirs.dirs", mostUserDirs);
-    const auto chosen =
-        text && text->size() < mostUserDirs ? downloadsIn(*text, home()) : std::nullopt;
+    return text && text->size() < mostUserDirs ? *text : std::string();
+}
+
+std::string LinuxFolders::downloads() const {
+    const auto chosen = downloadsIn(userDirs(), home());
     if (!chosen) return below({}, "/Downloads");
     return holdsHome(*chosen, home()) ? std::string()
                                       : *chosen;  // desktops write the home folder for "none"
+}
+
+std::vector<std::string> LinuxFolders::otherUserFolders() const {
+    if (home().empty()) return {};
+    std::vector<std::string> out{home(), below(m_variables.stateHome, "/.local/state"),
+                                 below(m_variables.dataHome, "/.local/share"),
+                                 below(m_variables.configHome, "/.config")};
+    for (const char* const usual : {"/Desktop", "/Documents", "/Music", "/Pictures", "/Videos"})
+        out.push_back(below({}, usual));
+    for (std::string& each : otherFoldersIn(userDirs(), home())) out.push_back(std::move(each));
+    return out;
 }
 
 std::string LinuxFolders::homeTrash() const {

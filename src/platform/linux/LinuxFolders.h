@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string_view>
+#include <vector>
 
 #include "platform/FolderVariables.h"
 #include "platform/folders.h"
@@ -19,13 +20,20 @@ public:
     [[nodiscard]] std::string userCaches() const override;
     [[nodiscard]] std::string systemLogs() const override { return "/var/log"; }
 
+    /// ~/.var/app/ID/cache of flatpak and ~/snap/NAME/common/.cache, by name.
+    [[nodiscard]] std::vector<std::string> programCaches() const override;
+
     /// Of this list, what is there: "log" and "logs" in $XDG_STATE_HOME; "xorg" (the X server's,
     /// when a user starts it) and "sddm" (a session's output) in $XDG_DATA_HOME; "Code/logs" in
-    /// $XDG_CONFIG_HOME; .npm/_logs.
+    /// $XDG_CONFIG_HOME; .npm/_logs; "logs" of other programs made with Electron, by their names;
+    /// the file .xsession-errors.old.
     [[nodiscard]] std::vector<std::string> userLogs() const override;
 
     /// XDG_DOWNLOAD_DIR of user-dirs.dirs, else Downloads in the home folder.
     [[nodiscard]] std::string downloads() const override;
+
+    /// The home, the base directories, and all that user-dirs.dirs names but the downloads.
+    [[nodiscard]] std::vector<std::string> otherUserFolders() const override;
 
     [[nodiscard]] std::string homeTrash() const override;
 
@@ -38,9 +46,15 @@ public:
 
 private:
     [[nodiscard]] std::string below(const std::string& chosen, const char* usual) const;
+    [[nodiscard]] std::string userDirs() const;
 
     const FolderVariables m_variables;
 };
+
+/// The folders that all XDG_..._DIR but XDG_DOWNLOAD_DIR name in the text of a user-dirs.dirs, read
+/// as downloadsIn() reads them.
+[[nodiscard]] std::vector<std::string> otherFoldersIn(std::string_view userDirs,
+                                                      const std::string& home);
 
 /// The value of XDG_DOWNLOAD_DIR in the text of a user-dirs.dirs: the last one that is an absolute
 /// path, or begins with $HOME. Nothing when there is none. No other part of the shell's language is

@@ -48,8 +48,21 @@ TEST(CategoryFolders, userLogsAreThoseThatExist) {
     for (const char* name : {"s/log", ".local/share/xorg", ".npm/_logs", "elsewhere"})
         ASSERT_TRUE(tree.folder(name));
     ASSERT_TRUE(tree.write("s/logs", "a file"));
+    ASSERT_TRUE(tree.folder(".config/Slack/logs") && tree.folder(".config/Unknown/logs") &&
+                tree.write(".xsession-errors.old", "1") && tree.write(".xsession-errors", "1"));
     EXPECT_EQ(foldersOf({.home = tree.path(), .stateHome = tree.at("s")}, 3),
-              (Paths{tree.at("s/log"), tree.at(".local/share/xorg"), tree.at(".npm/_logs")}));
+              (Paths{tree.at("s/log"), tree.at(".local/share/xorg"), tree.at(".npm/_logs"),
+                     tree.at(".config/Slack/logs"), tree.at(".xsession-errors.old")}));
+}
+
+TEST(CategoryFolders, cachesOfProgramsThatAreKeptApart) {
+    TestTree tree;
+    for (const char* name : {".var/app/org.b/cache", ".var/app/org.a/cache", ".var/app/org.c/data",
+                             "snap/x/common/.cache", "snap/bin"})
+        ASSERT_TRUE(tree.folder(name));
+    EXPECT_EQ(foldersOf({.home = tree.path()}, 1),
+              (Paths{tree.at(".cache"), tree.at(".var/app/org.a/cache"),
+                     tree.at(".var/app/org.b/cache"), tree.at("snap/x/common/.cache")}));
 }
 
 TEST(CategoryFolders, downloadsAreWhereTheDesktopSaysButNeverTheHome) {
@@ -192,14 +205,32 @@ TEST(CleanablePlaces, whatNothingMakesAgainStays) {
         {"/var/log/syslog.1", FileType::Regular, Rule::MayGo},
         {"/var/log/wtmp", FileType::Regular, Rule::Stays},
         {"/var/log/wtmp.1", FileType::Regular, Rule::MayGo},
-        {"/var/log/app/lastlog", FileType::Regular, Rule::MayGo},
+        {"/var/log/app/lastlog", FileType::Regular, Rule::Stays},
+        {"/var/log/app/lastlog.1", FileType::Regular, Rule::MayGo},
+        {"/var/log/syslog", FileType::Regular, Rule::Stays},
+        {"/var/log/auth.log", FileType::Regular, Rule::Stays},
+        {"/var/log/dpkg.log", FileType::Regular, Rule::Stays},
+        {"/var/log/dpkg.log.12.gz", FileType::Regular, Rule::MayGo},
+        {"/var/log/app/out.log.2.xz", FileType::Regular, Rule::MayGo},
+        {"/var/log/app/out.log.2.zst", FileType::Regular, Rule::MayGo},
+        {"/var/log/app/out-20241103", FileType::Regular, Rule::MayGo},
+        {"/var/log/app/out.log-20241103.gz", FileType::Regular, Rule::MayGo},
+        {"/var/log/app/out-2024-11-03.log", FileType::Regular, Rule::MayGo},
+        {"/var/log/app/out-20241303.log", FileType::Regular, Rule::Stays},
+        {"/var/log/app/20241103", FileType::Regular, Rule::Stays},
+        {"/var/log/app/data.2024", FileType::Regular, Rule::Stays},
+        {"/var/log/app/out.gz", FileType::Regular, Rule::Stays},
+        {"/var/log/Xorg.0.log", FileType::Regular, Rule::Stays},
+        {"/var/log/Xorg.0.log.old", FileType::Regular, Rule::MayGo},
+        {"/var/log/.old", FileType::Regular, Rule::Stays},
+        {"/var/log/app/system@1.journal", FileType::Regular, Rule::Stays},
         {"/var/log/journal/m/system.journal", FileType::Regular, Rule::Stays},
         {"/var/log/journal/m/system@0-1.journal", FileType::Regular, Rule::MayGo},
         {"/var/log/journal/m/user-1000.journal~", FileType::Regular, Rule::MayGo},
         {"/var/log/mysql/host-bin.000001", FileType::Regular, Rule::Stays},
         {"/var/log/mariadb/binlog.000001", FileType::Regular, Rule::Stays},
         {"/var/log/mysql/error.log.1", FileType::Regular, Rule::MayGo},
-        {"/var/log/mysql/error.log", FileType::Regular, Rule::MayGo},
+        {"/var/log/mysql/error.log", FileType::Regular, Rule::Stays},
         {"/var/log/audit/audit.log.1", FileType::Regular, Rule::Stays},
         {"/var/cached/debconf/x", FileType::Regular, Rule::MayGo},
         {"/home/u/.cache/debconf", FileType::Folder, Rule::MayGo},

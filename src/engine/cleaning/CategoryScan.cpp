@@ -1,0 +1,135 @@
+// CategoryScan: see CategoryScan.h.
+#include "engine/cleaning/CategoryScan.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "engine/base/Log.h"
+#include "engine/base/saturating.h"
+#include "engine/cleaning/FolderUtilities.h"
+#include "platform/paths.h"
+
+namespace orrinvale {
+namespace {
+
+std::int64_t now() {
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(
+               std::chrono::system_clock::now().time_since_epoch())
+        .count();
+}
+
+std::vector<std::string> mountPathsOf(const FileSystem& files) {
+    std::vector<std::string> out;
+    if (const auto mounts = files.mountPoints())
+        for (const MountPoint& each : *mounts) out.push_back(each.path);
+    return out;
+}
+
+}  // namespace
+
+CleanRules::CleanRules(const CleanParts& parts)
+    : m_files(*parts.files),
+      m_clock(parts.clock ? parts.clock : now),
+      m_folders(*parts.files, *parts.folders, *parts.utilities),
+      m_places(parts.files->resolved(m_folders.systemCaches()).value_or(m_folders.systemCaches()),
+               parts.files->resolved(m_folders.systemLogs()).value_or(m_folders.systemLogs())),
+      m_passing(parts.files->devicesOfPassingInodes()),
+      m_mounts(mountPathsOf(*parts.files)) {
+    auto keep = KeepList::load(m_files, parts.settingsFolder);
+    if (keep) m_keep = std::move(*keep);
+    else m_fault = keep.error();
+}
+
+void CleanRules::askPrograms(const std::vector<std::string>& realFolders) {
+    m_open = OpenFiles::below(realFolders);
+}
+
+CleanGround CleanRules::groundOf(const CleanFolders::Folder& folder) {
+    const auto rules = m_folders.rulesFor(folder.real);
+    if (!isOfTheSystem(rules) && rules != CleanCategory::UserTrash) askPrograms({folder.real});
+    return groundAsBefore(folder);
+}
+
+CleanGround CleanRules::groundAsBefore(const CleanFolders::Folder& folder) const {
+    CleanGround ground{.folder = folder.path,
+                       .real = folder.real,
+                       .rules = m_folders.rulesFor(folder.real),
+                       .places = &m_places,
+                       .keep = &m_keep,
+                       .open = &m_open,
+                       .mounts = {},
+                       .inodesPass = false,
+                       .now = m_clock()};
+    for (const std::string& mount : m_mounts)
+        if (mount != folder.real && isWithin(mount, folder.real)) ground.mounts.push_back(mount);
+    const auto seen = m_files.attributes(FileSystem::noParent, folder.real.c_str(), Links::Keep);
+    ground.inodesPass = seen && std::ranges::count(m_passing, seen->device) != 0;
+    return ground;
+}
+
+CategoryScan::CategoryScan(const CleanParts& parts, const CleanWatch& watch)
+    : m_parts(parts), m_watch(watch), m_rules(parts) {}
+
+CategoryListing CategoryScan::run(const std::vector<std::string>& folders) {
+    CategoryListing listing;
+    for (const std::string& path : folders) {
+        if (*m_watch.stop) break;
+        const auto folder = m_rules.folders().lookAt(path);
+        if (!folder) continue;
+        Log::line(fmt::format("Scan folder: {}", path));
+        std::string objection = folder->objection;
+        if (m_rules.fault())
+            objection = fmt::format("the list of what is always kept can not be read: {}",
+                                    m_rules.fault()->reason());
+        if (objection.empty()) scan(*folder, listing);
+        else listing.closed.push_back({path, objection});
+    }
+    listing.skipped = m_skipped.entries();
+    return listing;
+}
+
+void CategoryScan::scan(const CleanFolders::Folder& folder, CategoryListing& listing) {
+    CleanFolders::Folder place = folder;
+    if (folder.isSingle) {
+        place.path = folderOf(folder.path);
+        place.real = folderOf(folder.real);
+    }
+    CleanGround ground = m_rules.groundOf(place);
+    ground.rules = m_rules.folders().rulesFor(folder.real);
+    CleanWalk walk(*m_parts.files, ground,
+                   {.stop = m_watch.stop,
+                    .skipped = &m_skipped,
+                    .entries = m_watch.entries,
+                    .complete = [this](const CleanRow& row) {
+                        if (row.isOffered()) m_watch.total->fetch_add(row.bytes);
+                    }});
+    if (folder.isSingle) {
+        const auto entry =
+            m_parts.files->attributes(FileSystem::noParent, folder.path.c_str(), Links::Keep);
+        if (!entry || entry->type != FileType::Regular) return;
+        std::vector<CleanRow> one;
+        one.push_back(walk.single(std::string(lastPathComponent(folder.path)), *entry));
+        return sort(std::move(one), listing);
+    }
+    auto opened = m_parts.files->openFolder(FileSystem::noParent, folder.path.c_str(), Links::Keep);
+    if (!opened) return m_skipped.add(systemError("open", folder.path, opened.error()));
+    sort(walk.rows(std::move(*opened)), listing);
+}
+
+void CategoryScan::sort(std::vector<CleanRow> rows, CategoryListing& listing) const {
+    for (CleanRow& row : rows) {
+        if (row.kept != KeptBecause::Nothing) {
+            CleanRow& kept = listing.kept.emplace_back(row);
+            kept.seen.reset();
+        }
+        if (!row.isOffered()) continue;
+        addSaturating(listing.bytes, row.bytes);
+        addSaturating(listing.onDisk, row.onDisk);
+        listing.rows.push_back(std::move(row));
+    }
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,81 @@
+// CleanFolders: see CleanFolders.h.
+#include "engine/cleaning/CleanFolders.h"
+
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+#include "engine/cleaning/FolderUtilities.h"
+#include "platform/error.h"
+#include "platform/folders.h"
+#include "platform/paths.h"
+
+namespace orrinvale {
+namespace {
+
+// sudo leaves a person's home to root, whose programs would leave root's files there.
+bool isSomebodyElses(const std::string& home) {
+    struct stat entry {};
+    return ::geteuid() == 0 && ::stat(home.c_str(), &entry) == 0 && entry.st_uid != 0;
+}
+
+}  // namespace
+
+CleanFolders::CleanFolders(const FileSystem& files, const Folders& folders,
+                           const FolderUtilities& utilities)
+    : m_files(files),
+      m_systemCaches(folders.systemCaches()),
+      m_systemLogs(folders.systemLogs()),
+      m_isForeignHome(isSomebodyElses(folders.home())) {
+    for (const CleanCategoryNames& each : cleanCategories)
+        for (const std::string& path :
+             utilities.getFolderPath(static_cast<std::uint32_t>(each.category)))
+            m_roots.push_back({files.resolved(path).value_or(path), each.category});
+    for (const std::string& path : folders.otherUserFolders())
+        m_others.push_back(files.resolved(path).value_or(path));
+}
+
+CleanCategory CleanFolders::rulesFor(std::string_view path) const {
+    const Root* innermost = nullptr;
+    for (const Root& root : m_roots)
+        if (isWithin(path, root.real) &&
+            (innermost == nullptr || root.real.size() > innermost->real.size()))
+            innermost = &root;
+    return innermost != nullptr ? innermost->category : CleanCategory::UserCaches;
+}
+
+std::optional<CleanFolders::Folder> CleanFolders::lookAt(const std::string& path) const {
+    Folder folder{.path = path, .real = path};
+    const auto entry = m_files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);
+    if (!entry && (entry.error() == ENOENT || entry.error() == ENOTDIR)) return std::nullopt;
+    if (!entry) {
+        folder.objection = systemError("open", path, entry.error()).reason();
+        return folder;
+    }
+    const auto above = m_files.resolved(folderOf(path));
+    folder.real = above ? joinPath(*above, lastPathComponent(path)) : path;
+    folder.isSingle = entry->type == FileType::Regular;
+    if (entry->type == FileType::SymbolicLink) folder.objection = "the folder is a link";
+    else if (entry->type != FileType::Folder && !folder.isSingle)
+        folder.objection = "it is no folder";
+    else folder.objection = objectionTo(folder);
+    return folder;
+}
+
+std::string CleanFolders::objectionTo(const Folder& folder) const {
+    const CleanCategory category = rulesFor(folder.real);
+    if (m_isForeignHome && !isOfTheSystem(category)) return "the home folder is somebody else's";
+    for (const std::string& other : m_others)
+        if (isWithin(other, folder.real))
+            return other == folder.real ? "the folder is for other things as well"
+                                        : fmt::format("{} lies in it", other);
+    for (const Root& root : m_roots)
+        if (isWithin(root.real, folder.real) &&
+            (root.real != folder.real || root.category != category))
+            return fmt::format("{} lies in it", root.real);
+    return {};
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,55 @@
+// CleanFolders: which folder belongs to which category, by its path alone, and which folders are
+// left alone altogether.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/cleaning/CleanCategory.h"
+#include "platform/files.h"
+
+namespace orrinvale {
+
+class FolderUtilities;
+class Folders;
+
+/// A snapshot of one moment; any thread. Asks the disk when it is made, and in objection().
+class CleanFolders final {
+public:
+    CleanFolders(const FileSystem& files, const Folders& folders, const FolderUtilities& utilities);
+
+    /// The category whose rules hold for a path without links: that of the innermost folder that
+    /// holds it. What lies in none is looked at as strictly as the user's caches.
+    [[nodiscard]] CleanCategory rulesFor(std::string_view path) const;
+
+    /// One folder of a category, looked at.
+    struct Folder {
+        std::string path;         ///< as it was named
+        std::string real;         ///< without links
+        bool isSingle = false;    ///< a file that stands for itself
+        std::string objection{};  ///< why nothing in it is touched; for people
+    };
+    /// Nothing for what is not there.
+    [[nodiscard]] std::optional<Folder> lookAt(const std::string& path) const;
+
+    [[nodiscard]] const std::string& systemCaches() const { return m_systemCaches; }
+    [[nodiscard]] const std::string& systemLogs() const { return m_systemLogs; }
+
+private:
+    struct Root {
+        std::string real;
+        CleanCategory category;
+    };
+    [[nodiscard]] std::string objectionTo(const Folder& folder) const;
+
+    const FileSystem& m_files;
+    std::string m_systemCaches;
+    std::string m_systemLogs;
+    std::vector<Root> m_roots;
+    std::vector<std::string> m_others;  // folders of the user for other purposes, without links
+    bool m_isForeignHome = false;
+};
+
+}  // namespace orrinvale

@@ -1,0 +1,113 @@
+// KeepList: see KeepList.h.
+#include "engine/cleaning/KeepList.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <optional>
+#include <utility>
+
+#include "engine/files/DurableFile.h"
+#include "platform/paths.h"
+
+namespace orrinvale {
+namespace {
+
+constexpr std::size_t mostBytes = 1 << 20;
+
+// Nothing for what is no path.
+std::optional<std::string> pathOfLine(std::string_view line) {
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    if (line.empty() || line.front() == '#') return std::nullopt;
+    std::string path;
+    for (std::size_t at = 0; at < line.size(); ++at) {
+        if (line[at] != '\\' || at + 1 == line.size()) path += line[at];
+        else path += line[++at] == 'n' ? '\n' : line[at];
+    }
+    return plainPath(path);
+}
+
+std::string lineOf(const std::string& path) {
+    std::string line;
+    for (const char c : path) {
+        if (c == '\n') line += "\\n";
+        else if (c == '\\') line += "\\\\";
+        else line += c;
+    }
+    return line + '\n';
+}
+
+std::vector<std::string_view> linesOf(std::string_view text) {
+    std::vector<std::string_view> lines;
+    while (!text.empty()) {
+        lines.push_back(text.substr(0, text.find('\n')));
+        text.remove_prefix(std::min(lines.back().size() + 1, text.size()));
+    }
+    return lines;
+}
+
+// The entry itself may be a link and is meant as such.
+std::string withoutLinksOnTheWay(const FileSystem& files, const std::string& path) {
+    const auto folder = files.resolved(folderOf(path));
+    return folder ? joinPath(*folder, lastPathComponent(path)) : path;
+}
+
+Result<std::string> textOf(const std::string& path) {
+    auto text = DurableFile::read(path, mostBytes);
+    if (!text && text.error().number == ENOENT) return std::string();
+    return text;
+}
+
+// Replaces the list by what is left of it, and `more`.
+Result<void> change(const FileSystem& files, const std::string& folder, const std::string& path,
+                    const std::string& more) {
+    if (auto made = DurableFile::makeFolder(folder); !made) return made;
+    auto file = DurableFile::begin(KeepList::fileIn(folder));
+    if (!file) return tl::unexpected(file.error());
+    const auto text = textOf(KeepList::fileIn(folder));
+    if (!text) return tl::unexpected(text.error());
+    const std::string wanted = withoutLinksOnTheWay(files, path);
+    std::string left;
+    for (const std::string_view line : linesOf(*text)) {
+        const auto each = pathOfLine(line);
+        if (each && withoutLinksOnTheWay(files, *each) == wanted) continue;
+        (left += line) += '\n';
+    }
+    return file->commit(left + more);
+}
+
+}  // namespace
+
+std::string KeepList::fileIn(const std::string& folder) { return joinPath(folder, "always-keep"); }
+
+Result<KeepList> KeepList::load(const FileSystem& files, const std::string& folder) {
+    const auto text = textOf(fileIn(folder));
+    if (!text) return tl::unexpected(text.error());
+    KeepList list;
+    for (const std::string_view line : linesOf(*text))
+        if (const auto path = pathOfLine(line))
+            list.m_paths.push_back(withoutLinksOnTheWay(files, *path));
+    return list;
+}
+
+Result<void> KeepList::add(const FileSystem& files, const std::string& folder,
+                           const std::string& path) {
+    return change(files, folder, path, lineOf(withoutLinksOnTheWay(files, path)));
+}
+
+Result<void> KeepList::remove(const FileSystem& files, const std::string& folder,
+                              const std::string& path) {
+    return change(files, folder, path, {});
+}
+
+bool KeepList::keeps(std::string_view path) const {
+    return std::any_of(m_paths.begin(), m_paths.end(),
+                       [&](const std::string& each) { return isWithin(path, each); });
+}
+
+bool KeepList::keepsBelow(std::string_view path) const {
+    return std::any_of(m_paths.begin(), m_paths.end(), [&](const std::string& each) {
+        return each != path && isWithin(each, path);
+    });
+}
+
+}  // namespace orrinvale

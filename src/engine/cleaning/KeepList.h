@@ -1,0 +1,45 @@
+// KeepList: what a person asked cleaning to keep for good. The page, Fast Clean and the terminal
+// obey it alike.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/error.h"
+#include "platform/files.h"
+
+namespace orrinvale {
+
+/// The file "always-keep" in the program's settings folder: a path a line, "\n" and "\\" standing
+/// for a line break and a backslash; lines that begin with "#" and empty ones mean nothing. A list
+/// is a snapshot; any thread.
+class KeepList final {
+public:
+    /// Keeps nothing.
+    KeepList() = default;
+
+    /// Reads the list. A missing file keeps nothing; one that can not be read is an error, and then
+    /// nobody knows what may go.
+    [[nodiscard]] static Result<KeepList> load(const FileSystem& files, const std::string& folder);
+
+    /// Puts a path on the stored list, or takes it off; success when it is there already, or not
+    /// there. `path` is absolute.
+    [[nodiscard]] static Result<void> add(const FileSystem& files, const std::string& folder,
+                                          const std::string& path);
+    [[nodiscard]] static Result<void> remove(const FileSystem& files, const std::string& folder,
+                                             const std::string& path);
+
+    [[nodiscard]] static std::string fileIn(const std::string& folder);
+
+    /// Whether the entry at this path is kept, itself or with a folder above it. As the following:
+    /// the path has no links on the way to its last component.
+    [[nodiscard]] bool keeps(std::string_view path) const;
+    /// Whether something below this path is kept.
+    [[nodiscard]] bool keepsBelow(std::string_view path) const;
+
+private:
+    std::vector<std::string> m_paths;
+};
+
+}  // namespace orrinvale

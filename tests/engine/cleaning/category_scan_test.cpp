@@ -1,0 +1,295 @@
+// What a scan of a category offers and what it keeps, on real files.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/mount.h>
+#include <sys/prctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "engine/cleaning/CleanHome.h"
+#include "engine/cleaning/ScanErrand.h"
+#include "support/OwnMounts.h"
+#include "support/ServedFiles.h"
+#include "support/ServiceProcess.h"
+
+namespace orrinvale {
+namespace {
+
+using testing::CleanHome;
+using Names = std::vector<std::string>;
+using Reasons = std::map<std::string, KeptBecause>;
+
+TEST(CategoryScan, rowsOfUserCachesAndWhyOthersStay) {
+    CleanHome home;
+    auto& tree = home.tree;
+    const std::string five(5, 'x');
+    ASSERT_TRUE(
+        tree.write(".cache/plain/a/b", five) && tree.write(".cache/plain/c", five) &&
+        tree.write(".cache/single", five) && tree.folder(".cache/empty") &&
+        tree.write(".cache/.hidden/x", five) && tree.write(".cache/repo/in/.git/config", five) &&
+        tree.write(".cache/worktree/.git", "gitdir: elsewhere") &&
+        tree.write(".cache/safe/deep/er/my.KDBX", five) &&
+        tree.write(".cache/office/letter.odt", five) && tree.write(".cache/sqlite/db", five) &&
+        tree.write(".cache/sqlite/db-wal", five) && tree.write(".cache/left/db", five) &&
+        tree.write(".cache/left/db-journal", "") && tree.socket(".cache/running/s") &&
+        tree.write(".cache/rclone/vfs/file", five) && tree.write(".cache/KeePassXC/x", five) &&
+        tree.write(".var/app/org.keepassxc.KeePassXC/cache/x", five) &&
+        tree.write(".var/app/org.else/cache/y", five) && tree.symlink("/", ".cache/link") &&
+        tree.fifo(".cache/pipe"));
+    const CategoryListing listing = home.scan(CleanCategory::UserCaches);
+    EXPECT_EQ(CleanHome::offered(listing), (Names{".hidden 5", "empty 0", "left 5", "link 1",
+                                                  "pipe 0", "plain 10", "single 5", "y 5"}));
+    EXPECT_EQ(listing.bytes, 31U);
+    EXPECT_EQ(CleanHome::kept(listing), (Reasons{{"repo", KeptBecause::Repository},
+                                                 {"worktree", KeptBecause::Repository},
+                                                 {"safe", KeptBecause::PasswordSafe},
+                                                 {"office", KeptBecause::Document},
+                                                 {"sqlite", KeptBecause::Database},
+                                                 {"running", KeptBecause::Socket},
+                                                 {"rclone", KeptBecause::Precious},
+                                                 {"KeePassXC", KeptBecause::Precious},
+                                                 {"x", KeptBecause::Precious}}));
+    for (const CleanRow& row : listing.kept) EXPECT_EQ(row.bytes, 0U) << row.path;
+}
+
+// What is thrown away goes, whatever it is; a download goes but for one that goes on.
+TEST(CategoryScan, otherCategoriesHaveOtherRules) {
+    CleanHome home({}, {"/"});
+    auto& tree = home.tree;
+    for (const char* folder : {".local/share/Trash/files", "Downloads", ".local/state/log"})
+        for (const char* name : {"r/.git/x", "d/letter.pdf", "n/db-wal", "p.part", "q.crdownload"})
+            ASSERT_TRUE(tree.write(std::string(folder) + '/' + name, "1"));
+    EXPECT_EQ(CleanHome::offered(home.scan(CleanCategory::UserTrash)),
+              (Names{"d 1", "n 1", "p.part 1", "q.crdownload 1", "r 1"}));
+    EXPECT_EQ(CleanHome::offered(home.scan(CleanCategory::UserDownloads)),
+              (Names{"d 1", "n 1", "r 1"}));
+    EXPECT_EQ(CleanHome::offered(home.scan(CleanCategory::UserLogs)),
+              (Names{"p.part 1", "q.crdownload 1"}));
+}
+
+TEST(CategoryScan, ageIsTheLaterOfWritingAndChange) {
+    CleanHome home;
+    ASSERT_TRUE(home.tree.write(".cache/old/x", "1") && home.tree.write(".cache/written/x", "1"));
+    const auto setWritten = [&](const char* name, std::int64_t seconds) {
+        const timespec times[2] = {{::time(nullptr) + seconds, 0}, {::time(nullptr) + seconds, 0}};
+        return ::utimensat(AT_FDCWD, home.tree.at(name).c_str(), times, 0) == 0;
+    };
+    // Far back: the time of change counts. An hour on, as far as the clock of the scan goes.
+    ASSERT_TRUE(setWritten(".cache/old/x", -1'000'000) && setWritten(".cache/written/x", 3500));
+    EXPECT_EQ(CleanHome::kept(home.scan(CleanCategory::UserCaches)),
+              (Reasons{{"written", KeptBecause::Fresh}}));
+    // A time that is to come says nothing.
+    ASSERT_TRUE(setWritten(".cache/written/x", 1'000'000));
+    EXPECT_EQ(CleanHome::kept(home.scan(CleanCategory::UserCaches)), Reasons{});
+    home.secondsLater = 60;
+    EXPECT_EQ(home.scan(CleanCategory::UserCaches).rows.size(), 0U);
+}
+
+TEST(CategoryScan, whatProgramsHaveOpenStays) {
+    CleanHome home;
+    for (const char* folder : {".cache", "Downloads", ".local/state/log"})
+        for (const char* name : {"open/x", "openly/x", "mapped/x", "idle/x"})
+            ASSERT_TRUE(home.tree.write(std::string(folder) + '/' + name, std::string(4096, 'x')));
+    for (const auto& [category, folder] : {std::pair{CleanCategory::UserCaches, ".cache"},
+                                           {CleanCategory::UserDownloads, "Downloads"},
+                                           {CleanCategory::UserLogs, ".local/state/log"}}) {
+        int ready[2];
+        ASSERT_EQ(::pipe(ready), 0);
+        const pid_t holder = ::fork();
+        if (holder == 0) {  // only calls that are safe after a fork
+            const int open =
+                ::open(home.tree.at(std::string(folder) + "/open/x").c_str(), O_RDONLY);
+            (void)!::chdir(home.tree.at(std::string(folder) + "/mapped").c_str());
+            (void)!::write(ready[1], "", open >= 0 ? 1 : 0);
+            ::pause();
+            ::_exit(0);
+        }
+        char byte = 0;
+        ASSERT_EQ(::read(ready[0], &byte, 1), 1);
+        const auto listing = home.scan(category);
+        EXPECT_EQ(CleanHome::offered(listing), (Names{"idle 4096", "openly 4096"})) << folder;
+        EXPECT_EQ(CleanHome::kept(listing),
+                  (Reasons{{"open", KeptBecause::Open}, {"mapped", KeptBecause::Open}}));
+        ::kill(holder, SIGKILL);
+        ::waitpid(holder, nullptr, 0);
+        ::close(ready[0]);
+        ::close(ready[1]);
+        EXPECT_EQ(home.scan(category).rows.size(), 4U) << folder;
+    }
+}
+
+// A program that is not to be looked into shows its name alone.
+TEST(CategoryScan, theFolderOfAProgramThatHidesStays) {
+    CleanHome home;
+    ASSERT_TRUE(home.tree.write(".cache/Hider/x", "1") && home.tree.write(".cache/hiders/x", "1") &&
+                home.tree.setMode(".cache", 0755) && ::chmod(home.tree.path().c_str(), 0755) == 0);
+    const std::string failure = testing::runInChild({.ordinaryUser = true}, [&]() -> std::string {
+        int ready[2];
+        if (::pipe(ready) != 0) return "no pipe";
+        const pid_t holder = ::fork();
+        if (holder == 0) {
+            ::prctl(PR_SET_NAME, "hider");
+            ::prctl(PR_SET_DUMPABLE, 0);
+            (void)!::write(ready[1], "", 1);
+            ::pause();
+            ::_exit(0);
+        }
+        char byte = 0;
+        if (::read(ready[0], &byte, 1) != 1) return "no child";
+        const auto kept = CleanHome::kept(home.scan(CleanCategory::UserCaches));
+        ::kill(holder, SIGKILL);
+        ::waitpid(holder, nullptr, 0);
+        return kept == Reasons{{"Hider", KeptBecause::HiddenProgram}} ? "" : "kept otherwise";
+    });
+    EXPECT_EQ(failure, "");
+}
+
+TEST(CategoryScan, foldersThatAreLeftAlone) {
+    const struct {
+        const char* what;
+        std::function<bool(testing::TestTree&)> make;
+        const char* reason;  // nullptr: nothing is there, which is no reason
+    } cases[] = {
+        {"missing", [](auto&) { return true; }, nullptr},
+        {"link", [](auto& t) { return t.folder("o") && t.symlink("o", "Downloads"); },
+         "the folder is a link"},
+        {"file among folders", [](auto& t) { return t.fifo("Downloads"); }, "it is no folder"},
+        {"the desktop too",
+         [](auto& t) {
+             return t.write("Downloads/x", "1") &&
+                    t.write(".config/user-dirs.dirs", "XDG_DESKTOP_DIR=\"$HOME/Downloads\"");
+         },
+         "the folder is for other things as well"},
+        {"above the documents",
+         [](auto& t) {
+             return t.write("Downloads/x", "1") &&
+                    t.write(".config/user-dirs.dirs", "XDG_DOCUMENTS_DIR=\"$HOME/Downloads/d\"");
+         },
+         "/Downloads/d lies in it"},
+        {"the documents by a link",
+         [](auto& t) { return t.write("Downloads/x", "1") && t.symlink("Downloads", "Documents"); },
+         "the folder is for other things as well"},
+    };
+    for (const auto& each : cases) {
+        CleanHome home;
+        ASSERT_TRUE(each.make(home.tree)) << each.what;
+        const auto listing = home.scan(CleanCategory::UserDownloads);
+        EXPECT_EQ(listing.rows.size() + listing.kept.size(), 0U) << each.what;
+        ASSERT_EQ(listing.closed.size(), each.reason != nullptr ? 1U : 0U) << each.what;
+        if (each.reason != nullptr) {
+            EXPECT_TRUE(listing.closed[0].reason.ends_with(each.reason))
+                << listing.closed[0].reason;
+        }
+    }
+    testing::TestTree
+        outer;  // a cache within the downloads: these are left alone, the cache is not
+    CleanHome nested({.home = outer.path(), .cacheHome = outer.at("Downloads/cache")});
+    ASSERT_TRUE(outer.write("Downloads/cache/x/y", "1"));
+    EXPECT_EQ(nested.scan(CleanCategory::UserDownloads).closed.size(), 1U);
+    EXPECT_EQ(CleanHome::offered(nested.scan(CleanCategory::UserCaches)), Names{"x 1"});
+}
+
+TEST(CategoryScan, aFileStandsForItself) {
+    CleanHome home;
+    ASSERT_TRUE(home.tree.write(".xsession-errors.old", "12345") &&
+                home.tree.write(".bashrc", "mine"));
+    const auto listing = home.scan(CleanCategory::UserLogs);
+    EXPECT_EQ(CleanHome::offered(listing), Names{".xsession-errors.old 5"});
+    EXPECT_EQ(listing.rows.at(0).identity.type, FileType::Regular);
+}
+
+TEST(CategoryScan, whatThePersonKeeps) {
+    CleanHome home;
+    auto& tree = home.tree;
+    for (const char* name : {".cache/a/x", ".cache/b/in/y", ".cache/b/z", ".cache/c\n/w"})
+        ASSERT_TRUE(tree.write(name, "12345"));
+    ASSERT_TRUE(tree.symlink(".cache", "by-link"));
+    const std::string settings = tree.at("settings");
+    for (const std::string& path : {tree.at(".cache/a"), tree.at("by-link/b/in"),
+                                    tree.at(".cache/c\n"), tree.at(".cache/c\n")})
+        ASSERT_TRUE(KeepList::add(home.files, settings, path)) << path;
+    auto listing = home.scan(CleanCategory::UserCaches);
+    EXPECT_EQ(CleanHome::offered(listing), Names{"b 5"});
+    EXPECT_FALSE(listing.rows.at(0).goesWhole);
+    EXPECT_EQ(CleanHome::kept(listing), (Reasons{{"a", KeptBecause::Asked},
+                                                 {"b", KeptBecause::Rule},
+                                                 {"c\n", KeptBecause::Asked}}));
+    for (const std::string& path : {tree.at(".cache/b/in"), tree.at(".cache/c\n")})
+        ASSERT_TRUE(KeepList::remove(home.files, settings, path));
+    listing = home.scan(CleanCategory::UserCaches);
+    EXPECT_EQ(CleanHome::offered(listing), (Names{"b 10", "c\n 5"}));
+    EXPECT_EQ(testing::contentOf(KeepList::fileIn(settings)), tree.at(".cache/a\n"));
+
+    // A list that nobody can read keeps everything.
+    ASSERT_TRUE(::unlink(KeepList::fileIn(settings).c_str()) == 0 &&
+                tree.folder("settings/always-keep"));
+    listing = home.scan(CleanCategory::UserCaches);
+    EXPECT_EQ(listing.rows.size(), 0U);
+    EXPECT_EQ(listing.closed.size(), 1U);
+}
+
+TEST(CategoryScan, whatCanNotBeLookedAtStays) {
+    CleanHome home;
+    ASSERT_TRUE(home.tree.write(".cache/shut/in/x", "1") && home.tree.write(".cache/open/x", "1") &&
+                home.tree.setMode(".cache/shut/in", 0));
+    ASSERT_EQ(::chmod(home.tree.path().c_str(), 0755), 0);
+    const std::string failure = testing::runInChild({.ordinaryUser = true}, [&]() -> std::string {
+        const auto listing = home.scan(CleanCategory::UserCaches);
+        if (listing.skipped.size() != 1) return "skipped " + std::to_string(listing.skipped.size());
+        return CleanHome::kept(listing) == Reasons{{"shut", KeptBecause::Unread}} ? "" : "kept";
+    });
+    EXPECT_EQ(failure, "");
+}
+
+TEST(CategoryScan, aMountKeepsItsRow) {
+    testing::withOwnMounts([]() -> std::string {
+        CleanHome home({.home = "/mnt"}, {"/"});
+        for (const char* folder : {"/mnt/.cache/r/in", "/mnt/Downloads/r/in", "/mnt/other"}) {
+            if (::system(("mkdir -p " + std::string(folder)).c_str()) != 0) return "no folder";
+            if (::system(("echo 1 > " + std::string(folder) + "/x").c_str()) != 0) return "no file";
+        }
+        // Of the same file system, which no device number tells.
+        for (const char* folder : {"/mnt/.cache/r/in", "/mnt/Downloads/r/in"})
+            if (::mount("/mnt/other", folder, nullptr, MS_BIND, nullptr) != 0) return "skip: bind";
+        for (const auto category : {CleanCategory::UserCaches, CleanCategory::UserDownloads}) {
+            const auto listing = home.scan(category);
+            if (!listing.rows.empty()) return "offered " + listing.rows[0].path;
+            if (CleanHome::kept(listing) != Reasons{{"r", KeptBecause::Mount}}) return "kept";
+        }
+        return "";
+    });
+}
+
+// The disk gives back blocks, and those of a file with several names when the last of them goes.
+TEST(CategoryScan, whatTheDiskGetsBack) {
+    CleanHome home;
+    auto& tree = home.tree;
+    const std::string block(64 * 1024, 'x');
+    ASSERT_TRUE(tree.write("Downloads/a", block) && tree.write("Downloads/both", block) &&
+                tree.hardLink("Downloads/both", "Downloads/f/again") &&
+                tree.write("elsewhere", block) && tree.hardLink("elsewhere", "Downloads/shared") &&
+                tree.sparse("Downloads/sparse", 1ULL << 30U));
+    const auto listing = home.scan(CleanCategory::UserDownloads);
+    EXPECT_EQ(listing.bytes, 4 * block.size() + (1ULL << 30U));
+    EXPECT_GE(listing.onDisk, 2 * block.size());
+    EXPECT_LE(listing.onDisk, 2 * block.size() + 16 * 1024);
+}
+
+TEST(CategoryScan, aHomeThatDoesNotAnswerHoldsNobodyUp) {
+    testing::ServedFiles served({"look=1500"});
+    if (!served.isThere()) GTEST_SKIP() << "no FUSE here";
+    ASSERT_TRUE(served.source().write(".cache/x/y", "1"));
+    // The thread that waits uses it for as long as the process lives.
+    static const auto& home = *new CleanHome({.home = served.path()});
+    ScanErrand errand(
+        home.parts(), [] { return home.utilities.getFolderPath(1); },
+        std::chrono::milliseconds(400));
+    const auto start = std::chrono::steady_clock::now();
+    auto state = ScanErrand::State::Running;
+    while (state == ScanErrand::State::Running) state = errand.wait(std::chrono::milliseconds(50));
+    EXPECT_EQ(state, ScanErrand::State::Silent);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+}
+
+}  // namespace
+}  // namespace orrinvale
