@@ -29,6 +29,13 @@
     </message>
 </context>
 <context>
+    <name>FolderEntrance</name>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+</context>
+<context>
     <name>FolderStart</name>
     <message>
         <source>Choose a Folder</source>
@@ -538,6 +545,24 @@
     </message>
 </context>
 <context>
+    <name>ResultFrame</name>
+    <message>
+        <source>1 entry could not be read</source>
+        <translation>1 Eintrag nicht lesbar</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln entries could not be read</source>
+        <translation>
+            <numerusform>%Ln Eintrag nicht lesbar</numerusform>
+            <numerusform>%Ln Einträge nicht lesbar</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Choose Another Folder</source>
+        <translation>Anderen Ordner auswählen</translation>
+    </message>
+</context>
+<context>
     <name>ResultRow</name>
     <message>
         <source>All</source>
@@ -566,6 +591,21 @@
     <message>
         <source>Others</source>
         <translation>Andere</translation>
+    </message>
+</context>
+<context>
+    <name>RowMenu</name>
+    <message>
+        <source>Preview</source>
+        <translation>Vorschau</translation>
+    </message>
+    <message>
+        <source>Show in Folder</source>
+        <translation>Im Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>Copy Path</source>
+        <translation>Pfad kopieren</translation>
     </message>
 </context>
 <context>
@@ -633,18 +673,6 @@
     <message>
         <source>Reveal selected file in finder</source>
         <translation>Ausgewählte Datei im Ordner zeigen</translation>
-    </message>
-    <message>
-        <source>Click lock to get a higer privileges.</source>
-        <translation>Klicken Sie auf das Schloss, um höhere Rechte zu erhalten.</translation>
-    </message>
-    <message>
-        <source>Administrator right</source>
-        <translation>Administratorrechte</translation>
-    </message>
-    <message>
-        <source>Choose Another Folder</source>
-        <translation>Anderen Ordner auswählen</translation>
     </message>
     <message>
         <source>Remove</source>
@@ -914,18 +942,6 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>Nicht entfernt</translation>
     </message>
     <message>
-        <source>Preview</source>
-        <translation>Vorschau</translation>
-    </message>
-    <message>
-        <source>Show in Folder</source>
-        <translation>Im Ordner zeigen</translation>
-    </message>
-    <message>
-        <source>Copy Path</source>
-        <translation>Pfad kopieren</translation>
-    </message>
-    <message>
         <source>Move to Trash</source>
         <translation>In den Papierkorb verschieben</translation>
     </message>
@@ -948,10 +964,6 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>This folder could not be read.</source>
         <translation>Dieser Ordner konnte nicht gelesen werden.</translation>
-    </message>
-    <message>
-        <source>1 entry could not be read</source>
-        <translation>1 Eintrag nicht lesbar</translation>
     </message>
     <message>
         <source>Could not be read</source>
@@ -978,23 +990,12 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>Ansehen</translation>
     </message>
     <message>
-        <source>Cancel</source>
-        <translation>Abbrechen</translation>
-    </message>
-    <message>
         <source>One folder at a time: only %1 is looked into</source>
         <translation>Immer nur ein Ordner: angesehen wird allein %1</translation>
     </message>
     <message>
         <source>The list is empty. A new scan shows what stayed in this folder.</source>
         <translation>Die Liste ist leer. Was in diesem Ordner geblieben ist, zeigt ein neuer Durchgang.</translation>
-    </message>
-    <message numerus="yes">
-        <source>%Ln entries could not be read</source>
-        <translation>
-            <numerusform>%Ln Eintrag nicht lesbar</numerusform>
-            <numerusform>%Ln Einträge nicht lesbar</numerusform>
-        </translation>
     </message>
 </context>
 <context>
@@ -1006,6 +1007,17 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Select everything</source>
         <translation>Alles auswählen</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::Padlock</name>
+    <message>
+        <source>Administrator right</source>
+        <translation>Administratorrechte</translation>
+    </message>
+    <message>
+        <source>Click lock to get a higer privileges.</source>
+        <translation>Klicken Sie auf das Schloss, um höhere Rechte zu erhalten.</translation>
     </message>
 </context>
 <context>
@@ -1072,22 +1084,6 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>Nicht entfernt</translation>
     </message>
     <message>
-        <source>Click lock to get a higer privileges.</source>
-        <translation>Klicken Sie auf das Schloss, um höhere Rechte zu erhalten.</translation>
-    </message>
-    <message>
-        <source>Preview</source>
-        <translation>Vorschau</translation>
-    </message>
-    <message>
-        <source>Show in Folder</source>
-        <translation>Im Ordner zeigen</translation>
-    </message>
-    <message>
-        <source>Copy Path</source>
-        <translation>Pfad kopieren</translation>
-    </message>
-    <message>
         <source>Tick All but This One</source>
         <translation>Alle außer dieser Datei auswählen</translation>
     </message>
@@ -1123,10 +1119,6 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Cancel</source>
         <translation>Abbrechen</translation>
-    </message>
-    <message>
-        <source>1 entry could not be read</source>
-        <translation>1 Eintrag nicht lesbar</translation>
     </message>
     <message>
         <source>This folder could not be read.</source>
@@ -1196,13 +1188,6 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>
             <numerusform>%Ln Datei erfasst, %1 verglichen</numerusform>
             <numerusform>%Ln Dateien erfasst, %1 verglichen</numerusform>
-        </translation>
-    </message>
-    <message numerus="yes">
-        <source>%Ln entries could not be read</source>
-        <translation>
-            <numerusform>%Ln Eintrag nicht lesbar</numerusform>
-            <numerusform>%Ln Einträge nicht lesbar</numerusform>
         </translation>
     </message>
     <message>

@@ -31,7 +31,7 @@
 #include "services/lifecycle/EndSignals.h"
 #include "services/lifecycle/StartService.h"
 #include "services/settings/SettingsKeeper.h"
-#include "ui/duplicates/registerDuplicatePage.h"
+#include "ui/duplicates/duplicatePage.h"
 #include "ui/kit/dialogs/WindowDialogs.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/kit/look/Translations.h"
@@ -133,7 +133,7 @@ void preparePages(const AppDelegateParts& parts, AppDelegate& delegate) {
     auto& pages = AppPrefsWindowController::sharedPrefsWindowController();
     pages.setOpenAddress(parts.pages.openAddress);
     pages.setOpenHelp([&delegate] { delegate.help(); });
-    registerDuplicatePage(pages, parts.pages);
+    pages.registerPage(duplicatePage(parts.pages));
 }
 
 int runWindow(int argc, char** argv, const StartRequest& request,

@@ -3,8 +3,8 @@
 
 #include "engine/base/NotificationCenter.h"
 #include "services/foundation/QtMainQueue.h"
-#include "ui/duplicates/SameFileDeleteViewController.h"
 #include "ui/kit/dialogs/WindowDialogs.h"
+#include "ui/page/PageServices.h"
 #include "ui/shell/FileIcons.h"
 
 namespace orrinvale {
@@ -18,7 +18,7 @@ struct PageWorkings {
 
     /// Over these files and settings, which outlive the pages too. Nothing is opened outside of the
     /// gallery.
-    [[nodiscard]] SameFileDeleteParts parts(const FileSystem& files, UserDefaults& defaults) {
+    [[nodiscard]] PageServices parts(const FileSystem& files, UserDefaults& defaults) {
         return {.files = &files,
                 .notifications = &notifications,
                 .defaults = &defaults,

@@ -6,7 +6,7 @@
 #include "gallery/PageWorkings.h"
 #include "gallery/drawing.h"
 #include "platform/linux/LinuxFiles.h"
-#include "ui/duplicates/registerDuplicatePage.h"
+#include "ui/duplicates/duplicatePage.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/preferences/AppPrefsWindowController.h"
 
@@ -18,7 +18,7 @@ bool drawToolbar(UserDefaults& defaults, const PictureFolder& pictures) {
     AppPrefsWindowController controller;
     controller.setOpenAddress([](const QString& /*address*/) {});
     controller.setOpenHelp([] {});
-    registerDuplicatePage(controller, workings.parts(files, defaults));
+    controller.registerPage(duplicatePage(workings.parts(files, defaults)));
     controller.showWindow();
     controller.window()->activateWindow();
     QApplication::processEvents();

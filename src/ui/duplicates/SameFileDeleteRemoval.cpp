@@ -6,11 +6,8 @@
 #include <QStackedWidget>
 #include <algorithm>
 
-#include "engine/base/UtilityObject.h"
-#include "engine/base/notices.h"
 #include "engine/cleaning/QnAuthorization.h"
 #include "engine/settings/PreferenceViewController.h"
-#include "services/foundation/runAside.h"
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/duplicates/PageRemoval.h"
 #include "ui/duplicates/ResultOutline.h"
@@ -28,6 +25,7 @@
 #include "ui/kit/dialogs/LineList.h"
 #include "ui/kit/dialogs/removalWords.h"
 #include "ui/kit/look/picture.h"
+#include "ui/page/Padlock.h"
 
 namespace orrinvale {
 namespace {
@@ -43,7 +41,7 @@ std::shared_ptr<RemovalPlan> planOf(const FileSystem& files,
 }  // namespace
 
 void SameFileDeleteViewController::removeBtnClicked() {
-    if (!m_bSearchFinished || m_selection.allSelectNumArr().empty()) return;
+    if (!bSearchFinished() || m_selection.allSelectNumArr().empty()) return;
     // What was ticked when the person confirms is what goes.
     // Not what a later search may have put in its place.
     m_parts.dialogs->alert(m_mainWindow, questionAboutTicked(),
@@ -54,22 +52,16 @@ void SameFileDeleteViewController::removeBtnClicked() {
 }
 
 void SameFileDeleteViewController::alertEnded_aContext(int code) {
-    if (code != 1 || !m_bSearchFinished || m_selection.allSelectNumArr().empty()) return;
+    if (code != 1 || !bSearchFinished() || m_selection.allSelectNumArr().empty()) return;
     finishSorting();
     m_removal = std::make_unique<PageRemoval>();
     m_removal->ticked = m_selection.allSelectNumArr().entries();
-    m_bSearchFinished = false;
-    m_views->stopBtn->setEnabled(false);
+    enter(State::Agreed);
     QTimer::singleShot(500, this, [this] { doRemoveDuplicateAction(); });
 }
 
 void SameFileDeleteViewController::doRemoveDuplicateAction() {
-    for (QWidget* const control :
-         {static_cast<QWidget*>(m_views->searchBtn), static_cast<QWidget*>(m_views->openBtn),
-          static_cast<QWidget*>(m_views->RevealFinder), static_cast<QWidget*>(m_views->lockButton)})
-        control->setEnabled(false);
     delDuplicateItems();
-    m_views->stopBtn->setEnabled(false);
     const QWidget& basket = *m_views->trashBtn;
     showDisappearingEffect(*m_views->detailView,
                            basket.mapTo(m_views->detailView, basket.rect().center()));
@@ -77,16 +69,10 @@ void SameFileDeleteViewController::doRemoveDuplicateAction() {
 
 void SameFileDeleteViewController::delDuplicateItems() {
     SameFileDeleteViews& views = *m_views;
-    m_isClickStopRemove = false;
+    views.searchBtn->setEnabled(false);
     views.showLoadPathInDetail();
-    views.loadPathView->show();
     views.content->setCurrentWidget(views.removalView);
-    views.removedLine->hide();
-    views.failureLine->hide();
-    views.stopBtn->hide();
-    views.stopRemoveBtn->setEnabled(true);
-    views.stopRemoveBtn->show();
-    views.backButton->setEnabled(false);
+    enter(State::Removing);
     finishSorting();
     m_model->setTree(nullptr);  // the tree changes under the hidden list
     m_progressNum = 1;
@@ -147,11 +133,10 @@ void SameFileDeleteViewController::refreshOutlineView(
 void SameFileDeleteViewController::deleteFinished() {
     SameFileDeleteViews& views = *m_views;
     m_removalTimer.stop();
-    views.stopBtn->show();
     views.searchBtn->setEnabled(true);
     views.searchBtn->setIcon(picture(QStringLiteral("scan_b_normal")));
     TickedLeaves& selected = m_selection.allSelectNumArr();
-    if (m_isClickStopRemove) selected.clear();
+    if (m_state == State::StoppingRemoval) selected.clear();
     else selected.removeAll(m_removal->delNodesArr);
 
     m_treeData = m_results.tree(static_cast<std::size_t>(m_remberWitchSelect));
@@ -159,25 +144,8 @@ void SameFileDeleteViewController::deleteFinished() {
     alertCanNotRemoveSome();
     changeAllSelectCheckBoxState();
     updateCheckBox();
-    m_isClickStopRemove = false;
-    m_bSearchFinished = true;
-
-    for (QWidget* const hidden : {views.loadPathView, static_cast<QWidget*>(views.animation),
-                                  static_cast<QWidget*>(views.stopRemoveBtn)})
-        hidden->hide();
-    for (QWidget* const shown :
-         {static_cast<QWidget*>(views.titleLabel), static_cast<QWidget*>(views.openBtn),
-          static_cast<QWidget*>(views.RevealFinder), static_cast<QWidget*>(views.pathChoseBtn)})
-        shown->show();
-    for (QWidget* const enabled :
-         {static_cast<QWidget*>(views.pathChoseBtn),
-          static_cast<QWidget*>(views.animationHoverImageView),
-          static_cast<QWidget*>(views.openBtn), static_cast<QWidget*>(views.RevealFinder),
-          static_cast<QWidget*>(views.lockButton), static_cast<QWidget*>(views.backButton)})
-        enabled->setEnabled(true);
-    views.nameTextStr->setText(QStringLiteral(" "));
-    views.imageView->clear();
-    views.countsLabel->clear();
+    enter(State::Result);
+    views.clearLoadPath();
     showFitting();
     setSelectCount();
     // The buttons that may have had it are gone or disabled.
@@ -196,84 +164,32 @@ void SameFileDeleteViewController::alertCanNotRemoveSome() {
     m_parts.dialogs->alert(m_mainWindow, alert, [self = QPointer(this)](int /*button*/) {
         if (self == nullptr) return;
         self->m_views->animation->stopUnlockAnimation(self->m_views->lockButton);
-        self->changeLockState();
+        self->m_views->lockButton->showRight();
         self->setSelectCount();
     });
 }
 
 void SameFileDeleteViewController::showRemovalEnded() {
     const RemovalOutcome outcome = m_removal ? m_removal->outcome : RemovalOutcome{};
-    m_views->removedLine->setText(removedText(outcome));
-    m_views->removedLine->setVisible(outcome.removed != 0);
-    m_views->failureLine->setText(stayedText(outcome));
-    m_views->failureLine->setVisible(outcome.failed != 0);
+    ResultFrame::showLine(*m_views->removedLine, removedText(outcome));
+    ResultFrame::showLine(*m_views->failureLine, stayedText(outcome));
 }
 
 void SameFileDeleteViewController::showFailures() {
-    if (!m_removal || !m_bSearchFinished) return;
+    if (!m_removal || !bSearchFinished()) return;
     showLineList(m_mainWindow, tr("Could not be removed"),
                  linesByReason(m_removal->outcome.stayed));
 }
 
 void SameFileDeleteViewController::stopRemoveBtnClicked() {
-    if (!m_removal || !m_removal->job || m_bSearchFinished) return;
+    if (!m_removal || !m_removal->job || bSearchFinished()) return;
     m_removal->job->stop();
-    m_isClickStopRemove = true;
-    m_views->stopRemoveBtn->setEnabled(false);
-    m_views->titleLabel->hide();
-    m_views->stopBtn->show();
-    m_views->animation->show();
-    for (QWidget* const hidden :
-         {static_cast<QWidget*>(m_views->pathChoseBtn), static_cast<QWidget*>(m_views->openBtn),
-          static_cast<QWidget*>(m_views->RevealFinder)})
-        hidden->hide();
+    enter(State::StoppingRemoval);
 }
 
-// The person's answer may take minutes, so that the wait is on a worker; the padlock rests
-// meanwhile.
 void SameFileDeleteViewController::unlockRigths() {
-    if (!m_bSearchFinished || m_unlocking != nullptr) {
-        changeLockState();
-        return;
-    }
-    UtilityObject& shared = UtilityObject::getMyObject();
-    if (!m_views->lockButton->isChecked()) {
-        QnAuthorization::shareQnAuthorization().freeAuthorization();
-        shared.setIsOpenLocked(false);
-        notice::changeLockState.post(*m_parts.notifications);
-        return;
-    }
-    m_views->lockButton->setEnabled(false);
-    // The answer is the whole program's, also when this page has gone meanwhile.
-    m_unlocking = runAside(
-        QCoreApplication::instance(), "allocAuthorization",
-        [] { return QnAuthorization::shareQnAuthorization().allocAuthorization(); },
-        [self = QPointer(this), notifications = m_parts.notifications](bool granted) {
-            UtilityObject::getMyObject().setIsOpenLocked(granted);
-            if (self != nullptr) {
-                self->m_unlocking.reset();
-                self->m_views->lockButton->setEnabled(self->m_bSearchFinished);
-                self->m_views->lockButton->setFocus();  // it lost the keyboard while it rested
-            }
-            notice::changeLockState.post(*notifications);
-        });
-    if (m_unlocking == nullptr) {
-        m_views->lockButton->setEnabled(true);
-        changeLockState();
-    }
-}
-
-void SameFileDeleteViewController::changeLockState() {
-    const bool isOpen = UtilityObject::getMyObject().isOpenLocked;
-    TCImageButton& padlock = *m_views->lockButton;
-    padlock.setChecked(isOpen);
-    padlock.setImage(isOpen ? QStringLiteral("ic_unlock") : QStringLiteral("ic_lock"));
-    padlock.setIconSize({20, 20});
-    const std::string refusal =
-        isOpen ? std::string() : QnAuthorization::shareQnAuthorization().refusalText();
-    QString toolTip = tr("Click lock to get a higer privileges.");
-    if (!refusal.empty()) toolTip += QLatin1Char('\n') + QString::fromStdString(refusal);
-    padlock.setToolTip(toolTip);
+    if (bSearchFinished()) m_views->lockButton->toggleRight();
+    else m_views->lockButton->showRight();
 }
 
 }  // namespace orrinvale

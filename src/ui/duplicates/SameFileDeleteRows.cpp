@@ -1,7 +1,5 @@
 // SameFileDeleteViewController: what is done with one row: choosing, opening, showing, sorting, and
 // its menu.
-#include <QClipboard>
-#include <QGuiApplication>
 #include <QHeaderView>
 #include <QMenu>
 #include <chrono>
@@ -10,6 +8,7 @@
 #include "ui/duplicates/ResultOutline.h"
 #include "ui/duplicates/SameFileDeleteViewController.h"
 #include "ui/duplicates/SameFileDeleteViews.h"
+#include "ui/page/rowMenu.h"
 
 namespace orrinvale {
 
@@ -29,7 +28,7 @@ std::string SameFileDeleteViewController::pathOf(const QModelIndex& index) const
 }
 
 std::string SameFileDeleteViewController::previewBeside(int step) {
-    if (!m_bSearchFinished) return {};
+    if (!bSearchFinished()) return {};
     QTreeView& outline = *m_views->outline;
     QModelIndex row = outline.currentIndex();
     const std::string shown = pathOf(row);
@@ -41,12 +40,12 @@ std::string SameFileDeleteViewController::previewBeside(int step) {
 }
 
 void SameFileDeleteViewController::openFinderBtnClicked() {
-    if (!m_bSearchFinished || m_openItemPath.empty() || m_delegate == nullptr) return;
+    if (!bSearchFinished() || m_openItemPath.empty() || m_delegate == nullptr) return;
     m_delegate->pereviewFileWithFileNodePath(m_openItemPath);
 }
 
 void SameFileDeleteViewController::RevealInFinderBtnClicked() {
-    if (!m_bSearchFinished || m_openItemPath.empty() || !m_parts.reveal) return;
+    if (!bSearchFinished() || m_openItemPath.empty() || !m_parts.reveal) return;
     m_parts.reveal(m_openItemPath);
 }
 
@@ -110,19 +109,14 @@ QIcon SameFileDeleteViewController::iconOf(const TreeNode& node) const {
 
 void SameFileDeleteViewController::showRowMenu(const QModelIndex& index, QPoint position) {
     const TreeNode::Pointer node = m_model->node(index);
-    if (!node || !simpleData(*node)->isLeaf() || !m_bSearchFinished) return;
-    const std::string path = simpleData(*node)->name();
-    auto* const menu = new QMenu(m_views->detailView);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->addAction(tr("Preview"), this, [this] { openFinderBtnClicked(); });
-    menu->addAction(tr("Show in Folder"), this, [this] { RevealInFinderBtnClicked(); });
-    menu->addAction(tr("Copy Path"), this, [path] {
-        QGuiApplication::clipboard()->setText(QString::fromStdString(path));
-    });
-    menu->addSeparator();
+    if (!node || !simpleData(*node)->isLeaf() || !bSearchFinished()) return;
+    QMenu* const menu = makeRowMenu(m_views->detailView, *this,
+                                    {.preview = [this] { openFinderBtnClicked(); },
+                                     .reveal = [this] { RevealInFinderBtnClicked(); },
+                                     .path = [path = simpleData(*node)->name()] { return path; }});
     menu->addAction(
         tr("Tick All but This One"), this, [this, leaf = node, number = m_resultNumber] {
-            if (!m_bSearchFinished || number != m_resultNumber || leaf->nodeParent() == nullptr)
+            if (!bSearchFinished() || number != m_resultNumber || leaf->nodeParent() == nullptr)
                 return;
             m_selection.tickAllBut(*leaf);
             setRemoveButtonState();

@@ -30,6 +30,10 @@ QString selectedText(std::size_t selected, bool isAnything) {
                : SameFileDeleteViewController::tr("selected %n file in All", nullptr, number);
 }
 
+QString titleText(const QString& count, const QString& selected) {
+    return QStringLiteral("%1, %2.").arg(count, selected);
+}
+
 }  // namespace
 
 QString SameFileDeleteViewController::rowLabel(std::int32_t row) const {
@@ -62,24 +66,20 @@ void SameFileDeleteViewController::refViewBgColor(std::int32_t row) {
 
 void SameFileDeleteViewController::showSelectCountWithFileCount(std::size_t count,
                                                                 const QString& pathName) {
-    const QString first = tr("%n files in %1", nullptr, static_cast<int>(count)).arg(pathName);
-    const QString second = selectedText(m_selection.allSelectNumArr().size(), count != 0);
-    m_views->titleLabel->setText(QStringLiteral("%1, %2.").arg(first, second));
-    m_views->titleLabel->setToolTip(first);
+    m_viewCount = tr("%n files in %1", nullptr, static_cast<int>(count)).arg(pathName);
+    m_views->titleLabel->setText(
+        titleText(m_viewCount, selectedText(m_selection.allSelectNumArr().size(), count != 0)));
+    m_views->titleLabel->setToolTip(m_viewCount);
 }
 
 void SameFileDeleteViewController::setSelectCount() {
-    // What stands before the first comma is the count of the view; a folder with a comma in its
-    // name loses its tail here.
-    const QString first = m_views->titleLabel->text().section(QLatin1Char(','), 0, 0);
     const std::size_t selected = m_selection.allSelectNumArr().size();
-    m_views->titleLabel->setText(
-        QStringLiteral("%1, %2.").arg(first, selectedText(selected, selected != 0)));
+    m_views->titleLabel->setText(titleText(m_viewCount, selectedText(selected, selected != 0)));
 }
 
 void SameFileDeleteViewController::boxClicked(const TreeNode::Pointer& node,
                                               const QModelIndex& index) {
-    if (!m_bSearchFinished) return;
+    if (!bSearchFinished()) return;
     m_checkBoxItem = index;
     finishSorting();
     if (simpleData(*node)->isGroup()) {
@@ -119,7 +119,7 @@ void SameFileDeleteViewController::alertEnded_context(int code, const TreeNode::
                                                       std::uint64_t resultNumber) {
     // The tree, or the leaf's place in it, may have gone while the question stood.
     if (code != 1 || resultNumber != m_resultNumber || leaf->nodeParent() == nullptr ||
-        !m_bSearchFinished)
+        !bSearchFinished())
         return;
     m_selection.tickLast(leaf);
     changeAllSelectCheckBoxState();
@@ -137,13 +137,13 @@ void SameFileDeleteViewController::fly(const TreeNode::Pointer& leaf) {
 }
 
 void SameFileDeleteViewController::callBackDeleteItemWithIndex() {
-    if (!m_bSearchFinished) return;
+    if (!bSearchFinished()) return;
     setRemoveButtonState();
     setSelectCount();
 }
 
 void SameFileDeleteViewController::setRemoveButtonState() {
-    m_views->stopBtn->setEnabled(m_bSearchFinished && !m_selection.allSelectNumArr().empty());
+    m_views->stopBtn->setEnabled(bSearchFinished() && !m_selection.allSelectNumArr().empty());
     showGain();
 }
 
@@ -216,7 +216,7 @@ void SameFileDeleteViewController::setAllSelectOrNoSelect() {
     // ticks made by hand.
     const bool wasClear = m_treeData == nullptr || !DuplicateSelection::hasTicks(*m_treeData);
     const bool on = wasClear || !isTickedByHeader();
-    if (m_treeData == nullptr || m_treeData->numberOfChildren() == 0 || !m_bSearchFinished) {
+    if (m_treeData == nullptr || m_treeData->numberOfChildren() == 0 || !bSearchFinished()) {
         showHeaderBox({});
         return;
     }
@@ -232,7 +232,7 @@ void SameFileDeleteViewController::setAllSelectOrNoSelect() {
 void SameFileDeleteViewController::updateCheckBox() {
     // After a stop nothing is selected any more, in whatever view it was ticked; else what failed
     // stays ticked in the other views.
-    TreeNode* const cleared = m_isClickStopRemove ? m_results.tree(0) : m_treeData;
+    TreeNode* const cleared = m_state == State::StoppingRemoval ? m_results.tree(0) : m_treeData;
     if (cleared != nullptr) m_selection.clearTree(*cleared);
     m_selection.allSelectNumArr().removeOrphans();
     m_selection.recount();

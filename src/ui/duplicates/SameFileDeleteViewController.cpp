@@ -31,9 +31,9 @@
 #include "ui/kit/controls/TickBox.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/pathText.h"
-#include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/dialogs/LineList.h"
 #include "ui/kit/look/picture.h"
+#include "ui/page/Padlock.h"
 
 namespace orrinvale {
 namespace {
@@ -57,14 +57,27 @@ QString bytesToText(const std::string& bytes) { return QString::fromStdString(by
 
 }  // namespace
 
-SameFileDeleteViewController::SameFileDeleteViewController(SameFileDeleteParts parts,
-                                                           QObject* parent)
+SameFileDeleteViewController::SameFileDeleteViewController(PageServices services, QObject* parent)
     : QObject(parent),
-      m_parts(std::move(parts)),
+      m_parts(std::move(services)),
       m_views(std::make_unique<SameFileDeleteViews>(*m_parts.notifications)),
       m_model(std::make_unique<DuplicateResultModel>(
           m_parts.icons, [this](const TreeNode::Pointer& node,
                                 const QModelIndex& index) { boxClicked(node, index); })),
+      m_entrance(m_parts, *this,
+                 {.isFree = [this] { return bSearchFinished(); },
+                  .wouldForget =
+                      [this] {
+                          return !m_selection.allSelectNumArr().empty() &&
+                                 m_views->detailView->isVisible();
+                      },
+                  .take = [this](const std::string& path,
+                                 bool isOneOfSeveral) { searchFolder(path, isOneOfSeveral); }},
+                 {.title = tr("Search another folder?"),
+                  .text = tr("What is ticked here is forgotten, and nothing is removed. To be "
+                             "searched: %1"),
+                  .yes = tr("Search")}),
+      m_controls(stateTable()),
       m_flight(*m_views->detailView) {
     m_views->outline->setModel(m_model.get());
     for (DragView* const area : {m_views->dragView, m_views->resultDragView})
@@ -76,21 +89,19 @@ SameFileDeleteViewController::SameFileDeleteViewController(SameFileDeleteParts p
     connectControls();
     m_observations.push_back(notice::refViewBgColor.observe(
         *m_parts.notifications, [this](ChosenRow chosen) { refViewBgColor(chosen.row); }));
-    m_observations.push_back(
-        notice::changeLockState.observe(*m_parts.notifications, [this] { changeLockState(); }));
-    changeLockState();
+    enter(State::Start);
 }
 
 SameFileDeleteViewController::~SameFileDeleteViewController() {
     if (m_duplicateOpt) m_duplicateOpt->stopSearch();
     m_model->setTree(nullptr);
     if (m_views->fristView != nullptr) m_views->dragView->setDelegate(nullptr);
-    if (m_views->detailView != nullptr) m_views->resultDragView->setDelegate(nullptr);
+    if (m_views->resultView != nullptr) m_views->resultDragView->setDelegate(nullptr);
 }
 
 QWidget* SameFileDeleteViewController::view() const { return m_views->fristView; }
 QWidget* SameFileDeleteViewController::progressageView() const { return m_views->progressageView; }
-QWidget* SameFileDeleteViewController::detailView() const { return m_views->detailView; }
+QWidget* SameFileDeleteViewController::detailView() const { return m_views->resultView; }
 
 void SameFileDeleteViewController::connectControls() {
     using Self = SameFileDeleteViewController;
@@ -107,6 +118,7 @@ void SameFileDeleteViewController::connectControls() {
     connect(views.stopBtn, &QAbstractButton::clicked, this, &Self::removeBtnClicked);
     connect(views.stopRemoveBtn, &QAbstractButton::clicked, this, &Self::stopRemoveBtnClicked);
     connect(views.lockButton, &QAbstractButton::clicked, this, &Self::unlockRigths);
+    connect(views.lockButton, &Padlock::answered, this, [this] { enter(m_state); });
     connect(views.logoButton, &QAbstractButton::clicked, this, &Self::openHttpOfQuennet);
     connect(views.quietLine, &QAbstractButton::clicked, this, &Self::showSkipped);
     connect(views.failureLine, &QAbstractButton::clicked, this, &Self::showFailures);
@@ -124,42 +136,44 @@ void SameFileDeleteViewController::connectControls() {
     connect(&m_removalTimer, &QTimer::timeout, this, &Self::deleteUpView);
 }
 
-void SameFileDeleteViewController::clickScanBtn() {
-    if (!m_bSearchFinished) return;
-    PathChoice choice;
-    choice.directory = m_searchPath;
-    choice.withSeveral = true;
-    m_parts.dialogs->choosePaths(m_mainWindow, choice,
-                                 [self = QPointer(this)](std::vector<std::string> paths) {
-                                     if (self != nullptr && !paths.empty())
-                                         self->searchFolder(paths.front(), paths.size() > 1);
-                                 });
+// A control of the removal stands in the detail view, one of the search in the progress view, so
+// that a state of the one says little of the other's.
+StateTable SameFileDeleteViewController::stateTable() const {
+    using enum Look;
+    const SameFileDeleteViews& views = *m_views;
+    // Start, Searching, Stopping, Stopped, Ending, Result, Agreed, Removing, StoppingRemoval
+    return {
+        {views.pathChoseBtn, {On, Off, Off, On, Off, On, On, On, Hidden}},
+        {views.animationHoverImageView, {On, Off, Off, On, Off, On, On, On, On}},
+        {views.stopScanBtn, {On, On, Off, Hidden, Off, Hidden, Hidden, Hidden, Hidden}},
+        {views.animation, {On, On, Hidden, Hidden, On, Hidden, Hidden, Hidden, On}},
+        {views.loadPathView, {On, On, On, Hidden, On, Hidden, Hidden, On, On}},
+        {views.rightImageView, {On, Hidden, Hidden, On, Hidden, On, On, On, On}},
+        {views.btnBgView, {On, Hidden, Hidden, On, Hidden, On, On, On, On}},
+        {views.openBtn, {On, On, On, On, On, On, On, Off, Hidden}},
+        {views.RevealFinder, {On, On, On, On, On, On, On, Off, Hidden}},
+        {views.lockButton, {On, On, On, On, On, On, On, Off, Off}},
+        {views.backButton, {On, On, On, On, On, On, On, Off, Off}},
+        {views.titleLabel, {On, On, On, On, On, On, On, On, Hidden}},
+        {views.removedLine, {Kept, Kept, Kept, Kept, Kept, Kept, Kept, Hidden, Hidden}},
+        {views.failureLine, {Kept, Kept, Kept, Kept, Kept, Kept, Kept, Hidden, Hidden}},
+        {views.stopRemoveBtn, {Hidden, Hidden, Hidden, Hidden, Hidden, Hidden, Hidden, On, Off}},
+        {views.stopBtn, {Off, Off, Off, Shown, Shown, Shown, Off, Hidden, Off}},
+    };
 }
 
-void SameFileDeleteViewController::folderDropped(const std::string& path, bool isOneOfSeveral) {
-    const auto attributes =
-        m_parts.files->attributes(FileSystem::noParent, path.c_str(), Links::Follow);
-    if (!attributes || attributes->type != FileType::Folder || !m_bSearchFinished) return;
-    if (m_selection.allSelectNumArr().empty() || !m_views->detailView->isVisible()) {
-        searchFolder(path, isOneOfSeveral);
-        return;
-    }
-    Alert question;
-    question.title = tr("Search another folder?");
-    question.text =
-        tr("What is ticked here is forgotten, and nothing is removed. To be searched: %1")
-            .arg(onOneLine(bytesToText(path)));
-    question.buttons = QStringList{tr("Search"), tr("Cancel")};
-    question.cancelButton = 1;
-    m_parts.dialogs->alert(m_mainWindow, question,
-                           [self = QPointer(this), path, isOneOfSeveral](int button) {
-                               if (self != nullptr && button == 0)
-                                   self->searchFolder(path, isOneOfSeveral);
-                           });
+void SameFileDeleteViewController::enter(State state) {
+    m_state = state;
+    m_controls.apply(state);
+    m_views->lockButton->restWhileAsking();
+}
+
+void SameFileDeleteViewController::clickScanBtn() {
+    if (bSearchFinished()) m_entrance.choose(m_mainWindow, m_searchPath);
 }
 
 void SameFileDeleteViewController::searchFolder(const std::string& path, bool isOneOfSeveral) {
-    if (!m_bSearchFinished) return;
+    if (!bSearchFinished()) return;
     updatePathString(path);
     for (QLabel* const label :
          {m_views->onlyOneLabel, static_cast<QLabel*>(m_views->onlyOneNote)}) {
@@ -171,7 +185,6 @@ void SameFileDeleteViewController::searchFolder(const std::string& path, bool is
 }
 
 void SameFileDeleteViewController::updatePathString(const std::string& path) {
-    m_isStopScan = false;
     showPercent(0);
     m_searchPath = path;
     const QString shown = bytesToText(path);
@@ -192,22 +205,11 @@ void SameFileDeleteViewController::backViewForAnimation() {
 }
 
 void SameFileDeleteViewController::searchBtnClicked() {
-    if (!m_bSearchFinished) return;
+    if (!bSearchFinished()) return;
     SameFileDeleteViews& views = *m_views;
-    m_bSearchFinished = false;
     views.showLoadPathInProgress();
-    views.rightImageView->hide();
-    views.loadPathView->show();
-    views.outline->hide();
     views.animation->baseNumberSetPrograss(5);
-    views.pathChoseBtn->setEnabled(false);
-    views.animationHoverImageView->setEnabled(false);
-    views.btnBgView->hide();
-    views.searchBtn->hide();
-    views.stopScanBtn->setEnabled(true);
-    views.stopScanBtn->show();
-    views.animation->show();
-    views.stopBtn->setEnabled(false);
+    enter(State::Searching);
     views.animation->startUpdatePrograss();
     m_tickedByHeader.reset();
     showHeaderBox({});
@@ -284,7 +286,7 @@ void SameFileDeleteViewController::showPercent(int percent) {
 }
 
 void SameFileDeleteViewController::searchFinished(ResultViews found) {
-    m_views->stopScanBtn->setEnabled(false);
+    if (m_state == State::Searching) enter(State::Ending);
     m_twDuplicateSearch.reset();
     m_results = std::move(found);
     constructSubtrees();
@@ -302,27 +304,17 @@ void SameFileDeleteViewController::constructSubtrees() {
 
 void SameFileDeleteViewController::delayBtnChangeStateTime() {
     SameFileDeleteViews& views = *m_views;
-    m_bSearchFinished = true;
-    for (QWidget* const hidden :
-         {views.loadPathView, static_cast<QWidget*>(views.animation),
-          static_cast<QWidget*>(views.searchBtn), static_cast<QWidget*>(views.stopScanBtn)})
-        hidden->hide();
+    enter(m_state == State::Stopping ? State::Stopped : State::Result);
     showFitting();
-    views.btnBgView->show();
-    views.rightImageView->show();
     views.searchBtn->setEnabled(false);
-    views.pathChoseBtn->setEnabled(true);
-    views.animationHoverImageView->setEnabled(true);
     showSameFileSize();
     m_newTimer.stop();
-    views.nameTextStr->setText(QStringLiteral(" "));
-    views.imageView->clear();
-    views.countsLabel->clear();
+    views.clearLoadPath();
     if (!m_duplicateScaned) {
         notice::changeViewActionForDuplicate.post(*m_parts.notifications);
         m_duplicateScaned = true;
     }
-    if (m_isStopScan || m_delegate == nullptr) return;
+    if (isStopScan() || m_delegate == nullptr) return;
     m_delegate->changeToDetailView();
     m_views->content->currentWidget()->setFocus();
 }
@@ -333,17 +325,13 @@ void SameFileDeleteViewController::showFitting() {
     SameFileDeleteViews& views = *m_views;
     const auto search = m_duplicateOpt ? m_duplicateOpt->search() : nullptr;
     const std::size_t skipped = search ? search->skipped().entries().size() : 0;
-    views.quietLine->setVisible(skipped != 0);
-    views.quietLine->setText(
-        skipped == 1 ? tr("1 entry could not be read")
-                     : tr("%Ln entries could not be read", nullptr, static_cast<int>(skipped)));
+    views.showSkipped(skipped);
     showRemovalEnded();
     const bool isEmpty = m_results.tree(0) == nullptr || m_results.tree(0)->numberOfChildren() == 0;
     const bool removedAll = isEmpty && m_removal != nullptr;
     views.emptyLabel->setText(search && search->rootError() ? tr("This folder could not be read.")
                               : removedAll                  ? tr("No duplicates are left here.")
                                            : tr("No two files here are the same."));
-    views.outline->show();
     views.content->setCurrentWidget(isEmpty ? views.emptyView
                                             : static_cast<QWidget*>(views.outline));
 }
@@ -355,19 +343,17 @@ void SameFileDeleteViewController::showSkipped() {
 }
 
 void SameFileDeleteViewController::stopScanBtnClicked() {
-    m_isStopScan = true;
+    if (m_state == State::Searching) enter(State::Stopping);
     m_views->searchBtn->setEnabled(false);
-    m_views->stopScanBtn->setEnabled(false);
-    m_views->animation->hide();
     m_newTimer.stop();
     if (m_duplicateOpt) m_duplicateOpt->stopSearch();
     QTimer::singleShot(1500, this, [this] {
-        if (m_isStopScan) backViewForAnimation();  // unless the next search has begun meanwhile
+        if (isStopScan()) backViewForAnimation();  // unless the next search has begun meanwhile
     });
 }
 
 void SameFileDeleteViewController::backButtonAction() {
-    if (m_bSearchFinished) backViewForAnimation();
+    if (bSearchFinished()) backViewForAnimation();
 }
 
 void SameFileDeleteViewController::showSameFileSize() {

@@ -27,10 +27,13 @@
 #include "platform/files.h"
 #include "ui/kit/controls/DragView.h"
 #include "ui/kit/controls/PathAnimation.h"
+#include "ui/page/FolderEntrance.h"
+#include "ui/page/Page.h"
+#include "ui/page/PageServices.h"
+#include "ui/page/StateTable.h"
 
 namespace orrinvale {
 
-class Dialogs;
 struct Alert;
 class DuplicateFilesOpt;
 class DuplicateResultModel;
@@ -40,71 +43,61 @@ class UserDefaults;
 struct PageRemoval;
 
 /// What the page asks of the window that it stands in.
-class SameFileDeleteViewControllerDelegate {
+class SameFileDeleteViewControllerDelegate : public PageDelegate {
 public:
-    virtual ~SameFileDeleteViewControllerDelegate() = default;
     virtual void changeToProgressView() {}
     virtual void changeToDetailView() {}
     virtual void backButtonAction() {}
-    /// Exact bytes; of a group those of its first copy.
-    virtual void pereviewFileWithFileNodePath(const std::string& path) { static_cast<void>(path); }
-
-protected:
-    SameFileDeleteViewControllerDelegate() = default;
-    SameFileDeleteViewControllerDelegate(const SameFileDeleteViewControllerDelegate&) = default;
-    SameFileDeleteViewControllerDelegate& operator=(const SameFileDeleteViewControllerDelegate&) =
-        default;
-};
-
-/// What the page works with. Nothing of it is owned; all of it outlives the page.
-struct SameFileDeleteParts {
-    const FileSystem* files = nullptr;
-    NotificationCenter* notifications = nullptr;
-    UserDefaults* defaults = nullptr;
-    Dialogs* dialogs = nullptr;
-    MainQueue* mainQueue = nullptr;
-    std::string stateFolder;  ///< where removals keep their journal; empty: nothing is set aside
-    std::function<QIcon(const IconRequest&)> icons;
-    std::function<void(const std::string& path)>
-        reveal;  ///< shows the entry in the desktop's file manager
-    std::function<void(const QString& address)> openAddress;  ///< opens a web page
 };
 
 /// Main thread only. A search or a removal under way when the page ends is asked to stop, and its
 /// thread ends by itself.
 class SameFileDeleteViewController final : public QObject,
+                                           public Page,
                                            private DragViewDelegate,
                                            private PathAnimationDelegate {
     Q_OBJECT
 public:
-    explicit SameFileDeleteViewController(SameFileDeleteParts parts, QObject* parent = nullptr);
+    explicit SameFileDeleteViewController(PageServices services, QObject* parent = nullptr);
     ~SameFileDeleteViewController() override;
 
-    [[nodiscard]] QWidget* view() const;
+    [[nodiscard]] QWidget* view() const override;
     [[nodiscard]] QWidget* progressageView() const;
     [[nodiscard]] QWidget* detailView() const;
 
-    void setMainWindow(QWidget* window) { m_mainWindow = window; }
+    void setMainWindow(QWidget* window) override { m_mainWindow = window; }
     void setDelegate(SameFileDeleteViewControllerDelegate* delegate) {
         m_delegate = delegate;
     }  ///< not owned
 
     [[nodiscard]] bool duplicateScaned() const { return m_duplicateScaned; }
     void setDuplicateScaned(bool scaned) { m_duplicateScaned = scaned; }
-    [[nodiscard]] bool bSearchFinished() const { return m_bSearchFinished; }
+    /// Nothing runs, so that ticks, rows and folders can be had.
+    [[nodiscard]] bool bSearchFinished() const {
+        return m_state == State::Start || m_state == State::Stopped || m_state == State::Result;
+    }
     /// From half a second after the person's yes, when the first entry goes, to the end of the
     /// removal.
-    [[nodiscard]] bool isRemoving() const { return m_removalTimer.isActive(); }
+    [[nodiscard]] bool isRemoving() const override {
+        return m_state == State::Removing || m_state == State::StoppingRemoval;
+    }
+    [[nodiscard]] bool isBusy() const override { return !bSearchFinished(); }
+    void giveUp() override { stopRemoveBtnClicked(); }
+    void chooseFolder() override { clickScanBtn(); }
     [[nodiscard]] const std::string& searchPath() const { return m_searchPath; }
 
     /// Searches a folder, as if it had been dropped. Does nothing when it is none, or while
     /// something runs. Where the result on the screen has ticks the person is asked first.
-    void viewDragAction(const std::string& path) override { folderDropped(path, false); }
-    void viewDragActionOfSeveral(const std::string& path) override { folderDropped(path, true); }
+    void viewDragAction(const std::string& path) override { takeFolder(path); }
+    void viewDragActionOfSeveral(const std::string& path) override {
+        m_entrance.drop(m_mainWindow, path, true);
+    }
+    void takeFolder(const std::string& path) override {
+        m_entrance.drop(m_mainWindow, path, false);
+    }
 
-    /// Goes on to the next row that stands for another file, or with -1 to the one before, and
-    /// gives its path; empty where there is none.
-    [[nodiscard]] std::string previewBeside(int step);
+    /// The next row is one that stands for another file.
+    [[nodiscard]] std::string previewBeside(int step) override;
 
 public Q_SLOTS:
     void clickScanBtn();
@@ -120,9 +113,26 @@ public Q_SLOTS:
     void openHttpOfQuennet();
 
 private:
+    /// In the order of the columns in stateTable().
+    enum class State : std::uint8_t {
+        Start,
+        Searching,
+        Stopping,  ///< the person has stopped the search
+        Stopped,   ///< and it has ended
+        Ending,    ///< a search that nobody stopped has ended, its result comes within a second
+        Result,
+        Agreed,  ///< what is ticked goes within half a second
+        Removing,
+        StoppingRemoval,
+    };
+    void enter(State state);
+    [[nodiscard]] StateTable stateTable() const;
+    [[nodiscard]] bool isStopScan() const {
+        return m_state == State::Stopping || m_state == State::Stopped;
+    }
+
     // Search.
     void connectControls();
-    void folderDropped(const std::string& path, bool isOneOfSeveral);
     void searchFolder(const std::string& path, bool isOneOfSeveral);
     void updatePathString(const std::string& path);
     void forwardViewForAnimation();
@@ -170,7 +180,6 @@ private:
     void showRemovalEnded();
     void alertCanNotRemoveSome();
     void showFailures();
-    void changeLockState();
 
     // One row.
     void shouldSelectItem(const QModelIndex& index);
@@ -183,11 +192,15 @@ private:
     void showRowMenu(const QModelIndex& index, QPoint position);
     [[nodiscard]] QIcon iconOf(const TreeNode& node) const;
 
-    SameFileDeleteParts m_parts;
+    const PageServices m_parts;
     std::unique_ptr<SameFileDeleteViews> m_views;
     std::unique_ptr<DuplicateResultModel> m_model;
     SameFileDeleteViewControllerDelegate* m_delegate = nullptr;
     QPointer<QWidget> m_mainWindow;
+    FolderEntrance m_entrance;
+    const StateTable m_controls;
+    State m_state = State::Start;
+    QString m_viewCount;  // the first half of the title: how many files the view has
     std::vector<NotificationCenter::Observation> m_observations;
 
     ResultViews m_results;
@@ -200,7 +213,6 @@ private:
     std::int32_t m_remberWitchSelect = 0;
     std::shared_ptr<DuplicateFilesOpt> m_duplicateOpt;
     std::shared_ptr<ThreadWorker> m_twDuplicateSearch;
-    std::shared_ptr<ThreadWorker> m_unlocking;
     std::unique_ptr<PageRemoval> m_removal;  // the running or the last one
     std::string m_searchPath;
     std::string m_openItemPath;
@@ -218,9 +230,6 @@ private:
     std::bitset<7> m_tickedByHeader;  // by kind: a header box was switched on over it, and nothing
                                       // has cleared it since
     bool m_sortDescending = false;
-    bool m_bSearchFinished = true;
-    bool m_isStopScan = false;
-    bool m_isClickStopRemove = false;
     bool m_duplicateScaned = false;
     std::int32_t m_progressNum = 1;
     int m_highestPercent = 0;  // that the running search has shown

@@ -24,12 +24,12 @@
 #include "ui/kit/controls/viewParts.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/kit/look/accessibleRole.h"
+#include "ui/page/Padlock.h"
 
 namespace orrinvale {
 namespace {
 
 constexpr int leftViewWidth = 188;
-constexpr int barHeight = 52;
 constexpr int imageSide = 64;
 
 // The titles of engine/duplicates/results/ResultViews.h.
@@ -50,16 +50,28 @@ QString resultRowTitle(std::size_t row) {
     return QCoreApplication::translate("ResultRow", titles.at(row));
 }
 
-SameFileDeleteViews::SameFileDeleteViews(const NotificationCenter& notifications) {
+SameFileDeleteViews::SameFileDeleteViews(NotificationCenter& notifications)
+    : ResultFrame({.viewName = "detailView",
+                   .backName = "backButton",
+                   .removedName = "removedLine",
+                   .dropName = tr("Drop a folder here to search it"),
+                   .invitation = tr("Drop the folder to search it"),
+                   .backTip = tr("Search another folder"),
+                   .picture = QStringLiteral("all"),
+                   .bottomSpacing = Theme::gapSmall}),
+      detailView(resultView) {
     makeLoadPathView();
     makeFirstView();
     makeProgressView(notifications);
-    makeDetailView(notifications);
+    fillHead(notifications);
+    fillContent();
+    fillBottom();
+    putTogether(makeLeftView(notifications));
     showLoadPathInProgress();
 }
 
 SameFileDeleteViews::~SameFileDeleteViews() {
-    for (const auto& view : {fristView, progressageView, detailView})
+    for (const auto& view : {fristView, progressageView})
         if (view != nullptr && view->parentWidget() == nullptr) delete view.data();
 }
 
@@ -103,6 +115,12 @@ void SameFileDeleteViews::makeLoadPathView() {
     column->addWidget(imageView, 0, Qt::AlignHCenter);
     column->addWidget(nameTextStr);
     column->addWidget(countsLabel);
+}
+
+void SameFileDeleteViews::clearLoadPath() const {
+    nameTextStr->setText(QStringLiteral(" "));  // which keeps its height
+    imageView->clear();
+    countsLabel->clear();
 }
 
 void SameFileDeleteViews::makeProgressView(const NotificationCenter& notifications) {
@@ -158,54 +176,27 @@ QWidget* SameFileDeleteViews::makeLeftView(const NotificationCenter& notificatio
     return leftView;
 }
 
-QWidget* SameFileDeleteViews::makeTopBar() {
-    auto* const bar = new Panel(Theme::Color::Surface, Qt::BottomEdge);
-    bar->setFixedHeight(barHeight);
-    backButton =
-        makeImageButton("backButton", QStringLiteral("arrow_left"), tr("Search another folder"));
-    rightImageView = named(new PictureView(QStringLiteral("all"), {20, 20}), "rightImageView");
-    titleLabel = named(new ElidedLabel(Qt::ElideMiddle), "titleLabel");
-    titleLabel->setFont(Theme::shared().font(Theme::Text::BodyStrong));
+void SameFileDeleteViews::fillHead(NotificationCenter& notifications) {
     btnBgView = named(new QWidget, "btnBgView");
     openBtn = makeImageButton("openBtn", QStringLiteral("preview"), tr("Open selected file"));
     RevealFinder = makeImageButton("RevealFinder", QStringLiteral("locate"),
                                    tr("Reveal selected file in finder"));
-    lockButton = makeImageButton("lockButton", QStringLiteral("ic_lock"),
-                                 tr("Click lock to get a higer privileges."));
-    lockButton->setAccessibleName(tr("Administrator right"));
-    lockButton->setCheckable(true);
+    lockButton = new Padlock(notifications);
     auto* const buttons = new QHBoxLayout(btnBgView);
     buttons->setContentsMargins({});
     buttons->setSpacing(Theme::gapTiny);
-    for (TCImageButton* const control : {openBtn, RevealFinder, lockButton})
+    for (QWidget* const control : {openBtn, RevealFinder, static_cast<TCImageButton*>(lockButton)})
         buttons->addWidget(control);
-    auto* const row = new QHBoxLayout(bar);
-    row->setContentsMargins(Theme::gapSmall, 0, Theme::gap, 0);
-    row->setSpacing(Theme::gapSmall);
-    row->addWidget(backButton);
-    row->addWidget(rightImageView);
-    row->addWidget(titleLabel, 1);
-    row->addWidget(btnBgView);
-    return bar;
+    head->addWidget(btnBgView);
 }
 
-QWidget* SameFileDeleteViews::makeContent() {
-    content = named(new QStackedWidget, "content");
+void SameFileDeleteViews::fillContent() {
     outline = new ResultOutline;
     button = outline->headerBox();
-
-    emptyView = named(new Panel(Theme::Color::Surface), "emptyView");
-    emptyLabel = makeLabel("emptyLabel", Theme::Text::Heading);
-    emptyLabel->setWordWrap(true);
-    otherFolderBtn = named(new TextImageButton(tr("Choose Another Folder")), "otherFolderBtn");
-    emptyView->setFocusProxy(otherFolderBtn);
-    auto* const empty = new QVBoxLayout(emptyView);
-    empty->addStretch();
-    empty->addWidget(new PictureView(QStringLiteral("empty_done")), 0, Qt::AlignHCenter);
-    empty->addWidget(emptyLabel);
-    empty->addSpacing(Theme::gapSmall);
-    empty->addWidget(otherFolderBtn, 0, Qt::AlignHCenter);
-    empty->addStretch();
+    const EmptyView empty = makeEmptyView(QStringLiteral("empty_done"), true);
+    emptyView = empty.view;
+    emptyLabel = empty.label;
+    otherFolderBtn = empty.otherFolder;
 
     removalView = named(new Panel(Theme::Color::Surface), "removalView");
     auto* const removal = new QVBoxLayout(removalView);
@@ -216,19 +207,10 @@ QWidget* SameFileDeleteViews::makeContent() {
 
     for (QWidget* const page : {static_cast<QWidget*>(outline), emptyView, removalView})
         content->addWidget(page);
-    return content;
 }
 
-QWidget* SameFileDeleteViews::makeBottomBar() {
-    bottomBgView = named(new Panel(Theme::Color::Surface, Qt::TopEdge), "bottomBgView");
-    bottomBgView->setFixedHeight(barHeight);
-    quietLine = named(new HoverButton, "quietLine");
-    removedLine = makeLabel("removedLine", Theme::Text::Body, QPalette::PlaceholderText);
+void SameFileDeleteViews::fillBottom() {
     removedLine->setContentsMargins(Theme::gapSmall, 0, Theme::gapSmall, 0);
-    failureLine = named(new HoverButton, "failureLine");
-    quietLine->hide();
-    removedLine->hide();
-    failureLine->hide();
     gainLabel = makeLabel("gainLabel", Theme::Text::Body, QPalette::PlaceholderText);
     gainLabel->hide();
     trashBtn = named(new PictureView(QStringLiteral("trash"), {20, 20}), "trashBtn");
@@ -237,45 +219,10 @@ QWidget* SameFileDeleteViews::makeBottomBar() {
     stopBtn = named(new TextImageButton(tr("Remove"), TextImageButton::Role::Danger), "stopBtn");
     stopBtn->setToolTip(tr("Remove selected file"));
     stopBtn->setEnabled(false);
-    auto* const row = new QHBoxLayout(bottomBgView);
-    row->setContentsMargins(Theme::gap, 0, Theme::gap, 0);
-    row->setSpacing(Theme::gapSmall);
-    row->addWidget(quietLine);
-    row->addWidget(removedLine);
-    row->addWidget(failureLine);
-    onlyOneNote = named(new ElidedLabel(Qt::ElideMiddle), "onlyOneNote");
-    onlyOneNote->setFont(Theme::shared().font(Theme::Text::Caption));
-    onlyOneNote->setForegroundRole(QPalette::PlaceholderText);
-    onlyOneNote->hide();
-    row->addWidget(onlyOneNote, 1);
-    row->addStretch();
-    row->addWidget(gainLabel);
-    row->addWidget(trashBtn);
-    row->addWidget(stopRemoveBtn);
-    row->addWidget(stopBtn);
-    return bottomBgView;
-}
-
-void SameFileDeleteViews::makeDetailView(const NotificationCenter& notifications) {
-    detailView = named(new Panel(Theme::Color::Window), "detailView");
-    resultDragView =
-        named(new DragView(detailView), "resultDragView", tr("Drop a folder here to search it"));
-    resultDragView->setFrameAtRest(false);
-    auto* const around = new QVBoxLayout(detailView);
-    around->setContentsMargins({});
-    around->addWidget(resultDragView);
-    auto* const row = new QHBoxLayout(resultDragView);
-    row->setContentsMargins({});
-    row->setSpacing(0);
-    row->addWidget(makeLeftView(notifications));
-    auto* const column = new QVBoxLayout;
-    column->setContentsMargins({});
-    column->setSpacing(0);
-    column->addWidget(makeTopBar());
-    column->addWidget(makeContent(), 1);
-    column->addWidget(makeBottomBar());
-    row->addLayout(column, 1);
-    resultDragView->setInvitation(tr("Drop the folder to search it"));
+    for (QWidget* const each :
+         {static_cast<QWidget*>(gainLabel), static_cast<QWidget*>(trashBtn),
+          static_cast<QWidget*>(stopRemoveBtn), static_cast<QWidget*>(stopBtn)})
+        bottom->addWidget(each);
 }
 
 }  // namespace orrinvale

@@ -7,9 +7,9 @@
 #include <array>
 
 #include "ui/duplicates/DuplicationLeftCell.h"
+#include "ui/page/ResultFrame.h"
 
 class QLabel;
-class QStackedWidget;
 class QWidget;
 
 namespace orrinvale {
@@ -20,6 +20,7 @@ class DragView;
 class ElidedLabel;
 class HoverButton;
 class NotificationCenter;
+class Padlock;
 class PictureView;
 class ResultOutline;
 class TCImageButton;
@@ -31,13 +32,12 @@ class TickBox;
 
 /// Each control has an object name equal to its field's. The views that nobody has put into a
 /// window are deleted with this. Main thread only.
-class SameFileDeleteViews final {
+class SameFileDeleteViews final : public ResultFrame {
     Q_DECLARE_TR_FUNCTIONS(SameFileDeleteViews)
 
 public:
-    explicit SameFileDeleteViews(const NotificationCenter& notifications);
+    explicit SameFileDeleteViews(NotificationCenter& notifications);
     ~SameFileDeleteViews();
-    SameFileDeleteViews(const SameFileDeleteViews&) = delete;
     SameFileDeleteViews& operator=(const SameFileDeleteViews&) = delete;
 
     /// Puts the view of the entry in hand where a search shows it, or over the list, where a
@@ -45,9 +45,12 @@ public:
     void showLoadPathInProgress();
     void showLoadPathInDetail();
 
+    /// Nothing is in hand any more.
+    void clearLoadPath() const;
+
     QPointer<QWidget> fristView;
     QPointer<QWidget> progressageView;
-    QPointer<QWidget> detailView;
+    QWidget* const detailView;  ///< the result view
 
     // The first view.
     DragView* dragView = nullptr;
@@ -68,28 +71,18 @@ public:
     TextImageButton* stopScanBtn = nullptr;
 
     // The detail view.
-    DragView* resultDragView = nullptr;  ///< holds all of it
-    ElidedLabel* onlyOneNote = nullptr;  ///< what onlyOneLabel said during the search
     QWidget* leftView = nullptr;
     std::array<DuplicationLeftCell*, 7> leftCells{};
-    TCImageButton* backButton = nullptr;
-    PictureView* rightImageView = nullptr;
-    ElidedLabel* titleLabel = nullptr;
     QWidget* btnBgView = nullptr;
     TCImageButton* openBtn = nullptr;
     TCImageButton* RevealFinder = nullptr;
-    TCImageButton* lockButton = nullptr;
-    QStackedWidget* content = nullptr;  ///< the list, or what stands in its place
+    Padlock* lockButton = nullptr;
     ResultOutline* outline = nullptr;
     TickBox* button = nullptr;  ///< the header box
     QWidget* emptyView = nullptr;
     QLabel* emptyLabel = nullptr;
     TextImageButton* otherFolderBtn = nullptr;
     QWidget* removalView = nullptr;
-    QWidget* bottomBgView = nullptr;
-    HoverButton* quietLine = nullptr;
-    QLabel* removedLine = nullptr;  ///< what the last removal took
-    HoverButton* failureLine = nullptr;
     QLabel* gainLabel =
         nullptr;  ///< what the removal of the ticked copies gives back; hidden while there are none
     PictureView* trashBtn = nullptr;
@@ -100,11 +93,10 @@ private:
     void makeFirstView();
     void makeProgressView(const NotificationCenter& notifications);
     void makeLoadPathView();
-    void makeDetailView(const NotificationCenter& notifications);
     [[nodiscard]] QWidget* makeLeftView(const NotificationCenter& notifications);
-    [[nodiscard]] QWidget* makeTopBar();
-    [[nodiscard]] QWidget* makeContent();
-    [[nodiscard]] QWidget* makeBottomBar();
+    void fillHead(NotificationCenter& notifications);
+    void fillContent();
+    void fillBottom();
 };
 
 }  // namespace orrinvale

@@ -23,7 +23,7 @@ constexpr std::chrono::milliseconds beforeRemoval{500};
 }  // namespace
 
 void ListFileViewController::deleteFiles() {
-    if (m_isScan || m_isRemoving) return;
+    if (!isFree()) return;
     // What a later scan shows was not asked about.
     m_parts.dialogs->alert(
         m_mainWindow, removalQuestion(),
@@ -34,29 +34,26 @@ void ListFileViewController::deleteFiles() {
 }
 
 void ListFileViewController::alertEnded_code(int code) {
-    if (code != 1 || m_isScan || m_isRemoving || !m_rootNodeArr) return;
+    if (code != 1 || !isFree() || !m_rootNodeArr) return;
     // What was selected when the person agreed is what goes: until then no box and no other folder.
-    m_isRemoving = true;
-    changeDeleteButtonState();
+    enter(State::Removing);
     m_removalDelay.start(beforeRemoval);
 }
 
-void ListFileViewController::giveUpRemoval() {
+void ListFileViewController::giveUp() {
     if (m_removalDelay.isActive()) {
         m_removalDelay.stop();
-        m_isRemoving = false;
-        changeDeleteButtonState();
+        enter(State::Result);
     }
     stopRemove();
 }
 
 void ListFileViewController::doRemoveAction() {
     m_removal = {};
-    m_views->removedLabel->hide();
+    m_views->removedLine->hide();
     m_views->failureLine->hide();
     if (!Controller::getController().deleteFilesWithDic()) {
-        m_isRemoving = false;
-        changeDeleteButtonState();
+        enter(State::Result);
         return;
     }
     m_progress = new ProgressWindowController(m_mainWindow, *this);
@@ -71,28 +68,26 @@ void ListFileViewController::changeProgressWithPoint(std::int32_t percent,
 void ListFileViewController::stopRemove() { Controller::getController().stopRemove(); }
 
 void ListFileViewController::removalEnded(const LargeFileRemoval& removal) {
-    m_isRemoving = false;
+    enter(State::Result);
     m_removal = removal;
-    changeDeleteButtonState();
     showRemoved();
-    m_views->failureLine->setVisible(removal.failed != 0);
-    m_views->failureLine->setText(
-        removal.failed == 1 ? tr("1 could not be removed; a new scan will show it again")
-                            : tr("%1 could not be removed; a new scan will show them again")
-                                  .arg(QLocale().toString(qulonglong(removal.failed))));
+    ResultFrame::showLine(*m_views->failureLine,
+                          removal.failed == 0 ? QString()
+                          : removal.failed == 1
+                              ? tr("1 could not be removed; a new scan will show it again")
+                              : tr("%1 could not be removed; a new scan will show them again")
+                                    .arg(QLocale().toString(qulonglong(removal.failed))));
     refreshList();
     m_views->outlineView->setFocus();
 }
 
 void ListFileViewController::showRemoved() {
+    const bool isAny = m_removal.stopped || m_removal.removed != 0 || m_removal.bytes != 0;
     const QString count = QLocale().toString(qulonglong(m_removal.removed));
     const QString size =
         QString::fromStdString(PublicUtilities::byteToSizeWithByte(m_removal.bytes));
-    m_views->removedLabel->setText(m_removal.stopped
-                                       ? tr("Stopped: %1 removed, %2").arg(count, size)
-                                       : tr("%1 removed, %2").arg(count, size));
-    m_views->removedLabel->setVisible(m_removal.stopped || m_removal.removed != 0 ||
-                                      m_removal.bytes != 0);
+    const QString said = m_removal.stopped ? tr("Stopped: %1 removed, %2") : tr("%1 removed, %2");
+    ResultFrame::showLine(*m_views->removedLine, isAny ? said.arg(count, size) : QString());
 }
 
 void ListFileViewController::showFailures() {

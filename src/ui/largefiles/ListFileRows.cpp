@@ -1,6 +1,4 @@
 // ListFileViewController: the boxes, opening and closing, and what is done with one row.
-#include <QClipboard>
-#include <QGuiApplication>
 #include <QMenu>
 #include <QPointer>
 
@@ -12,12 +10,13 @@
 #include "ui/largefiles/ListFileViewController.h"
 #include "ui/largefiles/ListFileViews.h"
 #include "ui/largefiles/NewOutlineView.h"
+#include "ui/page/rowMenu.h"
 
 namespace orrinvale {
 
 void ListFileViewController::setAllSelectOrNoSelect() {
     // The click has changed the box already, and the scan does not let it.
-    if (m_isScan || m_isRemoving) {
+    if (!isFree()) {
         changeSelectAllButtonState(m_selectAllButSt);
         return;
     }
@@ -35,11 +34,11 @@ void ListFileViewController::changeSelectAllButtonState(std::int32_t state) {
 }
 
 void ListFileViewController::changeDeleteButtonState() {
-    m_views->deleteButton->setEnabled(m_selectAllButSt != 0 && !m_isRemoving);
+    m_views->deleteButton->setEnabled(m_selectAllButSt != 0 && !isRemoving());
 }
 
 void ListFileViewController::boxClicked(FileNode& node) {
-    if (m_isScan || m_isRemoving) return;
+    if (!isFree()) return;
     const auto state =
         node.state() == FileNode::Selected ? FileNode::NotSelected : FileNode::Selected;
     node.setState(state);
@@ -95,27 +94,23 @@ void ListFileViewController::showRowMenu(const QModelIndex& index, QPoint positi
     // The tree lives as long as the menu, so that its node does; another scan may have begun
     // meanwhile.
     const auto tree = m_rootNodeArr;
-    auto* const menu = new QMenu(m_views->listView);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->addAction(tr("Preview"), this,
-                    [this, place = QPersistentModelIndex(index)] { preview(place); })
-        ->setEnabled(!node->isDirectory());
-    menu->addAction(tr("Show in Folder"), this,
-                    [tree, node] { Controller::getController().openFileWithFileNode(*node); });
-    menu->addAction(tr("Copy Path"), this, [tree, node] {
-        QGuiApplication::clipboard()->setText(QString::fromStdString(node->path()));
-    });
-    menu->addSeparator();
+    RowActions actions{
+        .preview = {},
+        .reveal = [tree, node] { Controller::getController().openFileWithFileNode(*node); },
+        .path = [tree, node] { return node->path(); }};
+    if (!node->isDirectory())
+        actions.preview = [this, place = QPersistentModelIndex(index)] { preview(place); };
+    QMenu* const menu = makeRowMenu(m_views->listView, *this, actions);
     menu->addAction(tr("Move to Trash"), this,
                     [this, tree, node] {
                         if (tree == m_rootNodeArr) putIntoTrash(*node);
                     })
-        ->setEnabled(!m_isScan && !m_isRemoving && !node->isSystemFile());
+        ->setEnabled(isFree() && !node->isSystemFile());
     menu->popup(position);
 }
 
 void ListFileViewController::putIntoTrash(FileNode& node) {
-    if (m_isScan || m_isRemoving) return;
+    if (!isFree()) return;
     const std::string path = node.path();
     Controller::getController().moveFileToTrash(
         path, node.identity(),

@@ -17,7 +17,6 @@
 #include "ui/kit/controls/TickBox.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/pathText.h"
-#include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/dialogs/LineList.h"
 #include "ui/largefiles/FileNodeModel.h"
 #include "ui/largefiles/ListFileViews.h"
@@ -35,12 +34,23 @@ constexpr std::chrono::milliseconds endWatch{100};
 
 }  // namespace
 
-ListFileViewController::ListFileViewController(ListFileParts parts, QObject* parent)
+ListFileViewController::ListFileViewController(PageServices services, QObject* parent)
     : QObject(parent),
-      m_parts(std::move(parts)),
+      m_parts(std::move(services)),
       m_views(std::make_unique<ListFileViews>()),
       m_model(std::make_unique<FileNodeModel>(m_parts.icons,
-                                              [this](FileNode& node) { boxClicked(node); })) {
+                                              [this](FileNode& node) { boxClicked(node); })),
+      m_entrance(m_parts, *this,
+                 {.isFree = [this] { return !isBusy(); },
+                  .wouldForget =
+                      [this] { return m_selectAllButSt != 0 && m_views->listView->isVisible(); },
+                  .take = [this](const std::string& path,
+                                 bool isOneOfSeveral) { scanFolder(path, isOneOfSeveral); }},
+                 {.title = tr("Look into another folder?"),
+                  .text = tr("What is ticked here is forgotten, and nothing is removed. To be "
+                             "looked into: %1"),
+                  .yes = tr("Look")}),
+      m_controls(stateTable()) {
     m_views->outlineView->setModel(m_model.get());
     for (DragView* const area : {m_views->dragView, m_views->resultDragView})
         area->setDelegate(this);
@@ -59,15 +69,15 @@ ListFileViewController::ListFileViewController(ListFileParts parts, QObject* par
 ListFileViewController::~ListFileViewController() {
     Controller& controller = Controller::getController();
     if (controller.aDelegate() == this) controller.setADelegate(nullptr);
-    if (m_isScan) controller.stopScan();
+    if (isScan()) controller.stopScan();
     m_model->setTree(nullptr);
     delete m_progress;
     if (m_views->aLoadView != nullptr) m_views->dragView->setDelegate(nullptr);
-    if (m_views->listView != nullptr) m_views->resultDragView->setDelegate(nullptr);
+    if (m_views->resultView != nullptr) m_views->resultDragView->setDelegate(nullptr);
 }
 
 QWidget* ListFileViewController::aLoadView() const { return m_views->aLoadView; }
-QWidget* ListFileViewController::listView() const { return m_views->listView; }
+QWidget* ListFileViewController::listView() const { return m_views->resultView; }
 
 void ListFileViewController::connectControls() {
     using Self = ListFileViewController;
@@ -76,7 +86,7 @@ void ListFileViewController::connectControls() {
     connect(views.animationHoverImageView, &QAbstractButton::clicked, this,
             &Self::selectFileButtonAction);
     connect(views.stopScanButton, &QAbstractButton::clicked, this, &Self::stopScanButtonAction);
-    connect(views.backHomeButton, &QAbstractButton::clicked, this, &Self::backButtonAction);
+    connect(views.backButton, &QAbstractButton::clicked, this, &Self::backButtonAction);
     connect(views.deleteButton, &QAbstractButton::clicked, this, &Self::deleteFiles);
     connect(views.selectAllButton, &QAbstractButton::clicked, this, &Self::setAllSelectOrNoSelect);
     connect(views.quietLine, &QAbstractButton::clicked, this, &Self::showSkipped);
@@ -91,38 +101,25 @@ void ListFileViewController::connectControls() {
     connect(&outline, &NewOutlineView::moreWanted, m_model.get(), &FileNodeModel::showMore);
 }
 
-void ListFileViewController::selectFileButtonAction() {
-    PathChoice choice;
-    choice.withSeveral = true;
-    m_parts.dialogs->choosePaths(m_mainWindow, choice,
-                                 [self = QPointer(this)](std::vector<std::string> paths) {
-                                     if (self != nullptr && !paths.empty())
-                                         self->folderDropped(paths.front(), paths.size() > 1);
-                                 });
+StateTable ListFileViewController::stateTable() const {
+    using enum Look;
+    const ListFileViews& views = *m_views;
+    // Start, Scanning, Result, Removing
+    return {
+        {views.stopScanButton, {On, On, Hidden, Hidden}},
+        {views.quietLine, {Kept, Hidden, Kept, Kept}},
+        {views.removedLine, {Kept, Hidden, Kept, Kept}},
+        {views.failureLine, {Kept, Hidden, Kept, Kept}},
+    };
 }
 
-void ListFileViewController::folderDropped(const std::string& path, bool isOneOfSeveral) {
-    if (m_isRemoving) return;
-    const auto attributes =
-        m_parts.files->attributes(FileSystem::noParent, path.c_str(), Links::Follow);
-    if (!attributes || attributes->type != FileType::Folder) return;
-    if (m_selectAllButSt == 0 || !m_views->listView->isVisible()) {
-        scanFolder(path, isOneOfSeveral);
-        return;
-    }
-    Alert question;
-    question.title = tr("Look into another folder?");
-    question.text =
-        tr("What is ticked here is forgotten, and nothing is removed. To be looked into: %1")
-            .arg(onOneLine(QString::fromStdString(path)));
-    question.buttons = QStringList{tr("Look"), tr("Cancel")};
-    question.cancelButton = 1;
-    m_parts.dialogs->alert(m_mainWindow, question,
-                           [self = QPointer(this), path, isOneOfSeveral](int button) {
-                               if (self != nullptr && button == 0 && !self->m_isRemoving)
-                                   self->scanFolder(path, isOneOfSeveral);
-                           });
+void ListFileViewController::enter(State state) {
+    m_state = state;
+    m_controls.apply(state);
+    changeDeleteButtonState();
 }
+
+void ListFileViewController::selectFileButtonAction() { m_entrance.choose(m_mainWindow, {}); }
 
 void ListFileViewController::scanFolder(const std::string& path, bool isOneOfSeveral) {
     getRootNodeListWithPath(path);
@@ -136,9 +133,6 @@ void ListFileViewController::scanFolder(const std::string& path, bool isOneOfSev
 void ListFileViewController::getRootNodeListWithPath(const std::string& path) {
     m_rootNodeArr = std::make_shared<FileNodeTree>(path);
     m_removal = {};
-    m_views->removedLabel->hide();
-    m_views->failureLine->hide();
-    m_views->quietLine->hide();
     m_views->titleLabel->setText(QString::fromStdString(path));
     m_views->showProgress();
     m_model->setTree(m_rootNodeArr);
@@ -146,15 +140,13 @@ void ListFileViewController::getRootNodeListWithPath(const std::string& path) {
 }
 
 void ListFileViewController::showDetailPage() {
-    m_isScan = true;
+    enter(State::Scanning);
     m_sortTimer.start();
     m_endTimer.start();
     QTimer::singleShot(firstRefresh, this, [this, tree = std::weak_ptr(m_rootNodeArr)] {
-        if (m_isScan && tree.lock() == m_rootNodeArr) refreshList();
+        if (isScan() && tree.lock() == m_rootNodeArr) refreshList();
     });
     changeSelectAllButtonState(0);
-    m_views->stopScanButton->setEnabled(true);
-    m_views->stopScanButton->show();
     m_views->content->setCurrentWidget(m_views->outlineView);
     if (m_detagate != nullptr) m_detagate->showDetailPage();
     m_views->outlineView->setFocus();
@@ -163,10 +155,7 @@ void ListFileViewController::showDetailPage() {
 void ListFileViewController::refreshList() {
     m_model->refresh();
     showFitting();
-    if (!m_isScan || !m_rootNodeArr) return;
-    m_views->stopScanButton->setEnabled(true);
-    m_views->stopScanButton->show();
-    showProgress();
+    if (isScan() && m_rootNodeArr) showProgress();
 }
 
 void ListFileViewController::showProgress() {
@@ -184,11 +173,10 @@ void ListFileViewController::showProgress() {
 }
 
 void ListFileViewController::endScan() {
-    m_isScan = false;
+    enter(State::Result);
     m_sortTimer.stop();
     m_endTimer.stop();
     m_views->removeProgress();
-    m_views->stopScanButton->hide();
     showFitting();
     showQuietLine();
 }
@@ -204,7 +192,6 @@ void ListFileViewController::watchForEnd() {
 }
 
 void ListFileViewController::stopScanButtonAction() {
-    m_views->stopScanButton->setEnabled(false);
     Controller::getController().stopScan();
     endScan();
     m_model->refresh();
@@ -212,10 +199,10 @@ void ListFileViewController::stopScanButtonAction() {
 }
 
 void ListFileViewController::backButtonAction() {
-    if (m_isRemoving) return;
+    if (isRemoving()) return;
     changeSelectAllButtonState(0);
     m_views->removeProgress();
-    if (m_isScan) Controller::getController().stopScan();
+    if (isScan()) Controller::getController().stopScan();
     m_sortTimer.stop();
     m_endTimer.stop();
     m_rootNodeArr.reset();
@@ -254,10 +241,7 @@ void ListFileViewController::showFitting() {
 void ListFileViewController::showQuietLine() {
     const EumeRoot* const scan = Controller::getController().eumeRoot();
     const std::size_t skipped = scan != nullptr ? scan->skipped().size() : 0;
-    m_views->quietLine->setVisible(skipped != 0);
-    m_views->quietLine->setText(
-        skipped == 1 ? tr("1 entry could not be read")
-                     : tr("%Ln entries could not be read", nullptr, static_cast<int>(skipped)));
+    m_views->showSkipped(skipped);
 }
 
 void ListFileViewController::showSkipped() {

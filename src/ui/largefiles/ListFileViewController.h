@@ -17,69 +17,64 @@
 #include "platform/files.h"
 #include "ui/kit/controls/DragView.h"
 #include "ui/largefiles/ProgressWindowController.h"
+#include "ui/page/FolderEntrance.h"
+#include "ui/page/Page.h"
+#include "ui/page/PageServices.h"
+#include "ui/page/StateTable.h"
 
 namespace orrinvale {
 
-class Dialogs;
 class FileNodeModel;
 class ListFileViews;
 
 /// What the page asks of the window that it stands in.
-class ListFileViewControllerDelagate {
+class ListFileViewControllerDelagate : public PageDelegate {
 public:
-    virtual ~ListFileViewControllerDelagate() = default;
     virtual void showDetailPage() {}
     virtual void listFileBackButtonAction() {}
-    /// Exact bytes.
-    virtual void pereviewFileWithFileNodePath(const std::string& path) { static_cast<void>(path); }
-
-protected:
-    ListFileViewControllerDelagate() = default;
-    ListFileViewControllerDelagate(const ListFileViewControllerDelagate&) = default;
-    ListFileViewControllerDelagate& operator=(const ListFileViewControllerDelagate&) = default;
-};
-
-/// What the page works with. Nothing of it is owned; all of it outlives the page.
-struct ListFileParts {
-    const FileSystem* files = nullptr;
-    Dialogs* dialogs = nullptr;
-    std::function<QIcon(const IconRequest&)> icons;
 };
 
 /// The delegate of Controller::getController() for as long as it lives. Main thread only.
 class ListFileViewController final : public QObject,
+                                     public Page,
                                      private DragViewDelegate,
                                      private ControllerDelegate,
                                      private ProgressWindowControllerDelegate {
     Q_OBJECT
 public:
-    explicit ListFileViewController(ListFileParts parts, QObject* parent = nullptr);
+    explicit ListFileViewController(PageServices services, QObject* parent = nullptr);
     ~ListFileViewController() override;
 
     [[nodiscard]] QWidget* aLoadView() const;
     [[nodiscard]] QWidget* listView() const;
+    [[nodiscard]] QWidget* view() const override { return aLoadView(); }
 
-    void setMainWindow(QWidget* window) { m_mainWindow = window; }
+    void setMainWindow(QWidget* window) override { m_mainWindow = window; }
     void setDetagate(ListFileViewControllerDelagate* detagate) {
         m_detagate = detagate;
     }  ///< not owned
 
     /// From the start of a scan until it ends or is stopped. Leaving the page stops a scan, and
     /// does not end this.
-    [[nodiscard]] bool isScan() const { return m_isScan; }
+    [[nodiscard]] bool isScan() const { return m_state == State::Scanning; }
     /// From the person's yes to the end of the removal.
-    [[nodiscard]] bool isRemoving() const { return m_isRemoving; }
-    /// The removal ends before its next entry, and does not begin where it has not begun.
-    void giveUpRemoval();
+    [[nodiscard]] bool isRemoving() const override { return m_state == State::Removing; }
+    [[nodiscard]] bool isBusy() const override { return isRemoving(); }
+    void giveUp() override;
+    void chooseFolder() override { selectFileButtonAction(); }
 
     /// Scans a folder, as if it had been dropped. Does nothing when it is none, or while files are
     /// removed. Where something on the screen is selected the person is asked first.
-    void viewDragAction(const std::string& path) override { folderDropped(path, false); }
-    void viewDragActionOfSeveral(const std::string& path) override { folderDropped(path, true); }
+    void viewDragAction(const std::string& path) override { takeFolder(path); }
+    void viewDragActionOfSeveral(const std::string& path) override {
+        m_entrance.drop(m_mainWindow, path, true);
+    }
+    void takeFolder(const std::string& path) override {
+        m_entrance.drop(m_mainWindow, path, false);
+    }
 
-    /// Goes on to the next row of a file, or with -1 to the one before, and gives its path; empty
-    /// where there is none.
-    [[nodiscard]] std::string previewBeside(int step);
+    /// The next row is one of a file.
+    [[nodiscard]] std::string previewBeside(int step) override;
 
 public Q_SLOTS:
     void selectFileButtonAction();
@@ -89,9 +84,20 @@ public Q_SLOTS:
     void setAllSelectOrNoSelect();
 
 private:
+    /// In the order of the columns in stateTable().
+    enum class State : std::uint8_t {
+        Start,
+        Scanning,
+        Result,
+        Removing,  ///< from the person's yes on
+    };
+    void enter(State state);
+    [[nodiscard]] StateTable stateTable() const;
+    /// Neither scan nor removal: rows can be ticked and taken away.
+    [[nodiscard]] bool isFree() const { return !isScan() && !isRemoving(); }
+
     // Scan.
     void connectControls();
-    void folderDropped(const std::string& path, bool isOneOfSeveral);
     void scanFolder(const std::string& path, bool isOneOfSeveral);
     void getRootNodeListWithPath(const std::string& path);
     void showDetailPage();
@@ -127,11 +133,14 @@ private:
     void stopRemove() override;
     void showFailures();
 
-    ListFileParts m_parts;
+    const PageServices m_parts;
     std::unique_ptr<ListFileViews> m_views;
     std::unique_ptr<FileNodeModel> m_model;
     ListFileViewControllerDelagate* m_detagate = nullptr;
     QPointer<QWidget> m_mainWindow;
+    FolderEntrance m_entrance;
+    const StateTable m_controls;
+    State m_state = State::Start;
     QPointer<ProgressWindowController> m_progress;
 
     std::shared_ptr<FileNodeTree>
@@ -141,9 +150,7 @@ private:
     QTimer m_endTimer;     // sees that a scan has ended before the next refresh would
     std::int32_t m_selectAllButSt = 0;
     LargeFileRemoval m_removal;  // the last one of this scan
-    bool m_isScan = false;
-    bool m_isRemoving = false;  // from the person's yes on
-    QTimer m_removalDelay;      // from there to the first entry
+    QTimer m_removalDelay;       // from there to the first entry
 };
 
 }  // namespace orrinvale

@@ -22,20 +22,24 @@
 #include "ui/largefiles/QnProgressView.h"
 
 namespace orrinvale {
-namespace {
-
-constexpr int barHeight = 52;
-
-}  // namespace
-
-ListFileViews::ListFileViews() {
+ListFileViews::ListFileViews()
+    : ResultFrame({.viewName = "listView",
+                   .backName = "backHomeButton",
+                   .removedName = "removedLabel",
+                   .dropName = tr("Drop a folder here to look into it"),
+                   .invitation = tr("Drop the folder to look into it"),
+                   .backTip = tr("Look into another folder"),
+                   .picture = QStringLiteral("folder"),
+                   .bottomSpacing = Theme::gap}),
+      listView(resultView) {
     makeStartPage();
-    makeResultPage();
+    fillContent();
+    fillBottom();
+    putTogether();
 }
 
 ListFileViews::~ListFileViews() {
-    for (const auto& view : {aLoadView, listView})
-        if (view != nullptr && view->parentWidget() == nullptr) delete view.data();
+    if (aLoadView != nullptr && aLoadView->parentWidget() == nullptr) delete aLoadView.data();
 }
 
 void ListFileViews::makeStartPage() {
@@ -53,48 +57,18 @@ void ListFileViews::makeStartPage() {
     selectFileButton = start.button;
 }
 
-QWidget* ListFileViews::makeTopBar() {
-    auto* const bar = new Panel(Theme::Color::Surface, Qt::BottomEdge);
-    bar->setFixedHeight(barHeight);
-    backHomeButton = makeImageButton("backHomeButton", QStringLiteral("arrow_left"),
-                                     tr("Look into another folder"));
-    titleLabel = named(new ElidedLabel(Qt::ElideMiddle), "titleLabel");
-    titleLabel->setFont(Theme::shared().font(Theme::Text::BodyStrong));
-    auto* const row = new QHBoxLayout(bar);
-    row->setContentsMargins(Theme::gapSmall, 0, Theme::gap, 0);
-    row->setSpacing(Theme::gapSmall);
-    row->addWidget(backHomeButton);
-    row->addWidget(new PictureView(QStringLiteral("folder"), {20, 20}));
-    row->addWidget(titleLabel, 1);
-    return bar;
-}
-
-QWidget* ListFileViews::makeContent() {
-    content = named(new QStackedWidget, "content");
+void ListFileViews::fillContent() {
     outlineView = new NewOutlineView;
     selectAllButton = outlineView->headerBox();
-    emptyView = named(new Panel(Theme::Color::Surface), "emptyView");
-    emptyLabel = makeLabel("emptyLabel", Theme::Text::Heading);
-    emptyLabel->setWordWrap(true);
-    auto* const empty = new QVBoxLayout(emptyView);
-    empty->addStretch();
-    empty->addWidget(new PictureView(QStringLiteral("empty_folder")), 0, Qt::AlignHCenter);
-    empty->addWidget(emptyLabel);
-    empty->addStretch();
+    const EmptyView empty = makeEmptyView(QStringLiteral("empty_folder"), false);
+    emptyView = empty.view;
+    emptyLabel = empty.label;
     content->addWidget(outlineView);
     content->addWidget(emptyView);
-    return content;
 }
 
-QWidget* ListFileViews::makeBottomBar() {
-    auto* const bar = new Panel(Theme::Color::Surface, Qt::TopEdge);
-    bar->setFixedHeight(barHeight);
-    quietLine = named(new HoverButton, "quietLine");
-    failureLine = named(new HoverButton, "failureLine");
-    removedLabel = makeLabel("removedLabel", Theme::Text::Body, QPalette::PlaceholderText);
-    quietLine->hide();
-    removedLabel->hide();
-    failureLine->hide();
+void ListFileViews::fillBottom() {
+    bottom->setStretch(bottom->count() - 1, 1);  // as much as the note about one folder
     progressLabel = makeLabel("progressLabel", Theme::Text::Body, QPalette::PlaceholderText);
     progressLabel->setAlignment(Qt::AlignTrailing | Qt::AlignVCenter);
     // As wide as it ever gets, so that the bar beside it keeps its width.
@@ -106,39 +80,9 @@ QWidget* ListFileViews::makeBottomBar() {
         named(new TextImageButton(tr("Delete"), TextImageButton::Role::Danger), "deleteButton");
     deleteButton->setToolTip(tr("Delete what is selected, for good"));
     deleteButton->setEnabled(false);
-    m_bottom = new QHBoxLayout(bar);
-    m_bottom->setContentsMargins(Theme::gap, 0, Theme::gap, 0);
-    m_bottom->setSpacing(Theme::gap);
-    m_bottom->addWidget(quietLine);
-    m_bottom->addWidget(removedLabel);
-    m_bottom->addWidget(failureLine);
-    onlyOneNote = named(new ElidedLabel(Qt::ElideMiddle), "onlyOneNote");
-    onlyOneNote->setFont(Theme::shared().font(Theme::Text::Caption));
-    onlyOneNote->setForegroundRole(QPalette::PlaceholderText);
-    onlyOneNote->hide();
-    m_bottom->addWidget(onlyOneNote, 1);
-    m_bottom->addStretch(1);
-    m_bottom->addWidget(progressLabel);
-    m_bottom->addWidget(stopScanButton);
-    m_bottom->addWidget(deleteButton);
-    return bar;
-}
-
-void ListFileViews::makeResultPage() {
-    listView = named(new Panel(Theme::Color::Window), "listView");
-    resultDragView =
-        named(new DragView(listView), "resultDragView", tr("Drop a folder here to look into it"));
-    resultDragView->setFrameAtRest(false);
-    auto* const around = new QVBoxLayout(listView);
-    around->setContentsMargins({});
-    around->addWidget(resultDragView);
-    auto* const column = new QVBoxLayout(resultDragView);
-    column->setContentsMargins({});
-    column->setSpacing(0);
-    column->addWidget(makeTopBar());
-    column->addWidget(makeContent(), 1);
-    column->addWidget(makeBottomBar());
-    resultDragView->setInvitation(tr("Drop the folder to look into it"));
+    bottom->addWidget(progressLabel);
+    bottom->addWidget(stopScanButton);
+    bottom->addWidget(deleteButton);
 }
 
 void ListFileViews::showProgress() {
@@ -147,7 +91,7 @@ void ListFileViews::showProgress() {
     progressLabel->show();
     progressView = named(new QnProgressView, "progressView", tr("Progress of the scan"));
     constexpr int wide = 1000;  // all of the free space of the bar, whose spring has 1
-    m_bottom->insertWidget(m_bottom->indexOf(progressLabel), progressView, wide);
+    bottom->insertWidget(bottom->indexOf(progressLabel), progressView, wide);
 }
 
 void ListFileViews::removeProgress() {

@@ -6,9 +6,9 @@
 #include <QPointer>
 #include <QWidget>
 
-class QHBoxLayout;
+#include "ui/page/ResultFrame.h"
+
 class QLabel;
-class QStackedWidget;
 
 namespace orrinvale {
 
@@ -24,21 +24,19 @@ class TickBox;
 
 /// Each control has an object name equal to its field's. A view that nobody has put into a window
 /// is deleted with this. Main thread only.
-class ListFileViews final {
+class ListFileViews final : public ResultFrame {
     Q_DECLARE_TR_FUNCTIONS(ListFileViews)
 
 public:
     ListFileViews();
     ~ListFileViews();
-    ListFileViews(const ListFileViews&) = delete;
-    ListFileViews& operator=(const ListFileViews&) = delete;
 
     /// The bar of a scan and its percent, at 0. Does nothing when it is there.
     void showProgress();
     void removeProgress();
 
     QPointer<QWidget> aLoadView;
-    QPointer<QWidget> listView;
+    QWidget* const listView;  ///< the result view
 
     // The start page.
     DragView* dragView = nullptr;
@@ -46,19 +44,10 @@ public:
     TextImageButton* selectFileButton = nullptr;
 
     // The result page.
-    DragView* resultDragView = nullptr;  ///< holds all of it
-    ElidedLabel* onlyOneNote =
-        nullptr;  ///< of several folders one is shown; hidden where there was one
-    TCImageButton* backHomeButton = nullptr;
-    ElidedLabel* titleLabel = nullptr;
-    QStackedWidget* content = nullptr;  ///< the list, or what stands in its place
     NewOutlineView* outlineView = nullptr;
     TickBox* selectAllButton = nullptr;
     QWidget* emptyView = nullptr;
     QLabel* emptyLabel = nullptr;
-    HoverButton* quietLine = nullptr;
-    QLabel* removedLabel = nullptr;
-    HoverButton* failureLine = nullptr;
     QnProgressView* progressView = nullptr;  ///< null unless a scan runs
     QLabel* progressLabel = nullptr;
     TextImageButton* stopScanButton = nullptr;
@@ -66,12 +55,8 @@ public:
 
 private:
     void makeStartPage();
-    void makeResultPage();
-    [[nodiscard]] QWidget* makeTopBar();
-    [[nodiscard]] QWidget* makeContent();
-    [[nodiscard]] QWidget* makeBottomBar();
-
-    QHBoxLayout* m_bottom = nullptr;
+    void fillContent();
+    void fillBottom();
 };
 
 }  // namespace orrinvale

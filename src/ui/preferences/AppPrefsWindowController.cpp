@@ -8,6 +8,7 @@
 #include "engine/base/Log.h"
 #include "engine/settings/PreferenceViewController.h"
 #include "engine/settings/SettingsKeys.h"
+#include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/preferences/ToolbarItem.h"
 
 namespace orrinvale {
@@ -23,7 +24,7 @@ AppPrefsWindowController& AppPrefsWindowController::sharedPrefsWindowController(
 }
 
 AppPrefsWindowController::AppPrefsWindowController(QObject* parent)
-    : DBPrefsWindowController(parent), m_pageOwner(std::make_unique<QObject>()) {
+    : DBPrefsWindowController(parent) {
     registerPreferencesWindowDefaults();
     readSettings();
     followSetting(fadeKey);
@@ -51,28 +52,28 @@ void AppPrefsWindowController::registerPage(PageDescriptor page) {
         Log::line("The page \"" + page.identifier.toStdString() + "\" is there already.");
         return;
     }
-    m_pages.push_back(std::move(page));
-    if (isToolbarSetUp()) insertPage(static_cast<int>(m_pages.size()) - 1);
+    m_descriptors.push_back(std::move(page));
+    if (isToolbarSetUp()) insertPage(static_cast<int>(m_descriptors.size()) - 1);
 }
 
 bool AppPrefsWindowController::hasPage(const QString& identifier) const {
     return std::ranges::any_of(
-        m_pages, [&](const PageDescriptor& each) { return each.identifier == identifier; });
+        m_descriptors, [&](const PageDescriptor& each) { return each.identifier == identifier; });
 }
 
 bool AppPrefsWindowController::hasPagesBeside(const QString& identifier) const {
     return std::ranges::any_of(
-        m_pages, [&](const PageDescriptor& each) { return each.identifier != identifier; });
+        m_descriptors, [&](const PageDescriptor& each) { return each.identifier != identifier; });
 }
 
 void AppPrefsWindowController::insertPage(int place) {
-    const PageDescriptor& page = m_pages[static_cast<std::size_t>(place)];
+    const PageDescriptor& page = m_descriptors[static_cast<std::size_t>(place)];
     insertView(place, nullptr, page.identifier, page.picture);
     toolbarItems().value(page.identifier)->setLabel(page.label);
 }
 
 void AppPrefsWindowController::setupToolbar() {
-    for (int place = 0; place < static_cast<int>(m_pages.size()); ++place) insertPage(place);
+    for (int place = 0; place < static_cast<int>(m_descriptors.size()); ++place) insertPage(place);
     if (!opensAddress() && !opensHelp()) return;
     addView(nullptr, {});
     if (opensAddress()) {
@@ -86,9 +87,12 @@ void AppPrefsWindowController::setupToolbar() {
 }
 
 QWidget* AppPrefsWindowController::makeView(const QString& identifier) {
-    for (PageDescriptor& each : m_pages)
-        if (each.identifier == identifier && each.makeView)
-            return std::exchange(each.makeView, nullptr)(m_pageOwner.get());
+    for (PageDescriptor& each : m_descriptors) {
+        if (each.identifier != identifier || !each.make) continue;
+        m_pages.push_back(std::exchange(each.make, nullptr)());
+        m_pages.back()->setMainWindow(window());
+        return m_pages.back()->view();
+    }
     return nullptr;
 }
 

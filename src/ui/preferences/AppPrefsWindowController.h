@@ -1,24 +1,14 @@
 // AppPrefsWindowController: the one toolbar window of the program, and the pages that stand in it.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <vector>
 
 #include "engine/settings/UserDefaults.h"
+#include "ui/page/Page.h"
 #include "ui/preferences/DBPrefsWindowController.h"
 
 namespace orrinvale {
-
-/// A page as its subsystem describes it.
-struct PageDescriptor {
-    QString identifier;
-    QString label;
-    QString picture;  ///< a name for picture()
-    /// Makes the page, when it is first shown. What the view needs to live becomes a child of
-    /// `owner`, which ends before the view does; the window takes the view over.
-    std::function<QWidget*(QObject* owner)> makeView;
-};
 
 /// Follows the settings "fade" and "shiftSlowsAnimation". Main thread only.
 class AppPrefsWindowController final : public DBPrefsWindowController {
@@ -38,6 +28,9 @@ public:
     /// Whether a page of another identifier is registered.
     [[nodiscard]] bool hasPagesBeside(const QString& identifier) const;
 
+    /// Those that have been shown. None is null.
+    [[nodiscard]] const std::vector<std::unique_ptr<Page>>& pages() const { return m_pages; }
+
 private:
     void setupToolbar() override;
     [[nodiscard]] QWidget* makeView(const QString& identifier) override;
@@ -45,9 +38,9 @@ private:
     void followSetting(const char* key);
     void readSettings();
 
-    std::vector<PageDescriptor> m_pages;
+    std::vector<PageDescriptor> m_descriptors;
     std::vector<UserDefaults::Observation> m_observations;
-    std::unique_ptr<QObject> m_pageOwner;  // ends first
+    std::vector<std::unique_ptr<Page>> m_pages;  // they end before their views do
 };
 
 }  // namespace orrinvale

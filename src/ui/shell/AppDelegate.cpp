@@ -7,6 +7,7 @@
 #include <QDeadlineTimer>
 #include <QFileDialog>
 #include <QLocale>
+#include <algorithm>
 #include <utility>
 
 #include "engine/base/Log.h"
@@ -133,13 +134,10 @@ void AppDelegate::perform(const StartRequest& request) {
     handleReopenAppEvent();
     if (request.kind == StartRequest::Kind::Open) {
         searchFolder(request.text);
-    } else if (request.isAction(startAction::duplicates)) {
-        m_duplicateMWC->selectDuplicateButtonAction();
-    } else if (request.isAction(startAction::largeFiles)) {
-        m_duplicateMWC->selectFileListButtonAction();
     } else if (request.isAction(startAction::ejectAll)) {
         rejestAllDisk();
-    } else if (request.kind == StartRequest::Kind::Action) {
+    } else if (request.kind == StartRequest::Kind::Action &&
+               !m_duplicateMWC->selectPage(request.text)) {
         Log::line(fmt::format("There is no action \"{}\".", request.text));
     }
 }
@@ -150,8 +148,8 @@ void AppDelegate::searchFolder(const std::string& path) {
         chooser->reject();
     m_duplicateMWC->dismissMessages();
     const bool isAsking = m_duplicateMWC->isAsking();
-    if (!isAsking) m_duplicateMWC->selectDuplicateButtonAction();
-    SameFileDeleteViewController& page = *m_duplicateMWC->sameFileDeleteVC();
+    if (!isAsking) m_duplicateMWC->selectFirstPage();
+    Page& page = m_duplicateMWC->firstPage();
     const QString shown = onOneLine(QString::fromStdString(path));
     // By its real path: what is relative or climbs is never removed.
     const auto folder = m_parts.pages.files->resolved(path);
@@ -166,11 +164,11 @@ void AppDelegate::searchFolder(const std::string& path) {
     } else if (isAsking) {
         alert.title = tr("A question is still open.");
         alert.text = tr("Answer it, and then choose %1 again.").arg(shown);
-    } else if (!page.bSearchFinished()) {
+    } else if (page.isBusy()) {
         alert.title = tr("Something else is under way.");
         alert.text = tr("Stop it or wait for its end, and then choose %1 again.").arg(shown);
     } else {
-        page.viewDragAction(*folder);
+        page.takeFolder(*folder);
         return;
     }
     tell(alert);
@@ -206,12 +204,15 @@ void AppDelegate::endBySignal(int signal) {
     leave([this, signal] { m_parts.endBySignal(signal); });
 }
 
-bool AppDelegate::isRemoving() const {
-    if (!m_duplicateMWC) return false;
-    const ListFileViewController* const large = m_duplicateMWC->listFileVC();
-    return m_duplicateMWC->sameFileDeleteVC()->isRemoving() ||
-           (large != nullptr && large->isRemoving());
+std::vector<Page*> AppDelegate::pages() const {
+    std::vector<Page*> all;
+    if (m_duplicateMWC) all = m_duplicateMWC->pages();
+    for (const auto& each : AppPrefsWindowController::sharedPrefsWindowController().pages())
+        all.push_back(each.get());
+    return all;
 }
+
+bool AppDelegate::isRemoving() const { return std::ranges::any_of(pages(), &Page::isRemoving); }
 
 // Nothing is unwound: threads may still be at work. What they remove goes entry by entry, and each
 // stands as a whole or is gone; so only an entry under way is worth a moment.
@@ -229,9 +230,8 @@ void AppDelegate::leave(std::function<void()> last) {
         end();
         return;
     }
-    m_duplicateMWC->sameFileDeleteVC()->stopRemoveBtnClicked();
-    if (m_duplicateMWC->listFileVC() != nullptr) m_duplicateMWC->listFileVC()->giveUpRemoval();
-    window()->hide();
+    for (Page* const each : pages()) each->giveUp();
+    if (window() != nullptr) window()->hide();
     connect(&m_leaveTimer, &QTimer::timeout, this,
             [this, end, patience = QDeadlineTimer(endPatience)] {
                 if (!isRemoving() || patience.hasExpired()) end();

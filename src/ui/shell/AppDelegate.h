@@ -18,7 +18,7 @@
 #include "engine/volumes/VolumesManager.h"
 #include "platform/StartRequest.h"
 #include "services/volumes/VolumeWorker.h"
-#include "ui/duplicates/SameFileDeleteViewController.h"
+#include "ui/page/PageServices.h"
 #include "ui/shell/DuplicateMainWindowController.h"
 
 class QLabel;
@@ -33,7 +33,7 @@ class WorkspaceMounts;
 
 /// What the delegate works with. Nothing of it is owned; all of it outlives the delegate.
 struct AppDelegateParts {
-    SameFileDeleteParts pages;
+    PageServices pages;
     FileIcons* icons = nullptr;
     Volumes* volumes = nullptr;  ///< asked on other threads, and patient
     Volumes* volumesAtOnce =
@@ -115,6 +115,8 @@ private:
     void tell(const Alert& alert);
     void searchFolder(const std::string& path);
     void leave(std::function<void()> last);
+    /// Of both windows, those that have been shown.
+    [[nodiscard]] std::vector<Page*> pages() const;
     [[nodiscard]] bool isRemoving() const;
     void bringBackWhatIsAside();
     void tellOfRecovery(const AsideRecovery& recovery);

@@ -1,4 +1,5 @@
-// DuplicateMainWindowController: see DuplicateMainWindowController.h.
+// DuplicateMainWindowController: the list of tabs is filled by addPages(), everything else goes
+// over it. The delegates' operations at the end say which view each page shows.
 #include "ui/shell/DuplicateMainWindowController.h"
 
 #include <QAbstractButton>
@@ -9,7 +10,6 @@
 #include <QShortcut>
 #include <QVBoxLayout>
 #include <algorithm>
-#include <string_view>
 #include <utility>
 #include <variant>
 
@@ -19,6 +19,7 @@
 #include "ui/kit/chrome/TitleBarView.h"
 #include "ui/kit/chrome/ToplineView.h"
 #include "ui/kit/chrome/WindowButton.h"
+#include "ui/kit/controls/viewParts.h"
 #include "ui/kit/dialogs/Sheet.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/kit/look/accessibleRole.h"
@@ -44,25 +45,15 @@ constexpr QSize smallest{800, 506};
 constexpr QSize largest{1200, 900};
 constexpr std::string_view frameKey = "MainWindowFrame";
 
-QWidget* makeHolder(QWidget& content, const char* name) {
-    auto* const made = new QWidget(&content);
-    made->setObjectName(QLatin1String(name));
-    auto* const column = new QVBoxLayout(made);
-    column->setContentsMargins({});
-    content.layout()->addWidget(made);
-    return made;
-}
-
 }  // namespace
 
-DuplicateMainWindowController::DuplicateMainWindowController(SameFileDeleteParts parts,
+DuplicateMainWindowController::DuplicateMainWindowController(PageServices services,
                                                              FileIcons& icons, QObject* parent)
     : QObject(parent),
       m_icons(icons),
-      m_defaults(*parts.defaults),
+      m_defaults(*services.defaults),
       m_aWindow(std::make_unique<TCImageWindow>()),
-      m_listFileParts{.files = parts.files, .dialogs = parts.dialogs, .icons = parts.icons},
-      m_sameFileDeleteVC(std::make_unique<SameFileDeleteViewController>(std::move(parts))) {
+      m_services(std::move(services)) {
     windowDidLoad();
 }
 
@@ -79,34 +70,53 @@ void DuplicateMainWindowController::windowDidLoad() {
     window.setMaxSize(largest);
     window.setHeaderImage(QStringLiteral("wheader"));
     new ToplineView(window.titleBarView());
-    addTabs();
+    addTitleBar();
 
     auto* const content = new QWidget;
     auto* const around = new QVBoxLayout(content);
     around->setContentsMargins({});
-    m_duplicateView = makeHolder(*content, "duplicateView");
-    m_diskView = makeHolder(*content, "diskView");
+    addPages(*content);
     window.setContentView(content);
     window.setContentSize(smallest);
     window.standardWindowButton(0)->setAction([this] { closeWindow(); });
 
-    m_sameFileDeleteVC->setMainWindow(&window);
-    m_sameFileDeleteVC->setDelegate(this);
-    swapView(*m_duplicateView, nullptr, m_sameFileDeleteVC->view());
     addShortcuts();
-    selectDuplicateButtonAction();
+    select(0);
 }
 
-void DuplicateMainWindowController::addTabs() {
+void DuplicateMainWindowController::addPages(QWidget& content) {
+    m_duplicateView = new PageStack("duplicateView", &content);
+    addTab(startAction::duplicates, m_duplicateButton, m_duplicateView, [this] {
+        auto made = std::make_unique<SameFileDeleteViewController>(m_services);
+        m_sameFileDeleteVC = made.get();
+        m_sameFileDeleteVC->setDelegate(this);
+        return made;
+    });
+    m_diskView = new PageStack("diskView", &content);
+    addTab(startAction::largeFiles, m_fileListButton, m_diskView, [this] {
+        auto made = std::make_unique<ListFileViewController>(m_services);
+        m_listFileVC = made.get();
+        m_listFileVC->setDetagate(this);
+        return made;
+    });
+    for (const Tab& each : m_tabs) content.layout()->addWidget(each.stack);
+}
+
+void DuplicateMainWindowController::addTab(std::string_view identifier, TitleTab* button,
+                                           PageStack* stack,
+                                           std::function<std::unique_ptr<Page>()> make) {
+    const std::size_t place = m_tabs.size();
+    m_tabs.push_back({identifier, button, stack, std::move(make), nullptr});
+    connect(button, &QAbstractButton::clicked, this, [this, place] { select(place); });
+}
+
+void DuplicateMainWindowController::addTitleBar() {
     TitleBarView& bar = *m_aWindow->titleBarView();
     m_titleLabel = new QLabel(QStringLiteral("Orrinvale"), &bar);
     m_titleLabel->setObjectName(QStringLiteral("titleLabel"));
     m_titleLabel->setFont(Theme::shared().font(Theme::Text::Heading));
-    using Self = DuplicateMainWindowController;
-    m_duplicateButton =
-        makeTab(tr("Duplicate File Finder"), "duplicateButton", &Self::selectDuplicateButtonAction);
-    m_fileListButton =
-        makeTab(tr("Large File Finder"), "fileListButton", &Self::selectFileListButtonAction);
+    m_duplicateButton = named(new TitleTab(tr("Duplicate File Finder"), &bar), "duplicateButton");
+    m_fileListButton = named(new TitleTab(tr("Large File Finder"), &bar), "fileListButton");
     // The three window buttons stand on the left; as much is left free on the right, so that the
     // tabs are in the middle.
     constexpr int buttonsWidth = leftMargin + 3 * WindowButton::side + 2 * Theme::gapSmall;
@@ -152,30 +162,16 @@ void DuplicateMainWindowController::setApplicationMenu(ApplicationMenu& menu) {
     m_menuButton->show();
 }
 
-TitleTab* DuplicateMainWindowController::makeTab(const QString& title, const char* name,
-                                                 void (DuplicateMainWindowController::*chosen)()) {
-    auto* const tab = new TitleTab(title, m_aWindow->titleBarView());
-    tab->setObjectName(QLatin1String(name));
-    connect(tab, &QAbstractButton::clicked, this, chosen);
-    return tab;
-}
-
 void DuplicateMainWindowController::addShortcuts() {
     const auto on = [this](const QKeySequence& keys, auto action) {
         connect(new QShortcut(keys, m_aWindow.get()), &QShortcut::activated, this, action);
     };
-    on(QKeySequence(Qt::CTRL | Qt::Key_1),
-       &DuplicateMainWindowController::selectDuplicateButtonAction);
-    on(QKeySequence(Qt::CTRL | Qt::Key_2),
-       &DuplicateMainWindowController::selectFileListButtonAction);
+    for (std::size_t tab = 0; tab < m_tabs.size(); ++tab)
+        on(QKeySequence(QKeyCombination(Qt::CTRL, Qt::Key(Qt::Key_1 + tab))),
+           [this, tab] { select(tab); });
     // The window itself has the keys that close it: a second shortcut would make them ambiguous,
     // and neither would act.
-    on(QKeySequence(QKeySequence::Open), &DuplicateMainWindowController::chooseFolder);
-}
-
-void DuplicateMainWindowController::chooseFolder() {
-    if (m_fileListButton->isOn()) m_listFileVC->selectFileButtonAction();
-    else m_sameFileDeleteVC->clickScanBtn();
+    on(QKeySequence(QKeySequence::Open), [this] { shownPage().chooseFolder(); });
 }
 
 void DuplicateMainWindowController::showWindow() {
@@ -220,64 +216,51 @@ void DuplicateMainWindowController::closeWindow() {
     m_aWindow->hide();
 }
 
-void DuplicateMainWindowController::selectDuplicateButtonAction() { showHolder(false); }
-
-void DuplicateMainWindowController::selectFileListButtonAction() {
-    addListFileView();
-    showHolder(true);
+std::vector<Page*> DuplicateMainWindowController::pages() const {
+    std::vector<Page*> made;
+    for (const Tab& each : m_tabs)
+        if (each.page) made.push_back(each.page.get());
+    return made;
 }
 
-void DuplicateMainWindowController::showHolder(bool isDiskView) {
-    m_duplicateButton->setOn(!isDiskView);
-    m_fileListButton->setOn(isDiskView);
-    m_duplicateView->setVisible(!isDiskView);
-    m_diskView->setVisible(isDiskView);
+bool DuplicateMainWindowController::selectPage(std::string_view identifier) {
+    const auto found = std::ranges::find(m_tabs, identifier, &Tab::identifier);
+    if (found != m_tabs.end()) select(static_cast<std::size_t>(found - m_tabs.begin()));
+    return found != m_tabs.end();
 }
 
-void DuplicateMainWindowController::addListFileView() {
-    if (m_listFileVC) return;
-    m_listFileVC = std::make_unique<ListFileViewController>(m_listFileParts);
-    m_listFileVC->setMainWindow(m_aWindow.get());
-    m_listFileVC->setDetagate(this);
-    swapView(*m_diskView, nullptr, m_listFileVC->aLoadView());
-}
-
-void DuplicateMainWindowController::swapView(QWidget& holder, QWidget* removed, QWidget* added) {
-    if (removed != nullptr) {
-        holder.layout()->removeWidget(removed);
-        removed->hide();
+void DuplicateMainWindowController::select(std::size_t tab) {
+    Tab& chosen = m_tabs[tab];
+    if (!chosen.page) {
+        chosen.page = chosen.make();
+        chosen.page->setMainWindow(m_aWindow.get());
+        chosen.stack->showView(chosen.page->view());
     }
-    holder.layout()->addWidget(added);
-    added->show();
-    added->raise();
+    m_shownTab = tab;
+    for (const Tab& each : m_tabs) {
+        each.button->setOn(&each == &chosen);
+        each.stack->setVisible(&each == &chosen);
+    }
 }
 
 void DuplicateMainWindowController::changeToProgressView() {
-    // The detail view too: a folder may be chosen from there.
-    m_sameFileDeleteVC->detailView()->hide();
-    m_duplicateView->layout()->removeWidget(m_sameFileDeleteVC->detailView());
-    swapView(*m_duplicateView, m_sameFileDeleteVC->view(), m_sameFileDeleteVC->progressageView());
+    m_duplicateView->showView(m_sameFileDeleteVC->progressageView());
 }
 
 void DuplicateMainWindowController::changeToDetailView() {
-    swapView(*m_duplicateView, m_sameFileDeleteVC->progressageView(),
-             m_sameFileDeleteVC->detailView());
+    m_duplicateView->showView(m_sameFileDeleteVC->detailView());
 }
 
 void DuplicateMainWindowController::backButtonAction() {
-    // After a stopped search the progress view stands there, and the first view takes its place
-    // too.
-    m_sameFileDeleteVC->progressageView()->hide();
-    m_duplicateView->layout()->removeWidget(m_sameFileDeleteVC->progressageView());
-    swapView(*m_duplicateView, m_sameFileDeleteVC->detailView(), m_sameFileDeleteVC->view());
+    m_duplicateView->showView(m_sameFileDeleteVC->view());
 }
 
 void DuplicateMainWindowController::showDetailPage() {
-    swapView(*m_diskView, m_listFileVC->aLoadView(), m_listFileVC->listView());
+    m_diskView->showView(m_listFileVC->listView());
 }
 
 void DuplicateMainWindowController::listFileBackButtonAction() {
-    swapView(*m_diskView, m_listFileVC->listView(), m_listFileVC->aLoadView());
+    m_diskView->showView(m_listFileVC->aLoadView());
 }
 
 void DuplicateMainWindowController::quickLookWithPath(const std::string& path) {
@@ -300,8 +283,7 @@ void DuplicateMainWindowController::quickLookWithPath(const std::string& path) {
 }
 
 void DuplicateMainWindowController::showBeside(int step) {
-    const std::string path = m_fileListButton->isOn() ? m_listFileVC->previewBeside(step)
-                                                      : m_sameFileDeleteVC->previewBeside(step);
+    const std::string path = shownPage().previewBeside(step);
     if (path.empty()) return;  // there is no further one
     m_filePath = path;
     m_previewPanel->showPath(path);

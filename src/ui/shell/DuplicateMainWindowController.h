@@ -3,11 +3,16 @@
 
 #include <QObject>
 #include <QPointer>
+#include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <vector>
 
+#include "platform/StartRequest.h"
 #include "ui/duplicates/SameFileDeleteViewController.h"
 #include "ui/largefiles/ListFileViewController.h"
+#include "ui/page/PageStack.h"
 
 class QLabel;
 
@@ -32,28 +37,37 @@ protected:
         default;
 };
 
-/// Makes the window and the duplicate page at once, the large file page when its tab is first
-/// chosen; all live as long as it does, the window being closed or not. What runs on one tab goes
-/// on while the other is shown. Main thread only.
+/// Makes the window and its first page at once, every other when its tab is first chosen; all live
+/// as long as it does, the window being closed or not. What runs on one tab goes on while another
+/// is shown. Main thread only.
 class DuplicateMainWindowController final : public QObject,
                                             private SameFileDeleteViewControllerDelegate,
                                             private ListFileViewControllerDelagate {
     Q_OBJECT
 public:
     /// `icons` outlives the controller.
-    DuplicateMainWindowController(SameFileDeleteParts parts, FileIcons& icons,
+    DuplicateMainWindowController(PageServices services, FileIcons& icons,
                                   QObject* parent = nullptr);
     ~DuplicateMainWindowController() override;
 
     [[nodiscard]] TCImageWindow* window() const { return m_aWindow.get(); }
     [[nodiscard]] SameFileDeleteViewController* sameFileDeleteVC() const {
-        return m_sameFileDeleteVC.get();
+        return m_sameFileDeleteVC;
     }
     /// Null until its tab has been chosen.
-    [[nodiscard]] ListFileViewController* listFileVC() const { return m_listFileVC.get(); }
+    [[nodiscard]] ListFileViewController* listFileVC() const { return m_listFileVC; }
     [[nodiscard]] QWidget* duplicateView() const { return m_duplicateView; }
     [[nodiscard]] QWidget* diskView() const { return m_diskView; }
     [[nodiscard]] const std::string& filePath() const { return m_filePath; }
+
+    /// Those that have been made. None is null.
+    [[nodiscard]] std::vector<Page*> pages() const;
+    /// The page of the first tab: what a folder that is named outside of the window goes to.
+    [[nodiscard]] Page& firstPage() const { return *m_tabs.front().page; }
+    void selectFirstPage() { select(0); }
+    /// Shows the page of that identifier, which is the name of an action of a start too. False when
+    /// there is none.
+    bool selectPage(std::string_view identifier);
 
     void setDelegate(DuplicateMainWindowControllerDelegate* delegate) {
         m_delegate = delegate;
@@ -77,24 +91,32 @@ public:
 
 public Q_SLOTS:
     void closeWindow();
-    void selectDuplicateButtonAction();
-    void selectFileListButtonAction();
+    void selectDuplicateButtonAction() { selectPage(startAction::duplicates); }
+    void selectFileListButtonAction() { selectPage(startAction::largeFiles); }
 
     /// Opens the preview of the path, or closes it when it is open; the path shown stays then.
     void quickLookWithPath(const std::string& path);
 
 private:
+    /// A tab of the title bar and what it shows.
+    struct Tab {
+        std::string_view identifier;
+        TitleTab* button;
+        PageStack* stack;
+        std::function<std::unique_ptr<Page>()> make;
+        std::unique_ptr<Page> page;  // null until the tab has been chosen
+    };
+
     void windowDidLoad();
     void placeWindow();
     void showBeside(int step);
-    void addTabs();
+    void addTitleBar();
+    void addPages(QWidget& content);
+    void addTab(std::string_view identifier, TitleTab* button, PageStack* stack,
+                std::function<std::unique_ptr<Page>()> make);
     void addShortcuts();
-    [[nodiscard]] TitleTab* makeTab(const QString& title, const char* name,
-                                    void (DuplicateMainWindowController::*chosen)());
-    void addListFileView();
-    void showHolder(bool isDiskView);
-    void chooseFolder();
-    static void swapView(QWidget& holder, QWidget* removed, QWidget* added);
+    void select(std::size_t tab);
+    [[nodiscard]] Page& shownPage() const { return *m_tabs[m_shownTab].page; }
     void changeToProgressView() override;
     void changeToDetailView() override;
     void backButtonAction() override;
@@ -105,16 +127,18 @@ private:
     FileIcons& m_icons;
     UserDefaults& m_defaults;
     std::unique_ptr<TCImageWindow> m_aWindow;
-    QPointer<QWidget> m_duplicateView;
-    QPointer<QWidget> m_diskView;
+    QPointer<PageStack> m_duplicateView;
+    QPointer<PageStack> m_diskView;
     QPointer<TitleTab> m_duplicateButton;
     QPointer<TitleTab> m_fileListButton;
     QPointer<QLabel> m_titleLabel;
     QPointer<HoverButton> m_menuButton;
     QPointer<PreviewWindow> m_previewPanel;
-    const ListFileParts m_listFileParts;
-    std::unique_ptr<SameFileDeleteViewController> m_sameFileDeleteVC;
-    std::unique_ptr<ListFileViewController> m_listFileVC;
+    const PageServices m_services;
+    std::vector<Tab> m_tabs;  // their pages end before the window does
+    std::size_t m_shownTab = 0;
+    SameFileDeleteViewController* m_sameFileDeleteVC = nullptr;  // owned by its tab, as the next
+    ListFileViewController* m_listFileVC = nullptr;
     DuplicateMainWindowControllerDelegate* m_delegate = nullptr;
     std::string m_filePath;
     bool m_isPlaced = false;

@@ -62,16 +62,15 @@ PageWindow::PageWindow() : m_defaults(m_settings.at("settings.ini")), m_threads(
     };
     QnAuthorization::shareQnAuthorization().setParts({&authorization, &files, &m_permissions, {}});
     window = std::make_unique<DuplicateMainWindowController>(
-        SameFileDeleteParts{
-            .files = &files,
-            .notifications = &notifications,
-            .defaults = &m_defaults,
-            .dialogs = &dialogs,
-            .mainQueue = &m_mainQueue,
-            .stateFolder = m_settings.at("state"),
-            .icons = [this](const IconRequest& request) { return m_icons.icon(request); },
-            .reveal = [this](const std::string& path) { revealed.push_back(path); },
-            .openAddress = {}},
+        PageServices{.files = &files,
+                     .notifications = &notifications,
+                     .defaults = &m_defaults,
+                     .dialogs = &dialogs,
+                     .mainQueue = &m_mainQueue,
+                     .stateFolder = m_settings.at("state"),
+                     .icons = [this](const IconRequest& request) { return m_icons.icon(request); },
+                     .reveal = [this](const std::string& path) { revealed.push_back(path); },
+                     .openAddress = {}},
         m_icons);
     window->showWindow();
     EXPECT_TRUE(QTest::qWaitForWindowActive(window->window()));

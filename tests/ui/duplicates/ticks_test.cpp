@@ -50,6 +50,15 @@ protected:
     QTreeView& outline = on.control<QTreeView>("outline");
 };
 
+TEST_F(Ticks, AFolderWithACommaInItsNameKeepsAllOfItInTheTitle) {
+    ASSERT_TRUE(on.tree.write("a, b/1/x.txt", "same") && on.tree.write("a, b/2/x.txt", "same"));
+    ASSERT_TRUE(on.search(on.tree.at("a, b")));
+    on.click("leftCell0");
+    on.tick(on.row("x.txt", "1/x.txt"));
+    ASSERT_TRUE(on.waitFor([&] { return on.control("stopBtn").isEnabled(); }));
+    EXPECT_EQ(on.textOf("titleLabel"), "2 files in a, b, selected 1 files in All.");
+}
+
 TEST_F(Ticks, OneCopyStaysUnlessAPersonInsists) {
     EXPECT_FALSE(on.control("stopBtn").isEnabled());
     on.tick(on.row("two.txt", "a/two.txt"));

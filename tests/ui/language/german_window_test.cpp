@@ -9,7 +9,7 @@
 #include <QMenu>
 #include <QTest>
 
-#include "ui/duplicates/registerDuplicatePage.h"
+#include "ui/duplicates/duplicatePage.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/controls/TickOutline.h"
 #include "ui/kit/dialogs/AlertPanel.h"
@@ -148,7 +148,7 @@ TEST_F(GermanWindow, TheToolbarWindow) {
     AppPrefsWindowController controller;
     controller.setOpenAddress([](const QString& /*address*/) {});
     controller.setOpenHelp([] {});
-    registerDuplicatePage(controller, on.pages());
+    controller.registerPage(duplicatePage(on.pages()));
     controller.showWindow();
     look("toolbar window", *controller.window());
     EXPECT_TRUE(seen.contains(QStringLiteral("Hilfe")));

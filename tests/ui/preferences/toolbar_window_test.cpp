@@ -21,11 +21,12 @@
 #include "services/foundation/QtMainQueue.h"
 #include "support/LogLines.h"
 #include "support/TestTree.h"
-#include "ui/duplicates/registerDuplicatePage.h"
+#include "ui/duplicates/duplicatePage.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/chrome/WindowButton.h"
 #include "ui/kit/controls/DragView.h"
 #include "ui/kit/dialogs/RecordedDialogs.h"
+#include "ui/page/PageServices.h"
 #include "ui/preferences/AppPrefsWindowController.h"
 #include "ui/preferences/PrefsToolbar.h"
 
@@ -39,6 +40,19 @@ class StillStyle final : public QProxyStyle {
                    ? 0
                    : QProxyStyle::styleHint(hint, option, widget, data);
     }
+};
+
+/// A page that is its name.
+class LabelPage final : public Page {
+public:
+    explicit LabelPage(const QString& name) : m_label(new QLabel(name)) {
+        m_label->setObjectName(name);
+    }
+    QWidget* view() const override { return m_label; }
+    void setMainWindow(QWidget* window) override { EXPECT_NE(window, nullptr); }
+
+private:
+    QLabel* m_label;  // the window's once it is shown
 };
 
 class ToolbarWindow : public ::testing::Test {
@@ -63,15 +77,12 @@ protected:
 
     // A page whose view is called `view`.
     void add(const char* identifier, const char* view) {
-        controller->registerPage(
-            {QLatin1String(identifier), QLatin1String(identifier), QStringLiteral("ic_doc"),
-             [this, name = QString(QLatin1String(view))](QObject* owner) -> QWidget* {
-                 EXPECT_NE(owner, nullptr);
-                 made.append(name);
-                 auto* const label = new QLabel(name);
-                 label->setObjectName(name);
-                 return label;
-             }});
+        controller->registerPage({QLatin1String(identifier), QLatin1String(identifier),
+                                  QStringLiteral("ic_doc"),
+                                  [this, name = QString(QLatin1String(view))] {
+                                      made.append(name);
+                                      return std::make_unique<LabelPage>(name);
+                                  }});
     }
 
     void show() {
@@ -315,15 +326,15 @@ TEST_F(ToolbarWindow, TheDuplicatePageStandsAloneInIt) {
     static auto& settings = *new UserDefaults(tree.at("other.ini"));
     testing::RecordedDialogs dialogs;
     controller = std::make_unique<AppPrefsWindowController>();
-    registerDuplicatePage(*controller, {.files = &files,
-                                        .notifications = &notifications,
-                                        .defaults = &settings,
-                                        .dialogs = &dialogs,
-                                        .mainQueue = &mainQueue,
-                                        .stateFolder = {},
-                                        .icons = {},
-                                        .reveal = {},
-                                        .openAddress = {}});
+    controller->registerPage(duplicatePage({.files = &files,
+                                            .notifications = &notifications,
+                                            .defaults = &settings,
+                                            .dialogs = &dialogs,
+                                            .mainQueue = &mainQueue,
+                                            .stateFolder = {},
+                                            .icons = {},
+                                            .reveal = {},
+                                            .openAddress = {}}));
     show();
     const auto* const item = controller->toolbarItems().value(QStringLiteral("duplicates_file"));
     ASSERT_NE(item, nullptr);

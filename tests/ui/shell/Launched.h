@@ -76,7 +76,7 @@ struct Launched {
     Launched(const Launched&) = delete;
     Launched& operator=(const Launched&) = delete;
 
-    SameFileDeleteParts pages() {
+    PageServices pages() {
         return {.files = &files,
                 .notifications = &notifications,
                 .defaults = &defaults,

@@ -265,7 +265,7 @@ TEST(AppDelegate, TheNextRunFindsTheWindowWhereItWas) {
                                stored.replace("0 30 800 600 0", each.stored).toStdString()));
         Launched on;
         UserDefaults defaults(tree.at("settings.ini"));
-        SameFileDeleteParts parts = on.pages();
+        PageServices parts = on.pages();
         parts.defaults = &defaults;
         DuplicateMainWindowController next(parts, on.icons);
         next.showWindow();

@@ -27,7 +27,7 @@ struct ButtonPictures {
 /// Draws its picture in the middle, at iconSize(). Space and Enter click it. When it is checkable
 /// it may have a second set of pictures for its state on. The accessible name is, until one is set,
 /// the tool tip, since there is no text to read.
-class TCImageButton final : public DrawnButton<QAbstractButton> {
+class TCImageButton : public DrawnButton<QAbstractButton> {
     Q_OBJECT
 public:
     explicit TCImageButton(QWidget* parent = nullptr);

@@ -12,9 +12,9 @@
 #include <string>
 #include <string_view>
 
+#include "ui/kit/chrome/SheetHost.h"
 #include "ui/kit/chrome/WindowDrag.h"
 #include "ui/kit/chrome/desktopFrame.h"
-#include "ui/kit/dialogs/SheetHost.h"
 #include "ui/kit/look/Theme.h"
 
 namespace orrinvale {

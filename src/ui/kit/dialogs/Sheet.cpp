@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "ui/kit/dialogs/SheetHost.h"
+#include "ui/kit/chrome/SheetHost.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/kit/look/motion.h"
 

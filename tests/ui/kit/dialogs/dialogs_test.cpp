@@ -18,10 +18,10 @@
 #include <memory>
 
 #include "support/TestTree.h"
+#include "ui/kit/chrome/SheetHost.h"
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/dialogs/RecordedDialogs.h"
 #include "ui/kit/dialogs/Sheet.h"
-#include "ui/kit/dialogs/SheetHost.h"
 #include "ui/kit/dialogs/WindowDialogs.h"
 
 namespace orrinvale {
