@@ -10,8 +10,10 @@
 #include <mutex>
 #include <utility>
 
+#include "cli/CleanRemoval.h"
 #include "cli/Output.h"
 #include "cli/SearchWatch.h"
+#include "engine/base/saturating.h"
 #include "engine/cleaning/FolderUtilities.h"
 #include "engine/cleaning/ScanErrand.h"
 #include "engine/settings/UserFolders.h"
@@ -45,11 +47,40 @@ std::string categoryWords() {
     return words;
 }
 
-std::vector<Error> skippedOf(const std::vector<ScannedCategory>& all) {
-    std::vector<Error> skipped;
-    for (const ScannedCategory& each : all)
-        skipped.insert(skipped.end(), each.listing.skipped.begin(), each.listing.skipped.end());
-    return skipped;
+// Why these categories can not be cleaned by whoever asks; empty when they can.
+std::string objectionTo(const std::vector<CleanCategory>& wanted) {
+    for (const CleanCategory category : wanted)
+        if (isOfTheSystem(category) && ::geteuid() != 0)
+            return fmt::format("{} is for root to clean; run the command with sudo",
+                               namesOf(category).word);
+    return {};
+}
+
+// The folders of a category in which nothing is touched, where there are no others.
+std::optional<std::string> closedCategory(const std::vector<ScannedCategory>& scanned) {
+    for (const ScannedCategory& each : scanned)
+        if (each.listing.rows.empty() && each.listing.kept.empty() && !each.listing.closed.empty())
+            return fmt::format("{}: {}: {}", namesOf(each.category).word,
+                               each.listing.closed.front().path,
+                               each.listing.closed.front().reason);
+    return std::nullopt;
+}
+
+bool isAgreed(const std::vector<ScannedCategory>& scanned) {
+    std::size_t rows = 0;
+    std::uint64_t bytes = 0;
+    for (const ScannedCategory& each : scanned) {
+        rows += each.listing.rows.size();
+        addSaturating(bytes, each.listing.bytes);
+    }
+    Output(STDERR_FILENO)
+        .write(fmt::format("Remove {} {}, {}, for good? [y/N] ", rows,
+                           rows == 1 ? "entry" : "entries",
+                           UtilityFunction::convertVolSpace(bytes)));
+    std::string answer;
+    char typed = 0;
+    while (::read(STDIN_FILENO, &typed, 1) == 1 && typed != '\n') answer += typed;
+    return answer == "y" || answer == "Y" || answer == "yes";
 }
 
 // The scan in hand, for the thread that watches.
@@ -96,13 +127,19 @@ CleanCommand::~CleanCommand() = default;
 std::string_view CleanCommand::description() const {
     return "Six categories are looked at: system-caches, user-caches, system-logs, user-logs, "
            "user-trash and user-downloads. What is open, mounted, changed a moment ago or can not "
-           "be made again stays, and the listing says why. Nothing is removed.";
+           "be made again stays, and the listing says why. With --remove all is asked once more, "
+           "what "
+           "came or changed since stays, and at the end stands by how much the free space grew.";
 }
 
 std::vector<OptionSpec> CleanCommand::options() const {
     return {{"--category", "NAME...",
              "Only this category; may be repeated. One of system-caches, user-caches, "
              "system-logs, user-logs, user-trash, user-downloads"},
+            {"--remove", "",
+             "Remove what is listed, after a question; only with --category. It ends with 1 where "
+             "something could not be removed"},
+            {"--yes", "", "Remove without the question"},
             {"--keep", "PATH...", "From now on always keep this entry, here and in the window"},
             {"--no-longer-keep", "PATH...", "Take it off that list again"}};
 }
@@ -165,19 +202,66 @@ Status CleanCommand::run(const Arguments& arguments) {
         complain(*fault);
         return Status::NoSuchFolder;
     }
+    const bool removes = arguments.has("remove");
+    if (removes && !arguments.has("category"))
+        return badUsage("--remove wants to be told what, by --category");
+    if (removes && !arguments.has("yes") && !isTerminal(STDIN_FILENO))
+        return badUsage("--remove asks first, and there is no terminal to ask on; give --yes");
+    if (const std::string objection = removes ? objectionTo(wanted) : std::string();
+        !objection.empty()) {
+        complain(objection);
+        return Status::NoSuchFolder;
+    }
     const Scanned scanned = scan(wanted, tellingFor(arguments));
+    const Status status = removes && scanned.ending == Ending::Whole ? remove(arguments, scanned)
+                                                                     : print(arguments, scanned);
+    // The thread that waits would use what is taken down behind it.
+    if (scanned.isSilent) std::_Exit(static_cast<int>(Status::SomeSkipped));
+    return status;
+}
+
+Status CleanCommand::print(const Arguments& arguments, const Scanned& scanned) {
     const std::vector<Error> skipped = skippedOf(scanned.categories);
     if (!arguments.has("quiet")) complainOfEach(skipped);
-
     Output out(STDOUT_FILENO);
     const bool isStopped = scanned.ending != Ending::Whole;
     if (arguments.has("json")) printCleanJson(out, scanned.categories, std::nullopt, isStopped);
     else if (arguments.has("print0")) printCleanPaths(out, scanned.categories);
     else printCleanListing(out, scanned.categories, now(), wantsColour(STDOUT_FILENO));
-    const Status status = finish(out, skipped, scanned.ending);
-    // The thread that waits would use what is taken down behind it.
-    if (scanned.isSilent) std::_Exit(static_cast<int>(Status::SomeSkipped));
-    return status;
+    return finish(out, skipped, scanned.ending);
+}
+
+// The listing comes before the question, and then not again.
+Status CleanCommand::remove(const Arguments& arguments, const Scanned& scanned) {
+    if (const auto closed = closedCategory(scanned.categories)) {
+        complain(*closed);
+        return Status::NoSuchFolder;
+    }
+    const std::vector<Error> skipped = skippedOf(scanned.categories);
+    if (!arguments.has("quiet")) complainOfEach(skipped);
+    const bool isForPeople = !arguments.has("json") && !arguments.has("print0");
+    Output out(STDOUT_FILENO);
+    if (isForPeople) printCleanListing(out, scanned.categories, now(), wantsColour(STDOUT_FILENO));
+    out.flush();
+    const bool isAnything =
+        std::any_of(scanned.categories.begin(), scanned.categories.end(),
+                    [](const auto& each) { return !each.listing.rows.empty(); });
+    CleanRemovalResult done;
+    done.ending = scanned.ending;
+    if (isAnything) {
+        if (!arguments.has("yes") && !isAgreed(scanned.categories)) {
+            complain("nothing was removed");
+            return Status::Done;
+        }
+        done = removeRows(parts(), scanned.categories, tellingFor(arguments));
+    }
+    if (arguments.has("json"))
+        printCleanJson(out, scanned.categories, done.outcome, done.ending != Ending::Whole);
+    else if (arguments.has("print0"))
+        for (const std::string& path : done.outcome.removed) out.write(path + '\0');
+    else if (isAnything) printCleanOutcome(out, done.outcome);
+    const Status status = finish(out, skipped, done.ending);
+    return status == Status::Done && !done.isWhole ? Status::SomeSkipped : status;
 }
 
 }  // namespace orrinvale::cli

@@ -32,7 +32,7 @@ public:
 
     [[nodiscard]] std::string_view name() const override { return "clean"; }
     [[nodiscard]] std::string_view summary() const override {
-        return "List what cleaning would remove, with what stays and why";
+        return "List what cleaning would remove, and what stays and why; or remove it";
     }
     [[nodiscard]] std::string_view description() const override;
     [[nodiscard]] std::vector<OptionSpec> options() const override;
@@ -47,6 +47,8 @@ private:
     };
     [[nodiscard]] CleanParts parts() const;
     [[nodiscard]] Scanned scan(const std::vector<CleanCategory>& wanted, Telling telling);
+    [[nodiscard]] static Status print(const Arguments& arguments, const Scanned& scanned);
+    [[nodiscard]] Status remove(const Arguments& arguments, const Scanned& scanned);
     [[nodiscard]] std::optional<std::string> changeKeepList(const Arguments& arguments) const;
 
     const FileSystem& m_files;

@@ -68,13 +68,6 @@ void appendCategory(std::string& out, const ScannedCategory& scanned) {
     out += "]}";
 }
 
-std::vector<Error> skippedOf(const std::vector<ScannedCategory>& all) {
-    std::vector<Error> skipped;
-    for (const ScannedCategory& each : all)
-        skipped.insert(skipped.end(), each.listing.skipped.begin(), each.listing.skipped.end());
-    return skipped;
-}
-
 void appendOutcome(std::string& out, const CleanOutcome& outcome) {
     out += ",\n  \"removed\": [";
     appendEach(out, "    ", outcome.removed, [](std::string& text, const std::string& path) {
@@ -164,6 +157,13 @@ void printCategory(Output& out, const ScannedCategory& scanned, std::int64_t now
 
 }  // namespace
 
+std::vector<Error> skippedOf(const std::vector<ScannedCategory>& scanned) {
+    std::vector<Error> skipped;
+    for (const ScannedCategory& each : scanned)
+        skipped.insert(skipped.end(), each.listing.skipped.begin(), each.listing.skipped.end());
+    return skipped;
+}
+
 std::string ageText(std::int64_t age) {
     struct Unit {
         std::int64_t seconds;
@@ -214,6 +214,26 @@ void printCleanListing(Output& out, const std::vector<ScannedCategory>& scanned,
     }
     out.write(fmt::format("{}In all {}{}; the disk gets back {}.\n", style.strong, sizeText(bytes),
                           style.plain, sizeText(onDisk)));
+}
+
+void printCleanOutcome(Output& out, const CleanOutcome& outcome) {
+    for (const StayedEntry& each : outcome.failed)
+        out.write(fmt::format("stayed, {}: {}\n", each.reason, printable(each.path)));
+    out.write(fmt::format("Removed {}. ", counted(outcome.removed.size(), "entry", "entries")));
+    if (!outcome.gained) {
+        out.write(fmt::format("Promised {}; the free space can not be told.\n",
+                              sizeText(outcome.promised)));
+        return;
+    }
+    const std::uint64_t gained =
+        static_cast<std::uint64_t>(std::max<std::int64_t>(*outcome.gained, 0));
+    out.write(fmt::format("Promised {}, free space grew by {}.\n", sizeText(outcome.promised),
+                          sizeText(gained)));
+    constexpr double nearly = 0.9;
+    if (static_cast<double>(gained) >= nearly * static_cast<double>(outcome.promised)) return;
+    out.write(
+        "The rest is still held: by what stayed, by programs that have removed files open, "
+        "by snapshots\nand shared copies; or others have written meanwhile.\n");
 }
 
 }  // namespace orrinvale::cli

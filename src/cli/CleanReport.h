@@ -18,6 +18,9 @@ struct ScannedCategory {
     CategoryListing listing;
 };
 
+/// What the scans could not read.
+[[nodiscard]] std::vector<Error> skippedOf(const std::vector<ScannedCategory>& scanned);
+
 /// What a removal came to; all of it in bytes on the disk.
 struct CleanOutcome {
     std::vector<std::string> removed;  ///< paths that are gone

@@ -67,6 +67,75 @@ TEST(CleanCommand, keepsForGood) {
     EXPECT_EQ(both.run().output.size(), 2 * tree.at("Downloads/a").size() + 2);
 }
 
+TEST(CleanCommand, removesWhatItListedAndSaysHowMuchCameBack) {
+    TestTree tree;
+    ASSERT_TRUE(tree.write("Downloads/big/x", std::string(200'000, 'x')) &&
+                tree.write("Downloads/small", "12") && tree.write("Downloads/a.part", "1"));
+    const auto run = cleanRun(tree, {"--category=user-downloads", "--remove", "--yes", "--json"});
+    const auto result = run.run();
+    EXPECT_EQ(result.status, 0) << result.error;
+    const Json document = Json::parse(result.output);
+    EXPECT_EQ(document["removed"].size(), 2U) << result.output;
+    EXPECT_EQ(document["failed"], Json::array());
+    EXPECT_GE(document["promised"].get<std::int64_t>(), 200'000);
+    EXPECT_TRUE(document["gained"].is_number_integer());
+    EXPECT_FALSE(isThere(tree.at("Downloads/big")) || isThere(tree.at("Downloads/small")));
+    EXPECT_TRUE(isThere(tree.at("Downloads/a.part")));
+    const std::string history =
+        contentOf(tree.at(".local/state/com.kelpford.Orrinvale/.kelpford.log.bin"));
+    EXPECT_TRUE(history.starts_with("logName=SIZE&&date=20") && history.ends_with("&&iSize=200002"))
+        << history;
+
+    const auto again = cleanRun(tree, {"--category=user-downloads", "--remove", "--yes"})
+                           .run();  // nothing is left
+    EXPECT_EQ(again.status, 0);
+    EXPECT_EQ(again.output.find("Removed"), std::string::npos) << again.output;
+}
+
+TEST(CleanCommand, removesOnlyWhenItMay) {
+    const struct {
+        std::vector<std::string> arguments;
+        bool isRoot;
+        int status;
+        const char* error;
+    } cases[] = {
+        {{"--remove", "--yes"}, true, 2, "--remove wants to be told what"},
+        {{"--remove", "--category=user-downloads"}, true, 2, "there is no terminal to ask on"},
+        {{"--remove", "--yes", "--category=system-logs"}, false, 3, "is for root to clean"},
+        {{"--remove", "--yes", "--category=none"}, true, 2, "there is no category"},
+    };
+    for (const auto& each : cases) {
+        TestTree tree;
+        ASSERT_TRUE(tree.write("Downloads/x", "1"));
+        auto run = cleanRun(tree, each.arguments);
+        if (!each.isRoot && ::geteuid() == 0) run.user = 65534;
+        const auto result = run.run();
+        EXPECT_EQ(result.status, each.status) << each.error;
+        EXPECT_NE(result.error.find(each.error), std::string::npos) << result.error;
+        EXPECT_EQ(result.output, "");
+        EXPECT_TRUE(isThere(tree.at("Downloads/x")));
+    }
+}
+
+TEST(CleanCommand, whatCanNotGoIsTold) {
+    TestTree tree;
+    ASSERT_TRUE(tree.write("Downloads/shut/in/x", "1") && tree.write("Downloads/free", "1") &&
+                tree.setMode("Downloads/shut/in", 0555) && tree.setMode(".", 0755));
+    auto run = cleanRun(tree, {"--category=user-downloads", "--remove", "--yes"});
+    if (::geteuid() == 0) {
+        for (const char* name : {".", "Downloads", "Downloads/shut", "Downloads/free"})
+            ASSERT_EQ(::chown(tree.at(name).c_str(), 65534, 65534), 0);
+        run.user = 65534;
+    }
+    const auto result = run.run();
+    EXPECT_EQ(result.status, 1) << result.error;
+    EXPECT_NE(result.output.find("stayed, Permission denied: " + tree.at("Downloads/shut/in/x")),
+              std::string::npos)
+        << result.output;
+    EXPECT_NE(result.output.find("Removed 1 entry. Promised "), std::string::npos);
+    EXPECT_FALSE(isThere(tree.at("Downloads/free")));
+}
+
 // sudo leaves a person's home to root.
 TEST(CleanCommand, rootLeavesTheHomeOfSomebodyElseAlone) {
     if (::geteuid() != 0) GTEST_SKIP() << "only root can try";
@@ -76,6 +145,9 @@ TEST(CleanCommand, rootLeavesTheHomeOfSomebodyElseAlone) {
     EXPECT_NE(run.output.find("left alone, the home folder is somebody else's"), std::string::npos)
         << run.output;
     EXPECT_EQ(run.output.find("Downloads/a"), std::string::npos);
+    const auto removal = cleanRun(tree, {"--category=user-downloads", "--remove", "--yes"}).run();
+    EXPECT_EQ(removal.status, 3);
+    EXPECT_TRUE(isThere(tree.at("Downloads/a")));
 }
 
 }  // namespace

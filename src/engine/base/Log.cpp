@@ -8,10 +8,13 @@
 #include <mutex>
 #include <utility>
 
+#include "engine/base/LogHush.h"
+
 namespace orrinvale {
 namespace {
 
 std::atomic<bool> s_enabled{true};
+thread_local unsigned s_hushed = 0;
 std::atomic<bool> s_engineEnabled{true};
 
 struct SinkHolder {
@@ -35,6 +38,9 @@ void writeAll(std::string_view text) {
 
 }  // namespace
 
+LogHush::LogHush() { ++s_hushed; }
+LogHush::~LogHush() { --s_hushed; }
+
 bool Log::isEnabled() { return s_enabled.load(std::memory_order_relaxed); }
 
 void Log::setEnabled(bool enabled) { s_enabled.store(enabled, std::memory_order_relaxed); }
@@ -53,7 +59,7 @@ void Log::setSink(Sink sink) {
 }
 
 void Log::line(std::string_view text) {
-    if (!isEnabled()) return;
+    if (!isEnabled() || (s_hushed > 0 && !isEngineEnabled())) return;
     std::string out = escapeControls(text);
     const std::lock_guard lock(holder().mutex);
     if (holder().sink) {

@@ -120,13 +120,15 @@ std::optional<std::string> runRemovalTool(const FileSystem& files, const std::st
                        static_cast<std::size_t>(std::max<std::ptrdiff_t>(count, 0)));
 }
 
-AuthorizedDoor::AuthorizedDoor(const AuthorizationParts& parts)
-    : AuthorizedDoor(parts, ProtectedPlaces::ofThisMachine(*parts.files, parts.ownFiles)) {}
+AuthorizedDoor::AuthorizedDoor(const AuthorizationParts& parts, ToolTakes takes)
+    : AuthorizedDoor(parts, ProtectedPlaces::ofThisMachine(*parts.files, parts.ownFiles), takes) {}
 
-AuthorizedDoor::AuthorizedDoor(const AuthorizationParts& parts, ProtectedPlaces places)
+AuthorizedDoor::AuthorizedDoor(const AuthorizationParts& parts, ProtectedPlaces places,
+                               ToolTakes takes)
     : m_files(*parts.files),
       m_permissions(parts.permissions),
-      m_plain(*parts.files, std::move(places)) {}
+      m_plain(*parts.files, std::move(places)),
+      m_takes(takes) {}
 
 // What the tool took from a folder makes room for another plain attempt: failures are told a
 // hundred at a time, and a folder that was not empty may be so now.
@@ -175,9 +177,10 @@ bool AuthorizedDoor::removeRefused(const LeavingEntry& entry, RemovalResult& res
 bool AuthorizedDoor::isForTheTool(const LeavingEntry& entry, const std::string& refused) const {
     const bool wasListed =
         entry.seen != nullptr || (entry.look != nullptr && refused != entry.path);
-    if (!wasListed) return true;
+    if (!wasListed && m_takes == ToolTakes::FilesAndFolders) return true;
     const auto now = attributesByPath(m_files, refused);
     if (!now || now->type != FileType::Folder) return true;
+    if (m_takes == ToolTakes::FilesAlone) return false;
     const auto parent = HeldEntry::holdParentOf(m_files, refused);
     if (!parent) return false;
     const auto folder =

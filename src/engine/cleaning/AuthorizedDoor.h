@@ -2,6 +2,7 @@
 // what these do not reach.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -13,10 +14,15 @@ namespace orrinvale {
 /// The parts outlive it.
 class AuthorizedDoor final : public RemovalDoor {
 public:
+    /// What the administrator's tool is handed.
+    enum class ToolTakes : std::uint8_t { FilesAndFolders, FilesAlone };
+
     /// A door of this moment, with the protected places as they are now: one for all that a person
     /// confirmed.
-    explicit AuthorizedDoor(const AuthorizationParts& parts);
-    AuthorizedDoor(const AuthorizationParts& parts, ProtectedPlaces places);
+    explicit AuthorizedDoor(const AuthorizationParts& parts,
+                            ToolTakes takes = ToolTakes::FilesAndFolders);
+    AuthorizedDoor(const AuthorizationParts& parts, ProtectedPlaces places,
+                   ToolTakes takes = ToolTakes::FilesAndFolders);
 
     /// A folder that shuts out its own owner is opened up for him, and shut again. The
     /// administrator's tool follows a refusal of rights alone, gets the entries that were refused,
@@ -35,6 +41,7 @@ private:
     const FileSystem& m_files;
     const Permissions* const m_permissions;
     PlainDoor m_plain;
+    const ToolTakes m_takes;
 };
 
 /// Runs "/bin/rm" as administrator on an entry as it was just seen: why the entry is not gone, or

@@ -10,6 +10,7 @@
 #include "engine/base/Log.h"
 #include "engine/base/saturating.h"
 #include "engine/cleaning/FolderUtilities.h"
+#include "engine/files/HeldEntry.h"
 #include "platform/paths.h"
 
 namespace orrinvale {
@@ -76,7 +77,7 @@ CategoryScan::CategoryScan(const CleanParts& parts, const CleanWatch& watch)
 CategoryListing CategoryScan::run(const std::vector<std::string>& folders) {
     CategoryListing listing;
     for (const std::string& path : folders) {
-        if (*m_watch.stop) break;
+        if (m_watch.stop != nullptr && *m_watch.stop) break;
         const auto folder = m_rules.folders().lookAt(path);
         if (!folder) continue;
         Log::line(fmt::format("Scan folder: {}", path));
@@ -92,31 +93,39 @@ CategoryListing CategoryScan::run(const std::vector<std::string>& folders) {
 }
 
 void CategoryScan::scan(const CleanFolders::Folder& folder, CategoryListing& listing) {
-    CleanFolders::Folder place = folder;
     if (folder.isSingle) {
-        place.path = folderOf(folder.path);
-        place.real = folderOf(folder.real);
-    }
-    CleanGround ground = m_rules.groundOf(place);
-    ground.rules = m_rules.folders().rulesFor(folder.real);
-    CleanWalk walk(*m_parts.files, ground,
-                   {.stop = m_watch.stop,
-                    .skipped = &m_skipped,
-                    .entries = m_watch.entries,
-                    .complete = [this](const CleanRow& row) {
-                        if (row.isOffered()) m_watch.total->fetch_add(row.bytes);
-                    }});
-    if (folder.isSingle) {
-        const auto entry =
-            m_parts.files->attributes(FileSystem::noParent, folder.path.c_str(), Links::Keep);
-        if (!entry || entry->type != FileType::Regular) return;
         std::vector<CleanRow> one;
-        one.push_back(walk.single(std::string(lastPathComponent(folder.path)), *entry));
+        if (auto row = rowAt(folder.path)) one.push_back(std::move(*row));
         return sort(std::move(one), listing);
     }
+    const CleanGround ground = m_rules.groundOf(folder);
+    CleanWalk walk(*m_parts.files, ground, walkWatch());
     auto opened = m_parts.files->openFolder(FileSystem::noParent, folder.path.c_str(), Links::Keep);
     if (!opened) return m_skipped.add(systemError("open", folder.path, opened.error()));
     sort(walk.rows(std::move(*opened)), listing);
+}
+
+CleanWalk::Watch CategoryScan::walkWatch() {
+    return {.stop = m_watch.stop,
+            .skipped = &m_skipped,
+            .entries = m_watch.entries,
+            .complete = [this](const CleanRow& row) {
+                if (row.isOffered() && m_watch.total != nullptr)
+                    m_watch.total->fetch_add(row.bytes);
+            }};
+}
+
+std::optional<CleanRow> CategoryScan::rowAt(const std::string& path) {
+    const std::string name(lastPathComponent(path));
+    const auto parent = HeldEntry::holdParentOf(*m_parts.files, path);
+    if (!parent || m_rules.fault()) return std::nullopt;
+    const auto entry = m_parts.files->attributes(parent->get(), name.c_str(), Links::Keep);
+    if (!entry) return std::nullopt;
+    CleanFolders::Folder folder{.path = folderOf(path), .real = folderOf(path)};
+    folder.real = m_parts.files->resolved(folder.path).value_or(folder.path);
+    CleanGround ground = m_rules.groundOf(folder);
+    ground.rules = m_rules.folders().rulesFor(joinPath(folder.real, name));
+    return CleanWalk(*m_parts.files, ground, walkWatch()).one(parent->get(), name, *entry);
 }
 
 void CategoryScan::sort(std::vector<CleanRow> rows, CategoryListing& listing) const {

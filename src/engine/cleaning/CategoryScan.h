@@ -68,7 +68,7 @@ private:
     std::vector<std::string> m_mounts;
 };
 
-/// How somebody looks on; nothing is owned.
+/// How somebody looks on; nothing is owned, and each may be null.
 struct CleanWatch {
     const std::atomic<bool>* stop = nullptr;        ///< leaves out the rows that are not complete
     std::atomic<std::uint64_t>* total = nullptr;    ///< bytes of the rows that are complete
@@ -84,7 +84,12 @@ public:
     /// there gives nothing.
     [[nodiscard]] CategoryListing run(const std::vector<std::string>& folders);
 
+    /// One entry by its absolute path, as if it stood alone in its folder; nothing when it is not
+    /// there, or nobody knows what may go.
+    [[nodiscard]] std::optional<CleanRow> rowAt(const std::string& path);
+
 private:
+    [[nodiscard]] CleanWalk::Watch walkWatch();
     void scan(const CleanFolders::Folder& folder, CategoryListing& listing);
     void sort(std::vector<CleanRow> rows, CategoryListing& listing) const;
 

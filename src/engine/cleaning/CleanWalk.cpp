@@ -93,16 +93,31 @@ std::vector<CleanRow> CleanWalk::rows(Descriptor folder) {
     return out;
 }
 
-CleanRow CleanWalk::single(const std::string& name, const FileAttributes& entry) {
-    RowState state;
+CleanRow CleanWalk::one(int parent, const std::string& name, const FileAttributes& entry) {
+    auto& state = *m_rows.emplace_back(std::make_unique<RowState>());
     startRow(state, entry, name);
-    Here here;
-    here.row = &state;
-    Tally tally;
-    takeFile(here, {.name = name.c_str(), .type = entry.type, .attributes = entry}, tally);
-    fold(state, tally);
+    if (entry.type != FileType::Folder) {
+        Here here;
+        here.row = &state;
+        Tally tally;
+        takeFile(here, {.name = name.c_str(), .type = entry.type, .attributes = entry}, tally);
+        fold(state, tally);
+    } else if (state.row.kept != KeptBecause::Mount) {
+        auto folder = m_files.openInside(parent, name.c_str());
+        if (folder) walkRow(state, std::move(*folder));
+        else noteUnread(state);
+    }
     finish(state);
+    for (const auto& [file, linked] : m_linked)
+        if (linked.met == linked.links) addSaturating(state.row.onDisk, linked.onDisk);
     return std::move(state.row);
+}
+
+void CleanWalk::walkRow(RowState& state, Descriptor folder) {
+    auto start = std::make_unique<Here>();
+    start->walk = this;
+    start->row = &state;
+    walk(std::move(start), state.row.path, std::move(folder));
 }
 
 KeptBecause CleanWalk::askAgain(const CleanRow& row, int parent, std::vector<File>* going) {
@@ -118,10 +133,7 @@ KeptBecause CleanWalk::askAgain(const CleanRow& row, int parent, std::vector<Fil
         auto folder = m_files.openInside(parent, name.c_str());
         if (!folder && folder.error() == EXDEV) return KeptBecause::Mount;
         if (!folder) return KeptBecause::Nothing;
-        auto start = std::make_unique<Here>();
-        start->walk = this;
-        start->row = &state;
-        walk(std::move(start), row.path, std::move(*folder));
+        walkRow(state, std::move(*folder));
     }
     finish(state);
     return state.row.staysWhole() ? state.row.kept : KeptBecause::Nothing;

@@ -59,8 +59,8 @@ public:
     /// All rows of the open folder in the order of its listing, those that stay included.
     [[nodiscard]] std::vector<CleanRow> rows(Descriptor folder);
 
-    /// The row of a file that stands for itself; `folder` of the ground is the one that it is in.
-    [[nodiscard]] CleanRow single(const std::string& name, const FileAttributes& entry);
+    /// The row of one entry of it alone, by its name in the open folder.
+    [[nodiscard]] CleanRow one(int parent, const std::string& name, const FileAttributes& entry);
 
     /// Asks again about a row whose entry stands still: why it stays now, or Nothing. Files that
     /// are not new are not looked at one by one, since the removal itself does that. With `going`
@@ -83,6 +83,7 @@ private:
     [[nodiscard]] bool staysByItself(const Here& here, const CatalogEntry& entry, Tally& tally);
     void judgeRow(RowState& state) const;
     void startRow(RowState& state, const FileAttributes& entry, const std::string& name) const;
+    void walkRow(RowState& state, Descriptor folder);
     void finish(RowState& state);
     void fold(RowState& state, Tally& tally);
     void noteUnread(RowState& state);

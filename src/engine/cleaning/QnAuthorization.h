@@ -75,6 +75,8 @@ public:
     /// places of this moment, the program's own files among them. The parts must have been handed
     /// over.
     [[nodiscard]] static std::unique_ptr<RemovalDoor> makeDoor();
+    /// The same; the administrator's tool gets single files, and never a folder.
+    [[nodiscard]] static std::unique_ptr<RemovalDoor> makeDoorForFiles();
 
     /// The platform that the right comes from; one that refuses everything when none was handed
     /// over.

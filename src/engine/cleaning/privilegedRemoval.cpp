@@ -17,6 +17,11 @@ std::unique_ptr<RemovalDoor> QnAuthorization::makeDoor() {
     return std::make_unique<AuthorizedDoor>(parts);
 }
 
+std::unique_ptr<RemovalDoor> QnAuthorization::makeDoorForFiles() {
+    return std::make_unique<AuthorizedDoor>(shareQnAuthorization().m_parts,
+                                            AuthorizedDoor::ToolTakes::FilesAlone);
+}
+
 bool QnAuthorization::removeItemAtPath(const std::string& path) {
     const FileSystem* const files = shareQnAuthorization().m_parts.files;
     const auto plain = plainPath(path);

@@ -22,6 +22,7 @@ enum class StayReason : std::uint8_t {
     CameLater,  ///< the scan did not list it
     NoCopy,     ///< nothing that holds the same stands elsewhere any more
     InUse,      ///< a program has it open for writing
+    Kept,       ///< a rule of cleaning keeps it, which is no failure
     Aside,      ///< set aside, and its own name was taken meanwhile
     System      ///< any other error of the system
 };

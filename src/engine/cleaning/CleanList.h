@@ -1,0 +1,89 @@
+// CleanList: the rows that go, fixed when a person confirms. RemovalJob works through it;
+// everything is asked again on the way.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "engine/cleaning/CategoryScan.h"
+#include "engine/removal/RemovalDoor.h"
+#include "engine/removal/RemovalList.h"
+
+namespace orrinvale {
+
+/// Rows that go whole are one entry each; of the others each file is one, which is known only after
+/// prepare(). What a rule keeps by now has StayReason::Kept.
+class CleanList final : public RemovalList {
+public:
+    CleanList(const CleanParts& parts, std::vector<CleanRow> rows);
+    ~CleanList() override;
+
+    void prepare() override;
+    [[nodiscard]] std::size_t size() const override {
+        return m_isPrepared ? m_entries.size() : m_rows.size();
+    }
+    [[nodiscard]] std::string path(std::size_t index) const override;
+    [[nodiscard]] std::optional<EntryIdentity> identity(std::size_t index) const override;
+    [[nodiscard]] std::uint64_t bytes(std::size_t index) const override;
+    [[nodiscard]] std::shared_ptr<const SeenEntries> seen(std::size_t index) override;
+    [[nodiscard]] tl::expected<std::unique_ptr<CopyLook>, StayedEntry> judge(
+        std::size_t index) override;
+    void settled(std::size_t index, const RemovalResult& result) override;
+
+    [[nodiscard]] const std::vector<CleanRow>& rows() const { return m_rows; }
+
+    // After prepare(), any thread.
+    [[nodiscard]] std::size_t rowOf(std::size_t index) const { return m_entries.at(index).row; }
+    [[nodiscard]] std::size_t entriesOf(std::size_t row) const { return m_count.at(row); }
+
+    // After the end of the removal.
+    /// Whether nothing of the row is left that was to go.
+    [[nodiscard]] bool isDone(std::size_t row) const { return m_left.at(row) == 0; }
+    /// Bytes of the entries that went, as the rows count them.
+    [[nodiscard]] std::uint64_t goneBytes() const { return m_goneBytes; }
+
+private:
+    struct Entry {
+        std::size_t row;
+        std::string path;
+        EntryIdentity identity;
+        bool isRow;
+    };
+    [[nodiscard]] CleanGround groundOf(const CleanRow& row);
+    [[nodiscard]] KeptBecause ask(const CleanRow& row, std::vector<CleanWalk::File>* files);
+    void expand(std::size_t row);
+    void askProgramsAnew();
+    void removeTrashRecord(const std::string& path) const;
+
+    const CleanParts m_parts;
+    std::vector<CleanRow> m_rows;
+    bool m_isPrepared = false;
+    std::vector<Entry> m_entries;
+    std::vector<std::size_t> m_count;  // entries of each row
+    std::vector<std::size_t> m_left;   // entries of each row that are not gone
+    std::uint64_t m_goneBytes = 0;
+    std::unique_ptr<CleanRules> m_rules;
+    std::map<std::string, CleanFolders::Folder> m_folders;  // by the paths of the rows' folders
+    std::chrono::steady_clock::time_point m_asked;          // when programs were asked
+};
+
+/// A door that names nothing of what goes in the log. Owns what it stands before.
+class QuietDoor final : public RemovalDoor {
+public:
+    explicit QuietDoor(std::unique_ptr<RemovalDoor> door) : m_door(std::move(door)) {}
+
+    [[nodiscard]] bool setsAside() const override { return m_door->setsAside(); }
+    void flush() override { m_door->flush(); }
+    [[nodiscard]] RemovalResult remove(const LeavingEntry& entry,
+                                       const std::atomic<bool>& stop) override;
+
+private:
+    const std::unique_ptr<RemovalDoor> m_door;
+};
+
+}  // namespace orrinvale

@@ -1,0 +1,34 @@
+// PathCleaner: see PathCleaner.h.
+#include "engine/cleaning/PathCleaner.h"
+
+#include <fmt/format.h>
+
+#include <atomic>
+
+#include "engine/base/Log.h"
+#include "engine/cleaning/CleanList.h"
+#include "engine/removal/RemovalRun.h"
+
+namespace orrinvale {
+
+PathCleaner::Outcome PathCleaner::remove(const std::string& path) {
+    auto row = CategoryScan(m_parts.clean, {}).rowAt(path);
+    if (!row || !row->isOffered()) {
+        Log::line(fmt::format("Clean deletable file failed: {}-{}", path,
+                              row ? row->keptWords : "it can not be looked at"));
+        return {};
+    }
+    std::vector<CleanRow> rows;
+    rows.push_back(std::move(*row));
+    CleanList list(m_parts.clean, std::move(rows));
+    QuietDoor door(m_parts.makeDoor());
+    const std::atomic<bool> never{false};
+    RemovalRun run(*m_parts.clean.files, m_parts.stateFolder, list, door, never,
+                   {.waiting = [](bool) {},
+                    .begins = [](auto, const auto&, bool) {},
+                    .settled = [](auto, const auto&) {}});
+    const RemovalOutcome outcome = run.run();
+    return {list.isDone(0), outcome.lacksRights};
+}
+
+}  // namespace orrinvale

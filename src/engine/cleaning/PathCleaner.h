@@ -1,0 +1,39 @@
+// PathCleaner: removes entries by their paths, one after another, by the rules of cleaning.
+// CleanTasks.h stands on it.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "engine/cleaning/CategoryScan.h"
+#include "engine/removal/RemovalDoor.h"
+
+namespace orrinvale {
+
+/// What the tasks of cleaning work with; nothing is owned.
+struct CleanTaskParts {
+    CleanParts clean;
+    std::string stateFolder;  ///< where removals take turns
+    std::function<std::unique_ptr<RemovalDoor>()> makeDoor;
+};
+
+/// One thread.
+class PathCleaner final {
+public:
+    explicit PathCleaner(const CleanTaskParts& parts) : m_parts(parts) {}
+
+    /// Looks at the entry and removes it, with all that is in it; one line in the log when it
+    /// stays.
+    struct Outcome {
+        bool isDone = false;       ///< nothing is left that may go
+        bool lacksRights = false;  ///< something of it is this user's to see and not to remove
+    };
+    Outcome remove(const std::string& path);
+
+private:
+    const CleanTaskParts m_parts;
+};
+
+}  // namespace orrinvale

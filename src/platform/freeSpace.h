@@ -1,0 +1,15 @@
+// The free space of a file system. linux/FreeSpace.cpp implements it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/files.h"
+
+namespace orrinvale {
+
+/// Bytes that are free on the file system of a folder, once it has written all that it holds back:
+/// until then what was removed or written need not show. May wait for a slow disk.
+[[nodiscard]] SysResult<std::uint64_t> settledFreeSpace(const std::string& folder);
+
+}  // namespace orrinvale

@@ -1,0 +1,305 @@
+// What becomes of rows that a person agreed to lose: everything is asked again, and nothing but
+// what the scan saw goes.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "engine/cleaning/CleanHome.h"
+#include "engine/cleaning/CleanList.h"
+#include "engine/removal/PlainDoor.h"
+#include "engine/removal/RemovalRun.h"
+#include "support/LogLines.h"
+#include "support/OwnMounts.h"
+
+namespace orrinvale {
+namespace {
+
+using testing::CleanHome;
+using testing::contentOf;
+using testing::isThere;
+using testing::TestTree;
+
+struct Cleaned {
+    RemovalOutcome outcome;
+    std::vector<std::string> done;  // names of rows
+    std::uint64_t bytes = 0;
+
+    [[nodiscard]] std::map<std::string, StayReason> stayed() const {
+        std::map<std::string, StayReason> out;
+        for (const StayedEntry& each : outcome.stayed)
+            out.emplace(lastPathComponent(each.path), each.kind);
+        return out;
+    }
+};
+
+Cleaned clean(const CleanHome& home, const std::vector<CleanRow>& rows) {
+    Cleaned out;
+    CleanList list(home.parts(), rows);
+    QuietDoor door(std::make_unique<PlainDoor>(home.files, ProtectedPlaces()));
+    const std::atomic<bool> stop{false};
+    RemovalRun run(home.files, {}, list, door, stop,
+                   {.waiting = [](bool) {},
+                    .begins = [](auto, const auto&, bool) {},
+                    .settled = [](auto, const auto&) {}});
+    out.outcome = run.run();
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        if (list.isDone(i)) out.done.emplace_back(lastPathComponent(rows[i].path));
+    std::sort(out.done.begin(), out.done.end());
+    out.bytes = list.goneBytes();
+    return out;
+}
+
+TEST(CleanRemoval, whatCameOrChangedSinceTheScanStays) {
+    const struct {
+        const char* what;
+        std::function<bool(TestTree&)> change;
+        std::vector<std::string> left;  // of the row, which has a/x and y
+        StayReason reason = StayReason::Kept;
+    } cases[] = {
+        {"nothing", [](auto&) { return true; }, {}},
+        {"a file came",
+         [](auto& t) { return t.write(".cache/r/a/new", "1"); },
+         {"a/new"},
+         StayReason::CameLater},
+        {"a file was written to",
+         [](auto& t) { return t.write(".cache/r/y", "other") && t.write(".cache/r/y", "12346"); },
+         {"y"},
+         StayReason::Changed},
+        {"a repository came",
+         [](auto& t) { return t.write(".cache/r/a/.git/x", "1"); },
+         {"a/x", "y", "a/.git/x"}},
+        {"a safe came",
+         [](auto& t) { return t.write(".cache/r/a/s.kdbx", "1"); },
+         {"a/x", "y", "a/s.kdbx"}},
+        {"a document came",
+         [](auto& t) { return t.write(".cache/r/d.odt", "1"); },
+         {"a/x", "y", "d.odt"}},
+        {"a database was opened",
+         [](auto& t) { return t.write(".cache/r/y-wal", "1"); },
+         {"a/x", "y", "y-wal"}},
+        {"a socket came", [](auto& t) { return t.socket(".cache/r/s"); }, {"a/x", "y", "s"}},
+        {"the person keeps it",
+         [](auto& t) { return t.write("settings/always-keep", t.at(".cache/r") + "\n"); },
+         {"a/x", "y"}},
+        {"the list can not be read",
+         [](auto& t) { return t.folder("settings/always-keep"); },
+         {"a/x", "y"}},
+        {"another folder is in its place",
+         [](auto& t) {
+             return ::rename(t.at(".cache/r").c_str(), t.at("moved").c_str()) == 0 &&
+                    t.write(".cache/r/y", "mine");
+         },
+         {"y"},
+         StayReason::Changed},
+    };
+    for (const auto& each : cases) {
+        CleanHome home;
+        ASSERT_TRUE(home.tree.write(".cache/r/a/x", "12345") &&
+                    home.tree.write(".cache/r/y", "12345"));
+        const auto rows = home.scan(CleanCategory::UserCaches).rows;
+        ASSERT_EQ(rows.size(), 1U);
+        ASSERT_TRUE(each.change(home.tree)) << each.what;
+        const Cleaned cleaned = clean(home, rows);
+        EXPECT_EQ(isThere(home.tree.at(".cache/r")), !each.left.empty()) << each.what;
+        for (const std::string& left : each.left)
+            EXPECT_TRUE(isThere(home.tree.at(".cache/r/" + left))) << each.what << ": " << left;
+        EXPECT_EQ(cleaned.done.empty(), !each.left.empty()) << each.what;
+        if (each.left.empty()) {
+            EXPECT_EQ(cleaned.bytes, 10U);
+            continue;
+        }
+        ASSERT_EQ(cleaned.outcome.stayed.size(), 1U) << each.what;
+        EXPECT_EQ(cleaned.outcome.stayed[0].kind, each.reason) << cleaned.outcome.stayed[0].reason;
+    }
+}
+
+TEST(CleanRemoval, aProgramThatOpenedItMeanwhileKeepsIt) {
+    CleanHome home;
+    ASSERT_TRUE(home.tree.write(".cache/r/x", "1") && home.tree.write(".cache/other/x", "1"));
+    const auto rows = home.scan(CleanCategory::UserCaches).rows;
+    int ready[2];
+    ASSERT_EQ(::pipe(ready), 0);
+    const std::string path = home.tree.at(".cache/r/x");
+    const pid_t holder = ::fork();
+    if (holder == 0) {
+        const int open = ::open(path.c_str(), O_RDONLY);
+        (void)!::write(ready[1], "", open >= 0 ? 1 : 0);
+        ::pause();
+        ::_exit(0);
+    }
+    char byte = 0;
+    ASSERT_EQ(::read(ready[0], &byte, 1), 1);
+    const Cleaned cleaned = clean(home, rows);
+    ::kill(holder, SIGKILL);
+    ::waitpid(holder, nullptr, 0);
+    EXPECT_EQ(cleaned.done, std::vector<std::string>{"other"});
+    EXPECT_TRUE(isThere(path));
+}
+
+// What a cache only points at is somebody's, content and mode.
+TEST(CleanRemoval, whatLinksLeadToStaysAsItIs) {
+    CleanHome home;
+    auto& tree = home.tree;
+    for (const char* name : {"person/letter", "person/second", "person/deep/third"})
+        ASSERT_TRUE(tree.write(name, "mine") && tree.setMode(name, 0400));
+    ASSERT_TRUE(tree.setMode("person/deep", 0500) &&
+                tree.symlink("../../person/letter", ".cache/r/link") &&
+                tree.symlink("../person/deep", ".cache/row") &&
+                tree.symlink("../../person/deep", ".cache/r/folder") &&
+                tree.hardLink("person/second", ".cache/r/hard"));
+    const Cleaned cleaned = clean(home, home.scan(CleanCategory::UserCaches).rows);
+    EXPECT_EQ(cleaned.done, (std::vector<std::string>{"r", "row"}));
+    EXPECT_FALSE(isThere(tree.at(".cache/r")) || isThere(tree.at(".cache/row")));
+    for (const auto& [name, mode] : {std::pair{"person/letter", 0400U},
+                                     {"person/second", 0400U},
+                                     {"person/deep/third", 0400U},
+                                     {"person/deep", 0500U}}) {
+        struct stat entry {};
+        ASSERT_EQ(::stat(tree.at(name).c_str(), &entry), 0) << name;
+        EXPECT_EQ(entry.st_mode & 07777U, mode) << name;
+        EXPECT_EQ(contentOf(tree.at(name)), S_ISREG(entry.st_mode) ? "mine" : "") << name;
+    }
+}
+
+// A writer that is quicker than the removal loses nothing, and the next clean takes the rest.
+TEST(CleanRemoval, aRowThatGrowsWhileItGoes) {
+    CleanHome home;
+    for (int i = 0; i < 50; ++i)
+        ASSERT_TRUE(home.tree.write(".cache/r/" + std::to_string(i) + "/x", "1"));
+    const auto rows = home.scan(CleanCategory::UserCaches).rows;
+    int written = 0;
+    home.files.beforeRemoval = [&](const char* operation) {
+        if (operation != std::string_view("removeEntry") || written >= 20) return;
+        home.tree.write(".cache/r/new" + std::to_string(written++), "precious");
+    };
+    EXPECT_TRUE(clean(home, rows).done.empty());
+    home.files.beforeRemoval = {};
+    EXPECT_EQ(written, 20);
+    for (int i = 0; i < written; ++i)
+        EXPECT_EQ(contentOf(home.tree.at(".cache/r/new" + std::to_string(i))), "precious") << i;
+    EXPECT_FALSE(isThere(home.tree.at(".cache/r/49")));
+    const auto again = clean(home, home.scan(CleanCategory::UserCaches).rows);
+    EXPECT_EQ(again.done, std::vector<std::string>{"r"});
+}
+
+TEST(CleanRemoval, aKillInTheMiddleLeavesTheRestForTheNext) {
+    CleanHome home;
+    for (int i = 0; i < 40; ++i)
+        ASSERT_TRUE(home.tree.write(".cache/" + std::to_string(i) + "/x", "1"));
+    const pid_t child = ::fork();
+    if (child == 0) {
+        int steps = 0;
+        home.files.beforeRemoval = [&](const char* operation) {
+            if (operation == std::string_view("removeEntry") && ++steps == 31) ::_exit(9);
+        };
+        static_cast<void>(clean(home, home.scan(CleanCategory::UserCaches).rows));
+        ::_exit(0);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(WEXITSTATUS(status), 9);
+    const auto rows = home.scan(CleanCategory::UserCaches).rows;
+    EXPECT_EQ(rows.size(), 25U);
+    EXPECT_EQ(clean(home, rows).done.size(), 25U);
+}
+
+TEST(CleanRemoval, twoAtOnceShareWhatThereIs) {
+    CleanHome home;
+    for (int i = 0; i < 200; ++i)
+        ASSERT_TRUE(home.tree.write(".cache/" + std::to_string(i) + "/x", "1"));
+    const auto rows = home.scan(CleanCategory::UserCaches).rows;
+    Cleaned first;
+    Cleaned second;
+    std::thread other([&] { first = clean(home, rows); });
+    second = clean(home, rows);
+    other.join();
+    EXPECT_EQ(first.outcome.removed + second.outcome.removed, 200U);
+    EXPECT_EQ(first.outcome.failed + second.outcome.failed, 0U);
+    EXPECT_EQ(first.done.size(), 200U);
+}
+
+TEST(CleanRemoval, thrownAwayGoesWithItsRecord) {
+    CleanHome home({}, {"/"});
+    const std::string trash = ".local/share/Trash/";
+    ASSERT_TRUE(home.tree.write(trash + "files/a/x", "1") &&
+                home.tree.write(trash + "info/a.trashinfo", "[Trash Info]") &&
+                home.tree.write(trash + "files/b", "1") &&
+                home.tree.write(trash + "info/b.trashinfo", "[Trash Info]"));
+    const auto rows = home.scan(CleanCategory::UserTrash).rows;
+    ASSERT_TRUE(home.tree.write(trash + "files/a/new", "1"));
+    EXPECT_EQ(clean(home, rows).done, std::vector<std::string>{"b"});
+    EXPECT_FALSE(isThere(home.tree.at(trash + "info/b.trashinfo")));
+    EXPECT_TRUE(isThere(home.tree.at(trash + "info/a.trashinfo")));
+}
+
+TEST(CleanRemoval, theLogNamesWhatStayedAndNotWhatWent) {
+    CleanHome home;
+    ASSERT_TRUE(home.tree.write(".cache/secret-a/x", "1") &&
+                home.tree.write(".cache/secret-b/x", "1"));
+    const auto rows = home.scan(CleanCategory::UserCaches).rows;
+    ASSERT_TRUE(home.tree.write(".cache/secret-b/new", "1"));
+    testing::LogLines lines;
+    Log::setEngineEnabled(false);
+    static_cast<void>(clean(home, rows));
+    Log::setEngineEnabled(true);
+    std::string all;
+    for (const std::string& line : lines.lines) all += line + '\n';
+    EXPECT_EQ(all.find("secret-a"), std::string::npos) << all;
+    EXPECT_NE(all.find("Clean deletable file failed: " + home.tree.at(".cache/secret-b")),
+              std::string::npos)
+        << all;
+}
+
+std::string write(const std::string& path) {
+    const std::string command = "mkdir -p $(dirname " + path + ") && echo 12345678 > " + path;
+    return ::system(command.c_str()) == 0 ? "" : "no " + path;
+}
+
+// The folders belong to packages, and stay.
+TEST(CleanRemoval, theSystemsFilesGoOneByOne) {
+    testing::withOwnMounts([]() -> std::string {
+        if (!testing::mountRam("/var/cache") || !testing::mountRam("/var/log")) return "skip: ram";
+        for (const char* path :
+             {"/var/cache/apt/a.bin", "/var/cache/apt/archives/x.deb",
+              "/var/cache/apt/archives/lock", "/var/cache/debconf/config.dat", "/var/log/syslog",
+              "/var/log/syslog.1", "/var/log/apt/term.log", "/var/log/apt/term.log.1.gz"})
+            if (auto fault = write(path); !fault.empty()) return fault;
+        CleanHome home({.home = "/root"});
+        const auto caches = home.scan(CleanCategory::SystemCaches);
+        const auto logs = home.scan(CleanCategory::SystemLogs);
+        if (caches.bytes != 18 || logs.bytes != 18) return "offered otherwise";
+        if (auto fault = write("/var/cache/apt/archives/new.deb"); !fault.empty()) return fault;
+        const Cleaned first = clean(home, caches.rows);
+        const Cleaned second = clean(home, logs.rows);
+        if (first.outcome.failed + second.outcome.failed != 0) return "failed";
+        if (first.done.size() != 1 || second.done.size() != 2) return "not done";
+        for (const char* path :
+             {"/var/cache/apt/archives/lock", "/var/cache/apt/archives/new.deb",
+              "/var/cache/debconf/config.dat", "/var/log/syslog", "/var/log/apt/term.log"})
+            if (!isThere(path)) return std::string("gone: ") + path;
+        for (const char* path : {"/var/cache/apt/a.bin", "/var/cache/apt/archives/x.deb",
+                                 "/var/log/syslog.1", "/var/log/apt/term.log.1.gz"})
+            if (isThere(path)) return std::string("there: ") + path;
+        return "";
+    });
+}
+
+TEST(CleanRemoval, aMountThatCameKeepsItsRow) {
+    testing::withOwnMounts([]() -> std::string {
+        for (const char* path : {"/mnt/.cache/r/in/x", "/mnt/person/letter"})
+            if (auto fault = write(path); !fault.empty()) return fault;
+        CleanHome home({.home = "/mnt"});
+        const auto rows = home.scan(CleanCategory::UserCaches).rows;
+        if (::mount("/mnt/person", "/mnt/.cache/r/in", nullptr, MS_BIND, nullptr) != 0)
+            return "skip: bind";
+        const Cleaned cleaned = clean(home, rows);
+        if (!isThere("/mnt/person/letter")) return "the letter is gone";
+        return cleaned.done.empty() ? "" : "the row is done";
+    });
+}
+
+}  // namespace
+}  // namespace orrinvale

@@ -1,0 +1,161 @@
+// The work units of cleaning, and the notices that they post, in order.
+#include "engine/cleaning/CleanTasks.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <chrono>
+#include <deque>
+#include <thread>
+
+#include "engine/cleaning/CleanHome.h"
+#include "engine/removal/PlainDoor.h"
+
+namespace orrinvale {
+namespace {
+
+using testing::CleanHome;
+using testing::isThere;
+
+// Keeps what is handed over until the test plays the main thread.
+class HeldQueue final : public MainQueue {
+public:
+    void async(std::function<void()> work) override {
+        const std::lock_guard lock(m_mutex);
+        m_work.push_back(std::move(work));
+    }
+    bool sync(std::function<void()> work) override {
+        work();
+        return true;
+    }
+    std::size_t run() {
+        std::deque<std::function<void()>> work;
+        {
+            const std::lock_guard lock(m_mutex);
+            work.swap(m_work);
+        }
+        for (const auto& each : work) each();
+        return work.size();
+    }
+
+private:
+    std::mutex m_mutex;
+    std::deque<std::function<void()>> m_work;
+};
+
+CleanTaskParts partsOf(const CleanHome& home) {
+    return {.clean = home.parts(), .stateFolder = {}, .makeDoor = [&home] {
+                return std::make_unique<PlainDoor>(home.files, ProtectedPlaces());
+            }};
+}
+
+TEST(ScanFolderOpt, tellsOfEachShownEntryAndOfTheEnd) {
+    CleanHome home;
+    ASSERT_TRUE(home.tree.write("f/a", "123") && home.tree.write("f/b/c/d", "12345") &&
+                home.tree.write("f/.hidden", "1"));
+    HeldQueue queue;
+    NotificationCenter center;
+    std::vector<ScannedFolder> singles;
+    std::vector<ScannedFolder> ends;
+    const auto onSingle = ZvScanSingleFile.observe(
+        center, [&](const ScannedFolder& each) { singles.push_back(each); });
+    const auto onEnd =
+        ZvScanOptFinish.observe(center, [&](const ScannedFolder& each) { ends.push_back(each); });
+    ScanFolderOpt operation(home.tree.at("f"), 7, home.parts(), {&center, &queue});
+    operation.main();
+    EXPECT_TRUE(singles.empty()) << "told on another thread than the main one";
+    EXPECT_EQ(queue.run(), 3U);
+    ASSERT_EQ(singles.size(), 2U);
+    ASSERT_EQ(ends.size(), 1U);
+    EXPECT_EQ(singles[0].FileCount, 1U);
+    EXPECT_EQ(ends[0].FolderID, 7U);
+    EXPECT_EQ(ends[0].FolderSize, 8U);
+    EXPECT_EQ(ends[0].FileCount, 2U);
+    EXPECT_EQ(operation.folderSize, 9U);
+
+    ScanFolderOpt cancelled(home.tree.at("f"), 8, home.parts(), {&center, &queue});
+    cancelled.cancel();
+    cancelled.main();
+    EXPECT_EQ(queue.run(), 0U);
+}
+
+double processorSeconds() {
+    rusage used{};
+    ::getrusage(RUSAGE_SELF, &used);
+    return static_cast<double>(used.ru_utime.tv_sec + used.ru_stime.tv_sec) +
+           static_cast<double>(used.ru_utime.tv_usec + used.ru_stime.tv_usec) / 1e6;
+}
+
+TEST(ScanFolderOpt, aPauseWaitsAndBurnsNothing) {
+    CleanHome home;
+    ASSERT_TRUE(home.tree.write("f/a", "1") && home.tree.write("f/b", "1"));
+    HeldQueue queue;
+    NotificationCenter center;
+    for (const bool isCancelled : {false, true}) {
+        ScanFolderOpt operation(home.tree.at("f"), 1, home.parts(), {&center, &queue});
+        operation.setIsPaused(true);
+        std::thread worker([&] { operation.main(); });
+        const double before = processorSeconds();
+        std::this_thread::sleep_for(std::chrono::milliseconds(400));
+        EXPECT_LT(processorSeconds() - before, 0.2);
+        EXPECT_EQ(queue.run(), 0U);
+        if (isCancelled) operation.cancel();
+        else operation.setIsPaused(false);
+        worker.join();
+        EXPECT_EQ(queue.run(), isCancelled ? 0U : 3U);
+    }
+}
+
+TEST(FastCleanOpt, goesOnAfterAFailureAndTellsOfIt) {
+    CleanHome home;
+    ASSERT_TRUE(home.tree.write(".cache/a/x", "1") && home.tree.write(".cache/b/.git/x", "1") &&
+                home.tree.write(".cache/c", "1"));
+    HeldQueue queue;
+    NotificationCenter center;
+    std::vector<CleanedFile> failed;
+    FastCleanOpt* ended = nullptr;
+    const auto onFailed =
+        ZvCleanOptFailed.observe(center, [&](const CleanedFile& each) { failed.push_back(each); });
+    const auto onEnd =
+        ZvCleanOptFinish.observe(center, [&](FastCleanOpt* operation) { ended = operation; });
+    FastCleanOpt operation({home.tree.at(".cache/b"), home.tree.at(".cache/missing"),
+                            home.tree.at(".cache/a"), home.tree.at(".cache/c")},
+                           partsOf(home), {&center, &queue});
+    operation.main();
+    queue.run();
+    EXPECT_EQ(ended, &operation);
+    ASSERT_EQ(failed.size(), 2U);
+    EXPECT_EQ(failed[0].FilePath, home.tree.at(".cache/b"));
+    EXPECT_EQ(failed[0].FileSize, std::nullopt);
+    EXPECT_TRUE(isThere(home.tree.at(".cache/b/.git/x")));
+    EXPECT_FALSE(isThere(home.tree.at(".cache/a")) || isThere(home.tree.at(".cache/c")));
+}
+
+TEST(FastCleanOptV2, theLastPathDecidesAndTheEndIsTold) {
+    CleanHome home;
+    const auto at = [&](const char* name) { return home.tree.at(std::string(".cache/") + name); };
+    for (const char* name : {".cache/a", ".cache/b", ".cache/k/.git/x"})
+        ASSERT_TRUE(home.tree.write(name, "1"));
+    HeldQueue queue;
+    FastCleanOptV2 task(partsOf(home), queue);
+    EXPECT_TRUE(task.synFastClean({}));
+    EXPECT_TRUE(task.synFastClean({at("k"), at("a")}));
+    EXPECT_FALSE(task.synFastClean({at("b"), at("k")}));
+    EXPECT_FALSE(isThere(at("a")) || isThere(at("b")));
+    int told = 0;
+    task.onCleanFinished = [&](bool) { ++told; };
+    for (int run = 1; run <= 2; ++run) {
+        ASSERT_TRUE(home.tree.write(".cache/a", "1"));
+        task.beginCleanTask(run == 1 ? std::vector<std::string>{at("a")}
+                                     : std::vector<std::string>());
+        EXPECT_TRUE(task.isRunning());
+        task.cancelFastClean();
+        while (queue.run() == 0) std::this_thread::yield();
+        EXPECT_EQ(told, run);
+        EXPECT_EQ(task.cleanFinished(), true);
+        EXPECT_EQ(isThere(at("a")), run == 2) << "a cancel changes nothing";
+    }
+}
+
+}  // namespace
+}  // namespace orrinvale
