@@ -5,6 +5,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QFile>
+#include <QLabel>
 #include <QScreen>
 #include <QTest>
 #include <csignal>
@@ -15,6 +16,7 @@
 #include "services/volumes/WatchMountUnmount.h"
 #include "services/volumes/WorkspaceMounts.h"
 #include "ui/kit/dialogs/WindowDialogs.h"
+#include "ui/page/Page.h"
 #include "ui/preferences/AppPrefsWindowController.h"
 #include "ui/shell/FileManager.h"
 #include "ui/shell/Launched.h"
@@ -321,6 +323,40 @@ TEST(AppDelegate, QuittingSavesAndLetsARemovalFinishTheEntryThatItIsAt) {
               2)
         << "the entry under way is gone, and no other";
     EXPECT_FALSE(on.defaults.isUnsaved());
+}
+
+// A page of the toolbar window, whose removal is over when the test says so.
+class RemovingPage final : public Page {
+public:
+    struct Removal {
+        bool isUnderWay = true;
+        bool isGivenUp = false;
+    };
+    explicit RemovingPage(Removal& removal) : m_removal(removal) {}
+    QWidget* view() const override { return m_view; }
+    void setMainWindow(QWidget* /*window*/) override {}
+    bool isRemoving() const override { return m_removal.isUnderWay; }
+    void giveUp() override { m_removal.isGivenUp = true; }
+
+private:
+    Removal& m_removal;
+    QLabel* m_view = new QLabel;  // the window's
+};
+
+TEST(AppDelegate, TheEndAsksThePagesOfTheToolbarWindowToo) {
+    Launched on;
+    RemovingPage::Removal removal;
+    on.delegate->applicationDidFinishLaunching();
+    auto& pages = AppPrefsWindowController::sharedPrefsWindowController();
+    pages.registerPage({QStringLiteral("removing"), QStringLiteral("Removing"),
+                        QStringLiteral("ic_doc"),
+                        [&removal] { return std::make_unique<RemovingPage>(removal); }});
+    pages.showWindow();
+    on.entry("quit")->trigger();
+    EXPECT_TRUE(removal.isGivenUp && on.ends.empty());
+    removal.isUnderWay = false;
+    EXPECT_TRUE(PageWindow::waitFor([&] { return !on.ends.empty(); }));
+    delete &pages;  // the next test has one of its own
 }
 
 TEST(AppDelegate, ARemovalThatWasOnlyAgreedToDoesNotBeginWhenOneQuits) {
