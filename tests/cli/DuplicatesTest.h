@@ -1,25 +1,17 @@
 // What the tests of the duplicates command share.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <nlohmann/json.hpp>
-#include <string>
-#include <vector>
 
 #include "cli/ProgramRun.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 
 using Json = nlohmann::ordered_json;  // the order of the keys counts
 
 inline ProgramRun duplicatesRun(std::vector<std::string> arguments) {
-    ProgramRun run;
-    run.program = ORRINVALE_CLI_PATH;
-    run.arguments = std::move(arguments);
-    run.arguments.insert(run.arguments.begin(), "duplicates");
-    return run;
+    return commandRun("duplicates", std::move(arguments));
 }
 
 /// The document of a search that prints one; null, with a failure noted, when there is none.

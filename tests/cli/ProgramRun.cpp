@@ -1,28 +1,17 @@
 // ProgramRun: see ProgramRun.h. One thread forks, feeds two buffers from poll(2), and reaps.
 #include "cli/ProgramRun.h"
 
-#include <fcntl.h>
 #include <poll.h>
 #include <sys/ioctl.h>
-#include <sys/wait.h>
 #include <termios.h>
-#include <unistd.h>
 
-#include <array>
-#include <cerrno>
-#include <chrono>
-#include <csignal>
-#include <cstdlib>
-#include <cstring>
-#include <memory>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 [[noreturn]] void fail(const std::string& what) {
     throw std::runtime_error(what + ": " + std::strerror(errno));
@@ -190,6 +179,33 @@ ProgramRun commandRun(std::string command, std::vector<std::string> arguments, s
     run.arguments.insert(run.arguments.begin(), std::move(command));
     run.folder = std::move(folder);
     return run;
+}
+
+void expectStatuses(const std::string& command, const std::string& folder,
+                    const std::vector<StatusCase>& cases, const std::vector<std::string>& forms) {
+    for (const StatusCase& each : cases)
+        for (const std::string& form : forms) {
+            ProgramRun run = commandRun(command, each.arguments, folder);
+            run.arguments.push_back(form);
+            if (::geteuid() == 0) run.user = 65534;
+            const auto result = run.run();
+            SCOPED_TRACE(::testing::PrintToString(run.arguments) + result.error);
+            EXPECT_EQ(result.status, each.status);
+            EXPECT_EQ(result.output.empty(), each.status > 1);
+            EXPECT_EQ(std::count(result.error.begin(), result.error.end(), '\n'), each.lines);
+            EXPECT_NE(result.error.find(each.says), std::string::npos);
+            EXPECT_EQ(result.error.find("\xC2\x9B"), std::string::npos)
+                << "a control byte reaches the terminal";
+            if (form != "--json" || each.skipped.empty()) continue;
+            std::vector<std::string> skipped;
+            for (const auto& entry : nlohmann::json::parse(result.output)["skipped"])
+                skipped.push_back(entry["path"].get<std::string>().substr(folder.size() + 1));
+            EXPECT_EQ(skipped, each.skipped);
+        }
+    if (cases.front().status != 0) return;
+    ProgramRun full = commandRun(command, cases.front().arguments, folder);
+    full.outputFile = "/dev/full";
+    EXPECT_EQ(full.run().status, 1);
 }
 
 }  // namespace orrinvale::testing

@@ -54,6 +54,20 @@ struct ProgramRun {
 [[nodiscard]] ProgramRun commandRun(std::string command, std::vector<std::string> arguments,
                                     std::string folder = {});
 
+/// What a command line comes to.
+struct StatusCase {
+    std::vector<std::string> arguments;
+    int status;
+    std::ptrdiff_t lines;                   ///< on standard error
+    std::vector<std::string> skipped = {};  ///< paths in the document, below the folder
+    std::string says = {};                  ///< on standard error
+};
+
+/// Runs each in that folder as an ordinary user, in these forms. Where the first one works, it
+/// fails on a full disk.
+void expectStatuses(const std::string& command, const std::string& folder,
+                    const std::vector<StatusCase>& cases, const std::vector<std::string>& forms);
+
 /// True where the programs carry their own allocator, so that limits on memory mean nothing and
 /// times are long.
 [[nodiscard]] constexpr bool isSanitized() {

@@ -1,16 +1,7 @@
 // The window program as a process: the run that only touches memory, and what its file asks of the
 // machine.
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <chrono>
-#include <csignal>
-#include <filesystem>
-#include <functional>
-#include <string>
-
 #include "cli/ProgramRun.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 namespace {

@@ -1,16 +1,8 @@
 // What orrinvale-cli duplicates finds and prints, in its three forms, on real trees.
 // duplicates_run_test.cpp has the process.
-#include <fcntl.h>
-#include <fmt/format.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <filesystem>
-#include <set>
-
 #include "cli/DuplicatesTest.h"
 #include "support/ServedFiles.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 namespace {
@@ -140,8 +132,6 @@ TEST(DuplicatesSearch, OptionsChooseWhatIsLookedAt) {
         {{}, 6},
         {{"--system"}, 6},  // a folder called Library counts in "/" only
         {{"--hidden"}, 9},
-        {{"--limit", "0"}, 6},
-        {{"--limit", "9"}, 6},
         {{"--limit=10"}, 4},
         {{"--limit", "0.01 KB"}, 4},
         {{"--limit", "11", "--hidden"}, 4},
@@ -170,13 +160,8 @@ TEST(DuplicatesSearch, TheRootMayBeNamedInManyWays) {
         std::size_t leaves;
     } cases[] = {
         {{"."}, "x/y", "x/y", 2},
-        {{"./x/y/"}, "", "x/y", 2},
-        {{"..//"}, "x/y", "x", 4},
         {{"../y/.."}, "x/y", "x", 4},
-        {{"y/../y"}, "x", "x/y", 2},
-        {{tree.at("x///y//")}, "", "x/y", 2},
         {{"link"}, "", "link", 2},
-        {{"link/"}, "", "link", 2},
         {{"link/.."}, "", "x", 4},
         {{".dot"}, "", ".dot", 0},  // all that lies below a hidden folder is hidden
         {{"."}, ".dot/in", ".dot/in", 0},
@@ -186,7 +171,6 @@ TEST(DuplicatesSearch, TheRootMayBeNamedInManyWays) {
         {{"{}"}, "", "{}", 2},
         {{"%s"}, "", "%s", 2},
         {{"duplicates"}, "", "duplicates", 2},
-        {{"./duplicates"}, "", "duplicates", 2},
         {{"--", "-x"}, "", "-x", 2},
     };
     for (const auto& each : cases) {

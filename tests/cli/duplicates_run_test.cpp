@@ -1,16 +1,7 @@
 // orrinvale-cli duplicates as a process: exit statuses, what goes to standard error, signals,
 // terminals, the environment.
-#include <signal.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <chrono>
-#include <cstdlib>
-#include <filesystem>
-#include <map>
-
 #include "cli/DuplicatesTest.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 namespace {
@@ -78,15 +69,16 @@ TEST(CommandLine, WhatIsWrongIsSaidAndHelpIsNamed) {
 }
 
 TEST(CommandLine, HelpNamesEveryOption) {
-    const auto general = programRun({"--help"}).run();
-    EXPECT_EQ(general.status, 0);
-    EXPECT_NE(general.output.find("duplicates"), std::string::npos) << general.output;
-    const auto help = programRun({"duplicates", "--help"}).run();
-    EXPECT_EQ(help.status, 0);
-    EXPECT_EQ(help.error, "");
-    for (const char* word : {"--hidden", "--system", "--limit SIZE", "FOLDER", "--json",
-                             "-0,--print0", "--quiet", "--log"})
-        EXPECT_NE(help.output.find(word), std::string::npos) << word << '\n' << help.output;
+    for (const auto& [command, words] :
+         {std::pair{"duplicates", Strings{"--hidden", "--system", "--limit SIZE", "FOLDER",
+                                          "--json", "-0,--print0", "--quiet", "--log"}},
+          {"size", Strings{"PATH ..."}}}) {
+        const auto help = commandRun(command, {"--help"}).run();
+        EXPECT_EQ(help.status, 0);
+        EXPECT_EQ(help.error, "");
+        for (const std::string& word : words) EXPECT_THAT(help.output, HasSubstr(word));
+    }
+    EXPECT_THAT(programRun({"--help"}).run().output, HasSubstr("duplicates"));
     EXPECT_EQ(programRun({"--version"}).run().status, 0);
 }
 
@@ -96,34 +88,18 @@ TEST(Statuses, AFolderThatCanNotBeSearchedIsThree) {
                 tree.symlink("nowhere", "broken") && tree.fifo("pipe") &&
                 tree.symlink("loop", "loop"));
     ASSERT_TRUE(tree.setMode("locked", 0) && ::chmod(tree.path().c_str(), 0755) == 0);
-    const struct {
-        std::string name;
-        std::string reason;
-    } cases[] = {
-        {"missing", "No such file or directory"},
-        {"missing/../file", ""},
-        {"file", "Not a directory"},
-        {"file/", "Not a directory"},
-        {"locked", "Permission denied"},
-        {"broken", "No such file or directory"},
-        {"pipe", "Not a directory"},
-        {"loop", ""},
-        {std::string(300, 'n'), ""},
-        {"bad\n\xC2\x9B", "No such"},
-    };
-    for (const auto& each : cases) {
-        for (const char* form : {"--json", "--print0", "--quiet"}) {
-            ProgramRun run = duplicatesRun({form, tree.at(each.name)});
-            run.user = ordinaryUser();
-            const auto result = run.run();
-            EXPECT_EQ(result.status, 3) << each.name;
-            EXPECT_EQ(result.output, "");
-            EXPECT_EQ(linesIn(result.error), 1) << result.error;
-            EXPECT_NE(result.error.find(each.reason), std::string::npos) << result.error;
-            EXPECT_EQ(result.error.find("\xC2\x9B"), std::string::npos)
-                << "a control byte reaches the terminal";
-        }
-    }
+    expectStatuses("duplicates", tree.path(),
+                   {{{"missing"}, 3, 1, {}, "No such file or directory"},
+                    {{"missing/../file"}, 3, 1},
+                    {{"file"}, 3, 1, {}, "Not a directory"},
+                    {{"file/"}, 3, 1, {}, "Not a directory"},
+                    {{"locked"}, 3, 1, {}, "Permission denied"},
+                    {{"broken"}, 3, 1, {}, "No such file or directory"},
+                    {{"pipe"}, 3, 1, {}, "Not a directory"},
+                    {{"loop"}, 3, 1},
+                    {{std::string(300, 'n')}, 3, 1},
+                    {{"bad\n\xC2\x9B"}, 3, 1, {}, "No such"}},
+                   {"--json", "--print0"});
     ASSERT_TRUE(tree.setMode("locked", 0700));
 }
 

@@ -2,13 +2,10 @@
 // the status. The real thing is in ejection/disk_image_test.cpp.
 #include "cli/EjectCommand.h"
 
-#include <gtest/gtest.h>
-
 #include <nlohmann/json.hpp>
-#include <string>
-#include <vector>
 
 #include "platform/fake/FakeVolumes.h"
+#include "support/test.h"
 
 namespace orrinvale::cli {
 namespace {

@@ -1,15 +1,9 @@
 // orrinvale-cli large as a process: what it prints and how much of it, exit statuses, the stop, the
 // log.
-#include <gtest/gtest.h>
-#include <signal.h>
-#include <unistd.h>
-
-#include <algorithm>
 #include <nlohmann/json.hpp>
-#include <utility>
 
 #include "cli/ProgramRun.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 namespace {
@@ -97,42 +91,20 @@ TEST(LargeCommand, whatCanNotBeReadAndWhatIsWrong) {
     fill(tree);
     ASSERT_TRUE(tree.write("b/locked/x", "1") && tree.setMode("b/locked", 0) &&
                 tree.write("file", "1"));
-    const struct {
-        std::vector<std::string> arguments;
-        int status;
-        std::ptrdiff_t lines;  // on standard error
-    } cases[] = {
-        {{"a"}, 0, 0},
-        {{"b"}, 1, 1},
-        {{"b", "--quiet"}, 1, 0},
-        {{"missing"}, 3, 1},
-        {{"file"}, 3, 1},
-        {{"b/locked"}, 3, 1},
-        {{""}, 2, 1},
-        {{}, 2, 1},
-        {{"a", "b"}, 2, 1},
-        {{"a", "--depth", "x"}, 2, 1},
-        {{"a", "--top", "-1"}, 2, 1},
-    };
-    for (const auto& each : cases) {
-        for (const char* form : {"--json", "-0"}) {
-            ProgramRun run = largeRun(each.arguments, tree.path());
-            run.arguments.emplace_back(form);
-            if (::geteuid() == 0) run.user = 65534;
-            const auto result = run.run();
-            const std::string said = ::testing::PrintToString(each.arguments) + result.error;
-            EXPECT_EQ(result.status, each.status) << said;
-            EXPECT_EQ(result.output.empty(), each.status > 1) << said;
-            EXPECT_EQ(std::count(result.error.begin(), result.error.end(), '\n'), each.lines)
-                << said;
-            if (form != std::string("--json") || each.status != 1) continue;
-            EXPECT_EQ(Json::parse(result.output)["skipped"][0]["path"], tree.at("b/locked"));
-        }
-    }
+    expectStatuses("large", tree.path(),
+                   {{{"a"}, 0, 0},
+                    {{"b"}, 1, 1, {"b/locked"}},
+                    {{"b", "--quiet"}, 1, 0, {"b/locked"}},
+                    {{"missing"}, 3, 1},
+                    {{"file"}, 3, 1},
+                    {{"b/locked"}, 3, 1},
+                    {{""}, 2, 1},
+                    {{}, 2, 1},
+                    {{"a", "b"}, 2, 1},
+                    {{"a", "--depth", "x"}, 2, 1},
+                    {{"a", "--top", "-1"}, 2, 1}},
+                   {"--json", "-0"});
     ASSERT_TRUE(tree.setMode("b/locked", 0700));
-    ProgramRun full = largeRun({"a"}, tree.path());
-    full.outputFile = "/dev/full";
-    EXPECT_EQ(full.run().status, 1);
 }
 
 TEST(LargeCommand, theLogTellsTheEndOfTheScan) {
@@ -148,27 +120,6 @@ TEST(LargeCommand, neitherDepthNorPathsHaveAnEnd) {
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(std::count(result.output.begin(), result.output.end(), '\0'), 3002);
     EXPECT_TRUE(result.output.ends_with(std::string("/d/d/leaf\0", 10)));
-}
-
-TEST(LargeCommand, aStopPrintsWhatIsThere) {
-    for (const int number : {SIGINT, SIGTERM}) {
-        ProgramRun run = largeRun({"--json", "/"});
-        run.terminal = true;
-        run.signals = {{number, [](const std::string& error) {
-                            return error.find(" entries") != std::string::npos;
-                        }}};
-        const auto result = run.run();
-        if (result.status == 0 || result.status == 1)
-            GTEST_SKIP() << "read the whole disk before the signal came";
-        EXPECT_FALSE(result.late);
-        EXPECT_EQ(result.status, 130) << result.signal;
-        const Json document = Json::parse(result.output, nullptr, false);
-        ASSERT_TRUE(document.is_object());
-        EXPECT_EQ(document["stopped"], true);
-        EXPECT_GT(document["entries"].size(), 0U);
-        EXPECT_NE(result.error.find("\r\x1b[K"), std::string::npos)
-            << "the progress line stays behind";
-    }
 }
 
 }  // namespace

@@ -1,14 +1,9 @@
 // The commands with less and less memory: none is cut down in the middle, and each says what was
 // missing.
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <nlohmann/json.hpp>
-#include <string>
-#include <string_view>
 
 #include "cli/ProgramRun.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 namespace {

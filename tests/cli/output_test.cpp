@@ -1,20 +1,11 @@
 // The texts that commands print and read: JSON of any bytes, names on a terminal, numbers of bytes,
 // absolute paths.
-#include <gtest/gtest.h>
-
-#include <unistd.h>
-
-#include <cstdint>
 #include <nlohmann/json.hpp>
-#include <optional>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "cli/Command.h"
 #include "cli/Output.h"
 #include "cli/SizeText.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale::cli {
 namespace {

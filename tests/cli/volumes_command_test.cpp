@@ -1,13 +1,9 @@
 // orrinvale-cli volumes as a process, among mounts with names that no one should use. Each run sees
 // mounts of its own, which go with it.
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <algorithm>
 #include <nlohmann/json.hpp>
-#include <string>
 
 #include "cli/ProgramRun.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 namespace {

@@ -2,22 +2,12 @@
 // devices and the mounts are files of the test.
 #pragma once
 
-#include <fmt/format.h>
-#include <unistd.h>
-
-#include <chrono>
-#include <cstdlib>
-#include <map>
 #include <nlohmann/json.hpp>
-#include <optional>
-#include <sstream>
-#include <string>
-#include <vector>
 
 #include "engine/volumes/VolumesInfo.h"
 #include "platform/linux/LinuxVolumes.h"
 #include "support/ServiceProcess.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 

@@ -1,28 +1,10 @@
 // Disk images on loop devices, ejected by the command through the real disk service. All services
 // are the test's own, in name spaces that take them along.
-#include <fmt/format.h>
-#include <gtest/gtest.h>
-#include <sys/mount.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <array>
-#include <cerrno>
-#include <chrono>
-#include <csignal>
-#include <cstdlib>
-#include <cstring>
-#include <filesystem>
 #include <nlohmann/json.hpp>
-#include <string>
-#include <vector>
 
 #include "cli/ProgramRun.h"
-#include "support/OwnMounts.h"
 #include "support/ServiceProcess.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 namespace {

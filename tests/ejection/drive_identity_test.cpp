@@ -1,18 +1,11 @@
 // Which of the drives goes when things change between listing and ejecting, and when the disk
 // service is silent.
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <csignal>
-
 #include "ejection/MadeUpDrives.h"
 #include "engine/volumes/VolumesManager.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 namespace {
-
-using namespace std::chrono_literals;
-using Clock = std::chrono::steady_clock;
 
 TEST(DriveIdentity, WhatTookTheirPlaceIsNeverEjected) {
     if (const std::string reason = obstacle(); !reason.empty()) GTEST_SKIP() << reason;

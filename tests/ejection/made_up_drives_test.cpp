@@ -1,7 +1,6 @@
 // What is done to drives that no test machine has, in which order, and what is left alone.
-#include <gtest/gtest.h>
-
 #include "ejection/MadeUpDrives.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 namespace {

@@ -1,31 +1,14 @@
 // Volumes without a disk below them, on real mounts in a name space of their own: unmounted by the
 // kernel or by the program that may, and who is in the way where they stay.
-#include <fcntl.h>
-#include <fmt/format.h>
-#include <gtest/gtest.h>
 #include <sys/mman.h>
-#include <sys/mount.h>
 #include <sys/prctl.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <chrono>
-#include <csignal>
-#include <functional>
-#include <string>
-#include <vector>
 
 #include "engine/volumes/VolumesManager.h"
 #include "platform/linux/LinuxVolumes.h"
-#include "support/OwnMounts.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 namespace {
-
-using namespace std::chrono_literals;
 
 std::int16_t numberOf(LinuxVolumes& volumes, const std::string& path) {
     std::int16_t number = -1;

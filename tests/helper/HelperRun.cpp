@@ -1,21 +1,12 @@
 // HelperRun: see HelperRun.h.
 #include "helper/HelperRun.h"
 
-#include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <array>
-#include <cerrno>
-#include <csignal>
-#include <fstream>
-#include <sstream>
-#include <thread>
 
 #include "platform/linux/LinuxFiles.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 namespace {
@@ -94,8 +85,8 @@ std::optional<HelperReply> HelperRun::receive() const {
 }
 
 HelperRequest HelperRun::requestFor(const std::string& path) {
-    const auto seen = LinuxFileSystem().attributes(FileSystem::noParent, path.c_str(), Links::Keep);
-    const FileAttributes entry = seen.value_or(FileAttributes{.type = FileType::Regular});
+    const FileAttributes entry =
+        isThere(path) ? attributesOf(path) : FileAttributes{.type = FileType::Regular};
     return {.sequence = 7,
             .entry = {path, entry.device, entry.inode, entry.type, EntryState::of(entry)},
             .stays = std::nullopt};

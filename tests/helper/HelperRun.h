@@ -2,15 +2,9 @@
 // Needs root.
 #pragma once
 
-#include <sys/types.h>
-
-#include <chrono>
-#include <functional>
-#include <optional>
-#include <string>
-
 #include "platform/descriptor.h"
 #include "platform/linux/HelperPacket.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 
@@ -53,6 +47,14 @@ private:
     Descriptor m_socket;
     pid_t m_process = -1;
     bool m_isReady = false;
+};
+
+/// A test of what only root can have.
+class HelperTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (::geteuid() != 0) GTEST_SKIP() << "the helper runs as root only";
+    }
 };
 
 /// The first process whose parent this is, or -1. Waits for one for up to a second.

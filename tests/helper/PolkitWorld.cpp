@@ -1,26 +1,11 @@
 // PolkitWorld: see PolkitWorld.h.
 #include "helper/PolkitWorld.h"
 
-#include <fcntl.h>
 #include <poll.h>
-#include <sched.h>
 #include <sys/ioctl.h>
-#include <sys/mount.h>
 #include <sys/prctl.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <array>
-#include <cerrno>
-#include <chrono>
-#include <csignal>
-#include <cstring>
-#include <fstream>
-#include <sstream>
-#include <thread>
-
-#include "support/ServiceProcess.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 namespace {
@@ -65,10 +50,6 @@ int run(const std::vector<const char*>& arguments) {
     return status;
 }
 
-bool cover(const std::string& with, const char* what) {
-    return ::mount(with.c_str(), what, nullptr, MS_BIND, nullptr) == 0;
-}
-
 }  // namespace
 
 PolkitWorld::PolkitWorld() : m_obstacle(enter()) {}
@@ -85,9 +66,7 @@ std::string PolkitWorld::enter() const {
          {kDaemon, kPolkit, "/usr/bin/pkexec", "/usr/bin/pkttyagent", "/usr/bin/pkaction"})
         if (::access(program, X_OK) != 0) return std::string(program) + " is not here";
     if (::geteuid() != 0) return "only root can make a world of its own";
-    if (::unshare(CLONE_NEWNS) != 0 ||
-        ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
-        return std::string("no mount namespace: ") + std::strerror(errno);
+    if (!unshareMounts()) return std::string("no mount namespace: ") + std::strerror(errno);
     TestTree& tree = const_cast<TestTree&>(m_tree);
     ::mkdir("/run/dbus", 0755);
     tree.folder("bus");
@@ -101,8 +80,8 @@ std::string PolkitWorld::enter() const {
     tree.setMode("shadow", 0600);
     tree.write("group", replaced(contentOf("/etc/group"), "sudo:x:27:", "sudo:x:27:nobody"));
     const bool isCovered =
-        cover(tree.at("bus"), "/run/dbus") && cover(tree.at("actions"), kActions) &&
-        cover(tree.at("shadow"), "/etc/shadow") && cover(tree.at("group"), "/etc/group");
+        bindMount(tree.at("bus"), "/run/dbus") && bindMount(tree.at("actions"), kActions) &&
+        bindMount(tree.at("shadow"), "/etc/shadow") && bindMount(tree.at("group"), "/etc/group");
     return isCovered ? std::string() : std::string("no mounts: ") + std::strerror(errno);
 }
 
@@ -120,19 +99,13 @@ std::string PolkitWorld::addHelper(const std::string& name, const std::string& a
 }
 
 bool PolkitWorld::begin() {
-    m_services.push_back(start({kDaemon, "--system", "--nofork", "--nopidfile"}));
+    m_services.emplace_back(Strings{kDaemon, "--system", "--nofork", "--nopidfile"});
     if (!comesTrue([] { return ::access("/run/dbus/system_bus_socket", F_OK) == 0; })) return false;
-    m_services.push_back(start({kPolkit, "--no-debug"}));
+    m_services.emplace_back(Strings{kPolkit, "--no-debug"});
     return comesTrue([] { return run({"/usr/bin/pkaction"}) == 0; });
 }
 
-void PolkitWorld::end() {
-    for (const pid_t service : m_services) {
-        ::kill(service, SIGKILL);
-        ::waitpid(service, nullptr, 0);
-    }
-    m_services.clear();
-}
+void PolkitWorld::end() { m_services.clear(); }
 
 PolkitAgent::PolkitAgent(Kind kind, pid_t subject)
     : m_terminal(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {

@@ -3,13 +3,9 @@
 // nothing of it.
 #pragma once
 
-#include <sys/types.h>
-
-#include <string>
-#include <vector>
-
 #include "platform/descriptor.h"
-#include "support/TestTree.h"
+#include "support/ServiceProcess.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 
@@ -42,7 +38,7 @@ private:
 
     TestTree m_tree;
     std::string m_obstacle;
-    std::vector<pid_t> m_services;
+    std::vector<ServiceProcess> m_services;
 };
 
 /// An agent that asks on behalf of one process, at a terminal of its own.

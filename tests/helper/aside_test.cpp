@@ -1,27 +1,15 @@
 // What the helper sets aside before its tool runs: looked at again there, given its name back, and
 // found again by the next start.
-#include <gtest/gtest.h>
-#include <sys/mount.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <csignal>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <functional>
-#include <string>
 
 #include "engine/files/asideName.h"
 #include "helper/HelperRun.h"
-#include "support/OwnMounts.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 namespace {
 
 using Outcome = HelperReply::Outcome;
-using std::chrono::milliseconds;
 
 constexpr const char* kJournals = "/var/lib/orrinvale";
 
@@ -49,8 +37,7 @@ bool letToolDoFirst(TestTree& tree, const std::string& script) {
     std::filesystem::copy_file("/bin/rm", tree.at("real rm"));
     return tree.write("rm",
                       "#!/bin/sh\n" + script + "\nexec '" + tree.at("real rm") + "' \"$@\"\n") &&
-           tree.setMode("rm", 0755) &&
-           ::mount(tree.at("rm").c_str(), "/bin/rm", nullptr, MS_BIND, nullptr) == 0;
+           tree.setMode("rm", 0755) && bindMount(tree.at("rm"), "/bin/rm");
 }
 
 TEST(HelperSetsAside, AndLooksAtWhatStaysAgain) {
@@ -87,9 +74,7 @@ TEST(HelperSetsAside, AndLooksAtWhatStaysAgain) {
                 tree.write(name, "1");
             tree.folder("view");
             tree.hardLink("one/a", "two/link");
-            if (::mount(tree.at("one").c_str(), tree.at("view").c_str(), nullptr, MS_BIND,
-                        nullptr) != 0)
-                return "skip: no second view";
+            if (!bindMount(tree.at("one"), tree.at("view"))) return "skip: no second view";
             const std::string stays = *each.stays == '\0' ? "" : tree.at(each.stays);
             const HelperRequest request = requestFor(tree.at(each.goes), stays);
             each.meanwhile(tree);
@@ -190,30 +175,26 @@ TEST(HelperSetsAside, NothingWhereItsJournalCanNotBeTrusted) {
             const char* what;
             std::function<void(TestTree&)> prepare;
         };
-        const auto planted = [](TestTree& tree, const std::string& journal) {
-            tree.write("planted/" + std::string("orrinvale kept aside 0123456789abcdef name"), "1");
+        const auto planted = [](TestTree& tree) {
+            const std::string aside = "planted/orrinvale kept aside 0123456789abcdef name";
+            tree.write(aside, "1");
             struct stat seen {};
-            ::stat(tree.at("planted/orrinvale kept aside 0123456789abcdef name").c_str(), &seen);
-            tree.write(journal + "/x.aside",
-                       "orrinvale aside 1\n0123456789abcdef " + std::to_string(seen.st_dev) + ' ' +
-                           std::to_string(seen.st_ino) + " 1 " + tree.at("planted/name") + '\n');
+            ::stat(tree.at(aside).c_str(), &seen);
+            tree.write("elsewhere/x.aside",
+                       fmt::format("orrinvale aside 1\n0123456789abcdef {} {} 1 {}\n", seen.st_dev,
+                                   seen.st_ino, tree.at("planted/name")));
+            return tree.at("elsewhere");
         };
         const Case cases[]{
-            {"a link",
-             [&](TestTree& tree) {
-                 planted(tree, "elsewhere");
-                 (void)!::symlink(tree.at("elsewhere").c_str(), kJournals);
-             }},
+            {"a link", [&](TestTree& tree) { (void)!::symlink(planted(tree).c_str(), kJournals); }},
             {"another user's",
              [&](TestTree& tree) {
-                 planted(tree, "elsewhere");
-                 std::filesystem::copy(tree.at("elsewhere"), kJournals);
+                 std::filesystem::copy(planted(tree), kJournals);
                  (void)!::chown(kJournals, ordinaryUser, ordinaryUser);
              }},
             {"writable by others",
              [&](TestTree& tree) {
-                 planted(tree, "elsewhere");
-                 std::filesystem::copy(tree.at("elsewhere"), kJournals);
+                 std::filesystem::copy(planted(tree), kJournals);
                  ::chmod(kJournals, 0777);
              }},
             {"a file", [&](TestTree&) { std::filesystem::copy_file("/etc/hostname", kJournals); }},

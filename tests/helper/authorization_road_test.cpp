@@ -1,30 +1,20 @@
 // The right on Linux from its acquisition to its end, with the real helper and a stand-in for
 // pkexec whose answers are chosen here.
-#include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/prctl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
-#include <array>
 #include <condition_variable>
-#include <csignal>
-#include <filesystem>
 #include <future>
 #include <iterator>
-#include <mutex>
-#include <string>
 
 #include "helper/HelperRun.h"
 #include "platform/linux/LinuxAuthorization.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 namespace {
 
 using Refusal = AuthorizationRefusal;
 using Status = AuthorizationStatus;
-using std::chrono::milliseconds;
 
 constexpr auto kRight = Authorization::adminRight;
 
@@ -36,12 +26,8 @@ std::ptrdiff_t openDescriptors() {
                          std::filesystem::directory_iterator());
 }
 
-class RightOnLinux : public ::testing::Test {
+class RightOnLinux : public HelperTest {
 protected:
-    void SetUp() override {
-        if (::geteuid() != 0) GTEST_SKIP() << "the helper runs as root only";
-    }
-
     HelperPaths paths(const std::string& script) {
         tree.write("pkexec",
                    "#!/bin/sh\n[ \"$1\" = --disable-internal-agent ] || exit 3\n" + script);

@@ -1,29 +1,17 @@
 // How the helper ends: with its caller, whatever it is doing, and after a time without work.
-#include <gtest/gtest.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <csignal>
-#include <string>
 
 #include "helper/HelperRun.h"
 #include "helper/Session.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 namespace {
 
 using Outcome = HelperReply::Outcome;
-using std::chrono::milliseconds;
 
-class HelperLife : public ::testing::Test {
+class HelperLife : public HelperTest {
 protected:
-    void SetUp() override {
-        if (::geteuid() != 0) GTEST_SKIP() << "the helper runs as root only";
-    }
-
     // A tool at work, held there: it removes many files, and is stopped when it is seen. One that
     // was too quick is followed by another.
     pid_t stoppedTool(const HelperRun& helper) {

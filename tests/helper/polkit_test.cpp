@@ -1,19 +1,11 @@
 // The whole road through the real polkit: what each answer of the system makes of the right, and a
 // removal at its end.
-#include <fmt/format.h>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <array>
-#include <chrono>
 #include <future>
-#include <optional>
-#include <string>
 
 #include "helper/HelperRun.h"
 #include "helper/PolkitWorld.h"
 #include "platform/linux/LinuxAuthorization.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 namespace {

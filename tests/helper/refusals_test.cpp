@@ -1,24 +1,10 @@
 // What the helper does not do: serve anybody but its caller, take a packet that is none, remove
 // what others could exchange.
-#include <fcntl.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <sched.h>
-#include <sys/mount.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
 #include <sysexits.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <filesystem>
-#include <functional>
-#include <string>
-#include <vector>
 
 #include "helper/HelperRun.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 namespace {
@@ -60,11 +46,8 @@ Ended runByHand(int input, std::vector<const char*> arguments, const char* calle
     return result;
 }
 
-class HelperRefuses : public ::testing::Test {
+class HelperRefuses : public HelperTest {
 protected:
-    void SetUp() override {
-        if (::geteuid() != 0) GTEST_SKIP() << "the helper runs as root only";
-    }
     TestTree tree;
 };
 
@@ -236,15 +219,13 @@ TEST_F(HelperRefuses, ProtectedPlaces) {
 TEST_F(HelperRefuses, PartsOfTheSystem) {
     TestTree layer("/dev/shm");
     for (const char* folder : {"upper", "work", "root"}) ASSERT_TRUE(layer.folder(folder));
-    const std::string told = runInChild({}, [&]() -> std::string {
+    const auto check = [&]() -> std::string {
         const std::string root = layer.at("root");
         const std::string options =
             "lowerdir=/,upperdir=" + layer.at("upper") + ",workdir=" + layer.at("work");
         const std::string programs =
             std::string(ORRINVALE_HELPER).substr(0, std::string(ORRINVALE_HELPER).rfind('/'));
-        if (::unshare(CLONE_NEWNS) != 0 ||
-            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            ::mount("none", root.c_str(), "overlay", 0, options.c_str()) != 0)
+        if (!unshareMounts() || ::mount("none", root.c_str(), "overlay", 0, options.c_str()) != 0)
             return "skipped: no layers here";
         for (const std::string& each : {std::string("/proc"), std::string("/dev"), programs}) {
             std::filesystem::create_directories(root + each);
@@ -266,9 +247,8 @@ TEST_F(HelperRefuses, PartsOfTheSystem) {
             if (helper.ask(inside).outcome != Outcome::Removed) wrong += " not " + inside;
         }
         return wrong;
-    });
-    if (told.starts_with("skipped")) GTEST_SKIP() << told;
-    EXPECT_EQ(told, "");
+    };
+    EXPECT_TOLD(runInChild({}, check), "");
 }
 
 }  // namespace

@@ -1,53 +1,34 @@
 // What the helper removes, what it leaves, and what it says when it can not.
-#include <fcntl.h>
-#include <gtest/gtest.h>
 #include <linux/fs.h>
-#include <sched.h>
 #include <sys/ioctl.h>
-#include <sys/mount.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <sys/time.h>
-#include <unistd.h>
-
-#include <filesystem>
-#include <string>
 
 #include "helper/HelperRun.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 namespace {
 
 using Outcome = HelperReply::Outcome;
 
-class HelperRemoves : public ::testing::Test {
+class HelperRemoves : public HelperTest {
 protected:
-    void SetUp() override {
-        if (::geteuid() != 0) GTEST_SKIP() << "the helper runs as root only";
-    }
     TestTree tree;
 };
 
 TEST_F(HelperRemoves, EntriesOfEveryKindAndNothingElse) {
-    ASSERT_TRUE(tree.write("outside/kept", "1"));
-    ASSERT_TRUE(tree.write("in/folder/deep/file", "1"));
-    ASSERT_TRUE(tree.symlink(tree.at("outside"), "in/folder/deep/out"));
-    ASSERT_TRUE(tree.symlink(tree.at("outside"), "in/link"));
-    ASSERT_TRUE(tree.symlink("nowhere", "in/broken"));
-    ASSERT_TRUE(tree.fifo("in/fifo"));
-    ASSERT_TRUE(tree.socket("in/socket"));
-    const std::string longName(255, 'n');
-    for (const std::string& name : {std::string("-rf"), std::string("a\nb"),
-                                    std::string("\xFF\xFE"), longName, std::string("*")})
-        ASSERT_TRUE(tree.write("in/" + name, "1"));
-    ASSERT_TRUE(tree.write("in/sibling", "1"));
+    ASSERT_TRUE(tree.write("outside/kept", "1") && tree.write("in/folder/deep/file", "1") &&
+                tree.symlink(tree.at("outside"), "in/folder/deep/out") &&
+                tree.symlink(tree.at("outside"), "in/link") &&
+                tree.symlink("nowhere", "in/broken") && tree.fifo("in/fifo") &&
+                tree.socket("in/socket") && tree.write("in/sibling", "1"));
+    Strings names{"-rf", "a\nb", "\xFF\xFE", std::string(255, 'n'), "*"};
+    for (const std::string& name : names) ASSERT_TRUE(tree.write("in/" + name, "1"));
     const HelperRun helper;
     ASSERT_TRUE(helper.isReady());
-    for (const std::string& name :
-         {std::string("folder"), std::string("link"), std::string("broken"), std::string("fifo"),
-          std::string("socket"), std::string("-rf"), std::string("a\nb"), std::string("\xFF\xFE"),
-          longName, std::string("*")}) {
+    names.insert(names.end(), {"folder", "link", "broken", "fifo", "socket"});
+    for (const std::string& name : names) {
         const HelperReply reply = helper.ask(tree.at("in/" + name));
         EXPECT_EQ(reply.outcome, Outcome::Removed) << name << ": " << reply.text;
         EXPECT_EQ(reply.sequence, 7U);
@@ -98,9 +79,7 @@ TEST_F(HelperRemoves, SaysThatTheToolDidNotRun) {
         const std::string told = runInChild({}, [&]() -> std::string {
             tree.write("rm", each.tool);
             tree.setMode("rm", each.mode);
-            if (::unshare(CLONE_NEWNS) != 0 ||
-                ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-                ::mount(tree.at("rm").c_str(), "/bin/rm", nullptr, MS_BIND, nullptr) != 0)
+            if (!unshareMounts() || !bindMount(tree.at("rm"), "/bin/rm"))
                 return "skipped: no mounts of our own";
             const HelperReply reply = HelperRun().ask(tree.at("file"));
             return reply.outcome == Outcome::Failed ? reply.text : "another outcome: " + reply.text;
@@ -141,10 +120,8 @@ TEST_F(HelperRemoves, UnderNoneOfItsCallersLimits) {
 // What is mounted over the parts of a folder can not be seen from the mount's copy, so that it
 // stays even where it came between the look and the tool.
 TEST_F(HelperRemoves, NothingOfAMountThatCameMeanwhile) {
-    const std::string told = runInChild({}, [&]() -> std::string {
-        if (::unshare(CLONE_NEWNS) != 0 ||
-            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
-            return "skipped: no mounts of our own";
+    const auto check = [&]() -> std::string {
+        if (!unshareMounts()) return "skipped: no mounts of our own";
         tree.write("way/many/a", "below the mount");
         tree.write("other/precious", "1");
         // The tool of this world mounts first, as if by chance, where its caller's view is, then
@@ -156,15 +133,13 @@ TEST_F(HelperRemoves, NothingOfAMountThatCameMeanwhile) {
         tree.setMode("rm", 0755);
         std::filesystem::copy_file("/bin/rm", tree.at("real rm"));
         const HelperRequest request = HelperRun::requestFor(tree.at("way/many"));
-        if (::mount(tree.at("rm").c_str(), "/bin/rm", nullptr, MS_BIND, nullptr) != 0)
-            return "skipped: no tool";
+        if (!bindMount(tree.at("rm"), "/bin/rm")) return "skipped: no tool";
         const HelperReply reply = HelperRun().ask(request);
         if (!isThere(tree.at("other/precious")))
             return "what was mounted meanwhile went: " + reply.text;
         return {};
-    });
-    if (told.starts_with("skipped")) GTEST_SKIP() << told;
-    EXPECT_EQ(told, "");
+    };
+    EXPECT_TOLD(runInChild({}, check), "");
 }
 
 }  // namespace

@@ -1,9 +1,7 @@
 // What uses a drive without being mounted, in made-up folders of the kernel: a drive must not be
 // switched off under it.
-#include <gtest/gtest.h>
-
 #include "platform/linux/LinuxVolumesDevices.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 namespace {

@@ -1,21 +1,13 @@
 // The file system as Linux gives it: what a listing and the attributes tell, that nothing blocks,
 // and that reading leaves the page cache as it was.
-#include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/mman.h>
-#include <sys/stat.h>
 #include <sys/sysmacros.h>
 
-#include <algorithm>
-#include <cerrno>
-
 #include "engine/duplicates/FileHasher.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using testing::TestTree;
 
 const LinuxFileSystem files;
 constexpr std::size_t pageSize = 4096;
@@ -24,13 +16,9 @@ TEST(LinuxFiles, eachKindOfEntryIsToldAsWhatItIs) {
     TestTree tree;
     const std::string odd = "line\nbreak \xff\xfe " + std::string(200, 'n');
     const std::string longest(255, 'L');
-    tree.write("file", "12345");
-    tree.write(odd, "1");
-    tree.write(longest, "22");
-    tree.folder("folder");
-    tree.symlink("nowhere", "link");
-    tree.fifo("fifo");
-    tree.socket("socket");
+    ASSERT_TRUE(tree.write("file", "12345") && tree.write(odd, "1") && tree.write(longest, "22") &&
+                tree.folder("folder") && tree.symlink("nowhere", "link") && tree.fifo("fifo") &&
+                tree.socket("socket"));
     struct Case {
         std::string name;
         FileType type;
@@ -184,9 +172,7 @@ TEST_P(PageCache, isAsItWasAfterHashing) {
             SkipList skipped;
             FileHasher hasher(files, skipped);
             FileArray items;
-            ASSERT_TRUE(
-                one.hash(hasher, items.add(path, *files.attributes(FileSystem::noParent,
-                                                                   path.c_str(), Links::Keep))));
+            ASSERT_TRUE(one.hash(hasher, items.add(path, attributesOf(path))));
             const auto after = residency(path);
             EXPECT_TRUE(before == after) << "before " << show(before) << ", after " << show(after);
         }

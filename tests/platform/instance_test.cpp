@@ -1,23 +1,14 @@
 // One running program a user: who is first, and what reaches it, between real processes.
-#include <fcntl.h>
-#include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/file.h>
-#include <sys/wait.h>
-
-#include <array>
-#include <csignal>
-#include <cstdlib>
 
 #include "platform/instance.h"
 #include "support/SilentSocket.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 namespace {
 
-using std::chrono::milliseconds;
-using Clock = std::chrono::steady_clock;
 using Start = ProgramInstance::Start;
 using Kind = StartRequest::Kind;
 

@@ -1,34 +1,16 @@
 // Volumes as Linux shows them: tables of mounts and trees of devices of the test's making, then
 // real mounts in a name space of their own, which takes them along when it ends.
-#include <fcntl.h>
-#include <fmt/format.h>
-#include <gtest/gtest.h>
-#include <sys/mount.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <atomic>
-#include <cerrno>
 #include <condition_variable>
-#include <cstdlib>
-#include <fstream>
-#include <mutex>
 
 #include "engine/volumes/VolumesInfo.h"
 #include "platform/linux/LinuxVolumes.h"
 #include "platform/linux/LinuxVolumesChoice.h"
 #include "platform/paths.h"
-#include "support/OwnMounts.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
-using testing::TestTree;
-using testing::withOwnMounts;
-using namespace std::chrono_literals;
-using Clock = std::chrono::steady_clock;
 using Texts = std::vector<std::string>;
 
 TEST(MountInfo, WholeLinesAreReadAndOthersLeftOut) {
@@ -320,16 +302,25 @@ struct Gate {
     std::map<std::string, int> asked;
 };
 
-TEST(LinuxVolumes, DeadMountsHoldNobodyUpAndAreAskedOnce) {
+// A table of mounts of the test's own, behind the gate.
+struct GatedVolumes {
+    explicit GatedVolumes(milliseconds patience)
+        : platform({tree.at("mounts"), tree.at("sys"), tree.at("udev")}, patience,
+                   [asked = gate](const SpaceQuestion& question) { return asked->ask(question); }) {
+    }
     TestTree tree;
+    const std::shared_ptr<Gate> gate = std::make_shared<Gate>();
+    LinuxVolumes platform;
+};
+
+TEST(LinuxVolumes, DeadMountsHoldNobodyUpAndAreAskedOnce) {
+    GatedVolumes gated(500ms);
+    auto& [tree, gate, platform] = gated;
     std::string table = "20 1 8:2 / / rw - ext4 /dev/sda2 rw\n";
     for (int i = 30; i < 50; ++i)
         table += fmt::format("{0} 20 0:{0} / /dead{0} rw - nfs h:/{0} rw\n", i);
     table += "60 20 8:6 / /alive rw - ext4 /dev/sda6 rw\n";
     ASSERT_TRUE(tree.write("mounts", table));
-    const auto gate = std::make_shared<Gate>();
-    LinuxVolumes platform({tree.at("mounts"), tree.at("sys"), tree.at("udev")}, 500ms,
-                          [gate](const SpaceQuestion& question) { return gate->ask(question); });
     const auto start = Clock::now();
     VolumesInfo info(platform);
     EXPECT_LT(Clock::now() - start, 1500ms) << "twenty dead servers cost one patience";
@@ -378,20 +369,17 @@ TEST(LinuxVolumes, ASlowServerIsToldByItsLateAnswerOnce) {
 }
 
 TEST(LinuxVolumes, WalksOfSeveralThreadsDoNotMix) {
-    TestTree tree;
-    const auto gate = std::make_shared<Gate>();
-    LinuxVolumes platform({tree.at("mounts"), tree.at("sys"), tree.at("udev")}, 10s,
-                          [gate](const SpaceQuestion& question) { return gate->ask(question); });
+    GatedVolumes gated(10s);
     std::string table;
     for (int i = 0; i < 50; ++i)
         table += fmt::format("{0} 1 8:{0} / /v{0} rw - ext4 /dev/x rw\n", i + 20);
-    ASSERT_TRUE(tree.write("mounts", "1 0 8:0 / / rw - ext4 x rw\n" + table));
+    ASSERT_TRUE(gated.tree.write("mounts", "1 0 8:0 / / rw - ext4 x rw\n" + table));
     std::atomic<int> faults{0};
     {
         std::vector<std::jthread> threads;
         for (int i = 0; i < 3; ++i)
             threads.emplace_back([&] {
-                VolumesInfo info(platform);
+                VolumesInfo info(gated.platform);
                 for (int round = 0; round < 20; ++round)
                     if (info.getAllVolsInfo().size() != 51) ++faults;
             });
@@ -400,12 +388,10 @@ TEST(LinuxVolumes, WalksOfSeveralThreadsDoNotMix) {
 }
 
 TEST(LinuxVolumes, ANumberDoesNotPassToAnotherMount) {
-    TestTree tree;
-    const auto gate = std::make_shared<Gate>();
-    LinuxVolumes platform({tree.at("mounts"), tree.at("sys"), tree.at("udev")}, 10s,
-                          [gate](const SpaceQuestion& question) { return gate->ask(question); });
+    GatedVolumes gated(10s);
+    LinuxVolumes& platform = gated.platform;
     const auto numberOfSecond = [&](const std::string& mount) {
-        EXPECT_TRUE(tree.write("mounts", "1 0 8:0 / / rw - ext4 x rw\n" + mount + "\n"));
+        EXPECT_TRUE(gated.tree.write("mounts", "1 0 8:0 / / rw - ext4 x rw\n" + mount + "\n"));
         VolumesInfo info(platform);
         return info.volsArray().size() == 2 ? info.volsArray()[1]->volRefNumber : std::int16_t{-1};
     };

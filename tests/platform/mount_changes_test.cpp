@@ -1,17 +1,10 @@
 // What came and what went between two looks at a table of the test's making. Real mounts are in
 // services/volumes.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "platform/linux/LinuxMountChanges.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using testing::TestTree;
 
 // "+name path" or "-name path" a change.
 std::string textOf(const std::vector<MountChange>& changes) {
@@ -19,6 +12,13 @@ std::string textOf(const std::vector<MountChange>& changes) {
     for (const MountChange& each : changes)
         text += (each.came ? "+" : "-") + each.name + ' ' + each.path + ';';
     return text;
+}
+
+// With a stick of this label, in the lines of udev.
+bool plugIn(TestTree& tree, const std::string& label) {
+    return tree.write("sys/devices/sdb/dev", "8:16\n") &&
+           tree.symlink(tree.at("sys/devices/sdb"), "sys/dev/block/8:16") &&
+           tree.write("udev/data/b8:16", label);
 }
 
 TEST(MountChanges, OneVolumeComesOrGoesWhateverItsMountsDo) {
@@ -58,9 +58,7 @@ TEST(MountChanges, OneVolumeComesOrGoesWhateverItsMountsDo) {
         {"a line that is cut short", stick, stick + "99 1 8:99 / /mnt/z rw - ext4", ""},
     };
     TestTree tree;
-    ASSERT_TRUE(tree.write("sys/devices/sdb/dev", "8:16\n") &&
-                tree.symlink(tree.at("sys/devices/sdb"), "sys/dev/block/8:16") &&
-                tree.write("udev/data/b8:16", "E:ID_FS_LABEL_ENC=My\\x20Stick\n"));
+    ASSERT_TRUE(plugIn(tree, "E:ID_FS_LABEL_ENC=My\\x20Stick\n"));
     for (const auto& each : cases) {
         ASSERT_TRUE(tree.write("mounts", root + each.before));
         LinuxMountChanges watched({tree.at("mounts"), tree.at("sys"), tree.at("udev")});
@@ -73,10 +71,7 @@ TEST(MountChanges, OneVolumeComesOrGoesWhateverItsMountsDo) {
 TEST(MountChanges, WhatWentIsCalledAsItWas) {
     TestTree tree;
     const std::string stick = "50 1 8:16 / /media/folder rw - vfat /dev/sdb rw\n";
-    ASSERT_TRUE(tree.write("sys/devices/sdb/dev", "8:16\n") &&
-                tree.symlink(tree.at("sys/devices/sdb"), "sys/dev/block/8:16") &&
-                tree.write("udev/data/b8:16", "E:ID_FS_LABEL=Label\n") &&
-                tree.write("mounts", stick));
+    ASSERT_TRUE(plugIn(tree, "E:ID_FS_LABEL=Label\n") && tree.write("mounts", stick));
     LinuxMountChanges watched({tree.at("mounts"), tree.at("sys"), tree.at("udev")});
     ASSERT_TRUE(tree.write("udev/data/b8:16", ""));
     ASSERT_TRUE(tree.write("mounts", stick + "90 1 0:9 / /proc rw - proc proc rw\n"));

@@ -36,6 +36,15 @@ void withOwnMounts(const std::function<std::string()>& check) {
     EXPECT_EQ(said, "");
 }
 
+bool unshareMounts() {
+    return ::unshare(CLONE_NEWNS) == 0 &&
+           ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+}
+
+bool bindMount(const std::string& what, const std::string& where) {
+    return ::mount(what.c_str(), where.c_str(), nullptr, MS_BIND, nullptr) == 0;
+}
+
 bool mountRam(const char* folder) {
     ::mkdir(folder, 0777);
     return ::mount("ram", folder, "tmpfs", 0, "size=1m") == 0;

@@ -23,6 +23,9 @@ public:
     /// False where this machine has no FUSE, or does not let this user mount: skip the test then.
     [[nodiscard]] bool isThere() const { return m_isThere; }
 
+    /// Ends the server: whoever waits for an answer gets an error.
+    void end() { m_program->end(); }
+
     /// Where files are put without the faults.
     [[nodiscard]] TestTree& source() { return m_source; }
     [[nodiscard]] std::string path() const { return m_place.at("served"); }

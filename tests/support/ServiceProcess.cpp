@@ -46,6 +46,16 @@ void ServiceProcess::end() {
     m_process = -1;
 }
 
+void ServiceProcess::wait() {
+    if (m_process > 0) ::waitpid(m_process, nullptr, 0);
+    m_process = -1;
+}
+
+bool ServiceProcess::hasEnded() {
+    if (m_process > 0 && ::waitpid(m_process, nullptr, WNOHANG) == m_process) m_process = -1;
+    return m_process <= 0;
+}
+
 bool comesTrue(const std::function<bool()>& condition) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
     while (!condition()) {

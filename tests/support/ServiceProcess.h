@@ -25,6 +25,9 @@ public:
     [[nodiscard]] pid_t number() const { return m_process; }
     void signal(int number) const;
     void end();
+    /// Until it ends by itself.
+    void wait();
+    [[nodiscard]] bool hasEnded();
 
 private:
     pid_t m_process = -1;

@@ -14,11 +14,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <random>
@@ -163,6 +165,12 @@ bool TestTree::setMode(std::string_view name, mode_t mode) {
     return ::chmod(at(name).c_str(), mode) == 0;
 }
 
+bool TestTree::giveAway(std::initializer_list<std::string_view> names) {
+    return std::all_of(names.begin(), names.end(), [&](std::string_view name) {
+        return ::lchown(at(name).c_str(), 65534, 65534) == 0;
+    });
+}
+
 bool TestTree::makeDeep(std::string_view name, int levels, std::string_view leaf,
                         bool sideFolders) {
     if (!folder(name)) return false;
@@ -189,6 +197,26 @@ std::string contentOf(const std::string& path) {
     std::ostringstream text;
     text << std::ifstream(path, std::ios::binary).rdbuf();
     return text.str();
+}
+
+std::vector<std::string> namesIn(const std::string& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        names.push_back(entry.path().filename());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+FileAttributes attributesOf(const std::string& path) {
+    return LinuxFileSystem().attributes(FileSystem::noParent, path.c_str(), Links::Keep).value();
+}
+
+void keepTimes(const std::string& path, const std::function<void()>& change) {
+    struct stat seen {};
+    if (::lstat(path.c_str(), &seen) != 0) throw std::runtime_error("nothing is at " + path);
+    change();
+    const timespec times[]{seen.st_atim, seen.st_mtim};
+    ::utimensat(AT_FDCWD, path.c_str(), times, AT_SYMLINK_NOFOLLOW);
 }
 
 std::string someBytes(std::size_t size, unsigned seed) {

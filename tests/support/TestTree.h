@@ -8,8 +8,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/ForwardingFiles.h"
 #include "platform/linux/LinuxFiles.h"
@@ -43,6 +45,8 @@ public:
     bool fifo(std::string_view name);
     bool socket(std::string_view name);
     bool setMode(std::string_view name, mode_t mode);
+    /// To an ordinary user; false where this process may not.
+    bool giveAway(std::initializer_list<std::string_view> names);
 
     /// A chain of `levels` folders called "d" below `name`, with `leaf` as a file of these bytes in
     /// the last. With `sideFolders` each level holds a second folder "s" that holds such a file
@@ -60,6 +64,16 @@ private:
 
 /// The bytes of a file; empty when there is none.
 [[nodiscard]] std::string contentOf(const std::string& path);
+
+/// The names in a folder, in order.
+[[nodiscard]] std::vector<std::string> namesIn(const std::string& folder);
+
+/// Of an entry that is there; a link is not followed.
+[[nodiscard]] FileAttributes attributesOf(const std::string& path);
+
+/// Does something to an entry and sets its times back, as somebody does who wants it to go
+/// unnoticed.
+void keepTimes(const std::string& path, const std::function<void()>& change);
 
 /// Pseudo-random bytes, the same for the same seed.
 [[nodiscard]] std::string someBytes(std::size_t size, unsigned seed);

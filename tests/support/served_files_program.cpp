@@ -2,6 +2,7 @@
 // a test wants. It runs until it is unmounted or killed. ServedFiles.h starts it.
 //
 //   look=MS          every look at an entry takes so many milliseconds
+//   hang             a look at a name that begins with "hang" is answered when the server ends
 //   renumber         an entry gets a new inode number with each look
 //   eio=NAME:AT      bytes of files with that name can not be read from there on
 //   twice=NAME       listings give that name twice
@@ -30,6 +31,7 @@ namespace {
 struct Faults {
     std::string source;
     std::chrono::milliseconds look{0};
+    bool hangs = false;
     bool renumber = false;
     std::string unreadable;
     off_t unreadableFrom = 0;
@@ -47,6 +49,8 @@ bool isNamed(std::string_view path, const std::string& name) {
 
 int look(const char* path, struct stat* out, fuse_file_info*) {
     std::this_thread::sleep_for(s_faults.look);
+    if (s_faults.hangs && std::strstr(path, "/hang") != nullptr)
+        std::this_thread::sleep_for(std::chrono::minutes(5));
     if (::lstat(real(path).c_str(), out) != 0) return -errno;
     if (s_faults.renumber) out->st_ino = ++s_number;
     return 0;
@@ -157,6 +161,7 @@ bool take(std::string_view fault) {
     const std::string value(equals == std::string_view::npos ? "" : fault.substr(equals + 1));
     if (fault == "renumber") s_faults.renumber = true;
     else if (fault == "cache") s_faults.isCached = true;
+    else if (fault == "hang") s_faults.hangs = true;
     else if (fault.starts_with("look="))
         s_faults.look = std::chrono::milliseconds(std::stoi(value));
     else if (fault.starts_with("twice=")) s_faults.twice = value;

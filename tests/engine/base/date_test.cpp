@@ -1,13 +1,11 @@
 // The two texts of a date, in several time zones, and their way back.
-#include <gtest/gtest.h>
 #include <rapidcheck.h>
 
-#include <cstdlib>
 #include <ctime>
 #include <limits>
-#include <string>
 
 #include "engine/base/Date.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {

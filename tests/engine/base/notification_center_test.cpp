@@ -1,16 +1,8 @@
 // Notices: who gets them, in which order, and what a handler may do while one is under way.
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <chrono>
-#include <functional>
 #include <future>
-#include <optional>
-#include <string>
-#include <thread>
-#include <vector>
 
 #include "engine/base/NotificationCenter.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {

@@ -1,15 +1,11 @@
 // The single operations by which two files are compared.
 #include "engine/duplicates/algorithm.h"
 
-#include <gtest/gtest.h>
-
 #include "engine/duplicates/crc.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using testing::TestTree;
 
 const LinuxFileSystem files;
 

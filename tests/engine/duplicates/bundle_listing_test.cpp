@@ -1,20 +1,10 @@
 // The digest of a bundle's listing: what changes it, what does not, and how a listing fails.
 #include "engine/duplicates/BundleListing.h"
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <functional>
-
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using testing::TestTree;
 
 const LinuxFileSystem realFiles;
 const std::atomic<bool> never{false};
@@ -53,26 +43,19 @@ TEST_F(BundleDigest, HoldsEverythingInOrder) {
 
 // None of these changes the sum of the bytes.
 TEST_F(BundleDigest, TellsEveryChange) {
-    const auto sameTimes = [&](const std::string& name, const std::function<void()>& change) {
-        struct stat before {};
-        ASSERT_EQ(::lstat(at(name).c_str(), &before), 0);
-        change();
-        const timespec times[] = {before.st_atim, before.st_mtim};
-        (void)::utimensat(AT_FDCWD, at(name).c_str(), times, AT_SYMLINK_NOFOLLOW);
-    };
     const std::vector<std::pair<const char*, std::function<void()>>> changes{
         {"a renamed file",
-         [&] { sameTimes(".", [&] { ::rename(at("other").c_str(), at("othes").c_str()); }); }},
+         [&] { keepTimes(at("."), [&] { ::rename(at("other").c_str(), at("othes").c_str()); }); }},
         {"a link that points elsewhere",
          [&] {
-             sameTimes("toFolder", [&] {
+             keepTimes(at("toFolder"), [&] {
                  ::unlink(at("toFolder").c_str());
                  (void)!::symlink("on", at("toFolder").c_str());
              });
          }},
         {"a file put in another's place",
          [&] {
-             sameTimes("in/file", [&] {
+             keepTimes(at("in/file"), [&] {
                  m_tree.write("B.app/in/new", "54321");
                  ::rename(at("in/new").c_str(), at("in/file").c_str());
              });
@@ -106,19 +89,15 @@ TEST_F(BundleDigest, IsTheSameForWhatIsTheSame) {
 TEST_F(BundleDigest, LeavesInodesOutWhereTheyDoNotLast) {
     const std::uint64_t device = list().entries[0].attributes.device;
     const std::vector<std::uint64_t> passing{device};
-    struct stat before {};
-    ASSERT_EQ(::lstat(at("in").c_str(), &before), 0);
     const auto with = list().digest;
     const auto without = list({.passingInodes = passing}).digest;
     EXPECT_NE(with, without);
-    m_tree.write("B.app/in/new", "12345");
-    struct stat file {};
-    ASSERT_EQ(::lstat(at("in/file").c_str(), &file), 0);
-    ::rename(at("in/new").c_str(), at("in/file").c_str());
-    const timespec fileTimes[] = {file.st_atim, file.st_mtim};
-    const timespec folderTimes[] = {before.st_atim, before.st_mtim};
-    ::utimensat(AT_FDCWD, at("in/file").c_str(), fileTimes, 0);
-    ::utimensat(AT_FDCWD, at("in").c_str(), folderTimes, 0);
+    keepTimes(at("in"), [&] {
+        keepTimes(at("in/file"), [&] {
+            m_tree.write("B.app/in/new", "12345");
+            ::rename(at("in/new").c_str(), at("in/file").c_str());
+        });
+    });
     EXPECT_NE(list().digest, with);
     EXPECT_EQ(list({.passingInodes = passing}).digest, without);
 }

@@ -1,16 +1,9 @@
 // The search for equal application bundles: what makes two of them equal, and what does not.
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
 #include "engine/duplicates/FindDuplicateApp.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using testing::TestTree;
-using Strings = std::vector<std::string>;
 
 const LinuxFileSystem realFiles;
 

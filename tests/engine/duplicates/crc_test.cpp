@@ -1,20 +1,10 @@
 // The hash against a loop over single bits, for every loop that this machine can run.
 #include "engine/duplicates/crc.h"
 
-#include <gtest/gtest.h>
 #include <sys/mman.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <random>
-#include <string>
-#include <string_view>
-#include <vector>
 
 #include "engine/duplicates/crcKernels.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {

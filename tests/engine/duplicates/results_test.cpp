@@ -1,26 +1,17 @@
 // What a person sees and does after a search: the seven views, the ticks with the rule that one
 // copy stays, and the upkeep of both while copies go.
-#include <fmt/format.h>
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <string>
-#include <vector>
-
 #include "engine/duplicates/BundleListing.h"
 #include "engine/duplicates/results/DuplicateSelection.h"
 #include "engine/duplicates/results/LeafSort.h"
 #include "engine/duplicates/results/RemovalPlan.h"
 #include "engine/duplicates/results/ResultViews.h"
-#include "engine/removal/PlainDoor.h"
-#include "engine/removal/RemovalRun.h"
+#include "engine/removal/PairList.h"
 #include "platform/linux/LinuxFiles.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
-using testing::TestTree;
 using Pointer = TreeNode::Pointer;
 
 Pointer addGroup(SimpleTreeNode& root, const std::string& extension, int copies,
@@ -274,9 +265,8 @@ TEST(ResultViews, AreTrueAfterARemoval) {
 }
 
 // A real group of files, as the search would have seen them.
-class RemovalPlanTest : public ::testing::Test {
-protected:
-    void build(const std::vector<std::string>& names) {
+struct PlannedRemoval {
+    explicit PlannedRemoval(const Strings& names) {
         const Pointer group = addGroup(*root, "txt", 0);
         for (const std::string& name : names) {
             if (name.ends_with("symlink")) tree.symlink(tree.at(names.front()), name);
@@ -287,8 +277,7 @@ protected:
         for (const std::string& name : names) {
             auto data = SimpleNodeData::leafDataWithName(tree.at(name));
             data->setFileSize(std::string_view("the same").size());
-            data->setIdentity(EntryIdentity::of(
-                *files.attributes(FileSystem::noParent, tree.at(name).c_str(), Links::Keep)));
+            data->setIdentity(EntryIdentity::of(attributesOf(tree.at(name))));
             if (name.ends_with(".app"))
                 data->setBundleDigest(
                     listBundle(files, tree.at(name), {}, std::atomic<bool>{false})->digest);
@@ -296,32 +285,26 @@ protected:
                                group->numberOfChildren());
         }
     }
-    Pointer leaf(std::size_t index) const { return root->firstChild()->childAtIndex(index); }
-    bool remove(const std::string& name) const { return unlink(tree.at(name).c_str()) == 0; }
+    void tick(std::size_t leaf) {
+        EXPECT_EQ(selection.clickLeaf(root->firstChild()->childAtIndex(leaf)), LeafClick::Ticked);
+    }
+    void tickGroup() { selection.clickGroup(*root->firstChild()); }
 
     /// Runs the plan as the removing thread does: "-" for what went, "others" for what somebody
     /// else had removed, else why it stays.
-    std::vector<std::string> run() {
+    Strings run() {
         RemovalPlan plan(files, selection.allSelectNumArr().entries(),
                          RemovalPlan::Comparing::Always);
-        PlainDoor door(files, {});
-        std::vector<std::string> results;
-        const std::atomic<bool> never{false};
-        RemovalRun removal(files, tree.at("state"), plan, door, never,
-                           {.waiting = [](bool) {},
-                            .begins = [](std::size_t, const std::string&, bool) {},
-                            .settled =
-                                [&](std::size_t, const RemovalResult& result) {
-                                    results.push_back(result.byOthers ? "others"
-                                                      : result.gone
-                                                          ? "-"
-                                                          : result.failures.front().reason);
-                                }});
-        (void)removal.run();
-        removal.settleJournal();
+        Strings results;
+        auto telling = testing::nobodyTold();
+        telling.settled = [&](std::size_t, const RemovalResult& result) {
+            results.push_back(result.byOthers ? "others"
+                              : result.gone   ? "-"
+                                              : result.failures.front().reason);
+        };
+        (void)testing::removeAll(files, tree.at("state"), plan, telling);
         return results;
     }
-    using Results = std::vector<std::string>;
 
     TestTree tree;
     LinuxFileSystem files;
@@ -329,61 +312,58 @@ protected:
     DuplicateSelection selection;
 };
 
-TEST_F(RemovalPlanTest, RefusesWhatChangedAndWhatIsGone) {
-    build({"a", "b", "c", "d"});
-    selection.clickGroup(*root->firstChild());
-    ASSERT_TRUE(tree.write("a", "written since"));
-    ASSERT_TRUE(remove("b"));
-    EXPECT_EQ(run(), (Results{"changed since the scan", "others", "-"}));
-}
-
-TEST_F(RemovalPlanTest, LeavesOneVerifiedCopyOfAGroupThatIsNotWhollyTicked) {
-    build({"a", "b", "c"});
-    selection.clickGroup(*root->firstChild());
-    ASSERT_TRUE(tree.write("c", "the copy that was to stay is another file now"));
-    EXPECT_EQ(run(), (Results{"-", "no other verified copy is left"}));
-}
-
-TEST_F(RemovalPlanTest, FindsTheOtherCopyAcrossThoseThatHaveGone) {
-    build({"a", "b", "c", "d"});
-    for (const std::size_t index : {2U, 1U, 0U})
-        ASSERT_EQ(selection.clickLeaf(leaf(index)), LeafClick::Ticked);
-    ASSERT_TRUE(tree.write("d", "the copy that was to stay is another file now"));
-    EXPECT_EQ(run(), (Results{"-", "-", "no other verified copy is left"}));
-}
-
-TEST_F(RemovalPlanTest, CountsABundleAsACopyOnlyWithAllThatWasInIt) {
-    build({"a.app", "b.app", "c.app"});
-    selection.clickGroup(*root->firstChild());
-    ASSERT_TRUE(remove("c.app/Contents/main"));
-    EXPECT_EQ(run(), (Results{"-", "no other verified copy is left"}));
-}
-
-TEST_F(RemovalPlanTest, CountsNoLinkAsACopyOfTheFileThatItPointsAt) {
-    build({"a", "b", "symlink"});
-    selection.clickGroup(*root->firstChild());
-    EXPECT_EQ(run(), (Results{"-", "no other verified copy is left"}));
-}
-
-// Each leaf ticked by a way that asks nothing: the person never agreed to lose every copy.
-TEST_F(RemovalPlanTest, LeavesOneCopyWhereNobodyWasAsked) {
-    build({"a", "b"});
-    ASSERT_EQ(selection.clickLeaf(leaf(1)), LeafClick::Ticked);
-    selection.setAll(*root, true);
-    EXPECT_EQ(run(), (Results{"-", "no other verified copy is left"}));
-}
-
-TEST_F(RemovalPlanTest, RemovesAllCopiesOfAWhollyTickedGroup) {
-    build({"a", "b"});
-    ASSERT_EQ(selection.clickLeaf(leaf(0)), LeafClick::Ticked);
-    selection.tickLast(leaf(1));
-    EXPECT_EQ(run(), (Results{"-", "-"}));
-}
-
-TEST_F(RemovalPlanTest, HardLinksOfOneFileDoNotCountAsChangedByOurOwnRemoval) {
-    build({"a", "first link", "second link", "b"});
-    selection.clickGroup(*root->firstChild());
-    EXPECT_EQ(run(), (Results{"-", "-", "-"}));
+TEST(RemovalPlan, OneVerifiedCopyStaysUnlessAPersonInsisted) {
+    const std::string none = "no other verified copy is left";
+    const struct {
+        const char* what;
+        Strings names;
+        std::function<void(PlannedRemoval&)> before;
+        Strings results;
+    } cases[] = {
+        {"what changed and what is gone",
+         {"a", "b", "c", "d"},
+         [](PlannedRemoval& p) {
+             p.tickGroup(), p.tree.write("a", "written since"), ::unlink(p.tree.at("b").c_str());
+         },
+         {"changed since the scan", "others", "-"}},
+        {"the copy that was to stay is another file now",
+         {"a", "b", "c"},
+         [](PlannedRemoval& p) { p.tickGroup(), p.tree.write("c", "another"); },
+         {"-", none}},
+        {"the other copy is looked for across those that have gone",
+         {"a", "b", "c", "d"},
+         [](PlannedRemoval& p) { p.tick(2), p.tick(1), p.tick(0), p.tree.write("d", "another"); },
+         {"-", "-", none}},
+        {"a bundle counts with all that was in it",
+         {"a.app", "b.app", "c.app"},
+         [](PlannedRemoval& p) {
+             p.tickGroup(), ::unlink(p.tree.at("c.app/Contents/main").c_str());
+         },
+         {"-", none}},
+        {"a link is no copy of what it points at",
+         {"a", "b", "symlink"},
+         [](PlannedRemoval& p) { p.tickGroup(); },
+         {"-", none}},
+        {"each leaf ticked by a way that asks nothing",
+         {"a", "b"},
+         [](PlannedRemoval& p) { p.tick(1), p.selection.setAll(*p.root, true); },
+         {"-", none}},
+        {"a wholly ticked group",
+         {"a", "b"},
+         [](PlannedRemoval& p) {
+             p.tick(0), p.selection.tickLast(p.root->firstChild()->childAtIndex(1));
+         },
+         {"-", "-"}},
+        {"hard links are not changed by our own removal",
+         {"a", "first link", "second link", "b"},
+         [](PlannedRemoval& p) { p.tickGroup(); },
+         {"-", "-", "-"}},
+    };
+    for (const auto& [what, names, before, results] : cases) {
+        PlannedRemoval planned(names);
+        before(planned);
+        EXPECT_EQ(planned.run(), results) << what;
+    }
 }
 
 }  // namespace

@@ -1,55 +1,22 @@
 // The search on disks that fail, forget and dawdle, and under a stop: what is found stays right,
 // and what is not read is said.
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <cerrno>
-#include <chrono>
-#include <mutex>
 #include <new>
-#include <set>
-#include <thread>
 
-#include "engine/duplicates/DuplicateFilesOpt.h"
+#include "engine/duplicates/SearchRun.h"
 #include "engine/duplicates/crc.h"
 #include "engine/files/TreeSize.h"
 #include "engine/files/asideName.h"
-#include "support/LogLines.h"
 #include "support/ServedFiles.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
-using namespace std::chrono_literals;
+using testing::Found;
+using testing::searched;
 using testing::ServedFiles;
-using testing::TestTree;
-using Strings = std::vector<std::string>;
 
 const LinuxFileSystem realFiles;
-
-struct Found {
-    Strings leaves;  // sorted
-    std::vector<Error> skipped;
-    std::size_t groups = 0;
-};
-
-Found search(const std::string& root, const FileSystem& files = realFiles) {
-    DuplicateFilesOpt search(files);
-    search.beginSearchAtPath(root, 0);
-    Found found;
-    found.skipped = search.search()->skipped().entries();
-    search.visitGroups([&](const DuplicateGroup& group) {
-        ++found.groups;
-        for (const auto* file : group.files) found.leaves.push_back(file->filePathName());
-        for (const auto* bundle : group.bundles) found.leaves.push_back(bundle->DirectoryPathName);
-    });
-    std::sort(found.leaves.begin(), found.leaves.end());
-    return found;
-}
 
 // Two equal files, and a third that would be equal if it could be read.
 TEST(SearchFaults, ReadErrorsAreToldAsWhatTheyAreWhereverTheyCome) {
@@ -74,7 +41,7 @@ TEST(SearchFaults, ReadErrorsAreToldAsWhatTheyAreWhereverTheyCome) {
              {"x" + inside + "good", "y" + inside + "good", "z" + inside + "bad"})
             ASSERT_TRUE(served.source().write(name, bytes));
         const testing::LogLines log;
-        const Found found = search(served.path());
+        const Found found = searched(served.path());
         EXPECT_EQ(found.leaves, one.bundle ? (Strings{served.at("x.app"), served.at("y.app")})
                                            : (Strings{served.at("x/good"), served.at("y/good")}))
             << one.what;
@@ -142,9 +109,9 @@ TEST(SearchFaults, ANameThatIsListedTwiceIsNotItsOwnCopy) {
     if (!served.isThere()) GTEST_SKIP() << "no FUSE here";
     for (const char* name : {"a/one", "b/other", "x.app/one", "y.app/one"})
         ASSERT_TRUE(served.source().write(name, "12345"));
-    EXPECT_EQ(search(served.at("a")).leaves, Strings{});
-    EXPECT_EQ(search(served.path()).leaves, (Strings{served.at("a/one"), served.at("b/other"),
-                                                     served.at("x.app"), served.at("y.app")}));
+    EXPECT_EQ(searched(served.at("a")).leaves, Strings{});
+    EXPECT_EQ(searched(served.path()).leaves, (Strings{served.at("a/one"), served.at("b/other"),
+                                                       served.at("x.app"), served.at("y.app")}));
 }
 
 // The same with inode numbers that last, and a file that is renamed while the folder is listed: it
@@ -182,9 +149,9 @@ TEST(SearchFaults, OneFileUnderTwoNamesIsNotItsOwnCopy) {
     ASSERT_TRUE(tree.write("a/one", "12345") && tree.write("b/new", "67890") &&
                 tree.write("c/old", "x"));
     ASSERT_EQ(::rename(tree.at("c/old").c_str(), tree.at("b/old").c_str()), 0);
-    EXPECT_EQ(search(tree.path(), files).leaves, Strings{});
+    EXPECT_EQ(searched(tree.path(), files).leaves, Strings{});
     ASSERT_TRUE(tree.hardLink("a/one", "a/two"));
-    EXPECT_EQ(search(tree.path(), files).leaves, (Strings{tree.at("a/one"), tree.at("a/two")}));
+    EXPECT_EQ(searched(tree.path(), files).leaves, (Strings{tree.at("a/one"), tree.at("a/two")}));
 }
 
 // Every look takes a third of a second, and a listing gives hundreds of entries at a time.
@@ -287,7 +254,7 @@ TEST(SearchFaults, NothingButFilesIsOpened) {
         const std::lock_guard lock(mutex);
         opened.insert(name);
     };
-    EXPECT_EQ(search(tree.path(), files).leaves, (Strings{tree.at("a.app"), tree.at("b.app")}));
+    EXPECT_EQ(searched(tree.path(), files).leaves, (Strings{tree.at("a.app"), tree.at("b.app")}));
     EXPECT_EQ(opened, (std::set<std::string>{"file", "toFile"}));
 }
 
@@ -300,7 +267,7 @@ TEST(SearchFaults, WhatARemovalHasSetAsideIsNotOffered) {
     for (const std::string& name : {std::string("A.app"), asideName("0123456789abcdef", "A.app"),
                                     "in/" + asideName("0123456789abcdef", "A.app")})
         ASSERT_TRUE(tree.write(name + "/in", "67890"));
-    EXPECT_EQ(search(tree.path()).leaves, (Strings{tree.at("copy"), tree.at("file.txt")}));
+    EXPECT_EQ(searched(tree.path()).leaves, (Strings{tree.at("copy"), tree.at("file.txt")}));
 }
 
 // Folders that only hold links say nothing of what they are.
@@ -312,9 +279,9 @@ TEST(SearchFaults, BundlesWithoutContentsAreNoCopies) {
         tree.symlink("nowhere", std::string(bundle) + "dangling");
         tree.write(std::string(bundle) + "empty", "");
     }
-    EXPECT_EQ(search(tree.path()).leaves, Strings{});
+    EXPECT_EQ(searched(tree.path()).leaves, Strings{});
     for (const char* name : {"a.app/in/f", "b.app/in/f"}) tree.write(name, "1");
-    EXPECT_EQ(search(tree.path()).leaves, (Strings{tree.at("a.app"), tree.at("b.app")}));
+    EXPECT_EQ(searched(tree.path()).leaves, (Strings{tree.at("a.app"), tree.at("b.app")}));
 }
 
 // The hash is linear: eight bytes more bring it to any value, so files of two sizes can be given
@@ -341,7 +308,7 @@ TEST(SearchFaults, GroupsOfTwoSizesWithOneHashStayTwo) {
     ASSERT_EQ(hash(longer), hash(brief));
     for (const char* name : {"a", "b"}) tree.write(name, brief);
     for (const char* name : {"c", "d"}) tree.write(name, longer);
-    EXPECT_EQ(search(tree.path()).groups, 2U);
+    EXPECT_EQ(searched(tree.path()).groups, 2U);
     DuplicateFilesOpt opt(realFiles);
     opt.beginSearchAtPath(tree.path(), 0);
     std::shared_ptr<SimpleTreeNode> root;

@@ -1,47 +1,14 @@
 // Rules of a search that only show where two of its parts meet: the options, links and mounts,
 // progress, and what changes under it.
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <sys/mount.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <cerrno>
-#include <map>
-#include <mutex>
-#include <set>
-
-#include "engine/duplicates/DuplicateFilesOpt.h"
-#include "support/OwnMounts.h"
-#include "support/TestTree.h"
+#include "engine/duplicates/SearchRun.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
-using testing::TestTree;
-using Strings = std::vector<std::string>;
+using testing::searched;
 
 const LinuxFileSystem realFiles;
-
-Strings leavesOf(const DuplicateFilesOpt& search) {
-    Strings leaves;
-    search.visitGroups([&](const DuplicateGroup& group) {
-        for (const auto* file : group.files) leaves.push_back(file->filePathName());
-        for (const auto* bundle : group.bundles) leaves.push_back(bundle->DirectoryPathName);
-    });
-    std::sort(leaves.begin(), leaves.end());
-    return leaves;
-}
-
-Strings searched(const std::string& root, const SearchOption& option = {},
-                 const FileSystem& files = realFiles, std::vector<Error>* skipped = nullptr) {
-    DuplicateFilesOpt search(files);
-    search.setSearchOption(&option);
-    search.beginSearchAtPath(root, 0);
-    if (skipped != nullptr) *skipped = search.search()->skipped().entries();
-    return leavesOf(search);
-}
 
 std::string joined(const Strings& texts) {
     std::string out;
@@ -61,8 +28,8 @@ TEST(SearchRules, EachOptionOpensWhatItSays) {
         std::string found;
         for (const SearchOption& option :
              {SearchOption{false, false}, {true, false}, {false, true}, {true, true}})
-            found += joined(searched("/", option)) + "| ";
-        return found + joined(searched("/home", {false, false}));
+            found += joined(searched("/", realFiles, option).leaves) + "| ";
+        return found + joined(searched("/home", realFiles, {false, false}).leaves);
     });
     const std::string plain = "/1 /2 ";
     const std::string system = "/Library/1 /Library/2 /bin/1 /bin/2 ";
@@ -76,18 +43,15 @@ TEST(SearchRules, AnEntryThatAMountShowsAgainIsNotItsOwnCopy) {
     testing::withOwnMounts([]() -> std::string {
         TestTree tree("/mnt");
         if (!tree.write("a/in/one", "12345") || !tree.folder("b") ||
-            !tree.write("A.app/x", "67890") || !tree.folder("c"))
+            !tree.write("A.app/x", "67890") || !tree.folder("c") || !tree.write("alone", "abc") ||
+            !tree.write("place", ""))
             return "no tree";
-        if (!tree.write("alone", "abc") || !tree.write("place", "")) return "no tree";
-        const auto bind = [&](const char* from, const char* to) {
-            return ::mount(tree.at(from).c_str(), tree.at(to).c_str(), nullptr, MS_BIND, nullptr) ==
-                   0;
-        };
-        if (!bind("a", "b") || !bind("A.app", "c") || !bind("alone", "place"))
-            return "skip: no bind mounts";
-        if (const Strings found = searched(tree.path()); !found.empty()) return joined(found);
+        for (const auto& [what, where] : {std::pair{"a", "b"}, {"A.app", "c"}, {"alone", "place"}})
+            if (!bindMount(tree.at(what), tree.at(where))) return "skip: no bind mounts";
+        if (const Strings found = searched(tree.path()).leaves; !found.empty())
+            return joined(found);
         if (!tree.hardLink("a/in/one", "a/in/two")) return "no link";
-        const Strings found = searched(tree.path());
+        const Strings found = searched(tree.path()).leaves;
         for (const char* path : {"b", "c", "place"})
             (void)::umount2(tree.at(path).c_str(), MNT_DETACH);
         return found.size() == 2 ? "" : "with two names: " + joined(found);
@@ -111,7 +75,7 @@ TEST(SearchRules, AChangingLinkCountMakesNoCopies) {
     TestTree tree;
     ASSERT_TRUE(tree.write("in/one", "12345") && tree.symlink("in", "again") &&
                 tree.symlink("in", "andAgain"));
-    EXPECT_EQ(searched(tree.path(), {}, Counting(realFiles)), Strings{});
+    EXPECT_EQ(searched(tree.path(), Counting(realFiles)).leaves, Strings{});
 }
 
 TEST(SearchRules, LeavesTellWhereTheyLieAndHowManyNamesTheyHave) {
@@ -129,6 +93,9 @@ TEST(SearchRules, LeavesTellWhereTheyLieAndHowManyNamesTheyHave) {
     ASSERT_TRUE(tree.symlink("in/../plain/", "root/broken") &&
                 tree.symlink("./././plain", "root/toPlain1"));
     ASSERT_TRUE(tree.symlink("././in/name", "root/toName12"));
+    const timespec times[] = {{.tv_sec = 1, .tv_nsec = 0},
+                              {.tv_sec = 1'000'000'000, .tv_nsec = 123'456'789}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, tree.at("root/plain").c_str(), times, 0), 0);
     DuplicateFilesOpt opt(realFiles);
     opt.beginSearchAtPath(tree.at("root"), 0);
     std::shared_ptr<SimpleTreeNode> root;
@@ -141,6 +108,9 @@ TEST(SearchRules, LeavesTellWhereTheyLieAndHowManyNamesTheyHave) {
             text = std::to_string(leaf->hardLinks());
             if (leaf->isLink())
                 text += (leaf->liesOutside() ? " out " : " in ") + leaf->linkTarget();
+            EXPECT_EQ(leaf->ModificationDate() == Date{1'000'000'000'123'456'789},
+                      leaf->name() == tree.at("root/plain"))
+                << leaf->name();
             EXPECT_EQ(leaf->bundleDigest().has_value(), leaf->name().ends_with(".app"))
                 << leaf->name();
         }
@@ -155,21 +125,6 @@ TEST(SearchRules, LeavesTellWhereTheyLieAndHowManyNamesTheyHave) {
         {"toName12", "1 in " + tree.at("root/in/name")},
     };
     EXPECT_EQ(told, expected);
-}
-
-TEST(SearchRules, ALeafHasTheDateOfItsFile) {
-    TestTree tree;
-    for (const char* name : {"a", "b"}) ASSERT_TRUE(tree.write(name, "12345"));
-    const timespec times[] = {{.tv_sec = 1, .tv_nsec = 0},
-                              {.tv_sec = 1'000'000'000, .tv_nsec = 123'456'789}};
-    for (const char* name : {"a", "b"})
-        ASSERT_EQ(::utimensat(AT_FDCWD, tree.at(name).c_str(), times, 0), 0);
-    DuplicateFilesOpt opt(realFiles);
-    opt.beginSearchAtPath(tree.path(), 0);
-    std::shared_ptr<SimpleTreeNode> root;
-    ASSERT_TRUE(opt.getDuplicateFiles(&root));
-    for (const auto& leaf : root->childAtIndex(0)->children())
-        EXPECT_EQ(simpleData(*leaf)->ModificationDate()->nanoseconds, 1'000'000'000'123'456'789);
 }
 
 // Bundles are the first half and files the second. The first batches of files are small, so that
@@ -224,9 +179,8 @@ TEST(SearchRules, AFolderThatFailsHalfWayDoesNotCount) {
     for (int i = 0; i < 3000; ++i)
         ASSERT_TRUE(tree.write("in/half/f" + std::to_string(i), "12345"));
     for (const char* name : {"in/a", "in/b"}) ASSERT_TRUE(tree.write(name, "12345"));
-    std::vector<Error> skipped;
-    EXPECT_EQ(searched(tree.path(), {}, Failing(realFiles), &skipped),
-              (Strings{tree.at("in/a"), tree.at("in/b")}));
+    const auto [leaves, skipped, groups] = searched(tree.path(), Failing(realFiles));
+    EXPECT_EQ(leaves, (Strings{tree.at("in/a"), tree.at("in/b")}));
     ASSERT_EQ(skipped.size(), 1U);
     EXPECT_EQ(skipped[0].path, tree.at("in/half"));
     EXPECT_EQ(skipped[0].number, EIO);
@@ -268,26 +222,12 @@ TEST(SearchRules, AFileThatChangesWhileItIsReadIsNoCopy) {
             ASSERT_TRUE(tree.sparse(name, size));
             tree.patch(name, size / 2, "middle");
         }
-        std::vector<Error> skipped;
-        EXPECT_EQ(searched(tree.path(), {}, Changing(realFiles, tree), &skipped),
-                  (Strings{tree.at("a"), tree.at("b")}))
-            << size;
+        const auto [leaves, skipped, groups] = searched(tree.path(), Changing(realFiles, tree));
+        EXPECT_EQ(leaves, (Strings{tree.at("a"), tree.at("b")})) << size;
         ASSERT_EQ(skipped.size(), 1U) << size;
         EXPECT_EQ(skipped[0].path, tree.at("changed"));
         EXPECT_EQ(skipped[0].kind, ErrorKind::Changed);
     }
-}
-
-// A small file is not looked at again when it has as many bytes as it had; one that grew is.
-TEST(SearchRules, ASmallFileThatGrewIsReadAnew) {
-    TestTree tree;
-    for (const char* name : {"a", "b", "grown"}) ASSERT_TRUE(tree.write(name, "12345"));
-    testing::WatchedFiles files;
-    std::once_flag once;
-    files.onOpenFile = [&](const char*) {
-        std::call_once(once, [&] { tree.patch("grown", 5, "6"); });
-    };
-    EXPECT_EQ(searched(tree.path(), {}, files), (Strings{tree.at("a"), tree.at("b")}));
 }
 
 // On a disk image of the kind that shows it: while a folder is listed, files in it go away under
@@ -334,7 +274,7 @@ TEST(SearchRules, FilesRenamedAwayAndBackDuringTheListing) {
         DuplicateFilesOpt opt(files);
         opt.beginSearchAtPath(tree.path(), 0);
         if (opt.search()->counts().listedFiles <= count) return "skip: no name was listed twice";
-        const Strings found = leavesOf(opt);
+        const Strings found = testing::foundBy(opt).leaves;
         return found.empty() ? "" : std::to_string(found.size()) + " files are their own copies";
     });
 }
@@ -351,7 +291,7 @@ TEST(SearchRules, FilesOnADiskWithoutInodeNumbers) {
             std::call_once(once,
                            [] { (void)!std::system("sync; echo 2 > /proc/sys/vm/drop_caches"); });
         };
-        const Strings found = searched(tree.path(), {}, files);
+        const Strings found = searched(tree.path(), files).leaves;
         return found.size() == 400 ? "" : std::to_string(found.size()) + " of 400 found";
     });
 }

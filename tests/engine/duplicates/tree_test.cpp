@@ -1,13 +1,9 @@
 // The result tree: parents and children over two trees, the six sorts, the cover, and trees too
 // deep for the stack.
-#include <gtest/gtest.h>
-
-#include <random>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 #include "engine/duplicates/tree/SimpleTreeNode.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {

@@ -1,19 +1,12 @@
 // Catalog: batches, what is known of the entries, references that outlive names, failures.
 #include "engine/files/Catalog.h"
 
-#include <gtest/gtest.h>
-
-#include <array>
 #include <cstdio>
-#include <map>
-#include <vector>
 
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using testing::TestTree;
 
 const LinuxFileSystem files;
 const Catalog catalog(files);

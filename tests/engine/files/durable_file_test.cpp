@@ -1,41 +1,12 @@
 // A save leaves the old file or the new one, whole, whatever fails in it and wherever it is killed.
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <sched.h>
-#include <sys/mount.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <array>
-#include <cerrno>
-#include <filesystem>
-#include <fstream>
-#include <map>
-#include <set>
-#include <sstream>
-#include <string>
-#include <thread>
-#include <vector>
-
 #include "engine/files/DurableFile.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
-using testing::contentOf;
-using testing::TestTree;
-
 constexpr const char* kOld = "[Orrinvale]\nSpaceAlarm = 0.5\nmine = 7\n";
 constexpr std::size_t kLimit = 4096;
-
-std::set<std::string> namesIn(const std::string& folder) {
-    std::set<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder))
-        names.insert(entry.path().filename());
-    return names;
-}
 
 /// One run of the program that saves, under strace.
 class TracedSave final {
@@ -44,23 +15,11 @@ public:
 
     /// What the program printed; empty when it was killed.
     std::string run(const std::string& inject) {
-        std::vector<std::string> words{"strace", "-o", m_tree.at("trace"), "-E",
-                                       "ASAN_OPTIONS=detect_leaks=0"};
-        if (!inject.empty()) words.insert(words.end(), {"-e", "inject=" + inject});
-        words.insert(words.end(), {ORRINVALE_SAVE_PROGRAM, path()});
-        std::vector<char*> arguments;
-        for (std::string& word : words) arguments.push_back(word.data());
-        arguments.push_back(nullptr);
-        const pid_t child = ::fork();
-        if (child == 0) {
-            const int out = ::open(m_tree.at("said").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-            ::dup2(out, 1);
-            ::dup2(out, 2);
-            ::execvp("strace", arguments.data());
-            ::_exit(127);
-        }
-        int status = 0;
-        ::waitpid(child, &status, 0);
+        const std::string fault = inject.empty() ? "" : " -e 'inject=" + inject + '\'';
+        const std::string command = fmt::format(
+            "strace -o '{}' -E ASAN_OPTIONS=detect_leaks=0{} {} '{}' >'{}' 2>&1",
+            m_tree.at("trace"), fault, ORRINVALE_SAVE_PROGRAM, path(), m_tree.at("said"));
+        (void)!std::system(command.c_str());
         return contentOf(m_tree.at("said"));
     }
 
@@ -141,36 +100,26 @@ TEST(DurableFile, EverySystemCallOfASaveMayFailOrBeTheLast) {
     for (const char* some : {"openat", "newfstatat"}) EXPECT_GT(outcomes[some][1], 0) << some;
 }
 
-// A tmpfs of its own, in a mount namespace that ends with the process.
-std::string saveOnFullDisk() {
-    const std::string folder = "/tmp";
-    if (::unshare(CLONE_NEWNS) != 0 ||
-        ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-        ::mount("small", folder.c_str(), "tmpfs", 0, "size=64k") != 0)
-        return "skip";
-    const std::string path = folder + "/history";
-    if (!DurableFile::save(path, "old")) return "could not save on the empty disk";
-    std::ofstream(folder + "/filler") << std::string(4096 * 13, 'x');
-    // Room for two pages.
-    if (!DurableFile::save(path, std::string(4096, 'a'))) return "one page did not fit";
-    const auto large = DurableFile::save(path, std::string(4096 * 6, 'b'));
-    if (large || large.error().number != ENOSPC) return "six pages were called saved";
-    if (contentOf(path) != std::string(4096, 'a')) return "the old file is damaged";
-    std::ofstream(folder + "/filler2") << std::string(4096 * 8, 'x');
-    const auto full = DurableFile::save(path, "tiny");
-    if (full || full.error().number != ENOSPC) return "a full disk was called saved";
-    if (contentOf(path) != std::string(4096, 'a'))
-        return "the old file is damaged by the full disk";
-    if (namesIn(folder).contains("history.new")) return "something was left behind";
-    if (::unlink((folder + "/filler").c_str()) != 0 || !DurableFile::save(path, "tiny"))
-        return "no save with room again";
-    return contentOf(path) == "tiny" ? "" : "wrong content";
-}
-
 TEST(DurableFile, FullAndNearlyFullDisk) {
-    const std::string fault = testing::runInChild({}, saveOnFullDisk);
-    if (fault == "skip") GTEST_SKIP() << "no right to mount a tmpfs";
-    EXPECT_EQ(fault, "");
+    withOwnMounts([]() -> std::string {
+        if (::mount("small", "/mnt", "tmpfs", 0, "size=64k") != 0) return "skip: no small disk";
+        const std::string path = "/mnt/history";
+        if (!DurableFile::save(path, "old")) return "could not save on the empty disk";
+        std::ofstream("/mnt/filler") << std::string(4096 * 13, 'x');
+        // Room for two pages.
+        const std::string page(4096, 'a');
+        if (!DurableFile::save(path, page)) return "one page did not fit";
+        for (const std::string& text : {std::string(4096 * 6, 'b'), std::string("tiny")}) {
+            const auto saved = DurableFile::save(path, text);
+            if (saved || saved.error().number != ENOSPC) return "a full disk was called saved";
+            if (contentOf(path) != page) return "the old file is damaged";
+            std::ofstream("/mnt/filler2") << std::string(4096 * 8, 'x');
+        }
+        if (isThere("/mnt/history.new")) return "something was left behind";
+        if (::unlink("/mnt/filler") != 0 || !DurableFile::save(path, "tiny"))
+            return "no save with room again";
+        return contentOf(path) == "tiny" ? "" : "wrong content";
+    });
 }
 
 TEST(DurableFile, WhatIsNotOursIsLeftAlone) {
@@ -179,8 +128,7 @@ TEST(DurableFile, WhatIsNotOursIsLeftAlone) {
                 tree.write("target", "t") && tree.symlink(tree.at("target"), "link") &&
                 tree.write("foreign", "f"));
     std::vector<const char*> names{"folder", "fifo", "socket", "link"};
-    if (::geteuid() == 0 && ::chown(tree.at("foreign").c_str(), 65534, 65534) == 0)
-        names.push_back("foreign");
+    if (tree.giveAway({"foreign"})) names.push_back("foreign");
     const auto before = namesIn(tree.path());
     const auto never = [](std::string_view) { return false; };
     for (const char* name : names) {
@@ -211,7 +159,7 @@ TEST(DurableFile, RestsOfOthersDoNotLeakIntoASave) {
         auto given_up = DurableFile::begin(tree.at("a"));
         EXPECT_TRUE(given_up);
     }
-    EXPECT_EQ(namesIn(tree.path()), (std::set<std::string>{"a", "precious"}));
+    EXPECT_EQ(namesIn(tree.path()), (Strings{"a", "precious"}));
 }
 
 TEST(DurableFile, DamagedFilesAreKeptAside) {
@@ -230,7 +178,7 @@ TEST(DurableFile, DamagedFilesAreKeptAside) {
     }
     ASSERT_TRUE(tree.write("f", "good"));
     EXPECT_EQ(DurableFile::readWell(tree.at("f"), kLimit, isGood).value_or(""), "good");
-    EXPECT_EQ(namesIn(tree.path()), (std::set<std::string>{"f", "f.bad", "f.bad.2", "f.bad.3"}));
+    EXPECT_EQ(namesIn(tree.path()), (Strings{"f", "f.bad", "f.bad.2", "f.bad.3"}));
     EXPECT_EQ(DurableFile::keepCopy(tree.at("f"), "garbage").value_or("-"), "")
         << "that one is there";
     EXPECT_EQ(DurableFile::keepCopy(tree.at("f"), "other").value_or("-"), tree.at("f.bad.4"));

@@ -2,19 +2,12 @@
 // than the system takes.
 #include "engine/files/FolderNode.h"
 
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <deque>
 
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using testing::TestTree;
 
 const LinuxFileSystem files;
 

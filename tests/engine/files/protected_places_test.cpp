@@ -2,28 +2,11 @@
 // mounts of the test's own; and that SafeRemoval touches nothing of what is refused.
 #include "engine/files/ProtectedPlaces.h"
 
-#include <fcntl.h>
-#include <fmt/format.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <sched.h>
-#include <sys/mount.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <cstdlib>
-
 #include "engine/files/SafeRemoval.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using ::testing::Contains;
-using testing::isThere;
-using testing::runInChild;
-using testing::TestTree;
-using testing::WatchedFiles;
 
 const LinuxFileSystem files;
 
@@ -133,25 +116,18 @@ TEST(ProtectedPlaces, whatStandsBesideAHome) {
         EXPECT_EQ(reasonFor(places, tree.at(name)), "") << name;
 }
 
-// In a table of mounts of the child's own.
 TEST(ProtectedPlaces, mountsAndWhatIsReachedThroughThem) {
     TestTree tree;
     for (const char* name :
          {"home/user/x", "mine/a/b/tmp mount/x", "bound/x", "source/x", "free/x", "bindOfSource/x"})
         tree.write(name, "x");
     tree.symlink(tree.at("mine"), "link");
-    const std::string told = runInChild({}, [&]() -> std::string {
-        const auto mount = [&](const std::string& from, const char* at, const char* type,
-                               unsigned long flags) {
-            return ::mount(from.c_str(), tree.at(at).c_str(), type, flags, nullptr) == 0;
-        };
-        if (::unshare(CLONE_NEWNS) != 0 ||
-            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
-            return "skipped: no table of mounts of our own";
-        if (!mount("none", "mine/a/b/tmp mount", "tmpfs", 0) ||
-            !mount(tree.at("home"), "bound", nullptr, MS_BIND) ||
-            !mount(tree.at("source"), "bindOfSource", nullptr, MS_BIND))
-            return "skipped: no mounts";
+    const auto check = [&]() -> std::string {
+        if (!unshareMounts() ||
+            ::mount("none", tree.at("mine/a/b/tmp mount").c_str(), "tmpfs", 0, nullptr) != 0 ||
+            !bindMount(tree.at("home"), tree.at("bound")) ||
+            !bindMount(tree.at("source"), tree.at("bindOfSource")))
+            return "skip: no mounts of our own";
         auto places = ProtectedPlaces::ofThisMachine(files, {});
         places.add(files, tree.at("home/user"), "a home folder");
         const std::pair<const char*, const char*> table[]{
@@ -170,9 +146,8 @@ TEST(ProtectedPlaces, mountsAndWhatIsReachedThroughThem) {
         if (!SafeRemoval(files, places).remove(tree.at("free"), std::nullopt).gone)
             wrong += "free stays\n";
         return wrong;
-    });
-    if (told.starts_with("skipped")) GTEST_SKIP() << told;
-    EXPECT_EQ(told, "");
+    };
+    EXPECT_TOLD(runInChild({}, check), "");
     for (const char* name : {"home/user/x", "mine/a/b/tmp mount/x", "source/x"})
         EXPECT_TRUE(isThere(tree.at(name)));
 }
@@ -182,14 +157,13 @@ TEST(ProtectedPlaces, aDeadDiskBehindALink) {
     TestTree tree;
     tree.folder("dead");
     tree.symlink("dead/all", "homes");
-    const std::string told = runInChild({}, [&]() -> std::string {
+    const auto check = [&]() -> std::string {
         const Descriptor server(::open("/dev/fuse", O_RDWR | O_CLOEXEC));
         const std::string how =
             fmt::format("fd={},rootmode=40000,user_id=0,group_id=0", server.get());
-        if (::unshare(CLONE_NEWNS) != 0 ||
-            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+        if (!unshareMounts() ||
             ::mount("none", tree.at("dead").c_str(), "fuse", 0, how.c_str()) != 0)
-            return "skipped: no mount";
+            return "skip: no mount";
         auto places = ProtectedPlaces::ofThisMachine(files, {});
         std::string wrong;
         for (const char* user : {"one", "two"}) {
@@ -199,9 +173,8 @@ TEST(ProtectedPlaces, aDeadDiskBehindALink) {
                     wrong += homes + std::string(user) + '\n';
         }
         return wrong;
-    });
-    if (told.starts_with("skipped")) GTEST_SKIP() << told;
-    EXPECT_EQ(told, "");
+    };
+    EXPECT_TOLD(runInChild({}, check), "");
 }
 
 TEST(ProgramFiles, theExecutableItsSiblingsAndItsFoldersButNobodyElses) {

@@ -1,24 +1,10 @@
 // What a removal says of an entry that stayed, or that somebody else removed: the error that there
 // was, and no other.
-#include <fmt/format.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstring>
-
 #include "engine/files/SafeRemoval.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using testing::isThere;
-using testing::runInChild;
-using testing::TestTree;
-using testing::WatchedFiles;
 
 const ProtectedPlaces nothingProtected;
 
@@ -68,11 +54,6 @@ RemovalResult removeAt(const FileSystem& system, const std::string& path,
     return SafeRemoval(system, nothingProtected).remove(path, expected);
 }
 
-EntryIdentity scanned(const FileSystem& files, const std::string& path) {
-    return EntryIdentity::of(
-        files.attributes(FileSystem::noParent, path.c_str(), Links::Keep).value());
-}
-
 TEST(RemovalReasons, AnErrorOfALookIsToldAsThatError) {
     const struct {
         const char* what;
@@ -103,9 +84,8 @@ TEST(RemovalReasons, AnErrorOfALookIsToldAsThatError) {
 TEST(RemovalReasons, RightsAreToldFromWhatNobodyMay) {
     TestTree tree;
     for (const char* name : {"shut/x", "kept/x", "unread/x"}) tree.write(name, "x");
-    for (const char* name : {".", "shut", "shut/x", "kept", "kept/x", "unread"})
-        if (::chown(tree.at(name).c_str(), 65534, 65534) != 0)
-            GTEST_SKIP() << "files of another user need root";
+    if (!tree.giveAway({".", "shut", "shut/x", "kept", "kept/x", "unread"}))
+        GTEST_SKIP() << "files of another user need root";
     tree.setMode("shut", 0);
     tree.setMode("kept", 0555);
     tree.setMode("unread", 0);
@@ -130,7 +110,7 @@ TEST(RemovalReasons, ALongPathIsLookedAtLikeAnyOther) {
     ASSERT_TRUE(tree.makeDeep("t", levels, "x"));
     std::string folder = tree.at("t");
     for (int level = 0; level < levels; ++level) folder += "/d";
-    const EntryIdentity seen = scanned(files, tree.at("t"));
+    const EntryIdentity seen = EntryIdentity::of(attributesOf(tree.at("t")));
     EntryIdentity other = seen;
     ++other.inode;
     EXPECT_EQ(told(removeAt(files, folder + "/leaf", other)),

@@ -2,25 +2,12 @@
 // else's folder while the removal runs. First at every single step, then by a thread, 20,000
 // rounds, beside a removal by paths that shows that the race is real.
 #include <dirent.h>
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <array>
-#include <atomic>
-#include <cstring>
-#include <memory>
-#include <thread>
 
 #include "engine/files/SafeRemoval.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using testing::TestTree;
-using testing::WatchedFiles;
 
 const LinuxFileSystem files;
 const ProtectedPlaces nothingProtected;
@@ -128,11 +115,7 @@ constexpr std::array<Case, 3> cases{
 
 std::optional<EntryIdentity> identityFor(const Arena& arena, const Case& chosen) {
     if (!chosen.withIdentity) return std::nullopt;
-    return EntryIdentity::of(
-        files
-            .attributes(FileSystem::noParent,
-                        arena.at("staging" + std::string(chosen.chosen + 4)).c_str(), Links::Keep)
-            .value());
+    return EntryIdentity::of(attributesOf(arena.at("staging" + std::string(chosen.chosen + 4))));
 }
 
 TEST(SafeRemovalRace, aLinkPutInPlaceAtAnyStepLeadsNowhere) {

@@ -2,33 +2,15 @@
 // faults and the stop.
 #include "engine/files/SafeRemoval.h"
 
-#include <fcntl.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <linux/fs.h>
 #include <pthread.h>
-#include <sched.h>
 #include <sys/ioctl.h>
-#include <sys/mount.h>
-#include <sys/stat.h>
 #include <sys/syscall.h>
-#include <unistd.h>
 
-#include <cerrno>
-#include <cstring>
-
-#include "support/LogLines.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using ::testing::AllOf;
-using ::testing::HasSubstr;
-using testing::isThere;
-using testing::runInChild;
-using testing::TestTree;
-using testing::WatchedFiles;
 
 const LinuxFileSystem files;
 const ProtectedPlaces nothingProtected;
@@ -39,10 +21,7 @@ RemovalResult removeAt(const std::string& path,
     return SafeRemoval(system, nothingProtected).remove(path, expected);
 }
 
-EntryIdentity scanned(const std::string& path) {
-    return EntryIdentity::of(
-        files.attributes(FileSystem::noParent, path.c_str(), Links::Keep).value());
-}
+EntryIdentity scanned(const std::string& path) { return EntryIdentity::of(attributesOf(path)); }
 
 // "path below the tree: reason" of each failure.
 std::string failuresOf(const TestTree& tree, const RemovalResult& result) {
@@ -132,14 +111,7 @@ TEST(SafeRemoval, whatChangedSinceTheScanStays) {
         {"untouched", [](TestTree&) {}, true},
         {"grown", [](TestTree& tree) { tree.write("x", "longer"); }, false},
         {"rewritten, size and mtime put back",
-         [](TestTree& tree) {
-             struct stat seen {};
-             ::stat(tree.at("x").c_str(), &seen);
-             tree.patch("x", 0, "y");
-             const timespec times[2]{seen.st_atim, seen.st_mtim};
-             ::utimensat(AT_FDCWD, tree.at("x").c_str(), times, 0);
-         },
-         false},
+         [](TestTree& tree) { keepTimes(tree.at("x"), [&] { tree.patch("x", 0, "y"); }); }, false},
         {"another file",
          [](TestTree& tree) {
              tree.write("other", "x");
@@ -204,10 +176,9 @@ TEST(SafeRemoval, whatMayNotGoStaysWithItsReasonAndItsSiblingsGo) {
                              "t/unsearched/e", "t/emptyUnread/x"})
         tree.write(name, "x");
     ::unlink(tree.at("t/emptyUnread/x").c_str());
-    for (const char* name : {"t", "t/locked", "t/locked/deep", "t/unread", "t/free", "t/unsearched",
-                             "t/emptyUnread", "."})
-        if (::chown(tree.at(name).c_str(), 65534, 65534) != 0)
-            GTEST_SKIP() << "files of another user need root";
+    if (!tree.giveAway({"t", "t/locked", "t/locked/deep", "t/unread", "t/free", "t/unsearched",
+                        "t/emptyUnread", "."}))
+        GTEST_SKIP() << "files of another user need root";
     tree.setMode("t/locked", 0555);
     tree.setMode("t/unread", 0);
     tree.setMode("t/unsearched", 0600);
@@ -250,24 +221,16 @@ TEST(SafeRemoval, mountsInTheTreeAreNeitherEnteredNorRemoved) {
         tree.write(name, "x");
     tree.folder("t/tmp");
     const std::string told = runInChild({}, [&]() -> std::string {
-        const auto mount = [&](const char* from, const std::string& at, const char* type,
-                               unsigned long flags) {
-            return ::mount(from, tree.at(at).c_str(), type, flags, nullptr) == 0;
-        };
         const std::string victim = tree.at("victim");
-        if (::unshare(CLONE_NEWNS) != 0 ||
-            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
-            return "skipped: no table of mounts of our own";
-        if (!mount("none", "t/tmp", "tmpfs", 0) ||
-            !mount(victim.c_str(), "t/bound", nullptr, MS_BIND) ||
-            !mount((victim + "/x").c_str(), "t/file", nullptr, MS_BIND))
-            return "skipped: no mounts";
+        if (!unshareMounts() || !testing::mountRam(tree.at("t/tmp").c_str()) ||
+            !bindMount(victim, tree.at("t/bound")) || !bindMount(victim + "/x", tree.at("t/file")))
+            return "skipped: no mounts of our own";
         tree.write("t/tmp/kept", "x");
         WatchedFiles watched;  // and one that comes while the removal runs
         bool mounted = false;
         watched.beforeRemoval = [&](const char* operation) {
             if (!mounted && std::strcmp(operation, "removeEntry") == 0)
-                mounted = mount(victim.c_str(), "t/late", nullptr, MS_BIND);
+                mounted = bindMount(victim, tree.at("t/late"));
         };
         const auto result = removeAt(tree.at("t"), std::nullopt, watched);
         if (!mounted || !isThere(tree.at("t/tmp/kept"))) return "a mounted file is gone";
@@ -309,17 +272,12 @@ TEST(SafeRemoval, depthTakesNeitherStackNorDescriptors) {
         return std::to_string(work.second.removed);
     });
     EXPECT_EQ(told, std::to_string(levels * 3 + 2));
-}
-
-TEST(SafeRemoval, anEntryBehindAPathLongerThanTheLimitGoes) {
-    TestTree tree("/dev/shm");
-    constexpr int levels = 3000;
-    ASSERT_TRUE(tree.makeDeep("t", levels, "x"));
+    // An entry behind a path that is longer than the limit.
+    ASSERT_TRUE(tree.makeDeep("t", 3000, "x"));
     std::string path = tree.at("t");
-    for (int level = 0; level < levels; ++level) path += "/d";
-    EXPECT_TRUE(removeAt(path + "/leaf").gone);
-    EXPECT_EQ(removeAt(path + "/leaf").removed, 0U);
-    EXPECT_EQ(removeAt(path).removed, 1U);
+    for (int level = 0; level < 3000; ++level) path += "/d";
+    for (const auto& [name, removed] : {std::pair{"/leaf", 1U}, {"/leaf", 0U}, {"", 1U}})
+        EXPECT_EQ(removeAt(path + name).removed, removed) << name;
 }
 
 TEST(SafeRemoval, twoHundredThousandEntriesInOneFolderGo) {

@@ -1,27 +1,11 @@
 // SafeRemoval with what a scan saw in a folder: this goes, and whatever came or changed since
 // stays. Seen are the real attributes of real files; what comes later does so before the removal,
 // in the middle of it, and from a thread that does nothing else.
-#include <fcntl.h>
-#include <fmt/format.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <atomic>
-#include <cstring>
-#include <filesystem>
-#include <thread>
-
 #include "engine/files/SafeRemoval.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using testing::isThere;
-using testing::TestTree;
-using testing::WatchedFiles;
 
 const LinuxFileSystem files;
 const ProtectedPlaces nothingProtected;
@@ -66,13 +50,10 @@ std::string failuresOf(const TestTree& tree, const RemovalResult& result) {
     return fmt::format("{}", fmt::join(lines, ", "));
 }
 
-void rewrite(const TestTree& tree, const char* name, bool putTimeBack) {
-    struct stat seen {};
-    ::stat(tree.at(name).c_str(), &seen);
-    const Descriptor file(::open(tree.at(name).c_str(), O_WRONLY | O_CLOEXEC));
-    EXPECT_EQ(::pwrite(file.get(), "Y", 1, 0), 1);
-    const timespec times[2]{seen.st_atim, seen.st_mtim};
-    if (putTimeBack) ::utimensat(AT_FDCWD, tree.at(name).c_str(), times, 0);
+void rewrite(TestTree& tree, const char* name, bool putTimeBack) {
+    const auto write = [&] { EXPECT_TRUE(tree.patch(name, 0, "Y")); };
+    if (putTimeBack) keepTimes(tree.at(name), write);
+    else write();
 }
 
 TEST(SeenRemoval, OnlyWhatTheScanSawGoes) {
@@ -165,10 +146,10 @@ TEST(SeenRemoval, WhatComesWhileItRunsStays) {
     const auto result = removeSeen(tree.at("t"), seen, watched);
     EXPECT_FALSE(result.gone);
     ASSERT_GT(came, 10);
-    int left = 0;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(tree.at("t")))
-        if (entry.is_regular_file()) ++left;
-    EXPECT_EQ(left, came);
+    const std::filesystem::recursive_directory_iterator left(tree.at("t"));
+    EXPECT_EQ(
+        std::count_if(begin(left), end(left), [](auto& one) { return one.is_regular_file(); }),
+        came);
     EXPECT_EQ(result.bytes, 20U);
     for (const auto& failure : result.failures)
         EXPECT_EQ(failure.kind, StayReason::CameLater) << failure.path;
@@ -219,12 +200,8 @@ TEST(SeenRemoval, OnlyOurOwnRemovalExcusesATimeOfChange) {
         TestTree tree;
         tree.write("a", "four");
         tree.hardLink("a", "b");
-        const auto identity = [&](const char* name) {
-            return EntryIdentity::of(
-                files.attributes(FileSystem::noParent, tree.at(name).c_str(), Links::Keep).value());
-        };
-        const EntryIdentity seenA = identity("a");
-        const EntryIdentity seenB = identity("b");
+        const EntryIdentity seenA = EntryIdentity::of(attributesOf(tree.at("a")));
+        const EntryIdentity seenB = EntryIdentity::of(attributesOf(tree.at("b")));
         OwnChanges own;
         const SafeRemoval removal(files, nothingProtected, &own);
         const auto first = removal.remove(tree.at("a"), seenA);
@@ -300,8 +277,7 @@ TEST(SeenRemoval, DepthTakesNoDescriptors) {
     // One descriptor at a time: what is two names deep on each level.
     Descriptor folder =
         files.openFolder(FileSystem::noParent, tree.at("t").c_str(), Links::Keep).value();
-    auto key = SeenEntries::chosenFolder;
-    while (folder.isOpen()) {
+    for (auto key = SeenEntries::chosenFolder; folder.isOpen();) {
         CatalogBatch batch;
         Descriptor deeper;
         auto deeperKey = key;
@@ -312,12 +288,8 @@ TEST(SeenRemoval, DepthTakesNoDescriptors) {
                 seen.add(own, SeenState::of(entry.attributes));
                 if (entry.attributes.type != FileType::Folder) continue;
                 Descriptor inner = files.openFolder(folder.get(), entry.name, Links::Keep).value();
-                if (std::strcmp(entry.name, "d") != 0) {
-                    look(seen, inner.get(), own);
-                } else {
-                    deeper = std::move(inner);
-                    deeperKey = own;
-                }
+                if (std::strcmp(entry.name, "d") != 0) look(seen, inner.get(), own);
+                else deeper = std::move(inner), deeperKey = own;
             }
         }
         folder = std::move(deeper);

@@ -1,33 +1,14 @@
 // Trash on real files and volumes, and what other programs of the desktop make of what lies in it.
 #include "engine/files/Trash.h"
 
-#include <fcntl.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <sched.h>
-#include <sys/mount.h>
-#include <sys/stat.h>
 #include <sys/syscall.h>
-#include <unistd.h>
 
-#include <array>
-#include <cstdint>
 #include <cstdio>
-#include <cstring>
-#include <optional>
 
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using ::testing::HasSubstr;
-using ::testing::MatchesRegex;
-using testing::contentOf;
-using testing::isThere;
-using testing::runInChild;
-using testing::TestTree;
-using testing::WatchedFiles;
 
 const LinuxFileSystem files;
 const ProtectedPlaces nothingProtected;
@@ -193,10 +174,7 @@ TEST(Trash, AnotherEntryThatCameInItsPlaceGoesBack) {
     TestTree tree;
     tree.write("x", "confirmed");
     tree.write("y", "unlike it");
-    struct stat seen {};
-    ASSERT_EQ(::stat(tree.at("x").c_str(), &seen), 0);
-    const std::array<timespec, 2> times{seen.st_atim, seen.st_mtim};
-    ASSERT_EQ(::utimensat(AT_FDCWD, tree.at("y").c_str(), times.data(), 0), 0);
+    std::filesystem::last_write_time(tree.at("y"), std::filesystem::last_write_time(tree.at("x")));
     WatchedFiles watched;
     watched.beforeRemoval = [&, done = false](const char* operation) mutable {
         if (std::strcmp(operation, "moveEntry") != 0 || std::exchange(done, true)) return;
@@ -213,9 +191,8 @@ TEST(Trash, WithoutTheRightToItNothingMoves) {
     TestTree tree;
     tree.write("locked/x", "x");
     tree.folder("home");
-    for (const char* name : {".", "locked", "locked/x", "home"})
-        if (::chown(tree.at(name).c_str(), 65534, 65534) != 0)
-            GTEST_SKIP() << "files of another user need root";
+    if (!tree.giveAway({".", "locked", "locked/x", "home"}))
+        GTEST_SKIP() << "files of another user need root";
     tree.setMode("locked", 0555);
     EXPECT_EQ(runInChild({.ordinaryUser = true}, [&] { return moveAt(tree, "locked/x").error(); }),
               "Permission denied");
@@ -230,9 +207,7 @@ std::string onAnotherVolume(TestTree& tree,
     tree.folder("home");
     return runInChild({}, [&]() -> std::string {
         const std::string top = tree.at("volume");
-        if (::unshare(CLONE_NEWNS) != 0 ||
-            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            ::mount("none", top.c_str(), "tmpfs", 0, nullptr) != 0)
+        if (!unshareMounts() || ::mount("none", top.c_str(), "tmpfs", 0, nullptr) != 0)
             return "skipped: no mounts of our own";
         tree.write("volume/d/x y", "x");
         return check(top);
@@ -241,51 +216,37 @@ std::string onAnotherVolume(TestTree& tree,
 
 TEST(Trash, AnotherVolumeHasItsOwn) {
     const std::string user = std::to_string(::geteuid());
+    const std::string anothers = "no trash on its volume: the trash there is another user's";
+    const auto theirs = [](TestTree& tree, const std::string& name) {
+        tree.folder("volume/.Trash" + name);
+        tree.giveAway({"volume/.Trash" + name});
+    };
+    const auto shared = [](TestTree& tree, mode_t mode) {
+        tree.folder("volume/.Trash");
+        tree.setMode("volume/.Trash", mode);
+    };
     const struct {
         const char* what;
         std::function<void(TestTree&)> prepare;
         std::string trash;  // or the reason
     } cases[] = {
         {"nothing is there yet", [](TestTree&) {}, ".Trash-" + user},
-        {"a shared one",
-         [](TestTree& tree) {
-             tree.folder("volume/.Trash");
-             tree.setMode("volume/.Trash", 01777);
-         },
-         ".Trash/" + user},
-        {"a shared one without the sticky bit",
-         [](TestTree& tree) {
-             tree.folder("volume/.Trash");
-             tree.setMode("volume/.Trash", 0777);
-         },
+        {"a shared one", [&](TestTree& tree) { shared(tree, 01777); }, ".Trash/" + user},
+        {"a shared one without the sticky bit", [&](TestTree& tree) { shared(tree, 0777); },
          ".Trash-" + user},
         {"a link for the shared one", [](TestTree& tree) { tree.symlink("/tmp", "volume/.Trash"); },
          ".Trash-" + user},
         {"somebody else's in the shared one",
          [&](TestTree& tree) {
-             tree.folder("volume/.Trash/" + user);
+             theirs(tree, "/" + user);
              tree.setMode("volume/.Trash", 01777);
-             (void)!::chown(tree.at("volume/.Trash/" + user).c_str(), 65534, 65534);
          },
          ".Trash-" + user},
-        {"somebody else's",
-         [&](TestTree& tree) {
-             tree.folder("volume/.Trash-" + user);
-             (void)!::chown(tree.at("volume/.Trash-" + user).c_str(), 65534, 65534);
-         },
-         "no trash on its volume: the trash there is another user's"},
-        {"somebody else's files",
-         [&](TestTree& tree) {
-             tree.folder("volume/.Trash-" + user + "/files");
-             (void)!::chown(tree.at("volume/.Trash-" + user + "/files").c_str(), 65534, 65534);
-         },
-         "no trash on its volume: the trash there is another user's"},
-        {"somebody else's records",
-         [&](TestTree& tree) {
-             tree.folder("volume/.Trash-" + user + "/info");
-             (void)!::chown(tree.at("volume/.Trash-" + user + "/info").c_str(), 65534, 65534);
-         },
-         "no trash on its volume: the trash there is another user's"},
+        {"somebody else's", [&](TestTree& tree) { theirs(tree, "-" + user); }, anothers},
+        {"somebody else's files", [&](TestTree& tree) { theirs(tree, "-" + user + "/files"); },
+         anothers},
+        {"somebody else's records", [&](TestTree& tree) { theirs(tree, "-" + user + "/info"); },
+         anothers},
         {"a link", [&](TestTree& tree) { tree.symlink("/tmp", "volume/.Trash-" + user); },
          "no trash on its volume: Not a directory"},
     };
@@ -315,9 +276,7 @@ TEST(Trash, ABoundFolderIsAVolumeOfItsOwn) {
     tree.write("real/x", "x");
     tree.folder("bound");
     const std::string told = onAnotherVolume(tree, [&](const std::string&) -> std::string {
-        if (::mount(tree.at("real").c_str(), tree.at("bound").c_str(), nullptr, MS_BIND, nullptr) !=
-            0)
-            return "skipped";
+        if (!bindMount(tree.at("real"), tree.at("bound"))) return "skipped";
         const auto moved = moveAt(tree, "bound/x");
         return moved ? moved->substr(tree.path().size() + 1) : moved.error();
     });
@@ -335,9 +294,7 @@ TEST(Trash, ASubvolumeGetsNoneOfItsOwn) {
     tree.folder("top");
     tree.folder("home");
     const std::string told = runInChild({}, [&]() -> std::string {
-        if (::unshare(CLONE_NEWNS) != 0 ||
-            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
-            return "skipped: no mounts of our own";
+        if (!unshareMounts()) return "skipped: no mounts of our own";
         const auto mounted =
             outputOf("mount -o loop '" + tree.at("image") + "' '" + tree.at("top") +
                      "' && btrfs -q subvolume create '" + tree.at("top/part") + "'");

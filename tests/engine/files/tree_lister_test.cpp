@@ -1,21 +1,10 @@
 // listTree: the order of what it tells, the way back up, failures, and the stop.
 #include "engine/files/TreeLister.h"
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <cerrno>
-#include <map>
-
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using testing::TestTree;
 
 const LinuxFileSystem files;
 using Paths = std::vector<std::string>;

@@ -1,19 +1,10 @@
 // TreeSize: what counts and how much, failures, stops, mounts, depth and width.
 #include "engine/files/TreeSize.h"
 
-#include <fmt/format.h>
-#include <gtest/gtest.h>
-#include <sched.h>
-#include <sys/mount.h>
-
-#include <map>
-
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using testing::TestTree;
 
 const LinuxFileSystem files;
 
@@ -145,17 +136,9 @@ TEST(TreeSize, mountsCountButTheKernelsOwnDoNot) {
                 tree.folder(deep + "kernel") && tree.write(deep + "z", "1"));
     const auto watched = withDescriptors(32);
     const std::string told = testing::runInChild({.descriptors = 32}, [&]() -> std::string {
-        const auto mount = [&](const std::string& name, const char* type, const char* source,
-                               unsigned long flags) {
-            return ::mount(source, tree.at(name).c_str(), type, flags, nullptr) == 0;
-        };
-        if (::unshare(CLONE_NEWNS) != 0 ||
-            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
-            return "skip";
-        if (!mount("disk", "tmpfs", "none", 0) ||
-            !mount("kernel", nullptr, "/sys/kernel", MS_BIND) ||
-            !mount(deep + "kernel", nullptr, "/sys/kernel", MS_BIND) ||
-            !tree.write("disk/x", "123"))
+        if (!unshareMounts() || !testing::mountRam(tree.at("disk").c_str()) ||
+            !bindMount("/sys/kernel", tree.at("kernel")) ||
+            !bindMount("/sys/kernel", tree.at(deep + "kernel")) || !tree.write("disk/x", "123"))
             return "skip";
         const auto chosen = TreeSize(files).ofPath(tree.at("kernel"));
         return text(TreeSize(watched).ofPath(tree.path())) +

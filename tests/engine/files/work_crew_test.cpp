@@ -2,16 +2,13 @@
 // wake and go home.
 #include "engine/files/WorkCrew.h"
 
-#include <gtest/gtest.h>
-
 #include <new>
 #include <numeric>
-#include <set>
+
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using namespace std::chrono_literals;
 
 void compute(std::chrono::microseconds time) {
     const auto end = std::chrono::steady_clock::now() + time;

@@ -2,17 +2,9 @@
 // is told.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <optional>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "engine/largefiles/Controller.h"
 #include "engine/largefiles/ScannedTree.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 
@@ -40,13 +32,19 @@ protected:
     }
 
     void scan(const std::string& below = {}) {
-        controller.setParts(
-            {.files = &files, .mainQueue = &queue, .ownFiles = {}, .reveal = {}, .openFolder = {}});
+        controller.setParts(parts());
         controller.setADelegate(&page);
         const std::string path = below.empty() ? disk.path() : disk.at(below);
         tree = std::make_shared<FileNodeTree>(path);
         controller.eumeAllRootFileNodeWithRootArr(tree, path);
         ASSERT_TRUE(queue.serveUntil([this] { return controller.eumeRoot()->isEnded(); }));
+    }
+    ControllerParts parts(const std::vector<std::string>& ownFiles = {}) {
+        return {.files = &files,
+                .mainQueue = &queue,
+                .ownFiles = ownFiles,
+                .reveal = {},
+                .openFolder = {}};
     }
     FileNode& node(std::string_view path) { return *nodeAt(*tree, path); }
     void tick(const std::vector<std::string>& paths) {

@@ -2,19 +2,10 @@
 // tree as text.
 #pragma once
 
-#include <fmt/format.h>
-
-#include <chrono>
-#include <functional>
-#include <memory>
-#include <string>
-#include <thread>
-#include <vector>
-
 #include "engine/largefiles/EumeRoot.h"
 #include "engine/largefiles/FileNodeTree.h"
 #include "engine/largefiles/ScannedTree.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 

@@ -1,29 +1,14 @@
 // Controller on real files: what is ticked goes, what may not stays, and what the page hears of it.
 #include "engine/largefiles/Controller.h"
 
-#include <fcntl.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <sched.h>
-#include <sys/mount.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cstring>
 #include <future>
-#include <thread>
 
 #include "engine/largefiles/ControllerWorld.h"
-#include "support/LogLines.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::Pair;
-using testing::isThere;
-using testing::LogLines;
 using testing::nodeAt;
 
 using LargeFiles = testing::ControllerWorld;
@@ -128,12 +113,8 @@ TEST_F(LargeFiles, ASecondNameThatWasWrittenToAfterTheFirstWentStays) {
         if (std::strcmp(operation, "holdFolder") != 0 || !left.empty()) return;
         if (isThere(disk.at("first")) && isThere(disk.at("second"))) return;
         left = isThere(disk.at("first")) ? "first" : "second";
-        struct stat seen {};
-        ASSERT_EQ(::stat(disk.at(left).c_str(), &seen), 0);
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        disk.patch(left, 0, "after!");
-        const timespec times[] = {seen.st_atim, seen.st_mtim};
-        ASSERT_EQ(::utimensat(AT_FDCWD, disk.at(left).c_str(), times, 0), 0);
+        std::this_thread::sleep_for(20ms);
+        keepTimes(disk.at(left), [&] { disk.patch(left, 0, "after!"); });
     };
     remove();
     files.beforeRemoval = {};
@@ -178,11 +159,7 @@ TEST_F(LargeFiles, AFileWrittenWithItsTimeSetBackStays) {
     disk.write("file", "before");
     scan();
     controller.selectAllFileNode(1);
-    struct stat seen {};
-    ASSERT_EQ(::stat(disk.at("file").c_str(), &seen), 0);
-    disk.patch("file", 0, "after!");
-    const timespec times[] = {seen.st_atim, seen.st_mtim};
-    ASSERT_EQ(::utimensat(AT_FDCWD, disk.at("file").c_str(), times, 0), 0);
+    keepTimes(disk.at("file"), [&] { disk.patch("file", 0, "after!"); });
     remove();
     EXPECT_TRUE(isThere(disk.at("file")));
     EXPECT_EQ(page.ended->failed, 1U);
@@ -238,9 +215,7 @@ TEST_F(LargeFiles, TheStopEndsItBeforeTheNextEntry) {
 TEST_F(LargeFiles, AFolderWhoseEntriesGoInPartTellsWhichDidNot) {
     disk.write("t/locked/a", "x");
     disk.write("t/free", "x");
-    for (const char* name : {"t", "t/locked", "."})
-        if (::chown(disk.at(name).c_str(), 65534, 65534) != 0)
-            GTEST_SKIP() << "files of another user need root";
+    if (!disk.giveAway({"t", "t/locked", "."})) GTEST_SKIP() << "files of another user need root";
     disk.setMode("t/locked", 0555);
     const std::string told = testing::runInChild({.ordinaryUser = true}, [this]() -> std::string {
         scan();
@@ -260,16 +235,10 @@ TEST_F(LargeFiles, WhatBelongsToTheSystemStaysThoughItWasTicked) {
         disk.write(path, "x");
     disk.folder("proc");
     const std::string told = testing::runInChild({}, [this]() -> std::string {
-        if (::unshare(CLONE_NEWNS) != 0 ||
-            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            ::mount("proc", disk.at("proc").c_str(), "proc", 0, nullptr) != 0 ||
+        if (!unshareMounts() || ::mount("proc", disk.at("proc").c_str(), "proc", 0, nullptr) != 0 ||
             ::chroot(disk.path().c_str()) != 0 || ::chdir("/") != 0)
             return "skipped: no root of our own";
-        controller.setParts({.files = &files,
-                             .mainQueue = &queue,
-                             .ownFiles = {"/holds/x"},
-                             .reveal = {},
-                             .openFolder = {}});
+        controller.setParts(parts({"/holds/x"}));
         controller.setADelegate(&page);
         tree = std::make_shared<FileNodeTree>("/");
         controller.eumeAllRootFileNodeWithRootArr(tree, "/");

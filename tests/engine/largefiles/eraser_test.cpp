@@ -2,31 +2,16 @@
 // offers.
 #include "engine/largefiles/RemoveFileAndFolder.h"
 
-#include <fcntl.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
-#include <unistd.h>
 
-#include <cstdlib>
-#include <cstring>
 #include <future>
 
 #include "engine/largefiles/ControllerWorld.h"
-#include "support/LogLines.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using ::testing::Contains;
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::IsEmpty;
-using ::testing::Pair;
-using testing::contentOf;
-using testing::isThere;
-using testing::LogLines;
 
 class Eraser : public testing::ControllerWorld, protected RemoveFileAndFolderDelegate {
 protected:
@@ -41,9 +26,7 @@ protected:
     void prepare(const std::vector<std::string>& paths, const std::string& program = "eraser") {
         std::vector<FileNode*> nodes;
         for (const std::string& path : paths) nodes.push_back(&node(path));
-        const ControllerParts parts{
-            .files = &files, .mainQueue = &queue, .ownFiles = {}, .reveal = {}, .openFolder = {}};
-        eraser = std::make_unique<RemoveFileAndFolder>(parts, tree, nodes, world.at(program));
+        eraser = std::make_unique<RemoveFileAndFolder>(parts(), tree, nodes, world.at(program));
         eraser->setDelegate(this);
     }
     bool serveToTheEnd() {
@@ -78,17 +61,13 @@ TEST_F(Eraser, GetsOnePathAfterTheOtherWithItsThreeArguments) {
     EXPECT_TRUE(!isThere(disk.at("folder")) && isThere(disk.at("kept")));
 }
 
-TEST_F(Eraser, NothingToEraseIsNoCall) {
+TEST_F(Eraser, ThatHasNothingToEraseOrIsNotThereIsNoCall) {
+    disk.write("one", "x");
+    disk.write("two", "x");
     scan();
     prepare({});
     EXPECT_FALSE(eraser->runTaskWithPath());
     EXPECT_TRUE(told.empty() && !ended);
-}
-
-TEST_F(Eraser, ThatIsNotThereEndsWithTheListOfAll) {
-    disk.write("one", "x");
-    disk.write("two", "x");
-    scan();
     prepare({"one", "two"}, "missing");
     EXPECT_FALSE(eraser->runTaskWithPath());
     EXPECT_FALSE(ended.has_value());  // in a later turn
@@ -193,23 +172,17 @@ TEST_F(Eraser, OfTheControllerGetsWhatIsTicked) {
 TEST_F(Eraser, TheTrashOfTheControllerTakesOnePathAndTellsTheLog) {
     disk.write("data/with blank", "x");
     disk.write("data/own", "x");
-    EXPECT_EQ(testing::runInChild({},
-                                  [this]() -> std::string {
-                                      ::setenv("XDG_DATA_HOME", disk.at("share").c_str(), 1);
-                                      controller.setParts({.files = &files,
-                                                           .mainQueue = &queue,
-                                                           .ownFiles = {disk.at("data/own")},
-                                                           .reveal = {},
-                                                           .openFolder = {}});
-                                      LogLines log;
-                                      std::string text =
-                                          controller.moveFileToTrash(disk.at("data/with blank")) +
-                                          ',';
-                                      text += controller.moveFileToTrash(disk.at("data/own"));
-                                      for (const std::string& line : log.lines)
-                                          if (line.starts_with("--delete")) text += '\n' + line;
-                                      return text;
-                                  }),
+    const auto check = [this]() -> std::string {
+        ::setenv("XDG_DATA_HOME", disk.at("share").c_str(), 1);
+        controller.setParts(parts({disk.at("data/own")}));
+        LogLines log;
+        std::string text = controller.moveFileToTrash(disk.at("data/with blank")) + ',';
+        text += controller.moveFileToTrash(disk.at("data/own"));
+        for (const std::string& line : log.lines)
+            if (line.starts_with("--delete")) text += '\n' + line;
+        return text;
+    };
+    EXPECT_EQ(runInChild({}, check),
               ",one of the program's own files\n--delete file error ---::(null)\n"
               "--delete file error ---::one of the program's own files");
     EXPECT_TRUE(isThere(disk.at("share/Trash/files/with blank")) && isThere(disk.at("data/own")));
@@ -218,30 +191,23 @@ TEST_F(Eraser, TheTrashOfTheControllerTakesOnePathAndTellsTheLog) {
 // As in a home folder on a server that does not answer.
 TEST_F(Eraser, ATrashThatDoesNotAnswerKeepsNobody) {
     disk.write("data/first", "x");
-    EXPECT_EQ(
-        testing::runInChild(
-            {},
-            [this]() -> std::string {
-                ::setenv("XDG_DATA_HOME", disk.at("share").c_str(), 1);
-                std::promise<void> answer;
-                files.beforeRemoval = [waits = answer.get_future().share()](const char* step) {
-                    if (std::strcmp(step, "moveEntry") == 0) waits.wait();
-                };
-                controller.setParts({.files = &files,
-                                     .mainQueue = &queue,
-                                     .ownFiles = {},
-                                     .reveal = {},
-                                     .openFolder = {}});
-                std::vector<std::string> answers;
-                const auto tell = [&](const std::string& reason) { answers.push_back(reason); };
-                controller.moveFileToTrash(disk.at("data/first"), std::nullopt, tell);
-                controller.moveFileToTrash(disk.at("data/missing"), std::nullopt, tell);
-                if (!queue.serveUntil([&] { return answers.size() == 1; })) return "no answer";
-                answer.set_value();
-                if (!queue.serveUntil([&] { return answers.size() == 2; })) return "no end";
-                return answers[0] + ',' + answers[1];
-            }),
-        "No such file or directory,");
+    const auto check = [this]() -> std::string {
+        ::setenv("XDG_DATA_HOME", disk.at("share").c_str(), 1);
+        std::promise<void> answer;
+        files.beforeRemoval = [waits = answer.get_future().share()](const char* step) {
+            if (std::strcmp(step, "moveEntry") == 0) waits.wait();
+        };
+        controller.setParts(parts());
+        Strings answers;
+        const auto tell = [&](const std::string& reason) { answers.push_back(reason); };
+        controller.moveFileToTrash(disk.at("data/first"), std::nullopt, tell);
+        controller.moveFileToTrash(disk.at("data/missing"), std::nullopt, tell);
+        if (!queue.serveUntil([&] { return answers.size() == 1; })) return "no answer";
+        answer.set_value();
+        if (!queue.serveUntil([&] { return answers.size() == 2; })) return "no end";
+        return answers[0] + ',' + answers[1];
+    };
+    EXPECT_EQ(runInChild({}, check), "No such file or directory,");
     EXPECT_TRUE(isThere(disk.at("share/Trash/files/first")));
 }
 

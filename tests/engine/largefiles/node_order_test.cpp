@@ -1,23 +1,18 @@
 // The order of the nodes: a scan of random trees against the plainest way to the same order, which
 // puts each entry into its place and sorts after each; and looks at wide levels while they grow.
-#include <gtest/gtest.h>
 #include <rapidcheck.h>
 
-#include <algorithm>
-#include <atomic>
 #include <list>
-#include <random>
-#include <thread>
 
 #include "engine/files/FolderNode.h"
 #include "engine/largefiles/ScanRun.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
 using testing::ScanRun;
 using testing::ServedQueue;
-using testing::TestTree;
 
 const LinuxFileSystem files;
 

@@ -1,11 +1,7 @@
 // The end of a scan before its time: at any moment, while the disk does not answer, and when its
 // owner goes.
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <random>
-
 #include "engine/largefiles/ScanRun.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
@@ -13,7 +9,6 @@ namespace {
 using testing::linesOf;
 using testing::ScanRun;
 using testing::ServedQueue;
-using testing::TestTree;
 
 const LinuxFileSystem files;
 

@@ -1,13 +1,7 @@
 // The scan of the large file page over what disks hold: kinds of entries, chosen paths, depth,
 // width, failures, mounts.
-#include <gtest/gtest.h>
-#include <sched.h>
-#include <sys/mount.h>
-#include <sys/stat.h>
-
-#include <algorithm>
-
 #include "engine/largefiles/ScanRun.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
@@ -15,7 +9,6 @@ namespace {
 using testing::linesOf;
 using testing::ScanRun;
 using testing::ServedQueue;
-using testing::TestTree;
 
 const LinuxFileSystem files;
 
@@ -185,17 +178,9 @@ TEST(LargeFileScan, mountsCountButTheKernelsOwnStayEmpty) {
                 tree.makeDeep("deep", 200, "leaf", true) && tree.folder(deep + "/kernel"));
     const auto watched = withDescriptors(32);
     const std::string seen = testing::runInChild({.descriptors = 32}, [&]() -> std::string {
-        const auto mount = [&](const std::string& name, const char* type, const char* source,
-                               unsigned long flags) {
-            return ::mount(source, tree.at(name).c_str(), type, flags, nullptr) == 0;
-        };
-        if (::unshare(CLONE_NEWNS) != 0 ||
-            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
-            return "skip";
-        if (!mount("disk", "tmpfs", "none", 0) ||
-            !mount("kernel", nullptr, "/sys/kernel", MS_BIND) ||
-            !mount(deep + "/kernel", nullptr, "/sys/kernel", MS_BIND) ||
-            !tree.write("disk/x", "123"))
+        if (!unshareMounts() || !testing::mountRam(tree.at("disk").c_str()) ||
+            !bindMount("/sys/kernel", tree.at("kernel")) ||
+            !bindMount("/sys/kernel", tree.at(deep + "/kernel")) || !tree.write("disk/x", "123"))
             return "skip";
         return told(ScanRun(watched, tree.path()), tree);
     });

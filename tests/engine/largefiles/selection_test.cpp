@@ -1,12 +1,9 @@
 // The ticks of the large file page: down through what is open, up to what holds it, and what
 // follows from them.
-#include <gtest/gtest.h>
-
-#include <set>
-
 #include "engine/files/Arena.h"
 #include "engine/largefiles/NodeSelection.h"
 #include "engine/largefiles/ScannedTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {

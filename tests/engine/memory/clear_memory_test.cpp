@@ -1,15 +1,9 @@
 // The command-line run that touches memory: its arguments, its exit statuses, and that it does
 // touch.
-#include <gtest/gtest.h>
-
-#include <unistd.h>
-
 #include <cstdio>
-#include <fstream>
-#include <string>
-#include <vector>
 
 #include "engine/memory/ClearMemory.h"
+#include "support/test.h"
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define ORRINVALE_OWN_ALLOCATOR 1

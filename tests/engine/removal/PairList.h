@@ -9,7 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "engine/removal/RemovalList.h"
+#include "engine/removal/PlainDoor.h"
+#include "engine/removal/RemovalRun.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 
@@ -70,5 +71,24 @@ private:
     const bool m_compares;
     std::vector<Pair> m_pairs;
 };
+
+/// What nobody is told of a removal.
+inline RemovalRun::Telling nobodyTold() {
+    return {.waiting = [](bool) {},
+            .begins = [](std::size_t, const std::string&, bool) {},
+            .settled = [](std::size_t, const RemovalResult&) {}};
+}
+
+/// Removes what the list has, to the end.
+inline RemovalOutcome removeAll(const FileSystem& files, const std::string& state,
+                                RemovalList& list,
+                                const RemovalRun::Telling& telling = nobodyTold()) {
+    PlainDoor door(files, {});
+    const std::atomic<bool> never{false};
+    RemovalRun removal(files, state, list, door, never, telling);
+    RemovalOutcome outcome = removal.run();
+    removal.settleJournal();
+    return outcome;
+}
 
 }  // namespace orrinvale::testing

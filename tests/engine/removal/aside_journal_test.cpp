@@ -1,26 +1,11 @@
 // What a removal that ended in the middle leaves behind, and what the next start makes of it.
 #include "engine/removal/AsideJournal.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <functional>
-#include <string>
-#include <vector>
-
 #include "engine/files/asideName.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-using testing::contentOf;
-using testing::isThere;
-using testing::TestTree;
 
 constexpr const char* token = "0123456789abcdef";
 

@@ -1,68 +1,21 @@
 // Removals under attack, by real processes: killed at any moment, two at once with opposite ticks,
 // files saved over what goes, and each system call failing once. ORRINVALE_ROUNDS multiplies the
 // rounds.
-#include <fcntl.h>
-#include <fmt/format.h>
-#include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <atomic>
-#include <chrono>
-#include <cstdlib>
-#include <random>
-#include <string>
-#include <thread>
-#include <vector>
-
 #include "engine/files/asideName.h"
 #include "engine/removal/AsideJournal.h"
 #include "engine/removal/PairList.h"
-#include "engine/removal/PlainDoor.h"
-#include "engine/removal/RemovalRun.h"
-#include "support/TestTree.h"
+#include "support/ServiceProcess.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
-using testing::contentOf;
-using testing::isThere;
 using testing::PairList;
-using testing::TestTree;
+using testing::ServiceProcess;
 
 int rounds(int usual) {
     const char* const factor = std::getenv("ORRINVALE_ROUNDS");
     return usual * (factor != nullptr ? std::max(std::atoi(factor), 1) : 1);
-}
-
-pid_t start(std::vector<std::string> arguments) {
-    const pid_t child = ::fork();
-    if (child != 0) return child;
-    std::vector<char*> words;
-    for (std::string& each : arguments) words.push_back(each.data());
-    words.push_back(nullptr);
-    const int nothing = ::open("/dev/null", O_WRONLY);
-    ::dup2(nothing, 1);
-    ::dup2(nothing, 2);
-    ::execvp(words.front(), words.data());
-    ::_exit(127);
-}
-
-int waitFor(pid_t child) {
-    int status = 0;
-    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {}
-    return status;
-}
-
-std::vector<std::string> namesIn(const std::string& folder) {
-    std::vector<std::string> names;
-    DIR* const listing = ::opendir(folder.c_str());
-    if (listing == nullptr) return names;
-    while (const dirent* const entry = ::readdir(listing))
-        if (entry->d_name[0] != '.') names.emplace_back(entry->d_name);
-    ::closedir(listing);
-    return names;
 }
 
 std::size_t asideIn(const std::string& folder) {
@@ -87,12 +40,11 @@ TEST(RemovalAttack, AKillLeavesNothingAsideAfterTheNextStart) {
     for (int round = 0; round < rounds(4); ++round) {
         TestTree tree;
         makePairs(tree, files);
-        const pid_t child = start({program, tree.at("a"), tree.at("b"), tree.at("state")});
-        while (namesIn(tree.at("a")).size() == files && ::waitpid(child, nullptr, WNOHANG) == 0)
+        ServiceProcess child({program, tree.at("a"), tree.at("b"), tree.at("state")});
+        while (namesIn(tree.at("a")).size() == files && !child.hasEnded())
             std::this_thread::yield();
         std::this_thread::sleep_for(std::chrono::microseconds(chance() % 30'000));
-        ::kill(child, SIGKILL);
-        (void)waitFor(child);
+        child.end();
         const std::size_t left = namesIn(tree.at("a")).size();
         inTheMiddle += left > 0 && left < files ? 1 : 0;
         (void)bringBackAside(LinuxFileSystem(), tree.at("state/removals"));
@@ -113,10 +65,10 @@ TEST(RemovalAttack, TwoRemovalsWithOppositeTicksNeverTakeBothCopies) {
     for (int round = 0; round < rounds(3); ++round) {
         TestTree tree;
         makePairs(tree, files);
-        const pid_t one = start({program, tree.at("a"), tree.at("b"), tree.at("one")});
-        const pid_t other = start({program, tree.at("b"), tree.at("a"), tree.at("other")});
-        (void)waitFor(one);
-        (void)waitFor(other);
+        ServiceProcess one({program, tree.at("a"), tree.at("b"), tree.at("one")});
+        ServiceProcess other({program, tree.at("b"), tree.at("a"), tree.at("other")});
+        one.wait();
+        other.wait();
         for (int i = 0; i < files; ++i) {
             const bool isA = isThere(tree.at(fmt::format("a/{}", i)));
             const bool isB = isThere(tree.at(fmt::format("b/{}", i)));
@@ -153,10 +105,6 @@ TEST(RemovalAttack, AFileThatIsSavedMeanwhileIsNeverLost) {
         ASSERT_TRUE(tree.write("a", "old") && tree.write("new", "saved"));
         PairList list(files, tree.at("none"), {});
         list.add(tree.at("a"), tree.at("b"));
-        RemovalRun removal(files, {}, list, door, never,
-                           {.waiting = [](bool) {},
-                            .begins = [](std::size_t, const std::string&, bool) {},
-                            .settled = [](std::size_t, const RemovalResult&) {}});
         LeavingEntry leaving;
         leaving.path = list.path(0);
         leaving.identity = list.identity(0);
@@ -183,7 +131,7 @@ TEST(RemovalAttack, AFileThatIsSavedMeanwhileIsNeverLost) {
 // Each call that changes or looks fails once, at each of its turns. Nothing is lost then, and
 // nothing is aside after the next start.
 TEST(RemovalAttack, AnyCallThatFailsLosesNothing) {
-    if (::system("strace -V >/dev/null 2>&1") != 0) GTEST_SKIP() << "strace is not installed";
+    if (::access("/usr/bin/strace", X_OK) != 0) GTEST_SKIP() << "strace is not installed";
     int injected = 0;
     for (const char* const call :
          {"renameat2", "statx", "unlinkat", "openat", "openat2", "fdatasync", "fsync", "write",
@@ -192,9 +140,10 @@ TEST(RemovalAttack, AnyCallThatFailsLosesNothing) {
             for (int when = 1; when <= 12; when += 1 + when / 4) {
                 TestTree tree;
                 makePairs(tree, 3);
-                (void)waitFor(start({"strace", "-f", "-qq", "-o", "/dev/null", "-e",
-                                     fmt::format("inject={}:error={}:when={}", call, error, when),
-                                     program, tree.at("a"), tree.at("b"), tree.at("state")}));
+                ServiceProcess({"/usr/bin/strace", "-f", "-qq", "-o", "/dev/null", "-e",
+                                fmt::format("inject={}:error={}:when={}", call, error, when),
+                                program, tree.at("a"), tree.at("b"), tree.at("state")})
+                    .wait();
                 ++injected;
                 (void)bringBackAside(LinuxFileSystem(), tree.at("state/removals"));
                 ASSERT_EQ(asideIn(tree.at("a")), 0U) << call << ' ' << error << ' ' << when;

@@ -1,54 +1,16 @@
 // The job as pages see it: news on the main queue, progress, stop, turns.
 #include "engine/removal/RemovalJob.h"
 
-#include <fmt/format.h>
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <condition_variable>
-#include <deque>
-#include <mutex>
-#include <string>
-
 #include "engine/removal/PairList.h"
 #include "engine/removal/PlainDoor.h"
 #include "engine/removal/RemovalTurn.h"
-#include "support/TestTree.h"
+#include "support/ServedQueue.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
-using testing::isThere;
 using testing::PairList;
-using testing::TestTree;
-
-/// A main queue whose thread is the test's own.
-class HandQueue final : public MainQueue {
-public:
-    void async(std::function<void()> work) override {
-        const std::lock_guard guard(m_mutex);
-        m_work.push_back(std::move(work));
-        m_came.notify_all();
-    }
-    bool sync(std::function<void()> /*work*/) override { return false; }
-
-    /// Runs the next piece of work; false when none comes within five seconds.
-    bool runNext() {
-        std::unique_lock lock(m_mutex);
-        if (!m_came.wait_for(lock, std::chrono::seconds(5), [this] { return !m_work.empty(); }))
-            return false;
-        const auto work = std::move(m_work.front());
-        m_work.pop_front();
-        lock.unlock();
-        work();
-        return true;
-    }
-
-private:
-    std::mutex m_mutex;
-    std::condition_variable m_came;
-    std::deque<std::function<void()>> m_work;  // guarded by m_mutex
-};
 
 struct Page {
     explicit Page(TestTree& tree, const FileSystem& files, int count) {
@@ -68,9 +30,9 @@ struct Page {
             });
     }
     void runToEnd() {
-        while (!outcome && queue.runNext()) {}
+        ASSERT_TRUE(queue.serveUntil([this] { return outcome.has_value(); }));
     }
-    HandQueue queue;
+    testing::ServedQueue queue;
     std::shared_ptr<PairList> list;
     std::vector<RemovalJob::Settled> settled;
     std::optional<RemovalOutcome> outcome;
@@ -82,7 +44,6 @@ TEST(RemovalJob, TellsEachEntryInOrderAndTheEndLast) {
     const LinuxFileSystem files;
     Page page(tree, files, 50);
     page.runToEnd();
-    ASSERT_TRUE(page.outcome.has_value());
     EXPECT_EQ(page.outcome->removed, 50U);
     EXPECT_EQ(page.outcome->bytes, 50U * 8);
     ASSERT_EQ(page.settled.size(), 50U);
@@ -107,7 +68,6 @@ TEST(RemovalJob, AStopEndsItBeforeTheNextEntry) {
     running = page.job.get();
     isMade = true;
     page.runToEnd();
-    ASSERT_TRUE(page.outcome.has_value());
     EXPECT_TRUE(page.outcome->stopped);
     EXPECT_EQ(page.outcome->removed, 3U);
     EXPECT_TRUE(isThere(tree.at("a/0003")));
@@ -124,7 +84,6 @@ TEST(RemovalJob, WaitsForAnotherRemovalAndMayBeStoppedMeanwhile) {
     EXPECT_TRUE(page.job->progress().isWaiting);
     page.job->stop();
     page.runToEnd();
-    ASSERT_TRUE(page.outcome.has_value());
     EXPECT_TRUE(page.outcome->stopped && page.outcome->removed == 0);
     EXPECT_TRUE(isThere(tree.at("a/0000")));
 }
@@ -137,7 +96,6 @@ TEST(RemovalJob, CountsTheBytesOfAFileOnce) {
     for (const char* const name : {"b/0000", "b/0001"}) ASSERT_TRUE(tree.write(name, "the same"));
     Page page(tree, files, 0);
     page.runToEnd();
-    ASSERT_TRUE(page.outcome.has_value());
     EXPECT_EQ(page.outcome->bytes, 8U);
 }
 

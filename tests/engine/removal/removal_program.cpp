@@ -9,8 +9,6 @@
 
 #include "engine/base/Log.h"
 #include "engine/removal/PairList.h"
-#include "engine/removal/PlainDoor.h"
-#include "engine/removal/RemovalRun.h"
 #include "platform/linux/LinuxFiles.h"
 
 int main(int argc, char** argv) {
@@ -25,14 +23,7 @@ int main(int argc, char** argv) {
     }
     if (argc < 4) return 2;
     testing::PairList list(files, argv[1], argv[2], argc == 4);
-    PlainDoor door(files, {});
-    const std::atomic<bool> never{false};
-    RemovalRun removal(files, argv[3], list, door, never,
-                       {.waiting = [](bool) {},
-                        .begins = [](std::size_t, const std::string&, bool) {},
-                        .settled = [](std::size_t, const RemovalResult&) {}});
-    const RemovalOutcome outcome = removal.run();
-    removal.settleJournal();
+    const RemovalOutcome outcome = testing::removeAll(files, argv[3], list);
     fmt::print("{} removed, {} by others, {} failed\n", outcome.removed, outcome.byOthers,
                outcome.failed);
     for (std::size_t i = 0; i < outcome.stayed.size() && i < 10; ++i)

@@ -1,16 +1,5 @@
 // The shared accessors, the snapshot, and the small dictionary, on files of the test's own.
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-
-#include <unistd.h>
-
-#include <cstdlib>
-#include <map>
 #include <regex>
-#include <set>
-#include <sstream>
-#include <string>
-#include <vector>
 
 #include "engine/files/systemPlaces.h"
 #include "engine/settings/BundleResources.h"
@@ -23,12 +12,11 @@
 #include "engine/settings/UserDefaults.h"
 #include "engine/settings/UserFolders.h"
 #include "engine/settings/UtilityFunctionOfData.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
-using testing::TestTree;
 using Int = std::int64_t;
 
 /// The standard defaults of a fresh account.

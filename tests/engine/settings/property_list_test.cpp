@@ -1,12 +1,6 @@
 // Property lists in both forms, and those that are made to do harm.
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <string>
-#include <vector>
-
 #include "engine/settings/PropertyList.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {

@@ -1,13 +1,10 @@
 // The text of the settings file, and values read as other types.
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <limits>
-#include <string>
-#include <vector>
 
 #include "engine/settings/SettingsText.h"
 #include "engine/settings/UnitTags.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {

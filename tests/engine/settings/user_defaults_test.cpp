@@ -1,28 +1,13 @@
 // Settings on a real file: what is written, what another process does to it, and damaged files.
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <atomic>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-#include <string>
-#include <thread>
-#include <vector>
-
 #include "engine/settings/PreferenceViewController.h"
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/SettingsText.h"
 #include "engine/settings/UserDefaults.h"
-#include "support/LogLines.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
-using testing::contentOf;
-using testing::TestTree;
 using Int = std::int64_t;
 
 SettingValues storedIn(const std::string& path) {

@@ -1,14 +1,6 @@
 // The table of texts is whole: every line reads, and every key that the sources ask for is there.
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <set>
-#include <sstream>
-#include <string>
-#include <string_view>
-
 #include "engine/text/Localized.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {

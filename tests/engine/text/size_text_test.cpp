@@ -1,15 +1,12 @@
 // Size texts against an own computation, and the road from text back to bytes.
-#include <gtest/gtest.h>
-
 #include <clocale>
 #include <cmath>
 #include <cstdio>
 #include <limits>
-#include <random>
 #include <stdexcept>
-#include <string>
 
 #include "engine/text/UtilityFunction.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {

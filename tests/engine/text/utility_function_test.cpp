@@ -1,14 +1,12 @@
 // The services beside the size texts: date order, the centred window, the row notice and the system
 // gate.
-#include <gtest/gtest.h>
-
 #include <any>
-#include <optional>
 #include <stdexcept>
 
 #include "engine/base/notices.h"
 #include "engine/text/UtilityFunction.h"
 #include "platform/linux/LinuxSystem.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {

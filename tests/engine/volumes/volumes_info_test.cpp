@@ -1,19 +1,11 @@
 // The walk over the volumes and what it makes of each, on volumes and devices of the test's making.
 #include "engine/volumes/VolumesInfo.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "platform/fake/FakeVolumes.h"
-#include "support/LogLines.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using testing::LogLines;
 
 constexpr std::uint32_t ejectable = 1U << 0;
 constexpr std::uint32_t removable = 1U << 25;

@@ -1,19 +1,11 @@
 // Ejecting one volume or all of them, and opening a root, on volumes of the test's making.
 #include "engine/volumes/VolumesManager.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "platform/fake/FakeVolumes.h"
-#include "support/LogLines.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using testing::LogLines;
 
 FakeVolumes::Volume volume(std::int16_t number, const std::string& root, bool canEject) {
     return FakeVolumes::volume(number, "name of " + root, root, canEject);

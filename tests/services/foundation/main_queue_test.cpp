@@ -1,19 +1,9 @@
 // The main queue: order, waiting, and that a flood of work leaves the event loop its turns.
-#include <gtest/gtest.h>
-
-#include <unistd.h>
-
 #include <QTimer>
-#include <algorithm>
-#include <chrono>
-#include <fstream>
-#include <memory>
-#include <string>
-#include <thread>
-#include <vector>
 
 #include "services/foundation/QtMainQueue.h"
 #include "support/EventLoop.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {

@@ -1,16 +1,11 @@
 // The worker: what runs where, and in which order.
 #include "services/foundation/ThreadWorker.h"
 
-#include <gtest/gtest.h>
-
 #include <QEventLoop>
 #include <future>
-#include <string>
-#include <thread>
-#include <vector>
 
 #include "support/EventLoop.h"
-#include "support/LogLines.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {

@@ -1,39 +1,21 @@
 // The keeper on real files: another process's change reaches the observers, and what nobody saved
 // is saved.
-#include <gtest/gtest.h>
-
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QTimer>
-#include <atomic>
-#include <chrono>
-#include <filesystem>
-#include <functional>
-#include <memory>
-#include <string>
-#include <thread>
 
 #include "engine/base/Log.h"
 #include "services/settings/SettingsKeeper.h"
-#include "support/TestTree.h"
+#include "support/EventLoop.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using namespace std::chrono_literals;
 
 void turnFor(std::chrono::milliseconds time) {
     QEventLoop loop;
     QTimer::singleShot(time, &loop, &QEventLoop::quit);
     loop.exec();
-}
-
-bool waitFor(const std::function<bool()>& condition) {
-    for (int turns = 0; turns < 500; ++turns) {
-        if (condition()) return true;
-        turnFor(20ms);
-    }
-    return false;
 }
 
 struct SettingsKeeperTest : ::testing::Test {
@@ -56,18 +38,18 @@ TEST_F(SettingsKeeperTest, AnotherProcessIsHeardEachTime) {
     const auto fade =
         defaults.addObserver("fade", [&] { heard += defaults.boolForKey("fade") ? "+" : "-"; });
     ASSERT_EQ(storeElsewhere("fade", true), "");
-    EXPECT_TRUE(waitFor([&] { return heard == "+"; })) << heard;
+    EXPECT_TRUE(testing::serveUntil([&] { return heard == "+"; })) << heard;
     ASSERT_EQ(storeElsewhere("fade", false), "");  // the first file is gone by now
-    EXPECT_TRUE(waitFor([&] { return heard == "+-"; })) << heard;
+    EXPECT_TRUE(testing::serveUntil([&] { return heard == "+-"; })) << heard;
     // An editor that writes into the file itself.
     ASSERT_TRUE(tree.write("com.kelpford.Orrinvale/settings.ini", "[Orrinvale]\nfade = true\n"));
-    EXPECT_TRUE(waitFor([&] { return heard == "+-+"; })) << heard;
+    EXPECT_TRUE(testing::serveUntil([&] { return heard == "+-+"; })) << heard;
 }
 
 TEST_F(SettingsKeeperTest, WhatWasSetOnAnyThreadIsSavedInTime) {
     const SettingsKeeper keeper(defaults);
     std::thread([&] { defaults.setInteger(4, "row"); }).join();
-    EXPECT_TRUE(waitFor([&] { return !defaults.isUnsaved(); }));
+    EXPECT_TRUE(testing::serveUntil([&] { return !defaults.isUnsaved(); }));
     EXPECT_EQ(UserDefaults(path).integerForKey("row"), 4);
 }
 
@@ -83,13 +65,13 @@ TEST_F(SettingsKeeperTest, TheEndSavesWhatIsLeft) {
 TEST_F(SettingsKeeperTest, WhatOthersStoredBeforeItsStartIsTakenUp) {
     ASSERT_EQ(storeElsewhere("theirs", true), "");
     const SettingsKeeper keeper(defaults);
-    EXPECT_TRUE(waitFor([&] { return defaults.boolForKey("theirs"); }));
+    EXPECT_TRUE(testing::serveUntil([&] { return defaults.boolForKey("theirs"); }));
 }
 
 TEST_F(SettingsKeeperTest, WhatWasSetBeforeItsStartIsSaved) {
     defaults.setInteger(4, "ours");
     const SettingsKeeper keeper(defaults);
-    EXPECT_TRUE(waitFor([&] { return UserDefaults(path).integerForKey("ours") == 4; }));
+    EXPECT_TRUE(testing::serveUntil([&] { return UserDefaults(path).integerForKey("ours") == 4; }));
 }
 
 TEST_F(SettingsKeeperTest, TheEndOfTheApplicationSaves) {
@@ -114,12 +96,14 @@ TEST_F(SettingsKeeperTest, BehindALinkTheFileIsHeard) {
         // As editors do: a new file in the place of the old one.
         ASSERT_TRUE(tree.write("elsewhere.ini", text));
         std::filesystem::rename(tree.at("elsewhere.ini"), tree.at("dots/real.ini"));
-        EXPECT_TRUE(waitFor([&] { return linked.integerForKey("row") == text[18] - '0'; })) << text;
+        EXPECT_TRUE(testing::serveUntil([&] {
+            return linked.integerForKey("row") == text[18] - '0';
+        })) << text;
         settle();
     }
     ASSERT_TRUE(tree.symlink("../dots/other.ini", "com.kelpford.Orrinvale/new"));
     std::filesystem::rename(tree.at("com.kelpford.Orrinvale/new"), path);
-    EXPECT_TRUE(waitFor([&] { return linked.integerForKey("row") == 3; }))
+    EXPECT_TRUE(testing::serveUntil([&] { return linked.integerForKey("row") == 3; }))
         << "the link leads elsewhere now";
 }
 

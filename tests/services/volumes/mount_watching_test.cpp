@@ -1,25 +1,14 @@
 // Real mounts in a name space of the test's own, heard through the program's notices.
-#include <fmt/format.h>
-#include <gtest/gtest.h>
-#include <sys/mount.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <QCoreApplication>
-#include <chrono>
 
 #include "platform/linux/LinuxMountChanges.h"
 #include "services/volumes/WatchMountUnmount.h"
 #include "services/volumes/WorkspaceMounts.h"
 #include "support/EventLoop.h"
-#include "support/LogLines.h"
-#include "support/OwnMounts.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using namespace std::chrono_literals;
-using Clock = std::chrono::steady_clock;
 
 std::string textAt(const UserInfo& info, const char* key) {
     const auto found = info.find(key);
