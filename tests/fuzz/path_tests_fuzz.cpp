@@ -1,11 +1,6 @@
 // Any bytes as a path: the tests that decide what a search looks at, and the texts in which a path
 // is printed.
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <nlohmann/json.hpp>
-#include <string>
-#include <string_view>
 
 #include "cli/Command.h"
 #include "cli/Output.h"
@@ -13,13 +8,10 @@
 #include "engine/duplicates/LooseFileWalk.h"
 #include "engine/duplicates/getFileList.h"
 #include "engine/files/FolderNode.h"
+#include "fuzz/fuzz.h"
 
 namespace orrinvale {
 namespace {
-
-void require(bool condition) {
-    if (!condition) std::abort();
-}
 
 // Components as a person would count them, with empty ones left out.
 template <class Visit> void forEachComponent(std::string_view path, Visit visit) {
@@ -119,7 +111,4 @@ static void checkAll(std::string_view path) {
 
 }  // namespace orrinvale
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
-    orrinvale::checkAll({reinterpret_cast<const char*>(bytes), size});
-    return 0;
-}
+void checkAny(std::string_view any) { orrinvale::checkAll(any); }

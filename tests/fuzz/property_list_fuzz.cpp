@@ -1,12 +1,8 @@
 // Any bytes as a property list, alone, inside a list of the XML form, and as changes to one of the
 // binary form.
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <string>
-#include <string_view>
 
 #include "engine/settings/PropertyList.h"
+#include "fuzz/fuzz.h"
 
 namespace {
 
@@ -21,10 +17,6 @@ constexpr std::string_view kBinary =
     "\x08\x0D\x0F\x11\x16\x19\x1B"
     "\0\0\0\0\0\0\x01\x01\0\0\0\0\0\0\0\x07\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x1C"sv;
 
-void require(bool condition) {
-    if (!condition) std::abort();
-}
-
 void checkList(std::string_view bytes) {
     const auto list = PropertyList::parse(bytes);
     if (!list) return;
@@ -38,8 +30,8 @@ void checkList(std::string_view bytes) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
-    const std::string text(reinterpret_cast<const char*>(bytes), size);
+void checkAny(std::string_view any) {
+    const std::string text(any);
     checkList(text);
     checkList("<plist><dict><key>a</key>" + text + "</dict></plist>");
     checkList("<plist><dict><key>a</key><string>" + text + "</string></dict></plist>");
@@ -47,8 +39,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
               ";</string></dict></plist>");
     std::string changed(kBinary);
     require(PropertyList::parse(changed).has_value());
-    for (std::size_t i = 0; i + 1 < size && i < 8; i += 2)
-        changed[bytes[i] % changed.size()] = text[i + 1];
+    for (std::size_t i = 0; i + 1 < text.size() && i < 8; i += 2)
+        changed[static_cast<unsigned char>(text[i]) % changed.size()] = text[i + 1];
     checkList(changed);
-    return 0;
 }
