@@ -198,7 +198,8 @@ void expectStatuses(const std::string& command, const std::string& folder,
                 << "a control byte reaches the terminal";
             if (form != "--json" || each.skipped.empty()) continue;
             std::vector<std::string> skipped;
-            for (const auto& entry : nlohmann::json::parse(result.output)["skipped"])
+            const auto document = nlohmann::json::parse(result.output);
+            for (const auto& entry : document["skipped"])
                 skipped.push_back(entry["path"].get<std::string>().substr(folder.size() + 1));
             EXPECT_EQ(skipped, each.skipped);
         }

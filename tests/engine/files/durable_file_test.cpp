@@ -17,7 +17,7 @@ public:
     std::string run(const std::string& inject) {
         const std::string fault = inject.empty() ? "" : " -e 'inject=" + inject + '\'';
         const std::string command = fmt::format(
-            "strace -o '{}' -E ASAN_OPTIONS=detect_leaks=0{} {} '{}' >'{}' 2>&1",
+            "exec strace -o '{}' -E ASAN_OPTIONS=detect_leaks=0{} {} '{}' >'{}' 2>&1",
             m_tree.at("trace"), fault, ORRINVALE_SAVE_PROGRAM, path(), m_tree.at("said"));
         (void)!std::system(command.c_str());
         return contentOf(m_tree.at("said"));

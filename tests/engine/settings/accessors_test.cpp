@@ -70,7 +70,7 @@ TEST_F(AccessorsTest, TheGuideTellsEveryKeyAndItsDefault) {
     std::map<std::string, std::string> expected;
     const std::string keys =
         testing::contentOf(ORRINVALE_SOURCES "/engine/settings/SettingsKeys.h");
-    const std::regex key("const char\\* \\w+ = \"(\\w+)\"");
+    const std::regex key("const char\\* \\w+ =\\s+\"(\\w+)\"");
     for (std::sregex_iterator each(keys.begin(), keys.end(), key); each != std::sregex_iterator();
          ++each) {
         const std::string name = (*each)[1];
