@@ -1,4 +1,4 @@
-// Error and Result: how a failure is handed up. Nothing throws across a target; see also
+// Error and Result: how a failure is handed up. What throws says so at its name; see also
 // engine/base/Log.h.
 #pragma once
 
