@@ -1,4 +1,5 @@
-// ProgramArguments: see ProgramArguments.h.
+// A reader that goes through the words once, and the order in which options, actions and a folder
+// are tried.
 #include "app/ProgramArguments.h"
 
 #include <fmt/format.h>
@@ -12,6 +13,7 @@
 #include "engine/base/Log.h"
 #include "platform/FileUrl.h"
 #include "platform/error.h"
+#include "platform/files.h"
 
 namespace orrinvale {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "platform/StartRequest.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

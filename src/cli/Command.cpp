@@ -10,6 +10,7 @@
 #include "cli/Output.h"
 #include "cli/SearchWatch.h"
 #include "engine/files/FolderNode.h"
+#include "platform/paths.h"
 
 namespace orrinvale::cli {
 
@@ -78,10 +79,8 @@ std::string absolutePath(const std::string& path) {
         full = std::string(here.get()) + '/' + path;
     }
     std::string out;
-    for (std::size_t at = 0; at < full.size();) {
-        const std::size_t end = std::min(full.find('/', at), full.size());
-        const std::string_view component = std::string_view(full).substr(at, end - at);
-        at = end + 1;
+    for (std::string_view rest = full; !rest.empty();) {
+        const std::string_view component = nextComponent(rest);
         if (component.empty() || component == ".") continue;
         if (component == "..") {
             const std::unique_ptr<char, decltype(&std::free)> real(

@@ -1,4 +1,4 @@
-// CommandSet: see CommandSet.h.
+// The list of commands. A new one is one line here.
 #include "cli/CommandSet.h"
 
 #include "cli/CleanCommand.h"

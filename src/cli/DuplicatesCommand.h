@@ -2,7 +2,7 @@
 #pragma once
 
 #include "cli/Command.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale::cli {
 

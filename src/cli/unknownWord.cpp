@@ -1,4 +1,4 @@
-// unknownWord: see unknownWord.h.
+// The distance of two words by letters, and the nearest word of the commands and their options.
 #include "cli/unknownWord.h"
 
 #include <fmt/format.h>

@@ -1,4 +1,4 @@
-// ControlSheet: see ControlSheet.h.
+// A table a kind of control: its states side by side, each with its caption.
 #include "gallery/ControlSheet.h"
 
 #include <QGridLayout>

@@ -1,4 +1,4 @@
-// Exhibits: see Exhibits.h.
+// Grids of colours, of sizes of type and of pictures, each with its name below.
 #include "gallery/Exhibits.h"
 
 #include <QGridLayout>

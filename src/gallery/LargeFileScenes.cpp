@@ -1,4 +1,4 @@
-// LargeFileScenes: see LargeFileScenes.h.
+// The scan, the result and the removal, in the order in which a person meets them.
 #include "gallery/LargeFileScenes.h"
 
 #include <QAbstractButton>

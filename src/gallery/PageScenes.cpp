@@ -1,4 +1,4 @@
-// PageScenes: see PageScenes.h.
+// Starting the window on the sample, and saving what it shows.
 #include "gallery/PageScenes.h"
 
 #include <QApplication>

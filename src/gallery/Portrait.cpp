@@ -1,4 +1,4 @@
-// Portrait: see Portrait.h.
+// A style without animation, and the events that bring a control into its state.
 #include "gallery/Portrait.h"
 
 #include <QAbstractButton>

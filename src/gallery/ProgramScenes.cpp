@@ -1,4 +1,4 @@
-// ProgramScenes: see ProgramScenes.h.
+// The menu, the sheets about the program, and a volume that will not go.
 #include "gallery/ProgramScenes.h"
 
 #include <QAbstractButton>

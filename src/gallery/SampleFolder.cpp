@@ -1,4 +1,4 @@
-// SampleFolder: see SampleFolder.h.
+// What lies in the folder is a table; painted pictures and noise fill its files.
 #include "gallery/SampleFolder.h"
 
 #include <fcntl.h>

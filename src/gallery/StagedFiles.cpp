@@ -1,4 +1,4 @@
-// StagedFiles: see StagedFiles.h.
+// The operations that may be held or refused; each asks hold() or refuse() first.
 #include "gallery/StagedFiles.h"
 
 #include <algorithm>

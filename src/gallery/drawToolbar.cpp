@@ -1,4 +1,3 @@
-// drawToolbar: see drawToolbar.h.
 #include "gallery/drawToolbar.h"
 
 #include <QApplication>

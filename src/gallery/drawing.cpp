@@ -1,4 +1,3 @@
-// drawing: see drawing.h.
 #include "gallery/drawing.h"
 
 #include <QApplication>

@@ -1,4 +1,4 @@
-// Accounts: see Accounts.h.
+// The questions to the C library, each with room that grows, under one alarm.
 #include "helper/Accounts.h"
 
 #include <grp.h>

@@ -1,4 +1,4 @@
-// RootJournal: see RootJournal.h.
+// The folder that only root may write, and what is asked of it before it is believed.
 #include "helper/RootJournal.h"
 
 #include <fcntl.h>

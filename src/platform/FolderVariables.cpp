@@ -1,4 +1,4 @@
-// FolderVariables: see FolderVariables.h.
+// Only absolute paths count; without HOME the account's entry is asked.
 #include "platform/FolderVariables.h"
 
 #include <pwd.h>

@@ -14,7 +14,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

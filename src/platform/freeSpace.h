@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

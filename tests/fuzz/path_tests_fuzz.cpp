@@ -5,9 +5,10 @@
 #include "cli/Command.h"
 #include "cli/Output.h"
 #include "engine/duplicates/FileKind.h"
-#include "engine/duplicates/LooseFileWalk.h"
 #include "engine/duplicates/getFileList.h"
+#include "engine/duplicates/searchedPaths.h"
 #include "engine/files/FolderNode.h"
+#include "engine/files/bundleName.h"
 #include "fuzz/fuzz.h"
 
 namespace orrinvale {

@@ -1,4 +1,3 @@
-// UtilityObject: see UtilityObject.h.
 #include "engine/base/UtilityObject.h"
 
 namespace orrinvale {

@@ -16,6 +16,7 @@
 #include "engine/base/Log.h"
 #include "engine/removal/stayReasons.h"
 #include "platform/error.h"
+#include "platform/files.h"
 #include "platform/paths.h"
 #include "platform/permissions.h"
 

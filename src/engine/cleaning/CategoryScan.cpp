@@ -11,6 +11,7 @@
 #include "engine/base/saturating.h"
 #include "engine/cleaning/FolderUtilities.h"
 #include "engine/files/HeldEntry.h"
+#include "platform/files.h"
 #include "platform/paths.h"
 
 namespace orrinvale {

@@ -9,6 +9,7 @@
 
 #include "engine/cleaning/FolderUtilities.h"
 #include "platform/error.h"
+#include "platform/files.h"
 #include "platform/folders.h"
 #include "platform/paths.h"
 

@@ -9,6 +9,7 @@
 #include "engine/base/LogHush.h"
 #include "engine/base/saturating.h"
 #include "engine/files/HeldEntry.h"
+#include "platform/files.h"
 #include "platform/folders.h"
 #include "platform/paths.h"
 

@@ -10,6 +10,7 @@
 #include "engine/base/Log.h"
 #include "engine/base/saturating.h"
 #include "engine/cleaning/FolderUtilities.h"
+#include "platform/files.h"
 #include "platform/paths.h"
 
 namespace orrinvale {

@@ -9,6 +9,7 @@
 
 #include "engine/base/saturating.h"
 #include "engine/files/TreeSize.h"
+#include "platform/files.h"
 
 namespace orrinvale {
 

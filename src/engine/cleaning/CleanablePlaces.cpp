@@ -50,10 +50,8 @@ constexpr Verdict folderStays{Rule::ContentsOnly,
 
 // False when the path climbs or stands still.
 bool split(std::string_view path, Components& out) {
-    for (std::size_t at = 0; at < path.size();) {
-        const std::size_t end = std::min(path.find('/', at), path.size());
-        const std::string_view component = path.substr(at, end - at);
-        at = end + 1;
+    while (!path.empty()) {
+        const std::string_view component = nextComponent(path);
         if (component.empty()) continue;
         if (component == "." || component == "..") return false;
         out.push_back(component);

@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "engine/cleaning/CleanCategory.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

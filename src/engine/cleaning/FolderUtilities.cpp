@@ -1,25 +1,19 @@
-// FolderUtilities: see FolderUtilities.h.
+// Which folder belongs to which category, and how a folder's size is asked for.
 #include "engine/cleaning/FolderUtilities.h"
 
 #include <utility>
 
 #include "engine/cleaning/QnAuthorization.h"
-#include "engine/duplicates/LooseFileWalk.h"
 #include "engine/files/FolderNode.h"
+#include "engine/files/bundleName.h"
+#include "platform/files.h"
+#include "platform/paths.h"
 
 namespace orrinvale {
 namespace {
 
-std::string withoutSlashes(std::string path) {
-    while (path.size() > 1 && path.back() == '/') path.pop_back();
-    return path;
-}
-
 std::string withoutLastComponent(const std::string& path) {
-    const std::string plain = withoutSlashes(path);
-    const std::size_t slash = plain.rfind('/');
-    if (slash == std::string::npos) return {};
-    return withoutSlashes(plain.substr(0, slash + 1));
+    return std::string(withoutSlashesAtEnd(splitPath(withoutSlashesAtEnd(path)).folder));
 }
 
 std::vector<std::string> named(std::string path) {
@@ -60,7 +54,7 @@ std::vector<std::string> FolderUtilities::trashFolders() const {
     const std::string home = m_files.resolved(m_folders.home()).value_or(m_folders.home());
     const std::string* homeRoot = nullptr;
     for (const std::string& root : roots)
-        if (!home.empty() && isWithin(home, withoutSlashes(root)) &&
+        if (!home.empty() && isWithin(home, withoutSlashesAtEnd(root)) &&
             (homeRoot == nullptr || root.size() > homeRoot->size()))
             homeRoot = &root;
     std::vector<std::string> out;

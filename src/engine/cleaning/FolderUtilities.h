@@ -12,7 +12,7 @@
 #include "engine/files/Catalog.h"
 #include "engine/files/TreeSize.h"
 #include "platform/authorization.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 #include "platform/folders.h"
 
 namespace orrinvale {

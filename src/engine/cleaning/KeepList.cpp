@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "engine/files/DurableFile.h"
+#include "platform/files.h"
 #include "platform/paths.h"
 
 namespace orrinvale {

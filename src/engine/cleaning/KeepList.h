@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/error.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

@@ -1,4 +1,4 @@
-// BundleListing: see BundleListing.h.
+// Taking goes through a bundle once and puts names, kinds, sizes and links into the number.
 #include "engine/duplicates/BundleListing.h"
 
 #include <algorithm>
@@ -11,6 +11,7 @@
 #include "engine/files/FolderNode.h"
 #include "engine/files/TreeLister.h"
 #include "engine/files/TreeSize.h"
+#include "platform/files.h"
 #include "platform/linkText.h"
 
 namespace orrinvale {

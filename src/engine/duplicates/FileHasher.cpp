@@ -1,4 +1,5 @@
-// FileHasher: see FileHasher.h.
+// Small files are read whole and give both hashes at once; of large ones head, end and whole are
+// read apart.
 #include "engine/duplicates/FileHasher.h"
 
 #include <algorithm>
@@ -7,6 +8,7 @@
 
 #include "engine/base/Log.h"
 #include "engine/duplicates/crc.h"
+#include "platform/files.h"
 
 namespace orrinvale {
 namespace {

@@ -10,7 +10,7 @@
 #include "engine/duplicates/fileAttrbItem.h"
 #include "engine/files/SkipList.h"
 #include "engine/files/StopGrace.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

@@ -1,4 +1,4 @@
-// FileKind: see FileKind.h.
+// The extensions of each kind, as lists to read and to add to.
 #include "engine/duplicates/FileKind.h"
 
 #include <algorithm>

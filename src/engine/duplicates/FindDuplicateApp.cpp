@@ -9,6 +9,7 @@
 #include "engine/duplicates/BundleListing.h"
 #include "engine/duplicates/algorithm.h"
 #include "engine/files/WorkCrew.h"
+#include "platform/files.h"
 
 namespace orrinvale {
 namespace {

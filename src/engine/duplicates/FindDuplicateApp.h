@@ -13,7 +13,7 @@
 #include "engine/duplicates/AppAttrbItem.h"
 #include "engine/files/SkipList.h"
 #include "engine/files/StopGrace.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

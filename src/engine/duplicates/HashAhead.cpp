@@ -5,6 +5,7 @@
 #include <tuple>
 
 #include "engine/duplicates/crc.h"
+#include "platform/files.h"
 
 namespace orrinvale {
 namespace {

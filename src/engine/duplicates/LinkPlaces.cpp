@@ -1,6 +1,8 @@
-// LinkPlaces: see LinkPlaces.h.
+// What lies behind a link is resolved one by one; a bundle that lies where its path says is left
+// out.
 #include "engine/duplicates/LinkPlaces.h"
 
+#include "platform/files.h"
 #include "platform/paths.h"
 
 namespace orrinvale {

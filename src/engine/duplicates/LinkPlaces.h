@@ -6,7 +6,7 @@
 
 #include "engine/duplicates/AppAttrbItem.h"
 #include "engine/duplicates/fileAttrbItem.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

@@ -8,8 +8,11 @@
 #include <optional>
 
 #include "engine/base/Log.h"
+#include "engine/duplicates/searchedPaths.h"
 #include "engine/files/WorkCrew.h"
 #include "engine/files/asideName.h"
+#include "engine/files/bundleName.h"
+#include "platform/files.h"
 
 namespace orrinvale {
 namespace {

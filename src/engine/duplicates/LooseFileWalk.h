@@ -14,7 +14,7 @@
 
 #include "engine/duplicates/fileAttrbItem.h"
 #include "engine/files/SkipList.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 
@@ -59,19 +59,5 @@ private:
     struct State;
     std::unique_ptr<State> m_state;
 };
-
-/// True when the extension of the last component is "app" in any case and of exactly these three
-/// letters.
-[[nodiscard]] bool isBundleName(std::string_view name);
-
-/// The outermost bundle on the way to the path, itself included; empty when there is none.
-[[nodiscard]] std::string outermostBundle(std::string_view path);
-
-/// True when a component of the path begins with a dot.
-[[nodiscard]] bool hasHiddenComponent(std::string_view path);
-
-/// True when the first component behind the root is one of the folders that belong to the system,
-/// in any case.
-[[nodiscard]] bool isSystemFolder(std::string_view path);
 
 }  // namespace orrinvale

@@ -1,8 +1,11 @@
-// RepeatedEntries: see RepeatedEntries.h.
+// An entry is its folder, by device and inode, with its name; where numbers do not last, its
+// resolved path.
 #include "engine/duplicates/RepeatedEntries.h"
 
 #include <algorithm>
 #include <unordered_set>
+
+#include "platform/files.h"
 
 namespace orrinvale {
 

@@ -1,4 +1,4 @@
-// algorithm: see algorithm.h.
+// The single operations as the interface names them, file by file.
 #include "engine/duplicates/algorithm.h"
 
 #include <algorithm>
@@ -8,6 +8,7 @@
 #include "engine/base/Log.h"
 #include "engine/duplicates/crc.h"
 #include "engine/files/TreeLister.h"
+#include "platform/files.h"
 
 namespace orrinvale {
 namespace {

@@ -9,6 +9,7 @@
 #include "engine/duplicates/LinkPlaces.h"
 #include "engine/duplicates/RepeatedEntries.h"
 #include "engine/duplicates/getFileList.h"
+#include "platform/files.h"
 
 namespace orrinvale {
 

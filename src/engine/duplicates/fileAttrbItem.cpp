@@ -20,10 +20,8 @@ fileAttrbItem& FileArray::add(std::string_view filePathName, const FileAttribute
         m_own = std::make_shared<Arena>();
         m_storage.push_back(m_own);
     }
-    const std::size_t slash = filePathName.rfind('/');
-    const std::string_view folder = slash == std::string_view::npos
-                                        ? std::string_view(".")
-                                        : filePathName.substr(0, slash == 0 ? 1 : slash);
+    auto [folder, name] = splitPath(filePathName);
+    if (folder.empty()) folder = ".";
     if (m_lastFolder == nullptr || folder != m_lastFolder->name) {
         auto* const node = new (m_own->allocate<FolderNode>()) FolderNode;
         node->name = m_own->copy(folder);
@@ -32,8 +30,7 @@ fileAttrbItem& FileArray::add(std::string_view filePathName, const FileAttribute
     auto* const item = new (m_own->allocate<fileAttrbItem>()) fileAttrbItem;
     item->setAttributes(attributes);
     item->folder = m_lastFolder;
-    item->name = m_own->copy(slash == std::string_view::npos ? filePathName
-                                                             : filePathName.substr(slash + 1));
+    item->name = m_own->copy(name);
     m_items.push_back(item);
     return *item;
 }

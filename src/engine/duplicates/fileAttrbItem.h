@@ -11,7 +11,7 @@
 #include "engine/base/Date.h"
 #include "engine/files/Arena.h"
 #include "engine/files/FolderNode.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

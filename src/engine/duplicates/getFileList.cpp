@@ -1,4 +1,4 @@
-// getFileList: see getFileList.h. The tests on paths are in PathTests.cpp, the parallel walk in
+// One listing from its options to the list, and the single operations on paths. The walk is in
 // LooseFileWalk.cpp.
 #include "engine/duplicates/getFileList.h"
 
@@ -8,7 +8,10 @@
 
 #include "engine/base/Log.h"
 #include "engine/duplicates/LooseFileWalk.h"
+#include "engine/duplicates/searchedPaths.h"
 #include "engine/files/TreeLister.h"
+#include "engine/files/bundleName.h"
+#include "platform/files.h"
 
 namespace orrinvale {
 namespace {
@@ -31,13 +34,10 @@ bool getFileList::IsAppDirectory(std::string_view path) { return isBundleName(pa
 
 bool getFileList::HasAppDirectory(std::string_view path) {
     // By the ending of a component, so that ".app" itself counts too, which has no extension.
-    for (std::size_t at = 0; at < path.size();) {
-        const std::size_t end = std::min(path.find('/', at), path.size());
-        const std::string_view component = path.substr(at, end - at);
-        if (component.size() >= 4 && component[component.size() - 4] == '.' &&
-            isBundleName("x" + std::string(component.substr(component.size() - 4))))
-            return true;
-        at = end + 1;
+    while (!path.empty()) {
+        const std::string_view component = nextComponent(path);
+        const std::size_t size = component.size();
+        if (size >= 4 && equalIgnoringCase(component.substr(size - 4), ".app")) return true;
     }
     return false;
 }

@@ -14,7 +14,7 @@
 
 #include "engine/duplicates/fileAttrbItem.h"
 #include "engine/files/SkipList.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

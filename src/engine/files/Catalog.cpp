@@ -1,4 +1,4 @@
-// Catalog: see Catalog.h.
+// References are held descriptors, so that a path is resolved once and stays what it was.
 #include "engine/files/Catalog.h"
 
 #include <cerrno>
@@ -6,6 +6,8 @@
 
 #include "engine/files/FolderNode.h"
 #include "engine/files/TreeSize.h"
+#include "platform/files.h"
+#include "platform/paths.h"
 
 namespace orrinvale {
 namespace {
@@ -42,14 +44,13 @@ std::optional<FSRef> Catalog::fsref(const std::string& path) const {
     Descriptor folder;
     int parent = FileSystem::noParent;
     std::string last = path;
-    const std::size_t end = path.find_last_not_of('/');
-    const std::size_t slash = end == std::string::npos ? end : path.rfind('/', end);
-    if (path.size() >= longestOpen && slash != std::string::npos) {
-        auto opened = openFolderByPath(m_files, path.substr(0, slash + 1), Links::Follow);
+    const std::size_t begin = startOfLastComponent(path);
+    if (path.size() >= longestOpen && begin > 0) {
+        auto opened = openFolderByPath(m_files, path.substr(0, begin), Links::Follow);
         if (!opened) return std::nullopt;
         folder = std::move(*opened);
         parent = folder.get();
-        last = path.substr(slash + 1);
+        last = path.substr(begin);
     }
     auto held = m_files.holdEntry(parent, last.c_str());
     if (!held) return std::nullopt;

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "engine/files/EntryIdentity.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

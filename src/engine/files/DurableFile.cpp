@@ -170,9 +170,7 @@ Result<void> DurableFile::makeFolder(const std::string& path) {
 }
 
 DurableFile::DurableFile(std::string path, Descriptor folder)
-    : m_path(std::move(path)),
-      m_name(m_path.substr(m_path.rfind('/') + 1)),
-      m_folder(std::move(folder)) {}
+    : m_path(std::move(path)), m_name(splitPath(m_path).name), m_folder(std::move(folder)) {}
 
 DurableFile::~DurableFile() {
     if (m_file.isOpen()) ::unlinkat(m_folder.get(), (m_name + ".new").c_str(), 0);

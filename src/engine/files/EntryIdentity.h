@@ -2,10 +2,12 @@
 // same entry still.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
+#include <vector>
 
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 
@@ -36,6 +38,12 @@ struct EntryIdentity {
                 .born = seen.born,
                 .inodePasses = false,
                 .times = std::nullopt};
+    }
+
+    /// For scans that do not ask it of each entry: `devices` is
+    /// FileSystem::devicesOfPassingInodes().
+    void learnPassing(const std::vector<std::uint64_t>& devices) {
+        inodePasses = std::ranges::binary_search(devices, device);
     }
 
     /// Both times of a file in one number: the upper half stands for `modified`, the lower one for

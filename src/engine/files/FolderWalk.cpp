@@ -7,6 +7,8 @@
 #include <memory>
 #include <utility>
 
+#include "platform/files.h"
+
 namespace orrinvale {
 namespace {
 

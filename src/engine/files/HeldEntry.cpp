@@ -1,10 +1,12 @@
-// HeldEntry: see HeldEntry.h.
+// The objections in their order: the spelling, the place of the held parent, a mount, a change
+// since the scan.
 #include "engine/files/HeldEntry.h"
 
 #include <string_view>
 #include <utility>
 
 #include "platform/error.h"
+#include "platform/files.h"
 #include "platform/paths.h"
 
 namespace orrinvale {

@@ -10,7 +10,7 @@
 #include "engine/files/OwnChanges.h"
 #include "engine/files/ProtectedPlaces.h"
 #include "engine/files/RemovalResult.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

@@ -7,6 +7,7 @@
 
 #include "engine/base/saturating.h"
 #include "engine/files/TreeLister.h"
+#include "platform/files.h"
 
 namespace orrinvale {
 Measuring::Measuring(const FileSystem& files, const SizeWatch& watch)

@@ -1,7 +1,9 @@
-// OwnChanges: see OwnChanges.h.
+// What a file showed right before and right after its other name went.
 #include "engine/files/OwnChanges.h"
 
 #include <cerrno>
+
+#include "platform/files.h"
 
 namespace orrinvale {
 namespace {

@@ -7,7 +7,7 @@
 #include <map>
 #include <utility>
 
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

@@ -15,6 +15,7 @@
 #include "engine/files/TreeLister.h"
 #include "engine/files/accounts.h"
 #include "engine/files/systemPlaces.h"
+#include "platform/files.h"
 
 namespace orrinvale {
 namespace {
@@ -163,9 +164,9 @@ std::optional<std::string> ProtectedPlaces::beyondLinks(const std::string& path)
     std::string rest = path;
     std::size_t unread = path.size();  // of the path itself, behind the last link
     for (int links = 0; links <= mostLinks && !rest.empty();) {
-        rest.erase(0, std::min(rest.find_first_not_of('/'), rest.size()));
-        const std::string name = rest.substr(0, rest.find('/'));
-        rest.erase(0, name.size());
+        std::string_view behind = rest;
+        const std::string name(nextComponent(behind));
+        rest.erase(0, rest.size() - behind.size());
         unread = std::min(unread, rest.size());
         if (name == "..") done = folderOf(done);
         if (name.empty() || name == "." || name == "..") continue;
@@ -193,9 +194,9 @@ void ProtectedPlaces::protect(const FileSystem& files, const std::string& path,
     if (const auto identity = identityOf(files, path))
         m_byIdentity.insert_or_assign(*identity, reason);
     const std::string above = reasonAbove(reason);
-    for (std::size_t slash = path.rfind('/'); slash != std::string::npos && path.size() > 1;
-         slash = slash == 0 ? std::string::npos : path.rfind('/', slash - 1)) {
-        const std::string folder = slash == 0 ? "/" : path.substr(0, slash);
+    for (std::string_view rest = path; rest.size() > 1 && !splitPath(rest).folder.empty();) {
+        rest = splitPath(rest).folder;
+        const std::string folder(rest);
         if (!m_byPath.try_emplace(folder, above).second)
             break;  // then the folders above it are known too
         if (const auto identity = identityOf(files, folder))

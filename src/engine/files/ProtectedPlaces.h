@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

@@ -9,6 +9,7 @@
 #include "engine/base/Log.h"
 #include "engine/files/TreeRemoval.h"
 #include "platform/error.h"
+#include "platform/files.h"
 #include "platform/paths.h"
 
 namespace orrinvale {

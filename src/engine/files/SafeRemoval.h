@@ -12,7 +12,7 @@
 #include "engine/files/ProtectedPlaces.h"
 #include "engine/files/RemovalResult.h"
 #include "engine/files/SeenEntries.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

@@ -1,4 +1,4 @@
-// SeenEntries: see SeenEntries.h.
+// A table of fingerprints, filled to four fifths at most before it doubles.
 #include "engine/files/SeenEntries.h"
 
 #include <functional>

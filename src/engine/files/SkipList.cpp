@@ -1,4 +1,3 @@
-// SkipList: see SkipList.h.
 #include "engine/files/SkipList.h"
 
 #include <algorithm>

@@ -10,6 +10,7 @@
 #include "engine/base/Log.h"
 #include "engine/files/DurableFile.h"
 #include "platform/error.h"
+#include "platform/files.h"
 #include "platform/paths.h"
 
 namespace orrinvale {

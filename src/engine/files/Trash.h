@@ -10,7 +10,7 @@
 #include "engine/files/ProtectedPlaces.h"
 #include "engine/files/TrashFolder.h"
 #include "platform/FolderVariables.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

@@ -17,6 +17,7 @@
 #include "engine/files/shortenedName.h"
 #include "engine/files/writeAll.h"
 #include "platform/error.h"
+#include "platform/files.h"
 #include "platform/paths.h"
 
 namespace orrinvale {

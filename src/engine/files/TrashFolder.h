@@ -12,7 +12,7 @@
 
 #include "engine/files/HeldEntry.h"
 #include "platform/descriptor.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

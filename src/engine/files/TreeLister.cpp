@@ -8,6 +8,8 @@
 #include <optional>
 #include <vector>
 
+#include "platform/files.h"
+
 namespace orrinvale {
 namespace {
 

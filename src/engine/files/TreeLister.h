@@ -10,7 +10,7 @@
 
 #include "engine/files/FolderNode.h"
 #include "platform/error.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

@@ -1,10 +1,11 @@
-// TreeRemoval: see TreeRemoval.h.
+// A list of levels in place of the call stack, of which the innermost are held open.
 #include "engine/files/TreeRemoval.h"
 
 #include <cerrno>
 #include <utility>
 
 #include "platform/error.h"
+#include "platform/files.h"
 
 namespace orrinvale {
 namespace {

@@ -11,7 +11,7 @@
 #include "engine/files/OwnChanges.h"
 #include "engine/files/RemovalResult.h"
 #include "engine/files/SeenEntries.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

@@ -7,6 +7,8 @@
 #include "engine/base/saturating.h"
 #include "engine/files/FolderNode.h"
 #include "engine/files/Measuring.h"
+#include "platform/files.h"
+#include "platform/paths.h"
 
 namespace orrinvale {
 
@@ -28,13 +30,11 @@ Result<SizeTotals> TreeSize::ofEntry(int parent, const std::string& name,
 Result<SizeTotals> TreeSize::ofPath(const std::string& path) const {
     constexpr std::size_t longest = 4000;  // below PATH_MAX
     if (path.empty()) return tl::unexpected(systemError("open", path, ENOENT));
-    const std::size_t slash = path.find_last_not_of('/');
-    const std::size_t cut = slash == std::string::npos ? slash : path.rfind('/', slash);
-    if (path.size() < longest || cut == std::string::npos)
-        return ofEntry(FileSystem::noParent, path, path);
-    const auto parent = openFolderByPath(m_files, path.substr(0, cut + 1), Links::Follow);
+    const std::size_t begin = startOfLastComponent(path);
+    if (path.size() < longest || begin == 0) return ofEntry(FileSystem::noParent, path, path);
+    const auto parent = openFolderByPath(m_files, path.substr(0, begin), Links::Follow);
     if (!parent) return tl::unexpected(systemError("open", path, parent.error()));
-    return ofEntry(parent->get(), path.substr(cut + 1), path);
+    return ofEntry(parent->get(), path.substr(begin), path);
 }
 
 }  // namespace orrinvale

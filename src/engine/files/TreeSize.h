@@ -8,7 +8,7 @@
 
 #include "engine/files/SkipList.h"
 #include "platform/error.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

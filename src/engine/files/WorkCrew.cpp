@@ -1,4 +1,5 @@
-// WorkCrew: see WorkCrew.h.
+// How many threads there are is decided in consider() and adjust(), by what was waited for and done
+// meanwhile.
 #include "engine/files/WorkCrew.h"
 
 #include <sched.h>

@@ -1,4 +1,3 @@
-// asideName: see asideName.h.
 #include "engine/files/asideName.h"
 
 #include <algorithm>

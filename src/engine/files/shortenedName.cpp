@@ -1,4 +1,4 @@
-// shortenedName: see shortenedName.h.
+// Never within a character; a short extension stays.
 #include "engine/files/shortenedName.h"
 
 #include <algorithm>

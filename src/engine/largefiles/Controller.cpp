@@ -28,7 +28,7 @@ constexpr std::size_t mostStates = 65536;
 struct Controller::Removal {
     Removal(const ControllerParts& parts, const std::shared_ptr<FileNodeTree>& tree,
             const std::vector<FileNode*>& nodes, std::function<void()> onNews)
-        : work(parts, tree, nodes, std::move(onNews)) {}
+        : work(*parts.files, *parts.mainQueue, parts.ownFiles, tree, nodes, std::move(onNews)) {}
 
     NodeRemoval work;
     TickSpread clearing{FileNode::NotSelected};  // of what stood beside the nodes that went
@@ -41,7 +41,7 @@ struct Controller::Removal {
 struct Controller::Erasure final : RemoveFileAndFolderDelegate {
     Erasure(const ControllerParts& parts, const std::shared_ptr<FileNodeTree>& tree,
             std::vector<FileNode*> nodes)
-        : work(parts, tree, std::move(nodes)) {
+        : work(*parts.files, *parts.mainQueue, parts.ownFiles, tree, std::move(nodes)) {
         work.setDelegate(this);
     }
     void removeObjEnd(const std::vector<std::string>& deleteErrorArr) override {

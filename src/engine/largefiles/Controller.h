@@ -14,7 +14,7 @@
 #include "engine/largefiles/EumeRoot.h"
 #include "engine/largefiles/FileNode.h"
 #include "engine/largefiles/LargeFileRemoval.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

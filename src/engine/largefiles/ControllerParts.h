@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "engine/base/MainQueue.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

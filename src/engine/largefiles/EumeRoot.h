@@ -11,7 +11,7 @@
 #include "engine/base/Progress.h"
 #include "engine/largefiles/FileNodeTree.h"
 #include "platform/error.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

@@ -1,4 +1,4 @@
-// FileNode: see FileNode.h.
+// The order of children, made as far as somebody looks, and how they leave a list.
 #include "engine/largefiles/FileNode.h"
 
 #include <algorithm>

@@ -64,6 +64,7 @@ public:
     [[nodiscard]] std::uint64_t sizeOnDisk() const { return m_onDisk; }
     /// How many names the file has.
     [[nodiscard]] std::uint32_t links() const { return m_links; }
+    /// As the scan saw it. Whoever compares it with the disk has it learnPassing() first.
     [[nodiscard]] EntryIdentity identity() const;
 
     [[nodiscard]] State state() const { return m_state; }

@@ -1,4 +1,4 @@
-// FileNodeTree: see FileNodeTree.h.
+// Nodes and lists in blocks that go with the tree; how sizes go up to the folders above.
 #include "engine/largefiles/FileNodeTree.h"
 
 #include <algorithm>

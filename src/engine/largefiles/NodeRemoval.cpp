@@ -1,4 +1,4 @@
-// NodeRemoval: see NodeRemoval.h.
+// List is what the job works through; takeNews() makes the page's notices of what became of it.
 #include "engine/largefiles/NodeRemoval.h"
 
 #include <fmt/format.h>
@@ -8,8 +8,8 @@
 
 #include "engine/base/Log.h"
 #include "engine/files/EntryIdentity.h"
-#include "engine/largefiles/largeFilePlaces.h"
 #include "engine/removal/PlainDoor.h"
+#include "platform/files.h"
 
 namespace orrinvale {
 
@@ -30,8 +30,7 @@ public:
 
     void prepare() override {
         const std::vector<std::uint64_t> passing = m_files.devicesOfPassingInodes();
-        for (Entry& entry : m_entries)
-            entry.identity.inodePasses = std::ranges::count(passing, entry.identity.device) != 0;
+        for (Entry& entry : m_entries) entry.identity.learnPassing(passing);
     }
     [[nodiscard]] std::size_t size() const override { return m_entries.size(); }
     [[nodiscard]] std::string path(std::size_t index) const override {
@@ -69,16 +68,18 @@ private:
     std::optional<std::size_t> m_cut;
 };
 
-NodeRemoval::NodeRemoval(const ControllerParts& parts, std::shared_ptr<FileNodeTree> tree,
-                         const std::vector<FileNode*>& nodes, std::function<void()> onNews)
+NodeRemoval::NodeRemoval(const FileSystem& files, MainQueue& queue,
+                         const std::vector<std::string>& ownFiles,
+                         std::shared_ptr<FileNodeTree> tree, const std::vector<FileNode*>& nodes,
+                         std::function<void()> onNews)
     : m_tree(std::move(tree)),
-      m_list(std::make_shared<List>(*parts.files, m_tree, nodes)),
-      m_job({.files = parts.files,
-             .mainQueue = parts.mainQueue,
+      m_list(std::make_shared<List>(files, m_tree, nodes)),
+      m_job({.files = &files,
+             .mainQueue = &queue,
              .makeDoor =
-                 [files = parts.files, ownFiles = parts.ownFiles, own = m_tree->ownChanges()] {
+                 [&files, ownFiles, own = m_tree->ownChanges()] {
                      return std::make_unique<PlainDoor>(
-                         *files, protectedFromLargeFiles(*files, ownFiles), own);
+                         files, ProtectedPlaces::ofThisMachine(files, ownFiles), own);
                  },
              .stateFolder = {}},
             m_list, std::move(onNews)) {}

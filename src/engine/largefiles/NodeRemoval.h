@@ -10,7 +10,6 @@
 #include <string>
 #include <vector>
 
-#include "engine/largefiles/ControllerParts.h"
 #include "engine/largefiles/FileNodeTree.h"
 #include "engine/largefiles/LargeFileRemoval.h"
 #include "engine/removal/RemovalJob.h"
@@ -36,9 +35,11 @@ public:
     };
 
     /// `nodes` is not empty. `onNews` is called on the main thread, never once this object is gone.
-    /// The tree is held; the rest outlives it.
-    NodeRemoval(const ControllerParts& parts, std::shared_ptr<FileNodeTree> tree,
-                const std::vector<FileNode*>& nodes, std::function<void()> onNews);
+    /// The tree is held; file system and queue outlive it. `ownFiles` are the program's, which
+    /// stay.
+    NodeRemoval(const FileSystem& files, MainQueue& queue, const std::vector<std::string>& ownFiles,
+                std::shared_ptr<FileNodeTree> tree, const std::vector<FileNode*>& nodes,
+                std::function<void()> onNews);
     ~NodeRemoval();
     NodeRemoval(const NodeRemoval&) = delete;
     NodeRemoval& operator=(const NodeRemoval&) = delete;

@@ -10,6 +10,8 @@
 #include "engine/files/Catalog.h"
 #include "engine/files/TreeLister.h"
 #include "engine/files/TreeSize.h"
+#include "platform/files.h"
+#include "platform/paths.h"
 
 namespace orrinvale {
 namespace {
@@ -63,10 +65,9 @@ void NodeTreeOperator::takeFile(const std::string& path) {
     const auto reference = catalog.fsref(path);
     FSCatalogInfo info;
     if (!reference || catalog.FSGetCatalogInfo(*reference, info) != noErr) return;
-    const std::size_t slash = path.rfind('/');
     FoundChunk chunk;
     chunk.entries.push_back(
-        foundEntry(info.attributes, m_arenas->front().names.copy(path.substr(slash + 1))));
+        foundEntry(info.attributes, m_arenas->front().names.copy(splitPath(path).name)));
     m_counts->found.fetch_add(1);
     m_receiver(std::move(chunk));
 }

@@ -1,4 +1,3 @@
-// PublicUtilities: see PublicUtilities.h.
 #include "engine/largefiles/PublicUtilities.h"
 
 #include <fmt/format.h>

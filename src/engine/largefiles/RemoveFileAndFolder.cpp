@@ -1,4 +1,4 @@
-// RemoveFileAndFolder: see RemoveFileAndFolder.h.
+// One program after another: launch() starts it, its end calls advance().
 #include "engine/largefiles/RemoveFileAndFolder.h"
 
 #include <fmt/format.h>
@@ -7,18 +7,19 @@
 #include <utility>
 
 #include "engine/base/Log.h"
-#include "engine/largefiles/largeFilePlaces.h"
 #include "platform/error.h"
+#include "platform/files.h"
 #include "platform/paths.h"
 
 namespace orrinvale {
 
-RemoveFileAndFolder::RemoveFileAndFolder(const ControllerParts& parts,
+RemoveFileAndFolder::RemoveFileAndFolder(const FileSystem& files, MainQueue& queue,
+                                         const std::vector<std::string>& ownFiles,
                                          std::shared_ptr<FileNodeTree> tree,
                                          std::vector<FileNode*> allFilesArr, std::string program)
-    : m_files(*parts.files),
-      m_mainQueue(*parts.mainQueue),
-      m_places(protectedFromLargeFiles(*parts.files, parts.ownFiles)),
+    : m_files(files),
+      m_mainQueue(queue),
+      m_places(ProtectedPlaces::ofThisMachine(files, ownFiles)),
       m_tree(std::move(tree)),
       m_allFilesArr(std::move(allFilesArr)),
       m_program(std::move(program)),
@@ -43,7 +44,9 @@ bool RemoveFileAndFolder::runTaskWithPath() {
 // it starts can not be had. The first and the last argument are words of its own command line;
 // neither names a file, see Process.
 bool RemoveFileAndFolder::launch(const FileNode& node, const std::string& path) {
-    const auto held = HeldEntry::at(m_files, m_places, path, node.identity());
+    EntryIdentity seen = node.identity();
+    seen.learnPassing(m_files.devicesOfPassingInodes());
+    const auto held = HeldEntry::at(m_files, m_places, path, seen);
     std::string reason = held ? std::string() : held.error().reason;
     if (held) {
         clearImmutable(*held);

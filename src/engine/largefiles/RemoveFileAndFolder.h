@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "engine/base/MainQueue.h"
 #include "engine/files/HeldEntry.h"
 #include "engine/files/ProtectedPlaces.h"
-#include "engine/largefiles/ControllerParts.h"
 #include "engine/largefiles/FileNodeTree.h"
 #include "platform/process.h"
 
@@ -39,9 +39,12 @@ protected:
 /// more.
 class RemoveFileAndFolder final {
 public:
-    /// The tree holds the nodes; the rest of the parts outlives this object.
-    RemoveFileAndFolder(const ControllerParts& parts, std::shared_ptr<FileNodeTree> tree,
-                        std::vector<FileNode*> allFilesArr, std::string program = "/usr/bin/srm");
+    /// The tree holds the nodes; file system and queue outlive this object. `ownFiles` are the
+    /// program's, which stay.
+    RemoveFileAndFolder(const FileSystem& files, MainQueue& queue,
+                        const std::vector<std::string>& ownFiles,
+                        std::shared_ptr<FileNodeTree> tree, std::vector<FileNode*> allFilesArr,
+                        std::string program = "/usr/bin/srm");
     RemoveFileAndFolder(const RemoveFileAndFolder&) = delete;
     RemoveFileAndFolder& operator=(const RemoveFileAndFolder&) = delete;
 

@@ -1,4 +1,3 @@
-// SystemFolder: see SystemFolder.h.
 #include "engine/largefiles/SystemFolder.h"
 
 #include "engine/files/systemPlaces.h"

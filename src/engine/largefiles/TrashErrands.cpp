@@ -1,4 +1,4 @@
-// TrashErrands: see TrashErrands.h.
+// A thread an errand, and the lock under which it finds out whether anybody still listens.
 #include "engine/largefiles/TrashErrands.h"
 
 #include <fmt/format.h>
@@ -9,17 +9,18 @@
 
 #include "engine/base/Log.h"
 #include "engine/files/Trash.h"
-#include "engine/largefiles/largeFilePlaces.h"
 #include "platform/FolderVariables.h"
 #include "platform/error.h"
+#include "platform/files.h"
 
 namespace orrinvale {
 namespace {
 
 std::string moveWith(const FileSystem& files, const std::vector<std::string>& ownFiles,
                      const FolderVariables& variables, const std::string& path,
-                     const std::optional<EntryIdentity>& expected) {
-    const auto places = protectedFromLargeFiles(files, ownFiles);
+                     std::optional<EntryIdentity> expected) {
+    if (expected) expected->learnPassing(files.devicesOfPassingInodes());
+    const auto places = ProtectedPlaces::ofThisMachine(files, ownFiles);
     const auto moved = Trash(files, places, variables).move(path, expected);
     Log::line(fmt::format("--delete file error ---::{}", moved ? "(null)" : moved.error()));
     return moved ? std::string() : moved.error();

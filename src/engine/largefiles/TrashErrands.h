@@ -11,7 +11,7 @@
 
 #include "engine/base/MainQueue.h"
 #include "engine/files/EntryIdentity.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

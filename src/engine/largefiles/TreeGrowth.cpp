@@ -1,4 +1,4 @@
-// TreeGrowth: see TreeGrowth.h.
+// Folders that gained bytes are remembered and passed up the tree together, deepest first.
 #include "engine/largefiles/TreeGrowth.h"
 
 #include <algorithm>

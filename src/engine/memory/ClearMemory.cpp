@@ -1,4 +1,4 @@
-// ClearMemory: see ClearMemory.h.
+// The memory is really written to: compilers leave out what nobody reads.
 #include "engine/memory/ClearMemory.h"
 
 #include <fmt/format.h>

@@ -23,6 +23,7 @@
 #include "engine/files/asideName.h"
 #include "engine/files/writeAll.h"
 #include "engine/removal/stayReasons.h"
+#include "platform/files.h"
 #include "platform/paths.h"
 
 namespace orrinvale {

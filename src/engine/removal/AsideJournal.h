@@ -16,7 +16,7 @@
 #include "engine/files/RemovalResult.h"
 #include "platform/descriptor.h"
 #include "platform/error.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

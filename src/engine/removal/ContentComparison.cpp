@@ -1,10 +1,12 @@
-// ContentComparison: see ContentComparison.h.
+// Both files are read side by side in pieces; the page cache stays as it was.
 #include "engine/removal/ContentComparison.h"
 
 #include <cstddef>
 #include <cstring>
 #include <memory>
 #include <span>
+
+#include "platform/files.h"
 
 namespace orrinvale {
 namespace {

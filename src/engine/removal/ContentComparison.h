@@ -4,7 +4,7 @@
 #include <atomic>
 #include <cstdint>
 
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

@@ -1,9 +1,10 @@
-// CopyLook: see CopyLook.h.
+// The order of the looks, and the words for each way in which they can fail.
 #include "engine/removal/CopyLook.h"
 
 #include "engine/removal/ContentComparison.h"
 #include "engine/removal/stayReasons.h"
 #include "platform/error.h"
+#include "platform/files.h"
 #include "platform/paths.h"
 
 namespace orrinvale {

@@ -1,4 +1,4 @@
-// PlainDoor: see PlainDoor.h.
+// Which of three ways an entry goes: set aside, in place after a comparison, or as a tree.
 #include "engine/removal/PlainDoor.h"
 
 #include <fmt/format.h>
@@ -11,6 +11,7 @@
 #include "engine/files/TreeRemoval.h"
 #include "engine/removal/stayReasons.h"
 #include "platform/error.h"
+#include "platform/files.h"
 #include "platform/paths.h"
 
 namespace orrinvale {

@@ -1,4 +1,4 @@
-// RemovalRun: see RemovalRun.h.
+// Batches: turn, names into the journal, the entries one by one, what became of them counted.
 #include "engine/removal/RemovalRun.h"
 
 #include <fmt/format.h>
@@ -9,6 +9,7 @@
 #include "engine/base/Log.h"
 #include "engine/base/saturating.h"
 #include "engine/removal/RemovalTurn.h"
+#include "platform/files.h"
 #include "platform/paths.h"
 
 namespace orrinvale {

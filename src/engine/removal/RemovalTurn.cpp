@@ -1,4 +1,4 @@
-// RemovalTurn: see RemovalTurn.h.
+// A lock on a file, asked for again and again so that a stop is seen meanwhile.
 #include "engine/removal/RemovalTurn.h"
 
 #include <fcntl.h>

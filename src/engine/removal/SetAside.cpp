@@ -1,4 +1,4 @@
-// SetAside: see SetAside.h.
+// The rename, the second look at both copies, and the way back, each by names in a held folder.
 #include "engine/removal/SetAside.h"
 
 #include <fmt/format.h>
@@ -12,6 +12,7 @@
 #include "engine/files/asideName.h"
 #include "engine/removal/stayReasons.h"
 #include "platform/error.h"
+#include "platform/files.h"
 #include "platform/paths.h"
 
 namespace orrinvale {
@@ -51,6 +52,9 @@ StayedEntry withoutCopy(const std::string& path, const KeptCopy& kept, const std
 }
 
 }  // namespace
+
+RenameGround::RenameGround(const FileSystem& files)
+    : m_files(files), m_passing(files.devicesOfPassingInodes()) {}
 
 bool RenameGround::isSafe(int folder, std::uint64_t device) {
     const auto [place, isNew] = m_devices.try_emplace(device);

@@ -15,7 +15,7 @@
 #include "engine/files/EntryIdentity.h"
 #include "engine/files/HeldEntry.h"
 #include "engine/files/RemovalResult.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 
@@ -28,8 +28,7 @@ struct KeptCopy {
 /// What the file systems of one removal allow; asked of each once. One thread.
 class RenameGround final {
 public:
-    explicit RenameGround(const FileSystem& files)
-        : m_files(files), m_passing(files.devicesOfPassingInodes()) {}
+    explicit RenameGround(const FileSystem& files);
 
     /// Whether a power cut in the middle of a rename leaves one of the two names.
     [[nodiscard]] bool isSafe(int folder, std::uint64_t device);

@@ -1,4 +1,3 @@
-// KeyedArchive: see KeyedArchive.h.
 #include "engine/settings/KeyedArchive.h"
 
 #include <utility>

@@ -1,4 +1,4 @@
-// PreferenceViewController: see PreferenceViewController.h.
+// The registered settings, and one pair of accessors for each, as the interface spells them.
 #include "engine/settings/PreferenceViewController.h"
 
 #include <utility>

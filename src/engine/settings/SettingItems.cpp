@@ -1,4 +1,3 @@
-// SettingItems: see SettingItems.h.
 #include "engine/settings/SettingItems.h"
 
 #include <array>

@@ -1,4 +1,4 @@
-// SettingValue: see SettingValue.h.
+// The readings of text as a number or a truth value, in no locale.
 #include "engine/settings/SettingValue.h"
 
 #include <bit>

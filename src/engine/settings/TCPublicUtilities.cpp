@@ -1,4 +1,4 @@
-// TCPublicUtilities: see TCPublicUtilities.h.
+// The user's copy is read together with what only the program knows, and replaced whole.
 #include "engine/settings/TCPublicUtilities.h"
 
 #include <atomic>

@@ -1,4 +1,3 @@
-// UserFolders: see UserFolders.h.
 #include "engine/settings/UserFolders.h"
 
 #include "platform/FolderVariables.h"

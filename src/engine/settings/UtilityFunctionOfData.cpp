@@ -1,4 +1,3 @@
-// UtilityFunctionOfData: see UtilityFunctionOfData.h.
 #include "engine/settings/UtilityFunctionOfData.h"
 
 #include <fmt/format.h>

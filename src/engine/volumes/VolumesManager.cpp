@@ -1,4 +1,4 @@
-// VolumesManager: see VolumesManager.h.
+// One volume after another; what stays is kept with the reason, and the log has a line for each.
 #include "engine/volumes/VolumesManager.h"
 
 #include <fmt/format.h>

@@ -1,4 +1,3 @@
-// BusHandles: see BusHandles.h.
 #include "platform/linux/BusHandles.h"
 
 #include <cerrno>

@@ -1,4 +1,4 @@
-// DiskEjection: see DiskEjection.h.
+// The steps as calls over the bus, and how each one's end is waited for.
 #include "platform/linux/DiskEjection.h"
 
 #include <sys/sysmacros.h>

@@ -1,4 +1,3 @@
-// LinuxFolders: see LinuxFolders.h.
 #include "platform/linux/LinuxFolders.h"
 
 #include <fmt/format.h>
@@ -201,10 +200,10 @@ std::string LinuxFolders::homeTrash() const {
 }
 
 std::vector<std::string> LinuxFolders::volumeTrash(const std::string& root) const {
-    const std::string top = root.substr(0, root.find_last_not_of('/') + 1);
+    const std::string_view top = withoutSlashesAtEnd(root);
     const std::string user = std::to_string(m_variables.user);
-    const std::string shared = top + "/.Trash";
-    const std::string own = top + "/.Trash-" + user;
+    const std::string shared = joinPath(top, ".Trash");
+    const std::string own = joinPath(top, ".Trash-" + user);
     std::vector<std::string> out;
     if (isSharedTrash(shared) && whose(shared + '/' + user, m_variables.user) == Owned::Mine)
         out.push_back(shared + '/' + user + "/files");

@@ -1,4 +1,4 @@
-// linkText: see linkText.h.
+// The text of a symbolic link, of whatever length (platform/linkText.h).
 #include <unistd.h>
 
 #include <array>

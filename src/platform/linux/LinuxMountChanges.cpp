@@ -1,4 +1,4 @@
-// LinuxMountChanges: see LinuxMountChanges.h.
+// Two sights of the table, sorted, and what differs between them.
 #include "platform/linux/LinuxMountChanges.h"
 
 #include <fcntl.h>

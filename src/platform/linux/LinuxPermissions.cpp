@@ -1,4 +1,3 @@
-// LinuxPermissions: see LinuxPermissions.h.
 #include "platform/linux/LinuxPermissions.h"
 
 #include <fmt/format.h>

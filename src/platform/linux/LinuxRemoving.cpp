@@ -18,6 +18,8 @@
 
 #include "platform/linux/LinuxFiles.h"
 
+#include "platform/paths.h"
+
 namespace orrinvale {
 namespace {
 
@@ -70,10 +72,9 @@ private:
     }
 
     std::string nextName() {
-        const std::size_t begin = std::min(m_rest.find_first_not_of('/'), m_rest.size());
-        const std::size_t end = std::min(m_rest.find('/', begin), m_rest.size());
-        std::string name = m_rest.substr(begin, end - begin);
-        m_rest.erase(0, end);
+        std::string_view rest = m_rest;
+        std::string name(nextComponent(rest));
+        m_rest.erase(0, m_rest.size() - rest.size());
         return name;
     }
 

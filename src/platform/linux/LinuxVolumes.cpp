@@ -1,4 +1,4 @@
-// LinuxVolumes: see LinuxVolumes.h.
+// One sight of all volumes is taken at index 1; the walk by index then reads from it.
 #include "platform/linux/LinuxVolumes.h"
 
 #include <fcntl.h>

@@ -140,8 +140,7 @@ private:
         if (m_byPlace.at({mount.parent, mount.point}) != index) return true;
         std::string_view folder = mount.point;
         while (folder.size() > 1) {
-            const std::size_t slash = folder.rfind('/');
-            folder = folder.substr(0, std::max<std::size_t>(slash, 1));
+            folder = splitPath(folder).folder;
             if (m_byPlace.contains({mount.parent, std::string(folder)})) return true;
         }
         return false;

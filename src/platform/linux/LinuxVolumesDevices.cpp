@@ -82,7 +82,7 @@ std::string_view propertyIn(std::string_view properties, std::string_view name) 
 }
 
 std::string wholeOf(const std::string& device) {
-    return exists(device + "/partition") ? device.substr(0, device.rfind('/')) : device;
+    return exists(device + "/partition") ? std::string(splitPath(device).folder) : device;
 }
 
 }  // namespace
@@ -219,7 +219,7 @@ LinuxVolumesDevices::Disc LinuxVolumesDevices::discIn(const std::string& device)
 }
 
 std::string LinuxVolumesDevices::parentOf(const std::string& folder) const {
-    const std::string parent = folder.substr(0, folder.rfind('/'));
+    const std::string parent(splitPath(folder).folder);
     return parent.size() > m_sys.size() + std::string_view("/devices").size() &&
                    isWithin(parent, m_sys)
                ? parent

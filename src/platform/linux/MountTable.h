@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

@@ -1,4 +1,5 @@
-// StartService: see StartService.h.
+// The bus side answers as org.freedesktop.Application, the socket side reads datagrams; both end in
+// one handler.
 #include "services/lifecycle/StartService.h"
 
 #include <QDBusConnection>

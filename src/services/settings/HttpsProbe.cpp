@@ -1,4 +1,4 @@
-// HttpsProbe: see HttpsProbe.h.
+// A thread with an event loop of its own, ended by the answer or the patience.
 #include "services/settings/HttpsProbe.h"
 
 #include <QEventLoop>

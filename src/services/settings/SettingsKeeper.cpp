@@ -1,4 +1,4 @@
-// SettingsKeeper: see SettingsKeeper.h.
+// Saves a moment after the last change, and reads again when the file was written by somebody else.
 #include "services/settings/SettingsKeeper.h"
 
 #include <sys/stat.h>

@@ -1,4 +1,4 @@
-// VolumeWorker: see VolumeWorker.h.
+// The queue of requests and the thread that works it off while there are any.
 #include "services/volumes/VolumeWorker.h"
 
 #include <algorithm>

@@ -1,4 +1,3 @@
-// WatchMountUnmount: see WatchMountUnmount.h.
 #include "services/volumes/WatchMountUnmount.h"
 
 namespace orrinvale {

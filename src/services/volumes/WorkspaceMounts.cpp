@@ -1,4 +1,3 @@
-// WorkspaceMounts: see WorkspaceMounts.h.
 #include "services/volumes/WorkspaceMounts.h"
 
 #include "engine/base/Log.h"

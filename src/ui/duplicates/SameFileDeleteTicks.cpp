@@ -4,6 +4,7 @@
 #include <QLocale>
 
 #include "engine/text/UtilityFunction.h"
+#include "platform/paths.h"
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/duplicates/ResultOutline.h"
 #include "ui/duplicates/SameFileDeleteViewController.h"
@@ -38,11 +39,7 @@ QString titleText(const QString& count, const QString& selected) {
 
 QString SameFileDeleteViewController::rowLabel(std::int32_t row) const {
     if (row != 0) return resultRowTitle(static_cast<std::size_t>(row));
-    const std::size_t end = m_searchPath.find_last_not_of('/');
-    if (end == std::string::npos) return QString::fromStdString(m_searchPath);  // the root
-    const std::size_t cut = m_searchPath.find_last_of('/', end);
-    const std::size_t from = cut == std::string::npos ? 0 : cut + 1;
-    return QString::fromStdString(m_searchPath.substr(from, end + 1 - from));
+    return QString::fromStdString(std::string(lastPathComponent(m_searchPath)));
 }
 
 void SameFileDeleteViewController::refViewBgColor(std::int32_t row) {

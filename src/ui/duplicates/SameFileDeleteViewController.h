@@ -24,7 +24,7 @@
 #include "engine/duplicates/results/LeafSort.h"
 #include "engine/duplicates/results/ResultViews.h"
 #include "engine/removal/RemovalJob.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 #include "ui/kit/controls/DragView.h"
 #include "ui/kit/controls/PathAnimation.h"
 #include "ui/page/FolderEntrance.h"

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "engine/files/bundleName.h"
 #include "engine/largefiles/PublicUtilities.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/paintTickBox.h"
@@ -33,10 +34,6 @@ struct FileNodeModel::Remembered {
 namespace {
 
 constexpr std::uint64_t neverRead = ~std::uint64_t{0};
-
-bool isBundle(const FileNode& node) {
-    return node.name().ends_with(".app") || node.name().ends_with(".framework");
-}
 
 QString sizeText(std::uint64_t bytes) {
     return shownSize(PublicUtilities::byteToSizeWithByte(bytes));
@@ -196,7 +193,7 @@ FileNode* FileNodeModel::node(const QModelIndex& index) const {
 }
 
 bool FileNodeModel::isItemExpandable(const FileNode& node) {
-    return node.childCount() > 0 && !isBundle(node);
+    return node.childCount() > 0 && !isClosedAmongLargeFiles(node.name());
 }
 
 QModelIndex FileNodeModel::index(int row, int column, const QModelIndex& parent) const {
@@ -244,7 +241,8 @@ QVariant FileNodeModel::text(const FileNode& node, int column) const {
 
 // The row of a folder has the picture of folders, but for a bundle, which has that of its kind.
 QIcon FileNodeModel::icon(const FileNode& node) const {
-    if (node.isDirectory() && !isBundle(node)) return picture(QStringLiteral("folder"));
+    if (node.isDirectory() && !isClosedAmongLargeFiles(node.name()))
+        return picture(QStringLiteral("folder"));
     return m_icons ? m_icons({IconRequest::BareName, node.displayName()}) : QIcon();
 }
 

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "engine/base/Log.h"
+#include "platform/files.h"
 #include "ui/kit/chrome/AnimationHoverImageView.h"
 #include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/chrome/TCImageButton.h"

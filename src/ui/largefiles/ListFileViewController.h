@@ -14,7 +14,7 @@
 
 #include "engine/base/IconRequest.h"
 #include "engine/largefiles/Controller.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 #include "ui/kit/controls/DragView.h"
 #include "ui/largefiles/ProgressWindowController.h"
 #include "ui/page/FolderEntrance.h"

@@ -16,6 +16,7 @@
 #include "engine/settings/UserDefaults.h"
 #include "engine/text/UtilityFunction.h"
 #include "platform/error.h"
+#include "platform/files.h"
 #include "services/foundation/runAside.h"
 #include "services/volumes/WatchMountUnmount.h"
 #include "services/volumes/WorkspaceMounts.h"

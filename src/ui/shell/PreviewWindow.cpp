@@ -12,6 +12,7 @@
 #include <QVBoxLayout>
 
 #include "engine/text/UtilityFunction.h"
+#include "platform/paths.h"
 #include "services/foundation/runAside.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/look/Theme.h"
@@ -116,7 +117,7 @@ void PreviewWindow::keyPressEvent(QKeyEvent* event) {
 
 void PreviewWindow::showPath(const std::string& path) {
     m_path = path;
-    const QString name = QString::fromStdString(path.substr(path.find_last_of('/') + 1));
+    const QString name = QString::fromStdString(std::string(lastPathComponent(path)));
     setWindowTitle(name);
     m_name->setText(name);
     m_facts->clear();

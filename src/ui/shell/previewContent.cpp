@@ -14,6 +14,7 @@
 #include <memory>
 
 #include "platform/descriptor.h"
+#include "platform/paths.h"
 
 namespace orrinvale {
 namespace {
@@ -82,7 +83,7 @@ void readFile(int file, PreviewContent& content) {
 
 PreviewContent readPreview(const std::string& path) {
     PreviewContent content;
-    content.name = QString::fromStdString(path.substr(path.find_last_of('/') + 1));
+    content.name = QString::fromStdString(std::string(lastPathComponent(path)));
     struct stat status {};
     if (path.empty() || path.front() != '/' || ::lstat(path.c_str(), &status) != 0) return content;
     content.kind = PreviewContent::Kind::Other;

@@ -26,7 +26,8 @@ protected:
     void prepare(const std::vector<std::string>& paths, const std::string& program = "eraser") {
         std::vector<FileNode*> nodes;
         for (const std::string& path : paths) nodes.push_back(&node(path));
-        eraser = std::make_unique<RemoveFileAndFolder>(parts(), tree, nodes, world.at(program));
+        eraser = std::make_unique<RemoveFileAndFolder>(files, queue, std::vector<std::string>{},
+                                                       tree, nodes, world.at(program));
         eraser->setDelegate(this);
     }
     bool serveToTheEnd() {

@@ -1,4 +1,4 @@
-// BundleLook: see BundleLook.h.
+// Both bundles are listed and compared before; last() lists them again, right before the one goes.
 #include "engine/duplicates/results/BundleLook.h"
 
 #include <algorithm>
@@ -10,6 +10,7 @@
 #include "engine/files/FolderNode.h"
 #include "engine/removal/ContentComparison.h"
 #include "engine/removal/stayReasons.h"
+#include "platform/files.h"
 #include "platform/paths.h"
 
 namespace orrinvale {
@@ -35,12 +36,9 @@ SeenEntries seenOf(const BundleListing& listing, bool inodesPass) {
     SeenEntries seen(inodesPass);
     std::unordered_map<std::string, SeenEntries::Key> folders{{"", SeenEntries::chosenFolder}};
     for (const BundleEntry& entry : listing.entries) {  // a folder stands before what is in it
-        const std::size_t slash = entry.path.rfind('/');
-        const std::string folder =
-            slash == std::string::npos ? std::string() : entry.path.substr(0, slash);
-        const std::string_view name =
-            std::string_view(entry.path).substr(slash == std::string::npos ? 0 : slash + 1);
-        const SeenEntries::Key key = seen.keyOf(folders[folder], name, entry.attributes.inode);
+        const auto [folder, name] = splitPath(entry.path);
+        const SeenEntries::Key key =
+            seen.keyOf(folders[std::string(folder)], name, entry.attributes.inode);
         seen.add(key, SeenState::of(entry.attributes));
         if (entry.attributes.type == FileType::Folder) folders[entry.path] = key;
     }
@@ -54,17 +52,14 @@ public:
         : m_files(files), m_bundle(bundle), m_inodesPass(inodesPass) {}
 
     [[nodiscard]] SysResult<Descriptor> open(const BundleEntry& entry) {
-        const std::size_t slash = entry.path.rfind('/');
-        const std::string folder =
-            slash == std::string::npos ? std::string() : entry.path.substr(0, slash);
+        const auto [folder, name] = splitPath(entry.path);
         if (!folder.empty() && folder != m_name) {
             auto opened = openFolderBelow(m_files, m_bundle, folder, Links::Keep);
             if (!opened) return opened;
             m_folder = std::move(*opened);
             m_name = folder;
         }
-        const std::string name = entry.path.substr(slash == std::string::npos ? 0 : slash + 1);
-        auto file = m_files.openFile(folder.empty() ? m_bundle : m_folder.get(), name.c_str(),
+        auto file = m_files.openFile(folder.empty() ? m_bundle : m_folder.get(), name.data(),
                                      Links::Keep, m_state);
         if (!file) return file;
         const auto now = m_files.attributes(file->get());
@@ -84,6 +79,14 @@ private:
 };
 
 }  // namespace
+
+BundleLook::BundleLook(const FileSystem& files, Digests digests, std::optional<KeptCopy> kept,
+                       bool compares)
+    : m_files(files),
+      m_digests(digests),
+      m_kept(std::move(kept)),
+      m_compares(compares),
+      m_passing(files.devicesOfPassingInodes()) {}
 
 std::optional<StayedEntry> BundleLook::before(const HeldEntry& leaving,
                                               const std::atomic<bool>& stop) {

@@ -23,12 +23,7 @@ public:
     };
     /// `compares` false: the listings alone have to agree with those of the search.
     BundleLook(const FileSystem& files, Digests digests, std::optional<KeptCopy> kept,
-               bool compares)
-        : m_files(files),
-          m_digests(digests),
-          m_kept(std::move(kept)),
-          m_compares(compares),
-          m_passing(files.devicesOfPassingInodes()) {}
+               bool compares);
 
     const std::optional<KeptCopy>& kept() const override { return m_kept; }
     std::optional<StayedEntry> before(const HeldEntry& leaving,

@@ -1,4 +1,4 @@
-// DuplicateSelection: see DuplicateSelection.h.
+// What a click does to leaves, groups and the header's box, and the counts that follow it.
 #include "engine/duplicates/results/DuplicateSelection.h"
 
 #include <fmt/format.h>

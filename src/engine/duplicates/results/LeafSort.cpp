@@ -1,4 +1,4 @@
-// LeafSort: see LeafSort.h.
+// Groups at once, then the copies of as many groups as fit into a turn.
 #include "engine/duplicates/results/LeafSort.h"
 
 #include <algorithm>

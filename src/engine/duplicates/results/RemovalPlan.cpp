@@ -7,6 +7,7 @@
 
 #include "engine/duplicates/results/BundleLook.h"
 #include "engine/removal/stayReasons.h"
+#include "platform/files.h"
 #include "platform/paths.h"
 
 namespace orrinvale {

@@ -14,7 +14,7 @@
 #include "engine/duplicates/tree/SimpleTreeNode.h"
 #include "engine/files/EntryIdentity.h"
 #include "engine/removal/RemovalList.h"
-#include "platform/files.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 

@@ -1,4 +1,4 @@
-// ResultViews: see ResultViews.h.
+// A group stands in two trees, all and its kind's; what leaves the one leaves the other.
 #include "engine/duplicates/results/ResultViews.h"
 
 #include <fmt/format.h>

@@ -1,4 +1,4 @@
-// SimpleNodeData: see SimpleNodeData.h.
+// The two kinds of rows, and the six orders in which a list can be sorted.
 #include "engine/duplicates/tree/SimpleNodeData.h"
 
 namespace orrinvale {

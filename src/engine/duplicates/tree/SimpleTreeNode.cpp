@@ -1,4 +1,4 @@
-// SimpleTreeNode: see SimpleTreeNode.h.
+// Making of nodes, also from the dictionary form of a tree.
 #include "engine/duplicates/tree/SimpleTreeNode.h"
 
 #include <typeinfo>
