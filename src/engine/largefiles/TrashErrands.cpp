@@ -30,7 +30,7 @@ std::string moveWith(const FileSystem& files, const std::vector<std::string>& ow
 
 struct TrashErrands::Home {
     std::mutex mutex;
-    MainQueue* queue;  // null when nobody listens any more
+    MainQueue* queue;  // guarded by mutex; null when nobody listens any more
 
     void tell(std::function<void()> work) {
         const std::lock_guard guard(mutex);

@@ -106,7 +106,7 @@ private:
         return m_live.contains(reference);
     }
 
-    mutable std::mutex m_mutex;
+    mutable std::mutex m_mutex;  // guards calls, m_live and m_last; the rest is of the test alone
     std::set<AuthorizationRef> m_live;
     std::uint64_t m_last = 0;
     unsigned char m_form = 0;

@@ -40,7 +40,7 @@ public:
     NonDumpable& operator=(const NonDumpable&) = delete;
 
 private:
-    static inline std::mutex s_mutex;
+    static inline std::mutex s_mutex;  // guards the two below
     static inline int s_count = 0;
     static inline int s_before = 1;
 };

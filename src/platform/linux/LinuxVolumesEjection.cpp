@@ -112,7 +112,7 @@ void runTool(const std::vector<std::string>& programs, const std::vector<std::st
     struct End {
         std::mutex mutex;
         std::condition_variable came;
-        bool isHere = false;
+        bool isHere = false;  // guarded by mutex
     };
     const auto end = std::make_shared<End>();
     for (const std::string& program : programs) {

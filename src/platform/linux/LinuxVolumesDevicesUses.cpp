@@ -1,6 +1,6 @@
-// What uses block devices without being mounted: a part of LinuxVolumesDevices. The kernel lists
-// what is made of a device in its "holders", the members of a btrfs in /sys/fs/btrfs (btrfs(5)); of
-// storage pools only udev knows.
+// What uses block devices without being mounted, the second source of LinuxVolumesDevices. The
+// kernel lists what is made of a device in its "holders", the members of a btrfs in /sys/fs/btrfs
+// (btrfs(5)); of storage pools only udev knows.
 #include <algorithm>
 
 #include "platform/linux/LinuxVolumesDevices.h"
