@@ -17,7 +17,7 @@
 namespace orrinvale {
 namespace {
 
-std::int64_t now() {
+std::int64_t machineTime() {
     return std::chrono::duration_cast<std::chrono::nanoseconds>(
                std::chrono::system_clock::now().time_since_epoch())
         .count();
@@ -34,7 +34,7 @@ std::vector<std::string> mountPathsOf(const FileSystem& files) {
 
 CleanRules::CleanRules(const CleanParts& parts)
     : m_files(*parts.files),
-      m_clock(parts.clock ? parts.clock : now),
+      m_clock(parts.clock ? parts.clock : machineTime),
       m_folders(*parts.files, *parts.folders, *parts.utilities),
       m_places(parts.files->resolved(m_folders.systemCaches()).value_or(m_folders.systemCaches()),
                parts.files->resolved(m_folders.systemLogs()).value_or(m_folders.systemLogs())),

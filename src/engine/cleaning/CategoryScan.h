@@ -54,6 +54,8 @@ public:
     [[nodiscard]] CleanGround groundOf(const CleanFolders::Folder& folder);
     /// The same, with what is known to be open from the last time.
     [[nodiscard]] CleanGround groundAsBefore(const CleanFolders::Folder& folder) const;
+    /// Nanoseconds since 1970-01-01 UTC.
+    [[nodiscard]] std::int64_t now() const { return m_clock(); }
     void askPrograms(const std::vector<std::string>& realFolders);
 
 private:

@@ -33,9 +33,9 @@ void CleanList::prepare() {
     m_rules = std::make_unique<CleanRules>(m_parts);
     for (const CleanRow& row : m_rows) {
         const std::string folder = folderOf(row.path);
-        if (m_folders.contains(folder)) continue;
+        if (m_grounds.contains(folder)) continue;
         const auto real = m_parts.files->resolved(folder).value_or(folder);
-        m_folders.emplace(folder, CleanFolders::Folder{.path = folder, .real = real});
+        m_grounds.emplace(folder, m_rules->groundAsBefore({.path = folder, .real = real}));
     }
     askProgramsAnew();
     for (std::size_t row = 0; row < m_rows.size(); ++row) expand(row);
@@ -48,7 +48,7 @@ void CleanList::askProgramsAnew() {
         return;
     m_asked = now;
     std::vector<std::string> folders;
-    for (const auto& [path, folder] : m_folders) folders.push_back(folder.real);
+    for (const auto& [path, ground] : m_grounds) folders.push_back(ground.real);
     m_rules->askPrograms(folders);
 }
 
@@ -68,16 +68,22 @@ void CleanList::expand(std::size_t row) {
     m_left[row] = m_count[row] = files.size();
 }
 
-CleanGround CleanList::groundOf(const CleanRow& row) {
-    CleanGround ground = m_rules->groundAsBefore(m_folders.at(folderOf(row.path)));
-    ground.rules = row.rules;
-    return ground;
+// Without a look at it, as the removal itself has one: a file is as the scan saw it, or stays.
+KeptBecause CleanList::askAboutFile(const CleanRow& row) const {
+    const CleanGround& ground = m_grounds.find(folderOf(row.path))->second;
+    const std::string real = joinPath(ground.real, lastPathComponent(row.path));
+    if (ground.keep->keeps(real)) return KeptBecause::Asked;
+    const bool isMindful = CleanablePlaces::isMindfulOfPrograms(row.rules);
+    return isMindful && ground.open->isWithin(real) ? KeptBecause::Open : KeptBecause::Nothing;
 }
 
 KeptBecause CleanList::ask(const CleanRow& row, std::vector<CleanWalk::File>* files) {
+    if (row.identity.type != FileType::Folder) return askAboutFile(row);
     const auto parent = HeldEntry::holdParentOf(*m_parts.files, row.path);
     if (!parent) return KeptBecause::Nothing;  // the removal tells what became of it
-    const CleanGround ground = groundOf(row);
+    CleanGround& ground = m_grounds.find(folderOf(row.path))->second;
+    ground.rules = row.rules;
+    ground.now = m_rules->now();
     CleanWalk walk(*m_parts.files, ground, {});
     return walk.askAgain(row, parent->get(), files);
 }

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -54,7 +55,7 @@ private:
         EntryIdentity identity;
         bool isRow;
     };
-    [[nodiscard]] CleanGround groundOf(const CleanRow& row);
+    [[nodiscard]] KeptBecause askAboutFile(const CleanRow& row) const;
     [[nodiscard]] KeptBecause ask(const CleanRow& row, std::vector<CleanWalk::File>* files);
     void expand(std::size_t row);
     void askProgramsAnew();
@@ -68,8 +69,8 @@ private:
     std::vector<std::size_t> m_left;   // entries of each row that are not gone
     std::uint64_t m_goneBytes = 0;
     std::unique_ptr<CleanRules> m_rules;
-    std::map<std::string, CleanFolders::Folder> m_folders;  // by the paths of the rows' folders
-    std::chrono::steady_clock::time_point m_asked;          // when programs were asked
+    std::map<std::string, CleanGround, std::less<>> m_grounds;  // by the paths of the rows' folders
+    std::chrono::steady_clock::time_point m_asked;              // when programs were asked
 };
 
 /// A door that names nothing of what goes in the log. Owns what it stands before.

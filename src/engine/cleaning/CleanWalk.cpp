@@ -162,10 +162,8 @@ void CleanWalk::judgeRow(RowState& state) const {
     if (m_ground.keep->keeps(state.real)) tally.note(KeptBecause::Asked);
     if (std::any_of(m_ground.mounts.begin(), m_ground.mounts.end(), isBelow))
         tally.note(KeptBecause::Mount);
-    const bool isMindful = m_ground.rules == CleanCategory::UserCaches ||
-                           m_ground.rules == CleanCategory::UserLogs ||
-                           m_ground.rules == CleanCategory::UserDownloads;
-    if (isMindful && m_ground.open->isWithin(state.real)) tally.note(KeptBecause::Open);
+    if (CleanablePlaces::isMindfulOfPrograms(m_ground.rules) && m_ground.open->isWithin(state.real))
+        tally.note(KeptBecause::Open);
     if (m_ground.rules == CleanCategory::UserCaches) {
         const auto names = CleanablePlaces::programNamesOf(m_ground.real, name);
         if (CleanablePlaces::isPrecious(names)) tally.note(KeptBecause::Precious);

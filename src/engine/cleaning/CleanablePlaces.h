@@ -66,6 +66,12 @@ public:
     [[nodiscard]] static KeptBecause keepsRow(CleanCategory category, std::string_view name,
                                               FileType type, std::uint64_t size);
 
+    /// Whether what a program has open keeps a row of this category.
+    [[nodiscard]] static bool isMindfulOfPrograms(CleanCategory category) {
+        return category == CleanCategory::UserCaches || category == CleanCategory::UserLogs ||
+               category == CleanCategory::UserDownloads;
+    }
+
     /// Whether keepsRow() has to know the size of an entry of this name.
     [[nodiscard]] static bool isJudgedBySize(std::string_view name);
 

@@ -1,0 +1,286 @@
+// ScanViewController: see ScanViewController.h.
+#include "engine/cleaning/ScanViewController.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <chrono>
+#include <set>
+#include <thread>
+#include <utility>
+
+#include "engine/base/Log.h"
+#include "engine/cleaning/CleanList.h"
+#include "engine/cleaning/ScanErrand.h"
+#include "engine/settings/UserDefaults.h"
+#include "engine/text/UtilityFunction.h"
+#include "platform/paths.h"
+
+namespace orrinvale {
+namespace {
+
+constexpr std::chrono::milliseconds newsInterval{50};
+constexpr const char* startButtonKey = "startButton";
+constexpr const char* animationKey = "animation";
+constexpr const char* isSelectKey = "isSelect";
+
+std::shared_ptr<CleanFileInfo> infoOf(const CleanRow& row) {
+    return std::make_shared<CleanFileInfo>(IconRequest{IconRequest::Path, row.path},
+                                           std::string(lastPathComponent(row.path)), row.path,
+                                           UtilityFunction::convertVolSpace(row.bytes), row.bytes);
+}
+
+}  // namespace
+
+Notification NoticeForm<CleanSelection>::write(std::string name, const CleanSelection& payload) {
+    Notification notice{std::move(name), {}, {}};
+    if (payload.state) notice.object = *payload.state;
+    if (payload.isAnimated)
+        notice.userInfo = {{startButtonKey, payload.startButton},
+                           {animationKey, std::string(animationKey)}};
+    return notice;
+}
+
+std::optional<CleanSelection> NoticeForm<CleanSelection>::read(const Notification& notice) {
+    CleanSelection out;
+    if (const auto* const state = std::any_cast<bool>(&notice.object)) out.state = *state;
+    out.isAnimated = notice.userInfo.contains(animationKey);
+    if (const auto button = notice.userInfo.find(startButtonKey); button != notice.userInfo.end())
+        out.startButton = button->second;
+    return out;
+}
+
+Notification NoticeForm<UntickedRow>::write(std::string name, const UntickedRow& payload) {
+    return {std::move(name), payload.row, {{isSelectKey, payload.isSelect}}};
+}
+
+std::optional<UntickedRow> NoticeForm<UntickedRow>::read(const Notification& notice) {
+    const auto* const row = std::any_cast<std::int32_t>(&notice.object);
+    const auto state = notice.userInfo.find(isSelectKey);
+    if (row == nullptr || state == notice.userInfo.end()) return std::nullopt;
+    const auto* const isSelect = std::any_cast<bool>(&state->second);
+    return UntickedRow{*row, isSelect != nullptr && *isSelect};
+}
+
+/// One scan, and the thread that listens to it. Its owner lets go of it; what comes later is lost.
+class ScanViewController::Scan final : public std::enable_shared_from_this<Scan> {
+public:
+    Scan(ScanViewController& owner, std::vector<std::string> folders)
+        : m_owner(&owner),
+          m_queue(*owner.m_parts.mainQueue),
+          m_errand(owner.m_parts.clean, [folders = std::move(folders)] { return folders; }) {}
+
+    void start() {
+        std::thread([self = shared_from_this()] { self->listen(); }).detach();
+    }
+    void stop() { m_errand.stop(); }
+    void letGo() {
+        m_owner = nullptr;
+        m_errand.stop();
+    }
+
+private:
+    void listen() {
+        std::uint64_t told = 0;
+        for (;;) {
+            const auto state = m_errand.wait(newsInterval);
+            if (state != ScanErrand::State::Running) break;
+            const std::uint64_t total = m_errand.total();
+            if (total == told) continue;
+            told = total;
+            m_queue.async([self = shared_from_this(), total] {
+                if (self->m_owner != nullptr) self->m_owner->setFilesSize(total);
+            });
+        }
+        m_queue.async([self = shared_from_this()] {
+            ScanViewController* const owner = std::exchange(self->m_owner, nullptr);
+            if (owner == nullptr) return;
+            const bool isEnded =
+                self->m_errand.wait(std::chrono::milliseconds(0)) == ScanErrand::State::Ended;
+            owner->scanTaskFinished(isEnded ? self->m_errand.take() : CategoryListing());
+        });
+    }
+
+    ScanViewController* m_owner;  // main thread
+    MainQueue& m_queue;
+    ScanErrand m_errand;  // wait() by listen(), and by the main thread behind its end
+};
+
+/// One clean. The rows of the list by their place among the ticked ones.
+class ScanViewController::Clean final {
+public:
+    Clean(ScanViewController& owner, std::vector<CleanRow> rows)
+        : m_list(std::make_shared<CleanList>(owner.m_parts.clean, std::move(rows))),
+          m_gone(m_list->rows().size(), 0),
+          m_job({.files = owner.m_parts.clean.files,
+                 .mainQueue = owner.m_parts.mainQueue,
+                 .makeDoor =
+                     [makeDoor = owner.m_parts.makeDoor] {
+                         return std::make_unique<QuietDoor>(makeDoor());
+                     },
+                 .stateFolder = owner.m_parts.stateFolder},
+                m_list, [&owner] { owner.takeCleanNews(); }) {}
+
+    const std::shared_ptr<CleanList> m_list;
+    std::vector<std::size_t> m_gone;    // entries of each row that went, as far as was told
+    std::set<std::string> m_leaving{};  // paths of rows that leave the list
+    RemovalJob m_job;
+};
+
+ScanViewController::ScanViewController(ScanViewParts parts) : m_parts(std::move(parts)) {}
+
+ScanViewController::~ScanViewController() {
+    if (m_scan != nullptr) m_scan->letGo();
+}
+
+void ScanViewController::beginScanTask(std::vector<std::string> folders) {
+    scanFiles.reset();
+    folderPaths = std::move(folders);
+    refreshTableView();
+    if (m_scan != nullptr) m_scan->letGo();
+    m_scan = std::make_shared<Scan>(*this, folderPaths);
+    m_scan->start();
+}
+
+void ScanViewController::cancelScanTask() {
+    if (m_scan != nullptr) m_scan->stop();
+}
+
+void ScanViewController::refreshTableView() {
+    if (!scanFiles) return;
+    scanFiles->clear();
+    scanFilesChange.post(m_changes, true);
+}
+
+void ScanViewController::setFilesSize(std::uint64_t bytes) {
+    filesSize = UtilityFunction::convertVolSpace(bytes);
+    filesSizeChange.post(m_changes, filesSize);
+}
+
+void ScanViewController::scanTaskFinished(CategoryListing listing) {
+    m_listing = std::move(listing);
+    setFilesSize(m_listing.bytes);
+    Rows rows;
+    rows.reserve(m_listing.rows.size());
+    for (const CleanRow& row : m_listing.rows) rows.push_back(infoOf(row));
+    scanFiles = std::move(rows);
+    scanFilesChange.post(m_changes, true);
+    cleanShowSelectNumInBottomNotice.post(*m_parts.notifications, {});
+    m_scan.reset();
+    scanFinished = true;
+    scanFinishedChange.post(m_changes, true);
+}
+
+void ScanViewController::setAll(bool isTicked) {
+    if (scanFiles)
+        for (const auto& row : *scanFiles) row->bIsSelected = isTicked;
+    selectButton = isTicked;
+}
+
+std::int32_t ScanViewController::getSelectAllOrNull() {
+    const Rows none;
+    const Rows& rows = scanFiles ? *scanFiles : none;
+    const auto ticked =
+        std::count_if(rows.begin(), rows.end(), [](const auto& row) { return row->bIsSelected; });
+    const bool isAll = ticked > 0 && ticked == std::ssize(rows);
+    const std::int32_t value = isAll ? 1 : ticked > 0 ? 2 : 0;
+    selectButton = isAll;
+    if (aTag >= 0 && aTag < std::ssize(cleanCategories))
+        UserDefaults::standardUserDefaults().setInteger(
+            value, namesOf(CleanCategory{static_cast<std::uint32_t>(aTag)}).settingKey);
+    return value;
+}
+
+void ScanViewController::getSelectPath(std::string_view text) {
+    selDelFiles.clear();
+    if (scanFiles)
+        std::copy_if(scanFiles->begin(), scanFiles->end(), std::back_inserter(selDelFiles),
+                     [](const auto& row) { return row->bIsSelected; });
+    if (!text.empty()) selectButton = false;
+}
+
+void ScanViewController::toggleRow(std::size_t row) {
+    if (!scanFiles || row >= scanFiles->size()) return;
+    CleanFileInfo& info = *(*scanFiles)[row];
+    info.bIsSelected = !info.bIsSelected;
+    isSlected = info.bIsSelected;
+    getSelectAllOrNull();
+    cleanShowSelectNumInBottomNotice.post(*m_parts.notifications, {.state = isSlected});
+}
+
+bool ScanViewController::CellClick(bool state, std::int32_t row) {
+    if (!state) return true;
+    Log::line(fmt::format("CellClick={}", row));
+    selectedRowInFastClean.post(*m_parts.notifications, {row, isSlected});
+    return false;
+}
+
+void ScanViewController::cleanShowSelectNumInBottom(bool state, std::any startButton) {
+    setAll(state);
+    getSelectAllOrNull();
+    const bool isLastTicked = scanFiles && !scanFiles->empty() && scanFiles->back()->bIsSelected;
+    cleanShowSelectNumInBottomNotice.post(
+        *m_parts.notifications,
+        {.state = isLastTicked, .startButton = std::move(startButton), .isAnimated = true});
+}
+
+void ScanViewController::beginCleanTask() {
+    if (m_clean != nullptr) return;
+    iCleanSize = 0;
+    getSelectPath("clean");
+    std::set<std::string_view> wanted;
+    for (const auto& row : selDelFiles) wanted.insert(row->path);
+    std::vector<CleanRow> rows;
+    for (const CleanRow& row : m_listing.rows)
+        if (wanted.contains(row.path)) rows.push_back(row);
+    m_clean = std::make_unique<Clean>(*this, std::move(rows));
+}
+
+void ScanViewController::takeCleanNews() {
+    const RemovalJob::News news = m_clean->m_job.takeNews();
+    for (const RemovalJob::Settled& each : news.settled) {
+        if (!each.gone) continue;
+        const std::size_t row = m_clean->m_list->rowOf(each.index);
+        if (++m_clean->m_gone[row] == m_clean->m_list->entriesOf(row)) rowIsGone(row);
+    }
+    if (!news.ending) return;
+    m_outcome = news.ending;
+    finishClean();
+}
+
+void ScanViewController::rowIsGone(std::size_t row) {
+    const CleanRow& gone = m_clean->m_list->rows()[row];
+    takeFromTotal(gone.bytes);
+    iCleanSize += gone.bytes;
+    m_clean->m_leaving.insert(gone.path);
+}
+
+// The total is what its own text says, with the rounding of that.
+void ScanViewController::takeFromTotal(std::uint64_t bytes) {
+    const std::uint64_t before = UtilityFunction::getVolSpaceFromString(filesSize);
+    setFilesSize(std::max(before, bytes) - bytes);
+}
+
+void ScanViewController::finishClean() {
+    const std::unique_ptr<Clean> clean = std::move(m_clean);
+    std::set<std::string_view> kept;
+    for (const StayedEntry& each : m_outcome->stayed)
+        if (each.kind == StayReason::Kept) kept.insert(each.path);
+    for (std::size_t i = 0; i < clean->m_list->rows().size(); ++i) {
+        const CleanRow& row = clean->m_list->rows()[i];
+        if (kept.contains(row.path)) takeFromTotal(row.bytes);
+        else if (!clean->m_list->isDone(i)) continue;
+        clean->m_leaving.insert(row.path);
+    }
+    const auto leaves = [&](const std::string& path) { return clean->m_leaving.contains(path); };
+    if (scanFiles && !clean->m_leaving.empty()) {
+        std::erase_if(*scanFiles, [&](const auto& row) { return leaves(row->path); });
+        std::erase_if(selDelFiles, [&](const auto& row) { return leaves(row->path); });
+        std::erase_if(m_listing.rows, [&](const CleanRow& row) { return leaves(row.path); });
+        scanFilesChange.post(m_changes, true);
+    }
+    cleanFinished = true;
+    cleanFinishedChange.post(m_changes, true);
+}
+
+}  // namespace orrinvale

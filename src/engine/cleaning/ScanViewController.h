@@ -1,0 +1,149 @@
+// ScanViewController: the list of one category: its scan, its ticks, its clean. The pages show it;
+// ScanErrand scans, RemovalJob removes.
+#pragma once
+
+#include <any>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/base/MainQueue.h"
+#include "engine/base/notices.h"
+#include "engine/cleaning/CategoryScan.h"
+#include "engine/cleaning/CleanFileInfo.h"
+#include "engine/removal/RemovalJob.h"
+
+namespace orrinvale {
+
+/// A tick changed: the state of the row, or of the last row of the list; and nothing at the end of
+/// a scan. `startButton` is what was clicked, where the whole list was.
+struct CleanSelection {
+    std::optional<bool> state{};
+    std::any startButton{};
+    bool isAnimated = false;
+};
+struct UntickedRow {
+    std::int32_t row = 0;
+    bool isSelect = false;
+};
+
+template <> struct NoticeForm<CleanSelection> {
+    static Notification write(std::string name, const CleanSelection& payload);
+    static std::optional<CleanSelection> read(const Notification& notice);
+};
+template <> struct NoticeForm<UntickedRow> {
+    static Notification write(std::string name, const UntickedRow& payload);
+    static std::optional<UntickedRow> read(const Notification& notice);
+};
+
+inline constexpr Notice<CleanSelection> cleanShowSelectNumInBottomNotice{
+    "cleanShowSelectNumInBottom"};
+inline constexpr Notice<UntickedRow> selectedRowInFastClean{"selectedRowInFastClean"};
+
+inline constexpr const char* KVO_CONTEXT_SCAN_FINISH = "KVO_CONTEXT_SCAN_FINISH";
+inline constexpr const char* KVO_CONTEXT_CLEAN_FINISH = "KVO_CONTEXT_CLEAN_FINISH";
+
+struct ScanViewParts {
+    CleanParts clean;
+    NotificationCenter* notifications = nullptr;
+    MainQueue* mainQueue = nullptr;
+    std::string stateFolder;  ///< where removals take turns
+    /// Called on the removing thread; QnAuthorization::makeDoorForFiles() or makeDoor().
+    std::function<std::unique_ptr<RemovalDoor>()> makeDoor;
+};
+
+/// Main thread only, where all notices come as well. Six of them may scan and clean side by side.
+class ScanViewController final {
+public:
+    using Rows = std::vector<std::shared_ptr<CleanFileInfo>>;
+
+    explicit ScanViewController(ScanViewParts parts);
+    ~ScanViewController();
+    ScanViewController(const ScanViewController&) = delete;
+    ScanViewController& operator=(const ScanViewController&) = delete;
+
+    // What can be observed, each by its name. The handler gets the context that it was registered
+    // with, and the new value; of scanFiles that they changed. Told at each change: the total at
+    // most every 50 ms while a scan runs.
+    static constexpr Notice<std::string> filesSizeChange{"filesSize"};
+    static constexpr Notice<bool> scanFinishedChange{"scanFinished"};
+    static constexpr Notice<bool> cleanFinishedChange{"cleanFinished"};
+    static constexpr Notice<bool> scanFilesChange{"scanFiles"};
+    template <class Value>
+    [[nodiscard]] NotificationCenter::Observation addObserver(
+        const Notice<Value>& key, std::string context,
+        std::function<void(const std::string& context, const Value& value)> handler) {
+        return key.observe(m_changes, [context = std::move(context), handler = std::move(handler)](
+                                          const Value& value) { handler(context, value); });
+    }
+
+    /// Scans these folders anew. A scan that is silent for 5 seconds counts as ended, and what it
+    /// says later is dropped.
+    void beginScanTask(std::vector<std::string> folders);
+    /// What is complete stays in the list.
+    void cancelScanTask();
+    /// Empties the list as one change; no effect while there is none.
+    void refreshTableView();
+    /// Removes the ticked rows. Each is asked about again; one that a rule keeps by now leaves the
+    /// list, since it is none of what may go.
+    void beginCleanTask();
+    /// Changes nothing: a clean that was begun goes on to its end.
+    void cancelFastClean() {}
+
+    void setAllCheckBoxSelect() { setAll(true); }
+    void setNoCheckBoxSelect() { setAll(false); }
+    /// 0 none, 1 all, 2 some; stored for the category aTag.
+    std::int32_t getSelectAllOrNull();
+    /// Builds selDelFiles of the ticked rows. A text that is not empty takes the list's own tick.
+    void getSelectPath(std::string_view text);
+
+    /// A click on the box of a row.
+    void toggleRow(std::size_t row);
+    /// The box's own action: its next state.
+    bool CellClick(bool state, std::int32_t row);
+    /// The box above the list, in its new state.
+    void cleanShowSelectNumInBottom(bool state, std::any startButton = {});
+
+    [[nodiscard]] bool isScanning() const { return m_scan != nullptr; }
+    [[nodiscard]] bool isCleaning() const { return m_clean != nullptr; }
+    /// What stays of the scanned folders, and why; the folders that were left alone.
+    [[nodiscard]] const CategoryListing& listing() const { return m_listing; }
+    /// What became of the last clean; nothing while there was none.
+    [[nodiscard]] const std::optional<RemovalOutcome>& lastOutcome() const { return m_outcome; }
+
+    std::vector<std::string> folderPaths;
+    std::optional<Rows> scanFiles;  ///< nothing until the first scan has ended
+    std::optional<bool> scanFinished;
+    std::string filesSize;
+    bool selectButton = false;  ///< the state of the box above the list
+    std::optional<bool> cleanFinished;
+    std::uint64_t iCleanSize = 0;  ///< bytes that the current clean has removed
+    std::string dicKeyStr;         ///< the category's index, for the page
+    std::int32_t aTag = 0;         ///< the category whose setting follows the ticks
+    Rows selDelFiles;
+    bool isSlected = false;  ///< the row that was toggled last
+
+private:
+    class Scan;
+    class Clean;
+    void setAll(bool isTicked);
+    void setFilesSize(std::uint64_t bytes);
+    void scanTaskFinished(CategoryListing listing);
+    void takeCleanNews();
+    void rowIsGone(std::size_t row);
+    void takeFromTotal(std::uint64_t bytes);
+    void finishClean();
+
+    const ScanViewParts m_parts;
+    NotificationCenter m_changes;
+    CategoryListing m_listing;  // its rows move to the clean, and back
+    std::shared_ptr<Scan> m_scan;
+    std::unique_ptr<Clean> m_clean;
+    std::optional<RemovalOutcome> m_outcome;
+};
+
+}  // namespace orrinvale

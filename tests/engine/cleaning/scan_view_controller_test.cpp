@@ -1,0 +1,227 @@
+// The list of one category: what is told and when, ticks and their setting, a clean.
+#include "engine/cleaning/ScanViewController.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <deque>
+#include <mutex>
+#include <thread>
+
+#include "engine/cleaning/CleanHome.h"
+#include "engine/removal/PlainDoor.h"
+#include "engine/settings/UserDefaults.h"
+#include "engine/text/UtilityFunction.h"
+
+namespace orrinvale {
+namespace {
+
+using testing::CleanHome;
+using testing::isThere;
+using Names = std::vector<std::string>;
+
+// The thread of the test plays the main one.
+class TestQueue final : public MainQueue {
+public:
+    void async(std::function<void()> work) override {
+        const std::lock_guard lock(m_mutex);
+        m_work.push_back(std::move(work));
+    }
+    bool sync(std::function<void()> work) override {
+        work();
+        return true;
+    }
+    bool runUntil(const std::function<bool()>& isDone) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (!isDone() && std::chrono::steady_clock::now() < end) {
+            std::deque<std::function<void()>> work;
+            {
+                const std::lock_guard lock(m_mutex);
+                work.swap(m_work);
+            }
+            for (const auto& each : work) each();
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        return isDone();
+    }
+
+private:
+    std::mutex m_mutex;
+    std::deque<std::function<void()>> m_work;
+};
+
+struct Page {
+    explicit Page(CleanHome& itsHome)
+        : home(itsHome),
+          list({.clean = home.parts(),
+                .notifications = &center,
+                .mainQueue = &queue,
+                .stateFolder = {},
+                .makeDoor = [this] {
+                    return std::make_unique<PlainDoor>(home.files, ProtectedPlaces());
+                }}) {
+        const auto noteText = [this](const std::string& context, const std::string& value) {
+            if (told.empty() || told.back() != context + ' ' + value)
+                told.push_back(context + ' ' + value);
+        };
+        const auto noteEnd = [this](const std::string& context, const bool& value) {
+            told.push_back(context + (value ? " yes" : " no"));
+        };
+        size = list.addObserver<std::string>(ScanViewController::filesSizeChange,
+                                             "KVO_CONTEXT_USER_CACHES", noteText);
+        rows = list.addObserver<bool>(ScanViewController::scanFilesChange, "rows", noteEnd);
+        scanEnd = list.addObserver<bool>(ScanViewController::scanFinishedChange,
+                                         KVO_CONTEXT_SCAN_FINISH, noteEnd);
+        cleanEnd = list.addObserver<bool>(ScanViewController::cleanFinishedChange,
+                                          KVO_CONTEXT_CLEAN_FINISH, noteEnd);
+        ticks = cleanShowSelectNumInBottomNotice.observe(center, [this](const CleanSelection& s) {
+            told.push_back(std::string("ticks ") +
+                           (!s.state   ? "nil"
+                            : *s.state ? "1"
+                                       : "0") +
+                           (s.isAnimated ? " animated" : ""));
+        });
+    }
+
+    bool scan() {
+        list.beginScanTask(home.utilities.getFolderPath(1));
+        return queue.runUntil([this] { return !list.isScanning(); });
+    }
+    bool clean() {
+        list.beginCleanTask();
+        return queue.runUntil([this] { return !list.isCleaning(); });
+    }
+    void tick(const Names& names) {
+        for (std::size_t i = 0; i < list.scanFiles->size(); ++i)
+            if (std::count(names.begin(), names.end(), (*list.scanFiles)[i]->name) != 0)
+                list.toggleRow(i);
+    }
+    [[nodiscard]] Names names() const {
+        Names out;
+        for (const auto& row : *list.scanFiles) out.push_back(row->name);
+        std::sort(out.begin(), out.end());
+        return out;
+    }
+
+    CleanHome& home;
+    TestQueue queue;
+    NotificationCenter center;
+    ScanViewController list;
+    Names told;
+    NotificationCenter::Observation size, rows, scanEnd, cleanEnd, ticks;
+};
+
+std::int64_t storedState() {
+    return UserDefaults::standardUserDefaults().integerForKey(ZvSystemCachesKey);
+}
+
+TEST(ScanViewController, aScanTellsItsTotalItsRowsAndItsEnd) {
+    CleanHome home;
+    ASSERT_TRUE(home.tree.write(".cache/a/x", std::string(1'500'000, 'x')) &&
+                home.tree.write(".cache/b", std::string(20'000, 'x')) &&
+                home.tree.write(".cache/k/.git/x", "1"));
+    Page page(home);
+    page.list.refreshTableView();
+    EXPECT_TRUE(page.told.empty()) << "there is no list yet";
+    ASSERT_TRUE(page.scan());
+    EXPECT_EQ(page.names(), (Names{"a", "b"}));
+    EXPECT_EQ(page.list.filesSize, "1.52 MB");
+    ASSERT_GE(page.told.size(), 4U);
+    EXPECT_EQ((Names{page.told.end() - 4, page.told.end()}),
+              (Names{"KVO_CONTEXT_USER_CACHES 1.52 MB", "rows yes", "ticks nil",
+                     "KVO_CONTEXT_SCAN_FINISH yes"}));
+    EXPECT_EQ(page.list.listing().kept.size(), 1U);
+
+    // A second scan that is let go of in favour of a third, and one that is stopped.
+    page.list.beginScanTask(home.utilities.getFolderPath(1));
+    EXPECT_FALSE(page.list.scanFiles);
+    page.told.clear();
+    ASSERT_TRUE(page.scan());
+    EXPECT_EQ(std::count(page.told.begin(), page.told.end(), "KVO_CONTEXT_SCAN_FINISH yes"), 1);
+    page.list.beginScanTask(home.utilities.getFolderPath(1));
+    page.list.cancelScanTask();
+    ASSERT_TRUE(page.queue.runUntil([&] { return !page.list.isScanning(); }));
+    EXPECT_TRUE(page.list.scanFiles.has_value());
+}
+
+TEST(ScanViewController, ticksAndTheirSetting) {
+    CleanHome home;
+    for (const char* name : {".cache/a", ".cache/b", ".cache/c"})
+        ASSERT_TRUE(home.tree.write(name, "1"));
+    Page page(home);
+    ASSERT_TRUE(page.scan());
+    page.told.clear();
+    const struct {
+        const char* what;
+        std::function<void()> act;
+        std::int64_t stored;
+        bool button;
+        const char* told;
+    } steps[] = {
+        {"one", [&] { page.list.toggleRow(0); }, 2, false, "ticks 1"},
+        {"two", [&] { page.list.toggleRow(1); }, 2, false, "ticks 1"},
+        {"all", [&] { page.list.toggleRow(2); }, 1, true, "ticks 1"},
+        {"two again", [&] { page.list.toggleRow(1); }, 2, false, "ticks 0"},
+        {"the list's box", [&] { page.list.cleanShowSelectNumInBottom(true); }, 1, true,
+         "ticks 1 animated"},
+        {"and off", [&] { page.list.cleanShowSelectNumInBottom(false); }, 0, false,
+         "ticks 0 animated"},
+        {"no such row", [&] { page.list.toggleRow(3); }, 0, false, nullptr},
+    };
+    for (const auto& step : steps) {
+        page.told.clear();
+        step.act();
+        EXPECT_EQ(storedState(), step.stored) << step.what;
+        EXPECT_EQ(page.list.selectButton, step.button) << step.what;
+        EXPECT_EQ(page.told, step.told != nullptr ? Names{step.told} : Names{}) << step.what;
+    }
+    page.list.setAllCheckBoxSelect();
+    page.list.getSelectPath({});
+    EXPECT_EQ(page.list.selDelFiles.size(), 3U);
+    EXPECT_TRUE(page.list.selectButton);
+    page.list.getSelectPath("clean");
+    EXPECT_FALSE(page.list.selectButton);
+
+    std::vector<std::pair<std::int32_t, bool>> unticked;
+    const auto observation = selectedRowInFastClean.observe(
+        page.center,
+        [&](const UntickedRow& each) { unticked.emplace_back(each.row, each.isSelect); });
+    EXPECT_TRUE(page.list.CellClick(false, 1));
+    EXPECT_FALSE(page.list.CellClick(true, 2));
+    EXPECT_EQ(unticked, (std::vector<std::pair<std::int32_t, bool>>{{2, false}}));
+    EXPECT_FALSE((*page.list.scanFiles)[0]->copyWithZone().bIsSelected);
+}
+
+TEST(ScanViewController, aCleanTakesTheTickedRowsAndTellsOfTheRest) {
+    CleanHome home;
+    for (const char* name : {".cache/a/x", ".cache/b/x", ".cache/c/x", ".cache/d/x"})
+        ASSERT_TRUE(home.tree.write(name, std::string(1'000'000, 'x')));
+    Page page(home);
+    ASSERT_TRUE(page.scan());
+    EXPECT_EQ(page.list.filesSize, "4.00 MB");
+    page.tick({"a", "b", "c"});
+    ASSERT_TRUE(home.tree.write(".cache/b/new", "1") && home.tree.write(".cache/c/.git/x", "1"));
+    page.told.clear();
+    ASSERT_TRUE(page.clean());
+    EXPECT_FALSE(isThere(home.tree.at(".cache/a")));
+    EXPECT_TRUE(isThere(home.tree.at(".cache/b/new")) && isThere(home.tree.at(".cache/c/x")));
+    EXPECT_EQ(page.names(), (Names{"b", "d"})) << "what a rule keeps is none of what may go";
+    ASSERT_EQ(page.list.selDelFiles.size(), 1U);
+    EXPECT_TRUE(page.list.selDelFiles[0]->bIsSelected);
+    EXPECT_EQ(page.list.iCleanSize, 1'000'000U);
+    EXPECT_EQ(page.list.filesSize, "2.00 MB");
+    EXPECT_EQ(page.told,
+              (Names{"KVO_CONTEXT_USER_CACHES 3.00 MB", "KVO_CONTEXT_USER_CACHES 2.00 MB",
+                     "rows yes", "KVO_CONTEXT_CLEAN_FINISH yes"}));
+    ASSERT_TRUE(page.list.lastOutcome().has_value());
+    EXPECT_FALSE(page.list.lastOutcome()->lacksRights);
+
+    // Nothing ticked: the end is told all the same.
+    page.list.setNoCheckBoxSelect();
+    page.told.clear();
+    ASSERT_TRUE(page.clean());
+    EXPECT_EQ(page.told, Names{"KVO_CONTEXT_CLEAN_FINISH yes"});
+}
+
+}  // namespace
+}  // namespace orrinvale
