@@ -1,18 +1,22 @@
 // The walk of a duplicate search: all cores list and size the tree, and the result stands in the
 // order of a sequential walk.
 //
-// Each folder is a task, and so is each further thousand entries of a large folder. A task writes
-// its entries, files and subfolders alike, into a run of records; when all is done the runs are
-// read off depth first. LooseFileWalk.cpp has the stages.
+// FolderWalk walks. What it has read of a folder at once becomes a run of records, files and
+// subfolders alike; when all is done the runs are read off depth first. LooseFileWalk.cpp has the
+// stages.
 #pragma once
 
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <mutex>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "engine/duplicates/fileAttrbItem.h"
+#include "engine/files/FolderWalk.h"
 #include "engine/files/SkipList.h"
 #include "platform/fileTypes.h"
 
@@ -32,19 +36,17 @@ struct LooseFiles {
     FileList files;  ///< larger than the limit, outside of bundles
     std::vector<std::string>
         bundles;  ///< outermost bundles in which an entry is larger than the limit
-    std::vector<std::shared_ptr<Arena>> storage;
+    std::vector<std::shared_ptr<const void>> storage;  ///< what the files point into
     bool mayRepeat = false;   ///< a link was followed or a mount was met: much may be listed twice
     bool inodesPass = false;  ///< a folder was met whose inode numbers need not last
 };
 
-class LooseFileWalk final {
+class LooseFileWalk final : FolderWalk {
 public:
     /// All references must outlive the walk. `stop` may be set from any thread.
     LooseFileWalk(const FileSystem& files, const LooseFileQuery& query,
                   const std::atomic<bool>& stop, SkipList& skipped);
-    ~LooseFileWalk();
-    LooseFileWalk(const LooseFileWalk&) = delete;
-    LooseFileWalk& operator=(const LooseFileWalk&) = delete;
+    ~LooseFileWalk() override;
 
     /// Walks. The error when the root itself could not be listed. After a stop the result is empty.
     [[nodiscard]] Result<LooseFiles> run();
@@ -53,11 +55,44 @@ public:
     [[nodiscard]] std::string currentPath() const;
 
     /// Files found so far; any thread.
-    [[nodiscard]] std::uint64_t listedFiles() const;
+    [[nodiscard]] std::uint64_t listedFiles() const {
+        return m_listed.load(std::memory_order_relaxed);
+    }
 
 private:
-    struct State;
-    std::unique_ptr<State> m_state;
+    struct Bundle;
+    struct Folder;
+    struct Run;
+    struct Share;
+
+    bool isWanted(const WalkedFolder& folder) override;
+    SysResult<Descriptor> open(const WalkedFolder& folder) override;
+    bool mayList(WalkedFolder& walked) override;
+    void read(Worker& worker, WalkedFolder& walked) override;
+    void take(Worker& worker, WalkedFolder& walked, std::uint32_t first) override;
+    void takeDeep(Worker& worker, WalkedFolder& walked) override;
+    void fail(WalkedFolder& walked, std::string_view operation, int number) override;
+
+    void learn(Folder& folder, const FileAttributes& seen);
+    bool takeEntry(Worker& worker, Folder& folder, CatalogEntry& entry, fileAttrbItem& record);
+    bool takeTopLevelEntry(const Folder& folder, CatalogEntry& entry, bool& throughLink);
+    bool takeFile(Worker& worker, Folder& folder, CatalogEntry& entry, fileAttrbItem& record);
+    void addFolder(Worker& worker, Folder& above, const CatalogEntry& entry, bool throughLink,
+                   fileAttrbItem& record);
+    Bundle* newBundle();
+    [[nodiscard]] bool numbersPass(std::uint64_t device) const;
+    [[nodiscard]] LooseFiles collect() const;
+
+    const LooseFileQuery m_query;
+    std::vector<Share> m_shares;  // one for each thread
+    std::mutex m_mutex;
+    std::vector<std::unique_ptr<Bundle>> m_bundles;  // guarded by m_mutex
+    Folder* m_root = nullptr;
+    std::optional<Error> m_rootError;  // of whoever lists the root
+    std::atomic<const WalkedFolder*> m_current{nullptr};
+    std::atomic<bool> m_mayRepeat{false};
+    std::atomic<bool> m_inodesPass{false};
+    std::atomic<std::uint64_t> m_listed{0};
 };
 
 }  // namespace orrinvale

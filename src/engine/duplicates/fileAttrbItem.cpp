@@ -35,7 +35,7 @@ fileAttrbItem& FileArray::add(std::string_view filePathName, const FileAttribute
     return *item;
 }
 
-void FileArray::adopt(FileList items, std::vector<std::shared_ptr<Arena>> storage) {
+void FileArray::adopt(FileList items, std::vector<std::shared_ptr<const void>> storage) {
     if (m_items.empty()) m_items = std::move(items);
     else m_items.insert(m_items.end(), items.begin(), items.end());
     m_storage.insert(m_storage.end(), storage.begin(), storage.end());

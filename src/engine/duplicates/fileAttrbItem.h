@@ -68,14 +68,14 @@ public:
     fileAttrbItem& add(std::string_view filePathName, const FileAttributes& attributes);
 
     /// Appends items that live in storage which the list keeps from now on.
-    void adopt(FileList items, std::vector<std::shared_ptr<Arena>> storage);
+    void adopt(FileList items, std::vector<std::shared_ptr<const void>> storage);
 
     /// Takes the items for which `drop` holds out of the list; they stay alive.
     template <class Drop> void removeIf(Drop drop) { std::erase_if(m_items, drop); }
 
 private:
     FileList m_items;
-    std::vector<std::shared_ptr<Arena>> m_storage;
+    std::vector<std::shared_ptr<const void>> m_storage;
     std::shared_ptr<Arena> m_own;
     const FolderNode* m_lastFolder = nullptr;
 };

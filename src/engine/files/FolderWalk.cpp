@@ -20,23 +20,30 @@ constexpr std::size_t mostFound = 1024;
 
 }  // namespace
 
-FolderWalk::FolderWalk(const FileSystem& files, const std::atomic<bool>* stop, SkipList* skipped)
-    : m_files(files), m_stop(stop), m_skipped(skipped) {
+FolderWalk::FolderWalk(const FileSystem& files, const std::atomic<bool>* stop, SkipList* skipped,
+                       std::size_t mostOpen)
+    : m_files(files), m_stop(stop), m_skipped(skipped), m_mostOpen(mostOpen) {
     // An eighth, so that six lists of a cleaning page can be measured at once and leave enough for
     // the rest.
-    m_mostOpen =
-        std::max<std::size_t>(8, std::min<std::size_t>(m_files.descriptorLimit(), 65536) / 8);
+    if (m_mostOpen == 0)
+        m_mostOpen =
+            std::max<std::size_t>(8, std::min<std::size_t>(m_files.descriptorLimit(), 65536) / 8);
     for (unsigned i = 0; i < m_workers.size(); ++i) m_workers[i].number = i;
 }
 
 void FolderWalk::walk(std::unique_ptr<WalkedFolder> start, std::string shown, Descriptor handle) {
     start->text = std::move(shown);
     start->name = start->text.c_str();
-    start->handle = std::move(handle);
-    if (const auto attributes = m_files.attributes(start->handle.get()))
-        m_startDevice = attributes->device;
-    start->device = m_startDevice;
-    push(start.release());
+    walk(*start.release(), std::move(handle));
+}
+
+void FolderWalk::walk(WalkedFolder& start, Descriptor handle) {
+    start.handle = std::move(handle);
+    if (start.device == 0)
+        if (const auto attributes = m_files.attributes(start.handle.get()))
+            start.device = attributes->device;
+    m_startDevice = start.device;
+    push(&start);
     m_crew.run([this](unsigned worker) { return step(worker); });
 }
 
@@ -72,28 +79,37 @@ void FolderWalk::visit(Worker& worker, WalkedFolder* folder) {
 
 // False when there is nothing to list, or it is listed already.
 bool FolderWalk::enter(Worker& worker, WalkedFolder& folder) {
-    auto opened = m_files.openFolder(folder.above->handle.get(), folder.name, Links::Keep);
-    const std::uint64_t deviceAbove = folder.above->device;
+    if (!isWanted(folder)) {
+        releaseHandle(*folder.above);
+        return false;
+    }
+    auto opened = open(folder);
     releaseHandle(*folder.above);
     if (!opened) {
-        // No folder any more: exchanged for something else since it was listed.
-        if (opened.error() != ENOTDIR && opened.error() != ELOOP)
-            fail(folder, "open", opened.error());
+        fail(folder, "open", opened.error());
         return false;
     }
     folder.handle = std::move(*opened);
     const bool deep = m_openFolders.fetch_add(1) >= m_mostOpen;
-    // Whoever looked at it in its parent knows its device already. What stands on another one is
-    // looked at again, since an automatic mount shows only now what it leads to.
-    if (folder.device == 0 || folder.device != deviceAbove) {
+    if (!mayList(folder)) return false;
+    if (deep) takeDeep(worker, folder);
+    return !deep;
+}
+
+SysResult<Descriptor> FolderWalk::open(const WalkedFolder& folder) {
+    return m_files.openFolder(folder.above->handle.get(), folder.name, Links::Keep);
+}
+
+// Whoever looked at it in its parent knows its device already. What stands on another one is looked
+// at again, since an automatic mount shows only now what it leads to.
+bool FolderWalk::mayList(WalkedFolder& folder) {
+    if (folder.device == 0 || folder.device != folder.above->device) {
         const auto attributes = m_files.attributes(folder.handle.get());
         if (!attributes) return true;
         folder.device = attributes->device;
         folder.inode = attributes->inode;
     }
-    if (isKernels(folder.device)) return false;
-    if (deep) takeDeep(worker, folder);
-    return !deep;
+    return !isKernels(folder.device);
 }
 
 // Hands the rest of a large folder, or of one with many subfolders, to whoever is free, before the
@@ -106,6 +122,7 @@ void FolderWalk::list(Worker& worker, WalkedFolder& folder) {
             listed(folder);
             return;
         }
+        read(worker, folder);
         const std::uint32_t first = folder.listedCount;
         folder.listedCount += static_cast<std::uint32_t>(worker.batch.entries.size());
         const bool handOver =
@@ -173,6 +190,11 @@ void FolderWalk::releaseHandle(WalkedFolder& folder) {
     m_openFolders.fetch_sub(1);
 }
 
+void FolderWalk::closeEarly(WalkedFolder& folder) {
+    folder.handle.reset();
+    m_openFolders.fetch_sub(1);
+}
+
 // Up the chain in a loop: its length is the depth of the tree.
 void FolderWalk::release(WalkedFolder* folder) {
     while (folder != nullptr && folder->users.fetch_sub(1) == 1) {
@@ -181,8 +203,9 @@ void FolderWalk::release(WalkedFolder* folder) {
     }
 }
 
-void FolderWalk::fail(const FolderNode& folder, std::string_view operation, int number) {
-    if (number == ENOENT && folder.parent != nullptr) return;
+void FolderWalk::fail(WalkedFolder& folder, std::string_view operation, int number) {
+    const bool isGone = number == ENOENT || number == ENOTDIR || number == ELOOP;
+    if (isGone && folder.parent != nullptr) return;
     skip(operation, pathOf(folder), number);
 }
 

@@ -1,5 +1,6 @@
 // FolderWalk: the walk through one folder by as many threads as pay. Measuring adds up what it
-// meets, the large file page makes a tree of it. Read FolderWalk::step() first.
+// meets, the large file page makes a tree of it, a duplicate search a list. Read FolderWalk::step()
+// first.
 #pragma once
 
 #include <atomic>
@@ -52,11 +53,28 @@ protected:
     };
 
     /// The file system, the flag and the list outlive the walk; the flag and the list may be null.
-    FolderWalk(const FileSystem& files, const std::atomic<bool>* stop, SkipList* skipped);
+    /// `mostOpen` folders are open at once, if it is not 0.
+    FolderWalk(const FileSystem& files, const std::atomic<bool>* stop, SkipList* skipped,
+               std::size_t mostOpen = 0);
     virtual ~FolderWalk() = default;
 
     /// Walks from an open folder; `shown` is the path that errors give for it. Once only.
     void walk(std::unique_ptr<WalkedFolder> start, std::string shown, Descriptor handle);
+    /// The same for a start that has its name, and its device if that is known. Whoever owns it
+    /// counts as one of its users.
+    void walk(WalkedFolder& start, Descriptor handle);
+
+    /// False for a folder of which nothing is to be learnt: it is not even opened.
+    virtual bool isWanted(const WalkedFolder& folder) { return static_cast<void>(folder), true; }
+    virtual SysResult<Descriptor> open(const WalkedFolder& folder);
+    /// Of an open folder: who it is, and whether it is to be listed.
+    virtual bool mayList(WalkedFolder& folder);
+    /// The next entries of the folder are in worker.batch. Calls for one folder come in the order
+    /// of its listing, one after another, while take() may come at any time later: a result that
+    /// has to stand in the order of the listing gets its place here.
+    virtual void read(Worker& worker, WalkedFolder& folder) {
+        static_cast<void>(worker), static_cast<void>(folder);
+    }
 
     /// The entries in worker.batch are of the folder, the first of them at this place of its
     /// listing. Subfolders go to addFound(), which makes them known to other workers when this
@@ -81,7 +99,11 @@ protected:
     [[nodiscard]] const std::atomic<bool>& stopFlag() const;
     bool isKernels(std::uint64_t device);
     void skip(std::string_view operation, std::string path, int number);
-    void fail(const FolderNode& folder, std::string_view operation, int number);
+    /// The folder could not be opened, or not listed to its end. What is no folder any more is none
+    /// of the walk's business.
+    virtual void fail(WalkedFolder& folder, std::string_view operation, int number);
+    /// Before anybody else knows a subfolder of it: these have to be opened by path then.
+    void closeEarly(WalkedFolder& folder);
 
     const FileSystem& m_files;
     WorkCrew m_crew{mostThreads};
