@@ -10,7 +10,7 @@
 
 #include "WindowSteps.h"
 #include "platform/descriptor.h"
-#include "ui/kit/controls/TickBox.h"
+#include "ui/kit/lists/TickBox.h"
 #include "ui/largefiles/FileNodeModel.h"
 #include "ui/largefiles/NewOutlineView.h"
 #include "ui/shell/DuplicateMainWindowController.h"

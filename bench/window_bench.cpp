@@ -32,7 +32,7 @@
 #include "ui/duplicates/DuplicationLeftCell.h"
 #include "ui/duplicates/ResultOutline.h"
 #include "ui/kit/chrome/TCImageWindow.h"
-#include "ui/kit/controls/TickBox.h"
+#include "ui/kit/lists/TickBox.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/shell/DuplicateMainWindowController.h"
 #include "ui/shell/FileIcons.h"

@@ -22,9 +22,10 @@
 #include "ui/kit/controls/Animation.h"
 #include "ui/kit/controls/DragView.h"
 #include "ui/kit/controls/Panel.h"
-#include "ui/kit/controls/TickBox.h"
-#include "ui/kit/controls/TickBoxDelegate.h"
 #include "ui/kit/dialogs/AlertPanel.h"
+#include "ui/kit/lists/RowDelegate.h"
+#include "ui/kit/lists/TickBox.h"
+#include "ui/kit/lists/TickModel.h"
 #include "ui/shell/TitleTab.h"
 
 namespace orrinvale {
@@ -213,20 +214,21 @@ QWidget* ControlSheet::tickRows() const {
     const std::array texts{"User Caches", "User Logs", "Downloads", "Trash"};
     int number = 0;
     for (const char* const text : texts) {
-        auto* const item =
-            new QStandardItem(picture(QStringLiteral("folder")), QLatin1String(text));
-        item->setData(number % 3, Qt::UserRole);
+        auto* const item = new QStandardItem(QLatin1String(text));
+        item->setData(static_cast<int>(CellLook::Name), TickModel::LookRole);
+        item->setData(picture(QStringLiteral("folder")), TickModel::IconRole);
+        item->setData(number % 3, TickModel::StateRole);
         item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
         if (++number == static_cast<int>(texts.size())) item->setEnabled(false);
         model->appendRow(item);
     }
     list->setModel(model);
-    list->setItemDelegate(new TickBoxDelegate(Qt::UserRole, list));
+    list->setItemDelegate(new RowDelegate(list));
     list->setHeaderHidden(true);
     list->setRootIsDecorated(false);
     list->setCurrentIndex(model->index(1, 0));
-    list->setFixedSize(240,
-                       static_cast<int>(texts.size()) * Theme::rowHeight + 2 * list->frameWidth());
+    list->setFixedSize(
+        240, static_cast<int>(texts.size()) * RowDelegate::rowHeight + 2 * list->frameWidth());
     return list;
 }
 

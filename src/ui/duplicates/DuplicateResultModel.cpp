@@ -4,7 +4,6 @@
 #include <fmt/format.h>
 
 #include <QDateTime>
-#include <QIcon>
 #include <QLocale>
 #include <algorithm>
 #include <limits>
@@ -13,11 +12,13 @@
 
 #include "engine/text/UtilityFunction.h"
 #include "ui/kit/controls/numberText.h"
-#include "ui/kit/controls/paintTickBox.h"
-#include "ui/kit/controls/pathText.h"
+#include "ui/kit/lists/columnWidths.h"
 
 namespace orrinvale {
 namespace {
+
+constexpr int countColumnWidth = 64;
+constexpr int sizeColumnWidth = 86;
 
 // Qt keeps what is open in tables by index, and asks them once for each row that it lays out. It
 // files an index under 16 times its row plus its column plus its identifier. With these identifiers
@@ -53,15 +54,54 @@ QStringList specialsOf(const SimpleNodeData& data) {
     return specials;
 }
 
-QString toolTipOf(const SimpleNodeData& data) {
-    return (QStringList(QString::fromStdString(data.name())) + specialsOf(data))
-        .join(QLatin1Char('\n'));
+// The count of a group without some of its copies ticked is known by heart; drawing it puts it
+// right.
+QString countText(const TreeNode& node) {
+    SimpleNodeData& data = *simpleData(node);
+    if (!data.isGroup()) return {};
+    if (data.selectNum() != 2)
+        data.setShowSelectNumStr(fmt::format(
+            "{}/{}", data.selectNum() == 1 ? node.numberOfChildren() : 0, node.numberOfChildren()));
+    return QString::fromStdString(data.showSelectNumStr());
+}
+
+QString nameOf(const TreeNode& node) { return QString::fromStdString(simpleData(node)->name()); }
+
+QIcon iconOf(const TreeNode& node, const DuplicateResultModel::IconSource& icons) {
+    const auto& request = simpleData(node)->iconRep();
+    return request && icons ? icons(*request) : QIcon();
+}
+
+std::vector<TickColumn<TreeNode>> columns(DuplicateResultModel::IconSource icons) {
+    using Model = DuplicateResultModel;
+    return {
+        {.name = Model::tr("Ticked"), .look = CellLook::Box, .width = boxColumnWidth},
+        {.title = Model::tr("Name"),
+         .look = CellLook::PathName,
+         .sortKey = int(SortKey::Name),
+         .text = nameOf,
+         .icon = [icons = std::move(icons)](const TreeNode& node) { return iconOf(node, icons); }},
+        {.title = Model::tr("Selected"), .width = countColumnWidth, .text = countText},
+        {.title = Model::tr("Size"),
+         .look = CellLook::Figure,
+         .width = sizeColumnWidth,
+         .sortKey = int(SortKey::Size),
+         .text =
+             [](const TreeNode& node) {
+                 return shownSize(UtilityFunction::convertVolSpace(simpleData(node)->fileSize()));
+             }},
+        {.title = Model::tr("Modified"),
+         .width = dateColumnWidth(),
+         .sortKey = int(SortKey::Date),
+         .text =
+             [](const TreeNode& node) { return shortDate(simpleData(node)->ModificationDate()); }},
+    };
 }
 
 }  // namespace
 
 DuplicateResultModel::DuplicateResultModel(IconSource icons, BoxClicked boxClicked, QObject* parent)
-    : QAbstractItemModel(parent), m_icons(std::move(icons)), m_boxClicked(std::move(boxClicked)) {}
+    : TickModelOf(columns(std::move(icons)), parent), m_boxClicked(std::move(boxClicked)) {}
 
 void DuplicateResultModel::setTree(TreeNode* tree) {
     beginResetModel();
@@ -107,18 +147,24 @@ void DuplicateResultModel::reorder(const std::function<void()>& change) {
     Q_EMIT layoutChanged();
 }
 
-void DuplicateResultModel::refresh() {
-    if (rowCount() > 0) Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, ColumnCount - 1));
-}
-
-TreeNode::Pointer DuplicateResultModel::node(const QModelIndex& index) const {
+const TreeNode::Pointer* DuplicateResultModel::place(const QModelIndex& index) const {
     if (!index.isValid() || m_tree == nullptr) return nullptr;
     const auto row = static_cast<std::size_t>(index.row());
     const auto groupRow = isTopLevel(index) ? row : static_cast<std::size_t>(groupRowOf(index));
     if (groupRow >= m_tree->numberOfChildren()) return nullptr;
     const TreeNode::Pointer& group = m_tree->childAtIndex(groupRow);
-    if (isTopLevel(index)) return group;
-    return row < group->numberOfChildren() ? group->childAtIndex(row) : nullptr;
+    if (isTopLevel(index)) return &group;
+    return row < group->numberOfChildren() ? &group->childAtIndex(row) : nullptr;
+}
+
+TreeNode::Pointer DuplicateResultModel::node(const QModelIndex& index) const {
+    const TreeNode::Pointer* const found = place(index);
+    return found != nullptr ? *found : nullptr;
+}
+
+TreeNode* DuplicateResultModel::rowAt(const QModelIndex& index) const {
+    const TreeNode::Pointer* const found = place(index);
+    return found != nullptr && simpleData(**found) != nullptr ? found->get() : nullptr;
 }
 
 QModelIndex DuplicateResultModel::index(int row, int column, const QModelIndex& parent) const {
@@ -141,12 +187,6 @@ int DuplicateResultModel::rowCount(const QModelIndex& parent) const {
                : 0;
 }
 
-int DuplicateResultModel::columnCount(const QModelIndex& /*parent*/) const { return ColumnCount; }
-
-bool DuplicateResultModel::hasChildren(const QModelIndex& parent) const {
-    return rowCount(parent) > 0;
-}
-
 Qt::ItemFlags DuplicateResultModel::flags(const QModelIndex& index) const {
     if (!index.isValid()) return Qt::NoItemFlags;
     Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
@@ -155,19 +195,40 @@ Qt::ItemFlags DuplicateResultModel::flags(const QModelIndex& index) const {
     return flags;
 }
 
-QString DuplicateResultModel::text(const TreeNode& node, int column) const {
-    const SimpleNodeData& data = *simpleData(node);
-    switch (column) {
-        case NameColumn: return QString::fromStdString(data.name());
-        case AllSelectNum:
-            return data.isGroup() ? QString::fromStdString(data.showSelectNumStr()) : QString();
-        case FileSize: return shownSize(UtilityFunction::convertVolSpace(data.fileSize()));
-        case ModifyDate: return shortDate(data.ModificationDate());
-        default: return {};
-    }
+std::optional<TickState> DuplicateResultModel::stateOf(const TreeNode& node) const {
+    return tickState(QVariant(simpleData(node)->selectNum()));
 }
 
-QString DuplicateResultModel::sharedFolder(const TreeNode& group) const {
+QString DuplicateResultModel::toolTipOf(const TreeNode& node) const {
+    return (QStringList(nameOf(node)) + specialsOf(*simpleData(node))).join(QLatin1Char('\n'));
+}
+
+QString DuplicateResultModel::descriptionOf(const TreeNode& node) const {
+    return specialsOf(*simpleData(node)).join(QLatin1Char('\n'));
+}
+
+QStringList DuplicateResultModel::signsOf(const TreeNode& node) const {
+    QStringList signs;
+    if (simpleData(node)->isLink()) signs.push_back(QStringLiteral("sign_link"));
+    if (simpleData(node)->hardLinks() > 1) signs.push_back(QStringLiteral("sign_hard_link"));
+    return signs;
+}
+
+bool DuplicateResultModel::isStrong(const TreeNode& node) const {
+    return simpleData(node)->isGroup();
+}
+
+bool DuplicateResultModel::clickBox(const QModelIndex& index) {
+    const TreeNode::Pointer clicked = node(index);
+    if (!clicked || !m_boxClicked) return false;
+    m_boxClicked(clicked, index);
+    return true;
+}
+
+// Of a copy the folder below which all copies of its group lie.
+QString DuplicateResultModel::folderOf(const TreeNode& node) const {
+    if (simpleData(node)->isGroup()) return {};
+    const TreeNode& group = *node.nodeParent();
     const auto [found, isNew] = m_sharedFolders.try_emplace(&group);
     if (!isNew) return found->second;
     std::string_view shared = simpleData(*group.childAtIndex(0))->name();
@@ -179,76 +240,6 @@ QString DuplicateResultModel::sharedFolder(const TreeNode& group) const {
     shared = shared.substr(0, shared.rfind('/') + 1);
     found->second = QString::fromUtf8(shared.data(), qsizetype(shared.size()));
     return found->second;
-}
-
-QVariant DuplicateResultModel::data(const QModelIndex& index, int role) const {
-    const TreeNode::Pointer shown = node(index);
-    SimpleNodeData* const data = shown ? simpleData(*shown) : nullptr;
-    if (data == nullptr) return {};
-    switch (role) {
-        case Qt::DisplayRole:
-            // The count of a group without some of its copies ticked is known by heart; drawing it
-            // puts it right.
-            if (data->isGroup() && index.column() == AllSelectNum && data->selectNum() != 2)
-                data->setShowSelectNumStr(
-                    fmt::format("{}/{}", data->selectNum() == 1 ? shown->numberOfChildren() : 0,
-                                shown->numberOfChildren()));
-            return text(*shown, index.column());
-        case Qt::ToolTipRole: return asToolTip(toolTipOf(*data));
-        case Qt::AccessibleDescriptionRole:
-            return index.column() == NameColumn ? specialsOf(*data).join(QLatin1Char('\n'))
-                                                : QString();
-        case Qt::AccessibleTextRole:
-            return index.column() == Checkbox ? QString::fromStdString(data->name())
-                                              : text(*shown, index.column());
-        case Qt::TextAlignmentRole:
-            return index.column() == FileSize ? QVariant(Qt::AlignRight | Qt::AlignVCenter)
-                                              : QVariant(Qt::AlignLeft | Qt::AlignVCenter);
-        case StateRole:
-            return index.column() == Checkbox ? QVariant(data->selectNum()) : QVariant();
-        case Qt::CheckStateRole:
-            return index.column() == Checkbox
-                       ? QVariant(
-                             static_cast<int>(checkState(tickState(QVariant(data->selectNum())))))
-                       : QVariant();
-        case IsGroupRole: return data->isGroup();
-        case SharedFolderRole:
-            return data->isGroup() ? QString() : sharedFolder(*shown->nodeParent());
-        case LinkRole: return data->isLink();
-        case HardLinksRole: return data->hardLinks();
-        case IconRole:
-            return data->iconRep() && m_icons ? QVariant(m_icons(*data->iconRep())) : QVariant();
-        default: return {};
-    }
-}
-
-bool DuplicateResultModel::setData(const QModelIndex& index, const QVariant& /*value*/, int role) {
-    if (index.column() != Checkbox || (role != StateRole && role != Qt::CheckStateRole))
-        return false;
-    const TreeNode::Pointer clicked = node(index);
-    if (!clicked || !m_boxClicked) return false;
-    // What the state becomes is not the box's to say: the last clear copy of a group asks first.
-    m_boxClicked(clicked, index);
-    return true;
-}
-
-QVariant DuplicateResultModel::headerData(int section, Qt::Orientation orientation,
-                                          int role) const {
-    if (orientation != Qt::Horizontal) return {};
-    if (role == Qt::TextAlignmentRole && section == FileSize)
-        return QVariant(Qt::AlignRight | Qt::AlignVCenter);
-    // Columns of boxes and pictures have no words over them, but a name for those who do not see
-    // them.
-    const bool isNamed = role == Qt::AccessibleTextRole;
-    if (role != Qt::DisplayRole && !isNamed) return {};
-    switch (section) {
-        case Checkbox: return isNamed ? QVariant(tr("Ticked")) : QVariant();
-        case NameColumn: return tr("Name");
-        case AllSelectNum: return tr("Selected");
-        case FileSize: return tr("Size");
-        case ModifyDate: return tr("Modified");
-        default: return {};
-    }
 }
 
 }  // namespace orrinvale

@@ -1,7 +1,7 @@
 // ResultOutline: the tree of groups and copies.
 #pragma once
 
-#include "ui/kit/controls/TickOutline.h"
+#include "ui/kit/lists/TickOutline.h"
 
 namespace orrinvale {
 
@@ -10,8 +10,6 @@ class ResultOutline final : public TickOutline {
     Q_OBJECT
 public:
     explicit ResultOutline(QWidget* parent = nullptr);
-
-    void setModel(QAbstractItemModel* model) override;
 };
 
 }  // namespace orrinvale

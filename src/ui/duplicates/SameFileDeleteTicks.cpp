@@ -12,9 +12,9 @@
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/controls/PictureView.h"
-#include "ui/kit/controls/TickBox.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/dialogs/Dialogs.h"
+#include "ui/kit/lists/TickBox.h"
 
 namespace orrinvale {
 namespace {

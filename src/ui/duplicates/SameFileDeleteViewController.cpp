@@ -29,10 +29,10 @@
 #include "ui/kit/controls/Animation.h"
 #include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/controls/PictureView.h"
-#include "ui/kit/controls/TickBox.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/pathText.h"
 #include "ui/kit/dialogs/LineList.h"
+#include "ui/kit/lists/TickBox.h"
 #include "ui/kit/look/picture.h"
 #include "ui/page/Padlock.h"
 

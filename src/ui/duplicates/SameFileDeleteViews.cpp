@@ -20,16 +20,15 @@
 #include "ui/kit/controls/FolderStart.h"
 #include "ui/kit/controls/Panel.h"
 #include "ui/kit/controls/PictureView.h"
-#include "ui/kit/controls/TickBox.h"
 #include "ui/kit/controls/viewParts.h"
+#include "ui/kit/lists/LeftRail.h"
+#include "ui/kit/lists/TickBox.h"
 #include "ui/kit/look/Theme.h"
-#include "ui/kit/look/accessibleRole.h"
 #include "ui/page/Padlock.h"
 
 namespace orrinvale {
 namespace {
 
-constexpr int leftViewWidth = 188;
 constexpr int imageSide = 64;
 
 // The titles of engine/duplicates/results/ResultViews.h.
@@ -156,23 +155,16 @@ void SameFileDeleteViews::showLoadPathInDetail() {
 }
 
 QWidget* SameFileDeleteViews::makeLeftView(const NotificationCenter& notifications) {
-    leftView = named(new Panel(Theme::Color::SurfaceRaised, Qt::RightEdge), "leftView",
-                     tr("Kinds of files"));
-    leftView->setFixedWidth(leftViewWidth);
-    setAccessibleTraits(*leftView, {.role = QAccessible::List});
-    auto* const column = new QVBoxLayout(leftView);
-    column->setContentsMargins(Theme::gapSmall, Theme::gap, Theme::gapSmall, Theme::gap);
-    column->setSpacing(0);
+    auto* const rail = named(new LeftRail, "leftView", tr("Kinds of files"));
     for (std::size_t row = 0; row < leftCells.size(); ++row) {
         const ResultRow& shown = resultRows.at(row);
         leftCells.at(row) = new DuplicationLeftCell(
             static_cast<std::int32_t>(row), resultRowTitle(row),
             QString::fromUtf8(shown.picture.data(), qsizetype(shown.picture.size())),
             notifications);
-        leftCells.at(row)->setFixedHeight(DuplicationLeftCell::cellHeight);
-        column->addWidget(leftCells.at(row));
+        rail->add(leftCells.at(row));
     }
-    column->addStretch();
+    leftView = rail;
     return leftView;
 }
 

@@ -2,7 +2,7 @@
 // that people read.
 #pragma once
 
-#include "ui/kit/controls/FlatHeader.h"
+#include "ui/kit/lists/FlatHeader.h"
 
 namespace orrinvale {
 

@@ -3,9 +3,9 @@
 #include <QPointer>
 
 #include "ui/kit/chrome/TextImageButton.h"
-#include "ui/kit/controls/TickBox.h"
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/dialogs/failureWords.h"
+#include "ui/kit/lists/TickBox.h"
 #include "ui/largefiles/FileNodeModel.h"
 #include "ui/largefiles/ListFileViewController.h"
 #include "ui/largefiles/ListFileViews.h"

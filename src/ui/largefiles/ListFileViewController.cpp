@@ -15,10 +15,10 @@
 #include "ui/kit/chrome/TCImageButton.h"
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/controls/ElidedLabel.h"
-#include "ui/kit/controls/TickBox.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/pathText.h"
 #include "ui/kit/dialogs/LineList.h"
+#include "ui/kit/lists/TickBox.h"
 #include "ui/largefiles/FileNodeModel.h"
 #include "ui/largefiles/ListFileViews.h"
 #include "ui/largefiles/NewOutlineView.h"
@@ -99,7 +99,6 @@ void ListFileViewController::connectControls() {
     connect(&outline, &TickOutline::menuWanted, this, &Self::showRowMenu);
     connect(&outline, &TickOutline::previewWanted, this,
             [this, &outline] { preview(outline.currentIndex()); });
-    connect(&outline, &NewOutlineView::moreWanted, m_model.get(), &FileNodeModel::showMore);
 }
 
 StateTable ListFileViewController::stateTable() const {

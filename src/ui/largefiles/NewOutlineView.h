@@ -1,7 +1,7 @@
 // NewOutlineView: the list of the large file page, biggest first. FileNodeModel.h is what it shows.
 #pragma once
 
-#include "ui/kit/controls/TickOutline.h"
+#include "ui/kit/lists/TickOutline.h"
 
 namespace orrinvale {
 
@@ -11,18 +11,11 @@ class NewOutlineView final : public TickOutline {
 public:
     explicit NewOutlineView(QWidget* parent = nullptr);
 
-    void setModel(QAbstractItemModel* model) override;
-
     /// No row is highlighted any more; the keyboard stays at the row where it is.
     void clearRowNum();
 
-Q_SIGNALS:
-    /// The end of the rows below this one comes into view.
-    void moreWanted(const QModelIndex& parent);
-
 protected:
     void keyPressEvent(QKeyEvent* event) override;
-    void verticalScrollbarValueChanged(int value) override;
 };
 
 }  // namespace orrinvale

@@ -9,8 +9,8 @@
 #include <QUrl>
 #include <QWindow>
 
-#include "ui/duplicates/PageWindow.h"
-#include "ui/largefiles/LargePage.h"
+#include "ui/support/LargePage.h"
+#include "ui/support/PageWindow.h"
 
 namespace orrinvale {
 namespace {

@@ -16,8 +16,8 @@
 #include "engine/cleaning/QnAuthorization.h"
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/duplicates/DuplicationLeftCell.h"
-#include "ui/duplicates/PageWindow.h"
 #include "ui/kit/chrome/TCImageButton.h"
+#include "ui/support/PageWindow.h"
 
 namespace orrinvale {
 namespace {

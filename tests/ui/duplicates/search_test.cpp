@@ -10,7 +10,7 @@
 #include <algorithm>
 
 #include "ui/duplicates/DuplicationLeftCell.h"
-#include "ui/duplicates/PageWindow.h"
+#include "ui/support/PageWindow.h"
 
 namespace orrinvale {
 namespace {

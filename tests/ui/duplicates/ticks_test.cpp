@@ -11,8 +11,8 @@
 #include <QTreeView>
 
 #include "ui/duplicates/DuplicateResultModel.h"
-#include "ui/duplicates/PageWindow.h"
-#include "ui/kit/controls/TickBox.h"
+#include "ui/kit/lists/TickBox.h"
+#include "ui/support/PageWindow.h"
 
 namespace orrinvale {
 namespace {
@@ -252,7 +252,8 @@ TEST_F(Ticks, TellWhatARemovalWouldGiveBack) {
     on.tick(on.row(group.toStdString(), "/a"));
     EXPECT_EQ(on.textOf("gainLabel"), "Nothing can be gained");
     const QModelIndex b = on.row(group.toStdString(), "/b").siblingAtColumn(Model::NameColumn);
-    EXPECT_EQ(b.data(Model::HardLinksRole).toInt(), 2);
+    EXPECT_EQ(b.data(Model::SignsRole).toStringList(),
+              QStringList{QStringLiteral("sign_hard_link")});
     EXPECT_TRUE(b.data(Qt::ToolTipRole).toString().contains(QStringLiteral("2 names")));
 }
 
@@ -270,8 +271,9 @@ TEST_F(Ticks, WhatLiesElsewhereIsSaidInTheRowAndBeforeARemoval) {
     const auto at = [&](const char* copy) {
         return on.row(name, copy).siblingAtColumn(Model::NameColumn);
     };
-    EXPECT_FALSE(at("/h/a.txt").data(Model::LinkRole).toBool());
-    EXPECT_TRUE(at("/one/c.txt").data(Model::LinkRole).toBool());
+    EXPECT_EQ(at("/h/a.txt").data(Model::SignsRole).toStringList(), QStringList());
+    EXPECT_EQ(at("/one/c.txt").data(Model::SignsRole).toStringList(),
+              QStringList{QStringLiteral("sign_link")});
     EXPECT_TRUE(at("/one/c.txt")
                     .data(Qt::ToolTipRole)
                     .toString()

@@ -11,7 +11,7 @@
 #include <algorithm>
 
 #include "engine/text/Localized.h"
-#include "ui/kit/controls/FlatHeader.h"
+#include "ui/kit/lists/FlatHeader.h"
 #include "ui/kit/look/Theme.h"
 
 namespace orrinvale::testing {

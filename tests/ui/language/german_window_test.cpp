@@ -11,14 +11,14 @@
 
 #include "ui/duplicates/duplicatePage.h"
 #include "ui/kit/chrome/TCImageWindow.h"
-#include "ui/kit/controls/TickOutline.h"
 #include "ui/kit/dialogs/AlertPanel.h"
+#include "ui/kit/lists/TickOutline.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/kit/look/Translations.h"
 #include "ui/language/ShownTexts.h"
-#include "ui/largefiles/LargePage.h"
 #include "ui/preferences/AppPrefsWindowController.h"
-#include "ui/shell/Launched.h"
+#include "ui/support/LargePage.h"
+#include "ui/support/Launched.h"
 
 namespace orrinvale::testing {
 namespace {

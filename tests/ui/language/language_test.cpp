@@ -8,11 +8,11 @@
 #include "engine/text/Localized.h"
 #include "engine/volumes/VolumesManager.h"
 #include "support/TestTree.h"
-#include "ui/duplicates/PageWindow.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/dialogs/failureWords.h"
 #include "ui/kit/look/Translations.h"
+#include "ui/support/PageWindow.h"
 
 namespace orrinvale {
 namespace {

@@ -25,7 +25,6 @@ protected:
             model.node(index)->setIsExpand(true);
             model.refresh();
         });
-        QObject::connect(&view, &NewOutlineView::moreWanted, &model, &FileNodeModel::showMore);
         view.show();
         model.setTree(tree);
     }

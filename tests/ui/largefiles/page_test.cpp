@@ -12,7 +12,7 @@
 #include <atomic>
 
 #include "ui/largefiles/FileNodeModel.h"
-#include "ui/largefiles/LargePage.h"
+#include "ui/support/LargePage.h"
 
 namespace orrinvale {
 namespace {

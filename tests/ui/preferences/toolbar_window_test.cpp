@@ -25,10 +25,10 @@
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/chrome/WindowButton.h"
 #include "ui/kit/controls/DragView.h"
-#include "ui/kit/dialogs/RecordedDialogs.h"
 #include "ui/page/PageServices.h"
 #include "ui/preferences/AppPrefsWindowController.h"
 #include "ui/preferences/PrefsToolbar.h"
+#include "ui/support/RecordedDialogs.h"
 
 namespace orrinvale {
 namespace {

@@ -9,8 +9,8 @@
 #include <sstream>
 
 #include "support/TestTree.h"
-#include "ui/duplicates/PageWindow.h"
 #include "ui/kit/chrome/DesktopSession.h"
+#include "ui/support/PageWindow.h"
 
 namespace orrinvale::testing {
 namespace {

@@ -19,7 +19,7 @@
 #include "ui/page/Page.h"
 #include "ui/preferences/AppPrefsWindowController.h"
 #include "ui/shell/FileManager.h"
-#include "ui/shell/Launched.h"
+#include "ui/support/Launched.h"
 
 namespace orrinvale::testing {
 namespace {

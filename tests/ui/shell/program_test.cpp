@@ -11,10 +11,10 @@
 
 #include "support/SilentSocket.h"
 #include "support/TestTree.h"
-#include "ui/duplicates/PageWindow.h"
 #include "ui/kit/chrome/DesktopSession.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/chrome/TitleBarView.h"
+#include "ui/support/PageWindow.h"
 
 namespace orrinvale {
 namespace {

@@ -20,9 +20,9 @@
 #include "support/TestTree.h"
 #include "ui/kit/chrome/SheetHost.h"
 #include "ui/kit/chrome/TextImageButton.h"
-#include "ui/kit/dialogs/RecordedDialogs.h"
 #include "ui/kit/dialogs/Sheet.h"
 #include "ui/kit/dialogs/WindowDialogs.h"
+#include "ui/support/RecordedDialogs.h"
 
 namespace orrinvale {
 namespace {

@@ -1,5 +1,5 @@
 // PageWindow: see PageWindow.h.
-#include "ui/duplicates/PageWindow.h"
+#include "ui/support/PageWindow.h"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +16,7 @@
 
 #include "engine/cleaning/QnAuthorization.h"
 #include "ui/duplicates/DuplicateResultModel.h"
-#include "ui/kit/controls/TickBoxDelegate.h"
+#include "ui/kit/lists/RowDelegate.h"
 
 namespace orrinvale::testing {
 
@@ -185,7 +185,7 @@ void PageWindow::tick(const QModelIndex& row) {
     option.rect = outline.visualRect(cell);
     EXPECT_TRUE(outline.viewport()->rect().contains(option.rect.center()));
     QTest::mouseClick(outline.viewport(), Qt::LeftButton, {},
-                      TickBoxDelegate::boxRect(option).center());
+                      RowDelegate::boxRect(option).center());
 }
 
 }  // namespace orrinvale::testing

@@ -1,5 +1,5 @@
 // FlatHeader: see FlatHeader.h.
-#include "ui/kit/controls/FlatHeader.h"
+#include "ui/kit/lists/FlatHeader.h"
 
 #include <QMouseEvent>
 #include <QPainter>

@@ -1,9 +1,9 @@
 // AccessibleCell: see AccessibleCell.h.
-#include "ui/kit/controls/AccessibleCell.h"
+#include "ui/kit/lists/AccessibleCell.h"
 
 #include <QHeaderView>
 
-#include "ui/kit/controls/TickOutline.h"
+#include "ui/kit/lists/TickOutline.h"
 
 namespace orrinvale {
 

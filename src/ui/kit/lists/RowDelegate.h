@@ -1,23 +1,22 @@
-// TickBoxDelegate: the cell of a list with a tick box and a label beside it. TickBox is its brother
+// RowDelegate: draws the cells of a TickModel, and lets one tick its boxes. TickBox is the box
 // outside of lists.
 #pragma once
 
 #include <QPersistentModelIndex>
 #include <QStyledItemDelegate>
 
-#include "ui/kit/controls/paintTickBox.h"
-
 namespace orrinvale {
 
-/// Reads a TickState's number from a role of the model; a cell without one has no box. A click
-/// inside the box, and the space bar in the current cell, set the toggled number in that role when
-/// the flags have Qt::ItemIsEnabled and Qt::ItemIsUserCheckable; the model decides what becomes of
-/// it. A click on the label selects the row as any other. For screen readers the model also answers
-/// Qt::CheckStateRole, see checkState(). Main thread only.
-class TickBoxDelegate final : public QStyledItemDelegate {
+/// Each cell is drawn by what the model answers to the roles of TickModel; a cell without a state
+/// has no box. A click inside the box, and the space bar in the current cell, set the toggled state
+/// when the flags have Qt::ItemIsEnabled and Qt::ItemIsUserCheckable; the model decides what
+/// becomes of it. A click beside the box selects the row as any other. Main thread only.
+class RowDelegate final : public QStyledItemDelegate {
     Q_OBJECT
 public:
-    explicit TickBoxDelegate(int stateRole, QObject* parent = nullptr);
+    static constexpr int rowHeight = 34, iconSide = 22, signSide = 16, buttonSide = 18;
+
+    using QStyledItemDelegate::QStyledItemDelegate;
 
     /// Where the box lies in a cell, and what of the cell counts as the box for a click.
     [[nodiscard]] static QRect boxRect(const QStyleOptionViewItem& option);
@@ -33,15 +32,11 @@ protected:
                      const QModelIndex& index) override;
 
 private:
-    [[nodiscard]] bool hasBox(const QModelIndex& index) const {
-        return index.data(m_stateRole).isValid();
-    }
     bool mouseEvent(const QEvent& event, QPoint position, QAbstractItemModel& model,
                     const QStyleOptionViewItem& option, const QModelIndex& index);
-    bool toggle(QAbstractItemModel& model, const QModelIndex& index) const;
-    void paintLabel(QPainter& painter, const QStyleOptionViewItem& option, bool isBoxed) const;
+    void drawBox(QPainter& painter, const QStyleOptionViewItem& option,
+                 const QModelIndex& index) const;
 
-    const int m_stateRole;
     QPersistentModelIndex m_pressed;  // the cell whose box the button went down in
 };
 

@@ -1,5 +1,5 @@
 // LargePage: see LargePage.h.
-#include "ui/largefiles/LargePage.h"
+#include "ui/support/LargePage.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@
 #include <QPlainTextEdit>
 #include <QTest>
 
-#include "ui/kit/controls/TickBoxDelegate.h"
+#include "ui/kit/lists/RowDelegate.h"
 #include "ui/largefiles/FileNodeModel.h"
 
 namespace orrinvale::testing {
@@ -88,7 +88,7 @@ void LargePage::clickCell(const std::string& name, int column) {
     QStyleOptionViewItem option;
     option.rect = outline().visualRect(cell);
     const QPoint place = column == FileNodeModel::CheckBox
-                             ? TickBoxDelegate::boxRect(option).center()
+                             ? RowDelegate::boxRect(option).center()
                              : option.rect.center();
     EXPECT_TRUE(outline().viewport()->rect().contains(place));
     QTest::mouseClick(outline().viewport(), Qt::LeftButton, {}, place);

@@ -13,9 +13,9 @@
 #include "engine/text/UtilityFunction.h"
 #include "platform/fake/FakeMountChanges.h"
 #include "platform/fake/FakeVolumes.h"
-#include "ui/duplicates/PageWindow.h"
 #include "ui/shell/AppDelegate.h"
 #include "ui/shell/ApplicationMenu.h"
+#include "ui/support/PageWindow.h"
 
 namespace orrinvale::testing {
 

@@ -1,5 +1,5 @@
 // TickBox: see TickBox.h.
-#include "ui/kit/controls/TickBox.h"
+#include "ui/kit/lists/TickBox.h"
 
 #include <QPainter>
 #include <QStyle>

@@ -1,5 +1,5 @@
 // TickOutline: see TickOutline.h.
-#include "ui/kit/controls/TickOutline.h"
+#include "ui/kit/lists/TickOutline.h"
 
 #include <QAccessible>
 #include <QContextMenuEvent>
@@ -7,10 +7,11 @@
 #include <QKeyEvent>
 #include <QPainter>
 
-#include "ui/kit/controls/AccessibleOutline.h"
-#include "ui/kit/controls/FlatHeader.h"
-#include "ui/kit/controls/TickBox.h"
-#include "ui/kit/controls/TickBoxDelegate.h"
+#include "ui/kit/lists/AccessibleOutline.h"
+#include "ui/kit/lists/FlatHeader.h"
+#include "ui/kit/lists/RowDelegate.h"
+#include "ui/kit/lists/TickBox.h"
+#include "ui/kit/lists/columnWidths.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/kit/look/accessibleRole.h"
 #include "ui/kit/look/picture.h"
@@ -19,11 +20,13 @@ namespace orrinvale {
 namespace {
 
 constexpr int chevronSide = 14;
+// So many rows before the end the next ones are shown, so that nobody runs into the end by
+// scrolling.
+constexpr int rowsAhead = 200;
 
 }  // namespace
 
-TickOutline::TickOutline(BoxColumn boxes, FlatHeader* header, QWidget* parent)
-    : QTreeView(parent), m_boxes(boxes) {
+TickOutline::TickOutline(FlatHeader* header, QWidget* parent) : QTreeView(parent) {
     installAccessibleOutline();
     renewAccessible(*this);
     setHeader(header);
@@ -39,7 +42,7 @@ TickOutline::TickOutline(BoxColumn boxes, FlatHeader* header, QWidget* parent)
     setIndentation(20);
     setFrameShape(NoFrame);
     setVerticalScrollMode(ScrollPerPixel);
-    setItemDelegateForColumn(m_boxes.column, new TickBoxDelegate(m_boxes.stateRole, this));
+    setItemDelegate(new RowDelegate(this));
     header->setSortIndicatorShown(false);
     header->setStretchLastSection(false);
     header->setHighlightSections(false);
@@ -61,9 +64,35 @@ void TickOutline::followTheme() {
     setPalette(colors);
 }
 
+void TickOutline::setModel(QAbstractItemModel* model) {
+    QTreeView::setModel(model);
+    m_rows = qobject_cast<TickModel*>(model);
+    if (m_rows != nullptr) layOutColumns();
+}
+
+void TickOutline::layOutColumns() {
+    setTreePosition(m_rows->nameColumn());
+    QHeaderView& columns = *header();
+    for (int column = 0; column < m_rows->columnCount(); ++column) {
+        const int width = m_rows->columnWidth(column);
+        // Columns that can be clicked on can be pulled wider too.
+        columns.setSectionResizeMode(column,
+                                     width == 0 ? QHeaderView::Stretch
+                                     : columns.sectionsClickable() && column != m_rows->boxColumn()
+                                         ? QHeaderView::Interactive
+                                         : QHeaderView::Fixed);
+        if (width != 0) columns.resizeSection(column, width);
+    }
+    placeHeaderBox();
+}
+
 void TickOutline::placeHeaderBox() {
+    const int column = m_rows != nullptr ? m_rows->boxColumn() : -1;
+    const bool isAlone = column >= 0 && m_rows->look(column) == CellLook::Box;
+    m_headerBox->setVisible(isAlone);
+    if (!isAlone) return;
     const QSize size = m_headerBox->sizeHint();
-    const int left = header()->sectionViewportPosition(m_boxes.column);
+    const int left = header()->sectionViewportPosition(column);
     // In one line with the boxes of the rows, whose halo reaches out to the same left.
     m_headerBox->setGeometry(left + Theme::gapTiny - tickBoxHalo,
                              (header()->height() - size.height()) / 2, size.width(), size.height());
@@ -71,10 +100,12 @@ void TickOutline::placeHeaderBox() {
 
 void TickOutline::dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight,
                               const QList<int>& roles) {
-    // More than one cell: the models speak of the top level and mean all that stands below it too.
+    // More than one cell, or one with rows below it: the models speak of the top level and mean all
+    // that stands below it too.
     // The base class would draw the rows named and no others, and look both up among all that are
     // open, which took 45 ms of 260,000; no row changes its height here.
-    if (topLeft != bottomRight) viewport()->update();
+    if (topLeft != bottomRight || model()->hasChildren(topLeft.siblingAtColumn(0)))
+        viewport()->update();
     else QTreeView::dataChanged(topLeft, bottomRight, roles);
     if (QAccessible::isActive() && hasFocus()) tellOfBox();
 }
@@ -84,11 +115,11 @@ void TickOutline::tellOfBox() const {
     const QModelIndex current = currentIndex();
     QAccessibleInterface* const list =
         QAccessible::queryAccessibleInterface(const_cast<TickOutline*>(this));
-    if (!current.isValid() || list == nullptr) return;
+    if (!current.isValid() || list == nullptr || m_rows == nullptr) return;
     QAccessible::State changed;
     changed.checked = true;
     QAccessibleStateChangeEvent event(
-        list->child((openRow(current) + 1) * model()->columnCount() + m_boxes.column), changed);
+        list->child((openRow(current) + 1) * m_rows->columnCount() + m_rows->boxColumn()), changed);
     QAccessible::updateAccessibility(&event);
 }
 
@@ -117,7 +148,7 @@ QModelIndex TickOutline::indexOfOpenRow(int row, int column) const {
 }
 
 void TickOutline::toggleBox(const QModelIndex& index) {
-    model()->setData(index.siblingAtColumn(m_boxes.column), {}, m_boxes.stateRole);
+    m_rows->setData(index.siblingAtColumn(m_rows->boxColumn()), {}, TickModel::StateRole);
 }
 
 void TickOutline::keyPressEvent(QKeyEvent* event) {
@@ -152,6 +183,17 @@ void TickOutline::drawRow(QPainter* painter, const QStyleOptionViewItem& option,
         index.parent() != current.parent())
         return;
     drawFocusRing(*painter, QRectF(option.rect).adjusted(1, 1, -1, -1), Theme::radiusSmall);
+}
+
+void TickOutline::verticalScrollbarValueChanged(int value) {
+    QTreeView::verticalScrollbarValueChanged(value);
+    if (m_rows == nullptr) return;
+    QList<QPersistentModelIndex> ending;  // showing more moves rows
+    for (QModelIndex index = indexAt(viewport()->rect().bottomLeft()); index.isValid();
+         index = index.parent())
+        if (index.row() + rowsAhead >= m_rows->rowCount(index.parent()))
+            ending.push_back(index.parent());
+    for (const QPersistentModelIndex& level : ending) m_rows->showMore(level);
 }
 
 void TickOutline::drawBranches(QPainter* painter, const QRect& rect,

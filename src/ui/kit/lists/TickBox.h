@@ -1,10 +1,10 @@
 // TickBox: a tick box with three states beside a text, for headers and forms. Rows of lists have
-// TickBoxDelegate.
+// RowDelegate.
 #pragma once
 
 #include <QCheckBox>
 
-#include "ui/kit/controls/paintTickBox.h"
+#include "ui/kit/lists/paintTickBox.h"
 
 namespace orrinvale {
 

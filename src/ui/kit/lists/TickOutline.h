@@ -1,10 +1,12 @@
-// TickOutline: a tree of rows that are ticked, with the keys of such a list and a box over the
+// TickOutline: a list or tree of a TickModel, with the keys of such a list and a box over the
 // column of boxes.
 #pragma once
 
+#include <QPointer>
 #include <QTreeView>
 
 #include "ui/kit/chrome/buttonLook.h"
+#include "ui/kit/lists/TickModel.h"
 
 namespace orrinvale {
 
@@ -16,16 +18,13 @@ class TickBox;
 class TickOutline : public QTreeView {
     Q_OBJECT
 public:
-    /// Where the boxes of a row are.
-    struct BoxColumn {
-        int column = 0;
-        int stateRole = Qt::UserRole;
-    };
-    static constexpr int boxColumnWidth = 34;
-
-    /// Owns the header, in which the box that ticks everything lies; it has no title of its own.
-    TickOutline(BoxColumn boxes, FlatHeader* header, QWidget* parent);
+    /// Owns the header, in which the box that ticks everything lies, over boxes that have a column
+    /// of their own.
+    TickOutline(FlatHeader* header, QWidget* parent);
     ~TickOutline() override;
+
+    /// Only a TickModel, whose table of columns this lays out.
+    void setModel(QAbstractItemModel* model) override;
 
     [[nodiscard]] TickBox* headerBox() const { return m_headerBox; }
 
@@ -48,7 +47,6 @@ public Q_SLOTS:
                      const QList<int>& roles) override;
 
 protected:
-    void placeHeaderBox();
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
@@ -56,12 +54,15 @@ protected:
                  const QModelIndex& index) const override;
     void drawBranches(QPainter* painter, const QRect& rect,
                       const QModelIndex& index) const override;
+    void verticalScrollbarValueChanged(int value) override;
 
 private:
     void followTheme();
+    void layOutColumns();
+    void placeHeaderBox();
     void tellOfBox() const;
 
-    const BoxColumn m_boxes;
+    QPointer<TickModel> m_rows;
     KeyboardFocus m_keyboardFocus;
     TickBox* m_headerBox = nullptr;
 };

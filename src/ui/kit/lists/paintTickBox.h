@@ -1,5 +1,5 @@
 // paintTickBox: the three states of a selection and their one drawing, shared by TickBox and
-// TickBoxDelegate.
+// RowDelegate.
 #pragma once
 
 #include <QRect>

@@ -13,14 +13,15 @@
 
 #include <set>
 
-#include "ui/kit/controls/TickBox.h"
-#include "ui/kit/controls/TickBoxDelegate.h"
+#include "ui/kit/lists/RowDelegate.h"
+#include "ui/kit/lists/TickBox.h"
+#include "ui/kit/lists/TickModel.h"
 #include "ui/kit/look/Theme.h"
 
 namespace orrinvale {
 namespace {
 
-constexpr int stateRole = Qt::UserRole + 7;
+constexpr int stateRole = TickModel::StateRole;
 
 TEST(TickBox, ClicksAndKeysToggleAndSomeBecomesAll) {
     TickBox box(QStringLiteral("Select all"));
@@ -98,7 +99,7 @@ protected:
         cell.direction = GetParam();
         return cell;
     }
-    QPoint box(int row) const { return TickBoxDelegate::boxRect(option(row)).center(); }
+    QPoint box(int row) const { return RowDelegate::boxRect(option(row)).center(); }
     QPoint besideTheBox(int row) const {
         return box(row) + QPoint(GetParam() == Qt::LeftToRight ? 18 : -18, 0);
     }
@@ -108,11 +109,11 @@ protected:
 
     QStandardItemModel model;
     QTreeView view;
-    TickBoxDelegate delegate{stateRole};
+    RowDelegate delegate;
 };
 
 TEST_P(TickTree, OnlyTheBoxToggles) {
-    ASSERT_TRUE(TickBoxDelegate::hitRect(option(Clear)).contains(box(Clear)));
+    ASSERT_TRUE(RowDelegate::hitRect(option(Clear)).contains(box(Clear)));
     const struct {
         Row row;
         int first, second;  // after one click and after two
@@ -169,7 +170,7 @@ TEST_P(TickTree, IsDrawnWithinItsRow) {
     EXPECT_NE(cellImage(Clear), cellImage(Ticked));
     EXPECT_NE(cellImage(Clear), cellImage(Disabled));
     EXPECT_NE(cellImage(Clear), cellImage(Boxless));
-    EXPECT_TRUE(view.visualRect(at(Clear)).contains(TickBoxDelegate::hitRect(option(Clear))));
+    EXPECT_TRUE(view.visualRect(at(Clear)).contains(RowDelegate::hitRect(option(Clear))));
     const int middle = view.visualRect(at(Clear)).center().x();
     view.header()->resizeSection(0, 200);
     EXPECT_EQ(box(Clear).x() < view.visualRect(at(Clear)).center().x(),

@@ -12,7 +12,7 @@
 
 #include "engine/largefiles/Controller.h"
 #include "services/foundation/QtMainQueue.h"
-#include "ui/duplicates/PageWindow.h"
+#include "ui/support/PageWindow.h"
 
 namespace orrinvale::testing {
 

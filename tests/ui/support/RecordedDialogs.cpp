@@ -1,5 +1,5 @@
 // RecordedDialogs: see RecordedDialogs.h.
-#include "ui/kit/dialogs/RecordedDialogs.h"
+#include "ui/support/RecordedDialogs.h"
 
 #include <gtest/gtest.h>
 

@@ -1,16 +1,16 @@
 // AccessibleOutline: see AccessibleOutline.h. Children are counted as the toolkit counts them in
 // its events: the header's cells first, then those of the open rows from top to bottom. The box
 // over the list, which lies in the header, comes last.
-#include "ui/kit/controls/AccessibleOutline.h"
+#include "ui/kit/lists/AccessibleOutline.h"
 
 #include <QAccessibleWidget>
 #include <QHeaderView>
 #include <map>
 #include <utility>
 
-#include "ui/kit/controls/AccessibleCell.h"
-#include "ui/kit/controls/TickBox.h"
-#include "ui/kit/controls/TickOutline.h"
+#include "ui/kit/lists/AccessibleCell.h"
+#include "ui/kit/lists/TickBox.h"
+#include "ui/kit/lists/TickOutline.h"
 
 namespace orrinvale {
 namespace {

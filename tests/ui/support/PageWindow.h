@@ -18,9 +18,9 @@
 #include "services/foundation/QtMainQueue.h"
 #include "support/TestTree.h"
 #include "ui/kit/chrome/TCImageWindow.h"
-#include "ui/kit/dialogs/RecordedDialogs.h"
 #include "ui/shell/DuplicateMainWindowController.h"
 #include "ui/shell/FileIcons.h"
+#include "ui/support/RecordedDialogs.h"
 
 namespace orrinvale::testing {
 

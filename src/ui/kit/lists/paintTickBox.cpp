@@ -1,5 +1,5 @@
 // paintTickBox: see paintTickBox.h.
-#include "ui/kit/controls/paintTickBox.h"
+#include "ui/kit/lists/paintTickBox.h"
 
 #include <QPainter>
 #include <QVariant>

@@ -1,0 +1,34 @@
+// LeftRail: the list at the left of a page, of which one row is chosen.
+#pragma once
+
+#include <vector>
+
+#include "ui/kit/controls/Panel.h"
+
+namespace orrinvale {
+
+class LeftRow;
+
+/// Chosen rows are told, and not selected by that: the page may not follow. Main thread only.
+class LeftRail final : public Panel {
+    Q_OBJECT
+public:
+    static constexpr int railWidth = 188;
+
+    explicit LeftRail(QWidget* parent = nullptr);
+
+    /// Owns the row, which comes below the others.
+    void add(LeftRow* row);
+    [[nodiscard]] LeftRow& row(int number) const { return *m_rows.at(std::size_t(number)); }
+
+    /// Selects this row and no other.
+    void select(int number);
+
+Q_SIGNALS:
+    void chosen(int number);
+
+private:
+    std::vector<LeftRow*> m_rows;
+};
+
+}  // namespace orrinvale

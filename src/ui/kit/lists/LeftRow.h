@@ -1,0 +1,64 @@
+// LeftRow: one row of a LeftRail: a picture, a title, a size at its end, and a box where a page
+// ticks by it.
+#pragma once
+
+#include <QWidget>
+#include <optional>
+
+#include "ui/kit/lists/paintTickBox.h"
+
+namespace orrinvale {
+
+class TickBox;
+
+/// A click, Enter, and the space bar choose it; with a box the space bar ticks. Up and down go to
+/// the rows beside it. Main thread only.
+class LeftRow : public QWidget {
+    Q_OBJECT
+public:
+    struct Content {
+        QString title;
+        QString picture;  ///< its name, see picture.h
+        bool isStrong = false;
+        int height = 36;
+    };
+
+    explicit LeftRow(const Content& content, QWidget* parent = nullptr);
+
+    [[nodiscard]] const QString& title() const { return m_content.title; }
+    [[nodiscard]] const QString& sizeText() const { return m_size; }
+    void setSizeText(const QString& text);
+
+    [[nodiscard]] bool isSelected() const { return m_isSelected; }
+    void setSelected(bool isSelected);
+
+    /// A box before the picture; none to begin with. What a click makes of it is the page's to say.
+    void setBox(TickState state);
+    /// None where there is no box.
+    [[nodiscard]] std::optional<TickState> box() const;
+
+    [[nodiscard]] QSize sizeHint() const override { return {188, m_content.height}; }
+
+Q_SIGNALS:
+    void chosen();
+    void boxClicked();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void placeBox();
+    void clickBox();
+    void drawWords(QPainter& painter, QRect place) const;
+
+    const Content m_content;
+    QString m_size;
+    bool m_isSelected = false;
+    TickBox* m_box = nullptr;
+    TickState m_state = TickState::Nothing;
+};
+
+}  // namespace orrinvale
