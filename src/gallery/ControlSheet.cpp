@@ -220,7 +220,11 @@ QWidget* ControlSheet::tickRows() const {
         item->setData(number % 3, TickModel::StateRole);
         item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
         if (++number == static_cast<int>(texts.size())) item->setEnabled(false);
-        model->appendRow(item);
+        auto* const size = new QStandardItem(QStringLiteral("%1 MB").arg(number * 90));
+        size->setData(static_cast<int>(CellLook::Figure), TickModel::LookRole);
+        size->setData(number / 4.0, TickModel::ShareRole);
+        size->setEnabled(item->isEnabled());
+        model->appendRow({item, size});
     }
     list->setModel(model);
     list->setItemDelegate(new RowDelegate(list));
@@ -228,17 +232,18 @@ QWidget* ControlSheet::tickRows() const {
     list->setRootIsDecorated(false);
     list->setCurrentIndex(model->index(1, 0));
     list->setFixedSize(
-        240, static_cast<int>(texts.size()) * RowDelegate::rowHeight + 2 * list->frameWidth());
+        320, static_cast<int>(texts.size()) * RowDelegate::rowHeight + 2 * list->frameWidth());
     return list;
 }
 
 QWidget* ControlSheet::leftRows() const {
-    const auto row = [this](std::int32_t number, bool isSelected) {
+    const auto row = [this](std::int32_t number, bool isSelected, bool hasBox = false) {
         return [=, this] {
             auto* const cell = new DuplicationLeftCell(number, QStringLiteral("Documents"),
                                                        QStringLiteral("ic_doc"), m_notifications);
             cell->setSizeTextFieldString(QStringLiteral("812.20 MB"));
             cell->setHiglightImage(isSelected);
+            if (hasBox) cell->setBox(TickState::Some);
             cell->resize(cell->sizeHint().width(), DuplicationLeftCell::cellHeight);
             return cell;
         };
@@ -247,6 +252,8 @@ QWidget* ControlSheet::leftRows() const {
         {withCaption(QStringLiteral("normal"), new Portrait(row(1, false), ControlState::Normal)),
          withCaption(QStringLiteral("hover"), new Portrait(row(1, false), ControlState::Hover)),
          withCaption(QStringLiteral("selected"), new Portrait(row(1, true), ControlState::Normal)),
+         withCaption(QStringLiteral("with a box"),
+                     new Portrait(row(1, false, true), ControlState::Normal)),
          withCaption(QStringLiteral("focused"),
                      new Portrait(row(1, true), ControlState::Focused))});
 }

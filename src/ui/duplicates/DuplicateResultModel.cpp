@@ -73,16 +73,19 @@ QIcon iconOf(const TreeNode& node, const DuplicateResultModel::IconSource& icons
 }
 
 std::vector<TickColumn<TreeNode>> columns(DuplicateResultModel::IconSource icons) {
-    using Model = DuplicateResultModel;
     return {
-        {.name = Model::tr("Ticked"), .look = CellLook::Box, .width = boxColumnWidth},
-        {.title = Model::tr("Name"),
+        {.name = DuplicateResultModel::tr("Ticked"),
+         .look = CellLook::Box,
+         .width = boxColumnWidth},
+        {.title = DuplicateResultModel::tr("Name"),
          .look = CellLook::PathName,
          .sortKey = int(SortKey::Name),
          .text = nameOf,
          .icon = [icons = std::move(icons)](const TreeNode& node) { return iconOf(node, icons); }},
-        {.title = Model::tr("Selected"), .width = countColumnWidth, .text = countText},
-        {.title = Model::tr("Size"),
+        {.title = DuplicateResultModel::tr("Selected"),
+         .width = countColumnWidth,
+         .text = countText},
+        {.title = DuplicateResultModel::tr("Size"),
          .look = CellLook::Figure,
          .width = sizeColumnWidth,
          .sortKey = int(SortKey::Size),
@@ -90,7 +93,7 @@ std::vector<TickColumn<TreeNode>> columns(DuplicateResultModel::IconSource icons
              [](const TreeNode& node) {
                  return shownSize(UtilityFunction::convertVolSpace(simpleData(node)->fileSize()));
              }},
-        {.title = Model::tr("Modified"),
+        {.title = DuplicateResultModel::tr("Modified"),
          .width = dateColumnWidth(),
          .sortKey = int(SortKey::Date),
          .text =

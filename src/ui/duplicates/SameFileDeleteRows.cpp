@@ -56,23 +56,18 @@ void SameFileDeleteViewController::didClickTableColumn(int column) {
 }
 
 void SameFileDeleteViewController::sortTree(int column) {
-    using Model = DuplicateResultModel;
-    const bool isSortable =
-        column == Model::NameColumn || column == Model::FileSize || column == Model::ModifyDate;
+    const std::optional<int> key = m_model->sortKey(column);
     auto& sorting = m_sortings.at(static_cast<std::size_t>(m_remberWitchSelect));
     sorting.reset();
-    if (isSortable) sorting = {column, m_sortDescending ? Qt::DescendingOrder : Qt::AscendingOrder};
+    if (key) sorting = {column, m_sortDescending ? Qt::DescendingOrder : Qt::AscendingOrder};
     showSortIndicator();
-    if (!isSortable || m_treeData == nullptr) return;
+    if (!key || m_treeData == nullptr) return;
     finishSorting();  // equal keys keep the order of the sort before
-    const SortKey key = column == Model::NameColumn ? SortKey::Name
-                        : column == Model::FileSize ? SortKey::Size
-                                                    : SortKey::Date;
     const QModelIndex current = m_views->outline->currentIndex();
     const TreeNode::Pointer chosen =
         m_model->node(current.parent().isValid() ? current.parent() : current);
     m_model->reorder([&] {
-        m_leafSort.begin(*m_treeData, key, m_sortDescending);
+        m_leafSort.begin(*m_treeData, static_cast<SortKey>(*key), m_sortDescending);
         // The view remembers the chosen row by its place, and nothing of other groups.
         if (chosen) m_leafSort.sortNow(*chosen);
         // A small result is sorted when the click is over.

@@ -39,32 +39,31 @@ QIcon iconOf(const FileNode& node, const FileNodeModel::IconSource& icons) {
 }
 
 std::vector<TickColumn<FileNode>> columns(FileNodeModel::IconSource icons) {
-    using Model = FileNodeModel;
     return {
-        {.name = Model::tr("Ticked"), .look = CellLook::Box, .width = boxColumnWidth},
-        {.title = Model::tr("Name"),
+        {.name = FileNodeModel::tr("Ticked"), .look = CellLook::Box, .width = boxColumnWidth},
+        {.title = FileNodeModel::tr("Name"),
          .look = CellLook::Name,
          .text = [](const FileNode& node) { return QString::fromStdString(node.displayName()); },
          .icon = [icons = std::move(icons)](const FileNode& node) { return iconOf(node, icons); }},
-        {.title = Model::tr("Size"),
+        {.title = FileNodeModel::tr("Size"),
          .look = CellLook::Figure,
          .width = sizeColumnWidth,
          .text = [](const FileNode& node) { return sizeText(node.size()); },
          .toolTip = sizeToolTip},
-        {.title = Model::tr("Path"),
+        {.title = FileNodeModel::tr("Path"),
          .look = CellLook::Path,
          .text = [](const FileNode& node) { return QString::fromStdString(node.path()); }},
-        {.name = Model::tr("Show in Folder"),
+        {.name = FileNodeModel::tr("Show in Folder"),
          .look = CellLook::Button,
          .width = boxColumnWidth,
-         .toolTip = [](const FileNode& /*node*/) { return Model::tr("Show in Folder"); },
+         .toolTip = [](const FileNode& /*node*/) { return FileNodeModel::tr("Show in Folder"); },
          .icon = [](const FileNode& /*node*/) { return picture(QStringLiteral("locate")); }},
-        {.name = Model::tr("Preview"),
+        {.name = FileNodeModel::tr("Preview"),
          .look = CellLook::Button,
          .width = boxColumnWidth,
          .toolTip =
              [](const FileNode& node) {
-                 return node.isDirectory() ? QString() : Model::tr("Preview");
+                 return node.isDirectory() ? QString() : FileNodeModel::tr("Preview");
              },
          .icon =
              [](const FileNode& node) {

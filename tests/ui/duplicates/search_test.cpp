@@ -45,7 +45,11 @@ TEST(DuplicatePage, StartsWithTheFirstViewAndEverythingNamed) {
     PageWindow on;
     EXPECT_TRUE(on.isShown("fristView") && on.isShown("pathChoseBtn"));
     EXPECT_FALSE(on.isShown("searchBtn")) << "a search starts with the folder";
-    EXPECT_EQ(on.control<QLabel>("progress").text(), QStringLiteral("0%"));
+    EXPECT_EQ(on.textOf("progress"), "0%");
+    for (const char* const stop : {"pathChoseBtn", "animationHoverImageView"}) {
+        QTest::keyClick(on.window->window(), Qt::Key_Tab);
+        EXPECT_EQ(QApplication::focusWidget(), &on.control(stop)) << "what one came for is first";
+    }
     const std::pair<const char*, const char*> toolTips[] = {
         {"pathChoseBtn", "Select scan path"},
         {"searchBtn", "Scan"},
@@ -70,14 +74,6 @@ TEST(DuplicatePage, StartsWithTheFirstViewAndEverythingNamed) {
         }
 }
 
-TEST(DuplicatePage, TheFirstTabStopsAtWhatOneCameFor) {
-    PageWindow on;
-    QTest::keyClick(on.window->window(), Qt::Key_Tab);
-    EXPECT_EQ(QApplication::focusWidget(), &on.control("pathChoseBtn"));
-    QTest::keyClick(on.window->window(), Qt::Key_Tab);
-    EXPECT_EQ(QApplication::focusWidget(), &on.control("animationHoverImageView"));
-}
-
 TEST(DuplicatePage, ASearchRunsOnWhateverTheWindowDoes) {
     PageWindow on;
     // 26 characters are cut, 25 are not.
@@ -90,9 +86,7 @@ TEST(DuplicatePage, ASearchRunsOnWhateverTheWindowDoes) {
     const auto observation = on.notifications.addObserver(
         "changeViewActionForDuplicate", [&](const Notification&) { ++firstEnds; });
 
-    on.reading.shut();
-    on.drop(folder);
-    ASSERT_TRUE(on.waitFor([&] { return on.reading.isWaitedAt(); }));
+    ASSERT_TRUE(on.holdSearch(folder));
     EXPECT_TRUE(on.isShown("progressageView") && on.isShown("stopScanBtn") &&
                 on.isShown("animation"));
     EXPECT_FALSE(on.isShown("fristView") || on.isShown("detailView"));
@@ -123,27 +117,22 @@ TEST(DuplicatePage, ASearchRunsOnWhateverTheWindowDoes) {
     EXPECT_TRUE(on.control<QTreeView>("outline").isExpanded(on.model().index(0, 0)));
     EXPECT_EQ(on.window->window()->focusWidget(), &on.control("outline"));
     EXPECT_FALSE(on.isShown("quietLine") || on.isShown("stopRemoveBtn") || on.isShown("emptyView"));
-    EXPECT_FALSE(on.control("stopBtn").isEnabled());
+    EXPECT_FALSE(on.isEnabled("stopBtn"));
     EXPECT_EQ(sizes(on),
               "All 42.00 KB*|Documents 2.00 KB|Videos 4.00 KB|Music 6.00 KB|Archives 8.00 KB|"
               "Pictures 10.00 KB|Others 12.00 KB|");
 
-    const struct {
-        const char* cell;
-        std::string list, title;
-    } rows[] = {
-        {"leftCell1", "d.PDF 0 0/2: ..\n", "2 files in Documents, selected 0 files in All."},
-        {"leftCell2", "v.mkv 0 0/2: ..\n", "2 files in Videos, selected 0 files in All."},
-        {"leftCell3", "m.mp3 0 0/2: ..\n", "2 files in Music, selected 0 files in All."},
-        {"leftCell4", "z.zip 0 0/2: ..\n", "2 files in Archives, selected 0 files in All."},
-        {"leftCell5", "p.jpg 0 0/2: ..\n", "2 files in Pictures, selected 0 files in All."},
-        {"leftCell6", "o.bin 0 0/2: ..\n", "2 files in Others, selected 0 files in All."},
-    };
-    for (const auto& each : rows) {
-        on.click(each.cell);
-        EXPECT_EQ(on.list(), each.list) << each.cell;
-        EXPECT_EQ(on.textOf("titleLabel"), each.title);
-        EXPECT_TRUE(on.control<DuplicationLeftCell>(each.cell).isSelected());
+    const std::pair<const char*, const char*> kinds[] = {
+        {"d.PDF", "Documents"}, {"v.mkv", "Videos"},   {"m.mp3", "Music"},
+        {"z.zip", "Archives"},  {"p.jpg", "Pictures"}, {"o.bin", "Others"}};
+    for (int row = 1; row <= 6; ++row) {
+        const auto& [file, kind] = kinds[row - 1];
+        const std::string cell = "leftCell" + std::to_string(row);
+        on.click(cell.c_str());
+        EXPECT_EQ(on.list(), std::string(file) + " 0 0/2: ..\n");
+        EXPECT_EQ(on.textOf("titleLabel"),
+                  std::string("2 files in ") + kind + ", selected 0 files in All.");
+        EXPECT_TRUE(on.control<DuplicationLeftCell>(cell.c_str()).isSelected());
         EXPECT_FALSE(on.control<DuplicationLeftCell>("leftCell0").isSelected());
     }
     QTest::keyClick(&on.control("leftCell0"), Qt::Key_Space);
@@ -179,23 +168,19 @@ TEST(DuplicatePage, ASearchRunsOnWhateverTheWindowDoes) {
 TEST(DuplicatePage, AStoppedSearchGoesBackAndLeavesTheNextOneAlone) {
     PageWindow on;
     ASSERT_TRUE(makeOneOfEachKind(on.tree, "f"));
-    on.reading.shut();
-    on.drop(on.tree.at("f"));
-    ASSERT_TRUE(on.waitFor([&] { return on.reading.isWaitedAt(); }));
+    ASSERT_TRUE(on.holdSearch(on.tree.at("f")));
     on.click("stopScanBtn");
-    EXPECT_FALSE(on.control("stopScanBtn").isEnabled() || on.isShown("animation"));
+    EXPECT_FALSE(on.isEnabled("stopScanBtn") || on.isShown("animation"));
     ASSERT_TRUE(on.waitFor([&] { return on.isShown("fristView"); }));
     EXPECT_FALSE(on.page().bSearchFinished()) << "the thread stands before a file still";
-    EXPECT_FALSE(on.control("pathChoseBtn").isEnabled());
+    EXPECT_FALSE(on.isEnabled("pathChoseBtn"));
     on.reading.open();
     ASSERT_TRUE(on.waitFor([&] { return on.page().bSearchFinished(); }));
     EXPECT_TRUE(on.isShown("fristView"));
     EXPECT_FALSE(on.isShown("detailView"));
 
     // The stop comes through at once; the next search begins before the stopped one has gone back.
-    on.reading.shut();
-    on.drop(on.tree.at("f"));
-    ASSERT_TRUE(on.waitFor([&] { return on.reading.isWaitedAt(); }));
+    ASSERT_TRUE(on.holdSearch(on.tree.at("f")));
     on.click("stopScanBtn");
     on.reading.open();
     ASSERT_TRUE(on.waitFor([&] { return on.page().bSearchFinished(); }));
@@ -217,9 +202,7 @@ TEST(DuplicatePage, EachSearchClimbsFromItsOwnBeginning) {
     const int highest = percent();
     EXPECT_GE(highest, 6);
     on.click("backButton");
-    on.reading.shut();
-    on.drop(on.tree.at("f"));
-    ASSERT_TRUE(on.waitFor([&] { return on.reading.isWaitedAt(); }));
+    ASSERT_TRUE(on.holdSearch(on.tree.at("f")));
     EXPECT_LT(percent(), highest) << "that of the search before";
     on.reading.open();
     ASSERT_TRUE(on.waitFor([&] { return on.isShown("detailView"); }));
@@ -229,9 +212,7 @@ TEST(DuplicatePage, EachSearchClimbsFromItsOwnBeginning) {
 TEST(DuplicatePage, MayEndDuringASearch) {
     PageWindow on;
     ASSERT_TRUE(makeOneOfEachKind(on.tree, "f"));
-    on.reading.shut();
-    on.drop(on.tree.at("f"));
-    ASSERT_TRUE(on.waitFor([&] { return on.reading.isWaitedAt(); }));
+    ASSERT_TRUE(on.holdSearch(on.tree.at("f")));
     on.window.reset();
     on.notifications.post("refViewBgColor", UserInfo{{"rowNum", std::int32_t{1}}});
     on.reading.open();  // its end comes to a page that is gone; PageWindow waits for it

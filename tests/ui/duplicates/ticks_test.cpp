@@ -6,7 +6,6 @@
 #include <QClipboard>
 #include <QHeaderView>
 #include <QLabel>
-#include <QMenu>
 #include <QTest>
 #include <QTreeView>
 
@@ -44,6 +43,9 @@ protected:
         const std::size_t from = list.find(name);
         return list.substr(from, list.find('\n', from) - from);
     }
+    int state(const char* group, const char* copy) {
+        return on.row(group, copy).siblingAtColumn(Model::Checkbox).data(Model::StateRole).toInt();
+    }
     TickState box() { return on.control<TickBox>("button").state(); }
 
     PageWindow on;
@@ -60,17 +62,17 @@ TEST_F(Ticks, AFolderWithACommaInItsNameKeepsAllOfItInTheTitle) {
 }
 
 TEST_F(Ticks, OneCopyStaysUnlessAPersonInsists) {
-    EXPECT_FALSE(on.control("stopBtn").isEnabled());
-    on.tick(on.row("two.txt", "a/two.txt"));
+    EXPECT_FALSE(on.isEnabled("stopBtn"));
+    on.tick("two.txt", "a/two.txt");
     EXPECT_EQ(group("two").substr(0, 13), "two.txt 2 1/2");
     EXPECT_TRUE(on.dialogs.alerts().empty()) << "no question for all but one";
-    EXPECT_TRUE(on.control("stopBtn").isEnabled());
+    EXPECT_TRUE(on.isEnabled("stopBtn"));
     EXPECT_EQ(selected(), "selected 1 files in All.");
     EXPECT_EQ(box(), TickState::Some);
 
     for (const int button : {1, 0}) {
         on.dialogs.willAnswer(button);
-        on.tick(on.row("two.txt", "b/two.txt"));
+        on.tick("two.txt", "b/two.txt");
         EXPECT_EQ(group("two").substr(0, 13), "two.txt 2 1/2")
             << "the question alone changes nothing";
         QCoreApplication::processEvents();
@@ -84,14 +86,14 @@ TEST_F(Ticks, OneCopyStaysUnlessAPersonInsists) {
     EXPECT_EQ(asked.buttons, (QStringList{QStringLiteral("OK"), QStringLiteral("Cancel")}));
     EXPECT_EQ(std::make_pair(asked.defaultButton, asked.cancelButton), std::make_pair(0, 1));
     EXPECT_EQ(selected(), "selected 2 files in All.");
-    on.tick(on.row("three.jpg"));
+    on.tick("three.jpg");
     EXPECT_EQ(group("three"), "three.jpg 2 2/3: xx.");
-    on.tick(on.row("three.jpg"));
+    on.tick("three.jpg");
     EXPECT_EQ(group("three"), "three.jpg 0 0/3: ...");
-    on.tick(on.row("two.txt", "a/two.txt"));
-    on.tick(on.row("two.txt", "b/two.txt"));
+    on.tick("two.txt", "a/two.txt");
+    on.tick("two.txt", "b/two.txt");
     EXPECT_EQ(group("two"), "two.txt 0 0/2: ..");
-    EXPECT_FALSE(on.control("stopBtn").isEnabled());
+    EXPECT_FALSE(on.isEnabled("stopBtn"));
     // A tick that is taken back while its picture is still on the way leaves nothing to remove.
     EXPECT_TRUE(on.waitFor([&] {
         return selected() == "selected 0 files in All." || selected() == "selected 0 file in All.";
@@ -99,80 +101,64 @@ TEST_F(Ticks, OneCopyStaysUnlessAPersonInsists) {
     EXPECT_EQ(box(), TickState::Nothing);
 }
 
-TEST_F(Ticks, TheBoxOverTheListTicksAndClearsTheView) {
+// A person goes to a view, ticks the first copies of a group by hand, or none, and may click the
+// box over the list.
+TEST_F(Ticks, TheBoxOverTheListTicksAndItsNextClickClears) {
+    const char *const pictures = "three.jpg 2 2/3: xx.\n", *const noPictures =
+                                                               "three.jpg 0 0/3: ...\n";
+    const char* const text = "two.txt 2 1/2: x.\n";
+    const struct {
+        const char* view;
+        const char* group;
+        int byHand;
+        bool clicks;
+        const char* has;  // the list
+        const char* selected;
+        TickState box;
+    } steps[] = {
+        {"leftCell5", "", 0, true, pictures, "2 files", TickState::Some},
+        {"leftCell1", "", 0, false, "two.txt 0 0/2: ..\n", "2 files", TickState::Nothing},
+        {"leftCell0", "", 0, false, pictures, "2 files", TickState::Some},
+        {"leftCell5", "", 0, true, noPictures, "0 file", TickState::Nothing},
+        // Two ticked by hand are counted twice after the box, until it clears.
+        {"leftCell5", "three.jpg", 2, true, pictures, "4 files", TickState::Some},
+        {"leftCell5", "", 0, true, noPictures, "0 file", TickState::Nothing},
+        // What was ticked in one view is cleared in any other, and the rest stays.
+        {"leftCell0", "", 0, true, pictures, "3 files", TickState::Some},
+        {"leftCell5", "", 0, true, noPictures, "1 files", TickState::Nothing},
+        {"leftCell0", "", 0, true, noPictures, "0 file", TickState::Nothing},
+        {"leftCell5", "", 0, true, pictures, "2 files", TickState::Some},
+        {"leftCell0", "", 0, true, noPictures, "0 file", TickState::Nothing},
+        // Where ticks by hand are seen along with others the box ticks the rest.
+        {"leftCell1", "two.txt", 1, false, text, "1 files", TickState::Some},
+        {"leftCell5", "", 0, true, pictures, "3 files", TickState::Some},
+        {"leftCell0", "", 0, true, text, nullptr, TickState::Some},
+        {"leftCell0", "", 0, true, noPictures, "0 file", TickState::Nothing},
+    };
+    for (const auto& each : steps) {
+        SCOPED_TRACE(&each - steps);
+        on.click(each.view);
+        for (int copy = 0; copy < each.byHand; ++copy)
+            on.tick(on.model().index(copy, 0, on.row(each.group)));
+        if (each.clicks) on.click("button");
+        EXPECT_NE(on.list().find(each.has), std::string::npos) << on.list();
+        EXPECT_EQ(box(), each.box);
+        if (each.selected == nullptr) continue;
+        EXPECT_EQ(selected(), std::string("selected ") + each.selected + " in All.");
+        EXPECT_EQ(on.isEnabled("stopBtn"), *each.selected != '0');
+    }
     on.click("leftCell5");
-    on.click("button");
-    EXPECT_EQ(on.list(), "three.jpg 2 2/3: xx.\n");
-    EXPECT_EQ(selected(), "selected 2 files in All.");
-    EXPECT_EQ(box(), TickState::Some);
-    on.click("leftCell1");
-    EXPECT_EQ(box(), TickState::Nothing) << "only the pictures are ticked";
-    EXPECT_EQ(selected(), "selected 2 files in All.") << "yet the count is over all views";
-    on.click("leftCell0");
-    EXPECT_EQ(box(), TickState::Some);
-    on.click("leftCell5");
-    on.click("button");
-    EXPECT_EQ(on.list(), "three.jpg 0 0/3: ...\n")
-        << "what the box has ticked its next click clears";
-    EXPECT_EQ(selected(), "selected 0 file in All.");
-    EXPECT_FALSE(on.control("stopBtn").isEnabled());
-
-    // Two ticked by hand are counted twice after the box, until it clears.
-    on.tick(on.row("three.jpg", "a/three.jpg"));
-    on.tick(on.row("three.jpg", "b/three.jpg"));
-    on.click("button");
-    EXPECT_EQ(selected(), "selected 4 files in All.");
-    on.click("button");
-    EXPECT_EQ(selected(), "selected 0 file in All.");
-    EXPECT_EQ(on.list(), "three.jpg 0 0/3: ...\n");
     on.control("button").setFocus();
     QTest::keyClick(&on.control("button"), Qt::Key_Space);
-    EXPECT_EQ(on.list(), "three.jpg 2 2/3: xx.\n");
+    EXPECT_EQ(on.list(), pictures);
 }
 
-TEST_F(Ticks, WhatTheBoxHasTickedItsNextClickClearsInAnyView) {
-    const auto clicks = [&](const char* view) {
-        on.click(view);
-        on.click("button");
-        return selected();
+TEST_F(Ticks, TheOrderIsShownAndDecidesWhichCopyIsTheLast) {
+    const auto nameAt = [&](int row, const QModelIndex& parent = {}) {
+        return on.model().index(row, Model::NameColumn, parent).data().toString().toStdString();
     };
-    EXPECT_EQ(clicks("leftCell0"), "selected 3 files in All.");
-    EXPECT_EQ(clicks("leftCell5"), "selected 1 files in All.")
-        << "the pictures are clear, the rest stays";
-    EXPECT_EQ(clicks("leftCell0"), "selected 0 file in All.") << "nothing here was ticked by hand";
-    EXPECT_EQ(clicks("leftCell5"), "selected 2 files in All.");
-    EXPECT_EQ(clicks("leftCell0"), "selected 0 file in All.");
-    // Ticks by hand in one view: there the box ticks the rest, and so it does where they are seen
-    // along with others.
-    on.click("leftCell1");
-    on.tick(on.model().index(0, 0, on.row("two.txt")));
-    EXPECT_EQ(clicks("leftCell5"), "selected 3 files in All.");
-    on.click("leftCell0");
-    on.click("button");
-    EXPECT_EQ(group("two"), "two.txt 2 1/2: x.");
-    EXPECT_EQ(group("three"), "three.jpg 2 2/3: xx.");
-    on.click("button");
-    EXPECT_EQ(selected(), "selected 0 file in All.");
-}
-
-TEST_F(Ticks, ASingleGroupIsDrawnAnewWithItsCopies) {
-    on.click("leftCell1");
-    const QModelIndex copy = on.model().index(0, Model::Checkbox, on.row("two.txt"));
-    outline.expand(copy.parent());
-    const auto seen = [&] { return on.onScreen(*outline.viewport(), outline.visualRect(copy)); };
-    const QImage clear = seen();
-    on.click("button");
-    ASSERT_EQ(copy.data(Model::StateRole).toInt(), 1);
-    EXPECT_TRUE(seen() != clear) << "ticked, and not on the screen";
-    on.click("button");
-    EXPECT_TRUE(seen() == clear);
-}
-
-TEST_F(Ticks, TheOrderDecidesWhichCopyIsTheLast) {
-    const auto last = [&] {
-        const QModelIndex parent = on.row("two.txt");
-        return on.model().index(1, Model::NameColumn, parent).data().toString().toStdString();
-    };
+    const QHeaderView& header = *outline.header();
+    EXPECT_FALSE(header.isSortIndicatorShown()) << "as it was found";
     outline.expand(on.row("three.jpg"));
     const struct {
         int column;
@@ -191,51 +177,35 @@ TEST_F(Ticks, TheOrderDecidesWhichCopyIsTheLast) {
         {Model::NameColumn, "two.txt", "a/two.txt", true, Qt::DescendingOrder},
     };
     for (const auto& each : clicks) {
-        SCOPED_TRACE(::testing::Message() << "column " << each.column << " " << each.order);
+        SCOPED_TRACE(&each - clicks);
         sortBy(each.column);
-        EXPECT_EQ(on.model().index(0, Model::NameColumn).data().toString().toStdString(),
-                  each.first);
-        if (*each.lastCopy != '\0') {
-            EXPECT_TRUE(last().ends_with(each.lastCopy)) << last();
-        }
-        EXPECT_EQ(outline.header()->isSortIndicatorShown(), each.isShown);
+        EXPECT_EQ(nameAt(0), each.first);
+        EXPECT_TRUE(nameAt(1, on.row("two.txt")).ends_with(each.lastCopy));
+        EXPECT_EQ(header.isSortIndicatorShown(), each.isShown);
         if (!each.isShown) continue;
-        EXPECT_EQ(outline.header()->sortIndicatorSection(), each.column);
-        EXPECT_EQ(outline.header()->sortIndicatorOrder(), each.order);
+        EXPECT_EQ(header.sortIndicatorSection(), each.column);
+        EXPECT_EQ(header.sortIndicatorOrder(), each.order);
         EXPECT_TRUE(outline.isExpanded(on.row("three.jpg"))) << "what is open stays open";
     }
-    on.tick(on.row("two.txt"));
-    const auto state = [&](const char* copy) {
-        return on.row("two.txt", copy)
-            .siblingAtColumn(Model::Checkbox)
-            .data(Model::StateRole)
-            .toInt();
-    };
-    EXPECT_EQ(std::make_pair(state("b/two.txt"), state("a/two.txt")), std::make_pair(1, 0));
-}
-
-TEST_F(Ticks, AListShowsTheOrderThatItIsIn) {
-    const auto shown = [&] {
-        const QHeaderView& header = *outline.header();
-        return header.isSortIndicatorShown() ? header.sortIndicatorSection() : -1;
-    };
-    EXPECT_EQ(shown(), -1) << "as it was found";
-    sortBy(Model::FileSize);
-    EXPECT_EQ(shown(), Model::FileSize);
+    on.tick("two.txt");
+    EXPECT_EQ(std::make_pair(state("two.txt", "b/two.txt"), state("two.txt", "a/two.txt")),
+              std::make_pair(1, 0));
+    on.tick("two.txt");
+    // Each kind has an order of its own.
     on.click("leftCell5");
-    EXPECT_EQ(shown(), -1) << "the pictures are not sorted";
-    sortBy(Model::NameColumn);
+    EXPECT_FALSE(header.isSortIndicatorShown()) << "the pictures are not sorted";
+    sortBy(Model::FileSize);
     on.click("leftCell0");
-    EXPECT_EQ(shown(), Model::FileSize);
+    EXPECT_EQ(header.sortIndicatorSection(), Model::NameColumn);
     ASSERT_TRUE(on.search(on.tree.at("f")));
-    EXPECT_EQ(shown(), -1);
+    EXPECT_FALSE(header.isSortIndicatorShown());
 }
 
 TEST_F(Ticks, TellWhatARemovalWouldGiveBack) {
     EXPECT_FALSE(on.isShown("gainLabel"));
-    on.tick(on.row("two.txt"));
+    on.tick("two.txt");
     EXPECT_EQ(on.textOf("gainLabel"), "3.00 KB can be gained");
-    on.tick(on.row("three.jpg"));
+    on.tick("three.jpg");
     EXPECT_EQ(on.textOf("gainLabel"), "5.00 KB can be gained");
     on.click("button");
     on.click("button");
@@ -280,7 +250,7 @@ TEST_F(Ticks, WhatLiesElsewhereIsSaidInTheRowAndBeforeARemoval) {
                     .toStdString()
                     .ends_with(on.tree.at("out/1/c.txt")));
     const auto asked = [&](const char* copy) {
-        on.tick(on.row(name, copy));
+        on.tick(name, copy);
         on.dialogs.willAnswer(1);
         on.click("stopBtn");
         return on.dialogs.alerts().back().text.toStdString();
@@ -355,25 +325,13 @@ TEST_F(Ticks, EverythingByKeyAndByTheMenuOfARow) {
         on.model().index(0, Model::NameColumn, on.row("three.jpg")).data().toString().toStdString();
     EXPECT_EQ(on.revealed, std::vector<std::string>{first}) << "of a group its first copy";
 
-    const auto menu = [&]() -> QMenu* {
-        QContextMenuEvent event(QContextMenuEvent::Keyboard, {}, {});
-        QCoreApplication::sendEvent(outline.viewport(), &event);
-        return qobject_cast<QMenu*>(QApplication::activePopupWidget());
-    };
-    EXPECT_EQ(menu(), nullptr) << "a group has none";
+    EXPECT_FALSE(on.chooseInMenu(outline, on.row("three.jpg"), "Copy Path")) << "a group has none";
     outline.expand(on.row("three.jpg"));
-    const QModelIndex kept = on.row("three.jpg", "a/three.jpg");
-    for (const char* action : {"Copy Path", "Show in Folder", "Tick All but This One"}) {
-        outline.setCurrentIndex(kept);
-        QMenu* const shown = menu();
-        ASSERT_NE(shown, nullptr);
-        for (QAction* const each : shown->actions())
-            if (each->text() == QLatin1String(action)) each->trigger();
-        shown->close();
-    }
+    for (const char* entry : {"Copy Path", "Show in Folder", "Tick All but This One"})
+        EXPECT_TRUE(on.chooseInMenu(outline, on.row("three.jpg", "a/three.jpg"), entry)) << entry;
     EXPECT_EQ(QApplication::clipboard()->text().toStdString(), on.tree.at("f/a/three.jpg"));
     EXPECT_EQ(on.revealed.back(), on.tree.at("f/a/three.jpg"));
-    EXPECT_EQ(kept.siblingAtColumn(Model::Checkbox).data(Model::StateRole).toInt(), 0);
+    EXPECT_EQ(state("three.jpg", "a/three.jpg"), 0);
     EXPECT_EQ(group("three").substr(0, 15), "three.jpg 2 2/3");
     EXPECT_EQ(selected(), "selected 2 files in All.");
 }

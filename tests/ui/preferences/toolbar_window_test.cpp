@@ -6,7 +6,6 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMimeData>
-#include <QProxyStyle>
 #include <QTest>
 #include <QTimer>
 #include <QUrl>
@@ -29,18 +28,10 @@
 #include "ui/preferences/AppPrefsWindowController.h"
 #include "ui/preferences/PrefsToolbar.h"
 #include "ui/support/RecordedDialogs.h"
+#include "ui/support/StillStyle.h"
 
 namespace orrinvale {
 namespace {
-
-class StillStyle final : public QProxyStyle {
-    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
-                  QStyleHintReturn* data) const override {
-        return hint == SH_Widget_Animation_Duration
-                   ? 0
-                   : QProxyStyle::styleHint(hint, option, widget, data);
-    }
-};
 
 /// A page that is its name.
 class LabelPage final : public Page {
@@ -147,7 +138,7 @@ TEST_F(ToolbarWindow, PagesAreMadeOnceWhenTheyAreFirstShown) {
 
 TEST_F(ToolbarWindow, PagesFadeWhereTheyMay) {
     show();
-    StillStyle still;
+    testing::StillStyle still;
     const struct {
         const char* what;
         bool crossFade, animate, isStill, isVisible;

@@ -36,8 +36,7 @@ protected:
         if (!QFileInfo::exists(launcher)) return "at-spi2-core is not installed";
         if (QStandardPaths::findExecutable(QStringLiteral("dbus-daemon")).isEmpty())
             return "no dbus-daemon here";
-        if (std::string reason = session.startX11({QStringLiteral("openbox")}); !reason.empty())
-            return reason;
+        if (std::string reason = session.startX11("openbox"); !reason.empty()) return reason;
         const std::string address = "unix:path=" + tree.at("bus");
         session.setVariable("DBUS_SESSION_BUS_ADDRESS", address.c_str());
         session.setVariable("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");

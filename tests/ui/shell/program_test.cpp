@@ -90,30 +90,27 @@ struct Running {
     std::string said;
 };
 
+const QString xdotoolFind = QStringLiteral("xdotool search --onlyvisible --name ^Orrinvale$");
+const QStringList quit{QStringLiteral("--action"), QStringLiteral("quit")};
+
 TEST(Program, StartsSearchesAFolderAndLivesOnWhenItsWindowIsClosed) {
     testing::TestTree tree;
     ASSERT_TRUE(tree.write("f/a/x.txt", "the same") && tree.write("f/b/x.txt", "the same"));
     DesktopSession session;
     session.setVariable("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
-    const std::string reason = session.startX11({QStringLiteral("openbox")});
+    const std::string reason = session.startX11("openbox");
     if (!reason.empty()) GTEST_SKIP() << reason;
     Running running(session.environment());
     running.program.setWorkingDirectory(QString::fromStdString(tree.path()));
     running.start({QStringLiteral("./f/")});
-    const auto find = [&] {
-        return session
-            .run(QStringLiteral("xdotool"),
-                 {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
-                  QStringLiteral("--name"), QStringLiteral("^Orrinvale$")})
-            .trimmed();
-    };
+    const auto find = [&] { return session.run(xdotoolFind).trimmed(); };
     QString id;
     ASSERT_TRUE(PageWindow::waitFor([&] { return !(id = find()).isEmpty(); }));
     // More than a dozen colours: not a blank window.
     const QString picture = QString::fromStdString(tree.at("window.png"));
     QImage image;
     ASSERT_TRUE(PageWindow::waitFor([&] {
-        session.run(QStringLiteral("import"), {QStringLiteral("-window"), id, picture});
+        session.run(QStringLiteral("import -window %1 %2").arg(id, picture));
         if (!image.load(picture)) return false;
         std::set<QRgb> colours;
         for (int y = 0; y < image.height(); y += 4)
@@ -126,9 +123,8 @@ TEST(Program, StartsSearchesAFolderAndLivesOnWhenItsWindowIsClosed) {
         return running.hasSaid("search Path:" + tree.at("f") + ' ');
     })) << running.said;
     const auto press = [&](const char* keys) {
-        session.run(QStringLiteral("xdotool"),
-                    {QStringLiteral("windowactivate"), QStringLiteral("--sync"), find(),
-                     QStringLiteral("key"), QLatin1String(keys)});
+        session.run(QStringLiteral("xdotool windowactivate --sync %1 key %2")
+                        .arg(find(), QLatin1String(keys)));
     };
     press("ctrl+w");
     ASSERT_TRUE(PageWindow::waitFor([&] { return find().isEmpty(); }));
@@ -148,16 +144,11 @@ TEST(Program, StandsInTheMiddleOfTheScreenAndWhereItWasLeftTheNextTime) {
         session.setVariable("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
         session.setVariable("XDG_CONFIG_HOME", tree.path().c_str());
         session.setVariable("QT_FONT_DPI", dpi);
-        const std::string reason = session.startX11({QStringLiteral("openbox")});
+        const std::string reason = session.startX11("openbox");
         if (!reason.empty()) GTEST_SKIP() << reason;
-        const auto xdotool = [&](const QStringList& orders) {
-            return session.run(QStringLiteral("xdotool"), orders);
-        };
         const auto place = [&]() -> QRect {
             const QString said =
-                xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"),
-                         QStringLiteral("--name"), QStringLiteral("^Orrinvale$"),
-                         QStringLiteral("getwindowgeometry"), QStringLiteral("--shell")});
+                session.run(xdotoolFind + QStringLiteral(" getwindowgeometry --shell"));
             const auto number = [&](const char* name) {
                 return said.section(QLatin1String(name) + QLatin1Char('='), 1, 1)
                     .section(QLatin1Char('\n'), 0, 0)
@@ -166,8 +157,7 @@ TEST(Program, StandsInTheMiddleOfTheScreenAndWhereItWasLeftTheNextTime) {
             return {number("X"), number("Y"), number("WIDTH"), number("HEIGHT")};
         };
         const auto ended = [&](Running& running) {
-            xdotool({QStringLiteral("key"), QStringLiteral("--clearmodifiers"),
-                     QStringLiteral("ctrl+q")});
+            session.run(QStringLiteral("xdotool key --clearmodifiers ctrl+q"));
             return running.ended();
         };
         QRect first;
@@ -180,10 +170,7 @@ TEST(Program, StandsInTheMiddleOfTheScreenAndWhereItWasLeftTheNextTime) {
             if (first.width() <= 1000) {
                 EXPECT_LE(std::abs(first.center().x() - 500), 3);
             }
-            xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"),
-                     QStringLiteral("--name"), QStringLiteral("^Orrinvale$"),
-                     QStringLiteral("windowmove"), QStringLiteral("--sync"), QStringLiteral("60"),
-                     QStringLiteral("12")});
+            session.run(xdotoolFind + QStringLiteral(" windowmove --sync 60 12"));
             ASSERT_TRUE(PageWindow::waitFor([&] { return place().topLeft() != first.topLeft(); }));
             first = place();
             EXPECT_EQ(ended(running), 1);
@@ -301,7 +288,7 @@ TEST(Program, IsStartedAndReachedOverTheSessionBus) {
     QProcessEnvironment elsewhere = bus.environment;
     elsewhere.insert(QStringLiteral("XDG_RUNTIME_DIR"), QString::fromStdString(tree.at("other")));
     EXPECT_EQ(Running(elsewhere).startAgain(), 0);
-    EXPECT_EQ(second.startAgain({QStringLiteral("--action"), QStringLiteral("quit")}), 0);
+    EXPECT_EQ(second.startAgain(quit), 0);
     EXPECT_TRUE(PageWindow::waitFor([&] { return !bus.hasProgram(); })) << "it has quit";
 }
 
@@ -312,7 +299,7 @@ TEST(Program, LaunchesToItsEnd) {
     Running running(offscreen(tree, "unix:path=/nonexistent"));
     running.start();
     ASSERT_TRUE(PageWindow::waitFor([&] { return testing::isThere(tree.at("orrinvale.socket")); }));
-    EXPECT_EQ(running.startAgain({QStringLiteral("--action"), QStringLiteral("quit")}), 0);
+    EXPECT_EQ(running.startAgain(quit), 0);
     EXPECT_EQ(running.ended(), 1);
     // The last step of the launch puts the row back, and what is set is stored when the program
     // ends.
@@ -345,8 +332,7 @@ TEST(Program, OfTwoStartsAtTheSameMomentOneStays) {
         ASSERT_EQ(second.ended(), 0)
             << "round " << round << ": " << second.program.readAll().toStdString();
         ASSERT_EQ(first.program.state(), QProcess::Running) << round;
-        ASSERT_EQ(first.startAgain({QStringLiteral("--action"), QStringLiteral("quit")}), 0)
-            << round;
+        ASSERT_EQ(first.startAgain(quit), 0) << round;
         ASSERT_EQ(first.ended(), 1) << "round " << round;
     }
 }

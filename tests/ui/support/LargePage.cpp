@@ -3,11 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <QAbstractButton>
 #include <QApplication>
-#include <QDialog>
-#include <QLabel>
-#include <QPlainTextEdit>
 #include <QTest>
 
 #include "ui/kit/lists/RowDelegate.h"
@@ -34,15 +30,8 @@ void LargePage::setOwnFiles(std::vector<std::string> ownFiles) {
          .openFolder = {}});
 }
 
-std::string LargePage::textOf(const char* name) {
-    QWidget& found = control(name);
-    if (const auto* const label = qobject_cast<QLabel*>(&found)) return label->text().toStdString();
-    return qobject_cast<QAbstractButton*>(&found)->text().toStdString();
-}
-
-void LargePage::click(const char* name) {
-    EXPECT_TRUE(isShown(name) && control(name).isEnabled()) << name << " is out of reach";
-    QTest::mouseClick(&control(name), Qt::LeftButton);
+std::vector<QWidget*> LargePage::places() {
+    return {page().listView(), page().aLoadView(), window.window->window()};
 }
 
 void LargePage::choose(std::vector<std::string> paths) {
@@ -87,9 +76,8 @@ void LargePage::clickCell(const std::string& name, int column) {
     outline().scrollTo(cell);
     QStyleOptionViewItem option;
     option.rect = outline().visualRect(cell);
-    const QPoint place = column == FileNodeModel::CheckBox
-                             ? RowDelegate::boxRect(option).center()
-                             : option.rect.center();
+    const QPoint place = column == FileNodeModel::CheckBox ? RowDelegate::boxRect(option).center()
+                                                           : option.rect.center();
     EXPECT_TRUE(outline().viewport()->rect().contains(place));
     QTest::mouseClick(outline().viewport(), Qt::LeftButton, {}, place);
     QApplication::processEvents();
@@ -120,15 +108,6 @@ bool LargePage::remove(const std::function<void(QWidget& progressWindow)>& meanw
         begun = begun || Controller::getController().isRemoving();
         return begun && !Controller::getController().isRemoving() && modal() == nullptr;
     });
-}
-
-std::string LargePage::linesBehind(const char* button) {
-    click(button);
-    auto* const shown = window.window->window()->findChild<QDialog*>(QStringLiteral("lineList"));
-    if (shown == nullptr) return "no list";
-    const std::string lines = shown->findChild<QPlainTextEdit*>()->toPlainText().toStdString();
-    QTest::keyClick(shown, Qt::Key_Escape);
-    return lines;
 }
 
 }  // namespace orrinvale::testing

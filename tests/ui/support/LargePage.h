@@ -3,9 +3,6 @@
 #pragma once
 
 #include <QModelIndex>
-#include <QTreeView>
-#include <QWidget>
-#include <cstdlib>
 #include <functional>
 #include <string>
 #include <vector>
@@ -18,10 +15,10 @@ namespace orrinvale::testing {
 
 /// The window with the second tab chosen. The controller of the process works on the files of this
 /// object for as long as it lives.
-class LargePage {
+class LargePage : public NamedControls {
 public:
     LargePage();
-    ~LargePage();
+    ~LargePage() override;
     LargePage(const LargePage&) = delete;
     LargePage& operator=(const LargePage&) = delete;
 
@@ -29,17 +26,6 @@ public:
     void setOwnFiles(std::vector<std::string> ownFiles);
 
     ListFileViewController& page() { return *window.window->listFileVC(); }
-    /// The control of this name; the test ends where there is none.
-    template <class Control = QWidget> Control& control(const char* name) {
-        for (QWidget* const in : {page().listView(), page().aLoadView()}) {
-            if (in->objectName() == QLatin1String(name)) return static_cast<Control&>(*in);
-            if (auto* const found = in->findChild<Control*>(QLatin1String(name))) return *found;
-        }
-        std::abort();
-    }
-    bool isShown(const char* name) { return control(name).isVisible(); }
-    std::string textOf(const char* name);
-    void click(const char* name);
     QTreeView& outline() { return control<QTreeView>("outlineView"); }
 
     /// Chooses the folder in the panel, and waits until the scan has begun.
@@ -57,15 +43,14 @@ public:
     /// Presses Delete, agrees, and waits until the removal is over; `meanwhile` runs when its
     /// window stands.
     [[nodiscard]] bool remove(const std::function<void(QWidget& progressWindow)>& meanwhile = {});
-    std::string linesBehind(const char* button);
-    [[nodiscard]] static bool waitFor(const std::function<bool()>& isSo) {
-        return PageWindow::waitFor(isSo);
-    }
 
     PageWindow window;
     TestTree& tree = window.tree;
     RecordedDialogs& dialogs = window.dialogs;
     std::vector<std::string> revealed;
+
+protected:
+    std::vector<QWidget*> places() override;
 
 private:
     QtMainQueue m_mainQueue;

@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QAbstractButton>
-#include <QLabel>
 #include <QMimeData>
 #include <QScreen>
 #include <QTest>
@@ -86,21 +84,20 @@ PageWindow::~PageWindow() {
     QnAuthorization::shareQnAuthorization().setParts({});
 }
 
-std::string PageWindow::textOf(const char* name) {
-    QWidget& found = control(name);
-    if (const auto* const label = qobject_cast<QLabel*>(&found)) return label->text().toStdString();
-    return qobject_cast<QAbstractButton*>(&found)->text().toStdString();
-}
-
-void PageWindow::click(const char* name) {
-    EXPECT_TRUE(isShown(name) && control(name).isEnabled()) << name << " is out of reach";
-    QTest::mouseClick(&control(name), Qt::LeftButton);
+std::vector<QWidget*> PageWindow::places() {
+    return {page().detailView(), page().progressageView(), page().view(), window->window()};
 }
 
 void PageWindow::drop(const std::string& path) {
     QMimeData dragged;
     dragged.setUrls({QUrl::fromLocalFile(QString::fromStdString(path))});
     EXPECT_TRUE(control<DragView>("dragView").performDragOperation(dragged)) << path;
+}
+
+bool PageWindow::holdSearch(const std::string& path) {
+    reading.shut();
+    drop(path);
+    return waitFor([this] { return reading.isWaitedAt(); });
 }
 
 bool PageWindow::search(const std::string& path) {
@@ -120,10 +117,6 @@ bool PageWindow::remove(const std::function<void()>& meanwhile) {
         return false;
     }
     return waitFor([this] { return page().bSearchFinished(); });
-}
-
-bool PageWindow::waitFor(const std::function<bool()>& isSo) {
-    return QTest::qWaitFor(isSo, 10'000);
 }
 
 QAbstractItemModel& PageWindow::model() { return *control<QTreeView>("outline").model(); }

@@ -4,7 +4,6 @@
 
 #include <QAbstractItemModel>
 #include <QImage>
-#include <QWidget>
 #include <condition_variable>
 #include <functional>
 #include <memory>
@@ -20,6 +19,7 @@
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/shell/DuplicateMainWindowController.h"
 #include "ui/shell/FileIcons.h"
+#include "ui/support/NamedControls.h"
 #include "ui/support/RecordedDialogs.h"
 
 namespace orrinvale::testing {
@@ -43,36 +43,25 @@ private:
 
 /// Shown offscreen. The removal goes through the one door of the process, with an administrator
 /// right that the test decides about.
-class PageWindow {
+/// The views of the page wait outside of the window until they are needed.
+class PageWindow : public NamedControls {
 public:
     PageWindow();
-    ~PageWindow();
+    ~PageWindow() override;
     PageWindow(const PageWindow&) = delete;
     PageWindow& operator=(const PageWindow&) = delete;
 
     SameFileDeleteViewController& page() { return *window->sameFileDeleteVC(); }
-    /// The control of this name, of the page, whose views wait outside of the window until they are
-    /// needed, or else of the window; the test ends where there is none.
-    template <class Control = QWidget> Control& control(const char* name) {
-        for (QWidget* const in : {page().detailView(), page().progressageView(), page().view(),
-                                  static_cast<QWidget*>(window->window())}) {
-            if (in->objectName() == QLatin1String(name)) return static_cast<Control&>(*in);
-            if (auto* const found = in->findChild<Control*>(QLatin1String(name))) return *found;
-        }
-        std::abort();
-    }
-    bool isShown(const char* name) { return control(name).isVisible(); }
-    std::string textOf(const char* name);
-    void click(const char* name);
-
     /// Drops the folder on the page.
     void drop(const std::string& path);
+    /// Drops it and waits until the search stands before the first file that it would open; reading
+    /// opens the gate.
+    [[nodiscard]] bool holdSearch(const std::string& path);
     /// Drops it and waits until the result stands.
     [[nodiscard]] bool search(const std::string& path);
     /// Presses Remove, agrees, and waits until the removal is over; `meanwhile` runs when the
     /// removal has begun.
     [[nodiscard]] bool remove(const std::function<void()>& meanwhile = {});
-    [[nodiscard]] static bool waitFor(const std::function<bool()>& isSo);
 
     /// What of a widget stands on the screen, without asking it to draw itself anew.
     QImage onScreen(const QWidget& widget, const QRect& part);
@@ -83,6 +72,7 @@ public:
     QModelIndex row(const std::string& group, const std::string& copy = {});
     /// Presses the left button in the box of the row.
     void tick(const QModelIndex& row);
+    void tick(const std::string& group, const std::string& copy = {}) { tick(row(group, copy)); }
 
     TestTree tree;
     Gate reading;   ///< before a file is opened by a search
@@ -93,6 +83,9 @@ public:
     RecordedDialogs dialogs;
     std::vector<std::string> revealed;
     std::unique_ptr<DuplicateMainWindowController> window;  // ends when a test says so
+
+protected:
+    std::vector<QWidget*> places() override;
 
 private:
     LinuxPermissions m_permissions;

@@ -42,40 +42,34 @@ void DesktopSession::setVariable(const char* name, const char* value) {
     m_environment.insert(QLatin1String(name), QLatin1String(value));
 }
 
-bool DesktopSession::startServer(const QString& program, const QStringList& arguments) {
+bool DesktopSession::startServer(const QString& command) {
     auto server = std::make_unique<QProcess>();
     server->setProcessEnvironment(m_environment);
     server->setStandardErrorFile(QProcess::nullDevice());
-    server->start(program, arguments);
+    server->startCommand(command);
     const bool good = server->waitForStarted();
     m_servers.push_back(std::move(server));
     return good;
 }
 
-std::string DesktopSession::startX11(const QStringList& windowManager) {
-    for (const char* program : {"Xvfb", "xdotool", "xprop"})
-        if (!isInstalled(QLatin1String(program))) return std::string(program) + " is not installed";
-    if (!windowManager.isEmpty() && !isInstalled(windowManager.first()))
-        return "no such window manager";
+std::string DesktopSession::startX11(const char* windowManager) {
+    for (const char* program : {"Xvfb", "xdotool", "xprop", windowManager})
+        if (*program != '\0' && !isInstalled(QLatin1String(program)))
+            return std::string(program) + " is not installed";
     // The server itself picks a free display and writes its number.
-    const QStringList arguments{QStringLiteral("-displayfd"),  QStringLiteral("1"),
-                                QStringLiteral("-screen"),     QStringLiteral("0"),
-                                QStringLiteral("1000x800x24"), QStringLiteral("-nolisten"),
-                                QStringLiteral("tcp")};
-    if (!startServer(QStringLiteral("Xvfb"), arguments)) return "Xvfb does not start";
+    if (!startServer(QStringLiteral("Xvfb -displayfd 1 -screen 0 1000x800x24 -nolisten tcp")))
+        return "Xvfb does not start";
     QProcess& server = *m_servers.front();
     while (!server.canReadLine())
         if (!server.waitForReadyRead(patience)) return "Xvfb gives no display";
     m_environment.insert(QStringLiteral("DISPLAY"),
                          QLatin1Char(':') + QString::fromLatin1(server.readLine().trimmed()));
     m_environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
-    if (windowManager.isEmpty()) return {};
-    if (!startServer(windowManager.first(), windowManager.mid(1)))
-        return "the window manager does not start";
+    if (*windowManager == '\0') return {};
+    if (!startServer(QLatin1String(windowManager))) return "the window manager does not start";
     QElapsedTimer timer;
     for (timer.start(); timer.elapsed() < patience; QThread::msleep(20))
-        if (run(QStringLiteral("xprop"),
-                {QStringLiteral("-root"), QStringLiteral("_NET_SUPPORTING_WM_CHECK")})
+        if (run(QStringLiteral("xprop -root _NET_SUPPORTING_WM_CHECK"))
                 .contains(QLatin1String("0x")))
             return {};
     return "the window manager does not announce itself";
@@ -84,11 +78,10 @@ std::string DesktopSession::startX11(const QStringList& windowManager) {
 std::string DesktopSession::startWayland() {
     if (!isInstalled(QStringLiteral("weston"))) return "weston is not installed";
     const QString socket = QStringLiteral("chrome-test");
-    const QStringList arguments{QStringLiteral("--backend=headless-backend.so"),
-                                QStringLiteral("--width=1000"), QStringLiteral("--height=800"),
-                                QStringLiteral("--idle-time=0"),
-                                QStringLiteral("--socket=") + socket};
-    if (!startServer(QStringLiteral("weston"), arguments)) return "weston does not start";
+    if (!startServer(QStringLiteral("weston --backend=headless-backend.so --width=1000 "
+                                    "--height=800 --idle-time=0 --socket=") +
+                     socket))
+        return "weston does not start";
     m_environment.insert(QStringLiteral("WAYLAND_DISPLAY"), socket);
     m_environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("wayland"));
     QElapsedTimer timer;
@@ -107,31 +100,26 @@ std::string DesktopSession::startProbe(const QString& probe, const QStringList& 
                : "the probe shows no window";
 }
 
-QString DesktopSession::run(const QString& program, const QStringList& arguments) {
+QString DesktopSession::run(const QString& command) {
     QProcess process;
     process.setProcessEnvironment(m_environment);
-    process.start(program, arguments);
+    process.startCommand(command);
     if (!process.waitForFinished(patience) || process.exitCode() != 0) return {};
     return QString::fromUtf8(process.readAllStandardOutput()) + QLatin1Char(' ');
 }
 
 void DesktopSession::drag(QPoint from, QPoint to, int milliseconds) {
-    const auto place = [](QPoint point) {
-        return QStringList{QString::number(point.x()), QString::number(point.y())};
+    const QString pause = QStringLiteral(" sleep %1").arg(milliseconds / 1000.0);
+    const auto move = [](QPoint point) {
+        return QStringLiteral(" mousemove %1 %2").arg(point.x()).arg(point.y());
     };
-    QStringList orders = QStringList{QStringLiteral("mousemove")} + place(from) +
-                         QStringList{QStringLiteral("mousedown"), QStringLiteral("1")};
+    QString orders = QStringLiteral("xdotool") + move(from) + QStringLiteral(" mousedown 1");
     constexpr int steps = 8;
-    const QString pause = QString::number(milliseconds / 1000.0);
     for (int step = 1; step <= steps; ++step)
-        orders += QStringList{QStringLiteral("sleep"), pause, QStringLiteral("mousemove")} +
-                  place(from + (to - from) * step / steps);
+        orders += pause + move(from + (to - from) * step / steps);
     // The window manager asks for the pointer in the meantime; letting go before it has it would
     // end nothing.
-    orders +=
-        {QStringLiteral("sleep"), pause, QStringLiteral("sleep"), pause, QStringLiteral("mouseup"),
-         QStringLiteral("1")};
-    run(QStringLiteral("xdotool"), orders);
+    run(orders + pause + pause + QStringLiteral(" mouseup 1"));
 }
 
 void DesktopSession::tell(const char* order) {

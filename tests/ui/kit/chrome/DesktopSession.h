@@ -31,12 +31,13 @@ public:
     void setVariable(const char* name, const char* value);
 
     /// Each answers an empty text, or why the machine can not do it.
-    std::string startX11(const QStringList& windowManager);
+    std::string startX11(const char* windowManager);
     std::string startWayland();
     std::string startProbe(const QString& probe, const QStringList& arguments = {});
 
-    /// A command in the session, to its end; what it wrote. A null text when it failed.
-    QString run(const QString& program, const QStringList& arguments);
+    /// A command in the session, to its end, with spaces between its words; what it wrote. A null
+    /// text when it failed.
+    QString run(const QString& command);
     /// The pointer presses at the first place, goes to the second in eight steps with that pause
     /// before each, and lets go.
     void drag(QPoint from, QPoint to, int milliseconds);
@@ -57,7 +58,7 @@ public:
 private:
     bool readUntil(const std::function<bool()>& condition);
     void take(const std::string& line);
-    bool startServer(const QString& program, const QStringList& arguments);
+    bool startServer(const QString& command);
 
     QTemporaryDir m_folder;
     QProcessEnvironment m_environment;

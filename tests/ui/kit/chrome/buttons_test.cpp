@@ -4,7 +4,6 @@
 #include <QApplication>
 #include <QDialog>
 #include <QPainter>
-#include <QProxyStyle>
 #include <QSignalSpy>
 #include <QTest>
 #include <QVBoxLayout>
@@ -14,6 +13,7 @@
 #include "ui/kit/chrome/TCImageButton.h"
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/look/Theme.h"
+#include "ui/support/StillStyle.h"
 
 namespace orrinvale {
 namespace {
@@ -168,22 +168,8 @@ TEST(TextImageButton, IsTheDefaultOfADialogAndKeepsRoomForItsText) {
               sure->fontMetrics().horizontalAdvance(sure->text()) + 2 * Theme::gapLarge);
 }
 
-// A desktop with or without animations.
-class Motion final : public QProxyStyle {
-public:
-    explicit Motion(bool animates) : m_animates(animates) {}
-    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
-                  QStyleHintReturn* data) const override {
-        if (hint == SH_Widget_Animation_Duration) return m_animates ? 200 : 0;
-        return QProxyStyle::styleHint(hint, option, widget, data);
-    }
-
-private:
-    const bool m_animates;
-};
-
 TEST_F(Buttons, TheAddControlFadesUnlessTheDesktopForbidsIt) {
-    Motion still(false), moving(true);
+    testing::StillStyle still, moving(false);
     view->setStyle(&still);
     hover(view);
     EXPECT_EQ(middle(*view), QColor(Qt::green));

@@ -10,7 +10,7 @@ namespace orrinvale::testing {
 namespace {
 
 const QString probe = QStringLiteral(CHROME_WINDOW_PROBE);
-const QStringList openbox{QStringLiteral("openbox")};
+constexpr const char* openbox = "openbox";
 
 struct Pull {
     const char* name;
@@ -69,18 +69,16 @@ TEST(WindowOnX11, ThePointerMovesAndResizesItThroughTheWindowManager) {
 
 TEST(WindowOnX11, ThePointerMovesAndResizesItWhereThereIsNoWindowManager) {
     DesktopSession session;
-    if (const auto reason = session.startX11({}); !reason.empty()) GTEST_SKIP() << reason;
+    if (const auto reason = session.startX11(""); !reason.empty()) GTEST_SKIP() << reason;
     ASSERT_EQ(session.startProbe(probe), "");
     EXPECT_EQ(session.state().kind, "bare");
     expectPulls(session, 0);
 }
 
 void doubleClick(DesktopSession& session, QPoint place) {
-    session.run(
-        QStringLiteral("xdotool"),
-        {QStringLiteral("mousemove"), QString::number(place.x()), QString::number(place.y()),
-         QStringLiteral("click"), QStringLiteral("--repeat"), QStringLiteral("2"),
-         QStringLiteral("--delay"), QStringLiteral("60"), QStringLiteral("1")});
+    session.run(QStringLiteral("xdotool mousemove %1 %2 click --repeat 2 --delay 60 1")
+                    .arg(place.x())
+                    .arg(place.y()));
 }
 
 TEST(WindowOnX11, ADoubleClickFillsTheScreenAsFarAsTheMaximumSizeAllows) {
@@ -114,10 +112,8 @@ TEST(WindowOnX11, TheWindowManagersCloseTakesTheWayOfTheCloseButton) {
     ASSERT_EQ(session.startProbe(probe), "");
     const auto press = [&] {
         return session.run(
-            QStringLiteral("xdotool"),
-            {QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--name"),
-             QStringLiteral("Orrinvale probe"), QStringLiteral("windowfocus"),
-             QStringLiteral("--sync"), QStringLiteral("key"), QStringLiteral("alt+F4")});
+            QStringLiteral("xdotool search --onlyvisible --name \"Orrinvale probe\" "
+                           "windowfocus --sync key alt+F4"));
     };
     // A manager that is still at the window loses the key; once the window has gone there is
     // nothing to press it on.
@@ -141,11 +137,9 @@ TEST(WindowOnX11, TheSystemsFrameTakesOverWhereItIsWishedOrPutThereAllTheSame) {
         // one says otherwise when it has dealt with the window, which may be later: then it is said
         // again, with a further resize in which it is noticed.
         for (int i = 0; !isWished && !isSystem(session.state()) && i < 20; ++i) {
-            session.run(QStringLiteral("xprop"),
-                        {QStringLiteral("-name"), QStringLiteral("Orrinvale probe"),
-                         QStringLiteral("-f"), QStringLiteral("_NET_FRAME_EXTENTS"),
-                         QStringLiteral("32c"), QStringLiteral("-set"),
-                         QStringLiteral("_NET_FRAME_EXTENTS"), QStringLiteral("4, 4, 30, 4")});
+            session.run(
+                QStringLiteral("xprop -name \"Orrinvale probe\" -f _NET_FRAME_EXTENTS 32c -set "
+                               "_NET_FRAME_EXTENTS \"4, 4, 30, 4\""));
             ++width;
             session.tell(("frame 100 80 " + std::to_string(width) + " 350 0").c_str());
             EXPECT_TRUE(session.waitFor([&](const ProbeState& state) {

@@ -5,7 +5,6 @@
 #include <QAccessible>
 #include <QImage>
 #include <QLabel>
-#include <QProxyStyle>
 #include <QPushButton>
 #include <QTest>
 
@@ -20,10 +19,12 @@
 #include "ui/kit/controls/Animation.h"
 #include "ui/kit/controls/PathAnimation.h"
 #include "ui/kit/look/motion.h"
+#include "ui/support/StillStyle.h"
 
 namespace orrinvale {
 namespace {
 
+using testing::StillStyle;
 using testing::TestTree;
 
 bool waitFor(const std::function<bool()>& isSo) { return QTest::qWaitFor(isSo, 5000); }
@@ -170,16 +171,6 @@ TEST_F(StripTest, IsReadAndMirrored) {
     EXPECT_EQ(at(0.2), rest);
     EXPECT_NE(at(0.8), rest);
 }
-
-class StillStyle final : public QProxyStyle {
-public:
-    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
-                  QStyleHintReturn* data) const override {
-        return hint == SH_Widget_Animation_Duration
-                   ? 0
-                   : QProxyStyle::styleHint(hint, option, widget, data);
-    }
-};
 
 TEST(Motion, TheDesktopMaySwitchItOff) {
     const struct {
