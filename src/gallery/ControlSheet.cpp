@@ -228,6 +228,11 @@ QWidget* ControlSheet::tickRows() const {
     }
     list->setModel(model);
     list->setItemDelegate(new RowDelegate(list));
+    QPalette colors = list->palette();  // as a TickOutline has it
+    colors.setColor(QPalette::Highlight, Theme::shared().color(Theme::Color::Selection));
+    list->setPalette(colors);
+    list->header()->setStretchLastSection(false);
+    list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     list->setHeaderHidden(true);
     list->setRootIsDecorated(false);
     list->setCurrentIndex(model->index(1, 0));
