@@ -26,6 +26,7 @@
 #include "platform/linux/LinuxPermissions.h"
 #include "platform/linux/LinuxSystem.h"
 #include "platform/linux/LinuxVolumes.h"
+#include "platform/linux/ProgramFiles.h"
 #include "platform/standardStreams.h"
 #include "services/foundation/QtMainQueue.h"
 #include "services/lifecycle/EndSignals.h"

@@ -1,4 +1,4 @@
-// The removal of `orrinvale-cli clean --remove`: see CleanRemoval.h.
+// What is gained is measured and not added up: the free space of each file system before and after.
 #include "cli/CleanRemoval.h"
 
 #include <fmt/format.h>
@@ -17,7 +17,7 @@
 #include "engine/removal/RemovalJob.h"
 #include "engine/settings/UserFolders.h"
 #include "platform/freeSpace.h"
-#include "platform/linux/LinuxFiles.h"
+#include "platform/linux/ProgramFiles.h"
 #include "platform/paths.h"
 
 namespace orrinvale::cli {

@@ -18,7 +18,7 @@
 #include "helper/Checks.h"
 #include "helper/RootJournal.h"
 #include "helper/Session.h"
-#include "platform/linux/LinuxFiles.h"
+#include "platform/linux/ProgramFiles.h"
 
 namespace orrinvale::helper {
 namespace {

@@ -1,8 +1,7 @@
-// SizeClasses: one pass over the sizes through a table with open addressing, and a counting sort.
-// Declared in HashAhead.h.
-#include <bit>
+// One pass over the sizes through a table with open addressing, and a counting sort.
+#include "engine/duplicates/SizeClasses.h"
 
-#include "engine/duplicates/HashAhead.h"
+#include <bit>
 
 namespace orrinvale {
 namespace {

@@ -51,12 +51,4 @@ public:
     std::vector<std::uint64_t> devicesOfPassingInodes() const override;
 };
 
-/// The program's own files: its executables, and where it is installed its folders of data and the
-/// files by which the desktop knows it. Absolute paths, for ProtectedPlaces. Of other files beside
-/// the executable none, since a person may have put it among files of her own.
-[[nodiscard]] std::vector<std::string> programFiles();
-
-/// The same for an executable at this path.
-[[nodiscard]] std::vector<std::string> programFilesAround(const std::string& executable);
-
 }  // namespace orrinvale

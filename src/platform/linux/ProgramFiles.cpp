@@ -1,5 +1,9 @@
-// The program's own files, found from the place of the running executable. Declared in
-// LinuxFiles.h.
+// Found by their names around the running executable, so that they are found wherever the program
+// was installed.
+#include "platform/linux/ProgramFiles.h"
+
+#include <unistd.h>
+
 #include <array>
 #include <climits>
 #include <string_view>

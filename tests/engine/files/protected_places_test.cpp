@@ -3,6 +3,7 @@
 #include "engine/files/ProtectedPlaces.h"
 
 #include "engine/files/SafeRemoval.h"
+#include "platform/linux/ProgramFiles.h"
 #include "support/test.h"
 
 namespace orrinvale {
