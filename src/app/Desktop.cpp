@@ -1,5 +1,4 @@
-// Desktop: see Desktop.h. Screens are the toolkit's to know, since X11 and Wayland tell of them in
-// ways of their own.
+// Screens are the toolkit's to know, since X11 and Wayland tell of them in ways of their own.
 #include "app/Desktop.h"
 
 #include <QGuiApplication>

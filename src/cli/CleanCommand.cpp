@@ -1,4 +1,4 @@
-// orrinvale-cli clean: see CleanCommand.h. engine/cleaning/CategoryScan.h finds what may go.
+// engine/cleaning/CategoryScan.h finds what may go.
 #include "cli/CleanCommand.h"
 
 #include <fmt/format.h>

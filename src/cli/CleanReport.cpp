@@ -1,4 +1,4 @@
-// The forms of `orrinvale-cli clean`: see CleanReport.h.
+// The JSON is written piece by piece: paths are bytes, which libraries for JSON do not take.
 #include "cli/CleanReport.h"
 
 #include <fmt/format.h>

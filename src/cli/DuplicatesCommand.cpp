@@ -1,4 +1,4 @@
-// orrinvale-cli duplicates: see DuplicatesCommand.h. DuplicatesReport.h prints what is found.
+// DuplicatesReport.h prints what is found.
 #include "cli/DuplicatesCommand.h"
 
 #include <fmt/format.h>

@@ -1,4 +1,4 @@
-// The printed forms of a duplicate search: see DuplicatesReport.h.
+// Groups are printed as the search visits them and never gathered, since there may be millions.
 #include "cli/DuplicatesReport.h"
 
 #include <fmt/format.h>

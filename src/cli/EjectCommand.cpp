@@ -1,4 +1,4 @@
-// orrinvale-cli eject: see EjectCommand.h. engine/volumes/VolumesManager.h does the ejecting.
+// engine/volumes/VolumesManager.h does the ejecting.
 #include "cli/EjectCommand.h"
 
 #include <fmt/format.h>

@@ -1,5 +1,4 @@
-// HangLook: see HangLook.h. Two samples of what the threads wait for are compared;
-// platform/blockedCalls.h takes them.
+// Two samples of what the threads wait for are compared; platform/blockedCalls.h takes them.
 #include "cli/HangLook.h"
 
 #include <algorithm>

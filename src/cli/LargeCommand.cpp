@@ -1,5 +1,4 @@
-// orrinvale-cli large: see LargeCommand.h. engine/largefiles/EumeRoot.h scans, LargeReport.h
-// prints.
+// engine/largefiles/EumeRoot.h scans, LargeReport.h prints.
 #include "cli/LargeCommand.h"
 
 #include <fmt/format.h>

@@ -1,5 +1,4 @@
-// The printed forms of a tree of large files: see LargeReport.h. A list of levels stands in for the
-// call stack, since trees may be deeper than that.
+// A list of levels stands in for the call stack, since trees may be deeper than that.
 #include "cli/LargeReport.h"
 
 #include <fmt/format.h>

@@ -1,5 +1,4 @@
-// MemoryReserve: see MemoryReserve.h. The reserve is address space alone; it costs memory only when
-// something else takes its place.
+// The reserve is address space alone; it costs memory only when something else takes its place.
 #include "cli/MemoryReserve.h"
 
 #include <sys/mman.h>

@@ -1,4 +1,5 @@
-// Output and JSON texts: see Output.h.
+// Stretches that need no escape are copied whole; names may be any bytes, so that UTF-8 is checked
+// here.
 #include "cli/Output.h"
 
 #include <fmt/format.h>

@@ -1,5 +1,4 @@
-// SearchWatch: see SearchWatch.h. The signal handler only writes a byte into a pipe; the watching
-// thread does the rest.
+// The signal handler only writes a byte into a pipe; the watching thread does the rest.
 #include "cli/SearchWatch.h"
 
 #include <fcntl.h>

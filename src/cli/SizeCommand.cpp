@@ -1,4 +1,4 @@
-// orrinvale-cli size: see SizeCommand.h. engine/files/TreeSize.h does the measuring.
+// engine/files/TreeSize.h does the measuring.
 #include "cli/SizeCommand.h"
 
 #include <fmt/format.h>

@@ -1,4 +1,4 @@
-// SizeText: see SizeText.h. Whole numbers all the way, so that no size is rounded.
+// Whole numbers all the way, so that no size is rounded.
 #include "cli/SizeText.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// orrinvale-cli volumes: see VolumesCommand.h. engine/volumes/VolumesInfo.h makes the list.
+// engine/volumes/VolumesInfo.h makes the list.
 #include "cli/VolumesCommand.h"
 
 #include <fmt/format.h>

@@ -1,5 +1,5 @@
-// DuplicateScenes: see DuplicateScenes.h. The order matters: the percent shown by the page only
-// climbs while the program runs, so the search is drawn first.
+// The order matters: the percent shown by the page only climbs while the program runs, so the
+// search is drawn first.
 #include "gallery/DuplicateScenes.h"
 
 #include <QAbstractButton>

@@ -1,4 +1,4 @@
-// Checks: see Checks.h. Session.cpp asks the first half once, Run.cpp the second for each request.
+// Session.cpp asks the first half of the checks once, Run.cpp the second for each request.
 #include "helper/Checks.h"
 
 #include <fcntl.h>

@@ -1,4 +1,4 @@
-// EndSignal: see EndSignal.h. The signal is never taken, so that everybody who asks is told.
+// The signal is never taken, so that everybody who asks is told.
 #include "helper/EndSignal.h"
 
 #include <poll.h>

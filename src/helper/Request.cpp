@@ -1,5 +1,4 @@
-// Request: see Request.h. Works on bytes alone and asks the disk nothing; that is done in
-// Checks.cpp.
+// Works on bytes alone and asks the disk nothing; that is done in Checks.cpp.
 #include "helper/Request.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Run: see Run.h. The tool is in Tool.cpp, setting aside in engine/removal/SetAside.cpp.
+// The tool is in Tool.cpp, setting aside in engine/removal/SetAside.cpp.
 #include "helper/Run.h"
 
 #include <cerrno>

@@ -1,5 +1,4 @@
-// Session: see Session.h. What a worker does is in Run.cpp; the caller's side is
-// platform/linux/HelperProcess.cpp.
+// What a worker does is in Run.cpp; the caller's side is platform/linux/HelperProcess.cpp.
 #include "helper/Session.h"
 
 #include <fcntl.h>

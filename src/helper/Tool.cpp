@@ -1,5 +1,5 @@
-// Tool: see Tool.h. It works by a name relative to a folder that is held, so that no path is
-// resolved a second time.
+// The tool works by a name relative to a folder that is held, so that no path is resolved a second
+// time.
 #include "helper/Tool.h"
 
 #include <fcntl.h>

@@ -1,5 +1,4 @@
-// FileUrl: see FileUrl.h. Written by hand since QUrl::toLocalFile() goes through Unicode and loses
-// names that are no UTF-8.
+// Written by hand since QUrl::toLocalFile() goes through Unicode and loses names that are no UTF-8.
 #include "platform/FileUrl.h"
 
 #include <fmt/format.h>

@@ -1,4 +1,4 @@
-// StartRequest: see StartRequest.h. A packet is the letter of the kind, the text, a NUL, the token.
+// A packet is the letter of the kind, the text, a NUL, the token.
 #include "platform/StartRequest.h"
 
 #include <array>

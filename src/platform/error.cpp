@@ -1,5 +1,4 @@
-// Error: see error.h. The words come from the C library's untranslated table, so a log reads the
-// same on every desktop.
+// The words come from the C library's untranslated table, so a log reads the same on every desktop.
 #include "platform/error.h"
 
 #include <fmt/format.h>

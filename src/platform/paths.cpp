@@ -1,4 +1,5 @@
-// Paths as texts: see paths.h.
+// Slash, dot and NUL are the only bytes with a meaning; letters have one in equalIgnoringCase()
+// alone.
 #include "platform/paths.h"
 
 #include <algorithm>

@@ -1,5 +1,4 @@
-// CommandTable: see CommandTable.h. ManualPage.cpp and Completions.cpp write what stands here into
-// their formats.
+// ManualPage.cpp and Completions.cpp write what stands here into their formats.
 #include "cli/pages/CommandTable.h"
 
 #include <algorithm>

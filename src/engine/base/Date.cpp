@@ -1,5 +1,4 @@
-// Date: see Date.h. The calendar is that of <chrono>; only the local offset comes from the C
-// library.
+// The calendar is that of <chrono>; only the local offset comes from the C library.
 #include "engine/base/Date.h"
 
 #include <chrono>

@@ -1,5 +1,4 @@
-// Log: see Log.h. The line goes out by one write(2), so that lines of several threads and processes
-// never mix.
+// The line goes out by one write(2), so that lines of several threads and processes never mix.
 #include "engine/base/Log.h"
 
 #include <unistd.h>

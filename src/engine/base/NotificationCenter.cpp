@@ -1,6 +1,5 @@
-// NotificationCenter: see NotificationCenter.h. The list of one name is never changed in place:
-// each change makes a new list, so a round under way keeps the one that it began with, and handlers
-// run with the lock open.
+// The list of one name is never changed in place: each change makes a new list, so a round under
+// way keeps the one that it began with, and handlers run with the lock open.
 #include "engine/base/NotificationCenter.h"
 
 #include <atomic>

@@ -1,6 +1,5 @@
-// AuthorizedDoor: see AuthorizedDoor.h. Plain removal is engine/removal/PlainDoor, the
-// administrator's tool runs behind platform/authorization.h; neither follows a link, and both make
-// sure of the entry again.
+// Plain removal is engine/removal/PlainDoor, the administrator's tool runs behind
+// platform/authorization.h; neither follows a link, and both make sure of the entry again.
 #include "engine/cleaning/AuthorizedDoor.h"
 
 #include <fmt/format.h>

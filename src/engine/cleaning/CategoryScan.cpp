@@ -1,4 +1,5 @@
-// CategoryScan: see CategoryScan.h.
+// First the rules of the moment, then the scan that walks by them. A fault in the rules closes
+// every folder.
 #include "engine/cleaning/CategoryScan.h"
 
 #include <fmt/format.h>

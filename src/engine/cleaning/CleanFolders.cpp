@@ -1,4 +1,4 @@
-// CleanFolders: see CleanFolders.h.
+// Folders are compared with their links resolved, as they were when the object was made.
 #include "engine/cleaning/CleanFolders.h"
 
 #include <fmt/format.h>

@@ -1,4 +1,5 @@
-// CleanList: see CleanList.h.
+// Rules hold for the folder of a row and are kept by it; running programs are asked once a second
+// at most.
 #include "engine/cleaning/CleanList.h"
 
 #include <fmt/format.h>

@@ -1,4 +1,4 @@
-// The tasks of cleaning: see CleanTasks.h.
+// First how each notice is written and read by its keys, then the operations.
 #include "engine/cleaning/CleanTasks.h"
 
 #include <fmt/format.h>

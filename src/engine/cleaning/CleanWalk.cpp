@@ -1,5 +1,5 @@
-// CleanWalk: see CleanWalk.h. A folder directly in the start is a row, and what is below it adds to
-// that row; a row is complete when the last of its folders is let go of.
+// A folder directly in the start is a row, and what is below it adds to that row; a row is complete
+// when the last of its folders is let go of.
 #include "engine/cleaning/CleanWalk.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// CleanablePlaces: see CleanablePlaces.h. The tables hold the reasons.
+// The tables hold the reasons.
 //
 // Folders below the two system folders always stay: packages make them once, with owners and modes
 // that their services rely on, and most services neither make them again nor start without them.

@@ -1,4 +1,4 @@
-// KeepList: see KeepList.h.
+// A change leaves lines that name no path as they are: they may be a person's own notes.
 #include "engine/cleaning/KeepList.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// ParseFileLog: see ParseFileLog.h.
+// Each field of a record is read for itself: the file may have been damaged, or written by hand.
 #include "engine/cleaning/ParseFileLog.h"
 
 #include <fmt/format.h>

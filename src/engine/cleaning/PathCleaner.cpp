@@ -1,4 +1,4 @@
-// PathCleaner: see PathCleaner.h.
+// A path is a list of one row for RemovalRun, so that what holds for whole lists holds for it.
 #include "engine/cleaning/PathCleaner.h"
 
 #include <fmt/format.h>

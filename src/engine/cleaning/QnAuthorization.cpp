@@ -1,5 +1,4 @@
-// QnAuthorization: see QnAuthorization.h. Here is the right itself; what it is used for is in
-// privilegedRemoval.cpp.
+// Here is the right itself; what it is used for is in privilegedRemoval.cpp.
 #include "engine/cleaning/QnAuthorization.h"
 
 #include <fmt/format.h>

@@ -1,4 +1,4 @@
-// ScanErrand: see ScanErrand.h.
+// Thread and object share one block, which the last of them frees, so that neither needs the other.
 #include "engine/cleaning/ScanErrand.h"
 
 #include <atomic>

@@ -1,4 +1,4 @@
-// ScanViewController: see ScanViewController.h.
+// A thread holds a Scan and never the controller, which may be gone before a slow disk answers.
 #include "engine/cleaning/ScanViewController.h"
 
 #include <fmt/format.h>

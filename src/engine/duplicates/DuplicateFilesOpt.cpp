@@ -1,5 +1,4 @@
-// DuplicateFilesOpt: see DuplicateFilesOpt.h. The order of groups and leaves is decided in
-// visitBundles() and visitFiles().
+// The order of groups and leaves is decided in visitBundles() and visitFiles().
 #include "engine/duplicates/DuplicateFilesOpt.h"
 
 #include <limits>

@@ -1,4 +1,4 @@
-// FindDuplicateApp: see FindDuplicateApp.h. The comparison of two bundles is in CompareDir().
+// The comparison of two bundles is in CompareDir().
 #include "engine/duplicates/FindDuplicateApp.h"
 
 #include <algorithm>

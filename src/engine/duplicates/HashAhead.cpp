@@ -1,4 +1,4 @@
-// HashAhead: see HashAhead.h. hashBatch() names the stages in their order.
+// hashBatch() names the stages in their order.
 #include "engine/duplicates/HashAhead.h"
 
 #include <algorithm>

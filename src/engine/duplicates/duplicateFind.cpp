@@ -1,4 +1,4 @@
-// duplicateFind: see duplicateFind.h. _searchDuplicateFile() names the steps of a search.
+// _searchDuplicateFile() names the steps of a search.
 #include "engine/duplicates/duplicateFind.h"
 
 #include <new>

@@ -1,4 +1,4 @@
-// fileAttrbItem and FileArray: see fileAttrbItem.h.
+// Names are copied into an arena, and a folder once for all the files that follow each other in it.
 #include "engine/duplicates/fileAttrbItem.h"
 
 #include <new>

@@ -1,5 +1,4 @@
-// DurableFile: see DurableFile.h. The order of the system calls in commit() is the point of this
-// file; the tests break each one.
+// The order of the system calls in commit() is the point of this file; the tests break each one.
 #include "engine/files/DurableFile.h"
 
 #include <fcntl.h>

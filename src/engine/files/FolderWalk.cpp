@@ -1,5 +1,5 @@
-// FolderWalk: see FolderWalk.h. A task is a folder, to be opened or to be listed further: while one
-// worker looks at the entries of a large piece of a folder another lists the next one.
+// A task is a folder, to be opened or to be listed further: while one worker looks at the entries
+// of a large piece of a folder another lists the next one.
 #include "engine/files/FolderWalk.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Measuring: see Measuring.h. What is deeper than descriptors reach goes through listTree().
+// What is deeper than descriptors reach goes through listTree().
 #include "engine/files/Measuring.h"
 
 #include <cerrno>

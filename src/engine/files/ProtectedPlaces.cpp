@@ -1,5 +1,4 @@
-// ProtectedPlaces: see ProtectedPlaces.h. Two tables, by path and by identity; folders above a
-// place stand in them as well.
+// Two tables, by path and by identity; folders above a place stand in them as well.
 #include "engine/files/ProtectedPlaces.h"
 
 #include <algorithm>

@@ -1,5 +1,4 @@
-// SafeRemoval: see SafeRemoval.h. HeldEntry tells whether the entry may go; folders are left to
-// TreeRemoval.
+// HeldEntry tells whether the entry may go; folders are left to TreeRemoval.
 #include "engine/files/SafeRemoval.h"
 
 #include <fmt/format.h>

@@ -1,4 +1,4 @@
-// Trash: see Trash.h. Finds the trash that an entry belongs to; TrashFolder moves it there.
+// Finds the trash that an entry belongs to; TrashFolder moves it there.
 #include "engine/files/Trash.h"
 
 #include <fmt/format.h>

@@ -1,5 +1,4 @@
-// TrashFolder: see TrashFolder.h. The record comes first, so that no entry is ever in the trash
-// without one.
+// The record comes first, so that no entry is ever in the trash without one.
 #include "engine/files/TrashFolder.h"
 
 #include <fcntl.h>

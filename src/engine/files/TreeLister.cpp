@@ -1,6 +1,5 @@
-// listTree: see TreeLister.h. A list of levels stands in for the call stack. Only two descriptors
-// are held: on the way back the parent is opened through "..", and must be the folder that was
-// left.
+// A list of levels stands in for the call stack. Only two descriptors are held: on the way back the
+// parent is opened through "..", and must be the folder that was left.
 #include "engine/files/TreeLister.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// TreeSize: see TreeSize.h. Here is the start; Measuring.h walks through folders.
+// Here is the start; Measuring.h walks through folders.
 #include "engine/files/TreeSize.h"
 
 #include <cerrno>

@@ -1,4 +1,4 @@
-// systemPlaces: see systemPlaces.h. The build makes the array out of the property list.
+// The build makes the array out of the property list.
 #include "engine/files/systemPlaces.h"
 
 #include "systemPlaceArray.h"

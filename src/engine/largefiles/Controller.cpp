@@ -1,5 +1,4 @@
-// Controller: see Controller.h. NodeSelection has the rules of the ticks, NodeRemoval the thread
-// that removes.
+// NodeSelection has the rules of the ticks, NodeRemoval the thread that removes.
 #include "engine/largefiles/Controller.h"
 
 #include <fmt/format.h>

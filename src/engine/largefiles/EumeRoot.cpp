@@ -1,5 +1,5 @@
-// EumeRoot: see EumeRoot.h. NodeTreeOperator walks, TreeGrowth makes the tree; here is what lies
-// between them: the chunks that wait, and who takes them in when.
+// NodeTreeOperator walks, TreeGrowth makes the tree; here is what lies between them: the chunks
+// that wait, and who takes them in when.
 #include "engine/largefiles/EumeRoot.h"
 
 #include <atomic>

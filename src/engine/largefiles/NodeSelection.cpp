@@ -1,5 +1,4 @@
-// NodeSelection: see NodeSelection.h. Lists stand in for the call stack, since a tree may be deeper
-// than that.
+// Lists stand in for the call stack, since a tree may be deeper than that.
 #include "engine/largefiles/NodeSelection.h"
 
 #include <algorithm>

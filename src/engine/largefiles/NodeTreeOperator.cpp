@@ -1,5 +1,4 @@
-// NodeTreeOperator: see NodeTreeOperator.h. What is deeper than descriptors reach goes through
-// DeepTree.
+// What is deeper than descriptors reach goes through DeepTree.
 #include "engine/largefiles/NodeTreeOperator.h"
 
 #include <algorithm>

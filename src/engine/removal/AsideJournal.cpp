@@ -1,5 +1,5 @@
-// AsideJournal: see AsideJournal.h. A record is a line: token, device, inode, type, and the path
-// with line breaks and backslashes escaped.
+// A record is a line: token, device, inode, type, and the path with line breaks and backslashes
+// escaped.
 #include "engine/removal/AsideJournal.h"
 
 #include <dirent.h>

@@ -1,5 +1,4 @@
-// RemovalJob: see RemovalJob.h. RemovalRun has the loop; here is the thread, and what it shares
-// with the main one.
+// RemovalRun has the loop; here is the thread, and what it shares with the main one.
 #include "engine/removal/RemovalJob.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// BundleResources: see BundleResources.h. The bytes come from the build as literals.
+// The bytes come from the build as literals.
 #include "engine/settings/BundleResources.h"
 
 #include <cerrno>

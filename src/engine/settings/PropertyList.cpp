@@ -1,5 +1,4 @@
-// PropertyList: see PropertyList.h. Parsing and printing are libplist's; what it can not be trusted
-// with, PropertyListGuard stops.
+// Parsing and printing are libplist's; what it can not be trusted with, PropertyListGuard stops.
 #include "engine/settings/PropertyList.h"
 
 #include <plist/plist.h>

@@ -1,7 +1,7 @@
-// PropertyListGuard: see PropertyListGuard.h. The binary form: "bplist00", objects, a table of
-// their offsets, and a trailer of 32 bytes that tells the width of an offset (byte 6) and of a
-// reference (7), the number of objects (8 to 15) and where the table is (24 to 31); numbers are
-// big-endian. An object begins with a byte of kind (upper half) and count (lower half).
+// The binary form: "bplist00", objects, a table of their offsets, and a trailer of 32 bytes that
+// tells the width of an offset (byte 6) and of a reference (7), the number of objects (8 to 15) and
+// where the table is (24 to 31); numbers are big-endian. An object begins with a byte of kind
+// (upper half) and count (lower half).
 #include "engine/settings/PropertyListGuard.h"
 
 #include <charconv>

@@ -1,4 +1,4 @@
-// SettingsText: see SettingsText.h. No number here passes through the C locale.
+// No number here passes through the C locale.
 #include "engine/settings/SettingsText.h"
 
 #include <fmt/format.h>

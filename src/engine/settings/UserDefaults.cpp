@@ -1,5 +1,4 @@
-// UserDefaults: see UserDefaults.h. The text of the file is SettingsText.h's, its safe replacement
-// DurableFile.h's.
+// The text of the file is SettingsText.h's, its safe replacement DurableFile.h's.
 #include "engine/settings/UserDefaults.h"
 
 #include <fmt/format.h>

@@ -1,4 +1,4 @@
-// Localized: see Localized.h. The source of the table comes from the build as one literal.
+// The source of the table comes from the build as one literal.
 #include "engine/text/Localized.h"
 
 #include <algorithm>

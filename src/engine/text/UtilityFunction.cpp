@@ -1,4 +1,4 @@
-// UtilityFunction: see UtilityFunction.h. The numbers of a text are read by readFloat.
+// The numbers of a text are read by readFloat.
 #include "engine/text/UtilityFunction.h"
 
 #include <fmt/format.h>

@@ -1,5 +1,4 @@
-// readFloat: see readFloat.h. std::from_chars does the rounding; what it leaves open is decided
-// here.
+// std::from_chars does the rounding; what it leaves open is decided here.
 #include "engine/text/readFloat.h"
 
 #include <algorithm>

@@ -1,5 +1,4 @@
-// VolumesInfo: see VolumesInfo.h. First the walk, then the decisions, then the climb from a
-// partition to its disc.
+// First the walk, then the decisions, then the climb from a partition to its disc.
 #include "engine/volumes/VolumesInfo.h"
 
 #include <fmt/format.h>

@@ -1,4 +1,3 @@
-// localRoots: see localRoots.h.
 #include "engine/volumes/localRoots.h"
 
 #include "engine/volumes/VolumesInfo.h"

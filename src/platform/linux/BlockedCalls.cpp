@@ -1,5 +1,5 @@
-// BlockedCalls: proc(5) shows the system call that a thread waits in with its arguments, and so the
-// path, which lies in our own memory.
+// BlockedCalls (platform/blockedCalls.h): proc(5) shows the system call that a thread waits in with
+// its arguments, and so the path, which lies in our own memory.
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/syscall.h>

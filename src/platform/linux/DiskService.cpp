@@ -1,4 +1,4 @@
-// DiskService: see DiskService.h. Names on the bus: the reference of org.freedesktop.UDisks2.
+// Names on the bus: the reference of org.freedesktop.UDisks2.
 #include "platform/linux/DiskService.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// The plan of an ejection: see EjectionPlan.h.
+// Works on what the service has told and asks nobody. Planner::plan() names the steps.
 #include "platform/linux/EjectionPlan.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// The free space of a file system: see platform/freeSpace.h.
+// The free space of a file system (platform/freeSpace.h), asked for after syncfs(2).
 #include "platform/freeSpace.h"
 
 #include <fcntl.h>

@@ -1,4 +1,4 @@
-// HelperPacket: see HelperPacket.h. Requests are read where they are judged, in helper/Request.cpp.
+// Requests are read where they are judged, in helper/Request.cpp.
 #include "platform/linux/HelperPacket.h"
 
 #include <cstring>

@@ -1,4 +1,4 @@
-// HelperProcess: see HelperProcess.h. The other end of the socket is helper/Session.cpp.
+// The other end of the socket is helper/Session.cpp.
 #include "platform/linux/HelperProcess.h"
 
 #include <fcntl.h>

@@ -1,5 +1,4 @@
-// LinuxAuthorization: see LinuxAuthorization.h. Who holds which right; the talk with the helper is
-// in HelperProcess.cpp.
+// Who holds which right; the talk with the helper is in HelperProcess.cpp.
 #include "platform/linux/LinuxAuthorization.h"
 
 #include <sys/random.h>

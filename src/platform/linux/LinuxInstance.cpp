@@ -1,5 +1,5 @@
-// ProgramInstance on Linux: flock(2), a datagram socket (unix(7)), and LinuxInstanceBus.cpp for the
-// session bus.
+// ProgramInstance (platform/instance.h): flock(2), a datagram socket (unix(7)), and
+// LinuxInstanceBus.cpp for the session bus.
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <poll.h>

@@ -1,4 +1,5 @@
-// Looking at files in memory through a mapping, safe against files that shrink meanwhile.
+// LinuxFileSystem: looking at files in memory through a mapping, safe against files that shrink
+// meanwhile.
 //
 // Large files that are in memory are hashed a third faster this way than by reading, which copies
 // them. The price is SIGBUS: a mapped page behind the new end of a file that was cut raises it. The

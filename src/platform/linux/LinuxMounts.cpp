@@ -1,4 +1,5 @@
-// What scans and removals ask of the table of mounts. The table itself is in MountTable.h.
+// LinuxFileSystem: what scans and removals ask of the table of mounts. The table itself is in
+// MountTable.h.
 #include <sys/sysmacros.h>
 
 #include <algorithm>

@@ -1,5 +1,5 @@
-// Process over posix_spawn(3). A thread for each program waits for its end, so that the signal
-// SIGCHLD stays with whoever uses it.
+// Process (platform/process.h) over posix_spawn(3). A thread for each program waits for its end, so
+// that the signal SIGCHLD stays with whoever uses it.
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>

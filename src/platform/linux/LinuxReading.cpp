@@ -1,4 +1,4 @@
-// Reading on Linux, leaving the page cache as it was.
+// LinuxFileSystem: reading, leaving the page cache as it was.
 //
 // Where kernel and file system have it, every read carries RWF_DONTCACHE: pages that the read
 // itself brought in go when it is done, pages that somebody else had stay. Elsewhere the residency

@@ -1,4 +1,5 @@
-// What removing needs of Linux: holding folders by path, opening, moving and removing by name.
+// LinuxFileSystem: what removing needs of it: holding folders by path, opening, moving and removing
+// by name.
 #include <fcntl.h>
 #include <linux/fs.h>
 #include <linux/magic.h>

@@ -1,5 +1,4 @@
-// LinuxSystem: see LinuxSystem.h. The release text is read once a question; nobody asks more than
-// once a start.
+// The release text is read once a question; nobody asks more than once a start.
 #include "platform/linux/LinuxSystem.h"
 
 #include <sys/utsname.h>

@@ -1,5 +1,4 @@
-// The choice of volumes: see LinuxVolumesChoice.h. First the kinds of file systems, then hiding,
-// then one mount a device.
+// First the kinds of file systems, then hiding, then one mount a device.
 #include "platform/linux/LinuxVolumesChoice.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
-// Block devices: see LinuxVolumesDevices.h. What the kernel's folders look like:
-// Documentation/ABI/stable/sysfs-block and testing/sysfs-devices-removable of the kernel's sources;
-// udev's state: one file a device, "E:NAME=value" a line.
+// What the kernel's folders look like: Documentation/ABI/stable/sysfs-block and
+// testing/sysfs-devices-removable of the kernel's sources; udev's state: one file a device,
+// "E:NAME=value" a line.
 #include "platform/linux/LinuxVolumesDevices.h"
 
 #include <fmt/format.h>

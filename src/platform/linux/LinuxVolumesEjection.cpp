@@ -1,5 +1,4 @@
-// LinuxVolumesEjection: see LinuxVolumesEjection.h. First all that speaks against an ejection, then
-// the ejection itself.
+// First all that speaks against an ejection, then the ejection itself.
 #include "platform/linux/LinuxVolumesEjection.h"
 
 #include <fmt/format.h>

@@ -1,6 +1,5 @@
-// How full mounts are: see LinuxVolumesSpace.h. The threads are detached and share one block of
-// state that the last of them frees, for a thread within a dead mount ends when the mount answers,
-// which may be never.
+// The threads are detached and share one block of state that the last of them frees, for a thread
+// within a dead mount ends when the mount answers, which may be never.
 #include "platform/linux/LinuxVolumesSpace.h"
 
 #include <fcntl.h>

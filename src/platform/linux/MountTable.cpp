@@ -1,4 +1,5 @@
-// The table of mounts: see MountTable.h.
+// What stands before " - " in a line and what stands behind it are taken apart by themselves: the
+// tags between them vary in number.
 #include "platform/linux/MountTable.h"
 
 #include <algorithm>

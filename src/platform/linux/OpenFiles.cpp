@@ -1,4 +1,4 @@
-// What running programs have open: see platform/openFiles.h. proc(5) says what is read.
+// What running programs have open (platform/openFiles.h). proc(5) says what is read.
 #include "platform/openFiles.h"
 
 #include <fmt/format.h>

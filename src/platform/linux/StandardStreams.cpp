@@ -1,5 +1,5 @@
-// StandardStreams: open(2) gives the lowest free number, so that a gap is filled by opening until
-// none is left.
+// StandardStreams (platform/standardStreams.h): open(2) gives the lowest free number, so that a gap
+// is filled by opening until none is left.
 #include <fcntl.h>
 #include <unistd.h>
 

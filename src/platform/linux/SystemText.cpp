@@ -1,4 +1,4 @@
-// Small texts: see SystemText.h.
+// Files of /proc and /sys do not tell their size, so that all are read on until they end.
 #include "platform/linux/SystemText.h"
 
 #include <dirent.h>

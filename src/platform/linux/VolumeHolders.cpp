@@ -1,4 +1,4 @@
-// Holders of a volume: see VolumeHolders.h. What /proc tells of a program: proc(5).
+// What /proc tells of a program: proc(5).
 #include "platform/linux/VolumeHolders.h"
 
 #include <fmt/format.h>

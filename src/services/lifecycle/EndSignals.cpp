@@ -1,5 +1,4 @@
-// EndSignals: see EndSignals.h. A handler may only write a byte (signal-safety(7)); the event loop
-// reads it.
+// A handler may only write a byte (signal-safety(7)); the event loop reads it.
 #include "services/lifecycle/EndSignals.h"
 
 #include <fcntl.h>

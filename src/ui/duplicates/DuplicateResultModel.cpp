@@ -1,4 +1,4 @@
-// DuplicateResultModel: see DuplicateResultModel.h. groupId() and copyId() say what an index holds.
+// groupId() and copyId() say what an index holds.
 #include "ui/duplicates/DuplicateResultModel.h"
 
 #include <fmt/format.h>

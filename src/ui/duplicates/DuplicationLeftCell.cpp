@@ -1,4 +1,3 @@
-// DuplicationLeftCell: see DuplicationLeftCell.h.
 #include "ui/duplicates/DuplicationLeftCell.h"
 
 #include "engine/base/notices.h"

@@ -1,4 +1,3 @@
-// ResultOutline: see ResultOutline.h.
 #include "ui/duplicates/ResultOutline.h"
 
 #include "ui/kit/lists/FlatHeader.h"

@@ -1,4 +1,5 @@
-// SameFileDeleteViews: see SameFileDeleteViews.h.
+// FolderStart and ResultFrame make what both pages have; here is what only this one has. The
+// engine's titles of the rows stand here again, to be translated.
 #include "ui/duplicates/SameFileDeleteViews.h"
 
 #include <QHBoxLayout>

@@ -1,4 +1,4 @@
-// showDisappearingEffect: see showDisappearingEffect.h.
+// The cloud is a widget that ends itself, so that nobody has to keep it.
 #include "ui/duplicates/showDisappearingEffect.h"
 
 #include <QPainter>

@@ -1,4 +1,3 @@
-// CustomHeaderCell: see CustomHeaderCell.h.
 #include "ui/largefiles/CustomHeaderCell.h"
 
 #include "ui/kit/look/Theme.h"

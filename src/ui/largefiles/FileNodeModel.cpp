@@ -1,4 +1,4 @@
-// FileNodeModel: see FileNodeModel.h.
+// columns() says what each column shows; the rest answers LevelModel, which keeps the rows.
 #include "ui/largefiles/FileNodeModel.h"
 
 #include <QLocale>

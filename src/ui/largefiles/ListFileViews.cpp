@@ -1,4 +1,4 @@
-// ListFileViews: see ListFileViews.h.
+// FolderStart and ResultFrame make what both pages have; here is what only this one has.
 #include "ui/largefiles/ListFileViews.h"
 
 #include <QHBoxLayout>

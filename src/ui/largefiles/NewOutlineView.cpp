@@ -1,4 +1,3 @@
-// NewOutlineView: see NewOutlineView.h.
 #include "ui/largefiles/NewOutlineView.h"
 
 #include <QKeyEvent>

@@ -1,4 +1,4 @@
-// ProgressWindowController: see ProgressWindowController.h.
+// A stop only greys the button: the removal finishes its entry and tells of the end by 100 percent.
 #include "ui/largefiles/ProgressWindowController.h"
 
 #include <QHBoxLayout>

@@ -1,4 +1,4 @@
-// QnProgressView: see QnProgressView.h.
+// Drawn by the exact percent; the value of the progress bar, a whole number, is for screen readers.
 #include "ui/largefiles/QnProgressView.h"
 
 #include <QPainter>

@@ -1,4 +1,4 @@
-// AppPrefsWindowController: see AppPrefsWindowController.h.
+// A page is a descriptor until it is first shown; makeView() makes it then.
 #include "ui/preferences/AppPrefsWindowController.h"
 
 #include <QCoreApplication>

@@ -1,4 +1,4 @@
-// DBPrefsWindowController: see DBPrefsWindowController.h.
+// The page that goes fades as a picture, so that the one that comes has the window at once.
 #include "ui/preferences/DBPrefsWindowController.h"
 
 #include <QGuiApplication>

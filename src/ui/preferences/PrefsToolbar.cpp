@@ -1,4 +1,5 @@
-// PrefsToolbar: see PrefsToolbar.h.
+// The layout is the only list of the items: places, spaces and the way of the arrow keys come from
+// it.
 #include "ui/preferences/PrefsToolbar.h"
 
 #include <QActionGroup>

@@ -1,4 +1,4 @@
-// ToolbarItem: see ToolbarItem.h.
+// Laid out by hand, since the picture or the label may be missing.
 #include "ui/preferences/ToolbarItem.h"
 
 #include <QHelpEvent>

@@ -1,4 +1,4 @@
-// AppDelegate: see AppDelegate.h.
+// leave() is the one way out: a removal under way gets the time to finish its entry.
 #include "ui/shell/AppDelegate.h"
 
 #include <fmt/format.h>

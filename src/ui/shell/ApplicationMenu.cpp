@@ -1,4 +1,4 @@
-// ApplicationMenu: see ApplicationMenu.h.
+// The order of the menu is that of the constructor; what has to be told of begins greyed or hidden.
 #include "ui/shell/ApplicationMenu.h"
 
 #include <QAction>

@@ -1,4 +1,4 @@
-// FileIcons: see FileIcons.h.
+// Only the suffix counts, and the desktop is asked once for each.
 #include "ui/shell/FileIcons.h"
 
 #include <QMimeDatabase>

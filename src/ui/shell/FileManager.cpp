@@ -1,4 +1,4 @@
-// FileManager: see FileManager.h.
+// Other programs do the work and none is waited for: how it went arrives through the event loop.
 #include "ui/shell/FileManager.h"
 
 #include <fmt/format.h>

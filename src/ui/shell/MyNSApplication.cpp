@@ -1,4 +1,5 @@
-// MyNSApplication: see MyNSApplication.h.
+// An editing key calls the slot of that name of whatever has the focus, so that any class of field
+// takes part.
 #include "ui/shell/MyNSApplication.h"
 
 #include <QLineEdit>

@@ -1,4 +1,5 @@
-// PreviewWindow: see PreviewWindow.h.
+// A file shows its icon at first. What is read comes later, and is dropped when another is shown by
+// then.
 #include "ui/shell/PreviewWindow.h"
 
 #include <QCoreApplication>

@@ -1,7 +1,7 @@
-// StallCounter: see StallCounter.h. Where in a turn the loop says that it wakes and blocks differs:
-// the dispatcher over GLib wakes after the events of a turn, the plain one before the posted events
-// and before it waits for timers. So a turn is begun by the first event itself, and ended by
-// whichever of the two comes first.
+// Where in a turn the loop says that it wakes and blocks differs: the dispatcher over GLib wakes
+// after the events of a turn, the plain one before the posted events and before it waits for
+// timers. So a turn is begun by the first event itself, and ended by whichever of the two comes
+// first.
 #include "ui/shell/StallCounter.h"
 
 #include <fmt/format.h>

@@ -1,4 +1,4 @@
-// TitleTab: see TitleTab.h.
+// The pointer changes the text alone; the picture says which page is shown.
 #include "ui/shell/TitleTab.h"
 
 #include <QPainter>

@@ -1,4 +1,4 @@
-// previewContent: see previewContent.h.
+// A picture is tried first, then a text; what is neither shows its facts alone.
 #include "ui/shell/previewContent.h"
 
 #include <dirent.h>

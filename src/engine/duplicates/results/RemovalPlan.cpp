@@ -1,4 +1,4 @@
-// RemovalPlan: see RemovalPlan.h. BundleLook.h compares bundles, engine/removal/CopyLook.h files.
+// BundleLook.h compares bundles, engine/removal/CopyLook.h files.
 #include "engine/duplicates/results/RemovalPlan.h"
 
 #include <algorithm>

@@ -1,5 +1,4 @@
-// TreeNode: see TreeNode.h. Walks keep their own stack of nodes, as a tree may be deeper than the
-// thread's stack.
+// Walks keep their own stack of nodes, as a tree may be deeper than the thread's stack.
 #include "engine/duplicates/tree/TreeNode.h"
 
 #include <algorithm>

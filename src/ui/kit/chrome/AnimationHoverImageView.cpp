@@ -1,5 +1,5 @@
-// AnimationHoverImageView: see AnimationHoverImageView.h. A fade starts from whatever is on the
-// screen, so that a pointer that passes quickly causes no jump.
+// A fade starts from whatever is on the screen, so that a pointer that passes quickly causes no
+// jump.
 #include "ui/kit/chrome/AnimationHoverImageView.h"
 
 #include <QEvent>

@@ -1,4 +1,4 @@
-// HoverButton: see HoverButton.h. Its looks come from buttonLook.h.
+// The looks come from buttonLook.h.
 #include "ui/kit/chrome/HoverButton.h"
 
 #include <QPainter>

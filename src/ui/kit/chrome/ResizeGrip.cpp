@@ -1,5 +1,4 @@
-// ResizeGrip: see ResizeGrip.h. TCImageWindow has eight of them above everything else; WindowDrag
-// does the resizing.
+// TCImageWindow has eight grips above everything else; WindowDrag does the resizing.
 #include "ui/kit/chrome/ResizeGrip.h"
 
 #include <QMouseEvent>

@@ -1,5 +1,4 @@
-// TCImageButton: see TCImageButton.h. Its looks come from buttonLook.h, its pictures from
-// picture.h.
+// The looks come from buttonLook.h, the pictures from picture.h.
 #include "ui/kit/chrome/TCImageButton.h"
 
 #include <QEvent>

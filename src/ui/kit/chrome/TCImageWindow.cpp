@@ -1,5 +1,4 @@
-// TCImageWindow: see TCImageWindow.h. Two rectangles everywhere: the frame that the user sees, and
-// the widget with the shadow.
+// Two rectangles everywhere: the frame that the user sees, and the widget with the shadow.
 #include "ui/kit/chrome/TCImageWindow.h"
 
 #include <QCloseEvent>

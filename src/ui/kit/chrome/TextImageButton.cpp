@@ -1,4 +1,4 @@
-// TextImageButton: see TextImageButton.h. Colours by role and look stand in one table below.
+// Colours by role and look stand in one table below.
 #include "ui/kit/chrome/TextImageButton.h"
 
 #include <QHelpEvent>

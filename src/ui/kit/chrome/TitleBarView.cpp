@@ -1,5 +1,5 @@
-// TitleBarView: see TitleBarView.h. A press becomes a drag only once the pointer has moved: a
-// window manager that has taken over at the press would swallow the double click.
+// A press becomes a drag only once the pointer has moved: a window manager that has taken over at
+// the press would swallow the double click.
 #include "ui/kit/chrome/TitleBarView.h"
 
 #include <QApplication>

@@ -1,4 +1,4 @@
-// ToplineView: see ToplineView.h. TitleBarView keeps it as large as itself.
+// TitleBarView keeps this view as large as itself.
 #include "ui/kit/chrome/ToplineView.h"
 
 #include <QPainter>

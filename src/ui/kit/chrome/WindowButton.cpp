@@ -1,5 +1,5 @@
-// WindowButton: see WindowButton.h. The signs are always there: ones that come only under the
-// pointer leave three dots without a label.
+// The signs are always there: ones that come only under the pointer leave three dots without a
+// label.
 #include "ui/kit/chrome/WindowButton.h"
 
 #include <QPainter>

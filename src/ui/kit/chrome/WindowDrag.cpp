@@ -1,4 +1,4 @@
-// WindowDrag: see WindowDrag.h. The arithmetic of edges stands in frameGeometry.h.
+// The arithmetic of edges stands in frameGeometry.h.
 #include "ui/kit/chrome/WindowDrag.h"
 
 #include <QGuiApplication>

@@ -1,5 +1,4 @@
-// WindowShadow: see WindowShadow.h. The shadow is one small picture, stretched along the edges, and
-// kept between paintings.
+// The shadow is one small picture, stretched along the edges, and kept between paintings.
 #include "ui/kit/chrome/WindowShadow.h"
 
 #include <QImage>

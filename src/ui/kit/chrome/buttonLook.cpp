@@ -1,4 +1,4 @@
-// buttonLook: see buttonLook.h. DrawnButton.h brings it to the buttons.
+// DrawnButton.h brings the looks to the buttons.
 #include "ui/kit/chrome/buttonLook.h"
 
 #include <QAbstractButton>

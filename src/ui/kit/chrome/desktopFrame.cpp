@@ -1,4 +1,4 @@
-// desktopFrame: see desktopFrame.h. What an X server knows is asked in x11Desktop.cpp.
+// What an X server knows is asked in x11Desktop.cpp.
 #include "ui/kit/chrome/desktopFrame.h"
 
 #include <QByteArray>

@@ -1,4 +1,4 @@
-// frameGeometry: see frameGeometry.h. TCImageWindow puts these rectangles on the screen.
+// TCImageWindow puts these rectangles on the screen.
 #include "ui/kit/chrome/frameGeometry.h"
 
 #include <fmt/format.h>

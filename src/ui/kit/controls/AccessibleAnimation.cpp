@@ -1,4 +1,4 @@
-// AccessibleAnimation: see AccessibleAnimation.h.
+// Only the value is added to what the toolkit says of any widget, and a reader can not set it.
 #include "ui/kit/controls/AccessibleAnimation.h"
 
 #include <QAccessibleWidget>

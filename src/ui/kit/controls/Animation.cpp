@@ -1,5 +1,4 @@
-// Animation: see Animation.h. Three ways to place the strip, each with the arithmetic that its
-// pages count on.
+// Three ways to place the strip, each with the arithmetic that its pages count on.
 #include "ui/kit/controls/Animation.h"
 
 #include <QAccessible>

@@ -1,5 +1,4 @@
-// DragView: see DragView.h. The events of Qt's drag and drop are led through the four steps of a
-// drag destination.
+// The events of Qt's drag and drop are led through the four steps of a drag destination.
 #include "ui/kit/controls/DragView.h"
 
 #include <QDragEnterEvent>

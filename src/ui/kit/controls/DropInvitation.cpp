@@ -1,4 +1,4 @@
-// DropInvitation: see DropInvitation.h.
+// Takes its size when it is shown, since nobody resizes a window in the middle of a drag.
 #include "ui/kit/controls/DropInvitation.h"
 
 #include <QPainter>

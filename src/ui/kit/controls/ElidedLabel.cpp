@@ -1,4 +1,5 @@
-// ElidedLabel: see ElidedLabel.h.
+// QLabel never cuts a text, so it is painted here, by the style, which knows how a disabled one
+// looks.
 #include "ui/kit/controls/ElidedLabel.h"
 
 #include <QPainter>

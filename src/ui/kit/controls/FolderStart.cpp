@@ -1,4 +1,5 @@
-// FolderStart: see FolderStart.h.
+// What the column takes first comes first for the Tab key, so that the order here is not the one on
+// screen.
 #include "ui/kit/controls/FolderStart.h"
 
 #include <QCoreApplication>

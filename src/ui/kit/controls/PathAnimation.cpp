@@ -1,4 +1,5 @@
-// PathAnimation: see PathAnimation.h.
+// Each flight, also one that never moves, ends in animationDidStop(): the page waits for the
+// callback.
 #include "ui/kit/controls/PathAnimation.h"
 
 #include <QLabel>

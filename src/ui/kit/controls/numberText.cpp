@@ -1,4 +1,4 @@
-// numberText: see numberText.h.
+// The engine's numbers have a dot; what stands in its place is a text to be translated like others.
 #include "ui/kit/controls/numberText.h"
 
 #include <QCoreApplication>

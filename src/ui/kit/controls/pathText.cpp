@@ -1,4 +1,4 @@
-// pathText: see pathText.h.
+// Cuts are tried from the mildest on and measured in pixels; the first that fits is taken.
 #include "ui/kit/controls/pathText.h"
 
 #include <QStringList>

@@ -1,4 +1,3 @@
-// viewParts: see viewParts.h.
 #include "ui/kit/controls/viewParts.h"
 
 #include <QLabel>

@@ -1,4 +1,4 @@
-// AlertPanel: see AlertPanel.h.
+// Sign and texts follow the theme by themselves, as a sheet may be open while it changes.
 #include "ui/kit/dialogs/AlertPanel.h"
 
 #include <QHBoxLayout>

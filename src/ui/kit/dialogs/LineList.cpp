@@ -1,4 +1,4 @@
-// LineList: see LineList.h.
+// One text field and not a list, so that any part of the lines can be marked and copied.
 #include "ui/kit/dialogs/LineList.h"
 
 #include <QClipboard>

@@ -1,4 +1,4 @@
-// Sheet: see Sheet.h. What goes into the panel stands in AlertPanel.cpp.
+// What goes into the panel stands in AlertPanel.cpp.
 #include "ui/kit/dialogs/Sheet.h"
 
 #include <QApplication>

@@ -1,4 +1,5 @@
-// WindowDialogs: see WindowDialogs.h.
+// Which window a sheet goes over, and the chooser of paths, which is the toolkit's with rules of
+// ours.
 #include "ui/kit/dialogs/WindowDialogs.h"
 
 #include <QAccessible>

@@ -1,4 +1,4 @@
-// failureWords: see failureWords.h. The tables hold the words that lower floors use.
+// The tables hold the words that lower floors use.
 #include "ui/kit/dialogs/failureWords.h"
 
 #include <QCoreApplication>

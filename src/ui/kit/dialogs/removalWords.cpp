@@ -1,4 +1,4 @@
-// removalWords: see removalWords.h.
+// Reasons are counted by their words: errors that read alike are one reason to a person.
 #include "ui/kit/dialogs/removalWords.h"
 
 #include <QCoreApplication>

@@ -1,4 +1,5 @@
-// AccessibleCell: see AccessibleCell.h.
+// View and model are asked each time, and nothing is kept: a cell outlives its row, and is invalid
+// then.
 #include "ui/kit/lists/AccessibleCell.h"
 
 #include <QHeaderView>

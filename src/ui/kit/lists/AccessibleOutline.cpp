@@ -1,6 +1,6 @@
-// AccessibleOutline: see AccessibleOutline.h. Children are counted as the toolkit counts them in
-// its events: the header's cells first, then those of the open rows from top to bottom. The box
-// over the list, which lies in the header, comes last.
+// Children are counted as the toolkit counts them in its events: the header's cells first, then
+// those of the open rows from top to bottom. The box over the list, which lies in the header, comes
+// last.
 #include "ui/kit/lists/AccessibleOutline.h"
 
 #include <QAccessibleWidget>

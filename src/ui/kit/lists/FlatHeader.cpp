@@ -1,4 +1,4 @@
-// FlatHeader: see FlatHeader.h.
+// Sections paint no ground: it is painted once, behind all of them and where there is none.
 #include "ui/kit/lists/FlatHeader.h"
 
 #include <QMouseEvent>

@@ -1,4 +1,4 @@
-// LeftRail: see LeftRail.h.
+// Rows are never taken away, so that the number which a row has at first stays its own.
 #include "ui/kit/lists/LeftRail.h"
 
 #include <QVBoxLayout>

@@ -1,4 +1,4 @@
-// LeftRow: see LeftRow.h.
+// The row is drawn in one piece. Only the box is a widget, and it shows what the page set last.
 #include "ui/kit/lists/LeftRow.h"
 
 #include <QKeyEvent>

@@ -1,4 +1,4 @@
-// RowDelegate: see RowDelegate.h. A Cell is one cell while it is drawn, from its start to its end.
+// A Cell is one cell while it is drawn, from its start to its end.
 #include "ui/kit/lists/RowDelegate.h"
 
 #include <QApplication>

@@ -1,4 +1,4 @@
-// TickBox: see TickBox.h.
+// To keys and screen readers a QCheckBox; the looks are paintTickBox.h's.
 #include "ui/kit/lists/TickBox.h"
 
 #include <QPainter>

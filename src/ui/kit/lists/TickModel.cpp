@@ -1,4 +1,5 @@
-// TickModel: see TickModel.h.
+// What the table of columns decides by itself: widths, titles, and which column has boxes and
+// names.
 #include "ui/kit/lists/TickModel.h"
 
 namespace orrinvale {

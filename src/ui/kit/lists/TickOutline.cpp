@@ -1,4 +1,5 @@
-// TickOutline: see TickOutline.h.
+// Hundreds of thousands of rows may be open, so that a row's number is computed from its height,
+// and a change redraws what is in view.
 #include "ui/kit/lists/TickOutline.h"
 
 #include <QAccessible>

@@ -1,4 +1,4 @@
-// columnWidths: see columnWidths.h.
+// A date with two digits in every place stands for all dates.
 #include "ui/kit/lists/columnWidths.h"
 
 #include <QDateTime>

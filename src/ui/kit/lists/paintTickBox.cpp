@@ -1,4 +1,4 @@
-// paintTickBox: see paintTickBox.h.
+// From the ground up: halo, plate, picture, ring. The plate is for rows of the accent's own colour.
 #include "ui/kit/lists/paintTickBox.h"
 
 #include <QPainter>

@@ -1,5 +1,4 @@
-// HouseStyle: see HouseStyle.h. A style sheet would do the same, but it takes the row heights of
-// every view with it.
+// A style sheet would do the same, but it takes the row heights of every view with it.
 #include "ui/kit/look/HouseStyle.h"
 
 #include <QPainter>

@@ -1,4 +1,5 @@
-// Translations: see Translations.h.
+// The first language with texts of our own decides; the toolkit's texts follow it where they are
+// installed.
 #include "ui/kit/look/Translations.h"
 
 #include <QCoreApplication>

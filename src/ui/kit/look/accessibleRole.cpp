@@ -1,4 +1,5 @@
-// accessibleRole: see accessibleRole.h.
+// The traits are a child object of the widget; the factory that the toolkit asks for interfaces
+// looks for them there.
 #include "ui/kit/look/accessibleRole.h"
 
 #include <QAccessibleWidget>

@@ -1,4 +1,4 @@
-// menuLook: see menuLook.h.
+// The toolkit hands title and keys over as one text with a tab between them.
 #include "ui/kit/look/menuLook.h"
 
 #include <QPainter>

@@ -1,5 +1,5 @@
-// motion: see motion.h. Qt 6.4 does not hand on what the desktops store, so their files are read
-// here. What their settings service says comes through Theme, which listens to it.
+// Qt 6.4 does not hand on what the desktops store, so their files are read here. What their
+// settings service says comes through Theme, which listens to it.
 #include "ui/kit/look/motion.h"
 
 #include <QSettings>
