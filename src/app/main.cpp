@@ -22,6 +22,7 @@
 #include "platform/instance.h"
 #include "platform/linux/LinuxAuthorization.h"
 #include "platform/linux/LinuxFiles.h"
+#include "platform/linux/LinuxMemory.h"
 #include "platform/linux/LinuxMountChanges.h"
 #include "platform/linux/LinuxPermissions.h"
 #include "platform/linux/LinuxSystem.h"
@@ -215,7 +216,8 @@ int main(int argc, char** argv) {
     orrinvale::UtilityFunction::getMyFunction().setSystem(&system);
     if (orrinvale::UtilityFunction::isBelow1050SystemVer()) return 0;
 
-    const std::int32_t memoryRun = orrinvale::ClearMemory::freeMemory(argc, argv);
+    const std::int32_t memoryRun =
+        orrinvale::ClearMemory::freeMemory(argc, argv, orrinvale::LinuxMemory());
     if (memoryRun != -1) return memoryRun;
     return orrinvale::start(argc, argv);
 }

@@ -5,6 +5,7 @@
 #include "cli/DuplicatesCommand.h"
 #include "cli/EjectCommand.h"
 #include "cli/LargeCommand.h"
+#include "cli/MemoryCommand.h"
 #include "cli/SizeCommand.h"
 #include "cli/VolumesCommand.h"
 
@@ -17,6 +18,7 @@ CommandSet::CommandSet() {
     m_commands.push_back(std::make_unique<CleanCommand>(m_files, m_volumes));
     m_commands.push_back(std::make_unique<VolumesCommand>(m_volumes));
     m_commands.push_back(std::make_unique<EjectCommand>(m_volumes));
+    m_commands.push_back(std::make_unique<MemoryCommand>(m_memory));
 }
 
 }  // namespace orrinvale::cli

@@ -6,6 +6,7 @@
 
 #include "cli/Command.h"
 #include "platform/linux/LinuxFiles.h"
+#include "platform/linux/LinuxMemory.h"
 #include "platform/linux/LinuxVolumes.h"
 
 namespace orrinvale::cli {
@@ -24,6 +25,7 @@ public:
 private:
     const LinuxFileSystem m_files;
     LinuxVolumes m_volumes;
+    const LinuxMemory m_memory;
     Commands m_commands;
 };
 

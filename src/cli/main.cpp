@@ -15,9 +15,11 @@
 #include "cli/Output.h"
 #include "cli/unknownWord.h"
 #include "engine/base/Log.h"
+#include "engine/memory/ClearMemory.h"
 #include "engine/removal/AsideJournal.h"
 #include "engine/settings/UserFolders.h"
 #include "platform/linux/LinuxFiles.h"
+#include "platform/linux/LinuxMemory.h"
 #include "platform/standardStreams.h"
 
 namespace orrinvale::cli {
@@ -148,6 +150,13 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     orrinvale::fillStandardStreams();
+    // The process that `memory --free` starts. Only as the first word: behind a command "fr" may be
+    // the name of a file.
+    if (argc > 1 && std::string_view(argv[1]) == "fr") {
+        const auto status =
+            orrinvale::ClearMemory::freeMemory(argc, argv, orrinvale::LinuxMemory());
+        if (status != -1) return status;
+    }
     orrinvale::cli::keepMemoryReserve();
     return orrinvale::cli::run(argc, argv);
 }

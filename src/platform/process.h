@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,7 +18,7 @@ public:
     /// Starts the program at an absolute path, with these arguments behind its name. No shell reads
     /// them. It works in "/", so that an argument that is no absolute path names nothing of the
     /// user's. `ended` is called once, on a thread of its own, when the program has ended, however
-    /// it did.
+    /// it did; it may be empty.
     [[nodiscard]] static SysResult<std::unique_ptr<Process>> start(
         const std::string& program, const std::vector<std::string>& arguments,
         std::function<void()> ended);
@@ -29,6 +30,10 @@ public:
 
     /// Asks the program to end. Its end is told as usual.
     void terminate();
+
+    /// With what the program ended: its exit status, or the number of the signal that ended it.
+    /// Nothing while it runs.
+    [[nodiscard]] std::optional<int> endStatus() const;
 
 private:
     struct Shared;

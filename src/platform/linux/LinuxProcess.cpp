@@ -61,8 +61,10 @@ struct Process::Shared {
         std::function<void()> tell;
         {
             const std::lock_guard guard(mutex);
-            while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {}
+            int ending = 0;
+            while (::waitpid(child, &ending, 0) < 0 && errno == EINTR) {}
             child = -1;
+            status = WIFSIGNALED(ending) ? WTERMSIG(ending) : WEXITSTATUS(ending);
             tell = std::move(ended);
         }
         if (tell) tell();
@@ -70,6 +72,7 @@ struct Process::Shared {
 
     std::mutex mutex;             // guards what follows
     pid_t child = -1;             // -1 once it has ended
+    std::optional<int> status;    // once it has ended
     std::function<void()> ended;  // empty when nobody wants to know
 };
 
@@ -97,6 +100,11 @@ Process::~Process() {
 void Process::terminate() {
     const std::lock_guard guard(m_shared->mutex);
     if (m_shared->child > 0) ::kill(m_shared->child, SIGTERM);
+}
+
+std::optional<int> Process::endStatus() const {
+    const std::lock_guard guard(m_shared->mutex);
+    return m_shared->status;
 }
 
 }  // namespace orrinvale

@@ -54,7 +54,7 @@ std::vector<std::string> programFilesAround(const std::string& executable) {
     return found;
 }
 
-std::vector<std::string> programFiles() {
+std::string ownExecutable() {
     std::array<char, PATH_MAX> text;
     const ssize_t length = ::readlink("/proc/self/exe", text.data(), text.size());
     if (length <= 0) return {};
@@ -62,7 +62,12 @@ std::vector<std::string> programFiles() {
     // An update has put another file there while the program runs; that one is ours too.
     constexpr std::string_view replaced = " (deleted)";
     if (executable.ends_with(replaced)) executable.resize(executable.size() - replaced.size());
-    return programFilesAround(executable);
+    return executable;
+}
+
+std::vector<std::string> programFiles() {
+    const std::string executable = ownExecutable();
+    return executable.empty() ? std::vector<std::string>() : programFilesAround(executable);
 }
 
 }  // namespace orrinvale

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "engine/memory/ClearMemory.h"
+#include "engine/memory/FakeMemory.h"
 #include "support/test.h"
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -14,8 +15,15 @@
 namespace orrinvale {
 namespace {
 
-std::int32_t run(const std::vector<const char*>& arguments) {
-    return ClearMemory::freeMemory(static_cast<int>(arguments.size()), arguments.data());
+using testing::FakeMemory;
+
+const FakeMemory& plenty() {
+    static const FakeMemory memory;
+    return memory;
+}
+
+std::int32_t run(const std::vector<const char*>& arguments, const Memory& memory = plenty()) {
+    return ClearMemory::freeMemory(static_cast<int>(arguments.size()), arguments.data(), memory);
 }
 
 TEST(ClearMemory, OnlyAPairOfTheWordAndASizeIsARun) {
@@ -54,10 +62,10 @@ long peak() {
 /// How far the memory held grows at the peak of a run, in KiB; -1 when the run fails. Called in a
 /// child, as the reset is for the process. (The peak of getrusage would not do: a child begins with
 /// its parent's.)
-long growth(const char* size) {
+long growth(const char* size, const Memory& memory = plenty()) {
     std::ofstream("/proc/self/clear_refs") << "5" << std::flush;
     const long before = peak();
-    return run({"p", "fr", size}) == 0 ? peak() - before : -1;
+    return run({"p", "fr", size}, memory) == 0 ? peak() - before : -1;
 }
 
 TEST(ClearMemory, TouchesTheLow32BitsInWholeKibibytes) {
@@ -86,6 +94,43 @@ TEST(ClearMemory, TouchesTheLow32BitsInWholeKibibytes) {
                         : 1);
         };
         EXPECT_EXIT(check(), ::testing::ExitedWithCode(0), "") << each.size;
+    }
+}
+
+// What a machine leaves while the run takes from it, in MiB, and what it took in the end.
+TEST(ClearMemory, TakesNoMoreThanThereIsRoomAndEndsWhenSwapGrows) {
+    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+    constexpr std::uint64_t mib = 1 << 20;
+    const struct {
+        const char* what;
+        std::uint64_t room;
+        std::uint64_t othersTake;  // at each look after the first
+        bool swapGrows;
+        long lowest, highest;
+    } cases[] = {
+        {"bounded by the room", 160, 0, false, 150, 160},
+        {"others take it too", 160, 20, false, 40, 110},
+        {"swap begins to fill", 160, 0, true, 10, 20},
+        {"no room", 0, 0, false, 0, 0},
+    };
+    for (const auto& each : cases) {
+        const auto check = [&each] {
+            FakeMemory memory;
+            std::uint64_t looks = 0;
+            memory.roomNow = [&] {
+                const auto taken = static_cast<std::uint64_t>(std::max(0L, peak())) * 1024;
+                static const std::uint64_t start = taken;
+                const std::uint64_t gone = taken - start + looks++ * each.othersTake * mib;
+                return each.room * mib - std::min(each.room * mib, gone);
+            };
+            memory.swapNow = [&] { return each.swapGrows ? looks * mib : 0; };
+            const long grown = growth("1073741824", memory) / 1024;
+            std::fprintf(stderr, "%s: grew by %ld MiB, first to end: %d\n", each.what, grown,
+                         int(memory.isFirst));
+            const bool isRight = grown >= each.lowest - 2 && grown <= each.highest + 2;
+            ::_exit(isRight && memory.isFirst ? 0 : 1);
+        };
+        EXPECT_EXIT(check(), ::testing::ExitedWithCode(0), "") << each.what;
     }
 }
 
