@@ -23,18 +23,9 @@ struct Progress {
 /// Each call takes a lock: tell batches, or what is slow beside that.
 class ProgressBox final {
 public:
-    void begin(std::uint64_t of) {
-        const std::lock_guard guard(m_mutex);
-        m_progress.done = 0;
-        m_progress.of = of;
-    }
     void setDone(std::uint64_t done) {
         const std::lock_guard guard(m_mutex);
         m_progress.done = done;
-    }
-    void advance(std::uint64_t by = 1) {
-        const std::lock_guard guard(m_mutex);
-        m_progress.done += by;
     }
     void setCurrent(std::string current) {
         const std::lock_guard guard(m_mutex);

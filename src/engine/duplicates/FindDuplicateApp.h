@@ -80,8 +80,8 @@ private:
     const std::vector<std::uint64_t> m_passingInodes;
     AppList m_AllAppItem;
     std::map<std::vector<std::uint64_t>, AppList>
-        m_classes;  // bundles that may be equal, by what they were told apart by
-    ProgressBox m_told;
+        m_classes;       // bundles that may be equal, by what they were told apart by
+    ProgressBox m_told;  // counts down, as Progress() does
     std::uint64_t m_AppCount = 0;
     std::atomic<bool> m_StopSearch{false};
     const StopGrace m_grace{m_StopSearch};

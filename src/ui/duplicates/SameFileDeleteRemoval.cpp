@@ -57,7 +57,7 @@ void SameFileDeleteViewController::alertEnded_aContext(int code) {
     m_removal = std::make_unique<PageRemoval>();
     m_removal->ticked = m_selection.allSelectNumArr().entries();
     enter(State::Agreed);
-    QTimer::singleShot(500, this, [this] { doRemoveDuplicateAction(); });
+    m_removalDelay.start(500);
 }
 
 void SameFileDeleteViewController::doRemoveDuplicateAction() {
@@ -185,6 +185,17 @@ void SameFileDeleteViewController::stopRemoveBtnClicked() {
     if (!m_removal || !m_removal->job || bSearchFinished()) return;
     m_removal->job->stop();
     enter(State::StoppingRemoval);
+}
+
+void SameFileDeleteViewController::giveUp() {
+    if (m_state != State::Agreed) {
+        stopRemoveBtnClicked();
+        return;
+    }
+    m_removalDelay.stop();
+    m_removal.reset();
+    enter(State::Result);
+    setRemoveButtonState();
 }
 
 void SameFileDeleteViewController::unlockRigths() {

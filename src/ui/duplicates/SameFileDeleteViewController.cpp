@@ -133,6 +133,8 @@ void SameFileDeleteViewController::connectControls() {
     connect(&m_newTimer, &QTimer::timeout, this, &Self::getPathForSreachDuplicate);
     m_sortTimer.setInterval(0);
     connect(&m_sortTimer, &QTimer::timeout, this, &Self::sortFurther);
+    m_removalDelay.setSingleShot(true);
+    connect(&m_removalDelay, &QTimer::timeout, this, &Self::doRemoveDuplicateAction);
     m_removalTimer.setInterval(100);
     connect(&m_removalTimer, &QTimer::timeout, this, &Self::deleteUpView);
 }

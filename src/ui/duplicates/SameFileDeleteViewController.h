@@ -82,7 +82,7 @@ public:
         return m_state == State::Removing || m_state == State::StoppingRemoval;
     }
     [[nodiscard]] bool isBusy() const override { return !bSearchFinished(); }
-    void giveUp() override { stopRemoveBtnClicked(); }
+    void giveUp() override;
     void chooseFolder() override { clickScanBtn(); }
     [[nodiscard]] const std::string& searchPath() const { return m_searchPath; }
 
@@ -218,6 +218,7 @@ private:
     std::string m_openItemPath;
     QTimer m_newTimer;
     QTimer m_removalTimer;
+    QTimer m_removalDelay;  // from the person's yes to the first entry
     PathAnimation m_flight;
     QPersistentModelIndex m_checkBoxItem;  // the row whose box was clicked last
     /// How the list of each row on the left was sorted; a result comes unsorted.

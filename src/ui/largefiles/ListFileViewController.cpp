@@ -45,8 +45,11 @@ ListFileViewController::ListFileViewController(PageServices services, QObject* p
                  {.isFree = [this] { return !isBusy(); },
                   .wouldForget =
                       [this] { return m_selectAllButSt != 0 && m_views->listView->isVisible(); },
-                  .take = [this](const std::string& path,
-                                 bool isOneOfSeveral) { scanFolder(path, isOneOfSeveral); }},
+                  .take =
+                      [this](const std::string& path, bool isOneOfSeveral) {
+                          // It may have gone while the panel stood, and the list is worth more.
+                          if (isFolderThere(m_parts, path)) scanFolder(path, isOneOfSeveral);
+                      }},
                  {.title = tr("Look into another folder?"),
                   .text = tr("What is ticked here is forgotten, and nothing is removed. To be "
                              "looked into: %1"),

@@ -11,6 +11,12 @@
 
 namespace orrinvale {
 
+bool isFolderThere(const PageServices& services, const std::string& path) {
+    const auto attributes =
+        services.files->attributes(FileSystem::noParent, path.c_str(), Links::Follow);
+    return attributes && attributes->type == FileType::Folder;
+}
+
 FolderEntrance::FolderEntrance(const PageServices& services, QObject& page, Rules rules,
                                Question question)
     : m_services(services),
@@ -30,9 +36,7 @@ void FolderEntrance::choose(QWidget* window, const std::string& directory) {
 }
 
 void FolderEntrance::drop(QWidget* window, const std::string& path, bool isOneOfSeveral) {
-    const auto attributes =
-        m_services.files->attributes(FileSystem::noParent, path.c_str(), Links::Follow);
-    if (attributes && attributes->type == FileType::Folder) enter(window, path, isOneOfSeveral);
+    if (isFolderThere(m_services, path)) enter(window, path, isOneOfSeveral);
 }
 
 void FolderEntrance::enter(QWidget* window, const std::string& path, bool isOneOfSeveral) {

@@ -13,6 +13,9 @@ namespace orrinvale {
 
 struct PageServices;
 
+/// Whether the path leads to a folder now, through a link too.
+[[nodiscard]] bool isFolderThere(const PageServices& services, const std::string& path);
+
 /// Where another folder would make the page forget ticks, the person is asked first. Main thread
 /// only.
 class FolderEntrance final {

@@ -232,7 +232,9 @@ void AppDelegate::leave(std::function<void()> last) {
         return;
     }
     for (Page* const each : pages()) each->giveUp();
+    // Nothing more is begun in either window.
     if (window() != nullptr) window()->hide();
+    AppPrefsWindowController::sharedPrefsWindowController().window()->hide();
     connect(&m_leaveTimer, &QTimer::timeout, this,
             [this, end, patience = QDeadlineTimer(endPatience)] {
                 if (!isRemoving() || patience.hasExpired()) end();

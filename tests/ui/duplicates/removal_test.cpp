@@ -109,6 +109,14 @@ TEST_F(Removal, KeepsListSizesAndDiskTrueInAViewOfOneType) {
 TEST_F(Removal, StopsBetweenTwoFilesAndForgetsTheRestInAllViews) {
     ASSERT_TRUE(find({{"four.txt", 4, 1000}, {"other.jpg", 4, 2000}}));
     on.tick("four.txt");
+    // Given up between the person's yes and the first file, it does not begin.
+    on.dialogs.willAnswer(0);
+    on.click("stopBtn");
+    ASSERT_TRUE(on.waitFor([&] { return on.page().isBusy(); }));
+    on.page().giveUp();
+    QTest::qWait(600);
+    EXPECT_TRUE(!on.page().isBusy() && on.isEnabled("stopBtn"));
+    ASSERT_EQ(copies("four.txt"), 4);
     ASSERT_TRUE(on.remove([&] {
         EXPECT_TRUE(on.isShown("stopRemoveBtn") && on.isShown("loadPathView") &&
                     on.isShown("removalView"));
@@ -131,7 +139,7 @@ TEST_F(Removal, StopsBetweenTwoFilesAndForgetsTheRestInAllViews) {
     }));
     EXPECT_EQ(copies("four.txt"), 3) << "the file in hand is finished";
     EXPECT_EQ(on.list().substr(on.list().find("four")), "four.txt 0 0/3: ...\n");
-    EXPECT_EQ(on.dialogs.alerts().size(), 1U) << "no word about what was not tried";
+    EXPECT_EQ(on.dialogs.alerts().size(), 2U) << "no word about what was not tried";
     EXPECT_EQ(on.textOf("titleLabel"), "7 files in f, selected 0 file in All.");
     for (const char* const name : {"openBtn", "RevealFinder", "lockButton", "backButton"})
         EXPECT_TRUE(on.isShown(name) && on.isEnabled(name)) << name;

@@ -354,6 +354,7 @@ TEST(AppDelegate, TheEndAsksThePagesOfTheToolbarWindowToo) {
     pages.showWindow();
     on.entry("quit")->trigger();
     EXPECT_TRUE(removal.isGivenUp && on.ends.empty());
+    EXPECT_FALSE(pages.window()->isVisible()) << "what is begun now nobody gives up";
     removal.isUnderWay = false;
     EXPECT_TRUE(PageWindow::waitFor([&] { return !on.ends.empty(); }));
     delete &pages;  // the next test has one of its own

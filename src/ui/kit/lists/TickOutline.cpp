@@ -116,7 +116,8 @@ void TickOutline::tellOfBox() const {
     const QModelIndex current = currentIndex();
     QAccessibleInterface* const list =
         QAccessible::queryAccessibleInterface(const_cast<TickOutline*>(this));
-    if (!current.isValid() || list == nullptr || m_rows == nullptr) return;
+    if (!current.isValid() || list == nullptr || m_rows == nullptr || m_rows->boxColumn() < 0)
+        return;
     QAccessible::State changed;
     changed.checked = true;
     QAccessibleStateChangeEvent event(
@@ -192,7 +193,8 @@ void TickOutline::verticalScrollbarValueChanged(int value) {
     QList<QPersistentModelIndex> ending;  // showing more moves rows
     for (QModelIndex index = indexAt(viewport()->rect().bottomLeft()); index.isValid();
          index = index.parent())
-        if (index.row() + rowsAhead >= m_rows->rowCount(index.parent()))
+        if (index.row() + rowsAhead >= m_rows->rowCount(index.parent()) &&
+            m_rows->hasMore(index.parent()))
             ending.push_back(index.parent());
     for (const QPersistentModelIndex& level : ending) m_rows->showMore(level);
 }
