@@ -2,23 +2,17 @@
 #include "app/Desktop.h"
 
 #include <arpa/inet.h>
-#include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <QGuiApplication>
 #include <QNetworkProxy>
 #include <QScreen>
-#include <algorithm>
-#include <array>
-#include <string>
-#include <string_view>
-#include <thread>
 
 #include "engine/settings/TCPublicUtilities.h"
 #include "engine/text/UtilityFunction.h"
 #include "platform/descriptor.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {

@@ -1,14 +1,12 @@
 // Folders that are dropped while a page shows something already, and several at once.
-#include <gtest/gtest.h>
-
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QMimeData>
-#include <QTest>
 #include <QTreeView>
 #include <QUrl>
 #include <QWindow>
 
+#include "support/test.h"
 #include "ui/support/LargePage.h"
 #include "ui/support/PageWindow.h"
 
@@ -19,7 +17,7 @@ using testing::LargePage;
 using testing::PageWindow;
 
 // Through the window, as the desktop does it: it falls to whoever takes it at that place.
-void dropOn(QWidget& place, const std::vector<std::string>& folders) {
+void dropOn(QWidget& place, const Strings& folders) {
     QMimeData dragged;
     QList<QUrl> urls;
     for (const std::string& each : folders)
@@ -78,7 +76,7 @@ TEST(DroppedFolders, AreLookedIntoFromTheListOfLargeFilesToo) {
     dropOn(*on.outline().viewport(), {on.tree.at("g"), on.tree.at("f")});
     EXPECT_EQ(title(), on.tree.at("g"));
     EXPECT_EQ(on.textOf("onlyOneNote"), "One folder at a time: only g is looked into");
-    ASSERT_TRUE(on.waitFor([&] { return !on.page().isScan(); }));
+    ASSERT_SOON(!on.page().isScan());
     on.tick("b");
     for (const int button : {1, 0}) {
         on.dialogs.willAnswer(button);
@@ -87,7 +85,7 @@ TEST(DroppedFolders, AreLookedIntoFromTheListOfLargeFilesToo) {
         EXPECT_EQ(title(), on.tree.at(button == 0 ? "f" : "g"));
     }
     EXPECT_FALSE(on.isShown("onlyOneNote"));
-    ASSERT_TRUE(on.waitFor([&] { return !on.page().isScan(); }));
+    ASSERT_SOON(!on.page().isScan());
 }
 
 }  // namespace

@@ -1,17 +1,12 @@
 // Removals of real files: what goes, what stays, what the list and the sizes say afterwards, how a
 // person stops one, the padlock, and what an ordinary user may not remove.
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <QApplication>
 #include <QLabel>
 #include <QProcess>
-#include <QTest>
-#include <filesystem>
 
 #include "engine/base/UtilityObject.h"
 #include "engine/cleaning/QnAuthorization.h"
+#include "support/test.h"
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/duplicates/DuplicationLeftCell.h"
 #include "ui/kit/chrome/TCImageButton.h"
@@ -82,8 +77,7 @@ TEST_F(Removal, KeepsListSizesAndDiskTrueInAViewOfOneType) {
     on.tick("both.gif", "a/both.gif");
     on.dialogs.willAnswer(0);
     on.tick("both.gif", "b/both.gif");
-    ASSERT_TRUE(
-        on.waitFor([&] { return on.list().find("both.gif 1 2/2: xx") != std::string::npos; }));
+    ASSERT_SOON(on.list().find("both.gif 1 2/2: xx") != std::string::npos);
     ASSERT_TRUE(on.remove());
     EXPECT_EQ(on.list(), "three.png 0 0/2: ..\n");
     EXPECT_EQ(on.textOf("titleLabel"), "2 files in Pictures, selected 0 file in All.");
@@ -123,7 +117,7 @@ TEST_F(Removal, StopsBetweenTwoFilesAndForgetsTheRestInAllViews) {
         EXPECT_FALSE(on.isShown("stopBtn") || on.isShown("outline"));
         for (const char* const name : {"openBtn", "RevealFinder", "lockButton", "backButton"})
             EXPECT_FALSE(on.isEnabled(name)) << name;
-        EXPECT_TRUE(on.waitFor([&] { return on.textOf("nameTextStr").ends_with("four.txt"); }));
+        EXPECT_SOON(on.textOf("nameTextStr").ends_with("four.txt"));
         EXPECT_EQ(on.textOf("countsLabel"), "Compared again and removed: 0 of 3");
         EXPECT_FALSE(on.control<QLabel>("imageView").pixmap(Qt::ReturnByValue).isNull());
         // None of these may reach the tree while it changes.
@@ -169,8 +163,7 @@ TEST_F(Removal, TellsOfWhatCouldNotGoAndWhy) {
     on.dialogs.willAnswer(0);
     on.dialogs.willAnswer(0);
     on.click("stopBtn");
-    ASSERT_TRUE(
-        on.waitFor([&] { return on.dialogs.alerts().size() == 2 && on.page().bSearchFinished(); }));
+    ASSERT_SOON(on.dialogs.alerts().size() == 2 && on.page().bSearchFinished());
     ASSERT_EQ(on.dialogs.alerts().size(), 2U);
     EXPECT_EQ(on.dialogs.alerts()[0].title,
               QStringLiteral("Are you sure you want to delete all your selected files?"));
@@ -217,11 +210,10 @@ TEST_F(Removal, ThePageMayEndMeanwhile) {
     on.dialogs.willAnswer(0);
     on.removing.shut();
     on.click("stopBtn");
-    ASSERT_TRUE(on.waitFor([&] { return on.removing.isWaitedAt(); }));
+    ASSERT_SOON(on.removing.isWaitedAt());
     on.window.reset();
     on.removing.open();
-    EXPECT_TRUE(on.waitFor([&] { return copies("four.txt") == 3; }))
-        << "the file in hand is finished";
+    EXPECT_SOON(copies("four.txt") == 3) << "the file in hand is finished";
     QTest::qWait(100);
     EXPECT_EQ(copies("four.txt"), 3);
 }
@@ -234,7 +226,7 @@ TEST_F(Removal, ThePadlockHoldsTheRightAndSaysWhy) {
     on.authorization.failures["copyRights"] = AuthorizationStatus::canceled;
     on.authorization.refusal = AuthorizationRefusal::Dismissed;
     on.click("lockButton");
-    EXPECT_TRUE(on.waitFor([&] { return padlock.isEnabled(); }));
+    EXPECT_SOON(padlock.isEnabled());
     EXPECT_FALSE(isOpen() || padlock.isChecked());
     EXPECT_TRUE(padlock.toolTip().contains(QLatin1Char('\n'))) << "the reason stands below";
     EXPECT_EQ(QApplication::focusWidget(), &padlock) << "where the person was before the dialog";
@@ -243,7 +235,7 @@ TEST_F(Removal, ThePadlockHoldsTheRightAndSaysWhy) {
     const auto observation =
         on.notifications.addObserver("changeLockState", [&](const Notification&) { ++changes; });
     on.click("lockButton");
-    EXPECT_TRUE(on.waitFor([&] { return isOpen(); }));
+    EXPECT_SOON(isOpen());
     EXPECT_TRUE(padlock.isChecked() && QnAuthorization::shareQnAuthorization().isValidAuth);
     on.click("lockButton");
     EXPECT_FALSE(isOpen() || padlock.isChecked() ||
@@ -274,7 +266,7 @@ TEST(RemovalAsUser, InTheOtherProcess) {
 
 TEST(RemovalAsUser, LeavesWhatBelongsToRoot) {
     if (geteuid() != 0) GTEST_SKIP() << "needs root, who makes files that others may not remove";
-    testing::TestTree tree;
+    TestTree tree;
     constexpr uid_t nobody = 65534;
     for (const char* folder : {"f/a", "f/b", "f/c"}) {
         const std::string in = folder;

@@ -1,14 +1,11 @@
 // From a dropped folder to the list: what the page shows before, during and after a search, how a
 // search is stopped, and what a second one finds of the first.
-#include <gtest/gtest.h>
-
 #include <QAccessible>
 #include <QApplication>
 #include <QLabel>
-#include <QTest>
 #include <QTreeView>
-#include <algorithm>
 
+#include "support/test.h"
 #include "ui/duplicates/DuplicationLeftCell.h"
 #include "ui/support/PageWindow.h"
 
@@ -29,7 +26,7 @@ std::string sizes(PageWindow& on) {
 }
 
 // One group of a kind, sizes that tell them apart.
-bool makeOneOfEachKind(testing::TestTree& tree, const std::string& in) {
+bool makeOneOfEachKind(TestTree& tree, const std::string& in) {
     const std::pair<const char*, std::size_t> files[] = {{"d.PDF", 1000}, {"v.mkv", 2000},
                                                          {"m.mp3", 3000}, {"z.zip", 4000},
                                                          {"p.jpg", 5000}, {"o.bin", 6000}};
@@ -94,8 +91,7 @@ TEST(DuplicatePage, ASearchRunsOnWhateverTheWindowDoes) {
     const auto& title = on.control<QLabel>("titleLabel");
     EXPECT_EQ(title.text().toStdString(), folder.substr(0, 25) + "...");
     EXPECT_EQ(title.toolTip().toStdString(), folder);
-    EXPECT_TRUE(
-        on.waitFor([&] { return on.textOf("countsLabel").starts_with("12 files listed, "); }));
+    EXPECT_SOON(on.textOf("countsLabel").starts_with("12 files listed, "));
     EXPECT_NE(on.textOf("nameTextStr").find(folder), std::string::npos);
     EXPECT_FALSE(on.control<QLabel>("imageView").pixmap(Qt::ReturnByValue).isNull());
     on.page().viewDragAction(on.tree.path());
@@ -108,7 +104,7 @@ TEST(DuplicatePage, ASearchRunsOnWhateverTheWindowDoes) {
     QTest::keyClick(on.window->window(), Qt::Key_W, Qt::ControlModifier);
     EXPECT_FALSE(on.window->window()->isVisible());
     on.reading.open();
-    ASSERT_TRUE(on.waitFor([&] { return on.page().bSearchFinished(); }));
+    ASSERT_SOON(on.page().bSearchFinished());
     on.window->showWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(on.window->window()));
     EXPECT_TRUE(on.isShown("detailView"));
@@ -146,9 +142,9 @@ TEST(DuplicatePage, ASearchRunsOnWhateverTheWindowDoes) {
     on.dialogs.willChoose({});
     on.dialogs.willChoose({on.tree.at("none, of it"), on.tree.at("second")});
     on.click("pathChoseBtn");
-    EXPECT_TRUE(on.waitFor([&] { return on.dialogs.choices().size() == 1; }));
+    EXPECT_SOON(on.dialogs.choices().size() == 1);
     QTest::keyClick(on.window->window(), Qt::Key_O, Qt::ControlModifier);
-    ASSERT_TRUE(on.waitFor([&] { return on.isShown("detailView"); }));
+    ASSERT_SOON(on.isShown("detailView"));
     EXPECT_EQ(on.dialogs.choices().front().title, QStringLiteral("Choose a path to search"));
     EXPECT_TRUE(on.dialogs.choices().front().withSeveral);
     EXPECT_EQ(on.dialogs.choices().back().directory, folder);
@@ -162,7 +158,7 @@ TEST(DuplicatePage, ASearchRunsOnWhateverTheWindowDoes) {
     EXPECT_EQ(firstEnds, 1) << "told once";
     on.dialogs.willChoose({});
     on.click("otherFolderBtn");
-    EXPECT_TRUE(on.waitFor([&] { return on.dialogs.choices().size() == 3; }));
+    EXPECT_SOON(on.dialogs.choices().size() == 3);
 }
 
 TEST(DuplicatePage, AStoppedSearchGoesBackAndLeavesTheNextOneAlone) {
@@ -171,11 +167,11 @@ TEST(DuplicatePage, AStoppedSearchGoesBackAndLeavesTheNextOneAlone) {
     ASSERT_TRUE(on.holdSearch(on.tree.at("f")));
     on.click("stopScanBtn");
     EXPECT_FALSE(on.isEnabled("stopScanBtn") || on.isShown("animation"));
-    ASSERT_TRUE(on.waitFor([&] { return on.isShown("fristView"); }));
+    ASSERT_SOON(on.isShown("fristView"));
     EXPECT_FALSE(on.page().bSearchFinished()) << "the thread stands before a file still";
     EXPECT_FALSE(on.isEnabled("pathChoseBtn"));
     on.reading.open();
-    ASSERT_TRUE(on.waitFor([&] { return on.page().bSearchFinished(); }));
+    ASSERT_SOON(on.page().bSearchFinished());
     EXPECT_TRUE(on.isShown("fristView"));
     EXPECT_FALSE(on.isShown("detailView"));
 
@@ -183,14 +179,14 @@ TEST(DuplicatePage, AStoppedSearchGoesBackAndLeavesTheNextOneAlone) {
     ASSERT_TRUE(on.holdSearch(on.tree.at("f")));
     on.click("stopScanBtn");
     on.reading.open();
-    ASSERT_TRUE(on.waitFor([&] { return on.page().bSearchFinished(); }));
+    ASSERT_SOON(on.page().bSearchFinished());
     EXPECT_TRUE(on.isShown("progressageView"));
     on.reading.shut();
     on.page().viewDragAction(on.tree.at("f"));
     QTest::qWait(800);  // the stopped one would go back now
     EXPECT_TRUE(on.isShown("progressageView"));
     on.reading.open();
-    EXPECT_TRUE(on.waitFor([&] { return on.isShown("detailView"); }));
+    EXPECT_SOON(on.isShown("detailView"));
     EXPECT_EQ(on.model().rowCount(), 6);
 }
 
@@ -205,7 +201,7 @@ TEST(DuplicatePage, EachSearchClimbsFromItsOwnBeginning) {
     ASSERT_TRUE(on.holdSearch(on.tree.at("f")));
     EXPECT_LT(percent(), highest) << "that of the search before";
     on.reading.open();
-    ASSERT_TRUE(on.waitFor([&] { return on.isShown("detailView"); }));
+    ASSERT_SOON(on.isShown("detailView"));
     EXPECT_EQ(percent(), highest);
 }
 

@@ -1,14 +1,12 @@
 // Ticks: the boxes of copies and groups, the box over the list, the order of the list, keys and the
 // menu of a row.
-#include <gtest/gtest.h>
-
 #include <QApplication>
 #include <QClipboard>
 #include <QHeaderView>
 #include <QLabel>
-#include <QTest>
 #include <QTreeView>
 
+#include "support/test.h"
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/kit/lists/TickBox.h"
 #include "ui/support/PageWindow.h"
@@ -57,7 +55,7 @@ TEST_F(Ticks, AFolderWithACommaInItsNameKeepsAllOfItInTheTitle) {
     ASSERT_TRUE(on.search(on.tree.at("a, b")));
     on.click("leftCell0");
     on.tick(on.row("x.txt", "1/x.txt"));
-    ASSERT_TRUE(on.waitFor([&] { return on.control("stopBtn").isEnabled(); }));
+    ASSERT_SOON(on.control("stopBtn").isEnabled());
     EXPECT_EQ(on.textOf("titleLabel"), "2 files in a, b, selected 1 files in All.");
 }
 
@@ -95,9 +93,8 @@ TEST_F(Ticks, OneCopyStaysUnlessAPersonInsists) {
     EXPECT_EQ(group("two"), "two.txt 0 0/2: ..");
     EXPECT_FALSE(on.isEnabled("stopBtn"));
     // A tick that is taken back while its picture is still on the way leaves nothing to remove.
-    EXPECT_TRUE(on.waitFor([&] {
-        return selected() == "selected 0 files in All." || selected() == "selected 0 file in All.";
-    }));
+    EXPECT_SOON(selected() == "selected 0 files in All." ||
+                selected() == "selected 0 file in All.");
     EXPECT_EQ(box(), TickState::Nothing);
 }
 
@@ -155,7 +152,7 @@ TEST_F(Ticks, TheBoxOverTheListTicksAndItsNextClickClears) {
 
 TEST_F(Ticks, TheOrderIsShownAndDecidesWhichCopyIsTheLast) {
     const auto nameAt = [&](int row, const QModelIndex& parent = {}) {
-        return on.model().index(row, Model::NameColumn, parent).data().toString().toStdString();
+        return on.nameOf(on.model().index(row, 0, parent));
     };
     const QHeaderView& header = *outline.header();
     EXPECT_FALSE(header.isSortIndicatorShown()) << "as it was found";
@@ -216,12 +213,12 @@ TEST_F(Ticks, TellWhatARemovalWouldGiveBack) {
                 on.tree.write("g/c", bytes));
     ASSERT_TRUE(on.search(on.tree.at("g")));
     EXPECT_FALSE(on.isShown("gainLabel"));
-    const QString group = on.model().index(0, Model::NameColumn).data().toString();
-    for (const char* name : {"/a", "/b"}) on.tick(on.row(group.toStdString(), name));
+    const std::string group = on.nameOf(on.model().index(0, 0));
+    for (const char* name : {"/a", "/b"}) on.tick(on.row(group, name));
     EXPECT_EQ(on.textOf("gainLabel"), "2.00 KB can be gained");
-    on.tick(on.row(group.toStdString(), "/a"));
+    on.tick(on.row(group, "/a"));
     EXPECT_EQ(on.textOf("gainLabel"), "Nothing can be gained");
-    const QModelIndex b = on.row(group.toStdString(), "/b").siblingAtColumn(Model::NameColumn);
+    const QModelIndex b = on.row(group, "/b").siblingAtColumn(Model::NameColumn);
     EXPECT_EQ(b.data(Model::SignsRole).toStringList(),
               QStringList{QStringLiteral("sign_hard_link")});
     EXPECT_TRUE(b.data(Qt::ToolTipRole).toString().contains(QStringLiteral("2 names")));
@@ -235,9 +232,7 @@ TEST_F(Ticks, WhatLiesElsewhereIsSaidInTheRowAndBeforeARemoval) {
                 on.tree.symlink(on.tree.at("out/2"), "h/two"));
     ASSERT_TRUE(on.search(on.tree.at("h")));
     ASSERT_EQ(on.model().rowCount(), 1);
-    const QModelIndex group = on.model().index(0, 0);
-    const std::string name =
-        group.siblingAtColumn(Model::NameColumn).data().toString().toStdString();
+    const std::string name = on.nameOf(on.model().index(0, 0));
     const auto at = [&](const char* copy) {
         return on.row(name, copy).siblingAtColumn(Model::NameColumn);
     };
@@ -265,16 +260,12 @@ TEST_F(Ticks, ThePreviewGoesOnToTheNextFileAndClosesAlone) {
     outline.collapseAll();
     outline.setCurrentIndex(on.model().index(0, 0));
     const auto path = [&](int group, int copy) {
-        return on.model()
-            .index(copy, Model::NameColumn, on.model().index(group, 0))
-            .data()
-            .toString()
-            .toStdString();
+        return on.nameOf(on.model().index(copy, 0, on.model().index(group, 0)));
     };
     on.click("openBtn");
     QWidget& preview = on.control("previewPanel");
     preview.activateWindow();
-    ASSERT_TRUE(on.waitFor([&] { return QApplication::activeWindow() == &preview; }));
+    ASSERT_SOON(QApplication::activeWindow() == &preview);
     EXPECT_EQ(on.window->filePath(), path(0, 0));
     const auto after = [&](Qt::Key key) {
         QTest::keyClick(&preview, key);
@@ -308,8 +299,7 @@ TEST_F(Ticks, EverythingByKeyAndByTheMenuOfARow) {
     key(Qt::Key_Down);
     key(Qt::Key_Space);
     EXPECT_EQ(group("two"), "two.txt 0 0/2: ..");
-    const std::string copy =
-        outline.currentIndex().siblingAtColumn(Model::NameColumn).data().toString().toStdString();
+    const std::string copy = on.nameOf(outline.currentIndex());
     EXPECT_EQ(copy.find(on.tree.at("f/")), 0U);
     EXPECT_EQ(outline.currentIndex().data(Qt::ToolTipRole).toString().toStdString(), copy);
 
@@ -321,9 +311,8 @@ TEST_F(Ticks, EverythingByKeyAndByTheMenuOfARow) {
     EXPECT_FALSE(on.isShown("previewPanel")) << "the same action closes it";
     EXPECT_EQ(on.window->filePath(), copy);
     on.click("RevealFinder");
-    const std::string first =
-        on.model().index(0, Model::NameColumn, on.row("three.jpg")).data().toString().toStdString();
-    EXPECT_EQ(on.revealed, std::vector<std::string>{first}) << "of a group its first copy";
+    const std::string first = on.nameOf(on.model().index(0, 0, on.row("three.jpg")));
+    EXPECT_EQ(on.revealed, Strings{first}) << "of a group its first copy";
 
     EXPECT_FALSE(on.chooseInMenu(outline, on.row("three.jpg"), "Copy Path")) << "a group has none";
     outline.expand(on.row("three.jpg"));

@@ -6,7 +6,6 @@
 #include <QFile>
 #include <QHeaderView>
 #include <QLabel>
-#include <QTreeView>
 #include <QXmlStreamReader>
 #include <algorithm>
 

@@ -1,14 +1,11 @@
 // The window in German: no text of another language is left, and none is cut off where the window
 // is smallest.
-#include <gtest/gtest.h>
 #include <sys/fsuid.h>
 
-#include <QAbstractButton>
 #include <QApplication>
-#include <QLabel>
 #include <QMenu>
-#include <QTest>
 
+#include "support/test.h"
 #include "ui/duplicates/duplicatePage.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/dialogs/AlertPanel.h"
@@ -74,18 +71,17 @@ TEST_F(GermanWindow, TheDuplicatePage) {
     const int before = ::setfsuid(nobody);
     on.drop(on.tree.at("folder"));
     ::setfsuid(static_cast<uid_t>(before));
-    ASSERT_TRUE(PageWindow::waitFor(
-        [&] { return on.reading.isWaitedAt() && !on.textOf("countsLabel").empty(); }));
+    ASSERT_SOON(on.reading.isWaitedAt() && !on.textOf("countsLabel").empty());
     look("search", window);
     on.reading.open();
-    ASSERT_TRUE(PageWindow::waitFor([&] { return on.isShown("detailView"); }));
+    ASSERT_SOON(on.isShown("detailView"));
     look("result", window);
 
     const QModelIndex copy = on.row("x.txt", "/a/x.txt");
     Q_EMIT on.control<TickOutline>("outline").menuWanted(copy, {});
     lookAtMenu("menu of a row", *on.page().detailView());
     on.tick(copy);
-    ASSERT_TRUE(PageWindow::waitFor([&] { return on.control("stopBtn").isEnabled(); }));
+    ASSERT_SOON(on.control("stopBtn").isEnabled());
     look("tick", window);
     ASSERT_TRUE(on.tree.patch("folder/a/x.txt", 3, "changed"));
     on.dialogs.willAnswer(0);
@@ -134,7 +130,7 @@ TEST_F(GermanWindow, WhatTheProgramTells) {
     on.delegate->help();
     on.notifications.post("openFinderWhenClickItems", std::string("/media/stick"));
     on.delegate->rejestAllDisk();
-    EXPECT_TRUE(PageWindow::waitFor([&] { return on.dialogs.alerts().size() == 4; }));
+    EXPECT_SOON(on.dialogs.alerts().size() == 4);
     QApplication::processEvents();
     for (const Alert& alert : on.dialogs.alerts()) look("alert", AlertPanel(alert));
     look("menu", *on.delegate->menu().menu());

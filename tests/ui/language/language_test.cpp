@@ -1,13 +1,11 @@
 // Which language the window speaks, and how failures and numbers read in it.
-#include <gtest/gtest.h>
-
 #include <QCoreApplication>
 #include <QFile>
 #include <QProcess>
 
 #include "engine/text/Localized.h"
 #include "engine/volumes/VolumesManager.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/dialogs/failureWords.h"
@@ -81,7 +79,7 @@ TEST(Translations, TheProgramSpeaksTheLanguageOfItsSession) {
         bool isGerman;
     } cases[] = {{"de_AT:en", true}, {"en_GB:de", false}};
     for (const auto& each : cases) {
-        testing::TestTree home;
+        TestTree home;
         QProcess program;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         for (const char* const name :

@@ -1,15 +1,12 @@
 // The list of the large file page over a tree that grows: what is open, chosen and scrolled to
 // survives, and a long level comes in parts.
-#include <gtest/gtest.h>
-
 #include <QAbstractItemModelTester>
 #include <QApplication>
 #include <QScrollBar>
-#include <QTest>
-#include <algorithm>
 #include <deque>
 
 #include "engine/largefiles/SystemFolder.h"
+#include "support/test.h"
 #include "ui/largefiles/FileNodeModel.h"
 #include "ui/largefiles/NewOutlineView.h"
 

@@ -1,7 +1,6 @@
 // How the large file page writes a size, and how wide its bar is.
-#include <gtest/gtest.h>
-
 #include "engine/largefiles/PublicUtilities.h"
+#include "support/test.h"
 #include "ui/largefiles/QnProgressView.h"
 
 namespace orrinvale {

@@ -1,25 +1,19 @@
 // The window with the toolbar: which page it shows, how pages follow each other, and the toolbar by
 // mouse and by keys.
-#include <gtest/gtest.h>
-
 #include <QContextMenuEvent>
 #include <QLabel>
 #include <QMenu>
 #include <QMimeData>
-#include <QTest>
 #include <QTimer>
 #include <QUrl>
 #include <QVariantAnimation>
 #include <QWindow>
-#include <memory>
-#include <thread>
 
 #include "engine/settings/PreferenceViewController.h"
 #include "engine/settings/SettingsKeys.h"
 #include "platform/linux/LinuxFiles.h"
 #include "services/foundation/QtMainQueue.h"
-#include "support/LogLines.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 #include "ui/duplicates/duplicatePage.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/chrome/WindowButton.h"
@@ -29,6 +23,7 @@
 #include "ui/preferences/PrefsToolbar.h"
 #include "ui/support/RecordedDialogs.h"
 #include "ui/support/StillStyle.h"
+#include "ui/support/soon.h"
 
 namespace orrinvale {
 namespace {
@@ -104,7 +99,7 @@ protected:
     }
     [[nodiscard]] bool isFading() const { return fade().state() == QAbstractAnimation::Running; }
 
-    testing::TestTree tree;
+    TestTree tree;
     UserDefaults defaults{tree.at("settings.ini")};
     QStringList made;
     QStringList opened;
@@ -112,7 +107,7 @@ protected:
 };
 
 TEST_F(ToolbarWindow, PagesAreMadeOnceWhenTheyAreFirstShown) {
-    testing::LogLines log;
+    LogLines log;
     add("second", "intruder");
     EXPECT_EQ(log.lines.size(), 1U);
     EXPECT_TRUE(made.isEmpty());
@@ -126,8 +121,7 @@ TEST_F(ToolbarWindow, PagesAreMadeOnceWhenTheyAreFirstShown) {
     for (const char* const name : {"late", "second", "late", "first"}) {
         click(name);
         EXPECT_EQ(selected(), QLatin1String(name));
-        EXPECT_TRUE(QTest::qWaitFor([&] { return shown() == QLatin1String(name); }))
-            << shown().toStdString();
+        EXPECT_SOON(shown() == QLatin1String(name)) << shown().toStdString();
         EXPECT_EQ(controller->window()->windowTitle(), QStringLiteral("Orrinvale"));
     }
     EXPECT_EQ(made.join(QLatin1Char(' ')), QStringLiteral("first late second"));
@@ -194,8 +188,7 @@ TEST_F(ToolbarWindow, SettingsAreFollowedFromAnyThread) {
         defaults.setBool(false, fadeKey);
         defaults.setBool(false, shiftSlowsAnimationKey);
     }).join();
-    EXPECT_TRUE(QTest::qWaitFor(
-        [this] { return !controller->crossFade() && !controller->shiftSlowsAnimation(); }));
+    EXPECT_SOON(!controller->crossFade() && !controller->shiftSlowsAnimation());
     std::thread([this] { defaults.setBool(true, fadeKey); }).join();
     controller.reset();
     QTest::qWait(0);  // what is on its way finds nobody

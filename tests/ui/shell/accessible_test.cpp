@@ -1,14 +1,10 @@
 // What a screen reader is told of the real program, through the desktop's own interface for it, on
 // a bus and a display of the test.
-#include <gtest/gtest.h>
-
 #include <QFileInfo>
 #include <QProcess>
 #include <QStandardPaths>
-#include <algorithm>
-#include <sstream>
 
-#include "support/TestTree.h"
+#include "support/test.h"
 #include "ui/kit/chrome/DesktopSession.h"
 #include "ui/support/PageWindow.h"
 
@@ -63,7 +59,7 @@ protected:
 };
 
 struct Told {
-    std::vector<std::string> lines;
+    Strings lines;
     [[nodiscard]] long count(const std::string& wanted) const {
         return std::ranges::count(lines, wanted);
     }

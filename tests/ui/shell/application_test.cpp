@@ -1,9 +1,8 @@
 // The editing keys in a window without an Edit menu.
-#include <gtest/gtest.h>
-
 #include <QLineEdit>
 #include <QTest>
 
+#include "support/test.h"
 #include "ui/shell/MyNSApplication.h"
 
 namespace orrinvale {

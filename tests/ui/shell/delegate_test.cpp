@@ -1,20 +1,17 @@
 // The life of the program from inside: launch, reopening, what volumes that come and go set off,
 // ejecting, and the end.
-#include <gtest/gtest.h>
-
 #include <QAbstractButton>
 #include <QApplication>
 #include <QFile>
 #include <QLabel>
 #include <QScreen>
-#include <QTest>
-#include <csignal>
 
 #include "engine/largefiles/Controller.h"
 #include "engine/settings/SettingsKeys.h"
 #include "engine/text/Localized.h"
 #include "services/volumes/WatchMountUnmount.h"
 #include "services/volumes/WorkspaceMounts.h"
+#include "support/test.h"
 #include "ui/kit/dialogs/WindowDialogs.h"
 #include "ui/page/Page.h"
 #include "ui/preferences/AppPrefsWindowController.h"
@@ -32,8 +29,7 @@ TEST(AppDelegate, TheWindowStandsBeforeAnyVolumeIsLookedAt) {
     on.delegate->applicationDidFinishLaunching();
     EXPECT_FALSE(on.volumes.askedIndexes.empty());
     EXPECT_EQ(on.defaults.integerForKey(ZvLastClickRow), 0);
-    EXPECT_EQ(on.posted, (std::vector<std::string>{"shouldSelectRow", "shouldSelectRow"}))
-        << "not started at login";
+    EXPECT_EQ(on.posted, (Strings{"shouldSelectRow", "shouldSelectRow"})) << "not started at login";
     ASSERT_NE(on.delegate->getBootVolume(), nullptr);
     EXPECT_EQ(on.delegate->getBootVolume()->volumeName, "System");
     on.volumes.volumes.erase(on.volumes.volumes.begin());
@@ -41,8 +37,7 @@ TEST(AppDelegate, TheWindowStandsBeforeAnyVolumeIsLookedAt) {
 }
 
 TEST(AppDelegate, AClosedWindowComesBackAsItWasLeft) {
-    Launched on;
-    on.delegate->applicationDidFinishLaunching();
+    Started on;
     DuplicateMainWindowController* const controller = on.delegate->duplicateMWC();
     controller->window()->setFrame({controller->window()->frame().topLeft(), QSize(900, 700)});
     controller->selectFileListButtonAction();
@@ -58,8 +53,7 @@ TEST(AppDelegate, AClosedWindowComesBackAsItWasLeft) {
 }
 
 TEST(AppDelegate, WhatAStartAsksForIsDone) {
-    Launched on;
-    on.delegate->applicationDidFinishLaunching();
+    Started on;
     ASSERT_TRUE(on.tree.folder("f"));
     using Kind = StartRequest::Kind;
     const struct {
@@ -84,8 +78,7 @@ TEST(AppDelegate, WhatAStartAsksForIsDone) {
     EXPECT_EQ(on.dialogs.alerts().size(), 1U);
     EXPECT_EQ(qgetenv("XDG_ACTIVATION_TOKEN"), "token");
     qunsetenv("XDG_ACTIVATION_TOKEN");
-    EXPECT_TRUE(PageWindow::waitFor(
-        [&] { return on.delegate->duplicateMWC()->sameFileDeleteVC()->bSearchFinished(); }));
+    EXPECT_SOON(on.delegate->duplicateMWC()->sameFileDeleteVC()->bSearchFinished());
     EXPECT_TRUE(on.ends.empty());
     // What is no folder is told, and leaves what is shown.
     on.dialogs.willAnswer(0);
@@ -93,7 +86,7 @@ TEST(AppDelegate, WhatAStartAsksForIsDone) {
     EXPECT_EQ(on.dialogs.alerts().size(), 2U);
     on.delegate->perform({Kind::Action, "quit", ""});
     EXPECT_TRUE(on.ends.empty()) << "who asked is answered first";
-    EXPECT_TRUE(PageWindow::waitFor([&] { return on.ends == std::vector<int>{1}; }));
+    EXPECT_SOON(on.ends == std::vector<int>{1});
     EXPECT_FALSE(on.isListening);
 }
 
@@ -113,33 +106,30 @@ TEST(AppDelegate, EachVolumeThatComesOrGoesIsASentenceAndTwoNotices) {
         EXPECT_EQ(
             AppDelegate::volumeSentence({ZvVolumeMountNotification, {}, each.info}, "mounted"),
             each.sentence);
-    Launched on;
-    on.delegate->applicationDidFinishLaunching();
+    Started on;
     on.posted.clear();
     on.notifications.post(ZvVolumeMountNotification);
     on.notifications.post(ZvVolumeUnmountNotification);
-    const std::vector<std::string> twice{"refMenuItemWhenDeleteAndAdd", "updateSizeView",
-                                         "refMenuItemWhenDeleteAndAdd", "updateSizeView"};
+    const Strings twice{"refMenuItemWhenDeleteAndAdd", "updateSizeView",
+                        "refMenuItemWhenDeleteAndAdd", "updateSizeView"};
     EXPECT_EQ(on.posted, twice);
     EXPECT_TRUE(on.dialogs.alerts().empty()) << "nothing appears on the screen";
 }
 
 TEST(AppDelegate, EjectAllTellsWhatStayed) {
-    Launched on;
-    on.delegate->applicationDidFinishLaunching();
+    Started on;
     EXPECT_FALSE(on.entry("Reference")->isEnabled());
     EXPECT_FALSE(on.entry("checkUpdate")->isEnabled());
-    EXPECT_TRUE(PageWindow::waitFor([&] { return on.entry("ejectAll")->isEnabled(); }));
+    EXPECT_SOON(on.entry("ejectAll")->isEnabled());
     on.volumes.volumes.push_back(FakeVolumes::volume(8, "Disc", "/media/disc", true));
     on.volumes.ejections[7] = {fBsyErr, {"it is busy", {{4242, "vlc", "/media/stick/film.mkv"}}}};
     on.closeWindow();
     on.dialogs.willAnswer(0);
     on.entry("ejectAll")->trigger();
     EXPECT_FALSE(on.entry("ejectAll")->isEnabled()) << "one at a time";
-    ASSERT_TRUE(PageWindow::waitFor([&] { return on.dialogs.alerts().size() == 1; }));
+    ASSERT_SOON(on.dialogs.alerts().size() == 1);
     EXPECT_EQ(on.volumes.ejectedNumbers, (std::vector<std::int16_t>{7, 8}));
-    EXPECT_TRUE(PageWindow::waitFor([&] { return on.entry("ejectAll")->isEnabled(); }))
-        << "to be tried again";
+    EXPECT_SOON(on.entry("ejectAll")->isEnabled()) << "to be tried again";
     const QString text = on.dialogs.alerts()[0].text;
     EXPECT_TRUE(text.contains(QLatin1String("Stick")) && text.contains(QLatin1String("vlc")))
         << text.toStdString();
@@ -150,19 +140,18 @@ TEST(AppDelegate, NothingToEjectIsNoFailure) {
     Launched on;
     on.volumes.volumes.resize(1);
     on.delegate->applicationDidFinishLaunching();
-    ASSERT_TRUE(PageWindow::waitFor([&] { return on.mainQueue.answers == 1; }));
+    ASSERT_SOON(on.mainQueue.answers == 1);
     on.delegate->rejestAllDisk();
-    ASSERT_TRUE(PageWindow::waitFor([&] { return on.mainQueue.answers == 2; }));
+    ASSERT_SOON(on.mainQueue.answers == 2);
     EXPECT_TRUE(on.volumes.ejectedNumbers.empty());
     EXPECT_TRUE(on.dialogs.alerts().empty());
     EXPECT_FALSE(on.entry("ejectAll")->isEnabled());
 }
 
 TEST(AppDelegate, AVolumeIsOpenedOrThePersonIsTold) {
-    Launched on;
-    on.delegate->applicationDidFinishLaunching();
+    Started on;
     on.notifications.post("openFinderWhenClickItems", std::string("/media//stick/"));
-    EXPECT_EQ(on.opened, std::vector<std::string>{"/media/stick"});
+    EXPECT_EQ(on.opened, Strings{"/media/stick"});
     on.canOpen = false;
     for (const std::any& object : {std::any(std::string("/media/stick")), std::any()}) {
         on.dialogs.willAnswer(0);
@@ -193,7 +182,7 @@ TEST(UserGuide, WhoFindsNoBrowserIsToldSo) {
         qputenv("PATH", QByteArray::fromStdString(tree.path()) + ':' + path);
         int failures = 0;
         openUserGuide([&] { ++failures; });
-        EXPECT_TRUE(PageWindow::waitFor([&] { return isThere(tree.at("opened")); }));
+        EXPECT_SOON(isThere(tree.at("opened")));
         EXPECT_TRUE(QTest::qWaitFor([&] { return failures != 0; }, status == 0 ? 300 : 5000) ==
                     (status != 0));
         QFile::remove(QString::fromStdString(tree.at("opened")));
@@ -202,8 +191,7 @@ TEST(UserGuide, WhoFindsNoBrowserIsToldSo) {
 }
 
 TEST(AppDelegate, AFurtherStartLeavesTheKeyboardWithTheDialogThatIsOpen) {
-    Launched on;
-    on.delegate->applicationDidFinishLaunching();
+    Started on;
     ASSERT_TRUE(on.tree.folder("f"));
     QWidget* const window = on.delegate->duplicateMWC()->window();
     WindowDialogs real;
@@ -218,9 +206,9 @@ TEST(AppDelegate, AFurtherStartLeavesTheKeyboardWithTheDialogThatIsOpen) {
     const auto& page = *on.delegate->duplicateMWC()->sameFileDeleteVC();
     on.delegate->perform({StartRequest::Kind::Open, on.tree.at("f"), ""});
     EXPECT_EQ(page.searchPath(), on.tree.at("f"));
-    EXPECT_TRUE(PageWindow::waitFor([] { return QApplication::activeModalWidget() == nullptr; }));
+    EXPECT_SOON(QApplication::activeModalWidget() == nullptr);
     EXPECT_FALSE(isChosen);
-    ASSERT_TRUE(PageWindow::waitFor([&] { return page.bSearchFinished(); }));
+    ASSERT_SOON(page.bSearchFinished());
     // Nothing is searched behind a question.
     real.alert(window, removalQuestion(), [](int) {});
     on.dialogs.willAnswer(0);
@@ -304,20 +292,19 @@ TEST(AppDelegate, QuittingSavesAndLetsARemovalFinishTheEntryThatItIsAt) {
     on.delegate->applicationDidFinishLaunching();
     auto& page = *on.delegate->duplicateMWC()->sameFileDeleteVC();
     page.viewDragAction(on.tree.at("f"));
-    ASSERT_TRUE(PageWindow::waitFor(
-        [&] { return page.bSearchFinished() && page.detailView()->isVisible(); }));
+    ASSERT_SOON(page.bSearchFinished() && page.detailView()->isVisible());
     page.detailView()->findChild<QAbstractButton*>(QStringLiteral("button"))->click();
     removing.shut();
     on.dialogs.willAnswer(0);
     page.removeBtnClicked();
-    ASSERT_TRUE(PageWindow::waitFor([&] { return removing.isWaitedAt(); }));
+    ASSERT_SOON(removing.isWaitedAt());
     on.defaults.setInteger(3, ZvDuplicatesUnit);
     on.entry("quit")->trigger();
     on.entry("quit")->trigger();
     EXPECT_TRUE(on.ends.empty());
     EXPECT_FALSE(on.isVisible());
     removing.open();
-    ASSERT_TRUE(PageWindow::waitFor([&] { return !on.ends.empty(); }));
+    ASSERT_SOON(!on.ends.empty());
     EXPECT_EQ(on.ends[0], 1);
     EXPECT_EQ(isThere(on.tree.at("f/a")) + isThere(on.tree.at("f/b")) + isThere(on.tree.at("f/c")),
               2)
@@ -356,7 +343,7 @@ TEST(AppDelegate, TheEndAsksThePagesOfTheToolbarWindowToo) {
     EXPECT_TRUE(removal.isGivenUp && on.ends.empty());
     EXPECT_FALSE(pages.window()->isVisible()) << "what is begun now nobody gives up";
     removal.isUnderWay = false;
-    EXPECT_TRUE(PageWindow::waitFor([&] { return !on.ends.empty(); }));
+    EXPECT_SOON(!on.ends.empty());
     delete &pages;  // the next test has one of its own
 }
 
@@ -372,13 +359,13 @@ TEST(AppDelegate, ARemovalThatWasOnlyAgreedToDoesNotBeginWhenOneQuits) {
     on.delegate->perform({StartRequest::Kind::Action, "large-files", ""});
     ListFileViewController& page = *on.delegate->duplicateMWC()->listFileVC();
     page.viewDragAction(on.tree.at("f"));
-    ASSERT_TRUE(PageWindow::waitFor([&] { return !page.isScan(); }));
+    ASSERT_SOON(!page.isScan());
     page.listView()->findChild<QAbstractButton*>(QStringLiteral("selectAllButton"))->click();
     on.dialogs.willAnswer(0);
     page.deleteFiles();
-    ASSERT_TRUE(PageWindow::waitFor([&] { return page.isRemoving(); }));
+    ASSERT_SOON(page.isRemoving());
     on.delegate->endBySignal(SIGTERM);
-    ASSERT_TRUE(PageWindow::waitFor([&] { return !on.ends.empty(); }));
+    ASSERT_SOON(!on.ends.empty());
     EXPECT_EQ(on.ends, std::vector<int>{-SIGTERM});
     QTest::qWait(600);  // longer than the removal would have waited
     EXPECT_TRUE(isThere(on.tree.at("f/a")) && isThere(on.tree.at("f/b")));

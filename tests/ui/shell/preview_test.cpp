@@ -1,22 +1,22 @@
 // The look at one entry: what is read of it, within which bounds, and the window around it.
-#include <gtest/gtest.h>
-
 #include <QImage>
 #include <QLabel>
 #include <QPlainTextEdit>
-#include <QTest>
-#include <algorithm>
 
-#include "support/TestTree.h"
+#include "support/test.h"
 #include "ui/shell/FileIcons.h"
 #include "ui/shell/PreviewWindow.h"
 #include "ui/shell/previewContent.h"
+#include "ui/support/soon.h"
 
 namespace orrinvale {
 namespace {
 
 using Kind = PreviewContent::Kind;
-using testing::TestTree;
+
+constexpr const char* oddName =
+    "b\xC3\xBC"
+    "cher & <b>.txt";
 
 TEST(Preview, ReadsWhatIsSafeAndLittleOfIt) {
     TestTree tree;
@@ -73,29 +73,22 @@ TEST(Preview, ReadsWhatIsSafeAndLittleOfIt) {
 
 TEST(Preview, ShowsTheLastPathAskedForAndClosesOnItsKeys) {
     TestTree tree;
-    ASSERT_TRUE(tree.write("first.txt", "first") && tree.write("b\xC3\xBC"
-                                                               "cher & <b>.txt",
-                                                               "second"));
+    ASSERT_TRUE(tree.write("first.txt", "first") && tree.write(oddName, "second"));
     FileIcons icons;
     PreviewWindow window(icons);
     auto& text = *window.findChild<QPlainTextEdit*>();
     for (const QKeySequence& keys : {QKeySequence(Qt::Key_Escape), QKeySequence(Qt::Key_Space),
                                      QKeySequence(Qt::CTRL | Qt::Key_Space)}) {
         window.showPath(tree.at("first.txt"));
-        window.showPath(
-            tree.at("b\xC3\xBC"
-                    "cher & <b>.txt"));
+        window.showPath(tree.at(oddName));
         window.show();
         ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-        ASSERT_TRUE(QTest::qWaitFor(
-            [&] { return text.toPlainText() == QLatin1String("second") && text.isVisible(); }));
+        ASSERT_SOON(text.toPlainText() == QLatin1String("second") && text.isVisible());
         QTest::qWait(20);
         EXPECT_EQ(text.toPlainText(), QStringLiteral("second"));
         const auto labels = window.findChildren<QLabel*>();
-        EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [](const QLabel* each) {
-            return each->text() == QString::fromUtf8(
-                                       "b\xC3\xBC"
-                                       "cher & <b>.txt") &&
+        EXPECT_TRUE(std::ranges::any_of(labels, [](const QLabel* each) {
+            return each->text() == QString::fromUtf8(oddName) &&
                    each->textFormat() == Qt::PlainText;
         }));
         text.setFocus();
@@ -104,10 +97,8 @@ TEST(Preview, ShowsTheLastPathAskedForAndClosesOnItsKeys) {
     }
     window.showPath("bare name");
     const auto labels = window.findChildren<QLabel*>();
-    EXPECT_TRUE(QTest::qWaitFor([&] {
-        return std::any_of(labels.begin(), labels.end(), [](const QLabel* each) {
-            return each->text() == QLatin1String("This file is missing.");
-        });
+    EXPECT_SOON(std::ranges::any_of(labels, [](const QLabel* each) {
+        return each->text() == QLatin1String("This file is missing.");
     }));
 }
 

@@ -1,16 +1,12 @@
 // The program as a person starts it: the window, its bounds, a folder from the command line,
 // further starts, and its end.
-#include <gtest/gtest.h>
-
 #include <QElapsedTimer>
 #include <QImage>
 #include <QLabel>
 #include <QStandardPaths>
-#include <csignal>
-#include <set>
 
 #include "support/SilentSocket.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 #include "ui/kit/chrome/DesktopSession.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/chrome/TitleBarView.h"
@@ -94,7 +90,7 @@ const QString xdotoolFind = QStringLiteral("xdotool search --onlyvisible --name 
 const QStringList quit{QStringLiteral("--action"), QStringLiteral("quit")};
 
 TEST(Program, StartsSearchesAFolderAndLivesOnWhenItsWindowIsClosed) {
-    testing::TestTree tree;
+    TestTree tree;
     ASSERT_TRUE(tree.write("f/a/x.txt", "the same") && tree.write("f/b/x.txt", "the same"));
     DesktopSession session;
     session.setVariable("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
@@ -105,7 +101,7 @@ TEST(Program, StartsSearchesAFolderAndLivesOnWhenItsWindowIsClosed) {
     running.start({QStringLiteral("./f/")});
     const auto find = [&] { return session.run(xdotoolFind).trimmed(); };
     QString id;
-    ASSERT_TRUE(PageWindow::waitFor([&] { return !(id = find()).isEmpty(); }));
+    ASSERT_SOON(!(id = find()).isEmpty());
     // More than a dozen colours: not a blank window.
     const QString picture = QString::fromStdString(tree.at("window.png"));
     QImage image;
@@ -119,19 +115,16 @@ TEST(Program, StartsSearchesAFolderAndLivesOnWhenItsWindowIsClosed) {
     }));
     EXPECT_GE(image.width(), 800);
     EXPECT_GE(image.height(), 506 + 62);
-    EXPECT_TRUE(PageWindow::waitFor([&] {
-        return running.hasSaid("search Path:" + tree.at("f") + ' ');
-    })) << running.said;
+    EXPECT_SOON(running.hasSaid("search Path:" + tree.at("f") + ' ')) << running.said;
     const auto press = [&](const char* keys) {
         session.run(QStringLiteral("xdotool windowactivate --sync %1 key %2")
                         .arg(find(), QLatin1String(keys)));
     };
     press("ctrl+w");
-    ASSERT_TRUE(PageWindow::waitFor([&] { return find().isEmpty(); }));
+    ASSERT_SOON(find().isEmpty());
     EXPECT_EQ(running.program.state(), QProcess::Running);
     EXPECT_EQ(running.startAgain(), 0);
-    ASSERT_TRUE(PageWindow::waitFor([&] { return !find().isEmpty(); }))
-        << "the second start opens the first one's window";
+    ASSERT_SOON(!find().isEmpty()) << "the second start opens the first one's window";
     press("ctrl+q");
     EXPECT_EQ(running.ended(), 1);
 }
@@ -139,7 +132,7 @@ TEST(Program, StartsSearchesAFolderAndLivesOnWhenItsWindowIsClosed) {
 TEST(Program, StandsInTheMiddleOfTheScreenAndWhereItWasLeftTheNextTime) {
     for (const char* const dpi : {"96", "144"}) {
         SCOPED_TRACE(dpi);
-        testing::TestTree tree;
+        TestTree tree;
         DesktopSession session;
         session.setVariable("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
         session.setVariable("XDG_CONFIG_HOME", tree.path().c_str());
@@ -164,28 +157,27 @@ TEST(Program, StandsInTheMiddleOfTheScreenAndWhereItWasLeftTheNextTime) {
         {
             Running running(session.environment());
             running.start();
-            ASSERT_TRUE(PageWindow::waitFor([&] { return (first = place()).width() > 100; }));
+            ASSERT_SOON((first = place()).width() > 100);
             EXPECT_LE(first.height(), 800) << "as high as the screen";
             EXPECT_LE(std::abs(first.center().y() - 400), 3);
             if (first.width() <= 1000) {
                 EXPECT_LE(std::abs(first.center().x() - 500), 3);
             }
             session.run(xdotoolFind + QStringLiteral(" windowmove --sync 60 12"));
-            ASSERT_TRUE(PageWindow::waitFor([&] { return place().topLeft() != first.topLeft(); }));
+            ASSERT_SOON(place().topLeft() != first.topLeft());
             first = place();
             EXPECT_EQ(ended(running), 1);
         }
         if (first.right() >= 1000) continue;  // it would be brought into view
         Running running(session.environment());
         running.start();
-        ASSERT_TRUE(PageWindow::waitFor([&] { return place().width() > 100; }));
-        EXPECT_TRUE(PageWindow::waitFor([&] { return place() == first; }))
-            << place().x() << ' ' << place().y();
+        ASSERT_SOON(place().width() > 100);
+        EXPECT_SOON(place() == first) << place().x() << ' ' << place().y();
     }
 }
 
 // Without a display, with folders of its own.
-QProcessEnvironment offscreen(const testing::TestTree& tree, const std::string& bus) {
+QProcessEnvironment offscreen(const TestTree& tree, const std::string& bus) {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const char* const name : {"XDG_RUNTIME_DIR", "XDG_CONFIG_HOME"})
         environment.insert(QLatin1String(name), QString::fromStdString(tree.path()));
@@ -198,7 +190,7 @@ QProcessEnvironment offscreen(const testing::TestTree& tree, const std::string& 
 // does.
 class PrivateBus {
 public:
-    explicit PrivateBus(testing::TestTree& tree) {
+    explicit PrivateBus(TestTree& tree) {
         if (QStandardPaths::findExecutable(QStringLiteral("dbus-daemon")).isEmpty() ||
             QStandardPaths::findExecutable(QStringLiteral("gdbus")).isEmpty())
             return;
@@ -260,7 +252,7 @@ private:
 };
 
 TEST(Program, IsStartedAndReachedOverTheSessionBus) {
-    testing::TestTree tree;
+    TestTree tree;
     PrivateBus bus(tree);
     if (!bus.isThere) GTEST_SKIP() << "no dbus-daemon or no gdbus here";
     ASSERT_TRUE(tree.write("a b/x", "same") && tree.write("a b/y", "same") &&
@@ -274,9 +266,8 @@ TEST(Program, IsStartedAndReachedOverTheSessionBus) {
     const QString address = QString::fromStdString("['file://" + tree.at("a%20b") + "']");
     EXPECT_FALSE(
         bus.call(application + QStringLiteral("Open"), {address, QStringLiteral("{}")}).isNull());
-    EXPECT_TRUE(PageWindow::waitFor([&] {
-        return bus.said().find("search Path:" + tree.at("a b") + ' ') != std::string::npos;
-    })) << bus.said();
+    EXPECT_SOON(bus.said().find("search Path:" + tree.at("a b") + ' ') != std::string::npos)
+        << bus.said();
     // A start from a terminal ends with the status 0 when the running program has taken it over.
     const Running second(bus.environment);
     EXPECT_TRUE(PageWindow::waitFor([&] {  // the first search may still be at its end
@@ -289,27 +280,26 @@ TEST(Program, IsStartedAndReachedOverTheSessionBus) {
     elsewhere.insert(QStringLiteral("XDG_RUNTIME_DIR"), QString::fromStdString(tree.at("other")));
     EXPECT_EQ(Running(elsewhere).startAgain(), 0);
     EXPECT_EQ(second.startAgain(quit), 0);
-    EXPECT_TRUE(PageWindow::waitFor([&] { return !bus.hasProgram(); })) << "it has quit";
+    EXPECT_SOON(!bus.hasProgram()) << "it has quit";
 }
 
 TEST(Program, LaunchesToItsEnd) {
-    testing::TestTree tree;
+    TestTree tree;
     ASSERT_TRUE(
         tree.write("com.kelpford.Orrinvale/settings.ini", "[Orrinvale]\nZvLastClickRow = 5\n"));
     Running running(offscreen(tree, "unix:path=/nonexistent"));
     running.start();
-    ASSERT_TRUE(PageWindow::waitFor([&] { return testing::isThere(tree.at("orrinvale.socket")); }));
+    ASSERT_SOON(isThere(tree.at("orrinvale.socket")));
     EXPECT_EQ(running.startAgain(quit), 0);
     EXPECT_EQ(running.ended(), 1);
     // The last step of the launch puts the row back, and what is set is stored when the program
     // ends.
-    EXPECT_EQ(testing::contentOf(tree.at("com.kelpford.Orrinvale/settings.ini"))
-                  .find("ZvLastClickRow = 5"),
+    EXPECT_EQ(contentOf(tree.at("com.kelpford.Orrinvale/settings.ini")).find("ZvLastClickRow = 5"),
               std::string::npos);
 }
 
 TEST(Program, OfTwoStartsAtTheSameMomentOneStays) {
-    testing::TestTree tree;
+    TestTree tree;
     PrivateBus bus(tree);
     if (!bus.isThere) GTEST_SKIP() << "no dbus-daemon or no gdbus here";
     const QByteArray asked = qgetenv("ORRINVALE_TEST_ROUNDS");
@@ -323,10 +313,8 @@ TEST(Program, OfTwoStartsAtTheSameMomentOneStays) {
         Running one(environment), other(environment);
         one.start();
         other.start();
-        ASSERT_TRUE(PageWindow::waitFor([&] {
-            return one.program.state() == QProcess::NotRunning ||
-                   other.program.state() == QProcess::NotRunning;
-        }));
+        ASSERT_SOON(one.program.state() == QProcess::NotRunning ||
+                    other.program.state() == QProcess::NotRunning);
         Running& first = one.program.state() == QProcess::Running ? one : other;
         Running& second = &first == &one ? other : one;
         ASSERT_EQ(second.ended(), 0)
@@ -338,7 +326,7 @@ TEST(Program, OfTwoStartsAtTheSameMomentOneStays) {
 }
 
 TEST(Program, EndsBySignalsAndNeedsNoBusAtAll) {
-    testing::TestTree tree;
+    TestTree tree;
     // A bus that accepts and never says a word.
     const Descriptor silent = testing::silentSocket(tree.at("bus"));
     ASSERT_TRUE(silent.isOpen());
@@ -349,9 +337,7 @@ TEST(Program, EndsBySignalsAndNeedsNoBusAtAll) {
         Running running(environment);
         running.start();
         // It answers once its window stands.
-        ASSERT_TRUE(PageWindow::waitFor([&] {
-            return testing::isThere(tree.at("orrinvale.socket"));
-        })) << bus;
+        ASSERT_SOON(isThere(tree.at("orrinvale.socket"))) << bus;
         QElapsedTimer clock;
         clock.start();
         EXPECT_EQ(running.startAgain(), 0) << bus;
@@ -362,7 +348,7 @@ TEST(Program, EndsBySignalsAndNeedsNoBusAtAll) {
             if (running.program.waitForFinished(100)) break;
         }
         EXPECT_EQ(running.ended(0), -SIGTERM) << bus;
-        EXPECT_FALSE(testing::isThere(tree.at("orrinvale.socket"))) << "it tidied up";
+        EXPECT_FALSE(isThere(tree.at("orrinvale.socket"))) << "it tidied up";
     }
 }
 

@@ -1,11 +1,9 @@
 // LargePage: see LargePage.h.
 #include "ui/support/LargePage.h"
 
-#include <gtest/gtest.h>
-
 #include <QApplication>
-#include <QTest>
 
+#include "support/test.h"
 #include "ui/kit/lists/RowDelegate.h"
 #include "ui/largefiles/FileNodeModel.h"
 
@@ -21,7 +19,7 @@ LargePage::~LargePage() {
     window.window.reset();
 }
 
-void LargePage::setOwnFiles(std::vector<std::string> ownFiles) {
+void LargePage::setOwnFiles(Strings ownFiles) {
     Controller::getController().setParts(
         {.files = &window.files,
          .mainQueue = &m_mainQueue,
@@ -34,10 +32,10 @@ std::vector<QWidget*> LargePage::places() {
     return {page().listView(), page().aLoadView(), window.window->window()};
 }
 
-void LargePage::choose(std::vector<std::string> paths) {
+void LargePage::choose(Strings paths) {
     dialogs.willChoose(std::move(paths));
     QTest::keyClick(window.window->window(), Qt::Key_O, Qt::ControlModifier);
-    EXPECT_TRUE(waitFor([this] { return isShown("listView"); }));
+    EXPECT_SOON(isShown("listView"));
 }
 
 bool LargePage::scan(const std::string& path) {

@@ -112,4 +112,9 @@ struct Launched {
     std::unique_ptr<AppDelegate> delegate;
 };
 
+/// The launch is over too.
+struct Started : Launched {
+    Started() { delegate->applicationDidFinishLaunching(); }
+};
+
 }  // namespace orrinvale::testing

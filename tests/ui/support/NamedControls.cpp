@@ -1,15 +1,14 @@
 // NamedControls: see NamedControls.h.
 #include "ui/support/NamedControls.h"
 
-#include <gtest/gtest.h>
-
 #include <QAbstractButton>
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QLabel>
 #include <QMenu>
 #include <QPlainTextEdit>
-#include <QTest>
+
+#include "support/test.h"
 
 namespace orrinvale::testing {
 

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "ui/support/soon.h"
+
 namespace orrinvale::testing {
 
 class NamedControls {

@@ -1,18 +1,13 @@
 // PageWindow: see PageWindow.h.
 #include "ui/support/PageWindow.h"
 
-#include <gtest/gtest.h>
-
 #include <QMimeData>
 #include <QScreen>
-#include <QTest>
 #include <QTreeView>
 #include <QUrl>
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
 
 #include "engine/cleaning/QnAuthorization.h"
+#include "support/test.h"
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/kit/lists/RowDelegate.h"
 
@@ -79,7 +74,7 @@ PageWindow::~PageWindow() {
     removing.open();
     window.reset();
     // A thread that was told to stop still uses what stands here.
-    EXPECT_TRUE(waitFor([this] { return threadsNow() <= m_threads; }));
+    EXPECT_SOON(threadsNow() <= m_threads);
     QnAuthorization::shareQnAuthorization().freeAuthorization();
     QnAuthorization::shareQnAuthorization().setParts({});
 }
@@ -150,14 +145,12 @@ std::string PageWindow::list() {
     return text;
 }
 
+std::string PageWindow::nameOf(const QModelIndex& row) {
+    return row.siblingAtColumn(DuplicateResultModel::NameColumn).data().toString().toStdString();
+}
+
 QModelIndex PageWindow::row(const std::string& group, const std::string& copy) {
     const QAbstractItemModel& shown = model();
-    const auto nameOf = [](const QModelIndex& index) {
-        return index.siblingAtColumn(DuplicateResultModel::NameColumn)
-            .data()
-            .toString()
-            .toStdString();
-    };
     for (int g = 0; g < shown.rowCount(); ++g) {
         const QModelIndex parent = shown.index(g, 0);
         if (nameOf(parent) != group) continue;

@@ -5,17 +5,12 @@
 #include <QAbstractItemModel>
 #include <QImage>
 #include <condition_variable>
-#include <functional>
-#include <memory>
-#include <mutex>
-#include <string>
-#include <vector>
 
 #include "engine/settings/UserDefaults.h"
 #include "platform/fake/FakeAuthorization.h"
 #include "platform/linux/LinuxPermissions.h"
 #include "services/foundation/QtMainQueue.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/shell/DuplicateMainWindowController.h"
 #include "ui/shell/FileIcons.h"
@@ -68,6 +63,8 @@ public:
     /// The list as a person reads it, a group in a line: "name state count: boxes of its copies".
     std::string list();
     QAbstractItemModel& model();
+    /// What stands in the column of the names: of a copy its path.
+    static std::string nameOf(const QModelIndex& row);
     /// The group of this name, or the copy of this file name in it.
     QModelIndex row(const std::string& group, const std::string& copy = {});
     /// Presses the left button in the box of the row.
@@ -81,7 +78,7 @@ public:
     FakeAuthorization authorization;
     NotificationCenter notifications;
     RecordedDialogs dialogs;
-    std::vector<std::string> revealed;
+    Strings revealed;
     std::unique_ptr<DuplicateMainWindowController> window;  // ends when a test says so
 
 protected:

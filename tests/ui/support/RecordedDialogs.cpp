@@ -1,11 +1,9 @@
 // RecordedDialogs: see RecordedDialogs.h.
 #include "ui/support/RecordedDialogs.h"
 
-#include <gtest/gtest.h>
-
 #include <QMetaObject>
 
-#include <utility>
+#include "support/test.h"
 
 namespace orrinvale::testing {
 
@@ -32,7 +30,7 @@ void RecordedDialogs::alert(QWidget* /*window*/, const Alert& alert, Answer answ
 
 void RecordedDialogs::choosePaths(QWidget* /*window*/, const PathChoice& choice, Paths chosen) {
     m_asked.push_back(choice);
-    std::vector<std::string> paths;
+    Strings paths;
     if (m_choices.empty()) {
         ADD_FAILURE() << "unexpected choice: " << choice.title.toStdString();
     } else {

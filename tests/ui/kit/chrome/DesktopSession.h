@@ -65,7 +65,6 @@ private:
     std::vector<std::unique_ptr<QProcess>> m_servers;
     QProcess m_probe;
     ProbeState m_state;
-    std::string m_pending;
     std::string m_said;
 };
 

@@ -1,19 +1,16 @@
 // The drawn buttons: what clicks them, which picture shows, and what a keyboard user sees.
-#include <gtest/gtest.h>
-
-#include <QApplication>
 #include <QDialog>
-#include <QPainter>
 #include <QSignalSpy>
-#include <QTest>
 #include <QVBoxLayout>
 
+#include "support/test.h"
 #include "ui/kit/chrome/AnimationHoverImageView.h"
 #include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/chrome/TCImageButton.h"
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/support/StillStyle.h"
+#include "ui/support/soon.h"
 
 namespace orrinvale {
 namespace {
@@ -179,18 +176,17 @@ TEST_F(Buttons, TheAddControlFadesUnlessTheDesktopForbidsIt) {
     hover(view);
     EXPECT_LT(view->fadeProgress(), 1.0);
     EXPECT_GT(middle(*view).red(), middle(*view).green());
-    EXPECT_TRUE(QTest::qWaitFor(
-        [&] { return middle(*view).red() > 20 && middle(*view).green() > 20; }, 2000));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return middle(*view) == QColor(Qt::green); }, 2000));
+    EXPECT_SOON(middle(*view).red() > 20 && middle(*view).green() > 20);
+    EXPECT_SOON(middle(*view) == QColor(Qt::green));
     view->setStyle(nullptr);
 }
 
 TEST_F(Buttons, TheAddControlShowsThatSomethingMayBeDroppedOnIt) {
     const QImage before = view->grab().toImage();
     view->setDropTarget(true);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return middle(*view) == QColor(Qt::green); }, 2000));
+    EXPECT_SOON(middle(*view) == QColor(Qt::green));
     view->setDropTarget(false);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return view->grab().toImage() == before; }, 2000));
+    EXPECT_SOON(view->grab().toImage() == before);
 }
 
 }  // namespace

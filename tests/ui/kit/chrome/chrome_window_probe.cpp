@@ -1,6 +1,6 @@
 // Shows one TCImageWindow, does what it is told on standard input, and writes each change of the
 // window on standard output:
-//   frame X Y WIDTH HEIGHT zoomed|normal own|bare|system         pressed NUMBER   closing
+//   frame X Y WIDTH HEIGHT zoomed|normal own|bare|system         closing
 #include <fmt/format.h>
 
 #include <QApplication>
@@ -12,7 +12,6 @@
 #include <string>
 
 #include "ui/kit/chrome/TCImageWindow.h"
-#include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/chrome/WindowButton.h"
 #include "ui/kit/look/Theme.h"
 
@@ -38,10 +37,7 @@ void obey(TCImageWindow& window, const std::string& order) {
     if (order == "zoom") window.zoom();
     else if (order == "close") window.performClose();
     else if (order == "dark") Theme::shared().setScheme(Theme::Scheme::Dark);
-    else if (order.starts_with("grab "))
-        window.grab().save(QString::fromStdString(order.substr(5)));
     else if (order.starts_with("frame ")) window.setFrameFromString(order.substr(6));
-    else if (order == "quit") QCoreApplication::quit();
 }
 
 int run(int argc, char** argv) {
@@ -56,15 +52,8 @@ int run(int argc, char** argv) {
     window.setMinSize({400, 300});
     // "small" windows may not fill a screen, others may.
     window.setMaxSize(argc > 1 ? QSize(600, 500) : QSize(4000, 4000));
-    auto* const content = new QWidget;
-    window.setContentView(content);
-    auto* const button =
-        new TextImageButton(QStringLiteral("Delete"), TextImageButton::Role::Danger, content);
-    button->move(40, 40);
+    window.setContentView(new QWidget);
     window.setFrame({100, 80, 500, 400});
-    int presses = 0;
-    QObject::connect(button, &QAbstractButton::clicked, &window,
-                     [&] { say(fmt::format("pressed {}", ++presses)); });
     window.standardWindowButton(0)->setAction([&] {
         say("closing");
         window.close();

@@ -1,9 +1,8 @@
 // TCImageWindow on real servers: X11 with a window manager and without, and Wayland. The pointer is
 // moved by xdotool.
-#include <gtest/gtest.h>
-
 #include <QThread>
 
+#include "support/test.h"
 #include "ui/kit/chrome/DesktopSession.h"
 
 namespace orrinvale::testing {
@@ -59,20 +58,14 @@ void expectPulls(DesktopSession& session, int slackOfMoves) {
     }
 }
 
-TEST(WindowOnX11, ThePointerMovesAndResizesItThroughTheWindowManager) {
-    DesktopSession session;
-    if (const auto reason = session.startX11(openbox); !reason.empty()) GTEST_SKIP() << reason;
-    ASSERT_EQ(session.startProbe(probe), "");
-    EXPECT_EQ(session.state().kind, "bare");
-    expectPulls(session, 20);
-}
-
-TEST(WindowOnX11, ThePointerMovesAndResizesItWhereThereIsNoWindowManager) {
-    DesktopSession session;
-    if (const auto reason = session.startX11(""); !reason.empty()) GTEST_SKIP() << reason;
-    ASSERT_EQ(session.startProbe(probe), "");
-    EXPECT_EQ(session.state().kind, "bare");
-    expectPulls(session, 0);
+TEST(WindowOnX11, ThePointerMovesAndResizesItWithoutAWindowManagerAndThroughOne) {
+    for (const auto& [manager, slackOfMoves] : {std::pair("", 0), std::pair(openbox, 20)}) {
+        DesktopSession session;
+        if (const auto reason = session.startX11(manager); !reason.empty()) GTEST_SKIP() << reason;
+        ASSERT_EQ(session.startProbe(probe), "");
+        EXPECT_EQ(session.state().kind, "bare");
+        expectPulls(session, slackOfMoves);
+    }
 }
 
 void doubleClick(DesktopSession& session, QPoint place) {

@@ -1,8 +1,7 @@
 // Rectangles of windows, and the decision about who draws their frame.
 #include "ui/kit/chrome/frameGeometry.h"
 
-#include <gtest/gtest.h>
-
+#include "support/test.h"
 #include "ui/kit/chrome/desktopFrame.h"
 
 namespace orrinvale {

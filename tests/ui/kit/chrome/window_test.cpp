@@ -1,13 +1,11 @@
 // TCImageWindow without a desktop: bounds, title bar, zoom, closing, focus and looks.
 // desktop_window_test.cpp has real servers.
-#include <gtest/gtest.h>
-
 #include <QApplication>
 #include <QLabel>
 #include <QScreen>
-#include <QTest>
 #include <QWindow>
 
+#include "support/test.h"
 #include "ui/kit/chrome/ResizeGrip.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/chrome/TextImageButton.h"
@@ -17,6 +15,7 @@
 #include "ui/kit/chrome/WindowShadow.h"
 #include "ui/kit/dialogs/Sheet.h"
 #include "ui/kit/look/Theme.h"
+#include "ui/support/soon.h"
 
 namespace orrinvale {
 namespace {
@@ -74,7 +73,7 @@ TEST_F(Window, PutsTitleBarButtonsAndContentWhereTheyAreAskedFor) {
     EXPECT_LT(window.standardWindowButton(0)->x(), window.standardWindowButton(1)->x());
     EXPECT_EQ(window.standardWindowButton(3), nullptr);
     auto* const line = new ToplineView(window.titleBarView());
-    EXPECT_TRUE(QTest::qWaitFor([&] { return line->geometry() == window.titleBarView()->rect(); }));
+    EXPECT_SOON(line->geometry() == window.titleBarView()->rect());
     window.setContentSize({450, 350});
     EXPECT_EQ(content->size(), QSize(450, 350));
 }
@@ -152,20 +151,18 @@ TEST_F(Window, ZoomsToTheMiddleWhereTheScreenIsLargerThanItMayBe) {
 TEST_F(Window, FillsTheScreenWithoutShadowOrGripsWhereItMay) {
     window.setMaxSize({4000, 4000});
     window.zoom();
-    EXPECT_TRUE(
-        QTest::qWaitFor([&] { return window.frame() == window.screen()->availableGeometry(); }));
+    EXPECT_SOON(window.frame() == window.screen()->availableGeometry());
     EXPECT_TRUE(window.isMaximized());
     EXPECT_EQ(content->width(), window.width());
     EXPECT_EQ(qobject_cast<ResizeGrip*>(at(window.frame().topLeft())), nullptr);
     EXPECT_EQ(window.stringWithSavedFrame(), "100 100 500 400 1");
     window.zoom();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return window.frame() == start; }));
+    EXPECT_SOON(window.frame() == start);
 }
 
 TEST_F(Window, BeingMaximisedFromOutsideEndsAtItsMaximumSizeToo) {
     window.showMaximized();
-    EXPECT_TRUE(
-        QTest::qWaitFor([&] { return !window.isMaximized() && window.frame().size() == most; }));
+    EXPECT_SOON(!window.isMaximized() && window.frame().size() == most);
     window.zoom();
     EXPECT_EQ(window.frame(), start);
 }
@@ -179,7 +176,7 @@ TEST_F(Window, AllWaysOfClosingTakeTheActionOfTheCloseButton) {
     QSpontaneKeyEvent::setSpontaneous(&fromManager);
     qApp->notify(&window, &fromManager);
     EXPECT_FALSE(fromManager.isAccepted());
-    EXPECT_TRUE(QTest::qWaitFor([&] { return asked == 2; }));
+    EXPECT_SOON(asked == 2);
     window.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
     QTest::keySequence(&window, QKeySequence::Close);

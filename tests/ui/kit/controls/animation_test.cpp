@@ -1,31 +1,22 @@
 // The progress strip with its real timers, its arithmetic, the blinking padlock, and the flight of
 // a picture.
-#include <gtest/gtest.h>
-
 #include <QAccessible>
 #include <QImage>
 #include <QLabel>
 #include <QPushButton>
-#include <QTest>
-
-#include <algorithm>
-#include <functional>
-#include <memory>
-#include <vector>
 
 #include "engine/base/NotificationCenter.h"
-#include "support/LogLines.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 #include "ui/kit/controls/Animation.h"
 #include "ui/kit/controls/PathAnimation.h"
 #include "ui/kit/look/motion.h"
 #include "ui/support/StillStyle.h"
+#include "ui/support/soon.h"
 
 namespace orrinvale {
 namespace {
 
 using testing::StillStyle;
-using testing::TestTree;
 
 bool waitFor(const std::function<bool()>& isSo) { return QTest::qWaitFor(isSo, 5000); }
 
@@ -96,19 +87,18 @@ TEST_F(StripTest, TheRunGoesUpWrapsFallsAndEnds) {
     while (seen.size() < 70 && waitFor([&] { return strip.goPrograss() != seen.back(); }))
         seen.push_back(strip.goPrograss());
     ASSERT_EQ(seen.size(), 70U);
-    EXPECT_TRUE(
-        std::all_of(seen.begin(), seen.end(), [](int each) { return each < 0 && each % 5 == 0; }));
+    EXPECT_TRUE(std::ranges::all_of(seen, [](int each) { return each < 0 && each % 5 == 0; }));
     EXPECT_EQ(*std::max_element(seen.begin(), seen.end()), -5);
-    EXPECT_NE(std::find(seen.begin(), seen.end(), -static_cast<int>(width) / 2), seen.end())
+    EXPECT_NE(std::ranges::find(seen, -static_cast<int>(width) / 2), seen.end())
         << "half a width back";
     strip.minishPrograss();
     EXPECT_FALSE(strip.isAdd());
-    ASSERT_TRUE(waitFor([&] { return strip.goPrograss() == -294; }));
+    ASSERT_SOON(strip.goPrograss() == -294);
     strip.updateprograss();
     EXPECT_EQ(strip.goPrograss(), -294) << "not further down";
     EXPECT_EQ(offset(), -294.0);
     strip.setIsFinished(true);
-    ASSERT_TRUE(waitFor([&] { return !strip.isRunning(); }));
+    ASSERT_SOON(!strip.isRunning());
     EXPECT_EQ(offset(), -width);
     EXPECT_EQ(strip.goPrograss(), -static_cast<int>(width));
     EXPECT_TRUE(strip.isAdd() && !strip.isFinished());
@@ -125,7 +115,7 @@ TEST_F(StripTest, OneTimerAtATime) {
     strip.setTimeSize(0.001F);
     strip.startUpdatePrograss();
     strip.start();  // changes nothing
-    ASSERT_TRUE(waitFor([&] { return source.asked >= 5; }));
+    ASSERT_SOON(source.asked >= 5);
     EXPECT_EQ(strip.goPrograss(), -310);
     strip.stopTimer();
     EXPECT_EQ(offset(), -width) << "only the timer ends";
@@ -144,9 +134,9 @@ TEST_F(StripTest, ThePadlockBlinksUntilItIsStopped) {
     const QImage closed = picturePixmap(QStringLiteral("Lock"), QSize(16, 16)).toImage();
     ASSERT_NE(lit, closed);
     strip.startUnlockAnimation(button.get());
-    EXPECT_TRUE(waitFor([&] { return shown() == lit; }));
-    EXPECT_TRUE(waitFor([&] { return shown() == closed; }));
-    EXPECT_TRUE(waitFor([&] { return shown() == lit; }));
+    EXPECT_SOON(shown() == lit);
+    EXPECT_SOON(shown() == closed);
+    EXPECT_SOON(shown() == lit);
     strip.stopUnlockAnimation(button.get());
     EXPECT_EQ(shown(), closed);
     strip.startUnlockAnimation(button.get());
@@ -211,7 +201,7 @@ TEST(PathAnimation, FliesInACurveAndReportsItsLanding) {
     trash.setGeometry(340, 260, 40, 30);
     page.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&page));
-    const testing::LogLines log;
+    const LogLines log;
     Landing landing;
     PathAnimation flight(page);
     flight.setDelegate(&landing);
@@ -234,7 +224,7 @@ TEST(PathAnimation, FliesInACurveAndReportsItsLanding) {
     EXPECT_LE((last - trash.geometry().center()).manhattanLength(), 40);
     EXPECT_FALSE(view->isVisible());
     EXPECT_EQ(landing.calls, 1);
-    EXPECT_EQ(log.lines, (std::vector<std::string>{"animation start", "animation end"}));
+    EXPECT_EQ(log.lines, (Strings{"animation start", "animation end"}));
 
     flight.fly(icon, start, &trash);
     flight.fly(icon, start, &trash);

@@ -1,6 +1,4 @@
 // Drops on the area: which path reaches the page, byte for byte, and what a source is told.
-#include <gtest/gtest.h>
-
 #include <QCoreApplication>
 #include <QDragEnterEvent>
 #include <QDragLeaveEvent>
@@ -9,18 +7,12 @@
 #include <QMimeData>
 #include <QUrl>
 
-#include <memory>
-#include <vector>
-
 #include "platform/FileUrl.h"
-#include "support/LogLines.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 #include "ui/kit/controls/DragView.h"
 
 namespace orrinvale {
 namespace {
-
-using testing::TestTree;
 
 TEST(FileUrl, PathsComeOutByteForByte) {
     const struct {
@@ -56,7 +48,7 @@ TEST(FileUrl, PathsComeOutByteForByte) {
 }
 
 struct Page final : DragViewDelegate {
-    std::vector<std::string> paths;
+    Strings paths;
     void viewDragAction(const std::string& path) override { paths.push_back(path); }
 };
 
@@ -88,8 +80,8 @@ protected:
     TestTree tree;
     DragView view;
     Page page;
-    testing::LogLines log;
-    std::vector<std::string>& lines = log.lines;
+    LogLines log;
+    Strings& lines = log.lines;
 };
 
 TEST_F(DragViewTest, OnlyTheFirstFolderReachesThePage) {
@@ -120,7 +112,7 @@ TEST_F(DragViewTest, OnlyTheFirstFolderReachesThePage) {
         data.setData(QStringLiteral("text/uri-list"), QByteArray::fromStdString(each.list));
         const Drop drop = dropOn(view, data, each.offered);
         const bool isFolder = !each.path.empty();
-        EXPECT_EQ(page.paths, isFolder ? std::vector{each.path} : std::vector<std::string>());
+        EXPECT_EQ(page.paths, isFolder ? std::vector{each.path} : Strings());
         EXPECT_EQ(drop.isTaken, isFolder);
         EXPECT_EQ(drop.isShown, isFolder);
         EXPECT_EQ(drop.action, each.action);
@@ -140,9 +132,8 @@ TEST_F(DragViewTest, OtherDataThanFolders) {
     EXPECT_FALSE(dropOn(view, text, Qt::CopyAction).isEntered);
     EXPECT_FALSE(view.performDragOperation(text));
     EXPECT_TRUE(page.paths.empty());
-    EXPECT_EQ(lines, (std::vector<std::string>{
-                         "Error: MyNSView performDragOperation zPasteboardData == nil",
-                         "Error MyNSView performDragOperation"}));
+    EXPECT_EQ(lines, (Strings{"Error: MyNSView performDragOperation zPasteboardData == nil",
+                              "Error MyNSView performDragOperation"}));
 }
 
 TEST_F(DragViewTest, TheLookOfHoveringFollowsThePointer) {

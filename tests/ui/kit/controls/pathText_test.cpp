@@ -1,11 +1,9 @@
 // Paths where there is little room: what is cut first, and what stays to the last.
 #include "ui/kit/controls/pathText.h"
 
-#include <gtest/gtest.h>
-
 #include <QApplication>
-#include <algorithm>
-#include <vector>
+
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {

@@ -1,7 +1,6 @@
 // Sheets as a user has them: keys, focus, what stays out of reach; the choice of folders; and the
 // recorder that pages' tests use.
 #include <gtest/gtest-spi.h>
-#include <gtest/gtest.h>
 
 #include <QAccessible>
 #include <QAction>
@@ -10,27 +9,20 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QTest>
 #include <QVBoxLayout>
 
-#include <algorithm>
-#include <functional>
-#include <memory>
-
-#include "support/TestTree.h"
+#include "support/test.h"
 #include "ui/kit/chrome/SheetHost.h"
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/dialogs/Sheet.h"
 #include "ui/kit/dialogs/WindowDialogs.h"
 #include "ui/support/RecordedDialogs.h"
+#include "ui/support/soon.h"
 
 namespace orrinvale {
 namespace {
 
 using testing::RecordedDialogs;
-using testing::TestTree;
-
-bool waitFor(const std::function<bool()>& isSo) { return QTest::qWaitFor(isSo, 5000); }
 
 class Window : public QWidget, public SheetHost {
 public:
@@ -101,7 +93,7 @@ TEST(WindowDialogs, KeysChooseTheButton) {
             continue;
         }
         press(Qt::Key_Return);  // comes too late
-        ASSERT_TRUE(waitFor([&] { return window.sheet() == nullptr; }));
+        ASSERT_SOON(window.sheet() == nullptr);
         EXPECT_EQ(answers, QList<int>{each.answer});
         EXPECT_EQ(QApplication::focusWidget(), window.button);
     }
@@ -120,7 +112,7 @@ TEST(WindowDialogs, ThePageIsOutOfReachMeanwhile) {
     WindowDialogs dialogs;
     bool isAnswered = false;
     dialogs.alert(&window, question(), [&](int) { isAnswered = true; });
-    ASSERT_TRUE(waitFor([&] { return window.sheet()->content()->y() == 0; }));
+    ASSERT_SOON(window.sheet()->content()->y() == 0);
     EXPECT_EQ(window.sheet()->geometry(), window.sheetArea());
     EXPECT_EQ(window.childAt(window.button->geometry().center())->window(), &window);
     EXPECT_NE(window.childAt(window.button->geometry().center()), window.button);
@@ -134,10 +126,10 @@ TEST(WindowDialogs, ThePageIsOutOfReachMeanwhile) {
     window.field->setFocus();
     EXPECT_TRUE(window.sheet()->isAncestorOf(QApplication::focusWidget()));
     window.resize(700, 500);
-    EXPECT_TRUE(waitFor([&] { return window.sheet()->geometry() == window.sheetArea(); }));
+    EXPECT_SOON(window.sheet()->geometry() == window.sheetArea());
     EXPECT_FALSE(isAnswered);
     press(Qt::Key_Return);
-    EXPECT_TRUE(waitFor([&] { return isAnswered; }));
+    EXPECT_SOON(isAnswered);
     EXPECT_EQ(QApplication::focusWidget(), window.field);
     EXPECT_EQ(clicked.count(), 0);
 }
@@ -151,10 +143,10 @@ TEST(WindowDialogs, ASecondSheetLiesOverTheFirst) {
     dialogs.alert(&window, question(), [&](int) { order << QStringLiteral("second"); });
     EXPECT_NE(QApplication::focusWidget(), firstButton);
     press(Qt::Key_Escape);
-    ASSERT_TRUE(waitFor([&] { return order.size() == 1; }));
+    ASSERT_SOON(order.size() == 1);
     EXPECT_EQ(QApplication::focusWidget(), firstButton);
     press(Qt::Key_Return);
-    ASSERT_TRUE(waitFor([&] { return order.size() == 2; }));
+    ASSERT_SOON(order.size() == 2);
     EXPECT_EQ(order, (QStringList{QStringLiteral("second"), QStringLiteral("first")}));
     EXPECT_EQ(QApplication::focusWidget(), window.button);
 }
@@ -168,18 +160,18 @@ TEST(WindowDialogs, ALinkLeavesTheQuestionOpen) {
     alert.linkAction = [&] { ++visits; };
     dialogs.alert(&window, alert, [&](int button) { answer = button; });
     const auto buttons = window.findChildren<TextImageButton*>();
-    const auto link = std::find_if(buttons.begin(), buttons.end(), [](const TextImageButton* each) {
+    const auto link = std::ranges::find_if(buttons, [](const TextImageButton* each) {
         return each->role() == TextImageButton::Role::Link;
     });
     ASSERT_NE(link, buttons.end());
-    ASSERT_TRUE(waitFor([&] { return window.sheet()->content()->y() == 0; }));
+    ASSERT_SOON(window.sheet()->content()->y() == 0);
     QTest::mouseClick(*link, Qt::LeftButton);
     QTest::mouseClick(*link, Qt::LeftButton);
     EXPECT_EQ(visits, 2);
     EXPECT_EQ(QAccessible::queryAccessibleInterface(*link)->text(QAccessible::Name),
               alert.linkText);
     press(Qt::Key_Escape);
-    ASSERT_TRUE(waitFor([&] { return answer != -2; }));
+    ASSERT_SOON(answer != -2);
     EXPECT_EQ(answer, 1);
 }
 
@@ -193,7 +185,7 @@ TEST(WindowDialogs, AWindowThatEndsTakesItsQuestionsAlong) {
     QTest::qWait(300);
     EXPECT_EQ(answers, 0);
     dialogs.alert(nullptr, question(), [&](int button) { answers += 10 + button; });
-    EXPECT_TRUE(waitFor([&] { return answers != 0; }));
+    EXPECT_SOON(answers != 0);
     EXPECT_EQ(answers, 11) << "with no window at all it is cancelled";
 }
 
@@ -204,7 +196,7 @@ TEST(WindowDialogs, AFolderIsChosenByItsBytes) {
     const struct {
         const char* entry;
         bool withFiles;
-        std::vector<std::string> chosen;
+        Strings chosen;
     } cases[] = {
         {"Bücher & Co", false, {tree.at("Bücher & Co")}},
         {"link", false, {tree.at("Bücher & Co")}},
@@ -219,7 +211,7 @@ TEST(WindowDialogs, AFolderIsChosenByItsBytes) {
         PathChoice choice;
         choice.directory = tree.path();
         choice.withFiles = each.withFiles;
-        std::vector<std::vector<std::string>> results;
+        std::vector<Strings> results;
         dialogs.choosePaths(window.button, choice,
                             [&](auto paths) { results.push_back(std::move(paths)); });
         auto* chooser = window.findChild<QFileDialog*>();
@@ -243,13 +235,13 @@ TEST(RecordedDialogs, AnswersLaterAndKnowsWhatWasAsked) {
     dialogs.willAnswer(0);
     dialogs.willChoose({"/a", "/b"});
     int answer = -2;
-    std::vector<std::string> paths;
+    Strings paths;
     dialogs.alert(nullptr, question(), [&](int button) { answer = button; });
     dialogs.choosePaths(nullptr, PathChoice(), [&](auto chosen) { paths = std::move(chosen); });
     EXPECT_EQ(answer, -2);
     QCoreApplication::processEvents();
     EXPECT_EQ(answer, 0);
-    EXPECT_EQ(paths, (std::vector<std::string>{"/a", "/b"}));
+    EXPECT_EQ(paths, (Strings{"/a", "/b"}));
     EXPECT_EQ(dialogs.alerts().front().title, question().title);
     EXPECT_NONFATAL_FAILURE(dialogs.alert(nullptr, question(), [](int) {}),
                             "unexpected alert: Remove all?");

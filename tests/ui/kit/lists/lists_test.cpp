@@ -1,7 +1,5 @@
 // Lists of the pages: what a table of columns makes of a view, boxes within names, shares, what is
 // drawn anew, and the rows at the left of a page. tick_box_test.cpp has the boxes themselves.
-#include <gtest/gtest.h>
-
 #include <QAbstractItemModelTester>
 #include <QAccessible>
 #include <QApplication>
@@ -10,6 +8,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include "support/test.h"
 #include "ui/kit/lists/FlatHeader.h"
 #include "ui/kit/lists/LeftRail.h"
 #include "ui/kit/lists/LeftRow.h"

@@ -1,7 +1,5 @@
 // Tick boxes, alone and in a tree: what a click and a key change, what is drawn, what a screen
 // reader hears.
-#include <gtest/gtest.h>
-
 #include <QAccessible>
 #include <QHeaderView>
 #include <QImage>
@@ -11,8 +9,7 @@
 #include <QTest>
 #include <QTreeView>
 
-#include <set>
-
+#include "support/test.h"
 #include "ui/kit/lists/RowDelegate.h"
 #include "ui/kit/lists/TickBox.h"
 #include "ui/kit/lists/TickModel.h"

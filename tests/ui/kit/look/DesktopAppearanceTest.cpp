@@ -1,14 +1,14 @@
 // The desktop's preference from a settings service of our own, on a bus of our own.
 #include "ui/kit/look/DesktopAppearance.h"
 
-#include <gtest/gtest.h>
-
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDBusVariant>
 #include <QProcess>
 #include <QSignalSpy>
-#include <QTest>
-#include <memory>
+
+#include "support/test.h"
+#include "ui/support/soon.h"
 
 namespace orrinvale {
 namespace {
@@ -53,22 +53,15 @@ protected:
             return false;
         if (!running()) return false;
         addMethod("Read", "ss", "v", readCode);
-        addMethod("Turn", "s", "",
+        addMethod("Change", "ssv", "",
                   "self.EmitSignal('org.freedesktop.portal.Settings', 'SettingChanged', 'ssv', "
-                  "['org.freedesktop.appearance', args[0], dbus.UInt32(2)])");
-        addMethod("Move", "b", "",
-                  "self.EmitSignal('org.freedesktop.portal.Settings', 'SettingChanged', 'ssv', "
-                  "['org.gnome.desktop.interface', 'enable-animations', args[0]])");
-        addMethod("Press", "s", "",
-                  "self.EmitSignal('org.freedesktop.portal.Settings', 'SettingChanged', 'ssv', "
-                  "['org.gnome.desktop.wm.preferences', 'action-double-click-titlebar', args[0]])");
+                  "[args[0], args[1], args[2]])");
         return true;
     }
-    void turn(const char* key) { call(m_interface, "Turn", {QString::fromLatin1(key)}); }
-    void setDoubleClick(const char* action) {
-        call(m_interface, "Press", {QString::fromLatin1(action)});
+    void change(const char* in, const char* key, const QVariant& value) {
+        call(m_interface, "Change",
+             {QLatin1String(in), QLatin1String(key), QVariant::fromValue(QDBusVariant(value))});
     }
-    void setAnimations(bool on) { call(m_interface, "Move", {on}); }
 
     std::unique_ptr<QDBusConnection> m_bus;
 
@@ -100,14 +93,14 @@ TEST_F(DesktopAppearanceTest, AsksOnceAndFollows) {
     const DesktopAppearance appearance(*m_bus, nullptr);
     EXPECT_EQ(appearance.scheme(), Scheme::Dark);
     QSignalSpy spy(&appearance, &DesktopAppearance::changed);
-    turn("accent-color");
-    turn("color-scheme");
+    change("org.freedesktop.appearance", "accent-color", 2U);
+    change("org.freedesktop.appearance", "color-scheme", 2U);
     ASSERT_TRUE(spy.count() > 0 || spy.wait());
     EXPECT_EQ(appearance.scheme(), Scheme::Light);
     EXPECT_EQ(spy.count(), 1);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !appearance.animates(); }));
-    setAnimations(true);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return appearance.animates(); }));
+    EXPECT_SOON(!appearance.animates());
+    change("org.gnome.desktop.interface", "enable-animations", true);
+    EXPECT_SOON(appearance.animates());
 }
 
 TEST_F(DesktopAppearanceTest, KnowsWhatADoubleClickOnATitleBarDoes) {
@@ -121,10 +114,14 @@ TEST_F(DesktopAppearanceTest, KnowsWhatADoubleClickOnATitleBarDoes) {
     const auto comes = [&](TitleDoubleClick action) {
         return QTest::qWaitFor([&] { return appearance.titleDoubleClick() == action; });
     };
+    const auto press = [&](const char* action) {
+        change("org.gnome.desktop.wm.preferences", "action-double-click-titlebar",
+               QLatin1String(action));
+    };
     EXPECT_TRUE(comes(TitleDoubleClick::Miniaturize));
-    setDoubleClick("toggle-maximize-horizontally");
+    press("toggle-maximize-horizontally");
     EXPECT_TRUE(comes(TitleDoubleClick::Zoom));
-    setDoubleClick("none");
+    press("none");
     EXPECT_TRUE(comes(TitleDoubleClick::Nothing));
 }
 

@@ -1,10 +1,9 @@
 // HouseStyle by the pointer: a scroll bar without arrows that is dragged and paged through, however
 // much there is to scroll.
-#include <gtest/gtest.h>
-
 #include <QScrollBar>
 #include <QTest>
 
+#include "support/test.h"
 #include "ui/kit/look/HouseStyle.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/kit/look/contrast.h"

@@ -2,10 +2,9 @@
 // blue.
 #include "ui/kit/look/IconScaling.h"
 
-#include <gtest/gtest.h>
-
 #include <QPainter>
-#include <vector>
+
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {

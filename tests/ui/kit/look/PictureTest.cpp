@@ -2,16 +2,13 @@
 // the scheme.
 #include "ui/kit/look/picture.h"
 
-#include <gtest/gtest.h>
-
 #include <QDir>
 #include <QDirIterator>
 #include <QPainter>
 #include <QRegularExpression>
-#include <algorithm>
 #include <cmath>
 
-#include "support/LogLines.h"
+#include "support/test.h"
 #include "ui/kit/look/PictureFile.h"
 #include "ui/kit/look/Theme.h"
 
@@ -98,7 +95,7 @@ TEST(Picture, EveryNameOfTheInterfaceIsThere) {
 }
 
 TEST(Picture, AnUnknownNameIsLoggedAndGivesNothing) {
-    const testing::LogLines log;
+    const LogLines log;
     const QStringList names{
         ""_s,    "nothing"_s, "101%"_s,      "037"_s,        "%-1"_s,
         "-1"_s,  "1 "_s,      "loading_0"_s, "loading_13"_s, "../pictures/all"_s,

@@ -1,20 +1,17 @@
 // The colours in pairs, and what a change of scheme does to a window that is open.
 #include "ui/kit/look/Theme.h"
 
-#include <gtest/gtest.h>
-
 #include <QApplication>
 #include <QFontInfo>
 #include <QProxyStyle>
 #include <QSignalSpy>
-#include <QTest>
 #include <QWidget>
-#include <algorithm>
-#include <array>
 
+#include "support/test.h"
 #include "ui/kit/look/contrast.h"
 #include "ui/kit/look/getColor.h"
 #include "ui/kit/look/picture.h"
+#include "ui/support/soon.h"
 
 namespace orrinvale {
 namespace {
@@ -91,7 +88,7 @@ TEST(Theme, InstallsAndRepaintsEveryWindowWhenTheSchemeChanges) {
     theme.setScheme(Scheme::Light);
     theme.setScheme(Scheme::Light);
     EXPECT_EQ(spy.count(), 1);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return widget.paints > before; }));
+    EXPECT_SOON(widget.paints > before);
     EXPECT_NE(icon.pixmap(24, 24).toImage(), dark) << "an icon made before the change";
     EXPECT_EQ(QApplication::palette().color(QPalette::Base), QColor(Qt::white));
     EXPECT_EQ(QApplication::palette().color(QPalette::Disabled, QPalette::Text),
