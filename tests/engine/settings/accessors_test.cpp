@@ -27,33 +27,10 @@ struct AccessorsTest : ::testing::Test {
     UserDefaults defaults{tree.at("settings.ini")};
 };
 
-TEST_F(AccessorsTest, FreshAccount) {
-    PreferenceViewController::initialize();
-    EXPECT_EQ(defaults.floatForKey("SpaceAlarm"), 0.1F);
-    EXPECT_EQ(defaults.floatForKey("MemoryAlarm"), 0.1F);
-    std::string numbers;
-    for (const char* key :
-         {"SystemCaches", "UserCaches", "SystemLogs", "UserLogs", "UserTrash", "UserDownloads",
-          "ZvLoginItemIsHide", "LoginCheck", "ZvMyMacClicked", "ZvLastClickRow", "ZvToolbarItem",
-          "ZvToolbarItem_app", "ZvDuplicationLimit", "ZvDuplicatesUnit", "ZvHidenDuplication",
-          "ZvSystemDuplication", "ZvShowStatusItem", "ZvDiskUsageLimit", "ZvDiskUsageUnit"}) {
-        EXPECT_TRUE(defaults.objectForKey(key)) << key;
-        numbers += std::to_string(defaults.integerForKey(key));
-    }
-    EXPECT_EQ(numbers, "1111000010000200012");
-    for (const char* key : {"DisplayType", "ZvUninstall", "ZvFreeSpace", "ZvUserAllDiskItemArr",
-                            "SUEnableAutomaticChecks", "SUScheduledCheckInterval", "fade"})
-        EXPECT_FALSE(defaults.objectForKey(key)) << key;
-    registerPreferencesWindowDefaults();
-    for (const char* key : {"openAtStartup", "fade", "shiftSlowsAnimation"})
-        EXPECT_TRUE(defaults.boolForKey(key)) << key;
-    EXPECT_FALSE(defaults.isUnsaved());
-}
-
 // A row of the guide's tables of settings: "| `key` | meaning | `default` ... |".
 std::map<std::string, std::string> defaultsInTheGuide() {
     std::map<std::string, std::string> rows;
-    std::istringstream guide(testing::contentOf(ORRINVALE_SOURCES "/../docs/user-guide.md"));
+    std::istringstream guide(contentOf(ORRINVALE_SOURCES "/../docs/user-guide.md"));
     const std::regex row("\\| `(\\w+)` \\| [^|]+ \\| (?:`([^`]+)`|none)[^|]*\\|");
     bool isInSettings = false;
     for (std::string line; std::getline(guide, line);) {
@@ -68,8 +45,7 @@ TEST_F(AccessorsTest, TheGuideTellsEveryKeyAndItsDefault) {
     PreferenceViewController::initialize();
     registerPreferencesWindowDefaults();
     std::map<std::string, std::string> expected;
-    const std::string keys =
-        testing::contentOf(ORRINVALE_SOURCES "/engine/settings/SettingsKeys.h");
+    const std::string keys = contentOf(ORRINVALE_SOURCES "/engine/settings/SettingsKeys.h");
     const std::regex key("const char\\* \\w+ =\\s+\"(\\w+)\"");
     for (std::sregex_iterator each(keys.begin(), keys.end(), key); each != std::sregex_iterator();
          ++each) {
@@ -84,6 +60,7 @@ TEST_F(AccessorsTest, TheGuideTellsEveryKeyAndItsDefault) {
     }
     EXPECT_GT(expected.size(), 30U);
     EXPECT_EQ(defaultsInTheGuide(), expected);
+    EXPECT_FALSE(defaults.isUnsaved());
 }
 
 TEST_F(AccessorsTest, CategoriesKeepTheirNumberAndCountAsThere) {
@@ -133,7 +110,7 @@ TEST_F(AccessorsTest, OtherAccessors) {
 }
 
 TEST(UserFolders, EachBelowItsOwnHome) {
-    const testing::TestTree tree;
+    const TestTree tree;
     struct Row {
         std::string (*folder)();
         const char* variable;
@@ -224,9 +201,8 @@ TEST_F(StringMessageTest, DamagedCopyAndNoPlaceToWrite) {
 
 TEST(TCPublicUtilities, AsksTheVendorsSite) {
     struct Probe final : NetworkProbe {
-        bool isAnswered(const std::string& address,
-                        std::chrono::milliseconds timeOut) const override {
-            return address == "https://www.kelpford.com/" && timeOut == std::chrono::seconds(5);
+        bool isAnswered(const std::string& address, milliseconds timeOut) const override {
+            return address == "https://www.kelpford.com/" && timeOut == 5s;
         }
     };
     EXPECT_FALSE(TCPublicUtilities::isCanBeUseNetWork());

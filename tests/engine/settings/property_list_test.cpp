@@ -16,7 +16,7 @@ std::string bigEndian(std::uint64_t number, int width) {
 }
 
 /// A binary list of these objects, the first of them outermost; references have two bytes.
-std::string binary(const std::vector<std::string>& objects) {
+std::string binary(const Strings& objects) {
     std::string out = "bplist00";
     std::string table;
     for (const std::string& object : objects) {
@@ -45,7 +45,7 @@ TEST(PropertyList, ValuesOfBothForms) {
                      list->integerForKey("none"));
     }
     auto list = PropertyList::parse(text);
-    EXPECT_EQ(list->keys(), (std::vector<std::string>{"s", "n", "t", "r", "v", "d"}));
+    EXPECT_EQ(list->keys(), (Strings{"s", "n", "t", "r", "v", "d"}));
     EXPECT_EQ(list->integerForKey("t").value_or(-1) * 100 + list->integerForKey("r").value_or(-1),
               102);
     EXPECT_EQ(list->integerForKey("v"), 12);
@@ -61,38 +61,36 @@ TEST(PropertyList, ValuesOfBothForms) {
 
 TEST(PropertyList, GarbageAndHarm) {
     // Each level names the next one twice: 2^40 objects out of some 300 bytes.
-    std::vector<std::string> doubling{std::string("\xD1\0\1\0\2", 5), "\x51k"};
+    Strings doubling{std::string("\xD1\0\1\0\2", 5), "\x51k"};
     for (std::uint64_t level = 2; level < 42; ++level)
         doubling.push_back("\xA2" + bigEndian(level + 1, 2) + bigEndian(level + 1, 2));
     doubling.emplace_back("\x51z");
     // One long text named 30,000 times.
-    std::vector<std::string> copies{std::string("\xD1\0\1\0\2", 5), "\x51k",
-                                    "\xAF\x11" + bigEndian(30'000, 2),
-                                    "\x5F\x12" + bigEndian(400'000, 4) + std::string(400'000, 'x')};
+    Strings copies{std::string("\xD1\0\1\0\2", 5), "\x51k", "\xAF\x11" + bigEndian(30'000, 2),
+                   "\x5F\x12" + bigEndian(400'000, 4) + std::string(400'000, 'x')};
     for (int i = 0; i < 30'000; ++i) copies[2] += bigEndian(3, 2);
     // The same with a last key that names nothing, behind which a reader may stop counting and the
     // parser goes on.
-    std::vector<std::string> strayKey{"\xDF\x11" + bigEndian(30'000, 2), "\x51k", copies[3]};
+    Strings strayKey{"\xDF\x11" + bigEndian(30'000, 2), "\x51k", copies[3]};
     for (int i = 0; i < 60'000; ++i)
         strayKey[0] += bigEndian(i < 29'999 ? 1 : i == 29'999 ? 0xFFFF : 2, 2);
     std::string nested;
     for (int i = 0; i < 70'000; ++i) nested += "<array>";
     const std::string deep = xml("<dict><key>a</key>" + nested);
-    std::vector<std::string> loop{std::string("\xD1\0\1\0\0", 5), "\x51k"};
+    Strings loop{std::string("\xD1\0\1\0\0", 5), "\x51k"};
     for (const std::string& bytes :
          {std::string(), std::string("x"), std::string("bplist00"), std::string(100, '\xFF'),
           xml("<array/>"), xml("<dict><key>a</key>"), "bplist00" + std::string(40, '\xFF'),
           binary(doubling), binary(copies), binary(strayKey), binary(loop), deep,
           xml("<dict/>") + std::string(kPropertyListLimit, ' ')}) {
-        const auto start = std::chrono::steady_clock::now();
+        const auto start = Clock::now();
         EXPECT_FALSE(PropertyList::parse(bytes)) << bytes.substr(0, 40);
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5))
-            << bytes.substr(0, 40);
+        EXPECT_LT(Clock::now() - start, 5s) << bytes.substr(0, 40);
     }
 }
 
 TEST(PropertyList, FilesOfAnyKind) {
-    testing::TestTree tree;
+    TestTree tree;
     ASSERT_TRUE(tree.write("good", xml("<dict/>")) && tree.write("bad", "x") && tree.fifo("fifo") &&
                 tree.folder("folder"));
     EXPECT_TRUE(PropertyList::read(tree.at("good")));

@@ -1,6 +1,5 @@
 // Settings on a real file: what is written, what another process does to it, and damaged files.
 #include "engine/settings/PreferenceViewController.h"
-#include "engine/settings/SettingsKeys.h"
 #include "engine/settings/SettingsText.h"
 #include "engine/settings/UserDefaults.h"
 #include "support/test.h"
