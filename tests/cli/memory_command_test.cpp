@@ -70,7 +70,7 @@ TEST(MemoryCommand, InALimitedGroupNothingIsKilled) {
     const LimitedGroup group("629145600");
     if (group.path().empty()) GTEST_SKIP() << "no group can be made here that limits memory";
     const std::string inGroup =
-        "echo $$ > " + group.path() + "/cgroup.procs && exec " ORRINVALE_CLI_PATH " ";
+        "echo $$ > " + group.path() + "/cgroup.procs && exec " + commandRun("fr", {}).program + " ";
     const auto run = [&](const char* arguments) {
         return runOf("/bin/sh", {"-c", inGroup + arguments});
     };
