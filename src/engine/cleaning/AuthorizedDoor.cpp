@@ -189,11 +189,16 @@ bool AuthorizedDoor::isForTheTool(const LeavingEntry& entry, const std::string& 
     return folder && m_files.readFolder(folder->get(), batch).value_or(true) == false;
 }
 
-// A file that was written to meanwhile is another one to its owner, though its inode is the same.
+// A file that was written to meanwhile is another one to its owner, though its inode is the same;
+// and by a path that links lead elsewhere stands what nobody refused.
 bool AuthorizedDoor::runTool(const LeavingEntry& entry, StayedEntry& refused) const {
     const auto now = attributesByPath(m_files, refused.path);
     const bool isChosen = refused.path == entry.path;
-    if (now && isChosen && entry.identity && !entry.identity->isStill(*now)) {
+    const auto& identity = isChosen ? entry.identity : refused.identity;
+    if (!isChosen && entry.seen != nullptr && !identity) return false;
+    const bool isFolder = now && now->type == FileType::Folder;
+    if ((now && identity && !identity->isStill(*now)) ||
+        (isFolder && m_takes == ToolTakes::FilesAlone)) {
         refused.reason = stay::changed;
         refused.kind = StayReason::Changed;
         return false;

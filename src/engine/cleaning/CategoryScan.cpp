@@ -35,15 +35,38 @@ std::vector<std::string> mountPathsOf(const FileSystem& files) {
 
 CleanRules::CleanRules(const CleanParts& parts)
     : m_files(*parts.files),
+      m_settings{parts.settingsFolder, parts.otherSettings},
       m_clock(parts.clock ? parts.clock : machineTime),
       m_folders(*parts.files, *parts.folders, *parts.utilities),
       m_places(parts.files->resolved(m_folders.systemCaches()).value_or(m_folders.systemCaches()),
                parts.files->resolved(m_folders.systemLogs()).value_or(m_folders.systemLogs())),
       m_passing(parts.files->devicesOfPassingInodes()),
       m_mounts(mountPathsOf(*parts.files)) {
-    auto keep = KeepList::load(m_files, parts.settingsFolder);
-    if (keep) m_keep = std::move(*keep);
-    else m_fault = keep.error();
+    loadKeepList();
+}
+
+void CleanRules::loadKeepList() {
+    KeepList all;
+    m_fault.reset();
+    for (const std::string& folder : m_settings) {
+        if (folder.empty()) continue;
+        auto keep = KeepList::load(m_files, folder);
+        if (keep) all.add(std::move(*keep));
+        else m_fault = keep.error();
+    }
+    m_keep = std::move(all);
+}
+
+void CleanRules::askAnew(const std::vector<std::string>& realFolders) {
+    loadKeepList();
+    m_mounts = mountPathsOf(m_files);
+    askPrograms(realFolders);
+}
+
+void CleanRules::learnMounts(CleanGround& ground) const {
+    ground.mounts.clear();
+    for (const std::string& mount : m_mounts)
+        if (mount != ground.real && isWithin(mount, ground.real)) ground.mounts.push_back(mount);
 }
 
 void CleanRules::askPrograms(const std::vector<std::string>& realFolders) {
@@ -66,8 +89,7 @@ CleanGround CleanRules::groundAsBefore(const CleanFolders::Folder& folder) const
                        .mounts = {},
                        .inodesPass = false,
                        .now = m_clock()};
-    for (const std::string& mount : m_mounts)
-        if (mount != folder.real && isWithin(mount, folder.real)) ground.mounts.push_back(mount);
+    learnMounts(ground);
     const auto seen = m_files.attributes(FileSystem::noParent, folder.real.c_str(), Links::Keep);
     ground.inodesPass = seen && std::ranges::count(m_passing, seen->device) != 0;
     return ground;
@@ -120,7 +142,8 @@ CleanWalk::Watch CategoryScan::walkWatch() {
 std::optional<CleanRow> CategoryScan::rowAt(const std::string& path) {
     const std::string name(lastPathComponent(path));
     const auto parent = HeldEntry::holdParentOf(*m_parts.files, path);
-    if (!parent || m_rules.fault()) return std::nullopt;
+    if (!parent || m_rules.fault() || !m_rules.folders().objectionToEntry(path).empty())
+        return std::nullopt;
     const auto entry = m_parts.files->attributes(parent->get(), name.c_str(), Links::Keep);
     if (!entry) return std::nullopt;
     CleanFolders::Folder folder{.path = folderOf(path), .real = folderOf(path)};

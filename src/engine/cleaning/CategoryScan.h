@@ -24,6 +24,7 @@ struct CleanParts {
     std::string settingsFolder;                ///< where the list of what is always kept lies
     std::function<std::int64_t()> clock = {};  ///< nanoseconds since 1970-01-01 UTC; empty for the
                                                ///< machine's
+    std::string otherSettings = {};  ///< such a folder of the person behind root; empty for none
 };
 
 /// The result of one scan.
@@ -57,9 +58,16 @@ public:
     /// Nanoseconds since 1970-01-01 UTC.
     [[nodiscard]] std::int64_t now() const { return m_clock(); }
     void askPrograms(const std::vector<std::string>& realFolders);
+    /// Asks programs, the list of what is kept and the table of mounts anew; grounds made before
+    /// get their mounts by learnMounts().
+    void askAnew(const std::vector<std::string>& realFolders);
+    void learnMounts(CleanGround& ground) const;
 
 private:
+    void loadKeepList();
+
     const FileSystem& m_files;
+    const std::vector<std::string> m_settings;
     const std::function<std::int64_t()> m_clock;
     CleanFolders m_folders;
     CleanablePlaces m_places;
@@ -87,7 +95,8 @@ public:
     [[nodiscard]] CategoryListing run(const std::vector<std::string>& folders);
 
     /// One entry by its absolute path, as if it stood alone in its folder; nothing when it is not
-    /// there, or nobody knows what may go.
+    /// there, nobody knows what may go, or it is no entry to clean but a folder of a category, or
+    /// one that holds such.
     [[nodiscard]] std::optional<CleanRow> rowAt(const std::string& path);
 
 private:

@@ -22,6 +22,10 @@ bool isSomebodyElses(const std::string& home) {
     return ::geteuid() == 0 && ::stat(home.c_str(), &entry) == 0 && entry.st_uid != 0;
 }
 
+std::string objectionOf(const std::optional<CleanFolders::Folder>& folder) {
+    return folder ? folder->objection : std::string();
+}
+
 }  // namespace
 
 CleanFolders::CleanFolders(const FileSystem& files, const Folders& folders,
@@ -55,14 +59,31 @@ std::optional<CleanFolders::Folder> CleanFolders::lookAt(const std::string& path
         folder.objection = systemError("open", path, entry.error()).reason();
         return folder;
     }
-    const auto above = m_files.resolved(folderOf(path));
-    folder.real = above ? joinPath(*above, lastPathComponent(path)) : path;
+    folder.real = withoutLinks(path);
     folder.isSingle = entry->type == FileType::Regular;
     if (entry->type == FileType::SymbolicLink) folder.objection = "the folder is a link";
     else if (entry->type != FileType::Folder && !folder.isSingle)
         folder.objection = "it is no folder";
     else folder.objection = objectionTo(folder);
     return folder;
+}
+
+// Its last component may be a link.
+std::string CleanFolders::withoutLinks(const std::string& path) const {
+    const auto above = m_files.resolved(folderOf(path));
+    return above ? joinPath(*above, lastPathComponent(path)) : path;
+}
+
+std::string CleanFolders::objectionToEntry(const std::string& path) const {
+    const std::string real = withoutLinks(path);
+    const auto isRoot = [&](const Root& root) { return root.real == real; };
+    if (std::ranges::any_of(m_roots, isRoot)) {
+        const auto single = lookAt(path);
+        return single && !single->isSingle ? "it is a folder of a category" : objectionOf(single);
+    }
+    const auto isBelow = [&](const Root& root) { return isWithin(root.real, real); };
+    if (std::ranges::any_of(m_roots, isBelow)) return "a folder of a category lies in it";
+    return objectionOf(lookAt(folderOf(path)));
 }
 
 std::string CleanFolders::objectionTo(const Folder& folder) const {

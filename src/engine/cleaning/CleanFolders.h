@@ -34,6 +34,10 @@ public:
     /// Nothing for what is not there.
     [[nodiscard]] std::optional<Folder> lookAt(const std::string& path) const;
 
+    /// Why nothing is touched at this path of an entry, for people; empty where something may be.
+    /// Neither a folder of a category is an entry, nor what holds one.
+    [[nodiscard]] std::string objectionToEntry(const std::string& path) const;
+
     [[nodiscard]] const std::string& systemCaches() const { return m_systemCaches; }
     [[nodiscard]] const std::string& systemLogs() const { return m_systemLogs; }
 
@@ -43,6 +47,7 @@ private:
         CleanCategory category;
     };
     [[nodiscard]] std::string objectionTo(const Folder& folder) const;
+    [[nodiscard]] std::string withoutLinks(const std::string& path) const;
 
     const FileSystem& m_files;
     std::string m_systemCaches;

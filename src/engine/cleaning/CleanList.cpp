@@ -4,12 +4,14 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "engine/base/Log.h"
 #include "engine/base/LogHush.h"
 #include "engine/base/saturating.h"
 #include "engine/files/HeldEntry.h"
+#include "engine/removal/stayReasons.h"
 #include "platform/files.h"
 #include "platform/folders.h"
 #include "platform/paths.h"
@@ -26,60 +28,76 @@ CleanList::CleanList(const CleanParts& parts, std::vector<CleanRow> rows)
     : m_parts(parts),
       m_rows(std::move(rows)),
       m_count(m_rows.size(), 1),
-      m_left(m_rows.size(), 1) {}
+      m_left(m_rows.size(), 1),
+      m_isKept(m_rows.size(), false) {}
 
 CleanList::~CleanList() = default;
 
-void CleanList::prepare() {
+void CleanList::turnHasCome() {
     m_rules = std::make_unique<CleanRules>(m_parts);
-    for (const CleanRow& row : m_rows) {
-        const std::string folder = folderOf(row.path);
-        if (m_grounds.contains(folder)) continue;
-        const auto real = m_parts.files->resolved(folder).value_or(folder);
-        m_grounds.emplace(folder, m_rules->groundAsBefore({.path = folder, .real = real}));
-    }
-    askProgramsAnew();
+    for (const CleanRow& row : m_rows) learnGround(folderOf(row.path));
+    askAnew();
     for (std::size_t row = 0; row < m_rows.size(); ++row) expand(row);
     m_isPrepared = true;
 }
 
-void CleanList::askProgramsAnew() {
+void CleanList::learnGround(const std::string& folder) {
+    if (m_grounds.contains(folder)) return;
+    const auto real = m_parts.files->resolved(folder).value_or(folder);
+    m_grounds.emplace(folder, m_rules->groundAsBefore({.path = folder, .real = real}));
+    if (const auto seen = m_rules->folders().lookAt(folder))
+        m_objections.emplace(folder, seen->objection);
+}
+
+void CleanList::askAnew() {
     const auto now = std::chrono::steady_clock::now();
     if (m_asked != std::chrono::steady_clock::time_point{} && now - m_asked < asksProgramsEach)
         return;
     m_asked = now;
     std::vector<std::string> folders;
     for (const auto& [path, ground] : m_grounds) folders.push_back(ground.real);
-    m_rules->askPrograms(folders);
+    m_rules->askAnew(folders);
+    for (auto& [path, ground] : m_grounds) m_rules->learnMounts(ground);
 }
 
 void CleanList::expand(std::size_t row) {
     const CleanRow& each = m_rows[row];
-    if (each.goesWhole || each.identity.type != FileType::Folder) {
+    const KeepList& keep = *m_grounds.find(folderOf(each.path))->second.keep;
+    const bool isFolder = each.identity.type == FileType::Folder;
+    if (!isFolder || (each.goesWhole && !keep.keepsBelow(realOf(each, each.path)))) {
         m_entries.push_back({row, each.path, each.identity, true});
         return;
     }
     std::vector<CleanWalk::File> files;
-    if (ask(each, &files) != KeptBecause::Nothing) {  // judge() tells
-        m_entries.push_back({row, each.path, each.identity, true});
+    const KeptBecause reason = ask(each, &files);
+    if (reason != KeptBecause::Nothing) {  // judge() tells
+        m_entries.push_back({row, each.path, each.identity, true, reason});
         return;
     }
     for (CleanWalk::File& file : files)
-        m_entries.push_back({row, std::move(file.path), file.identity, false});
+        m_entries.push_back(
+            {row, std::move(file.path), file.identity, false, reason, file.verdict});
     m_left[row] = m_count[row] = files.size();
 }
 
-// Without a look at it, as the removal itself has one: a file is as the scan saw it, or stays.
-KeptBecause CleanList::askAboutFile(const CleanRow& row) const {
+// Of the row or an entry in it, without links on the way to its last component.
+std::string CleanList::realOf(const CleanRow& row, const std::string& path) const {
     const CleanGround& ground = m_grounds.find(folderOf(row.path))->second;
-    const std::string real = joinPath(ground.real, lastPathComponent(row.path));
+    return ground.real + path.substr(ground.folder.size());
+}
+
+// Without a look at it, as the removal itself has one: a file is as the scan saw it, or stays.
+KeptBecause CleanList::askAboutFile(const CleanRow& row, const std::string& path) const {
+    const CleanGround& ground = m_grounds.find(folderOf(row.path))->second;
+    const std::string real = realOf(row, path);
     if (ground.keep->keeps(real)) return KeptBecause::Asked;
-    const bool isMindful = CleanablePlaces::isMindfulOfPrograms(row.rules);
-    return isMindful && ground.open->isWithin(real) ? KeptBecause::Open : KeptBecause::Nothing;
+    const auto isOn = [&](const std::string& mount) { return isWithin(real, mount); };
+    if (std::ranges::any_of(ground.mounts, isOn)) return KeptBecause::Mount;
+    return keptByPrograms(ground, row.rules, lastPathComponent(row.path), real);
 }
 
 KeptBecause CleanList::ask(const CleanRow& row, std::vector<CleanWalk::File>* files) {
-    if (row.identity.type != FileType::Folder) return askAboutFile(row);
+    if (row.identity.type != FileType::Folder) return askAboutFile(row, row.path);
     const auto parent = HeldEntry::holdParentOf(*m_parts.files, row.path);
     if (!parent) return KeptBecause::Nothing;  // the removal tells what became of it
     CleanGround& ground = m_grounds.find(folderOf(row.path))->second;
@@ -109,24 +127,49 @@ std::shared_ptr<const SeenEntries> CleanList::seen(std::size_t index) {
 }
 
 tl::expected<std::unique_ptr<CopyLook>, StayedEntry> CleanList::judge(std::size_t index) {
-    const Entry& entry = m_entries[index];
-    if (m_rules->fault())
-        return tl::unexpected(
-            StayedEntry{entry.path, m_rules->fault()->reason(), StayReason::Kept});
-    if (!entry.isRow) return nullptr;
-    askProgramsAnew();
-    const KeptBecause reason = ask(m_rows[entry.row], nullptr);
-    if (reason == KeptBecause::Nothing) return nullptr;
-    return tl::unexpected(StayedEntry{entry.path, std::string(wordsOf(reason)), StayReason::Kept});
+    askAnew();
+    if (auto objection = objectionTo(m_entries[index])) return tl::unexpected(*objection);
+    return nullptr;
+}
+
+std::optional<StayedEntry> CleanList::objectionTo(const Entry& entry) {
+    const auto kept = [&](std::string_view words) {
+        return StayedEntry{entry.path, std::string(words), StayReason::Kept};
+    };
+    const CleanRow& row = m_rows[entry.row];
+    if (m_rules->fault()) return kept(m_rules->fault()->reason());
+    if (const auto& folder = m_objections[folderOf(row.path)]; !folder.empty()) {
+        const std::string objection = m_rules->folders().objectionToEntry(row.path);
+        if (!objection.empty()) return kept(objection);
+    }
+    if (entry.verdict == SeenEntries::Verdict::Changed)
+        return StayedEntry{entry.path, std::string(stay::changed), StayReason::Changed};
+    if (entry.verdict == SeenEntries::Verdict::Unseen)
+        return StayedEntry{entry.path, "not seen by the scan", StayReason::CameLater};
+    KeptBecause reason = entry.kept;
+    if (reason == KeptBecause::Nothing && entry.isRow) {
+        const KeepList& keep = *m_grounds.find(folderOf(row.path))->second.keep;
+        reason = keep.keepsBelow(realOf(row, row.path)) ? KeptBecause::Asked : ask(row, nullptr);
+    } else if (reason == KeptBecause::Nothing) {
+        reason = askAboutFile(row, entry.path);
+    }
+    return reason == KeptBecause::Nothing ? std::nullopt : std::optional(kept(wordsOf(reason)));
 }
 
 void CleanList::settled(std::size_t index, const RemovalResult& result) {
     const Entry& entry = m_entries[index];
+    if (result.gone && !result.byOthers) addSaturating(m_goneBytes, bytes(index));
+    else addSaturating(m_goneBytes, result.bytes.value_or(0));
     if (result.gone) {
         --m_left[entry.row];
-        addSaturating(m_goneBytes, bytes(index));
-        if (entry.isRow) removeTrashRecord(entry.path);
+        if (entry.isRow && !result.byOthers) removeTrashRecord(entry.path);
         return;
+    }
+    for (const StayedEntry& each : result.failures) {
+        const bool isByRule = each.kind == StayReason::Kept;
+        if (isByRule && entry.isRow) m_isKept[entry.row] = true;
+        m_hasFailed = m_hasFailed || (!isByRule && each.kind != StayReason::Changed &&
+                                      each.kind != StayReason::CameLater);
     }
     if (!result.failures.empty() && result.failures.front().kind != StayReason::Kept)
         Log::line(fmt::format("Clean deletable file failed: {}-{}", entry.path,

@@ -18,13 +18,13 @@
 namespace orrinvale {
 
 /// Rows that go whole are one entry each; of the others each file is one, which is known only after
-/// prepare(). What a rule keeps by now has StayReason::Kept.
+/// turnHasCome(). What a rule keeps by now has StayReason::Kept.
 class CleanList final : public RemovalList {
 public:
     CleanList(const CleanParts& parts, std::vector<CleanRow> rows);
     ~CleanList() override;
 
-    void prepare() override;
+    void turnHasCome() override;
     [[nodiscard]] std::size_t size() const override {
         return m_isPrepared ? m_entries.size() : m_rows.size();
     }
@@ -38,14 +38,19 @@ public:
 
     [[nodiscard]] const std::vector<CleanRow>& rows() const { return m_rows; }
 
-    // After prepare(), any thread.
+    // After turnHasCome(), any thread.
     [[nodiscard]] std::size_t rowOf(std::size_t index) const { return m_entries.at(index).row; }
     [[nodiscard]] std::size_t entriesOf(std::size_t row) const { return m_count.at(row); }
 
     // After the end of the removal.
     /// Whether nothing of the row is left that was to go.
     [[nodiscard]] bool isDone(std::size_t row) const { return m_left.at(row) == 0; }
-    /// Bytes of the entries that went, as the rows count them.
+    /// Whether a rule keeps the row as a whole by now.
+    [[nodiscard]] bool isKept(std::size_t row) const { return m_isKept.at(row); }
+    /// Whether anything stayed for another reason than a rule, or that it came or changed since.
+    [[nodiscard]] bool hasFailed() const { return m_hasFailed; }
+    /// Bytes of the entries that went by us, as the rows count them; of rows that went in part,
+    /// what went.
     [[nodiscard]] std::uint64_t goneBytes() const { return m_goneBytes; }
 
 private:
@@ -54,11 +59,16 @@ private:
         std::string path;
         EntryIdentity identity;
         bool isRow;
+        KeptBecause kept = KeptBecause::Nothing;  // when the turn had come: then it stays
+        SeenEntries::Verdict verdict = SeenEntries::Verdict::AsSeen;
     };
-    [[nodiscard]] KeptBecause askAboutFile(const CleanRow& row) const;
+    [[nodiscard]] std::string realOf(const CleanRow& row, const std::string& path) const;
+    [[nodiscard]] KeptBecause askAboutFile(const CleanRow& row, const std::string& path) const;
     [[nodiscard]] KeptBecause ask(const CleanRow& row, std::vector<CleanWalk::File>* files);
+    [[nodiscard]] std::optional<StayedEntry> objectionTo(const Entry& entry);
+    void learnGround(const std::string& folder);
     void expand(std::size_t row);
-    void askProgramsAnew();
+    void askAnew();
     void removeTrashRecord(const std::string& path) const;
 
     const CleanParts m_parts;
@@ -67,10 +77,13 @@ private:
     std::vector<Entry> m_entries;
     std::vector<std::size_t> m_count;  // entries of each row
     std::vector<std::size_t> m_left;   // entries of each row that are not gone
+    std::vector<bool> m_isKept;        // rows
+    bool m_hasFailed = false;
     std::uint64_t m_goneBytes = 0;
     std::unique_ptr<CleanRules> m_rules;
     std::map<std::string, CleanGround, std::less<>> m_grounds;  // by the paths of the rows' folders
-    std::chrono::steady_clock::time_point m_asked;              // when programs were asked
+    std::map<std::string, std::string, std::less<>> m_objections;  // to these folders
+    std::chrono::steady_clock::time_point m_asked;                 // when programs were asked
 };
 
 /// A door that names nothing of what goes in the log. Owns what it stands before.

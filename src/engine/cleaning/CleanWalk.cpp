@@ -3,6 +3,7 @@
 #include "engine/cleaning/CleanWalk.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <optional>
 #include <tuple>
@@ -69,7 +70,30 @@ std::int64_t ageOf(const FileAttributes& entry, std::int64_t now) {
     return entry.modified > now ? entry.changed : std::max(entry.modified, entry.changed);
 }
 
+// Of a row that can not be looked at again. What became of one that is gone the removal tells.
+KeptBecause unlessGone(int error) {
+    if (error == ENOENT || error == ENOTDIR || error == ELOOP) return KeptBecause::Nothing;
+    return error == EXDEV ? KeptBecause::Mount : KeptBecause::Unread;
+}
+
 }  // namespace
+
+// A folder of programs may lie behind a link, whose target's name says nothing of them.
+KeptBecause keptByPrograms(const CleanGround& ground, CleanCategory rules, std::string_view row,
+                           const std::string& real) {
+    if (!CleanablePlaces::isMindfulOfPrograms(rules)) return KeptBecause::Nothing;
+    const bool isCache = rules == CleanCategory::UserCaches;
+    const std::array names{CleanablePlaces::programNamesOf(ground.real, row),
+                           CleanablePlaces::programNamesOf(ground.folder, row)};
+    if (isCache && std::ranges::any_of(names, CleanablePlaces::isPrecious))
+        return KeptBecause::Precious;
+    if (ground.open->isWithin(real)) return KeptBecause::Open;
+    const auto isHidden = [&](const CleanablePlaces::ProgramNames& each) {
+        const auto& hidden = ground.open->hiddenPrograms;
+        return hidden.contains(each.row) || hidden.contains(each.owner);
+    };
+    return std::ranges::any_of(names, isHidden) ? KeptBecause::HiddenProgram : KeptBecause::Nothing;
+}
 
 CleanWalk::CleanWalk(const FileSystem& files, const CleanGround& ground, const Watch& watch)
     : FolderWalk(files, watch.stop, watch.skipped),
@@ -85,8 +109,7 @@ std::vector<CleanRow> CleanWalk::rows(Descriptor folder) {
     walk(std::move(start), m_ground.folder, std::move(folder));
     std::sort(m_rows.begin(), m_rows.end(),
               [](const auto& a, const auto& b) { return a->place < b->place; });
-    for (const auto& [file, linked] : m_linked)
-        if (linked.met == linked.links) addSaturating(linked.row->row.onDisk, linked.onDisk);
+    creditLinked();
     std::vector<CleanRow> out;
     out.reserve(m_rows.size());
     for (const auto& state : m_rows) out.push_back(std::move(state->row));
@@ -109,9 +132,16 @@ CleanRow CleanWalk::one(int parent, const std::string& name, const FileAttribute
         else noteUnread(state);
     }
     finish(state);
-    for (const auto& [file, linked] : m_linked)
-        if (linked.met == linked.links) addSaturating(state.row.onDisk, linked.onDisk);
+    creditLinked();
     return std::move(state.row);
+}
+
+// A file with several names gives something back when the last of them goes.
+void CleanWalk::creditLinked() {
+    const auto goes = [](const RowState* each) { return !each->row.staysWhole(); };
+    for (const auto& [file, linked] : m_linked)
+        if (linked.met == linked.links && std::ranges::all_of(linked.rows, goes))
+            addSaturating(linked.rows.front()->row.onDisk, linked.onDisk);
 }
 
 void CleanWalk::walkRow(RowState& state, Descriptor folder) {
@@ -127,13 +157,12 @@ KeptBecause CleanWalk::askAgain(const CleanRow& row, int parent, std::vector<Fil
     m_seen = row.seen.get();
     const std::string name(lastPathComponent(row.path));
     const auto now = m_files.attributes(parent, name.c_str(), Links::Keep);
-    if (!now) return KeptBecause::Nothing;  // the removal tells what became of it
+    if (!now) return unlessGone(now.error());
     auto& state = *m_rows.emplace_back(std::make_unique<RowState>());
     startRow(state, *now, name);
     if (now->type == FileType::Folder && state.row.kept != KeptBecause::Mount) {
         auto folder = m_files.openInside(parent, name.c_str());
-        if (!folder && folder.error() == EXDEV) return KeptBecause::Mount;
-        if (!folder) return KeptBecause::Nothing;
+        if (!folder) return unlessGone(folder.error());
         walkRow(state, std::move(*folder));
     }
     finish(state);
@@ -162,15 +191,7 @@ void CleanWalk::judgeRow(RowState& state) const {
     if (m_ground.keep->keeps(state.real)) tally.note(KeptBecause::Asked);
     if (std::any_of(m_ground.mounts.begin(), m_ground.mounts.end(), isBelow))
         tally.note(KeptBecause::Mount);
-    if (CleanablePlaces::isMindfulOfPrograms(m_ground.rules) && m_ground.open->isWithin(state.real))
-        tally.note(KeptBecause::Open);
-    if (m_ground.rules == CleanCategory::UserCaches) {
-        const auto names = CleanablePlaces::programNamesOf(m_ground.real, name);
-        if (CleanablePlaces::isPrecious(names)) tally.note(KeptBecause::Precious);
-        if (m_ground.open->hiddenPrograms.contains(names.row) ||
-            m_ground.open->hiddenPrograms.contains(names.owner))
-            tally.note(KeptBecause::HiddenProgram);
-    }
+    tally.note(keptByPrograms(m_ground, m_ground.rules, name, state.real));
     tally.note(CleanablePlaces::keepsRow(m_ground.rules, name, state.row.identity.type,
                                          state.row.identity.size));
     state.row.kept = tally.kept;
@@ -181,12 +202,14 @@ void CleanWalk::judgeRow(RowState& state) const {
 
 void CleanWalk::take(Worker& worker, WalkedFolder& folder, std::uint32_t first) {
     auto& here = static_cast<Here&>(folder);
-    if (m_watch.entries != nullptr)
-        m_watch.entries->fetch_add(worker.batch.entries.size(), std::memory_order_relaxed);
+    const auto count = [this] {
+        if (m_watch.entries != nullptr) m_watch.entries->fetch_add(1, std::memory_order_relaxed);
+    };
     if (here.row == nullptr) {
         for (CatalogEntry& entry : worker.batch.entries) {
             if (stopped()) return;
             takeRow(worker, here, entry, first++);
+            count();
         }
         return;
     }
@@ -194,6 +217,7 @@ void CleanWalk::take(Worker& worker, WalkedFolder& folder, std::uint32_t first) 
     for (CatalogEntry& entry : worker.batch.entries) {
         if (stopped()) break;
         takeEntry(worker, here, entry, tally);
+        count();
     }
     fold(*here.row, tally);
 }
@@ -287,11 +311,12 @@ void CleanWalk::takeFile(const Here& here, const CatalogEntry& entry, Tally& tal
     const auto key = here.row->seen->keyOf(here.key, entry.name, now.inode);
     if (m_going == nullptr) {
         tally.seen.emplace_back(key, SeenState::of(now));
-    } else if (m_seen != nullptr &&
-               m_seen->verdictOn(key, SeenState::of(now)) == SeenEntries::Verdict::AsSeen) {
+    } else {
         EntryIdentity identity = EntryIdentity::of(now);
         identity.inodePasses = m_ground.inodesPass;
-        tally.going.push_back({pathOf(here, entry.name), identity, now.onDisk});
+        tally.going.push_back({pathOf(here, entry.name), identity,
+                               m_seen != nullptr ? m_seen->verdictOn(key, SeenState::of(now))
+                                                 : SeenEntries::Verdict::Unseen});
     }
 }
 
@@ -304,11 +329,22 @@ bool CleanWalk::staysByItself(const Here& here, const CatalogEntry& entry, Tally
             tally.note(KeptBecause::Rule, verdict.reason);
             return true;
         }
+        if (type == FileType::Regular && isOfToday(entry)) {
+            tally.note(KeptBecause::Rule, "a program may be writing to it, by its date");
+            return true;
+        }
     }
     if (!here.row->keepsSomething || !m_ground.keep->keeps(realPathOf(here, entry.name)))
         return false;
     tally.note(KeptBecause::Rule, wordsOf(KeptBecause::Asked));
     return true;
+}
+
+// Some programs write to a file with the day in its name, which only looks rotated.
+bool CleanWalk::isOfToday(const CatalogEntry& entry) const {
+    constexpr std::int64_t day = 24LL * 3600 * 1'000'000'000;
+    return m_ground.now - entry.attributes.modified < day &&
+           CleanablePlaces::isDatedLog(entry.name);
 }
 
 // A row's own entry is asked about with nothing above it.
@@ -338,11 +374,14 @@ void CleanWalk::noteUnread(RowState& state) {
 void CleanWalk::fold(RowState& state, Tally& tally) {
     if (!tally.linked.empty()) {
         const std::lock_guard lock(m_mutex);
-        for (const Tally::Link& each : tally.linked)
-            ++m_linked
-                  .try_emplace({each.device, each.inode},
-                               Linked{each.links, 0, each.onDisk, &state})
-                  .first->second.met;
+        for (const Tally::Link& each : tally.linked) {
+            Linked& linked =
+                m_linked
+                    .try_emplace({each.device, each.inode}, Linked{each.links, 0, each.onDisk, {}})
+                    .first->second;
+            ++linked.met;
+            if (linked.rows.empty() || linked.rows.back() != &state) linked.rows.push_back(&state);
+        }
     }
     const std::lock_guard lock(state.mutex);
     CleanRow& row = state.row;

@@ -33,6 +33,11 @@ struct CleanGround {
     std::int64_t now = 0;             ///< nanoseconds since 1970-01-01 UTC
 };
 
+/// Why running programs keep a row by its name in the folder, or Nothing. `real` is the row or an
+/// entry of it, without links on the way.
+[[nodiscard]] KeptBecause keptByPrograms(const CleanGround& ground, CleanCategory rules,
+                                         std::string_view row, const std::string& real);
+
 /// What changed a moment ago belongs to something that is going on.
 inline constexpr std::int64_t freshFor = 10LL * 60 * 1'000'000'000;
 
@@ -50,7 +55,7 @@ public:
     struct File {
         std::string path;
         EntryIdentity identity;
-        std::uint64_t onDisk = 0;
+        SeenEntries::Verdict verdict = SeenEntries::Verdict::AsSeen;  ///< by what the scan saw
     };
 
     CleanWalk(const FileSystem& files, const CleanGround& ground, const Watch& watch);
@@ -64,7 +69,7 @@ public:
 
     /// Asks again about a row whose entry stands still: why it stays now, or Nothing. Files that
     /// are not new are not looked at one by one, since the removal itself does that. With `going`
-    /// it gets each file of the row that may go and is what the scan saw.
+    /// it gets each file of the row that may go by the rules.
     [[nodiscard]] KeptBecause askAgain(const CleanRow& row, int parent, std::vector<File>* going);
 
 private:
@@ -80,6 +85,7 @@ private:
     void takeFolder(Worker& worker, Here& here, const CatalogEntry& entry, Tally& tally);
     void takeFile(const Here& here, const CatalogEntry& entry, Tally& tally);
     [[nodiscard]] bool needsNoLook(const RowState& row, const CatalogEntry& entry) const;
+    [[nodiscard]] bool isOfToday(const CatalogEntry& entry) const;
     [[nodiscard]] bool staysByItself(const Here& here, const CatalogEntry& entry, Tally& tally);
     void judgeRow(RowState& state) const;
     void startRow(RowState& state, const FileAttributes& entry, const std::string& name) const;
@@ -87,6 +93,7 @@ private:
     void finish(RowState& state);
     void fold(RowState& state, Tally& tally);
     void noteUnread(RowState& state);
+    void creditLinked();
     [[nodiscard]] std::string realPathOf(const Here& here, const char* name) const;
 
     const CleanGround& m_ground;
@@ -100,7 +107,7 @@ private:
     std::vector<std::unique_ptr<RowState>> m_rows;
     struct Linked {
         std::uint64_t links, met, onDisk;
-        RowState* row;
+        std::vector<RowState*> rows;  // that met a name of it
     };
     std::map<std::pair<std::uint64_t, std::uint64_t>, Linked> m_linked;  // by device and inode
 };

@@ -33,6 +33,7 @@ constexpr std::array keptCaches{
     KeptPlace{"cracklib", "word lists that only a daily job makes again"},
     KeptPlace{"dictionaries-common", "word lists made when packages were set up"},
     KeptPlace{"postgresql", "word lists of the database, made when packages were set up"},
+    KeptPlace{"pbuilder", "systems to build packages in, set up by an administrator"},
 };
 
 constexpr std::array keptLogs{
@@ -90,8 +91,7 @@ bool isRotatedName(std::string_view name) {
     const bool hasEnding = dot != std::string_view::npos && dot > 0;
     if (hasEnding && isNumber(name.substr(dot + 1)) && name.size() - dot - 1 <= mostFigures)
         return true;
-    if (endsInDate(name)) return true;
-    return name.ends_with(".log") && endsInDate(name.substr(0, name.size() - 4));
+    return CleanablePlaces::isDatedLog(name);
 }
 
 std::string lowered(std::string_view text) {
@@ -126,9 +126,10 @@ bool contains(const std::array<std::string_view, Size>& words, std::string_view 
 }
 
 // A journal beside a database says that a program has it open, or left it in the middle of a
-// change. An empty one is left over.
+// change. An empty one is left over; what the programs that have it open share is taken away by the
+// last of them.
 bool isOpenDatabase(std::string_view name, std::uint64_t size) {
-    return size > 0 && CleanablePlaces::isJudgedBySize(name);
+    return name.ends_with("-shm") || (size > 0 && CleanablePlaces::isJudgedBySize(name));
 }
 
 // What follows the root in the path; nothing when it does not lie there.
@@ -161,6 +162,8 @@ Verdict ofCache(const Components& path, FileType type) {
     if (path.empty()) return {Rule::ContentsOnly, "the folder of the system's caches"};
     if (const KeptPlace* const kept = find(keptCaches, path.front()))
         return {Rule::Stays, kept->reason};
+    if (contains(preciousPrograms, path.front()))
+        return {Rule::Stays, wordsOf(KeptBecause::Precious)};
     if (const auto verdict = ofType(type)) return *verdict;
     const std::string_view name = path.back();
     if (name == "lock" || name.ends_with(".lock"))
@@ -261,6 +264,12 @@ KeptBecause CleanablePlaces::keepsRow(CleanCategory category, std::string_view n
     if (ending == "kdbx") return KeptBecause::PasswordSafe;
     if (contains(documentEndings, ending)) return KeptBecause::Document;
     return isOpenDatabase(name, size) ? KeptBecause::Database : KeptBecause::Nothing;
+}
+
+bool CleanablePlaces::isDatedLog(std::string_view name) {
+    constexpr std::string_view ending = ".log";
+    if (name.ends_with(ending)) name.remove_suffix(ending.size());
+    return endsInDate(name);
 }
 
 bool CleanablePlaces::isJudgedBySize(std::string_view name) {

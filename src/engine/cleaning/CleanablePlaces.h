@@ -72,6 +72,9 @@ public:
                category == CleanCategory::UserDownloads;
     }
 
+    /// Whether the name is that of a log by its day, not packed: rotated, or written directly.
+    [[nodiscard]] static bool isDatedLog(std::string_view name);
+
     /// Whether keepsRow() has to know the size of an entry of this name.
     [[nodiscard]] static bool isJudgedBySize(std::string_view name);
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -15,15 +16,29 @@ namespace {
 
 constexpr std::size_t mostBytes = 1 << 20;
 
+// What the line says without its end, which an editor may have written in two bytes.
+std::string_view withoutEnd(std::string_view line) {
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    return line;
+}
+
+bool isRemark(std::string_view line) {
+    line = withoutEnd(line);
+    return line.empty() || line.front() == '#';
+}
+
+char unescaped(char c) {
+    if (c == 'n') return '\n';
+    return c == 'r' ? '\r' : c;
+}
+
 // Nothing for what is no path.
 std::optional<std::string> pathOfLine(std::string_view line) {
-    if (line.ends_with('\r')) line.remove_suffix(1);
-    if (line.empty() || line.front() == '#') return std::nullopt;
+    if (isRemark(line)) return std::nullopt;
+    line = withoutEnd(line);
     std::string path;
-    for (std::size_t at = 0; at < line.size(); ++at) {
-        if (line[at] != '\\' || at + 1 == line.size()) path += line[at];
-        else path += line[++at] == 'n' ? '\n' : line[at];
-    }
+    for (std::size_t at = 0; at < line.size(); ++at)
+        path += line[at] != '\\' || at + 1 == line.size() ? line[at] : unescaped(line[++at]);
     return plainPath(path);
 }
 
@@ -31,6 +46,7 @@ std::string lineOf(const std::string& path) {
     std::string line;
     for (const char c : path) {
         if (c == '\n') line += "\\n";
+        else if (c == '\r') line += "\\r";
         else if (c == '\\') line += "\\\\";
         else line += c;
     }
@@ -84,14 +100,22 @@ Result<KeepList> KeepList::load(const FileSystem& files, const std::string& fold
     const auto text = textOf(fileIn(folder));
     if (!text) return tl::unexpected(text.error());
     KeepList list;
-    for (const std::string_view line : linesOf(*text))
-        if (const auto path = pathOfLine(line))
-            list.m_paths.push_back(withoutLinksOnTheWay(files, *path));
+    for (const std::string_view line : linesOf(*text)) {
+        if (isRemark(line)) continue;
+        const auto path = pathOfLine(line);
+        if (!path) return tl::unexpected(systemError("read", fileIn(folder), EINVAL));
+        list.m_paths.push_back(withoutLinksOnTheWay(files, *path));
+    }
     return list;
+}
+
+void KeepList::add(KeepList other) {
+    std::ranges::move(other.m_paths, std::back_inserter(m_paths));
 }
 
 Result<void> KeepList::add(const FileSystem& files, const std::string& folder,
                            const std::string& path) {
+    if (!plainPath(path)) return tl::unexpected(systemError("keep", path, EINVAL));
     return change(files, folder, path, lineOf(withoutLinksOnTheWay(files, path)));
 }
 

@@ -11,24 +11,27 @@
 
 namespace orrinvale {
 
-/// The file "always-keep" in the program's settings folder: a path a line, "\n" and "\\" standing
-/// for a line break and a backslash; lines that begin with "#" and empty ones mean nothing. A list
-/// is a snapshot; any thread.
+/// The file "always-keep" in the program's settings folder: a path a line, "\n", "\r" and "\\"
+/// standing for a line feed, a carriage return and a backslash; lines that begin with "#" and empty
+/// ones mean nothing. A list is a snapshot; any thread.
 class KeepList final {
 public:
     /// Keeps nothing.
     KeepList() = default;
 
-    /// Reads the list. A missing file keeps nothing; one that can not be read is an error, and then
-    /// nobody knows what may go.
+    /// Reads the list. A missing file keeps nothing; one that can not be read is an error, and so
+    /// is a line that is no absolute path: then nobody knows what may go.
     [[nodiscard]] static Result<KeepList> load(const FileSystem& files, const std::string& folder);
 
     /// Puts a path on the stored list, or takes it off; success when it is there already, or not
-    /// there. `path` is absolute.
+    /// there. `path` is absolute, and does not climb by "..".
     [[nodiscard]] static Result<void> add(const FileSystem& files, const std::string& folder,
                                           const std::string& path);
     [[nodiscard]] static Result<void> remove(const FileSystem& files, const std::string& folder,
                                              const std::string& path);
+
+    /// Keeps what the other list keeps as well.
+    void add(KeepList other);
 
     [[nodiscard]] static std::string fileIn(const std::string& folder);
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "engine/base/saturating.h"
+#include "engine/files/EntryIdentity.h"
 
 namespace orrinvale {
 
@@ -37,6 +38,8 @@ struct StayedEntry {
     std::string path;    ///< exact bytes
     std::string reason;  ///< "Permission denied", "changed since the scan", "a mount point", ...
     StayReason kind = StayReason::System;
+    std::optional<EntryIdentity> identity =
+        std::nullopt;  ///< of what the system refused within a folder, as it was just before
 };
 
 /// What became of one removal.

@@ -82,16 +82,18 @@ void TreeRemoval::withoutEntering(const std::string& name, int error) {
     if (error == EXDEV) return fail(name, StayReason::Protected, mountPoint);
     const bool noFolder = error == ENOTDIR || error == ELOOP;
     if (noFolder && m_levels.empty()) return fail(name, StayReason::Changed, changedSince);
+    std::optional<EntryIdentity> identity;
     if (m_seen != nullptr && !m_levels.empty()) {
         const auto now = m_files.attributes(here(), name.c_str(), Links::Keep);
         if (!now && now.error() != ENOENT) return failWith(name, now.error());
         if (!now || !isAsSeen(name, *now, keyOf(name, now->inode))) return;
+        identity = EntryIdentity::of(*now);
     }
     // A folder that became a link or a file goes by its name, and one that may not be read goes if
     // it is empty.
     const auto removal =
         m_files.removeEntry(here(), name.c_str(), noFolder ? FileType::Unknown : FileType::Folder);
-    if (!went(removal)) failWith(name, noFolder ? removal.error() : error);
+    if (!went(removal)) failWith(name, noFolder ? removal.error() : error, identity);
 }
 
 SeenEntries::Key TreeRemoval::keyOf(std::string_view name, std::uint64_t inode) const {
@@ -154,7 +156,7 @@ void TreeRemoval::removeSeen(CatalogEntry& entry) {
     if (removal && !isCounted) m_result.addBytes(now.size);
     if (went(removal)) return;
     if (removal.error() == ESTALE) fail(entry.name, StayReason::Changed, changedSince);
-    else failWith(entry.name, removal.error());
+    else failWith(entry.name, removal.error(), EntryIdentity::of(now));
 }
 
 void TreeRemoval::leave() {
@@ -172,16 +174,18 @@ void TreeRemoval::leave() {
 }
 
 void TreeRemoval::removeEmptied(const Level& done) {
+    std::optional<EntryIdentity> identity;
     if (m_seen != nullptr) {  // an empty folder that came into its place is nobody's to take
         const auto now = m_files.attributes(here(), done.name.c_str(), Links::Keep);
         if (now && !isSame(*now, done.device, done.inode))
             return fail(done.name, StayReason::CameLater, notSeen);
+        if (now) identity = EntryIdentity::of(*now);
     }
     const auto removal = m_files.removeEntry(here(), done.name.c_str(), FileType::Folder);
     if (went(removal)) return;
     if (removal.error() == ENOTEMPTY && done.pass < mostPasses) return enter(done.name, &done);
     if (removal.error() == ENOTDIR) return withoutEntering(done.name, ENOTDIR);
-    failWith(done.name, removal.error());
+    failWith(done.name, removal.error(), identity);
 }
 
 // 0, or the error of the system; ESTALE when the folder above is another one by now.
@@ -206,19 +210,27 @@ bool TreeRemoval::went(const SysResult<void>& removal) {
 }
 
 // An entry of the folder in hand, or that folder itself for an empty name.
-void TreeRemoval::fail(std::string_view name, StayReason kind, std::string reason) {
+void TreeRemoval::fail(std::string_view name, StayReason kind, std::string reason,
+                       const std::optional<EntryIdentity>& identity) {
     if (!m_levels.empty()) m_levels.back().stays = true;
     ++m_result.failed;
-    if (m_result.failures.size() >= RemovalResult::mostFailures) return;
+    // Rights and faults come before what only changed or came, of which there may be many.
+    const auto isMild = [](StayReason each) {
+        return each == StayReason::Changed || each == StayReason::CameLater;
+    };
+    const bool isFull = m_result.failures.size() >= RemovalResult::mostFailures;
+    if (isFull && (isMild(kind) || !isMild(m_result.failures.back().kind))) return;
+    if (isFull) m_result.failures.pop_back();
     std::string path = m_path;
     for (std::size_t level = 1; level < m_levels.size(); ++level)
         path += '/' + m_levels[level].name;
     if (!m_levels.empty() && !name.empty()) (path += '/') += name;
-    m_result.failures.push_back({std::move(path), std::move(reason), kind});
+    m_result.failures.push_back({std::move(path), std::move(reason), kind, identity});
 }
 
-void TreeRemoval::failWith(std::string_view name, int error) {
-    fail(name, stayReasonOf(error), systemError("remove", {}, error).reason());
+void TreeRemoval::failWith(std::string_view name, int error,
+                           const std::optional<EntryIdentity>& identity) {
+    fail(name, stayReasonOf(error), systemError("remove", {}, error).reason(), identity);
 }
 
 }  // namespace orrinvale

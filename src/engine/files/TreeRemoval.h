@@ -68,8 +68,10 @@ private:
     void removeEmptied(const Level& done);
     [[nodiscard]] int returnTo(Level& above, const Level& from);
     [[nodiscard]] bool went(const SysResult<void>& removal);
-    void fail(std::string_view name, StayReason kind, std::string reason);
-    void failWith(std::string_view name, int error);
+    void fail(std::string_view name, StayReason kind, std::string reason,
+              const std::optional<EntryIdentity>& identity = std::nullopt);
+    void failWith(std::string_view name, int error,
+                  const std::optional<EntryIdentity>& identity = std::nullopt);
 
     const FileSystem& m_files;
     const std::string& m_path;

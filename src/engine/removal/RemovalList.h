@@ -26,6 +26,10 @@ public:
     /// On the removing thread, before anything else: what takes time to make.
     virtual void prepare() {}
 
+    /// On the removing thread, once it is this removal's turn, for which it may have waited for
+    /// minutes: what has to be of this moment. size() may change by it, and not from then on.
+    virtual void turnHasCome() {}
+
     [[nodiscard]] virtual std::size_t size() const = 0;
     /// Absolute, exact bytes.
     [[nodiscard]] virtual std::string path(std::size_t index) const = 0;

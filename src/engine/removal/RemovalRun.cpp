@@ -30,13 +30,15 @@ RemovalRun::RemovalRun(const FileSystem& files, const std::string& stateFolder, 
       m_telling(std::move(telling)) {}
 
 RemovalOutcome RemovalRun::run() {
-    m_outcome.chosen = m_list.size();
     m_list.prepare();
     const RemovalTurn turn(m_folder, m_stop, [this] { m_telling.waiting(true); });
+    m_list.turnHasCome();
+    m_outcome.chosen = m_list.size();
     m_telling.waiting(false);
     for (std::size_t from = 0; from < m_list.size() && !m_stop; from += batchSize)
         runBatch(from, std::min(from + batchSize, m_list.size()));
-    const std::size_t settled = m_outcome.removed + m_outcome.byOthers + m_outcome.failed;
+    const std::size_t settled =
+        m_outcome.removed + m_outcome.byOthers + m_outcome.kept + m_outcome.failed;
     m_outcome.stopped = m_outcome.stopped || settled < m_outcome.chosen;
     return m_outcome;
 }
@@ -138,8 +140,10 @@ void RemovalRun::count(std::size_t index, const RemovalResult& result) {
         return;
     }
     if (result.failed == 0) return;  // stopped
-    ++m_outcome.failed;
-    m_outcome.failedEntries += result.failed;
+    const bool isKept = result.refused && !result.failures.empty() &&
+                        result.failures.front().kind == StayReason::Kept;
+    ++(isKept ? m_outcome.kept : m_outcome.failed);
+    if (!isKept) m_outcome.failedEntries += result.failed;
     for (const StayedEntry& each : result.failures) {
         m_isAside = m_isAside || each.kind == StayReason::Aside;
         m_outcome.lacksRights = m_outcome.lacksRights || each.kind == StayReason::Rights;

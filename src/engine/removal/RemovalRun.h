@@ -20,7 +20,8 @@ struct RemovalOutcome {
     std::size_t chosen = 0;
     std::size_t removed = 0;   ///< chosen entries that went, by us
     std::size_t byOthers = 0;  ///< that somebody else had removed when we came to them
-    std::size_t failed = 0;    ///< that are still there, in whole or in part
+    std::size_t kept = 0;      ///< that a rule kept, which is no failure
+    std::size_t failed = 0;    ///< all others that are still there, in whole or in part
     std::uint64_t failedEntries =
         0;  ///< entries that could not be removed, those within folders among them
     std::uint64_t bytes = 0;  ///< of what went; a file with several names counts once

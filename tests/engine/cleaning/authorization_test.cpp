@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "engine/cleaning/AuthorizedDoor.h"
+#include "engine/cleaning/CleanHome.h"
 #include "engine/cleaning/FolderUtilities.h"
 #include "engine/cleaning/QnAuthorization.h"
 #include "platform/fake/FakeAuthorization.h"
@@ -257,6 +258,44 @@ TEST_F(Right, PlainFirstPrivilegedSecond) {
                 return out;
             }),
         "");
+}
+
+// The folder of what was refused became a link into somebody's folder, with a file of that name.
+TEST_F(Right, TheToolGetsWhatWasRefusedAndNothingElse) {
+    if (::geteuid() != 0) GTEST_SKIP() << "only root can make a folder of someone else";
+    testing::CleanHome home;
+    auto& tree = home.tree;
+    ASSERT_TRUE(tree.write(".cache/r/theirs/f", "1") && tree.write("person/f", "mine") &&
+                tree.setMode(".cache/r/theirs", 0755) && tree.setMode("person", 0755) &&
+                tree.setMode(".", 0755) && tree.giveAway({".", ".cache", ".cache/r"}));
+    for (const bool isSwapped : {false, true})
+        EXPECT_EQ(testing::runInChild(
+                      {.ordinaryUser = true},
+                      [&]() -> std::string {
+                          const auto rows = home.scan(CleanCategory::UserCaches).rows;
+                          if (rows.size() != 1) return "no row";
+                          right.allocAuthorization();
+                          system.tool = [](const PrivilegedRun&) { return "no"; };
+                          home.files.beforeRemoval = [&](const char* operation) {
+                              if (!isSwapped || operation != std::string_view("removeEntry"))
+                                  return;
+                              ::rename(tree.at(".cache/r/theirs").c_str(),
+                                       tree.at(".cache/r/moved").c_str());
+                              tree.symlink("../../person", ".cache/r/theirs");
+                          };
+                          LeavingEntry leaving;
+                          leaving.path = rows[0].path;
+                          leaving.identity = rows[0].identity;
+                          leaving.seen = rows[0].seen.get();
+                          const std::atomic<bool> never{false};
+                          const auto result =
+                              AuthorizedDoor({&system, &home.files, &permissions, {}},
+                                             ProtectedPlaces())
+                                  .remove(leaving, never);
+                          if (result.gone) return "gone";
+                          return std::to_string(system.runs.size());
+                      }),
+                  isSwapped ? "0" : "1");
 }
 
 TEST_F(Right, WhatIsProtectedOrChangedIsNotPassedOn) {

@@ -7,10 +7,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "engine/cleaning/AuthorizedDoor.h"
 #include "engine/cleaning/CleanHome.h"
 #include "engine/cleaning/CleanList.h"
 #include "engine/removal/PlainDoor.h"
 #include "engine/removal/RemovalRun.h"
+#include "engine/removal/RemovalTurn.h"
+#include "platform/linux/LinuxPermissions.h"
 #include "support/LogLines.h"
 #include "support/OwnMounts.h"
 
@@ -35,14 +38,24 @@ struct Cleaned {
     }
 };
 
-Cleaned clean(const CleanHome& home, const std::vector<CleanRow>& rows) {
+/// What goes on beside a removal.
+struct Meanwhile {
+    std::string stateFolder{};  // empty: nobody waits
+    std::function<void(bool isWaiting)> waiting = [](bool) {};
+    std::function<void(std::size_t index)> begins = [](std::size_t) {};
+    std::unique_ptr<RemovalDoor> door{};
+};
+
+Cleaned clean(const CleanHome& home, const std::vector<CleanRow>& rows, Meanwhile meanwhile = {}) {
     Cleaned out;
     CleanList list(home.parts(), rows);
-    QuietDoor door(std::make_unique<PlainDoor>(home.files, ProtectedPlaces()));
+    if (!meanwhile.door)
+        meanwhile.door = std::make_unique<PlainDoor>(home.files, ProtectedPlaces());
+    QuietDoor door(std::move(meanwhile.door));
     const std::atomic<bool> stop{false};
-    RemovalRun run(home.files, {}, list, door, stop,
-                   {.waiting = [](bool) {},
-                    .begins = [](auto, const auto&, bool) {},
+    RemovalRun run(home.files, meanwhile.stateFolder, list, door, stop,
+                   {.waiting = meanwhile.waiting,
+                    .begins = [&](auto index, const auto&, bool) { meanwhile.begins(index); },
                     .settled = [](auto, const auto&) {}});
     out.outcome = run.run();
     for (std::size_t i = 0; i < rows.size(); ++i)
@@ -114,6 +127,106 @@ TEST(CleanRemoval, whatCameOrChangedSinceTheScanStays) {
         ASSERT_EQ(cleaned.outcome.stayed.size(), 1U) << each.what;
         EXPECT_EQ(cleaned.outcome.stayed[0].kind, each.reason) << cleaned.outcome.stayed[0].reason;
     }
+}
+
+// A part of the row, before the removal, while it waits for its turn, and while it goes.
+TEST(CleanRemoval, whatThePersonKeepsByNowStays) {
+    enum class When : std::uint8_t { Before, Waiting, Going, GoingByFile };
+    for (const When when : {When::Before, When::Waiting, When::Going, When::GoingByFile}) {
+        const std::string what = "case " + std::to_string(static_cast<int>(when));
+        CleanHome home;
+        ASSERT_TRUE(home.tree.write(".cache/first/x", "1") &&
+                    home.tree.write(".cache/r/a/x", "1") && home.tree.write(".cache/r/y", "1"));
+        const auto keep = [&](const char* name) {
+            EXPECT_TRUE(KeepList::add(home.files, home.tree.at("settings"), home.tree.at(name)));
+        };
+        if (when == When::GoingByFile) keep(".cache/first/none");
+        auto rows = home.scan(CleanCategory::UserCaches).rows;
+        std::ranges::sort(rows, {}, &CleanRow::path);
+        if (when == When::Before) keep(".cache/r/a");
+        const std::string state = home.tree.at("state");
+        const std::atomic<bool> stop{false};
+        auto other = std::make_unique<RemovalTurn>(asideJournalFolder(state), stop, [] {});
+        if (when != When::Waiting) other.reset();
+        const auto waiting = [&](bool isWaiting) {
+            if (!isWaiting) return;
+            keep(".cache/r/a");
+            other.reset();
+        };
+        const auto begins = [&](std::size_t index) {
+            if (index != 0 || when < When::Going) return;
+            std::this_thread::sleep_for(std::chrono::milliseconds(1100));
+            keep(when == When::Going ? ".cache/r/a" : ".cache/first/x");
+        };
+        const auto cleaned =
+            clean(home, rows, {when == When::Waiting ? state : "", waiting, begins});
+        EXPECT_EQ(isThere(home.tree.at(".cache/r/a/x")), when != When::GoingByFile) << what;
+        EXPECT_EQ(isThere(home.tree.at(".cache/r/y")), when == When::Going) << what;
+        EXPECT_EQ(isThere(home.tree.at(".cache/first/x")), when == When::GoingByFile) << what;
+    }
+}
+
+// What kept a row that goes file by file is gone again a moment later; its folders stay.
+TEST(CleanRemoval, aRowOfFilesNeverGoesAsOne) {
+    CleanHome home;
+    ASSERT_TRUE(home.tree.write(".cache/r/a/x", "1") &&
+                home.tree.write("settings/always-keep", home.tree.at(".cache/r/none") + "\n"));
+    const auto rows = home.scan(CleanCategory::UserCaches).rows;
+    ASSERT_TRUE(home.tree.write(".cache/r/.git", "1"));
+    const auto cleaned =
+        clean(home, rows,
+              {.begins = [&](std::size_t) { ::unlink(home.tree.at(".cache/r/.git").c_str()); }});
+    EXPECT_TRUE(isThere(home.tree.at(".cache/r/a/x")));
+    EXPECT_EQ(cleaned.stayed(), (std::map<std::string, StayReason>{{"r", StayReason::Kept}}));
+}
+
+TEST(CleanRemoval, aFolderThatIsLeftAloneByNowKeepsItsRows) {
+    const struct {
+        const char* what;
+        std::function<bool(TestTree&)> change;
+    } cases[] = {
+        {"a link",
+         [](auto& t) {
+             return ::rename(t.at("Downloads").c_str(), t.at("o").c_str()) == 0 &&
+                    t.symlink("o", "Downloads");
+         }},
+        {"the desktop too",
+         [](auto& t) {
+             return t.write(".config/user-dirs.dirs", "XDG_DESKTOP_DIR=\"$HOME/Downloads\"");
+         }},
+    };
+    for (const auto& each : cases) {
+        CleanHome home;
+        ASSERT_TRUE(home.tree.write("Downloads/r/x", "1") && home.tree.write("Downloads/y", "1"));
+        const auto rows = home.scan(CleanCategory::UserDownloads).rows;
+        ASSERT_TRUE(each.change(home.tree)) << each.what;
+        EXPECT_EQ(
+            clean(home, rows).stayed(),
+            (std::map<std::string, StayReason>{{"r", StayReason::Kept}, {"y", StayReason::Kept}}))
+            << each.what;
+        EXPECT_TRUE(isThere(home.tree.at("Downloads/r/x"))) << each.what;
+        EXPECT_TRUE(isThere(home.tree.at("Downloads/y"))) << each.what;
+    }
+}
+
+// The door opens folders that shut out their own owner; what is in this one nobody could look at.
+TEST(CleanRemoval, aRowThatWasShutMeanwhileStays) {
+    CleanHome home;
+    ASSERT_TRUE(home.tree.write(".cache/r/x", "1") &&
+                ::chmod(home.tree.path().c_str(), 0755) == 0 &&
+                home.tree.giveAway({".cache", ".cache/r", ".cache/r/x"}));
+    const std::string failure = testing::runInChild({.ordinaryUser = true}, [&]() -> std::string {
+        const LinuxPermissions permissions;
+        const auto rows = home.scan(CleanCategory::UserCaches).rows;
+        if (rows.size() != 1 || !home.tree.setMode(".cache/r", 0)) return "nothing to begin with";
+        const AuthorizationParts parts{nullptr, &home.files, &permissions, {}};
+        const auto cleaned =
+            clean(home, rows, {.door = std::make_unique<AuthorizedDoor>(parts, ProtectedPlaces())});
+        home.tree.setMode(".cache/r", 0755);
+        if (!isThere(home.tree.at(".cache/r/x"))) return "gone";
+        return cleaned.stayed().contains("r") ? "" : "not told";
+    });
+    EXPECT_EQ(failure, "");
 }
 
 TEST(CleanRemoval, aProgramThatOpenedItMeanwhileKeepsIt) {
@@ -227,12 +340,17 @@ TEST(CleanRemoval, thrownAwayGoesWithItsRecord) {
     ASSERT_TRUE(home.tree.write(trash + "files/a/x", "1") &&
                 home.tree.write(trash + "info/a.trashinfo", "[Trash Info]") &&
                 home.tree.write(trash + "files/b", "1") &&
-                home.tree.write(trash + "info/b.trashinfo", "[Trash Info]"));
+                home.tree.write(trash + "info/b.trashinfo", "[Trash Info]") &&
+                home.tree.write(trash + "files/c", "1") &&
+                home.tree.write(trash + "info/c.trashinfo", "[Trash Info]"));
     const auto rows = home.scan(CleanCategory::UserTrash).rows;
-    ASSERT_TRUE(home.tree.write(trash + "files/a/new", "1"));
-    EXPECT_EQ(clean(home, rows).done, std::vector<std::string>{"b"});
+    // Others took it, and the record tells them where it belongs.
+    ASSERT_TRUE(home.tree.write(trash + "files/a/new", "1") &&
+                ::rename(home.tree.at(trash + "files/c").c_str(), home.tree.at("c").c_str()) == 0);
+    EXPECT_EQ(clean(home, rows).done, (std::vector<std::string>{"b", "c"}));
     EXPECT_FALSE(isThere(home.tree.at(trash + "info/b.trashinfo")));
     EXPECT_TRUE(isThere(home.tree.at(trash + "info/a.trashinfo")));
+    EXPECT_TRUE(isThere(home.tree.at(trash + "info/c.trashinfo")));
 }
 
 TEST(CleanRemoval, theLogNamesWhatStayedAndNotWhatWent) {
@@ -263,9 +381,10 @@ TEST(CleanRemoval, theSystemsFilesGoOneByOne) {
     testing::withOwnMounts([]() -> std::string {
         if (!testing::mountRam("/var/cache") || !testing::mountRam("/var/log")) return "skip: ram";
         for (const char* path :
-             {"/var/cache/apt/a.bin", "/var/cache/apt/archives/x.deb",
-              "/var/cache/apt/archives/lock", "/var/cache/debconf/config.dat", "/var/log/syslog",
-              "/var/log/syslog.1", "/var/log/apt/term.log", "/var/log/apt/term.log.1.gz"})
+             {"/var/cache/apt/a.bin", "/var/cache/apt/archives/x.deb", "/var/cache/davfs2/host/x",
+              "/var/log/tomcat/app.2026-11-03.log", "/var/cache/apt/archives/lock",
+              "/var/cache/debconf/config.dat", "/var/log/syslog", "/var/log/syslog.1",
+              "/var/log/apt/term.log", "/var/log/apt/term.log.1.gz"})
             if (auto fault = write(path); !fault.empty()) return fault;
         CleanHome home({.home = "/root"});
         const auto caches = home.scan(CleanCategory::SystemCaches);
@@ -274,11 +393,14 @@ TEST(CleanRemoval, theSystemsFilesGoOneByOne) {
         if (auto fault = write("/var/cache/apt/archives/new.deb"); !fault.empty()) return fault;
         const Cleaned first = clean(home, caches.rows);
         const Cleaned second = clean(home, logs.rows);
-        if (first.outcome.failed + second.outcome.failed != 0) return "failed";
-        if (first.done.size() != 1 || second.done.size() != 2) return "not done";
+        if (first.outcome.failed != 1 || second.outcome.failed != 0) return "failed";
+        if (first.stayed() != std::map<std::string, StayReason>{{"new.deb", StayReason::CameLater}})
+            return "told otherwise";
+        if (!first.done.empty() || second.done.size() != 2) return "not done";
         for (const char* path :
              {"/var/cache/apt/archives/lock", "/var/cache/apt/archives/new.deb",
-              "/var/cache/debconf/config.dat", "/var/log/syslog", "/var/log/apt/term.log"})
+              "/var/cache/debconf/config.dat", "/var/log/syslog", "/var/log/apt/term.log",
+              "/var/cache/davfs2/host/x", "/var/log/tomcat/app.2026-11-03.log"})
             if (!isThere(path)) return std::string("gone: ") + path;
         for (const char* path : {"/var/cache/apt/a.bin", "/var/cache/apt/archives/x.deb",
                                  "/var/log/syslog.1", "/var/log/apt/term.log.1.gz"})

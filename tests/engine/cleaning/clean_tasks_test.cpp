@@ -142,6 +142,11 @@ TEST(FastCleanOptV2, theLastPathDecidesAndTheEndIsTold) {
     EXPECT_TRUE(task.synFastClean({at("k"), at("a")}));
     EXPECT_FALSE(task.synFastClean({at("b"), at("k")}));
     EXPECT_FALSE(isThere(at("a")) || isThere(at("b")));
+    // No entry of a category: its folder, and what holds that.
+    ASSERT_TRUE(home.tree.write("Downloads/x", "1"));
+    for (const std::string& folder : {home.tree.at("Downloads"), home.tree.path()})
+        EXPECT_FALSE(task.synFastClean({folder})) << folder;
+    EXPECT_TRUE(isThere(home.tree.at("Downloads/x")));
     int told = 0;
     task.onCleanFinished = [&](bool) { ++told; };
     for (int run = 1; run <= 2; ++run) {
