@@ -51,7 +51,7 @@ void CleanRules::loadKeepList() {
     for (const std::string& folder : m_settings) {
         if (folder.empty()) continue;
         auto keep = KeepList::load(m_files, folder);
-        if (keep) all.add(std::move(*keep));
+        if (keep) all.include(std::move(*keep));
         else m_fault = keep.error();
     }
     m_keep = std::move(all);

@@ -109,7 +109,7 @@ Result<KeepList> KeepList::load(const FileSystem& files, const std::string& fold
     return list;
 }
 
-void KeepList::add(KeepList other) {
+void KeepList::include(KeepList other) {
     std::ranges::move(other.m_paths, std::back_inserter(m_paths));
 }
 

@@ -31,7 +31,7 @@ public:
                                              const std::string& path);
 
     /// Keeps what the other list keeps as well.
-    void add(KeepList other);
+    void include(KeepList other);
 
     [[nodiscard]] static std::string fileIn(const std::string& folder);
 
