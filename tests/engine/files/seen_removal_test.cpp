@@ -41,7 +41,7 @@ RemovalResult removeSeen(const std::string& path, const SeenEntries& seen,
 
 std::string failuresOf(const TestTree& tree, const RemovalResult& result) {
     std::vector<std::string> lines;
-    for (const auto& [path, reason, kind] : result.failures)
+    for (const auto& [path, reason, kind, seen] : result.failures)
         lines.push_back(fmt::format("{}: {}", path.substr(tree.path().size() + 1),
                                     kind == StayReason::CameLater ? "later"
                                     : kind == StayReason::Changed ? "changed"
