@@ -2,9 +2,11 @@
 #include "cli/CleanCommand.h"
 
 #include <fmt/format.h>
+#include <pwd.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <charconv>
 #include <chrono>
 #include <cstdlib>
 #include <mutex>
@@ -19,6 +21,7 @@
 #include "engine/settings/UserFolders.h"
 #include "engine/text/UtilityFunction.h"
 #include "engine/volumes/localRoots.h"
+#include "platform/paths.h"
 
 namespace orrinvale::cli {
 namespace {
@@ -81,6 +84,23 @@ bool isAgreed(const std::vector<ScannedCategory>& scanned) {
     char typed = 0;
     while (::read(STDIN_FILENO, &typed, 1) == 1 && typed != '\n') answer += typed;
     return answer == "y" || answer == "Y" || answer == "yes";
+}
+
+// Of the person whom sudo or pkexec made root, and whose list of what is kept holds as well.
+std::string settingsBehindRoot() {
+    if (::geteuid() != 0) return {};
+    for (const char* const name : {"SUDO_UID", "PKEXEC_UID"}) {
+        const char* const text = std::getenv(name);
+        const std::string_view digits = text != nullptr ? text : "";
+        uid_t user = 0;
+        const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), user);
+        if (read.ec != std::errc() || read.ptr != digits.data() + digits.size() || user == 0)
+            continue;
+        if (const passwd* const account = ::getpwuid(user))
+            return joinPath(joinPath(account->pw_dir, ".config"),
+                            lastPathComponent(userConfigFolder()));
+    }
+    return {};
 }
 
 // The scan in hand, for the thread that watches.
@@ -148,7 +168,8 @@ CleanParts CleanCommand::parts() const {
     return {.files = &m_files,
             .folders = &m_folders,
             .utilities = m_utilities.get(),
-            .settingsFolder = userConfigFolder()};
+            .settingsFolder = userConfigFolder(),
+            .otherSettings = settingsBehindRoot()};
 }
 
 CleanCommand::Scanned CleanCommand::scan(const std::vector<CleanCategory>& wanted,

@@ -124,8 +124,11 @@ CleanRemovalResult removeRows(const CleanParts& parts, const std::vector<Scanned
         if (list->isDone(row)) result.outcome.removed.push_back(list->rows()[row].path);
     result.outcome.failed = std::move(ending->stayed);
     result.goneBytes = list->goneBytes();
-    result.isWhole = std::all_of(result.outcome.failed.begin(), result.outcome.failed.end(),
-                                 [](const auto& each) { return each.kind == StayReason::Kept; });
+    // Of many that stay the ending tells the first; the list has seen all that it came to.
+    result.isWhole = !list->hasFailed() &&
+                     std::ranges::all_of(result.outcome.failed, [](const StayedEntry& each) {
+                         return CleanList::isByRule(each.kind);
+                     });
     if (!result.outcome.removed.empty() || result.goneBytes > 0)
         static_cast<void>(
             ParseFileLog(userStateFolder()).setSize(result.goneBytes, FileLog().date.value()));

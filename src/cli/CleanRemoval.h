@@ -34,7 +34,8 @@ private:
 struct CleanRemovalResult {
     CleanOutcome outcome;
     std::uint64_t goneBytes = 0;  ///< as the rows count them
-    bool isWhole = true;          ///< nothing failed, but for what rules keep
+    bool isWhole = true;          ///< nothing failed; what rules keep, changed or came since the
+                                  ///< scan is no failure
     Ending ending{};
 };
 

@@ -36,10 +36,21 @@ CleanFolders::CleanFolders(const FileSystem& files, const Folders& folders,
       m_isForeignHome(isSomebodyElses(folders.home())) {
     for (const CleanCategoryNames& each : cleanCategories)
         for (const std::string& path :
-             utilities.getFolderPath(static_cast<std::uint32_t>(each.category)))
-            m_roots.push_back({files.resolved(path).value_or(path), each.category});
-    for (const std::string& path : folders.otherUserFolders())
-        m_others.push_back(files.resolved(path).value_or(path));
+             utilities.getFolderPath(static_cast<std::uint32_t>(each.category))) {
+            std::string real = files.resolved(path).value_or(path);
+            const auto identity = identityOf(real);
+            m_roots.push_back({std::move(real), each.category, identity});
+        }
+    for (const std::string& path : folders.otherUserFolders()) {
+        std::string real = files.resolved(path).value_or(path);
+        const auto identity = identityOf(real);
+        m_others.push_back({std::move(real), identity});
+    }
+}
+
+std::optional<CleanFolders::Identity> CleanFolders::identityOf(const std::string& real) const {
+    const auto entry = m_files.attributes(FileSystem::noParent, real.c_str(), Links::Keep);
+    return entry ? std::optional(Identity{entry->device, entry->inode}) : std::nullopt;
 }
 
 CleanCategory CleanFolders::rulesFor(std::string_view path) const {
@@ -89,14 +100,19 @@ std::string CleanFolders::objectionToEntry(const std::string& path) const {
 std::string CleanFolders::objectionTo(const Folder& folder) const {
     const CleanCategory category = rulesFor(folder.real);
     if (m_isForeignHome && !isOfTheSystem(category)) return "the home folder is somebody else's";
-    for (const std::string& other : m_others)
-        if (isWithin(other, folder.real))
-            return other == folder.real ? "the folder is for other things as well"
-                                        : fmt::format("{} lies in it", other);
-    for (const Root& root : m_roots)
+    const auto identity = identityOf(folder.real);
+    for (const Other& other : m_others) {
+        if (other.real == folder.real || (identity && other.identity == identity))
+            return "the folder is for other things as well";
+        if (isWithin(other.real, folder.real)) return fmt::format("{} lies in it", other.real);
+    }
+    for (const Root& root : m_roots) {
         if (isWithin(root.real, folder.real) &&
             (root.real != folder.real || root.category != category))
             return fmt::format("{} lies in it", root.real);
+        if (root.category != category && identity && root.identity == identity)
+            return fmt::format("it is {} by another path", root.real);
+    }
     return {};
 }
 

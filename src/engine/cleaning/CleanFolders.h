@@ -2,9 +2,11 @@
 // left alone altogether.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "engine/cleaning/CleanCategory.h"
@@ -42,10 +44,17 @@ public:
     [[nodiscard]] const std::string& systemLogs() const { return m_systemLogs; }
 
 private:
+    using Identity = std::pair<std::uint64_t, std::uint64_t>;  // device, inode
     struct Root {
         std::string real;
         CleanCategory category;
+        std::optional<Identity> identity;
     };
+    struct Other {
+        std::string real;
+        std::optional<Identity> identity;
+    };
+    [[nodiscard]] std::optional<Identity> identityOf(const std::string& real) const;
     [[nodiscard]] std::string objectionTo(const Folder& folder) const;
     [[nodiscard]] std::string withoutLinks(const std::string& path) const;
 
@@ -53,7 +62,7 @@ private:
     std::string m_systemCaches;
     std::string m_systemLogs;
     std::vector<Root> m_roots;
-    std::vector<std::string> m_others;  // folders of the user for other purposes, without links
+    std::vector<Other> m_others;  // folders of the user for other purposes, without links
     bool m_isForeignHome = false;
 };
 

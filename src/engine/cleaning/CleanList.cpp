@@ -29,7 +29,8 @@ CleanList::CleanList(const CleanParts& parts, std::vector<CleanRow> rows)
       m_rows(std::move(rows)),
       m_count(m_rows.size(), 1),
       m_left(m_rows.size(), 1),
-      m_isKept(m_rows.size(), false) {}
+      m_isKept(m_rows.size(), false),
+      m_goneBytes(m_rows.size(), 0) {}
 
 CleanList::~CleanList() = default;
 
@@ -158,22 +159,26 @@ std::optional<StayedEntry> CleanList::objectionTo(const Entry& entry) {
 
 void CleanList::settled(std::size_t index, const RemovalResult& result) {
     const Entry& entry = m_entries[index];
-    if (result.gone && !result.byOthers) addSaturating(m_goneBytes, bytes(index));
-    else addSaturating(m_goneBytes, result.bytes.value_or(0));
+    addSaturating(m_goneBytes[entry.row],
+                  result.gone && !result.byOthers ? bytes(index) : result.bytes.value_or(0));
     if (result.gone) {
         --m_left[entry.row];
         if (entry.isRow && !result.byOthers) removeTrashRecord(entry.path);
         return;
     }
     for (const StayedEntry& each : result.failures) {
-        const bool isByRule = each.kind == StayReason::Kept;
-        if (isByRule && entry.isRow) m_isKept[entry.row] = true;
-        m_hasFailed = m_hasFailed || (!isByRule && each.kind != StayReason::Changed &&
-                                      each.kind != StayReason::CameLater);
+        if (each.kind == StayReason::Kept && entry.isRow) m_isKept[entry.row] = true;
+        m_hasFailed = m_hasFailed || !isByRule(each.kind);
     }
     if (!result.failures.empty() && result.failures.front().kind != StayReason::Kept)
         Log::line(fmt::format("Clean deletable file failed: {}-{}", entry.path,
                               result.failures.front().reason));
+}
+
+std::uint64_t CleanList::goneBytes() const {
+    std::uint64_t sum = 0;
+    for (const std::uint64_t each : m_goneBytes) addSaturating(sum, each);
+    return sum;
 }
 
 // The record of where it came from is of no use to anybody then.

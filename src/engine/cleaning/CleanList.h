@@ -47,11 +47,17 @@ public:
     [[nodiscard]] bool isDone(std::size_t row) const { return m_left.at(row) == 0; }
     /// Whether a rule keeps the row as a whole by now.
     [[nodiscard]] bool isKept(std::size_t row) const { return m_isKept.at(row); }
-    /// Whether anything stayed for another reason than a rule, or that it came or changed since.
+    /// Rules keep also what changed or came since the scan, which is no failure either.
+    [[nodiscard]] static bool isByRule(StayReason reason) {
+        return reason == StayReason::Kept || reason == StayReason::Changed ||
+               reason == StayReason::CameLater;
+    }
+    /// Whether anything stayed that no rule keeps.
     [[nodiscard]] bool hasFailed() const { return m_hasFailed; }
     /// Bytes of the entries that went by us, as the rows count them; of rows that went in part,
     /// what went.
-    [[nodiscard]] std::uint64_t goneBytes() const { return m_goneBytes; }
+    [[nodiscard]] std::uint64_t goneBytes() const;
+    [[nodiscard]] std::uint64_t goneBytes(std::size_t row) const { return m_goneBytes.at(row); }
 
 private:
     struct Entry {
@@ -79,7 +85,7 @@ private:
     std::vector<std::size_t> m_left;   // entries of each row that are not gone
     std::vector<bool> m_isKept;        // rows
     bool m_hasFailed = false;
-    std::uint64_t m_goneBytes = 0;
+    std::vector<std::uint64_t> m_goneBytes;  // of each row
     std::unique_ptr<CleanRules> m_rules;
     std::map<std::string, CleanGround, std::less<>> m_grounds;  // by the paths of the rows' folders
     std::map<std::string, std::string, std::less<>> m_objections;  // to these folders

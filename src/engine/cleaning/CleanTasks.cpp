@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include <any>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -157,14 +158,15 @@ void FastCleanOpt::main() {
     for (const std::string& path : folderPathArr) {
         if (isCancelled()) break;
         PathCleaner::Outcome outcome = cleaner.remove(path);
-        if (outcome.lacksRights) {
+        const bool isDeletable = !outcome.lacksRights;
+        if (!isDeletable) {
             if (authorizationRef == AuthorizationRef::null)
                 static_cast<void>(FolderUtilities::CreateAuthoration(authorizationRef));
             outcome = cleaner.remove(path);
         }
-        if (outcome.isDone) continue;
-        Log::line(fmt::format("Clean undeletable folder failed: {}", path));
-        notifyDeleteFailed(path);
+        if (outcome.isDone || outcome.isKept) continue;
+        Log::line(fmt::format("Clean {} folder failed: {}",
+                              isDeletable ? "deletable" : "undeletable", path));
     }
     if (authorizationRef != AuthorizationRef::null)
         static_cast<void>(FolderUtilities::DeleteAuthoration(authorizationRef));
@@ -189,17 +191,25 @@ FastCleanOptV2::~FastCleanOptV2() { *m_self = nullptr; }
 
 void FastCleanOptV2::beginCleanTask(std::vector<std::string> paths) {
     cleanFilesArr = std::move(paths);
-    m_isRunning = true;
-    std::thread([parts = m_parts, queue = &m_mainQueue, self = m_self, all = cleanFilesArr] {
-        PathCleaner cleaner(parts);
-        for (const std::string& path : all) cleaner.remove(path);
+    ++m_running;
+    const auto end = [queue = &m_mainQueue, self = m_self] {
         queue->async([self] {
             if (*self == nullptr) return;
-            (*self)->m_isRunning = false;
+            --(*self)->m_running;
             (*self)->m_cleanFinished = true;
             if ((*self)->onCleanFinished) (*self)->onCleanFinished(true);
         });
-    }).detach();
+    };
+    try {
+        std::thread([parts = m_parts, all = cleanFilesArr, end] {
+            PathCleaner cleaner(parts);
+            for (const std::string& path : all) cleaner.remove(path);
+            end();
+        }).detach();
+    } catch (const std::system_error& error) {  // no thread left for this user
+        Log::line(fmt::format("Nothing is cleaned: {}", error.what()));
+        end();
+    }
 }
 
 bool FastCleanOptV2::synFastClean(const std::vector<std::string>& paths) const {

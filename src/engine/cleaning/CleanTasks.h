@@ -170,7 +170,7 @@ public:
     /// Changes nothing: all paths are worked off, and the end comes as it would.
     void cancelFastClean() {}
 
-    [[nodiscard]] bool isRunning() const { return m_isRunning; }
+    [[nodiscard]] bool isRunning() const { return m_running > 0; }
     [[nodiscard]] std::optional<bool> cleanFinished() const { return m_cleanFinished; }
     /// Told on the main thread at the end of each run.
     std::function<void(bool cleanFinished)> onCleanFinished;
@@ -180,7 +180,7 @@ private:
     MainQueue& m_mainQueue;
     std::vector<std::string> cleanFilesArr;
     std::optional<bool> m_cleanFinished;
-    bool m_isRunning = false;
+    std::size_t m_running = 0;                      // runs that have not ended
     const std::shared_ptr<FastCleanOptV2*> m_self;  // null once this is gone; main thread
 };
 

@@ -13,10 +13,13 @@ namespace orrinvale {
 
 PathCleaner::Outcome PathCleaner::remove(const std::string& path) {
     auto row = CategoryScan(m_parts.clean, {}).rowAt(path);
-    if (!row || !row->isOffered()) {
-        Log::line(fmt::format("Clean deletable file failed: {}-{}", path,
-                              row ? row->keptWords : "it can not be looked at"));
+    if (!row) {
+        Log::line(fmt::format("Clean deletable file failed: {}-it can not be looked at", path));
         return {};
+    }
+    if (!row->isOffered()) {
+        Log::line(fmt::format("Kept {}: {}", path, row->keptWords));
+        return {.isKept = true};
     }
     std::vector<CleanRow> rows;
     rows.push_back(std::move(*row));
@@ -28,7 +31,7 @@ PathCleaner::Outcome PathCleaner::remove(const std::string& path) {
                     .begins = [](auto, const auto&, bool) {},
                     .settled = [](auto, const auto&) {}});
     const RemovalOutcome outcome = run.run();
-    return {list.isDone(0), outcome.lacksRights};
+    return {.isDone = list.isDone(0), .isKept = list.isKept(0), .lacksRights = outcome.lacksRights};
 }
 
 }  // namespace orrinvale

@@ -28,6 +28,7 @@ public:
     /// stays.
     struct Outcome {
         bool isDone = false;       ///< nothing is left that may go
+        bool isKept = false;       ///< a rule keeps it, which is no failure
         bool lacksRights = false;  ///< something of it is this user's to see and not to remove
     };
     Outcome remove(const std::string& path);

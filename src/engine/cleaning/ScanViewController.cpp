@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <set>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -65,13 +66,18 @@ std::optional<UntickedRow> NoticeForm<UntickedRow>::read(const Notification& not
 /// One scan, and the thread that listens to it. Its owner lets go of it; what comes later is lost.
 class ScanViewController::Scan final : public std::enable_shared_from_this<Scan> {
 public:
-    Scan(ScanViewController& owner, std::vector<std::string> folders)
+    Scan(ScanViewController& owner, ScanErrand::FolderNames folders)
         : m_owner(&owner),
           m_queue(*owner.m_parts.mainQueue),
-          m_errand(owner.m_parts.clean, [folders = std::move(folders)] { return folders; }) {}
+          m_errand(owner.m_parts.clean, std::move(folders)) {}
 
     void start() {
-        std::thread([self = shared_from_this()] { self->listen(); }).detach();
+        try {
+            std::thread([self = shared_from_this()] { self->listen(); }).detach();
+        } catch (const std::system_error&) {  // no thread left for this user
+            m_errand.stop();
+            tellEnd();
+        }
     }
     void stop() { m_errand.stop(); }
     void letGo() {
@@ -92,12 +98,19 @@ private:
                 if (self->m_owner != nullptr) self->m_owner->setFilesSize(total);
             });
         }
+        tellEnd();
+    }
+
+    void tellEnd() {
         m_queue.async([self = shared_from_this()] {
             ScanViewController* const owner = std::exchange(self->m_owner, nullptr);
             if (owner == nullptr) return;
             const bool isEnded =
                 self->m_errand.wait(std::chrono::milliseconds(0)) == ScanErrand::State::Ended;
-            owner->scanTaskFinished(isEnded ? self->m_errand.take() : CategoryListing());
+            CategoryListing listing;
+            if (isEnded) listing = self->m_errand.take();
+            else listing.closed.push_back({{}, "no answer for 5 seconds"});
+            owner->scanTaskFinished(std::move(listing));
         });
     }
 
@@ -134,11 +147,16 @@ ScanViewController::~ScanViewController() {
 }
 
 void ScanViewController::beginScanTask(std::vector<std::string> folders) {
-    scanFiles.reset();
+    beginScanTask([folders] { return folders; });
     folderPaths = std::move(folders);
+}
+
+void ScanViewController::beginScanTask(std::function<std::vector<std::string>()> folders) {
+    scanFiles.reset();
+    folderPaths.clear();
     refreshTableView();
     if (m_scan != nullptr) m_scan->letGo();
-    m_scan = std::make_shared<Scan>(*this, folderPaths);
+    m_scan = std::make_shared<Scan>(*this, std::move(folders));
     m_scan->start();
 }
 
@@ -263,13 +281,13 @@ void ScanViewController::takeFromTotal(std::uint64_t bytes) {
 
 void ScanViewController::finishClean() {
     const std::unique_ptr<Clean> clean = std::move(m_clean);
-    std::set<std::string_view> kept;
-    for (const StayedEntry& each : m_outcome->stayed)
-        if (each.kind == StayReason::Kept) kept.insert(each.path);
-    for (std::size_t i = 0; i < clean->m_list->rows().size(); ++i) {
-        const CleanRow& row = clean->m_list->rows()[i];
-        if (kept.contains(row.path)) takeFromTotal(row.bytes);
-        else if (!clean->m_list->isDone(i)) continue;
+    const CleanList& list = *clean->m_list;
+    for (std::size_t i = 0; i < list.rows().size(); ++i) {
+        const CleanRow& row = list.rows()[i];
+        if (clean->m_leaving.contains(row.path)) continue;
+        iCleanSize += list.goneBytes(i);
+        if (!list.isKept(i) && !list.isDone(i)) continue;
+        takeFromTotal(row.bytes);
         clean->m_leaving.insert(row.path);
     }
     const auto leaves = [&](const std::string& path) { return clean->m_leaving.contains(path); };

@@ -84,6 +84,9 @@ public:
     /// Scans these folders anew. A scan that is silent for 5 seconds counts as ended, and what it
     /// says later is dropped.
     void beginScanTask(std::vector<std::string> folders);
+    /// The same where even the names are asked of the disk, on the thread of the scan;
+    /// `folderPaths` stays empty.
+    void beginScanTask(std::function<std::vector<std::string>()> folders);
     /// What is complete stays in the list.
     void cancelScanTask();
     /// Empties the list as one change; no effect while there is none.

@@ -31,8 +31,9 @@ TEST(CategoryScan, rowsOfUserCachesAndWhyOthersStay) {
         tree.write(".cache/safe/deep/er/my.KDBX", five) &&
         tree.write(".cache/office/letter.odt", five) && tree.write(".cache/sqlite/db", five) &&
         tree.write(".cache/sqlite/db-wal", five) && tree.write(".cache/left/db", five) &&
-        tree.write(".cache/left/db-journal", "") && tree.socket(".cache/running/s") &&
-        tree.write(".cache/rclone/vfs/file", five) && tree.write(".cache/KeePassXC/x", five) &&
+        tree.write(".cache/left/db-journal", "") && tree.write(".cache/shared/db-shm", "") &&
+        tree.socket(".cache/running/s") && tree.write(".cache/rclone/vfs/file", five) &&
+        tree.write(".cache/KeePassXC/x", five) &&
         tree.write(".var/app/org.keepassxc.KeePassXC/cache/x", five) &&
         tree.write(".var/app/org.else/cache/y", five) && tree.symlink("/", ".cache/link") &&
         tree.fifo(".cache/pipe"));
@@ -45,6 +46,7 @@ TEST(CategoryScan, rowsOfUserCachesAndWhyOthersStay) {
                                                  {"safe", KeptBecause::PasswordSafe},
                                                  {"office", KeptBecause::Document},
                                                  {"sqlite", KeptBecause::Database},
+                                                 {"shared", KeptBecause::Database},
                                                  {"running", KeptBecause::Socket},
                                                  {"rclone", KeptBecause::Precious},
                                                  {"KeePassXC", KeptBecause::Precious},
@@ -220,7 +222,21 @@ TEST(CategoryScan, whatThePersonKeeps) {
     EXPECT_EQ(CleanHome::offered(listing), (Names{"b 10", "c\n 5"}));
     EXPECT_EQ(testing::contentOf(KeepList::fileIn(settings)), tree.at(".cache/a\n"));
 
-    // A list that nobody can read keeps everything.
+    // Names that lines can not hold as they are, and paths that say nothing.
+    ASSERT_TRUE(tree.write(".cache/e\r/x", "1"));
+    ASSERT_TRUE(KeepList::add(home.files, settings, tree.at(".cache/e\r")));
+    EXPECT_FALSE(KeepList::add(home.files, settings, tree.at(".cache/../.cache/b")));
+    EXPECT_EQ(CleanHome::kept(home.scan(CleanCategory::UserCaches)).at("e\r"), KeptBecause::Asked);
+    // That of the person behind root holds as well.
+    ASSERT_TRUE(KeepList::add(home.files, tree.at("other"), tree.at(".cache/b")));
+    CleanParts parts = home.parts();
+    parts.otherSettings = tree.at("other");
+    listing = CategoryScan(parts, {}).run({tree.at(".cache")});
+    EXPECT_EQ(CleanHome::kept(listing).at("b"), KeptBecause::Asked);
+
+    // A list that nobody can read keeps everything, and so does a line of it.
+    ASSERT_TRUE(tree.write("settings/always-keep", "# mine\n\n~/.cache/b\n"));
+    EXPECT_EQ(home.scan(CleanCategory::UserCaches).rows.size(), 0U);
     ASSERT_TRUE(::unlink(KeepList::fileIn(settings).c_str()) == 0 &&
                 tree.folder("settings/always-keep"));
     listing = home.scan(CleanCategory::UserCaches);
@@ -239,6 +255,26 @@ TEST(CategoryScan, whatCanNotBeLookedAtStays) {
         return CleanHome::kept(listing) == Reasons{{"shut", KeptBecause::Unread}} ? "" : "kept";
     });
     EXPECT_EQ(failure, "");
+}
+
+TEST(CategoryScan, aFolderOfThePersonsByAnotherMountIsLeftAlone) {
+    testing::withOwnMounts([]() -> std::string {
+        if (::system("mkdir -p /mnt/Downloads /mnt/Documents && echo 1 > /mnt/Documents/x") != 0)
+            return "no folder";
+        if (::mount("/mnt/Documents", "/mnt/Downloads", nullptr, MS_BIND, nullptr) != 0)
+            return "skip: bind";
+        const auto listing = CleanHome({.home = "/mnt"}).scan(CleanCategory::UserDownloads);
+        return listing.rows.empty() && listing.closed.size() == 1 ? "" : "offered";
+    });
+}
+
+// The name of the target says nothing of the program.
+TEST(CategoryScan, aCacheOfAProgramBehindALink) {
+    CleanHome home;
+    ASSERT_TRUE(home.tree.write("big/app/org.keepassxc.KeePassXC/cache/x", "1") &&
+                home.tree.symlink("big", ".var"));
+    EXPECT_EQ(CleanHome::kept(home.scan(CleanCategory::UserCaches)),
+              (Reasons{{"x", KeptBecause::Precious}}));
 }
 
 TEST(CategoryScan, aMountKeepsItsRow) {
@@ -273,6 +309,10 @@ TEST(CategoryScan, whatTheDiskGetsBack) {
     EXPECT_EQ(listing.bytes, 4 * block.size() + (1ULL << 30U));
     EXPECT_GE(listing.onDisk, 2 * block.size());
     EXPECT_LE(listing.onDisk, 2 * block.size() + 16 * 1024);
+    // One of the names stays, and with it the blocks.
+    const auto former = listing.onDisk;
+    ASSERT_TRUE(KeepList::add(home.files, tree.at("settings"), tree.at("Downloads/f")));
+    EXPECT_LE(home.scan(CleanCategory::UserDownloads).onDisk, former - block.size());
 }
 
 TEST(CategoryScan, aHomeThatDoesNotAnswerHoldsNobodyUp) {
