@@ -6,44 +6,26 @@
 #include <sys/resource.h>
 
 #include <chrono>
-#include <deque>
 #include <thread>
 
 #include "engine/cleaning/CleanHome.h"
 #include "engine/removal/PlainDoor.h"
 #include "support/LogLines.h"
+#include "support/ServedQueue.h"
 
 namespace orrinvale {
 namespace {
 
 using testing::CleanHome;
 using testing::isThere;
+using testing::ServedQueue;
 
-// Keeps what is handed over until the test plays the main thread.
-class HeldQueue final : public MainQueue {
-public:
-    void async(std::function<void()> work) override {
-        const std::lock_guard lock(m_mutex);
-        m_work.push_back(std::move(work));
-    }
-    bool sync(std::function<void()> work) override {
-        work();
-        return true;
-    }
-    std::size_t run() {
-        std::deque<std::function<void()>> work;
-        {
-            const std::lock_guard lock(m_mutex);
-            work.swap(m_work);
-        }
-        for (const auto& each : work) each();
-        return work.size();
-    }
-
-private:
-    std::mutex m_mutex;
-    std::deque<std::function<void()>> m_work;
-};
+// Plays the main thread: how many pieces waited.
+std::size_t serveAll(ServedQueue& queue) {
+    std::size_t count = 0;
+    while (queue.step()) ++count;
+    return count;
+}
 
 CleanTaskParts partsOf(const CleanHome& home) {
     return {.clean = home.parts(), .stateFolder = {}, .makeDoor = [&home] {
@@ -55,7 +37,7 @@ TEST(ScanFolderOpt, tellsOfEachShownEntryAndOfTheEnd) {
     CleanHome home;
     ASSERT_TRUE(home.tree.write("f/a", "123") && home.tree.write("f/b/c/d", "12345") &&
                 home.tree.write("f/.hidden", "1"));
-    HeldQueue queue;
+    ServedQueue queue;
     NotificationCenter center;
     std::vector<ScannedFolder> singles;
     std::vector<ScannedFolder> ends;
@@ -66,7 +48,7 @@ TEST(ScanFolderOpt, tellsOfEachShownEntryAndOfTheEnd) {
     ScanFolderOpt operation(home.tree.at("f"), 7, home.parts(), {&center, &queue});
     operation.main();
     EXPECT_TRUE(singles.empty()) << "told on another thread than the main one";
-    EXPECT_EQ(queue.run(), 3U);
+    EXPECT_EQ(serveAll(queue), 3U);
     ASSERT_EQ(singles.size(), 2U);
     ASSERT_EQ(ends.size(), 1U);
     EXPECT_EQ(singles[0].FileCount, 1U);
@@ -78,7 +60,7 @@ TEST(ScanFolderOpt, tellsOfEachShownEntryAndOfTheEnd) {
     ScanFolderOpt cancelled(home.tree.at("f"), 8, home.parts(), {&center, &queue});
     cancelled.cancel();
     cancelled.main();
-    EXPECT_EQ(queue.run(), 0U);
+    EXPECT_EQ(serveAll(queue), 0U);
 }
 
 double processorSeconds() {
@@ -91,7 +73,7 @@ double processorSeconds() {
 TEST(ScanFolderOpt, aPauseWaitsAndBurnsNothing) {
     CleanHome home;
     ASSERT_TRUE(home.tree.write("f/a", "1") && home.tree.write("f/b", "1"));
-    HeldQueue queue;
+    ServedQueue queue;
     NotificationCenter center;
     for (const bool isCancelled : {false, true}) {
         ScanFolderOpt operation(home.tree.at("f"), 1, home.parts(), {&center, &queue});
@@ -100,11 +82,11 @@ TEST(ScanFolderOpt, aPauseWaitsAndBurnsNothing) {
         const double before = processorSeconds();
         std::this_thread::sleep_for(std::chrono::milliseconds(400));
         EXPECT_LT(processorSeconds() - before, 0.2);
-        EXPECT_EQ(queue.run(), 0U);
+        EXPECT_EQ(serveAll(queue), 0U);
         if (isCancelled) operation.cancel();
         else operation.setIsPaused(false);
         worker.join();
-        EXPECT_EQ(queue.run(), isCancelled ? 0U : 3U);
+        EXPECT_EQ(serveAll(queue), isCancelled ? 0U : 3U);
     }
 }
 
@@ -112,7 +94,7 @@ TEST(FastCleanOpt, goesOnAfterAFailureAndTellsOfIt) {
     CleanHome home;
     ASSERT_TRUE(home.tree.write(".cache/a/x", "1") && home.tree.write(".cache/b/.git/x", "1") &&
                 home.tree.write(".cache/c", "1"));
-    HeldQueue queue;
+    ServedQueue queue;
     NotificationCenter center;
     std::vector<CleanedFile> failed;
     FastCleanOpt* ended = nullptr;
@@ -125,7 +107,7 @@ TEST(FastCleanOpt, goesOnAfterAFailureAndTellsOfIt) {
                            partsOf(home), {&center, &queue});
     const testing::LogLines lines;
     operation.main();
-    queue.run();
+    serveAll(queue);
     EXPECT_EQ(ended, &operation);
     EXPECT_THAT(lines.lines, ::testing::Contains("Clean deletable folder failed: " +
                                                  home.tree.at(".cache/missing")));
@@ -145,7 +127,7 @@ TEST(FastCleanOptV2, theLastPathDecidesAndTheEndIsTold) {
     const auto at = [&](const char* name) { return home.tree.at(std::string(".cache/") + name); };
     for (const char* name : {".cache/a", ".cache/b", ".cache/k/.git/x"})
         ASSERT_TRUE(home.tree.write(name, "1"));
-    HeldQueue queue;
+    ServedQueue queue;
     FastCleanOptV2 task(partsOf(home), queue);
     EXPECT_TRUE(task.synFastClean({}));
     EXPECT_TRUE(task.synFastClean({at("k"), at("a")}));
@@ -164,7 +146,7 @@ TEST(FastCleanOptV2, theLastPathDecidesAndTheEndIsTold) {
                                      : std::vector<std::string>());
         EXPECT_TRUE(task.isRunning());
         task.cancelFastClean();
-        while (queue.run() == 0) std::this_thread::yield();
+        while (serveAll(queue) == 0) std::this_thread::yield();
         EXPECT_EQ(told, run);
         EXPECT_EQ(task.cleanFinished(), true);
         EXPECT_EQ(isThere(at("a")), run == 2) << "a cancel changes nothing";

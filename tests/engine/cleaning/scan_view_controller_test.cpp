@@ -5,51 +5,21 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <deque>
-#include <mutex>
 #include <thread>
 
 #include "engine/cleaning/CleanHome.h"
 #include "engine/removal/PlainDoor.h"
 #include "engine/settings/UserDefaults.h"
 #include "engine/text/UtilityFunction.h"
+#include "support/ServedQueue.h"
 
 namespace orrinvale {
 namespace {
 
 using testing::CleanHome;
 using testing::isThere;
+using testing::ServedQueue;
 using Names = std::vector<std::string>;
-
-// The thread of the test plays the main one.
-class TestQueue final : public MainQueue {
-public:
-    void async(std::function<void()> work) override {
-        const std::lock_guard lock(m_mutex);
-        m_work.push_back(std::move(work));
-    }
-    bool sync(std::function<void()> work) override {
-        work();
-        return true;
-    }
-    bool runUntil(const std::function<bool()>& isDone) {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (!isDone() && std::chrono::steady_clock::now() < end) {
-            std::deque<std::function<void()>> work;
-            {
-                const std::lock_guard lock(m_mutex);
-                work.swap(m_work);
-            }
-            for (const auto& each : work) each();
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-        return isDone();
-    }
-
-private:
-    std::mutex m_mutex;
-    std::deque<std::function<void()>> m_work;
-};
 
 struct Page {
     explicit Page(CleanHome& itsHome)
@@ -86,11 +56,11 @@ struct Page {
 
     bool scan() {
         list.beginScanTask(home.utilities.getFolderPath(1));
-        return queue.runUntil([this] { return !list.isScanning(); });
+        return queue.serveUntil([this] { return !list.isScanning(); });
     }
     bool clean() {
         list.beginCleanTask();
-        return queue.runUntil([this] { return !list.isCleaning(); });
+        return queue.serveUntil([this] { return !list.isCleaning(); });
     }
     void tick(const Names& names) {
         for (std::size_t i = 0; i < list.scanFiles->size(); ++i)
@@ -105,7 +75,7 @@ struct Page {
     }
 
     CleanHome& home;
-    TestQueue queue;
+    ServedQueue queue;
     NotificationCenter center;
     ScanViewController list;
     Names told;
@@ -141,7 +111,7 @@ TEST(ScanViewController, aScanTellsItsTotalItsRowsAndItsEnd) {
     EXPECT_EQ(std::count(page.told.begin(), page.told.end(), "KVO_CONTEXT_SCAN_FINISH yes"), 1);
     page.list.beginScanTask(home.utilities.getFolderPath(1));
     page.list.cancelScanTask();
-    ASSERT_TRUE(page.queue.runUntil([&] { return !page.list.isScanning(); }));
+    ASSERT_TRUE(page.queue.serveUntil([&] { return !page.list.isScanning(); }));
     EXPECT_TRUE(page.list.scanFiles.has_value());
 }
 
