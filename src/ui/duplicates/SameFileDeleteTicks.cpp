@@ -14,6 +14,7 @@
 #include "ui/kit/controls/PictureView.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/dialogs/Dialogs.h"
+#include "ui/kit/lists/LeftRail.h"
 #include "ui/kit/lists/TickBox.h"
 
 namespace orrinvale {
@@ -57,8 +58,7 @@ void SameFileDeleteViewController::refViewBgColor(std::int32_t row) {
         changeAllSelectCheckBoxState();
         if (m_model->rowCount() > 0) m_views->outline->expand(m_model->index(0, 0));
     }
-    for (DuplicationLeftCell* const cell : m_views->leftCells)
-        cell->setHiglightImage(cell->rowViewNum() == row);
+    m_views->leftView->select(row);
 }
 
 void SameFileDeleteViewController::showSelectCountWithFileCount(std::size_t count,

@@ -19,6 +19,7 @@ class AnimationHoverImageView;
 class DragView;
 class ElidedLabel;
 class HoverButton;
+class LeftRail;
 class NotificationCenter;
 class Padlock;
 class PictureView;
@@ -71,7 +72,7 @@ public:
     TextImageButton* stopScanBtn = nullptr;
 
     // The detail view.
-    QWidget* leftView = nullptr;
+    LeftRail* leftView = nullptr;
     std::array<DuplicationLeftCell*, 7> leftCells{};
     QWidget* btnBgView = nullptr;
     TCImageButton* openBtn = nullptr;
