@@ -87,6 +87,7 @@ public:
                     .defaults = &UserDefaults::standardUserDefaults(),
                     .dialogs = &m_dialogs,
                     .mainQueue = &m_mainQueue,
+                    .stateFolder = {},
                     .icons = [this](const IconRequest& request) { return m_icons.icon(request); },
                     .reveal = {},
                     .openAddress = {}},
