@@ -22,6 +22,8 @@ struct FSVolumeInfo {
     std::uint64_t totalBytes = 0;
     std::uint64_t freeBytes =
         0;  ///< what the user can still fill, without what is held back for the administrator
+    std::uint64_t reservedBytes = 0;  ///< of the total, held back for the administrator, in no file
+                                      ///< and not to be filled; 0 where that is not known
 };
 
 /// The answer of FSGetVolumeInfo.

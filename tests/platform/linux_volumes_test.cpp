@@ -2,6 +2,7 @@
 // real mounts in a name space of their own, which takes them along when it ends.
 #include <condition_variable>
 
+#include "engine/volumes/SpaceLevel.h"
 #include "engine/volumes/VolumesInfo.h"
 #include "platform/linux/LinuxVolumes.h"
 #include "platform/linux/LinuxVolumesChoice.h"
@@ -439,6 +440,10 @@ TEST(RealVolumes, ImagesAreListedBindsAreNotAndWhatGoesIsGone) {
             fault += "odd size\n";
         if (image.nTotalSize - image.nFreeSize < image.nTotalSize / 12)
             fault += "what is held back counts as free\n";
+        if (image.nReservedSize < image.nTotalSize / 12) fault += "what is held back is not told\n";
+        const std::string percent = std::to_string(usedPercent(spaceOf(image)).value_or(-1)) + "%";
+        if (std::system(("df --output=pcent /mnt/image | grep -qw " + percent).c_str()) != 0)
+            fault += "df sees another share than " + percent + "\n";
         const std::int16_t number = image.volRefNumber;
 
         ::mount("/mnt/image", "/mnt/b", nullptr, MS_BIND, nullptr);

@@ -19,6 +19,7 @@ std::shared_ptr<ZvVolumeInfo> recordOf(const IndexedVolume& volume) {
     auto record = std::make_shared<ZvVolumeInfo>();
     record->nTotalSize = volume.info.totalBytes;
     record->nFreeSize = volume.info.freeBytes;
+    record->nReservedSize = volume.info.reservedBytes;
     record->freeSpace = UtilityFunction::convertVolSpace(volume.info.freeBytes);
     record->totalSpace = UtilityFunction::convertVolSpace(volume.info.totalBytes);
     record->volumeName = volume.name;

@@ -32,6 +32,8 @@ struct ZvVolumeInfo {
     bool bCanEject = false;
     std::uint64_t nTotalSize = 0;  ///< bytes
     std::uint64_t nFreeSize = 0;   ///< bytes
+    std::uint64_t nReservedSize =
+        0;  ///< bytes of the total that are held back for the administrator; SpaceLevel.h uses it
 };
 
 }  // namespace orrinvale

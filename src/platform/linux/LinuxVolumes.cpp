@@ -67,7 +67,7 @@ std::int32_t LinuxVolumes::FSGetVolumeInfo(std::uint32_t volumeIndex, IndexedVol
 std::int32_t LinuxVolumes::describe(const Row& row, IndexedVolume& answer) const {
     answer = IndexedVolume{row.refNumber, {}, {}, row.mount.point, row.space.error};
     if (row.space.error != 0) return ioErr;
-    answer.info = {row.space.total, row.space.free};
+    answer.info = {row.space.total, row.space.free, row.space.reserved};
     answer.name = volumeNameOf(row.mount, m_devices);
     return noErr;
 }

@@ -81,6 +81,8 @@ SpaceAnswer askKernelForSpace(const SpaceQuestion& question) {
             static_cast<std::uint64_t>(space.f_frsize != 0 ? space.f_frsize : space.f_bsize);
         answer.total = bytesOf(space.f_blocks, unit);
         answer.free = std::min(bytesOf(space.f_bavail, unit), answer.total);
+        const auto unused = std::min(bytesOf(space.f_bfree, unit), answer.total);
+        answer.reserved = unused - std::min(answer.free, unused);
     }
     return answer;
 }

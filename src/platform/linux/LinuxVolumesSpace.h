@@ -24,7 +24,8 @@ struct SpaceAnswer {
     bool gone = false;  ///< another mount, a file or nothing is at the path now; the other fields
                         ///< mean nothing then
     std::uint64_t total = 0;
-    std::uint64_t free = 0;  ///< what an ordinary user can fill
+    std::uint64_t free = 0;      ///< what an ordinary user can fill
+    std::uint64_t reserved = 0;  ///< what only the administrator can fill
 };
 
 /// Asks the kernel now, on the calling thread, for as long as that takes.
