@@ -48,10 +48,7 @@ public:
     /// Whether a rule keeps the row as a whole by now.
     [[nodiscard]] bool isKept(std::size_t row) const { return m_isKept.at(row); }
     /// Rules keep also what changed or came since the scan, which is no failure either.
-    [[nodiscard]] static bool isByRule(StayReason reason) {
-        return reason == StayReason::Kept || reason == StayReason::Changed ||
-               reason == StayReason::CameLater;
-    }
+    [[nodiscard]] static bool isByRule(StayReason reason) { return orrinvale::isByRule(reason); }
     /// Whether anything stayed that no rule keeps.
     [[nodiscard]] bool hasFailed() const { return m_hasFailed; }
     /// Bytes of the entries that went by us, as the rows count them; of rows that went in part,

@@ -33,6 +33,13 @@ enum class StayReason : std::uint8_t {
     return error == EACCES || error == EPERM ? StayReason::Rights : StayReason::System;
 }
 
+/// Whether a rule of cleaning is behind it, which is no failure: what changed or came since the
+/// scan stays by rule as well.
+[[nodiscard]] inline bool isByRule(StayReason reason) {
+    return reason == StayReason::Kept || reason == StayReason::Changed ||
+           reason == StayReason::CameLater;
+}
+
 /// One entry that is still there.
 struct StayedEntry {
     std::string path;    ///< exact bytes
