@@ -1,114 +1,82 @@
-// engine/volumes/VolumesInfo.h makes the list.
+// engine/volumes/VolumesInfo.h makes the list, VolumeEvents.h what is told of two of them.
 #include "cli/VolumesCommand.h"
 
-#include <fmt/format.h>
+#include <poll.h>
+#include <sys/eventfd.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
-#include <utility>
+#include <cstdint>
+#include <optional>
 
 #include "cli/NotedVolumes.h"
 #include "cli/Output.h"
 #include "cli/SearchWatch.h"
+#include "cli/VolumesReport.h"
+#include "engine/settings/PreferenceViewController.h"
+#include "engine/settings/SettingsKeys.h"
+#include "engine/settings/UserDefaults.h"
+#include "engine/volumes/SpaceLevel.h"
 #include "engine/volumes/VolumesInfo.h"
-#include "platform/error.h"
+#include "platform/descriptor.h"
+#include "platform/mounts.h"
 
 namespace orrinvale::cli {
 namespace {
 
-using Records = VolumesInfo::VolumeArray;
-
-std::string_view typeName(std::int32_t type) {
-    switch (type) {
-        case LocalVolume: return "local";
-        case ExternalVolume: return "external";
-        case OpticalVolume: return "optical";
-        case NetworkVolume: return "network";
-        case DiskImageVolume: return "disk image";
-        default: return "unknown";
+// Ends the wait of whoever polls the descriptor, from another thread.
+class Bell final {
+public:
+    [[nodiscard]] int descriptor() const { return m_event.get(); }
+    void ring() const {
+        const std::uint64_t one = 1;
+        (void)!::write(m_event.get(), &one, sizeof one);
     }
-}
 
-void appendVolume(std::string& out, const ZvVolumeInfo& volume) {
-    out += fmt::format("{{\"refNumber\": {}, \"type\": {}, \"typeName\": \"{}\", \"boot\": {}, ",
-                       volume.volRefNumber, volume.volType, typeName(volume.volType),
-                       volume.bIsDefaultVol);
-    appendJsonPath(out, volume.volumeName, "name", "nameHex");
-    out += ", ";
-    appendJsonPath(out, volume.volRootDir);
-    out += fmt::format(
-        ",\n     \"freeSpace\": \"{}\", \"totalSpace\": \"{}\", \"free\": {}, \"total\": {}, "
-        "\"canEject\": {}",
-        volume.freeSpace, volume.totalSpace, volume.nFreeSize, volume.nTotalSize, volume.bCanEject);
-    if (volume.volIcon) {
-        out += ", \"icon\": {";
-        appendJsonPath(out, volume.volIcon->text);
-        out += '}';
-    }
-    out += '}';
-}
+private:
+    const Descriptor m_event{::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
+};
 
-void printJson(Output& out, const Records& volumes, const std::vector<Error>& skipped,
-               bool stopped) {
-    std::string text = "{\n  \"volumes\": [";
-    const char* between = "\n    ";
-    for (const auto& volume : volumes) {
-        text += between;
-        appendVolume(text, *volume);
-        between = ",\n    ";
-    }
-    text += volumes.empty() ? "],\n  \"skipped\": [" : "\n  ],\n  \"skipped\": [";
-    appendJsonSkipped(text, skipped);
-    out.write(text + fmt::format("],\n  \"stopped\": {}\n}}\n", stopped));
-}
-
-void printPaths(Output& out, const Records& volumes) {
-    for (const auto& volume : volumes) {
-        out.write(volume->volRootDir);
-        out.write(std::string_view("\0", 1));
-    }
-}
-
-using Cells = std::array<std::string, 5>;
-
-Cells cellsOf(const ZvVolumeInfo& volume) {
-    return {printable(volume.volumeName), std::string(typeName(volume.volType)),
-            fmt::format("{} of {}", volume.freeSpace, volume.totalSpace),
-            volume.bCanEject ? "yes" : "no", printable(volume.volRootDir)};
-}
-
-// Characters, not bytes; wide ones count as one.
-std::size_t widthOf(std::string_view text) {
-    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) {
-        return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U;
-    }));
-}
-
-void printListing(Output& out, const Records& volumes, bool colour) {
-    if (volumes.empty()) {
-        out.write("No volumes.\n");
-        return;
-    }
-    std::vector<Cells> rows{{"NAME", "KIND", "FREE OF TOTAL", "EJECT", "PATH"}};
-    for (const auto& volume : volumes) rows.push_back(cellsOf(*volume));
-    std::array<std::size_t, 5> widths{};
-    for (const Cells& row : rows)
-        for (std::size_t i = 0; i < row.size(); ++i)
-            widths[i] = std::max(widths[i], widthOf(row[i]));
-    for (const Cells& row : rows) {
-        std::string line;
-        for (std::size_t i = 0; i + 1 < row.size(); ++i)
-            line += row[i] + std::string(widths[i] - widthOf(row[i]) + 2, ' ');
-        line += row.back();
-        const bool strong = colour && &row == &rows.front();
-        out.write(strong ? "\x1b[1m" + line + "\x1b[0m\n" : line + '\n');
-    }
+// Waits for a change of the table of mounts or for the time to look at figures; false when the bell
+// has been rung.
+bool waitForNews(int mounts, const Bell& bell) {
+    constexpr int betweenLooks = 2000;  // milliseconds
+    std::array<pollfd, 2> waits{{{bell.descriptor(), POLLIN, 0}, {mounts, POLLPRI, 0}}};
+    ::poll(waits.data(), waits.size(), betweenLooks);
+    return (waits[0].revents & POLLIN) == 0;
 }
 
 }  // namespace
 
+std::vector<OptionSpec> VolumesCommand::options() const {
+    return {{"--watch", "",
+             "Go on, and tell what is mounted, unmounted and renamed, and what free space changes "
+             "by 1 % or across the warning level; with --json one document a line"}};
+}
+
 Status VolumesCommand::run(const Arguments& arguments) {
+    return arguments.has("watch") ? watch(arguments) : list(arguments);
+}
+
+Status VolumesCommand::watch(const Arguments& arguments) {
+    if (arguments.has("print0")) return badUsage("events can not be printed with -0");
+    PreferenceViewController::initialize();
+    VolumeEvents events(
+        warningLevel(UserDefaults::standardUserDefaults().floatForKey(ZvSpaceAlarmKey)));
+    // Polled from before the first look on, so that nothing comes or goes between the two.
+    const Descriptor mounts = openMountNews();
+    VolumeLook look(m_platform);
+    Output out(STDOUT_FILENO);
+    const Bell bell;
+    const SearchWatch watch([&bell] { bell.ring(); }, {}, Telling::Nothing);
+    const auto print = arguments.has("json") ? &printVolumeEventJson : &printVolumeEvent;
+    do {
+        for (const VolumeEvent& each : events.take(look.take())) print(out, each);
+    } while (out.flush() && waitForNews(mounts.get(), bell));
+    return finish(out, {}, watch.ending());
+}
+
+Status VolumesCommand::list(const Arguments& arguments) {
     NotedVolumes platform(m_platform);
     Ending ending{};
     std::optional<VolumesInfo> info;
@@ -118,14 +86,14 @@ Status VolumesCommand::run(const Arguments& arguments) {
         info.emplace(platform);
         ending = watch.ending();
     }
-    const Records& volumes = info->volsArray();
+    const VolumesInfo::VolumeArray& volumes = info->volsArray();
     const std::vector<Error>& skipped = platform.failures();
     if (!arguments.has("quiet")) complainOfEach(skipped);
 
     Output out(STDOUT_FILENO);
-    if (arguments.has("json")) printJson(out, volumes, skipped, ending != Ending::Whole);
-    else if (arguments.has("print0")) printPaths(out, volumes);
-    else printListing(out, volumes, wantsColour(STDOUT_FILENO));
+    if (arguments.has("json")) printVolumesJson(out, volumes, skipped, ending != Ending::Whole);
+    else if (arguments.has("print0")) printVolumePaths(out, volumes);
+    else printVolumeListing(out, volumes, wantsColour(STDOUT_FILENO));
     return finish(out, skipped, ending);
 }
 

@@ -1,4 +1,5 @@
-// orrinvale-cli volumes: the mounted volumes, of what kind each is and how much is free.
+// orrinvale-cli volumes: the mounted volumes, of what kind each is and how much is free; and what
+// happens to them.
 #pragma once
 
 #include "cli/Command.h"
@@ -18,10 +19,13 @@ public:
     [[nodiscard]] std::string_view description() const override {
         return "A volume that does not answer within a second is left out, and told as skipped.";
     }
-    [[nodiscard]] std::vector<OptionSpec> options() const override { return {}; }
+    [[nodiscard]] std::vector<OptionSpec> options() const override;
     Status run(const Arguments& arguments) override;
 
 private:
+    Status list(const Arguments& arguments);
+    Status watch(const Arguments& arguments);
+
     Volumes& m_platform;
 };
 

@@ -5,7 +5,13 @@
 #include <string>
 #include <vector>
 
+#include "platform/descriptor.h"
+
 namespace orrinvale {
+
+/// On which poll(2) tells POLLPRI, once for each poller, when anything was mounted or unmounted
+/// since it was opened or last polled. Not open where that can not be seen.
+[[nodiscard]] Descriptor openMountNews();
 
 /// One volume that came or went.
 struct MountChange {

@@ -111,5 +111,35 @@ TEST_F(VolumesCommand, WhatCanNotBeAskedIsNamed) {
     EXPECT_EQ(volumesRun(mounts, program + ">/dev/full").status, 1);
 }
 
+TEST_F(VolumesCommand, TheWatchTellsEachEventAtOnceOnALineOfItsOwn) {
+    EXPECT_EQ(volumesRun("", program + "--watch -0").status, 2);
+    // Mounts until something is told, since nobody says when the watch has taken its first look.
+    const std::string script =
+        "mkdir /mnt/\"a b\" && " ORRINVALE_CLI_PATH
+        " volumes --watch --json >/mnt/told & watch=$! && "
+        "for i in $(seq 200); do grep -q \\\"mount /mnt/told && break; mount -t tmpfs -o size=1m r "
+        "\"/mnt/a "
+        "b\" "
+        "&& sleep 0.05; umount \"/mnt/a b\"; done; sleep 0.2; kill -TERM $watch; wait $watch; "
+        "echo $? >>/mnt/told; cat /mnt/told";
+    const auto result = volumesRun("mount -t tmpfs ram /mnt && ", "sh -c '" + script + "'");
+    std::istringstream lines(result.output);
+    std::string line;
+    Strings events;
+    while (std::getline(lines, line) && line.starts_with('{')) {
+        const Json told = Json::parse(line, nullptr, false);
+        ASSERT_TRUE(told.is_object()) << line;
+        EXPECT_EQ(told.at("volume").at("path"), "/mnt/a b");
+        EXPECT_EQ(told.at("volume").at("total"), 1024 * 1024);
+        events.push_back(told.at("event"));
+    }
+    // The first look may have been taken while it stood.
+    if (!events.empty() && events[0] == "unmount") events.erase(events.begin());
+    ASSERT_GE(events.size(), 2U) << result.output << result.error;
+    EXPECT_EQ(events[0], "mount");
+    EXPECT_EQ(events[1], "unmount");
+    EXPECT_EQ(line, "130") << "ended by the signal";
+}
+
 }  // namespace
 }  // namespace orrinvale::testing

@@ -349,6 +349,31 @@ TEST(LinuxVolumes, DeadMountsHoldNobodyUpAndAreAskedOnce) {
     EXPECT_EQ(info.volsArray().size(), 22U) << "who comes back is asked and listed again";
 }
 
+TEST(LinuxVolumes, OnlyWhatMayWaitIsAskedOnAnotherThread) {
+    TestTree tree;
+    const auto aside = std::make_shared<Strings>();
+    std::mutex mutex;
+    LinuxVolumes platform({tree.at("mounts"), tree.at("sys"), tree.at("udev")}, 10s,
+                          [&, here = std::this_thread::get_id()](const SpaceQuestion& question) {
+                              const std::lock_guard lock(mutex);
+                              if (std::this_thread::get_id() != here)
+                                  aside->push_back(question.path);
+                              return SpaceAnswer{0, false, 1000, 500};
+                          });
+    ASSERT_TRUE(tree.write("mounts",
+                           "20 1 8:2 / / rw - ext4 /dev/sda2 rw\n"
+                           "21 20 0:40 / /home rw - btrfs /dev/sda3 rw\n"
+                           "22 20 0:41 / /nas rw - nfs h:/ rw\n"
+                           "23 22 8:7 / /nas/disk rw - ext4 /dev/sda7 rw\n"
+                           "24 20 8:8 / /nasty rw - ext4 /dev/sda8 rw\n"
+                           "25 20 8:9 / /media/stick rw - vfat /dev/sdb1 rw\n"
+                           "26 20 0:42 / /net rw - autofs systemd-1 rw\n"
+                           "27 26 8:10 / /net/disk rw - xfs /dev/sdc1 rw\n"));
+    EXPECT_EQ(VolumesInfo(platform).volsArray().size(), 7U);
+    EXPECT_THAT(*aside,
+                ::testing::UnorderedElementsAre("/nas", "/nas/disk", "/media/stick", "/net/disk"));
+}
+
 TEST(LinuxVolumes, ASlowServerIsToldByItsLateAnswerOnce) {
     const auto answersLeft = std::make_shared<std::atomic<int>>(0);
     LinuxVolumesSpace space(20ms, [answersLeft](const SpaceQuestion&) -> SpaceAnswer {
@@ -405,6 +430,8 @@ TEST(LinuxVolumes, ANumberDoesNotPassToAnotherMount) {
     EXPECT_EQ(platform.FSGetVolumeParms(other, buffer), noErr);
     EXPECT_EQ(platform.FSGetVolumeParms(50, buffer), ioErr) << "gone";
     EXPECT_EQ(numberOfSecond(stick), 50) << "back again";
+    EXPECT_GT(numberOfSecond("5 1 8:64 / /media/d rw - vfat /dev/sde rw"), 5)
+        << "that one is the memory's row";
     EXPECT_GT(numberOfSecond("4294967296 1 8:48 / /media/c rw - vfat /dev/sdd rw"), 0);
     IndexedVolume volume;
     EXPECT_EQ(platform.FSGetVolumeInfo(0, volume), nsvErr);

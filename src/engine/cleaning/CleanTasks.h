@@ -90,7 +90,7 @@ public:
 
     virtual void main() = 0;
     /// Any thread; also ends a pause.
-    virtual void cancel();
+    void cancel();
     [[nodiscard]] bool isCancelled() const;
 
 protected:

@@ -7,7 +7,6 @@
 
 #include "engine/base/Log.h"
 #include "engine/files/TreeRemoval.h"
-#include "engine/files/TreeSize.h"
 #include "platform/error.h"
 #include "platform/files.h"
 #include "platform/paths.h"
@@ -78,18 +77,19 @@ void SafeRemoval::removeHeld(const HeldEntry& held, const Asked& asked,
 bool SafeRemoval::removeFolder(const HeldEntry& held, const Asked& asked,
                                RemovalResult& result) const {
     TreeRemoval removal(m_files, held.path, asked.stop, result, asked.seen, &asked.own);
-    if (asked.seen != nullptr) result.addName(0, true);
+    if (asked.seen != nullptr) result.addBytes(0);
     removal.run(held.parent.get(), held.name, held.attributes);
     return removal.isOurs();
 }
 
 bool SafeRemoval::removeFile(const HeldEntry& held, OwnChanges& own, RemovalResult& result) const {
-    const bool isFirst = held.attributes.type == FileType::Regular && !own.touched(held.attributes);
+    const bool isCounted =
+        held.attributes.type != FileType::Regular || own.touched(held.attributes);
     const auto removal =
         own.removeName(m_files, held.parent.get(), held.name.c_str(), held.attributes);
     if (removal) {
         ++result.removed;
-        result.addName(countedSize(held.attributes), isFirst);
+        result.addBytes(isCounted ? 0 : held.attributes.size);
     } else if (removal.error() == ESTALE) {
         fail(result, held.path, StayReason::Changed, "changed since the scan");
     } else if (removal.error() != ENOENT) {

@@ -45,6 +45,15 @@ std::string standardizedPath(const std::string& path) {
     return plain;
 }
 
+// A volume that does not answer is asked for by its number and root all the same.
+bool standsAt(Volumes& platform, std::int16_t volRefNumber, const std::string& volRootDir) {
+    bool found = false;
+    IndexedVolume volume;
+    for (std::uint32_t index = 1; platform.FSGetVolumeInfo(index, volume) != nsvErr; ++index)
+        found = found || (volume.refNumber == volRefNumber && volume.rootPath == volRootDir);
+    return found;
+}
+
 }  // namespace
 
 std::string ejectFailureText(const EjectFailure& failure) {
@@ -66,6 +75,15 @@ bool VolumesManager::ejectSingleVolume(std::int16_t volRefNumber) {
     if (!failure) return true;
     m_failures.push_back(std::move(*failure));
     return false;
+}
+
+bool VolumesManager::ejectVolumeAt(std::int16_t volRefNumber, const std::string& volRootDir) {
+    if (standsAt(m_platform, volRefNumber, volRootDir)) ejectSingleVolume(volRefNumber);
+    else
+        m_failures = {
+            {volRefNumber, {}, volRootDir, nsvErr, {"The volume is not mounted any more", {}}}};
+    for (EjectFailure& each : m_failures) each.volRootDir = volRootDir;
+    return m_failures.empty();
 }
 
 std::int32_t VolumesManager::ejectAllVolumes() {

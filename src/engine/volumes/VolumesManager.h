@@ -46,6 +46,10 @@ public:
     /// volume is not spared by any rule of its own.
     std::int32_t ejectAllVolumes();
 
+    /// The same for the volume that somebody sees at this root: whatever came into its place, or
+    /// stands elsewhere under its number by now, stays. A failure has the root, too.
+    bool ejectVolumeAt(std::int16_t volRefNumber, const std::string& volRootDir);
+
     /// False for no path or an empty one, which touches nothing; else what the file manager says to
     /// the path in its plain form: without repeated slashes, ".", ".." and slashes at the end.
     bool openVolRootDir(const std::optional<std::string>& path);

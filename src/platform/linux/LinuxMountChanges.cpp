@@ -18,11 +18,16 @@ bool hasChanged(int file) {
     return ::poll(&question, 1, 0) > 0;
 }
 
+Descriptor openTable(const std::string& mountInfo) {
+    return Descriptor(::open(mountInfo.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+}
+
 }  // namespace
 
+Descriptor openMountNews() { return openTable(LinuxVolumePlaces().mountInfo); }
+
 LinuxMountChanges::LinuxMountChanges(LinuxVolumePlaces places)
-    : m_devices(places.sys, std::move(places.udev)),
-      m_file(::open(places.mountInfo.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+    : m_devices(places.sys, std::move(places.udev)), m_file(openTable(places.mountInfo)) {
     // The changes from nothing to what stands, which nobody asks for.
     static_cast<void>(look());
 }

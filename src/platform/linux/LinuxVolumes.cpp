@@ -18,6 +18,7 @@ namespace orrinvale {
 namespace {
 
 constexpr std::int16_t kBufferVersion = 3;  // the first with extended attributes
+constexpr std::int16_t kMemoryRow = 5;      // never a volume's number
 constexpr std::int16_t kLastNumber = std::numeric_limits<std::int16_t>::max();
 
 // In a changed root that is no mount of its own, the table does not hold "/".
@@ -41,7 +42,8 @@ LinuxVolumes::LinuxVolumes(LinuxVolumePlaces places, std::chrono::milliseconds p
     : m_mountInfo(std::move(places.mountInfo)),
       m_devices(places.sys, std::move(places.udev)),
       m_ejection(m_mountInfo, std::move(places.swaps), m_devices),
-      m_space(patience, std::move(askForSpace)) {}
+      m_askForSpace(std::move(askForSpace)),
+      m_space(patience, m_askForSpace) {}
 
 std::int32_t LinuxVolumes::FSGetVolumeInfo(std::uint32_t volumeIndex, IndexedVolume& answer) {
     const auto self = std::this_thread::get_id();
@@ -115,7 +117,8 @@ void LinuxVolumes::noteGone(const std::vector<MountEntry>& mounts, std::int16_t 
 }
 
 LinuxVolumes::Table LinuxVolumes::takeTable() {
-    auto mounts = chooseVolumes(parseMountInfo(readMountInfo(m_mountInfo).value_or(std::string())));
+    const auto mountTable = parseMountInfo(readMountInfo(m_mountInfo).value_or(std::string()));
+    auto mounts = chooseVolumes(mountTable);
     addMissingRoot(mounts);
     std::vector<Standing> all;
     all.reserve(mounts.size());
@@ -126,18 +129,30 @@ LinuxVolumes::Table LinuxVolumes::takeTable() {
     Table table;
     table.reserve(all.size());
     const std::lock_guard lock(m_mutex);
-    for (const Standing& each : all) table.push_back({each.mount, numberOf(each, all), {}});
+    for (const Standing& each : all)
+        table.push_back(
+            {each.mount, numberOf(each, all), {}, answersAtOnce(mountTable, each.mount)});
     return table;
 }
 
+// Threads cost wake-ups, of a machine that rests maybe, so that what can not wait is asked here.
 void LinuxVolumes::askForSpace(Table& table) {
     std::vector<SpaceQuestion> questions;
-    questions.reserve(table.size());
-    for (const Row& row : table)
-        questions.push_back(
-            {row.mount.id, ::makedev(row.mount.major, row.mount.minor), row.mount.point});
-    const auto answers = m_space.ask(questions);
-    for (std::size_t i = 0; i < table.size(); ++i) table[i].space = answers[i];
+    std::vector<Row*> asked;
+    for (Row& row : table) {
+        SpaceQuestion question{row.mount.id, ::makedev(row.mount.major, row.mount.minor),
+                               row.mount.point};
+        if (row.isAtOnce) {
+            row.space = m_askForSpace(question);
+        } else {
+            questions.push_back(std::move(question));
+            asked.push_back(&row);
+        }
+    }
+    if (!questions.empty()) {
+        const auto answers = m_space.ask(questions);
+        for (std::size_t i = 0; i < asked.size(); ++i) asked[i]->space = answers[i];
+    }
     std::erase_if(table, [](const Row& row) { return row.space.gone; });
 }
 
@@ -149,12 +164,13 @@ std::int16_t LinuxVolumes::numberOf(const Standing& standing, const std::vector<
         m_goneAlong.erase(number);  // back again
         return number;
     }
-    if (m_owners.size() >= static_cast<std::size_t>(kLastNumber)) forgetAllBut(all);
+    if (m_owners.size() + 1 >= static_cast<std::size_t>(kLastNumber)) forgetAllBut(all);
     std::int16_t number = kLastNumber;
     if (mount.id > 0 && mount.id <= static_cast<std::uint64_t>(kLastNumber))
         number = static_cast<std::int16_t>(mount.id);
-    if (m_owners.contains(number)) number = kLastNumber;
-    while (number > 0 && m_owners.contains(number)) --number;
+    const auto isTaken = [&] { return number == kMemoryRow || m_owners.contains(number); };
+    if (isTaken()) number = kLastNumber;
+    while (number > 0 && isTaken()) --number;
     m_owners[number] = standing;
     return number;
 }

@@ -32,11 +32,13 @@ struct LinuxVolumePlaces {
 /// The reference number of a mount is its id where that fits 16 bits and meant no other mount
 /// before in this object, so that other processes come to the same number; otherwise a free one,
 /// from the top. A number never passes to another mount as long as a free one is left, since
-/// somebody may still hold it to eject what it stood for.
+/// somebody may still hold it to eject what it stood for. None is ever 5, which is the memory's row
+/// in lists of volumes.
 ///
 /// A volume is called by its label; without one "/" is "System", and any other bears the name of
 /// its folder. FSGetVolumeInfo of index 1 takes the table and asks all volumes for their space, at
-/// most for a second altogether; the later indexes cost nothing. It leaves out what vanished
+/// most for a second altogether, and those whose figures the kernel has in memory without any
+/// other thread; the later indexes cost nothing. It leaves out what vanished
 /// meanwhile; what did not answer fails with ioErr, so that those behind it are still seen.
 /// FSGetVolumeParms knows every volume that is mounted; for any other number it gives ioErr, never
 /// nsvErr, which would end the walk of a caller for one volume's sake.
@@ -72,6 +74,7 @@ private:
         MountEntry mount;
         std::int16_t refNumber = 0;
         SpaceAnswer space;
+        bool isAtOnce = false;  ///< asking for its space never waits
     };
     using Table = std::vector<Row>;
 
@@ -85,6 +88,7 @@ private:
     const std::string m_mountInfo;
     const LinuxVolumesDevices m_devices;
     const LinuxVolumesEjection m_ejection;
+    const LinuxVolumesSpace::Ask m_askForSpace;
     LinuxVolumesSpace m_space;
 
     std::mutex m_mutex;                                               // guards all that follows

@@ -34,6 +34,9 @@ constexpr std::array<std::string_view, 6> ownDeviceTypes{"btrfs",   "zfs",   "bc
 // Folders of the machine that runs this one.
 constexpr std::array<std::string_view, 4> hostShareTypes{"9p", "virtiofs", "vboxsf", "prl_fs"};
 
+// FAT is not among them: it may read its whole table for the first answer.
+constexpr std::array<std::string_view, 9> countedTypes{"ext2", "ext3",  "ext4",  "xfs",   "btrfs",
+                                                       "f2fs", "tmpfs", "ramfs", "rootfs"};
 constexpr std::array<std::string_view, 3> personalPlaces{"/media", "/run/media", "/mnt"};
 constexpr std::array<std::string_view, 3> snapPlaces{"/snap", "/var/snap", "/var/lib/snapd"};
 constexpr std::array<std::string_view, 7> systemPlaces{"/proc", "/sys", "/dev", "/run",
@@ -199,6 +202,13 @@ std::string_view serverOfSource(std::string_view source) {
     const std::string_view host =
         bracket ? rest.substr(1, rest.find(']') - 1) : rest.substr(0, rest.find_first_of(":/"));
     return host.empty() ? source : host;
+}
+
+bool answersAtOnce(const std::vector<MountEntry>& table, const MountEntry& mount) {
+    return isOneOf(mount.type, countedTypes) &&
+           std::all_of(table.begin(), table.end(), [&](const MountEntry& each) {
+               return isOneOf(each.type, countedTypes) || !isWithin(mount.point, each.point);
+           });
 }
 
 std::uint32_t serverAddressOf(const MountEntry& mount) {

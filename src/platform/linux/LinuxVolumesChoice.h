@@ -36,6 +36,10 @@ using VolumeKey = std::tuple<std::uint32_t, std::uint32_t, std::string, std::str
 /// Whether another mount of the table hides this one, so that its path leads to the other.
 [[nodiscard]] bool isHiddenMount(const std::vector<MountEntry>& table, std::size_t index);
 
+/// Whether asking the mount how full it is never waits for a device, a program or a server: it is
+/// of a file system that keeps these figures in memory, and so is every mount on the way to it.
+[[nodiscard]] bool answersAtOnce(const std::vector<MountEntry>& table, const MountEntry& mount);
+
 /// Not 0 for a mount that a server gives: a number made of the server's name as it stands in the
 /// source. Nothing is looked up, and two servers may share a number; only whether it is 0 means
 /// something.

@@ -81,6 +81,19 @@ void VolumeWorker::ejectAllVolumes(Ejected ended) {
     });
 }
 
+void VolumeWorker::ejectVolume(std::int16_t volRefNumber, std::string volRootDir,
+                               std::string volumeName, Ejected ended) {
+    add([volRefNumber, root = std::move(volRootDir), name = std::move(volumeName),
+         ended = std::move(ended)](Volumes& platform) -> std::function<void()> {
+        VolumesManager manager(platform, {});
+        manager.ejectVolumeAt(volRefNumber, root);
+        auto failures = manager.failures();
+        for (EjectFailure& each : failures) each.volumeName = name;
+        const std::int32_t status = failures.empty() ? noErr : failures.front().status;
+        return [ended, status, failures = std::move(failures)] { ended(status, failures); };
+    });
+}
+
 void VolumeWorker::hasEjectable(std::function<void(bool)> answered) {
     add([answered = std::move(answered)](Volumes& platform) -> std::function<void()> {
         VolumesInfo info(platform);

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "engine/volumes/VolumesManager.h"
@@ -30,6 +31,10 @@ public:
 
     /// As VolumesManager::ejectAllVolumes().
     void ejectAllVolumes(Ejected ended);
+
+    /// As VolumesManager::ejectVolumeAt(); at most one failure, which bears this name.
+    void ejectVolume(std::int16_t volRefNumber, std::string volRootDir, std::string volumeName,
+                     Ejected ended);
 
     /// Whether there is anything to eject at the moment.
     void hasEjectable(std::function<void(bool)> answered);

@@ -46,6 +46,23 @@ TEST(VolumesManager, NothingToEjectIsNoFailure) {
     EXPECT_TRUE(manager.failures().empty());
 }
 
+TEST(VolumesManager, ANumberEjectsOnlyWhatIsSeenAtItsRoot) {
+    FakeVolumes platform;
+    platform.volumes = {volume(1, "/c", true), volume(2, "/d", true), volume(3, "/dead", true)};
+    platform.volumes[2].infoStatus = ioErr;
+    VolumesManager manager(platform, {});
+    EXPECT_FALSE(manager.ejectVolumeAt(1, "/d")) << "the numbers have moved on";
+    EXPECT_FALSE(manager.ejectVolumeAt(4, "/c"));
+    ASSERT_EQ(manager.failures().size(), 1U);
+    EXPECT_EQ(manager.failures()[0].volRootDir, "/c");
+    EXPECT_EQ(manager.failures()[0].status, nsvErr);
+    EXPECT_TRUE(platform.ejectedNumbers.empty());
+    EXPECT_TRUE(manager.ejectVolumeAt(2, "/d"));
+    EXPECT_TRUE(manager.ejectVolumeAt(3, "/dead")) << "also one that does not answer";
+    EXPECT_EQ(platform.ejectedNumbers, (std::vector<std::int16_t>{2, 3}));
+    EXPECT_TRUE(manager.failures().empty());
+}
+
 TEST(VolumesManager, OneVolumeIsEjectedOrItsFailureKept) {
     FakeVolumes platform;
     platform.volumes = {volume(1, "/dead", true), volume(2, "/a", false)};

@@ -1,0 +1,120 @@
+// The comparisons first, then the look, which puts the records of a walk beside the rows that the
+// platform told, those without an answer included.
+#include "engine/volumes/SystemSight.h"
+
+#include <algorithm>
+#include <array>
+#include <tuple>
+#include <utility>
+
+#include "engine/text/UtilityFunction.h"
+#include "engine/volumes/SpaceLevel.h"
+#include "platform/ForwardingVolumes.h"
+#include "platform/error.h"
+
+namespace orrinvale {
+namespace {
+
+auto placeOf(const ZvVolumeInfo& volume) {
+    return std::tie(volume.volRefNumber, volume.volRootDir);
+}
+
+// Both shares that are shown somewhere: the free one is truncated, the used one rounded up.
+auto percentsOf(const ZvVolumeInfo& volume) {
+    const VolumeSpace space = spaceOf(volume);
+    return std::pair(freePercent(space), usedPercent(space));
+}
+
+bool showsSame(const SeenVolume& a, const SeenVolume& b) {
+    const auto shown = [](const SeenVolume& each) {
+        const ZvVolumeInfo& volume = *each.record;
+        return std::tie(volume.volRefNumber, volume.volRootDir, volume.volType,
+                        volume.bIsDefaultVol, volume.volumeName, volume.freeSpace,
+                        volume.totalSpace, volume.bCanEject, each.silence);
+    };
+    return shown(a) == shown(b) && percentsOf(*a.record) == percentsOf(*b.record);
+}
+
+}  // namespace
+
+bool hasSameSequence(const SystemSight& a, const SystemSight& b) {
+    return std::ranges::equal(a.volumes, b.volumes,
+                              [](const SeenVolume& one, const SeenVolume& other) {
+                                  return placeOf(*one.record) == placeOf(*other.record);
+                              });
+}
+
+bool showsSameVolumes(const SystemSight& a, const SystemSight& b) {
+    return std::ranges::equal(a.volumes, b.volumes, showsSame);
+}
+
+bool showsSameMemory(const SystemSight& a, const SystemSight& b) {
+    if (a.memory.has_value() != b.memory.has_value() ||
+        a.memoryState.has_value() != b.memoryState.has_value())
+        return false;
+    const auto text = &UtilityFunction::covertCleanMemory;
+    const auto counts = [&](const _MEMORY_INFO& info) {
+        return std::array{text(info.freeMem),  text(info.inactiveMem), text(info.activeMem),
+                          text(info.wiredMem), text(info.usedMem),     text(info.totalMem)};
+    };
+    const auto state = [&](const MemoryState& each) {
+        return std::tuple(text(each.available), text(each.swapTotal), text(each.swapUsed),
+                          each.pressure);
+    };
+    return (!a.memory || counts(*a.memory) == counts(*b.memory)) &&
+           (!a.memoryState || state(*a.memoryState) == state(*b.memoryState));
+}
+
+const SeenVolume* findVolume(const SystemSight& sight, std::int16_t volRefNumber,
+                             const std::string& volRootDir) {
+    const auto found = std::ranges::find_if(sight.volumes, [&](const SeenVolume& each) {
+        return placeOf(*each.record) == std::tie(volRefNumber, volRootDir);
+    });
+    return found == sight.volumes.end() ? nullptr : &*found;
+}
+
+// A walk of VolumesInfo has no place for what does not answer, so its questions are looked at.
+class VolumeLook::RowNotes final : public ForwardingVolumes {
+public:
+    struct Row {
+        std::int16_t refNumber = 0;
+        std::string root;
+        std::string silence;
+    };
+
+    using ForwardingVolumes::ForwardingVolumes;
+
+    std::int32_t FSGetVolumeInfo(std::uint32_t volumeIndex, IndexedVolume& answer) override {
+        if (volumeIndex == 1) rows.clear();
+        const std::int32_t status = ForwardingVolumes::FSGetVolumeInfo(volumeIndex, answer);
+        if (status == nsvErr) return status;
+        rows.push_back({answer.refNumber, answer.rootPath, {}});
+        if (status != noErr)
+            rows.back().silence = systemError("statfs", {}, answer.errorNumber).reason();
+        return status;
+    }
+
+    std::vector<Row> rows;  // of the latest walk
+};
+
+VolumeLook::VolumeLook(Volumes& platform) : m_notes(std::make_unique<RowNotes>(platform)) {}
+
+VolumeLook::~VolumeLook() = default;
+
+std::vector<SeenVolume> VolumeLook::take() {
+    const VolumesInfo::VolumeArray& records =
+        m_info ? m_info->getAllVolsInfo() : m_info.emplace(*m_notes).volsArray();
+    const SystemSight last{std::exchange(m_last, {}), {}, {}};
+    auto record = records.begin();
+    for (const RowNotes::Row& row : m_notes->rows) {
+        const bool hasRecord =
+            record != records.end() && placeOf(**record) == std::tie(row.refNumber, row.root);
+        if (hasRecord) m_last.push_back({*record++, {}});
+        if (hasRecord || row.silence.empty()) continue;
+        if (const SeenVolume* const known = findVolume(last, row.refNumber, row.root))
+            m_last.push_back({known->record, row.silence});
+    }
+    return m_last;
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,70 @@
+// SystemSight: what one look at the volumes and the memory saw, and what two looks differ in.
+// VolumeLook takes the looks; services/volumes/SystemWatch.h takes one every two seconds for all
+// that show volumes.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "engine/memory/MemoryInfo.h"
+#include "engine/volumes/VolumesInfo.h"
+#include "engine/volumes/ZvVolumeInfo.h"
+#include "platform/memory.h"
+#include "platform/volumes.h"
+
+namespace orrinvale {
+
+/// One volume, and whether it answered.
+struct SeenVolume {
+    std::shared_ptr<const ZvVolumeInfo> record;  ///< never null
+    /// Why it did not answer, in the system's English words; empty when it did. The record is that
+    /// of its last answer then.
+    std::string silence{};
+};
+
+/// Of a part that nobody wanted to know the last look is kept, or there is nothing.
+struct SystemSight {
+    std::vector<SeenVolume> volumes;  ///< in the platform's order
+    std::optional<_MEMORY_INFO> memory;
+    std::optional<MemoryState> memoryState;
+};
+
+/// Whether both have the same volumes at the same places: the sequence of reference number and
+/// root. A count would not do: one that came while another went must never stand in its row.
+[[nodiscard]] bool hasSameSequence(const SystemSight& a, const SystemSight& b);
+
+/// Whether nobody could see a difference: sequence, names, texts of sizes, percentages, groups,
+/// ejection, silence.
+[[nodiscard]] bool showsSameVolumes(const SystemSight& a, const SystemSight& b);
+
+/// Likewise of the memory's figures.
+[[nodiscard]] bool showsSameMemory(const SystemSight& a, const SystemSight& b);
+
+/// Null where no volume has this number and this root.
+[[nodiscard]] const SeenVolume* findVolume(const SystemSight& sight, std::int16_t volRefNumber,
+                                           const std::string& volRootDir);
+
+/// Takes looks at the volumes. One that answered once and does not answer now stays in its place,
+/// with the figures of its last answer; one that never answered is not seen. One thread.
+class VolumeLook final {
+public:
+    /// `platform` outlives the object.
+    explicit VolumeLook(Volumes& platform);
+    ~VolumeLook();
+    VolumeLook(const VolumeLook&) = delete;
+    VolumeLook& operator=(const VolumeLook&) = delete;
+
+    /// Waits for the platform as a walk of VolumesInfo does.
+    [[nodiscard]] std::vector<SeenVolume> take();
+
+private:
+    class RowNotes;
+
+    const std::unique_ptr<RowNotes> m_notes;
+    std::optional<VolumesInfo> m_info;  // from the first look on
+    std::vector<SeenVolume> m_last;
+};
+
+}  // namespace orrinvale

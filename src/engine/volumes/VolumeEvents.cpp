@@ -1,0 +1,55 @@
+// Two looks side by side, by reference number and root.
+#include "engine/volumes/VolumeEvents.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "engine/volumes/SpaceLevel.h"
+
+namespace orrinvale {
+namespace {
+
+using Kind = VolumeEvent::Kind;
+
+const SeenVolume* sameIn(const SystemSight& sight, const ZvVolumeInfo& volume) {
+    return findVolume(sight, volume.volRefNumber, volume.volRootDir);
+}
+
+}  // namespace
+
+bool VolumeEvents::hasMoved(const ZvVolumeInfo& before, const ZvVolumeInfo& now) const {
+    const VolumeSpace old = spaceOf(before);
+    const VolumeSpace space = spaceOf(now);
+    const std::uint64_t moved = std::max(old.free, space.free) - std::min(old.free, space.free);
+    return moved > 0 && (moved >= space.total / 100 ||
+                         isShortOfSpace(old, m_level) != isShortOfSpace(space, m_level));
+}
+
+std::vector<VolumeEvent> VolumeEvents::take(const std::vector<SeenVolume>& now) {
+    const SystemSight sight{now, {}, {}};
+    const SystemSight before = std::exchange(m_told, sight);
+    std::vector<VolumeEvent> events;
+    if (std::exchange(m_isFirst, false)) return events;
+    for (const SeenVolume& each : before.volumes)
+        if (sameIn(sight, *each.record) == nullptr) events.push_back({Kind::Unmount, each.record});
+    for (SeenVolume& each : m_told.volumes) {
+        const SeenVolume* const known = sameIn(before, *each.record);
+        if (known == nullptr) {
+            events.push_back({Kind::Mount, each.record});
+            continue;
+        }
+        if (known->record->volumeName != each.record->volumeName)
+            events.push_back({Kind::Rename, each.record});
+        if (hasMoved(*known->record, *each.record)) {
+            events.push_back({Kind::Free, each.record});
+            continue;
+        }
+        // The figures stay those that were told; of the rest the newest is known.
+        auto told = std::make_shared<ZvVolumeInfo>(*known->record);
+        told->volumeName = each.record->volumeName;
+        each.record = std::move(told);
+    }
+    return events;
+}
+
+}  // namespace orrinvale
