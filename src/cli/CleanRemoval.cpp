@@ -1,11 +1,10 @@
-// What is gained is measured and not added up: the free space of each file system before and after.
+// The job is waited for, and its outcome put together for the report.
 #include "cli/CleanRemoval.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <future>
-#include <map>
 #include <optional>
 #include <utility>
 
@@ -13,34 +12,14 @@
 #include "engine/base/saturating.h"
 #include "engine/cleaning/CleanList.h"
 #include "engine/cleaning/ParseFileLog.h"
+#include "engine/cleaning/SpaceGain.h"
 #include "engine/removal/PlainDoor.h"
 #include "engine/removal/RemovalJob.h"
 #include "engine/settings/UserFolders.h"
-#include "platform/freeSpace.h"
 #include "platform/linux/ProgramFiles.h"
-#include "platform/paths.h"
 
 namespace orrinvale::cli {
 namespace {
-
-// One folder for each file system that the rows lie on.
-std::vector<std::string> groundsOf(const std::vector<CleanRow>& rows) {
-    std::map<std::uint64_t, std::string> byDevice;
-    for (const CleanRow& row : rows) byDevice.try_emplace(row.identity.device, folderOf(row.path));
-    std::vector<std::string> out;
-    for (auto& [device, folder] : byDevice) out.push_back(std::move(folder));
-    return out;
-}
-
-std::optional<std::int64_t> freeSpaceOf(const std::vector<std::string>& folders) {
-    std::int64_t sum = 0;
-    for (const std::string& folder : folders) {
-        const auto free = settledFreeSpace(folder);
-        if (!free) return std::nullopt;
-        sum += static_cast<std::int64_t>(*free);
-    }
-    return sum;
-}
 
 std::vector<CleanRow> rowsOf(const std::vector<ScannedCategory>& scanned) {
     std::vector<CleanRow> rows;
@@ -89,8 +68,8 @@ CleanRemovalResult removeRows(const CleanParts& parts, const std::vector<Scanned
     CleanRemovalResult result;
     const auto list = std::make_shared<CleanList>(parts, rowsOf(scanned));
     for (const CleanRow& row : list->rows()) addSaturating(result.outcome.promised, row.onDisk);
-    const auto grounds = groundsOf(list->rows());
-    const auto before = freeSpaceOf(grounds);
+    SpaceGain gain(list->rows());
+    gain.begin();
     WaitingQueue queue;
     std::optional<RemovalOutcome> ending;
     {
@@ -132,8 +111,7 @@ CleanRemovalResult removeRows(const CleanParts& parts, const std::vector<Scanned
     if (!result.outcome.removed.empty() || result.goneBytes > 0)
         static_cast<void>(
             ParseFileLog(userStateFolder()).setSize(result.goneBytes, FileLog().date.value()));
-    const auto after = freeSpaceOf(grounds);
-    if (before && after) result.outcome.gained = *after - *before;
+    result.outcome.gained = gain.gained();
     return result;
 }
 

@@ -80,6 +80,12 @@ void note(const std::string& path, const std::string& reason) {
     Log::line(fmt::format("Clean deletable file failed: {}-{}", path, reason));
 }
 
+// As a listing counts it.
+std::uint64_t lengthOf(const EntryIdentity& entry) {
+    const bool isCounted = entry.type == FileType::Regular || entry.type == FileType::SymbolicLink;
+    return isCounted ? entry.size : 0;
+}
+
 bool lacksRights(const RemovalResult& result) {
     return std::any_of(result.failures.begin(), result.failures.end(),
                        [](const StayedEntry& each) { return each.kind == StayReason::Rights; });
@@ -142,9 +148,8 @@ RemovalResult AuthorizedDoor::remove(const LeavingEntry& entry, const std::atomi
         if (!QnAuthorization::shareQnAuthorization().isValidAuth || !removeRefused(entry, result))
             break;
         if (result.gone) break;
-        const std::uint64_t removed = result.removed;
-        result = removePlainly(entry, stop);
-        result.removed += removed;
+        const RemovalResult earlier = std::exchange(result, removePlainly(entry, stop));
+        result.addEarlier(earlier);
     }
     if (isTried || result.refused) note(entry.path, first);
     return result;
@@ -164,6 +169,8 @@ bool AuthorizedDoor::removeRefused(const LeavingEntry& entry, RemovalResult& res
         if (!runTool(entry, refused)) continue;
         tookAny = true;
         ++result.removed;
+        if (entry.seen != nullptr && refused.identity)
+            result.addName(lengthOf(*refused.identity), true);
         result.gone = result.gone || refused.path == entry.path;
     }
     if (result.gone) {

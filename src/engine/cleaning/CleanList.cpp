@@ -30,6 +30,7 @@ CleanList::CleanList(const CleanParts& parts, std::vector<CleanRow> rows)
       m_count(m_rows.size(), 1),
       m_left(m_rows.size(), 1),
       m_isKept(m_rows.size(), false),
+      m_isBegun(m_rows.size(), false),
       m_goneBytes(m_rows.size(), 0) {}
 
 CleanList::~CleanList() = default;
@@ -159,8 +160,9 @@ std::optional<StayedEntry> CleanList::objectionTo(const Entry& entry) {
 
 void CleanList::settled(std::size_t index, const RemovalResult& result) {
     const Entry& entry = m_entries[index];
-    addSaturating(m_goneBytes[entry.row],
-                  result.gone && !result.byOthers ? bytes(index) : result.bytes.value_or(0));
+    const bool isOurs = result.gone && !result.byOthers;
+    addSaturating(m_goneBytes[entry.row], result.lengths.value_or(isOurs ? bytes(index) : 0));
+    if (result.removed > 0) m_isBegun[entry.row] = true;
     if (result.gone) {
         --m_left[entry.row];
         if (entry.isRow && !result.byOthers) removeTrashRecord(entry.path);

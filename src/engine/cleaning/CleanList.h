@@ -48,15 +48,14 @@ public:
     /// Whether a rule keeps the row as a whole by now.
     [[nodiscard]] bool isKept(std::size_t row) const { return m_isKept.at(row); }
     /// Rules keep also what changed or came since the scan, which is no failure either.
-    [[nodiscard]] static bool isByRule(StayReason reason) {
-        return reason == StayReason::Kept || reason == StayReason::Changed ||
-               reason == StayReason::CameLater;
-    }
+    [[nodiscard]] static bool isByRule(StayReason reason) { return orrinvale::isByRule(reason); }
     /// Whether anything stayed that no rule keeps.
     [[nodiscard]] bool hasFailed() const { return m_hasFailed; }
-    /// Bytes of the entries that went by us, as the rows count them; of rows that went in part,
-    /// what went.
+    /// Whether anything of the row went by us.
+    [[nodiscard]] bool isBegun(std::size_t row) const { return m_isBegun.at(row); }
+    /// Lengths of what went by us, each name of a file counted, as the rows count them.
     [[nodiscard]] std::uint64_t goneBytes() const;
+    /// Of one row; also while the removal runs, once all entries of the row have been told.
     [[nodiscard]] std::uint64_t goneBytes(std::size_t row) const { return m_goneBytes.at(row); }
 
 private:
@@ -84,6 +83,7 @@ private:
     std::vector<std::size_t> m_count;  // entries of each row
     std::vector<std::size_t> m_left;   // entries of each row that are not gone
     std::vector<bool> m_isKept;        // rows
+    std::vector<bool> m_isBegun;       // rows
     bool m_hasFailed = false;
     std::vector<std::uint64_t> m_goneBytes;  // of each row
     std::unique_ptr<CleanRules> m_rules;

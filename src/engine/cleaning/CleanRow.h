@@ -27,6 +27,7 @@ struct CleanRow {
     KeptBecause kept = KeptBecause::Nothing;  ///< why it stays, in whole or in part
     std::string_view keptWords;
     bool goesWhole = true;                    ///< else file by file, and folders stay
+    bool isBegun = false;                     ///< a removal took a part of it since
     std::shared_ptr<const SeenEntries> seen;  ///< of a folder: what the scan saw in it and may go
 
     [[nodiscard]] bool staysWhole() const { return kept < KeptBecause::Rule; }

@@ -90,7 +90,7 @@ public:
 
     virtual void main() = 0;
     /// Any thread; also ends a pause.
-    void cancel();
+    virtual void cancel();
     [[nodiscard]] bool isCancelled() const;
 
 protected:

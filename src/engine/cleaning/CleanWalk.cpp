@@ -99,7 +99,8 @@ CleanWalk::CleanWalk(const FileSystem& files, const CleanGround& ground, const W
     : FolderWalk(files, watch.stop, watch.skipped),
       m_ground(ground),
       m_watch(watch),
-      m_isOfTheSystem(ground.places->isOfTheSystem(ground.real)) {}
+      m_isOfTheSystem(ground.places->isOfTheSystem(ground.real)),
+      m_isUserCache(ground.rules == CleanCategory::UserCaches) {}
 
 CleanWalk::~CleanWalk() = default;
 
@@ -152,9 +153,8 @@ void CleanWalk::walkRow(RowState& state, Descriptor folder) {
 }
 
 KeptBecause CleanWalk::askAgain(const CleanRow& row, int parent, std::vector<File>* going) {
-    m_isAskedAgain = true;
+    m_former = &row;
     m_going = going;
-    m_seen = row.seen.get();
     const std::string name(lastPathComponent(row.path));
     const auto now = m_files.attributes(parent, name.c_str(), Links::Keep);
     if (!now) return unlessGone(now.error());
@@ -257,10 +257,12 @@ void CleanWalk::takeRow(Worker& worker, Here& here, CatalogEntry& entry, std::ui
     addFound(worker, here, found.release(), nullptr);
 }
 
-// Of an entry of a known kind with a plain name nothing has to be known a second time.
+// Of an entry of a known kind with a plain name nothing has to be known a second time, but whether
+// a program works with its cache: writing in place shows nowhere else.
 bool CleanWalk::needsNoLook(const RowState& row, const CatalogEntry& entry) const {
-    return m_isAskedAgain && row.row.goesWhole && entry.type != FileType::Unknown &&
-           entry.type != FileType::Folder && !CleanablePlaces::isJudgedBySize(entry.name);
+    return m_former != nullptr && !m_isUserCache && row.row.goesWhole &&
+           entry.type != FileType::Unknown && entry.type != FileType::Folder &&
+           !CleanablePlaces::isJudgedBySize(entry.name);
 }
 
 void CleanWalk::takeEntry(Worker& worker, Here& here, CatalogEntry& entry, Tally& tally) {
@@ -273,7 +275,9 @@ void CleanWalk::takeEntry(Worker& worker, Here& here, CatalogEntry& entry, Tally
         return skip("attributes", pathOf(here, entry.name), entry.error);
     }
     const FileAttributes& now = entry.attributes;
-    tally.newest = std::max(tally.newest, ageOf(now, m_ground.now));
+    // Those of files are compared with what the scan saw, then.
+    if (m_former == nullptr || now.type == FileType::Folder)
+        tally.newest = std::max(tally.newest, ageOf(now, m_ground.now));
     if (!here.isKept)
         tally.note(CleanablePlaces::keepsRow(m_ground.rules, entry.name, now.type, now.size));
     if (now.type == FileType::Folder) takeFolder(worker, here, entry, tally);
@@ -293,7 +297,8 @@ void CleanWalk::takeFolder(Worker& worker, Here& here, const CatalogEntry& entry
     found->inode = now.inode;
     if (!found->isKept) {
         if (here.row->row.goesWhole) addSaturating(tally.onDisk, now.onDisk);
-        tally.seen.emplace_back(found->key, SeenState::of(now));
+        if (m_former == nullptr) tally.seen.emplace_back(found->key, SeenState::of(now));
+        else compare(found->key, now, tally);
     }
     addFound(worker, here, found.release(), nullptr);
 }
@@ -309,15 +314,26 @@ void CleanWalk::takeFile(const Here& here, const CatalogEntry& entry, Tally& tal
     else addSaturating(tally.onDisk, now.onDisk);
     if (here.row->seen == nullptr) return;
     const auto key = here.row->seen->keyOf(here.key, entry.name, now.inode);
-    if (m_going == nullptr) {
-        tally.seen.emplace_back(key, SeenState::of(now));
-    } else {
-        EntryIdentity identity = EntryIdentity::of(now);
-        identity.inodePasses = m_ground.inodesPass;
-        tally.going.push_back({pathOf(here, entry.name), identity,
-                               m_seen != nullptr ? m_seen->verdictOn(key, SeenState::of(now))
-                                                 : SeenEntries::Verdict::Unseen});
-    }
+    if (m_former == nullptr) return void(tally.seen.emplace_back(key, SeenState::of(now)));
+    compare(key, now, tally);
+    if (m_going == nullptr) return;
+    EntryIdentity identity = EntryIdentity::of(now);
+    identity.inodePasses = m_ground.inodesPass;
+    tally.going.push_back({pathOf(here, entry.name), identity, verdictOn(key, now)});
+}
+
+SeenEntries::Verdict CleanWalk::verdictOn(SeenEntries::Key key, const FileAttributes& now) const {
+    return m_former->seen != nullptr ? m_former->seen->verdictOn(key, SeenState::of(now))
+                                     : SeenEntries::Verdict::Unseen;
+}
+
+// A file whose time of change alone is new may be so by our own doing: its other name went.
+void CleanWalk::compare(SeenEntries::Key key, const FileAttributes& now, Tally& tally) const {
+    if (!m_isUserCache) return;
+    const auto verdict = verdictOn(key, now);
+    const bool isWritten =
+        verdict == SeenEntries::Verdict::Changed && now.modified > m_former->newest;
+    if (isWritten || verdict == SeenEntries::Verdict::Unseen) tally.note(KeptBecause::Changed);
 }
 
 // Whether a single entry stays, and what is in it, while the rest of its row may go.
@@ -393,14 +409,16 @@ void CleanWalk::fold(RowState& state, Tally& tally) {
     tally.note(row.kept, row.keptWords);
     row.kept = tally.kept;
     row.keptWords = tally.words;
-    if (m_going == nullptr)
-        for (const auto& [key, entry] : tally.seen) state.seen->add(key, entry);
-    else std::move(tally.going.begin(), tally.going.end(), std::back_inserter(*m_going));
+    for (const auto& [key, entry] : tally.seen) state.seen->add(key, entry);
+    if (m_going != nullptr)
+        std::move(tally.going.begin(), tally.going.end(), std::back_inserter(*m_going));
 }
 
+// The times of folders that we removed from tell of nobody else.
 void CleanWalk::finish(RowState& state) {
     CleanRow& row = state.row;
-    if (m_ground.rules == CleanCategory::UserCaches && m_ground.now - row.newest < freshFor &&
+    const bool isOurs = m_former != nullptr && m_former->isBegun;
+    if (m_isUserCache && !isOurs && m_ground.now - row.newest < freshFor &&
         KeptBecause::Fresh < row.kept) {
         row.kept = KeptBecause::Fresh;
         row.keptWords = wordsOf(row.kept);

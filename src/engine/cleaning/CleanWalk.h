@@ -67,9 +67,10 @@ public:
     /// The row of one entry of it alone, by its name in the open folder.
     [[nodiscard]] CleanRow one(int parent, const std::string& name, const FileAttributes& entry);
 
-    /// Asks again about a row whose entry stands still: why it stays now, or Nothing. Files that
-    /// are not new are not looked at one by one, since the removal itself does that. With `going`
-    /// it gets each file of the row that may go by the rules.
+    /// Asks again about a row whose entry stands still: why it stays now, or Nothing. A cache of
+    /// the user's stays whole where anything in it came or was written to since; of other rows
+    /// files are not looked at one by one, since the removal itself does that. With `going` it gets
+    /// each file of the row that may go by the rules.
     [[nodiscard]] KeptBecause askAgain(const CleanRow& row, int parent, std::vector<File>* going);
 
 private:
@@ -84,6 +85,9 @@ private:
     void takeEntry(Worker& worker, Here& here, CatalogEntry& entry, Tally& tally);
     void takeFolder(Worker& worker, Here& here, const CatalogEntry& entry, Tally& tally);
     void takeFile(const Here& here, const CatalogEntry& entry, Tally& tally);
+    [[nodiscard]] SeenEntries::Verdict verdictOn(SeenEntries::Key key,
+                                                 const FileAttributes& now) const;
+    void compare(SeenEntries::Key key, const FileAttributes& now, Tally& tally) const;
     [[nodiscard]] bool needsNoLook(const RowState& row, const CatalogEntry& entry) const;
     [[nodiscard]] bool isOfToday(const CatalogEntry& entry) const;
     [[nodiscard]] bool staysByItself(const Here& here, const CatalogEntry& entry, Tally& tally);
@@ -99,9 +103,9 @@ private:
     const CleanGround& m_ground;
     const Watch m_watch;
     const bool m_isOfTheSystem;
-    bool m_isAskedAgain = false;
+    const bool m_isUserCache;
+    const CleanRow* m_former = nullptr;  // that is asked about again, as the scan saw it
     std::vector<File>* m_going = nullptr;
-    const SeenEntries* m_seen = nullptr;  // of the row that is asked about again
 
     std::mutex m_mutex;  // guards what follows
     std::vector<std::unique_ptr<RowState>> m_rows;

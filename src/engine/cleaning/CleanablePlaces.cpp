@@ -221,6 +221,7 @@ std::string_view wordsOf(KeptBecause reason) {
         case KeptBecause::HiddenProgram:
             return "its program runs, and does not show what it has open";
         case KeptBecause::Fresh: return "changed in the last 10 minutes";
+        case KeptBecause::Changed: return "changed since the scan";
         case KeptBecause::Document: return "a document is in it";
         case KeptBecause::Repository: return "a repository is in it";
         case KeptBecause::PasswordSafe: return "a password safe is in it";

@@ -20,6 +20,7 @@ enum class KeptBecause : std::uint8_t {
     Open,           ///< a program has something of it open
     HiddenProgram,  ///< a program of its name runs, and does not show what it has open
     Fresh,          ///< changed a moment ago
+    Changed,        ///< changed since the scan that offered it
     Document,
     Repository,
     PasswordSafe,

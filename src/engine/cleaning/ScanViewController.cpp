@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <map>
 #include <set>
 #include <system_error>
 #include <thread>
@@ -267,10 +268,14 @@ void ScanViewController::takeCleanNews() {
 }
 
 void ScanViewController::rowIsGone(std::size_t row) {
-    const CleanRow& gone = m_clean->m_list->rows()[row];
-    takeFromTotal(gone.bytes);
-    iCleanSize += gone.bytes;
-    m_clean->m_leaving.insert(gone.path);
+    const CleanList& list = *m_clean->m_list;
+    countGone(list.goneBytes(row));
+    m_clean->m_leaving.insert(list.rows()[row].path);
+}
+
+void ScanViewController::countGone(std::uint64_t bytes) {
+    takeFromTotal(bytes);
+    iCleanSize += bytes;
 }
 
 // The total is what its own text says, with the rounding of that.
@@ -282,23 +287,49 @@ void ScanViewController::takeFromTotal(std::uint64_t bytes) {
 void ScanViewController::finishClean() {
     const std::unique_ptr<Clean> clean = std::move(m_clean);
     const CleanList& list = *clean->m_list;
+    std::map<std::string_view, std::uint64_t> begun;  // what went of rows that stay, by their paths
     for (std::size_t i = 0; i < list.rows().size(); ++i) {
         const CleanRow& row = list.rows()[i];
         if (clean->m_leaving.contains(row.path)) continue;
-        iCleanSize += list.goneBytes(i);
-        if (!list.isKept(i) && !list.isDone(i)) continue;
-        takeFromTotal(row.bytes);
-        clean->m_leaving.insert(row.path);
+        const std::uint64_t gone = list.goneBytes(i);
+        if (gone > 0) countGone(gone);
+        if (list.isKept(i) || list.isDone(i)) {
+            takeFromTotal(std::max(row.bytes, gone) - gone);
+            clean->m_leaving.insert(row.path);
+        } else if (list.isBegun(i)) {
+            begun.emplace(row.path, gone);
+        }
     }
-    const auto leaves = [&](const std::string& path) { return clean->m_leaving.contains(path); };
-    if (scanFiles && !clean->m_leaving.empty()) {
-        std::erase_if(*scanFiles, [&](const auto& row) { return leaves(row->path); });
-        std::erase_if(selDelFiles, [&](const auto& row) { return leaves(row->path); });
-        std::erase_if(m_listing.rows, [&](const CleanRow& row) { return leaves(row.path); });
+    if (scanFiles && (!begun.empty() || !clean->m_leaving.empty())) {
+        shrinkRows(begun);
+        dropRows(clean->m_leaving);
         scanFilesChange.post(m_changes, true);
     }
     cleanFinished = true;
     cleanFinishedChange.post(m_changes, true);
+}
+
+void ScanViewController::shrinkRows(const std::map<std::string_view, std::uint64_t>& begun) {
+    for (CleanRow& row : m_listing.rows)
+        if (const auto found = begun.find(row.path); found != begun.end()) {
+            row.isBegun = true;
+            row.bytes = std::max(row.bytes, found->second) - found->second;
+        }
+    for (const auto& info : *scanFiles)
+        if (const auto found = begun.find(info->path); found != begun.end()) {
+            info->fileSizeNum = std::max(info->fileSizeNum, found->second) - found->second;
+            info->size = UtilityFunction::convertVolSpace(info->fileSizeNum);
+        }
+}
+
+void ScanViewController::dropRows(const std::set<std::string>& leaving) {
+    const auto leaves = [&](const auto& row) { return leaving.contains(row->path); };
+    std::erase_if(*scanFiles, leaves);
+    std::erase_if(selDelFiles, leaves);
+    std::erase_if(m_listing.rows, [&](const CleanRow& row) { return leaving.contains(row.path); });
+    // Of rows that others took a part of, less went than was listed.
+    if (scanFiles->empty() && UtilityFunction::getVolSpaceFromString(filesSize) > 0)
+        setFilesSize(0);
 }
 
 }  // namespace orrinvale

@@ -5,8 +5,10 @@
 #include <any>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -138,8 +140,11 @@ private:
     void scanTaskFinished(CategoryListing listing);
     void takeCleanNews();
     void rowIsGone(std::size_t row);
+    void countGone(std::uint64_t bytes);
     void takeFromTotal(std::uint64_t bytes);
     void finishClean();
+    void shrinkRows(const std::map<std::string_view, std::uint64_t>& begun);
+    void dropRows(const std::set<std::string>& leaving);
 
     const ScanViewParts m_parts;
     NotificationCenter m_changes;

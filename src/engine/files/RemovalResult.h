@@ -33,6 +33,13 @@ enum class StayReason : std::uint8_t {
     return error == EACCES || error == EPERM ? StayReason::Rights : StayReason::System;
 }
 
+/// Whether a rule of cleaning is behind it, which is no failure: what changed or came since the
+/// scan stays by rule as well.
+[[nodiscard]] inline bool isByRule(StayReason reason) {
+    return reason == StayReason::Kept || reason == StayReason::Changed ||
+           reason == StayReason::CameLater;
+}
+
 /// One entry that is still there.
 struct StayedEntry {
     std::string path;    ///< exact bytes
@@ -59,12 +66,27 @@ struct RemovalResult {
     std::optional<std::uint64_t> bytes =
         std::nullopt;  ///< lengths of the files that went, each once however many of its names
                        ///< went; not known of a folder that goes with all that is in it
+    std::optional<std::uint64_t> lengths =
+        std::nullopt;  ///< the same with each name counted, texts of links among them, as a listing
+                       ///< adds up
     static constexpr std::size_t mostFailures = 100;
 
-    void addBytes(std::uint64_t more) {
+    /// Of one name that went, or of none; `isFirst` where no other name of its file went before.
+    void addName(std::uint64_t length, bool isFirst) {
         std::uint64_t sum = bytes.value_or(0);
-        addSaturating(sum, more);
+        if (isFirst) addSaturating(sum, length);
         bytes = sum;
+        sum = lengths.value_or(0);
+        addSaturating(sum, length);
+        lengths = sum;
+    }
+    /// What an earlier attempt at the same entry took.
+    void addEarlier(const RemovalResult& earlier) {
+        removed += earlier.removed;
+        if (!earlier.bytes || !earlier.lengths) return;
+        addName(0, true);
+        addSaturating(*bytes, *earlier.bytes);
+        addSaturating(*lengths, *earlier.lengths);
     }
 };
 

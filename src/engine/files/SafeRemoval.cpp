@@ -7,6 +7,7 @@
 
 #include "engine/base/Log.h"
 #include "engine/files/TreeRemoval.h"
+#include "engine/files/TreeSize.h"
 #include "platform/error.h"
 #include "platform/files.h"
 #include "platform/paths.h"
@@ -77,19 +78,18 @@ void SafeRemoval::removeHeld(const HeldEntry& held, const Asked& asked,
 bool SafeRemoval::removeFolder(const HeldEntry& held, const Asked& asked,
                                RemovalResult& result) const {
     TreeRemoval removal(m_files, held.path, asked.stop, result, asked.seen, &asked.own);
-    if (asked.seen != nullptr) result.addBytes(0);
+    if (asked.seen != nullptr) result.addName(0, true);
     removal.run(held.parent.get(), held.name, held.attributes);
     return removal.isOurs();
 }
 
 bool SafeRemoval::removeFile(const HeldEntry& held, OwnChanges& own, RemovalResult& result) const {
-    const bool isCounted =
-        held.attributes.type != FileType::Regular || own.touched(held.attributes);
+    const bool isFirst = held.attributes.type == FileType::Regular && !own.touched(held.attributes);
     const auto removal =
         own.removeName(m_files, held.parent.get(), held.name.c_str(), held.attributes);
     if (removal) {
         ++result.removed;
-        result.addBytes(isCounted ? 0 : held.attributes.size);
+        result.addName(countedSize(held.attributes), isFirst);
     } else if (removal.error() == ESTALE) {
         fail(result, held.path, StayReason::Changed, "changed since the scan");
     } else if (removal.error() != ENOENT) {

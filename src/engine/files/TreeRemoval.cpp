@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <utility>
 
+#include "engine/files/TreeSize.h"
 #include "platform/error.h"
 #include "platform/files.h"
 
@@ -151,9 +152,9 @@ void TreeRemoval::removeSeen(CatalogEntry& entry) {
     if (now.type == FileType::Folder) return void(m_levels.back().folders.emplace_back(entry.name));
     if (now.inode != entry.inode) key = keyOf(entry.name, now.inode);  // layers list other numbers
     if (!isAsSeen(entry.name, now, key)) return;
-    const bool isCounted = now.type != FileType::Regular || m_own.touched(now);
+    const bool isFirst = now.type == FileType::Regular && !m_own.touched(now);
     const auto removal = m_own.removeName(m_files, here(), entry.name, now);
-    if (removal && !isCounted) m_result.addBytes(now.size);
+    if (removal) m_result.addName(countedSize(now), isFirst);
     if (went(removal)) return;
     if (removal.error() == ESTALE) fail(entry.name, StayReason::Changed, changedSince);
     else failWith(entry.name, removal.error(), EntryIdentity::of(now));

@@ -18,6 +18,12 @@ namespace {
 // Nobody reads names and sizes that change faster, and the list is not drawn again for each entry.
 constexpr std::chrono::milliseconds newsInterval{50};
 
+// An entry that a stop left has no failures.
+bool hasFailed(const RemovalResult& result) {
+    return std::ranges::any_of(result.failures,
+                               [](const StayedEntry& each) { return !isByRule(each.kind); });
+}
+
 }  // namespace
 
 /// Shared by the job and its thread, which outlives the job while it makes durable what went.
@@ -102,7 +108,8 @@ void RemovalJob::Work::begins(std::size_t index, const std::string& path, bool i
 void RemovalJob::Work::settled(std::size_t index, const RemovalResult& result) {
     std::unique_lock lock(m_mutex);
     ++m_progress.done;
-    m_settled.push_back({index, result.gone, !result.gone && result.removed > 0, result.changed});
+    m_settled.push_back({index, result.gone, !result.gone && result.removed > 0,
+                         !result.gone && hasFailed(result), result.changed});
     if (std::chrono::steady_clock::now() - m_told >= newsInterval) tell(lock);
 }
 

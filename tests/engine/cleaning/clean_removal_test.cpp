@@ -70,17 +70,14 @@ TEST(CleanRemoval, whatCameOrChangedSinceTheScanStays) {
         const char* what;
         std::function<bool(TestTree&)> change;
         std::vector<std::string> left;  // of the row, which has a/x and y
-        StayReason reason = StayReason::Kept;
     } cases[] = {
         {"nothing", [](auto&) { return true; }, {}},
         {"a file came",
          [](auto& t) { return t.write(".cache/r/a/new", "1"); },
-         {"a/new"},
-         StayReason::CameLater},
+         {"a/x", "y", "a/new"}},
         {"a file was written to",
          [](auto& t) { return t.write(".cache/r/y", "other") && t.write(".cache/r/y", "12346"); },
-         {"y"},
-         StayReason::Changed},
+         {"a/x", "y"}},
         {"a repository came",
          [](auto& t) { return t.write(".cache/r/a/.git/x", "1"); },
          {"a/x", "y", "a/.git/x"}},
@@ -105,8 +102,7 @@ TEST(CleanRemoval, whatCameOrChangedSinceTheScanStays) {
              return ::rename(t.at(".cache/r").c_str(), t.at("moved").c_str()) == 0 &&
                     t.write(".cache/r/y", "mine");
          },
-         {"y"},
-         StayReason::Changed},
+         {"y"}},
     };
     for (const auto& each : cases) {
         CleanHome home;
@@ -125,8 +121,49 @@ TEST(CleanRemoval, whatCameOrChangedSinceTheScanStays) {
             continue;
         }
         ASSERT_EQ(cleaned.outcome.stayed.size(), 1U) << each.what;
-        EXPECT_EQ(cleaned.outcome.stayed[0].kind, each.reason) << cleaned.outcome.stayed[0].reason;
+        EXPECT_EQ(cleaned.outcome.stayed[0].kind, StayReason::Kept) << each.what;
     }
+}
+
+// A program that works with its cache keeps the whole of it; what lies elsewhere stands for itself.
+TEST(CleanRemoval, ofADownloadOnlyWhatCameOrChangedStays) {
+    for (const auto& [name, reason] :
+         {std::pair{"new", StayReason::CameLater}, {"y", StayReason::Changed}}) {
+        CleanHome home;
+        ASSERT_TRUE(home.tree.write("Downloads/r/a/x", "12345") &&
+                    home.tree.write("Downloads/r/y", "12345"));
+        const auto rows = home.scan(CleanCategory::UserDownloads).rows;
+        const std::string path = std::string("Downloads/r/") + name;
+        ASSERT_TRUE(home.tree.write(path, "other") && home.tree.write(path, "12346"));
+        const Cleaned cleaned = clean(home, rows);
+        EXPECT_EQ(cleaned.stayed(), (std::map<std::string, StayReason>{{name, reason}}));
+        EXPECT_TRUE(isThere(home.tree.at(path)));
+        EXPECT_FALSE(isThere(home.tree.at("Downloads/r/a")));
+        EXPECT_EQ(cleaned.bytes, reason == StayReason::Changed ? 5U : 10U);
+    }
+}
+
+// The time of change of a file whose other name went is of our own doing.
+TEST(CleanRemoval, aFileWithNamesInTwoRowsKeepsNeither) {
+    CleanHome home;
+    ASSERT_TRUE(home.tree.write(".cache/a/x", "12345") &&
+                home.tree.hardLink(".cache/a/x", ".cache/b/x"));
+    const Cleaned cleaned = clean(home, home.scan(CleanCategory::UserCaches).rows);
+    EXPECT_EQ(cleaned.done, (std::vector<std::string>{"a", "b"}));
+    EXPECT_EQ(cleaned.bytes, 10U) << "as the rows count them";
+    EXPECT_EQ(cleaned.outcome.bytes, 5U);
+}
+
+// Else the padlock, opened for the rest, would have to wait.
+TEST(CleanRemoval, theRestOfARowThatWeBeganIsNotTakenForFresh) {
+    CleanHome home;
+    ASSERT_TRUE(home.tree.write(".cache/r/a/x", "1"));
+    auto rows = home.scan(CleanCategory::UserCaches).rows;
+    home.secondsLater = 0;
+    EXPECT_EQ(clean(home, rows).stayed(),
+              (std::map<std::string, StayReason>{{"r", StayReason::Kept}}));
+    rows.at(0).isBegun = true;
+    EXPECT_EQ(clean(home, rows).done, std::vector<std::string>{"r"});
 }
 
 // A part of the row, before the removal, while it waits for its turn, and while it goes.
@@ -355,10 +392,10 @@ TEST(CleanRemoval, thrownAwayGoesWithItsRecord) {
 
 TEST(CleanRemoval, theLogNamesWhatStayedAndNotWhatWent) {
     CleanHome home;
-    ASSERT_TRUE(home.tree.write(".cache/secret-a/x", "1") &&
-                home.tree.write(".cache/secret-b/x", "1"));
-    const auto rows = home.scan(CleanCategory::UserCaches).rows;
-    ASSERT_TRUE(home.tree.write(".cache/secret-b/new", "1"));
+    ASSERT_TRUE(home.tree.write("Downloads/secret-a/x", "1") &&
+                home.tree.write("Downloads/secret-b/x", "1"));
+    const auto rows = home.scan(CleanCategory::UserDownloads).rows;
+    ASSERT_TRUE(home.tree.write("Downloads/secret-b/new", "1"));
     testing::LogLines lines;
     Log::setEngineEnabled(false);
     static_cast<void>(clean(home, rows));
@@ -366,7 +403,7 @@ TEST(CleanRemoval, theLogNamesWhatStayedAndNotWhatWent) {
     std::string all;
     for (const std::string& line : lines.lines) all += line + '\n';
     EXPECT_EQ(all.find("secret-a"), std::string::npos) << all;
-    EXPECT_NE(all.find("Clean deletable file failed: " + home.tree.at(".cache/secret-b")),
+    EXPECT_NE(all.find("Clean deletable file failed: " + home.tree.at("Downloads/secret-b")),
               std::string::npos)
         << all;
 }

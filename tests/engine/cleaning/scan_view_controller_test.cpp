@@ -165,16 +165,23 @@ TEST(ScanViewController, ticksAndTheirSetting) {
 
 TEST(ScanViewController, aCleanTakesTheTickedRowsAndTellsOfTheRest) {
     CleanHome home;
-    for (const char* name : {".cache/a/x", ".cache/b/x", ".cache/c/x", ".cache/d/x", ".cache/e/x"})
+    for (const char* name : {".cache/a/x", ".cache/b/x", ".cache/c/x", ".cache/d/x", ".cache/e/x",
+                             ".cache/f/x", ".cache/f/y"})
         ASSERT_TRUE(home.tree.write(name, std::string(1'000'000, 'x')));
     // It goes file by file, and its file goes by somebody else's hand.
     ASSERT_TRUE(home.tree.write("settings/always-keep", home.tree.at(".cache/e/none") + "\n"));
     Page page(home);
     ASSERT_TRUE(page.scan());
-    EXPECT_EQ(page.list.filesSize, "5.00 MB");
-    page.tick({"a", "b", "c", "e"});
-    ASSERT_EQ(::unlink(home.tree.at(".cache/e/x").c_str()), 0);
-    ASSERT_TRUE(home.tree.write(".cache/b/new", "1") && home.tree.write(".cache/c/.git/x", "1"));
+    EXPECT_EQ(page.list.filesSize, "7.00 MB");
+    page.tick({"a", "b", "c", "e", "f"});
+    ASSERT_TRUE(::unlink(home.tree.at(".cache/e/x").c_str()) == 0 &&
+                ::unlink(home.tree.at(".cache/f/y").c_str()) == 0);
+    ASSERT_TRUE(home.tree.write(".cache/c/.git/x", "1"));
+    home.files.beforeRemoval = [&](std::string_view operation) {
+        const bool isNow = operation == "removeEntry" && isThere(home.tree.at(".cache/b")) &&
+                           !isThere(home.tree.at(".cache/b/x"));
+        if (isNow) home.tree.write(".cache/b/new", "1");
+    };
     page.told.clear();
     ASSERT_TRUE(page.clean());
     EXPECT_FALSE(isThere(home.tree.at(".cache/a")));
@@ -182,14 +189,20 @@ TEST(ScanViewController, aCleanTakesTheTickedRowsAndTellsOfTheRest) {
     EXPECT_EQ(page.names(), (Names{"b", "d"})) << "what a rule keeps is none of what may go";
     ASSERT_EQ(page.list.selDelFiles.size(), 1U);
     EXPECT_TRUE(page.list.selDelFiles[0]->bIsSelected);
-    EXPECT_EQ(page.list.iCleanSize, 2'000'000U) << "of b all but what came";
-    EXPECT_EQ(page.list.filesSize, "2.00 MB");
-    EXPECT_EQ(
-        page.told,
-        (Names{"KVO_CONTEXT_USER_CACHES 4.00 MB", "KVO_CONTEXT_USER_CACHES 3.00 MB",
-               "KVO_CONTEXT_USER_CACHES 2.00 MB", "rows yes", "KVO_CONTEXT_CLEAN_FINISH yes"}));
+    EXPECT_EQ(page.list.selDelFiles[0]->size, "0.00 KB") << "of b all but what came";
+    EXPECT_EQ(page.list.iCleanSize, 3'000'000U) << "a, b and what others left of f";
+    EXPECT_EQ(page.list.filesSize, "2.00 MB") << "the rest of f is told still, beside d";
+    EXPECT_EQ(std::count(page.told.begin(), page.told.end(), "rows yes"), 1);
+    EXPECT_EQ(page.told.back(), "KVO_CONTEXT_CLEAN_FINISH yes");
     ASSERT_TRUE(page.list.lastOutcome().has_value());
     EXPECT_FALSE(page.list.lastOutcome()->lacksRights);
+
+    // What is left goes, and with it the total, whatever others took before.
+    home.files.beforeRemoval = {};
+    ASSERT_TRUE(page.scan() && ::unlink(home.tree.at(".cache/d/x").c_str()) == 0);
+    page.list.setAllCheckBoxSelect();
+    ASSERT_TRUE(page.clean());
+    EXPECT_EQ(page.list.filesSize, "0.00 KB");
 
     // Nothing ticked: the end is told all the same.
     page.list.setNoCheckBoxSelect();

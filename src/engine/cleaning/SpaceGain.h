@@ -1,0 +1,39 @@
+// SpaceGain: what a clean gave back. Measured and not added up: snapshots, shared copies and files
+// that are still open give nothing.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "engine/cleaning/CleanRow.h"
+#include "platform/freeSpace.h"
+
+namespace orrinvale {
+
+/// The free space of each file system that rows lie on, before and after. Both questions may wait
+/// for a slow disk. One thread at a time.
+class SpaceGain final {
+public:
+    /// settledFreeSpace(), or a stand-in for it.
+    using FreeSpace = std::function<SysResult<std::uint64_t>(const std::string& folder)>;
+
+    explicit SpaceGain(const std::vector<CleanRow>& rows, FreeSpace freeSpace = settledFreeSpace);
+
+    /// Just before the removal.
+    void begin() { m_before = freeNow(); }
+    /// Bytes by which the free space grew since; negative where others wrote more than went;
+    /// nothing where it can not be told.
+    [[nodiscard]] std::optional<std::int64_t> gained() const;
+
+private:
+    [[nodiscard]] std::optional<std::int64_t> freeNow() const;
+
+    const FreeSpace m_freeSpace;
+    std::vector<std::string> m_folders;  // one on each file system
+    std::optional<std::int64_t> m_before;
+};
+
+}  // namespace orrinvale
