@@ -29,6 +29,80 @@
     </message>
 </context>
 <context>
+    <name>FastClean</name>
+    <message>
+        <source>Fast Clean</source>
+        <translation>Schnell aufräumen</translation>
+    </message>
+    <message>
+        <source>Progress of the cleaning</source>
+        <translation>Fortschritt des Aufräumens</translation>
+    </message>
+    <message>
+        <source>Clean</source>
+        <translation>Aufräumen</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Stoppen</translation>
+    </message>
+    <message>
+        <source>There is nothing to clean in %1. Other categories are chosen on the Clean page.</source>
+        <translation>In %1 gibt es nichts aufzuräumen. Andere Kategorien wählen Sie auf der Seite „Aufräumen“.</translation>
+    </message>
+    <message>
+        <source>%1 could not be looked at: the disk does not answer. Try again in a moment.</source>
+        <translation>%1: Die Festplatte antwortet nicht. Versuchen Sie es gleich noch einmal.</translation>
+    </message>
+    <message>
+        <source>Empty the Trash for good?</source>
+        <translation>Den Papierkorb endgültig leeren?</translation>
+    </message>
+    <message>
+        <source>Remove what is in Downloads for good?</source>
+        <translation>Alles in Downloads endgültig entfernen?</translation>
+    </message>
+    <message>
+        <source>1 item, %1. It cannot be brought back.</source>
+        <translation>1 Objekt, %1. Es lässt sich nicht zurückholen.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln items, %1. They cannot be brought back.</source>
+        <translation>
+            <numerusform>%Ln Objekt, %1. Es lässt sich nicht zurückholen.</numerusform>
+            <numerusform>%Ln Objekte, %1. Sie lassen sich nicht zurückholen.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Remove %1</source>
+        <translation>%1 entfernen</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Free space grew by %1</source>
+        <translation>Freier Platz wuchs um %1</translation>
+    </message>
+    <message>
+        <source>Free space did not grow</source>
+        <translation>Der freie Platz wuchs nicht</translation>
+    </message>
+    <message>
+        <source>The rest needs the administrator: open the padlock first</source>
+        <translation>Der Rest braucht Administratorrechte: Öffnen Sie zuerst das Schloss</translation>
+    </message>
+    <message>
+        <source>Less than promised: files are still open, or snapshots and shared copies hold what went, or others have written meanwhile.</source>
+        <translation>Weniger als erwartet: Dateien sind noch geöffnet, Schnappschüsse oder geteilte Kopien halten fest, was entfernt wurde, oder es wurde inzwischen Neues geschrieben.</translation>
+    </message>
+    <message>
+        <source>Not all was removed: open the padlock first, for administrator rights</source>
+        <translation>Nicht alles wurde entfernt: Öffnen Sie zuerst das Schloss für Administratorrechte</translation>
+    </message>
+</context>
+<context>
     <name>FolderEntrance</name>
     <message>
         <source>Cancel</source>
@@ -529,6 +603,26 @@
         <source>it is another entry than the one that was set aside</source>
         <translation>es ist ein anderer Eintrag als der, der beiseitegelegt wurde</translation>
     </message>
+    <message>
+        <source>the folder is a link</source>
+        <translation>der Ordner ist eine Verknüpfung</translation>
+    </message>
+    <message>
+        <source>it is no folder</source>
+        <translation>es ist kein Ordner</translation>
+    </message>
+    <message>
+        <source>no answer for 5 seconds</source>
+        <translation>seit 5 Sekunden keine Antwort</translation>
+    </message>
+    <message>
+        <source>the home folder is somebody else&apos;s</source>
+        <translation>der persönliche Ordner gehört jemand anderem</translation>
+    </message>
+    <message>
+        <source>the folder is for other things as well</source>
+        <translation>der Ordner dient auch anderem</translation>
+    </message>
 </context>
 <context>
     <name>Removal</name>
@@ -807,6 +901,29 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Quit Orrinvale</source>
         <translation>Orrinvale beenden</translation>
+    </message>
+    <message>
+        <source>Fast Clean</source>
+        <translation>Schnell aufräumen</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::CleanSysController</name>
+    <message>
+        <source>Scanning system...</source>
+        <translation>System wird durchsucht …</translation>
+    </message>
+    <message>
+        <source>Deleting items...</source>
+        <translation>Objekte werden gelöscht …</translation>
+    </message>
+    <message>
+        <source>Nothing is removed before you click.</source>
+        <translation>Nichts wird entfernt, bevor Sie klicken.</translation>
+    </message>
+    <message>
+        <source>Waiting for another removal to end</source>
+        <translation>Wartet, bis ein anderes Entfernen zu Ende ist</translation>
     </message>
 </context>
 <context>

@@ -13,6 +13,7 @@
 #include "engine/base/UtilityObject.h"
 #include "engine/base/notices.h"
 #include "engine/cleaning/QnAuthorization.h"
+#include "engine/cleaning/makeFolderUtilities.h"
 #include "engine/largefiles/Controller.h"
 #include "engine/memory/ClearMemory.h"
 #include "engine/settings/PreferenceViewController.h"
@@ -22,6 +23,7 @@
 #include "platform/instance.h"
 #include "platform/linux/LinuxAuthorization.h"
 #include "platform/linux/LinuxFiles.h"
+#include "platform/linux/LinuxFolders.h"
 #include "platform/linux/LinuxMemory.h"
 #include "platform/linux/LinuxMountChanges.h"
 #include "platform/linux/LinuxPermissions.h"
@@ -68,6 +70,8 @@ struct Shared {
     LinuxVolumes volumes;
     LinuxVolumes volumesAtOnce{{}, mainThreadPatience};
     LinuxMountChanges mountChanges;
+    LinuxFolders folders;
+    std::shared_ptr<const FolderUtilities> utilities = makeFolderUtilities(files, folders, volumes);
     LinuxAuthorization authorization;
     NotificationCenter notifications;
     QtMainQueue mainQueue;
@@ -108,6 +112,10 @@ AppDelegateParts delegateParts(Shared& shared, std::unique_ptr<ProgramInstance>&
                       [&shared](const IconRequest& request) { return shared.icons.icon(request); },
                   .reveal = revealInFileManager,
                   .openAddress = openWebPage},
+        .clean = {.files = &shared.files,
+                  .folders = &shared.folders,
+                  .utilities = shared.utilities.get(),
+                  .settingsFolder = userConfigFolder()},
         .icons = &shared.icons,
         .volumes = &shared.volumes,
         .volumesAtOnce = &shared.volumesAtOnce,

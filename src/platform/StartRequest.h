@@ -13,6 +13,8 @@ namespace orrinvale {
 namespace startAction {
 inline constexpr std::string_view duplicates = "duplicates";
 inline constexpr std::string_view largeFiles = "large-files";
+inline constexpr std::string_view fastClean =
+    "fast-clean";  ///< its window, which waits for a click
 inline constexpr std::string_view ejectAll = "eject-all";
 inline constexpr std::string_view quit = "quit";
 }  // namespace startAction

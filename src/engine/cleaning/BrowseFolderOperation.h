@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "engine/cleaning/CategoryScan.h"
@@ -34,8 +35,10 @@ public:
 
     /// Entries that were looked at so far.
     [[nodiscard]] std::uint64_t entriesSeen() const;
-    /// What was measured; complete after ZvScanOperationFinish.
+    /// What was measured; complete from ZvScanOperationFinish on.
     [[nodiscard]] const CategoryListing& listing() const { return m_listing; }
+    /// The same, once.
+    [[nodiscard]] CategoryListing takeListing() { return std::move(m_listing); }
 
     const std::vector<std::string> folderPathArr;
 

@@ -15,6 +15,7 @@
 #include "ui/kit/chrome/TCImageButton.h"
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/controls/ElidedLabel.h"
+#include "ui/kit/controls/QnProgressView.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/pathText.h"
 #include "ui/kit/dialogs/LineList.h"
@@ -22,7 +23,6 @@
 #include "ui/largefiles/FileNodeModel.h"
 #include "ui/largefiles/ListFileViews.h"
 #include "ui/largefiles/NewOutlineView.h"
-#include "ui/largefiles/QnProgressView.h"
 
 namespace orrinvale {
 namespace {

@@ -15,11 +15,11 @@
 #include "ui/kit/controls/FolderStart.h"
 #include "ui/kit/controls/Panel.h"
 #include "ui/kit/controls/PictureView.h"
+#include "ui/kit/controls/QnProgressView.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/viewParts.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/largefiles/NewOutlineView.h"
-#include "ui/largefiles/QnProgressView.h"
 
 namespace orrinvale {
 ListFileViews::ListFileViews()

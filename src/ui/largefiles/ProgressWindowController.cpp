@@ -7,8 +7,8 @@
 
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/controls/ElidedLabel.h"
+#include "ui/kit/controls/QnProgressView.h"
 #include "ui/kit/controls/viewParts.h"
-#include "ui/largefiles/QnProgressView.h"
 
 namespace orrinvale {
 namespace {

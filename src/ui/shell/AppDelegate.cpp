@@ -20,6 +20,7 @@
 #include "services/foundation/runAside.h"
 #include "services/volumes/WatchMountUnmount.h"
 #include "services/volumes/WorkspaceMounts.h"
+#include "ui/fastclean/FastClean.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/controls/pathText.h"
 #include "ui/kit/dialogs/Dialogs.h"
@@ -46,9 +47,11 @@ AppDelegate::AppDelegate(AppDelegateParts parts, QObject* parent)
                                    .Reference = [this] { Reference(); },
                                    .CheckupdateMenuItemAction = {},
                                    .showPages = [this] { showPages(); },
+                                   .cleaningFile = [this] { cleaningFile(); },
                                    .rejestAllDisk = [this] { rejestAllDisk(); },
                                    .help = [this] { help(); },
                                    .quit = [this] { quit(); }})),
+      m_fastClean(makeFastClean()),
       m_volumeWorker(*m_parts.volumes, *m_parts.pages.mainQueue) {
     connect(m_menu.get(), &ApplicationMenu::opened, this,
             [this] { refMenuItemWhenDeleteAndAdd(); });
@@ -76,6 +79,8 @@ void AppDelegate::registNSnotification() {
     observe(notice::ZvVolumeMount, &AppDelegate::ZvVolumeMountNotificationCall);
     observe(notice::ZvVolumeUnmount, &AppDelegate::ZvVolumeUnmountNotificationCall);
     observe(notice::openFinderWhenClickItems, &AppDelegate::openFinderWhenClickItems);
+    m_observations.push_back(
+        ZvShouldCloseWindow.observe(center, [this] { handleCloseCleanWindow(); }));
     m_observations.push_back(notice::refMenuItemWhenDeleteAndAdd.observe(
         center, [this] { refMenuItemWhenDeleteAndAdd(); }));
 }
@@ -132,6 +137,10 @@ void AppDelegate::perform(const StartRequest& request) {
         return;
     }
     if (m_isLeaving) return;
+    if (request.isAction(startAction::fastClean)) {
+        if (m_fastClean) m_fastClean->open();
+        return;
+    }
     handleReopenAppEvent();
     if (request.kind == StartRequest::Kind::Open) {
         searchFolder(request.text);
@@ -213,7 +222,10 @@ std::vector<Page*> AppDelegate::pages() const {
     return all;
 }
 
-bool AppDelegate::isRemoving() const { return std::ranges::any_of(pages(), &Page::isRemoving); }
+bool AppDelegate::isRemoving() const {
+    return std::ranges::any_of(pages(), &Page::isRemoving) ||
+           (m_fastClean && m_fastClean->isRemoving());
+}
 
 // Nothing is unwound: threads may still be at work. What they remove goes entry by entry, and each
 // stands as a whole or is gone; so only an entry under way is worth a moment.
@@ -232,6 +244,7 @@ void AppDelegate::leave(std::function<void()> last) {
         return;
     }
     for (Page* const each : pages()) each->giveUp();
+    if (m_fastClean) m_fastClean->giveUp();
     // Nothing more is begun in either window.
     if (window() != nullptr) window()->hide();
     AppPrefsWindowController::sharedPrefsWindowController().window()->hide();

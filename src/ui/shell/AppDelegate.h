@@ -1,5 +1,5 @@
 // AppDelegate: the life of the program, from its window at launch to its end, and what it does when
-// volumes come and go. AppDelegateVolumes.cpp has the volumes.
+// volumes come and go. AppDelegateVolumes.cpp has the volumes, AppDelegateCleaning.cpp Fast Clean.
 #pragma once
 
 #include <QObject>
@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "engine/base/NotificationCenter.h"
+#include "engine/cleaning/CategoryScan.h"
 #include "engine/removal/AsideJournal.h"
 #include "engine/volumes/VolumesInfo.h"
 #include "engine/volumes/VolumesManager.h"
@@ -26,6 +27,7 @@ class QLabel;
 namespace orrinvale {
 
 class ApplicationMenu;
+class FastClean;
 struct Alert;
 class MountChanges;
 class WatchMountUnmount;
@@ -34,6 +36,7 @@ class WorkspaceMounts;
 /// What the delegate works with. Nothing of it is owned; all of it outlives the delegate.
 struct AppDelegateParts {
     PageServices pages;
+    CleanParts clean = {};  ///< without FolderUtilities there is no Fast Clean
     FileIcons* icons = nullptr;
     Volumes* volumes = nullptr;  ///< asked on other threads, and patient
     Volumes* volumesAtOnce =
@@ -91,6 +94,13 @@ public:
     void showPages();
     void help();
 
+    // Fast Clean.
+    void cleaningFile();
+    void handleCloseCleanWindow();
+    /// Allows the next one.
+    void runAsMain();
+    [[nodiscard]] FastClean* fastClean() const { return m_fastClean.get(); }  ///< null without
+
     // Volumes.
     void ZvVolumeMountNotificationCall(const Notification& notification);
     void ZvVolumeUnmountNotificationCall(const Notification& notification);
@@ -108,6 +118,8 @@ public:
 
 private:
     void closeMainWindow() override;
+    [[nodiscard]] std::unique_ptr<FastClean> makeFastClean();
+    void refFastCleanItem();
     void refMenuItemWhenDeleteAndAdd();
     void tellOfGuide();
     void ejectionEnded(std::int32_t status, const std::vector<EjectFailure>& failures);
@@ -126,6 +138,7 @@ private:
     std::vector<NotificationCenter::Observation> m_observations;
     std::unique_ptr<ApplicationMenu> m_menu;
     std::unique_ptr<DuplicateMainWindowController> m_duplicateMWC;
+    std::unique_ptr<FastClean> m_fastClean;
     VolumeWorker m_volumeWorker;
     std::unique_ptr<WorkspaceMounts> m_workspace;
     std::unique_ptr<WatchMountUnmount> m_watchMu;

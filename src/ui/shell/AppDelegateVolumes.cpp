@@ -98,6 +98,7 @@ void AppDelegate::refMenuItemWhenDeleteAndAdd() {
     const auto& pages = AppPrefsWindowController::sharedPrefsWindowController();
     m_menu->setHasPreferences(pages.hasPage(QStringLiteral("preferences")));
     m_menu->setHasPages(pages.hasPagesBeside(QStringLiteral("duplicates_file")));
+    refFastCleanItem();
     m_volumeWorker.hasEjectable([this](bool has) { m_menu->setCanEject(has && !m_isEjecting); });
 }
 

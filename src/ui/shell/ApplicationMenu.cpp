@@ -17,8 +17,10 @@ ApplicationMenu::ApplicationMenu(const Actions& actions, QObject* parent)
     m_menu->addSeparator();
     m_pages =
         add("pages", tr("Show All Pages"), QKeySequence(Qt::CTRL | Qt::Key_0), actions.showPages);
+    m_fastClean = add("fastClean", tr("Fast Clean"), {}, actions.cleaningFile);
     m_eject =
         add("ejectAll", tr("Eject All"), QKeySequence(Qt::CTRL | Qt::Key_E), actions.rejestAllDisk);
+    m_fastClean->setEnabled(false);
     m_eject->setEnabled(false);
     m_preferences->setEnabled(false);
     m_pages->setVisible(false);
@@ -45,6 +47,8 @@ QAction* ApplicationMenu::add(const char* name, const QString& title, const QKey
 void ApplicationMenu::addKeysTo(QWidget& window) const { window.addActions(m_menu->actions()); }
 
 void ApplicationMenu::setCanEject(bool canEject) { m_eject->setEnabled(canEject); }
+
+void ApplicationMenu::setCanFastClean(bool canFastClean) { m_fastClean->setEnabled(canFastClean); }
 
 void ApplicationMenu::setHasPreferences(bool hasPreferences) {
     m_preferences->setEnabled(hasPreferences);

@@ -22,6 +22,7 @@ public:
         std::function<void()> Reference;  ///< the preferences
         std::function<void()> CheckupdateMenuItemAction;
         std::function<void()> showPages;
+        std::function<void()> cleaningFile;   ///< "Fast Clean"
         std::function<void()> rejestAllDisk;  ///< "Eject All"
         std::function<void()> help;
         std::function<void()> quit;
@@ -37,6 +38,9 @@ public:
 
     /// Whether there is anything to eject. It is greyed until that is told.
     void setCanEject(bool canEject);
+
+    /// Whether a Fast Clean may begin. It is greyed until that is told.
+    void setCanFastClean(bool canFastClean);
 
     /// Whether there is a page of preferences. They are greyed until that is told.
     void setHasPreferences(bool hasPreferences);
@@ -54,6 +58,7 @@ private:
                  const std::function<void()>& action);
 
     const std::unique_ptr<QMenu> m_menu;
+    QAction* m_fastClean = nullptr;
     QAction* m_eject = nullptr;
     QAction* m_preferences = nullptr;
     QAction* m_pages = nullptr;

@@ -1,7 +1,7 @@
 // How the large file page writes a size, and how wide its bar is.
 #include "engine/largefiles/PublicUtilities.h"
 #include "support/test.h"
-#include "ui/largefiles/QnProgressView.h"
+#include "ui/kit/controls/QnProgressView.h"
 
 namespace orrinvale {
 namespace {

@@ -10,9 +10,11 @@
 #include <vector>
 
 #include "engine/cleaning/QnAuthorization.h"
+#include "engine/cleaning/makeFolderUtilities.h"
 #include "engine/text/UtilityFunction.h"
 #include "platform/fake/FakeMountChanges.h"
 #include "platform/fake/FakeVolumes.h"
+#include "platform/linux/LinuxFolders.h"
 #include "ui/shell/AppDelegate.h"
 #include "ui/shell/ApplicationMenu.h"
 #include "ui/support/PageWindow.h"
@@ -53,6 +55,10 @@ struct Launched {
         volumes.volumes = std::move(standing);
         delegate = std::make_unique<AppDelegate>(AppDelegateParts{
             .pages = pages(),
+            .clean = {.files = &files,
+                      .folders = &folders,
+                      .utilities = utilities.get(),
+                      .settingsFolder = tree.at("settings")},
             .icons = &icons,
             .volumes = &volumes,
             .volumesAtOnce = &volumes,
@@ -98,12 +104,14 @@ struct Launched {
     LinuxPermissions permissions;
     FakeAuthorization authorization;
     WatchedFiles files;
+    LinuxFolders folders{FolderVariables{.home = tree.path()}};
     NotificationCenter notifications;
     std::vector<NotificationCenter::Observation> observations;
     RecordedDialogs dialogs;
     CountingQueue mainQueue;
     FileIcons icons;
     FakeVolumes volumes;
+    std::shared_ptr<const FolderUtilities> utilities = makeFolderUtilities(files, folders, volumes);
     FakeMountChanges mounts;
     std::vector<std::string> posted, opened;
     std::vector<int> ends;

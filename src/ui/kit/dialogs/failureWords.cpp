@@ -46,6 +46,12 @@ constexpr std::array whole{
     QT_TRANSLATE_NOOP("Reason", "the trash is in it"),
     QT_TRANSLATE_NOOP("Reason", "it is in the trash"),
     QT_TRANSLATE_NOOP("Reason", "it is a part of the trash"),
+    // Folders of cleaning that are left alone
+    QT_TRANSLATE_NOOP("Reason", "the folder is a link"),
+    QT_TRANSLATE_NOOP("Reason", "it is no folder"),
+    QT_TRANSLATE_NOOP("Reason", "no answer for 5 seconds"),
+    QT_TRANSLATE_NOOP("Reason", "the home folder is somebody else's"),
+    QT_TRANSLATE_NOOP("Reason", "the folder is for other things as well"),
     // The administrator's helper
     QT_TRANSLATE_NOOP("Reason", "a folder on the way belongs to someone else"),
     QT_TRANSLATE_NOOP("Reason", "a folder on the way may be written by others"),

@@ -1,7 +1,8 @@
-// QnProgressView: the thin bar of the large file page, on its track.
+// QnProgressView: a thin bar on its track.
 #pragma once
 
 #include <QProgressBar>
+#include <QVariantAnimation>
 
 namespace orrinvale {
 
@@ -14,6 +15,10 @@ public:
     /// Percent, 0 to 100.
     void changeProgressValue(float percent);
 
+    /// While nobody knows how much there is: a piece of the bar goes to and fro, or lies still
+    /// where nothing may move.
+    void setIndeterminate(bool isIndeterminate);
+
     /// How wide the bar is on a view of that width, in points: never so narrow that nobody sees it.
     [[nodiscard]] static qreal barWidth(qreal viewWidth, float percent);
 
@@ -22,9 +27,15 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
+    void animate();
+
     float m_percent = 0;
+    bool m_isIndeterminate = false;
+    QVariantAnimation m_motion;  // runs while the piece is to be seen
 };
 
 }  // namespace orrinvale

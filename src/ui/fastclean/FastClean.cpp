@@ -1,0 +1,89 @@
+// See FastClean.h.
+#include "ui/fastclean/FastClean.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "engine/base/UtilityObject.h"
+#include "engine/cleaning/QnAuthorization.h"
+
+namespace orrinvale {
+
+std::unique_ptr<RemovalDoor> fastCleanDoor(CleanCategory category) {
+    const bool mayTakeFolders =
+        category == CleanCategory::UserTrash || category == CleanCategory::UserDownloads;
+    return mayTakeFolders ? QnAuthorization::makeDoor() : QnAuthorization::makeDoorForFiles();
+}
+
+FastClean::FastClean(FastCleanParts parts, std::function<void()> changed)
+    : m_parts(std::move(parts)), m_changed(std::move(changed)) {
+    m_noteTimer.setSingleShot(true);
+    connect(&m_noteTimer, &QTimer::timeout, this, [this] { m_note.reset(); });
+}
+
+FastClean::~FastClean() = default;
+
+void FastClean::cleaningFile() {
+    if (m_controller == nullptr && !makeController()) return;
+    m_controller->resetStatus();
+    m_controller->showWindow();
+}
+
+void FastClean::open() {
+    if (m_controller == nullptr && !makeController()) return;
+    m_controller->showWindowWaiting();
+}
+
+bool FastClean::makeController() {
+    if (!canStart()) return false;
+    m_controller =
+        CleanSysController::init(m_parts, [this](const QStringList& lines) { tell(lines); });
+    if (m_controller == nullptr) return false;
+    connect(m_controller.get(), &CleanSysController::rested, this, [this] { m_changed(); });
+    connect(m_controller.get(), &CleanSysController::gone, this,
+            [this, controller = m_controller.get()] { release(controller); });
+    return true;
+}
+
+void FastClean::tell(const QStringList& lines) {
+    m_note.reset();
+    m_note = std::make_unique<FastCleanBubbleView>(lines, nullptr);
+    m_noteTimer.start(m_parts.bubbleTime);
+}
+
+void FastClean::handleCloseCleanWindow() {
+    if (m_controller != nullptr)
+        m_leaving.emplace_back(std::move(m_controller))->close();  // may be gone by it
+    runAsMain();
+}
+
+// In a later turn, since its own code is still at work.
+void FastClean::release(CleanSysController* controller) {
+    const auto found = std::ranges::find_if(
+        m_leaving, [controller](const auto& each) { return each.get() == controller; });
+    if (found == m_leaving.end()) return;
+    found->release()->deleteLater();
+    m_leaving.erase(found);
+}
+
+void FastClean::runAsMain() {
+    UtilityObject::getMyObject().setIsCanBeAction(true);
+    m_changed();
+}
+
+bool FastClean::canStart() const {
+    return UtilityObject::getMyObject().isCanBeAction &&
+           std::ranges::none_of(m_leaving, [](const auto& each) { return each->isWorking(); });
+}
+
+bool FastClean::isRemoving() const {
+    return (m_controller != nullptr && m_controller->isRemoving()) ||
+           std::ranges::any_of(m_leaving, [](const auto& each) { return each->isRemoving(); });
+}
+
+void FastClean::giveUp() {
+    if (m_controller != nullptr) m_controller->giveUp();
+    for (const auto& each : m_leaving) each->giveUp();
+}
+
+}  // namespace orrinvale

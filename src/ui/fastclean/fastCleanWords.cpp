@@ -1,0 +1,115 @@
+// See fastCleanWords.h.
+#include "ui/fastclean/fastCleanWords.h"
+
+#include <QCoreApplication>
+#include <QLocale>
+#include <array>
+
+#include "engine/text/Localized.h"
+#include "engine/text/UtilityFunction.h"
+#include "ui/kit/controls/numberText.h"
+#include "ui/kit/controls/pathText.h"
+#include "ui/kit/dialogs/failureWords.h"
+#include "ui/kit/dialogs/removalWords.h"
+
+namespace orrinvale {
+namespace {
+
+struct Words {
+    Q_DECLARE_TR_FUNCTIONS(FastClean)
+};
+
+// By the categories' order.
+constexpr std::array titleKeys{"TITLE_CLEAN_SYS_CACHES", "TITLE_CLEAN_USR_CACHES",
+                               "TITLE_CLEAN_SYS_LOGS",   "TITLE_CLEAN_USR_LOGS",
+                               "TITLE_CLEAN_TRASH",      "TITLE_CLEAN_DOWNLOADS"};
+
+// The share of what was promised below which a person wants to know why.
+constexpr double enough = 0.9;
+
+QString sizeText(std::uint64_t bytes) { return shownSize(UtilityFunction::convertVolSpace(bytes)); }
+
+QString textOf(const char* key) { return QString::fromStdString(getLocalizedString(key)); }
+
+}  // namespace
+
+QString categoryTitle(CleanCategory category) {
+    return textOf(titleKeys.at(static_cast<std::size_t>(category)));
+}
+
+QString noCategoryLine() { return textOf("NO_FOLDER_CONTENT"); }
+
+QString emptyCategoryLine(CleanCategory category) {
+    return Words::tr(
+               "There is nothing to clean in %1. Other categories are chosen on the Clean page.")
+        .arg(categoryTitle(category));
+}
+
+QString silentCategoryLine(CleanCategory category) {
+    return Words::tr("%1 could not be looked at: the disk does not answer. Try again in a moment.")
+        .arg(categoryTitle(category));
+}
+
+Alert goodbyeQuestion(CleanCategory category, std::uint64_t count, std::uint64_t bytes) {
+    const QString size = sizeText(bytes);
+    Alert question;
+    question.title = category == CleanCategory::UserTrash
+                         ? Words::tr("Empty the Trash for good?")
+                         : Words::tr("Remove what is in Downloads for good?");
+    question.text = count == 1 ? Words::tr("1 item, %1. It cannot be brought back.").arg(size)
+                               : Words::tr("%Ln items, %1. They cannot be brought back.", nullptr,
+                                           static_cast<int>(count))
+                                     .arg(size);
+    question.buttons = QStringList{Words::tr("Remove %1").arg(size), Words::tr("Cancel")};
+    question.cancelButton = 1;
+    question.severity = Alert::Severity::Warning;
+    question.isDestructive = true;
+    return question;
+}
+
+QStringList countAndSizeLines(std::uint64_t count, std::uint64_t bytes) {
+    const auto line = [](const char* key, const QString& figure) {
+        return QStringLiteral("%1 %2").arg(textOf(key), figure);
+    };
+    return {line("CLEAN_FILES_COUNT", QString::number(count)),
+            line("CLEAN_FILES_SIZE", sizeText(bytes))};
+}
+
+QStringList furtherLines(const FastCleanResult& result) {
+    QStringList lines;
+    if (result.gained)
+        lines.push_back(*result.gained > 0
+                            ? Words::tr("Free space grew by %1")
+                                  .arg(sizeText(static_cast<std::uint64_t>(*result.gained)))
+                            : Words::tr("Free space did not grow"));
+    if (result.outcome != nullptr && result.outcome->lacksRights)
+        lines.push_back(
+            result.gained
+                ? Words::tr("The rest needs the administrator: open the padlock first")
+                : Words::tr(
+                      "Not all was removed: open the padlock first, for administrator rights"));
+    else if (result.outcome != nullptr && result.outcome->failed > 0)
+        lines.push_back(stayedText(*result.outcome));
+    if (!result.isEmpty) return lines;
+    if (result.isSilent) {
+        lines.push_back(silentCategoryLine(result.category));
+    } else if (result.closed.empty()) {
+        lines.push_back(emptyCategoryLine(result.category));
+    } else {
+        const auto& closed = result.closed.front();
+        lines.push_back(onOneLine(QStringLiteral("%1: %2").arg(QString::fromStdString(closed.path),
+                                                               inWords(closed.reason))));
+    }
+    return lines;
+}
+
+QString shortfallReason(const FastCleanResult& result) {
+    if (!result.gained ||
+        static_cast<double>(*result.gained) >= enough * static_cast<double>(result.promised))
+        return {};
+    return Words::tr(
+        "Less than promised: files are still open, or snapshots and shared copies hold what "
+        "went, or others have written meanwhile.");
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,37 @@
+// Fast Clean in the program: its entry in the menu, and a start from outside.
+#include "engine/base/UtilityObject.h"
+#include "engine/settings/PreferenceViewController.h"
+#include "engine/settings/SettingsKeys.h"
+#include "support/test.h"
+#include "ui/fastclean/FastClean.h"
+#include "ui/support/Launched.h"
+
+namespace orrinvale::testing {
+namespace {
+
+using State = CleanSysController::State;
+
+TEST(FastClean, IsReachedByTheMenuAndFromOutside) {
+    Started on;
+    PreferenceViewController::initialize();
+    on.defaults.setInteger(1, std::string(ZvUserCachesKey));
+    for (const char* key : {ZvUserLogsKey, ZvSystemLogsKey}) on.defaults.setInteger(0, key);
+    ASSERT_TRUE(on.tree.write(".cache/a", "1"));
+    EXPECT_SOON(on.entry("fastClean")->isEnabled());
+    on.closeWindow();
+    on.delegate->perform({StartRequest::Kind::Action, "fast-clean", ""});
+    CleanSysController* const run = on.delegate->fastClean()->clrSysController();
+    ASSERT_NE(run, nullptr);
+    EXPECT_EQ(run->state(), State::Idle);
+    EXPECT_FALSE(on.isVisible()) << "nobody asked for the main window";
+    EXPECT_FALSE(on.entry("fastClean")->isEnabled());
+    on.delegate->cleaningFile();
+    EXPECT_NE(run->state(), State::Idle);
+    EXPECT_SOON(on.delegate->fastClean()->clrSysController() == nullptr);
+    EXPECT_TRUE(on.entry("fastClean")->isEnabled());
+    EXPECT_TRUE(isThere(on.tree.at(".cache/a"))) << "it was changed a moment ago";
+    EXPECT_SOON(UtilityObject::getMyObject().liveBubbleCount == 0);
+}
+
+}  // namespace
+}  // namespace orrinvale::testing
