@@ -1,5 +1,6 @@
 // The window program: the system gate first, then the run that only touches memory, then a word to
 // the program that runs already, and only then the window.
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -220,6 +221,8 @@ int start(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     orrinvale::fillStandardStreams();
+    // Where a parent left it ignored, no child's end would be told.
+    std::signal(SIGCHLD, SIG_DFL);
     static const orrinvale::LinuxSystem system;
     orrinvale::UtilityFunction::getMyFunction().setSystem(&system);
     if (orrinvale::UtilityFunction::isBelow1050SystemVer()) return 0;

@@ -18,7 +18,7 @@ CommandSet::CommandSet() {
     m_commands.push_back(std::make_unique<CleanCommand>(m_files, m_volumes));
     m_commands.push_back(std::make_unique<VolumesCommand>(m_volumes));
     m_commands.push_back(std::make_unique<EjectCommand>(m_volumes));
-    m_commands.push_back(std::make_unique<MemoryCommand>(m_memory));
+    m_commands.push_back(std::make_unique<MemoryCommand>(m_memory, purgePrograms()));
 }
 
 }  // namespace orrinvale::cli

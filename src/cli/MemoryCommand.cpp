@@ -22,11 +22,19 @@ namespace {
 struct Freed {
     std::uint64_t before = 0;
     std::uint64_t after = 0;
-    bool isWithinFree = false;
-    std::int32_t status = 0;  // what the purging process ended with
+    PurgeOutlook outlook{};   // before it
+    std::string program;      // that freed
+    std::int32_t status = 0;  // what it ended with
     Ending ending{};
 
     [[nodiscard]] std::uint64_t gained() const { return after > before ? after - before : 0; }
+    // Whoever stops it knows that it did not end well.
+    [[nodiscard]] bool hasFailed() const { return status != 0 && ending == Ending::Whole; }
+    [[nodiscard]] std::string reason() const {
+        if (status == ClearMemory::kNotStarted) return "it could not be started";
+        if (status == Process::endUnknown) return "the system did not tell how it ended";
+        return fmt::format("it ended early, with {}", status);
+    }
 };
 
 struct Shown {
@@ -42,7 +50,7 @@ Freed free(ClearMemory& memory) {
     const SearchWatch watch([&isStopped] { isStopped = true; }, {}, Telling::Nothing);
     memory.getMemoryInfo(nullptr);
     out.before = memory.meminfo().freeMem;
-    out.isWithinFree = ClearMemory::isWithinFree(memory.meminfo());
+    out.outlook = memory.outlook();
     memory.clearMemory();
     while (memory.isRunFree()) {
         if (isStopped) memory.stop();
@@ -50,9 +58,14 @@ Freed free(ClearMemory& memory) {
         memory.getMemoryInfo(nullptr);
     }
     out.after = memory.meminfo().freeMem;
+    out.program = memory.program();
     out.status = memory.terminationStatus();
     out.ending = watch.ending();
     return out;
+}
+
+std::string orNull(const std::optional<std::uint64_t>& figure) {
+    return figure ? fmt::format("{}", *figure) : "null";
 }
 
 std::string pressureText(const MemoryState& state) {
@@ -66,13 +79,20 @@ void printJson(Output& out, const Shown& shown, Ending ending) {
         "\"used\": {},\n  \"available\": {}, \"swapTotal\": {}, \"swapUsed\": {}, "
         "\"pressure\": {},\n",
         info.totalMem, info.freeMem, info.activeMem, info.inactiveMem, info.wiredMem, info.usedMem,
-        shown.state.available, shown.state.swapTotal, shown.state.swapUsed,
+        orNull(shown.state.available), shown.state.swapTotal, shown.state.swapUsed,
         pressureText(shown.state));
     if (shown.freed)
         text += fmt::format("  \"freeBefore\": {}, \"freeAfter\": {}, \"freed\": {},\n",
                             shown.freed->before, shown.freed->after, shown.freed->gained());
-    out.write(text +
-              fmt::format("  \"skipped\": [], \"stopped\": {}\n}}\n", ending != Ending::Whole));
+    text += "  \"skipped\": [";
+    if (shown.freed && shown.freed->hasFailed()) {
+        text += '{';
+        appendJsonPath(text, shown.freed->program);
+        text += ", \"reason\": ";
+        appendJsonText(text, shown.freed->reason());
+        text += '}';
+    }
+    out.write(text + fmt::format("], \"stopped\": {}\n}}\n", ending != Ending::Whole));
 }
 
 void printListing(Output& out, const Shown& shown, bool colour) {
@@ -90,7 +110,8 @@ void printListing(Output& out, const Shown& shown, bool colour) {
     line("Active", info.activeMem, "what programs work on");
     line("Inactive", info.inactiveMem, "copies of files, given up when memory is wanted");
     line("Wired", info.wiredMem, "the system's own");
-    line("Available", shown.state.available, "what programs can have at once");
+    if (shown.state.available)
+        line("Available", *shown.state.available, "what programs can have at once");
     const std::string swap = UtilityFunction::covertCleanMemory(shown.state.swapTotal);
     if (shown.state.swapTotal != 0)
         line("Swap", shown.state.swapUsed, fmt::format("of {} is written to disk", swap));
@@ -101,13 +122,22 @@ void printListing(Output& out, const Shown& shown, bool colour) {
 }
 
 void printFreed(Output& out, const Freed& freed) {
-    if (freed.isWithinFree) {
-        out.write("\nNothing had to be given up: as much as one run takes was free anyway.\n");
+    if (freed.status != 0 || freed.ending != Ending::Whole) return;  // nothing is known of it
+    if (freed.outlook == PurgeOutlook::NoRoom) {
+        out.write(
+            "\nNothing was taken: there is no room left for it here, or the system does not tell "
+            "how much.\n");
+        return;
+    }
+    if (freed.outlook == PurgeOutlook::WithinFree) {
+        out.write(
+            "\nNothing had to be given up: as much as one run takes was free, and programs could "
+            "have used it anyway.\n");
         return;
     }
     out.write(
         fmt::format("\n{} freed: {} were free before, {} are now. Programs could have used "
-                    "it anyway; it held copies of files.\n",
+                    "it anyway.\n",
                     UtilityFunction::covertCleanMemory(freed.gained()),
                     UtilityFunction::covertCleanMemory(freed.before),
                     UtilityFunction::covertCleanMemory(freed.after)));
@@ -121,10 +151,11 @@ std::vector<OptionSpec> MemoryCommand::options() const {
 
 Status MemoryCommand::run(const Arguments& arguments) {
     if (arguments.has("print0")) return badUsage("there are no paths to print with -0");
-    ClearMemory memory(m_memory);
+    ClearMemory memory(m_memory, m_programs);
     Shown shown;
     if (arguments.has("free")) shown.freed = free(memory);
-    memory.getMemoryInfo(&shown.info);
+    else memory.getMemoryInfo(nullptr);
+    shown.info = memory.meminfo();
     const auto state = m_memory.state();
     if (shown.info.totalMem == 0 || !state) {
         complain("the system does not tell what its memory is used for");
@@ -141,8 +172,8 @@ Status MemoryCommand::run(const Arguments& arguments) {
         if (shown.freed) printFreed(out, *shown.freed);
     }
     const Status status = finish(out, {}, ending);
-    if (!shown.freed || shown.freed->status == 0 || status != Status::Done) return status;
-    complain("the process that frees memory ended early");
+    if (!shown.freed || !shown.freed->hasFailed()) return status;
+    complain(fmt::format("{}: {}", shown.freed->program, shown.freed->reason()));
     return Status::SomeSkipped;
 }
 

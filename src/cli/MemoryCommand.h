@@ -2,6 +2,8 @@
 // files.
 #pragma once
 
+#include <utility>
+
 #include "cli/Command.h"
 #include "platform/memory.h"
 
@@ -10,7 +12,8 @@ namespace orrinvale::cli {
 class MemoryCommand final : public Command {
 public:
     /// `memory` outlives the command.
-    explicit MemoryCommand(const Memory& memory) : m_memory(memory) {}
+    MemoryCommand(const Memory& memory, PurgePrograms programs)
+        : m_memory(memory), m_programs(std::move(programs)) {}
 
     [[nodiscard]] std::string_view name() const override { return "memory"; }
     [[nodiscard]] std::string_view summary() const override {
@@ -27,6 +30,7 @@ public:
 
 private:
     const Memory& m_memory;
+    const PurgePrograms m_programs;
 };
 
 }  // namespace orrinvale::cli

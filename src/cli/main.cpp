@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <csignal>
 #include <memory>
 #include <string>
 #include <vector>
@@ -150,9 +151,12 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     orrinvale::fillStandardStreams();
+    // Where a parent left it ignored, no child's end would be told.
+    std::signal(SIGCHLD, SIG_DFL);
     // The process that `memory --free` starts. Only as the first word: behind a command "fr" may be
     // the name of a file.
     if (argc > 1 && std::string_view(argv[1]) == "fr") {
+        orrinvale::Log::setEnabled(false);  // as everywhere here without --log
         const auto status =
             orrinvale::ClearMemory::freeMemory(argc, argv, orrinvale::LinuxMemory());
         if (status != -1) return status;

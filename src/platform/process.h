@@ -12,7 +12,9 @@
 namespace orrinvale {
 
 /// Any thread. What the program prints is thrown away, it has nothing to read, and it inherits the
-/// environment but no open file.
+/// environment but no open file. Of the signals that this program was told to ignore it ignores
+/// SIGHUP, SIGINT and SIGQUIT as well (nohup, a shell's background). A main program sets SIGCHLD to
+/// its default first: while it is ignored the kernel throws away how programs end.
 class Process final {
 public:
     /// Starts the program at an absolute path, with these arguments behind its name. No shell reads
@@ -32,8 +34,9 @@ public:
     void terminate();
 
     /// With what the program ended: its exit status, or the number of the signal that ended it.
-    /// Nothing while it runs.
+    /// Nothing while it runs, endUnknown when the system did not tell.
     [[nodiscard]] std::optional<int> endStatus() const;
+    static constexpr int endUnknown = -1;
 
 private:
     struct Shared;

@@ -15,7 +15,7 @@ TEST(LinuxMemory, ReadsTheFilesOfTheKernel) {
                "Active:          3000 kB\nInactive:        5000 kB\nActive(anon):    2000 kB\n"
                "Inactive(anon):  1000 kB\nInactive(file):  4000 kB\nSwapTotal:       8000 kB\n"
                "SwapFree:        7000 kB\nrubbish\nHugePages_Total:       0\n");
-    tree.write("proc/vmstat", "pgpgin 8000\npgpgout 4000\npgfault 12\npgfault_more 99\n");
+    tree.write("proc/vmstat", "pgpgin 8001\npgpgout 4000\npgfault 12\npgfault_more 99\n");
     tree.write("proc/pressure/memory",
                "some avg10=9.00 avg60=1.25 avg300=0.10 total=5\nfull avg10=0.00 avg60=0.50\n");
     const LinuxMemory memory(tree.path());
@@ -26,14 +26,18 @@ TEST(LinuxMemory, ReadsTheFilesOfTheKernel) {
     EXPECT_EQ(counts.active * page, 4000 * kib);
     EXPECT_EQ(counts.inactive * page, 4000 * kib);
     EXPECT_EQ(counts.wired * page, 4000 * kib);
-    EXPECT_EQ(counts.pageIns * page, 8000 * kib);
-    EXPECT_EQ(counts.pageOuts * page, 4000 * kib);
+    EXPECT_EQ(counts.bytesIn, 8001 * kib);
+    EXPECT_EQ(counts.bytesOut, 4000 * kib);
     EXPECT_EQ(counts.faults, 12U);
     const MemoryState state = memory.state().value();
     EXPECT_EQ(state.available, 9000 * kib);
     EXPECT_EQ(state.swapUsed, 1000 * kib);
     EXPECT_DOUBLE_EQ(state.pressure.value(), 1.25);
-    EXPECT_EQ(memory.room(), 9000 * kib) << "no groups to be seen";
+    EXPECT_EQ(memory.room(), 9000 * kib) << "a kernel without groups";
+    EXPECT_FALSE(memory.endThisProcessFirst());
+    tree.write("proc/self/oom_score_adj", "0");
+    EXPECT_TRUE(memory.endThisProcessFirst());
+    EXPECT_EQ(contentOf(tree.at("proc/self/oom_score_adj")), "1000");
 }
 
 TEST(LinuxMemory, WithoutFilesThereAreNoFigures) {
@@ -44,29 +48,67 @@ TEST(LinuxMemory, WithoutFilesThereAreNoFigures) {
     EXPECT_FALSE(memory.counts());
     EXPECT_FALSE(memory.state());
     EXPECT_EQ(memory.room(), 0U);
-    tree.write("proc/meminfo", "MemTotal: much\n");
-    EXPECT_FALSE(memory.counts());
+    // Each line of a whole file in turn is not there.
+    const Strings lines{"MemTotal: 8000 kB\n",       "MemFree: 4000 kB\n",
+                        "Active: 4000 kB\n",         "Inactive(anon): 4000 kB\n",
+                        "Inactive(file): 4000 kB\n", "SwapTotal: 8 kB\n",
+                        "SwapFree: 8 kB\n",          "MemAvailable: 100 kB\n"};
+    const auto without = [&](const std::string& missing) {
+        std::string text;
+        for (const std::string& line : lines) text += line == missing ? "MemTotal: much\n" : line;
+        tree.write("proc/meminfo", text);
+    };
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        without(lines[i]);
+        EXPECT_EQ(memory.counts().has_value(), i >= 5) << lines[i];
+        EXPECT_EQ(memory.state().has_value(), i != 0 && i != 5 && i != 6) << lines[i];
+        EXPECT_EQ(memory.room(), i == 0 || i >= 5 ? 0 : 100 * kib) << lines[i];
+    }
+    EXPECT_FALSE(memory.state()->available);
+    EXPECT_FALSE(memory.counts()->bytesIn) << "there is no file of events";
+    EXPECT_FALSE(memory.counts()->faults);
+
+    // More than all can not be in use.
+    without({});
+    const MemoryCounts counts = memory.counts().value();
+    const std::uint64_t pages = counts.free + counts.active + counts.inactive + counts.wired;
+    EXPECT_EQ(pages * memory.figure("hw.pagesize")->value(), 8000 * kib);
 }
 
-// Each case is a machine's table of mounts, the groups of the process, and the files of groups.
+// Each case is a machine's table of mounts, the groups of the process, the folder of its own group,
+// and the files of groups.
 TEST(LinuxMemory, TheTightestOfAllGroupsLimitsTheRoom) {
     const std::string unified = "30 20 0:26 / /sys/fs/cgroup rw - cgroup2 cgroup2 rw\n";
     const std::string first = "31 20 0:27 / /cg/memory rw - cgroup cgroup rw,memory\n";
+    const std::string inside = "30 20 0:26 /pod/one /sys/fs/cgroup rw - cgroup2 cgroup2 rw\n";
+    const std::string notMountedAnew =
+        "31 20 0:27 /../.. /cg/memory rw - cgroup cgroup rw,memory\n";
+    const std::vector<std::pair<std::string, std::string>> top{
+        {"sys/fs/cgroup/memory.max", "50"}, {"sys/fs/cgroup/memory.current", "20"}};
+    constexpr std::uint64_t unlimited = ~0ULL;
     const struct {
         const char* what;
-        std::string mounts, own;
+        std::string mounts, own, group;
         std::vector<std::pair<std::string, std::string>> files;
         std::uint64_t room;
     } cases[] = {
-        {"none", unified, "0::/a\n", {{"sys/fs/cgroup/a/memory.max", "max\n"}}, ~0ULL},
+        {"no limit",
+         unified,
+         "0::/a\n",
+         "sys/fs/cgroup/a",
+         {{"sys/fs/cgroup/a/memory.max", "max\n"}},
+         unlimited},
+        {"no group counts memory", unified, "3:cpu:/a\n", "", {}, unlimited},
         {"own",
          unified,
          "0::/a/b\n",
+         "sys/fs/cgroup/a/b",
          {{"sys/fs/cgroup/a/b/memory.max", "1000\n"}, {"sys/fs/cgroup/a/b/memory.current", "300"}},
          700},
         {"an ancestor's, and the softer limit",
          unified,
          "0::/a/b\n",
+         "sys/fs/cgroup/a/b",
          {{"sys/fs/cgroup/a/b/memory.max", "1000"},
           {"sys/fs/cgroup/a/b/memory.current", "300"},
           {"sys/fs/cgroup/a/memory.max", "9000"},
@@ -76,35 +118,94 @@ TEST(LinuxMemory, TheTightestOfAllGroupsLimitsTheRoom) {
         {"over the limit already",
          unified,
          "0::/a\n",
+         "sys/fs/cgroup/a",
          {{"sys/fs/cgroup/a/memory.max", "100"}, {"sys/fs/cgroup/a/memory.current", "400"}},
          0},
-        {"the first version, among others",
-         unified + first,
-         "7:cpu:/\n4:hugetlb,memory:/x/y\n0::/\n",
+        {"nobody tells what is taken",
+         unified,
+         "0::/a\n",
+         "sys/fs/cgroup/a",
+         {{"sys/fs/cgroup/a/memory.max", "100"}},
+         0},
+        {"no limit that can be read",
+         unified,
+         "0::/a\n",
+         "sys/fs/cgroup/a",
+         {{"sys/fs/cgroup/a/memory.max", "much"}, {"sys/fs/cgroup/a/memory.current", "1"}},
+         0},
+        {"the first version, among others, whose group is elsewhere",
+         first,
+         "7:cpu:/\n4:hugetlb,memory:/x/y\n0::/z\n",
+         "cg/memory/x/y",
          {{"cg/memory/x/memory.limit_in_bytes", "5000"},
           {"cg/memory/x/memory.usage_in_bytes", "1000"}},
          4000},
+        {"memory and swap together",
+         first,
+         "4:memory:/x\n",
+         "cg/memory/x",
+         {{"cg/memory/x/memory.limit_in_bytes", "5000"},
+          {"cg/memory/x/memory.usage_in_bytes", "1000"},
+          {"cg/memory/x/memory.memsw.limit_in_bytes", "5000"},
+          {"cg/memory/x/memory.memsw.usage_in_bytes", "4500"}},
+         500},
         {"in a container that sees its own part alone",
-         "30 20 0:26 /pod/one /sys/fs/cgroup rw - cgroup2 cgroup2 rw\n",
+         inside,
          "0::/pod/one/in\n",
+         "sys/fs/cgroup/in",
          {{"sys/fs/cgroup/memory.max", "50"},
           {"sys/fs/cgroup/memory.current", "20"},
           {"sys/fs/cgroup/in/memory.max", "60"},
           {"sys/fs/cgroup/in/memory.current", "20"}},
          30},
-        {"a group outside of what is to be seen",
-         unified,
-         "0::/../other\n",
-         {{"sys/fs/cgroup/memory.max", "50"}, {"sys/fs/cgroup/memory.current", "20"}},
-         30},
+        {"dots that are a name", unified, "0::/..x\n", "sys/fs/cgroup/..x", top, 30},
+        {"a neighbour of what is to be seen", inside, "0::/pod/one2\n", "sys/fs/cgroup", top, 0},
+        {"a group outside of what is to be seen", unified, "0::/../other\n", "sys/fs/cgroup", top,
+         0},
+        {"a group namespace, not mounted anew", notMountedAnew, "4:memory:/\n", "cg/memory", {}, 0},
+        {"a group without a mount", "", "0::/a\n", "sys/fs/cgroup/a", top, 0},
+        {"a group that is gone", unified, "0::/a (deleted)\n", "sys/fs/cgroup", top, 0},
     };
     for (const auto& each : cases) {
         TestTree tree;
         tree.write("proc/self/mountinfo", each.mounts);
         tree.write("proc/self/cgroup", each.own);
+        if (!each.group.empty()) tree.write(each.group + "/cgroup.procs", "");
         for (const auto& [name, text] : each.files) tree.write(name, text);
         EXPECT_EQ(roomInMemoryGroups(tree.path()), each.room) << each.what;
     }
+    // A table, and then a list of groups, that can not be read.
+    TestTree tree;
+    tree.write("proc/self/cgroup", "0::/a\n");
+    EXPECT_EQ(roomInMemoryGroups(tree.path()), 0U);
+    TestTree closed;
+    closed.folder("proc/self/cgroup");
+    EXPECT_EQ(roomInMemoryGroups(closed.path()), 0U);
+}
+
+TEST(PurgePrograms, OnlyWhatIsTheAdministratorsAloneIsRun) {
+    EXPECT_TRUE(onlyRootCanHavePut("/etc/passwd"));
+    for (const char* const path : {"", "passwd", "/etc", "/etc/nothing", "/bin/sh"})
+        EXPECT_FALSE(onlyRootCanHavePut(path)) << path;  // the last one is a link
+    TestTree open;
+    open.write("purge", "");
+    EXPECT_FALSE(onlyRootCanHavePut(open.at("purge"))) << "anybody may write into /tmp";
+    if (::geteuid() != 0) GTEST_SKIP() << "the rest needs the administrator's own folders";
+    TestTree own("/var/lib");
+    own.write("in/purge", "");
+    const struct {
+        const char* name;
+        mode_t mode;
+        bool isTrusted;
+    } steps[] = {{"in", 0775, false},       {"in", 0757, false},       {"in", 0755, true},
+                 {"in/purge", 0664, false}, {"in/purge", 0646, false}, {"in/purge", 0755, true}};
+    for (const auto& each : steps) {
+        own.setMode(each.name, each.mode);
+        EXPECT_EQ(onlyRootCanHavePut(own.at("in/purge")), each.isTrusted)
+            << each.name << ' ' << std::oct << each.mode;
+    }
+    own.giveAway({"in"});
+    EXPECT_FALSE(onlyRootCanHavePut(own.at("in/purge")));
 }
 
 TEST(LinuxMemory, ThisMachineAddsUp) {

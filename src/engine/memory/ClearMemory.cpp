@@ -2,6 +2,7 @@
 #include "engine/memory/ClearMemory.h"
 
 #include <fmt/format.h>
+#include <sys/mman.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -17,7 +18,6 @@ namespace {
 constexpr std::int32_t kNoCommandLineRun = -1;
 constexpr std::int32_t kTouched = 0;
 constexpr std::int32_t kNoMemory = 1;
-constexpr std::int32_t kNotStarted = 127;
 constexpr std::uint32_t kWholeKibibytes = 0xfffffc00;
 constexpr std::size_t kPage = 4096;
 constexpr std::size_t kSteps = 16;
@@ -50,7 +50,8 @@ void touch(char* memory, std::size_t size, const Memory& machine) {
     const std::size_t step = std::clamp(size / kSteps, kPage, kLargestStep);
     for (std::size_t done = 0; done < size;) {
         const std::size_t now = std::min(step, size - done);
-        if (done != 0 && (machine.room() < now || swapUsed(machine) > swapBefore)) return;
+        // Somebody else, another run of this for one, may take a step between the look and ours.
+        if (machine.room() / 2 < now || swapUsed(machine) > swapBefore) return;
         std::memset(memory + done, 0, now);
         done += now;
     }
@@ -80,18 +81,23 @@ std::int32_t ClearMemory::clearMemory() {
     return 0;
 }
 
-std::unique_ptr<Process> ClearMemory::launch() const {
-    std::string program = m_programs.systemPurge;
+bool ClearMemory::isOwnProgramAsked() const {
+    const std::string& ours = m_programs.resourcePurge;
+    return m_programs.systemPurge.empty() && (ours.empty() || !m_programs.isTrusted(ours));
+}
+
+std::unique_ptr<Process> ClearMemory::launch() {
     std::vector<std::string> arguments;
-    if (program.empty()) {
+    if (m_programs.systemPurge.empty())
         Log::line(fmt::format("purge = {}", m_programs.resourcePurge));
-        program = m_programs.resourcePurge;
-    }
-    if (program.empty()) {
-        program = m_programs.executable;
+    if (isOwnProgramAsked()) {
+        m_program = m_programs.executable;
         arguments = {"fr", fmt::format("{}", m_meminfo.freeMem + m_meminfo.inactiveMem)};
+    } else {
+        m_program = m_programs.systemPurge.empty() ? m_programs.resourcePurge  //
+                                                   : m_programs.systemPurge;
     }
-    auto started = Process::start(program, arguments, {});
+    auto started = Process::start(m_program, arguments, {});
     return started ? std::move(*started) : nullptr;
 }
 
@@ -101,31 +107,31 @@ void ClearMemory::stop() {
     if (m_task) m_task->terminate();
 }
 
-bool ClearMemory::isWithinFree(const _MEMORY_INFO& info) {
-    return cutToRun(info.freeMem + info.inactiveMem) <= info.freeMem;
+PurgeOutlook ClearMemory::outlook() const {
+    if (!isOwnProgramAsked()) return PurgeOutlook::Foreign;
+    const std::uint64_t room = m_memory.room();
+    if (room == 0) return PurgeOutlook::NoRoom;
+    const std::uint64_t most =
+        std::min<std::uint64_t>(cutToRun(m_meminfo.freeMem + m_meminfo.inactiveMem), room);
+    return most <= m_meminfo.freeMem ? PurgeOutlook::WithinFree : PurgeOutlook::GivesUp;
 }
 
 std::int32_t ClearMemory::freeMemory(int count, const char* const* param, const Memory& memory) {
     const char* const text = sizeArgument(count, param);
     if (text == nullptr) return kNoCommandLineRun;
     Log::line(fmt::format("freeMemoy size={}", text));
-    if (sizeOf(text) == 0) return kTouched;  // an allocation of nothing may give a null pointer
-    memory.endThisProcessFirst();
+    if (sizeOf(text) == 0) return kTouched;
+    if (!memory.endThisProcessFirst()) return kNoMemory;
     const std::size_t size = std::min<std::uint64_t>(sizeOf(text), memory.room());
     if (size == 0) return kTouched;
 
-    void* block = std::malloc(size);
-    if (block == nullptr) return kNoMemory;
-    // Both barriers are needed (measured with g++ 12: without them 1 GiB "touched" held 3 MiB). The
-    // first hides where the pointer comes from; else allocation and zeroing become one calloc,
-    // which takes untouched zero pages. The second stands for a reader of the bytes; else the
-    // writes may be dropped.
-    asm volatile("" : "+r"(block));
-    // NOLINTNEXTLINE(clang-analyzer-unix.Malloc): the analyzer takes what the barrier gives back
-    // for another pointer
+    // Straight from the system: an allocator may be told to fill what it hands out (MALLOC_PERTURB_
+    // does so in glibc), which touches all of it before the first look at what is left.
+    void* const block =
+        ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (block == MAP_FAILED) return kNoMemory;
     touch(static_cast<char*>(block), size, memory);
-    asm volatile("" : : "r"(block) : "memory");
-    std::free(block);
+    ::munmap(block, size);
     return kTouched;
 }
 

@@ -25,9 +25,9 @@ std::int32_t getMemoryInfo(_MEMORY_INFO* info, const Memory& memory) {
         info->inactiveMem = counts->inactive * page;
         info->activeMem = counts->active * page;
         info->wiredMem = counts->wired * page;
-        info->pageIn = counts->pageIns * page;
-        info->pageOut = counts->pageOuts * page;
-        info->vMem = counts->faults * page;
+        info->pageIn = counts->bytesIn.value_or(info->pageIn);
+        info->pageOut = counts->bytesOut.value_or(info->pageOut);
+        if (counts->faults) info->vMem = *counts->faults * page;
     }
     info->usedMem = info->totalMem - info->freeMem;
     return status;

@@ -58,8 +58,8 @@ bool showsSameMemory(const SystemSight& a, const SystemSight& b) {
                           text(info.wiredMem), text(info.usedMem),     text(info.totalMem)};
     };
     const auto state = [&](const MemoryState& each) {
-        return std::tuple(text(each.available), text(each.swapTotal), text(each.swapUsed),
-                          each.pressure);
+        return std::tuple(each.available ? text(*each.available) : std::string(),
+                          text(each.swapTotal), text(each.swapUsed), each.pressure);
     };
     return (!a.memory || counts(*a.memory) == counts(*b.memory)) &&
            (!a.memoryState || state(*a.memoryState) == state(*b.memoryState));

@@ -1,12 +1,12 @@
 // The figures of /proc/meminfo, which all come from one reading, so that they add up.
 #include "platform/linux/LinuxMemory.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
-#include <fstream>
 #include <map>
 
 #include "platform/linux/MemoryGroups.h"
@@ -28,11 +28,27 @@ public:
         });
     }
 
-    [[nodiscard]] std::uint64_t operator[](std::string_view name) const {
-        const auto found = m_values.find(name);
-        return found == m_values.end() ? 0 : found->second;
+    // ENOENT where there is no such line.
+    static SysResult<Figures> of(const std::string& path,
+                                 std::initializer_list<std::string_view> needed) {
+        auto figures = of(path);
+        for (const std::string_view name : needed)
+            if (figures && !figures->get(name)) return tl::unexpected(ENOENT);
+        return figures;
     }
-    [[nodiscard]] bool has(std::string_view name) const { return m_values.contains(name); }
+
+    [[nodiscard]] std::optional<std::uint64_t> get(std::string_view name) const {
+        const auto found = m_values.find(name);
+        return found == m_values.end() ? std::nullopt : std::optional(found->second);
+    }
+    [[nodiscard]] std::uint64_t operator[](std::string_view name) const {
+        return get(name).value_or(0);
+    }
+    // The same of a line in KiB.
+    [[nodiscard]] std::optional<std::uint64_t> bytes(std::string_view name) const {
+        const auto value = get(name);
+        return value ? std::optional(*value * kibibyte) : std::nullopt;
+    }
 
 private:
     explicit Figures(std::string_view text) {
@@ -55,11 +71,7 @@ private:
     std::map<std::string, std::uint64_t, std::less<>> m_values;
 };
 
-SysResult<Figures> memoryFigures(const std::string& root) {
-    auto figures = Figures::of(root + "/proc/meminfo");
-    if (figures && !figures->has("MemTotal")) return tl::unexpected(ENOENT);
-    return figures;
-}
+constexpr const char* memoryFile = "/proc/meminfo";
 
 std::uint64_t pageSize() { return static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE)); }
 
@@ -81,35 +93,45 @@ std::optional<double> pressureOf(const std::string& root) {
 SysResult<std::optional<std::uint64_t>> LinuxMemory::figure(std::string_view name) const {
     if (name == "hw.pagesize") return pageSize();
     if (name != "hw.physmem" && name != "hw.memsize") return tl::unexpected(ENOENT);
-    return memoryFigures(m_root).map(
-        [](const Figures& figures) { return std::optional(figures["MemTotal"] * kibibyte); });
+    return Figures::of(m_root + memoryFile, {"MemTotal"}).map([](const Figures& figures) {
+        return figures.bytes("MemTotal");
+    });
 }
 
 SysResult<MemoryCounts> LinuxMemory::counts() const {
-    const auto memory = memoryFigures(m_root);
+    const auto memory = Figures::of(
+        m_root + memoryFile, {"MemTotal", "MemFree", "Active", "Inactive(anon)", "Inactive(file)"});
     if (!memory) return tl::unexpected(memory.error());
-    const std::uint64_t page = pageSize();
-    const auto pages = [&](std::string_view name) { return (*memory)[name] * kibibyte / page; };
+    const auto pages = [&](std::string_view name) {
+        return (*memory)[name] * kibibyte / pageSize();
+    };
+    // The kernel counts while it goes on, and what stands in for it in a container counts in its
+    // own way: what is more than all is left out, so that the four still add up.
+    std::uint64_t rest = pages("MemTotal");
+    const auto take = [&rest](std::uint64_t count) {
+        const std::uint64_t taken = std::min(count, rest);
+        rest -= taken;
+        return taken;
+    };
     MemoryCounts out;
-    out.free = pages("MemFree");
-    out.active = pages("Active") + pages("Inactive(anon)");
-    out.inactive = pages("Inactive(file)");
-    const std::uint64_t known = out.free + out.active + out.inactive;
-    out.wired = pages("MemTotal") - std::min(pages("MemTotal"), known);
+    out.free = take(pages("MemFree"));
+    out.active = take(pages("Active") + pages("Inactive(anon)"));
+    out.inactive = take(pages("Inactive(file)"));
+    out.wired = rest;
     // pgpgin and pgpgout count kibibytes, whatever their names say; pgfault counts pages.
     if (const auto events = Figures::of(m_root + "/proc/vmstat")) {
-        out.pageIns = (*events)["pgpgin"] * kibibyte / page;
-        out.pageOuts = (*events)["pgpgout"] * kibibyte / page;
-        out.faults = (*events)["pgfault"];
+        out.bytesIn = events->bytes("pgpgin");
+        out.bytesOut = events->bytes("pgpgout");
+        out.faults = events->get("pgfault");
     }
     return out;
 }
 
 SysResult<MemoryState> LinuxMemory::state() const {
-    const auto memory = memoryFigures(m_root);
+    const auto memory = Figures::of(m_root + memoryFile, {"MemTotal", "SwapTotal", "SwapFree"});
     if (!memory) return tl::unexpected(memory.error());
     MemoryState out;
-    out.available = (*memory)["MemAvailable"] * kibibyte;
+    out.available = memory->bytes("MemAvailable");
     out.swapTotal = (*memory)["SwapTotal"] * kibibyte;
     out.swapUsed = out.swapTotal - std::min(out.swapTotal, (*memory)["SwapFree"] * kibibyte);
     out.pressure = pressureOf(m_root);
@@ -118,11 +140,15 @@ SysResult<MemoryState> LinuxMemory::state() const {
 
 std::uint64_t LinuxMemory::room() const {
     const auto now = state();
-    return now ? std::min(now->available, roomInMemoryGroups(m_root)) : 0;
+    return now && now->available ? std::min(*now->available, roomInMemoryGroups(m_root)) : 0;
 }
 
-void LinuxMemory::endThisProcessFirst() const {
-    std::ofstream(m_root + "/proc/self/oom_score_adj") << "1000";
+bool LinuxMemory::endThisProcessFirst() const {
+    constexpr std::string_view highest = "1000";
+    const Descriptor file(
+        ::open((m_root + "/proc/self/oom_score_adj").c_str(), O_WRONLY | O_CLOEXEC));
+    return file.isOpen() && ::write(file.get(), highest.data(), highest.size()) ==
+                                static_cast<ssize_t>(highest.size());
 }
 
 }  // namespace orrinvale

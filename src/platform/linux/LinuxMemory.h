@@ -22,7 +22,7 @@ public:
     [[nodiscard]] SysResult<MemoryCounts> counts() const override;
     [[nodiscard]] SysResult<MemoryState> state() const override;
     [[nodiscard]] std::uint64_t room() const override;
-    void endThisProcessFirst() const override;
+    [[nodiscard]] bool endThisProcessFirst() const override;
 
 private:
     const std::string m_root;

@@ -18,6 +18,11 @@
 namespace orrinvale {
 namespace {
 
+bool isIgnored(int signal) {
+    struct sigaction now {};
+    return ::sigaction(signal, nullptr, &now) == 0 && now.sa_handler == SIG_IGN;
+}
+
 int spawn(const std::string& program, const std::vector<std::string>& arguments, pid_t& child) {
     std::vector<std::string> texts{program};
     texts.insert(texts.end(), arguments.begin(), arguments.end());
@@ -38,6 +43,8 @@ int spawn(const std::string& program, const std::vector<std::string>& arguments,
     ::sigemptyset(&signals);
     ::posix_spawnattr_setsigmask(&attributes, &signals);
     ::sigfillset(&signals);
+    for (const int each : {SIGHUP, SIGINT, SIGQUIT})
+        if (isIgnored(each)) ::sigdelset(&signals, each);
     ::posix_spawnattr_setsigdefault(&attributes, &signals);
     ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
     const int error =
@@ -45,6 +52,15 @@ int spawn(const std::string& program, const std::vector<std::string>& arguments,
     ::posix_spawn_file_actions_destroy(&actions);
     ::posix_spawnattr_destroy(&attributes);
     return error;
+}
+
+int reap(pid_t child) {
+    int ending = 0;
+    pid_t reaped = -1;
+    do reaped = ::waitpid(child, &ending, 0);
+    while (reaped < 0 && errno == EINTR);
+    if (reaped < 0) return Process::endUnknown;
+    return WIFSIGNALED(ending) ? WTERMSIG(ending) : WEXITSTATUS(ending);
 }
 
 }  // namespace
@@ -61,10 +77,8 @@ struct Process::Shared {
         std::function<void()> tell;
         {
             const std::lock_guard guard(mutex);
-            int ending = 0;
-            while (::waitpid(child, &ending, 0) < 0 && errno == EINTR) {}
+            status = reap(child);
             child = -1;
-            status = WIFSIGNALED(ending) ? WTERMSIG(ending) : WEXITSTATUS(ending);
             tell = std::move(ended);
         }
         if (tell) tell();

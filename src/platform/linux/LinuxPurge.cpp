@@ -2,7 +2,7 @@
 // program. "/usr/bin/purge" is the name of anybody's program here and is never run.
 #include <sys/stat.h>
 
-#include <string_view>
+#include <algorithm>
 
 #include "platform/linux/ProgramFiles.h"
 #include "platform/memory.h"
@@ -16,20 +16,21 @@ bool isRootsAlone(const std::string& path, mode_t type) {
            seen.st_uid == 0 && (seen.st_mode & (S_IWGRP | S_IWOTH)) == 0;
 }
 
-// The file and every folder on the way to it.
+}  // namespace
+
 bool onlyRootCanHavePut(const std::string& path) {
-    if (!isRootsAlone(path, S_IFREG)) return false;
-    for (std::size_t end = path.rfind('/'); end != 0; end = path.rfind('/', end - 1))
-        if (!isRootsAlone(path.substr(0, end), S_IFDIR)) return false;
+    if (!path.starts_with('/') || !isRootsAlone(path, S_IFREG)) return false;
+    std::size_t end = path.size();
+    while (end != 0) {
+        end = path.rfind('/', end - 1);
+        if (!isRootsAlone(path.substr(0, std::max<std::size_t>(end, 1)), S_IFDIR)) return false;
+    }
     return true;
 }
 
-}  // namespace
-
 PurgePrograms purgePrograms() {
-    const std::string ours = ORRINVALE_RESOURCE_PATH "/purge";
     return {.systemPurge = {},
-            .resourcePurge = onlyRootCanHavePut(ours) ? ours : std::string(),
+            .resourcePurge = ORRINVALE_RESOURCE_PATH "/purge",
             .executable = ownExecutable()};
 }
 

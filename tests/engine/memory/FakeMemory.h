@@ -16,6 +16,7 @@ struct FakeMemory final : Memory {
     SysResult<MemoryCounts> counted = MemoryCounts{};
     std::function<std::uint64_t()> roomNow = [] { return ~std::uint64_t{0}; };
     std::function<std::uint64_t()> swapNow = [] { return std::uint64_t{0}; };
+    bool canBeFirst = true;
     mutable bool isFirst = false;
 
     [[nodiscard]] SysResult<std::optional<std::uint64_t>> figure(
@@ -29,7 +30,7 @@ struct FakeMemory final : Memory {
         return now;
     }
     [[nodiscard]] std::uint64_t room() const override { return roomNow(); }
-    void endThisProcessFirst() const override { isFirst = true; }
+    [[nodiscard]] bool endThisProcessFirst() const override { return isFirst = canBeFirst; }
 };
 
 }  // namespace orrinvale::testing

@@ -18,13 +18,14 @@ TEST(MemoryInfo, AFigureThatCanNotBeReadKeepsItsValue) {
                                   .active = 2,
                                   .inactive = 3,
                                   .wired = 4,
-                                  .pageIns = 5,
-                                  .pageOuts = 6,
+                                  .bytesIn = 5,
+                                  .bytesOut = 6,
                                   .faults = 7};
     _MEMORY_INFO info;
     EXPECT_EQ(getMemoryInfo(&info, memory), 0);
     EXPECT_EQ(info.wiredMem, 4U * 16384);
     EXPECT_EQ(info.vMem, 7U * 16384);
+    EXPECT_EQ(info.pageIn, 5U);
     EXPECT_EQ(info.usedMem, (1U << 30) - 16384);
 
     // The page size is taken as 4096 until it is told; the last errno counts.
@@ -34,6 +35,8 @@ TEST(MemoryInfo, AFigureThatCanNotBeReadKeepsItsValue) {
     EXPECT_EQ(getMemoryInfo(&info, memory), EPERM);
     EXPECT_EQ(info.freeMem, 10U * 4096);
     EXPECT_EQ(info.totalMem, 1U << 30);
+    EXPECT_EQ(info.pageIn, 5U) << "the events were not told this time";
+    EXPECT_EQ(info.vMem, 7U * 16384);
     memory.figures.insert_or_assign("hw.memsize", std::optional<std::uint64_t>());
     memory.counted = tl::unexpected(EIO);
     EXPECT_EQ(getMemoryInfo(&info, memory), ENOENT);
@@ -78,17 +81,24 @@ TEST_F(Purge, TakesTheFirstProgramThereIs) {
         {"resource", false, true, "\n", 0},
         {"own", false, false, "fr 1228800\n", 3},
     };
+    const std::string ours = tree.at("resource");
     for (const auto& each : cases) {
         ClearMemory memory(figures,
                            {.systemPurge = each.hasSystem ? program("system", "") : std::string(),
-                            .resourcePurge = each.hasResource ? program("resource", "") : "",
-                            .executable = own});
+                            .resourcePurge = ours,
+                            .executable = own,
+                            .isTrusted = [](const std::string& path) { return isThere(path); }});
         memory.getMemoryInfo(nullptr);
+        // What is there counts at the start of the purge.
+        if (each.hasResource) program("resource", "");
+        else ::unlink(ours.c_str());
         const LogLines log;
         EXPECT_EQ(memory.clearMemory(), 0);
         ASSERT_TRUE(untilNoticed(memory)) << each.name;
         EXPECT_EQ(contentOf(tree.at(std::string(each.name) + ".ran")), each.arguments) << each.name;
         EXPECT_EQ(memory.terminationStatus(), each.status);
+        EXPECT_EQ(memory.program(), tree.at(each.name));
+        EXPECT_EQ(log.lines.front() == "purge = " + ours, !each.hasSystem) << each.name;
         EXPECT_EQ(log.lines.back(), "Task finished. status = " + std::to_string(each.status));
     }
 }
@@ -117,19 +127,29 @@ TEST_F(Purge, TellsThatItsProgramIsNotThere) {
     EXPECT_EQ(memory.terminationStatus(), 127);
 }
 
-TEST(ClearMemory, TellsWhereNothingHasToBeGivenUp) {
+TEST(ClearMemory, TellsBeforehandWhatAPurgeWouldDo) {
     constexpr std::uint64_t gib = 1 << 30;
+    constexpr std::uint64_t page = 4096;
+    constexpr std::uint64_t any = ~std::uint64_t{0};
     const struct {
-        std::uint64_t free, inactive;
-        bool isWithin;
-    } cases[] = {{1 * gib, 2 * gib, false},
-                 {5 * gib, 1 * gib, true},
-                 {1 * gib, 3 * gib, true},  // 4 GiB are cut to nothing
-                 {0, 4 * gib - 1024, false}};
-    for (const auto& each : cases)
-        EXPECT_EQ(ClearMemory::isWithinFree({.freeMem = each.free, .inactiveMem = each.inactive}),
-                  each.isWithin)
-            << each.free << ' ' << each.inactive;
+        std::uint64_t free, inactive, room;
+        const char* system;
+        PurgeOutlook outlook;
+    } cases[] = {{1 * gib, 2 * gib, any, "", PurgeOutlook::GivesUp},
+                 {5 * gib, 1 * gib, any, "", PurgeOutlook::WithinFree},
+                 {1 * gib, 3 * gib, any, "", PurgeOutlook::WithinFree},  // 4 GiB are cut to nothing
+                 {0, 4 * gib - page, any, "", PurgeOutlook::GivesUp},
+                 {1 * gib, 2 * gib, gib / 2, "", PurgeOutlook::WithinFree},
+                 {1 * gib, 2 * gib, 0, "", PurgeOutlook::NoRoom},
+                 {5 * gib, 1 * gib, any, "/bin/true", PurgeOutlook::Foreign}};
+    for (const auto& each : cases) {
+        FakeMemory figures;
+        figures.counted = MemoryCounts{.free = each.free / page, .inactive = each.inactive / page};
+        figures.roomNow = [&each] { return each.room; };
+        ClearMemory memory(figures, {.systemPurge = each.system});
+        memory.getMemoryInfo(nullptr);
+        EXPECT_EQ(memory.outlook(), each.outlook) << each.free << ' ' << each.inactive;
+    }
 }
 
 }  // namespace

@@ -40,7 +40,7 @@ public:
     }
     [[nodiscard]] SysResult<MemoryState> state() const override { return MemoryState{}; }
     [[nodiscard]] std::uint64_t room() const override { return 0; }
-    void endThisProcessFirst() const override {}
+    [[nodiscard]] bool endThisProcessFirst() const override { return false; }
 
     mutable std::atomic<int> readings{0};
 };
