@@ -68,6 +68,7 @@ TEST(CleanPlaces, filesOfTheSystemGoAndWhatServicesNeedStays) {
                           "/var/log/journal/0a/user-1000@0b.journal~"};
         const Names staying{"/var/cache/apt/archives/lock",
                             "/var/cache/debconf/config.dat",
+                            "/var/cache/man/index.db",
                             "/var/cache/rclone/vfs/x",
                             "/var/cache/shown/in/letter",
                             "/var/log/syslog",

@@ -32,6 +32,7 @@ constexpr std::array keptCaches{
     KeptPlace{"samba", "state of the file server, logins for times without network among it"},
     KeptPlace{"cracklib", "word lists that only a daily job makes again"},
     KeptPlace{"dictionaries-common", "word lists made when packages were set up"},
+    KeptPlace{"man", "the index of the manual pages, which only a daily job makes again"},
     KeptPlace{"postgresql", "word lists of the database, made when packages were set up"},
     KeptPlace{"pbuilder", "systems to build packages in, set up by an administrator"},
 };
@@ -114,11 +115,21 @@ constexpr std::array<std::string_view, 4> partialEndings{"part", "crdownload", "
                                                          "download"};
 
 // Programs that keep in their cache what they can not get again.
-constexpr std::array<std::string_view, 4> preciousPrograms{
+constexpr std::array<std::string_view, 16> preciousPrograms{
     "rclone",     // files that are not uploaded yet
     "keepassxc",  // which databases there are and were opened
     "s3ql",       // blocks of a file system that are not uploaded yet
-    "davfs2"};    // files that are not uploaded yet
+    "davfs2",     // files that are not uploaded yet
+    "evolution",  // events, tasks and contacts that are not uploaded yet
+    "ibus",       // what input methods learned
+    "jetbrains",  // the history of edited files
+    "google",     // the same, of Android Studio
+    "lm-studio",  // conversations and keys
+    "obexd",      // files received by Bluetooth
+    "sessions",   // the desktop that a person saved in Xfce
+    "xournalpp",  // pages that are not saved yet
+    // By a common setting: texts that are not saved yet, and what was typed.
+    "emacs", "nvim", "vim", "zsh"};
 
 template <std::size_t Size>
 bool contains(const std::array<std::string_view, Size>& words, std::string_view word) {

@@ -54,6 +54,22 @@ TEST(CategoryScan, rowsOfUserCachesAndWhyOthersStay) {
     for (const CleanRow& row : listing.kept) EXPECT_EQ(row.bytes, 0U) << row.path;
 }
 
+// By the names that they have on disks, capitals and all.
+TEST(CategoryScan, whatProgramsCanNotMakeAgainStays) {
+    CleanHome home;
+    for (const char* path :
+         {".cache/JetBrains/IdeaIC2024.1/LocalHistory/x", ".cache/Google/AndroidStudio2024.1/x",
+          ".cache/evolution/calendar/0a/cache.db", ".cache/ibus/libpinyin/user_bigram.db",
+          ".cache/lm-studio/conversations/x", ".cache/obexd/photo", ".cache/xournalpp/autosaves/x",
+          ".cache/sessions/xfce4-session-host:0", ".cache/vim/undo/x", ".cache/zsh/history",
+          ".var/app/org.gnome.Evolution/cache/tmp/x", "snap/rclone/common/.cache/vfs/x"})
+        ASSERT_TRUE(home.tree.write(path, "1"));
+    ASSERT_TRUE(home.tree.write(".cache/google-chrome/x", "1"));
+    const auto listing = home.scan(CleanCategory::UserCaches);
+    EXPECT_EQ(CleanHome::offered(listing), Names{"google-chrome 1"});
+    for (const CleanRow& row : listing.kept) EXPECT_EQ(row.kept, KeptBecause::Precious) << row.path;
+}
+
 // What is thrown away goes, whatever it is; a download goes but for one that goes on.
 TEST(CategoryScan, otherCategoriesHaveOtherRules) {
     CleanHome home({}, {"/"});
