@@ -1313,6 +1313,21 @@ Freie Software unter der Apache License 2.0.</translation>
     </message>
 </context>
 <context>
+    <name>orrinvale::SpaceWarnings</name>
+    <message>
+        <source>%1 is almost full</source>
+        <translation>%1 ist fast voll</translation>
+    </message>
+    <message>
+        <source>%1 of %2 are free.</source>
+        <translation>%1 von %2 sind frei.</translation>
+    </message>
+    <message>
+        <source>Free up space</source>
+        <translation>Platz schaffen</translation>
+    </message>
+</context>
+<context>
     <name>orrinvale::WindowButton</name>
     <message>
         <source>Close</source>

@@ -1,5 +1,6 @@
 // The window program: the system gate first, then the run that only touches memory, then a word to
 // the program that runs already, and only then the window.
+#include <QDBusConnection>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -32,10 +33,12 @@
 #include "platform/linux/LinuxVolumes.h"
 #include "platform/linux/ProgramFiles.h"
 #include "platform/standardStreams.h"
+#include "services/desktop/DesktopNotifications.h"
 #include "services/foundation/QtMainQueue.h"
 #include "services/lifecycle/EndSignals.h"
 #include "services/lifecycle/StartService.h"
 #include "services/settings/SettingsKeeper.h"
+#include "services/volumes/SystemWatch.h"
 #include "ui/duplicates/duplicatePage.h"
 #include "ui/kit/dialogs/WindowDialogs.h"
 #include "ui/kit/look/Theme.h"
@@ -76,6 +79,8 @@ struct Shared {
     LinuxAuthorization authorization;
     NotificationCenter notifications;
     QtMainQueue mainQueue;
+    const LinuxMemory memory;
+    SystemWatch systemWatch{volumes, memory, mainQueue};
     WindowDialogs dialogs;
     FileIcons icons;
 };
@@ -100,7 +105,8 @@ void connectEngine(Shared& shared) {
                                           .openFolder = revealInFileManager});
 }
 
-AppDelegateParts delegateParts(Shared& shared, std::unique_ptr<ProgramInstance>& instance,
+AppDelegateParts delegateParts(Shared& shared, DesktopNotifications& desktopNotifications,
+                               std::unique_ptr<ProgramInstance>& instance,
                                std::optional<StartService>& service) {
     return {
         .pages = {.files = &shared.files,
@@ -121,6 +127,8 @@ AppDelegateParts delegateParts(Shared& shared, std::unique_ptr<ProgramInstance>&
         .volumes = &shared.volumes,
         .volumesAtOnce = &shared.volumesAtOnce,
         .mountChanges = &shared.mountChanges,
+        .desktopNotifications = &desktopNotifications,
+        .systemWatch = &shared.systemWatch,
         .openFolder = openInFileManager,
         .openGuide = openUserGuide,
         .stopListening =
@@ -172,7 +180,8 @@ int runWindow(int argc, char** argv, const StartRequest& request,
     UserDefaults& defaults = UserDefaults::standardUserDefaults();
     const SettingsKeeper keeper(defaults);
     std::optional<StartService> service;
-    const AppDelegateParts parts = delegateParts(shared, instance, service);
+    DesktopNotifications desktopNotifications(QDBusConnection::sessionBus());
+    const AppDelegateParts parts = delegateParts(shared, desktopNotifications, instance, service);
     AppDelegate delegate(parts);
     preparePages(parts, delegate);
     const EndSignals signals([&delegate](int signal) { delegate.endBySignal(signal); });

@@ -56,6 +56,11 @@ inline constexpr const char* SUScheduledCheckInterval =
 /// removed.
 inline constexpr const char* compareBeforeRemovingKey = "compareBeforeRemoving";
 
+/// Boolean: a word on the desktop when a disk falls to ZvSpaceAlarmKey.
+inline constexpr const char* spaceWarningsKey = "spaceWarnings";
+inline constexpr const char* warnedVolumesKey =
+    "warnedVolumes";  ///< text: who was warned of, see LowSpace
+
 // Of the preferences window.
 inline constexpr const char* openAtStartupKey = "openAtStartup";  ///< boolean: open it at start
 inline constexpr const char* fadeKey = "fade";                    ///< boolean: panes cross-fade

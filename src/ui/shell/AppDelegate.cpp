@@ -28,6 +28,7 @@
 #include "ui/preferences/AppPrefsWindowController.h"
 #include "ui/shell/ApplicationMenu.h"
 #include "ui/shell/FileManager.h"
+#include "ui/tray/SpaceWarnings.h"
 
 namespace orrinvale {
 namespace {
@@ -97,6 +98,7 @@ void AppDelegate::addMainFuction() {
     refMenuItemWhenDeleteAndAdd();
     if (!m_parts.pages.defaults->boolForKey(ZvLoginCheckKey))
         UtilityFunction::callSelectNotificationForMainWindowLeft(0);
+    startTray();
     bringBackWhatIsAside();
 }
 

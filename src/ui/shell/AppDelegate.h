@@ -28,8 +28,11 @@ namespace orrinvale {
 
 class ApplicationMenu;
 class FastClean;
+class DesktopNotifications;
 struct Alert;
 class MountChanges;
+class SpaceWarnings;
+class SystemWatch;
 class WatchMountUnmount;
 class WorkspaceMounts;
 
@@ -42,6 +45,8 @@ struct AppDelegateParts {
     Volumes* volumesAtOnce =
         nullptr;  ///< asked on the main thread; leaves out what does not answer at once
     MountChanges* mountChanges = nullptr;
+    DesktopNotifications* desktopNotifications = nullptr;  ///< null: nobody shows any
+    SystemWatch* systemWatch = nullptr;  ///< over `volumes`; null: nothing runs in the background
     std::function<bool(const std::string& path)>
         openFolder;  ///< in the desktop's file manager; false when it can not
     std::function<void(std::function<void()> failed)>
@@ -121,6 +126,7 @@ private:
     [[nodiscard]] std::unique_ptr<FastClean> makeFastClean();
     void refFastCleanItem();
     void refMenuItemWhenDeleteAndAdd();
+    void startTray();
     void tellOfGuide();
     void ejectionEnded(std::int32_t status, const std::vector<EjectFailure>& failures);
     void bubbleViewWith(std::unique_ptr<QLabel> view, std::unique_ptr<QLabel> withBView = nullptr);
@@ -145,6 +151,7 @@ private:
     std::unique_ptr<VolumesInfo> m_voluInfo;
     std::unique_ptr<VolumesManager> m_voluManager;
     std::vector<std::shared_ptr<ZvVolumeInfo>> m_volsInfo;
+    std::unique_ptr<SpaceWarnings> m_spaceWarnings;
     bool m_isOpenWindow = false;
     bool m_isEjecting = false;
     bool m_isLeaving = false;

@@ -1,66 +1,24 @@
 // The shared look at the volumes: when it tells, and when it rests.
 #include "services/volumes/SystemWatch.h"
 
-#include "platform/ForwardingVolumes.h"
-#include "platform/fake/FakeVolumes.h"
 #include "support/ServedQueue.h"
+#include "support/SteadyVolumes.h"
 #include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
-// Volumes that change between two walks and never in one.
-class SteadyVolumes final : public ForwardingVolumes {
-public:
-    explicit SteadyVolumes(FakeVolumes& fake) : ForwardingVolumes(fake) {}
-
-    std::int32_t FSGetVolumeInfo(std::uint32_t volumeIndex, IndexedVolume& answer) override {
-        if (volumeIndex == 1) walk.lock();
-        const std::int32_t status = ForwardingVolumes::FSGetVolumeInfo(volumeIndex, answer);
-        if (status == nsvErr) {
-            ++walks;
-            walk.unlock();
-        }
-        return status;
-    }
-
-    std::mutex walk;
-    std::atomic<int> walks{0};
-};
-
-class CountedMemory final : public Memory {
-public:
-    [[nodiscard]] SysResult<std::optional<std::uint64_t>> figure(
-        std::string_view /*name*/) const override {
-        return 4096;
-    }
-    [[nodiscard]] SysResult<MemoryCounts> counts() const override {
-        ++readings;
-        return MemoryCounts{.free = static_cast<std::uint64_t>(readings) << 20};
-    }
-    [[nodiscard]] SysResult<MemoryState> state() const override { return MemoryState{}; }
-    [[nodiscard]] std::uint64_t room() const override { return 0; }
-    [[nodiscard]] bool endThisProcessFirst() const override { return false; }
-
-    mutable std::atomic<int> readings{0};
-};
-
 // Never freed: the watch's thread may be in the midst of a look when a test ends.
 struct Machine {
-    FakeVolumes fake;
-    SteadyVolumes volumes{fake};
-    CountedMemory memory;
+    testing::SteadyVolumes volumes;
+    testing::CountedMemory memory;
     testing::ServedQueue queue;
 
     static Machine& make() {
         auto* const made = new Machine;
-        made->fake.volumes = {FakeVolumes::volume(1, "root", "/", false, 1'000'000'000),
-                              FakeVolumes::volume(2, "a", "/a", true, 1'000'000'000)};
+        made->volumes.fake.volumes = {FakeVolumes::volume(1, "root", "/", false, 1'000'000'000),
+                                      FakeVolumes::volume(2, "a", "/a", true, 1'000'000'000)};
         return *made;
-    }
-    void change(const std::function<void(std::vector<FakeVolumes::Volume>&)>& work) {
-        const std::lock_guard lock(volumes.walk);
-        work(fake.volumes);
     }
     // Serves until that many looks were taken from now on.
     void serveLooks(int count) {
@@ -82,13 +40,14 @@ TEST(SystemWatch, TellsWhatPeopleWouldSeeAndOfTheFirstLookAnyway) {
     EXPECT_EQ(told[0].volumes.size(), 2U);
 
     for (int i = 0; i < 10; ++i) {
-        machine.change([](auto& volumes) { ++volumes[0].volume.info.freeBytes; });
+        machine.volumes.change([](auto& volumes) { ++volumes[0].volume.info.freeBytes; });
         machine.serveLooks(2);
     }
     EXPECT_EQ(told.size(), 1U) << "a byte is nothing to see";
-    machine.change([](auto& volumes) { volumes[0].volume.info.freeBytes -= 20'000'000; });
+    machine.volumes.change([](auto& volumes) { volumes[0].volume.info.freeBytes -= 20'000'000; });
     ASSERT_TRUE(machine.queue.serveUntil([&] { return told.size() == 2; }));
-    machine.change([](auto& volumes) { volumes[1] = FakeVolumes::volume(3, "b", "/a", true); });
+    machine.volumes.change(
+        [](auto& volumes) { volumes[1] = FakeVolumes::volume(3, "b", "/a", true); });
     ASSERT_TRUE(machine.queue.serveUntil([&] { return told.size() == 3; }));
     EXPECT_FALSE(hasSameSequence(told[1], told[2])) << "one went while another came";
     EXPECT_TRUE(hasSameSequence(*watch.latest(), told[2]));
@@ -104,7 +63,7 @@ TEST(SystemWatch, TellsWhatPeopleWouldSeeAndOfTheFirstLookAnyway) {
     });
     ASSERT_TRUE(machine.queue.serveUntil([&] { return second == 1; }));
     const std::size_t before = told.size();
-    machine.change([](auto& volumes) { volumes.pop_back(); });
+    machine.volumes.change([](auto& volumes) { volumes.pop_back(); });
     ASSERT_TRUE(machine.queue.serveUntil([&] { return second == 2; }));
     EXPECT_EQ(told.size(), before);
 }
@@ -135,7 +94,7 @@ TEST(SystemWatch, AChangeIsSeenWithoutWaitingForTheTime) {
         count = sight.volumes.size();
     });
     ASSERT_TRUE(machine.queue.serveUntil([&] { return count == 2; }));
-    machine.change([](auto& volumes) { volumes.pop_back(); });
+    machine.volumes.change([](auto& volumes) { volumes.pop_back(); });
     watch.lookNow();
     EXPECT_TRUE(machine.queue.serveUntil([&] { return count == 1; }));
 }
@@ -151,7 +110,7 @@ TEST(SystemWatch, NothingIsToldBehindItsEnd) {
         const std::lock_guard hold(machine.volumes.walk);  // the next look waits in here
         ::usleep(5'000);
         watch.reset();
-        machine.fake.volumes.clear();
+        machine.volumes.fake.volumes.clear();
     }
     ::usleep(20'000);
     while (machine.queue.step()) {}

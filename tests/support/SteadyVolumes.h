@@ -1,0 +1,58 @@
+// Volumes and memory that a test changes while another thread looks at them.
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+#include "platform/ForwardingVolumes.h"
+#include "platform/fake/FakeVolumes.h"
+#include "platform/memory.h"
+
+namespace orrinvale::testing {
+
+/// Volumes that change between two walks and never in one.
+class SteadyVolumes final : public ForwardingVolumes {
+public:
+    SteadyVolumes() : ForwardingVolumes(fake) {}
+
+    std::int32_t FSGetVolumeInfo(std::uint32_t volumeIndex, IndexedVolume& answer) override {
+        if (volumeIndex == 1) walk.lock();
+        const std::int32_t status = ForwardingVolumes::FSGetVolumeInfo(volumeIndex, answer);
+        if (status == nsvErr) {
+            ++walks;
+            walk.unlock();
+        }
+        return status;
+    }
+    void change(const std::function<void(std::vector<FakeVolumes::Volume>&)>& work) {
+        const std::lock_guard lock(walk);
+        work(fake.volumes);
+    }
+
+    FakeVolumes fake;
+    std::mutex walk;  ///< held while somebody walks
+    std::atomic<int> walks{0};
+};
+
+/// Has a mebibyte more free at each reading.
+class CountedMemory final : public Memory {
+public:
+    [[nodiscard]] SysResult<std::optional<std::uint64_t>> figure(
+        std::string_view /*name*/) const override {
+        return 4096;
+    }
+    [[nodiscard]] SysResult<MemoryCounts> counts() const override {
+        ++readings;
+        return MemoryCounts{.free = static_cast<std::uint64_t>(readings) << 8};
+    }
+    [[nodiscard]] SysResult<MemoryState> state() const override { return MemoryState{}; }
+    [[nodiscard]] std::uint64_t room() const override { return 0; }
+    [[nodiscard]] bool endThisProcessFirst() const override { return false; }
+
+    mutable std::atomic<int> readings{0};
+};
+
+}  // namespace orrinvale::testing
