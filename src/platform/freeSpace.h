@@ -12,4 +12,9 @@ namespace orrinvale {
 /// until then what was removed or written need not show. May wait for a slow disk.
 [[nodiscard]] SysResult<std::uint64_t> settledFreeSpace(const std::string& folder);
 
+/// What tells the file system of a folder from all others whose free space is not the same: that
+/// of the subvolumes of one btrfs, of the data sets of one ZFS pool and of all mounts of one disk
+/// is. May wait for a slow disk.
+[[nodiscard]] std::string spaceOf(const std::string& folder);
+
 }  // namespace orrinvale

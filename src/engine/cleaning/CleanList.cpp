@@ -89,17 +89,18 @@ std::string CleanList::realOf(const CleanRow& row, const std::string& path) cons
 }
 
 // Without a look at it, as the removal itself has one: a file is as the scan saw it, or stays.
-KeptBecause CleanList::askAboutFile(const CleanRow& row, const std::string& path) const {
+KeptBecause CleanList::askAboutFile(const CleanRow& row, const std::string& path,
+                                    const EntryIdentity& entry) const {
     const CleanGround& ground = m_grounds.find(folderOf(row.path))->second;
     const std::string real = realOf(row, path);
     if (ground.keep->keeps(real)) return KeptBecause::Asked;
     const auto isOn = [&](const std::string& mount) { return isWithin(real, mount); };
     if (std::ranges::any_of(ground.mounts, isOn)) return KeptBecause::Mount;
-    return keptByPrograms(ground, row.rules, lastPathComponent(row.path), real);
+    return keptByPrograms(ground, row.rules, lastPathComponent(row.path), real, entry);
 }
 
 KeptBecause CleanList::ask(const CleanRow& row, std::vector<CleanWalk::File>* files) {
-    if (row.identity.type != FileType::Folder) return askAboutFile(row, row.path);
+    if (row.identity.type != FileType::Folder) return askAboutFile(row, row.path, row.identity);
     const auto parent = HeldEntry::holdParentOf(*m_parts.files, row.path);
     if (!parent) return KeptBecause::Nothing;  // the removal tells what became of it
     CleanGround& ground = m_grounds.find(folderOf(row.path))->second;
@@ -128,6 +129,14 @@ std::shared_ptr<const SeenEntries> CleanList::seen(std::size_t index) {
     return entry.isRow ? m_rows[entry.row].seen : nullptr;
 }
 
+// Programs of other users and in containers do not show what they have open. Of caches, which may
+// hold a million files, only those are asked about that hurt most.
+AskWriters CleanList::asksWriters(std::size_t index) const {
+    const CleanCategory rules = m_rows[m_entries[index].row].rules;
+    if (!CleanablePlaces::isMindfulOfPrograms(rules)) return AskWriters::OfNone;
+    return rules == CleanCategory::UserCaches ? AskWriters::OfLargeFiles : AskWriters::OfAllFiles;
+}
+
 tl::expected<std::unique_ptr<CopyLook>, StayedEntry> CleanList::judge(std::size_t index) {
     askAnew();
     if (auto objection = objectionTo(m_entries[index])) return tl::unexpected(*objection);
@@ -153,7 +162,7 @@ std::optional<StayedEntry> CleanList::objectionTo(const Entry& entry) {
         const KeepList& keep = *m_grounds.find(folderOf(row.path))->second.keep;
         reason = keep.keepsBelow(realOf(row, row.path)) ? KeptBecause::Asked : ask(row, nullptr);
     } else if (reason == KeptBecause::Nothing) {
-        reason = askAboutFile(row, entry.path);
+        reason = askAboutFile(row, entry.path, entry.identity);
     }
     return reason == KeptBecause::Nothing ? std::nullopt : std::optional(kept(wordsOf(reason)));
 }
@@ -169,7 +178,8 @@ void CleanList::settled(std::size_t index, const RemovalResult& result) {
         return;
     }
     for (const StayedEntry& each : result.failures) {
-        if (each.kind == StayReason::Kept && entry.isRow) m_isKept[entry.row] = true;
+        if (each.kind == StayReason::Kept && entry.isRow && result.refused)
+            m_isKept[entry.row] = true;
         m_hasFailed = m_hasFailed || !isByRule(each.kind);
     }
     if (!result.failures.empty() && result.failures.front().kind != StayReason::Kept)

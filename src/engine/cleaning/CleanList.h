@@ -32,6 +32,7 @@ public:
     [[nodiscard]] std::optional<EntryIdentity> identity(std::size_t index) const override;
     [[nodiscard]] std::uint64_t bytes(std::size_t index) const override;
     [[nodiscard]] std::shared_ptr<const SeenEntries> seen(std::size_t index) override;
+    [[nodiscard]] AskWriters asksWriters(std::size_t index) const override;
     [[nodiscard]] tl::expected<std::unique_ptr<CopyLook>, StayedEntry> judge(
         std::size_t index) override;
     void settled(std::size_t index, const RemovalResult& result) override;
@@ -68,7 +69,8 @@ private:
         SeenEntries::Verdict verdict = SeenEntries::Verdict::AsSeen;
     };
     [[nodiscard]] std::string realOf(const CleanRow& row, const std::string& path) const;
-    [[nodiscard]] KeptBecause askAboutFile(const CleanRow& row, const std::string& path) const;
+    [[nodiscard]] KeptBecause askAboutFile(const CleanRow& row, const std::string& path,
+                                           const EntryIdentity& entry) const;
     [[nodiscard]] KeptBecause ask(const CleanRow& row, std::vector<CleanWalk::File>* files);
     [[nodiscard]] std::optional<StayedEntry> objectionTo(const Entry& entry);
     void learnGround(const std::string& folder);

@@ -80,14 +80,15 @@ KeptBecause unlessGone(int error) {
 
 // A folder of programs may lie behind a link, whose target's name says nothing of them.
 KeptBecause keptByPrograms(const CleanGround& ground, CleanCategory rules, std::string_view row,
-                           const std::string& real) {
+                           const std::string& real, const EntryIdentity& entry) {
     if (!CleanablePlaces::isMindfulOfPrograms(rules)) return KeptBecause::Nothing;
     const bool isCache = rules == CleanCategory::UserCaches;
     const std::array names{CleanablePlaces::programNamesOf(ground.real, row),
                            CleanablePlaces::programNamesOf(ground.folder, row)};
     if (isCache && std::ranges::any_of(names, CleanablePlaces::isPrecious))
         return KeptBecause::Precious;
-    if (ground.open->isWithin(real)) return KeptBecause::Open;
+    if (ground.open->isWithin(real) || ground.open->contain(entry.device, entry.inode))
+        return KeptBecause::Open;
     const auto isHidden = [&](const CleanablePlaces::ProgramNames& each) {
         const auto& hidden = ground.open->hiddenPrograms;
         return hidden.contains(each.row) || hidden.contains(each.owner);
@@ -100,7 +101,8 @@ CleanWalk::CleanWalk(const FileSystem& files, const CleanGround& ground, const W
       m_ground(ground),
       m_watch(watch),
       m_isOfTheSystem(ground.places->isOfTheSystem(ground.real)),
-      m_isUserCache(ground.rules == CleanCategory::UserCaches) {}
+      m_isUserCache(ground.rules == CleanCategory::UserCaches),
+      m_minds(CleanablePlaces::isMindfulOfPrograms(ground.rules)) {}
 
 CleanWalk::~CleanWalk() = default;
 
@@ -191,7 +193,7 @@ void CleanWalk::judgeRow(RowState& state) const {
     if (m_ground.keep->keeps(state.real)) tally.note(KeptBecause::Asked);
     if (std::any_of(m_ground.mounts.begin(), m_ground.mounts.end(), isBelow))
         tally.note(KeptBecause::Mount);
-    tally.note(keptByPrograms(m_ground, m_ground.rules, name, state.real));
+    tally.note(keptByPrograms(m_ground, m_ground.rules, name, state.real, state.row.identity));
     tally.note(CleanablePlaces::keepsRow(m_ground.rules, name, state.row.identity.type,
                                          state.row.identity.size));
     state.row.kept = tally.kept;
@@ -265,9 +267,15 @@ bool CleanWalk::needsNoLook(const RowState& row, const CatalogEntry& entry) cons
            !CleanablePlaces::isJudgedBySize(entry.name);
 }
 
+bool CleanWalk::isOpen(std::uint64_t device, std::uint64_t inode) const {
+    return m_minds && m_ground.open->contain(device, inode);
+}
+
 void CleanWalk::takeEntry(Worker& worker, Here& here, CatalogEntry& entry, Tally& tally) {
-    if (needsNoLook(*here.row, entry))
+    if (needsNoLook(*here.row, entry)) {
+        if (isOpen(here.row->row.identity.device, entry.inode)) tally.note(KeptBecause::Open);
         return tally.note(CleanablePlaces::keepsRow(m_ground.rules, entry.name, entry.type, 0));
+    }
     m_files.readIdentities(here.handle.get(), {&entry, 1});
     if (entry.error == ENOENT) return;
     if (entry.error != 0) {
@@ -278,8 +286,10 @@ void CleanWalk::takeEntry(Worker& worker, Here& here, CatalogEntry& entry, Tally
     // Those of files are compared with what the scan saw, then.
     if (m_former == nullptr || now.type == FileType::Folder)
         tally.newest = std::max(tally.newest, ageOf(now, m_ground.now));
-    if (!here.isKept)
+    if (!here.isKept) {
         tally.note(CleanablePlaces::keepsRow(m_ground.rules, entry.name, now.type, now.size));
+        if (isOpen(now.device, now.inode)) tally.note(KeptBecause::Open);
+    }
     if (now.type == FileType::Folder) takeFolder(worker, here, entry, tally);
     else takeFile(here, entry, tally);
 }

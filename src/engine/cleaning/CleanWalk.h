@@ -36,7 +36,8 @@ struct CleanGround {
 /// Why running programs keep a row by its name in the folder, or Nothing. `real` is the row or an
 /// entry of it, without links on the way.
 [[nodiscard]] KeptBecause keptByPrograms(const CleanGround& ground, CleanCategory rules,
-                                         std::string_view row, const std::string& real);
+                                         std::string_view row, const std::string& real,
+                                         const EntryIdentity& entry);
 
 /// What changed a moment ago belongs to something that is going on.
 inline constexpr std::int64_t freshFor = 10LL * 60 * 1'000'000'000;
@@ -88,6 +89,7 @@ private:
     [[nodiscard]] SeenEntries::Verdict verdictOn(SeenEntries::Key key,
                                                  const FileAttributes& now) const;
     void compare(SeenEntries::Key key, const FileAttributes& now, Tally& tally) const;
+    [[nodiscard]] bool isOpen(std::uint64_t device, std::uint64_t inode) const;
     [[nodiscard]] bool needsNoLook(const RowState& row, const CatalogEntry& entry) const;
     [[nodiscard]] bool isOfToday(const CatalogEntry& entry) const;
     [[nodiscard]] bool staysByItself(const Here& here, const CatalogEntry& entry, Tally& tally);
@@ -104,6 +106,7 @@ private:
     const Watch m_watch;
     const bool m_isOfTheSystem;
     const bool m_isUserCache;
+    const bool m_minds;                  // what programs have open
     const CleanRow* m_former = nullptr;  // that is asked about again, as the scan saw it
     std::vector<File>* m_going = nullptr;
 

@@ -2,6 +2,7 @@
 #include "engine/cleaning/SpaceGain.h"
 
 #include <map>
+#include <set>
 #include <utility>
 
 #include "platform/paths.h"
@@ -10,9 +11,20 @@ namespace orrinvale {
 
 SpaceGain::SpaceGain(const std::vector<CleanRow>& rows, FreeSpace freeSpace)
     : m_freeSpace(std::move(freeSpace)) {
-    std::map<std::uint64_t, std::string> byDevice;
-    for (const CleanRow& row : rows) byDevice.try_emplace(row.identity.device, folderOf(row.path));
-    for (auto& [device, folder] : byDevice) m_folders.push_back(std::move(folder));
+    std::set<std::string> folders;
+    for (const CleanRow& row : rows) folders.insert(folderOf(row.path));
+    m_folders.assign(folders.begin(), folders.end());
+}
+
+void SpaceGain::begin() {
+    std::map<std::string, std::string> bySpace;
+    for (std::string& folder : m_folders) {
+        std::string space = spaceOf(folder);
+        bySpace.try_emplace(std::move(space), std::move(folder));
+    }
+    m_folders.clear();
+    for (auto& [space, folder] : bySpace) m_folders.push_back(std::move(folder));
+    m_before = freeNow();
 }
 
 std::optional<std::int64_t> SpaceGain::freeNow() const {

@@ -23,7 +23,7 @@ public:
     explicit SpaceGain(const std::vector<CleanRow>& rows, FreeSpace freeSpace = settledFreeSpace);
 
     /// Just before the removal.
-    void begin() { m_before = freeNow(); }
+    void begin();
     /// Bytes by which the free space grew since; negative where others wrote more than went;
     /// nothing where it can not be told.
     [[nodiscard]] std::optional<std::int64_t> gained() const;
@@ -32,7 +32,7 @@ private:
     [[nodiscard]] std::optional<std::int64_t> freeNow() const;
 
     const FreeSpace m_freeSpace;
-    std::vector<std::string> m_folders;  // one on each file system
+    std::vector<std::string> m_folders;  // of the rows; after begin() one on each file system
     std::optional<std::int64_t> m_before;
 };
 

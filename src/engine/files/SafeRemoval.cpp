@@ -42,13 +42,14 @@ std::string lineOf(const std::string& path, const RemovalResult& result) {
 
 RemovalResult SafeRemoval::remove(const std::string& path,
                                   const std::optional<EntryIdentity>& expected,
-                                  const std::atomic<bool>* stop, const SeenEntries* seen) const {
+                                  const std::atomic<bool>* stop, const SeenEntries* seen,
+                                  AskWriters ask) const {
     RemovalResult result;
     OwnChanges ofThisOne;
     OwnChanges& own = m_own != nullptr ? *m_own : ofThisOne;
-    const auto held = HeldEntry::at(m_files, m_places, path, expected, &own);
+    const auto held = HeldEntry::at(m_files, m_places, path, expected, &own, m_parents);
     if (held) {
-        removeHeld(*held, {stop, seen, own}, result);
+        removeHeld(*held, {stop, seen, own, ask}, result);
     } else {
         const HeldEntry::Objection& objection = held.error();
         const bool isMissing = objection.error == ENOENT;
@@ -70,23 +71,31 @@ void SafeRemoval::removeHeld(const HeldEntry& held, const Asked& asked,
     }
     const bool isFolder = held.attributes.type == FileType::Folder;
     const bool isOurs =
-        isFolder ? removeFolder(held, asked, result) : removeFile(held, asked.own, result);
+        isFolder ? removeFolder(held, asked, result) : removeFile(held, asked, result);
     lookAgain(held, isOurs, result);
 }
 
 // These two: whether the entry went by our own hand.
 bool SafeRemoval::removeFolder(const HeldEntry& held, const Asked& asked,
                                RemovalResult& result) const {
-    TreeRemoval removal(m_files, held.path, asked.stop, result, asked.seen, &asked.own);
+    TreeRemoval removal(m_files, held.path, asked.stop, result, asked.seen, &asked.own, asked.ask);
     if (asked.seen != nullptr) result.addName(0, true);
     removal.run(held.parent.get(), held.name, held.attributes);
     return removal.isOurs();
 }
 
-bool SafeRemoval::removeFile(const HeldEntry& held, OwnChanges& own, RemovalResult& result) const {
-    const bool isFirst = held.attributes.type == FileType::Regular && !own.touched(held.attributes);
-    const auto removal =
-        own.removeName(m_files, held.parent.get(), held.name.c_str(), held.attributes);
+bool SafeRemoval::removeFile(const HeldEntry& held, const Asked& asked,
+                             RemovalResult& result) const {
+    const int folder = held.parent.get();
+    const char* const name = held.name.c_str();
+    if (hasWriter(m_files, folder, name, held.attributes, asked.ask)) {
+        result.refused = true;
+        fail(result, held.path, StayReason::Kept, openForWriting);
+        return false;
+    }
+    const bool isFirst =
+        held.attributes.type == FileType::Regular && !asked.own.touched(held.attributes);
+    const auto removal = asked.own.removeName(m_files, folder, name, held.attributes);
     if (removal) {
         ++result.removed;
         result.addName(countedSize(held.attributes), isFirst);

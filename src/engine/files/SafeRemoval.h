@@ -12,6 +12,7 @@
 #include "engine/files/ProtectedPlaces.h"
 #include "engine/files/RemovalResult.h"
 #include "engine/files/SeenEntries.h"
+#include "engine/files/writers.h"
 #include "platform/fileTypes.h"
 
 namespace orrinvale {
@@ -20,33 +21,37 @@ namespace orrinvale {
 /// thread that removes what one scan saw.
 class SafeRemoval final {
 public:
-    /// `own` is not owned; without it, each removal knows of its own changes alone.
-    SafeRemoval(const FileSystem& files, const ProtectedPlaces& places, OwnChanges* own = nullptr)
-        : m_files(files), m_places(places), m_own(own) {}
+    /// `own` and `parents` are not owned; without them, each removal knows of its own changes
+    /// alone, and holds its own parent.
+    SafeRemoval(const FileSystem& files, const ProtectedPlaces& places, OwnChanges* own = nullptr,
+                HeldParents* parents = nullptr)
+        : m_files(files), m_places(places), m_own(own), m_parents(parents) {}
 
     /// Removes the entry at an absolute path, and everything below it. The parent is opened once
     /// and held; below it each folder is entered by name from its parent and never through a link;
     /// a folder on another device or mount is not entered. With `expected` the entry must still be
     /// what the scan saw. With `seen` of a folder only what the scan saw in it goes; what came or
     /// changed since stays, together with the folders above it. What can not be removed stays and
-    /// is counted; its siblings go. Depth and width are free: neither the call stack nor the count
-    /// of descriptors grows with them. A protected place is refused before anything is touched. One
-    /// line in the log tells the result.
+    /// is counted; its siblings go. What `ask` asks about stays while it is written to. Depth and
+    /// width are free: neither the call stack nor the count of descriptors grows with them. A
+    /// protected place is refused before anything is touched. One line in the log tells the result.
     [[nodiscard]] RemovalResult remove(const std::string& path,
                                        const std::optional<EntryIdentity>& expected,
                                        const std::atomic<bool>* stop = nullptr,
-                                       const SeenEntries* seen = nullptr) const;
+                                       const SeenEntries* seen = nullptr,
+                                       AskWriters ask = AskWriters::OfNone) const;
 
 private:
     struct Asked {
         const std::atomic<bool>* stop;
         const SeenEntries* seen;
         OwnChanges& own;
+        AskWriters ask;
     };
     void removeHeld(const HeldEntry& held, const Asked& asked, RemovalResult& result) const;
     [[nodiscard]] bool removeFolder(const HeldEntry& held, const Asked& asked,
                                     RemovalResult& result) const;
-    [[nodiscard]] bool removeFile(const HeldEntry& held, OwnChanges& own,
+    [[nodiscard]] bool removeFile(const HeldEntry& held, const Asked& asked,
                                   RemovalResult& result) const;
     void lookAgain(const HeldEntry& held, bool isOurs, RemovalResult& result) const;
     [[nodiscard]] bool isSurelyAbsent(const std::string& path,
@@ -55,6 +60,7 @@ private:
     const FileSystem& m_files;
     const ProtectedPlaces& m_places;
     OwnChanges* const m_own;
+    HeldParents* const m_parents;
 };
 
 }  // namespace orrinvale

@@ -152,6 +152,8 @@ void TreeRemoval::removeSeen(CatalogEntry& entry) {
     if (now.type == FileType::Folder) return void(m_levels.back().folders.emplace_back(entry.name));
     if (now.inode != entry.inode) key = keyOf(entry.name, now.inode);  // layers list other numbers
     if (!isAsSeen(entry.name, now, key)) return;
+    if (hasWriter(m_files, here(), entry.name, now, m_ask))
+        return fail(entry.name, StayReason::Kept, openForWriting);
     const bool isFirst = now.type == FileType::Regular && !m_own.touched(now);
     const auto removal = m_own.removeName(m_files, here(), entry.name, now);
     if (removal) m_result.addName(countedSize(now), isFirst);
@@ -217,7 +219,8 @@ void TreeRemoval::fail(std::string_view name, StayReason kind, std::string reaso
     ++m_result.failed;
     // Rights and faults come before what only changed or came, of which there may be many.
     const auto isMild = [](StayReason each) {
-        return each == StayReason::Changed || each == StayReason::CameLater;
+        return each == StayReason::Changed || each == StayReason::CameLater ||
+               each == StayReason::Kept;
     };
     const bool isFull = m_result.failures.size() >= RemovalResult::mostFailures;
     if (isFull && (isMild(kind) || !isMild(m_result.failures.back().kind))) return;

@@ -11,6 +11,7 @@
 #include "engine/files/OwnChanges.h"
 #include "engine/files/RemovalResult.h"
 #include "engine/files/SeenEntries.h"
+#include "engine/files/writers.h"
 #include "platform/fileTypes.h"
 
 namespace orrinvale {
@@ -21,14 +22,17 @@ namespace orrinvale {
 class TreeRemoval final {
 public:
     /// `path` is for reports alone. All of the references must outlive the removal; what happens is
-    /// added to `result`. With `seen` only what is in it goes, the changes of our own aside.
+    /// added to `result`. With `seen` only what is in it goes, the changes of our own aside, and
+    /// what `ask` asks about only while nobody writes to it.
     TreeRemoval(const FileSystem& files, const std::string& path, const std::atomic<bool>* stop,
-                RemovalResult& result, const SeenEntries* seen = nullptr, OwnChanges* own = nullptr)
+                RemovalResult& result, const SeenEntries* seen = nullptr, OwnChanges* own = nullptr,
+                AskWriters ask = AskWriters::OfNone)
         : m_files(files),
           m_path(path),
           m_stop(stop),
           m_seen(seen),
           m_own(own != nullptr ? *own : m_ofThisOne),
+          m_ask(ask),
           m_result(result) {}
     TreeRemoval(const TreeRemoval&) = delete;
     TreeRemoval& operator=(const TreeRemoval&) = delete;
@@ -79,6 +83,7 @@ private:
     const SeenEntries* const m_seen;
     OwnChanges m_ofThisOne;
     OwnChanges& m_own;
+    const AskWriters m_ask;
     RemovalResult& m_result;
     int m_parent = -1;
     FileAttributes m_start;

@@ -50,8 +50,8 @@ RemovalResult PlainDoor::remove(const LeavingEntry& entry, const std::atomic<boo
                           : tl::unexpected(HeldEntry::Objection{});
     // What can not be held is told, or found gone, by the plain removal.
     if (!held)
-        return SafeRemoval(m_files, m_places, m_own.get())
-            .remove(entry.path, entry.identity, &stop, entry.seen);
+        return SafeRemoval(m_files, m_places, m_own.get(), &m_parents)
+            .remove(entry.path, entry.identity, &stop, entry.seen, entry.ask);
     RemovalResult result = removeCopy(*held, entry, stop);
     logCopy(entry.path, result);
     return result;

@@ -5,6 +5,7 @@
 #include <memory>
 #include <utility>
 
+#include "engine/files/HeldEntry.h"
 #include "engine/files/OwnChanges.h"
 #include "engine/files/ProtectedPlaces.h"
 #include "engine/removal/RemovalDoor.h"
@@ -41,6 +42,7 @@ private:
     const ProtectedPlaces m_places;
     RenameGround m_ground;
     const std::shared_ptr<OwnChanges> m_own;
+    HeldParents m_parents;
     bool m_isToldPlain = false;  // that copies go without being set aside, once
 };
 

@@ -10,6 +10,7 @@
 
 #include "engine/files/EntryIdentity.h"
 #include "engine/files/RemovalResult.h"
+#include "engine/files/writers.h"
 #include "engine/removal/CopyLook.h"
 
 namespace orrinvale {
@@ -24,6 +25,7 @@ struct LeavingEntry {
     const SeenEntries* seen =
         nullptr;        ///< of a folder that is no copy; nullptr: all that is in it goes
     std::string token;  ///< to set it aside with; empty where it is to go straight away
+    AskWriters ask = AskWriters::OfNone;  ///< of what is no copy
 };
 
 /// Used on the removing thread alone.

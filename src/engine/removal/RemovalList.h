@@ -12,6 +12,7 @@
 
 #include "engine/files/EntryIdentity.h"
 #include "engine/files/RemovalResult.h"
+#include "engine/files/writers.h"
 #include "engine/removal/CopyLook.h"
 
 namespace orrinvale {
@@ -42,6 +43,11 @@ public:
     /// What the scan saw below a folder, which alone goes with it; nullptr: all goes.
     [[nodiscard]] virtual std::shared_ptr<const SeenEntries> seen(std::size_t /*index*/) {
         return nullptr;
+    }
+
+    /// Which of the files that go with the entry stay while a program writes to them.
+    [[nodiscard]] virtual AskWriters asksWriters(std::size_t /*index*/) const {
+        return AskWriters::OfNone;
     }
 
     /// Whether the entry is a copy, which is set aside and looked at with the one that stays.

@@ -119,7 +119,9 @@ RemovalResult RemovalRun::removeOne(std::size_t index, const std::string& path,
         return result;
     }
     const auto seen = m_list.seen(index);
-    return m_door.remove({path, m_list.identity(index), look->get(), seen.get(), token}, m_stop);
+    return m_door.remove(
+        {path, m_list.identity(index), look->get(), seen.get(), token, m_list.asksWriters(index)},
+        m_stop);
 }
 
 // Of folders the removal itself knows best.

@@ -1,10 +1,15 @@
 // What a scan of a category offers and what it keeps, on real files.
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 #include <sys/mount.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <chrono>
+#include <functional>
+#include <thread>
 
 #include "engine/cleaning/CleanHome.h"
 #include "engine/cleaning/ScanErrand.h"
@@ -134,6 +139,113 @@ TEST(CategoryScan, whatProgramsHaveOpenStays) {
         ::close(ready[1]);
         EXPECT_EQ(home.scan(category).rows.size(), 4U) << folder;
     }
+}
+
+// A child that does this and then waits, until the object goes.
+class Holder {
+public:
+    explicit Holder(const std::function<bool()>& act) {
+        int ready[2];
+        if (::pipe(ready) != 0) return;
+        m_child = ::fork();
+        if (m_child == 0) {
+            (void)!::write(ready[1], act() ? "1" : "0", 1);
+            ::pause();
+            ::_exit(0);
+        }
+        char byte = 0;
+        m_isReady = ::read(ready[0], &byte, 1) == 1 && byte == '1';
+        ::close(ready[0]);
+        ::close(ready[1]);
+    }
+    ~Holder() {
+        ::kill(m_child, SIGKILL);
+        ::waitpid(m_child, nullptr, 0);
+    }
+    Holder(const Holder&) = delete;
+    Holder& operator=(const Holder&) = delete;
+    [[nodiscard]] bool isReady() const { return m_isReady; }
+
+private:
+    pid_t m_child = -1;
+    bool m_isReady = false;
+};
+
+bool mapAndClose(const char* path, int flags, int protection) {
+    const int file = ::open(path, flags);
+    const bool isMapped =
+        ::mmap(nullptr, 4096, protection, MAP_SHARED, file, 0) != MAP_FAILED;  // NOLINT
+    ::close(file);
+    return isMapped;
+}
+
+// In a container, through a second mount, by another name.
+TEST(CategoryScan, whatIsOpenByAnotherPathStays) {
+    testing::withOwnMounts([]() -> std::string {
+        if (::system(
+                "cd /mnt && mkdir -p .cache Downloads view names && for d in .cache Downloads; "
+                "do for r in read folder mapped reader writer idle; do mkdir $d/$r && head -c "
+                "4096 /dev/zero > $d/$r/x; done; for r in reader writer; do ln $d/$r/x "
+                "names/$d-$r; done; done") != 0)
+            return "no folders";
+        for (const auto& [category, folder] : {std::pair{CleanCategory::UserCaches, ".cache"},
+                                               {CleanCategory::UserDownloads, "Downloads"}}) {
+            const std::string place = std::string("/mnt/") + folder;
+            if (::mount(place.c_str(), "/mnt/view", nullptr, MS_BIND, nullptr) != 0)
+                return "skip: bind";
+            const std::string names = std::string("/mnt/names/") + folder;
+            const Holder holder([&] {
+                return ::open("/mnt/view/read/x", O_RDONLY) >= 0 &&
+                       ::open("/mnt/view/folder", O_RDONLY) >= 0 &&
+                       mapAndClose("/mnt/view/mapped/x", O_RDWR, PROT_READ | PROT_WRITE) &&
+                       ::open((names + "-reader").c_str(), O_RDONLY) >= 0 &&
+                       ::open((names + "-writer").c_str(), O_WRONLY) >= 0;
+            });
+            if (!holder.isReady()) return "nothing is open";
+            const auto listing = CleanHome({.home = "/mnt"}).scan(category);
+            if (CleanHome::offered(listing) != Names{"idle 4096", "reader 4096"})
+                return place + ": offered otherwise";
+            if (CleanHome::kept(listing) != Reasons{{"read", KeptBecause::Open},
+                                                    {"folder", KeptBecause::Open},
+                                                    {"mapped", KeptBecause::Open},
+                                                    {"writer", KeptBecause::Open}})
+                return place + ": kept otherwise";
+            ::umount2("/mnt/view", MNT_DETACH);
+        }
+        return "";
+    });
+}
+
+// What other programs have open on a disk that does not answer is no reason to wait for that.
+TEST(CategoryScan, openFilesOnASlowDiskHoldNobodyUp) {
+    testing::ServedFiles served({"look=1500"});
+    if (!served.isThere()) GTEST_SKIP() << "no FUSE here";
+    ASSERT_TRUE(served.source().write("x", "1"));
+    const Holder holder([&] { return ::open(served.at("x").c_str(), O_RDONLY) >= 0; });
+    ASSERT_TRUE(holder.isReady());
+    std::this_thread::sleep_for(std::chrono::milliseconds(1200));  // what is remembered grows old
+    const auto start = std::chrono::steady_clock::now();
+    static_cast<void>(OpenFiles::below({served.source().path()}));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1400));
+}
+
+// More than is read of one program's mappings: then it is as good as hidden.
+TEST(CategoryScan, theFolderOfAProgramWithTooManyMappingsStays) {
+    CleanHome home;
+    const std::string name(200, 'm');
+    ASSERT_TRUE(home.tree.write(".cache/mapper/x", "1") && home.tree.write(name, "1"));
+    const Holder holder([&] {
+        ::prctl(PR_SET_NAME, "mapper");
+        const int file = ::open(home.tree.at(name).c_str(), O_RDONLY);
+        for (int i = 0; i < 20'000; ++i) {  // neighbours with different rights stay apart
+            const int protection = i % 2 == 0 ? PROT_READ : PROT_READ | PROT_EXEC;
+            if (::mmap(nullptr, 4096, protection, MAP_PRIVATE, file, 0) == MAP_FAILED) return false;
+        }
+        return true;
+    });
+    ASSERT_TRUE(holder.isReady());
+    EXPECT_EQ(CleanHome::kept(home.scan(CleanCategory::UserCaches)),
+              (Reasons{{"mapper", KeptBecause::HiddenProgram}}));
 }
 
 // A program that is not to be looked into shows its name alone.

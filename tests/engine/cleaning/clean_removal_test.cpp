@@ -289,6 +289,48 @@ TEST(CleanRemoval, aProgramThatOpenedItMeanwhileKeepsIt) {
     EXPECT_TRUE(isThere(path));
 }
 
+// Of what somebody else's program has open nobody tells us but the file itself.
+TEST(CleanRemoval, whatAnotherUsersProgramWritesToStays) {
+    if (::geteuid() != 0) GTEST_SKIP() << "only root can be somebody else";
+    CleanHome home;
+    const std::string large(std::size_t{1} << 20U, 'x');
+    const std::vector<std::string> written{"Downloads/single", "Downloads/r/x",
+                                           ".local/state/log/r/x", ".cache/r/large"};
+    for (const std::string& name : written) ASSERT_TRUE(home.tree.write(name, large));
+    for (const char* name : {"Downloads/r/y", ".cache/r/y", "Downloads/other"})
+        ASSERT_TRUE(home.tree.write(name, "1"));
+    ASSERT_EQ(::system(("chown -R 65534:65534 " + home.tree.path()).c_str()), 0);
+    std::vector<int> open;
+    for (const std::string& name : written)
+        open.push_back(::open(home.tree.at(name).c_str(), O_WRONLY | O_CLOEXEC));
+    const pid_t holder = ::fork();
+    if (holder == 0) {
+        ::pause();
+        ::_exit(0);
+    }
+    for (const int each : open) ::close(each);
+    const std::string failure = testing::runInChild({.ordinaryUser = true}, [&]() -> std::string {
+        std::vector<CleanRow> rows;
+        for (const auto category :
+             {CleanCategory::UserCaches, CleanCategory::UserDownloads, CleanCategory::UserLogs})
+            for (CleanRow& row : home.scan(category).rows) rows.push_back(std::move(row));
+        if (rows.size() != 5) return "offered " + std::to_string(rows.size());
+        const Cleaned cleaned = clean(home, rows);
+        for (const std::string& name : written)
+            if (!isThere(home.tree.at(name))) return "gone: " + name;
+        if (isThere(home.tree.at("Downloads/r/y")) || isThere(home.tree.at(".cache/r/y")))
+            return "there";
+        if (cleaned.stayed() != std::map<std::string, StayReason>{{"large", StayReason::Kept},
+                                                                  {"single", StayReason::Kept},
+                                                                  {"x", StayReason::Kept}})
+            return "told otherwise";
+        return cleaned.done == std::vector<std::string>{"other"} ? "" : "not done";
+    });
+    ::kill(holder, SIGKILL);
+    ::waitpid(holder, nullptr, 0);
+    EXPECT_EQ(failure, "");
+}
+
 // What a cache only points at is somebody's, content and mode.
 TEST(CleanRemoval, whatLinksLeadToStaysAsItIs) {
     CleanHome home;
