@@ -115,7 +115,7 @@ constexpr std::array<std::string_view, 4> partialEndings{"part", "crdownload", "
                                                          "download"};
 
 // Programs that keep in their cache what they can not get again.
-constexpr std::array<std::string_view, 16> preciousPrograms{
+constexpr std::array<std::string_view, 17> preciousPrograms{
     "rclone",     // files that are not uploaded yet
     "keepassxc",  // which databases there are and were opened
     "s3ql",       // blocks of a file system that are not uploaded yet
@@ -129,7 +129,7 @@ constexpr std::array<std::string_view, 16> preciousPrograms{
     "sessions",   // the desktop that a person saved in Xfce
     "xournalpp",  // pages that are not saved yet
     // By a common setting: texts that are not saved yet, and what was typed.
-    "emacs", "nvim", "vim", "zsh"};
+    "bash", "emacs", "nvim", "vim", "zsh"};
 
 template <std::size_t Size>
 bool contains(const std::array<std::string_view, Size>& words, std::string_view word) {
@@ -273,6 +273,7 @@ KeptBecause CleanablePlaces::keepsRow(CleanCategory category, std::string_view n
     if (name == ".git") return KeptBecause::Repository;
     if (type == FileType::Socket) return KeptBecause::Socket;
     if (type == FileType::Folder) return KeptBecause::Nothing;
+    if (name.ends_with("sh_history") || name.ends_with("histfile")) return KeptBecause::Precious;
     if (ending == "kdbx") return KeptBecause::PasswordSafe;
     if (contains(documentEndings, ending)) return KeptBecause::Document;
     return isOpenDatabase(name, size) ? KeptBecause::Database : KeptBecause::Nothing;

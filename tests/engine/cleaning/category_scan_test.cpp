@@ -67,6 +67,7 @@ TEST(CategoryScan, whatProgramsCanNotMakeAgainStays) {
           ".cache/evolution/calendar/0a/cache.db", ".cache/ibus/libpinyin/user_bigram.db",
           ".cache/lm-studio/conversations/x", ".cache/obexd/photo", ".cache/xournalpp/autosaves/x",
           ".cache/sessions/xfce4-session-host:0", ".cache/vim/undo/x", ".cache/zsh/history",
+          ".cache/.bash_history", ".cache/shells/.histfile",
           ".var/app/org.gnome.Evolution/cache/tmp/x", "snap/rclone/common/.cache/vfs/x"})
         ASSERT_TRUE(home.tree.write(path, "1"));
     ASSERT_TRUE(home.tree.write(".cache/google-chrome/x", "1"));
