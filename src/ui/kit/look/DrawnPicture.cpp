@@ -3,11 +3,11 @@
 #include "ui/kit/look/DrawnPicture.h"
 
 #include <QPainter>
-#include <QPainterPath>
 #include <algorithm>
 #include <array>
 
 #include "ui/kit/look/PictureFile.h"
+#include "ui/kit/look/usagePictures.h"
 
 namespace orrinvale {
 namespace {
@@ -79,54 +79,11 @@ std::optional<int> numberIn(QStringView name, const NumberedForm& form) {
     return number < form.first || number > form.last ? std::nullopt : std::optional(number);
 }
 
-// A full bar is as round at its end as an empty one; a little of something is never shown as
-// nothing.
-void drawBar(QPainter& painter, const QRectF& rectangle, double part, QColor track, QColor fill) {
-    const double round = rectangle.height() / 2;
-    QPainterPath pill;
-    pill.addRoundedRect(rectangle, round, round);
-    painter.fillPath(pill, track);
-    if (part <= 0) return;
-    QRectF filled = rectangle;
-    filled.setWidth(std::max(rectangle.height(), rectangle.width() * part));
-    QPainterPath inner;
-    inner.addRoundedRect(filled, round, round);
-    painter.fillPath(inner, fill);
-}
-
 QRectF squareIn(const QRectF& rectangle) {
     const double side = std::min(rectangle.width(), rectangle.height());
     QRectF square(0, 0, side, side);
     square.moveCenter(rectangle.center());
     return square;
-}
-
-// The desktop's panel may be light or dark whatever our scheme is, so the gauge stands on a plate
-// of its own. The warning differs in its mark too, for eyes that see no red.
-void drawGauge(QPainter& painter, const QRectF& rectangle, int percent, bool warning,
-               Theme::Scheme scheme) {
-    const auto color = [scheme](Color role) { return Theme::color(role, scheme); };
-    const QRectF square = squareIn(rectangle);
-    const double unit = square.width() / 22;
-    const auto inset = [&](double by) {
-        return square.adjusted(by * unit, by * unit, -by * unit, -by * unit);
-    };
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(color(Color::Surface));
-    painter.drawEllipse(inset(0.5));
-
-    const QRectF ring = inset(3.5);
-    const QColor fill = color(warning ? Color::Danger : Color::Accent);
-    painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(color(Color::Line), 3 * unit));
-    painter.drawEllipse(ring);
-    painter.setPen(QPen(fill, 3 * unit, Qt::SolidLine, Qt::FlatCap));
-    painter.drawArc(ring, 90 * 16, -percent * 360 * 16 / 100);
-    if (!warning) return;
-    painter.setPen(QPen(fill, 1.75 * unit, Qt::SolidLine, Qt::RoundCap));
-    const QPointF middle = square.center();
-    painter.drawLine(middle - QPointF(0, 2.6 * unit), middle + QPointF(0, 0.4 * unit));
-    painter.drawPoint(middle + QPointF(0, 2.8 * unit));
 }
 
 void drawSpinner(QPainter& painter, const QRectF& rectangle, int step, Theme::Scheme scheme) {
@@ -220,10 +177,11 @@ void DrawnPicture::draw(QPainter& painter, const QRectF& rectangle, Theme::Schem
     const bool warning = m_state == State::Warning;
     painter.save();
     switch (m_family) {
-        case Family::Gauge: drawGauge(painter, rectangle, m_number, warning, scheme); break;
+        case Family::Gauge:
+            drawUsage(painter, rectangle, UsageForm::Disc, m_number, warning, scheme);
+            break;
         case Family::Bar:
-            drawBar(painter, rectangle, m_number / 100.0, Theme::color(Color::Line, scheme),
-                    Theme::color(warning ? Color::Danger : Color::Accent, scheme));
+            drawUsage(painter, rectangle, UsageForm::Bar, m_number, warning, scheme);
             break;
         case Family::Spinner: drawSpinner(painter, rectangle, m_number, scheme); break;
         case Family::Tab: drawTab(painter, rectangle, m_state == State::On, scheme); break;

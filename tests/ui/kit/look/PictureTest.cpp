@@ -65,9 +65,9 @@ TEST(Picture, EveryOneShowsSomethingInBothSchemesAndScales) {
                 EXPECT_EQ(image.size(), (QSizeF(pictureSize(name)) * scale).toSize());
                 EXPECT_GT(inked(image, scheme), 0.015);
             }
-            // The program's icon is the same on every desktop.
+            // The program's icon and what stands in the desktop's panel are the same in both.
             EXPECT_EQ(drawn(name, scale, Scheme::Light) == drawn(name, scale, Scheme::Dark),
-                      name == "appicon"_s);
+                      name == "appicon"_s || name.contains(u'%'));
         }
         const bool onGrid = pictureSize(name) == QSize(24, 24);
         EXPECT_TRUE(!onGrid || edgeIsClear(drawn(name, 2, Scheme::Light))) << "cut off";
@@ -143,6 +143,39 @@ TEST(Picture, ANumberIsHowMuchIsFilled) {
     EXPECT_NEAR(colored("100-1.png"_s, danger), 100, 2);
     EXPECT_NE(drawn("37%"_s, 1, Scheme::Light), drawn("38%"_s, 1, Scheme::Light));
     EXPECT_NE(drawn("loading_1"_s, 1, Scheme::Light), drawn("loading_12"_s, 1, Scheme::Light));
+}
+
+// What of the disc differs by eye from a panel of that colour, at the size of a small panel.
+TEST(Picture, TheDiscOfThePanelIsLegibleAtSixteenOnAnyPanel) {
+    const auto luminance = [](QRgb color) {
+        return (0.2126 * qRed(color) + 0.7152 * qGreen(color) + 0.0722 * qBlue(color)) / 255;
+    };
+    for (const char* panel : {"#ffffff", "#f2f2f2", "#808080", "#1e1e1e", "#000000"}) {
+        for (const char* name : {"0%", "50%", "100%", "95%-1", "100%-1"}) {
+            QImage sheet(16, 16, QImage::Format_RGB32);
+            sheet.fill(QColor(QLatin1String(panel)));
+            QPainter(&sheet).drawPixmap(0, 0, picturePixmap(QLatin1String(name), {16, 16}));
+            const double ground = luminance(QColor(QLatin1String(panel)).rgb());
+            double strongest = 0;
+            for (int x = 0; x < 8; ++x)
+                strongest = std::max(strongest, std::abs(luminance(sheet.pixel(x, 8)) - ground));
+            EXPECT_GT(strongest, 0.3) << name << " on " << panel;
+        }
+    }
+    const auto filled = [](const QString& name, QRgb color) {
+        const QImage disc = picturePixmap(name, {64, 64}).toImage();
+        int count = 0;
+        for (int y = 0; y < 64; ++y)
+            for (int x = 0; x < 64; ++x) count += disc.pixel(x, y) == color ? 1 : 0;
+        return count;
+    };
+    const auto accent = Theme::color(Theme::Color::Accent, Scheme::Light).rgb();
+    const int whole = filled("100%"_s, accent);
+    EXPECT_NEAR(filled("25%"_s, accent), whole / 4.0, whole * 0.02);
+    EXPECT_NEAR(filled("75%"_s, accent), whole * 0.75, whole * 0.02);
+    EXPECT_EQ(filled("95%-1"_s, accent), 0) << "amber at the level";
+    EXPECT_GT(filled("95%-1"_s, Theme::color(Theme::Color::Warning, Scheme::Dark).rgb()),
+              whole / 2);
 }
 
 TEST(PictureFile, AllAreBuiltInAndNameTheirColours) {
