@@ -2,6 +2,13 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE" sourcelanguage="en">
 <context>
+    <name>AppDelegate</name>
+    <message>
+        <source>%1 is error!</source>
+        <translation>Fehler bei %1!</translation>
+    </message>
+</context>
+<context>
     <name>Dialogs</name>
     <message>
         <source>OK</source>
@@ -927,6 +934,45 @@ Freie Software unter der Apache License 2.0.</translation>
     </message>
 </context>
 <context>
+    <name>orrinvale::CustomVolumView</name>
+    <message>
+        <source>Open in file manager</source>
+        <translation>In der Dateiverwaltung öffnen</translation>
+    </message>
+    <message>
+        <source>Eject</source>
+        <translation>Auswerfen</translation>
+    </message>
+    <message>
+        <source>%1 Free</source>
+        <translation>%1 frei</translation>
+    </message>
+    <message>
+        <source>Ejecting ...</source>
+        <translation>Wird ausgeworfen ...</translation>
+    </message>
+    <message>
+        <source>Total: %1</source>
+        <translation>Gesamt: %1</translation>
+    </message>
+    <message>
+        <source>Does not answer: %1</source>
+        <translation>Antwortet nicht: %1</translation>
+    </message>
+    <message>
+        <source>Open %1 in file manager</source>
+        <translation>%1 in der Dateiverwaltung öffnen</translation>
+    </message>
+    <message>
+        <source>Eject %1</source>
+        <translation>%1 auswerfen</translation>
+    </message>
+    <message>
+        <source>%1 used</source>
+        <translation>%1 belegt</translation>
+    </message>
+</context>
+<context>
     <name>orrinvale::DBPrefsWindowController</name>
     <message>
         <source>Pages</source>
@@ -1038,6 +1084,33 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Ticked</source>
         <translation>Ausgewählt</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::FreeSpacePage</name>
+    <message>
+        <source>There are no volumes here.</source>
+        <translation>Hier sind keine Datenträger.</translation>
+    </message>
+    <message>
+        <source>Free Space</source>
+        <translation>Freier Platz</translation>
+    </message>
+    <message>
+        <source>Your volumes</source>
+        <translation>Ihre Datenträger</translation>
+    </message>
+    <message>
+        <source>This computer runs out of space: %1 of %2 are free</source>
+        <translation>Auf diesem Computer wird der Platz knapp: %1 von %2 sind frei</translation>
+    </message>
+    <message>
+        <source>%1 of %2 are free on this computer</source>
+        <translation>Auf diesem Computer sind %1 von %2 frei</translation>
+    </message>
+    <message>
+        <source>The volume could not be ejected.</source>
+        <translation>Der Datenträger konnte nicht ausgeworfen werden.</translation>
     </message>
 </context>
 <context>

@@ -49,6 +49,7 @@
 #include "ui/shell/FileManager.h"
 #include "ui/shell/MyNSApplication.h"
 #include "ui/shell/StallCounter.h"
+#include "ui/volumes/FreeSpacePage.h"
 
 namespace orrinvale {
 namespace {
@@ -129,6 +130,7 @@ AppDelegateParts delegateParts(Shared& shared, DesktopNotifications& desktopNoti
         .mountChanges = &shared.mountChanges,
         .desktopNotifications = &desktopNotifications,
         .systemWatch = &shared.systemWatch,
+        .workspace = &shared.desktop,
         .openFolder = openInFileManager,
         .openGuide = openUserGuide,
         .stopListening =
@@ -153,6 +155,8 @@ void preparePages(const AppDelegateParts& parts, AppDelegate& delegate) {
     pages.setOpenAddress(parts.pages.openAddress);
     pages.setOpenHelp([&delegate] { delegate.help(); });
     pages.registerPage(duplicatePage(parts.pages));
+    pages.registerPage(
+        freeSpacePage(parts.pages, {.watch = parts.systemWatch, .volumes = parts.volumes}));
 }
 
 int runWindow(int argc, char** argv, const StartRequest& request,

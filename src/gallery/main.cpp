@@ -19,6 +19,7 @@
 #include "gallery/LargeFileScenes.h"
 #include "gallery/ProgramScenes.h"
 #include "gallery/SampleFolder.h"
+#include "gallery/VolumeScenes.h"
 #include "gallery/drawToolbar.h"
 #include "gallery/drawing.h"
 #include "platform/linux/LinuxSystem.h"
@@ -78,8 +79,9 @@ bool drawSheet(const PictureFolder& pictures, NotificationCenter& notifications)
 QSet<QString> wantedScenes(const Order& order) {
     if (!order.isDark && !order.isLarge) return {};
     if (order.isDark && !order.isLarge)
-        return {QStringLiteral("first"),    QStringLiteral("progress"), QStringLiteral("detail"),
-                QStringLiteral("question"), QStringLiteral("failure"),  QStringLiteral("menu")};
+        return {QStringLiteral("first"),     QStringLiteral("progress"), QStringLiteral("detail"),
+                QStringLiteral("question"),  QStringLiteral("failure"),  QStringLiteral("menu"),
+                QStringLiteral("free-space")};
     return {QStringLiteral("first"), QStringLiteral("detail")};
 }
 
@@ -107,6 +109,7 @@ template <class Scenes> bool drawPage(const Order& order, const PictureFolder& p
 bool drawProgram(const Order& order, const PictureFolder& pictures) {
     return drawWithSample([&](const SampleFolder& /*sample*/, UserDefaults& defaults) {
         return drawToolbar(defaults, pictures) &&
+               drawVolumes(defaults, pictures, wantedScenes(order)) &&
                ProgramScenes(defaults, pictures, wantedScenes(order)).draw();
     });
 }

@@ -1,5 +1,5 @@
 // DesktopNotifications: a few words on the desktop from a program whose windows may all be closed,
-// by org.freedesktop.Notifications (the Desktop Notifications Specification, 1.2).
+// by org.freedesktop.Notifications.
 #pragma once
 
 #include <QDBusConnection>

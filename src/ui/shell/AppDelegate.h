@@ -1,5 +1,6 @@
 // AppDelegate: the life of the program, from its window at launch to its end, and what it does when
-// volumes come and go. AppDelegateVolumes.cpp has the volumes, AppDelegateCleaning.cpp Fast Clean.
+// volumes come and go. AppDelegateVolumes.cpp has the volumes, AppDelegateCleaning.cpp Fast Clean,
+// AppDelegateBubbles.cpp the notes.
 #pragma once
 
 #include <QObject>
@@ -19,6 +20,8 @@
 #include "engine/volumes/VolumesManager.h"
 #include "platform/StartRequest.h"
 #include "services/volumes/VolumeWorker.h"
+#include "ui/bubbles/StandingBubble.h"
+#include "ui/bubbles/delegateNotes.h"
 #include "ui/page/PageServices.h"
 #include "ui/shell/DuplicateMainWindowController.h"
 
@@ -27,8 +30,9 @@ class QLabel;
 namespace orrinvale {
 
 class ApplicationMenu;
-class FastClean;
 class DesktopNotifications;
+class FastClean;
+class Workspace;
 struct Alert;
 class MountChanges;
 class SpaceWarnings;
@@ -46,7 +50,8 @@ struct AppDelegateParts {
         nullptr;  ///< asked on the main thread; leaves out what does not answer at once
     MountChanges* mountChanges = nullptr;
     DesktopNotifications* desktopNotifications = nullptr;  ///< null: nobody shows any
-    SystemWatch* systemWatch = nullptr;  ///< over `volumes`; null: nothing runs in the background
+    SystemWatch* systemWatch = nullptr;    ///< over `volumes`; null: nothing runs in the background
+    const Workspace* workspace = nullptr;  ///< null: there is no screen
     std::function<bool(const std::string& path)>
         openFolder;  ///< in the desktop's file manager; false when it can not
     std::function<void(std::function<void()> failed)>
@@ -117,6 +122,21 @@ public:
     /// The boot volume of a new walk; null when there is none.
     [[nodiscard]] std::shared_ptr<ZvVolumeInfo> getBootVolume();
 
+    /// The refresh of the status item has seen the boot volume.
+    void noteHomeDisk(const ZvVolumeInfo& boot);
+    /// Whether the boot volume is short of space, as that saw it last.
+    [[nodiscard]] bool getWarningValue() const;
+    /// The disc of the status item, of a new walk; null where there is nothing to show.
+    [[nodiscard]] QIcon getStatusImage();
+    /// The upper right of the main screen where notes hang, measured from its lower left corner.
+    [[nodiscard]] QPointF getStatusFrame() const;
+    /// The note that warns of a volume. Put together and not shown.
+    void errorValuebiggrtFreeBubble(const std::string& name);
+    /// The note of a clean that has ended; likewise.
+    void cleaningFileFinishNotification(const Notification& notification);
+    /// Where bubbles stand on this desktop, or else in the open window.
+    [[nodiscard]] BubbleGround bubbleGround() const;
+
     /// The sentence about a volume that was "mounted" or "unmounted".
     [[nodiscard]] static std::string volumeSentence(const Notification& notification,
                                                     const std::string& word);
@@ -152,6 +172,7 @@ private:
     std::unique_ptr<VolumesManager> m_voluManager;
     std::vector<std::shared_ptr<ZvVolumeInfo>> m_volsInfo;
     std::unique_ptr<SpaceWarnings> m_spaceWarnings;
+    HomeDisk m_homeDisk;
     bool m_isOpenWindow = false;
     bool m_isEjecting = false;
     bool m_isLeaving = false;

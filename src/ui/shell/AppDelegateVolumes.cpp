@@ -1,5 +1,4 @@
 // The volumes of AppDelegate: what is said and done when they come and go. See AppDelegate.h.
-#include <QLabel>
 #include <algorithm>
 
 #include "engine/base/notices.h"
@@ -14,20 +13,8 @@
 namespace orrinvale {
 namespace {
 
-// A field of a note: white, bold, on the colour of controls.
-std::unique_ptr<QLabel> noteField(const std::string& text) {
-    auto field = std::make_unique<QLabel>(QString::fromStdString(text));
-    field->setTextFormat(Qt::PlainText);
-    field->setGeometry(10, 5, 200, 40);
-    QFont font(QStringLiteral("Lucida Grande"));
-    font.setPixelSize(13);
-    font.setBold(true);
-    field->setFont(font);
-    QPalette palette = field->palette();
-    palette.setColor(QPalette::WindowText, Qt::white);
-    field->setPalette(palette);
-    return field;
-}
+// A sentence has one field.
+constexpr QRect fieldPlace(10, 5, 200, 40);
 
 }  // namespace
 
@@ -48,18 +35,10 @@ std::string AppDelegate::volumeSentence(const Notification& notification, const 
 
 void AppDelegate::ZvCommVolumeNottification(const Notification& notification,
                                             const std::string& withInfo) {
-    bubbleViewWith(noteField(volumeSentence(notification, withInfo)));
+    bubbleViewWith(
+        noteField(QString::fromStdString(volumeSentence(notification, withInfo)), fieldPlace));
     notice::refMenuItemWhenDeleteAndAdd.post(*m_parts.pages.notifications);
     notice::updateSizeView.post(*m_parts.pages.notifications);
-}
-
-// Put together and let go: the delegate's notes are never shown. A volume that comes or goes is
-// seen where volumes are.
-void AppDelegate::bubbleViewWith(std::unique_ptr<QLabel> view, std::unique_ptr<QLabel> withBView) {
-    QWidget container;
-    container.resize(withBView ? 280 : 220, 50);
-    for (auto* const each : {&view, &withBView})
-        if (*each) each->release()->setParent(&container);
 }
 
 void AppDelegate::rejestAllDisk() {
@@ -75,7 +54,8 @@ void AppDelegate::rejestAllDisk() {
 
 void AppDelegate::ejectionEnded(std::int32_t status, const std::vector<EjectFailure>& failures) {
     if (status < 0) {
-        noteField(getLocalizedString("NO_HAVE_REMOVABLE"));
+        static_cast<void>(
+            noteField(QString::fromStdString(getLocalizedString("NO_HAVE_REMOVABLE")), fieldPlace));
         return;
     }
     refMenuItemWhenDeleteAndAdd();

@@ -4,6 +4,7 @@
 
 #include <QPainter>
 #include <QStyle>
+#include <cmath>
 
 namespace orrinvale {
 
@@ -14,7 +15,9 @@ ElidedLabel::ElidedLabel(Qt::TextElideMode mode, QWidget* parent) : QLabel(paren
 
 QSize ElidedLabel::sizeHint() const {
     const QMargins margins = contentsMargins();
-    return {fontMetrics().horizontalAdvance(text()) + margins.left() + margins.right(),
+    // Half a pixel too few would cut a text that has all the room it asked for.
+    const double width = std::ceil(QFontMetricsF(font()).horizontalAdvance(text()));
+    return {static_cast<int>(width) + margins.left() + margins.right(),
             fontMetrics().height() + margins.top() + margins.bottom()};
 }
 

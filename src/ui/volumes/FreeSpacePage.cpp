@@ -1,0 +1,180 @@
+// What is seen comes from SystemWatch, so that nothing here waits for a disk.
+#include "ui/volumes/FreeSpacePage.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "engine/base/notices.h"
+#include "engine/settings/UtilityFunctionOfData.h"
+#include "engine/volumes/volumeNotices.h"
+#include "ui/kit/controls/ElidedLabel.h"
+#include "ui/kit/controls/Panel.h"
+#include "ui/kit/controls/PictureView.h"
+#include "ui/kit/controls/numberText.h"
+#include "ui/kit/controls/pathText.h"
+#include "ui/kit/controls/viewParts.h"
+#include "ui/kit/dialogs/Dialogs.h"
+#include "ui/kit/dialogs/failureWords.h"
+#include "ui/page/ResultFrame.h"
+
+namespace orrinvale {
+namespace {
+
+std::string levelNow() {
+    return errorValueOf(UtilityFunctionOfData::getMyData().readerTxtForSettingValue()->errorValue);
+}
+
+const ZvVolumeInfo* bootOf(const std::vector<SeenVolume>& volumes) {
+    const auto boot =
+        std::ranges::find_if(volumes, [](const auto& each) { return each.record->bIsDefaultVol; });
+    return boot == volumes.end() ? nullptr : boot->record.get();
+}
+
+}  // namespace
+
+FreeSpacePage::FreeSpacePage(const PageServices& services, FreeSpaceParts parts)
+    : m_services(services),
+      m_parts(parts),
+      m_worker(*parts.volumes, *services.mainQueue),
+      m_diskSizeView([this] { return m_seen.volumes; }, *this),
+      m_observation(notice::updateNewDiskSizeView.observe(
+          *services.notifications, [this] { updateNewDiskSizeViewData(); })) {
+    makeView();
+}
+
+FreeSpacePage::~FreeSpacePage() {
+    if (m_view != nullptr && m_view->parentWidget() == nullptr) delete m_view.data();
+}
+
+void FreeSpacePage::makeView() {
+    m_view = named(new Panel(Theme::Color::Window), "diskSizeView");
+    auto* const head = new Panel(Theme::Color::Surface, Qt::BottomEdge);
+    head->setFixedHeight(ResultFrame::barHeight);
+    m_titleLabel = named(new ElidedLabel, "titleLabel");
+    m_titleLabel->setFont(Theme::shared().font(Theme::Text::BodyStrong));
+    auto* const row = new QHBoxLayout(head);
+    row->setContentsMargins(Theme::gapLarge, 0, Theme::gapLarge, 0);
+    row->setSpacing(Theme::gapSmall);
+    row->addWidget(new PictureView(QStringLiteral("free_space"), {20, 20}));
+    row->addWidget(m_titleLabel, 1);
+
+    m_page = named(new Panel(Theme::Color::Window), "volumePage");
+    auto* const list = new QVBoxLayout(m_page);
+    list->setContentsMargins({});
+    const EmptyView empty = makeEmptyView(QStringLiteral("empty_search"), false);
+    m_emptyLabel = empty.label;
+    m_content = named(new QStackedWidget, "content");
+    m_content->addWidget(m_page);
+    m_content->addWidget(empty.view);
+    auto* const column = new QVBoxLayout(m_view);
+    column->setContentsMargins({});
+    column->setSpacing(0);
+    column->addWidget(head);
+    column->addWidget(m_content, 1);
+    showTitle();
+    m_view->installEventFilter(this);
+}
+
+bool FreeSpacePage::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Show) look(true);
+    if (event->type() == QEvent::Hide) look(false);
+    return QObject::eventFilter(watched, event);
+}
+
+void FreeSpacePage::look(bool isOnScreen) {
+    m_looking.reset();
+    if (!isOnScreen) return;
+    m_looking = m_parts.watch->observe(SystemWatch::Part::Volumes, [this](const SystemSight& seen) {
+        m_seen = seen;
+        updateNewDiskSizeViewData();
+    });
+}
+
+// A row is matched by its place alone, so that cards of another sequence are never filled.
+void FreeSpacePage::updateNewDiskSizeViewData() {
+    const bool isSame = m_diskSizeView.scrollArea() != nullptr &&
+                        hasSameSequence(m_seen, m_shown) && m_shownLevel == levelNow();
+    if (isSame) m_diskSizeView.updateViewAndData();
+    else if (!m_seen.volumes.empty() || m_diskSizeView.scrollArea() != nullptr) rebuild();
+    showTitle();
+}
+
+void FreeSpacePage::rebuild() {
+    m_diskSizeView.initDiskSizeView(m_page);
+    m_shown = m_seen;
+    m_shownLevel = levelNow();
+    showEjecting();
+    m_emptyLabel->setText(tr("There are no volumes here."));
+    m_content->setCurrentIndex(m_seen.volumes.empty() ? 1 : 0);
+}
+
+void FreeSpacePage::showEjecting() const {
+    const auto& cards = m_diskSizeView.allItemArr();
+    for (std::size_t row = 0; row < cards.size(); ++row) {
+        const ZvVolumeInfo& volume = *m_shown.volumes[row].record;
+        cards[row]->setEjecting(m_ejecting.contains({volume.volRefNumber, volume.volRootDir}));
+    }
+}
+
+void FreeSpacePage::showTitle() const {
+    const ZvVolumeInfo* const boot = bootOf(m_seen.volumes);
+    if (boot == nullptr) {
+        m_titleLabel->setText(m_seen.volumes.empty() ? tr("Free Space") : tr("Your volumes"));
+        return;
+    }
+    const float level = static_cast<float>(warningLevelIn(levelNow()));
+    const QString words = isShortOfSpace(spaceOf(*boot), level)
+                              ? tr("This computer runs out of space: %1 of %2 are free")
+                              : tr("%1 of %2 are free on this computer");
+    m_titleLabel->setText(words.arg(shownSize(boot->freeSpace), shownSize(boot->totalSpace)));
+}
+
+void FreeSpacePage::ejectVolume(std::int16_t volRefNumber, const std::string& volRootDir,
+                                const std::string& volumeName) {
+    const Place place{volRefNumber, volRootDir};
+    if (!m_ejecting.insert(place).second) return;
+    showEjecting();
+    m_worker.ejectVolume(
+        volRefNumber, volRootDir, volumeName,
+        [this, place](std::int32_t /*status*/, const std::vector<EjectFailure>& failures) {
+            ejectionEnded(place, failures);
+        });
+}
+
+void FreeSpacePage::ejectionEnded(const Place& place, const std::vector<EjectFailure>& failures) {
+    m_ejecting.erase(place);
+    showEjecting();
+    if (m_looking) m_parts.watch->lookNow();
+    notice::refMenuItemWhenDeleteAndAdd.post(*m_services.notifications);  // whether it went or not
+    if (!failures.empty()) tell(failures);
+}
+
+void FreeSpacePage::tell(const std::vector<EjectFailure>& failures) {
+    QStringList lines;
+    for (EjectFailure each : failures) {
+        each.dissent.reason = inWords(each.dissent.reason).toStdString();
+        lines.push_back(onOneLine(QString::fromStdString(ejectFailureText(each))));
+    }
+    Alert alert;
+    alert.title = tr("The volume could not be ejected.");
+    alert.text = lines.join(QLatin1Char('\n'));
+    alert.severity = Alert::Severity::Warning;
+    m_services.dialogs->alert(m_window, alert, [](int /*button*/) {});
+}
+
+void FreeSpacePage::browseVolume(const std::string& volRootDir) {
+    notice::openFinderWhenClickItems.post(*m_services.notifications, volRootDir);
+}
+
+PageDescriptor freeSpacePage(const PageServices& services, const FreeSpaceParts& parts) {
+    return {.identifier = QStringLiteral("free_space"),
+            .label = FreeSpacePage::tr("Free Space"),
+            .picture = QStringLiteral("free_space"),
+            .make = [services, parts] { return std::make_unique<FreeSpacePage>(services, parts); }};
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,87 @@
+// FreeSpacePage: the page "Free Space" of the toolbar window: what is free, and a card for each
+// volume. DiskSizeView.h is the list.
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "engine/base/NotificationCenter.h"
+#include "services/volumes/SystemWatch.h"
+#include "services/volumes/VolumeWorker.h"
+#include "ui/page/Page.h"
+#include "ui/page/PageServices.h"
+#include "ui/volumes/CustomVolumView.h"
+#include "ui/volumes/DiskSizeView.h"
+
+class QStackedWidget;
+
+namespace orrinvale {
+
+/// What the page asks beside the services of all pages; both outlive it. `watch` looks at what
+/// `volumes` ejects.
+struct FreeSpaceParts {
+    SystemWatch* watch = nullptr;
+    Volumes* volumes = nullptr;
+};
+
+/// It looks at the volumes only while it is on the screen. The cards are made anew when another
+/// volume stands in the place of one, when the level of the warning changes, and not otherwise.
+/// Main thread only.
+class FreeSpacePage final : public QObject, public Page, private CustomVolumViewDelegate {
+    Q_OBJECT
+public:
+    FreeSpacePage(const PageServices& services, FreeSpaceParts parts);
+    ~FreeSpacePage() override;
+
+    [[nodiscard]] QWidget* view() const override { return m_view; }
+    void setMainWindow(QWidget* window) override { m_window = window; }
+
+    [[nodiscard]] const DiskSizeView& diskSizeView() const { return m_diskSizeView; }
+
+    /// Shows what was seen last: new figures in the cards that there are, or new cards.
+    void updateNewDiskSizeViewData();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    using Place = std::pair<std::int16_t, std::string>;  // reference number and root
+
+    void ejectVolume(std::int16_t volRefNumber, const std::string& volRootDir,
+                     const std::string& volumeName) override;
+    void browseVolume(const std::string& volRootDir) override;
+
+    void makeView();
+    void look(bool isOnScreen);
+    void rebuild();
+    void showEjecting() const;
+    void showTitle() const;
+    void ejectionEnded(const Place& place, const std::vector<EjectFailure>& failures);
+    void tell(const std::vector<EjectFailure>& failures);
+
+    const PageServices m_services;
+    const FreeSpaceParts m_parts;
+    QPointer<QWidget> m_window;
+    QPointer<QWidget> m_view;
+    QStackedWidget* m_content = nullptr;
+    QWidget* m_page = nullptr;  // that the list fills
+    class ElidedLabel* m_titleLabel = nullptr;
+    class QLabel* m_emptyLabel = nullptr;
+    VolumeWorker m_worker;
+    SystemSight m_seen;
+    SystemSight m_shown;  // that the cards were made for
+    std::string m_shownLevel;
+    std::set<Place> m_ejecting;
+    DiskSizeView m_diskSizeView;
+    SystemWatch::Observation m_looking;  // null while nobody sees the page
+    NotificationCenter::Observation m_observation;
+};
+
+[[nodiscard]] PageDescriptor freeSpacePage(const PageServices& services,
+                                           const FreeSpaceParts& parts);
+
+}  // namespace orrinvale
