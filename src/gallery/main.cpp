@@ -16,6 +16,7 @@
 #include "engine/text/UtilityFunction.h"
 #include "gallery/ControlSheet.h"
 #include "gallery/DuplicateScenes.h"
+#include "gallery/FastCleanScenes.h"
 #include "gallery/LargeFileScenes.h"
 #include "gallery/ProgramScenes.h"
 #include "gallery/SampleFolder.h"
@@ -123,7 +124,8 @@ int drawGallery(const Order& order, NotificationCenter& notifications) {
     if (!drawSheet(pictures, notifications)) return 1;
     if (order.isDark && order.isLarge) return 0;
     const bool isDrawn = drawPage<DuplicateScenes>(order, pictures) &&
-                         drawPage<LargeFileScenes>(order, pictures) && drawProgram(order, pictures);
+                         drawPage<LargeFileScenes>(order, pictures) &&
+                         drawPage<FastCleanScenes>(order, pictures) && drawProgram(order, pictures);
     return isDrawn ? 0 : 1;
 }
 

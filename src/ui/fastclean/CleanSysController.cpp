@@ -25,6 +25,7 @@
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/chrome/WindowButton.h"
 #include "ui/kit/controls/ElidedLabel.h"
+#include "ui/kit/controls/PictureView.h"
 #include "ui/kit/controls/QnProgressView.h"
 #include "ui/kit/controls/pathText.h"
 
@@ -205,10 +206,12 @@ void CleanSysController::handleScanFinish(const FolderTotals& totals) {
 // What a person threw away or loaded can not be made again.
 void CleanSysController::askBefore() {
     m_views.delProgress->setIndeterminate(false);
+    fitFastCleanWindow(*m_window, true);
     m_parts.pages.dialogs->alert(m_window.get(), goodbyeQuestion(m_category, fileCount, totalSize),
                                  [self = QPointer(this)](int button) {
                                      if (self == nullptr || self->m_state != State::Measuring)
                                          return;
+                                     fitFastCleanWindow(*self->m_window);
                                      if (button == 0) return self->beginRemoval();
                                      self->unRegisterNotification();
                                      self->enter(State::Closing);
@@ -317,6 +320,13 @@ QString CleanSysController::doingText() const {
     return showFixedText;
 }
 
+QString CleanSysController::pictureName() const {
+    const bool hasRun = m_state == State::Reporting && m_removal != nullptr;
+    if (hasRun && m_removal->outcome().failed > 0) return QStringLiteral("warning");
+    return hasRun && m_removal->hasRemoved() ? QStringLiteral("success")
+                                             : QStringLiteral("fast_clean");
+}
+
 void CleanSysController::draw() {
     if (m_window == nullptr) return;
     const bool isRunning = m_state == State::Measuring || m_state == State::Deleting;
@@ -324,6 +334,8 @@ void CleanSysController::draw() {
     m_views.startBtn->setVisible(m_state == State::Idle);
     m_views.cancelBtn->setVisible(isRunning);
     m_views.fixedText->setText(doingText());
+    m_views.fastCleanImage->setPicture(pictureName());
+    m_views.delProgress->setVisible(m_state != State::Idle);
     m_views.delProgress->changeProgressValue(
         std::isfinite(progressVal) ? static_cast<float>(std::clamp(progressVal, 0.0, 100.0)) : 0);
     const std::string inHand = m_removal != nullptr && isRunning ? m_removal->inHand() : "";

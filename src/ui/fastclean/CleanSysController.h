@@ -121,6 +121,7 @@ private:
     void bringForward();
     void draw();
     [[nodiscard]] QString doingText() const;
+    [[nodiscard]] QString pictureName() const;
 
     // CleanSysReport.cpp
     void endRun(std::uint64_t count, std::uint64_t bytes);

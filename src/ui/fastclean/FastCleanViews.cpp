@@ -5,7 +5,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
-#include <algorithm>
 
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/chrome/TextImageButton.h"
@@ -21,7 +20,7 @@ namespace orrinvale {
 namespace {
 
 constexpr int windowWidth = 440;
-constexpr int contentHeight = 172;  // a sheet with a question has room in it
+constexpr int sheetHeight = 224;  // a question has room in it, in long languages too
 constexpr int pictureSide = 40;
 
 struct Words {
@@ -42,7 +41,7 @@ void makeTitleBar(TCImageWindow& window) {
     auto* const title = makeLabel("windowTitle", Theme::Text::BodyStrong);
     title->setText(window.windowTitle());
     bar->addWidget(title);
-    window.standardWindowButton(2)->hide();  // there is one size
+    window.standardWindowButton(2)->setEnabled(false);  // there is one size
 }
 
 QHBoxLayout* headOf(const FastCleanViews& views) {
@@ -98,19 +97,21 @@ FastCleanViews makeFastCleanViews(TCImageWindow& window) {
     column->addLayout(headOf(views));
     column->addWidget(views.delProgress);
     column->addLayout(bottomOf(views));
-    column->addStretch(1);
+    QSizePolicy keepsPlace = views.delProgress->sizePolicy();
+    keepsPlace.setRetainSizeWhenHidden(true);
+    views.delProgress->setSizePolicy(keepsPlace);
     window.setContentView(content);
     fitFastCleanWindow(window);
     return views;
 }
 
-void fitFastCleanWindow(TCImageWindow& window) {
+void fitFastCleanWindow(TCImageWindow& window, bool hasSheet) {
     QWidget& content = *window.contentView();
     content.layout()->activate();
     const int wanted = content.layout()->hasHeightForWidth()
                            ? content.layout()->heightForWidth(windowWidth)
                            : content.sizeHint().height();
-    const QSize size(windowWidth, std::max(contentHeight, wanted) + window.titleBarHeight());
+    const QSize size(windowWidth, (hasSheet ? sheetHeight : wanted) + window.titleBarHeight());
     window.setMinSize({0, 0});
     window.setMaxSize(size);
     window.setMinSize(size);
