@@ -54,14 +54,6 @@
         <translation>Stoppen</translation>
     </message>
     <message>
-        <source>There is nothing to clean in %1. Other categories are chosen on the Clean page.</source>
-        <translation>In %1 gibt es nichts aufzuräumen. Andere Kategorien wählen Sie auf der Seite „Aufräumen“.</translation>
-    </message>
-    <message>
-        <source>%1 could not be looked at: the disk does not answer. Try again in a moment.</source>
-        <translation>%1: Die Festplatte antwortet nicht. Versuchen Sie es gleich noch einmal.</translation>
-    </message>
-    <message>
         <source>Empty the Trash for good?</source>
         <translation>Den Papierkorb endgültig leeren?</translation>
     </message>
@@ -97,16 +89,28 @@
         <translation>Der freie Platz wuchs nicht</translation>
     </message>
     <message>
-        <source>The rest needs the administrator: open the padlock first</source>
-        <translation>Der Rest braucht Administratorrechte: Öffnen Sie zuerst das Schloss</translation>
-    </message>
-    <message>
         <source>Less than promised: files are still open, or snapshots and shared copies hold what went, or others have written meanwhile.</source>
         <translation>Weniger als erwartet: Dateien sind noch geöffnet, Schnappschüsse oder geteilte Kopien halten fest, was entfernt wurde, oder es wurde inzwischen Neues geschrieben.</translation>
     </message>
     <message>
-        <source>Not all was removed: open the padlock first, for administrator rights</source>
-        <translation>Nicht alles wurde entfernt: Öffnen Sie zuerst das Schloss für Administratorrechte</translation>
+        <source>Nothing to clean in %1. Choose others on the Clean page.</source>
+        <translation>In %1 gibt es nichts aufzuräumen. Wählen Sie andere auf der Seite „Aufräumen“.</translation>
+    </message>
+    <message>
+        <source>%1: the disk does not answer. Try again in a moment.</source>
+        <translation>%1: Die Festplatte antwortet nicht. Versuchen Sie es gleich noch einmal.</translation>
+    </message>
+    <message>
+        <source>Open the padlock for the rest</source>
+        <translation>Für den Rest das Schloss öffnen</translation>
+    </message>
+    <message>
+        <source>Not all went: open the padlock</source>
+        <translation>Nicht alles ging: Schloss öffnen</translation>
+    </message>
+    <message>
+        <source>%1 was left alone: %2</source>
+        <translation>%1 blieb unberührt: %2</translation>
     </message>
 </context>
 <context>

@@ -35,8 +35,9 @@ struct FastCleanParts {
     /// Called on the removing thread.
     std::function<std::unique_ptr<RemovalDoor>(CleanCategory)> makeDoor;
     SpaceGain::FreeSpace freeSpace = settledFreeSpace;
-    std::chrono::milliseconds bubbleTime{5000};    ///< a bubble stays this long
-    std::chrono::milliseconds closingPause{1000};  ///< from there to the end of the window
+    BubbleGround bubbles;
+    std::chrono::milliseconds closingPause{
+        1000};  ///< from the end of the bubble to that of the window
 };
 
 /// One run. Main thread only, where all notices of its operations come.
@@ -81,6 +82,9 @@ public:
     [[nodiscard]] bool isRemoving() const;
     /// An operation is not at its end.
     [[nodiscard]] bool isWorking() const { return m_isWorking; }
+    [[nodiscard]] FastCleanBubbleView* bubbleView() const {
+        return m_bubbleView.get();
+    }  ///< null while none stands
 
     std::vector<std::string> foldersArr;
     std::uint64_t totalSize = 0;  ///< bytes measured

@@ -71,18 +71,20 @@ void CleanSysController::showCleanFinishBubble(std::uint64_t count, std::uint64_
     m_further = further.join(QLatin1Char('\n'));
     m_furtherTip = shortfallReason(result);
     if (!m_isClosed) enter(State::Reporting);
-    // A bubble has room for one of them.
+    // A bubble has room for three lines, or for one that is broken.
+    const bool isAlone = m_isEmpty && !further.isEmpty();
     FastCleanBubbleViewDelegate* const delegate = this;
     m_bubbleView = std::make_unique<FastCleanBubbleView>(
-        countAndSizeLines(count, bytes) + further.mid(0, 1), delegate);
-    m_timer.start(m_parts.bubbleTime);
+        (isAlone ? QStringList() : countAndSizeLines(count, bytes)) + further.mid(0, 1),
+        m_parts.bubbles, delegate);
+    m_timer.start(m_parts.bubbles.lifetime);
 }
 
 // The pointer is on the bubble: it stays.
 void CleanSysController::fastCleantimerKillToDeleteDelegate() { m_timer.stop(); }
 
 void CleanSysController::fastCleantimerBeginToBeleteBubbleViewDelegate() {
-    m_timer.start(m_parts.bubbleTime);
+    m_timer.start(m_parts.bubbles.lifetime);
 }
 
 void CleanSysController::timerDeleteBubble() {

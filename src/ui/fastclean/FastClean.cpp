@@ -47,8 +47,8 @@ bool FastClean::makeController() {
 
 void FastClean::tell(const QStringList& lines) {
     m_note.reset();
-    m_note = std::make_unique<FastCleanBubbleView>(lines, nullptr);
-    m_noteTimer.start(m_parts.bubbleTime);
+    m_note = std::make_unique<FastCleanBubbleView>(lines, m_parts.bubbles, nullptr);
+    m_noteTimer.start(m_parts.bubbles.lifetime);
 }
 
 void FastClean::handleCloseCleanWindow() {

@@ -1,24 +1,17 @@
 // See FastCleanBubbleView.h.
 #include "ui/fastclean/FastCleanBubbleView.h"
 
-#include "engine/base/Log.h"
-#include "engine/base/UtilityObject.h"
+#include "ui/bubbles/BubbleContent.h"
 
 namespace orrinvale {
 
-FastCleanBubbleView::FastCleanBubbleView(const QStringList& lines,
+FastCleanBubbleView::FastCleanBubbleView(const QStringList& lines, const BubbleGround& ground,
                                          FastCleanBubbleViewDelegate* delegate)
-    : m_delegate(delegate) {
-    UtilityObject& shared = UtilityObject::getMyObject();
-    ++shared.totalBubbleCount;
-    ++shared.liveBubbleCount;
-    Log::line(lines.join(QStringLiteral("; ")).toStdString());
-}
+    : m_delegate(delegate),
+      m_bubble(
+          std::make_unique<StandingBubble>(std::make_unique<BubbleContent>(lines), ground, this)) {}
 
-FastCleanBubbleView::~FastCleanBubbleView() {
-    UtilityObject& shared = UtilityObject::getMyObject();
-    if (--shared.liveBubbleCount == 0) shared.totalBubbleCount = 0;
-}
+FastCleanBubbleView::~FastCleanBubbleView() = default;
 
 void FastCleanBubbleView::mouseEnterAction() {
     if (m_delegate != nullptr) m_delegate->fastCleantimerKillToDeleteDelegate();

@@ -2,6 +2,9 @@
 #pragma once
 
 #include <QStringList>
+#include <memory>
+
+#include "ui/bubbles/StandingBubble.h"
 
 namespace orrinvale {
 
@@ -20,20 +23,26 @@ protected:
     FastCleanBubbleViewDelegate& operator=(const FastCleanBubbleViewDelegate&) = default;
 };
 
-/// Stands from its making to its end. Main thread only.
-class FastCleanBubbleView final {
+/// Stands from its making to its end, among the other bubbles of the program. Main thread only.
+class FastCleanBubbleView final : public MAAttachedWindowDelegate {
 public:
-    /// Up to three lines. The delegate, which may be null, outlives it.
-    FastCleanBubbleView(const QStringList& lines, FastCleanBubbleViewDelegate* delegate);
-    ~FastCleanBubbleView();
+    /// One line, or up to three. The delegate, which may be null, outlives it.
+    FastCleanBubbleView(const QStringList& lines, const BubbleGround& ground,
+                        FastCleanBubbleViewDelegate* delegate);
+    ~FastCleanBubbleView() override;
     FastCleanBubbleView(const FastCleanBubbleView&) = delete;
     FastCleanBubbleView& operator=(const FastCleanBubbleView&) = delete;
 
-    void mouseEnterAction();
-    void mouseExitAction();
+    // The pointer comes and goes.
+    void mouseEnterAction() override;
+    void mouseExitAction() override;
+
+    /// Null where it is not on the screen, or shown by the desktop.
+    [[nodiscard]] MAAttachedWindow* maattachedView() const { return m_bubble->maattachedView(); }
 
 private:
     FastCleanBubbleViewDelegate* const m_delegate;
+    const std::unique_ptr<StandingBubble> m_bubble;
 };
 
 }  // namespace orrinvale

@@ -29,7 +29,8 @@ struct FastCleanViews {
 /// Gives the window its title bar, its contents and its one size.
 [[nodiscard]] FastCleanViews makeFastCleanViews(TCImageWindow& window);
 
-/// Makes the window as high as its contents want to be, or as high as a sheet with a question wants.
+/// Makes the window as high as its contents want to be, or as high as a sheet with a question
+/// wants.
 void fitFastCleanWindow(TCImageWindow& window, bool hasSheet = false);
 
 }  // namespace orrinvale

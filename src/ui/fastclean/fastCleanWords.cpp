@@ -40,13 +40,12 @@ QString categoryTitle(CleanCategory category) {
 QString noCategoryLine() { return textOf("NO_FOLDER_CONTENT"); }
 
 QString emptyCategoryLine(CleanCategory category) {
-    return Words::tr(
-               "There is nothing to clean in %1. Other categories are chosen on the Clean page.")
+    return Words::tr("Nothing to clean in %1. Choose others on the Clean page.")
         .arg(categoryTitle(category));
 }
 
 QString silentCategoryLine(CleanCategory category) {
-    return Words::tr("%1 could not be looked at: the disk does not answer. Try again in a moment.")
+    return Words::tr("%1: the disk does not answer. Try again in a moment.")
         .arg(categoryTitle(category));
 }
 
@@ -83,11 +82,8 @@ QStringList furtherLines(const FastCleanResult& result) {
                                   .arg(sizeText(static_cast<std::uint64_t>(*result.gained)))
                             : Words::tr("Free space did not grow"));
     if (result.outcome != nullptr && result.outcome->lacksRights)
-        lines.push_back(
-            result.gained
-                ? Words::tr("The rest needs the administrator: open the padlock first")
-                : Words::tr(
-                      "Not all was removed: open the padlock first, for administrator rights"));
+        lines.push_back(result.gained ? Words::tr("Open the padlock for the rest")
+                                      : Words::tr("Not all went: open the padlock"));
     else if (result.outcome != nullptr && result.outcome->failed > 0)
         lines.push_back(stayedText(*result.outcome));
     if (!result.isEmpty) return lines;
@@ -96,9 +92,9 @@ QStringList furtherLines(const FastCleanResult& result) {
     } else if (result.closed.empty()) {
         lines.push_back(emptyCategoryLine(result.category));
     } else {
-        const auto& closed = result.closed.front();
-        lines.push_back(onOneLine(QStringLiteral("%1: %2").arg(QString::fromStdString(closed.path),
-                                                               inWords(closed.reason))));
+        lines.push_back(Words::tr("%1 was left alone: %2")
+                            .arg(categoryTitle(result.category),
+                                 onOneLine(inWords(result.closed.front().reason))));
     }
     return lines;
 }

@@ -7,9 +7,11 @@ namespace orrinvale {
 
 std::unique_ptr<FastClean> AppDelegate::makeFastClean() {
     if (m_parts.clean.utilities == nullptr) return nullptr;
-    return std::make_unique<FastClean>(
-        FastCleanParts{.pages = m_parts.pages, .clean = m_parts.clean, .makeDoor = fastCleanDoor},
-        [this] { refFastCleanItem(); });
+    return std::make_unique<FastClean>(FastCleanParts{.pages = m_parts.pages,
+                                                      .clean = m_parts.clean,
+                                                      .makeDoor = fastCleanDoor,
+                                                      .bubbles = bubbleGround()},
+                                       [this] { refFastCleanItem(); });
 }
 
 void AppDelegate::cleaningFile() {

@@ -68,7 +68,7 @@ struct Desk : NamedControls {
         out.freeSpace = [this](const std::string&) {
             return SysResult<std::uint64_t>(free += 2'000'000);
         };
-        out.bubbleTime = std::chrono::milliseconds(60);
+        out.bubbles.lifetime = std::chrono::milliseconds(60);
         out.closingPause = std::chrono::milliseconds(20);
         return out;
     }
@@ -298,6 +298,30 @@ TEST(FastClean, ClosingAndGivingUpInEachState) {
                 EXPECT_TRUE(desk.clean->canStart());
             }
         }
+}
+
+TEST(FastClean, TheBubbleStaysUnderThePointer) {
+    Desk desk(CleanCategory::UserCaches);
+    ASSERT_TRUE(desk.home.tree.write(".cache/a", "1"));
+    FastCleanParts parts = desk.parts();
+    parts.bubbles.server = [] { return DesktopFacts::Server::X11; };
+    desk.clean = std::make_unique<FastClean>(parts, [] {});
+    desk.clean->cleaningFile();
+    ASSERT_SOON(desk.isIn(State::Reporting));
+    FastCleanBubbleView* const bubble = desk.run()->bubbleView();
+    ASSERT_NE(bubble, nullptr);
+    const QPointer<MAAttachedWindow> window = bubble->maattachedView();
+    ASSERT_TRUE(window && window->isVisible());
+    const auto lines = window->findChildren<QLabel*>();
+    EXPECT_EQ(lines.size(), 3);
+    EXPECT_EQ(lines.back()->text(), QStringLiteral("Free space grew by 2.00 MB"));
+    bubble->mouseEnterAction();
+    QTest::qWait(200);
+    EXPECT_TRUE(window && window->isVisible());
+    bubble->mouseExitAction();
+    EXPECT_SOON(window == nullptr);
+    EXPECT_EQ(Desk::bubbles(), 0);
+    EXPECT_SOON(desk.run() == nullptr);
 }
 
 // A home whose disk does not say what is in it.
