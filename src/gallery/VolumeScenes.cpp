@@ -6,6 +6,8 @@
 #include <QLabel>
 #include <QPainter>
 #include <array>
+#include <cerrno>
+#include <future>
 #include <vector>
 
 #include "engine/base/UtilityObject.h"
@@ -17,6 +19,7 @@
 #include "ui/bubbles/BubbleContent.h"
 #include "ui/bubbles/StandingBubble.h"
 #include "ui/kit/chrome/TCImageWindow.h"
+#include "ui/kit/look/picture.h"
 #include "ui/preferences/AppPrefsWindowController.h"
 #include "ui/volumes/FreeSpacePage.h"
 
@@ -94,6 +97,34 @@ bool drawPage(UserDefaults& defaults, const PictureFolder& pictures, std::size_t
     return pictures.save(QStringLiteral("free-space-%1").arg(count), controller.window()->grab());
 }
 
+// What does not answer, what is being ejected, and what another program holds.
+bool drawTroubles(UserDefaults& defaults, const PictureFolder& pictures) {
+    const LinuxFileSystem files;
+    Machine& machine = *new Machine(4);
+    std::promise<void> mayEnd;
+    machine.platform.onEjection = [gate = mayEnd.get_future().share()](std::int16_t /*number*/) {
+        gate.wait();
+    };
+    FreeSpacePage page(machine.workings.parts(files, defaults),
+                       {&machine.watch, &machine.platform});
+    const std::unique_ptr<QWidget> view(page.view());
+    view->resize(800, 440);
+    view->show();
+    const auto& cards = page.diskSizeView().allItemArr();
+    if (!waitFor("the volumes", [&] { return cards.size() == 4; })) return false;
+    machine.platform.volumes[3].infoStatus = ioErr;
+    machine.platform.volumes[3].volume.errorNumber = ETIMEDOUT;
+    machine.watch.lookNow();
+    cards[2]->backDisk();
+    const auto isSilent = [&] {
+        return !cards[3]->findChild<QLabel*>(QStringLiteral("freeVolT"))->isEnabled();
+    };
+    if (!waitFor("a silent server", isSilent)) return false;
+    const bool isSaved = pictures.save(QStringLiteral("free-space-troubles"), view->grab());
+    mayEnd.set_value();
+    return isSaved;
+}
+
 // A piece of a desktop with bubbles in its corner, and a window that points at something.
 class Desktop final : public QWidget {
 public:
@@ -141,6 +172,30 @@ bool drawBubbles(const PictureFolder& pictures) {
     return isSaved;
 }
 
+// The disc of the status item in the sizes of panels, on a light and a dark one.
+bool drawDiscs(const PictureFolder& pictures) {
+    constexpr std::array sides{16, 22, 32};
+    constexpr std::array names{"0%", "12%", "37%", "64%", "88%", "90%-1", "96%-1", "100%-1"};
+    constexpr int cell = 40;
+    QPixmap sheet(cell * static_cast<int>(names.size()), 2 * cell * static_cast<int>(sides.size()));
+    QPainter painter(&sheet);
+    int y = 0;
+    for (const char* color : {"#f2f2f2", "#1e1e1e"}) {
+        for (const int side : sides) {
+            painter.fillRect(0, y, sheet.width(), cell, QColor(QLatin1String(color)));
+            int x = (cell - side) / 2;
+            for (const char* name : names) {
+                painter.drawPixmap(x, y + (cell - side) / 2,
+                                   picturePixmap(QLatin1String(name), {side, side}));
+                x += cell;
+            }
+            y += cell;
+        }
+    }
+    painter.end();
+    return pictures.save(QStringLiteral("status-discs"), sheet);
+}
+
 }  // namespace
 
 bool drawVolumes(UserDefaults& defaults, const PictureFolder& pictures,
@@ -148,7 +203,8 @@ bool drawVolumes(UserDefaults& defaults, const PictureFolder& pictures,
     for (const std::size_t count : {1U, 4U, 5U, 12U})
         if (wanted.isEmpty() || wanted.contains(QStringLiteral("free-space")))
             if (!drawPage(defaults, pictures, count)) return false;
-    return !wanted.isEmpty() || drawBubbles(pictures);
+    return !wanted.isEmpty() ||
+           (drawTroubles(defaults, pictures) && drawBubbles(pictures) && drawDiscs(pictures));
 }
 
 }  // namespace orrinvale

@@ -8,6 +8,7 @@
 #include "ui/duplicates/duplicatePage.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/preferences/AppPrefsWindowController.h"
+#include "ui/volumes/FreeSpacePage.h"
 
 namespace orrinvale {
 
@@ -18,6 +19,7 @@ bool drawToolbar(UserDefaults& defaults, const PictureFolder& pictures) {
     controller.setOpenAddress([](const QString& /*address*/) {});
     controller.setOpenHelp([] {});
     controller.registerPage(duplicatePage(workings.parts(files, defaults)));
+    controller.registerPage(freeSpacePage(workings.parts(files, defaults), {}));  // not opened here
     controller.showWindow();
     controller.window()->activateWindow();
     QApplication::processEvents();

@@ -198,6 +198,7 @@ void CustomVolumView::showTexts() {
     m_ejectButton->setEnabled(!m_isEjecting);
     m_prograssView->setEnabled(!m_isEjecting && m_silence.isEmpty());
     m_freeVolT->setEnabled(m_isEjecting || m_silence.isEmpty());
+    m_usedVolT->setEnabled(m_silence.isEmpty());
 }
 
 VolumeSpace CustomVolumView::space() const {
