@@ -938,6 +938,17 @@ Freie Software unter der Apache License 2.0.</translation>
     </message>
 </context>
 <context>
+    <name>orrinvale::CustomStatusItemView</name>
+    <message>
+        <source>Free:%1</source>
+        <translation>Frei:%1</translation>
+    </message>
+    <message>
+        <source>Total:%1</source>
+        <translation>Gesamt:%1</translation>
+    </message>
+</context>
+<context>
     <name>orrinvale::CustomVolumView</name>
     <message>
         <source>Open in file manager</source>
@@ -1118,6 +1129,25 @@ Freie Software unter der Apache License 2.0.</translation>
     </message>
 </context>
 <context>
+    <name>orrinvale::HostMenu</name>
+    <message>
+        <source>%1: %2 free of %3</source>
+        <translation>%1: %2 frei von %3</translation>
+    </message>
+    <message>
+        <source>%1, does not answer</source>
+        <translation>%1, antwortet nicht</translation>
+    </message>
+    <message>
+        <source>Ejecting %1 …</source>
+        <translation>%1 wird ausgeworfen …</translation>
+    </message>
+    <message>
+        <source>Eject %1</source>
+        <translation>%1 auswerfen</translation>
+    </message>
+</context>
+<context>
     <name>orrinvale::ListFileViewController</name>
     <message>
         <source>1 could not be removed; a new scan will show it again</source>
@@ -1190,6 +1220,33 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>The list is empty. A new scan shows what stayed in this folder.</source>
         <translation>Die Liste ist leer. Was in diesem Ordner geblieben ist, zeigt ein neuer Durchgang.</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::MenuItemView</name>
+    <message>
+        <source>%1, %2 free of %3</source>
+        <translation>%1, %2 frei von %3</translation>
+    </message>
+    <message>
+        <source>Eject %1</source>
+        <translation>%1 auswerfen</translation>
+    </message>
+    <message>
+        <source>It does not answer: %1</source>
+        <translation>Keine Antwort: %1</translation>
+    </message>
+    <message>
+        <source>Ejecting %1 …</source>
+        <translation>%1 wird ausgeworfen …</translation>
+    </message>
+    <message>
+        <source>Free: %1</source>
+        <translation>Frei: %1</translation>
+    </message>
+    <message>
+        <source>Total: %1</source>
+        <translation>Gesamt: %1</translation>
     </message>
 </context>
 <context>
@@ -1402,6 +1459,36 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Free up space</source>
         <translation>Platz schaffen</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::StatusMenu</name>
+    <message>
+        <source>Eject All</source>
+        <translation>Alle Datenträger auswerfen</translation>
+    </message>
+    <message>
+        <source>Main Window</source>
+        <translation>Hauptfenster</translation>
+    </message>
+    <message>
+        <source>Quit Orrinvale</source>
+        <translation>Orrinvale beenden</translation>
+    </message>
+    <message>
+        <source>Memory</source>
+        <translation>Arbeitsspeicher</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::Tray</name>
+    <message>
+        <source>Total Size:%1</source>
+        <translation>Gesamtgröße:%1</translation>
+    </message>
+    <message>
+        <source>Free Space:%1</source>
+        <translation>Freier Platz:%1</translation>
     </message>
 </context>
 <context>

@@ -30,6 +30,7 @@
 #include "platform/linux/LinuxMountChanges.h"
 #include "platform/linux/LinuxPermissions.h"
 #include "platform/linux/LinuxSystem.h"
+#include "platform/linux/LinuxTrayHost.h"
 #include "platform/linux/LinuxVolumes.h"
 #include "platform/linux/ProgramFiles.h"
 #include "platform/standardStreams.h"
@@ -107,7 +108,7 @@ void connectEngine(Shared& shared) {
 }
 
 AppDelegateParts delegateParts(Shared& shared, DesktopNotifications& desktopNotifications,
-                               std::unique_ptr<ProgramInstance>& instance,
+                               TrayHost& trayHost, std::unique_ptr<ProgramInstance>& instance,
                                std::optional<StartService>& service) {
     return {
         .pages = {.files = &shared.files,
@@ -131,6 +132,8 @@ AppDelegateParts delegateParts(Shared& shared, DesktopNotifications& desktopNoti
         .desktopNotifications = &desktopNotifications,
         .systemWatch = &shared.systemWatch,
         .workspace = &shared.desktop,
+        .memory = &shared.memory,
+        .trayHost = &trayHost,
         .openFolder = openInFileManager,
         .openGuide = openUserGuide,
         .stopListening =
@@ -165,7 +168,8 @@ int runWindow(int argc, char** argv, const StartRequest& request,
     // logged.
     Log::setEngineEnabled(qEnvironmentVariableIntValue("ORRINVALE_LOG") == 1);
     // The toolkit would hang with a bus that hangs, and start one where there is none.
-    if (!instance->hasSessionBus()) qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+    const bool hasBus = instance->hasSessionBus();
+    if (!hasBus) qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
     MyNSApplication application(argc, argv);
     const Translations translations;
     QCoreApplication::setApplicationName(QStringLiteral("Orrinvale"));
@@ -185,7 +189,10 @@ int runWindow(int argc, char** argv, const StartRequest& request,
     const SettingsKeeper keeper(defaults);
     std::optional<StartService> service;
     DesktopNotifications desktopNotifications(QDBusConnection::sessionBus());
-    const AppDelegateParts parts = delegateParts(shared, desktopNotifications, instance, service);
+    LinuxTrayHost trayHost(
+        {.hasBus = hasBus, .hasX11 = QGuiApplication::platformName() == QLatin1String("xcb")});
+    const AppDelegateParts parts =
+        delegateParts(shared, desktopNotifications, trayHost, instance, service);
     AppDelegate delegate(parts);
     preparePages(parts, delegate);
     const EndSignals signals([&delegate](int signal) { delegate.endBySignal(signal); });

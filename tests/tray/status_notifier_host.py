@@ -30,6 +30,13 @@ class Watcher(dbus.service.Object):
         self.has_host = False
         self.items = []
 
+    @dbus.service.method("org.freedesktop.DBus.Introspectable", out_signature="s", path_keyword="path", connection_keyword="connection")
+    def Introspect(self, path, connection):
+        """The library tells of methods and signals alone, and the toolkit asks for no property that is not told of."""
+        told = super().Introspect(path, connection)
+        return told.replace(f'<interface name="{WATCHER}">', f'<interface name="{WATCHER}">'
+                            '<property name="IsStatusNotifierHostRegistered" type="b" access="read"/>')
+
     @dbus.service.method(WATCHER, in_signature="s", sender_keyword="sender")
     def RegisterStatusNotifierItem(self, service, sender=None):
         name = sender if service.startswith("/") else service

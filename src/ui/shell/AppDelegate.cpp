@@ -29,6 +29,7 @@
 #include "ui/shell/ApplicationMenu.h"
 #include "ui/shell/FileManager.h"
 #include "ui/tray/SpaceWarnings.h"
+#include "ui/tray/Tray.h"
 
 namespace orrinvale {
 namespace {
@@ -54,8 +55,7 @@ AppDelegate::AppDelegate(AppDelegateParts parts, QObject* parent)
                                    .quit = [this] { quit(); }})),
       m_fastClean(makeFastClean()),
       m_volumeWorker(*m_parts.volumes, *m_parts.pages.mainQueue) {
-    connect(m_menu.get(), &ApplicationMenu::opened, this,
-            [this] { refMenuItemWhenDeleteAndAdd(); });
+    connect(m_menu.get(), &ApplicationMenu::opened, this, &AppDelegate::refApplicationMenu);
 }
 
 AppDelegate::~AppDelegate() = default;
@@ -95,7 +95,7 @@ void AppDelegate::addMainFuction() {
                                                     *m_parts.pages.notifications);
     m_voluInfo = std::make_unique<VolumesInfo>(*m_parts.volumesAtOnce);
     m_voluManager = std::make_unique<VolumesManager>(*m_parts.volumesAtOnce, m_parts.openFolder);
-    refMenuItemWhenDeleteAndAdd();
+    refApplicationMenu();
     if (!m_parts.pages.defaults->boolForKey(ZvLoginCheckKey))
         UtilityFunction::callSelectNotificationForMainWindowLeft(0);
     startTray();

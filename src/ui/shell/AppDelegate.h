@@ -34,9 +34,13 @@ class DesktopNotifications;
 class FastClean;
 class Workspace;
 struct Alert;
+class Memory;
+class MenuItemView;
 class MountChanges;
 class SpaceWarnings;
 class SystemWatch;
+class Tray;
+class TrayHost;
 class WatchMountUnmount;
 class WorkspaceMounts;
 
@@ -52,6 +56,8 @@ struct AppDelegateParts {
     DesktopNotifications* desktopNotifications = nullptr;  ///< null: nobody shows any
     SystemWatch* systemWatch = nullptr;    ///< over `volumes`; null: nothing runs in the background
     const Workspace* workspace = nullptr;  ///< null: there is no screen
+    const Memory* memory = nullptr;        ///< null: there is no row of the memory
+    TrayHost* trayHost = nullptr;          ///< null: there is never a tray
     std::function<bool(const std::string& path)>
         openFolder;  ///< in the desktop's file manager; false when it can not
     std::function<void(std::function<void()> failed)>
@@ -117,8 +123,11 @@ public:
     void ZvCommVolumeNottification(const Notification& notification, const std::string& withInfo);
     /// "Eject All". Returns at once; what stayed is told over the main window.
     void rejestAllDisk();
-    /// The object of the notice is the path, a std::string.
+    /// The object of the notice is the path, a std::string. The menu of the status item is closed
+    /// first.
     void openFinderWhenClickItems(const Notification& notification);
+    /// The status item; null where nothing runs in the background.
+    [[nodiscard]] Tray* tray() const { return m_tray.get(); }
     /// The boot volume of a new walk; null when there is none.
     [[nodiscard]] std::shared_ptr<ZvVolumeInfo> getBootVolume();
 
@@ -147,6 +156,8 @@ private:
     void refFastCleanItem();
     void refMenuItemWhenDeleteAndAdd();
     void startTray();
+    void refApplicationMenu();
+    void ejectRow(MenuItemView& row);
     void tellOfGuide();
     void ejectionEnded(std::int32_t status, const std::vector<EjectFailure>& failures);
     void bubbleViewWith(std::unique_ptr<QLabel> view, std::unique_ptr<QLabel> withBView = nullptr);
@@ -171,6 +182,7 @@ private:
     std::unique_ptr<VolumesInfo> m_voluInfo;
     std::unique_ptr<VolumesManager> m_voluManager;
     std::vector<std::shared_ptr<ZvVolumeInfo>> m_volsInfo;
+    std::unique_ptr<Tray> m_tray;
     std::unique_ptr<SpaceWarnings> m_spaceWarnings;
     HomeDisk m_homeDisk;
     bool m_isOpenWindow = false;

@@ -1,14 +1,42 @@
 // The tray of AppDelegate: what goes on while all windows are closed. The classes of ui/tray do it.
-#include <QTimer>
+#include <QPointer>
 
+#include "engine/base/notices.h"
 #include "services/desktop/DesktopNotifications.h"
 #include "ui/shell/AppDelegate.h"
 #include "ui/tray/SpaceWarnings.h"
+#include "ui/tray/Tray.h"
+#include "ui/tray/trayNotices.h"
 
 namespace orrinvale {
 
 void AppDelegate::startTray() {
-    if (m_parts.systemWatch == nullptr || m_parts.desktopNotifications == nullptr) return;
+    if (m_parts.systemWatch == nullptr) return;
+    NotificationCenter& center = *m_parts.pages.notifications;
+    m_observations.push_back(notice::setStatusBarHidden.observe(
+        center, [this](bool isHidden) { m_tray->setStatusBarHidden(isHidden); }));
+    m_observations.push_back(notice::cleanMemoryClickAction.observe(
+        center, [this] { m_tray->menu().cleanMemoryClickAction(); }));
+    StatusMenu::Actions actions{
+        .eject = [this](MenuItemView& row) { ejectRow(row); },
+        .openVolume =
+            [&center](const std::string& root) {
+                notice::openFinderWhenClickItems.post(center, root);
+            },
+        .rejestAllDisk = [this] { rejestAllDisk(); },
+        .openMainWindow = [this] { openMainWindow(); },
+        .showMainWindowWhenClickMenuItem = [this] { showMainWindowWhenClickMenuItem(); },
+        .quit = [this] { quit(); }};
+    m_tray = std::make_unique<Tray>(
+        Tray::Parts{.watch = m_parts.systemWatch,
+                    .host = m_parts.trayHost,
+                    .mainQueue = m_parts.pages.mainQueue,
+                    .notifications = &center,
+                    .menu = {.defaults = m_parts.pages.defaults,
+                             .memory = m_parts.memory,
+                             .actions = std::move(actions)},
+                    .sawHomeDisk = [this](const ZvVolumeInfo& boot) { noteHomeDisk(boot); }});
+    if (m_parts.desktopNotifications == nullptr) return;
     DesktopNotifications& notes = *m_parts.desktopNotifications;
     m_spaceWarnings = std::make_unique<SpaceWarnings>(SpaceWarnings::Parts{
         m_parts.systemWatch, m_parts.pages.defaults,
@@ -21,6 +49,20 @@ void AppDelegate::startTray() {
         }});
     connect(&notes, &DesktopNotifications::actionInvoked, m_spaceWarnings.get(),
             &SpaceWarnings::takeAction);
+}
+
+// On the worker's thread: a slow medium may take minutes. The row may be gone by then.
+void AppDelegate::ejectRow(MenuItemView& row) {
+    row.setEjecting(true);
+    m_volumeWorker.ejectVolume(
+        row.volRefNumber, row.volRootDir, row.volumeSize.toStdString(),
+        [this, view = QPointer(&row)](std::int32_t status,
+                                      const std::vector<EjectFailure>& failures) {
+            if (view != nullptr) view->setEjecting(false);
+            if (failures.empty())
+                notice::refMenuItemWhenDeleteAndAdd.post(*m_parts.pages.notifications);
+            else ejectionEnded(status, failures);
+        });
 }
 
 }  // namespace orrinvale

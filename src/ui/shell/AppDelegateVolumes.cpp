@@ -9,6 +9,7 @@
 #include "ui/preferences/AppPrefsWindowController.h"
 #include "ui/shell/AppDelegate.h"
 #include "ui/shell/ApplicationMenu.h"
+#include "ui/tray/Tray.h"
 
 namespace orrinvale {
 namespace {
@@ -72,9 +73,14 @@ void AppDelegate::ejectionEnded(std::int32_t status, const std::vector<EjectFail
     tell(alert);
 }
 
+void AppDelegate::refMenuItemWhenDeleteAndAdd() {
+    refApplicationMenu();
+    if (m_tray) m_tray->refMenuItemWhenDeleteAndAdd();
+}
+
 // The menu is told what there is to eject; the walk that finds out runs elsewhere, since a server
 // that is gone takes its time.
-void AppDelegate::refMenuItemWhenDeleteAndAdd() {
+void AppDelegate::refApplicationMenu() {
     const auto& pages = AppPrefsWindowController::sharedPrefsWindowController();
     m_menu->setHasPreferences(pages.hasPage(QStringLiteral("preferences")));
     m_menu->setHasPages(pages.hasPagesBeside(QStringLiteral("duplicates_file")));
@@ -83,6 +89,7 @@ void AppDelegate::refMenuItemWhenDeleteAndAdd() {
 }
 
 void AppDelegate::openFinderWhenClickItems(const Notification& notification) {
+    if (m_tray) m_tray->cancelTracking();
     if (m_voluManager->openVolRootDir(notice::openFinderWhenClickItems.read(notification))) return;
     Alert alert;
     alert.title = QString::fromStdString(getLocalizedString("CANNOT_OPEN_FINDER"));

@@ -1,0 +1,65 @@
+// The item is kept when a host goes, since it is the toolkit that brings it back.
+#include "ui/tray/StatusItem.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QMenu>
+#include <utility>
+
+namespace orrinvale {
+
+StatusItem::StatusItem(std::function<void()> showsMainWindow, QObject* parent)
+    : QObject(parent), m_showsMainWindow(std::move(showsMainWindow)) {}
+
+StatusItem::~StatusItem() = default;
+
+void StatusItem::setKind(TrayKind kind) {
+    m_kind = kind;
+    make();
+}
+
+void StatusItem::setHidden(bool isHidden) {
+    m_isHidden = isHidden;
+    if (isHidden) m_item.reset();
+    make();
+}
+
+void StatusItem::make() {
+    if (m_item || !isShown()) return;
+    m_madeFor = m_kind;
+    m_item = std::make_unique<QSystemTrayIcon>(m_image);
+    m_item->setToolTip(m_toolTip);
+    connect(m_item.get(), &QSystemTrayIcon::activated, this, &StatusItem::activate);
+    // In a tray of X11 both buttons open the rows.
+    if (m_madeFor == TrayKind::StatusNotifier) m_item->setContextMenu(m_hostMenu);
+    m_item->show();
+}
+
+void StatusItem::setImage(const QIcon& image) {
+    m_image = image;
+    if (m_item) m_item->setIcon(image);
+}
+
+void StatusItem::setToolTip(const QString& text) {
+    if (std::exchange(m_toolTip, text) != text && m_item) m_item->setToolTip(text);
+}
+
+void StatusItem::setMenus(QMenu* host, QMenu* popup) {
+    m_popup = popup;
+    if (std::exchange(m_hostMenu, host) == host) return;
+    if (m_item && m_madeFor == TrayKind::StatusNotifier) m_item->setContextMenu(host);
+}
+
+// Wayland lets nobody say where a window stands.
+bool StatusItem::canPlacePopup() const {
+    return QGuiApplication::platformName() == QLatin1String("xcb");
+}
+
+void StatusItem::activate(QSystemTrayIcon::ActivationReason reason) {
+    if (reason == QSystemTrayIcon::MiddleClick || reason == QSystemTrayIcon::Unknown) return;
+    if (m_popup == nullptr || !canPlacePopup()) m_showsMainWindow();
+    else if (m_popup->isVisible()) m_popup->close();
+    else m_popup->popup(QCursor::pos());
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,260 @@
+// What the menu is made of, top to bottom, then the refresh of its rows.
+#include "ui/tray/StatusMenu.h"
+
+#include <fmt/format.h>
+
+#include <QAction>
+#include <QWidgetAction>
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "engine/base/Log.h"
+#include "engine/settings/PreferenceViewController.h"
+#include "engine/settings/SettingItems.h"
+#include "engine/settings/SettingsKeys.h"
+#include "engine/settings/UserDefaults.h"
+#include "engine/settings/UtilityFunctionOfData.h"
+#include "engine/text/UtilityFunction.h"
+#include "engine/volumes/SpaceLevel.h"
+#include "ui/kit/look/picture.h"
+#include "ui/tray/CustomGreyBarView.h"
+#include "ui/volumes/CustomVolumView.h"
+
+namespace orrinvale {
+namespace {
+
+constexpr const char* memoryTitle = "5";
+constexpr std::uint64_t memoryStorage = 5;
+constexpr std::int32_t memoryTag = 5;
+
+QString text(const std::string& bytes) { return QString::fromStdString(bytes); }
+
+// Four of five kinds can be ejected; for the disks in this machine alone nothing is.
+bool hasOthersThanLocal(const MyItemSetObj& groups) {
+    return !groups.superDriveArr.empty() || !groups.netWorkStorageArr.empty() ||
+           !groups.diskImagesArr.empty() || !groups.exteralStorageArr.empty();
+}
+
+MyItemSetObj::Items* groupOf(MyItemSetObj& groups, std::int32_t type) {
+    switch (type) {
+        case LocalVolume: return &groups.localStrorageArr;
+        case ExternalVolume: return &groups.exteralStorageArr;
+        case OpticalVolume: return &groups.superDriveArr;
+        case NetworkVolume: return &groups.netWorkStorageArr;
+        case DiskImageVolume: return &groups.diskImagesArr;
+        default: return nullptr;
+    }
+}
+
+}  // namespace
+
+StatusMenu::StatusMenu(Parts parts, QObject* parent) : QObject(parent), m_parts(std::move(parts)) {}
+
+StatusMenu::~StatusMenu() = default;
+
+void StatusMenu::addMenu(const SystemSight& sight) {
+    if (!m_menu) {
+        m_menu = std::make_unique<QMenu>();
+        m_menu->setObjectName(QStringLiteral("statusMenu"));
+    }
+    m_built = sight;
+    m_previousCount = sight.volumes.size();
+    m_groups = {};
+    m_allDiskItemArr.clear();
+    m_allDiskItemArr.reserve(MyItemSetObj::capacity);
+    m_freeMemoryArr.clear();
+    m_freeMemoryArr.reserve(MyItemSetObj::capacity);
+    std::int32_t tag = 0;
+    for (const SeenVolume& each : sight.volumes) addVolume(each, tag++);
+    addGroup(LocalVolume, m_groups.localStrorageArr);
+    addGroup(ExternalVolume, m_groups.exteralStorageArr);
+    addGroup(OpticalVolume, m_groups.superDriveArr);
+    addGroup(NetworkVolume, m_groups.netWorkStorageArr);
+    addGroup(DiskImageVolume, m_groups.diskImagesArr);
+}
+
+void StatusMenu::addVolume(const SeenVolume& seen, std::int32_t tag) {
+    const ZvVolumeInfo& volume = *seen.record;
+    const auto settings = UtilityFunctionOfData::getMyData().readerTxtForSettingValue();
+    auto* const view = new MenuItemView(
+        {.withStorage = static_cast<std::uint64_t>(volume.volType),
+         .withVolIcon = picture(volumePicture(volume.volType, volume.bIsDefaultVol)),
+         .withBCanEject = volume.bCanEject,
+         .withVlumeName = text(volume.volumeName),
+         .isPrograss = text(settings->digital).toInt(),
+         .withTotolVol = text(volume.totalSpace),
+         .withFreeVol = text(volume.freeSpace),
+         .withTag = tag},
+        {m_parts.actions.eject, m_parts.actions.openVolume});
+    view->nTotalSize = volume.nTotalSize;
+    view->nFreeSize = volume.nFreeSize;
+    view->volRefNumber = volume.volRefNumber;
+    view->bIsDefaultVol = volume.bIsDefaultVol;
+    view->volRootDir = volume.volRootDir;
+    view->errorValue = text(errorValueOf(settings->errorValue));
+    view->setSeen(seen);
+    Log::line(fmt::format("totalSpace====={}", volume.totalSpace));
+    auto* const item = new QWidgetAction(m_menu.get());
+    item->setDefaultWidget(view);
+    item->setText(QString::number(volume.volRefNumber));
+    // By the keyboard; the pointer goes to the view.
+    connect(item, &QAction::triggered, view, &MenuItemView::mouseDown);
+    m_allDiskItemArr.push_back(item);
+    if (auto* const group = groupOf(m_groups, volume.volType)) group->push_back(item);
+}
+
+void StatusMenu::addGroup(std::uint64_t code, const MyItemSetObj::Items& items) {
+    if (items.empty()) return;
+    auto* const bar = new QWidgetAction(m_menu.get());
+    bar->setDefaultWidget(new CustomGreyBarView(code));
+    bar->setEnabled(false);
+    m_menu->addAction(bar);
+    addMenuItemView(items);
+}
+
+void StatusMenu::addMenuItemView(const MyItemSetObj::Items& items) {
+    for (QAction* const each : items) m_menu->addAction(each);
+}
+
+void StatusMenu::addOtherItem() {
+    const auto add = [this](const char* name, const QString& title, const QKeySequence& key,
+                            const std::function<void()>& action) {
+        QAction* const item = m_menu->addAction(title);
+        item->setObjectName(QLatin1String(name));
+        item->setShortcut(key);
+        item->setShortcutVisibleInContextMenu(true);
+        item->setEnabled(action != nullptr);
+        if (action) connect(item, &QAction::triggered, this, [action] { action(); });
+    };
+    m_menu->addSeparator();
+    add("ejectAll", tr("Eject All"), QKeySequence(Qt::CTRL | Qt::Key_E),
+        hasOthersThanLocal(m_groups) ? m_parts.actions.rejestAllDisk : nullptr);
+    m_menu->addSeparator();
+    add("mainWindow", tr("Main Window"), {}, m_parts.actions.showMainWindowWhenClickMenuItem);
+    m_menu->addSeparator();
+    add("quit", tr("Quit Orrinvale"), QKeySequence(Qt::CTRL | Qt::Key_Q), m_parts.actions.quit);
+    Q_EMIT replaced();
+    m_parts.actions.openMainWindow();
+}
+
+// Behind this turn of the event loop: what is dropped may be what is being clicked.
+void StatusMenu::removeItems() {
+    if (!m_menu) return;
+    m_groups = {};
+    m_allDiskItemArr.clear();
+    m_menu->disconnect();
+    m_menu.release()->deleteLater();
+    Q_EMIT replaced();
+}
+
+void StatusMenu::cancelTracking() {
+    if (m_menu) m_menu->close();
+}
+
+void StatusMenu::rebuild(const SystemSight& sight) {
+    if (!m_menu) return;
+    cancelTracking();
+    removeItems();
+    addMenu(sight);
+    addOtherItem();
+}
+
+QAction* StatusMenu::itemWithTitle(const QString& title) const {
+    if (!m_menu) return nullptr;
+    const QList<QAction*> items = m_menu->actions();
+    const auto found = std::ranges::find_if(items, [&](const QAction* each) {
+        return viewOf(each) != nullptr && each->text() == title;
+    });
+    return found == items.end() ? nullptr : *found;
+}
+
+MenuItemView* StatusMenu::viewOf(const QAction* item) {
+    const auto* const row = qobject_cast<const QWidgetAction*>(item);
+    return row == nullptr ? nullptr : qobject_cast<MenuItemView*>(row->defaultWidget());
+}
+
+void StatusMenu::updateDataForMenuItem(const SystemSight& sight) {
+    // The count alone would leave the row of a volume that went to one that came, and eject it.
+    if (!m_menu || sight.volumes.size() != m_previousCount || !hasSameSequence(sight, m_built)) {
+        cancelTracking();
+        removeItems();
+        addMenu(sight);
+        addOtherItem();
+    }
+    if (sight.volumes.empty()) return;
+    for (const SeenVolume& each : sight.volumes) updateRow(each);
+    updateMemoryRow();
+    Q_EMIT refreshed();
+}
+
+void StatusMenu::updateRow(const SeenVolume& seen) {
+    const ZvVolumeInfo& volume = *seen.record;
+    MenuItemView* const row = viewOf(itemWithTitle(QString::number(volume.volRefNumber)));
+    if (row == nullptr) return;
+    const float level = warningLevel(m_parts.defaults->floatForKey(ZvSpaceAlarmKey));
+    row->errorValue = text(fmt::format("{:.6f}", level));
+    row->setFreeTextFieldSpace(text(volume.freeSpace));
+    row->setTotleTextFieldSpace(text(volume.totalSpace));
+    row->setNFreeSize(volume.nFreeSize);
+    row->setVolumName(text(volume.volumeName));
+    row->setVolRootDir(volume.volRootDir);
+    row->setNFreeSize(volume.nTotalSize);  // a second time, as its readers know it
+    row->setPrograssImage();
+    row->setSeen(seen);
+}
+
+void StatusMenu::readMemory() {
+    if (!m_clearMemory)
+        m_clearMemory = std::make_unique<ClearMemory>(*m_parts.memory, purgePrograms());
+    if (!m_cleanMemInfo) m_cleanMemInfo = std::make_unique<cleanMemoryInfo>();
+    m_clearMemory->getMemoryInfo(&m_memoryInfo);
+    m_cleanMemInfo->freeMem = UtilityFunction::covertCleanMemory(m_memoryInfo.freeMem);
+    m_cleanMemInfo->totalMem = UtilityFunction::covertCleanMemory(m_memoryInfo.totalMem);
+}
+
+void StatusMenu::updateMemoryRow() {
+    MenuItemView* const row = viewOf(itemWithTitle(QLatin1String(memoryTitle)));
+    if (row == nullptr || m_parts.memory == nullptr) return;
+    readMemory();
+    row->errorValue =
+        text(fmt::format("{:.6f}", warningLevel(m_parts.defaults->floatForKey(ZvMemoryAlarmKey))));
+    row->setFreeTextFieldSpace(text(m_cleanMemInfo->freeMem));
+    row->setTotleTextFieldSpace(text(m_cleanMemInfo->totalMem));
+    row->setNFreeSize(m_memoryInfo.freeMem);
+    row->setVolumName(tr("Memory"));
+    row->setPrograssImage();
+}
+
+void StatusMenu::cleanMemoryClickAction() {
+    if (m_parts.memory == nullptr) return;
+    if (!m_clearMemory)
+        m_clearMemory = std::make_unique<ClearMemory>(*m_parts.memory, purgePrograms());
+    if (m_clearMemory->isRuning()) return;
+    Log::line("clean Memory");
+    m_clearMemory->clearMemory();
+}
+
+void StatusMenu::freeMemoryListView() {
+    if (m_parts.memory == nullptr) return;
+    readMemory();
+    auto item = std::make_unique<QWidgetAction>(nullptr);
+    auto* const row = new MenuItemView({.withStorage = memoryStorage,
+                                        .withVolIcon = {},
+                                        .withBCanEject = false,
+                                        .withVlumeName = tr("Memory"),
+                                        .isPrograss = 1,
+                                        .withTotolVol = text(m_cleanMemInfo->totalMem),
+                                        .withFreeVol = text(m_cleanMemInfo->freeMem),
+                                        .withTag = memoryTag},
+                                       {m_parts.actions.eject, m_parts.actions.openVolume});
+    row->nTotalSize = UtilityFunction::getVolSpaceFromString(m_cleanMemInfo->totalMem);
+    row->nFreeSize = UtilityFunction::getVolSpaceFromString(m_cleanMemInfo->freeMem);
+    row->errorValue =
+        text(fmt::format("{:.6f}", warningLevel(m_parts.defaults->floatForKey(ZvMemoryAlarmKey))));
+    item->setDefaultWidget(row);
+    item->setText(QLatin1String(memoryTitle));
+    m_freeMemoryArr.push_back(std::move(item));
+}
+
+}  // namespace orrinvale

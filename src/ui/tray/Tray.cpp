@@ -1,0 +1,110 @@
+// What comes from the watch goes to the menu first and then to the item, which shows the boot
+// volume.
+#include "ui/tray/Tray.h"
+
+#include <QPointer>
+#include <algorithm>
+#include <utility>
+
+#include "engine/base/MainQueue.h"
+#include "engine/settings/SettingsKeys.h"
+#include "engine/settings/UserDefaults.h"
+#include "engine/volumes/SpaceLevel.h"
+#include "engine/volumes/volumeNotices.h"
+#include "ui/kit/look/picture.h"
+#include "ui/tray/trayNotices.h"
+
+namespace orrinvale {
+namespace {
+
+constexpr qsizetype blanks = 17;  // as wide as the two fields of the view
+
+const SeenVolume* bootVolumeIn(const SystemSight& sight) {
+    const auto boot = std::ranges::find_if(
+        sight.volumes, [](const SeenVolume& each) { return each.record->bIsDefaultVol; });
+    return boot == sight.volumes.end() ? nullptr : &*boot;
+}
+
+}  // namespace
+
+Tray::Tray(Parts parts, QObject* parent)
+    : QObject(parent),
+      m_parts(std::move(parts)),
+      m_item(m_parts.menu.actions.showMainWindowWhenClickMenuItem),
+      m_menu(m_parts.menu),
+      m_hostMenu(m_parts.menu.actions.openVolume) {
+    connect(&m_menu, &StatusMenu::replaced, this, &Tray::takeMenu);
+    connect(&m_menu, &StatusMenu::refreshed, &m_hostMenu, &HostMenu::refresh);
+    m_watching =
+        m_parts.watch->observe(SystemWatch::Part::Volumes,
+                               [this](const SystemSight& sight) { updateDataForMenuItem(sight); });
+    if (m_parts.host == nullptr) return;
+    m_parts.host->watch([self = QPointer(this), queue = m_parts.mainQueue](TrayKind kind) {
+        queue->async([self, kind] {
+            if (self != nullptr) self->m_item.setKind(kind);
+        });
+    });
+}
+
+Tray::~Tray() = default;
+
+void Tray::takeMenu() {
+    QMenu* const popup = m_menu.menu();
+    m_hostMenu.take(popup);
+    m_item.setMenus(&m_hostMenu.menu(), popup);
+    if (popup == nullptr || !m_statusItemView) return;
+    connect(popup, &QMenu::aboutToShow, m_statusItemView.get(),
+            &CustomStatusItemView::menuWillOpen);
+    connect(popup, &QMenu::aboutToHide, m_statusItemView.get(),
+            &CustomStatusItemView::menuDidClose);
+}
+
+void Tray::showMenuBar() {
+    if (m_statusItemView) return;
+    m_statusItemView = std::make_unique<CustomStatusItemView>();
+    m_statusItemView->updateShowSizeWithFree(m_statusFreeSpace, m_statusTotalSpace);
+    m_statusItemView->setTitle(QString(blanks, QLatin1Char(' ')));
+    takeMenu();
+}
+
+void Tray::setStatusBarHidden(bool isHidden) {
+    if (!isHidden) showMenuBar();
+    if (m_statusItemView)
+        m_statusItemView->setTitle(QString(isHidden ? 1 : blanks, QLatin1Char(' ')));
+    m_item.setHidden(isHidden);
+}
+
+void Tray::refMenuItemWhenDeleteAndAdd() {
+    if (const auto sight = m_parts.watch->latest()) m_menu.rebuild(*sight);
+    m_parts.watch->lookNow();
+}
+
+void Tray::updateDataForMenuItem(const SystemSight& sight) {
+    const bool isFirst = m_menu.menu() == nullptr;
+    m_menu.updateDataForMenuItem(sight);
+    if (const SeenVolume* const boot = bootVolumeIn(sight)) showHomeDisk(*boot->record);
+    if (!sight.volumes.empty()) notice::updateNewDiskSizeView.post(*m_parts.notifications);
+    showMenuBar();
+    // The stored value counts once the menu stands.
+    if (isFirst)
+        notice::setStatusBarHidden.post(*m_parts.notifications,
+                                        m_parts.menu.defaults->boolForKey(ZvShowStatusItem));
+}
+
+void Tray::showHomeDisk(const ZvVolumeInfo& boot) {
+    m_statusFreeSpace = QString::fromStdString(boot.freeSpace);
+    m_statusTotalSpace = QString::fromStdString(boot.totalSpace);
+    m_item.setToolTip(QStringLiteral("%1\n%2\n%3")
+                          .arg(QString::fromStdString(boot.volumeName),
+                               tr("Total Size:%1").arg(m_statusTotalSpace),
+                               tr("Free Space:%1").arg(m_statusFreeSpace)));
+    if (m_statusItemView)
+        m_statusItemView->updateShowSizeWithFree(m_statusFreeSpace, m_statusTotalSpace);
+    if (m_parts.sawHomeDisk) m_parts.sawHomeDisk(boot);
+    const float level = warningLevel(m_parts.menu.defaults->floatForKey(ZvSpaceAlarmKey));
+    const std::string name =
+        usagePictureName(UsagePicture::Status, spaceOf(boot), level, LocalVolume);
+    m_item.setImage(name.empty() ? QIcon() : picture(QString::fromStdString(name)));
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,70 @@
+// Tray: the status item, its menu in both forms and their refresh, put together. AppDelegate hands
+// its notices on to it.
+#pragma once
+
+#include <QObject>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/tray.h"
+#include "services/volumes/SystemWatch.h"
+#include "ui/tray/CustomStatusItemView.h"
+#include "ui/tray/HostMenu.h"
+#include "ui/tray/StatusItem.h"
+#include "ui/tray/StatusMenu.h"
+
+namespace orrinvale {
+
+class MainQueue;
+class NotificationCenter;
+
+/// Runs from its construction on. Main thread only.
+class Tray final : public QObject {
+    Q_OBJECT
+public:
+    struct Parts {
+        SystemWatch* watch = nullptr;  ///< as all others, outlives the object
+        TrayHost* host = nullptr;      ///< null: there is never a tray
+        MainQueue* mainQueue = nullptr;
+        const NotificationCenter* notifications = nullptr;
+        StatusMenu::Parts menu;
+        std::function<void(const ZvVolumeInfo& boot)> sawHomeDisk{};  ///< may be empty
+    };
+
+    explicit Tray(Parts parts, QObject* parent = nullptr);
+    ~Tray() override;
+
+    /// The view's texts, its title, and the menu in it. The view is made at the first call.
+    void showMenuBar();
+    /// True takes the item out of the tray.
+    void setStatusBarHidden(bool isHidden);
+    /// Builds the menu anew, if there is one, and looks at the volumes now.
+    void refMenuItemWhenDeleteAndAdd();
+    void cancelTracking() { m_menu.cancelTracking(); }
+    /// The refresh.
+    void updateDataForMenuItem(const SystemSight& sight);
+
+    /// Whether a closed window can be found again by the tray.
+    [[nodiscard]] bool isShown() const { return m_item.isShown(); }
+
+    [[nodiscard]] StatusMenu& menu() { return m_menu; }
+    [[nodiscard]] HostMenu& hostMenu() { return m_hostMenu; }
+    [[nodiscard]] const CustomStatusItemView* statusItemView() const {
+        return m_statusItemView.get();
+    }  ///< null before showMenuBar()
+
+private:
+    void takeMenu();
+    void showHomeDisk(const ZvVolumeInfo& boot);
+
+    const Parts m_parts;
+    StatusItem m_item;
+    StatusMenu m_menu;
+    HostMenu m_hostMenu;
+    std::unique_ptr<CustomStatusItemView> m_statusItemView;
+    QString m_statusFreeSpace, m_statusTotalSpace;  // of the boot volume
+    SystemWatch::Observation m_watching;
+};
+
+}  // namespace orrinvale

@@ -1,0 +1,218 @@
+// The menu of the status item: what is in it, in both forms, its refresh and its rebuilds.
+#include "ui/tray/StatusMenu.h"
+
+#include <QWidgetAction>
+
+#include "engine/settings/PreferenceViewController.h"
+#include "engine/settings/SettingsKeys.h"
+#include "engine/settings/UserDefaults.h"
+#include "support/SteadyVolumes.h"
+#include "support/test.h"
+#include "ui/tray/CustomGreyBarView.h"
+#include "ui/tray/CustomStatusItemView.h"
+#include "ui/tray/HostMenu.h"
+
+namespace orrinvale::testing {
+namespace {
+
+SeenVolume volume(std::int16_t number, const std::string& name, std::int32_t type,
+                  std::uint64_t free = 600, bool canEject = true) {
+    auto made = std::make_shared<ZvVolumeInfo>();
+    made->volRefNumber = number;
+    made->volumeName = name;
+    made->volRootDir = "/" + name;
+    made->volType = type;
+    made->bCanEject = canEject;
+    made->bIsDefaultVol = name == "System";
+    made->nTotalSize = 1000;
+    made->nFreeSize = free;
+    made->freeSpace = std::to_string(free) + " B";
+    made->totalSpace = "1000 B";
+    return {std::move(made)};
+}
+
+// The menu with its two forms, and what it set off.
+struct MenuOnDesk {
+    MenuOnDesk() {
+        UserDefaults::setStandardUserDefaults(&defaults);
+        PreferenceViewController::initialize();
+        QObject::connect(&menu, &StatusMenu::replaced, &host, [this] { host.take(menu.menu()); });
+        QObject::connect(&menu, &StatusMenu::refreshed, &host, &HostMenu::refresh);
+    }
+    ~MenuOnDesk() { UserDefaults::setStandardUserDefaults(nullptr); }
+    MenuOnDesk(const MenuOnDesk&) = delete;
+    MenuOnDesk& operator=(const MenuOnDesk&) = delete;
+
+    void show(std::vector<SeenVolume> volumes) {
+        menu.updateDataForMenuItem({std::move(volumes), {}, {}});
+    }
+    // The popup as a person sees it: "[group]", rows with their tag, other entries.
+    std::string popup() const {
+        std::string text;
+        for (const QAction* const each : menu.menu()->actions()) {
+            const auto* const widget = qobject_cast<const QWidgetAction*>(each);
+            if (const MenuItemView* const row = StatusMenu::viewOf(each))
+                text += fmt::format("{}#{} ", row->volumeSize.toStdString(), row->ViewTag);
+            else if (widget != nullptr)
+                text += fmt::format(
+                    "[{}] ",
+                    groupTitleKey(
+                        qobject_cast<CustomGreyBarView*>(widget->defaultWidget())->titleImplment));
+            else if (each->isSeparator()) text += "| ";
+            else
+                text += fmt::format("{}{} ", each->text().toStdString(),
+                                    each->isEnabled() ? "" : "(grey)");
+        }
+        return text;
+    }
+    MenuItemView& row(int number) {
+        return *StatusMenu::viewOf(menu.itemWithTitle(QString::number(number)));
+    }
+    QAction* hostEntry(const QString& begin) {
+        for (QAction* const each : host.menu().actions())
+            if (each->text().startsWith(begin)) return each;
+        return nullptr;
+    }
+
+    TestTree tree;
+    UserDefaults defaults{tree.at("settings.ini")};
+    CountedMemory memory;
+    std::string did;
+    StatusMenu menu{
+        {.defaults = &defaults,
+         .memory = &memory,
+         .actions = {
+             .eject =
+                 [this](MenuItemView& row) { did += fmt::format("eject {} ", row.volRefNumber); },
+             .openVolume = [this](const std::string& root) { did += "open " + root + ' '; },
+             .rejestAllDisk = [this] { did += "all "; },
+             .openMainWindow = [] {},
+             .showMainWindowWhenClickMenuItem = [this] { did += "window "; },
+             .quit = [this] { did += "quit "; }}}};
+    HostMenu host{[this](const std::string& root) { did += "host " + root + ' '; }};
+};
+
+TEST(StatusMenu, VolumesStandByGroupAndLocalOnesAloneEnableNothing) {
+    const struct {
+        std::vector<SeenVolume> volumes;
+        const char* popup;
+    } cases[] = {
+        {{}, "| Eject All(grey) | Main Window | Quit Orrinvale "},
+        {{volume(1, "System", LocalVolume)},
+         "[LOCAL_STORAGE] System#0 | Eject All(grey) | Main Window | Quit Orrinvale "},
+        {{volume(1, "image", DiskImageVolume), volume(2, "nas", NetworkVolume),
+          volume(3, "disc", OpticalVolume), volume(4, "stick", ExternalVolume),
+          volume(6, "System", LocalVolume), volume(7, "home", LocalVolume), volume(8, "odd", 9)},
+         "[LOCAL_STORAGE] System#4 home#5 [EXTERNAL_STORAGE] stick#3 [SUPER_DRIVER] disc#2 "
+         "[NETWOR_STORAGE] nas#1 [DISK_IMAGE] image#0 | Eject All | Main Window | "
+         "Quit Orrinvale "}};
+    for (const auto& each : cases) {
+        MenuOnDesk on;
+        on.show(each.volumes);
+        EXPECT_EQ(on.popup(), each.popup);
+        EXPECT_EQ(on.menu.allDiskItemArr().size(), each.volumes.size());
+    }
+}
+
+TEST(StatusMenu, AnotherSequenceMakesItAnewAndFiguresAreWrittenIntoItsRows) {
+    MenuOnDesk on;
+    on.show({volume(1, "System", LocalVolume), volume(2, "c", ExternalVolume)});
+    QMenu* const first = on.menu.menu();
+    on.show({volume(1, "System", LocalVolume, 90), volume(2, "c", ExternalVolume)});
+    EXPECT_EQ(on.menu.menu(), first);
+    const MenuItemView& row = on.row(1);
+    EXPECT_EQ(row.u64FreeSpace.toStdString(), "90 B");
+    EXPECT_EQ(row.errorValue.toStdString(), "10.000000");
+    EXPECT_EQ(row.nFreeSize, 1000U) << "the total, twice, after a refresh";
+    EXPECT_EQ(row.nTotalSize, 1000U);
+    EXPECT_EQ(row.seen().record->nFreeSize, 90U) << "what the bar is drawn from";
+    QAction* const entry = on.hostEntry(QStringLiteral("System: 90 B free of 1000 B"));
+    ASSERT_NE(entry, nullptr);
+
+    on.show({volume(1, "System", LocalVolume, 80), volume(3, "c", ExternalVolume)});
+    EXPECT_NE(on.menu.menu(), first) << "one went while another came";
+    EXPECT_EQ(on.menu.itemWithTitle(QStringLiteral("2")), nullptr);
+    on.row(3).backDisk();
+    EXPECT_EQ(on.did, "eject 3 ");
+    on.show({});
+    EXPECT_TRUE(on.menu.allDiskItemArr().empty());
+    EXPECT_EQ(on.menu.previousCount(), 0U);
+}
+
+TEST(StatusMenu, RowsDoWhatTheySayInBothForms) {
+    MenuOnDesk on;
+    std::vector<SeenVolume> all;
+    for (std::int16_t i = 0; i < 6; ++i)
+        all.push_back(volume(static_cast<std::int16_t>(10 + i), fmt::format("v{}", i),
+                             ExternalVolume, 600, i != 1));
+    all[2].silence = "Connection timed out";
+    on.show(all);
+    on.menu.itemWithTitle(QStringLiteral("10"))->trigger();
+    on.row(15).mouseDown();  // tag 5, which is the memory's
+    EXPECT_EQ(on.did, "open /v0 ");
+    on.did.clear();
+    on.hostEntry(QStringLiteral("v5:"))->trigger();
+    on.hostEntry(QStringLiteral("Eject v5"))->trigger();
+    EXPECT_EQ(on.did, "host /v5 eject 15 ");
+    EXPECT_EQ(on.hostEntry(QStringLiteral("Eject v1")), nullptr);
+    EXPECT_FALSE(on.hostEntry(QStringLiteral("v2: 600 B free of 1000 B, does not"))->isEnabled());
+
+    // While it is being ejected neither form asks again.
+    on.row(15).setEjecting(true);
+    EXPECT_FALSE(on.hostEntry(QStringLiteral("Ejecting v5"))->isEnabled());
+    on.row(15).backDisk();
+    EXPECT_EQ(on.did, "host /v5 eject 15 ");
+    on.row(15).setEjecting(false);
+    EXPECT_TRUE(on.hostEntry(QStringLiteral("Eject v5"))->isEnabled());
+    on.did.clear();
+    for (const char* const name : {"Eject All", "Main Window", "Quit"})
+        on.hostEntry(QLatin1String(name))->trigger();
+    EXPECT_EQ(on.did, "all window quit ");
+}
+
+TEST(StatusMenu, TheNumberFiveIsTheMemorysRow) {
+    MenuOnDesk on;
+    on.menu.freeMemoryListView();
+    on.show({volume(1, "System", LocalVolume), volume(5, "five", ExternalVolume)});
+    EXPECT_EQ(on.row(5).volumeSize.toStdString(), "Memory") << "the rule of the operation";
+    EXPECT_EQ(on.popup().find("Memory#5"), std::string::npos) << "its own row is in no menu";
+    EXPECT_EQ(on.row(1).volumeSize.toStdString(), "System");
+}
+
+TEST(HostMenu, NamesArriveAsTheyAre) {
+    // As the toolkit and a panel read it: the first "&" becomes "_", one "_" is a key's mark.
+    const auto shown = [](QString text) {
+        const qsizetype at = text.indexOf(QLatin1Char('&'));
+        if (at >= 0 && at != text.size() - 1) text[at] = QLatin1Char('_');
+        text.replace(QLatin1String("__"), QLatin1String("\x01"));
+        text.remove(QLatin1Char('_')).remove(QChar(0x2060));
+        return text.replace(QLatin1Char('\x01'), QLatin1Char('_')).toStdString();
+    };
+    for (const char* const name : {"R&D_disk<b>", "a", "_", "&", "&&", "_a&b_", "a&", "__&__",
+                                   "\xC3\xA4&\xC3\xB6", "a b_c_d & e & f"})
+        EXPECT_EQ(shown(hostText(QString::fromUtf8(name))), name);
+    EXPECT_FALSE(hostText(QStringLiteral("a\nb")).contains(QLatin1Char('\n')));
+}
+
+TEST(CustomStatusItemView, TheTitleSetsTheLength) {
+    CustomStatusItemView view;
+    view.setTitle(QStringLiteral("wide"));
+    const int length = view.length();
+    EXPECT_GT(length, 52);
+    view.setTitle(QString(17, QLatin1Char(' ')));
+    EXPECT_NE(view.length(), length);
+    view.updateShowSizeWithFree(QStringLiteral("1 GB"), QStringLiteral("2 GB"));
+    EXPECT_EQ(view.textField->text().toStdString(), "Free:1 GB");
+    EXPECT_EQ(view.totolField->text().toStdString(), "Total:2 GB");
+    view.menuWillOpen();
+    EXPECT_TRUE(view.isMenuVisible);
+    EXPECT_EQ(view.textField->palette().color(QPalette::WindowText), QColor(Qt::white));
+    view.menuDidClose();
+    EXPECT_EQ(view.textField->palette().color(QPalette::WindowText),
+              QColor::fromRgbF(0.1725F, 0.7255F, 0.3490F));
+    view.setWarningStatusShowColor(true);
+    EXPECT_EQ(view.totolField->palette().color(QPalette::WindowText), QColor(Qt::red));
+}
+
+}  // namespace
+}  // namespace orrinvale::testing
