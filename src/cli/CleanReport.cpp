@@ -233,7 +233,8 @@ void printCleanOutcome(Output& out, const CleanOutcome& outcome) {
     if (static_cast<double>(gained) >= nearly * static_cast<double>(outcome.promised)) return;
     out.write(
         "The rest is still held: by what stayed, by programs that have removed files open, "
-        "by snapshots\nand shared copies; or others have written meanwhile.\n");
+        "by snapshots\nand shared copies; or files were compressed, or others have written "
+        "meanwhile.\n");
 }
 
 }  // namespace orrinvale::cli
