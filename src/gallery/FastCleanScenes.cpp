@@ -3,6 +3,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QLabel>
 #include <chrono>
 #include <filesystem>
@@ -24,6 +25,7 @@ namespace orrinvale {
 namespace {
 
 constexpr std::uint64_t megabyte = 1'000'000;
+constexpr int slideTime = 250;  // milliseconds
 constexpr const char* heldFile = "large.png";
 constexpr const char* categoryKeys[] = {ZvSystemCachesKey, ZvUserCachesKey, ZvSystemLogsKey,
                                         ZvUserLogsKey,     ZvUserTrashKey,  ZvUserDownloadsKey};
@@ -92,10 +94,12 @@ void FastCleanScenes::choose(const char* settingKey) {
         m_defaults.setInteger(key == settingKey ? 1 : 0, key);
 }
 
-bool FastCleanScenes::save(const char* scene) const {
+bool FastCleanScenes::save(const char* scene) {
     const QString name = QLatin1String(scene);
     if (!m_wanted.isEmpty() && !m_wanted.contains(name)) return true;
     window().activateWindow();
+    if (!waitFor("the window to come to the front", [this] { return window().isActiveWindow(); }))
+        return false;
     QApplication::processEvents();
     return m_pictures.save(QStringLiteral("fast-clean-") + name, window().grab());
 }
@@ -130,9 +134,14 @@ bool FastCleanScenes::drawQuestion() {
     choose(ZvUserDownloadsKey);
     m_clean->cleaningFile();
     const auto sheet = [this] { return window().findChild<Sheet*>(); };
-    if (!waitFor("the question",
-                 [&] { return sheet() != nullptr && sheet()->content()->y() == 0; }))
-        return false;
+    // Its last steps are smaller than a pixel, and still make the window behind it darker.
+    QElapsedTimer sinceThere;
+    const bool isThere = waitFor("the question", [&] {
+        if (sheet() == nullptr || sheet()->content()->y() != 0) return false;
+        if (!sinceThere.isValid()) sinceThere.start();
+        return sinceThere.elapsed() > slideTime;
+    });
+    if (!isThere) return false;
     if (!save("question")) return false;
     window().performClose();
     return waitFor("the window to go", [this] { return m_clean->clrSysController() == nullptr; });

@@ -38,7 +38,7 @@ private:
     void choose(const char* settingKey);
     [[nodiscard]] bool drawRun();
     [[nodiscard]] bool drawQuestion();
-    [[nodiscard]] bool save(const char* scene) const;
+    [[nodiscard]] bool save(const char* scene);
     [[nodiscard]] TCImageWindow& window() const;
 
     const PictureFolder& m_pictures;

@@ -28,7 +28,10 @@ ProgramScenes::ProgramScenes(UserDefaults& defaults, const PictureFolder& pictur
         fBsyErr, {"The volume is in use", {{4242, "vlc", "/media/anna/Holiday/Lake.mp4"}}}};
     m_delegate = std::make_unique<AppDelegate>(
         AppDelegateParts{.pages = m_workings.parts(m_files, defaults),
-                         .clean = {},
+                         .clean = {.files = &m_files,
+                                   .folders = &m_folders,
+                                   .utilities = m_utilities.get(),
+                                   .settingsFolder = {}},
                          .icons = &m_workings.icons,
                          .volumes = &m_volumes,
                          .volumesAtOnce = &m_volumes,

@@ -7,10 +7,12 @@
 #include <memory>
 #include <string>
 
+#include "engine/cleaning/makeFolderUtilities.h"
 #include "gallery/PageWorkings.h"
 #include "platform/fake/FakeMountChanges.h"
 #include "platform/fake/FakeVolumes.h"
 #include "platform/linux/LinuxFiles.h"
+#include "platform/linux/LinuxFolders.h"
 
 namespace orrinvale {
 
@@ -44,6 +46,9 @@ private:
     PageWorkings m_workings;
     FakeVolumes m_volumes;
     FakeMountChanges m_mountChanges;
+    const LinuxFolders m_folders;
+    const std::shared_ptr<const FolderUtilities> m_utilities =
+        makeFolderUtilities(m_files, m_folders, m_volumes);
     std::unique_ptr<AppDelegate> m_delegate;
 };
 

@@ -18,6 +18,11 @@ namespace {
 
 constexpr std::size_t mostBytes = 64 * 1024;  // a record has less than one hundred
 
+std::function<void(const std::string& text)>& messages() {
+    static std::function<void(const std::string& text)> show;
+    return show;
+}
+
 std::vector<std::string_view> split(std::string_view text, std::string_view between) {
     std::vector<std::string_view> pieces;
     for (;;) {
@@ -114,6 +119,15 @@ std::string ParseFileLog::parseLogToString(const FileLog& log) {
 std::string ParseFileLog::getLogFilePath() const {
     static_cast<void>(DurableFile::makeFolder(m_folder));
     return joinPath(m_folder, ".kelpford.log.bin");
+}
+
+void ParseFileLog::setMessages(std::function<void(const std::string& text)> show) {
+    messages() = std::move(show);
+}
+
+void ParseFileLog::MessageBox(const std::string& text) {
+    if (messages()) messages()(text);
+    else Log::line(text);
 }
 
 }  // namespace orrinvale

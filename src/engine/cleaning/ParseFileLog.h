@@ -2,9 +2,11 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "engine/cleaning/FileLog.h"
 
@@ -14,8 +16,10 @@ namespace orrinvale {
 /// at all. One thread.
 class ParseFileLog final {
 public:
-    /// `folder`: the program's state folder, in which the file is.
-    explicit ParseFileLog(std::string folder) : m_folder(std::move(folder)) {}
+    /// `folder`: the program's state folder, in which the file is. `resources`: where the program's
+    /// own data files are.
+    explicit ParseFileLog(std::string folder, std::string resources = {})
+        : m_folder(std::move(folder)), m_resources(std::move(resources)) {}
 
     /// Bytes that the last clean recovered; the pointer, which may be null, gets its date. Without
     /// a file, and for one that can not be read, that is 0 and now. A date in the file that is none
@@ -39,9 +43,17 @@ public:
 
     /// Makes the folder where it is missing; that this may fail shows when the file is written.
     [[nodiscard]] std::string getLogFilePath() const;
+    [[nodiscard]] const std::string& getProcessPath() const { return m_resources; }
+
+    /// Who shows messages to the person; null for nobody. Main thread.
+    static void setMessages(std::function<void(const std::string& text)> show);
+    /// Shows the text over the window and returns; without anybody who shows it, the log gets it.
+    /// Main thread.
+    static void MessageBox(const std::string& text);
 
 private:
     const std::string m_folder;
+    const std::string m_resources;
 };
 
 }  // namespace orrinvale

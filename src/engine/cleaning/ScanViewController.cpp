@@ -13,6 +13,7 @@
 
 #include "engine/base/Log.h"
 #include "engine/cleaning/CleanList.h"
+#include "engine/cleaning/FolderUtilities.h"
 #include "engine/cleaning/ScanErrand.h"
 #include "engine/settings/UserDefaults.h"
 #include "engine/text/UtilityFunction.h"
@@ -133,7 +134,12 @@ public:
                          return std::make_unique<QuietDoor>(makeDoor());
                      },
                  .stateFolder = owner.m_parts.stateFolder},
-                m_list, [&owner] { owner.takeCleanNews(); }) {}
+                m_list, [&owner] { owner.takeCleanNews(); }) {
+        ++s_cleaning;
+    }
+    ~Clean() { --s_cleaning; }
+    Clean(const Clean&) = delete;
+    Clean& operator=(const Clean&) = delete;
 
     const std::shared_ptr<CleanList> m_list;
     std::vector<std::size_t> m_gone;    // entries of each row that went, as far as was told
@@ -225,6 +231,11 @@ void ScanViewController::toggleRow(std::size_t row) {
     isSlected = info.bIsSelected;
     getSelectAllOrNull();
     cleanShowSelectNumInBottomNotice.post(*m_parts.notifications, {.state = isSlected});
+}
+
+void ScanViewController::openFinder(std::size_t row) const {
+    if (!scanFiles || row >= scanFiles->size() || !m_parts.openFolder) return;
+    m_parts.openFolder(m_parts.clean.utilities->getFolderFromFile((*scanFiles)[row]->path));
 }
 
 bool ScanViewController::CellClick(bool state, std::int32_t row) {

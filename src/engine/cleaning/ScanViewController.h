@@ -56,6 +56,8 @@ struct ScanViewParts {
     std::string stateFolder;  ///< where removals take turns
     /// Called on the removing thread; QnAuthorization::makeDoorForFiles() or makeDoor().
     std::function<std::unique_ptr<RemovalDoor>()> makeDoor;
+    /// Opens a folder in the desktop's file manager.
+    std::function<void(const std::string& folder)> openFolder = {};
 };
 
 /// Main thread only, where all notices come as well. Six of them may scan and clean side by side.
@@ -110,11 +112,15 @@ public:
     void toggleRow(std::size_t row);
     /// The box's own action: its next state.
     bool CellClick(bool state, std::int32_t row);
+    /// Opens the folder that shows the row.
+    void openFinder(std::size_t row) const;
     /// The box above the list, in its new state.
     void cleanShowSelectNumInBottom(bool state, std::any startButton = {});
 
     [[nodiscard]] bool isScanning() const { return m_scan != nullptr; }
     [[nodiscard]] bool isCleaning() const { return m_clean != nullptr; }
+    /// Whether any list of the program is.
+    [[nodiscard]] static bool isAnyCleaning() { return s_cleaning > 0; }
     /// What stays of the scanned folders, and why; the folders that were left alone.
     [[nodiscard]] const CategoryListing& listing() const { return m_listing; }
     /// What became of the last clean; nothing while there was none.
@@ -146,6 +152,7 @@ private:
     void shrinkRows(const std::map<std::string_view, std::uint64_t>& begun);
     void dropRows(const std::set<std::string>& leaving);
 
+    static inline int s_cleaning = 0;  // cleans that are under way
     const ScanViewParts m_parts;
     NotificationCenter m_changes;
     CategoryListing m_listing;  // its rows move to the clean, and back

@@ -5,7 +5,9 @@
 #include <utility>
 
 #include "engine/base/UtilityObject.h"
+#include "engine/cleaning/ParseFileLog.h"
 #include "engine/cleaning/QnAuthorization.h"
+#include "engine/cleaning/ScanViewController.h"
 
 namespace orrinvale {
 
@@ -19,9 +21,14 @@ FastClean::FastClean(FastCleanParts parts, std::function<void()> changed)
     : m_parts(std::move(parts)), m_changed(std::move(changed)) {
     m_noteTimer.setSingleShot(true);
     connect(&m_noteTimer, &QTimer::timeout, this, [this] { m_note.reset(); });
+    ParseFileLog::setMessages([dialogs = m_parts.pages.dialogs](const std::string& text) {
+        Alert message;
+        message.title = QString::fromStdString(text);
+        dialogs->alert(nullptr, message, [](int) {});
+    });
 }
 
-FastClean::~FastClean() = default;
+FastClean::~FastClean() { ParseFileLog::setMessages({}); }
 
 void FastClean::cleaningFile() {
     if (m_controller == nullptr && !makeController()) return;
@@ -72,7 +79,7 @@ void FastClean::runAsMain() {
 }
 
 bool FastClean::canStart() const {
-    return UtilityObject::getMyObject().isCanBeAction &&
+    return UtilityObject::getMyObject().isCanBeAction && !ScanViewController::isAnyCleaning() &&
            std::ranges::none_of(m_leaving, [](const auto& each) { return each->isWorking(); });
 }
 

@@ -29,7 +29,7 @@ public:
     /// Allows the next one.
     void runAsMain();
 
-    /// Nothing runs, not even the last entry of one that was stopped.
+    /// Nothing is cleaned, by a page or by the last entry of a run that was stopped.
     [[nodiscard]] bool canStart() const;
     /// For the end of the program, as those of a page.
     [[nodiscard]] bool isRemoving() const;

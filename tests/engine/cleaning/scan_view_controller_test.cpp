@@ -28,9 +28,9 @@ struct Page {
                 .notifications = &center,
                 .mainQueue = &queue,
                 .stateFolder = {},
-                .makeDoor = [this] {
-                    return std::make_unique<PlainDoor>(home.files, ProtectedPlaces());
-                }}) {
+                .makeDoor =
+                    [this] { return std::make_unique<PlainDoor>(home.files, ProtectedPlaces()); },
+                .openFolder = [this](const std::string& folder) { opened = folder; }}) {
         const auto noteText = [this](const std::string& context, const std::string& value) {
             if (told.empty() || told.back() != context + ' ' + value)
                 told.push_back(context + ' ' + value);
@@ -60,7 +60,9 @@ struct Page {
     }
     bool clean() {
         list.beginCleanTask();
-        return queue.serveUntil([this] { return !list.isCleaning(); });
+        EXPECT_TRUE(ScanViewController::isAnyCleaning());
+        return queue.serveUntil([this] { return !list.isCleaning(); }) &&
+               !ScanViewController::isAnyCleaning();
     }
     void tick(const Names& names) {
         for (std::size_t i = 0; i < list.scanFiles->size(); ++i)
@@ -75,6 +77,7 @@ struct Page {
     }
 
     CleanHome& home;
+    std::string opened;
     ServedQueue queue;
     NotificationCenter center;
     ScanViewController list;
@@ -173,6 +176,9 @@ TEST(ScanViewController, aCleanTakesTheTickedRowsAndTellsOfTheRest) {
     Page page(home);
     ASSERT_TRUE(page.scan());
     EXPECT_EQ(page.list.filesSize, "7.00 MB");
+    page.list.openFinder(0);
+    EXPECT_EQ(page.opened, (*page.list.scanFiles)[0]->path) << "a folder shows itself";
+    page.list.openFinder(99);
     page.tick({"a", "b", "c", "e", "f"});
     ASSERT_TRUE(::unlink(home.tree.at(".cache/e/x").c_str()) == 0 &&
                 ::unlink(home.tree.at(".cache/f/y").c_str()) == 0);

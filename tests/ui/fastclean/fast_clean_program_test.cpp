@@ -1,5 +1,6 @@
 // Fast Clean in the program: its entry in the menu, and a start from outside.
 #include "engine/base/UtilityObject.h"
+#include "engine/cleaning/ParseFileLog.h"
 #include "engine/settings/PreferenceViewController.h"
 #include "engine/settings/SettingsKeys.h"
 #include "support/test.h"
@@ -31,6 +32,37 @@ TEST(FastClean, IsReachedByTheMenuAndFromOutside) {
     EXPECT_TRUE(on.entry("fastClean")->isEnabled());
     EXPECT_TRUE(isThere(on.tree.at(".cache/a"))) << "it was changed a moment ago";
     EXPECT_SOON(UtilityObject::getMyObject().liveBubbleCount == 0);
+}
+
+// What is in hand is finished, what comes behind it stays, and what went is noted.
+TEST(FastClean, AQuitInTheMiddleEndsBeforeTheNextEntry) {
+    Started on;
+    PreferenceViewController::initialize();
+    on.defaults.setInteger(1, std::string(ZvUserDownloadsKey));
+    ASSERT_TRUE(on.tree.write("Downloads/a", "1") && on.tree.write("Downloads/b", "1"));
+    Gate removing;
+    on.files.beforeRemoval = [&](std::string_view operation) {
+        if (operation == "removeEntry") removing.pass();
+    };
+    removing.shut();
+    on.dialogs.willAnswer(0);
+    on.delegate->cleaningFile();
+    ASSERT_SOON(removing.isWaitedAt());
+    on.delegate->quit();
+    EXPECT_TRUE(on.ends.empty()) << "nobody waited for the entry";
+    removing.open();
+    EXPECT_SOON(on.ends == std::vector<int>{1});
+    EXPECT_EQ(namesIn(on.tree.at("Downloads")).size(), 1U);
+    EXPECT_EQ(ParseFileLog(on.tree.at("state")).getSize(nullptr), 1U);
+    UtilityObject::getMyObject().setIsCanBeAction(true);
+}
+
+TEST(ParseFileLog, AMessageIsShownToThePerson) {
+    Started on;
+    on.dialogs.willAnswer(0);
+    ParseFileLog::MessageBox("Something <b>happened</b>");
+    ASSERT_EQ(on.dialogs.alerts().size(), 1U);
+    EXPECT_EQ(on.dialogs.alerts()[0].title, QStringLiteral("Something <b>happened</b>"));
 }
 
 }  // namespace
