@@ -871,6 +871,22 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>Jeder Webbrowser zeigt sie. Sie liegt hier:
 %1</translation>
     </message>
+    <message>
+        <source>Nothing on this desktop shows Orrinvale while its window is closed.</source>
+        <translation>Auf diesem Schreibtisch zeigt nichts Orrinvale, solange sein Fenster geschlossen ist.</translation>
+    </message>
+    <message>
+        <source>It can go on without a window: it watches your disks, and starting it again brings the window back. The answer is remembered.</source>
+        <translation>Es kann ohne Fenster weiterlaufen: Es behält Ihre Datenträger im Auge, und ein weiterer Start bringt das Fenster zurück. Die Antwort wird gemerkt.</translation>
+    </message>
+    <message>
+        <source>Keep Running</source>
+        <translation>Weiterlaufen lassen</translation>
+    </message>
+    <message>
+        <source>Quit Orrinvale</source>
+        <translation>Orrinvale beenden</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::AppPrefsWindowController</name>

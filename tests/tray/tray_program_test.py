@@ -160,6 +160,28 @@ class InTheTray(unittest.TestCase):
         on.tell(f"click {on.entry('Quit Orrinvale')[0]}")
         self.assertEqual(until(lambda: on.program.poll()), 1)
 
+    def test_where_no_tray_shows_it_a_close_asks_and_the_answer_is_remembered(self):
+        on = self.session(bus=False)
+        time.sleep(1)  # whether there is a tray is known by then
+        on.close_window()
+        time.sleep(1)
+        self.assertTrue(on.window(), "a question stands over it")
+        on.x("xdotool", "key", "--window", on.window()[0], "Return")
+        self.assertTrue(until(lambda: not on.window()))
+        self.assertIsNone(on.program.poll())
+        on.x(PROGRAM)
+        self.assertTrue(until(on.window))
+        on.close_window()
+        self.assertTrue(until(lambda: not on.window()), "without a word")
+        stored = (Path(self.folder) / "config/com.kelpford.Orrinvale/settings.ini")
+        self.assertTrue(until(lambda: stored.exists() and "keepRunning = true" in stored.read_text(encoding="utf-8")))
+
+    def test_a_remembered_quit_ends_it(self):
+        on = self.session(bus=False, settings="keepRunning = false")
+        time.sleep(1)
+        on.close_window()
+        self.assertEqual(until(lambda: on.program.poll()), 1)
+
     def test_a_hidden_item_stays_out_of_the_tray(self):
         on = self.session(settings="ZvShowStatusItem = true")
         on.show_tray()

@@ -61,6 +61,10 @@ inline constexpr const char* spaceWarningsKey = "spaceWarnings";
 inline constexpr const char* warnedVolumesKey =
     "warnedVolumes";  ///< text: who was warned of, see LowSpace
 
+/// Boolean: whether the program goes on when its window is closed and no tray shows it; nothing
+/// means that it asks.
+inline constexpr const char* keepRunningKey = "keepRunning";
+
 // Of the preferences window.
 inline constexpr const char* openAtStartupKey = "openAtStartup";  ///< boolean: open it at start
 inline constexpr const char* fadeKey = "fade";                    ///< boolean: panes cross-fade

@@ -151,6 +151,7 @@ public:
                                                     const std::string& word);
 
 private:
+    bool mayCloseMainWindow() override;
     void closeMainWindow() override;
     [[nodiscard]] std::unique_ptr<FastClean> makeFastClean();
     void refFastCleanItem();
@@ -187,6 +188,7 @@ private:
     HomeDisk m_homeDisk;
     bool m_isOpenWindow = false;
     bool m_isEjecting = false;
+    bool m_isAskingToGoOn = false;
     bool m_isLeaving = false;
     bool m_hasPagesKeys = false;
     QTimer m_leaveTimer;

@@ -1,8 +1,13 @@
 // The tray of AppDelegate: what goes on while all windows are closed. The classes of ui/tray do it.
 #include <QPointer>
+#include <utility>
 
 #include "engine/base/notices.h"
+#include "engine/settings/SettingsKeys.h"
+#include "engine/settings/UserDefaults.h"
 #include "services/desktop/DesktopNotifications.h"
+#include "ui/kit/chrome/TCImageWindow.h"
+#include "ui/kit/dialogs/Dialogs.h"
 #include "ui/shell/AppDelegate.h"
 #include "ui/tray/SpaceWarnings.h"
 #include "ui/tray/Tray.h"
@@ -49,6 +54,30 @@ void AppDelegate::startTray() {
         }});
     connect(&notes, &DesktopNotifications::actionInvoked, m_spaceWarnings.get(),
             &SpaceWarnings::takeAction);
+}
+
+// Where no tray shows the program nobody could tell that it goes on, nor find its window again.
+bool AppDelegate::mayCloseMainWindow() {
+    if (!m_tray || m_isLeaving || m_tray->canBeFound()) return true;
+    UserDefaults& defaults = *m_parts.pages.defaults;
+    if (const SettingObject answer = defaults.objectForKey(keepRunningKey)) {
+        if (!boolOf(*answer)) quit();
+        return boolOf(*answer);
+    }
+    if (std::exchange(m_isAskingToGoOn, true)) return false;
+    Alert question;
+    question.title = tr("Nothing on this desktop shows Orrinvale while its window is closed.");
+    question.text =
+        tr("It can go on without a window: it watches your disks, and starting it again brings "
+           "the window back. The answer is remembered.");
+    question.buttons = QStringList{tr("Keep Running"), tr("Quit Orrinvale")};
+    m_parts.pages.dialogs->alert(window(), question, [this, &defaults](int button) {
+        m_isAskingToGoOn = false;
+        if (button != 0 && button != 1) return;  // it could not be shown
+        defaults.setBool(button == 0, keepRunningKey);
+        m_duplicateMWC->window()->performClose();
+    });
+    return false;
 }
 
 // On the worker's thread: a slow medium may take minutes. The row may be gone by then.

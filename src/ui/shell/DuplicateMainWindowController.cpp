@@ -209,6 +209,7 @@ void DuplicateMainWindowController::dismissMessages() {
 }
 
 void DuplicateMainWindowController::closeWindow() {
+    if (m_delegate != nullptr && !m_delegate->mayCloseMainWindow()) return;
     if (m_delegate != nullptr) m_delegate->closeMainWindow();
     if (m_previewPanel) m_previewPanel->close();
     keepFrame();

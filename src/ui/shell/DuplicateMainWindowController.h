@@ -28,6 +28,8 @@ class TitleTab;
 class DuplicateMainWindowControllerDelegate {
 public:
     virtual ~DuplicateMainWindowControllerDelegate() = default;
+    /// Asked before it is closed; false leaves it open.
+    virtual bool mayCloseMainWindow() { return true; }
     virtual void closeMainWindow() {}
 
 protected:

@@ -38,15 +38,23 @@ Tray::Tray(Parts parts, QObject* parent)
     m_watching =
         m_parts.watch->observe(SystemWatch::Part::Volumes,
                                [this](const SystemSight& sight) { updateDataForMenuItem(sight); });
-    if (m_parts.host == nullptr) return;
+    if (m_parts.host == nullptr) {
+        m_isHostKnown = true;
+        return;
+    }
     m_parts.host->watch([self = QPointer(this), queue = m_parts.mainQueue](TrayKind kind) {
         queue->async([self, kind] {
-            if (self != nullptr) self->m_item.setKind(kind);
+            if (self != nullptr) self->takeHost(kind);
         });
     });
 }
 
 Tray::~Tray() = default;
+
+void Tray::takeHost(TrayKind kind) {
+    m_isHostKnown = true;
+    m_item.setKind(kind);
+}
 
 void Tray::takeMenu() {
     QMenu* const popup = m_menu.menu();

@@ -45,8 +45,9 @@ public:
     /// The refresh.
     void updateDataForMenuItem(const SystemSight& sight);
 
-    /// Whether a closed window can be found again by the tray.
-    [[nodiscard]] bool isShown() const { return m_item.isShown(); }
+    /// Whether a closed window can be found again by the tray; also as long as nobody knows yet
+    /// whether there is one.
+    [[nodiscard]] bool canBeFound() const { return !m_isHostKnown || m_item.isShown(); }
 
     [[nodiscard]] StatusMenu& menu() { return m_menu; }
     [[nodiscard]] HostMenu& hostMenu() { return m_hostMenu; }
@@ -55,6 +56,7 @@ public:
     }  ///< null before showMenuBar()
 
 private:
+    void takeHost(TrayKind kind);
     void takeMenu();
     void showHomeDisk(const ZvVolumeInfo& boot);
 
@@ -64,6 +66,7 @@ private:
     HostMenu m_hostMenu;
     std::unique_ptr<CustomStatusItemView> m_statusItemView;
     QString m_statusFreeSpace, m_statusTotalSpace;  // of the boot volume
+    bool m_isHostKnown = false;
     SystemWatch::Observation m_watching;
 };
 
