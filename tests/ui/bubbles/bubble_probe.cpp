@@ -8,6 +8,7 @@
 #include <cstdlib>
 
 #include "engine/base/UtilityObject.h"
+#include "services/desktop/DesktopNotifications.h"
 #include "ui/bubbles/BubbleContent.h"
 #include "ui/bubbles/BubbleView.h"
 #include "ui/kit/look/Theme.h"
@@ -30,7 +31,9 @@ int run(int argc, char** argv) {
     QLineEdit field;
     field.setGeometry(20, 700, 300, 40);
     field.show();
+    DesktopNotifications notifications(QDBusConnection::sessionBus());
     BubbleGround ground;
+    ground.notifications = &notifications;
     ground.lifetime = std::chrono::milliseconds(argc > 1 ? std::atoi(argv[1]) : 5000);
     std::vector<std::unique_ptr<BubbleView>> bubbles;
     std::unique_ptr<MAAttachedWindow> attached;
@@ -45,6 +48,10 @@ int run(int argc, char** argv) {
                          if (now != nullptr && bubbles.empty()) show();
                          else say(now != nullptr ? "focus on a window" : "focus on none");
                      });
+    // A server without a seat gives no window the keyboard.
+    QTimer::singleShot(2000, &field, [&] {
+        if (bubbles.empty()) show();
+    });
     QTimer tell;
     QObject::connect(&tell, &QTimer::timeout, &field, [] {
         std::printf("living %d\n", UtilityObject::getMyObject().liveBubbleCount.load());

@@ -27,6 +27,25 @@ std::unique_ptr<BubbleContent> words(const char* text) {
     return std::make_unique<BubbleContent>(QStringList{QLatin1String(text)});
 }
 
+// A program that ends with the test.
+struct Helper : QProcess {
+    ~Helper() override {
+        kill();
+        waitForFinished();
+    }
+};
+
+struct PrivateBus {
+    PrivateBus() {
+        daemon.start(QStringLiteral("dbus-daemon"),
+                     {QStringLiteral("--session"), QStringLiteral("--print-address"),
+                      QStringLiteral("--nofork")});
+        if (daemon.waitForReadyRead()) address = QString::fromUtf8(daemon.readLine()).trimmed();
+    }
+    Helper daemon;
+    QString address;  ///< empty where there is none
+};
+
 class BubblesTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -69,7 +88,8 @@ TEST_F(BubblesTest, StayWhileThePointerRestsOnThem) {
     bool isGone = false;
     left.gone = [&] { isGone = true; };
     EXPECT_SOON(isGone);
-    EXPECT_EQ(live, 1) << "placed before the other, and still here";
+    ASSERT_EQ(live, 1) << "placed before the other, and still here";
+    ASSERT_TRUE(rested.isStanding());
     QEvent leave(QEvent::Leave);
     QApplication::sendEvent(rested.maattachedView(), &leave);
     EXPECT_SOON(!rested.isStanding());
@@ -96,15 +116,10 @@ TEST_F(BubblesTest, StandWhereTheDesktopLetsThem) {
 
 // A session bus on which nobody shows notes, and a window to lie in, or none.
 TEST_F(BubblesTest, ANoteThatNobodyShowsLiesInTheWindowOrStandsInTheLog) {
-    if (QStandardPaths::findExecutable(QStringLiteral("dbus-daemon")).isEmpty())
-        GTEST_SKIP() << "no dbus-daemon here";
-    QProcess daemon;
-    daemon.start(QStringLiteral("dbus-daemon"),
-                 {QStringLiteral("--session"), QStringLiteral("--print-address"),
-                  QStringLiteral("--nofork")});
-    ASSERT_TRUE(daemon.waitForReadyRead());
-    DesktopNotifications notifications(QDBusConnection::connectToBus(
-        QString::fromUtf8(daemon.readLine()).trimmed(), QStringLiteral("bubbles")));
+    PrivateBus bus;
+    if (bus.address.isEmpty()) GTEST_SKIP() << "no dbus-daemon here";
+    DesktopNotifications notifications(
+        QDBusConnection::connectToBus(bus.address, QStringLiteral("bubbles")));
     QWidget window;
     window.resize(800, 600);
     window.show();
@@ -129,8 +144,6 @@ TEST_F(BubblesTest, ANoteThatNobodyShowsLiesInTheWindowOrStandsInTheLog) {
     EXPECT_SOON(!log.lines.empty());
     EXPECT_EQ(log.lines, std::vector<std::string>{"Files removed: 3; 1 GB"});
     QDBusConnection::disconnectFromBus(QStringLiteral("bubbles"));
-    daemon.kill();
-    daemon.waitForFinished();
 }
 
 TEST_F(BubblesTest, ALookThatChangesMovesTheWindow) {
@@ -150,7 +163,7 @@ TEST_F(BubblesTest, OnAServerTheyStandInTheCornerAndTakeNoKeyboard) {
     const std::string reason = session.startX11("openbox");
     if (!reason.empty()) GTEST_SKIP() << reason;
     session.run(QStringLiteral("xdotool mousemove 800 120"));  // where the second will be
-    QProcess probe;
+    Helper probe;
     probe.setProcessEnvironment(session.environment());
     probe.start(QStringLiteral(BUBBLE_PROBE), {QStringLiteral("2500")});
     std::string said;
@@ -186,8 +199,28 @@ TEST_F(BubblesTest, OnAServerTheyStandInTheCornerAndTakeNoKeyboard) {
     session.run(QStringLiteral("xdotool mousemove 100 500"));
     EXPECT_SOON(says("living 0")) << said;
     EXPECT_FALSE(says("focus")) << "somebody took the keyboard";
-    probe.kill();
-    probe.waitForFinished();
+}
+
+// The notification server stands on an X server of its own, as it would have no place on that
+// compositor.
+TEST_F(BubblesTest, OnWaylandTheDesktopShowsThem) {
+    for (const char* program : {"dunst", "dunstctl"})
+        if (QStandardPaths::findExecutable(QLatin1String(program)).isEmpty())
+            GTEST_SKIP() << program << " is not installed";
+    testing::DesktopSession screen, wayland;
+    for (const std::string& reason : {screen.startX11(""), wayland.startWayland()})
+        if (!reason.empty()) GTEST_SKIP() << reason;
+    PrivateBus bus;
+    for (auto* const each : {&screen, &wayland})
+        each->setVariable("DBUS_SESSION_BUS_ADDRESS", bus.address.toLatin1().constData());
+    Helper dunst, probe;
+    dunst.setProcessEnvironment(screen.environment());
+    dunst.start(QStringLiteral("dunst"), {QStringLiteral("-conf"), QStringLiteral("/dev/null")});
+    const QString count = QStringLiteral("dunstctl count displayed");
+    ASSERT_SOON(screen.run(count).trimmed() == QStringLiteral("0"));
+    probe.setProcessEnvironment(wayland.environment());
+    probe.start(QStringLiteral(BUBBLE_PROBE), {QStringLiteral("5000")});
+    EXPECT_SOON(screen.run(count).trimmed() == QStringLiteral("2"));
 }
 
 }  // namespace
