@@ -1143,6 +1143,10 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>The volume could not be ejected.</source>
         <translation>Der Datenträger konnte nicht ausgeworfen werden.</translation>
     </message>
+    <message>
+        <source>Looking at your volumes ...</source>
+        <translation>Ihre Datenträger werden angesehen ...</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::HostMenu</name>

@@ -48,6 +48,7 @@ MAAttachedWindow::MAAttachedWindow(std::unique_ptr<QWidget> view, AttachedPoint 
     setAttribute(Qt::WA_X11NetWmWindowTypeNotification);
     setFocusPolicy(Qt::NoFocus);
     setAccessibleTraits(*this, {.role = QAccessible::Notification});
+    setAccessibleName(m_view->accessibleName());
     m_view->setParent(this);
     m_view->show();
     _updateGeometry();
@@ -160,6 +161,9 @@ void MAAttachedWindow::paintEvent(QPaintEvent* /*event*/) {
 void MAAttachedWindow::showEvent(QShowEvent* event) {
     _updateGeometry();  // the screen may be another one than when it was made
     QWidget::showEvent(event);
+    // It never gets the keyboard, so that screen readers would pass it over.
+    QAccessibleEvent alert(this, QAccessible::Alert);
+    QAccessible::updateAccessibility(&alert);
 }
 
 void MAAttachedWindow::enterEvent(QEnterEvent* /*event*/) {

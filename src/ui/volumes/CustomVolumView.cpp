@@ -18,6 +18,7 @@
 #include "ui/kit/controls/viewParts.h"
 #include "ui/kit/dialogs/failureWords.h"
 #include "ui/kit/look/Theme.h"
+#include "ui/kit/look/accessibleRole.h"
 #include "ui/kit/look/picture.h"
 
 namespace orrinvale {
@@ -101,6 +102,7 @@ CustomVolumView::CustomVolumView(const ZvVolumeInfo& volume, std::string errorVa
     setObjectName(QStringLiteral("CustomVolumView"));
     setFixedHeight(cardHeight);
     setAttribute(Qt::WA_Hover);
+    setAccessibleTraits(*this, {.role = QAccessible::Grouping});
     connect(&Theme::shared(), &Theme::changed, this, [this] { setPrograssImage(); });
     makeParts(volume.bCanEject);
     m_groupName->setText(volumeGroupName(volume.volType));

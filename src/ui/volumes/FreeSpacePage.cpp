@@ -4,7 +4,9 @@
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QShortcut>
 #include <QStackedWidget>
+#include <QTimer>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -40,9 +42,12 @@ FreeSpacePage::FreeSpacePage(const PageServices& services, FreeSpaceParts parts)
     : m_services(services),
       m_parts(parts),
       m_worker(*parts.volumes, *services.mainQueue),
-      m_diskSizeView([this] { return m_seen.volumes; }, *this),
-      m_observation(notice::updateNewDiskSizeView.observe(
-          *services.notifications, [this] { updateNewDiskSizeViewData(); })) {
+      m_diskSizeView([this] { return m_seen.volumes; }, *this) {
+    NotificationCenter& center = *services.notifications;
+    m_observations.push_back(
+        notice::updateNewDiskSizeView.observe(center, [this] { updateNewDiskSizeViewData(); }));
+    m_observations.push_back(
+        notice::refMenuItemWhenDeleteAndAdd.observe(center, [this] { lookNow(); }));
     makeView();
 }
 
@@ -77,6 +82,8 @@ void FreeSpacePage::makeView() {
     column->addWidget(m_content, 1);
     showTitle();
     m_view->installEventFilter(this);
+    connect(new QShortcut(QKeySequence::Refresh, m_view), &QShortcut::activated, this,
+            &FreeSpacePage::lookNow);
 }
 
 bool FreeSpacePage::eventFilter(QObject* watched, QEvent* event) {
@@ -92,6 +99,17 @@ void FreeSpacePage::look(bool isOnScreen) {
         m_seen = seen;
         updateNewDiskSizeViewData();
     });
+    // Mostly that takes milliseconds; a dead server takes its second.
+    constexpr int patience = 300;
+    QTimer::singleShot(patience, m_view, [this] {
+        if (m_diskSizeView.scrollArea() != nullptr) return;
+        m_emptyLabel->setText(tr("Looking at your volumes ..."));
+        m_content->setCurrentIndex(1);
+    });
+}
+
+void FreeSpacePage::lookNow() {
+    if (m_looking) m_parts.watch->lookNow();
 }
 
 // A row is matched by its place alone, so that cards of another sequence are never filled.
@@ -148,7 +166,6 @@ void FreeSpacePage::ejectVolume(std::int16_t volRefNumber, const std::string& vo
 void FreeSpacePage::ejectionEnded(const Place& place, const std::vector<EjectFailure>& failures) {
     m_ejecting.erase(place);
     showEjecting();
-    if (m_looking) m_parts.watch->lookNow();
     notice::refMenuItemWhenDeleteAndAdd.post(*m_services.notifications);  // whether it went or not
     if (!failures.empty()) tell(failures);
 }

@@ -57,6 +57,7 @@ private:
 
     void makeView();
     void look(bool isOnScreen);
+    void lookNow();
     void rebuild();
     void showEjecting() const;
     void showTitle() const;
@@ -78,7 +79,7 @@ private:
     std::set<Place> m_ejecting;
     DiskSizeView m_diskSizeView;
     SystemWatch::Observation m_looking;  // null while nobody sees the page
-    NotificationCenter::Observation m_observation;
+    std::vector<NotificationCenter::Observation> m_observations;
 };
 
 [[nodiscard]] PageDescriptor freeSpacePage(const PageServices& services,

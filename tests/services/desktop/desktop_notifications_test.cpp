@@ -6,6 +6,7 @@
 #include <QStandardPaths>
 
 #include "support/EventLoop.h"
+#include "support/PrivateBus.h"
 #include "support/test.h"
 
 namespace orrinvale {
@@ -54,33 +55,26 @@ Q_SIGNALS:
 class DesktopNotificationsTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        if (QStandardPaths::findExecutable("dbus-daemon"_s).isEmpty())
-            GTEST_SKIP() << "no dbus-daemon here";
-        m_daemon.start("dbus-daemon"_s, {"--session"_s, "--print-address"_s, "--nofork"_s});
-        ASSERT_TRUE(m_daemon.waitForReadyRead());
-        address = QString::fromUtf8(m_daemon.readLine()).trimmed();
+        if (address.isEmpty()) GTEST_SKIP() << "no dbus-daemon here";
         m_own = std::make_unique<QDBusConnection>(QDBusConnection::connectToBus(address, "own"_s));
     }
     void TearDown() override {
         for (const QString& name : {"own"_s, "service"_s, "stranger"_s})
             QDBusConnection::disconnectFromBus(name);
-        m_daemon.kill();
-        m_daemon.waitForFinished();
     }
-    QDBusConnection startService() {
-        auto bus = QDBusConnection::connectToBus(address, "service"_s);
-        EXPECT_TRUE(bus.registerObject("/org/freedesktop/Notifications"_s, &service,
-                                       QDBusConnection::ExportAllContents));
-        EXPECT_TRUE(bus.registerService("org.freedesktop.Notifications"_s));
-        return bus;
+    void startService() {
+        auto connection = QDBusConnection::connectToBus(address, "service"_s);
+        EXPECT_TRUE(connection.registerObject("/org/freedesktop/Notifications"_s, &service,
+                                              QDBusConnection::ExportAllContents));
+        EXPECT_TRUE(connection.registerService("org.freedesktop.Notifications"_s));
     }
     [[nodiscard]] const QDBusConnection& own() const { return *m_own; }
 
-    QString address;
+    const testing::PrivateBus bus;
+    const QString address = bus.address;
     NotificationService service;
 
 private:
-    QProcess m_daemon;
     std::unique_ptr<QDBusConnection> m_own;
 };
 
@@ -127,7 +121,7 @@ TEST_F(DesktopNotificationsTest, WordsReachTheServiceInTheFormThatItTakes) {
 }
 
 TEST_F(DesktopNotificationsTest, AnActionComesWithItsTokenAndOnlyFromTheServiceThatHasTheNote) {
-    auto bus = startService();
+    startService();
     service.capabilities = {"actions"_s};
     DesktopNotifications notifications(own());
     std::vector<std::string> heard;
@@ -188,14 +182,13 @@ TEST_F(DesktopNotificationsTest, DunstShowsIt) {
     for (const char* program : {"dunst", "dunstctl", "Xvfb"})
         if (QStandardPaths::findExecutable(QLatin1String(program)).isEmpty())
             GTEST_SKIP() << program << " is not installed";
-    QProcess display;
+    testing::Helper display, dunst;
     display.start("Xvfb"_s, "-displayfd 1 -screen 0 800x600x24 -nolisten tcp"_s.split(u' '));
     ASSERT_TRUE(display.waitForReadyRead());
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("DISPLAY"_s, u':' + QString::fromLatin1(display.readLine().trimmed()));
     environment.insert("DBUS_SESSION_BUS_ADDRESS"_s, address);
     environment.remove("WAYLAND_DISPLAY"_s);
-    QProcess dunst;
     dunst.setProcessEnvironment(environment);
     dunst.start("dunst"_s, {"-conf"_s, "/dev/null"_s});
     const auto tell = [&](const QStringList& arguments) {
@@ -222,10 +215,6 @@ TEST_F(DesktopNotificationsTest, DunstShowsIt) {
     EXPECT_EQ(tell(displayed), "1"_s);
     tell({"close-all"_s});
     EXPECT_TRUE(serveUntil([&] { return closed == 2; }));
-    for (QProcess* each : {&dunst, &display}) {
-        each->kill();
-        each->waitForFinished();
-    }
 }
 
 }  // namespace

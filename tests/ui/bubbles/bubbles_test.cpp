@@ -1,11 +1,11 @@
 // Bubbles: their counters, where they stack, and how long they stay; then their pixels on a server.
 #include <QImage>
 #include <QLabel>
-#include <QProcess>
 #include <QStandardPaths>
 
 #include "engine/base/UtilityObject.h"
 #include "services/desktop/DesktopNotifications.h"
+#include "support/PrivateBus.h"
 #include "support/test.h"
 #include "ui/bubbles/BubbleContent.h"
 #include "ui/bubbles/BubbleView.h"
@@ -16,6 +16,8 @@ namespace orrinvale {
 namespace {
 
 using Server = DesktopFacts::Server;
+using testing::Helper;
+using testing::PrivateBus;
 
 BubbleGround onScreen() {
     BubbleGround ground;
@@ -26,25 +28,6 @@ BubbleGround onScreen() {
 std::unique_ptr<BubbleContent> words(const char* text) {
     return std::make_unique<BubbleContent>(QStringList{QLatin1String(text)});
 }
-
-// A program that ends with the test.
-struct Helper : QProcess {
-    ~Helper() override {
-        kill();
-        waitForFinished();
-    }
-};
-
-struct PrivateBus {
-    PrivateBus() {
-        daemon.start(QStringLiteral("dbus-daemon"),
-                     {QStringLiteral("--session"), QStringLiteral("--print-address"),
-                      QStringLiteral("--nofork")});
-        if (daemon.waitForReadyRead()) address = QString::fromUtf8(daemon.readLine()).trimmed();
-    }
-    Helper daemon;
-    QString address;  ///< empty where there is none
-};
 
 class BubblesTest : public ::testing::Test {
 protected:

@@ -324,6 +324,18 @@ TEST_F(FreeSpacePageTest, AnEjectionRestsNothingAndTellsWhoHoldsTheVolume) {
     EXPECT_EQ(part<QLabel>(card(1), "freeVolT")->text(), QStringLiteral("500.00 MB Free"));
 }
 
+TEST_F(FreeSpacePageTest, LooksAtOnceWhereSomethingWasEjected) {
+    SystemWatch resting(machine.volumes, machine.memory, machine.queue, 1h);
+    const FreeSpacePage other(services, {&resting, &machine.volumes});
+    const std::unique_ptr<QWidget> shown(other.view());
+    shown->show();
+    const auto cards = [&] { return other.diskSizeView().allItemArr().size(); };
+    ASSERT_SOON(cards() == 2);
+    change([](auto& all) { all.pop_back(); });
+    notice::refMenuItemWhenDeleteAndAdd.post(notifications);
+    EXPECT_SOON(cards() == 1);
+}
+
 // The card still shows the stick when another volume has got its number.
 TEST_F(FreeSpacePageTest, ACardEjectsNothingThatCameIntoItsPlace) {
     view->show();
