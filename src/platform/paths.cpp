@@ -73,6 +73,10 @@ bool equalIgnoringCase(std::string_view a, std::string_view b) {
 std::optional<std::string> plainPath(std::string_view path) {
     if (path.empty() || path.front() != '/' || path.find('\0') != std::string_view::npos)
         return std::nullopt;
+    // Most paths are plain already.
+    if (path.back() != '/' && path.find("//") == std::string_view::npos &&
+        path.find("/.") == std::string_view::npos)
+        return std::string(path);
     std::string plain;
     while (!path.empty()) {
         const std::string_view name = nextComponent(path);

@@ -10,7 +10,6 @@
 #include "engine/base/Log.h"
 #include "engine/base/LogHush.h"
 #include "engine/base/saturating.h"
-#include "engine/files/HeldEntry.h"
 #include "engine/removal/stayReasons.h"
 #include "platform/files.h"
 #include "platform/folders.h"
@@ -194,13 +193,14 @@ std::uint64_t CleanList::goneBytes() const {
 }
 
 // The record of where it came from is of no use to anybody then.
-void CleanList::removeTrashRecord(const std::string& path) const {
+void CleanList::removeTrashRecord(const std::string& path) {
     const auto record = m_parts.folders->trashRecordOf(path);
     if (!record) return;
-    const auto parent = HeldEntry::holdParentOf(*m_parts.files, *record);
+    const auto parent = m_records.hold(*m_parts.files, folderOf(*record));
     if (!parent) return;
     const std::string name(lastPathComponent(*record));
-    static_cast<void>(m_parts.files->removeEntry(parent->get(), name.c_str(), FileType::Regular));
+    static_cast<void>(
+        m_parts.files->removeEntry((*parent)->folder.get(), name.c_str(), FileType::Regular));
 }
 
 RemovalResult QuietDoor::remove(const LeavingEntry& entry, const std::atomic<bool>& stop) {

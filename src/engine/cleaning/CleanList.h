@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "engine/cleaning/CategoryScan.h"
+#include "engine/files/HeldEntry.h"
 #include "engine/removal/RemovalDoor.h"
 #include "engine/removal/RemovalList.h"
 
@@ -76,7 +77,7 @@ private:
     void learnGround(const std::string& folder);
     void expand(std::size_t row);
     void askAnew();
-    void removeTrashRecord(const std::string& path) const;
+    void removeTrashRecord(const std::string& path);
 
     const CleanParts m_parts;
     std::vector<CleanRow> m_rows;
@@ -92,6 +93,7 @@ private:
     std::map<std::string, CleanGround, std::less<>> m_grounds;  // by the paths of the rows' folders
     std::map<std::string, std::string, std::less<>> m_objections;  // to these folders
     std::chrono::steady_clock::time_point m_asked;                 // when programs were asked
+    HeldParents m_records;                                         // folders of trash records
 };
 
 /// A door that names nothing of what goes in the log. Owns what it stands before.

@@ -46,8 +46,8 @@ RemovalResult SafeRemoval::remove(const std::string& path,
                                   AskWriters ask) const {
     RemovalResult result;
     OwnChanges ofThisOne;
-    OwnChanges& own = m_own != nullptr ? *m_own : ofThisOne;
-    const auto held = HeldEntry::at(m_files, m_places, path, expected, &own, m_parents);
+    OwnChanges& own = m_shared.own != nullptr ? *m_shared.own : ofThisOne;
+    const auto held = HeldEntry::at(m_files, m_places, path, expected, &own, m_shared.parents);
     if (held) {
         removeHeld(*held, {stop, seen, own, ask}, result);
     } else {
@@ -78,7 +78,9 @@ void SafeRemoval::removeHeld(const HeldEntry& held, const Asked& asked,
 // These two: whether the entry went by our own hand.
 bool SafeRemoval::removeFolder(const HeldEntry& held, const Asked& asked,
                                RemovalResult& result) const {
-    TreeRemoval removal(m_files, held.path, asked.stop, result, asked.seen, &asked.own, asked.ask);
+    TreeRemoval removal(
+        m_files, held.path, asked.stop, result,
+        {.seen = asked.seen, .own = &asked.own, .ask = asked.ask, .second = m_shared.second});
     if (asked.seen != nullptr) result.addName(0, true);
     removal.run(held.parent.get(), held.name, held.attributes);
     return removal.isOurs();

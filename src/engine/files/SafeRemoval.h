@@ -11,6 +11,7 @@
 #include "engine/files/OwnChanges.h"
 #include "engine/files/ProtectedPlaces.h"
 #include "engine/files/RemovalResult.h"
+#include "engine/files/SecondHand.h"
 #include "engine/files/SeenEntries.h"
 #include "engine/files/writers.h"
 #include "platform/fileTypes.h"
@@ -21,11 +22,19 @@ namespace orrinvale {
 /// thread that removes what one scan saw.
 class SafeRemoval final {
 public:
-    /// `own` and `parents` are not owned; without them, each removal knows of its own changes
-    /// alone, and holds its own parent.
-    SafeRemoval(const FileSystem& files, const ProtectedPlaces& places, OwnChanges* own = nullptr,
-                HeldParents* parents = nullptr)
-        : m_files(files), m_places(places), m_own(own), m_parents(parents) {}
+    /// What the removals of one scan's entries share. None of it is owned, and each may be null:
+    /// then each removal knows of its own changes alone, holds its own parent, and works alone.
+    struct Shared {
+        OwnChanges* own = nullptr;
+        HeldParents* parents = nullptr;
+        SecondHand* second = nullptr;
+    };
+    SafeRemoval(const FileSystem& files, const ProtectedPlaces& places)
+        : SafeRemoval(files, places, Shared{}) {}
+    SafeRemoval(const FileSystem& files, const ProtectedPlaces& places, OwnChanges* own)
+        : SafeRemoval(files, places, Shared{.own = own}) {}
+    SafeRemoval(const FileSystem& files, const ProtectedPlaces& places, const Shared& shared)
+        : m_files(files), m_places(places), m_shared(shared) {}
 
     /// Removes the entry at an absolute path, and everything below it. The parent is opened once
     /// and held; below it each folder is entered by name from its parent and never through a link;
@@ -59,8 +68,7 @@ private:
 
     const FileSystem& m_files;
     const ProtectedPlaces& m_places;
-    OwnChanges* const m_own;
-    HeldParents* const m_parents;
+    const Shared m_shared;
 };
 
 }  // namespace orrinvale

@@ -1,7 +1,10 @@
 // A list of levels in place of the call stack, of which the innermost are held open.
 #include "engine/files/TreeRemoval.h"
 
+#include <algorithm>
+#include <atomic>
 #include <cerrno>
+#include <mutex>
 #include <utility>
 
 #include "engine/files/TreeSize.h"
@@ -18,6 +21,11 @@ constexpr std::size_t heldLevels = 24;
 // Some file systems leave entries out of a listing while others are removed, and a running program
 // may write new ones.
 constexpr unsigned mostPasses = 4;
+
+// Fewer entries than these are gone before another thread has come; and how many each takes at
+// once.
+constexpr std::size_t worthTwo = 64;
+constexpr std::size_t piece = 16;
 
 constexpr const char* changedSince = "changed since the scan";
 // Said of what came later, and of what a scan that was stopped did not reach.
@@ -124,13 +132,52 @@ void TreeRemoval::removeFiles() {
         const auto more = m_files.readFolder(here(), m_batch);
         if (!more) return failWith({}, more.error());
         if (!*more) return;
+        if (m_second != nullptr && m_seen != nullptr && m_batch.entries.size() >= worthTwo)
+            removePlainOnes();
         for (CatalogEntry& entry : m_batch.entries) {
             if (isStopped()) return;
+            if (entry.name == nullptr) continue;  // gone
             if (entry.type == FileType::Folder) m_levels.back().folders.emplace_back(entry.name);
             else if (m_seen != nullptr) removeSeen(entry);
             else removeFile(entry);
         }
     }
+}
+
+// Half of the work of the system for a file that goes is its own, and need not wait for the folder.
+void TreeRemoval::removePlainOnes() {
+    auto& entries = m_batch.entries;
+    std::atomic<std::size_t> next{0};
+    std::mutex mutex;  // guards m_result
+    m_second->run([&] {
+        RemovalResult ofThisThread;
+        for (std::size_t at = next.fetch_add(piece); at < entries.size();
+             at = next.fetch_add(piece)) {
+            const std::size_t end = std::min(at + piece, entries.size());
+            for (; at < end && (m_stop == nullptr || !*m_stop); ++at)
+                if (removePlain(entries[at], ofThisThread)) entries[at].name = nullptr;
+        }
+        const std::lock_guard lock(mutex);
+        m_result.addEarlier(ofThisThread);
+    });
+}
+
+// Leaves alone what has anything special about it, and what fails.
+bool TreeRemoval::removePlain(CatalogEntry& entry, RemovalResult& result) {
+    if (entry.type == FileType::Folder) return false;
+    const SeenEntries::Key key = keyOf(entry.name, entry.inode);
+    m_seen->expect(key);
+    m_files.readIdentities(here(), {&entry, 1});
+    const FileAttributes& now = entry.attributes;
+    if (entry.error != 0 || now.type == FileType::Folder || now.links > 1 ||
+        now.inode != entry.inode ||
+        m_seen->verdictOn(key, SeenState::of(now)) != SeenEntries::Verdict::AsSeen ||
+        hasWriter(m_files, here(), entry.name, now, m_ask) ||
+        !m_files.removeEntry(here(), entry.name, FileType::Unknown))
+        return false;
+    ++result.removed;
+    result.addName(countedSize(now), now.type == FileType::Regular);
+    return true;
 }
 
 void TreeRemoval::removeFile(const CatalogEntry& entry) {

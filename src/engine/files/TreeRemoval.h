@@ -10,6 +10,7 @@
 
 #include "engine/files/OwnChanges.h"
 #include "engine/files/RemovalResult.h"
+#include "engine/files/SecondHand.h"
 #include "engine/files/SeenEntries.h"
 #include "engine/files/writers.h"
 #include "platform/fileTypes.h"
@@ -21,18 +22,24 @@ namespace orrinvale {
 /// held, further up the parent is opened again through ".." and must be the folder that was left.
 class TreeRemoval final {
 public:
-    /// `path` is for reports alone. All of the references must outlive the removal; what happens is
-    /// added to `result`. With `seen` only what is in it goes, the changes of our own aside, and
-    /// what `ask` asks about only while nobody writes to it.
+    struct Rules {
+        const SeenEntries* seen = nullptr;  ///< only what is in it goes
+        OwnChanges* own = nullptr;          ///< which are no changes
+        AskWriters ask = AskWriters::OfNone;
+        SecondHand* second = nullptr;  ///< lends a hand where `seen` is given; calls to the file
+                                       ///< system then come from two threads
+    };
+    /// `path` is for reports alone. All that is pointed to must outlive the removal; what happens
+    /// is added to `result`.
     TreeRemoval(const FileSystem& files, const std::string& path, const std::atomic<bool>* stop,
-                RemovalResult& result, const SeenEntries* seen = nullptr, OwnChanges* own = nullptr,
-                AskWriters ask = AskWriters::OfNone)
+                RemovalResult& result, const Rules& rules)
         : m_files(files),
           m_path(path),
           m_stop(stop),
-          m_seen(seen),
-          m_own(own != nullptr ? *own : m_ofThisOne),
-          m_ask(ask),
+          m_seen(rules.seen),
+          m_own(rules.own != nullptr ? *rules.own : m_ofThisOne),
+          m_ask(rules.ask),
+          m_second(rules.second),
           m_result(result) {}
     TreeRemoval(const TreeRemoval&) = delete;
     TreeRemoval& operator=(const TreeRemoval&) = delete;
@@ -68,6 +75,8 @@ private:
     void removeFiles();
     void removeFile(const CatalogEntry& entry);
     void removeSeen(CatalogEntry& entry);
+    void removePlainOnes();
+    [[nodiscard]] bool removePlain(CatalogEntry& entry, RemovalResult& result);
     void leave();
     void removeEmptied(const Level& done);
     [[nodiscard]] int returnTo(Level& above, const Level& from);
@@ -84,6 +93,7 @@ private:
     OwnChanges m_ofThisOne;
     OwnChanges& m_own;
     const AskWriters m_ask;
+    SecondHand* const m_second;
     RemovalResult& m_result;
     int m_parent = -1;
     FileAttributes m_start;

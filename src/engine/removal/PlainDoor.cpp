@@ -50,7 +50,7 @@ RemovalResult PlainDoor::remove(const LeavingEntry& entry, const std::atomic<boo
                           : tl::unexpected(HeldEntry::Objection{});
     // What can not be held is told, or found gone, by the plain removal.
     if (!held)
-        return SafeRemoval(m_files, m_places, m_own.get(), &m_parents)
+        return SafeRemoval(m_files, m_places, {m_own.get(), &m_parents, &m_second})
             .remove(entry.path, entry.identity, &stop, entry.seen, entry.ask);
     RemovalResult result = removeCopy(*held, entry, stop);
     logCopy(entry.path, result);
@@ -121,7 +121,7 @@ RemovalResult PlainDoor::removeInPlace(const HeldEntry& held, const LeavingEntry
 void PlainDoor::unlink(const HeldEntry& held, const std::string& name, const LeavingEntry& entry,
                        const std::atomic<bool>& stop, RemovalResult& result) const {
     if (held.attributes.type == FileType::Folder) {
-        TreeRemoval(m_files, held.path, &stop, result, entry.look->seen())
+        TreeRemoval(m_files, held.path, &stop, result, {.seen = entry.look->seen()})
             .run(held.parent.get(), name, held.attributes);
         return;
     }

@@ -8,6 +8,7 @@
 #include "engine/files/HeldEntry.h"
 #include "engine/files/OwnChanges.h"
 #include "engine/files/ProtectedPlaces.h"
+#include "engine/files/SecondHand.h"
 #include "engine/removal/RemovalDoor.h"
 #include "engine/removal/SetAside.h"
 
@@ -43,6 +44,7 @@ private:
     RenameGround m_ground;
     const std::shared_ptr<OwnChanges> m_own;
     HeldParents m_parents;
+    SecondHand m_second;
     bool m_isToldPlain = false;  // that copies go without being set aside, once
 };
 
