@@ -30,7 +30,7 @@ def fill(folder, files, folders):
     """Files of 0 to 299 bytes, in so many folders, or directly in this one."""
     for number in range(max(folders, 1)):
         inner = folder / f"entry{number:05}" if folders else folder
-        inner.mkdir(parents=True)
+        inner.mkdir(parents=True, exist_ok=True)
         for each in range(files // max(folders, 1)):
             (inner / f"file-{each:06}").write_bytes(b"x" * (each % 300))
 

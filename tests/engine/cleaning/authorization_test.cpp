@@ -298,6 +298,41 @@ TEST_F(Right, TheToolGetsWhatWasRefusedAndNothingElse) {
                   isSwapped ? "0" : "1");
 }
 
+// A folder would go with whatever came into it meanwhile.
+TEST_F(Right, TheToolOfACleanTakesFilesAlone) {
+    if (::geteuid() != 0) GTEST_SKIP() << "only root can make a folder of someone else";
+    for (const auto& [takes, taken] : {std::pair{AuthorizedDoor::ToolTakes::FilesAlone, "f"},
+                                       {AuthorizedDoor::ToolTakes::FilesAndFolders, "ef"}}) {
+        testing::CleanHome home;
+        auto& tree = home.tree;
+        ASSERT_TRUE(tree.write("Downloads/r/f", "1") && tree.folder("Downloads/r/e") &&
+                    tree.setMode("Downloads/r", 0755) && tree.setMode(".", 0755) &&
+                    tree.giveAway({".", "Downloads"}));
+        EXPECT_EQ(
+            testing::runInChild({.ordinaryUser = true},
+                                [&, toolTakes = takes]() -> std::string {
+                                    const auto rows = home.scan(CleanCategory::UserDownloads).rows;
+                                    if (rows.size() != 1) return "no row";
+                                    right.allocAuthorization();
+                                    system.tool = [](const PrivilegedRun&) { return "no"; };
+                                    LeavingEntry leaving;
+                                    leaving.path = rows[0].path;
+                                    leaving.identity = rows[0].identity;
+                                    leaving.seen = rows[0].seen.get();
+                                    const std::atomic<bool> never{false};
+                                    AuthorizedDoor door({&system, &home.files, &permissions, {}},
+                                                        ProtectedPlaces(), toolTakes);
+                                    if (door.remove(leaving, never).gone) return "gone";
+                                    std::string names;
+                                    for (const PrivilegedRun& run : system.runs)
+                                        names += lastPathComponent(run.arguments.at(1));
+                                    std::sort(names.begin(), names.end());
+                                    return names;
+                                }),
+            taken);
+    }
+}
+
 TEST_F(Right, WhatIsProtectedOrChangedIsNotPassedOn) {
     testing::TestTree tree;
     tree.write("protected/a", "1");

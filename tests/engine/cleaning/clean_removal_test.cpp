@@ -143,6 +143,31 @@ TEST(CleanRemoval, ofADownloadOnlyWhatCameOrChangedStays) {
     }
 }
 
+// Where there is much to do two threads do it; what is special waits for the first of them.
+TEST(CleanRemoval, ofAWideRowTheSameGoes) {
+    CleanHome home;
+    for (int i = 0; i < 400; ++i)
+        ASSERT_TRUE(home.tree.write("Downloads/r/" + std::to_string(i), "12345"));
+    ASSERT_TRUE(home.tree.hardLink("Downloads/r/7", "Downloads/r/second") &&
+                home.tree.symlink("7", "Downloads/r/link") &&
+                home.tree.write("Downloads/r/in/x", "12345"));
+    const auto rows = home.scan(CleanCategory::UserDownloads).rows;
+    std::map<std::string, StayReason> stayed;
+    for (const int i : {3, 99, 200, 399}) {
+        const std::string changed = std::to_string(i);
+        const std::string came = "new" + changed;
+        ASSERT_TRUE(home.tree.write("Downloads/r/" + changed, "123456") &&
+                    home.tree.write("Downloads/r/" + came, "1"));
+        stayed.emplace(changed, StayReason::Changed);
+        stayed.emplace(came, StayReason::CameLater);
+    }
+    const Cleaned cleaned = clean(home, rows);
+    EXPECT_EQ(cleaned.stayed(), stayed);
+    EXPECT_EQ(testing::namesIn(home.tree.at("Downloads/r")).size(), stayed.size());
+    EXPECT_EQ(cleaned.bytes, 396 * 5U + 5 + 1 + 5) << "both names, and the text of the link";
+    EXPECT_EQ(cleaned.outcome.bytes, 397 * 5U);
+}
+
 // The time of change of a file whose other name went is of our own doing.
 TEST(CleanRemoval, aFileWithNamesInTwoRowsKeepsNeither) {
     CleanHome home;
