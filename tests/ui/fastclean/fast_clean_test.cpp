@@ -7,7 +7,9 @@
 #include "engine/base/UtilityObject.h"
 #include "engine/cleaning/CleanHome.h"
 #include "engine/cleaning/ParseFileLog.h"
+#include "engine/removal/AsideJournal.h"
 #include "engine/removal/PlainDoor.h"
+#include "engine/removal/RemovalTurn.h"
 #include "engine/settings/PreferenceViewController.h"
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/UserDefaults.h"
@@ -317,10 +319,45 @@ TEST(FastClean, TheBubbleStaysUnderThePointer) {
     EXPECT_EQ(lines.back()->text(), QStringLiteral("Free space grew by 2.00 MB"));
     bubble->mouseEnterAction();
     QTest::qWait(200);
-    EXPECT_TRUE(window && window->isVisible());
+    ASSERT_TRUE(window && window->isVisible());
     bubble->mouseExitAction();
     EXPECT_SOON(window == nullptr);
     EXPECT_EQ(Desk::bubbles(), 0);
+    EXPECT_SOON(desk.run() == nullptr);
+}
+
+// The terminal cleans, or another page removes: the person reads it, and may stop meanwhile.
+TEST(FastClean, TakesTurnsWithOtherRemovals) {
+    for (const bool isStopped : {false, true}) {
+        Desk desk(CleanCategory::UserCaches);
+        ASSERT_TRUE(desk.home.tree.write(".cache/a", "1"));
+        const std::atomic<bool> never{false};
+        auto other = std::make_unique<RemovalTurn>(asideJournalFolder(desk.home.tree.at("state")),
+                                                   never, [] {});
+        desk.clean->cleaningFile();
+        ASSERT_SOON(desk.isIn(State::Deleting) &&
+                    desk.textOf("fixedText") == "Waiting for another removal to end");
+        EXPECT_TRUE(isThere(desk.home.tree.at(".cache/a")));
+        if (isStopped) {
+            desk.click("cancelBtn");
+            EXPECT_SOON(desk.clean->canStart());
+        }
+        other.reset();
+        EXPECT_SOON(desk.run() == nullptr && !desk.clean->isRemoving());
+        EXPECT_EQ(isThere(desk.home.tree.at(".cache/a")), isStopped);
+        EXPECT_SOON(Desk::bubbles() == 0);
+    }
+}
+
+// As on a disk that is full: what went is told all the same.
+TEST(FastClean, EndsAlsoWhereNothingCanBeNoted) {
+    Desk desk(CleanCategory::UserCaches);
+    ASSERT_TRUE(desk.home.tree.write(".cache/a", "1") &&
+                desk.home.tree.write("state", "no folder"));
+    desk.clean->cleaningFile();
+    ASSERT_SOON(desk.isIn(State::Reporting));
+    EXPECT_FALSE(isThere(desk.home.tree.at(".cache/a")));
+    EXPECT_EQ(desk.textOf("furtherLines"), "Free space grew by 2.00 MB");
     EXPECT_SOON(desk.run() == nullptr);
 }
 
