@@ -130,7 +130,6 @@ void CustomVolumView::makeParts(bool canEject) {
     QSizePolicy kept = m_ejectButton->sizePolicy();
     kept.setRetainSizeWhenHidden(true);
     m_ejectButton->setSizePolicy(kept);
-    m_ejectButton->setVisible(canEject);
 
     const auto rowOf = [](QWidget* first, QWidget* second, QWidget* last) {
         auto* const row = new QHBoxLayout;
@@ -158,28 +157,25 @@ void CustomVolumView::makeParts(bool canEject) {
     buttons->addWidget(m_browseButton);
     buttons->addWidget(m_ejectButton);
     all->addLayout(buttons);
+    m_ejectButton->setHidden(!canEject);  // not before it stands in the card: it would be a window
 }
 
 void CustomVolumView::setvolumIcon(const QString& picture) { m_curVolIcon->setPicture(picture); }
 
 void CustomVolumView::setVolumName(const std::string& name) {
-    m_volumeName = name;
-    showTexts();
+    if (std::exchange(m_volumeName, name) != name) showTexts();
 }
 
 void CustomVolumView::setVolRootDir(const std::string& path) {
-    m_volRootDir = path;
-    showTexts();
+    if (std::exchange(m_volRootDir, path) != path) showTexts();
 }
 
 void CustomVolumView::setFreeTextFieldSpace(const std::string& freeSpace) {
-    m_u64FreeSpace = freeSpace;
-    showTexts();
+    if (std::exchange(m_u64FreeSpace, freeSpace) != freeSpace) showTexts();
 }
 
 void CustomVolumView::setTotleTextFieldSpace(const std::string& totalSpace) {
-    m_u64TotalSpace = totalSpace;
-    showTexts();
+    if (std::exchange(m_u64TotalSpace, totalSpace) != totalSpace) showTexts();
 }
 
 void CustomVolumView::showTexts() {
@@ -249,8 +245,8 @@ void CustomVolumView::setEjecting(bool is) {
 }
 
 void CustomVolumView::setSilence(const std::string& reason) {
-    m_silence = reason.empty() ? QString() : inWords(reason);
-    showTexts();
+    const QString words = reason.empty() ? QString() : inWords(reason);
+    if (std::exchange(m_silence, words) != words) showTexts();
 }
 
 void CustomVolumView::paintEvent(QPaintEvent* /*event*/) {

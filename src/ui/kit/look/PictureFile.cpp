@@ -64,13 +64,17 @@ QSvgRenderer* renderer(const QString& name, Theme::Scheme scheme) {
 
 }  // namespace
 
+// Read once: each button asks which looks of its picture there are.
 QStringList PictureFile::names() {
-    loadPictures();
-    QStringList names =
-        QDir(QStringLiteral(":/pictures")).entryList({QStringLiteral("*.svg")}, QDir::Files);
-    for (QString& name : names) name.chop(4);
-    names.sort();
-    return names;
+    static const QStringList all = [] {
+        loadPictures();
+        QStringList names =
+            QDir(QStringLiteral(":/pictures")).entryList({QStringLiteral("*.svg")}, QDir::Files);
+        for (QString& name : names) name.chop(4);
+        names.sort();
+        return names;
+    }();
+    return all;
 }
 
 QSize PictureFile::size(const QString& name) {

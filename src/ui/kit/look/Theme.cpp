@@ -58,12 +58,23 @@ Theme::Scheme schemeOf(const QPalette& palette) {
 }
 
 // With a larger step goes a cut of the letters made for it.
-QString family(bool large) {
+QString familyThatIsThere(bool large) {
     QStringList wished{QStringLiteral("Inter")};
     if (large) wished.prepend(QStringLiteral("Inter Display"));
     for (const QString& name : wished)
         if (QFontDatabase::hasFamily(name)) return name;
     return QFontDatabase::systemFont(QFontDatabase::GeneralFont).family();
+}
+
+// The font library takes milliseconds for its answer, and every label asks.
+QString family(bool large) {
+    static std::array<QString, 2> known;
+    static const auto renewed = QObject::connect(qGuiApp, &QGuiApplication::fontDatabaseChanged,
+                                                 qGuiApp, [] { known = {}; });
+    static_cast<void>(renewed);
+    QString& name = known.at(large ? 1 : 0);
+    if (name.isEmpty()) name = familyThatIsThere(large);
+    return name;
 }
 
 struct Step {
