@@ -71,7 +71,7 @@ def measure_list(base, options):
     peer = ["du", "-s", *(home / part for part in PARTS)]
     timed(ours, home)
     timed(peer, home)
-    held = row("list of 300,000 files / du -s", [(timed(ours, home), timed(peer, home)) for _ in range(options.pairs)], .6, options.scale)
+    held = row(f"list of {int(300_000 * options.scale)} files / du -s", [(timed(ours, home), timed(peer, home)) for _ in range(options.pairs)], .6, options.scale)
     # time(1) would inherit nothing of this process; the home goes with env(1).
     memory = compare.peak_memory(["env", f"HOME={home}", *map(str, ours)], home)
     print(f"| its memory: {memory / MIB:.1f} MiB | | | | | {MOST_MEMORY // MIB} {'held' if memory <= MOST_MEMORY else '**missed**'} |")
