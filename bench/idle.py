@@ -24,7 +24,7 @@ class Session:
         self.processes = []
         self.environment = {"PATH": os.environ["PATH"], "HOME": home, "XDG_CONFIG_HOME": home + "/config", "XDG_RUNTIME_DIR": home,
                             "XDG_STATE_HOME": home + "/state", "LC_ALL": "C.UTF-8"}
-        server = self.start("Xvfb", "-displayfd", "1", "-nolisten", "tcp", "-screen", "0", "1280x900x24")
+        server = self.start("Xvfb", "-displayfd", "1", "-noreset", "-nolisten", "tcp", "-screen", "0", "1280x900x24")
         self.environment["DISPLAY"] = ":" + server.stdout.readline().strip()
         bus = self.start("dbus-daemon", "--session", f"--address=unix:abstract=orrinvale-bench-{os.getpid()}", "--print-address", "--nofork")
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = bus.stdout.readline().strip()

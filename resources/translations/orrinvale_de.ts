@@ -933,6 +933,18 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>Fast Clean</source>
         <translation>Schnell aufräumen</translation>
     </message>
+    <message>
+        <source>Clean</source>
+        <translation>Aufräumen</translation>
+    </message>
+    <message>
+        <source>Free Space</source>
+        <translation>Freier Platz</translation>
+    </message>
+    <message>
+        <source>Uninstall</source>
+        <translation>Deinstallieren</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::CleanSysController</name>

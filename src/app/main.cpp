@@ -26,6 +26,7 @@
 #include "platform/linux/LinuxAuthorization.h"
 #include "platform/linux/LinuxFiles.h"
 #include "platform/linux/LinuxFolders.h"
+#include "platform/linux/LinuxHotKeys.h"
 #include "platform/linux/LinuxMemory.h"
 #include "platform/linux/LinuxMountChanges.h"
 #include "platform/linux/LinuxPermissions.h"
@@ -83,6 +84,7 @@ struct Shared {
     QtMainQueue mainQueue;
     const LinuxMemory memory;
     SystemWatch systemWatch{volumes, memory, mainQueue};
+    LinuxHotKeys hotKeys;
     WindowDialogs dialogs;
     FileIcons icons;
 };
@@ -133,6 +135,7 @@ AppDelegateParts delegateParts(Shared& shared, DesktopNotifications& desktopNoti
         .systemWatch = &shared.systemWatch,
         .workspace = &shared.desktop,
         .memory = &shared.memory,
+        .hotKeys = &shared.hotKeys,
         .trayHost = &trayHost,
         .openFolder = openInFileManager,
         .openGuide = openUserGuide,

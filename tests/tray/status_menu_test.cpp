@@ -8,6 +8,7 @@
 #include "engine/settings/UserDefaults.h"
 #include "support/SteadyVolumes.h"
 #include "support/test.h"
+#include "ui/kit/look/Theme.h"
 #include "ui/tray/CustomGreyBarView.h"
 #include "ui/tray/CustomStatusItemView.h"
 #include "ui/tray/HostMenu.h"
@@ -177,6 +178,64 @@ TEST(StatusMenu, TheNumberFiveIsTheMemorysRow) {
     EXPECT_EQ(on.row(5).volumeSize.toStdString(), "Memory") << "the rule of the operation";
     EXPECT_EQ(on.popup().find("Memory#5"), std::string::npos) << "its own row is in no menu";
     EXPECT_EQ(on.row(1).volumeSize.toStdString(), "System");
+}
+
+// How many pixels of the row have about this colour.
+int pixelsOf(MenuItemView& row, QColor wanted) {
+    row.resize(320, row.height());
+    row.setPalette(Theme::shared().palette());
+    row.setAutoFillBackground(true);
+    const QImage image = row.grab().toImage();
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x) {
+            const QColor each = image.pixelColor(x, y);
+            const int off = std::abs(each.red() - wanted.red()) +
+                            std::abs(each.green() - wanted.green()) +
+                            std::abs(each.blue() - wanted.blue());
+            count += off < 12 ? 1 : 0;
+        }
+    return count;
+}
+
+TEST(StatusMenu, TheBarIsDrawnFromTheRecordInBothPalettes) {
+    for (const Theme::Scheme scheme : {Theme::Scheme::Light, Theme::Scheme::Dark}) {
+        Theme::shared().setScheme(scheme);
+        MenuOnDesk on;
+        std::vector<SeenVolume> all{
+            volume(1, "System", LocalVolume, 100), volume(2, "half", LocalVolume, 500),
+            volume(3, "disc", OpticalVolume, 0), volume(4, "nas", NetworkVolume, 500)};
+        all[3].silence = "Connection timed out";
+        on.show(all);
+        on.show(all);  // from now on the fields hold the total twice
+        const QColor red = Theme::shared().color(Theme::Color::Danger);
+        const QColor text = Theme::shared().color(Theme::Color::Text);
+        EXPECT_GT(pixelsOf(on.row(1), red), 300) << "nine tenths of the bar";
+        EXPECT_EQ(pixelsOf(on.row(2), red), 0);
+        EXPECT_EQ(pixelsOf(on.row(3), red), 0) << "a disc is full by nature";
+        EXPECT_GT(pixelsOf(on.row(2), text), 20);
+        EXPECT_LT(pixelsOf(on.row(4), text), pixelsOf(on.row(2), text) / 2)
+            << "grey while it does not answer";
+    }
+    Theme::shared().setScheme(Theme::Scheme::Light);
+}
+
+TEST(StatusMenu, ARefreshOf200VolumesTakesNoTurnOfTheEventLoop) {
+    MenuOnDesk on;
+    std::vector<double> took;
+    for (int round = 0; round < 21; ++round) {
+        std::vector<SeenVolume> all;
+        for (std::int16_t i = 0; i < 200; ++i)
+            all.push_back(volume(static_cast<std::int16_t>(10 + i), fmt::format("v{}", i),
+                                 ExternalVolume, static_cast<std::uint64_t>(600 + round)));
+        const auto start = Clock::now();
+        on.show(std::move(all));
+        took.push_back(std::chrono::duration<double, std::milli>(Clock::now() - start).count());
+    }
+    took.erase(took.begin());  // that one builds
+    std::ranges::nth_element(took, took.begin() + 10);
+    RecordProperty("milliseconds", std::to_string(took[10]));
+    EXPECT_LT(took[10], 10) << "milliseconds, the median of twenty";
 }
 
 TEST(HostMenu, NamesArriveAsTheyAre) {

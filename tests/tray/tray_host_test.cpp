@@ -86,8 +86,9 @@ TEST(TrayHost, ATrayOfX11ThatComesAndGoesIsTold) {
     for (const char* const program : {"Xvfb", "trayer"})
         if (QStandardPaths::findExecutable(QLatin1String(program)).isEmpty())
             GTEST_SKIP() << "no " << program << " here";
-    Helper server(QStringLiteral("Xvfb"), {QStringLiteral("-displayfd"), QStringLiteral("1"),
-                                           QStringLiteral("-nolisten"), QStringLiteral("tcp")});
+    Helper server(QStringLiteral("Xvfb"),
+                  {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-noreset"),
+                   QStringLiteral("-nolisten"), QStringLiteral("tcp")});
     const QByteArray before = qgetenv("DISPLAY");
     qputenv("DISPLAY", ":" + server.line().toUtf8());
     const auto told = std::make_shared<Told>();

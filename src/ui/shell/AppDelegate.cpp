@@ -28,6 +28,7 @@
 #include "ui/preferences/AppPrefsWindowController.h"
 #include "ui/shell/ApplicationMenu.h"
 #include "ui/shell/FileManager.h"
+#include "ui/tray/ArrowHotKeys.h"
 #include "ui/tray/SpaceWarnings.h"
 #include "ui/tray/Tray.h"
 
@@ -49,6 +50,9 @@ AppDelegate::AppDelegate(AppDelegateParts parts, QObject* parent)
                                    .Reference = [this] { Reference(); },
                                    .CheckupdateMenuItemAction = {},
                                    .showPages = [this] { showPages(); },
+                                   .onClickScan = [this] { onClickScan(); },
+                                   .onClickFree = [this] { onClickFree(); },
+                                   .onClickUninstall = [this] { onClickUninstall(); },
                                    .cleaningFile = [this] { cleaningFile(); },
                                    .rejestAllDisk = [this] { rejestAllDisk(); },
                                    .help = [this] { help(); },
@@ -278,6 +282,21 @@ void AppDelegate::showPages() {
     if (!std::exchange(m_hasPagesKeys, true)) m_menu->addKeysTo(*pages.window());
     pages.showWindow();
 }
+
+void AppDelegate::showPageOfRow(std::int32_t row, const QString& identifier) {
+    handleReopenAppEvent();
+    UtilityFunction::callSelectNotificationForMainWindowLeft(row);
+    auto& pages = AppPrefsWindowController::sharedPrefsWindowController();
+    if (!pages.hasPage(identifier)) return;
+    showPages();
+    pages.displayViewForIdentifier(identifier, true);
+}
+
+void AppDelegate::onClickFree() { showPageOfRow(9, freeSpaceIdentifier); }
+
+void AppDelegate::onClickScan() { showPageOfRow(0, scanIdentifier); }
+
+void AppDelegate::onClickUninstall() { showPageOfRow(8, uninstallIdentifier); }
 
 void AppDelegate::Reference() {
     showPages();

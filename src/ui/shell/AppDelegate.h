@@ -30,8 +30,10 @@ class QLabel;
 namespace orrinvale {
 
 class ApplicationMenu;
+class ArrowHotKeys;
 class DesktopNotifications;
 class FastClean;
+class HotKeys;
 class Workspace;
 struct Alert;
 class Memory;
@@ -57,6 +59,7 @@ struct AppDelegateParts {
     SystemWatch* systemWatch = nullptr;    ///< over `volumes`; null: nothing runs in the background
     const Workspace* workspace = nullptr;  ///< null: there is no screen
     const Memory* memory = nullptr;        ///< null: there is no row of the memory
+    HotKeys* hotKeys = nullptr;            ///< null: there are none
     TrayHost* trayHost = nullptr;          ///< null: there is never a tray
     std::function<bool(const std::string& path)>
         openFolder;  ///< in the desktop's file manager; false when it can not
@@ -108,6 +111,11 @@ public:
     void openAboutWindow();
     void Reference();
     void showPages();
+    /// Each shows the main window, posts "shouldSelectRow" with the row of its page, and shows that
+    /// page where there is one.
+    void onClickFree();
+    void onClickScan();
+    void onClickUninstall();
     void help();
 
     // Fast Clean.
@@ -146,6 +154,11 @@ public:
     /// Where bubbles stand on this desktop, or else in the open window.
     [[nodiscard]] BubbleGround bubbleGround() const;
 
+    /// Of pages in the toolbar window, which entries of the menu lead to.
+    static inline const QString freeSpaceIdentifier = QStringLiteral("free_space");
+    static inline const QString scanIdentifier = QStringLiteral("clean");
+    static inline const QString uninstallIdentifier = QStringLiteral("uninstall");
+
     /// The sentence about a volume that was "mounted" or "unmounted".
     [[nodiscard]] static std::string volumeSentence(const Notification& notification,
                                                     const std::string& word);
@@ -157,6 +170,7 @@ private:
     void refFastCleanItem();
     void refMenuItemWhenDeleteAndAdd();
     void startTray();
+    void showPageOfRow(std::int32_t row, const QString& identifier);
     void refApplicationMenu();
     void ejectRow(MenuItemView& row);
     void tellOfGuide();
@@ -184,6 +198,7 @@ private:
     std::unique_ptr<VolumesManager> m_voluManager;
     std::vector<std::shared_ptr<ZvVolumeInfo>> m_volsInfo;
     std::unique_ptr<Tray> m_tray;
+    std::unique_ptr<ArrowHotKeys> m_arrowKeys;
     std::unique_ptr<SpaceWarnings> m_spaceWarnings;
     HomeDisk m_homeDisk;
     bool m_isOpenWindow = false;

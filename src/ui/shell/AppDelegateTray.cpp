@@ -9,6 +9,7 @@
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/shell/AppDelegate.h"
+#include "ui/tray/ArrowHotKeys.h"
 #include "ui/tray/SpaceWarnings.h"
 #include "ui/tray/Tray.h"
 #include "ui/tray/trayNotices.h"
@@ -41,6 +42,10 @@ void AppDelegate::startTray() {
                              .memory = m_parts.memory,
                              .actions = std::move(actions)},
                     .sawHomeDisk = [this](const ZvVolumeInfo& boot) { noteHomeDisk(boot); }});
+    if (m_parts.hotKeys != nullptr) {
+        m_arrowKeys = std::make_unique<ArrowHotKeys>(*m_parts.hotKeys);
+        m_arrowKeys->Runloop();
+    }
     if (m_parts.desktopNotifications == nullptr) return;
     DesktopNotifications& notes = *m_parts.desktopNotifications;
     m_spaceWarnings = std::make_unique<SpaceWarnings>(SpaceWarnings::Parts{

@@ -83,6 +83,8 @@ void AppDelegate::refMenuItemWhenDeleteAndAdd() {
 void AppDelegate::refApplicationMenu() {
     const auto& pages = AppPrefsWindowController::sharedPrefsWindowController();
     m_menu->setHasPreferences(pages.hasPage(QStringLiteral("preferences")));
+    m_menu->setPages(pages.hasPage(scanIdentifier), pages.hasPage(freeSpaceIdentifier),
+                     pages.hasPage(uninstallIdentifier));
     m_menu->setHasPages(pages.hasPagesBeside(QStringLiteral("duplicates_file")));
     refFastCleanItem();
     m_volumeWorker.hasEjectable([this](bool has) { m_menu->setCanEject(has && !m_isEjecting); });

@@ -17,6 +17,9 @@ ApplicationMenu::ApplicationMenu(const Actions& actions, QObject* parent)
     m_menu->addSeparator();
     m_pages =
         add("pages", tr("Show All Pages"), QKeySequence(Qt::CTRL | Qt::Key_0), actions.showPages);
+    m_scanMenu = add("scanMenu", tr("Clean"), {}, actions.onClickScan);
+    m_freeSpaceMenu = add("freeSpaceMenu", tr("Free Space"), {}, actions.onClickFree);
+    m_UninstallMenu = add("UninstallMenu", tr("Uninstall"), {}, actions.onClickUninstall);
     m_fastClean = add("fastClean", tr("Fast Clean"), {}, actions.cleaningFile);
     m_eject =
         add("ejectAll", tr("Eject All"), QKeySequence(Qt::CTRL | Qt::Key_E), actions.rejestAllDisk);
@@ -24,6 +27,7 @@ ApplicationMenu::ApplicationMenu(const Actions& actions, QObject* parent)
     m_eject->setEnabled(false);
     m_preferences->setEnabled(false);
     m_pages->setVisible(false);
+    setPages(false, false, false);
     m_menu->addSeparator();
     add("help", tr("User Guide"), QKeySequence(QKeySequence::HelpContents), actions.help);
     m_menu->addSeparator();
@@ -52,6 +56,12 @@ void ApplicationMenu::setCanFastClean(bool canFastClean) { m_fastClean->setEnabl
 
 void ApplicationMenu::setHasPreferences(bool hasPreferences) {
     m_preferences->setEnabled(hasPreferences);
+}
+
+void ApplicationMenu::setPages(bool hasScan, bool hasFree, bool hasUninstall) {
+    m_scanMenu->setVisible(hasScan);
+    m_freeSpaceMenu->setVisible(hasFree);
+    m_UninstallMenu->setVisible(hasUninstall);
 }
 
 void ApplicationMenu::setHasPages(bool hasPages) { m_pages->setVisible(hasPages); }

@@ -22,8 +22,11 @@ public:
         std::function<void()> Reference;  ///< the preferences
         std::function<void()> CheckupdateMenuItemAction;
         std::function<void()> showPages;
-        std::function<void()> cleaningFile;   ///< "Fast Clean"
-        std::function<void()> rejestAllDisk;  ///< "Eject All"
+        std::function<void()> onClickScan;       ///< the page that cleans
+        std::function<void()> onClickFree;       ///< the page "Free Space"
+        std::function<void()> onClickUninstall;  ///< the page that uninstalls
+        std::function<void()> cleaningFile;      ///< "Fast Clean"
+        std::function<void()> rejestAllDisk;     ///< "Eject All"
         std::function<void()> help;
         std::function<void()> quit;
     };
@@ -45,6 +48,9 @@ public:
     /// Whether there is a page of preferences. They are greyed until that is told.
     void setHasPreferences(bool hasPreferences);
 
+    /// Which of the three pages there are. None is offered until that is told.
+    void setPages(bool hasScan, bool hasFree, bool hasUninstall);
+
     /// Whether the window with all pages shows anything that the main window does not. It is not
     /// offered until that is told.
     void setHasPages(bool hasPages);
@@ -62,6 +68,9 @@ private:
     QAction* m_eject = nullptr;
     QAction* m_preferences = nullptr;
     QAction* m_pages = nullptr;
+    QAction* m_scanMenu = nullptr;
+    QAction* m_freeSpaceMenu = nullptr;
+    QAction* m_UninstallMenu = nullptr;
 };
 
 }  // namespace orrinvale

@@ -62,18 +62,15 @@ void MenuItemView::tellReaders() {
 }
 
 void MenuItemView::setVolumName(const QString& name) {
-    volumeSize = name;
-    tellReaders();
+    if (std::exchange(volumeSize, name) != name) tellReaders();
 }
 
 void MenuItemView::setFreeTextFieldSpace(const QString& text) {
-    u64FreeSpace = text;
-    tellReaders();
+    if (std::exchange(u64FreeSpace, text) != text) tellReaders();
 }
 
 void MenuItemView::setTotleTextFieldSpace(const QString& text) {
-    u64TotalSpace = text;
-    tellReaders();
+    if (std::exchange(u64TotalSpace, text) != text) tellReaders();
 }
 
 QString MenuItemView::getPrograssImage() const {

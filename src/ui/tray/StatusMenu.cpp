@@ -164,7 +164,7 @@ QAction* StatusMenu::itemWithTitle(const QString& title) const {
     if (!m_menu) return nullptr;
     const QList<QAction*> items = m_menu->actions();
     const auto found = std::ranges::find_if(items, [&](const QAction* each) {
-        return viewOf(each) != nullptr && each->text() == title;
+        return each->text() == title && viewOf(each) != nullptr;
     });
     return found == items.end() ? nullptr : *found;
 }
