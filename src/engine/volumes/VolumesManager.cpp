@@ -45,13 +45,20 @@ std::string standardizedPath(const std::string& path) {
     return plain;
 }
 
-// A volume that does not answer is asked for by its number and root all the same.
-bool standsAt(Volumes& platform, std::int16_t volRefNumber, const std::string& volRootDir) {
-    bool found = false;
+enum class Place : std::uint8_t { Taken, Empty, ByOther };
+
+// A volume that does not answer is asked for by its number and root all the same. Empty says that
+// neither of them stands anywhere.
+Place placeOf(Volumes& platform, std::int16_t volRefNumber, const std::string& volRootDir) {
+    Place place = Place::Empty;
     IndexedVolume volume;
-    for (std::uint32_t index = 1; platform.FSGetVolumeInfo(index, volume) != nsvErr; ++index)
-        found = found || (volume.refNumber == volRefNumber && volume.rootPath == volRootDir);
-    return found;
+    for (std::uint32_t index = 1; platform.FSGetVolumeInfo(index, volume) != nsvErr; ++index) {
+        const bool hasNumber = volume.refNumber == volRefNumber;
+        const bool hasRoot = volume.rootPath == volRootDir;
+        if (hasNumber && hasRoot) place = Place::Taken;
+        else if ((hasNumber || hasRoot) && place == Place::Empty) place = Place::ByOther;
+    }
+    return place;
 }
 
 }  // namespace
@@ -78,10 +85,16 @@ bool VolumesManager::ejectSingleVolume(std::int16_t volRefNumber) {
 }
 
 bool VolumesManager::ejectVolumeAt(std::int16_t volRefNumber, const std::string& volRootDir) {
-    if (standsAt(m_platform, volRefNumber, volRootDir)) ejectSingleVolume(volRefNumber);
-    else
-        m_failures = {
-            {volRefNumber, {}, volRootDir, nsvErr, {"The volume is not mounted any more", {}}}};
+    m_failures.clear();
+    switch (placeOf(m_platform, volRefNumber, volRootDir)) {
+        case Place::Taken: ejectSingleVolume(volRefNumber); break;
+        // An ejection takes all volumes of a drive along, those that were asked for next, too.
+        case Place::Empty: break;
+        case Place::ByOther:
+            m_failures = {
+                {volRefNumber, {}, volRootDir, nsvErr, {"The volume is not mounted any more", {}}}};
+            break;
+    }
     for (EjectFailure& each : m_failures) each.volRootDir = volRootDir;
     return m_failures.empty();
 }

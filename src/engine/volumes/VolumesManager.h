@@ -47,7 +47,8 @@ public:
     std::int32_t ejectAllVolumes();
 
     /// The same for the volume that somebody sees at this root: whatever came into its place, or
-    /// stands elsewhere under its number by now, stays. A failure has the root, too.
+    /// stands elsewhere under its number by now, stays, which is a failure. True where it has gone
+    /// already and nothing came. A failure has the root, too.
     bool ejectVolumeAt(std::int16_t volRefNumber, const std::string& volRootDir);
 
     /// False for no path or an empty one, which touches nothing; else what the file manager says to

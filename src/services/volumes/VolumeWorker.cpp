@@ -11,6 +11,7 @@
 #include "engine/base/Log.h"
 #include "engine/base/MainQueue.h"
 #include "engine/volumes/VolumesInfo.h"
+#include "platform/error.h"
 
 namespace orrinvale {
 
@@ -46,61 +47,87 @@ struct VolumeWorker::Shared {
             });
     }
 
+    void forgetRequests() {
+        const std::lock_guard lock(mutex);
+        requests.clear();
+        isRunning = false;
+    }
+
     bool isEnded() {
         const std::lock_guard lock(mutex);
         return isOver;
     }
 };
 
-VolumeWorker::VolumeWorker(Volumes& platform, MainQueue& mainQueue)
-    : m_shared(std::make_shared<Shared>(platform, mainQueue)) {}
+VolumeWorker::VolumeWorker(Volumes& platform, MainQueue& mainQueue, StartThread startThread)
+    : m_shared(std::make_shared<Shared>(platform, mainQueue)),
+      m_startThread(std::move(startThread)) {}
 
 VolumeWorker::~VolumeWorker() {
     const std::lock_guard lock(m_shared->mutex);
     m_shared->isOver = true;
 }
 
-void VolumeWorker::add(Shared::Request request) {
-    const std::lock_guard lock(m_shared->mutex);
-    m_shared->requests.push_back(std::move(request));
-    if (std::exchange(m_shared->isRunning, true)) return;
-    // Let go of: the process may end while a medium is still being written.
+// Let go of: the process may end while a medium is still being written.
+void VolumeWorker::startDetached(std::function<void()> work) {
+    std::thread(std::move(work)).detach();
+}
+
+void VolumeWorker::add(Shared::Request request,
+                       std::function<void(const std::string& reason)> refused) {
+    {
+        const std::lock_guard lock(m_shared->mutex);
+        m_shared->requests.push_back(std::move(request));
+        if (std::exchange(m_shared->isRunning, true)) return;
+    }
     try {
-        std::thread([shared = m_shared] { Shared::work(shared); }).detach();
+        m_startThread([shared = m_shared] { Shared::work(shared); });
     } catch (const std::system_error& error) {
         Log::line(fmt::format("No thread for the volumes: {}", error.what()));
-        m_shared->isRunning = false;  // the next request tries again
+        m_shared->forgetRequests();  // this one alone; the next one tries again
+        m_shared->mainQueue.async(
+            [shared = m_shared, refused = std::move(refused),
+             reason = systemError("clone", {}, error.code().value()).reason()] {
+                if (!shared->isEnded()) refused(reason);
+            });
     }
 }
 
-void VolumeWorker::ejectAllVolumes(Ejected ended) {
-    add([ended = std::move(ended)](Volumes& platform) -> std::function<void()> {
+void VolumeWorker::ejectAllVolumes(const Ejected& ended) {
+    const auto work = [ended](Volumes& platform) -> std::function<void()> {
         VolumesManager manager(platform, {});
         const std::int32_t status = manager.ejectAllVolumes();
         return [ended, status, failures = manager.failures()] { ended(status, failures); };
+    };
+    add(work, [ended](const std::string& reason) {
+        ended(ioErr, {{0, {}, {}, ioErr, {reason, {}}}});
     });
 }
 
-void VolumeWorker::ejectVolume(std::int16_t volRefNumber, std::string volRootDir,
-                               std::string volumeName, Ejected ended) {
-    add([volRefNumber, root = std::move(volRootDir), name = std::move(volumeName),
-         ended = std::move(ended)](Volumes& platform) -> std::function<void()> {
+void VolumeWorker::ejectVolume(std::int16_t volRefNumber, const std::string& volRootDir,
+                               const std::string& volumeName, const Ejected& ended) {
+    const auto work = [volRefNumber, volRootDir, volumeName,
+                       ended](Volumes& platform) -> std::function<void()> {
         VolumesManager manager(platform, {});
-        manager.ejectVolumeAt(volRefNumber, root);
+        manager.ejectVolumeAt(volRefNumber, volRootDir);
         auto failures = manager.failures();
-        for (EjectFailure& each : failures) each.volumeName = name;
+        for (EjectFailure& each : failures) each.volumeName = volumeName;
         const std::int32_t status = failures.empty() ? noErr : failures.front().status;
         return [ended, status, failures = std::move(failures)] { ended(status, failures); };
+    };
+    add(work, [volRefNumber, volRootDir, volumeName, ended](const std::string& reason) {
+        ended(ioErr, {{volRefNumber, volumeName, volRootDir, ioErr, {reason, {}}}});
     });
 }
 
-void VolumeWorker::hasEjectable(std::function<void(bool)> answered) {
-    add([answered = std::move(answered)](Volumes& platform) -> std::function<void()> {
+void VolumeWorker::hasEjectable(const std::function<void(bool)>& answered) {
+    const auto work = [answered](Volumes& platform) -> std::function<void()> {
         VolumesInfo info(platform);
         const bool has =
             std::ranges::any_of(info.volsArray(), [](const auto& each) { return each->bCanEject; });
         return [answered, has] { answered(has); };
-    });
+    };
+    add(work, [answered](const std::string& /*reason*/) { answered(false); });
 }
 
 }  // namespace orrinvale

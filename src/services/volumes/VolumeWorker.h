@@ -23,27 +23,34 @@ public:
     using Ejected =
         std::function<void(std::int32_t status, const std::vector<EjectFailure>& failures)>;
 
-    /// Both outlive the process's last request.
-    VolumeWorker(Volumes& platform, MainQueue& mainQueue);
+    /// Runs it on a thread that nobody joins; throws std::system_error where there is none.
+    using StartThread = std::function<void(std::function<void()> work)>;
+
+    /// Both outlive the process's last request. Where no thread starts, a request is answered with
+    /// ioErr and the reason.
+    VolumeWorker(Volumes& platform, MainQueue& mainQueue, StartThread startThread = startDetached);
     ~VolumeWorker();
     VolumeWorker(const VolumeWorker&) = delete;
     VolumeWorker& operator=(const VolumeWorker&) = delete;
 
     /// As VolumesManager::ejectAllVolumes().
-    void ejectAllVolumes(Ejected ended);
+    void ejectAllVolumes(const Ejected& ended);
 
     /// As VolumesManager::ejectVolumeAt(); at most one failure, which bears this name.
-    void ejectVolume(std::int16_t volRefNumber, std::string volRootDir, std::string volumeName,
-                     Ejected ended);
+    void ejectVolume(std::int16_t volRefNumber, const std::string& volRootDir,
+                     const std::string& volumeName, const Ejected& ended);
 
-    /// Whether there is anything to eject at the moment.
-    void hasEjectable(std::function<void(bool)> answered);
+    /// Whether there is anything to eject at the moment; false where that can not be found out.
+    void hasEjectable(const std::function<void(bool)>& answered);
 
 private:
     struct Shared;
-    void add(std::function<std::function<void()>(Volumes&)> request);
+    static void startDetached(std::function<void()> work);
+    void add(std::function<std::function<void()>(Volumes&)> request,
+             std::function<void(const std::string& reason)> refused);
 
     const std::shared_ptr<Shared> m_shared;
+    const StartThread m_startThread;
 };
 
 }  // namespace orrinvale

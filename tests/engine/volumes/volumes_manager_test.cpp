@@ -63,6 +63,20 @@ TEST(VolumesManager, ANumberEjectsOnlyWhatIsSeenAtItsRoot) {
     EXPECT_TRUE(manager.failures().empty());
 }
 
+TEST(VolumesManager, AVolumeThatWentAlongWithAnotherIsNoFailure) {
+    FakeVolumes platform;
+    platform.volumes = {volume(7, "/s/1", true), volume(8, "/s/2", true), volume(9, "/c", true)};
+    platform.onEjection = [&](std::int16_t) {
+        platform.volumes.erase(platform.volumes.begin(), platform.volumes.begin() + 2);
+    };
+    VolumesManager manager(platform, {});
+    EXPECT_TRUE(manager.ejectVolumeAt(7, "/s/1"));
+    EXPECT_TRUE(manager.ejectVolumeAt(8, "/s/2"));
+    EXPECT_TRUE(manager.failures().empty());
+    EXPECT_EQ(platform.ejectedNumbers, std::vector<std::int16_t>{7});
+    EXPECT_FALSE(manager.ejectVolumeAt(9, "/s/1")) << "moved, and it stands";
+}
+
 TEST(VolumesManager, OneVolumeIsEjectedOrItsFailureKept) {
     FakeVolumes platform;
     platform.volumes = {volume(1, "/dead", true), volume(2, "/a", false)};
