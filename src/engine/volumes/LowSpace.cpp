@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <optional>
+#include <utility>
 
 #include "engine/volumes/SpaceLevel.h"
 
@@ -50,38 +52,80 @@ std::optional<std::string> unescaped(std::string_view text) {
 }  // namespace
 
 LowSpace::LowSpace(std::string_view remembered) {
-    while (!remembered.empty() && m_warned.size() < kMostRemembered) {
+    while (!remembered.empty()) {
         const std::size_t end = std::min(remembered.find(' '), remembered.size());
         if (auto root = unescaped(remembered.substr(0, end)))
-            m_warned.push_back({std::move(*root), true});
+            m_warned.push_back({std::move(*root)});
         remembered.remove_prefix(std::min(end + 1, remembered.size()));
     }
 }
 
-std::vector<SeenVolume> LowSpace::take(const std::vector<SeenVolume>& volumes, float level) {
+std::vector<SeenVolume> LowSpace::take(const std::vector<SeenVolume>& volumes, float level,
+                                       Clock::time_point now) {
+    forgetOthers(volumes);
     std::vector<SeenVolume> due;
     for (const SeenVolume& each : volumes) {
-        const std::string& root = each.record->volRootDir;
         if (!each.silence.empty() || !isGroupWarned(each.record->volType)) continue;
-        const VolumeSpace space = spaceOf(*each.record);
-        const auto known = std::ranges::find(m_warned, root, &Warned::root);
-        if (isShortOfSpace(space, level)) {
-            if (known != m_warned.end()) continue;
-            m_warned.push_back({root, true});
-            due.push_back(each);
-        } else if (known != m_warned.end()) {
-            const auto free = freePercent(space);
-            if (free && static_cast<float>(*free) >= level + kPointsToRise) m_warned.erase(known);
-        }
+        if (isDue(each, level, now)) due.push_back(each);
     }
-    if (m_warned.size() > kMostRemembered)
-        m_warned.erase(m_warned.begin(), m_warned.end() - kMostRemembered);
+    forgetAbsent(volumes);
     return due;
 }
 
-void LowSpace::wasNotTold(const std::string& volRootDir) {
-    for (Warned& each : m_warned)
-        if (each.root == volRootDir) each.isTold = false;
+bool LowSpace::isDue(const SeenVolume& volume, float level, Clock::time_point now) {
+    const VolumeSpace space = spaceOf(*volume.record);
+    auto known = std::ranges::find(m_warned, volume.record->volRootDir, &Warned::root);
+    const bool isKnown = known != m_warned.end();
+    if (!isShortOfSpace(space, level)) {
+        const auto free = freePercent(space);
+        const bool hasRisen = free && static_cast<float>(*free) >= level + kPointsToRise;
+        if (isKnown && hasRisen) m_warned.erase(known);
+        else if (isKnown) known->seen = volume.record;
+        return false;
+    }
+    if (!isKnown) known = m_warned.insert(m_warned.end(), {volume.record->volRootDir});
+    known->seen = volume.record;
+    if (isKnown && (known->isTold || now < known->due)) return false;
+    known->isTold = true;
+    return true;
+}
+
+// The same stick that is plugged in again has a new number, too, so that the number alone does not
+// say that it is another one. Of two mounts at one root both may stand.
+void LowSpace::forgetOthers(const std::vector<SeenVolume>& volumes) {
+    std::erase_if(m_warned, [&](const Warned& each) {
+        if (!each.seen) return false;
+        const ZvVolumeInfo& old = *each.seen;
+        bool isAnother = false;
+        for (const SeenVolume& volume : volumes) {
+            const ZvVolumeInfo& now = *volume.record;
+            if (now.volRootDir != each.root) continue;
+            if (now.volRefNumber == old.volRefNumber) return false;
+            isAnother =
+                isAnother || now.volumeName != old.volumeName || now.nTotalSize != old.nTotalSize;
+        }
+        return isAnother;
+    });
+}
+
+// One that stands would be warned of anew at the next look.
+void LowSpace::forgetAbsent(const std::vector<SeenVolume>& volumes) {
+    const auto isAway = [&](const Warned& warned) {
+        return std::ranges::none_of(volumes, [&](const SeenVolume& each) {
+            return each.record->volRootDir == warned.root;
+        });
+    };
+    for (auto each = m_warned.begin(); m_warned.size() > kMostRemembered && each != m_warned.end();)
+        each = isAway(*each) ? m_warned.erase(each) : std::next(each);
+}
+
+void LowSpace::wasNotTold(const std::string& volRootDir, Clock::time_point now) {
+    for (Warned& each : m_warned) {
+        if (each.root != volRootDir) continue;
+        each.isTold = false;
+        each.due = now + each.pause;
+        each.pause *= 2;
+    }
 }
 
 std::string LowSpace::remembered() const {

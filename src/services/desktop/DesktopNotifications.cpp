@@ -13,7 +13,7 @@
 namespace orrinvale {
 namespace {
 
-constexpr int patience = 5000;  // milliseconds for each answer
+constexpr int lateness = 60'000;  // milliseconds in which a slow service may show a note
 constexpr std::size_t kMostKept = 100;
 
 QString serviceName() { return QStringLiteral("org.freedesktop.Notifications"); }
@@ -64,8 +64,9 @@ DesktopNotifications::Number DesktopNotifications::show(const DesktopNote& note,
         QTimer::singleShot(0, this, [this, number] { fail(number); });
         return number;
     }
+    QTimer::singleShot(note.patience, this, [this, number] { giveUp(number); });
     auto* const asked =
-        new QDBusPendingCallWatcher(m_bus.asyncCall(call("GetCapabilities"), patience), this);
+        new QDBusPendingCallWatcher(m_bus.asyncCall(call("GetCapabilities"), lateness), this);
     connect(asked, &QDBusPendingCallWatcher::finished, this, [this, asked, number] {
         asked->deleteLater();
         const QDBusMessage answer = asked->reply();
@@ -75,10 +76,22 @@ DesktopNotifications::Number DesktopNotifications::show(const DesktopNote& note,
     return number;
 }
 
+// What was sent is kept: its late answer has the id by which it is pressed and taken away.
+void DesktopNotifications::giveUp(Number number) {
+    const auto found = m_sending.find(number);
+    if (found == m_sending.end()) return;
+    if (found->second.isSent) tellFailure(found->second);
+    else fail(number);
+}
+
 void DesktopNotifications::fail(Number number) {
-    const auto sending = m_sending.extract(number);
-    if (sending.empty() || sending.mapped().isWithdrawn) return;
-    if (sending.mapped().failed) sending.mapped().failed();
+    auto sending = m_sending.extract(number);
+    if (!sending.empty()) tellFailure(sending.mapped());
+}
+
+void DesktopNotifications::tellFailure(Sending& sending) {
+    const auto failed = std::exchange(sending.failed, nullptr);
+    if (failed && !sending.isWithdrawn) failed();
 }
 
 void DesktopNotifications::send(Number number, const QStringList& capabilities) {
@@ -97,7 +110,8 @@ void DesktopNotifications::send(Number number, const QStringList& capabilities) 
     notify << QStringLiteral("Orrinvale") << std::uint32_t{0} << QLatin1String(programBusName)
            << onOneLine(note.title) << (isMarkup ? note.body.toHtmlEscaped() : note.body) << actions
            << hintsOf(note) << note.milliseconds;
-    auto* const asked = new QDBusPendingCallWatcher(m_bus.asyncCall(notify, patience), this);
+    found->second.isSent = true;
+    auto* const asked = new QDBusPendingCallWatcher(m_bus.asyncCall(notify, lateness), this);
     connect(asked, &QDBusPendingCallWatcher::finished, this, [this, asked, number] {
         asked->deleteLater();
         sent(number, asked->reply());
@@ -127,7 +141,7 @@ void DesktopNotifications::close(const Shown& shown) {
     QDBusMessage message = call("CloseNotification");
     message << shown.id;
     message.setAutoStartService(false);
-    m_bus.asyncCall(message, patience);
+    m_bus.asyncCall(message, lateness);
 }
 
 DesktopNotifications::Number DesktopNotifications::numberOf(const QDBusMessage& message) const {

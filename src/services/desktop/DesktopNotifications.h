@@ -6,6 +6,7 @@
 #include <QDBusMessage>
 #include <QObject>
 #include <QString>
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -27,7 +28,8 @@ struct DesktopNote {
     Urgency urgency = Urgency::Normal;
     /// Forgotten by the desktop when it goes off the screen; otherwise kept among what was missed.
     bool isTransient = true;
-    int milliseconds = -1;  ///< on the screen; -1 is the desktop's own time
+    int milliseconds = -1;                     ///< on the screen; -1 is the desktop's own time
+    std::chrono::milliseconds patience{5000};  ///< after that it counts as shown by nobody
 };
 
 /// Nothing here waits: not for the bus, nor for the service, which may be started by the first
@@ -45,8 +47,9 @@ public:
     /// a service.
     [[nodiscard]] bool hasBus() const { return m_bus.isConnected(); }
 
-    /// `failed` runs later, once, where nobody shows the note within five seconds. Buttons are left
-    /// out where the service has none.
+    /// `failed` runs later, once, where nobody shows the note within its patience. A service that
+    /// is slower than that may show it all the same, and then it is a note like any other. Buttons
+    /// are left out where the service has none.
     Number show(const DesktopNote& note, std::function<void()> failed = {});
 
     /// Takes a note off the screen; does nothing for one that is gone.
@@ -77,10 +80,13 @@ private:
         DesktopNote note;
         std::function<void()> failed;
         bool isWithdrawn = false;
+        bool isSent = false;  // the service may show it
     };
     void send(Number number, const QStringList& capabilities);
     void sent(Number number, const QDBusMessage& answer);
+    void giveUp(Number number);
     void fail(Number number);
+    static void tellFailure(Sending& sending);
     void close(const Shown& shown);
     [[nodiscard]] Number numberOf(const QDBusMessage& message) const;
 

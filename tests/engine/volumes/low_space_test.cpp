@@ -57,7 +57,7 @@ TEST(LowSpace, OnlyDisksOfPeopleThatAnswerAreWarnedOf) {
     LowSpace rule;
     EXPECT_EQ(rootsOf(rule.take(look, 10)), "/ /x ");
     rule.wasNotTold("/x");
-    EXPECT_EQ(rootsOf(rule.take(look, 10)), "") << "not at every look";
+    EXPECT_EQ(rootsOf(rule.take(look, 10)), "") << "not at once";
     EXPECT_EQ(rootsOf(LowSpace(rule.remembered()).take(look, 10)), "/x ")
         << "but at the next start";
     EXPECT_EQ(rootsOf(rule.take({}, 10)), "");
@@ -73,11 +73,63 @@ TEST(LowSpace, RootsOfAnyBytesAreKeptAndGarbageIsLeftOut) {
     EXPECT_EQ(LowSpace("  /a %zz / %2 x %2Fb %").remembered(), "/a / /b");
     std::string many;
     for (int i = 0; i < 70; ++i) many += fmt::format("/{} ", i);
-    EXPECT_TRUE(LowSpace(many).remembered().ends_with("/63"));
+    EXPECT_TRUE(LowSpace(many).remembered().ends_with("/69"));
     std::vector<SeenVolume> look;
     for (int i = 0; i < 70; ++i) look.push_back(volume(fmt::format("/{}", i), 1));
     EXPECT_EQ(rule.take(look, 10).size(), 70U);
-    EXPECT_TRUE(rule.remembered().starts_with("/6 ")) << "the oldest go";
+    EXPECT_TRUE(rule.remembered().starts_with("/0 ")) << "who is away goes";
+    EXPECT_EQ(rule.take(look, 10).size(), 0U);
+    EXPECT_EQ(LowSpace(rule.remembered()).take(look, 10).size(), 0U);
+    look.erase(look.begin() + 1, look.end());
+    EXPECT_EQ(rule.take(look, 10).size(), 0U);
+    EXPECT_TRUE(rule.remembered().starts_with("/0 /7 ")) << "of those the oldest";
+}
+
+TEST(LowSpace, AWarningThatNobodyShowedIsRepeatedMoreAndMoreSeldom) {
+    using namespace std::chrono_literals;
+    const std::vector<SeenVolume> look{volume("/", 1)};
+    const LowSpace::Clock::time_point begin{};
+    const struct {
+        std::chrono::seconds at;
+        bool isDue;
+    } steps[] = {{0min, true}, {299s, false},  {300s, true}, {899s, false},
+                 {900s, true}, {2099s, false}, {2100s, true}};
+    LowSpace rule;
+    for (const auto& step : steps) {
+        EXPECT_EQ(rule.take(look, 10, begin + step.at).size(), step.isDue ? 1U : 0U)
+            << step.at.count();
+        if (!step.isDue) continue;
+        EXPECT_EQ(rule.remembered(), "/");
+        if (step.at < 2100s) rule.wasNotTold("/", begin + step.at);
+    }
+    EXPECT_EQ(rule.take(look, 10, begin + 999h).size(), 0U) << "shown in the end";
+}
+
+TEST(LowSpace, AnotherDiskAtTheSameRootIsWarnedOfToo) {
+    const auto disk = [](std::int16_t number, const char* name, std::uint64_t total) {
+        ZvVolumeInfo info = *volume("/mnt", 1).record;
+        info.volRefNumber = number;
+        info.volumeName = name;
+        info.nTotalSize = total;
+        return SeenVolume{std::make_shared<ZvVolumeInfo>(info)};
+    };
+    const struct {
+        const char* what;
+        std::vector<SeenVolume> look;
+        std::size_t due;
+    } steps[] = {
+        {"known from before the start", {disk(1, "a", 1000)}, 0},
+        {"renamed and grown where it stands", {disk(1, "b", 1001)}, 0},
+        {"away", {}, 0},
+        {"the same again", {disk(2, "b", 1001)}, 0},
+        {"another size", {disk(3, "b", 2000)}, 1},
+        {"another name", {disk(4, "c", 2000)}, 1},
+        {"one over the other", {disk(4, "c", 2000), disk(5, "d", 2000)}, 0},
+        {"one over the other", {disk(4, "c", 2000), disk(5, "d", 2000)}, 0},
+    };
+    LowSpace rule("/mnt");
+    for (const auto& step : steps)
+        EXPECT_EQ(rule.take(step.look, 10).size(), step.due) << step.what;
 }
 
 }  // namespace

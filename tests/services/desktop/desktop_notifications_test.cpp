@@ -2,6 +2,7 @@
 #include "services/desktop/DesktopNotifications.h"
 
 #include <QDBusConnectionInterface>
+#include <QDBusContext>
 #include <QProcess>
 #include <QStandardPaths>
 
@@ -19,7 +20,7 @@ QString operator""_s(const char* text, std::size_t size) {
 }
 
 // The service: what it was asked for, and what it can.
-class NotificationService final : public QObject {
+class NotificationService final : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
 public:
@@ -32,6 +33,13 @@ public:
     QStringList capabilities;
     std::vector<Note> notes;
     std::vector<uint> closedIds;
+    bool isSlow = false;  // answers no note before answerAll()
+    std::vector<QDBusMessage> unanswered;
+
+    void answerAll(const QDBusConnection& bus) {
+        uint id = 6;
+        for (const QDBusMessage& each : unanswered) EXPECT_TRUE(bus.send(each.createReply(++id)));
+    }
 
 public Q_SLOTS:
     QStringList GetCapabilities() { return capabilities; }
@@ -39,6 +47,8 @@ public Q_SLOTS:
                 const QString& summary, const QString& body, const QStringList& actions,
                 const QVariantMap& hints, int timeout) {
         notes.push_back({summary, body, actions, hints, timeout});
+        setDelayedReply(isSlow);
+        if (isSlow) unanswered.push_back(message());
         return static_cast<uint>(notes.size()) + 6;
     }
     void CloseNotification(uint id) {
@@ -175,6 +185,33 @@ TEST_F(DesktopNotificationsTest, WhereNobodyShowsItThatIsToldOnce) {
     waiting->show({.title = "a"_s}, [] { FAIL() << "there is nobody left to be told"; });
     waiting.reset();
     EXPECT_FALSE(serveUntil([&] { return failures > 2; }, 1));
+}
+
+// It counts as not shown, and yet its buttons work and it can be taken away.
+TEST_F(DesktopNotificationsTest, ANoteThatComesLateLives) {
+    auto bus = startService();
+    service.isSlow = true;
+    DesktopNotifications notifications(own());
+    std::vector<std::string> heard;
+    QObject::connect(&notifications, &DesktopNotifications::actionInvoked, &notifications,
+                     [&](auto number, const QString& key) {
+                         heard.push_back(std::to_string(number) + ' ' + key.toStdString());
+                     });
+    DesktopNote note{.title = "late"_s};
+    note.patience = std::chrono::milliseconds(300);
+    const auto kept = notifications.show(note, [&] { heard.emplace_back("kept failed"); });
+    ASSERT_TRUE(serveUntil([&] { return service.unanswered.size() == 1; }));
+    const auto dropped = notifications.show(note, [&] { heard.emplace_back("dropped failed"); });
+    ASSERT_TRUE(serveUntil([&] { return heard.size() == 2; }));
+    EXPECT_EQ(heard, (std::vector<std::string>{"kept failed", "dropped failed"}));
+    ASSERT_EQ(service.unanswered.size(), 2U);
+    notifications.withdraw(dropped);
+    service.answerAll(bus);
+    EXPECT_TRUE(serveUntil([&] { return !service.closedIds.empty(); }));
+    EXPECT_EQ(service.closedIds, std::vector<uint>{8});
+    Q_EMIT service.ActionInvoked(7, "default"_s);
+    EXPECT_TRUE(serveUntil([&] { return heard.size() == 3; }));
+    EXPECT_EQ(heard.back(), std::to_string(kept) + " default");
 }
 
 // A server that people use: it counts what it shows, and its own closing is heard.
