@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "cli/NotedVolumes.h"
 #include "cli/Output.h"
@@ -38,12 +39,14 @@ private:
 };
 
 // Waits for a change of the table of mounts or for the time to look at figures; false when the bell
-// has been rung.
+// has been rung, or when nobody reads what is told.
 bool waitForNews(int mounts, const Bell& bell) {
     constexpr int betweenLooks = 2000;  // milliseconds
-    std::array<pollfd, 2> waits{{{bell.descriptor(), POLLIN, 0}, {mounts, POLLPRI, 0}}};
+    std::array<pollfd, 3> waits{
+        {{bell.descriptor(), POLLIN, 0}, {STDOUT_FILENO, 0, 0}, {mounts, POLLPRI, 0}}};
     ::poll(waits.data(), waits.size(), betweenLooks);
-    return (waits[0].revents & POLLIN) == 0;
+    const bool hasReader = (waits[1].revents & (POLLERR | POLLHUP | POLLNVAL)) == 0;
+    return hasReader && (waits[0].revents & POLLIN) == 0;
 }
 
 }  // namespace
@@ -71,7 +74,8 @@ Status VolumesCommand::watch(const Arguments& arguments) {
     const SearchWatch watch([&bell] { bell.ring(); }, {}, Telling::Nothing);
     const auto print = arguments.has("json") ? &printVolumeEventJson : &printVolumeEvent;
     do {
-        for (const VolumeEvent& each : events.take(look.take())) print(out, each);
+        const std::vector<SeenVolume> seen = look.take();
+        for (const VolumeEvent& each : events.take(seen, look.neverAnswered())) print(out, each);
     } while (out.flush() && waitForNews(mounts.get(), bell));
     return finish(out, {}, watch.ending());
 }

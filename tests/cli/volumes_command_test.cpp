@@ -141,5 +141,12 @@ TEST_F(VolumesCommand, TheWatchTellsEachEventAtOnceOnALineOfItsOwn) {
     EXPECT_EQ(line, "130") << "ended by the signal";
 }
 
+// Nothing happens to the volumes meanwhile, so that only the reader's going can end it.
+TEST_F(VolumesCommand, TheWatchEndsWhenItsReaderDoes) {
+    const auto result =
+        volumesRun("", "sh -c '{ timeout 10 " + program + "--watch; echo $? >&2; } | true'");
+    EXPECT_EQ(result.error, "0\n");
+}
+
 }  // namespace
 }  // namespace orrinvale::testing

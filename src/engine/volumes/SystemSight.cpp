@@ -105,6 +105,7 @@ std::vector<SeenVolume> VolumeLook::take() {
     const VolumesInfo::VolumeArray& records =
         m_info ? m_info->getAllVolsInfo() : m_info.emplace(*m_notes).volsArray();
     const SystemSight last{std::exchange(m_last, {}), {}, {}};
+    m_neverAnswered.clear();
     auto record = records.begin();
     for (const RowNotes::Row& row : m_notes->rows) {
         const bool hasRecord =
@@ -113,6 +114,7 @@ std::vector<SeenVolume> VolumeLook::take() {
         if (hasRecord || row.silence.empty()) continue;
         if (const SeenVolume* const known = findVolume(last, row.refNumber, row.root))
             m_last.push_back({known->record, row.silence});
+        else m_neverAnswered.push_back({row.refNumber, row.root});
     }
     return m_last;
 }

@@ -3,6 +3,7 @@
 // that show volumes.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -22,6 +23,13 @@ struct SeenVolume {
     /// Why it did not answer, in the system's English words; empty when it did. The record is that
     /// of its last answer then.
     std::string silence{};
+};
+
+/// Where a mount stands.
+struct VolumePlace {
+    std::int16_t refNumber = 0;
+    std::string root;  ///< exact bytes
+    friend bool operator==(const VolumePlace&, const VolumePlace&) = default;
 };
 
 /// Of a part that nobody wanted to know the last look is kept, or there is nothing.
@@ -59,12 +67,16 @@ public:
     /// Waits for the platform as a walk of VolumesInfo does.
     [[nodiscard]] std::vector<SeenVolume> take();
 
+    /// Who stood at the last look, did not answer, and never has.
+    [[nodiscard]] const std::vector<VolumePlace>& neverAnswered() const { return m_neverAnswered; }
+
 private:
     class RowNotes;
 
     const std::unique_ptr<RowNotes> m_notes;
     std::optional<VolumesInfo> m_info;  // from the first look on
     std::vector<SeenVolume> m_last;
+    std::vector<VolumePlace> m_neverAnswered;
 };
 
 }  // namespace orrinvale

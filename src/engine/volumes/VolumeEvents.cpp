@@ -15,6 +15,10 @@ const SeenVolume* sameIn(const SystemSight& sight, const ZvVolumeInfo& volume) {
     return findVolume(sight, volume.volRefNumber, volume.volRootDir);
 }
 
+bool has(const std::vector<VolumePlace>& places, const VolumePlace& place) {
+    return std::ranges::find(places, place) != places.end();
+}
+
 }  // namespace
 
 bool VolumeEvents::hasMoved(const ZvVolumeInfo& before, const ZvVolumeInfo& now) const {
@@ -25,17 +29,25 @@ bool VolumeEvents::hasMoved(const ZvVolumeInfo& before, const ZvVolumeInfo& now)
                          isShortOfSpace(old, m_level) != isShortOfSpace(space, m_level));
 }
 
-std::vector<VolumeEvent> VolumeEvents::take(const std::vector<SeenVolume>& now) {
+std::vector<VolumeEvent> VolumeEvents::take(const std::vector<SeenVolume>& now,
+                                            const std::vector<VolumePlace>& neverAnswered) {
     const SystemSight sight{now, {}, {}};
     const SystemSight before = std::exchange(m_told, sight);
+    const SystemSight last = std::exchange(m_last, sight);
     std::vector<VolumeEvent> events;
-    if (std::exchange(m_isFirst, false)) return events;
-    for (const SeenVolume& each : before.volumes)
+    if (std::exchange(m_isFirst, false)) {
+        m_asleep = neverAnswered;
+        return events;
+    }
+    const std::vector<VolumePlace> asleep = m_asleep;
+    std::erase_if(m_asleep, [&](const VolumePlace& each) { return !has(neverAnswered, each); });
+    for (const SeenVolume& each : last.volumes)
         if (sameIn(sight, *each.record) == nullptr) events.push_back({Kind::Unmount, each.record});
     for (SeenVolume& each : m_told.volumes) {
         const SeenVolume* const known = sameIn(before, *each.record);
         if (known == nullptr) {
-            events.push_back({Kind::Mount, each.record});
+            const VolumePlace place{each.record->volRefNumber, each.record->volRootDir};
+            if (!has(asleep, place)) events.push_back({Kind::Mount, each.record});
             continue;
         }
         if (known->record->volumeName != each.record->volumeName)

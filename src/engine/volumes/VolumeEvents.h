@@ -29,15 +29,19 @@ public:
     explicit VolumeEvents(float level) : m_level(level) {}
 
     /// What went, then what came or changed, each in the platform's order. Nothing at the first
-    /// look. A volume that does not answer has neither gone nor changed.
-    [[nodiscard]] std::vector<VolumeEvent> take(const std::vector<SeenVolume>& now);
+    /// look. A volume that does not answer has neither gone nor changed. One that has not answered
+    /// since the first look (VolumeLook::neverAnswered()) has not come when it does.
+    [[nodiscard]] std::vector<VolumeEvent> take(const std::vector<SeenVolume>& now,
+                                                const std::vector<VolumePlace>& neverAnswered = {});
 
 private:
     [[nodiscard]] bool hasMoved(const ZvVolumeInfo& before, const ZvVolumeInfo& now) const;
 
     const float m_level;
     bool m_isFirst = true;
-    SystemSight m_told;  // the record with which each was told last
+    SystemSight m_told;                 // the record with which each was told last
+    SystemSight m_last;                 // of the same volumes the newest record
+    std::vector<VolumePlace> m_asleep;  // who has not answered since the first look
 };
 
 }  // namespace orrinvale

@@ -1,6 +1,7 @@
 // What is told of the volumes between two looks.
 #include "engine/volumes/VolumeEvents.h"
 
+#include "platform/fake/FakeVolumes.h"
 #include "support/test.h"
 
 namespace orrinvale {
@@ -35,7 +36,8 @@ TEST(VolumeEvents, LooksAreToldByWhatDiffersFromWhatWasTold) {
         {"root 1 / 4801\nkey 2 /s 1100\n", "rename key 1100;"},
         {"root 1 / 4801\nkey 2 /s 1100\n", ""},
         {"root 1 / 4800\nkey 3 /s 1100\n", "unmount key 1100;free root 4800;mount key 1100;"},
-        {"root 1 / 4800\n", "unmount key 1100;"},
+        {"root 1 / 4800\nkey 3 /s 1150\n", ""},
+        {"root 1 / 4800\n", "unmount key 1150;"},  // as it was seen last
         {"", "unmount root 4800;"},
     };
     constexpr std::array names{"mount", "unmount", "rename", "free"};
@@ -46,6 +48,35 @@ TEST(VolumeEvents, LooksAreToldByWhatDiffersFromWhatWasTold) {
                                 each.volume->volumeName, each.volume->nFreeSize);
         EXPECT_EQ(told, step.told) << step.look;
     }
+}
+
+// Who slept when the watch began has not come when it wakes; who came asleep has.
+TEST(VolumeEvents, AFirstAnswerIsNoMountOfWhatStoodFromTheStart) {
+    FakeVolumes platform;
+    platform.volumes = {FakeVolumes::volume(1, "root", "/", false),
+                        FakeVolumes::volume(2, "nas", "/nas", true)};
+    platform.volumes[1].infoStatus = ioErr;
+    VolumeLook look(platform);
+    VolumeEvents events(10.0F);
+    const auto told = [&] {
+        const std::vector<SeenVolume> seen = look.take();
+        std::string text;
+        for (const VolumeEvent& each : events.take(seen, look.neverAnswered()))
+            text += fmt::format("{} {};", static_cast<int>(each.kind), each.volume->volumeName);
+        return text;
+    };
+    EXPECT_EQ(told(), "");
+    EXPECT_EQ(look.neverAnswered(), (std::vector<VolumePlace>{{2, "/nas"}}));
+    EXPECT_EQ(told(), "") << "still asleep";
+    platform.volumes[1].infoStatus = noErr;
+    platform.volumes.push_back(FakeVolumes::volume(3, "late", "/late", true));
+    platform.volumes[2].infoStatus = ioErr;
+    EXPECT_EQ(told(), "");
+    EXPECT_TRUE(look.neverAnswered() == (std::vector<VolumePlace>{{3, "/late"}}));
+    platform.volumes[2].infoStatus = noErr;
+    EXPECT_EQ(told(), "0 late;");
+    platform.volumes.resize(1);
+    EXPECT_EQ(told(), "1 nas;1 late;");
 }
 
 }  // namespace
