@@ -30,6 +30,8 @@ QWidget* openWindowOf(const BubbleGround& ground) {
     return ground.openWindow ? ground.openWindow() : nullptr;
 }
 
+void log(const QStringList& lines) { Log::line(lines.join(QStringLiteral("; ")).toStdString()); }
+
 }  // namespace
 
 BubblePlace bubblePlace(DesktopFacts::Server server, bool hasNotifications, bool hasOpenWindow) {
@@ -65,9 +67,7 @@ void StandingBubble::show(BubblePlace place, std::unique_ptr<BubbleContent> cont
         case BubblePlace::Screen: showWindow(std::move(content), nullptr); break;
         case BubblePlace::Notification: notify(*content); break;
         case BubblePlace::Window: showWindow(std::move(content), openWindowOf(m_ground)); break;
-        case BubblePlace::Log:
-            Log::line(content->lines().join(QStringLiteral("; ")).toStdString());
-            break;
+        case BubblePlace::Log: log(content->lines()); break;
     }
 }
 
@@ -86,15 +86,20 @@ void StandingBubble::showWindow(std::unique_ptr<BubbleContent> content, QWidget*
 }
 
 // Passed on as words: the desktop has its own place, look and time for them. Where nobody shows
-// them after all, the open window does.
+// them after all, the open window does, for most of the bubble's life.
 void StandingBubble::notify(const BubbleContent& content) {
     const QStringList lines = content.lines();
     DesktopNote note;
     note.title = lines.value(0);
     note.body = lines.mid(1).join(QLatin1Char('\n'));
     note.milliseconds = static_cast<int>(m_ground.lifetime.count());
-    m_ground.notifications->show(note, [self = QPointer<StandingBubble>(this), lines] {
-        if (!self) return;
+    note.patience = m_ground.lifetime / 3;
+    m_note = m_ground.notifications->show(note, [self = QPointer<StandingBubble>(this), lines] {
+        if (!self) {
+            log(lines);
+            return;
+        }
+        self->m_ground.notifications->withdraw(self->m_note);  // a slow service shows it yet
         const bool hasWindow = openWindowOf(self->m_ground) != nullptr;
         self->show(hasWindow ? BubblePlace::Window : BubblePlace::Log,
                    std::make_unique<BubbleContent>(lines));

@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 
@@ -64,6 +65,7 @@ private:
     const BubbleGround m_ground;
     MAAttachedWindowDelegate* const m_delegate;
     const int m_place;                    // in its series, from 0 on
+    std::uint64_t m_note = 0;             // where the desktop shows it
     QPointer<MAAttachedWindow> m_window;  // ends with the window that it lies in
 };
 

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <any>
+#include <cmath>
 
 #include "engine/text/Localized.h"
 #include "engine/volumes/ZvVolumeInfo.h"
@@ -27,8 +28,10 @@ QString lineOf(const char* key, const std::string& figure) {
 }  // namespace
 
 HomeDisk HomeDisk::of(const ZvVolumeInfo& boot, float spaceAlarm) {
-    return {boot.nFreeSize, spaceOf(boot).total,
-            static_cast<std::int32_t>(warningLevel(spaceAlarm))};
+    // No level that a person can set lies outside, and a float beyond an integer has no integer.
+    constexpr float most = 1'000'000;
+    const float level = std::fmin(std::fmax(warningLevel(spaceAlarm), -most), most);
+    return {boot.nFreeSize, spaceOf(boot).total, static_cast<std::int32_t>(level)};
 }
 
 bool HomeDisk::getWarningValue() const {

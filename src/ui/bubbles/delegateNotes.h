@@ -21,7 +21,7 @@ namespace orrinvale {
 struct HomeDisk {
     std::uint64_t homeDiskFreeSpace = 0;    ///< bytes
     std::uint64_t homeDiskTotoleSpace = 0;  ///< bytes, as spaceOf() has them
-    std::int32_t homeDiskWarningSize = 0;   ///< per cent, truncated
+    std::int32_t homeDiskWarningSize = 0;   ///< per cent, truncated, a million at most
 
     /// `spaceAlarm` is the setting "SpaceAlarm".
     [[nodiscard]] static HomeDisk of(const ZvVolumeInfo& boot, float spaceAlarm);

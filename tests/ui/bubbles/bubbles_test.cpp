@@ -1,4 +1,5 @@
 // Bubbles: their counters, where they stack, and how long they stay; then their pixels on a server.
+#include <QDBusVirtualObject>
 #include <QImage>
 #include <QLabel>
 #include <QStandardPaths>
@@ -97,7 +98,19 @@ TEST_F(BubblesTest, StandWhereTheDesktopLetsThem) {
         EXPECT_EQ(bubblePlace(each.server, each.hasNotifications, each.hasWindow), each.place);
 }
 
-// A session bus on which nobody shows notes, and a window to lie in, or none.
+// Takes calls and never answers.
+class SilentService final : public QDBusVirtualObject {
+public:
+    [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
+    bool handleMessage(const QDBusMessage& /*message*/, const QDBusConnection& /*bus*/) override {
+        ++calls;
+        return true;
+    }
+    int calls = 0;
+};
+
+// A session bus on which nobody shows notes, and a window to lie in, or none; then a service that
+// hangs.
 TEST_F(BubblesTest, ANoteThatNobodyShowsLiesInTheWindowOrStandsInTheLog) {
     PrivateBus bus;
     if (bus.address.isEmpty()) GTEST_SKIP() << "no dbus-daemon here";
@@ -126,7 +139,20 @@ TEST_F(BubblesTest, ANoteThatNobodyShowsLiesInTheWindowOrStandsInTheLog) {
                             ground);
     EXPECT_SOON(!log.lines.empty());
     EXPECT_EQ(log.lines, std::vector<std::string>{"Files removed: 3; 1 GB"});
-    QDBusConnection::disconnectFromBus(QStringLiteral("bubbles"));
+
+    SilentService silent;
+    auto service = QDBusConnection::connectToBus(bus.address, QStringLiteral("silent"));
+    ASSERT_TRUE(
+        service.registerVirtualObject(QStringLiteral("/"), &silent, QDBusConnection::SubPath));
+    ASSERT_TRUE(service.registerService(QStringLiteral("org.freedesktop.Notifications")));
+    ground.lifetime = std::chrono::milliseconds(600);
+    BubbleView lives(words("lives"), ground);
+    { const BubbleView went(words("went"), ground); }
+    EXPECT_SOON(!lives.isStanding());
+    EXPECT_EQ(silent.calls, 2);
+    EXPECT_THAT(log.lines, ::testing::IsSupersetOf({"lives", "went"}));
+    for (const char* const name : {"bubbles", "silent"})
+        QDBusConnection::disconnectFromBus(QLatin1String(name));
 }
 
 TEST_F(BubblesTest, ALookThatChangesMovesTheWindow) {

@@ -45,6 +45,8 @@ TEST(DelegateNotes, TheBootVolumeGivesTheDiscAndTheWarning) {
     EXPECT_FALSE(HomeDisk{}.getWarningValue()) << "not seen yet";
     ZvVolumeInfo empty;
     EXPECT_FALSE(HomeDisk::of(empty, 1).getWarningValue());
+    EXPECT_EQ(HomeDisk::of(empty, 1e30F).homeDiskWarningSize, 1'000'000);
+    EXPECT_EQ(HomeDisk::of(empty, std::nanf("")).homeDiskWarningSize, -1'000'000);
     EXPECT_TRUE(statusImage(&empty, 1).isNull());
     EXPECT_EQ(statusFrame(Rect{0, 0, 1920, 1080}), QPointF(1720, 1070));
     EXPECT_EQ(on.delegate->getStatusFrame(), QPointF(-200, -10)) << "no screen";
