@@ -89,8 +89,8 @@
         <translation>Der freie Platz wuchs nicht</translation>
     </message>
     <message>
-        <source>Less than promised: files are still open, or snapshots and shared copies hold what went, or others have written meanwhile.</source>
-        <translation>Weniger als erwartet: Dateien sind noch geöffnet, Schnappschüsse oder geteilte Kopien halten fest, was entfernt wurde, oder es wurde inzwischen Neues geschrieben.</translation>
+        <source>Less than promised: files were compressed or are still open, or snapshots and shared copies hold what went, or others have written meanwhile.</source>
+        <translation>Weniger als erwartet: Dateien waren komprimiert oder sind noch geöffnet, Schnappschüsse oder geteilte Kopien halten fest, was entfernt wurde, oder es wurde inzwischen Neues geschrieben.</translation>
     </message>
     <message>
         <source>Nothing to clean in %1. Choose others on the Clean page.</source>

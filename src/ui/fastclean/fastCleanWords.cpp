@@ -104,7 +104,8 @@ QString shortfallReason(const FastCleanResult& result) {
         static_cast<double>(*result.gained) >= enough * static_cast<double>(result.promised))
         return {};
     return Words::tr(
-        "Less than promised: files are still open, or snapshots and shared copies hold what "
+        "Less than promised: files were compressed or are still open, or snapshots and shared "
+        "copies hold what "
         "went, or others have written meanwhile.");
 }
 
