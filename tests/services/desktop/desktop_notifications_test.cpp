@@ -36,7 +36,8 @@ public:
     bool isSlow = false;  // answers no note before answerAll()
     std::vector<QDBusMessage> unanswered;
 
-    void answerAll(const QDBusConnection& bus) {
+    void answerAll() {
+        const QDBusConnection bus("service"_s);
         uint id = 6;
         for (const QDBusMessage& each : unanswered) EXPECT_TRUE(bus.send(each.createReply(++id)));
     }
@@ -189,7 +190,7 @@ TEST_F(DesktopNotificationsTest, WhereNobodyShowsItThatIsToldOnce) {
 
 // It counts as not shown, and yet its buttons work and it can be taken away.
 TEST_F(DesktopNotificationsTest, ANoteThatComesLateLives) {
-    auto bus = startService();
+    startService();
     service.isSlow = true;
     DesktopNotifications notifications(own());
     std::vector<std::string> heard;
@@ -206,7 +207,7 @@ TEST_F(DesktopNotificationsTest, ANoteThatComesLateLives) {
     EXPECT_EQ(heard, (std::vector<std::string>{"kept failed", "dropped failed"}));
     ASSERT_EQ(service.unanswered.size(), 2U);
     notifications.withdraw(dropped);
-    service.answerAll(bus);
+    service.answerAll();
     EXPECT_TRUE(serveUntil([&] { return !service.closedIds.empty(); }));
     EXPECT_EQ(service.closedIds, std::vector<uint>{8});
     Q_EMIT service.ActionInvoked(7, "default"_s);
