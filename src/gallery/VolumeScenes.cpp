@@ -21,6 +21,7 @@
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/look/picture.h"
 #include "ui/preferences/AppPrefsWindowController.h"
+#include "ui/tray/StatusMenu.h"
 #include "ui/volumes/FreeSpacePage.h"
 
 namespace orrinvale {
@@ -125,6 +126,28 @@ bool drawTroubles(UserDefaults& defaults, const PictureFolder& pictures) {
     return isSaved;
 }
 
+// The menu of the status item, with a server that fell silent and a stick that is being ejected.
+bool drawTrayMenu(UserDefaults& defaults, const PictureFolder& pictures) {
+    Machine& machine = *new Machine(7);
+    VolumeLook look(machine.platform);
+    static_cast<void>(look.take());
+    machine.platform.volumes[3].infoStatus = ioErr;
+    const auto nothing = [] {};
+    StatusMenu menu({.defaults = &defaults,
+                     .memory = nullptr,
+                     .actions = {.eject = {},
+                                 .openVolume = {},
+                                 .rejestAllDisk = nothing,
+                                 .openMainWindow = nothing,
+                                 .showMainWindowWhenClickMenuItem = nothing,
+                                 .quit = nothing}});
+    menu.updateDataForMenuItem({look.take(), {}, {}});
+    StatusMenu::viewOf(menu.itemWithTitle(QStringLiteral("3")))->setEjecting(true);
+    menu.menu()->show();
+    QApplication::processEvents();
+    return pictures.save(QStringLiteral("tray-menu"), menu.menu()->grab());
+}
+
 // A piece of a desktop with bubbles in its corner, and a window that points at something.
 class Desktop final : public QWidget {
 public:
@@ -203,6 +226,8 @@ bool drawVolumes(UserDefaults& defaults, const PictureFolder& pictures,
     for (const std::size_t count : {1U, 4U, 5U, 12U})
         if (wanted.isEmpty() || wanted.contains(QStringLiteral("free-space")))
             if (!drawPage(defaults, pictures, count)) return false;
+    const bool drawsMenu = wanted.isEmpty() || wanted.contains(QStringLiteral("tray-menu"));
+    if (drawsMenu && !drawTrayMenu(defaults, pictures)) return false;
     return !wanted.isEmpty() ||
            (drawTroubles(defaults, pictures) && drawBubbles(pictures) && drawDiscs(pictures));
 }

@@ -1,5 +1,5 @@
-// VolumeScenes: the page "Free Space" with few and with many volumes, and bubbles on a light and a
-// dark desktop.
+// VolumeScenes: the page "Free Space" with few and with many volumes, bubbles on a light and a dark
+// desktop, and the menu of the status item.
 #pragma once
 
 #include <QSet>

@@ -80,9 +80,9 @@ bool drawSheet(const PictureFolder& pictures, NotificationCenter& notifications)
 QSet<QString> wantedScenes(const Order& order) {
     if (!order.isDark && !order.isLarge) return {};
     if (order.isDark && !order.isLarge)
-        return {QStringLiteral("first"),     QStringLiteral("progress"), QStringLiteral("detail"),
-                QStringLiteral("question"),  QStringLiteral("failure"),  QStringLiteral("menu"),
-                QStringLiteral("free-space")};
+        return {QStringLiteral("first"),      QStringLiteral("progress"), QStringLiteral("detail"),
+                QStringLiteral("question"),   QStringLiteral("failure"),  QStringLiteral("menu"),
+                QStringLiteral("free-space"), QStringLiteral("tray-menu")};
     return {QStringLiteral("first"), QStringLiteral("detail")};
 }
 
