@@ -49,11 +49,6 @@ class Session:
     def x(self, *command):
         return subprocess.run(command, env=self.environment, capture_output=True, text=True, check=False).stdout.split()
 
-    def act(self, action):
-        """As a further start asks, which could not come into the program's own root."""
-        self.x("dbus-send", "--session", "--print-reply", "--dest=com.kelpford.Orrinvale", "/com/kelpford/Orrinvale",
-               "org.freedesktop.Application.ActivateAction", "string:" + action, "array:variant:", "dict:string:variant:")
-
     def windows(self):
         return self.x("xdotool", "search", "--onlyvisible", "--class", "orrinvale")
 
@@ -123,7 +118,8 @@ def settle(session, start):
     until(session.windows)
     until(lambda: session.tell("items"))
     for page in PAGES:
-        session.act(page)
+        if failed := session.tell("start " + page):
+            raise RuntimeError(failed[0])
         time.sleep(0.5)
     session.x("xdotool", "key", "--window", session.windows()[0], "ctrl+0")
     time.sleep(1)

@@ -9,6 +9,7 @@ and answers each line with lines of its own, the last of which is a single dot:
   click ID          what a panel sends when an entry is clicked
   activate          a left click on the item
   layouts N         asks for the menu N times
+  start ACTION      what the program's desktop entry asks the running one for
 """
 import sys
 
@@ -141,6 +142,10 @@ class Panel:
             self.exported().Event(int(words[1]), "clicked", dbus.Int32(0, variant_level=1), dbus.UInt32(0), timeout=5)
         elif command == "activate":
             self.item(ITEM).Activate(0, 0, timeout=5)
+        elif command == "start":
+            program = self.bus.get_object("com.kelpford.Orrinvale", "/com/kelpford/Orrinvale", introspect=False)
+            program.ActivateAction(words[1], dbus.Array([], signature="v"), dbus.Dictionary({}, signature="sv"),
+                                   dbus_interface="org.freedesktop.Application", timeout=5)
         elif command == "layouts":
             for _ in range(int(words[1])):
                 list(self.menu())
