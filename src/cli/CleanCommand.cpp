@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 #include <pwd.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -69,6 +70,7 @@ std::optional<std::string> closedCategory(const std::vector<ScannedCategory>& sc
     return std::nullopt;
 }
 
+// What was typed before the question is no answer to it.
 bool isAgreed(const std::vector<ScannedCategory>& scanned) {
     std::size_t rows = 0;
     std::uint64_t bytes = 0;
@@ -76,6 +78,7 @@ bool isAgreed(const std::vector<ScannedCategory>& scanned) {
         rows += each.listing.rows.size();
         addSaturating(bytes, each.listing.bytes);
     }
+    ::tcflush(STDIN_FILENO, TCIFLUSH);
     Output(STDERR_FILENO)
         .write(fmt::format("Remove {} {}, {}, for good? [y/N] ", rows,
                            rows == 1 ? "entry" : "entries",
@@ -228,6 +231,8 @@ Status CleanCommand::run(const Arguments& arguments) {
         return badUsage("--remove wants to be told what, by --category");
     if (removes && !arguments.has("yes") && !isTerminal(STDIN_FILENO))
         return badUsage("--remove asks first, and there is no terminal to ask on; give --yes");
+    if (removes && !arguments.has("yes") && (arguments.has("json") || arguments.has("print0")))
+        return badUsage("with --json and -0 nothing is listed before the question; give --yes");
     if (const std::string objection = removes ? objectionTo(wanted) : std::string();
         !objection.empty()) {
         complain(objection);
@@ -237,7 +242,7 @@ Status CleanCommand::run(const Arguments& arguments) {
     const Status status = removes && scanned.ending == Ending::Whole ? remove(arguments, scanned)
                                                                      : print(arguments, scanned);
     // The thread that waits would use what is taken down behind it.
-    if (scanned.isSilent) std::_Exit(static_cast<int>(Status::SomeSkipped));
+    if (scanned.isSilent) std::_Exit(static_cast<int>(std::max(status, Status::SomeSkipped)));
     return status;
 }
 

@@ -100,8 +100,12 @@ CleanRemovalResult removeRows(const CleanParts& parts, const std::vector<Scanned
         result.ending = watch.ending();
     }
     for (std::size_t row = 0; row < list->rows().size(); ++row)
-        if (list->isDone(row)) result.outcome.removed.push_back(list->rows()[row].path);
+        if (list->isDone(row) && list->isBegun(row))
+            result.outcome.removed.push_back(list->rows()[row].path);
+    const std::uint64_t stayed = ending->failedEntries + ending->kept;
     result.outcome.failed = std::move(ending->stayed);
+    result.outcome.more = std::max<std::uint64_t>(stayed, result.outcome.failed.size()) -
+                          result.outcome.failed.size();
     result.goneBytes = list->goneBytes();
     // Of many that stay the ending tells the first; the list has seen all that it came to.
     result.isWhole = !list->hasFailed() &&

@@ -81,10 +81,11 @@ void appendOutcome(std::string& out, const CleanOutcome& outcome) {
         appendJsonPath(text, each.path);
         text += ", \"reason\": ";
         appendJsonText(text, each.reason);
-        text += '}';
+        text += fmt::format(", \"byRule\": {}}}", isByRule(each.kind));
     });
-    out += outcome.gained ? fmt::format("],\n  \"gained\": {}", *outcome.gained)
-                          : "],\n  \"gained\": null";
+    out += fmt::format("],\n  \"failedCount\": {},\n  \"gained\": ",
+                       outcome.failed.size() + outcome.more);
+    out += outcome.gained ? std::to_string(*outcome.gained) : "null";
 }
 
 struct Style {
@@ -151,8 +152,8 @@ void printCategory(Output& out, const ScannedCategory& scanned, std::int64_t now
     printRows(out, listing, now, style);
     printKept(out, listing, style);
     for (const auto& closed : listing.closed)
-        out.write(fmt::format("{:>12}  {}left alone, {}: {}{}\n", "", style.faint, closed.reason,
-                              printable(closed.path), style.plain));
+        out.write(fmt::format("{:>12}  {}left alone, {}: {}{}\n", "", style.faint,
+                              printable(closed.reason), printable(closed.path), style.plain));
 }
 
 }  // namespace
@@ -219,6 +220,7 @@ void printCleanListing(Output& out, const std::vector<ScannedCategory>& scanned,
 void printCleanOutcome(Output& out, const CleanOutcome& outcome) {
     for (const StayedEntry& each : outcome.failed)
         out.write(fmt::format("stayed, {}: {}\n", each.reason, printable(each.path)));
+    if (outcome.more > 0) out.write(fmt::format("stayed as well: {} more\n", outcome.more));
     out.write(fmt::format("Removed {}. ", counted(outcome.removed.size(), "entry", "entries")));
     if (!outcome.gained) {
         out.write(fmt::format("Promised {}; the free space can not be told.\n",

@@ -25,6 +25,7 @@ struct ScannedCategory {
 struct CleanOutcome {
     std::vector<std::string> removed;  ///< paths that are gone
     std::vector<StayedEntry> failed;   ///< what stayed, by rules or not
+    std::uint64_t more = 0;            ///< entries that stayed beside those
     std::uint64_t promised = 0;
     std::optional<std::int64_t> gained;  ///< growth of free space; nothing where it was not told
 };

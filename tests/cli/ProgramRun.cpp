@@ -63,6 +63,7 @@ std::vector<std::string> environmentOf(const ProgramRun& run) {
 struct Plan {
     const char* folder;
     int program;
+    int input;   // -1 for an empty one
     int output;  // -1 to close it
     int error;
     char* const* arguments;
@@ -71,8 +72,8 @@ struct Plan {
 
 [[noreturn]] void becomeProgram(const ProgramRun& run, const Plan& plan) {
     constexpr int cannotStart = 125;
-    const int empty = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
-    bool good = ::chdir(plan.folder) == 0 && ::dup2(empty, STDIN_FILENO) == STDIN_FILENO;
+    const int input = plan.input >= 0 ? plan.input : ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    bool good = ::chdir(plan.folder) == 0 && ::dup2(input, STDIN_FILENO) == STDIN_FILENO;
     if (plan.output >= 0) good = good && ::dup2(plan.output, STDOUT_FILENO) == STDOUT_FILENO;
     else ::close(STDOUT_FILENO);
     good = good && ::dup2(plan.error, STDERR_FILENO) == STDERR_FILENO;
@@ -100,10 +101,11 @@ bool readSome(int from, std::string& into) {
 
 class Watch final {
 public:
-    Watch(const ProgramRun& run, pid_t child) : m_run(run), m_child(child) {}
+    Watch(const ProgramRun& run, int input) : m_run(run), m_input(input) {}
 
-    // Reads until both streams are at their end, and sends the signals meanwhile.
-    void follow(int output, int error, ProgramRun::Result& result) {
+    // Reads until both streams of the child are at their end; sends signals and types meanwhile.
+    void follow(pid_t child, int output, int error, ProgramRun::Result& result) {
+        m_child = child;
         const auto end = Clock::now() + std::chrono::seconds(m_run.secondsToLive);
         std::array<pollfd, 2> streams{{{output, POLLIN, 0}, {error, POLLIN, 0}}};
         while (streams[0].fd >= 0 || streams[1].fd >= 0) {
@@ -113,25 +115,41 @@ public:
             }
             const bool signalsLeft = m_sent < m_run.signals.size();
             streams[0].events = m_run.holdOutput && signalsLeft && !result.late ? 0 : POLLIN;
-            ::poll(streams.data(), streams.size(), signalsLeft ? 5 : 200);
+            const bool isAnyLeft = signalsLeft || m_typed < m_run.typed.size();
+            ::poll(streams.data(), streams.size(), isAnyLeft ? 5 : 200);
             for (std::size_t i = 0; i < streams.size(); ++i)
                 if (streams[i].fd >= 0 &&
                     (streams[i].revents & (POLLIN | POLLHUP | POLLERR)) != 0 &&
                     !readSome(streams[i].fd, i == 0 ? result.output : result.error))
                     streams[i].fd = -1;
             sendSignals(result.error);
+            type(result.error);
         }
     }
 
+    // What comes before the program.
+    void typeAhead() {
+        while (m_typed < m_run.typed.size() && !m_run.typed[m_typed].condition) typeNext();
+    }
+
 private:
+    void type(const std::string& error) {
+        if (m_typed < m_run.typed.size() && m_run.typed[m_typed].condition(error)) typeNext();
+    }
+    void typeNext() {
+        const std::string& text = m_run.typed[m_typed++].text;
+        if (::write(m_input, text.data(), text.size()) < 0) fail("type");
+    }
     void sendSignals(const std::string& error) {
         if (m_sent == m_run.signals.size() || !m_run.signals[m_sent].condition(error)) return;
         ::kill(m_child, m_run.signals[m_sent++].number);
     }
 
     const ProgramRun& m_run;
-    const pid_t m_child;
+    pid_t m_child = -1;
+    const int m_input;  // -1 where nobody types
     std::size_t m_sent = 0;
+    std::size_t m_typed = 0;
 };
 
 }  // namespace
@@ -142,6 +160,8 @@ ProgramRun::Result ProgramRun::run() const {
     const std::string where = fresh ? fresh->path() : folder;
     Ends error = terminal ? makeTerminal() : makePipe();
     Ends output;
+    Ends input;
+    if (inputTerminal) input = makeTerminal();
     if (outputTerminal) output = makeTerminal();
     else if (outputFile.empty() && !closeOutput) output = makePipe();
     else if (!closeOutput)
@@ -154,16 +174,24 @@ ProgramRun::Result ProgramRun::run() const {
     std::vector<std::string> variables = environmentOf(*this);
     const std::vector<char*> argv = pointers(texts);
     const std::vector<char*> envp = pointers(variables);
-    const Plan plan{where.c_str(),      file.get(),  closeOutput ? -1 : output.theirs.get(),
-                    error.theirs.get(), argv.data(), envp.data()};
+    const Plan plan{where.c_str(),
+                    file.get(),
+                    inputTerminal ? input.theirs.get() : -1,
+                    closeOutput ? -1 : output.theirs.get(),
+                    error.theirs.get(),
+                    argv.data(),
+                    envp.data()};
+    Watch watch(*this, inputTerminal ? input.ours.get() : -1);
+    watch.typeAhead();
     const pid_t child = ::fork();
     if (child < 0) fail("fork");
     if (child == 0) becomeProgram(*this, plan);
 
+    input.theirs = Descriptor();
     output.theirs = Descriptor();
     error.theirs = Descriptor();
     Result result;
-    Watch(*this, child).follow(output.ours.get(), error.ours.get(), result);
+    watch.follow(child, output.ours.get(), error.ours.get(), result);
     int status = 0;
     while (::waitpid(child, &status, 0) < 0)
         if (errno != EINTR) fail("waitpid");

@@ -21,6 +21,13 @@ struct SignalWhen {
     std::function<bool(const std::string& error)> condition;
 };
 
+/// What a person types once the condition on what stands on standard error so far holds; before the
+/// program starts where there is none.
+struct TypedWhen {
+    std::string text;
+    std::function<bool(const std::string& error)> condition;
+};
+
 struct ProgramRun {
     std::string program;
     std::vector<std::string> arguments;    ///< without the program's name
@@ -29,12 +36,14 @@ struct ProgramRun {
     std::optional<uid_t> user;             ///< to run as; needs root
     std::vector<std::pair<int, rlim_t>> limits;  ///< RLIMIT_AS, 1 << 29
     bool terminal = false;                       ///< standard error is a terminal of 80 columns
+    bool inputTerminal = false;                  ///< standard input likewise, else it is empty
     bool outputTerminal = false;                 ///< standard output likewise; both may be one
     bool closeOutput = false;                    ///< standard output is closed
     std::string outputFile;   ///< where standard output goes instead of into the result
     bool holdOutput = false;  ///< standard output is read only when all signals are sent
     std::vector<SignalWhen> signals;
-    int secondsToLive = 60;  ///< then the program is killed
+    std::vector<TypedWhen> typed;  ///< in this order; with inputTerminal
+    int secondsToLive = 60;        ///< then the program is killed
 
     // What came out of it.
     struct Result {

@@ -1,12 +1,18 @@
 // orrinvale-cli clean as a process: what it lists, and what it leaves alone.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "cli/CleanReport.h"
+#include "cli/Output.h"
 #include "cli/ProgramRun.h"
+#include "platform/descriptor.h"
+#include "support/ServedFiles.h"
 #include "support/TestTree.h"
 
 namespace orrinvale::testing {
@@ -117,8 +123,107 @@ TEST(CleanCommand, removesOnlyWhenItMay) {
     }
 }
 
+bool isAsked(const std::string& error) { return error.find("[y/N]") != std::string::npos; }
+
+TEST(CleanCommand, onATerminalOnlyAYesToTheQuestionRemoves) {
+    const struct {
+        const char* what;
+        std::vector<TypedWhen> typed;
+        std::vector<SignalWhen> signals;
+        bool goes;
+    } cases[] = {
+        {"before the question", {{"y\n", {}}, {"n\n", isAsked}}, {}, false},
+        {"no", {{"n\n", isAsked}}, {}, false},
+        {"end of input", {{"\x04", isAsked}}, {}, false},
+        {"interrupted", {}, {{SIGINT, isAsked}}, false},
+        {"yes", {{"y\n", isAsked}}, {}, true},
+    };
+    for (const auto& each : cases) {
+        TestTree tree;
+        ASSERT_TRUE(tree.write("Downloads/x", "1"));
+        auto run = cleanRun(tree, {"--category=user-downloads", "--remove"});
+        run.inputTerminal = true;
+        run.typed = each.typed;
+        run.signals = each.signals;
+        const auto result = run.run();
+        EXPECT_TRUE(isAsked(result.error)) << each.what << result.error;
+        EXPECT_EQ(result.signal, each.signals.empty() ? 0 : SIGINT) << each.what;
+        EXPECT_EQ(isThere(tree.at("Downloads/x")), !each.goes) << each.what;
+    }
+    for (const char* const form : {"--json", "-0"}) {  // nothing would be listed
+        TestTree tree;
+        ASSERT_TRUE(tree.write("Downloads/x", "1"));
+        auto run = cleanRun(tree, {"--category=user-downloads", "--remove", form});
+        run.inputTerminal = true;
+        run.typed = {{"y\n", isAsked}};
+        EXPECT_EQ(run.run().status, 2) << form;
+        EXPECT_TRUE(isThere(tree.at("Downloads/x"))) << form;
+    }
+}
+
+// Between the listing and the answer.
+TEST(CleanCommand, whatOthersRemovedOrThePersonKeepsIsNotCalledRemoved) {
+    for (const bool byOthers : {true, false}) {
+        TestTree tree;
+        const std::string list = ".config/com.kelpford.Orrinvale/always-keep";
+        const std::string below = tree.at("Downloads/r/none") + '\n';
+        ASSERT_TRUE(tree.write("Downloads/r/x", "1") && (byOthers || tree.write(list, below)));
+        auto run = cleanRun(tree, {"--category=user-downloads", "--remove"});
+        run.inputTerminal = true;
+        run.typed = {{"y\n", [&](const std::string& error) {
+                          if (!isAsked(error)) return false;
+                          if (byOthers)
+                              return ::rename(tree.at("Downloads/r").c_str(),
+                                              tree.at("moved").c_str()) == 0;
+                          return tree.write(list, below + tree.at("Downloads/r/x") + '\n');
+                      }}};
+        const auto result = run.run();
+        EXPECT_EQ(result.status, 0) << result.error;
+        EXPECT_NE(result.output.find("Removed 0 entries."), std::string::npos) << result.output;
+        EXPECT_FALSE(isThere(tree.at(".local/state/com.kelpford.Orrinvale/.kelpford.log.bin")));
+    }
+}
+
+TEST(CleanReport, theDocumentTellsWhatRulesKeepFromWhatFailed) {
+    TestTree tree;
+    ASSERT_TRUE(tree.write("document", ""));
+    const Descriptor file(::open(tree.at("document").c_str(), O_WRONLY | O_CLOEXEC));
+    {
+        cli::Output out(file.get());
+        cli::CleanOutcome outcome;
+        outcome.failed = {{"/a", "not seen by the scan", StayReason::CameLater},
+                          {"/b", "Permission denied", StayReason::Rights}};
+        outcome.more = 3;
+        cli::printCleanJson(out, {}, outcome, false);
+        out.flush();
+    }
+    const Json document = Json::parse(contentOf(tree.at("document")));
+    EXPECT_EQ(document["failed"][0]["byRule"], true);
+    EXPECT_EQ(document["failed"][1]["byRule"], false);
+    EXPECT_EQ(document["failedCount"], 5);
+}
+
+TEST(CleanCommand, aCategoryThatDoesNotAnswerEndsByWhatWasDecided) {
+    ServedFiles served({"hang"});
+    if (!served.isThere()) GTEST_SKIP() << "no FUSE here";
+    TestTree tree;
+    auto run = cleanRun(tree, {"--category=user-caches", "--remove", "--yes"});
+    run.environment.push_back("XDG_CACHE_HOME=" + served.at("hang"));
+    // The process is gone when the system has let go of its thread.
+    run.signals = {{0, [&](const std::string& error) {
+                        const bool isTold = error.find("no answer for") != std::string::npos;
+                        if (isTold) served.end();
+                        return isTold;
+                    }}};
+    const auto result = run.run();
+    EXPECT_EQ(result.status, 3) << result.error;
+    EXPECT_NE(result.error.find("no answer for 5 seconds"), std::string::npos) << result.error;
+}
+
 TEST(CleanCommand, whatCanNotGoIsTold) {
     TestTree tree;
+    for (int i = 0; i < 149; ++i)
+        ASSERT_TRUE(tree.write("Downloads/shut/in/" + std::to_string(i), "1"));
     ASSERT_TRUE(tree.write("Downloads/shut/in/x", "1") && tree.write("Downloads/free", "1") &&
                 tree.setMode("Downloads/shut/in", 0555) && tree.setMode(".", 0755));
     auto run = cleanRun(tree, {"--category=user-downloads", "--remove", "--yes"});
@@ -129,8 +234,10 @@ TEST(CleanCommand, whatCanNotGoIsTold) {
     }
     const auto result = run.run();
     EXPECT_EQ(result.status, 1) << result.error;
-    EXPECT_NE(result.output.find("stayed, Permission denied: " + tree.at("Downloads/shut/in/x")),
+    EXPECT_NE(result.output.find("stayed, Permission denied: " + tree.at("Downloads/shut/in/")),
               std::string::npos)
+        << result.output;
+    EXPECT_NE(result.output.find("\nstayed as well: 50 more\n"), std::string::npos)
         << result.output;
     EXPECT_NE(result.output.find("Removed 1 entry. Promised "), std::string::npos);
     EXPECT_FALSE(isThere(tree.at("Downloads/free")));
@@ -148,6 +255,23 @@ TEST(CleanCommand, rootLeavesTheHomeOfSomebodyElseAlone) {
     const auto removal = cleanRun(tree, {"--category=user-downloads", "--remove", "--yes"}).run();
     EXPECT_EQ(removal.status, 3);
     EXPECT_TRUE(isThere(tree.at("Downloads/a")));
+}
+
+// Beside its own home, as "su" without "-" leaves them.
+TEST(CleanCommand, rootLeavesFoldersOfSomebodyElseAlone) {
+    if (::geteuid() != 0) GTEST_SKIP() << "only root can try";
+    for (const char* const category : {"user-caches", "user-downloads"}) {
+        TestTree tree;
+        ASSERT_TRUE(tree.write("person/x/y", "1") && tree.setMode("person", 0755) &&
+                    tree.write(".config/user-dirs.dirs", "XDG_DOWNLOAD_DIR=\"$HOME/person\"") &&
+                    tree.giveAway({"person", "person/x", "person/x/y"}));
+        auto run = cleanRun(tree, {"--category", category, "--remove", "--yes"});
+        run.environment.push_back("XDG_CACHE_HOME=" + tree.at("person"));
+        const auto result = run.run();
+        EXPECT_EQ(result.status, 3) << category << result.output;
+        EXPECT_NE(result.error.find("somebody else's"), std::string::npos) << result.error;
+        EXPECT_TRUE(isThere(tree.at("person/x/y"))) << category;
+    }
 }
 
 }  // namespace

@@ -50,6 +50,16 @@ def folders():
             for place in PLACES for path, _, _ in os.walk(place)}
 
 
+# What rotation leaves, for a machine that has none of it.
+ROTATED = ("/var/log/orrinvale-test/syslog.1", "/var/log/journal/orrinvale-test/system@0b-0c.journal", "/var/log/orrinvale-test.log.old")
+
+
+def rotate():
+    for path in ROTATED:
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        Path(path).write_text("1\n")
+
+
 def check(holds, what, details=""):
     print(f"{'ok    ' if holds else 'FAILED'}  {what}" + ("" if holds else f"\n        {details}"), flush=True)
     return bool(holds)
@@ -57,6 +67,7 @@ def check(holds, what, details=""):
 
 def test(cleaner):
     lay_over()
+    rotate()
     told()  # some write their caches anew where they are old
     before, folders_before = told(), folders()
     done = subprocess.run([cleaner, "clean", "--category", "system-caches", "--category", "system-logs", "--remove", "--yes",
@@ -64,6 +75,8 @@ def test(cleaner):
     document = json.loads(done.stdout)
     fine = check(done.returncode == 0 and not document["failed"], f"cleaned: {document['promised']} bytes", document["failed"])
     fine &= check(document["categories"][0]["entries"], "caches are offered", "nothing is offered")
+    left = [path for path in ROTATED if os.path.exists(path)]
+    fine &= check(not left, f"{len(ROTATED)} rotated logs are gone", left)
     fine &= check(folders() == folders_before, f"{len(folders_before)} folders are what they were")
     after = told()
     for line, answer in before.items():

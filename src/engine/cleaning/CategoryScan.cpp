@@ -107,8 +107,8 @@ CategoryListing CategoryScan::run(const std::vector<std::string>& folders) {
         Log::line(fmt::format("Scan folder: {}", path));
         std::string objection = folder->objection;
         if (m_rules.fault())
-            objection = fmt::format("the list of what is always kept can not be read: {}",
-                                    m_rules.fault()->reason());
+            objection = fmt::format("the list of what is always kept can not be read: {}: {}",
+                                    m_rules.fault()->path, m_rules.fault()->reason());
         if (objection.empty()) scan(*folder, listing);
         else listing.closed.push_back({path, objection});
     }

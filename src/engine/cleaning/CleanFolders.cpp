@@ -16,10 +16,11 @@
 namespace orrinvale {
 namespace {
 
-// sudo leaves a person's home to root, whose programs would leave root's files there.
-bool isSomebodyElses(const std::string& home) {
+// sudo and su leave a person's folders to root, each by a variable of its own; root's programs
+// would leave root's files there.
+bool isSomebodyElses(const std::string& folder) {
     struct stat entry {};
-    return ::geteuid() == 0 && ::stat(home.c_str(), &entry) == 0 && entry.st_uid != 0;
+    return ::geteuid() == 0 && ::stat(folder.c_str(), &entry) == 0 && entry.st_uid != 0;
 }
 
 std::string objectionOf(const std::optional<CleanFolders::Folder>& folder) {
@@ -100,6 +101,8 @@ std::string CleanFolders::objectionToEntry(const std::string& path) const {
 std::string CleanFolders::objectionTo(const Folder& folder) const {
     const CleanCategory category = rulesFor(folder.real);
     if (m_isForeignHome && !isOfTheSystem(category)) return "the home folder is somebody else's";
+    if (!isOfTheSystem(category) && isSomebodyElses(folder.real))
+        return "the folder is somebody else's";
     const auto identity = identityOf(folder.real);
     for (const Other& other : m_others) {
         if (other.real == folder.real || (identity && other.identity == identity))

@@ -95,7 +95,12 @@ KeptBecause CleanList::askAboutFile(const CleanRow& row, const std::string& path
     if (ground.keep->keeps(real)) return KeptBecause::Asked;
     const auto isOn = [&](const std::string& mount) { return isWithin(real, mount); };
     if (std::ranges::any_of(ground.mounts, isOn)) return KeptBecause::Mount;
-    return keptByPrograms(ground, row.rules, lastPathComponent(row.path), real, entry);
+    const bool isRow = path == row.path && entry.type == FileType::Regular;
+    const auto journal =
+        isRow ? keptByJournal(*m_parts.files, row.rules, FileSystem::noParent, path, entry.size)
+              : KeptBecause::Nothing;
+    return std::min(journal,
+                    keptByPrograms(ground, row.rules, lastPathComponent(row.path), real, entry));
 }
 
 KeptBecause CleanList::ask(const CleanRow& row, std::vector<CleanWalk::File>* files) {

@@ -96,6 +96,21 @@ KeptBecause keptByPrograms(const CleanGround& ground, CleanCategory rules, std::
     return std::ranges::any_of(names, isHidden) ? KeptBecause::HiddenProgram : KeptBecause::Nothing;
 }
 
+KeptBecause keptByJournal(const FileSystem& files, CleanCategory rules, int folder,
+                          const std::string& path, std::uint64_t size) {
+    const std::string name(lastPathComponent(path));
+    if (!CleanablePlaces::mayBeDatabase(name, size)) return KeptBecause::Nothing;
+    KeptBecause reason = KeptBecause::Nothing;
+    for (const std::string_view ending : {"-wal", "-journal", "-shm"}) {
+        const auto journal =
+            files.attributes(folder, (path + std::string(ending)).c_str(), Links::Keep);
+        if (journal)
+            reason = std::min(reason, CleanablePlaces::keepsRow(rules, name + std::string(ending),
+                                                                journal->type, journal->size));
+    }
+    return reason;
+}
+
 CleanWalk::CleanWalk(const FileSystem& files, const CleanGround& ground, const Watch& watch)
     : FolderWalk(files, watch.stop, watch.skipped),
       m_ground(ground),
@@ -127,6 +142,7 @@ CleanRow CleanWalk::one(int parent, const std::string& name, const FileAttribute
         Here here;
         here.row = &state;
         Tally tally;
+        tally.note(keptByJournal(m_files, m_ground.rules, parent, name, entry.size));
         takeFile(here, {.name = name.c_str(), .type = entry.type, .attributes = entry}, tally);
         fold(state, tally);
     } else if (state.row.kept != KeptBecause::Mount) {
@@ -246,6 +262,9 @@ void CleanWalk::takeRow(Worker& worker, Here& here, CatalogEntry& entry, std::ui
     bool isKept = false;
     if (isFolder) isKept = staysByItself(in, entry, tally);
     else takeFile(in, entry, tally);
+    if (entry.attributes.type == FileType::Regular)
+        tally.note(keptByJournal(m_files, m_ground.rules, here.handle.get(), entry.name,
+                                 entry.attributes.size));
     fold(row, tally);
     if (!isEntered) return finish(row);
     auto found = std::make_unique<Here>();
@@ -337,12 +356,13 @@ SeenEntries::Verdict CleanWalk::verdictOn(SeenEntries::Key key, const FileAttrib
                                      : SeenEntries::Verdict::Unseen;
 }
 
-// A file whose time of change alone is new may be so by our own doing: its other name went.
+// A file whose time of change alone is new may be so by our own doing: its other name went. A time
+// of writing that is to come was set, and tells nothing.
 void CleanWalk::compare(SeenEntries::Key key, const FileAttributes& now, Tally& tally) const {
     if (!m_isUserCache) return;
     const auto verdict = verdictOn(key, now);
-    const bool isWritten =
-        verdict == SeenEntries::Verdict::Changed && now.modified > m_former->newest;
+    const bool isWritten = verdict == SeenEntries::Verdict::Changed &&
+                           now.modified > m_former->newest && now.modified <= m_ground.now;
     if (isWritten || verdict == SeenEntries::Verdict::Unseen) tally.note(KeptBecause::Changed);
 }
 

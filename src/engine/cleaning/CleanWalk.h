@@ -42,6 +42,12 @@ struct CleanGround {
 /// What changed a moment ago belongs to something that is going on.
 inline constexpr std::int64_t freshFor = 10LL * 60 * 1'000'000'000;
 
+/// Why a journal beside the file keeps it, or Nothing: it is a database that a program has open, or
+/// left in the middle of a change. `folder` is open and `path` a name in it, or it is
+/// FileSystem::noParent and `path` absolute.
+[[nodiscard]] KeptBecause keptByJournal(const FileSystem& files, CleanCategory rules, int folder,
+                                        const std::string& path, std::uint64_t size);
+
 /// One walk; used once. What it is made of outlives it.
 class CleanWalk final : FolderWalk {
 public:

@@ -35,6 +35,9 @@ constexpr std::array keptCaches{
     KeptPlace{"man", "the index of the manual pages, which only a daily job makes again"},
     KeptPlace{"postgresql", "word lists of the database, made when packages were set up"},
     KeptPlace{"pbuilder", "systems to build packages in, set up by an administrator"},
+    KeptPlace{"rsnapshot", "backups"},
+    KeptPlace{"zoneminder", "recordings of cameras"},
+    KeptPlace{"netdata", "what was measured on this machine until now"},
 };
 
 constexpr std::array keptLogs{
@@ -79,20 +82,39 @@ bool endsInDate(std::string_view name) {
            day <= "31";
 }
 
+// How many numbers of up to three figures, each behind a dot, stand at the end: 1 in "syslog.1".
+// A name may begin with the first.
+int numbersAtEnd(std::string_view name) {
+    constexpr std::size_t mostFigures = 3;
+    int count = 0;
+    for (;;) {
+        const std::size_t dot = name.rfind('.');
+        const std::string_view last = name.substr(dot == std::string_view::npos ? 0 : dot + 1);
+        if (!isNumber(last) || last.size() > mostFigures) return count;
+        ++count;
+        if (dot == std::string_view::npos) return count;
+        name = name.substr(0, dot);
+    }
+}
+
+// The last number of "log.192.168.1.20" belongs to the address of the machine whose log it is, and
+// that of "log.192.168.1.20.1" does not. In doubt it is an address.
+bool isNumbered(std::string_view name) {
+    constexpr int inAddress = 4;
+    const int numbers = numbersAtEnd(name);
+    return (numbers > 0 && numbers < inAddress - 1) || numbers == inAddress + 1;
+}
+
 // "syslog.1", "syslog.2.gz", "syslog-20241103.gz", "app-20241103.log", "Xorg.0.log.old".
 bool isRotatedName(std::string_view name) {
-    constexpr std::size_t mostFigures = 3;
     if (name.ends_with(".old") && name.size() > 4) return true;
     for (const std::string_view packed : {".gz", ".xz", ".zst"})
         if (name.ends_with(packed)) {
             name.remove_suffix(packed.size());
             break;
         }
-    const std::size_t dot = name.rfind('.');
-    const bool hasEnding = dot != std::string_view::npos && dot > 0;
-    if (hasEnding && isNumber(name.substr(dot + 1)) && name.size() - dot - 1 <= mostFigures)
-        return true;
-    return CleanablePlaces::isDatedLog(name);
+    const bool hasEnding = name.find('.', 1) != std::string_view::npos;
+    return (hasEnding && isNumbered(name)) || CleanablePlaces::isDatedLog(name);
 }
 
 std::string lowered(std::string_view text) {
@@ -115,19 +137,22 @@ constexpr std::array<std::string_view, 4> partialEndings{"part", "crdownload", "
                                                          "download"};
 
 // Programs that keep in their cache what they can not get again.
-constexpr std::array<std::string_view, 17> preciousPrograms{
-    "rclone",     // files that are not uploaded yet
-    "keepassxc",  // which databases there are and were opened
-    "s3ql",       // blocks of a file system that are not uploaded yet
-    "davfs2",     // files that are not uploaded yet
-    "evolution",  // events, tasks and contacts that are not uploaded yet
-    "ibus",       // what input methods learned
-    "jetbrains",  // the history of edited files
-    "google",     // the same, of Android Studio
-    "lm-studio",  // conversations and keys
-    "obexd",      // files received by Bluetooth
-    "sessions",   // the desktop that a person saved in Xfce
-    "xournalpp",  // pages that are not saved yet
+constexpr std::array<std::string_view, 20> preciousPrograms{
+    "rclone",       // files that are not uploaded yet
+    "keepassxc",    // which databases there are and were opened
+    "s3ql",         // blocks of a file system that are not uploaded yet
+    "davfs2",       // files that are not uploaded yet
+    "evolution",    // events, tasks and contacts that are not uploaded yet
+    "ibus",         // what input methods learned
+    "jetbrains",    // the history of edited files
+    "google",       // the same, of Android Studio
+    "lm-studio",    // conversations and keys
+    "obexd",        // files received by Bluetooth
+    "sessions",     // the desktop that a person saved in Xfce
+    "xournalpp",    // pages that are not saved yet
+    "simple-scan",  // pages that were scanned and are not saved yet
+    "onedriver",    // files that are not uploaded yet
+    "huggingface",  // keys, beside what can be loaded again
     // By a common setting: texts that are not saved yet, and what was typed.
     "bash", "emacs", "nvim", "vim", "zsh"};
 
@@ -283,6 +308,13 @@ bool CleanablePlaces::isDatedLog(std::string_view name) {
     constexpr std::string_view ending = ".log";
     if (name.ends_with(ending)) name.remove_suffix(ending.size());
     return endsInDate(name);
+}
+
+bool CleanablePlaces::mayBeDatabase(std::string_view name, std::uint64_t size) {
+    constexpr std::uint64_t smallestPage = 512;
+    constexpr std::array<std::string_view, 5> endings{"db", "db3", "sqlite", "sqlite3", "sdb"};
+    return contains(endings, lowered(pathExtension(name))) ||
+           (size > 0 && size % smallestPage == 0);
 }
 
 bool CleanablePlaces::isJudgedBySize(std::string_view name) {

@@ -76,6 +76,9 @@ public:
     /// Whether the name is that of a log by its day, not packed: rotated, or written directly.
     [[nodiscard]] static bool isDatedLog(std::string_view name);
 
+    /// Whether a file may be a database, by its ending or since it is made of whole pages.
+    [[nodiscard]] static bool mayBeDatabase(std::string_view name, std::uint64_t size);
+
     /// Whether keepsRow() has to know the size of an entry of this name.
     [[nodiscard]] static bool isJudgedBySize(std::string_view name);
 

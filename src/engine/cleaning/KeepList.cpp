@@ -23,8 +23,8 @@ std::string_view withoutEnd(std::string_view line) {
 }
 
 bool isRemark(std::string_view line) {
-    line = withoutEnd(line);
-    return line.empty() || line.front() == '#';
+    const std::size_t first = withoutEnd(line).find_first_not_of(" \t");
+    return first == std::string_view::npos || line[first] == '#';
 }
 
 char unescaped(char c) {
@@ -68,19 +68,25 @@ std::string withoutLinksOnTheWay(const FileSystem& files, const std::string& pat
     return folder ? joinPath(*folder, lastPathComponent(path)) : path;
 }
 
-Result<std::string> textOf(const std::string& path) {
-    auto text = DurableFile::read(path, mostBytes);
-    if (!text && text.error().number == ENOENT) return std::string();
-    return text;
+// A list may lie elsewhere behind a link, and that of the person behind root is not root's own. A
+// link to nothing is no missing list.
+Result<std::string> textOf(const FileSystem& files, const std::string& path) {
+    const auto entry = files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);
+    if (!entry && entry.error() == ENOENT) return std::string();
+    const auto real = files.resolved(path);
+    if (!real) return tl::unexpected(systemError("open", path, real.error()));
+    return DurableFile::read(*real, mostBytes, DurableFile::Owner::Any);
 }
 
 // Replaces the list by what is left of it, and `more`.
 Result<void> change(const FileSystem& files, const std::string& folder, const std::string& path,
                     const std::string& more) {
     if (auto made = DurableFile::makeFolder(folder); !made) return made;
-    auto file = DurableFile::begin(KeepList::fileIn(folder));
+    const auto place = DurableFile::behindOwnLinks(KeepList::fileIn(folder));
+    if (!place) return tl::unexpected(place.error());
+    auto file = DurableFile::begin(*place);
     if (!file) return tl::unexpected(file.error());
-    const auto text = textOf(KeepList::fileIn(folder));
+    const auto text = textOf(files, KeepList::fileIn(folder));
     if (!text) return tl::unexpected(text.error());
     const std::string wanted = withoutLinksOnTheWay(files, path);
     std::string left;
@@ -97,13 +103,18 @@ Result<void> change(const FileSystem& files, const std::string& folder, const st
 std::string KeepList::fileIn(const std::string& folder) { return joinPath(folder, "always-keep"); }
 
 Result<KeepList> KeepList::load(const FileSystem& files, const std::string& folder) {
-    const auto text = textOf(fileIn(folder));
-    if (!text) return tl::unexpected(text.error());
+    const std::string file = fileIn(folder);
+    const auto text = textOf(files, file);
+    if (!text) return tl::unexpected(Error{text.error().kind, "read", file, text.error().number});
     KeepList list;
+    std::size_t number = 0;
     for (const std::string_view line : linesOf(*text)) {
+        ++number;
         if (isRemark(line)) continue;
         const auto path = pathOfLine(line);
-        if (!path) return tl::unexpected(systemError("read", fileIn(folder), EINVAL));
+        if (!path)
+            return tl::unexpected(
+                systemError("read", file + ", line " + std::to_string(number), EINVAL));
         list.m_paths.push_back(withoutLinksOnTheWay(files, *path));
     }
     return list;

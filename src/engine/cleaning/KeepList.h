@@ -12,15 +12,17 @@
 namespace orrinvale {
 
 /// The file "always-keep" in the program's settings folder: a path a line, "\n", "\r" and "\\"
-/// standing for a line feed, a carriage return and a backslash; lines that begin with "#" and empty
-/// ones mean nothing. A list is a snapshot; any thread.
+/// standing for a line feed, a carriage return and a backslash; lines that begin with "#" and those
+/// of blanks mean nothing. The file may be a link; a change goes to where it leads. A list is a
+/// snapshot; any thread.
 class KeepList final {
 public:
     /// Keeps nothing.
     KeepList() = default;
 
     /// Reads the list. A missing file keeps nothing; one that can not be read is an error, and so
-    /// is a line that is no absolute path: then nobody knows what may go.
+    /// is a line that is no absolute path: then nobody knows what may go. The error's path is that
+    /// of the file, followed by ", line N" where a line is at fault.
     [[nodiscard]] static Result<KeepList> load(const FileSystem& files, const std::string& folder);
 
     /// Puts a path on the stored list, or takes it off; success when it is there already, or not

@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include <atomic>
+#include <utility>
 
 #include "engine/base/Log.h"
 #include "engine/cleaning/CleanList.h"
@@ -11,8 +12,15 @@
 
 namespace orrinvale {
 
+// A new look would take our own removal for somebody's change a moment ago.
+std::optional<CleanRow> PathCleaner::rowAt(const std::string& path) {
+    std::optional<CleanRow> begun = std::exchange(m_begun, std::nullopt);
+    if (begun && begun->path == path) return begun;
+    return CategoryScan(m_parts.clean, {}).rowAt(path);
+}
+
 PathCleaner::Outcome PathCleaner::remove(const std::string& path) {
-    auto row = CategoryScan(m_parts.clean, {}).rowAt(path);
+    auto row = rowAt(path);
     if (!row) {
         Log::line(fmt::format("Clean deletable file failed: {}-it can not be looked at", path));
         return {};
@@ -31,6 +39,10 @@ PathCleaner::Outcome PathCleaner::remove(const std::string& path) {
                     .begins = [](auto, const auto&, bool) {},
                     .settled = [](auto, const auto&) {}});
     const RemovalOutcome outcome = run.run();
+    if (outcome.lacksRights && list.isBegun(0)) {
+        m_begun = list.rows().front();
+        m_begun->isBegun = true;
+    }
     return {.isDone = list.isDone(0), .isKept = list.isKept(0), .lacksRights = outcome.lacksRights};
 }
 

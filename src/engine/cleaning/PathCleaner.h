@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,7 +26,8 @@ public:
     explicit PathCleaner(const CleanTaskParts& parts) : m_parts(parts) {}
 
     /// Looks at the entry and removes it, with all that is in it; one line in the log when it
-    /// stays.
+    /// stays. Where the last call took a part of it and lacked rights for the rest, it goes on by
+    /// what that one saw.
     struct Outcome {
         bool isDone = false;       ///< nothing is left that may go
         bool isKept = false;       ///< a rule keeps it, which is no failure
@@ -34,7 +36,10 @@ public:
     Outcome remove(const std::string& path);
 
 private:
+    [[nodiscard]] std::optional<CleanRow> rowAt(const std::string& path);
+
     const CleanTaskParts m_parts;
+    std::optional<CleanRow> m_begun;  // what the last call left
 };
 
 }  // namespace orrinvale

@@ -160,7 +160,20 @@ private:
         return text.find(fmt::format("\nUid:\t{}\t", ::getuid())) != std::string::npos;
     }
 
+    // One that ended, and whose parent has not asked yet how, shows nothing and has nothing open.
+    // Where its first thread alone has ended the others may go on.
+    static bool hasEnded(const std::string& process) {
+        const std::string text =
+            readSystemText(process + "/status", smallText).value_or(std::string());
+        const auto says = [&](std::string_view line) {
+            return text.find(line) != std::string::npos;
+        };
+        return (says("\nState:\tZ") || says("\nState:\tX")) &&
+               (says("\nThreads:\t0\n") || says("\nThreads:\t1\n"));
+    }
+
     void addHidden(const std::string& process) {
+        if (hasEnded(process)) return;
         std::string name = readSystemText(process + "/comm", smallText).value_or(std::string());
         if (name.ends_with('\n')) name.pop_back();
         m_found.hiddenPrograms.insert(lowered(name));

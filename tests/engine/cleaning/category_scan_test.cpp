@@ -67,6 +67,7 @@ TEST(CategoryScan, whatProgramsCanNotMakeAgainStays) {
           ".cache/evolution/calendar/0a/cache.db", ".cache/ibus/libpinyin/user_bigram.db",
           ".cache/lm-studio/conversations/x", ".cache/obexd/photo", ".cache/xournalpp/autosaves/x",
           ".cache/sessions/xfce4-session-host:0", ".cache/vim/undo/x", ".cache/zsh/history",
+          ".cache/simple-scan/autosaves/x", ".cache/onedriver/x", ".cache/huggingface/token",
           ".cache/.bash_history", ".cache/shells/.histfile",
           ".var/app/org.gnome.Evolution/cache/tmp/x", "snap/rclone/common/.cache/vfs/x"})
         ASSERT_TRUE(home.tree.write(path, "1"));
@@ -74,6 +75,22 @@ TEST(CategoryScan, whatProgramsCanNotMakeAgainStays) {
     const auto listing = home.scan(CleanCategory::UserCaches);
     EXPECT_EQ(CleanHome::offered(listing), Names{"google-chrome 1"});
     for (const CleanRow& row : listing.kept) EXPECT_EQ(row.kept, KeptBecause::Precious) << row.path;
+}
+
+// A file that is a row of its own as well as one in a folder.
+TEST(CategoryScan, aDatabaseStaysWithItsJournal) {
+    CleanHome home;
+    const std::string page(512, 'x');
+    for (const char* name : {"d.sqlite", "d.sqlite-wal", "left.db", "k-journal", "plain.db"})
+        ASSERT_TRUE(home.tree.write(std::string(".cache/") + name, "1"));
+    ASSERT_TRUE(home.tree.write(".cache/left.db-journal", "") &&
+                home.tree.write(".cache/k", page) && home.tree.write(".cache/s.db", page) &&
+                home.tree.write(".cache/s.db-shm", ""));
+    const auto listing = home.scan(CleanCategory::UserCaches);
+    EXPECT_EQ(CleanHome::offered(listing), (Names{"left.db 1", "left.db-journal 0", "plain.db 1"}));
+    for (const auto& [name, reason] : CleanHome::kept(listing))
+        EXPECT_EQ(reason, KeptBecause::Database) << name;
+    EXPECT_EQ(CleanHome::kept(home.scan(CleanCategory::UserDownloads)), Reasons{});
 }
 
 // What is thrown away goes, whatever it is; a download goes but for one that goes on.
@@ -269,7 +286,11 @@ TEST(CategoryScan, theFolderOfAProgramThatHidesStays) {
         if (::read(ready[0], &byte, 1) != 1) return "no child";
         const auto kept = CleanHome::kept(home.scan(CleanCategory::UserCaches));
         ::kill(holder, SIGKILL);
+        siginfo_t ended{};
+        ::waitid(P_PID, static_cast<id_t>(holder), &ended, WEXITED | WNOWAIT);
+        const auto behind = CleanHome::kept(home.scan(CleanCategory::UserCaches));
         ::waitpid(holder, nullptr, 0);
+        if (!behind.empty()) return "kept for a dead child";
         return kept == Reasons{{"Hider", KeptBecause::HiddenProgram}} ? "" : "kept otherwise";
     });
     EXPECT_EQ(failure, "");
@@ -365,12 +386,35 @@ TEST(CategoryScan, whatThePersonKeeps) {
 
     // A list that nobody can read keeps everything, and so does a line of it.
     ASSERT_TRUE(tree.write("settings/always-keep", "# mine\n\n~/.cache/b\n"));
-    EXPECT_EQ(home.scan(CleanCategory::UserCaches).rows.size(), 0U);
+    listing = home.scan(CleanCategory::UserCaches);
+    EXPECT_EQ(listing.rows.size(), 0U);
+    EXPECT_EQ(listing.closed.at(0).reason,
+              "the list of what is always kept can not be read: " + KeepList::fileIn(settings) +
+                  ", line 3: Invalid argument");
     ASSERT_TRUE(::unlink(KeepList::fileIn(settings).c_str()) == 0 &&
                 tree.folder("settings/always-keep"));
     listing = home.scan(CleanCategory::UserCaches);
     EXPECT_EQ(listing.rows.size(), 0U);
     EXPECT_EQ(listing.closed.size(), 1U);
+}
+
+// As people keep their settings elsewhere, and as editors leave lines.
+TEST(CategoryScan, theListMayBeALinkAndHaveLinesOfBlanks) {
+    CleanHome home;
+    auto& tree = home.tree;
+    const std::string settings = tree.at("settings");
+    const std::string start = " \t\n  # mine\n" + tree.at(".cache/a") + '\n';
+    ASSERT_TRUE(tree.write(".cache/a/x", "1") && tree.write(".cache/b/x", "1") &&
+                tree.write(".cache/c/x", "1") && tree.write("elsewhere/list", start) &&
+                tree.folder("settings") &&
+                tree.symlink("../elsewhere/list", "settings/always-keep"));
+    EXPECT_EQ(CleanHome::offered(home.scan(CleanCategory::UserCaches)), (Names{"b 1", "c 1"}));
+    ASSERT_TRUE(KeepList::add(home.files, settings, tree.at(".cache/b")));
+    EXPECT_EQ(testing::contentOf(tree.at("elsewhere/list")), start + tree.at(".cache/b") + '\n');
+    EXPECT_EQ(CleanHome::offered(home.scan(CleanCategory::UserCaches)), Names{"c 1"});
+    // A disk that is not there now.
+    ASSERT_EQ(::unlink(tree.at("elsewhere/list").c_str()), 0);
+    EXPECT_EQ(home.scan(CleanCategory::UserCaches).rows.size(), 0U);
 }
 
 TEST(CategoryScan, whatCanNotBeLookedAtStays) {

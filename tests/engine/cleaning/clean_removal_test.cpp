@@ -170,13 +170,29 @@ TEST(CleanRemoval, ofAWideRowTheSameGoes) {
 
 // The time of change of a file whose other name went is of our own doing.
 TEST(CleanRemoval, aFileWithNamesInTwoRowsKeepsNeither) {
+    for (const bool isOfTheFuture : {false, true}) {
+        CleanHome home;
+        ASSERT_TRUE(home.tree.write(".cache/a/x", "12345") &&
+                    home.tree.hardLink(".cache/a/x", ".cache/b/x"));
+        const timespec times[2] = {{::time(nullptr) + 1'000'000, 0},
+                                   {::time(nullptr) + 1'000'000, 0}};
+        ASSERT_TRUE(!isOfTheFuture ||
+                    ::utimensat(AT_FDCWD, home.tree.at(".cache/a/x").c_str(), times, 0) == 0);
+        const Cleaned cleaned = clean(home, home.scan(CleanCategory::UserCaches).rows);
+        EXPECT_EQ(cleaned.done, (std::vector<std::string>{"a", "b"})) << isOfTheFuture;
+        EXPECT_EQ(cleaned.bytes, 10U) << "as the rows count them";
+        EXPECT_EQ(cleaned.outcome.bytes, 5U);
+    }
+}
+
+TEST(CleanRemoval, aDatabaseThatWasOpenedSinceStays) {
     CleanHome home;
-    ASSERT_TRUE(home.tree.write(".cache/a/x", "12345") &&
-                home.tree.hardLink(".cache/a/x", ".cache/b/x"));
-    const Cleaned cleaned = clean(home, home.scan(CleanCategory::UserCaches).rows);
-    EXPECT_EQ(cleaned.done, (std::vector<std::string>{"a", "b"}));
-    EXPECT_EQ(cleaned.bytes, 10U) << "as the rows count them";
-    EXPECT_EQ(cleaned.outcome.bytes, 5U);
+    ASSERT_TRUE(home.tree.write(".cache/d.db", "1"));
+    const auto rows = home.scan(CleanCategory::UserCaches).rows;
+    ASSERT_TRUE(rows.size() == 1 && home.tree.write(".cache/d.db-wal", "1"));
+    EXPECT_EQ(clean(home, rows).stayed(),
+              (std::map<std::string, StayReason>{{"d.db", StayReason::Kept}}));
+    EXPECT_TRUE(isThere(home.tree.at(".cache/d.db")));
 }
 
 // Else the padlock, opened for the rest, would have to wait.
@@ -515,7 +531,7 @@ TEST(CleanRemoval, theSystemsFilesGoOneByOne) {
 
 TEST(CleanRemoval, aMountThatCameKeepsItsRow) {
     testing::withOwnMounts([]() -> std::string {
-        for (const char* path : {"/mnt/.cache/r/in/x", "/mnt/person/letter"})
+        for (const char* path : {"/mnt/.cache/r/in/x", "/mnt/.cache/r/y", "/mnt/person/letter"})
             if (auto fault = write(path); !fault.empty()) return fault;
         CleanHome home({.home = "/mnt"});
         const auto rows = home.scan(CleanCategory::UserCaches).rows;
@@ -523,6 +539,9 @@ TEST(CleanRemoval, aMountThatCameKeepsItsRow) {
             return "skip: bind";
         const Cleaned cleaned = clean(home, rows);
         if (!isThere("/mnt/person/letter")) return "the letter is gone";
+        if (!isThere("/mnt/.cache/r/y")) return "what is beside it is gone";
+        if (cleaned.stayed() != std::map<std::string, StayReason>{{"r", StayReason::Kept}})
+            return "told otherwise";
         return cleaned.done.empty() ? "" : "the row is done";
     });
 }

@@ -1,14 +1,19 @@
 // The work units of cleaning, and the notices that they post, in order.
 #include "engine/cleaning/CleanTasks.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <thread>
+#include <utility>
 
 #include "engine/cleaning/CleanHome.h"
+#include "engine/cleaning/PathCleaner.h"
 #include "engine/removal/PlainDoor.h"
 #include "support/LogLines.h"
 #include "support/ServedQueue.h"
@@ -88,6 +93,43 @@ TEST(ScanFolderOpt, aPauseWaitsAndBurnsNothing) {
         worker.join();
         EXPECT_EQ(serveAll(queue), isCancelled ? 0U : 3U);
     }
+}
+
+/// Takes the file "a" of a folder a moment ago, by the clock of the home, and may take nothing
+/// else.
+class HalfDoor final : public RemovalDoor {
+public:
+    explicit HalfDoor(std::int64_t clock) : m_clock(clock) {}
+    RemovalResult remove(const LeavingEntry& entry, const std::atomic<bool>& /*stop*/) override {
+        const timespec times[2] = {{m_clock - 1, 0}, {m_clock - 1, 0}};
+        RemovalResult part;
+        part.removed = ::unlink((entry.path + "/a").c_str()) == 0 ? 1 : 0;
+        ::utimensat(AT_FDCWD, entry.path.c_str(), times, 0);
+        part.failed = 1;
+        part.failures.push_back({entry.path + "/b", "Permission denied", StayReason::Rights});
+        return part;
+    }
+
+private:
+    const std::int64_t m_clock;  // seconds
+};
+
+// Our own removal is no change a moment ago.
+TEST(PathCleaner, aSecondTryWithTheRightTakesTheRest) {
+    CleanHome home;
+    ASSERT_TRUE(home.tree.write(".cache/r/a", "1") && home.tree.write(".cache/r/b", "1"));
+    CleanTaskParts parts = partsOf(home);
+    parts.makeDoor = [&home, &parts, isOpen = false]() mutable -> std::unique_ptr<RemovalDoor> {
+        if (std::exchange(isOpen, true))
+            return std::make_unique<PlainDoor>(home.files, ProtectedPlaces());
+        return std::make_unique<HalfDoor>(parts.clean.clock() / 1'000'000'000);
+    };
+    PathCleaner cleaner(parts);
+    const auto first = cleaner.remove(home.tree.at(".cache/r"));
+    EXPECT_TRUE(first.lacksRights);
+    EXPECT_FALSE(first.isDone || isThere(home.tree.at(".cache/r/a")));
+    EXPECT_TRUE(cleaner.remove(home.tree.at(".cache/r")).isDone);
+    EXPECT_FALSE(isThere(home.tree.at(".cache/r")));
 }
 
 TEST(FastCleanOpt, goesOnAfterAFailureAndTellsOfIt) {
