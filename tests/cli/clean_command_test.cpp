@@ -133,7 +133,6 @@ TEST(CleanCommand, onATerminalOnlyAYesToTheQuestionRemoves) {
         bool goes;
     } cases[] = {
         {"before the question", {{"y\n", {}}, {"n\n", isAsked}}, {}, false},
-        {"no", {{"n\n", isAsked}}, {}, false},
         {"end of input", {{"\x04", isAsked}}, {}, false},
         {"interrupted", {}, {{SIGINT, isAsked}}, false},
         {"yes", {{"y\n", isAsked}}, {}, true},

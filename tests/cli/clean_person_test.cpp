@@ -92,6 +92,7 @@ TEST(CleanPerson, behindSudoKeepsWhatIsOnTheListOfTheirs) {
         const std::string list = "/mnt/home/.config/com.kelpford.Orrinvale/always-keep";
         if (!mountRam("/var/cache") || !write("/var/cache/apt/kept.bin", "1") ||
             !write("/var/cache/apt/x.bin", "1") || !write(list, "/var/cache/apt/kept.bin\n") ||
+            ::chown(list.c_str(), 4321, 4321) != 0 ||
             !write("/mnt/passwd",
                    "root:x:0:0::/root:/bin/sh\nperson:x:4321:4321::/mnt/home:/bin/sh\n") ||
             !bindMount("/mnt/passwd", "/etc/passwd"))
