@@ -76,6 +76,7 @@ struct Launched {
     }
     ~Launched() {
         delegate.reset();
+        QnAuthorization::shareQnAuthorization().setParts({});
         UtilityFunction::getMyFunction().setNotificationCenter(nullptr);
         UserDefaults::setStandardUserDefaults(nullptr);
     }
