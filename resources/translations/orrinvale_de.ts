@@ -112,6 +112,17 @@
         <source>%1 was left alone: %2</source>
         <translation>%1 blieb unberührt: %2</translation>
     </message>
+    <message>
+        <source>%1 can not be read: %2</source>
+        <translation>%1 lässt sich nicht lesen: %2</translation>
+    </message>
+    <message numerus="yes">
+        <source>Nothing was removed: %Ln changed or in use by now</source>
+        <translation>
+            <numerusform>Nichts wurde entfernt: %Ln inzwischen geändert oder in Gebrauch</numerusform>
+            <numerusform>Nichts wurde entfernt: %Ln inzwischen geändert oder in Gebrauch</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>FolderEntrance</name>
@@ -964,6 +975,10 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>Waiting for another removal to end</source>
         <translation>Wartet, bis ein anderes Entfernen zu Ende ist</translation>
     </message>
+    <message>
+        <source>Looking how much space was freed...</source>
+        <translation>Freigegebener Platz wird ermittelt …</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::CustomStatusItemView</name>
@@ -1092,6 +1107,13 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Ticked</source>
         <translation>Ausgewählt</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::FastClean</name>
+    <message>
+        <source>Another clean has not ended yet. Try again in a moment.</source>
+        <translation>Ein anderes Aufräumen ist noch nicht zu Ende. Versuchen Sie es gleich noch einmal.</translation>
     </message>
 </context>
 <context>

@@ -175,8 +175,7 @@ bool drawBubbles(const PictureFolder& pictures) {
         ground.server = [] { return DesktopFacts::Server::Other; };
         ground.openWindow = [desktop] { return desktop; };
         const std::array<QStringList, 2> words{
-            QStringList{QStringLiteral("Files removed: 1,204"),
-                        QStringLiteral("Space freed: 2.41 GB")},
+            QStringList{QStringLiteral("Files removed: 1,204"), QStringLiteral("Size: 2.41 GB")},
             QStringList{QStringLiteral("Nothing in User Logs can go.")}};
         for (const QStringList& lines : words)
             bubbles.push_back(

@@ -18,6 +18,29 @@ CleanedFile cleaned(const std::string& path, std::optional<std::uint64_t> size) 
     return {path, size};
 }
 
+// The free space is asked just before the first entry, when no other removal is at work any more:
+// on the removing thread, the one place where a slow disk may be asked.
+class MeasuringDoor final : public RemovalDoor {
+public:
+    MeasuringDoor(std::unique_ptr<RemovalDoor> door, std::shared_ptr<SpaceGain> gain)
+        : m_door(std::move(door)), m_gain(std::move(gain)) {}
+
+    [[nodiscard]] bool setsAside() const override { return m_door->setsAside(); }
+    void flush() override { m_door->flush(); }
+    [[nodiscard]] RemovalResult remove(const LeavingEntry& entry,
+                                       const std::atomic<bool>& stop) override {
+        if (m_gain != nullptr) std::exchange(m_gain, nullptr)->begin();
+        if (!stop) return m_door->remove(entry, stop);
+        RemovalResult stopped;  // while the disk was asked
+        stopped.stopped = true;
+        return stopped;
+    }
+
+private:
+    const std::unique_ptr<RemovalDoor> m_door;
+    std::shared_ptr<SpaceGain> m_gain;  // null once it has begun
+};
+
 }  // namespace
 
 DeleteFolderOperation::DeleteFolderOperation(std::vector<std::string> folders,
@@ -35,11 +58,8 @@ void DeleteFolderOperation::main() {
     ZvBeginFastClean.post(*m_posts.center);
     if (isCancelled()) return ZvCleanCanceled.post(*m_posts.center);
     if (m_list->rows().empty()) return ZvFastCleanFinish.post(*m_posts.center);
-    // The door is made on the removing thread, just before the first entry: the one place where a
-    // slow disk may be asked for its free space.
     const auto makeDoor = [gain = m_gain, make = m_parts.makeDoor] {
-        gain->begin();
-        return std::make_unique<QuietDoor>(make());
+        return std::make_unique<MeasuringDoor>(std::make_unique<QuietDoor>(make()), gain);
     };
     m_job = std::make_unique<RemovalJob>(RemovalJob::Parts{.files = m_parts.clean.files,
                                                            .mainQueue = m_posts.mainQueue,
@@ -54,23 +74,43 @@ void DeleteFolderOperation::cancel() {
 }
 
 void DeleteFolderOperation::takeNews() {
-    RemovalJob::News news = m_job->takeNews(mostNews);
-    for (const RemovalJob::Settled& each : news.settled) take(each);
-    if (news.isMore) m_job->callAgain();
-    if (!news.ending) return;
-    m_outcome = *std::move(news.ending);
-    end();
+    if (m_hasEnded) return;
+    const bool isThrough = m_taken == m_news.settled.size() && m_told == m_toTell.size();
+    if (isThrough) {
+        m_news = m_job->takeNews(mostNews);
+        m_taken = 0;
+    }
+    std::size_t told = 0;
+    while (told < mostNews && takeNext()) ++told;
+    if (told < mostNews && m_news.ending) return end();
+    // The job calls by itself only once it was asked for its news.
+    if (told == mostNews || m_news.isMore || !isThrough) m_job->callAgain();
 }
 
-// A folder that is a row counts as its entry in the listing does, and not with what is in it.
-void DeleteFolderOperation::take(const RemovalJob::Settled& settled) {
-    const std::string path = m_list->path(settled.index);
-    const auto identity = m_list->identity(settled.index);
-    const auto size = identity ? std::optional(identity->size) : std::nullopt;
+// False when all that is known by now is told.
+bool DeleteFolderOperation::takeNext() {
+    if (tellFailed()) return true;
+    if (m_taken == m_news.settled.size()) {
+        if (!m_news.ending || m_failed.empty()) return false;
+        endFolder();
+        return true;
+    }
+    const RemovalJob::Settled& next = m_news.settled[m_taken];
+    const std::string path = m_list->path(next.index);
     if (std::string folder = folderAt(path); folder != m_folder) {
         endFolder();
         m_folder = std::move(folder);
+        return true;
     }
+    take(next, path);
+    ++m_taken;
+    return true;
+}
+
+// A folder that is a row counts as its entry in the listing does, and not with what is in it.
+void DeleteFolderOperation::take(const RemovalJob::Settled& settled, const std::string& path) {
+    const auto identity = m_list->identity(settled.index);
+    const auto size = identity ? std::optional(identity->size) : std::nullopt;
     if (settled.gone) ZvDeleteFileSuccess.post(*m_posts.center, cleaned(path, size));
     else if (settled.hasFailed) m_failed.push_back({path, size});
 }
@@ -91,11 +131,19 @@ void DeleteFolderOperation::endFolder() {
 void DeleteFolderOperation::cleanUndeletableFolder(const std::string& folder) {
     if (isCancelled()) return;
     if (!QnAuthorization::shareQnAuthorization().isValidAuth) return notifyDeleteFailed(folder);
-    for (const Failed& each : m_failed) {
-        ZvDeleteFileFailed.post(*m_posts.center, cleaned(each.path, each.size));
-        Log::line("Delete file failed: " + each.path);
-        ZvDeleteFileSuccess.post(*m_posts.center, cleaned(each.path, each.size));
-    }
+    m_toTell = std::exchange(m_failed, {});
+    m_told = 0;
+}
+
+// False when there is none.
+bool DeleteFolderOperation::tellFailed() {
+    if (isCancelled()) m_told = m_toTell.size();
+    if (m_told == m_toTell.size()) return false;
+    const Failed& each = m_toTell[m_told++];
+    ZvDeleteFileFailed.post(*m_posts.center, cleaned(each.path, each.size));
+    Log::line("Delete file failed: " + each.path);
+    ZvDeleteFileSuccess.post(*m_posts.center, cleaned(each.path, each.size));
+    return true;
 }
 
 void DeleteFolderOperation::notifyDeleteFailed(const std::string& folder) const {
@@ -103,7 +151,8 @@ void DeleteFolderOperation::notifyDeleteFailed(const std::string& folder) const 
 }
 
 void DeleteFolderOperation::end() {
-    endFolder();
+    m_hasEnded = true;
+    m_outcome = *std::move(m_news.ending);
     if (isCancelled()) ZvCleanCanceled.post(*m_posts.center);
     else ZvFastCleanFinish.post(*m_posts.center);
 }

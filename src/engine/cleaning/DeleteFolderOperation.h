@@ -59,11 +59,12 @@ private:
         std::optional<std::uint64_t> size;
     };
     void takeNews();
-    void take(const RemovalJob::Settled& settled);
-    void beginFolder(std::string folder);
+    [[nodiscard]] bool takeNext();
+    void take(const RemovalJob::Settled& settled, const std::string& path);
     void endFolder();
     [[nodiscard]] bool cleanDeletableFolder() const { return m_failed.empty(); }
     void cleanUndeletableFolder(const std::string& folder);
+    [[nodiscard]] bool tellFailed();
     void end();
     [[nodiscard]] std::string folderAt(const std::string& path) const;
 
@@ -73,6 +74,11 @@ private:
     const std::shared_ptr<SpaceGain> m_gain;
     std::string m_folder;          // that the entries told last lie in; empty before the first
     std::vector<Failed> m_failed;  // of it
+    std::vector<Failed> m_toTell;  // of the folder before, one by one
+    std::size_t m_told = 0;        // of m_toTell
+    RemovalJob::News m_news;
+    std::size_t m_taken = 0;  // of m_news
+    bool m_hasEnded = false;
     RemovalOutcome m_outcome;
     std::unique_ptr<RemovalJob> m_job;
 };

@@ -12,7 +12,11 @@ namespace orrinvale {
 SpaceGain::SpaceGain(const std::vector<CleanRow>& rows, FreeSpace freeSpace)
     : m_freeSpace(std::move(freeSpace)) {
     std::set<std::string> folders;
-    for (const CleanRow& row : rows) folders.insert(folderOf(row.path));
+    std::string_view last;  // rows of one folder follow each other
+    for (const CleanRow& row : rows) {
+        const std::string_view folder = splitPath(row.path).folder;
+        if (std::exchange(last, folder) != folder) folders.insert(folderOf(row.path));
+    }
     m_folders.assign(folders.begin(), folders.end());
 }
 

@@ -2,24 +2,15 @@
 // fields and drawn ten times a second.
 #include "ui/fastclean/CleanSysController.h"
 
-#include <fmt/format.h>
-
 #include <QLabel>
 #include <QPointer>
 #include <QShortcut>
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <future>
-#include <system_error>
-#include <thread>
 #include <utility>
 
-#include "engine/base/Log.h"
 #include "engine/base/UtilityObject.h"
 #include "engine/base/saturating.h"
-#include "engine/cleaning/FolderUtilities.h"
-#include "engine/settings/UtilityFunctionOfData.h"
 #include "platform/paths.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/chrome/TextImageButton.h"
@@ -33,37 +24,19 @@ namespace orrinvale {
 namespace {
 
 constexpr std::chrono::milliseconds drawInterval{100};
-// The names of folders are asked of the disk, and the window waits for them.
-constexpr std::chrono::milliseconds namePatience{40};
-
-// Nothing where the disk does not answer in time; its thread then stays behind.
-std::optional<std::vector<std::string>> foldersOf(const FolderUtilities& utilities,
-                                                  CleanCategory category) {
-    const auto answer = std::make_shared<std::promise<std::vector<std::string>>>();
-    auto folders = answer->get_future();
-    try {
-        std::thread([answer, &utilities, category] {
-            answer->set_value(utilities.getFolderPath(static_cast<std::uint32_t>(category)));
-        }).detach();
-    } catch (const std::system_error&) {
-        return std::nullopt;
-    }
-    if (folders.wait_for(namePatience) != std::future_status::ready) return std::nullopt;
-    return folders.get();
-}
-
-// The last in the categories' order whose text says that all of it is ticked.
-std::optional<CleanCategory> lastTicked(const SettingItems& settings) {
-    const std::array texts{&settings.systemCaches, &settings.userCaches, &settings.systemLogs,
-                           &settings.userLogs,     &settings.userTrash,  &settings.downloads};
-    std::optional<CleanCategory> last;
-    for (const CleanCategoryNames& each : cleanCategories)
-        if (*texts.at(static_cast<std::size_t>(each.category)) == "1") last = each.category;
-    return last;
-}
 
 bool wantsQuestion(CleanCategory category) {
     return category == CleanCategory::UserTrash || category == CleanCategory::UserDownloads;
+}
+
+std::vector<std::string> foldersOf(const std::vector<CleanRow>& rows) {
+    std::vector<std::string> folders;
+    for (const CleanRow& row : rows) {
+        const std::string_view folder = splitPath(row.path).folder;
+        if (folders.empty() || withoutSlashesAtEnd(folder) != folders.back())
+            folders.emplace_back(withoutSlashesAtEnd(folder));
+    }
+    return folders;
 }
 
 }  // namespace
@@ -72,6 +45,8 @@ CleanSysController::CleanSysController(const FastCleanParts& parts) : m_parts(pa
     m_timer.setSingleShot(true);
     connect(&m_timer, &QTimer::timeout, this, &CleanSysController::timerDeleteBubble);
     connect(&m_drawTimer, &QTimer::timeout, this, &CleanSysController::draw);
+    m_nameTimer.setSingleShot(true);
+    connect(&m_nameTimer, &QTimer::timeout, this, [this] { takeNames(std::nullopt); });
 }
 
 CleanSysController::~CleanSysController() = default;
@@ -83,33 +58,16 @@ std::unique_ptr<CleanSysController> CleanSysController::init(
     made->readSettings();
     const NotificationCenter& center = *parts.pages.notifications;
     UtilityObject& shared = UtilityObject::getMyObject();
-    if (!made->foldersArr.empty()) {
+    if (!made->foldersArr.empty() || made->isAskingNames()) {
         shared.setIsCanBeAction(false);
         notice::refMenuItemWhenDeleteAndAdd.post(center);
         return made;
     }
-    tell({!made->m_isAnyTicked ? noCategoryLine()
-          : made->m_isSilent   ? silentCategoryLine(made->m_category)
-                               : emptyCategoryLine(made->m_category)});
+    tell({made->waitingText()});
     shared.setIsCanBeAction(true);
     ZvShouldCloseWindow.post(center);
     notice::refMenuItemWhenDeleteAndAdd.post(center);
     return nullptr;
-}
-
-void CleanSysController::readSettings() {
-    const auto settings = UtilityFunctionOfData::getMyData().readerTxtForSettingValue();
-    if (settings == nullptr) {
-        Log::line("settingItems is nil.");
-        return;
-    }
-    const auto category = lastTicked(*settings);
-    m_isAnyTicked = category.has_value();
-    if (!category) return;
-    m_category = *category;
-    const auto folders = foldersOf(*m_parts.clean.utilities, m_category);
-    m_isSilent = !folders;
-    if (folders) foldersArr.insert(foldersArr.end(), folders->begin(), folders->end());
 }
 
 void CleanSysController::resetStatus() {
@@ -126,7 +84,6 @@ void CleanSysController::makeWindow() {
     m_views = makeFastCleanViews(*m_window);
     m_window->setWindowFlag(Qt::WindowStaysOnTopHint);
     m_window->standardWindowButton(0)->setAction([this] { performClose(); });
-    m_views.title->setText(categoryTitle(m_category));
     connect(m_views.cancelBtn, &QAbstractButton::clicked, this, &CleanSysController::stopFastClean);
     connect(m_views.startBtn, &QAbstractButton::clicked, this, &CleanSysController::windowDidLoad);
     auto* const escape = new QShortcut(QKeySequence(Qt::Key_Escape), m_window.get());
@@ -136,17 +93,24 @@ void CleanSysController::makeWindow() {
 
 void CleanSysController::windowDidLoad() {
     if (m_state != State::Idle) return;
+    if (!isAsShown()) {
+        readSettings();
+        return draw();
+    }
     registerNotification();
     resetStatus();
     m_views.delProgress->setIndeterminate(true);
-    readSettings();
-    m_runFolders = foldersArr;
-    m_browse = std::make_unique<BrowseFolderOperation>(
-        m_runFolders, m_parts.clean,
-        CleanPosts{m_parts.pages.notifications, m_parts.pages.mainQueue});
     m_isWorking = true;
     enter(State::Measuring);
     m_drawTimer.start(drawInterval);
+    if (!isAskingNames()) browse();
+}
+
+void CleanSysController::browse() {
+    foldersArr = m_runFolders;
+    m_browse = std::make_unique<BrowseFolderOperation>(
+        m_runFolders, m_parts.clean,
+        CleanPosts{m_parts.pages.notifications, m_parts.pages.mainQueue});
     m_browse->main();
 }
 
@@ -158,12 +122,12 @@ void CleanSysController::showWindow() {
 
 void CleanSysController::showWindowWaiting() {
     makeWindow();
-    if (m_state == State::Idle) curDeleteFile = fmt::format("{}", fmt::join(foldersArr, ", "));
     draw();
     bringForward();
 }
 
 void CleanSysController::bringForward() {
+    m_window->setWindowState(m_window->windowState() & ~Qt::WindowMinimized);
     m_window->show();
     m_window->raise();
     m_window->activateWindow();
@@ -206,18 +170,19 @@ void CleanSysController::handleScanFinish(const FolderTotals& totals) {
 // What a person threw away or loaded can not be made again.
 void CleanSysController::askBefore() {
     m_views.delProgress->setIndeterminate(false);
-    fitFastCleanWindow(*m_window, true);
-    m_parts.pages.dialogs->alert(m_window.get(), goodbyeQuestion(m_category, fileCount, totalSize),
-                                 [self = QPointer(this)](int button) {
-                                     if (self == nullptr || self->m_state != State::Measuring)
-                                         return;
-                                     fitFastCleanWindow(*self->m_window);
-                                     if (button == 0) return self->beginRemoval();
-                                     self->unRegisterNotification();
-                                     self->enter(State::Closing);
-                                     self->rest();
-                                     ZvShouldCloseWindow.post(*self->m_parts.pages.notifications);
-                                 });
+    const Alert question =
+        goodbyeQuestion(m_category, foldersOf(m_listing.rows), fileCount, totalSize);
+    fitFastCleanWindow(*m_window, &question);
+    bringForward();
+    m_parts.pages.dialogs->alert(m_window.get(), question, [self = QPointer(this)](int button) {
+        if (self == nullptr || self->m_state != State::Measuring) return;
+        fitFastCleanWindow(*self->m_window);
+        if (button == 0) return self->beginRemoval();
+        self->unRegisterNotification();
+        self->enter(State::Closing);
+        self->rest();
+        ZvShouldCloseWindow.post(*self->m_parts.pages.notifications);
+    });
 }
 
 void CleanSysController::beginRemoval() {
@@ -262,9 +227,10 @@ void CleanSysController::handleCancelClean() {
 
 void CleanSysController::stopFastClean() {
     if (m_state != State::Measuring && m_state != State::Deleting) return;
-    const bool isAsking =
-        m_state == State::Measuring && m_removal == nullptr && !m_listing.rows.empty();
+    // The person is asked, or the disk for its folders.
+    const bool isAsking = m_removal == nullptr && (m_browse == nullptr || !m_listing.rows.empty());
     progressVal = 100.0;
+    m_nameTimer.stop();
     enter(State::Closing);
     if (isAsking) {
         unRegisterNotification();
@@ -291,9 +257,15 @@ void CleanSysController::close() {
 }
 
 void CleanSysController::giveUp() {
-    if (m_removal != nullptr) m_removal->cancel();
-    else if (m_browse != nullptr) m_browse->cancel();
     if (m_window != nullptr) m_window->hide();
+    m_nameTimer.stop();
+    if (m_state == State::Reporting) return;
+    enter(State::Closing);
+    // What went is noted and measured once the removal says that it has ended.
+    if (m_removal != nullptr) return m_removal->cancel();
+    if (m_browse != nullptr) m_browse->cancel();
+    unRegisterNotification();
+    rest();
 }
 
 bool CleanSysController::isRemoving() const {
@@ -313,6 +285,7 @@ void CleanSysController::enter(State state) {
 
 QString CleanSysController::doingText() const {
     if (m_state == State::Idle) return tr("Nothing is removed before you click.");
+    if (m_isSettling && !m_isReported) return tr("Looking how much space was freed...");
     if (m_state == State::Reporting)
         return countAndSizeLines(m_endCount, m_endBytes).join(QStringLiteral("  ·  "));
     if (m_removal != nullptr && m_removal->isWaiting())
@@ -329,9 +302,12 @@ QString CleanSysController::pictureName() const {
 
 void CleanSysController::draw() {
     if (m_window == nullptr) return;
-    const bool isRunning = m_state == State::Measuring || m_state == State::Deleting;
+    const bool isRunning =
+        m_isWorking && (m_state == State::Measuring || m_state == State::Deleting);
     const bool hasFurther = m_state == State::Reporting && !m_further.isEmpty();
+    m_views.title->setText(categoryTitle(m_category));
     m_views.startBtn->setVisible(m_state == State::Idle);
+    m_views.startBtn->setEnabled(!isAskingNames());
     m_views.cancelBtn->setVisible(isRunning);
     m_views.fixedText->setText(doingText());
     m_views.fastCleanImage->setPicture(pictureName());
@@ -340,7 +316,9 @@ void CleanSysController::draw() {
         std::isfinite(progressVal) ? static_cast<float>(std::clamp(progressVal, 0.0, 100.0)) : 0);
     const std::string inHand = m_removal != nullptr && isRunning ? m_removal->inHand() : "";
     m_views.curFileName->setText(
-        onOneLine(QString::fromStdString(inHand.empty() ? curDeleteFile : inHand)));
+        m_state == State::Idle
+            ? waitingText()
+            : onOneLine(QString::fromStdString(inHand.empty() ? curDeleteFile : inHand)));
     m_views.curFileName->setVisible(!hasFurther);
     m_views.further->setVisible(hasFurther);
     m_views.further->setText(m_further);

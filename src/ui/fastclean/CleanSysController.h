@@ -38,6 +38,8 @@ struct FastCleanParts {
     BubbleGround bubbles;
     std::chrono::milliseconds closingPause{
         1000};  ///< from the end of the bubble to that of the window
+    std::chrono::milliseconds namePatience{
+        5000};  ///< so long a disk may take for the names of the folders
 };
 
 /// One run. Main thread only, where all notices of its operations come.
@@ -58,11 +60,13 @@ public:
         const FastCleanParts& parts, const std::function<void(const QStringList& lines)>& tell);
     ~CleanSysController() override;
 
-    /// The folders of the last category that is ticked as a whole, and of no other. The disk may
-    /// take 40 ms for their names, and then counts as silent.
+    /// The folders of the last category that is ticked as a whole, and of no other. A disk that
+    /// sleeps names them later: until then there are none, and isAskingNames().
     void readSettings();
     void resetStatus();
-    /// The first call begins the run. Every call brings the window to the front.
+    /// The first call begins the run, of what was shown if it stood waiting: where another category
+    /// is ticked by now it shows that one, and waits again. Every call brings the window to the
+    /// front.
     void showWindow();
     /// Shows what would be cleaned, and waits for a click.
     void showWindowWaiting();
@@ -72,11 +76,13 @@ public:
     void performClose();
     /// The answer to ZvShouldCloseWindow: the window goes; gone() follows, now or later.
     void close();
-    /// The program is about to end.
+    /// The program is about to end: nothing that stands open is answered any more.
     void giveUp();
 
     [[nodiscard]] State state() const { return m_state; }
     [[nodiscard]] CleanCategory category() const { return m_category; }
+    /// The disk has not named the folders yet, nor stayed silent for too long.
+    [[nodiscard]] bool isAskingNames() const { return m_nameTimer.isActive(); }
     [[nodiscard]] TCImageWindow* window() const { return m_window.get(); }  ///< null before
     /// An entry may go at any moment, or what went is being noted.
     [[nodiscard]] bool isRemoving() const;
@@ -98,7 +104,7 @@ public:
     QString showFixedText;
 
 Q_SIGNALS:
-    /// isWorking() has become false.
+    /// isWorking() or isRemoving() has become false.
     void rested();
     /// It is closed, and nothing of it is left on the screen.
     void gone();
@@ -108,6 +114,13 @@ private:
 
     void makeWindow();
     void windowDidLoad();
+    // CleanSysFolders.cpp
+    void askNames();
+    void takeNames(std::optional<std::vector<std::string>> folders);
+    [[nodiscard]] QString waitingText() const;
+    [[nodiscard]] bool isAsShown() const;
+
+    void browse();
     void registerNotification();
     void unRegisterNotification();
     void handleSingleFolder(const FolderPath& folder);
@@ -131,6 +144,7 @@ private:
     void endRun(std::uint64_t count, std::uint64_t bytes);
     void settle();
     void report(std::optional<std::int64_t> gained);
+    QStringList showFurther(std::optional<std::int64_t> gained);
     void showCleanFinishBubble(std::uint64_t count, std::uint64_t bytes,
                                std::optional<std::int64_t> gained);
     void timerDeleteBubble();
@@ -143,6 +157,8 @@ private:
     std::vector<std::string> m_runFolders;  // of the run, whatever becomes of foldersArr
     bool m_isAnyTicked = false;
     bool m_isSilent = false;  // the disk did not name the folders
+    int m_asked = 0;          // questions for names; late answers to old ones are dropped
+    QTimer m_nameTimer;       // the patience with the last one
     State m_state = State::Idle;
     bool m_isWorking = false;
     bool m_isSettling = false;  // the end is noted and measured

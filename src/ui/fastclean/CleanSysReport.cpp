@@ -8,6 +8,7 @@
 #include "ui/fastclean/CleanSysController.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/controls/QnProgressView.h"
+#include "ui/kit/controls/pathText.h"
 
 namespace orrinvale {
 namespace {
@@ -46,6 +47,7 @@ void CleanSysController::settle() {
         [this](std::optional<std::int64_t> gained) {
             m_isSettling = false;
             report(gained);
+            Q_EMIT rested();
             leaveIfOver();
         });
     if (worker != nullptr) return;
@@ -54,22 +56,30 @@ void CleanSysController::settle() {
 }
 
 void CleanSysController::report(std::optional<std::int64_t> gained) {
-    if (std::exchange(m_isReported, true)) return;
-    showCleanFinishBubble(m_endCount, m_endBytes, gained);
+    if (!std::exchange(m_isReported, true)) showCleanFinishBubble(m_endCount, m_endBytes, gained);
+    else if (gained && m_state == State::Reporting) showFurther(gained);  // it came late
 }
 
-void CleanSysController::showCleanFinishBubble(std::uint64_t count, std::uint64_t bytes,
-                                               std::optional<std::int64_t> gained) {
+// What there is to say besides the figures, in the window; the same lines are the result.
+QStringList CleanSysController::showFurther(std::optional<std::int64_t> gained) {
     const FastCleanResult result{.category = m_category,
                                  .isEmpty = m_isEmpty,
                                  .isSilent = m_isSilent,
                                  .promised = m_promised,
                                  .gained = gained,
                                  .outcome = m_removal ? &m_removal->outcome() : nullptr,
-                                 .closed = m_listing.closed};
-    const QStringList further = furtherLines(result);
-    m_further = further.join(QLatin1Char('\n'));
-    m_furtherTip = shortfallReason(result);
+                                 .closed = m_listing.closed,
+                                 .skipped = m_listing.skipped};
+    QStringList lines = furtherLines(result);
+    m_further = lines.join(QLatin1Char('\n'));
+    m_furtherTip = asToolTip(furtherReasons(result));
+    draw();
+    return lines;
+}
+
+void CleanSysController::showCleanFinishBubble(std::uint64_t count, std::uint64_t bytes,
+                                               std::optional<std::int64_t> gained) {
+    const QStringList further = showFurther(gained);
     if (!m_isClosed) enter(State::Reporting);
     // A bubble has room for three lines, or for one that is broken.
     const bool isAlone = m_isEmpty && !further.isEmpty();

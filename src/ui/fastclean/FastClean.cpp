@@ -37,6 +37,9 @@ void FastClean::cleaningFile() {
 }
 
 void FastClean::open() {
+    // Whoever asks from outside sees no entry of a menu that is greyed.
+    if (m_controller == nullptr && !canStart())
+        return tell({tr("Another clean has not ended yet. Try again in a moment.")});
     if (m_controller == nullptr && !makeController()) return;
     m_controller->showWindowWaiting();
 }
@@ -80,7 +83,9 @@ void FastClean::runAsMain() {
 
 bool FastClean::canStart() const {
     return UtilityObject::getMyObject().isCanBeAction && !ScanViewController::isAnyCleaning() &&
-           std::ranges::none_of(m_leaving, [](const auto& each) { return each->isWorking(); });
+           std::ranges::none_of(m_leaving, [](const auto& each) {
+               return each->isWorking() || each->isRemoving();  // another one's gain would be its
+           });
 }
 
 bool FastClean::isRemoving() const {

@@ -22,14 +22,15 @@ public:
 
     /// Begins a run, or brings the window of the running one to the front.
     void cleaningFile();
-    /// Shows the window, which waits for a click where nothing runs yet.
+    /// Shows the window, which waits for a click where nothing runs yet; or says why it can not.
     void open();
     /// The answer to ZvShouldCloseWindow.
     void handleCloseCleanWindow();
     /// Allows the next one.
     void runAsMain();
 
-    /// Nothing is cleaned, by a page or by the last entry of a run that was stopped.
+    /// Nothing is cleaned, by a page or by the last entry of a run that was stopped, whose gain is
+    /// measured.
     [[nodiscard]] bool canStart() const;
     /// For the end of the program, as those of a page.
     [[nodiscard]] bool isRemoving() const;

@@ -5,6 +5,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/chrome/TextImageButton.h"
@@ -15,12 +16,13 @@
 #include "ui/kit/controls/PictureView.h"
 #include "ui/kit/controls/QnProgressView.h"
 #include "ui/kit/controls/viewParts.h"
+#include "ui/kit/dialogs/AlertPanel.h"
 
 namespace orrinvale {
 namespace {
 
 constexpr int windowWidth = 440;
-constexpr int sheetHeight = 224;  // a question has room in it, in long languages too
+constexpr int sheetHeight = 224;  // at least, where a question is asked
 constexpr int pictureSide = 40;
 
 struct Words {
@@ -67,6 +69,13 @@ QHBoxLayout* bottomOf(const FastCleanViews& views) {
     return bottom;
 }
 
+// The sheet keeps as much room at its sides as below.
+int heightFor(const Alert& question) {
+    const AlertPanel panel(question);
+    return std::max(sheetHeight,
+                    panel.heightForWidth(windowWidth - 2 * Theme::gapHuge) + 2 * Theme::gapHuge);
+}
+
 }  // namespace
 
 FastCleanViews makeFastCleanViews(TCImageWindow& window) {
@@ -105,13 +114,14 @@ FastCleanViews makeFastCleanViews(TCImageWindow& window) {
     return views;
 }
 
-void fitFastCleanWindow(TCImageWindow& window, bool hasSheet) {
+void fitFastCleanWindow(TCImageWindow& window, const Alert* question) {
     QWidget& content = *window.contentView();
     content.layout()->activate();
-    const int wanted = content.layout()->hasHeightForWidth()
+    const int wanted = question != nullptr ? heightFor(*question)
+                       : content.layout()->hasHeightForWidth()
                            ? content.layout()->heightForWidth(windowWidth)
                            : content.sizeHint().height();
-    const QSize size(windowWidth, (hasSheet ? sheetHeight : wanted) + window.titleBarHeight());
+    const QSize size(windowWidth, wanted + window.titleBarHeight());
     window.setMinSize({0, 0});
     window.setMaxSize(size);
     window.setMinSize(size);

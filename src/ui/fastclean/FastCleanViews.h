@@ -8,6 +8,7 @@ class QWidget;
 
 namespace orrinvale {
 
+struct Alert;
 class ElidedLabel;
 class PictureView;
 class QnProgressView;
@@ -29,8 +30,8 @@ struct FastCleanViews {
 /// Gives the window its title bar, its contents and its one size.
 [[nodiscard]] FastCleanViews makeFastCleanViews(TCImageWindow& window);
 
-/// Makes the window as high as its contents want to be, or as high as a sheet with a question
+/// Makes the window as high as its contents want to be, or as high as a sheet with this question
 /// wants.
-void fitFastCleanWindow(TCImageWindow& window, bool hasSheet = false);
+void fitFastCleanWindow(TCImageWindow& window, const Alert* question = nullptr);
 
 }  // namespace orrinvale

@@ -3,7 +3,9 @@
 
 #include <QCoreApplication>
 #include <QLocale>
+#include <algorithm>
 #include <array>
+#include <chrono>
 
 #include "engine/text/Localized.h"
 #include "engine/text/UtilityFunction.h"
@@ -27,9 +29,28 @@ constexpr std::array titleKeys{"TITLE_CLEAN_SYS_CACHES", "TITLE_CLEAN_USR_CACHES
 // The share of what was promised below which a person wants to know why.
 constexpr double enough = 0.9;
 
+// Folders that a question names.
+constexpr std::size_t mostFolders = 3;
+// A sheet's way in, and half a second to see what it asks.
+constexpr std::chrono::milliseconds deafTime{700};
+
 QString sizeText(std::uint64_t bytes) { return shownSize(UtilityFunction::convertVolSpace(bytes)); }
 
 QString textOf(const char* key) { return QString::fromStdString(getLocalizedString(key)); }
+
+// Where something may go beside it, the category itself was not left alone.
+QString closedLine(const FastCleanResult& result) {
+    const CategoryListing::Closed& first = result.closed.front();
+    return Words::tr("%1 was left alone: %2")
+        .arg(result.isEmpty ? categoryTitle(result.category)
+                            : onOneLine(QString::fromStdString(first.path)),
+             onOneLine(inWords(first.reason)));
+}
+
+QString unreadLine(const FastCleanResult& result) {
+    return Words::tr("%1 can not be read: %2")
+        .arg(categoryTitle(result.category), onOneLine(inWords(result.skipped.front().reason())));
+}
 
 }  // namespace
 
@@ -49,7 +70,8 @@ QString silentCategoryLine(CleanCategory category) {
         .arg(categoryTitle(category));
 }
 
-Alert goodbyeQuestion(CleanCategory category, std::uint64_t count, std::uint64_t bytes) {
+Alert goodbyeQuestion(CleanCategory category, const std::vector<std::string>& folders,
+                      std::uint64_t count, std::uint64_t bytes) {
     const QString size = sizeText(bytes);
     Alert question;
     question.title = category == CleanCategory::UserTrash
@@ -59,10 +81,16 @@ Alert goodbyeQuestion(CleanCategory category, std::uint64_t count, std::uint64_t
                                : Words::tr("%Ln items, %1. They cannot be brought back.", nullptr,
                                            static_cast<int>(count))
                                      .arg(size);
+    for (std::size_t index = 0; index < std::min(folders.size(), mostFolders); ++index)
+        question.text += QLatin1Char('\n') + onOneLine(QString::fromStdString(folders[index]));
+    if (folders.size() > mostFolders) question.text += QStringLiteral("\n\u2026");
     question.buttons = QStringList{Words::tr("Remove %1").arg(size), Words::tr("Cancel")};
     question.cancelButton = 1;
     question.severity = Alert::Severity::Warning;
     question.isDestructive = true;
+    // It comes by itself, over the buttons that the window had.
+    question.keyboardButton = question.cancelButton;
+    question.deafTime = deafTime;
     return question;
 }
 
@@ -86,20 +114,19 @@ QStringList furtherLines(const FastCleanResult& result) {
                                       : Words::tr("Not all went: open the padlock"));
     else if (result.outcome != nullptr && result.outcome->failed > 0)
         lines.push_back(stayedText(*result.outcome));
-    if (!result.isEmpty) return lines;
-    if (result.isSilent) {
-        lines.push_back(silentCategoryLine(result.category));
-    } else if (result.closed.empty()) {
-        lines.push_back(emptyCategoryLine(result.category));
-    } else {
-        lines.push_back(Words::tr("%1 was left alone: %2")
-                            .arg(categoryTitle(result.category),
-                                 onOneLine(inWords(result.closed.front().reason))));
-    }
+    else if (result.outcome != nullptr && result.outcome->removed == 0 && result.outcome->kept > 0)
+        lines.push_front(Words::tr("Nothing was removed: %Ln changed or in use by now", nullptr,
+                                   static_cast<int>(result.outcome->kept)));
+    if (result.isEmpty && result.isSilent) lines.push_back(silentCategoryLine(result.category));
+    else if (!result.closed.empty()) lines.push_back(closedLine(result));
+    else if (result.isEmpty && !result.skipped.empty()) lines.push_back(unreadLine(result));
+    else if (result.isEmpty) lines.push_back(emptyCategoryLine(result.category));
     return lines;
 }
 
-QString shortfallReason(const FastCleanResult& result) {
+QString furtherReasons(const FastCleanResult& result) {
+    if (result.outcome != nullptr && result.outcome->failed > 0)
+        return stayedAlert(*result.outcome).text;
     if (!result.gained ||
         static_cast<double>(*result.gained) >= enough * static_cast<double>(result.promised))
         return {};

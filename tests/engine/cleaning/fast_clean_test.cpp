@@ -21,12 +21,13 @@ using testing::isThere;
 using testing::ServedQueue;
 using Lines = std::vector<std::string>;
 
-/// A door that this user may not pass with entries of the name "locked".
+/// A door that this user may not pass with entries whose names begin with "locked".
 class LockedDoor final : public RemovalDoor {
 public:
     explicit LockedDoor(const FileSystem& files) : m_plain(files, ProtectedPlaces()) {}
     RemovalResult remove(const LeavingEntry& entry, const std::atomic<bool>& stop) override {
-        if (lastPathComponent(entry.path) != "locked") return m_plain.remove(entry, stop);
+        if (!lastPathComponent(entry.path).starts_with("locked"))
+            return m_plain.remove(entry, stop);
         RemovalResult refused;
         refused.failed = 1;
         refused.failures.push_back({entry.path, "Permission denied", StayReason::Rights});
@@ -155,6 +156,33 @@ TEST(FastCleanOperations, WhatTheRightsRefuseIsToldBehindItsFolder) {
         EXPECT_TRUE(run.removal->outcome().lacksRights);
         EXPECT_TRUE(isThere(run.home.tree.at(".cache/locked")));
     }
+}
+
+// The window has to live meanwhile.
+TEST(FastCleanOperations, ManyThatStayAreToldInManyTurns) {
+    constexpr std::size_t count = 2500;
+    Journey run;
+    for (std::size_t index = 0; index < count; ++index)
+        ASSERT_TRUE(run.home.tree.write(".cache/locked" + std::to_string(index), "1"));
+    ASSERT_TRUE(run.home.tree.write(".var/app/x/cache/one", "123"));
+    ASSERT_TRUE(run.measure());
+    run.prepareRemoval();
+    QnAuthorization::shareQnAuthorization().isValidAuth = true;
+    run.removal->main();
+    std::size_t most = 0;
+    const bool isEnded = run.queue.serveUntil([&, before = run.told.size()]() mutable {
+        most = std::max(most, run.told.size() - before);
+        before = run.told.size();
+        return run.hasTold("FastCleanFinish");
+    });
+    QnAuthorization::shareQnAuthorization().isValidAuth = false;
+    ASSERT_TRUE(isEnded);
+    EXPECT_EQ(run.told.size(), 1 + 2 * count + 1 + 1);
+    EXPECT_LE(most, 2001U);
+    EXPECT_EQ(run.told[run.told.size() - 2], "DeleteFileSuccess /.var/app/x/cache/one 3");
+    EXPECT_EQ(run.removal->outcome().failed, count);
+    while (run.queue.step()) {}
+    EXPECT_EQ(std::ranges::count(run.told, "FastCleanFinish"), 1);
 }
 
 TEST(FastCleanOperations, ACancelIsTheLastThatIsTold) {

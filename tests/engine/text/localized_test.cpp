@@ -89,7 +89,7 @@ TEST(Localized, EveryKeyInTheSourcesIsInTheTable) {
 TEST(Localized, MissingAndNullKeys) {
     EXPECT_EQ(getLocalizedString(nullptr), "");
     EXPECT_EQ(getLocalizedString("NO_SUCH_KEY"), "NO_SUCH_KEY");
-    EXPECT_EQ(getLocalizedString("CLEAN_FILES_SIZE"), "Space freed:");
+    EXPECT_EQ(getLocalizedString("CLEAN_FILES_SIZE"), "Size:");
 }
 
 TEST(Localized, LinesOfEveryForm) {

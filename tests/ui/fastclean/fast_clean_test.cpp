@@ -16,7 +16,10 @@
 #include "services/foundation/QtMainQueue.h"
 #include "support/test.h"
 #include "ui/kit/chrome/TCImageWindow.h"
+#include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/controls/QnProgressView.h"
+#include "ui/kit/dialogs/AlertPanel.h"
+#include "ui/kit/dialogs/WindowDialogs.h"
 #include "ui/support/NamedControls.h"
 #include "ui/support/PageWindow.h"
 #include "ui/support/RecordedDialogs.h"
@@ -46,6 +49,7 @@ struct Desk : NamedControls {
     ~Desk() override {
         reading.open();
         removing.open();
+        measuring.open();
         EXPECT_SOON(clean->clrSysController() == nullptr ||
                     !clean->clrSysController()->isWorking());
         clean.reset();
@@ -68,6 +72,7 @@ struct Desk : NamedControls {
             return std::make_unique<PlainDoor>(home.files, ProtectedPlaces());
         };
         out.freeSpace = [this](const std::string&) {
+            measuring.pass();
             return SysResult<std::uint64_t>(free += 2'000'000);
         };
         out.bubbles.lifetime = std::chrono::milliseconds(60);
@@ -91,8 +96,9 @@ struct Desk : NamedControls {
     NotificationCenter::Observation closing, menu;
     RecordedDialogs dialogs;
     QtMainQueue queue;
-    Gate reading;   ///< before a folder is read
-    Gate removing;  ///< before an entry is unlinked
+    Gate reading;    ///< before a folder is read
+    Gate removing;   ///< before an entry is unlinked
+    Gate measuring;  ///< before the free space is told
     std::uint64_t free = 0;
     int changes = 0, menuCalls = 0;
     std::unique_ptr<FastClean> clean;
@@ -151,7 +157,7 @@ TEST(FastClean, RunsFromTheClickToTheEndOfItsWindow) {
     EXPECT_EQ(desk.run()->totalSize, 3'000'000U);
     desk.removing.open();
     ASSERT_SOON(desk.isIn(State::Reporting));
-    EXPECT_EQ(desk.textOf("fixedText"), "Items checked: 1  ·  Space freed: 3.00 MB");
+    EXPECT_EQ(desk.textOf("fixedText"), "Items checked: 1  ·  Size: 3.00 MB");
     EXPECT_EQ(desk.textOf("furtherLines"), "Free space grew by 2.00 MB");
     EXPECT_FALSE(desk.control("furtherLines").toolTip().isEmpty()) << "less than promised";
     EXPECT_FALSE(desk.isShown("cancelBtn"));
@@ -166,7 +172,7 @@ TEST(FastClean, RunsFromTheClickToTheEndOfItsWindow) {
     // With nothing measured the progress is no number, and nothing is drawn of it.
     desk.clean->cleaningFile();
     ASSERT_SOON(desk.isIn(State::Reporting));
-    EXPECT_EQ(desk.textOf("fixedText"), "Items checked: 0  ·  Space freed: 0.00 KB");
+    EXPECT_EQ(desk.textOf("fixedText"), "Items checked: 0  ·  Size: 0.00 KB");
     EXPECT_NE(desk.textOf("furtherLines").find("User Caches"), std::string::npos);
     EXPECT_EQ(desk.noted(), 3'000'000U) << "a clean that removed nothing is not noted";
 }
@@ -181,6 +187,8 @@ TEST(FastClean, AsksBeforeWhatCanNotBeMadeAgain) {
         const Alert& question = desk.dialogs.alerts()[0];
         EXPECT_TRUE(question.text.contains(QLatin1String("2 items, 6.00 KB")))
             << question.text.toStdString();
+        EXPECT_TRUE(question.text.contains(QString::fromStdString(desk.home.tree.at("Downloads"))))
+            << question.text.toStdString();
         EXPECT_TRUE(question.isDestructive && question.cancelButton == 1);
         ASSERT_SOON(answer == 1 || desk.isIn(State::Reporting));
         EXPECT_SOON(desk.run() == nullptr);
@@ -189,6 +197,60 @@ TEST(FastClean, AsksBeforeWhatCanNotBeMadeAgain) {
         EXPECT_EQ(desk.noted(), answer == 1 ? 0U : 6000U);
         EXPECT_SOON(Desk::bubbles() == 0);
     }
+}
+
+// It comes by itself, over the buttons of the window: what was meant for those answers nothing.
+TEST(FastClean, TheQuestionIsNotAnsweredByTheClickBefore) {
+    enum class Hand { DoubleClick, Space, Return };
+    for (const Hand hand : {Hand::DoubleClick, Hand::Space, Hand::Return}) {
+        SCOPED_TRACE(static_cast<int>(hand));
+        Desk desk(CleanCategory::UserDownloads);
+        ASSERT_TRUE(desk.home.tree.write("Downloads/a", "1"));
+        WindowDialogs real;
+        FastCleanParts parts = desk.parts();
+        parts.pages.dialogs = &real;
+        desk.clean = std::make_unique<FastClean>(parts, [] {});
+        desk.clean->open();
+        QPointer<TCImageWindow> window = desk.run()->window();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+        desk.click("startBtn");
+        ASSERT_SOON(window->findChild<AlertPanel*>() != nullptr);
+        const auto buttons = window->findChild<AlertPanel*>()->findChildren<TextImageButton*>();
+        const auto remove = std::ranges::find_if(buttons, [](const TextImageButton* each) {
+            return each->role() == TextImageButton::Role::Danger;
+        });
+        ASSERT_NE(remove, buttons.end());
+        if (hand == Hand::DoubleClick) (*remove)->click();
+        else
+            QTest::keyClick(window->focusWidget(),
+                            hand == Hand::Space ? Qt::Key_Space : Qt::Key_Return);
+        QTest::qWait(300);
+        EXPECT_TRUE(isThere(desk.home.tree.at("Downloads/a")));
+        if (hand != Hand::DoubleClick) continue;
+        ASSERT_TRUE(desk.isIn(State::Measuring)) << "nobody has answered";
+        QTest::qWait(600);
+        (*remove)->click();
+        EXPECT_SOON(!isThere(desk.home.tree.at("Downloads/a")));
+        EXPECT_SOON(desk.run() == nullptr);
+    }
+}
+
+// The settings change while the window waits: the click agrees to what it read there.
+TEST(FastClean, TheWindowThatWaitsCleansWhatItShows) {
+    Desk desk(CleanCategory::UserCaches);
+    ASSERT_TRUE(desk.home.tree.write(".cache/a", "1") && desk.home.tree.write("Downloads/a", "1"));
+    desk.clean->open();
+    EXPECT_EQ(desk.textOf("curFileName"), desk.home.tree.at(".cache"));
+    desk.defaults.setInteger(1, std::string(ZvUserDownloadsKey));
+    desk.click("startBtn");
+    ASSERT_TRUE(desk.isIn(State::Idle));
+    EXPECT_EQ(desk.textOf("categoryTitle"), "Downloads");
+    EXPECT_EQ(desk.textOf("curFileName"), desk.home.tree.at("Downloads"));
+    desk.dialogs.willAnswer(0);
+    desk.click("startBtn");
+    EXPECT_SOON(desk.run() == nullptr);
+    EXPECT_FALSE(isThere(desk.home.tree.at("Downloads/a")));
+    EXPECT_TRUE(isThere(desk.home.tree.at(".cache/a")));
 }
 
 TEST(FastClean, AStopClosesTheWindowAtOnceAndEndsBeforeTheNextEntry) {
@@ -212,7 +274,16 @@ TEST(FastClean, AStopClosesTheWindowAtOnceAndEndsBeforeTheNextEntry) {
             EXPECT_EQ(desk.run(), nullptr);
         }
         const int changes = desk.changes;
+        if (isDeleting) desk.measuring.shut();
         gate.open();
+        if (isDeleting) {
+            ASSERT_SOON(desk.measuring.isWaitedAt() && !desk.clean->clrSysController());
+            EXPECT_FALSE(desk.clean->canStart()) << "the gain of another run would be its own";
+            desk.clean->open();
+            EXPECT_TRUE(desk.run() == nullptr && Desk::bubbles() == 1) << "nothing tells why";
+            EXPECT_SOON(Desk::bubbles() == 0);
+            desk.measuring.open();
+        }
         EXPECT_SOON(desk.clean->canStart());
         EXPECT_GT(desk.changes, changes) << "the menu is not told";
         EXPECT_SOON(Desk::bubbles() == 1);
@@ -294,8 +365,8 @@ TEST(FastClean, ClosingAndGivingUpInEachState) {
                     << "only the entry in hand may go";
             }
             EXPECT_SOON(Desk::bubbles() == 0);
+            EXPECT_TRUE(isThere(desk.home.tree.at("Downloads/a")));
             if (!isGivingUp) {
-                EXPECT_TRUE(isThere(desk.home.tree.at("Downloads/a")));
                 EXPECT_SOON(window == nullptr);
                 EXPECT_TRUE(desk.clean->canStart());
             }
@@ -342,7 +413,13 @@ TEST(FastClean, TakesTurnsWithOtherRemovals) {
             desk.click("cancelBtn");
             EXPECT_SOON(desk.clean->canStart());
         }
+        // What the other one brings is not our gain.
+        desk.free += 10'000'000;
         other.reset();
+        if (!isStopped) {
+            ASSERT_SOON(desk.isIn(State::Reporting));
+            EXPECT_EQ(desk.textOf("furtherLines"), "Free space grew by 2.00 MB");
+        }
         EXPECT_SOON(desk.run() == nullptr && !desk.clean->isRemoving());
         EXPECT_EQ(isThere(desk.home.tree.at(".cache/a")), isStopped);
         EXPECT_SOON(Desk::bubbles() == 0);
@@ -361,27 +438,79 @@ TEST(FastClean, EndsAlsoWhereNothingCanBeNoted) {
     EXPECT_SOON(desk.run() == nullptr);
 }
 
-// A home whose disk does not say what is in it.
-TEST(FastClean, ASilentDiskHoldsNobodyUp) {
-    Desk desk(CleanCategory::UserCaches);
-    Gate asking;
-    asking.shut();
-    FolderUtilities silent(desk.home.files, desk.home.folders, [&] {
-        asking.pass();
-        return std::vector<std::string>();
-    });
-    FastCleanParts parts = desk.parts();
-    parts.clean.utilities = &silent;
-    desk.defaults.setInteger(1, std::string(ZvUserTrashKey));
-    QStringList told;
-    const auto begun = std::chrono::steady_clock::now();
-    const auto made =
-        CleanSysController::init(parts, [&](const QStringList& lines) { told = lines; });
-    EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::seconds(2));
-    EXPECT_EQ(made, nullptr);
-    EXPECT_TRUE(told.join(QLatin1Char(' ')).contains(QLatin1String("does not answer")));
-    asking.open();
-    EXPECT_SOON(!asking.isWaitedAt());
+TEST(FastCleanWords, SayWhatStayedAndWhy) {
+    using Closed = CategoryListing::Closed;
+    RemovalOutcome kept;
+    kept.kept = 2;
+    const RemovalOutcome failed{
+        .chosen = 2, .removed = 1, .failed = 1, .stayed = {{"/c/a", "Input/output error"}}};
+    const std::vector<Closed> closed{{"/c", "it is a link"}};
+    const std::vector<Error> unread{systemError("open", "/c", EACCES)};
+    const struct {
+        FastCleanResult result;
+        std::vector<const char*> lines;
+    } cases[] = {
+        {{.outcome = &kept}, {"Nothing was removed: 2 changed or in use by now"}},
+        {{.gained = 5000, .outcome = &failed},
+         {"Free space grew by 5.00 KB", "1 could not be removed"}},
+        {{.outcome = &failed, .closed = closed}, {"1 could not be removed", "/c was left alone: "}},
+        {{.isEmpty = true, .closed = closed}, {"User Logs was left alone: "}},
+        {{.isEmpty = true, .skipped = unread}, {"User Logs can not be read: "}},
+        {{.isEmpty = true}, {"Nothing to clean in User Logs."}}};
+    for (const auto& each : cases) {
+        const QStringList lines = furtherLines(each.result);
+        ASSERT_EQ(lines.size(), static_cast<int>(each.lines.size())) << each.lines[0];
+        for (int index = 0; index < lines.size(); ++index)
+            EXPECT_TRUE(
+                lines[index].startsWith(QLatin1String(each.lines[static_cast<std::size_t>(index)])))
+                << lines[index].toStdString();
+    }
+    EXPECT_TRUE(furtherReasons({.promised = 9, .gained = 1, .outcome = &failed})
+                    .startsWith(QLatin1String("1: ")))
+        << "no snapshot holds what stayed";
+}
+
+// A disk that sleeps names its folders late, or never.
+TEST(FastClean, ASleepingDiskIsWaitedForAndHoldsNobodyUp) {
+    enum class Disk { Sleeps, IsSilent, IsStopped };
+    for (const Disk disk : {Disk::Sleeps, Disk::IsSilent, Disk::IsStopped}) {
+        SCOPED_TRACE(static_cast<int>(disk));
+        Desk desk(CleanCategory::UserTrash);
+        const std::string record = ".local/share/Trash/info/a.trashinfo";
+        const std::string thrown = ".local/share/Trash/files/a";
+        ASSERT_TRUE(desk.home.tree.write(thrown, "1") &&
+                    desk.home.tree.write(record, "[Trash Info]\nPath=/a\n"));
+        Gate asking;
+        asking.shut();
+        const FolderUtilities sleeping(desk.home.files, desk.home.folders, [&] {
+            asking.pass();
+            return std::vector<std::string>{"/"};
+        });
+        FastCleanParts parts = desk.parts();
+        parts.clean.utilities = &sleeping;
+        parts.namePatience = std::chrono::milliseconds(disk == Disk::Sleeps ? 5000 : 400);
+        desk.clean = std::make_unique<FastClean>(parts, [] {});
+        if (disk == Disk::Sleeps) desk.dialogs.willAnswer(0);
+        const auto begun = std::chrono::steady_clock::now();
+        desk.clean->cleaningFile();
+        EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::milliseconds(300));
+        ASSERT_TRUE(desk.isIn(State::Measuring));
+        EXPECT_TRUE(desk.run()->window()->isVisible() && desk.isShown("cancelBtn"));
+        if (disk == Disk::IsSilent) {
+            ASSERT_SOON(desk.isIn(State::Reporting));
+            EXPECT_NE(desk.textOf("furtherLines").find("does not answer"), std::string::npos);
+        } else if (disk == Disk::IsStopped) {
+            desk.click("cancelBtn");
+            EXPECT_TRUE(desk.run() == nullptr && desk.clean->canStart());
+        } else {
+            QTest::qWait(200);
+        }
+        asking.open();
+        EXPECT_SOON(desk.run() == nullptr);
+        EXPECT_EQ(isThere(desk.home.tree.at(thrown)), disk != Disk::Sleeps);
+        EXPECT_SOON(!asking.isWaitedAt() && Desk::bubbles() == 0);
+        QTest::qWait(50);  // its thread is at its end
+    }
 }
 
 }  // namespace

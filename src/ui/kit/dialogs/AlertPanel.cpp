@@ -73,7 +73,8 @@ TextImageButton* newButton(const QString& text, TextImageButton::Role role, QWid
 
 }  // namespace
 
-AlertPanel::AlertPanel(const Alert& alert) : m_defaultButton(alert.defaultButton) {
+AlertPanel::AlertPanel(const Alert& alert)
+    : m_keyboardButton(alert.keyboardButton >= 0 ? alert.keyboardButton : alert.defaultButton) {
     setAccessibleTraits(*this, {.role = QAccessible::AlertMessage, .isModal = true});
     setAccessibleName(alert.title.trimmed().isEmpty() ? alert.text : alert.title);
     setAccessibleDescription(alert.text);
@@ -86,9 +87,9 @@ AlertPanel::AlertPanel(const Alert& alert) : m_defaultButton(alert.defaultButton
 
 QSize AlertPanel::sizeHint() const { return {panelWidth, heightForWidth(panelWidth)}; }
 
-QWidget* AlertPanel::defaultButton() const {
-    const auto index = static_cast<std::size_t>(m_defaultButton);
-    return m_defaultButton >= 0 && index < m_buttons.size() ? m_buttons[index] : m_buttons.front();
+QWidget* AlertPanel::keyboardButton() const {
+    const auto index = static_cast<std::size_t>(m_keyboardButton);
+    return m_keyboardButton >= 0 && index < m_buttons.size() ? m_buttons[index] : m_buttons.front();
 }
 
 void AlertPanel::addTexts(QBoxLayout& column, const Alert& alert) {

@@ -18,8 +18,8 @@ class AlertPanel final : public QWidget {
 public:
     explicit AlertPanel(const Alert& alert);
 
-    /// Where the keyboard stands at first.
-    [[nodiscard]] QWidget* defaultButton() const;
+    /// Where the keyboard is at first.
+    [[nodiscard]] QWidget* keyboardButton() const;
     [[nodiscard]] QSize sizeHint() const override;
 
 Q_SIGNALS:
@@ -30,7 +30,7 @@ private:
     void addTexts(QBoxLayout& column, const Alert& alert);
     void addButtons(QBoxLayout& column, const Alert& alert);
 
-    int m_defaultButton;
+    int m_keyboardButton;
     std::vector<TextImageButton*> m_buttons;  // children, in the alert's order
 };
 

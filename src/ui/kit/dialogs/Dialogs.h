@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <vector>
@@ -21,7 +22,8 @@ struct Alert {
     QString title;  ///< what is asked; either text may be empty or blank
     QString text;   ///< what follows from it
     QStringList buttons{QCoreApplication::translate("Dialogs", "OK")};
-    int defaultButton = 0;  ///< taken by Enter: where the keyboard stands at first
+    int defaultButton = 0;  ///< stands out; the keyboard is on it at first, so that Enter takes it
+    int keyboardButton = -1;  ///< where the keyboard is at first instead; -1 for the default button
     int cancelButton =
         -1;  ///< taken by Escape; -1 for none, yet a single button is always taken by it
     Severity severity = Severity::Information;
@@ -29,6 +31,9 @@ struct Alert {
     QString picture;             ///< by name, in place of the sign of the severity
     QString linkText;            ///< with an action: a further button that leaves the question open
     std::function<void()> linkAction;
+    /// From its coming on nothing but the button of Escape is taken for so long: a click or a key
+    /// that was meant for what lay there before answers nothing.
+    std::chrono::milliseconds deafTime{0};
 };
 
 /// What may be chosen, and where the choice starts. Links are followed to what they stand for.

@@ -4,6 +4,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QFileDialog>
 #include <QHeaderView>
@@ -118,11 +119,14 @@ void WindowDialogs::alert(QWidget* window, const Alert& alert, Answer answered) 
     const auto finish = [sheet, answered = std::move(answered)](int button) {
         sheet->close([answered, button] { answered(button); });
     };
-    QObject::connect(panel, &AlertPanel::pressed, sheet, finish);
+    const QDeadlineTimer deaf(alert.deafTime);
+    QObject::connect(panel, &AlertPanel::pressed, sheet, [finish, deaf, escape](int button) {
+        if (button == escape || deaf.hasExpired()) finish(button);
+    });
     QObject::connect(sheet, &Sheet::cancelled, sheet, [finish, escape] {
         if (escape >= 0) finish(escape);
     });
-    sheet->open(panel->defaultButton());
+    sheet->open(panel->keyboardButton());
     QAccessibleEvent event(panel, QAccessible::Alert);
     QAccessible::updateAccessibility(&event);
 }
