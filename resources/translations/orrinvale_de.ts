@@ -898,6 +898,10 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>Quit Orrinvale</source>
         <translation>Orrinvale beenden</translation>
     </message>
+    <message>
+        <source>The volume could not be ejected.</source>
+        <translation>Der Datenträger konnte nicht ausgeworfen werden.</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::AppPrefsWindowController</name>

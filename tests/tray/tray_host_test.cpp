@@ -3,6 +3,7 @@
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTest>
+#include <csignal>
 
 #include "platform/linux/LinuxTrayHost.h"
 #include "support/test.h"
@@ -72,6 +73,14 @@ TEST(TrayHost, AHostThatComesAndGoesIsTold) {
         EXPECT_SOON(told->now() == "-S-S-");
         panel.tell("watcher on");
         EXPECT_SOON(told->now() == "-S-S-S");
+        // A watcher that hangs says nothing, which is another thing than "no".
+        ASSERT_EQ(::kill(static_cast<pid_t>(panel.process.processId()), SIGSTOP), 0);
+        const auto slow = std::make_shared<Told>();
+        LinuxTrayHost second({.hasBus = true, .hasX11 = false});
+        second.watch([slow](TrayKind kind) { slow->take(kind); });
+        EXPECT_SOON(slow->now() == "-");
+        ASSERT_EQ(::kill(static_cast<pid_t>(panel.process.processId()), SIGCONT), 0);
+        EXPECT_SOON(slow->now() == "-S") << "asked again";
         daemon.process.kill();
         EXPECT_SOON(told->now() == "-S-S-S-");
     }

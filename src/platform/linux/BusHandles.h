@@ -13,7 +13,7 @@ namespace orrinvale {
 
 /// The functions that we use of it.
 #define ORRINVALE_SD_BUS(function)                                                        \
-    function(add_match) function(call) function(close_unref) function(error_free)         \
+    function(add_match_async) function(call) function(close_unref) function(error_free)   \
         function(get_events) function(get_fd) function(is_ready) function(message_append) \
             function(message_at_end) function(message_enter_container)                    \
                 function(message_exit_container) function(message_new_method_call)        \

@@ -27,10 +27,12 @@ struct Found {
     friend bool operator==(const Found&, const Found&) = default;
 };
 
-// A host is preferred: it draws the picture in its own looks.
+// A host is preferred: it draws the picture in its own looks. As long as nobody knows whether there
+// is one, no other tray counts: the toolkit would ask that bus on the main thread, and decide once
+// for all.
 Found whatIsThere(const StatusNotifierWatch& bus, const XEmbedWatch& x11) {
     if (!bus.host().empty()) return {TrayKind::StatusNotifier, bus.host(), 0};
-    if (x11.tray() != 0) return {TrayKind::XEmbed, {}, x11.tray()};
+    if (bus.isKnown() && x11.tray() != 0) return {TrayKind::XEmbed, {}, x11.tray()};
     return {};
 }
 
@@ -59,7 +61,7 @@ void watchUntilTheBell(StatusNotifierWatch& bus, XEmbedWatch& x11, int bell, con
         if (last != now && !tell(now.kind)) return;
         last = now;
         std::array<pollfd, 3> waits{{{bell, POLLIN, 0}, bus.toPoll(), x11.toPoll()}};
-        if (::poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR) return;
+        if (::poll(waits.data(), waits.size(), bus.patience()) < 0 && errno != EINTR) return;
         if (waits[0].revents != 0) return;
         bus.process();
         x11.process();
@@ -85,8 +87,8 @@ void LinuxTrayHost::watch(Told told) {
     BusHandle bus = m_where.hasBus ? StatusNotifierWatch::connectToSession() : nullptr;
     try {
         std::thread([shared = m_shared, bus = std::move(bus), hasX11 = m_where.hasX11]() mutable {
-            StatusNotifierWatch notifiers(std::move(bus));
             XEmbedWatch x11(hasX11);
+            StatusNotifierWatch notifiers(std::move(bus));
             watchUntilTheBell(notifiers, x11, shared->bell.get(),
                               [&shared](TrayKind kind) { return shared->tell(kind); });
         }).detach();

@@ -175,6 +175,7 @@ private:
     void ejectRow(MenuItemView& row);
     void tellOfGuide();
     void ejectionEnded(std::int32_t status, const std::vector<EjectFailure>& failures);
+    void tellOfFailures(const QString& title, const std::vector<EjectFailure>& failures);
     void bubbleViewWith(std::unique_ptr<QLabel> view, std::unique_ptr<QLabel> withBView = nullptr);
     void tell(const Alert& alert);
     void searchFolder(const std::string& path);

@@ -66,8 +66,12 @@ bool AppDelegate::mayCloseMainWindow() {
     if (!m_tray || m_isLeaving || m_tray->canBeFound()) return true;
     UserDefaults& defaults = *m_parts.pages.defaults;
     if (const SettingObject answer = defaults.objectForKey(keepRunningKey)) {
-        if (!boolOf(*answer)) quit();
-        return boolOf(*answer);
+        if (boolOf(*answer)) return true;
+        // Nobody thought of a removal when that was answered.
+        if (!isRemoving()) {
+            quit();
+            return false;
+        }
     }
     if (std::exchange(m_isAskingToGoOn, true)) return false;
     Alert question;
@@ -80,7 +84,8 @@ bool AppDelegate::mayCloseMainWindow() {
         m_isAskingToGoOn = false;
         if (button != 0 && button != 1) return;  // it could not be shown
         defaults.setBool(button == 0, keepRunningKey);
-        m_duplicateMWC->window()->performClose();
+        if (button == 0) m_duplicateMWC->window()->performClose();
+        else quit();
     });
     return false;
 }
@@ -90,12 +95,12 @@ void AppDelegate::ejectRow(MenuItemView& row) {
     row.setEjecting(true);
     m_volumeWorker.ejectVolume(
         row.volRefNumber, row.volRootDir, row.volumeSize.toStdString(),
-        [this, view = QPointer(&row)](std::int32_t status,
+        [this, view = QPointer(&row)](std::int32_t /*status*/,
                                       const std::vector<EjectFailure>& failures) {
             if (view != nullptr) view->setEjecting(false);
             if (failures.empty())
                 notice::refMenuItemWhenDeleteAndAdd.post(*m_parts.pages.notifications);
-            else ejectionEnded(status, failures);
+            else tellOfFailures(tr("The volume could not be ejected."), failures);
         });
 }
 

@@ -54,20 +54,23 @@ void AppDelegate::rejestAllDisk() {
 }
 
 void AppDelegate::ejectionEnded(std::int32_t status, const std::vector<EjectFailure>& failures) {
-    if (status < 0) {
+    if (status < 0 && failures.empty()) {
         static_cast<void>(
             noteField(QString::fromStdString(getLocalizedString("NO_HAVE_REMOVABLE")), fieldPlace));
         return;
     }
     refMenuItemWhenDeleteAndAdd();
-    if (failures.empty()) return;
+    if (!failures.empty()) tellOfFailures(tr("Not every volume could be ejected."), failures);
+}
+
+void AppDelegate::tellOfFailures(const QString& title, const std::vector<EjectFailure>& failures) {
     QStringList lines;
     for (EjectFailure each : failures) {
         each.dissent.reason = inWords(each.dissent.reason).toStdString();
         lines.push_back(onOneLine(QString::fromStdString(ejectFailureText(each))));
     }
     Alert alert;
-    alert.title = tr("Not every volume could be ejected.");
+    alert.title = title;
     alert.text = lines.join(QLatin1Char('\n'));
     alert.severity = Alert::Severity::Warning;
     tell(alert);

@@ -7,6 +7,15 @@
 #include <utility>
 
 namespace orrinvale {
+namespace {
+
+// Of the process's first item. The toolkit puts all of them where it put that one.
+TrayKind& decidedKind() {
+    static TrayKind kind = TrayKind::None;
+    return kind;
+}
+
+}  // namespace
 
 StatusItem::StatusItem(std::function<void()> showsMainWindow, QObject* parent)
     : QObject(parent), m_showsMainWindow(std::move(showsMainWindow)) {}
@@ -24,14 +33,20 @@ void StatusItem::setHidden(bool isHidden) {
     make();
 }
 
+bool StatusItem::isShown() const {
+    const TrayKind decided = decidedKind();
+    return m_kind != TrayKind::None && !m_isHidden &&
+           (decided == TrayKind::None || decided == m_kind);
+}
+
 void StatusItem::make() {
     if (m_item || !isShown()) return;
-    m_madeFor = m_kind;
+    decidedKind() = m_kind;
     m_item = std::make_unique<QSystemTrayIcon>(m_image);
     m_item->setToolTip(m_toolTip);
     connect(m_item.get(), &QSystemTrayIcon::activated, this, &StatusItem::activate);
     // In a tray of X11 both buttons open the rows.
-    if (m_madeFor == TrayKind::StatusNotifier) m_item->setContextMenu(m_hostMenu);
+    if (m_kind == TrayKind::StatusNotifier) m_item->setContextMenu(m_hostMenu);
     m_item->show();
 }
 
@@ -47,7 +62,7 @@ void StatusItem::setToolTip(const QString& text) {
 void StatusItem::setMenus(QMenu* host, QMenu* popup) {
     m_popup = popup;
     if (std::exchange(m_hostMenu, host) == host) return;
-    if (m_item && m_madeFor == TrayKind::StatusNotifier) m_item->setContextMenu(host);
+    if (m_item && decidedKind() == TrayKind::StatusNotifier) m_item->setContextMenu(host);
 }
 
 // Wayland lets nobody say where a window stands.

@@ -34,8 +34,10 @@ public:
     /// go; null is none.
     void setMenus(QMenu* host, QMenu* popup);
 
-    /// Whether a person can see it: there is a tray, and the item is not hidden.
-    [[nodiscard]] bool isShown() const { return m_kind != TrayKind::None && !m_isHidden; }
+    /// Whether a person can see it: there is a tray, of the kind that the toolkit has decided for
+    /// in this process, and the item is not hidden.
+    [[nodiscard]] bool isShown() const;
+    [[nodiscard]] bool isHidden() const { return m_isHidden; }
 
 private:
     void make();
@@ -44,7 +46,6 @@ private:
 
     const std::function<void()> m_showsMainWindow;
     TrayKind m_kind = TrayKind::None;
-    TrayKind m_madeFor = TrayKind::None;
     bool m_isHidden = false;
     QIcon m_image;
     QString m_toolTip;

@@ -3,6 +3,7 @@
 #include "ui/tray/Tray.h"
 
 #include <QPointer>
+#include <QTimer>
 #include <algorithm>
 #include <utility>
 
@@ -17,6 +18,8 @@
 namespace orrinvale {
 namespace {
 
+// Milliseconds in which the desktop tells whether it has a tray. What it says later counts as well.
+constexpr int hostPatience = 3000;
 constexpr qsizetype blanks = 17;  // as wide as the two fields of the view
 
 const SeenVolume* bootVolumeIn(const SystemSight& sight) {
@@ -33,6 +36,9 @@ Tray::Tray(Parts parts, QObject* parent)
       m_item(m_parts.menu.actions.showMainWindowWhenClickMenuItem),
       m_menu(m_parts.menu),
       m_hostMenu(m_parts.menu.actions.openVolume) {
+    // From the start on, so that a hidden item is not seen before the first look, and nobody counts
+    // on it.
+    m_item.setHidden(m_parts.menu.defaults->boolForKey(ZvShowStatusItem));
     connect(&m_menu, &StatusMenu::replaced, this, &Tray::takeMenu);
     connect(&m_menu, &StatusMenu::refreshed, &m_hostMenu, &HostMenu::refresh);
     m_watching =
@@ -42,6 +48,7 @@ Tray::Tray(Parts parts, QObject* parent)
         m_isHostKnown = true;
         return;
     }
+    QTimer::singleShot(hostPatience, this, [this] { m_isHostKnown = true; });
     m_parts.host->watch([self = QPointer(this), queue = m_parts.mainQueue](TrayKind kind) {
         queue->async([self, kind] {
             if (self != nullptr) self->takeHost(kind);

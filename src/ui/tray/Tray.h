@@ -46,8 +46,10 @@ public:
     void updateDataForMenuItem(const SystemSight& sight);
 
     /// Whether a closed window can be found again by the tray; also as long as nobody knows yet
-    /// whether there is one.
-    [[nodiscard]] bool canBeFound() const { return !m_isHostKnown || m_item.isShown(); }
+    /// whether there is one, which lasts three seconds at most.
+    [[nodiscard]] bool canBeFound() const {
+        return !m_item.isHidden() && (!m_isHostKnown || m_item.isShown());
+    }
 
     [[nodiscard]] StatusMenu& menu() { return m_menu; }
     [[nodiscard]] HostMenu& hostMenu() { return m_hostMenu; }

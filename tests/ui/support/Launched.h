@@ -5,6 +5,7 @@
 #include <QAction>
 #include <QMenu>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -15,6 +16,9 @@
 #include "platform/fake/FakeMountChanges.h"
 #include "platform/fake/FakeVolumes.h"
 #include "platform/linux/LinuxFolders.h"
+#include "platform/tray.h"
+#include "services/volumes/SystemWatch.h"
+#include "support/SteadyVolumes.h"
 #include "ui/shell/AppDelegate.h"
 #include "ui/shell/ApplicationMenu.h"
 #include "ui/support/PageWindow.h"
@@ -38,12 +42,14 @@ private:
     QtMainQueue m_queue;
 };
 
-/// The window is open. Everything else is the test's: settings, volumes, answers; and lists of what
+/// The window is open. With a `tray`, which may be null, something runs in the background.
+/// Everything else is the test's: settings, volumes, answers; and lists of what
 /// was set off. The shared parts of the process are its own while it lives.
 struct Launched {
-    explicit Launched(std::vector<FakeVolumes::Volume> standing = {
-                          FakeVolumes::volume(1, "System", "/", false),
-                          FakeVolumes::volume(7, "Stick", "/media/stick", true)}) {
+    explicit Launched(std::vector<FakeVolumes::Volume> standing =
+                          {FakeVolumes::volume(1, "System", "/", false),
+                           FakeVolumes::volume(7, "Stick", "/media/stick", true)},
+                      std::optional<TrayHost*> tray = std::nullopt) {
         QnAuthorization::shareQnAuthorization().setParts(
             {&authorization, &files, &permissions, {}});
         UserDefaults::setStandardUserDefaults(&defaults);
@@ -63,6 +69,8 @@ struct Launched {
             .volumes = &volumes,
             .volumesAtOnce = &volumes,
             .mountChanges = &mounts,
+            .systemWatch = tray ? &watch : nullptr,
+            .trayHost = tray.value_or(nullptr),
             .openFolder =
                 [this](const std::string& path) { return opened.push_back(path), canOpen; },
             .openGuide =
@@ -114,6 +122,8 @@ struct Launched {
     FakeVolumes volumes;
     std::shared_ptr<const FolderUtilities> utilities = makeFolderUtilities(files, folders, volumes);
     FakeMountChanges mounts;
+    CountedMemory memory;
+    SystemWatch watch{volumes, memory, mainQueue, std::chrono::hours(1)};
     std::vector<std::string> posted, opened;
     std::vector<int> ends;
     bool canOpen = true;

@@ -1,0 +1,83 @@
+// The tray from the program's side: ejecting from its menu, and a window that is closed where no
+// tray shows the program.
+#include "engine/settings/SettingsKeys.h"
+#include "support/test.h"
+#include "ui/support/Launched.h"
+#include "ui/tray/StatusItem.h"
+#include "ui/tray/Tray.h"
+
+namespace orrinvale::testing {
+namespace {
+
+// A desktop that tells nothing.
+struct SilentHost final : TrayHost {
+    void watch(Told /*told*/) override {}
+};
+
+std::vector<FakeVolumes::Volume> systemAndStick() {
+    return {FakeVolumes::volume(1, "System", "/", false),
+            FakeVolumes::volume(7, "Stick", "/media/stick", true)};
+}
+
+MenuItemView* rowOf(const Launched& on, const char* number) {
+    const StatusMenu& menu = on.delegate->tray()->menu();
+    return menu.menu() == nullptr ? nullptr
+                                  : StatusMenu::viewOf(menu.itemWithTitle(QLatin1String(number)));
+}
+
+TEST(TrayOfTheProgram, AnEjectionThatFailsNamesTheHolder) {
+    Launched on(systemAndStick(), nullptr);
+    on.volumes.ejections[7] = {fBsyErr, {"it is busy", {{4242, "vlc", "/media/stick/film.mkv"}}}};
+    on.delegate->applicationDidFinishLaunching();
+    ASSERT_SOON(rowOf(on, "7") != nullptr);
+    on.dialogs.willAnswer(0);
+    rowOf(on, "7")->backDisk();
+    EXPECT_TRUE(rowOf(on, "7")->isEjecting());
+    ASSERT_SOON(on.dialogs.alerts().size() == 1);
+    const QString text = on.dialogs.alerts()[0].text;
+    EXPECT_TRUE(text.contains(QLatin1String("Stick")) && text.contains(QLatin1String("vlc")))
+        << text.toStdString();
+    EXPECT_FALSE(rowOf(on, "7")->isEjecting()) << "it stayed";
+}
+
+TEST(TrayOfTheProgram, TheSheetDoesWhatItsButtonSays) {
+    Launched on(systemAndStick(), nullptr);
+    on.delegate->applicationDidFinishLaunching();
+    on.dialogs.willAnswer(1);
+    on.closeWindow();
+    EXPECT_TRUE(on.isVisible()) << "asked first";
+    EXPECT_SOON(on.ends == std::vector<int>{1});
+    EXPECT_FALSE(on.defaults.boolForKey(keepRunningKey));
+}
+
+TEST(TrayOfTheProgram, OnlyATrayThatIsKnownToShowItIsCountedOn) {
+    for (const bool isHidden : {true, false}) {
+        SilentHost silent;
+        Launched on(systemAndStick(), &silent);
+        on.defaults.setBool(isHidden, ZvShowStatusItem);
+        on.delegate->applicationDidFinishLaunching();
+        EXPECT_EQ(on.delegate->tray()->canBeFound(), !isHidden) << "before the first look";
+        EXPECT_SOON(!on.delegate->tray()->canBeFound()) << "a desktop that does not say";
+    }
+}
+
+TEST(StatusItem, TheFirstTrayOfTheProcessDecidesWhereAllItemsGo) {
+    const struct {
+        TrayKind kind;
+        bool isShown;
+    } cases[] = {{TrayKind::StatusNotifier, true},
+                 {TrayKind::XEmbed, false},
+                 {TrayKind::None, false},
+                 {TrayKind::StatusNotifier, true}};
+    StatusItem item([] {});
+    for (const auto& each : cases) {
+        item.setKind(each.kind);
+        EXPECT_EQ(item.isShown(), each.isShown);
+        StatusItem other([] {});
+        other.setKind(each.kind);
+        EXPECT_EQ(other.isShown(), each.isShown) << "a later item";
+    }
+}
+
+}  // namespace
+}  // namespace orrinvale::testing
