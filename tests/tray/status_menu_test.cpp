@@ -171,6 +171,19 @@ TEST(StatusMenu, RowsDoWhatTheySayInBothForms) {
     EXPECT_EQ(on.did, "all window quit ");
 }
 
+TEST(StatusMenu, AnotherGroupMakesItAnewAndASilentRowOpensNothing) {
+    MenuOnDesk on;
+    on.show({volume(7, "stick", LocalVolume, 600, false)});
+    on.show({volume(7, "stick", ExternalVolume, 600, true)});
+    EXPECT_TRUE(on.popup().starts_with("[EXTERNAL_STORAGE] stick#0 | Eject All |")) << on.popup();
+    EXPECT_TRUE(on.row(7).bCanEject);
+    SeenVolume silent = volume(7, "stick", ExternalVolume);
+    silent.silence = "Connection timed out";
+    on.show({silent});
+    on.row(7).mouseDown();
+    EXPECT_EQ(on.did, "");
+}
+
 TEST(StatusMenu, TheNumberFiveIsTheMemorysRow) {
     MenuOnDesk on;
     on.menu.freeMemoryListView();
@@ -250,7 +263,10 @@ TEST(HostMenu, NamesArriveAsTheyAre) {
     for (const char* const name : {"R&D_disk<b>", "a", "_", "&", "&&", "_a&b_", "a&", "__&__",
                                    "\xC3\xA4&\xC3\xB6", "a b_c_d & e & f"})
         EXPECT_EQ(shown(hostText(QString::fromUtf8(name))), name);
-    EXPECT_FALSE(hostText(QStringLiteral("a\nb")).contains(QLatin1Char('\n')));
+    for (const char16_t code :
+         {u'\n', u'\r', u'\t', u'\x7F', u'\x85', u'\u2028', u'\u202E', u'\u2067'})
+        EXPECT_FALSE(hostText(QLatin1Char('a') + QChar(code)).contains(QChar(code)))
+            << static_cast<int>(code);
 }
 
 TEST(CustomStatusItemView, TheTitleSetsTheLength) {

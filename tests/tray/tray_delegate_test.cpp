@@ -2,6 +2,8 @@
 // tray shows the program.
 #include "engine/settings/SettingsKeys.h"
 #include "support/test.h"
+#include "ui/kit/chrome/TCImageWindow.h"
+#include "ui/preferences/AppPrefsWindowController.h"
 #include "ui/support/Launched.h"
 #include "ui/tray/StatusItem.h"
 #include "ui/tray/Tray.h"
@@ -48,6 +50,35 @@ TEST(TrayOfTheProgram, TheSheetDoesWhatItsButtonSays) {
     EXPECT_TRUE(on.isVisible()) << "asked first";
     EXPECT_SOON(on.ends == std::vector<int>{1});
     EXPECT_FALSE(on.defaults.boolForKey(keepRunningKey));
+}
+
+TEST(TrayOfTheProgram, OnlyTheLastWindowAsks) {
+    Launched on(systemAndStick(), nullptr);
+    on.delegate->applicationDidFinishLaunching();
+    TCImageWindow& pages = *AppPrefsWindowController::sharedPrefsWindowController().window();
+    on.delegate->showPages();
+    ASSERT_TRUE(pages.isVisible());
+    on.closeWindow();
+    EXPECT_FALSE(on.isVisible()) << "another window shows the program";
+    on.dialogs.willAnswer(0);
+    pages.performClose();
+    EXPECT_TRUE(on.isVisible()) << "asked over the main window";
+    EXPECT_SOON(!on.isVisible());
+    EXPECT_TRUE(on.defaults.boolForKey(keepRunningKey));
+}
+
+TEST(TrayOfTheProgram, ARowUnderEjectionStaysSoInAMenuThatIsMadeAnew) {
+    Launched on(systemAndStick(), nullptr);
+    on.delegate->applicationDidFinishLaunching();
+    ASSERT_SOON(rowOf(on, "7") != nullptr);
+    const int before = on.mainQueue.answers;
+    rowOf(on, "7")->backDisk();
+    ASSERT_SOON(on.mainQueue.answers > before && !on.volumes.ejectedNumbers.empty());
+    on.delegate->tray()->refMenuItemWhenDeleteAndAdd();
+    EXPECT_TRUE(rowOf(on, "7")->isEjecting()) << "of the last look, which still saw it";
+    rowOf(on, "7")->backDisk();
+    EXPECT_SOON(!rowOf(on, "7")->isEjecting()) << "it stands all the same";
+    EXPECT_EQ(on.volumes.ejectedNumbers.size(), 1U);
 }
 
 TEST(TrayOfTheProgram, OnlyATrayThatIsKnownToShowItIsCountedOn) {

@@ -44,6 +44,15 @@ bool hasSameSequence(const SystemSight& a, const SystemSight& b) {
                               });
 }
 
+bool hasSameRows(const SystemSight& a, const SystemSight& b) {
+    const auto rowOf = [](const SeenVolume& each) {
+        const ZvVolumeInfo& volume = *each.record;
+        return std::tie(volume.volRefNumber, volume.volRootDir, volume.volType, volume.bCanEject,
+                        volume.bIsDefaultVol);
+    };
+    return std::ranges::equal(a.volumes, b.volumes, {}, rowOf, rowOf);
+}
+
 bool showsSameVolumes(const SystemSight& a, const SystemSight& b) {
     return std::ranges::equal(a.volumes, b.volumes, showsSame);
 }

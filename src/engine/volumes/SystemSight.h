@@ -43,6 +43,10 @@ struct SystemSight {
 /// root. A count would not do: one that came while another went must never stand in its row.
 [[nodiscard]] bool hasSameSequence(const SystemSight& a, const SystemSight& b);
 
+/// Whether rows that were made for one hold for the other: the same sequence, in the same groups,
+/// with the same ejection. Names and figures are written into rows that stand.
+[[nodiscard]] bool hasSameRows(const SystemSight& a, const SystemSight& b);
+
 /// Whether nobody could see a difference: sequence, names, texts of sizes, percentages, groups,
 /// ejection, silence.
 [[nodiscard]] bool showsSameVolumes(const SystemSight& a, const SystemSight& b);

@@ -35,7 +35,7 @@ public:
 
     /// Looks at once, and tells the handler of that look and then of each in which the part has
     /// changed for people (showsSameVolumes(), showsSameMemory()). Handlers may observe and cease
-    /// to. To tell new figures from new rows compare with what is shown: hasSameSequence().
+    /// to. To tell new figures from new rows compare with what is shown: hasSameRows().
     [[nodiscard]] Observation observe(Part part, Handler handler);
 
     /// The next look is taken now: something has come or gone.

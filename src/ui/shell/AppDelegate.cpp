@@ -22,6 +22,7 @@
 #include "services/volumes/WorkspaceMounts.h"
 #include "ui/fastclean/FastClean.h"
 #include "ui/kit/chrome/TCImageWindow.h"
+#include "ui/kit/chrome/WindowButton.h"
 #include "ui/kit/controls/pathText.h"
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/dialogs/failureWords.h"
@@ -279,7 +280,13 @@ void AppDelegate::openAboutWindow() {
 
 void AppDelegate::showPages() {
     auto& pages = AppPrefsWindowController::sharedPrefsWindowController();
-    if (!std::exchange(m_hasPagesKeys, true)) m_menu->addKeysTo(*pages.window());
+    if (!std::exchange(m_hasPagesKeys, true)) {
+        m_menu->addKeysTo(*pages.window());
+        pages.window()->standardWindowButton(0)->setAction([self = QPointer(this), &pages] {
+            pages.closeWindow();
+            if (self != nullptr) self->mayGoOnUnseen(nullptr);
+        });
+    }
     pages.showWindow();
 }
 

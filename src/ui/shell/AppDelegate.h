@@ -16,6 +16,7 @@
 #include "engine/base/NotificationCenter.h"
 #include "engine/cleaning/CategoryScan.h"
 #include "engine/removal/AsideJournal.h"
+#include "engine/volumes/SystemSight.h"
 #include "engine/volumes/VolumesInfo.h"
 #include "engine/volumes/VolumesManager.h"
 #include "platform/StartRequest.h"
@@ -145,6 +146,8 @@ public:
     [[nodiscard]] bool getWarningValue() const;
     /// The disc of the status item, of a new walk; null where there is nothing to show.
     [[nodiscard]] QIcon getStatusImage();
+    /// Puts the disc of that record into the status item.
+    void setStatusIamge(const ZvVolumeInfo& boot);
     /// The upper right of the main screen where notes hang, measured from its lower left corner.
     [[nodiscard]] QPointF getStatusFrame() const;
     /// The note that warns of a volume. Put together and not shown.
@@ -165,6 +168,9 @@ public:
 
 private:
     bool mayCloseMainWindow() override;
+    bool mayGoOnUnseen(const QWidget* closing);
+    [[nodiscard]] bool hasWindowBeside(const QWidget* closing) const;
+    void askToGoOn();
     void closeMainWindow() override;
     [[nodiscard]] std::unique_ptr<FastClean> makeFastClean();
     void refFastCleanItem();
@@ -173,6 +179,7 @@ private:
     void showPageOfRow(std::int32_t row, const QString& identifier);
     void refApplicationMenu();
     void ejectRow(MenuItemView& row);
+    void ejectionOver(const VolumePlace& place);
     void tellOfGuide();
     void ejectionEnded(std::int32_t status, const std::vector<EjectFailure>& failures);
     void tellOfFailures(const QString& title, const std::vector<EjectFailure>& failures);
@@ -204,6 +211,7 @@ private:
     HomeDisk m_homeDisk;
     bool m_isOpenWindow = false;
     bool m_isEjecting = false;
+    std::vector<VolumePlace> m_ejectingPlaces;  // by the menu of the tray
     bool m_isAskingToGoOn = false;
     bool m_isLeaving = false;
     bool m_hasPagesKeys = false;

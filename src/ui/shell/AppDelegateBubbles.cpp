@@ -5,6 +5,7 @@
 #include "ui/bubbles/delegateNotes.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/shell/AppDelegate.h"
+#include "ui/tray/Tray.h"
 
 namespace orrinvale {
 
@@ -16,6 +17,12 @@ bool AppDelegate::getWarningValue() const { return m_homeDisk.getWarningValue();
 
 QIcon AppDelegate::getStatusImage() {
     return statusImage(getBootVolume().get(), m_parts.pages.defaults->floatForKey(ZvSpaceAlarmKey));
+}
+
+// By the record at hand: getStatusImage() is a walk of its own.
+void AppDelegate::setStatusIamge(const ZvVolumeInfo& boot) {
+    if (m_tray)
+        m_tray->setImage(statusImage(&boot, m_parts.pages.defaults->floatForKey(ZvSpaceAlarmKey)));
 }
 
 QPointF AppDelegate::getStatusFrame() const {

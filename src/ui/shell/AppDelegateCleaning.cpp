@@ -19,7 +19,9 @@ void AppDelegate::cleaningFile() {
 }
 
 void AppDelegate::handleCloseCleanWindow() {
-    if (m_fastClean) m_fastClean->handleCloseCleanWindow();
+    if (!m_fastClean) return;
+    m_fastClean->handleCloseCleanWindow();
+    mayGoOnUnseen(nullptr);
 }
 
 void AppDelegate::runAsMain() {

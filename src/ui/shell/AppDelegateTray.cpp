@@ -1,13 +1,17 @@
 // The tray of AppDelegate: what goes on while all windows are closed. The classes of ui/tray do it.
-#include <QPointer>
+#include <algorithm>
+#include <array>
 #include <utility>
 
 #include "engine/base/notices.h"
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/UserDefaults.h"
 #include "services/desktop/DesktopNotifications.h"
+#include "ui/fastclean/CleanSysController.h"
+#include "ui/fastclean/FastClean.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/dialogs/Dialogs.h"
+#include "ui/preferences/AppPrefsWindowController.h"
 #include "ui/shell/AppDelegate.h"
 #include "ui/tray/ArrowHotKeys.h"
 #include "ui/tray/SpaceWarnings.h"
@@ -15,6 +19,12 @@
 #include "ui/tray/trayNotices.h"
 
 namespace orrinvale {
+namespace {
+
+// Milliseconds in which a look at the volumes no longer sees one that was ejected.
+constexpr int untilSeenGone = 3000;
+
+}  // namespace
 
 void AppDelegate::startTray() {
     if (m_parts.systemWatch == nullptr) return;
@@ -32,16 +42,22 @@ void AppDelegate::startTray() {
         .rejestAllDisk = [this] { rejestAllDisk(); },
         .openMainWindow = [this] { openMainWindow(); },
         .showMainWindowWhenClickMenuItem = [this] { showMainWindowWhenClickMenuItem(); },
-        .quit = [this] { quit(); }};
-    m_tray = std::make_unique<Tray>(
-        Tray::Parts{.watch = m_parts.systemWatch,
-                    .host = m_parts.trayHost,
-                    .mainQueue = m_parts.pages.mainQueue,
-                    .notifications = &center,
-                    .menu = {.defaults = m_parts.pages.defaults,
-                             .memory = m_parts.memory,
-                             .actions = std::move(actions)},
-                    .sawHomeDisk = [this](const ZvVolumeInfo& boot) { noteHomeDisk(boot); }});
+        .quit = [this] { quit(); },
+        .isEjecting =
+            [this](const VolumePlace& place) {
+                return std::ranges::find(m_ejectingPlaces, place) != m_ejectingPlaces.end();
+            }};
+    m_tray = std::make_unique<Tray>(Tray::Parts{.watch = m_parts.systemWatch,
+                                                .host = m_parts.trayHost,
+                                                .mainQueue = m_parts.pages.mainQueue,
+                                                .notifications = &center,
+                                                .menu = {.defaults = m_parts.pages.defaults,
+                                                         .memory = m_parts.memory,
+                                                         .actions = std::move(actions)},
+                                                .sawHomeDisk = [this](const ZvVolumeInfo& boot) {
+                                                    noteHomeDisk(boot);
+                                                    setStatusIamge(boot);
+                                                }});
     if (m_parts.hotKeys != nullptr) {
         m_arrowKeys = std::make_unique<ArrowHotKeys>(*m_parts.hotKeys);
         m_arrowKeys->Runloop();
@@ -61,11 +77,23 @@ void AppDelegate::startTray() {
             &SpaceWarnings::takeAction);
 }
 
-// Where no tray shows the program nobody could tell that it goes on, nor find its window again.
-bool AppDelegate::mayCloseMainWindow() {
-    if (!m_tray || m_isLeaving || m_tray->canBeFound()) return true;
-    UserDefaults& defaults = *m_parts.pages.defaults;
-    if (const SettingObject answer = defaults.objectForKey(keepRunningKey)) {
+bool AppDelegate::mayCloseMainWindow() { return mayGoOnUnseen(window()); }
+
+bool AppDelegate::hasWindowBeside(const QWidget* closing) const {
+    const CleanSysController* const clean = m_fastClean ? m_fastClean->clrSysController() : nullptr;
+    const std::array<const QWidget*, 3> windows{
+        window(), AppPrefsWindowController::sharedPrefsWindowController().window(),
+        clean != nullptr ? clean->window() : nullptr};
+    return std::ranges::any_of(windows, [closing](const QWidget* each) {
+        return each != nullptr && each != closing && each->isVisible();
+    });
+}
+
+// Where neither a tray nor another window shows the program nobody could tell that it goes on, nor
+// find its window again. One that closes other windows than the main one is asked over that.
+bool AppDelegate::mayGoOnUnseen(const QWidget* closing) {
+    if (!m_tray || m_isLeaving || m_tray->canBeFound() || hasWindowBeside(closing)) return true;
+    if (const SettingObject answer = m_parts.pages.defaults->objectForKey(keepRunningKey)) {
         if (boolOf(*answer)) return true;
         // Nobody thought of a removal when that was answered.
         if (!isRemoving()) {
@@ -73,35 +101,51 @@ bool AppDelegate::mayCloseMainWindow() {
             return false;
         }
     }
-    if (std::exchange(m_isAskingToGoOn, true)) return false;
+    askToGoOn();
+    return false;
+}
+
+void AppDelegate::askToGoOn() {
+    if (std::exchange(m_isAskingToGoOn, true)) return;
+    handleReopenAppEvent();
     Alert question;
     question.title = tr("Nothing on this desktop shows Orrinvale while its window is closed.");
     question.text =
         tr("It can go on without a window: it watches your disks, and starting it again brings "
            "the window back. The answer is remembered.");
     question.buttons = QStringList{tr("Keep Running"), tr("Quit Orrinvale")};
-    m_parts.pages.dialogs->alert(window(), question, [this, &defaults](int button) {
+    m_parts.pages.dialogs->alert(window(), question, [this](int button) {
         m_isAskingToGoOn = false;
         if (button != 0 && button != 1) return;  // it could not be shown
-        defaults.setBool(button == 0, keepRunningKey);
+        m_parts.pages.defaults->setBool(button == 0, keepRunningKey);
         if (button == 0) m_duplicateMWC->window()->performClose();
         else quit();
     });
-    return false;
 }
 
-// On the worker's thread: a slow medium may take minutes. The row may be gone by then.
+// On the worker's thread: a slow medium may take minutes. The row may be gone by then, and another
+// stand for the volume.
 void AppDelegate::ejectRow(MenuItemView& row) {
-    row.setEjecting(true);
+    const VolumePlace place{row.volRefNumber, row.volRootDir};
+    m_ejectingPlaces.push_back(place);
+    m_tray->menu().showEjecting();
     m_volumeWorker.ejectVolume(
         row.volRefNumber, row.volRootDir, row.volumeSize.toStdString(),
-        [this, view = QPointer(&row)](std::int32_t /*status*/,
-                                      const std::vector<EjectFailure>& failures) {
-            if (view != nullptr) view->setEjecting(false);
-            if (failures.empty())
+        [this, place](std::int32_t /*status*/, const std::vector<EjectFailure>& failures) {
+            if (failures.empty()) {
                 notice::refMenuItemWhenDeleteAndAdd.post(*m_parts.pages.notifications);
-            else tellOfFailures(tr("The volume could not be ejected."), failures);
+                // The menu is made of the last look, in which the volume still stands.
+                QTimer::singleShot(untilSeenGone, this, [this, place] { ejectionOver(place); });
+                return;
+            }
+            ejectionOver(place);
+            tellOfFailures(tr("The volume could not be ejected."), failures);
         });
+}
+
+void AppDelegate::ejectionOver(const VolumePlace& place) {
+    std::erase(m_ejectingPlaces, place);
+    m_tray->menu().showEjecting();
 }
 
 }  // namespace orrinvale

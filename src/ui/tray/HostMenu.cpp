@@ -5,6 +5,7 @@
 #include <QWidgetAction>
 #include <utility>
 
+#include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/pathText.h"
 #include "ui/tray/CustomGreyBarView.h"
 #include "ui/tray/StatusMenu.h"
@@ -78,7 +79,9 @@ void HostMenu::refresh() {
         const MenuItemView& view = *each.view;
         const bool answers = view.seen().silence.empty();
         const QString figures =
-            tr("%1: %2 free of %3").arg(view.volumeSize, view.u64FreeSpace, view.u64TotalSpace);
+            tr("%1: %2 free of %3")
+                .arg(view.volumeSize, shownSize(view.u64FreeSpace.toStdString()),
+                     shownSize(view.u64TotalSpace.toStdString()));
         setTextOf(*each.opens,
                   hostText(answers ? figures : tr("%1, does not answer").arg(figures)));
         each.opens->setEnabled(answers);

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "engine/volumes/SpaceLevel.h"
+#include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/pathText.h"
 #include "ui/kit/dialogs/failureWords.h"
 #include "ui/kit/look/Theme.h"
@@ -25,6 +26,8 @@ constexpr int textLeft = 46;
 constexpr int buttonSide = 24;
 constexpr int right = 14;
 constexpr int barHeight = 3;
+
+QString shown(const QString& size) { return shownSize(size.toStdString()); }
 
 VolumeSpace spaceOfRow(const MenuItemView& row) { return {row.nFreeSize, row.nTotalSize}; }
 
@@ -55,8 +58,9 @@ MenuItemView::MenuItemView(const Row& row, Handlers handlers, QWidget* parent)
 }
 
 void MenuItemView::tellReaders() {
-    setAccessibleName(tr("%1, %2 free of %3").arg(volumeSize, u64FreeSpace, u64TotalSpace));
-    m_backButton->setAccessibleName(tr("Eject %1").arg(volumeSize));
+    setAccessibleName(tr("%1, %2 free of %3")
+                          .arg(onOneLine(volumeSize), shown(u64FreeSpace), shown(u64TotalSpace)));
+    m_backButton->setAccessibleName(tr("Eject %1").arg(onOneLine(volumeSize)));
     m_backButton->setToolTip(asToolTip(m_backButton->accessibleName()));
     update();
 }
@@ -99,7 +103,7 @@ void MenuItemView::backDisk() {
 }
 
 void MenuItemView::mouseDown() {
-    if (ViewTag != memoryTag) m_handlers.opens(volRootDir);
+    if (ViewTag != memoryTag && m_seen.silence.empty()) m_handlers.opens(volRootDir);
     clicked = false;
 }
 
@@ -157,9 +161,9 @@ void MenuItemView::paintEvent(QPaintEvent* /*event*/) {
     line({textLeft, 2, wide, 17},
          m_isEjecting ? tr("Ejecting %1 …").arg(onOneLine(volumeSize)) : onOneLine(volumeSize),
          Theme::Text::Body, Theme::Color::Text);
-    line({textLeft, 19, wide / 2, 14}, tr("Free: %1").arg(u64FreeSpace), Theme::Text::Caption,
-         Theme::Color::TextSecondary);
-    line({textLeft + wide / 2, 19, wide / 2, 14}, tr("Total: %1").arg(u64TotalSpace),
+    line({textLeft, 19, wide / 2, 14}, tr("Free: %1").arg(shown(u64FreeSpace)),
+         Theme::Text::Caption, Theme::Color::TextSecondary);
+    line({textLeft + wide / 2, 19, wide / 2, 14}, tr("Total: %1").arg(shown(u64TotalSpace)),
          Theme::Text::Caption, Theme::Color::TextSecondary);
     if (!m_seen.record) return;
     const auto level = static_cast<float>(warningLevelIn(errorValue.toStdString()));

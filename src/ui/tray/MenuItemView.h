@@ -59,7 +59,8 @@ public:
 
     /// Ejects unless the row is the memory's.
     void backDisk();
-    /// Opens the root, but for the tag 5, which is also that of the memory's row.
+    /// Opens the root, but for the tag 5, which is also that of the memory's row, and for a volume
+    /// that does not answer, which nobody else could open either.
     void mouseDown();
     /// The row tells that the volume is being ejected, until it is told that it stayed.
     void setEjecting(bool isEjecting);

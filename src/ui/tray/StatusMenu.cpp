@@ -94,6 +94,7 @@ void StatusMenu::addVolume(const SeenVolume& seen, std::int32_t tag) {
     view->volRootDir = volume.volRootDir;
     view->errorValue = text(errorValueOf(settings->errorValue));
     view->setSeen(seen);
+    view->setEjecting(isEjecting(*view));
     Log::line(fmt::format("totalSpace====={}", volume.totalSpace));
     auto* const item = new QWidgetAction(m_menu.get());
     item->setDefaultWidget(view);
@@ -102,6 +103,17 @@ void StatusMenu::addVolume(const SeenVolume& seen, std::int32_t tag) {
     connect(item, &QAction::triggered, view, &MenuItemView::mouseDown);
     m_allDiskItemArr.push_back(item);
     if (auto* const group = groupOf(m_groups, volume.volType)) group->push_back(item);
+}
+
+bool StatusMenu::isEjecting(const MenuItemView& row) const {
+    return m_parts.actions.isEjecting &&
+           m_parts.actions.isEjecting({row.volRefNumber, row.volRootDir});
+}
+
+void StatusMenu::showEjecting() {
+    for (const QAction* const each : m_allDiskItemArr)
+        if (MenuItemView* const row = viewOf(each); row->isEjecting() != isEjecting(*row))
+            row->setEjecting(!row->isEjecting());
 }
 
 void StatusMenu::addGroup(std::uint64_t code, const MyItemSetObj::Items& items) {
@@ -176,7 +188,7 @@ MenuItemView* StatusMenu::viewOf(const QAction* item) {
 
 void StatusMenu::updateDataForMenuItem(const SystemSight& sight) {
     // The count alone would leave the row of a volume that went to one that came, and eject it.
-    if (!m_menu || sight.volumes.size() != m_previousCount || !hasSameSequence(sight, m_built)) {
+    if (!m_menu || sight.volumes.size() != m_previousCount || !hasSameRows(sight, m_built)) {
         cancelTracking();
         removeItems();
         addMenu(sight);

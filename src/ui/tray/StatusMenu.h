@@ -33,6 +33,7 @@ public:
         std::function<void()> openMainWindow;  ///< only if it may be open
         std::function<void()> showMainWindowWhenClickMenuItem;
         std::function<void()> quit;
+        std::function<bool(const VolumePlace& place)> isEjecting{};  ///< empty: nothing ever is
     };
     struct Parts {
         UserDefaults* defaults = nullptr;  ///< as the next, outlives the menu
@@ -51,6 +52,8 @@ public:
     /// The fixed part, and the main window where it may be open.
     void addOtherItem();
     void addMenuItemView(const MyItemSetObj::Items& items);
+    /// What is being ejected is another set.
+    void showEjecting();
     /// Drops the menu.
     void removeItems();
     /// Closes it.
@@ -83,6 +86,7 @@ Q_SIGNALS:
     void refreshed();
 
 private:
+    [[nodiscard]] bool isEjecting(const MenuItemView& row) const;
     void addVolume(const SeenVolume& seen, std::int32_t tag);
     void addGroup(std::uint64_t code, const MyItemSetObj::Items& items);
     void updateRow(const SeenVolume& seen);

@@ -10,8 +10,9 @@
 #include "engine/base/MainQueue.h"
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/UserDefaults.h"
-#include "engine/volumes/SpaceLevel.h"
 #include "engine/volumes/volumeNotices.h"
+#include "ui/kit/controls/numberText.h"
+#include "ui/kit/controls/pathText.h"
 #include "ui/kit/look/picture.h"
 #include "ui/tray/trayNotices.h"
 
@@ -39,6 +40,7 @@ Tray::Tray(Parts parts, QObject* parent)
     // From the start on, so that a hidden item is not seen before the first look, and nobody counts
     // on it.
     m_item.setHidden(m_parts.menu.defaults->boolForKey(ZvShowStatusItem));
+    setImage({});
     connect(&m_menu, &StatusMenu::replaced, this, &Tray::takeMenu);
     connect(&m_menu, &StatusMenu::refreshed, &m_hostMenu, &HostMenu::refresh);
     m_watching =
@@ -98,6 +100,7 @@ void Tray::updateDataForMenuItem(const SystemSight& sight) {
     const bool isFirst = m_menu.menu() == nullptr;
     m_menu.updateDataForMenuItem(sight);
     if (const SeenVolume* const boot = bootVolumeIn(sight)) showHomeDisk(*boot->record);
+    else setImage({});
     if (!sight.volumes.empty()) notice::updateNewDiskSizeView.post(*m_parts.notifications);
     showMenuBar();
     // The stored value counts once the menu stands.
@@ -110,16 +113,16 @@ void Tray::showHomeDisk(const ZvVolumeInfo& boot) {
     m_statusFreeSpace = QString::fromStdString(boot.freeSpace);
     m_statusTotalSpace = QString::fromStdString(boot.totalSpace);
     m_item.setToolTip(QStringLiteral("%1\n%2\n%3")
-                          .arg(QString::fromStdString(boot.volumeName),
-                               tr("Total Size:%1").arg(m_statusTotalSpace),
-                               tr("Free Space:%1").arg(m_statusFreeSpace)));
+                          .arg(onOneLine(QString::fromStdString(boot.volumeName)),
+                               tr("Total Size:%1").arg(shownSize(boot.totalSpace)),
+                               tr("Free Space:%1").arg(shownSize(boot.freeSpace))));
     if (m_statusItemView)
         m_statusItemView->updateShowSizeWithFree(m_statusFreeSpace, m_statusTotalSpace);
     if (m_parts.sawHomeDisk) m_parts.sawHomeDisk(boot);
-    const float level = warningLevel(m_parts.menu.defaults->floatForKey(ZvSpaceAlarmKey));
-    const std::string name =
-        usagePictureName(UsagePicture::Status, spaceOf(boot), level, LocalVolume);
-    m_item.setImage(name.empty() ? QIcon() : picture(QString::fromStdString(name)));
+}
+
+void Tray::setImage(const QIcon& image) {
+    m_item.setImage(image.isNull() ? picture(QStringLiteral("appicon")) : image);
 }
 
 }  // namespace orrinvale

@@ -2,6 +2,7 @@
 // its notices on to it.
 #pragma once
 
+#include <QIcon>
 #include <QObject>
 #include <functional>
 #include <memory>
@@ -29,7 +30,8 @@ public:
         MainQueue* mainQueue = nullptr;
         const NotificationCenter* notifications = nullptr;
         StatusMenu::Parts menu;
-        std::function<void(const ZvVolumeInfo& boot)> sawHomeDisk{};  ///< may be empty
+        std::function<void(const ZvVolumeInfo& boot)>
+            sawHomeDisk{};  ///< may be empty; gives the image
     };
 
     explicit Tray(Parts parts, QObject* parent = nullptr);
@@ -39,6 +41,8 @@ public:
     void showMenuBar();
     /// True takes the item out of the tray.
     void setStatusBarHidden(bool isHidden);
+    /// The item's picture; for a null one that of the program.
+    void setImage(const QIcon& image);
     /// Builds the menu anew, if there is one, and looks at the volumes now.
     void refMenuItemWhenDeleteAndAdd();
     void cancelTracking() { m_menu.cancelTracking(); }

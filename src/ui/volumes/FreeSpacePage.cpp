@@ -97,6 +97,7 @@ void FreeSpacePage::look(bool isOnScreen) {
     if (!isOnScreen) return;
     m_looking = m_parts.watch->observe(SystemWatch::Part::Volumes, [this](const SystemSight& seen) {
         m_seen = seen;
+        m_hasSeen = true;
         updateNewDiskSizeViewData();
     });
     // Mostly that takes milliseconds; a dead server takes its second.
@@ -114,10 +115,10 @@ void FreeSpacePage::lookNow() {
 
 // A row is matched by its place alone, so that cards of another sequence are never filled.
 void FreeSpacePage::updateNewDiskSizeViewData() {
-    const bool isSame = m_diskSizeView.scrollArea() != nullptr &&
-                        hasSameSequence(m_seen, m_shown) && m_shownLevel == levelNow();
+    const bool isSame = m_diskSizeView.scrollArea() != nullptr && hasSameRows(m_seen, m_shown) &&
+                        m_shownLevel == levelNow();
     if (isSame) m_diskSizeView.updateViewAndData();
-    else if (!m_seen.volumes.empty() || m_diskSizeView.scrollArea() != nullptr) rebuild();
+    else if (m_hasSeen) rebuild();
     showTitle();
 }
 

@@ -74,6 +74,7 @@ private:
     class QLabel* m_emptyLabel = nullptr;
     VolumeWorker m_worker;
     SystemSight m_seen;
+    bool m_hasSeen = false;
     SystemSight m_shown;  // that the cards were made for
     std::string m_shownLevel;
     std::set<Place> m_ejecting;

@@ -265,6 +265,14 @@ protected:
     std::unique_ptr<QWidget> view;
 };
 
+TEST_F(FreeSpacePageTest, SaysAtTheFirstLookThatThereAreNone) {
+    change([](auto& volumes) { volumes.clear(); });
+    view->show();
+    EXPECT_SOON(std::ranges::any_of(view->findChildren<QLabel*>(), [](const QLabel* each) {
+        return each->isVisible() && each->text() == QLatin1String("There are no volumes here.");
+    }));
+}
+
 TEST_F(FreeSpacePageTest, IsMadeAnewWhenAnotherVolumeStandsInARowAndOnlyThen) {
     EXPECT_EQ(names(), "") << "nobody looks before it is seen";
     view->show();

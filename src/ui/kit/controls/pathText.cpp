@@ -27,9 +27,26 @@ QString cutInside(const QString& name, const QFontMetrics& metrics, int width) {
     return left.isEmpty() ? QString() : before + left + slash;
 }
 
+bool turnsText(char16_t code) {
+    return code == 0x061C || code == 0x200E || code == 0x200F ||
+           (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+}
+
+// Unicode has a picture for each control character; none for the marks of direction.
+QChar signOf(QChar letter) {
+    const char16_t code = letter.unicode();
+    if (code == '\n' || code == 0x0085 || code == 0x2028 || code == 0x2029) return QChar(0x2424);
+    if (code < 0x20) return QChar(static_cast<char16_t>(0x2400 + code));
+    if (code == 0x7F) return QChar(0x2421);
+    return turnsText(code) ? QChar(QChar::ReplacementCharacter) : letter;
+}
+
 }  // namespace
 
-QString onOneLine(QString text) { return text.replace(QLatin1Char('\n'), QChar(0x2424)); }
+QString onOneLine(QString text) {
+    for (QChar& each : text) each = signOf(each);
+    return text;
+}
 
 QString asToolTip(const QString& text) {
     return Qt::mightBeRichText(text) ? QStringLiteral("<qt>%1</qt>").arg(text.toHtmlEscaped())

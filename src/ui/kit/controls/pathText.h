@@ -6,7 +6,8 @@
 
 namespace orrinvale {
 
-/// A line break in a name would hide what follows it; a sign takes its place.
+/// A line break in a name would hide what follows it, a mark of direction turn it round: signs take
+/// the place of these, of tabs and of all other control characters.
 [[nodiscard]] QString onOneLine(QString text);
 
 /// A text as a tool tip: one that looks like markup is shown as it is spelled.
