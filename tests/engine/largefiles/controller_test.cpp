@@ -110,7 +110,7 @@ TEST_F(LargeFiles, ASecondNameThatWasWrittenToAfterTheFirstWentStays) {
     controller.selectAllFileNode(1);
     std::string left;
     files.beforeRemoval = [&](const char* operation) {
-        if (std::strcmp(operation, "holdFolder") != 0 || !left.empty()) return;
+        if (std::strcmp(operation, "attributes") != 0 || !left.empty()) return;
         if (isThere(disk.at("first")) && isThere(disk.at("second"))) return;
         left = isThere(disk.at("first")) ? "first" : "second";
         std::this_thread::sleep_for(20ms);
