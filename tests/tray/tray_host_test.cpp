@@ -91,6 +91,27 @@ TEST(TrayHost, AHostThatComesAndGoesIsTold) {
                     : qputenv("DBUS_SESSION_BUS_ADDRESS", before);
 }
 
+TEST(TrayHost, ABusThatHangsBehindItsGreetingIsToldAsNoTray) {
+    if (QStandardPaths::findExecutable(QStringLiteral("dbus-daemon")).isEmpty())
+        GTEST_SKIP() << "no dbus-daemon here";
+    Helper daemon(QStringLiteral("dbus-daemon"),
+                  {QStringLiteral("--session"), QStringLiteral("--print-address"),
+                   QStringLiteral("--nofork")});
+    const TestTree tree;
+    Helper bus(QStringLiteral("/usr/bin/python3"),
+               {QStringLiteral(ORRINVALE_HANGING_BUS), daemon.line(),
+                QString::fromStdString(tree.path())});
+    const QByteArray before = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+    qputenv("DBUS_SESSION_BUS_ADDRESS", bus.line().toUtf8());
+    const auto told = std::make_shared<Told>();
+    LinuxTrayHost host({.hasBus = true, .hasX11 = false});
+    host.watch([told](TrayKind kind) { told->take(kind); });
+    EXPECT_EQ(bus.line().toStdString(), "hangs");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return told->now() == "-"; }, 3000));
+    before.isNull() ? qunsetenv("DBUS_SESSION_BUS_ADDRESS")
+                    : qputenv("DBUS_SESSION_BUS_ADDRESS", before);
+}
+
 TEST(TrayHost, ATrayOfX11ThatComesAndGoesIsTold) {
     for (const char* const program : {"Xvfb", "trayer"})
         if (QStandardPaths::findExecutable(QLatin1String(program)).isEmpty())
