@@ -2,6 +2,7 @@
 #include "ui/tray/StatusMenu.h"
 
 #include <QWidgetAction>
+#include <ctime>
 
 #include "engine/settings/PreferenceViewController.h"
 #include "engine/settings/SettingsKeys.h"
@@ -233,6 +234,13 @@ TEST(StatusMenu, TheBarIsDrawnFromTheRecordInBothPalettes) {
     Theme::shared().setScheme(Theme::Scheme::Light);
 }
 
+// Of this thread: a busy machine makes it no slower.
+double processorMilliseconds() {
+    timespec now{};
+    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) / 1e6;
+}
+
 TEST(StatusMenu, ARefreshOf200VolumesTakesNoTurnOfTheEventLoop) {
     MenuOnDesk on;
     std::vector<double> took;
@@ -241,14 +249,14 @@ TEST(StatusMenu, ARefreshOf200VolumesTakesNoTurnOfTheEventLoop) {
         for (std::int16_t i = 0; i < 200; ++i)
             all.push_back(volume(static_cast<std::int16_t>(10 + i), fmt::format("v{}", i),
                                  ExternalVolume, static_cast<std::uint64_t>(600 + round)));
-        const auto start = Clock::now();
+        const double start = processorMilliseconds();
         on.show(std::move(all));
-        took.push_back(std::chrono::duration<double, std::milli>(Clock::now() - start).count());
+        took.push_back(processorMilliseconds() - start);
     }
     took.erase(took.begin());  // that one builds
     std::ranges::nth_element(took, took.begin() + 10);
     RecordProperty("milliseconds", std::to_string(took[10]));
-    EXPECT_LT(took[10], 10) << "milliseconds, the median of twenty";
+    EXPECT_LT(took[10], 10) << "milliseconds of processor time, the median of twenty";
 }
 
 TEST(HostMenu, NamesArriveAsTheyAre) {
