@@ -1178,10 +1178,6 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>Auf diesem Computer sind %1 von %2 frei</translation>
     </message>
     <message>
-        <source>The volume could not be ejected.</source>
-        <translation>Der Datenträger konnte nicht ausgeworfen werden.</translation>
-    </message>
-    <message>
         <source>Looking at your volumes ...</source>
         <translation>Ihre Datenträger werden angesehen ...</translation>
     </message>

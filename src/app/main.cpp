@@ -84,6 +84,7 @@ struct Shared {
     QtMainQueue mainQueue;
     const LinuxMemory memory;
     SystemWatch systemWatch{volumes, memory, mainQueue};
+    Ejections ejections{volumes, mainQueue};
     LinuxHotKeys hotKeys;
     WindowDialogs dialogs;
     FileIcons icons;
@@ -128,7 +129,7 @@ AppDelegateParts delegateParts(Shared& shared, DesktopNotifications& desktopNoti
                   .utilities = shared.utilities.get(),
                   .settingsFolder = userConfigFolder()},
         .icons = &shared.icons,
-        .volumes = &shared.volumes,
+        .ejections = &shared.ejections,
         .volumesAtOnce = &shared.volumesAtOnce,
         .mountChanges = &shared.mountChanges,
         .desktopNotifications = &desktopNotifications,
@@ -162,7 +163,7 @@ void preparePages(const AppDelegateParts& parts, AppDelegate& delegate) {
     pages.setOpenHelp([&delegate] { delegate.help(); });
     pages.registerPage(duplicatePage(parts.pages));
     pages.registerPage(
-        freeSpacePage(parts.pages, {.watch = parts.systemWatch, .volumes = parts.volumes}));
+        freeSpacePage(parts.pages, {.watch = parts.systemWatch, .ejections = parts.ejections}));
 }
 
 int runWindow(int argc, char** argv, const StartRequest& request,

@@ -33,7 +33,7 @@ ProgramScenes::ProgramScenes(UserDefaults& defaults, const PictureFolder& pictur
                                    .utilities = m_utilities.get(),
                                    .settingsFolder = {}},
                          .icons = &m_workings.icons,
-                         .volumes = &m_volumes,
+                         .ejections = &m_ejections,
                          .volumesAtOnce = &m_volumes,
                          .mountChanges = &m_mountChanges,
                          .openFolder = [](const std::string& /*path*/) { return true; },

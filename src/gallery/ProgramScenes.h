@@ -13,6 +13,7 @@
 #include "platform/fake/FakeVolumes.h"
 #include "platform/linux/LinuxFiles.h"
 #include "platform/linux/LinuxFolders.h"
+#include "services/volumes/Ejections.h"
 
 namespace orrinvale {
 
@@ -45,6 +46,7 @@ private:
     const LinuxFileSystem m_files;
     PageWorkings m_workings;
     FakeVolumes m_volumes;
+    Ejections m_ejections{m_volumes, m_workings.mainQueue};
     FakeMountChanges m_mountChanges;
     const LinuxFolders m_folders;
     const std::shared_ptr<const FolderUtilities> m_utilities =

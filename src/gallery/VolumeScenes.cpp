@@ -77,6 +77,7 @@ struct Machine {
     LinuxMemory memory;
     PageWorkings workings;
     SystemWatch watch{platform, memory, workings.mainQueue, std::chrono::hours(1)};
+    Ejections ejections{platform, workings.mainQueue};
 };
 
 bool drawPage(UserDefaults& defaults, const PictureFolder& pictures, std::size_t count) {
@@ -86,7 +87,7 @@ bool drawPage(UserDefaults& defaults, const PictureFolder& pictures, std::size_t
     controller.setOpenAddress([](const QString& /*address*/) {});
     controller.setOpenHelp([] {});
     controller.registerPage(freeSpacePage(machine.workings.parts(files, defaults),
-                                          {&machine.watch, &machine.platform}));
+                                          {&machine.watch, &machine.ejections}));
     controller.showWindow();
     controller.window()->activateWindow();
     const auto isListed = [&] {
@@ -107,7 +108,7 @@ bool drawTroubles(UserDefaults& defaults, const PictureFolder& pictures) {
         gate.wait();
     };
     FreeSpacePage page(machine.workings.parts(files, defaults),
-                       {&machine.watch, &machine.platform});
+                       {&machine.watch, &machine.ejections});
     const std::unique_ptr<QWidget> view(page.view());
     view->resize(800, 440);
     view->show();

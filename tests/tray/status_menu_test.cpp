@@ -56,10 +56,10 @@ struct MenuOnDesk {
             if (const MenuItemView* const row = StatusMenu::viewOf(each))
                 text += fmt::format("{}#{} ", row->volumeSize.toStdString(), row->ViewTag);
             else if (widget != nullptr)
-                text += fmt::format(
-                    "[{}] ",
-                    groupTitleKey(
-                        qobject_cast<CustomGreyBarView*>(widget->defaultWidget())->titleImplment));
+                text +=
+                    fmt::format("[{}] ", qobject_cast<CustomGreyBarView*>(widget->defaultWidget())
+                                             ->title()
+                                             .toStdString());
             else if (each->isSeparator()) text += "| ";
             else
                 text += fmt::format("{}{} ", each->text().toStdString(),
@@ -101,12 +101,12 @@ TEST(StatusMenu, VolumesStandByGroupAndLocalOnesAloneEnableNothing) {
     } cases[] = {
         {{}, "| Eject All(grey) | Main Window | Quit Orrinvale "},
         {{volume(1, "System", LocalVolume)},
-         "[LOCAL_STORAGE] System#0 | Eject All(grey) | Main Window | Quit Orrinvale "},
+         "[Internal Disks] System#0 | Eject All(grey) | Main Window | Quit Orrinvale "},
         {{volume(1, "image", DiskImageVolume), volume(2, "nas", NetworkVolume),
           volume(3, "disc", OpticalVolume), volume(4, "stick", ExternalVolume),
           volume(6, "System", LocalVolume), volume(7, "home", LocalVolume), volume(8, "odd", 9)},
-         "[LOCAL_STORAGE] System#4 home#5 [EXTERNAL_STORAGE] stick#3 [SUPER_DRIVER] disc#2 "
-         "[NETWOR_STORAGE] nas#1 [DISK_IMAGE] image#0 | Eject All | Main Window | "
+         "[Internal Disks] System#4 home#5 [External Disks] stick#3 [CDs and DVDs] disc#2 "
+         "[Network Volumes] nas#1 [Disk Images] image#0 | Eject All | Main Window | "
          "Quit Orrinvale "}};
     for (const auto& each : cases) {
         MenuOnDesk on;
@@ -176,7 +176,7 @@ TEST(StatusMenu, AnotherGroupMakesItAnewAndASilentRowOpensNothing) {
     MenuOnDesk on;
     on.show({volume(7, "stick", LocalVolume, 600, false)});
     on.show({volume(7, "stick", ExternalVolume, 600, true)});
-    EXPECT_TRUE(on.popup().starts_with("[EXTERNAL_STORAGE] stick#0 | Eject All |")) << on.popup();
+    EXPECT_TRUE(on.popup().starts_with("[External Disks] stick#0 | Eject All |")) << on.popup();
     EXPECT_TRUE(on.row(7).bCanEject);
     SeenVolume silent = volume(7, "stick", ExternalVolume);
     silent.silence = "Connection timed out";

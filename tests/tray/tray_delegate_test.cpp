@@ -77,8 +77,9 @@ TEST(TrayOfTheProgram, ARowUnderEjectionStaysSoInAMenuThatIsMadeAnew) {
     on.delegate->tray()->refMenuItemWhenDeleteAndAdd();
     EXPECT_TRUE(rowOf(on, "7")->isEjecting()) << "of the last look, which still saw it";
     rowOf(on, "7")->backDisk();
+    on.ejections.eject({7, "/media/stick"}, "Stick", on.delegate.get(), [](bool) {});
     EXPECT_SOON(!rowOf(on, "7")->isEjecting()) << "it stands all the same";
-    EXPECT_EQ(on.volumes.ejectedNumbers.size(), 1U);
+    EXPECT_EQ(on.volumes.ejectedNumbers.size(), 1U) << "whoever asks";
 }
 
 TEST(TrayOfTheProgram, OnlyATrayThatIsKnownToShowItIsCountedOn) {

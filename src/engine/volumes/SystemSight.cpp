@@ -82,6 +82,12 @@ const SeenVolume* findVolume(const SystemSight& sight, std::int16_t volRefNumber
     return found == sight.volumes.end() ? nullptr : &*found;
 }
 
+const SeenVolume* bootVolume(const std::vector<SeenVolume>& volumes) {
+    const auto boot =
+        std::ranges::find_if(volumes, [](const auto& each) { return each.record->bIsDefaultVol; });
+    return boot == volumes.end() ? nullptr : &*boot;
+}
+
 // A walk of VolumesInfo has no place for what does not answer, so its questions are looked at.
 class VolumeLook::RowNotes final : public ForwardingVolumes {
 public:

@@ -58,6 +58,9 @@ struct SystemSight {
 [[nodiscard]] const SeenVolume* findVolume(const SystemSight& sight, std::int16_t volRefNumber,
                                            const std::string& volRootDir);
 
+/// Null where there is none.
+[[nodiscard]] const SeenVolume* bootVolume(const std::vector<SeenVolume>& volumes);
+
 /// Takes looks at the volumes. One that answered once and does not answer now stays in its place,
 /// with the figures of its last answer; one that never answered is not seen. One thread.
 class VolumeLook final {

@@ -83,7 +83,7 @@ void CleanSysController::showCleanFinishBubble(std::uint64_t count, std::uint64_
     if (!m_isClosed) enter(State::Reporting);
     // A bubble has room for three lines, or for one that is broken.
     const bool isAlone = m_isEmpty && !further.isEmpty();
-    FastCleanBubbleViewDelegate* const delegate = this;
+    FastCleanBubbleViewDelegate& delegate = *this;
     m_bubbleView = std::make_unique<FastCleanBubbleView>(
         (isAlone ? QStringList() : countAndSizeLines(count, bytes)) + further.mid(0, 1),
         m_parts.bubbles, delegate);

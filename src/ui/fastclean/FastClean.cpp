@@ -8,6 +8,7 @@
 #include "engine/cleaning/ParseFileLog.h"
 #include "engine/cleaning/QnAuthorization.h"
 #include "engine/cleaning/ScanViewController.h"
+#include "ui/bubbles/BubbleContent.h"
 
 namespace orrinvale {
 
@@ -19,8 +20,6 @@ std::unique_ptr<RemovalDoor> fastCleanDoor(CleanCategory category) {
 
 FastClean::FastClean(FastCleanParts parts, std::function<void()> changed)
     : m_parts(std::move(parts)), m_changed(std::move(changed)) {
-    m_noteTimer.setSingleShot(true);
-    connect(&m_noteTimer, &QTimer::timeout, this, [this] { m_note.reset(); });
     ParseFileLog::setMessages([dialogs = m_parts.pages.dialogs](const std::string& text) {
         Alert message;
         message.title = QString::fromStdString(text);
@@ -57,8 +56,8 @@ bool FastClean::makeController() {
 
 void FastClean::tell(const QStringList& lines) {
     m_note.reset();
-    m_note = std::make_unique<FastCleanBubbleView>(lines, m_parts.bubbles, nullptr);
-    m_noteTimer.start(m_parts.bubbles.lifetime);
+    m_note = std::make_unique<BubbleView>(std::make_unique<BubbleContent>(lines), m_parts.bubbles);
+    m_note->gone = [this] { m_note.reset(); };
 }
 
 void FastClean::handleCloseCleanWindow() {

@@ -3,11 +3,11 @@
 #pragma once
 
 #include <QObject>
-#include <QTimer>
 #include <functional>
 #include <memory>
 #include <vector>
 
+#include "ui/bubbles/BubbleView.h"
 #include "ui/fastclean/CleanSysController.h"
 
 namespace orrinvale {
@@ -49,8 +49,7 @@ private:
     const std::function<void()> m_changed;
     std::unique_ptr<CleanSysController> m_controller;
     std::vector<std::unique_ptr<CleanSysController>> m_leaving;  // closed, and not yet gone
-    std::unique_ptr<FastCleanBubbleView> m_note;                 // why nothing was begun
-    QTimer m_noteTimer;
+    std::unique_ptr<BubbleView> m_note;                          // why nothing was begun
 };
 
 /// What Fast Clean removes of a category through: only of trash and downloads may the

@@ -6,19 +6,17 @@
 namespace orrinvale {
 
 FastCleanBubbleView::FastCleanBubbleView(const QStringList& lines, const BubbleGround& ground,
-                                         FastCleanBubbleViewDelegate* delegate)
+                                         FastCleanBubbleViewDelegate& delegate)
     : m_delegate(delegate),
       m_bubble(
           std::make_unique<StandingBubble>(std::make_unique<BubbleContent>(lines), ground, this)) {}
 
 FastCleanBubbleView::~FastCleanBubbleView() = default;
 
-void FastCleanBubbleView::mouseEnterAction() {
-    if (m_delegate != nullptr) m_delegate->fastCleantimerKillToDeleteDelegate();
-}
+void FastCleanBubbleView::mouseEnterAction() { m_delegate.fastCleantimerKillToDeleteDelegate(); }
 
 void FastCleanBubbleView::mouseExitAction() {
-    if (m_delegate != nullptr) m_delegate->fastCleantimerBeginToBeleteBubbleViewDelegate();
+    m_delegate.fastCleantimerBeginToBeleteBubbleViewDelegate();
 }
 
 }  // namespace orrinvale

@@ -26,9 +26,9 @@ protected:
 /// Stands from its making to its end, among the other bubbles of the program. Main thread only.
 class FastCleanBubbleView final : public MAAttachedWindowDelegate {
 public:
-    /// One line, or up to three. The delegate, which may be null, outlives it.
+    /// One line, or up to three. The delegate outlives it.
     FastCleanBubbleView(const QStringList& lines, const BubbleGround& ground,
-                        FastCleanBubbleViewDelegate* delegate);
+                        FastCleanBubbleViewDelegate& delegate);
     ~FastCleanBubbleView() override;
     FastCleanBubbleView(const FastCleanBubbleView&) = delete;
     FastCleanBubbleView& operator=(const FastCleanBubbleView&) = delete;
@@ -41,7 +41,7 @@ public:
     [[nodiscard]] MAAttachedWindow* maattachedView() const { return m_bubble->maattachedView(); }
 
 private:
-    FastCleanBubbleViewDelegate* const m_delegate;
+    FastCleanBubbleViewDelegate& m_delegate;
     const std::unique_ptr<StandingBubble> m_bubble;
 };
 

@@ -58,9 +58,12 @@ AppDelegate::AppDelegate(AppDelegateParts parts, QObject* parent)
                                    .rejestAllDisk = [this] { rejestAllDisk(); },
                                    .help = [this] { help(); },
                                    .quit = [this] { quit(); }})),
-      m_fastClean(makeFastClean()),
-      m_volumeWorker(*m_parts.volumes, *m_parts.pages.mainQueue) {
+      m_fastClean(makeFastClean()) {
     connect(m_menu.get(), &ApplicationMenu::opened, this, &AppDelegate::refApplicationMenu);
+    connect(m_parts.ejections, &Ejections::failed, this,
+            [this](const std::vector<EjectFailure>& failures) {
+                tellOfFailures(tr("The volume could not be ejected."), failures);
+            });
 }
 
 AppDelegate::~AppDelegate() = default;
@@ -263,8 +266,10 @@ void AppDelegate::leave(std::function<void()> last) {
 }
 
 void AppDelegate::tell(const Alert& alert) {
-    handleReopenAppEvent();
-    m_parts.pages.dialogs->alert(window(), alert, [](int) {});
+    TCImageWindow* const pages = AppPrefsWindowController::sharedPrefsWindowController().window();
+    const bool isOverPages = pages != nullptr && pages->isActiveWindow();
+    if (!isOverPages) handleReopenAppEvent();
+    m_parts.pages.dialogs->alert(isOverPages ? pages : window(), alert, [](int) {});
 }
 
 void AppDelegate::openAboutWindow() {

@@ -20,7 +20,7 @@
 #include "engine/volumes/VolumesInfo.h"
 #include "engine/volumes/VolumesManager.h"
 #include "platform/StartRequest.h"
-#include "services/volumes/VolumeWorker.h"
+#include "services/volumes/Ejections.h"
 #include "ui/bubbles/StandingBubble.h"
 #include "ui/bubbles/delegateNotes.h"
 #include "ui/page/PageServices.h"
@@ -52,7 +52,7 @@ struct AppDelegateParts {
     PageServices pages;
     CleanParts clean = {};  ///< without FolderUtilities there is no Fast Clean
     FileIcons* icons = nullptr;
-    Volumes* volumes = nullptr;  ///< asked on other threads, and patient
+    Ejections* ejections = nullptr;
     Volumes* volumesAtOnce =
         nullptr;  ///< asked on the main thread; leaves out what does not answer at once
     MountChanges* mountChanges = nullptr;
@@ -178,8 +178,7 @@ private:
     void startTray();
     void showPageOfRow(std::int32_t row, const QString& identifier);
     void refApplicationMenu();
-    void ejectRow(MenuItemView& row);
-    void ejectionOver(const VolumePlace& place);
+    void ejectRow(const MenuItemView& row);
     void tellOfGuide();
     void ejectionEnded(std::int32_t status, const std::vector<EjectFailure>& failures);
     void tellOfFailures(const QString& title, const std::vector<EjectFailure>& failures);
@@ -199,7 +198,6 @@ private:
     std::unique_ptr<ApplicationMenu> m_menu;
     std::unique_ptr<DuplicateMainWindowController> m_duplicateMWC;
     std::unique_ptr<FastClean> m_fastClean;
-    VolumeWorker m_volumeWorker;
     std::unique_ptr<WorkspaceMounts> m_workspace;
     std::unique_ptr<WatchMountUnmount> m_watchMu;
     std::unique_ptr<VolumesInfo> m_voluInfo;
@@ -210,8 +208,6 @@ private:
     std::unique_ptr<SpaceWarnings> m_spaceWarnings;
     HomeDisk m_homeDisk;
     bool m_isOpenWindow = false;
-    bool m_isEjecting = false;
-    std::vector<VolumePlace> m_ejectingPlaces;  // by the menu of the tray
     bool m_isAskingToGoOn = false;
     bool m_isLeaving = false;
     bool m_hasPagesKeys = false;

@@ -19,13 +19,6 @@
 #include "ui/tray/trayNotices.h"
 
 namespace orrinvale {
-namespace {
-
-// Milliseconds in which a look at the volumes no longer sees one that was ejected.
-constexpr int untilSeenGone = 3000;
-
-}  // namespace
-
 void AppDelegate::startTray() {
     if (m_parts.systemWatch == nullptr) return;
     NotificationCenter& center = *m_parts.pages.notifications;
@@ -44,9 +37,7 @@ void AppDelegate::startTray() {
         .showMainWindowWhenClickMenuItem = [this] { showMainWindowWhenClickMenuItem(); },
         .quit = [this] { quit(); },
         .isEjecting =
-            [this](const VolumePlace& place) {
-                return std::ranges::find(m_ejectingPlaces, place) != m_ejectingPlaces.end();
-            }};
+            [this](const VolumePlace& place) { return m_parts.ejections->isEjecting(place); }};
     m_tray = std::make_unique<Tray>(Tray::Parts{.watch = m_parts.systemWatch,
                                                 .host = m_parts.trayHost,
                                                 .mainQueue = m_parts.pages.mainQueue,
@@ -58,6 +49,7 @@ void AppDelegate::startTray() {
                                                     noteHomeDisk(boot);
                                                     setStatusIamge(boot);
                                                 }});
+    connect(m_parts.ejections, &Ejections::changed, &m_tray->menu(), &StatusMenu::showEjecting);
     if (m_parts.hotKeys != nullptr) {
         m_arrowKeys = std::make_unique<ArrowHotKeys>(*m_parts.hotKeys);
         m_arrowKeys->Runloop();
@@ -123,29 +115,12 @@ void AppDelegate::askToGoOn() {
     });
 }
 
-// On the worker's thread: a slow medium may take minutes. The row may be gone by then, and another
-// stand for the volume.
-void AppDelegate::ejectRow(MenuItemView& row) {
-    const VolumePlace place{row.volRefNumber, row.volRootDir};
-    m_ejectingPlaces.push_back(place);
-    m_tray->menu().showEjecting();
-    m_volumeWorker.ejectVolume(
-        row.volRefNumber, row.volRootDir, row.volumeSize.toStdString(),
-        [this, place](std::int32_t /*status*/, const std::vector<EjectFailure>& failures) {
-            if (failures.empty()) {
-                notice::refMenuItemWhenDeleteAndAdd.post(*m_parts.pages.notifications);
-                // The menu is made of the last look, in which the volume still stands.
-                QTimer::singleShot(untilSeenGone, this, [this, place] { ejectionOver(place); });
-                return;
-            }
-            ejectionOver(place);
-            tellOfFailures(tr("The volume could not be ejected."), failures);
+void AppDelegate::ejectRow(const MenuItemView& row) {
+    m_parts.ejections->eject(
+        {row.volRefNumber, row.volRootDir}, row.volumeSize.toStdString(), this,
+        [this](bool isGone) {
+            if (isGone) notice::refMenuItemWhenDeleteAndAdd.post(*m_parts.pages.notifications);
         });
-}
-
-void AppDelegate::ejectionOver(const VolumePlace& place) {
-    std::erase(m_ejectingPlaces, place);
-    m_tray->menu().showEjecting();
 }
 
 }  // namespace orrinvale

@@ -43,12 +43,9 @@ void AppDelegate::ZvCommVolumeNottification(const Notification& notification,
 }
 
 void AppDelegate::rejestAllDisk() {
-    if (m_isEjecting) return;
-    m_isEjecting = true;
     m_menu->setCanEject(false);
-    m_volumeWorker.ejectAllVolumes(
+    m_parts.ejections->ejectAll(
         [this](std::int32_t status, const std::vector<EjectFailure>& failures) {
-            m_isEjecting = false;
             ejectionEnded(status, failures);
         });
 }
@@ -90,7 +87,8 @@ void AppDelegate::refApplicationMenu() {
                      pages.hasPage(uninstallIdentifier));
     m_menu->setHasPages(pages.hasPagesBeside(QStringLiteral("duplicates_file")));
     refFastCleanItem();
-    m_volumeWorker.hasEjectable([this](bool has) { m_menu->setCanEject(has && !m_isEjecting); });
+    m_parts.ejections->hasEjectable(
+        [this](bool has) { m_menu->setCanEject(has && !m_parts.ejections->isEjectingAll()); });
 }
 
 void AppDelegate::openFinderWhenClickItems(const Notification& notification) {

@@ -1,19 +1,12 @@
-// Groups by their codes, and the bar with the text.
+// The bar with its text.
 #include "ui/tray/CustomGreyBarView.h"
 
 #include <QPainter>
-#include <array>
 
-#include "engine/text/Localized.h"
 #include "ui/kit/look/Theme.h"
+#include "ui/volumes/CustomVolumView.h"
 
 namespace orrinvale {
-
-const char* groupTitleKey(std::uint64_t storage) {
-    constexpr std::array keys{"LOCAL_STORAGE",  "EXTERNAL_STORAGE", "SUPER_DRIVER",
-                              "NETWOR_STORAGE", "DISK_IMAGE",       "FREE_MEMORY"};
-    return storage < keys.size() ? keys.at(storage) : "";
-}
 
 CustomGreyBarView::CustomGreyBarView(std::uint64_t withStorage, QWidget* parent)
     : QWidget(parent),
@@ -26,8 +19,7 @@ CustomGreyBarView::CustomGreyBarView(std::uint64_t withStorage, QWidget* parent)
 }
 
 QString CustomGreyBarView::title() const {
-    const char* const key = groupTitleKey(titleImplment);
-    return *key == 0 ? QString() : QString::fromStdString(getLocalizedString(key));
+    return volumeGroupName(static_cast<std::int64_t>(titleImplment));
 }
 
 void CustomGreyBarView::paintEvent(QPaintEvent* /*event*/) {

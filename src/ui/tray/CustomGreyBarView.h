@@ -8,9 +8,6 @@
 
 namespace orrinvale {
 
-/// The key of a group's title; empty for a code that is none. 5 is the memory's.
-[[nodiscard]] const char* groupTitleKey(std::uint64_t storage);
-
 class CustomGreyBarView final : public QWidget {
     Q_OBJECT
 public:

@@ -4,7 +4,6 @@
 
 #include <QPointer>
 #include <QTimer>
-#include <algorithm>
 #include <utility>
 
 #include "engine/base/MainQueue.h"
@@ -22,12 +21,6 @@ namespace {
 // Milliseconds in which the desktop tells whether it has a tray. What it says later counts as well.
 constexpr int hostPatience = 3000;
 constexpr qsizetype blanks = 17;  // as wide as the two fields of the view
-
-const SeenVolume* bootVolumeIn(const SystemSight& sight) {
-    const auto boot = std::ranges::find_if(
-        sight.volumes, [](const SeenVolume& each) { return each.record->bIsDefaultVol; });
-    return boot == sight.volumes.end() ? nullptr : &*boot;
-}
 
 }  // namespace
 
@@ -99,7 +92,7 @@ void Tray::refMenuItemWhenDeleteAndAdd() {
 void Tray::updateDataForMenuItem(const SystemSight& sight) {
     const bool isFirst = m_menu.menu() == nullptr;
     m_menu.updateDataForMenuItem(sight);
-    if (const SeenVolume* const boot = bootVolumeIn(sight)) showHomeDisk(*boot->record);
+    if (const SeenVolume* const boot = bootVolume(sight.volumes)) showHomeDisk(*boot->record);
     else setImage({});
     if (!sight.volumes.empty()) notice::updateNewDiskSizeView.post(*m_parts.notifications);
     showMenuBar();

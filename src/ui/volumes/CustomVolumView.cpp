@@ -6,6 +6,7 @@
 #include <QPainter>
 #include <QVBoxLayout>
 #include <array>
+#include <tuple>
 #include <utility>
 
 #include "engine/text/Localized.h"
@@ -23,37 +24,19 @@
 
 namespace orrinvale {
 
-/// A numbered picture as wide as there is room.
-class UsageBar final : public QWidget {
-public:
-    explicit UsageBar(QWidget* parent) : QWidget(parent) {
-        constexpr int height = 10;
-        setFixedHeight(height);
-        setObjectName(QStringLiteral("prograssView"));
-    }
-    void setPicture(const QString& name) {
-        m_name = name;
-        update();
-    }
-    [[nodiscard]] const QString& name() const { return m_name; }
-
-protected:
-    void paintEvent(QPaintEvent* /*event*/) override {
-        QPainter painter(this);
-        if (!isEnabled()) painter.setOpacity(0.4);
-        if (!m_name.isEmpty()) picture(m_name).paint(&painter, rect());
-    }
-
-private:
-    QString m_name;
-};
-
 namespace {
 
 constexpr int iconSide = 32;
 constexpr int cardGap = Theme::gapSmall;  // below each card, within its height
-constexpr std::array groupKeys{"LOCAL_STORAGE", "EXTERNAL_STORAGE", "SUPER_DRIVER",
-                               "NETWOR_STORAGE", "DISK_IMAGE"};
+
+// A picture as wide as there is room.
+PictureView* makeBar(const char* name) {
+    constexpr int height = 10;
+    PictureView* const made = named(new PictureView({}, {height, height}), name);
+    made->setMaximumWidth(QWIDGETSIZE_MAX);
+    made->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    return made;
+}
 
 // Quiet text at the left or the right of the card.
 QLabel* makeQuiet(const char* name) {
@@ -64,10 +47,11 @@ QLabel* makeQuiet(const char* name) {
 
 }  // namespace
 
-QString volumeGroupName(std::int32_t volType) {
-    if (volType < 0 || static_cast<std::size_t>(volType) >= groupKeys.size()) return {};
-    return QString::fromStdString(
-        getLocalizedString(groupKeys.at(static_cast<std::size_t>(volType))));
+QString volumeGroupName(std::int64_t group) {
+    constexpr std::array keys{"LOCAL_STORAGE",  "EXTERNAL_STORAGE", "SUPER_DRIVER",
+                              "NETWOR_STORAGE", "DISK_IMAGE",       "FREE_MEMORY"};
+    const auto row = static_cast<std::size_t>(group);  // beyond the keys where it is negative
+    return row < keys.size() ? QString::fromStdString(getLocalizedString(keys.at(row))) : QString();
 }
 
 QString volumePicture(std::int32_t volType, bool isBootVolume) {
@@ -118,7 +102,7 @@ void CustomVolumView::makeParts(bool canEject) {
     m_volName->setFont(Theme::shared().font(Theme::Text::BodyStrong));
     m_groupName = makeQuiet("groupName");
     m_freeVolT = makeLabel("freeVolT", Theme::Text::BodyStrong);
-    m_prograssView = new UsageBar(this);
+    m_prograssView = makeBar("prograssView");
     m_totlVolT = makeQuiet("totlVolT");
     m_usedVolT = makeQuiet("usedVolT");
     m_browseButton =
@@ -160,14 +144,28 @@ void CustomVolumView::makeParts(bool canEject) {
     m_ejectButton->setHidden(!canEject);  // not before it stands in the card: it would be a window
 }
 
+void CustomVolumView::showFigures(const SeenVolume& seen) {
+    const ZvVolumeInfo& volume = *seen.record;
+    const auto texts = [this] {
+        return std::tie(m_u64FreeSpace, m_u64TotalSpace, m_volumeName, m_volRootDir, m_silence);
+    };
+    const QString silence = seen.silence.empty() ? QString() : inWords(seen.silence);
+    const auto now = std::tie(volume.freeSpace, volume.totalSpace, volume.volumeName,
+                              volume.volRootDir, silence);
+    if (texts() != now) {
+        texts() = now;
+        showTexts();
+    }
+    m_nTotalSize = volume.nTotalSize;
+    m_nFreeSize = volume.nFreeSize;
+    m_nReservedSize = volume.nReservedSize;
+    setPrograssImage();
+}
+
 void CustomVolumView::setvolumIcon(const QString& picture) { m_curVolIcon->setPicture(picture); }
 
 void CustomVolumView::setVolumName(const std::string& name) {
     if (std::exchange(m_volumeName, name) != name) showTexts();
-}
-
-void CustomVolumView::setVolRootDir(const std::string& path) {
-    if (std::exchange(m_volRootDir, path) != path) showTexts();
 }
 
 void CustomVolumView::setFreeTextFieldSpace(const std::string& freeSpace) {
@@ -242,11 +240,6 @@ void CustomVolumView::browseDisk() {
 void CustomVolumView::setEjecting(bool is) {
     m_isEjecting = is;
     showTexts();
-}
-
-void CustomVolumView::setSilence(const std::string& reason) {
-    const QString words = reason.empty() ? QString() : inWords(reason);
-    if (std::exchange(m_silence, words) != words) showTexts();
 }
 
 void CustomVolumView::paintEvent(QPaintEvent* /*event*/) {

@@ -14,7 +14,6 @@ namespace orrinvale {
 
 class ElidedLabel;
 class TCImageButton;
-class UsageBar;
 
 /// What a card asks of the page that it stands on.
 class CustomVolumViewDelegate {
@@ -32,9 +31,9 @@ protected:
     CustomVolumViewDelegate& operator=(const CustomVolumViewDelegate&) = default;
 };
 
-/// The name under which a group of volumes is listed, in the language of the window; empty for a
-/// group that has none.
-[[nodiscard]] QString volumeGroupName(std::int32_t volType);
+/// The name under which a group of volumes is listed, or the memory with its code 5, in the
+/// language of the window; empty for a code that has none.
+[[nodiscard]] QString volumeGroupName(std::int64_t group);
 
 /// The picture of a volume of that type.
 [[nodiscard]] QString volumePicture(std::int32_t volType, bool isBootVolume);
@@ -51,14 +50,14 @@ public:
     CustomVolumView(const ZvVolumeInfo& volume, std::string errorValue, std::int32_t isPrograss,
                     std::int32_t tag, CustomVolumViewDelegate& delegate, QWidget* parent = nullptr);
 
+    /// Writes the figures and texts of a later look in; the kind stays. Those of a volume that does
+    /// not answer are grey, as they are of its last answer, and the card says why.
+    void showFigures(const SeenVolume& seen);
     void setvolumIcon(const QString& picture);
     void setVolumName(const std::string& name);
-    void setVolRootDir(const std::string& path);
     void setFreeTextFieldSpace(const std::string& freeSpace);
     void setTotleTextFieldSpace(const std::string& totalSpace);
     void setNFreeSize(std::uint64_t bytes) { m_nFreeSize = bytes; }
-    void setNTotalSize(std::uint64_t bytes) { m_nTotalSize = bytes; }
-    void setNReservedSize(std::uint64_t bytes) { m_nReservedSize = bytes; }
     [[nodiscard]] std::uint64_t nFreeSize() const { return m_nFreeSize; }
     [[nodiscard]] std::uint64_t nTotalSize() const { return m_nTotalSize; }
 
@@ -75,9 +74,6 @@ public:
 
     /// It is being ejected: it says so in the place of its free space, and its buttons rest.
     void setEjecting(bool is);
-    /// Why the volume does not answer, in the system's English words; empty when it does. The
-    /// figures are grey meanwhile, as they are those of its last answer.
-    void setSilence(const std::string& reason);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -110,7 +106,7 @@ private:
     QLabel* m_freeVolT = nullptr;
     QLabel* m_totlVolT = nullptr;
     QLabel* m_usedVolT = nullptr;
-    UsageBar* m_prograssView = nullptr;
+    class PictureView* m_prograssView = nullptr;
     TCImageButton* m_browseButton = nullptr;
     TCImageButton* m_ejectButton = nullptr;
 };

@@ -42,7 +42,7 @@ void DiskSizeView::initDiskSizeView(QWidget* page) {
         auto* const card = new CustomVolumView(
             *each.record, errorValueOf(settings->errorValue), warningLevelIn(settings->digital),
             static_cast<std::int32_t>(m_allItemArr.size()), m_delegate);
-        card->setSilence(each.silence);
+        card->showFigures(each);
         column->addWidget(card);
         m_allItemArr.push_back(card);
     }
@@ -63,19 +63,8 @@ void DiskSizeView::initDiskSizeView(QWidget* page) {
 void DiskSizeView::updateViewAndData() {
     const std::vector<SeenVolume> seen = m_volumes();
     if (m_allItemArr.empty()) return;
-    for (std::size_t row = 0; row < seen.size(); ++row) {
-        CustomVolumView& card = *m_allItemArr.at(row);
-        const ZvVolumeInfo& volume = *seen[row].record;
-        card.setFreeTextFieldSpace(volume.freeSpace);
-        card.setTotleTextFieldSpace(volume.totalSpace);
-        card.setVolumName(volume.volumeName);
-        card.setVolRootDir(volume.volRootDir);
-        card.setNTotalSize(volume.nTotalSize);
-        card.setNFreeSize(volume.nFreeSize);
-        card.setNReservedSize(volume.nReservedSize);
-        card.setSilence(seen[row].silence);
-        card.setPrograssImage();
-    }
+    for (std::size_t row = 0; row < seen.size(); ++row)
+        m_allItemArr.at(row)->showFigures(seen[row]);
 }
 
 }  // namespace orrinvale

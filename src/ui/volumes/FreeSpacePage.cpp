@@ -8,7 +8,6 @@
 #include <QStackedWidget>
 #include <QTimer>
 #include <QVBoxLayout>
-#include <algorithm>
 
 #include "engine/base/notices.h"
 #include "engine/settings/UtilityFunctionOfData.h"
@@ -17,10 +16,7 @@
 #include "ui/kit/controls/Panel.h"
 #include "ui/kit/controls/PictureView.h"
 #include "ui/kit/controls/numberText.h"
-#include "ui/kit/controls/pathText.h"
 #include "ui/kit/controls/viewParts.h"
-#include "ui/kit/dialogs/Dialogs.h"
-#include "ui/kit/dialogs/failureWords.h"
 #include "ui/page/ResultFrame.h"
 
 namespace orrinvale {
@@ -30,24 +26,19 @@ std::string levelNow() {
     return errorValueOf(UtilityFunctionOfData::getMyData().readerTxtForSettingValue()->errorValue);
 }
 
-const ZvVolumeInfo* bootOf(const std::vector<SeenVolume>& volumes) {
-    const auto boot =
-        std::ranges::find_if(volumes, [](const auto& each) { return each.record->bIsDefaultVol; });
-    return boot == volumes.end() ? nullptr : boot->record.get();
-}
-
 }  // namespace
 
 FreeSpacePage::FreeSpacePage(const PageServices& services, FreeSpaceParts parts)
     : m_services(services),
       m_parts(parts),
-      m_worker(*parts.volumes, *services.mainQueue),
       m_diskSizeView([this] { return m_seen.volumes; }, *this) {
     NotificationCenter& center = *services.notifications;
-    m_observations.push_back(
-        notice::updateNewDiskSizeView.observe(center, [this] { updateNewDiskSizeViewData(); }));
+    m_observations.push_back(notice::updateNewDiskSizeView.observe(center, [this] {
+        if (m_looking) updateNewDiskSizeViewData();
+    }));
     m_observations.push_back(
         notice::refMenuItemWhenDeleteAndAdd.observe(center, [this] { lookNow(); }));
+    connect(parts.ejections, &Ejections::changed, this, &FreeSpacePage::showEjecting);
     makeView();
 }
 
@@ -135,53 +126,30 @@ void FreeSpacePage::showEjecting() const {
     const auto& cards = m_diskSizeView.allItemArr();
     for (std::size_t row = 0; row < cards.size(); ++row) {
         const ZvVolumeInfo& volume = *m_shown.volumes[row].record;
-        cards[row]->setEjecting(m_ejecting.contains({volume.volRefNumber, volume.volRootDir}));
+        cards[row]->setEjecting(
+            m_parts.ejections->isEjecting({volume.volRefNumber, volume.volRootDir}));
     }
 }
 
 void FreeSpacePage::showTitle() const {
-    const ZvVolumeInfo* const boot = bootOf(m_seen.volumes);
-    if (boot == nullptr) {
+    const SeenVolume* const seen = bootVolume(m_seen.volumes);
+    if (seen == nullptr) {
         m_titleLabel->setText(m_seen.volumes.empty() ? tr("Free Space") : tr("Your volumes"));
         return;
     }
+    const ZvVolumeInfo& boot = *seen->record;
     const float level = static_cast<float>(warningLevelIn(levelNow()));
-    const QString words = isShortOfSpace(spaceOf(*boot), level)
+    const QString words = isShortOfSpace(spaceOf(boot), level)
                               ? tr("This computer runs out of space: %1 of %2 are free")
                               : tr("%1 of %2 are free on this computer");
-    m_titleLabel->setText(words.arg(shownSize(boot->freeSpace), shownSize(boot->totalSpace)));
+    m_titleLabel->setText(words.arg(shownSize(boot.freeSpace), shownSize(boot.totalSpace)));
 }
 
 void FreeSpacePage::ejectVolume(std::int16_t volRefNumber, const std::string& volRootDir,
                                 const std::string& volumeName) {
-    const Place place{volRefNumber, volRootDir};
-    if (!m_ejecting.insert(place).second) return;
-    showEjecting();
-    m_worker.ejectVolume(
-        volRefNumber, volRootDir, volumeName,
-        [this, place](std::int32_t /*status*/, const std::vector<EjectFailure>& failures) {
-            ejectionEnded(place, failures);
-        });
-}
-
-void FreeSpacePage::ejectionEnded(const Place& place, const std::vector<EjectFailure>& failures) {
-    m_ejecting.erase(place);
-    showEjecting();
-    notice::refMenuItemWhenDeleteAndAdd.post(*m_services.notifications);  // whether it went or not
-    if (!failures.empty()) tell(failures);
-}
-
-void FreeSpacePage::tell(const std::vector<EjectFailure>& failures) {
-    QStringList lines;
-    for (EjectFailure each : failures) {
-        each.dissent.reason = inWords(each.dissent.reason).toStdString();
-        lines.push_back(onOneLine(QString::fromStdString(ejectFailureText(each))));
-    }
-    Alert alert;
-    alert.title = tr("The volume could not be ejected.");
-    alert.text = lines.join(QLatin1Char('\n'));
-    alert.severity = Alert::Severity::Warning;
-    m_services.dialogs->alert(m_window, alert, [](int /*button*/) {});
+    m_parts.ejections->eject({volRefNumber, volRootDir}, volumeName, this, [this](bool /*isGone*/) {
+        notice::refMenuItemWhenDeleteAndAdd.post(*m_services.notifications);
+    });
 }
 
 void FreeSpacePage::browseVolume(const std::string& volRootDir) {

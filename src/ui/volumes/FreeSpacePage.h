@@ -4,14 +4,12 @@
 
 #include <QObject>
 #include <QPointer>
-#include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "engine/base/NotificationCenter.h"
+#include "services/volumes/Ejections.h"
 #include "services/volumes/SystemWatch.h"
-#include "services/volumes/VolumeWorker.h"
 #include "ui/page/Page.h"
 #include "ui/page/PageServices.h"
 #include "ui/volumes/CustomVolumView.h"
@@ -22,10 +20,10 @@ class QStackedWidget;
 namespace orrinvale {
 
 /// What the page asks beside the services of all pages; both outlive it. `watch` looks at what
-/// `volumes` ejects.
+/// `ejections` ejects, and who listens to these tells what stayed.
 struct FreeSpaceParts {
     SystemWatch* watch = nullptr;
-    Volumes* volumes = nullptr;
+    Ejections* ejections = nullptr;
 };
 
 /// It looks at the volumes only while it is on the screen. The cards are made anew when another
@@ -38,7 +36,7 @@ public:
     ~FreeSpacePage() override;
 
     [[nodiscard]] QWidget* view() const override { return m_view; }
-    void setMainWindow(QWidget* window) override { m_window = window; }
+    void setMainWindow(QWidget* /*window*/) override {}
 
     [[nodiscard]] const DiskSizeView& diskSizeView() const { return m_diskSizeView; }
 
@@ -49,8 +47,6 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    using Place = std::pair<std::int16_t, std::string>;  // reference number and root
-
     void ejectVolume(std::int16_t volRefNumber, const std::string& volRootDir,
                      const std::string& volumeName) override;
     void browseVolume(const std::string& volRootDir) override;
@@ -61,23 +57,18 @@ private:
     void rebuild();
     void showEjecting() const;
     void showTitle() const;
-    void ejectionEnded(const Place& place, const std::vector<EjectFailure>& failures);
-    void tell(const std::vector<EjectFailure>& failures);
 
     const PageServices m_services;
     const FreeSpaceParts m_parts;
-    QPointer<QWidget> m_window;
     QPointer<QWidget> m_view;
     QStackedWidget* m_content = nullptr;
     QWidget* m_page = nullptr;  // that the list fills
     class ElidedLabel* m_titleLabel = nullptr;
     class QLabel* m_emptyLabel = nullptr;
-    VolumeWorker m_worker;
     SystemSight m_seen;
     bool m_hasSeen = false;
     SystemSight m_shown;  // that the cards were made for
     std::string m_shownLevel;
-    std::set<Place> m_ejecting;
     DiskSizeView m_diskSizeView;
     SystemWatch::Observation m_looking;  // null while nobody sees the page
     std::vector<NotificationCenter::Observation> m_observations;

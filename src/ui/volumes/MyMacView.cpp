@@ -1,7 +1,6 @@
 #include "ui/volumes/MyMacView.h"
 
 #include <QVBoxLayout>
-#include <algorithm>
 #include <cstdlib>
 
 #include "engine/settings/UtilityFunctionOfData.h"
@@ -17,30 +16,19 @@ MyMacView::MyMacView(VolumeList volumes, const NotificationCenter& notifications
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins({});
     const std::vector<SeenVolume> seen = m_volumes();
-    const auto boot =
-        std::ranges::find_if(seen, [](const auto& each) { return each.record->bIsDefaultVol; });
-    if (boot == seen.end()) return;
+    const SeenVolume* const boot = bootVolume(seen);
+    if (boot == nullptr) return;
     const auto settings = UtilityFunctionOfData::getMyData().readerTxtForSettingValue();
     m_customView = new CustomVolumView(*boot->record, errorValueOf(settings->errorValue),
                                        warningLevelIn(settings->digital),
-                                       static_cast<std::int32_t>(boot - seen.begin()), delegate);
+                                       static_cast<std::int32_t>(boot - seen.data()), delegate);
     column->addWidget(m_customView);
     notice::FreeTotleArr.post(notifications, {boot->record->totalSpace, boot->record->freeSpace});
 }
 
 void MyMacView::updateViewAndData() {
     const std::vector<SeenVolume> seen = m_volumes();
-    if (m_customView == nullptr || seen.empty()) return;
-    const ZvVolumeInfo& first = *seen.front().record;
-    m_customView->setFreeTextFieldSpace(first.freeSpace);
-    m_customView->setTotleTextFieldSpace(first.totalSpace);
-    m_customView->setVolumName(first.volumeName);
-    m_customView->setVolRootDir(first.volRootDir);
-    m_customView->setNTotalSize(first.nTotalSize);
-    m_customView->setNFreeSize(first.nFreeSize);
-    m_customView->setNReservedSize(first.nReservedSize);
-    m_customView->setSilence(seen.front().silence);
-    m_customView->setPrograssImage();
+    if (m_customView != nullptr && !seen.empty()) m_customView->showFigures(seen.front());
 }
 
 }  // namespace orrinvale

@@ -66,7 +66,7 @@ struct Launched {
                       .utilities = utilities.get(),
                       .settingsFolder = tree.at("settings")},
             .icons = &icons,
-            .volumes = &volumes,
+            .ejections = &ejections,
             .volumesAtOnce = &volumes,
             .mountChanges = &mounts,
             .systemWatch = tray ? &watch : nullptr,
@@ -124,6 +124,7 @@ struct Launched {
     FakeMountChanges mounts;
     CountedMemory memory;
     SystemWatch watch{volumes, memory, mainQueue, std::chrono::hours(1)};
+    Ejections ejections{volumes, mainQueue};
     std::vector<std::string> posted, opened;
     std::vector<int> ends;
     bool canOpen = true;

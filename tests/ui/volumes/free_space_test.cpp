@@ -11,13 +11,11 @@
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/UserDefaults.h"
 #include "engine/volumes/volumeNotices.h"
-#include "platform/ForwardingVolumes.h"
-#include "platform/fake/FakeVolumes.h"
 #include "services/foundation/QtMainQueue.h"
+#include "support/SteadyVolumes.h"
 #include "support/test.h"
 #include "ui/kit/chrome/TCImageButton.h"
 #include "ui/kit/controls/PictureView.h"
-#include "ui/support/RecordedDialogs.h"
 #include "ui/support/soon.h"
 #include "ui/volumes/MyMacView.h"
 
@@ -195,43 +193,31 @@ TEST(MyMacView, ShowsTheBootVolumeAndIsFilledFromTheFirst) {
     EXPECT_EQ(posted.size(), 1U);
 }
 
-// Volumes that change between two walks and never in one.
-class SteadyVolumes final : public ForwardingVolumes {
-public:
-    explicit SteadyVolumes(FakeVolumes& fake) : ForwardingVolumes(fake) {}
-    std::int32_t FSGetVolumeInfo(std::uint32_t volumeIndex, IndexedVolume& answer) override {
-        if (volumeIndex == 1) walk.lock();
-        const std::int32_t status = ForwardingVolumes::FSGetVolumeInfo(volumeIndex, answer);
-        if (status == nsvErr) walk.unlock();
-        return status;
-    }
-    std::mutex walk;
-};
-
 // Never freed: a look may go on behind the end of a test.
 struct Machine {
-    FakeVolumes fake;
-    SteadyVolumes volumes{fake};
+    SteadyVolumes volumes;
     FakeMemory memory;
     QtMainQueue queue;
+    Ejections ejections{volumes, queue};
 };
 
 class FreeSpacePageTest : public ::testing::Test {
 protected:
     FreeSpacePageTest() {
-        machine.fake.volumes = {volume(1, "System", "/", false),
-                                volume(7, "Stick", "/media/stick", true)};
+        machine.volumes.fake.volumes = {volume(1, "System", "/", false),
+                                        volume(7, "Stick", "/media/stick", true)};
         services.notifications = &notifications;
         services.defaults = &settings.defaults;
-        services.dialogs = &dialogs;
         services.mainQueue = &machine.queue;
         observations.push_back(notice::refMenuItemWhenDeleteAndAdd.observe(
             notifications, [this] { posted.emplace_back("refMenuItemWhenDeleteAndAdd"); }));
         observations.push_back(notice::openFinderWhenClickItems.observe(
             notifications, [this](const std::string& path) { posted.push_back(path); }));
+        QObject::connect(&machine.ejections, &Ejections::failed, &machine.ejections,
+                         [this](const auto& told) { failures = told; });
         watch = std::make_unique<SystemWatch>(machine.volumes, machine.memory, machine.queue, 1ms);
         page = std::make_unique<FreeSpacePage>(services,
-                                               FreeSpaceParts{watch.get(), &machine.volumes});
+                                               FreeSpaceParts{watch.get(), &machine.ejections});
         view.reset(page->view());
         view->resize(800, 500);
     }
@@ -240,8 +226,7 @@ protected:
         return FakeVolumes::volume(number, name, path, canEject, 1'000'000'000);
     }
     void change(const std::function<void(std::vector<FakeVolumes::Volume>&)>& work) {
-        const std::lock_guard lock(machine.volumes.walk);
-        work(machine.fake.volumes);
+        machine.volumes.change(work);
     }
     [[nodiscard]] std::string names() const {
         std::string all;
@@ -256,7 +241,7 @@ protected:
     Machine& machine = *new Machine;
     Settings settings;
     NotificationCenter notifications;
-    RecordedDialogs dialogs;
+    std::vector<EjectFailure> failures;
     PageServices services;
     Asked posted;
     std::vector<NotificationCenter::Observation> observations;
@@ -286,7 +271,7 @@ TEST_F(FreeSpacePageTest, IsMadeAnewWhenAnotherVolumeStandsInARowAndOnlyThen) {
     change([](auto& all) { all[1] = volume(8, "Camera", "/media/camera", true); });
     ASSERT_SOON(names() == "System Camera ");
     part<TCImageButton>(card(1), "ejectButton")->click();
-    EXPECT_SOON(machine.fake.ejectedNumbers == std::vector<std::int16_t>{8});
+    EXPECT_SOON(machine.volumes.fake.ejectedNumbers == std::vector<std::int16_t>{8});
     settings.defaults.setFloat(0.01F, ZvSpaceAlarmKey);
     page->updateNewDiskSizeViewData();
     EXPECT_EQ(card(0)->getPrograssImage(), QStringLiteral("95_index.png")) << "another level";
@@ -296,8 +281,8 @@ TEST_F(FreeSpacePageTest, IsMadeAnewWhenAnotherVolumeStandsInARowAndOnlyThen) {
     view->hide();
     change([](auto& all) { all = {volume(1, "System", "/", false)}; });
     QTest::qWait(50);
+    notice::updateNewDiskSizeView.post(notifications);
     EXPECT_EQ(names(), "") << "nobody looks while it is not seen";
-    part<QLabel>(view.get(), "titleLabel");
     view->show();
     ASSERT_SOON(names() == "System ");
     part<TCImageButton>(card(0), "browseButton")->click();
@@ -306,14 +291,13 @@ TEST_F(FreeSpacePageTest, IsMadeAnewWhenAnotherVolumeStandsInARowAndOnlyThen) {
 
 TEST_F(FreeSpacePageTest, AnEjectionRestsNothingAndTellsWhoHoldsTheVolume) {
     std::promise<void> mayEnd;
-    machine.fake.ejections[7] = {fBsyErr,
-                                 {"The volume is in use", {{42, "vlc", "/media/stick/a"}}}};
-    machine.fake.onEjection = [&, gate = mayEnd.get_future().share()](std::int16_t) {
+    machine.volumes.fake.ejections[7] = {fBsyErr,
+                                         {"The volume is in use", {{42, "vlc", "/media/stick/a"}}}};
+    machine.volumes.fake.onEjection = [&, gate = mayEnd.get_future().share()](std::int16_t) {
         gate.wait();
     };
     view->show();
     ASSERT_SOON(names() == "System Stick ");
-    dialogs.willAnswer(0);
     card(1)->backDisk();
     EXPECT_EQ(part<QLabel>(card(1), "freeVolT")->text(), QStringLiteral("Ejecting ..."));
     EXPECT_FALSE(part<TCImageButton>(card(1), "ejectButton")->isEnabled());
@@ -323,18 +307,19 @@ TEST_F(FreeSpacePageTest, AnEjectionRestsNothingAndTellsWhoHoldsTheVolume) {
     card(1)->backDisk();
     EXPECT_TRUE(posted.empty());
     mayEnd.set_value();
-    EXPECT_SOON(dialogs.alerts().size() == 1);
-    EXPECT_EQ(machine.fake.ejectedNumbers, std::vector<std::int16_t>{7}) << "asked for once";
-    EXPECT_EQ(dialogs.alerts().front().text,
-              QStringLiteral("\"Stick\" could not be ejected: The volume is in use, held open by "
-                             "vlc (process 42, /media/stick/a)."));
+    EXPECT_SOON(failures.size() == 1);
+    EXPECT_EQ(machine.volumes.fake.ejectedNumbers, std::vector<std::int16_t>{7})
+        << "asked for once";
+    EXPECT_EQ(ejectFailureText(failures.front()),
+              "\"Stick\" could not be ejected: The volume is in use, held open by vlc (process 42, "
+              "/media/stick/a).");
     EXPECT_EQ(posted, Asked{"refMenuItemWhenDeleteAndAdd"});
     EXPECT_EQ(part<QLabel>(card(1), "freeVolT")->text(), QStringLiteral("500.00 MB Free"));
 }
 
 TEST_F(FreeSpacePageTest, LooksAtOnceWhereSomethingWasEjected) {
     SystemWatch resting(machine.volumes, machine.memory, machine.queue, 1h);
-    const FreeSpacePage other(services, {&resting, &machine.volumes});
+    const FreeSpacePage other(services, {&resting, &machine.ejections});
     const std::unique_ptr<QWidget> shown(other.view());
     shown->show();
     const auto cards = [&] { return other.diskSizeView().allItemArr().size(); };
@@ -350,11 +335,10 @@ TEST_F(FreeSpacePageTest, ACardEjectsNothingThatCameIntoItsPlace) {
     ASSERT_SOON(names() == "System Stick ");
     view->hide();
     change([](auto& all) { all[1] = volume(7, "Backup", "/media/backup", true); });
-    dialogs.willAnswer(0);
     card(1)->backDisk();
-    EXPECT_SOON(dialogs.alerts().size() == 1);
-    EXPECT_TRUE(machine.fake.ejectedNumbers.empty());
-    EXPECT_TRUE(dialogs.alerts().front().text.contains(u"\"Stick\" could not be ejected"));
+    EXPECT_SOON(failures.size() == 1);
+    EXPECT_TRUE(machine.volumes.fake.ejectedNumbers.empty());
+    EXPECT_EQ(failures.front().volumeName, "Stick");
 }
 
 }  // namespace

@@ -10,7 +10,8 @@
 
 namespace orrinvale {
 
-/// Unlike a pixmap in a label it follows the theme and the scale of the screen. Main thread only.
+/// Unlike a pixmap in a label it follows the theme and the scale of the screen. Faint while it is
+/// disabled, nothing for an empty name. Main thread only.
 class PictureView final : public QWidget {
     Q_OBJECT
 public:
@@ -30,7 +31,8 @@ public:
 protected:
     void paintEvent(QPaintEvent* /*event*/) override {
         QPainter painter(this);
-        picture(m_name).paint(&painter, rect());
+        if (!isEnabled()) painter.setOpacity(0.4);
+        if (!m_name.isEmpty()) picture(m_name).paint(&painter, rect());
     }
 
 private:
