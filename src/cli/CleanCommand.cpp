@@ -19,9 +19,9 @@
 #include "engine/base/saturating.h"
 #include "engine/cleaning/FolderUtilities.h"
 #include "engine/cleaning/ScanErrand.h"
+#include "engine/cleaning/makeFolderUtilities.h"
 #include "engine/settings/UserFolders.h"
 #include "engine/text/UtilityFunction.h"
-#include "engine/volumes/localRoots.h"
 #include "platform/paths.h"
 
 namespace orrinvale::cli {
@@ -141,9 +141,7 @@ private:
 }  // namespace
 
 CleanCommand::CleanCommand(const FileSystem& files, Volumes& volumes)
-    : m_files(files),
-      m_utilities(std::make_unique<const FolderUtilities>(
-          files, m_folders, [&volumes] { return localRoots(volumes); })) {}
+    : m_files(files), m_utilities(makeFolderUtilities(files, m_folders, volumes)) {}
 
 CleanCommand::~CleanCommand() = default;
 

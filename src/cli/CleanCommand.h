@@ -53,7 +53,7 @@ private:
 
     const FileSystem& m_files;
     const LinuxFolders m_folders;
-    const std::unique_ptr<const FolderUtilities> m_utilities;
+    const std::shared_ptr<const FolderUtilities> m_utilities;
 };
 
 }  // namespace orrinvale::cli

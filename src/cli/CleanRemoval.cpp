@@ -66,10 +66,10 @@ void WaitingQueue::runUntil(const std::function<bool()>& isDone) {
 CleanRemovalResult removeRows(const CleanParts& parts, const std::vector<ScannedCategory>& scanned,
                               Telling telling) {
     CleanRemovalResult result;
-    const auto list = std::make_shared<CleanList>(parts, rowsOf(scanned));
+    auto rows = rowsOf(scanned);
+    const auto gain = std::make_shared<SpaceGain>(rows);
+    const auto list = std::make_shared<CleanList>(parts, std::move(rows), gain);
     for (const CleanRow& row : list->rows()) addSaturating(result.outcome.promised, row.onDisk);
-    SpaceGain gain(list->rows());
-    gain.begin();
     WaitingQueue queue;
     std::optional<RemovalOutcome> ending;
     {
@@ -110,12 +110,12 @@ CleanRemovalResult removeRows(const CleanParts& parts, const std::vector<Scanned
     // Of many that stay the ending tells the first; the list has seen all that it came to.
     result.isWhole = !list->hasFailed() &&
                      std::ranges::all_of(result.outcome.failed, [](const StayedEntry& each) {
-                         return CleanList::isByRule(each.kind);
+                         return isByRule(each.kind);
                      });
     if (!result.outcome.removed.empty() || result.goneBytes > 0)
         static_cast<void>(
             ParseFileLog(userStateFolder()).setSize(result.goneBytes, FileLog().date.value()));
-    result.outcome.gained = gain.gained();
+    result.outcome.gained = gain->gained();
     return result;
 }
 

@@ -1,19 +1,13 @@
 // orrinvale-cli clean as a process: what it lists, and what it leaves alone.
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
-#include <csignal>
 #include <nlohmann/json.hpp>
-#include <utility>
 
 #include "cli/CleanReport.h"
 #include "cli/Output.h"
 #include "cli/ProgramRun.h"
 #include "platform/descriptor.h"
 #include "support/ServedFiles.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 namespace {

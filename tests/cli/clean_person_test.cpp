@@ -1,16 +1,7 @@
 // orrinvale-cli clean with a person before it, and on disks and with files that are not as they
 // should be.
-#include <gtest/gtest.h>
-#include <sys/mount.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
-
 #include "cli/ProgramRun.h"
-#include "support/OwnMounts.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 namespace {

@@ -1,16 +1,10 @@
 // orrinvale-cli clean as a process among mounts of its own: the system's folders, and what of a
 // person's shows among things to clean.
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
-#include <filesystem>
-#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "cli/ProgramRun.h"
-#include "support/OwnMounts.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale::testing {
 namespace {

@@ -58,7 +58,9 @@ public:
             std::thread([self = shared_from_this()] { self->run(); }).detach();
         } catch (const std::system_error& error) {  // no thread left for this user
             Log::line(fmt::format("Nothing is measured: {}", error.what()));
-            tellEnd({}, 0);
+            CategoryListing none;
+            none.closed.push_back({{}, error.what()});
+            tellEnd(std::move(none), 0);
         }
     }
     void cancel() { m_isCancelled = true; }

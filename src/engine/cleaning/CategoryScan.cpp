@@ -95,6 +95,12 @@ CleanGround CleanRules::groundAsBefore(const CleanFolders::Folder& folder) const
     return ground;
 }
 
+std::string CleanRules::objection() const {
+    return m_fault ? fmt::format("the list of what is always kept can not be read: {}: {}",
+                                 m_fault->path, m_fault->reason())
+                   : std::string();
+}
+
 CategoryScan::CategoryScan(const CleanParts& parts, const CleanWatch& watch)
     : m_parts(parts), m_watch(watch), m_rules(parts) {}
 
@@ -105,10 +111,8 @@ CategoryListing CategoryScan::run(const std::vector<std::string>& folders) {
         const auto folder = m_rules.folders().lookAt(path);
         if (!folder) continue;
         Log::line(fmt::format("Scan folder: {}", path));
-        std::string objection = folder->objection;
-        if (m_rules.fault())
-            objection = fmt::format("the list of what is always kept can not be read: {}: {}",
-                                    m_rules.fault()->path, m_rules.fault()->reason());
+        std::string objection = m_rules.objection();
+        if (objection.empty()) objection = folder->objection;
         if (objection.empty()) scan(*folder, listing);
         else listing.closed.push_back({path, objection});
     }
@@ -142,7 +146,8 @@ CleanWalk::Watch CategoryScan::walkWatch() {
 std::optional<CleanRow> CategoryScan::rowAt(const std::string& path) {
     const std::string name(lastPathComponent(path));
     const auto parent = HeldEntry::holdParentOf(*m_parts.files, path);
-    if (!parent || m_rules.fault() || !m_rules.folders().objectionToEntry(path).empty())
+    if (!parent || !m_rules.objection().empty() ||
+        !m_rules.folders().objectionToEntry(path).empty())
         return std::nullopt;
     const auto entry = m_parts.files->attributes(parent->get(), name.c_str(), Links::Keep);
     if (!entry) return std::nullopt;

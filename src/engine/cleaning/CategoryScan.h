@@ -47,8 +47,9 @@ class CleanRules final {
 public:
     explicit CleanRules(const CleanParts& parts);
 
-    /// Set when the list of what is always kept can not be read: then nothing may go.
-    [[nodiscard]] const std::optional<Error>& fault() const { return m_fault; }
+    /// Why nothing may go, with the path: the list of what is always kept can not be read. Empty
+    /// when it can.
+    [[nodiscard]] std::string objection() const;
     [[nodiscard]] const CleanFolders& folders() const { return m_folders; }
 
     /// What holds for the rows of a folder. Programs are asked anew what they have open there.

@@ -23,9 +23,11 @@ constexpr std::chrono::seconds asksProgramsEach{1};
 
 }  // namespace
 
-CleanList::CleanList(const CleanParts& parts, std::vector<CleanRow> rows)
+CleanList::CleanList(const CleanParts& parts, std::vector<CleanRow> rows,
+                     std::shared_ptr<SpaceGain> gain)
     : m_parts(parts),
       m_rows(std::move(rows)),
+      m_gain(std::move(gain)),
       m_count(m_rows.size(), 1),
       m_left(m_rows.size(), 1),
       m_isKept(m_rows.size(), false),
@@ -40,6 +42,7 @@ void CleanList::turnHasCome() {
     askAnew();
     for (std::size_t row = 0; row < m_rows.size(); ++row) expand(row);
     m_isPrepared = true;
+    if (m_gain != nullptr) m_gain->begin();
 }
 
 void CleanList::learnGround(const std::string& folder) {
@@ -152,7 +155,7 @@ std::optional<StayedEntry> CleanList::objectionTo(const Entry& entry) {
         return StayedEntry{entry.path, std::string(words), StayReason::Kept};
     };
     const CleanRow& row = m_rows[entry.row];
-    if (m_rules->fault()) return kept(m_rules->fault()->reason());
+    if (const std::string fault = m_rules->objection(); !fault.empty()) return kept(fault);
     if (const auto& folder = m_objections[folderOf(row.path)]; !folder.empty()) {
         const std::string objection = m_rules->folders().objectionToEntry(row.path);
         if (!objection.empty()) return kept(objection);

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "engine/cleaning/CategoryScan.h"
+#include "engine/cleaning/SpaceGain.h"
 #include "engine/files/HeldEntry.h"
 #include "engine/removal/RemovalDoor.h"
 #include "engine/removal/RemovalList.h"
@@ -22,7 +23,10 @@ namespace orrinvale {
 /// turnHasCome(). What a rule keeps by now has StayReason::Kept.
 class CleanList final : public RemovalList {
 public:
-    CleanList(const CleanParts& parts, std::vector<CleanRow> rows);
+    /// `gain`, which may be null, is begun when the turn has come, on the removing thread: what
+    /// another removal frees until then is not ours, and a slow disk may be asked there.
+    CleanList(const CleanParts& parts, std::vector<CleanRow> rows,
+              std::shared_ptr<SpaceGain> gain = nullptr);
     ~CleanList() override;
 
     void turnHasCome() override;
@@ -49,9 +53,8 @@ public:
     [[nodiscard]] bool isDone(std::size_t row) const { return m_left.at(row) == 0; }
     /// Whether a rule keeps the row as a whole by now.
     [[nodiscard]] bool isKept(std::size_t row) const { return m_isKept.at(row); }
-    /// Rules keep also what changed or came since the scan, which is no failure either.
-    [[nodiscard]] static bool isByRule(StayReason reason) { return orrinvale::isByRule(reason); }
-    /// Whether anything stayed that no rule keeps.
+    /// Whether anything stayed that no rule keeps. Rules keep also what changed or came since the
+    /// scan.
     [[nodiscard]] bool hasFailed() const { return m_hasFailed; }
     /// Whether anything of the row went by us.
     [[nodiscard]] bool isBegun(std::size_t row) const { return m_isBegun.at(row); }
@@ -81,6 +84,7 @@ private:
 
     const CleanParts m_parts;
     std::vector<CleanRow> m_rows;
+    const std::shared_ptr<SpaceGain> m_gain;
     bool m_isPrepared = false;
     std::vector<Entry> m_entries;
     std::vector<std::size_t> m_count;  // entries of each row

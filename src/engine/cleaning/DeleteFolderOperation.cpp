@@ -18,29 +18,6 @@ CleanedFile cleaned(const std::string& path, std::optional<std::uint64_t> size) 
     return {path, size};
 }
 
-// The free space is asked just before the first entry, when no other removal is at work any more:
-// on the removing thread, the one place where a slow disk may be asked.
-class MeasuringDoor final : public RemovalDoor {
-public:
-    MeasuringDoor(std::unique_ptr<RemovalDoor> door, std::shared_ptr<SpaceGain> gain)
-        : m_door(std::move(door)), m_gain(std::move(gain)) {}
-
-    [[nodiscard]] bool setsAside() const override { return m_door->setsAside(); }
-    void flush() override { m_door->flush(); }
-    [[nodiscard]] RemovalResult remove(const LeavingEntry& entry,
-                                       const std::atomic<bool>& stop) override {
-        if (m_gain != nullptr) std::exchange(m_gain, nullptr)->begin();
-        if (!stop) return m_door->remove(entry, stop);
-        RemovalResult stopped;  // while the disk was asked
-        stopped.stopped = true;
-        return stopped;
-    }
-
-private:
-    const std::unique_ptr<RemovalDoor> m_door;
-    std::shared_ptr<SpaceGain> m_gain;  // null once it has begun
-};
-
 }  // namespace
 
 DeleteFolderOperation::DeleteFolderOperation(std::vector<std::string> folders,
@@ -49,8 +26,8 @@ DeleteFolderOperation::DeleteFolderOperation(std::vector<std::string> folders,
     : folderPathArr(std::move(folders)),
       m_parts(std::move(parts)),
       m_posts(posts),
-      m_list(std::make_shared<CleanList>(m_parts.clean, std::move(rows))),
-      m_gain(std::make_shared<SpaceGain>(m_list->rows(), std::move(freeSpace))) {}
+      m_gain(std::make_shared<SpaceGain>(rows, std::move(freeSpace))),
+      m_list(std::make_shared<CleanList>(m_parts.clean, std::move(rows), m_gain)) {}
 
 DeleteFolderOperation::~DeleteFolderOperation() = default;
 
@@ -58,9 +35,7 @@ void DeleteFolderOperation::main() {
     ZvBeginFastClean.post(*m_posts.center);
     if (isCancelled()) return ZvCleanCanceled.post(*m_posts.center);
     if (m_list->rows().empty()) return ZvFastCleanFinish.post(*m_posts.center);
-    const auto makeDoor = [gain = m_gain, make = m_parts.makeDoor] {
-        return std::make_unique<MeasuringDoor>(std::make_unique<QuietDoor>(make()), gain);
-    };
+    const auto makeDoor = [make = m_parts.makeDoor] { return std::make_unique<QuietDoor>(make()); };
     m_job = std::make_unique<RemovalJob>(RemovalJob::Parts{.files = m_parts.clean.files,
                                                            .mainQueue = m_posts.mainQueue,
                                                            .makeDoor = makeDoor,

@@ -44,6 +44,10 @@ public:
 
     // After the last notice.
     [[nodiscard]] bool hasRemoved() const;
+    /// Something stayed that no rule keeps, or nothing could be begun.
+    [[nodiscard]] bool hasFailed() const {
+        return m_list->hasFailed() || (m_outcome.failed > 0 && m_outcome.stayed.empty());
+    }
     /// Bytes that went by us, as the rows count them.
     [[nodiscard]] std::uint64_t goneBytes() const { return m_list->goneBytes(); }
     [[nodiscard]] const RemovalOutcome& outcome() const { return m_outcome; }
@@ -70,8 +74,8 @@ private:
 
     const CleanTaskParts m_parts;
     const CleanPosts m_posts;
-    const std::shared_ptr<CleanList> m_list;
     const std::shared_ptr<SpaceGain> m_gain;
+    const std::shared_ptr<CleanList> m_list;
     std::string m_folder;          // that the entries told last lie in; empty before the first
     std::vector<Failed> m_failed;  // of it
     std::vector<Failed> m_toTell;  // of the folder before, one by one

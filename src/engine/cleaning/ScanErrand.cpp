@@ -39,8 +39,10 @@ ScanErrand::ScanErrand(const CleanParts& parts, FolderNames folders,
                 {.stop = &shared->stop, .total = &shared->total, .entries = &shared->entries});
             shared->end(scan.run(folders()));
         }).detach();
-    } catch (const std::system_error&) {
-        m_shared->end({});
+    } catch (const std::system_error& error) {  // no thread left for this user
+        CategoryListing none;
+        none.closed.push_back({{}, error.what()});
+        m_shared->end(std::move(none));
     }
 }
 

@@ -27,10 +27,18 @@ void SecondHand::run(const std::function<void()>& work) {
         m_work = &work;
     }
     m_change.notify_all();
-    work();
+    std::exception_ptr fault;
+    try {
+        work();
+    } catch (...) {  // the other one may still be in it
+        fault = std::current_exception();
+    }
     std::unique_lock lock(m_mutex);
     m_work = nullptr;
     m_change.wait(lock, [this] { return !m_isBusy; });
+    const std::exception_ptr others = std::exchange(m_fault, nullptr);
+    if (fault == nullptr) fault = others;
+    if (fault != nullptr) std::rethrow_exception(fault);
 }
 
 void SecondHand::lend() {
@@ -41,8 +49,14 @@ void SecondHand::lend() {
         const auto* const work = std::exchange(m_work, nullptr);
         m_isBusy = true;
         lock.unlock();
-        (*work)();
+        std::exception_ptr fault;
+        try {
+            (*work)();
+        } catch (...) {
+            fault = std::current_exception();
+        }
         lock.lock();
+        m_fault = fault;
         m_isBusy = false;
         m_change.notify_all();
     }

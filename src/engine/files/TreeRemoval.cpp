@@ -265,12 +265,8 @@ void TreeRemoval::fail(std::string_view name, StayReason kind, std::string reaso
     if (!m_levels.empty()) m_levels.back().stays = true;
     ++m_result.failed;
     // Rights and faults come before what only changed or came, of which there may be many.
-    const auto isMild = [](StayReason each) {
-        return each == StayReason::Changed || each == StayReason::CameLater ||
-               each == StayReason::Kept;
-    };
     const bool isFull = m_result.failures.size() >= RemovalResult::mostFailures;
-    if (isFull && (isMild(kind) || !isMild(m_result.failures.back().kind))) return;
+    if (isFull && (isByRule(kind) || !isByRule(m_result.failures.back().kind))) return;
     if (isFull) m_result.failures.pop_back();
     std::string path = m_path;
     for (std::size_t level = 1; level < m_levels.size(); ++level)

@@ -295,7 +295,7 @@ QString CleanSysController::doingText() const {
 
 QString CleanSysController::pictureName() const {
     const bool hasRun = m_state == State::Reporting && m_removal != nullptr;
-    if (hasRun && m_removal->outcome().failed > 0) return QStringLiteral("warning");
+    if (hasRun && m_removal->hasFailed()) return QStringLiteral("warning");
     return hasRun && m_removal->hasRemoved() ? QStringLiteral("success")
                                              : QStringLiteral("fast_clean");
 }

@@ -1,14 +1,7 @@
 // The administrator right step by step, over a platform whose answers are chosen here, and the
 // removals that use it, on real files.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
-#include <chrono>
 #include <future>
-#include <string>
-#include <vector>
 
 #include "engine/cleaning/AuthorizedDoor.h"
 #include "engine/cleaning/CleanHome.h"
@@ -16,15 +9,10 @@
 #include "engine/cleaning/QnAuthorization.h"
 #include "platform/fake/FakeAuthorization.h"
 #include "platform/linux/LinuxPermissions.h"
-#include "support/LogLines.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 
 class Right : public ::testing::Test {
 protected:
@@ -57,7 +45,7 @@ protected:
     FakeAuthorization system;
     LinuxFileSystem files;
     LinuxPermissions permissions;
-    testing::LogLines log;
+    LogLines log;
     std::vector<std::string>& lines = log.lines;
     QnAuthorization& right = QnAuthorization::shareQnAuthorization();
 };
@@ -167,7 +155,7 @@ TEST_F(Right, AskingOnceMoreKeepsTheCallersReference) {
 }
 
 TEST_F(Right, TheToolGetsTheEntryAndItsOutputIsAFailure) {
-    testing::TestTree tree;
+    TestTree tree;
     tree.write("a", "1");
     tree.symlink(tree.path(), "link");
     const std::string path = tree.at("link/a");
@@ -200,7 +188,7 @@ TEST_F(Right, TheToolGetsTheEntryAndItsOutputIsAFailure) {
 // stands in a folder of his own.
 TEST_F(Right, PlainFirstPrivilegedSecond) {
     if (::geteuid() != 0) GTEST_SKIP() << "only root can make a folder of someone else";
-    testing::TestTree tree;
+    TestTree tree;
     for (const char* name : {"mine/a", "mine/folder/c", "mine/secret", "theirs/kept/e"})
         tree.write(name, "1");
     ASSERT_TRUE(tree.hardLink("mine/secret", "theirs/secret"));
@@ -211,7 +199,7 @@ TEST_F(Right, PlainFirstPrivilegedSecond) {
     ASSERT_TRUE(tree.setMode("theirs/kept", 0500));
 
     EXPECT_EQ(
-        testing::runInChild(
+        runInChild(
             {.ordinaryUser = true},
             [&]() -> std::string {
                 std::string out;
@@ -269,32 +257,31 @@ TEST_F(Right, TheToolGetsWhatWasRefusedAndNothingElse) {
                 tree.setMode(".cache/r/theirs", 0755) && tree.setMode("person", 0755) &&
                 tree.setMode(".", 0755) && tree.giveAway({".", ".cache", ".cache/r"}));
     for (const bool isSwapped : {false, true})
-        EXPECT_EQ(testing::runInChild(
-                      {.ordinaryUser = true},
-                      [&]() -> std::string {
-                          const auto rows = home.scan(CleanCategory::UserCaches).rows;
-                          if (rows.size() != 1) return "no row";
-                          right.allocAuthorization();
-                          system.tool = [](const PrivilegedRun&) { return "no"; };
-                          home.files.beforeRemoval = [&](const char* operation) {
-                              if (!isSwapped || operation != std::string_view("removeEntry"))
-                                  return;
-                              ::rename(tree.at(".cache/r/theirs").c_str(),
-                                       tree.at(".cache/r/moved").c_str());
-                              tree.symlink("../../person", ".cache/r/theirs");
-                          };
-                          LeavingEntry leaving;
-                          leaving.path = rows[0].path;
-                          leaving.identity = rows[0].identity;
-                          leaving.seen = rows[0].seen.get();
-                          const std::atomic<bool> never{false};
-                          const auto result =
-                              AuthorizedDoor({&system, &home.files, &permissions, {}},
-                                             ProtectedPlaces())
-                                  .remove(leaving, never);
-                          if (result.gone) return "gone";
-                          return std::to_string(system.runs.size());
-                      }),
+        EXPECT_EQ(runInChild({.ordinaryUser = true},
+                             [&]() -> std::string {
+                                 const auto rows = home.scan(CleanCategory::UserCaches).rows;
+                                 if (rows.size() != 1) return "no row";
+                                 right.allocAuthorization();
+                                 system.tool = [](const PrivilegedRun&) { return "no"; };
+                                 home.files.beforeRemoval = [&](const char* operation) {
+                                     if (!isSwapped || operation != std::string_view("removeEntry"))
+                                         return;
+                                     ::rename(tree.at(".cache/r/theirs").c_str(),
+                                              tree.at(".cache/r/moved").c_str());
+                                     tree.symlink("../../person", ".cache/r/theirs");
+                                 };
+                                 LeavingEntry leaving;
+                                 leaving.path = rows[0].path;
+                                 leaving.identity = rows[0].identity;
+                                 leaving.seen = rows[0].seen.get();
+                                 const std::atomic<bool> never{false};
+                                 const auto result =
+                                     AuthorizedDoor({&system, &home.files, &permissions, {}},
+                                                    ProtectedPlaces())
+                                         .remove(leaving, never);
+                                 if (result.gone) return "gone";
+                                 return std::to_string(system.runs.size());
+                             }),
                   isSwapped ? "0" : "1");
 }
 
@@ -308,33 +295,32 @@ TEST_F(Right, TheToolOfACleanTakesFilesAlone) {
         ASSERT_TRUE(tree.write("Downloads/r/f", "1") && tree.folder("Downloads/r/e") &&
                     tree.setMode("Downloads/r", 0755) && tree.setMode(".", 0755) &&
                     tree.giveAway({".", "Downloads"}));
-        EXPECT_EQ(
-            testing::runInChild({.ordinaryUser = true},
-                                [&, toolTakes = takes]() -> std::string {
-                                    const auto rows = home.scan(CleanCategory::UserDownloads).rows;
-                                    if (rows.size() != 1) return "no row";
-                                    right.allocAuthorization();
-                                    system.tool = [](const PrivilegedRun&) { return "no"; };
-                                    LeavingEntry leaving;
-                                    leaving.path = rows[0].path;
-                                    leaving.identity = rows[0].identity;
-                                    leaving.seen = rows[0].seen.get();
-                                    const std::atomic<bool> never{false};
-                                    AuthorizedDoor door({&system, &home.files, &permissions, {}},
-                                                        ProtectedPlaces(), toolTakes);
-                                    if (door.remove(leaving, never).gone) return "gone";
-                                    std::string names;
-                                    for (const PrivilegedRun& run : system.runs)
-                                        names += lastPathComponent(run.arguments.at(1));
-                                    std::sort(names.begin(), names.end());
-                                    return names;
-                                }),
-            taken);
+        EXPECT_EQ(runInChild({.ordinaryUser = true},
+                             [&, toolTakes = takes]() -> std::string {
+                                 const auto rows = home.scan(CleanCategory::UserDownloads).rows;
+                                 if (rows.size() != 1) return "no row";
+                                 right.allocAuthorization();
+                                 system.tool = [](const PrivilegedRun&) { return "no"; };
+                                 LeavingEntry leaving;
+                                 leaving.path = rows[0].path;
+                                 leaving.identity = rows[0].identity;
+                                 leaving.seen = rows[0].seen.get();
+                                 const std::atomic<bool> never{false};
+                                 AuthorizedDoor door({&system, &home.files, &permissions, {}},
+                                                     ProtectedPlaces(), toolTakes);
+                                 if (door.remove(leaving, never).gone) return "gone";
+                                 std::string names;
+                                 for (const PrivilegedRun& run : system.runs)
+                                     names += lastPathComponent(run.arguments.at(1));
+                                 std::sort(names.begin(), names.end());
+                                 return names;
+                             }),
+                  taken);
     }
 }
 
 TEST_F(Right, WhatIsProtectedOrChangedIsNotPassedOn) {
-    testing::TestTree tree;
+    TestTree tree;
     tree.write("protected/a", "1");
     tree.write("seen", "1");
     tree.write("gone", "1");

@@ -1,21 +1,12 @@
 // What a scan of a category offers and what it keeps, on real files.
-#include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/mman.h>
-#include <sys/mount.h>
 #include <sys/prctl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <chrono>
-#include <functional>
-#include <thread>
 
 #include "engine/cleaning/CleanHome.h"
 #include "engine/cleaning/ScanErrand.h"
-#include "support/OwnMounts.h"
 #include "support/ServedFiles.h"
 #include "support/ServiceProcess.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
@@ -199,7 +190,7 @@ bool mapAndClose(const char* path, int flags, int protection) {
 
 // In a container, through a second mount, by another name.
 TEST(CategoryScan, whatIsOpenByAnotherPathStays) {
-    testing::withOwnMounts([]() -> std::string {
+    withOwnMounts([]() -> std::string {
         if (::system(
                 "cd /mnt && mkdir -p .cache Downloads view names && for d in .cache Downloads; "
                 "do for r in read folder mapped reader writer idle; do mkdir $d/$r && head -c "
@@ -271,7 +262,7 @@ TEST(CategoryScan, theFolderOfAProgramThatHidesStays) {
     CleanHome home;
     ASSERT_TRUE(home.tree.write(".cache/Hider/x", "1") && home.tree.write(".cache/hiders/x", "1") &&
                 home.tree.setMode(".cache", 0755) && ::chmod(home.tree.path().c_str(), 0755) == 0);
-    const std::string failure = testing::runInChild({.ordinaryUser = true}, [&]() -> std::string {
+    const std::string failure = runInChild({.ordinaryUser = true}, [&]() -> std::string {
         int ready[2];
         if (::pipe(ready) != 0) return "no pipe";
         const pid_t holder = ::fork();
@@ -299,7 +290,7 @@ TEST(CategoryScan, theFolderOfAProgramThatHidesStays) {
 TEST(CategoryScan, foldersThatAreLeftAlone) {
     const struct {
         const char* what;
-        std::function<bool(testing::TestTree&)> make;
+        std::function<bool(TestTree&)> make;
         const char* reason;  // nullptr: nothing is there, which is no reason
     } cases[] = {
         {"missing", [](auto&) { return true; }, nullptr},
@@ -333,8 +324,7 @@ TEST(CategoryScan, foldersThatAreLeftAlone) {
                 << listing.closed[0].reason;
         }
     }
-    testing::TestTree
-        outer;  // a cache within the downloads: these are left alone, the cache is not
+    TestTree outer;  // a cache within the downloads: these are left alone, the cache is not
     CleanHome nested({.home = outer.path(), .cacheHome = outer.at("Downloads/cache")});
     ASSERT_TRUE(outer.write("Downloads/cache/x/y", "1"));
     EXPECT_EQ(nested.scan(CleanCategory::UserDownloads).closed.size(), 1U);
@@ -370,7 +360,7 @@ TEST(CategoryScan, whatThePersonKeeps) {
         ASSERT_TRUE(KeepList::remove(home.files, settings, path));
     listing = home.scan(CleanCategory::UserCaches);
     EXPECT_EQ(CleanHome::offered(listing), (Names{"b 10", "c\n 5"}));
-    EXPECT_EQ(testing::contentOf(KeepList::fileIn(settings)), tree.at(".cache/a\n"));
+    EXPECT_EQ(contentOf(KeepList::fileIn(settings)), tree.at(".cache/a\n"));
 
     // Names that lines can not hold as they are, and paths that say nothing.
     ASSERT_TRUE(tree.write(".cache/e\r/x", "1"));
@@ -410,7 +400,7 @@ TEST(CategoryScan, theListMayBeALinkAndHaveLinesOfBlanks) {
                 tree.symlink("../elsewhere/list", "settings/always-keep"));
     EXPECT_EQ(CleanHome::offered(home.scan(CleanCategory::UserCaches)), (Names{"b 1", "c 1"}));
     ASSERT_TRUE(KeepList::add(home.files, settings, tree.at(".cache/b")));
-    EXPECT_EQ(testing::contentOf(tree.at("elsewhere/list")), start + tree.at(".cache/b") + '\n');
+    EXPECT_EQ(contentOf(tree.at("elsewhere/list")), start + tree.at(".cache/b") + '\n');
     EXPECT_EQ(CleanHome::offered(home.scan(CleanCategory::UserCaches)), Names{"c 1"});
     // A disk that is not there now.
     ASSERT_EQ(::unlink(tree.at("elsewhere/list").c_str()), 0);
@@ -422,7 +412,7 @@ TEST(CategoryScan, whatCanNotBeLookedAtStays) {
     ASSERT_TRUE(home.tree.write(".cache/shut/in/x", "1") && home.tree.write(".cache/open/x", "1") &&
                 home.tree.setMode(".cache/shut/in", 0));
     ASSERT_EQ(::chmod(home.tree.path().c_str(), 0755), 0);
-    const std::string failure = testing::runInChild({.ordinaryUser = true}, [&]() -> std::string {
+    const std::string failure = runInChild({.ordinaryUser = true}, [&]() -> std::string {
         const auto listing = home.scan(CleanCategory::UserCaches);
         if (listing.skipped.size() != 1) return "skipped " + std::to_string(listing.skipped.size());
         return CleanHome::kept(listing) == Reasons{{"shut", KeptBecause::Unread}} ? "" : "kept";
@@ -431,7 +421,7 @@ TEST(CategoryScan, whatCanNotBeLookedAtStays) {
 }
 
 TEST(CategoryScan, aFolderOfThePersonsByAnotherMountIsLeftAlone) {
-    testing::withOwnMounts([]() -> std::string {
+    withOwnMounts([]() -> std::string {
         if (::system("mkdir -p /mnt/Downloads /mnt/Documents && echo 1 > /mnt/Documents/x") != 0)
             return "no folder";
         if (::mount("/mnt/Documents", "/mnt/Downloads", nullptr, MS_BIND, nullptr) != 0)
@@ -451,7 +441,7 @@ TEST(CategoryScan, aCacheOfAProgramBehindALink) {
 }
 
 TEST(CategoryScan, aMountKeepsItsRow) {
-    testing::withOwnMounts([]() -> std::string {
+    withOwnMounts([]() -> std::string {
         CleanHome home({.home = "/mnt"}, {"/"});
         for (const char* folder : {"/mnt/.cache/r/in", "/mnt/Downloads/r/in", "/mnt/other"}) {
             if (::system(("mkdir -p " + std::string(folder)).c_str()) != 0) return "no folder";

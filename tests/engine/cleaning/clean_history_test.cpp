@@ -1,15 +1,10 @@
 // The record of the last clean, with whatever may stand in its file.
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-
 #include "engine/cleaning/ParseFileLog.h"
 #include "engine/text/UtilityFunction.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using testing::TestTree;
 
 constexpr Date someDay{1'365'502'830'000'000'000};  // 2013-04-09 10:20:30 +0000
 
@@ -21,7 +16,7 @@ TEST(CleanHistory, isOneLineThatIsReplaced) {
         std::optional<Date> date;
         EXPECT_EQ(history.getSize(&date), size);
         EXPECT_EQ(date, someDay);
-        EXPECT_EQ(testing::contentOf(tree.at("a/b/.kelpford.log.bin")),
+        EXPECT_EQ(contentOf(tree.at("a/b/.kelpford.log.bin")),
                   "logName=SIZE&&date=2013-04-09 10:20:30 +0000&&iSize=" + std::to_string(size));
     }
 }

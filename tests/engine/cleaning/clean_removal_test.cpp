@@ -1,12 +1,5 @@
 // What becomes of rows that a person agreed to lose: everything is asked again, and nothing but
 // what the scan saw goes.
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <sys/mount.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include "engine/cleaning/AuthorizedDoor.h"
 #include "engine/cleaning/CleanHome.h"
 #include "engine/cleaning/CleanList.h"
@@ -14,16 +7,12 @@
 #include "engine/removal/RemovalRun.h"
 #include "engine/removal/RemovalTurn.h"
 #include "platform/linux/LinuxPermissions.h"
-#include "support/LogLines.h"
-#include "support/OwnMounts.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
 using testing::CleanHome;
-using testing::contentOf;
-using testing::isThere;
-using testing::TestTree;
 
 struct Cleaned {
     RemovalOutcome outcome;
@@ -163,7 +152,7 @@ TEST(CleanRemoval, ofAWideRowTheSameGoes) {
     }
     const Cleaned cleaned = clean(home, rows);
     EXPECT_EQ(cleaned.stayed(), stayed);
-    EXPECT_EQ(testing::namesIn(home.tree.at("Downloads/r")).size(), stayed.size());
+    EXPECT_EQ(namesIn(home.tree.at("Downloads/r")).size(), stayed.size());
     EXPECT_EQ(cleaned.bytes, 396 * 5U + 5 + 1 + 5) << "both names, and the text of the link";
     EXPECT_EQ(cleaned.outcome.bytes, 397 * 5U);
 }
@@ -293,7 +282,7 @@ TEST(CleanRemoval, aRowThatWasShutMeanwhileStays) {
     ASSERT_TRUE(home.tree.write(".cache/r/x", "1") &&
                 ::chmod(home.tree.path().c_str(), 0755) == 0 &&
                 home.tree.giveAway({".cache", ".cache/r", ".cache/r/x"}));
-    const std::string failure = testing::runInChild({.ordinaryUser = true}, [&]() -> std::string {
+    const std::string failure = runInChild({.ordinaryUser = true}, [&]() -> std::string {
         const LinuxPermissions permissions;
         const auto rows = home.scan(CleanCategory::UserCaches).rows;
         if (rows.size() != 1 || !home.tree.setMode(".cache/r", 0)) return "nothing to begin with";
@@ -350,7 +339,7 @@ TEST(CleanRemoval, whatAnotherUsersProgramWritesToStays) {
         ::_exit(0);
     }
     for (const int each : open) ::close(each);
-    const std::string failure = testing::runInChild({.ordinaryUser = true}, [&]() -> std::string {
+    const std::string failure = runInChild({.ordinaryUser = true}, [&]() -> std::string {
         std::vector<CleanRow> rows;
         for (const auto category :
              {CleanCategory::UserCaches, CleanCategory::UserDownloads, CleanCategory::UserLogs})
@@ -479,7 +468,7 @@ TEST(CleanRemoval, theLogNamesWhatStayedAndNotWhatWent) {
                 home.tree.write("Downloads/secret-b/x", "1"));
     const auto rows = home.scan(CleanCategory::UserDownloads).rows;
     ASSERT_TRUE(home.tree.write("Downloads/secret-b/new", "1"));
-    testing::LogLines lines;
+    LogLines lines;
     Log::setEngineEnabled(false);
     static_cast<void>(clean(home, rows));
     Log::setEngineEnabled(true);
@@ -498,7 +487,7 @@ std::string write(const std::string& path) {
 
 // The folders belong to packages, and stay.
 TEST(CleanRemoval, theSystemsFilesGoOneByOne) {
-    testing::withOwnMounts([]() -> std::string {
+    withOwnMounts([]() -> std::string {
         if (!testing::mountRam("/var/cache") || !testing::mountRam("/var/log")) return "skip: ram";
         for (const char* path :
              {"/var/cache/apt/a.bin", "/var/cache/apt/archives/x.deb", "/var/cache/davfs2/host/x",
@@ -530,7 +519,7 @@ TEST(CleanRemoval, theSystemsFilesGoOneByOne) {
 }
 
 TEST(CleanRemoval, aMountThatCameKeepsItsRow) {
-    testing::withOwnMounts([]() -> std::string {
+    withOwnMounts([]() -> std::string {
         for (const char* path : {"/mnt/.cache/r/in/x", "/mnt/.cache/r/y", "/mnt/person/letter"})
             if (auto fault = write(path); !fault.empty()) return fault;
         CleanHome home({.home = "/mnt"});

@@ -1,28 +1,18 @@
 // The work units of cleaning, and the notices that they post, in order.
 #include "engine/cleaning/CleanTasks.h"
 
-#include <fcntl.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <chrono>
-#include <thread>
-#include <utility>
 
 #include "engine/cleaning/CleanHome.h"
 #include "engine/cleaning/PathCleaner.h"
 #include "engine/removal/PlainDoor.h"
-#include "support/LogLines.h"
 #include "support/ServedQueue.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
 using testing::CleanHome;
-using testing::isThere;
 using testing::ServedQueue;
 
 // Plays the main thread: how many pieces waited.
@@ -147,14 +137,14 @@ TEST(FastCleanOpt, goesOnAfterAFailureAndTellsOfIt) {
     FastCleanOpt operation({home.tree.at(".cache/b"), home.tree.at(".cache/missing"),
                             home.tree.at(".cache/a"), home.tree.at(".cache/c")},
                            partsOf(home), {&center, &queue});
-    const testing::LogLines lines;
+    const LogLines lines;
     operation.main();
     serveAll(queue);
     EXPECT_EQ(ended, &operation);
-    EXPECT_THAT(lines.lines, ::testing::Contains("Clean deletable folder failed: " +
-                                                 home.tree.at(".cache/missing")));
-    EXPECT_THAT(lines.lines, ::testing::Not(::testing::Contains("Clean deletable folder failed: " +
-                                                                home.tree.at(".cache/b"))))
+    EXPECT_THAT(lines.lines,
+                Contains("Clean deletable folder failed: " + home.tree.at(".cache/missing")));
+    EXPECT_THAT(lines.lines, ::testing::Not(Contains("Clean deletable folder failed: " +
+                                                     home.tree.at(".cache/b"))))
         << "what a rule keeps is no failure";
     EXPECT_TRUE(failed.empty());
     operation.notifyDeleteFailed("/x");

@@ -1,10 +1,7 @@
 // The two halves of a Fast Clean: what is measured, what goes, and the notices of both in order.
-#include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <future>
-#include <utility>
 
 #include "engine/cleaning/BrowseFolderOperation.h"
 #include "engine/cleaning/CleanHome.h"
@@ -12,12 +9,12 @@
 #include "engine/cleaning/QnAuthorization.h"
 #include "engine/removal/PlainDoor.h"
 #include "support/ServedQueue.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
 using testing::CleanHome;
-using testing::isThere;
 using testing::ServedQueue;
 using Lines = std::vector<std::string>;
 
@@ -101,7 +98,7 @@ struct Journey {
 };
 
 std::string entrySize(const Journey& run, const std::string& name) {
-    return std::to_string(testing::attributesOf(run.home.tree.at(name)).size);
+    return std::to_string(attributesOf(run.home.tree.at(name)).size);
 }
 
 TEST(FastCleanOperations, MeasureAndRemoveInOrderAndTheFoldersStay) {
@@ -121,8 +118,8 @@ TEST(FastCleanOperations, MeasureAndRemoveInOrderAndTheFoldersStay) {
     EXPECT_TRUE(run.removal->hasRemoved());
     EXPECT_EQ(run.removal->goneBytes(), 8U);
     EXPECT_EQ(run.removal->gain()->gained(), 500);
-    EXPECT_EQ(testing::namesIn(run.folders[0]), Lines{"k"});
-    EXPECT_EQ(testing::namesIn(run.folders[1]), Lines{});
+    EXPECT_EQ(namesIn(run.folders[0]), Lines{"k"});
+    EXPECT_EQ(namesIn(run.folders[1]), Lines{});
     // Measured anew there is nothing, and the way is the same.
     run.told.clear();
     ASSERT_TRUE(run.measure());
@@ -228,7 +225,7 @@ TEST(FastCleanOperations, ACancelIsTheLastThatIsTold) {
         }
         std::erase_if(run.told, [](const auto& line) { return line.starts_with("DeleteFileS"); });
         EXPECT_EQ(run.told, each.told);
-        EXPECT_GE(testing::namesIn(run.folders[0]).size(), 2U) << "the entry in hand at most";
+        EXPECT_GE(namesIn(run.folders[0]).size(), 2U) << "the entry in hand at most";
     }
 }
 

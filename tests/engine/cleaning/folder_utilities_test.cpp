@@ -2,18 +2,13 @@
 // CleanablePlaces.
 #include "engine/cleaning/FolderUtilities.h"
 
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include "engine/cleaning/CleanablePlaces.h"
 #include "platform/linux/LinuxFolders.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
-using testing::TestTree;
 using Paths = std::vector<std::string>;
 
 const LinuxFileSystem files;

@@ -1,23 +1,17 @@
 // The list of one category: what is told and when, ticks and their setting, a clean.
 #include "engine/cleaning/ScanViewController.h"
 
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <chrono>
-#include <thread>
-
 #include "engine/cleaning/CleanHome.h"
 #include "engine/removal/PlainDoor.h"
 #include "engine/settings/UserDefaults.h"
 #include "engine/text/UtilityFunction.h"
 #include "support/ServedQueue.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
 using testing::CleanHome;
-using testing::isThere;
 using testing::ServedQueue;
 using Names = std::vector<std::string>;
 

@@ -1,19 +1,15 @@
 // How much the disk gave back, where several folders share one.
 #include "engine/cleaning/SpaceGain.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-
 #include "platform/freeSpace.h"
-#include "support/OwnMounts.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
 // Each subvolume calls itself a device of its own.
 TEST(SpaceGain, subvolumesOfOneDiskCountOnce) {
-    testing::withOwnMounts([]() -> std::string {
+    withOwnMounts([]() -> std::string {
         if (::system("cd /mnt && truncate -s 300M image && mkfs.btrfs -q image 2>/dev/null "
                      ">/dev/null && mkdir disk && mount -o loop image disk") != 0)
             return "skip: no btrfs or no loop device here";

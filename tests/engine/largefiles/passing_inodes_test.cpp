@@ -1,24 +1,15 @@
 // The large file page on a file system whose inode numbers need not last: what it removes, erases
 // or moves to the trash is known by its place, size and times there.
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "engine/largefiles/EumeRoot.h"
 #include "engine/largefiles/RemoveFileAndFolder.h"
 #include "engine/largefiles/ScannedTree.h"
 #include "engine/largefiles/TrashErrands.h"
 #include "platform/ForwardingFiles.h"
 #include "platform/linux/LinuxFiles.h"
-#include "support/TestTree.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-using testing::isThere;
 
 /// Gives regular files new numbers once the scan is over, as FAT does after a remount.
 class Renumbered final : public ForwardingFiles {
@@ -56,7 +47,7 @@ protected:
         files.isLater = true;
     }
 
-    testing::TestTree disk;
+    TestTree disk;
     LinuxFileSystem real;
     Renumbered files{real};
     std::shared_ptr<FileNodeTree> tree;
@@ -65,7 +56,7 @@ protected:
 
 TEST_P(PassingInodes, DecideWhatTheTrashAndTheEraserTake) {
     ASSERT_TRUE(disk.write("eraser", "#!/bin/sh\nexit 0\n") && disk.setMode("eraser", 0755));
-    const std::string result = testing::runInChild({}, [this]() -> std::string {
+    const std::string result = runInChild({}, [this]() -> std::string {
         ::setenv("XDG_DATA_HOME", disk.at("share").c_str(), 1);
         testing::ServedQueue queue;
         RemoveFileAndFolder eraser(files, queue, {}, tree, {film}, disk.at("eraser"));

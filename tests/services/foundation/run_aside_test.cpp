@@ -1,15 +1,11 @@
 // Work aside and its end: who runs what where, and that nobody is called who has gone.
 #include "services/foundation/runAside.h"
 
-#include <gtest/gtest.h>
-
 #include <QObject>
 #include <future>
-#include <memory>
-#include <thread>
-#include <vector>
 
 #include "support/EventLoop.h"
+#include "support/test.h"
 
 namespace orrinvale {
 namespace {
