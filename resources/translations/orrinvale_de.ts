@@ -960,6 +960,10 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>Uninstall</source>
         <translation>Deinstallieren</translation>
     </message>
+    <message>
+        <source>Volumes</source>
+        <translation>Datenträger</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::CleanSysController</name>
@@ -1185,14 +1189,6 @@ Freie Software unter der Apache License 2.0.</translation>
 <context>
     <name>orrinvale::HostMenu</name>
     <message>
-        <source>%1: %2 free of %3</source>
-        <translation>%1: %2 frei von %3</translation>
-    </message>
-    <message>
-        <source>%1, does not answer</source>
-        <translation>%1, antwortet nicht</translation>
-    </message>
-    <message>
         <source>Ejecting %1 …</source>
         <translation>%1 wird ausgeworfen …</translation>
     </message>
@@ -1279,10 +1275,6 @@ Freie Software unter der Apache License 2.0.</translation>
 <context>
     <name>orrinvale::MenuItemView</name>
     <message>
-        <source>%1, %2 free of %3</source>
-        <translation>%1, %2 frei von %3</translation>
-    </message>
-    <message>
         <source>Eject %1</source>
         <translation>%1 auswerfen</translation>
     </message>
@@ -1301,6 +1293,18 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Total: %1</source>
         <translation>Gesamt: %1</translation>
+    </message>
+    <message>
+        <source>%1: %2 free of %3</source>
+        <translation>%1: %2 frei von %3</translation>
+    </message>
+    <message>
+        <source>%1, does not answer</source>
+        <translation>%1, antwortet nicht</translation>
+    </message>
+    <message>
+        <source>Does not answer</source>
+        <translation>Antwortet nicht</translation>
     </message>
 </context>
 <context>

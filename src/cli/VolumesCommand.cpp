@@ -74,8 +74,7 @@ Status VolumesCommand::watch(const Arguments& arguments) {
     const SearchWatch watch([&bell] { bell.ring(); }, {}, Telling::Nothing);
     const auto print = arguments.has("json") ? &printVolumeEventJson : &printVolumeEvent;
     do {
-        const std::vector<SeenVolume> seen = look.take();
-        for (const VolumeEvent& each : events.take(seen, look.neverAnswered())) print(out, each);
+        for (const VolumeEvent& each : events.take(look.take())) print(out, each);
     } while (out.flush() && waitForNews(mounts.get(), bell));
     return finish(out, {}, watch.ending());
 }

@@ -31,7 +31,7 @@ struct IndexedVolume {
     std::int16_t refNumber = 0;  ///< the same for a mount as long as it stands
     FSVolumeInfo info;
     std::string name;      ///< what a person calls the volume; any bytes
-    std::string rootPath;  ///< exact bytes; told on failure too, where it is known
+    std::string rootPath;  ///< exact bytes; both are told on failure too, where they are known
     int errorNumber = 0;   ///< on failure the system's reason, 0 where there is none
 };
 

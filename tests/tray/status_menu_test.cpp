@@ -1,6 +1,9 @@
 // The menu of the status item: what is in it, in both forms, its refresh and its rebuilds.
 #include "ui/tray/StatusMenu.h"
 
+#include <QAccessible>
+#include <QTest>
+#include <QToolButton>
 #include <QWidgetAction>
 #include <ctime>
 
@@ -185,6 +188,96 @@ TEST(StatusMenu, AnotherGroupMakesItAnewAndASilentRowOpensNothing) {
     EXPECT_EQ(on.did, "");
 }
 
+TEST(StatusMenu, OneThatNeverAnsweredHasARowWithoutFigures) {
+    MenuOnDesk on;
+    SeenVolume nas = volume(8, "nas", NetworkVolume);
+    auto record = std::make_shared<ZvVolumeInfo>(*nas.record);
+    record->nTotalSize = record->nFreeSize = 0;
+    record->totalSpace = record->freeSpace = "";
+    on.show({{record, "Host is down"}});
+    EXPECT_EQ(on.row(8).accessibleName().toStdString(), "nas, does not answer");
+    EXPECT_TRUE(on.row(8).toolTip().contains(QLatin1String("Host is down")));
+    ASSERT_NE(on.hostEntry(QStringLiteral("nas, does not answer")), nullptr);
+    EXPECT_FALSE(on.hostEntry(QStringLiteral("nas, does not answer"))->isEnabled());
+    const QMenu* const menu = on.menu.menu();
+    on.show({nas});
+    EXPECT_EQ(on.menu.menu(), menu);
+    EXPECT_EQ(on.row(8).accessibleName().toStdString(), "nas: 600 B free of 1000 B");
+    EXPECT_TRUE(on.row(8).toolTip().isEmpty());
+}
+
+TEST(StatusMenu, OneEntryIsCurrentForPointerAndKeyboardAlike) {
+    MenuOnDesk on;
+    on.show({volume(1, "System", LocalVolume, 600, false), volume(7, "R&D", ExternalVolume)});
+    QMenu& menu = *on.menu.menu();
+    menu.popup({});
+    QApplication::processEvents();
+    const auto current = [&] {
+        std::string text;
+        for (const int number : {1, 7})
+            if (on.row(number).isCurrent()) text += std::to_string(number);
+        return text;
+    };
+    using K = Qt::Key;
+    const struct {
+        K key;
+        const char *current, *did;
+    } steps[] = {{K::Key_Down, "1", ""},
+                 {K::Key_Right, "1", ""},
+                 {K::Key_Down, "7", ""},
+                 {K::Key_Right, "7", ""},
+                 {K::Key_Return, "7", "eject 7 "},
+                 {K::Key_Left, "7", ""},
+                 {K::Key_Down, "", ""},
+                 {K::Key_Up, "7", ""},
+                 {K::Key_Right, "7", ""},
+                 {K::Key_Up, "1", ""},
+                 {K::Key_Down, "7", ""},
+                 {K::Key_Return, "", "open /R&D "}};
+    for (const auto& step : steps) {
+        on.did.clear();
+        QWidget* const focus = menu.focusWidget();
+        QTest::keyClick(focus != nullptr ? focus : &menu, step.key);
+        EXPECT_EQ(current() + on.did, std::string(step.current) + step.did)
+            << static_cast<int>(step.key) << " at " << &step - steps;
+    }
+    EXPECT_FALSE(menu.isVisible()) << "Return opens and closes";
+    menu.popup({});
+    QEnterEvent comes({5, 5}, {5, 5}, {5, 5});
+    QApplication::sendEvent(&on.row(1), &comes);
+    EXPECT_EQ(current(), "1");
+    menu.setActiveAction(on.menu.itemWithTitle(QStringLiteral("7")));
+    EXPECT_EQ(current(), "7") << "and not where the pointer rests";
+    QTest::keyClick(&menu, Qt::Key_Escape);
+    EXPECT_FALSE(menu.isVisible());
+    EXPECT_EQ(current(), "");
+    // Screen readers hear entries of a menu, by what they show.
+    auto* const heard = QAccessible::queryAccessibleInterface(&on.row(7));
+    EXPECT_EQ(heard->role(), QAccessible::MenuItem);
+    EXPECT_EQ(on.menu.itemWithTitle(QStringLiteral("7"))->text().toStdString(),
+              "R&&D: 600 B free of 1000 B");
+}
+
+TEST(StatusMenu, ARowIsMirroredWhereOneReadsFromTheRight) {
+    MenuOnDesk on;
+    on.show({volume(7, "stick", ExternalVolume)});
+    MenuItemView& row = on.row(7);
+    row.resize(320, 40);
+    const QImage image = row.grab().toImage();
+    const QRect button = row.findChild<QToolButton*>()->geometry();
+    row.setLayoutDirection(Qt::RightToLeft);
+    EXPECT_EQ(row.findChild<QToolButton*>()->geometry().left(), row.width() - 1 - button.right());
+    const QRect icon(14, 8, 24, 24);
+    const QImage turned = row.grab().toImage();
+    EXPECT_EQ(turned.copy(QStyle::visualRect(Qt::RightToLeft, row.rect(), icon)), image.copy(icon));
+    QTest::keyClick(&row, Qt::Key_Left);
+    EXPECT_EQ(on.did, "") << "not without being the current entry";
+    row.setCurrent(true);
+    QTest::keyClick(&row, Qt::Key_Left);
+    QTest::keyClick(&row, Qt::Key_Space);
+    EXPECT_EQ(on.did, "eject 7 ");
+}
+
 TEST(StatusMenu, TheNumberFiveIsTheMemorysRow) {
     MenuOnDesk on;
     on.menu.freeMemoryListView();
@@ -257,6 +350,21 @@ TEST(StatusMenu, ARefreshOf200VolumesTakesNoTurnOfTheEventLoop) {
     std::ranges::nth_element(took, took.begin() + 10);
     RecordProperty("milliseconds", std::to_string(took[10]));
     EXPECT_LT(took[10], 10) << "milliseconds of processor time, the median of twenty";
+}
+
+// From the click to all rows drawn.
+TEST(StatusMenu, AMenuOfTwentyVolumesIsOpenAtOnce) {
+    MenuOnDesk on;
+    std::vector<SeenVolume> all;
+    for (std::int16_t i = 10; i < 30; ++i)
+        all.push_back(volume(i, fmt::format("v{}", i), ExternalVolume));
+    on.show(all);
+    const double start = processorMilliseconds();
+    on.menu.menu()->popup({});
+    on.menu.menu()->grab();
+    const double took = processorMilliseconds() - start;
+    RecordProperty("milliseconds", std::to_string(took));
+    EXPECT_LT(took, 50) << "milliseconds of processor time, the first opening of all";
 }
 
 TEST(HostMenu, NamesArriveAsTheyAre) {

@@ -6,6 +6,7 @@ and answers each line with lines of its own, the last of which is a single dot:
   items             the items that are registered and still there
   tooltip, pictures of the first item; "pictures" are the sizes
   menu              its exported menu as a panel would show it: "id|label|state", a line an entry
+  open              what a panel sends when it shows the menu
   click ID          what a panel sends when an entry is clicked
   activate          a left click on the item
   layouts N         asks for the menu N times
@@ -138,6 +139,9 @@ class Panel:
             return [f"{width}x{height}" for width, height, _ in self.property("IconPixmap")]
         elif command == "menu":
             return list(self.menu())
+        elif command == "open":
+            list(self.menu())
+            self.exported().Event(0, "opened", dbus.Int32(0, variant_level=1), dbus.UInt32(0), timeout=5)
         elif command == "click":
             self.exported().Event(int(words[1]), "clicked", dbus.Int32(0, variant_level=1), dbus.UInt32(0), timeout=5)
         elif command == "activate":

@@ -4,6 +4,7 @@
 #include "support/test.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/preferences/AppPrefsWindowController.h"
+#include "ui/shell/ApplicationMenu.h"
 #include "ui/support/Launched.h"
 #include "ui/tray/StatusItem.h"
 #include "ui/tray/Tray.h"
@@ -16,10 +17,11 @@ struct SilentHost final : TrayHost {
     void watch(Told /*told*/) override {}
 };
 
-std::vector<FakeVolumes::Volume> systemAndStick() {
-    return {FakeVolumes::volume(1, "System", "/", false),
-            FakeVolumes::volume(7, "Stick", "/media/stick", true)};
-}
+// One that tells what it is told.
+struct ToldHost final : TrayHost {
+    void watch(Told given) override { told = std::move(given); }
+    Told told;
+};
 
 MenuItemView* rowOf(const Launched& on, const char* number) {
     const StatusMenu& menu = on.delegate->tray()->menu();
@@ -91,6 +93,33 @@ TEST(TrayOfTheProgram, OnlyATrayThatIsKnownToShowItIsCountedOn) {
         EXPECT_EQ(on.delegate->tray()->canBeFound(), !isHidden) << "before the first look";
         EXPECT_SOON(!on.delegate->tray()->canBeFound()) << "a desktop that does not say";
     }
+}
+
+TEST(TrayOfTheProgram, WithoutATrayTheVolumesStandInTheMenuOfTheWindow) {
+    ToldHost host;
+    Launched on(systemAndStick(), &host);
+    on.delegate->applicationDidFinishLaunching();
+    const QAction& volumes = *on.entry("volumes");
+    EXPECT_FALSE(volumes.isVisible()) << "before anything is known";
+    ASSERT_SOON(volumes.isVisible());
+    EXPECT_EQ(volumes.menu(), on.delegate->tray()->menu().menu()) << "the very rows";
+    host.told(TrayKind::StatusNotifier);
+    EXPECT_SOON(!volumes.isVisible());
+    on.delegate->tray()->setStatusBarHidden(true);
+    EXPECT_TRUE(volumes.isVisible()) << "hidden by the person";
+    on.delegate->tray()->refMenuItemWhenDeleteAndAdd();
+    EXPECT_EQ(volumes.menu(), on.delegate->tray()->menu().menu()) << "made anew";
+
+    // A row opens and closes both menus; the keys of both are the window's, once.
+    on.delegate->menu().menu()->popup({});
+    on.delegate->menu().menu()->setActiveAction(on.entry("volumes"));
+    ASSERT_TRUE(volumes.menu()->isVisible());
+    QTest::mouseClick(rowOf(on, "7"), Qt::LeftButton);
+    EXPECT_EQ(on.opened, std::vector<std::string>{"/media/stick"});
+    EXPECT_FALSE(volumes.menu()->isVisible() || on.delegate->menu().menu()->isVisible());
+    QTest::keyClick(on.delegate->duplicateMWC()->window(), Qt::Key_E, Qt::ControlModifier);
+    EXPECT_TRUE(on.ejections.isEjectingAll());
+    ASSERT_SOON(!on.ejections.isEjectingAll());
 }
 
 TEST(StatusItem, TheFirstTrayOfTheProcessDecidesWhereAllItemsGo) {

@@ -15,6 +15,9 @@ PROGRAM = sys.argv.pop(1)
 HERE = Path(__file__).resolve().parent
 SKIPPED = 77
 ODD = "R&D_disk<b>"
+# Folders of mounts and what a person reads of them.
+ODD_NAMES = {ODD: ODD, "two\nlines": "two\u2424lines", "w" * 255: "w" * 255, b"b\xe9b": "b\ufffdb"}
+DISK_SERVICES = ["dbus-daemon --system --nofork --nopidfile", "/lib/systemd/systemd-udevd", "/usr/libexec/udisks2/udisksd"]
 
 
 def until(condition, seconds=10):
@@ -39,11 +42,20 @@ class Session:
         if bus:
             daemon = self.start(["dbus-daemon", "--session", "--print-address", "--nofork"])
             self.environment["DBUS_SESSION_BUS_ADDRESS"] = daemon.stdout.readline().strip()
-            self.panel = self.start(["/usr/bin/python3", str(HERE / "status_notifier_host.py")])
+            self.start_panel()
         if settings:
             place = self.folder / "config/com.kelpford.Orrinvale/settings.ini"
             place.parent.mkdir(parents=True)
             place.write_text(f"[Orrinvale]\n{settings}\n", encoding="utf-8")
+
+    def start_panel(self):
+        self.panel = self.start(["/usr/bin/python3", str(HERE / "status_notifier_host.py")])
+
+    def start_wayland(self):
+        """A compositor whose screen is a window of the display, so that keys can be sent."""
+        self.start(["weston", "--backend=x11-backend.so", "--use-pixman", "--width=1000", "--height=700", "--idle-time=0", "--socket=tray-test"])
+        self.environment |= {"WAYLAND_DISPLAY": "tray-test", "QT_QPA_PLATFORM": "wayland"}
+        return until((self.folder / "tray-test").exists)
 
     def start_display(self, attempt):
         """By a number of its own: servers that look for a free one take each other's away when several tests run."""
@@ -61,10 +73,26 @@ class Session:
         return process
 
     def run_program(self):
-        self.program = self.start(["unshare", "-m", "--propagation", "private", "sh", "-c",
-                                   "mount -t tmpfs ram /mnt && mkdir \"/mnt/$1\" && mount -t tmpfs -o size=1m ram \"/mnt/$1\" && exec \"$0\"",
-                                   PROGRAM, ODD])
-        assert until(self.window, 30), f"no window, status {self.program.poll()}: " + (self.folder / "errors").read_text(encoding="utf-8")
+        mounts = "for name; do mkdir \"/mnt/$name\" && mount -t tmpfs -o size=1m ram \"/mnt/$name\" || exit 9; done"
+        self.program = self.start(["unshare", "-m", "--propagation", "private", "sh", "-c", f"mount -t tmpfs ram /mnt; {mounts}; exec \"$0\"",
+                                   PROGRAM, *ODD_NAMES])
+        is_running = (lambda: "totalSpace" in self.log()) if "WAYLAND_DISPLAY" in self.environment else self.window
+        assert until(is_running, 30), f"no window, status {self.program.poll()}: {self.log()}"
+
+    def log(self):
+        return (self.folder / "errors").read_text(encoding="utf-8", errors="replace")
+
+    def run_disk_services(self):
+        """The real ones, among the program's mounts. False where they do not start."""
+        self.in_mounts("sh", "-c", "mount -t tmpfs -o mode=755 ram /run && mkdir /run/dbus /run/udev && mkdir -p /var/lib/udisks2"
+                       " && mount -t tmpfs -o mode=700 ram /var/lib/udisks2")
+        for service in DISK_SERVICES:
+            self.start(["nsenter", "-t", str(self.program.pid), "-m", *service.split()])
+            time.sleep(0.3)
+        return until(lambda: not self.inside("gdbus", "wait", "--system", "--timeout", "1", "org.freedesktop.UDisks2").returncode)
+
+    def inside(self, *command):
+        return subprocess.run(["nsenter", "-t", str(self.program.pid), "-m", *command], capture_output=True, text=True, check=False)
 
     def in_mounts(self, *command):
         subprocess.run(["nsenter", "-t", str(self.program.pid), "-m", *command], check=True)
@@ -124,11 +152,29 @@ class InTheTray(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         self.folder = folder.name
 
-    def session(self, **options):
+    def session(self, wayland=False, **options):
         session = Session(self.folder, **options)
         self.addCleanup(session.end)
+        if wayland and not (shutil.which("weston") and session.start_wayland()):
+            self.skipTest("no weston here")
         session.run_program()
         return session
+
+    def mount_image(self, on):
+        """An image in a loop device, mounted among the program's mounts; the device."""
+        image = f"{self.folder}/image"
+        made = subprocess.run(f"truncate -s 8M {image} && mkfs.ext4 -q {image} && losetup -f --show {image}", shell=True, capture_output=True,
+                              text=True, check=False)
+        if made.returncode:
+            self.skipTest("no loop device here")
+        device = made.stdout.strip()
+        self.addCleanup(subprocess.run, ["losetup", "-d", device], capture_output=True, check=False)
+        on.in_mounts("sh", "-c", f"mkdir /mnt/image && mount {device} /mnt/image")
+        return device
+
+    def assert_ejected(self, on, device):
+        self.assertTrue(until(lambda: on.inside("mountpoint", "-q", "/mnt/image").returncode), on.log())
+        self.assertTrue(until(lambda: not Path(f"/sys/block/{Path(device).name}/loop").exists()), "its device is let go")
 
     def test_the_item_comes_with_the_host_and_its_menu_is_complete(self):
         on = self.session()
@@ -139,7 +185,8 @@ class InTheTray(unittest.TestCase):
         labels = [re.sub(r"[\d.]+ .?B", "N", label) for _, label, _ in on.menu()]
         self.assertEqual(labels[0], "Internal Disks")
         self.assertEqual(labels[1], "System: N free of N")
-        self.assertIn(f"{ODD}: N free of N", labels)
+        for name in ODD_NAMES.values():
+            self.assertIn(f"{name}: N free of N", labels)
         self.assertEqual(labels[-6:], ["---", "Eject All", "---", "Main Window", "---", "Quit Orrinvale"])
         self.assertTrue(on.tell("tooltip")[0].startswith("System"), on.tell("tooltip"))
         self.assertTrue(on.tell("pictures"))
@@ -172,23 +219,75 @@ class InTheTray(unittest.TestCase):
         on.tell(f"click {on.entry('Quit Orrinvale')[0]}")
         self.assertEqual(until(lambda: on.program.poll()), 1)
 
+    def test_a_host_that_dies_with_the_menu_open_takes_nothing_along(self):
+        on = self.session()
+        on.show_tray()
+        self.assertTrue(until(lambda: on.entry("Main Window")))
+        self.assertEqual(on.tell("open"), [])
+        on.panel.kill()
+        on.in_mounts("umount", f"/mnt/{ODD}")  # the menu is made anew meanwhile
+        time.sleep(3)
+        on.start_panel()
+        on.show_tray()
+        self.assertTrue(until(lambda: on.entry("Main Window")), "the next host")
+        self.assertFalse(any(ODD in entry[1] for entry in on.menu()))
+        on.close_window()
+        self.assertTrue(until(lambda: not on.window()))
+        on.tell(f"click {on.entry('Main Window')[0]}")
+        self.assertTrue(until(on.window))
+
+    def test_an_image_is_ejected_from_the_menu_of_the_panel(self):
+        on = self.session()
+        if not on.run_disk_services():
+            self.skipTest("no disk service here")
+        on.show_tray()
+        device = self.mount_image(on)
+        self.assertTrue(until(lambda: on.entry("Eject image")), on.menu())
+        on.tell(f"click {on.entry('Eject image')[0]}")
+        self.assert_ejected(on, device)
+        self.assertTrue(until(lambda: not on.entry("Eject image")), on.menu())
+
+    def test_on_wayland_a_host_gets_the_menu_and_a_click_opens_the_window(self):
+        on = self.session(wayland=True)
+        on.show_tray()
+        self.assertTrue(until(lambda: on.entry("Main Window")), on.log())
+        self.assertEqual(on.tell("activate"), [])
+        on.tell(f"click {on.entry('Quit Orrinvale')[0]}")
+        self.assertEqual(until(lambda: on.program.poll()), 1)
+
+    def test_on_wayland_without_a_host_it_goes_on(self):
+        on = self.session(wayland=True, bus=False)
+        time.sleep(4)  # by then nobody waits for a tray any more
+        self.assertIsNone(on.program.poll())
+        on.program.terminate()
+        self.assertEqual(until(lambda: on.program.poll()), -signal.SIGTERM)
+
+    def test_without_a_tray_the_menu_of_the_window_ejects_by_the_keyboard(self):
+        on = self.session(bus=False)
+        if not on.run_disk_services():
+            self.skipTest("no disk service here")
+        device = self.mount_image(on)
+        time.sleep(4)  # a look sees it, and what udev told of it by then
+        on.x("xdotool", "windowfocus", "--sync", on.window()[0])
+        for key in ("F10", "Up", "Up", "Up", "Up", "Right", "Up", "Up", "Up", "Up", "Right"):
+            on.x("xdotool", "key", key)
+            time.sleep(0.3)
+        if place := os.environ.get("ORRINVALE_PICTURES"):
+            on.x("import", "-window", "root", f"{place}/menu.png")
+        on.x("xdotool", "key", "Return")
+        self.assert_ejected(on, device)
+
     def test_an_ejection_that_fails_is_told_and_the_entry_stays(self):
-        image = f"{self.folder}/image"
-        if subprocess.run(f"truncate -s 8M {image} && mkfs.ext4 -q {image}", shell=True, capture_output=True, check=False).returncode:
-            self.skipTest("no mkfs.ext4 here")
         on = self.session()
         on.show_tray()
         self.assertTrue(until(on.items))
-        try:
-            on.in_mounts("sh", "-c", f"mkdir /mnt/image && mount -o loop {image} /mnt/image")
-        except subprocess.CalledProcessError:
-            self.skipTest("no loop device here")
+        self.mount_image(on)
         self.assertTrue(until(lambda: on.entry("Eject image")), on.menu())
         self.assertEqual(on.entry("Eject All")[2], "")
         holder = on.start(["nsenter", "-t", str(on.program.pid), "-m", "sh", "-c", "cd /mnt/image && exec sleep 60"])
         self.assertTrue(until(lambda: os.readlink(f"/proc/{holder.pid}/cwd") == "/mnt/image"))
         on.tell(f"click {on.entry('Eject image')[0]}")
-        self.assertTrue(until(lambda: "Eject the volume" in (on.folder / "errors").read_text(encoding="utf-8")), "it is told")
+        self.assertTrue(until(lambda: "Eject the volume" in on.log()), "it is told")
         self.assertTrue(until(lambda: on.entry("Eject image")), "it stays, and can be ejected again")
 
     def test_where_no_tray_shows_it_a_close_asks_and_the_answer_is_remembered(self):

@@ -99,7 +99,7 @@ void LowSpace::forgetOthers(const std::vector<SeenVolume>& volumes) {
         bool isAnother = false;
         for (const SeenVolume& volume : volumes) {
             const ZvVolumeInfo& now = *volume.record;
-            if (now.volRootDir != each.root) continue;
+            if (now.volRootDir != each.root || !volume.hasAnswered()) continue;
             if (now.volRefNumber == old.volRefNumber) return false;
             isAnother =
                 isAnother || now.volumeName != old.volumeName || now.nTotalSize != old.nTotalSize;

@@ -55,6 +55,8 @@ std::string errorValueOf(std::string_view settingItemsErrorValue) {
     return fmt::format("{}", static_cast<std::int32_t>(level));
 }
 
+std::string refreshedErrorValue(float alarm) { return fmt::format("{:.6f}", warningLevel(alarm)); }
+
 bool isShortOfSpace(VolumeSpace space, float level) {
     const auto percent = freePercent(space);
     return percent && level >= static_cast<float>(*percent);

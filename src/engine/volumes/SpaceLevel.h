@@ -40,6 +40,9 @@ struct VolumeSpace {
 /// level is truncated.
 [[nodiscard]] std::string errorValueOf(std::string_view settingItemsErrorValue);
 
+/// The text that rows are refreshed with, from the setting itself: 0.1 gives "10.000000".
+[[nodiscard]] std::string refreshedErrorValue(float alarm);
+
 /// Whether free space has come down to the level, in per cent, or lies below it: a volume exactly
 /// at the level warns. Never for a total of 0.
 [[nodiscard]] bool isShortOfSpace(VolumeSpace space, float level);

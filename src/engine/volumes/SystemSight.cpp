@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <tuple>
 #include <utility>
 
@@ -83,8 +84,9 @@ const SeenVolume* findVolume(const SystemSight& sight, std::int16_t volRefNumber
 }
 
 const SeenVolume* bootVolume(const std::vector<SeenVolume>& volumes) {
-    const auto boot =
-        std::ranges::find_if(volumes, [](const auto& each) { return each.record->bIsDefaultVol; });
+    const auto boot = std::ranges::find_if(volumes, [](const SeenVolume& each) {
+        return each.record->bIsDefaultVol && each.hasAnswered();
+    });
     return boot == volumes.end() ? nullptr : &*boot;
 }
 
@@ -92,9 +94,8 @@ const SeenVolume* bootVolume(const std::vector<SeenVolume>& volumes) {
 class VolumeLook::RowNotes final : public ForwardingVolumes {
 public:
     struct Row {
-        std::int16_t refNumber = 0;
-        std::string root;
-        std::string silence;
+        IndexedVolume volume;
+        std::int32_t status = noErr;
     };
 
     using ForwardingVolumes::ForwardingVolumes;
@@ -102,15 +103,21 @@ public:
     std::int32_t FSGetVolumeInfo(std::uint32_t volumeIndex, IndexedVolume& answer) override {
         if (volumeIndex == 1) rows.clear();
         const std::int32_t status = ForwardingVolumes::FSGetVolumeInfo(volumeIndex, answer);
-        if (status == nsvErr) return status;
-        rows.push_back({answer.refNumber, answer.rootPath, {}});
-        if (status != noErr)
-            rows.back().silence = systemError("statfs", {}, answer.errorNumber).reason();
+        if (status != nsvErr) rows.push_back({answer, status});
         return status;
     }
 
     std::vector<Row> rows;  // of the latest walk
 };
+
+namespace {
+
+// Folders of other users and of their services.
+bool isRefused(const IndexedVolume& volume) {
+    return volume.errorNumber == EACCES || volume.errorNumber == EPERM;
+}
+
+}  // namespace
 
 VolumeLook::VolumeLook(Volumes& platform) : m_notes(std::make_unique<RowNotes>(platform)) {}
 
@@ -120,16 +127,18 @@ std::vector<SeenVolume> VolumeLook::take() {
     const VolumesInfo::VolumeArray& records =
         m_info ? m_info->getAllVolsInfo() : m_info.emplace(*m_notes).volsArray();
     const SystemSight last{std::exchange(m_last, {}), {}, {}};
-    m_neverAnswered.clear();
     auto record = records.begin();
     for (const RowNotes::Row& row : m_notes->rows) {
-        const bool hasRecord =
-            record != records.end() && placeOf(**record) == std::tie(row.refNumber, row.root);
+        const IndexedVolume& volume = row.volume;
+        const bool hasRecord = record != records.end() &&
+                               placeOf(**record) == std::tie(volume.refNumber, volume.rootPath);
         if (hasRecord) m_last.push_back({*record++, {}});
-        if (hasRecord || row.silence.empty()) continue;
-        if (const SeenVolume* const known = findVolume(last, row.refNumber, row.root))
-            m_last.push_back({known->record, row.silence});
-        else m_neverAnswered.push_back({row.refNumber, row.root});
+        if (hasRecord || row.status == noErr) continue;
+        const SeenVolume* const known = findVolume(last, volume.refNumber, volume.rootPath);
+        if (known == nullptr && (volume.rootPath.empty() || isRefused(volume))) continue;
+        if (auto kept = known != nullptr ? known->record : m_info->recordWithoutSize(volume))
+            m_last.push_back(
+                {std::move(kept), systemError("statfs", {}, volume.errorNumber).reason()});
     }
     return m_last;
 }

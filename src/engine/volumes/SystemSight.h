@@ -20,9 +20,12 @@ namespace orrinvale {
 /// One volume, and whether it answered.
 struct SeenVolume {
     std::shared_ptr<const ZvVolumeInfo> record;  ///< never null
-    /// Why it did not answer, in the system's English words; empty when it did. The record is that
-    /// of its last answer then.
+    /// Why it does not answer, in the system's English words; empty when it does. The record is
+    /// that of its last answer then.
     std::string silence{};
+
+    /// False for one that never answered, whose record has no figures.
+    [[nodiscard]] bool hasAnswered() const { return record->nTotalSize != 0; }
 };
 
 /// Where a mount stands.
@@ -58,11 +61,12 @@ struct SystemSight {
 [[nodiscard]] const SeenVolume* findVolume(const SystemSight& sight, std::int16_t volRefNumber,
                                            const std::string& volRootDir);
 
-/// Null where there is none.
+/// Null where there is none, or none that ever answered.
 [[nodiscard]] const SeenVolume* bootVolume(const std::vector<SeenVolume>& volumes);
 
-/// Takes looks at the volumes. One that answered once and does not answer now stays in its place,
-/// with the figures of its last answer; one that never answered is not seen. One thread.
+/// Takes looks at the volumes. One that does not answer has its place all the same, with the
+/// figures of its last answer, or with none; only what this user may not look at is left out before
+/// it has answered once. One thread.
 class VolumeLook final {
 public:
     /// `platform` outlives the object.
@@ -74,16 +78,12 @@ public:
     /// Waits for the platform as a walk of VolumesInfo does.
     [[nodiscard]] std::vector<SeenVolume> take();
 
-    /// Who stood at the last look, did not answer, and never has.
-    [[nodiscard]] const std::vector<VolumePlace>& neverAnswered() const { return m_neverAnswered; }
-
 private:
     class RowNotes;
 
     const std::unique_ptr<RowNotes> m_notes;
     std::optional<VolumesInfo> m_info;  // from the first look on
     std::vector<SeenVolume> m_last;
-    std::vector<VolumePlace> m_neverAnswered;
 };
 
 }  // namespace orrinvale

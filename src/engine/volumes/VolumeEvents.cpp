@@ -29,9 +29,13 @@ bool VolumeEvents::hasMoved(const ZvVolumeInfo& before, const ZvVolumeInfo& now)
                          isShortOfSpace(old, m_level) != isShortOfSpace(space, m_level));
 }
 
-std::vector<VolumeEvent> VolumeEvents::take(const std::vector<SeenVolume>& now,
-                                            const std::vector<VolumePlace>& neverAnswered) {
-    const SystemSight sight{now, {}, {}};
+std::vector<VolumeEvent> VolumeEvents::take(const std::vector<SeenVolume>& seen) {
+    SystemSight sight;
+    std::vector<VolumePlace> neverAnswered;
+    for (const SeenVolume& each : seen) {
+        if (each.hasAnswered()) sight.volumes.push_back(each);
+        else neverAnswered.push_back({each.record->volRefNumber, each.record->volRootDir});
+    }
     const SystemSight before = std::exchange(m_told, sight);
     const SystemSight last = std::exchange(m_last, sight);
     std::vector<VolumeEvent> events;

@@ -29,10 +29,9 @@ public:
     explicit VolumeEvents(float level) : m_level(level) {}
 
     /// What went, then what came or changed, each in the platform's order. Nothing at the first
-    /// look. A volume that does not answer has neither gone nor changed. One that has not answered
-    /// since the first look (VolumeLook::neverAnswered()) has not come when it does.
-    [[nodiscard]] std::vector<VolumeEvent> take(const std::vector<SeenVolume>& now,
-                                                const std::vector<VolumePlace>& neverAnswered = {});
+    /// look. A volume that does not answer has neither gone nor changed, and one that never has has
+    /// not come before it does; if it stood there at the first look, not even then.
+    [[nodiscard]] std::vector<VolumeEvent> take(const std::vector<SeenVolume>& seen);
 
 private:
     [[nodiscard]] bool hasMoved(const ZvVolumeInfo& before, const ZvVolumeInfo& now) const;

@@ -56,19 +56,33 @@ void VolumesInfo::enumVolumesInfo() {
 
 std::int32_t VolumesInfo::addVolume(const IndexedVolume& volume) {
     auto record = recordOf(volume);
+    const std::int32_t status = classify(*record);
+    if (status == noErr) m_volsArray.push_back(std::move(record));
+    return status;
+}
+
+std::shared_ptr<ZvVolumeInfo> VolumesInfo::recordWithoutSize(const IndexedVolume& volume) {
+    IndexedVolume unsized = volume;
+    unsized.info = {};
+    auto record = recordOf(unsized);
+    record->freeSpace.clear();
+    record->totalSpace.clear();
+    return classify(*record) == noErr ? record : nullptr;
+}
+
+std::int32_t VolumesInfo::classify(ZvVolumeInfo& record) {
     GetVolParmsInfoBuffer buffer;
-    const std::int32_t status = m_platform.FSGetVolumeParms(volume.refNumber, buffer);
+    const std::int32_t status = m_platform.FSGetVolumeParms(record.volRefNumber, buffer);
     if (status != noErr) {
         Log::line(
             fmt::format("FSGetVolumeParms failed returned {}", status));  // the log ends the line
         return status;
     }
-    m_inHand = record->volRootDir;
-    record->bCanEject = getVolEjectFlag(buffer, record->volRootDir);
-    record->volType = getVolumeType(buffer);
-    if (record->volType == OpticalVolume)
-        record->bCanEject = true;  // a drive gives a disc back, whatever it reports
-    m_volsArray.push_back(std::move(record));
+    m_inHand = record.volRootDir;
+    record.bCanEject = getVolEjectFlag(buffer, record.volRootDir);
+    record.volType = getVolumeType(buffer);
+    if (record.volType == OpticalVolume)
+        record.bCanEject = true;  // a drive gives a disc back, whatever it reports
     return status;
 }
 

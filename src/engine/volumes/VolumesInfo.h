@@ -37,6 +37,10 @@ public:
     /// out, and the walk goes on; it ends with the status nsvErr, whichever operation gives it.
     void enumVolumesInfo();
 
+    /// The record of a volume whose size FSGetVolumeInfo could not tell, without a figure. Its kind
+    /// is asked of the system, never of the volume. Null where that can not be told either.
+    [[nodiscard]] std::shared_ptr<ZvVolumeInfo> recordWithoutSize(const IndexedVolume& volume);
+
     /// 0 for a buffer of a version below 3, which has no such bits.
     [[nodiscard]] std::uint32_t getVolParmsInfoExtendedAttributes(
         const GetVolParmsInfoBuffer& buffer) const;
@@ -66,6 +70,7 @@ public:
 
 private:
     [[nodiscard]] std::int32_t addVolume(const IndexedVolume& volume);
+    [[nodiscard]] std::int32_t classify(ZvVolumeInfo& record);
 
     Volumes& m_platform;
     VolumeArray m_volsArray;

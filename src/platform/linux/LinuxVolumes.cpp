@@ -68,9 +68,9 @@ std::int32_t LinuxVolumes::FSGetVolumeInfo(std::uint32_t volumeIndex, IndexedVol
 
 std::int32_t LinuxVolumes::describe(const Row& row, IndexedVolume& answer) const {
     answer = IndexedVolume{row.refNumber, {}, {}, row.mount.point, row.space.error};
+    answer.name = volumeNameOf(row.mount, m_devices);
     if (row.space.error != 0) return ioErr;
     answer.info = {row.space.total, row.space.free, row.space.reserved};
-    answer.name = volumeNameOf(row.mount, m_devices);
     return noErr;
 }
 

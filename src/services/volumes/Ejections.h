@@ -32,11 +32,6 @@ public:
     void ejectAll(const VolumeWorker::Ejected& ended);
     [[nodiscard]] bool isEjectingAll() const { return m_isEjectingAll; }
 
-    /// As VolumeWorker's.
-    void hasEjectable(const std::function<void(bool)>& answered) {
-        m_worker.hasEjectable(answered);
-    }
-
 Q_SIGNALS:
     /// Another set is being ejected.
     void changed();

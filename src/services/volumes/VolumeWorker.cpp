@@ -1,7 +1,6 @@
 // The queue of requests and the thread that works it off while there are any.
 #include "services/volumes/VolumeWorker.h"
 
-#include <algorithm>
 #include <deque>
 #include <mutex>
 #include <system_error>
@@ -10,7 +9,6 @@
 
 #include "engine/base/Log.h"
 #include "engine/base/MainQueue.h"
-#include "engine/volumes/VolumesInfo.h"
 #include "platform/error.h"
 
 namespace orrinvale {
@@ -118,16 +116,6 @@ void VolumeWorker::ejectVolume(std::int16_t volRefNumber, const std::string& vol
     add(work, [volRefNumber, volRootDir, volumeName, ended](const std::string& reason) {
         ended(ioErr, {{volRefNumber, volumeName, volRootDir, ioErr, {reason, {}}}});
     });
-}
-
-void VolumeWorker::hasEjectable(const std::function<void(bool)>& answered) {
-    const auto work = [answered](Volumes& platform) -> std::function<void()> {
-        VolumesInfo info(platform);
-        const bool has =
-            std::ranges::any_of(info.volsArray(), [](const auto& each) { return each->bCanEject; });
-        return [answered, has] { answered(has); };
-    };
-    add(work, [answered](const std::string& /*reason*/) { answered(false); });
 }
 
 }  // namespace orrinvale

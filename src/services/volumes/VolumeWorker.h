@@ -40,9 +40,6 @@ public:
     void ejectVolume(std::int16_t volRefNumber, const std::string& volRootDir,
                      const std::string& volumeName, const Ejected& ended);
 
-    /// Whether there is anything to eject at the moment; false where that can not be found out.
-    void hasEjectable(const std::function<void(bool)>& answered);
-
 private:
     struct Shared;
     static void startDetached(std::function<void()> work);

@@ -178,6 +178,7 @@ private:
     void startTray();
     void showPageOfRow(std::int32_t row, const QString& identifier);
     void refApplicationMenu();
+    void refEjectAll();
     void ejectRow(const MenuItemView& row);
     void tellOfGuide();
     void ejectionEnded(std::int32_t status, const std::vector<EjectFailure>& failures);

@@ -13,6 +13,7 @@
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/preferences/AppPrefsWindowController.h"
 #include "ui/shell/AppDelegate.h"
+#include "ui/shell/ApplicationMenu.h"
 #include "ui/tray/ArrowHotKeys.h"
 #include "ui/tray/SpaceWarnings.h"
 #include "ui/tray/Tray.h"
@@ -50,6 +51,11 @@ void AppDelegate::startTray() {
                                                     setStatusIamge(boot);
                                                 }});
     connect(m_parts.ejections, &Ejections::changed, &m_tray->menu(), &StatusMenu::showEjecting);
+    connect(m_parts.ejections, &Ejections::changed, this, &AppDelegate::refEjectAll);
+    connect(m_tray.get(), &Tray::menuForWindowChanged, this, [this] {
+        m_menu->setVolumes(m_tray->menuForWindow());
+        refEjectAll();
+    });
     if (m_parts.hotKeys != nullptr) {
         m_arrowKeys = std::make_unique<ArrowHotKeys>(*m_parts.hotKeys);
         m_arrowKeys->Runloop();

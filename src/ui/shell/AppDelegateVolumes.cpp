@@ -1,8 +1,10 @@
 // The volumes of AppDelegate: what is said and done when they come and go. See AppDelegate.h.
+#include <QMenu>
 #include <algorithm>
 
 #include "engine/base/notices.h"
 #include "engine/text/Localized.h"
+#include "services/volumes/SystemWatch.h"
 #include "ui/kit/controls/pathText.h"
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/dialogs/failureWords.h"
@@ -78,8 +80,6 @@ void AppDelegate::refMenuItemWhenDeleteAndAdd() {
     if (m_tray) m_tray->refMenuItemWhenDeleteAndAdd();
 }
 
-// The menu is told what there is to eject; the walk that finds out runs elsewhere, since a server
-// that is gone takes its time.
 void AppDelegate::refApplicationMenu() {
     const auto& pages = AppPrefsWindowController::sharedPrefsWindowController();
     m_menu->setHasPreferences(pages.hasPage(QStringLiteral("preferences")));
@@ -87,12 +87,21 @@ void AppDelegate::refApplicationMenu() {
                      pages.hasPage(uninstallIdentifier));
     m_menu->setHasPages(pages.hasPagesBeside(QStringLiteral("duplicates_file")));
     refFastCleanItem();
-    m_parts.ejections->hasEjectable(
-        [this](bool has) { m_menu->setCanEject(has && !m_parts.ejections->isEjectingAll()); });
+    refEjectAll();
+}
+
+// By what the watch saw last: a walk of its own would wait for a server that is gone.
+void AppDelegate::refEjectAll() {
+    const auto seen = m_parts.systemWatch != nullptr ? m_parts.systemWatch->latest() : nullptr;
+    const bool has = seen && std::ranges::any_of(seen->volumes, [](const SeenVolume& each) {
+                         return each.record->bCanEject;
+                     });
+    m_menu->setCanEject(has && !m_parts.ejections->isEjectingAll());
 }
 
 void AppDelegate::openFinderWhenClickItems(const Notification& notification) {
     if (m_tray) m_tray->cancelTracking();
+    m_menu->menu()->close();  // which the volumes stand in where no tray shows them
     if (m_voluManager->openVolRootDir(notice::openFinderWhenClickItems.read(notification))) return;
     Alert alert;
     alert.title = QString::fromStdString(getLocalizedString("CANNOT_OPEN_FINDER"));

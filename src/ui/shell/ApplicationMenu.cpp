@@ -21,6 +21,7 @@ ApplicationMenu::ApplicationMenu(const Actions& actions, QObject* parent)
     m_freeSpaceMenu = add("freeSpaceMenu", tr("Free Space"), {}, actions.onClickFree);
     m_UninstallMenu = add("UninstallMenu", tr("Uninstall"), {}, actions.onClickUninstall);
     m_fastClean = add("fastClean", tr("Fast Clean"), {}, actions.cleaningFile);
+    m_volumes = add("volumes", tr("Volumes"), {}, [] {});
     m_eject =
         add("ejectAll", tr("Eject All"), QKeySequence(Qt::CTRL | Qt::Key_E), actions.rejestAllDisk);
     m_fastClean->setEnabled(false);
@@ -28,6 +29,7 @@ ApplicationMenu::ApplicationMenu(const Actions& actions, QObject* parent)
     m_preferences->setEnabled(false);
     m_pages->setVisible(false);
     setPages(false, false, false);
+    setVolumes(nullptr);
     m_menu->addSeparator();
     add("help", tr("User Guide"), QKeySequence(QKeySequence::HelpContents), actions.help);
     m_menu->addSeparator();
@@ -48,7 +50,12 @@ QAction* ApplicationMenu::add(const char* name, const QString& title, const QKey
     return made;
 }
 
-void ApplicationMenu::addKeysTo(QWidget& window) const { window.addActions(m_menu->actions()); }
+// Those without keys stay out: of an entry in a window the keys within its menu would work too, and
+// the volumes have some that this menu has.
+void ApplicationMenu::addKeysTo(QWidget& window) const {
+    for (QAction* const each : m_menu->actions())
+        if (!each->shortcut().isEmpty()) window.addAction(each);
+}
 
 void ApplicationMenu::setCanEject(bool canEject) { m_eject->setEnabled(canEject); }
 
@@ -62,6 +69,11 @@ void ApplicationMenu::setPages(bool hasScan, bool hasFree, bool hasUninstall) {
     m_scanMenu->setVisible(hasScan);
     m_freeSpaceMenu->setVisible(hasFree);
     m_UninstallMenu->setVisible(hasUninstall);
+}
+
+void ApplicationMenu::setVolumes(QMenu* volumes) {
+    m_volumes->setMenu(volumes);
+    m_volumes->setVisible(volumes != nullptr);
 }
 
 void ApplicationMenu::setHasPages(bool hasPages) { m_pages->setVisible(hasPages); }

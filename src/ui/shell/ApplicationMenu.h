@@ -51,6 +51,10 @@ public:
     /// Which of the three pages there are. None is offered until that is told.
     void setPages(bool hasScan, bool hasFree, bool hasUninstall);
 
+    /// The volumes, which a tray shows otherwise; null is none. The menu may go before it is
+    /// replaced.
+    void setVolumes(QMenu* volumes);
+
     /// Whether the window with all pages shows anything that the main window does not. It is not
     /// offered until that is told.
     void setHasPages(bool hasPages);
@@ -65,6 +69,7 @@ private:
 
     const std::unique_ptr<QMenu> m_menu;
     QAction* m_fastClean = nullptr;
+    QAction* m_volumes = nullptr;
     QAction* m_eject = nullptr;
     QAction* m_preferences = nullptr;
     QAction* m_pages = nullptr;

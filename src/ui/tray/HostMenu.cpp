@@ -5,7 +5,6 @@
 #include <QWidgetAction>
 #include <utility>
 
-#include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/pathText.h"
 #include "ui/tray/CustomGreyBarView.h"
 #include "ui/tray/StatusMenu.h"
@@ -77,14 +76,8 @@ void HostMenu::refresh() {
     for (const Row& each : m_rows) {
         if (each.view == nullptr) continue;
         const MenuItemView& view = *each.view;
-        const bool answers = view.seen().silence.empty();
-        const QString figures =
-            tr("%1: %2 free of %3")
-                .arg(view.volumeSize, shownSize(view.u64FreeSpace.toStdString()),
-                     shownSize(view.u64TotalSpace.toStdString()));
-        setTextOf(*each.opens,
-                  hostText(answers ? figures : tr("%1, does not answer").arg(figures)));
-        each.opens->setEnabled(answers);
+        setTextOf(*each.opens, hostText(view.inOneLine()));
+        each.opens->setEnabled(view.seen().silence.empty());
         if (each.ejects == nullptr) continue;
         each.ejects->setEnabled(!view.isEjecting());
         setTextOf(*each.ejects,

@@ -2,17 +2,20 @@
 // bar.
 #include "ui/tray/MenuItemView.h"
 
-#include <QAction>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QStyle>
 #include <QToolButton>
 #include <utility>
 
 #include "engine/volumes/SpaceLevel.h"
+#include "ui/kit/chrome/buttonLook.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/pathText.h"
 #include "ui/kit/dialogs/failureWords.h"
 #include "ui/kit/look/Theme.h"
+#include "ui/kit/look/accessibleRole.h"
 #include "ui/kit/look/picture.h"
 
 namespace orrinvale {
@@ -28,6 +31,11 @@ constexpr int right = 14;
 constexpr int barHeight = 3;
 
 QString shown(const QString& size) { return shownSize(size.toStdString()); }
+
+// Of the texts and the bar, in pixels.
+int wideOf(const QWidget& row) {
+    return row.width() - textLeft - buttonSide - right - Theme::gapSmall;
+}
 
 VolumeSpace spaceOfRow(const MenuItemView& row) { return {row.nFreeSize, row.nTotalSize}; }
 
@@ -47,6 +55,9 @@ MenuItemView::MenuItemView(const Row& row, Handlers handlers, QWidget* parent)
       m_backButton(new QToolButton(this)) {
     setFixedHeight(leastSize.height());
     setMinimumWidth(leastSize.width());
+    setFocusPolicy(Qt::StrongFocus);
+    setAccessibleTraits(*this, {.role = QAccessible::MenuItem, .press = [this] { mouseDown(); }});
+    m_backButton->setFocusPolicy(Qt::NoFocus);  // the row chooses it
     m_backButton->setObjectName(QStringLiteral("backButton"));
     m_backButton->setFixedSize(buttonSide, buttonSide);
     m_backButton->setAutoRaise(true);
@@ -57,12 +68,21 @@ MenuItemView::MenuItemView(const Row& row, Handlers handlers, QWidget* parent)
     tellReaders();
 }
 
+QString MenuItemView::inOneLine() const {
+    const QString name = onOneLine(volumeSize);
+    const bool hasFigures = !u64TotalSpace.isEmpty();
+    const QString figures =
+        hasFigures ? tr("%1: %2 free of %3").arg(name, shown(u64FreeSpace), shown(u64TotalSpace))
+                   : name;
+    return m_seen.silence.empty() ? figures : tr("%1, does not answer").arg(figures);
+}
+
 void MenuItemView::tellReaders() {
-    setAccessibleName(tr("%1, %2 free of %3")
-                          .arg(onOneLine(volumeSize), shown(u64FreeSpace), shown(u64TotalSpace)));
+    setAccessibleName(inOneLine());
     m_backButton->setAccessibleName(tr("Eject %1").arg(onOneLine(volumeSize)));
     m_backButton->setToolTip(asToolTip(m_backButton->accessibleName()));
     update();
+    Q_EMIT readsOtherwise();
 }
 
 void MenuItemView::setVolumName(const QString& name) {
@@ -78,24 +98,26 @@ void MenuItemView::setTotleTextFieldSpace(const QString& text) {
 }
 
 QString MenuItemView::getPrograssImage() const {
-    const auto level = static_cast<float>(warningLevelIn(errorValue.toStdString()));
-    return QString::fromStdString(usagePictureName(UsagePicture::Row, spaceOfRow(*this), level,
+    return QString::fromStdString(usagePictureName(UsagePicture::Row, spaceOfRow(*this), level(),
                                                    static_cast<std::int64_t>(myStorage)));
 }
 
 void MenuItemView::setPrograssImage() const { static_cast<void>(getPrograssImage()); }
 
-bool MenuItemView::getWarningValue() const {
-    return isShortOfSpace(spaceOfRow(*this),
-                          static_cast<float>(warningLevelIn(errorValue.toStdString())));
+bool MenuItemView::getWarningValue() const { return isShortOfSpace(spaceOfRow(*this), level()); }
+
+float MenuItemView::level() const {
+    return static_cast<float>(warningLevelIn(errorValue.toStdString()));
 }
 
 void MenuItemView::setSeen(const SeenVolume& seen) {
+    const bool readsAsBefore = m_seen.silence.empty() == seen.silence.empty();
     m_seen = seen;
     const QString reason = inWords(seen.silence);
     setToolTip(seen.silence.empty() ? QString()
                                     : asToolTip(tr("It does not answer: %1").arg(reason)));
-    update();
+    if (readsAsBefore) update();
+    else tellReaders();
 }
 
 void MenuItemView::backDisk() {
@@ -110,7 +132,7 @@ void MenuItemView::mouseDown() {
 void MenuItemView::setEjecting(bool isEjecting) {
     m_isEjecting = isEjecting;
     m_backButton->setEnabled(!isEjecting && bCanEject);
-    update();
+    chooseEject(m_isEjectChosen && !isEjecting);
     Q_EMIT ejectingChanged();
 }
 
@@ -120,20 +142,56 @@ void MenuItemView::mouseReleaseEvent(QMouseEvent* event) {
         mouseDown();
 }
 
+void MenuItemView::setCurrent(bool isCurrent) {
+    if (std::exchange(m_isCurrent, isCurrent) == isCurrent) return;
+    chooseEject(false);
+    if (isCurrent) setFocus(Qt::PopupFocusReason);
+}
+
+void MenuItemView::chooseEject(bool isChosen) {
+    m_isEjectChosen = isChosen;
+    update();
+}
+
+void MenuItemView::keyPressEvent(QKeyEvent* event) {
+    const bool isMirrored = layoutDirection() == Qt::RightToLeft;
+    const int towardsEnd = isMirrored ? Qt::Key_Left : Qt::Key_Right;
+    const int back = isMirrored ? Qt::Key_Right : Qt::Key_Left;
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (m_isCurrent && event->key() == towardsEnd && m_backButton->isEnabled()) chooseEject(true);
+    else if (m_isEjectChosen && event->key() == back) chooseEject(false);
+    else if (m_isEjectChosen && (isReturn || event->key() == Qt::Key_Space)) backDisk();
+    else QWidget::keyPressEvent(event);
+}
+
+QRect MenuItemView::mirrored(const QRect& place) const {
+    return QStyle::visualRect(layoutDirection(), rect(), place);
+}
+
+void MenuItemView::placeButton() {
+    m_backButton->setGeometry(mirrored(
+        {width() - buttonSide - right, (height() - buttonSide) / 2, buttonSide, buttonSide}));
+}
+
 void MenuItemView::resizeEvent(QResizeEvent* event) {
-    m_backButton->move(width() - buttonSide - right, (height() - buttonSide) / 2);
+    placeButton();
     QWidget::resizeEvent(event);
+}
+
+void MenuItemView::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::LayoutDirectionChange) placeButton();
+    QWidget::changeEvent(event);
 }
 
 void MenuItemView::enterEvent(QEnterEvent* event) {
     clicked = false;
-    update();
+    Q_EMIT pointed(true);
     QWidget::enterEvent(event);
 }
 
 void MenuItemView::leaveEvent(QEvent* event) {
     clicked = false;
-    update();
+    Q_EMIT pointed(false);
     QWidget::leaveEvent(event);
 }
 
@@ -141,39 +199,56 @@ void MenuItemView::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const Theme& theme = Theme::shared();
-    if (clicked || underMouse()) {
+    if (clicked || m_isCurrent) {
         painter.setPen(Qt::NoPen);
         painter.setBrush(theme.color(clicked ? Theme::Color::Selection : Theme::Color::Hover));
         painter.drawRoundedRect(rect().adjusted(4, 0, -4, 0), Theme::radiusSmall,
                                 Theme::radiusSmall);
     }
     const bool isSilent = !m_seen.silence.empty();
-    m_icon.paint(&painter, QRect(left, (height() - iconSide) / 2, iconSide, iconSide),
+    m_icon.paint(&painter, mirrored({left, (height() - iconSide) / 2, iconSide, iconSide}),
                  Qt::AlignCenter, isSilent ? QIcon::Disabled : QIcon::Normal);
+    paintTexts(painter);
+    paintBar(painter);
+    if (m_isEjectChosen)
+        drawFocusRing(painter, m_backButton->geometry().adjusted(-2, -2, 2, 2), Theme::radiusSmall);
+}
+
+void MenuItemView::paintTexts(QPainter& painter) const {
+    const bool isSilent = !m_seen.silence.empty();
     const auto line = [&](const QRect& place, const QString& text, Theme::Text size,
                           Theme::Color colour) {
+        const Theme& theme = Theme::shared();
         painter.setFont(theme.font(size));
         painter.setPen(theme.color(isSilent ? Theme::Color::TextDisabled : colour));
-        painter.drawText(place, Qt::AlignCenter,
+        painter.drawText(mirrored(place), Qt::AlignCenter,
                          painter.fontMetrics().elidedText(text, Qt::ElideRight, place.width()));
     };
-    const int wide = width() - textLeft - buttonSide - right - Theme::gapSmall;
+    const int wide = wideOf(*this);
+    const auto quiet = [&](const QRect& place, const QString& text) {
+        line(place, text, Theme::Text::Caption, Theme::Color::TextSecondary);
+    };
     line({textLeft, 2, wide, 17},
          m_isEjecting ? tr("Ejecting %1 …").arg(onOneLine(volumeSize)) : onOneLine(volumeSize),
          Theme::Text::Body, Theme::Color::Text);
-    line({textLeft, 19, wide / 2, 14}, tr("Free: %1").arg(shown(u64FreeSpace)),
-         Theme::Text::Caption, Theme::Color::TextSecondary);
-    line({textLeft + wide / 2, 19, wide / 2, 14}, tr("Total: %1").arg(shown(u64TotalSpace)),
-         Theme::Text::Caption, Theme::Color::TextSecondary);
+    if (u64TotalSpace.isEmpty()) {
+        quiet({textLeft, 19, wide, 14}, tr("Does not answer"));
+        return;
+    }
+    quiet({textLeft, 19, wide / 2, 14}, tr("Free: %1").arg(shown(u64FreeSpace)));
+    quiet({textLeft + wide / 2, 19, wide / 2, 14}, tr("Total: %1").arg(shown(u64TotalSpace)));
+}
+
+void MenuItemView::paintBar(QPainter& painter) const {
     if (!m_seen.record) return;
-    const auto level = static_cast<float>(warningLevelIn(errorValue.toStdString()));
-    const std::string bar =
-        usagePictureName(UsagePicture::Row, spaceOf(*m_seen.record), level, m_seen.record->volType);
+    const std::string bar = usagePictureName(UsagePicture::Row, spaceOf(*m_seen.record), level(),
+                                             m_seen.record->volType);
     if (bar.empty()) return;
-    painter.setOpacity(isSilent ? 0.4 : 1.0);
-    const QRect place(textLeft, height() - barHeight - 3, wide, barHeight);
+    painter.setOpacity(m_seen.silence.empty() ? 1.0 : 0.4);
+    const QRect place = mirrored({textLeft, height() - barHeight - 3, wideOf(*this), barHeight});
     painter.drawPixmap(
         place, picturePixmap(QString::fromStdString(bar), place.size(), devicePixelRatioF()));
+    painter.setOpacity(1.0);
 }
 
 }  // namespace orrinvale

@@ -62,6 +62,15 @@ public:
     /// Opens the root, but for the tag 5, which is also that of the memory's row, and for a volume
     /// that does not answer, which nobody else could open either.
     void mouseDown();
+    /// It is the entry that the pointer or the keyboard is at. It takes the keyboard then: the key
+    /// towards its end chooses what ejects, the other one leaves that, and Return presses it. All
+    /// other keys are the menu's.
+    void setCurrent(bool isCurrent);
+    [[nodiscard]] bool isCurrent() const { return m_isCurrent; }
+
+    /// Name, free and total as one line, or that it does not answer.
+    [[nodiscard]] QString inOneLine() const;
+
     /// The row tells that the volume is being ejected, until it is told that it stayed.
     void setEjecting(bool isEjecting);
     [[nodiscard]] bool isEjecting() const { return m_isEjecting; }
@@ -86,22 +95,36 @@ public:
 
 Q_SIGNALS:
     void ejectingChanged();
+    /// It reads otherwise: inOneLine().
+    void readsOtherwise();
+    /// The pointer came to the row, or left it.
+    void pointed(bool isThere);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;
 
 private:
     void tellReaders();
+    void placeButton();
+    void chooseEject(bool isChosen);
+    [[nodiscard]] float level() const;
+    [[nodiscard]] QRect mirrored(const QRect& place) const;
+    void paintTexts(QPainter& painter) const;
+    void paintBar(QPainter& painter) const;
 
     const Handlers m_handlers;
     const QIcon m_icon;
     QToolButton* m_backButton = nullptr;
     SeenVolume m_seen;
     bool m_isEjecting = false;
+    bool m_isCurrent = false;
+    bool m_isEjectChosen = false;  // by the keyboard
 };
 
 }  // namespace orrinvale

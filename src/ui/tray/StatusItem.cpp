@@ -6,6 +6,8 @@
 #include <QMenu>
 #include <utility>
 
+#include "ui/kit/look/Theme.h"
+
 namespace orrinvale {
 namespace {
 
@@ -18,7 +20,12 @@ TrayKind& decidedKind() {
 }  // namespace
 
 StatusItem::StatusItem(std::function<void()> showsMainWindow, QObject* parent)
-    : QObject(parent), m_showsMainWindow(std::move(showsMainWindow)) {}
+    : QObject(parent), m_showsMainWindow(std::move(showsMainWindow)) {
+    // A tray may have been given what the picture looked like.
+    connect(&Theme::shared(), &Theme::changed, this, [this] {
+        if (m_item) m_item->setIcon(m_image);
+    });
+}
 
 StatusItem::~StatusItem() = default;
 
@@ -51,6 +58,8 @@ void StatusItem::make() {
 }
 
 void StatusItem::setImage(const QIcon& image) {
+    // For each new one a tray is sent its pixels in every size.
+    if (image.name() == m_image.name()) return;
     m_image = image;
     if (m_item) m_item->setIcon(image);
 }

@@ -28,6 +28,7 @@ public:
     void setKind(TrayKind kind);
     /// Hidden the item is given back to the host; it begins shown.
     void setHidden(bool isHidden);
+    /// One of picture().
     void setImage(const QIcon& image);
     void setToolTip(const QString& text);
     /// The menu in words, for hosts, and the one with rows, where a popup can be placed. Either may

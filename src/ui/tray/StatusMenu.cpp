@@ -57,6 +57,9 @@ void StatusMenu::addMenu(const SystemSight& sight) {
     if (!m_menu) {
         m_menu = std::make_unique<QMenu>();
         m_menu->setObjectName(QStringLiteral("statusMenu"));
+        connect(m_menu.get(), &QMenu::aboutToHide, this, [this] {
+            for (const QAction* const each : m_allDiskItemArr) viewOf(each)->setCurrent(false);
+        });
     }
     m_built = sight;
     m_previousCount = sight.volumes.size();
@@ -98,11 +101,30 @@ void StatusMenu::addVolume(const SeenVolume& seen, std::int32_t tag) {
     Log::line(fmt::format("totalSpace====={}", volume.totalSpace));
     auto* const item = new QWidgetAction(m_menu.get());
     item->setDefaultWidget(view);
-    item->setText(QString::number(volume.volRefNumber));
-    // By the keyboard; the pointer goes to the view.
-    connect(item, &QAction::triggered, view, &MenuItemView::mouseDown);
+    item->setData(QString::number(volume.volRefNumber));
+    bindRow(*item, *view);
     m_allDiskItemArr.push_back(item);
     if (auto* const group = groupOf(m_groups, volume.volType)) group->push_back(item);
+}
+
+void StatusMenu::bindRow(QAction& item, MenuItemView& view) {
+    // By the keyboard; the pointer goes to the view.
+    connect(&item, &QAction::triggered, &view, &MenuItemView::mouseDown);
+    // What screen readers hear of an entry.
+    const auto takeText = [&item, &view] {
+        item.setText(view.inOneLine().replace(QLatin1Char('&'), QLatin1String("&&")));
+    };
+    takeText();
+    connect(&view, &MenuItemView::readsOtherwise, &item, takeText);
+    // The menu has one current entry, whichever of pointer and keyboard came to it last.
+    connect(m_menu.get(), &QMenu::hovered, &view,
+            [&item, &view](const QAction* entry) { view.setCurrent(entry == &item); });
+    connect(&view, &MenuItemView::pointed, &item,
+            [menu = m_menu.get(), &item, &view](bool isThere) {
+                if (!isThere && !view.isCurrent()) return;
+                menu->setActiveAction(isThere ? &item : nullptr);
+                view.setCurrent(isThere);
+            });
 }
 
 bool StatusMenu::isEjecting(const MenuItemView& row) const {
@@ -176,7 +198,7 @@ QAction* StatusMenu::itemWithTitle(const QString& title) const {
     if (!m_menu) return nullptr;
     const QList<QAction*> items = m_menu->actions();
     const auto found = std::ranges::find_if(items, [&](const QAction* each) {
-        return each->text() == title && viewOf(each) != nullptr;
+        return each->data().toString() == title && viewOf(each) != nullptr;
     });
     return found == items.end() ? nullptr : *found;
 }
@@ -204,8 +226,7 @@ void StatusMenu::updateRow(const SeenVolume& seen) {
     const ZvVolumeInfo& volume = *seen.record;
     MenuItemView* const row = viewOf(itemWithTitle(QString::number(volume.volRefNumber)));
     if (row == nullptr) return;
-    const float level = warningLevel(m_parts.defaults->floatForKey(ZvSpaceAlarmKey));
-    row->errorValue = text(fmt::format("{:.6f}", level));
+    row->errorValue = text(refreshedErrorValue(m_parts.defaults->floatForKey(ZvSpaceAlarmKey)));
     row->setFreeTextFieldSpace(text(volume.freeSpace));
     row->setTotleTextFieldSpace(text(volume.totalSpace));
     row->setNFreeSize(volume.nFreeSize);
@@ -229,8 +250,7 @@ void StatusMenu::updateMemoryRow() {
     MenuItemView* const row = viewOf(itemWithTitle(QLatin1String(memoryTitle)));
     if (row == nullptr || m_parts.memory == nullptr) return;
     readMemory();
-    row->errorValue =
-        text(fmt::format("{:.6f}", warningLevel(m_parts.defaults->floatForKey(ZvMemoryAlarmKey))));
+    row->errorValue = text(refreshedErrorValue(m_parts.defaults->floatForKey(ZvMemoryAlarmKey)));
     row->setFreeTextFieldSpace(text(m_cleanMemInfo->freeMem));
     row->setTotleTextFieldSpace(text(m_cleanMemInfo->totalMem));
     row->setNFreeSize(m_memoryInfo.freeMem);
@@ -262,10 +282,9 @@ void StatusMenu::freeMemoryListView() {
                                        {m_parts.actions.eject, m_parts.actions.openVolume});
     row->nTotalSize = UtilityFunction::getVolSpaceFromString(m_cleanMemInfo->totalMem);
     row->nFreeSize = UtilityFunction::getVolSpaceFromString(m_cleanMemInfo->freeMem);
-    row->errorValue =
-        text(fmt::format("{:.6f}", warningLevel(m_parts.defaults->floatForKey(ZvMemoryAlarmKey))));
+    row->errorValue = text(refreshedErrorValue(m_parts.defaults->floatForKey(ZvMemoryAlarmKey)));
     item->setDefaultWidget(row);
-    item->setText(QLatin1String(memoryTitle));
+    item->setData(QLatin1String(memoryTitle));
     m_freeMemoryArr.push_back(std::move(item));
 }
 

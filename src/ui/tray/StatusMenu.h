@@ -22,7 +22,8 @@ namespace orrinvale {
 class UserDefaults;
 
 /// The menu is missing or complete. A rebuild drops it with all its rows; a refresh finds the rows
-/// by their invisible title, the reference number, and writes into them. Main thread only.
+/// by their invisible title, the reference number, and writes into them. The title is the data of
+/// an entry; its text is what the row reads, for screen readers. Main thread only.
 class StatusMenu final : public QObject {
     Q_OBJECT
 public:
@@ -88,6 +89,7 @@ Q_SIGNALS:
 private:
     [[nodiscard]] bool isEjecting(const MenuItemView& row) const;
     void addVolume(const SeenVolume& seen, std::int32_t tag);
+    void bindRow(QAction& item, MenuItemView& view);
     void addGroup(std::uint64_t code, const MyItemSetObj::Items& items);
     void updateRow(const SeenVolume& seen);
     void updateMemoryRow();

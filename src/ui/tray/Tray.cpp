@@ -56,12 +56,14 @@ Tray::~Tray() = default;
 void Tray::takeHost(TrayKind kind) {
     m_isHostKnown = true;
     m_item.setKind(kind);
+    Q_EMIT menuForWindowChanged();
 }
 
 void Tray::takeMenu() {
     QMenu* const popup = m_menu.menu();
     m_hostMenu.take(popup);
     m_item.setMenus(&m_hostMenu.menu(), popup);
+    Q_EMIT menuForWindowChanged();
     if (popup == nullptr || !m_statusItemView) return;
     connect(popup, &QMenu::aboutToShow, m_statusItemView.get(),
             &CustomStatusItemView::menuWillOpen);
@@ -82,6 +84,7 @@ void Tray::setStatusBarHidden(bool isHidden) {
     if (m_statusItemView)
         m_statusItemView->setTitle(QString(isHidden ? 1 : blanks, QLatin1Char(' ')));
     m_item.setHidden(isHidden);
+    Q_EMIT menuForWindowChanged();
 }
 
 void Tray::refMenuItemWhenDeleteAndAdd() {

@@ -55,11 +55,20 @@ public:
         return !m_item.isHidden() && (!m_isHostKnown || m_item.isShown());
     }
 
+    /// The menu with rows while no item shows it, for a window of ours; else null, as before the
+    /// first look.
+    [[nodiscard]] QMenu* menuForWindow() const {
+        return m_item.isShown() ? nullptr : m_menu.menu();
+    }
+
     [[nodiscard]] StatusMenu& menu() { return m_menu; }
     [[nodiscard]] HostMenu& hostMenu() { return m_hostMenu; }
     [[nodiscard]] const CustomStatusItemView* statusItemView() const {
         return m_statusItemView.get();
     }  ///< null before showMenuBar()
+
+Q_SIGNALS:
+    void menuForWindowChanged();
 
 private:
     void takeHost(TrayKind kind);

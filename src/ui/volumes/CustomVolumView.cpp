@@ -180,21 +180,23 @@ void CustomVolumView::showTexts() {
     const QString name = onOneLine(QString::fromStdString(m_volumeName));
     m_volName->setText(name);
     m_volName->setToolTip(asToolTip(QString::fromStdString(m_volRootDir)));
-    const QString free = tr("%1 Free").arg(shownSize(m_u64FreeSpace));
+    const bool answers = m_silence.isEmpty();
+    const QString free = m_u64TotalSpace.empty() ? QString()  // it never answered
+                                                 : tr("%1 Free").arg(shownSize(m_u64FreeSpace));
     m_freeVolT->setText(m_isEjecting ? tr("Ejecting ...") : free);
     const QString total = tr("Total: %1").arg(shownSize(m_u64TotalSpace));
-    m_totlVolT->setText(m_silence.isEmpty() ? total
-                                            : tr("Does not answer: %1").arg(onOneLine(m_silence)));
+    m_totlVolT->setText(answers ? total : tr("Does not answer: %1").arg(onOneLine(m_silence)));
+    m_volName->setEnabled(answers);
     m_browseButton->setAccessibleName(tr("Open %1 in file manager").arg(name));
     m_ejectButton->setAccessibleName(tr("Eject %1").arg(name));
     setAccessibleName(
         QStringList{name, m_groupName->text(), m_freeVolT->text(), m_totlVolT->text()}.join(
             QStringLiteral(", ")));
-    m_browseButton->setEnabled(!m_isEjecting);
+    m_browseButton->setEnabled(!m_isEjecting && answers);  // nobody else could open it either
     m_ejectButton->setEnabled(!m_isEjecting);
-    m_prograssView->setEnabled(!m_isEjecting && m_silence.isEmpty());
-    m_freeVolT->setEnabled(m_isEjecting || m_silence.isEmpty());
-    m_usedVolT->setEnabled(m_silence.isEmpty());
+    m_prograssView->setEnabled(!m_isEjecting && answers);
+    m_freeVolT->setEnabled(m_isEjecting || answers);
+    m_usedVolT->setEnabled(answers);
 }
 
 VolumeSpace CustomVolumView::space() const {

@@ -50,8 +50,8 @@ public:
     CustomVolumView(const ZvVolumeInfo& volume, std::string errorValue, std::int32_t isPrograss,
                     std::int32_t tag, CustomVolumViewDelegate& delegate, QWidget* parent = nullptr);
 
-    /// Writes the figures and texts of a later look in; the kind stays. Those of a volume that does
-    /// not answer are grey, as they are of its last answer, and the card says why.
+    /// Writes the figures and texts of a later look in; the kind stays. A volume that does not
+    /// answer is grey, with the figures of its last answer, if there was one, and says why.
     void showFigures(const SeenVolume& seen);
     void setvolumIcon(const QString& picture);
     void setVolumName(const std::string& name);

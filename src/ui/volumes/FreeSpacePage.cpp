@@ -8,6 +8,7 @@
 #include <QStackedWidget>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <utility>
 
 #include "engine/base/notices.h"
 #include "engine/settings/UtilityFunctionOfData.h"
@@ -31,7 +32,7 @@ std::string levelNow() {
 FreeSpacePage::FreeSpacePage(const PageServices& services, FreeSpaceParts parts)
     : m_services(services),
       m_parts(parts),
-      m_diskSizeView([this] { return m_seen.volumes; }, *this) {
+      m_diskSizeView([this] { return m_seen->volumes; }, *this) {
     NotificationCenter& center = *services.notifications;
     m_observations.push_back(notice::updateNewDiskSizeView.observe(center, [this] {
         if (m_looking) updateNewDiskSizeViewData();
@@ -86,11 +87,9 @@ bool FreeSpacePage::eventFilter(QObject* watched, QEvent* event) {
 void FreeSpacePage::look(bool isOnScreen) {
     m_looking.reset();
     if (!isOnScreen) return;
-    m_looking = m_parts.watch->observe(SystemWatch::Part::Volumes, [this](const SystemSight& seen) {
-        m_seen = seen;
-        m_hasSeen = true;
-        updateNewDiskSizeViewData();
-    });
+    m_looking = m_parts.watch->observe(
+        SystemWatch::Part::Volumes,
+        [this](const SystemSight& /*sight*/) { updateNewDiskSizeViewData(); });
     // Mostly that takes milliseconds; a dead server takes its second.
     constexpr int patience = 300;
     QTimer::singleShot(patience, m_view, [this] {
@@ -104,37 +103,41 @@ void FreeSpacePage::lookNow() {
     if (m_looking) m_parts.watch->lookNow();
 }
 
-// A row is matched by its place alone, so that cards of another sequence are never filled.
+// Of one look both the watch and the tray tell, which is filled once. A row is matched by its place
+// alone, so that cards of another sequence are never filled.
 void FreeSpacePage::updateNewDiskSizeViewData() {
-    const bool isSame = m_diskSizeView.scrollArea() != nullptr && hasSameRows(m_seen, m_shown) &&
-                        m_shownLevel == levelNow();
-    if (isSame) m_diskSizeView.updateViewAndData();
-    else if (m_hasSeen) rebuild();
+    const auto now = m_parts.watch->latest();
+    const std::string level = levelNow();
+    if (now == nullptr || (now == m_seen && level == m_shownLevel)) return;
+    const auto before = std::exchange(m_seen, now);
+    if (before != nullptr && hasSameRows(*before, *now) && level == m_shownLevel)
+        m_diskSizeView.updateViewAndData();
+    else rebuild();
     showTitle();
 }
 
 void FreeSpacePage::rebuild() {
     m_diskSizeView.initDiskSizeView(m_page);
-    m_shown = m_seen;
     m_shownLevel = levelNow();
     showEjecting();
     m_emptyLabel->setText(tr("There are no volumes here."));
-    m_content->setCurrentIndex(m_seen.volumes.empty() ? 1 : 0);
+    m_content->setCurrentIndex(m_seen->volumes.empty() ? 1 : 0);
 }
 
 void FreeSpacePage::showEjecting() const {
     const auto& cards = m_diskSizeView.allItemArr();
     for (std::size_t row = 0; row < cards.size(); ++row) {
-        const ZvVolumeInfo& volume = *m_shown.volumes[row].record;
+        const ZvVolumeInfo& volume = *m_seen->volumes[row].record;
         cards[row]->setEjecting(
             m_parts.ejections->isEjecting({volume.volRefNumber, volume.volRootDir}));
     }
 }
 
 void FreeSpacePage::showTitle() const {
-    const SeenVolume* const seen = bootVolume(m_seen.volumes);
+    const bool hasVolumes = m_seen && !m_seen->volumes.empty();
+    const SeenVolume* const seen = hasVolumes ? bootVolume(m_seen->volumes) : nullptr;
     if (seen == nullptr) {
-        m_titleLabel->setText(m_seen.volumes.empty() ? tr("Free Space") : tr("Your volumes"));
+        m_titleLabel->setText(hasVolumes ? tr("Your volumes") : tr("Free Space"));
         return;
     }
     const ZvVolumeInfo& boot = *seen->record;

@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -65,9 +66,7 @@ private:
     QWidget* m_page = nullptr;  // that the list fills
     class ElidedLabel* m_titleLabel = nullptr;
     class QLabel* m_emptyLabel = nullptr;
-    SystemSight m_seen;
-    bool m_hasSeen = false;
-    SystemSight m_shown;  // that the cards were made for
+    std::shared_ptr<const SystemSight> m_seen;  // in the cards; null before the first look
     std::string m_shownLevel;
     DiskSizeView m_diskSizeView;
     SystemWatch::Observation m_looking;  // null while nobody sees the page

@@ -21,12 +21,25 @@ TEST(VolumeLook, WhoFallsSilentKeepsItsPlaceAndItsLastFigures) {
     platform.volumes = {FakeVolumes::volume(1, "root", "/", false),
                         FakeVolumes::volume(2, "nas", "/nas", true),
                         FakeVolumes::volume(3, "never", "/never", true),
-                        FakeVolumes::volume(4, "stick", "/stick", true)};
+                        FakeVolumes::volume(4, "stick", "/stick", true),
+                        FakeVolumes::volume(5, "theirs", "/theirs", true)};
     FakeVolumes::Volume& nas = platform.volumes[1];
     FakeVolumes::Volume& never = platform.volumes[2];
+    platform.volumes[4].infoStatus = ioErr;
+    platform.volumes[4].volume.errorNumber = EACCES;
     never.infoStatus = ioErr;
+    never.volume.errorNumber = EHOSTDOWN;
     VolumeLook look(platform);
-    EXPECT_EQ(textOf(look.take()), "/ 500;/nas 500;/stick 500;");
+    const auto first = look.take();
+    ASSERT_EQ(textOf(first), "/ 500;/nas 500;/never 0 silent;/stick 500;");
+    EXPECT_EQ(first[2].silence, "Host is down");
+    EXPECT_EQ(first[2].record->volumeName + first[2].record->totalSpace, "never");
+    EXPECT_EQ(first[2].record->volType, DiskImageVolume);
+    never.infoStatus = noErr;
+    const SystemSight woken{look.take(), {}, {}};
+    EXPECT_EQ(textOf(woken.volumes), "/ 500;/nas 500;/never 500;/stick 500;");
+    EXPECT_TRUE(hasSameRows({first, {}, {}}, woken)) << "its figures come into the row it has";
+    platform.volumes.erase(platform.volumes.begin() + 2);
 
     nas.infoStatus = ioErr;
     nas.volume.errorNumber = ETIMEDOUT;
@@ -43,8 +56,9 @@ TEST(VolumeLook, WhoFallsSilentKeepsItsPlaceAndItsLastFigures) {
     // Another mount at its root is somebody else, whose figures nobody knows yet.
     nas.infoStatus = ioErr;
     nas.volume.refNumber = 9;
-    EXPECT_EQ(textOf(look.take()), "/ 500;/stick 500;");
-    platform.volumes.back().parmsStatus = ioErr;
+    EXPECT_EQ(textOf(look.take()), "/ 500;/nas 0 silent;/stick 500;");
+    for (FakeVolumes::Volume& each : platform.volumes) each.parmsStatus = ioErr;
+    nas.volume.refNumber = 10;
     platform.volumes.front().volume.info.totalBytes = 0;
     const LogLines log;
     EXPECT_EQ(textOf(look.take()), "") << "left out by the walk's own rules, not silent";

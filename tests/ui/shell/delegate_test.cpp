@@ -17,6 +17,7 @@
 #include "ui/preferences/AppPrefsWindowController.h"
 #include "ui/shell/FileManager.h"
 #include "ui/support/Launched.h"
+#include "ui/tray/Tray.h"
 
 namespace orrinvale::testing {
 namespace {
@@ -117,7 +118,9 @@ TEST(AppDelegate, EachVolumeThatComesOrGoesIsASentenceAndTwoNotices) {
 }
 
 TEST(AppDelegate, EjectAllTellsWhatStayed) {
-    Started on;
+    Launched on(systemAndStick(), nullptr);
+    on.defaults.setBool(true, keepRunningKey);
+    on.delegate->applicationDidFinishLaunching();
     EXPECT_FALSE(on.entry("Reference")->isEnabled());
     EXPECT_FALSE(on.entry("checkUpdate")->isEnabled());
     EXPECT_SOON(on.entry("ejectAll")->isEnabled());
@@ -137,12 +140,11 @@ TEST(AppDelegate, EjectAllTellsWhatStayed) {
 }
 
 TEST(AppDelegate, NothingToEjectIsNoFailure) {
-    Launched on;
-    on.volumes.volumes.resize(1);
+    Launched on({FakeVolumes::volume(1, "System", "/", false)}, nullptr);
     on.delegate->applicationDidFinishLaunching();
-    ASSERT_SOON(on.mainQueue.answers == 1);
+    ASSERT_SOON(on.delegate->tray()->menu().menu() != nullptr);
     on.delegate->rejestAllDisk();
-    ASSERT_SOON(on.mainQueue.answers == 2);
+    ASSERT_SOON(!on.ejections.isEjectingAll());
     EXPECT_TRUE(on.volumes.ejectedNumbers.empty());
     EXPECT_TRUE(on.dialogs.alerts().empty());
     EXPECT_FALSE(on.entry("ejectAll")->isEnabled());

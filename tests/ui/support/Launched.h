@@ -42,13 +42,16 @@ private:
     QtMainQueue m_queue;
 };
 
+inline std::vector<FakeVolumes::Volume> systemAndStick() {
+    return {FakeVolumes::volume(1, "System", "/", false),
+            FakeVolumes::volume(7, "Stick", "/media/stick", true)};
+}
+
 /// The window is open. With a `tray`, which may be null, something runs in the background.
 /// Everything else is the test's: settings, volumes, answers; and lists of what
 /// was set off. The shared parts of the process are its own while it lives.
 struct Launched {
-    explicit Launched(std::vector<FakeVolumes::Volume> standing =
-                          {FakeVolumes::volume(1, "System", "/", false),
-                           FakeVolumes::volume(7, "Stick", "/media/stick", true)},
+    explicit Launched(std::vector<FakeVolumes::Volume> standing = systemAndStick(),
                       std::optional<TrayHost*> tray = std::nullopt) {
         QnAuthorization::shareQnAuthorization().setParts(
             {&authorization, &files, &permissions, {}});

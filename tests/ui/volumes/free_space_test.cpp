@@ -169,6 +169,23 @@ TEST(CustomVolumView, AReserveOfTheAdministratorIsNoPartOfItsShare) {
     EXPECT_EQ(card.getPrograssImage(), QStringLiteral("50_index.png"));
 }
 
+TEST(CustomVolumView, OneThatNeverAnsweredSaysWhyAndHasNoFigures) {
+    SeenVolume nas = seen(5, "/m/nas", NetworkVolume, 0, 0);
+    auto record = std::make_shared<ZvVolumeInfo>(*nas.record);
+    record->freeSpace = record->totalSpace = "";
+    RecordedPage page;
+    CustomVolumView card(*record, "10", 0, 0, page);
+    card.showFigures({record, "Host is down"});
+    EXPECT_EQ(part<QLabel>(&card, "freeVolT")->text(), QString());
+    EXPECT_EQ(part<QLabel>(&card, "totlVolT")->text(),
+              QStringLiteral("Does not answer: Host is down"));
+    EXPECT_FALSE(part<QWidget>(&card, "volName")->isEnabled());
+    EXPECT_FALSE(part<QWidget>(&card, "browseButton")->isEnabled()) << "that would block";
+    card.showFigures(seen(5, "/m/nas", NetworkVolume));
+    EXPECT_EQ(part<QLabel>(&card, "freeVolT")->text(), QStringLiteral("1.25 GB Free"));
+    EXPECT_TRUE(part<QWidget>(&card, "volName")->isEnabled());
+}
+
 TEST(MyMacView, ShowsTheBootVolumeAndIsFilledFromTheFirst) {
     const Settings settings;
     NotificationCenter center;

@@ -25,6 +25,15 @@ void drawMark(QPainter& painter, const QRect& rect, QColor color) {
         QPolygonF{middle + QPointF(-4, 0), middle + QPointF(-1, 3), middle + QPointF(4.5, -3.5)});
 }
 
+// At the end of a row that opens a further menu, pointing there.
+void drawArrow(QPainter& painter, const QRect& row, Qt::LayoutDirection direction, QColor color) {
+    const bool isMirrored = direction == Qt::RightToLeft;
+    const int side = isMirrored ? -1 : 1;
+    const QPointF tip(isMirrored ? row.left() + 2 : row.right() - 1, row.center().y() + 0.5);
+    painter.setPen(QPen(color, 1.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.drawPolyline(QPolygonF{tip + QPointF(-4 * side, -4), tip, tip + QPointF(-4 * side, 4)});
+}
+
 }  // namespace
 
 QSize menuRowSize(const QStyleOptionMenuItem& row, QSize texts) {
@@ -67,6 +76,8 @@ void drawMenuRow(QPainter& painter, const QStyleOptionMenuItem& row) {
     painter.drawText(text, flags | Qt::AlignLeft, parts.value(0));
     painter.setPen(isEnabled ? theme.color(Theme::Color::TextSecondary) : color);
     painter.drawText(text, flags | Qt::AlignRight, parts.value(1));
+    if (row.menuItemType == QStyleOptionMenuItem::SubMenu)
+        drawArrow(painter, text, row.direction, painter.pen().color());
     painter.restore();
 }
 
