@@ -42,7 +42,8 @@ struct OptionSpec {
                                 ///< argument that must be given, one such as "PATH..." an argument
                                 ///< that must be given and may be repeated
     std::string_view argument;  ///< what the option takes ("SIZE"); empty for a flag; with dots
-                                ///< behind it ("PATH...") the option may be given several times
+                                ///< behind it ("PATH...") the option may be given several times;
+                                ///< in brackets ("[ID]") it may be left out
     std::string_view help;
 };
 

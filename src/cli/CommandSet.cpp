@@ -1,6 +1,7 @@
 // The list of commands. A new one is one line here.
 #include "cli/CommandSet.h"
 
+#include "cli/AppsCommand.h"
 #include "cli/CleanCommand.h"
 #include "cli/DuplicatesCommand.h"
 #include "cli/EjectCommand.h"
@@ -16,6 +17,7 @@ CommandSet::CommandSet() {
     m_commands.push_back(std::make_unique<LargeCommand>(m_files));
     m_commands.push_back(std::make_unique<SizeCommand>(m_files));
     m_commands.push_back(std::make_unique<CleanCommand>(m_files, m_volumes));
+    m_commands.push_back(std::make_unique<AppsCommand>(m_files, m_applications));
     m_commands.push_back(std::make_unique<VolumesCommand>(m_volumes));
     m_commands.push_back(std::make_unique<EjectCommand>(m_volumes));
     m_commands.push_back(std::make_unique<MemoryCommand>(m_memory, purgePrograms()));

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cli/Command.h"
+#include "platform/linux/LinuxApplications.h"
 #include "platform/linux/LinuxFiles.h"
 #include "platform/linux/LinuxMemory.h"
 #include "platform/linux/LinuxVolumes.h"
@@ -26,6 +27,7 @@ private:
     const LinuxFileSystem m_files;
     LinuxVolumes m_volumes;
     const LinuxMemory m_memory;
+    const LinuxApplications m_applications;
     Commands m_commands;
 };
 

@@ -47,6 +47,7 @@ CLI::Option* declare(CLI::App& app, const OptionSpec& spec) {
     if (!names.starts_with('-')) return app.add_option(names, help)->required()->type_name("");
     if (spec.argument.empty()) return app.add_flag(names, help);
     CLI::Option* const option = app.add_option(names, help)->type_name(std::string(spec.argument));
+    if (spec.argument.starts_with('[')) option->expected(0, 1);
     if (spec.argument.ends_with(repeated))
         option->type_name(std::string(spec.argument.substr(0, spec.argument.size() - 3)))
             ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);

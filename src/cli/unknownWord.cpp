@@ -63,7 +63,7 @@ void addNames(std::vector<KnownOption>& all, const OptionSpec& option) {
     if (!option.names.starts_with('-')) return;
     for (std::string_view rest = option.names; !rest.empty();) {
         const std::size_t end = std::min(rest.find(','), rest.size());
-        all.push_back({rest.substr(0, end), !option.argument.empty()});
+        all.push_back({rest.substr(0, end), !option.argument.empty() && option.argument[0] != '['});
         rest.remove_prefix(std::min(end + 1, rest.size()));
     }
 }

@@ -20,6 +20,11 @@ struct OptionForms {
     std::string_view help;
 };
 
+/// Whether something has to stand behind the option.
+[[nodiscard]] inline bool needsValue(const OptionForms& option) {
+    return !option.argument.empty() && !option.argument.starts_with('[');
+}
+
 /// A command taken apart.
 struct CommandForms {
     std::string_view name;

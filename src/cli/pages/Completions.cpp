@@ -40,7 +40,7 @@ std::string bashCase(const CommandForms& command) {
     for (const OptionForms& option : allOptions(command)) {
         for (const std::string_view name : option.names) {
             options += (options.empty() ? "" : " ") + std::string(name);
-            if (!option.argument.empty()) takers += ' ' + std::string(name) + ' ';
+            if (needsValue(option)) takers += ' ' + std::string(name) + ' ';
         }
     }
     return fmt::format("        {}) options='{}' takers='{}' kind='{}' ;;\n", command.name, options,
@@ -101,7 +101,8 @@ std::string zshOption(const OptionForms& option) {
     const bool several = option.names.size() > 1;
     std::string out = several ? fmt::format("'({})'{{{}}}", others, names) : "'" + names + "'";
     out += fmt::format("'[{}]", zshText(option.help));
-    if (!option.argument.empty()) out += ':' + zshText(option.argument) + ": ";
+    if (!option.argument.empty())
+        out += (needsValue(option) ? ":" : "::") + zshText(option.argument) + ": ";
     return out + "'";
 }
 
@@ -131,7 +132,7 @@ std::string fishOption(const std::string& condition, const OptionForms& option) 
         name.remove_prefix(isLong ? 2 : 1);
         out += fmt::format(" {} {}", isLong ? "-l" : "-s", name);
     }
-    if (!option.argument.empty()) out += " -x";
+    if (needsValue(option)) out += " -x";
     return out + " -d " + fishText(option.help) + '\n';
 }
 

@@ -1,0 +1,19 @@
+// How the command apps prints what it found.
+#pragma once
+
+#include <vector>
+
+#include "engine/uninstall/AppItems.h"
+#include "engine/uninstall/Leftovers.h"
+
+namespace orrinvale::cli {
+
+class Output;
+
+void printAppsJson(Output& out, const AppItemsArray& apps, bool isStopped);
+void printAppsListing(Output& out, const AppItemsArray& apps, bool colour);
+void printLeftoversJson(Output& out, const std::vector<Leftover>& leftovers, bool isStopped);
+/// For people: each with its reason, and with the documents and databases in it.
+void printLeftoversListing(Output& out, const std::vector<Leftover>& leftovers, bool colour);
+
+}  // namespace orrinvale::cli

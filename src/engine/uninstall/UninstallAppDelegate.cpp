@@ -1,0 +1,124 @@
+// The search for bundles; the other kinds search by themselves.
+#include "engine/uninstall/UninstallAppDelegate.h"
+
+#include <set>
+#include <utility>
+
+#include "engine/settings/PropertyList.h"
+#include "platform/files.h"
+#include "platform/paths.h"
+
+namespace orrinvale {
+namespace {
+
+constexpr std::string_view bundleExtension = "app";
+constexpr std::string_view systemPrefix = "com.apple.";
+
+std::vector<std::string> namesIn(const FileSystem& files, const std::string& folder) {
+    std::vector<std::string> names;
+    const auto opened = files.openFolder(FileSystem::noParent, folder.c_str(), Links::Follow);
+    if (!opened) return names;
+    CatalogBatch batch;
+    for (auto more = files.readFolder(opened->get(), batch); more && *more;
+         more = files.readFolder(opened->get(), batch))
+        for (const CatalogEntry& each : batch.entries) names.emplace_back(each.name);
+    return names;
+}
+
+std::string nameOfBundle(const std::string& path) {
+    const std::string_view name = lastPathComponent(path);
+    return std::string(pathExtension(name) == bundleExtension
+                           ? name.substr(0, name.size() - bundleExtension.size() - 1)
+                           : name);
+}
+
+// A folder whose listing goes on once what stands before it is done.
+struct Level {
+    std::string folder;
+    std::vector<std::string> names;
+    std::size_t next = 0;
+};
+
+}  // namespace
+
+void UninstallAppDelegate::applicationsInDirectory(const std::string& directory,
+                                                   std::vector<std::string>& withArray) const {
+    std::set<std::pair<std::uint64_t, std::uint64_t>> entered;
+    std::vector<Level> levels;
+    const auto enter = [&](const std::string& folder, const FileAttributes& seen) {
+        if (entered.emplace(seen.device, seen.inode).second)
+            levels.push_back({folder, namesIn(m_files, folder)});
+    };
+    if (const auto top = m_files.attributes(FileSystem::noParent, directory.c_str(), Links::Follow);
+        top && top->type == FileType::Folder)
+        enter(directory, *top);
+    while (!levels.empty()) {
+        Level& level = levels.back();
+        if (level.next == level.names.size()) {
+            levels.pop_back();
+            continue;
+        }
+        const std::string path = joinPath(level.folder, level.names[level.next++]);
+        const auto seen = m_files.attributes(FileSystem::noParent, path.c_str(), Links::Follow);
+        if (!seen || seen->type != FileType::Folder) continue;
+        if (pathExtension(path) == bundleExtension) withArray.push_back(path);
+        else enter(path, *seen);
+    }
+}
+
+std::shared_ptr<AppItems> UninstallAppDelegate::constructAppItem(const std::string& path) const {
+    auto item = std::make_shared<AppItems>();
+    item->path = path;
+    item->image = {IconRequest::Path, path};
+    item->name = nameOfBundle(path);
+    item->bundleID.reset();
+    item->bundleVersion.reset();
+    if (const auto list = PropertyList::read(path + "/Contents/Info.plist")) {
+        item->bundleID = list->stringForKey("CFBundleIdentifier");
+        item->bundleVersion = list->stringForKey("CFBundleShortVersionString");
+    }
+    item->isSystemApp = item->bundleID && item->bundleID->starts_with(systemPrefix);
+    item->isSystemAppStr = item->isSystemApp ? "YES" : "NO";
+    if (const auto seen = m_files.attributes(FileSystem::noParent, path.c_str(), Links::Follow))
+        item->date = Date{seen->born != 0 ? seen->born : seen->modified};
+    ApplicationRecord record;
+    record.id = item->bundleID.value_or(std::string());
+    record.name = item->name;
+    record.version = item->bundleVersion.value_or(std::string());
+    record.path = path;
+    record.isSystem = item->isSystemApp;
+    if (item->date) record.installed = item->date->nanoseconds;
+    item->record = std::make_shared<const ApplicationRecord>(std::move(record));
+    return item;
+}
+
+std::shared_ptr<AppItems> UninstallAppDelegate::itemOf(ApplicationRecord record) {
+    auto item = std::make_shared<AppItems>();
+    item->path = record.path;
+    item->image = {record.icon.empty() ? IconRequest::Path : IconRequest::BareName,
+                   record.icon.empty() ? record.path : record.icon};
+    item->name = record.name;
+    item->bundleID = record.id;
+    item->bundleVersion.reset();
+    if (!record.version.empty()) item->bundleVersion = record.version;
+    if (record.installed) item->date = Date{*record.installed};
+    item->isSystemApp = record.isSystem;
+    item->isSystemAppStr = record.isSystem ? "YES" : "NO";
+    item->record = std::make_shared<const ApplicationRecord>(std::move(record));
+    return item;
+}
+
+void UninstallAppDelegate::getAppInfo(AppItemsArray* array) const {
+    if (array == nullptr) return;
+    std::vector<std::string> paths;
+    for (const char* const folder :
+         {"/Applications", "/Network/Applications", "/Developer/Applications"})
+        applicationsInDirectory(m_root + folder, paths);
+    applicationsInDirectory(joinPath(m_home, "Applications"), paths);
+    for (const std::string& path : paths) array->push_back(constructAppItem(path));
+    if (m_applications == nullptr) return;
+    for (ApplicationRecord& each : m_applications->list())
+        array->push_back(itemOf(std::move(each)));
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,50 @@
+// UninstallAppDelegate: searches this machine for applications. UninstallAppInfo is one such
+// search.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "engine/uninstall/AppItems.h"
+#include "platform/fileTypes.h"
+
+namespace orrinvale {
+
+/// Holds no state that changes; any thread.
+class UninstallAppDelegate final {
+public:
+    /// `applications` has the kinds of this system besides bundles, and may be null. `root` stands
+    /// before the folders that bundles are searched in, but for the one in the home. The references
+    /// outlive the object.
+    UninstallAppDelegate(const FileSystem& files, std::string home,
+                         const Applications* applications = nullptr, std::string root = {})
+        : m_files(files),
+          m_home(std::move(home)),
+          m_applications(applications),
+          m_root(std::move(root)) {}
+
+    /// Adds all applications: bundles in the order of the four folders and of their listings, then
+    /// the other kinds in theirs. Does nothing for null.
+    void getAppInfo(AppItemsArray* array) const;
+
+    /// Adds the paths of the bundles in a folder: of each folder, links followed, whose extension
+    /// is exactly "app". Other folders are searched in turn, at any depth, each once, so that links
+    /// that lead in a circle end. What can not be read holds none.
+    void applicationsInDirectory(const std::string& directory,
+                                 std::vector<std::string>& withArray) const;
+
+    /// The record of the bundle at a path. Without a property list that can be read it has neither
+    /// identifier nor version.
+    [[nodiscard]] std::shared_ptr<AppItems> constructAppItem(const std::string& path) const;
+
+    /// The record of an application of another kind.
+    [[nodiscard]] static std::shared_ptr<AppItems> itemOf(ApplicationRecord record);
+
+private:
+    const FileSystem& m_files;
+    const std::string m_home;
+    const Applications* const m_applications;
+    const std::string m_root;
+};
+
+}  // namespace orrinvale

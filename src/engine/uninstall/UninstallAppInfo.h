@@ -1,0 +1,24 @@
+// UninstallAppInfo: one search for all applications of this machine.
+#pragma once
+
+#include "engine/uninstall/UninstallAppDelegate.h"
+
+namespace orrinvale {
+
+/// The search runs to its end while the object is made, on the thread that makes it.
+class UninstallAppInfo final {
+public:
+    explicit UninstallAppInfo(const UninstallAppDelegate& search) {
+        constexpr std::size_t usual = 100;
+        m_allAppsInfo.reserve(usual);
+        search.getAppInfo(&m_allAppsInfo);
+    }
+
+    [[nodiscard]] AppItemsArray& allAppsInfo() { return m_allAppsInfo; }
+    void setAllAppsInfo(AppItemsArray apps) { m_allAppsInfo = std::move(apps); }
+
+private:
+    AppItemsArray m_allAppsInfo;
+};
+
+}  // namespace orrinvale

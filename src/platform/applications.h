@@ -1,0 +1,110 @@
+// The kinds of applications that a machine has, and what each can tell and do. Each kind is a class
+// behind one interface and may be absent. linux/LinuxApplications.h makes those of Linux;
+// engine/uninstall puts them together with the folders that end in ".app".
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orrinvale {
+
+/// In the order in which they are listed.
+enum class ApplicationType : std::uint8_t { App, Flatpak, Snap, Deb, AppImage, Folder };
+
+/// The word of a type for commands and documents: "app", "flatpak", "snap", "deb", "appimage",
+/// "folder".
+[[nodiscard]] std::string_view wordOf(ApplicationType type);
+[[nodiscard]] std::optional<ApplicationType> applicationTypeOf(std::string_view word);
+
+/// One application as its kind knows it. Paths and names are exact bytes; what is not known is
+/// empty.
+struct ApplicationRecord {
+    ApplicationType type = ApplicationType::App;
+    std::string id;       ///< bundle identifier, flatpak id, snap name, or the id of the desktop
+                          ///< entry without ".desktop"
+    std::string name;     ///< for people, in their language
+    std::string version;  ///< as the kind writes it
+    std::string path;  ///< what stands for it on the disk: a folder, an AppImage, the program of a
+                       ///< package
+    std::string package;                    ///< of a deb
+    std::string icon;                       ///< a name of the icon theme, or the path of a picture
+    std::string ref;                        ///< of a flatpak: "app/ID/ARCH/BRANCH"
+    std::string installation;               ///< of a flatpak: the folder that it is installed in
+    std::vector<std::string> entries;       ///< desktop entries that start it, by path
+    std::vector<std::string> programs;      ///< what these start, by path
+    std::optional<std::int64_t> installed;  ///< nanoseconds since 1970-01-01 UTC
+    bool isSystem = false;   ///< the system needs it, or what needs it would go with it
+    bool isOurs = false;     ///< this very program
+    bool isPersons = false;  ///< installed for this person alone, who needs no right to remove it
+};
+
+/// What is asked of one application when somebody looks at it.
+struct ApplicationDetails {
+    std::optional<std::uint64_t> bytes;      ///< nothing: the caller measures the tree at the path
+    bool isUpTo = false;                     ///< a removal may give back less
+    std::optional<std::int64_t> lastUse;     ///< where the file system keeps such a time
+    std::vector<std::string> configuration;  ///< files outside of homes that a removal leaves
+};
+
+/// Whether an application runs. What can not be read leaves the question open.
+enum class RunState : std::uint8_t { No, Yes, Unknown };
+
+/// A desktop entry that counts, and what it starts. See linux/DesktopEntries.h.
+struct StartingEntry;
+
+/// All operations may read disks and are for a thread that may wait. An object holds no state that
+/// changes; any thread.
+class ApplicationKind {
+public:
+    virtual ~ApplicationKind() = default;
+    [[nodiscard]] virtual ApplicationType type() const = 0;
+
+    /// All that are installed; none where the kind is absent. Entries that start one of them are
+    /// claimed, so that no later kind lists them.
+    [[nodiscard]] virtual std::vector<ApplicationRecord> list(
+        std::vector<StartingEntry>& entries) const = 0;
+
+    [[nodiscard]] virtual ApplicationDetails details(const ApplicationRecord& record) const = 0;
+
+    /// Names of everything of this kind that is installed, applications or not, where names of its
+    /// packages may be those of folders in homes.
+    [[nodiscard]] virtual std::vector<std::string> packageNames() const { return {}; }
+
+    /// Names of packages that were installed once and are not any more, as far as the system
+    /// remembers them.
+    [[nodiscard]] virtual std::vector<std::string> formerNames() const { return {}; }
+
+protected:
+    ApplicationKind() = default;
+    ApplicationKind(const ApplicationKind&) = default;
+    ApplicationKind& operator=(const ApplicationKind&) = default;
+};
+
+/// The kinds of one machine, with what they share.
+class Applications {
+public:
+    virtual ~Applications() = default;
+
+    /// All that is installed, kind by kind in the order of the types. Each kind that fails lists
+    /// none.
+    [[nodiscard]] virtual std::vector<ApplicationRecord> list() const = 0;
+    /// nullptr for a type that this machine does not know, and for App.
+    [[nodiscard]] virtual const ApplicationKind* kind(ApplicationType type) const = 0;
+    /// One state for each record, all of one moment.
+    [[nodiscard]] virtual std::vector<RunState> running(
+        const std::vector<const ApplicationRecord*>& records) const = 0;
+
+protected:
+    Applications() = default;
+    Applications(const Applications&) = default;
+    Applications& operator=(const Applications&) = default;
+};
+
+}  // namespace orrinvale

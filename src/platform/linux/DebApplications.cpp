@@ -1,0 +1,146 @@
+// From entries to packages.
+#include "platform/linux/DebApplications.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include "platform/linux/DesktopEntries.h"
+#include "platform/paths.h"
+
+namespace orrinvale {
+namespace {
+
+// How well an entry speaks for its package: the package's own one, and the one called as the
+// program or the package, before what others wrote to start the same program.
+int rankOf(const StartingEntry& entry, bool isOfPackage, std::string_view package) {
+    const std::string_view last = std::string_view(entry.id).substr(entry.id.rfind('.') + 1);
+    const bool isNamed = equalIgnoringCase(last, lastPathComponent(entry.program)) ||
+                         equalIgnoringCase(last, package);
+    return (isOfPackage ? 2 : 0) + (isNamed ? 1 : 0);
+}
+
+// The entry's own package is asked last: it speaks where the program itself is nobody's.
+struct Owner {
+    const DpkgPackage* package = nullptr;
+    bool hasEntry = false;
+};
+
+std::vector<Owner> ownersOf(const std::vector<StartingEntry>& entries,
+                            const DpkgDatabase& database) {
+    std::vector<std::string> asked;
+    for (const StartingEntry& each : entries)
+        for (const std::string* const path : {&each.program, &each.file, &each.path})
+            asked.push_back(*path);
+    const auto owners = database.ownersOf(asked);
+    std::vector<Owner> out(entries.size());
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const DpkgPackage* const program = owners[3 * i];
+        const DpkgPackage* const file = owners[3 * i + 1];
+        const DpkgPackage* const entry = owners[3 * i + 2];
+        const bool isFound = !entries[i].program.empty();
+        // A link of a package to a program of another's: the program is what it is.
+        out[i].package = file != nullptr      ? file
+                         : program != nullptr ? program
+                         : isFound            ? nullptr
+                                              : entry;
+        out[i].hasEntry = out[i].package != nullptr && out[i].package == entry;
+    }
+    return out;
+}
+
+struct Found {
+    ApplicationRecord record;
+    int rank = -1;
+};
+
+void add(Found& found, StartingEntry& entry, const Owner& owner) {
+    entry.isClaimed = true;
+    ApplicationRecord& record = found.record;
+    record.entries.push_back(entry.path);
+    const std::string& program = entry.file.empty() ? entry.program : entry.file;
+    if (!program.empty() &&
+        std::find(record.programs.begin(), record.programs.end(), program) == record.programs.end())
+        record.programs.push_back(program);
+    const int rank = rankOf(entry, owner.hasEntry, owner.package->name);
+    if (rank <= found.rank) return;
+    found.rank = rank;
+    record.id = entry.id;
+    record.name = entry.entry.name.empty() ? std::string(owner.package->name) : entry.entry.name;
+    record.icon = entry.entry.icon;
+    record.path = program.empty() ? entry.path : program;
+}
+
+bool isSystem(const DpkgDatabase& database, const DpkgPackage& package) {
+    if (package.isNeeded) return true;
+    const auto along = database.takenAlongBy(package);
+    return std::any_of(along.begin(), along.end(),
+                       [](const DpkgPackage* each) { return each->isNeeded; });
+}
+
+// "vim", or "wine32:i386" where the name alone would mean another architecture's.
+std::string keyOf(const DpkgDatabase& database, const DpkgPackage& package) {
+    if (database.installed(package.name) == &package) return std::string(package.name);
+    return std::string(package.name) + ':' + std::string(package.architecture);
+}
+
+}  // namespace
+
+std::vector<ApplicationRecord> DebApplications::list(std::vector<StartingEntry>& entries) const {
+    const DpkgDatabase database(m_places.dpkg);
+    if (database.packages().empty()) return {};
+    const std::vector<Owner> owners = ownersOf(entries, database);
+    std::vector<const DpkgPackage*> order;
+    std::map<const DpkgPackage*, Found> found;
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const DpkgPackage* const package = owners[i].package;
+        if (package == nullptr || entries[i].isClaimed) continue;
+        if (!found.contains(package)) order.push_back(package);
+        add(found[package], entries[i], owners[i]);
+    }
+    const auto own = database.ownersOf({m_places.ownProgram});
+    std::vector<ApplicationRecord> out;
+    for (const DpkgPackage* const package : order) {
+        ApplicationRecord& record = found[package].record;
+        record.type = ApplicationType::Deb;
+        record.package = keyOf(database, *package);
+        record.version = package->version;
+        record.installed = database.installedAt(*package);
+        record.isSystem = isSystem(database, *package);
+        record.isOurs = package == own.front() || package->name == "orrinvale";
+        out.push_back(std::move(record));
+    }
+    return out;
+}
+
+ApplicationDetails DebApplications::details(const ApplicationRecord& record) const {
+    ApplicationDetails out;
+    const DpkgDatabase database(m_places.dpkg);
+    if (const DpkgPackage* const package = database.installed(record.package)) {
+        out.bytes = package->installedSize;
+        for (std::string& each : database.conffilesOf(*package))
+            if (each.starts_with("/etc/")) out.configuration.push_back(std::move(each));
+    }
+    for (const std::string& each : record.programs)
+        out.lastUse = std::max(out.lastUse, lastReadAt(each));
+    return out;
+}
+
+std::vector<std::string> DebApplications::packageNames() const {
+    const DpkgDatabase database(m_places.dpkg);
+    std::vector<std::string> out;
+    for (const DpkgPackage& each : database.packages())
+        if (each.state == DpkgPackage::State::Installed) out.emplace_back(each.name);
+    return out;
+}
+
+std::vector<std::string> DebApplications::formerNames() const {
+    const DpkgDatabase database(m_places.dpkg);
+    std::vector<std::string> out;
+    for (const DpkgPackage& each : database.packages())
+        if (each.state == DpkgPackage::State::Removed && database.installed(each.name) == nullptr)
+            out.emplace_back(each.name);
+    return out;
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,30 @@
+// DebApplications: Debian packages that a desktop entry belongs to. DpkgDatabase.h reads dpkg's
+// files.
+#pragma once
+
+#include "platform/applications.h"
+#include "platform/linux/ApplicationPlaces.h"
+#include "platform/linux/DpkgDatabase.h"
+
+namespace orrinvale {
+
+/// The package of an application is the one that brought the program which the entry starts, since
+/// entries often stand in a package beside it. One application a package, however many entries it
+/// has. The places outlive it.
+class DebApplications final : public ApplicationKind {
+public:
+    explicit DebApplications(const ApplicationPlaces& places) : m_places(places) {}
+
+    [[nodiscard]] ApplicationType type() const override { return ApplicationType::Deb; }
+    [[nodiscard]] std::vector<ApplicationRecord> list(
+        std::vector<StartingEntry>& entries) const override;
+    /// The size is the one that the package says; within 5 % of what it takes, measured.
+    [[nodiscard]] ApplicationDetails details(const ApplicationRecord& record) const override;
+    [[nodiscard]] std::vector<std::string> packageNames() const override;
+    [[nodiscard]] std::vector<std::string> formerNames() const override;
+
+private:
+    const ApplicationPlaces& m_places;
+};
+
+}  // namespace orrinvale

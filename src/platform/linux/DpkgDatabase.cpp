@@ -1,0 +1,281 @@
+// Reads /var/lib/dpkg/status and the lists beside it. The formats are those of deb822(5) and
+// dpkg(1).
+#include "platform/linux/DpkgDatabase.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <unordered_set>
+#include <utility>
+
+#include "platform/linux/ApplicationPlaces.h"
+#include "platform/linux/SystemText.h"
+#include "platform/paths.h"
+
+namespace orrinvale {
+namespace {
+
+constexpr std::size_t statusLimit = std::size_t{256} * 1024 * 1024;
+constexpr std::size_t listLimit = std::size_t{64} * 1024 * 1024;
+
+std::string_view trimmed(std::string_view text) {
+    const std::size_t begin = text.find_first_not_of(" \t\n");
+    if (begin == std::string_view::npos) return {};
+    return text.substr(begin, text.find_last_not_of(" \t\n") - begin + 1);
+}
+
+std::string_view takeLine(std::string_view& text) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    const std::string_view line = text.substr(0, end);
+    text.remove_prefix(std::min(end + 1, text.size()));
+    return line;
+}
+
+// A field with the lines that go on with it.
+struct Field {
+    std::string_view name;
+    std::string_view value;
+};
+
+std::optional<Field> takeField(std::string_view& text) {
+    const std::string_view line = takeLine(text);
+    if (line.empty()) return std::nullopt;
+    const char* end = line.data() + line.size();
+    while (text.starts_with(' ') || text.starts_with('\t')) {
+        const std::string_view more = takeLine(text);
+        end = more.data() + more.size();
+    }
+    const std::size_t colon = line.find(':');
+    if (colon == std::string_view::npos) return Field{};
+    const char* const value = line.data() + colon + 1;
+    return Field{line.substr(0, colon), trimmed({value, static_cast<std::size_t>(end - value)})};
+}
+
+DpkgPackage::State stateOf(std::string_view status) {
+    if (status.ends_with(" installed")) return DpkgPackage::State::Installed;
+    if (status.ends_with(" config-files")) return DpkgPackage::State::Removed;
+    return DpkgPackage::State::Other;
+}
+
+void take(DpkgPackage& package, const Field& field) {
+    using Member = std::string_view DpkgPackage::*;
+    static constexpr std::array<std::pair<std::string_view, Member>, 7> texts{{
+        {"Package", &DpkgPackage::name},
+        {"Architecture", &DpkgPackage::architecture},
+        {"Version", &DpkgPackage::version},
+        {"Depends", &DpkgPackage::depends},
+        {"Pre-Depends", &DpkgPackage::preDepends},
+        {"Provides", &DpkgPackage::provides},
+        {"Conffiles", &DpkgPackage::conffiles},
+    }};
+    for (const auto& [name, member] : texts)
+        if (field.name == name) {
+            package.*member = field.value;
+            return;
+        }
+    if (field.name == "Status") {
+        package.state = stateOf(field.value);
+    } else if (field.name == "Essential" || field.name == "Protected" ||
+               field.name == "Important") {
+        package.isNeeded |= field.value == "yes";
+    } else if (field.name == "Priority") {
+        package.isNeeded |= field.value == "required" || field.value == "important";
+    } else if (field.name == "Installed-Size") {
+        std::uint64_t blocks = 0;
+        std::from_chars(field.value.data(), field.value.data() + field.value.size(), blocks);
+        package.installedSize = std::min(blocks, ~std::uint64_t{0} / 1024) * 1024;
+    }
+}
+
+std::string_view nameIn(std::string_view relation) {
+    relation = trimmed(relation);
+    return relation.substr(0, relation.find_first_of(" (:[<\t"));
+}
+
+// The other spelling of a path where /usr may or may not stand before it.
+std::string otherSpelling(const std::string& path) {
+    constexpr std::string_view usr = "/usr";
+    if (path.starts_with("/usr/")) return path.substr(usr.size());
+    for (const char* const top : {"/bin/", "/sbin/", "/lib"})
+        if (path.starts_with(top)) return std::string(usr) + path;
+    return {};
+}
+
+}  // namespace
+
+std::vector<std::vector<std::string_view>> relationsIn(std::string_view field) {
+    std::vector<std::vector<std::string_view>> out;
+    while (!field.empty()) {
+        const std::size_t end = std::min(field.find(','), field.size());
+        std::string_view clause = field.substr(0, end);
+        field.remove_prefix(std::min(end + 1, field.size()));
+        std::vector<std::string_view> alternatives;
+        while (!clause.empty()) {
+            const std::size_t bar = std::min(clause.find('|'), clause.size());
+            if (const auto name = nameIn(clause.substr(0, bar)); !name.empty())
+                alternatives.push_back(name);
+            clause.remove_prefix(std::min(bar + 1, clause.size()));
+        }
+        if (!alternatives.empty()) out.push_back(std::move(alternatives));
+    }
+    return out;
+}
+
+DpkgDatabase::DpkgDatabase(std::string folder) : m_folder(std::move(folder)) {
+    m_text = readRegularFile(joinPath(m_folder, "status"), statusLimit).value_or(std::string());
+    parse();
+    indexClauses();
+}
+
+void DpkgDatabase::parse() {
+    std::string_view text = m_text;
+    DpkgPackage package;
+    while (!text.empty()) {
+        const auto field = takeField(text);
+        if (field) take(package, *field);
+        if (field && !text.empty()) continue;
+        if (!package.name.empty()) m_packages.push_back(package);
+        package = {};
+    }
+    for (std::size_t i = 0; i < m_packages.size(); ++i) {
+        if (m_packages[i].state != DpkgPackage::State::Installed) continue;
+        m_byName[m_packages[i].name].push_back(i);
+        for (const auto& names : relationsIn(m_packages[i].provides))
+            m_providers[names.front()].push_back(i);
+    }
+}
+
+void DpkgDatabase::indexClauses() {
+    for (std::size_t i = 0; i < m_packages.size(); ++i) {
+        if (m_packages[i].state != DpkgPackage::State::Installed) continue;
+        for (const std::string_view field : {m_packages[i].depends, m_packages[i].preDepends})
+            for (auto& alternatives : relationsIn(field)) {
+                for (const std::string_view name : alternatives)
+                    m_clausesNaming[name].push_back(m_clauses.size());
+                m_clauses.push_back({i, std::move(alternatives)});
+            }
+    }
+}
+
+const DpkgPackage* DpkgDatabase::installed(std::string_view name) const {
+    const auto found = m_byName.find(name.substr(0, name.find(':')));
+    if (found == m_byName.end()) return nullptr;
+    const std::string_view architecture =
+        name.find(':') == std::string_view::npos ? "" : name.substr(name.find(':') + 1);
+    const auto* const system = &m_packages;
+    // dpkg itself is of the machine's own architecture.
+    const auto own = m_byName.find("dpkg");
+    const std::string_view wanted = !architecture.empty() ? architecture
+                                    : own == m_byName.end()
+                                        ? std::string_view()
+                                        : (*system)[own->second.front()].architecture;
+    for (const std::size_t index : found->second)
+        if (m_packages[index].architecture == wanted) return &m_packages[index];
+    return architecture.empty() ? &m_packages[found->second.front()] : nullptr;
+}
+
+std::string DpkgDatabase::infoPath(const DpkgPackage& package, std::string_view what) const {
+    std::string path = m_folder + "/info/" + std::string(package.name);
+    struct stat seen {};
+    if (::stat((path + std::string(what)).c_str(), &seen) == 0) return path + std::string(what);
+    return path + ':' + std::string(package.architecture) + std::string(what);
+}
+
+std::vector<const DpkgPackage*> DpkgDatabase::ownersOf(
+    const std::vector<std::string>& paths) const {
+    std::vector<const DpkgPackage*> owners(paths.size(), nullptr);
+    std::vector<std::string> others;
+    std::unordered_multimap<std::string_view, std::size_t> wanted;
+    others.reserve(paths.size());
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+        others.push_back(otherSpelling(paths[i]));
+        wanted.emplace(paths[i], i);
+        if (!others[i].empty()) wanted.emplace(others[i], i);
+    }
+    std::array<bool, 256> lengths{};  // most lines of a list are told apart by their length
+    for (const auto& each : wanted) lengths[each.first.size() % lengths.size()] = true;
+
+    constexpr std::string_view ending = ".list";
+    for (const std::string& name : systemNamesIn(joinPath(m_folder, "info"))) {
+        if (!name.ends_with(ending)) continue;
+        const std::string key = name.substr(0, name.size() - ending.size());
+        const auto list = readRegularFile(m_folder + "/info/" + name, listLimit);
+        if (!list) continue;
+        for (std::string_view rest = *list; !rest.empty();) {
+            const std::string_view line = takeLine(rest);
+            if (!lengths[line.size() % lengths.size()]) continue;
+            const auto [from, to] = wanted.equal_range(line);
+            for (auto each = from; each != to; ++each)
+                if (const DpkgPackage* const owner = installed(key); owner != nullptr)
+                    owners[each->second] = owner;
+        }
+    }
+    return owners;
+}
+
+std::vector<std::string> DpkgDatabase::filesOf(const DpkgPackage& package) const {
+    std::vector<std::string> out;
+    const auto list = readRegularFile(infoPath(package, ".list"), listLimit);
+    if (!list) return out;
+    for (std::string_view rest = *list; !rest.empty();)
+        if (const std::string_view line = takeLine(rest); line.size() > 1) out.emplace_back(line);
+    return out;
+}
+
+std::vector<std::string> DpkgDatabase::conffilesOf(const DpkgPackage& package) const {
+    std::vector<std::string> out;
+    for (std::string_view rest = package.conffiles; !rest.empty();) {
+        const std::string_view line = trimmed(takeLine(rest));
+        const std::string_view path = line.substr(0, line.find(' '));
+        if (path.starts_with('/') && !line.ends_with(" obsolete")) out.emplace_back(path);
+    }
+    return out;
+}
+
+// Written anew with each installation.
+std::optional<std::int64_t> DpkgDatabase::installedAt(const DpkgPackage& package) const {
+    struct stat seen {};
+    if (::stat(infoPath(package, ".list").c_str(), &seen) != 0) return std::nullopt;
+    return seen.st_mtim.tv_sec * 1'000'000'000 + seen.st_mtim.tv_nsec;
+}
+
+bool DpkgDatabase::holds(const Clause& clause, const std::vector<bool>& gone) const {
+    const auto anyStays = [&](const auto& index, std::string_view name) {
+        const auto found = index.find(name);
+        return found != index.end() && std::any_of(found->second.begin(), found->second.end(),
+                                                   [&](std::size_t each) { return !gone[each]; });
+    };
+    return std::any_of(clause.alternatives.begin(), clause.alternatives.end(),
+                       [&](std::string_view name) {
+                           return anyStays(m_byName, name) || anyStays(m_providers, name);
+                       });
+}
+
+std::vector<const DpkgPackage*> DpkgDatabase::takenAlongBy(const DpkgPackage& package) const {
+    std::vector<bool> gone(m_packages.size(), false);
+    std::vector<std::size_t> left{static_cast<std::size_t>(&package - m_packages.data())};
+    std::vector<const DpkgPackage*> out;
+    gone[left.front()] = true;
+    const auto look = [&](std::string_view name) {
+        const auto naming = m_clausesNaming.find(name);
+        if (naming == m_clausesNaming.end()) return;
+        for (const std::size_t index : naming->second) {
+            const std::size_t owner = m_clauses[index].package;
+            if (gone[owner] || holds(m_clauses[index], gone)) continue;
+            gone[owner] = true;
+            left.push_back(owner);
+            out.push_back(&m_packages[owner]);
+        }
+    };
+    while (!left.empty()) {
+        const DpkgPackage& next = m_packages[left.back()];
+        left.pop_back();
+        look(next.name);
+        for (const auto& names : relationsIn(next.provides)) look(names.front());
+    }
+    return out;
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,163 @@
+// An installation keeps each application as "app/ID/ARCH/BRANCH/COMMIT", with "app/ID/current" and
+// "BRANCH/active" as links to what is in use (flatpak(1)).
+#include "platform/linux/FlatpakApplications.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <climits>
+#include <map>
+#include <utility>
+
+#include "platform/linux/DesktopEntries.h"
+#include "platform/linux/LinuxFiles.h"
+#include "platform/linux/SystemText.h"
+#include "platform/paths.h"
+
+namespace orrinvale {
+namespace {
+
+std::string linkAt(const std::string& path) {
+    std::string text(PATH_MAX, '\0');
+    const ssize_t length = ::readlink(path.c_str(), text.data(), text.size());
+    text.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
+    return text;
+}
+
+// The first release of the description that the application brings; it names the newest first.
+std::string versionIn(const std::string& active, const std::string& id) {
+    constexpr std::size_t limit = std::size_t{1} << 20U;
+    for (const char* const folder : {"/files/share/metainfo/", "/files/share/appdata/"})
+        for (const char* const ending : {".metainfo.xml", ".appdata.xml"}) {
+            const auto text = readRegularFile(active + folder + id + ending, limit);
+            if (!text) continue;
+            const std::size_t release = text->find("<release ");
+            if (release == std::string::npos) continue;
+            const std::string_view tag =
+                std::string_view(*text).substr(release, text->find('>', release) - release);
+            const std::size_t version = tag.find("version=");
+            if (version == std::string_view::npos || version + 9 >= tag.size()) continue;
+            const char quote = tag[version + 8];
+            const std::string_view rest = tag.substr(version + 9);
+            return std::string(rest.substr(0, rest.find(quote)));
+        }
+    return {};
+}
+
+// Each branch that is deployed; the current one first.
+std::vector<std::string> branchesOf(const std::string& folder) {
+    std::vector<std::string> out;
+    const std::string current = linkAt(joinPath(folder, "current"));
+    for (const std::string& arch : systemNamesIn(folder)) {
+        if (arch == "current") continue;
+        for (const std::string& branch : systemNamesIn(joinPath(folder, arch)))
+            if (!linkAt(folder + '/' + arch + '/' + branch + "/active").empty())
+                out.push_back(arch + '/' + branch);
+    }
+    std::sort(out.begin(), out.end());
+    if (const auto at = std::find(out.begin(), out.end(), current); at != out.end())
+        std::rotate(out.begin(), at, at + 1);
+    return out;
+}
+
+// What the entries that it exports say; those with its own id before further ones of its.
+void describe(ApplicationRecord& record, const std::string& active,
+              const ApplicationPlaces& places) {
+    const std::string folder = active + "/export/share/applications";
+    std::vector<std::string> names = systemNamesIn(folder);
+    std::sort(names.begin(), names.end());
+    const std::string own = record.id + ".desktop";
+    if (const auto at = std::find(names.begin(), names.end(), own); at != names.end())
+        std::rotate(names.begin(), at, at + 1);
+    for (const std::string& name : names) {
+        if (!name.ends_with(".desktop")) continue;
+        const auto text = readRegularFile(joinPath(folder, name), kDesktopEntryLimit);
+        const auto entry = text ? DesktopEntry::parse(*text, places.languages) : std::nullopt;
+        if (!entry || entry->name.empty()) continue;
+        record.name = entry->name;
+        record.icon = entry->icon;
+        return;
+    }
+}
+
+struct Inode {
+    std::uint64_t links = 0;
+    std::uint64_t seen = 0;
+    std::uint64_t bytes = 0;
+};
+
+}  // namespace
+
+std::vector<ApplicationRecord> FlatpakApplications::list(
+    std::vector<StartingEntry>& entries) const {
+    std::vector<ApplicationRecord> out;
+    for (const std::string& installation : m_places.flatpaks) {
+        std::vector<std::string> ids = systemNamesIn(joinPath(installation, "app"));
+        std::sort(ids.begin(), ids.end());
+        for (const std::string& id : ids)
+            for (const std::string& branch : branchesOf(installation + "/app/" + id)) {
+                ApplicationRecord record;
+                record.type = ApplicationType::Flatpak;
+                record.id = id;
+                record.name = id;
+                record.ref = "app/" + id + '/' + branch;
+                record.installation = installation;
+                record.path = installation + '/' + record.ref;
+                record.isPersons = &installation == m_places.flatpaks.data();
+                const std::string active = joinPath(record.path, "active");
+                record.installed = madeAt(active + "/deploy");
+                record.version = versionIn(active, id);
+                describe(record, active, m_places);
+                out.push_back(std::move(record));
+            }
+    }
+    for (StartingEntry& each : entries)
+        for (ApplicationRecord& record : out)
+            if (each.started.flatpak == record.id) {
+                each.isClaimed = true;
+                record.entries.push_back(each.path);
+            }
+    return out;
+}
+
+ApplicationDetails FlatpakApplications::details(const ApplicationRecord& record) const {
+    ApplicationDetails out;
+    out.isUpTo = true;
+    out.lastUse = lastReadAt(record.path + "/active/metadata");
+    const LinuxFileSystem files;
+    std::map<std::uint64_t, Inode> inodes;
+    std::vector<Descriptor> folders;
+    if (auto top = files.openFolder(FileSystem::noParent, record.path.c_str(), Links::Keep))
+        folders.push_back(std::move(*top));
+    CatalogBatch batch;
+    while (!folders.empty()) {
+        const Descriptor folder = std::move(folders.back());
+        folders.pop_back();
+        for (auto more = files.readFolder(folder.get(), batch); more && *more;
+             more = files.readFolder(folder.get(), batch)) {
+            files.readIdentities(folder.get(), batch.entries);
+            for (const CatalogEntry& each : batch.entries) {
+                constexpr std::size_t mostOpen = 4096;
+                if (each.error != 0) continue;
+                if (each.attributes.type == FileType::Folder) {
+                    if (folders.size() >= mostOpen) continue;
+                    if (auto inner = files.openInside(folder.get(), each.name))
+                        folders.push_back(std::move(*inner));
+                    continue;
+                }
+                Inode& inode = inodes[each.attributes.inode];
+                inode.links = each.attributes.links;
+                inode.bytes = each.attributes.onDisk;
+                ++inode.seen;
+            }
+        }
+    }
+    // One further name is that of the repository.
+    std::uint64_t bytes = 0;
+    for (const auto& [number, inode] : inodes)
+        if (inode.links <= inode.seen + 1) bytes += inode.bytes;
+    out.bytes = bytes;
+    return out;
+}
+
+}  // namespace orrinvale

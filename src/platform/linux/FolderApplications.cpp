@@ -1,0 +1,76 @@
+// From entries to the folders that hold what they start.
+#include "platform/linux/FolderApplications.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+#include "platform/linux/DesktopEntries.h"
+#include "platform/paths.h"
+
+namespace orrinvale {
+namespace {
+
+// A link stands for a folder that is somebody else's.
+bool isRealFolder(const std::string& path, bool& isOwn) {
+    struct stat seen {};
+    if (::lstat(path.c_str(), &seen) != 0 || !S_ISDIR(seen.st_mode)) return false;
+    isOwn = seen.st_uid == ::getuid();
+    return true;
+}
+
+}  // namespace
+
+// The uppermost folder on the way to the program; nothing where the program lies in a holder
+// itself.
+std::string FolderApplications::folderHolding(const std::string& program) const {
+    for (const std::string& holder : m_places.folderHolders) {
+        if (!isWithin(program, holder) || program.size() <= holder.size()) continue;
+        std::string_view rest = std::string_view(program).substr(holder.size());
+        std::string folder = joinPath(holder, nextComponent(rest));
+        if (!rest.empty()) return folder;
+    }
+    return {};
+}
+
+std::vector<ApplicationRecord> FolderApplications::list(std::vector<StartingEntry>& entries) const {
+    std::vector<ApplicationRecord> out;
+    for (StartingEntry& each : entries) {
+        if (each.isClaimed) continue;
+        std::string folder = folderHolding(each.file);
+        if (folder.empty()) folder = folderHolding(each.program);
+        bool isOwn = false;
+        // Bundles are listed as such.
+        if (folder.empty() || pathExtension(folder) == "app" || !isRealFolder(folder, isOwn))
+            continue;
+        each.isClaimed = true;
+        auto found = std::find_if(out.begin(), out.end(), [&](const ApplicationRecord& record) {
+            return record.path == folder;
+        });
+        if (found == out.end()) {
+            ApplicationRecord record;
+            record.type = ApplicationType::Folder;
+            record.path = folder;
+            record.id = each.id;
+            record.name = each.entry.name.empty() ? each.id : each.entry.name;
+            record.icon = each.entry.icon;
+            record.installed = madeAt(folder);
+            record.isPersons = isOwn;
+            record.isOurs = isWithin(m_places.ownProgram, folder);
+            found = out.insert(out.end(), std::move(record));
+        }
+        found->entries.push_back(each.path);
+        found->programs.push_back(each.file.empty() ? each.program : each.file);
+    }
+    return out;
+}
+
+ApplicationDetails FolderApplications::details(const ApplicationRecord& record) const {
+    ApplicationDetails out;
+    for (const std::string& each : record.programs)
+        out.lastUse = std::max(out.lastUse, lastReadAt(each));
+    return out;
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,144 @@
+// proc(5) says what is read. Of other users' processes the kernel shows the command line alone.
+#include "platform/linux/RunningPrograms.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <optional>
+
+#include "platform/linux/SystemText.h"
+#include "platform/paths.h"
+
+namespace orrinvale {
+namespace {
+
+constexpr std::size_t smallText = std::size_t{64} * 1024;
+
+bool isNumber(const std::string& name) {
+    return !name.empty() && name.find_first_not_of("0123456789") == std::string::npos;
+}
+
+std::vector<std::string> wordsOf(const std::string& text) {
+    std::vector<std::string> out;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find('\0', at), text.size());
+        out.push_back(text.substr(at, end - at));
+        at = end + 1;
+    }
+    return out;
+}
+
+std::string textAt(const std::string& path) {
+    return readSystemText(path, smallText).value_or(std::string());
+}
+
+// "PID (NAME) STATE PPID PGRP SESSION TTY TPGID FLAGS ..."
+bool isKernelThread(const std::string& stat) {
+    constexpr std::uint64_t kernelThread = 0x0020'0000;
+    const std::size_t end = stat.rfind(')');
+    std::string_view rest = end == std::string::npos ? "" : std::string_view(stat).substr(end + 1);
+    for (int field = 0; field < 6; ++field)
+        rest.remove_prefix(std::min(rest.find(' ', 1), rest.size()));
+    std::uint64_t flags = 0;
+    for (const char c : rest.substr(std::min<std::size_t>(1, rest.size()))) {
+        if (c < '0' || c > '9') break;
+        flags = flags * 10 + static_cast<std::uint64_t>(c - '0');
+    }
+    return (flags & kernelThread) != 0;
+}
+
+class Look final {
+public:
+    explicit Look(const ApplicationPlaces& places) : m_places(places) {}
+
+    RunningPrograms run() {
+        // Where processes of others are hidden not even the first one is there.
+        m_out.isPartial = ::access(joinPath(m_places.processes, "1").c_str(), F_OK) != 0;
+        for (const std::string& name : systemNamesIn(m_places.processes))
+            if (isNumber(name) && name != std::to_string(::getpid()))
+                take(joinPath(m_places.processes, name));
+        for (const std::string& name : systemNamesIn(m_places.flatpakInstances))
+            if (isNumber(name)) takeInstance(joinPath(m_places.flatpakInstances, name));
+        return std::move(m_out);
+    }
+
+private:
+    void take(const std::string& process) {
+        std::string program(PATH_MAX, '\0');
+        const ssize_t length =
+            ::readlink((process + "/exe").c_str(), program.data(), program.size());
+        const std::vector<std::string> words = wordsOf(textAt(process + "/cmdline"));
+        if (length < 0) return takeClosed(process, words);
+        program.resize(static_cast<std::size_t>(length));
+        constexpr std::string_view gone = " (deleted)";
+        if (program.ends_with(gone)) program.resize(program.size() - gone.size());
+        m_out.files.insert(program);
+        // The first words of a script's command line are its interpreter and itself.
+        constexpr std::size_t looked = 4;
+        for (std::size_t i = 0; i < std::min(words.size(), looked); ++i)
+            if (words[i].starts_with('/')) m_out.files.insert(words[i]);
+        takeEnvironment(process);
+    }
+
+    void takeClosed(const std::string& process, const std::vector<std::string>& words) {
+        const std::string stat = textAt(process + "/stat");
+        if (stat.empty() || isKernelThread(stat)) return;  // gone meanwhile, or nobody's program
+        if (words.empty()) m_out.isPartial = true;
+        else
+            for (const std::string& word :
+                 {words.front(), words[std::min<std::size_t>(1, words.size() - 1)]})
+                m_out.closed.emplace(lastPathComponent(word.substr(0, word.find(' '))));
+    }
+
+    void takeEnvironment(const std::string& process) {
+        constexpr std::string_view key = "APPIMAGE=";
+        const std::string text = '\0' + textAt(process + "/environ");
+        const std::size_t at = text.find('\0' + std::string(key));
+        if (at == std::string::npos) return;
+        const std::size_t begin = at + 1 + key.size();
+        m_out.appImages.insert(withoutLinks(text.substr(begin, text.find('\0', begin) - begin)));
+    }
+
+    // Folders of instances that ended stay for a while.
+    void takeInstance(const std::string& folder) {
+        std::string process = textAt(folder + "/pid");
+        process.resize(std::min(process.find('\n'), process.size()));
+        if (!isNumber(process) ||
+            ::access(joinPath(m_places.processes, process).c_str(), F_OK) != 0)
+            return;
+        const std::string info = textAt(folder + "/info");
+        constexpr std::string_view key = "\nname=";
+        const std::size_t at = info.find(key);
+        if (at == std::string::npos) return;
+        const std::size_t begin = at + key.size();
+        m_out.flatpaks.insert(info.substr(begin, info.find('\n', begin) - begin));
+    }
+
+    const ApplicationPlaces& m_places;
+    RunningPrograms m_out;
+};
+
+}  // namespace
+
+RunningPrograms RunningPrograms::now(const ApplicationPlaces& places) { return Look(places).run(); }
+
+RunState RunningPrograms::stateOf(const ApplicationRecord& record,
+                                  const std::function<bool(const std::string&)>& brings) const {
+    if (record.type == ApplicationType::Flatpak && flatpaks.contains(record.id))
+        return RunState::Yes;
+    if (record.type == ApplicationType::AppImage && appImages.contains(record.path))
+        return RunState::Yes;
+    const bool runs = std::any_of(record.programs.begin(), record.programs.end(),
+                                  [&](const std::string& each) { return files.contains(each); }) ||
+                      std::any_of(files.begin(), files.end(), brings);
+    if (runs) return RunState::Yes;
+    const bool mayRun = std::any_of(
+        record.programs.begin(), record.programs.end(),
+        [&](const std::string& each) { return closed.contains(lastPathComponent(each)); });
+    return mayRun || isPartial ? RunState::Unknown : RunState::No;
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,180 @@
+// The interface is described at https://snapcraft.io/docs/snapd-api. The library for JSON builds
+// and frees what is nested without recursion.
+#include "platform/linux/SnapService.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <cstring>
+#include <nlohmann/json.hpp>
+
+#include "platform/deadline.h"
+#include "platform/descriptor.h"
+#include "platform/paths.h"
+
+namespace orrinvale {
+namespace {
+
+using Json = nlohmann::json;
+using Moment = std::chrono::steady_clock::time_point;
+
+constexpr std::size_t mostAnswer = std::size_t{16} << 20U;
+
+bool waitsFor(int socket, short what, Moment end) {
+    for (;;) {
+        pollfd source{socket, what, 0};
+        const int ready = ::poll(&source, 1, static_cast<int>(timeUntil(end).count()));
+        if (ready < 0 && errno == EINTR) continue;
+        return ready > 0;
+    }
+}
+
+Descriptor connected(const std::string& path, Moment end) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (path.size() >= sizeof(address.sun_path)) return {};
+    std::memcpy(address.sun_path, path.data(), path.size());
+    Descriptor out(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    const auto* const where = reinterpret_cast<const sockaddr*>(&address);
+    // EAGAIN: so many wait already that it takes no more for now.
+    while (::connect(out.get(), where, sizeof(address)) != 0) {
+        constexpr int pause = 20;
+        if (errno != EAGAIN || timeUntil(end).count() == 0) return {};
+        ::poll(nullptr, 0, pause);
+    }
+    return out;
+}
+
+bool sends(int socket, std::string_view bytes, Moment end) {
+    while (!bytes.empty()) {
+        const ssize_t count = ::send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        if (count > 0) bytes.remove_prefix(static_cast<std::size_t>(count));
+        else if (errno != EAGAIN || !waitsFor(socket, POLLOUT, end)) return false;
+    }
+    return true;
+}
+
+std::optional<std::string> received(int socket, Moment end) {
+    std::string out;
+    std::array<char, 16384> piece;
+    for (;;) {
+        if (!waitsFor(socket, POLLIN, end)) return std::nullopt;
+        const ssize_t count = ::recv(socket, piece.data(), piece.size(), 0);
+        if (count == 0) return out;
+        if (count < 0 && errno != EINTR && errno != EAGAIN) return std::nullopt;
+        if (count > 0) out.append(piece.data(), static_cast<std::size_t>(count));
+        if (out.size() > mostAnswer) return std::nullopt;
+    }
+}
+
+std::optional<std::string> joined(std::string_view chunks) {
+    std::string out;
+    for (;;) {
+        std::size_t size = 0;
+        const std::size_t end = chunks.find("\r\n");
+        if (end == std::string_view::npos) return std::nullopt;
+        const auto read = std::from_chars(chunks.data(), chunks.data() + end, size, 16);
+        if (read.ec != std::errc()) return std::nullopt;
+        chunks.remove_prefix(end + 2);
+        if (size == 0) return out;
+        if (size > chunks.size() || chunks.size() - size < 2) return std::nullopt;
+        out += chunks.substr(0, size);
+        chunks.remove_prefix(size + 2);
+    }
+}
+
+std::string textIn(const Json& object, const char* key) {
+    const auto found = object.find(key);
+    return found != object.end() && found->is_string() ? found->get<std::string>() : std::string();
+}
+
+SnapFacts factsIn(const Json& object) {
+    SnapFacts out;
+    out.name = textIn(object, "name");
+    out.title = textIn(object, "title");
+    out.version = textIn(object, "version");
+    out.type = textIn(object, "type");
+    out.icon = textIn(object, "icon");
+    out.date = textIn(object, "install-date");
+    if (const auto size = object.find("installed-size");
+        size != object.end() && size->is_number_unsigned())
+        out.size = size->get<std::uint64_t>();
+    if (const auto apps = object.find("apps"); apps != object.end() && apps->is_array())
+        for (const Json& each : *apps)
+            if (each.is_object())
+                if (std::string entry = textIn(each, "desktop-file"); !entry.empty())
+                    out.entries.push_back(std::move(entry));
+    return out;
+}
+
+}  // namespace
+
+std::optional<SnapAnswer> httpAnswer(std::string_view bytes) {
+    constexpr std::size_t statusAt = 9;  // behind "HTTP/1.1 "
+    const std::size_t end = bytes.find("\r\n\r\n");
+    if (!bytes.starts_with("HTTP/1.") || end == std::string_view::npos || end < statusAt + 3)
+        return std::nullopt;
+    SnapAnswer out;
+    const auto read =
+        std::from_chars(bytes.data() + statusAt, bytes.data() + statusAt + 3, out.status);
+    if (read.ec != std::errc()) return std::nullopt;
+    std::string head(bytes.substr(0, end));
+    std::transform(head.begin(), head.end(), head.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    const std::string_view body = bytes.substr(end + 4);
+    if (head.find("\r\ntransfer-encoding: chunked") == std::string::npos) {
+        out.body = body;
+        return out;
+    }
+    auto whole = joined(body);
+    if (!whole) return std::nullopt;
+    out.body = std::move(*whole);
+    return out;
+}
+
+tl::expected<SnapAnswer, std::string> SnapService::ask(std::string_view method,
+                                                       std::string_view path, std::string_view body,
+                                                       std::chrono::milliseconds patience) const {
+    const Moment end = std::chrono::steady_clock::now() + patience;
+    const Descriptor socket = connected(m_socket, end);
+    if (!socket.isOpen()) return tl::unexpected(std::string("The snap service is not there"));
+    const std::string request = fmt::format(
+        "{} {} HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\nX-Allow-Interaction: true\r\n"
+        "Content-Type: application/json\r\nContent-Length: {}\r\n\r\n{}",
+        method, path, body.size(), body);
+    const auto bytes = sends(socket.get(), request, end) ? received(socket.get(), end)
+                                                         : std::optional<std::string>();
+    if (!bytes) return tl::unexpected(std::string("The snap service does not answer"));
+    auto answer = httpAnswer(*bytes);
+    if (!answer) return tl::unexpected(std::string("The snap service answers what makes no sense"));
+    return std::move(*answer);
+}
+
+std::vector<SnapFacts> snapsIn(std::string_view json) {
+    std::vector<SnapFacts> out;
+    const Json document = Json::parse(json, nullptr, false);
+    if (!document.is_object()) return out;
+    const auto result = document.find("result");
+    if (result == document.end() || !result->is_array()) return out;
+    for (const Json& each : *result)
+        if (each.is_object())
+            if (SnapFacts facts = factsIn(each); !facts.name.empty())
+                out.push_back(std::move(facts));
+    return out;
+}
+
+std::vector<SnapFacts> SnapService::snaps() const {
+    constexpr std::chrono::milliseconds patience(2000);
+    const auto answer = ask("GET", "/v2/snaps", {}, patience);
+    return answer && answer->status == 200 ? snapsIn(answer->body) : std::vector<SnapFacts>();
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,56 @@
+// The search for bundles, and the records that it makes.
+#include "engine/uninstall/UninstallAppInfo.h"
+#include "support/test.h"
+
+namespace orrinvale {
+namespace {
+
+std::string list(const std::string& identifier, const std::string& version = "1.0") {
+    return R"(<?xml version="1.0"?><plist version="1.0"><dict><key>CFBundleIdentifier</key><string>)" +
+           identifier + "</string><key>CFBundleShortVersionString</key><string>" + version +
+           "</string></dict></plist>";
+}
+
+TEST(Inventory, FindsBundlesInTheFourPlacesAndReadsTheirLists) {
+    TestTree tree;
+    const auto bundle = [&](const std::string& path, const std::string& text) {
+        (void)tree.write(path + "/Contents/Info.plist", text);
+    };
+    bundle("Applications/a/deep/er/One.app", list("com.example.One", "2.5"));
+    bundle("Applications/a/deep/er/One.app/Contents/Inner.app", list("inner"));
+    bundle("Applications/Caps.App/Inside.app", list("com.apple.Inside"));
+    bundle("Network/Applications/NoList.app", "garbage");
+    bundle("Network/Applications/Large.app", list("com.large") + std::string(10'000'000, ' '));
+    bundle("home/Applications/Near.app", list("com.apple"));
+    (void)tree.write("Applications/file.app", "no folder");
+    (void)tree.symlink("..", "Applications/a/loop");
+    (void)tree.symlink("../home/Applications/Near.app", "Applications/Linked.app");
+    const LinuxFileSystem files;
+    const UninstallAppDelegate search(files, tree.at("home"), nullptr, tree.path());
+    search.getAppInfo(nullptr);
+    const UninstallAppInfo info(search);
+    std::map<std::string, std::string> found;
+    for (const auto& each : const_cast<UninstallAppInfo&>(info).allAppsInfo()) {
+        found[each->name] = each->bundleID.value_or("nil") + ' ' +
+                            each->bundleVersion.value_or("nil") + ' ' + each->isSystemAppStr;
+        EXPECT_TRUE(each->date && each->fileSize.empty() && each->fileSizeNum == 0) << each->name;
+    }
+    const std::map<std::string, std::string> expected{
+        {"One", "com.example.One 2.5 NO"}, {"Inside", "com.apple.Inside 1.0 YES"},
+        {"NoList", "nil nil NO"},          {"Large", "nil nil NO"},
+        {"Near", "com.apple 1.0 NO"},      {"Linked", "com.apple 1.0 NO"}};
+    EXPECT_EQ(found, expected);
+}
+
+TEST(Inventory, ACopyKeepsOnlyTheTextOfBeingOfTheSystem) {
+    AppItems item;
+    EXPECT_EQ(item.bundleID, "");
+    item.isSystemApp = item.bIsSelected = true;
+    item.isSystemAppStr = "YES";
+    const AppItems copy = item.copyWithZone();
+    EXPECT_FALSE(copy.isSystemApp || copy.bIsSelected);
+    EXPECT_EQ(copy.isSystemAppStr, "YES");
+}
+
+}  // namespace
+}  // namespace orrinvale

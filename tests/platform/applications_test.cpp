@@ -1,0 +1,269 @@
+// The kinds of applications on machines of the test's making.
+#include "platform/applications.h"
+
+#include "platform/linux/AppImageFile.h"
+#include "platform/linux/DpkgDatabase.h"
+#include "platform/linux/LinuxApplications.h"
+#include "platform/linux/SnapService.h"
+#include "support/MadeUpMachine.h"
+#include "support/test.h"
+
+namespace orrinvale {
+namespace {
+
+using testing::MadeUpMachine;
+
+// "KIND ID" of each, with its package where it has one.
+Strings listed(const MadeUpMachine& machine) {
+    Strings out;
+    for (const ApplicationRecord& each : LinuxApplications(machine.places).list())
+        out.push_back(std::string(wordOf(each.type)) + ' ' + each.id +
+                      (each.package.empty() ? "" : ' ' + each.package) +
+                      (each.isSystem ? " system" : "") + (each.isOurs ? " ours" : ""));
+    return out;
+}
+
+TEST(Applications, ArePackagesByTheProgramThatAnEntryStarts) {
+    MadeUpMachine machine;
+    machine.program("usr/bin/vim.basic");
+    machine.program("usr/bin/tool");
+    machine.program("usr/bin/orrinvale");
+    machine.program("usr/bin/alone");
+    (void)machine.tree.symlink("vim.basic", "usr/bin/vim");
+    machine.entry("vim", "Exec=vim %F");
+    machine.entry("tool", "Exec=tool");
+    machine.entry("org.x.Tool-prefs", "Exec=env A=1 tool --preferences");
+    machine.entry("hidden", "Exec=tool\nNoDisplay=true");
+    machine.entry("untried", "Exec=tool\nTryExec=missing");
+    machine.entry("gone", "Exec=missing");
+    machine.entry("orrinvale", "Exec=orrinvale");
+    machine.entry("alone", "Exec=alone");
+    machine.package("vim-common", "", {"usr/share/applications/vim.desktop"});
+    machine.package("vim", "Priority: important\n", {"usr/bin/vim.basic"});
+    machine.package("tool",
+                    "Depends: base (>= 1) | other, ui\nInstalled-Size: 12\n"
+                    "Conffiles:\n /etc/tool 12\n /etc/old 1 obsolete\n",
+                    {"usr/bin/tool"});
+    machine.package("broken", "", {"usr/share/applications/gone.desktop"});
+    machine.package("orrinvale", "", {"usr/bin/orrinvale"});
+    machine.package("without-files", "", {});
+    machine.package("left", "", {}, "deinstall ok config-files");
+    const Strings expected{"deb gone broken", "deb orrinvale orrinvale ours", "deb tool tool",
+                           "deb vim vim system"};
+    Strings found = listed(machine);
+    std::sort(found.begin(), found.end());
+    EXPECT_EQ(found, expected);
+
+    const LinuxApplications applications(machine.places);
+    const auto records = applications.list();
+    const auto tool = std::find_if(records.begin(), records.end(),
+                                   [](const auto& each) { return each.package == "tool"; });
+    EXPECT_EQ(tool->entries.size(), 2U);
+    const auto details = applications.kind(ApplicationType::Deb)->details(*tool);
+    EXPECT_EQ(details.bytes, 12 * 1024U);
+    EXPECT_THAT(details.configuration, ElementsAre("/etc/tool"));
+    EXPECT_THAT(applications.kind(ApplicationType::Deb)->formerNames(), ElementsAre("left"));
+}
+
+TEST(Applications, OfTheSystemAreThoseThatTakeItAlong) {
+    MadeUpMachine machine;
+    machine.package("lib", "", {});
+    machine.package("other", "Provides: thing (= 1)\n", {});
+    machine.package("needs", "Pre-Depends: lib:any (>= 2) [amd64]\n", {});
+    machine.package("above", "Essential: yes\nDepends: needs\n", {});
+    machine.package("choice", "Depends: lib | thing\n", {});
+    machine.package("recommends", "Recommends: lib\n", {});
+    const DpkgDatabase database(machine.places.dpkg);
+    const auto along = [&](const char* name) {
+        Strings out;
+        for (const DpkgPackage* each : database.takenAlongBy(*database.installed(name)))
+            out.emplace_back(each->name);
+        return out;
+    };
+    EXPECT_THAT(along("lib"), ElementsAre("needs", "above"));
+    EXPECT_THAT(along("other"), IsEmpty());
+    machine.package("other", "", {});  // twice in the file, as after a fault
+    EXPECT_THAT(along("choice"), IsEmpty());
+}
+
+TEST(Applications, OfFlatpakAreReadFromItsFolders) {
+    MadeUpMachine machine;
+    TestTree& tree = machine.tree;
+    const std::string app = "home/.local/share/flatpak/app/org.a.B/";
+    const std::string active = app + "x86_64/stable/abc/";
+    (void)tree.write(active + "deploy", "");
+    (void)tree.write(active + "metadata", "[Application]\nname=org.a.B\n");
+    (void)tree.write(active + "export/share/applications/org.a.B.desktop",
+                     "[Desktop Entry]\nType=Application\nName=Bee\nName[de]=Biene\nIcon=bee\n");
+    (void)tree.write(active + "files/share/metainfo/org.a.B.metainfo.xml",
+                     "<component><releases><release date=\"1\" version=\"2.5\"/>"
+                     "<release version=\"1\"/></releases></component>");
+    (void)tree.write(active + "files/own", std::string(8192, 'x'));
+    (void)tree.write(active + "files/shared", std::string(65536, 'y'));
+    (void)tree.hardLink(active + "files/own", "repo/own");
+    (void)tree.hardLink(active + "files/shared", "repo/shared");
+    (void)tree.hardLink(active + "files/shared", "other/shared");
+    (void)tree.symlink("abc", app + "x86_64/stable/active");
+    (void)tree.symlink("x86_64/stable", app + "current");
+    (void)tree.folder("flatpak/app/org.half.Done/x86_64/stable");
+    machine.entry("org.a.B", "Exec=flatpak run org.a.B");
+    machine.places.languages = {"de"};
+    EXPECT_THAT(listed(machine), ElementsAre("flatpak org.a.B"));
+    const LinuxApplications applications(machine.places);
+    const ApplicationRecord bee = applications.list().front();
+    EXPECT_EQ(bee.name + ' ' + bee.version + ' ' + bee.icon, "Biene 2.5 bee");
+    EXPECT_EQ(bee.ref, "app/org.a.B/x86_64/stable");
+    EXPECT_TRUE(bee.isPersons);
+    const auto details = applications.kind(ApplicationType::Flatpak)->details(bee);
+    EXPECT_TRUE(details.isUpTo);
+    EXPECT_GE(*details.bytes, 8192U);
+    EXPECT_LT(*details.bytes, 65536U) << "what something else shares does not come back";
+}
+
+// An ELF head of 64 bytes with the mark, and an image behind it.
+std::string appImage(const std::string& image, char number = 2) {
+    std::string head(64, '\0');
+    head.replace(0, 6,
+                 "\x7F"
+                 "ELF\x02\x01");
+    head.replace(8, 2, "AI");
+    head[10] = number;
+    head[0x28] = 64;
+    return head + image;
+}
+
+TEST(Applications, AppImagesTellTheirNameWithoutBeingRun) {
+    TestTree tree;
+    if (::access("/usr/bin/mksquashfs", X_OK) != 0) GTEST_SKIP() << "mksquashfs is not here";
+    (void)tree.write("image/usr/share/applications/x.desktop",
+                     "[Desktop Entry]\nType=Application\nName=Ix\nIcon=ix\nExec=x\n"
+                     "X-AppImage-Version=7\n#" +
+                         testing::someBytes(20'000, 1));
+    (void)tree.symlink("usr/share/./applications/../applications/x.desktop", "image/x.desktop");
+    (void)tree.write("image/filler", testing::someBytes(30'000, 7));
+    for (const char* const packer : {"gzip", "xz", "zstd", "lz4"}) {
+        const std::string made = tree.at("made");
+        ASSERT_EQ(std::system(("rm -f " + made + "; mksquashfs " + tree.at("image") + ' ' + made +
+                               " -quiet -no-progress -comp " + packer)
+                                  .c_str()),
+                  0);
+        const std::string whole = appImage(contentOf(made));
+        (void)tree.write("x.AppImage", whole);
+        const auto read = AppImageFile::read(tree.at("x.AppImage"), {});
+        ASSERT_TRUE(read.isAppImage && read.entry) << packer;
+        EXPECT_EQ(read.entry->name + read.entry->version, "Ix7") << packer;
+        // Cut short anywhere and with any byte turned it ends without harm.
+        std::mt19937 random(1);
+        for (int i = 0; i < 60; ++i) {
+            std::string damaged = whole;
+            if (i % 3 == 0) damaged.resize(random() % damaged.size());
+            else damaged[64 + random() % (i % 3 == 1 ? 96 : damaged.size() - 64)] ^= 0x41;
+            (void)tree.write("bad", damaged);
+            (void)AppImageFile::read(tree.at("bad"), {});
+        }
+    }
+    (void)tree.sparse("large", std::uint64_t{2} << 30U);
+    (void)tree.patch("large", 0, appImage("hsqs"));
+    EXPECT_TRUE(AppImageFile::read(tree.at("large"), {}).isAppImage);
+    EXPECT_FALSE(AppImageFile::read(tree.at("large"), {}).entry);
+    (void)tree.fifo("pipe");
+    EXPECT_FALSE(AppImageFile::read(tree.at("pipe"), {}).isAppImage);
+}
+
+TEST(Applications, AreFoundWherePeoplePutThem) {
+    MadeUpMachine machine;
+    TestTree& tree = machine.tree;
+    (void)tree.write("home/Downloads/One-1.2.AppImage", appImage("cut"));
+    (void)tree.write("home/Downloads/notes.txt", appImage("not marked as a program"));
+    machine.program("home/Applications/two", appImage("", 1));
+    machine.program("elsewhere/three.AppImage", appImage(""));
+    machine.program("opt/game/bin/start");
+    machine.program("opt/paid/run");
+    machine.program("home/Applications/Bundle.app/run");
+    machine.program("opt/lonely");
+    (void)tree.symlink("../../opt/game/bin/start", "usr/bin/game");
+    machine.entry("three", "Exec=" + tree.at("elsewhere/three.AppImage") + " %U");
+    machine.entry("game", "Exec=game");
+    machine.entry("game-editor", "Exec=\"" + tree.at("opt/game/bin/start") + "\" --edit");
+    machine.entry("paid", "Exec=" + tree.at("opt/paid/run"));
+    machine.entry("bundle", "Exec=" + tree.at("home/Applications/Bundle.app/run"));
+    machine.entry("lonely", "Exec=" + tree.at("opt/lonely"));
+    machine.package("paid", "", {"opt/paid/run"});
+    EXPECT_THAT(listed(machine),
+                ::testing::UnorderedElementsAre("deb paid paid", "appimage One-1.2", "appimage two",
+                                                "appimage three", "folder game"));
+}
+
+TEST(Applications, OfSnapAreWhatTheServiceSays) {
+    const auto facts = snapsIn(
+        R"({"type":"sync","result":[{"name":"code","title":"Code","version":"1","type":"app",
+            "installed-size":5,"apps":[{"name":"code","desktop-file":"/x.desktop"},3]},
+            {"name":"core22","type":"base"},{"title":"nameless"},7]})");
+    ASSERT_EQ(facts.size(), 2U);
+    EXPECT_EQ(facts[0].title + facts[0].entries.at(0), "Code/x.desktop");
+    EXPECT_EQ(facts[0].size, 5U);
+    for (const char* const bad : {"", "[]", "{", R"({"result":{}})", R"({"result":[{"name":3}]})"})
+        EXPECT_THAT(snapsIn(bad), IsEmpty()) << bad;
+    EXPECT_THAT(snapsIn(std::string(200'000, '[')), IsEmpty());
+    const auto chunked = httpAnswer(
+        "HTTP/1.1 202 Accepted\r\nTransfer-Encoding: "
+        "chunked\r\n\r\n3\r\nabc\r\n2\r\nde\r\n0\r\n\r\n");
+    ASSERT_TRUE(chunked);
+    EXPECT_EQ(chunked->body + std::to_string(chunked->status), "abcde202");
+    for (const char* const bad :
+         {"HTTP/1.1 200 OK\r\n", "SSH-2.0\r\n\r\n", "HTTP/1.1 2",
+          "HTTP/1.1 200 OK\r\ntransfer-encoding: chunked\r\n\r\nffffffffffffffff\r\nab"})
+        EXPECT_FALSE(httpAnswer(bad)) << bad;
+}
+
+TEST(Applications, ThatRunAreKnownByTheirProcesses) {
+    MadeUpMachine machine;
+    TestTree& tree = machine.tree;
+    const auto process = [&](int number, const std::string& exe, const std::string& words,
+                             const std::string& environment = {}) {
+        const std::string folder = "proc/" + std::to_string(number) + '/';
+        if (!exe.empty()) (void)tree.symlink(exe, folder + "exe");
+        (void)tree.write(folder + "cmdline", words);
+        (void)tree.write(folder + "environ", environment);
+        (void)tree.write(folder + "stat", "1 (a) b) S 0 0 0 0 -1 4194560 0");
+    };
+    process(10, "/usr/bin/python3", std::string("python3\0/usr/bin/script\0", 24));
+    process(11, "/opt/game/bin/start (deleted)", "start");
+    process(12, "/tmp/.mount_x/run", "run", std::string("A=1\0APPIMAGE=/x/y.AppImage\0", 28));
+    process(13, "", std::string("/usr/bin/closed\0-x", 18));
+    process(14, "/usr/bin/flatpak", "");
+    (void)tree.write("run/.flatpak/7/pid", "14\n");
+    (void)tree.write("run/.flatpak/7/info", "[Application]\nname=org.a.B\n");
+    (void)tree.write("run/.flatpak/8/pid", "999\n");
+    (void)tree.write("run/.flatpak/8/info", "[Application]\nname=org.old.C\n");
+    struct Case {
+        ApplicationType type;
+        std::string id, path, program;
+        RunState state;
+    };
+    const Case cases[] = {
+        {ApplicationType::Deb, "script", "", "/usr/bin/script", RunState::Yes},
+        {ApplicationType::Deb, "other", "", "/usr/bin/other", RunState::No},
+        {ApplicationType::Deb, "closed", "", "/usr/lib/closed", RunState::Unknown},
+        {ApplicationType::Folder, "game", "/opt/game", "", RunState::Yes},
+        {ApplicationType::Folder, "gam", "/opt/gam", "", RunState::No},
+        {ApplicationType::AppImage, "y", "/x/y.AppImage", "", RunState::Yes},
+        {ApplicationType::Flatpak, "org.a.B", "/none", "", RunState::Yes},
+        {ApplicationType::Flatpak, "org.old.C", "/none", "", RunState::No},
+    };
+    const auto stateOf = [&](const Case& each) {
+        ApplicationRecord record;
+        record.type = each.type;
+        record.id = each.id;
+        record.path = each.path;
+        if (!each.program.empty()) record.programs = {each.program};
+        return LinuxApplications(machine.places).running({&record}).front();
+    };
+    for (const Case& each : cases) EXPECT_EQ(stateOf(each), each.state) << each.id;
+    std::filesystem::rename(tree.at("proc/1"), tree.at("proc/none"));
+    EXPECT_EQ(stateOf(cases[1]), RunState::Unknown) << "where others' processes are hidden";
+    EXPECT_EQ(stateOf(cases[0]), RunState::Yes);
+}
+
+}  // namespace
+}  // namespace orrinvale
