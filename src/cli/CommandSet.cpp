@@ -8,6 +8,7 @@
 #include "cli/LargeCommand.h"
 #include "cli/MemoryCommand.h"
 #include "cli/SizeCommand.h"
+#include "cli/UsageCommand.h"
 #include "cli/VolumesCommand.h"
 
 namespace orrinvale::cli {
@@ -15,6 +16,7 @@ namespace orrinvale::cli {
 CommandSet::CommandSet() {
     m_commands.push_back(std::make_unique<DuplicatesCommand>(m_files));
     m_commands.push_back(std::make_unique<LargeCommand>(m_files));
+    m_commands.push_back(std::make_unique<UsageCommand>(m_files));
     m_commands.push_back(std::make_unique<SizeCommand>(m_files));
     m_commands.push_back(std::make_unique<CleanCommand>(m_files, m_volumes));
     m_commands.push_back(std::make_unique<AppsCommand>(m_files, m_applications));

@@ -58,6 +58,10 @@ public:
     }
     std::size_t descriptorLimit() const override { return m_base.descriptorLimit(); }
     void useOwnDescriptors() const override { m_base.useOwnDescriptors(); }
+    bool sharesExtents(int descriptor) const override { return m_base.sharesExtents(descriptor); }
+    SysResult<std::uint64_t> sharedBytes(int file) const override {
+        return m_base.sharedBytes(file);
+    }
     SysResult<Descriptor> holdFolder(int parent, const char* path, Links onTheWay) const override {
         return m_base.holdFolder(parent, path, onTheWay);
     }

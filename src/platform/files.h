@@ -174,6 +174,14 @@ public:
     /// for placeOf(), and for nothing else.
     [[nodiscard]] virtual SysResult<Descriptor> holdEntry(int parent, const char* name) const = 0;
 
+    /// Whether files on the file system of an open entry may have extents in common, as reflinks
+    /// and snapshots do, or be kept compressed, so that blocks tell less than what a removal frees.
+    [[nodiscard]] virtual bool sharesExtents(int descriptor) const = 0;
+
+    /// Bytes of an open file in extents that other files have too, holes left out. An error where
+    /// the file system does not tell.
+    [[nodiscard]] virtual SysResult<std::uint64_t> sharedBytes(int file) const = 0;
+
     /// Where an open or held entry stands now: an absolute path without links, of at most a page (4
     /// KiB). For an entry that is gone the system makes up a name: look up what you get.
     [[nodiscard]] virtual SysResult<std::string> placeOf(int descriptor) const = 0;

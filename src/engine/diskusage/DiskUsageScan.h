@@ -66,7 +66,8 @@ public:
     /// queue the end comes as news. Any thread.
     void stopScan();
 
-    /// Entries directly in the chosen folder that are finished; of a scan anew folders. Any thread.
+    /// Entries directly in the chosen folder that are finished; of a scan anew those of the
+    /// folder in hand. Any thread.
     [[nodiscard]] Progress progress() const;
     /// Entries counted so far, at every depth. Any thread.
     [[nodiscard]] std::uint64_t foundCount() const;

@@ -56,9 +56,8 @@ EntryIdentity FSNode::identity() const {
 }
 
 // With the sizes beside the nodes, which lie all over the memory.
-void FSNode::sortChildren() {
+void FSNode::sort(std::span<FSNode*> nodes) {
     std::vector<std::pair<std::uint64_t, FSNode*>> sorted;
-    const std::span<FSNode*> nodes = list();
     sorted.reserve(nodes.size());
     for (FSNode* const node : nodes) sorted.emplace_back(node->m_size, node);
     std::sort(sorted.begin(), sorted.end(), [](const auto& a, const auto& b) {
@@ -74,7 +73,7 @@ void FSNode::decendingSort() {
     while (!waiting.empty()) {
         FSNode* const node = waiting.back();
         waiting.pop_back();
-        node->sortChildren();
+        sort(node->list());
         for (FSNode* const child : node->list())
             if (child->isDirectory()) waiting.push_back(child);
     }

@@ -122,7 +122,7 @@ private:
     static constexpr std::uint8_t within = CutWithin | UnreadWithin | ForeignWithin | LeftOutWithin;
     static constexpr std::uint8_t notWhole = Undecided | within;
 
-    void sortChildren();
+    static void sort(std::span<FSNode*> nodes);
     [[nodiscard]] std::span<FSNode*> list() const;
 
     const char* m_name = nullptr;

@@ -104,6 +104,28 @@ void FSNodeTree::countUp(FSNode& node, std::uint64_t size) {
     addSaturating(root().m_size, size);
 }
 
+void FSNodeTree::putWhole(const UsageResult& found, bool hasLevel) {
+    FSContents contents = found.contents;
+    if (hasLevel) {
+        contents.children = root().m_contents->children;
+        contents.childCount = root().m_contents->childCount;
+    }
+    *root().m_contents = contents;
+    root().m_size = found.size;
+    root().m_onDisk = found.onDisk;
+    root().m_marks = found.marks;
+}
+
+void FSNodeTree::closeLevel() {
+    for (FSNode* const node : root().list()) {
+        if (!node->has(FSNode::Undecided)) continue;
+        node->m_marks =
+            static_cast<std::uint8_t>((node->m_marks & ~FSNode::Undecided) | FSNode::CutWithin);
+        root().m_marks |= FSNode::CutWithin;
+    }
+    FSNode::sort(root().list());
+}
+
 std::uint16_t FSNodeTree::deviceIndex(std::uint64_t device) {
     const std::lock_guard lock(m_devicesMutex);
     const auto found = std::find(m_devices.begin(), m_devices.end(), device);

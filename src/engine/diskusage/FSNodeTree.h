@@ -52,6 +52,10 @@ public:
     void putLevel(std::span<FSNode*> level);
     /// A node directly in the root has this size by now, and so has the root more.
     void countUp(FSNode& node, std::uint64_t size);
+    /// What the walk found on the whole; the root keeps the level that it has.
+    void putWhole(const UsageResult& found, bool hasLevel);
+    /// Brings the first level into its last order. What is still undecided was cut by a stop.
+    void closeLevel();
     /// Takes nodes out of the root's list; their bytes stay in its size.
     void leaveOut(std::span<FSNode* const> nodes) { removeFromList(root(), nodes); }
     /// Any thread.

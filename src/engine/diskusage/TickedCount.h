@@ -2,7 +2,6 @@
 // removes what was counted.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -10,6 +9,7 @@
 #include <vector>
 
 #include "engine/diskusage/FSNode.h"
+#include "engine/diskusage/UsageCounts.h"
 #include "engine/files/SeenEntries.h"
 #include "platform/error.h"
 #include "platform/fileTypes.h"
@@ -47,17 +47,10 @@ struct TickedCount {
     bool stopped = false;
 };
 
-/// How far a count is. Any thread.
-struct TickedProgress {
-    std::atomic<bool> stop{false};
-    std::atomic<std::uint64_t> entries{0};
-    std::atomic<std::uint64_t> size{0};
-};
-
-/// Counts by as many threads as pay, and returns when it is done; any thread but the main one, by
-/// runAside() in the window. Entries on other file systems than their ticked one are not counted,
-/// since no removal crosses a mount.
+/// Counts by as many threads as pay, and returns when it is done or progress.stop is set; any
+/// thread but the main one, by runAside() in the window. Entries on other file systems than their
+/// ticked one are not counted, since no removal crosses a mount.
 [[nodiscard]] TickedCount countTicked(const FileSystem& files, std::vector<TickedEntry> ticked,
-                                      TickedProgress& progress);
+                                      UsageCounts& progress);
 
 }  // namespace orrinvale

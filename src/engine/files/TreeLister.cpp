@@ -94,6 +94,9 @@ private:
     bool descend(const ListedEntry& entry) {
         if (m_listing.foldersFirst)
             m_listing.entry({folder(), entry.name, m_path, FileType::Folder});
+        if (m_listing.mayEnter &&
+            !m_listing.mayEnter({folder(), entry.name, m_path, FileType::Folder}))
+            return false;
         auto opened = m_files.openFolder(folder(), entry.name.c_str(), Links::Keep);
         const int error = opened ? enter(opened->get()) : opened.error();
         if (error != 0) {

@@ -36,6 +36,9 @@ struct TreeListing {
         failed;  ///< a folder below the start that could not be listed
     std::function<void(std::string_view relative)>
         enter;  ///< a folder is being listed; "" is the start
+    std::function<bool(const TreeEntry&)>
+        mayEnter;  ///< false: a folder below the start is told as an entry at most; empty: all are
+                   ///< entered
 };
 
 /// Lists everything below an open folder, which is left open. Links are not followed. The error

@@ -39,6 +39,8 @@ public:
                               const char* newName) const override;
     SysResult<bool> clearImmutable(int descriptor) const override;
     SysResult<std::string> placeOf(int descriptor) const override;
+    bool sharesExtents(int descriptor) const override;
+    SysResult<std::uint64_t> sharedBytes(int file) const override;
     SysResult<std::vector<MountPoint>> mountPoints() const override;
     void readSizes(int folder, std::span<CatalogEntry> entries) const override;
     void readIdentities(int folder, std::span<CatalogEntry> entries) const override;

@@ -1,0 +1,158 @@
+// UsageWalk: the walk behind disk usage. A folder is added up when the last of what is in it is
+// done with; what passes the limit becomes a node then, and everything else adds to a sum.
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "engine/diskusage/FSNodeTree.h"
+#include "engine/diskusage/LinkedFiles.h"
+#include "engine/diskusage/UsageCounts.h"
+#include "engine/files/Arena.h"
+#include "engine/files/FolderWalk.h"
+#include "engine/files/SeenEntries.h"
+
+namespace orrinvale {
+
+/// Where nodes, names and lists of a tree lie. Any thread.
+class UsageStorage final {
+public:
+    /// Held while something is made in it.
+    class Room final {
+    public:
+        [[nodiscard]] Arena& operator*() const { return *m_arena; }
+        [[nodiscard]] Arena* operator->() const { return m_arena; }
+
+    private:
+        friend class UsageStorage;
+        Room(std::mutex& mutex, Arena& arena) : m_lock(mutex), m_arena(&arena) {}
+        std::unique_lock<std::mutex> m_lock;
+        Arena* m_arena;
+    };
+    /// One that threads at work at the same time rarely share.
+    [[nodiscard]] Room room();
+
+private:
+    struct alignas(64) Part {
+        std::mutex mutex;
+        Arena arena;
+    };
+    std::array<Part, 8> m_parts;
+};
+
+/// A folder directly in the chosen one while it is being counted.
+struct CountedTop {
+    FSNode* node = nullptr;
+    std::atomic<std::uint64_t> size{0};
+    std::atomic<bool> isDirty{false};  ///< told since the last look
+};
+
+/// Whoever shows the first level while it is counted. Called by walking threads, several at once.
+class UsageSink {
+public:
+    virtual ~UsageSink() = default;
+    /// The whole of it, by name, once. Some of it may be told as grown or finished before.
+    virtual void levelStands(std::span<FSNode*> level) = 0;
+    /// The size of one has grown.
+    virtual void grew(CountedTop& top) = 0;
+    /// One is counted; `stays` false: it is under the limit, or was gone.
+    virtual void finished(FSNode& node, const UsageResult& found, bool stays) = 0;
+
+protected:
+    UsageSink() = default;
+    UsageSink(const UsageSink&) = default;
+    UsageSink& operator=(const UsageSink&) = default;
+};
+
+/// How a walk is to be made; nothing is owned, and what may be null says so.
+struct UsageErrand {
+    const FileSystem* files = nullptr;
+    FSNodeTree* tree = nullptr;  ///< null: no nodes are made
+    UsageStorage* storage = nullptr;
+    UsageCounts* counts = nullptr;
+    SkipList* skipped = nullptr;
+    UsageSink* sink = nullptr;    ///< null: the first level is not told
+    SeenEntries* seen = nullptr;  ///< null, or gets every entry
+    bool asksShared = false;      ///< opens files to ask which of their extents are shared
+    std::uint64_t limit = 0;
+    bool allFileSystems = false;
+};
+
+struct UsageFolder;
+
+/// One walk; used once. What it is made of outlives it.
+class UsageWalk final : FolderWalk {
+public:
+    explicit UsageWalk(const UsageErrand& errand);
+
+    /// Walks what lies at the path, below this node of the tree, and returns when it is counted or
+    /// counts->stop was set. With a sink the first level is none of the result.
+    [[nodiscard]] UsageResult run(FSNode* start, const std::string& path, Links last);
+
+    // After run().
+    [[nodiscard]] LinkedFiles takeLinked() { return std::move(m_linked); }
+    /// What the sink was told of; to be kept as long as it looks at them.
+    [[nodiscard]] std::vector<std::unique_ptr<CountedTop>> takeTops() { return std::move(m_tops); }
+    [[nodiscard]] std::uint64_t sharedBytes() const { return m_sharedBytes; }
+    [[nodiscard]] bool isUpTo() const { return m_isUpTo; }
+
+private:
+    friend struct UsageFolder;
+    struct Piece;
+    struct DeepLevels;
+
+    SysResult<Descriptor> open(const WalkedFolder& folder) override;
+    bool mayList(WalkedFolder& folder) override;
+    void take(Worker& worker, WalkedFolder& folder, std::uint32_t first) override;
+    void takeDeep(Worker& worker, WalkedFolder& folder) override;
+    void listed(WalkedFolder& folder) override;
+    void fail(WalkedFolder& folder, std::string_view operation, int number) override;
+
+    UsageFolder* takeEntry(UsageFolder& folder, const CatalogEntry& entry, Piece& piece);
+    UsageFolder* makeFolder(UsageFolder& above, const CatalogEntry& entry, std::uint8_t marks,
+                            Piece& piece);
+    void takeFile(const UsageFolder& folder, const CatalogEntry& entry, std::uint8_t marks,
+                  Piece& piece);
+    void askShared(int handle, const CatalogEntry& entry);
+    [[nodiscard]] bool isForeign(const FileAttributes& entry) const;
+    [[nodiscard]] bool passes(std::uint64_t size, std::uint8_t marks, bool isFirstLevel) const;
+    static FSNode* makeNode(Arena& arena, std::uint16_t device, const FileAttributes& seen,
+                            std::string_view name, std::uint8_t marks);
+    FSNode* makeFolderNode(const FileAttributes& seen, std::string_view name, std::uint8_t marks);
+    std::vector<FSNode*> makeNodes(const Piece& piece);
+    void fold(UsageFolder& folder, Piece& piece);
+    void complete(UsageFolder& folder);
+    void settle(UsageFolder& folder, UsageFolder& above, const UsageResult& found);
+    [[nodiscard]] UsageResult resultOf(UsageFolder& folder);
+    void tookOfLevel(std::uint64_t entries);
+    void tellLevel();
+    [[nodiscard]] std::mutex& mutexOf(const UsageFolder& folder);
+
+    const UsageErrand m_errand;
+    FSNode* m_start = nullptr;
+    std::uint64_t m_startMount = 0;
+    std::uint64_t m_startDevice = 0;
+    UsageResult m_result;
+    LinkedFiles m_linked;
+    std::atomic<std::uint64_t> m_sharedBytes{0};
+    std::atomic<bool> m_isUpTo{false};
+
+    std::array<std::mutex, 64> m_folderMutexes;  // each guards the sums of some folders
+    std::mutex m_seenMutex;                      // guards the set of the errand
+
+    std::mutex m_levelMutex;  // guards what follows
+    std::vector<FSNode*> m_level;
+    std::vector<std::unique_ptr<CountedTop>> m_tops;
+    std::uint64_t m_levelTaken = 0;
+    bool m_isLevelTold = false;
+};
+
+}  // namespace orrinvale
