@@ -35,10 +35,9 @@ struct TreeListing {
     std::function<void(std::string_view relative, int error)>
         failed;  ///< a folder below the start that could not be listed
     std::function<void(std::string_view relative)>
-        enter;  ///< a folder is being listed; "" is the start
-    std::function<bool(const TreeEntry&)>
-        mayEnter;  ///< false: a folder below the start is told as an entry at most; empty: all are
-                   ///< entered
+        enter;                                       ///< a folder is being listed; "" is the start
+    std::function<bool(const TreeEntry&)> mayEnter;  ///< false: a folder below the start is told as
+                                                     ///< an entry at most; empty: all are entered
 };
 
 /// Lists everything below an open folder, which is left open. Links are not followed. The error
