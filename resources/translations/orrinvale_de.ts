@@ -804,6 +804,45 @@
     </message>
 </context>
 <context>
+    <name>UninstallAppsViews</name>
+    <message>
+        <source>ALL Software</source>
+        <translation>Alle Anwendungen</translation>
+    </message>
+    <message>
+        <source>System program</source>
+        <translation>Systemprogramme</translation>
+    </message>
+    <message>
+        <source>Application</source>
+        <translation>Anwendungen</translation>
+    </message>
+    <message>
+        <source>Which applications are shown</source>
+        <translation>Welche Anwendungen gezeigt werden</translation>
+    </message>
+    <message>
+        <source>Filter by name</source>
+        <translation>Nach Namen filtern</translation>
+    </message>
+    <message>
+        <source>Filter</source>
+        <translation>Filtern</translation>
+    </message>
+    <message>
+        <source>Looking for applications</source>
+        <translation>Anwendungen werden gesucht</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Anhalten</translation>
+    </message>
+    <message>
+        <source>Uninstall</source>
+        <translation>Deinstallieren</translation>
+    </message>
+</context>
+<context>
     <name>orrinvale::Animation</name>
     <message>
         <source>Progress</source>
@@ -1547,6 +1586,277 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Free Space:%1</source>
         <translation>Freier Platz:%1</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::UninstallAppsController</name>
+    <message>
+        <source>No application here has this in its name.</source>
+        <translation>Keine Anwendung hier hat das in ihrem Namen.</translation>
+    </message>
+    <message>
+        <source>There are no applications of this kind here.</source>
+        <translation>Anwendungen dieser Art gibt es hier nicht.</translation>
+    </message>
+    <message>
+        <source>Looking for applications ...</source>
+        <translation>Anwendungen werden gesucht ...</translation>
+    </message>
+    <message>
+        <source>1 application is installed</source>
+        <translation>1 Anwendung ist installiert</translation>
+    </message>
+    <message>
+        <source>%1 applications are installed</source>
+        <translation>%1 Anwendungen sind installiert</translation>
+    </message>
+    <message>
+        <source>%1 of %2 applications</source>
+        <translation>%1 von %2 Anwendungen</translation>
+    </message>
+    <message>
+        <source>Uninstall</source>
+        <translation>Deinstallieren</translation>
+    </message>
+    <message>
+        <source>System application(s),Do you want to uninstall it?</source>
+        <translation>Darunter sind Systemprogramme. Sollen sie wirklich deinstalliert werden?</translation>
+    </message>
+    <message>
+        <source>Uninstall the selected application(s)?</source>
+        <translation>Sollen die ausgewählten Anwendungen deinstalliert werden?</translation>
+    </message>
+    <message>
+        <source>What would go along could not be found out in time.</source>
+        <translation>Was mitgehen würde, war in der Zeit nicht herauszufinden.</translation>
+    </message>
+    <message>
+        <source>What would go along is not known.</source>
+        <translation>Was mitgehen würde, ist nicht bekannt.</translation>
+    </message>
+    <message>
+        <source>Waiting for your password ...</source>
+        <translation>Ihr Passwort wird erwartet ...</translation>
+    </message>
+    <message>
+        <source>%1 removed, %2</source>
+        <translation>%1 entfernt, %2</translation>
+    </message>
+    <message>
+        <source>Why?</source>
+        <translation>Warum?</translation>
+    </message>
+    <message>
+        <source>Selected application(s) were uninstalled successfully.</source>
+        <translation>Die ausgewählten Anwendungen wurden deinstalliert.</translation>
+    </message>
+    <message>
+        <source>Failed to uninstall the selected application(s). Please refer to Help for more info.</source>
+        <translation>Die ausgewählten Anwendungen ließen sich nicht deinstallieren. Mehr dazu steht in der Hilfe.</translation>
+    </message>
+    <message>
+        <source>Removing %1 ...</source>
+        <translation>%1 wird entfernt ...</translation>
+    </message>
+    <message>
+        <source>Could not be removed</source>
+        <translation>Nicht entfernt werden konnte</translation>
+    </message>
+    <message>
+        <source>%1 of %2 selected.</source>
+        <translation>%1 von %2 ausgewählt.</translation>
+    </message>
+    <message>
+        <source>Tick the applications that are to go</source>
+        <translation>Kreuzen Sie an, was gehen soll</translation>
+    </message>
+    <message>
+        <source>Details</source>
+        <translation>Einzelheiten</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::UninstallAppsModel</name>
+    <message>
+        <source>System program</source>
+        <translation>Systemprogramm</translation>
+    </message>
+    <message>
+        <source>Ticked</source>
+        <translation>Angekreuzt</translation>
+    </message>
+    <message>
+        <source>Application</source>
+        <translation>Anwendung</translation>
+    </message>
+    <message>
+        <source>Kind</source>
+        <translation>Art</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Last Used</source>
+        <translation>Zuletzt benutzt</translation>
+    </message>
+    <message>
+        <source>Installed</source>
+        <translation>Installiert</translation>
+    </message>
+    <message>
+        <source>Details</source>
+        <translation>Einzelheiten</translation>
+    </message>
+    <message>
+        <source>Bundle</source>
+        <translation>Bündel</translation>
+    </message>
+    <message>
+        <source>Flatpak</source>
+        <translation>Flatpak</translation>
+    </message>
+    <message>
+        <source>Snap</source>
+        <translation>Snap</translation>
+    </message>
+    <message>
+        <source>Package</source>
+        <translation>Paket</translation>
+    </message>
+    <message>
+        <source>AppImage</source>
+        <translation>AppImage</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>Ordner</translation>
+    </message>
+    <message>
+        <source>Bundles</source>
+        <translation>Bündel</translation>
+    </message>
+    <message>
+        <source>Flatpaks</source>
+        <translation>Flatpaks</translation>
+    </message>
+    <message>
+        <source>Snaps</source>
+        <translation>Snaps</translation>
+    </message>
+    <message>
+        <source>Packages</source>
+        <translation>Pakete</translation>
+    </message>
+    <message>
+        <source>AppImages</source>
+        <translation>AppImages</translation>
+    </message>
+    <message>
+        <source>Folders</source>
+        <translation>Ordner</translation>
+    </message>
+    <message>
+        <source>up to %1</source>
+        <translation>bis zu %1</translation>
+    </message>
+    <message>
+        <source>This is Orrinvale, which does not remove itself.</source>
+        <translation>Das ist Orrinvale, das sich nicht selbst entfernt.</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::UninstallAppsTable</name>
+    <message>
+        <source>Applications</source>
+        <translation>Anwendungen</translation>
+    </message>
+    <message>
+        <source>Select everything</source>
+        <translation>Alles auswählen</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::UninstallDetails</name>
+    <message>
+        <source>Measuring ...</source>
+        <translation>Wird gemessen ...</translation>
+    </message>
+    <message>
+        <source>Created: %1</source>
+        <translation>Erstellt: %1</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>up to %1</source>
+        <translation>bis zu %1</translation>
+    </message>
+    <message>
+        <source>Last used: %1</source>
+        <translation>Zuletzt benutzt: %1</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::UninstallQuestion</name>
+    <message>
+        <source>%1 and %2 more</source>
+        <translation>%1 und %2 weitere</translation>
+    </message>
+    <message>
+        <source>%1, %2, with a document or database</source>
+        <translation>%1, %2, mit einem Dokument oder einer Datenbank</translation>
+    </message>
+    <message>
+        <source>%1, %2, with %3 documents and databases</source>
+        <translation>%1, %2, mit %3 Dokumenten und Datenbanken</translation>
+    </message>
+    <message>
+        <source>Uninstall Applications</source>
+        <translation>Anwendungen deinstallieren</translation>
+    </message>
+    <message>
+        <source>Finding out what goes along ...</source>
+        <translation>Es wird festgestellt, was mitgeht ...</translation>
+    </message>
+    <message>
+        <source>Uninstall</source>
+        <translation>Deinstallieren</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Stays: %1</source>
+        <translation>Bleibt: %1</translation>
+    </message>
+    <message>
+        <source>Goes along: %1</source>
+        <translation>Geht mit: %1</translation>
+    </message>
+    <message>
+        <source>Left by it and by nothing else; tick what is to go to the trash:</source>
+        <translation>Von ihr und nur von ihr; kreuzen Sie an, was in den Papierkorb soll:</translation>
+    </message>
+    <message>
+        <source>Probably left by it; settings and documents may be in there:</source>
+        <translation>Wahrscheinlich von ihr; Einstellungen und Dokumente können darin sein:</translation>
+    </message>
+    <message>
+        <source>It is running.</source>
+        <translation>Sie läuft gerade.</translation>
+    </message>
+    <message>
+        <source>Close It</source>
+        <translation>Beenden</translation>
+    </message>
+    <message>
+        <source>It is running. Close its windows, and save what is open.</source>
+        <translation>Sie läuft gerade. Schließen Sie ihre Fenster, und sichern Sie, was offen ist.</translation>
     </message>
 </context>
 <context>

@@ -25,18 +25,19 @@ constexpr const char* help =
     "already\n"
     "comes to the front instead and takes over what is asked for.\n"
     "\n"
-    "  --action NAME  duplicates, large-files: show that page; fast-clean: show the window of "
-    "Fast Clean,\n"
-    "                 which waits for a click; eject-all: eject what can be ejected; quit: end "
-    "the\n"
-    "                 running program\n"
+    "  --action NAME  duplicates, large-files, uninstall: show that page; fast-clean: show the "
+    "window\n"
+    "                 of Fast Clean, which waits for a click; eject-all: eject what can be "
+    "ejected;\n"
+    "                 quit: end the running program\n"
     "  --help         this text\n"
     "  --version      the version\n"
     "\n"
     "For scripts and servers there is orrinvale-cli.\n";
 
 constexpr std::array actions{startAction::duplicates, startAction::largeFiles,
-                             startAction::fastClean, startAction::ejectAll, startAction::quit};
+                             startAction::uninstall,  startAction::fastClean,
+                             startAction::ejectAll,   startAction::quit};
 
 std::string activationToken() {
     for (const char* const name : {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"})

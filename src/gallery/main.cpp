@@ -20,6 +20,7 @@
 #include "gallery/LargeFileScenes.h"
 #include "gallery/ProgramScenes.h"
 #include "gallery/SampleFolder.h"
+#include "gallery/UninstallScenes.h"
 #include "gallery/VolumeScenes.h"
 #include "gallery/drawToolbar.h"
 #include "gallery/drawing.h"
@@ -80,9 +81,10 @@ bool drawSheet(const PictureFolder& pictures, NotificationCenter& notifications)
 QSet<QString> wantedScenes(const Order& order) {
     if (!order.isDark && !order.isLarge) return {};
     if (order.isDark && !order.isLarge)
-        return {QStringLiteral("first"),      QStringLiteral("progress"), QStringLiteral("detail"),
-                QStringLiteral("question"),   QStringLiteral("failure"),  QStringLiteral("menu"),
-                QStringLiteral("free-space"), QStringLiteral("tray-menu")};
+        return {
+            QStringLiteral("first"),      QStringLiteral("progress"),  QStringLiteral("detail"),
+            QStringLiteral("question"),   QStringLiteral("failure"),   QStringLiteral("menu"),
+            QStringLiteral("free-space"), QStringLiteral("tray-menu"), QStringLiteral("uninstall")};
     return {QStringLiteral("first"), QStringLiteral("detail")};
 }
 
@@ -111,6 +113,7 @@ bool drawProgram(const Order& order, const PictureFolder& pictures) {
     return drawWithSample([&](const SampleFolder& /*sample*/, UserDefaults& defaults) {
         return drawToolbar(defaults, pictures) &&
                drawVolumes(defaults, pictures, wantedScenes(order)) &&
+               drawUninstall(defaults, pictures, wantedScenes(order)) &&
                ProgramScenes(defaults, pictures, wantedScenes(order)).draw();
     });
 }

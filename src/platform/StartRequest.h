@@ -14,7 +14,8 @@ namespace startAction {
 inline constexpr std::string_view duplicates = "duplicates";
 inline constexpr std::string_view largeFiles = "large-files";
 inline constexpr std::string_view fastClean =
-    "fast-clean";  ///< its window, which waits for a click
+    "fast-clean";                                           ///< its window, which waits for a click
+inline constexpr std::string_view uninstall = "uninstall";  ///< shows that page
 inline constexpr std::string_view ejectAll = "eject-all";
 inline constexpr std::string_view quit = "quit";
 }  // namespace startAction

@@ -30,6 +30,8 @@ struct AppItems {
     /// What its kind knows of it; of a bundle what the other fields say. Never null in what an
     /// inventory lists.
     std::shared_ptr<const ApplicationRecord> record;
+    std::optional<Date> lastUse;  ///< filled by the page, as the size is
+    bool isUpTo = false;          ///< a removal may give back less than the size
 
     AppItems() = default;
     AppItems(IconRequest itsImage, std::string itsName, std::string itsPath,

@@ -151,6 +151,10 @@ void AppDelegate::perform(const StartRequest& request) {
         if (m_fastClean) m_fastClean->open();
         return;
     }
+    if (request.isAction(startAction::uninstall)) {
+        onClickUninstall();
+        return;
+    }
     handleReopenAppEvent();
     if (request.kind == StartRequest::Kind::Open) {
         searchFolder(request.text);

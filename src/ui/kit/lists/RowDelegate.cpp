@@ -24,8 +24,6 @@ CellLook lookOf(const QModelIndex& index) {
     return static_cast<CellLook>(index.data(TickModel::LookRole).toInt());
 }
 
-bool isNamed(CellLook look) { return look == CellLook::Name || look == CellLook::PathName; }
-
 bool hasBox(const QModelIndex& index) { return index.data(TickModel::StateRole).isValid(); }
 
 bool acceptsToggle(const QModelIndex& index) {
@@ -66,6 +64,10 @@ public:
             drawPathName();
             return;
         }
+        if (m_look == CellLook::TwoLines) {
+            drawTwoLines();
+            return;
+        }
         drawShare();
         setColor(m_look == CellLook::Name || m_isStrong);
         drawText(shownText());
@@ -94,7 +96,9 @@ private:
 
     void drawIcon() {
         const auto icon = m_index.data(TickModel::IconRole).value<QIcon>();
-        icon.paint(&m_painter, take(RowDelegate::iconSide, Theme::gapSmall), Qt::AlignCenter,
+        const int side = m_look == CellLook::TwoLines ? RowDelegate::largeIconSide  //
+                                                      : RowDelegate::iconSide;
+        icon.paint(&m_painter, take(side, Theme::gapSmall), Qt::AlignCenter,
                    m_isGrey ? QIcon::Disabled : QIcon::Normal);
     }
     void drawSigns() {
@@ -113,6 +117,22 @@ private:
         setColor(true);
         m_rect.setLeft(m_rect.left() + m_painter.fontMetrics().horizontalAdvance(shown.folder));
         drawText(shown.name);
+    }
+    // A name without a second line stands in the middle.
+    void drawTwoLines() {
+        const QString second = onOneLine(m_index.data(TickModel::SecondRole).toString());
+        const QRect whole = m_rect;
+        const QFont small = Theme::shared().font(Theme::Text::Caption);
+        const int smallHeight = QFontMetrics(small).height();
+        const int spare = whole.height() - m_painter.fontMetrics().height() - smallHeight;
+        if (!second.isEmpty()) m_rect.adjust(0, spare / 2, 0, -smallHeight - spare / 2);
+        setColor(true);
+        drawText(shownText());
+        if (second.isEmpty()) return;
+        m_rect = whole.adjusted(0, whole.height() - smallHeight - spare / 2, 0, -spare / 2);
+        m_painter.setFont(small);
+        setColor(false);
+        drawText(m_painter.fontMetrics().elidedText(second, Qt::ElideRight, m_rect.width()));
     }
     [[nodiscard]] QString shownText() const {
         if (m_look == CellLook::Path) {
@@ -150,7 +170,8 @@ void drawButton(QPainter& painter, const QStyleOptionViewItem& option, const QMo
     if (icon.isNull()) return;
     QRect place(QPoint(), QSize(RowDelegate::buttonSide, RowDelegate::buttonSide));
     place.moveCenter(option.rect.center());
-    const bool isHovered = option.state.testFlag(QStyle::State_MouseOver) &&
+    const bool isHovered = lookOf(index) == CellLook::Button &&
+                           option.state.testFlag(QStyle::State_MouseOver) &&
                            option.widget != nullptr &&
                            option.rect.contains(option.widget->mapFromGlobal(QCursor::pos()));
     if (isHovered) {
@@ -186,7 +207,7 @@ void RowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     painter->save();
     const CellLook look = lookOf(index);
     if (hasBox(index)) drawBox(*painter, option, index);
-    if (look == CellLook::Button) drawButton(*painter, option, index);
+    if (look == CellLook::Button || look == CellLook::Sign) drawButton(*painter, option, index);
     else if (look != CellLook::Box) Cell(*painter, option, index).draw();
     painter->restore();
 }

@@ -14,7 +14,8 @@ namespace orrinvale {
 class RowDelegate final : public QStyledItemDelegate {
     Q_OBJECT
 public:
-    static constexpr int rowHeight = 34, iconSide = 22, signSide = 16, buttonSide = 18;
+    static constexpr int rowHeight = 34, iconSide = 22, largeIconSide = 26, signSide = 16,
+                         buttonSide = 18;
 
     using QStyledItemDelegate::QStyledItemDelegate;
 

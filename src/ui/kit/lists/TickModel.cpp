@@ -7,7 +7,7 @@ namespace orrinvale {
 void TickModel::addColumn(Head head) {
     const int column = int(m_heads.size());
     if (head.look == CellLook::Box || head.hasBox) m_boxColumn = column;
-    if (head.look == CellLook::Name || head.look == CellLook::PathName) m_nameColumn = column;
+    if (isNamed(head.look)) m_nameColumn = column;
     m_heads.push_back(std::move(head));
 }
 

@@ -23,9 +23,16 @@ enum class CellLook {
     Box,       ///< nothing but the box
     Name,      ///< icon and name, cut in its middle
     PathName,  ///< icon, signs and a path whose folder is in the background
+    TwoLines,  ///< a larger icon, a name, and a line of small words below it
     Path,      ///< a path, cut where it tells least
+    Sign,      ///< a picture that tells something
     Button     ///< a picture to press
 };
+
+/// The look of the column that names the row.
+[[nodiscard]] constexpr bool isNamed(CellLook look) {
+    return look == CellLook::Name || look == CellLook::PathName || look == CellLook::TwoLines;
+}
 
 /// The part of it that does not know what a row is. Main thread only.
 class TickModel : public QAbstractItemModel {
@@ -36,6 +43,7 @@ public:
         LookRole,                  ///< a CellLook's number
         IconRole,                  ///< a QIcon, made when it is drawn
         SignsRole,                 ///< the names of small pictures before a path
+        SecondRole,                ///< the line below a name
         FolderRole,                ///< below which all lies that is shown together, see pathText.h
         ShareRole,                 ///< from 0 to 1; none where there is no bar
         StrongRole,                ///< a row over others
@@ -94,6 +102,7 @@ template <class Row> struct TickColumn {
     std::optional<int> sortKey = std::nullopt;
     bool hasBox = false;  ///< before whatever else the cell shows
     std::function<QString(const Row&)> text = nullptr;
+    std::function<QString(const Row&)> second = nullptr;   ///< the line below, of TwoLines
     std::function<QString(const Row&)> toolTip = nullptr;  ///< where it is not that of the row
     std::function<QIcon(const Row&)> icon = nullptr;
     std::function<double(const Row&)> share = nullptr;
@@ -152,7 +161,8 @@ private:
             case Qt::ToolTipRole:
                 return column.toolTip ? of(column.toolTip, row) : asToolTip(toolTipOf(row));
             case Qt::AccessibleTextRole:
-                if (column.look == CellLook::Button) return of(column.toolTip, row);
+                if (column.look == CellLook::Button || column.look == CellLook::Sign)
+                    return of(column.toolTip, row);
                 return column.look == CellLook::Box
                            ? of(m_columns[std::size_t(nameColumn())].text, row)
                            : of(column.text, row);
@@ -163,6 +173,7 @@ private:
             case LookRole: return int(column.look);
             case IconRole: return of(column.icon, row);
             case ShareRole: return of(column.share, row);
+            case SecondRole: return of(column.second, row);
             case SignsRole: return signsOf(row);
             case FolderRole: return folderOf(row);
             case StrongRole: return isStrong(row);

@@ -1,0 +1,83 @@
+// UninstallWork: what the uninstall page asks of whoever removes applications: what would go, what
+// stays, what is left in the home, and the removal itself.
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "engine/base/Progress.h"
+#include "engine/uninstall/AppItems.h"
+#include "engine/uninstall/Leftovers.h"
+
+namespace orrinvale {
+
+/// What a removal of one application comes to, as far as anybody knows before. Texts are for
+/// people.
+struct UninstallForecast {
+    std::string refusal;                 ///< why it is not removed; empty where it may go
+    std::vector<std::string> goesAlong;  ///< names of packages and the like
+    std::vector<std::string> stays;      ///< settings of the system, by path
+    std::string note;                    ///< what else a person wants to know before
+    std::vector<Leftover> leftovers;     ///< in the person's home
+    RunState running = RunState::Unknown;
+};
+
+/// One application on its way out, with the leftovers that the person ticked.
+struct UninstallRequest {
+    AppItems item;
+    std::vector<Leftover> leftovers;
+};
+
+struct UninstallResult {
+    bool isGone = false;
+    std::string reason;  ///< why it stays; for people
+    std::uint64_t gained = 0;
+    struct Stayed {
+        std::string path, reason;
+    };
+    std::vector<Stayed> leftovers;  ///< that could not be moved to the trash
+};
+
+/// All operations may wait, for disks, services and passwords, and are for a thread aside. A raised
+/// flag ends them early: a forecast with what is known by then, a removal before its next
+/// application.
+class UninstallWork {
+public:
+    virtual ~UninstallWork() = default;
+    UninstallWork(const UninstallWork&) = delete;
+    UninstallWork& operator=(const UninstallWork&) = delete;
+
+    /// One for each item, in their order. Those of one kind that go together are simulated
+    /// together.
+    [[nodiscard]] virtual std::vector<UninstallForecast> forecast(
+        const std::vector<AppItems>& items, const std::atomic<bool>& stop) = 0;
+
+    /// One for each request, in their order. Tells the names of what it is at.
+    [[nodiscard]] virtual std::vector<UninstallResult> remove(
+        const std::vector<UninstallRequest>& requests, ProgressBox& progress,
+        const std::atomic<bool>& stop) = 0;
+
+    /// Asks a program that runs to end by itself, so that it can ask its person to save; false
+    /// where it knows no such thing. Never ends it by force.
+    [[nodiscard]] virtual bool askToQuit(const ApplicationRecord& record) = 0;
+    [[nodiscard]] virtual RunState running(const ApplicationRecord& record) = 0;
+
+protected:
+    UninstallWork() = default;
+};
+
+/// The one record that is never removed.
+[[nodiscard]] inline bool isNeverUninstalled(const AppItems& item) {
+    return item.bundleID == "com.kelpford.TidewrackPro" && item.bundleVersion == "3.0";
+}
+
+/// Whether its removal goes through the administrator's door, which the padlock opens.
+[[nodiscard]] inline bool goesThroughDoor(const AppItems& item) {
+    return item.record->type == ApplicationType::App && !isNeverUninstalled(item);
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,203 @@
+// The applications and their pictures are made up, as each machine that draws has others. What a
+// worker may still look at is never freed.
+#include "gallery/UninstallScenes.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QLabel>
+#include <QPainter>
+#include <QTemporaryDir>
+#include <array>
+#include <memory>
+
+#include "gallery/PageWorkings.h"
+#include "gallery/drawing.h"
+#include "platform/linux/LinuxFiles.h"
+#include "ui/kit/chrome/TCImageWindow.h"
+#include "ui/kit/dialogs/Sheet.h"
+#include "ui/kit/lists/TickOutline.h"
+#include "ui/preferences/AppPrefsWindowController.h"
+#include "ui/uninstall/UninstallAppsController.h"
+#include "ui/uninstall/UninstallAppsModel.h"
+
+namespace orrinvale {
+namespace {
+
+struct MadeUp {
+    const char *name, *version;
+    ApplicationType type;
+    double megabytes;
+    int daysUnused;
+    bool isSystem, isTicked;
+    const char* color;
+};
+
+constexpr std::array applications{
+    MadeUp{"Aurora Sketch", "4.2.1", ApplicationType::Flatpak, 1240, 3, false, false, "#0f766e"},
+    MadeUp{"Birdsong Recorder", "2.0", ApplicationType::AppImage, 188, 410, false, true, "#b45309"},
+    MadeUp{"Calculator", "1:43.0.1-2", ApplicationType::Deb, 9.3, 1, false, false, "#475569"},
+    MadeUp{"Files", "43.2-1", ApplicationType::Deb, 31.4, 0, true, false, "#1d4ed8"},
+    MadeUp{"Harbour Chess", "7.1", ApplicationType::Snap, 412, 96, false, false, "#7c2d12"},
+    MadeUp{"Letters", "12.4.0", ApplicationType::Flatpak, 655, 240, false, true, "#be123c"},
+    MadeUp{"Mapmaker Studio", "2026.1", ApplicationType::Folder, 3820, 71, false, false, "#4d7c0f"},
+    MadeUp{"Old Encyclopedia", "1.3", ApplicationType::App, 702, -1, false, false, "#6d28d9"},
+    MadeUp{"Settings", "1:43.4-1", ApplicationType::Deb, 28.7, 2, true, false, "#334155"},
+    MadeUp{"Terminal", "3.46.8-1", ApplicationType::Deb, 7.9, 0, false, false, "#111827"},
+    MadeUp{"Tide Tables", "0.9.14", ApplicationType::AppImage, 96.2, 33, false, false, "#0369a1"},
+    MadeUp{"Video Bench", "22.12", ApplicationType::Deb, 214, 12, false, false, "#9f1239"},
+};
+
+constexpr std::int64_t aDay = 86'400'000'000'000;
+constexpr std::int64_t today = 1'795'305'600'000'000'000;  // in November 2026
+
+std::string drawIcon(const QTemporaryDir& folder, const MadeUp& from) {
+    constexpr int side = 128, radius = 28;
+    QImage icon(side, side, QImage::Format_ARGB32_Premultiplied);
+    icon.fill(Qt::transparent);
+    QPainter painter(&icon);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(QLatin1String(from.color)));
+    painter.drawRoundedRect(icon.rect().adjusted(8, 8, -8, -8), radius, radius);
+    QFont font = painter.font();
+    font.setPixelSize(side / 2);
+    font.setBold(true);
+    painter.setFont(font);
+    painter.setPen(Qt::white);
+    painter.drawText(icon.rect(), Qt::AlignCenter, QString(QLatin1Char(from.name[0])));
+    painter.end();
+    const QString path = folder.filePath(QLatin1String(from.name) + QStringLiteral(".png"));
+    icon.save(path);
+    return path.toStdString();
+}
+
+std::shared_ptr<AppItems> made(const QTemporaryDir& folder, const MadeUp& from) {
+    auto item = std::make_shared<AppItems>();
+    ApplicationRecord record;
+    record.type = from.type;
+    record.id = record.name = from.name;
+    record.path = std::string("/opt/applications/") + from.name;
+    record.icon = drawIcon(folder, from);
+    record.isSystem = from.isSystem;
+    item->name = from.name;
+    item->path = record.path;
+    item->bundleVersion = from.version;
+    item->date = Date{today - 500 * aDay};
+    item->isSystemApp = from.isSystem;
+    item->bIsSelected = from.isTicked;
+    item->record = std::make_shared<const ApplicationRecord>(std::move(record));
+    return item;
+}
+
+ApplicationDetails measured(const ApplicationRecord& record) {
+    ApplicationDetails details;
+    for (const MadeUp& each : applications) {
+        if (record.name != each.name) continue;
+        details.bytes = static_cast<std::uint64_t>(each.megabytes * 1e6);
+        details.isUpTo = each.type == ApplicationType::Flatpak;
+        if (each.daysUnused >= 0) details.lastUse = today - each.daysUnused * aDay;
+    }
+    return details;
+}
+
+Leftover leftover(const char* name, LeftoverGrade grade, std::uint64_t bytes,
+                  std::uint64_t documents) {
+    Leftover made;
+    made.path = std::string("/home/anna/.var/app/org.example.Letters/") + name;
+    made.grade = grade;
+    made.bytes = bytes;
+    made.preciousCount = documents;
+    return made;
+}
+
+// What the question of two applications tells.
+class SampleWork final : public UninstallWork {
+public:
+    std::vector<UninstallForecast> forecast(const std::vector<AppItems>& items,
+                                            const std::atomic<bool>& /*stop*/) override {
+        std::vector<UninstallForecast> out(items.size());
+        for (std::size_t i = 0; i < items.size(); ++i) {
+            if (items[i].name == "Birdsong Recorder") out[i].running = RunState::Yes;
+            if (items[i].name != "Letters") continue;
+            out[i].goesAlong = {"org.example.Letters.Locale"};
+            out[i].leftovers = {leftover("cache", LeftoverGrade::Certain, 182'400'000, 0),
+                                leftover("data", LeftoverGrade::Likely, 1'204'000'000, 14)};
+        }
+        return out;
+    }
+    std::vector<UninstallResult> remove(const std::vector<UninstallRequest>& /*requests*/,
+                                        ProgressBox& /*progress*/,
+                                        const std::atomic<bool>& /*stop*/) override {
+        return {};
+    }
+    bool askToQuit(const ApplicationRecord& /*record*/) override { return false; }
+    RunState running(const ApplicationRecord& /*record*/) override { return RunState::Yes; }
+};
+
+struct Machine {
+    LinuxFileSystem files;
+    PageWorkings workings;
+    QTemporaryDir folder;
+};
+
+UninstallParts partsOf(const Machine& machine) {
+    UninstallParts parts;
+    parts.inventory = [&machine] {
+        AppItemsArray found;
+        for (const MadeUp& each : applications) found.push_back(made(machine.folder, each));
+        return found;
+    };
+    parts.measure = [](const ApplicationRecord& record, const std::atomic<bool>& /*stop*/) {
+        return measured(record);
+    };
+    parts.work = std::make_shared<SampleWork>();
+    return parts;
+}
+
+bool isListed(const QWidget& window) {
+    const auto* const table = window.findChild<TickOutline*>();
+    if (table == nullptr || table->model()->rowCount() != int(applications.size())) return false;
+    const auto* const first = table->model();
+    return first->index(0, UninstallAppsModel::Size).data().toString() != QLatin1String("--");
+}
+
+bool saveSheet(const PictureFolder& pictures, const char* name, TCImageWindow& window,
+               const char* button) {
+    const auto sheet = [&] { return window.findChild<Sheet*>(); };
+    const auto isOut = [&] {
+        const auto* const waiting = window.findChild<QLabel*>(QStringLiteral("waitingLabel"));
+        return sheet() != nullptr && sheet()->content()->y() == 0 &&
+               (waiting == nullptr || waiting->isHidden());
+    };
+    if (!waitFor(name, isOut)) return false;
+    window.activateWindow();
+    QApplication::processEvents();
+    if (!pictures.save(QLatin1String(name), window.grab())) return false;
+    sheet()->findChild<QAbstractButton*>(QLatin1String(button))->click();
+    return waitFor("the sheet to go", [&] { return sheet() == nullptr; });
+}
+
+}  // namespace
+
+bool drawUninstall(UserDefaults& defaults, const PictureFolder& pictures,
+                   const QSet<QString>& wanted) {
+    if (!wanted.isEmpty() && !wanted.contains(QStringLiteral("uninstall"))) return true;
+    Machine& machine = *new Machine;
+    AppPrefsWindowController controller;
+    controller.registerPage(
+        uninstallPage(machine.workings.parts(machine.files, defaults), partsOf(machine)));
+    controller.showWindow();
+    TCImageWindow& window = *controller.window();
+    window.activateWindow();
+    if (!waitFor("the applications", [&] { return isListed(window); })) return false;
+    const auto isQuiet = [patience = QDeadlineTimer(400)] { return patience.hasExpired(); };
+    if (!waitFor("the pictures", isQuiet)) return false;
+    if (!pictures.save(QStringLiteral("uninstall-list"), window.grab())) return false;
+    auto* const table = window.findChild<TickOutline*>();
+    Q_EMIT table->clicked(table->model()->index(0, UninstallAppsModel::View));
+    if (!saveSheet(pictures, "uninstall-details", window, "okButton")) return false;
+    window.findChild<QAbstractButton*>(QStringLiteral("uninstallButton"))->click();
+    return saveSheet(pictures, "uninstall-question", window, "cancelButton");
+}
+
+}  // namespace orrinvale

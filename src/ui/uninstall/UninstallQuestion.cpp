@@ -1,0 +1,239 @@
+// Built once for all that is ticked; each application has its part, which the forecast fills.
+#include "ui/uninstall/UninstallQuestion.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLocale>
+#include <QScrollArea>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "engine/text/UtilityFunction.h"
+#include "ui/kit/chrome/TextImageButton.h"
+#include "ui/kit/controls/ElidedLabel.h"
+#include "ui/kit/controls/PictureView.h"
+#include "ui/kit/controls/numberText.h"
+#include "ui/kit/controls/pathText.h"
+#include "ui/kit/controls/viewParts.h"
+#include "ui/kit/dialogs/failureWords.h"
+#include "ui/kit/lists/TickBox.h"
+#include "ui/kit/look/accessibleRole.h"
+#include "ui/uninstall/UninstallAppsModel.h"
+
+namespace orrinvale {
+namespace {
+
+constexpr int panelWidth = 560, mostHeight = 250, signSide = 40;
+constexpr std::size_t mostNames = 12;
+
+QString text(const std::string& bytes) { return onOneLine(QString::fromStdString(bytes)); }
+
+QString listed(const std::vector<std::string>& names) {
+    QStringList words;
+    for (std::size_t i = 0; i < std::min(names.size(), mostNames); ++i)
+        words.push_back(text(names[i]));
+    const QString all = words.join(QStringLiteral(", "));
+    if (names.size() <= mostNames) return all;
+    return UninstallQuestion::tr("%1 and %2 more")
+        .arg(all, QLocale().toString(qulonglong(names.size() - mostNames)));
+}
+
+QString leftoverText(const Leftover& leftover) {
+    const QString size = shownSize(UtilityFunction::convertVolSpace(leftover.bytes));
+    const QString path = text(leftover.path);
+    if (leftover.preciousCount == 0) return QStringLiteral("%1, %2").arg(path, size);
+    if (leftover.preciousCount == 1)
+        return UninstallQuestion::tr("%1, %2, with a document or database").arg(path, size);
+    return UninstallQuestion::tr("%1, %2, with %3 documents and databases")
+        .arg(path, size, QLocale().toString(qulonglong(leftover.preciousCount)));
+}
+
+QString leftoverTip(const Leftover& leftover) {
+    QStringList lines{text(leftover.path), inWords(leftover.reason)};
+    for (const std::string& each : leftover.precious) lines.push_back(text(each));
+    return lines.join(QLatin1Char('\n'));
+}
+
+}  // namespace
+
+UninstallQuestion::UninstallQuestion(const AppItemsArray& items, const QString& informativeText) {
+    setObjectName(QStringLiteral("uninstallAlert"));
+    setAccessibleTraits(*this, {.role = QAccessible::AlertMessage, .isModal = true});
+    setAccessibleName(tr("Uninstall Applications"));
+    setAccessibleDescription(informativeText);
+    auto* const column = new QVBoxLayout(this);
+    column->setContentsMargins(Theme::gapHuge, Theme::gapHuge, Theme::gapHuge, Theme::gapLarge);
+    column->setSpacing(Theme::gapLarge);
+    addHead(*column, informativeText);
+    addParts(*column, items);
+    addButtons(*column);
+}
+
+QSize UninstallQuestion::sizeHint() const { return {panelWidth, layout()->sizeHint().height()}; }
+
+void UninstallQuestion::addHead(QVBoxLayout& column, const QString& informativeText) {
+    auto* const title = makeLabel("titleLabel", Theme::Text::Heading);
+    title->setText(tr("Uninstall Applications"));
+    title->setAlignment(Qt::AlignLeading);
+    auto* const said = makeLabel("textLabel", Theme::Text::Body, QPalette::PlaceholderText);
+    said->setText(informativeText);
+    said->setWordWrap(true);
+    said->setAlignment(Qt::AlignLeading);
+    auto* const words = new QVBoxLayout;
+    words->setSpacing(Theme::gapTiny);
+    words->addWidget(title);
+    words->addWidget(said);
+    auto* const row = new QHBoxLayout;
+    row->setSpacing(Theme::gapLarge);
+    row->addWidget(new PictureView(QStringLiteral("warning"), {signSide, signSide}), 0,
+                   Qt::AlignTop);
+    row->addLayout(words, 1);
+    column.addLayout(row);
+}
+
+void UninstallQuestion::addParts(QVBoxLayout& column, const AppItemsArray& items) {
+    auto* const inside = new QWidget;
+    auto* const list = new QVBoxLayout(inside);
+    list->setContentsMargins({});
+    list->setSpacing(Theme::gap);
+    for (const auto& item : items) {
+        Part part;
+        part.item = item;
+        part.lines = new QVBoxLayout;
+        part.lines->setSpacing(Theme::gapTiny);
+        list->addLayout(part.lines);
+        auto* const name = new ElidedLabel;
+        name->setFont(Theme::shared().font(Theme::Text::BodyStrong));
+        name->setText(
+            QStringLiteral("%1 (%2)").arg(text(item->name), kindWord(item->record->type)));
+        part.lines->addWidget(name);
+        m_parts.push_back(std::move(part));
+    }
+    list->addStretch();
+    m_area = new QScrollArea;
+    m_area->setObjectName(QStringLiteral("partsArea"));
+    m_area->setFrameShape(QFrame::NoFrame);
+    m_area->setWidgetResizable(true);
+    m_area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_area->setWidget(inside);
+    m_area->setMinimumHeight(mostHeight);
+    m_area->setFocusPolicy(Qt::TabFocus);
+    m_area->viewport()->setAutoFillBackground(false);
+    inside->setAutoFillBackground(false);
+    m_waiting = makeLabel("waitingLabel", Theme::Text::Body, QPalette::PlaceholderText);
+    m_waiting->setText(tr("Finding out what goes along ..."));
+    m_waiting->setWordWrap(true);
+    m_waiting->setAlignment(Qt::AlignLeading);
+    column.addWidget(m_area, 1);
+    column.addWidget(m_waiting);
+}
+
+void UninstallQuestion::addButtons(QVBoxLayout& column) {
+    uninstallYes =
+        named(new TextImageButton(tr("Uninstall"), TextImageButton::Role::Danger), "uninstallYes");
+    uninstallYes->setEnabled(false);
+    cancelButton = named(new TextImageButton(tr("Cancel")), "cancelButton");
+    auto* const row = new QHBoxLayout;
+    row->setSpacing(Theme::gapTiny);
+    row->addStretch();
+    row->addWidget(cancelButton);
+    row->addWidget(uninstallYes);
+    column.addLayout(row);
+}
+
+QLabel* UninstallQuestion::addLine(Part& part, const QString& said, bool isQuiet) {
+    auto* const line = makeLabel("lineLabel", Theme::Text::Body,
+                                 isQuiet ? QPalette::PlaceholderText : QPalette::WindowText);
+    line->setText(said);
+    line->setWordWrap(true);
+    line->setAlignment(Qt::AlignLeading);
+    part.lines->addWidget(line);
+    return line;
+}
+
+void UninstallQuestion::showForecast(const std::vector<UninstallForecast>& forecast) {
+    m_waiting->hide();
+    bool mayAny = false;
+    for (std::size_t number = 0; number < m_parts.size() && number < forecast.size(); ++number) {
+        m_parts[number].forecast = forecast[number];
+        fillPart(m_parts[number], number);
+        mayAny = mayAny || forecast[number].refusal.empty();
+    }
+    uninstallYes->setEnabled(mayAny);
+}
+
+void UninstallQuestion::showSilence(const QString& reason) {
+    m_waiting->setText(reason);
+    m_waiting->show();
+}
+
+void UninstallQuestion::fillPart(Part& part, std::size_t number) {
+    const UninstallForecast& forecast = part.forecast;
+    if (!forecast.refusal.empty()) {
+        addLine(part, tr("Stays: %1").arg(inWords(forecast.refusal)), false);
+        return;
+    }
+    if (forecast.running == RunState::Yes) addRunning(part, number);
+    if (!forecast.goesAlong.empty())
+        addLine(part, tr("Goes along: %1").arg(listed(forecast.goesAlong)), false);
+    if (!forecast.stays.empty()) addLine(part, tr("Stays: %1").arg(listed(forecast.stays)));
+    if (!forecast.note.empty()) addLine(part, inWords(forecast.note));
+    addLeftovers(part, LeftoverGrade::Certain,
+                 tr("Left by it and by nothing else; tick what is to go to the trash:"));
+    addLeftovers(part, LeftoverGrade::Likely,
+                 tr("Probably left by it; settings and documents may be in there:"));
+}
+
+void UninstallQuestion::addRunning(Part& part, std::size_t number) {
+    part.running = new QWidget;
+    auto* const row = new QHBoxLayout(part.running);
+    row->setContentsMargins({});
+    row->setSpacing(Theme::gapSmall);
+    part.runningLabel = makeLabel("runningLabel", Theme::Text::Body);
+    part.runningLabel->setText(tr("It is running."));
+    part.quitButton = named(new TextImageButton(tr("Close It")), "quitButton");
+    connect(part.quitButton, &QAbstractButton::clicked, this,
+            [this, number] { Q_EMIT quitWanted(number); });
+    row->addWidget(part.runningLabel);
+    row->addWidget(part.quitButton);
+    row->addStretch();
+    part.lines->addWidget(part.running);
+}
+
+void UninstallQuestion::showRunning(std::size_t number, RunState state) {
+    const Part& part = m_parts.at(number);
+    if (part.running != nullptr) part.running->setVisible(state == RunState::Yes);
+}
+
+void UninstallQuestion::showCannotQuit(std::size_t number) {
+    const Part& part = m_parts.at(number);
+    if (part.running == nullptr) return;
+    part.runningLabel->setText(tr("It is running. Close its windows, and save what is open."));
+    part.quitButton->hide();
+}
+
+void UninstallQuestion::addLeftovers(Part& part, LeftoverGrade grade, const QString& title) {
+    bool isFirst = true;
+    for (const Leftover& each : part.forecast.leftovers) {
+        if (each.grade != grade) continue;
+        if (std::exchange(isFirst, false)) addLine(part, title);
+        auto* const box = named(new TickBox(leftoverText(each)), "leftoverBox");
+        box->setToolTip(asToolTip(leftoverTip(each)));
+        part.lines->addWidget(box);
+        part.leftovers.emplace_back(box, each);
+    }
+}
+
+std::vector<UninstallRequest> UninstallQuestion::requests() const {
+    std::vector<UninstallRequest> out;
+    for (const Part& part : m_parts) {
+        if (!part.forecast.refusal.empty()) continue;
+        UninstallRequest request{*part.item, {}};
+        for (const auto& [box, leftover] : part.leftovers)
+            if (box->state() == TickState::All) request.leftovers.push_back(leftover);
+        out.push_back(std::move(request));
+    }
+    return out;
+}
+
+}  // namespace orrinvale
