@@ -53,6 +53,31 @@ struct ApplicationDetails {
     std::vector<std::string> configuration;  ///< files outside of homes that a removal leaves
 };
 
+/// What a removal of some applications of one kind would do, in one answer for all of them.
+struct RemovalForecast {
+    struct Along {
+        std::size_t of = 0;  ///< which of the applications takes it along
+        std::string name;
+        std::string version;
+    };
+    std::vector<Along> along;        ///< what goes besides what was asked for
+    std::vector<std::string> stays;  ///< sentences for people
+    std::vector<std::vector<std::string>>
+        trash;  ///< of each application what the caller is to move to the trash, itself first; none
+                ///< where the kind removes by itself
+    std::string refusal;  ///< why nothing of it can be removed; empty when it can
+    bool asksForRight = false;
+    /// How the kind knows again what it promised, so that nothing else goes.
+    std::vector<std::string> promised;
+};
+
+/// What became of one application.
+struct ApplicationRemoval {
+    enum class State : std::uint8_t { Gone, Failed, Dismissed, Refused };
+    State state = State::Failed;
+    std::string reason;  ///< for people, unless it is gone
+};
+
 /// Whether an application runs. What can not be read leaves the question open.
 enum class RunState : std::uint8_t { No, Yes, Unknown };
 
@@ -72,6 +97,20 @@ public:
         std::vector<StartingEntry>& entries) const = 0;
 
     [[nodiscard]] virtual ApplicationDetails details(const ApplicationRecord& record) const = 0;
+
+    /// Simulates a removal of all of them together; nothing is changed. A set `stop` ends the wait
+    /// for a service with a refusal.
+    [[nodiscard]] virtual RemovalForecast forecast(const std::vector<ApplicationRecord>& records,
+                                                   const std::atomic<bool>& stop) const = 0;
+
+    /// Removes them all, one answer each, in their order. May ask the person for a password, and
+    /// waits for it. Where the forecast has entries for the trash the caller moves them, and this
+    /// is not called.
+    [[nodiscard]] virtual std::vector<ApplicationRemoval> remove(
+        const std::vector<ApplicationRecord>& records, const RemovalForecast& /*forecast*/,
+        const std::atomic<bool>& /*stop*/) const {
+        return std::vector<ApplicationRemoval>(records.size());
+    }
 
     /// Names of everything of this kind that is installed, applications or not, where names of its
     /// packages may be those of folders in homes.

@@ -27,6 +27,11 @@ public:
     /// callers without a seat. Before begin().
     [[nodiscard]] std::string addHelper(const std::string& name, const std::string& allowAny);
 
+    /// The actions of another program. Before begin().
+    void addPolicy(const std::string& name, const std::string& text) {
+        (void)m_tree.write("actions/" + name, text);
+    }
+
     /// Starts the services; true when polkit knows the actions.
     [[nodiscard]] bool begin();
 

@@ -6,6 +6,7 @@
 #include "platform/linux/LinuxApplications.h"
 #include "platform/linux/SnapService.h"
 #include "support/MadeUpMachine.h"
+#include "support/SilentSocket.h"
 #include "support/test.h"
 
 namespace orrinvale {
@@ -214,6 +215,76 @@ TEST(Applications, OfSnapAreWhatTheServiceSays) {
          {"HTTP/1.1 200 OK\r\n", "SSH-2.0\r\n\r\n", "HTTP/1.1 2",
           "HTTP/1.1 200 OK\r\ntransfer-encoding: chunked\r\n\r\nffffffffffffffff\r\nab"})
         EXPECT_FALSE(httpAnswer(bad)) << bad;
+}
+
+// A service that answers each question by a table of how it begins; a question that is in none gets
+// no answer.
+class MadeUpSnapd final {
+public:
+    MadeUpSnapd(const std::string& path, std::map<std::string, std::string> answers)
+        : m_answers(std::move(answers)), m_socket(testing::silentSocket(path)) {
+        m_thread = std::jthread([this] { serve(); });
+    }
+    ~MadeUpSnapd() { ::shutdown(m_socket.get(), SHUT_RDWR); }
+
+private:
+    void serve() {
+        for (;;) {
+            const Descriptor client(::accept(m_socket.get(), nullptr, nullptr));
+            std::array<char, 4096> asked{};
+            if (!client.isOpen() || ::read(client.get(), asked.data(), asked.size()) <= 0) return;
+            for (const auto& [question, answer] : m_answers)
+                if (std::string_view(asked.data()).starts_with(question))
+                    (void)!::write(client.get(), answer.data(), answer.size());
+        }
+    }
+    const std::map<std::string, std::string> m_answers;
+    const Descriptor m_socket;
+    std::jthread m_thread;
+};
+
+TEST(Applications, OfSnapGoByTheService) {
+    using State = ApplicationRemoval::State;
+    const std::string info = "HTTP/1.1 200 OK\r\n\r\n{}";
+    const auto json = [](int status, const std::string& body) {
+        return "HTTP/1.1 " + std::to_string(status) + " x\r\n\r\n" + body;
+    };
+    const std::string begun = json(202, R"({"type":"async","change":"7"})");
+    struct Case {
+        std::string removal, change;
+        State state;
+        std::string reason;
+    };
+    const Case cases[] = {
+        {begun, json(200, R"({"result":{"ready":true,"status":"Done"}})"), State::Gone, ""},
+        {begun, json(200, R"({"result":{"ready":true,"status":"Error","err":"it is a base"}})"),
+         State::Failed, "it is a base"},
+        {json(401, R"({"result":{"message":"cancelled","kind":"auth-cancelled"}})"), "",
+         State::Dismissed, "The snap service says: cancelled"},
+        {json(404, R"({"result":{"message":"not found\nat all","kind":"snap-not-found"}})"), "",
+         State::Failed, "The snap service says: not found"},
+        {json(202, "[]"), "", State::Failed, "The snap service gave no reason"},
+        {"", "", State::Failed, "The snap service answers what makes no sense"},
+        {begun, "garbage", State::Failed, "The snap service answers what makes no sense"},
+    };
+    for (const Case& each : cases) {
+        MadeUpMachine machine;
+        const MadeUpSnapd service(machine.places.snapSocket,
+                                  {{"GET /v2/system-info ", info},
+                                   {"POST /v2/snaps/code ", each.removal},
+                                   {"GET /v2/changes/7 ", each.change}});
+        ApplicationRecord code;
+        code.id = code.name = "code";
+        const LinuxApplications applications(machine.places);
+        const ApplicationKind& kind = *applications.kind(ApplicationType::Snap);
+        const std::atomic<bool> never{false};
+        const RemovalForecast forecast = kind.forecast({code}, never);
+        EXPECT_EQ(forecast.refusal, "");
+        EXPECT_THAT(forecast.stays, ElementsAre(HasSubstr("31 days")));
+        const ApplicationRemoval removal = kind.remove({code}, forecast, never).front();
+        EXPECT_EQ(removal.state, each.state) << each.removal;
+        EXPECT_EQ(removal.reason, each.reason);
+    }
 }
 
 TEST(Applications, ThatRunAreKnownByTheirProcesses) {

@@ -187,7 +187,7 @@ std::optional<LeftoverVerdict> LeftoverRules::ofName(const std::string& name) co
         return std::nullopt;
     return LeftoverVerdict{
         claimant.of, LeftoverGrade::Likely, true,
-        fmt::format("it is named as {} of {}", small == lowered(own) ? "the package" : "a program",
+        fmt::format("it is named as the {}{}", small == lowered(own) ? "package " : "program of ",
                     claimant.of)};
 }
 

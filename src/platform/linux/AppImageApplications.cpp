@@ -12,6 +12,7 @@
 #include "platform/linux/AppImageFile.h"
 #include "platform/linux/DesktopEntries.h"
 #include "platform/linux/SystemText.h"
+#include "platform/linux/trashForecast.h"
 #include "platform/paths.h"
 
 namespace orrinvale {
@@ -102,6 +103,11 @@ ApplicationDetails AppImageApplications::details(const ApplicationRecord& record
     if (const auto facts = factsOf(record.path)) out.bytes = facts->bytes;
     out.lastUse = lastReadAt(record.path);
     return out;
+}
+
+RemovalForecast AppImageApplications::forecast(const std::vector<ApplicationRecord>& records,
+                                               const std::atomic<bool>& /*stop*/) const {
+    return forecastOfTrash(records);
 }
 
 }  // namespace orrinvale

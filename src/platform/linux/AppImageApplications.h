@@ -16,6 +16,9 @@ public:
     [[nodiscard]] std::vector<ApplicationRecord> list(
         std::vector<StartingEntry>& entries) const override;
     [[nodiscard]] ApplicationDetails details(const ApplicationRecord& record) const override;
+    /// To the trash, with the entries that start it.
+    [[nodiscard]] RemovalForecast forecast(const std::vector<ApplicationRecord>& records,
+                                           const std::atomic<bool>& stop) const override;
 
 private:
     [[nodiscard]] std::optional<ApplicationRecord> recordOf(const std::string& path) const;

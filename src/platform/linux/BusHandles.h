@@ -1,6 +1,6 @@
 // sd-bus(3), loaded when it is first wanted, and handles of it that let go by themselves.
 // DiskService speaks to the disk service with them, LinuxInstanceBus to a running Orrinvale,
-// StatusNotifierWatch to the tray.
+// StatusNotifierWatch to the tray, PackageService to the packages.
 #pragma once
 
 #include <systemd/sd-bus.h>
@@ -12,17 +12,18 @@
 namespace orrinvale {
 
 /// The functions that we use of it.
-#define ORRINVALE_SD_BUS(function)                                                        \
-    function(add_match_async) function(call) function(close_unref) function(error_free)   \
-        function(get_events) function(get_fd) function(is_ready) function(message_append) \
-            function(message_at_end) function(message_enter_container)                    \
-                function(message_exit_container) function(message_new_method_call)        \
-                    function(message_peek_type) function(message_read_array)              \
-                        function(message_read_basic)                                      \
-                            function(message_set_allow_interactive_authorization)         \
-                                function(message_set_auto_start) function(message_skip)   \
-                                    function(message_unref) function(open_system)         \
-                                        function(open_user) function(process) function(wait)
+#define ORRINVALE_SD_BUS(function)                                                          \
+    function(add_match_async) function(call) function(close_unref) function(error_free)     \
+        function(get_events) function(get_fd) function(is_ready) function(message_append)   \
+            function(message_append_strv) function(message_at_end)                          \
+                function(message_enter_container) function(message_exit_container)          \
+                    function(message_get_member) function(message_get_sender)               \
+                        function(message_new_method_call) function(message_peek_type)       \
+                            function(message_read_array) function(message_read_basic)       \
+                                function(message_set_allow_interactive_authorization)       \
+                                    function(message_set_auto_start) function(message_skip) \
+                                        function(message_unref) function(open_system)       \
+                                            function(open_user) function(process) function(wait)
 
 /// Its functions by their names without the prefix. The library brings six others with it, which
 /// each start of the terminal command would have to load, so that nothing is linked with it.

@@ -20,6 +20,13 @@ public:
         std::vector<StartingEntry>& entries) const override;
     /// The size is the one that the package says; within 5 % of what it takes, measured.
     [[nodiscard]] ApplicationDetails details(const ApplicationRecord& record) const override;
+    /// One transaction for all. Refused is what people log in by, work on or ask for rights by, and
+    /// what the system needs.
+    [[nodiscard]] RemovalForecast forecast(const std::vector<ApplicationRecord>& records,
+                                           const std::atomic<bool>& stop) const override;
+    [[nodiscard]] std::vector<ApplicationRemoval> remove(
+        const std::vector<ApplicationRecord>& records, const RemovalForecast& forecast,
+        const std::atomic<bool>& stop) const override;
     [[nodiscard]] std::vector<std::string> packageNames() const override;
     [[nodiscard]] std::vector<std::string> formerNames() const override;
 

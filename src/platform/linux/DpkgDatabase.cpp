@@ -142,19 +142,28 @@ void DpkgDatabase::parse() {
     for (std::size_t i = 0; i < m_packages.size(); ++i) {
         if (m_packages[i].state != DpkgPackage::State::Installed) continue;
         m_byName[m_packages[i].name].push_back(i);
-        for (const auto& names : relationsIn(m_packages[i].provides))
-            m_providers[names.front()].push_back(i);
     }
 }
 
 void DpkgDatabase::indexClauses() {
+    std::unordered_map<std::string_view, std::vector<std::size_t>> providers = m_byName;
+    for (std::size_t i = 0; i < m_packages.size(); ++i)
+        if (m_packages[i].state == DpkgPackage::State::Installed)
+            for (const auto& names : relationsIn(m_packages[i].provides))
+                providers[names.front()].push_back(i);
+    m_clausesOf.resize(m_packages.size());
     for (std::size_t i = 0; i < m_packages.size(); ++i) {
         if (m_packages[i].state != DpkgPackage::State::Installed) continue;
         for (const std::string_view field : {m_packages[i].depends, m_packages[i].preDepends})
-            for (auto& alternatives : relationsIn(field)) {
+            for (const auto& alternatives : relationsIn(field)) {
+                Clause clause{i, {}};
                 for (const std::string_view name : alternatives)
-                    m_clausesNaming[name].push_back(m_clauses.size());
-                m_clauses.push_back({i, std::move(alternatives)});
+                    if (const auto found = providers.find(name); found != providers.end())
+                        clause.satisfiers.insert(clause.satisfiers.end(), found->second.begin(),
+                                                 found->second.end());
+                for (const std::size_t each : clause.satisfiers)
+                    m_clausesOf[each].push_back(m_clauses.size());
+                m_clauses.push_back(std::move(clause));
             }
     }
 }
@@ -241,39 +250,24 @@ std::optional<std::int64_t> DpkgDatabase::installedAt(const DpkgPackage& package
     return seen.st_mtim.tv_sec * 1'000'000'000 + seen.st_mtim.tv_nsec;
 }
 
-bool DpkgDatabase::holds(const Clause& clause, const std::vector<bool>& gone) const {
-    const auto anyStays = [&](const auto& index, std::string_view name) {
-        const auto found = index.find(name);
-        return found != index.end() && std::any_of(found->second.begin(), found->second.end(),
-                                                   [&](std::size_t each) { return !gone[each]; });
-    };
-    return std::any_of(clause.alternatives.begin(), clause.alternatives.end(),
-                       [&](std::string_view name) {
-                           return anyStays(m_byName, name) || anyStays(m_providers, name);
-                       });
-}
-
 std::vector<const DpkgPackage*> DpkgDatabase::takenAlongBy(const DpkgPackage& package) const {
     std::vector<bool> gone(m_packages.size(), false);
     std::vector<std::size_t> left{static_cast<std::size_t>(&package - m_packages.data())};
     std::vector<const DpkgPackage*> out;
     gone[left.front()] = true;
-    const auto look = [&](std::string_view name) {
-        const auto naming = m_clausesNaming.find(name);
-        if (naming == m_clausesNaming.end()) return;
-        for (const std::size_t index : naming->second) {
-            const std::size_t owner = m_clauses[index].package;
-            if (gone[owner] || holds(m_clauses[index], gone)) continue;
-            gone[owner] = true;
-            left.push_back(owner);
-            out.push_back(&m_packages[owner]);
-        }
-    };
     while (!left.empty()) {
-        const DpkgPackage& next = m_packages[left.back()];
+        const std::size_t next = left.back();
         left.pop_back();
-        look(next.name);
-        for (const auto& names : relationsIn(next.provides)) look(names.front());
+        for (const std::size_t index : m_clausesOf[next]) {
+            const Clause& clause = m_clauses[index];
+            if (gone[clause.package] ||
+                !std::all_of(clause.satisfiers.begin(), clause.satisfiers.end(),
+                             [&](std::size_t each) { return gone[each]; }))
+                continue;
+            gone[clause.package] = true;
+            left.push_back(clause.package);
+            out.push_back(&m_packages[clause.package]);
+        }
     }
     return out;
 }

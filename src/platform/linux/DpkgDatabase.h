@@ -62,22 +62,20 @@ public:
 
 private:
     struct Clause {
-        std::size_t package;  // that has it
-        std::vector<std::string_view> alternatives;
+        std::size_t package;                  // that has it
+        std::vector<std::size_t> satisfiers;  // installed packages, each of which is enough
     };
 
     void parse();
     void indexClauses();
     [[nodiscard]] std::string infoPath(const DpkgPackage& package, std::string_view what) const;
-    [[nodiscard]] bool holds(const Clause& clause, const std::vector<bool>& gone) const;
 
     std::string m_folder;
     std::string m_text;  // of the file "status"; never changed
     std::vector<DpkgPackage> m_packages;
     std::unordered_map<std::string_view, std::vector<std::size_t>> m_byName;  // installed ones
-    std::unordered_map<std::string_view, std::vector<std::size_t>> m_providers;
     std::vector<Clause> m_clauses;
-    std::unordered_map<std::string_view, std::vector<std::size_t>> m_clausesNaming;
+    std::vector<std::vector<std::size_t>> m_clausesOf;  // that a package satisfies
 };
 
 /// Names that a field of relations speaks of, a list for each clause: "a (>= 1) | b:any, c" is

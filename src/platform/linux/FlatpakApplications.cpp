@@ -2,6 +2,7 @@
 // "BRANCH/active" as links to what is in use (flatpak(1)).
 #include "platform/linux/FlatpakApplications.h"
 
+#include <fmt/format.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -10,6 +11,7 @@
 #include <utility>
 
 #include "platform/linux/DesktopEntries.h"
+#include "platform/linux/FlatpakLibrary.h"
 #include "platform/linux/LinuxFiles.h"
 #include "platform/linux/SystemText.h"
 #include "platform/paths.h"
@@ -157,6 +159,41 @@ ApplicationDetails FlatpakApplications::details(const ApplicationRecord& record)
     for (const auto& [number, inode] : inodes)
         if (inode.links <= inode.seen + 1) bytes += inode.bytes;
     out.bytes = bytes;
+    return out;
+}
+
+// What it was built upon stays, since other applications may need it; flatpak itself clears that.
+RemovalForecast FlatpakApplications::forecast(const std::vector<ApplicationRecord>& records,
+                                              const std::atomic<bool>& /*stop*/) const {
+    RemovalForecast out;
+    if (!hasFlatpakLibrary()) out.refusal = "The library of flatpak, libflatpak, is not there";
+    for (const ApplicationRecord& each : records) {
+        out.asksForRight |= !each.isPersons;
+        out.promised.push_back(each.installation + ' ' + each.ref);
+        out.stays.push_back(fmt::format("What {} keeps in the home stays", each.name));
+    }
+    return out;
+}
+
+std::vector<ApplicationRemoval> FlatpakApplications::remove(
+    const std::vector<ApplicationRecord>& records, const RemovalForecast& forecast,
+    const std::atomic<bool>& stop) const {
+    using State = ApplicationRemoval::State;
+    std::vector<ApplicationRemoval> out;
+    for (const ApplicationRecord& each : records) {
+        if (!forecast.refusal.empty() || stop) {
+            out.push_back(
+                {State::Refused, forecast.refusal.empty() ? "stopped" : forecast.refusal});
+            continue;
+        }
+        const auto removed = removeFlatpak(each.installation, each.isPersons, each.ref);
+        // The link to what is in use goes with the application; its folders may wait for programs
+        // that still run.
+        if (linkAt(joinPath(each.path, "active")).empty()) out.push_back({State::Gone, {}});
+        else
+            out.push_back(
+                {State::Failed, removed ? std::string("flatpak left it") : removed.error()});
+    }
     return out;
 }
 

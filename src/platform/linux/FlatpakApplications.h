@@ -17,6 +17,11 @@ public:
     /// Files that the repository shares with something else count nothing; it is "up to", since two
     /// equal files of one application are one there.
     [[nodiscard]] ApplicationDetails details(const ApplicationRecord& record) const override;
+    [[nodiscard]] RemovalForecast forecast(const std::vector<ApplicationRecord>& records,
+                                           const std::atomic<bool>& stop) const override;
+    [[nodiscard]] std::vector<ApplicationRemoval> remove(
+        const std::vector<ApplicationRecord>& records, const RemovalForecast& forecast,
+        const std::atomic<bool>& stop) const override;
 
 private:
     const ApplicationPlaces& m_places;

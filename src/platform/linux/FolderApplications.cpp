@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "platform/linux/DesktopEntries.h"
+#include "platform/linux/trashForecast.h"
 #include "platform/paths.h"
 
 namespace orrinvale {
@@ -71,6 +72,11 @@ ApplicationDetails FolderApplications::details(const ApplicationRecord& record) 
     for (const std::string& each : record.programs)
         out.lastUse = std::max(out.lastUse, lastReadAt(each));
     return out;
+}
+
+RemovalForecast FolderApplications::forecast(const std::vector<ApplicationRecord>& records,
+                                             const std::atomic<bool>& /*stop*/) const {
+    return forecastOfTrash(records);
 }
 
 }  // namespace orrinvale

@@ -17,6 +17,9 @@ public:
         std::vector<StartingEntry>& entries) const override;
     /// The size is for the caller to measure.
     [[nodiscard]] ApplicationDetails details(const ApplicationRecord& record) const override;
+    /// To the trash, with the entries that start it.
+    [[nodiscard]] RemovalForecast forecast(const std::vector<ApplicationRecord>& records,
+                                           const std::atomic<bool>& stop) const override;
 
 private:
     [[nodiscard]] std::string folderHolding(const std::string& program) const;

@@ -17,6 +17,11 @@ public:
     [[nodiscard]] std::vector<ApplicationRecord> list(
         std::vector<StartingEntry>& entries) const override;
     [[nodiscard]] ApplicationDetails details(const ApplicationRecord& record) const override;
+    [[nodiscard]] RemovalForecast forecast(const std::vector<ApplicationRecord>& records,
+                                           const std::atomic<bool>& stop) const override;
+    [[nodiscard]] std::vector<ApplicationRemoval> remove(
+        const std::vector<ApplicationRecord>& records, const RemovalForecast& forecast,
+        const std::atomic<bool>& stop) const override;
 
 private:
     const ApplicationPlaces& m_places;

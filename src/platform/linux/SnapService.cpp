@@ -15,6 +15,7 @@
 #include <charconv>
 #include <cstring>
 #include <nlohmann/json.hpp>
+#include <thread>
 
 #include "platform/deadline.h"
 #include "platform/descriptor.h"
@@ -115,6 +116,18 @@ SnapFacts factsIn(const Json& object) {
     return out;
 }
 
+// {"type": "error", "result": {"message": "...", "kind": "auth-cancelled"}}
+SnapFailure failureIn(const Json& answer) {
+    SnapFailure out{"The snap service gave no reason", false};
+    if (!answer.is_object()) return out;
+    const auto result = answer.find("result");
+    if (result == answer.end() || !result->is_object()) return out;
+    out.isDismissed = textIn(*result, "kind") == "auth-cancelled";
+    if (std::string words = textIn(*result, "message"); !words.empty())
+        out.words = "The snap service says: " + words.substr(0, words.find('\n'));
+    return out;
+}
+
 }  // namespace
 
 std::optional<SnapAnswer> httpAnswer(std::string_view bytes) {
@@ -175,6 +188,33 @@ std::vector<SnapFacts> SnapService::snaps() const {
     constexpr std::chrono::milliseconds patience(2000);
     const auto answer = ask("GET", "/v2/snaps", {}, patience);
     return answer && answer->status == 200 ? snapsIn(answer->body) : std::vector<SnapFacts>();
+}
+
+tl::expected<void, SnapFailure> SnapService::remove(const std::string& name) const {
+    // A person looks for a password meanwhile.
+    constexpr std::chrono::minutes patience(10);
+    constexpr std::chrono::milliseconds pause(200);
+    const auto begun = ask("POST", "/v2/snaps/" + name, R"({"action":"remove"})", patience);
+    if (!begun) return tl::unexpected(SnapFailure{begun.error(), false});
+    const Json answer = Json::parse(begun->body, nullptr, false);
+    const std::string change = answer.is_object() ? textIn(answer, "change") : std::string();
+    if (begun->status != 202 || change.empty()) return tl::unexpected(failureIn(answer));
+    const Moment end = std::chrono::steady_clock::now() + patience;
+    while (timeUntil(end).count() > 0) {
+        const auto asked = ask("GET", "/v2/changes/" + change, {}, timeUntil(end));
+        if (!asked) return tl::unexpected(SnapFailure{asked.error(), false});
+        const Json now = Json::parse(asked->body, nullptr, false);
+        const auto result = now.is_object() ? now.find("result") : now.end();
+        if (result == now.end() || !result->is_object()) return tl::unexpected(failureIn(now));
+        if (result->value("ready", Json(false)) == Json(true)) {
+            if (textIn(*result, "status") == "Done") return {};
+            const std::string words = textIn(*result, "err");
+            return tl::unexpected(
+                SnapFailure{words.empty() ? "The snap service gave no reason" : words, false});
+        }
+        std::this_thread::sleep_for(pause);
+    }
+    return tl::unexpected(SnapFailure{"The snap service does not answer", false});
 }
 
 }  // namespace orrinvale

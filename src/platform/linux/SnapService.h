@@ -29,6 +29,11 @@ struct SnapFacts {
     std::vector<std::string> entries;  ///< desktop entries of its applications
 };
 
+struct SnapFailure {
+    std::string words;         ///< for people
+    bool isDismissed = false;  ///< nobody gave a password
+};
+
 /// Holds no connection; any thread. At most 16 MiB of an answer are read.
 class SnapService final {
 public:
@@ -41,6 +46,10 @@ public:
 
     /// All that is installed; none where the service is not there.
     [[nodiscard]] std::vector<SnapFacts> snaps() const;
+
+    /// Removes a snap with all its revisions, and waits until it is gone. The person may be asked
+    /// for a password.
+    [[nodiscard]] tl::expected<void, SnapFailure> remove(const std::string& name) const;
 
 private:
     const std::string m_socket;

@@ -1,0 +1,28 @@
+// TrashDoor: the way out to the desktop's trash, from where a person can bring things back.
+#pragma once
+
+#include <utility>
+
+#include "engine/files/ProtectedPlaces.h"
+#include "engine/files/Trash.h"
+#include "engine/removal/RemovalDoor.h"
+
+namespace orrinvale {
+
+/// Whole entries go, a folder with all that is in it by then. The file system outlives it.
+class TrashDoor final : public RemovalDoor {
+public:
+    TrashDoor(const FileSystem& files, ProtectedPlaces places,
+              FolderVariables variables = FolderVariables::ofThisProcess())
+        : m_places(std::move(places)), m_trash(files, m_places, std::move(variables)) {}
+
+    [[nodiscard]] bool setsAside() const override { return false; }
+    [[nodiscard]] RemovalResult remove(const LeavingEntry& entry,
+                                       const std::atomic<bool>& stop) override;
+
+private:
+    const ProtectedPlaces m_places;
+    const Trash m_trash;
+};
+
+}  // namespace orrinvale

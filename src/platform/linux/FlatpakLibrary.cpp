@@ -1,0 +1,101 @@
+// The functions are declared here, with the plain types that they come down to, since headers of
+// the library would be wanted for five calls of a stable interface.
+#include "platform/linux/FlatpakLibrary.h"
+
+#include <dlfcn.h>
+
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "platform/paths.h"
+
+namespace orrinvale {
+namespace {
+
+// As GLib lays it out.
+struct GError {
+    std::uint32_t domain;
+    int code;
+    char* message;
+};
+
+struct Library {
+    void* (*fileForPath)(const char* path) = nullptr;
+    void (*unref)(void* object) = nullptr;
+    void (*freeError)(GError* error) = nullptr;
+    void* (*installationFor)(void* folder, int isPersons, void* cancellable,
+                             GError** error) = nullptr;
+    int (*uninstall)(void* installation, int kind, const char* name, const char* arch,
+                     const char* branch, void* progress, void* data, void* cancellable,
+                     GError** error) = nullptr;
+    bool isWhole = false;
+};
+
+// Never unloaded; what it needs of GLib comes with it.
+Library load() {
+    Library out;
+    void* const library = ::dlopen("libflatpak.so.0", RTLD_NOW | RTLD_LOCAL);
+    if (library == nullptr) return out;
+    out.isWhole = true;
+    const auto find = [&](auto& function, const char* name) {
+        function =
+            reinterpret_cast<std::remove_reference_t<decltype(function)>>(::dlsym(library, name));
+        out.isWhole = out.isWhole && function != nullptr;
+    };
+    find(out.fileForPath, "g_file_new_for_path");
+    find(out.unref, "g_object_unref");
+    find(out.freeError, "g_error_free");
+    find(out.installationFor, "flatpak_installation_new_for_path");
+    find(out.uninstall, "flatpak_installation_uninstall");
+    return out;
+}
+
+const Library& library() {
+    static const Library loaded = load();
+    return loaded;
+}
+
+class Failure final {
+public:
+    Failure() = default;
+    ~Failure() {
+        if (m_error != nullptr) library().freeError(m_error);
+    }
+    Failure(const Failure&) = delete;
+    Failure& operator=(const Failure&) = delete;
+    [[nodiscard]] GError** get() { return &m_error; }
+    [[nodiscard]] tl::unexpected<std::string> words() const {
+        return tl::unexpected(std::string(m_error != nullptr && m_error->message != nullptr
+                                              ? m_error->message
+                                              : "flatpak gave no reason"));
+    }
+
+private:
+    GError* m_error = nullptr;
+};
+
+}  // namespace
+
+bool hasFlatpakLibrary() { return library().isWhole; }
+
+tl::expected<void, std::string> removeFlatpak(const std::string& installation, bool isPersons,
+                                              const std::string& ref) {
+    const auto release = [](void* object) { library().unref(object); };
+    using Object = std::unique_ptr<void, decltype(release)>;
+    std::vector<std::string> fields;
+    for (std::string_view rest = ref; fields.size() < 4;) fields.emplace_back(nextComponent(rest));
+    const Object folder(library().fileForPath(installation.c_str()), release);
+    Failure failure;
+    const Object opened(
+        library().installationFor(folder.get(), isPersons ? 1 : 0, nullptr, failure.get()),
+        release);
+    if (!opened) return failure.words();
+    constexpr int application = 0;
+    if (library().uninstall(opened.get(), application, fields[1].c_str(), fields[2].c_str(),
+                            fields[3].c_str(), nullptr, nullptr, nullptr, failure.get()) == 0)
+        return failure.words();
+    return {};
+}
+
+}  // namespace orrinvale

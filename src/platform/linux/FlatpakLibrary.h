@@ -1,0 +1,17 @@
+// FlatpakLibrary: removal of a flatpak by its own library, loaded when it is first wanted.
+#pragma once
+
+#include <string>
+#include <tl/expected.hpp>
+
+namespace orrinvale {
+
+[[nodiscard]] bool hasFlatpakLibrary();
+
+/// Removes "app/ID/ARCH/BRANCH" from the installation in a folder. Of a shared installation the
+/// system asks the person for a password if need be. Why not, in the library's words. For a thread
+/// that may wait.
+[[nodiscard]] tl::expected<void, std::string> removeFlatpak(const std::string& installation,
+                                                            bool isPersons, const std::string& ref);
+
+}  // namespace orrinvale

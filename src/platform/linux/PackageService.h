@@ -1,0 +1,75 @@
+// PackageService: the system's service for packages (PackageKit) on the system bus. DebApplications
+// decides what it is asked.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orrinvale {
+
+/// One package as the service names it: "NAME;VERSION;ARCHITECTURE;ORIGIN".
+struct ServicePackage {
+    enum Info : std::uint32_t { Removing = 13, Obsoleting = 15 };
+    std::uint32_t info = 0;
+    std::string id;
+
+    [[nodiscard]] std::string_view field(std::size_t index) const;
+    [[nodiscard]] std::string_view name() const { return field(0); }
+    [[nodiscard]] std::string_view version() const { return field(1); }
+    [[nodiscard]] std::string_view architecture() const { return field(2); }
+};
+
+/// How one transaction went.
+struct PackageCourse {
+    enum class End : std::uint8_t {
+        Success,
+        Failed,     ///< `error` and `words` say why
+        Dismissed,  ///< nobody gave a password
+        Refused,    ///< whoever asked may not, or there is nobody to ask for a password
+        Busy,       ///< something else works on the packages
+        Silent,     ///< no answer within the time
+        Absent,     ///< there is no such service, or it ended
+        Stopped
+    };
+    /// Of the errors that the service numbers.
+    enum Error : std::uint32_t {
+        NotInstalled = 7,
+        Dependencies = 13,
+        SystemPackage = 20,
+        CannotGetLock = 26,
+        NotAuthorized = 48
+    };
+    End end = End::Silent;
+    std::uint32_t error = 0;
+    std::string words;  ///< the service's own, in its language
+    std::vector<ServicePackage> packages;
+
+    [[nodiscard]] bool worked() const { return end == End::Success; }
+};
+
+/// Each call is a connection and a transaction of its own and waits for its end; any thread.
+class PackageService final {
+public:
+    /// How long it may give no sign; nothing: as long as it takes.
+    using Patience = std::optional<std::chrono::milliseconds>;
+
+    /// The installed packages of these names.
+    [[nodiscard]] static PackageCourse resolve(const std::vector<std::string>& names,
+                                               Patience patience, const std::atomic<bool>& stop);
+
+    /// What would go with these packages; what depends on them goes too, what they needed stays.
+    /// Needs no right.
+    [[nodiscard]] static PackageCourse simulateRemoval(const std::vector<std::string>& ids,
+                                                       Patience patience,
+                                                       const std::atomic<bool>& stop);
+
+    /// Removes them. The person may be asked for a password, for which it waits.
+    [[nodiscard]] static PackageCourse remove(const std::vector<std::string>& ids);
+};
+
+}  // namespace orrinvale

@@ -1,0 +1,172 @@
+// Removal of applications: what a bundle takes along, and the order of kinds.
+#include "engine/cleaning/QnAuthorization.h"
+#include "engine/removal/TrashDoor.h"
+#include "engine/uninstall/UninstallAppInfo.h"
+#include "engine/uninstall/UninstallRun.h"
+#include "platform/fake/FakeAuthorization.h"
+#include "platform/linux/LinuxApplications.h"
+#include "platform/linux/LinuxPermissions.h"
+#include "support/MadeUpMachine.h"
+#include "support/test.h"
+
+namespace orrinvale {
+namespace {
+
+using State = ApplicationRemoval::State;
+const std::atomic<bool> never{false};
+
+std::shared_ptr<AppItems> item(ApplicationType type, const std::string& id,
+                               const std::string& path = {}) {
+    ApplicationRecord record;
+    record.type = type;
+    record.id = record.name = id;
+    record.path = path;
+    return UninstallAppDelegate::itemOf(std::move(record));
+}
+
+TEST(Uninstall, ABundleTakesWhatBeginsWithItsIdentifierAndIsNobodyElses) {
+    struct Case {
+        std::string identifier;
+        Strings others;
+        Strings expected;
+    };
+    TestTree tree;
+    const Strings names{"com.example.App",
+                        "com.example.App.plist",
+                        "com.example.Application",
+                        "com.example.Apple",
+                        "com",
+                        "com.x",
+                        "Com.example.App"};
+    for (const std::string& each : names) (void)tree.write("L/" + each, "1");
+    const LinuxFileSystem files;
+    const Case cases[] = {
+        {"com.example.App", {}, {names[0], names[1], names[2], names[3]}},
+        {"com.example.App", {"com.example.Application"}, {names[0], names[1], names[3]}},
+        {"com.example.App", {"com.example.App"}, {}},  // a copy of it stays
+        {"com.example.App", {"com.example"}, {names[0], names[1], names[2], names[3]}},
+        {"com.example.App", {"com.example.Ap"}, {names[0], names[1], names[2], names[3]}},
+        {"com.example.App.plist.x", {}, {}},
+        {"com", {}, {"com"}},
+        {"com.x", {}, {"com.x"}},
+        {"com.example", {}, {}},
+        {"", {}, {}},
+    };
+    for (const Case& each : cases) {
+        Strings found;
+        for (const std::string& path :
+             UninstallApp(files, "/none", each.others)
+                 .getFilesByBundle(each.identifier, {tree.at("L"), tree.at("L/../L")}))
+            found.push_back(path.substr(path.rfind('/') + 1));
+        std::sort(found.begin(), found.end());
+        Strings expected = each.expected;
+        std::sort(expected.begin(), expected.end());
+        EXPECT_EQ(found, expected) << each.identifier;
+    }
+}
+
+class Uninstalling : public ::testing::Test {
+protected:
+    Uninstalling() {
+        right.freeAuthorization();
+        right.setParts({&system, &files, &permissions, {}});
+        parts = {&files, &applications, tree.at("home"), tree.path()};
+        doors = UninstallDoors::usual(parts);
+        doors.trash = [this]() -> std::unique_ptr<RemovalDoor> {
+            FolderVariables variables;
+            variables.home = tree.at("home");
+            variables.user = ::getuid();
+            return std::make_unique<TrashDoor>(files, ProtectedPlaces(), variables);
+        };
+    }
+    ~Uninstalling() override { right.setParts({}); }
+
+    UninstallOutcome run(const AppItemsArray& apps, const std::vector<Leftover>& left = {}) {
+        return runUninstall(parts, planUninstall(parts, apps, apps, never), left, doors, never, {});
+    }
+
+    testing::MadeUpMachine machine;
+    TestTree& tree = machine.tree;
+    LinuxFileSystem files;
+    LinuxPermissions permissions;
+    FakeAuthorization system;
+    LinuxApplications applications{machine.places};
+    QnAuthorization& right = QnAuthorization::shareQnAuthorization();
+    UninstallParts parts;
+    UninstallDoors doors;
+};
+
+TEST_F(Uninstalling, StopsABundleAtTheFirstEntryThatStays) {
+    for (const char* const name :
+         {"Library/com.e.App", "home/Library/Caches/com.e.App/x", "Apps/App.app/x"})
+        (void)tree.write(name, "1");
+    (void)tree.folder("home/Library/Preferences/com.e.App.plist");
+    const auto app = item(ApplicationType::App, "com.e.App", tree.at("Apps/App.app"));
+    const UninstallApp bundles(files, parts.home, {}, parts.root);
+    auto plan = bundles.planOf(*app);
+    ASSERT_EQ(plan.size(), 4U);
+    EXPECT_EQ(plan.front().path, tree.at("Library/com.e.App"));
+    EXPECT_EQ(plan.back().path, app->path);
+    plan[1].identity->inode += 1;  // another folder has come into its place
+    std::string reason;
+    EXPECT_FALSE(
+        UninstallApp::uninstallApp(*app, plan, *QnAuthorization::makeDoor(), never, &reason));
+    EXPECT_EQ(reason, "changed since the scan");
+    EXPECT_FALSE(isThere(tree.at("Library/com.e.App")));
+    EXPECT_TRUE(isThere(tree.at("home/Library/Caches/com.e.App")) && isThere(app->path));
+    EXPECT_TRUE(bundles.uninstallApp(*app));
+    EXPECT_FALSE(isThere(app->path) || isThere(tree.at("home/Library/Caches/com.e.App")));
+}
+
+TEST_F(Uninstalling, MovesProgramsToTheTrashAndLeftoversOnlyOfWhatIsGone) {
+    machine.program("opt/game/bin/game");
+    machine.program("opt/stays/bin/stays");
+    for (const char* const name : {"game", "stays"})
+        machine.entry(name, "Exec=" + tree.at(std::string("opt/") + name + "/bin/" + name));
+    AppItemsArray apps =
+        UninstallAppInfo(UninstallAppDelegate(files, parts.home, &applications, parts.root))
+            .allAppsInfo();
+    ASSERT_EQ(apps.size(), 2U);
+    std::vector<Leftover> left;
+    for (const auto& [of, isInstalled] :
+         {std::pair("game", true), std::pair("stays", true), std::pair("gone", false)}) {
+        (void)tree.write(std::string("home/.config/") + of + "/x", "1");
+        Leftover& each = left.emplace_back();
+        each.path = tree.at(std::string("home/.config/") + of);
+        each.of = of;
+        each.isInstalled = isInstalled;
+        each.identity = EntryIdentity::of(attributesOf(each.path));
+    }
+    const auto plan = planUninstall(parts, apps, apps, never);
+    ASSERT_EQ(plan.apps[0].entries.size(), 2U) << "the folder and its entry";
+    (void)tree.write("elsewhere", "");
+    std::filesystem::rename(tree.at("opt/stays"), tree.at("opt/other"));
+    (void)tree.folder("opt/stays");
+    const auto outcome = runUninstall(parts, plan, left, doors, never, {});
+    EXPECT_FALSE(outcome.worked());
+    EXPECT_FALSE(outcome.hasDoorFailed()) << "a password would help nothing";
+    EXPECT_THAT(namesIn(tree.at("home/.config")), ElementsAre("stays"));
+    EXPECT_THAT(namesIn(tree.at("usr/share/applications")), ElementsAre("stays.desktop"));
+    EXPECT_THAT(namesIn(tree.at("home/.local/share/Trash/files")),
+                ElementsAre("game", "game 2", "game.desktop", "gone"));
+}
+
+TEST_F(Uninstalling, NeverRemovesTheVendorsOwnAndThisProgram) {
+    (void)tree.write("Apps/T.app/x", "1");
+    const auto vendors =
+        item(ApplicationType::App, "com.kelpford.TidewrackPro", tree.at("Apps/T.app"));
+    vendors->bundleVersion = "3.0";
+    EXPECT_EQ(run({vendors}).apps[0].removal.state, State::Refused);
+    EXPECT_TRUE(isThere(vendors->path));
+    vendors->bundleVersion = "3.1";
+    EXPECT_TRUE(run({vendors}).worked());
+    ApplicationRecord own;
+    own.isOurs = true;
+    own.path = tree.at("home");
+    EXPECT_EQ(run({UninstallAppDelegate::itemOf(own)}).apps[0].removal.state, State::Refused);
+    EXPECT_EQ(run({item(ApplicationType::Snap, "code")}).apps[0].removal.reason,
+              "The snap service is not there");
+}
+
+}  // namespace
+}  // namespace orrinvale
