@@ -213,6 +213,197 @@
     </message>
 </context>
 <context>
+    <name>PreferenceViews</name>
+    <message>
+        <source>Bytes</source>
+        <translation>Byte</translation>
+    </message>
+    <message>
+        <source>Cleaning</source>
+        <translation>Aufräumen</translation>
+    </message>
+    <message>
+        <source>Off</source>
+        <translation>Aus</translation>
+    </message>
+    <message>
+        <source>On</source>
+        <translation>Ein</translation>
+    </message>
+    <message>
+        <source>Some</source>
+        <translation>Teils</translation>
+    </message>
+    <message>
+        <source>Some entries of this category are ticked on the page Clean.</source>
+        <translation>Auf der Seite „Aufräumen“ sind einige Einträge dieser Kategorie angekreuzt.</translation>
+    </message>
+    <message>
+        <source>Warnings</source>
+        <translation>Warnungen</translation>
+    </message>
+    <message>
+        <source>Tell me on the desktop</source>
+        <translation>Auf dem Schreibtisch melden</translation>
+    </message>
+    <message>
+        <source>Free space</source>
+        <translation>Freier Platz</translation>
+    </message>
+    <message>
+        <source>A disk with less than that is marked.</source>
+        <translation>Ein Datenträger mit weniger wird hervorgehoben.</translation>
+    </message>
+    <message>
+        <source>A word when a disk falls to this level.</source>
+        <translation>Eine Meldung, wenn ein Datenträger auf diese Stufe fällt.</translation>
+    </message>
+    <message>
+        <source>Free memory</source>
+        <translation>Freier Speicher</translation>
+    </message>
+    <message>
+        <source>Memory is marked when less than that is free.</source>
+        <translation>Der Arbeitsspeicher wird hervorgehoben, wenn weniger frei ist.</translation>
+    </message>
+    <message>
+        <source>Duplicates</source>
+        <translation>Duplikate</translation>
+    </message>
+    <message>
+        <source>Unit of the size</source>
+        <translation>Einheit der Größe</translation>
+    </message>
+    <message>
+        <source>Search hidden files too</source>
+        <translation>Auch verborgene Dateien durchsuchen</translation>
+    </message>
+    <message>
+        <source>Search the system&apos;s files too</source>
+        <translation>Auch Dateien des Systems durchsuchen</translation>
+    </message>
+    <message>
+        <source>Compare once more before removing</source>
+        <translation>Vor dem Entfernen noch einmal vergleichen</translation>
+    </message>
+    <message>
+        <source>Files larger than</source>
+        <translation>Dateien größer als</translation>
+    </message>
+    <message>
+        <source>With 0 files of any size are compared.</source>
+        <translation>Bei 0 werden Dateien jeder Größe verglichen.</translation>
+    </message>
+    <message>
+        <source>A copy goes only if it still has the same bytes as the one that stays.</source>
+        <translation>Eine Kopie geht nur, wenn sie noch dieselben Bytes hat wie die, die bleibt.</translation>
+    </message>
+    <message>
+        <source>Disk usage</source>
+        <translation>Plattenbelegung</translation>
+    </message>
+    <message>
+        <source>Stay on one file system</source>
+        <translation>Auf einem Dateisystem bleiben</translation>
+    </message>
+    <message>
+        <source>List from</source>
+        <translation>Auflisten ab</translation>
+    </message>
+    <message>
+        <source>Smaller entries are added up in one line.</source>
+        <translation>Kleinere Einträge werden in einer Zeile zusammengezählt.</translation>
+    </message>
+    <message>
+        <source>Other disks that are mounted in a folder are left out.</source>
+        <translation>Andere Datenträger, die in einem Ordner eingehängt sind, bleiben weg.</translation>
+    </message>
+    <message>
+        <source>Updates</source>
+        <translation>Aktualisierungen</translation>
+    </message>
+    <message>
+        <source>Look for updates by itself</source>
+        <translation>Selbst nach Aktualisierungen sehen</translation>
+    </message>
+    <message>
+        <source>Every day</source>
+        <translation>Jeden Tag</translation>
+    </message>
+    <message>
+        <source>Every week</source>
+        <translation>Jede Woche</translation>
+    </message>
+    <message>
+        <source>Every month</source>
+        <translation>Jeden Monat</translation>
+    </message>
+    <message>
+        <source>How often</source>
+        <translation>Wie oft</translation>
+    </message>
+    <message>
+        <source>General</source>
+        <translation>Allgemein</translation>
+    </message>
+    <message>
+        <source>Start at login</source>
+        <translation>Bei der Anmeldung starten</translation>
+    </message>
+    <message>
+        <source>Start hidden</source>
+        <translation>Verborgen starten</translation>
+    </message>
+    <message>
+        <source>Hide the tray icon</source>
+        <translation>Symbol im Infobereich verbergen</translation>
+    </message>
+    <message>
+        <source>As the desktop</source>
+        <translation>Wie der Schreibtisch</translation>
+    </message>
+    <message>
+        <source>Light</source>
+        <translation>Hell</translation>
+    </message>
+    <message>
+        <source>Dark</source>
+        <translation>Dunkel</translation>
+    </message>
+    <message>
+        <source>Log each step of a search</source>
+        <translation>Jeden Schritt einer Suche protokollieren</translation>
+    </message>
+    <message>
+        <source>Started at login, it stays in the tray without a window.</source>
+        <translation>Bei der Anmeldung gestartet, bleibt es ohne Fenster im Infobereich.</translation>
+    </message>
+    <message>
+        <source>Colours</source>
+        <translation>Farben</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <translation>Sprache</translation>
+    </message>
+    <message>
+        <source>From the next start on.</source>
+        <translation>Vom nächsten Start an.</translation>
+    </message>
+    <message>
+        <source>For reports of faults. What is removed is always logged.</source>
+        <translation>Für Fehlerberichte. Was entfernt wird, wird immer protokolliert.</translation>
+    </message>
+    <message>
+        <source>Everything here holds as soon as you change it</source>
+        <translation>Alles hier gilt, sobald Sie es ändern</translation>
+    </message>
+    <message>
+        <source>Its entries are ticked on the page Clean.</source>
+        <translation>Ihre Einträge sind auf der Seite „Aufräumen“ angekreuzt.</translation>
+    </message>
+</context>
+<context>
     <name>PreviewWindow</name>
     <message>
         <source>This file is missing.</source>
@@ -1366,6 +1557,56 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Click lock to get a higer privileges.</source>
         <translation>Klicken Sie auf das Schloss, um höhere Rechte zu erhalten.</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::PreferenceGroup</name>
+    <message>
+        <source>Restore Defaults</source>
+        <translation>Vorgaben wiederherstellen</translation>
+    </message>
+    <message>
+        <source>Restore the defaults of %1</source>
+        <translation>Vorgaben von %1 wiederherstellen</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::PreferencePage</name>
+    <message>
+        <source>less than %1</source>
+        <translation>weniger als %1</translation>
+    </message>
+    <message>
+        <source>Nothing on this desktop shows such an icon.</source>
+        <translation>Nichts auf diesem Schreibtisch zeigt ein solches Symbol.</translation>
+    </message>
+    <message>
+        <source>Nothing on this desktop shows such words.</source>
+        <translation>Nichts auf diesem Schreibtisch zeigt solche Meldungen.</translation>
+    </message>
+    <message>
+        <source>The page Disk Usage is still to come.</source>
+        <translation>Die Seite „Plattenbelegung“ kommt noch.</translation>
+    </message>
+    <message>
+        <source>This version does not look for updates yet.</source>
+        <translation>Diese Version sieht noch nicht nach Aktualisierungen.</translation>
+    </message>
+    <message>
+        <source>Nothing here starts it at login.</source>
+        <translation>Nichts hier startet es bei der Anmeldung.</translation>
+    </message>
+    <message>
+        <source>Not saved: %1. It holds until the program ends.</source>
+        <translation>Nicht gespeichert: %1. Es gilt, bis das Programm endet.</translation>
+    </message>
+    <message>
+        <source>Preferences</source>
+        <translation>Einstellungen</translation>
+    </message>
+    <message>
+        <source>The entry for the login could not be changed.</source>
+        <translation>Der Eintrag für die Anmeldung konnte nicht geändert werden.</translation>
     </message>
 </context>
 <context>

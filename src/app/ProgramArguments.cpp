@@ -30,6 +30,9 @@ constexpr const char* help =
     "                 of Fast Clean, which waits for a click; eject-all: eject what can be "
     "ejected;\n"
     "                 quit: end the running program\n"
+    "  --at-login     said by the entry that starts the program at login; with \"Start hidden\" in "
+    "the\n"
+    "                 preferences it then shows no window\n"
     "  --help         this text\n"
     "  --version      the version\n"
     "\n"
@@ -72,6 +75,7 @@ private:
         else if (option == "--version") m_out.toPrint = "orrinvale " ORRINVALE_VERSION "\n";
         else if (option == "--action") takeAction(m_next < m_end ? *m_next++ : "");
         else if (option.starts_with("--action=")) takeAction(option.substr(option.find('=') + 1));
+        else if (option == "--at-login") takeAtLogin();
         else if (option == "-session" && m_next < m_end)
             ++m_next;  // of the session manager, for the toolkit
         else
@@ -86,6 +90,12 @@ private:
         else if (m_out.request.kind != StartRequest::Kind::Activate)
             m_out.fault = "more than one thing is asked for";
         else m_out.request = {StartRequest::Kind::Action, std::string(name), {}};
+    }
+
+    // A folder beside it is what counts.
+    void takeAtLogin() {
+        if (m_out.request.kind == StartRequest::Kind::Activate)
+            m_out.request = {StartRequest::Kind::Action, std::string(startAction::atLogin), {}};
     }
 
     // "fr" wants a size behind it. Alone it asks for nothing, unless it names a folder.

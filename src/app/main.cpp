@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 
 #include "app/Desktop.h"
 #include "app/ProgramArguments.h"
@@ -17,8 +18,12 @@
 #include "engine/cleaning/QnAuthorization.h"
 #include "engine/cleaning/makeFolderUtilities.h"
 #include "engine/largefiles/Controller.h"
+#include "engine/loginitems/AutostartItems.h"
+#include "engine/loginitems/LoginItemRegistry.h"
+#include "engine/loginitems/removeLoginItem.h"
 #include "engine/memory/ClearMemory.h"
 #include "engine/settings/PreferenceViewController.h"
+#include "engine/settings/SettingsKeys.h"
 #include "engine/settings/UserDefaults.h"
 #include "engine/settings/UserFolders.h"
 #include "engine/text/UtilityFunction.h"
@@ -27,6 +32,7 @@
 #include "platform/linux/LinuxFiles.h"
 #include "platform/linux/LinuxFolders.h"
 #include "platform/linux/LinuxHotKeys.h"
+#include "platform/linux/LinuxLoginItems.h"
 #include "platform/linux/LinuxMemory.h"
 #include "platform/linux/LinuxMountChanges.h"
 #include "platform/linux/LinuxPermissions.h"
@@ -46,11 +52,14 @@
 #include "ui/kit/look/Theme.h"
 #include "ui/kit/look/Translations.h"
 #include "ui/preferences/AppPrefsWindowController.h"
+#include "ui/preferences/PreferencePage.h"
+#include "ui/preferences/chosenLook.h"
 #include "ui/shell/AppDelegate.h"
 #include "ui/shell/FileIcons.h"
 #include "ui/shell/FileManager.h"
 #include "ui/shell/MyNSApplication.h"
 #include "ui/shell/StallCounter.h"
+#include "ui/tray/Tray.h"
 #include "ui/volumes/FreeSpacePage.h"
 
 namespace orrinvale {
@@ -86,6 +95,7 @@ struct Shared {
     SystemWatch systemWatch{volumes, memory, mainQueue};
     Ejections ejections{volumes, mainQueue};
     LinuxHotKeys hotKeys;
+    AutostartItems loginItems{linuxLoginItemFolders()};
     WindowDialogs dialogs;
     FileIcons icons;
 };
@@ -103,6 +113,13 @@ void connectEngine(Shared& shared) {
             notice::changeLockState.post(shared.notifications);
         });
     });
+    LoginItemRegistry::setParts(
+        {.items = &shared.loginItems,
+         .remove =
+             [&shared](const LoginItemRecord& item) {
+                 return removeLoginItem(shared.files, item, programFiles(), userStateFolder());
+             },
+         .waitOneSecond = [] { std::this_thread::sleep_for(std::chrono::seconds(1)); }});
     Controller::getController().setParts({.files = &shared.files,
                                           .mainQueue = &shared.mainQueue,
                                           .ownFiles = programFiles(),
@@ -164,23 +181,29 @@ void preparePages(const AppDelegateParts& parts, AppDelegate& delegate) {
     pages.registerPage(duplicatePage(parts.pages));
     pages.registerPage(
         freeSpacePage(parts.pages, {.watch = parts.systemWatch, .ejections = parts.ejections}));
+    pages.registerPage(preferencePage(
+        parts.pages,
+        {.hasTray =
+             [&delegate] { return delegate.tray() != nullptr && delegate.tray()->hasHost(); },
+         .hasDesktopNotes = parts.desktopNotifications != nullptr,
+         .hasDiskUsage = pages.hasPage(QStringLiteral("disk_usage"))}));
 }
 
 int runWindow(int argc, char** argv, const StartRequest& request,
               std::unique_ptr<ProgramInstance> instance) {
     // A line for each file of a search would fill the desktop's journal; what is removed is always
     // logged.
-    Log::setEngineEnabled(qEnvironmentVariableIntValue("ORRINVALE_LOG") == 1);
+    Log::setEngineEnabled(wantsEngineLog());
     // The toolkit would hang with a bus that hangs, and start one where there is none.
     const bool hasBus = instance->hasSessionBus();
     if (!hasBus) qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
     MyNSApplication application(argc, argv);
-    const Translations translations;
+    const Translations translations(chosenLanguages());
     QCoreApplication::setApplicationName(QStringLiteral("Orrinvale"));
     QCoreApplication::setApplicationVersion(QStringLiteral(ORRINVALE_VERSION));
     QGuiApplication::setDesktopFileName(QString::fromLatin1(programBusName));
     QGuiApplication::setQuitOnLastWindowClosed(false);  // a closed window waits to be opened again
-    Theme::shared().setScheme(Theme::desktopScheme());
+    Theme::shared().setChosenScheme(chosenScheme());
     Theme::shared().install(application);
     // It looks at every event, so that it is there only where somebody asks.
     std::optional<StallCounter> stalls;
@@ -202,7 +225,8 @@ int runWindow(int argc, char** argv, const StartRequest& request,
     const EndSignals signals([&delegate](int signal) { delegate.endBySignal(signal); });
     QObject::connect(&application, &QGuiApplication::commitDataRequest, &delegate,
                      [&defaults] { static_cast<void>(defaults.synchronize()); });
-    delegate.applicationWillFinishLaunching();
+    delegate.applicationWillFinishLaunching(request.isAction(startAction::atLogin) &&
+                                            defaults.boolForKey(ZvLoginItemIsHide));
     delegate.applicationDidFinishLaunching();
     service.emplace(*instance, [&delegate](const StartRequest& each) { delegate.perform(each); });
     if (request.kind != StartRequest::Kind::Activate) delegate.perform(request);

@@ -3,7 +3,6 @@
 
 #include <fmt/format.h>
 #include <pwd.h>
-#include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -16,6 +15,7 @@
 #include "cli/CleanRemoval.h"
 #include "cli/Output.h"
 #include "cli/SearchWatch.h"
+#include "cli/askYes.h"
 #include "engine/base/saturating.h"
 #include "engine/cleaning/FolderUtilities.h"
 #include "engine/cleaning/ScanErrand.h"
@@ -70,7 +70,6 @@ std::optional<std::string> closedCategory(const std::vector<ScannedCategory>& sc
     return std::nullopt;
 }
 
-// What was typed before the question is no answer to it.
 bool isAgreed(const std::vector<ScannedCategory>& scanned) {
     std::size_t rows = 0;
     std::uint64_t bytes = 0;
@@ -78,15 +77,8 @@ bool isAgreed(const std::vector<ScannedCategory>& scanned) {
         rows += each.listing.rows.size();
         addSaturating(bytes, each.listing.bytes);
     }
-    ::tcflush(STDIN_FILENO, TCIFLUSH);
-    Output(STDERR_FILENO)
-        .write(fmt::format("Remove {} {}, {}, for good? [y/N] ", rows,
-                           rows == 1 ? "entry" : "entries",
-                           UtilityFunction::convertVolSpace(bytes)));
-    std::string answer;
-    char typed = 0;
-    while (::read(STDIN_FILENO, &typed, 1) == 1 && typed != '\n') answer += typed;
-    return answer == "y" || answer == "Y" || answer == "yes";
+    return askYes(fmt::format("Remove {} {}, {}, for good?", rows, rows == 1 ? "entry" : "entries",
+                              UtilityFunction::convertVolSpace(bytes)));
 }
 
 // Of the person whom sudo or pkexec made root, and whose list of what is kept holds as well.

@@ -40,12 +40,18 @@ struct StatusMeaning {
 struct OptionSpec {
     std::string_view names;     ///< "--json", "-0,--print0"; a bare name such as "FOLDER" is an
                                 ///< argument that must be given, one such as "PATH..." an argument
-                                ///< that must be given and may be repeated
+                                ///< that must be given and may be repeated, one such as
+                                ///< "[WORD...]" an argument that may be left out too
     std::string_view argument;  ///< what the option takes ("SIZE"); empty for a flag; with dots
                                 ///< behind it ("PATH...") the option may be given several times;
                                 ///< in brackets ("[ID]") it may be left out
     std::string_view help;
 };
+
+/// The name of an argument without the brackets of one that may be left out.
+[[nodiscard]] constexpr std::string_view unbracketed(std::string_view name) {
+    return name.starts_with('[') ? name.substr(1, name.size() - 2) : name;
+}
 
 /// What was given on the command line.
 class Arguments final {

@@ -6,7 +6,9 @@
 #include "cli/DuplicatesCommand.h"
 #include "cli/EjectCommand.h"
 #include "cli/LargeCommand.h"
+#include "cli/LoginItemsCommand.h"
 #include "cli/MemoryCommand.h"
+#include "cli/SettingsCommand.h"
 #include "cli/SizeCommand.h"
 #include "cli/UsageCommand.h"
 #include "cli/VolumesCommand.h"
@@ -23,6 +25,8 @@ CommandSet::CommandSet() {
     m_commands.push_back(std::make_unique<VolumesCommand>(m_volumes));
     m_commands.push_back(std::make_unique<EjectCommand>(m_volumes));
     m_commands.push_back(std::make_unique<MemoryCommand>(m_memory, purgePrograms()));
+    m_commands.push_back(std::make_unique<SettingsCommand>(m_files));
+    m_commands.push_back(std::make_unique<LoginItemsCommand>(m_files));
 }
 
 }  // namespace orrinvale::cli

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "engine/text/utf8.h"
 #include "platform/error.h"
 
 namespace orrinvale::cli {
@@ -48,8 +49,7 @@ void appendJsonPath(std::string& out, std::string_view path, std::string_view fi
 /// The members of a JSON array of what was skipped, each with its path and reason.
 void appendJsonSkipped(std::string& out, const std::vector<Error>& skipped);
 
-/// Length of the valid UTF-8 sequence at the start of the bytes; 0 when there is none.
-[[nodiscard]] std::size_t validSequence(std::string_view bytes);
+using orrinvale::validSequence;
 
 /// The text for a terminal, so that no name can command it or pass for another: byte by byte as
 /// \xHH stands what is not UTF-8, what controls the terminal, what turns the direction of writing,

@@ -32,16 +32,18 @@ std::string keyOf(std::string_view names) {
     std::string_view last =
         names.substr(names.rfind(',') == std::string_view::npos ? 0 : names.rfind(',') + 1);
     while (last.starts_with('-')) last.remove_prefix(1);
+    last = unbracketed(last);
     if (last.ends_with(repeated)) last.remove_suffix(repeated.size());
     return std::string(last);
 }
 
 CLI::Option* declare(CLI::App& app, const OptionSpec& spec) {
-    const std::string names(spec.names);
+    const std::string_view argument = unbracketed(spec.names);
+    const std::string names(argument);
     const std::string help(spec.help);
-    if (spec.names.ends_with(repeated))
+    if (argument.ends_with(repeated))
         return app.add_option(keyOf(names), help)
-            ->required()
+            ->required(argument.size() == spec.names.size())
             ->type_name("")
             ->expected(CLI::detail::expected_max_vector_size);
     if (!names.starts_with('-')) return app.add_option(names, help)->required()->type_name("");

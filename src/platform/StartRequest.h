@@ -18,6 +18,8 @@ inline constexpr std::string_view fastClean =
 inline constexpr std::string_view uninstall = "uninstall";  ///< shows that page
 inline constexpr std::string_view ejectAll = "eject-all";
 inline constexpr std::string_view quit = "quit";
+inline constexpr std::string_view atLogin =
+    "at-login";  ///< asked for by an option of its own: a login has started it
 }  // namespace startAction
 
 struct StartRequest {

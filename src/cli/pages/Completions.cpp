@@ -111,9 +111,10 @@ std::string zshCase(const CommandForms& command) {
     for (const OptionForms& option : allOptions(command))
         out += " \\\n                " + zshOption(option);
     for (const OptionSpec& argument : command.arguments) {
-        const bool repeated = argument.names.ends_with("...");
-        out += fmt::format(" \\\n                '{}:{}:{}'", repeated ? "*" : "",
-                           zshText(argument.names), zshKind(kindOf(argument.names)));
+        const std::string_view name = unbracketed(argument.names);
+        const bool repeated = name.ends_with("...");
+        out += fmt::format(" \\\n                '{}:{}:{}'", repeated ? "*" : "", zshText(name),
+                           zshKind(kindOf(name)));
     }
     return out + " ;;\n";
 }

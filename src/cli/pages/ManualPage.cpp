@@ -83,8 +83,8 @@ std::string commandSection(const CommandForms& command) {
     out += sentences(command.description);
     for (const OptionForms& option : command.options) out += optionEntry(option);
     for (const OptionSpec& argument : command.arguments)
-        out +=
-            fmt::format(".TP\n{}\n{}", slanted(argument.names), sentences(closed(argument.help)));
+        out += fmt::format(".TP\n{}\n{}", slanted(unbracketed(argument.names)),
+                           sentences(closed(argument.help)));
     return out;
 }
 

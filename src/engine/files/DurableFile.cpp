@@ -219,9 +219,12 @@ Result<bool> DurableFile::takeTemporary() {
     return true;
 }
 
-Result<void> DurableFile::commit(std::string_view bytes) {
+Result<void> DurableFile::commit(std::string_view bytes, const Replacing& how) {
+    constexpr mode_t permissions = 0777;
+    if (how.mode && ::fchmod(m_file.get(), *how.mode & permissions) != 0)
+        return failure("chmod", errno);
     if (auto written = writeWhole(bytes); !written) return written;
-    if (auto free = checkReplaceable(); !free) return free;
+    if (auto free = checkReplaceable(how.givesWayAsLink); !free) return free;
     if (::renameat(m_folder.get(), (m_name + ".new").c_str(), m_folder.get(), m_name.c_str()) != 0)
         return failure("rename", errno);
     m_file.reset();
@@ -249,13 +252,14 @@ Result<void> DurableFile::writeWhole(std::string_view bytes) const {
     return {};
 }
 
-Result<void> DurableFile::checkReplaceable() const {
+Result<void> DurableFile::checkReplaceable(bool mayBeLink) const {
     struct stat status {};
     if (::fstatat(m_folder.get(), m_name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
         if (errno == ENOENT) return {};
         return failure("stat", errno);
     }
-    if (!S_ISREG(status.st_mode)) return tl::unexpected(notRegular("rename", m_path));
+    const bool isWell = S_ISREG(status.st_mode) || (mayBeLink && S_ISLNK(status.st_mode));
+    if (!isWell) return tl::unexpected(notRegular("rename", m_path));
     if (status.st_uid != ::geteuid()) return failure("rename", EPERM);
     return {};
 }

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -52,6 +53,12 @@ public:
     /// ELOOP when there is no end.
     [[nodiscard]] static Result<std::string> behindOwnLinks(const std::string& path);
 
+    /// What commit() does beside replacing the bytes.
+    struct Replacing {
+        std::optional<unsigned> mode = std::nullopt;  ///< of the new file; nothing for 0600
+        bool givesWayAsLink = false;  ///< a link of this user's goes, what it leads to stays
+    };
+
     /// begin() and commit().
     [[nodiscard]] static Result<void> save(const std::string& path, std::string_view bytes);
 
@@ -74,7 +81,8 @@ public:
 
     /// Success means: the new bytes are on the disk under the file's name. After an error they may
     /// stand there all the same, when only the folder could not be flushed. Once only.
-    [[nodiscard]] Result<void> commit(std::string_view bytes);
+    [[nodiscard]] Result<void> commit(std::string_view bytes) { return commit(bytes, {}); }
+    [[nodiscard]] Result<void> commit(std::string_view bytes, const Replacing& how);
 
 private:
     DurableFile(std::string path, Descriptor folder);
@@ -82,7 +90,7 @@ private:
     [[nodiscard]] tl::unexpected<Error> failure(std::string_view operation, int number) const;
     [[nodiscard]] Result<bool> takeTemporary();
     [[nodiscard]] Result<void> writeWhole(std::string_view bytes) const;
-    [[nodiscard]] Result<void> checkReplaceable() const;
+    [[nodiscard]] Result<void> checkReplaceable(bool mayBeLink = false) const;
     [[nodiscard]] Result<void> putAside() const;
 
     std::string m_path;

@@ -13,15 +13,31 @@ constexpr float kAlarm = 0.1F;
 
 const SettingValues& registered() {
     using Int = std::int64_t;
-    static const auto* const values = new SettingValues{
-        {ZvSpaceAlarmKey, kAlarm},        {ZvMemoryAlarmKey, kAlarm},  {ZvSystemCachesKey, true},
-        {ZvUserCachesKey, true},          {ZvSystemLogsKey, true},     {ZvUserLogsKey, true},
-        {ZvUserTrashKey, false},          {ZvUserDownloadsKey, false}, {ZvLoginItemIsHide, false},
-        {ZvLoginCheckKey, Int{0}},        {ZvMyMacClicked, Int{1}},    {ZvLastClickRow, Int{0}},
-        {ZvToobarItem, Int{0}},           {ZvToobarItem_app, Int{0}},  {ZvDuplicationLimit, Int{0}},
-        {ZvDuplicatesUnit, Int{2}},       {ZvHidenDuplication, false}, {ZvSystemDuplication, false},
-        {ZvShowStatusItem, false},        {ZvDiskUsageLimit, Int{1}},  {ZvDiskUsageUnit, Int{2}},
-        {compareBeforeRemovingKey, true}, {spaceWarningsKey, true}};
+    static const auto* const values = new SettingValues{{ZvSpaceAlarmKey, kAlarm},
+                                                        {ZvMemoryAlarmKey, kAlarm},
+                                                        {ZvSystemCachesKey, true},
+                                                        {ZvUserCachesKey, true},
+                                                        {ZvSystemLogsKey, true},
+                                                        {ZvUserLogsKey, true},
+                                                        {ZvUserTrashKey, false},
+                                                        {ZvUserDownloadsKey, false},
+                                                        {ZvLoginItemIsHide, false},
+                                                        {ZvLoginCheckKey, Int{0}},
+                                                        {ZvMyMacClicked, Int{1}},
+                                                        {ZvLastClickRow, Int{0}},
+                                                        {ZvToobarItem, Int{0}},
+                                                        {ZvToobarItem_app, Int{0}},
+                                                        {ZvDuplicationLimit, Int{0}},
+                                                        {ZvDuplicatesUnit, Int{2}},
+                                                        {ZvHidenDuplication, false},
+                                                        {ZvSystemDuplication, false},
+                                                        {ZvShowStatusItem, false},
+                                                        {ZvDiskUsageLimit, Int{1}},
+                                                        {ZvDiskUsageUnit, Int{2}},
+                                                        {compareBeforeRemovingKey, true},
+                                                        {spaceWarningsKey, true},
+                                                        {oneFileSystemKey, true},
+                                                        {logKey, false}};
     return *values;
 }
 
@@ -32,8 +48,20 @@ UserDefaults& defaults() {
 }
 
 Result<void> store(SettingValue value, const char* key) {
-    defaults().setValue(std::move(value), key);
-    return defaults().synchronize();
+    return PreferenceViewController::storeSetting(std::move(value), key);
+}
+
+// What a key that is not registered reads as in the program where it holds nothing.
+const SettingValues& unregistered() {
+    using Int = std::int64_t;
+    constexpr Int weekly = 604'800;
+    static const auto* const values = new SettingValues{{SUEnableAutomaticChecks, false},
+                                                        {SUScheduledCheckInterval, weekly},
+                                                        {themeKey, std::string(followsDesktop)},
+                                                        {languageKey, std::string(followsDesktop)},
+                                                        {ZvDisplayTypeKey, Int{0}},
+                                                        {DBPreferencesToolbarKey, Int{0}}};
+    return *values;
 }
 
 SettingObject objectOf(const char* key) { return defaults().objectForKey(key); }
@@ -46,6 +74,22 @@ void PreferenceViewController::initialize() {
     // An error here is one of reading, which synchronize() has logged; the registered values hold
     // all the same.
     (void)defaults().synchronize();
+}
+
+Result<void> PreferenceViewController::storeSetting(SettingValue value, std::string_view key) {
+    defaults().setValue(std::move(value), key);
+    return defaults().synchronize();
+}
+
+SettingObject PreferenceViewController::usualSetting(std::string_view key) {
+    for (const SettingValues* const values : {&registered(), &unregistered()})
+        if (const auto found = values->find(key); found != values->end()) return found->second;
+    return std::nullopt;
+}
+
+SettingValue PreferenceViewController::settingInForce(std::string_view key) {
+    if (SettingObject value = defaults().objectForKey(key)) return *std::move(value);
+    return usualSetting(key).value_or(SettingValue());
 }
 
 Result<void> PreferenceViewController::setSystemCashesClicked(SettingValue number) {

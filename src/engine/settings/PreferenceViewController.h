@@ -3,11 +3,15 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "engine/settings/SettingValue.h"
 #include "platform/error.h"
 
 namespace orrinvale {
+
+/// The value of the settings "theme" and "language" that leaves it to the desktop.
+inline constexpr std::string_view followsDesktop = "desktop";
 
 /// Everything works on UserDefaults::standardUserDefaults(), on any thread. A setter with a result
 /// has synchronized: its success means that the value is on the disk. The others leave that to
@@ -17,6 +21,13 @@ public:
     /// Registers what each setting is before the user changes it, and synchronizes. Every accessor
     /// here makes sure of it; call it at the start, because pages also read keys directly.
     static void initialize();
+
+    /// Sets it and synchronizes.
+    [[nodiscard]] static Result<void> storeSetting(SettingValue value, std::string_view key);
+    /// What the key reads as before anybody changes it; nothing for one that holds nothing then.
+    [[nodiscard]] static SettingObject usualSetting(std::string_view key);
+    /// What it reads as now; false where it holds nothing and nothing is usual.
+    [[nodiscard]] static SettingValue settingInForce(std::string_view key);
 
     // The six categories of the cleaning page: 0 nothing, 1 everything, 2 some of it ticked. A
     // getter hands back the stored value itself, which as a condition asks for presence: a stored 0

@@ -65,6 +65,13 @@ inline constexpr const char* warnedVolumesKey =
 /// means that it asks.
 inline constexpr const char* keepRunningKey = "keepRunning";
 
+/// Boolean: the disk usage page stays on the file system that its scan starts on.
+inline constexpr const char* oneFileSystemKey = "oneFileSystem";
+inline constexpr const char* logKey =
+    "log";  ///< boolean: a line in the log for each step of a search
+inline constexpr const char* themeKey = "theme";        ///< text: desktop, light or dark
+inline constexpr const char* languageKey = "language";  ///< text: desktop, en or de
+
 // Of the preferences window.
 inline constexpr const char* openAtStartupKey = "openAtStartup";  ///< boolean: open it at start
 inline constexpr const char* fadeKey = "fade";                    ///< boolean: panes cross-fade

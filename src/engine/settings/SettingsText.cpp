@@ -206,6 +206,8 @@ std::string_view takeLine(std::string_view& text) {
 
 }  // namespace
 
+std::string printSetting(const SettingValue& value) { return printed(value); }
+
 std::string printSettings(const SettingValues& values) {
     std::string out(kHead);
     for (const auto& [key, value] : values) {

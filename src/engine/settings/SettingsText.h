@@ -20,6 +20,9 @@ inline constexpr std::size_t kSettingsTextLimit = std::size_t{1} << 20U;
 /// than letters, digits, _ . and - is quoted like a text.
 [[nodiscard]] std::string printSettings(const SettingValues& values);
 
+/// One value as it stands there behind the "=".
+[[nodiscard]] std::string printSetting(const SettingValue& value);
+
 /// What a text holds.
 struct ParsedSettings {
     SettingValues values;

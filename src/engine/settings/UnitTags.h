@@ -25,4 +25,16 @@ namespace orrinvale {
     return limit * sizeUnitFactor(tag);
 }
 
+/// The limit of the duplicate search in bytes. Nobody compares an old result with it, so that a TB
+/// is one here; what is beyond 64 bits is the largest number, and nothing below 0 counts.
+[[nodiscard]] constexpr std::uint64_t duplicateSizeLimit(std::int64_t limit, std::int64_t tag) {
+    constexpr std::int64_t terabytes = 4;
+    constexpr std::uint64_t terabyte = 1'000'000'000'000;
+    if (limit <= 0) return 0;
+    const std::uint64_t factor = tag == terabytes ? terabyte : sizeUnitFactor(tag);
+    const auto number = static_cast<std::uint64_t>(limit);
+    constexpr std::uint64_t most = ~std::uint64_t{0};
+    return number > most / factor ? most : number * factor;
+}
+
 }  // namespace orrinvale

@@ -14,6 +14,7 @@
 #include "engine/base/notices.h"
 #include "engine/duplicates/DuplicateFilesOpt.h"
 #include "engine/settings/SettingsKeys.h"
+#include "engine/settings/UnitTags.h"
 #include "engine/settings/UserDefaults.h"
 #include "engine/text/UtilityFunction.h"
 #include "platform/files.h"
@@ -232,13 +233,14 @@ void SameFileDeleteViewController::searchBtnClicked() {
     const SearchOption option{.searchHidden = m_parts.defaults->boolForKey(ZvHidenDuplication),
                               .searchSystem = m_parts.defaults->boolForKey(ZvSystemDuplication)};
     m_duplicateOpt->setSearchOption(&option);
-    // Files of any size count; the limit of the settings belongs to other pages.
-    constexpr std::uint64_t anySize = 0;
+    const std::uint64_t limit =
+        duplicateSizeLimit(m_parts.defaults->integerForKey(ZvDuplicationLimit),
+                           m_parts.defaults->integerForKey(ZvDuplicatesUnit));
     m_twDuplicateSearch = runAside(
         this, "searchDuplicateFiles:worker:",
-        [search = m_duplicateOpt, path = m_searchPath, old] {
+        [search = m_duplicateOpt, path = m_searchPath, old, limit] {
             old->free();
-            search->beginSearchAtPath(path, anySize);
+            search->beginSearchAtPath(path, limit);
             std::shared_ptr<SimpleTreeNode> all;
             ResultViews found;  // sorted into its views where the search runs: nothing shows it yet
             if (search->getDuplicateFiles(&all)) found.setResult(std::move(all));

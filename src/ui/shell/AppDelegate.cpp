@@ -68,7 +68,12 @@ AppDelegate::AppDelegate(AppDelegateParts parts, QObject* parent)
 
 AppDelegate::~AppDelegate() = default;
 
-void AppDelegate::applicationWillFinishLaunching() {
+void AppDelegate::applicationWillFinishLaunching(bool isHidden) {
+    if (isHidden) {
+        constexpr int trayPatience = 10'000;  // milliseconds; a desktop that starts is slow
+        QTimer::singleShot(trayPatience, this, &AppDelegate::openMinimisedWithoutTray);
+        return;
+    }
     m_isOpenWindow = true;
     showMainWindow();
 }
@@ -107,6 +112,7 @@ void AppDelegate::addMainFuction() {
     if (!m_parts.pages.defaults->boolForKey(ZvLoginCheckKey))
         UtilityFunction::callSelectNotificationForMainWindowLeft(0);
     startTray();
+    followSettings();
     bringBackWhatIsAside();
 }
 
@@ -146,7 +152,7 @@ void AppDelegate::perform(const StartRequest& request) {
         QTimer::singleShot(0, this, &AppDelegate::quit);
         return;
     }
-    if (m_isLeaving) return;
+    if (m_isLeaving || request.isAction(startAction::atLogin)) return;
     if (request.isAction(startAction::fastClean)) {
         if (m_fastClean) m_fastClean->open();
         return;
@@ -317,7 +323,7 @@ void AppDelegate::onClickUninstall() { showPageOfRow(8, uninstallIdentifier); }
 void AppDelegate::Reference() {
     showPages();
     AppPrefsWindowController::sharedPrefsWindowController().displayViewForIdentifier(
-        QStringLiteral("preferences"), true);
+        preferencesIdentifier, true);
 }
 
 void AppDelegate::help() {

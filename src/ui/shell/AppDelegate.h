@@ -1,6 +1,6 @@
 // AppDelegate: the life of the program, from its window at launch to its end, and what it does when
 // volumes come and go. AppDelegateVolumes.cpp has the volumes, AppDelegateCleaning.cpp Fast Clean,
-// AppDelegateBubbles.cpp the notes.
+// AppDelegateBubbles.cpp the notes, AppDelegatePreferences.cpp what settings change while it runs.
 #pragma once
 
 #include <QObject>
@@ -16,6 +16,7 @@
 #include "engine/base/NotificationCenter.h"
 #include "engine/cleaning/CategoryScan.h"
 #include "engine/removal/AsideJournal.h"
+#include "engine/settings/UserDefaults.h"
 #include "engine/volumes/SystemSight.h"
 #include "engine/volumes/VolumesInfo.h"
 #include "engine/volumes/VolumesManager.h"
@@ -80,8 +81,9 @@ public:
     explicit AppDelegate(AppDelegateParts parts, QObject* parent = nullptr);
     ~AppDelegate() override;
 
-    /// The main window is on the screen first of all, before any volume is looked at.
-    void applicationWillFinishLaunching();
+    /// The main window is on the screen first of all, before any volume is looked at. Hidden there
+    /// is none, and after ten seconds without a tray a minimised one.
+    void applicationWillFinishLaunching(bool isHidden = false);
     void applicationDidFinishLaunching();
 
     void registNSnotification();
@@ -118,6 +120,12 @@ public:
     void onClickScan();
     void onClickUninstall();
     void help();
+
+    // Whether the program starts at login.
+    /// Of a sender with this state, 1 for on.
+    void launchAppWhenLogin(int state);
+    void writeFileOfLaunchAppWhenLogin(const std::string& state);
+    [[nodiscard]] std::string readeFileOfLaunchAppWhenLogin() const;
 
     // Fast Clean.
     void cleaningFile();
@@ -161,6 +169,7 @@ public:
     static inline const QString freeSpaceIdentifier = QStringLiteral("free_space");
     static inline const QString scanIdentifier = QStringLiteral("clean");
     static inline const QString uninstallIdentifier = QStringLiteral("uninstall");
+    static inline const QString preferencesIdentifier = QStringLiteral("preferences");
 
     /// The sentence about a volume that was "mounted" or "unmounted".
     [[nodiscard]] static std::string volumeSentence(const Notification& notification,
@@ -176,6 +185,9 @@ private:
     void refFastCleanItem();
     void refMenuItemWhenDeleteAndAdd();
     void startTray();
+    void followSettings();
+    void openMinimisedWithoutTray();
+    void takeSettings();
     void showPageOfRow(std::int32_t row, const QString& identifier);
     void refApplicationMenu();
     void refEjectAll();
@@ -196,6 +208,7 @@ private:
 
     AppDelegateParts m_parts;
     std::vector<NotificationCenter::Observation> m_observations;
+    std::vector<UserDefaults::Observation> m_settings;
     std::unique_ptr<ApplicationMenu> m_menu;
     std::unique_ptr<DuplicateMainWindowController> m_duplicateMWC;
     std::unique_ptr<FastClean> m_fastClean;

@@ -82,7 +82,7 @@ void AppDelegate::refMenuItemWhenDeleteAndAdd() {
 
 void AppDelegate::refApplicationMenu() {
     const auto& pages = AppPrefsWindowController::sharedPrefsWindowController();
-    m_menu->setHasPreferences(pages.hasPage(QStringLiteral("preferences")));
+    m_menu->setHasPreferences(pages.hasPage(preferencesIdentifier));
     m_menu->setPages(pages.hasPage(scanIdentifier), pages.hasPage(freeSpaceIdentifier),
                      pages.hasPage(uninstallIdentifier));
     m_menu->setHasPages(pages.hasPagesBeside(QStringLiteral("duplicates_file")));

@@ -40,10 +40,9 @@ void StatusItem::setHidden(bool isHidden) {
     make();
 }
 
-bool StatusItem::isShown() const {
+bool StatusItem::hasHost() const {
     const TrayKind decided = decidedKind();
-    return m_kind != TrayKind::None && !m_isHidden &&
-           (decided == TrayKind::None || decided == m_kind);
+    return m_kind != TrayKind::None && (decided == TrayKind::None || decided == m_kind);
 }
 
 void StatusItem::make() {

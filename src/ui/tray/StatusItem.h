@@ -37,7 +37,9 @@ public:
 
     /// Whether a person can see it: there is a tray, of the kind that the toolkit has decided for
     /// in this process, and the item is not hidden.
-    [[nodiscard]] bool isShown() const;
+    [[nodiscard]] bool isShown() const { return hasHost() && !m_isHidden; }
+    /// The same of an item that is not hidden.
+    [[nodiscard]] bool hasHost() const;
     [[nodiscard]] bool isHidden() const { return m_isHidden; }
 
 private:

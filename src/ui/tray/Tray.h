@@ -41,6 +41,7 @@ public:
     void showMenuBar();
     /// True takes the item out of the tray.
     void setStatusBarHidden(bool isHidden);
+    [[nodiscard]] bool isHidden() const { return m_item.isHidden(); }
     /// The item's picture; for a null one that of the program.
     void setImage(const QIcon& image);
     /// Builds the menu anew, if there is one, and looks at the volumes now.
@@ -60,6 +61,8 @@ public:
     [[nodiscard]] QMenu* menuForWindow() const {
         return m_item.isShown() ? nullptr : m_menu.menu();
     }
+    /// Whether the desktop would show the item; true as well as long as nobody knows yet.
+    [[nodiscard]] bool hasHost() const { return !m_isHostKnown || m_item.hasHost(); }
 
     [[nodiscard]] StatusMenu& menu() { return m_menu; }
     [[nodiscard]] HostMenu& hostMenu() { return m_hostMenu; }

@@ -6,6 +6,7 @@
 #include "engine/settings/KeyedArchive.h"
 #include "engine/settings/NetworkProbe.h"
 #include "engine/settings/PreferenceViewController.h"
+#include "engine/settings/SettingTable.h"
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/SettingsText.h"
 #include "engine/settings/TCPublicUtilities.h"
@@ -60,6 +61,8 @@ TEST_F(AccessorsTest, TheGuideTellsEveryKeyAndItsDefault) {
     }
     EXPECT_GT(expected.size(), 30U);
     EXPECT_EQ(defaultsInTheGuide(), expected);
+    for (const SettingRule& rule : settingTable()) EXPECT_EQ(expected.erase(rule.key), 1U);
+    EXPECT_THAT(expected, IsEmpty()) << "every key has a rule";
     EXPECT_FALSE(defaults.isUnsaved());
 }
 

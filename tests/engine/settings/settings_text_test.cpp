@@ -142,6 +142,11 @@ TEST(UnitTags, TerabytesWrap) {
     EXPECT_EQ(sizeLimit(5, 0) + sizeLimit(5, 5) + sizeLimit(5, -1), 15U);
     EXPECT_EQ(sizeLimit(1, 4), std::numeric_limits<std::uint64_t>::max() - 727379967U);
     EXPECT_EQ(sizeLimit(2, 4), std::numeric_limits<std::uint64_t>::max() - 2 * 727379968ULL + 1);
+    EXPECT_EQ(duplicateSizeLimit(3, 4), 3'000'000'000'000U);
+    EXPECT_EQ(duplicateSizeLimit(7, 1) + duplicateSizeLimit(-7, 1) + duplicateSizeLimit(2, 9),
+              7'002U);
+    EXPECT_EQ(duplicateSizeLimit(std::numeric_limits<std::int64_t>::max(), 4),
+              std::numeric_limits<std::uint64_t>::max());
 }
 
 }  // namespace

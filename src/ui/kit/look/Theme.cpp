@@ -121,9 +121,15 @@ Theme::Scheme Theme::desktopScheme() {
     if (wanted == "light") return Scheme::Light;
     if (wanted == "dark") return Scheme::Dark;
     const Theme& theme = shared();
+    if (theme.m_chosenScheme) return *theme.m_chosenScheme;
     if (!theme.m_installed) return schemeOf(QGuiApplication::palette());
     if (theme.m_appearance && theme.m_appearance->scheme()) return *theme.m_appearance->scheme();
     return theme.m_coveredScheme;
+}
+
+void Theme::setChosenScheme(std::optional<Scheme> scheme) {
+    m_chosenScheme = scheme;
+    setScheme(desktopScheme());
 }
 
 bool Theme::desktopAnimates() const { return !m_appearance || m_appearance->animates(); }

@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QPalette>
 #include <QPointer>
+#include <optional>
 
 class QApplication;
 
@@ -66,9 +67,12 @@ public:
     /// in the scheme of the desktop, which is followed from then on. Call before the first window.
     void install(QApplication& application);
 
-    /// The scheme that the desktop asks for: ORRINVALE_THEME=light|dark if set, else what its
-    /// settings service prefers, else as light or dark as its palette was before install() covered
-    /// it. Before install() only the palette is asked.
+    /// What a person has chosen in place of the desktop's; none for that. Takes effect at once.
+    void setChosenScheme(std::optional<Scheme> scheme);
+
+    /// The scheme that is asked for: ORRINVALE_THEME=light|dark if set, else the chosen one, else
+    /// what the desktop's settings service prefers, else as light or dark as its palette was before
+    /// install() covered it. Before install() only the palette is asked.
     [[nodiscard]] static Scheme desktopScheme();
 
     [[nodiscard]] Scheme scheme() const { return m_scheme; }
@@ -99,6 +103,7 @@ private:
     void apply() const;
 
     Scheme m_scheme = Scheme::Light;
+    std::optional<Scheme> m_chosenScheme;
     Scheme m_coveredScheme =
         Scheme::Light;  // what the desktop showed before our palette covered it
     QPointer<DesktopAppearance> m_appearance;  // owned by the application

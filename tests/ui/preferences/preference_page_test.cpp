@@ -1,0 +1,277 @@
+// The page of the preferences, driven by the keyboard: what each control stores, what it shows of
+// what others store, and what it refuses.
+#include "ui/preferences/PreferencePage.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QScrollArea>
+#include <QSlider>
+
+#include "engine/loginitems/AutostartItems.h"
+#include "engine/loginitems/LoginItemRegistry.h"
+#include "engine/settings/SettingsKeys.h"
+#include "engine/settings/settingNotices.h"
+#include "services/foundation/QtMainQueue.h"
+#include "services/settings/SettingsKeeper.h"
+#include "support/test.h"
+#include "ui/kit/chrome/HoverButton.h"
+#include "ui/kit/controls/ElidedLabel.h"
+#include "ui/kit/controls/SegmentedControl.h"
+#include "ui/preferences/NumberField.h"
+#include "ui/preferences/PreferenceGroup.h"
+#include "ui/support/NamedControls.h"
+#include "ui/tray/trayNotices.h"
+
+namespace orrinvale::testing {
+namespace {
+
+class Preferences : public ::testing::Test, protected NamedControls {
+protected:
+    explicit Preferences(PreferenceParts parts = {.hasTray = [] { return true; },
+                                                  .hasDesktopNotes = true,
+                                                  .hasDiskUsage = true,
+                                                  .hasUpdateCheck = true}) {
+        UserDefaults::setStandardUserDefaults(&defaults);
+        PreferenceViewController::initialize();
+        page = std::make_unique<PreferencePage>(services(), std::move(parts));
+        page->view()->resize(800, 550);
+        page->view()->show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(page->view()));
+    }
+    ~Preferences() override {
+        page.reset();
+        UserDefaults::setStandardUserDefaults(nullptr);
+    }
+    PageServices services() {
+        PageServices made;
+        made.notifications = &notifications;
+        made.defaults = &defaults;
+        made.mainQueue = &queue;
+        return made;
+    }
+    std::vector<QWidget*> places() override { return {page->view()}; }
+
+    // What the file says of the key, as text.
+    std::string stored(const char* key) const {
+        std::istringstream file(contentOf(defaults.path()));
+        for (std::string line; std::getline(file, line);)
+            if (line.starts_with(std::string(key) + " = ")) return line.substr(strlen(key) + 3);
+        return "none";
+    }
+    void type(const char* name, std::initializer_list<int> keys) {
+        QWidget& control = this->control(name);
+        control.setFocus(Qt::TabFocusReason);
+        for (const int key : keys) QTest::keyClick(QApplication::focusWidget(), Qt::Key(key));
+    }
+
+    TestTree tree;
+    UserDefaults defaults{tree.at("settings.ini")};
+    NotificationCenter notifications;
+    QtMainQueue queue;
+    std::unique_ptr<PreferencePage> page;
+};
+
+TEST_F(Preferences, EachControlStoresByKeyboard) {
+    const struct {
+        const char* control;
+        const char* key;
+        std::initializer_list<int> keys;
+        const char* expected;
+    } rows[] = {
+        {"SystemCashSege", "SystemCaches", {Qt::Key_Left}, "0"},
+        {"userCachSege", "UserCaches", {Qt::Key_Left}, "0"},
+        {"systenLogSege", "SystemLogs", {Qt::Key_Left, Qt::Key_Right}, "1"},
+        {"userLogSege", "UserLogs", {Qt::Key_Left}, "0"},
+        {"userTrashSege", "UserTrash", {Qt::Key_Right}, "1"},
+        {"userDownSege", "UserDownloads", {Qt::Key_Right, Qt::Key_Left}, "0"},
+        {"alarmSlider", "SpaceAlarm", {Qt::Key_Right, Qt::Key_PageUp}, "0.21"},
+        {"memorySlider", "MemoryAlarm", {Qt::Key_Home}, "0.01"},
+        {"spaceWarningsBox", "spaceWarnings", {Qt::Key_Space}, "false"},
+        {"infoSizeTextFiled",
+         "ZvDuplicationLimit",
+         {Qt::Key_Backspace, Qt::Key_4, Qt::Key_2},
+         "42"},
+        {"sizeInfo", "ZvDuplicatesUnit", {Qt::Key_Down, Qt::Key_Down}, "4"},
+        {"hideCheckBox", "ZvHidenDuplication", {Qt::Key_Space}, "true"},
+        {"sysCheckBox", "ZvSystemDuplication", {Qt::Key_Space}, "true"},
+        {"compareBox", "compareBeforeRemoving", {Qt::Key_Space}, "false"},
+        {"diskUsageLimit", "ZvDiskUsageLimit", {Qt::Key_Backspace}, "0"},
+        {"diskUsageUnit", "ZvDiskUsageUnit", {Qt::Key_Home}, "0"},
+        {"oneFileSystemBox", "oneFileSystem", {Qt::Key_Space}, "false"},
+        {"autoCheckUpdates", "SUEnableAutomaticChecks", {Qt::Key_Space}, "true"},
+        {"updateTime", "SUScheduledCheckInterval", {Qt::Key_Up}, "86400"},
+        {"showStatusBtn", "ZvShowStatusItem", {Qt::Key_Space}, "true"},
+        {"themeChoice", "theme", {Qt::Key_End}, "\"dark\""},
+        {"languageChoice", "language", {Qt::Key_Down}, "\"en\""},
+        {"logBox", "log", {Qt::Key_Space}, "true"},
+    };
+    for (const auto& row : rows) {
+        type(row.control, row.keys);
+        EXPECT_EQ(stored(row.key), row.expected) << row.control;
+    }
+    EXPECT_EQ(stored("ZvDuplicatesUnit"), "4") << "no control touches another's key";
+    // A page that is made now shows all of that, and then the defaults, group by group.
+    page = std::make_unique<PreferencePage>(services(), PreferenceParts{});
+    const PreferenceViews& views = page->views();
+    EXPECT_EQ(views.alarmSlider->value(), 21);
+    EXPECT_EQ(textOf("alarmWords"), "less than 21%");
+    EXPECT_EQ(views.userTrashSege->selectedSegment(), 1);
+    EXPECT_EQ(views.sizeInfo->currentText(), QStringLiteral("TB"));
+    EXPECT_EQ(views.themeChoice->currentIndex(), 2);
+    for (PreferenceGroup* const group : views.boxes) {
+        EXPECT_TRUE(group->restoreButton()->isEnabled()) << qPrintable(group->objectName());
+        group->restoreButton()->click();
+        EXPECT_FALSE(group->restoreButton()->isEnabled()) << qPrintable(group->objectName());
+    }
+    EXPECT_EQ(stored("SystemCaches") + stored("UserTrash") + stored("SpaceAlarm") +
+                  stored("ZvShowStatusItem") + stored("theme") + stored("SUScheduledCheckInterval"),
+              "truefalse0.1false\"desktop\"604800");
+    EXPECT_EQ(views.alarmSlider->value(), 10);
+}
+
+TEST_F(Preferences, CategoriesAreTheirNumberAndTellTheTable) {
+    std::string told;
+    const auto heard = notice::changeCheckBox.observe(notifications, [&](SwitchedCategory each) {
+        told += fmt::format("{}{}", each.tag, each.flag ? "off " : "on ");
+    });
+    defaults.setInteger(2, ZvUserDownloadsKey);
+    defaults.setInteger(0, ZvUserLogsKey);
+    page->readSettings();
+    const SegmentedControl& downloads = *page->views().userDownSege;
+    EXPECT_EQ(downloads.selectedSegment(), 2);
+    EXPECT_TRUE(downloads.segment(2)->isVisibleTo(&downloads));
+    EXPECT_EQ(page->views().userLogSege->selectedSegment(), 0) << "a stored 0 is off";
+    downloads.segment(0)->click();
+    page->views().userLogSege->segment(1)->click();
+    EXPECT_EQ(told, "6off 4on ");
+    EXPECT_EQ(stored("UserDownloads") + stored("UserLogs"), "01");
+    page->readSettings();
+    EXPECT_FALSE(downloads.segment(2)->isVisibleTo(&downloads)) << "nobody chooses some here";
+}
+
+TEST_F(Preferences, NumbersTakeDigitsAndFourOfThem) {
+    NumberField& field = control<NumberField>("infoSizeTextFiled");
+    field.setFocus();
+    const struct {
+        const char* pasted;
+        const char* shown;
+        const char* stored;
+    } rows[] = {
+        {"12345", "1234", "1234"}, {"5x", "1234", "1234"}, {"-7", "1234", "1234"}, {"", "", "0"},
+        {"٤٢", "٤٢", "42"},        {"9 ", "٤٢", "42"},     {"0007", "0007", "7"}};
+    for (const auto& row : rows) {
+        field.selectAll();
+        if (*row.pasted == '\0') QTest::keyClick(&field, Qt::Key_Delete);
+        else field.insert(QString::fromUtf8(row.pasted));
+        // What insert() leaves to the field itself happens at a key.
+        if (field.isModified()) Q_EMIT field.textEdited(field.text());
+        EXPECT_EQ(field.text().toStdString(), row.shown) << row.pasted;
+        EXPECT_EQ(stored("ZvDuplicationLimit"), row.stored) << row.pasted;
+    }
+    QString error;
+    EXPECT_FALSE(isPartialStringValid(QStringLiteral("12a4"), 3, 2, error));
+    EXPECT_EQ(error, QStringLiteral("不是数字"));
+    EXPECT_TRUE(isPartialStringValid(QStringLiteral("a4"), 2, 1, error)) << "the typed part counts";
+    EXPECT_TRUE(isPartialStringValid(QStringLiteral("a"), 0, 1, error)) << "a deletion";
+    EXPECT_EQ(error, QString());
+}
+
+TEST_F(Preferences, WhatOthersStoreIsShownAtOnceAndTheWheelChangesNothing) {
+    const SettingsKeeper keeper(defaults);
+    UserDefaults other(defaults.path());
+    other.setFloat(0.3F, ZvSpaceAlarmKey);
+    other.setBool(true, ZvHidenDuplication);
+    ASSERT_TRUE(other.synchronize());
+    EXPECT_SOON(page->views().alarmSlider->value() == 30 &&
+                control<QCheckBox>("hideCheckBox").isChecked());
+    QWheelEvent wheel({5, 5}, {5, 5}, {}, {0, 120}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
+                      false);
+    page->view()->setFocus();
+    QApplication::sendEvent(page->views().sizeInfo, &wheel);
+    QApplication::sendEvent(page->views().alarmSlider, &wheel);
+    EXPECT_EQ(stored("SpaceAlarm") + stored("ZvDuplicatesUnit"), "0.3none");
+}
+
+TEST_F(Preferences, HidingTheIconIsToldAndAFullDiskToo) {
+    std::string told;
+    const auto heard = notice::setStatusBarHidden.observe(
+        notifications, [&](bool isHidden) { told += isHidden ? "hide " : "show "; });
+    type("showStatusBtn", {Qt::Key_Space, Qt::Key_Space});
+    EXPECT_EQ(told, "hide show ");
+    EXPECT_FALSE(isShown("failureLine"));
+    // The lock of the file is a folder, so that nothing can be written.
+    ASSERT_TRUE(tree.folder("settings.ini.new"));
+    LogLines log;
+    type("hideCheckBox", {Qt::Key_Space});
+    EXPECT_TRUE(isShown("failureLine"));
+    EXPECT_TRUE(defaults.boolForKey(ZvHidenDuplication)) << "it holds in the program";
+    ASSERT_EQ(::rmdir(tree.at("settings.ini.new").c_str()), 0);
+    type("hideCheckBox", {Qt::Key_Space});
+    EXPECT_FALSE(isShown("failureLine"));
+}
+
+TEST_F(Preferences, StartAtLoginIsTheListsTruth) {
+    ASSERT_TRUE(tree.write("bin/orrinvale", "#!/bin/sh\n") &&
+                ::chmod(tree.at("bin/orrinvale").c_str(), 0755) == 0);
+    AutostartItems items({.persons = tree.at("autostart"),
+                          .systems = {},
+                          .links = tree.at("links"),
+                          .desktops = {},
+                          .languages = {},
+                          .programs = {},
+                          .ownProgram = tree.at("bin/orrinvale")});
+    const std::string entry = tree.at("autostart/com.kelpford.Orrinvale.desktop");
+    LoginItemRegistry::setParts({.items = &items,
+                                 .remove =
+                                     [](const LoginItemRecord& item) {
+                                         return std::string(::unlink(item.file.c_str()) == 0 ? ""
+                                                                                             : "?");
+                                     },
+                                 .waitOneSecond = {}});
+    const auto showAnew = [this] {
+        page->view()->hide();
+        page->view()->show();
+    };
+    showAnew();
+    auto& box = control<QCheckBox>("checkBoxBtn");
+    EXPECT_SOON(box.isEnabled());
+    type("startHiddenBox", {Qt::Key_Space});
+    type("checkBoxBtn", {Qt::Key_Space});
+    EXPECT_SOON(box.isEnabled() && isThere(entry));
+    EXPECT_TRUE(box.isChecked());
+    EXPECT_EQ(stored("LoginCheck") + stored("ZvLoginItemIsHide"), "1true");
+    EXPECT_THAT(contentOf(entry), HasSubstr("X-Orrinvale-StartHidden=true"));
+    type("startHiddenBox", {Qt::Key_Space});
+    EXPECT_SOON(contentOf(entry).find("StartHidden=false") != std::string::npos);
+    // Switched off by somebody else: the setting still says 1, and the box does not.
+    ASSERT_TRUE(items.setStarts("com.kelpford.Orrinvale.desktop", false));
+    showAnew();
+    EXPECT_SOON(!box.isChecked());
+    ASSERT_TRUE(items.setStarts("com.kelpford.Orrinvale.desktop", true));
+    showAnew();
+    EXPECT_SOON(box.isChecked());
+    type("checkBoxBtn", {Qt::Key_Space});
+    EXPECT_SOON(box.isEnabled() && !isThere(entry));
+    EXPECT_EQ(stored("LoginCheck"), "0");
+    page.reset();
+    LoginItemRegistry::setParts({});
+}
+
+class PreferencesOfABareDesktop : public Preferences {
+protected:
+    PreferencesOfABareDesktop() : Preferences(PreferenceParts{}) {}
+};
+
+TEST_F(PreferencesOfABareDesktop, ControlsWithoutTheirServiceAreGreyWithTheReason) {
+    for (const char* const name :
+         {"showStatusBtn", "spaceWarningsBox", "diskUsageLimit", "diskUsageUnit",
+          "oneFileSystemBox", "autoCheckUpdates", "updateTime"})
+        EXPECT_FALSE(isEnabled(name)) << name;
+    EXPECT_EQ(control("showStatusBtn").accessibleDescription(),
+              QStringLiteral("Nothing on this desktop shows such an icon."));
+    EXPECT_TRUE(isEnabled("alarmSlider"));
+}
+
+}  // namespace
+}  // namespace orrinvale::testing
