@@ -42,15 +42,15 @@ TEST(UsageCommand, printsLevelsThatAddUp) {
         std::vector<std::string> arguments;
         std::string json, paths, listing;
     } cases[] = {
-        {{}, "[3 6205]", "", "   6.21 KB  (3 items under 1.00 MB)\n"},
+        {{}, "[3 6205]", "", "   6.20 KB  (3 items under 1.00 MB)\n"},
         {{"--limit", "1.2 KB"},
          "[0 0] a 2505 {[2 5]} again 2500 \xEF\xBF\xBD\n 1200",
          "/a|/again|/\xfe\n|",
-         "   2.50 KB  a/\n   2.50 KB  again\n   1.20 KB  \\xfe\\n\n"},
+         "   2.51 KB  a/\n   2.50 KB  again\n   1.20 KB  \\xfe\\n\n"},
         {{"--limit", "2KB", "--depth", "2"},
          "[1 1200] a 2505 {[2 5] big 2500 {[0 0]}} again 2500",
          "/a|/a/big|/again|",
-         "   2.50 KB  a/\n   2.50 KB    big/\n   0.01 KB    (2 items under 2.00 KB)\n"
+         "   2.51 KB  a/\n   2.50 KB    big/\n   0.00 KB    (2 items under 2.00 KB)\n"
          "   2.50 KB  again\n   1.20 KB  (1 item under 2.00 KB)\n"},
         {{"--limit", "0", "--depth", "0"}, "[0 0]", "", ""},
     };
@@ -75,7 +75,7 @@ TEST(UsageCommand, printsLevelsThatAddUp) {
                      : c == '/' && (paths.empty() || paths.back() == 0) ? tree.path() + "/"
                                                                         : std::string(1, c);
         EXPECT_EQ(printed("-0"), paths);
-        EXPECT_EQ(printed(""), each.listing + "   6.21 KB  " + tree.path() + "\n");
+        EXPECT_EQ(printed(""), each.listing + "   6.20 KB  " + tree.path() + "\n");
     }
 }
 
@@ -84,9 +84,9 @@ TEST(UsageCommand, saysWhatItCouldNotCount) {
     ASSERT_TRUE(tree.write("b/locked/x", "1") && tree.setMode("b/locked", 0) &&
                 tree.write("a/y", "1") && tree.write("file", "1"));
     expectStatuses("usage", tree.path(),
-                   {{{"a"}, 0, 0},
-                    {{"b"}, 1, 1, {"b/locked"}},
-                    {{"b", "--quiet"}, 1, 0, {"b/locked"}},
+                   {{{"a", "--limit", "0"}, 0, 0},
+                    {{"b", "--limit", "0"}, 1, 1, {"b/locked"}},
+                    {{"b", "--quiet", "--limit", "0"}, 1, 0, {"b/locked"}},
                     {{"missing"}, 3, 1},
                     {{"file"}, 3, 1},
                     {{"b/locked"}, 3, 1},
