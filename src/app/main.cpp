@@ -27,7 +27,9 @@
 #include "engine/settings/UserDefaults.h"
 #include "engine/settings/UserFolders.h"
 #include "engine/text/UtilityFunction.h"
+#include "platform/FolderVariables.h"
 #include "platform/instance.h"
+#include "platform/linux/LinuxApplications.h"
 #include "platform/linux/LinuxAuthorization.h"
 #include "platform/linux/LinuxFiles.h"
 #include "platform/linux/LinuxFolders.h"
@@ -60,6 +62,7 @@
 #include "ui/shell/MyNSApplication.h"
 #include "ui/shell/StallCounter.h"
 #include "ui/tray/Tray.h"
+#include "ui/uninstall/uninstallParts.h"
 #include "ui/volumes/FreeSpacePage.h"
 
 namespace orrinvale {
@@ -96,6 +99,7 @@ struct Shared {
     Ejections ejections{volumes, mainQueue};
     LinuxHotKeys hotKeys;
     AutostartItems loginItems{linuxLoginItemFolders()};
+    const LinuxApplications applications;
     WindowDialogs dialogs;
     FileIcons icons;
 };
@@ -174,7 +178,7 @@ AppDelegateParts delegateParts(Shared& shared, DesktopNotifications& desktopNoti
 }
 
 // The pages of the toolbar window; each is made when somebody looks at it.
-void preparePages(const AppDelegateParts& parts, AppDelegate& delegate) {
+void preparePages(const Shared& shared, const AppDelegateParts& parts, AppDelegate& delegate) {
     auto& pages = AppPrefsWindowController::sharedPrefsWindowController();
     pages.setOpenAddress(parts.pages.openAddress);
     pages.setOpenHelp([&delegate] { delegate.help(); });
@@ -187,6 +191,13 @@ void preparePages(const AppDelegateParts& parts, AppDelegate& delegate) {
              [&delegate] { return delegate.tray() != nullptr && delegate.tray()->hasHost(); },
          .hasDesktopNotes = parts.desktopNotifications != nullptr,
          .hasDiskUsage = pages.hasPage(QStringLiteral("disk_usage"))}));
+    pages.registerPage(uninstallPage(
+        parts.pages, uninstallPartsOf({.files = &shared.files,
+                                       .applications = &shared.applications,
+                                       .folders = &shared.folders,
+                                       .utilities = shared.utilities.get(),
+                                       .ownFiles = programFiles(),
+                                       .variables = FolderVariables::ofThisProcess()})));
 }
 
 int runWindow(int argc, char** argv, const StartRequest& request,
@@ -221,7 +232,7 @@ int runWindow(int argc, char** argv, const StartRequest& request,
     const AppDelegateParts parts =
         delegateParts(shared, desktopNotifications, trayHost, instance, service);
     AppDelegate delegate(parts);
-    preparePages(parts, delegate);
+    preparePages(shared, parts, delegate);
     const EndSignals signals([&delegate](int signal) { delegate.endBySignal(signal); });
     QObject::connect(&application, &QGuiApplication::commitDataRequest, &delegate,
                      [&defaults] { static_cast<void>(defaults.synchronize()); });

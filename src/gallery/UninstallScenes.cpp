@@ -4,6 +4,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QLabel>
 #include <QPainter>
 #include <QTemporaryDir>
@@ -140,8 +141,8 @@ struct Machine {
     QTemporaryDir folder;
 };
 
-UninstallParts partsOf(const Machine& machine) {
-    UninstallParts parts;
+UninstallPageParts partsOf(const Machine& machine) {
+    UninstallPageParts parts;
     parts.inventory = [&machine] {
         AppItemsArray found;
         for (const MadeUp& each : applications) found.push_back(made(machine.folder, each));

@@ -12,6 +12,7 @@
 #include "engine/base/Progress.h"
 #include "engine/uninstall/AppItems.h"
 #include "engine/uninstall/Leftovers.h"
+#include "engine/uninstall/UninstallPlan.h"
 
 namespace orrinvale {
 
@@ -70,14 +71,9 @@ protected:
     UninstallWork() = default;
 };
 
-/// The one record that is never removed.
-[[nodiscard]] inline bool isNeverUninstalled(const AppItems& item) {
-    return item.bundleID == "com.kelpford.TidewrackPro" && item.bundleVersion == "3.0";
-}
-
 /// Whether its removal goes through the administrator's door, which the padlock opens.
 [[nodiscard]] inline bool goesThroughDoor(const AppItems& item) {
-    return item.record->type == ApplicationType::App && !isNeverUninstalled(item);
+    return item.record->type == ApplicationType::App && !isNeverRemoved(item);
 }
 
 }  // namespace orrinvale

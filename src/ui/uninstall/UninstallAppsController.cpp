@@ -54,7 +54,7 @@ std::string nameKey(const std::string& name) {
 
 }  // namespace
 
-UninstallAppsController::UninstallAppsController(PageServices services, UninstallParts parts)
+UninstallAppsController::UninstallAppsController(PageServices services, UninstallPageParts parts)
     : m_services(std::move(services)),
       m_parts(std::move(parts)),
       m_list(nameKey),
@@ -273,7 +273,7 @@ void UninstallAppsController::showLeftRows() {
     }
 }
 
-PageDescriptor uninstallPage(const PageServices& services, const UninstallParts& parts) {
+PageDescriptor uninstallPage(const PageServices& services, const UninstallPageParts& parts) {
     return {.identifier = QStringLiteral("uninstall"),
             .label = UninstallAppsController::tr("Uninstall"),
             .picture = QStringLiteral("uninstall"),

@@ -37,7 +37,7 @@ class UninstallQuestion;
 
 /// What the page asks beside the services of all pages. All is asked on threads aside, and outlives
 /// these.
-struct UninstallParts {
+struct UninstallPageParts {
     std::function<AppItemsArray()> inventory;
     ApplicationSizes::Measure measure;
     /// Another text when something was installed or removed; empty: nobody can tell.
@@ -51,7 +51,7 @@ struct UninstallParts {
 class UninstallAppsController final : public QObject, public Page {
     Q_OBJECT
 public:
-    UninstallAppsController(PageServices services, UninstallParts parts);
+    UninstallAppsController(PageServices services, UninstallPageParts parts);
     ~UninstallAppsController() override;
 
     [[nodiscard]] QWidget* view() const override;
@@ -144,7 +144,7 @@ private:
     void showFailures();
 
     const PageServices m_services;
-    const UninstallParts m_parts;
+    const UninstallPageParts m_parts;
     UninstallList m_list;
     std::unique_ptr<UninstallAppsViews> m_views;
     ApplicationIcons m_icons;
@@ -175,6 +175,6 @@ private:
 };
 
 [[nodiscard]] PageDescriptor uninstallPage(const PageServices& services,
-                                           const UninstallParts& parts);
+                                           const UninstallPageParts& parts);
 
 }  // namespace orrinvale

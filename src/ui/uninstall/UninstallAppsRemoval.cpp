@@ -149,7 +149,7 @@ void UninstallAppsController::alertEnded_code(int code) {
     m_batch = std::make_shared<Batch>();
     for (UninstallRequest& request : requests) {
         const auto item = std::ranges::find(m_asked, request.item.record, &AppItems::record);
-        if (isNeverUninstalled(request.item)) m_batch->hasNeverRemoved = true;
+        if (isNeverRemoved(request.item)) m_batch->hasNeverRemoved = true;
         else m_batch->rows.push_back({*item, std::move(request), {}});
     }
     m_views->uninstallTextField->show();

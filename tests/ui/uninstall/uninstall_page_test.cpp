@@ -123,7 +123,7 @@ struct Desk : NamedControls {
                                     .icons = {},
                                     .reveal = {},
                                     .openAddress = {}};
-        UninstallParts parts;
+        UninstallPageParts parts;
         parts.inventory = [this] {
             listing.pass();
             ++inventories;
