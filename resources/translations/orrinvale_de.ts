@@ -9,6 +9,73 @@
     </message>
 </context>
 <context>
+    <name>CleanMemoryViews</name>
+    <message>
+        <source>What the memory is used for, as a pie; the figures follow</source>
+        <translation>Wofür der Arbeitsspeicher gebraucht wird, als Torte; die Zahlen folgen</translation>
+    </message>
+    <message>
+        <source>Free</source>
+        <translation>Frei</translation>
+    </message>
+    <message>
+        <source>Nothing is in it</source>
+        <translation>Nichts steht darin</translation>
+    </message>
+    <message>
+        <source>Active</source>
+        <translation>Aktiv</translation>
+    </message>
+    <message>
+        <source>What programs work on</source>
+        <translation>Womit Programme arbeiten</translation>
+    </message>
+    <message>
+        <source>Inactive</source>
+        <translation>Inaktiv</translation>
+    </message>
+    <message>
+        <source>Copies of files, given up when memory is wanted</source>
+        <translation>Kopien von Dateien, die weichen, sobald Speicher gebraucht wird</translation>
+    </message>
+    <message>
+        <source>Wired</source>
+        <translation>Fest</translation>
+    </message>
+    <message>
+        <source>The system&apos;s own</source>
+        <translation>Des Systems eigener</translation>
+    </message>
+    <message>
+        <source>Used</source>
+        <translation>Belegt</translation>
+    </message>
+    <message>
+        <source>All but the free</source>
+        <translation>Alles außer dem freien</translation>
+    </message>
+    <message>
+        <source>Total</source>
+        <translation>Gesamt</translation>
+    </message>
+    <message>
+        <source>What this computer has</source>
+        <translation>Was dieser Computer hat</translation>
+    </message>
+    <message>
+        <source>Programs that hold most</source>
+        <translation>Programme, die am meisten halten</translation>
+    </message>
+    <message>
+        <source>Freeing memory ...</source>
+        <translation>Arbeitsspeicher wird freigegeben ...</translation>
+    </message>
+    <message>
+        <source>clean memory</source>
+        <translation>Arbeitsspeicher freigeben</translation>
+    </message>
+</context>
+<context>
     <name>Dialogs</name>
     <message>
         <source>OK</source>
@@ -1194,6 +1261,65 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>Volumes</source>
         <translation>Datenträger</translation>
     </message>
+    <message>
+        <source>Memory</source>
+        <translation>Arbeitsspeicher</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::CleanMemoryController</name>
+    <message>
+        <source>This frees copies of files. Programs could have had that memory anyway, and files may open more slowly for a while.</source>
+        <translation>Dies gibt Kopien von Dateien frei. Programme könnten diesen Speicher ohnehin haben, und Dateien öffnen sich eine Weile vielleicht langsamer.</translation>
+    </message>
+    <message>
+        <source>The system does not tell what its memory is used for</source>
+        <translation>Das System sagt nicht, wofür sein Arbeitsspeicher gebraucht wird</translation>
+    </message>
+    <message>
+        <source>%1 of %2 are in use</source>
+        <translation>%1 von %2 sind in Gebrauch</translation>
+    </message>
+    <message>
+        <source>Memory runs low: %1 of %2 are available to programs</source>
+        <translation>Der Arbeitsspeicher wird knapp: %1 von %2 sind für Programme verfügbar</translation>
+    </message>
+    <message>
+        <source>%1 of %2 are available to programs</source>
+        <translation>%1 von %2 sind für Programme verfügbar</translation>
+    </message>
+    <message>
+        <source>Swap: %1 of %2 in use</source>
+        <translation>Auslagerung: %1 von %2 in Gebrauch</translation>
+    </message>
+    <message>
+        <source>Programs waited for memory in %1 of the last minute</source>
+        <translation>Programme warteten in %1 der letzten Minute auf Speicher</translation>
+    </message>
+    <message>
+        <source>%1 freed.</source>
+        <translation>%1 freigegeben.</translation>
+    </message>
+    <message>
+        <source>The run ended early.</source>
+        <translation>Der Lauf endete vorzeitig.</translation>
+    </message>
+    <message>
+        <source>Nothing was taken: there is no room left for it here, or the system does not tell how much.</source>
+        <translation>Nichts wurde genommen: Hier ist kein Platz mehr dafür, oder das System sagt nicht, wie viel.</translation>
+    </message>
+    <message>
+        <source>Nothing had to be given up: as much as one run takes was free.</source>
+        <translation>Nichts musste weichen: So viel, wie ein Lauf nimmt, war frei.</translation>
+    </message>
+    <message>
+        <source>Copies of files went. Programs could have had that memory anyway.</source>
+        <translation>Kopien von Dateien sind gewichen. Programme hätten diesen Speicher ohnehin haben können.</translation>
+    </message>
+    <message>
+        <source>Memory</source>
+        <translation>Arbeitsspeicher</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::CleanSysController</name>
@@ -1622,6 +1748,17 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Text Only</source>
         <translation>Nur Text</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::ProgramList</name>
+    <message>
+        <source>%1 (%2 processes)</source>
+        <translation>%1 (%2 Prozesse)</translation>
+    </message>
+    <message>
+        <source>up to %1</source>
+        <translation>bis zu %1</translation>
     </message>
 </context>
 <context>

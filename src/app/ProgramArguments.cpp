@@ -25,8 +25,8 @@ constexpr const char* help =
     "already\n"
     "comes to the front instead and takes over what is asked for.\n"
     "\n"
-    "  --action NAME  duplicates, large-files, uninstall: show that page; fast-clean: show the "
-    "window\n"
+    "  --action NAME  duplicates, large-files, uninstall, memory: show that page; fast-clean: show "
+    "the window\n"
     "                 of Fast Clean, which waits for a click; eject-all: eject what can be "
     "ejected;\n"
     "                 quit: end the running program\n"
@@ -40,7 +40,8 @@ constexpr const char* help =
 
 constexpr std::array actions{startAction::duplicates, startAction::largeFiles,
                              startAction::uninstall,  startAction::fastClean,
-                             startAction::ejectAll,   startAction::quit};
+                             startAction::ejectAll,   startAction::memory,
+                             startAction::quit};
 
 std::string activationToken() {
     for (const char* const name : {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"})

@@ -42,6 +42,7 @@
 #include "platform/linux/LinuxTrayHost.h"
 #include "platform/linux/LinuxVolumes.h"
 #include "platform/linux/ProgramFiles.h"
+#include "platform/programMemory.h"
 #include "platform/standardStreams.h"
 #include "services/desktop/DesktopNotifications.h"
 #include "services/foundation/QtMainQueue.h"
@@ -53,6 +54,7 @@
 #include "ui/kit/dialogs/WindowDialogs.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/kit/look/Translations.h"
+#include "ui/memory/CleanMemoryController.h"
 #include "ui/preferences/AppPrefsWindowController.h"
 #include "ui/preferences/PreferencePage.h"
 #include "ui/preferences/chosenLook.h"
@@ -198,6 +200,11 @@ void preparePages(const Shared& shared, const AppDelegateParts& parts, AppDelega
                                        .utilities = shared.utilities.get(),
                                        .ownFiles = programFiles(),
                                        .variables = FolderVariables::ofThisProcess()})));
+    pages.registerPage(memoryPage(
+        parts.pages, {.memory = parts.memory,
+                      .watch = parts.systemWatch,
+                      .purge = purgePrograms(),
+                      .programs = [](std::size_t most) { return largestPrograms(most); }}));
 }
 
 int runWindow(int argc, char** argv, const StartRequest& request,

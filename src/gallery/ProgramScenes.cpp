@@ -36,6 +36,7 @@ ProgramScenes::ProgramScenes(UserDefaults& defaults, const PictureFolder& pictur
                          .ejections = &m_ejections,
                          .volumesAtOnce = &m_volumes,
                          .mountChanges = &m_mountChanges,
+                         .systemWatch = &m_watch,
                          .openFolder = [](const std::string& /*path*/) { return true; },
                          .openGuide = [](const std::function<void()>& /*failed*/) {},
                          .stopListening = {},

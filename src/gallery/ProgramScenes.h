@@ -13,7 +13,9 @@
 #include "platform/fake/FakeVolumes.h"
 #include "platform/linux/LinuxFiles.h"
 #include "platform/linux/LinuxFolders.h"
+#include "platform/linux/LinuxMemory.h"
 #include "services/volumes/Ejections.h"
+#include "services/volumes/SystemWatch.h"
 
 namespace orrinvale {
 
@@ -45,8 +47,9 @@ private:
     const QSet<QString> m_wanted;
     const LinuxFileSystem m_files;
     PageWorkings m_workings;
-    FakeVolumes m_volumes;
+    FakeVolumes& m_volumes = *new FakeVolumes;  // never freed, as a look may go on
     Ejections m_ejections{m_volumes, m_workings.mainQueue};
+    SystemWatch m_watch{m_volumes, *new LinuxMemory, m_workings.mainQueue, std::chrono::hours(1)};
     FakeMountChanges m_mountChanges;
     const LinuxFolders m_folders;
     const std::shared_ptr<const FolderUtilities> m_utilities =

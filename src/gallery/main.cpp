@@ -18,6 +18,7 @@
 #include "gallery/DuplicateScenes.h"
 #include "gallery/FastCleanScenes.h"
 #include "gallery/LargeFileScenes.h"
+#include "gallery/MemoryScenes.h"
 #include "gallery/PreferenceScenes.h"
 #include "gallery/ProgramScenes.h"
 #include "gallery/SampleFolder.h"
@@ -82,11 +83,11 @@ bool drawSheet(const PictureFolder& pictures, NotificationCenter& notifications)
 QSet<QString> wantedScenes(const Order& order) {
     if (!order.isDark && !order.isLarge) return {};
     if (order.isDark && !order.isLarge)
-        return {QStringLiteral("first"),      QStringLiteral("progress"),
-                QStringLiteral("detail"),     QStringLiteral("question"),
-                QStringLiteral("failure"),    QStringLiteral("menu"),
-                QStringLiteral("free-space"), QStringLiteral("tray-menu"),
-                QStringLiteral("uninstall"),  QStringLiteral("preferences")};
+        return {
+            QStringLiteral("first"),       QStringLiteral("progress"),  QStringLiteral("detail"),
+            QStringLiteral("question"),    QStringLiteral("failure"),   QStringLiteral("menu"),
+            QStringLiteral("free-space"),  QStringLiteral("tray-menu"), QStringLiteral("uninstall"),
+            QStringLiteral("preferences"), QStringLiteral("memory")};
     return {QStringLiteral("first"), QStringLiteral("detail")};
 }
 
@@ -117,6 +118,7 @@ bool drawProgram(const Order& order, const PictureFolder& pictures) {
                drawVolumes(defaults, pictures, wantedScenes(order)) &&
                drawUninstall(defaults, pictures, wantedScenes(order)) &&
                drawPreferences(defaults, pictures, wantedScenes(order)) &&
+               drawMemory(defaults, pictures, wantedScenes(order)) &&
                ProgramScenes(defaults, pictures, wantedScenes(order)).draw();
     });
 }

@@ -17,6 +17,7 @@ inline constexpr std::string_view fastClean =
     "fast-clean";                                           ///< its window, which waits for a click
 inline constexpr std::string_view uninstall = "uninstall";  ///< shows that page
 inline constexpr std::string_view ejectAll = "eject-all";
+inline constexpr std::string_view memory = "memory";  ///< the page
 inline constexpr std::string_view quit = "quit";
 inline constexpr std::string_view atLogin =
     "at-login";  ///< asked for by an option of its own: a login has started it

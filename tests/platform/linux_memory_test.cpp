@@ -1,6 +1,7 @@
 // The memory's figures from files that were written down, and this machine's own.
 #include "platform/linux/LinuxMemory.h"
 #include "platform/linux/MemoryGroups.h"
+#include "platform/programMemory.h"
 #include "support/test.h"
 
 namespace orrinvale {
@@ -215,6 +216,49 @@ TEST(LinuxMemory, ThisMachineAddsUp) {
     EXPECT_EQ(pages * memory.figure("hw.pagesize")->value(), memory.figure("hw.memsize")->value());
     EXPECT_GT(counts.faults, 0U);
     EXPECT_GT(memory.room(), 0U);
+}
+
+// "PID COMM RESIDENT SHARED EXE" in pages, a process a line; no EXE is one that is not ours to see.
+TEST(LargestPrograms, ProcessesOfAFileAreOneProgramAndOthersCountAsUpTo) {
+    TestTree tree;
+    std::istringstream lines(
+        "2 kthreadd 0 0\n"
+        "10 firefox 100 40 /usr/lib/firefox/firefox\n"
+        "11 Web\\x20Content 90 50 /usr/lib/firefox/firefox\n"
+        "12 firefox 30 10 /opt/firefox\n"
+        "20 postgres 80 70\n"
+        "21 postgres 80 75\n"
+        "30 vim 25 30 /usr/bin/vim\\x20(deleted)\n"
+        "self odd 900 0 /odd\n");
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream words(line);
+        std::string pid;
+        std::string comm;
+        std::string resident;
+        std::string shared;
+        std::string file;
+        words >> pid >> comm >> resident >> shared >> file;
+        tree.write(pid + "/comm", comm + "\n");
+        tree.write(pid + "/statm", "9999 " + resident + ' ' + shared + " 1 0 9 0\n");
+        if (const auto mark = file.find("\\x20"); mark != std::string::npos)
+            file.replace(mark, 4, " ");
+        if (!file.empty()) tree.symlink(file, pid + "/exe");
+    }
+    tree.write("40/statm", "rubbish");
+    const auto page = static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
+    const auto told = [&](std::size_t most) {
+        std::string text;
+        for (const ProgramMemory& each : largestPrograms(most, tree.path()))
+            text += fmt::format("{} {}{} x{};", each.name, each.isUpTo ? "<=" : "",
+                                each.bytes / page, each.processes);
+        return text;
+    };
+    EXPECT_EQ(told(9), "postgres <=160 x2;firefox 150 x2;firefox 30 x1;vim 25 x1;");
+    EXPECT_EQ(told(1), "postgres <=160 x2;");
+    EXPECT_TRUE(largestPrograms(9, tree.at("nothing")).empty());
+    const auto here = largestPrograms(1000);
+    EXPECT_TRUE(std::ranges::any_of(
+        here, [](const ProgramMemory& each) { return each.name == "engine_tests"; }));
 }
 
 }  // namespace

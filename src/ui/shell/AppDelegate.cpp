@@ -54,6 +54,7 @@ AppDelegate::AppDelegate(AppDelegateParts parts, QObject* parent)
                                    .onClickScan = [this] { onClickScan(); },
                                    .onClickFree = [this] { onClickFree(); },
                                    .onClickUninstall = [this] { onClickUninstall(); },
+                                   .showMemory = [this] { showMemory(); },
                                    .cleaningFile = [this] { cleaningFile(); },
                                    .rejestAllDisk = [this] { rejestAllDisk(); },
                                    .help = [this] { help(); },
@@ -159,6 +160,10 @@ void AppDelegate::perform(const StartRequest& request) {
     }
     if (request.isAction(startAction::uninstall)) {
         onClickUninstall();
+        return;
+    }
+    if (request.isAction(startAction::memory)) {
+        showMemory();
         return;
     }
     handleReopenAppEvent();
@@ -324,6 +329,13 @@ void AppDelegate::Reference() {
     showPages();
     AppPrefsWindowController::sharedPrefsWindowController().displayViewForIdentifier(
         preferencesIdentifier, true);
+}
+
+void AppDelegate::showMemory() {
+    auto& pages = AppPrefsWindowController::sharedPrefsWindowController();
+    if (!pages.hasPage(memoryIdentifier)) return;
+    showPages();
+    pages.displayViewForIdentifier(memoryIdentifier, true);
 }
 
 void AppDelegate::help() {

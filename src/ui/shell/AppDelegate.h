@@ -114,6 +114,7 @@ public:
     void openAboutWindow();
     void Reference();
     void showPages();
+    void showMemory();
     /// Each shows the main window, posts "shouldSelectRow" with the row of its page, and shows that
     /// page where there is one.
     void onClickFree();
@@ -170,6 +171,7 @@ public:
     static inline const QString scanIdentifier = QStringLiteral("clean");
     static inline const QString uninstallIdentifier = QStringLiteral("uninstall");
     static inline const QString preferencesIdentifier = QStringLiteral("preferences");
+    static inline const QString memoryIdentifier = QStringLiteral("memory");
 
     /// The sentence about a volume that was "mounted" or "unmounted".
     [[nodiscard]] static std::string volumeSentence(const Notification& notification,

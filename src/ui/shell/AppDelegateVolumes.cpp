@@ -85,6 +85,7 @@ void AppDelegate::refApplicationMenu() {
     m_menu->setHasPreferences(pages.hasPage(preferencesIdentifier));
     m_menu->setPages(pages.hasPage(scanIdentifier), pages.hasPage(freeSpaceIdentifier),
                      pages.hasPage(uninstallIdentifier));
+    m_menu->setHasMemory(pages.hasPage(memoryIdentifier));
     m_menu->setHasPages(pages.hasPagesBeside(QStringLiteral("duplicates_file")));
     refFastCleanItem();
     refEjectAll();

@@ -20,6 +20,7 @@ ApplicationMenu::ApplicationMenu(const Actions& actions, QObject* parent)
     m_scanMenu = add("scanMenu", tr("Clean"), {}, actions.onClickScan);
     m_freeSpaceMenu = add("freeSpaceMenu", tr("Free Space"), {}, actions.onClickFree);
     m_UninstallMenu = add("UninstallMenu", tr("Uninstall"), {}, actions.onClickUninstall);
+    m_memory = add("memory", tr("Memory"), {}, actions.showMemory);
     m_fastClean = add("fastClean", tr("Fast Clean"), {}, actions.cleaningFile);
     m_volumes = add("volumes", tr("Volumes"), {}, [] {});
     m_eject =
@@ -29,6 +30,7 @@ ApplicationMenu::ApplicationMenu(const Actions& actions, QObject* parent)
     m_preferences->setEnabled(false);
     m_pages->setVisible(false);
     setPages(false, false, false);
+    setHasMemory(false);
     setVolumes(nullptr);
     m_menu->addSeparator();
     add("help", tr("User Guide"), QKeySequence(QKeySequence::HelpContents), actions.help);
@@ -70,6 +72,8 @@ void ApplicationMenu::setPages(bool hasScan, bool hasFree, bool hasUninstall) {
     m_freeSpaceMenu->setVisible(hasFree);
     m_UninstallMenu->setVisible(hasUninstall);
 }
+
+void ApplicationMenu::setHasMemory(bool hasMemory) { m_memory->setVisible(hasMemory); }
 
 void ApplicationMenu::setVolumes(QMenu* volumes) {
     m_volumes->setMenu(volumes);

@@ -25,6 +25,7 @@ public:
         std::function<void()> onClickScan;       ///< the page that cleans
         std::function<void()> onClickFree;       ///< the page "Free Space"
         std::function<void()> onClickUninstall;  ///< the page that uninstalls
+        std::function<void()> showMemory;        ///< the page "Memory"
         std::function<void()> cleaningFile;      ///< "Fast Clean"
         std::function<void()> rejestAllDisk;     ///< "Eject All"
         std::function<void()> help;
@@ -55,6 +56,9 @@ public:
     /// replaced.
     void setVolumes(QMenu* volumes);
 
+    /// Whether there is a page "Memory"; likewise.
+    void setHasMemory(bool hasMemory);
+
     /// Whether the window with all pages shows anything that the main window does not. It is not
     /// offered until that is told.
     void setHasPages(bool hasPages);
@@ -76,6 +80,7 @@ private:
     QAction* m_scanMenu = nullptr;
     QAction* m_freeSpaceMenu = nullptr;
     QAction* m_UninstallMenu = nullptr;
+    QAction* m_memory = nullptr;
 };
 
 }  // namespace orrinvale
