@@ -4,13 +4,13 @@
 #include <fmt/format.h>
 #include <time.h>
 
+#include <QAbstractScrollArea>
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QMouseEvent>
 #include <QScrollBar>
 #include <QTimer>
-#include <QTreeView>
 #include <chrono>
 #include <cstdio>
 #include <thread>
@@ -106,16 +106,16 @@ void WindowSteps::click(QWidget& widget, QPoint position) {
                             type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, {}));
 }
 
-void WindowSteps::scroll(const std::string& name, QTreeView& outline) {
+void WindowSteps::scroll(const std::string& name, QAbstractScrollArea& list) {
     constexpr int redraws = 300;
-    QScrollBar& bar = *outline.verticalScrollBar();
+    QScrollBar& bar = *list.verticalScrollBar();
     int drawn = 0;
     QElapsedTimer clock;
     QTimer frames;
     frames.setInterval(0);
-    QObject::connect(&frames, &QTimer::timeout, &outline, [&] {
+    QObject::connect(&frames, &QTimer::timeout, &list, [&] {
         bar.setValue(static_cast<int>(std::int64_t{bar.maximum()} * drawn / redraws));
-        outline.viewport()->repaint();
+        list.viewport()->repaint();
         if (++drawn == redraws) frames.stop();
     });
     step(

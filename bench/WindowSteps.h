@@ -12,7 +12,7 @@
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/shell/StallCounter.h"
 
-class QTreeView;
+class QAbstractScrollArea;
 
 namespace orrinvale {
 
@@ -57,7 +57,7 @@ public:
         const std::string& name, const std::function<void()>& action,
         const std::function<bool()>& isOver = [] { return true; });
     /// The whole list goes by, so that every redraw draws other rows.
-    void scroll(const std::string& name, QTreeView& outline);
+    void scroll(const std::string& name, QAbstractScrollArea& list);
     /// Posts a click of the left button.
     static void click(QWidget& widget, QPoint position);
 

@@ -1,7 +1,7 @@
 // How long the window stands still: the real page on real files, driven by clicks, with the
 // program's own counter of stalls. Makes a folder of duplicates, searches it, and then opens,
-// sorts, ticks, scrolls and removes. Windows are drawn offscreen. The large file page follows on a
-// folder of its own.
+// sorts, ticks, scrolls and removes. Windows are drawn offscreen. The large file page and the page
+// of disk usage follow on a folder of their own.
 //     window-bench [--groups N] [--leaves N] [--entries N] [--at FOLDER] [--scan FOLDER] [--json]
 // Ends with 1 when a step stands still for longer than the bar, or redraws too rarely.
 #include <fcntl.h>
@@ -17,6 +17,7 @@
 #include <functional>
 
 #include "LargePageSteps.h"
+#include "UsagePageSteps.h"
 #include "WindowSteps.h"
 #include "engine/base/Log.h"
 #include "engine/base/NotificationCenter.h"
@@ -82,16 +83,16 @@ public:
         : m_setting(setting),
           m_folder(folder),
           m_steps(steps),
-          m_window({.files = &m_files,
-                    .notifications = &m_notifications,
-                    .defaults = &UserDefaults::standardUserDefaults(),
-                    .dialogs = &m_dialogs,
-                    .mainQueue = &m_mainQueue,
-                    .stateFolder = {},
-                    .icons = [this](const IconRequest& request) { return m_icons.icon(request); },
-                    .reveal = {},
-                    .openAddress = {}},
-                   m_icons) {
+          m_services({.files = &m_files,
+                      .notifications = &m_notifications,
+                      .defaults = &UserDefaults::standardUserDefaults(),
+                      .dialogs = &m_dialogs,
+                      .mainQueue = &m_mainQueue,
+                      .stateFolder = {},
+                      .icons = [this](const IconRequest& request) { return m_icons.icon(request); },
+                      .reveal = {},
+                      .openAddress = {}}),
+          m_window(m_services, m_icons) {
         QnAuthorization::shareQnAuthorization().setParts({.authorization = &m_authorization,
                                                           .files = &m_files,
                                                           .permissions = &m_permissions,
@@ -124,6 +125,7 @@ public:
         remove();
         search("search again", m_folder);
         if (m_setting.entries != 0) runLargePageSteps(m_steps, m_window, m_folder + " entries");
+        if (m_setting.entries != 0) runUsagePageSteps(m_steps, m_services, m_folder + " entries");
         m_steps.step("close", [this] { m_window.closeWindow(); });
     }
 
@@ -214,6 +216,7 @@ private:
     QtMainQueue m_mainQueue;
     Agreeing m_dialogs;
     FileIcons m_icons;
+    const PageServices m_services;
     DuplicateMainWindowController m_window;
     ResultOutline* m_outline = nullptr;
 };

@@ -103,6 +103,151 @@
     </message>
 </context>
 <context>
+    <name>DiskUsageAppController</name>
+    <message>
+        <source>All checked files and folders will be removed.</source>
+        <translation>Alle angekreuzten Dateien und Ordner werden entfernt.</translation>
+    </message>
+    <message>
+        <source>Files: %1. Folders: %2. Together: %3</source>
+        <translation>Dateien: %1. Ordner: %2. Zusammen: %3</translation>
+    </message>
+    <message>
+        <source>Gives back up to %1 of the disk.</source>
+        <translation>Gibt bis zu %1 auf dem Datenträger frei.</translation>
+    </message>
+    <message>
+        <source>Gives back %1 of the disk.</source>
+        <translation>Gibt %1 auf dem Datenträger frei.</translation>
+    </message>
+    <message>
+        <source>What could not be read stays: %1</source>
+        <translation>Was nicht gelesen werden konnte, bleibt: %1</translation>
+    </message>
+    <message>
+        <source>What lies on other disks stays.</source>
+        <translation>Was auf anderen Datenträgern liegt, bleibt.</translation>
+    </message>
+</context>
+<context>
+    <name>DiskUsageViews</name>
+    <message>
+        <source>Drop a folder here to see what fills it</source>
+        <translation>Einen Ordner hier ablegen, um zu sehen, was ihn füllt</translation>
+    </message>
+    <message>
+        <source>Drop the folder to see what fills it</source>
+        <translation>Den Ordner ablegen, um zu sehen, was ihn füllt</translation>
+    </message>
+    <message>
+        <source>Back to the places</source>
+        <translation>Zurück zu den Orten</translation>
+    </message>
+    <message>
+        <source>Choose a folder to look into</source>
+        <translation>Ordner zum Untersuchen auswählen</translation>
+    </message>
+    <message>
+        <source>See what fills your disk</source>
+        <translation>Sehen, was den Datenträger füllt</translation>
+    </message>
+    <message>
+        <source>Choose a place on the left, or drop a folder here. Walk down to what is large, and remove it.</source>
+        <translation>Links einen Ort wählen oder einen Ordner hier ablegen. Zu dem gehen, was groß ist, und es entfernen.</translation>
+    </message>
+    <message>
+        <source>Columns</source>
+        <translation>Spalten</translation>
+    </message>
+    <message>
+        <source>Map</source>
+        <translation>Karte</translation>
+    </message>
+    <message>
+        <source>Scan</source>
+        <translation>Suchen</translation>
+    </message>
+    <message>
+        <source>Open selected file</source>
+        <translation>Ausgewählte Datei öffnen</translation>
+    </message>
+    <message>
+        <source>Reveal selected file</source>
+        <translation>Ausgewählte Datei zeigen</translation>
+    </message>
+    <message>
+        <source>Progress of the scan</source>
+        <translation>Fortschritt des Suchlaufs</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Stoppen</translation>
+    </message>
+    <message>
+        <source>Stop Scan</source>
+        <translation>Suche stoppen</translation>
+    </message>
+    <message>
+        <source>To the folder above</source>
+        <translation>Zum Ordner darüber</translation>
+    </message>
+    <message>
+        <source>Map of the folder</source>
+        <translation>Karte des Ordners</translation>
+    </message>
+    <message>
+        <source>Folders and files by size</source>
+        <translation>Ordner und Dateien nach Größe</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>Entfernen</translation>
+    </message>
+    <message>
+        <source>Remove selected file</source>
+        <translation>Ausgewählte Dateien entfernen</translation>
+    </message>
+</context>
+<context>
+    <name>FSNodeColumn</name>
+    <message>
+        <source>%1 on disk</source>
+        <translation>%1 auf dem Datenträger</translation>
+    </message>
+    <message>
+        <source>Without what lies on other disks</source>
+        <translation>Ohne das, was auf anderen Datenträgern liegt</translation>
+    </message>
+    <message>
+        <source>ticked</source>
+        <translation>angekreuzt</translation>
+    </message>
+    <message>
+        <source>partly ticked</source>
+        <translation>teilweise angekreuzt</translation>
+    </message>
+    <message>
+        <source>1 item under %1</source>
+        <translation>1 Eintrag unter %1</translation>
+    </message>
+    <message>
+        <source>%Ln items under %1</source>
+        <translation>%Ln Einträge unter %1</translation>
+    </message>
+    <message>
+        <source>could not be read</source>
+        <translation>nicht lesbar</translation>
+    </message>
+    <message>
+        <source>on another disk</source>
+        <translation>auf anderem Datenträger</translation>
+    </message>
+    <message>
+        <source>not counted</source>
+        <translation>nicht gezählt</translation>
+    </message>
+</context>
+<context>
     <name>FastClean</name>
     <message>
         <source>Fast Clean</source>
@@ -1320,6 +1465,10 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>Memory</source>
         <translation>Arbeitsspeicher</translation>
     </message>
+    <message>
+        <source>Disk Usage</source>
+        <translation>Speicherbelegung</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::CleanSysController</name>
@@ -1399,6 +1548,135 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Pages</source>
         <translation>Seiten</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::DiskUsageAppController</name>
+    <message>
+        <source>Look into another folder?</source>
+        <translation>In einen anderen Ordner sehen?</translation>
+    </message>
+    <message>
+        <source>What is ticked in the folder before is forgotten, and nothing is removed. To be looked into: %1</source>
+        <translation>Was im vorigen Ordner angekreuzt ist, wird vergessen, und nichts wird entfernt. Angesehen wird: %1</translation>
+    </message>
+    <message>
+        <source>Look</source>
+        <translation>Ansehen</translation>
+    </message>
+    <message>
+        <source>Nothing is left in this folder.</source>
+        <translation>In diesem Ordner ist nichts mehr übrig.</translation>
+    </message>
+    <message>
+        <source>Nothing was read of this folder.</source>
+        <translation>Von diesem Ordner wurde nichts gelesen.</translation>
+    </message>
+    <message>
+        <source>This folder is empty.</source>
+        <translation>Dieser Ordner ist leer.</translation>
+    </message>
+    <message>
+        <source>This folder could not be read.</source>
+        <translation>Dieser Ordner konnte nicht gelesen werden.</translation>
+    </message>
+    <message>
+        <source>Reading %1</source>
+        <translation>%1 wird gelesen</translation>
+    </message>
+    <message>
+        <source>%1 in %2</source>
+        <translation>%1 in %2</translation>
+    </message>
+    <message>
+        <source>%1 in %2, shown from %3 on</source>
+        <translation>%1 in %2, gezeigt ab %3</translation>
+    </message>
+    <message>
+        <source>Places</source>
+        <translation>Orte</translation>
+    </message>
+    <message>
+        <source>Remove %1</source>
+        <translation>%1 entfernen</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>Entfernen</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln ticked</source>
+        <translation>
+            <numerusform>%Ln angekreuzt</numerusform>
+            <numerusform>%Ln angekreuzt</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Scan This Folder Again</source>
+        <translation>Diesen Ordner neu durchsuchen</translation>
+    </message>
+    <message>
+        <source>Disk Usage</source>
+        <translation>Speicherbelegung</translation>
+    </message>
+    <message>
+        <source>Counting what is ticked</source>
+        <translation>Das Angekreuzte wird gezählt</translation>
+    </message>
+    <message>
+        <source>Are you sure you want to remove all checked items?</source>
+        <translation>Wirklich alles Angekreuzte entfernen?</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Removing</source>
+        <translation>Entfernen</translation>
+    </message>
+    <message>
+        <source>Waiting for another removal to end</source>
+        <translation>Wartet, bis ein anderes Entfernen zu Ende ist</translation>
+    </message>
+    <message>
+        <source>Removing %1</source>
+        <translation>%1 wird entfernt</translation>
+    </message>
+    <message>
+        <source>Some files that require admin access can&apos;t be removed!</source>
+        <translation>Einige Dateien lassen sich nur mit Administratorrechten entfernen!</translation>
+    </message>
+    <message>
+        <source>Could not be removed</source>
+        <translation>Nicht entfernt</translation>
+    </message>
+    <message>
+        <source>Please select some path to scan.</source>
+        <translation>Bitte einen Ort zum Durchsuchen wählen.</translation>
+    </message>
+    <message>
+        <source>%1 items</source>
+        <translation>%1 Einträge</translation>
+    </message>
+    <message>
+        <source>No items found in selected folder. Please try another one.</source>
+        <translation>Im gewählten Ordner wurde nichts gefunden. Bitte einen anderen wählen.</translation>
+    </message>
+    <message>
+        <source>Could not be read</source>
+        <translation>Nicht lesbar</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::DiskUsageLeftCell</name>
+    <message>
+        <source>%1 of %2 free</source>
+        <translation>%1 von %2 frei</translation>
     </message>
 </context>
 <context>
@@ -1551,6 +1829,29 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Eject %1</source>
         <translation>%1 auswerfen</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::ItemFacts</name>
+    <message>
+        <source>%1, %2 on disk</source>
+        <translation>%1, auf dem Datenträger %2</translation>
+    </message>
+    <message>
+        <source>It is gone.</source>
+        <translation>Sie ist nicht mehr da.</translation>
+    </message>
+    <message>
+        <source>Its removal gives back up to %1</source>
+        <translation>Ihr Entfernen gibt bis zu %1 frei</translation>
+    </message>
+    <message>
+        <source>Its removal gives back %1</source>
+        <translation>Ihr Entfernen gibt %1 frei</translation>
+    </message>
+    <message>
+        <source>Together %1. They are too small to be listed one by one.</source>
+        <translation>Zusammen %1. Sie sind zu klein, um einzeln aufgeführt zu werden.</translation>
     </message>
 </context>
 <context>

@@ -19,17 +19,17 @@ namespace orrinvale {
 namespace {
 
 constexpr const char* help =
-    "usage: orrinvale [--action NAME] [FOLDER]\n"
+    "usage: orrinvale [--action NAME | --disk-usage FOLDER] [FOLDER]\n"
     "\n"
     "Opens the window, and searches FOLDER for duplicates if one is given. A program that runs "
     "already\n"
     "comes to the front instead and takes over what is asked for.\n"
     "\n"
-    "  --action NAME  duplicates, large-files, uninstall, memory: show that page; fast-clean: show "
-    "the window\n"
-    "                 of Fast Clean, which waits for a click; eject-all: eject what can be "
-    "ejected;\n"
-    "                 quit: end the running program\n"
+    "  --action NAME  duplicates, large-files, disk-usage, uninstall, memory: show that page;\n"
+    "                 fast-clean: show the window of Fast Clean, which waits for a click;\n"
+    "                 eject-all: eject what can be ejected; quit: end the running program\n"
+    "  --disk-usage FOLDER\n"
+    "                 show what fills FOLDER\n"
     "  --at-login     said by the entry that starts the program at login; with \"Start hidden\" in "
     "the\n"
     "                 preferences it then shows no window\n"
@@ -39,9 +39,9 @@ constexpr const char* help =
     "For scripts and servers there is orrinvale-cli.\n";
 
 constexpr std::array actions{startAction::duplicates, startAction::largeFiles,
-                             startAction::uninstall,  startAction::fastClean,
-                             startAction::ejectAll,   startAction::memory,
-                             startAction::quit};
+                             startAction::diskUsage,  startAction::uninstall,
+                             startAction::memory,     startAction::fastClean,
+                             startAction::ejectAll,   startAction::quit};
 
 std::string activationToken() {
     for (const char* const name : {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"})
@@ -77,6 +77,9 @@ private:
         else if (option == "--action") takeAction(m_next < m_end ? *m_next++ : "");
         else if (option.starts_with("--action=")) takeAction(option.substr(option.find('=') + 1));
         else if (option == "--at-login") takeAtLogin();
+        else if (option == "--disk-usage") takeUsage(m_next < m_end ? *m_next++ : "");
+        else if (option.starts_with("--disk-usage="))
+            takeUsage(option.substr(option.find('=') + 1));
         else if (option == "-session" && m_next < m_end)
             ++m_next;  // of the session manager, for the toolkit
         else
@@ -106,6 +109,13 @@ private:
 
     void takeFolder(std::string_view given) {
         if (isLoneMemoryRun(given)) return;
+        takeFolderFor({}, given);
+    }
+
+    void takeUsage(std::string_view given) { takeFolderFor(startAction::diskUsage, given); }
+
+    // Without an action the folder is to be searched.
+    void takeFolderFor(std::string_view action, std::string_view given) {
         const std::string path = pathOfFileUrl(given).value_or(std::string(given));
         if (m_out.request.kind != StartRequest::Kind::Activate) {
             m_out.fault = "more than one thing is asked for";
@@ -117,7 +127,10 @@ private:
         const auto opened =
             folder ? m_files.openFolder(FileSystem::noParent, folder->c_str(), Links::Follow)
                    : SysResult<Descriptor>(tl::unexpected(folder.error()));
-        if (opened) m_out.request = {StartRequest::Kind::Open, *folder, {}};
+        if (opened && action.empty()) m_out.request = {StartRequest::Kind::Open, *folder, {}};
+        else if (opened)
+            m_out.request = {
+                StartRequest::Kind::Action, startAction::withFolder(action, *folder), {}};
         else
             m_out.fault =
                 escapeControls(path) + ": " + systemError("open", path, opened.error()).reason();

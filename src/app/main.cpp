@@ -1,6 +1,8 @@
 // The window program: the system gate first, then the run that only touches memory, then a word to
 // the program that runs already, and only then the window.
 #include <QDBusConnection>
+#include <QDir>
+#include <QFile>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -50,6 +52,8 @@
 #include "services/lifecycle/StartService.h"
 #include "services/settings/SettingsKeeper.h"
 #include "services/volumes/SystemWatch.h"
+#include "ui/diskusage/DiskUsageAppController.h"
+#include "ui/diskusage/diskUsagePage.h"
 #include "ui/duplicates/duplicatePage.h"
 #include "ui/kit/dialogs/WindowDialogs.h"
 #include "ui/kit/look/Theme.h"
@@ -185,6 +189,11 @@ void preparePages(const Shared& shared, const AppDelegateParts& parts, AppDelega
     pages.setOpenAddress(parts.pages.openAddress);
     pages.setOpenHelp([&delegate] { delegate.help(); });
     pages.registerPage(duplicatePage(parts.pages));
+    pages.registerPage(diskUsagePage(
+        parts.pages, {.watch = parts.systemWatch,
+                      .home = QFile::encodeName(QDir::homePath()).toStdString(),
+                      .userName = qEnvironmentVariable("USER", QDir::home().dirName()),
+                      .open = openInFileManager}));
     pages.registerPage(
         freeSpacePage(parts.pages, {.watch = parts.systemWatch, .ejections = parts.ejections}));
     pages.registerPage(preferencePage(

@@ -41,6 +41,18 @@ constexpr std::array colors{
     NamedColor{Color::Success, "Success"},
     NamedColor{Color::Warning, "Warning"},
     NamedColor{Color::Shadow, "Shadow"},
+    NamedColor{Color::SizeWhite, "SizeWhite"},
+    NamedColor{Color::SizeGreen, "SizeGreen"},
+    NamedColor{Color::SizeYellow, "SizeYellow"},
+    NamedColor{Color::SizeOrange, "SizeOrange"},
+    NamedColor{Color::SizeRed, "SizeRed"},
+    NamedColor{Color::KindDocuments, "KindDocuments"},
+    NamedColor{Color::KindMusic, "KindMusic"},
+    NamedColor{Color::KindVideos, "KindVideos"},
+    NamedColor{Color::KindArchives, "KindArchives"},
+    NamedColor{Color::KindPictures, "KindPictures"},
+    NamedColor{Color::KindOthers, "KindOthers"},
+    NamedColor{Color::KindLeftOut, "KindLeftOut"},
 };
 static_assert(colors.size() == static_cast<std::size_t>(Color::Count),
               "a colour is missing in the sheet");

@@ -43,6 +43,11 @@ SysResult<Descriptor> StagedFiles::openFolder(int parent, const char* name, Link
     return ForwardingFiles::openFolder(parent, name, links);
 }
 
+SysResult<Descriptor> StagedFiles::openInside(int parent, const char* name) const {
+    if (const int refusal = pass(name)) return tl::unexpected(refusal);
+    return ForwardingFiles::openInside(parent, name);
+}
+
 SysResult<bool> StagedFiles::readFolder(int folder, CatalogBatch& batch) const {
     auto more = ForwardingFiles::readFolder(folder, batch);
     std::ranges::sort(batch.entries, [](const CatalogEntry& a, const CatalogEntry& b) {

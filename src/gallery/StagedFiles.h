@@ -27,6 +27,7 @@ public:
     void release();
 
     SysResult<Descriptor> openFolder(int parent, const char* name, Links links) const override;
+    SysResult<Descriptor> openInside(int parent, const char* name) const override;
     SysResult<bool> readFolder(int folder, CatalogBatch& batch) const override;
     SysResult<Descriptor> openFile(int parent, const char* name, Links links,
                                    ReadState& state) const override;

@@ -15,6 +15,7 @@
 #include "engine/settings/UserDefaults.h"
 #include "engine/text/UtilityFunction.h"
 #include "gallery/ControlSheet.h"
+#include "gallery/DiskUsageScenes.h"
 #include "gallery/DuplicateScenes.h"
 #include "gallery/FastCleanScenes.h"
 #include "gallery/LargeFileScenes.h"
@@ -133,6 +134,7 @@ int drawGallery(const Order& order, NotificationCenter& notifications) {
     if (order.isDark && order.isLarge) return 0;
     const bool isDrawn = drawPage<DuplicateScenes>(order, pictures) &&
                          drawPage<LargeFileScenes>(order, pictures) &&
+                         drawPage<DiskUsageScenes>(order, pictures) &&
                          drawPage<FastCleanScenes>(order, pictures) && drawProgram(order, pictures);
     return isDrawn ? 0 : 1;
 }

@@ -4,6 +4,8 @@
 #include <array>
 #include <utility>
 
+#include "platform/FileUrl.h"
+
 namespace orrinvale {
 namespace {
 
@@ -21,6 +23,18 @@ bool hasFittingText(const StartRequest& request) {
 }
 
 }  // namespace
+
+std::string startAction::withFolder(std::string_view action, std::string_view folder) {
+    return std::string(action) + ' ' + fileUrlOf(folder);
+}
+
+std::optional<std::string> StartRequest::folderOfAction(std::string_view name) const {
+    const std::string_view action = text;
+    if (kind != Kind::Action || !action.starts_with(name) || action.size() <= name.size() ||
+        action[name.size()] != ' ')
+        return {};
+    return pathOfFileUrl(action.substr(name.size() + 1));
+}
 
 std::string printStartRequest(const StartRequest& request) {
     std::string packet;

@@ -16,11 +16,17 @@ inline constexpr std::string_view largeFiles = "large-files";
 inline constexpr std::string_view fastClean =
     "fast-clean";                                           ///< its window, which waits for a click
 inline constexpr std::string_view uninstall = "uninstall";  ///< shows that page
+inline constexpr std::string_view diskUsage =
+    "disk-usage";  ///< the page; with a folder by withFolder()
 inline constexpr std::string_view ejectAll = "eject-all";
 inline constexpr std::string_view memory = "memory";  ///< the page
 inline constexpr std::string_view quit = "quit";
 inline constexpr std::string_view atLogin =
     "at-login";  ///< asked for by an option of its own: a login has started it
+
+/// An action with the folder that it is for: the name, a blank, and the folder's address, so that
+/// exact bytes come through wherever names of actions do.
+[[nodiscard]] std::string withFolder(std::string_view action, std::string_view folder);
 }  // namespace startAction
 
 struct StartRequest {
@@ -35,6 +41,9 @@ struct StartRequest {
     [[nodiscard]] bool isAction(std::string_view name) const {
         return kind == Kind::Action && text == name;
     }
+
+    /// The folder behind the name of that action; nothing for another action, or without one.
+    [[nodiscard]] std::optional<std::string> folderOfAction(std::string_view name) const;
 
     friend bool operator==(const StartRequest&, const StartRequest&) = default;
 };

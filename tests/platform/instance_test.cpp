@@ -56,6 +56,19 @@ std::optional<StartRequest> awaitRequest(const ProgramInstance& instance, millis
     return instance.receive();
 }
 
+TEST(StartRequest, AnActionCarriesItsFolderInExactBytes) {
+    for (const std::string folder : {"/", "/a b#c?", "/new\nline", "/\xff\xfe"}) {
+        const StartRequest sent{StartRequest::Kind::Action,
+                                startAction::withFolder(startAction::diskUsage, folder),
+                                {}};
+        const auto got = parseStartRequest(printStartRequest(sent));
+        ASSERT_TRUE(got);
+        EXPECT_EQ(got->folderOfAction(startAction::diskUsage), folder);
+        EXPECT_FALSE(got->folderOfAction("disk"));
+        EXPECT_FALSE(got->isAction(startAction::diskUsage));
+    }
+}
+
 TEST(Instance, OfTwoThatStartAtTheSameMomentOneIsTheProgramAndOneHandsOver) {
     const SessionBusAddress noBus;
     const TestTree tree;

@@ -66,6 +66,13 @@ bool AppPrefsWindowController::hasPagesBeside(const QString& identifier) const {
         m_descriptors, [&](const PageDescriptor& each) { return each.identifier != identifier; });
 }
 
+Page* AppPrefsWindowController::page(const QString& identifier) const {
+    const QWidget* const view = toolbarViews().value(identifier);
+    const auto found = std::ranges::find_if(
+        m_pages, [view](const auto& each) { return view != nullptr && each->view() == view; });
+    return found == m_pages.end() ? nullptr : found->get();
+}
+
 void AppPrefsWindowController::insertPage(int place) {
     const PageDescriptor& page = m_descriptors[static_cast<std::size_t>(place)];
     insertView(place, nullptr, page.identifier, page.picture);

@@ -30,6 +30,8 @@ public:
 
     /// Those that have been shown. None is null.
     [[nodiscard]] const std::vector<std::unique_ptr<Page>>& pages() const { return m_pages; }
+    /// Null where it is not registered, or has not been shown.
+    [[nodiscard]] Page* page(const QString& identifier) const;
 
 private:
     void setupToolbar() override;

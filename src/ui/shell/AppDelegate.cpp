@@ -55,6 +55,7 @@ AppDelegate::AppDelegate(AppDelegateParts parts, QObject* parent)
                                    .onClickFree = [this] { onClickFree(); },
                                    .onClickUninstall = [this] { onClickUninstall(); },
                                    .showMemory = [this] { showMemory(); },
+                                   .onClickDiskUsage = [this] { onClickDiskUsage(); },
                                    .cleaningFile = [this] { cleaningFile(); },
                                    .rejestAllDisk = [this] { rejestAllDisk(); },
                                    .help = [this] { help(); },
@@ -164,6 +165,14 @@ void AppDelegate::perform(const StartRequest& request) {
     }
     if (request.isAction(startAction::memory)) {
         showMemory();
+        return;
+    }
+    if (const auto folder = request.folderOfAction(startAction::diskUsage)) {
+        lookInto(*folder);
+        return;
+    }
+    if (request.isAction(startAction::diskUsage)) {
+        onClickDiskUsage();
         return;
     }
     handleReopenAppEvent();

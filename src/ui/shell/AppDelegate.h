@@ -1,6 +1,7 @@
 // AppDelegate: the life of the program, from its window at launch to its end, and what it does when
 // volumes come and go. AppDelegateVolumes.cpp has the volumes, AppDelegateCleaning.cpp Fast Clean,
-// AppDelegateBubbles.cpp the notes, AppDelegatePreferences.cpp what settings change while it runs.
+// AppDelegateDiskUsage.cpp the page of disk usage, AppDelegateBubbles.cpp the notes,
+// AppDelegatePreferences.cpp what settings change while it runs.
 #pragma once
 
 #include <QObject>
@@ -120,6 +121,8 @@ public:
     void onClickFree();
     void onClickScan();
     void onClickUninstall();
+    /// Shows the page, and no more.
+    void onClickDiskUsage();
     void help();
 
     // Whether the program starts at login.
@@ -168,6 +171,7 @@ public:
 
     /// Of pages in the toolbar window, which entries of the menu lead to.
     static inline const QString freeSpaceIdentifier = QStringLiteral("free_space");
+    static inline const QString diskUsageIdentifier = QStringLiteral("disk_usage");
     static inline const QString scanIdentifier = QStringLiteral("clean");
     static inline const QString uninstallIdentifier = QStringLiteral("uninstall");
     static inline const QString preferencesIdentifier = QStringLiteral("preferences");
@@ -200,6 +204,7 @@ private:
     void bubbleViewWith(std::unique_ptr<QLabel> view, std::unique_ptr<QLabel> withBView = nullptr);
     void tell(const Alert& alert);
     void searchFolder(const std::string& path);
+    void lookInto(const std::string& path);
     void leave(std::function<void()> last);
     /// Of both windows, those that have been shown.
     [[nodiscard]] std::vector<Page*> pages() const;

@@ -19,6 +19,7 @@ ApplicationMenu::ApplicationMenu(const Actions& actions, QObject* parent)
         add("pages", tr("Show All Pages"), QKeySequence(Qt::CTRL | Qt::Key_0), actions.showPages);
     m_scanMenu = add("scanMenu", tr("Clean"), {}, actions.onClickScan);
     m_freeSpaceMenu = add("freeSpaceMenu", tr("Free Space"), {}, actions.onClickFree);
+    m_diskUsageMenu = add("diskUsageMenu", tr("Disk Usage"), {}, actions.onClickDiskUsage);
     m_UninstallMenu = add("UninstallMenu", tr("Uninstall"), {}, actions.onClickUninstall);
     m_memory = add("memory", tr("Memory"), {}, actions.showMemory);
     m_fastClean = add("fastClean", tr("Fast Clean"), {}, actions.cleaningFile);
@@ -32,6 +33,7 @@ ApplicationMenu::ApplicationMenu(const Actions& actions, QObject* parent)
     setPages(false, false, false);
     setHasMemory(false);
     setVolumes(nullptr);
+    setHasDiskUsage(false);
     m_menu->addSeparator();
     add("help", tr("User Guide"), QKeySequence(QKeySequence::HelpContents), actions.help);
     m_menu->addSeparator();
@@ -78,6 +80,10 @@ void ApplicationMenu::setHasMemory(bool hasMemory) { m_memory->setVisible(hasMem
 void ApplicationMenu::setVolumes(QMenu* volumes) {
     m_volumes->setMenu(volumes);
     m_volumes->setVisible(volumes != nullptr);
+}
+
+void ApplicationMenu::setHasDiskUsage(bool hasDiskUsage) {
+    m_diskUsageMenu->setVisible(hasDiskUsage);
 }
 
 void ApplicationMenu::setHasPages(bool hasPages) { m_pages->setVisible(hasPages); }

@@ -26,6 +26,7 @@ public:
         std::function<void()> onClickFree;       ///< the page "Free Space"
         std::function<void()> onClickUninstall;  ///< the page that uninstalls
         std::function<void()> showMemory;        ///< the page "Memory"
+        std::function<void()> onClickDiskUsage;  ///< the page "Disk Usage"
         std::function<void()> cleaningFile;      ///< "Fast Clean"
         std::function<void()> rejestAllDisk;     ///< "Eject All"
         std::function<void()> help;
@@ -58,6 +59,8 @@ public:
 
     /// Whether there is a page "Memory"; likewise.
     void setHasMemory(bool hasMemory);
+    /// Whether there is a page of disk usage. It is not offered until that is told.
+    void setHasDiskUsage(bool hasDiskUsage);
 
     /// Whether the window with all pages shows anything that the main window does not. It is not
     /// offered until that is told.
@@ -81,6 +84,7 @@ private:
     QAction* m_freeSpaceMenu = nullptr;
     QAction* m_UninstallMenu = nullptr;
     QAction* m_memory = nullptr;
+    QAction* m_diskUsageMenu = nullptr;
 };
 
 }  // namespace orrinvale

@@ -18,8 +18,8 @@
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/kit/look/accessibleRole.h"
+#include "ui/page/previewContent.h"
 #include "ui/shell/FileIcons.h"
-#include "ui/shell/previewContent.h"
 
 namespace orrinvale {
 namespace {

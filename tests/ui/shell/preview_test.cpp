@@ -4,9 +4,9 @@
 #include <QPlainTextEdit>
 
 #include "support/test.h"
+#include "ui/page/previewContent.h"
 #include "ui/shell/FileIcons.h"
 #include "ui/shell/PreviewWindow.h"
-#include "ui/shell/previewContent.h"
 #include "ui/support/soon.h"
 
 namespace orrinvale {

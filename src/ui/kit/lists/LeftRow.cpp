@@ -86,9 +86,7 @@ void LeftRow::resizeEvent(QResizeEvent* event) {
     placeBox();
 }
 
-void LeftRow::paintEvent(QPaintEvent* /*event*/) {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
+void LeftRow::drawGround(QPainter& painter) const {
     const QRectF frame = QRectF(rect()).adjusted(0, 2, 0, -2);
     if (m_isSelected || underMouse()) {
         painter.setPen(Qt::NoPen);
@@ -96,7 +94,12 @@ void LeftRow::paintEvent(QPaintEvent* /*event*/) {
         painter.drawRoundedRect(frame, highlightRadius, highlightRadius);
     }
     if (hasFocus()) drawFocusRing(painter, frame, highlightRadius);
+}
 
+void LeftRow::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    drawGround(painter);
     const int start = Theme::gapSmall + (m_box != nullptr ? tickBoxSize + Theme::gapSmall : 0);
     const QRect icon(start, (height() - iconSide) / 2, iconSide, iconSide);
     picture(m_content.picture).paint(&painter, QStyle::visualRect(layoutDirection(), rect(), icon));

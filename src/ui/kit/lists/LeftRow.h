@@ -44,6 +44,9 @@ Q_SIGNALS:
     void boxClicked();
 
 protected:
+    /// What lies behind the words: whether the row is chosen, under the pointer, has the keyboard.
+    void drawGround(QPainter& painter) const;
+
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;

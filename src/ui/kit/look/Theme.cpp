@@ -50,6 +50,18 @@ constexpr std::array<Pair, colorCount> colors{{
     {0xFF12849A, 0xFF5CC2D2},  // FocusRing
     {0xFF77838A, 0xFF8C979E},  // Outline
     {0x38101C22, 0x8C000000},  // Shadow
+    {0xFF1A2226, 0xFFE9EDEF},  // SizeWhite
+    {0xFF236B38, 0xFF74CC8A},  // SizeGreen
+    {0xFF6F5700, 0xFFEFD564},  // SizeYellow
+    {0xFF9A4300, 0xFFF6A65C},  // SizeOrange
+    {0xFFB3261F, 0xFFFF8F85},  // SizeRed
+    {0xFFBFD7F2, 0xFF274B73},  // KindDocuments
+    {0xFFE3CDF0, 0xFF573A6B},  // KindMusic
+    {0xFFF4C9C4, 0xFF70332E},  // KindVideos
+    {0xFFF3DDB3, 0xFF65480F},  // KindArchives
+    {0xFFC5E5CB, 0xFF27573A},  // KindPictures
+    {0xFFD5DCE0, 0xFF424C53},  // KindOthers
+    {0xFFE9ECEE, 0xFF2A2F33},  // KindLeftOut
 }};
 
 Theme::Scheme schemeOf(const QPalette& palette) {

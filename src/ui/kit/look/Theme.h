@@ -49,6 +49,18 @@ public:
         FocusRing,  ///< like Outline, at least 3.0 against every background
         Outline,    ///< the edge of a tick box, a field, a drop target
         Shadow,
+        SizeWhite,  ///< sizes of entries, from the smallest to the largest, on all grounds
+        SizeGreen,
+        SizeYellow,
+        SizeOrange,
+        SizeRed,
+        KindDocuments,  ///< areas that stand for kinds of files, under Text
+        KindMusic,
+        KindVideos,
+        KindArchives,
+        KindPictures,
+        KindOthers,
+        KindLeftOut,  ///< what is there and not listed
         Count
     };
 

@@ -32,11 +32,16 @@ TEST(Theme, EveryPairOfColoursThatMeetCanBeRead) {
         std::vector<Color> backgrounds;
         double least;
     };
-    const std::array<Rule, 3> rules{{
+    const std::vector<Color> kinds = {Color::KindDocuments, Color::KindMusic,    Color::KindVideos,
+                                      Color::KindArchives,  Color::KindPictures, Color::KindOthers,
+                                      Color::KindLeftOut};
+    const std::array<Rule, 4> rules{{
         {{Color::Text, Color::TextSecondary, Color::Accent, Color::Danger, Color::Success,
-          Color::Warning},
+          Color::Warning, Color::SizeWhite, Color::SizeGreen, Color::SizeYellow, Color::SizeOrange,
+          Color::SizeRed},
          grounds,
          4.5},
+        {{Color::Text}, kinds, 4.5},
         {{Color::TextOnAccent}, plates, 4.5},
         {{Color::FocusRing, Color::Outline}, grounds, 3.0},
     }};

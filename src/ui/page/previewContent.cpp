@@ -1,5 +1,5 @@
 // A picture is tried first, then a text; what is neither shows its facts alone.
-#include "ui/shell/previewContent.h"
+#include "ui/page/previewContent.h"
 
 #include <dirent.h>
 #include <fcntl.h>

@@ -1,5 +1,5 @@
 // The cloud is a widget that ends itself, so that nobody has to keep it.
-#include "ui/duplicates/showDisappearingEffect.h"
+#include "ui/kit/controls/showDisappearingEffect.h"
 
 #include <QPainter>
 #include <QVariantAnimation>

@@ -1,0 +1,140 @@
+// The places, the scan, the columns, the map, the question and the removal, in the order in which a
+// person meets them.
+#include "gallery/DiskUsageScenes.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <cerrno>
+#include <cstdio>
+#include <utility>
+
+#include "engine/settings/SettingsKeys.h"
+#include "engine/settings/UserDefaults.h"
+#include "gallery/SampleFolder.h"
+#include "gallery/drawing.h"
+#include "ui/diskusage/DiskUsageAppController.h"
+#include "ui/diskusage/TreemapView.h"
+#include "ui/diskusage/diskUsagePage.h"
+#include "ui/kit/chrome/TCImageWindow.h"
+#include "ui/kit/columns/ColumnBrowser.h"
+#include "ui/kit/dialogs/Sheet.h"
+#include "ui/preferences/AppPrefsWindowController.h"
+
+namespace orrinvale {
+namespace {
+
+constexpr const char* heldFolder = "Norway";
+constexpr const char* heldVideo = "Graduation of Anna.mp4";
+constexpr std::uint64_t gigabyte = 1'000'000'000;
+
+}  // namespace
+
+DiskUsageScenes::DiskUsageScenes(const SampleFolder& sample, UserDefaults& defaults,
+                                 const PictureFolder& pictures, QSet<QString> wanted)
+    : m_sample(sample),
+      m_pictures(pictures),
+      m_wanted(std::move(wanted)),
+      m_watch(m_volumes, m_memory, m_workings.mainQueue, std::chrono::hours(1)),
+      m_controller(std::make_unique<AppPrefsWindowController>()) {
+    m_volumes.volumes = {
+        FakeVolumes::volume(1, "System", "/", false, 512 * gigabyte),
+        FakeVolumes::volume(2, "Projects", "/srv/projects", false, 2000 * gigabyte)};
+    m_volumes.volumes[0].volume.info.freeBytes = 31 * gigabyte;
+    defaults.setInteger(1, ZvDiskUsageLimit);
+    m_files.refuse(SampleFolder::unreadableFolder, EACCES);
+    m_controller->registerPage(diskUsagePage(
+        m_workings.parts(m_files, defaults),
+        {.watch = &m_watch, .home = "/home/anna", .userName = QStringLiteral("anna"), .open = {}}));
+    m_controller->showWindow();
+    constexpr QSize usual{1000, 640};
+    m_controller->window()->setContentSize(usual);
+    m_page = static_cast<DiskUsageAppController*>(m_controller->page(QStringLiteral("disk_usage")));
+    m_browser = m_page->view()->findChild<ColumnBrowser*>(QStringLiteral("browser"));
+}
+
+DiskUsageScenes::~DiskUsageScenes() { m_files.release(); }
+
+bool DiskUsageScenes::save(const char* scene) const {
+    const QString name = QLatin1String(scene);
+    if (!m_wanted.isEmpty() && !m_wanted.contains(name)) return true;
+    m_controller->window()->activateWindow();
+    QApplication::processEvents();
+    return m_pictures.save(QStringLiteral("disk-usage-") + name, m_controller->window()->grab());
+}
+
+void DiskUsageScenes::click(const char* button) const {
+    m_page->view()->findChild<QAbstractButton*>(QLatin1String(button))->click();
+}
+
+int DiskUsageScenes::rowOf(int column, const char* name) const {
+    const ColumnModel& rows = m_browser->model(column);
+    for (int row = 0; row < rows.rowCount(); ++row)
+        if (rows.index(row).data().toString() == QLatin1String(name)) return row;
+    std::fprintf(stderr, "orrinvale-gallery: no row %s\n", name);
+    return -1;
+}
+
+void DiskUsageScenes::choose(int column, const char* name) const {
+    m_browser->choose(column, rowOf(column, name));
+}
+
+void DiskUsageScenes::tick(int column, const char* name) const {
+    Q_EMIT m_browser->tickWanted(column, rowOf(column, name));
+}
+
+bool DiskUsageScenes::waitForEnd() const {
+    return waitFor("the page to rest", [this] { return !m_page->isBusy(); });
+}
+
+bool DiskUsageScenes::draw() {
+    return waitFor("the places", [this] { return m_page->leftCellArr().size() == 3; }) &&
+           save("first") && drawScan() && drawResult() && drawRemoval();
+}
+
+bool DiskUsageScenes::drawScan() {
+    m_files.hold(heldFolder);
+    m_page->takeFolder(m_sample.family());
+    const bool isSaved =
+        waitFor("the scan to rest",
+                [this] { return m_files.isHolding() && m_browser->lastColumn() == 0; }) &&
+        save("progress");
+    m_files.release();
+    return isSaved && waitForEnd();
+}
+
+bool DiskUsageScenes::drawResult() {
+    choose(0, "Videos");
+    tick(1, heldVideo);
+    choose(0, "Pictures");
+    tick(0, "Downloads");
+    choose(0, "Videos");
+    choose(1, heldVideo);
+    if (!save("detail")) return false;
+    m_browser->closeBehind(0);
+    click("mapBtn");
+    const auto* const map = m_page->view()->findChild<TreemapView*>(QStringLiteral("map"));
+    const bool isSaved =
+        waitFor("the map", [&] { return map->isDrawn() && map->shownPicture() != nullptr; }) &&
+        save("map");
+    click("columnsBtn");
+    return isSaved;
+}
+
+bool DiskUsageScenes::drawRemoval() {
+    choose(0, "Videos");
+    m_files.hold(heldVideo);
+    click("removeBtn");
+    const auto sheet = [this] { return m_controller->window()->findChild<Sheet*>(); };
+    if (!waitFor("the question",
+                 [&] { return sheet() != nullptr && sheet()->content()->y() == 0; }) ||
+        !save("question"))
+        return false;
+    sheet()->findChild<QAbstractButton*>()->click();  // the first one agrees
+    if (!waitFor("the removal to reach the video", [&] { return m_files.isHolding(); }) ||
+        !waitFor("the sheet to go", [&] { return sheet() == nullptr; }) || !save("removal"))
+        return false;
+    m_files.release();
+    return waitForEnd() && save("after-removal");
+}
+
+}  // namespace orrinvale
