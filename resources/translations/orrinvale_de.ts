@@ -76,6 +76,228 @@
     </message>
 </context>
 <context>
+    <name>CleanViews</name>
+    <message>
+        <source>Back</source>
+        <translation>Zurück</translation>
+    </message>
+    <message>
+        <source>Caches, old logs, the trash and downloads are looked through. Nothing is removed until you tick it and confirm.</source>
+        <translation>Caches, alte Protokolle, Papierkorb und Downloads werden durchgesehen. Nichts wird entfernt, bevor Sie es anhaken und bestätigen.</translation>
+    </message>
+    <message>
+        <source>Scan</source>
+        <translation>Durchsehen</translation>
+    </message>
+    <message>
+        <source>Show what was found</source>
+        <translation>Zeigen, was gefunden wurde</translation>
+    </message>
+    <message>
+        <source>Progress</source>
+        <translation>Fortschritt</translation>
+    </message>
+    <message>
+        <source>Show All Entries</source>
+        <translation>Alle Einträge zeigen</translation>
+    </message>
+    <message>
+        <source>Show only names with these words</source>
+        <translation>Nur Namen mit diesen Worten zeigen</translation>
+    </message>
+    <message>
+        <source>Filter</source>
+        <translation>Filtern</translation>
+    </message>
+    <message>
+        <source>Scan again</source>
+        <translation>Noch einmal durchsehen</translation>
+    </message>
+    <message>
+        <source>Tick everything in %1</source>
+        <translation>Alles in %1 anhaken</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Anhalten</translation>
+    </message>
+    <message>
+        <source>Clean</source>
+        <translation>Aufräumen</translation>
+    </message>
+</context>
+<context>
+    <name>Cleaning</name>
+    <message>
+        <source>Are you sure you want to continue?</source>
+        <translation>Möchten Sie wirklich fortfahren?</translation>
+    </message>
+    <message>
+        <source>Downloads folder is selected to clean. We recommend you to view this folder for anything useful before emptying it.</source>
+        <translation>Der Ordner Downloads ist zum Aufräumen ausgewählt. Sehen Sie ihn besser nach Brauchbarem durch, bevor Sie ihn leeren.</translation>
+    </message>
+    <message>
+        <source>Utilities</source>
+        <translation>Werkzeuge</translation>
+    </message>
+    <message>
+        <source>1 year</source>
+        <translation>1 Jahr</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln years</source>
+        <translation>
+            <numerusform>%Ln Jahr</numerusform>
+            <numerusform>%Ln Jahre</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>1 month</source>
+        <translation>1 Monat</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln months</source>
+        <translation>
+            <numerusform>%Ln Monat</numerusform>
+            <numerusform>%Ln Monate</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>1 day</source>
+        <translation>1 Tag</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln days</source>
+        <translation>
+            <numerusform>%Ln Tag</numerusform>
+            <numerusform>%Ln Tage</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>1 hour</source>
+        <translation>1 Stunde</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln hours</source>
+        <translation>
+            <numerusform>%Ln Stunde</numerusform>
+            <numerusform>%Ln Stunden</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>1 minute</source>
+        <translation>1 Minute</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln minutes</source>
+        <translation>
+            <numerusform>%Ln Minute</numerusform>
+            <numerusform>%Ln Minuten</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>just now</source>
+        <translation>gerade eben</translation>
+    </message>
+    <message>
+        <source>%1 space has been recovered since last clean %2. The capacity of startup disk is %3, and %4 is available.</source>
+        <translation>%1 wurden beim letzten Aufräumen am %2 frei. Der Startdatenträger fasst %3, davon sind %4 verfügbar.</translation>
+    </message>
+    <message>
+        <source>%1 space has been recovered since last clean %2.</source>
+        <translation>%1 wurden beim letzten Aufräumen am %2 frei.</translation>
+    </message>
+    <message>
+        <source>The capacity of startup disk is %1, and %2 is available.</source>
+        <translation>Der Startdatenträger fasst %1, davon sind %2 verfügbar.</translation>
+    </message>
+    <message>
+        <source>%1 of %2 selected, %3 will free up.</source>
+        <translation>%1 von %2 ausgewählt, %3 werden frei.</translation>
+    </message>
+    <message>
+        <source>%1 is cleaned</source>
+        <translation>%1 aufgeräumt</translation>
+    </message>
+    <message>
+        <source>Remove what is ticked for good?</source>
+        <translation>Angehaktes endgültig entfernen?</translation>
+    </message>
+    <message>
+        <source>1 entry, %1. It cannot be brought back.</source>
+        <translation>1 Eintrag, %1. Er lässt sich nicht zurückholen.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln entries, %1. They cannot be brought back.</source>
+        <translation>
+            <numerusform>%Ln Eintrag, %1. Er lässt sich nicht zurückholen.</numerusform>
+            <numerusform>%Ln Einträge, %1. Sie lassen sich nicht zurückholen.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Clean %1</source>
+        <translation>%1 aufräumen</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Yes</source>
+        <translation>Ja</translation>
+    </message>
+    <message>
+        <source>No</source>
+        <translation>Nein</translation>
+    </message>
+    <message>
+        <source>View Downloads</source>
+        <translation>Downloads ansehen</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>You do not have privileges to clean these files. Please open the padlock at the bottom to have admin access.</source>
+        <translation>Ihnen fehlen die Rechte, diese Dateien zu entfernen. Öffnen Sie das Vorhängeschloss, um sie als Verwalter zu entfernen.</translation>
+    </message>
+    <message>
+        <source>Free space grew by %1</source>
+        <translation>Freier Platz um %1 gewachsen</translation>
+    </message>
+    <message>
+        <source>Free space did not grow</source>
+        <translation>Freier Platz ist nicht gewachsen</translation>
+    </message>
+    <message>
+        <source>%1 were promised. The rest is still held: by what stayed, by programs that have removed files open, by snapshots and shared copies; or files were compressed, or others have written meanwhile.</source>
+        <translation>%1 waren versprochen. Den Rest halten noch: was geblieben ist, Programme, die entfernte Dateien geöffnet haben, Schnappschüsse und geteilte Kopien; oder Dateien waren komprimiert, oder andere haben inzwischen geschrieben.</translation>
+    </message>
+    <message>
+        <source>kept: 1 entry</source>
+        <translation>behalten: 1 Eintrag</translation>
+    </message>
+    <message numerus="yes">
+        <source>kept: %Ln entries</source>
+        <translation>
+            <numerusform>behalten: %Ln Eintrag</numerusform>
+            <numerusform>behalten: %Ln Einträge</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>1 entry, in it since %1.</source>
+        <translation>1 Eintrag, darin seit %1.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln entries, the oldest in it since %1.</source>
+        <translation>
+            <numerusform>%Ln Eintrag, darin seit %1.</numerusform>
+            <numerusform>%Ln Einträge, der älteste darin seit %1.</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>Dialogs</name>
     <message>
         <source>OK</source>
@@ -1410,6 +1632,10 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>Memory</source>
         <translation>Arbeitsspeicher</translation>
     </message>
+    <message>
+        <source>Disk Usage</source>
+        <translation>Speicherbelegung</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::CleanMemoryController</name>
@@ -1465,10 +1691,6 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>Memory</source>
         <translation>Arbeitsspeicher</translation>
     </message>
-    <message>
-        <source>Disk Usage</source>
-        <translation>Speicherbelegung</translation>
-    </message>
 </context>
 <context>
     <name>orrinvale::CleanSysController</name>
@@ -1494,6 +1716,29 @@ Freie Software unter der Apache License 2.0.</translation>
     </message>
 </context>
 <context>
+    <name>orrinvale::CleanTreeModel</name>
+    <message>
+        <source>Ticked</source>
+        <translation>Angehakt</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Selected</source>
+        <translation>Ausgewählt</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Modified</source>
+        <translation>Geändert</translation>
+    </message>
+</context>
+<context>
     <name>orrinvale::CustomStatusItemView</name>
     <message>
         <source>Free:%1</source>
@@ -1502,6 +1747,13 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Total:%1</source>
         <translation>Gesamt:%1</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::CustomTableView</name>
+    <message>
+        <source>What can be cleaned</source>
+        <translation>Was aufgeräumt werden kann</translation>
     </message>
 </context>
 <context>
@@ -1548,6 +1800,21 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Pages</source>
         <translation>Seiten</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::DiskRing</name>
+    <message>
+        <source>%1 of %2 are free</source>
+        <translation>%1 von %2 sind frei</translation>
+    </message>
+    <message>
+        <source>can go</source>
+        <translation>können weg</translation>
+    </message>
+    <message>
+        <source>free</source>
+        <translation>frei</translation>
     </message>
 </context>
 <context>
@@ -1930,6 +2197,103 @@ Freie Software unter der Apache License 2.0.</translation>
     </message>
 </context>
 <context>
+    <name>orrinvale::MainViewController</name>
+    <message>
+        <source>Clean</source>
+        <translation>Aufräumen</translation>
+    </message>
+    <message>
+        <source>1 entry stayed</source>
+        <translation>1 Eintrag ist geblieben</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln entries stayed</source>
+        <translation>
+            <numerusform>%Ln Eintrag ist geblieben</numerusform>
+            <numerusform>%Ln Einträge sind geblieben</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>What stayed</source>
+        <translation>Was geblieben ist</translation>
+    </message>
+    <message>
+        <source>Clean %1</source>
+        <translation>%1 aufräumen</translation>
+    </message>
+    <message>
+        <source>Tick first what is to go</source>
+        <translation>Haken Sie zuerst an, was weg soll</translation>
+    </message>
+    <message>
+        <source>What is kept, and why</source>
+        <translation>Was behalten wird, und warum</translation>
+    </message>
+    <message>
+        <source>Nothing has been looked through yet</source>
+        <translation>Noch nichts durchgesehen</translation>
+    </message>
+    <message>
+        <source>Looking for what can go: %1 so far</source>
+        <translation>Suche, was weg kann: bisher %1</translation>
+    </message>
+    <message>
+        <source>Stopping</source>
+        <translation>Wird angehalten</translation>
+    </message>
+    <message>
+        <source>Removing %1</source>
+        <translation>Wird entfernt: %1</translation>
+    </message>
+    <message>
+        <source>Removing what was ticked</source>
+        <translation>Angehaktes wird entfernt</translation>
+    </message>
+    <message>
+        <source>Nothing can go</source>
+        <translation>Nichts kann weg</translation>
+    </message>
+    <message>
+        <source>%1 in one category can go</source>
+        <translation>%1 in einer Kategorie können weg</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 in %n categories can go</source>
+        <translation>
+            <numerusform>%1 in %n Kategorie können weg</numerusform>
+            <numerusform>%1 in %n Kategorien können weg</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>See what can go</source>
+        <translation>Sehen Sie, was weg kann</translation>
+    </message>
+    <message>
+        <source>Nothing can go. Your disk is tidy.</source>
+        <translation>Nichts kann weg. Ihr Datenträger ist aufgeräumt.</translation>
+    </message>
+    <message>
+        <source>Scan first, to see what can go.</source>
+        <translation>Sehen Sie erst durch, was weg kann.</translation>
+    </message>
+    <message>
+        <source>%1: looking ...</source>
+        <translation>%1: wird durchgesehen ...</translation>
+    </message>
+    <message>
+        <source>Nothing in %1 can go.</source>
+        <translation>In %1 kann nichts weg.</translation>
+    </message>
+    <message>
+        <source>Always Keep</source>
+        <translation>Immer behalten</translation>
+    </message>
+    <message>
+        <source>That could not be noted.</source>
+        <translation>Das ließ sich nicht vermerken.</translation>
+    </message>
+</context>
+<context>
     <name>orrinvale::MenuItemView</name>
     <message>
         <source>Eject %1</source>
@@ -1962,6 +2326,21 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Does not answer</source>
         <translation>Antwortet nicht</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::NewMainViewController</name>
+    <message>
+        <source>What was found</source>
+        <translation>Was gefunden wurde</translation>
+    </message>
+    <message>
+        <source>Tick everything</source>
+        <translation>Alles anhaken</translation>
+    </message>
+    <message>
+        <source>Ticked entries</source>
+        <translation>Angehakte Einträge</translation>
     </message>
 </context>
 <context>
@@ -2220,6 +2599,33 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Compared again and removed: %1 of %2</source>
         <translation>Noch einmal verglichen und entfernt: %1 von %2</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::ScanListModel</name>
+    <message>
+        <source>Ticked</source>
+        <translation>Angehakt</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Age</source>
+        <translation>Alter</translation>
+    </message>
+    <message>
+        <source>Show in File Manager</source>
+        <translation>In der Dateiverwaltung zeigen</translation>
+    </message>
+    <message>
+        <source>Came back since it was last cleaned</source>
+        <translation>Seit dem letzten Aufräumen zurückgekommen</translation>
     </message>
 </context>
 <context>
@@ -2536,6 +2942,13 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>It is running. Close its windows, and save what is open.</source>
         <translation>Sie läuft gerade. Schließen Sie ihre Fenster, und sichern Sie, was offen ist.</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::V3MainListView</name>
+    <message>
+        <source>Cleaned:</source>
+        <translation>Aufgeräumt:</translation>
     </message>
 </context>
 <context>

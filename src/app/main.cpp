@@ -52,9 +52,12 @@
 #include "services/lifecycle/StartService.h"
 #include "services/settings/SettingsKeeper.h"
 #include "services/volumes/SystemWatch.h"
+#include "ui/cleaning/MainViewController.h"
+#include "ui/cleaning/cleanPage.h"
 #include "ui/diskusage/DiskUsageAppController.h"
 #include "ui/diskusage/diskUsagePage.h"
 #include "ui/duplicates/duplicatePage.h"
+#include "ui/fastclean/FastClean.h"
 #include "ui/kit/dialogs/WindowDialogs.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/kit/look/Translations.h"
@@ -194,6 +197,16 @@ void preparePages(const Shared& shared, const AppDelegateParts& parts, AppDelega
                       .home = QFile::encodeName(QDir::homePath()).toStdString(),
                       .userName = qEnvironmentVariable("USER", QDir::home().dirName()),
                       .open = openInFileManager}));
+    pages.registerPage(cleanPage(
+        {.pages = parts.pages,
+         .clean = parts.clean,
+         .watch = parts.systemWatch,
+         .ejections = parts.ejections,
+         .makeDoor = fastCleanDoor,
+         .openFolder = [open = parts.openFolder](
+                           const std::string& folder) { static_cast<void>(open(folder)); },
+         .hasUninstall = [&pages] { return pages.hasPage(AppDelegate::uninstallIdentifier); },
+         .openUninstall = [&delegate] { delegate.onClickUninstall(); }}));
     pages.registerPage(
         freeSpacePage(parts.pages, {.watch = parts.systemWatch, .ejections = parts.ejections}));
     pages.registerPage(preferencePage(

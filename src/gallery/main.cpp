@@ -14,6 +14,7 @@
 #include "engine/settings/PreferenceViewController.h"
 #include "engine/settings/UserDefaults.h"
 #include "engine/text/UtilityFunction.h"
+#include "gallery/CleanScenes.h"
 #include "gallery/ControlSheet.h"
 #include "gallery/DiskUsageScenes.h"
 #include "gallery/DuplicateScenes.h"
@@ -132,10 +133,10 @@ int drawGallery(const Order& order, NotificationCenter& notifications) {
                                                    QLatin1String(order.isLarge ? "@2x" : ""));
     if (!drawSheet(pictures, notifications)) return 1;
     if (order.isDark && order.isLarge) return 0;
-    const bool isDrawn = drawPage<DuplicateScenes>(order, pictures) &&
-                         drawPage<LargeFileScenes>(order, pictures) &&
-                         drawPage<DiskUsageScenes>(order, pictures) &&
-                         drawPage<FastCleanScenes>(order, pictures) && drawProgram(order, pictures);
+    const bool isDrawn =
+        drawPage<DuplicateScenes>(order, pictures) && drawPage<LargeFileScenes>(order, pictures) &&
+        drawPage<DiskUsageScenes>(order, pictures) && drawPage<CleanScenes>(order, pictures) &&
+        drawPage<FastCleanScenes>(order, pictures) && drawProgram(order, pictures);
     return isDrawn ? 0 : 1;
 }
 

@@ -13,6 +13,7 @@ namespace orrinvale {
 namespace startAction {
 inline constexpr std::string_view duplicates = "duplicates";
 inline constexpr std::string_view largeFiles = "large-files";
+inline constexpr std::string_view clean = "clean";  ///< the page that cleans
 inline constexpr std::string_view fastClean =
     "fast-clean";                                           ///< its window, which waits for a click
 inline constexpr std::string_view uninstall = "uninstall";  ///< shows that page

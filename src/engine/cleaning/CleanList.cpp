@@ -37,6 +37,10 @@ CleanList::CleanList(const CleanParts& parts, std::vector<CleanRow> rows,
 CleanList::~CleanList() = default;
 
 void CleanList::turnHasCome() {
+    if (m_rows.empty()) {
+        m_isPrepared = true;
+        return;
+    }
     m_rules = std::make_unique<CleanRules>(m_parts);
     for (const CleanRow& row : m_rows) learnGround(folderOf(row.path));
     askAnew();

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "engine/cleaning/QnAuthorization.h"
+#include "engine/files/Catalog.h"
 #include "engine/files/FolderNode.h"
 #include "engine/files/bundleName.h"
 #include "platform/files.h"

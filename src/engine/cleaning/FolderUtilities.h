@@ -9,13 +9,14 @@
 #include <vector>
 
 #include "engine/cleaning/CleanCategory.h"
-#include "engine/files/Catalog.h"
 #include "engine/files/TreeSize.h"
 #include "platform/authorization.h"
 #include "platform/fileTypes.h"
 #include "platform/folders.h"
 
 namespace orrinvale {
+
+class FSRef;
 
 /// Holds no state that changes; any thread.
 class FolderUtilities final {

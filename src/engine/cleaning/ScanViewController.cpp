@@ -23,6 +23,8 @@ namespace orrinvale {
 namespace {
 
 constexpr std::chrono::milliseconds newsInterval{50};
+// Of a removal in one turn of the main thread.
+constexpr std::size_t mostNews = 4096;
 constexpr const char* startButtonKey = "startButton";
 constexpr const char* animationKey = "animation";
 constexpr const char* isSelectKey = "isSelect";
@@ -103,29 +105,33 @@ private:
         tellEnd();
     }
 
+    // The rows are put together here, since 20,000 of them would hold the main thread up.
     void tellEnd() {
+        if (m_errand.wait(std::chrono::milliseconds(0)) == ScanErrand::State::Ended)
+            m_listing = m_errand.take();
+        else m_listing.closed.push_back({{}, "no answer for 5 seconds"});
+        m_rows.reserve(m_listing.rows.size());
+        for (const CleanRow& row : m_listing.rows) m_rows.push_back(infoOf(row));
         m_queue.async([self = shared_from_this()] {
             ScanViewController* const owner = std::exchange(self->m_owner, nullptr);
-            if (owner == nullptr) return;
-            const bool isEnded =
-                self->m_errand.wait(std::chrono::milliseconds(0)) == ScanErrand::State::Ended;
-            CategoryListing listing;
-            if (isEnded) listing = self->m_errand.take();
-            else listing.closed.push_back({{}, "no answer for 5 seconds"});
-            owner->scanTaskFinished(std::move(listing));
+            if (owner != nullptr)
+                owner->scanTaskFinished(std::move(self->m_listing), std::move(self->m_rows));
         });
     }
 
     ScanViewController* m_owner;  // main thread
     MainQueue& m_queue;
-    ScanErrand m_errand;  // wait() by listen(), and by the main thread behind its end
+    ScanErrand m_errand;        // listen()'s
+    CategoryListing m_listing;  // up to the end listen()'s, then the main thread's
+    Rows m_rows;
 };
 
 /// One clean. The rows of the list by their place among the ticked ones.
 class ScanViewController::Clean final {
 public:
-    Clean(ScanViewController& owner, std::vector<CleanRow> rows)
-        : m_list(std::make_shared<CleanList>(owner.m_parts.clean, std::move(rows))),
+    Clean(ScanViewController& owner, std::vector<CleanRow> rows, std::shared_ptr<SpaceGain> gain)
+        : m_list(
+              std::make_shared<CleanList>(owner.m_parts.clean, std::move(rows), std::move(gain))),
           m_gone(m_list->rows().size(), 0),
           m_job({.files = owner.m_parts.clean.files,
                  .mainQueue = owner.m_parts.mainQueue,
@@ -182,12 +188,9 @@ void ScanViewController::setFilesSize(std::uint64_t bytes) {
     filesSizeChange.post(m_changes, filesSize);
 }
 
-void ScanViewController::scanTaskFinished(CategoryListing listing) {
+void ScanViewController::scanTaskFinished(CategoryListing listing, Rows rows) {
     m_listing = std::move(listing);
     setFilesSize(m_listing.bytes);
-    Rows rows;
-    rows.reserve(m_listing.rows.size());
-    for (const CleanRow& row : m_listing.rows) rows.push_back(infoOf(row));
     scanFiles = std::move(rows);
     scanFilesChange.post(m_changes, true);
     cleanShowSelectNumInBottomNotice.post(*m_parts.notifications, {});
@@ -254,25 +257,53 @@ void ScanViewController::cleanShowSelectNumInBottom(bool state, std::any startBu
         {.state = isLastTicked, .startButton = std::move(startButton), .isAnimated = true});
 }
 
-void ScanViewController::beginCleanTask() {
+void ScanViewController::beginCleanTask(std::shared_ptr<SpaceGain> gain) {
     if (m_clean != nullptr) return;
     iCleanSize = 0;
+    m_cleanedRows.clear();
     getSelectPath("clean");
     std::set<std::string_view> wanted;
     for (const auto& row : selDelFiles) wanted.insert(row->path);
     std::vector<CleanRow> rows;
     for (const CleanRow& row : m_listing.rows)
         if (wanted.contains(row.path)) rows.push_back(row);
-    m_clean = std::make_unique<Clean>(*this, std::move(rows));
+    m_clean = std::make_unique<Clean>(*this, std::move(rows), std::move(gain));
+}
+
+void ScanViewController::stopClean() {
+    if (m_clean != nullptr) m_clean->m_job.stop();
+}
+
+RemovalJob::Progress ScanViewController::cleanProgress() const {
+    return m_clean != nullptr ? m_clean->m_job.progress() : RemovalJob::Progress{};
+}
+
+void ScanViewController::leaveOut(const std::string& path) {
+    if (m_scan != nullptr || m_clean != nullptr || !scanFiles) return;
+    const auto row = std::ranges::find(m_listing.rows, path, &CleanRow::path);
+    if (row == m_listing.rows.end()) return;
+    CleanRow& kept = m_listing.kept.emplace_back(*row);
+    kept.kept = KeptBecause::Asked;
+    kept.keptWords = wordsOf(kept.kept);
+    kept.keptBytes = row->bytes;
+    takeFromTotal(row->bytes);
+    tellTotal();
+    dropRows({path});
+    scanFilesChange.post(m_changes, true);
 }
 
 void ScanViewController::takeCleanNews() {
-    const RemovalJob::News news = m_clean->m_job.takeNews();
+    const RemovalJob::News news = m_clean->m_job.takeNews(mostNews);
+    bool isAnyGone = false;
     for (const RemovalJob::Settled& each : news.settled) {
         if (!each.gone) continue;
         const std::size_t row = m_clean->m_list->rowOf(each.index);
-        if (++m_clean->m_gone[row] == m_clean->m_list->entriesOf(row)) rowIsGone(row);
+        if (++m_clean->m_gone[row] != m_clean->m_list->entriesOf(row)) continue;
+        rowIsGone(row);
+        isAnyGone = true;
     }
+    if (isAnyGone) tellTotal();
+    if (news.isMore) m_clean->m_job.callAgain();
     if (!news.ending) return;
     m_outcome = news.ending;
     finishClean();
@@ -282,6 +313,7 @@ void ScanViewController::rowIsGone(std::size_t row) {
     const CleanList& list = *m_clean->m_list;
     countGone(list.goneBytes(row));
     m_clean->m_leaving.insert(list.rows()[row].path);
+    m_cleanedRows.push_back(list.rows()[row].path);
 }
 
 void ScanViewController::countGone(std::uint64_t bytes) {
@@ -289,21 +321,26 @@ void ScanViewController::countGone(std::uint64_t bytes) {
     iCleanSize += bytes;
 }
 
-// The total is what its own text says, with the rounding of that.
+// The total is what its own text says, with the rounding of that. Told by tellTotal(), once for
+// many.
 void ScanViewController::takeFromTotal(std::uint64_t bytes) {
     const std::uint64_t before = UtilityFunction::getVolSpaceFromString(filesSize);
-    setFilesSize(std::max(before, bytes) - bytes);
+    filesSize = UtilityFunction::convertVolSpace(std::max(before, bytes) - bytes);
 }
+
+void ScanViewController::tellTotal() { filesSizeChange.post(m_changes, filesSize); }
 
 void ScanViewController::finishClean() {
     const std::unique_ptr<Clean> clean = std::move(m_clean);
     const CleanList& list = *clean->m_list;
     std::map<std::string_view, std::uint64_t> begun;  // what went of rows that stay, by their paths
+    const std::string told = filesSize;
     for (std::size_t i = 0; i < list.rows().size(); ++i) {
         const CleanRow& row = list.rows()[i];
         if (clean->m_leaving.contains(row.path)) continue;
         const std::uint64_t gone = list.goneBytes(i);
         if (gone > 0) countGone(gone);
+        if (list.isDone(i) && list.isBegun(i)) m_cleanedRows.push_back(row.path);
         if (list.isKept(i) || list.isDone(i)) {
             takeFromTotal(std::max(row.bytes, gone) - gone);
             clean->m_leaving.insert(row.path);
@@ -311,6 +348,7 @@ void ScanViewController::finishClean() {
             begun.emplace(row.path, gone);
         }
     }
+    if (filesSize != told) tellTotal();
     if (scanFiles && (!begun.empty() || !clean->m_leaving.empty())) {
         shrinkRows(begun);
         dropRows(clean->m_leaving);

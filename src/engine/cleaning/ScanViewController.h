@@ -17,6 +17,7 @@
 #include "engine/base/notices.h"
 #include "engine/cleaning/CategoryScan.h"
 #include "engine/cleaning/CleanFileInfo.h"
+#include "engine/cleaning/SpaceGain.h"
 #include "engine/removal/RemovalJob.h"
 
 namespace orrinvale {
@@ -96,8 +97,17 @@ public:
     /// Empties the list as one change; no effect while there is none.
     void refreshTableView();
     /// Removes the ticked rows. Each is asked about again; one that a rule keeps by now leaves the
-    /// list, since it is none of what may go.
-    void beginCleanTask();
+    /// list, since it is none of what may go. `gain`, which may be null, is begun when its turn has
+    /// come; cleans that run side by side may share one.
+    void beginCleanTask(std::shared_ptr<SpaceGain> gain = nullptr);
+    /// Ends the clean before its next entry, for whoever stops it and for the end of the program.
+    /// Does nothing while there is none.
+    void stopClean();
+    /// How far the clean is; nothing while there is none.
+    [[nodiscard]] RemovalJob::Progress cleanProgress() const;
+    /// Takes the row out of the list, as what a person wants to keep from now on. Does nothing
+    /// while a scan or a clean runs, and for a path that is no row.
+    void leaveOut(const std::string& path);
     /// Changes nothing: a clean that was begun goes on to its end.
     void cancelFastClean() {}
 
@@ -125,6 +135,8 @@ public:
     [[nodiscard]] const CategoryListing& listing() const { return m_listing; }
     /// What became of the last clean; nothing while there was none.
     [[nodiscard]] const std::optional<RemovalOutcome>& lastOutcome() const { return m_outcome; }
+    /// The rows that the last clean took as a whole, by their paths.
+    [[nodiscard]] const std::vector<std::string>& cleanedRows() const { return m_cleanedRows; }
 
     std::vector<std::string> folderPaths;
     std::optional<Rows> scanFiles;  ///< nothing until the first scan has ended
@@ -143,11 +155,12 @@ private:
     class Clean;
     void setAll(bool isTicked);
     void setFilesSize(std::uint64_t bytes);
-    void scanTaskFinished(CategoryListing listing);
+    void scanTaskFinished(CategoryListing listing, Rows rows);
     void takeCleanNews();
     void rowIsGone(std::size_t row);
     void countGone(std::uint64_t bytes);
     void takeFromTotal(std::uint64_t bytes);
+    void tellTotal();
     void finishClean();
     void shrinkRows(const std::map<std::string_view, std::uint64_t>& begun);
     void dropRows(const std::set<std::string>& leaving);
@@ -159,6 +172,7 @@ private:
     std::shared_ptr<Scan> m_scan;
     std::unique_ptr<Clean> m_clean;
     std::optional<RemovalOutcome> m_outcome;
+    std::vector<std::string> m_cleanedRows;
 };
 
 }  // namespace orrinvale

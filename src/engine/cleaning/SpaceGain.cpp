@@ -21,6 +21,8 @@ SpaceGain::SpaceGain(const std::vector<CleanRow>& rows, FreeSpace freeSpace)
 }
 
 void SpaceGain::begin() {
+    const std::lock_guard lock(m_mutex);
+    if (std::exchange(m_isBegun, true)) return;
     std::map<std::string, std::string> bySpace;
     for (std::string& folder : m_folders) {
         std::string space = spaceOf(folder);
@@ -42,6 +44,7 @@ std::optional<std::int64_t> SpaceGain::freeNow() const {
 }
 
 std::optional<std::int64_t> SpaceGain::gained() const {
+    const std::lock_guard lock(m_mutex);
     const auto after = m_before ? freeNow() : std::nullopt;
     return after ? std::optional(*after - *m_before) : std::nullopt;
 }

@@ -4,7 +4,6 @@
 #include <QCoreApplication>
 #include <QLocale>
 #include <algorithm>
-#include <array>
 #include <chrono>
 
 #include "engine/text/Localized.h"
@@ -20,11 +19,6 @@ namespace {
 struct Words {
     Q_DECLARE_TR_FUNCTIONS(FastClean)
 };
-
-// By the categories' order.
-constexpr std::array titleKeys{"TITLE_CLEAN_SYS_CACHES", "TITLE_CLEAN_USR_CACHES",
-                               "TITLE_CLEAN_SYS_LOGS",   "TITLE_CLEAN_USR_LOGS",
-                               "TITLE_CLEAN_TRASH",      "TITLE_CLEAN_DOWNLOADS"};
 
 // The share of what was promised below which a person wants to know why.
 constexpr double enough = 0.9;
@@ -53,10 +47,6 @@ QString unreadLine(const FastCleanResult& result) {
 }
 
 }  // namespace
-
-QString categoryTitle(CleanCategory category) {
-    return textOf(titleKeys.at(static_cast<std::size_t>(category)));
-}
 
 QString noCategoryLine() { return textOf("NO_FOLDER_CONTENT"); }
 

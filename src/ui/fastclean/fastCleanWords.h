@@ -12,12 +12,10 @@
 #include "engine/cleaning/CategoryScan.h"
 #include "engine/cleaning/CleanCategory.h"
 #include "engine/removal/RemovalRun.h"
+#include "ui/cleaning/cleanWords.h"
 #include "ui/kit/dialogs/Dialogs.h"
 
 namespace orrinvale {
-
-/// The category in the window's language.
-[[nodiscard]] QString categoryTitle(CleanCategory category);
 
 /// That no category is chosen.
 [[nodiscard]] QString noCategoryLine();

@@ -31,7 +31,7 @@ ResultFrame::ResultFrame(const ResultFrameParts& parts) {
     makeBottom(parts);
 }
 
-void ResultFrame::putTogether(QWidget* rail) {
+void ResultFrame::putTogether(QWidget* rail, QWidget* note) {
     auto* const row = new QHBoxLayout(resultDragView);
     row->setContentsMargins({});
     row->setSpacing(0);
@@ -40,6 +40,7 @@ void ResultFrame::putTogether(QWidget* rail) {
     column->setContentsMargins({});
     column->setSpacing(0);
     column->addWidget(m_headBar);
+    if (note != nullptr) column->addWidget(note);
     column->addWidget(content, 1);
     column->addWidget(m_bottomBar);
     row->addLayout(column, 1);

@@ -67,8 +67,8 @@ protected:
     ~ResultFrame();
 
     /// Once all three are filled, so that the Tab key goes from the top to the bottom. `rail` comes
-    /// to the left of them, for pages with parts to choose from.
-    void putTogether(QWidget* rail = nullptr);
+    /// to the left of them, for pages with parts to choose from; `note` below the head.
+    void putTogether(QWidget* rail = nullptr, QWidget* note = nullptr);
 
     QHBoxLayout* head = nullptr;    ///< further buttons go to its end
     QHBoxLayout* bottom = nullptr;  ///< what acts goes to its end, behind the free space

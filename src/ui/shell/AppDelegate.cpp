@@ -175,6 +175,7 @@ void AppDelegate::perform(const StartRequest& request) {
         onClickDiskUsage();
         return;
     }
+    if (request.isAction(startAction::clean)) return onClickScan();
     handleReopenAppEvent();
     if (request.kind == StartRequest::Kind::Open) {
         searchFolder(request.text);

@@ -172,7 +172,7 @@ public:
     /// Of pages in the toolbar window, which entries of the menu lead to.
     static inline const QString freeSpaceIdentifier = QStringLiteral("free_space");
     static inline const QString diskUsageIdentifier = QStringLiteral("disk_usage");
-    static inline const QString scanIdentifier = QStringLiteral("clean");
+    static inline const QString scanIdentifier = QStringLiteral("Scan");
     static inline const QString uninstallIdentifier = QStringLiteral("uninstall");
     static inline const QString preferencesIdentifier = QStringLiteral("preferences");
     static inline const QString memoryIdentifier = QStringLiteral("memory");

@@ -3,6 +3,7 @@
 #include "engine/cleaning/FolderUtilities.h"
 
 #include "engine/cleaning/CleanablePlaces.h"
+#include "engine/files/Catalog.h"
 #include "platform/linux/LinuxFolders.h"
 #include "support/test.h"
 

@@ -10,7 +10,7 @@ namespace orrinvale {
 class LeftRow;
 
 /// Chosen rows are told, and not selected by that: the page may not follow. Main thread only.
-class LeftRail final : public Panel {
+class LeftRail : public Panel {
     Q_OBJECT
 public:
     static constexpr int railWidth = 188;

@@ -99,6 +99,7 @@ void LeftRow::drawGround(QPainter& painter) const {
 void LeftRow::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    if (!isEnabled()) painter.setOpacity(0.4);
     drawGround(painter);
     const int start = Theme::gapSmall + (m_box != nullptr ? tickBoxSize + Theme::gapSmall : 0);
     const QRect icon(start, (height() - iconSide) / 2, iconSide, iconSide);

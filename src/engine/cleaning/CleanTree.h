@@ -1,0 +1,85 @@
+// CleanTree: what six scans found as one tree, a group for each category that has rows, and its
+// ticks. The lists keep the same ticks; whoever changes one side brings the other along by this.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "engine/cleaning/ScanViewController.h"
+#include "engine/duplicates/tree/SimpleTreeNode.h"
+
+namespace orrinvale {
+
+/// What of a list is ticked. The bytes are those of the rows' own texts.
+struct CleanSums {
+    std::size_t rows = 0;
+    std::size_t ticked = 0;
+    std::uint64_t bytes = 0;
+
+    /// 0 none, 1 all, 2 some; an empty list has none.
+    [[nodiscard]] std::int32_t state() const { return ticked == 0 ? 0 : ticked == rows ? 1 : 2; }
+    CleanSums& operator+=(const CleanSums& other);
+    friend bool operator==(const CleanSums&, const CleanSums&) = default;
+};
+
+/// Builds the list's selDelFiles.
+[[nodiscard]] CleanSums sumsOf(ScanViewController& list);
+
+/// The category by the name of its group. The first one's name is spelled as it always was, so that
+/// a group of that category is found by being none of the others.
+[[nodiscard]] std::size_t categoryOfGroup(std::string_view name);
+
+/// Holds rows of the lists, which outlive it or are forgotten before. Main thread only.
+class CleanTree final {
+public:
+    /// Of these lists, whose dicKeyStr is their category. One without rows gives no group.
+    void constructTree(const std::vector<ScanViewController*>& scanObjsArr);
+    void clear();
+
+    /// The root; null before.
+    [[nodiscard]] SimpleTreeNode* treeData() const { return m_treeData.get(); }
+    /// Null for a category without rows.
+    [[nodiscard]] TreeNode* group(std::size_t category) const;
+    /// Of a leaf that of its group.
+    [[nodiscard]] std::size_t categoryOf(const TreeNode& node) const;
+
+    /// Each brings the list along, and its button.
+    void clickLeaf(TreeNode& leaf);
+    void clickGroup(TreeNode& group);
+    /// Of a list that is filtered: ticks these leaves of one group, or clears them where all are
+    /// ticked.
+    void clickLeaves(TreeNode& group, std::span<TreeNode* const> leaves);
+    void setAllSelectOrNoSelect(bool isTicked);
+
+    /// Takes over what is ticked in the lists.
+    void refOutlineWhenClickScanView();
+
+    /// How many leaves are ticked.
+    [[nodiscard]] std::size_t allSelectNumArr() const;
+    /// 0 where no group has ticks, 1 where all are ticked as a whole, 2 otherwise.
+    [[nodiscard]] std::int32_t changeAllSelectCheckBoxState() const;
+
+private:
+    struct Group {
+        TreeNode::Pointer node;
+        std::size_t category;
+        ScanViewController* list;
+        std::vector<TreeNode*>
+            byRow;  // leaves in the order of the list, however the tree is sorted
+        std::size_t ticked = 0;
+    };
+    [[nodiscard]] Group makeGroup(ScanViewController& list) const;
+    [[nodiscard]] Group& groupOf(const TreeNode& node);
+    void setAll(Group& group, bool isTicked) const;
+    static void setLeaf(Group& group, TreeNode& leaf, bool isTicked);
+    static void showGroup(Group& group);
+
+    std::shared_ptr<SimpleTreeNode> m_treeData;
+    std::vector<Group> m_groups;
+};
+
+}  // namespace orrinvale

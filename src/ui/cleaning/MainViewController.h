@@ -1,0 +1,264 @@
+// MainViewController: the cleaning page with its six lists: scan, ticks, clean, questions, padlock,
+// notes. Four sources: this class's scan and ticks, MainViewClean.cpp its clean, MainViewNotes.cpp
+// what it tells, MainViewRows.cpp what is done with rows. NewMainViewController.h adds the outline.
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include "engine/base/notices.h"
+#include "engine/cleaning/CleanTree.h"
+#include "engine/cleaning/ScanViewController.h"
+#include "engine/cleaning/SpaceGain.h"
+#include "services/volumes/Ejections.h"
+#include "services/volumes/SystemWatch.h"
+#include "ui/kit/controls/Animation.h"
+#include "ui/page/Page.h"
+#include "ui/page/PageServices.h"
+#include "ui/page/StateTable.h"
+#include "ui/volumes/CustomVolumView.h"
+
+namespace orrinvale {
+
+struct Alert;
+class CleanViews;
+class FreeSpacePage;
+class MyMacView;
+class PageStack;
+class ScanListModel;
+class V3MainListView;
+
+/// What the page works with; nothing is owned, and what it points to outlives the page and the last
+/// of its scans and removals.
+struct CleanPageParts {
+    PageServices pages;
+    CleanParts clean;
+    SystemWatch* watch = nullptr;    ///< null: nothing is known of the disk
+    Ejections* ejections = nullptr;  ///< with it the list of volumes
+    /// Called on the removing thread.
+    std::function<std::unique_ptr<RemovalDoor>(CleanCategory)> makeDoor;
+    std::function<void(const std::string& folder)> openFolder = {};
+    SpaceGain::FreeSpace freeSpace = settledFreeSpace;
+    std::function<bool()> hasUninstall = {};  ///< whether there is a page that uninstalls
+    std::function<void()> openUninstall = {};
+};
+
+/// Main thread only, where all that its lists tell comes too. A scan or a removal under way when
+/// the page ends is let go of.
+class MainViewController : public QObject, public Page, private CustomVolumViewDelegate {
+    Q_OBJECT
+public:
+    explicit MainViewController(CleanPageParts parts, QObject* parent = nullptr);
+    ~MainViewController() override;
+
+    [[nodiscard]] QWidget* view() const override;
+    void setMainWindow(QWidget* window) override { m_mainWindow = window; }
+    [[nodiscard]] bool isBusy() const override;
+    [[nodiscard]] bool isRemoving() const override;
+    void giveUp() override;
+
+    /// In the order of the columns in stateTable().
+    enum class State : std::uint8_t {
+        Fresh,
+        Scanning,
+        Stopping,  ///< a scan was cancelled, and not all lists stand yet
+        Reviewing,
+        CleaningAll,
+        CleaningOne
+    };
+    [[nodiscard]] State state() const { return m_state; }
+    [[nodiscard]] bool isAsking() const { return m_isAsking; }
+
+    // Controls and notices.
+    /// Scans; while a scan runs, cancels it. Does nothing during a clean or a question.
+    void scanButtonAction();
+    /// Cancels a scan, or goes back.
+    void backToAnimationPage();
+    void cleanButtonActionInfo() { allCleanButtonActionInfo(); }
+    void allCleanButtonActionInfo();
+    void cleanButtonAction();
+    /// Cleans one category, after its questions.
+    void oneScanAction(std::size_t category);
+    void unlockRigths();
+    /// The box of a summary row: turns the category's setting round, and has the list follow.
+    void checkBoxAction(std::size_t category);
+    void updateSelectNumber(std::int32_t category);
+    void cleanShowSelectNumInBottom(const CleanSelection& selection);
+    /// Brings rows and settings to what is ticked in the lists.
+    void cleanShowSelectNumCommAction();
+    void setCleanButtonState();
+    /// A row of the left table. One that is none changes nothing.
+    void shouldSelectRow(std::int32_t row);
+    /// Shows the list of a category. Throws std::out_of_range for none.
+    void displayTableController(std::size_t category);
+    void changeNoteText(std::int32_t row);
+    void refNewTableViewSizeLabel(std::int32_t category);
+    void GetFreeTotleArr(const std::vector<std::string>& texts);
+    /// The six settings, as texts.
+    [[nodiscard]] std::vector<std::string> getDefaultsValue() const;
+    void changeCheckBoxInUserDefaults(std::size_t category, std::int32_t number) const;
+    void stopButtonAction();
+
+    // What the state consists of, as far as others look at it.
+    [[nodiscard]] const std::array<std::unique_ptr<ScanViewController>, 6>& tableControllers()
+        const {
+        return m_tableControllers;
+    }
+    std::vector<std::string> selectArray;
+    std::uint64_t finishScanCount = 0;     ///< runs not yet ended
+    std::uint64_t showCleanedSize = 0;     ///< the last total
+    std::uint64_t allSelectTotalSize = 0;  ///< of all ticked rows
+    int selectCount2Clean = 0;             ///< ticked rows
+    int selectRowNum = 0;                  ///< row of the left table
+    int mainViewOneCleanRow = 0;           ///< category of a clean of one
+    bool isFirstComeIn = true;             ///< no scan has run yet
+    bool isCancelButton = false;           ///< a scan runs
+    bool isScaned = false;
+    bool bClickScanBtn = false;  ///< keeps the clean button off during a scan
+    bool isShowCleanedSize = false;
+    bool isOneCleanButton = false;
+    bool isCleanFinshed = true;
+    bool mainFastCleanScaned = false;
+    std::string freeString, totleString;  ///< of the boot volume
+
+protected:
+    // What the page with the outline does besides.
+    virtual void willScan() {}
+    virtual void scansEnded() {}
+    /// Rows have left the lists.
+    virtual void listsChanged() {}
+    /// Ticks of the lists may be others.
+    virtual void ticksChanged() {}
+    virtual void fly(const QWidget* from) { static_cast<void>(from); }
+    /// All of it went.
+    virtual void cleanSuccessBtnShowStyle() {}
+    virtual void filterChanged(const QString& words) { static_cast<void>(words); }
+    /// What stands for row 0.
+    [[nodiscard]] virtual QWidget* overview() const;
+    /// A step back from row 0; false where the start is the next one.
+    virtual bool goBackFromOverview() { return false; }
+    virtual void forwardViewAnimation();
+    virtual void backViewAnimation();
+
+    void enter(State state);
+    [[nodiscard]] bool isFree() const {
+        return !m_isAsking && (m_state == State::Fresh || m_state == State::Reviewing);
+    }
+    [[nodiscard]] bool isCleaning() const {
+        return m_state == State::CleaningAll || m_state == State::CleaningOne;
+    }
+    void showRow();
+    void showTitle();
+    void showFilter();
+    void showPlace(const QPoint& position, const std::string& path, std::size_t category);
+    void reveal(const std::string& path) const;
+    [[nodiscard]] CleanViews& views() const { return *m_views; }
+    [[nodiscard]] const CleanPageParts& parts() const { return m_parts; }
+    [[nodiscard]] std::vector<ScanViewController*> lists() const;
+    [[nodiscard]] const std::unordered_set<std::string>& cleaned() const { return m_cleaned; }
+
+private:
+    [[nodiscard]] StateTable stateTable() const;
+    void makeLists();
+    void connectControls();
+    void connectKeys();
+    void initClickCellNotification();
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+    // Scan.
+    void bindScanview(ScanViewController& list, std::size_t category, bool isClean);
+    void unbind(std::size_t category);
+    void scanEnded();
+    void takeSettings();
+    void setHiddenCheckBoxAction();
+    void showShares();
+    [[nodiscard]] int returnSelectNum() const;
+
+    // Clean: MainViewClean.cpp.
+    void ask(const Alert& question, std::function<void(int button)> answered);
+    void showAlertWindow();
+    void openViewNewLink() const;
+    void confirm(std::size_t from, std::size_t to, std::function<void()> go);
+    void giveButtonsBack();
+    [[nodiscard]] CleanSums sums(std::size_t from, std::size_t to) const;
+    [[nodiscard]] std::shared_ptr<SpaceGain> makeGain(std::size_t from, std::size_t to);
+    void cleanAll(std::size_t categories);
+    void oneScanButtonAction();
+    void cleanEnded(std::size_t category);
+    void oneCleanEnded();
+    void allCleansEnded();
+    void takeOutcomes(const std::vector<std::size_t>& categories);
+    void settle(std::uint64_t bytes);
+    void showAlertForPrivilegesToClean();
+    void showFailures();
+
+    // Notes: MainViewNotes.cpp.
+    void showSelection();
+    void changeStateTextFeild(std::uint64_t bytes);
+    void showKept();
+    void showKeptLines();
+    void showCleanButton(class TextImageButton& button, const CleanSums& sums) const;
+    [[nodiscard]] std::vector<const CategoryListing*> shownListings() const;
+    [[nodiscard]] CleanSums shownSums() const;
+    [[nodiscard]] QString titleText() const;
+    void showProgress();
+    void look(bool isOnScreen);
+    void showDisk();
+    void showDiskPage();
+    void showCard();
+
+    // Rows: MainViewRows.cpp.
+    void listBoxClicked(std::size_t category, std::size_t row);
+    void listHeaderClicked(std::size_t category);
+    void alwaysKeep(const std::string& path, std::size_t category);
+    void refreshLists();
+
+    void ejectVolume(std::int16_t /*number*/, const std::string& /*root*/,
+                     const std::string& /*name*/) override {}  // nobody ejects the boot volume
+    void browseVolume(const std::string& volRootDir) override;
+
+    const CleanPageParts m_parts;
+    std::unordered_set<std::string> m_cleaned;  // paths that this process has cleaned
+    std::unique_ptr<CleanViews> m_views;
+    QPointer<PageStack> m_stack;
+    std::array<std::unique_ptr<ScanViewController>, 6> m_tableControllers;
+    std::array<std::unique_ptr<ScanListModel>, 6> m_models;
+    std::map<std::string, V3MainListView*> m_selectNewViewDic;  // by the dicKeyStr of each list
+    std::vector<ScanViewController*> m_scanObjsArr;             // of the run
+    std::vector<std::string> m_sizeArr;  // sizes of the summary rows before a clean
+    const StateTable m_controls;
+    State m_state = State::Fresh;
+    bool m_isAsking = false;
+    QPointer<QWidget> m_mainWindow;
+    struct Binding {
+        NotificationCenter::Observation size, tableSize, finish;
+    };
+    std::array<Binding, 6> m_bindings;
+    std::vector<NotificationCenter::Observation> m_observations;
+
+    ScanViewController* m_oneCleanScanCtr = nullptr;
+    std::uint64_t m_allCleanedSize = 0;
+    std::shared_ptr<SpaceGain> m_gain;
+    std::uint64_t m_promised = 0;
+    int m_settled = 0;  // the number of the clean whose gain is asked for
+    RemovalOutcome m_outcome;
+    QTimer m_progressTimer;
+    Animation m_blinking;  // of the padlock
+
+    SystemSight m_seen;
+    SystemWatch::Observation m_looking;
+    MyMacView* m_myMacView = nullptr;
+    std::unique_ptr<FreeSpacePage> m_freeSpacePage;
+};
+
+}  // namespace orrinvale
