@@ -59,8 +59,10 @@ CleanMemoryViews::CleanMemoryViews() : customView(new Panel(Theme::Color::Window
     column->addWidget(topView);
     column->addWidget(bodyView, 1);
     column->addWidget(bottomView);
-    colourLastClean();
-    QObject::connect(&Theme::shared(), &Theme::changed, customView, [this] { colourLastClean(); });
+    colourLastClean(*LastCleanText);
+    // The view outlives this object where a window has it.
+    QObject::connect(&Theme::shared(), &Theme::changed, LastCleanText,
+                     [line = LastCleanText] { colourLastClean(*line); });
 }
 
 CleanMemoryViews::~CleanMemoryViews() {
@@ -200,12 +202,12 @@ void CleanMemoryViews::makeBottom() {
 }
 
 // The light blue of the line is written for a dark ground.
-void CleanMemoryViews::colourLastClean() const {
-    QPalette palette = LastCleanText->palette();
+void CleanMemoryViews::colourLastClean(QLabel& line) {
+    QPalette palette = line.palette();
     palette.setColor(QPalette::WindowText, Theme::shared().scheme() == Theme::Scheme::Dark
                                                ? QColor::fromRgbF(0.2863F, 0.8196F, 0.9412F)
                                                : Theme::shared().color(Theme::Color::Accent));
-    LastCleanText->setPalette(palette);
+    line.setPalette(palette);
 }
 
 void CleanMemoryViews::showFigure(QLabel& field, const QString& figure) {

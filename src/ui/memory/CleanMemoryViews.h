@@ -60,7 +60,7 @@ private:
     [[nodiscard]] QWidget* makeMemory();
     [[nodiscard]] QWidget* makePrograms();
     void makeFigures(QGridLayout& grid);
-    void colourLastClean() const;
+    static void colourLastClean(QLabel& line);
 };
 
 }  // namespace orrinvale
