@@ -2,20 +2,31 @@
 #include "engine/diskusage/UsageSelection.h"
 
 #include <algorithm>
-#include <utility>
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <set>
 
 namespace orrinvale {
 namespace {
 
+// In one pass: a column may have a hundred thousand rows.
 FSNode::State stateFromChildren(const FSNode& node) {
-    const auto children = node.children();
-    const auto countOf = [&](FSNode::State state) {
-        return std::ranges::count(children, state, &FSNode::isButtonState);
-    };
-    const auto none = countOf(FSNode::NotSelected);
-    if (none == std::ssize(children)) return FSNode::NotSelected;
-    const bool isAll = none == 0 && countOf(FSNode::Mixed) == 0;
-    return isAll && node.isWhole() ? FSNode::Selected : FSNode::Mixed;
+    bool isNone = true;
+    bool isAll = true;
+    for (const FSNode* const child : node.children()) {
+        isNone = isNone && child->isButtonState() == FSNode::NotSelected;
+        isAll = isAll && child->isButtonState() == FSNode::Selected;
+        if (!isNone && !isAll) return FSNode::Mixed;
+    }
+    if (isNone) return FSNode::NotSelected;
+    return node.isWhole() ? FSNode::Selected : FSNode::Mixed;
+}
+
+std::size_t depthOf(const FSNode& node) {
+    std::size_t depth = 0;
+    for (const FSNode* above = node.father(); above != nullptr; above = above->father()) ++depth;
+    return depth;
 }
 
 }  // namespace
@@ -66,17 +77,18 @@ bool hasTicks(const FSNode& root) {
     });
 }
 
-// Each folder above is worked out once for all that was in it.
+// Each folder above is worked out once, the deepest first, however many entries of it were in the
+// list.
 void settleStates(std::span<FSNode* const> delNodesArr) {
-    std::vector<FSNode*> fathers;
+    std::map<std::size_t, std::set<FSNode*>, std::greater<>> byDepth;
     for (FSNode* const node : delNodesArr) {
         node->setIsButtonState(stateFromChildren(*node));
-        if (node->father() != nullptr) fathers.push_back(node->father());
+        FSNode* above = node->father();
+        for (std::size_t depth = depthOf(*node); above != nullptr; above = above->father())
+            if (!byDepth[--depth].insert(above).second) break;
     }
-    std::ranges::sort(fathers);
-    const auto repeated = std::ranges::unique(fathers);
-    fathers.erase(repeated.begin(), repeated.end());
-    for (FSNode* const father : fathers) setAllSelectListsStae(*father);
+    for (const auto& [depth, folders] : byDepth)
+        for (FSNode* const folder : folders) folder->setIsButtonState(stateFromChildren(*folder));
 }
 
 }  // namespace orrinvale
