@@ -1945,6 +1945,10 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>%1 of %2 free</source>
         <translation>%1 von %2 frei</translation>
     </message>
+    <message>
+        <source>%1 free</source>
+        <translation>%1 frei</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::DragView</name>

@@ -4,10 +4,13 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QElapsedTimer>
+#include <QLabel>
 #include <cerrno>
 #include <cstdio>
 #include <utility>
 
+#include "engine/cleaning/QnAuthorization.h"
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/UserDefaults.h"
 #include "gallery/SampleFolder.h"
@@ -41,6 +44,8 @@ DiskUsageScenes::DiskUsageScenes(const SampleFolder& sample, UserDefaults& defau
         FakeVolumes::volume(2, "Projects", "/srv/projects", false, 2000 * gigabyte)};
     m_volumes.volumes[0].volume.info.freeBytes = 31 * gigabyte;
     defaults.setInteger(1, ZvDiskUsageLimit);
+    QnAuthorization::shareQnAuthorization().setParts(
+        {.authorization = nullptr, .files = &m_files, .permissions = nullptr, .ownFiles = {}});
     m_files.refuse(SampleFolder::unreadableFolder, EACCES);
     m_controller->registerPage(diskUsagePage(
         m_workings.parts(m_files, defaults),
@@ -52,7 +57,10 @@ DiskUsageScenes::DiskUsageScenes(const SampleFolder& sample, UserDefaults& defau
     m_browser = m_page->view()->findChild<ColumnBrowser*>(QStringLiteral("browser"));
 }
 
-DiskUsageScenes::~DiskUsageScenes() { m_files.release(); }
+DiskUsageScenes::~DiskUsageScenes() {
+    m_files.release();
+    QnAuthorization::shareQnAuthorization().setParts({});
+}
 
 bool DiskUsageScenes::save(const char* scene) const {
     const QString name = QLatin1String(scene);
@@ -109,7 +117,15 @@ bool DiskUsageScenes::drawResult() {
     tick(0, "Downloads");
     choose(0, "Videos");
     choose(1, heldVideo);
-    if (!save("detail")) return false;
+    // What flies has landed, and what is asked of the file has come.
+    const auto* const facts = m_page->view()->findChild<QLabel*>(QStringLiteral("factsLines"));
+    constexpr int flight = 1200;  // milliseconds
+    QElapsedTimer since;
+    since.start();
+    const auto isSettled = [&] {
+        return since.hasExpired(flight) && facts->text().count(QLatin1Char('\n')) > 1;
+    };
+    if (!waitFor("the facts", isSettled) || !save("detail")) return false;
     m_browser->closeBehind(0);
     click("mapBtn");
     const auto* const map = m_page->view()->findChild<TreemapView*>(QStringLiteral("map"));

@@ -2,6 +2,7 @@
 #include "ui/diskusage/DiskUsageLeftCell.h"
 
 #include <QPainter>
+#include <QStyle>
 #include <utility>
 
 #include "ui/diskusage/diskUsageNotices.h"
@@ -23,7 +24,6 @@ DiskUsageLeftCell::DiskUsageLeftCell(std::int32_t row, Place place,
     : LeftRow({.title = place.name, .picture = place.picture, .height = rowHeight}),
       m_row(row),
       m_place(std::move(place)) {
-    setToolTip(asToolTip(QString::fromStdString(m_place.path)));
     tellReaders();
     connect(this, &LeftRow::chosen, this, [this, &notifications] {
         notice::updateLeftCellBackGrounImage.post(notifications, {m_row, m_place.path});
@@ -55,19 +55,22 @@ QString DiskUsageLeftCell::updatePathString(const QString& path) const {
 void DiskUsageLeftCell::updateCustomCellPath() {
     const QString path = QString::fromStdString(m_place.path);
     m_place.total = updatePathString(path);
-    setToolTip(asToolTip(path));
     tellReaders();
     update();
 }
 
 QString DiskUsageLeftCell::caption() const {
-    if (m_place.fullness) return tr("%1 of %2 free").arg(m_place.free, m_place.total);
+    if (m_place.fullness) return tr("%1 free").arg(m_place.free);
     if (m_place.total.isEmpty()) return m_place.free.trimmed();
     return m_place.free.trimmed().isEmpty() ? m_place.total
                                             : m_place.total + QStringLiteral(", ") + m_place.free;
 }
 
 void DiskUsageLeftCell::tellReaders() {
+    QString tip = onOneLine(QString::fromStdString(m_place.path));
+    if (m_place.fullness)
+        tip += QLatin1Char('\n') + tr("%1 of %2 free").arg(m_place.free, m_place.total);
+    setToolTip(asToolTip(tip));
     const QString said = caption();
     setAccessibleName(said.isEmpty() ? title() : title() + QStringLiteral(", ") + said);
 }

@@ -60,6 +60,7 @@ DiskUsageViews::DiskUsageViews(NotificationCenter& notifications, const FileSyst
     row->setSpacing(0);
     row->addWidget(leftView);
     row->addWidget(stack, 1);
+    stack->showView(resultView);  // both are in the page from the start
     stack->showView(diskUsageView);
 }
 

@@ -2,6 +2,7 @@
 // before. ColumnModel.h has the rows; a delegate of the page's draws them.
 #pragma once
 
+#include <QAbstractItemDelegate>
 #include <QAbstractScrollArea>
 #include <QPersistentModelIndex>
 #include <QPointer>
@@ -9,8 +10,6 @@
 #include <vector>
 
 #include "ui/kit/columns/ColumnModel.h"
-
-class QAbstractItemDelegate;
 
 namespace orrinvale {
 
