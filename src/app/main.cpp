@@ -207,14 +207,6 @@ void preparePages(const Shared& shared, const AppDelegateParts& parts, AppDelega
                            const std::string& folder) { static_cast<void>(open(folder)); },
          .hasUninstall = [&pages] { return pages.hasPage(AppDelegate::uninstallIdentifier); },
          .openUninstall = [&delegate] { delegate.onClickUninstall(); }}));
-    pages.registerPage(
-        freeSpacePage(parts.pages, {.watch = parts.systemWatch, .ejections = parts.ejections}));
-    pages.registerPage(preferencePage(
-        parts.pages,
-        {.hasTray =
-             [&delegate] { return delegate.tray() != nullptr && delegate.tray()->hasHost(); },
-         .hasDesktopNotes = parts.desktopNotifications != nullptr,
-         .hasDiskUsage = pages.hasPage(QStringLiteral("disk_usage"))}));
     pages.registerPage(uninstallPage(
         parts.pages, uninstallPartsOf({.files = &shared.files,
                                        .applications = &shared.applications,
@@ -222,11 +214,19 @@ void preparePages(const Shared& shared, const AppDelegateParts& parts, AppDelega
                                        .utilities = shared.utilities.get(),
                                        .ownFiles = programFiles(),
                                        .variables = FolderVariables::ofThisProcess()})));
+    pages.registerPage(
+        freeSpacePage(parts.pages, {.watch = parts.systemWatch, .ejections = parts.ejections}));
     pages.registerPage(memoryPage(
         parts.pages, {.memory = parts.memory,
                       .watch = parts.systemWatch,
                       .purge = purgePrograms(),
                       .programs = [](std::size_t most) { return largestPrograms(most); }}));
+    pages.registerPage(preferencePage(
+        parts.pages,
+        {.hasTray =
+             [&delegate] { return delegate.tray() != nullptr && delegate.tray()->hasHost(); },
+         .hasDesktopNotes = parts.desktopNotifications != nullptr,
+         .hasDiskUsage = pages.hasPage(QStringLiteral("disk_usage"))}));
 }
 
 int runWindow(int argc, char** argv, const StartRequest& request,

@@ -7,6 +7,8 @@
 
 #include "engine/base/Log.h"
 #include "engine/diskusage/limitSize.h"
+#include "engine/settings/SettingsKeys.h"
+#include "engine/settings/UserDefaults.h"
 #include "ui/diskusage/DiskUsageAppController.h"
 #include "ui/diskusage/DiskUsageViews.h"
 #include "ui/kit/chrome/TCImageButton.h"
@@ -18,6 +20,13 @@
 #include "ui/kit/dialogs/LineList.h"
 
 namespace orrinvale {
+namespace {
+
+UsageOptions optionsOf(const ShownScan& shown) {
+    return {.limit = shown.limit, .allFileSystems = shown.allFileSystems};
+}
+
+}  // namespace
 
 DiskUsageAppController::Scanned* DiskUsageAppController::current() {
     const auto found = m_scans.find(m_selectedPath);
@@ -46,6 +55,7 @@ void DiskUsageAppController::browserFiles(const std::string& path) {
     auto shown = std::make_shared<ShownScan>();
     shown->tree = std::make_shared<FSNodeTree>(path);
     shown->limit = getLimitSize(*m_parts.defaults);
+    shown->allFileSystems = !m_parts.defaults->boolForKey(oneFileSystemKey);
     shown->isRunning = true;
     m_scans[path] = {.shown = shown, .skipped = {}};
     m_isRescan = false;
@@ -59,7 +69,7 @@ void DiskUsageAppController::browserFiles(const std::string& path) {
     m_refreshTimer.start();
     m_scan = std::make_unique<DiskUsageScan>(UsageScanParts{
         m_parts.files, m_parts.mainQueue, [this](const UsageNews& news) { scanNews(news); }});
-    m_scan->start(shown->tree, {.limit = shown->limit});
+    m_scan->start(shown->tree, optionsOf(*shown));
     m_views->stopBtn->setFocus();
 }
 
@@ -73,7 +83,7 @@ void DiskUsageAppController::scanAgain(std::vector<FSNode*> folders) {
     m_refreshTimer.start();
     m_scan = std::make_unique<DiskUsageScan>(UsageScanParts{
         m_parts.files, m_parts.mainQueue, [this](const UsageNews& news) { scanNews(news); }});
-    m_scan->scanAgain(scanned->shown->tree, std::move(folders), {.limit = scanned->shown->limit});
+    m_scan->scanAgain(scanned->shown->tree, std::move(folders), optionsOf(*scanned->shown));
 }
 
 void DiskUsageAppController::scanNews(const UsageNews& news) {

@@ -15,6 +15,7 @@ namespace orrinvale {
 struct ShownScan {
     std::shared_ptr<FSNodeTree> tree;
     std::uint64_t limit = 0;  ///< bytes, of the scan
+    bool allFileSystems = false;
     bool isRunning = false;
 };
 
