@@ -44,8 +44,10 @@ public:
                          .icons = {},
                          .reveal = [this](const std::string& path) { told.push_back(path); },
                          .openAddress = {}},
-            DiskUsageParts{
-                .watch = &watch, .home = tree.at("home"), .userName = "anna", .open = {}});
+            DiskUsageParts{.watch = &watch,
+                           .home = tree.at("home"),
+                           .userName = QStringLiteral("anna"),
+                           .open = {}});
         (new QVBoxLayout(&window))->addWidget(page->view());
         page->setMainWindow(&window);
         window.resize(1000, 600);
@@ -176,8 +178,8 @@ TEST(DiskUsagePage, RemovesWhatWasCountedAndKeepsItsSizesTrue) {
     EXPECT_TRUE(isThere(on.tree.at("data/films/one.mkv"))) << "Cancel removes nothing";
     ASSERT_TRUE(on.remove(0));
     const Alert& question = on.dialogs.alerts().back();
-    EXPECT_EQ(question.title, "Are you sure you want to remove all checked items?");
-    EXPECT_TRUE(question.text.contains("Files: 3. Folders: 1. Together: 5.00 MB"))
+    EXPECT_EQ(question.title, QStringLiteral("Are you sure you want to remove all checked items?"));
+    EXPECT_TRUE(question.text.contains(QStringLiteral("Files: 3. Folders: 1. Together: 5.00 MB")))
         << question.text.toStdString();
     EXPECT_TRUE(on.waitFor([&] { return on.isShown("removedLabel"); }));
     EXPECT_EQ(namesIn(on.tree.at("data")), (Strings{"big.iso", "small.txt"}));
@@ -220,7 +222,7 @@ TEST(DiskUsagePage, EveryPlaceHasItsOwnTreeAndRowsFollowTheirVolumes) {
     const auto row = [&](int number) { return on.page->leftCellArr().at(std::size_t(number)); };
     QTest::mouseClick(row(0), Qt::LeftButton);
     ASSERT_TRUE(on.ended());
-    EXPECT_EQ(row(0)->FreeSizeTF(), "2.00 MB");
+    EXPECT_EQ(row(0)->FreeSizeTF(), QStringLiteral("2.00 MB"));
     ASSERT_TRUE(on.scan("data"));
     EXPECT_EQ(on.page->beforeSelectRow(), 1);
     EXPECT_EQ(row(1)->totleSizeTF().size(), 15) << "twelve letters and three dots";
@@ -265,7 +267,7 @@ TEST(DiskUsagePage, AScanCanBeStoppedAndShowsNothingAsIfItWereCounted) {
     ASSERT_TRUE(on.scan("none"));
     EXPECT_TRUE(on.waitFor([&] { return !on.dialogs.alerts().empty(); }));
     EXPECT_EQ(on.dialogs.alerts().back().text,
-              "No items found in selected folder. Please try another one.");
+              QStringLiteral("No items found in selected folder. Please try another one."));
     EXPECT_EQ(on.textOf("emptyLabel"), "This folder is empty.");
 }
 

@@ -13,7 +13,7 @@ namespace {
 
 struct Rows {
     int count = 5, depth = 4;
-    std::vector<int> gone;
+    std::vector<int> gone{};
 };
 
 class NumberColumn final : public ColumnModel {
