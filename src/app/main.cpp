@@ -31,7 +31,6 @@
 #include "engine/text/UtilityFunction.h"
 #include "platform/FolderVariables.h"
 #include "platform/instance.h"
-#include "platform/linux/LinuxApplications.h"
 #include "platform/linux/LinuxAuthorization.h"
 #include "platform/linux/LinuxFiles.h"
 #include "platform/linux/LinuxFolders.h"
@@ -71,7 +70,6 @@
 #include "ui/shell/MyNSApplication.h"
 #include "ui/shell/StallCounter.h"
 #include "ui/tray/Tray.h"
-#include "ui/uninstall/uninstallParts.h"
 #include "ui/volumes/FreeSpacePage.h"
 
 namespace orrinvale {
@@ -108,7 +106,6 @@ struct Shared {
     Ejections ejections{volumes, mainQueue};
     LinuxHotKeys hotKeys;
     AutostartItems loginItems{linuxLoginItemFolders()};
-    const LinuxApplications applications;
     WindowDialogs dialogs;
     FileIcons icons;
 };
@@ -187,7 +184,7 @@ AppDelegateParts delegateParts(Shared& shared, DesktopNotifications& desktopNoti
 }
 
 // The pages of the toolbar window; each is made when somebody looks at it.
-void preparePages(const Shared& shared, const AppDelegateParts& parts, AppDelegate& delegate) {
+void preparePages(const AppDelegateParts& parts, AppDelegate& delegate) {
     auto& pages = AppPrefsWindowController::sharedPrefsWindowController();
     pages.setOpenAddress(parts.pages.openAddress);
     pages.setOpenHelp([&delegate] { delegate.help(); });
@@ -207,13 +204,6 @@ void preparePages(const Shared& shared, const AppDelegateParts& parts, AppDelega
                            const std::string& folder) { static_cast<void>(open(folder)); },
          .hasUninstall = [&pages] { return pages.hasPage(AppDelegate::uninstallIdentifier); },
          .openUninstall = [&delegate] { delegate.onClickUninstall(); }}));
-    pages.registerPage(uninstallPage(
-        parts.pages, uninstallPartsOf({.files = &shared.files,
-                                       .applications = &shared.applications,
-                                       .folders = &shared.folders,
-                                       .utilities = shared.utilities.get(),
-                                       .ownFiles = programFiles(),
-                                       .variables = FolderVariables::ofThisProcess()})));
     pages.registerPage(
         freeSpacePage(parts.pages, {.watch = parts.systemWatch, .ejections = parts.ejections}));
     pages.registerPage(memoryPage(
@@ -261,7 +251,7 @@ int runWindow(int argc, char** argv, const StartRequest& request,
     const AppDelegateParts parts =
         delegateParts(shared, desktopNotifications, trayHost, instance, service);
     AppDelegate delegate(parts);
-    preparePages(shared, parts, delegate);
+    preparePages(parts, delegate);
     const EndSignals signals([&delegate](int signal) { delegate.endBySignal(signal); });
     QObject::connect(&application, &QGuiApplication::commitDataRequest, &delegate,
                      [&defaults] { static_cast<void>(defaults.synchronize()); });

@@ -235,6 +235,7 @@ void DiskUsageScan::Scan::take(Waiting waiting, UsageNews& news) {
 
 void DiskUsageScan::Scan::putAgain(const Finished& each, UsageNews& news) {
     FSNode* const father = each.node->father();
+    if (father != nullptr) passStatesDown(*father);
     if (!each.stays && father != nullptr) {
         m_tree->takeOut({&each.node, 1});
         news.left.push_back(each.node);

@@ -53,6 +53,13 @@ std::span<FSNode* const> openColumn(FSNode& node) {
     return node.children();
 }
 
+void passStatesDown(FSNode& node) {
+    std::vector<FSNode*> way;
+    for (FSNode* each = &node; each != nullptr; each = each->father()) way.push_back(each);
+    for (auto each = way.rbegin(); each != way.rend(); ++each)
+        static_cast<void>(openColumn(**each));
+}
+
 std::vector<FSNode*> prePareDelData(const FSNode* root) {
     std::vector<FSNode*> ticked;
     if (root == nullptr) return ticked;

@@ -27,6 +27,10 @@ void setChildrenState(FSNode& node, FSNode::State state);
 /// loaded: a state of 0 or 1 is passed on to them first, a mixed one is left alone.
 [[nodiscard]] std::span<FSNode* const> openColumn(FSNode& node);
 
+/// Passes the states on from the root to the children of `node`, as when every column on the way to
+/// it is loaded anew, so that what stands below is what is seen.
+void passStatesDown(FSNode& node);
+
 /// What would go, in the order of the tree: a ticked node as a whole, of a mixed one what is ticked
 /// below it. Empty for a null root.
 [[nodiscard]] std::vector<FSNode*> prePareDelData(const FSNode* root);

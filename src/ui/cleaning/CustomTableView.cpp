@@ -68,7 +68,7 @@ CustomTableView::CustomTableView(NotificationCenter& notifications, QWidget* par
     }
     select(overviewRow);
     m_observation = notice::changeCheckBox.observe(
-        notifications, [this](ClickedBox clicked) { changeCheckBox(clicked.tag, clicked.flag); });
+        notifications, [this](SwitchedCategory each) { changeCheckBox(each.tag, each.flag); });
 }
 
 LeftLinkTabviewCell& CustomTableView::cell(int row) const {

@@ -120,6 +120,7 @@ std::shared_ptr<SpaceGain> MainViewController::makeGain(std::size_t from, std::s
 
 void MainViewController::cleanAll(std::size_t categories) {
     m_gain = makeGain(0, categories);
+    m_views->customTableView->setSelectTotalSize(sums(0, categories).bytes);
     isCleanFinshed = false;
     for (V3MainListView* const row : m_views->allNewViewArr) row->setSizeStrLabelString({});
     enter(State::CleaningAll);

@@ -372,7 +372,10 @@ int MainViewController::returnSelectNum() const {
 }
 
 void MainViewController::checkBoxAction(std::size_t category) {
-    if (!isFree()) return;
+    // The box has turned by itself.
+    if (!isFree())
+        return m_views->allNewViewArr.at(category)->refCheckBox(
+            sumsOf(*m_tableControllers.at(category)).state());
     const std::string old = getDefaultsValue().at(category);
     const std::int32_t state = old == "1" ? 0 : 1;
     m_views->allNewViewArr.at(category)->refCheckBox(state);

@@ -17,6 +17,9 @@
 namespace orrinvale {
 namespace {
 
+// It may follow another question at the same place, whose click may have been a double one.
+constexpr std::chrono::milliseconds deafTime{700};
+
 struct Words {
     Q_DECLARE_TR_FUNCTIONS(Cleaning)
 };
@@ -147,6 +150,7 @@ Alert cleanQuestion(const CleanSums& sums) {
                                        .arg(size),
                 {Words::tr("Clean %1").arg(size), Words::tr("Cancel")});
     question.isDestructive = true;
+    question.deafTime = deafTime;
     return question;
 }
 

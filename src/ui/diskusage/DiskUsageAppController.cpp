@@ -339,6 +339,10 @@ void DiskUsageAppController::makeRows(const std::vector<DiskUsageLeftCell::Place
         m_leftCellArr.push_back(cell);
     }
     m_views->setRail(rail);
+    // What a volume held says nothing of another one that comes to its place.
+    std::erase_if(m_scans, [this](const auto& each) {
+        return rowOfPath(each.first) < 0 && (isFree() || each.first != m_selectedPath);
+    });
     m_beforeSelectRow = rowOfPath(m_selectedPath);
     rail->select(m_beforeSelectRow);
     if (m_beforeSelectRow < 0 && m_state == State::Result) clickBackBtn();

@@ -68,6 +68,11 @@ void DiskUsageAppController::willDisplayCell(FileSystemBrowserCell& cell, const 
 void DiskUsageAppController::boxClicked(FSNode* node) {
     if (node == nullptr || m_state != State::Result) return;
     clickBox(*node);
+    // Columns that stand open show what goes, as if they were loaded now.
+    const ColumnBrowser& browser = *m_views->browser;
+    for (int column = 0; column <= browser.lastColumn(); ++column)
+        static_cast<void>(
+            openColumn(static_cast<const FSNodeColumn&>(browser.model(column)).folder()));
     notice::refRemoveButtonState.post(*m_parts.notifications, node);
 }
 

@@ -82,11 +82,14 @@ void DiskUsageAppController::countTickedNow() {
         [files = m_parts.files, ticked = tickedEntries(m_delNodesArr), progress]() mutable {
             return std::make_shared<TickedCount>(countTicked(*files, std::move(ticked), *progress));
         },
-        [this](std::shared_ptr<TickedCount> ended) {
+        [this, counted = std::weak_ptr(current()->shown)](std::shared_ptr<TickedCount> ended) {
             m_counting.reset();
             m_views->animation->stop();
             enter(State::Result);
-            if (ended->stopped) m_delNodesArr.clear();
+            // With its volume the whole place may have left.
+            const Scanned* const now = current();
+            const bool isThere = now != nullptr && now->shown == counted.lock();
+            if (ended->stopped || !isThere) m_delNodesArr.clear();
             else askToRemove(std::move(ended));
         });
     if (worker != nullptr) return;

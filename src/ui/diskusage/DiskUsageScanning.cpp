@@ -157,6 +157,7 @@ void DiskUsageAppController::browseFilesFinished() {
 }
 
 void DiskUsageAppController::tellIfEmpty() {
+    if (current() == nullptr) return;  // its volume left at this very end
     const Scanned& scanned = *current();
     if (scanned.wasStopped || !scanned.shown->tree->root().children().empty()) return;
     Alert alert;

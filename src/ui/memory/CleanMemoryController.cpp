@@ -39,7 +39,12 @@ CleanMemoryController::CleanMemoryController(const PageServices& services, Memor
     loadView();
 }
 
-CleanMemoryController::~CleanMemoryController() = default;
+// The view goes after the timers, and hides as it goes.
+CleanMemoryController::~CleanMemoryController() {
+    if (m_views.customView != nullptr) m_views.customView->removeEventFilter(this);
+    endTimer();
+    m_refreshTimer.stop();
+}
 
 void CleanMemoryController::loadView() {
     m_refreshTimer.setInterval(second);
@@ -75,8 +80,9 @@ void CleanMemoryController::beginTimer() {
     });
 }
 
+// A run that is under way is read to its end, so that what it freed is told by then.
 void CleanMemoryController::endTimer() {
-    m_refreshTimer.stop();
+    if (!m_isFreeing) m_refreshTimer.stop();
     m_programsTimer.stop();
     m_looking.reset();
 }
@@ -90,6 +96,7 @@ void CleanMemoryController::updateTitleForLabelValue() {
         m_cleanFreeSave = hasGrown ? m_newUsedMemory - m_oldUsedMemory : 0;
         if (!hasGrown) Log::line("释放变小了");
         cleanBtnCancelHidden();
+        if (m_looking == nullptr) m_refreshTimer.stop();  // nobody sees the page any more
     }
     const std::array<std::pair<QLabel*, std::uint64_t>, 6> fields{
         {{m_views.freeMemTF, m_memoryInfo.freeMem},

@@ -18,6 +18,7 @@
 
 #include "engine/base/Log.h"
 #include "engine/base/MainQueue.h"
+#include "engine/cleaning/cleanNotices.h"
 #include "engine/loginitems/LoginItemRegistry.h"
 #include "engine/loginitems/launchAtLogin.h"
 #include "engine/settings/SettingsKeys.h"
@@ -341,6 +342,7 @@ void PreferencePage::changeCategory(int tag) {
     const int number = m_views->categories().at(at)->selectedSegment();
     tell(categories.at(at).store(Int{number}));
     notice::changeCheckBox.post(*m_services.notifications, {tag, number == PreferenceViews::Off});
+    notice::updateSelectNumber.post(*m_services.notifications, {tag - 1});  // the lists follow
 }
 
 // While the slider is dragged each step counts at once, and is saved when it is let go of.

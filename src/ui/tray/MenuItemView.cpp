@@ -136,9 +136,16 @@ void MenuItemView::setEjecting(bool isEjecting) {
     Q_EMIT ejectingChanged();
 }
 
-// On the release, as menus do, so that a press may still be taken back.
+void MenuItemView::mousePressEvent(QMouseEvent* event) {
+    m_isPressed = event->button() == Qt::LeftButton;
+}
+
+// On the release, as menus do, so that a press may still be taken back. The press that opened the
+// menu may end over a row that it did not begin on.
 void MenuItemView::mouseReleaseEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint()))
+    const bool isPressed = std::exchange(m_isPressed, false);
+    if (isPressed && event->button() == Qt::LeftButton &&
+        rect().contains(event->position().toPoint()))
         mouseDown();
 }
 

@@ -102,6 +102,7 @@ Q_SIGNALS:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -124,6 +125,7 @@ private:
     SeenVolume m_seen;
     bool m_isEjecting = false;
     bool m_isCurrent = false;
+    bool m_isPressed = false;
     bool m_isEjectChosen = false;  // by the keyboard
 };
 

@@ -92,7 +92,8 @@ void FreeSpacePage::look(bool isOnScreen) {
         [this](const SystemSight& /*sight*/) { updateNewDiskSizeViewData(); });
     // Mostly that takes milliseconds; a dead server takes its second.
     constexpr int patience = 300;
-    QTimer::singleShot(patience, m_view, [this] {
+    QTimer::singleShot(patience, this, [this] {
+        if (m_view == nullptr) return;
         if (m_diskSizeView.scrollArea() != nullptr) return;
         m_emptyLabel->setText(tr("Looking at your volumes ..."));
         m_content->setCurrentIndex(1);

@@ -188,7 +188,11 @@ TEST(PictureFile, AllAreBuiltInAndNameTheirColours) {
     EXPECT_EQ(PictureFile::names(), names);
     static const QRegularExpression fixedColor(
         "(fill|stroke|stop-color)=\"(?!none|url\\(#)[^\"]*\""_s);
+    // The marks of the memory's figures have the colours of their slices, which are the same on
+    // both.
+    const QStringList slices{"active"_s, "free"_s, "inactive"_s, "wired"_s};
     for (const QString& name : files) {
+        if (slices.contains(name)) continue;
         QFile file(folder.filePath(name + ".svg"_s));
         ASSERT_TRUE(file.open(QIODevice::ReadOnly));
         const QString text = QString::fromUtf8(file.readAll());
