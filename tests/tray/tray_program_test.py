@@ -195,7 +195,7 @@ class InTheTray(unittest.TestCase):
         on.tell("watcher off")
         on.tell("watcher on")
         self.assertTrue(until(on.items), "the host was restarted")
-        on.tell("layouts 300")
+        on.tell("layouts 1000")
         self.assertIsNotNone(on.entry("Main Window"))
 
     def test_entries_do_what_they_say_and_those_of_an_old_menu_nothing(self):

@@ -20,7 +20,7 @@ Ejections::Ejections(Volumes& platform, MainQueue& mainQueue, QObject* parent)
 Ejections::~Ejections() = default;
 
 bool Ejections::isEjecting(const VolumePlace& place) const {
-    return std::ranges::find(m_places, place) != m_places.end();
+    return m_isEjectingAll || std::ranges::find(m_places, place) != m_places.end();
 }
 
 void Ejections::eject(const VolumePlace& place, const std::string& volumeName, QObject* asker,

@@ -128,7 +128,7 @@ void StatusMenu::bindRow(QAction& item, MenuItemView& view) {
 }
 
 bool StatusMenu::isEjecting(const MenuItemView& row) const {
-    return m_parts.actions.isEjecting &&
+    return row.bCanEject && m_parts.actions.isEjecting &&
            m_parts.actions.isEjecting({row.volRefNumber, row.volRootDir});
 }
 
@@ -264,6 +264,8 @@ void StatusMenu::cleanMemoryClickAction() {
         m_clearMemory = std::make_unique<ClearMemory>(*m_parts.memory, purgePrograms());
     if (m_clearMemory->isRuning()) return;
     Log::line("clean Memory");
+    _MEMORY_INFO now;  // what a run is to take is told by the reading before it
+    m_clearMemory->getMemoryInfo(&now);
     m_clearMemory->clearMemory();
 }
 

@@ -130,7 +130,8 @@ void FreeSpacePage::showEjecting() const {
     for (std::size_t row = 0; row < cards.size(); ++row) {
         const ZvVolumeInfo& volume = *m_seen->volumes[row].record;
         cards[row]->setEjecting(
-            m_parts.ejections->isEjecting({volume.volRefNumber, volume.volRootDir}));
+            volume.bCanEject &&
+                m_parts.ejections->isEjecting({volume.volRefNumber, volume.volRootDir}));
     }
 }
 
