@@ -105,7 +105,10 @@ struct Shared {
     SystemWatch systemWatch{volumes, memory, mainQueue};
     Ejections ejections{volumes, mainQueue};
     LinuxHotKeys hotKeys;
-    AutostartItems loginItems{linuxLoginItemFolders()};
+    const AutostartItems::TakeAway takeLoginItem = [this](const LoginItemRecord& item) {
+        return removeLoginItem(files, item, programFiles(), userStateFolder());
+    };
+    AutostartItems loginItems{linuxLoginItemFolders(), takeLoginItem};
     WindowDialogs dialogs;
     FileIcons icons;
 };
@@ -124,12 +127,9 @@ void connectEngine(Shared& shared) {
         });
     });
     LoginItemRegistry::setParts(
-        {.items = &shared.loginItems,
-         .remove =
-             [&shared](const LoginItemRecord& item) {
-                 return removeLoginItem(shared.files, item, programFiles(), userStateFolder());
-             },
-         .waitOneSecond = [] { std::this_thread::sleep_for(std::chrono::seconds(1)); }});
+        {.items = &shared.loginItems, .remove = shared.takeLoginItem, .waitOneSecond = [] {
+             std::this_thread::sleep_for(std::chrono::seconds(1));
+         }});
     Controller::getController().setParts({.files = &shared.files,
                                           .mainQueue = &shared.mainQueue,
                                           .ownFiles = programFiles(),

@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <memory>
 
@@ -69,6 +70,12 @@ std::string folderFault(const FileSystem& files, const std::string& path) {
 Status noSuchFolder(const std::string& path, const std::string& reason) {
     complain(fmt::format("{}: {}", path, reason));
     return Status::NoSuchFolder;
+}
+
+Status notScanned(const Error& error) {
+    if (error.number != EAGAIN) return noSuchFolder(error.path, error.reason());
+    complain("there is not enough memory for this");
+    return Status::SomeSkipped;
 }
 
 std::string absolutePath(const std::string& path) {

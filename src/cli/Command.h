@@ -110,6 +110,9 @@ void complainOfEach(const std::vector<Error>& skipped);
 
 /// Complains of it.
 Status noSuchFolder(const std::string& path, const std::string& reason);
+/// A folder could not be looked through: it can not be read, or there was not even a thread to be
+/// had for reading it.
+Status notScanned(const Error& error);
 
 /// The path as an absolute one without "." and doubled slashes; ".." is resolved by the file
 /// system. Hidden parts are judged by whole paths, so that "." must not count as a hidden name.

@@ -19,20 +19,11 @@ std::string progressLine(const EumeRoot& scan) {
     return fmt::format("{:3.0f} %  {} entries", scan.getProgress(), scan.foundCount());
 }
 
-// The folder can not be read, or there was not even a thread to be had for reading it.
-Status notScanned(const Error& error) {
-    if (error.number != EAGAIN) return noSuchFolder(error.path, error.reason());
-    complain("there is not enough memory for this");
-    return Status::SomeSkipped;
-}
-
 Ending runScan(EumeRoot& scan, std::shared_ptr<FileNodeTree> tree, Telling telling) {
     const std::string root = tree->rootPath();
     scan.eumeAllRootFileNodeWithRootArr(std::move(tree), root);
-    const SearchWatch watch([&scan] { scan.stopScan(); }, [&scan] { return progressLine(scan); },
-                            telling);
-    scan.waitForEnd();
-    return watch.ending();
+    return watchScan(
+        scan, [&scan] { return progressLine(scan); }, telling);
 }
 
 }  // namespace

@@ -135,14 +135,13 @@ Status add(LoginItems& items, const std::string& given) {
 }  // namespace
 
 void useLoginItems(const FileSystem& files) {
-    static auto* const items = new AutostartItems(linuxLoginItemFolders());
-    LoginItemRegistry::setParts(
-        {.items = items,
-         .remove =
-             [&files](const LoginItemRecord& item) {
-                 return removeLoginItem(files, item, programFiles(), userStateFolder());
-             },
-         .waitOneSecond = [] { std::this_thread::sleep_for(std::chrono::seconds(1)); }});
+    const AutostartItems::TakeAway takeAway = [&files](const LoginItemRecord& item) {
+        return removeLoginItem(files, item, programFiles(), userStateFolder());
+    };
+    static auto* const items = new AutostartItems(linuxLoginItemFolders(), takeAway);
+    LoginItemRegistry::setParts({.items = items, .remove = takeAway, .waitOneSecond = [] {
+                                     std::this_thread::sleep_for(std::chrono::seconds(1));
+                                 }});
 }
 
 std::string_view LoginItemsCommand::description() const {

@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include "cli/HangLook.h"
 
@@ -62,5 +63,13 @@ private:
         -1, -1};  // pipe: written to at the end, by the signal handler, and when memory runs out
     std::thread m_thread;
 };
+
+/// Watches a scan that was started, to its end.
+template <class Scan>
+[[nodiscard]] Ending watchScan(Scan& scan, std::function<std::string()> progress, Telling telling) {
+    const SearchWatch watch([&scan] { scan.stopScan(); }, std::move(progress), telling);
+    scan.waitForEnd();
+    return watch.ending();
+}
 
 }  // namespace orrinvale::cli

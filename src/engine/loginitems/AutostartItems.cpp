@@ -3,6 +3,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -12,6 +13,7 @@
 #include <memory>
 #include <set>
 
+#include "engine/base/Log.h"
 #include "engine/files/DurableFile.h"
 #include "engine/loginitems/entryKeys.h"
 #include "platform/FileUrl.h"
@@ -207,9 +209,12 @@ Result<void> AutostartItems::setStarts(const std::string& fileName, bool starts)
             entry.setRaw(entryKey::gnomeEnabled, "true");
         return entry.print() != before;
     });
-    if (changed && isOurOverride && ::unlink(path.c_str()) != 0)
-        return tl::unexpected(systemError("unlink", path, errno));
-    return changed;
+    if (!changed || !isOurOverride) return changed;
+    // To the trash, so that what somebody writes into it at this moment is not lost.
+    const std::string reason = m_takeAway(recordOf(fileName, true));
+    if (reason.empty()) return {};
+    Log::line(fmt::format("{} stays: {}", path, reason));
+    return tl::unexpected(systemError("remove", path, EIO));
 }
 
 Result<void> AutostartItems::setHidden(const std::string& fileName, bool hidden) {

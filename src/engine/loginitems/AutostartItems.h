@@ -21,7 +21,12 @@ inline constexpr const char* atLoginOption = "--at-login";
 /// Entries that were made here have the path in a key of our own.
 class AutostartItems final : public LoginItems {
 public:
-    explicit AutostartItems(LoginItemFolders folders) : m_folders(std::move(folders)) {}
+    /// Takes the person's own entry away, to where it can be brought back from, by the program's
+    /// one removal: why it stays, empty when it went. On the thread of the caller.
+    using TakeAway = std::function<std::string(const LoginItemRecord& item)>;
+
+    AutostartItems(LoginItemFolders folders, TakeAway takeAway)
+        : m_folders(std::move(folders)), m_takeAway(std::move(takeAway)) {}
 
     [[nodiscard]] std::vector<LoginItemRecord> list(std::int32_t& status) const override;
     [[nodiscard]] std::int32_t add(const std::string& path, bool hidden) override;
@@ -44,6 +49,7 @@ private:
                                       const std::function<bool(AutostartEntry&)>& change);
 
     const LoginItemFolders m_folders;
+    const TakeAway m_takeAway;
 };
 
 /// What switches an entry of the system of that name off.

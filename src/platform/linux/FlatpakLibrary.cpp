@@ -2,12 +2,11 @@
 // the library would be wanted for five calls of a stable interface.
 #include "platform/linux/FlatpakLibrary.h"
 
-#include <dlfcn.h>
-
 #include <memory>
 #include <string_view>
 #include <vector>
 
+#include "platform/linux/LoadedLibrary.h"
 #include "platform/paths.h"
 
 namespace orrinvale {
@@ -32,22 +31,16 @@ struct Library {
     bool isWhole = false;
 };
 
-// Never unloaded; what it needs of GLib comes with it.
+// What it needs of GLib comes with it.
 Library load() {
     Library out;
-    void* const library = ::dlopen("libflatpak.so.0", RTLD_NOW | RTLD_LOCAL);
-    if (library == nullptr) return out;
-    out.isWhole = true;
-    const auto find = [&](auto& function, const char* name) {
-        function =
-            reinterpret_cast<std::remove_reference_t<decltype(function)>>(::dlsym(library, name));
-        out.isWhole = out.isWhole && function != nullptr;
-    };
-    find(out.fileForPath, "g_file_new_for_path");
-    find(out.unref, "g_object_unref");
-    find(out.freeError, "g_error_free");
-    find(out.installationFor, "flatpak_installation_new_for_path");
-    find(out.uninstall, "flatpak_installation_uninstall");
+    LoadedLibrary library("libflatpak.so.0");
+    library.find(out.fileForPath, "g_file_new_for_path");
+    library.find(out.unref, "g_object_unref");
+    library.find(out.freeError, "g_error_free");
+    library.find(out.installationFor, "flatpak_installation_new_for_path");
+    library.find(out.uninstall, "flatpak_installation_uninstall");
+    out.isWhole = library.isWhole();
     return out;
 }
 

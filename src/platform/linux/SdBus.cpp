@@ -1,9 +1,6 @@
 // The library of sd-bus(3), loaded when it is first wanted. Declared in BusHandles.h.
-#include <dlfcn.h>
-
-#include <type_traits>
-
 #include "platform/linux/BusHandles.h"
+#include "platform/linux/LoadedLibrary.h"
 
 namespace orrinvale {
 namespace {
@@ -13,20 +10,13 @@ struct Loaded {
     bool isWhole = false;
 };
 
-// Never unloaded.
 Loaded load() {
     Loaded out;
-    void* const library = ::dlopen("libsystemd.so.0", RTLD_NOW | RTLD_LOCAL);
-    if (library == nullptr) return out;
-    out.isWhole = true;
-    const auto find = [&](auto& function, const char* name) {
-        function =
-            reinterpret_cast<std::remove_reference_t<decltype(function)>>(::dlsym(library, name));
-        out.isWhole = out.isWhole && function != nullptr;
-    };
-#define ORRINVALE_FIND(name) find(out.functions.name, "sd_bus_" #name);
+    LoadedLibrary library("libsystemd.so.0");
+#define ORRINVALE_FIND(name) library.find(out.functions.name, "sd_bus_" #name);
     ORRINVALE_SD_BUS(ORRINVALE_FIND)
 #undef ORRINVALE_FIND
+    out.isWhole = library.isWhole();
     return out;
 }
 

@@ -45,7 +45,7 @@ Descriptor connected(const std::string& path, Moment end) {
     std::memcpy(address.sun_path, path.data(), path.size());
     Descriptor out(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     const auto* const where = reinterpret_cast<const sockaddr*>(&address);
-    // EAGAIN: so many wait already that it takes no more for now.
+    // EAGAIN: its queue is full at this moment.
     while (::connect(out.get(), where, sizeof(address)) != 0) {
         constexpr int pause = 20;
         if (errno != EAGAIN || timeUntil(end).count() == 0) return {};

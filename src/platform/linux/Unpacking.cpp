@@ -2,17 +2,17 @@
 // stable interfaces.
 #include "platform/linux/Unpacking.h"
 
-#include <dlfcn.h>
-
 #include <climits>
+
+#include "platform/linux/LoadedLibrary.h"
 
 namespace orrinvale {
 namespace {
 
-// Never unloaded.
 template <class Function> Function* functionIn(const char* library, const char* name) {
-    void* const handle = ::dlopen(library, RTLD_NOW | RTLD_LOCAL);
-    return handle == nullptr ? nullptr : reinterpret_cast<Function*>(::dlsym(handle, name));
+    Function* found = nullptr;
+    LoadedLibrary(library).find(found, name);
+    return found;
 }
 
 using Size = std::optional<std::size_t>;

@@ -25,8 +25,8 @@ public:
     void eject(const VolumePlace& place, const std::string& volumeName, QObject* asker,
                const std::function<void(bool isGone)>& ended);
 
-    /// Also for a moment after it went, until those that look at the volumes no longer see it. While
-    /// all are ejected, of each that can be.
+    /// Also for a moment after it went, until those that look at the volumes no longer see it.
+    /// While all are ejected, of each that can be.
     [[nodiscard]] bool isEjecting(const VolumePlace& place) const;
 
     /// All that can be ejected, after what is being ejected; does nothing while that is under way.

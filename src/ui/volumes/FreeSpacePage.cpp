@@ -129,9 +129,8 @@ void FreeSpacePage::showEjecting() const {
     const auto& cards = m_diskSizeView.allItemArr();
     for (std::size_t row = 0; row < cards.size(); ++row) {
         const ZvVolumeInfo& volume = *m_seen->volumes[row].record;
-        cards[row]->setEjecting(
-            volume.bCanEject &&
-                m_parts.ejections->isEjecting({volume.volRefNumber, volume.volRootDir}));
+        cards[row]->setEjecting(volume.bCanEject && m_parts.ejections->isEjecting(
+                                                        {volume.volRefNumber, volume.volRootDir}));
     }
 }
 

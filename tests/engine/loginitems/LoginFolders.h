@@ -2,7 +2,9 @@
 #pragma once
 
 #include "engine/loginitems/AutostartItems.h"
+#include "engine/loginitems/removeLoginItem.h"
 #include "platform/paths.h"
+#include "support/ScopedVariable.h"
 #include "support/test.h"
 
 namespace orrinvale::testing {
@@ -16,7 +18,13 @@ struct LoginFolders {
                              .languages = {"de_AT", "de"},
                              .programs = {tree.at("bin"), "/usr/bin", "/bin"},
                              .ownProgram = tree.at("bin/orrinvale")};
-    AutostartItems items{folders};
+    const LinuxFileSystem files;
+    // What goes lands in a trash of the test's own.
+    const ScopedVariable data{"XDG_DATA_HOME", tree.at("data")};
+    const AutostartItems::TakeAway takeAway = [this](const LoginItemRecord& item) {
+        return removeLoginItem(files, item, {}, {});
+    };
+    AutostartItems items{folders, takeAway};
 
     std::vector<LoginItemRecord> list() const {
         std::int32_t status = 0;

@@ -105,6 +105,7 @@ TEST(LoginItems, ASwitchChangesOneLine) {
     EXPECT_TRUE(on.named("s.desktop").isDeleted && !on.named("s.desktop").starts);
     ASSERT_TRUE(on.items.setStarts("s.desktop", true));
     EXPECT_FALSE(isThere(on.tree.at("config/autostart/s.desktop")));
+    EXPECT_EQ(contentOf(on.tree.at("data/Trash/files/s.desktop")), overrideText("N"));
     ASSERT_TRUE(on.items.setStarts("s.desktop", false));
     ASSERT_TRUE(on.tree.write("config/autostart/s.desktop",
                               overrideText("N") + "Comment=why\nExec=tool\n"));
@@ -190,15 +191,9 @@ TEST(LoginItemRegistry, FindsAddsAndRemovesByPathAndAddress) {
     LoginFolders on;
     ASSERT_TRUE(on.program("bin/tool") && on.program("bin/orrinvale") &&
                 on.tree.write("config/autostart/a b.desktop", head + "Exec=/no/such\n"));
-    const ScopedVariable data("XDG_DATA_HOME", on.tree.at("data"));
     UserDefaults defaults(on.tree.at("settings.ini"));
     UserDefaults::setStandardUserDefaults(&defaults);
-    const LinuxFileSystem files;
-    LoginItemRegistry::setParts(
-        {.items = &on.items,
-         .remove =
-             [&](const LoginItemRecord& item) { return removeLoginItem(files, item, {}, {}); },
-         .waitOneSecond = {}});
+    LoginItemRegistry::setParts({.items = &on.items, .remove = on.takeAway, .waitOneSecond = {}});
     using R = LoginItemRegistry;
     const std::string own = joinPath(on.folders.persons, "a b.desktop");
     const auto items = R::allLoginItems();

@@ -220,7 +220,8 @@ TEST_F(Preferences, StartAtLoginIsTheListsTruth) {
                           .desktops = {},
                           .languages = {},
                           .programs = {},
-                          .ownProgram = tree.at("bin/orrinvale")});
+                          .ownProgram = tree.at("bin/orrinvale")},
+                         {});
     const std::string entry = tree.at("autostart/com.kelpford.Orrinvale.desktop");
     LoginItemRegistry::setParts({.items = &items,
                                  .remove =

@@ -124,20 +124,22 @@ struct Desk : NamedControls {
                                     .reveal = {},
                                     .openAddress = {}};
         UninstallPageParts parts;
-        parts.inventory = [this] {
-            listing.pass();
-            ++inventories;
+        parts.inventory = [from = sources] {
+            from->listing.pass();
+            ++from->inventories;
             AppItemsArray copies;
-            for (const auto& each : found) copies.push_back(std::make_shared<AppItems>(*each));
+            for (const auto& each : from->found)
+                copies.push_back(std::make_shared<AppItems>(*each));
             return copies;
         };
-        parts.measure = [this](const ApplicationRecord& record, const std::atomic<bool>&) {
-            measuring.pass();
+        parts.measure = [from = sources](const ApplicationRecord& record,
+                                         const std::atomic<bool>&) {
+            from->measuring.pass();
             ApplicationDetails details;
-            if (sizes.contains(record.name)) details.bytes = sizes.at(record.name);
+            if (from->sizes.contains(record.name)) details.bytes = from->sizes.at(record.name);
             return details;
         };
-        parts.stamp = [this] { return "state " + std::to_string(state.load()); };
+        parts.stamp = [from = sources] { return "state " + std::to_string(from->state.load()); };
         parts.work = work;
         parts.forecastPatience = std::chrono::milliseconds(400);
         page = std::make_unique<UninstallAppsController>(services, parts);
@@ -208,10 +210,18 @@ struct Desk : NamedControls {
     NotificationCenter center;
     RecordedDialogs dialogs;
     QtMainQueue queue;
-    AppItemsArray found;
-    std::map<std::string, std::uint64_t> sizes;
-    std::atomic<int> inventories{0}, state{1};
-    Gate listing, measuring;
+    // A thread may still ask these when the page is gone.
+    struct Sources {
+        AppItemsArray found;
+        std::map<std::string, std::uint64_t> sizes;
+        std::atomic<int> inventories{0}, state{1};
+        Gate listing, measuring;
+    };
+    const std::shared_ptr<Sources> sources = std::make_shared<Sources>();
+    AppItemsArray& found = sources->found;
+    std::map<std::string, std::uint64_t>& sizes = sources->sizes;
+    std::atomic<int>&inventories = sources->inventories, &state = sources->state;
+    Gate &listing = sources->listing, &measuring = sources->measuring;
     std::shared_ptr<MadeUpWork> work = std::make_shared<MadeUpWork>();
     QWidget window;
     std::unique_ptr<UninstallAppsController> page;

@@ -4,6 +4,7 @@
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 
+#include "ui/kit/lists/menuPlace.h"
 #include "ui/kit/look/Theme.h"
 
 namespace orrinvale {
@@ -50,12 +51,8 @@ void ColumnView::keyPressEvent(QKeyEvent* event) {
 }
 
 void ColumnView::contextMenuEvent(QContextMenuEvent* event) {
-    const bool byKey = event->reason() == QContextMenuEvent::Keyboard;
-    const QModelIndex index = byKey ? currentIndex() : indexAt(event->pos());
-    if (!index.isValid()) return;
-    setCurrentIndex(index);
-    Q_EMIT menuWanted(
-        index, byKey ? viewport()->mapToGlobal(visualRect(index).center()) : event->globalPos());
+    if (const auto place = menuPlace(*this, *event))
+        Q_EMIT menuWanted(place->index, place->position);
 }
 
 void ColumnView::focusInEvent(QFocusEvent* event) {

@@ -13,6 +13,7 @@
 #include "ui/kit/lists/RowDelegate.h"
 #include "ui/kit/lists/TickBox.h"
 #include "ui/kit/lists/columnWidths.h"
+#include "ui/kit/lists/menuPlace.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/kit/look/accessibleRole.h"
 #include "ui/kit/look/picture.h"
@@ -164,12 +165,8 @@ void TickOutline::keyPressEvent(QKeyEvent* event) {
 }
 
 void TickOutline::contextMenuEvent(QContextMenuEvent* event) {
-    const bool byKey = event->reason() == QContextMenuEvent::Keyboard;
-    const QModelIndex index = byKey ? currentIndex() : indexAt(event->pos());
-    if (!index.isValid()) return;
-    setCurrentIndex(index);
-    Q_EMIT menuWanted(
-        index, byKey ? viewport()->mapToGlobal(visualRect(index).center()) : event->globalPos());
+    if (const auto place = menuPlace(*this, *event))
+        Q_EMIT menuWanted(place->index, place->position);
 }
 
 void TickOutline::focusInEvent(QFocusEvent* event) {
