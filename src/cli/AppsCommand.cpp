@@ -1,6 +1,7 @@
 // engine/uninstall/UninstallAppDelegate.h finds the applications, Leftovers.h what they left.
 #include "cli/AppsCommand.h"
 
+#include <fmt/format.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -30,17 +31,24 @@ std::optional<std::vector<ApplicationType>> typesOf(const std::vector<std::strin
     return out;
 }
 
-AppItemsArray search(const FileSystem& files, const Applications& applications) {
-    const UninstallAppDelegate search(files, FolderVariables::ofThisProcess().home, &applications);
-    return std::move(UninstallAppInfo(search).allAppsInfo());
+UninstallAppInfo search(const FileSystem& files, const Applications& applications) {
+    return UninstallAppInfo(
+        UninstallAppDelegate(files, FolderVariables::ofThisProcess().home, &applications));
 }
 
-std::vector<Leftover> leftovers(const FileSystem& files, const Applications& applications,
+std::vector<Leftover> leftovers(const FileSystem& files, UninstallAppInfo& found,
                                 const std::string& of, const std::atomic<bool>& stop) {
     const LeftoverPlaces places =
         LeftoverPlaces::of(FolderVariables::ofThisProcess(), LinuxFolders());
-    const LeftoverRules rules(LeftoverClaims::of(search(files, applications), applications));
+    const LeftoverRules rules(LeftoverClaims::of(found.allAppsInfo(), found.rest()));
     return findLeftovers(files, places, rules, of, stop);
+}
+
+// What could not be read is told, kind by kind.
+Status finishWithout(Output& out, const UnreadKinds& unread, Ending ending) {
+    for (const auto& [type, reason] : unread) complain(fmt::format("{}: {}", wordOf(type), reason));
+    const Status status = finish(out, {}, ending);
+    return status == Status::Done && !unread.empty() ? Status::SomeSkipped : status;
 }
 
 void printPath(Output& out, const std::string& path) {
@@ -80,33 +88,40 @@ Status AppsCommand::run(const Arguments& arguments) {
 Status AppsCommand::listApplications(const Arguments& arguments,
                                      const std::vector<ApplicationType>& wanted) const {
     const SearchWatch watch([] {}, {}, Telling::Nothing);
-    AppItemsArray apps = search(m_files, m_applications);
+    UninstallAppInfo found = search(m_files, m_applications);
+    AppItemsArray& apps = found.allAppsInfo();
+    UnreadKinds unread = found.rest().unread;
     const Ending ending = watch.ending();
     if (!wanted.empty())
         std::erase_if(apps, [&](const auto& each) {
             return std::find(wanted.begin(), wanted.end(), each->record->type) == wanted.end();
         });
+    if (!wanted.empty())
+        std::erase_if(unread, [&](const auto& each) {
+            return std::find(wanted.begin(), wanted.end(), each.first) == wanted.end();
+        });
     Output out(STDOUT_FILENO);
-    if (arguments.has("json")) printAppsJson(out, apps, ending != Ending::Whole);
+    if (arguments.has("json")) printAppsJson(out, apps, unread, ending != Ending::Whole);
     else if (!arguments.has("print0")) printAppsListing(out, apps, wantsColour(STDOUT_FILENO));
     else
         for (const auto& each : apps) printPath(out, each->path);
-    return finish(out, {}, ending);
+    return finishWithout(out, unread, ending);
 }
 
 Status AppsCommand::listLeftovers(const Arguments& arguments) const {
     std::atomic<bool> stop{false};
     const SearchWatch watch([&stop] { stop = true; }, {}, Telling::Nothing);
-    const std::vector<Leftover> found =
-        leftovers(m_files, m_applications, arguments.text("leftovers"), stop);
+    UninstallAppInfo apps = search(m_files, m_applications);
+    const UnreadKinds& unread = apps.rest().unread;
+    const std::vector<Leftover> found = leftovers(m_files, apps, arguments.text("leftovers"), stop);
     const Ending ending = watch.ending();
     Output out(STDOUT_FILENO);
-    if (arguments.has("json")) printLeftoversJson(out, found, ending != Ending::Whole);
+    if (arguments.has("json")) printLeftoversJson(out, found, unread, ending != Ending::Whole);
     else if (!arguments.has("print0"))
         printLeftoversListing(out, found, wantsColour(STDOUT_FILENO));
     else
         for (const Leftover& each : found) printPath(out, each.path);
-    return finish(out, {}, ending);
+    return finishWithout(out, unread, ending);
 }
 
 }  // namespace orrinvale::cli

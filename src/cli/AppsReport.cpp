@@ -26,9 +26,22 @@ void appendLeftover(std::string& out, const Leftover& leftover) {
                        leftover.preciousCount);
 }
 
+void appendEnd(std::string& out, const UnreadKinds& unread, bool isStopped) {
+    out += "],\n  \"skipped\": [";
+    const char* between = "{\"path\": null, \"kind\": ";
+    for (const auto& [type, reason] : unread) {
+        out += fmt::format("{}\"{}\"", between, wordOf(type));
+        appendText(out, "reason", reason);
+        out += '}';
+        between = ", {\"path\": null, \"kind\": ";
+    }
+    out += fmt::format("],\n  \"stopped\": {}\n}}\n", isStopped);
+}
+
 }  // namespace
 
-void printAppsJson(Output& out, const AppItemsArray& apps, bool isStopped) {
+void printAppsJson(Output& out, const AppItemsArray& apps, const UnreadKinds& unread,
+                   bool isStopped) {
     std::string text = "{\n  \"applications\": [";
     const char* between = "\n    {\"name\": ";
     for (const auto& each : apps) {
@@ -46,7 +59,7 @@ void printAppsJson(Output& out, const AppItemsArray& apps, bool isStopped) {
         text += '}';
         between = ",\n    {\"name\": ";
     }
-    text += fmt::format("],\n  \"skipped\": [],\n  \"stopped\": {}\n}}\n", isStopped);
+    appendEnd(text, unread, isStopped);
     out.write(text);
 }
 
@@ -66,7 +79,8 @@ void printAppsListing(Output& out, const AppItemsArray& apps, bool colour) {
         fmt::format("{} {}\n", apps.size(), apps.size() == 1 ? "application" : "applications"));
 }
 
-void printLeftoversJson(Output& out, const std::vector<Leftover>& leftovers, bool isStopped) {
+void printLeftoversJson(Output& out, const std::vector<Leftover>& leftovers,
+                        const UnreadKinds& unread, bool isStopped) {
     std::string text = "{\n  \"leftovers\": [";
     const char* between = "\n    ";
     for (const Leftover& each : leftovers) {
@@ -74,7 +88,7 @@ void printLeftoversJson(Output& out, const std::vector<Leftover>& leftovers, boo
         appendLeftover(text, each);
         between = ",\n    ";
     }
-    text += fmt::format("],\n  \"skipped\": [],\n  \"stopped\": {}\n}}\n", isStopped);
+    appendEnd(text, unread, isStopped);
     out.write(text);
 }
 

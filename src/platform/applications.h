@@ -4,10 +4,10 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
-#include <memory>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -33,16 +33,30 @@ struct ApplicationRecord {
     std::string version;  ///< as the kind writes it
     std::string path;  ///< what stands for it on the disk: a folder, an AppImage, the program of a
                        ///< package
-    std::string package;                    ///< of a deb
-    std::string icon;                       ///< a name of the icon theme, or the path of a picture
-    std::string ref;                        ///< of a flatpak: "app/ID/ARCH/BRANCH"
-    std::string installation;               ///< of a flatpak: the folder that it is installed in
-    std::vector<std::string> entries;       ///< desktop entries that start it, by path
-    std::vector<std::string> programs;      ///< what these start, by path
+    std::string package;                ///< of a deb
+    std::string icon;                   ///< a name of the icon theme, or the path of a picture
+    std::string ref;                    ///< of a flatpak: "app/ID/ARCH/BRANCH"
+    std::string installation;           ///< of a flatpak: the folder that it is installed in
+    std::vector<std::string> entries;   ///< desktop entries that start it, by path
+    std::vector<std::string> programs;  ///< what these start, by path
+    std::vector<std::string> links;   ///< further names of an AppImage in the places for such ones
+    std::vector<std::string> others;  ///< names of further applications that lie in its folder
     std::optional<std::int64_t> installed;  ///< nanoseconds since 1970-01-01 UTC
     bool isSystem = false;   ///< the system needs it, or what needs it would go with it
     bool isOurs = false;     ///< this very program
     bool isPersons = false;  ///< installed for this person alone, who needs no right to remove it
+};
+
+/// What one look at a machine has found.
+struct ApplicationInventory {
+    std::vector<ApplicationRecord> records;  ///< kind by kind in the order of the types
+    std::vector<std::string> packages;  ///< names of all packages that are there, applications or
+                                        ///< not, whole or half; one for each architecture
+    std::vector<std::string> formerNames;  ///< of packages that were there once, as far as the
+                                           ///< system remembers them
+    /// Kinds of which not all could be read, and why, for people: nobody may say of such a kind
+    /// that something is not installed. A kind that this machine does not have is none of them.
+    std::map<ApplicationType, std::string> unread;
 };
 
 /// What is asked of one application when somebody looks at it.
@@ -66,6 +80,7 @@ struct RemovalForecast {
         trash;  ///< of each application what the caller is to move to the trash, itself first; none
                 ///< where the kind removes by itself
     std::string refusal;  ///< why nothing of it can be removed; empty when it can
+    std::map<std::size_t, std::string> refusals;  ///< why single ones can not
     bool asksForRight = false;
     /// How the kind knows again what it promised, so that nothing else goes.
     std::vector<std::string> promised;
@@ -76,6 +91,19 @@ struct ApplicationRemoval {
     enum class State : std::uint8_t { Gone, Failed, Dismissed, Refused };
     State state = State::Failed;
     std::string reason;  ///< for people, unless it is gone
+    std::string note;    ///< what a person wants to know even so
+};
+
+/// How long somebody waits for the services of all kinds together.
+struct Waiting {
+    static constexpr std::chrono::milliseconds usual{10'000};
+
+    // NOLINTNEXTLINE(google-explicit-constructor): a flag alone stands for the usual time
+    Waiting(const std::atomic<bool>& stopping, std::chrono::milliseconds time = usual)
+        : stop(stopping), end(std::chrono::steady_clock::now() + time) {}
+
+    const std::atomic<bool>& stop;  ///< ends the wait at once; outlives it
+    const std::chrono::steady_clock::time_point end;
 };
 
 /// Whether an application runs. What can not be read leaves the question open.
@@ -91,34 +119,26 @@ public:
     virtual ~ApplicationKind() = default;
     [[nodiscard]] virtual ApplicationType type() const = 0;
 
-    /// All that are installed; none where the kind is absent. Entries that start one of them are
-    /// claimed, so that no later kind lists them.
-    [[nodiscard]] virtual std::vector<ApplicationRecord> list(
-        std::vector<StartingEntry>& entries) const = 0;
+    /// Adds all that are installed, and that it could not read them all; nothing where the kind is
+    /// absent. Entries that start one of them are claimed, so that no later kind lists them.
+    virtual void list(std::vector<StartingEntry>& entries, ApplicationInventory& out) const = 0;
 
     [[nodiscard]] virtual ApplicationDetails details(const ApplicationRecord& record) const = 0;
 
-    /// Simulates a removal of all of them together; nothing is changed. A set `stop` ends the wait
-    /// for a service with a refusal.
+    /// Simulates a removal of all of them together; nothing is changed. The end of the wait for a
+    /// service is a refusal.
     [[nodiscard]] virtual RemovalForecast forecast(const std::vector<ApplicationRecord>& records,
-                                                   const std::atomic<bool>& stop) const = 0;
+                                                   const Waiting& waiting) const = 0;
 
     /// Removes them all, one answer each, in their order. May ask the person for a password, and
-    /// waits for it. Where the forecast has entries for the trash the caller moves them, and this
-    /// is not called.
+    /// waits for it. A set flag stops what can still be stopped. What nobody can tell to be gone is
+    /// not. Where the forecast has entries for the trash the caller moves them, and this is not
+    /// called.
     [[nodiscard]] virtual std::vector<ApplicationRemoval> remove(
         const std::vector<ApplicationRecord>& records, const RemovalForecast& /*forecast*/,
         const std::atomic<bool>& /*stop*/) const {
         return std::vector<ApplicationRemoval>(records.size());
     }
-
-    /// Names of everything of this kind that is installed, applications or not, where names of its
-    /// packages may be those of folders in homes.
-    [[nodiscard]] virtual std::vector<std::string> packageNames() const { return {}; }
-
-    /// Names of packages that were installed once and are not any more, as far as the system
-    /// remembers them.
-    [[nodiscard]] virtual std::vector<std::string> formerNames() const { return {}; }
 
 protected:
     ApplicationKind() = default;
@@ -131,9 +151,9 @@ class Applications {
 public:
     virtual ~Applications() = default;
 
-    /// All that is installed, kind by kind in the order of the types. Each kind that fails lists
-    /// none.
-    [[nodiscard]] virtual std::vector<ApplicationRecord> list() const = 0;
+    /// All that is installed; each kind is read once.
+    [[nodiscard]] virtual ApplicationInventory inventory() const = 0;
+    [[nodiscard]] std::vector<ApplicationRecord> list() const { return inventory().records; }
     /// nullptr for a type that this machine does not know, and for App.
     [[nodiscard]] virtual const ApplicationKind* kind(ApplicationType type) const = 0;
     /// One state for each record, all of one moment.

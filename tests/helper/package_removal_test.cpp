@@ -4,6 +4,7 @@
 #include "platform/linux/DpkgDatabase.h"
 #include "platform/linux/LinuxApplications.h"
 #include "platform/linux/PackageService.h"
+#include "support/MadeUpMachine.h"
 #include "support/ScopedVariable.h"
 #include "support/SilentSocket.h"
 #include "support/test.h"
@@ -88,7 +89,7 @@ std::string packagesGoAsPromised(PolkitWorld& world, const std::string& actions)
         if (!holds) troubles += what + "; ";
     };
     const ServiceProcess service({daemon});
-    if (!comesTrue([] { return PackageService::resolve({"dpkg"}, 20s, never).worked(); }))
+    if (!comesTrue([] { return PackageService::resolve({"dpkg"}, {never, 20s}).worked(); }))
         return "PackageKit does not come up";
 
     const auto refusalOf = [&](const char* package) {
@@ -170,6 +171,110 @@ TEST(PackageRemoval, SaysWhenThereIsNobodyToAsk) {
                       .state,
                   ApplicationRemoval::State::Refused);
     }
+}
+
+// Made-up packages and the service that removes them, on a bus of their own.
+class MadeUpService {
+public:
+    MadeUpService() {
+        machine.program("usr/bin/tool");
+        machine.entry("tool", "Exec=tool");
+        machine.package("first", "", {});
+        machine.package("tool", "", {"usr/bin/tool"});
+        machine.package("other", "Depends: tool\n", {});
+        (void)machine.tree.write(
+            "bus.conf",
+            "<busconfig><type>system</type><listen>unix:path=" + machine.tree.at("bus") +
+                "</listen><policy context=\"default\">"
+                "<allow send_destination=\"*\"/>"
+                "<allow receive_sender=\"*\"/><allow own=\"*\"/></policy>"
+                "</busconfig>");
+        m_services.emplace_back(Strings{"/usr/bin/dbus-daemon", "--nofork",
+                                        "--config-file=" + machine.tree.at("bus.conf")});
+        (void)comesTrue([&] { return isThere(machine.tree.at("bus")); });
+        play("[]", "works");
+        m_services.emplace_back(
+            Strings{"/usr/bin/python3", ORRINVALE_PACKAGE_SERVICE, machine.tree.at("scene")});
+        (void)comesTrue([] {
+            return PackageService::resolve({"tool"}, {never, 5s}).packages.size() == 1;
+        });
+    }
+    void play(const std::string& simulated, const std::string& real) {
+        (void)machine.tree.write("calls", "");
+        (void)machine.tree.write("scene", R"({"simulated":)" + simulated + R"(,"real":")" + real +
+                                              R"(","status":")" + machine.tree.at("dpkg/status") +
+                                              R"(","calls":")" + machine.tree.at("calls") +
+                                              R"("})");
+    }
+    MadeUpMachine machine;
+
+private:
+    const ScopedVariable m_address{"DBUS_SYSTEM_BUS_ADDRESS",
+                                   "unix:path=" + machine.tree.at("bus")};
+    std::vector<ServiceProcess> m_services;
+};
+
+TEST(PackageRemoval, DoesNothingThatWasNotToldAndBelievesDpkgAlone) {
+    if (const auto obstacle = obstacleToDismissing(); !obstacle.empty()) GTEST_SKIP() << obstacle;
+    using State = ApplicationRemoval::State;
+    const std::string own = R"([13,"tool;1.0;amd64;installed"])";
+    const std::string other = R"([28,"other;1.0;amd64;installed"])";
+    struct Case {
+        std::string simulated, real, refusal;
+        State state = State::Refused;
+        std::string reason = {}, note = {}, calls = {};
+        bool isStopped = false;
+    };
+    const std::string call = "remove tool;1.0;amd64;installed 00\n";
+    const std::string both = "remove other;1.0;amd64;installed tool;1.0;amd64;installed 00\n";
+    const std::string more = "More than a removal would be done to ";
+    const Case cases[] = {
+        {own, "works", "", State::Gone, "", "", call},
+        {own + ',' + other, "works", "", State::Gone, "", "", both},
+        {own + R"(,[12,"new;2;amd64;"])", "works", more + "new"},
+        {own + R"(,[99,"strange;2;amd64;"])", "works", more + "strange"},
+        {own + R"(,[13,""])", "works", more + "a package"},
+        {own, "more", "", State::Gone, "", "Another package went as well: other", call},
+        {own, "lies", "", State::Failed, "The service that removes packages gave no reason", "",
+         call},
+        {own, "empties", "", State::Failed,
+         "Nobody can tell whether it is gone: The list of packages can not be read", "", call},
+        {own, "waits", "", State::Failed, "stopped", "", call + "cancel\n", true},
+        {own, "holds", "", State::Gone, "", "The removal of packages could not be stopped any more",
+         call + "cancel\n", true},
+    };
+    for (const Case& each : cases) {
+        MadeUpService service;
+        service.play('[' + each.simulated + ']', each.real);
+        ASSERT_TRUE(comesTrue([] {
+            return PackageService::resolve({"tool"}, {never, 5s}).packages.size() == 1;
+        }));
+        const RemovalForecast forecast = kind.forecast(records, never);
+        ASSERT_EQ(forecast.refusal, each.refusal);
+        std::atomic<bool> stop{false};
+        const std::jthread stopper([&] {
+            if (!each.isStopped) return;
+            (void)comesTrue([&] { return !contentOf(service.machine.tree.at("calls")).empty(); });
+            stop = true;
+        });
+        const auto removed = kind.remove(records, forecast, stop).front();
+        EXPECT_EQ(removed.state, each.state) << each.real << removed.reason;
+        EXPECT_EQ(removed.reason, each.refusal + each.reason);
+        EXPECT_EQ(removed.note, each.note);
+        const std::string calls = contentOf(service.machine.tree.at("calls"));
+        EXPECT_EQ(calls.substr(0, each.calls.size()), each.calls);
+        EXPECT_TRUE(each.isStopped || calls == each.calls) << calls;
+    }
+    MadeUpService service;
+    service.play('[' + own + ']', "works");
+    const LinuxApplications applications(service.machine.places);
+    const auto records = applications.list();
+    const ApplicationKind& kind = *applications.kind(ApplicationType::Deb);
+    const RemovalForecast forecast = kind.forecast(records, {never, 20s});
+    service.play('[' + own + ',' + other + ']', "works");
+    EXPECT_EQ(kind.remove(records, forecast, never).front().reason,
+              "Other packages would go by now than those that were listed");
+    EXPECT_EQ(contentOf(service.machine.tree.at("calls")), "");
 }
 
 TEST(PackageRemoval, AFlatpakGoesByItsLibrary) {

@@ -4,7 +4,10 @@
 #include "platform/linux/AppImageFile.h"
 #include "platform/linux/DpkgDatabase.h"
 #include "platform/linux/LinuxApplications.h"
+#include "platform/linux/PackageFoundations.h"
+#include "platform/linux/PackageService.h"
 #include "platform/linux/SnapService.h"
+#include "platform/paths.h"
 #include "support/MadeUpMachine.h"
 #include "support/SilentSocket.h"
 #include "support/test.h"
@@ -63,9 +66,105 @@ TEST(Applications, ArePackagesByTheProgramThatAnEntryStarts) {
     const auto details = applications.kind(ApplicationType::Deb)->details(*tool);
     EXPECT_EQ(details.bytes, 12 * 1024U);
     EXPECT_THAT(details.configuration, ElementsAre("/etc/tool"));
-    EXPECT_THAT(applications.kind(ApplicationType::Deb)->formerNames(), ElementsAre("left"));
+    EXPECT_THAT(applications.inventory().formerNames, ElementsAre("left"));
 }
 
+TEST(Applications, OfPackagesAreGoneOnlyByADatabaseThatWasRead) {
+    using enum DpkgDatabase::Presence;
+    struct Case {
+        const char* name;
+        std::string fields, status;
+        DpkgDatabase::Presence presence;
+        std::string fault = {};  // "FILE", which is emptied or made, or "-FILE", which is missing
+        bool isRead = true;
+    };
+    const Case cases[] = {
+        {"installed", "", "install ok installed", There},
+        {"removed", "", "deinstall ok config-files", Gone},
+        {"purged", "", "purge ok not-installed", Gone},
+        {"half", "", "deinstall reinstreq half-installed", There},
+        {"waiting", "", "install ok triggers-pending", There},
+        {"foreign", "Architecture: i386\n", "install ok installed", Gone},
+        {"empty", "", "deinstall ok config-files", Unknown, "dpkg/status", false},
+        {"missing", "", "deinstall ok config-files", Unknown, "-dpkg/status", false},
+        {"cut off", "", "deinstall ok config-files", Unknown, "dpkg/updates/0001", false},
+    };
+    for (const Case& each : cases) {
+        MadeUpMachine machine;
+        machine.package("dpkg", "", {});
+        machine.package("tool", each.fields, {}, each.status);
+        if (each.fault.starts_with('-'))
+            std::filesystem::remove(machine.tree.at(each.fault.substr(1)));
+        else if (!each.fault.empty()) (void)machine.tree.write(each.fault, "");
+        EXPECT_EQ(DpkgDatabase(machine.places.dpkg).presenceOf("tool"), each.presence) << each.name;
+        EXPECT_EQ(LinuxApplications(machine.places).inventory().unread.empty(), each.isRead)
+            << each.name;
+    }
+    EXPECT_EQ(DpkgDatabase("/none").presenceOf("tool"), Unknown);
+    EXPECT_EQ(DpkgDatabase("/none").obstacle(), "") << "a machine without packages";
+}
+
+TEST(Applications, OfTheServiceForPackagesAreReadFieldByField) {
+    struct Case {
+        std::string id;
+        Strings fields;
+    };
+    for (const auto& [id, fields] :
+         {Case{"a;1;amd64;b", {"a", "1", "amd64", "b", ""}}, Case{"a;1", {"a", "1", "", "", ""}},
+          Case{"a;", {"a", "", "", "", ""}}, Case{"", {"", "", "", "", ""}}})
+        for (std::size_t i = 0; i < fields.size(); ++i)
+            EXPECT_EQ((ServicePackage{13, id}.field(i)), fields[i]) << id << i;
+}
+
+TEST(Applications, OfPackagesStayWhatASessionRunsOn) {
+    MadeUpMachine machine;
+    TestTree& tree = machine.tree;
+    const auto process = [&](const std::string& number, const std::string& parent,
+                             const std::string& program, const std::string& group = {}) {
+        const std::string folder = "proc/" + number + '/';
+        if (!program.empty()) (void)tree.symlink(tree.at("usr/bin/" + program), folder + "exe");
+        (void)tree.write(folder + "stat", number + " (a) b) S " + parent + " 0 0 0 -1 4194560 0");
+        (void)tree.write(folder + "cmdline", "x");
+        (void)tree.write(folder + "cgroup", "0::" + group + "/x\n");
+    };
+    process(std::to_string(::getpid()), "20", "");
+    process("20", "30", "panel");
+    process("30", "1", "leader");
+    process("40", "1", "shell",
+            "/user.slice/user@" + std::to_string(::getuid()) + ".service/session.slice");
+    process("50", "1", "chat", "/user.slice/app.slice");
+    process("60", "1", "framer");
+    const Strings names{"panel",  "leader",  "shell",    "chat",  "framer", "idler",
+                        "starts", "greeter", "greeter2", "agent", "plain"};
+    for (const std::string& name : names) {
+        const bool manages = name == "framer" || name == "idler";
+        machine.program("usr/bin/" + name);
+        machine.package(name,
+                        manages           ? "Provides: x-window-manager\n"
+                        : name == "agent" ? "Provides: polkit-1-auth-agent\n"
+                                          : "",
+                        {"usr/bin/" + name, "lib/" + name + ".service"});
+    }
+    machine.places.sessionFolders = {tree.at("xsessions")};
+    (void)tree.write("xsessions/some.desktop",
+                     "[Desktop Entry]\nType=Application\nName=x\nExec=env A=1 starts --now\n");
+    machine.places.displayManagerUnit = tree.at("display-manager.service");
+    (void)tree.write("lib/greeter.service", "");
+    (void)tree.symlink(tree.at("lib/greeter.service"), "display-manager.service");
+    machine.places.displayManagerFile = tree.at("default");
+    (void)tree.write("default", tree.at("usr/bin/greeter2") + '\n');
+    const DpkgDatabase database(machine.places.dpkg);
+    const PackageFoundations foundations(database, machine.places);
+    std::map<std::string, Strings> found;
+    for (const std::string& name : names)
+        found[std::string(foundations.reasonFor(name + ":amd64"))].push_back(name);
+    const std::map<std::string, Strings> expected{
+        {"", {"chat", "idler", "plain"}},
+        {"the desktop runs on it", {"panel", "leader", "shell", "framer", "starts"}},
+        {"people log in by it", {"greeter", "greeter2"}},
+        {"rights are asked for by it", {"agent"}}};
+    EXPECT_EQ(found, expected);
+}
 TEST(Applications, OfTheSystemAreThoseThatTakeItAlong) {
     MadeUpMachine machine;
     machine.package("lib", "", {});
@@ -171,6 +270,42 @@ TEST(Applications, AppImagesTellTheirNameWithoutBeingRun) {
     EXPECT_FALSE(AppImageFile::read(tree.at("pipe"), {}).isAppImage);
 }
 
+TEST(Applications, AppImagesBehindLinksStayAndTheLinksGo) {
+    MadeUpMachine machine;
+    TestTree& tree = machine.tree;
+    machine.program("home/Downloads/near", appImage(""));
+    machine.program("disk/far", appImage(""));
+    machine.program("disk/deep/started", appImage(""));
+    machine.program("disk/deep/plain", appImage(""));
+    (void)tree.symlink("../Downloads/near", "home/Applications/near");
+    (void)tree.symlink("../../disk/far", "home/Applications/far");
+    (void)tree.symlink("disk/deep", "shortcut");
+    machine.entry("started", "Exec=" + tree.at("shortcut/started"));
+    machine.entry("plain", "Exec=" + tree.at("disk/deep/plain"));
+    const LinuxApplications applications(machine.places);
+    const auto records = applications.list();
+    const std::atomic<bool> never{false};
+    const RemovalForecast forecast =
+        applications.kind(ApplicationType::AppImage)->forecast(records, never);
+    std::map<std::string, std::string> found;
+    const auto local = [&](const std::string& path) {
+        return ' ' + path.substr(tree.path().size() + 1);
+    };
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        std::string& text = found[records[i].id];
+        for (const std::string& path : forecast.trash[i]) text += local(path);
+        if (forecast.refusals.contains(i)) text += " refused";
+    }
+    const std::string entries = " usr/share/applications/";
+    const std::map<std::string, std::string> expected{
+        {"near", " home/Downloads/near home/Applications/near"},
+        {"far", " home/Applications/far"},
+        {"started", " shortcut/started" + entries + "started.desktop refused"},
+        {"plain", " disk/deep/plain" + entries + "plain.desktop"}};
+    EXPECT_EQ(found, expected);
+    EXPECT_THAT(forecast.stays, ElementsAre(HasSubstr("disk/far stays: ")));
+}
+
 TEST(Applications, AreFoundWherePeoplePutThem) {
     MadeUpMachine machine;
     TestTree& tree = machine.tree;
@@ -200,12 +335,12 @@ TEST(Applications, OfSnapAreWhatTheServiceSays) {
         R"({"type":"sync","result":[{"name":"code","title":"Code","version":"1","type":"app",
             "installed-size":5,"apps":[{"name":"code","desktop-file":"/x.desktop"},3]},
             {"name":"core22","type":"base"},{"title":"nameless"},7]})");
-    ASSERT_EQ(facts.size(), 2U);
-    EXPECT_EQ(facts[0].title + facts[0].entries.at(0), "Code/x.desktop");
-    EXPECT_EQ(facts[0].size, 5U);
-    for (const char* const bad : {"", "[]", "{", R"({"result":{}})", R"({"result":[{"name":3}]})"})
-        EXPECT_THAT(snapsIn(bad), IsEmpty()) << bad;
-    EXPECT_THAT(snapsIn(std::string(200'000, '[')), IsEmpty());
+    ASSERT_TRUE(facts && facts->size() == 2);
+    EXPECT_EQ(facts->front().title + facts->front().entries.at(0), "Code/x.desktop");
+    EXPECT_EQ(facts->front().size, 5U);
+    for (const char* const bad : {"", "[]", "{", R"({"result":{}})"})
+        EXPECT_FALSE(snapsIn(bad)) << bad;
+    EXPECT_FALSE(snapsIn(std::string(200'000, '[')));
     const auto chunked = httpAnswer(
         "HTTP/1.1 202 Accepted\r\nTransfer-Encoding: "
         "chunked\r\n\r\n3\r\nabc\r\n2\r\nde\r\n0\r\n\r\n");
@@ -243,6 +378,43 @@ private:
     std::jthread m_thread;
 };
 
+TEST(Applications, ThatCouldNotBeReadAreNotMissing) {
+    using enum ApplicationType;
+    struct Case {
+        const char* name;
+        std::string loop, folder, answer;  // a link to itself, a folder; what snapd says
+        std::set<ApplicationType> unread;
+        bool isThere = false;  // the service's socket
+    };
+    const std::string ok = "HTTP/1.1 200 OK\r\n\r\n";
+    const Case cases[] = {
+        {"nothing is here", "", "", "", {}},
+        {"only its folder of programs", "", "snap/bin", "", {}},
+        {"snaps without their service", "", "snap/code", "", {Snap}},
+        {"a silent service", "", "", "", {Snap}, true},
+        {"a service that refuses", "", "", "HTTP/1.1 500 x\r\n\r\n{\"result\":[]}", {Snap}, true},
+        {"garbage", "", "", ok + "{\"result\":{}}", {Snap}, true},
+        {"no snaps", "", "", ok + "{\"result\":[]}", {}, true},
+        {"the shared flatpaks", "flatpak/app", "", "", {Flatpak}},
+        {"one flatpak", "flatpak/app/org.a.B", "", "", {Flatpak}},
+        {"one branch of it", "flatpak/app/org.a.B/x86_64/stable", "", "", {Flatpak}},
+    };
+    for (const Case& each : cases) {
+        MadeUpMachine machine;
+        if (!each.loop.empty())
+            (void)machine.tree.symlink(lastPathComponent(each.loop).data(), each.loop);
+        if (!each.folder.empty()) (void)machine.tree.folder(each.folder);
+        std::optional<MadeUpSnapd> service;
+        if (each.isThere)
+            service.emplace(machine.places.snapSocket,
+                            std::map<std::string, std::string>{{"GET /v2/snaps ", each.answer}});
+        std::set<ApplicationType> unread;
+        for (const auto& [type, reason] : LinuxApplications(machine.places).inventory().unread)
+            unread.insert(type);
+        EXPECT_EQ(unread, each.unread) << each.name;
+    }
+}
+
 TEST(Applications, OfSnapGoByTheService) {
     using State = ApplicationRemoval::State;
     const std::string info = "HTTP/1.1 200 OK\r\n\r\n{}";
@@ -254,9 +426,16 @@ TEST(Applications, OfSnapGoByTheService) {
         std::string removal, change;
         State state;
         std::string reason;
+        std::string left = R"([{"name":"code"}])";  // that the service lists afterwards
     };
+    const std::string done = json(200, R"({"result":{"ready":true,"status":"Done"}})");
     const Case cases[] = {
-        {begun, json(200, R"({"result":{"ready":true,"status":"Done"}})"), State::Gone, ""},
+        {begun, done, State::Gone, "", "[]"},
+        {begun, done, State::Failed, "The snap service left it"},
+        {begun, done, State::Failed,
+         "Nobody can tell whether it is gone: The snap service does not tell what it has", "{}"},
+        {json(404, R"({"result":{"message":"not found","kind":"snap-not-found"}})"), "",
+         State::Gone, "", "[]"},
         {begun, json(200, R"({"result":{"ready":true,"status":"Error","err":"it is a base"}})"),
          State::Failed, "it is a base"},
         {json(401, R"({"result":{"message":"cancelled","kind":"auth-cancelled"}})"), "",
@@ -269,10 +448,12 @@ TEST(Applications, OfSnapGoByTheService) {
     };
     for (const Case& each : cases) {
         MadeUpMachine machine;
-        const MadeUpSnapd service(machine.places.snapSocket,
-                                  {{"GET /v2/system-info ", info},
-                                   {"POST /v2/snaps/code ", each.removal},
-                                   {"GET /v2/changes/7 ", each.change}});
+        const MadeUpSnapd service(
+            machine.places.snapSocket,
+            {{"GET /v2/system-info ", info},
+             {"POST /v2/snaps/code ", each.removal},
+             {"GET /v2/changes/7 ", each.change},
+             {"GET /v2/snaps ", json(200, R"({"result":)" + each.left + '}')}});
         ApplicationRecord code;
         code.id = code.name = "code";
         const LinuxApplications applications(machine.places);

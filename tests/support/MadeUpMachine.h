@@ -16,6 +16,7 @@ struct MadeUpMachine {
         places.flatpaks = {tree.at("home/.local/share/flatpak"), tree.at("flatpak")};
         places.flatpakInstances = tree.at("run/.flatpak");
         places.snapSocket = tree.at("snapd.socket");
+        places.snapFolder = tree.at("snap");
         places.appImageFolders = {tree.at("home/Applications"), tree.at("home/Downloads")};
         places.folderHolders = {tree.at("opt"), tree.at("home/Applications")};
         places.processes = tree.at("proc");

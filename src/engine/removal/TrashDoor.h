@@ -9,18 +9,24 @@
 
 namespace orrinvale {
 
-/// Whole entries go, a folder with all that is in it by then. The file system outlives it.
+/// Whole entries go, a folder with all that is in it by then. What is not there any more is gone.
+/// The file system outlives it.
 class TrashDoor final : public RemovalDoor {
 public:
     TrashDoor(const FileSystem& files, ProtectedPlaces places,
               FolderVariables variables = FolderVariables::ofThisProcess())
-        : m_places(std::move(places)), m_trash(files, m_places, std::move(variables)) {}
+        : m_files(files),
+          m_places(std::move(places)),
+          m_trash(files, m_places, std::move(variables)) {}
 
     [[nodiscard]] bool setsAside() const override { return false; }
     [[nodiscard]] RemovalResult remove(const LeavingEntry& entry,
                                        const std::atomic<bool>& stop) override;
 
 private:
+    [[nodiscard]] bool isAbsent(const std::string& path) const;
+
+    const FileSystem& m_files;
     const ProtectedPlaces m_places;
     const Trash m_trash;
 };

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <array>
-#include <iterator>
+#include <utility>
 
 #include "platform/paths.h"
 
@@ -115,34 +115,65 @@ std::string_view wordOf(LeftoverGrade grade) {
     return grade == LeftoverGrade::Certain ? "certain" : "likely";
 }
 
-LeftoverClaims LeftoverClaims::of(const AppItemsArray& apps, const Applications& applications) {
+const std::string& nameLeftBy(const ApplicationRecord& record) {
+    return record.package.empty() ? record.id : record.package;
+}
+
+LeftoverClaims LeftoverClaims::of(const AppItemsArray& apps, const ApplicationInventory& rest) {
     LeftoverClaims out;
     for (const auto& each : apps) out.installed.push_back(*each->record);
-    for (const ApplicationType type :
-         {ApplicationType::Flatpak, ApplicationType::Snap, ApplicationType::Deb,
-          ApplicationType::AppImage, ApplicationType::Folder})
-        if (const ApplicationKind* const kind = applications.kind(type)) {
-            std::ranges::move(kind->packageNames(), std::back_inserter(out.packages));
-            std::ranges::move(kind->formerNames(), std::back_inserter(out.formerNames));
-        }
+    out.rest = rest;
     return out;
 }
 
 LeftoverRules::LeftoverRules(const LeftoverClaims& claims)
-    : m_former(claims.formerNames.begin(), claims.formerNames.end()) {
-    for (const ApplicationRecord& each : claims.installed) {
-        const std::size_t index = m_claimants.size();
-        m_claimants.push_back(
-            {each.package.empty() ? each.id : each.package, each.type, each.path});
-        if (!each.id.empty()) m_ids.emplace(each.id, index);
-        // What flatpak and snap run finds its folders elsewhere.
-        if (each.type == ApplicationType::Flatpak || each.type == ApplicationType::Snap) continue;
-        if (each.package.empty()) m_names[lowered(each.id)].insert(index);
-        else m_names[lowered(each.package.substr(0, each.package.find(':')))].insert(index);
-        for (const std::string& program : each.programs)
-            m_names[lowered(lastPathComponent(program))].insert(index);
-    }
-    for (const std::string& each : claims.packages) m_packages[lowered(each)].insert(each);
+    : m_former(claims.rest.formerNames.begin(), claims.rest.formerNames.end()),
+      m_unread(claims.rest.unread) {
+    for (const ApplicationRecord& each : claims.installed) add(each);
+    for (const std::string& each : claims.rest.packages) m_packages[lowered(each)].push_back(each);
+}
+
+void LeftoverRules::add(const ApplicationRecord& record) {
+    const std::size_t index = m_claimants.size();
+    const std::string package = record.package.substr(0, record.package.find(':'));
+    m_claimants.push_back({nameLeftBy(record), package, record.type, record.path});
+    if (!record.id.empty()) m_ids.emplace(record.id, index);
+    // A program may call its folder by any of these, wherever it comes from: a snap that is not
+    // confined writes into the homes like everybody, and so may a flatpak.
+    const std::string_view id = record.id;
+    for (const std::string_view name :
+         {std::string_view(record.name), id, id.substr(id.rfind('.') + 1),
+          lastPathComponent(record.path)})
+        m_rivals[lowered(name)].insert(index);
+    // What flatpak and snap run finds its own folders elsewhere.
+    if (record.type == ApplicationType::Flatpak || record.type == ApplicationType::Snap) return;
+    m_names[lowered(package.empty() ? record.id : package)].insert(index);
+    for (const std::string& program : record.programs)
+        m_names[lowered(lastPathComponent(program))].insert(index);
+}
+
+bool LeftoverRules::isUnread(LeftoverHome home) const {
+    if (home == LeftoverHome::Xdg) return !m_unread.empty();
+    return m_unread.contains(home == LeftoverHome::Flatpak ? ApplicationType::Flatpak
+                                                           : ApplicationType::Snap);
+}
+
+// By another application, or by a package that is none. Of a name that packages of two
+// architectures share, each has a part.
+bool LeftoverRules::isClaimedBesides(const std::string& small, std::size_t owner) const {
+    for (const Indexes* const each : {&m_names, &m_rivals})
+        if (const auto found = each->find(small); found != each->end())
+            for (const std::size_t index : found->second)
+                if (index != owner) return true;
+    const auto packages = m_packages.find(small);
+    return packages != m_packages.end() &&
+           (packages->second.size() > 1 || owner >= m_claimants.size() ||
+            packages->second.front() != m_claimants[owner].package);
+}
+
+LeftoverVerdict LeftoverRules::verdictFor(const Claimant& claimant, LeftoverGrade grade,
+                                          std::string reason) const {
+    return {claimant.of, grade, true, std::move(reason), claimant.type, claimant.path};
 }
 
 std::optional<LeftoverVerdict> LeftoverRules::ofId(LeftoverHome home,
@@ -151,62 +182,54 @@ std::optional<LeftoverVerdict> LeftoverRules::ofId(LeftoverHome home,
     const auto [from, to] = m_ids.equal_range(name);
     for (auto each = from; each != to; ++each) {
         const Claimant& claimant = m_claimants[each->second];
-        const bool fits =
-            home == LeftoverHome::Xdg ||
-            (claimant.type == ApplicationType::Flatpak) == (home == LeftoverHome::Flatpak);
+        const bool fits = home == LeftoverHome::Xdg ||
+                          claimant.type == (home == LeftoverHome::Flatpak ? ApplicationType::Flatpak
+                                                                          : ApplicationType::Snap);
         if (fits) claimants.push_back(&claimant);
     }
     if (claimants.size() == 1)
-        return LeftoverVerdict{
-            claimants.front()->of,
-            home == LeftoverHome::Xdg ? LeftoverGrade::Certain : LeftoverGrade::Likely, true,
-            "it is named as the identifier of " + claimants.front()->of};
+        return verdictFor(
+            *claimants.front(),
+            home == LeftoverHome::Xdg ? LeftoverGrade::Certain : LeftoverGrade::Likely,
+            "it is named as the identifier of " + claimants.front()->of);
     if (!claimants.empty() || home == LeftoverHome::Xdg) return std::nullopt;
     if (home == LeftoverHome::Flatpak && !isFlatpakId(name)) return std::nullopt;
-    return LeftoverVerdict{name, LeftoverGrade::Likely, false, name + " is not installed any more"};
+    return LeftoverVerdict{
+        name, LeftoverGrade::Likely, false, name + " is not installed any more", {}, {}};
 }
 
 std::optional<LeftoverVerdict> LeftoverRules::ofName(const std::string& name) const {
     const std::string small = lowered(name);
     if (isShared(small)) return std::nullopt;
     const auto named = m_names.find(small);
-    const auto packages = m_packages.find(small);
     if (named == m_names.end()) {
-        if (packages != m_packages.end() || !m_former.contains(name)) return std::nullopt;
+        if (!m_former.contains(name) || isClaimedBesides(small, m_claimants.size()))
+            return std::nullopt;
         return LeftoverVerdict{
-            name, LeftoverGrade::Likely, false,
-            fmt::format("it is named as the package {}, which is not installed any more", name)};
+            name,
+            LeftoverGrade::Likely,
+            false,
+            fmt::format("it is named as the package {}, which is not installed any more", name),
+            {},
+            {}};
     }
-    if (named->second.size() != 1) return std::nullopt;
-    const Claimant& claimant = m_claimants[*named->second.begin()];
-    // Another package of the name may use the folder as well.
-    const std::string own = claimant.of.substr(0, claimant.of.find(':'));
-    if (packages != m_packages.end() &&
-        std::any_of(packages->second.begin(), packages->second.end(),
-                    [&](const std::string& each) { return each != own; }))
-        return std::nullopt;
-    return LeftoverVerdict{
-        claimant.of, LeftoverGrade::Likely, true,
-        fmt::format("it is named as the {}{}", small == lowered(own) ? "package " : "program of ",
-                    claimant.of)};
+    const std::size_t owner = *named->second.begin();
+    if (isClaimedBesides(small, owner)) return std::nullopt;
+    const Claimant& claimant = m_claimants[owner];
+    return verdictFor(
+        claimant, LeftoverGrade::Likely,
+        fmt::format("it is named as the {}{}",
+                    small == lowered(claimant.package) ? "package " : "program of ", claimant.of));
 }
 
 std::optional<LeftoverVerdict> LeftoverRules::verdict(LeftoverHome home,
                                                       std::string_view name) const {
     const std::string text(name);
+    if (isUnread(home)) return std::nullopt;
     if (home != LeftoverHome::Xdg) return ofId(home, text);
-    const auto byId = m_ids.count(text);
-    if (byId == 0) return ofName(text);
-    // What somebody else may say of the same name stands against it.
-    const auto named = m_names.find(lowered(text));
-    const std::size_t owner = m_ids.find(text)->second;
-    if (isShared(lowered(text)) ||
-        (named != m_names.end() && std::any_of(named->second.begin(), named->second.end(),
-                                               [&](std::size_t each) { return each != owner; })))
-        return std::nullopt;
-    const auto packages = m_packages.find(lowered(text));
-    if (packages != m_packages.end() && !packages->second.contains(m_claimants[owner].of))
-        return std::nullopt;
+    if (!m_ids.contains(text)) return ofName(text);
+    const std::string small = lowered(text);
+    if (isShared(small) || isClaimedBesides(small, m_ids.find(text)->second)) return std::nullopt;
     auto out = ofId(home, text);
     // A name without points, such as a desktop entry's "vim", is a program's rather than an
     // identifier.

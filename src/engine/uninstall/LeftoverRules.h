@@ -31,23 +31,34 @@ enum class LeftoverHome : std::uint8_t {
 /// What a machine has that may claim a folder.
 struct LeftoverClaims {
     std::vector<ApplicationRecord> installed;
-    std::vector<std::string> packages;     ///< names of all that is installed, applications or not
-    std::vector<std::string> formerNames;  ///< of packages that are not installed any more
+    ApplicationInventory rest;  ///< names of packages, and what could not be read
 
-    /// `apps` is an inventory of all kinds.
+    /// Both of one inventory.
     [[nodiscard]] static LeftoverClaims of(const AppItemsArray& apps,
-                                           const Applications& applications);
+                                           const ApplicationInventory& rest);
 };
+
+/// What stands for an application in the names of what it leaves: its package, else its id.
+[[nodiscard]] const std::string& nameLeftBy(const ApplicationRecord& record);
 
 struct LeftoverVerdict {
     std::string of;  ///< package or id of the one claimant
     LeftoverGrade grade = LeftoverGrade::Likely;
     bool isInstalled = false;
-    std::string reason;  ///< for people
+    std::string reason;                                ///< for people
+    ApplicationType ownerType = ApplicationType::App;  ///< where the claimant is installed
+    std::string ownerPath;                             ///< likewise, the path of its record
+
+    /// Whether this very application is the claimant; another of the same name is not.
+    [[nodiscard]] bool isOf(const ApplicationRecord& record) const {
+        return isInstalled && ownerType == record.type && ownerPath == record.path &&
+               of == nameLeftBy(record);
+    }
 };
 
 /// Made of one moment's claims; any thread may ask. A name of which two programs may say that it is
-/// theirs is neither's, and so is one that programs share.
+/// theirs is neither's, and so is one that programs share. Where not all that is installed could be
+/// read nobody knows how many claim a name, so that none is offered.
 class LeftoverRules final {
 public:
     explicit LeftoverRules(const LeftoverClaims& claims);
@@ -60,18 +71,28 @@ public:
 private:
     struct Claimant {
         std::string of;
+        std::string package;  // without its architecture; empty of other kinds
         ApplicationType type = ApplicationType::App;
         std::string path;
     };
+    using Indexes = std::map<std::string, std::set<std::size_t>>;  // by names in small letters
+
+    void add(const ApplicationRecord& record);
+    [[nodiscard]] bool isUnread(LeftoverHome home) const;
+    [[nodiscard]] bool isClaimedBesides(const std::string& small, std::size_t owner) const;
+    [[nodiscard]] LeftoverVerdict verdictFor(const Claimant& claimant, LeftoverGrade grade,
+                                             std::string reason) const;
     [[nodiscard]] std::optional<LeftoverVerdict> ofId(LeftoverHome home,
                                                       const std::string& name) const;
     [[nodiscard]] std::optional<LeftoverVerdict> ofName(const std::string& name) const;
 
     std::vector<Claimant> m_claimants;
-    std::multimap<std::string, std::size_t> m_ids;            // exact
-    std::map<std::string, std::set<std::size_t>> m_names;     // in small letters
-    std::map<std::string, std::set<std::string>> m_packages;  // in small letters, to names
+    std::multimap<std::string, std::size_t> m_ids;  // exact
+    Indexes m_names;                                // that a folder in the homes may have
+    Indexes m_rivals;  // names that speak for another application as well, and for none alone
+    std::map<std::string, std::vector<std::string>> m_packages;  // in small letters, to names
     std::set<std::string, std::less<>> m_former;
+    std::map<ApplicationType, std::string> m_unread;
 };
 
 }  // namespace orrinvale

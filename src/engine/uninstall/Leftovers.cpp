@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <utility>
 
 #include "engine/base/saturating.h"
@@ -25,9 +26,11 @@ struct Found {
 
 class Search final {
 public:
+    using Wish = std::function<bool(const LeftoverVerdict&, const std::string& name)>;
+
     Search(const FileSystem& files, const LeftoverPlaces& places, const LeftoverRules& rules,
-           const std::string& of, const std::atomic<bool>& stop)
-        : m_files(files), m_places(places), m_rules(rules), m_of(of), m_stop(stop) {}
+           const std::atomic<bool>& stop, Wish wish)
+        : m_files(files), m_places(places), m_rules(rules), m_stop(stop), m_wish(std::move(wish)) {}
 
     std::vector<Leftover> run() {
         for (const std::string& home : m_places.homes)
@@ -64,7 +67,7 @@ private:
 
     std::optional<LeftoverVerdict> wanted(LeftoverHome home, const std::string& name) const {
         auto verdict = m_rules.verdict(home, name);
-        if (verdict && !m_of.empty() && verdict->of != m_of && name != m_of) return std::nullopt;
+        if (verdict && !m_wish(*verdict, name)) return std::nullopt;
         return verdict;
     }
 
@@ -75,7 +78,9 @@ private:
             const auto verdict = wanted(home, program.name);
             if (!verdict) continue;
             const std::string path = joinPath(folder, program.name);
-            for (const Found& each : entriesOf(path)) {
+            const std::vector<Found> entries = entriesOf(path);
+            if (home == LeftoverHome::Snap && !isOfSnap(entries)) continue;
+            for (const Found& each : entries) {
                 LeftoverVerdict own = *verdict;
                 const bool isCache =
                     each.name == certain && each.attributes.type == FileType::Folder;
@@ -86,16 +91,20 @@ private:
         }
     }
 
+    // The folder for snaps lies open in the home, where a person may have one of that name.
+    static bool isOfSnap(const std::vector<Found>& entries) {
+        return std::ranges::any_of(entries, [](const Found& each) {
+            return each.name == "common" && each.attributes.type == FileType::Folder;
+        });
+    }
+
     void add(std::string path, const FileAttributes& seen, LeftoverVerdict verdict) {
         const bool holdsOthers =
             std::any_of(m_places.never.begin(), m_places.never.end(),
                         [&](const std::string& each) { return isWithin(each, path); });
         if (holdsOthers || m_stop) return;
         Leftover out;
-        out.of = std::move(verdict.of);
-        out.grade = verdict.grade;
-        out.reason = std::move(verdict.reason);
-        out.isInstalled = verdict.isInstalled;
+        static_cast<LeftoverVerdict&>(out) = std::move(verdict);
         out.identity = EntryIdentity::of(seen);
         out.path = std::move(path);
         out.bytes = countedSize(seen);
@@ -126,8 +135,8 @@ private:
     const FileSystem& m_files;
     const LeftoverPlaces& m_places;
     const LeftoverRules& m_rules;
-    const std::string& m_of;
     const std::atomic<bool>& m_stop;
+    const Wish m_wish;
     std::vector<Leftover> m_out;
 };
 
@@ -171,7 +180,19 @@ LeftoverPlaces LeftoverPlaces::of(const FolderVariables& variables, const Folder
 std::vector<Leftover> findLeftovers(const FileSystem& files, const LeftoverPlaces& places,
                                     const LeftoverRules& rules, const std::string& of,
                                     const std::atomic<bool>& stop) {
-    return Search(files, places, rules, of, stop).run();
+    return Search(files, places, rules, stop,
+                  [&](const auto& verdict, const std::string& name) {
+                      return of.empty() || verdict.of == of || name == of;
+                  })
+        .run();
+}
+
+std::vector<Leftover> findLeftoversOf(const FileSystem& files, const LeftoverPlaces& places,
+                                      const LeftoverRules& rules, const ApplicationRecord& record,
+                                      const std::atomic<bool>& stop) {
+    return Search(files, places, rules, stop,
+                  [&](const auto& verdict, const std::string&) { return verdict.isOf(record); })
+        .run();
 }
 
 }  // namespace orrinvale

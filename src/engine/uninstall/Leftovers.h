@@ -15,12 +15,8 @@ namespace orrinvale {
 
 class Folders;
 
-struct Leftover {
+struct Leftover : LeftoverVerdict {
     std::string path;  ///< exact bytes; absolute
-    std::string of;    ///< package or id of the program
-    LeftoverGrade grade = LeftoverGrade::Likely;
-    std::string reason;        ///< for people
-    bool isInstalled = false;  ///< its program still is
     EntryIdentity identity;
     std::uint64_t bytes = 0;
     std::uint64_t preciousCount = 0;    ///< documents, mail and databases found in it
@@ -39,12 +35,19 @@ struct LeftoverPlaces {
 
 /// What is there, in the order of the places and of names. Folders alone count, and of ~/.var/app
 /// and ~/snap what is in them; a link never does, nor a mount, nor what holds a folder that the
-/// person has for something else. With `of` only what this program left. A stop ends it early with
-/// what was found. Any thread.
+/// person has for something else. With `of` only what programs of this package or id left. A stop
+/// ends it early with what was found. Any thread.
 [[nodiscard]] std::vector<Leftover> findLeftovers(const FileSystem& files,
                                                   const LeftoverPlaces& places,
                                                   const LeftoverRules& rules, const std::string& of,
                                                   const std::atomic<bool>& stop);
+
+/// The same of this very application, and of none that bears its name.
+[[nodiscard]] std::vector<Leftover> findLeftoversOf(const FileSystem& files,
+                                                    const LeftoverPlaces& places,
+                                                    const LeftoverRules& rules,
+                                                    const ApplicationRecord& record,
+                                                    const std::atomic<bool>& stop);
 
 /// Whether a file of this name is worth a second look before it goes: a document, mail, a database.
 [[nodiscard]] bool isPreciousName(std::string_view name);

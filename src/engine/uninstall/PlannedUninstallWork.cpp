@@ -9,10 +9,6 @@
 namespace orrinvale {
 namespace {
 
-const std::string& nameLeftBy(const ApplicationRecord& record) {
-    return record.package.empty() ? record.id : record.package;
-}
-
 bool isSame(const ApplicationRecord& a, const ApplicationRecord& b) {
     return a.type == b.type && a.path == b.path && a.id == b.id && a.installation == b.installation;
 }
@@ -29,6 +25,12 @@ AppItemsArray putAmong(AppItemsArray& installed, const std::vector<AppItems>& it
     return out;
 }
 
+std::vector<const ApplicationRecord*> recordsOf(const std::vector<AppItems>& items) {
+    std::vector<const ApplicationRecord*> out;
+    for (const AppItems& each : items) out.push_back(each.record.get());
+    return out;
+}
+
 std::string joined(const std::vector<std::string>& lines) {
     std::string out;
     for (const std::string& each : lines) out += (out.empty() ? "" : "\n") + each;
@@ -37,25 +39,22 @@ std::string joined(const std::vector<std::string>& lines) {
 
 }  // namespace
 
-AppItemsArray PlannedUninstallWork::inventory() const {
-    const UninstallAppDelegate search(*m_parts.files, m_parts.home, m_parts.applications,
-                                      m_parts.root);
-    return std::move(UninstallAppInfo(search).allAppsInfo());
-}
-
 std::vector<UninstallForecast> PlannedUninstallWork::forecast(const std::vector<AppItems>& items,
                                                               const std::atomic<bool>& stop) {
-    AppItemsArray installed = inventory();
-    const LeftoverRules rules(LeftoverClaims::of(installed, *m_parts.applications));
+    UninstallAppInfo info(
+        UninstallAppDelegate(*m_parts.files, m_parts.home, m_parts.applications, m_parts.root));
+    AppItemsArray& installed = info.allAppsInfo();
+    const LeftoverRules rules(LeftoverClaims::of(installed, info.rest()));
     const AppItemsArray ticked = putAmong(installed, items);
     UninstallPlan plan = planUninstall(m_parts, ticked, installed, stop);
     std::vector<UninstallForecast> out(items.size());
+    const std::vector<RunState> running = m_parts.applications->running(recordsOf(items));
     bool isNoted = false;
     for (std::size_t i = 0; i < out.size(); ++i) {
         const UninstallPlan::App& app = plan.apps.at(i);
         // The one that never goes is tried like any other, and fails.
         if (!isNeverRemoved(items[i])) out[i].refusal = app.refusal;
-        out[i].running = running(*items[i].record);
+        out[i].running = running.at(i);
         if (!app.refusal.empty()) continue;
         out[i].goesAlong = app.along;
         for (const PlannedEntry& each : app.entries)
@@ -63,7 +62,7 @@ std::vector<UninstallForecast> PlannedUninstallWork::forecast(const std::vector<
         if (!std::exchange(isNoted, true)) out[i].note = joined(plan.stays);
         if (items[i].record->type != ApplicationType::App)
             out[i].leftovers =
-                findLeftovers(*m_parts.files, m_places, rules, nameLeftBy(*items[i].record), stop);
+                findLeftoversOf(*m_parts.files, m_places, rules, *items[i].record, stop);
     }
     const std::lock_guard guard(m_mutex);
     m_plan = std::move(plan);
@@ -84,7 +83,9 @@ std::vector<UninstallResult> PlannedUninstallWork::remove(
             return request.item.record == app.item->record;
         });
     };
-    std::erase_if(plan.apps, [&](const UninstallPlan::App& app) { return !isWanted(app); });
+    // They stay in the plan: a copy that is not asked for keeps what both have.
+    for (UninstallPlan::App& app : plan.apps)
+        if (!isWanted(app)) app.refusal = "nobody asked for it";
     for (const UninstallRequest& each : requests)
         leftovers.insert(leftovers.end(), each.leftovers.begin(), each.leftovers.end());
     const UninstallOutcome outcome =
@@ -96,6 +97,7 @@ std::vector<UninstallResult> PlannedUninstallWork::remove(
             if (each.item->record != requests[i].item.record) continue;
             out[i].isGone = each.removal.state == ApplicationRemoval::State::Gone;
             out[i].reason = each.removal.reason;
+            out[i].note = each.removal.note;
             if (out[i].isGone) out[i].gained = requests[i].item.fileSizeNum;
         }
     if (!out.empty())

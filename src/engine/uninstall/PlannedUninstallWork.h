@@ -34,8 +34,6 @@ public:
     [[nodiscard]] RunState running(const ApplicationRecord& record) override;
 
 private:
-    [[nodiscard]] AppItemsArray inventory() const;
-
     const UninstallParts m_parts;
     const LeftoverPlaces m_places;
     const UninstallDoors m_doors;

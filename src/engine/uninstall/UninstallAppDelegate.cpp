@@ -108,7 +108,7 @@ std::shared_ptr<AppItems> UninstallAppDelegate::itemOf(ApplicationRecord record)
     return item;
 }
 
-void UninstallAppDelegate::getAppInfo(AppItemsArray* array) const {
+void UninstallAppDelegate::getAppInfo(AppItemsArray* array, ApplicationInventory* rest) const {
     if (array == nullptr) return;
     std::vector<std::string> paths;
     for (const char* const folder :
@@ -117,8 +117,10 @@ void UninstallAppDelegate::getAppInfo(AppItemsArray* array) const {
     applicationsInDirectory(joinPath(m_home, "Applications"), paths);
     for (const std::string& path : paths) array->push_back(constructAppItem(path));
     if (m_applications == nullptr) return;
-    for (ApplicationRecord& each : m_applications->list())
-        array->push_back(itemOf(std::move(each)));
+    ApplicationInventory found = m_applications->inventory();
+    for (ApplicationRecord& each : found.records) array->push_back(itemOf(std::move(each)));
+    found.records.clear();
+    if (rest != nullptr) *rest = std::move(found);
 }
 
 }  // namespace orrinvale

@@ -24,8 +24,9 @@ public:
           m_root(std::move(root)) {}
 
     /// Adds all applications: bundles in the order of the four folders and of their listings, then
-    /// the other kinds in theirs. Does nothing for null.
-    void getAppInfo(AppItemsArray* array) const;
+    /// the other kinds in theirs. Does nothing for null. What the kinds tell besides goes to
+    /// `rest`, which may be null; it has no records.
+    void getAppInfo(AppItemsArray* array, ApplicationInventory* rest = nullptr) const;
 
     /// Adds the paths of the bundles in a folder: of each folder, links followed, whose extension
     /// is exactly "app". Other folders are searched in turn, at any depth, each once, so that links

@@ -11,14 +11,17 @@ public:
     explicit UninstallAppInfo(const UninstallAppDelegate& search) {
         constexpr std::size_t usual = 100;
         m_allAppsInfo.reserve(usual);
-        search.getAppInfo(&m_allAppsInfo);
+        search.getAppInfo(&m_allAppsInfo, &m_rest);
     }
 
     [[nodiscard]] AppItemsArray& allAppsInfo() { return m_allAppsInfo; }
+    /// Packages that are no applications, and what could not be read.
+    [[nodiscard]] const ApplicationInventory& rest() const { return m_rest; }
     void setAllAppsInfo(AppItemsArray apps) { m_allAppsInfo = std::move(apps); }
 
 private:
     AppItemsArray m_allAppsInfo;
+    ApplicationInventory m_rest;
 };
 
 }  // namespace orrinvale

@@ -4,10 +4,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <future>
 #include <utility>
 
 #include "engine/files/TreeSize.h"
 #include "platform/files.h"
+#include "platform/paths.h"
 
 namespace orrinvale {
 namespace {
@@ -22,25 +24,51 @@ std::vector<PlannedEntry> entriesAt(const FileSystem& files,
     return out;
 }
 
-// Of each bundle that is not among those that go.
-std::vector<std::string> identifiersThatStay(const AppItemsArray& ticked,
-                                             const AppItemsArray& all) {
+bool isBundle(const AppItems& item) { return item.record->type == ApplicationType::App; }
+
+// All that may claim what begins with this bundle's identifier: every other bundle with a longer
+// one, whether it goes or stays, since each takes its own; of its copies those that stay, and those
+// that go after it.
+std::vector<std::string> otherIdentifiers(const UninstallPlan& plan, std::size_t index,
+                                          const AppItemsArray& all) {
+    const auto& own = plan.apps[index].item;
     std::vector<std::string> out;
-    for (const auto& each : all)
-        if (each->record->type == ApplicationType::App && each->bundleID &&
-            std::find(ticked.begin(), ticked.end(), each) == ticked.end())
-            out.push_back(*each->bundleID);
+    for (const auto& each : all) {
+        if (!isBundle(*each) || !each->bundleID || each == own) continue;
+        const auto ticked = std::ranges::find(plan.apps, each, &UninstallPlan::App::item);
+        const bool goesBefore = ticked != plan.apps.end() && ticked->refusal.empty() &&
+                                ticked < plan.apps.begin() + std::ptrdiff_t(index);
+        if (!goesBefore || each->bundleID != own->bundleID) out.push_back(*each->bundleID);
+    }
     return out;
 }
 
-void planKind(const UninstallParts& parts, const ApplicationKind& kind, UninstallPlan& plan,
-              const std::vector<std::size_t>& indexes, const std::atomic<bool>& stop) {
+// What another application consists of does not go with a folder.
+std::string refusalByOthers(const ApplicationRecord& folder, const AppItemsArray& all) {
+    for (const auto& each : all) {
+        const ApplicationRecord& other = *each->record;
+        const bool isSame = other.type == folder.type && other.path == folder.path;
+        const auto isInside = [&](const std::string& path) { return isWithin(path, folder.path); };
+        if (!isSame && (isInside(other.path) || std::ranges::any_of(other.programs, isInside)))
+            return fmt::format("{} lies in its folder", other.name);
+    }
+    return {};
+}
+
+std::vector<ApplicationRecord> recordsOf(const UninstallPlan& plan,
+                                         const std::vector<std::size_t>& indexes) {
     std::vector<ApplicationRecord> records;
     for (const std::size_t index : indexes) records.push_back(*plan.apps[index].item->record);
-    RemovalForecast forecast = kind.forecast(records, stop);
+    return records;
+}
+
+void take(const UninstallParts& parts, ApplicationType type, RemovalForecast forecast,
+          const std::vector<std::size_t>& indexes, UninstallPlan& plan) {
     for (std::size_t i = 0; i < indexes.size(); ++i) {
         UninstallPlan::App& app = plan.apps[indexes[i]];
         if (app.refusal.empty()) app.refusal = forecast.refusal;
+        if (const auto own = forecast.refusals.find(i); own != forecast.refusals.end())
+            app.refusal = own->second;
         if (i < forecast.trash.size()) app.entries = entriesAt(*parts.files, forecast.trash[i]);
         for (const auto& along : forecast.along)
             if (along.of == i)
@@ -51,7 +79,28 @@ void planKind(const UninstallParts& parts, const ApplicationKind& kind, Uninstal
         plan.asksForRight |= forecast.asksForRight;
         plan.stays.insert(plan.stays.end(), forecast.stays.begin(), forecast.stays.end());
     }
-    plan.forecasts[kind.type()] = std::move(forecast);
+    plan.forecasts[type] = std::move(forecast);
+}
+
+// A kind that waits for its service holds no other up.
+void planKinds(const UninstallParts& parts,
+               const std::map<ApplicationType, std::vector<std::size_t>>& byType,
+               const Waiting& waiting, UninstallPlan& plan) {
+    std::map<ApplicationType, std::future<RemovalForecast>> forecasts;
+    for (const auto& [type, indexes] : byType) {
+        const ApplicationKind* const kind =
+            parts.applications == nullptr ? nullptr : parts.applications->kind(type);
+        if (kind == nullptr)
+            for (const std::size_t index : indexes)
+                plan.apps[index].refusal = "Nothing here removes its kind";
+        else
+            forecasts[type] = std::async(std::launch::async,
+                                         [kind, &waiting, records = recordsOf(plan, indexes)] {
+                                             return kind->forecast(records, waiting);
+                                         });
+    }
+    for (auto& [type, forecast] : forecasts)
+        take(parts, type, forecast.get(), byType.at(type), plan);
 }
 
 }  // namespace
@@ -66,10 +115,8 @@ bool isNeverRemoved(const AppItems& app) {
 }
 
 UninstallPlan planUninstall(const UninstallParts& parts, const AppItemsArray& ticked,
-                            const AppItemsArray& all, const std::atomic<bool>& stop) {
+                            const AppItemsArray& all, const Waiting& waiting) {
     UninstallPlan plan;
-    const UninstallApp bundles(*parts.files, parts.home, identifiersThatStay(ticked, all),
-                               parts.root);
     std::map<ApplicationType, std::vector<std::size_t>> byType;
     for (const auto& each : ticked) {
         UninstallPlan::App& app = plan.apps.emplace_back();
@@ -77,17 +124,17 @@ UninstallPlan planUninstall(const UninstallParts& parts, const AppItemsArray& ti
         if (isNeverRemoved(*each)) app.refusal = fmt::format("{} is never removed", each->name);
         else if (each->record->isOurs)
             app.refusal = fmt::format("{} is the program that runs", each->name);
-        else if (each->record->type == ApplicationType::App) app.entries = bundles.planOf(*each);
-        else byType[each->record->type].push_back(plan.apps.size() - 1);
+        else if (each->record->type == ApplicationType::Folder)
+            app.refusal = refusalByOthers(*each->record, all);
+        if (app.refusal.empty() && !isBundle(*each))
+            byType[each->record->type].push_back(plan.apps.size() - 1);
     }
-    for (const auto& [type, indexes] : byType) {
-        const ApplicationKind* const kind =
-            parts.applications == nullptr ? nullptr : parts.applications->kind(type);
-        if (kind != nullptr) planKind(parts, *kind, plan, indexes, stop);
-        else
-            for (const std::size_t index : indexes)
-                plan.apps[index].refusal = "Nothing here removes its kind";
-    }
+    for (std::size_t i = 0; i < plan.apps.size(); ++i)
+        if (isBundle(*plan.apps[i].item) && plan.apps[i].refusal.empty())
+            plan.apps[i].entries =
+                UninstallApp(*parts.files, parts.home, otherIdentifiers(plan, i, all), parts.root)
+                    .planOf(*plan.apps[i].item);
+    planKinds(parts, byType, waiting, plan);
     return plan;
 }
 

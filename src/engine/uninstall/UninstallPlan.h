@@ -26,7 +26,8 @@ struct UninstallParts {
 struct UninstallPlan {
     struct App {
         std::shared_ptr<AppItems> item;
-        std::vector<PlannedEntry> entries;  ///< that go one by one; none where its kind removes it
+        std::vector<PlannedEntry> entries;  ///< that go one by one, of a bundle itself the last;
+                                            ///< none where its kind removes it
         std::vector<std::string> along;     ///< further packages that it takes along
         std::string refusal;                ///< why it stays; empty when it may go
     };
@@ -39,10 +40,11 @@ struct UninstallPlan {
     [[nodiscard]] bool hasWork() const;
 };
 
-/// Simulates; waits for services up to some ten seconds each. `all` are all that are installed: of
-/// bundles that stay the identifiers keep what is theirs. Any thread.
+/// Simulates, all kinds at the same time. `all` are all that are installed: what another bundle's
+/// identifier claims goes with that bundle, or stays with it, and of copies with the last of them.
+/// A folder in which another application lies stays. Any thread.
 [[nodiscard]] UninstallPlan planUninstall(const UninstallParts& parts, const AppItemsArray& ticked,
-                                          const AppItemsArray& all, const std::atomic<bool>& stop);
+                                          const AppItemsArray& all, const Waiting& waiting);
 
 /// What the details sheet tells, with the size measured now; nothing for what can not be measured.
 [[nodiscard]] ApplicationDetails detailsOf(const UninstallParts& parts, const AppItems& app);

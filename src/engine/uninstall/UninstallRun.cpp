@@ -21,7 +21,8 @@ public:
         : m_parts(parts), m_plan(plan), m_doors(doors), m_stop(stop), m_begins(begins) {
         for (const UninstallPlan::App& each : plan.apps)
             m_outcome.apps.push_back(
-                {each.item, {each.refusal.empty() ? State::Failed : State::Refused, each.refusal}});
+                {each.item,
+                 {each.refusal.empty() ? State::Failed : State::Refused, each.refusal, {}}});
     }
 
     UninstallOutcome run(const std::vector<Leftover>& leftovers) {
@@ -46,12 +47,13 @@ private:
     }
 
     // Goes through the entries of an application to the first that stays.
-    void removeEntries(std::size_t index, RemovalDoor& door) {
+    void removeEntries(std::size_t index, const std::vector<PlannedEntry>& entries,
+                       RemovalDoor& door) {
         tell(index);
         ApplicationRemoval& removal = m_outcome.apps[index].removal;
-        if (UninstallApp::uninstallApp(*m_plan.apps[index].item, m_plan.apps[index].entries, door,
-                                       m_stop, &removal.reason))
-            removal = {State::Gone, {}};
+        if (UninstallApp::uninstallApp(*m_plan.apps[index].item, entries, door, m_stop,
+                                       &removal.reason))
+            removal = {State::Gone, {}, {}};
         else Log::line("uninstall can not work!");
     }
 
@@ -60,8 +62,21 @@ private:
         for (std::size_t i = 0; i < m_plan.apps.size(); ++i) {
             if (typeOf(i) != ApplicationType::App || !isOpen(i)) continue;
             if (!door) door = m_doors.bundles();
-            removeEntries(i, *door);
+            const std::vector<PlannedEntry>& entries = m_plan.apps[i].entries;
+            if (entries.empty() || !hasCopyThatStays(i)) removeEntries(i, entries, *door);
+            else removeEntries(i, {entries.back()}, *door);
         }
+    }
+
+    // What is left in the libraries then is that copy's.
+    [[nodiscard]] bool hasCopyThatStays(std::size_t index) const {
+        const auto& identifier = m_plan.apps[index].item->bundleID;
+        for (std::size_t i = 0; i < m_plan.apps.size(); ++i)
+            if (i != index && typeOf(i) == ApplicationType::App &&
+                m_plan.apps[i].item->bundleID == identifier &&
+                m_outcome.apps[i].removal.state != State::Gone && (i < index || !isOpen(i)))
+                return true;
+        return false;
     }
 
     void removeKind(ApplicationType type) {
@@ -88,7 +103,7 @@ private:
         for (std::size_t i = 0; i < m_plan.apps.size(); ++i) {
             const bool isTrash =
                 typeOf(i) == ApplicationType::AppImage || typeOf(i) == ApplicationType::Folder;
-            if (isTrash && isOpen(i)) removeEntries(i, trash());
+            if (isTrash && isOpen(i)) removeEntries(i, m_plan.apps[i].entries, trash());
         }
     }
 
@@ -96,9 +111,7 @@ private:
     [[nodiscard]] bool hasOwner(const Leftover& leftover) const {
         return leftover.isInstalled &&
                std::none_of(m_outcome.apps.begin(), m_outcome.apps.end(), [&](const auto& each) {
-                   const ApplicationRecord& record = *each.item->record;
-                   const std::string& name = record.package.empty() ? record.id : record.package;
-                   return each.removal.state == State::Gone && name == leftover.of;
+                   return each.removal.state == State::Gone && leftover.isOf(*each.item->record);
                });
     }
 

@@ -36,6 +36,7 @@ struct UninstallRequest {
 struct UninstallResult {
     bool isGone = false;
     std::string reason;  ///< why it stays; for people
+    std::string note;    ///< what a person wants to know even where it is gone
     std::uint64_t gained = 0;
     struct Stayed {
         std::string path, reason;

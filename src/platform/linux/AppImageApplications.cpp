@@ -2,11 +2,12 @@
 // alone decide which of many downloads are looked at.
 #include "platform/linux/AppImageApplications.h"
 
+#include <fmt/format.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <set>
+#include <map>
 #include <utility>
 
 #include "platform/linux/AppImageFile.h"
@@ -35,6 +36,11 @@ std::optional<FileFacts> factsOf(const std::string& path) {
                      seen.st_uid == ::getuid()};
 }
 
+bool isLink(const std::string& path) {
+    struct stat seen {};
+    return ::lstat(path.c_str(), &seen) == 0 && S_ISLNK(seen.st_mode);
+}
+
 bool isCalledAppImage(const std::string& name) {
     return equalIgnoringCase(pathExtension(name), "appimage");
 }
@@ -56,7 +62,7 @@ std::optional<ApplicationRecord> AppImageApplications::recordOf(const std::strin
     record.type = ApplicationType::AppImage;
     record.path = path;
     record.name = record.id = nameOf(path);
-    record.programs = {path};
+    record.programs = {withoutLinks(path)};
     record.installed = madeAt(path);
     if (const auto facts = factsOf(path)) record.isPersons = facts->isOwn;
     if (image.entry) {
@@ -67,47 +73,92 @@ std::optional<ApplicationRecord> AppImageApplications::recordOf(const std::strin
     return record;
 }
 
-std::vector<ApplicationRecord> AppImageApplications::list(
-    std::vector<StartingEntry>& entries) const {
-    std::vector<std::string> candidates;
-    for (const std::string& folder : m_places.appImageFolders)
-        for (const std::string& name : systemNamesIn(folder)) {
-            std::string path = withoutLinks(joinPath(folder, name));
+// The file itself where it lies in one of the folders. What lies elsewhere is left alone, and the
+// link to it goes.
+std::string AppImageApplications::pathThatGoes(const std::string& found) const {
+    const std::string folder = withoutLinks(folderOf(found));
+    const std::string home = withoutLinks(m_places.home);
+    const bool isHomes = isWithin(found, m_places.home);
+    const std::string spelled = isHomes ? home + found.substr(m_places.home.size())
+                                        : found;  // a home may lie behind a link
+    if (folder != folderOf(spelled) && !isPlace(folder)) return found;
+    std::string real = withoutLinks(found);
+    return isPlace(folderOf(real)) ? real : joinPath(folder, lastPathComponent(found));
+}
+
+bool AppImageApplications::isPlace(const std::string& folder) const {
+    return std::any_of(m_places.appImageFolders.begin(), m_places.appImageFolders.end(),
+                       [&](const std::string& each) { return withoutLinks(each) == folder; });
+}
+
+// As they are found, what lies in the folders before what entries start.
+std::vector<std::string> AppImageApplications::candidatesIn(
+    const std::vector<StartingEntry>& entries) const {
+    std::vector<std::string> out;
+    for (const std::string& folder : m_places.appImageFolders) {
+        std::vector<std::string> names = systemNamesIn(folder);
+        std::sort(names.begin(), names.end());
+        for (const std::string& name : names) {
+            std::string path = joinPath(folder, name);
             const auto facts = factsOf(path);
             if (facts && (facts->isProgram || isCalledAppImage(name)))
-                candidates.push_back(std::move(path));
+                out.push_back(std::move(path));
         }
-    for (const StartingEntry& each : entries)
-        if (!each.isClaimed && !each.file.empty()) candidates.push_back(each.file);
-    std::sort(candidates.begin(), candidates.end());
-
-    std::vector<ApplicationRecord> out;
-    std::set<std::pair<dev_t, ino_t>> seen;
-    for (const std::string& path : candidates) {
-        const auto facts = factsOf(path);
-        if (!facts || !seen.insert(facts->identity).second) continue;
-        if (auto record = recordOf(path)) out.push_back(std::move(*record));
     }
-    for (StartingEntry& each : entries)
-        for (ApplicationRecord& record : out)
-            if (!each.isClaimed && each.file == record.path) {
-                each.isClaimed = true;
-                if (record.entries.empty()) record.id = each.id;
-                record.entries.push_back(each.path);
-            }
+    for (const StartingEntry& each : entries)
+        if (!each.isClaimed && !each.program.empty()) out.push_back(each.program);
     return out;
+}
+
+void AppImageApplications::list(std::vector<StartingEntry>& entries,
+                                ApplicationInventory& out) const {
+    std::map<std::pair<dev_t, ino_t>, ApplicationRecord> found;
+    std::vector<std::pair<dev_t, ino_t>> order;
+    for (const std::string& candidate : candidatesIn(entries)) {
+        const auto facts = factsOf(candidate);
+        if (!facts) continue;
+        const std::string path = pathThatGoes(candidate);
+        const std::string link =
+            joinPath(withoutLinks(folderOf(candidate)), lastPathComponent(candidate));
+        const auto known = found.find(facts->identity);
+        ApplicationRecord* record = known == found.end() ? nullptr : &known->second;
+        if (record == nullptr) {
+            auto made = recordOf(path);
+            if (!made) continue;
+            order.push_back(facts->identity);
+            record = &found.emplace(facts->identity, std::move(*made)).first->second;
+        }
+        if (link != record->path && isLink(link) && isPlace(folderOf(link)) &&
+            std::find(record->links.begin(), record->links.end(), link) == record->links.end())
+            record->links.push_back(link);
+    }
+    for (StartingEntry& each : entries) {
+        const auto facts = each.isClaimed || each.file.empty() ? std::nullopt : factsOf(each.file);
+        const auto record = facts ? found.find(facts->identity) : found.end();
+        if (record == found.end()) continue;
+        each.isClaimed = true;
+        if (record->second.entries.empty()) record->second.id = each.id;
+        record->second.entries.push_back(each.path);
+    }
+    for (const auto& each : order) out.records.push_back(std::move(found.at(each)));
 }
 
 ApplicationDetails AppImageApplications::details(const ApplicationRecord& record) const {
     ApplicationDetails out;
-    if (const auto facts = factsOf(record.path)) out.bytes = facts->bytes;
+    if (isLink(record.path)) out.bytes = 0;
+    else if (const auto facts = factsOf(record.path)) out.bytes = facts->bytes;
     out.lastUse = lastReadAt(record.path);
     return out;
 }
 
 RemovalForecast AppImageApplications::forecast(const std::vector<ApplicationRecord>& records,
-                                               const std::atomic<bool>& /*stop*/) const {
-    return forecastOfTrash(records);
+                                               const Waiting& /*waiting*/) const {
+    RemovalForecast out = forecastOfTrash(records, m_places);
+    for (const ApplicationRecord& each : records)
+        if (isLink(each.path))
+            out.stays.push_back(
+                fmt::format("{} stays: {} is a link to it", withoutLinks(each.path), each.path));
+    return out;
 }
 
 }  // namespace orrinvale

@@ -41,6 +41,23 @@ std::string locale() {
     return {};
 }
 
+// flatpak-installation(5): each file of a folder names the path of one in a line of its own.
+void addInstallations(std::vector<std::string>& installations) {
+    constexpr std::string_view key = "Path=";
+    constexpr std::size_t limit = std::size_t{64} * 1024;
+    const std::string chosen = variable("FLATPAK_CONFIG_DIR");
+    const std::string folder =
+        joinPath(chosen.empty() ? "/etc/flatpak" : chosen, "installations.d");
+    for (const std::string& name : systemNamesIn(folder)) {
+        const auto text = readRegularFile(joinPath(folder, name), limit);
+        for (std::string_view rest = text ? *text : std::string_view(); !rest.empty();) {
+            const std::string_view line = rest.substr(0, rest.find('\n'));
+            rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+            if (line.starts_with(key)) addFolders(installations, line.substr(key.size()));
+        }
+    }
+}
+
 std::int64_t nanoseconds(const struct statx_timestamp& time) {
     return time.tv_sec * 1'000'000'000 + time.tv_nsec;
 }
@@ -77,10 +94,12 @@ ApplicationPlaces ApplicationPlaces::ofThisMachine(const FolderVariables& variab
     const std::string shared = variable("FLATPAK_SYSTEM_DIR");
     out.flatpaks = {own.empty() ? joinPath(out.dataHome, "flatpak") : own,
                     shared.empty() ? "/var/lib/flatpak" : shared};
+    addInstallations(out.flatpaks);
     const std::string runtime = variable("XDG_RUNTIME_DIR");
     out.flatpakInstances = joinPath(
         runtime.empty() ? "/run/user/" + std::to_string(variables.user) : runtime, ".flatpak");
     out.snapSocket = "/run/snapd.socket";
+    out.snapFolder = "/snap";
     for (const char* const name :
          {"Applications", "AppImages", ".local/bin", "Downloads", "Desktop"})
         out.appImageFolders.push_back(joinPath(home, name));
@@ -88,6 +107,13 @@ ApplicationPlaces ApplicationPlaces::ofThisMachine(const FolderVariables& variab
     out.folderHolders = {"/opt", joinPath(home, ".local/opt"), joinPath(home, "Applications")};
     out.processes = "/proc";
     out.ownProgram = ownExecutable();
+    for (const std::string& folder : out.dataFolders)
+        for (const char* const kind : {"xsessions", "wayland-sessions"})
+            out.sessionFolders.push_back(joinPath(folder, kind));
+    out.displayManagerUnit = "/etc/systemd/system/display-manager.service";
+    out.displayManagerFile = "/etc/X11/default-display-manager";
+    if (const std::string display = variable("WAYLAND_DISPLAY"); !display.empty())
+        out.displaySocket = display.starts_with('/') ? display : joinPath(runtime, display);
     return out;
 }
 

@@ -21,13 +21,19 @@ struct ApplicationPlaces {
     std::vector<std::string> programFolders;  ///< where programs are looked for
     std::vector<std::string> languages;       ///< "de_AT@euro", "de_AT", "de@euro", "de"
     std::string dpkg;
-    std::vector<std::string> flatpaks;  ///< installations, this person's own first
+    std::vector<std::string> flatpaks;  ///< installations: this person's own, the usual shared one,
+                                        ///< and what the administrator has added
     std::string flatpakInstances;
     std::string snapSocket;
+    std::string snapFolder;  ///< /snap
     std::vector<std::string> appImageFolders;
-    std::vector<std::string> folderHolders;  ///< whose folders are plain applications
-    std::string processes;                   ///< /proc
-    std::string ownProgram;                  ///< the path of this program
+    std::vector<std::string> folderHolders;   ///< whose folders are plain applications
+    std::string processes;                    ///< /proc
+    std::string ownProgram;                   ///< the path of this program
+    std::vector<std::string> sessionFolders;  ///< entries of the desktops that can be logged in to
+    std::string displayManagerUnit;           ///< a link to the unit of what people log in by
+    std::string displayManagerFile;           ///< says the path of its program
+    std::string displaySocket;                ///< of this session's compositor; empty without one
 
     [[nodiscard]] static ApplicationPlaces ofThisMachine(
         const FolderVariables& variables = FolderVariables::ofThisProcess());

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <utility>
 
 #include "platform/linux/DesktopEntries.h"
@@ -26,12 +27,14 @@ struct Owner {
     bool hasEntry = false;
 };
 
+// One for each entry, and the owner of our own program behind them: the lists are read once.
 std::vector<Owner> ownersOf(const std::vector<StartingEntry>& entries,
-                            const DpkgDatabase& database) {
+                            const std::string& ownProgram, const DpkgDatabase& database) {
     std::vector<std::string> asked;
     for (const StartingEntry& each : entries)
         for (const std::string* const path : {&each.program, &each.file, &each.path})
             asked.push_back(*path);
+    asked.push_back(ownProgram);
     const auto owners = database.ownersOf(asked);
     std::vector<Owner> out(entries.size());
     for (std::size_t i = 0; i < entries.size(); ++i) {
@@ -46,7 +49,20 @@ std::vector<Owner> ownersOf(const std::vector<StartingEntry>& entries,
                                               : entry;
         out[i].hasEntry = out[i].package != nullptr && out[i].package == entry;
     }
+    out.push_back({owners.back(), false});
     return out;
+}
+
+void addNames(const DpkgDatabase& database, ApplicationInventory& out) {
+    std::set<std::string_view> there;
+    for (const DpkgPackage& each : database.packages())
+        if (each.isThere()) {
+            out.packages.emplace_back(each.name);
+            there.insert(each.name);
+        }
+    for (const DpkgPackage& each : database.packages())
+        if (each.state == DpkgPackage::State::Removed && !there.contains(each.name))
+            out.formerNames.emplace_back(each.name);
 }
 
 struct Found {
@@ -78,18 +94,22 @@ bool isSystem(const DpkgDatabase& database, const DpkgPackage& package) {
                        [](const DpkgPackage* each) { return each->isNeeded; });
 }
 
-// "vim", or "wine32:i386" where the name alone would mean another architecture's.
+// "vim", or "wine32:i386" of another architecture than the machine's.
 std::string keyOf(const DpkgDatabase& database, const DpkgPackage& package) {
-    if (database.installed(package.name) == &package) return std::string(package.name);
+    const std::string_view own = database.ownArchitecture();
+    if (own.empty() || package.architecture == own || package.architecture == "all")
+        return std::string(package.name);
     return std::string(package.name) + ':' + std::string(package.architecture);
 }
 
 }  // namespace
 
-std::vector<ApplicationRecord> DebApplications::list(std::vector<StartingEntry>& entries) const {
+void DebApplications::list(std::vector<StartingEntry>& entries, ApplicationInventory& out) const {
     const DpkgDatabase database(m_places.dpkg);
-    if (database.packages().empty()) return {};
-    const std::vector<Owner> owners = ownersOf(entries, database);
+    if (!database.obstacle().empty()) out.unread[type()] = database.obstacle();
+    if (database.packages().empty()) return;
+    addNames(database, out);
+    const std::vector<Owner> owners = ownersOf(entries, m_places.ownProgram, database);
     std::vector<const DpkgPackage*> order;
     std::map<const DpkgPackage*, Found> found;
     for (std::size_t i = 0; i < entries.size(); ++i) {
@@ -98,8 +118,6 @@ std::vector<ApplicationRecord> DebApplications::list(std::vector<StartingEntry>&
         if (!found.contains(package)) order.push_back(package);
         add(found[package], entries[i], owners[i]);
     }
-    const auto own = database.ownersOf({m_places.ownProgram});
-    std::vector<ApplicationRecord> out;
     for (const DpkgPackage* const package : order) {
         ApplicationRecord& record = found[package].record;
         record.type = ApplicationType::Deb;
@@ -107,39 +125,28 @@ std::vector<ApplicationRecord> DebApplications::list(std::vector<StartingEntry>&
         record.version = package->version;
         record.installed = database.installedAt(*package);
         record.isSystem = isSystem(database, *package);
-        record.isOurs = package == own.front() || package->name == "orrinvale";
-        out.push_back(std::move(record));
+        record.isOurs = package == owners.back().package || package->name == "orrinvale";
+        out.records.push_back(std::move(record));
     }
+}
+
+std::vector<std::string> DebApplications::configurationOf(const DpkgDatabase& database,
+                                                          const ApplicationRecord& record) {
+    std::vector<std::string> out;
+    if (const DpkgPackage* const package = database.installed(record.package))
+        for (std::string& each : database.conffilesOf(*package))
+            if (each.starts_with("/etc/")) out.push_back(std::move(each));
     return out;
 }
 
 ApplicationDetails DebApplications::details(const ApplicationRecord& record) const {
     ApplicationDetails out;
     const DpkgDatabase database(m_places.dpkg);
-    if (const DpkgPackage* const package = database.installed(record.package)) {
+    if (const DpkgPackage* const package = database.installed(record.package))
         out.bytes = package->installedSize;
-        for (std::string& each : database.conffilesOf(*package))
-            if (each.starts_with("/etc/")) out.configuration.push_back(std::move(each));
-    }
+    out.configuration = configurationOf(database, record);
     for (const std::string& each : record.programs)
         out.lastUse = std::max(out.lastUse, lastReadAt(each));
-    return out;
-}
-
-std::vector<std::string> DebApplications::packageNames() const {
-    const DpkgDatabase database(m_places.dpkg);
-    std::vector<std::string> out;
-    for (const DpkgPackage& each : database.packages())
-        if (each.state == DpkgPackage::State::Installed) out.emplace_back(each.name);
-    return out;
-}
-
-std::vector<std::string> DebApplications::formerNames() const {
-    const DpkgDatabase database(m_places.dpkg);
-    std::vector<std::string> out;
-    for (const DpkgPackage& each : database.packages())
-        if (each.state == DpkgPackage::State::Removed && database.installed(each.name) == nullptr)
-            out.emplace_back(each.name);
     return out;
 }
 

@@ -16,21 +16,23 @@ public:
     explicit DebApplications(const ApplicationPlaces& places) : m_places(places) {}
 
     [[nodiscard]] ApplicationType type() const override { return ApplicationType::Deb; }
-    [[nodiscard]] std::vector<ApplicationRecord> list(
-        std::vector<StartingEntry>& entries) const override;
+    void list(std::vector<StartingEntry>& entries, ApplicationInventory& out) const override;
     /// The size is the one that the package says; within 5 % of what it takes, measured.
     [[nodiscard]] ApplicationDetails details(const ApplicationRecord& record) const override;
-    /// One transaction for all. Refused is what people log in by, work on or ask for rights by, and
-    /// what the system needs.
+    /// One transaction for all. Refused is what people log in by, work on or ask for rights by,
+    /// what the system needs, and a transaction that would do more than remove.
     [[nodiscard]] RemovalForecast forecast(const std::vector<ApplicationRecord>& records,
-                                           const std::atomic<bool>& stop) const override;
+                                           const Waiting& waiting) const override;
+    /// Gone is what dpkg's own files do not have any more. Stopped is a transaction that the
+    /// service still lets go of; of another the note says that it went on.
     [[nodiscard]] std::vector<ApplicationRemoval> remove(
         const std::vector<ApplicationRecord>& records, const RemovalForecast& forecast,
         const std::atomic<bool>& stop) const override;
-    [[nodiscard]] std::vector<std::string> packageNames() const override;
-    [[nodiscard]] std::vector<std::string> formerNames() const override;
 
 private:
+    [[nodiscard]] static std::vector<std::string> configurationOf(const DpkgDatabase& database,
+                                                                  const ApplicationRecord& record);
+
     const ApplicationPlaces& m_places;
 };
 

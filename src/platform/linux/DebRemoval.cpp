@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/linux/DebApplications.h"
+#include "platform/linux/PackageFoundations.h"
 #include "platform/linux/PackageService.h"
 
 namespace orrinvale {
@@ -14,84 +15,6 @@ namespace {
 
 using End = PackageCourse::End;
 using State = ApplicationRemoval::State;
-
-constexpr std::chrono::milliseconds patience(10'000);
-
-// What the person would sit before without the package. A name that ends in a star stands for all
-// that begin with it.
-struct Foundation {
-    std::string_view name;
-    std::string_view why;
-};
-constexpr std::string_view session = "the desktop runs on it";
-constexpr std::string_view login = "people log in by it";
-constexpr std::string_view network = "the network is set up by it";
-constexpr std::string_view rights = "rights are asked for by it";
-constexpr std::array foundations{
-    Foundation{"packagekit", "packages are removed by it"},
-    Foundation{"polkitd*", rights},
-    Foundation{"policykit-1", rights},
-    Foundation{"pkexec", rights},
-    Foundation{"sudo", rights},
-    Foundation{"orrinvale", "it is the program that runs"},
-    Foundation{"network-manager", network},
-    Foundation{"connman", network},
-    Foundation{"wpasupplicant", network},
-    Foundation{"iwd", network},
-    Foundation{"ifupdown", network},
-    Foundation{"netplan.io", network},
-    Foundation{"dhcpcd*", network},
-    Foundation{"isc-dhcp-client", network},
-    Foundation{"gdm3", login},
-    Foundation{"sddm", login},
-    Foundation{"lightdm", login},
-    Foundation{"xdm", login},
-    Foundation{"lxdm", login},
-    Foundation{"slim", login},
-    Foundation{"greetd", login},
-    Foundation{"dbus", session},
-    Foundation{"dbus-user-session", session},
-    Foundation{"systemd", session},
-    Foundation{"libpam-systemd", session},
-    Foundation{"xserver-xorg*", session},
-    Foundation{"xwayland", session},
-    Foundation{"gnome-shell", session},
-    Foundation{"gnome-session*", session},
-    Foundation{"plasma-workspace", session},
-    Foundation{"plasma-desktop", session},
-    Foundation{"kwin-*", session},
-    Foundation{"xfce4-session", session},
-    Foundation{"xfwm4", session},
-    Foundation{"cinnamon", session},
-    Foundation{"cinnamon-session", session},
-    Foundation{"mate-session-manager", session},
-    Foundation{"lxqt-session", session},
-    Foundation{"lxsession", session},
-    Foundation{"sway", session},
-};
-
-std::string_view foundationBy(std::string_view name) {
-    const auto* const found =
-        std::find_if(foundations.begin(), foundations.end(), [&](const Foundation& each) {
-            return each.name.ends_with('*')
-                       ? name.starts_with(each.name.substr(0, each.name.size() - 1))
-                       : name == each.name;
-        });
-    return found == foundations.end() ? std::string_view() : found->why;
-}
-
-// By its own name, or what it says that it is; a display manager of another name is one as well.
-std::string_view foundationOf(const DpkgDatabase& database, std::string_view name) {
-    if (const auto why = foundationBy(name); !why.empty()) return why;
-    const DpkgPackage* const package = database.installed(name);
-    if (package == nullptr) return {};
-    for (const auto& provided : relationsIn(package->provides)) {
-        if (provided.front() == "x-display-manager") return login;
-        if (provided.front() == "x-session-manager" || provided.front() == "polkit-1-auth-agent")
-            return provided.front() == "x-session-manager" ? session : rights;
-    }
-    return package->isNeeded ? std::string_view("the system needs it") : std::string_view();
-}
 
 std::string wordsOf(const PackageCourse& course) {
     switch (course.end) {
@@ -128,11 +51,11 @@ std::vector<std::string> sortedIds(const std::vector<ServicePackage>& packages) 
 
 // The installed packages of the records, or why there are not all.
 tl::expected<std::vector<std::string>, std::string> idsOf(
-    const std::vector<ApplicationRecord>& records, const std::atomic<bool>& stop) {
+    const std::vector<ApplicationRecord>& records, const Waiting& waiting) {
     std::vector<std::string> names;
     for (const ApplicationRecord& each : records)
         names.push_back(each.package.substr(0, each.package.find(':')));
-    const PackageCourse course = PackageService::resolve(names, patience, stop);
+    const PackageCourse course = PackageService::resolve(names, waiting);
     if (!course.worked()) return tl::unexpected(wordsOf(course));
     std::vector<std::string> ids;
     for (const ApplicationRecord& record : records) {
@@ -146,19 +69,48 @@ tl::expected<std::vector<std::string>, std::string> idsOf(
     return ids;
 }
 
-// All that would go, the records' own among them; nothing but that counts as known.
+// All that would go, the records' own among them. What the service would do to a package besides,
+// or what nobody here knows, is no removal that anybody was told of.
 tl::expected<std::vector<ServicePackage>, std::string> simulation(
-    const std::vector<std::string>& ids, const std::atomic<bool>& stop) {
-    PackageCourse course = PackageService::simulateRemoval(ids, patience, stop);
+    const std::vector<std::string>& ids, const Waiting& waiting) {
+    PackageCourse course = PackageService::simulateRemoval(ids, waiting);
     if (!course.worked()) return tl::unexpected(wordsOf(course));
-    std::erase_if(course.packages, [](const ServicePackage& each) {
-        return each.info != ServicePackage::Removing && each.info != ServicePackage::Obsoleting;
-    });
+    for (const ServicePackage& each : course.packages)
+        if (!each.isLeaving() || each.name().empty())
+            return tl::unexpected(fmt::format("More than a removal would be done to {}",
+                                              each.name().empty() ? "a package" : each.name()));
     for (const std::string& id : ids)
         if (std::none_of(course.packages.begin(), course.packages.end(),
                          [&](const ServicePackage& each) { return each.id == id; }))
             course.packages.push_back({ServicePackage::Removing, id});
     return std::move(course.packages);
+}
+
+// By dpkg's own files, whatever the service said. What they do not tell is not gone.
+void judge(const DpkgDatabase& after, const std::vector<ApplicationRecord>& records,
+           std::vector<ApplicationRemoval>& out) {
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        const auto presence = after.presenceOf(records[i].package);
+        if (presence == DpkgDatabase::Presence::Gone) out[i] = {State::Gone, {}, {}};
+        if (presence == DpkgDatabase::Presence::Unknown)
+            out[i] = {State::Failed, "Nobody can tell whether it is gone: " + after.obstacle(), {}};
+    }
+}
+
+std::vector<std::string> wentBesides(const DpkgDatabase& before, const DpkgDatabase& after,
+                                     const std::vector<std::string>& promised) {
+    std::vector<std::string> out;
+    for (const DpkgPackage& each : before.packages()) {
+        const std::string name(each.name);
+        const std::string key = name + ':' + std::string(each.architecture);
+        const bool isPromised = std::ranges::any_of(promised, [&](const std::string& id) {
+            const ServicePackage package{0, id};
+            return package.name() == each.name && package.architecture() == each.architecture;
+        });
+        if (each.isThere() && !isPromised && after.presenceOf(key) == DpkgDatabase::Presence::Gone)
+            out.push_back(name);
+    }
+    return out;
 }
 
 // Which of the records takes the package along.
@@ -178,27 +130,31 @@ std::size_t takerOf(const DpkgDatabase& database, const std::vector<ApplicationR
 }  // namespace
 
 RemovalForecast DebApplications::forecast(const std::vector<ApplicationRecord>& records,
-                                          const std::atomic<bool>& stop) const {
+                                          const Waiting& waiting) const {
     RemovalForecast out;
     out.asksForRight = true;
     const DpkgDatabase database(m_places.dpkg);
+    out.refusal = database.obstacle();
+    if (!out.refusal.empty()) return out;
     for (const ApplicationRecord& each : records)
         if (each.isOurs) {
             out.refusal = fmt::format("{} is the program that runs", each.name);
             return out;
         }
-    const auto ids = idsOf(records, stop);
+    const auto ids = idsOf(records, waiting);
     const auto going =
-        ids ? simulation(*ids, stop)
+        ids ? simulation(*ids, waiting)
             : tl::expected<std::vector<ServicePackage>, std::string>(tl::unexpected(ids.error()));
     if (!going) {
         out.refusal = going.error();
         return out;
     }
     out.promised = sortedIds(*going);
+    const PackageFoundations foundations(database, m_places);
     for (const ServicePackage& each : *going) {
         const std::string name(each.name());
-        const std::string_view why = foundationOf(database, name);
+        const std::string_view why =
+            foundations.reasonFor(name + ':' + std::string(each.architecture()));
         const bool isAsked = std::find(ids->begin(), ids->end(), each.id) != ids->end();
         if (!why.empty()) {
             out.refusal = isAsked ? fmt::format("{} stays: {}", name, why)
@@ -210,7 +166,7 @@ RemovalForecast DebApplications::forecast(const std::vector<ApplicationRecord>& 
                 {takerOf(database, records, name), name, std::string(each.version())});
     }
     for (const ApplicationRecord& each : records) {
-        const std::size_t files = details(each).configuration.size();
+        const std::size_t files = configurationOf(database, each).size();
         if (files != 0)
             out.stays.push_back(fmt::format("Settings of {} for everybody stay: {} {} in /etc",
                                             each.name, files, files == 1 ? "file" : "files"));
@@ -222,24 +178,31 @@ std::vector<ApplicationRemoval> DebApplications::remove(
     const std::vector<ApplicationRecord>& records, const RemovalForecast& forecast,
     const std::atomic<bool>& stop) const {
     const auto all = [&](State state, const std::string& reason) {
-        return std::vector<ApplicationRemoval>(records.size(), {state, reason});
+        return std::vector<ApplicationRemoval>(records.size(), {state, reason, {}});
     };
-    if (!forecast.refusal.empty()) return all(State::Refused, forecast.refusal);
-    const auto ids = idsOf(records, stop);
+    if (records.empty() || !forecast.refusal.empty()) return all(State::Refused, forecast.refusal);
+    const Waiting waiting(stop);
+    const auto ids = idsOf(records, waiting);
     if (!ids) return all(State::Failed, ids.error());
     // What the person saw in the list is what goes.
-    const auto going = simulation(*ids, stop);
+    const auto going = simulation(*ids, waiting);
     if (!going) return all(State::Failed, going.error());
     if (sortedIds(*going) != forecast.promised)
         return all(State::Refused, "Other packages would go by now than those that were listed");
-    const PackageCourse course = PackageService::remove(*ids);
+    const DpkgDatabase before(m_places.dpkg);
+    // Every one of them by its name and without leave to take more along. A service that does not
+    // heed that (that of Debian 12 takes what depends on them) is found out afterwards.
+    const PackageCourse course = PackageService::remove(forecast.promised, stop);
     const State state = course.end == End::Dismissed ? State::Dismissed
                         : course.end == End::Refused ? State::Refused
                                                      : State::Failed;
     std::vector<ApplicationRemoval> out = all(state, wordsOf(course));
-    const DpkgDatabase database(m_places.dpkg);
-    for (std::size_t i = 0; i < records.size(); ++i)
-        if (database.installed(records[i].package) == nullptr) out[i] = {State::Gone, {}};
+    const DpkgDatabase after(m_places.dpkg);
+    judge(after, records, out);
+    if (course.couldNotStop)
+        out.front().note = "The removal of packages could not be stopped any more";
+    for (const std::string& name : wentBesides(before, after, forecast.promised))
+        out.front().note = "Another package went as well: " + name;
     return out;
 }
 

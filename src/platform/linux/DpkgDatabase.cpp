@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <charconv>
 #include <unordered_set>
 #include <utility>
@@ -56,6 +57,7 @@ std::optional<Field> takeField(std::string_view& text) {
 DpkgPackage::State stateOf(std::string_view status) {
     if (status.ends_with(" installed")) return DpkgPackage::State::Installed;
     if (status.ends_with(" config-files")) return DpkgPackage::State::Removed;
+    if (status.ends_with(" not-installed")) return DpkgPackage::State::Absent;
     return DpkgPackage::State::Other;
 }
 
@@ -124,9 +126,46 @@ std::vector<std::vector<std::string_view>> relationsIn(std::string_view field) {
 }
 
 DpkgDatabase::DpkgDatabase(std::string folder) : m_folder(std::move(folder)) {
-    m_text = readRegularFile(joinPath(m_folder, "status"), statusLimit).value_or(std::string());
+    auto text = readRegularFile(joinPath(m_folder, "status"), statusLimit);
+    const bool isRead = text.has_value();
+    m_text = std::move(text).value_or(std::string());
     parse();
+    m_obstacle = findObstacle(isRead);
     indexClauses();
+}
+
+// An empty file is no trouble where dpkg is a guest that has never installed anything. What dpkg
+// has not put together yet lies in files that are named by numbers, as dpkg(1) writes them.
+std::string DpkgDatabase::findObstacle(bool isStatusRead) const {
+    struct stat seen {};
+    if (::stat(m_folder.c_str(), &seen) != 0 && (errno == ENOENT || errno == ENOTDIR)) return {};
+    const auto isNumber = [](const std::string& name) {
+        return name.find_first_not_of("0123456789") == std::string::npos;
+    };
+    const auto updates = systemNamesIn(joinPath(m_folder, "updates"));
+    if (std::any_of(updates.begin(), updates.end(), isNumber))
+        return "Packages are being installed or removed, or that was cut off";
+    const bool isUsed = m_packages.empty() && !systemNamesIn(joinPath(m_folder, "info")).empty();
+    return isStatusRead && !isUsed ? std::string() : "The list of packages can not be read";
+}
+
+std::string_view DpkgDatabase::ownArchitecture() const {
+    const auto own = m_byName.find("dpkg");
+    return own == m_byName.end() ? std::string_view()
+                                 : m_packages[own->second.front()].architecture;
+}
+
+DpkgDatabase::Presence DpkgDatabase::presenceOf(std::string_view name) const {
+    const std::size_t colon = name.find(':');
+    const std::string_view wanted =
+        colon == std::string_view::npos ? ownArchitecture() : name.substr(colon + 1);
+    const bool isThere =
+        std::any_of(m_packages.begin(), m_packages.end(), [&](const DpkgPackage& each) {
+            return each.isThere() && each.name == name.substr(0, colon) &&
+                   (wanted.empty() || each.architecture == wanted || each.architecture == "all");
+        });
+    if (isThere) return Presence::There;
+    return m_obstacle.empty() && !m_packages.empty() ? Presence::Gone : Presence::Unknown;
 }
 
 void DpkgDatabase::parse() {
@@ -173,16 +212,21 @@ const DpkgPackage* DpkgDatabase::installed(std::string_view name) const {
     if (found == m_byName.end()) return nullptr;
     const std::string_view architecture =
         name.find(':') == std::string_view::npos ? "" : name.substr(name.find(':') + 1);
-    const auto* const system = &m_packages;
-    // dpkg itself is of the machine's own architecture.
-    const auto own = m_byName.find("dpkg");
-    const std::string_view wanted = !architecture.empty() ? architecture
-                                    : own == m_byName.end()
-                                        ? std::string_view()
-                                        : (*system)[own->second.front()].architecture;
+    const std::string_view wanted = architecture.empty() ? ownArchitecture() : architecture;
     for (const std::size_t index : found->second)
         if (m_packages[index].architecture == wanted) return &m_packages[index];
     return architecture.empty() ? &m_packages[found->second.front()] : nullptr;
+}
+
+template <typename Visit> void DpkgDatabase::eachFile(const Visit& visit) const {
+    constexpr std::string_view ending = ".list";
+    for (const std::string& name : systemNamesIn(joinPath(m_folder, "info"))) {
+        if (!name.ends_with(ending)) continue;
+        const std::string key = name.substr(0, name.size() - ending.size());
+        const auto list = readRegularFile(m_folder + "/info/" + name, listLimit);
+        for (std::string_view rest = list ? *list : std::string_view(); !rest.empty();)
+            if (!visit(key, takeLine(rest))) break;
+    }
 }
 
 std::string DpkgDatabase::infoPath(const DpkgPackage& package, std::string_view what) const {
@@ -206,21 +250,26 @@ std::vector<const DpkgPackage*> DpkgDatabase::ownersOf(
     std::array<bool, 256> lengths{};  // most lines of a list are told apart by their length
     for (const auto& each : wanted) lengths[each.first.size() % lengths.size()] = true;
 
-    constexpr std::string_view ending = ".list";
-    for (const std::string& name : systemNamesIn(joinPath(m_folder, "info"))) {
-        if (!name.ends_with(ending)) continue;
-        const std::string key = name.substr(0, name.size() - ending.size());
-        const auto list = readRegularFile(m_folder + "/info/" + name, listLimit);
-        if (!list) continue;
-        for (std::string_view rest = *list; !rest.empty();) {
-            const std::string_view line = takeLine(rest);
-            if (!lengths[line.size() % lengths.size()]) continue;
-            const auto [from, to] = wanted.equal_range(line);
-            for (auto each = from; each != to; ++each)
-                if (const DpkgPackage* const owner = installed(key); owner != nullptr)
-                    owners[each->second] = owner;
-        }
-    }
+    eachFile([&](const std::string& key, std::string_view line) {
+        if (!lengths[line.size() % lengths.size()]) return true;
+        const auto [from, to] = wanted.equal_range(line);
+        for (auto each = from; each != to; ++each)
+            if (const DpkgPackage* const owner = installed(key); owner != nullptr)
+                owners[each->second] = owner;
+        return true;
+    });
+    return owners;
+}
+
+std::vector<const DpkgPackage*> DpkgDatabase::ownersWithin(const std::string& folder) const {
+    const std::string other = otherSpelling(folder);
+    std::vector<const DpkgPackage*> owners;
+    eachFile([&](const std::string& key, std::string_view line) {
+        if (!isWithin(line, folder) && (other.empty() || !isWithin(line, other))) return true;
+        if (const DpkgPackage* const owner = installed(key); owner != nullptr)
+            owners.push_back(owner);
+        return false;
+    });
     return owners;
 }
 

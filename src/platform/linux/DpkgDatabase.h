@@ -16,10 +16,16 @@ namespace orrinvale {
 /// Texts lie in the database that it came from.
 struct DpkgPackage {
     enum class State : std::uint8_t {
-        Other,
+        Other,  ///< there in part, or waiting for something
         Installed,
-        Removed  ///< only its configuration is left
+        Removed,  ///< only its configuration is left
+        Absent    ///< named, and nothing of it is left
     };
+    /// Whether anything but configuration is there.
+    [[nodiscard]] bool isThere() const {
+        return state == State::Other || state == State::Installed;
+    }
+
     std::string_view name;
     std::string_view architecture;
     std::string_view version;
@@ -32,7 +38,7 @@ struct DpkgPackage {
     bool isNeeded = false;  ///< essential, protected, or of priority required or important
 };
 
-/// As it was when it was read; any thread may ask. A folder that is not there gives none.
+/// As it was when it was read; any thread may ask. Where dpkg's folder is not there, no package is.
 class DpkgDatabase final {
 public:
     /// `folder` is /var/lib/dpkg.
@@ -41,6 +47,16 @@ public:
     DpkgDatabase& operator=(const DpkgDatabase&) = delete;
 
     [[nodiscard]] const std::vector<DpkgPackage>& packages() const { return m_packages; }
+    /// Why nobody can tell which packages are there, for people: what dpkg wrote could not be read,
+    /// has no package in it, or dpkg has more to write, since it runs or was cut off. Empty where
+    /// it was read whole, and where this machine has no dpkg.
+    [[nodiscard]] const std::string& obstacle() const { return m_obstacle; }
+
+    enum class Presence : std::uint8_t { Unknown, Gone, There };
+    /// Of "NAME", which is of the machine's own architecture, or "NAME:ARCHITECTURE". Gone is only
+    /// what a database that was read whole, and has packages, does not have.
+    [[nodiscard]] Presence presenceOf(std::string_view name) const;
+
     /// The installed one of that name, the machine's own architecture before others.
     [[nodiscard]] const DpkgPackage* installed(std::string_view name) const;
 
@@ -49,6 +65,12 @@ public:
     /// write either.
     [[nodiscard]] std::vector<const DpkgPackage*> ownersOf(
         const std::vector<std::string>& paths) const;
+
+    /// Installed packages that have brought something within a folder.
+    [[nodiscard]] std::vector<const DpkgPackage*> ownersWithin(const std::string& folder) const;
+
+    /// The architecture of dpkg itself, which is the machine's; empty where it has none.
+    [[nodiscard]] std::string_view ownArchitecture() const;
 
     /// The files of a package, with its folders.
     [[nodiscard]] std::vector<std::string> filesOf(const DpkgPackage& package) const;
@@ -68,10 +90,15 @@ private:
 
     void parse();
     void indexClauses();
+    [[nodiscard]] std::string findObstacle(bool isStatusRead) const;
+    /// Each line of each package's list, with the package's key, until `visit` has enough of that
+    /// list.
+    template <typename Visit> void eachFile(const Visit& visit) const;
     [[nodiscard]] std::string infoPath(const DpkgPackage& package, std::string_view what) const;
 
     std::string m_folder;
     std::string m_text;  // of the file "status"; never changed
+    std::string m_obstacle;
     std::vector<DpkgPackage> m_packages;
     std::unordered_map<std::string_view, std::vector<std::size_t>> m_byName;  // installed ones
     std::vector<Clause> m_clauses;

@@ -3,10 +3,13 @@
 #include "platform/linux/FlatpakApplications.h"
 
 #include <fmt/format.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <climits>
+#include <iterator>
 #include <map>
 #include <utility>
 
@@ -46,20 +49,43 @@ std::string versionIn(const std::string& active, const std::string& id) {
     return {};
 }
 
+// What is in a folder; nothing where it is not there, and a remark where it can not be read.
+std::vector<std::string> namesIn(const std::string& folder, bool& isUnread) {
+    struct stat seen {};
+    const bool isThere = ::stat(folder.c_str(), &seen) == 0;
+    const bool isMissing = !isThere && (errno == ENOENT || errno == ENOTDIR);
+    if (isMissing || (isThere && !S_ISDIR(seen.st_mode))) return {};
+    isUnread |= !isThere || ::access(folder.c_str(), R_OK | X_OK) != 0;
+    std::vector<std::string> names = systemNamesIn(folder);
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
 // Each branch that is deployed; the current one first.
-std::vector<std::string> branchesOf(const std::string& folder) {
+std::vector<std::string> branchesOf(const std::string& folder, bool& isUnread) {
     std::vector<std::string> out;
     const std::string current = linkAt(joinPath(folder, "current"));
-    for (const std::string& arch : systemNamesIn(folder)) {
+    for (const std::string& arch : namesIn(folder, isUnread)) {
         if (arch == "current") continue;
-        for (const std::string& branch : systemNamesIn(joinPath(folder, arch)))
+        for (const std::string& branch : namesIn(joinPath(folder, arch), isUnread))
             if (!linkAt(folder + '/' + arch + '/' + branch + "/active").empty())
                 out.push_back(arch + '/' + branch);
+            else isUnread |= errno != ENOENT && errno != EINVAL && errno != ENOTDIR;
     }
     std::sort(out.begin(), out.end());
     if (const auto at = std::find(out.begin(), out.end(), current); at != out.end())
         std::rotate(out.begin(), at, at + 1);
     return out;
+}
+
+// A failed look says nothing; nor does a link that is missed with all that was around it, as when
+// its disk has gone.
+bool isGone(const ApplicationRecord& record) {
+    std::string text(1, '\0');
+    const std::string active = joinPath(record.path, "active");
+    const bool isMissed =
+        ::readlink(active.c_str(), text.data(), text.size()) < 0 && errno == ENOENT;
+    return isMissed && ::access(joinPath(record.installation, "repo").c_str(), F_OK) == 0;
 }
 
 // What the entries that it exports say; those with its own id before further ones of its.
@@ -90,28 +116,36 @@ struct Inode {
 
 }  // namespace
 
-std::vector<ApplicationRecord> FlatpakApplications::list(
-    std::vector<StartingEntry>& entries) const {
+ApplicationRecord FlatpakApplications::recordOf(const std::string& installation,
+                                                const std::string& id,
+                                                const std::string& branch) const {
+    ApplicationRecord record;
+    record.type = ApplicationType::Flatpak;
+    record.id = id;
+    record.name = id;
+    record.ref = "app/" + id + '/' + branch;
+    record.installation = installation;
+    record.path = installation + '/' + record.ref;
+    record.isPersons = installation == m_places.flatpaks.front();
+    const std::string active = joinPath(record.path, "active");
+    record.installed = madeAt(active + "/deploy");
+    record.version = versionIn(active, id);
+    describe(record, active, m_places);
+    return record;
+}
+
+void FlatpakApplications::list(std::vector<StartingEntry>& entries,
+                               ApplicationInventory& inventory) const {
     std::vector<ApplicationRecord> out;
     for (const std::string& installation : m_places.flatpaks) {
-        std::vector<std::string> ids = systemNamesIn(joinPath(installation, "app"));
-        std::sort(ids.begin(), ids.end());
-        for (const std::string& id : ids)
-            for (const std::string& branch : branchesOf(installation + "/app/" + id)) {
-                ApplicationRecord record;
-                record.type = ApplicationType::Flatpak;
-                record.id = id;
-                record.name = id;
-                record.ref = "app/" + id + '/' + branch;
-                record.installation = installation;
-                record.path = installation + '/' + record.ref;
-                record.isPersons = &installation == m_places.flatpaks.data();
-                const std::string active = joinPath(record.path, "active");
-                record.installed = madeAt(active + "/deploy");
-                record.version = versionIn(active, id);
-                describe(record, active, m_places);
-                out.push_back(std::move(record));
-            }
+        bool isUnread = false;
+        const std::string folder = joinPath(installation, "app");
+        for (const std::string& id : namesIn(folder, isUnread))
+            for (const std::string& branch : branchesOf(joinPath(folder, id), isUnread))
+                out.push_back(recordOf(installation, id, branch));
+        if (isUnread)
+            inventory.unread[type()] =
+                fmt::format("The installation of flatpak in {} can not be read", installation);
     }
     for (StartingEntry& each : entries)
         for (ApplicationRecord& record : out)
@@ -119,7 +153,7 @@ std::vector<ApplicationRecord> FlatpakApplications::list(
                 each.isClaimed = true;
                 record.entries.push_back(each.path);
             }
-    return out;
+    std::ranges::move(out, std::back_inserter(inventory.records));
 }
 
 ApplicationDetails FlatpakApplications::details(const ApplicationRecord& record) const {
@@ -164,10 +198,16 @@ ApplicationDetails FlatpakApplications::details(const ApplicationRecord& record)
 
 // What it was built upon stays, since other applications may need it; flatpak itself clears that.
 RemovalForecast FlatpakApplications::forecast(const std::vector<ApplicationRecord>& records,
-                                              const std::atomic<bool>& /*stop*/) const {
+                                              const Waiting& /*waiting*/) const {
     RemovalForecast out;
     if (!hasFlatpakLibrary()) out.refusal = "The library of flatpak, libflatpak, is not there";
-    for (const ApplicationRecord& each : records) {
+    const auto usual = m_places.flatpaks.begin();
+    const auto added = usual + std::min<std::ptrdiff_t>(2, std::ssize(m_places.flatpaks));
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        const ApplicationRecord& each = records[i];
+        if (std::find(usual, added, each.installation) == added)
+            out.refusals[i] = fmt::format(
+                "It is installed in {}, from where flatpak itself removes", each.installation);
         out.asksForRight |= !each.isPersons;
         out.promised.push_back(each.installation + ' ' + each.ref);
         out.stays.push_back(fmt::format("What {} keeps in the home stays", each.name));
@@ -183,16 +223,16 @@ std::vector<ApplicationRemoval> FlatpakApplications::remove(
     for (const ApplicationRecord& each : records) {
         if (!forecast.refusal.empty() || stop) {
             out.push_back(
-                {State::Refused, forecast.refusal.empty() ? "stopped" : forecast.refusal});
+                {State::Refused, forecast.refusal.empty() ? "stopped" : forecast.refusal, {}});
             continue;
         }
         const auto removed = removeFlatpak(each.installation, each.isPersons, each.ref);
         // The link to what is in use goes with the application; its folders may wait for programs
         // that still run.
-        if (linkAt(joinPath(each.path, "active")).empty()) out.push_back({State::Gone, {}});
+        if (isGone(each)) out.push_back({State::Gone, {}, {}});
         else
             out.push_back(
-                {State::Failed, removed ? std::string("flatpak left it") : removed.error()});
+                {State::Failed, removed ? std::string("flatpak left it") : removed.error(), {}});
     }
     return out;
 }

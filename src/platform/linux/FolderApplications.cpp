@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include "platform/linux/DesktopEntries.h"
 #include "platform/linux/trashForecast.h"
@@ -27,15 +28,19 @@ bool isRealFolder(const std::string& path, bool& isOwn) {
 // itself.
 std::string FolderApplications::folderHolding(const std::string& program) const {
     for (const std::string& holder : m_places.folderHolders) {
-        if (!isWithin(program, holder) || program.size() <= holder.size()) continue;
-        std::string_view rest = std::string_view(program).substr(holder.size());
-        std::string folder = joinPath(holder, nextComponent(rest));
-        if (!rest.empty()) return folder;
+        const std::string real = withoutLinks(holder);
+        for (const std::string& spelled : {real, holder}) {
+            if (!isWithin(program, spelled) || program.size() <= spelled.size()) continue;
+            std::string_view rest = std::string_view(program).substr(spelled.size());
+            std::string folder = joinPath(real, nextComponent(rest));
+            if (!rest.empty()) return folder;
+        }
     }
     return {};
 }
 
-std::vector<ApplicationRecord> FolderApplications::list(std::vector<StartingEntry>& entries) const {
+void FolderApplications::list(std::vector<StartingEntry>& entries,
+                              ApplicationInventory& inventory) const {
     std::vector<ApplicationRecord> out;
     for (StartingEntry& each : entries) {
         if (each.isClaimed) continue;
@@ -61,10 +66,14 @@ std::vector<ApplicationRecord> FolderApplications::list(std::vector<StartingEntr
             record.isOurs = isWithin(m_places.ownProgram, folder);
             found = out.insert(out.end(), std::move(record));
         }
+        const std::string& program = each.file.empty() ? each.program : each.file;
+        const bool isOther =
+            !found->programs.empty() && std::ranges::count(found->programs, program) == 0;
+        if (isOther) found->others.push_back(each.entry.name.empty() ? each.id : each.entry.name);
         found->entries.push_back(each.path);
-        found->programs.push_back(each.file.empty() ? each.program : each.file);
+        found->programs.push_back(program);
     }
-    return out;
+    std::ranges::move(out, std::back_inserter(inventory.records));
 }
 
 ApplicationDetails FolderApplications::details(const ApplicationRecord& record) const {
@@ -75,8 +84,8 @@ ApplicationDetails FolderApplications::details(const ApplicationRecord& record) 
 }
 
 RemovalForecast FolderApplications::forecast(const std::vector<ApplicationRecord>& records,
-                                             const std::atomic<bool>& /*stop*/) const {
-    return forecastOfTrash(records);
+                                             const Waiting& /*waiting*/) const {
+    return forecastOfTrash(records, m_places);
 }
 
 }  // namespace orrinvale

@@ -13,13 +13,12 @@ public:
     explicit FolderApplications(const ApplicationPlaces& places) : m_places(places) {}
 
     [[nodiscard]] ApplicationType type() const override { return ApplicationType::Folder; }
-    [[nodiscard]] std::vector<ApplicationRecord> list(
-        std::vector<StartingEntry>& entries) const override;
+    void list(std::vector<StartingEntry>& entries, ApplicationInventory& out) const override;
     /// The size is for the caller to measure.
     [[nodiscard]] ApplicationDetails details(const ApplicationRecord& record) const override;
-    /// To the trash, with the entries that start it.
+    /// To the trash, with the entries that start it. What lies in it besides is named, or refuses.
     [[nodiscard]] RemovalForecast forecast(const std::vector<ApplicationRecord>& records,
-                                           const std::atomic<bool>& stop) const override;
+                                           const Waiting& waiting) const override;
 
 private:
     [[nodiscard]] std::string folderHolding(const std::string& program) const;

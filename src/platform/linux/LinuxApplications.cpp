@@ -2,7 +2,6 @@
 #include "platform/linux/LinuxApplications.h"
 
 #include <algorithm>
-#include <iterator>
 #include <set>
 #include <utility>
 
@@ -43,13 +42,10 @@ LinuxApplications::LinuxApplications(ApplicationPlaces places) : m_places(std::m
     m_kinds.push_back(std::make_unique<FolderApplications>(m_places));
 }
 
-std::vector<ApplicationRecord> LinuxApplications::list() const {
+ApplicationInventory LinuxApplications::inventory() const {
     std::vector<StartingEntry> entries = startingEntries(m_places);
-    std::vector<ApplicationRecord> out;
-    for (const auto& kind : m_kinds) {
-        std::vector<ApplicationRecord> found = kind->list(entries);
-        std::move(found.begin(), found.end(), std::back_inserter(out));
-    }
+    ApplicationInventory out;
+    for (const auto& kind : m_kinds) kind->list(entries, out);
     return out;
 }
 

@@ -37,15 +37,16 @@ int matchAdded(Message* /*message*/, void* /*self*/, sd_bus_error* /*error*/) { 
 
 class Transaction final {
 public:
-    explicit Transaction(PackageService::Patience patience) : m_patience(patience) { renew(); }
+    // Without an end it is a person who is waited for.
+    Transaction(const std::atomic<bool>& stop, std::optional<Clock::time_point> end)
+        : m_stop(stop), m_end(end) {}
 
     // The method's arguments are put in by `fill`.
-    PackageCourse run(const char* method, const std::function<bool(Message*)>& fill,
-                      const std::atomic<bool>& stop) {
+    PackageCourse run(const char* method, const std::function<bool(Message*)>& fill) {
         if (!begin() || !start(method, fill)) return std::move(m_course);
         while (!m_isOver) {
-            if (stop) m_course.end = End::Stopped;
-            if (stop || left().count() == 0) break;
+            if (m_stop && !stops()) break;
+            if (left().count() == 0) break;
             const int processed = sdBus().process(m_bus.get(), nullptr);
             constexpr std::chrono::milliseconds turn(100);
             if (processed < 0) {
@@ -64,9 +65,25 @@ public:
     }
 
 private:
-    // A service that tells how far it is has not fallen silent.
-    void renew() {
-        if (m_patience) m_end = Clock::now() + *m_patience;
+    // A simulation is left alone. What changes something has to say itself that it has stopped, and
+    // is asked again in between, since parts of a removal can not be left half done. False when
+    // there is nothing more to wait for.
+    bool stops() {
+        if (m_end && !m_isStopping) {
+            m_course.end = End::Stopped;
+            return false;
+        }
+        constexpr std::chrono::milliseconds pause(500);
+        if (m_isStopping || Clock::now() - m_asked < pause) return true;
+        m_asked = Clock::now();
+        m_end = m_asked + stepPatience;
+        PackageCourse before = std::move(m_course);
+        m_isStopping = call(m_path.c_str(), transactionInterface, "Cancel",
+                            [](Message*) { return true; }) != nullptr;
+        m_course = std::move(before);
+        if (!m_isStopping) m_end.reset();
+        m_course.couldNotStop = !m_isStopping;
+        return true;
     }
 
     [[nodiscard]] std::chrono::milliseconds left() const {
@@ -146,10 +163,7 @@ private:
         sdBus().message_set_allow_interactive_authorization(made, 1);
         BusError error;
         Message* reply = nullptr;
-        // A person may be asked before it answers.
-        constexpr std::chrono::hours longest(12);
-        const auto patience = m_end ? std::max(left(), std::chrono::milliseconds(1))
-                                    : std::chrono::milliseconds(longest);
+        const auto patience = std::max(left(), std::chrono::milliseconds(1));
         if (sdBus().call(m_bus.get(), made, busMicroseconds(patience), error.get(), &reply) < 0) {
             failsBy(error);
             return nullptr;
@@ -168,7 +182,6 @@ private:
         auto* const me = static_cast<Transaction*>(self);
         const char* const member = sdBus().message_get_member(message);
         const std::string_view name = member != nullptr ? member : "";
-        me->renew();
         PackageCourse& course = me->m_course;
         if (name == "Package") {
             const std::uint32_t info = numberOf(message);
@@ -194,13 +207,16 @@ private:
         constexpr std::uint32_t cancelled = 3;
         m_isOver = true;
         if (exit == success) m_course.end = End::Success;
+        else if (m_isStopping) m_course.end = End::Stopped;
         else if (m_course.error == PackageCourse::CannotGetLock) m_course.end = End::Busy;
         else if (exit == cancelled || isDismissal()) m_course.end = End::Dismissed;
         else m_course.end = End::Failed;
     }
 
-    const PackageService::Patience m_patience;
+    const std::atomic<bool>& m_stop;
     std::optional<Clock::time_point> m_end;
+    Clock::time_point m_asked;  // to stop
+    bool m_isStopping = false;  // as it was asked to
     BusHandle m_bus;
     std::string m_path;
     std::string m_sender;
@@ -216,17 +232,13 @@ bool appendTexts(Message* message, const std::vector<std::string>& texts) {
     return sdBus().message_append_strv(message, list.data()) >= 0;
 }
 
-PackageCourse removal(const std::vector<std::string>& ids, std::uint64_t flags,
-                      PackageService::Patience patience, const std::atomic<bool>& stop) {
-    return Transaction(patience).run(
-        "RemovePackages",
-        [&](Message* message) {
-            constexpr int withDependents = 1;
-            constexpr int withUnused = 0;
-            return sdBus().message_append(message, "t", flags) >= 0 && appendTexts(message, ids) &&
-                   sdBus().message_append(message, "bb", withDependents, withUnused) >= 0;
-        },
-        stop);
+PackageCourse removal(Transaction transaction, const std::vector<std::string>& ids,
+                      std::uint64_t flags, bool withDependents) {
+    return transaction.run("RemovePackages", [&](Message* message) {
+        constexpr int withUnused = 0;
+        return sdBus().message_append(message, "t", flags) >= 0 && appendTexts(message, ids) &&
+               sdBus().message_append(message, "bb", withDependents ? 1 : 0, withUnused) >= 0;
+    });
 }
 
 }  // namespace
@@ -234,29 +246,26 @@ PackageCourse removal(const std::vector<std::string>& ids, std::uint64_t flags,
 std::string_view ServicePackage::field(std::size_t index) const {
     std::string_view rest = id;
     for (; index > 0; --index)
-        rest.remove_prefix(std::min(rest.find(';'), rest.size() - 1) + (rest.empty() ? 0 : 1));
+        rest.remove_prefix(std::min(std::min(rest.find(';'), rest.size()) + 1, rest.size()));
     return rest.substr(0, rest.find(';'));
 }
 
-PackageCourse PackageService::resolve(const std::vector<std::string>& names, Patience patience,
-                                      const std::atomic<bool>& stop) {
-    return Transaction(patience).run(
-        "Resolve",
-        [&](Message* message) {
-            return sdBus().message_append(message, "t", filterInstalled) >= 0 &&
-                   appendTexts(message, names);
-        },
-        stop);
+PackageCourse PackageService::resolve(const std::vector<std::string>& names,
+                                      const Waiting& waiting) {
+    return Transaction(waiting.stop, waiting.end).run("Resolve", [&](Message* message) {
+        return sdBus().message_append(message, "t", filterInstalled) >= 0 &&
+               appendTexts(message, names);
+    });
 }
 
 PackageCourse PackageService::simulateRemoval(const std::vector<std::string>& ids,
-                                              Patience patience, const std::atomic<bool>& stop) {
-    return removal(ids, flagSimulate, patience, stop);
+                                              const Waiting& waiting) {
+    return removal(Transaction(waiting.stop, waiting.end), ids, flagSimulate, true);
 }
 
-PackageCourse PackageService::remove(const std::vector<std::string>& ids) {
-    const std::atomic<bool> never{false};
-    return removal(ids, 0, std::nullopt, never);
+PackageCourse PackageService::remove(const std::vector<std::string>& ids,
+                                     const std::atomic<bool>& stop) {
+    return removal(Transaction(stop, std::nullopt), ids, 0, false);
 }
 
 }  // namespace orrinvale

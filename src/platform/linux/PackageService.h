@@ -3,21 +3,28 @@
 #pragma once
 
 #include <atomic>
-#include <chrono>
+#include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "platform/applications.h"
 
 namespace orrinvale {
 
 /// One package as the service names it: "NAME;VERSION;ARCHITECTURE;ORIGIN".
 struct ServicePackage {
-    enum Info : std::uint32_t { Removing = 13, Obsoleting = 15 };
+    /// Of what the service numbers; the last two are what newer ones call the first two of a
+    /// simulation.
+    enum Info : std::uint32_t { Removing = 13, Obsoleting = 15, Remove = 28, Obsolete = 29 };
     std::uint32_t info = 0;
     std::string id;
 
+    [[nodiscard]] bool isLeaving() const {
+        return info == Removing || info == Obsoleting || info == Remove || info == Obsolete;
+    }
+    /// Empty where there are not so many.
     [[nodiscard]] std::string_view field(std::size_t index) const;
     [[nodiscard]] std::string_view name() const { return field(0); }
     [[nodiscard]] std::string_view version() const { return field(1); }
@@ -48,6 +55,7 @@ struct PackageCourse {
     std::uint32_t error = 0;
     std::string words;  ///< the service's own, in its language
     std::vector<ServicePackage> packages;
+    bool couldNotStop = false;  ///< it was asked to stop and went on
 
     [[nodiscard]] bool worked() const { return end == End::Success; }
 };
@@ -55,21 +63,20 @@ struct PackageCourse {
 /// Each call is a connection and a transaction of its own and waits for its end; any thread.
 class PackageService final {
 public:
-    /// How long it may give no sign; nothing: as long as it takes.
-    using Patience = std::optional<std::chrono::milliseconds>;
-
     /// The installed packages of these names.
     [[nodiscard]] static PackageCourse resolve(const std::vector<std::string>& names,
-                                               Patience patience, const std::atomic<bool>& stop);
+                                               const Waiting& waiting);
 
     /// What would go with these packages; what depends on them goes too, what they needed stays.
     /// Needs no right.
     [[nodiscard]] static PackageCourse simulateRemoval(const std::vector<std::string>& ids,
-                                                       Patience patience,
-                                                       const std::atomic<bool>& stop);
+                                                       const Waiting& waiting);
 
-    /// Removes them. The person may be asked for a password, for which it waits.
-    [[nodiscard]] static PackageCourse remove(const std::vector<std::string>& ids);
+    /// Removes them, and nothing that depends on them. The person may be asked for a password, for
+    /// which it waits as long as that takes. A set flag asks the service to stop; one that can not
+    /// any more is waited for to its end.
+    [[nodiscard]] static PackageCourse remove(const std::vector<std::string>& ids,
+                                              const std::atomic<bool>& stop);
 };
 
 }  // namespace orrinvale

@@ -1,7 +1,8 @@
 // proc(5) says what is read. Of other users' processes the kernel shows the command line alone.
 #include "platform/linux/RunningPrograms.h"
 
-#include <sys/stat.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,6 +10,7 @@
 #include <climits>
 #include <optional>
 
+#include "platform/descriptor.h"
 #include "platform/linux/SystemText.h"
 #include "platform/paths.h"
 
@@ -35,19 +37,39 @@ std::string textAt(const std::string& path) {
     return readSystemText(path, smallText).value_or(std::string());
 }
 
-// "PID (NAME) STATE PPID PGRP SESSION TTY TPGID FLAGS ..."
-bool isKernelThread(const std::string& stat) {
-    constexpr std::uint64_t kernelThread = 0x0020'0000;
+// "PID (NAME) STATE PPID PGRP SESSION TTY TPGID FLAGS ...": the number `field` fields behind STATE.
+std::uint64_t numberIn(const std::string& stat, int field) {
     const std::size_t end = stat.rfind(')');
     std::string_view rest = end == std::string::npos ? "" : std::string_view(stat).substr(end + 1);
-    for (int field = 0; field < 6; ++field)
-        rest.remove_prefix(std::min(rest.find(' ', 1), rest.size()));
-    std::uint64_t flags = 0;
+    for (; field >= 0; --field) rest.remove_prefix(std::min(rest.find(' ', 1), rest.size()));
+    std::uint64_t number = 0;
     for (const char c : rest.substr(std::min<std::size_t>(1, rest.size()))) {
         if (c < '0' || c > '9') break;
-        flags = flags * 10 + static_cast<std::uint64_t>(c - '0');
+        number = number * 10 + static_cast<std::uint64_t>(c - '0');
     }
-    return (flags & kernelThread) != 0;
+    return number;
+}
+
+bool isKernelThread(const std::string& stat) {
+    constexpr std::uint64_t kernelThread = 0x0020'0000;
+    constexpr int flags = 5;
+    return (numberIn(stat, flags) & kernelThread) != 0;
+}
+
+// Who listens at a socket; empty where nobody does.
+std::string listenerAt(const std::string& path) {
+    sockaddr_un address{};
+    if (path.empty() || path.size() >= sizeof(address.sun_path)) return {};
+    address.sun_family = AF_UNIX;
+    path.copy(address.sun_path, sizeof(address.sun_path) - 1);
+    const Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    ucred who{};
+    socklen_t size = sizeof(who);
+    const auto* const where = reinterpret_cast<const sockaddr*>(&address);
+    if (!socket.isOpen() || ::connect(socket.get(), where, sizeof(address)) != 0 ||
+        ::getsockopt(socket.get(), SOL_SOCKET, SO_PEERCRED, &who, &size) != 0)
+        return {};
+    return std::to_string(who.pid);
 }
 
 class Look final {
@@ -55,18 +77,40 @@ public:
     explicit Look(const ApplicationPlaces& places) : m_places(places) {}
 
     RunningPrograms run() {
+        findSession();
         // Where processes of others are hidden not even the first one is there.
         m_out.isPartial = ::access(joinPath(m_places.processes, "1").c_str(), F_OK) != 0;
         for (const std::string& name : systemNamesIn(m_places.processes))
-            if (isNumber(name) && name != std::to_string(::getpid()))
-                take(joinPath(m_places.processes, name));
+            if (isNumber(name) && name != std::to_string(::getpid())) take(name);
         for (const std::string& name : systemNamesIn(m_places.flatpakInstances))
             if (isNumber(name)) takeInstance(joinPath(m_places.flatpakInstances, name));
         return std::move(m_out);
     }
 
 private:
-    void take(const std::string& process) {
+    // The first process is everybody's.
+    void findSession() {
+        constexpr int parent = 0;
+        constexpr int most = 100;
+        std::string process = std::to_string(::getpid());
+        for (int i = 0; i < most; ++i) {
+            process = std::to_string(
+                numberIn(textAt(joinPath(m_places.processes, process) + "/stat"), parent));
+            if (process == "0" || process == "1" || !m_session.insert(process).second) break;
+        }
+        m_session.insert(listenerAt(m_places.displaySocket));
+        m_slice = "/user@" + std::to_string(::getuid()) + ".service/session.slice/";
+    }
+
+    [[nodiscard]] bool isOfSession(const std::string& name) const {
+        if (m_session.contains(name)) return true;
+        const std::string group = textAt(joinPath(m_places.processes, name) + "/cgroup");
+        return group.find(m_slice) != std::string::npos;
+    }
+
+    void take(const std::string& name) {
+        const std::string process = joinPath(m_places.processes, name);
+        const bool isSession = isOfSession(name);
         std::string program(PATH_MAX, '\0');
         const ssize_t length =
             ::readlink((process + "/exe").c_str(), program.data(), program.size());
@@ -75,11 +119,15 @@ private:
         program.resize(static_cast<std::size_t>(length));
         constexpr std::string_view gone = " (deleted)";
         if (program.ends_with(gone)) program.resize(program.size() - gone.size());
-        m_out.files.insert(program);
+        const auto add = [&](const std::string& file) {
+            m_out.files.insert(file);
+            if (isSession) m_out.session.insert(file);
+        };
+        add(program);
         // The first words of a script's command line are its interpreter and itself.
         constexpr std::size_t looked = 4;
         for (std::size_t i = 0; i < std::min(words.size(), looked); ++i)
-            if (words[i].starts_with('/')) m_out.files.insert(words[i]);
+            if (words[i].starts_with('/')) add(words[i]);
         takeEnvironment(process);
     }
 
@@ -118,6 +166,8 @@ private:
     }
 
     const ApplicationPlaces& m_places;
+    std::set<std::string, std::less<>> m_session;  // numbers of processes
+    std::string m_slice;
     RunningPrograms m_out;
 };
 

@@ -16,8 +16,11 @@ struct RunningPrograms {
     std::set<std::string, std::less<>> appImages;  ///< that mounted themselves
     std::set<std::string, std::less<>> flatpaks;   ///< ids
     std::set<std::string, std::less<>>
-        closed;              ///< names of processes that do not show their program
-    bool isPartial = false;  ///< there are processes that nothing is told of
+        closed;  ///< names of processes that do not show their program
+    std::set<std::string, std::less<>> session;  ///< what this person's session runs on: what has
+                                                 ///< started this process, the desktop's own
+                                                 ///< services, and what shows its windows
+    bool isPartial = false;                      ///< there are processes that nothing is told of
 
     [[nodiscard]] static RunningPrograms now(const ApplicationPlaces& places);
 

@@ -2,40 +2,47 @@
 #include "platform/linux/SnapApplications.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 
+#include "platform/deadline.h"
 #include "platform/linux/DesktopEntries.h"
+#include "platform/linux/SystemText.h"
 #include "platform/paths.h"
 
 namespace orrinvale {
-namespace {
-
-ApplicationRecord recordOf(const SnapFacts& facts) {
+ApplicationRecord SnapApplications::recordOf(const SnapFacts& facts) const {
     ApplicationRecord record;
     record.type = ApplicationType::Snap;
     record.id = facts.name;
     record.name = facts.title.empty() ? facts.name : facts.title;
     record.version = facts.version;
     record.icon = facts.icon;
-    record.path = joinPath("/snap", facts.name);
+    record.path = joinPath(m_places.snapFolder, facts.name);
     record.entries = facts.entries;
     record.installed = madeAt(joinPath(record.path, "current"));
     return record;
 }
 
-ApplicationRemoval removalOf(const tl::expected<void, SnapFailure>& removed) {
-    if (removed) return {ApplicationRemoval::State::Gone, {}};
-    return {removed.error().isDismissed ? ApplicationRemoval::State::Dismissed
-                                        : ApplicationRemoval::State::Failed,
-            removed.error().words};
+// A service that is not there at all is none that keeps silent, unless snaps are.
+bool SnapApplications::isHere() const {
+    if (::access(m_places.snapSocket.c_str(), F_OK) == 0 || (errno != ENOENT && errno != ENOTDIR))
+        return true;
+    const auto names = systemNamesIn(m_places.snapFolder);
+    return std::any_of(names.begin(), names.end(),
+                       [](const std::string& name) { return name != "bin" && name != "README"; });
 }
 
-}  // namespace
-
-std::vector<ApplicationRecord> SnapApplications::list(std::vector<StartingEntry>& entries) const {
-    std::vector<ApplicationRecord> out;
-    for (const SnapFacts& facts : m_service.snaps()) {
+void SnapApplications::list(std::vector<StartingEntry>& entries,
+                            ApplicationInventory& inventory) const {
+    const auto snaps = m_service.snaps();
+    if (!snaps) {
+        if (isHere()) inventory.unread[type()] = snaps.error();
+        return;
+    }
+    for (const SnapFacts& facts : *snaps) {
         if (!facts.type.empty() && facts.type != "app") continue;
         ApplicationRecord record = recordOf(facts);
         for (StartingEntry& each : entries) {
@@ -47,25 +54,24 @@ std::vector<ApplicationRecord> SnapApplications::list(std::vector<StartingEntry>
             if (!each.entry.name.empty()) record.name = each.entry.name;
             if (!each.entry.icon.empty()) record.icon = each.entry.icon;
         }
-        out.push_back(std::move(record));
+        inventory.records.push_back(std::move(record));
     }
-    return out;
 }
 
 ApplicationDetails SnapApplications::details(const ApplicationRecord& record) const {
     ApplicationDetails out;
-    for (const SnapFacts& facts : m_service.snaps())
+    const auto snaps = m_service.snaps();
+    for (const SnapFacts& facts : snaps ? *snaps : std::vector<SnapFacts>())
         if (facts.name == record.id && facts.size != 0) out.bytes = facts.size;
     out.lastUse = lastReadAt(joinPath(record.path, "current/meta/snap.yaml"));
     return out;
 }
 
 RemovalForecast SnapApplications::forecast(const std::vector<ApplicationRecord>& records,
-                                           const std::atomic<bool>& /*stop*/) const {
+                                           const Waiting& waiting) const {
     RemovalForecast out;
     out.asksForRight = true;
-    constexpr std::chrono::milliseconds patience(10'000);
-    const auto answer = m_service.ask("GET", "/v2/system-info", {}, patience);
+    const auto answer = m_service.ask("GET", "/v2/system-info", {}, timeUntil(waiting.end));
     if (!answer) out.refusal = answer.error();
     for (const ApplicationRecord& each : records) {
         out.promised.push_back(each.id);
@@ -75,6 +81,24 @@ RemovalForecast SnapApplications::forecast(const std::vector<ApplicationRecord>&
     return out;
 }
 
+// Whoever has removed it meanwhile: what is gone is gone.
+ApplicationRemoval SnapApplications::removed(const std::string& name) const {
+    using State = ApplicationRemoval::State;
+    const auto result = m_service.remove(name);
+    const auto left = m_service.snaps();
+    const bool isListed = !left || std::any_of(left->begin(), left->end(),
+                                               [&](const auto& each) { return each.name == name; });
+    if (!isListed) return {State::Gone, {}, {}};
+    if (!result)
+        return {result.error().isDismissed ? State::Dismissed : State::Failed,
+                result.error().words,
+                {}};
+    return {State::Failed,
+            left ? std::string("The snap service left it")
+                 : "Nobody can tell whether it is gone: " + left.error(),
+            {}};
+}
+
 std::vector<ApplicationRemoval> SnapApplications::remove(
     const std::vector<ApplicationRecord>& records, const RemovalForecast& forecast,
     const std::atomic<bool>& stop) const {
@@ -82,8 +106,9 @@ std::vector<ApplicationRemoval> SnapApplications::remove(
     for (const ApplicationRecord& each : records) {
         if (!forecast.refusal.empty() || stop)
             out.push_back({ApplicationRemoval::State::Refused,
-                           forecast.refusal.empty() ? "stopped" : forecast.refusal});
-        else out.push_back(removalOf(m_service.remove(each.id)));
+                           forecast.refusal.empty() ? "stopped" : forecast.refusal,
+                           {}});
+        else out.push_back(removed(each.id));
     }
     return out;
 }

@@ -14,16 +14,20 @@ public:
         : m_places(places), m_service(places.snapSocket) {}
 
     [[nodiscard]] ApplicationType type() const override { return ApplicationType::Snap; }
-    [[nodiscard]] std::vector<ApplicationRecord> list(
-        std::vector<StartingEntry>& entries) const override;
+    void list(std::vector<StartingEntry>& entries, ApplicationInventory& out) const override;
     [[nodiscard]] ApplicationDetails details(const ApplicationRecord& record) const override;
     [[nodiscard]] RemovalForecast forecast(const std::vector<ApplicationRecord>& records,
-                                           const std::atomic<bool>& stop) const override;
+                                           const Waiting& waiting) const override;
+    /// Gone is what the service does not list any more.
     [[nodiscard]] std::vector<ApplicationRemoval> remove(
         const std::vector<ApplicationRecord>& records, const RemovalForecast& forecast,
         const std::atomic<bool>& stop) const override;
 
 private:
+    [[nodiscard]] ApplicationRecord recordOf(const SnapFacts& facts) const;
+    [[nodiscard]] ApplicationRemoval removed(const std::string& name) const;
+    [[nodiscard]] bool isHere() const;
+
     const ApplicationPlaces& m_places;
     const SnapService m_service;
 };

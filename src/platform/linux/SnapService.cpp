@@ -171,12 +171,12 @@ tl::expected<SnapAnswer, std::string> SnapService::ask(std::string_view method,
     return std::move(*answer);
 }
 
-std::vector<SnapFacts> snapsIn(std::string_view json) {
+std::optional<std::vector<SnapFacts>> snapsIn(std::string_view json) {
     std::vector<SnapFacts> out;
     const Json document = Json::parse(json, nullptr, false);
-    if (!document.is_object()) return out;
+    if (!document.is_object()) return std::nullopt;
     const auto result = document.find("result");
-    if (result == document.end() || !result->is_array()) return out;
+    if (result == document.end() || !result->is_array()) return std::nullopt;
     for (const Json& each : *result)
         if (each.is_object())
             if (SnapFacts facts = factsIn(each); !facts.name.empty())
@@ -184,10 +184,14 @@ std::vector<SnapFacts> snapsIn(std::string_view json) {
     return out;
 }
 
-std::vector<SnapFacts> SnapService::snaps() const {
+tl::expected<std::vector<SnapFacts>, std::string> SnapService::snaps() const {
     constexpr std::chrono::milliseconds patience(2000);
+    constexpr int success = 200;
     const auto answer = ask("GET", "/v2/snaps", {}, patience);
-    return answer && answer->status == 200 ? snapsIn(answer->body) : std::vector<SnapFacts>();
+    if (!answer) return tl::unexpected(answer.error());
+    auto found = answer->status == success ? snapsIn(answer->body) : std::nullopt;
+    if (!found) return tl::unexpected(std::string("The snap service does not tell what it has"));
+    return std::move(*found);
 }
 
 tl::expected<void, SnapFailure> SnapService::remove(const std::string& name) const {

@@ -44,8 +44,8 @@ public:
         std::string_view method, std::string_view path, std::string_view body,
         std::chrono::milliseconds patience) const;
 
-    /// All that is installed; none where the service is not there.
-    [[nodiscard]] std::vector<SnapFacts> snaps() const;
+    /// All that is installed, or why nobody can tell.
+    [[nodiscard]] tl::expected<std::vector<SnapFacts>, std::string> snaps() const;
 
     /// Removes a snap with all its revisions, and waits until it is gone. The person may be asked
     /// for a password.
@@ -55,9 +55,9 @@ private:
     const std::string m_socket;
 };
 
-/// What an answer of the service to the question for its snaps says; none for what is no such
+/// What an answer of the service to the question for its snaps says; nothing for what is no such
 /// answer.
-[[nodiscard]] std::vector<SnapFacts> snapsIn(std::string_view json);
+[[nodiscard]] std::optional<std::vector<SnapFacts>> snapsIn(std::string_view json);
 
 /// The status and body of an answer as it came over the socket, chunks put together; nothing for
 /// what is no HTTP.

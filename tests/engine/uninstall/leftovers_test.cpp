@@ -33,9 +33,16 @@ LeftoverClaims claims() {
         record(ApplicationType::Deb, "tool", "tool", {"/usr/bin/tool"}),
         record(ApplicationType::Folder, "game", "", {"/opt/game/bin/game"}),
         record(ApplicationType::Folder, "git", "", {"/opt/git/git"}),
+        record(ApplicationType::Deb, "paint", "paint", {"/usr/bin/paint"}),
+        record(ApplicationType::Flatpak, "org.kde.Paint"),
+        record(ApplicationType::AppImage, "editor", "", {"/home/me/editor"}),
+        record(ApplicationType::Deb, "duo", "duo", {"/usr/bin/duo"}),
+        record(ApplicationType::App, "org.a.Bee2"),
+        record(ApplicationType::Snap, "org.a.Bee2"),
     };
-    out.packages = {"safe", "vim", "vim-common", "tool", "base"};
-    out.formerNames = {"gone", "base", "tool", "python"};
+    out.installed.back().path = "/snap/org.a.Bee2";
+    out.rest.packages = {"safe", "vim", "vim-common", "tool", "base", "editor", "duo", "duo"};
+    out.rest.formerNames = {"gone", "base", "tool", "python", "code"};
     return out;
 }
 
@@ -71,6 +78,10 @@ TEST(Leftovers, AreGradedByTheNameAndItsClaimants) {
         {Xdg, "git", ""},         // shared
         {Xdg, "gtk-3.0", ""},
         {Xdg, "", ""},
+        {Xdg, "paint", ""},            // a flatpak may write there as well
+        {Xdg, "code", "likely code"},  // a snap that is not confined
+        {Xdg, "editor", ""},           // of an AppImage, and of a package that is no application
+        {Xdg, "duo", ""},              // the package is there for two architectures
         {Flatpak, "org.a.Bee", "likely org.a.Bee"},
         {Flatpak, "org.gone.App", "likely org.gone.App gone"},
         {Flatpak, "org.twice.App", ""},
@@ -91,6 +102,37 @@ TEST(Leftovers, AreGradedByTheNameAndItsClaimants) {
     }
 }
 
+TEST(Leftovers, AreOneApplicationsAndNotItsNamesakes) {
+    const LeftoverClaims all = claims();
+    const LeftoverRules rules(all);
+    const auto verdict = rules.verdict(LeftoverHome::Snap, "org.a.Bee2");
+    ASSERT_TRUE(verdict);
+    Strings owners;
+    for (const ApplicationRecord& each : all.installed)
+        if (verdict->isOf(each)) owners.emplace_back(wordOf(each.type));
+    EXPECT_THAT(owners, ElementsAre("snap"));
+}
+
+TEST(Leftovers, AreNoneWhereNotAllThatMayClaimThemWasRead) {
+    using enum LeftoverHome;
+    struct Case {
+        ApplicationType unread;
+        bool isXdg, isFlatpak, isSnap;  // offered
+    };
+    for (const auto& [unread, isXdg, isFlatpak, isSnap] :
+         {Case{ApplicationType::Deb, false, true, true},
+          Case{ApplicationType::Flatpak, false, false, true},
+          Case{ApplicationType::Snap, false, true, false}}) {
+        LeftoverClaims some = claims();
+        some.rest.unread[unread] = "it does not answer";
+        const LeftoverRules rules(some);
+        for (const char* const name : {"safe", "org.safe.Safe", "gone"})
+            EXPECT_EQ(rules.verdict(Xdg, name).has_value(), isXdg) << name;
+        EXPECT_EQ(rules.verdict(Flatpak, "org.gone.App").has_value(), isFlatpak);
+        EXPECT_EQ(rules.verdict(Snap, "old").has_value(), isSnap);
+    }
+}
+
 TEST(Leftovers, AreRealFoldersAndTellWhatIsInThem) {
     TestTree tree;
     (void)tree.write("config/safe/deep/secrets.kdbx", "12345");
@@ -106,7 +148,10 @@ TEST(Leftovers, AreRealFoldersAndTellWhatIsInThem) {
     LeftoverPlaces places;
     for (const char* const home : {"config", "data", "cache", "missing"})
         places.homes.push_back(tree.at(home));
+    (void)tree.write("snap/old/common/x", "1");
+    (void)tree.write("snap/photos/2019/x.jpg", "1");
     places.flatpakData = tree.at("var");
+    places.snapData = tree.at("snap");
     places.never = {tree.at("cache/game/Documents")};
     const LinuxFileSystem files;
     const LeftoverRules rules(claims());
@@ -120,13 +165,18 @@ TEST(Leftovers, AreRealFoldersAndTellWhatIsInThem) {
                           (each.precious.empty() ? "" : ' ' + each.precious.front()));
         return out;
     };
-    EXPECT_THAT(found(""),
-                ElementsAre("likely config/safe 8 deep/secrets.kdbx",
-                            "likely var/org.a.Bee/config 1", "certain var/org.gone.App/cache 4",
-                            "likely var/org.gone.App/data 1 mail.mbox"));
+    EXPECT_THAT(
+        found(""),
+        ElementsAre("likely config/safe 8 deep/secrets.kdbx", "likely var/org.a.Bee/config 1",
+                    "certain var/org.gone.App/cache 4", "likely var/org.gone.App/data 1 mail.mbox",
+                    "likely snap/old/common 1"));
     EXPECT_THAT(found("safe"), ElementsAre("likely config/safe 8 deep/secrets.kdbx"));
     EXPECT_THAT(found("org.gone.App").size(), 2U);
     EXPECT_THAT(found("nobody"), IsEmpty());
+    ApplicationRecord safe = record(ApplicationType::Deb, "org.safe.Safe", "safe");
+    EXPECT_EQ(findLeftoversOf(files, places, rules, safe, never).size(), 1U);
+    safe.path = "/elsewhere";
+    EXPECT_EQ(findLeftoversOf(files, places, rules, safe, never).size(), 0U) << "a namesake's";
 }
 
 }  // namespace

@@ -118,6 +118,77 @@ TEST_F(Uninstalling, StopsABundleAtTheFirstEntryThatStays) {
     EXPECT_FALSE(isThere(app->path) || isThere(tree.at("home/Library/Caches/com.e.App")));
 }
 
+// Each bundle takes what is its own, and of copies the last that goes what they share.
+TEST_F(Uninstalling, OfSeveralBundlesTakesNothingThatOneThatStaysNeeds) {
+    struct Case {
+        const char* name;
+        Strings identifiers;
+        std::set<std::size_t> ticked, locked;  // that one is replaced meanwhile, and stays
+        Strings left;                          // in the library
+    };
+    const std::string app = "com.e.App";
+    const std::string longer = "com.e.App.Helper";
+    const Case cases[] = {
+        {"both copies", {app, app}, {0, 1}, {}, {}},
+        {"one copy of two", {app, app}, {0}, {}, {app, longer}},
+        {"the first copy stays", {app, app}, {0, 1}, {0}, {app, longer}},
+        {"the last copy stays", {app, app}, {0, 1}, {1}, {}},
+        {"both of two names", {app, longer}, {0, 1}, {}, {}},
+        {"the longer name stays", {app, longer}, {0, 1}, {1}, {}},
+        {"the vendor's own is ticked",
+         {"com.kelpford.Tide", "com.kelpford.TidewrackPro"},
+         {0, 1},
+         {},
+         {"com.kelpford.TidewrackPro"}},
+    };
+    for (const Case& each : cases) {
+        std::filesystem::remove_all(tree.at("home/Library"));
+        AppItemsArray all, ticked;
+        for (std::size_t i = 0; i < each.identifiers.size(); ++i) {
+            const std::string path = "Apps/" + std::to_string(i) + ".app";
+            (void)tree.write(path + "/x", "1");
+            all.push_back(item(ApplicationType::App, each.identifiers[i], tree.at(path)));
+            all.back()->bundleVersion = "3.0";
+            if (each.ticked.contains(i)) ticked.push_back(all.back());
+            for (const std::string& name : {each.identifiers[i], longer})
+                if (name.starts_with(each.identifiers[0]))
+                    (void)tree.write("home/Library/" + name, "1");
+        }
+        UninstallPlan plan = planUninstall(parts, ticked, all, never);
+        for (const std::size_t locked : each.locked)
+            plan.apps[locked].entries.back().identity->inode += 1;
+        (void)runUninstall(parts, plan, {}, doors, never, {});
+        EXPECT_EQ(namesIn(tree.at("home/Library")), each.left) << each.name;
+    }
+}
+
+TEST_F(Uninstalling, LeavesAFolderInWhichSomethingElseLies) {
+    machine.program("opt/maker/one/run");
+    machine.program("opt/maker/two/run");
+    machine.program("opt/maker/paid/run");
+    machine.program("opt/other/run");
+    for (const char* const name : {"maker/one", "maker/two", "maker/paid", "other"})
+        machine.entry(std::filesystem::path(name).filename(),
+                      "Exec=" + tree.at(std::string("opt/") + name + "/run"));
+    const auto plan = [&] {
+        const AppItemsArray apps =
+            UninstallAppInfo(UninstallAppDelegate(files, parts.home, &applications, parts.root))
+                .allAppsInfo();
+        Strings out;
+        for (const auto& each : planUninstall(parts, apps, apps, never).apps)
+            out.push_back(each.item->name + ": " + each.refusal +
+                          ::testing::PrintToString(each.along));
+        return out;
+    };
+    EXPECT_THAT(plan(), ElementsAre(R"(one: { "paid", "two" })", "other: {}"));
+    machine.package("paid", "", {"opt/maker/paid/run"});
+    machine.package("part", "", {"opt/other/data/x"});
+    EXPECT_THAT(plan(), ElementsAre(HasSubstr("paid: "), "one: paid lies in its folder{}",
+                                    HasSubstr("Files of the package part")));
+    (void)tree.write("dpkg/status", "");
+    EXPECT_THAT(plan(), ::testing::Each(HasSubstr("Nobody can tell whether a package")));
+}
+
 TEST_F(Uninstalling, MovesProgramsToTheTrashAndLeftoversOnlyOfWhatIsGone) {
     machine.program("opt/game/bin/game");
     machine.program("opt/stays/bin/stays");
@@ -128,13 +199,17 @@ TEST_F(Uninstalling, MovesProgramsToTheTrashAndLeftoversOnlyOfWhatIsGone) {
             .allAppsInfo();
     ASSERT_EQ(apps.size(), 2U);
     std::vector<Leftover> left;
-    for (const auto& [of, isInstalled] :
-         {std::pair("game", true), std::pair("stays", true), std::pair("gone", false)}) {
-        (void)tree.write(std::string("home/.config/") + of + "/x", "1");
+    const std::array<std::string, 4> folders{"game", "stays", "gone", "namesake"};
+    for (const std::string& folder : folders) {
+        (void)tree.write("home/.config/" + folder + "/x", "1");
         Leftover& each = left.emplace_back();
-        each.path = tree.at(std::string("home/.config/") + of);
-        each.of = of;
-        each.isInstalled = isInstalled;
+        each.path = tree.at("home/.config/" + folder);
+        // Of an AppImage of the game's name, which is not on its way out.
+        const bool isNamesake = folder == "namesake";
+        each.of = isNamesake ? "game" : folder;
+        each.ownerType = isNamesake ? ApplicationType::AppImage : ApplicationType::Folder;
+        each.ownerPath = isNamesake ? "/x" : tree.at("opt/" + folder);
+        each.isInstalled = folder != "gone";
         each.identity = EntryIdentity::of(attributesOf(each.path));
     }
     const auto plan = planUninstall(parts, apps, apps, never);
@@ -145,10 +220,25 @@ TEST_F(Uninstalling, MovesProgramsToTheTrashAndLeftoversOnlyOfWhatIsGone) {
     const auto outcome = runUninstall(parts, plan, left, doors, never, {});
     EXPECT_FALSE(outcome.worked());
     EXPECT_FALSE(outcome.hasDoorFailed()) << "a password would help nothing";
-    EXPECT_THAT(namesIn(tree.at("home/.config")), ElementsAre("stays"));
+    EXPECT_THAT(namesIn(tree.at("home/.config")), ElementsAre("namesake", "stays"));
     EXPECT_THAT(namesIn(tree.at("usr/share/applications")), ElementsAre("stays.desktop"));
     EXPECT_THAT(namesIn(tree.at("home/.local/share/Trash/files")),
                 ElementsAre("game", "game 2", "game.desktop", "gone"));
+}
+
+TEST_F(Uninstalling, WhatSomebodyElseHasMovedAwayIsGone) {
+    machine.program("opt/game/bin/game");
+    machine.entry("game", "Exec=" + tree.at("opt/game/bin/game"));
+    AppItemsArray apps =
+        UninstallAppInfo(UninstallAppDelegate(files, parts.home, &applications, parts.root))
+            .allAppsInfo();
+    const auto plan = planUninstall(parts, apps, apps, never);
+    std::filesystem::remove(tree.at("usr/share/applications/game.desktop"));
+    EXPECT_TRUE(runUninstall(parts, plan, {}, doors, never, {}).worked());
+    EXPECT_FALSE(isThere(tree.at("opt/game")));
+    // With its folder it may only be out of reach.
+    std::filesystem::rename(tree.at("opt"), tree.at("away"));
+    EXPECT_FALSE(runUninstall(parts, plan, {}, doors, never, {}).worked());
 }
 
 TEST_F(Uninstalling, NeverRemovesTheVendorsOwnAndThisProgram) {

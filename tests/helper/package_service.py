@@ -1,0 +1,105 @@
+"""A service for packages, with the one package "tool": what it would remove and what it does stand in a file of JSON that is read anew for each
+transaction. {"simulated": [[INFO, ID], ...], "real": "works" | "more" | "lies" | "empties" | "waits" | "holds", "status": PATH, "calls": PATH}
+"more" removes all packages but the first, "waits" goes on until it is cancelled, "holds" can not be cancelled and ends after a second, "empties" leaves dpkg's file without a word."""
+import json
+import sys
+
+import dbus
+import dbus.mainloop.glib
+import dbus.service
+from gi.repository import GLib
+
+NAME = "org.freedesktop.PackageKit"
+TOOL = "tool;1.0;amd64;installed"
+SUCCESS, CANCELLED, SIMULATE, INSTALLED = 1, 3, 4, 1
+
+
+class CannotCancel(dbus.DBusException):
+    _dbus_error_name = f"{NAME}.Transaction.CannotCancel"
+
+
+class Transaction(dbus.service.Object):
+    def __init__(self, bus, path):
+        super().__init__(bus, path)
+        with open(sys.argv[1], encoding="utf-8") as file:
+            self.scene = json.load(file)
+
+    def note(self, line):
+        with open(self.scene["calls"], "a", encoding="utf-8") as file:
+            file.write(line + "\n")
+
+    @dbus.service.method(f"{NAME}.Transaction", in_signature="as")
+    def SetHints(self, _hints):
+        pass
+
+    @dbus.service.method(f"{NAME}.Transaction", in_signature="tas")
+    def Resolve(self, _filter, _names):
+        GLib.idle_add(self.tell, [[INSTALLED, TOOL]])
+
+    @dbus.service.method(f"{NAME}.Transaction", in_signature="tasbb")
+    def RemovePackages(self, flags, ids, dependents, unused):
+        if flags & SIMULATE:
+            GLib.idle_add(self.tell, self.scene["simulated"])
+            return
+        self.note(f"remove {' '.join(ids)} {int(dependents)}{int(unused)}")
+        if self.scene["real"] == "holds":
+            GLib.timeout_add(1000, self.act)
+        elif self.scene["real"] != "waits":
+            GLib.idle_add(self.act)
+
+    @dbus.service.method(f"{NAME}.Transaction")
+    def Cancel(self):
+        self.note("cancel")
+        if self.scene["real"] == "holds":
+            raise CannotCancel("not now")
+        GLib.idle_add(self.end, CANCELLED)
+
+    def act(self):
+        if self.scene["real"] != "lies":
+            with open(self.scene["status"], encoding="utf-8") as file:
+                stanzas = file.read().split("\n\n")
+            left = [each for each in stanzas if "Package: tool\n" not in each + "\n"]
+            left = left[:{"empties": 0, "more": 1}.get(self.scene["real"], len(left))]
+            with open(self.scene["status"], "w", encoding="utf-8") as file:
+                file.write("\n\n".join(left))
+        self.end(SUCCESS)
+
+    def tell(self, packages):
+        for info, package in packages:
+            self.Package(info, package, "")
+        self.end(SUCCESS)
+
+    def end(self, how):
+        self.Finished(how, 0)
+
+    @dbus.service.signal(f"{NAME}.Transaction", signature="uss")
+    def Package(self, info, package, summary):
+        pass
+
+    @dbus.service.signal(f"{NAME}.Transaction", signature="uu")
+    def Finished(self, how, runtime):
+        pass
+
+
+class Service(dbus.service.Object):
+    made = 0
+
+    @dbus.service.method(NAME, out_signature="o")
+    def CreateTransaction(self):
+        self.made += 1
+        path = f"/{self.made}"
+        Transaction(self.connection, path)
+        return dbus.ObjectPath(path)
+
+
+def main():
+    dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
+    bus = dbus.SystemBus()
+    service = Service(bus, "/org/freedesktop/PackageKit")
+    name = dbus.service.BusName(NAME, bus)
+    GLib.MainLoop().run()
+    return service, name
+
+
+if __name__ == "__main__":
+    main()
