@@ -49,5 +49,6 @@ void checkAny(std::string_view text) {
         for (const std::string_view name : clause)
             require(!name.empty() && name.find(',') == std::string_view::npos);
     if (const auto answer = httpAnswer(text)) require(answer->body.size() <= text.size());
-    for (const SnapFacts& each : snapsIn(text)) require(!each.name.empty());
+    if (const auto snaps = snapsIn(text))
+        for (const SnapFacts& each : *snaps) require(!each.name.empty());
 }
