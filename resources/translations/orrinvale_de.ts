@@ -350,6 +350,14 @@
         <source>What lies on other disks stays.</source>
         <translation>Was auf anderen Datenträgern liegt, bleibt.</translation>
     </message>
+    <message>
+        <source>What lies on other volumes and in subvolumes stays.</source>
+        <translation>Was auf anderen Datenträgern und in Subvolumes liegt, bleibt.</translation>
+    </message>
+    <message>
+        <source>Ticked, and stays all the same: %1</source>
+        <translation>Angehakt, und bleibt trotzdem: %1</translation>
+    </message>
 </context>
 <context>
     <name>DiskUsageViews</name>
@@ -1429,6 +1437,13 @@
     </message>
 </context>
 <context>
+    <name>TreemapPicture</name>
+    <message>
+        <source>Smaller items: %1</source>
+        <translation>Kleinere Einträge: %1</translation>
+    </message>
+</context>
+<context>
     <name>UninstallAppsViews</name>
     <message>
         <source>ALL Software</source>
@@ -1937,6 +1952,22 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Could not be read</source>
         <translation>Nicht lesbar</translation>
+    </message>
+    <message>
+        <source>Leave this folder?</source>
+        <translation>Diesen Ordner verlassen?</translation>
+    </message>
+    <message>
+        <source>What is ticked in it is forgotten, and nothing is removed.</source>
+        <translation>Was darin angehakt ist, wird vergessen, und nichts wird entfernt.</translation>
+    </message>
+    <message>
+        <source>Leave</source>
+        <translation>Verlassen</translation>
+    </message>
+    <message>
+        <source>Nothing of what is ticked can be removed.</source>
+        <translation>Nichts von dem, was angehakt ist, kann entfernt werden.</translation>
     </message>
 </context>
 <context>

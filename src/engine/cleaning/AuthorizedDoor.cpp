@@ -130,10 +130,10 @@ AuthorizedDoor::AuthorizedDoor(const AuthorizationParts& parts, ToolTakes takes)
     : AuthorizedDoor(parts, ProtectedPlaces::ofThisMachine(*parts.files, parts.ownFiles), takes) {}
 
 AuthorizedDoor::AuthorizedDoor(const AuthorizationParts& parts, ProtectedPlaces places,
-                               ToolTakes takes)
+                               ToolTakes takes, std::shared_ptr<OwnChanges> own)
     : m_files(*parts.files),
       m_permissions(parts.permissions),
-      m_plain(*parts.files, std::move(places)),
+      m_plain(*parts.files, std::move(places), std::move(own)),
       m_takes(takes) {}
 
 // What the tool took from a folder makes room for another plain attempt: failures are told a

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -21,8 +22,10 @@ public:
     /// confirmed.
     explicit AuthorizedDoor(const AuthorizationParts& parts,
                             ToolTakes takes = ToolTakes::FilesAndFolders);
+    /// `own` as for PlainDoor.
     AuthorizedDoor(const AuthorizationParts& parts, ProtectedPlaces places,
-                   ToolTakes takes = ToolTakes::FilesAndFolders);
+                   ToolTakes takes = ToolTakes::FilesAndFolders,
+                   std::shared_ptr<OwnChanges> own = std::make_shared<OwnChanges>());
 
     /// A folder that shuts out its own owner is opened up for him, and shut again. The
     /// administrator's tool follows a refusal of rights alone, gets the entries that were refused,

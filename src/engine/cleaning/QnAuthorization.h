@@ -16,7 +16,9 @@
 
 namespace orrinvale {
 
+class OwnChanges;
 class Permissions;
+class ProtectedPlaces;
 
 /// What QnAuthorization works with; nothing of it is owned, and all must outlive the last use.
 struct AuthorizationParts {
@@ -75,6 +77,12 @@ public:
     /// places of this moment, the program's own files among them. The parts must have been handed
     /// over.
     [[nodiscard]] static std::unique_ptr<RemovalDoor> makeDoor();
+    /// The same for entries of a scan of which earlier removals took some: `own` knows what these
+    /// did to its files.
+    [[nodiscard]] static std::unique_ptr<RemovalDoor> makeDoorAfter(
+        std::shared_ptr<OwnChanges> own);
+    /// What such doors never remove, as of this moment. Asks the system; any thread.
+    [[nodiscard]] static ProtectedPlaces protectedPlaces();
     /// The same; the administrator's tool gets single files, and never a folder.
     [[nodiscard]] static std::unique_ptr<RemovalDoor> makeDoorForFiles();
 

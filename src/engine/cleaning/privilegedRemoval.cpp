@@ -17,6 +17,17 @@ std::unique_ptr<RemovalDoor> QnAuthorization::makeDoor() {
     return std::make_unique<AuthorizedDoor>(parts);
 }
 
+std::unique_ptr<RemovalDoor> QnAuthorization::makeDoorAfter(std::shared_ptr<OwnChanges> own) {
+    return std::make_unique<AuthorizedDoor>(shareQnAuthorization().m_parts, protectedPlaces(),
+                                            AuthorizedDoor::ToolTakes::FilesAndFolders,
+                                            std::move(own));
+}
+
+ProtectedPlaces QnAuthorization::protectedPlaces() {
+    const AuthorizationParts& parts = shareQnAuthorization().m_parts;
+    return ProtectedPlaces::ofThisMachine(*parts.files, parts.ownFiles);
+}
+
 std::unique_ptr<RemovalDoor> QnAuthorization::makeDoorForFiles() {
     return std::make_unique<AuthorizedDoor>(shareQnAuthorization().m_parts,
                                             AuthorizedDoor::ToolTakes::FilesAlone);

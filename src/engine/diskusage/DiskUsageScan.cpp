@@ -8,6 +8,7 @@
 #include <condition_variable>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -23,6 +24,12 @@ using namespace std::chrono_literals;
 constexpr auto betweenNews = 50ms;
 // After a stop; a disk that does not answer keeps its threads longer than that.
 constexpr auto patience = 900ms;
+
+// Of a folder that a scan anew did not come to: what it held before is no longer true.
+UsageResult uncounted() {
+    return {.contents = {.marks = FSNode::CutWithin},
+            .marks = FSNode::Undecided | FSNode::CutWithin};
+}
 
 }  // namespace
 
@@ -74,7 +81,7 @@ private:
     void ask(bool atOnce);
     void takeTurn();
     void take(Waiting waiting, UsageNews& news);
-    void putAgain(const Finished& each, UsageNews& news);
+    void putAgain(const std::vector<Finished>& done, UsageNews& news);
     void end(UsageNews& news);
 
     const FileSystem& m_files;
@@ -99,12 +106,15 @@ private:
     bool m_isAgain = false;
     // Of the thread that owns the tree.
     bool m_hasLevel = false;
+    bool m_hasWhole = false;
     std::vector<Finished> m_early;  // was told before the level
+    std::set<FSNode*> m_toCome;     // of a scan anew: folders that are not in the tree anew yet
     std::function<void(const UsageNews&)> m_news;
 };
 
 void DiskUsageScan::Scan::start(std::vector<FSNode*> again) {
     m_isAgain = !again.empty();
+    m_toCome.insert(again.begin(), again.end());
     try {
         std::thread([self = shared_from_this(), again = std::move(again)] {
             self->walk(again);
@@ -125,6 +135,7 @@ void DiskUsageScan::Scan::walk(const std::vector<FSNode*>& again) {
     errand.limit = m_options.limit;
     errand.allFileSystems = m_options.allFileSystems;
     if (m_isAgain) {
+        errand.own = m_tree->ownChanges().get();
         walkAgain(errand, again);
     } else {
         if (m_hasQueue) errand.sink = this;
@@ -219,37 +230,49 @@ void DiskUsageScan::Scan::take(Waiting waiting, UsageNews& news) {
     }
     std::vector<Finished> done = std::exchange(m_early, {});
     done.insert(done.end(), waiting.finished.begin(), waiting.finished.end());
-    if (!m_isAgain && !m_hasLevel) m_early.swap(done);
+    if (m_isAgain) return putAgain(done, news);
+    if (!m_hasLevel) m_early.swap(done);
     for (const Finished& each : done) {
-        if (m_isAgain) {
-            putAgain(each, news);
-            continue;
-        }
         m_tree->countUp(*each.node, each.found.size);
         m_tree->put(*each.node, each.found);
         (each.stays ? news.counted : news.left).push_back(each.node);
     }
-    if (!m_isAgain && !news.left.empty()) m_tree->leaveOut(news.left);
-    if (waiting.whole) m_tree->putWhole(*waiting.whole, m_hasLevel);
+    if (!news.left.empty()) m_tree->leaveOut(news.left);
+    if (waiting.whole) m_tree->putWhole(*waiting.whole);
+    m_hasWhole = m_hasWhole || waiting.whole;
 }
 
-void DiskUsageScan::Scan::putAgain(const Finished& each, UsageNews& news) {
-    FSNode* const father = each.node->father();
-    if (father != nullptr) passStatesDown(*father);
-    if (!each.stays && father != nullptr) {
-        m_tree->takeOut({&each.node, 1});
-        news.left.push_back(each.node);
-    } else {
+// States and marks of a folder above are worked out once for all that came in it.
+void DiskUsageScan::Scan::putAgain(const std::vector<Finished>& done, UsageNews& news) {
+    std::set<FSNode*> fathers;
+    for (const Finished& each : done)
+        if (FSNode* const father = each.node->father(); father != nullptr)
+            if (fathers.insert(father).second) passStatesDown(*father);
+    std::vector<FSNode*> gone;
+    for (const Finished& each : done) {
+        m_toCome.erase(each.node);
+        if (!each.stays && each.node->father() != nullptr) {
+            gone.push_back(each.node);
+            continue;
+        }
         m_tree->put(*each.node, each.found);
         each.node->setIsButtonState(FSNode::NotSelected);
         news.counted.push_back(each.node);
     }
-    if (father != nullptr) setAllSelectListsStae(*father);
+    m_tree->takeOut(gone);
+    news.left.insert(news.left.end(), gone.begin(), gone.end());
+    for (FSNode* const father : fathers) {
+        FSNodeTree::settleMarks(*father);
+        setAllSelectListsStae(*father);
+    }
 }
 
 // Once. The tree is not touched any more.
 void DiskUsageScan::Scan::end(UsageNews& news) {
-    if (!m_isAgain) m_tree->closeLevel();
+    std::vector<Finished> cut;
+    for (FSNode* const folder : m_toCome) cut.push_back({folder, uncounted(), true});
+    if (m_isAgain) putAgain(cut, news);
+    else if (!m_hasWhole) m_tree->closeLevel();
     news.ended = true;
     m_isEnded = true;
 }

@@ -55,15 +55,19 @@ EntryIdentity FSNode::identity() const {
     return identity;
 }
 
-// With the sizes beside the nodes, which lie all over the memory.
-void FSNode::sort(std::span<FSNode*> nodes) {
-    std::vector<std::pair<std::uint64_t, FSNode*>> sorted;
-    sorted.reserve(nodes.size());
-    for (FSNode* const node : nodes) sorted.emplace_back(node->m_size, node);
-    std::sort(sorted.begin(), sorted.end(), [](const auto& a, const auto& b) {
+void FSNode::sort(std::span<Sized> nodes) {
+    std::sort(nodes.begin(), nodes.end(), [](const Sized& a, const Sized& b) {
         if (a.first != b.first) return a.first > b.first;
         return std::strcmp(a.second->m_name, b.second->m_name) < 0;
     });
+}
+
+// With the sizes beside the nodes, which lie all over the memory.
+void FSNode::sort(std::span<FSNode*> nodes) {
+    std::vector<Sized> sorted;
+    sorted.reserve(nodes.size());
+    for (FSNode* const node : nodes) sorted.emplace_back(node->m_size, node);
+    sort(std::span(sorted));
     std::transform(sorted.begin(), sorted.end(), nodes.begin(),
                    [](const auto& each) { return each.second; });
 }

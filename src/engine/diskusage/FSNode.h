@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "engine/files/EntryIdentity.h"
 #include "platform/fileTypes.h"
@@ -23,6 +24,7 @@ struct FSContents {
     std::uint64_t outside = 0;  ///< bytes on the disk of files that have names elsewhere too
     std::uint32_t childCount = 0;
     std::uint32_t leftOutCount = 0;
+    std::uint8_t marks = 0;  ///< FSNode::Mark: those of the folder itself and of what has no node
 };
 
 /// The entries directly in a folder that are under the limit and so have no nodes.
@@ -118,10 +120,13 @@ public:
 private:
     friend class FSNodeTree;
     friend class UsageWalk;
+    friend struct UsageFolder;
     FSNode() = default;
     static constexpr std::uint8_t within = CutWithin | UnreadWithin | ForeignWithin | LeftOutWithin;
     static constexpr std::uint8_t notWhole = Undecided | within;
 
+    using Sized = std::pair<std::uint64_t, FSNode*>;  // with its size
+    static void sort(std::span<Sized> nodes);
     static void sort(std::span<FSNode*> nodes);
     [[nodiscard]] std::span<FSNode*> list() const;
 

@@ -72,6 +72,7 @@ void FSNodeTree::takeOut(std::span<FSNode* const> nodes) {
             subtract(above->m_size, size);
             subtract(above->m_onDisk, onDisk);
         }
+        settleMarks(*father);
     }
 }
 
@@ -91,6 +92,15 @@ void FSNodeTree::put(FSNode& folder, const UsageResult& found) {
     }
 }
 
+// The folder above one that stays as it was has nothing to take back.
+void FSNodeTree::settleMarks(FSNode& folder) {
+    for (FSNode* each = &folder; each != nullptr; each = each->m_father) {
+        std::uint8_t marks = each->m_contents->marks | (each->m_marks & FSNode::Undecided);
+        for (const FSNode* const child : each->list()) marks |= child->m_marks & FSNode::within;
+        if (std::exchange(each->m_marks, marks) == marks) return;
+    }
+}
+
 void FSNodeTree::putLevel(std::span<FSNode*> level) {
     FSContents& contents = *root().m_contents;
     contents.children = level.data();
@@ -104,13 +114,8 @@ void FSNodeTree::countUp(FSNode& node, std::uint64_t size) {
     addSaturating(root().m_size, size);
 }
 
-void FSNodeTree::putWhole(const UsageResult& found, bool hasLevel) {
-    FSContents contents = found.contents;
-    if (hasLevel) {
-        contents.children = root().m_contents->children;
-        contents.childCount = root().m_contents->childCount;
-    }
-    *root().m_contents = contents;
+void FSNodeTree::putWhole(const UsageResult& found) {
+    *root().m_contents = found.contents;
     root().m_size = found.size;
     root().m_onDisk = found.onDisk;
     root().m_marks = found.marks;
@@ -119,10 +124,12 @@ void FSNodeTree::putWhole(const UsageResult& found, bool hasLevel) {
 void FSNodeTree::closeLevel() {
     for (FSNode* const node : root().list()) {
         if (!node->has(FSNode::Undecided)) continue;
-        node->m_marks =
-            static_cast<std::uint8_t>((node->m_marks & ~FSNode::Undecided) | FSNode::CutWithin);
-        root().m_marks |= FSNode::CutWithin;
+        node->m_marks = FSNode::CutWithin;
+        if (node->m_contents != nullptr) node->m_contents->marks = FSNode::CutWithin;
     }
+    root().m_contents->marks = FSNode::CutWithin;
+    root().m_marks |= FSNode::CutWithin;
+    if (root().list().empty()) root().m_marks |= FSNode::Undecided;
     FSNode::sort(root().list());
 }
 

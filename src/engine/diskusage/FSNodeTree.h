@@ -24,7 +24,7 @@ struct UsageResult {
 };
 
 /// One thread at a time, which owns the tree. A node costs 64 bytes, 8 in its father's list, a
-/// folder 32 more, and the name.
+/// folder 40 more, and the name.
 class FSNodeTree final {
 public:
     /// `rootPath` is absolute; exact bytes.
@@ -37,24 +37,27 @@ public:
     [[nodiscard]] FSNode& root();
     [[nodiscard]] const FSNode& root() const;
 
-    /// Takes nodes out of their fathers' lists, and their bytes of every folder above: what a
-    /// removal took away. Those that were taken out before are passed over. The lists are gone
-    /// through once for each father. Files that have names elsewhere stay in the bytes on the disk
-    /// of the folders above, since nobody knows where; a new scan tells.
+    /// Takes nodes out of their fathers' lists, and their bytes and marks of every folder above:
+    /// what a removal took away. Those that were taken out before are passed over. The lists are
+    /// gone through once for each father. Files that have names elsewhere stay in the bytes on the
+    /// disk of the folders above, since nobody knows where; a new scan tells.
     void takeOut(std::span<FSNode* const> nodes);
 
     // For the scans.
 
     /// Replaces what a folder holds by what a walk found there, and passes the difference of its
-    /// sizes to the folders above.
+    /// sizes and its marks to the folders above.
     void put(FSNode& folder, const UsageResult& found);
+    /// Takes back from the folder and those above what no child of theirs says any more.
+    static void settleMarks(FSNode& folder);
     /// The first level, before it is counted. The list lasts as long as the tree.
     void putLevel(std::span<FSNode*> level);
     /// A node directly in the root has this size by now, and so has the root more.
     void countUp(FSNode& node, std::uint64_t size);
-    /// What the walk found on the whole; the root keeps the level that it has.
-    void putWhole(const UsageResult& found, bool hasLevel);
-    /// Brings the first level into its last order. What is still undecided was cut by a stop.
+    /// What the walk found on the whole, with the first level in its last order.
+    void putWhole(const UsageResult& found);
+    /// In its place when the walk did not come to its end: brings the first level into its order.
+    /// What is still undecided was cut.
     void closeLevel();
     /// Takes nodes out of the root's list; their bytes stay in its size.
     void leaveOut(std::span<FSNode* const> nodes) { removeFromList(root(), nodes); }

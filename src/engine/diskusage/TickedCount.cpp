@@ -8,6 +8,7 @@
 #include "engine/base/saturating.h"
 #include "engine/diskusage/LinkedFiles.h"
 #include "engine/diskusage/UsageWalk.h"
+#include "engine/files/HeldEntry.h"
 #include "engine/files/TreeSize.h"
 #include "platform/files.h"
 
@@ -16,15 +17,27 @@ namespace {
 
 class Counting {
 public:
-    Counting(const FileSystem& files, UsageCounts& progress)
-        : m_files(files), m_progress(progress), m_passing(files.devicesOfPassingInodes()) {}
+    Counting(const FileSystem& files, const RemovalRules& rules, UsageCounts& progress)
+        : m_files(files),
+          m_rules(rules),
+          m_progress(progress),
+          m_passing(files.devicesOfPassingInodes()) {}
 
     void take(TickedEntry&& ticked) {
         CountedEntry counted;
         static_cast<TickedEntry&>(counted) = std::move(ticked);
         counted.identity.learnPassing(m_passing);
-        if (counted.isFolder) takeFolder(counted);
-        else takeFile(counted);
+        const auto held = HeldEntry::at(m_files, m_rules.places, counted.path, counted.identity,
+                                        m_rules.own.get(), &m_parents);
+        if (!held && held.error().kind == HeldEntry::Objection::Kind::Refused) {
+            m_count.staying.push_back(
+                {{counted.path, held.error().reason, held.error().why}, counted.node});
+            return;
+        }
+        if (!held && held.error().error != ENOENT)
+            m_skipped.add(systemError("attributes", counted.path, held.error().error));
+        if (held && counted.isFolder) takeFolder(counted);
+        else if (held) takeFile(*held);
         m_count.entries.push_back(std::move(counted));
     }
 
@@ -32,7 +45,6 @@ public:
         // What all names of a file that go have counted, less what names elsewhere keep.
         const std::uint64_t staying = std::min(m_linked.outside(), m_count.onDisk);
         m_count.onDisk -= staying;
-        m_count.onDisk -= std::min(m_shared, m_count.onDisk);
         m_count.skipped = m_skipped.entries();
         m_count.stopped = m_progress.stop;
         m_count.files = m_progress.files;
@@ -48,7 +60,7 @@ private:
         errand.counts = &m_progress;
         errand.skipped = &m_skipped;
         errand.seen = seen.get();
-        errand.asksShared = true;
+        errand.own = m_rules.own.get();
         UsageWalk walk(errand);
         const UsageResult found = walk.run(nullptr, counted.path, Links::Keep);
         counted.seen = seen;
@@ -59,41 +71,33 @@ private:
         addSaturating(m_count.size, found.size);
         addSaturating(m_count.onDisk, found.onDisk);
         merge(walk.takeLinked());
-        m_shared += walk.sharedBytes();
         m_count.isUpTo = m_count.isUpTo || walk.isUpTo();
+        m_count.hasVolumes = m_count.hasVolumes || walk.hasVolumes();
     }
 
-    void takeFile(CountedEntry& counted) {
-        const auto begin = startOfLastComponent(counted.path);
-        const auto parent = openFolderByPath(m_files, counted.path.substr(0, begin), Links::Follow);
-        const std::string name = counted.path.substr(begin);
-        const auto now = parent ? m_files.attributes(parent->get(), name.c_str(), Links::Keep)
-                                : tl::unexpected(parent.error());
-        if (!now) {
-            if (now.error() != ENOENT)
-                m_skipped.add(systemError("attributes", counted.path, now.error()));
-            return;
-        }
-        const std::uint64_t size = countedSize(*now);
+    void takeFile(const HeldEntry& held) {
+        const FileAttributes& now = held.attributes;
+        const std::uint64_t size = countedSize(now);
         addSaturating(m_count.size, size);
         m_progress.files.fetch_add(1);
         m_progress.found.fetch_add(1);
         addSaturating(m_progress.size, size);
-        if (now->type == FileType::Regular) askShared(parent->get(), name, *now);
-        if (now->links < 2) return addSaturating(m_count.onDisk, now->onDisk);
+        const std::uint64_t onDisk = now.onDisk - sharedOf(held);
+        if (now.links < 2) return addSaturating(m_count.onDisk, onDisk);
         LinkedFiles one;
-        addSaturating(m_count.onDisk, one.add(now->device, now->inode, now->links, now->onDisk));
+        addSaturating(m_count.onDisk, one.add(now.device, now.inode, now.links, onDisk));
         merge(std::move(one));
     }
 
-    void askShared(int parent, const std::string& name, const FileAttributes& now) {
-        if (!m_files.sharesExtents(parent)) return;
+    std::uint64_t sharedOf(const HeldEntry& held) {
+        const bool isRegular = held.attributes.type == FileType::Regular;
+        if (!isRegular || !m_files.sharesExtents(held.parent.get())) return 0;
         m_count.isUpTo = true;
         ReadState state;
-        const auto file = m_files.openFile(parent, name.c_str(), Links::Keep, state);
-        if (!file) return;
-        if (const auto shared = m_files.sharedBytes(file->get()))
-            m_shared += std::min(*shared, now.onDisk);
+        const auto file =
+            m_files.openFile(held.parent.get(), held.name.c_str(), Links::Keep, state);
+        if (!file) return 0;
+        return std::min(m_files.sharedBytes(file->get()).value_or(0), held.attributes.onDisk);
     }
 
     void merge(LinkedFiles&& within) {
@@ -101,12 +105,13 @@ private:
     }
 
     const FileSystem& m_files;
+    const RemovalRules& m_rules;
     UsageCounts& m_progress;
+    HeldParents m_parents;
     const std::vector<std::uint64_t> m_passing;
     TickedCount m_count;
     LinkedFiles m_linked;
     SkipList m_skipped;
-    std::uint64_t m_shared = 0;
 };
 
 }  // namespace
@@ -123,9 +128,9 @@ std::vector<TickedEntry> tickedEntries(std::span<FSNode* const> delNodesArr) {
     return ticked;
 }
 
-TickedCount countTicked(const FileSystem& files, std::vector<TickedEntry> ticked,
-                        UsageCounts& progress) {
-    Counting counting(files, progress);
+TickedCount countTicked(const FileSystem& files, const RemovalRules& rules,
+                        std::vector<TickedEntry> ticked, UsageCounts& progress) {
+    Counting counting(files, rules, progress);
     for (TickedEntry& each : ticked) {
         if (progress.stop) break;
         counting.take(std::move(each));

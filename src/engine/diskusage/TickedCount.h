@@ -10,6 +10,9 @@
 
 #include "engine/diskusage/FSNode.h"
 #include "engine/diskusage/UsageCounts.h"
+#include "engine/files/OwnChanges.h"
+#include "engine/files/ProtectedPlaces.h"
+#include "engine/files/RemovalResult.h"
 #include "engine/files/SeenEntries.h"
 #include "platform/error.h"
 #include "platform/fileTypes.h"
@@ -34,7 +37,11 @@ struct CountedEntry : TickedEntry {
 };
 
 struct TickedCount {
-    std::vector<CountedEntry> entries;  ///< in the order of the ticked ones
+    /// Ticked, and may not go, or is not what the scan saw.
+    struct Staying : StayedEntry {
+        FSNode* node = nullptr;
+    };
+    std::vector<CountedEntry> entries;  ///< what is to go, in the order of the ticked ones
     std::uint64_t files = 0;            ///< whatever is no folder, those under the limit among them
     std::uint64_t folders = 0;          ///< the ticked ones among them
     std::uint64_t size = 0;             ///< bytes, each name of a file
@@ -42,15 +49,23 @@ struct TickedCount {
                                ///< go, without extents that are shared with others
     bool isUpTo = false;  ///< less may come back: compressed files, or extents shared among those
                           ///< that go and nobody knows with whom else
-    std::vector<Error> skipped;  ///< could not be read, and so will stay
-    bool hasForeign = false;     ///< something is on another file system, and will stay
+    std::vector<Error> skipped;    ///< could not be read, and so will stay
+    std::vector<Staying> staying;  ///< none of `entries`
+    bool hasForeign = false;       ///< something is on another file system, and will stay
+    bool hasVolumes = false;       ///< or in a volume of its own within this one
     bool stopped = false;
+};
+
+/// What a removal goes by, so that the question promises nothing that it would refuse.
+struct RemovalRules {
+    ProtectedPlaces places;
+    std::shared_ptr<const OwnChanges> own;  ///< which are no changes; may be null
 };
 
 /// Counts by as many threads as pay, and returns when it is done or progress.stop is set; any
 /// thread but the main one, by runAside() in the window. Entries on other file systems than their
 /// ticked one are not counted, since no removal crosses a mount.
-[[nodiscard]] TickedCount countTicked(const FileSystem& files, std::vector<TickedEntry> ticked,
-                                      UsageCounts& progress);
+[[nodiscard]] TickedCount countTicked(const FileSystem& files, const RemovalRules& rules,
+                                      std::vector<TickedEntry> ticked, UsageCounts& progress);
 
 }  // namespace orrinvale

@@ -5,6 +5,8 @@
 #include <limits>
 #include <span>
 
+#include "engine/base/saturating.h"
+
 namespace orrinvale {
 namespace {
 
@@ -92,21 +94,41 @@ bool isDrawn(const TreemapRectangle& folder, const TreemapRectangle& room,
            std::min(folder.width(), folder.height()) >= spacing.least;
 }
 
-void addChildren(std::vector<TreemapEntry>& entries, std::uint32_t index) {
+/// What of a folder comes into the map, and what stands for the rest of it.
+struct Share {
+    std::span<FSNode* const> shown;
+    LeftOut rest;
+    bool hasLarge = false;
+};
+
+Share shareOf(const FSNode& folder, std::size_t most) {
+    Share share{folder.children(), folder.leftOut()};
+    if (share.shown.size() <= most) return share;
+    share.rest.entries += share.shown.size() - most;
+    share.shown = share.shown.first(most);
+    share.hasLarge = true;
+    std::uint64_t size = 0;
+    for (const FSNode* const child : share.shown) addSaturating(size, child->size());
+    share.rest.size = folder.size() - std::min(size, folder.size());
+    return share;
+}
+
+void addChildren(std::vector<TreemapEntry>& entries, std::uint32_t index, std::size_t most) {
     const FSNode& folder = *entries[index].node;
-    const LeftOut leftOut = folder.leftOut();
+    const auto [shown, leftOut, hasLarge] = shareOf(folder, most);
     const auto first = static_cast<std::uint32_t>(entries.size());
     const auto depth = static_cast<std::uint16_t>(std::min(entries[index].depth + 1, 65535));
     bool isLeftOutIn = leftOut.size == 0;
-    const auto addLeftOut = [&] {
+    const auto addLeftOut = [&, leftOut = leftOut, hasLarge = hasLarge] {
         isLeftOutIn = true;
         entries.push_back({.node = &folder,
                            .size = leftOut.size,
                            .parent = index,
                            .depth = depth,
-                           .isLeftOut = true});
+                           .leftOut = static_cast<std::uint32_t>(leftOut.entries),
+                           .hasLarge = hasLarge});
     };
-    for (const FSNode* const child : folder.children()) {
+    for (const FSNode* const child : shown) {
         if (child->size() == 0) continue;
         if (!isLeftOutIn && leftOut.size > child->size()) addLeftOut();
         entries.push_back({.node = child, .size = child->size(), .parent = index, .depth = depth});
@@ -122,10 +144,10 @@ std::vector<TreemapEntry> treemapEntries(const FSNode& folder, std::size_t most)
     std::vector<TreemapEntry> entries{{.node = &folder, .size = folder.size()}};
     for (std::uint32_t i = 0; i < entries.size(); ++i) {
         const TreemapEntry& entry = entries[i];
-        if (entry.isLeftOut || !entry.node->isDirectory()) continue;
+        if (entry.isLeftOut() || !entry.node->isDirectory()) continue;
         const std::size_t more = entry.node->children().size() + 1;
         if (i != 0 && entries.size() + more > most) continue;
-        addChildren(entries, i);
+        addChildren(entries, i, most);
     }
     return entries;
 }

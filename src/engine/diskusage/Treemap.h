@@ -17,8 +17,11 @@ struct TreemapEntry {
     std::uint32_t parent = 0;  ///< index; the first entry is the folder itself, and its own parent
     std::uint32_t firstChild = 0;
     std::uint32_t childCount = 0;
-    std::uint16_t depth = 0;  ///< 0 is the folder itself
-    bool isLeftOut = false;   ///< stands for all that is left out of its parent
+    std::uint16_t depth = 0;    ///< 0 is the folder itself
+    std::uint32_t leftOut = 0;  ///< stands for so many entries of its parent that are not in the
+                                ///< map one by one
+    bool hasLarge = false;      ///< some of these are in the tree
+    [[nodiscard]] bool isLeftOut() const { return leftOut != 0; }
 };
 
 /// Edges, in the units of the whole; neighbours have the very same number for the edge between
@@ -36,8 +39,8 @@ struct TreemapSpacing {
 };
 
 /// The folder and what is in it, level by level, the biggest of each folder first, about `most`
-/// entries: a level of a folder comes whole or not at all. Entries without bytes are not in it. On
-/// the thread that owns the tree.
+/// entries: a level of a folder comes whole or not at all, but for the first, of which the biggest
+/// come. Entries without bytes are not in it. On the thread that owns the tree.
 [[nodiscard]] std::vector<TreemapEntry> treemapEntries(const FSNode& folder,
                                                        std::size_t most = 100'000);
 

@@ -53,6 +53,11 @@ std::span<FSNode* const> openColumn(FSNode& node) {
     return node.children();
 }
 
+void untick(std::span<FSNode* const> nodes) {
+    for (FSNode* const node : nodes)
+        if (node->isButtonState() == FSNode::Selected) clickBox(*node);
+}
+
 void passStatesDown(FSNode& node) {
     std::vector<FSNode*> way;
     for (FSNode* each = &node; each != nullptr; each = each->father()) way.push_back(each);

@@ -27,6 +27,9 @@ void setChildrenState(FSNode& node, FSNode::State state);
 /// loaded: a state of 0 or 1 is passed on to them first, a mixed one is left alone.
 [[nodiscard]] std::span<FSNode* const> openColumn(FSNode& node);
 
+/// Takes the ticks from those of the nodes that have one, as a click on each box does.
+void untick(std::span<FSNode* const> nodes);
+
 /// Passes the states on from the root to the children of `node`, as when every column on the way to
 /// it is loaded anew, so that what stands below is what is seen.
 void passStatesDown(FSNode& node);

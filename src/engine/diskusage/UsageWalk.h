@@ -80,8 +80,11 @@ struct UsageErrand {
     UsageCounts* counts = nullptr;
     SkipList* skipped = nullptr;
     UsageSink* sink = nullptr;    ///< null: the first level is not told
-    SeenEntries* seen = nullptr;  ///< null, or gets every entry
-    bool asksShared = false;      ///< opens files to ask which of their extents are shared
+    SeenEntries* seen = nullptr;  ///< null; or gets every entry that a removal of the folder would
+                                  ///< take, and what counts on the disk is what that gives back:
+                                  ///< files are opened and asked which of their extents are shared
+    const OwnChanges* own = nullptr;  ///< null, or what our removals changed since the first scan,
+                                      ///< which is remembered as it was then
     std::uint64_t limit = 0;
     bool allFileSystems = false;
 };
@@ -101,8 +104,10 @@ public:
     [[nodiscard]] LinkedFiles takeLinked() { return std::move(m_linked); }
     /// What the sink was told of; to be kept as long as it looks at them.
     [[nodiscard]] std::vector<std::unique_ptr<CountedTop>> takeTops() { return std::move(m_tops); }
-    [[nodiscard]] std::uint64_t sharedBytes() const { return m_sharedBytes; }
+    /// Less may come back than counts on the disk.
     [[nodiscard]] bool isUpTo() const { return m_isUpTo; }
+    /// Of a walk for a removal: met a volume within the mounted one, which that would not enter.
+    [[nodiscard]] bool hasVolumes() const { return m_hasVolumes; }
 
 private:
     friend struct UsageFolder;
@@ -116,13 +121,16 @@ private:
     void listed(WalkedFolder& folder) override;
     void fail(WalkedFolder& folder, std::string_view operation, int number) override;
 
-    UsageFolder* takeEntry(UsageFolder& folder, const CatalogEntry& entry, Piece& piece);
+    UsageFolder* takeEntry(UsageFolder& folder, int handle, CatalogEntry& entry, Piece& piece);
     UsageFolder* makeFolder(UsageFolder& above, const CatalogEntry& entry, std::uint8_t marks,
                             Piece& piece);
     void takeFile(const UsageFolder& folder, const CatalogEntry& entry, std::uint8_t marks,
                   Piece& piece);
-    void askShared(int handle, const CatalogEntry& entry);
-    [[nodiscard]] bool isForeign(const FileAttributes& entry) const;
+    void askShared(int handle, CatalogEntry& entry);
+    [[nodiscard]] FileAttributes asScanned(const FileAttributes& now) const {
+        return m_errand.own != nullptr ? m_errand.own->withoutOurs(now) : now;
+    }
+    [[nodiscard]] bool isForeign(const FileAttributes& entry);
     [[nodiscard]] bool passes(std::uint64_t size, std::uint8_t marks, bool isFirstLevel) const;
     static FSNode* makeNode(Arena& arena, std::uint16_t device, const FileAttributes& seen,
                             std::string_view name, std::uint8_t marks);
@@ -142,8 +150,8 @@ private:
     std::uint64_t m_startDevice = 0;
     UsageResult m_result;
     LinkedFiles m_linked;
-    std::atomic<std::uint64_t> m_sharedBytes{0};
-    std::atomic<bool> m_isUpTo{false};
+    bool m_isUpTo = false;  // fixed before the walk
+    std::atomic<bool> m_hasVolumes{false};
 
     std::array<std::mutex, 64> m_folderMutexes;  // each guards the sums of some folders
     std::mutex m_seenMutex;                      // guards the set of the errand

@@ -26,6 +26,7 @@
 #include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/pathText.h"
+#include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/lists/LeftRail.h"
 #include "ui/page/Padlock.h"
 #include "ui/page/PageStack.h"
@@ -125,10 +126,7 @@ void DiskUsageAppController::connectControls() {
     connect(views.lockButton, &Padlock::answered, this, [this] { enter(m_state); });
     connect(views.quietLine, &QAbstractButton::clicked, this, &Self::showSkipped);
     connect(views.failureLine, &QAbstractButton::clicked, this, &Self::showFailures);
-    connect(views.backButton, &QAbstractButton::clicked, this, [this] {
-        if (m_beforeSelectRow >= 0 && m_beforeSelectRow == customRowNum()) backButtonAction();
-        clickBackBtn();
-    });
+    connect(views.backButton, &QAbstractButton::clicked, this, &Self::goBack);
 }
 
 void DiskUsageAppController::connectKeys() {
@@ -301,14 +299,32 @@ std::vector<DiskUsageLeftCell::Place> DiskUsageAppController::placesNow() const 
     return places;
 }
 
+// What was scanned before a volume came lies under it now, or went with the volume before. A folder
+// of one's own at its place has become that volume.
+void DiskUsageAppController::giveWayToVolumes() {
+    for (const SeenVolume& each : m_localDiskArr.volumes) {
+        const std::string& path = each.record->volRootDir;
+        if (each.record->volType != LocalVolume || m_own.home == path) continue;
+        const auto row = std::ranges::find(m_leftCellArr, path, &DiskUsageLeftCell::pathName);
+        const bool isOther =
+            row != m_leftCellArr.end() && (*row)->title() != placeOf(*each.record).name;
+        if (m_pathStrDrag != path && !isOther) continue;
+        m_scans.erase(path);
+        if (m_pathStrDrag == path) m_pathStrDrag.clear();
+        if (m_selectedPath == path) m_selectedPath.clear();
+    }
+}
+
 // Rows that stand get new figures; other rows are made anew, and what was selected is found by its
 // path.
 void DiskUsageAppController::getLocalDiskInfo() {
     m_hasNewVolumes = false;
+    giveWayToVolumes();
     const auto places = placesNow();
     const bool isSame = std::ranges::equal(
-        places, m_leftCellArr, [](const auto& place, const DiskUsageLeftCell* cell) {
-            return place.path == cell->pathName() && place.name == cell->title();
+        places, m_leftCellArr, [this](const auto& place, const DiskUsageLeftCell* cell) {
+            return place.path == cell->pathName() && place.name == cell->title() &&
+                   m_scans.contains(place.path) == cell->isScaned();
         });
     if (!isSame) {
         makeRows(places);
@@ -413,6 +429,28 @@ void DiskUsageAppController::forwardViewForAnimation() {
 
 void DiskUsageAppController::backViewForAnimation() {
     m_views->stack->showView(m_views->diskUsageView);
+}
+
+// With the custom row its ticks go.
+void DiskUsageAppController::goBack() {
+    const bool isCustom = m_beforeSelectRow >= 0 && m_beforeSelectRow == customRowNum();
+    if (!isCustom || !isFree()) return clickBackBtn();
+    const auto leave = [this] {
+        backButtonAction();
+        clickBackBtn();
+    };
+    if (rootNode() == nullptr || !hasTicks(*rootNode())) return leave();
+    Alert question;
+    question.title = tr("Leave this folder?");
+    question.text = tr("What is ticked in it is forgotten, and nothing is removed.");
+    question.buttons = QStringList{tr("Leave"), tr("Cancel")};
+    question.cancelButton = 1;
+    m_parts.dialogs->alert(m_mainWindow, question,
+                           [self = QPointer(this), leave, asked = m_pathStrDrag](int button) {
+                               if (self == nullptr || button != 0 || !self->isFree()) return;
+                               if (self->m_selectedPath == asked && self->m_pathStrDrag == asked)
+                                   leave();
+                           });
 }
 
 void DiskUsageAppController::clickBackBtn() {

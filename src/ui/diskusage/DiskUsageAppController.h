@@ -10,6 +10,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -33,6 +34,7 @@ namespace orrinvale {
 class DiskUsageViews;
 class FileSystemBrowserCell;
 class UsageRemoval;
+struct TreemapEntry;
 
 /// What the page works with beside the services of all pages. Nothing of it is owned.
 struct DiskUsageParts {
@@ -111,6 +113,7 @@ private:
     void look(bool isOnScreen);
     void volumesSeen(const SystemSight& seen);
     void getLocalDiskInfo();
+    void giveWayToVolumes();
     [[nodiscard]] std::vector<DiskUsageLeftCell::Place> placesNow() const;
     void makeRows(const std::vector<DiskUsageLeftCell::Place>& places);
     void updateLeftCellBackGrounImage(const ClickedPlace& clicked);
@@ -119,6 +122,7 @@ private:
     [[nodiscard]] std::int32_t rowOfPath(const std::string& path) const;
     void forwardViewForAnimation();
     void backViewForAnimation();
+    void goBack();
 
     // Scan.
     /// A place that was scanned.
@@ -151,7 +155,8 @@ private:
     void showRowMenu(FSNode* node, QPoint position);
     void showMap(bool isMap);
     void showMapFolder();
-    void mapHovered(const FSNode* node, bool isLeftOut);
+    void mapHovered(const TreemapEntry* entry);
+    void showMapLine(const FSNode* node);
     void goTo(const FSNode& node);
     void goUp();
     void connectMap();
@@ -159,12 +164,16 @@ private:
 
     // Removal.
     void countTickedNow();
+    void countingEnded(const std::shared_ptr<TickedCount>& counted,
+                       const std::weak_ptr<ShownScan>& of);
     void askToRemove(std::shared_ptr<TickedCount> counted);
     void firstAlertEnded(int code, const std::shared_ptr<TickedCount>& counted);
     void removalNews();
     void removalEnded(const RemovalOutcome& outcome);
     void showRemoved();
-    void delayTimer();
+    void delayTimer(const RemovalOutcome& outcome);
+    void tellNothingGoes(const TickedCount& counted);
+    void forgetSkipped(const std::vector<FSNode*>& gone);
     void showSkipped();
     void showFailures();
 
@@ -189,6 +198,7 @@ private:
     std::map<std::string, Scanned, std::less<>> m_scans;  // by path
     std::unique_ptr<DiskUsageScan> m_scan;                // the running one
     bool m_isRescan = false;                              // of folders in a tree that stands
+    std::set<std::string, std::less<>> m_rescanned;       // their paths
     std::uint64_t m_shownSteps = 0;
     QTimer m_refreshTimer;
     QTimer m_reloadTimer;
@@ -198,7 +208,7 @@ private:
     bool m_isMap = false;  // shown in place of the columns
     PathAnimation m_flight;
     std::shared_ptr<UsageCounts> m_counting;  // null while nothing is counted
-    std::vector<FSNode*> m_delNodesArr;
+    std::vector<FSNode*> m_delNodesArr;       // what is ticked, and then what goes
     std::shared_ptr<UsageRemoval> m_removalList;
     std::unique_ptr<RemovalJob> m_removal;
     std::vector<FSNode*> m_partly;  // folders of which a removal took a part

@@ -22,7 +22,7 @@ void DiskUsageAppController::connectMap() {
     connect(&map, &TreemapView::menuWanted, this, &DiskUsageAppController::showRowMenu);
     connect(&map, &TreemapView::chosen, this, [this](const FSNode* node) {
         notice::selectPath.post(*m_parts.notifications, node->path());
-        mapHovered(node, false);
+        showMapLine(node);
     });
     connect(m_views->mapUpBtn, &QAbstractButton::clicked, this, &DiskUsageAppController::goUp);
 }
@@ -47,17 +47,25 @@ void DiskUsageAppController::showMapFolder() {
     m_views->map->setCurrent(nodeOf(browser.current()));
     m_views->map->reload();
     m_views->mapUpBtn->setEnabled(m_state == State::Result && folder.father() != nullptr);
-    mapHovered(nullptr, false);
+    showMapLine(nullptr);
 }
 
-void DiskUsageAppController::mapHovered(const FSNode* node, bool isLeftOut) {
-    const FSNode* const shown = node != nullptr ? node : m_views->map->folder();
+void DiskUsageAppController::mapHovered(const TreemapEntry* entry) {
     const Scanned* const scanned = current();
-    if (shown == nullptr || scanned == nullptr) return;
-    const QString what = isLeftOut ? leftOutWords(shown->leftOut().entries, scanned->shown->limit)
-                                   : onOneLine(QString::fromStdString(shown->path()));
-    const QString size = isLeftOut ? bytesWords(shown->leftOut().size) : sizeWords(*shown, false);
-    m_views->mapLine->setText(QStringLiteral("%1  ·  %2").arg(size, what));
+    if (entry == nullptr || !entry->isLeftOut() || scanned == nullptr)
+        return showMapLine(entry != nullptr ? entry->node : nullptr);
+    m_views->mapLine->setText(
+        QStringLiteral("%1  ·  %2")
+            .arg(bytesWords(entry->size), restWords(*entry, scanned->shown->limit)));
+}
+
+// Null: of the folder.
+void DiskUsageAppController::showMapLine(const FSNode* node) {
+    const FSNode* const shown = node != nullptr ? node : m_views->map->folder();
+    if (shown == nullptr) return;
+    m_views->mapLine->setText(
+        QStringLiteral("%1  ·  %2")
+            .arg(sizeWords(*shown, false), onOneLine(QString::fromStdString(shown->path()))));
 }
 
 // From the root on, each in the list of its father.

@@ -3,12 +3,15 @@
 #include <QCoreApplication>
 #include <QLabel>
 #include <QLocale>
+#include <algorithm>
 #include <chrono>
+#include <span>
 #include <utility>
 
 #include "engine/cleaning/QnAuthorization.h"
 #include "engine/diskusage/UsageRemoval.h"
 #include "engine/diskusage/UsageSelection.h"
+#include "engine/files/ProtectedPlaces.h"
 #include "services/foundation/runAside.h"
 #include "ui/diskusage/DiskUsageAppController.h"
 #include "ui/diskusage/DiskUsageViews.h"
@@ -19,9 +22,11 @@
 #include "ui/kit/controls/Animation.h"
 #include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/controls/PictureView.h"
+#include "ui/kit/controls/pathText.h"
 #include "ui/kit/controls/showDisappearingEffect.h"
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/dialogs/LineList.h"
+#include "ui/kit/dialogs/failureWords.h"
 #include "ui/kit/dialogs/removalWords.h"
 #include "ui/page/Padlock.h"
 
@@ -35,6 +40,18 @@ QString counted(std::uint64_t count) { return QLocale().toString(qulonglong(coun
 
 QString text(const char* source) {
     return QCoreApplication::translate("DiskUsageAppController", source);
+}
+
+// The first of those that may not go, each with the reason.
+QStringList stayingWords(const TickedCount& ticked) {
+    constexpr std::size_t mostNamed = 3;
+    QStringList lines;
+    for (const auto& each :
+         std::span(ticked.staying).first(std::min(ticked.staying.size(), mostNamed)))
+        lines.push_back(QStringLiteral("%1: %2").arg(onOneLine(QString::fromStdString(each.path)),
+                                                     inWords(each.reason)));
+    if (ticked.staying.size() > mostNamed) lines.push_back(QString(QChar(0x2026)));
+    return lines;
 }
 
 // What would go, in so many words as a person needs to agree.
@@ -56,8 +73,16 @@ QString countedWords(const TickedCount& ticked) {
                 .arg(counted(ticked.skipped.size())));
     if (ticked.hasForeign)
         lines.push_back(
-            text(QT_TRANSLATE_NOOP("DiskUsageAppController", "What lies on other disks stays.")));
-    return lines.join(QLatin1Char('\n'));
+            ticked.hasVolumes
+                ? text(QT_TRANSLATE_NOOP("DiskUsageAppController",
+                                         "What lies on other volumes and in subvolumes stays."))
+                : text(QT_TRANSLATE_NOOP("DiskUsageAppController",
+                                         "What lies on other disks stays.")));
+    if (!ticked.staying.empty())
+        lines.push_back(
+            text(QT_TRANSLATE_NOOP("DiskUsageAppController", "Ticked, and stays all the same: %1"))
+                .arg(counted(ticked.staying.size())));
+    return (lines + stayingWords(ticked)).join(QLatin1Char('\n'));
 }
 
 }  // namespace
@@ -79,23 +104,42 @@ void DiskUsageAppController::countTickedNow() {
     m_views->stopBtn->setFocus();
     const auto worker = runAside(
         this, "countTicked",
-        [files = m_parts.files, ticked = tickedEntries(m_delNodesArr), progress]() mutable {
-            return std::make_shared<TickedCount>(countTicked(*files, std::move(ticked), *progress));
+        [files = m_parts.files, ticked = tickedEntries(m_delNodesArr),
+         own = current()->shown->tree->ownChanges(), progress]() mutable {
+            const RemovalRules rules{QnAuthorization::protectedPlaces(), own};
+            return std::make_shared<TickedCount>(
+                countTicked(*files, rules, std::move(ticked), *progress));
         },
-        [this, counted = std::weak_ptr(current()->shown)](std::shared_ptr<TickedCount> ended) {
-            m_counting.reset();
-            m_views->animation->stop();
-            enter(State::Result);
-            // With its volume the whole place may have left.
-            const Scanned* const now = current();
-            const bool isThere = now != nullptr && now->shown == counted.lock();
-            if (ended->stopped || !isThere) m_delNodesArr.clear();
-            else askToRemove(std::move(ended));
+        [this, progress,
+         of = std::weak_ptr(current()->shown)](const std::shared_ptr<TickedCount>& ended) {
+            if (m_counting == progress) countingEnded(ended, of);
         });
-    if (worker != nullptr) return;
+    if (worker == nullptr) countingEnded(nullptr, {});
+}
+
+// Without a result where there will be none, or nobody waits for it any longer.
+void DiskUsageAppController::countingEnded(const std::shared_ptr<TickedCount>& ended,
+                                           const std::weak_ptr<ShownScan>& of) {
     m_counting.reset();
     m_views->animation->stop();
     enter(State::Result);
+    // With its volume the whole place may have left.
+    const Scanned* const now = current();
+    const bool isThere = now != nullptr && now->shown == of.lock();
+    if (ended == nullptr || ended->stopped || !isThere) m_delNodesArr.clear();
+    else if (ended->entries.empty() && !ended->staying.empty()) tellNothingGoes(*ended);
+    else askToRemove(ended);
+}
+
+void DiskUsageAppController::tellNothingGoes(const TickedCount& ended) {
+    untick(m_delNodesArr);
+    m_delNodesArr.clear();
+    m_views->browser->reload();
+    refRemoveButtonState();
+    Alert alert;
+    alert.title = tr("Nothing of what is ticked can be removed.");
+    alert.text = stayingWords(ended).join(QLatin1Char('\n'));
+    m_parts.dialogs->alert(m_mainWindow, alert, [](int /*button*/) {});
 }
 
 void DiskUsageAppController::askToRemove(std::shared_ptr<TickedCount> ended) {
@@ -120,6 +164,8 @@ void DiskUsageAppController::askToRemove(std::shared_ptr<TickedCount> ended) {
 void DiskUsageAppController::firstAlertEnded(int code, const std::shared_ptr<TickedCount>& ended) {
     if (code != 1 || !isFree()) return;
     m_delNodesArr.clear();
+    for (const TickedCount::Staying& each : ended->staying) m_delNodesArr.push_back(each.node);
+    untick(std::exchange(m_delNodesArr, {}));
     for (const CountedEntry& each : ended->entries) m_delNodesArr.push_back(each.node);
     if (m_delNodesArr.empty()) {
         m_views->browser->reload();
@@ -133,7 +179,10 @@ void DiskUsageAppController::firstAlertEnded(int code, const std::shared_ptr<Tic
     m_views->stopBtn->setFocus();
     m_removalList = std::make_shared<UsageRemoval>(*m_parts.files, std::move(ended->entries));
     m_removal = std::make_unique<RemovalJob>(
-        RemovalJob::Parts{m_parts.files, m_parts.mainQueue, &QnAuthorization::makeDoor,
+        RemovalJob::Parts{m_parts.files, m_parts.mainQueue,
+                          [own = current()->shown->tree->ownChanges()] {
+                              return QnAuthorization::makeDoorAfter(own);
+                          },
                           m_parts.stateFolder},
         m_removalList, [this] { removalNews(); });
 }
@@ -148,6 +197,7 @@ void DiskUsageAppController::removalNews() {
         else if (node->isDirectory()) m_partly.push_back(node);
     }
     if (!gone.empty()) {
+        forgetSkipped(gone);
         current()->shown->tree->takeOut(gone);
         if (!m_reloadTimer.isActive()) m_reloadTimer.start();
     }
@@ -182,7 +232,7 @@ void DiskUsageAppController::removalEnded(const RemovalOutcome& outcome) {
                            basket.mapTo(m_views->resultView, basket.rect().center()));
     scanAgain(std::exchange(m_partly, {}));
     if (outcome.failed != 0)
-        QTimer::singleShot(alertDelay, this, &DiskUsageAppController::delayTimer);
+        QTimer::singleShot(alertDelay, this, [this, outcome] { delayTimer(outcome); });
 }
 
 void DiskUsageAppController::showRemoved() {
@@ -191,9 +241,9 @@ void DiskUsageAppController::showRemoved() {
 }
 
 // The padlock is pointed at where it would help.
-void DiskUsageAppController::delayTimer() {
-    Alert alert = stayedAlert(m_outcome);
-    if (m_outcome.lacksRights) {
+void DiskUsageAppController::delayTimer(const RemovalOutcome& outcome) {
+    Alert alert = stayedAlert(outcome);
+    if (outcome.lacksRights) {
         m_views->animation->startUnlockAnimation(m_views->lockButton);
         alert.title = tr("Some files that require admin access can't be removed!");
         alert.text.clear();

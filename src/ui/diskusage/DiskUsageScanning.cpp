@@ -2,7 +2,9 @@
 #include <QLabel>
 #include <QLocale>
 #include <QStackedWidget>
+#include <algorithm>
 #include <limits>
+#include <string_view>
 #include <utility>
 
 #include "engine/base/Log.h"
@@ -22,8 +24,23 @@
 namespace orrinvale {
 namespace {
 
+constexpr std::chrono::milliseconds patience{900};
+
 UsageOptions optionsOf(const ShownScan& shown) {
     return {.limit = shown.limit, .allFileSystems = shown.allFileSystems};
+}
+
+// Those of the folders themselves among them.
+void forgetWithin(std::vector<Error>& errors, const std::set<std::string, std::less<>>& folders) {
+    std::erase_if(errors, [&](const Error& error) {
+        std::string_view path = error.path;
+        while (!folders.contains(path)) {
+            const std::size_t end = path.rfind('/');
+            if (end == std::string_view::npos || path.size() == 1) return false;
+            path = path.substr(0, std::max<std::size_t>(end, 1));
+        }
+        return true;
+    });
 }
 
 }  // namespace
@@ -78,6 +95,8 @@ void DiskUsageAppController::scanAgain(std::vector<FSNode*> folders) {
     Scanned* const scanned = current();
     if (scanned == nullptr || folders.empty()) return;
     m_isRescan = true;
+    m_rescanned.clear();
+    for (const FSNode* const folder : folders) m_rescanned.insert(folder->path());
     m_views->animation->initZeroPrograss();
     enter(State::Scanning);
     m_refreshTimer.start();
@@ -118,7 +137,13 @@ void DiskUsageAppController::refreshProgress() {
 void DiskUsageAppController::refreshColumn() { m_views->browser->redraw(); }
 
 void DiskUsageAppController::stopBtnClick() {
-    if (m_state == State::Counting && m_counting) m_counting->stop = true;
+    if (m_state == State::Counting && m_counting) {
+        m_counting->stop = true;
+        // A disk that does not answer holds its thread, and nobody else.
+        QTimer::singleShot(patience, this, [this, counting = m_counting] {
+            if (m_counting == counting) countingEnded(nullptr, {});
+        });
+    }
     if (m_state == State::Removing && m_removal) m_removal->stop();
     if (m_state == State::Scanning && m_scan) {
         Log::line("stopBtnClick");
@@ -141,7 +166,8 @@ void DiskUsageAppController::browseFilesFinished() {
     m_reloadTimer.stop();
     scanned.shown->isRunning = false;
     scanned.wasStopped = m_scan->wasStopped();
-    if (!m_isRescan) scanned.skipped.clear();
+    if (m_isRescan) forgetWithin(scanned.skipped, m_rescanned);
+    else scanned.skipped.clear();
     for (const Error& each : m_scan->skipped()) scanned.skipped.push_back(each);
     // It is the scan's own call that is running, so that it goes in a later turn.
     m_parts.mainQueue->async([ended = std::shared_ptr<DiskUsageScan>(std::move(m_scan))] {});
@@ -154,6 +180,15 @@ void DiskUsageAppController::browseFilesFinished() {
     showFitting();
     showRemoved();
     if (!m_isRescan) tellIfEmpty();
+}
+
+// What could not be read of entries that are gone is nobody's business any more.
+void DiskUsageAppController::forgetSkipped(const std::vector<FSNode*>& gone) {
+    std::vector<Error>& skipped = current()->skipped;
+    if (skipped.empty()) return;
+    std::set<std::string, std::less<>> paths;
+    for (const FSNode* const node : gone) paths.insert(node->path());
+    forgetWithin(skipped, paths);
 }
 
 void DiskUsageAppController::tellIfEmpty() {

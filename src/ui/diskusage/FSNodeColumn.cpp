@@ -75,8 +75,8 @@ QString sizeWords(const FSNode& node, bool isRunning) {
     return isPart ? QStringLiteral("\u2265 ") + size : size;
 }
 
-QString entryTip(const FSNode& node, bool isLeftOut, const ShownScan& scan) {
-    return asToolTip(isLeftOut ? leftOutTip(node, scan.limit) : tipOf(node, scan.isRunning));
+QString entryTip(const FSNode& node, const ShownScan& scan) {
+    return asToolTip(tipOf(node, scan.isRunning));
 }
 
 FSNodeColumn::FSNodeColumn(std::shared_ptr<const ShownScan> scan, FSNode& folder)
@@ -111,9 +111,10 @@ void FSNodeColumn::reload() {
     std::vector<FSNode*> nodes;
     for (const QModelIndex& each : before) nodes.push_back(node(each.row()));
     load();
+    const QModelIndex lastLine = m_hasLastLine ? index(int(m_rows.size())) : QModelIndex();
     QModelIndexList after;
     for (FSNode* const each : nodes)
-        after.push_back(each != nullptr ? index(rowOf(*each)) : QModelIndex());
+        after.push_back(each != nullptr ? index(rowOf(*each)) : lastLine);
     changePersistentIndexList(before, after);
     Q_EMIT layoutChanged();
 }
@@ -132,7 +133,7 @@ QVariant FSNodeColumn::data(const QModelIndex& index, int role) const {
     }
     switch (role) {
         case Qt::DisplayRole: return QString::fromStdString(shown->displayName());
-        case Qt::ToolTipRole: return entryTip(*shown, false, *m_scan);
+        case Qt::ToolTipRole: return entryTip(*shown, *m_scan);
         case Qt::CheckStateRole: return int(checkState(tickState(int(shown->isButtonState()))));
         case Qt::AccessibleTextRole: {
             QStringList said{onOneLine(QString::fromStdString(shown->displayName())),

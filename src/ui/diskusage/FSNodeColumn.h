@@ -54,8 +54,8 @@ private:
 [[nodiscard]] QString sizeWords(const FSNode& node, bool isRunning);
 /// "3,000 items under 1.00 MB".
 [[nodiscard]] QString leftOutWords(std::uint64_t entries, std::uint64_t limit);
-/// Path and sizes, or what is left out of the folder; plain text, as a tool tip.
-[[nodiscard]] QString entryTip(const FSNode& node, bool isLeftOut, const ShownScan& scan);
+/// Path and sizes; plain text, as a tool tip.
+[[nodiscard]] QString entryTip(const FSNode& node, const ShownScan& scan);
 /// A size in bytes for people, in the language of the window.
 [[nodiscard]] QString bytesWords(std::uint64_t bytes);
 

@@ -21,6 +21,7 @@ namespace {
 constexpr std::chrono::milliseconds restTime{120};
 constexpr int pictureSide = 200, iconSide = 64;
 constexpr qsizetype mostLines = 9, mostLetters = 42;
+constexpr int mostWaiting = 8;
 
 QLabel* makeLines(const char* name, Theme::Text text, QPalette::ColorRole role) {
     QLabel* const label = makeLabel(name, text, role);
@@ -58,6 +59,10 @@ ItemFacts::ItemFacts(const FileSystem& files, QWidget* parent)
     connect(&m_timer, &QTimer::timeout, this, &ItemFacts::ask);
 }
 
+ItemFacts::~ItemFacts() {
+    if (m_counting) m_counting->stop = true;
+}
+
 void ItemFacts::clear() { m_path.clear(); }
 
 void ItemFacts::setLines() {
@@ -89,22 +94,27 @@ void ItemFacts::showFile(const FSNode& node, const QIcon& icon) {
 }
 
 void ItemFacts::ask() {
-    if (m_path.empty()) return;
-    runAside(
+    if (m_path.empty() || m_waiting >= mostWaiting) return;
+    const auto preview = runAside(
         this, "readPreview",
         [path = m_path] { return std::make_shared<PreviewContent>(readPreview(path)); },
         [this, path = m_path](const std::shared_ptr<PreviewContent>& content) {
+            --m_waiting;
             if (path == m_path) showContent(*content);
         });
-    runAside(
+    if (m_counting) m_counting->stop = true;
+    m_counting = std::make_shared<UsageCounts>();
+    const auto counting = runAside(
         this, "countTicked",
-        [files = &m_files, entries = std::move(m_asked)]() mutable {
-            UsageCounts progress;
-            return std::make_shared<TickedCount>(countTicked(*files, std::move(entries), progress));
+        [files = &m_files, entries = std::move(m_asked), progress = m_counting]() mutable {
+            return std::make_shared<TickedCount>(
+                countTicked(*files, {}, std::move(entries), *progress));
         },
         [this, path = m_path](const std::shared_ptr<TickedCount>& counted) {
+            --m_waiting;
             if (path == m_path) showGain(*counted);
         });
+    m_waiting += (preview != nullptr ? 1 : 0) + (counting != nullptr ? 1 : 0);
 }
 
 void ItemFacts::showContent(const PreviewContent& content) {
@@ -138,6 +148,7 @@ void ItemFacts::showContent(const PreviewContent& content) {
 
 void ItemFacts::showGain(const TickedCount& counted) {
     const QString gain = bytesWords(counted.onDisk);
+    if (counted.stopped || !counted.staying.empty()) return;
     m_gain = !counted.isUpTo && gain == bytesWords(counted.size) ? QString()
              : counted.isUpTo ? tr("Its removal gives back up to %1").arg(gain)
                               : tr("Its removal gives back %1").arg(gain);

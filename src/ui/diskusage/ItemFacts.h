@@ -24,6 +24,7 @@ class ItemFacts final : public QWidget {
 public:
     /// The file system outlives it and its last question.
     explicit ItemFacts(const FileSystem& files, QWidget* parent = nullptr);
+    ~ItemFacts() override;
 
     void showFile(const FSNode& node, const QIcon& icon);
     void showLeftOut(const FSNode& folder, std::uint64_t limit);
@@ -40,9 +41,11 @@ private:
     void setLines();
 
     const FileSystem& m_files;
-    std::string m_path;                // of the file on show; empty for anything else
-    std::vector<TickedEntry> m_asked;  // that file, until it is asked about
-    QTimer m_timer;                    // who holds an arrow key down sees many files for a moment
+    std::string m_path;                       // of the file on show; empty for anything else
+    std::vector<TickedEntry> m_asked;         // that file, until it is asked about
+    std::shared_ptr<UsageCounts> m_counting;  // of the question on its way, or of the last one
+    int m_waiting = 0;  // questions that are not answered, on disks that hang perhaps
+    QTimer m_timer;     // who holds an arrow key down sees many files for a moment
     QString m_size, m_kind, m_gain;
     QLabel* m_picture;
     QLabel* m_text;

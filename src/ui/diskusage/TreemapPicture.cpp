@@ -2,7 +2,9 @@
 // father has laid.
 #include "ui/diskusage/TreemapPicture.h"
 
+#include <QCoreApplication>
 #include <QFontMetricsF>
+#include <QLocale>
 #include <QPainter>
 #include <algorithm>
 #include <string_view>
@@ -29,8 +31,8 @@ void drawName(const Brush& brush, std::size_t index, const QRectF& place, bool i
     const qreal height = brush.metrics.height();
     if (place.width() < leastText || place.height() < height + 2) return;
     const TreemapEntry& entry = brush.order.entries[index];
-    const QString name = entry.isLeftOut
-                             ? brush.order.leftOut.at(index)
+    const QString name = entry.isLeftOut()
+                             ? restWords(entry, brush.order.scan->limit)
                              : onOneLine(QString::fromStdString(std::string(entry.node->name())));
     const QRectF inside =
         (isHeader ? QRectF(place.topLeft(), QSizeF(place.width(), height + 2)) : place)
@@ -83,8 +85,14 @@ void drawTickFrames(const Brush& brush, const std::vector<TreemapRectangle>& pla
 
 }  // namespace
 
+QString restWords(const TreemapEntry& entry, std::uint64_t limit) {
+    if (!entry.hasLarge) return leftOutWords(entry.leftOut, limit);
+    return QCoreApplication::translate("TreemapPicture", "Smaller items: %1")
+        .arg(QLocale().toString(entry.leftOut));
+}
+
 Theme::Color treemapColor(const TreemapEntry& entry) {
-    if (entry.isLeftOut) return Theme::Color::KindLeftOut;
+    if (entry.isLeftOut()) return Theme::Color::KindLeftOut;
     if (entry.node->isDirectory()) return Theme::Color::KindOthers;
     const std::string_view name = entry.node->name();
     const std::size_t dot = name.rfind('.');
@@ -105,7 +113,6 @@ TreemapOrder treemapOrder(std::shared_ptr<const ShownScan> scan, const FSNode& f
     TreemapOrder order{.scan = std::move(scan),
                        .folder = &folder,
                        .entries = treemapEntries(folder),
-                       .leftOut = {},
                        .ticks = {},
                        .size = size,
                        .scale = scale,
@@ -116,11 +123,9 @@ TreemapOrder treemapOrder(std::shared_ptr<const ShownScan> scan, const FSNode& f
         const TreemapEntry& entry = order.entries[index];
         const std::uint8_t above =
             index == 0 ? std::uint8_t{FSNode::NotSelected} : order.ticks[entry.parent];
-        if (entry.isLeftOut)
-            order.leftOut[index] = leftOutWords(entry.node->leftOut().entries, order.scan->limit);
         order.ticks.push_back(above == FSNode::Selected ? above
-                              : entry.isLeftOut         ? std::uint8_t{FSNode::NotSelected}
-                                                : std::uint8_t{entry.node->isButtonState()});
+                              : entry.isLeftOut()       ? std::uint8_t{FSNode::NotSelected}
+                                                  : std::uint8_t{entry.node->isButtonState()});
     }
     return order;
 }
@@ -165,7 +170,7 @@ const TreemapEntry* TreemapPicture::entryAt(QPointF place) const {
 
 const TreemapRectangle* TreemapPicture::placeOf(const FSNode& node) const {
     for (std::size_t index = 0; index < entries.size(); ++index)
-        if (entries[index].node == &node && !entries[index].isLeftOut) return &places[index];
+        if (entries[index].node == &node && !entries[index].isLeftOut()) return &places[index];
     return nullptr;
 }
 

@@ -7,7 +7,6 @@
 #include <QImage>
 #include <QSize>
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <vector>
 
@@ -23,7 +22,6 @@ struct TreemapOrder {
     std::shared_ptr<const ShownScan> scan;
     const FSNode* folder = nullptr;
     std::vector<TreemapEntry> entries;
-    std::map<std::size_t, QString> leftOut;  ///< names of the entries that stand for that
     std::vector<std::uint8_t> ticks;  ///< FSNode::State, of what is ticked with a folder above too
     QSize size;                       ///< in points
     qreal scale = 1;
@@ -50,6 +48,10 @@ struct TreemapPicture {
 
 /// Any thread.
 [[nodiscard]] TreemapPicture drawTreemap(TreemapOrder order);
+
+/// "3,000 items under 1.00 MB" for an entry that stands for these, in a scan with that limit. Any
+/// thread.
+[[nodiscard]] QString restWords(const TreemapEntry& entry, std::uint64_t limit);
 
 /// What an entry of the map has for its colour.
 [[nodiscard]] Theme::Color treemapColor(const TreemapEntry& entry);

@@ -84,12 +84,12 @@ const TreemapEntry* TreemapView::entryAt(QPointF place) const {
 
 void TreemapView::hover(const TreemapEntry* entry) {
     const FSNode* const node = entry != nullptr ? entry->node : nullptr;
-    const bool isLeftOut = entry != nullptr && entry->isLeftOut;
+    const bool isLeftOut = entry != nullptr && entry->isLeftOut();
     if (node == m_hovered && isLeftOut == m_isOverLeftOut) return;
     m_hovered = node;
     m_isOverLeftOut = isLeftOut;
     update();
-    Q_EMIT hovered(node, isLeftOut);
+    Q_EMIT hovered(entry);
 }
 
 bool TreemapView::event(QEvent* event) {
@@ -98,7 +98,11 @@ bool TreemapView::event(QEvent* event) {
     const TreemapEntry* const entry = entryAt(help.pos());
     if (entry == nullptr) QToolTip::hideText();
     else
-        QToolTip::showText(help.globalPos(), entryTip(*entry->node, entry->isLeftOut, *m_scan),
+        QToolTip::showText(help.globalPos(),
+                           entry->isLeftOut()
+                               ? asToolTip(QStringLiteral("%1: %2").arg(
+                                     restWords(*entry, m_scan->limit), bytesWords(entry->size)))
+                               : entryTip(*entry->node, *m_scan),
                            this);
     return true;
 }

@@ -35,8 +35,8 @@ public:
     [[nodiscard]] QSize minimumSizeHint() const override { return {200, 160}; }
 
 Q_SIGNALS:
-    /// The item under the pointer; null for none. Of what is left out the folder.
-    void hovered(const FSNode* node, bool isLeftOut);
+    /// What is under the pointer; null for nothing. Good during the call.
+    void hovered(const TreemapEntry* entry);
     void goWanted(FSNode* node);
     void upWanted();
     void tickWanted(FSNode* node);

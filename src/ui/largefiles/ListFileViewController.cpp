@@ -48,7 +48,9 @@ ListFileViewController::ListFileViewController(PageServices services, QObject* p
                   .take =
                       [this](const std::string& path, bool isOneOfSeveral) {
                           // It may have gone while the panel stood, and the list is worth more.
-                          if (isFolderThere(m_parts, path)) scanFolder(path, isOneOfSeveral);
+                          whenFolderIsThere(m_parts, *this, path, [=, this] {
+                              if (!isBusy()) scanFolder(path, isOneOfSeveral);
+                          });
                       }},
                  {.title = tr("Look into another folder?"),
                   .text = tr("What is ticked here is forgotten, and nothing is removed. To be "

@@ -1,20 +1,58 @@
 // FolderEntrance: answers come later, so that each asks again whether the page lives and is free.
 #include "ui/page/FolderEntrance.h"
 
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <optional>
 #include <utility>
 #include <vector>
 
 #include "platform/files.h"
+#include "services/foundation/runAside.h"
 #include "ui/kit/controls/pathText.h"
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/page/PageServices.h"
 
 namespace orrinvale {
 
-bool isFolderThere(const PageServices& services, const std::string& path) {
-    const auto attributes =
-        services.files->attributes(FileSystem::noParent, path.c_str(), Links::Follow);
-    return attributes && attributes->type == FileType::Folder;
+namespace {
+
+// Shorter than anybody sees, and long enough for every disk that is awake.
+constexpr std::chrono::milliseconds patience{40};
+
+/// What a thread aside found out, and whether somebody still waits for it.
+struct FolderLook {
+    std::mutex mutex;
+    std::condition_variable answered;
+    std::optional<bool> isFolder;  // guarded by the mutex
+    bool isLate = false;           // of the main thread alone
+};
+
+}  // namespace
+
+void whenFolderIsThere(const PageServices& services, QObject& page, const std::string& path,
+                       std::function<void()> then) {
+    const auto look = std::make_shared<FolderLook>();
+    const auto worker = runAside(
+        &page, "whenFolderIsThere",
+        [files = services.files, path, look] {
+            const auto seen = files->attributes(FileSystem::noParent, path.c_str(), Links::Follow);
+            const std::lock_guard lock(look->mutex);
+            look->isFolder = seen && seen->type == FileType::Folder;
+            look->answered.notify_all();
+        },
+        [look, then] {
+            if (look->isLate && *look->isFolder) then();
+        });
+    if (worker == nullptr) return;
+    std::unique_lock lock(look->mutex);
+    look->isLate =
+        !look->answered.wait_for(lock, patience, [&] { return look->isFolder.has_value(); });
+    if (look->isLate || !*look->isFolder) return;
+    lock.unlock();
+    then();
 }
 
 FolderEntrance::FolderEntrance(const PageServices& services, QObject& page, Rules rules,
@@ -36,7 +74,10 @@ void FolderEntrance::choose(QWidget* window, const std::string& directory) {
 }
 
 void FolderEntrance::drop(QWidget* window, const std::string& path, bool isOneOfSeveral) {
-    if (isFolderThere(m_services, path)) enter(window, path, isOneOfSeveral);
+    whenFolderIsThere(m_services, *m_page, path,
+                      [this, page = m_page, window = QPointer(window), path, isOneOfSeveral] {
+                          if (page != nullptr) enter(window, path, isOneOfSeveral);
+                      });
 }
 
 void FolderEntrance::enter(QWidget* window, const std::string& path, bool isOneOfSeveral) {

@@ -71,6 +71,20 @@ TEST(Treemap, childrenFillTheirFolderToTheLastBit) {
         }
 }
 
+TEST(Treemap, ofAWideFolderTheBiggestComeAndTheRestIsOne) {
+    testing::TestTree tree;
+    for (int i = 0; i < 30; ++i)
+        ASSERT_TRUE(tree.write(std::to_string(i), std::string(std::size_t(100 + i), 'x')));
+    ASSERT_TRUE(tree.write("small", "1"));
+    const testing::UsageRun run(files, tree.path(), {.limit = 10});
+    const auto entries = treemapEntries(run.tree->root(), 10);
+    ASSERT_EQ(entries.size(), 12U);
+    std::uint64_t sum = 0;
+    for (std::size_t i = 1; i < entries.size(); ++i) sum += entries[i].size;
+    EXPECT_EQ(sum, run.tree->root().size());
+    EXPECT_TRUE(entries[1].leftOut == 21 && entries[1].hasLarge && entries[2].size == 129);
+}
+
 TEST(Treemap, aHundredThousandRectanglesComeWithinATenthOfASecond) {
     std::vector<TreemapEntry> entries{{.size = 0, .firstChild = 1, .childCount = 300}};
     const auto add = [&](std::uint32_t parent, int count) {

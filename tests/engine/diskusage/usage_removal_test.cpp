@@ -21,7 +21,8 @@ const LinuxFileSystem files;
 struct Removal {
     explicit Removal(FSNodeTree& tree)
         : ticked(prePareDelData(&tree.root())),
-          count(countTicked(files, tickedEntries(ticked), counts)) {}
+          count(countTicked(files, {ProtectedPlaces::ofThisMachine(files, {}), tree.ownChanges()},
+                            tickedEntries(ticked), counts)) {}
 
     void run(const std::shared_ptr<FSNodeTree>& tree) {
         ServedQueue queue;
@@ -123,6 +124,7 @@ TEST(UsageRemoval, promisesNoMoreThanTheDiskGivesBack) {
                       "ln disk/out/linked disk/in/linked && ln disk/in/plain disk/in/twice && "
                       "truncate -s 1G disk/in/sparse && head -c 5000000 /dev/urandom > "
                       "disk/out/original && cp --reflink=auto disk/out/original disk/in/copy && "
+                      "ln disk/in/copy disk/in/copy2 && "
                       "for i in $(seq 300); do head -c 900 /dev/urandom > disk/in/$i; done && sync")
                          .c_str()) != 0)
             return "skip: no such file system or no loop device here";
@@ -145,6 +147,57 @@ TEST(UsageRemoval, promisesNoMoreThanTheDiskGivesBack) {
         const std::string ext4 = check("mkfs.ext4 -q image", false, 0.97);
         return ext4.empty() ? check("mkfs.btrfs -q image > /dev/null 2>&1", true, 0.9) : ext4;
     });
+}
+
+// What a removal would refuse is told before it, each with its reason, and is in no sum.
+TEST(UsageRemoval, asksForNothingThatWouldStay) {
+    withOwnMounts([]() -> std::string {
+        if (::system("cd /mnt && truncate -s 200M image && mkfs.btrfs -q image > /dev/null 2>&1 && "
+                     "mkdir disk && mount -o loop image disk && cd disk && mkdir -p above/ram in "
+                     "&& mount -t tmpfs none above/ram && btrfs -q subvolume create in/sub && "
+                     "btrfs -q subvolume create alone && echo 12345678 > in/sub/x && "
+                     "echo 1234567 > alone/x && echo 12345 > above/x && echo 123 > in/x && "
+                     "echo 12 > late") != 0)
+            return "skip: no btrfs or no loop device here";
+        const UsageRun run(files, "/mnt/disk", {});
+        tick(*run.tree, {"above", "alone", "in", "late"});
+        std::ofstream("/mnt/disk/late") << "changed";
+        ProtectedPlaces places = ProtectedPlaces::ofThisMachine(files, {});
+        UsageCounts counts;
+        const TickedCount count = countTicked(
+            files, {places, nullptr}, tickedEntries(prePareDelData(&run.tree->root())), counts);
+        ::umount2("/mnt/disk/above/ram", MNT_DETACH);
+        ::umount2("/mnt/disk", MNT_DETACH);
+        std::string told;
+        for (const auto& each : count.staying)
+            told += each.path.substr(10) + ": " + each.reason + "\n";
+        told += fmt::format("{} {} {} {}", count.entries.size(), count.size, count.hasForeign,
+                            count.hasVolumes);
+        const std::string right =
+            "alone: a mount point\nabove: a folder with a mount below\n"
+            "late: changed since the scan\n1 4 true true";
+        return told == right ? "" : told;
+    });
+}
+
+// The first name's removal gives the second a new time of change, by our own doing.
+TEST(UsageRemoval, oneNameAfterTheOtherGoes) {
+    testing::TestTree tree;
+    ASSERT_TRUE(tree.write("a/one", "12345") && tree.write("c/left", "1"));
+    for (const char* name : {"b/two", "c/three", "d/four"})
+        ASSERT_TRUE(tree.hardLink("a/one", name));
+    const UsageRun run(files, tree.path(), {.limit = 2});
+    for (const char* name : {"a/one", "b/two", "c/three", "d/four"}) {
+        tick(*run.tree, {name});
+        Removal removal(*run.tree);
+        EXPECT_TRUE(removal.count.staying.empty()) << name;
+        removal.run(run.tree);
+        EXPECT_FALSE(testing::isThere(tree.at(name))) << name;
+        ServedQueue queue;
+        DiskUsageScan again({.files = &files, .mainQueue = &queue, .news = {}});
+        again.scanAgain(run.tree, {nodeAt(*run.tree, "c")}, {.limit = 2});
+        ASSERT_TRUE(queue.serveUntil([&] { return again.isEnded(); }));
+    }
 }
 
 }  // namespace

@@ -319,6 +319,49 @@ TEST(UsageScan, aFolderIsScannedAnewInItsPlace) {
     EXPECT_EQ(a.isButtonState(), FSNode::NotSelected);
 }
 
+// What was not counted anew is not shown with what it held before, and what is whole again says so
+// up to the top.
+TEST(UsageScan, aScanAnewSaysWhatItDidNotComeToAndTakesMarksBack) {
+    testing::TestTree tree("/dev/shm");
+    ASSERT_TRUE(tree.write("a/b/x", "12345") && tree.write("a/c/y", "123") && tree.write("z", "1"));
+    testing::WatchedFiles held;
+    std::atomic<bool> isHeld{false};
+    held.onReadFolder = [&] { isHeld.wait(true); };
+    ServedQueue queue;
+    const UsageRun run(held, tree.path(), {});
+    const std::string whole = textOf(run.tree->root());
+    const std::vector<FSNode*> both{nodeAt(*run.tree, "a/b"), nodeAt(*run.tree, "a/c")};
+    isHeld = true;
+    DiskUsageScan cut({.files = &held, .mainQueue = &queue, .news = {}});
+    cut.scanAgain(run.tree, both, {});
+    cut.stopScan();
+    ASSERT_TRUE(queue.serveUntil([&] { return cut.isEnded(); }));
+    for (const FSNode* const each : both) {
+        EXPECT_EQ(each->size(), 0U);
+        EXPECT_TRUE(each->has(FSNode::Undecided) && each->has(FSNode::CutWithin));
+    }
+    EXPECT_EQ(run.tree->root().size(), 1U);
+    EXPECT_TRUE(run.tree->root().has(FSNode::CutWithin));
+    isHeld = false;
+    isHeld.notify_all();
+    cut.waitForEnd();
+    DiskUsageScan again({.files = &held, .mainQueue = &queue, .news = {}});
+    again.scanAgain(run.tree, both, {});
+    ASSERT_TRUE(queue.serveUntil([&] { return again.isEnded(); }));
+    EXPECT_EQ(textOf(run.tree->root()), whole);
+
+    isHeld = true;
+    const auto none = std::make_shared<FSNodeTree>(tree.path());
+    DiskUsageScan early({.files = &held, .mainQueue = &queue, .news = {}});
+    early.start(none, {});
+    early.stopScan();
+    ASSERT_TRUE(queue.serveUntil([&] { return early.isEnded(); }));
+    EXPECT_TRUE(none->root().has(FSNode::CutWithin)) << "nothing was counted, and that is not 0";
+    isHeld = false;
+    isHeld.notify_all();
+    early.waitForEnd();
+}
+
 TEST(UsageScan, whatIsNoFolderHoldsNothing) {
     testing::TestTree tree;
     ASSERT_TRUE(tree.write("file", "123") && tree.folder("empty") && tree.symlink("empty", "to"));

@@ -6,51 +6,10 @@
 namespace orrinvale {
 namespace {
 
+using testing::allOf;
+using testing::BoxModel;
+
 const LinuxFileSystem files;
-
-/// Keeps states by node, and recurses as the rules are told.
-struct Model {
-    std::map<const FSNode*, int> state;
-
-    void click(const FSNode& node) {
-        state[&node] = state[&node] == 1 ? 0 : 1;
-        if (node.father() != nullptr) follow(*node.father());
-        passDown(node, state[&node]);
-    }
-    void follow(const FSNode& node) {
-        int zeros = 0;
-        int mixed = 0;
-        for (const FSNode* const child : node.children()) {
-            zeros += state[child] == 0 ? 1 : 0;
-            mixed += state[child] == 2 ? 1 : 0;
-        }
-        const bool hides = node.has(FSNode::LeftOutWithin) || node.has(FSNode::UnreadWithin) ||
-                           node.has(FSNode::CutWithin) || node.has(FSNode::ForeignWithin);
-        if (zeros == static_cast<int>(node.children().size())) state[&node] = 0;
-        else if (zeros == 0 && mixed == 0 && !hides) state[&node] = 1;
-        else state[&node] = 2;
-        if (node.father() != nullptr) follow(*node.father());
-    }
-    void passDown(const FSNode& node, int given) {
-        for (const FSNode* const child : node.children()) state[child] = given == 2 ? 1 : given;
-    }
-    void open(const FSNode& node) {
-        if (state[&node] != 2) passDown(node, state[&node]);
-    }
-    void collect(const FSNode& node, std::vector<const FSNode*>& out) {
-        for (const FSNode* const child : node.children()) {
-            if (state[child] == 1) out.push_back(child);
-            if (state[child] == 2) collect(*child, out);
-        }
-    }
-};
-
-std::vector<FSNode*> allOf(FSNodeTree& tree) {
-    std::vector<FSNode*> nodes{&tree.root()};
-    for (std::size_t i = 0; i < nodes.size(); ++i)
-        for (FSNode* const child : nodes[i]->children()) nodes.push_back(child);
-    return nodes;
-}
 
 TEST(UsageSelection, followsItsRulesThroughTenThousandClicks) {
     testing::TestTree tree;
@@ -61,7 +20,7 @@ TEST(UsageSelection, followsItsRulesThroughTenThousandClicks) {
     const testing::UsageRun run(files, tree.path(), {.limit = 10});
     const std::vector<FSNode*> nodes = allOf(*run.tree);
     ASSERT_GT(nodes.size(), 70U);
-    Model model;
+    BoxModel model;
     std::set<int> seen;
     for (int i = 0; i < 10'000; ++i) {
         FSNode& node = *nodes[1 + random() % (nodes.size() - 1)];

@@ -223,7 +223,6 @@ void ColumnBrowser::connectView(ColumnView& made) {
     connect(view, &ColumnView::focused, this, [this, view] { select(columnOf(view)); });
     connect(view, &ColumnView::removalWanted, this, &ColumnBrowser::removalWanted);
     connect(view, &ColumnView::tickWanted, this, told(&ColumnBrowser::tickWanted));
-    connect(view, &ColumnView::previewWanted, this, told(&ColumnBrowser::previewWanted));
     connect(view, &QAbstractItemView::activated, this, told(&ColumnBrowser::openWanted));
     connect(view, &ColumnView::menuWanted, this, [this, view](const QModelIndex& row, QPoint at) {
         Q_EMIT menuWanted(columnOf(view), row.row(), at);

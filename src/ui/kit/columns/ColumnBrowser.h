@@ -17,8 +17,8 @@ class ColumnGrip;
 class ColumnView;
 
 /// Only the columns in sight have a view, so that a way of ten thousand folders can be walked. Left
-/// and right go through the columns, up and down through the rows of one, Space ticks, Ctrl and
-/// Space ask for a preview. What has been opened last is scrolled into sight. Main thread only.
+/// and right go through the columns, up and down through the rows of one, Space ticks. What has
+/// been opened last is scrolled into sight. Main thread only.
 class ColumnBrowser final : public QAbstractScrollArea {
     Q_OBJECT
 public:
@@ -74,7 +74,6 @@ Q_SIGNALS:
     void tickWanted(int column, int row);
     /// Return, or a double click.
     void openWanted(int column, int row);
-    void previewWanted(int column, int row);
     void removalWanted();
     void menuWanted(int column, int row, QPoint globalPosition);
 

@@ -36,10 +36,8 @@ bool ColumnView::takesKey(const QKeyEvent& event) {
         case Qt::Key_Right: Q_EMIT columnWanted(isMirrored ? -1 : 1); return true;
         case Qt::Key_Left: Q_EMIT columnWanted(isMirrored ? 1 : -1); return true;
         case Qt::Key_Space:
-            if (!currentIndex().isValid()) return true;
-            if (event.modifiers().testFlag(Qt::ControlModifier))
-                Q_EMIT previewWanted(currentIndex());
-            else if (!event.isAutoRepeat()) Q_EMIT tickWanted(currentIndex());
+            if (currentIndex().isValid() && !event.isAutoRepeat())
+                Q_EMIT tickWanted(currentIndex());
             return true;
         case Qt::Key_Delete: Q_EMIT removalWanted(); return true;
         default: return false;

@@ -20,7 +20,6 @@ Q_SIGNALS:
     /// 1 to the column that this row opens, -1 to the one before.
     void columnWanted(int step);
     void tickWanted(const QModelIndex& index);
-    void previewWanted(const QModelIndex& index);
     void removalWanted();
     void menuWanted(const QModelIndex& index, QPoint globalPosition);
     void focused();
