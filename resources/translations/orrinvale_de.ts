@@ -1278,6 +1278,14 @@
         <source>the folder is for other things as well</source>
         <translation>der Ordner dient auch anderem</translation>
     </message>
+    <message>
+        <source>not installed any more as it was listed</source>
+        <translation>nicht mehr so installiert, wie sie in der Liste stand</translation>
+    </message>
+    <message>
+        <source>what would go along could not be found out in time</source>
+        <translation>was mitgelöscht würde, war nicht rechtzeitig zu erfahren</translation>
+    </message>
 </context>
 <context>
     <name>Removal</name>
@@ -2794,6 +2802,18 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>Details</source>
         <translation>Einzelheiten</translation>
     </message>
+    <message>
+        <source>stopped before its turn came</source>
+        <translation>angehalten, bevor es an der Reihe war</translation>
+    </message>
+    <message>
+        <source>Stopping ...</source>
+        <translation>Wird angehalten ...</translation>
+    </message>
+    <message>
+        <source>free space grew by %1</source>
+        <translation>freier Platz wuchs um %1</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::UninstallAppsModel</name>
@@ -2923,10 +2943,6 @@ Freie Software unter der Apache License 2.0.</translation>
 <context>
     <name>orrinvale::UninstallQuestion</name>
     <message>
-        <source>%1 and %2 more</source>
-        <translation>%1 und %2 weitere</translation>
-    </message>
-    <message>
         <source>%1, %2, with a document or database</source>
         <translation>%1, %2, mit einem Dokument oder einer Datenbank</translation>
     </message>
@@ -2975,8 +2991,28 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>Beenden</translation>
     </message>
     <message>
-        <source>It is running. Close its windows, and save what is open.</source>
-        <translation>Sie läuft gerade. Schließen Sie ihre Fenster, und sichern Sie, was offen ist.</translation>
+        <source>More that it left stays: %1</source>
+        <translation>Weiteres, das sie hinterlassen hat, bleibt: %1</translation>
+    </message>
+    <message>
+        <source>Removed for good:</source>
+        <translation>Wird endgültig gelöscht:</translation>
+    </message>
+    <message>
+        <source>Goes to the trash:</source>
+        <translation>Kommt in den Papierkorb:</translation>
+    </message>
+    <message>
+        <source>It is running and can not be closed from here. Close its windows, and save what is open.</source>
+        <translation>Sie läuft und kann von hier nicht beendet werden. Schließen Sie ihre Fenster und sichern Sie, was offen ist.</translation>
+    </message>
+    <message>
+        <source>Nobody knows yet what would go along</source>
+        <translation>Noch ist nicht bekannt, was mitgelöscht würde</translation>
+    </message>
+    <message>
+        <source>None of them can be removed</source>
+        <translation>Keine davon kann entfernt werden</translation>
     </message>
 </context>
 <context>

@@ -114,19 +114,27 @@ Leftover leftover(const char* name, LeftoverGrade grade, std::uint64_t bytes,
 // What the question of two applications tells.
 class SampleWork final : public UninstallWork {
 public:
-    std::vector<UninstallForecast> forecast(const std::vector<AppItems>& items,
-                                            const std::atomic<bool>& /*stop*/) override {
-        std::vector<UninstallForecast> out(items.size());
-        for (std::size_t i = 0; i < items.size(); ++i) {
-            if (items[i].name == "Birdsong Recorder") out[i].running = RunState::Yes;
-            if (items[i].name != "Letters") continue;
-            out[i].goesAlong = {"org.example.Letters.Locale"};
-            out[i].leftovers = {leftover("cache", LeftoverGrade::Certain, 182'400'000, 0),
-                                leftover("data", LeftoverGrade::Likely, 1'204'000'000, 14)};
+    UninstallOutlook forecast(const std::vector<AppItems>& items,
+                              const std::atomic<bool>& /*stop*/) override {
+        UninstallOutlook out;
+        out.plan = std::make_shared<const UninstallPlan>();
+        for (const AppItems& item : items) {
+            UninstallForecast& each = out.apps.emplace_back();
+            if (item.name == "Birdsong Recorder") {
+                each.running = RunState::Yes;
+                each.paths = {"/home/anna/Applications/Birdsong.AppImage",
+                              "/home/anna/.local/share/applications/birdsong.desktop"};
+            }
+            if (item.name != "Letters") continue;
+            each.goesAlong = {"org.example.Letters.Locale"};
+            each.leftovers = {leftover("cache", LeftoverGrade::Certain, 182'400'000, 0),
+                              leftover("data", LeftoverGrade::Likely, 1'204'000'000, 2)};
+            each.leftovers.back().precious = {"mail/archive.mbox", "addresses.vcf"};
         }
         return out;
     }
-    std::vector<UninstallResult> remove(const std::vector<UninstallRequest>& /*requests*/,
+    std::vector<UninstallResult> remove(const UninstallPlan& /*plan*/,
+                                        const std::vector<UninstallRequest>& /*requests*/,
                                         ProgressBox& /*progress*/,
                                         const std::atomic<bool>& /*stop*/) override {
         return {};

@@ -1,9 +1,12 @@
 // Finds the trash that an entry belongs to; TrashFolder moves it there.
 #include "engine/files/Trash.h"
 
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <utility>
 
@@ -28,6 +31,13 @@ bool isSameMount(const FileAttributes& a, const FileAttributes& b) {
 }
 
 std::string reasonOf(int error) { return systemError("move", {}, error).reason(); }
+
+// Whether this person may put something into the folder; no link is followed.
+std::optional<std::string> objectionTo(int parent, const char* folder) {
+    if (::faccessat(parent, folder, W_OK | X_OK, AT_EACCESS | AT_SYMLINK_NOFOLLOW) == 0)
+        return std::nullopt;
+    return reasonOf(errno);
+}
 
 }  // namespace
 
@@ -72,6 +82,47 @@ tl::expected<std::string, std::string> Trash::moveHeld(const HeldEntry& held) co
     }
     if (auto result = take(openOwn(root->get()))) return *result;
     return tl::unexpected("no trash on its volume: " + reason);
+}
+
+// A folder that goes elsewhere has another folder above it, which is written into it.
+std::optional<std::string> Trash::objection(const std::string& path) const {
+    const auto held = HeldEntry::at(m_files, m_places, path, std::nullopt);
+    if (!held) return held.error().reason;
+    if (auto why = objectionTo(held->parent.get(), ".")) return why;
+    if (held->attributes.type == FileType::Folder)
+        if (auto why = objectionTo(held->parent.get(), held->name.c_str())) return why;
+    const std::string home = homeTrash();
+    if (!home.empty() && isOnVolumeOf(*held, home) && !objectionToHome(home)) return std::nullopt;
+    const auto root = rootOfVolume(*held);
+    if (!root) return reasonOf(root.error());
+    auto why = objectionToVolume(root->get());
+    if (why) why = "no trash on its volume: " + *why;
+    return why;
+}
+
+std::optional<std::string> Trash::objectionToHome(std::string folder) const {
+    while (folder != "/" && !m_files.attributes(FileSystem::noParent, folder.c_str(), Links::Keep))
+        folder = folderOf(folder);
+    return objectionTo(AT_FDCWD, folder.c_str());
+}
+
+std::optional<std::string> Trash::objectionToVolume(int root) const {
+    struct stat seen {};
+    const bool isShared = ::fstatat(root, ".Trash", &seen, AT_SYMLINK_NOFOLLOW) == 0 &&
+                          S_ISDIR(seen.st_mode) && (seen.st_mode & S_ISVTX) != 0;
+    if (isShared && !objectionTo(root, ".Trash")) return std::nullopt;
+    const std::string own = ".Trash-" + std::to_string(m_variables.user);
+    const std::array folders{own, own + "/files", own + "/info"};
+    for (const std::string& each : folders) {
+        if (::fstatat(root, each.c_str(), &seen, AT_SYMLINK_NOFOLLOW) != 0) {
+            if (&each == folders.data()) return objectionTo(root, ".");
+            continue;  // it is made in the one above
+        }
+        if (!S_ISDIR(seen.st_mode)) return reasonOf(ENOTDIR);
+        if (seen.st_uid != m_variables.user) return "the trash there is another user's";
+        if (auto why = objectionTo(root, each.c_str())) return why;
+    }
+    return std::nullopt;
 }
 
 std::string Trash::homeTrash() const {

@@ -29,6 +29,10 @@ public:
     [[nodiscard]] tl::expected<std::string, std::string> move(
         const std::string& path, const std::optional<EntryIdentity>& expected = std::nullopt) const;
 
+    /// Why move() would leave the entry where it is, as far as a look tells beforehand; nothing is
+    /// made and nothing moved.
+    [[nodiscard]] std::optional<std::string> objection(const std::string& path) const;
+
 private:
     using Found = tl::expected<TrashFolder, std::string>;
 
@@ -36,6 +40,8 @@ private:
     [[nodiscard]] std::string homeTrash() const;
     [[nodiscard]] bool isOnVolumeOf(const HeldEntry& held, std::string folder) const;
     [[nodiscard]] SysResult<Descriptor> rootOfVolume(const HeldEntry& held) const;
+    [[nodiscard]] std::optional<std::string> objectionToHome(std::string folder) const;
+    [[nodiscard]] std::optional<std::string> objectionToVolume(int root) const;
     [[nodiscard]] Found openHome() const;
     [[nodiscard]] Found openShared(int root) const;
     [[nodiscard]] Found openOwn(int root) const;

@@ -13,70 +13,92 @@ bool isSame(const ApplicationRecord& a, const ApplicationRecord& b) {
     return a.type == b.type && a.path == b.path && a.id == b.id && a.installation == b.installation;
 }
 
+constexpr const char* notAsListed = "not installed any more as it was listed";
+constexpr const char* noAnswer = "what would go along could not be found out in time";
+
 // Those that go are the same objects among all that are installed, which claim what is theirs.
-AppItemsArray putAmong(AppItemsArray& installed, const std::vector<AppItems>& items) {
+// What is not there any more as a person saw it is told in `missing`.
+AppItemsArray putAmong(AppItemsArray& installed, const std::vector<AppItems>& items,
+                       std::vector<std::size_t>& missing) {
     AppItemsArray out;
     for (const AppItems& each : items) {
         out.push_back(std::make_shared<AppItems>(each));
         const auto found = std::ranges::find_if(
             installed, [&](const auto& other) { return isSame(*other->record, *each.record); });
         if (found != installed.end()) *found = out.back();
+        else missing.push_back(out.size() - 1);
     }
     return out;
 }
 
-std::vector<const ApplicationRecord*> recordsOf(const std::vector<AppItems>& items) {
-    std::vector<const ApplicationRecord*> out;
-    for (const AppItems& each : items) out.push_back(each.record.get());
-    return out;
-}
-
-std::string joined(const std::vector<std::string>& lines) {
-    std::string out;
-    for (const std::string& each : lines) out += (out.empty() ? "" : "\n") + each;
-    return out;
+bool goesToTrash(const AppItems& item) {
+    return item.record->type == ApplicationType::AppImage ||
+           item.record->type == ApplicationType::Folder;
 }
 
 }  // namespace
 
-std::vector<UninstallForecast> PlannedUninstallWork::forecast(const std::vector<AppItems>& items,
-                                                              const std::atomic<bool>& stop) {
+// The program itself decides; what stays of its entries is told when it does.
+void PlannedUninstallWork::refuseWithoutTrash(UninstallPlan& plan) const {
+    if (!m_noTrash) return;
+    for (UninstallPlan::App& each : plan.apps)
+        if (each.refusal.empty() && goesToTrash(*each.item) && !each.entries.empty())
+            each.refusal = m_noTrash(each.entries.front().path);
+}
+
+void PlannedUninstallWork::takeLeftovers(UninstallForecast& forecast,
+                                         std::vector<Leftover> found) const {
+    for (Leftover& each : found) {
+        const std::string reason = m_noTrash ? m_noTrash(each.path) : std::string();
+        if (reason.empty()) forecast.leftovers.push_back(std::move(each));
+        else forecast.noTrash = reason;
+    }
+}
+
+// One look for all.
+std::vector<RunState> PlannedUninstallWork::runningOf(const std::vector<AppItems>& items) const {
+    std::vector<const ApplicationRecord*> records;
+    for (const AppItems& each : items) records.push_back(each.record.get());
+    return m_parts.applications->running(records);
+}
+
+UninstallOutlook PlannedUninstallWork::forecast(const std::vector<AppItems>& items,
+                                                const std::atomic<bool>& stop) {
     UninstallAppInfo info(
         UninstallAppDelegate(*m_parts.files, m_parts.home, m_parts.applications, m_parts.root));
     AppItemsArray& installed = info.allAppsInfo();
     const LeftoverRules rules(LeftoverClaims::of(installed, info.rest()));
-    const AppItemsArray ticked = putAmong(installed, items);
+    std::vector<std::size_t> missing;
+    const AppItemsArray ticked = putAmong(installed, items, missing);
     UninstallPlan plan = planUninstall(m_parts, ticked, installed, stop);
-    std::vector<UninstallForecast> out(items.size());
-    const std::vector<RunState> running = m_parts.applications->running(recordsOf(items));
-    bool isNoted = false;
-    for (std::size_t i = 0; i < out.size(); ++i) {
+    for (const std::size_t index : missing) plan.apps.at(index).refusal = notAsListed;
+    for (UninstallPlan::App& each : plan.apps)
+        if (stop && each.refusal == "stopped") each.refusal = noAnswer;
+    refuseWithoutTrash(plan);
+    const std::vector<RunState> running = runningOf(items);
+    UninstallOutlook out;
+    out.notes = plan.stays;
+    for (std::size_t i = 0; i < items.size(); ++i) {
         const UninstallPlan::App& app = plan.apps.at(i);
+        UninstallForecast& told = out.apps.emplace_back();
         // The one that never goes is tried like any other, and fails.
-        if (!isNeverRemoved(items[i])) out[i].refusal = app.refusal;
-        out[i].running = running.at(i);
+        if (!isNeverRemoved(items[i])) told.refusal = app.refusal;
+        told.running = running.at(i);
         if (!app.refusal.empty()) continue;
-        out[i].goesAlong = app.along;
-        for (const PlannedEntry& each : app.entries)
-            if (each.path != items[i].path) out[i].goesAlong.push_back(each.path);
-        if (!std::exchange(isNoted, true)) out[i].note = joined(plan.stays);
+        told.goesAlong = app.along;
+        for (const PlannedEntry& each : app.entries) told.paths.push_back(each.path);
         if (items[i].record->type != ApplicationType::App)
-            out[i].leftovers =
-                findLeftoversOf(*m_parts.files, m_places, rules, *items[i].record, stop);
+            takeLeftovers(told,
+                          findLeftoversOf(*m_parts.files, m_places, rules, *items[i].record, stop));
     }
-    const std::lock_guard guard(m_mutex);
-    m_plan = std::move(plan);
+    out.plan = std::make_shared<const UninstallPlan>(std::move(plan));
     return out;
 }
 
 std::vector<UninstallResult> PlannedUninstallWork::remove(
-    const std::vector<UninstallRequest>& requests, ProgressBox& progress,
-    const std::atomic<bool>& stop) {
-    UninstallPlan plan;
-    {
-        const std::lock_guard guard(m_mutex);
-        plan = m_plan;
-    }
+    const UninstallPlan& agreed, const std::vector<UninstallRequest>& requests,
+    ProgressBox& progress, const std::atomic<bool>& stop) {
+    UninstallPlan plan = agreed;
     std::vector<Leftover> leftovers;
     const auto isWanted = [&](const UninstallPlan::App& app) {
         return std::ranges::any_of(requests, [&](const UninstallRequest& request) {
@@ -107,7 +129,7 @@ std::vector<UninstallResult> PlannedUninstallWork::remove(
 }
 
 bool PlannedUninstallWork::askToQuit(const ApplicationRecord& record) {
-    return m_quit && !record.id.empty() && m_quit(record.id);
+    return m_quit && m_quit(record);
 }
 
 RunState PlannedUninstallWork::running(const ApplicationRecord& record) {

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <functional>
-#include <mutex>
+#include <string>
 
 #include "engine/uninstall/UninstallPlan.h"
 #include "engine/uninstall/UninstallRun.h"
@@ -11,35 +11,42 @@
 
 namespace orrinvale {
 
-/// Any thread. What goes is what the last forecast told: an application that it did not know stays.
+/// Holds no state that changes; any thread. An application that a plan does not know stays.
 class PlannedUninstallWork final : public UninstallWork {
 public:
-    /// Asks a program of this identifier to end by its own action; false where it knows none.
-    using Quit = std::function<bool(const std::string& id)>;
+    /// Asks a program to end as its person would; false where there is no way to.
+    using Quit = std::function<bool(const ApplicationRecord& record)>;
+    /// Why the trash can not take the entry at a path, for people; empty where it can.
+    using NoTrash = std::function<std::string(const std::string& path)>;
 
     /// What is pointed to outlives the object.
     PlannedUninstallWork(UninstallParts parts, LeftoverPlaces places, UninstallDoors doors,
-                         Quit quit)
+                         Quit quit, NoTrash noTrash)
         : m_parts(std::move(parts)),
           m_places(std::move(places)),
           m_doors(std::move(doors)),
-          m_quit(std::move(quit)) {}
+          m_quit(std::move(quit)),
+          m_noTrash(std::move(noTrash)) {}
 
-    [[nodiscard]] std::vector<UninstallForecast> forecast(const std::vector<AppItems>& items,
-                                                          const std::atomic<bool>& stop) override;
-    [[nodiscard]] std::vector<UninstallResult> remove(const std::vector<UninstallRequest>& requests,
+    [[nodiscard]] UninstallOutlook forecast(const std::vector<AppItems>& items,
+                                            const std::atomic<bool>& stop) override;
+    [[nodiscard]] std::vector<UninstallResult> remove(const UninstallPlan& plan,
+                                                      const std::vector<UninstallRequest>& requests,
                                                       ProgressBox& progress,
                                                       const std::atomic<bool>& stop) override;
     [[nodiscard]] bool askToQuit(const ApplicationRecord& record) override;
     [[nodiscard]] RunState running(const ApplicationRecord& record) override;
 
 private:
+    [[nodiscard]] std::vector<RunState> runningOf(const std::vector<AppItems>& items) const;
+    void refuseWithoutTrash(UninstallPlan& plan) const;
+    void takeLeftovers(UninstallForecast& forecast, std::vector<Leftover> found) const;
+
     const UninstallParts m_parts;
     const LeftoverPlaces m_places;
     const UninstallDoors m_doors;
     const Quit m_quit;
-    std::mutex m_mutex;
-    UninstallPlan m_plan;  // of the last forecast; guarded by m_mutex
+    const NoTrash m_noTrash;
 };
 
 }  // namespace orrinvale

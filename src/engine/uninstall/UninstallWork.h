@@ -21,10 +21,19 @@ namespace orrinvale {
 struct UninstallForecast {
     std::string refusal;                 ///< why it is not removed; empty where it may go
     std::vector<std::string> goesAlong;  ///< names of packages and the like
+    std::vector<std::string> paths;      ///< all that goes by path, where its kind goes so
     std::vector<std::string> stays;      ///< settings of the system, by path
-    std::string note;                    ///< what else a person wants to know before
-    std::vector<Leftover> leftovers;     ///< in the person's home
+    std::vector<Leftover> leftovers;     ///< in the person's home, which the trash can take
+    std::string noTrash;                 ///< why it can not take others; empty where it takes all
     RunState running = RunState::Unknown;
+};
+
+/// What the removal of several comes to. The plan is the promise: a removal is given it back and
+/// keeps to it, so that a later answer to another question changes nothing.
+struct UninstallOutlook {
+    std::vector<UninstallForecast> apps;  ///< one for each that was asked about, in their order
+    std::vector<std::string> notes;       ///< sentences about some of them
+    std::shared_ptr<const UninstallPlan> plan;
 };
 
 /// One application on its way out, with the leftovers that the person ticked.
@@ -53,15 +62,15 @@ public:
     UninstallWork(const UninstallWork&) = delete;
     UninstallWork& operator=(const UninstallWork&) = delete;
 
-    /// One for each item, in their order. Those of one kind that go together are simulated
-    /// together.
-    [[nodiscard]] virtual std::vector<UninstallForecast> forecast(
-        const std::vector<AppItems>& items, const std::atomic<bool>& stop) = 0;
+    /// Those of one kind that go together are simulated together.
+    [[nodiscard]] virtual UninstallOutlook forecast(const std::vector<AppItems>& items,
+                                                    const std::atomic<bool>& stop) = 0;
 
-    /// One for each request, in their order. Tells the names of what it is at.
+    /// What of the plan is requested; the answers in the order of the requests, which share their
+    /// records with it. Tells the names of what it is at.
     [[nodiscard]] virtual std::vector<UninstallResult> remove(
-        const std::vector<UninstallRequest>& requests, ProgressBox& progress,
-        const std::atomic<bool>& stop) = 0;
+        const UninstallPlan& plan, const std::vector<UninstallRequest>& requests,
+        ProgressBox& progress, const std::atomic<bool>& stop) = 0;
 
     /// Asks a program that runs to end by itself, so that it can ask its person to save; false
     /// where it knows no such thing. Never ends it by force.

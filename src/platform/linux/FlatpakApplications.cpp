@@ -162,23 +162,21 @@ ApplicationDetails FlatpakApplications::details(const ApplicationRecord& record)
     out.lastUse = lastReadAt(record.path + "/active/metadata");
     const LinuxFileSystem files;
     std::map<std::uint64_t, Inode> inodes;
-    std::vector<Descriptor> folders;
-    if (auto top = files.openFolder(FileSystem::noParent, record.path.c_str(), Links::Keep))
-        folders.push_back(std::move(*top));
+    // By path, so that one folder is open at a time however many there are.
+    std::vector<std::string> folders{record.path};
     CatalogBatch batch;
     while (!folders.empty()) {
-        const Descriptor folder = std::move(folders.back());
+        const std::string path = std::move(folders.back());
         folders.pop_back();
-        for (auto more = files.readFolder(folder.get(), batch); more && *more;
-             more = files.readFolder(folder.get(), batch)) {
-            files.readIdentities(folder.get(), batch.entries);
+        const auto folder = files.openFolder(FileSystem::noParent, path.c_str(), Links::Keep);
+        if (!folder) continue;
+        for (auto more = files.readFolder(folder->get(), batch); more && *more;
+             more = files.readFolder(folder->get(), batch)) {
+            files.readIdentities(folder->get(), batch.entries);
             for (const CatalogEntry& each : batch.entries) {
-                constexpr std::size_t mostOpen = 4096;
                 if (each.error != 0) continue;
                 if (each.attributes.type == FileType::Folder) {
-                    if (folders.size() >= mostOpen) continue;
-                    if (auto inner = files.openInside(folder.get(), each.name))
-                        folders.push_back(std::move(*inner));
+                    folders.push_back(joinPath(path, each.name));
                     continue;
                 }
                 Inode& inode = inodes[each.attributes.inode];

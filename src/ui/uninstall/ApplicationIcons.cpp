@@ -51,7 +51,7 @@ QImage imageAt(const FileSystem& files, const std::string& path) {
 }  // namespace
 
 ApplicationIcons::ApplicationIcons(const FileSystem& files, QObject* parent)
-    : QObject(parent), m_files(files) {
+    : QObject(parent), m_system(files) {
     m_next.setSingleShot(true);
     connect(&m_next, &QTimer::timeout, this, &ApplicationIcons::takeNext);
 }
@@ -72,7 +72,8 @@ void ApplicationIcons::takeNext() {
     m_wanted.pop_front();
     if (!m_wanted.empty()) m_next.start();
     if (name.front() == '/') {
-        readFile(name);
+        m_files.push_back(name);
+        readNextFile();
         return;
     }
     const QIcon found = QIcon::fromTheme(QString::fromStdString(name));
@@ -83,13 +84,19 @@ void ApplicationIcons::takeNext() {
     keep(name, drawn);
 }
 
-void ApplicationIcons::readFile(const std::string& path) {
-    runAside(
+void ApplicationIcons::readNextFile() {
+    if (m_files.empty() || std::exchange(m_isReading, true)) return;
+    const std::string path = std::move(m_files.front());
+    m_files.pop_front();
+    const auto worker = runAside(
         this, "picture of an application",
-        [&files = m_files, path] { return imageAt(files, path); },
+        [&files = m_system, path] { return imageAt(files, path); },
         [this, path](const QImage& image) {
             if (!image.isNull()) keep(path, QIcon(QPixmap::fromImage(image)));
+            m_isReading = false;
+            readNextFile();
         });
+    if (worker == nullptr) m_isReading = false;
 }
 
 void ApplicationIcons::keep(const std::string& name, const QIcon& icon) {

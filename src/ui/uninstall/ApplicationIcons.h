@@ -13,7 +13,7 @@ namespace orrinvale {
 class FileSystem;
 
 /// A picture is looked for once somebody has asked for it, one a turn of the event loop; files that
-/// a theme does not vouch for are read on a thread of their own. Until then, and where there is
+/// a theme does not vouch for are read aside, one at a time. Until then, and where there is
 /// none, the program's own picture of an application stands in. Main thread only.
 class ApplicationIcons final : public QObject {
     Q_OBJECT
@@ -30,12 +30,14 @@ Q_SIGNALS:
 
 private:
     void takeNext();
-    void readFile(const std::string& path);
+    void readNextFile();
     void keep(const std::string& name, const QIcon& icon);
 
-    const FileSystem& m_files;
+    const FileSystem& m_system;
     QHash<QByteArray, QIcon> m_known;
     std::deque<std::string> m_wanted;
+    std::deque<std::string> m_files;  // that are to be read, by path
+    bool m_isReading = false;
     QTimer m_next;
 };
 

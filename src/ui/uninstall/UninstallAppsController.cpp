@@ -222,13 +222,15 @@ void UninstallAppsController::searchAppsFinished(const AppItemsArray& found,
 
 void UninstallAppsController::cancelSearchApps() { m_views->searchAppsIndicator->stop(); }
 
+bool UninstallAppsController::mayListAnew() const { return isFree() && m_alert == nullptr; }
+
 void UninstallAppsController::refresh() {
-    if (isFree()) search();
+    if (mayListAnew()) search();
 }
 
 // Aside, since a home may lie on a disk that does not answer.
 void UninstallAppsController::lookForChanges() {
-    if (!isFree() || std::exchange(m_isLooking, true)) return;
+    if (!mayListAnew() || std::exchange(m_isLooking, true)) return;
     const auto worker = runAside(
         this, "changes of applications", [stamp = m_parts.stamp] { return stamp(); },
         [this](const std::string& stamp) {

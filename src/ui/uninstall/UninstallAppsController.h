@@ -1,6 +1,7 @@
-// UninstallAppsController: the page that lists what is installed. Three sources: this class's
-// inventory, UninstallAppsRows.cpp its ticks, filters and details, UninstallAppsRemoval.cpp its
-// removal. The decisions stand in engine/uninstall: UninstallList.h, UninstallRights.h.
+// UninstallAppsController: the page that lists what is installed. Four sources: this class's
+// inventory, UninstallAppsRows.cpp its ticks, filters and details, UninstallAppsAsking.cpp its
+// question, UninstallAppsRemoval.cpp its removal. The decisions stand in engine/uninstall:
+// UninstallList.h, UninstallRights.h.
 #pragma once
 
 #include <QObject>
@@ -18,6 +19,7 @@
 #include "engine/uninstall/UninstallList.h"
 #include "engine/uninstall/UninstallRights.h"
 #include "engine/uninstall/UninstallWork.h"
+#include "platform/fileTypes.h"
 #include "ui/page/Page.h"
 #include "ui/page/PageServices.h"
 #include "ui/page/StateTable.h"
@@ -43,6 +45,9 @@ struct UninstallPageParts {
     /// Another text when something was installed or removed; empty: nobody can tell.
     std::function<std::string()> stamp{};
     std::shared_ptr<UninstallWork> work{};
+    /// What is free at a folder's disk, to tell what a removal gave back; empty: nobody tells.
+    std::function<SysResult<std::uint64_t>(const std::string& folder)> freeSpace{};
+    std::vector<std::string> disks{};  ///< a folder on each that applications may lie on
     std::chrono::milliseconds forecastPatience{10'000};
 };
 
@@ -99,6 +104,8 @@ private:
     void enter(State state);
     [[nodiscard]] StateTable stateTable() const;
     [[nodiscard]] bool isFree() const { return m_state == State::Ready; }
+    /// Records stay as they are while somebody is asked about them.
+    [[nodiscard]] bool mayListAnew() const;
 
     // The inventory.
     void connectControls();
@@ -128,18 +135,20 @@ private:
     struct Batch;
     void showAlertForUninstall();
     void askForForecast(const AppItemsArray& items);
-    void takeForecast(const std::shared_ptr<std::atomic<bool>>& stop,
-                      const std::vector<UninstallForecast>& forecast);
     void quitRunning(std::size_t number);
     void lookAtRunning(std::size_t number);
     void alertEnded_code(int code);
+    void beginRemoval(const std::shared_ptr<const UninstallPlan>& plan,
+                      std::vector<UninstallRequest> requests);
     [[nodiscard]] UninstallRights rights() const;
     void goOn(UninstallStep step);
     void askForRight(UninstallStep asked);
     void uninstallActionfromBottomButton(UninstallStep attempt);
     void attemptEnded(UninstallStep attempt, const std::vector<UninstallResult>& results);
     void endUninstall(bool isEverythingGone);
+    [[nodiscard]] static QStringList failuresOf(const Batch& batch);
     void showResult(bool isEverythingGone);
+    void showGone(const Batch& batch);
     void showRemoving();
     void showFailures();
 

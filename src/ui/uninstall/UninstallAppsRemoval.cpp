@@ -1,4 +1,5 @@
-// UninstallAppsController: the question, the attempts with their rights, and what is told of them.
+// UninstallAppsController: the attempts with their rights, and what is told of them.
+// UninstallAppsAsking.cpp asks before.
 #include <QCoreApplication>
 #include <QLabel>
 #include <QLocale>
@@ -9,6 +10,7 @@
 #include "engine/base/UtilityObject.h"
 #include "engine/cleaning/FolderUtilities.h"
 #include "engine/cleaning/QnAuthorization.h"
+#include "engine/cleaning/SpaceGain.h"
 #include "engine/text/UtilityFunction.h"
 #include "engine/uninstall/uninstallNotices.h"
 #include "services/foundation/runAside.h"
@@ -18,16 +20,12 @@
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/pathText.h"
 #include "ui/kit/dialogs/LineList.h"
-#include "ui/kit/dialogs/Sheet.h"
 #include "ui/kit/lists/TickBox.h"
 #include "ui/uninstall/UninstallAppsController.h"
 #include "ui/uninstall/UninstallAppsViews.h"
-#include "ui/uninstall/UninstallQuestion.h"
 
 namespace orrinvale {
 namespace {
-
-constexpr std::chrono::milliseconds runningPause{1000};
 
 bool hasRight() {
     QnAuthorization& right = QnAuthorization::shareQnAuthorization();
@@ -36,6 +34,11 @@ bool hasRight() {
     static_cast<void>(FolderUtilities::DeleteAuthoration(reference));
     return true;
 }
+
+struct Attempted {
+    std::vector<UninstallResult> results;
+    std::optional<std::int64_t> gained;
+};
 
 }  // namespace
 
@@ -46,11 +49,14 @@ struct UninstallAppsController::Batch {
         UninstallRequest request;
         UninstallResult result;
     };
+    std::shared_ptr<const UninstallPlan> plan;  // that was shown
     std::vector<Row> rows;
     std::vector<std::size_t> attempt;  // the rows that the attempt under way is at
     ProgressBox progress;
     std::atomic<bool> stop{false};
-    bool hasNeverRemoved = false;  // the record that stays was ticked too
+    std::unique_ptr<SpaceGain> space;    // asked aside; null where nobody tells
+    std::optional<std::int64_t> gained;  // bytes, as measured after the last attempt
+    bool hasNeverRemoved = false;        // the record that stays was ticked too
 
     [[nodiscard]] bool isEverythingGone() const {
         return !hasNeverRemoved &&
@@ -58,95 +64,12 @@ struct UninstallAppsController::Batch {
     }
 };
 
-void UninstallAppsController::uninstallButtonAction() {
-    if (m_views->uninstallButton->isEnabled() && m_alert == nullptr && m_parts.work)
-        showAlertForUninstall();
-}
-
-void UninstallAppsController::showAlertForUninstall() {
-    m_asked = m_list.getAllSelectApp().value_or(AppItemsArray());
-    const QString said = m_list.hasSelectedSystemApp()
-                             ? tr("System application(s),Do you want to uninstall it?")
-                             : tr("Uninstall the selected application(s)?");
-    QWidget* const window =
-        m_mainWindow != nullptr ? m_mainWindow.data() : m_views->resultView.data();
-    m_question = new UninstallQuestion(m_asked, said);
-    m_alert = new Sheet(*window, m_question);  // ends itself
-    connect(m_alert, &Sheet::cancelled, this, [this] { alertEnded_code(0); });
-    connect(m_question->cancelButton, &QAbstractButton::clicked, this,
-            [this] { alertEnded_code(0); });
-    connect(m_question->uninstallYes, &QAbstractButton::clicked, this,
-            [this] { alertEnded_code(1); });
-    connect(m_question, &UninstallQuestion::quitWanted, this,
-            &UninstallAppsController::quitRunning);
-    m_alert->open(m_question->cancelButton);
-    askForForecast(m_asked);
-}
-
-// What asks a service gets its time; what is known by then is shown, and the rest is told to stay.
-void UninstallAppsController::askForForecast(const AppItemsArray& items) {
-    std::vector<AppItems> copies;
-    for (const auto& each : items) copies.push_back(*each);
-    const auto stop = std::make_shared<std::atomic<bool>>(false);
-    connect(m_question, &QObject::destroyed, this, [stop] { *stop = true; });
-    const auto worker = runAside(
-        m_question.data(), "forecast of a removal",
-        [work = m_parts.work, copies = std::move(copies), stop] {
-            return work->forecast(copies, *stop);
-        },
-        [this, stop](const std::vector<UninstallForecast>& forecast) {
-            takeForecast(stop, forecast);
-        });
-    QTimer::singleShot(m_parts.forecastPatience, m_question.data(), [this, stop] {
-        if (!stop->exchange(true))
-            m_question->showSilence(tr("What would go along could not be found out in time."));
-    });
-    if (worker == nullptr) m_question->showSilence(tr("What would go along is not known."));
-}
-
-void UninstallAppsController::takeForecast(const std::shared_ptr<std::atomic<bool>>& stop,
-                                           const std::vector<UninstallForecast>& forecast) {
-    *stop = true;
-    if (m_question != nullptr) m_question->showForecast(forecast);
-}
-
-void UninstallAppsController::quitRunning(std::size_t number) {
-    runAside(
-        m_question.data(), "quit an application",
-        [work = m_parts.work, record = m_asked.at(number)->record] {
-            return work->askToQuit(*record);
-        },
-        [this, number](bool isAsked) {
-            if (!isAsked) m_question->showCannotQuit(number);
-            lookAtRunning(number);
-        });
-}
-
-// It may ask its person to save before it goes, so it is looked at until it has.
-void UninstallAppsController::lookAtRunning(std::size_t number) {
-    runAside(
-        m_question.data(), "a running application",
-        [work = m_parts.work, record = m_asked.at(number)->record] {
-            return work->running(*record);
-        },
-        [this, number](RunState state) {
-            m_question->showRunning(number, state);
-            if (state == RunState::Yes)
-                QTimer::singleShot(runningPause, m_question.data(),
-                                   [this, number] { lookAtRunning(number); });
-        });
-}
-
-void UninstallAppsController::alertEnded_code(int code) {
-    if (m_alert == nullptr || m_question == nullptr) return;
-    const bool isAgreed = code == 1 && m_question->uninstallYes->isEnabled();
-    std::vector<UninstallRequest> requests;
-    if (isAgreed) requests = m_question->requests();
-    m_alert->close([] {});
-    m_alert.clear();
-    m_question.clear();
-    if (!isAgreed) return;
+void UninstallAppsController::beginRemoval(const std::shared_ptr<const UninstallPlan>& plan,
+                                           std::vector<UninstallRequest> requests) {
     m_batch = std::make_shared<Batch>();
+    m_batch->plan = plan;
+    if (m_parts.freeSpace)
+        m_batch->space = std::make_unique<SpaceGain>(m_parts.disks, m_parts.freeSpace);
     for (UninstallRequest& request : requests) {
         const auto item = std::ranges::find(m_asked, request.item.record, &AppItems::record);
         if (isNeverRemoved(request.item)) m_batch->hasNeverRemoved = true;
@@ -216,10 +139,15 @@ void UninstallAppsController::uninstallActionfromBottomButton(UninstallStep atte
     const auto worker = runAside(
         this, "uninstall",
         [work = m_parts.work, batch = m_batch, requests = std::move(requests)] {
-            return work->remove(requests, batch->progress, batch->stop);
+            Attempted out;
+            if (batch->space) batch->space->begin();
+            out.results = work->remove(*batch->plan, requests, batch->progress, batch->stop);
+            if (batch->space) out.gained = batch->space->gained();
+            return out;
         },
-        [this, attempt](const std::vector<UninstallResult>& results) {
-            attemptEnded(attempt, results);
+        [this, attempt](const Attempted& attempted) {
+            m_batch->gained = attempted.gained;
+            attemptEnded(attempt, attempted.results);
         });
     if (worker == nullptr) endUninstall(false);
 }
@@ -230,7 +158,10 @@ void UninstallAppsController::attemptEnded(UninstallStep attempt,
     AppItemsArray removed;
     for (std::size_t i = 0; i < m_batch->attempt.size() && i < results.size(); ++i) {
         Batch::Row& row = m_batch->rows[m_batch->attempt[i]];
+        // Leftovers follow the first attempt alone.
+        std::vector<UninstallResult::Stayed> stayed = std::move(row.result.leftovers);
         row.result = results[i];
+        row.result.leftovers.insert(row.result.leftovers.end(), stayed.begin(), stayed.end());
         if (row.result.isGone) removed.push_back(row.item);
         else Log::line("uninstall can not work!");
     }
@@ -245,32 +176,53 @@ void UninstallAppsController::attemptEnded(UninstallStep attempt,
 void UninstallAppsController::endUninstall(bool isEverythingGone) {
     m_progressTimer.stop();
     const std::shared_ptr<Batch> batch = std::exchange(m_batch, nullptr);
+    m_asked.clear();
     enter(State::Ready);
     showResult(isEverythingGone);
-    m_failures.clear();
-    std::size_t gone = 0;
-    std::uint64_t gained = 0;
-    for (const Batch::Row& row : batch->rows) {
-        gone += row.result.isGone ? 1 : 0;
-        gained += row.result.gained;
-        if (!row.result.isGone && !row.result.reason.empty())
-            m_failures.push_back(QStringLiteral("%1: %2").arg(
-                onOneLine(QString::fromStdString(row.item->name)), inWords(row.result.reason)));
-        for (const auto& [path, reason] : row.result.leftovers)
-            m_failures.push_back(QStringLiteral("%1: %2").arg(
-                onOneLine(QString::fromStdString(path)), inWords(reason)));
-    }
-    ResultFrame::showLine(*m_views->removedLine,
-                          gone == 0
-                              ? QString()
-                              : tr("%1 removed, %2")
-                                    .arg(QLocale().toString(qulonglong(gone)),
-                                         shownSize(UtilityFunction::convertVolSpace(gained))));
+    showGone(*batch);
+    m_failures = failuresOf(*batch);
     ResultFrame::showLine(*m_views->failureLine, m_failures.isEmpty() ? QString() : tr("Why?"));
     notice::uninstallShowSelectNumInBottom.post(*m_services.notifications,
                                                 notice::uninstalledObject);
     m_sizes.fillIn(m_list.searchAllAppArr());
     m_views->tableView->setFocus();
+}
+
+// What went, and what that gave back by now: the trash gives nothing back before it is emptied.
+void UninstallAppsController::showGone(const Batch& batch) {
+    std::uint64_t gone = 0;
+    std::uint64_t size = 0;
+    for (const Batch::Row& row : batch.rows) {
+        gone += row.result.isGone ? 1 : 0;
+        size += row.result.gained;
+    }
+    const auto sizeText = [](std::uint64_t bytes) {
+        return shownSize(UtilityFunction::convertVolSpace(bytes));
+    };
+    QStringList said;
+    if (gone != 0)
+        said.push_back(
+            tr("%1 removed, %2").arg(QLocale().toString(qulonglong(gone)), sizeText(size)));
+    if (gone != 0 && batch.gained.value_or(0) > 0)
+        said.push_back(tr("free space grew by %1").arg(sizeText(std::uint64_t(*batch.gained))));
+    ResultFrame::showLine(*m_views->removedLine, said.join(QStringLiteral(", ")));
+}
+
+QStringList UninstallAppsController::failuresOf(const Batch& batch) {
+    QStringList lines;
+    const auto add = [&](const std::string& of, const QString& reason) {
+        lines.push_back(
+            QStringLiteral("%1: %2").arg(onOneLine(QString::fromStdString(of)), reason));
+    };
+    for (const Batch::Row& row : batch.rows) {
+        if (!row.result.isGone && !row.result.reason.empty())
+            add(row.item->name, inWords(row.result.reason));
+        else if (!row.result.isGone && batch.stop)
+            add(row.item->name, tr("stopped before its turn came"));
+        if (!row.result.note.empty()) add(row.item->name, inWords(row.result.note));
+        for (const auto& [path, reason] : row.result.leftovers) add(path, inWords(reason));
+    }
+    return lines;
 }
 
 void UninstallAppsController::showResult(bool isEverythingGone) {
@@ -282,6 +234,10 @@ void UninstallAppsController::showResult(bool isEverythingGone) {
 }
 
 void UninstallAppsController::showRemoving() {
+    if (m_batch && m_batch->stop) {
+        m_views->uninstallTextField->setText(tr("Stopping ..."));
+        return;
+    }
     const std::string current = m_batch ? m_batch->progress.copy().current : std::string();
     if (!current.empty())
         m_views->uninstallTextField->setText(
@@ -293,7 +249,10 @@ void UninstallAppsController::showFailures() {
 }
 
 void UninstallAppsController::giveUp() {
-    if (m_batch) m_batch->stop = true;
+    if (!m_batch) return;
+    m_batch->stop = true;
+    m_views->stopButton->setEnabled(false);
+    showRemoving();
 }
 
 }  // namespace orrinvale

@@ -23,19 +23,36 @@
 namespace orrinvale {
 namespace {
 
-constexpr int panelWidth = 560, mostHeight = 250, signSide = 40;
-constexpr std::size_t mostNames = 12;
+constexpr int panelWidth = 560, leastHeight = 250, signSide = 40;
 
 QString text(const std::string& bytes) { return onOneLine(QString::fromStdString(bytes)); }
 
+// All of them, however many: what is not shown must not go.
 QString listed(const std::vector<std::string>& names) {
     QStringList words;
-    for (std::size_t i = 0; i < std::min(names.size(), mostNames); ++i)
-        words.push_back(text(names[i]));
-    const QString all = words.join(QStringLiteral(", "));
-    if (names.size() <= mostNames) return all;
-    return UninstallQuestion::tr("%1 and %2 more")
-        .arg(all, QLocale().toString(qulonglong(names.size() - mostNames)));
+    for (const std::string& each : names) words.push_back(text(each));
+    return words.join(QStringLiteral(", "));
+}
+
+// A path has no blanks to be broken at, and none may run out of the sheet.
+QString brokenAtFolders(const std::string& path) {
+    return text(path).replace(QLatin1Char('/'), QStringLiteral("/\u200B"));
+}
+
+QString titleOf(const AppItems& item) {
+    const QString kind = kindWord(item.record->type);
+    if (item.fileSize.empty()) return QStringLiteral("%1 (%2)").arg(text(item.name), kind);
+    return QStringLiteral("%1 (%2, %3)").arg(text(item.name), kind, applicationSizeText(item));
+}
+
+QLabel* addLine(QVBoxLayout& lines, const QString& said, bool isQuiet = true) {
+    auto* const line = makeLabel("lineLabel", Theme::Text::Body,
+                                 isQuiet ? QPalette::PlaceholderText : QPalette::WindowText);
+    line->setText(said);
+    line->setWordWrap(true);
+    line->setAlignment(Qt::AlignLeading);
+    lines.addWidget(line);
+    return line;
 }
 
 QString leftoverText(const Leftover& leftover) {
@@ -93,30 +110,29 @@ void UninstallQuestion::addHead(QVBoxLayout& column, const QString& informativeT
 
 void UninstallQuestion::addParts(QVBoxLayout& column, const AppItemsArray& items) {
     auto* const inside = new QWidget;
-    auto* const list = new QVBoxLayout(inside);
-    list->setContentsMargins({});
-    list->setSpacing(Theme::gap);
+    m_list = new QVBoxLayout(inside);
+    m_list->setContentsMargins({});
+    m_list->setSpacing(Theme::gap);
     for (const auto& item : items) {
         Part part;
-        part.item = item;
+        part.item = *item;
         part.lines = new QVBoxLayout;
         part.lines->setSpacing(Theme::gapTiny);
-        list->addLayout(part.lines);
+        m_list->addLayout(part.lines);
         auto* const name = new ElidedLabel;
         name->setFont(Theme::shared().font(Theme::Text::BodyStrong));
-        name->setText(
-            QStringLiteral("%1 (%2)").arg(text(item->name), kindWord(item->record->type)));
+        name->setText(titleOf(*item));
         part.lines->addWidget(name);
         m_parts.push_back(std::move(part));
     }
-    list->addStretch();
+    m_list->addStretch();
     m_area = new QScrollArea;
     m_area->setObjectName(QStringLiteral("partsArea"));
     m_area->setFrameShape(QFrame::NoFrame);
     m_area->setWidgetResizable(true);
     m_area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_area->setWidget(inside);
-    m_area->setMinimumHeight(mostHeight);
+    m_area->setMinimumHeight(leastHeight);
     m_area->setFocusPolicy(Qt::TabFocus);
     m_area->viewport()->setAutoFillBackground(false);
     inside->setAutoFillBackground(false);
@@ -132,6 +148,7 @@ void UninstallQuestion::addButtons(QVBoxLayout& column) {
     uninstallYes =
         named(new TextImageButton(tr("Uninstall"), TextImageButton::Role::Danger), "uninstallYes");
     uninstallYes->setEnabled(false);
+    uninstallYes->setToolTip(tr("Nobody knows yet what would go along"));
     cancelButton = named(new TextImageButton(tr("Cancel")), "cancelButton");
     auto* const row = new QHBoxLayout;
     row->setSpacing(Theme::gapTiny);
@@ -141,25 +158,27 @@ void UninstallQuestion::addButtons(QVBoxLayout& column) {
     column.addLayout(row);
 }
 
-QLabel* UninstallQuestion::addLine(Part& part, const QString& said, bool isQuiet) {
-    auto* const line = makeLabel("lineLabel", Theme::Text::Body,
-                                 isQuiet ? QPalette::PlaceholderText : QPalette::WindowText);
-    line->setText(said);
-    line->setWordWrap(true);
-    line->setAlignment(Qt::AlignLeading);
-    part.lines->addWidget(line);
-    return line;
+void UninstallQuestion::showForecast(const UninstallOutlook& outlook) {
+    m_waiting->hide();
+    m_plan = outlook.plan;
+    bool mayAny = false;
+    for (std::size_t number = 0; number < m_parts.size(); ++number) {
+        m_parts[number].forecast = outlook.apps.at(number);
+        fillPart(m_parts[number], number);
+        mayAny = mayAny || m_parts[number].forecast.refusal.empty();
+    }
+    addNotes(outlook.notes);
+    uninstallYes->setEnabled(mayAny);
+    uninstallYes->setToolTip(mayAny ? QString() : tr("None of them can be removed"));
 }
 
-void UninstallQuestion::showForecast(const std::vector<UninstallForecast>& forecast) {
-    m_waiting->hide();
-    bool mayAny = false;
-    for (std::size_t number = 0; number < m_parts.size() && number < forecast.size(); ++number) {
-        m_parts[number].forecast = forecast[number];
-        fillPart(m_parts[number], number);
-        mayAny = mayAny || forecast[number].refusal.empty();
-    }
-    uninstallYes->setEnabled(mayAny);
+// Behind all applications, each sentence names its own.
+void UninstallQuestion::addNotes(const std::vector<std::string>& notes) {
+    if (notes.empty()) return;
+    auto* const lines = new QVBoxLayout;
+    lines->setSpacing(Theme::gapTiny);
+    for (const std::string& each : notes) addLine(*lines, inWords(each));
+    m_list->insertLayout(m_list->count() - 1, lines);
 }
 
 void UninstallQuestion::showSilence(const QString& reason) {
@@ -170,18 +189,28 @@ void UninstallQuestion::showSilence(const QString& reason) {
 void UninstallQuestion::fillPart(Part& part, std::size_t number) {
     const UninstallForecast& forecast = part.forecast;
     if (!forecast.refusal.empty()) {
-        addLine(part, tr("Stays: %1").arg(inWords(forecast.refusal)), false);
+        addLine(*part.lines, tr("Stays: %1").arg(inWords(forecast.refusal)), false);
         return;
     }
     if (forecast.running == RunState::Yes) addRunning(part, number);
+    addPaths(part);
     if (!forecast.goesAlong.empty())
-        addLine(part, tr("Goes along: %1").arg(listed(forecast.goesAlong)), false);
-    if (!forecast.stays.empty()) addLine(part, tr("Stays: %1").arg(listed(forecast.stays)));
-    if (!forecast.note.empty()) addLine(part, inWords(forecast.note));
+        addLine(*part.lines, tr("Goes along: %1").arg(listed(forecast.goesAlong)), false);
+    if (!forecast.stays.empty()) addLine(*part.lines, tr("Stays: %1").arg(listed(forecast.stays)));
     addLeftovers(part, LeftoverGrade::Certain,
                  tr("Left by it and by nothing else; tick what is to go to the trash:"));
     addLeftovers(part, LeftoverGrade::Likely,
                  tr("Probably left by it; settings and documents may be in there:"));
+    if (!forecast.noTrash.empty())
+        addLine(*part.lines, tr("More that it left stays: %1").arg(inWords(forecast.noTrash)));
+}
+
+void UninstallQuestion::addPaths(Part& part) {
+    if (part.forecast.paths.empty()) return;
+    QStringList lines{part.item.record->type == ApplicationType::App ? tr("Removed for good:")
+                                                                     : tr("Goes to the trash:")};
+    for (const std::string& each : part.forecast.paths) lines.push_back(brokenAtFolders(each));
+    addLine(*part.lines, lines.join(QLatin1Char('\n')), false);
 }
 
 void UninstallQuestion::addRunning(Part& part, std::size_t number) {
@@ -208,7 +237,9 @@ void UninstallQuestion::showRunning(std::size_t number, RunState state) {
 void UninstallQuestion::showCannotQuit(std::size_t number) {
     const Part& part = m_parts.at(number);
     if (part.running == nullptr) return;
-    part.runningLabel->setText(tr("It is running. Close its windows, and save what is open."));
+    part.runningLabel->setText(
+        tr("It is running and can not be closed from here. Close its windows, and save what is "
+           "open."));
     part.quitButton->hide();
 }
 
@@ -216,10 +247,11 @@ void UninstallQuestion::addLeftovers(Part& part, LeftoverGrade grade, const QStr
     bool isFirst = true;
     for (const Leftover& each : part.forecast.leftovers) {
         if (each.grade != grade) continue;
-        if (std::exchange(isFirst, false)) addLine(part, title);
+        if (std::exchange(isFirst, false)) addLine(*part.lines, title);
         auto* const box = named(new TickBox(leftoverText(each)), "leftoverBox");
         box->setToolTip(asToolTip(leftoverTip(each)));
         part.lines->addWidget(box);
+        if (!each.precious.empty()) addLine(*part.lines, listed(each.precious));
         part.leftovers.emplace_back(box, each);
     }
 }
@@ -228,7 +260,7 @@ std::vector<UninstallRequest> UninstallQuestion::requests() const {
     std::vector<UninstallRequest> out;
     for (const Part& part : m_parts) {
         if (!part.forecast.refusal.empty()) continue;
-        UninstallRequest request{*part.item, {}};
+        UninstallRequest request{part.item, {}};
         for (const auto& [box, leftover] : part.leftovers)
             if (box->state() == TickState::All) request.leftovers.push_back(leftover);
         out.push_back(std::move(request));

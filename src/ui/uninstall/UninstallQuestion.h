@@ -10,7 +10,6 @@
 
 #include "engine/uninstall/UninstallWork.h"
 
-class QCheckBox;
 class QLabel;
 class QScrollArea;
 class QVBoxLayout;
@@ -20,22 +19,28 @@ namespace orrinvale {
 class TextImageButton;
 class TickBox;
 
-/// The forecast comes while it stands; before, nobody can agree. Main thread only.
+/// It keeps what it was asked about as it was then: whatever the list becomes, what is shown is
+/// what goes. The forecast comes while it stands; before, nobody can agree. Main thread only.
 class UninstallQuestion final : public QWidget {
     Q_OBJECT
 public:
     UninstallQuestion(const AppItemsArray& items, const QString& informativeText);
 
-    void showForecast(const std::vector<UninstallForecast>& forecast);
+    void showForecast(const UninstallOutlook& outlook);
     /// No forecast came; `reason` is for people.
     void showSilence(const QString& reason);
     /// Of the application of this number.
     void showRunning(std::size_t number, RunState state);
-    /// It was asked to quit, and knows no such thing.
+    /// There is no way to ask it to quit.
     void showCannotQuit(std::size_t number);
 
     /// What was agreed to: all that may go, with the leftovers that are ticked.
     [[nodiscard]] std::vector<UninstallRequest> requests() const;
+    /// The promise that was shown; null before the forecast.
+    [[nodiscard]] const std::shared_ptr<const UninstallPlan>& plan() const { return m_plan; }
+    [[nodiscard]] std::shared_ptr<const ApplicationRecord> record(std::size_t number) const {
+        return m_parts.at(number).item.record;
+    }
 
     TextImageButton* uninstallYes = nullptr;
     TextImageButton* cancelButton = nullptr;
@@ -47,7 +52,7 @@ Q_SIGNALS:
 
 private:
     struct Part {
-        std::shared_ptr<AppItems> item;
+        AppItems item;
         UninstallForecast forecast;
         QVBoxLayout* lines = nullptr;
         QWidget* running = nullptr;
@@ -59,11 +64,14 @@ private:
     void addParts(QVBoxLayout& column, const AppItemsArray& items);
     void addButtons(QVBoxLayout& column);
     void fillPart(Part& part, std::size_t number);
+    void addPaths(Part& part);
     void addRunning(Part& part, std::size_t number);
     void addLeftovers(Part& part, LeftoverGrade grade, const QString& title);
-    QLabel* addLine(Part& part, const QString& text, bool isQuiet = true);
+    void addNotes(const std::vector<std::string>& notes);
 
     std::vector<Part> m_parts;
+    std::shared_ptr<const UninstallPlan> m_plan;
+    QVBoxLayout* m_list = nullptr;
     QLabel* m_waiting = nullptr;
     QScrollArea* m_area = nullptr;
 };

@@ -3,10 +3,14 @@
 #include <utility>
 
 #include "engine/cleaning/FolderUtilities.h"
+#include "engine/files/ProtectedPlaces.h"
+#include "engine/files/Trash.h"
 #include "engine/uninstall/PlannedUninstallWork.h"
 #include "engine/uninstall/UninstallAppInfo.h"
 #include "engine/uninstall/inventoryStamp.h"
+#include "platform/freeSpace.h"
 #include "services/desktop/askToQuit.h"
+#include "ui/uninstall/closeWindows.h"
 
 namespace orrinvale {
 namespace {
@@ -22,6 +26,12 @@ ApplicationDetails measured(const ApplicationSources& sources, const Application
     return details;
 }
 
+// What is mounted may be another at each question.
+std::string noTrash(const UninstallParts& parts, const std::string& path) {
+    const ProtectedPlaces places = ProtectedPlaces::ofThisMachine(*parts.files, parts.ownFiles);
+    return Trash(*parts.files, places).objection(path).value_or(std::string());
+}
+
 std::shared_ptr<UninstallWork> workOf(const ApplicationSources& sources) {
     const UninstallParts parts{.files = sources.files,
                                .applications = sources.applications,
@@ -29,7 +39,11 @@ std::shared_ptr<UninstallWork> workOf(const ApplicationSources& sources) {
                                .ownFiles = sources.ownFiles};
     return std::make_shared<PlannedUninstallWork>(
         parts, LeftoverPlaces::of(sources.variables, *sources.folders),
-        UninstallDoors::usual(parts), askToQuit);
+        UninstallDoors::usual(parts),
+        [](const ApplicationRecord& record) {
+            return askToQuit(record.id) || closeWindowsOf(record);
+        },
+        [parts](const std::string& path) { return noTrash(parts, path); });
 }
 
 }  // namespace
@@ -46,6 +60,8 @@ UninstallPageParts uninstallPartsOf(const ApplicationSources& sources) {
     };
     parts.stamp = [sources] { return inventoryStamp(*sources.files, sources.variables); };
     parts.work = workOf(sources);
+    parts.freeSpace = settledFreeSpace;
+    parts.disks = {"/", sources.variables.home};
     return parts;
 }
 

@@ -196,6 +196,33 @@ TEST(Trash, WithoutTheRightToItNothingMoves) {
     tree.setMode("locked", 0555);
     EXPECT_EQ(runInChild({.ordinaryUser = true}, [&] { return moveAt(tree, "locked/x").error(); }),
               "Permission denied");
+    // What a look beforehand says is what a move then meets.
+    tree.write("free/kept/x", "x");
+    tree.write("free/y", "y");
+    tree.write("own/z", "z");
+    ASSERT_TRUE(tree.giveAway({"free", "free/y", "own", "own/z"}));
+    for (const auto& [name, reason] : {std::pair("locked/x", "Permission denied"),
+                                       {"free/kept", "Permission denied"},
+                                       {"free/y", ""},
+                                       {"none/y", "No such file or directory"}})
+        EXPECT_EQ(runInChild({.ordinaryUser = true},
+                             [&, name = name] {
+                                 return Trash(files, nothingProtected, variablesIn(tree.at("home")))
+                                     .objection(tree.at(name))
+                                     .value_or("");
+                             }),
+                  reason)
+            << name;
+    tree.folder("other");
+    tree.setMode("other", 0555);
+    EXPECT_THAT(runInChild({.ordinaryUser = true},
+                           [&] {
+                               return Trash(files, nothingProtected, variablesIn(tree.at("other")))
+                                   .objection(tree.at("own/z"))
+                                   .value_or("");
+                           }),
+                HasSubstr("no trash on its volume: "));
+    EXPECT_THAT(namesIn(tree.at("other")), ElementsAre());
     EXPECT_TRUE(isThere(tree.at("locked/x")));
     EXPECT_EQ(recordOf(tree, "x"), "");
 }
@@ -254,7 +281,11 @@ TEST(Trash, AnotherVolumeHasItsOwn) {
         TestTree tree;
         const std::string told = onAnotherVolume(tree, [&](const std::string& top) -> std::string {
             each.prepare(tree);
+            const bool isTold = Trash(files, nothingProtected, variablesIn(tree.at("home")))
+                                    .objection(tree.at("volume/d/x y"))
+                                    .has_value();
             const auto moved = moveAt(tree, "volume/d/x y");
+            if (isTold == moved.has_value()) return "the look beforehand says something else";
             if (isThere(tree.at("home/.local"))) return "the home trash was made";
             if (isThere(tree.at("volume/d/x y")) == moved.has_value())
                 return "it is not where it was said to be";

@@ -54,14 +54,20 @@ Leftover leftover(const std::string& path, LeftoverGrade grade) {
 
 /// Answers as a test says: what was asked is written down.
 struct MadeUpWork final : UninstallWork {
-    std::vector<UninstallForecast> forecast(const std::vector<AppItems>& items,
-                                            const std::atomic<bool>& /*stop*/) override {
+    UninstallOutlook forecast(const std::vector<AppItems>& items,
+                              const std::atomic<bool>& /*stop*/) override {
         asking.pass();
-        std::vector<UninstallForecast> out;
-        for (const AppItems& each : items) out.push_back(forecasts[each.name]);
+        UninstallOutlook out;
+        UninstallPlan plan;
+        for (const AppItems& each : items) {
+            out.apps.push_back(forecasts[each.name]);
+            plan.apps.push_back({std::make_shared<AppItems>(each), {}, {}, {}});
+        }
+        out.plan = std::make_shared<const UninstallPlan>(std::move(plan));
         return out;
     }
-    std::vector<UninstallResult> remove(const std::vector<UninstallRequest>& requests,
+    std::vector<UninstallResult> remove(const UninstallPlan& plan,
+                                        const std::vector<UninstallRequest>& requests,
                                         ProgressBox& progress,
                                         const std::atomic<bool>& /*stop*/) override {
         std::string attempt;
@@ -69,12 +75,15 @@ struct MadeUpWork final : UninstallWork {
         for (const UninstallRequest& each : requests) {
             progress.setCurrent(each.item.name);
             attempt += each.item.name + ' ';
+            EXPECT_TRUE(std::ranges::any_of(plan.apps, [&](const UninstallPlan::App& app) {
+                return app.item->record == each.item.record;
+            })) << "another plan than the one that was shown";
             for (const Leftover& left : each.leftovers) attempt += "+" + left.path + ' ';
             const std::string& fate = fates[each.item.name];
             // A bundle of the system's goes once somebody holds the right.
             const bool isGone = fate.empty() || (fate == "needs right" &&
                                                  UtilityObject::getMyObject().isOpenLocked);
-            out.push_back({isGone, isGone ? "" : fate, 1'000'000, {}});
+            out.push_back({isGone, isGone ? "" : fate, {}, 1'000'000, {}});
         }
         removing.pass();
         attempts.push_back(attempt);
@@ -84,10 +93,11 @@ struct MadeUpWork final : UninstallWork {
         return record.name == "Chat" && (isQuit = true);
     }
     RunState running(const ApplicationRecord& /*record*/) override {
+        looking.pass();
         return isQuit ? RunState::No : RunState::Yes;
     }
 
-    Gate asking, removing;
+    Gate asking, removing, looking;
     std::map<std::string, UninstallForecast> forecasts;
     std::map<std::string, std::string> fates;  // why it stays
     Strings attempts;
@@ -104,6 +114,7 @@ struct Desk : NamedControls {
     ~Desk() override {
         work->asking.open();
         work->removing.open();
+        work->looking.open();
         EXPECT_SOON(page == nullptr || !page->isRemoving());
         page.reset();
         UtilityObject::getMyObject().setIsOpenLocked(false);
@@ -195,6 +206,15 @@ struct Desk : NamedControls {
     }
     std::string status() { return textOf("uninstallTextField"); }
     Sheet* sheet() { return window.findChild<Sheet*>(); }
+    /// What the sheet says below the applications' names.
+    std::string lines() {
+        std::string out;
+        for (const auto* label : sheet()->findChildren<QLabel*>(QStringLiteral("lineLabel"))) {
+            EXPECT_EQ(label->textFormat(), Qt::PlainText);
+            out += label->text().remove(QChar(0x200B)).toStdString() + '\n';
+        }
+        return out;
+    }
     /// Asks, waits for what goes along, and agrees.
     void uninstall() {
         click("uninstallButton");
@@ -333,10 +353,13 @@ TEST(UninstallPage, TheQuestionTellsWhatGoesAndNothingIsTicked) {
     Desk desk;
     UninstallForecast& chat = desk.work->forecasts["Chat"];
     chat.goesAlong = {"vim-common", "<b>vim</b>"};
+    for (int i = 0; i < 40; ++i) chat.goesAlong.push_back(std::to_string(i));
+    chat.paths = {"/opt/chat", "/x/chat.desktop"};
     chat.stays = {"/etc/chat"};
     chat.running = RunState::Yes;
     chat.leftovers = {leftover("/home/u/.var/app/Chat/cache", LeftoverGrade::Certain),
                       leftover("/home/u/.config/chat", LeftoverGrade::Likely)};
+    chat.leftovers.back().precious = {"letters.mbox"};
     desk.work->forecasts["alpha"].refusal = "the system needs it";
     desk.openAndList();
     desk.tick("Chat");
@@ -347,14 +370,11 @@ TEST(UninstallPage, TheQuestionTellsWhatGoesAndNothingIsTicked) {
     EXPECT_FALSE(desk.isEnabled("uninstallYes")) << "nobody knows yet what goes along";
     desk.work->asking.open();
     ASSERT_SOON(desk.isEnabled("uninstallYes"));
-    std::string lines;
-    for (const auto* label : desk.sheet()->findChildren<QLabel*>(QStringLiteral("lineLabel"))) {
-        EXPECT_EQ(label->textFormat(), Qt::PlainText);
-        lines += label->text().toStdString() + '\n';
-    }
-    for (const char* said : {"Goes along: vim-common, <b>vim</b>\n", "Stays: /etc/chat\n",
-                             "Stays: the system needs it\n"})
-        EXPECT_NE(lines.find(said), std::string::npos) << said << " in " << lines;
+    for (const char* said :
+         {"Goes along: vim-common, <b>vim</b>, 0, 1,", " 38, 39\n", "Stays: /etc/chat\n",
+          "Goes to the trash:\n/opt/chat\n/x/chat.desktop\n", "\nletters.mbox\n",
+          "Stays: the system needs it\n"})
+        EXPECT_THAT(desk.lines(), HasSubstr(said));
     const auto boxes = desk.sheet()->findChildren<TickBox*>(QStringLiteral("leftoverBox"));
     ASSERT_EQ(boxes.size(), 2);
     for (const TickBox* box : boxes) EXPECT_EQ(box->state(), TickState::Nothing);
@@ -380,6 +400,73 @@ TEST(UninstallPage, WithoutAForecastNobodyCanAgree) {
     QTest::keyClick(desk.window.focusWidget(), Qt::Key_Escape);
     EXPECT_SOON(desk.sheet() == nullptr);
     EXPECT_TRUE(desk.work->attempts.empty());
+}
+
+TEST(UninstallPage, WhatWasShownIsWhatGoesWhateverIsListedMeanwhile) {
+    Desk desk;
+    desk.openAndList();
+    desk.tick("Beta");
+    desk.work->asking.shut();
+    desk.click("uninstallButton");
+    ASSERT_SOON(desk.work->asking.isWaitedAt());
+    QTest::keyClick(desk.window.focusWidget(), Qt::Key_Escape);
+    ASSERT_SOON(desk.sheet() == nullptr);
+    desk.tick("Zeta");
+    desk.click("uninstallButton");
+    desk.work->asking.open();
+    ASSERT_SOON(desk.isEnabled("uninstallYes"));
+    desk.found = {item("Beta", ApplicationType::Snap), item("Zeta")};
+    desk.page->refresh();
+    EXPECT_EQ(desk.page->isScaned() ? desk.inventories.load() : 0, 1);
+    EXPECT_EQ(desk.list(), "alpha Beta* Chat Zeta* ");
+    desk.work->removing.shut();
+    desk.click("uninstallYes");
+    ASSERT_SOON(desk.work->removing.isWaitedAt());
+    desk.page->refresh();
+    EXPECT_EQ(desk.inventories, 1);
+    desk.work->removing.open();
+    EXPECT_SOON(desk.status() == success);
+    EXPECT_EQ(desk.work->attempts, Strings{"Beta Zeta "});
+    EXPECT_EQ(desk.list(), "alpha Chat ");
+    desk.page->refresh();
+    EXPECT_SOON(desk.list() == "Beta Zeta ");
+}
+
+TEST(UninstallPage, AnswersThatComeAfterTheSheetIsShutAreForNobody) {
+    Desk desk;
+    desk.work->forecasts["Chat"].running = RunState::Yes;
+    desk.openAndList();
+    desk.tick("Chat");
+    desk.click("uninstallButton");
+    ASSERT_SOON(desk.isEnabled("uninstallYes") && desk.isShown("quitButton"));
+    desk.work->looking.shut();
+    desk.click("quitButton");
+    ASSERT_SOON(desk.work->looking.isWaitedAt());
+    desk.click("cancelButton");
+    desk.work->looking.open();
+    // The answer is there before the sheet has slid away.
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    EXPECT_SOON(desk.sheet() == nullptr);
+    EXPECT_TRUE(desk.work->attempts.empty());
+}
+
+TEST(UninstallPage, StopIsToldAndSaysWhatItLeft) {
+    Desk desk;
+    desk.work->fates["Beta"] = "stopped";
+    desk.openAndList();
+    desk.tick("Beta");
+    desk.work->removing.shut();
+    desk.click("uninstallButton");
+    ASSERT_SOON(desk.isEnabled("uninstallYes"));
+    desk.click("uninstallYes");
+    ASSERT_SOON(desk.work->removing.isWaitedAt());
+    desk.click("stopButton");
+    EXPECT_EQ(desk.status(), "Stopping ...");
+    EXPECT_FALSE(desk.isEnabled("stopButton"));
+    desk.work->removing.open();
+    EXPECT_SOON(desk.status() == failure);
+    EXPECT_TRUE(desk.isShown("failureLine"));
+    EXPECT_EQ(desk.list(), "alpha Beta* Chat Zeta ");
 }
 
 TEST(UninstallPage, AsksForRightsOnlyForBundlesAndTriesNothingElseTwice) {

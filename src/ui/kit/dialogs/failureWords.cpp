@@ -56,6 +56,9 @@ constexpr std::array whole{
     QT_TRANSLATE_NOOP("Reason", "a folder on the way belongs to someone else"),
     QT_TRANSLATE_NOOP("Reason", "a folder on the way may be written by others"),
     QT_TRANSLATE_NOOP("Reason", "the removal broke off"),
+    // Applications
+    QT_TRANSLATE_NOOP("Reason", "not installed any more as it was listed"),
+    QT_TRANSLATE_NOOP("Reason", "what would go along could not be found out in time"),
     // Volumes
     QT_TRANSLATE_NOOP("Reason", "The disk service does not answer"),
     QT_TRANSLATE_NOOP("Reason", "The disk service, udisks2, is not there"),
