@@ -142,7 +142,7 @@ bool drawTrayMenu(UserDefaults& defaults, const PictureFolder& pictures) {
                                  .openMainWindow = nothing,
                                  .showMainWindowWhenClickMenuItem = nothing,
                                  .quit = nothing}});
-    menu.updateDataForMenuItem({look.take(), {}, {}});
+    menu.updateDataForMenuItem({look.take(), {}});
     StatusMenu::viewOf(menu.itemWithTitle(QStringLiteral("3")))->setEjecting(true);
     menu.menu()->show();
     QApplication::processEvents();

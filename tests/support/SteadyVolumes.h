@@ -44,11 +44,10 @@ public:
         std::string_view /*name*/) const override {
         return 4096;
     }
-    [[nodiscard]] SysResult<MemoryCounts> counts() const override {
-        ++readings;
-        return MemoryCounts{.free = static_cast<std::uint64_t>(readings) << 8};
+    [[nodiscard]] SysResult<MemoryCounts> counts() const override { return MemoryCounts{}; }
+    [[nodiscard]] SysResult<MemoryState> state() const override {
+        return MemoryState{static_cast<std::uint64_t>(++readings) << 20U, 0, 0, {}};
     }
-    [[nodiscard]] SysResult<MemoryState> state() const override { return MemoryState{}; }
     [[nodiscard]] std::uint64_t room() const override { return 0; }
     [[nodiscard]] bool endThisProcessFirst() const override { return false; }
 

@@ -49,7 +49,7 @@ struct MenuOnDesk {
     MenuOnDesk& operator=(const MenuOnDesk&) = delete;
 
     void show(std::vector<SeenVolume> volumes) {
-        menu.updateDataForMenuItem({std::move(volumes), {}, {}});
+        menu.updateDataForMenuItem({std::move(volumes), {}});
     }
     // The popup as a person sees it: "[group]", rows with their tag, other entries.
     std::string popup() const {

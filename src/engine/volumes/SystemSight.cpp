@@ -3,7 +3,6 @@
 #include "engine/volumes/SystemSight.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <tuple>
 #include <utility>
@@ -59,20 +58,13 @@ bool showsSameVolumes(const SystemSight& a, const SystemSight& b) {
 }
 
 bool showsSameMemory(const SystemSight& a, const SystemSight& b) {
-    if (a.memory.has_value() != b.memory.has_value() ||
-        a.memoryState.has_value() != b.memoryState.has_value())
-        return false;
+    if (!a.memoryState || !b.memoryState) return !a.memoryState && !b.memoryState;
     const auto text = &UtilityFunction::covertCleanMemory;
-    const auto counts = [&](const _MEMORY_INFO& info) {
-        return std::array{text(info.freeMem),  text(info.inactiveMem), text(info.activeMem),
-                          text(info.wiredMem), text(info.usedMem),     text(info.totalMem)};
-    };
     const auto state = [&](const MemoryState& each) {
         return std::tuple(each.available ? text(*each.available) : std::string(),
                           text(each.swapTotal), text(each.swapUsed), each.pressure);
     };
-    return (!a.memory || counts(*a.memory) == counts(*b.memory)) &&
-           (!a.memoryState || state(*a.memoryState) == state(*b.memoryState));
+    return state(*a.memoryState) == state(*b.memoryState);
 }
 
 const SeenVolume* findVolume(const SystemSight& sight, std::int16_t volRefNumber,
@@ -126,7 +118,7 @@ VolumeLook::~VolumeLook() = default;
 std::vector<SeenVolume> VolumeLook::take() {
     const VolumesInfo::VolumeArray& records =
         m_info ? m_info->getAllVolsInfo() : m_info.emplace(*m_notes).volsArray();
-    const SystemSight last{std::exchange(m_last, {}), {}, {}};
+    const SystemSight last{std::exchange(m_last, {}), {}};
     auto record = records.begin();
     for (const RowNotes::Row& row : m_notes->rows) {
         const IndexedVolume& volume = row.volume;

@@ -9,7 +9,6 @@
 #include <string>
 #include <vector>
 
-#include "engine/memory/MemoryInfo.h"
 #include "engine/volumes/VolumesInfo.h"
 #include "engine/volumes/ZvVolumeInfo.h"
 #include "platform/memory.h"
@@ -38,7 +37,6 @@ struct VolumePlace {
 /// Of a part that nobody wanted to know the last look is kept, or there is nothing.
 struct SystemSight {
     std::vector<SeenVolume> volumes;  ///< in the platform's order
-    std::optional<_MEMORY_INFO> memory;
     std::optional<MemoryState> memoryState;
 };
 
@@ -54,7 +52,7 @@ struct SystemSight {
 /// ejection, silence.
 [[nodiscard]] bool showsSameVolumes(const SystemSight& a, const SystemSight& b);
 
-/// Likewise of the memory's figures.
+/// Likewise of the memory's state.
 [[nodiscard]] bool showsSameMemory(const SystemSight& a, const SystemSight& b);
 
 /// Null where no volume has this number and this root.

@@ -126,8 +126,6 @@ SystemSight SystemWatch::Shared::look(VolumeLook& eyes, const Wish& wish,
     SystemSight sight = last;
     if (wish.parts[indexOf(Part::Volumes)]) sight.volumes = eyes.take();
     if (!wish.parts[indexOf(Part::Memory)]) return sight;
-    if (!sight.memory) sight.memory.emplace();
-    static_cast<void>(getMemoryInfo(&*sight.memory, memory));
     sight.memoryState.reset();
     if (const auto state = memory.state()) sight.memoryState = *state;
     return sight;

@@ -200,6 +200,9 @@ QString CleanMemoryController::noteOfRun() const {
         case PurgeOutlook::GivesUp:
         case PurgeOutlook::Foreign: break;
     }
+    if (m_cleanFreeSave == 0)
+        return tr(
+            "No more is free than before: what was given up is in use again, if anything was.");
     return tr("Copies of files went. Programs could have had that memory anyway.");
 }
 

@@ -36,9 +36,9 @@ TEST(VolumeLook, WhoFallsSilentKeepsItsPlaceAndItsLastFigures) {
     EXPECT_EQ(first[2].record->volumeName + first[2].record->totalSpace, "never");
     EXPECT_EQ(first[2].record->volType, DiskImageVolume);
     never.infoStatus = noErr;
-    const SystemSight woken{look.take(), {}, {}};
+    const SystemSight woken{look.take(), {}};
     EXPECT_EQ(textOf(woken.volumes), "/ 500;/nas 500;/never 500;/stick 500;");
-    EXPECT_TRUE(hasSameRows({first, {}, {}}, woken)) << "its figures come into the row it has";
+    EXPECT_TRUE(hasSameRows({first, {}}, woken)) << "its figures come into the row it has";
     platform.volumes.erase(platform.volumes.begin() + 2);
 
     nas.infoStatus = ioErr;
@@ -72,7 +72,7 @@ TEST(SystemSight, WhatPeopleCanSeeIsADifferenceAndNothingElse) {
     volume.nTotalSize = 100 * gigabyte;
     volume.nFreeSize = 50 * gigabyte;
     const auto sightOf = [](const ZvVolumeInfo& info, const std::string& silence = "") {
-        return SystemSight{{{std::make_shared<ZvVolumeInfo>(info), silence}}, {}, {}};
+        return SystemSight{{{std::make_shared<ZvVolumeInfo>(info), silence}}, {}};
     };
     const struct {
         const char* what;
@@ -104,10 +104,10 @@ TEST(SystemSight, WhatPeopleCanSeeIsADifferenceAndNothingElse) {
 
     SystemSight memory;
     SystemSight other;
-    memory.memory.emplace().freeMem = other.memory.emplace().freeMem = 3 * gigabyte;
-    ++other.memory->freeMem;
+    memory.memoryState = other.memoryState = MemoryState{3 * gigabyte, 0, 0, {}};
+    ++*other.memoryState->available;
     EXPECT_TRUE(showsSameMemory(memory, other));
-    other.memory->freeMem *= 2;
+    other.memoryState->swapUsed = gigabyte;
     EXPECT_FALSE(showsSameMemory(memory, other));
     EXPECT_FALSE(showsSameMemory(memory, {}));
 }

@@ -76,7 +76,7 @@ TEST(SystemWatch, LooksAtWhatIsObservedAndRestsWithoutObservers) {
     auto memory = watch.observe(SystemWatch::Part::Memory, [&](const SystemSight&) { ++told; });
     ASSERT_TRUE(machine.queue.serveUntil([&] { return told == 5; }));
     EXPECT_EQ(machine.volumes.walks, 0);
-    EXPECT_TRUE(watch.latest()->memory.has_value());
+    EXPECT_TRUE(watch.latest()->memoryState.has_value());
     memory.reset();
     ::usleep(20'000);  // for a look that is under way
     const int readings = machine.memory.readings;

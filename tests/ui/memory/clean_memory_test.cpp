@@ -67,13 +67,13 @@ protected:
                                                       .wired = 120 * pages};
     }
     // The run is a script, which ends once the file "end" is there.
-    CleanMemoryController& open(const std::string& script = "exit 0") {
+    CleanMemoryController& open(const std::string& script = "exit 0", bool isOwnProgram = false) {
         tree.write("purge", "#!/bin/sh\n" + script + "\n");
         std::filesystem::permissions(tree.at("purge"), std::filesystem::perms::owner_all);
         page = std::make_unique<CleanMemoryController>(
-            services, MemoryParts{&machine.memory,
-                                  &machine.watch,
-                                  {tree.at("purge"), {}, {}},
+            services, MemoryParts{&machine.memory, &machine.watch,
+                                  isOwnProgram ? PurgePrograms{.executable = tree.at("purge")}
+                                               : PurgePrograms{.systemPurge = tree.at("purge")},
                                   [&on = machine](std::size_t most) {
                                       EXPECT_EQ(most, 10U);
                                       ++on.programLooks;
@@ -173,6 +173,35 @@ TEST_F(MemoryPage, ARunIsOneAtATimeAndTellsWhatItFreed) {
     EXPECT_EQ(std::ranges::count(log.lines, "释放变小了"), 1);
     EXPECT_EQ(std::ranges::count(log.lines, "begin clear memory"), 2);
     EXPECT_EQ(contentOf(tree.at("runs")), "x\nx\n");
+}
+
+TEST_F(MemoryPage, SaysOfARunWhatIsTrueOfIt) {
+    const std::string freed = "Copies of files went. Programs could have had that memory anyway.";
+    const struct {
+        bool isOwnProgram;
+        std::uint64_t room, freeAfter;  // mebibytes
+        std::string note;
+    } cases[] = {
+        {true, 1024, 228, freed},
+        {false, 0, 228, freed},
+        {true, 1024, 100,
+         "No more is free than before: what was given up is in use again, if anything was."},
+        {true, 90, 228, "Nothing had to be given up: as much as one run takes was free."},
+        {true, 0, 228,
+         "Nothing was taken: there is no room left for it here, or the system does not tell how "
+         "much."},
+    };
+    for (const auto& each : cases) {
+        setFree(100);
+        machine.memory.figures.roomNow = [room = each.room] { return room * mebibyte; };
+        std::filesystem::remove(tree.at("end"));
+        open("while [ ! -e " + tree.at("end") + " ]; do sleep 0.02; done", each.isOwnProgram);
+        button().click();
+        setFree(each.freeAfter);
+        tree.write("end", "");
+        EXPECT_SOON(!page->isFreeing());
+        EXPECT_EQ(text("noteTipText").toStdString(), each.note) << each.room;
+    }
 }
 
 TEST_F(MemoryPage, ARunThatFailsSaysSoAndAMachineThatTellsNothingShowsNoPie) {
