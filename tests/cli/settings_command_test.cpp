@@ -60,6 +60,7 @@ TEST(SettingsCommand, RefusesWhatTheKeyDoesNotTake) {
         {{"set", "SUScheduledCheckInterval", "5"}, "one of 86400, 604800, 2592000"},
         {{"set", "theme", "Dark"}, "one of desktop, light, dark"},
         {{"set", "ZvHidenDuplication", "2"}, "true or false"},
+        {{"set", "keepRunning", "maybe"}, "true, false or ask"},
         {{"set", "warnedVolumes", "x"}, "the program keeps it itself"},
         {{"set", "NoSuch", "1"}, "there is no setting \"NoSuch\""},
         {{"get", "NoSuch"}, "there is no setting"},

@@ -5,6 +5,7 @@
 
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/UserDefaults.h"
+#include "engine/settings/keepRunning.h"
 
 namespace orrinvale {
 namespace {
@@ -55,12 +56,14 @@ Result<void> store(SettingValue value, const char* key) {
 const SettingValues& unregistered() {
     using Int = std::int64_t;
     constexpr Int weekly = 604'800;
-    static const auto* const values = new SettingValues{{SUEnableAutomaticChecks, false},
-                                                        {SUScheduledCheckInterval, weekly},
-                                                        {themeKey, std::string(followsDesktop)},
-                                                        {languageKey, std::string(followsDesktop)},
-                                                        {ZvDisplayTypeKey, Int{0}},
-                                                        {DBPreferencesToolbarKey, Int{0}}};
+    static const auto* const values =
+        new SettingValues{{SUEnableAutomaticChecks, false},
+                          {SUScheduledCheckInterval, weekly},
+                          {themeKey, std::string(followsDesktop)},
+                          {languageKey, std::string(followsDesktop)},
+                          {ZvDisplayTypeKey, Int{0}},
+                          {DBPreferencesToolbarKey, Int{0}},
+                          {keepRunningKey, std::string(askToKeepRunning)}};
     return *values;
 }
 

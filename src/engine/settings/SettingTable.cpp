@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "engine/settings/SettingsKeys.h"
+#include "engine/settings/keepRunning.h"
 
 namespace orrinvale {
 namespace {
@@ -43,7 +44,7 @@ constexpr std::array table{
     SettingRule{ZvLoginCheckKey, Form::Number, 0, 1},
     SettingRule{ZvLoginItemIsHide, Form::Switch},
     SettingRule{ZvShowStatusItem, Form::Switch},
-    SettingRule{keepRunningKey, Form::Switch},
+    SettingRule{keepRunningKey, Form::Switch, 0, 0, {askToKeepRunning}},
     SettingRule{themeKey, Form::Word, 0, 0, {"desktop", "light", "dark"}},
     SettingRule{languageKey, Form::Word, 0, 0, {"desktop", "en", "de"}},
     SettingRule{logKey, Form::Switch},
@@ -89,9 +90,11 @@ std::vector<std::string_view> wordsOf(const SettingRule& rule) {
 
 std::optional<SettingValue> valueFrom(std::string_view text, const SettingRule& rule) {
     const auto words = wordsOf(rule);
-    if (!words.empty() && std::ranges::find(words, text) == words.end()) return std::nullopt;
+    const bool isWord = std::ranges::find(words, text) != words.end();
+    if (rule.form == Form::Switch)
+        return isWord ? SettingValue(std::string(text)) : switchFrom(text);
+    if (!words.empty() && !isWord) return std::nullopt;
     switch (rule.form) {
-        case Form::Switch: return switchFrom(text);
         case Form::Word: return SettingValue(std::string(text));
         case Form::Number:
             if (const auto number = numberFrom<std::int64_t>(text))
@@ -103,16 +106,18 @@ std::optional<SettingValue> valueFrom(std::string_view text, const SettingRule& 
                 if (std::isfinite(*number) && *number >= 0 && *number <= 1)
                     return SettingValue(*number);
             return std::nullopt;
+        case Form::Switch:
         case Form::Kept: break;
     }
     return std::nullopt;
 }
 
 std::string wantedBy(const SettingRule& rule) {
-    if (const auto words = wordsOf(rule); !words.empty())
-        return fmt::format("one of {}", fmt::join(words, ", "));
+    const std::string words = fmt::format("{}", fmt::join(wordsOf(rule), ", "));
+    if (rule.form == Form::Switch)
+        return words.empty() ? "true or false" : fmt::format("true, false or {}", words);
+    if (!words.empty()) return fmt::format("one of {}", words);
     switch (rule.form) {
-        case Form::Switch: return "true or false";
         case Form::Number:
             return fmt::format("a whole number from {} to {}", rule.least, rule.most);
         case Form::Share: return "a part of 1, such as 0.15";

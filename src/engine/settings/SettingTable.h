@@ -26,7 +26,8 @@ struct SettingRule {
     const char* key;
     SettingForm form;
     std::int64_t least = 0, most = 0;  ///< of a Number that has no words
-    /// Of a Word those that there are; of a Number the only ones that count, if any.
+    /// Of a Word those that there are; of a Number the only ones that count, if any; of a Switch
+    /// those that it takes beside true and false.
     std::array<std::string_view, 3> words{};
 };
 

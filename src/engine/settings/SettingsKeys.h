@@ -61,8 +61,8 @@ inline constexpr const char* spaceWarningsKey = "spaceWarnings";
 inline constexpr const char* warnedVolumesKey =
     "warnedVolumes";  ///< text: who was warned of, see LowSpace
 
-/// Boolean: whether the program goes on when its window is closed and no tray shows it; nothing
-/// means that it asks.
+/// Boolean, or the word of keepRunning.h: whether the program goes on when its window is closed
+/// and no tray shows it; nothing means that it asks.
 inline constexpr const char* keepRunningKey = "keepRunning";
 
 /// Boolean: the disk usage page stays on the file system that its scan starts on.

@@ -36,6 +36,7 @@ NumberField::NumberField(int tag, QWidget* parent) : QLineEdit(parent), m_tag(ta
     setValidator(new Digits(this));
     setAlignment(Qt::AlignTrailing);
     setFixedHeight(Theme::controlHeight);
+    setTextMargins(Theme::gapTiny, 0, Theme::gapTiny, 0);
 }
 
 int NumberField::number() const {

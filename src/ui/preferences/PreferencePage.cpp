@@ -22,6 +22,7 @@
 #include "engine/loginitems/LoginItemRegistry.h"
 #include "engine/loginitems/launchAtLogin.h"
 #include "engine/settings/SettingsKeys.h"
+#include "engine/settings/keepRunning.h"
 #include "engine/settings/settingNotices.h"
 #include "services/foundation/runAside.h"
 #include "ui/kit/chrome/HoverButton.h"
@@ -97,7 +98,8 @@ std::vector<const char*> keysOf(Group group) {
         case Group::DiskUsage: return {ZvDiskUsageLimit, ZvDiskUsageUnit, oneFileSystemKey};
         case Group::Updates: return {SUEnableAutomaticChecks, SUScheduledCheckInterval};
         case Group::General:
-            return {ZvLoginItemIsHide, ZvShowStatusItem, themeKey, languageKey, logKey};
+            return {ZvLoginItemIsHide, ZvShowStatusItem, keepRunningKey,
+                    themeKey,          languageKey,      logKey};
         case Group::GroupCount: break;
     }
     std::vector<const char*> keys;
@@ -218,6 +220,8 @@ void PreferencePage::connectBoxes() {
             else keep(box->state() == TickState::All, each.key);
         });
     }
+    connect(m_views->keepRunningChoice, &QComboBox::activated, this,
+            &PreferencePage::changeKeepRunning);
     connect(m_views->showStatusBtn, &TickBox::clicked, this,
             &PreferencePage::changeShowStatusBtnClick);
     connect(m_views->checkBoxBtn, &TickBox::clicked, this, &PreferencePage::loginButtonAction);
@@ -240,7 +244,15 @@ void PreferencePage::readSettings() {
     views.diskUsageLimit->setNumber(integerOf(settingInForce(ZvDiskUsageLimit)));
     for (const ChoiceKey& each : choiceKeys)
         selectItemWithTag(*(views.*each.choice), settingInForce(each.key));
+    const auto goesOn = keepRunningAnswer(*m_services.defaults);
+    views.keepRunningChoice->setCurrentIndex(!goesOn   ? PreferenceViews::Ask
+                                             : *goesOn ? PreferenceViews::KeepRunning
+                                                       : PreferenceViews::Quit);
     showRestorable();
+    // Somebody else has switched it, who changes the entry too.
+    const Int check = integerOf(settingInForce(ZvLoginCheckKey));
+    const bool isNew = std::exchange(m_loginCheck, check) != check;
+    if (isNew && m_loginErrands == 0 && LoginItemRegistry::parts().items != nullptr) readLogin();
 }
 
 // The number counts and not whether there is one: a category of which 0 is stored is off.
@@ -405,6 +417,12 @@ void PreferencePage::changeStartHidden() {
     keep(m_views->startHiddenBox->state() == TickState::All, ZvLoginItemIsHide);
     runAside(
         this, "changeStartHidden", [] { startHiddenAsSet(); }, [] {});
+}
+
+void PreferencePage::changeKeepRunning() {
+    const int wanted = m_views->keepRunningChoice->currentData().toInt();
+    if (wanted == PreferenceViews::Ask) keep(std::string(askToKeepRunning), keepRunningKey);
+    else keep(wanted == PreferenceViews::KeepRunning, keepRunningKey);
 }
 
 void PreferencePage::controlTextDidChange(NumberField& field) {

@@ -61,6 +61,7 @@ public:
     /// start.
     void loginButtonAction();
     void changeStartHidden();
+    void changeKeepRunning();
     /// Four digits of the field stay, and the number is stored under the key of its tag.
     void controlTextDidChange(NumberField& field);
 
@@ -89,6 +90,7 @@ private:
     std::unique_ptr<PreferenceViews> m_views;
     bool m_isAwaitingRead = false;
     int m_loginErrands = 0;  // under way
+    std::int64_t m_loginCheck = 0;
     UserDefaults::Observation m_observation;
 };
 

@@ -197,11 +197,17 @@ void PreferenceViews::makeGeneral() {
         makeChoice("languageChoice", {{tr("As the desktop"), desktop},
                                       {QStringLiteral("English"), QStringLiteral("en")},
                                       {QStringLiteral("Deutsch"), QStringLiteral("de")}});
+    keepRunningChoice =
+        makeChoice("keepRunningChoice", {{tr("Ask me"), PreferenceViews::Ask},
+                                         {tr("Keep running"), PreferenceViews::KeepRunning},
+                                         {tr("Quit"), PreferenceViews::Quit}});
     logBox = named(new TickBox(tr("Log each step of a search")), "logBox");
     PreferenceGroup& box = *boxes[General];
     box.add({}, checkBoxBtn);
     box.add({}, startHiddenBox, tr("Started at login, it stays in the tray without a window."));
     box.add({}, showStatusBtn);
+    box.add(tr("Without a window"), keepRunningChoice,
+            tr("When its window is closed and no tray shows it."));
     box.add(tr("Colours"), themeChoice);
     box.add(tr("Language"), languageChoice, tr("From the next start on."));
     box.add({}, logBox, tr("For reports of faults. What is removed is always logged."));

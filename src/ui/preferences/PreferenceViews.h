@@ -32,6 +32,8 @@ public:
     enum Group { Cleaning, Warnings, Duplicates, DiskUsage, Updates, General, GroupCount };
     /// Of a category.
     enum Segment { Off, On, Some };
+    /// What happens when its window is closed and no tray shows it.
+    enum Unseen { Ask, KeepRunning, Quit };
 
     PreferenceViews();
     ~PreferenceViews();
@@ -69,6 +71,7 @@ public:
     TickBox* checkBoxBtn = nullptr;
     TickBox* startHiddenBox = nullptr;
     TickBox* showStatusBtn = nullptr;
+    QComboBox* keepRunningChoice = nullptr;
     QComboBox* themeChoice = nullptr;
     QComboBox* languageChoice = nullptr;
     TickBox* logBox = nullptr;

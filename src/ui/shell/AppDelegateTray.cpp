@@ -6,6 +6,7 @@
 #include "engine/base/notices.h"
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/UserDefaults.h"
+#include "engine/settings/keepRunning.h"
 #include "services/desktop/DesktopNotifications.h"
 #include "ui/fastclean/CleanSysController.h"
 #include "ui/fastclean/FastClean.h"
@@ -91,8 +92,8 @@ bool AppDelegate::hasWindowBeside(const QWidget* closing) const {
 // find its window again. One that closes other windows than the main one is asked over that.
 bool AppDelegate::mayGoOnUnseen(const QWidget* closing) {
     if (!m_tray || m_isLeaving || m_tray->canBeFound() || hasWindowBeside(closing)) return true;
-    if (const SettingObject answer = m_parts.pages.defaults->objectForKey(keepRunningKey)) {
-        if (boolOf(*answer)) return true;
+    if (const auto answer = keepRunningAnswer(*m_parts.pages.defaults)) {
+        if (*answer) return true;
         // Nobody thought of a removal when that was answered.
         if (!isRemoving()) {
             quit();

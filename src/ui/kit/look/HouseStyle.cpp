@@ -3,11 +3,14 @@
 
 #include <QPainter>
 #include <QStyleFactory>
+#include <QStyleOptionComboBox>
+#include <QStyleOptionFrame>
 #include <QStyleOptionMenuItem>
 #include <QStyleOptionSlider>
 #include <algorithm>
 
 #include "ui/kit/look/Theme.h"
+#include "ui/kit/look/fieldLook.h"
 #include "ui/kit/look/menuLook.h"
 
 namespace orrinvale {
@@ -16,6 +19,7 @@ namespace {
 constexpr int barExtent = 12;
 constexpr int barMargin = 3;  // between the bar and the edges of its groove
 constexpr int shortestBar = 28;
+constexpr int choicePadding = 4;  // beside its words
 
 // The bar in its groove; all of it where there is nothing to scroll.
 QRect sliderRect(const QStyleOptionSlider& bar) {
@@ -60,7 +64,12 @@ HouseStyle::HouseStyle() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fus
 void HouseStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                                     QPainter* painter, const QWidget* widget) const {
     const auto* const bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
+    const auto* const choice = qstyleoption_cast<const QStyleOptionComboBox*>(option);
     if (control == CC_ScrollBar && bar != nullptr) drawScrollBar(*painter, *bar);
+    else if (control == CC_Slider && bar != nullptr && bar->orientation == Qt::Horizontal)
+        drawSlider(*painter, *bar, *this, widget);
+    else if (control == CC_ComboBox && choice != nullptr && !choice->editable)
+        drawChoice(*painter, *choice, *this, widget);
     else QProxyStyle::drawComplexControl(control, option, painter, widget);
 }
 
@@ -78,6 +87,11 @@ void HouseStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
         return;
     }
     if (element == PE_FrameMenu) return;  // the panel has it
+    const auto* const frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
+    if (element == PE_PanelLineEdit && frame != nullptr && frame->lineWidth > 0) {
+        drawField(*painter, *frame);
+        return;
+    }
     if (element != PE_Frame) {
         QProxyStyle::drawPrimitive(element, option, painter, widget);
         return;
@@ -94,6 +108,9 @@ void HouseStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
 QRect HouseStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option,
                                  SubControl part, const QWidget* widget) const {
     const auto* const bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
+    if (control == CC_ComboBox && part == SC_ComboBoxEditField)
+        return QProxyStyle::subControlRect(control, option, part, widget)
+            .adjusted(choicePadding, 0, -choicePadding, 0);
     if (control != CC_ScrollBar || bar == nullptr)
         return QProxyStyle::subControlRect(control, option, part, widget);
     const QRect slider = sliderRect(*bar);
@@ -116,6 +133,9 @@ QSize HouseStyle::sizeFromContents(ContentsType type, const QStyleOption* option
                                    const QSize& contents, const QWidget* widget) const {
     const auto* const row = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
     if (type == CT_MenuItem && row != nullptr) return menuRowSize(*row, contents);
+    if (type == CT_ComboBox)
+        return QProxyStyle::sizeFromContents(type, option, contents, widget)
+            .grownBy({choicePadding, 0, choicePadding, 0});
     return QProxyStyle::sizeFromContents(type, option, contents, widget);
 }
 

@@ -1,5 +1,5 @@
 // HouseStyle: what Fusion draws otherwise than the rest of the windows: scroll bars, menus
-// (menuLook.h), and the frames of fields and lists.
+// (menuLook.h), fields, choices and sliders (fieldLook.h), and the frames of lists.
 #pragma once
 
 #include <QProxyStyle>
