@@ -639,6 +639,41 @@
     </message>
 </context>
 <context>
+    <name>LoginItemViews</name>
+    <message>
+        <source>Login items</source>
+        <translation>Anmeldeobjekte</translation>
+    </message>
+    <message>
+        <source>Background services</source>
+        <translation>Hintergrunddienste</translation>
+    </message>
+    <message>
+        <source>Start hidden</source>
+        <translation>Verborgen starten</translation>
+    </message>
+    <message>
+        <source>Add …</source>
+        <translation>Hinzufügen …</translation>
+    </message>
+    <message>
+        <source>Add login item</source>
+        <translation>Anmeldeobjekt hinzufügen</translation>
+    </message>
+    <message>
+        <source>Applications</source>
+        <translation>Anwendungen</translation>
+    </message>
+    <message>
+        <source>Background</source>
+        <translation>Hintergrund</translation>
+    </message>
+    <message>
+        <source>What starts at login could not be read.</source>
+        <translation>Was bei der Anmeldung startet, konnte nicht gelesen werden.</translation>
+    </message>
+</context>
+<context>
     <name>NumberText</name>
     <message>
         <source>.</source>
@@ -843,6 +878,26 @@
     <message>
         <source>Its entries are ticked on the page Clean.</source>
         <translation>Ihre Einträge sind auf der Seite „Aufräumen“ angekreuzt.</translation>
+    </message>
+    <message>
+        <source>Ask me</source>
+        <translation>Nachfragen</translation>
+    </message>
+    <message>
+        <source>Keep running</source>
+        <translation>Weiterlaufen</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>Beenden</translation>
+    </message>
+    <message>
+        <source>Without a window</source>
+        <translation>Ohne Fenster</translation>
+    </message>
+    <message>
+        <source>When its window is closed and no tray shows it.</source>
+        <translation>Wenn das Fenster geschlossen wird und kein Infobereich es zeigt.</translation>
     </message>
 </context>
 <context>
@@ -1286,6 +1341,22 @@
         <source>what would go along could not be found out in time</source>
         <translation>was mitgelöscht würde, war nicht rechtzeitig zu erfahren</translation>
     </message>
+    <message>
+        <source>its program is gone</source>
+        <translation>sein Programm ist weg</translation>
+    </message>
+    <message>
+        <source>it names no program</source>
+        <translation>es nennt kein Programm</translation>
+    </message>
+    <message>
+        <source>it is no entry that starts a program</source>
+        <translation>es ist kein Eintrag, der ein Programm startet</translation>
+    </message>
+    <message>
+        <source>nothing can start this at login</source>
+        <translation>nichts kann das bei der Anmeldung starten</translation>
+    </message>
 </context>
 <context>
     <name>Removal</name>
@@ -1659,6 +1730,10 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>Disk Usage</source>
         <translation>Speicherbelegung</translation>
     </message>
+    <message>
+        <source>Login Items</source>
+        <translation>Anmeldeobjekte</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::CleanMemoryController</name>
@@ -1713,6 +1788,10 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Memory</source>
         <translation>Arbeitsspeicher</translation>
+    </message>
+    <message>
+        <source>No more is free than before: what was given up is in use again, if anything was.</source>
+        <translation>Es ist nicht mehr frei als vorher: Was aufgegeben wurde, ist wieder in Gebrauch, falls es etwas war.</translation>
     </message>
 </context>
 <context>
@@ -2237,6 +2316,120 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>The list is empty. A new scan shows what stayed in this folder.</source>
         <translation>Die Liste ist leer. Was in diesem Ordner geblieben ist, zeigt ein neuer Durchgang.</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::LoginItemController</name>
+    <message>
+        <source>Reading ...</source>
+        <translation>Wird gelesen ...</translation>
+    </message>
+    <message>
+        <source>Programs that start when you log in: %1</source>
+        <translation>Programme, die bei der Anmeldung starten: %1</translation>
+    </message>
+    <message>
+        <source>Nothing starts when you log in.</source>
+        <translation>Bei der Anmeldung startet nichts.</translation>
+    </message>
+    <message>
+        <source>Only Orrinvale itself can start hidden: other programs do not know this.</source>
+        <translation>Nur Orrinvale selbst kann verborgen starten: Andere Programme kennen das nicht.</translation>
+    </message>
+    <message>
+        <source>This could not be changed: %1</source>
+        <translation>Das konnte nicht geändert werden: %1</translation>
+    </message>
+    <message>
+        <source>Choose a login item</source>
+        <translation>Anmeldeobjekt auswählen</translation>
+    </message>
+    <message>
+        <source>Of several files the first one was added.</source>
+        <translation>Von mehreren Dateien wurde die erste hinzugefügt.</translation>
+    </message>
+    <message>
+        <source>Move &quot;%1&quot; to the trash?</source>
+        <translation>„%1“ in den Papierkorb legen?</translation>
+    </message>
+    <message>
+        <source>The system&apos;s own entry of that name starts again then.</source>
+        <translation>Dann startet wieder der Eintrag des Systems mit diesem Namen.</translation>
+    </message>
+    <message>
+        <source>It does not start any more when you log in.</source>
+        <translation>Es startet dann nicht mehr bei der Anmeldung.</translation>
+    </message>
+    <message>
+        <source>Move to Trash</source>
+        <translation>In den Papierkorb</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Login Items</source>
+        <translation>Anmeldeobjekte</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+    <message>
+        <source>Start hidden</source>
+        <translation>Verborgen starten</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>Entfernen</translation>
+    </message>
+    <message>
+        <source>Services that run in the background: %1</source>
+        <translation>Dienste, die im Hintergrund laufen: %1</translation>
+    </message>
+    <message>
+        <source>No services run in the background.</source>
+        <translation>Im Hintergrund laufen keine Dienste.</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::LoginItemModel</name>
+    <message>
+        <source>You</source>
+        <translation>Sie</translation>
+    </message>
+    <message>
+        <source>The system</source>
+        <translation>Das System</translation>
+    </message>
+    <message>
+        <source>Starts at login</source>
+        <translation>Startet bei der Anmeldung</translation>
+    </message>
+    <message>
+        <source>Note</source>
+        <translation>Hinweis</translation>
+    </message>
+    <message>
+        <source>Brought by</source>
+        <translation>Gebracht von</translation>
+    </message>
+    <message>
+        <source>only in %1</source>
+        <translation>nur in %1</translation>
+    </message>
+    <message>
+        <source>Show in File Manager</source>
+        <translation>In der Dateiverwaltung zeigen</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>Entfernen</translation>
     </message>
 </context>
 <context>

@@ -25,8 +25,8 @@ constexpr const char* help =
     "already\n"
     "comes to the front instead and takes over what is asked for.\n"
     "\n"
-    "  --action NAME  duplicates, large-files, clean, disk-usage, memory: show that\n"
-    "                 page;\n"
+    "  --action NAME  duplicates, large-files, clean, disk-usage, memory,\n"
+    "                 login-items: show that page;\n"
     "                 fast-clean: show the window of Fast Clean, which waits for a click;\n"
     "                 eject-all: eject what can be ejected; quit: end the running program\n"
     "  --disk-usage FOLDER\n"
@@ -40,8 +40,9 @@ constexpr const char* help =
     "For scripts and servers there is orrinvale-cli.\n";
 
 constexpr std::array actions{
-    startAction::duplicates, startAction::largeFiles, startAction::clean,    startAction::diskUsage,
-    startAction::memory,     startAction::fastClean,  startAction::ejectAll, startAction::quit};
+    startAction::duplicates, startAction::largeFiles, startAction::clean,
+    startAction::diskUsage,  startAction::memory,     startAction::loginItems,
+    startAction::fastClean,  startAction::ejectAll,   startAction::quit};
 
 std::string activationToken() {
     for (const char* const name : {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"})

@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "app/Desktop.h"
 #include "app/ProgramArguments.h"
@@ -35,6 +36,7 @@
 #include "platform/linux/LinuxFiles.h"
 #include "platform/linux/LinuxFolders.h"
 #include "platform/linux/LinuxHotKeys.h"
+#include "platform/linux/LinuxLoginItemSources.h"
 #include "platform/linux/LinuxLoginItems.h"
 #include "platform/linux/LinuxMemory.h"
 #include "platform/linux/LinuxMountChanges.h"
@@ -60,6 +62,7 @@
 #include "ui/kit/dialogs/WindowDialogs.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/kit/look/Translations.h"
+#include "ui/loginitems/LoginItemController.h"
 #include "ui/memory/CleanMemoryController.h"
 #include "ui/preferences/AppPrefsWindowController.h"
 #include "ui/preferences/PreferencePage.h"
@@ -211,6 +214,11 @@ void preparePages(const AppDelegateParts& parts, AppDelegate& delegate) {
                       .watch = parts.systemWatch,
                       .purge = purgePrograms(),
                       .programs = [](std::size_t most) { return largestPrograms(most); }}));
+    pages.registerPage(loginItemsPage(
+        parts.pages,
+        {.packages = [](const std::vector<std::string>& paths) { return packagesOf(paths); },
+         .services = [] { return backgroundServices(); },
+         .start = startCommand}));
     pages.registerPage(preferencePage(
         parts.pages,
         {.hasTray =

@@ -20,6 +20,7 @@
 #include "gallery/DuplicateScenes.h"
 #include "gallery/FastCleanScenes.h"
 #include "gallery/LargeFileScenes.h"
+#include "gallery/LoginItemScenes.h"
 #include "gallery/MemoryScenes.h"
 #include "gallery/PreferenceScenes.h"
 #include "gallery/ProgramScenes.h"
@@ -85,11 +86,12 @@ bool drawSheet(const PictureFolder& pictures, NotificationCenter& notifications)
 QSet<QString> wantedScenes(const Order& order) {
     if (!order.isDark && !order.isLarge) return {};
     if (order.isDark && !order.isLarge)
-        return {
-            QStringLiteral("first"),       QStringLiteral("progress"),  QStringLiteral("detail"),
-            QStringLiteral("question"),    QStringLiteral("failure"),   QStringLiteral("menu"),
-            QStringLiteral("free-space"),  QStringLiteral("tray-menu"), QStringLiteral("uninstall"),
-            QStringLiteral("preferences"), QStringLiteral("memory")};
+        return {QStringLiteral("first"),      QStringLiteral("progress"),
+                QStringLiteral("detail"),     QStringLiteral("question"),
+                QStringLiteral("failure"),    QStringLiteral("menu"),
+                QStringLiteral("free-space"), QStringLiteral("tray-menu"),
+                QStringLiteral("uninstall"),  QStringLiteral("preferences"),
+                QStringLiteral("memory"),     QStringLiteral("login-items")};
     return {QStringLiteral("first"), QStringLiteral("detail")};
 }
 
@@ -119,6 +121,7 @@ bool drawProgram(const Order& order, const PictureFolder& pictures) {
         return drawToolbar(defaults, pictures) &&
                drawVolumes(defaults, pictures, wantedScenes(order)) &&
                drawUninstall(defaults, pictures, wantedScenes(order)) &&
+               drawLoginItems(defaults, pictures, wantedScenes(order)) &&
                drawPreferences(defaults, pictures, wantedScenes(order)) &&
                drawMemory(defaults, pictures, wantedScenes(order)) &&
                ProgramScenes(defaults, pictures, wantedScenes(order)).draw();

@@ -20,7 +20,8 @@ inline constexpr std::string_view uninstall = "uninstall";  ///< shows that page
 inline constexpr std::string_view diskUsage =
     "disk-usage";  ///< the page; with a folder by withFolder()
 inline constexpr std::string_view ejectAll = "eject-all";
-inline constexpr std::string_view memory = "memory";  ///< the page
+inline constexpr std::string_view memory = "memory";           ///< the page
+inline constexpr std::string_view loginItems = "login-items";  ///< likewise
 inline constexpr std::string_view quit = "quit";
 inline constexpr std::string_view atLogin =
     "at-login";  ///< asked for by an option of its own: a login has started it

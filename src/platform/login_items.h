@@ -39,6 +39,15 @@ struct LoginItemRecord {
     return record.isPersons && !record.isDeleted && !record.command.empty();
 }
 
+/// One service that is enabled for the person's own systemd.
+struct BackgroundService {
+    std::string name;         ///< "pipewire.service"
+    std::string description;  ///< for people; empty where its unit says none
+    std::string file;         ///< of the unit
+    bool isPersons = false;   ///< enabled by the person, not by the system
+    friend bool operator==(const BackgroundService&, const BackgroundService&) = default;
+};
+
 /// Where entries are kept.
 struct LoginItemFolders {
     std::string persons;                 ///< may be missing

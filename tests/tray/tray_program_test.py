@@ -72,11 +72,12 @@ class Session:
         self.processes.append(process)
         return process
 
-    def run_program(self):
+    def run_program(self, *arguments):
         mounts = "for name; do mkdir \"/mnt/$name\" && mount -t tmpfs -o size=1m ram \"/mnt/$name\" || exit 9; done"
-        self.program = self.start(["unshare", "-m", "--propagation", "private", "sh", "-c", f"mount -t tmpfs ram /mnt; {mounts}; exec \"$0\"",
+        self.program = self.start(["unshare", "-m", "--propagation", "private", "sh", "-c", f"mount -t tmpfs ram /mnt; {mounts}; exec \"$0\" {' '.join(arguments)}",
                                    PROGRAM, *ODD_NAMES])
-        is_running = (lambda: "totalSpace" in self.log()) if "WAYLAND_DISPLAY" in self.environment else self.window
+        is_unseen = "WAYLAND_DISPLAY" in self.environment or "--at-login" in arguments
+        is_running = (lambda: "totalSpace" in self.log()) if is_unseen else self.window
         assert until(is_running, 30), f"no window, status {self.program.poll()}: {self.log()}"
 
     def log(self):
@@ -124,6 +125,11 @@ class Session:
 
     def window(self):
         return self.x("xdotool", "search", "--onlyvisible", "--name", "^Orrinvale$").split()
+
+    def states(self):
+        """Of its main windows, whether they are on the screen or not, what the window manager has made of them."""
+        windows = self.x("xdotool", "search", "--name", "^Orrinvale$").split()
+        return re.findall("window state: ([A-Za-z]+)", "".join(self.x("xprop", "-id", each, "WM_STATE") for each in windows))
 
     def close_window(self):
         self.x("xdotool", "key", "--window", self.window()[0], "ctrl+w")
@@ -333,6 +339,32 @@ class InTheTray(unittest.TestCase):
             on.x("import", "-window", "root", f"{place}/tray.png")
         on.x("xdotool", "key", "Escape")
         self.assertTrue(until(lambda: not popup()))
+
+    def start_hidden(self, *beside):
+        """On a desktop with a window manager, as a login starts it."""
+        for name in ("openbox", "xprop", *(command[0] for command in beside)):
+            if not shutil.which(name):
+                self.skipTest(f"no {name} here")
+        on = Session(self.folder, settings="ZvLoginItemIsHide = true", bus=False)
+        self.addCleanup(on.end)
+        for command in (["openbox"], *beside):
+            on.start(command)
+        on.run_program("--at-login")
+        return on
+
+    def test_started_hidden_it_stays_in_the_tray(self):
+        on = self.start_hidden(["trayer", "--edge", "top"])
+        time.sleep(12)  # a tray is waited for ten seconds
+        self.assertEqual(on.states(), [])
+        on.x(PROGRAM)
+        self.assertTrue(until(lambda: on.states() == ["Normal"]), on.states())
+
+    def test_started_hidden_without_a_tray_it_opens_minimised(self):
+        on = self.start_hidden()
+        time.sleep(6)
+        self.assertEqual(on.states(), [], "a tray may still come")
+        self.assertTrue(until(lambda: on.states() == ["Iconic"]), on.states())
+        self.assertEqual(on.window(), [])
 
 
 if __name__ == "__main__":

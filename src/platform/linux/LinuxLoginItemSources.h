@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/FolderVariables.h"
+#include "platform/login_items.h"
 
 namespace orrinvale {
 
@@ -15,15 +16,6 @@ namespace orrinvale {
 /// of packages once, some 30 ms for 1,300 of them. Any thread.
 [[nodiscard]] std::map<std::string, std::string> packagesOf(
     const std::vector<std::string>& paths, const std::string& lists = "/var/lib/dpkg/info");
-
-/// One service that is enabled for the person's own systemd.
-struct BackgroundService {
-    std::string name;         ///< "pipewire.service"
-    std::string description;  ///< for people; empty where its unit says none
-    std::string file;         ///< of the unit
-    bool isPersons = false;   ///< enabled by the person, not by the system
-    friend bool operator==(const BackgroundService&, const BackgroundService&) = default;
-};
 
 /// By name, each once; the person's word counts before the system's. A unit that is masked is none.
 /// Any thread.

@@ -55,6 +55,7 @@ AppDelegate::AppDelegate(AppDelegateParts parts, QObject* parent)
                                    .onClickFree = [this] { onClickFree(); },
                                    .onClickUninstall = [this] { onClickUninstall(); },
                                    .showMemory = [this] { showMemory(); },
+                                   .showLoginItems = [this] { showLoginItems(); },
                                    .onClickDiskUsage = [this] { onClickDiskUsage(); },
                                    .cleaningFile = [this] { cleaningFile(); },
                                    .rejestAllDisk = [this] { rejestAllDisk(); },
@@ -163,10 +164,8 @@ void AppDelegate::perform(const StartRequest& request) {
         onClickUninstall();
         return;
     }
-    if (request.isAction(startAction::memory)) {
-        showMemory();
-        return;
-    }
+    if (request.isAction(startAction::memory)) return showMemory();
+    if (request.isAction(startAction::loginItems)) return showLoginItems();
     if (const auto folder = request.folderOfAction(startAction::diskUsage)) {
         lookInto(*folder);
         return;
@@ -221,13 +220,15 @@ void AppDelegate::searchFolder(const std::string& path) {
 
 void AppDelegate::openMainWindow() {
     if (!m_isOpenWindow || m_isLeaving) return;
-    if (!m_duplicateMWC) {
-        m_duplicateMWC =
-            std::make_unique<DuplicateMainWindowController>(m_parts.pages, *m_parts.icons);
-        m_duplicateMWC->setDelegate(this);
-        m_duplicateMWC->setApplicationMenu(*m_menu);
-    }
+    makeMainWindow();
     m_duplicateMWC->showWindow();
+}
+
+void AppDelegate::makeMainWindow() {
+    if (m_duplicateMWC) return;
+    m_duplicateMWC = std::make_unique<DuplicateMainWindowController>(m_parts.pages, *m_parts.icons);
+    m_duplicateMWC->setDelegate(this);
+    m_duplicateMWC->setApplicationMenu(*m_menu);
 }
 
 void AppDelegate::showMainWindowWhenClickMenuItem() { handleReopenAppEvent(); }
@@ -341,12 +342,16 @@ void AppDelegate::Reference() {
         preferencesIdentifier, true);
 }
 
-void AppDelegate::showMemory() {
+void AppDelegate::showPageAlone(const QString& identifier) {
     auto& pages = AppPrefsWindowController::sharedPrefsWindowController();
-    if (!pages.hasPage(memoryIdentifier)) return;
+    if (!pages.hasPage(identifier)) return;
     showPages();
-    pages.displayViewForIdentifier(memoryIdentifier, true);
+    pages.displayViewForIdentifier(identifier, true);
 }
+
+void AppDelegate::showMemory() { showPageAlone(memoryIdentifier); }
+
+void AppDelegate::showLoginItems() { showPageAlone(loginItemsIdentifier); }
 
 void AppDelegate::help() {
     m_parts.openGuide([self = QPointer(this)] {

@@ -116,6 +116,7 @@ public:
     void Reference();
     void showPages();
     void showMemory();
+    void showLoginItems();
     /// Each shows the main window, posts "shouldSelectRow" with the row of its page, and shows that
     /// page where there is one.
     void onClickFree();
@@ -176,6 +177,7 @@ public:
     static inline const QString uninstallIdentifier = QStringLiteral("uninstall");
     static inline const QString preferencesIdentifier = QStringLiteral("preferences");
     static inline const QString memoryIdentifier = QStringLiteral("memory");
+    static inline const QString loginItemsIdentifier = QStringLiteral("login_items");
 
     /// The sentence about a volume that was "mounted" or "unmounted".
     [[nodiscard]] static std::string volumeSentence(const Notification& notification,
@@ -195,6 +197,8 @@ private:
     void openMinimisedWithoutTray();
     void takeSettings();
     void showPageOfRow(std::int32_t row, const QString& identifier);
+    void makeMainWindow();
+    void showPageAlone(const QString& identifier);
     void refApplicationMenu();
     void refEjectAll();
     void ejectRow(const MenuItemView& row);

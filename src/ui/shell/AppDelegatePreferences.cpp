@@ -39,8 +39,8 @@ void AppDelegate::takeSettings() {
 void AppDelegate::openMinimisedWithoutTray() {
     if (m_duplicateMWC || m_isLeaving || (m_tray && m_tray->canBeFound())) return;
     m_isOpenWindow = true;
-    showMainWindow();
-    m_duplicateMWC->window()->showMinimized();
+    makeMainWindow();
+    m_duplicateMWC->showMinimised();
 }
 
 void AppDelegate::launchAppWhenLogin(int state) {

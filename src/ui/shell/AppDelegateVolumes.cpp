@@ -86,6 +86,7 @@ void AppDelegate::refApplicationMenu() {
     m_menu->setPages(pages.hasPage(scanIdentifier), pages.hasPage(freeSpaceIdentifier),
                      pages.hasPage(uninstallIdentifier));
     m_menu->setHasMemory(pages.hasPage(memoryIdentifier));
+    m_menu->setHasLoginItems(pages.hasPage(loginItemsIdentifier));
     m_menu->setHasDiskUsage(pages.hasPage(diskUsageIdentifier));
     m_menu->setHasPages(pages.hasPagesBeside(QStringLiteral("duplicates_file")));
     refFastCleanItem();

@@ -22,6 +22,7 @@ ApplicationMenu::ApplicationMenu(const Actions& actions, QObject* parent)
     m_diskUsageMenu = add("diskUsageMenu", tr("Disk Usage"), {}, actions.onClickDiskUsage);
     m_UninstallMenu = add("UninstallMenu", tr("Uninstall"), {}, actions.onClickUninstall);
     m_memory = add("memory", tr("Memory"), {}, actions.showMemory);
+    m_loginItems = add("loginItems", tr("Login Items"), {}, actions.showLoginItems);
     m_fastClean = add("fastClean", tr("Fast Clean"), {}, actions.cleaningFile);
     m_volumes = add("volumes", tr("Volumes"), {}, [] {});
     m_eject =
@@ -32,6 +33,7 @@ ApplicationMenu::ApplicationMenu(const Actions& actions, QObject* parent)
     m_pages->setVisible(false);
     setPages(false, false, false);
     setHasMemory(false);
+    setHasLoginItems(false);
     setVolumes(nullptr);
     setHasDiskUsage(false);
     m_menu->addSeparator();
@@ -76,6 +78,10 @@ void ApplicationMenu::setPages(bool hasScan, bool hasFree, bool hasUninstall) {
 }
 
 void ApplicationMenu::setHasMemory(bool hasMemory) { m_memory->setVisible(hasMemory); }
+
+void ApplicationMenu::setHasLoginItems(bool hasLoginItems) {
+    m_loginItems->setVisible(hasLoginItems);
+}
 
 void ApplicationMenu::setVolumes(QMenu* volumes) {
     m_volumes->setMenu(volumes);

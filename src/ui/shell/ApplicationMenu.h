@@ -26,6 +26,7 @@ public:
         std::function<void()> onClickFree;       ///< the page "Free Space"
         std::function<void()> onClickUninstall;  ///< the page that uninstalls
         std::function<void()> showMemory;        ///< the page "Memory"
+        std::function<void()> showLoginItems;    ///< the page "Login Items"
         std::function<void()> onClickDiskUsage;  ///< the page "Disk Usage"
         std::function<void()> cleaningFile;      ///< "Fast Clean"
         std::function<void()> rejestAllDisk;     ///< "Eject All"
@@ -59,6 +60,8 @@ public:
 
     /// Whether there is a page "Memory"; likewise.
     void setHasMemory(bool hasMemory);
+    /// Whether there is a page "Login Items"; likewise.
+    void setHasLoginItems(bool hasLoginItems);
     /// Whether there is a page of disk usage. It is not offered until that is told.
     void setHasDiskUsage(bool hasDiskUsage);
 
@@ -84,6 +87,7 @@ private:
     QAction* m_freeSpaceMenu = nullptr;
     QAction* m_UninstallMenu = nullptr;
     QAction* m_memory = nullptr;
+    QAction* m_loginItems = nullptr;
     QAction* m_diskUsageMenu = nullptr;
 };
 

@@ -185,6 +185,12 @@ void DuplicateMainWindowController::showWindow() {
     (dialog != nullptr ? dialog : m_aWindow.get())->activateWindow();
 }
 
+// Never shown before that: a window manager brings one back that asks for the keyboard as it comes.
+void DuplicateMainWindowController::showMinimised() {
+    if (!std::exchange(m_isPlaced, true)) placeWindow();
+    m_aWindow->showMinimized();
+}
+
 void DuplicateMainWindowController::placeWindow() {
     const SettingObject kept = m_defaults.objectForKey(frameKey);
     const auto* const text = kept ? std::get_if<std::string>(&*kept) : nullptr;

@@ -83,6 +83,9 @@ public:
     /// where it was when the settings last kept its place, and else to the middle of the screen.
     void showWindow();
 
+    /// The same without coming to the front: it is found where the desktop keeps what is put away.
+    void showMinimised();
+
     /// Keeps size and place in the settings, for the next run of the program.
     void keepFrame();
 

@@ -59,6 +59,16 @@ void revealInFileManager(const std::string& path) {
 
 bool openInFileManager(const std::string& path) { return openAddress(path); }
 
+void startCommand(const std::vector<std::string>& words) {
+    if (words.empty()) return;
+    QStringList arguments;
+    for (std::size_t i = 1; i < words.size(); ++i)
+        arguments.append(QFile::decodeName(words[i].c_str()));
+    if (!QProcess::startDetached(QFile::decodeName(words.front().c_str()), arguments,
+                                 QDir::homePath()))
+        Log::line(fmt::format("{} could not be started.", words.front()));
+}
+
 QString userGuidePath() {
     const QString guide =
         QDir::cleanPath(QCoreApplication::applicationDirPath() +

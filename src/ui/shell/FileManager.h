@@ -4,6 +4,7 @@
 #include <QString>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace orrinvale {
 
@@ -16,6 +17,10 @@ void revealInFileManager(const std::string& path);
 /// can be reached is left to the file manager, since a dead server would hold this thread up.
 /// Returns at once. Exact bytes. Main thread only.
 [[nodiscard]] bool openInFileManager(const std::string& path);
+
+/// Starts a program with these arguments, in the home folder, and lets go of it; a failure is
+/// logged. Exact bytes. Main thread only.
+void startCommand(const std::vector<std::string>& words);
 
 /// The user guide, which lies beside the program (../share/orrinvale/guide). Empty where it is not
 /// installed.

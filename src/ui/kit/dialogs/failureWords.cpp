@@ -59,6 +59,11 @@ constexpr std::array whole{
     // Applications
     QT_TRANSLATE_NOOP("Reason", "not installed any more as it was listed"),
     QT_TRANSLATE_NOOP("Reason", "what would go along could not be found out in time"),
+    // Login items
+    QT_TRANSLATE_NOOP("Reason", "its program is gone"),
+    QT_TRANSLATE_NOOP("Reason", "it names no program"),
+    QT_TRANSLATE_NOOP("Reason", "it is no entry that starts a program"),
+    QT_TRANSLATE_NOOP("Reason", "nothing can start this at login"),
     // Volumes
     QT_TRANSLATE_NOOP("Reason", "The disk service does not answer"),
     QT_TRANSLATE_NOOP("Reason", "The disk service, udisks2, is not there"),

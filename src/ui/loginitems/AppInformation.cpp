@@ -1,0 +1,45 @@
+#include "ui/loginitems/AppInformation.h"
+
+#include <algorithm>
+
+#include "engine/base/Log.h"
+#include "engine/loginitems/LoginItemRegistry.h"
+#include "platform/paths.h"
+
+namespace orrinvale {
+
+bool AppInformation::getAppInfo(LoginRows* appsInfo) {
+    if (appsInfo == nullptr) {
+        Log::line("appsInfo is not nil ,so return");
+        return false;
+    }
+    // The registry waits for a list that is busy, and tells why there is none.
+    if (!LoginItemRegistry::allLoginItems()) return false;
+    const auto& desktops = LoginItemRegistry::parts().items->folders().desktops;
+    std::int32_t status = 0;
+    for (LoginItemRecord& each : LoginItemRegistry::parts().items->list(status)) {
+        auto row = std::make_unique<LoginRow>();
+        row->item = std::move(each);
+        const auto& onlyIn = row->item.onlyIn;
+        row->isForOthers =
+            !onlyIn.empty() && std::ranges::find_first_of(onlyIn, desktops) == onlyIn.end();
+        appsInfo->push_back(std::move(row));
+    }
+    return status == 0;
+}
+
+std::unique_ptr<LoginRow> AppInformation::constructAppItem(const std::string& path, bool hide) {
+    auto row = std::make_unique<LoginRow>();
+    row->item.path = path;
+    row->item.name = lastPathComponent(path);
+    row->item.isPersons = true;
+    row->item.starts = true;
+    row->item.startsHidden = hide;
+    return row;
+}
+
+const std::string& AppInformation::sourceOf(const LoginItemRecord& item) {
+    return item.isSystems || item.path.empty() ? item.file : item.path;
+}
+
+}  // namespace orrinvale
