@@ -920,6 +920,37 @@
     </message>
 </context>
 <context>
+    <name>QnCheckUpdateWindowController</name>
+    <message>
+        <source>Looking for a newer version…</source>
+        <translation>Es wird nach einer neueren Version gesehen…</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Stoppen</translation>
+    </message>
+    <message>
+        <source>The web site of Orrinvale could not be reached.</source>
+        <translation>Die Webseite von Orrinvale war nicht zu erreichen.</translation>
+    </message>
+    <message>
+        <source>Look whether this computer is online, and try again.</source>
+        <translation>Sehen Sie nach, ob dieser Rechner im Netz ist, und versuchen Sie es noch einmal.</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>What is new</source>
+        <translation>Was neu ist</translation>
+    </message>
+    <message>
+        <source>Open the Download Page</source>
+        <translation>Seite zum Herunterladen öffnen</translation>
+    </message>
+</context>
+<context>
     <name>Reason</name>
     <message>
         <source>a mount point</source>
@@ -1660,6 +1691,18 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>The volume could not be ejected.</source>
         <translation>Der Datenträger konnte nicht ausgeworfen werden.</translation>
     </message>
+    <message>
+        <source>Orrinvale %1 has been released.</source>
+        <translation>Orrinvale %1 ist erschienen.</translation>
+    </message>
+    <message>
+        <source>See what is new in it.</source>
+        <translation>Sehen Sie nach, was darin neu ist.</translation>
+    </message>
+    <message>
+        <source>Show</source>
+        <translation>Anzeigen</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::AppPrefsWindowController</name>
@@ -1733,6 +1776,10 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Login Items</source>
         <translation>Anmeldeobjekte</translation>
+    </message>
+    <message>
+        <source>New: Orrinvale %1…</source>
+        <translation>Neu: Orrinvale %1…</translation>
     </message>
 </context>
 <context>
@@ -2631,10 +2678,6 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>Die Seite „Plattenbelegung“ kommt noch.</translation>
     </message>
     <message>
-        <source>This version does not look for updates yet.</source>
-        <translation>Diese Version sieht noch nicht nach Aktualisierungen.</translation>
-    </message>
-    <message>
         <source>Nothing here starts it at login.</source>
         <translation>Nichts hier startet es bei der Anmeldung.</translation>
     </message>
@@ -2649,6 +2692,14 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>The entry for the login could not be changed.</source>
         <translation>Der Eintrag für die Anmeldung konnte nicht geändert werden.</translation>
+    </message>
+    <message>
+        <source>Newer versions come with your system.</source>
+        <translation>Neuere Versionen kommen mit Ihrem System.</translation>
+    </message>
+    <message>
+        <source>This copy does not look for newer versions.</source>
+        <translation>Diese Kopie sieht nicht nach neueren Versionen.</translation>
     </message>
 </context>
 <context>
@@ -2694,6 +2745,41 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Removing what you selected</source>
         <translation>Ihre Auswahl wird entfernt</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::QnCheckUpdateWindowController</name>
+    <message>
+        <source>New features of Version %1:</source>
+        <translation>Neu in Version %1:</translation>
+    </message>
+    <message>
+        <source>Orrinvale %1 has been released.</source>
+        <translation>Orrinvale %1 ist erschienen.</translation>
+    </message>
+    <message>
+        <source>This is Orrinvale %1.</source>
+        <translation>Dies ist Orrinvale %1.</translation>
+    </message>
+    <message>
+        <source>No newer version was found.</source>
+        <translation>Es wurde keine neuere Version gefunden.</translation>
+    </message>
+    <message>
+        <source>Newer versions come with your system.</source>
+        <translation>Neuere Versionen kommen mit Ihrem System.</translation>
+    </message>
+    <message>
+        <source>It was installed as a package, and is updated together with the others.</source>
+        <translation>Es wurde als Paket installiert und wird zusammen mit den anderen aktualisiert.</translation>
+    </message>
+    <message>
+        <source>This copy does not look for newer versions.</source>
+        <translation>Diese Kopie sieht nicht nach neueren Versionen.</translation>
+    </message>
+    <message>
+        <source>It was built without the keys by which a release is recognised. Newer versions are where you got this one.</source>
+        <translation>Sie wurde ohne die Schlüssel gebaut, an denen eine Veröffentlichung zu erkennen ist. Neuere Versionen gibt es dort, woher Sie diese haben.</translation>
     </message>
 </context>
 <context>

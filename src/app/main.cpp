@@ -25,11 +25,14 @@
 #include "engine/loginitems/LoginItemRegistry.h"
 #include "engine/loginitems/removeLoginItem.h"
 #include "engine/memory/ClearMemory.h"
+#include "engine/settings/BundleResources.h"
 #include "engine/settings/PreferenceViewController.h"
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/UserDefaults.h"
 #include "engine/settings/UserFolders.h"
 #include "engine/text/UtilityFunction.h"
+#include "engine/updates/UpdateCheck.h"
+#include "engine/updates/releaseKeys.h"
 #include "platform/FolderVariables.h"
 #include "platform/instance.h"
 #include "platform/linux/LinuxAuthorization.h"
@@ -44,6 +47,7 @@
 #include "platform/linux/LinuxSystem.h"
 #include "platform/linux/LinuxTrayHost.h"
 #include "platform/linux/LinuxVolumes.h"
+#include "platform/linux/OwnPackage.h"
 #include "platform/linux/ProgramFiles.h"
 #include "platform/programMemory.h"
 #include "platform/standardStreams.h"
@@ -52,6 +56,7 @@
 #include "services/lifecycle/EndSignals.h"
 #include "services/lifecycle/StartService.h"
 #include "services/settings/SettingsKeeper.h"
+#include "services/updates/HttpsTransport.h"
 #include "services/volumes/SystemWatch.h"
 #include "ui/cleaning/MainViewController.h"
 #include "ui/cleaning/cleanPage.h"
@@ -114,6 +119,16 @@ struct Shared {
     AutostartItems loginItems{linuxLoginItemFolders(), takeLoginItem};
     WindowDialogs dialogs;
     FileIcons icons;
+    const HttpsTransport transport;
+    const UpdateParts updates{
+        .transport = &transport,
+        .address = vendorAddress("UPDATE_DESCRIPTION"),
+        .keys = {releaseKeys.begin(), releaseKeys.end()},
+        // What a package brought stays its own while it runs, and its lists are long.
+        .isOwnedByPackage = [] {
+            static const bool isOwned = isOwnedByPackage();
+            return isOwned;
+        }};
 };
 
 void connectEngine(Shared& shared) {
@@ -168,6 +183,7 @@ AppDelegateParts delegateParts(Shared& shared, DesktopNotifications& desktopNoti
         .memory = &shared.memory,
         .hotKeys = &shared.hotKeys,
         .trayHost = &trayHost,
+        .updates = &shared.updates,
         .openFolder = openInFileManager,
         .openGuide = openUserGuide,
         .stopListening =
@@ -224,7 +240,8 @@ void preparePages(const AppDelegateParts& parts, AppDelegate& delegate) {
         {.hasTray =
              [&delegate] { return delegate.tray() != nullptr && delegate.tray()->hasHost(); },
          .hasDesktopNotes = parts.desktopNotifications != nullptr,
-         .hasDiskUsage = pages.hasPage(QStringLiteral("disk_usage"))}));
+         .hasDiskUsage = pages.hasPage(QStringLiteral("disk_usage")),
+         .updateRoad = [&delegate] { return delegate.updateRoad(); }}));
 }
 
 int runWindow(int argc, char** argv, const StartRequest& request,

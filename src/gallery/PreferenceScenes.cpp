@@ -4,6 +4,7 @@
 
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/UserDefaults.h"
+#include "engine/updates/UpdateCheck.h"
 #include "gallery/PageWorkings.h"
 #include "gallery/drawing.h"
 #include "platform/linux/LinuxFiles.h"
@@ -37,8 +38,10 @@ bool drawPreferences(UserDefaults& defaults, const PictureFolder& pictures,
     }
     if (!isWanted(whole)) return true;
     constexpr QSize all{800, 1900};
-    PreferencePage page(
-        services, {.hasTray = [] { return true; }, .hasDesktopNotes = true, .hasDiskUsage = true});
+    PreferencePage page(services, {.hasTray = [] { return true; },
+                                   .hasDesktopNotes = true,
+                                   .hasDiskUsage = true,
+                                   .updateRoad = [] { return UpdateRoad::Server; }});
     page.view()->resize(all);
     page.view()->show();
     QApplication::processEvents();

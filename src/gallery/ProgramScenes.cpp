@@ -37,6 +37,7 @@ ProgramScenes::ProgramScenes(UserDefaults& defaults, const PictureFolder& pictur
                          .volumesAtOnce = &m_volumes,
                          .mountChanges = &m_mountChanges,
                          .systemWatch = &m_watch,
+                         .updates = &m_updates,
                          .openFolder = [](const std::string& /*path*/) { return true; },
                          .openGuide = [](const std::function<void()>& /*failed*/) {},
                          .stopListening = {},

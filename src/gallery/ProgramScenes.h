@@ -8,6 +8,7 @@
 #include <string>
 
 #include "engine/cleaning/makeFolderUtilities.h"
+#include "engine/updates/UpdateCheck.h"
 #include "gallery/PageWorkings.h"
 #include "platform/fake/FakeMountChanges.h"
 #include "platform/fake/FakeVolumes.h"
@@ -51,6 +52,7 @@ private:
     Ejections m_ejections{m_volumes, m_workings.mainQueue};
     SystemWatch m_watch{m_volumes, *new LinuxMemory, m_workings.mainQueue, std::chrono::hours(1)};
     FakeMountChanges m_mountChanges;
+    const UpdateParts m_updates{};  // without keys: nobody is asked
     const LinuxFolders m_folders;
     const std::shared_ptr<const FolderUtilities> m_utilities =
         makeFolderUtilities(m_files, m_folders, m_volumes);

@@ -26,6 +26,7 @@
 #include "gallery/ProgramScenes.h"
 #include "gallery/SampleFolder.h"
 #include "gallery/UninstallScenes.h"
+#include "gallery/UpdateScenes.h"
 #include "gallery/VolumeScenes.h"
 #include "gallery/drawToolbar.h"
 #include "gallery/drawing.h"
@@ -124,6 +125,7 @@ bool drawProgram(const Order& order, const PictureFolder& pictures) {
                drawLoginItems(defaults, pictures, wantedScenes(order)) &&
                drawPreferences(defaults, pictures, wantedScenes(order)) &&
                drawMemory(defaults, pictures, wantedScenes(order)) &&
+               drawUpdates(pictures, wantedScenes(order)) &&
                ProgramScenes(defaults, pictures, wantedScenes(order)).draw();
     });
 }

@@ -1,7 +1,6 @@
 // HttpsProbe: the network probe over HTTPS.
 #pragma once
 
-#include <QByteArray>
 #include <QList>
 #include <QSslCertificate>
 
@@ -9,9 +8,8 @@
 
 namespace orrinvale {
 
-/// One GET that no cache answers. Only HTTPS with a certificate that holds for the host; a
-/// redirection is followed to HTTPS alone. An empty body is an answer too. At most 1 MiB is read.
-/// Any thread.
+/// One httpsGet(). An empty body is an answer too, and so is one that is larger than what is read
+/// of it, 1 MiB. Any thread.
 class HttpsProbe final : public NetworkProbe {
 public:
     /// The authorities that the system trusts, and with them those of the list, such as a company's
@@ -22,9 +20,6 @@ public:
                                   std::chrono::milliseconds timeOut) const override;
 
 private:
-    [[nodiscard]] static bool ask(const QByteArray& address, std::chrono::milliseconds timeOut,
-                                  const QList<QSslCertificate>& trusted);
-
     const QList<QSslCertificate> m_trusted;
 };
 

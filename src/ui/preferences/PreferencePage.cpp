@@ -24,6 +24,7 @@
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/keepRunning.h"
 #include "engine/settings/settingNotices.h"
+#include "engine/updates/UpdateCheck.h"
 #include "services/foundation/runAside.h"
 #include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/controls/ElidedLabel.h"
@@ -248,6 +249,10 @@ void PreferencePage::readSettings() {
     views.keepRunningChoice->setCurrentIndex(!goesOn   ? PreferenceViews::Ask
                                              : *goesOn ? PreferenceViews::KeepRunning
                                                        : PreferenceViews::Quit);
+    // Of a number that is none of the items' the schedule has an opinion of its own.
+    selectItemWithTag(
+        *views.updateTime,
+        Int{checkInterval(integerOf(settingInForce(SUScheduledCheckInterval))).count()});
     showRestorable();
     // Somebody else has switched it, who changes the entry too.
     const Int check = integerOf(settingInForce(ZvLoginCheckKey));
@@ -312,13 +317,20 @@ void PreferencePage::showFaults() {
              tr("The page Disk Usage is still to come."));
     for (const QWidget* const each :
          std::initializer_list<const QWidget*>{views.autoCheckUpdates, views.updateTime})
-        grey(Group::Updates, each, m_parts.hasUpdateCheck,
-             tr("This version does not look for updates yet."));
+        grey(Group::Updates, each, updateFault().isEmpty(), updateFault());
     const bool hasLogin = LoginItemRegistry::parts().items != nullptr;
     const QString noLogin = tr("Nothing here starts it at login.");
     grey(Group::General, views.checkBoxBtn, hasLogin, noLogin);
     grey(Group::General, views.startHiddenBox, hasLogin, noLogin);
     if (hasLogin) readLogin();
+}
+
+// Why the program never looks for newer versions by itself.
+QString PreferencePage::updateFault() const {
+    const auto road = m_parts.updateRoad ? m_parts.updateRoad() : UpdateRoad::NoKeys;
+    if (road == UpdateRoad::Package) return tr("Newer versions come with your system.");
+    if (road == UpdateRoad::NoKeys) return tr("This copy does not look for newer versions.");
+    return {};
 }
 
 // The box shows what is so, and not what was wanted once.

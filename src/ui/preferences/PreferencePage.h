@@ -3,8 +3,10 @@
 #pragma once
 
 #include <QObject>
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,13 +18,17 @@
 
 namespace orrinvale {
 
+enum class UpdateRoad : std::uint8_t;
+
 /// What there is of that which settings are about. A control whose service is missing is greyed
 /// with the reason.
 struct PreferenceParts {
     std::function<bool()> hasTray;  ///< asked whenever the page is shown; empty: there is never one
     bool hasDesktopNotes = false;   ///< the desktop can show words
     bool hasDiskUsage = false;      ///< there is a page that heeds the limits
-    bool hasUpdateCheck = false;
+    /// Where newer versions come from, as far as that is known; empty: nobody looks for them. Asked
+    /// whenever the page is shown.
+    std::function<std::optional<UpdateRoad>()> updateRoad;
 };
 
 /// Each change is stored at once; one that somebody else makes is shown at once. Works on
@@ -82,6 +88,7 @@ private:
     void readWarnings();
     void showRestorable();
     void showFaults();
+    [[nodiscard]] QString updateFault() const;
     void readLogin();
     void showLogin(bool starts);
 

@@ -18,6 +18,7 @@
 #include "platform/error.h"
 #include "platform/files.h"
 #include "services/foundation/runAside.h"
+#include "services/updates/UpdateWatch.h"
 #include "services/volumes/WatchMountUnmount.h"
 #include "services/volumes/WorkspaceMounts.h"
 #include "ui/fastclean/FastClean.h"
@@ -32,6 +33,7 @@
 #include "ui/tray/ArrowHotKeys.h"
 #include "ui/tray/SpaceWarnings.h"
 #include "ui/tray/Tray.h"
+#include "ui/updates/QnCheckUpdateWindowController.h"
 
 namespace orrinvale {
 namespace {
@@ -46,21 +48,22 @@ constexpr int endPause = 10;
 AppDelegate::AppDelegate(AppDelegateParts parts, QObject* parent)
     : QObject(parent),
       m_parts(std::move(parts)),
-      m_menu(std::make_unique<ApplicationMenu>(
-          ApplicationMenu::Actions{.openAboutWindow = [this] { openAboutWindow(); },
-                                   .Reference = [this] { Reference(); },
-                                   .CheckupdateMenuItemAction = {},
-                                   .showPages = [this] { showPages(); },
-                                   .onClickScan = [this] { onClickScan(); },
-                                   .onClickFree = [this] { onClickFree(); },
-                                   .onClickUninstall = [this] { onClickUninstall(); },
-                                   .showMemory = [this] { showMemory(); },
-                                   .showLoginItems = [this] { showLoginItems(); },
-                                   .onClickDiskUsage = [this] { onClickDiskUsage(); },
-                                   .cleaningFile = [this] { cleaningFile(); },
-                                   .rejestAllDisk = [this] { rejestAllDisk(); },
-                                   .help = [this] { help(); },
-                                   .quit = [this] { quit(); }})),
+      m_menu(std::make_unique<ApplicationMenu>(ApplicationMenu::Actions{
+          .openAboutWindow = [this] { openAboutWindow(); },
+          .Reference = [this] { Reference(); },
+          .CheckupdateMenuItemAction = m_parts.updates == nullptr
+                                           ? std::function<void()>()
+                                           : [this] { CheckupdateMenuItemAction(); },
+          .showPages = [this] { showPages(); },
+          .onClickScan = [this] { onClickScan(); },
+          .onClickFree = [this] { onClickFree(); },
+          .onClickUninstall = [this] { onClickUninstall(); },
+          .showMemory = [this] { showMemory(); },
+          .onClickDiskUsage = [this] { onClickDiskUsage(); },
+          .cleaningFile = [this] { cleaningFile(); },
+          .rejestAllDisk = [this] { rejestAllDisk(); },
+          .help = [this] { help(); },
+          .quit = [this] { quit(); }})),
       m_fastClean(makeFastClean()) {
     connect(m_menu.get(), &ApplicationMenu::opened, this, &AppDelegate::refApplicationMenu);
     connect(m_parts.ejections, &Ejections::failed, this,
@@ -116,6 +119,7 @@ void AppDelegate::addMainFuction() {
         UtilityFunction::callSelectNotificationForMainWindowLeft(0);
     startTray();
     followSettings();
+    startUpdates();
     bringBackWhatIsAside();
 }
 
@@ -243,6 +247,8 @@ void AppDelegate::closeMainWindow() { m_isOpenWindow = false; }
 QWidget* AppDelegate::window() const { return m_duplicateMWC ? m_duplicateMWC->window() : nullptr; }
 
 void AppDelegate::quit() {
+    using Reply = QnCheckUpdateWindowController::TerminateReply;
+    if (m_checkUpdateWC && m_checkUpdateWC->applicationShouldTerminate() == Reply::Cancel) return;
     leave([this] { m_parts.exitProcess(1); });
 }
 

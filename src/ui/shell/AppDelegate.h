@@ -1,7 +1,8 @@
 // AppDelegate: the life of the program, from its window at launch to its end, and what it does when
 // volumes come and go. AppDelegateVolumes.cpp has the volumes, AppDelegateCleaning.cpp Fast Clean,
 // AppDelegateDiskUsage.cpp the page of disk usage, AppDelegateBubbles.cpp the notes,
-// AppDelegatePreferences.cpp what settings change while it runs.
+// AppDelegatePreferences.cpp what settings change while it runs, AppDelegateUpdates.cpp newer
+// versions of the program.
 #pragma once
 
 #include <QObject>
@@ -42,12 +43,16 @@ struct Alert;
 class Memory;
 class MenuItemView;
 class MountChanges;
+class QnCheckUpdateWindowController;
 class SpaceWarnings;
 class SystemWatch;
 class Tray;
 class TrayHost;
+class UpdateWatch;
 class WatchMountUnmount;
 class WorkspaceMounts;
+struct UpdateParts;
+enum class UpdateRoad : std::uint8_t;
 
 /// What the delegate works with. Nothing of it is owned; all of it outlives the delegate.
 struct AppDelegateParts {
@@ -64,6 +69,7 @@ struct AppDelegateParts {
     const Memory* memory = nullptr;        ///< null: there is no row of the memory
     HotKeys* hotKeys = nullptr;            ///< null: there are none
     TrayHost* trayHost = nullptr;          ///< null: there is never a tray
+    const UpdateParts* updates = nullptr;  ///< null: nobody looks for newer versions
     std::function<bool(const std::string& path)>
         openFolder;  ///< in the desktop's file manager; false when it can not
     std::function<void(std::function<void()> failed)>
@@ -105,8 +111,8 @@ public:
     }  ///< null before
     [[nodiscard]] ApplicationMenu& menu() const { return *m_menu; }
 
-    /// Ends the process with status 1. A removal under way stops before the next entry; nobody
-    /// waits for it longer than a second.
+    /// Ends the process with status 1, once an open window of the update check is gone. A removal
+    /// under way stops before the next entry; nobody waits for it longer than a second.
     void quit();
     /// The same, as that signal ends a process.
     void endBySignal(int signal);
@@ -114,6 +120,13 @@ public:
     // The application menu.
     void openAboutWindow();
     void Reference();
+    /// Opens the window that looks for a newer version, or brings it to the front.
+    void CheckupdateMenuItemAction();
+    [[nodiscard]] QnCheckUpdateWindowController* checkUpdateWC() const {
+        return m_checkUpdateWC.get();
+    }  ///< null while it is closed
+    /// Where newer versions come from; nothing until that is known.
+    [[nodiscard]] std::optional<UpdateRoad> updateRoad() const;
     void showPages();
     void showMemory();
     void showLoginItems();
@@ -194,6 +207,8 @@ private:
     void refMenuItemWhenDeleteAndAdd();
     void startTray();
     void followSettings();
+    void startUpdates();
+    void tellOfVersion(const QString& version);
     void openMinimisedWithoutTray();
     void takeSettings();
     void showPageOfRow(std::int32_t row, const QString& identifier);
@@ -231,6 +246,9 @@ private:
     std::unique_ptr<Tray> m_tray;
     std::unique_ptr<ArrowHotKeys> m_arrowKeys;
     std::unique_ptr<SpaceWarnings> m_spaceWarnings;
+    std::unique_ptr<QnCheckUpdateWindowController> m_checkUpdateWC;
+    std::unique_ptr<UpdateWatch> m_updateWatch;
+    std::uint64_t m_versionNote = 0;  // of the desktop; 0 is none
     HomeDisk m_homeDisk;
     bool m_isOpenWindow = false;
     bool m_isAskingToGoOn = false;

@@ -13,7 +13,8 @@ ApplicationMenu::ApplicationMenu(const Actions& actions, QObject* parent)
     m_menu->addSeparator();
     m_preferences = add("Reference", tr("Preferences…"), QKeySequence(Qt::CTRL | Qt::Key_Comma),
                         actions.Reference);
-    add("checkUpdate", tr("Check for Updates…"), {}, actions.CheckupdateMenuItemAction);
+    m_checkUpdate =
+        add("checkUpdate", tr("Check for Updates…"), {}, actions.CheckupdateMenuItemAction);
     m_menu->addSeparator();
     m_pages =
         add("pages", tr("Show All Pages"), QKeySequence(Qt::CTRL | Qt::Key_0), actions.showPages);
@@ -90,6 +91,12 @@ void ApplicationMenu::setVolumes(QMenu* volumes) {
 
 void ApplicationMenu::setHasDiskUsage(bool hasDiskUsage) {
     m_diskUsageMenu->setVisible(hasDiskUsage);
+}
+
+void ApplicationMenu::setNewVersion(const QString& version) {
+    m_checkUpdate->setText(
+        tr("New: Orrinvale %1…")
+            .arg(QString(version).replace(QLatin1Char('&'), QLatin1String("&&"))));
 }
 
 void ApplicationMenu::setHasPages(bool hasPages) { m_pages->setVisible(hasPages); }

@@ -65,6 +65,9 @@ public:
     /// Whether there is a page of disk usage. It is not offered until that is told.
     void setHasDiskUsage(bool hasDiskUsage);
 
+    /// There is a newer version, and the entry that looks for one says so from now on.
+    void setNewVersion(const QString& version);
+
     /// Whether the window with all pages shows anything that the main window does not. It is not
     /// offered until that is told.
     void setHasPages(bool hasPages);
@@ -82,6 +85,7 @@ private:
     QAction* m_volumes = nullptr;
     QAction* m_eject = nullptr;
     QAction* m_preferences = nullptr;
+    QAction* m_checkUpdate = nullptr;
     QAction* m_pages = nullptr;
     QAction* m_scanMenu = nullptr;
     QAction* m_freeSpaceMenu = nullptr;

@@ -13,6 +13,7 @@
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/keepRunning.h"
 #include "engine/settings/settingNotices.h"
+#include "engine/updates/UpdateCheck.h"
 #include "services/foundation/QtMainQueue.h"
 #include "services/settings/SettingsKeeper.h"
 #include "support/test.h"
@@ -29,10 +30,11 @@ namespace {
 
 class Preferences : public ::testing::Test, protected NamedControls {
 protected:
-    explicit Preferences(PreferenceParts parts = {.hasTray = [] { return true; },
-                                                  .hasDesktopNotes = true,
-                                                  .hasDiskUsage = true,
-                                                  .hasUpdateCheck = true}) {
+    explicit Preferences(PreferenceParts parts = {
+                             .hasTray = [] { return true; },
+                             .hasDesktopNotes = true,
+                             .hasDiskUsage = true,
+                             .updateRoad = [] { return UpdateRoad::Server; }}) {
         UserDefaults::setStandardUserDefaults(&defaults);
         PreferenceViewController::initialize();
         page = std::make_unique<PreferencePage>(services(), std::move(parts));
@@ -299,6 +301,10 @@ TEST_F(PreferencesOfABareDesktop, ControlsWithoutTheirServiceAreGreyWithTheReaso
         EXPECT_FALSE(isEnabled(name)) << name;
     EXPECT_EQ(control("showStatusBtn").accessibleDescription(),
               QStringLiteral("Nothing on this desktop shows such an icon."));
+    EXPECT_EQ(control("autoCheckUpdates").accessibleDescription(),
+              QStringLiteral("This copy does not look for newer versions."));
+    EXPECT_EQ(control<QComboBox>("updateTime").currentText(), QStringLiteral("Every week"))
+        << "as long as nothing is stored";
     EXPECT_TRUE(isEnabled("alarmSlider"));
 }
 

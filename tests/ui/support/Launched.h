@@ -52,7 +52,8 @@ inline std::vector<FakeVolumes::Volume> systemAndStick() {
 /// was set off. The shared parts of the process are its own while it lives.
 struct Launched {
     explicit Launched(std::vector<FakeVolumes::Volume> standing = systemAndStick(),
-                      std::optional<TrayHost*> tray = std::nullopt) {
+                      std::optional<TrayHost*> tray = std::nullopt,
+                      const UpdateParts* updates = nullptr) {
         QnAuthorization::shareQnAuthorization().setParts(
             {&authorization, &files, &permissions, {}});
         UserDefaults::setStandardUserDefaults(&defaults);
@@ -74,6 +75,7 @@ struct Launched {
             .mountChanges = &mounts,
             .systemWatch = tray ? &watch : nullptr,
             .trayHost = tray.value_or(nullptr),
+            .updates = updates,
             .openFolder =
                 [this](const std::string& path) { return opened.push_back(path), canOpen; },
             .openGuide =

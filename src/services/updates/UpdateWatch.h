@@ -1,0 +1,50 @@
+// UpdateWatch: looks for a newer version from time to time, where the person has switched that on.
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QTimer>
+#include <cstdint>
+#include <optional>
+
+#include "engine/updates/UpdateCheck.h"
+
+namespace orrinvale {
+
+class UserDefaults;
+
+/// A minute after the start and every hour from then on it asks whether it is time. Nothing is
+/// fetched where "SUEnableAutomaticChecks" is off. Main thread only.
+class UpdateWatch final : public QObject {
+    Q_OBJECT
+public:
+    /// The settings outlive the object.
+    UpdateWatch(UpdateParts parts, const UserDefaults& defaults, QObject* parent = nullptr);
+
+    /// Looks at once, aside. A look under way is enough, and one that failed is not repeated for
+    /// four hours.
+    void look();
+
+    /// Of this copy of the program; nothing until that is known, some time after the start.
+    [[nodiscard]] std::optional<UpdateRoad> road() const { return m_road; }
+
+Q_SIGNALS:
+    /// There is a newer version; told once a version.
+    void found(const QString& version);
+    /// A look is over, whatever came of it.
+    void looked();
+
+private:
+    void findRoad();
+    void take(const ScheduledCheck& check);
+
+    const UpdateParts m_parts;
+    const UserDefaults& m_defaults;
+    std::optional<UpdateRoad> m_road;
+    QTimer m_timer;
+    bool m_isLooking = false;
+    std::optional<Date> m_failed;  // when the last look failed
+    std::int64_t m_toldNumber = 0;
+};
+
+}  // namespace orrinvale
