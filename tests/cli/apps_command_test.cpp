@@ -42,6 +42,14 @@ TEST(AppsCommand, listsWhatIsInstalledAndWhatWasLeft) {
         EXPECT_EQ(found[0]["size"], 4);
         EXPECT_EQ(found[0]["of"], "org.gone.App");
     }
+    ASSERT_TRUE(tree.symlink("app", "shared/app"));
+    ProgramRun unread = appsRun(tree, {"--leftovers", "--json"});
+    unread.environment.push_back("FLATPAK_SYSTEM_DIR=" + tree.at("shared"));
+    const auto partly = unread.run();
+    EXPECT_EQ(partly.status, 1);
+    EXPECT_THAT(partly.error, HasSubstr("flatpak: The installation of flatpak in "));
+    EXPECT_EQ(Json::parse(partly.output)["skipped"][0]["kind"], "flatpak");
+    EXPECT_EQ(Json::parse(partly.output)["leftovers"].size(), 0U);
     EXPECT_EQ(appsRun(tree, {"--leftovers=other", "-0"}).run().output, "");
     for (const Strings& wrong : {Strings{"--kind", "rpm"}, Strings{"--kind=app", "--leftovers"}})
         EXPECT_EQ(appsRun(tree, wrong).run().status, 2) << wrong.front();

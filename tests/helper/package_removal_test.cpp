@@ -309,7 +309,18 @@ TEST(PackageRemoval, AFlatpakGoesByItsLibrary) {
                        if (removed.state != ApplicationRemoval::State::Gone) return removed.reason;
                        const bool isTwice = kind.remove(records, forecast, never)[0].state ==
                                             ApplicationRemoval::State::Gone;
-                       return applications.list().empty() && isTwice ? "" : "still listed";
+                       if (!applications.list().empty() || !isTwice) return "still listed";
+                       // What can not be looked at is not gone, nor is what is out of reach.
+                       const std::string app = home + "/flatpak/app/org.orrinvale.Test";
+                       std::filesystem::create_symlink("org.orrinvale.Test", app);
+                       const auto looped = kind.remove(records, forecast, never).front().state;
+                       std::filesystem::remove(app);
+                       std::filesystem::rename(home + "/flatpak", home + "/away");
+                       const auto away = kind.remove(records, forecast, never).front().state;
+                       using enum ApplicationRemoval::State;
+                       return looped == Failed && away == Failed && !isThere(home + "/flatpak")
+                                  ? ""
+                                  : "it counts as gone";
                    }),
         "");
 }

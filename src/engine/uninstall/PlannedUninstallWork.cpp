@@ -36,6 +36,15 @@ bool goesToTrash(const AppItems& item) {
            item.record->type == ApplicationType::Folder;
 }
 
+// Leftovers that are not offered would else look like ones that are not there.
+std::vector<std::string> notesOf(const UninstallPlan& plan, const ApplicationInventory& rest) {
+    std::vector<std::string> out = plan.stays;
+    for (const auto& [type, reason] : rest.unread)
+        out.push_back("What is left in the home is not offered, since others may use it: " +
+                      reason);
+    return out;
+}
+
 }  // namespace
 
 // The program itself decides; what stays of its entries is told when it does.
@@ -77,7 +86,7 @@ UninstallOutlook PlannedUninstallWork::forecast(const std::vector<AppItems>& ite
     refuseWithoutTrash(plan);
     const std::vector<RunState> running = runningOf(items);
     UninstallOutlook out;
-    out.notes = plan.stays;
+    out.notes = notesOf(plan, info.rest());
     for (std::size_t i = 0; i < items.size(); ++i) {
         const UninstallPlan::App& app = plan.apps.at(i);
         UninstallForecast& told = out.apps.emplace_back();

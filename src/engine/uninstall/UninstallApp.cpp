@@ -65,8 +65,7 @@ std::vector<PlannedEntry> UninstallApp::planOf(const AppItems& app) const {
     std::vector<PlannedEntry> out;
     for (std::string& path : paths) {
         const auto seen = m_files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);
-        out.push_back(
-            {std::move(path), seen ? std::optional(EntryIdentity::of(*seen)) : std::nullopt});
+        out.push_back({std::move(path), seen ? EntryIdentity::of(*seen) : EntryIdentity()});
     }
     return out;
 }

@@ -14,10 +14,11 @@
 
 namespace orrinvale {
 
-/// One entry that is to go, as it was when the list was made.
+/// One entry that is to go, as it was when the list was made. The identity of one that was not
+/// there is nobody's: what comes into its place stays.
 struct PlannedEntry {
     std::string path;
-    std::optional<EntryIdentity> identity;
+    EntryIdentity identity;
 };
 
 /// Holds no state that changes; any thread.

@@ -19,7 +19,7 @@ std::vector<PlannedEntry> entriesAt(const FileSystem& files,
     std::vector<PlannedEntry> out;
     for (const std::string& path : paths) {
         const auto seen = files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);
-        out.push_back({path, seen ? std::optional(EntryIdentity::of(*seen)) : std::nullopt});
+        out.push_back({path, seen ? EntryIdentity::of(*seen) : EntryIdentity()});
     }
     return out;
 }

@@ -78,14 +78,16 @@ std::vector<std::string> branchesOf(const std::string& folder, bool& isUnread) {
     return out;
 }
 
-// A failed look says nothing; nor does a link that is missed with all that was around it, as when
-// its disk has gone.
+// A look that fails in another way says nothing.
 bool isGone(const ApplicationRecord& record) {
     std::string text(1, '\0');
     const std::string active = joinPath(record.path, "active");
-    const bool isMissed =
-        ::readlink(active.c_str(), text.data(), text.size()) < 0 && errno == ENOENT;
-    return isMissed && ::access(joinPath(record.installation, "repo").c_str(), F_OK) == 0;
+    return ::readlink(active.c_str(), text.data(), text.size()) < 0 && errno == ENOENT;
+}
+
+// Where its disk has gone nothing can be told of it, and the library would make a new one.
+bool isThere(const std::string& installation) {
+    return ::access(joinPath(installation, "repo").c_str(), F_OK) == 0;
 }
 
 // What the entries that it exports say; those with its own id before further ones of its.
@@ -222,6 +224,13 @@ std::vector<ApplicationRemoval> FlatpakApplications::remove(
         if (!forecast.refusal.empty() || stop) {
             out.push_back(
                 {State::Refused, forecast.refusal.empty() ? "stopped" : forecast.refusal, {}});
+            continue;
+        }
+        if (!isThere(each.installation)) {
+            out.push_back({State::Failed,
+                           fmt::format("The installation of flatpak in {} can not be read",
+                                       each.installation),
+                           {}});
             continue;
         }
         const auto removed = removeFlatpak(each.installation, each.isPersons, each.ref);

@@ -107,7 +107,7 @@ TEST_F(Uninstalling, StopsABundleAtTheFirstEntryThatStays) {
     ASSERT_EQ(plan.size(), 4U);
     EXPECT_EQ(plan.front().path, tree.at("Library/com.e.App"));
     EXPECT_EQ(plan.back().path, app->path);
-    plan[1].identity->inode += 1;  // another folder has come into its place
+    plan[1].identity.inode += 1;  // another folder has come into its place
     std::string reason;
     EXPECT_FALSE(
         UninstallApp::uninstallApp(*app, plan, *QnAuthorization::makeDoor(), never, &reason));
@@ -156,7 +156,7 @@ TEST_F(Uninstalling, OfSeveralBundlesTakesNothingThatOneThatStaysNeeds) {
         }
         UninstallPlan plan = planUninstall(parts, ticked, all, never);
         for (const std::size_t locked : each.locked)
-            plan.apps[locked].entries.back().identity->inode += 1;
+            plan.apps[locked].entries.back().identity.inode += 1;
         (void)runUninstall(parts, plan, {}, doors, never, {});
         EXPECT_EQ(namesIn(tree.at("home/Library")), each.left) << each.name;
     }
@@ -236,6 +236,11 @@ TEST_F(Uninstalling, WhatSomebodyElseHasMovedAwayIsGone) {
     std::filesystem::remove(tree.at("usr/share/applications/game.desktop"));
     EXPECT_TRUE(runUninstall(parts, plan, {}, doors, never, {}).worked());
     EXPECT_FALSE(isThere(tree.at("opt/game")));
+    machine.entry("game", "Exec=x");
+    const auto again = planUninstall(parts, apps, apps, never);
+    machine.program("opt/game/bin/game");
+    EXPECT_FALSE(runUninstall(parts, again, {}, doors, never, {}).worked())
+        << "it was installed anew since";
     // With its folder it may only be out of reach.
     std::filesystem::rename(tree.at("opt"), tree.at("away"));
     EXPECT_FALSE(runUninstall(parts, plan, {}, doors, never, {}).worked());
