@@ -22,8 +22,8 @@ void appendLeftover(std::string& out, const Leftover& leftover) {
     appendText(out, "of", leftover.of);
     out += fmt::format(", \"grade\": \"{}\"", wordOf(leftover.grade));
     appendText(out, "reason", leftover.reason);
-    out += fmt::format(", \"isInstalled\": {}, \"precious\": {}}}", leftover.isInstalled,
-                       leftover.preciousCount);
+    out += fmt::format(", \"isInstalled\": {}, \"precious\": {}, \"whole\": {}}}",
+                       leftover.isInstalled, leftover.preciousCount, leftover.isWhole);
 }
 
 void appendEnd(std::string& out, const UnreadKinds& unread, bool isStopped) {
@@ -104,6 +104,7 @@ void printLeftoversListing(Output& out, const std::vector<Leftover>& leftovers, 
         if (each.preciousCount > each.precious.size())
             out.write(fmt::format("\n{:21}and {} more documents and databases", "",
                                   each.preciousCount - each.precious.size()));
+        if (!each.isWhole) out.write(fmt::format("\n{:21}could not be looked through whole", ""));
         out.write(fmt::format("{}\n", plain));
     }
     if (leftovers.empty()) out.write("Nothing that a program left was found.\n");

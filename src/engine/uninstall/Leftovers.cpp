@@ -110,6 +110,7 @@ private:
         out.bytes = countedSize(seen);
         if (seen.type == FileType::Folder) lookInto(out);
         else if (isPreciousName(lastPathComponent(out.path))) notePrecious(out, out.path);
+        if (m_stop) return;
         m_out.push_back(std::move(out));
     }
 
@@ -120,8 +121,12 @@ private:
     void lookInto(Leftover& leftover) {
         const auto opened =
             m_files.openFolder(FileSystem::noParent, leftover.path.c_str(), Links::Keep);
-        if (!opened) return;
+        if (!opened) {
+            leftover.isWhole = false;
+            return;
+        }
         TreeListing listing;
+        listing.failed = [&](std::string_view, int) { leftover.isWhole = false; };
         listing.entry = [&](const TreeEntry& each) {
             const auto seen = m_files.attributes(each.folder, each.name.data(), Links::Keep);
             if (!seen) return;
@@ -129,7 +134,7 @@ private:
             if (seen->type == FileType::Regular && isPreciousName(each.name))
                 notePrecious(leftover, each.relative);
         };
-        (void)listTree(m_files, opened->get(), listing, m_stop);
+        if (!listTree(m_files, opened->get(), listing, m_stop)) leftover.isWhole = false;
     }
 
     const FileSystem& m_files;

@@ -21,6 +21,7 @@ struct Leftover : LeftoverVerdict {
     std::uint64_t bytes = 0;
     std::uint64_t preciousCount = 0;    ///< documents, mail and databases found in it
     std::vector<std::string> precious;  ///< the first ten of them, below the path
+    bool isWhole = true;  ///< all of it was looked through; else size and documents are a part
 };
 
 struct LeftoverPlaces {
@@ -36,7 +37,7 @@ struct LeftoverPlaces {
 /// What is there, in the order of the places and of names. Folders alone count, and of ~/.var/app
 /// and ~/snap what is in them; a link never does, nor a mount, nor what holds a folder that the
 /// person has for something else. With `of` only what programs of this package or id left. A stop
-/// ends it early with what was found. Any thread.
+/// ends it early with what was looked through whole. Any thread.
 [[nodiscard]] std::vector<Leftover> findLeftovers(const FileSystem& files,
                                                   const LeftoverPlaces& places,
                                                   const LeftoverRules& rules, const std::string& of,

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "engine/uninstall/UninstallAppInfo.h"
+#include "platform/paths.h"
 
 namespace orrinvale {
 namespace {
@@ -55,9 +56,16 @@ void PlannedUninstallWork::refuseWithoutTrash(UninstallPlan& plan) const {
             each.refusal = m_noTrash(each.entries.front().path);
 }
 
-void PlannedUninstallWork::takeLeftovers(UninstallForecast& forecast,
-                                         std::vector<Leftover> found) const {
+void PlannedUninstallWork::takeLeftovers(UninstallForecast& forecast, std::vector<Leftover> found,
+                                         std::vector<std::string>& notes) const {
     for (Leftover& each : found) {
+        // The snap service takes these itself.
+        if (!m_places.snapData.empty() && isWithin(each.path, m_places.snapData)) continue;
+        // It would look empty of documents that nobody has seen.
+        if (!each.isWhole) {
+            notes.push_back("Could not be looked through and is not offered: " + each.path);
+            continue;
+        }
         const std::string reason = m_noTrash ? m_noTrash(each.path) : std::string();
         if (reason.empty()) forecast.leftovers.push_back(std::move(each));
         else forecast.noTrash = reason;
@@ -96,9 +104,10 @@ UninstallOutlook PlannedUninstallWork::forecast(const std::vector<AppItems>& ite
         if (!app.refusal.empty()) continue;
         told.goesAlong = app.along;
         for (const PlannedEntry& each : app.entries) told.paths.push_back(each.path);
-        if (items[i].record->type != ApplicationType::App)
-            takeLeftovers(told,
-                          findLeftoversOf(*m_parts.files, m_places, rules, *items[i].record, stop));
+        if (items[i].record->type == ApplicationType::App) continue;
+        takeLeftovers(told,
+                      findLeftoversOf(*m_parts.files, m_places, rules, *items[i].record, stop),
+                      out.notes);
     }
     out.plan = std::make_shared<const UninstallPlan>(std::move(plan));
     return out;

@@ -40,7 +40,8 @@ public:
 private:
     [[nodiscard]] std::vector<RunState> runningOf(const std::vector<AppItems>& items) const;
     void refuseWithoutTrash(UninstallPlan& plan) const;
-    void takeLeftovers(UninstallForecast& forecast, std::vector<Leftover> found) const;
+    void takeLeftovers(UninstallForecast& forecast, std::vector<Leftover> found,
+                       std::vector<std::string>& notes) const;
 
     const UninstallParts m_parts;
     const LeftoverPlaces m_places;

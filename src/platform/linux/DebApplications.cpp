@@ -68,10 +68,12 @@ void addNames(const DpkgDatabase& database, ApplicationInventory& out) {
 struct Found {
     ApplicationRecord record;
     int rank = -1;
+    bool hasEntry = false;
 };
 
 void add(Found& found, StartingEntry& entry, const Owner& owner) {
     entry.isClaimed = true;
+    found.hasEntry = found.hasEntry || owner.hasEntry;
     ApplicationRecord& record = found.record;
     record.entries.push_back(entry.path);
     const std::string& program = entry.file.empty() ? entry.program : entry.file;
@@ -119,6 +121,9 @@ void DebApplications::list(std::vector<StartingEntry>& entries, ApplicationInven
         add(found[package], entries[i], owners[i]);
     }
     for (const DpkgPackage* const package : order) {
+        // Of a package that brought no entry the name would be a stranger's: an entry that a person
+        // wrote to open a page of the bank starts the program that opens all of them.
+        if (!found[package].hasEntry) continue;
         ApplicationRecord& record = found[package].record;
         record.type = ApplicationType::Deb;
         record.package = keyOf(database, *package);

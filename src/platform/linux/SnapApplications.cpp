@@ -51,6 +51,8 @@ void SnapApplications::list(std::vector<StartingEntry>& entries,
             if (each.isClaimed || (!isListed && each.started.snap != facts.name)) continue;
             each.isClaimed = true;
             if (!isListed) record.entries.push_back(each.path);
+            // What others wrote to start it may be called after anything.
+            if (!isListed) continue;
             if (!each.entry.name.empty()) record.name = each.entry.name;
             if (!each.entry.icon.empty()) record.icon = each.entry.icon;
         }
@@ -73,10 +75,15 @@ RemovalForecast SnapApplications::forecast(const std::vector<ApplicationRecord>&
     out.asksForRight = true;
     const auto answer = m_service.ask("GET", "/v2/system-info", {}, timeUntil(waiting.end));
     if (!answer) out.refusal = answer.error();
-    for (const ApplicationRecord& each : records) {
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        const ApplicationRecord& each = records[i];
         out.promised.push_back(each.id);
-        out.stays.push_back(
-            fmt::format("The data of {} are kept in a snapshot for 31 days", each.name));
+        // The service takes the data of all people along, and keeps them as it was told to.
+        out.along.push_back({i, "~/snap/" + each.id, {}});
+        out.along.push_back({i, "/var/snap/" + each.id, {}});
+        out.stays.push_back(fmt::format(
+            "The data of {} are kept in a snapshot for 31 days, unless snapshots are switched off",
+            each.name));
     }
     return out;
 }
