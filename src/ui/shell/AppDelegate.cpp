@@ -59,6 +59,7 @@ AppDelegate::AppDelegate(AppDelegateParts parts, QObject* parent)
           .onClickFree = [this] { onClickFree(); },
           .onClickUninstall = [this] { onClickUninstall(); },
           .showMemory = [this] { showMemory(); },
+          .showLoginItems = [this] { showLoginItems(); },
           .onClickDiskUsage = [this] { onClickDiskUsage(); },
           .cleaningFile = [this] { cleaningFile(); },
           .rejestAllDisk = [this] { rejestAllDisk(); },
