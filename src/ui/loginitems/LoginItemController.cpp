@@ -146,7 +146,7 @@ void LoginItemController::updateLoginItemsList() {
     if (m_views->view->isVisible()) watchFolders();
     ++m_reading;
     QTimer::singleShot(readPatience, this, &LoginItemController::showContent);
-    runAside(
+    const auto thread = runAside(
         this, "updateLoginItemsList",
         [services = m_sources.services] {
             Read read{std::make_shared<LoginRows>(), false, {}};
@@ -157,6 +157,7 @@ void LoginItemController::updateLoginItemsList() {
         [this](Read read) {
             if (--m_reading == 0) take(std::move(read));
         });
+    if (thread == nullptr) --m_reading;
 }
 
 void LoginItemController::take(Read read) {

@@ -44,12 +44,15 @@ void LoginItemViews::makeList() {
     backgroundList = named(new QListWidget, "backgroundList", tr("Background services"));
     backgroundList->setFrameShape(QFrame::NoFrame);
     backgroundList->setSelectionMode(QAbstractItemView::NoSelection);
-    backgroundList->setContentsMargins(Theme::gap, Theme::gapSmall, Theme::gap, Theme::gapSmall);
+    auto* const background = new Panel(Theme::Color::Surface);
+    auto* const inside = new QVBoxLayout(background);
+    inside->setContentsMargins(Theme::gap, Theme::gapSmall, Theme::gap, Theme::gapSmall);
+    inside->addWidget(backgroundList);
     const EmptyView empty = makeEmptyView(QStringLiteral("empty_done"), false);
     emptyLabel = empty.label;
     content = named(new QStackedWidget, "content");
     content->addWidget(tableView);
-    content->addWidget(backgroundList);
+    content->addWidget(background);
     content->addWidget(empty.view);
     const EmptyView failed = makeEmptyView(QStringLiteral("empty_error"), false);
     named(failed.label, "failedLabel");
