@@ -1,8 +1,9 @@
 // How long the window stands still: the real page on real files, driven by clicks, with the
 // program's own counter of stalls. Makes a folder of duplicates, searches it, and then opens,
 // sorts, ticks, scrolls and removes. Windows are drawn offscreen. The large file page and the page
-// of disk usage follow on a folder of their own.
-//     window-bench [--groups N] [--leaves N] [--entries N] [--at FOLDER] [--scan FOLDER] [--json]
+// of disk usage follow on a folder of their own, and the cleaning page in a home of its own.
+//     window-bench [--groups N] [--leaves N] [--entries N] [--rows N] [--terminal PROGRAM]
+//                  [--at FOLDER] [--scan FOLDER] [--json]
 // Ends with 1 when a step stands still for longer than the bar, or redraws too rarely.
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -16,6 +17,7 @@
 #include <QTemporaryDir>
 #include <functional>
 
+#include "CleanPageSteps.h"
 #include "LargePageSteps.h"
 #include "UsagePageSteps.h"
 #include "WindowSteps.h"
@@ -46,8 +48,10 @@ struct Setting {
     std::size_t groups = 60'000;
     std::size_t leaves = 200'000;
     std::size_t entries = 1'000'000;
+    std::size_t rows = 20'000;
     std::string at;
     std::string scan;
+    std::string terminal;
     bool json = false;
 };
 
@@ -126,6 +130,8 @@ public:
         search("search again", m_folder);
         if (m_setting.entries != 0) runLargePageSteps(m_steps, m_window, m_folder + " entries");
         if (m_setting.entries != 0) runUsagePageSteps(m_steps, m_services, m_folder + " entries");
+        if (m_setting.rows != 0)
+            runCleanPageSteps(m_steps, m_services, m_folder + " home", m_setting.terminal);
         m_steps.step("close", [this] { m_window.closeWindow(); });
     }
 
@@ -234,6 +240,10 @@ Setting settingFrom(const QCoreApplication& application) {
         QStringLiteral("200000"));
     add("entries", QStringLiteral("files for the large file page"), QStringLiteral("N"),
         QStringLiteral("1000000"));
+    add("rows", QStringLiteral("rows of the cleaning page, fifteen files each"),
+        QStringLiteral("N"), QStringLiteral("20000"));
+    add("terminal", QStringLiteral("orrinvale-cli, to clean beside the page"),
+        QStringLiteral("PROGRAM"), {});
     add("at", QStringLiteral("where the files are made"), QStringLiteral("FOLDER"),
         QDir::tempPath());
     add("scan", QStringLiteral("a folder to search first; it is left alone"),
@@ -244,6 +254,8 @@ Setting settingFrom(const QCoreApplication& application) {
     setting.groups = parser.value(QStringLiteral("groups")).toULongLong();
     setting.leaves = parser.value(QStringLiteral("leaves")).toULongLong();
     setting.entries = parser.value(QStringLiteral("entries")).toULongLong();
+    setting.rows = parser.value(QStringLiteral("rows")).toULongLong();
+    setting.terminal = parser.value(QStringLiteral("terminal")).toStdString();
     setting.at = parser.value(QStringLiteral("at")).toStdString();
     setting.scan = parser.value(QStringLiteral("scan")).toStdString();
     setting.json = parser.isSet(QStringLiteral("json"));
@@ -263,7 +275,8 @@ int runBench(int argc, char** argv) {
     const std::string corpus = folder.filePath(QStringLiteral("files")).toStdString();
     if (!folder.isValid() || ::mkdir(settings.c_str(), 0755) != 0 ||
         ::mkdir(corpus.c_str(), 0755) != 0 || !makeFiles(corpus, setting) ||
-        (setting.entries != 0 && !makeEntries(corpus + " entries", setting.entries))) {
+        (setting.entries != 0 && !makeEntries(corpus + " entries", setting.entries)) ||
+        (setting.rows != 0 && !makeCleanHome(corpus + " home", setting.rows))) {
         std::fputs("window-bench: the files can not be made\n", stderr);
         return 2;
     }

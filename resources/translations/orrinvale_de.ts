@@ -296,6 +296,25 @@
             <numerusform>%Ln Einträge, der älteste darin seit %1.</numerusform>
         </translation>
     </message>
+    <message>
+        <source>1 more is ticked that the filter hides; it stays.</source>
+        <translation>1 weiterer ist angekreuzt, den der Filter verbirgt; er bleibt.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln more are ticked that the filter hides; they stay.</source>
+        <translation>
+            <numerusform>%Ln weiterer ist angekreuzt, den der Filter verbirgt; er bleibt.</numerusform>
+            <numerusform>%Ln weitere sind angekreuzt, die der Filter verbirgt; sie bleiben.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Nothing was removed.</source>
+        <translation>Nichts wurde entfernt.</translation>
+    </message>
+    <message>
+        <source>What is ticked has changed since you were asked. Look at it again.</source>
+        <translation>Was angekreuzt ist, hat sich seit der Frage geändert. Sehen Sie es noch einmal an.</translation>
+    </message>
 </context>
 <context>
     <name>Dialogs</name>
@@ -2574,6 +2593,41 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>That could not be noted.</source>
         <translation>Das ließ sich nicht vermerken.</translation>
+    </message>
+    <message numerus="yes">
+        <source>and %Ln more</source>
+        <translation>
+            <numerusform>und %Ln weiterer</numerusform>
+            <numerusform>und %Ln weitere</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Waiting for another removal to end</source>
+        <translation>Wartet, bis ein anderes Entfernen zu Ende ist</translation>
+    </message>
+    <message>
+        <source>Stopped before anything was found</source>
+        <translation>Angehalten, bevor etwas gefunden wurde</translation>
+    </message>
+    <message>
+        <source>%1 found before the scan was stopped</source>
+        <translation>%1 gefunden, bevor die Suche angehalten wurde</translation>
+    </message>
+    <message>
+        <source>The scan was stopped before it found anything.</source>
+        <translation>Die Suche wurde angehalten, bevor sie etwas fand.</translation>
+    </message>
+    <message>
+        <source>Nothing was found that can go, but not everything could be looked at.</source>
+        <translation>Nichts wurde gefunden, das weg kann, aber nicht alles ließ sich ansehen.</translation>
+    </message>
+    <message>
+        <source>%1 was left alone: %2.</source>
+        <translation>%1 blieb unberührt: %2.</translation>
+    </message>
+    <message>
+        <source>%1: the scan was stopped before it found anything.</source>
+        <translation>%1: Die Suche wurde angehalten, bevor sie etwas fand.</translation>
     </message>
 </context>
 <context>

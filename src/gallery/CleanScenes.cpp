@@ -162,7 +162,7 @@ bool CleanScenes::drawScan() {
     if (!save("first")) return false;
     m_staged.hold(m_home + "/Downloads");
     if (!click("startButton")) return false;
-    if (!waitFor("five lists", [this] { return m_page->finishScanCount == 1; })) return false;
+    if (!waitFor("five lists", [this] { return m_page->finishScanCount() == 1; })) return false;
     const bool isSaved = save("progress");
     m_staged.release();
     return isSaved && waitForLists();

@@ -23,22 +23,6 @@ bool isTicked(const TreeNode& leaf) { return simpleData(leaf)->selectNum() == 1;
 
 }  // namespace
 
-CleanSums& CleanSums::operator+=(const CleanSums& other) {
-    rows += other.rows;
-    ticked += other.ticked;
-    addSaturating(bytes, other.bytes);
-    return *this;
-}
-
-CleanSums sumsOf(ScanViewController& list) {
-    list.getSelectPath({});
-    CleanSums sums{.rows = list.scanFiles ? list.scanFiles->size() : 0,
-                   .ticked = list.selDelFiles.size()};
-    for (const auto& row : list.selDelFiles)
-        addSaturating(sums.bytes, UtilityFunction::getVolSpaceFromString(row->size));
-    return sums;
-}
-
 std::size_t categoryOfGroup(std::string_view name) {
     const auto found = std::ranges::find(groupNames, name);
     return found != groupNames.end() ? std::size_t(found - groupNames.begin()) : 0;
@@ -120,9 +104,12 @@ void CleanTree::clickLeaf(TreeNode& leaf) {
 }
 
 void CleanTree::clickLeaves(TreeNode& node, std::span<TreeNode* const> leaves) {
+    setLeaves(node, leaves,
+              !std::ranges::all_of(leaves, [](const TreeNode* leaf) { return isTicked(*leaf); }));
+}
+
+void CleanTree::setLeaves(TreeNode& node, std::span<TreeNode* const> leaves, bool isOn) {
     Group& group = groupOf(node);
-    const bool isOn =
-        !std::ranges::all_of(leaves, [](const TreeNode* leaf) { return isTicked(*leaf); });
     for (TreeNode* const leaf : leaves) setLeaf(group, *leaf, isOn);
     for (std::size_t i = 0; i < group.byRow.size(); ++i)
         (*group.list->scanFiles)[i]->bIsSelected = isTicked(*group.byRow[i]);
@@ -145,6 +132,28 @@ void CleanTree::setAll(Group& group, bool isOn) const {
     showGroup(group);
     if (isOn) group.list->setAllCheckBoxSelect();
     else group.list->setNoCheckBoxSelect();
+}
+
+TreeNode::Pointer CleanTree::takeOut(std::size_t category, std::string_view path) {
+    const auto group = std::ranges::find(m_groups, category, &Group::category);
+    if (group == m_groups.end()) return nullptr;
+    const auto row = std::ranges::find_if(
+        group->byRow, [path](const TreeNode* leaf) { return simpleData(*leaf)->name() == path; });
+    if (row == group->byRow.end()) return nullptr;
+    TreeNode::Pointer node = group->node;
+    if (group->byRow.size() == 1) {
+        m_treeData->removeChild(node.get());
+        m_groups.erase(group);
+        return node;
+    }
+    TreeNode::Pointer leaf = node->childAtIndex(node->indexOfChild(*row).value());
+    setLeaf(*group, *leaf, false);
+    group->byRow.erase(row);
+    node->removeChild(leaf.get());
+    SimpleNodeData& data = *simpleData(*node);
+    data.setFileSize(data.fileSize() - std::min(data.fileSize(), simpleData(*leaf)->fileSize()));
+    showGroup(*group);
+    return leaf;
 }
 
 void CleanTree::refOutlineWhenClickScanView() {

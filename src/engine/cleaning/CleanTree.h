@@ -14,21 +14,6 @@
 
 namespace orrinvale {
 
-/// What of a list is ticked. The bytes are those of the rows' own texts.
-struct CleanSums {
-    std::size_t rows = 0;
-    std::size_t ticked = 0;
-    std::uint64_t bytes = 0;
-
-    /// 0 none, 1 all, 2 some; an empty list has none.
-    [[nodiscard]] std::int32_t state() const { return ticked == 0 ? 0 : ticked == rows ? 1 : 2; }
-    CleanSums& operator+=(const CleanSums& other);
-    friend bool operator==(const CleanSums&, const CleanSums&) = default;
-};
-
-/// Builds the list's selDelFiles.
-[[nodiscard]] CleanSums sumsOf(ScanViewController& list);
-
 /// The category by the name of its group. The first one's name is spelled as it always was, so that
 /// a group of that category is found by being none of the others.
 [[nodiscard]] std::size_t categoryOfGroup(std::string_view name);
@@ -53,7 +38,11 @@ public:
     /// Of a list that is filtered: ticks these leaves of one group, or clears them where all are
     /// ticked.
     void clickLeaves(TreeNode& group, std::span<TreeNode* const> leaves);
+    void setLeaves(TreeNode& group, std::span<TreeNode* const> leaves, bool isTicked);
     void setAllSelectOrNoSelect(bool isTicked);
+    /// Takes out the row of a list that has just lost it, and its group with the last one. Returned
+    /// is what went, for whoever still points to it; null where there is no such row.
+    [[nodiscard]] TreeNode::Pointer takeOut(std::size_t category, std::string_view path);
 
     /// Takes over what is ticked in the lists.
     void refOutlineWhenClickScanView();

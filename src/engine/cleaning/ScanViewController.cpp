@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "engine/base/Log.h"
+#include "engine/base/saturating.h"
 #include "engine/cleaning/CleanList.h"
 #include "engine/cleaning/FolderUtilities.h"
 #include "engine/cleaning/ScanErrand.h"
@@ -33,6 +34,13 @@ std::shared_ptr<CleanFileInfo> infoOf(const CleanRow& row) {
     return std::make_shared<CleanFileInfo>(IconRequest{IconRequest::Path, row.path},
                                            std::string(lastPathComponent(row.path)), row.path,
                                            UtilityFunction::convertVolSpace(row.bytes), row.bytes);
+}
+
+// What of the disk's share belongs to the bytes that are left; nobody counts it file by file.
+std::uint64_t shareOf(std::uint64_t onDisk, std::uint64_t left, std::uint64_t all) {
+    if (left >= all) return onDisk;
+    return static_cast<std::uint64_t>(static_cast<double>(onDisk) * static_cast<double>(left) /
+                                      static_cast<double>(all));
 }
 
 }  // namespace
@@ -169,12 +177,15 @@ void ScanViewController::beginScanTask(std::function<std::vector<std::string>()>
     folderPaths.clear();
     refreshTableView();
     if (m_scan != nullptr) m_scan->letGo();
+    m_isStopped = false;
     m_scan = std::make_shared<Scan>(*this, std::move(folders));
     m_scan->start();
 }
 
 void ScanViewController::cancelScanTask() {
-    if (m_scan != nullptr) m_scan->stop();
+    if (m_scan == nullptr) return;
+    m_isStopped = true;
+    m_scan->stop();
 }
 
 void ScanViewController::refreshTableView() {
@@ -184,8 +195,8 @@ void ScanViewController::refreshTableView() {
 }
 
 void ScanViewController::setFilesSize(std::uint64_t bytes) {
-    filesSize = UtilityFunction::convertVolSpace(bytes);
-    filesSizeChange.post(m_changes, filesSize);
+    m_total = bytes;
+    tellTotal();
 }
 
 void ScanViewController::scanTaskFinished(CategoryListing listing, Rows rows) {
@@ -259,9 +270,22 @@ void ScanViewController::cleanShowSelectNumInBottom(bool state, std::any startBu
 
 void ScanViewController::beginCleanTask(std::shared_ptr<SpaceGain> gain) {
     if (m_clean != nullptr) return;
+    getSelectPath("clean");
+    begin(std::move(gain));
+}
+
+void ScanViewController::beginCleanTask(const Rows& chosen, std::shared_ptr<SpaceGain> gain) {
+    if (m_clean != nullptr) return;
+    getSelectPath("clean");
+    std::set<const CleanFileInfo*> wanted;
+    for (const auto& row : chosen) wanted.insert(row.get());
+    std::erase_if(selDelFiles, [&](const auto& row) { return !wanted.contains(row.get()); });
+    begin(std::move(gain));
+}
+
+void ScanViewController::begin(std::shared_ptr<SpaceGain> gain) {
     iCleanSize = 0;
     m_cleanedRows.clear();
-    getSelectPath("clean");
     std::set<std::string_view> wanted;
     for (const auto& row : selDelFiles) wanted.insert(row->path);
     std::vector<CleanRow> rows;
@@ -282,13 +306,16 @@ void ScanViewController::leaveOut(const std::string& path) {
     if (m_scan != nullptr || m_clean != nullptr || !scanFiles) return;
     const auto row = std::ranges::find(m_listing.rows, path, &CleanRow::path);
     if (row == m_listing.rows.end()) return;
-    CleanRow& kept = m_listing.kept.emplace_back(*row);
-    kept.kept = KeptBecause::Asked;
-    kept.keptWords = wordsOf(kept.kept);
-    kept.keptBytes = row->bytes;
-    takeFromTotal(row->bytes);
-    tellTotal();
+    // Of a part of the row it may have been known already.
+    auto known = std::ranges::find(m_listing.kept, path, &CleanRow::path);
+    if (known == m_listing.kept.end()) known = m_listing.kept.insert(known, *row);
+    known->kept = KeptBecause::Asked;
+    known->keptWords = wordsOf(known->kept);
+    known->seen.reset();
+    addSaturating(known->keptBytes, row->bytes);
     dropRows({path});
+    recount();
+    tellTotal();
     scanFilesChange.post(m_changes, true);
 }
 
@@ -321,37 +348,45 @@ void ScanViewController::countGone(std::uint64_t bytes) {
     iCleanSize += bytes;
 }
 
-// The total is what its own text says, with the rounding of that. Told by tellTotal(), once for
-// many.
+// In bytes: from its own text a total of gigabytes would never fall by the small rows of a cache.
+// Told by tellTotal(), once for many.
 void ScanViewController::takeFromTotal(std::uint64_t bytes) {
-    const std::uint64_t before = UtilityFunction::getVolSpaceFromString(filesSize);
-    filesSize = UtilityFunction::convertVolSpace(std::max(before, bytes) - bytes);
+    m_total = std::max(m_total, bytes) - bytes;
 }
 
-void ScanViewController::tellTotal() { filesSizeChange.post(m_changes, filesSize); }
+// Of rows that others took a part of, less went than was listed.
+void ScanViewController::recount() {
+    m_listing.bytes = m_listing.onDisk = 0;
+    for (const CleanRow& row : m_listing.rows) {
+        addSaturating(m_listing.bytes, row.bytes);
+        addSaturating(m_listing.onDisk, row.onDisk);
+    }
+    m_total = m_listing.bytes;
+}
+
+void ScanViewController::tellTotal() {
+    filesSize = UtilityFunction::convertVolSpace(m_total);
+    filesSizeChange.post(m_changes, filesSize);
+}
 
 void ScanViewController::finishClean() {
     const std::unique_ptr<Clean> clean = std::move(m_clean);
     const CleanList& list = *clean->m_list;
     std::map<std::string_view, std::uint64_t> begun;  // what went of rows that stay, by their paths
-    const std::string told = filesSize;
     for (std::size_t i = 0; i < list.rows().size(); ++i) {
         const CleanRow& row = list.rows()[i];
         if (clean->m_leaving.contains(row.path)) continue;
         const std::uint64_t gone = list.goneBytes(i);
         if (gone > 0) countGone(gone);
         if (list.isDone(i) && list.isBegun(i)) m_cleanedRows.push_back(row.path);
-        if (list.isKept(i) || list.isDone(i)) {
-            takeFromTotal(std::max(row.bytes, gone) - gone);
-            clean->m_leaving.insert(row.path);
-        } else if (list.isBegun(i)) {
-            begun.emplace(row.path, gone);
-        }
+        if (list.isKept(i) || list.isDone(i)) clean->m_leaving.insert(row.path);
+        else if (list.isBegun(i)) begun.emplace(row.path, gone);
     }
-    if (filesSize != told) tellTotal();
     if (scanFiles && (!begun.empty() || !clean->m_leaving.empty())) {
         shrinkRows(begun);
         dropRows(clean->m_leaving);
+        recount();
+        tellTotal();
         scanFilesChange.post(m_changes, true);
     }
     cleanFinished = true;
@@ -361,8 +396,10 @@ void ScanViewController::finishClean() {
 void ScanViewController::shrinkRows(const std::map<std::string_view, std::uint64_t>& begun) {
     for (CleanRow& row : m_listing.rows)
         if (const auto found = begun.find(row.path); found != begun.end()) {
+            const std::uint64_t left = std::max(row.bytes, found->second) - found->second;
             row.isBegun = true;
-            row.bytes = std::max(row.bytes, found->second) - found->second;
+            row.onDisk = shareOf(row.onDisk, left, row.bytes);
+            row.bytes = left;
         }
     for (const auto& info : *scanFiles)
         if (const auto found = begun.find(info->path); found != begun.end()) {
@@ -376,9 +413,6 @@ void ScanViewController::dropRows(const std::set<std::string>& leaving) {
     std::erase_if(*scanFiles, leaves);
     std::erase_if(selDelFiles, leaves);
     std::erase_if(m_listing.rows, [&](const CleanRow& row) { return leaving.contains(row.path); });
-    // Of rows that others took a part of, less went than was listed.
-    if (scanFiles->empty() && UtilityFunction::getVolSpaceFromString(filesSize) > 0)
-        setFilesSize(0);
 }
 
 }  // namespace orrinvale

@@ -100,6 +100,8 @@ public:
     /// list, since it is none of what may go. `gain`, which may be null, is begun when its turn has
     /// come; cleans that run side by side may share one.
     void beginCleanTask(std::shared_ptr<SpaceGain> gain = nullptr);
+    /// The same, of the ticked rows only these.
+    void beginCleanTask(const Rows& chosen, std::shared_ptr<SpaceGain> gain);
     /// Ends the clean before its next entry, for whoever stops it and for the end of the program.
     /// Does nothing while there is none.
     void stopClean();
@@ -131,6 +133,10 @@ public:
     [[nodiscard]] bool isCleaning() const { return m_clean != nullptr; }
     /// Whether any list of the program is.
     [[nodiscard]] static bool isAnyCleaning() { return s_cleaning > 0; }
+    /// Whether the last scan was cancelled while it ran, so that more may be there.
+    [[nodiscard]] bool wasStopped() const { return m_isStopped; }
+    /// What filesSize tells, in bytes: of all rows, or up to now.
+    [[nodiscard]] std::uint64_t totalBytes() const { return m_total; }
     /// What stays of the scanned folders, and why; the folders that were left alone.
     [[nodiscard]] const CategoryListing& listing() const { return m_listing; }
     /// What became of the last clean; nothing while there was none.
@@ -160,7 +166,9 @@ private:
     void rowIsGone(std::size_t row);
     void countGone(std::uint64_t bytes);
     void takeFromTotal(std::uint64_t bytes);
+    void recount();
     void tellTotal();
+    void begin(std::shared_ptr<SpaceGain> gain);
     void finishClean();
     void shrinkRows(const std::map<std::string_view, std::uint64_t>& begun);
     void dropRows(const std::set<std::string>& leaving);
@@ -168,7 +176,9 @@ private:
     static inline int s_cleaning = 0;  // cleans that are under way
     const ScanViewParts m_parts;
     NotificationCenter m_changes;
-    CategoryListing m_listing;  // its rows move to the clean, and back
+    CategoryListing m_listing;  // of what is in the list by now
+    std::uint64_t m_total = 0;
+    bool m_isStopped = false;
     std::shared_ptr<Scan> m_scan;
     std::unique_ptr<Clean> m_clean;
     std::optional<RemovalOutcome> m_outcome;

@@ -32,7 +32,8 @@ RemovalRun::RemovalRun(const FileSystem& files, const std::string& stateFolder, 
 RemovalOutcome RemovalRun::run() {
     m_list.prepare();
     const RemovalTurn turn(m_folder, m_stop, [this] { m_telling.waiting(true); });
-    m_list.turnHasCome();
+    // Without its turn there is nothing to prepare for; it may be somebody else's.
+    if (!m_stop) m_list.turnHasCome();
     m_outcome.chosen = m_list.size();
     m_telling.waiting(false);
     for (std::size_t from = 0; from < m_list.size() && !m_stop; from += batchSize)

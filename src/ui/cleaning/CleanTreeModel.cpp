@@ -126,11 +126,7 @@ void CleanTreeModel::sort(SortKey key, bool isDescending) {
 bool CleanTreeModel::isShown(const TreeNode& node) const {
     if (m_filter.isEmpty()) return true;
     const SimpleNodeData& data = *simpleData(node);
-    if (data.isLeaf()) {
-        const std::string_view name = lastPathComponent(data.name());
-        return QString::fromUtf8(name.data(), qsizetype(name.size()))
-            .contains(m_filter, Qt::CaseInsensitive);
-    }
+    if (data.isLeaf()) return hasWords(lastPathComponent(data.name()), m_filter);
     for (std::size_t i = 0; i < node.numberOfChildren(); ++i)
         if (isShown(*node.childAtIndex(i))) return true;
     return false;
@@ -154,6 +150,21 @@ std::vector<TreeNode*> CleanTreeModel::shownLeaves(const TreeNode& group) const 
     for (std::size_t i = 0; i < group.numberOfChildren(); ++i)
         if (isShown(*group.childAtIndex(i))) leaves.push_back(group.childAtIndex(i).get());
     return leaves;
+}
+
+std::int32_t CleanTreeModel::shownState() const {
+    std::size_t all = 0, ticked = 0;
+    for (std::size_t i = 0; m_root != nullptr && i < m_root->numberOfChildren(); ++i)
+        for (const TreeNode* const leaf : shownLeaves(*m_root->childAtIndex(i))) {
+            ++all;
+            if (simpleData(*leaf)->selectNum() == 1) ++ticked;
+        }
+    return ticked == 0 ? 0 : ticked == all ? 1 : 2;
+}
+
+void CleanTreeModel::rowsWent() {
+    ++m_revision;
+    refresh();
 }
 
 bool CleanTreeModel::isOpenable(const TreeNode& node) const {

@@ -33,6 +33,10 @@ public:
     void sort(SortKey key, bool isDescending);
     /// All leaves of the group that the filter shows.
     [[nodiscard]] std::vector<TreeNode*> shownLeaves(const TreeNode& group) const;
+    /// What is ticked of all leaves that the filter shows: 0 nothing, 1 all, 2 some.
+    [[nodiscard]] std::int32_t shownState() const;
+    /// Rows have left the tree; those that went are still there for the moment.
+    void rowsWent();
 
 protected:
     [[nodiscard]] std::vector<TreeNode*> rowsBelow(TreeNode* above,

@@ -125,16 +125,10 @@ std::string CustomTableView::getTotalSize() const {
     return sum == 0 ? "0.00KB" : UtilityFunction::convertVolSpace(sum);
 }
 
-void CustomTableView::setSelectTotalSize(std::uint64_t bytes) {
-    m_selectTotalSize = bytes;
-    m_totalBefore = totalScanSize();
-}
-
 int CustomTableView::cleanedPercent() const {
     if (m_totalSelectNum >= finished || m_selectTotalSize == 0) return 100;
-    const std::uint64_t now = totalScanSize();
-    const double gone = static_cast<double>(m_totalBefore - std::min(now, m_totalBefore));
-    return std::min(100, static_cast<int>(100 * gone / static_cast<double>(m_selectTotalSize)));
+    return std::min(100, static_cast<int>(100 * static_cast<double>(m_cleanedSize) /
+                                          static_cast<double>(m_selectTotalSize)));
 }
 
 QString CustomTableView::getTotalSizeImage() const {

@@ -72,7 +72,8 @@ public:
     // A run: how much of what was selected has gone, 0 to 100, and its picture.
     void setIsCleanInfo(bool isCleaning) { m_isCleanInfo = isCleaning; }
     [[nodiscard]] bool isCleanInfo() const { return m_isCleanInfo; }
-    void setSelectTotalSize(std::uint64_t bytes);
+    void setSelectTotalSize(std::uint64_t bytes) { m_selectTotalSize = bytes; }
+    void setCleanedSize(std::uint64_t bytes) { m_cleanedSize = bytes; }
     void setTotalSelectNum(std::int32_t number) { m_totalSelectNum = number; }
     void setProImageNum(std::int32_t number) { m_proImageNum = number; }
     [[nodiscard]] std::int32_t proImageNum() const { return m_proImageNum; }
@@ -88,7 +89,7 @@ private:
     FoundSizes m_found;
     std::vector<TableViewCellItemObj> m_dataArr;
     std::vector<std::string> m_selectArray;
-    std::uint64_t m_selectTotalSize = 0, m_totalBefore = 0;
+    std::uint64_t m_selectTotalSize = 0, m_cleanedSize = 0;
     std::int32_t m_totalSelectNum = 0, m_proImageNum = 0;
     bool m_isCleanInfo = false;
     NotificationCenter& m_notifications;

@@ -2,13 +2,10 @@
 // they came to.
 #include <QPointer>
 #include <algorithm>
-#include <set>
 #include <utility>
 
 #include "engine/base/Log.h"
-#include "engine/base/saturating.h"
 #include "engine/cleaning/ParseFileLog.h"
-#include "engine/text/UtilityFunction.h"
 #include "platform/paths.h"
 #include "services/foundation/runAside.h"
 #include "ui/cleaning/CleanViews.h"
@@ -28,18 +25,13 @@ namespace orrinvale {
 namespace {
 
 constexpr std::size_t downloads = 5;
+constexpr unsigned allCategories = 0b111111;
+constexpr unsigned allButDownloads = 0b011111;
 constexpr int alertDelay = 200;  // milliseconds from the end of a clean to its sheet
 
 }  // namespace
 
-CleanSums MainViewController::sums(std::size_t from, std::size_t to) const {
-    CleanSums all;
-    for (std::size_t i = from; i < to; ++i) all += sumsOf(*m_tableControllers.at(i));
-    return all;
-}
-
-// While a question stands nothing else begins. What is asked about is what goes: where it is
-// another by the time of the answer, nothing goes.
+// While a question stands nothing else begins.
 void MainViewController::ask(const Alert& question, std::function<void(int button)> answered) {
     m_isAsking = true;
     m_parts.pages.dialogs->alert(
@@ -50,36 +42,36 @@ void MainViewController::ask(const Alert& question, std::function<void(int butto
         });
 }
 
-void MainViewController::confirm(std::size_t from, std::size_t to, std::function<void()> go) {
-    const CleanSums asked = sums(from, to);
-    if (asked.ticked == 0) return giveButtonsBack();
-    ask(cleanQuestion(asked), [this, from, to, asked, go = std::move(go)](int button) {
-        if (button == 0 && sums(from, to) == asked) go();
-        else giveButtonsBack();
-    });
+// What is asked about is what goes, row by row: where it is another by the time of the answer,
+// nothing goes.
+void MainViewController::confirm(unsigned categories, bool isOne) {
+    const CleanChoice asked = choice(categories);
+    if (asked.sums.ticked == 0) return giveButtonsBack();
+    std::size_t ticked = 0;
+    for (std::size_t i = 0; i < m_sums.size(); ++i)
+        if ((categories >> i & 1U) != 0) ticked += m_sums.at(i).ticked;
+    ask(cleanQuestion(asked.sums, ticked - asked.sums.ticked),
+        [this, categories, isOne, asked](int button) {
+            if (button == 0 && choice(categories) == asked)
+                return beginClean(asked, categories, isOne);
+            giveButtonsBack();
+            if (button == 0) m_parts.pages.dialogs->alert(m_mainWindow, changedAlert(), [](int) {});
+        });
 }
 
 void MainViewController::giveButtonsBack() {
     m_views->customTableView->setIsCleanInfo(false);
-    finishScanCount = 0;
-    m_scanObjsArr.clear();
     enter(State::Reviewing);
 }
 
 void MainViewController::allCleanButtonActionInfo() {
     if (m_state != State::Reviewing || m_isAsking) return;
-    m_sizeArr.clear();
-    for (const V3MainListView* const row : m_views->allNewViewArr)
-        m_sizeArr.push_back(row->sizeText());
     m_views->cleanButton->setEnabled(false);
     m_views->backButton->setEnabled(false);
-    finishScanCount = 0;
-    m_scanObjsArr.clear();
     m_views->customTableView->setIsCleanInfo(true);
     m_views->customTableView->setTotalSelectNum(0);
-    m_views->customTableView->setSelectTotalSize(allSelectTotalSize);
-    if (sums(downloads, downloads + 1).ticked > 0) return showAlertWindow();
-    confirm(0, m_tableControllers.size(), [this] { cleanAll(m_tableControllers.size()); });
+    if (m_shownSums.at(downloads).ticked > 0) return showAlertWindow();
+    confirm(allCategories, false);
 }
 
 void MainViewController::showAlertWindow() {
@@ -87,8 +79,7 @@ void MainViewController::showAlertWindow() {
     question.linkAction = [this] { openViewNewLink(); };
     ask(question, [this](int button) {
         if (button != 0 && button != 1) return giveButtonsBack();
-        const std::size_t categories = button == 0 ? downloads + 1 : downloads;
-        confirm(0, categories, [this, categories] { cleanAll(categories); });
+        confirm(button == 0 ? allCategories : allButDownloads, false);
     });
 }
 
@@ -96,44 +87,6 @@ void MainViewController::openViewNewLink() const {
     const auto& rows = m_tableControllers.at(downloads)->scanFiles;
     if (m_parts.openFolder && rows && !rows->empty())
         m_parts.openFolder(folderOf(rows->front()->path));
-}
-
-// One for all, since they free what lies on the same disks.
-std::shared_ptr<SpaceGain> MainViewController::makeGain(std::size_t from, std::size_t to) {
-    std::set<std::string> folders;
-    m_promised = 0;
-    for (std::size_t i = from; i < to; ++i) {
-        const ScanViewController& list = *m_tableControllers.at(i);
-        if (!list.scanFiles) continue;
-        const std::vector<CleanRow>& rows = list.listing().rows;
-        std::string_view last;  // rows of one folder follow each other
-        for (std::size_t row = 0; row < std::min(rows.size(), list.scanFiles->size()); ++row) {
-            if (!(*list.scanFiles)[row]->bIsSelected) continue;
-            addSaturating(m_promised, rows[row].onDisk);
-            const std::string_view folder = splitPath(rows[row].path).folder;
-            if (std::exchange(last, folder) != folder) folders.insert(folderOf(rows[row].path));
-        }
-    }
-    return std::make_shared<SpaceGain>(std::vector(folders.begin(), folders.end()),
-                                       m_parts.freeSpace);
-}
-
-void MainViewController::cleanAll(std::size_t categories) {
-    m_gain = makeGain(0, categories);
-    m_views->customTableView->setSelectTotalSize(sums(0, categories).bytes);
-    isCleanFinshed = false;
-    for (V3MainListView* const row : m_views->allNewViewArr) row->setSizeStrLabelString({});
-    enter(State::CleaningAll);
-    for (std::size_t i = 0; i < categories; ++i) {
-        ScanViewController& list = *m_tableControllers.at(i);
-        isScaned = false;
-        ++finishScanCount;
-        bindScanview(list, i, true);
-        m_scanObjsArr.push_back(&list);
-        const bool hasTicked = sumsOf(list).ticked > 0;
-        list.beginCleanTask(m_gain);
-        if (hasTicked) m_views->allNewViewArr.at(i)->minishPrograss();
-    }
 }
 
 void MainViewController::cleanButtonAction() {
@@ -145,9 +98,7 @@ void MainViewController::cleanButtonAction() {
 void MainViewController::oneScanAction(std::size_t category) {
     if (m_state != State::Reviewing || m_isAsking || category >= m_tableControllers.size()) return;
     mainViewOneCleanRow = static_cast<int>(category);
-    const auto goOn = [this, category] {
-        confirm(category, category + 1, [this] { oneScanButtonAction(); });
-    };
+    const auto goOn = [this, category] { confirm(1U << category, true); };
     if (category != downloads) return goOn();
     Alert question = downloadsQuestion();
     question.linkAction = [this] { openViewNewLink(); };
@@ -157,44 +108,55 @@ void MainViewController::oneScanAction(std::size_t category) {
     });
 }
 
-void MainViewController::oneScanButtonAction() {
-    const auto category = std::size_t(mainViewOneCleanRow);
-    m_oneCleanScanCtr = m_tableControllers.at(category).get();
-    m_gain = makeGain(category, category + 1);
+// All share one gain, since they free what lies on the same disks.
+void MainViewController::beginClean(const CleanChoice& choice, unsigned categories, bool isOne) {
+    newRun(categories);
+    m_run.promise(choice, m_parts.freeSpace);
+    isOneCleanButton = isOne;
     isCleanFinshed = false;
-    isOneCleanButton = true;
-    V3MainListView& row = *m_views->allNewViewArr.at(category);
-    m_scanObjsArr = {m_oneCleanScanCtr};
     m_views->customTableView->setIsCleanInfo(true);
     m_views->customTableView->setTotalSelectNum(0);
-    m_views->customTableView->setSelectTotalSize(sumsOf(*m_oneCleanScanCtr).bytes);
-    enter(State::CleaningOne);
-    bindScanview(*m_oneCleanScanCtr, category, true);
-    m_oneCleanScanCtr->beginCleanTask(m_gain);
-    row.minishPrograss();
+    m_views->customTableView->setSelectTotalSize(choice.sums.bytes);
+    enter(isOne ? State::CleaningOne : State::CleaningAll);
+    for (std::size_t i = 0; i < m_tableControllers.size(); ++i) {
+        V3MainListView& row = *m_views->allNewViewArr.at(i);
+        if (!isOne) row.setSizeStrLabelString({});
+        if (!m_run.takesPart(i)) continue;
+        ScanViewController& list = *m_tableControllers.at(i);
+        bindScanview(list, i, true);
+        list.beginCleanTask(choice.rows.at(i), m_run.gain());
+        if (!choice.rows.at(i).empty()) row.minishPrograss();
+    }
 }
 
 void MainViewController::cleanEnded(std::size_t category) {
     m_models.at(category)->setList(*m_tableControllers.at(category));
-    if (isOneCleanButton) return oneCleanEnded();
-    if (finishScanCount > 0 && --finishScanCount == 0) allCleansEnded();
+    if (!m_run.end(category)) return;
+    for (std::size_t i = 0; i < m_tableControllers.size(); ++i) {
+        if (!m_run.takesPart(i)) continue;
+        unbind(i);
+        V3MainListView& row = *m_views->allNewViewArr.at(i);
+        row.setAnimationFinish();
+        row.setSizeStrLabelString(sizeWords(m_tableControllers.at(i)->iCleanSize));
+    }
+    takeOutcome();
+    leaveOutLate();
+    listsChanged();
+    enter(State::Reviewing);
+    cleanShowSelectNumInBottomNotice.post(*m_parts.pages.notifications, {});
+    setHiddenCheckBoxAction();
+    showShares();
+    if (std::exchange(isOneCleanButton, false)) oneCleanEnded();
+    else allCleansEnded();
+    isCleanFinshed = true;
 }
 
-void MainViewController::takeOutcomes(const std::vector<std::size_t>& categories) {
-    m_outcome = {};
-    for (const std::size_t category : categories) {
-        const ScanViewController& list = *m_tableControllers.at(category);
-        m_cleaned.insert(list.cleanedRows().begin(), list.cleanedRows().end());
-        if (!list.lastOutcome()) continue;
-        const RemovalOutcome& each = *list.lastOutcome();
-        m_outcome.removed += each.removed;
-        m_outcome.kept += each.kept;
-        m_outcome.failed += each.failed;
-        m_outcome.lacksRights = m_outcome.lacksRights || each.lacksRights;
-        m_outcome.stopped = m_outcome.stopped || each.stopped;
-        m_outcome.stayed.insert(m_outcome.stayed.end(), each.stayed.begin(), each.stayed.end());
-    }
-    const auto stayed = static_cast<int>(m_outcome.stayed.size());
+void MainViewController::takeOutcome() {
+    m_outcome = m_run.outcome();
+    for (const ScanViewController* const list : m_run.lists())
+        m_cleaned.insert(list->cleanedRows().begin(), list->cleanedRows().end());
+    const auto stayed = static_cast<int>(
+        std::max<std::uint64_t>(m_outcome.stayed.size(), m_outcome.failedEntries + m_outcome.kept));
     ResultFrame::showLine(*m_views->failureLine, stayed == 0 ? QString()
                                                  : stayed == 1
                                                      ? tr("1 entry stayed")
@@ -204,86 +166,63 @@ void MainViewController::takeOutcomes(const std::vector<std::size_t>& categories
 // What went is what was counted on the way: rows that a rule keeps by now have left the list too,
 // and were not cleaned.
 void MainViewController::oneCleanEnded() {
-    const auto category = std::size_t(mainViewOneCleanRow);
-    ScanViewController& list = *m_oneCleanScanCtr;
-    V3MainListView& row = *m_views->allNewViewArr.at(category);
-    unbind(category);
-    isOneCleanButton = false;
-    row.setAnimationFinish();
-    takeOutcomes({category});
-    listsChanged();
-    enter(State::Reviewing);
-    cleanShowSelectNumInBottomNotice.post(*m_parts.pages.notifications, {});
-    setHiddenCheckBoxAction();
-    showShares();
-    row.setSizeStrLabelString(sizeWords(list.iCleanSize));
+    const ScanViewController& list = *m_run.lists().front();
     showRow();
     showKept();
     changeStateTextFeild(list.iCleanSize);
     settle(list.iCleanSize);
-    list.getSelectPath({});
     if (!list.selDelFiles.empty()) showAlertForPrivilegesToClean();
-    isCleanFinshed = true;
 }
 
 void MainViewController::allCleansEnded() {
     constexpr std::int32_t finished = 101;
     m_views->customTableView->setTotalSelectNum(finished);
-    std::vector<std::size_t> categories;
     std::size_t left = 0;
-    m_allCleanedSize = 0;
-    for (std::size_t i = 0; i < m_tableControllers.size(); ++i) {
-        ScanViewController& list = *m_tableControllers.at(i);
-        unbind(i);
-        list.getSelectPath({});
-        if (i != downloads) left += list.selDelFiles.size();
-        if (std::ranges::find(m_scanObjsArr, &list) == m_scanObjsArr.end()) continue;
-        categories.push_back(i);
-        m_views->allNewViewArr.at(i)->setAnimationFinish();
-        m_views->allNewViewArr.at(i)->setSizeStrLabelString(sizeWords(list.iCleanSize));
-        addSaturating(m_allCleanedSize, list.iCleanSize);
-    }
-    takeOutcomes(categories);
-    listsChanged();
-    enter(State::Reviewing);
-    cleanShowSelectNumInBottomNotice.post(*m_parts.pages.notifications, {});
-    setHiddenCheckBoxAction();
-    showShares();
+    for (const ScanViewController* const list : m_run.lists())
+        if (list != m_tableControllers.at(downloads).get()) left += list->selDelFiles.size();
     isShowCleanedSize = true;
-    showCleanedSize = std::exchange(m_allCleanedSize, 0);
-    m_sizeArr.clear();
+    showCleanedSize = m_run.cleanedBytes();
     showRow();
     showKept();
     changeStateTextFeild(showCleanedSize);
     settle(showCleanedSize);
     if (left == 0) cleanSuccessBtnShowStyle();
     else QTimer::singleShot(alertDelay, this, [this] { showAlertForPrivilegesToClean(); });
-    isCleanFinshed = true;
 }
 
-// The record and the free space are asked of disks that may take their time.
+// The record is on the disk before the program may end.
 void MainViewController::settle(std::uint64_t bytes) {
-    ResultFrame::showLine(*m_views->gainLabel, {});
-    const int number = ++m_settled;
     if (bytes == 0) return;
-    runAside(
-        this, "cleanEnd",
-        [gain = m_gain, bytes, folder = m_parts.pages.stateFolder] {
+    const auto saving = runAside(
+        this, "cleanRecord",
+        [bytes, folder = m_parts.pages.stateFolder] {
             if (!ParseFileLog(folder).setSize(bytes, FileLog().date.value()))
                 Log::line("The last clean could not be noted.");
-            return gain->gained();
         },
-        [this, number](std::optional<std::int64_t> gained) {
-            if (number != m_settled) return;
+        [this] {
+            --m_saving;
+            readHistory();
+        });
+    if (saving != nullptr) ++m_saving;
+    measureGain();
+}
+
+// Disks may take their time; by then another run may have begun.
+void MainViewController::measureGain() {
+    runAside(
+        this, "cleanGain", [gain = m_run.gain()] { return gain->gained(); },
+        [this, number = m_runNumber,
+         promised = m_run.promised()](std::optional<std::int64_t> gained) {
+            if (number != m_runNumber) return;
             ResultFrame::showLine(*m_views->gainLabel, gainedWords(gained));
-            m_views->gainLabel->setToolTip(lessThanPromised(gained, m_promised));
-            changeNoteText(selectRowNum);
+            m_views->gainLabel->setToolTip(lessThanPromised(gained, promised));
         });
 }
 
 // The padlock is pointed at where it would help.
 void MainViewController::showAlertForPrivilegesToClean() {
-    if (m_outcome.failed == 0 || m_outcome.stopped || m_isAsking) return;
+    if (m_outcome.failed == 0 || m_outcome.stopped || m_isAsking || m_state != State::Reviewing)
+        return;
     const Alert alert = m_outcome.lacksRights ? privilegesAlert() : stayedAlert(m_outcome);
     if (m_outcome.lacksRights) m_blinking.startUnlockAnimation(m_views->lockButton);
     m_parts.pages.dialogs->alert(m_mainWindow, alert, [self = QPointer(this)](int /*button*/) {
@@ -294,7 +233,11 @@ void MainViewController::showAlertForPrivilegesToClean() {
 }
 
 void MainViewController::showFailures() {
-    showLineList(m_mainWindow, tr("What stayed"), linesByReason(m_outcome.stayed));
+    QStringList lines = linesByReason(m_outcome.stayed);
+    const std::uint64_t all = m_outcome.failedEntries + m_outcome.kept;
+    if (all > m_outcome.stayed.size())
+        lines.push_back(tr("and %Ln more", nullptr, int(all - m_outcome.stayed.size())));
+    showLineList(m_mainWindow, tr("What stayed"), lines);
 }
 
 }  // namespace orrinvale

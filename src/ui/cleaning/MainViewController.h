@@ -1,6 +1,8 @@
 // MainViewController: the cleaning page with its six lists: scan, ticks, clean, questions, padlock,
-// notes. Four sources: this class's scan and ticks, MainViewClean.cpp its clean, MainViewNotes.cpp
-// what it tells, MainViewRows.cpp what is done with rows. NewMainViewController.h adds the outline.
+// notes. Sources: MainViewController.cpp its controls and states, MainViewScan.cpp,
+// MainViewTicks.cpp, MainViewClean.cpp, MainViewNotes.cpp what it tells, MainViewDisk.cpp the disk
+// and the last clean, MainViewRows.cpp what is done with rows. NewMainViewController.h adds the
+// outline.
 #pragma once
 
 #include <QObject>
@@ -9,7 +11,6 @@
 #include <array>
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -17,7 +18,8 @@
 #include <vector>
 
 #include "engine/base/notices.h"
-#include "engine/cleaning/CleanTree.h"
+#include "engine/cleaning/CleanRun.h"
+#include "engine/cleaning/FileLog.h"
 #include "engine/cleaning/ScanViewController.h"
 #include "engine/cleaning/SpaceGain.h"
 #include "services/volumes/Ejections.h"
@@ -31,6 +33,7 @@
 namespace orrinvale {
 
 struct Alert;
+struct ShownListing;
 class CleanViews;
 class FreeSpacePage;
 class MyMacView;
@@ -114,8 +117,9 @@ public:
         const {
         return m_tableControllers;
     }
+    /// Scans or cleans not yet ended.
+    [[nodiscard]] std::size_t finishScanCount() const { return m_run.left(); }
     std::vector<std::string> selectArray;
-    std::uint64_t finishScanCount = 0;     ///< runs not yet ended
     std::uint64_t showCleanedSize = 0;     ///< the last total
     std::uint64_t allSelectTotalSize = 0;  ///< of all ticked rows
     int selectCount2Clean = 0;             ///< ticked rows
@@ -123,12 +127,10 @@ public:
     int mainViewOneCleanRow = 0;           ///< category of a clean of one
     bool isFirstComeIn = true;             ///< no scan has run yet
     bool isCancelButton = false;           ///< a scan runs
-    bool isScaned = false;
-    bool bClickScanBtn = false;  ///< keeps the clean button off during a scan
+    bool bClickScanBtn = false;            ///< keeps the clean button off during a scan
     bool isShowCleanedSize = false;
     bool isOneCleanButton = false;
     bool isCleanFinshed = true;
-    bool mainFastCleanScaned = false;
     std::string freeString, totleString;  ///< of the boot volume
 
 protected:
@@ -137,6 +139,12 @@ protected:
     virtual void scansEnded() {}
     /// Rows have left the lists.
     virtual void listsChanged() {}
+    /// This row alone has left its list.
+    virtual void rowTaken(std::size_t category, const std::string& path) {
+        static_cast<void>(category), static_cast<void>(path);
+    }
+    /// What stands on the right may be another row's.
+    virtual void rowShown() {}
     /// Ticks of the lists may be others.
     virtual void ticksChanged() {}
     virtual void fly(const QWidget* from) { static_cast<void>(from); }
@@ -159,7 +167,6 @@ protected:
     }
     void showRow();
     void showTitle();
-    void showFilter();
     void showPlace(const QPoint& position, const std::string& path, std::size_t category);
     void reveal(const std::string& path) const;
     [[nodiscard]] CleanViews& views() const { return *m_views; }
@@ -171,6 +178,7 @@ private:
     [[nodiscard]] StateTable stateTable() const;
     void makeLists();
     void connectControls();
+    void connectList(std::size_t category);
     void connectKeys();
     void initClickCellNotification();
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -178,50 +186,63 @@ private:
     // Scan.
     void bindScanview(ScanViewController& list, std::size_t category, bool isClean);
     void unbind(std::size_t category);
-    void scanEnded();
+    void newRun(unsigned categories);
+    void beginScan();
+    void scanEnded(std::size_t category);
     void takeSettings();
     void setHiddenCheckBoxAction();
     void showShares();
-    [[nodiscard]] int returnSelectNum() const;
+    [[nodiscard]] std::uint64_t foundBytes() const;
 
-    // Clean: MainViewClean.cpp.
+    // Ticks.
+    void countTicks();
+    void filterTyped(const QString& words);
+    void listBoxClicked(std::size_t category, std::size_t row);
+    void listHeaderClicked(std::size_t category);
+    void refreshLists();
+    [[nodiscard]] CleanSums shownSums() const;
+    [[nodiscard]] CleanChoice choice(unsigned categories) const;
+
+    // Clean. Categories are bits, 1 for the first.
     void ask(const Alert& question, std::function<void(int button)> answered);
     void showAlertWindow();
     void openViewNewLink() const;
-    void confirm(std::size_t from, std::size_t to, std::function<void()> go);
+    void confirm(unsigned categories, bool isOne);
     void giveButtonsBack();
-    [[nodiscard]] CleanSums sums(std::size_t from, std::size_t to) const;
-    [[nodiscard]] std::shared_ptr<SpaceGain> makeGain(std::size_t from, std::size_t to);
-    void cleanAll(std::size_t categories);
-    void oneScanButtonAction();
+    void beginClean(const CleanChoice& choice, unsigned categories, bool isOne);
     void cleanEnded(std::size_t category);
     void oneCleanEnded();
     void allCleansEnded();
-    void takeOutcomes(const std::vector<std::size_t>& categories);
+    void takeOutcome();
     void settle(std::uint64_t bytes);
+    void measureGain();
     void showAlertForPrivilegesToClean();
     void showFailures();
 
-    // Notes: MainViewNotes.cpp.
+    // Notes.
     void showSelection();
     void changeStateTextFeild(std::uint64_t bytes);
     void showKept();
     void showKeptLines();
     void showCleanButton(class TextImageButton& button, const CleanSums& sums) const;
-    [[nodiscard]] std::vector<const CategoryListing*> shownListings() const;
-    [[nodiscard]] CleanSums shownSums() const;
+    [[nodiscard]] std::vector<ShownListing> shownListings() const;
     [[nodiscard]] QString titleText() const;
+    [[nodiscard]] QString emptyWords(int row) const;
     void showProgress();
+    void showContent();
+    void showFilter();
+
+    // The disk.
     void look(bool isOnScreen);
     void showDisk();
     void showDiskPage();
     void showCard();
+    void readHistory();
 
-    // Rows: MainViewRows.cpp.
-    void listBoxClicked(std::size_t category, std::size_t row);
-    void listHeaderClicked(std::size_t category);
+    // Rows.
     void alwaysKeep(const std::string& path, std::size_t category);
-    void refreshLists();
+    void leaveOut(const std::string& path, std::size_t category);
+    void leaveOutLate();
 
     void ejectVolume(std::int16_t /*number*/, const std::string& /*root*/,
                      const std::string& /*name*/) override {}  // nobody ejects the boot volume
@@ -233,9 +254,10 @@ private:
     QPointer<PageStack> m_stack;
     std::array<std::unique_ptr<ScanViewController>, 6> m_tableControllers;
     std::array<std::unique_ptr<ScanListModel>, 6> m_models;
-    std::map<std::string, V3MainListView*> m_selectNewViewDic;  // by the dicKeyStr of each list
-    std::vector<ScanViewController*> m_scanObjsArr;             // of the run
-    std::vector<std::string> m_sizeArr;  // sizes of the summary rows before a clean
+    CleanRun m_run;                                // under way, or the last
+    int m_runNumber = 0;                           // what an earlier one tells late is dropped
+    std::array<CleanSums, 6> m_sums, m_shownSums;  // of all rows; of those that the filter shows
+    std::vector<std::pair<std::size_t, std::string>> m_keptLate;  // categories and paths
     const StateTable m_controls;
     State m_state = State::Fresh;
     bool m_isAsking = false;
@@ -246,15 +268,18 @@ private:
     std::array<Binding, 6> m_bindings;
     std::vector<NotificationCenter::Observation> m_observations;
 
-    ScanViewController* m_oneCleanScanCtr = nullptr;
-    std::uint64_t m_allCleanedSize = 0;
-    std::shared_ptr<SpaceGain> m_gain;
-    std::uint64_t m_promised = 0;
-    int m_settled = 0;  // the number of the clean whose gain is asked for
+    int m_saving = 0;  // records of cleans on their way to the disk
     RemovalOutcome m_outcome;
     QTimer m_progressTimer;
+    int m_waits = 0;       // of that timer in a row in which nothing of ours went on
     Animation m_blinking;  // of the padlock
 
+    struct History {
+        std::uint64_t size = 0;
+        std::optional<Date> date;
+    };
+    History m_history;
+    int m_historyAsked = 0;
     SystemSight m_seen;
     SystemWatch::Observation m_looking;
     MyMacView* m_myMacView = nullptr;

@@ -1,15 +1,11 @@
-// MainViewController: titles, sentences, buttons, and the figures of the disk.
-#include <QEvent>
+// MainViewController: titles, sentences, buttons, and what stands on the right.
 #include <QLabel>
 #include <QLineEdit>
 #include <QStackedWidget>
-#include <QVBoxLayout>
 #include <algorithm>
 
 #include "engine/base/Log.h"
 #include "engine/cleaning/CleanPageRows.h"
-#include "engine/cleaning/ParseFileLog.h"
-#include "engine/volumes/SpaceLevel.h"
 #include "ui/cleaning/CleanViews.h"
 #include "ui/cleaning/DiskRing.h"
 #include "ui/cleaning/MainViewController.h"
@@ -20,27 +16,24 @@
 #include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/controls/PictureView.h"
 #include "ui/kit/controls/QnProgressView.h"
-#include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/pathText.h"
 #include "ui/kit/dialogs/LineList.h"
+#include "ui/kit/dialogs/failureWords.h"
 #include "ui/page/PageStack.h"
-#include "ui/volumes/FreeSpacePage.h"
-#include "ui/volumes/MyMacView.h"
 
 namespace orrinvale {
+namespace {
 
-std::vector<const CategoryListing*> MainViewController::shownListings() const {
-    std::vector<const CategoryListing*> listings;
+constexpr int waitsThatLast = 3;  // of the progress timer
+
+}  // namespace
+
+std::vector<ShownListing> MainViewController::shownListings() const {
+    std::vector<ShownListing> listings;
     for (std::size_t i = 0; i < m_tableControllers.size(); ++i)
         if (selectRowNum == overviewRow || selectRowNum == int(i) + 1)
-            listings.push_back(&m_tableControllers.at(i)->listing());
+            listings.push_back({cleanRowTitle(int(i) + 1), &m_tableControllers.at(i)->listing()});
     return listings;
-}
-
-CleanSums MainViewController::shownSums() const {
-    if (isCategoryRow(selectRowNum))
-        return sumsOf(*m_tableControllers.at(std::size_t(selectRowNum) - 1));
-    return sums(0, m_tableControllers.size());
 }
 
 void MainViewController::showSelection() {
@@ -90,22 +83,16 @@ void MainViewController::showKeptLines() {
 }
 
 QString MainViewController::titleText() const {
-    const std::string found = m_views->customTableView->getTotalSize();
+    const QString found = sizeWords(foundBytes());
     switch (m_state) {
         case State::Fresh: return tr("Nothing has been looked through yet");
-        case State::Scanning:
-            return tr("Looking for what can go: %1 so far").arg(foundWords(found));
+        case State::Scanning: return tr("Looking for what can go: %1 so far").arg(found);
         case State::Stopping: return tr("Stopping");
         case State::CleaningAll:
         case State::CleaningOne: {
-            for (const ScanViewController* const each : m_scanObjsArr) {
-                const RemovalJob::Progress progress = each->cleanProgress();
-                if (!each->isCleaning()) continue;
-                if (progress.isWaiting) continue;
-                if (!progress.current.empty())
-                    return tr("Removing %1")
-                        .arg(onOneLine(QString::fromStdString(progress.current)));
-            }
+            const QString inHand = onOneLine(QString::fromStdString(m_run.current()));
+            if (m_waits >= waitsThatLast) return tr("Waiting for another removal to end");
+            if (!inHand.isEmpty()) return tr("Removing %1").arg(inHand);
             return tr("Removing what was ticked");
         }
         case State::Reviewing: break;
@@ -115,24 +102,33 @@ QString MainViewController::titleText() const {
         static_cast<int>(std::ranges::count_if(m_tableControllers, [](const auto& each) {
             return each->scanFiles && !each->scanFiles->empty();
         }));
-    if (categories == 0) return tr("Nothing can go");
+    const bool isStopped = std::ranges::any_of(m_tableControllers,
+                                               [](const auto& each) { return each->wasStopped(); });
+    if (categories == 0)
+        return isStopped ? tr("Stopped before anything was found") : tr("Nothing can go");
+    if (isStopped) return tr("%1 found before the scan was stopped").arg(found);
     return (categories == 1 ? tr("%1 in one category can go")
                             : tr("%1 in %n categories can go", nullptr, categories))
-        .arg(foundWords(found));
+        .arg(found);
 }
 
 void MainViewController::showTitle() {
     m_views->titleLabel->setText(titleText());
-    if (isCleaning())
+    if (isCleaning()) {
+        m_views->customTableView->setCleanedSize(m_run.cleanedBytes());
         m_views->totalProgress->changeProgressValue(
             static_cast<float>(m_views->customTableView->cleanedPercent()));
-    m_views->diskRing->setCleanable(
-        m_state == State::Reviewing ? m_views->customTableView->totalScanSize() : 0);
+    }
+    m_views->diskRing->setCleanable(m_state == State::Reviewing ? foundBytes() : 0);
     m_views->startHeading->setText(m_state == State::Reviewing ? titleText()
                                                                : tr("See what can go"));
 }
 
-void MainViewController::showProgress() { showTitle(); }
+// Between two of our own lists there is a moment of waiting, too.
+void MainViewController::showProgress() {
+    m_waits = m_run.isWaiting() ? m_waits + 1 : 0;
+    showTitle();
+}
 
 void MainViewController::shouldSelectRow(std::int32_t row) {
     Log::line("row :" + std::to_string(row));
@@ -155,123 +151,67 @@ void MainViewController::displayTableController(std::size_t category) {
     m_views->content->setCurrentWidget(m_views->lists.at(category));
 }
 
-// The list, or words in its place where there is nothing to list.
 void MainViewController::showRow() {
     CleanViews& views = *m_views;
-    const bool isWorking = !isFree() && !m_isAsking;
     views.rightImageView->setPicture(
         QString::fromStdString(std::string(cleanPageRows.at(std::size_t(selectRowNum)).image)));
     views.noteBar->setVisible(selectRowNum != freeSpaceRow);
     showTitle();
-    if (selectRowNum == freeSpaceRow) return showDiskPage();
+    if (selectRowNum == freeSpaceRow) showDiskPage();
+    else showContent();
+    showFilter();
+    rowShown();
+}
+
+// The list, or words in its place where there is nothing to list.
+void MainViewController::showContent() {
+    CleanViews& views = *m_views;
+    views.emptyLabel->setText(emptyWords(selectRowNum));
     if (selectRowNum == overviewRow) {
         const bool isEmpty = m_state == State::Reviewing && isCleanFinshed && !isShowCleanedSize &&
-                             sums(0, m_tableControllers.size()).rows == 0;
-        views.emptyLabel->setText(tr("Nothing can go. Your disk is tidy."));
+                             std::ranges::all_of(m_sums, [](const auto& s) { return s.rows == 0; });
         views.content->setCurrentWidget(isEmpty ? views.emptyView : overview());
-        return showFilter();
+        return;
     }
     const auto category = std::size_t(selectRowNum) - 1;
     const auto& rows = m_tableControllers.at(category)->scanFiles;
-    const QString title = cleanRowTitle(selectRowNum);
-    views.emptyLabel->setText(isFirstComeIn ? tr("Scan first, to see what can go.")
-                              : isWorking && !isCleaning()
-                                  ? tr("%1: looking ...").arg(title)
-                                  : tr("Nothing in %1 can go.").arg(title));
-    if (rows && !rows->empty() && !(isWorking && !isCleaning())) displayTableController(category);
+    const bool isLooking = m_state == State::Scanning || m_state == State::Stopping;
+    if (rows && !rows->empty() && !isLooking) displayTableController(category);
     else views.content->setCurrentWidget(views.emptyView);
-    showFilter();
 }
 
-// Where there are names to filter.
+// What nobody has looked at to the end is not tidy.
+QString MainViewController::emptyWords(int row) const {
+    if (isFirstComeIn) return tr("Scan first, to see what can go.");
+    bool isStopped = false;
+    std::string objection;
+    for (std::size_t i = 0; i < m_tableControllers.size(); ++i) {
+        if (row != overviewRow && row != int(i) + 1) continue;
+        const ScanViewController& list = *m_tableControllers.at(i);
+        isStopped = isStopped || list.wasStopped();
+        if (!list.listing().closed.empty()) objection = list.listing().closed.front().reason;
+    }
+    if (row == overviewRow) {
+        if (isStopped) return tr("The scan was stopped before it found anything.");
+        return objection.empty()
+                   ? tr("Nothing can go. Your disk is tidy.")
+                   : tr("Nothing was found that can go, but not everything could be looked at.");
+    }
+    const QString title = cleanRowTitle(row);
+    if (m_state == State::Scanning || m_state == State::Stopping)
+        return tr("%1: looking ...").arg(title);
+    if (!objection.empty()) return tr("%1 was left alone: %2.").arg(title, inWords(objection));
+    if (isStopped) return tr("%1: the scan was stopped before it found anything.").arg(title);
+    return tr("Nothing in %1 can go.").arg(title);
+}
+
+// Where there are names to filter. What nobody sees hides no rows.
 void MainViewController::showFilter() {
     const QWidget* const shown = m_views->content->currentWidget();
-    m_views->filterField->setVisible(m_state == State::Reviewing && shown != m_views->v3MainView &&
-                                     shown != m_views->emptyView &&
-                                     shown != m_views->diskSizePlace);
-}
-
-// The rows come first where there is little room; the sentence above tells of the disk as well.
-void MainViewController::showCard() {
-    if (m_myMacView == nullptr) return;
-    constexpr int rows = 6;
-    m_myMacView->setVisible(m_views->v3MainView->height() >=
-                            CustomVolumView::cardHeight + rows * V3MainListView::leastHeight);
-}
-
-void MainViewController::changeNoteText(std::int32_t row) {
-    CleanViews& views = *m_views;
-    std::optional<Date> date;
-    const std::uint64_t size = ParseFileLog(m_parts.pages.stateFolder).getSize(&date);
-    const FigureSentence history =
-        historySentence(size, date, shownSize(totleString), shownSize(freeString));
-    views.startNote->showSentence(history.pattern, history.figures, true);
-    if (row == overviewRow)
-        return views.noteTextField->showSentence(history.pattern, history.figures, true);
-    const QString words =
-        row > 0 && row < std::ssize(cleanPageRows) ? cleanRowDescription(row) : QString();
-    if (words.isEmpty()) return Log::line("请核对名字（KEY）是否与LocalSizeStr对应");
-    constexpr int trash = 5;
-    const QString more =
-        row == trash ? trashWords(m_tableControllers.at(trash - 1)->listing()) : QString();
-    views.noteTextField->showSentence(more.isEmpty() ? words : words + QLatin1Char(' ') + more, {});
-}
-
-// The notice has the total first.
-void MainViewController::GetFreeTotleArr(const std::vector<std::string>& texts) {
-    if (texts.size() < 2) return;
-    totleString = texts[0];
-    freeString = texts[1];
-    if (selectRowNum == overviewRow) changeNoteText(overviewRow);
-}
-
-bool MainViewController::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == m_views->v3MainView) {
-        if (event->type() == QEvent::Resize) showCard();
-        return false;
-    }
-    if (event->type() == QEvent::Show) look(true);
-    if (event->type() == QEvent::Hide) look(false);
-    return QObject::eventFilter(watched, event);
-}
-
-void MainViewController::look(bool isOnScreen) {
-    m_looking.reset();
-    m_views->customTableView->cell(uninstallRow)
-        .setEnabled(m_parts.hasUninstall && m_parts.hasUninstall());
-    if (!isOnScreen || m_parts.watch == nullptr) return;
-    m_looking = m_parts.watch->observe(SystemWatch::Part::Volumes, [this](const SystemSight& seen) {
-        m_seen = seen;
-        showDisk();
-    });
-}
-
-void MainViewController::showDisk() {
-    const SeenVolume* const boot = bootVolume(m_seen.volumes);
-    if (boot == nullptr) return;
-    if (m_myMacView == nullptr || m_myMacView->customView() == nullptr) {
-        delete m_myMacView;
-        m_myMacView =
-            new MyMacView([this] { return m_seen.volumes; }, *m_parts.pages.notifications, *this);
-        m_views->myMacPlace->addWidget(m_myMacView);
-        showCard();
-    } else {
-        m_myMacView->updateViewAndData();
-    }
-    const VolumeSpace space = spaceOf(*boot->record);
-    m_views->diskRing->setDisk(space.total, space.free);
-    if (freeString == boot->record->freeSpace && totleString == boot->record->totalSpace) return;
-    GetFreeTotleArr({boot->record->totalSpace, boot->record->freeSpace});
-}
-
-void MainViewController::showDiskPage() {
-    if (m_freeSpacePage == nullptr && m_parts.watch != nullptr && m_parts.ejections != nullptr) {
-        m_freeSpacePage = std::make_unique<FreeSpacePage>(
-            m_parts.pages, FreeSpaceParts{.watch = m_parts.watch, .ejections = m_parts.ejections});
-        m_views->diskSizePlace->layout()->addWidget(m_freeSpacePage->view());
-    }
-    m_views->content->setCurrentWidget(m_views->diskSizePlace);
-    showFilter();
+    const bool hasNames = m_state == State::Reviewing && shown != m_views->v3MainView &&
+                          shown != m_views->emptyView && shown != m_views->diskSizePlace;
+    if (!hasNames) m_views->filterField->clear();
+    m_views->filterField->setVisible(hasNames);
 }
 
 }  // namespace orrinvale

@@ -1,6 +1,6 @@
 // MainViewController: what is done with rows of the six lists.
 #include <QMenu>
-#include <algorithm>
+#include <utility>
 
 #include "engine/cleaning/CleanPageRows.h"
 #include "engine/cleaning/KeepList.h"
@@ -8,44 +8,12 @@
 #include "ui/cleaning/CleanViews.h"
 #include "ui/cleaning/MainViewController.h"
 #include "ui/cleaning/ScanListModel.h"
-#include "ui/cleaning/ScanListView.h"
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/dialogs/failureWords.h"
-#include "ui/kit/lists/TickBox.h"
 #include "ui/page/PageStack.h"
 #include "ui/page/rowMenu.h"
 
 namespace orrinvale {
-
-void MainViewController::listBoxClicked(std::size_t category, std::size_t row) {
-    if (isFree()) m_tableControllers.at(category)->toggleRow(row);
-}
-
-// What a filter hides is left as it is.
-void MainViewController::listHeaderClicked(std::size_t category) {
-    ScanViewController& list = *m_tableControllers.at(category);
-    ScanListView& view = *m_views->lists.at(category);
-    const ScanListModel& model = *m_models.at(category);
-    if (!isFree() || !list.scanFiles) return refreshLists();
-    if (!model.isFiltered()) {
-        const bool isOn = sumsOf(list).state() != 1;
-        QWidget* const from = view.headerBox();
-        return list.cleanShowSelectNumInBottom(isOn, std::any(from));
-    }
-    const std::vector<std::size_t> shown = model.shownNumbers();
-    const auto isTicked = [&](std::size_t row) { return (*list.scanFiles)[row]->bIsSelected; };
-    const bool isOn = !std::ranges::all_of(shown, isTicked);
-    for (const std::size_t row : shown) (*list.scanFiles)[row]->bIsSelected = isOn;
-    cleanShowSelectNumInBottomNotice.post(*m_parts.pages.notifications, {.state = isOn});
-}
-
-void MainViewController::refreshLists() {
-    for (std::size_t i = 0; i < m_models.size(); ++i) {
-        m_views->lists.at(i)->headerBox()->setState(
-            static_cast<TickState>(sumsOf(*m_tableControllers.at(i)).state()));
-        if (m_views->lists.at(i)->isVisible()) m_models.at(i)->refresh();
-    }
-}
 
 void MainViewController::reveal(const std::string& path) const {
     if (m_parts.pages.reveal) m_parts.pages.reveal(path);
@@ -77,21 +45,32 @@ void MainViewController::alwaysKeep(const std::string& path, std::size_t categor
                 alert.severity = Alert::Severity::Warning;
                 return m_parts.pages.dialogs->alert(m_mainWindow, alert, [](int) {});
             }
-            ScanViewController& list = *m_tableControllers.at(category);
-            if (m_state != State::Reviewing || !list.scanFiles) return;
-            list.leaveOut(path);
-            m_views->allNewViewArr.at(category)->observeFoundText(
-                std::string(cleanCategories.at(category).context), list.filesSize);
-            m_views->customTableView->observeFoundText(
-                std::string(cleanCategories.at(category).context), list.filesSize);
-            m_models.at(category)->setList(list);
-            listsChanged();
-            setHiddenCheckBoxAction();
-            showShares();
-            cleanShowSelectNumInBottomNotice.post(*m_parts.pages.notifications, {});
-            showRow();
-            showKept();
+            if (m_state == State::Reviewing) leaveOut(path, category);
+            else m_keptLate.emplace_back(category, path);
         });
+}
+
+void MainViewController::leaveOut(const std::string& path, std::size_t category) {
+    ScanViewController& list = *m_tableControllers.at(category);
+    list.leaveOut(path);
+    const std::string context(cleanCategories.at(category).context);
+    m_views->allNewViewArr.at(category)->observeFoundText(context, list.filesSize);
+    m_views->customTableView->observeFoundText(context, list.filesSize);
+    m_models.at(category)->takeOut(path);
+    rowTaken(category, path);
+    setHiddenCheckBoxAction();
+    showShares();
+    cleanShowSelectNumInBottomNotice.post(*m_parts.pages.notifications, {});
+    showRow();
+    showKept();
+}
+
+// A scan or a clean that began before the wish was noted has not heeded it.
+void MainViewController::leaveOutLate() {
+    for (const auto& [category, path] : std::exchange(m_keptLate, {})) {
+        m_tableControllers.at(category)->leaveOut(path);
+        m_models.at(category)->takeOut(path);
+    }
 }
 
 void MainViewController::browseVolume(const std::string& volRootDir) {

@@ -72,11 +72,6 @@ void NewMainViewController::makeOutline() {
             });
 }
 
-void NewMainViewController::clickScanBtn() {
-    forwardViewAnimation();
-    scanButtonAction();
-}
-
 void NewMainViewController::willScan() {
     m_model.setTree(nullptr);
     m_tree.clear();
@@ -90,6 +85,17 @@ void NewMainViewController::scansEnded() {
 }
 
 void NewMainViewController::listsChanged() { constructTree(); }
+
+// Whoever reads the outline keeps the place.
+void NewMainViewController::rowTaken(std::size_t category, const std::string& path) {
+    const TreeNode::Pointer went = m_tree.takeOut(category, path);
+    if (went != nullptr) m_model.rowsWent();
+}
+
+void NewMainViewController::rowShown() {
+    views().outlineButton->setVisible(!m_isOutlineShown && treeData() != nullptr &&
+                                      selectRowNum == overviewRow);
+}
 
 void NewMainViewController::constructTree() {
     m_model.setTree(nullptr);
@@ -129,15 +135,11 @@ ScanViewController& NewMainViewController::returnScanViewController(std::string_
 
 void NewMainViewController::headerClicked() {
     if (!isFree() || treeData() == nullptr) return changeAllSelectCheckBoxState();
-    const bool isOn = m_tree.changeAllSelectCheckBoxState() != 1;
+    const bool isOn = shownState() != 1;
     if (!m_model.isFiltered()) return setAllSelectOrNoSelect(isOn ? 1 : 0);
     for (std::size_t i = 0; i < treeData()->numberOfChildren(); ++i) {
         TreeNode& group = *treeData()->childAtIndex(i);
-        std::vector<TreeNode*> shown = m_model.shownLeaves(group);
-        std::erase_if(shown, [isOn](const TreeNode* leaf) {
-            return (simpleData(*leaf)->selectNum() == 1) == isOn;
-        });
-        if (!shown.empty()) m_tree.clickLeaves(group, shown);
+        m_tree.setLeaves(group, m_model.shownLeaves(group), isOn);
     }
     ticksWereChanged();
 }
@@ -150,8 +152,12 @@ void NewMainViewController::setAllSelectOrNoSelect(std::int32_t state) {
     ticksWereChanged();
 }
 
+std::int32_t NewMainViewController::shownState() const {
+    return m_model.isFiltered() ? m_model.shownState() : m_tree.changeAllSelectCheckBoxState();
+}
+
 void NewMainViewController::changeAllSelectCheckBoxState() {
-    button->setState(static_cast<TickState>(m_tree.changeAllSelectCheckBoxState()));
+    button->setState(static_cast<TickState>(shownState()));
 }
 
 // The tree is ahead of everything else.
@@ -195,6 +201,7 @@ void NewMainViewController::cleanSuccessBtnShowStyle() {
 
 void NewMainViewController::filterChanged(const QString& words) {
     m_model.setFilter(words);
+    changeAllSelectCheckBoxState();
     if (!words.isEmpty() && treeData() != nullptr) outline->expandAll();
 }
 
@@ -204,8 +211,8 @@ QWidget* NewMainViewController::overview() const {
 
 void NewMainViewController::showOutline(bool isOn) {
     m_isOutlineShown = isOn;
-    views().outlineButton->setVisible(!isOn && treeData() != nullptr);
     if (selectRowNum == overviewRow) showRow();
+    rowShown();
 }
 
 void NewMainViewController::forwardViewAnimation() {

@@ -21,10 +21,6 @@ public:
     explicit NewMainViewController(CleanPageParts parts, QObject* parent = nullptr);
     ~NewMainViewController() override;
 
-    /// The start button.
-    void clickScanBtn();
-    void clickBackBtn() { backViewAnimation(); }
-
     [[nodiscard]] const CleanTree& tree() const { return m_tree; }
     [[nodiscard]] SimpleTreeNode* treeData() const { return m_tree.treeData(); }
     [[nodiscard]] std::size_t allSelectNumArr() const { return m_tree.allSelectNumArr(); }
@@ -36,7 +32,7 @@ public:
     [[nodiscard]] ScanViewController& returnScanViewController(std::string_view name) const;
     /// The box above: 1 ticks everything, anything else clears it.
     void setAllSelectOrNoSelect(std::int32_t state);
-    /// The box takes the state of all groups together.
+    /// The box takes the state of all groups together, or of what the filter shows of them.
     void changeAllSelectCheckBoxState();
     void refOutlineWhenClickScanView();
     /// A box of a list has gone off.
@@ -48,6 +44,7 @@ public:
 private:
     void makeOutline();
     void headerClicked();
+    [[nodiscard]] std::int32_t shownState() const;
     void ticksWereChanged();
     void showNumber();
     void showExpanded();
@@ -57,6 +54,8 @@ private:
     void willScan() override;
     void scansEnded() override;
     void listsChanged() override;
+    void rowTaken(std::size_t category, const std::string& path) override;
+    void rowShown() override;
     void ticksChanged() override { refOutlineWhenClickScanView(); }
     void fly(const QWidget* from) override;
     void cleanSuccessBtnShowStyle() override;

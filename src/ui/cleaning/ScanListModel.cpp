@@ -82,6 +82,21 @@ void ScanListModel::setList(const ScanViewController& list) {
     endResetModel();
 }
 
+void ScanListModel::takeOut(const std::string& path) {
+    const auto row = std::ranges::find(
+        m_rows, path, [](const auto& each) -> const std::string& { return each.info->path; });
+    if (row == m_rows.end()) return;
+    const auto place = std::size_t(row - m_rows.begin());
+    const auto shown = std::ranges::find(m_shown, place);
+    const int line = shown != m_shown.end() ? int(shown - m_shown.begin()) : -1;
+    if (line >= 0) beginRemoveRows({}, line, line);
+    for (auto later = m_rows.erase(row); later != m_rows.end(); ++later) --later->number;
+    if (line >= 0) m_shown.erase(shown);
+    for (std::size_t& each : m_shown)
+        if (each > place) --each;
+    if (line >= 0) endRemoveRows();
+}
+
 void ScanListModel::clear() {
     beginResetModel();
     m_rows.clear();
@@ -108,9 +123,7 @@ void ScanListModel::setOrder(std::optional<CleanOrder> order, bool isDescending)
 void ScanListModel::arrange() {
     m_shown.clear();
     for (std::size_t i = 0; i < m_rows.size(); ++i)
-        if (m_filter.isEmpty() ||
-            QString::fromStdString(m_rows[i].info->name).contains(m_filter, Qt::CaseInsensitive))
-            m_shown.push_back(i);
+        if (hasWords(m_rows[i].info->name, m_filter)) m_shown.push_back(i);
     if (!m_order) return;
     const auto isBefore = [this](std::size_t a, std::size_t b) {
         const ScanListRow& first = m_rows[m_isDescending ? b : a];
@@ -128,6 +141,22 @@ std::vector<std::size_t> ScanListModel::shownNumbers() const {
     std::vector<std::size_t> numbers;
     for (const std::size_t each : m_shown) numbers.push_back(m_rows[each].number);
     return numbers;
+}
+
+CleanSums ScanListModel::shownSums() const {
+    CleanSums sums;
+    for (const std::size_t each : m_shown) sums.add(*m_rows[each].info);
+    return sums;
+}
+
+ScanViewController::Rows ScanListModel::shownTicked() const {
+    std::vector<std::size_t> ticked;
+    for (const std::size_t each : m_shown)
+        if (m_rows[each].info->bIsSelected) ticked.push_back(each);
+    std::ranges::sort(ticked);
+    ScanViewController::Rows rows;
+    for (const std::size_t each : ticked) rows.push_back(m_rows[each].info);
+    return rows;
 }
 
 QModelIndex ScanListModel::index(int row, int column, const QModelIndex& parent) const {

@@ -9,7 +9,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "engine/cleaning/ScanViewController.h"
+#include "engine/cleaning/CleanRun.h"
 #include "ui/kit/lists/TickModel.h"
 
 namespace orrinvale {
@@ -39,6 +39,8 @@ public:
 
     /// Shows what the list has by now.
     void setList(const ScanViewController& list);
+    /// This row alone has left the list.
+    void takeOut(const std::string& path);
     void clear();
     void setFilter(const QString& words);
     void setOrder(std::optional<CleanOrder> order, bool isDescending);
@@ -48,6 +50,9 @@ public:
     /// In the list, of the rows that the filter shows.
     [[nodiscard]] std::vector<std::size_t> shownNumbers() const;
     [[nodiscard]] bool isFiltered() const { return !m_filter.isEmpty(); }
+    /// Of the rows that the filter shows; the ticked ones in the order of the list.
+    [[nodiscard]] CleanSums shownSums() const;
+    [[nodiscard]] ScanViewController::Rows shownTicked() const;
 
     [[nodiscard]] QModelIndex index(int row, int column,
                                     const QModelIndex& parent = {}) const override;

@@ -95,6 +95,11 @@ QString foundWords(const std::string& size) {
     return size == "0.00KB" ? sizeWords(0) : shownSize(size);
 }
 
+bool hasWords(std::string_view name, const QString& words) {
+    return words.isEmpty() || QString::fromUtf8(name.data(), qsizetype(name.size()))
+                                  .contains(words, Qt::CaseInsensitive);
+}
+
 QString ageWords(std::int64_t nanoseconds) {
     constexpr std::int64_t minute = 60, hour = 3600, day = 86400, month = 30 * day,
                            year = 365 * day;
@@ -140,7 +145,7 @@ FigureSentence cleanedSentence(std::uint64_t bytes) {
     return {Words::tr("%1 is cleaned"), {sizeWords(bytes)}};
 }
 
-Alert cleanQuestion(const CleanSums& sums) {
+Alert cleanQuestion(const CleanSums& sums, std::size_t hidden) {
     const QString size = sizeWords(sums.bytes);
     Alert question =
         goodbye(Words::tr("Remove what is ticked for good?"),
@@ -149,6 +154,13 @@ Alert cleanQuestion(const CleanSums& sums) {
                                              nullptr, static_cast<int>(sums.ticked))
                                        .arg(size),
                 {Words::tr("Clean %1").arg(size), Words::tr("Cancel")});
+    if (hidden > 0)
+        question.text +=
+            QLatin1Char(' ') + (hidden == 1 ? Words::tr("1 more is ticked that the filter "
+                                                        "hides; it stays.")
+                                            : Words::tr("%Ln more are ticked that the filter "
+                                                        "hides; they stay.",
+                                                        nullptr, static_cast<int>(hidden)));
     question.isDestructive = true;
     question.deafTime = deafTime;
     return question;
@@ -165,6 +177,13 @@ Alert downloadsQuestion() {
     Alert question = goodbye(downloadsWords(), sureWords(), {Words::tr("OK"), Words::tr("Cancel")});
     question.linkText = Words::tr("View Downloads");
     return question;
+}
+
+Alert changedAlert() {
+    Alert alert;
+    alert.title = Words::tr("Nothing was removed.");
+    alert.text = Words::tr("What is ticked has changed since you were asked. Look at it again.");
+    return alert;
 }
 
 Alert privilegesAlert() {
@@ -193,22 +212,23 @@ QString lessThanPromised(std::optional<std::int64_t> gained, std::uint64_t promi
         .arg(sizeWords(promised));
 }
 
-QString keptWords(const std::vector<const CategoryListing*>& listings) {
+QString keptWords(const std::vector<ShownListing>& listings) {
     std::size_t count = 0;
-    for (const CategoryListing* const each : listings)
+    for (const auto& [title, each] : listings)
         count += each->kept.size() + each->closed.size() + each->skipped.size();
     if (count == 0) return {};
     return count == 1 ? Words::tr("kept: 1 entry")
                       : Words::tr("kept: %Ln entries", nullptr, static_cast<int>(count));
 }
 
-QStringList keptLines(const std::vector<const CategoryListing*>& listings) {
+QStringList keptLines(const std::vector<ShownListing>& listings) {
     std::vector<Kept> kept;
-    for (const CategoryListing* const each : listings) {
+    for (const auto& [title, each] : listings) {
         for (const CleanRow& row : each->kept)
             kept.push_back({row.path, std::string(row.keptWords)});
         for (const CategoryListing::Closed& closed : each->closed)
-            kept.push_back({closed.path, closed.reason});
+            kept.push_back(
+                {closed.path.empty() ? title.toStdString() : closed.path, closed.reason});
         for (const Error& error : each->skipped) kept.push_back({error.path, error.reason()});
     }
     return linesByReason(kept);

@@ -5,10 +5,12 @@
 #include <QStringList>
 #include <cstdint>
 #include <optional>
+#include <string_view>
+#include <vector>
 
 #include "engine/cleaning/CategoryScan.h"
 #include "engine/cleaning/CleanCategory.h"
-#include "engine/cleaning/CleanTree.h"
+#include "engine/cleaning/CleanRun.h"
 #include "engine/cleaning/FileLog.h"
 #include "ui/kit/dialogs/Dialogs.h"
 
@@ -26,6 +28,8 @@ namespace orrinvale {
 [[nodiscard]] QString sizeWords(std::uint64_t bytes);
 /// The same of a size text of a run, which begins without a blank.
 [[nodiscard]] QString foundWords(const std::string& size);
+/// Whether a name has these words in it, in whatever case; no words are in every name.
+[[nodiscard]] bool hasWords(std::string_view name, const QString& words);
 /// How long ago, in its largest unit.
 [[nodiscard]] QString ageWords(std::int64_t nanoseconds);
 
@@ -42,8 +46,11 @@ struct FigureSentence {
 [[nodiscard]] FigureSentence selectedSentence(const CleanSums& sums);
 [[nodiscard]] FigureSentence cleanedSentence(std::uint64_t bytes);
 
-/// Whether all of this may go for good: 0 for yes; 1 for no, which Escape gives too.
-[[nodiscard]] Alert cleanQuestion(const CleanSums& sums);
+/// Whether all of this may go for good: 0 for yes; 1 for no, which Escape gives too. `hidden`: so
+/// many more are ticked, which a filter hides and which stay.
+[[nodiscard]] Alert cleanQuestion(const CleanSums& sums, std::size_t hidden);
+/// That nothing went, since what was asked about is no longer what is ticked.
+[[nodiscard]] Alert changedAlert();
 /// Whether the downloads may go along: 0 for yes, 1 for the others alone, 2 for nothing at all,
 /// which Escape gives too.
 [[nodiscard]] Alert downloadsAlongQuestion();
@@ -57,9 +64,15 @@ struct FigureSentence {
 [[nodiscard]] QString gainedWords(std::optional<std::int64_t> gained);
 [[nodiscard]] QString lessThanPromised(std::optional<std::int64_t> gained, std::uint64_t promised);
 
+/// A listing of the category with this title.
+struct ShownListing {
+    QString title;
+    const CategoryListing* listing;
+};
+
 /// "kept: 3 entries", empty for none; and the lines behind it, each reason with its entries.
-[[nodiscard]] QString keptWords(const std::vector<const CategoryListing*>& listings);
-[[nodiscard]] QStringList keptLines(const std::vector<const CategoryListing*>& listings);
+[[nodiscard]] QString keptWords(const std::vector<ShownListing>& listings);
+[[nodiscard]] QStringList keptLines(const std::vector<ShownListing>& listings);
 
 /// Of the trash how many entries there are, and since when; empty where there are none.
 [[nodiscard]] QString trashWords(const CategoryListing& listing);

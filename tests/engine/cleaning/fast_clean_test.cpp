@@ -6,8 +6,8 @@
 #include "engine/cleaning/BrowseFolderOperation.h"
 #include "engine/cleaning/CleanHome.h"
 #include "engine/cleaning/DeleteFolderOperation.h"
+#include "engine/cleaning/LockedDoor.h"
 #include "engine/cleaning/QnAuthorization.h"
-#include "engine/removal/PlainDoor.h"
 #include "support/ServedQueue.h"
 #include "support/test.h"
 
@@ -15,25 +15,9 @@ namespace orrinvale {
 namespace {
 
 using testing::CleanHome;
+using testing::LockedDoor;
 using testing::ServedQueue;
 using Lines = std::vector<std::string>;
-
-/// A door that this user may not pass with entries whose names begin with "locked".
-class LockedDoor final : public RemovalDoor {
-public:
-    explicit LockedDoor(const FileSystem& files) : m_plain(files, ProtectedPlaces()) {}
-    RemovalResult remove(const LeavingEntry& entry, const std::atomic<bool>& stop) override {
-        if (!lastPathComponent(entry.path).starts_with("locked"))
-            return m_plain.remove(entry, stop);
-        RemovalResult refused;
-        refused.failed = 1;
-        refused.failures.push_back({entry.path, "Permission denied", StayReason::Rights});
-        return refused;
-    }
-
-private:
-    PlainDoor m_plain;
-};
 
 /// Two folders of the user's caches, the way from measuring to the end, and what is told on it.
 struct Journey {

@@ -2,6 +2,7 @@
 #include "engine/cleaning/ScanViewController.h"
 
 #include "engine/cleaning/CleanHome.h"
+#include "engine/cleaning/CleanRun.h"
 #include "engine/removal/PlainDoor.h"
 #include "engine/settings/UserDefaults.h"
 #include "engine/text/UtilityFunction.h"
@@ -110,6 +111,88 @@ TEST(ScanViewController, aScanTellsItsTotalItsRowsAndItsEnd) {
     page.list.cancelScanTask();
     ASSERT_TRUE(page.queue.serveUntil([&] { return !page.list.isScanning(); }));
     EXPECT_TRUE(page.list.scanFiles.has_value());
+    EXPECT_TRUE(page.list.wasStopped());
+    ASSERT_TRUE(page.scan());
+    EXPECT_FALSE(page.list.wasStopped());
+}
+
+// Rows that are small beside the total, whose text has three digits.
+TEST(ScanViewController, theTotalIsThatOfTheRowsThatAreLeft) {
+    CleanHome home;
+    constexpr std::uint64_t large = 2'000'000'000, small = 20'000;
+    constexpr std::size_t count = 600;
+    ASSERT_TRUE(home.tree.write(".cache/large", ""));
+    std::filesystem::resize_file(home.tree.at(".cache/large"), large);
+    for (std::size_t i = 0; i < count; ++i)
+        ASSERT_TRUE(home.tree.write(fmt::format(".cache/{}", i), std::string(small, 'x')));
+    Page page(home);
+    ASSERT_TRUE(page.scan());
+    EXPECT_EQ(page.list.filesSize, "2.01 GB");
+    page.list.setAllCheckBoxSelect();
+    EXPECT_EQ(sumsOf(page.list).bytes, large + count * small);
+    page.tick({"large", "7", "8"});
+    // Of what is ticked only what was chosen goes.
+    ScanViewController::Rows chosen;
+    for (const auto& row : *page.list.scanFiles)
+        if (row->name != "9") chosen.push_back(row);
+    page.list.beginCleanTask(chosen, nullptr);
+    ASSERT_TRUE(page.queue.serveUntil([&] { return !page.list.isCleaning(); }));
+    EXPECT_EQ(page.names(), (Names{"7", "8", "9", "large"}));
+    EXPECT_EQ(page.list.totalBytes(), large + 3 * small);
+    EXPECT_EQ(page.list.filesSize, "2.00 GB");
+    EXPECT_EQ(page.list.iCleanSize, (count - 3) * small);
+}
+
+TEST(ScanViewController, whatAPersonKeepsIsToldOnce) {
+    CleanHome home;
+    ASSERT_TRUE(home.tree.write(".cache/a/x", std::string(3000, 'x')) &&
+                home.tree.write(".cache/a/mine", std::string(500, 'x')) &&
+                home.tree.write(".cache/b", "12") &&
+                home.tree.write("settings/always-keep", home.tree.at(".cache/a/mine") + "\n"));
+    Page page(home);
+    ASSERT_TRUE(page.scan());
+    EXPECT_EQ(page.list.totalBytes(), 3002U);
+    for (int round = 0; round < 2; ++round) page.list.leaveOut(home.tree.at(".cache/a"));
+    EXPECT_EQ(page.names(), Names{"b"});
+    EXPECT_EQ(page.list.totalBytes(), 2U);
+    ASSERT_EQ(page.list.listing().kept.size(), 1U);
+    EXPECT_EQ(page.list.listing().kept[0].kept, KeptBecause::Asked);
+    EXPECT_EQ(page.list.listing().kept[0].keptBytes, 3500U);
+}
+
+// Six lists end in any order, and a list that takes no part, or has ended, ends nothing.
+TEST(CleanRun, endsWithTheLastOfItsListsInEveryOrder) {
+    CleanHome home;
+    std::vector<std::unique_ptr<Page>> pages;
+    std::vector<ScanViewController*> lists;
+    for (int i = 0; i < 6; ++i) {
+        lists.push_back(&pages.emplace_back(std::make_unique<Page>(home))->list);
+        lists.back()->iCleanSize = 1U << i;
+    }
+    std::array<std::size_t, 6> order{0, 1, 2, 3, 4, 5};
+    int orders = 0;
+    do {
+        for (const unsigned categories : {0b111111U, 0b011111U, 0b000100U}) {
+            CleanRun run(lists, categories);
+            std::string ends;
+            std::size_t left = run.left();
+            for (const std::size_t category : order) {
+                ends += run.end(category) ? '!' : '.';
+                if (run.takesPart(category)) --left;
+                ASSERT_EQ(run.left(), left);
+                EXPECT_FALSE(run.end(category)) << "twice";
+            }
+            const auto last = std::find_if(order.rbegin(), order.rend(), [&](std::size_t category) {
+                return run.takesPart(category);
+            });
+            std::string wanted(6, '.');
+            wanted[std::size_t(order.rend() - last) - 1] = '!';
+            ASSERT_EQ(ends, wanted) << categories;
+            EXPECT_EQ(run.cleanedBytes(), categories);
+        }
+        ++orders;
+    } while (std::next_permutation(order.begin(), order.end()));
+    EXPECT_EQ(orders, 720);
 }
 
 TEST(ScanViewController, ticksAndTheirSetting) {
@@ -191,7 +274,9 @@ TEST(ScanViewController, aCleanTakesTheTickedRowsAndTellsOfTheRest) {
     EXPECT_TRUE(page.list.selDelFiles[0]->bIsSelected);
     EXPECT_EQ(page.list.selDelFiles[0]->size, "0.00 KB") << "of b all but what came";
     EXPECT_EQ(page.list.iCleanSize, 3'000'000U) << "a, b and what others left of f";
-    EXPECT_EQ(page.list.filesSize, "2.00 MB") << "the rest of f is told still, beside d";
+    EXPECT_EQ(page.list.filesSize, "1.00 MB") << "d alone, whatever others left of f";
+    for (const CleanRow& row : page.list.listing().rows)
+        EXPECT_EQ(row.onDisk > 0, row.path.ends_with("/d")) << "of b the disk gets nothing more";
     EXPECT_EQ(std::count(page.told.begin(), page.told.end(), "rows yes"), 1);
     EXPECT_EQ(page.told.back(), "KVO_CONTEXT_CLEAN_FINISH yes");
     ASSERT_TRUE(page.list.lastOutcome().has_value());

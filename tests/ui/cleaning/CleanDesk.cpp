@@ -5,7 +5,6 @@
 #include <QTreeView>
 
 #include "engine/cleaning/QnAuthorization.h"
-#include "engine/removal/PlainDoor.h"
 #include "engine/settings/PreferenceViewController.h"
 #include "ui/cleaning/CleanTreeModel.h"
 #include "ui/cleaning/FigureLabel.h"
@@ -39,7 +38,9 @@ void HeldFolders::letAllGo() {
     m_changed.notify_all();
 }
 
-CleanDesk::CleanDesk(std::initializer_list<std::pair<const char*, std::size_t>> files) {
+CleanDesk::CleanDesk(std::initializer_list<std::pair<const char*, std::size_t>> files,
+                     std::int64_t secondsLater) {
+    home.secondsLater = secondsLater;
     for (const auto& [name, bytes] : files) write(name, bytes);
     home.files.beforeRemoval = [this](std::string_view operation) {
         if (operation == "removeEntry") removing.pass();
@@ -65,7 +66,8 @@ CleanDesk::CleanDesk(std::initializer_list<std::pair<const char*, std::size_t>> 
     parts.clean.utilities = &utilities;
     parts.watch = watch.get();
     parts.ejections = ejections.get();
-    parts.makeDoor = [this](CleanCategory) {
+    parts.makeDoor = [this](CleanCategory) -> std::unique_ptr<RemovalDoor> {
+        if (isLocked) return std::make_unique<LockedDoor>(home.files);
         return std::make_unique<PlainDoor>(home.files, ProtectedPlaces());
     };
     parts.openFolder = [this](const std::string& folder) { opened.push_back(folder); };

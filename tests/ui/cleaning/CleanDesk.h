@@ -5,6 +5,7 @@
 #include <set>
 
 #include "engine/cleaning/CleanHome.h"
+#include "engine/cleaning/LockedDoor.h"
 #include "engine/cleaning/ParseFileLog.h"
 #include "engine/settings/UserDefaults.h"
 #include "platform/ForwardingFiles.h"
@@ -44,8 +45,10 @@ class CleanDesk : public NamedControls {
 public:
     using State = MainViewController::State;
 
-    /// `fill` puts the first files into the home.
-    explicit CleanDesk(std::initializer_list<std::pair<const char*, std::size_t>> files = {});
+    /// `files` are in the home at first. `secondsLater`: so long ago they were written, for who
+    /// asks.
+    explicit CleanDesk(std::initializer_list<std::pair<const char*, std::size_t>> files = {},
+                       std::int64_t secondsLater = 3600);
     ~CleanDesk() override;
     CleanDesk(const CleanDesk&) = delete;
     CleanDesk& operator=(const CleanDesk&) = delete;
@@ -85,7 +88,8 @@ public:
     CountedMemory memory;
     std::unique_ptr<SystemWatch> watch;
     std::unique_ptr<Ejections> ejections;
-    Gate removing;  ///< before an entry is unlinked
+    Gate removing;          ///< before an entry is unlinked
+    bool isLocked = false;  ///< names that begin with "locked" want the administrator right
     std::atomic<std::uint64_t> free{1'000'000'000};
     std::vector<std::string> opened, revealed;
     std::unique_ptr<AppPrefsWindowController> window;

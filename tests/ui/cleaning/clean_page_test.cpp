@@ -21,7 +21,7 @@ TEST(CleanPage, FromTheFirstLookToIsCleaned) {
                    {".local/share/Trash/files/old", 1'000'000},
                    {"Downloads/keep.iso", 2'000'000}};
     desk.tickOnly({UserCaches, UserTrash});
-    EXPECT_EQ(desk.sentence("startNote").substr(0, 29), "0.00 KB space has been recove");
+    EXPECT_SOON(desk.sentence("startNote").starts_with("0.00 KB space has been recove"));
     EXPECT_EQ(int(desk.state()), int(State::Fresh));
     ASSERT_TRUE(desk.scan());
     EXPECT_EQ(desk.outline(),
@@ -47,8 +47,8 @@ TEST(CleanPage, FromTheFirstLookToIsCleaned) {
     EXPECT_EQ(desk.outline(), "User Caches 0/1 500.00 KB .\nDownloads 0/1 2.00 MB .\n");
     EXPECT_EQ(desk.settings(), "000000");
     EXPECT_SOON(desk.textOf("gainLabel") == "Free space grew by 2.00 MB");
-    EXPECT_EQ(desk.noted(), 4'000'000U);
-    EXPECT_EQ(desk.sentence("noteTextField").substr(0, 29), "4.00 MB space has been recove");
+    EXPECT_SOON(desk.noted() == 4'000'000U &&
+                desk.sentence("noteTextField").starts_with("4.00 MB space has been recove"));
 
     // What comes back is marked, and whole categories are ticked by the settings alone.
     desk.write(".cache/a/y", 10);
@@ -116,11 +116,11 @@ TEST(CleanPage, TheScansMayEndInAnyOrder) {
     for (const bool isForward : {true, false}) {
         for (const std::string& each : folders) desk.held.hold(each);
         desk.click(desk.isShown("startButton") ? "startButton" : "rescanButton");
-        ASSERT_SOON(desk.page->finishScanCount == 2);
+        ASSERT_SOON(desk.page->finishScanCount() == 2);
         EXPECT_FALSE(desk.isShown("outline") || desk.isEnabled("rescanButton"));
         EXPECT_TRUE(desk.isShown("v3MainView") && desk.isShown("stopButton"));
         desk.held.letGo(isForward ? folders[0] : folders[1]);
-        ASSERT_SOON(desk.page->finishScanCount == 1);
+        ASSERT_SOON(desk.page->finishScanCount() == 1);
         EXPECT_EQ(desk.settings(), "010001") << "rows that just came have nothing to say";
         desk.held.letAllGo();
         ASSERT_TRUE(desk.waitForRest());
@@ -134,7 +134,7 @@ TEST(CleanPage, ACancelledScanShowsWhatItFound) {
     desk.tickOnly({UserCaches, UserDownloads});
     desk.held.hold(desk.home.tree.at("Downloads"));
     desk.click("startButton");
-    ASSERT_SOON(desk.page->finishScanCount == 1);
+    ASSERT_SOON(desk.page->finishScanCount() == 1);
     desk.click("scanButton");
     EXPECT_EQ(int(desk.state()), int(State::Stopping));
     EXPECT_FALSE(desk.isEnabled("scanButton"));
@@ -183,11 +183,12 @@ TEST(CleanPage, TheHistoryHasTheCapacityAndWhatIsAvailable) {
                     .ends_with("The capacity of startup disk is 512.00 GB, and 20.00 GB is "
                                "available."))
         << desk.sentence("startNote");
+    EXPECT_SOON(desk.sentence("startNote").starts_with("0.00 KB space has been recovered"));
     // A record that was damaged.
     ASSERT_TRUE(desk.home.tree.write("state/.kelpford.log.bin", "logName=SIZE&&date=x&&iSize=7"));
-    desk.page->changeNoteText(0);
-    EXPECT_EQ(desk.sentence("startNote"),
-              "The capacity of startup disk is 512.00 GB, and 20.00 GB is available.");
+    desk.control("cleanPage").hide();
+    desk.control("cleanPage").show();
+    EXPECT_SOON(desk.sentence("startNote").starts_with("The capacity of startup disk is "));
 }
 
 }  // namespace
