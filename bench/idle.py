@@ -13,7 +13,7 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parents[1]
 PROGRAM = ROOT / "build/release/bin/orrinvale"
 HOST = ROOT / "tests/tray/status_notifier_host.py"
-PAGES = ("large-files", "duplicates", "disk-usage", "clean", "memory")
+PAGES = ("large-files", "duplicates", "disk-usage", "clean", "uninstall", "memory")
 TICKS = os.sysconf("SC_CLK_TCK")
 
 BARS = {"processor, %": 0.1, "wake-ups a second": 0.7, "resident, MiB": 55.0}

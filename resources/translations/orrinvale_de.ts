@@ -1407,6 +1407,230 @@
         <source>nothing can start this at login</source>
         <translation>nichts kann das bei der Anmeldung starten</translation>
     </message>
+    <message>
+        <source>The service that removes packages, PackageKit, is not there</source>
+        <translation>Der Dienst, der Pakete entfernt, PackageKit, ist nicht da</translation>
+    </message>
+    <message>
+        <source>The service that removes packages does not answer</source>
+        <translation>Der Dienst, der Pakete entfernt, antwortet nicht</translation>
+    </message>
+    <message>
+        <source>The service that removes packages gave no reason</source>
+        <translation>Der Dienst, der Pakete entfernt, nannte keinen Grund</translation>
+    </message>
+    <message>
+        <source>Another program installs or removes packages at the moment</source>
+        <translation>Ein anderes Programm installiert oder entfernt gerade Pakete</translation>
+    </message>
+    <message>
+        <source>The password was not given</source>
+        <translation>Das Passwort wurde nicht eingegeben</translation>
+    </message>
+    <message>
+        <source>The system does not let this person remove packages</source>
+        <translation>Das System lässt Sie keine Pakete entfernen</translation>
+    </message>
+    <message>
+        <source>The system needs it</source>
+        <translation>Das System braucht es</translation>
+    </message>
+    <message>
+        <source>the system needs it</source>
+        <translation>das System braucht es</translation>
+    </message>
+    <message>
+        <source>Other packages need it</source>
+        <translation>Andere Pakete brauchen es</translation>
+    </message>
+    <message>
+        <source>Other packages would go by now than those that were listed</source>
+        <translation>Inzwischen würden andere Pakete entfernt als die aufgeführten</translation>
+    </message>
+    <message>
+        <source>The removal of packages could not be stopped any more</source>
+        <translation>Das Entfernen der Pakete ließ sich nicht mehr anhalten</translation>
+    </message>
+    <message>
+        <source>Packages are being installed or removed, or that was cut off</source>
+        <translation>Pakete werden gerade installiert oder entfernt, oder das wurde abgebrochen</translation>
+    </message>
+    <message>
+        <source>The list of packages can not be read</source>
+        <translation>Die Liste der Pakete ist nicht zu lesen</translation>
+    </message>
+    <message>
+        <source>the desktop runs on it</source>
+        <translation>der Desktop läuft damit</translation>
+    </message>
+    <message>
+        <source>people log in by it</source>
+        <translation>die Anmeldung läuft darüber</translation>
+    </message>
+    <message>
+        <source>the network is set up by it</source>
+        <translation>das Netz wird damit eingerichtet</translation>
+    </message>
+    <message>
+        <source>rights are asked for by it</source>
+        <translation>nach Rechten wird damit gefragt</translation>
+    </message>
+    <message>
+        <source>packages are removed by it</source>
+        <translation>Pakete werden damit entfernt</translation>
+    </message>
+    <message>
+        <source>it is the program that runs</source>
+        <translation>es ist das Programm, das gerade läuft</translation>
+    </message>
+    <message>
+        <source>The library of flatpak, libflatpak, is not there</source>
+        <translation>Die Bibliothek von flatpak, libflatpak, ist nicht da</translation>
+    </message>
+    <message>
+        <source>flatpak left it</source>
+        <translation>flatpak hat es dagelassen</translation>
+    </message>
+    <message>
+        <source>flatpak gave no reason</source>
+        <translation>flatpak nannte keinen Grund</translation>
+    </message>
+    <message>
+        <source>The snap service left it</source>
+        <translation>Der snap-Dienst hat es dagelassen</translation>
+    </message>
+    <message>
+        <source>The snap service gave no reason</source>
+        <translation>Der snap-Dienst nannte keinen Grund</translation>
+    </message>
+    <message>
+        <source>The snap service is not there</source>
+        <translation>Der snap-Dienst ist nicht da</translation>
+    </message>
+    <message>
+        <source>The snap service does not answer</source>
+        <translation>Der snap-Dienst antwortet nicht</translation>
+    </message>
+    <message>
+        <source>The snap service answers what makes no sense</source>
+        <translation>Der snap-Dienst antwortet Unverständliches</translation>
+    </message>
+    <message>
+        <source>The snap service does not tell what it has</source>
+        <translation>Der snap-Dienst sagt nicht, was er hat</translation>
+    </message>
+    <message>
+        <source>Nothing here removes its kind</source>
+        <translation>Nichts hier entfernt diese Art</translation>
+    </message>
+    <message>
+        <source>%1 stays: %2 is a link to it</source>
+        <translation>%1 bleibt: %2 ist eine Verknüpfung darauf</translation>
+    </message>
+    <message>
+        <source>Settings of %1 for everybody stay: %2 file in /etc</source>
+        <translation>Einstellungen von %1 für alle bleiben: %2 Datei in /etc</translation>
+    </message>
+    <message>
+        <source>Settings of %1 for everybody stay: %2 files in /etc</source>
+        <translation>Einstellungen von %1 für alle bleiben: %2 Dateien in /etc</translation>
+    </message>
+    <message>
+        <source>The data of %1 are kept in a snapshot for 31 days</source>
+        <translation>Die Daten von %1 werden 31 Tage in einem Schnappschuss aufgehoben</translation>
+    </message>
+    <message>
+        <source>What %1 keeps in the home stays</source>
+        <translation>Was %1 im persönlichen Ordner hat, bleibt</translation>
+    </message>
+    <message>
+        <source>The installation of flatpak in %1 can not be read</source>
+        <translation>Die Installation von flatpak in %1 ist nicht zu lesen</translation>
+    </message>
+    <message>
+        <source>It is installed in %1, from where flatpak itself removes</source>
+        <translation>Es ist in %1 installiert, von wo flatpak selbst entfernt</translation>
+    </message>
+    <message>
+        <source>Files of the package %1 go only with that package</source>
+        <translation>Dateien des Pakets %1 gehen nur mit diesem Paket</translation>
+    </message>
+    <message>
+        <source>A link leads to it, which is left alone: %1</source>
+        <translation>Eine Verknüpfung führt dorthin, die unberührt bleibt: %1</translation>
+    </message>
+    <message>
+        <source>Nobody can tell whether a package has brought it: %1</source>
+        <translation>Ob ein Paket es mitgebracht hat, ist nicht zu sagen: %1</translation>
+    </message>
+    <message>
+        <source>Nobody can tell whether it is gone: %1</source>
+        <translation>Ob es entfernt ist, ist nicht zu sagen: %1</translation>
+    </message>
+    <message>
+        <source>More than a removal would be done to %1</source>
+        <translation>Mit %1 würde mehr geschehen als ein Entfernen</translation>
+    </message>
+    <message>
+        <source>Another package went as well: %1</source>
+        <translation>Ein weiteres Paket wurde mit entfernt: %1</translation>
+    </message>
+    <message>
+        <source>What is left in the home is not offered, since others may use it: %1</source>
+        <translation>Was im persönlichen Ordner bleibt, wird nicht angeboten, weil anderes es benutzen kann: %1</translation>
+    </message>
+    <message>
+        <source>The service that removes packages says: %1</source>
+        <translation>Der Dienst, der Pakete entfernt, sagt: %1</translation>
+    </message>
+    <message>
+        <source>The snap service says: %1</source>
+        <translation>Der snap-Dienst sagt: %1</translation>
+    </message>
+    <message>
+        <source>it is named as the identifier of %1</source>
+        <translation>es heißt wie die Kennung von %1</translation>
+    </message>
+    <message>
+        <source>it is named as the package %1, which is not installed any more</source>
+        <translation>es heißt wie das Paket %1, das nicht mehr installiert ist</translation>
+    </message>
+    <message>
+        <source>it is named as the package %1</source>
+        <translation>es heißt wie das Paket %1</translation>
+    </message>
+    <message>
+        <source>it is named as the program of %1</source>
+        <translation>es heißt wie das Programm von %1</translation>
+    </message>
+    <message>
+        <source>the cache of %1</source>
+        <translation>der Cache von %1</translation>
+    </message>
+    <message>
+        <source>%1 is not installed any more</source>
+        <translation>%1 ist nicht mehr installiert</translation>
+    </message>
+    <message>
+        <source>%1 is the program that runs</source>
+        <translation>%1 ist das Programm, das gerade läuft</translation>
+    </message>
+    <message>
+        <source>%1 is never removed</source>
+        <translation>%1 wird nie entfernt</translation>
+    </message>
+    <message>
+        <source>%1 lies in its folder</source>
+        <translation>%1 liegt in seinem Ordner</translation>
+    </message>
+    <message>
+        <source>%1 would go along: %2</source>
+        <translation>%1 würde mit entfernt: %2</translation>
+    </message>
+    <message>
+        <source>%1 stays: %2</source>
+        <translation>%1 bleibt: %2</translation>
+    </message>
 </context>
 <context>
     <name>Removal</name>
@@ -1777,10 +2001,6 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>Freier Platz</translation>
     </message>
     <message>
-        <source>Uninstall</source>
-        <translation>Deinstallieren</translation>
-    </message>
-    <message>
         <source>Volumes</source>
         <translation>Datenträger</translation>
     </message>
@@ -1799,6 +2019,10 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>New: Orrinvale %1…</source>
         <translation>Neu: Orrinvale %1…</translation>
+    </message>
+    <message>
+        <source>Uninstall Applications</source>
+        <translation>Anwendungen deinstallieren</translation>
     </message>
 </context>
 <context>
@@ -3276,14 +3500,6 @@ Freie Software unter der Apache License 2.0.</translation>
 <context>
     <name>orrinvale::UninstallQuestion</name>
     <message>
-        <source>%1, %2, with a document or database</source>
-        <translation>%1, %2, mit einem Dokument oder einer Datenbank</translation>
-    </message>
-    <message>
-        <source>%1, %2, with %3 documents and databases</source>
-        <translation>%1, %2, mit %3 Dokumenten und Datenbanken</translation>
-    </message>
-    <message>
         <source>Uninstall Applications</source>
         <translation>Anwendungen deinstallieren</translation>
     </message>
@@ -3346,6 +3562,14 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>None of them can be removed</source>
         <translation>Keine davon kann entfernt werden</translation>
+    </message>
+    <message>
+        <source>with a document or database</source>
+        <translation>mit einem Dokument oder einer Datenbank</translation>
+    </message>
+    <message>
+        <source>with %1 documents and databases</source>
+        <translation>mit %1 Dokumenten und Datenbanken</translation>
     </message>
 </context>
 <context>

@@ -25,7 +25,7 @@ constexpr const char* help =
     "already\n"
     "comes to the front instead and takes over what is asked for.\n"
     "\n"
-    "  --action NAME  duplicates, large-files, clean, disk-usage, memory,\n"
+    "  --action NAME  duplicates, large-files, clean, disk-usage, uninstall, memory,\n"
     "                 login-items: show that page;\n"
     "                 fast-clean: show the window of Fast Clean, which waits for a click;\n"
     "                 eject-all: eject what can be ejected; quit: end the running program\n"
@@ -39,10 +39,11 @@ constexpr const char* help =
     "\n"
     "For scripts and servers there is orrinvale-cli.\n";
 
-constexpr std::array actions{
-    startAction::duplicates, startAction::largeFiles, startAction::clean,
-    startAction::diskUsage,  startAction::memory,     startAction::loginItems,
-    startAction::fastClean,  startAction::ejectAll,   startAction::quit};
+constexpr std::array actions{startAction::duplicates, startAction::largeFiles,
+                             startAction::clean,      startAction::diskUsage,
+                             startAction::uninstall,  startAction::memory,
+                             startAction::loginItems, startAction::fastClean,
+                             startAction::ejectAll,   startAction::quit};
 
 std::string activationToken() {
     for (const char* const name : {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"})

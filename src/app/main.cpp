@@ -35,6 +35,7 @@
 #include "engine/updates/releaseKeys.h"
 #include "platform/FolderVariables.h"
 #include "platform/instance.h"
+#include "platform/linux/LinuxApplications.h"
 #include "platform/linux/LinuxAuthorization.h"
 #include "platform/linux/LinuxFiles.h"
 #include "platform/linux/LinuxFolders.h"
@@ -78,6 +79,7 @@
 #include "ui/shell/MyNSApplication.h"
 #include "ui/shell/StallCounter.h"
 #include "ui/tray/Tray.h"
+#include "ui/uninstall/uninstallParts.h"
 #include "ui/volumes/FreeSpacePage.h"
 
 namespace orrinvale {
@@ -113,6 +115,7 @@ struct Shared {
     SystemWatch systemWatch{volumes, memory, mainQueue};
     Ejections ejections{volumes, mainQueue};
     LinuxHotKeys hotKeys;
+    const LinuxApplications applications;
     const AutostartItems::TakeAway takeLoginItem = [this](const LoginItemRecord& item) {
         return removeLoginItem(files, item, programFiles(), userStateFolder());
     };
@@ -203,7 +206,7 @@ AppDelegateParts delegateParts(Shared& shared, DesktopNotifications& desktopNoti
 }
 
 // The pages of the toolbar window; each is made when somebody looks at it.
-void preparePages(const AppDelegateParts& parts, AppDelegate& delegate) {
+void preparePages(const Shared& shared, const AppDelegateParts& parts, AppDelegate& delegate) {
     auto& pages = AppPrefsWindowController::sharedPrefsWindowController();
     pages.setOpenAddress(parts.pages.openAddress);
     pages.setOpenHelp([&delegate] { delegate.help(); });
@@ -223,6 +226,13 @@ void preparePages(const AppDelegateParts& parts, AppDelegate& delegate) {
                            const std::string& folder) { static_cast<void>(open(folder)); },
          .hasUninstall = [&pages] { return pages.hasPage(AppDelegate::uninstallIdentifier); },
          .openUninstall = [&delegate] { delegate.onClickUninstall(); }}));
+    pages.registerPage(uninstallPage(
+        parts.pages, uninstallPartsOf({.files = &shared.files,
+                                       .applications = &shared.applications,
+                                       .folders = &shared.folders,
+                                       .utilities = shared.utilities.get(),
+                                       .ownFiles = programFiles(),
+                                       .variables = FolderVariables::ofThisProcess()})));
     pages.registerPage(
         freeSpacePage(parts.pages, {.watch = parts.systemWatch, .ejections = parts.ejections}));
     pages.registerPage(memoryPage(
@@ -276,7 +286,7 @@ int runWindow(int argc, char** argv, const StartRequest& request,
     const AppDelegateParts parts =
         delegateParts(shared, desktopNotifications, trayHost, instance, service);
     AppDelegate delegate(parts);
-    preparePages(parts, delegate);
+    preparePages(shared, parts, delegate);
     const EndSignals signals([&delegate](int signal) { delegate.endBySignal(signal); });
     QObject::connect(&application, &QGuiApplication::commitDataRequest, &delegate,
                      [&defaults] { static_cast<void>(defaults.synchronize()); });

@@ -23,6 +23,7 @@ TEST(App, APairOfTheWordAndASizeTouchesMemoryAndAnythingElseNeedsADisplay) {
                  {{"fr"}, noDisplay},
                  {{"--action", "duplicates", "fr"}, noDisplay},
                  {{"--action=disk-usage"}, noDisplay},
+                 {{"--action=uninstall"}, noDisplay},
                  {{"--disk-usage", "/"}, noDisplay},
                  {{"--disk-usage=/", "/"}, "orrinvale: more than one thing is asked for\n"},
                  {{"--disk-usage"}, "orrinvale: : No such file or directory\n"},

@@ -21,7 +21,8 @@ ApplicationMenu::ApplicationMenu(const Actions& actions, QObject* parent)
     m_scanMenu = add("scanMenu", tr("Clean"), {}, actions.onClickScan);
     m_freeSpaceMenu = add("freeSpaceMenu", tr("Free Space"), {}, actions.onClickFree);
     m_diskUsageMenu = add("diskUsageMenu", tr("Disk Usage"), {}, actions.onClickDiskUsage);
-    m_UninstallMenu = add("UninstallMenu", tr("Uninstall"), {}, actions.onClickUninstall);
+    m_UninstallMenu =
+        add("UninstallMenu", tr("Uninstall Applications"), {}, actions.onClickUninstall);
     m_memory = add("memory", tr("Memory"), {}, actions.showMemory);
     m_loginItems = add("loginItems", tr("Login Items"), {}, actions.showLoginItems);
     m_fastClean = add("fastClean", tr("Fast Clean"), {}, actions.cleaningFile);

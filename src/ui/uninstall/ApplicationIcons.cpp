@@ -78,10 +78,15 @@ void ApplicationIcons::takeNext() {
     }
     const QIcon found = QIcon::fromTheme(QString::fromStdString(name));
     if (found.isNull()) return;
-    QIcon drawn;
-    for (const int side : {RowDelegate::largeIconSide, largeSide})
-        drawn.addPixmap(found.pixmap(QSize(side, side), qGuiApp->devicePixelRatio()));
-    keep(name, drawn);
+    constexpr QSize row(RowDelegate::largeIconSide, RowDelegate::largeIconSide);
+    keep(name, QIcon(found.pixmap(row, qGuiApp->devicePixelRatio())));
+}
+
+QIcon ApplicationIcons::largeIcon(const std::string& name) {
+    const QIcon found = name.empty() || name.front() == '/'
+                            ? QIcon()
+                            : QIcon::fromTheme(QString::fromStdString(name));
+    return found.isNull() ? icon(name) : found;
 }
 
 void ApplicationIcons::readNextFile() {

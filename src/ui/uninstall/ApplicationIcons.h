@@ -23,6 +23,9 @@ public:
 
     /// `name`: of the theme, or an absolute path in exact bytes; may be empty.
     [[nodiscard]] QIcon icon(const std::string& name);
+    /// For one application that somebody looks at: a picture of a theme in any size, drawn when it
+    /// is painted.
+    [[nodiscard]] QIcon largeIcon(const std::string& name);
 
 Q_SIGNALS:
     /// Pictures have come.

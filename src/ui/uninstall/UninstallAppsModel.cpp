@@ -15,7 +15,7 @@ namespace {
 
 using Sort = UninstallList::Sort;
 
-constexpr int signColumnWidth = 28, kindColumnWidth = 84, sizeColumnWidth = 92;
+constexpr int signColumnWidth = 28, kindColumnWidth = 84, sizeColumnWidth = 128;
 constexpr int dayColumnWidth = 96;
 constexpr ImageTextCell nameCell{2};
 

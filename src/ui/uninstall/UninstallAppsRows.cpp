@@ -126,7 +126,7 @@ void UninstallAppsController::cellClickOfView(const QModelIndex& index) {
     QWidget* const window =
         m_mainWindow != nullptr ? m_mainWindow.data() : m_views->resultView.data();
     if (item == nullptr || m_listWindow != nullptr) return;
-    auto* const details = new UninstallDetails(*item, m_icons.icon(item->record->icon));
+    auto* const details = new UninstallDetails(*item, m_icons.largeIcon(item->record->icon));
     m_listWindow = new Sheet(*window, details);  // ends itself
     connect(m_listWindow, &Sheet::cancelled, this, &UninstallAppsController::alertWindowOkAction);
     connect(details->okButton, &QAbstractButton::clicked, this,

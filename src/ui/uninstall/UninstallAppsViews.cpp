@@ -122,6 +122,7 @@ void UninstallAppsViews::fillHead(NotificationCenter& notifications) {
     filterField = named(new QLineEdit, "filterField", tr("Filter by name"));
     filterField->setPlaceholderText(tr("Filter"));
     filterField->setClearButtonEnabled(true);
+    filterField->setTextMargins(Theme::gapTiny, 0, Theme::gapTiny, 0);
     filterField->setFixedSize(filterWidth, Theme::controlHeight);
     lockButton = new Padlock(notifications);
     head->addWidget(filterField);

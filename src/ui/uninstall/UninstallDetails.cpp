@@ -4,7 +4,9 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLocale>
+#include <QPainter>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "engine/text/UtilityFunction.h"
 #include "ui/kit/chrome/TextImageButton.h"
@@ -28,8 +30,20 @@ QString moment(const Date& date) {
 }
 
 QPixmap largePicture(const QIcon& icon, qreal scale) {
-    const QPixmap drawn = icon.pixmap(QSize(pictureSide, pictureSide), scale);
-    ImageObject image(drawn.toImage());
+    // A small picture stands in the middle, at most twice its size, else it would blur.
+    const QImage drawn = icon.pixmap(QSize(pictureSide, pictureSide), scale).toImage();
+    const int side = qRound(pictureSide * scale);
+    QImage grown =
+        drawn.scaled(std::min(side, 2 * drawn.width()), std::min(side, 2 * drawn.height()),
+                     Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    grown.setDevicePixelRatio(1);
+    QImage whole(side, side, QImage::Format_ARGB32_Premultiplied);
+    whole.fill(Qt::transparent);
+    QPainter painter(&whole);
+    painter.drawImage(QPoint((side - grown.width()) / 2, (side - grown.height()) / 2), grown);
+    painter.end();
+    whole.setDevicePixelRatio(scale);
+    ImageObject image(whole);
     const QImage large = IconScaling::get200X200BigImage(image, false, 1.0F).rendered(scale);
     return QPixmap::fromImage(large);
 }

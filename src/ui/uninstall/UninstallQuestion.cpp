@@ -24,6 +24,7 @@ namespace orrinvale {
 namespace {
 
 constexpr int panelWidth = 560, leastHeight = 250, signSide = 40;
+constexpr int boxTextWidth = 440, boxIndent = 30;
 
 QString text(const std::string& bytes) { return onOneLine(QString::fromStdString(bytes)); }
 
@@ -55,14 +56,22 @@ QLabel* addLine(QVBoxLayout& lines, const QString& said, bool isQuiet = true) {
     return line;
 }
 
-QString leftoverText(const Leftover& leftover) {
+// What stands below its box: the path where the box has no room for it, and what is in it.
+QString leftoverText(const Leftover& leftover, bool isCut) {
     const QString size = shownSize(UtilityFunction::convertVolSpace(leftover.bytes));
-    const QString path = text(leftover.path);
-    if (leftover.preciousCount == 0) return QStringLiteral("%1, %2").arg(path, size);
+    QStringList words;
+    if (isCut) words.push_back(brokenAtFolders(leftover.path));
+    words.push_back(size);
     if (leftover.preciousCount == 1)
-        return UninstallQuestion::tr("%1, %2, with a document or database").arg(path, size);
-    return UninstallQuestion::tr("%1, %2, with %3 documents and databases")
-        .arg(path, size, QLocale().toString(qulonglong(leftover.preciousCount)));
+        words.push_back(UninstallQuestion::tr("with a document or database"));
+    else if (leftover.preciousCount > 1)
+        words.push_back(UninstallQuestion::tr("with %1 documents and databases")
+                            .arg(QLocale().toString(qulonglong(leftover.preciousCount))));
+    const QString said = words.join(QStringLiteral(", "));
+    if (leftover.precious.empty()) return said;
+    const bool areMore = leftover.preciousCount > leftover.precious.size();
+    return said + QStringLiteral(": ") + listed(leftover.precious) +
+           (areMore ? QStringLiteral(", ...") : QString());
 }
 
 QString leftoverTip(const Leftover& leftover) {
@@ -248,10 +257,13 @@ void UninstallQuestion::addLeftovers(Part& part, LeftoverGrade grade, const QStr
     for (const Leftover& each : part.forecast.leftovers) {
         if (each.grade != grade) continue;
         if (std::exchange(isFirst, false)) addLine(*part.lines, title);
-        auto* const box = named(new TickBox(leftoverText(each)), "leftoverBox");
+        const QString path = text(each.path);
+        const QString shown = fontMetrics().elidedText(path, Qt::ElideMiddle, boxTextWidth);
+        auto* const box = named(new TickBox(shown), "leftoverBox", path);
         box->setToolTip(asToolTip(leftoverTip(each)));
         part.lines->addWidget(box);
-        if (!each.precious.empty()) addLine(*part.lines, listed(each.precious));
+        QLabel* const said = addLine(*part.lines, leftoverText(each, shown != path));
+        said->setIndent(boxIndent);
         part.leftovers.emplace_back(box, each);
     }
 }

@@ -56,10 +56,11 @@ bool isOf(const ApplicationRecord& record, std::uint32_t process) {
     const std::vector<std::string> files = filesOf(process);
     if (files.empty()) return false;
     if (record.type == ApplicationType::AppImage) {
-        const QByteArray wanted = "APPIMAGE=" + QByteArray::fromStdString(record.path);
-        return contentOf(QStringLiteral("/proc/%1/environ").arg(process))
-            .split('\0')
-            .contains(wanted);
+        const QList<QByteArray> told =
+            contentOf(QStringLiteral("/proc/%1/environ").arg(process)).split('\0');
+        return std::ranges::any_of(record.programs, [&](const std::string& each) {
+            return told.contains("APPIMAGE=" + QByteArray::fromStdString(each));
+        });
     }
     const bool isFolder =
         record.type == ApplicationType::Folder || record.type == ApplicationType::App;

@@ -56,6 +56,10 @@ TEST(Translations, FailuresAndNumbersReadAsTheLanguageWritesThem) {
                     "kein Papierkorb auf dem Datenträger: Dateisystem schreibgeschützt"},
                    {"The system runs from this drive: it is mounted on /usr %1",
                     "Von diesem Laufwerk läuft das System: er ist unter /usr %1 eingehängt"},
+                   {"vim-common would go along: the system needs it",
+                    "vim-common würde mit entfernt: das System braucht es"},
+                   {"Settings of %2 [A] for everybody stay: 2 files in /etc",
+                    "Einstellungen von %2 [A] für alle bleiben: 2 Dateien in /etc"},
                    {"rm: words of a tool", "rm: words of a tool"},
                    {"", ""}};
     for (const auto& each : reasons) EXPECT_EQ(inWords(each.english).toStdString(), each.english);

@@ -372,7 +372,7 @@ TEST(UninstallPage, TheQuestionTellsWhatGoesAndNothingIsTicked) {
     ASSERT_SOON(desk.isEnabled("uninstallYes"));
     for (const char* said :
          {"Goes along: vim-common, <b>vim</b>, 0, 1,", " 38, 39\n", "Stays: /etc/chat\n",
-          "Goes to the trash:\n/opt/chat\n/x/chat.desktop\n", "\nletters.mbox\n",
+          "Goes to the trash:\n/opt/chat\n/x/chat.desktop\n", ": letters.mbox\n",
           "Stays: the system needs it\n"})
         EXPECT_THAT(desk.lines(), HasSubstr(said));
     const auto boxes = desk.sheet()->findChildren<TickBox*>(QStringLiteral("leftoverBox"));
@@ -573,13 +573,25 @@ TEST(UninstallPage, TwoThousandRowsHoldNoTurnUp) {
     desk.open();
     EXPECT_TRUE(desk.page->view()->isVisible());
     qint64 longest = 0;
-    while (!desk.page->isScaned() || desk.table().model()->rowCount() < 2000) {
-        QElapsedTimer turn;
-        turn.start();
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-        longest = std::max(longest, turn.elapsed());
-    }
+    const auto turnUntil = [&](const auto& isSo) {
+        while (!isSo()) {
+            QElapsedTimer turn;
+            turn.start();
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+            longest = std::max(longest, turn.elapsed());
+        }
+    };
+    turnUntil([&] { return desk.page->isScaned() && desk.table().model()->rowCount() >= 2000; });
     RecordProperty("longest_turn_ms", int(longest));
+    EXPECT_LT(longest, 1000) << "many times of what one turn may take, for a busy machine";
+    longest = 0;
+    QElapsedTimer asking;
+    asking.start();
+    QTest::mouseClick(&desk.control("selectButton"), Qt::LeftButton);
+    QTest::mouseClick(&desk.control("uninstallButton"), Qt::LeftButton);
+    RecordProperty("ticking_all_and_asking_ms", int(asking.elapsed()));
+    turnUntil([&] { return desk.isEnabled("uninstallYes"); });
+    RecordProperty("longest_turn_of_the_question_ms", int(longest));
     EXPECT_LT(longest, 1000) << "many times of what one turn may take, for a busy machine";
 }
 

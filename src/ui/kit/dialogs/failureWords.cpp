@@ -2,6 +2,8 @@
 #include "ui/kit/dialogs/failureWords.h"
 
 #include <QCoreApplication>
+#include <QRegularExpression>
+#include <QStringList>
 #include <array>
 #include <string_view>
 
@@ -59,6 +61,35 @@ constexpr std::array whole{
     // Applications
     QT_TRANSLATE_NOOP("Reason", "not installed any more as it was listed"),
     QT_TRANSLATE_NOOP("Reason", "what would go along could not be found out in time"),
+    QT_TRANSLATE_NOOP("Reason", "The service that removes packages, PackageKit, is not there"),
+    QT_TRANSLATE_NOOP("Reason", "The service that removes packages does not answer"),
+    QT_TRANSLATE_NOOP("Reason", "The service that removes packages gave no reason"),
+    QT_TRANSLATE_NOOP("Reason", "Another program installs or removes packages at the moment"),
+    QT_TRANSLATE_NOOP("Reason", "The password was not given"),
+    QT_TRANSLATE_NOOP("Reason", "The system does not let this person remove packages"),
+    QT_TRANSLATE_NOOP("Reason", "The system needs it"),
+    QT_TRANSLATE_NOOP("Reason", "the system needs it"),
+    QT_TRANSLATE_NOOP("Reason", "Other packages need it"),
+    QT_TRANSLATE_NOOP("Reason", "Other packages would go by now than those that were listed"),
+    QT_TRANSLATE_NOOP("Reason", "The removal of packages could not be stopped any more"),
+    QT_TRANSLATE_NOOP("Reason", "Packages are being installed or removed, or that was cut off"),
+    QT_TRANSLATE_NOOP("Reason", "The list of packages can not be read"),
+    QT_TRANSLATE_NOOP("Reason", "the desktop runs on it"),
+    QT_TRANSLATE_NOOP("Reason", "people log in by it"),
+    QT_TRANSLATE_NOOP("Reason", "the network is set up by it"),
+    QT_TRANSLATE_NOOP("Reason", "rights are asked for by it"),
+    QT_TRANSLATE_NOOP("Reason", "packages are removed by it"),
+    QT_TRANSLATE_NOOP("Reason", "it is the program that runs"),
+    QT_TRANSLATE_NOOP("Reason", "The library of flatpak, libflatpak, is not there"),
+    QT_TRANSLATE_NOOP("Reason", "flatpak left it"),
+    QT_TRANSLATE_NOOP("Reason", "flatpak gave no reason"),
+    QT_TRANSLATE_NOOP("Reason", "The snap service left it"),
+    QT_TRANSLATE_NOOP("Reason", "The snap service gave no reason"),
+    QT_TRANSLATE_NOOP("Reason", "The snap service is not there"),
+    QT_TRANSLATE_NOOP("Reason", "The snap service does not answer"),
+    QT_TRANSLATE_NOOP("Reason", "The snap service answers what makes no sense"),
+    QT_TRANSLATE_NOOP("Reason", "The snap service does not tell what it has"),
+    QT_TRANSLATE_NOOP("Reason", "Nothing here removes its kind"),
     // Login items
     QT_TRANSLATE_NOOP("Reason", "its program is gone"),
     QT_TRANSLATE_NOOP("Reason", "it names no program"),
@@ -133,6 +164,48 @@ constexpr std::array beginnings{
     QT_TRANSLATE_NOOP("Reason", "Unknown error %1"),
 };
 
+// Sentences with names in them, those first that say more. What is filled in last may be a reason
+// again.
+constexpr std::array sentences{
+    QT_TRANSLATE_NOOP("Reason", "%1 stays: %2 is a link to it"),
+    QT_TRANSLATE_NOOP("Reason", "Settings of %1 for everybody stay: %2 file in /etc"),
+    QT_TRANSLATE_NOOP("Reason", "Settings of %1 for everybody stay: %2 files in /etc"),
+    QT_TRANSLATE_NOOP("Reason", "The data of %1 are kept in a snapshot for 31 days"),
+    QT_TRANSLATE_NOOP("Reason", "What %1 keeps in the home stays"),
+    QT_TRANSLATE_NOOP("Reason", "The installation of flatpak in %1 can not be read"),
+    QT_TRANSLATE_NOOP("Reason", "It is installed in %1, from where flatpak itself removes"),
+    QT_TRANSLATE_NOOP("Reason", "Files of the package %1 go only with that package"),
+    QT_TRANSLATE_NOOP("Reason", "A link leads to it, which is left alone: %1"),
+    QT_TRANSLATE_NOOP("Reason", "Nobody can tell whether a package has brought it: %1"),
+    QT_TRANSLATE_NOOP("Reason", "Nobody can tell whether it is gone: %1"),
+    QT_TRANSLATE_NOOP("Reason", "More than a removal would be done to %1"),
+    QT_TRANSLATE_NOOP("Reason", "Another package went as well: %1"),
+    QT_TRANSLATE_NOOP("Reason",
+                      "What is left in the home is not offered, since others may use it: %1"),
+    QT_TRANSLATE_NOOP("Reason", "The service that removes packages says: %1"),
+    QT_TRANSLATE_NOOP("Reason", "The snap service says: %1"),
+    QT_TRANSLATE_NOOP("Reason", "it is named as the identifier of %1"),
+    QT_TRANSLATE_NOOP("Reason", "it is named as the package %1, which is not installed any more"),
+    QT_TRANSLATE_NOOP("Reason", "it is named as the package %1"),
+    QT_TRANSLATE_NOOP("Reason", "it is named as the program of %1"),
+    QT_TRANSLATE_NOOP("Reason", "the cache of %1"),
+    QT_TRANSLATE_NOOP("Reason", "%1 is not installed any more"),
+    QT_TRANSLATE_NOOP("Reason", "%1 is the program that runs"),
+    QT_TRANSLATE_NOOP("Reason", "%1 is never removed"),
+    QT_TRANSLATE_NOOP("Reason", "%1 lies in its folder"),
+    QT_TRANSLATE_NOOP("Reason", "%1 would go along: %2"),
+    QT_TRANSLATE_NOOP("Reason", "%1 stays: %2"),
+};
+
+// What the sentence is filled with here; nothing where it is another one.
+QStringList fillings(const char* sentence, const QString& said) {
+    QString form = QRegularExpression::escape(QString::fromLatin1(sentence));
+    for (const char* const each : {"\\%1", "\\%2"})
+        form.replace(QLatin1String(each), QStringLiteral("(.+)"));
+    const QRegularExpression expression(QRegularExpression::anchoredPattern(form));
+    return expression.match(said).capturedTexts().mid(1);
+}
+
 }  // namespace
 
 QString inWords(const std::string& reason) {
@@ -145,7 +218,15 @@ QString inWords(const std::string& reason) {
             return QCoreApplication::translate(context, known)
                 .arg(inWords(reason.substr(beginning.size())));
     }
-    return QString::fromStdString(reason);
+    const QString said = QString::fromStdString(reason);
+    for (const char* const sentence : sentences) {
+        const QStringList names = fillings(sentence, said);
+        if (names.isEmpty()) continue;
+        const QString known = QCoreApplication::translate(context, sentence);
+        const QString last = inWords(names.last().toStdString());
+        return names.size() == 1 ? known.arg(last) : known.arg(names.first(), last);
+    }
+    return said;
 }
 
 }  // namespace orrinvale
