@@ -1,6 +1,7 @@
-// DiskUsageAppController: the page that shows what fills a disk. Four sources: this class's places
-// and states, DiskUsageScanning.cpp its scans, DiskUsageColumns.cpp its columns and ticks,
-// DiskUsageRemoving.cpp its removal. The decisions stand in engine/diskusage.
+// DiskUsageAppController: the page that shows what fills a disk. DiskUsagePlaces.cpp has its
+// places, DiskUsageScanning.cpp its scans, DiskUsageColumns.cpp columns and ticks,
+// DiskUsageMapping.cpp the map, DiskUsageRemoving.cpp the removal. The decisions stand in
+// engine/diskusage.
 #pragma once
 
 #include <QObject>
