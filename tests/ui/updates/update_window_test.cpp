@@ -130,7 +130,7 @@ TEST_F(UpdateWindow, RowsStandBelowEachOtherAndNoneIsCut) {
     EXPECT_EQ(rows[0]->geometry(), QRect(0, 0, 380, 25));
     EXPECT_EQ(rows[0]->text(), QStringLiteral("1:<b>R&D</b>"));
     EXPECT_EQ(rows[0]->textFormat(), Qt::PlainText);
-    EXPECT_EQ(rows[0]->toolTip(), QStringLiteral("&lt;b&gt;R&amp;D&lt;/b&gt;"));
+    EXPECT_EQ(rows[0]->toolTip(), QStringLiteral("<qt>&lt;b&gt;R&amp;D&lt;/b&gt;</qt>"));
     for (qsizetype i = 1; i < rows.size(); ++i) {
         EXPECT_NEAR(rows[i]->y(), rows[i - 1]->geometry().bottom() + 1, 1) << i;
         EXPECT_LE(rows[i]->heightForWidth(380), rows[i]->height()) << i;
