@@ -136,9 +136,9 @@ void tickAll(CleanBench& bench) {
                      [&] { bench.box(list, list.model()->index(5, 0)); });
     for (const char* const direction : {"down", "up"})
         bench.steps.step(std::string("clean: order by size, ") + direction, [&] {
-            QHeaderView& header = *list.header();
-            WindowSteps::click(*header.viewport(),
-                               {header.sectionViewportPosition(2) + 20, header.height() / 2});
+            QHeaderView& titles = *list.header();
+            WindowSteps::click(*titles.viewport(),
+                               {titles.sectionViewportPosition(2) + 20, titles.height() / 2});
         });
     bench.steps.scroll("clean: scroll the list", list);
 }

@@ -151,6 +151,12 @@ bool CleanScenes::click(const char* name) const {
     return true;
 }
 
+QString CleanScenes::noteText() const {
+    return m_window->window()
+        ->findChild<QWidget*>(QStringLiteral("noteTextField"))
+        ->accessibleName();
+}
+
 bool CleanScenes::waitForLists() const {
     return waitFor("the lists", [this] { return m_page->state() == State::Reviewing; });
 }
@@ -188,6 +194,7 @@ bool CleanScenes::drawClean() {
     });
     if (!isThere || !save("question")) return false;
     m_staged.hold("large.png");
+    const QString old = noteText();
     const QList<QAbstractButton*> buttons = sheet()->findChildren<QAbstractButton*>();
     for (QAbstractButton* const each : buttons)
         if (each->text().startsWith(MainViewController::tr("Clean %1").left(3))) each->click();
@@ -199,6 +206,7 @@ bool CleanScenes::drawClean() {
     if (!waitForLists()) return false;
     const auto* const gain = m_window->window()->findChild<QWidget*>(QStringLiteral("gainLabel"));
     if (!waitFor("what was gained", [gain] { return gain->isVisible(); })) return false;
+    if (!waitFor("the record", [this, old] { return noteText() != old; })) return false;
     return save("cleaned") && click("scanButton") && save("cleaned-overview");
 }
 

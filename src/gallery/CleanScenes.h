@@ -47,6 +47,7 @@ private:
     [[nodiscard]] bool drawEmpty();
     [[nodiscard]] bool save(const char* scene) const;
     [[nodiscard]] bool waitForLists() const;
+    [[nodiscard]] QString noteText() const;
     bool click(const char* name) const;
 
     const PictureFolder& m_pictures;

@@ -91,11 +91,28 @@ QWidget* CleanViews::makeNoteBar() {
     noteTextField = named(new FigureLabel, "noteTextField");
     noteTextField->setWordWrap(true);
     noteTextField->setForegroundRole(QPalette::PlaceholderText);
+    // Two lines, the first with its large figure: else a low window takes the second from it.
+    const auto lineHeight = [](Theme::Text text) {
+        return QFontMetrics(Theme::shared().font(text)).height();
+    };
+    noteTextField->setMinimumHeight(lineHeight(Theme::Text::Title) + lineHeight(Theme::Text::Body));
     totalProgress = named(new QnProgressView, "totalProgress", tr("Progress"));
     auto* const column = new QVBoxLayout(noteBar);
     column->setContentsMargins(Theme::gapLarge, Theme::gapSmall, Theme::gapLarge, Theme::gapSmall);
     column->setSpacing(Theme::gapSmall);
+    // What the last clean came to stands where its progress stood: the bar below has no room for it
+    // in a narrow window.
+    gainLabel = named(new ElidedLabel, "gainLabel");
+    gainLabel->setFont(Theme::shared().font(Theme::Text::Body));
+    gainLabel->setForegroundRole(QPalette::PlaceholderText);
+    gainLabel->hide();
+    auto* const result = new QHBoxLayout;
+    result->setSpacing(Theme::gap);
+    result->addWidget(gainLabel);
+    result->addWidget(failureLine);
+    result->addStretch();
     column->addWidget(noteTextField);
+    column->addLayout(result);
     column->addWidget(totalProgress);
     return noteBar;
 }
@@ -144,10 +161,6 @@ void CleanViews::fillContent(NotificationCenter& notifications) {
 
 void CleanViews::fillBottom() {
     stateTextField = named(new FigureLabel, "stateTextField");
-    gainLabel = named(new ElidedLabel, "gainLabel");
-    gainLabel->setFont(Theme::shared().font(Theme::Text::Body));
-    gainLabel->setForegroundRole(QPalette::PlaceholderText);
-    gainLabel->hide();
     stopButton = named(new TextImageButton(tr("Stop")), "stopButton");
     cleanButton =
         named(new TextImageButton(tr("Clean"), TextImageButton::Role::Danger), "cleanButton");
@@ -155,7 +168,6 @@ void CleanViews::fillBottom() {
                                "oneListCleanButton");
     // What was selected or cleaned comes first; then what is told quietly.
     bottom->insertWidget(0, stateTextField);
-    bottom->insertWidget(1, gainLabel);
     for (QWidget* const each :
          {static_cast<QWidget*>(stopButton), static_cast<QWidget*>(cleanButton),
           static_cast<QWidget*>(oneListCleanButton)})
