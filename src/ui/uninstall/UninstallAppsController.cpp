@@ -98,8 +98,9 @@ StateTable UninstallAppsController::stateTable() const {
         {views.filterField, {Off, Off, On, Off}},
         {views.stopButton, {Hidden, Hidden, Hidden, On}},
         {views.selectButton, {Off, Off, On, Off}},
-        {views.failureLine, {Kept, Hidden, Kept, Hidden}},
-        {views.removedLine, {Kept, Hidden, Kept, Hidden}},
+        // A removal is seen as a change and listed anew; what it came to stays to be read.
+        {views.failureLine, {Kept, Kept, Kept, Hidden}},
+        {views.removedLine, {Kept, Kept, Kept, Hidden}},
     };
 }
 
