@@ -39,8 +39,9 @@ def make(root):
             program = root / "bin" / f"program-{number}"
             program.write_text("#!/bin/sh\n")
             program.chmod(0o755)
-            files.append(str(program))
-            (root / f"share/applications/org.example.App{number}.desktop").write_text(
+            entry = root / f"share/applications/org.example.App{number}.desktop"
+            files += [str(program), str(entry)]
+            entry.write_text(
                 f"[Desktop Entry]\nType=Application\nName=Application {number}\nExec={program.name} %U\n")
         (info / f"{name}.list").write_text("/.\n" + "\n".join(files) + "\n")
         needs = ", ".join(f"package-{(number * 7 + i) % PACKAGES:04} (>= 1)" for i in range(6))

@@ -180,7 +180,7 @@ public:
         machine.program("usr/bin/tool");
         machine.entry("tool", "Exec=tool");
         machine.package("first", "", {});
-        machine.package("tool", "", {"usr/bin/tool"});
+        machine.package("tool", "", {"usr/bin/tool", "usr/share/applications/tool.desktop"});
         machine.package("other", "Depends: tool\n", {});
         (void)machine.tree.write(
             "bus.conf",

@@ -42,18 +42,27 @@ TEST(Applications, ArePackagesByTheProgramThatAnEntryStarts) {
     machine.entry("gone", "Exec=missing");
     machine.entry("orrinvale", "Exec=orrinvale");
     machine.entry("alone", "Exec=alone");
+    machine.program("usr/bin/opener");
+    machine.entry("bank", "Exec=opener https://bank.example");
+    machine.program("usr/bin/shell");
+    machine.entry("office", "Exec=shell --to office");
+    machine.package("opener", "", {"usr/bin/opener"});
+    machine.package("shell", "", {"usr/bin/shell"});
+    machine.package("office", "", {"usr/share/applications/office.desktop"});
     machine.package("vim-common", "", {"usr/share/applications/vim.desktop"});
     machine.package("vim", "Priority: important\n", {"usr/bin/vim.basic"});
     machine.package("tool",
                     "Depends: base (>= 1) | other, ui\nInstalled-Size: 12\n"
                     "Conffiles:\n /etc/tool 12\n /etc/old 1 obsolete\n",
-                    {"usr/bin/tool"});
+                    {"usr/bin/tool", "usr/share/applications/tool.desktop"});
     machine.package("broken", "", {"usr/share/applications/gone.desktop"});
-    machine.package("orrinvale", "", {"usr/bin/orrinvale"});
+    machine.package("orrinvale", "",
+                    {"usr/bin/orrinvale", "usr/share/applications/orrinvale.desktop"});
     machine.package("without-files", "", {});
     machine.package("left", "", {}, "deinstall ok config-files");
-    const Strings expected{"deb gone broken", "deb orrinvale orrinvale ours", "deb tool tool",
-                           "deb vim vim system"};
+    // Of "bank" its person is the owner, and "office" is no name for the shell.
+    const Strings expected{"deb gone broken", "deb orrinvale orrinvale ours", "deb shell shell",
+                           "deb tool tool", "deb vim vim system"};
     Strings found = listed(machine);
     std::sort(found.begin(), found.end());
     EXPECT_EQ(found, expected);
@@ -114,6 +123,29 @@ TEST(Applications, OfTheServiceForPackagesAreReadFieldByField) {
           Case{"a;", {"a", "", "", "", ""}}, Case{"", {"", "", "", "", ""}}})
         for (std::size_t i = 0; i < fields.size(); ++i)
             EXPECT_EQ((ServicePackage{13, id}.field(i)), fields[i]) << id << i;
+}
+
+TEST(Applications, OfPackagesAreOneEachByNameAndArchitecture) {
+    const std::vector<ServicePackage> packages{{0, "wine;1;i386;x"},
+                                               {0, "wine;1;amd64;x"},
+                                               {0, "wine;1;amd64;x"},
+                                               {0, "data;1;all;x"},
+                                               {0, "lone;1;i386;x"}};
+    struct Case {
+        const char *key, *own, *id;
+    };
+    for (const Case& each :
+         {Case{"wine", "amd64", "wine;1;amd64;x"}, Case{"wine:i386", "amd64", "wine;1;i386;x"},
+          Case{"wine", "", ""}, Case{"data", "amd64", "data;1;all;x"}, Case{"lone", "amd64", ""},
+          Case{"lone", "", "lone;1;i386;x"}, Case{"non", "amd64", ""}})
+        EXPECT_EQ(idOf(packages, each.key, each.own).value_or(""), each.id)
+            << each.key << ' ' << each.own;
+    PackageCourse course;
+    EXPECT_EQ(noteOn(course, {}), "");
+    course.couldNotStop = true;
+    EXPECT_EQ(noteOn(course, {"a", "b"}),
+              "Another package went as well: a, b; "
+              "The removal of packages could not be stopped any more");
 }
 
 TEST(Applications, OfPackagesStayWhatASessionRunsOn) {
@@ -300,10 +332,61 @@ TEST(Applications, AppImagesBehindLinksStayAndTheLinksGo) {
     const std::map<std::string, std::string> expected{
         {"near", " home/Downloads/near home/Applications/near"},
         {"far", " home/Applications/far"},
-        {"started", " shortcut/started" + entries + "started.desktop refused"},
+        {"started", " shortcut/started refused"},
         {"plain", " disk/deep/plain" + entries + "plain.desktop"}};
     EXPECT_EQ(found, expected);
     EXPECT_THAT(forecast.stays, ElementsAre(HasSubstr("disk/far stays: ")));
+}
+
+// What a package's own scripts unpack is in no list of files, and what it starts them by is.
+TEST(Applications, OfFoldersGoWithoutWhatIsPackages) {
+    MadeUpMachine machine;
+    TestTree& tree = machine.tree;
+    for (const char* const name : {"fetched", "mixed", "half", "free"}) {
+        machine.program(std::string("opt/") + name + "/run");
+        machine.entry(name, "Exec=" + tree.at(std::string("opt/") + name + "/run"));
+    }
+    machine.entry("mixed-too", "Exec=" + tree.at("opt/mixed/run"));
+    machine.package("fetcher", "", {"usr/share/applications/fetched.desktop"});
+    machine.package("mixer", "", {"usr/share/applications/mixed-too.desktop"});
+    machine.package("halves", "", {"opt/half/data"}, "install reinstreq half-installed");
+    const LinuxApplications applications(machine.places);
+    const auto records = applications.list();
+    const std::atomic<bool> never{false};
+    const auto forecast = applications.kind(ApplicationType::Folder)->forecast(records, never);
+    std::map<std::string, std::string> found;
+    for (std::size_t i = 0; i < records.size(); ++i)
+        found[lastPathComponent(records[i].path).data()] =
+            forecast.refusals.contains(i) ? forecast.refusals.at(i).substr(0, 24)
+                                          : std::to_string(forecast.trash[i].size());
+    const std::map<std::string, std::string> expected{{"fetched", "Files of the package fet"},
+                                                      {"mixed", "2"},
+                                                      {"half", "Files of the package hal"},
+                                                      {"free", "2"}};
+    EXPECT_EQ(found, expected);
+    EXPECT_THAT(forecast.stays,
+                ElementsAre(HasSubstr("mixed-too.desktop stays: Files of the package mixer")));
+}
+
+TEST(Applications, OfAnAppImageStayEntriesThatItsPersonMayNotRemove) {
+    MadeUpMachine machine;
+    TestTree& tree = machine.tree;
+    machine.program("home/Applications/two", appImage("", 1));
+    machine.entry("two", "Exec=" + tree.at("home/Applications/two"));
+    const auto told = [&] {
+        const LinuxApplications applications(machine.places);
+        const std::atomic<bool> never{false};
+        const RemovalForecast found =
+            applications.kind(ApplicationType::AppImage)->forecast(applications.list(), never);
+        std::string out = std::to_string(found.trash.front().size());
+        for (const std::string& each : found.stays) out += each.substr(each.rfind('/'));
+        return out;
+    };
+    (void)tree.setMode("usr/share/applications", 0777);
+    EXPECT_EQ(testing::runInChild({.ordinaryUser = true}, told), "2");
+    (void)tree.setMode("usr/share/applications", 0555);
+    EXPECT_EQ(testing::runInChild({.ordinaryUser = true}, told),
+              "1/two.desktop stays: only the administrator may remove it");
 }
 
 TEST(Applications, AreFoundWherePeoplePutThem) {
@@ -317,6 +400,10 @@ TEST(Applications, AreFoundWherePeoplePutThem) {
     machine.program("opt/paid/run");
     machine.program("home/Applications/Bundle.app/run");
     machine.program("opt/lonely");
+    machine.program("opt/bin/part");
+    machine.program("home/Applications/Games/chess/run");
+    machine.entry("part", "Exec=" + tree.at("opt/bin/part"));
+    machine.entry("chess", "Exec=" + tree.at("home/Applications/Games/chess/run"));
     (void)tree.symlink("../../opt/game/bin/start", "usr/bin/game");
     machine.entry("three", "Exec=" + tree.at("elsewhere/three.AppImage") + " %U");
     machine.entry("game", "Exec=game");
@@ -324,7 +411,7 @@ TEST(Applications, AreFoundWherePeoplePutThem) {
     machine.entry("paid", "Exec=" + tree.at("opt/paid/run"));
     machine.entry("bundle", "Exec=" + tree.at("home/Applications/Bundle.app/run"));
     machine.entry("lonely", "Exec=" + tree.at("opt/lonely"));
-    machine.package("paid", "", {"opt/paid/run"});
+    machine.package("paid", "", {"opt/paid/run", "usr/share/applications/paid.desktop"});
     EXPECT_THAT(listed(machine),
                 ::testing::UnorderedElementsAre("deb paid paid", "appimage One-1.2", "appimage two",
                                                 "appimage three", "folder game"));
@@ -461,7 +548,10 @@ TEST(Applications, OfSnapGoByTheService) {
         const std::atomic<bool> never{false};
         const RemovalForecast forecast = kind.forecast({code}, never);
         EXPECT_EQ(forecast.refusal, "");
-        EXPECT_THAT(forecast.stays, ElementsAre(HasSubstr("31 days")));
+        EXPECT_THAT(forecast.stays, ElementsAre(HasSubstr("31 days, unless snapshots")));
+        Strings along;
+        for (const auto& data : forecast.along) along.push_back(data.name);
+        EXPECT_THAT(along, ElementsAre("~/snap/code", "/var/snap/code"));
         const ApplicationRemoval removal = kind.remove({code}, forecast, never).front();
         EXPECT_EQ(removal.state, each.state) << each.removal;
         EXPECT_EQ(removal.reason, each.reason);

@@ -2,6 +2,7 @@
 #include "engine/uninstall/PlannedUninstallWork.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <utility>
 
 #include "engine/uninstall/UninstallAppInfo.h"
@@ -87,7 +88,8 @@ UninstallOutlook PlannedUninstallWork::forecast(const std::vector<AppItems>& ite
     const LeftoverRules rules(LeftoverClaims::of(installed, info.rest()));
     std::vector<std::size_t> missing;
     const AppItemsArray ticked = putAmong(installed, items, missing);
-    UninstallPlan plan = planUninstall(m_parts, ticked, installed, stop);
+    UninstallPlan plan = planUninstall(m_parts, ticked, installed, stop,
+                                       info.rest().unread.contains(ApplicationType::App));
     for (const std::size_t index : missing) plan.apps.at(index).refusal = notAsListed;
     for (UninstallPlan::App& each : plan.apps)
         if (stop && each.refusal == "stopped") each.refusal = noAnswer;
@@ -123,7 +125,8 @@ std::vector<UninstallResult> PlannedUninstallWork::remove(
             return request.item.record == app.item->record;
         });
     };
-    // They stay in the plan: a copy that is not asked for keeps what both have.
+    // They stay in the plan: a copy that is not asked for keeps what both have, unless it is gone.
+    std::erase_if(plan.apps, [&](const auto& app) { return !isWanted(app) && hasRemoved(app); });
     for (UninstallPlan::App& app : plan.apps)
         if (!isWanted(app)) app.refusal = "nobody asked for it";
     for (const UninstallRequest& each : requests)
@@ -138,12 +141,22 @@ std::vector<UninstallResult> PlannedUninstallWork::remove(
             out[i].isGone = each.removal.state == ApplicationRemoval::State::Gone;
             out[i].reason = each.removal.reason;
             out[i].note = each.removal.note;
-            if (out[i].isGone) out[i].gained = requests[i].item.fileSizeNum;
+            if (!out[i].isGone) continue;
+            out[i].gained = requests[i].item.fileSizeNum;
+            const std::scoped_lock lock(m_mutex);
+            m_removed.insert(each.item->record);
         }
     if (!out.empty())
         for (const StayedEntry& each : outcome.leftovers)
             out.front().leftovers.push_back({each.path, each.reason});
     return out;
+}
+
+// One that was put back since stays like any other.
+bool PlannedUninstallWork::hasRemoved(const UninstallPlan::App& app) const {
+    const std::scoped_lock lock(m_mutex);
+    return m_removed.contains(app.item->record) &&
+           PlannedEntry::at(*m_parts.files, app.item->path).fault == ENOENT;
 }
 
 bool PlannedUninstallWork::askToQuit(const ApplicationRecord& record) {

@@ -3,6 +3,9 @@
 #pragma once
 
 #include <functional>
+#include <memory>
+#include <mutex>
+#include <set>
 #include <string>
 
 #include "engine/uninstall/UninstallPlan.h"
@@ -11,7 +14,8 @@
 
 namespace orrinvale {
 
-/// Holds no state that changes; any thread. An application that a plan does not know stays.
+/// Any thread. Remembers what it has removed, so that a second attempt with the same plan does not
+/// take it for a copy that stays. An application that a plan does not know stays.
 class PlannedUninstallWork final : public UninstallWork {
 public:
     /// Asks a program to end as its person would; false where there is no way to.
@@ -43,11 +47,15 @@ private:
     void takeLeftovers(UninstallForecast& forecast, std::vector<Leftover> found,
                        std::vector<std::string>& notes) const;
 
+    [[nodiscard]] bool hasRemoved(const UninstallPlan::App& app) const;
+
     const UninstallParts m_parts;
     const LeftoverPlaces m_places;
     const UninstallDoors m_doors;
     const Quit m_quit;
     const NoTrash m_noTrash;
+    mutable std::mutex m_mutex;
+    std::set<std::shared_ptr<const ApplicationRecord>> m_removed;  // under the mutex
 };
 
 }  // namespace orrinvale

@@ -18,8 +18,16 @@ namespace orrinvale {
 // "com" begins the names of half of a Library, and "com.example" those of all that one maker wrote.
 bool isClaimedBy(const std::string& name, const std::string& identifier) {
     if (identifier.empty()) return false;
-    const bool isWhole = std::count(identifier.begin(), identifier.end(), '.') >= 2;
-    return isWhole ? name.starts_with(identifier) : name == identifier;
+    int parts = 0;
+    for (std::size_t i = 0; i < identifier.size(); ++i)
+        if (identifier[i] != '.' && (i == 0 || identifier[i - 1] == '.')) ++parts;
+    return parts >= 3 ? name.starts_with(identifier) : name == identifier;
+}
+
+PlannedEntry PlannedEntry::at(const FileSystem& files, std::string path) {
+    const auto seen = files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);
+    return {std::move(path), seen ? EntryIdentity::of(*seen) : EntryIdentity(),
+            seen ? 0 : seen.error()};
 }
 
 std::vector<std::string> UninstallApp::searchedFolders() const {
@@ -50,6 +58,7 @@ std::vector<std::string> UninstallApp::getFilesByBundle(
             for (const CatalogEntry& each : batch.entries) {
                 const std::string name = each.name;
                 if (!isClaimedBy(name, bundle) || isClaimedByOthers(name, bundle)) continue;
+                if (m_areOthersUnread && name != bundle) continue;
                 if (seen.emplace(own->device, own->inode, name).second)
                     out.push_back(joinPath(folder, name));
             }
@@ -63,10 +72,7 @@ std::vector<PlannedEntry> UninstallApp::planOf(const AppItems& app) const {
         paths = getFilesByBundle(*app.bundleID, searchedFolders());
     paths.push_back(app.path);
     std::vector<PlannedEntry> out;
-    for (std::string& path : paths) {
-        const auto seen = m_files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);
-        out.push_back({std::move(path), seen ? EntryIdentity::of(*seen) : EntryIdentity()});
-    }
+    for (std::string& path : paths) out.push_back(PlannedEntry::at(m_files, std::move(path)));
     return out;
 }
 

@@ -14,33 +14,39 @@
 
 namespace orrinvale {
 
-/// One entry that is to go, as it was when the list was made. The identity of one that was not
-/// there is nobody's: what comes into its place stays.
+/// One entry that is to go, as it was when the list was made. The identity of one that could not be
+/// looked at is nobody's: what comes into its place stays.
 struct PlannedEntry {
     std::string path;
     EntryIdentity identity;
+    int fault = 0;  ///< errno of the look; ENOENT for one that was not there
+
+    [[nodiscard]] static PlannedEntry at(const FileSystem& files, std::string path);
 };
 
 /// Holds no state that changes; any thread.
 class UninstallApp final {
 public:
     /// `otherIdentifiers` are those of all bundles that stay, as often as they are installed: what
-    /// one of them claims is left to it. `root` stands before the first of the folders. The file
-    /// system outlives the object.
+    /// one of them claims is left to it. `root` stands before the first of the folders. With
+    /// `areOthersUnread` some may be installed that nobody knows of, and an identifier stands for
+    /// whole names alone. The file system outlives the object.
     UninstallApp(const FileSystem& files, std::string home,
-                 std::vector<std::string> otherIdentifiers = {}, std::string root = {})
+                 std::vector<std::string> otherIdentifiers = {}, std::string root = {},
+                 bool areOthersUnread = false)
         : m_files(files),
           m_home(std::move(home)),
           m_others(std::move(otherIdentifiers)),
-          m_root(std::move(root)) {}
+          m_root(std::move(root)),
+          m_areOthersUnread(areOthersUnread) {}
 
     /// The folders that are looked through, in their order.
     [[nodiscard]] std::vector<std::string> searchedFolders() const;
 
     /// The direct entries of the folders whose names begin with the identifier, in the order of the
-    /// folders and of their listings; case matters. An identifier with fewer than two points, such
-    /// as "com", stands for whole names alone. What a longer identifier that stays claims as well
-    /// is left out, and an entry that two of the folders show counts once.
+    /// folders and of their listings; case matters. An identifier of fewer than three parts,
+    /// such as "com", stands for whole names alone. What a longer identifier that stays claims as
+    /// well is left out, and an entry that two of the folders show counts once.
     [[nodiscard]] std::vector<std::string> getFilesByBundle(
         const std::string& bundle, const std::vector<std::string>& Paths) const;
 
@@ -64,6 +70,7 @@ private:
     const std::string m_home;
     const std::vector<std::string> m_others;
     const std::string m_root;
+    const bool m_areOthersUnread;
 };
 
 /// Whether an entry of this name is one of the identifier's.

@@ -1,6 +1,9 @@
 // The search for bundles; the other kinds search by themselves.
 #include "engine/uninstall/UninstallAppDelegate.h"
 
+#include <fmt/format.h>
+
+#include <cerrno>
 #include <set>
 #include <utility>
 
@@ -14,14 +17,26 @@ namespace {
 constexpr std::string_view bundleExtension = "app";
 constexpr std::string_view systemPrefix = "com.apple.";
 
-std::vector<std::string> namesIn(const FileSystem& files, const std::string& folder) {
+// Where nothing is, nothing was missed.
+void noteFault(int fault, const std::string& path, std::string* unread) {
+    if (unread == nullptr || !unread->empty() || fault == 0) return;
+    if (fault == ENOENT || fault == ENOTDIR || fault == ELOOP) return;
+    *unread = fmt::format("{} could not be read", path);
+}
+
+std::vector<std::string> namesIn(const FileSystem& files, const std::string& folder,
+                                 std::string* unread) {
     std::vector<std::string> names;
     const auto opened = files.openFolder(FileSystem::noParent, folder.c_str(), Links::Follow);
-    if (!opened) return names;
+    if (!opened) {
+        noteFault(opened.error(), folder, unread);
+        return names;
+    }
     CatalogBatch batch;
-    for (auto more = files.readFolder(opened->get(), batch); more && *more;
-         more = files.readFolder(opened->get(), batch))
+    auto more = files.readFolder(opened->get(), batch);
+    for (; more && *more; more = files.readFolder(opened->get(), batch))
         for (const CatalogEntry& each : batch.entries) names.emplace_back(each.name);
+    if (!more) noteFault(more.error(), folder, unread);
     return names;
 }
 
@@ -42,16 +57,18 @@ struct Level {
 }  // namespace
 
 void UninstallAppDelegate::applicationsInDirectory(const std::string& directory,
-                                                   std::vector<std::string>& withArray) const {
+                                                   std::vector<std::string>& withArray,
+                                                   std::string* unread) const {
     std::set<std::pair<std::uint64_t, std::uint64_t>> entered;
     std::vector<Level> levels;
     const auto enter = [&](const std::string& folder, const FileAttributes& seen) {
         if (entered.emplace(seen.device, seen.inode).second)
-            levels.push_back({folder, namesIn(m_files, folder)});
+            levels.push_back({folder, namesIn(m_files, folder, unread)});
     };
     if (const auto top = m_files.attributes(FileSystem::noParent, directory.c_str(), Links::Follow);
         top && top->type == FileType::Folder)
         enter(directory, *top);
+    else if (!top) noteFault(top.error(), directory, unread);
     while (!levels.empty()) {
         Level& level = levels.back();
         if (level.next == level.names.size()) {
@@ -60,20 +77,25 @@ void UninstallAppDelegate::applicationsInDirectory(const std::string& directory,
         }
         const std::string path = joinPath(level.folder, level.names[level.next++]);
         const auto seen = m_files.attributes(FileSystem::noParent, path.c_str(), Links::Follow);
+        if (!seen) noteFault(seen.error(), path, unread);
         if (!seen || seen->type != FileType::Folder) continue;
         if (pathExtension(path) == bundleExtension) withArray.push_back(path);
         else enter(path, *seen);
     }
 }
 
-std::shared_ptr<AppItems> UninstallAppDelegate::constructAppItem(const std::string& path) const {
+std::shared_ptr<AppItems> UninstallAppDelegate::constructAppItem(const std::string& path,
+                                                                 std::string* unread) const {
     auto item = std::make_shared<AppItems>();
     item->path = path;
     item->image = {IconRequest::Path, path};
     item->name = nameOfBundle(path);
     item->bundleID.reset();
     item->bundleVersion.reset();
-    if (const auto list = PropertyList::read(path + "/Contents/Info.plist")) {
+    const std::string facts = path + "/Contents/Info.plist";
+    if (const auto list = PropertyList::read(facts); !list) {
+        noteFault(list.error().number, facts, unread);
+    } else {
         item->bundleID = list->stringForKey("CFBundleIdentifier");
         item->bundleVersion = list->stringForKey("CFBundleShortVersionString");
     }
@@ -111,13 +133,15 @@ std::shared_ptr<AppItems> UninstallAppDelegate::itemOf(ApplicationRecord record)
 void UninstallAppDelegate::getAppInfo(AppItemsArray* array, ApplicationInventory* rest) const {
     if (array == nullptr) return;
     std::vector<std::string> paths;
+    std::string unread;
     for (const char* const folder :
          {"/Applications", "/Network/Applications", "/Developer/Applications"})
-        applicationsInDirectory(m_root + folder, paths);
-    applicationsInDirectory(joinPath(m_home, "Applications"), paths);
-    for (const std::string& path : paths) array->push_back(constructAppItem(path));
-    if (m_applications == nullptr) return;
-    ApplicationInventory found = m_applications->inventory();
+        applicationsInDirectory(m_root + folder, paths, &unread);
+    applicationsInDirectory(joinPath(m_home, "Applications"), paths, &unread);
+    for (const std::string& path : paths) array->push_back(constructAppItem(path, &unread));
+    ApplicationInventory found;
+    if (m_applications != nullptr) found = m_applications->inventory();
+    if (!unread.empty()) found.unread[ApplicationType::App] = unread;
     for (ApplicationRecord& each : found.records) array->push_back(itemOf(std::move(each)));
     found.records.clear();
     if (rest != nullptr) *rest = std::move(found);

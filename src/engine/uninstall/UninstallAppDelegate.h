@@ -24,19 +24,21 @@ public:
           m_root(std::move(root)) {}
 
     /// Adds all applications: bundles in the order of the four folders and of their listings, then
-    /// the other kinds in theirs. Does nothing for null. What the kinds tell besides goes to
-    /// `rest`, which may be null; it has no records.
+    /// the other kinds in theirs. Does nothing for null. What the kinds tell besides, and that not
+    /// all bundles could be read, goes to `rest`, which may be null; it has no records.
     void getAppInfo(AppItemsArray* array, ApplicationInventory* rest = nullptr) const;
 
     /// Adds the paths of the bundles in a folder: of each folder, links followed, whose extension
     /// is exactly "app". Other folders are searched in turn, at any depth, each once, so that links
-    /// that lead in a circle end. What can not be read holds none.
-    void applicationsInDirectory(const std::string& directory,
-                                 std::vector<std::string>& withArray) const;
+    /// that lead in a circle end. What can not be read holds none, and the first of it is told in
+    /// `unread`, which may be null.
+    void applicationsInDirectory(const std::string& directory, std::vector<std::string>& withArray,
+                                 std::string* unread = nullptr) const;
 
     /// The record of the bundle at a path. Without a property list that can be read it has neither
-    /// identifier nor version.
-    [[nodiscard]] std::shared_ptr<AppItems> constructAppItem(const std::string& path) const;
+    /// identifier nor version; one that is there all the same is told in `unread`.
+    [[nodiscard]] std::shared_ptr<AppItems> constructAppItem(const std::string& path,
+                                                             std::string* unread = nullptr) const;
 
     /// The record of an application of another kind.
     [[nodiscard]] static std::shared_ptr<AppItems> itemOf(ApplicationRecord record);

@@ -4,7 +4,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <future>
+#include <system_error>
 #include <utility>
 
 #include "engine/files/TreeSize.h"
@@ -17,11 +19,16 @@ namespace {
 std::vector<PlannedEntry> entriesAt(const FileSystem& files,
                                     const std::vector<std::string>& paths) {
     std::vector<PlannedEntry> out;
-    for (const std::string& path : paths) {
-        const auto seen = files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);
-        out.push_back({path, seen ? EntryIdentity::of(*seen) : EntryIdentity()});
-    }
+    for (const std::string& path : paths) out.push_back(PlannedEntry::at(files, path));
     return out;
+}
+
+// Nobody could tell later whether something else has come into its place.
+void refuseUnseen(UninstallPlan::App& app) {
+    for (const PlannedEntry& each : app.entries)
+        if (app.refusal.empty() && each.fault != 0 && each.fault != ENOENT)
+            app.refusal = fmt::format("{} could not be looked at: {}", each.path,
+                                      std::generic_category().message(each.fault));
 }
 
 bool isBundle(const AppItems& item) { return item.record->type == ApplicationType::App; }
@@ -70,6 +77,7 @@ void take(const UninstallParts& parts, ApplicationType type, RemovalForecast for
         if (const auto own = forecast.refusals.find(i); own != forecast.refusals.end())
             app.refusal = own->second;
         if (i < forecast.trash.size()) app.entries = entriesAt(*parts.files, forecast.trash[i]);
+        refuseUnseen(app);
         for (const auto& along : forecast.along)
             if (along.of == i)
                 app.along.push_back(along.version.empty() ? along.name
@@ -115,7 +123,8 @@ bool isNeverRemoved(const AppItems& app) {
 }
 
 UninstallPlan planUninstall(const UninstallParts& parts, const AppItemsArray& ticked,
-                            const AppItemsArray& all, const Waiting& waiting) {
+                            const AppItemsArray& all, const Waiting& waiting,
+                            bool areBundlesUnread) {
     UninstallPlan plan;
     std::map<ApplicationType, std::vector<std::size_t>> byType;
     for (const auto& each : ticked) {
@@ -130,10 +139,13 @@ UninstallPlan planUninstall(const UninstallParts& parts, const AppItemsArray& ti
             byType[each->record->type].push_back(plan.apps.size() - 1);
     }
     for (std::size_t i = 0; i < plan.apps.size(); ++i)
-        if (isBundle(*plan.apps[i].item) && plan.apps[i].refusal.empty())
+        if (isBundle(*plan.apps[i].item) && plan.apps[i].refusal.empty()) {
             plan.apps[i].entries =
-                UninstallApp(*parts.files, parts.home, otherIdentifiers(plan, i, all), parts.root)
+                UninstallApp(*parts.files, parts.home, otherIdentifiers(plan, i, all), parts.root,
+                             areBundlesUnread)
                     .planOf(*plan.apps[i].item);
+            refuseUnseen(plan.apps[i]);
+        }
     planKinds(parts, byType, waiting, plan);
     return plan;
 }

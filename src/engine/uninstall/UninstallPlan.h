@@ -42,9 +42,11 @@ struct UninstallPlan {
 
 /// Simulates, all kinds at the same time. `all` are all that are installed: what another bundle's
 /// identifier claims goes with that bundle, or stays with it, and of copies with the last of them.
-/// A folder in which another application lies stays. Any thread.
+/// A folder in which another application lies stays, and what could not be looked at. With
+/// `areBundlesUnread` bundles may be missing in `all`. Any thread.
 [[nodiscard]] UninstallPlan planUninstall(const UninstallParts& parts, const AppItemsArray& ticked,
-                                          const AppItemsArray& all, const Waiting& waiting);
+                                          const AppItemsArray& all, const Waiting& waiting,
+                                          bool areBundlesUnread = false);
 
 /// What the details sheet tells, with the size measured now; nothing for what can not be measured.
 [[nodiscard]] ApplicationDetails detailsOf(const UninstallParts& parts, const AppItems& app);

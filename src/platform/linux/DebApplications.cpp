@@ -25,6 +25,7 @@ int rankOf(const StartingEntry& entry, bool isOfPackage, std::string_view packag
 struct Owner {
     const DpkgPackage* package = nullptr;
     bool hasEntry = false;
+    bool isBrought = false;  // the entry came with some package
 };
 
 // One for each entry, and the owner of our own program behind them: the lists are read once.
@@ -48,8 +49,9 @@ std::vector<Owner> ownersOf(const std::vector<StartingEntry>& entries,
                          : isFound            ? nullptr
                                               : entry;
         out[i].hasEntry = out[i].package != nullptr && out[i].package == entry;
+        out[i].isBrought = entry != nullptr;
     }
-    out.push_back({owners.back(), false});
+    out.push_back({owners.back(), false, false});
     return out;
 }
 
@@ -69,11 +71,13 @@ struct Found {
     ApplicationRecord record;
     int rank = -1;
     bool hasEntry = false;
+    bool isBrought = false;
 };
 
 void add(Found& found, StartingEntry& entry, const Owner& owner) {
     entry.isClaimed = true;
     found.hasEntry = found.hasEntry || owner.hasEntry;
+    found.isBrought = found.isBrought || owner.isBrought;
     ApplicationRecord& record = found.record;
     record.entries.push_back(entry.path);
     const std::string& program = entry.file.empty() ? entry.program : entry.file;
@@ -121,10 +125,12 @@ void DebApplications::list(std::vector<StartingEntry>& entries, ApplicationInven
         add(found[package], entries[i], owners[i]);
     }
     for (const DpkgPackage* const package : order) {
-        // Of a package that brought no entry the name would be a stranger's: an entry that a person
-        // wrote to open a page of the bank starts the program that opens all of them.
-        if (!found[package].hasEntry) continue;
+        // A person's entry that opens a page of the bank starts the program that opens all pages.
+        // Another package's, as that of an editor whose entries lie in a package of their own,
+        // makes it an application, but under no name that may be a stranger's.
+        if (!found[package].isBrought) continue;
         ApplicationRecord& record = found[package].record;
+        if (!found[package].hasEntry) record.id = record.name = package->name;
         record.type = ApplicationType::Deb;
         record.package = keyOf(database, *package);
         record.version = package->version;

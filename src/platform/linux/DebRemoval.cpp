@@ -34,13 +34,6 @@ std::string wordsOf(const PackageCourse& course) {
                                       course.words.substr(0, course.words.find('\n'));
 }
 
-bool isOf(const ServicePackage& package, const ApplicationRecord& record) {
-    const std::size_t colon = record.package.find(':');
-    return package.name() == std::string_view(record.package).substr(0, colon) &&
-           (colon == std::string::npos ||
-            package.architecture() == record.package.substr(colon + 1));
-}
-
 std::vector<std::string> sortedIds(const std::vector<ServicePackage>& packages) {
     std::vector<std::string> ids;
     for (const ServicePackage& each : packages) ids.push_back(each.id);
@@ -51,7 +44,7 @@ std::vector<std::string> sortedIds(const std::vector<ServicePackage>& packages) 
 
 // The installed packages of the records, or why there are not all.
 tl::expected<std::vector<std::string>, std::string> idsOf(
-    const std::vector<ApplicationRecord>& records, const Waiting& waiting) {
+    const std::vector<ApplicationRecord>& records, std::string_view own, const Waiting& waiting) {
     std::vector<std::string> names;
     for (const ApplicationRecord& each : records)
         names.push_back(each.package.substr(0, each.package.find(':')));
@@ -59,12 +52,9 @@ tl::expected<std::vector<std::string>, std::string> idsOf(
     if (!course.worked()) return tl::unexpected(wordsOf(course));
     std::vector<std::string> ids;
     for (const ApplicationRecord& record : records) {
-        const auto found =
-            std::find_if(course.packages.begin(), course.packages.end(),
-                         [&](const ServicePackage& each) { return isOf(each, record); });
-        if (found == course.packages.end())
-            return tl::unexpected(fmt::format("{} is not installed any more", record.package));
-        ids.push_back(found->id);
+        auto id = idOf(course.packages, record.package, own);
+        if (!id) return tl::unexpected(std::move(id.error()));
+        ids.push_back(std::move(*id));
     }
     return ids;
 }
@@ -141,7 +131,7 @@ RemovalForecast DebApplications::forecast(const std::vector<ApplicationRecord>& 
             out.refusal = fmt::format("{} is the program that runs", each.name);
             return out;
         }
-    const auto ids = idsOf(records, waiting);
+    const auto ids = idsOf(records, database.ownArchitecture(), waiting);
     const auto going =
         ids ? simulation(*ids, waiting)
             : tl::expected<std::vector<ServicePackage>, std::string>(tl::unexpected(ids.error()));
@@ -182,7 +172,8 @@ std::vector<ApplicationRemoval> DebApplications::remove(
     };
     if (records.empty() || !forecast.refusal.empty()) return all(State::Refused, forecast.refusal);
     const Waiting waiting(stop);
-    const auto ids = idsOf(records, waiting);
+    const std::string own(DpkgDatabase(m_places.dpkg).ownArchitecture());
+    const auto ids = idsOf(records, own, waiting);
     if (!ids) return all(State::Failed, ids.error());
     // What the person saw in the list is what goes.
     const auto going = simulation(*ids, waiting);
@@ -199,10 +190,7 @@ std::vector<ApplicationRemoval> DebApplications::remove(
     std::vector<ApplicationRemoval> out = all(state, wordsOf(course));
     const DpkgDatabase after(m_places.dpkg);
     judge(after, records, out);
-    if (course.couldNotStop)
-        out.front().note = "The removal of packages could not be stopped any more";
-    for (const std::string& name : wentBesides(before, after, forecast.promised))
-        out.front().note = "Another package went as well: " + name;
+    out.front().note = noteOn(course, wentBesides(before, after, forecast.promised));
     return out;
 }
 

@@ -261,14 +261,27 @@ std::vector<const DpkgPackage*> DpkgDatabase::ownersOf(
     return owners;
 }
 
-std::vector<const DpkgPackage*> DpkgDatabase::ownersWithin(const std::string& folder) const {
-    const std::string other = otherSpelling(folder);
-    std::vector<const DpkgPackage*> owners;
+const DpkgPackage* DpkgDatabase::there(std::string_view key) const {
+    if (const DpkgPackage* const whole = installed(key)) return whole;
+    const std::size_t colon = key.find(':');
+    for (const DpkgPackage& each : m_packages)
+        if (each.isThere() && each.name == key.substr(0, colon) &&
+            (colon == std::string_view::npos || each.architecture == key.substr(colon + 1)))
+            return &each;
+    return nullptr;
+}
+
+std::vector<const DpkgPackage*> DpkgDatabase::ownersWithin(
+    const std::vector<std::string>& paths) const {
+    std::vector<const DpkgPackage*> owners(paths.size(), nullptr);
+    std::vector<std::string> others;
+    for (const std::string& each : paths) others.push_back(otherSpelling(each));
     eachFile([&](const std::string& key, std::string_view line) {
-        if (!isWithin(line, folder) && (other.empty() || !isWithin(line, other))) return true;
-        if (const DpkgPackage* const owner = installed(key); owner != nullptr)
-            owners.push_back(owner);
-        return false;
+        for (std::size_t i = 0; i < paths.size(); ++i)
+            if (owners[i] == nullptr &&
+                (isWithin(line, paths[i]) || (!others[i].empty() && isWithin(line, others[i]))))
+                owners[i] = there(key);
+        return true;
     });
     return owners;
 }

@@ -66,8 +66,10 @@ public:
     [[nodiscard]] std::vector<const DpkgPackage*> ownersOf(
         const std::vector<std::string>& paths) const;
 
-    /// Installed packages that have brought something within a folder.
-    [[nodiscard]] std::vector<const DpkgPackage*> ownersWithin(const std::string& folder) const;
+    /// For each path a package that is there, in part or whole, and has brought it or something
+    /// within it; nullptr where none has.
+    [[nodiscard]] std::vector<const DpkgPackage*> ownersWithin(
+        const std::vector<std::string>& paths) const;
 
     /// The architecture of dpkg itself, which is the machine's; empty where it has none.
     [[nodiscard]] std::string_view ownArchitecture() const;
@@ -88,6 +90,7 @@ private:
         std::vector<std::size_t> satisfiers;  // installed packages, each of which is enough
     };
 
+    [[nodiscard]] const DpkgPackage* there(std::string_view key) const;
     void parse();
     void indexClauses();
     [[nodiscard]] std::string findObstacle(bool isStatusRead) const;

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 
 #include "platform/linux/DesktopEntries.h"
@@ -22,18 +23,27 @@ bool isRealFolder(const std::string& path, bool& isOwn) {
     return true;
 }
 
+// Where people and build tools put the parts of many programs.
+bool isForMany(std::string_view name) {
+    constexpr std::array<std::string_view, 14> names{"bin",     "sbin", "lib",   "lib32", "lib64",
+                                                     "libexec", "etc",  "share", "var",   "src",
+                                                     "include", "man",  "games", "apps"};
+    return std::ranges::any_of(
+        names, [&](std::string_view each) { return equalIgnoringCase(each, name); });
+}
+
 }  // namespace
 
 // The uppermost folder on the way to the program; nothing where the program lies in a holder
-// itself.
+// itself, or beside others' parts.
 std::string FolderApplications::folderHolding(const std::string& program) const {
     for (const std::string& holder : m_places.folderHolders) {
         const std::string real = withoutLinks(holder);
         for (const std::string& spelled : {real, holder}) {
             if (!isWithin(program, spelled) || program.size() <= spelled.size()) continue;
             std::string_view rest = std::string_view(program).substr(spelled.size());
-            std::string folder = joinPath(real, nextComponent(rest));
-            if (!rest.empty()) return folder;
+            const std::string_view name = nextComponent(rest);
+            if (!rest.empty() && !isForMany(name)) return joinPath(real, name);
         }
     }
     return {};

@@ -1,6 +1,8 @@
 // Names on the bus and numbers are those of PackageKit's reference, which keeps them for good.
 #include "platform/linux/PackageService.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <functional>
@@ -248,6 +250,33 @@ std::string_view ServicePackage::field(std::size_t index) const {
     for (; index > 0; --index)
         rest.remove_prefix(std::min(std::min(rest.find(';'), rest.size()) + 1, rest.size()));
     return rest.substr(0, rest.find(';'));
+}
+
+std::string noteOn(const PackageCourse& course, const std::vector<std::string>& besides) {
+    std::string note;
+    for (const std::string& name : besides)
+        note += (note.empty() ? "Another package went as well: " : ", ") + name;
+    if (course.couldNotStop)
+        note += std::string(note.empty() ? "" : "; ") +
+                "The removal of packages could not be stopped any more";
+    return note;
+}
+
+tl::expected<std::string, std::string> idOf(const std::vector<ServicePackage>& packages,
+                                            std::string_view key, std::string_view own) {
+    const std::size_t colon = key.find(':');
+    const std::string_view wanted = colon == std::string_view::npos ? own : key.substr(colon + 1);
+    std::string out;
+    for (const ServicePackage& each : packages) {
+        const std::string_view architecture = each.architecture();
+        const bool fits = wanted.empty() || architecture == wanted ||
+                          (colon == std::string_view::npos && architecture == "all");
+        if (each.name() != key.substr(0, colon) || !fits || each.id == out) continue;
+        if (!out.empty()) return tl::unexpected(fmt::format("There are several packages {}", key));
+        out = each.id;
+    }
+    if (out.empty()) return tl::unexpected(fmt::format("{} is not installed any more", key));
+    return out;
 }
 
 PackageCourse PackageService::resolve(const std::vector<std::string>& names,

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <tl/expected.hpp>
 #include <vector>
 
 #include "platform/applications.h"
@@ -59,6 +60,16 @@ struct PackageCourse {
 
     [[nodiscard]] bool worked() const { return end == End::Success; }
 };
+
+/// What a person wants to know whether or not all is gone; `besides` are packages that went without
+/// having been promised.
+[[nodiscard]] std::string noteOn(const PackageCourse& course,
+                                 const std::vector<std::string>& besides);
+
+/// The id of the package that dpkg calls "NAME:ARCHITECTURE", or "NAME" where it is of the
+/// machine's `own` architecture or of all; why there is not exactly one, for people.
+[[nodiscard]] tl::expected<std::string, std::string> idOf(
+    const std::vector<ServicePackage>& packages, std::string_view key, std::string_view own);
 
 /// Each call is a connection and a transaction of its own and waits for its end; any thread.
 class PackageService final {

@@ -2,8 +2,11 @@
 #include "platform/linux/trashForecast.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
 
-#include <memory>
+#include <algorithm>
+#include <cerrno>
+#include <map>
 #include <string>
 
 #include "platform/linux/DpkgDatabase.h"
@@ -12,34 +15,61 @@
 namespace orrinvale {
 namespace {
 
-class Packages final {
-public:
-    explicit Packages(const ApplicationPlaces& places) : m_places(places) {}
+// Why what lies at a path is a package's to take, or may be; no word where it is nobody's. All
+// paths are asked for at once, since that reads every list.
+using Words = std::map<std::string, std::string>;
 
-    // Why what lies at a path is not ours to take; empty where no package has a part in it.
-    std::string refusal(const std::string& path) {
-        if (isWithin(path, withoutLinks(m_places.home))) return {};
-        if (!m_database) m_database = std::make_unique<DpkgDatabase>(m_places.dpkg);
-        if (!m_database->obstacle().empty())
-            return fmt::format("Nobody can tell whether a package has brought it: {}",
-                               m_database->obstacle());
-        const auto owners = m_database->ownersWithin(path);
-        return owners.empty() ? std::string()
-                              : fmt::format("Files of the package {} go only with that package",
-                                            owners.front()->name);
+Words wordsOf(const std::vector<ApplicationRecord>& records, const ApplicationPlaces& places) {
+    Words out;
+    const std::string home = withoutLinks(places.home);
+    std::vector<std::string> paths;
+    const auto ask = [&](const std::string& path) {
+        if (!isWithin(path, home)) paths.push_back(path);
+    };
+    for (const ApplicationRecord& each : records) {
+        ask(each.path);
+        std::ranges::for_each(each.links, ask);
+        std::ranges::for_each(each.entries, ask);
     }
+    if (paths.empty()) return out;
+    const DpkgDatabase database(places.dpkg);
+    const auto owners = database.ownersWithin(paths);
+    for (std::size_t i = 0; i < paths.size(); ++i)
+        if (!database.obstacle().empty())
+            out[paths[i]] = fmt::format("Nobody can tell whether a package has brought it: {}",
+                                        database.obstacle());
+        else if (owners[i] != nullptr)
+            out[paths[i]] =
+                fmt::format("Files of the package {} go only with that package", owners[i]->name);
+    return out;
+}
 
-private:
-    const ApplicationPlaces& m_places;
-    std::unique_ptr<DpkgDatabase> m_database;
-};
-
-std::string refusalOf(const ApplicationRecord& record, Packages& packages) {
+// What only packages start, one of them has put there, whoever wrote down its files.
+std::string refusalOf(const ApplicationRecord& record, const Words& words) {
     if (record.isOurs) return fmt::format("{} is the program that runs", record.name);
     const std::string folder = folderOf(record.path);
     if (withoutLinks(folder) != folder)
         return fmt::format("A link leads to it, which is left alone: {}", record.path);
-    return packages.refusal(record.path);
+    const auto isTold = [&](const std::string& path) { return words.contains(path); };
+    if (isTold(record.path)) return words.at(record.path);
+    const auto link = std::ranges::find_if(record.links, isTold);
+    if (link != record.links.end()) return words.at(*link);
+    const bool isOfPackages =
+        !record.entries.empty() && std::ranges::all_of(record.entries, isTold);
+    return isOfPackages ? words.at(record.entries.front()) : std::string();
+}
+
+// The program is gone without them as well: they say why they stay, rather than that it failed.
+void takeStarters(const ApplicationRecord& record, const Words& words,
+                  std::vector<std::string>& going, std::vector<std::string>& stays) {
+    for (const std::vector<std::string>* const list : {&record.links, &record.entries})
+        for (const std::string& each : *list)
+            if (const auto word = words.find(each); word != words.end())
+                stays.push_back(fmt::format("{} stays: {}", each, word->second));
+            else if (::access(folderOf(each).c_str(), W_OK) != 0 && errno != ENOENT)
+                stays.push_back(
+                    fmt::format("{} stays: only the administrator may remove it", each));
+            else going.push_back(each);
 }
 
 }  // namespace
@@ -47,16 +77,15 @@ std::string refusalOf(const ApplicationRecord& record, Packages& packages) {
 RemovalForecast forecastOfTrash(const std::vector<ApplicationRecord>& records,
                                 const ApplicationPlaces& places) {
     RemovalForecast out;
-    Packages packages(places);
+    const Words words = wordsOf(records, places);
     for (std::size_t i = 0; i < records.size(); ++i) {
         const ApplicationRecord& each = records[i];
-        if (std::string why = refusalOf(each, packages); !why.empty())
-            out.refusals[i] = std::move(why);
         for (const std::string& name : each.others) out.along.push_back({i, name, {}});
         std::vector<std::string>& going = out.trash.emplace_back();
         going.push_back(each.path);
-        going.insert(going.end(), each.links.begin(), each.links.end());
-        going.insert(going.end(), each.entries.begin(), each.entries.end());
+        if (std::string why = refusalOf(each, words); !why.empty())
+            out.refusals[i] = std::move(why);
+        else takeStarters(each, words, going, out.stays);
     }
     return out;
 }

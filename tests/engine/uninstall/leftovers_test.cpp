@@ -179,5 +179,31 @@ TEST(Leftovers, AreRealFoldersAndTellWhatIsInThem) {
     EXPECT_EQ(findLeftoversOf(files, places, rules, safe, never).size(), 0U) << "a namesake's";
 }
 
+// What a stop cut short would look as if no document were in it.
+TEST(Leftovers, AreWholeOrToldNotToBe) {
+    TestTree tree;
+    (void)tree.write("config/game/x", "1");
+    (void)tree.write("config/safe/deep/secrets.kdbx", "12345");
+    LeftoverPlaces places;
+    places.homes = {tree.at("config")};
+    const LeftoverRules rules(claims());
+    std::atomic<bool> stop{false};
+    const auto found = [&](const FileSystem& files) {
+        std::string out;
+        for (const Leftover& each : findLeftovers(files, places, rules, "safe", stop))
+            out += each.isWhole ? "whole" : "part";
+        return out;
+    };
+    (void)tree.setMode("config/safe/deep", 0);
+    EXPECT_EQ(testing::runInChild({.ordinaryUser = true}, [&] { return found(LinuxFileSystem()); }),
+              "part");
+    WatchedFiles files;
+    EXPECT_EQ(found(files), "whole");
+    int folders = 0;
+    files.onReadFolder = [&] { stop = ++folders == 3; };  // the home twice, then within
+    EXPECT_EQ(found(files), "");
+    EXPECT_TRUE(stop);
+}
+
 }  // namespace
 }  // namespace orrinvale

@@ -82,5 +82,101 @@ TEST_F(Planned, TellsBeforehandWhatCanNotGo) {
     EXPECT_TRUE(isThere(items[0].path));
 }
 
+TEST_F(Planned, LeftoversThatNobodyLookedThroughAreNotOffered) {
+    for (const char* const name : {"game", "tool"})
+        tree.write(std::string("home/.config/") + name + "/deep/x", "1");
+    tree.setMode("home/.config/tool/deep", 0);
+    tree.setMode("usr/share/applications", 0777);
+    const auto told = [&] {
+        const UninstallOutlook outlook = work->forecast(listed(), never);
+        std::string out;
+        for (const auto& app : outlook.apps) out += std::to_string(app.leftovers.size());
+        for (const std::string& each : outlook.notes) out += each;
+        return out;
+    };
+    EXPECT_EQ(testing::runInChild({.ordinaryUser = true}, told),
+              "10Could not be looked through and is not offered: " + tree.at("home/.config/tool"));
+}
+
+// One snap, which goes whatever is asked.
+struct OneSnap final : Applications, ApplicationKind {
+    ApplicationType type() const override { return ApplicationType::Snap; }
+    void list(std::vector<StartingEntry>&, ApplicationInventory&) const override {}
+    ApplicationDetails details(const ApplicationRecord&) const override { return {}; }
+    RemovalForecast forecast(const std::vector<ApplicationRecord>&, const Waiting&) const override {
+        return {};
+    }
+    ApplicationInventory inventory() const override {
+        ApplicationRecord code;
+        code.type = ApplicationType::Snap;
+        code.id = code.name = "code";
+        ApplicationInventory out;
+        out.records = {code};
+        return out;
+    }
+    const ApplicationKind* kind(ApplicationType) const override { return this; }
+    std::vector<RunState> running(const std::vector<const ApplicationRecord*>& of) const override {
+        return std::vector<RunState>(of.size());
+    }
+};
+
+TEST_F(Planned, WhatTheSnapServiceTakesIsNoOnesToTick) {
+    tree.write("home/snap/code/common/x", "1");
+    tree.write("home/.config/code/x", "1");
+    const OneSnap snaps;
+    parts.applications = &snaps;
+    PlannedUninstallWork planned(
+        parts, LeftoverPlaces{{tree.at("home/.config")}, {}, tree.at("home/snap"), {}},
+        UninstallDoors::usual(parts), nullptr, nullptr);
+    UninstallAppInfo info(UninstallAppDelegate(files, parts.home, &snaps, parts.root));
+    const auto told = planned.forecast({*info.allAppsInfo().front()}, never).apps.front();
+    ASSERT_EQ(told.refusal, "");
+    Strings paths;
+    for (const Leftover& each : told.leftovers) paths.push_back(each.path);
+    EXPECT_THAT(paths, ElementsAre(tree.at("home/.config/code")));
+}
+
+// Refuses the path that is locked.
+class LockedDoor final : public RemovalDoor {
+public:
+    explicit LockedDoor(const std::string& locked) : m_locked(locked) {}
+    RemovalResult remove(const LeavingEntry& entry, const std::atomic<bool>& /*stop*/) override {
+        RemovalResult out;
+        out.gone = entry.path != m_locked;
+        if (out.gone) std::filesystem::remove_all(entry.path);
+        else out.failures.push_back({entry.path, "locked"});
+        return out;
+    }
+
+private:
+    const std::string m_locked;
+};
+
+TEST_F(Planned, ASecondAttemptTakesWhatTheFirstCopyLeftToTheSecond) {
+    const std::string list =
+        "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>"
+        "<key>CFBundleIdentifier</key><string>com.e.App</string></dict></plist>";
+    for (const char* const name : {"One", "Two"})
+        tree.write(std::string("Applications/") + name + ".app/Contents/Info.plist", list);
+    tree.write("home/Library/com.e.App.plist", "1");
+    std::string locked;
+    UninstallDoors doors = UninstallDoors::usual(parts);
+    doors.bundles = [&] { return std::make_unique<LockedDoor>(locked); };
+    PlannedUninstallWork planned(parts, {}, doors, nullptr, nullptr);
+    std::vector<AppItems> items;
+    for (const AppItems& each : listed())
+        if (each.record->type == ApplicationType::App) items.push_back(each);
+    ASSERT_EQ(items.size(), 2U);
+    const UninstallOutlook outlook = planned.forecast(items, never);
+    ASSERT_EQ(outlook.apps[1].paths.size(), 2U);
+    locked = outlook.apps[1].paths.front();
+    const auto first =
+        planned.remove(*outlook.plan, {{items[0], {}}, {items[1], {}}}, progress, never);
+    EXPECT_TRUE(first[0].isGone && !first[1].isGone);
+    locked.clear();
+    EXPECT_TRUE(planned.remove(*outlook.plan, {{items[1], {}}}, progress, never)[0].isGone);
+    EXPECT_FALSE(isThere(tree.at("home/Library/com.e.App.plist")));
+}
+
 }  // namespace
 }  // namespace orrinvale

@@ -1,6 +1,7 @@
 // Removal of applications: what a bundle takes along, and the order of kinds.
 #include "engine/cleaning/QnAuthorization.h"
 #include "engine/removal/TrashDoor.h"
+#include "engine/uninstall/PlannedUninstallWork.h"
 #include "engine/uninstall/UninstallAppInfo.h"
 #include "engine/uninstall/UninstallRun.h"
 #include "platform/fake/FakeAuthorization.h"
@@ -37,6 +38,7 @@ TEST(Uninstall, ABundleTakesWhatBeginsWithItsIdentifierAndIsNobodyElses) {
                         "com.example.Apple",
                         "com",
                         "com.x",
+                        "com..x.plist",
                         "Com.example.App"};
     for (const std::string& each : names) (void)tree.write("L/" + each, "1");
     const LinuxFileSystem files;
@@ -49,6 +51,7 @@ TEST(Uninstall, ABundleTakesWhatBeginsWithItsIdentifierAndIsNobodyElses) {
         {"com.example.App.plist.x", {}, {}},
         {"com", {}, {"com"}},
         {"com.x", {}, {"com.x"}},
+        {"com..x", {}, {}},
         {"com.example", {}, {}},
         {"", {}, {}},
     };
@@ -181,7 +184,7 @@ TEST_F(Uninstalling, LeavesAFolderInWhichSomethingElseLies) {
         return out;
     };
     EXPECT_THAT(plan(), ElementsAre(R"(one: { "paid", "two" })", "other: {}"));
-    machine.package("paid", "", {"opt/maker/paid/run"});
+    machine.package("paid", "", {"opt/maker/paid/run", "usr/share/applications/paid.desktop"});
     machine.package("part", "", {"opt/other/data/x"});
     EXPECT_THAT(plan(), ElementsAre(HasSubstr("paid: "), "one: paid lies in its folder{}",
                                     HasSubstr("Files of the package part")));
@@ -244,6 +247,46 @@ TEST_F(Uninstalling, WhatSomebodyElseHasMovedAwayIsGone) {
     // With its folder it may only be out of reach.
     std::filesystem::rename(tree.at("opt"), tree.at("away"));
     EXPECT_FALSE(runUninstall(parts, plan, {}, doors, never, {}).worked());
+}
+
+TEST_F(Uninstalling, WhatCouldNotBeLookedAtStays) {
+    (void)tree.write("home/Library/com.e.App.plist", "1");
+    (void)tree.write("Apps/App.app/x", "1");
+    (void)tree.setMode("home/Library", 0744);
+    const auto refusal = [&] {
+        const AppItemsArray apps{item(ApplicationType::App, "com.e.App", tree.at("Apps/App.app"))};
+        return planUninstall(parts, apps, apps, never).apps[0].refusal;
+    };
+    EXPECT_THAT(testing::runInChild({.ordinaryUser = true}, refusal),
+                HasSubstr("com.e.App.plist could not be looked at: Permission denied"));
+    EXPECT_EQ(refusal(), "");
+}
+
+// An editor that nobody could read may be called as this one and a little more.
+TEST_F(Uninstalling, WhereABundleCouldNotBeReadWholeNamesGoAlone) {
+    (void)tree.write("Applications/Editor.app/Contents/Info.plist",
+                     "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>"
+                     "<key>CFBundleIdentifier</key><string>com.e.Editor</string></dict></plist>");
+    for (const char* const name : {"com.e.Editor", "com.e.Editor2.plist"})
+        (void)tree.write(std::string("home/Library/") + name, "1");
+    const auto paths = [&] {
+        PlannedUninstallWork work(parts, {}, doors, nullptr, nullptr);
+        UninstallAppInfo info(UninstallAppDelegate(files, parts.home, &applications, parts.root));
+        const auto& all = info.allAppsInfo();
+        const auto own =
+            std::ranges::find(all, "Editor", [](const auto& each) { return each->name; });
+        return work.forecast({**own}, never).apps[0].paths.size();
+    };
+    EXPECT_EQ(paths(), 3U);
+    (void)tree.folder("Applications/Bare.app");
+    EXPECT_EQ(paths(), 3U) << "a bundle without a list claims nothing";
+    (void)tree.write("Applications/Broken.app/Contents/Info.plist", "garbage");
+    EXPECT_EQ(paths(), 2U);
+    std::filesystem::remove_all(tree.at("Applications/Broken.app"));
+    (void)tree.folder("Applications/closed");
+    (void)tree.setMode("Applications/closed", 0);
+    EXPECT_EQ(testing::runInChild({.ordinaryUser = true}, [&] { return std::to_string(paths()); }),
+              "2");
 }
 
 TEST_F(Uninstalling, NeverRemovesTheVendorsOwnAndThisProgram) {
