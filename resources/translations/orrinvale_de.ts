@@ -2830,16 +2830,8 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>Wartet, bis ein anderes Entfernen zu Ende ist</translation>
     </message>
     <message>
-        <source>Stopped before anything was found</source>
-        <translation>Angehalten, bevor etwas gefunden wurde</translation>
-    </message>
-    <message>
         <source>%1 found before the scan was stopped</source>
         <translation>%1 gefunden, bevor die Suche angehalten wurde</translation>
-    </message>
-    <message>
-        <source>The scan was stopped before it found anything.</source>
-        <translation>Die Suche wurde angehalten, bevor sie etwas fand.</translation>
     </message>
     <message>
         <source>Nothing was found that can go, but not everything could be looked at.</source>
@@ -2850,8 +2842,20 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>%1 blieb unberührt: %2.</translation>
     </message>
     <message>
-        <source>%1: the scan was stopped before it found anything.</source>
-        <translation>%1: Die Suche wurde angehalten, bevor sie etwas fand.</translation>
+        <source>Stopped before its end: there may be more</source>
+        <translation>Vor dem Ende angehalten: es kann mehr geben</translation>
+    </message>
+    <message>
+        <source>The scan was stopped before its end. There may be more.</source>
+        <translation>Die Suche wurde vor ihrem Ende angehalten. Es kann mehr geben.</translation>
+    </message>
+    <message>
+        <source>%1: the scan was stopped before its end.</source>
+        <translation>%1: Die Suche wurde vor ihrem Ende angehalten.</translation>
+    </message>
+    <message>
+        <source>%1. It is left out until the next scan.</source>
+        <translation>%1. Bis zur nächsten Suche bleibt es außen vor.</translation>
     </message>
 </context>
 <context>

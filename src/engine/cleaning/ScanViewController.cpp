@@ -178,6 +178,7 @@ void ScanViewController::beginScanTask(std::function<std::vector<std::string>()>
     refreshTableView();
     if (m_scan != nullptr) m_scan->letGo();
     m_isStopped = false;
+    m_total = 0;
     m_scan = std::make_shared<Scan>(*this, std::move(folders));
     m_scan->start();
 }

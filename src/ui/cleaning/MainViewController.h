@@ -243,6 +243,7 @@ private:
     void alwaysKeep(const std::string& path, std::size_t category);
     void leaveOut(const std::string& path, std::size_t category);
     void leaveOutLate();
+    void tellSize(std::size_t category);
 
     void ejectVolume(std::int16_t /*number*/, const std::string& /*root*/,
                      const std::string& /*name*/) override {}  // nobody ejects the boot volume

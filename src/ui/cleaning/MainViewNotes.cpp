@@ -105,7 +105,7 @@ QString MainViewController::titleText() const {
     const bool isStopped = std::ranges::any_of(m_tableControllers,
                                                [](const auto& each) { return each->wasStopped(); });
     if (categories == 0)
-        return isStopped ? tr("Stopped before anything was found") : tr("Nothing can go");
+        return isStopped ? tr("Stopped before its end: there may be more") : tr("Nothing can go");
     if (isStopped) return tr("%1 found before the scan was stopped").arg(found);
     return (categories == 1 ? tr("%1 in one category can go")
                             : tr("%1 in %n categories can go", nullptr, categories))
@@ -192,7 +192,7 @@ QString MainViewController::emptyWords(int row) const {
         if (!list.listing().closed.empty()) objection = list.listing().closed.front().reason;
     }
     if (row == overviewRow) {
-        if (isStopped) return tr("The scan was stopped before it found anything.");
+        if (isStopped) return tr("The scan was stopped before its end. There may be more.");
         return objection.empty()
                    ? tr("Nothing can go. Your disk is tidy.")
                    : tr("Nothing was found that can go, but not everything could be looked at.");
@@ -201,7 +201,7 @@ QString MainViewController::emptyWords(int row) const {
     if (m_state == State::Scanning || m_state == State::Stopping)
         return tr("%1: looking ...").arg(title);
     if (!objection.empty()) return tr("%1 was left alone: %2.").arg(title, inWords(objection));
-    if (isStopped) return tr("%1: the scan was stopped before it found anything.").arg(title);
+    if (isStopped) return tr("%1: the scan was stopped before its end.").arg(title);
     return tr("Nothing in %1 can go.").arg(title);
 }
 

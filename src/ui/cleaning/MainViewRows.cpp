@@ -30,8 +30,10 @@ void MainViewController::showPlace(const QPoint& position, const std::string& pa
     menu->popup(position);
 }
 
-// The row goes once the list of what is kept is on the disk.
+// The row goes at once, so that a clean that begins before the list of what is kept is on the disk
+// does not take it along.
 void MainViewController::alwaysKeep(const std::string& path, std::size_t category) {
+    leaveOut(path, category);
     runAside(
         this, "alwaysKeep",
         [files = m_parts.clean.files, folder = m_parts.clean.settingsFolder, path] {
@@ -41,7 +43,8 @@ void MainViewController::alwaysKeep(const std::string& path, std::size_t categor
             if (!stored) {
                 Alert alert;
                 alert.title = tr("That could not be noted.");
-                alert.text = inWords(stored.error().reason());
+                alert.text = tr("%1. It is left out until the next scan.")
+                                 .arg(inWords(stored.error().reason()));
                 alert.severity = Alert::Severity::Warning;
                 return m_parts.pages.dialogs->alert(m_mainWindow, alert, [](int) {});
             }
@@ -51,11 +54,8 @@ void MainViewController::alwaysKeep(const std::string& path, std::size_t categor
 }
 
 void MainViewController::leaveOut(const std::string& path, std::size_t category) {
-    ScanViewController& list = *m_tableControllers.at(category);
-    list.leaveOut(path);
-    const std::string context(cleanCategories.at(category).context);
-    m_views->allNewViewArr.at(category)->observeFoundText(context, list.filesSize);
-    m_views->customTableView->observeFoundText(context, list.filesSize);
+    m_tableControllers.at(category)->leaveOut(path);
+    tellSize(category);
     m_models.at(category)->takeOut(path);
     rowTaken(category, path);
     setHiddenCheckBoxAction();
@@ -65,12 +65,21 @@ void MainViewController::leaveOut(const std::string& path, std::size_t category)
     showKept();
 }
 
-// A scan or a clean that began before the wish was noted has not heeded it.
+// A scan that began before the wish was noted has not heeded it.
 void MainViewController::leaveOutLate() {
     for (const auto& [category, path] : std::exchange(m_keptLate, {})) {
-        m_tableControllers.at(category)->leaveOut(path);
+        ScanViewController& list = *m_tableControllers.at(category);
+        list.leaveOut(path);
         m_models.at(category)->takeOut(path);
+        tellSize(category);
     }
+}
+
+void MainViewController::tellSize(std::size_t category) {
+    const std::string context(cleanCategories.at(category).context);
+    const std::string& size = m_tableControllers.at(category)->filesSize;
+    m_views->allNewViewArr.at(category)->observeFoundText(context, size);
+    m_views->customTableView->observeFoundText(context, size);
 }
 
 void MainViewController::browseVolume(const std::string& volRootDir) {

@@ -133,6 +133,7 @@ TEST(CleanTruth, AlwaysKeepTakesTheRowAloneAndIsNotForgotten) {
     // A scan that looked at the caches before the wish was noted.
     auto writing = writer(KeepList::fileIn(desk.home.tree.at("settings")));
     ASSERT_TRUE(keep("/a"));
+    EXPECT_EQ(desk.outline(), "User Caches 0/1 3.00 KB .\n");  // nor can a clean take it now
     desk.held.hold(desk.home.tree.at("Downloads"));
     desk.click("rescanButton");
     ASSERT_SOON(desk.page->finishScanCount() == 1);
@@ -158,11 +159,11 @@ TEST(CleanTruth, AScanThatWasStoppedOrClosedSaysSo) {
     desk.click("stopButton");
     desk.held.letAllGo();
     ASSERT_TRUE(desk.waitForRest());
-    EXPECT_EQ(desk.textOf("titleLabel"), "Stopped before anything was found");
-    EXPECT_EQ(desk.textOf("emptyLabel"), "The scan was stopped before it found anything.");
+    EXPECT_EQ(desk.textOf("titleLabel"), "Stopped before its end: there may be more");
+    EXPECT_EQ(desk.textOf("emptyLabel"), "The scan was stopped before its end. There may be more.");
     desk.page->shouldSelectRow(6);
     EXPECT_EQ(desk.textOf("emptyLabel"),
-              "Downloads: the scan was stopped before it found anything.");
+              "Downloads: the scan was stopped before its end.");
     desk.page->shouldSelectRow(2);
     EXPECT_EQ(desk.textOf("emptyLabel"), "Nothing in User Caches can go.");
     desk.page->shouldSelectRow(0);
