@@ -128,12 +128,13 @@ TEST(CleanTruth, AlwaysKeepTakesTheRowAloneAndIsNotForgotten) {
     EXPECT_EQ(desk.outline(), desk.list(UserCaches).scanFiles->at(0)->bIsSelected
                                   ? "User Caches 1/2 4.00 KB x.\n"
                                   : "User Caches 1/2 4.00 KB .x\n");
+    desk.tick(list, desk.rowOf(list, "/c"));
     desk.page->shouldSelectRow(0);
 
     // A scan that looked at the caches before the wish was noted.
     auto writing = writer(KeepList::fileIn(desk.home.tree.at("settings")));
     ASSERT_TRUE(keep("/a"));
-    EXPECT_EQ(desk.outline(), "User Caches 0/1 3.00 KB .\n");  // nor can a clean take it now
+    EXPECT_EQ(desk.outline(), "User Caches 1/1 3.00 KB x\n");  // nor can a clean take it now
     desk.held.hold(desk.home.tree.at("Downloads"));
     desk.click("rescanButton");
     ASSERT_SOON(desk.page->finishScanCount() == 1);
