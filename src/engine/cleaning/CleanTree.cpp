@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "engine/base/endAside.h"
 #include "engine/base/saturating.h"
 #include "engine/text/UtilityFunction.h"
 
@@ -29,8 +30,8 @@ std::size_t categoryOfGroup(std::string_view name) {
 }
 
 void CleanTree::clear() {
-    m_groups.clear();
-    m_treeData.reset();
+    if (m_treeData != nullptr)
+        endAside(std::pair(std::exchange(m_treeData, nullptr), std::exchange(m_groups, {})));
 }
 
 void CleanTree::constructTree(const std::vector<ScanViewController*>& scanObjsArr) {

@@ -9,9 +9,12 @@
 #include <set>
 #include <system_error>
 #include <thread>
+#include <tuple>
+#include <unordered_set>
 #include <utility>
 
 #include "engine/base/Log.h"
+#include "engine/base/endAside.h"
 #include "engine/base/saturating.h"
 #include "engine/cleaning/CleanList.h"
 #include "engine/cleaning/FolderUtilities.h"
@@ -41,6 +44,25 @@ std::uint64_t shareOf(std::uint64_t onDisk, std::uint64_t left, std::uint64_t al
     if (left >= all) return onDisk;
     return static_cast<std::uint64_t>(static_cast<double>(onDisk) * static_cast<double>(left) /
                                       static_cast<double>(all));
+}
+
+// Not sorted: with 20,000 long paths the order alone would hold the main thread up.
+using Paths = std::unordered_set<std::string_view>;
+
+// Returned is what left, for its end elsewhere.
+ScanViewController::Rows takeOut(ScanViewController::Rows& rows, const Paths& leaving) {
+    ScanViewController::Rows gone, staying;
+    for (auto& row : rows) (leaving.contains(row->path) ? gone : staying).push_back(std::move(row));
+    rows = std::move(staying);
+    return gone;
+}
+
+std::vector<CleanRow> takeOut(std::vector<CleanRow>& rows, const Paths& leaving) {
+    std::vector<CleanRow> gone, staying;
+    for (CleanRow& row : rows)
+        (leaving.contains(row.path) ? gone : staying).push_back(std::move(row));
+    rows = std::move(staying);
+    return gone;
 }
 
 }  // namespace
@@ -156,8 +178,8 @@ public:
     Clean& operator=(const Clean&) = delete;
 
     const std::shared_ptr<CleanList> m_list;
-    std::vector<std::size_t> m_gone;    // entries of each row that went, as far as was told
-    std::set<std::string> m_leaving{};  // paths of rows that leave the list
+    std::vector<std::size_t> m_gone;  // entries of each row that went, as far as was told
+    Paths m_leaving{};                // of rows of m_list: those that leave the list of the page
     RemovalJob m_job;
 };
 
@@ -173,7 +195,7 @@ void ScanViewController::beginScanTask(std::vector<std::string> folders) {
 }
 
 void ScanViewController::beginScanTask(std::function<std::vector<std::string>()> folders) {
-    scanFiles.reset();
+    endAside(std::exchange(scanFiles, std::nullopt));
     folderPaths.clear();
     refreshTableView();
     if (m_scan != nullptr) m_scan->letGo();
@@ -201,7 +223,7 @@ void ScanViewController::setFilesSize(std::uint64_t bytes) {
 }
 
 void ScanViewController::scanTaskFinished(CategoryListing listing, Rows rows) {
-    m_listing = std::move(listing);
+    endAside(std::exchange(m_listing, std::move(listing)));
     setFilesSize(m_listing.bytes);
     scanFiles = std::move(rows);
     scanFilesChange.post(m_changes, true);
@@ -278,7 +300,7 @@ void ScanViewController::beginCleanTask(std::shared_ptr<SpaceGain> gain) {
 void ScanViewController::beginCleanTask(const Rows& chosen, std::shared_ptr<SpaceGain> gain) {
     if (m_clean != nullptr) return;
     getSelectPath("clean");
-    std::set<const CleanFileInfo*> wanted;
+    std::unordered_set<const CleanFileInfo*> wanted;
     for (const auto& row : chosen) wanted.insert(row.get());
     std::erase_if(selDelFiles, [&](const auto& row) { return !wanted.contains(row.get()); });
     begin(std::move(gain));
@@ -287,7 +309,7 @@ void ScanViewController::beginCleanTask(const Rows& chosen, std::shared_ptr<Spac
 void ScanViewController::begin(std::shared_ptr<SpaceGain> gain) {
     iCleanSize = 0;
     m_cleanedRows.clear();
-    std::set<std::string_view> wanted;
+    Paths wanted;
     for (const auto& row : selDelFiles) wanted.insert(row->path);
     std::vector<CleanRow> rows;
     for (const CleanRow& row : m_listing.rows)
@@ -371,27 +393,31 @@ void ScanViewController::tellTotal() {
 }
 
 void ScanViewController::finishClean() {
-    const std::unique_ptr<Clean> clean = std::move(m_clean);
-    const CleanList& list = *clean->m_list;
+    std::unique_ptr<Clean> clean = std::move(m_clean);
+    std::shared_ptr<CleanList> list = clean->m_list;
     std::map<std::string_view, std::uint64_t> begun;  // what went of rows that stay, by their paths
-    for (std::size_t i = 0; i < list.rows().size(); ++i) {
-        const CleanRow& row = list.rows()[i];
+    for (std::size_t i = 0; i < list->rows().size(); ++i) {
+        const CleanRow& row = list->rows()[i];
         if (clean->m_leaving.contains(row.path)) continue;
-        const std::uint64_t gone = list.goneBytes(i);
+        const std::uint64_t gone = list->goneBytes(i);
         if (gone > 0) countGone(gone);
-        if (list.isDone(i) && list.isBegun(i)) m_cleanedRows.push_back(row.path);
-        if (list.isKept(i) || list.isDone(i)) clean->m_leaving.insert(row.path);
-        else if (list.isBegun(i)) begun.emplace(row.path, gone);
+        if (list->isDone(i) && list->isBegun(i)) m_cleanedRows.push_back(row.path);
+        if (list->isKept(i) || list->isDone(i)) clean->m_leaving.insert(row.path);
+        else if (list->isBegun(i)) begun.emplace(row.path, gone);
     }
+    std::tuple<Rows, Rows, std::vector<CleanRow>> gone;
     if (scanFiles && (!begun.empty() || !clean->m_leaving.empty())) {
-        shrinkRows(begun);
-        dropRows(clean->m_leaving);
+        if (!begun.empty()) shrinkRows(begun);
+        gone = {takeOut(*scanFiles, clean->m_leaving), takeOut(selDelFiles, clean->m_leaving),
+                takeOut(m_listing.rows, clean->m_leaving)};
         recount();
         tellTotal();
         scanFilesChange.post(m_changes, true);
     }
     cleanFinished = true;
     cleanFinishedChange.post(m_changes, true);
+    clean.reset();
+    endAside(std::pair(std::move(list), std::move(gone)));
 }
 
 void ScanViewController::shrinkRows(const std::map<std::string_view, std::uint64_t>& begun) {
@@ -410,10 +436,10 @@ void ScanViewController::shrinkRows(const std::map<std::string_view, std::uint64
 }
 
 void ScanViewController::dropRows(const std::set<std::string>& leaving) {
-    const auto leaves = [&](const auto& row) { return leaving.contains(row->path); };
-    std::erase_if(*scanFiles, leaves);
-    std::erase_if(selDelFiles, leaves);
-    std::erase_if(m_listing.rows, [&](const CleanRow& row) { return leaving.contains(row.path); });
+    const Paths paths(leaving.begin(), leaving.end());
+    takeOut(*scanFiles, paths);
+    takeOut(selDelFiles, paths);
+    takeOut(m_listing.rows, paths);
 }
 
 }  // namespace orrinvale

@@ -3,6 +3,7 @@
 #include <QLineEdit>
 #include <QStackedWidget>
 #include <algorithm>
+#include <span>
 
 #include "engine/base/Log.h"
 #include "engine/cleaning/CleanPageRows.h"
@@ -25,6 +26,16 @@ namespace orrinvale {
 namespace {
 
 constexpr int waitsThatLast = 3;  // of the progress timer
+
+// A tidy disk is one that was looked through to the end.
+QString emptyPicture(std::span<ScanViewController* const> lists) {
+    if (std::ranges::any_of(
+            lists, [](const auto* list) { return list->wasStopped() || !list->scanFiles; }))
+        return QStringLiteral("empty_search");
+    const bool isAllLookedAt =
+        std::ranges::all_of(lists, [](const auto* list) { return list->listing().closed.empty(); });
+    return isAllLookedAt ? QStringLiteral("empty_done") : QStringLiteral("empty_error");
+}
 
 }  // namespace
 
@@ -167,6 +178,11 @@ void MainViewController::showRow() {
 void MainViewController::showContent() {
     CleanViews& views = *m_views;
     views.emptyLabel->setText(emptyWords(selectRowNum));
+    const auto all = lists();
+    const bool isOverview = selectRowNum == overviewRow;
+    const std::size_t first = isOverview ? 0 : std::size_t(selectRowNum) - 1;
+    views.emptyView->findChild<PictureView*>()->setPicture(
+        emptyPicture(std::span(all).subspan(first, isOverview ? all.size() : 1)));
     if (selectRowNum == overviewRow) {
         const bool isEmpty = m_state == State::Reviewing && isCleanFinshed && !isShowCleanedSize &&
                              std::ranges::all_of(m_sums, [](const auto& s) { return s.rows == 0; });

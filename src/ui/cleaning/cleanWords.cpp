@@ -96,8 +96,21 @@ QString foundWords(const std::string& size) {
 }
 
 bool hasWords(std::string_view name, const QString& words) {
-    return words.isEmpty() || QString::fromUtf8(name.data(), qsizetype(name.size()))
-                                  .contains(words, Qt::CaseInsensitive);
+    if (words.isEmpty()) return true;
+    // Almost all names are plain, and each letter typed has tens of thousands looked at.
+    const auto isPlain = [](char16_t each) { return each < 0x80; };
+    const auto unitOf = [](char each) { return char16_t(static_cast<unsigned char>(each)); };
+    if (!std::ranges::all_of(words, isPlain, [](QChar each) { return each.unicode(); }) ||
+        !std::ranges::all_of(name, isPlain, unitOf))
+        return QString::fromUtf8(name.data(), qsizetype(name.size()))
+            .contains(words, Qt::CaseInsensitive);
+    const auto lower = [](char16_t each) {
+        return each >= u'A' && each <= u'Z' ? char16_t(each - u'A' + u'a') : each;
+    };
+    const auto isSame = [&](char one, QChar other) {
+        return lower(unitOf(one)) == lower(other.unicode());
+    };
+    return std::search(name.begin(), name.end(), words.begin(), words.end(), isSame) != name.end();
 }
 
 QString ageWords(std::int64_t nanoseconds) {

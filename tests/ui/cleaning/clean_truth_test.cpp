@@ -9,6 +9,7 @@
 #include "engine/removal/RemovalTurn.h"
 #include "ui/cleaning/CleanDesk.h"
 #include "ui/cleaning/cleanWords.h"
+#include "ui/kit/controls/PictureView.h"
 #include "ui/kit/lists/TickBox.h"
 
 namespace orrinvale::testing {
@@ -23,6 +24,18 @@ std::unique_ptr<DurableFile> writer(const std::string& file) {
     auto begun = DurableFile::begin(file);
     EXPECT_TRUE(begun.has_value());
     return std::make_unique<DurableFile>(std::move(*begun));
+}
+
+TEST(CleanTruth, AFilterKnowsNoCaseOfAnyLetter) {
+    struct Case {
+        const char *name, *words;
+        bool isShown;
+    };
+    for (const auto& [name, words, isShown] :
+         {Case{"Report.PDF", "PORT.pdf", true}, Case{"a@b", "a`b", false}, Case{"x", "", true},
+          Case{"", "x", false}, Case{"\u00c4rger.txt", "\u00e4RG", true},
+          Case{"plain", "\u00e4", false}, Case{"\u00e4 Z", "z", true}})
+        EXPECT_EQ(hasWords(name, QString::fromUtf8(words)), isShown) << name << ' ' << words;
 }
 
 TEST(CleanTruth, WhatAFilterHidesStaysAndIsTold) {
@@ -152,6 +165,9 @@ TEST(CleanTruth, AlwaysKeepTakesTheRowAloneAndIsNotForgotten) {
 // Nothing is called tidy that nobody has looked at.
 TEST(CleanTruth, AScanThatWasStoppedOrClosedSaysSo) {
     CleanDesk desk;
+    const auto picture = [&desk] {
+        return desk.control("emptyView").findChild<PictureView*>()->name().toStdString();
+    };
     desk.held.hold(desk.home.tree.at("Downloads"));
     desk.write("Downloads/a", 1'000);
     desk.write(".cache/b/.git/x", 1);
@@ -162,11 +178,13 @@ TEST(CleanTruth, AScanThatWasStoppedOrClosedSaysSo) {
     ASSERT_TRUE(desk.waitForRest());
     EXPECT_EQ(desk.textOf("titleLabel"), "Stopped before its end: there may be more");
     EXPECT_EQ(desk.textOf("emptyLabel"), "The scan was stopped before its end. There may be more.");
+    EXPECT_EQ(picture(), "empty_search");
     desk.page->shouldSelectRow(6);
     EXPECT_EQ(desk.textOf("emptyLabel"),
               "Downloads: the scan was stopped before its end.");
     desk.page->shouldSelectRow(2);
     EXPECT_EQ(desk.textOf("emptyLabel"), "Nothing in User Caches can go.");
+    EXPECT_EQ(picture(), "empty_done");
     desk.page->shouldSelectRow(0);
 
     ASSERT_TRUE(desk.home.tree.write("settings/always-keep", "no path\n"));
@@ -177,6 +195,7 @@ TEST(CleanTruth, AScanThatWasStoppedOrClosedSaysSo) {
     desk.page->shouldSelectRow(2);
     EXPECT_TRUE(desk.textOf("emptyLabel").starts_with("User Caches was left alone: "))
         << desk.textOf("emptyLabel");
+    EXPECT_EQ(picture(), "empty_error");
     CategoryListing silent;
     silent.closed.push_back({{}, "no answer for 5 seconds"});
     EXPECT_EQ(keptLines({{QStringLiteral("Trash"), &silent}}).back().trimmed(),
