@@ -202,7 +202,9 @@ void NewMainViewController::cleanSuccessBtnShowStyle() {
 void NewMainViewController::filterChanged(const QString& words) {
     m_model.setFilter(words);
     changeAllSelectCheckBoxState();
-    if (!words.isEmpty() && treeData() != nullptr) outline->expandAll();
+    if (words.isEmpty()) return;
+    // All at once would lay out anew even where all are open already.
+    for (int row = 0; row < m_model.rowCount(); ++row) outline->expand(m_model.index(row, 0));
 }
 
 QWidget* NewMainViewController::overview() const {
