@@ -1536,10 +1536,6 @@
         <translation>Einstellungen von %1 für alle bleiben: %2 Dateien in /etc</translation>
     </message>
     <message>
-        <source>The data of %1 are kept in a snapshot for 31 days</source>
-        <translation>Die Daten von %1 werden 31 Tage in einem Schnappschuss aufgehoben</translation>
-    </message>
-    <message>
         <source>What %1 keeps in the home stays</source>
         <translation>Was %1 im persönlichen Ordner hat, bleibt</translation>
     </message>
@@ -1630,6 +1626,42 @@
     <message>
         <source>%1 stays: %2</source>
         <translation>%1 bleibt: %2</translation>
+    </message>
+    <message>
+        <source>what would go along could not be found out</source>
+        <translation>was mitgelöscht würde, war nicht zu erfahren</translation>
+    </message>
+    <message>
+        <source>What they left could not be looked for in time</source>
+        <translation>Was sie hinterlassen, war nicht rechtzeitig zu finden</translation>
+    </message>
+    <message>
+        <source>only the administrator may remove it</source>
+        <translation>nur der Administrator darf es entfernen</translation>
+    </message>
+    <message>
+        <source>Could not be looked through and is not offered: %1</source>
+        <translation>Konnte nicht durchgesehen werden und wird nicht angeboten: %1</translation>
+    </message>
+    <message>
+        <source>The data of %1 are kept in a snapshot for 31 days, unless snapshots are switched off</source>
+        <translation>Die Daten von %1 werden 31 Tage in einem Schnappschuss aufgehoben, sofern Schnappschüsse nicht abgeschaltet sind</translation>
+    </message>
+    <message>
+        <source>Another package went as well: %1; The removal of packages could not be stopped any more</source>
+        <translation>Ein weiteres Paket wurde mit entfernt: %1; das Entfernen der Pakete ließ sich nicht mehr anhalten</translation>
+    </message>
+    <message>
+        <source>There are several packages %1</source>
+        <translation>Es gibt mehrere Pakete %1</translation>
+    </message>
+    <message>
+        <source>%1 could not be looked at: %2</source>
+        <translation>%1 konnte nicht angesehen werden: %2</translation>
+    </message>
+    <message>
+        <source>%1 could not be read</source>
+        <translation>%1 konnte nicht gelesen werden</translation>
     </message>
 </context>
 <context>
@@ -3574,6 +3606,10 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>with %1 documents and databases</source>
         <translation>mit %1 Dokumenten und Datenbanken</translation>
+    </message>
+    <message>
+        <source>Nobody can tell whether it runs.</source>
+        <translation>Ob es läuft, lässt sich nicht sagen.</translation>
     </message>
 </context>
 <context>

@@ -40,7 +40,7 @@ struct ApplicationRecord {
     std::vector<std::string> entries;   ///< desktop entries that start it, by path
     std::vector<std::string> programs;  ///< what these start, by path
     std::vector<std::string> links;   ///< further names of an AppImage in the places for such ones
-    std::vector<std::string> others;  ///< names of further applications that lie in its folder
+    std::vector<std::string> others;  ///< names of further applications that go with it
     std::optional<std::int64_t> installed;  ///< nanoseconds since 1970-01-01 UTC
     bool isSystem = false;   ///< the system needs it, or what needs it would go with it
     bool isOurs = false;     ///< this very program

@@ -54,7 +54,8 @@ TEST(Applications, ArePackagesByTheProgramThatAnEntryStarts) {
     machine.package("tool",
                     "Depends: base (>= 1) | other, ui\nInstalled-Size: 12\n"
                     "Conffiles:\n /etc/tool 12\n /etc/old 1 obsolete\n",
-                    {"usr/bin/tool", "usr/share/applications/tool.desktop"});
+                    {"usr/bin/tool", "usr/share/applications/tool.desktop",
+                     "usr/share/applications/org.x.Tool-prefs.desktop"});
     machine.package("broken", "", {"usr/share/applications/gone.desktop"});
     machine.package("orrinvale", "",
                     {"usr/bin/orrinvale", "usr/share/applications/orrinvale.desktop"});
@@ -72,6 +73,7 @@ TEST(Applications, ArePackagesByTheProgramThatAnEntryStarts) {
     const auto tool = std::find_if(records.begin(), records.end(),
                                    [](const auto& each) { return each.package == "tool"; });
     EXPECT_EQ(tool->entries.size(), 2U);
+    EXPECT_THAT(tool->others, ElementsAre("org.x.Tool-prefs"));
     const auto details = applications.kind(ApplicationType::Deb)->details(*tool);
     EXPECT_EQ(details.bytes, 12 * 1024U);
     EXPECT_THAT(details.configuration, ElementsAre("/etc/tool"));
@@ -502,6 +504,25 @@ TEST(Applications, ThatCouldNotBeReadAreNotMissing) {
     }
 }
 
+TEST(Applications, OfOneSnapAreAllNamed) {
+    MadeUpMachine machine;
+    std::string apps;
+    for (const char* const name : {"a", "b"}) {
+        machine.entry(name, "Exec=/snap/bin/code");
+        apps += std::string(apps.empty() ? "" : ",") + R"({"name":"x","desktop-file":")" +
+                machine.tree.at(std::string("usr/share/applications/") + name + ".desktop") +
+                R"("})";
+    }
+    const MadeUpSnapd service(
+        machine.places.snapSocket,
+        {{"GET /v2/snaps ",
+          "HTTP/1.1 200 OK\r\n\r\n{\"result\":[{\"name\":\"code\",\"apps\":[" + apps + "]}]}"}});
+    const auto records = LinuxApplications(machine.places).list();
+    ASSERT_EQ(records.size(), 1U);
+    EXPECT_THAT((Strings{records[0].name, records[0].others.at(0)}),
+                ::testing::UnorderedElementsAre("a", "b"));
+}
+
 TEST(Applications, OfSnapGoByTheService) {
     using State = ApplicationRemoval::State;
     const std::string info = "HTTP/1.1 200 OK\r\n\r\n{}";
@@ -543,6 +564,7 @@ TEST(Applications, OfSnapGoByTheService) {
              {"GET /v2/snaps ", json(200, R"({"result":)" + each.left + '}')}});
         ApplicationRecord code;
         code.id = code.name = "code";
+        code.others = {"Tunnel"};
         const LinuxApplications applications(machine.places);
         const ApplicationKind& kind = *applications.kind(ApplicationType::Snap);
         const std::atomic<bool> never{false};
@@ -551,7 +573,7 @@ TEST(Applications, OfSnapGoByTheService) {
         EXPECT_THAT(forecast.stays, ElementsAre(HasSubstr("31 days, unless snapshots")));
         Strings along;
         for (const auto& data : forecast.along) along.push_back(data.name);
-        EXPECT_THAT(along, ElementsAre("~/snap/code", "/var/snap/code"));
+        EXPECT_THAT(along, ElementsAre("Tunnel", "~/snap/code", "/var/snap/code"));
         const ApplicationRemoval removal = kind.remove({code}, forecast, never).front();
         EXPECT_EQ(removal.state, each.state) << each.removal;
         EXPECT_EQ(removal.reason, each.reason);
@@ -574,6 +596,8 @@ TEST(Applications, ThatRunAreKnownByTheirProcesses) {
     process(12, "/tmp/.mount_x/run", "run", std::string("A=1\0APPIMAGE=/x/y.AppImage\0", 28));
     process(13, "", std::string("/usr/bin/closed\0-x", 18));
     process(14, "/usr/bin/flatpak", "");
+    process(15, "", "");  // ended, and not asked for by its parent
+    (void)tree.write("proc/15/stat", "15 (gone) Z 0 0 0 0 -1 4194560 0");
     (void)tree.write("run/.flatpak/7/pid", "14\n");
     (void)tree.write("run/.flatpak/7/info", "[Application]\nname=org.a.B\n");
     (void)tree.write("run/.flatpak/8/pid", "999\n");

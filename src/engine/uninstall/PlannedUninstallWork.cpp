@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <tuple>
 #include <utility>
 
 #include "engine/uninstall/UninstallAppInfo.h"
@@ -11,11 +12,17 @@
 namespace orrinvale {
 namespace {
 
+// Also in what would go with it, which may have become another application's meanwhile.
 bool isSame(const ApplicationRecord& a, const ApplicationRecord& b) {
-    return a.type == b.type && a.path == b.path && a.id == b.id && a.installation == b.installation;
+    const auto parts = [](const ApplicationRecord& of) {
+        return std::tie(of.type, of.path, of.id, of.installation, of.name, of.version, of.package,
+                        of.ref, of.entries, of.programs, of.links, of.others);
+    };
+    return parts(a) == parts(b);
 }
 
 constexpr const char* notAsListed = "not installed any more as it was listed";
+constexpr const char* noTime = "What they left could not be looked for in time";
 constexpr const char* noAnswer = "what would go along could not be found out in time";
 
 // Those that go are the same objects among all that are installed, which claim what is theirs.
@@ -97,6 +104,8 @@ UninstallOutlook PlannedUninstallWork::forecast(const std::vector<AppItems>& ite
     const std::vector<RunState> running = runningOf(items);
     UninstallOutlook out;
     out.notes = notesOf(plan, info.rest());
+    out.isListOld = !missing.empty();
+    bool isCutOff = false;
     for (std::size_t i = 0; i < items.size(); ++i) {
         const UninstallPlan::App& app = plan.apps.at(i);
         UninstallForecast& told = out.apps.emplace_back();
@@ -110,7 +119,9 @@ UninstallOutlook PlannedUninstallWork::forecast(const std::vector<AppItems>& ite
         takeLeftovers(told,
                       findLeftoversOf(*m_parts.files, m_places, rules, *items[i].record, stop),
                       out.notes);
+        isCutOff = isCutOff || stop;
     }
+    if (isCutOff) out.notes.emplace_back(noTime);
     out.plan = std::make_shared<const UninstallPlan>(std::move(plan));
     return out;
 }

@@ -30,6 +30,7 @@ std::string identityOf(const AppItems& item) {
 }
 
 void takeOver(AppItems& item, const AppItems& found) {
+    if (&item == &found) return;  // the list itself, where no thread could look anew
     const AppItems before = std::exchange(item, found);
     item.bIsSelected = before.bIsSelected && UninstallList::mayTick(item);
     if (before.bundleVersion != item.bundleVersion || before.date != item.date) return;

@@ -101,11 +101,15 @@ void planKinds(const UninstallParts& parts,
         if (kind == nullptr)
             for (const std::size_t index : indexes)
                 plan.apps[index].refusal = "Nothing here removes its kind";
-        else
-            forecasts[type] = std::async(std::launch::async,
-                                         [kind, &waiting, records = recordsOf(plan, indexes)] {
-                                             return kind->forecast(records, waiting);
-                                         });
+        else try {
+                forecasts[type] = std::async(std::launch::async,
+                                             [kind, &waiting, records = recordsOf(plan, indexes)] {
+                                                 return kind->forecast(records, waiting);
+                                             });
+            } catch (const std::system_error&) {  // no thread is to be had
+                for (const std::size_t index : indexes)
+                    plan.apps[index].refusal = "what would go along could not be found out";
+            }
     }
     for (auto& [type, forecast] : forecasts)
         take(parts, type, forecast.get(), byType.at(type), plan);

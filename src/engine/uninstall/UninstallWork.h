@@ -33,6 +33,7 @@ struct UninstallForecast {
 struct UninstallOutlook {
     std::vector<UninstallForecast> apps;  ///< one for each that was asked about, in their order
     std::vector<std::string> notes;       ///< sentences about some of them
+    bool isListOld = false;               ///< some are not installed any more as they were listed
     std::shared_ptr<const UninstallPlan> plan;
 };
 

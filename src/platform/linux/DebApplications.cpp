@@ -69,6 +69,7 @@ void addNames(const DpkgDatabase& database, ApplicationInventory& out) {
 
 struct Found {
     ApplicationRecord record;
+    std::vector<std::string> names;  // of the entries that the package itself has brought
     int rank = -1;
     bool hasEntry = false;
     bool isBrought = false;
@@ -80,6 +81,7 @@ void add(Found& found, StartingEntry& entry, const Owner& owner) {
     found.isBrought = found.isBrought || owner.isBrought;
     ApplicationRecord& record = found.record;
     record.entries.push_back(entry.path);
+    if (owner.hasEntry) found.names.push_back(entry.entry.name);
     const std::string& program = entry.file.empty() ? entry.program : entry.file;
     if (!program.empty() &&
         std::find(record.programs.begin(), record.programs.end(), program) == record.programs.end())
@@ -131,6 +133,7 @@ void DebApplications::list(std::vector<StartingEntry>& entries, ApplicationInven
         if (!found[package].isBrought) continue;
         ApplicationRecord& record = found[package].record;
         if (!found[package].hasEntry) record.id = record.name = package->name;
+        takeOthers(record, found[package].names);
         record.type = ApplicationType::Deb;
         record.package = keyOf(database, *package);
         record.version = package->version;

@@ -155,7 +155,9 @@ RemovalForecast DebApplications::forecast(const std::vector<ApplicationRecord>& 
             out.along.push_back(
                 {takerOf(database, records, name), name, std::string(each.version())});
     }
-    for (const ApplicationRecord& each : records) {
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        const ApplicationRecord& each = records[i];
+        for (const std::string& name : each.others) out.along.push_back({i, name, {}});
         const std::size_t files = configurationOf(database, each).size();
         if (files != 0)
             out.stays.push_back(fmt::format("Settings of {} for everybody stay: {} {} in /etc",

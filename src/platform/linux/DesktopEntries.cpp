@@ -100,4 +100,10 @@ std::vector<StartingEntry> startingEntries(const ApplicationPlaces& places) {
     return Walk(places).run();
 }
 
+void takeOthers(ApplicationRecord& record, const std::vector<std::string>& names) {
+    for (const std::string& each : names)
+        if (!each.empty() && each != record.name && std::ranges::count(record.others, each) == 0)
+            record.others.push_back(each);
+}
+
 }  // namespace orrinvale

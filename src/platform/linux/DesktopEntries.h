@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/applications.h"
 #include "platform/linux/ApplicationPlaces.h"
 #include "platform/linux/DesktopEntry.h"
 
@@ -28,5 +29,9 @@ struct StartingEntry {
 /// The path of a program by its name or path; empty when there is none that may be run.
 [[nodiscard]] std::string programNamed(const std::string& name,
                                        const std::vector<std::string>& folders);
+
+/// Gives the record the names of all that its package brings beside the one that it goes by, each
+/// once: they go with it.
+void takeOthers(ApplicationRecord& record, const std::vector<std::string>& names);
 
 }  // namespace orrinvale

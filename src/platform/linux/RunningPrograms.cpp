@@ -56,6 +56,12 @@ bool isKernelThread(const std::string& stat) {
     return (numberIn(stat, flags) & kernelThread) != 0;
 }
 
+// Only its parent has not asked yet what it came to.
+bool hasEnded(const std::string& stat) {
+    const std::size_t end = stat.rfind(')');
+    return end != std::string::npos && stat.compare(end, 3, ") Z") == 0;
+}
+
 // Who listens at a socket; empty where nobody does.
 std::string listenerAt(const std::string& path) {
     sockaddr_un address{};
@@ -134,7 +140,7 @@ private:
     void takeClosed(const std::string& process, const std::vector<std::string>& words) {
         const std::string stat = textAt(process + "/stat");
         if (stat.empty() || isKernelThread(stat)) return;  // gone meanwhile, or nobody's program
-        if (words.empty()) m_out.isPartial = true;
+        if (words.empty()) m_out.isPartial = m_out.isPartial || !hasEnded(stat);
         else
             for (const std::string& word :
                  {words.front(), words[std::min<std::size_t>(1, words.size() - 1)]})

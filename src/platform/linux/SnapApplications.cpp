@@ -45,6 +45,7 @@ void SnapApplications::list(std::vector<StartingEntry>& entries,
     for (const SnapFacts& facts : *snaps) {
         if (!facts.type.empty() && facts.type != "app") continue;
         ApplicationRecord record = recordOf(facts);
+        std::vector<std::string> names;
         for (StartingEntry& each : entries) {
             const bool isListed = std::find(facts.entries.begin(), facts.entries.end(),
                                             each.path) != facts.entries.end();
@@ -53,9 +54,10 @@ void SnapApplications::list(std::vector<StartingEntry>& entries,
             if (!isListed) record.entries.push_back(each.path);
             // What others wrote to start it may be called after anything.
             if (!isListed) continue;
-            if (!each.entry.name.empty()) record.name = each.entry.name;
+            if (!each.entry.name.empty()) names.push_back(record.name = each.entry.name);
             if (!each.entry.icon.empty()) record.icon = each.entry.icon;
         }
+        takeOthers(record, names);
         inventory.records.push_back(std::move(record));
     }
 }
@@ -78,6 +80,7 @@ RemovalForecast SnapApplications::forecast(const std::vector<ApplicationRecord>&
     for (std::size_t i = 0; i < records.size(); ++i) {
         const ApplicationRecord& each = records[i];
         out.promised.push_back(each.id);
+        for (const std::string& name : each.others) out.along.push_back({i, name, {}});
         // The service takes the data of all people along, and keeps them as it was told to.
         out.along.push_back({i, "~/snap/" + each.id, {}});
         out.along.push_back({i, "/var/snap/" + each.id, {}});

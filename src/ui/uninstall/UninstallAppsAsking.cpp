@@ -88,7 +88,7 @@ void UninstallAppsController::lookAtRunning(std::size_t number) {
         [work = m_parts.work, record = question->record(number)] { return work->running(*record); },
         [this, question, number](RunState state) {
             question->showRunning(number, state);
-            if (state == RunState::Yes && question == m_question)
+            if (state != RunState::No && question == m_question)
                 QTimer::singleShot(runningPause, question,
                                    [this, number] { lookAtRunning(number); });
         });
@@ -101,10 +101,12 @@ void UninstallAppsController::alertEnded_code(int code) {
     std::vector<UninstallRequest> requests;
     if (isAgreed) requests = m_question->requests();
     const auto plan = m_question->plan();
+    const bool isListOld = m_question->isListOld();
     m_alert->close([] {});
     m_alert.clear();
     m_question.clear();
     if (isAgreed) beginRemoval(plan, std::move(requests));
+    else if (isListOld) refresh();
 }
 
 }  // namespace orrinvale

@@ -93,14 +93,15 @@ QWidget* UninstallAppsController::view() const { return m_views->resultView; }
 StateTable UninstallAppsController::stateTable() const {
     using enum Look;
     const UninstallAppsViews& views = *m_views;
-    // NotSearched, Searching, Ready, Removing
+    // NotSearched, Searching, ListingAnew, Ready, Removing
     return {
-        {views.filterField, {Off, Off, On, Off}},
-        {views.stopButton, {Hidden, Hidden, Hidden, On}},
-        {views.selectButton, {Off, Off, On, Off}},
+        // Whoever writes into it keeps the keyboard while the list follows a change by itself.
+        {views.filterField, {Off, Off, On, On, Off}},
+        {views.stopButton, {Hidden, Hidden, Hidden, Hidden, On}},
+        {views.selectButton, {Off, Off, Off, On, Off}},
         // A removal is seen as a change and listed anew; what it came to stays to be read.
-        {views.failureLine, {Kept, Kept, Kept, Hidden}},
-        {views.removedLine, {Kept, Kept, Kept, Hidden}},
+        {views.failureLine, {Kept, Kept, Kept, Kept, Hidden}},
+        {views.removedLine, {Kept, Kept, Kept, Kept, Hidden}},
     };
 }
 
@@ -191,7 +192,7 @@ void UninstallAppsController::search() {
         AppItemsArray items;
         std::string stamp;
     };
-    enter(State::Searching);
+    enter(m_isScaned ? State::ListingAnew : State::Searching);
     m_twSearchApplications = runAside(
         this, "searchApplications",
         [parts = m_parts] {
@@ -206,6 +207,8 @@ void UninstallAppsController::search() {
 
 void UninstallAppsController::searchAppsFinished(const AppItemsArray& found,
                                                  const std::string& stamp) {
+    // The table asks for its old rows once more before it lets them go.
+    const AppItemsArray before = m_list.searchAllAppArr();
     m_list.setFound(found);
     Log::line("*******************Refresh uninstall table view*******************");
     m_stamp = m_lastStamp = stamp;

@@ -98,6 +98,7 @@ private:
     enum class State : std::uint8_t {
         NotSearched,
         Searching,
+        ListingAnew,  ///< while a list is shown
         Ready,
         Removing  ///< from the person's yes on
     };
@@ -140,6 +141,7 @@ private:
     void alertEnded_code(int code);
     void beginRemoval(const std::shared_ptr<const UninstallPlan>& plan,
                       std::vector<UninstallRequest> requests);
+    void tellRefused();
     [[nodiscard]] UninstallRights rights() const;
     void goOn(UninstallStep step);
     void askForRight(UninstallStep asked);

@@ -35,6 +35,10 @@ bool hasRight() {
     return true;
 }
 
+QString failureText(const std::string& of, const QString& reason) {
+    return QStringLiteral("%1: %2").arg(onOneLine(QString::fromStdString(of)), reason);
+}
+
 struct Attempted {
     std::vector<UninstallResult> results;
     std::optional<std::int64_t> gained;
@@ -56,10 +60,11 @@ struct UninstallAppsController::Batch {
     std::atomic<bool> stop{false};
     std::unique_ptr<SpaceGain> space;    // asked aside; null where nobody tells
     std::optional<std::int64_t> gained;  // bytes, as measured after the last attempt
-    bool hasNeverRemoved = false;        // the record that stays was ticked too
+    bool hasRefused = false;             // something that stays was ticked too
+    QStringList failures;                // of what was refused before
 
     [[nodiscard]] bool isEverythingGone() const {
-        return !hasNeverRemoved &&
+        return !hasRefused &&
                std::ranges::all_of(rows, [](const Row& row) { return row.result.isGone; });
     }
 };
@@ -72,13 +77,22 @@ void UninstallAppsController::beginRemoval(const std::shared_ptr<const Uninstall
         m_batch->space = std::make_unique<SpaceGain>(m_parts.disks, m_parts.freeSpace);
     for (UninstallRequest& request : requests) {
         const auto item = std::ranges::find(m_asked, request.item.record, &AppItems::record);
-        if (isNeverRemoved(request.item)) m_batch->hasNeverRemoved = true;
-        else m_batch->rows.push_back({*item, std::move(request), {}});
+        if (!isNeverRemoved(request.item)) m_batch->rows.push_back({*item, std::move(request), {}});
     }
+    m_batch->hasRefused = m_batch->rows.size() < m_asked.size();
+    tellRefused();
     m_views->uninstallTextField->show();
     m_sizes.stop();
     enter(State::Removing);
     goOn(firstUninstallStep(rights()));
+}
+
+// They were asked for as well, so the end says why they stay. The one that never goes has no
+// reason.
+void UninstallAppsController::tellRefused() {
+    for (const UninstallPlan::App& each : m_batch->plan->apps)
+        if (!each.refusal.empty() && !isNeverRemoved(*each.item))
+            m_batch->failures.push_back(failureText(each.item->name, inWords(each.refusal)));
 }
 
 // Of those that are still there.
@@ -209,10 +223,9 @@ void UninstallAppsController::showGone(const Batch& batch) {
 }
 
 QStringList UninstallAppsController::failuresOf(const Batch& batch) {
-    QStringList lines;
+    QStringList lines = batch.failures;
     const auto add = [&](const std::string& of, const QString& reason) {
-        lines.push_back(
-            QStringLiteral("%1: %2").arg(onOneLine(QString::fromStdString(of)), reason));
+        lines.push_back(failureText(of, reason));
     };
     for (const Batch::Row& row : batch.rows) {
         if (!row.result.isGone && !row.result.reason.empty())

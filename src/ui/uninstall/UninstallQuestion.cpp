@@ -40,10 +40,16 @@ QString brokenAtFolders(const std::string& path) {
     return text(path).replace(QLatin1Char('/'), QStringLiteral("/\u200B"));
 }
 
+// A package may have a name that says nothing of its applications', of which there may be several.
 QString titleOf(const AppItems& item) {
-    const QString kind = kindWord(item.record->type);
-    if (item.fileSize.empty()) return QStringLiteral("%1 (%2)").arg(text(item.name), kind);
-    return QStringLiteral("%1 (%2, %3)").arg(text(item.name), kind, applicationSizeText(item));
+    QStringList words{kindWord(item.record->type)};
+    const std::string& id = item.record->package.empty() ? item.record->id : item.record->package;
+    const bool isById = item.record->type == ApplicationType::Deb ||
+                        item.record->type == ApplicationType::Snap ||
+                        item.record->type == ApplicationType::Flatpak;
+    if (isById && !id.empty() && id != item.name) words.push_back(text(id));
+    if (!item.fileSize.empty()) words.push_back(applicationSizeText(item));
+    return QStringLiteral("%1 (%2)").arg(text(item.name), words.join(QStringLiteral(", ")));
 }
 
 QLabel* addLine(QVBoxLayout& lines, const QString& said, bool isQuiet = true) {
@@ -170,6 +176,7 @@ void UninstallQuestion::addButtons(QVBoxLayout& column) {
 void UninstallQuestion::showForecast(const UninstallOutlook& outlook) {
     m_waiting->hide();
     m_plan = outlook.plan;
+    m_isListOld = outlook.isListOld;
     bool mayAny = false;
     for (std::size_t number = 0; number < m_parts.size(); ++number) {
         m_parts[number].forecast = outlook.apps.at(number);
@@ -202,6 +209,8 @@ void UninstallQuestion::fillPart(Part& part, std::size_t number) {
         return;
     }
     if (forecast.running == RunState::Yes) addRunning(part, number);
+    if (forecast.running == RunState::Unknown)
+        addLine(*part.lines, tr("Nobody can tell whether it runs."));
     addPaths(part);
     if (!forecast.goesAlong.empty())
         addLine(*part.lines, tr("Goes along: %1").arg(listed(forecast.goesAlong)), false);
@@ -240,7 +249,7 @@ void UninstallQuestion::addRunning(Part& part, std::size_t number) {
 
 void UninstallQuestion::showRunning(std::size_t number, RunState state) {
     const Part& part = m_parts.at(number);
-    if (part.running != nullptr) part.running->setVisible(state == RunState::Yes);
+    if (part.running != nullptr) part.running->setVisible(state != RunState::No);
 }
 
 void UninstallQuestion::showCannotQuit(std::size_t number) {

@@ -38,6 +38,8 @@ public:
     [[nodiscard]] std::vector<UninstallRequest> requests() const;
     /// The promise that was shown; null before the forecast.
     [[nodiscard]] const std::shared_ptr<const UninstallPlan>& plan() const { return m_plan; }
+    /// The forecast found some that are not as they were listed.
+    [[nodiscard]] bool isListOld() const { return m_isListOld; }
     [[nodiscard]] std::shared_ptr<const ApplicationRecord> record(std::size_t number) const {
         return m_parts.at(number).item.record;
     }
@@ -71,6 +73,7 @@ private:
 
     std::vector<Part> m_parts;
     std::shared_ptr<const UninstallPlan> m_plan;
+    bool m_isListOld = false;
     QVBoxLayout* m_list = nullptr;
     QLabel* m_waiting = nullptr;
     QScrollArea* m_area = nullptr;

@@ -1,4 +1,6 @@
 // What the uninstall page is told of a removal, and that nothing else goes.
+#include <sys/syscall.h>
+
 #include "engine/removal/TrashDoor.h"
 #include "engine/uninstall/PlannedUninstallWork.h"
 #include "engine/uninstall/UninstallAppInfo.h"
@@ -96,6 +98,30 @@ TEST_F(Planned, LeftoversThatNobodyLookedThroughAreNotOffered) {
     };
     EXPECT_EQ(testing::runInChild({.ordinaryUser = true}, told),
               "10Could not be looked through and is not offered: " + tree.at("home/.config/tool"));
+}
+
+TEST_F(Planned, WhatIsAnotherApplicationByNowStays) {
+    const std::vector<AppItems> items = listed();
+    machine.program("opt/game/bin/editor");
+    machine.entry("editor", "Exec=" + tree.at("opt/game/bin/editor"));
+    const UninstallOutlook outlook = work->forecast(items, never);
+    EXPECT_EQ(outlook.apps[0].refusal, "not installed any more as it was listed");
+    EXPECT_EQ(outlook.apps[1].refusal, "");
+    EXPECT_TRUE(outlook.isListOld);
+    EXPECT_FALSE(work->remove(*outlook.plan, {{items[0], {}}}, progress, never)[0].isGone);
+    EXPECT_TRUE(isThere(tree.at("opt/game/bin/editor")));
+    EXPECT_FALSE(work->forecast(listed(), never).isListOld);
+}
+
+TEST_F(Planned, AForecastThatIsCutOffOrGetsNoThreadSaysSo) {
+    EXPECT_THAT(work->forecast(listed(), std::atomic<bool>(true)).notes,
+                ElementsAre("What they left could not be looked for in time"));
+    EXPECT_EQ(testing::runInChild({},
+                                  [&]() -> std::string {
+                                      if (!testing::failSystemCall(SYS_clone3, EAGAIN)) return "";
+                                      return work->forecast(listed(), never).apps[0].refusal;
+                                  }),
+              "what would go along could not be found out");
 }
 
 // One snap, which goes whatever is asked.

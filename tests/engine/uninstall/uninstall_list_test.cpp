@@ -47,6 +47,14 @@ AppItemsArray several() {
             item("Gamma", ApplicationType::App)};
 }
 
+TEST(UninstallList, ListedAnewFromItselfIsTheSame) {
+    UninstallList list;
+    list.setFound(several());
+    list.setFound(list.searchAllAppArr());
+    EXPECT_EQ(names(list.searchAllAppArr()), names(several()));
+    for (const auto& each : list.searchAllAppArr()) EXPECT_NE(each->record, nullptr);
+}
+
 TEST(UninstallList, RowsAndFilterDecideWhatIsShownAndWhatCounts) {
     UninstallList list(small);
     EXPECT_TRUE(list.isEverythingSelected()) << "an empty table";

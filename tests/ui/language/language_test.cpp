@@ -60,6 +60,10 @@ TEST(Translations, FailuresAndNumbersReadAsTheLanguageWritesThem) {
                     "vim-common würde mit entfernt: das System braucht es"},
                    {"Settings of %2 [A] for everybody stay: 2 files in /etc",
                     "Einstellungen von %2 [A] für alle bleiben: 2 Dateien in /etc"},
+                   {"/usr/x stays: only the administrator may remove it",
+                    "/usr/x bleibt: nur der Administrator darf es entfernen"},
+                   {"/Applications/A.app could not be looked at: Permission denied",
+                    "/Applications/A.app konnte nicht angesehen werden: Zugriff verweigert"},
                    {"rm: words of a tool", "rm: words of a tool"},
                    {"", ""}};
     for (const auto& each : reasons) EXPECT_EQ(inWords(each.english).toStdString(), each.english);

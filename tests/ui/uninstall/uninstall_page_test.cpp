@@ -62,7 +62,9 @@ struct MadeUpWork final : UninstallWork {
         for (const AppItems& each : items) {
             out.apps.push_back(forecasts[each.name]);
             plan.apps.push_back({std::make_shared<AppItems>(each), {}, {}, {}});
+            plan.apps.back().refusal = forecasts[each.name].refusal;
         }
+        out.isListOld = isListOld;
         out.plan = std::make_shared<const UninstallPlan>(std::move(plan));
         return out;
     }
@@ -101,7 +103,7 @@ struct MadeUpWork final : UninstallWork {
     std::map<std::string, UninstallForecast> forecasts;
     std::map<std::string, std::string> fates;  // why it stays
     Strings attempts;
-    std::atomic<bool> isQuit{false};
+    std::atomic<bool> isQuit{false}, isListOld{false};
 };
 
 struct Desk : NamedControls {
@@ -319,11 +321,23 @@ TEST(UninstallPage, FollowsWhatIsInstalledElsewhereAndKeepsTicks) {
     Desk desk;
     desk.openAndList();
     desk.tick("Beta");
+    desk.table().setCurrentIndex(desk.row("Zeta"));
+    auto& field = desk.control<QLineEdit>("filterField");
+    field.setFocus();
     desk.found.erase(desk.found.begin());
     desk.found.push_back(item("Added", ApplicationType::Snap));
+    desk.listing.shut();
     desk.state = 2;
+    ASSERT_SOON(desk.listing.isWaitedAt());
+    EXPECT_EQ(desk.window.focusWidget(), &field) << "somebody may be writing";
+    desk.listing.open();
     EXPECT_SOON(desk.list() == "Added alpha Beta* Chat ");
     EXPECT_TRUE(desk.isEnabled("uninstallButton"));
+    desk.work->isListOld = true;
+    desk.click("uninstallButton");
+    ASSERT_SOON(desk.isEnabled("uninstallYes"));
+    QTest::keyClick(desk.window.focusWidget(), Qt::Key_Escape);
+    EXPECT_SOON(desk.inventories == 3);
 }
 
 TEST(UninstallPage, TheSheetMeasuresAndCutsWhatIsLong) {
@@ -383,7 +397,8 @@ TEST(UninstallPage, TheQuestionTellsWhatGoesAndNothingIsTicked) {
     EXPECT_SOON(!desk.isShown("runningLabel")) << "it went by itself";
     boxes.back()->click();
     desk.click("uninstallYes");
-    EXPECT_SOON(desk.status() == success);
+    EXPECT_SOON(desk.status() == failure);
+    EXPECT_TRUE(desk.isShown("failureLine"));
     EXPECT_EQ(desk.work->attempts, Strings{"Chat +/home/u/.config/chat "})
         << "what is refused is not tried";
     EXPECT_EQ(desk.list(), "alpha* Beta Zeta ");
@@ -555,6 +570,7 @@ TEST(UninstallPage, TheWindowLivesWhileApplicationsGoAndOneRecordNeverDoes) {
     desk.work->removing.shut();
     desk.click("uninstallButton");
     ASSERT_SOON(desk.isEnabled("uninstallYes"));
+    EXPECT_THAT(desk.lines(), HasSubstr("Nobody can tell whether it runs."));
     desk.click("uninstallYes");
     ASSERT_SOON(desk.work->removing.isWaitedAt());
     EXPECT_TRUE(desk.page->isRemoving());

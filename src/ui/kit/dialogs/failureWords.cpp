@@ -61,6 +61,9 @@ constexpr std::array whole{
     // Applications
     QT_TRANSLATE_NOOP("Reason", "not installed any more as it was listed"),
     QT_TRANSLATE_NOOP("Reason", "what would go along could not be found out in time"),
+    QT_TRANSLATE_NOOP("Reason", "what would go along could not be found out"),
+    QT_TRANSLATE_NOOP("Reason", "What they left could not be looked for in time"),
+    QT_TRANSLATE_NOOP("Reason", "only the administrator may remove it"),
     QT_TRANSLATE_NOOP("Reason", "The service that removes packages, PackageKit, is not there"),
     QT_TRANSLATE_NOOP("Reason", "The service that removes packages does not answer"),
     QT_TRANSLATE_NOOP("Reason", "The service that removes packages gave no reason"),
@@ -162,6 +165,7 @@ constexpr std::array beginnings{
     QT_TRANSLATE_NOOP("Reason", "a disk image on it is attached: %1"),
     QT_TRANSLATE_NOOP("Reason", "The volume is unmounted, but its drive stays: %1"),
     QT_TRANSLATE_NOOP("Reason", "Unknown error %1"),
+    QT_TRANSLATE_NOOP("Reason", "Could not be looked through and is not offered: %1"),
 };
 
 // Sentences with names in them, those first that say more. What is filled in last may be a reason
@@ -170,7 +174,9 @@ constexpr std::array sentences{
     QT_TRANSLATE_NOOP("Reason", "%1 stays: %2 is a link to it"),
     QT_TRANSLATE_NOOP("Reason", "Settings of %1 for everybody stay: %2 file in /etc"),
     QT_TRANSLATE_NOOP("Reason", "Settings of %1 for everybody stay: %2 files in /etc"),
-    QT_TRANSLATE_NOOP("Reason", "The data of %1 are kept in a snapshot for 31 days"),
+    QT_TRANSLATE_NOOP(
+        "Reason",
+        "The data of %1 are kept in a snapshot for 31 days, unless snapshots are switched off"),
     QT_TRANSLATE_NOOP("Reason", "What %1 keeps in the home stays"),
     QT_TRANSLATE_NOOP("Reason", "The installation of flatpak in %1 can not be read"),
     QT_TRANSLATE_NOOP("Reason", "It is installed in %1, from where flatpak itself removes"),
@@ -179,7 +185,13 @@ constexpr std::array sentences{
     QT_TRANSLATE_NOOP("Reason", "Nobody can tell whether a package has brought it: %1"),
     QT_TRANSLATE_NOOP("Reason", "Nobody can tell whether it is gone: %1"),
     QT_TRANSLATE_NOOP("Reason", "More than a removal would be done to %1"),
+    QT_TRANSLATE_NOOP("Reason",
+                      "Another package went as well: %1; The removal of packages could not be "
+                      "stopped any more"),
     QT_TRANSLATE_NOOP("Reason", "Another package went as well: %1"),
+    QT_TRANSLATE_NOOP("Reason", "There are several packages %1"),
+    QT_TRANSLATE_NOOP("Reason", "%1 could not be looked at: %2"),
+    QT_TRANSLATE_NOOP("Reason", "%1 could not be read"),
     QT_TRANSLATE_NOOP("Reason",
                       "What is left in the home is not offered, since others may use it: %1"),
     QT_TRANSLATE_NOOP("Reason", "The service that removes packages says: %1"),
