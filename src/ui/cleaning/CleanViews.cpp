@@ -123,7 +123,8 @@ void CleanViews::fillHead(NotificationCenter& notifications) {
     filterField = named(new QLineEdit, "filterField", tr("Show only names with these words"));
     filterField->setPlaceholderText(tr("Filter"));
     filterField->setClearButtonEnabled(true);
-    filterField->setFixedSize(filterWidth, Theme::controlHeight - Theme::gapTiny);
+    filterField->setTextMargins(Theme::gapTiny, 0, Theme::gapTiny, 0);
+    filterField->setFixedSize(filterWidth, Theme::controlHeight);
     rescanButton = makeImageButton("rescanButton", QStringLiteral("refresh"), tr("Scan again"));
     lockButton = new Padlock(notifications);
     for (QWidget* const each :
