@@ -2753,6 +2753,10 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>Remove</source>
         <translation>Entfernen</translation>
     </message>
+    <message>
+        <source>not on this desktop</source>
+        <translation>nicht auf diesem Desktop</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::MainViewController</name>
@@ -3014,6 +3018,10 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>This copy does not look for newer versions.</source>
         <translation>Diese Kopie sieht nicht nach neueren Versionen.</translation>
+    </message>
+    <message>
+        <source>Where newer versions come from is still being looked up.</source>
+        <translation>Es wird noch ermittelt, woher neuere Versionen kommen.</translation>
     </message>
 </context>
 <context>

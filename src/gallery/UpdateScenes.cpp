@@ -40,7 +40,7 @@ UpdateParts partsWith(bool hasNetwork, bool isOwned) {
             .address = {},
             .keys = {"00"},
             .isOwnedByPackage = [isOwned] { return isOwned; },
-            .isCanBeUseNetWork = [hasNetwork] { return hasNetwork; },
+            .isCanBeUseNetWork = [hasNetwork](const auto& /*isStopped*/) { return hasNetwork; },
             .localNumber = [] { return 10'000; },
             .lastTime = {},
             .writeTime = {}};

@@ -3,10 +3,12 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "platform/error.h"
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 
@@ -32,6 +34,8 @@ struct LoginItemRecord {
     bool isDeleted = false;           ///< marked so, which is how an entry of the system is put out
     bool starts = false;              ///< at the next login, on this desktop
     bool startsHidden = false;        ///< asked to show no window then
+    bool isForThisDesktop = true;     ///< false: this desktop never starts it
+    std::optional<FileAttributes> seen = std::nullopt;  ///< `file`, before it was read
 };
 
 /// Whether it is an item of the list that people mean: their own, and not deleted.
@@ -69,6 +73,9 @@ public:
     /// system alone has.
     /// `status` is 0, or errAETimeout, or why there is no list, which is then empty.
     [[nodiscard]] virtual std::vector<LoginItemRecord> list(std::int32_t& status) const = 0;
+
+    /// What add() lists for the path: for an entry of this very program the program.
+    [[nodiscard]] virtual std::string pathToAdd(const std::string& path) const { return path; }
 
     /// Has the path started at each login from now on: a program, an entry, which is copied, or
     /// what another program opens. Where it is listed already it is switched on. 0 or a status.

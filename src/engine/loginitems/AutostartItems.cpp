@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <memory>
 #include <set>
 
@@ -35,6 +36,25 @@ int namesIn(const std::string& folder, std::set<std::string>& names) {
 bool isThere(const std::string& path) {
     struct stat status {};
     return ::lstat(path.c_str(), &status) == 0;
+}
+
+// The entry itself, and not what a link leads to.
+std::optional<FileAttributes> seenOf(const std::string& path) {
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) != 0) return std::nullopt;
+    const auto nanoseconds = [](const timespec& time) {
+        return (std::int64_t{time.tv_sec} * 1'000'000'000) + time.tv_nsec;
+    };
+    FileAttributes seen;
+    seen.type = S_ISREG(status.st_mode)   ? FileType::Regular
+                : S_ISLNK(status.st_mode) ? FileType::SymbolicLink
+                                          : FileType::Unknown;
+    seen.size = static_cast<std::uint64_t>(status.st_size);
+    seen.device = status.st_dev;
+    seen.inode = status.st_ino;
+    seen.modified = nanoseconds(status.st_mtim);
+    seen.changed = nanoseconds(status.st_ctim);
+    return seen;
 }
 
 }  // namespace
@@ -101,6 +121,8 @@ LoginItemRecord AutostartItems::recordOf(const std::string& fileName, bool isPer
     record.isSystems = systems.has_value();
     record.file = isPersons ? joinPath(m_folders.persons, fileName) : systems.value_or("");
     record.name = fileName.substr(0, fileName.rfind('.'));
+    // Before it is read, so that what is written meanwhile shows as another one.
+    record.seen = seenOf(record.file);
     const auto read = readEntry(record.file);
     const auto entry = read ? AutostartEntry::parse(read->text) : std::nullopt;
     if (!entry) {
@@ -135,7 +157,8 @@ void AutostartItems::readInto(LoginItemRecord& record, const AutostartEntry& ent
     record.fault.clear();
     if (record.command.empty()) record.fault = "it names no program";
     else if (record.path.empty()) record.fault = "its program is gone";
-    record.starts = record.fault.empty() && !record.isDeleted && isForThisDesktop(entry) &&
+    record.isForThisDesktop = isForThisDesktop(entry);
+    record.starts = record.fault.empty() && !record.isDeleted && record.isForThisDesktop &&
                     entry.raw(entryKey::gnomeEnabled) != "false";
 }
 

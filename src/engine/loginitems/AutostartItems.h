@@ -29,6 +29,7 @@ public:
         : m_folders(std::move(folders)), m_takeAway(std::move(takeAway)) {}
 
     [[nodiscard]] std::vector<LoginItemRecord> list(std::int32_t& status) const override;
+    [[nodiscard]] std::string pathToAdd(const std::string& path) const override;
     [[nodiscard]] std::int32_t add(const std::string& path, bool hidden) override;
     [[nodiscard]] Result<void> setStarts(const std::string& fileName, bool starts) override;
     [[nodiscard]] Result<void> setHidden(const std::string& fileName, bool hidden) override;
@@ -41,6 +42,7 @@ private:
     [[nodiscard]] std::string found(const std::string& program) const;
     [[nodiscard]] bool isForThisDesktop(const AutostartEntry& entry) const;
     [[nodiscard]] std::optional<std::string> systemsFile(const std::string& fileName) const;
+    [[nodiscard]] Result<void> write(const std::string& path, const AutostartEntry& entry) const;
     [[nodiscard]] std::string freeName(const std::string& path) const;
     [[nodiscard]] std::optional<AutostartEntry> entryFor(const std::string& path) const;
     [[nodiscard]] std::optional<std::string> commandOf(const std::string& path) const;

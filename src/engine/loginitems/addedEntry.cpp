@@ -128,7 +128,36 @@ std::string AutostartItems::freeName(const std::string& path) const {
     return {};
 }
 
-std::int32_t AutostartItems::add(const std::string& path, bool hidden) {
+// By the file and not by its name: an installed program may be started by a link.
+std::string AutostartItems::pathToAdd(const std::string& path) const {
+    if (!isEntryName(lastPathComponent(path))) return path;
+    const auto read = readEntry(path);
+    const auto entry = read ? AutostartEntry::parse(read->text) : std::nullopt;
+    std::error_code error;
+    const bool isOwn =
+        entry && std::filesystem::equivalent(programOf(*entry), m_folders.ownProgram, error);
+    return isOwn ? m_folders.ownProgram : path;
+}
+
+// Another writer may take the name that was free until it is this one's turn.
+Result<void> AutostartItems::write(const std::string& path, const AutostartEntry& entry) const {
+    constexpr unsigned mode = 0644;
+    if (auto made = DurableFile::makeFolder(m_folders.persons); !made) return made;
+    for (int number = 1; number < mostTries; ++number) {
+        const std::string name = freeName(path);
+        if (name.empty()) break;
+        const std::string target = joinPath(m_folders.persons, name);
+        auto file = DurableFile::begin(target);
+        if (!file) return tl::unexpected(file.error());
+        struct stat status {};
+        if (::lstat(target.c_str(), &status) == 0) continue;
+        return file->commit(entry.print(), {.mode = mode});
+    }
+    return tl::unexpected(systemError("open", path, EEXIST));
+}
+
+std::int32_t AutostartItems::add(const std::string& wanted, bool hidden) {
+    const std::string path = pathToAdd(wanted);
     struct stat status {};
     if (!path.starts_with('/') || ::stat(path.c_str(), &status) != 0) return errLoginItemMissing;
     std::int32_t listed = 0;
@@ -139,14 +168,12 @@ std::int32_t AutostartItems::add(const std::string& path, bool hidden) {
                        : errLoginItemIO;
     if (listed != 0) return listed;
     auto entry = entryFor(path);
-    const std::string name = freeName(path);
-    if (!entry || name.empty()) return errLoginItemName;
+    if (!entry) return errLoginItemName;
     entry->setText(entryKey::path, fileUrlOf(path));
     entry->setRaw(entryKey::startHidden, hidden ? "true" : "false");
-    if (!DurableFile::makeFolder(m_folders.persons)) return errLoginItemIO;
-    auto file = DurableFile::begin(joinPath(m_folders.persons, name));
-    constexpr unsigned mode = 0644;
-    return file && file->commit(entry->print(), {.mode = mode}) ? 0 : errLoginItemIO;
+    const auto written = write(path, *entry);
+    if (written) return 0;
+    return written.error().number == EEXIST ? errLoginItemName : errLoginItemIO;
 }
 
 }  // namespace orrinvale

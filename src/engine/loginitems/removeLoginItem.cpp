@@ -1,6 +1,7 @@
 #include "engine/loginitems/removeLoginItem.h"
 
 #include <atomic>
+#include <cerrno>
 
 #include "engine/removal/RemovalRun.h"
 #include "engine/removal/TrashDoor.h"
@@ -32,9 +33,8 @@ std::string removeLoginItem(const FileSystem& files, const LoginItemRecord& item
                             const std::vector<std::string>& ownFiles,
                             const std::string& stateFolder) {
     if (!item.isPersons) return "it belongs to the system";
-    const auto seen = files.attributes(FileSystem::noParent, item.file.c_str(), Links::Keep);
-    if (!seen) return systemError("stat", item.file, seen.error()).reason();
-    EntryIdentity identity = EntryIdentity::of(*seen);
+    if (!item.seen) return systemError("stat", item.file, ENOENT).reason();
+    EntryIdentity identity = EntryIdentity::of(*item.seen);
     identity.learnPassing(files.devicesOfPassingInodes());
     OneEntry list(item.file, identity);
     TrashDoor door(files, ProtectedPlaces::ofThisMachine(files, ownFiles));

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <string>
 
 namespace orrinvale {
@@ -11,9 +12,11 @@ public:
     virtual ~NetworkProbe() = default;
 
     /// True when an answer came from the address, whatever its status; false a second after the
-    /// time-out at the latest. Blocks the caller. Any thread.
+    /// time-out at the latest, and soon after `isStopped`, if there is one, says so. Blocks the
+    /// caller. Any thread.
     [[nodiscard]] virtual bool isAnswered(const std::string& address,
-                                          std::chrono::milliseconds timeOut) const = 0;
+                                          std::chrono::milliseconds timeOut,
+                                          const std::function<bool()>& isStopped) const = 0;
 
 protected:
     NetworkProbe() = default;

@@ -68,9 +68,9 @@ std::optional<std::int64_t> TCPublicUtilities::versionCheck() {
     return list ? list->integerForKey(kVersionKey) : std::nullopt;
 }
 
-bool TCPublicUtilities::isCanBeUseNetWork() {
+bool TCPublicUtilities::isCanBeUseNetWork(const std::function<bool()>& isStopped) {
     const NetworkProbe* const probe = networkProbe;
-    return probe != nullptr && probe->isAnswered(vendorAddress("WEB_SITE"), kTimeOut);
+    return probe != nullptr && probe->isAnswered(vendorAddress("WEB_SITE"), kTimeOut, isStopped);
 }
 
 void TCPublicUtilities::setNetworkProbe(const NetworkProbe* probe) { networkProbe = probe; }

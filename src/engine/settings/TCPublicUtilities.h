@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -34,8 +35,8 @@ public:
     [[nodiscard]] static std::optional<std::int64_t> versionCheck();
 
     /// True when the vendor's web site answers, whatever it answers. Blocks the caller for up to 5
-    /// seconds. False when no probe was handed over.
-    [[nodiscard]] static bool isCanBeUseNetWork();
+    /// seconds, or until `isStopped` says so. False when no probe was handed over.
+    [[nodiscard]] static bool isCanBeUseNetWork(const std::function<bool()>& isStopped = {});
 
     /// Not owned; null takes it back. Hand it over before other threads start.
     static void setNetworkProbe(const NetworkProbe* probe);

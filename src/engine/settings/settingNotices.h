@@ -31,6 +31,8 @@ namespace notice {
 
 /// The left table of the cleaning page turns the box of that category.
 inline constexpr Notice<SwitchedCategory> changeCheckBox{"changeCheckBox"};
+/// Where newer versions of the program come from is known from now on. On the main thread.
+inline constexpr Notice<> updateRoadFound{"updateRoadFound"};
 
 }  // namespace notice
 

@@ -96,9 +96,11 @@ FetchedUpdate fetchUpdate(const UpdateParts& parts, const std::function<bool()>&
     const UpdateRoad road = updateRoad(parts);
     if (road != UpdateRoad::Server) return {.end = End::OtherRoad, .road = road};
     if (isStopped()) return {.end = End::Stopped};
-    if (!parts.isCanBeUseNetWork()) return {.end = End::NoNetwork};
+    const bool hasNetwork = parts.isCanBeUseNetWork(isStopped);
+    if (isStopped()) return {.end = End::Stopped};
+    if (!hasNetwork) return {.end = End::NoNetwork};
     FetchedUpdate update;
-    if (!isStopped()) update.description = signedDescription(parts, isStopped);
+    update.description = signedDescription(parts, isStopped);
     if (isStopped()) return {.end = End::Stopped};
     if (update.description) note(parts);
     return update;
@@ -117,7 +119,8 @@ ScheduleStep scheduleStep(std::chrono::seconds interval, std::optional<Date> las
     return passed >= interval.count() ? ScheduleStep::Check : ScheduleStep::Wait;
 }
 
-ScheduledCheck checkIfDue(const UpdateParts& parts, std::chrono::seconds interval) {
+ScheduledCheck checkIfDue(const UpdateParts& parts, std::chrono::seconds interval,
+                          const std::function<bool()>& isStopped) {
     if (updateRoad(parts) != UpdateRoad::Server) return {};
     const auto text = parts.lastTime();
     switch (scheduleStep(interval, text ? parseDate(*text) : std::nullopt, parts.clock())) {
@@ -125,7 +128,8 @@ ScheduledCheck checkIfDue(const UpdateParts& parts, std::chrono::seconds interva
         case ScheduleStep::Begin: note(parts); return {};
         case ScheduleStep::Check: break;
     }
-    FetchedUpdate update = fetchUpdate(parts);
+    FetchedUpdate update = fetchUpdate(parts, isStopped);
+    if (update.end == FetchedUpdate::End::Stopped) return {};
     if (!update.description) return {.isFailed = true};
     return {.found = takeNewVersion(&*update.description, parts.localNumber().value_or(0))};
 }

@@ -22,7 +22,8 @@ struct UpdateParts {
                                                  ///< ".sig" behind it
     std::vector<std::string> keys;  ///< hexadecimal, see releaseKeys.h; empty ones are none
     std::function<bool()> isOwnedByPackage;
-    std::function<bool()> isCanBeUseNetWork = &TCPublicUtilities::isCanBeUseNetWork;
+    std::function<bool(const std::function<bool()>& isStopped)> isCanBeUseNetWork =
+        &TCPublicUtilities::isCanBeUseNetWork;
     std::function<std::optional<std::int64_t>()> localNumber = &TCPublicUtilities::versionCheck;
     /// When the description was last read.
     std::function<std::optional<std::string>()> lastTime = &TCPublicUtilities::getUpDataTimeStr;
@@ -81,7 +82,10 @@ struct ScheduledCheck {
     std::optional<NewVersion> found = std::nullopt;
 };
 
-/// Checks if it is time, which it never is at the first call of all. Blocks like fetchUpdate().
-[[nodiscard]] ScheduledCheck checkIfDue(const UpdateParts& parts, std::chrono::seconds interval);
+/// Checks if it is time, which it never is at the first call of all. Blocks like fetchUpdate();
+/// one that is stopped has not failed.
+[[nodiscard]] ScheduledCheck checkIfDue(
+    const UpdateParts& parts, std::chrono::seconds interval,
+    const std::function<bool()>& isStopped = [] { return false; });
 
 }  // namespace orrinvale

@@ -16,8 +16,8 @@ public:
     /// own.
     explicit HttpsProbe(QList<QSslCertificate> trusted = {});
 
-    [[nodiscard]] bool isAnswered(const std::string& address,
-                                  std::chrono::milliseconds timeOut) const override;
+    [[nodiscard]] bool isAnswered(const std::string& address, std::chrono::milliseconds timeOut,
+                                  const std::function<bool()>& isStopped = {}) const override;
 
 private:
     const QList<QSslCertificate> m_trusted;

@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "engine/settings/SettingsKeys.h"
-#include "engine/settings/UserDefaults.h"
 #include "services/foundation/runAside.h"
 
 namespace orrinvale {
@@ -16,8 +15,15 @@ constexpr std::chrono::hours failurePause{4};
 
 }  // namespace
 
-UpdateWatch::UpdateWatch(UpdateParts parts, const UserDefaults& defaults, QObject* parent)
-    : QObject(parent), m_parts(std::move(parts)), m_defaults(defaults) {
+// A setting may change on any thread.
+UpdateWatch::UpdateWatch(UpdateParts parts, UserDefaults& defaults, QObject* parent)
+    : QObject(parent),
+      m_parts(std::move(parts)),
+      m_defaults(defaults),
+      m_isWanted(std::make_shared<std::atomic<bool>>(defaults.boolForKey(SUEnableAutomaticChecks))),
+      m_switched(defaults.addObserver(SUEnableAutomaticChecks, [wanted = m_isWanted, &defaults] {
+          *wanted = defaults.boolForKey(SUEnableAutomaticChecks);
+      })) {
     QTimer::singleShot(roadLook, this, &UpdateWatch::findRoad);
     connect(&m_timer, &QTimer::timeout, this, [this] {
         m_timer.setInterval(laterLooks);
@@ -26,26 +32,35 @@ UpdateWatch::UpdateWatch(UpdateParts parts, const UserDefaults& defaults, QObjec
     m_timer.start(firstLook);
 }
 
+UpdateWatch::~UpdateWatch() {
+    if (m_worker) m_worker->markAsCancelled();
+}
+
 // The lists of packages are long, and a program that starts has other files to read.
 void UpdateWatch::findRoad() {
     runAside(
         this, "updateRoad", [own = m_parts] { return updateRoad(own); },
-        [this](UpdateRoad road) { m_road = road; });
+        [this](UpdateRoad road) {
+            m_road = road;
+            Q_EMIT roadFound();
+        });
 }
 
 void UpdateWatch::look() {
-    if (m_isLooking || !m_defaults.boolForKey(SUEnableAutomaticChecks)) return;
+    if (m_worker || !m_defaults.boolForKey(SUEnableAutomaticChecks)) return;
     if (scheduleStep(failurePause, m_failed, m_parts.clock()) == ScheduleStep::Wait) return;
     const std::chrono::seconds interval =
         checkInterval(m_defaults.integerForKey(SUScheduledCheckInterval));
-    m_isLooking =
-        runAside(
-            this, "lookForUpdate", [own = m_parts, interval] { return checkIfDue(own, interval); },
-            [this](const ScheduledCheck& check) { take(check); }) != nullptr;
+    m_worker = runAside(
+        this, "lookForUpdate",
+        [own = m_parts, interval, wanted = m_isWanted](ThreadWorker& worker) {
+            return checkIfDue(own, interval, [&] { return worker.cancelled() || !*wanted; });
+        },
+        [this](const ScheduledCheck& check) { take(check); });
 }
 
 void UpdateWatch::take(const ScheduledCheck& check) {
-    m_isLooking = false;
+    m_worker.reset();
     m_failed = check.isFailed ? std::optional(m_parts.clock()) : std::nullopt;
     if (check.found && std::exchange(m_toldNumber, check.found->number) != check.found->number)
         Q_EMIT found(QString::fromStdString(check.found->version));

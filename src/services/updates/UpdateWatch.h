@@ -4,22 +4,27 @@
 #include <QObject>
 #include <QString>
 #include <QTimer>
+#include <atomic>
 #include <cstdint>
+#include <memory>
 #include <optional>
 
+#include "engine/settings/UserDefaults.h"
 #include "engine/updates/UpdateCheck.h"
 
 namespace orrinvale {
 
-class UserDefaults;
+class ThreadWorker;
 
 /// A minute after the start and every hour from then on it asks whether it is time. Nothing is
-/// fetched where "SUEnableAutomaticChecks" is off. Main thread only.
+/// fetched where "SUEnableAutomaticChecks" is off; switching it off, and the end of the object,
+/// stop a look under way. Main thread only.
 class UpdateWatch final : public QObject {
     Q_OBJECT
 public:
     /// The settings outlive the object.
-    UpdateWatch(UpdateParts parts, const UserDefaults& defaults, QObject* parent = nullptr);
+    UpdateWatch(UpdateParts parts, UserDefaults& defaults, QObject* parent = nullptr);
+    ~UpdateWatch() override;
 
     /// Looks at once, aside. A look under way is enough, and one that failed is not repeated for
     /// four hours.
@@ -33,16 +38,20 @@ Q_SIGNALS:
     void found(const QString& version);
     /// A look is over, whatever came of it.
     void looked();
+    /// road() is known from now on.
+    void roadFound();
 
 private:
     void findRoad();
     void take(const ScheduledCheck& check);
 
     const UpdateParts m_parts;
-    const UserDefaults& m_defaults;
+    UserDefaults& m_defaults;
+    const std::shared_ptr<std::atomic<bool>> m_isWanted;  // as the settings say, for the look
+    const UserDefaults::Observation m_switched;
+    std::shared_ptr<ThreadWorker> m_worker;  // of the look
     std::optional<UpdateRoad> m_road;
     QTimer m_timer;
-    bool m_isLooking = false;
     std::optional<Date> m_failed;  // when the last look failed
     std::int64_t m_toldNumber = 0;
 };

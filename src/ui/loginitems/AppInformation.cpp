@@ -1,7 +1,5 @@
 #include "ui/loginitems/AppInformation.h"
 
-#include <algorithm>
-
 #include "engine/base/Log.h"
 #include "engine/loginitems/LoginItemRegistry.h"
 #include "platform/paths.h"
@@ -15,14 +13,10 @@ bool AppInformation::getAppInfo(LoginRows* appsInfo) {
     }
     // The registry waits for a list that is busy, and tells why there is none.
     if (!LoginItemRegistry::allLoginItems()) return false;
-    const auto& desktops = LoginItemRegistry::parts().items->folders().desktops;
     std::int32_t status = 0;
     for (LoginItemRecord& each : LoginItemRegistry::parts().items->list(status)) {
         auto row = std::make_unique<LoginRow>();
         row->item = std::move(each);
-        const auto& onlyIn = row->item.onlyIn;
-        row->isForOthers =
-            !onlyIn.empty() && std::ranges::find_first_of(onlyIn, desktops) == onlyIn.end();
         appsInfo->push_back(std::move(row));
     }
     return status == 0;

@@ -12,6 +12,7 @@
 #include "engine/loginitems/launchAtLogin.h"
 #include "engine/settings/PreferenceViewController.h"
 #include "engine/settings/SettingsKeys.h"
+#include "engine/settings/UserDefaults.h"
 #include "platform/FileUrl.h"
 #include "services/foundation/runAside.h"
 #include "ui/kit/dialogs/Dialogs.h"
@@ -80,22 +81,41 @@ void LoginItemController::showOpenPanel() {
                                     [self = QPointer(this)](const std::vector<std::string>& paths) {
                                         if (self == nullptr) return;
                                         self->tell({});
-                                        for (const std::string& each : paths) self->addPath(each);
+                                        self->addPaths(paths);
                                     });
 }
 
-void LoginItemController::addPath(const std::string& path) {
-    m_model->append(AppInformation::constructAppItem(path, false));
+// One after another, so that none waits for the name of another. Of several the rest is added where
+// one fails.
+void LoginItemController::addPaths(const std::vector<std::string>& paths) {
+    if (paths.empty()) return;
+    for (const std::string& each : paths)
+        m_model->append(AppInformation::constructAppItem(each, false));
     showContent();
-    change(
-        "addPath",
-        [path] {
-            return LoginItemRegistry::addLoginItemWithPath(path, false)
-                       ? std::string()
-                       : std::string("nothing can start this at login");
+    struct Added {
+        std::string why;  // not; empty where all were
+        bool isOwn = false;
+    };
+    runAside(
+        this, "addPaths",
+        [paths] {
+            Added added;
+            for (const std::string& each : paths) {
+                const std::string path = items().pathToAdd(each);
+                const bool isOwn = path == items().folders().ownProgram;
+                const bool hides =
+                    isOwn && UserDefaults::standardUserDefaults().boolForKey(ZvLoginItemIsHide);
+                if (!LoginItemRegistry::addLoginItemWithPath(path, hides))
+                    added.why = "nothing can start this at login";
+                else added.isOwn = added.isOwn || isOwn;
+            }
+            return added;
         },
-        [this, isOwn = path == items().folders().ownProgram] {
-            if (isOwn) writeFileOfLaunchAppWhenLogin("1");
+        [this](const Added& added) {
+            if (added.isOwn) writeFileOfLaunchAppWhenLogin("1");
+            if (!added.why.empty())
+                tell(tr("This could not be changed: %1").arg(inWords(added.why)));
+            updateLoginItemsList();
         });
 }
 
@@ -112,7 +132,7 @@ bool LoginItemController::acceptDrop(const QMimeData& data, int row) {
             urls.empty() ? std::nullopt : pathOfFileUrl(urls.front().toEncoded().toStdString());
         if (!path) return false;
         tell(urls.size() > 1 ? tr("Of several files the first one was added.") : QString());
-        addPath(*path);
+        addPaths({*path});
         return true;
     }
     if (!data.hasText()) return false;

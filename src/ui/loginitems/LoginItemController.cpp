@@ -16,6 +16,7 @@
 #include <utility>
 
 #include "engine/loginitems/LoginItemRegistry.h"
+#include "platform/paths.h"
 #include "services/foundation/runAside.h"
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/controls/ElidedLabel.h"
@@ -29,6 +30,20 @@ namespace {
 
 constexpr int settleTime = 150;  // milliseconds; one change makes several notices
 constexpr int readPatience = 300;
+
+// Of a folder that is not there yet the one in which it will be. Reads disks.
+std::vector<std::string> watchedFolders() {
+    const LoginItemFolders& folders = LoginItemRegistry::parts().items->folders();
+    std::vector<std::string> wanted = folders.systems;
+    wanted.push_back(folders.persons);
+    const auto isThere = [](const std::string& path) {
+        return QFileInfo::exists(QFile::decodeName(path.c_str()));
+    };
+    for (std::string& each : wanted)
+        if (!isThere(each)) each = folderOf(each);
+    std::erase_if(wanted, [&](const std::string& each) { return !isThere(each); });
+    return wanted;
+}
 
 }  // namespace
 
@@ -127,25 +142,31 @@ bool LoginItemController::eventFilter(QObject* watched, QEvent* event) {
     return QObject::eventFilter(watched, event);
 }
 
-// Of a folder that is not there yet the one in which it will be.
-void LoginItemController::watchFolders() {
-    const LoginItemFolders& folders = LoginItemRegistry::parts().items->folders();
-    std::vector<std::string> wanted = folders.systems;
-    wanted.push_back(folders.persons);
-    for (const std::string& each : wanted) {
-        QString name = QFile::decodeName(each.c_str());
-        if (!QFileInfo::exists(name)) name = QFileInfo(name).path();
-        if (QFileInfo::exists(name) && !m_watcher.directories().contains(name))
+void LoginItemController::watchFolders(const std::vector<std::string>& folders) {
+    for (const std::string& each : folders)
+        if (const QString name = QFile::decodeName(each.c_str());
+            !m_watcher.directories().contains(name))
             m_watcher.addPath(name);
-    }
 }
 
 void LoginItemController::loginItemsListDidChange() { updateLoginItemsList(); }
 
 void LoginItemController::updateLoginItemsList() {
-    if (m_views->view->isVisible()) watchFolders();
-    ++m_reading;
+    const int number = ++m_readings;
+    m_isReading = true;
     QTimer::singleShot(readPatience, this, &LoginItemController::showContent);
+    // Watched before it is read, so that no change falls in between.
+    const auto thread = runAside(this, "watchedFolders", &watchedFolders,
+                                 [this, number](const std::vector<std::string>& folders) {
+                                     if (m_views->view->isVisible()) watchFolders(folders);
+                                     read(number);
+                                 });
+    if (thread == nullptr) m_isReading = false;
+}
+
+// Only the newest reading counts: an older one may end behind it.
+void LoginItemController::read(int number) {
+    if (number != m_readings) return;
     const auto thread = runAside(
         this, "updateLoginItemsList",
         [services = m_sources.services] {
@@ -154,10 +175,10 @@ void LoginItemController::updateLoginItemsList() {
             if (services) read.services = services();
             return read;
         },
-        [this](Read read) {
-            if (--m_reading == 0) take(std::move(read));
+        [this, number](Read read) {
+            if (number == m_readings) take(std::move(read));
         });
-    if (thread == nullptr) --m_reading;
+    if (thread == nullptr) m_isReading = false;
 }
 
 void LoginItemController::take(Read read) {
@@ -166,6 +187,7 @@ void LoginItemController::take(Read read) {
     // The mark of an item whose application is missing.
     std::erase_if(*read.rows, [](const auto& row) { return row->item.name == "msng"; });
     m_model->setRows(std::move(*read.rows));
+    m_isReading = false;
     m_wasRead = true;
     m_isList = read.isList;
     choose(wanted);
@@ -216,7 +238,7 @@ void LoginItemController::showContent() {
     views.loginItemBottom->setVisible(isItems);
     QString title;
     if (!m_wasRead) {
-        title = m_reading > 0 ? tr("Reading ...") : QString();
+        title = m_isReading ? tr("Reading ...") : QString();
     } else if (isItems && !m_isList) {
         title = tr("Login Items");
     } else if (isItems) {

@@ -52,8 +52,8 @@ public:
     /// Lets the person choose what is to start, several at once.
     void addLoginItems();
     void showOpenPanel();
-    /// Has the path started at login. Its row is there at once, until the list is read.
-    void addPath(const std::string& path);
+    /// Has the paths started at login. Their rows are there at once, until the list is read.
+    void addPaths(const std::vector<std::string>& paths);
     /// Of several files the first one is added, and that is said.
     [[nodiscard]] bool acceptDrop(const QMimeData& data, int row);
 
@@ -75,7 +75,8 @@ private:
     struct Read;
     void connectControls();
     void connectKeys();
-    void watchFolders();
+    void watchFolders(const std::vector<std::string>& folders);
+    void read(int number);
     void take(Read read);
     void choose(const std::string& fileName);
     void showServices(const std::vector<BackgroundService>& services);
@@ -99,9 +100,10 @@ private:
     QPointer<QWidget> m_mainWindow;
     QFileSystemWatcher m_watcher;
     QTimer m_changed;
-    int m_reading = 0;       // reads under way
-    bool m_wasRead = false;  // once at least
-    bool m_isList = true;    // there was a list to read
+    int m_readings = 0;        // begun so far; what the newest one brings is shown
+    bool m_isReading = false;  // that one is under way
+    bool m_wasRead = false;    // once at least
+    bool m_isList = true;      // there was a list to read
     int m_part = LoginItemViews::Items;
     QString m_note;  // of a change that was asked for; said until the next one
 };

@@ -78,7 +78,8 @@ std::vector<Column> columns(const std::function<QIcon(const IconRequest&)>& icon
 
 QString noteOf(const LoginItemRecord& item) {
     if (!item.fault.empty()) return inWords(item.fault);
-    if (item.onlyIn.empty()) return {};
+    if (item.onlyIn.empty())
+        return item.isForThisDesktop ? QString() : LoginItemModel::tr("not on this desktop");
     QStringList desktops;
     for (const std::string& each : item.onlyIn) desktops.append(QString::fromStdString(each));
     return LoginItemModel::tr("only in %1").arg(desktops.join(QStringLiteral(", ")));
@@ -147,7 +148,8 @@ std::optional<TickState> LoginItemModel::stateOf(const LoginRow& row) const {
 }
 
 bool LoginItemModel::mayTick(const LoginRow& row) const {
-    return row.isListed() && (row.item.starts || (row.item.fault.empty() && !row.isForOthers));
+    return row.isListed() &&
+           (row.item.starts || (row.item.fault.empty() && row.item.isForThisDesktop));
 }
 
 QString LoginItemModel::toolTipOf(const LoginRow& row) const {

@@ -26,9 +26,8 @@ public:
 
 struct LoginRow {
     LoginItemRecord item;
-    std::string package;       ///< that brought it; empty where that is not known
-    std::string text;          ///< of a row that is no item
-    bool isForOthers = false;  ///< this desktop starts it never, whatever its switch says
+    std::string package;  ///< that brought it; empty where that is not known
+    std::string text;     ///< of a row that is no item
 
     /// Whether an entry stands behind it: neither a text nor what is only about to be added.
     [[nodiscard]] bool isListed() const { return !item.file.empty(); }
@@ -91,7 +90,7 @@ private:
 };
 
 /// What is to be said of an item besides whether it starts: that its program is gone, or where
-/// alone it starts. Empty for most.
+/// it starts and where not. Empty for most.
 [[nodiscard]] QString noteOf(const LoginItemRecord& item);
 
 /// Whether there is something to start, and whether the entry is the person's to take away.

@@ -172,6 +172,8 @@ bool PreferencePage::eventFilter(QObject* watched, QEvent* event) {
 
 // A setting may change on any thread, several at a time, and after this object's end.
 void PreferencePage::followSettings() {
+    m_roadObservation =
+        notice::updateRoadFound.observe(*m_services.notifications, [this] { showFaults(); });
     m_observation = m_services.defaults->addObserverOfAll(
         [self = QPointer(this), queue = m_services.mainQueue] {
             queue->async([self] {
@@ -327,7 +329,9 @@ void PreferencePage::showFaults() {
 
 // Why the program never looks for newer versions by itself.
 QString PreferencePage::updateFault() const {
-    const auto road = m_parts.updateRoad ? m_parts.updateRoad() : UpdateRoad::NoKeys;
+    const std::optional<UpdateRoad> road =
+        m_parts.updateRoad ? m_parts.updateRoad() : UpdateRoad::NoKeys;
+    if (!road) return tr("Where newer versions come from is still being looked up.");
     if (road == UpdateRoad::Package) return tr("Newer versions come with your system.");
     if (road == UpdateRoad::NoKeys) return tr("This copy does not look for newer versions.");
     return {};

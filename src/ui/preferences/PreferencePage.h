@@ -27,7 +27,7 @@ struct PreferenceParts {
     bool hasDesktopNotes = false;   ///< the desktop can show words
     bool hasDiskUsage = false;      ///< there is a page that heeds the limits
     /// Where newer versions come from, as far as that is known; empty: nobody looks for them. Asked
-    /// whenever the page is shown.
+    /// whenever the page is shown, and at notice::updateRoadFound.
     std::function<std::optional<UpdateRoad>()> updateRoad;
 };
 
@@ -99,6 +99,7 @@ private:
     int m_loginErrands = 0;  // under way
     std::int64_t m_loginCheck = 0;
     UserDefaults::Observation m_observation;
+    UserDefaults::Observation m_roadObservation;
 };
 
 [[nodiscard]] PageDescriptor preferencePage(const PageServices& services,

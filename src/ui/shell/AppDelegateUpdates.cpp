@@ -2,9 +2,9 @@
 #include <fmt/format.h>
 
 #include <QByteArray>
-#include <utility>
 
 #include "engine/base/Log.h"
+#include "engine/settings/settingNotices.h"
 #include "services/desktop/DesktopNotifications.h"
 #include "services/updates/UpdateWatch.h"
 #include "ui/kit/controls/pathText.h"
@@ -18,11 +18,14 @@ void AppDelegate::startUpdates() {
     if (m_parts.updates == nullptr) return;
     m_updateWatch = std::make_unique<UpdateWatch>(*m_parts.updates, *m_parts.pages.defaults);
     connect(m_updateWatch.get(), &UpdateWatch::found, this, &AppDelegate::tellOfVersion);
+    connect(m_updateWatch.get(), &UpdateWatch::roadFound, this,
+            [this] { notice::updateRoadFound.post(*m_parts.pages.notifications); });
     if (m_parts.desktopNotifications == nullptr) return;
     connect(
         m_parts.desktopNotifications, &DesktopNotifications::actionInvoked, this,
         [this](DesktopNotifications::Number number, const QString& /*key*/, const QString& token) {
-            if (number != std::exchange(m_versionNote, 0)) return;
+            if (number != m_versionNote) return;  // the note of another
+            m_versionNote = 0;
             if (!token.isEmpty()) qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
             CheckupdateMenuItemAction();
         });

@@ -20,6 +20,7 @@
 #include "engine/base/Log.h"
 #include "platform/FileUrl.h"
 #include "platform/paths.h"
+#include "services/foundation/runAside.h"
 
 namespace orrinvale {
 namespace {
@@ -64,9 +65,15 @@ void startCommand(const std::vector<std::string>& words) {
     QStringList arguments;
     for (std::size_t i = 1; i < words.size(); ++i)
         arguments.append(QFile::decodeName(words[i].c_str()));
-    if (!QProcess::startDetached(QFile::decodeName(words.front().c_str()), arguments,
-                                 QDir::homePath()))
-        Log::line(fmt::format("{} could not be started.", words.front()));
+    // The call waits until the program is read from its disk.
+    runAside(
+        QCoreApplication::instance(), "startCommand",
+        [program = words.front(), arguments] {
+            if (!QProcess::startDetached(QFile::decodeName(program.c_str()), arguments,
+                                         QDir::homePath()))
+                Log::line(fmt::format("{} could not be started.", program));
+        },
+        [] {});
 }
 
 QString userGuidePath() {

@@ -19,7 +19,7 @@ void revealInFileManager(const std::string& path);
 [[nodiscard]] bool openInFileManager(const std::string& path);
 
 /// Starts a program with these arguments, in the home folder, and lets go of it; a failure is
-/// logged. Exact bytes. Main thread only.
+/// logged. Returns at once. Exact bytes. Main thread only.
 void startCommand(const std::vector<std::string>& words);
 
 /// The user guide, which lies beside the program (../share/orrinvale/guide). Empty where it is not

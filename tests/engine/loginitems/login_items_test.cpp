@@ -1,5 +1,8 @@
 // Login items over entries in folders of a test's own: what is listed, what a switch changes and
 // leaves, what is added and removed, and the statuses of the functions over them.
+#include <set>
+#include <thread>
+
 #include "engine/loginitems/LoginFolders.h"
 #include "engine/loginitems/LoginItemRegistry.h"
 #include "engine/loginitems/launchAtLogin.h"
@@ -37,6 +40,7 @@ TEST(LoginItems, TellWhatEachEntryDoes) {
         {"gnome.desktop", head + "Exec=tool\nX-GNOME-Autostart-enabled=false\n", false, ""},
         {"kde.desktop", head + "Exec=tool\nOnlyShowIn=KDE;XFCE;\n", false, ""},
         {"notgnome.desktop", head + "Exec=tool\nNotShowIn=KDE;GNOME\n", false, ""},
+        {"nowhere.desktop", head + "Exec=tool\nOnlyShowIn=\n", false, ""},
         {"gone.desktop", head + "Exec=/no/such\n", false, "its program is gone"},
         {"try.desktop", head + "TryExec=nosuch\nExec=tool\n", false, "its program is gone"},
         {"open.desktop", head + "Exec=\"tool\n", false, "its program is gone"},
@@ -59,6 +63,9 @@ TEST(LoginItems, TellWhatEachEntryDoes) {
         EXPECT_EQ(item.fault, row.fault) << row.name;
         EXPECT_TRUE(item.isPersons) << row.name;
     }
+    for (const char* const name : {"kde.desktop", "notgnome.desktop", "nowhere.desktop"})
+        EXPECT_FALSE(on.named(name).isForThisDesktop) << name;
+    EXPECT_TRUE(on.named("a.desktop").isForThisDesktop);
     EXPECT_TRUE(on.named("linked.desktop").starts);
     EXPECT_EQ(on.named("dangling.desktop").fault, "No such file or directory");
     EXPECT_EQ(on.named("off.desktop").path, tree.at("bin/tool")) << "as the first system has it";
@@ -151,6 +158,53 @@ TEST(LoginItems, AreAddedOnceAndPutOutNothing) {
     if (::geteuid() == 0) return;
     ASSERT_EQ(::chmod(on.folders.persons.c_str(), 0500), 0);
     EXPECT_EQ(on.items.add("/bin/true", false), errLoginItemIO);
+}
+
+TEST(LoginItems, OnlyTheEntryThatWasShownGoes) {
+    LoginFolders on;
+    const std::string path = on.tree.at("config/autostart/a.desktop");
+    ASSERT_TRUE(on.program("bin/tool") &&
+                on.tree.write("config/autostart/a.desktop", head + "Exec=tool\n") &&
+                on.tree.write("dots/l.desktop", head + "Exec=tool\n") &&
+                on.tree.symlink("../../dots/l.desktop", "config/autostart/l.desktop"));
+    const LoginItemRecord shown = on.named("a.desktop");
+    ASSERT_TRUE(on.tree.write("new", head + "Exec=tool --other\n"));
+    ASSERT_EQ(::rename(on.tree.at("new").c_str(), path.c_str()), 0);
+    EXPECT_NE(on.takeAway(shown), "");
+    EXPECT_THAT(on.entry("a.desktop"), HasSubstr("--other"));
+    EXPECT_EQ(on.takeAway(on.named("a.desktop")), "");
+    EXPECT_FALSE(isThere(path));
+    EXPECT_EQ(on.takeAway(on.named("l.desktop")), "") << "a link itself";
+    EXPECT_TRUE(isThere(on.tree.at("dots/l.desktop")));
+}
+
+TEST(LoginItems, OfOneNameAllStayThatAreAddedAtOnce) {
+    LoginFolders on;
+    constexpr int count = 8;
+    for (int i = 0; i < count; ++i) ASSERT_TRUE(on.program(fmt::format("{}/tool", i)));
+    {
+        std::vector<std::jthread> writers;
+        for (int i = 0; i < count; ++i)
+            writers.emplace_back([&on, i] {
+                EXPECT_EQ(on.items.add(on.tree.at(fmt::format("{}/tool", i)), false), 0);
+            });
+    }
+    std::set<std::string> paths;
+    for (const LoginItemRecord& each : on.list()) paths.insert(each.path);
+    EXPECT_EQ(paths.size(), std::size_t{count});
+}
+
+TEST(LoginItems, OurOwnProgramIsKnownByItsEntry) {
+    LoginFolders on;
+    ASSERT_TRUE(on.program("bin/orrinvale") && on.tree.symlink("orrinvale", "bin/link") &&
+                on.program("bin/tool") &&
+                on.tree.write("own.desktop", head + "Exec=" + on.tree.at("bin/link") + " %U\n") &&
+                on.tree.write("other.desktop", head + "Exec=tool\n"));
+    EXPECT_EQ(on.items.pathToAdd(on.tree.at("other.desktop")), on.tree.at("other.desktop"));
+    EXPECT_EQ(on.items.add(on.tree.at("own.desktop"), true), 0);
+    const LoginItemRecord item = on.named("com.kelpford.Orrinvale.desktop");
+    EXPECT_TRUE(item.isOurs && item.startsHidden);
+    EXPECT_EQ(item.path, on.folders.ownProgram);
 }
 
 /// A list that is busy for a while.

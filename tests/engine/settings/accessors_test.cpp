@@ -204,7 +204,8 @@ TEST_F(StringMessageTest, DamagedCopyAndNoPlaceToWrite) {
 
 TEST(TCPublicUtilities, AsksTheVendorsSite) {
     struct Probe final : NetworkProbe {
-        bool isAnswered(const std::string& address, milliseconds timeOut) const override {
+        bool isAnswered(const std::string& address, milliseconds timeOut,
+                        const std::function<bool()>&) const override {
             return address == "https://www.kelpford.com/" && timeOut == 5s;
         }
     };

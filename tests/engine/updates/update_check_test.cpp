@@ -43,7 +43,7 @@ struct UpdateCheckTest : ::testing::Test {
                 .address = "ini",
                 .keys = {keys->oldKey.publicKey, keys->newKey.publicKey},
                 .isOwnedByPackage = [this] { return isOwned; },
-                .isCanBeUseNetWork = [this] { return ++probes, hasNetwork; },
+                .isCanBeUseNetWork = [this](const auto&) { return ++probes, hasNetwork; },
                 .localNumber = [] { return 100; },
                 .lastTime = [this] { return time; },
                 .writeTime =
@@ -121,6 +121,14 @@ TEST_F(UpdateCheckTest, NothingIsAskedForWhereNothingCanComeOfIt) {
     EXPECT_EQ(fetchUpdate(parts()).end, End::NoNetwork);
     hasNetwork = true;
     EXPECT_EQ(fetchUpdate(parts(), [] { return true; }).end, End::Stopped);
+    UpdateParts stopped = parts();
+    bool isStopped = false;
+    stopped.isCanBeUseNetWork = [&](const std::function<bool()>& asked) {
+        isStopped = true;
+        return !asked();
+    };
+    EXPECT_EQ(fetchUpdate(stopped, [&] { return isStopped; }).end, End::Stopped)
+        << "while the network is tried";
     EXPECT_TRUE(transport.asked.empty());
     EXPECT_FALSE(time) << "nothing was read";
 }

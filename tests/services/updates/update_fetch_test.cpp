@@ -58,7 +58,7 @@ struct UpdateFetchTest : testing::TlsTest<UpdateFetchTest> {
                 .address = server->address(path),
                 .keys = {key->publicKey},
                 .isOwnedByPackage = {},
-                .isCanBeUseNetWork = [] { return true; },
+                .isCanBeUseNetWork = [](const auto&) { return true; },
                 .localNumber = [] { return 100; },
                 .lastTime = [] { return "2020-01-01T00:00:00+00:00"; },
                 .writeTime = [](const std::string&) { return Result<void>(); }};
@@ -121,6 +121,23 @@ TEST_F(UpdateFetchTest, WhoStopsItWaitsForNothing) {
     const HttpsTransport patient({server->certificate}, 60s);
     EXPECT_EQ(fetchUpdate(parts("/silent", patient), isStopped).end, FetchedUpdate::End::Stopped);
     EXPECT_LT(Clock::now() - start, 10s);
+}
+
+TEST_F(UpdateFetchTest, ALookEndsWhereItIsSwitchedOff) {
+    const TestTree tree;
+    UserDefaults defaults(tree.at("settings.ini"));
+    defaults.setBool(true, SUEnableAutomaticChecks);
+    const HttpsTransport patient({server->certificate}, 60s);
+    UpdateWatch watch(parts("/silent", patient), defaults);
+    bool hasLooked = false;
+    QObject::connect(&watch, &UpdateWatch::looked, &watch, [&] { hasLooked = true; });
+    watch.look();
+    ASSERT_TRUE(testing::serveUntil([] {
+        const std::lock_guard lock(guard);
+        return !requests.empty();
+    }));
+    defaults.setBool(false, SUEnableAutomaticChecks);
+    EXPECT_TRUE(testing::serveUntil([&] { return hasLooked; }, 10));
 }
 
 TEST_F(UpdateFetchTest, TheWatchAsksOnlyWhereItIsSwitchedOnAndTellsAVersionOnce) {

@@ -202,6 +202,28 @@ TEST_F(LoginItemsPage, OurOwnEntryAndItsSettingGoTogether) {
     EXPECT_FALSE(isShown("addButton"));
 }
 
+TEST_F(LoginItemsPage, AllOfAPanelAreAddedAndOursAsOurs) {
+    const std::string own = on.tree.at("bin/orrinvale");
+    ASSERT_TRUE(on.program("1/same") && on.program("2/same") &&
+                on.tree.write("own.desktop", "[Desktop Entry]\nName=O\nExec=" + own + "\n") &&
+                on.tree.write("config/autostart/n.desktop", head + "N\nNotShowIn=GNOME\n"));
+    defaults.setBool(true, ZvLoginItemIsHide);
+    show();
+    EXPECT_SOON(rows() == ". N|not on this desktop|You|SOR\n") << rows();
+    EXPECT_FALSE(page->views()
+                     .tableView->model()
+                     ->index(0, LoginItemModel::Name)
+                     .flags()
+                     .testFlag(Qt::ItemIsUserCheckable));
+    dialogs.willChoose({on.tree.at("1/same"), on.tree.at("missing"), on.tree.at("2/same"),
+                        on.tree.at("own.desktop")});
+    click("addButton");
+    EXPECT_SOON(on.list().size() == 4 && loginCheck() == 1);
+    EXPECT_SOON(textOf("quietLine") ==
+                "This could not be changed: nothing can start this at login");
+    EXPECT_TRUE(on.named("com.kelpford.Orrinvale.desktop").startsHidden) << "as the settings say";
+}
+
 TEST_F(LoginItemsPage, DropsAndMovesHoldUntilTheNextReload) {
     TestTree& tree = on.tree;
     for (const char* const name : {"a", "b", "c", "d"})

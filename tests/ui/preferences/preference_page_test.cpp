@@ -289,6 +289,23 @@ TEST_F(Preferences, AreThereAtOnce) {
     EXPECT_LT(took, 500ms) << "100 ms are the aim on a machine of its own";
 }
 
+class PreferencesOfASlowStart : public Preferences {
+protected:
+    PreferencesOfASlowStart()
+        : Preferences(PreferenceParts{.hasTray = {},
+                                      .hasDesktopNotes = true,
+                                      .hasDiskUsage = true,
+                                      .updateRoad = [known = road] { return *known; }}) {}
+    inline static const auto road = std::make_shared<std::optional<UpdateRoad>>();
+};
+
+TEST_F(PreferencesOfASlowStart, UpdatesAreGreyUntilItIsKnownWhereTheyComeFrom) {
+    EXPECT_FALSE(isEnabled("autoCheckUpdates") || isEnabled("updateTime"));
+    *road = UpdateRoad::Server;
+    notice::updateRoadFound.post(notifications);
+    EXPECT_TRUE(isEnabled("autoCheckUpdates") && isEnabled("updateTime"));
+}
+
 class PreferencesOfABareDesktop : public Preferences {
 protected:
     PreferencesOfABareDesktop() : Preferences(PreferenceParts{}) {}

@@ -37,7 +37,7 @@ struct UpdateWindow : ::testing::Test {
                 .address = "ini",
                 .keys = {hasKeys ? std::string(64, '0') : std::string()},
                 .isOwnedByPackage = [owned = isOwned] { return owned; },
-                .isCanBeUseNetWork = [network = hasNetwork] { return network; },
+                .isCanBeUseNetWork = [network = hasNetwork](const auto&) { return network; },
                 .localNumber = [] { return 100; },
                 .lastTime = {},
                 .writeTime = {}};
