@@ -102,14 +102,14 @@ TEST_F(Planned, LeftoversThatNobodyLookedThroughAreNotOffered) {
 
 TEST_F(Planned, WhatIsAnotherApplicationByNowStays) {
     const std::vector<AppItems> items = listed();
-    machine.program("opt/game/bin/editor");
-    machine.entry("editor", "Exec=" + tree.at("opt/game/bin/editor"));
+    machine.program("opt/game/bin/later");
+    machine.entry("later", "Exec=" + tree.at("opt/game/bin/later"));
     const UninstallOutlook outlook = work->forecast(items, never);
     EXPECT_EQ(outlook.apps[0].refusal, "not installed any more as it was listed");
     EXPECT_EQ(outlook.apps[1].refusal, "");
     EXPECT_TRUE(outlook.isListOld);
     EXPECT_FALSE(work->remove(*outlook.plan, {{items[0], {}}}, progress, never)[0].isGone);
-    EXPECT_TRUE(isThere(tree.at("opt/game/bin/editor")));
+    EXPECT_TRUE(isThere(tree.at("opt/game/bin/later")));
     EXPECT_FALSE(work->forecast(listed(), never).isListOld);
 }
 
