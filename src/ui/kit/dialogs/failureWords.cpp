@@ -6,6 +6,7 @@
 #include <QStringList>
 #include <array>
 #include <string_view>
+#include <vector>
 
 namespace orrinvale {
 namespace {
@@ -209,18 +210,31 @@ constexpr std::array sentences{
     QT_TRANSLATE_NOOP("Reason", "%1 stays: %2"),
 };
 
-// What the sentence is filled with here; nothing where it is another one.
-QStringList fillings(const char* sentence, const QString& said) {
-    QString form = QRegularExpression::escape(QString::fromLatin1(sentence));
-    for (const char* const each : {"\\%1", "\\%2"})
-        form.replace(QLatin1String(each), QStringLiteral("(.+)"));
-    const QRegularExpression expression(QRegularExpression::anchoredPattern(form));
-    return expression.match(said).capturedTexts().mid(1);
+struct Form {
+    const char* sentence;
+    QRegularExpression expression;
+};
+
+// Made once: rows of lists say their reasons at each refresh.
+const std::vector<Form>& forms() {
+    static const std::vector<Form> made = [] {
+        std::vector<Form> out;
+        for (const char* const sentence : sentences) {
+            QString form = QRegularExpression::escape(QString::fromLatin1(sentence));
+            for (const char* const each : {"\\%1", "\\%2"})
+                form.replace(QLatin1String(each), QStringLiteral("(.+)"));
+            out.push_back(
+                {sentence, QRegularExpression(QRegularExpression::anchoredPattern(form))});
+        }
+        return out;
+    }();
+    return made;
 }
 
 }  // namespace
 
 QString inWords(const std::string& reason) {
+    if (reason.empty()) return {};
     for (const char* const known : whole)
         if (reason == known) return QCoreApplication::translate(context, known);
     constexpr std::size_t filledIn = 2;  // "%1" at the end
@@ -231,10 +245,10 @@ QString inWords(const std::string& reason) {
                 .arg(inWords(reason.substr(beginning.size())));
     }
     const QString said = QString::fromStdString(reason);
-    for (const char* const sentence : sentences) {
-        const QStringList names = fillings(sentence, said);
+    for (const Form& form : forms()) {
+        const QStringList names = form.expression.match(said).capturedTexts().mid(1);
         if (names.isEmpty()) continue;
-        const QString known = QCoreApplication::translate(context, sentence);
+        const QString known = QCoreApplication::translate(context, form.sentence);
         const QString last = inWords(names.last().toStdString());
         return names.size() == 1 ? known.arg(last) : known.arg(names.first(), last);
     }
