@@ -180,8 +180,7 @@ TEST(CleanTruth, AScanThatWasStoppedOrClosedSaysSo) {
     EXPECT_EQ(desk.textOf("emptyLabel"), "The scan was stopped before its end. There may be more.");
     EXPECT_EQ(picture(), "empty_search");
     desk.page->shouldSelectRow(6);
-    EXPECT_EQ(desk.textOf("emptyLabel"),
-              "Downloads: the scan was stopped before its end.");
+    EXPECT_EQ(desk.textOf("emptyLabel"), "Downloads: the scan was stopped before its end.");
     desk.page->shouldSelectRow(2);
     EXPECT_EQ(desk.textOf("emptyLabel"), "Nothing in User Caches can go.");
     EXPECT_EQ(picture(), "empty_done");
