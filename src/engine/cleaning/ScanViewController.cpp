@@ -178,6 +178,7 @@ public:
     Clean& operator=(const Clean&) = delete;
 
     const std::shared_ptr<CleanList> m_list;
+    std::optional<RemovalOutcome> m_ending;
     std::vector<std::size_t> m_gone;  // entries of each row that went, as far as was told
     Paths m_leaving{};                // of rows of m_list: those that leave the list of the page
     RemovalJob m_job;
@@ -354,8 +355,11 @@ void ScanViewController::takeCleanNews() {
     }
     if (isAnyGone) tellTotal();
     if (news.isMore) m_clean->m_job.callAgain();
-    if (!news.ending) return;
-    m_outcome = news.ending;
+    if (news.ending) m_clean->m_ending = news.ending;
+    if (!m_clean->m_ending) return;
+    // The end has a turn of its own: with thousands of rows each of the two takes most of one.
+    if (!news.settled.empty()) return m_clean->m_job.callAgain();
+    m_outcome = m_clean->m_ending;
     finishClean();
 }
 
