@@ -213,7 +213,7 @@
     </message>
     <message>
         <source>%1 of %2 selected, %3 will free up.</source>
-        <translation>%1 von %2 ausgewählt, %3 werden frei.</translation>
+        <translation>%1 von %2, %3 werden frei.</translation>
     </message>
     <message>
         <source>%1 is cleaned</source>

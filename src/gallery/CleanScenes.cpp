@@ -195,11 +195,19 @@ bool CleanScenes::drawClean() {
     if (!isThere || !save("question")) return false;
     m_staged.hold("large.png");
     const QString old = noteText();
-    const QList<QAbstractButton*> buttons = sheet()->findChildren<QAbstractButton*>();
-    for (QAbstractButton* const each : buttons)
-        if (each->text().startsWith(MainViewController::tr("Clean %1").left(3))) each->click();
-    if (!waitFor("the file that is held",
-                 [&] { return m_staged.isHolding() && sheet() == nullptr; }))
+    // The question takes no answer in its first moments.
+    const auto answer = [&] {
+        const auto buttons = sheet() != nullptr ? sheet()->findChildren<QAbstractButton*>()
+                                                : QList<QAbstractButton*>();
+        const QString word =
+            MainViewController::tr("Clean %1").remove(QStringLiteral("%1")).trimmed();
+        for (QAbstractButton* const each : buttons)
+            if (each->text().contains(word)) each->click();
+    };
+    if (!waitFor("the file that is held", [&] {
+            if (!m_staged.isHolding()) answer();
+            return m_staged.isHolding() && sheet() == nullptr;
+        }))
         return false;
     if (!save("removal")) return false;
     m_staged.release();
