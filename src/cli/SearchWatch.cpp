@@ -43,7 +43,7 @@ void onSignal(int) {
     errno = kept;
 }
 
-void onShortage() {
+void endSearch() {
     const char byte = 'm';
     if (s_pipe >= 0) (void)!::write(s_pipe, &byte, 1);
 }
@@ -95,8 +95,8 @@ SearchWatch::SearchWatch(std::function<void()> stop, std::function<std::string()
         for (const int end : m_end) ::close(end);
         return;
     }
-    setShortageHandler(&onShortage);
-    if (hasMemoryRunShort()) onShortage();
+    setShortageHandler(&endSearch);
+    if (hasMemoryRunShort()) endSearch();
     listen();
 }
 

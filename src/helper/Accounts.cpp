@@ -22,12 +22,12 @@ namespace {
 
 constexpr std::size_t kMostText = std::size_t{1} << 20U;
 
-class Patience final {
+class TimeLimit final {
 public:
-    Patience() { ::alarm(10); }
-    ~Patience() { ::alarm(0); }
-    Patience(const Patience&) = delete;
-    Patience& operator=(const Patience&) = delete;
+    TimeLimit() { ::alarm(10); }
+    ~TimeLimit() { ::alarm(0); }
+    TimeLimit(const TimeLimit&) = delete;
+    TimeLimit& operator=(const TimeLimit&) = delete;
 };
 
 /// Calls look(buffer, size), which answers an errno, with a buffer that is large enough; what it
@@ -123,7 +123,7 @@ std::optional<std::vector<uid_t>> membersOf(gid_t number) {
 }  // namespace
 
 std::optional<std::string> homeOf(uid_t user) {
-    const Patience patience;
+    const TimeLimit patience;
     std::string text;
     passwd entry{};
     passwd* found = nullptr;
@@ -140,7 +140,7 @@ bool TrustedGroups::contains(gid_t group) {
 }
 
 bool TrustedGroups::isTrusted(gid_t group) const {
-    const Patience patience;
+    const TimeLimit patience;
     if (!listsEverybody()) return false;
     const auto members = membersOf(group);
     return members && std::all_of(members->begin(), members->end(), [this](uid_t user) {

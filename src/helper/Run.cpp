@@ -19,7 +19,7 @@ namespace {
 
 using Outcome = HelperReply::Outcome;
 
-std::string reasonOf(int error) { return systemError("rm", {}, error).reason(); }
+std::string runReason(int error) { return systemError("rm", {}, error).reason(); }
 
 HelperReply refused(std::string reason) { return {0, Outcome::Refused, std::move(reason)}; }
 
@@ -70,7 +70,7 @@ private:
     /// Nothing when it is aside, and also where that can not be; a reply when it stays.
     std::optional<HelperReply> setAside(RootJournal& journal) {
         const auto folder = m_files.attributes(m_held.parent.get());
-        if (!folder) return refused(reasonOf(folder.error()));
+        if (!folder) return refused(runReason(folder.error()));
         const FileAttributes& entry = m_held.attributes;
         const auto token = journal.add({{}, m_held.path, folder->device, entry.inode, entry.type});
         if (!token) return std::nullopt;
@@ -100,7 +100,7 @@ private:
             if (!run.firstError.empty())
                 return givenBack({0, Outcome::StillThere, inOwnName(run.firstError)});
             return givenBack(
-                {0, Outcome::StillThere, left ? "still there" : reasonOf(left.error())});
+                {0, Outcome::StillThere, left ? "still there" : runReason(left.error())});
         }
         if (!run.output.empty()) return {0, Outcome::Printed, run.output};
         if (m_aside && m_files.attributes(parent, m_held.name.c_str(), Links::Keep))
@@ -134,7 +134,7 @@ HelperReply removeEntry(const HelperRequest& request, const Grounds& grounds) {
     const std::string name = parent->name;
     // From the folder as it is seen now: in the copy a mount point looks like the folder below it.
     const auto seen = files.attributes(parent->folder.get(), name.c_str(), Links::Keep);
-    if (!seen) return refused(reasonOf(seen.error()));
+    if (!seen) return refused(runReason(seen.error()));
     auto places = ProtectedPlaces::ofThisMachine(files, grounds.ownFiles);
     if (const auto home = homeOf(grounds.caller)) places.addHome(files, *home, grounds.caller);
     if (auto reason = places.refusal(wanted.path, *seen)) return refused(std::move(*reason));

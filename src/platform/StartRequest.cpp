@@ -9,15 +9,16 @@
 namespace orrinvale {
 namespace {
 
-using Kind = StartRequest::Kind;
-constexpr std::array<std::pair<Kind, char>, 3> letters{
-    {{Kind::Activate, 'v'}, {Kind::Open, 'o'}, {Kind::Action, 'a'}}};
+constexpr std::array<std::pair<StartRequest::Kind, char>, 3> letters{
+    {{StartRequest::Kind::Activate, 'v'},
+     {StartRequest::Kind::Open, 'o'},
+     {StartRequest::Kind::Action, 'a'}}};
 
 bool hasFittingText(const StartRequest& request) {
     switch (request.kind) {
-        case Kind::Activate: return request.text.empty();
-        case Kind::Open: return request.text.starts_with('/');
-        case Kind::Action: return !request.text.empty();
+        case StartRequest::Kind::Activate: return request.text.empty();
+        case StartRequest::Kind::Open: return request.text.starts_with('/');
+        case StartRequest::Kind::Action: return !request.text.empty();
     }
     return false;
 }

@@ -10,13 +10,9 @@
 #include <string_view>
 #include <vector>
 
-namespace orrinvale {
+#include "platform/statuses.h"
 
-/// Statuses of the operations on volumes. Any other number than 0 is a failure.
-inline constexpr std::int32_t noErr = 0;
-inline constexpr std::int32_t nsvErr = -35;   ///< no such volume: the index lies past the last one
-inline constexpr std::int32_t ioErr = -36;    ///< the volume did not answer, or not with success
-inline constexpr std::int32_t fBsyErr = -47;  ///< somebody uses the volume
+namespace orrinvale {
 
 struct FSVolumeInfo {
     std::uint64_t totalBytes = 0;

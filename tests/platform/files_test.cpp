@@ -4,12 +4,12 @@
 #include <sys/sysmacros.h>
 
 #include "engine/duplicates/FileHasher.h"
+#include "support/realFiles.h"
 #include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
-const LinuxFileSystem files;
 constexpr std::size_t pageSize = 4096;
 
 TEST(LinuxFiles, eachKindOfEntryIsToldAsWhatItIs) {

@@ -14,7 +14,7 @@
 namespace orrinvale {
 namespace {
 
-constexpr std::size_t mostBytes = 1 << 20;
+constexpr std::size_t mostOfList = 1 << 20;
 
 // What the line says without its end, which an editor may have written in two bytes.
 std::string_view withoutEnd(std::string_view line) {
@@ -75,7 +75,7 @@ Result<std::string> textOf(const FileSystem& files, const std::string& path) {
     if (!entry && entry.error() == ENOENT) return std::string();
     const auto real = files.resolved(path);
     if (!real) return tl::unexpected(systemError("open", path, real.error()));
-    return DurableFile::read(*real, mostBytes, DurableFile::Owner::Any);
+    return DurableFile::read(*real, mostOfList, DurableFile::Owner::Any);
 }
 
 // Replaces the list by what is left of it, and `more`.

@@ -16,7 +16,7 @@
 namespace orrinvale {
 namespace {
 
-constexpr std::size_t mostBytes = 64 * 1024;  // a record has less than one hundred
+constexpr std::size_t mostOfHistory = 64 * 1024;  // a record has less than one hundred
 
 std::function<void(const std::string& text)>& messages() {
     static std::function<void(const std::string& text)> show;
@@ -88,7 +88,7 @@ bool ParseFileLog::setSize(std::uint64_t size, Date LogDate) const {
 }
 
 void ParseFileLog::readFileLog(std::string_view /*path*/, FileLog& FileLogItem) const {
-    const auto text = DurableFile::read(getLogFilePath(), mostBytes);
+    const auto text = DurableFile::read(getLogFilePath(), mostOfHistory);
     if (!text && text.error().kind == ErrorKind::NotFound) {
         FileLogItem = FileLog{};
         FileLogItem.logName = "FILE SIZE";

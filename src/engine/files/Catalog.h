@@ -9,19 +9,9 @@
 
 #include "engine/files/EntryIdentity.h"
 #include "platform/fileTypes.h"
+#include "platform/statuses.h"
 
 namespace orrinvale {
-
-/// What the operations of the catalog answer; the numbers are those of the interface.
-enum OSErr : std::int16_t {
-    noErr = 0,
-    ioErr = -36,
-    fnfErr = -43,    ///< there is no such entry, or another stands in its place
-    paramErr = -50,  ///< a reference that names nothing
-    errFSNotAFolder = -1407,
-    errFSNoMoreItems = -1417,  ///< the items that came with it are the last
-    afpAccessDenied = -5000
-};
 
 /// What FSGetCatalogInfo() and FSGetCatalogInfoBulk() are asked for.
 enum FSCatalogInfoBitmap : std::uint32_t {

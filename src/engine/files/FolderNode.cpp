@@ -9,7 +9,7 @@
 namespace orrinvale {
 namespace {
 
-constexpr std::size_t longestPath = 4000;  // below PATH_MAX (4096), which counts the closing NUL
+constexpr std::size_t longestPiece = 4000;  // below PATH_MAX (4096), which counts the closing NUL
 
 }  // namespace
 
@@ -47,14 +47,14 @@ SysResult<Descriptor> openFolderByPath(const FileSystem& files, const std::strin
 SysResult<Descriptor> openFolderBelow(const FileSystem& files, int start, std::string_view relative,
                                       Links last) {
     const std::string path(relative);
-    if (path.size() < longestPath) return files.openFolder(start, path.c_str(), last);
+    if (path.size() < longestPiece) return files.openFolder(start, path.c_str(), last);
     Descriptor base;
     int parent = start;
     std::size_t at = 0;
     while (at < path.size()) {
         std::size_t end = path.size();
-        if (end - at >= longestPath) {
-            end = path.rfind('/', at + longestPath);
+        if (end - at >= longestPiece) {
+            end = path.rfind('/', at + longestPiece);
             if (end == std::string::npos || end <= at) return tl::unexpected(ENAMETOOLONG);
         }
         const std::string piece = path.substr(at, end - at);

@@ -31,7 +31,7 @@ constexpr std::string_view recordExtension = ".trashinfo";
 constexpr std::uint64_t mostInSeries = 20;
 constexpr std::uint64_t mostAttempts = 200;
 
-std::string reasonOf(int error) { return systemError("move", {}, error).reason(); }
+std::string folderReason(int error) { return systemError("move", {}, error).reason(); }
 
 std::uint64_t numberOf(std::uint64_t attempt) {
     if (attempt < mostInSeries) return attempt;
@@ -77,9 +77,9 @@ SysResult<Descriptor> openMade(const FileSystem& files, int parent, const char* 
 tl::expected<Descriptor, std::string> openMadeOwn(const FileSystem& files, int parent,
                                                   const char* name, uid_t user) {
     auto opened = openMade(files, parent, name);
-    if (!opened) return tl::unexpected(reasonOf(opened.error()));
+    if (!opened) return tl::unexpected(folderReason(opened.error()));
     struct stat seen {};
-    if (::fstat(opened->get(), &seen) != 0) return tl::unexpected(reasonOf(errno));
+    if (::fstat(opened->get(), &seen) != 0) return tl::unexpected(folderReason(errno));
     if (seen.st_uid != user)
         return tl::unexpected(std::string("the trash there is another user's"));
     return std::move(*opened);
@@ -111,13 +111,13 @@ tl::expected<std::string, Failure> TrashFolder::take(const HeldEntry& held,
     if (auto reason = objection(held)) return tl::unexpected(Failure{std::move(*reason)});
     const auto entry = m_files->holdEntry(held.parent.get(), held.name.c_str());
     const auto now = entry ? m_files->attributes(entry->get()) : tl::unexpected(entry.error());
-    if (!now) return tl::unexpected(Failure{reasonOf(now.error())});
+    if (!now) return tl::unexpected(Failure{folderReason(now.error())});
     if (!isSame(*now, held.attributes)) return tl::unexpected(Failure{std::string(replacedReason)});
     const std::string record = recordOf(place);
     for (std::uint64_t attempt = 1; attempt <= mostAttempts; ++attempt) {
         const std::string name = nameInTrash(held.name, numberOf(attempt));
         if (const int error = writeRecord(name, record); error == EEXIST) continue;
-        else if (error != 0) return tl::unexpected(Failure{reasonOf(error)});
+        else if (error != 0) return tl::unexpected(Failure{folderReason(error)});
         const auto moved =
             m_files->moveEntry(held.parent.get(), held.name.c_str(), m_entries.get(), name.c_str());
         if (moved) {
@@ -128,15 +128,15 @@ tl::expected<std::string, Failure> TrashFolder::take(const HeldEntry& held,
         dropRecord(name);
         if (moved.error() == EEXIST) continue;  // left there by something that writes no records
         if (moved.error() == EINVAL) return tl::unexpected(Failure{"the trash is in it"});
-        return tl::unexpected(Failure{reasonOf(moved.error()), moved.error() == EXDEV});
+        return tl::unexpected(Failure{folderReason(moved.error()), moved.error() == EXDEV});
     }
-    return tl::unexpected(Failure{reasonOf(EEXIST)});
+    return tl::unexpected(Failure{folderReason(EEXIST)});
 }
 
 // What is there already, and the records themselves.
 std::optional<std::string> TrashFolder::objection(const HeldEntry& held) const {
     const auto parent = m_files->attributes(held.parent.get());
-    if (!parent) return reasonOf(parent.error());
+    if (!parent) return folderReason(parent.error());
     if (isSame(*m_files, m_entries.get(), *parent)) return "it is in the trash";
     if (isSame(*m_files, m_records.get(), *parent) ||
         isSame(*m_files, m_records.get(), held.attributes))

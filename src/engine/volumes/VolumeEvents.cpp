@@ -9,8 +9,6 @@
 namespace orrinvale {
 namespace {
 
-using Kind = VolumeEvent::Kind;
-
 const SeenVolume* sameIn(const SystemSight& sight, const ZvVolumeInfo& volume) {
     return findVolume(sight, volume.volRefNumber, volume.volRootDir);
 }
@@ -46,18 +44,19 @@ std::vector<VolumeEvent> VolumeEvents::take(const std::vector<SeenVolume>& seen)
     const std::vector<VolumePlace> asleep = m_asleep;
     std::erase_if(m_asleep, [&](const VolumePlace& each) { return !has(neverAnswered, each); });
     for (const SeenVolume& each : last.volumes)
-        if (sameIn(sight, *each.record) == nullptr) events.push_back({Kind::Unmount, each.record});
+        if (sameIn(sight, *each.record) == nullptr)
+            events.push_back({VolumeEvent::Kind::Unmount, each.record});
     for (SeenVolume& each : m_told.volumes) {
         const SeenVolume* const known = sameIn(before, *each.record);
         if (known == nullptr) {
             const VolumePlace place{each.record->volRefNumber, each.record->volRootDir};
-            if (!has(asleep, place)) events.push_back({Kind::Mount, each.record});
+            if (!has(asleep, place)) events.push_back({VolumeEvent::Kind::Mount, each.record});
             continue;
         }
         if (known->record->volumeName != each.record->volumeName)
-            events.push_back({Kind::Rename, each.record});
+            events.push_back({VolumeEvent::Kind::Rename, each.record});
         if (hasMoved(*known->record, *each.record)) {
-            events.push_back({Kind::Free, each.record});
+            events.push_back({VolumeEvent::Kind::Free, each.record});
             continue;
         }
         // The figures stay those that were told; of the rest the newest is known.

@@ -10,13 +10,13 @@
 namespace orrinvale {
 namespace {
 
-using Kind = DiskServiceFailure::Kind;
+using FailureKind = DiskServiceFailure::Kind;
 
 constexpr int kMostRounds = 10;
 constexpr std::chrono::milliseconds kBetweenRounds{100};
 
 bool isGone(const DiskServiceResult<void>& result) {
-    return !result && result.error().kind == Kind::Gone;
+    return !result && result.error().kind == FailureKind::Gone;
 }
 
 }  // namespace
@@ -30,7 +30,7 @@ std::optional<DiskServiceFailure> DiskEjection::unmount(const std::function<bool
         for (const std::string& device : m_plan.mounted) {
             const Result done = call(device, "Filesystem", "Unmount");
             if (done) continue;
-            if (done.error().kind != Kind::NotMounted && !isGone(done)) return done.error();
+            if (done.error().kind != FailureKind::NotMounted && !isGone(done)) return done.error();
             if (isGone(done)) vanished = done.error();
             isUnknown = true;
         }

@@ -12,7 +12,7 @@
 namespace orrinvale {
 namespace {
 
-using Kind = DiskServiceFailure::Kind;
+using FailureKind = DiskServiceFailure::Kind;
 using Clock = std::chrono::steady_clock;
 
 constexpr const char* kService = "org.freedesktop.UDisks2";
@@ -40,22 +40,24 @@ bool isAbsence(std::string_view name) {
 }
 
 tl::unexpected<DiskServiceFailure> unreachable(const char* reason) {
-    return tl::unexpected(DiskServiceFailure{Kind::Unreachable, reason});
+    return tl::unexpected(DiskServiceFailure{FailureKind::Unreachable, reason});
 }
 
 DiskServiceFailure failureOf(const BusError& error) {
     const std::string_view name = error.name();
-    if (isOneOf(name, silentErrors)) return {Kind::Unreachable, kSilent};
-    if (isAbsence(name)) return {Kind::Unreachable, "The disk service, udisks2, is not there"};
+    if (isOneOf(name, silentErrors)) return {FailureKind::Unreachable, kSilent};
+    if (isAbsence(name))
+        return {FailureKind::Unreachable, "The disk service, udisks2, is not there"};
     std::string reason = error.message();
     if (reason.empty()) reason = "The disk service gave no reason";
-    if (isOneOf(name, goneErrors)) return {Kind::Gone, "The drive is not there any more"};
+    if (isOneOf(name, goneErrors)) return {FailureKind::Gone, "The drive is not there any more"};
     if (name == "org.freedesktop.UDisks2.Error.NotMounted")
-        return {Kind::NotMounted, std::move(reason)};
-    if (name == "org.freedesktop.UDisks2.Error.DeviceBusy") return {Kind::Busy, std::move(reason)};
+        return {FailureKind::NotMounted, std::move(reason)};
+    if (name == "org.freedesktop.UDisks2.Error.DeviceBusy")
+        return {FailureKind::Busy, std::move(reason)};
     // For what the kernel says of an unmount it has only words.
     const bool isBusy = reason.find("is busy") != std::string::npos;
-    return {isBusy ? Kind::Busy : Kind::Other, std::move(reason)};
+    return {isBusy ? FailureKind::Busy : FailureKind::Other, std::move(reason)};
 }
 
 std::string textOf(sd_bus_message* message, char type) {
@@ -221,7 +223,7 @@ DiskServiceResult<DiskService> DiskService::open(std::chrono::milliseconds patie
     const BusMessage answer(reply);
     if (!takeObjects(reply, service.m_objects))
         return tl::unexpected(
-            DiskServiceFailure{Kind::Other, "The disk service answers with something else"});
+            DiskServiceFailure{FailureKind::Other, "The disk service answers with something else"});
     return service;
 }
 

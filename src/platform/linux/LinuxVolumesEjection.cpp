@@ -31,7 +31,7 @@ namespace {
 
 using Outcome = LinuxVolumesEjection::Outcome;
 using Mounts = std::vector<MountEntry>;
-using Kind = DiskServiceFailure::Kind;
+using FailureKind = DiskServiceFailure::Kind;
 
 constexpr std::chrono::seconds kPatienceWithService{1};
 constexpr std::chrono::milliseconds kPatienceWithHolders{300};
@@ -262,7 +262,7 @@ Outcome LinuxVolumesEjection::ejectDevice(const MountEntry& mount, const std::st
         return failure(fBsyErr, "In use: " + use);
 
     const auto failureOf = [&](const DiskServiceFailure& obstacle, std::string_view before) {
-        if (obstacle.kind != Kind::Busy)
+        if (obstacle.kind != FailureKind::Busy)
             return failure(ioErr, fmt::format("{}{}", before, obstacle.reason));
         std::vector<std::string> nodes;
         for (const DiskObject& each : plan->devices) nodes.push_back(each.node);
@@ -275,7 +275,7 @@ Outcome LinuxVolumesEjection::ejectDevice(const MountEntry& mount, const std::st
     };
     DiskEjection ejection(*service, *plan, m_devices);
     if (const auto obstacle = ejection.unmount(isAnyLeft)) {
-        if (obstacle->kind == Kind::Gone && !stands(mount))
+        if (obstacle->kind == FailureKind::Gone && !stands(mount))
             return failure(nsvErr, obstacle->reason);
         return failureOf(*obstacle, "");
     }

@@ -21,7 +21,7 @@
 namespace orrinvale {
 namespace {
 
-constexpr std::size_t smallText = 4096;
+constexpr std::size_t mostOfProcess = 4096;
 constexpr std::size_t mapsLimit = 4 * 1024 * 1024;
 
 bool isProcess(const std::string& name) {
@@ -156,7 +156,7 @@ private:
     // The process's own folder may belong to root once it hides; its status tells whose it is.
     static bool isMine(const std::string& process) {
         const std::string text =
-            readSystemText(process + "/status", smallText).value_or(std::string());
+            readSystemText(process + "/status", mostOfProcess).value_or(std::string());
         return text.find(fmt::format("\nUid:\t{}\t", ::getuid())) != std::string::npos;
     }
 
@@ -164,7 +164,7 @@ private:
     // Where its first thread alone has ended the others may go on.
     static bool hasEnded(const std::string& process) {
         const std::string text =
-            readSystemText(process + "/status", smallText).value_or(std::string());
+            readSystemText(process + "/status", mostOfProcess).value_or(std::string());
         const auto says = [&](std::string_view line) {
             return text.find(line) != std::string::npos;
         };
@@ -174,11 +174,11 @@ private:
 
     void addHidden(const std::string& process) {
         if (hasEnded(process)) return;
-        std::string name = readSystemText(process + "/comm", smallText).value_or(std::string());
+        std::string name = readSystemText(process + "/comm", mostOfProcess).value_or(std::string());
         if (name.ends_with('\n')) name.pop_back();
         m_found.hiddenPrograms.insert(lowered(name));
         const std::string line =
-            readSystemText(process + "/cmdline", smallText).value_or(std::string());
+            readSystemText(process + "/cmdline", mostOfProcess).value_or(std::string());
         const std::string program = line.substr(0, line.find('\0'));
         if (!program.empty()) m_found.hiddenPrograms.insert(lowered(lastPathComponent(program)));
     }

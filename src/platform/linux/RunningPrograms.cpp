@@ -17,7 +17,7 @@
 namespace orrinvale {
 namespace {
 
-constexpr std::size_t smallText = std::size_t{64} * 1024;
+constexpr std::size_t mostOfProgram = std::size_t{64} * 1024;
 
 bool isNumber(const std::string& name) {
     return !name.empty() && name.find_first_not_of("0123456789") == std::string::npos;
@@ -34,7 +34,7 @@ std::vector<std::string> wordsOf(const std::string& text) {
 }
 
 std::string textAt(const std::string& path) {
-    return readSystemText(path, smallText).value_or(std::string());
+    return readSystemText(path, mostOfProgram).value_or(std::string());
 }
 
 // "PID (NAME) STATE PPID PGRP SESSION TTY TPGID FLAGS ...": the number `field` fields behind STATE.

@@ -25,7 +25,7 @@ constexpr int windowWidth = 440;
 constexpr int sheetHeight = 224;  // at least, where a question is asked
 constexpr int pictureSide = 40;
 
-struct Words {
+struct ViewWords {
     Q_DECLARE_TR_FUNCTIONS(FastClean)
 };
 
@@ -80,7 +80,7 @@ int heightFor(const Alert& question) {
 
 FastCleanViews makeFastCleanViews(TCImageWindow& window) {
     window.setObjectName(QStringLiteral("CleanSystem"));
-    window.setWindowTitle(Words::tr("Fast Clean"));
+    window.setWindowTitle(ViewWords::tr("Fast Clean"));
     makeTitleBar(window);
     FastCleanViews views;
     views.fastCleanImage =
@@ -89,15 +89,15 @@ FastCleanViews makeFastCleanViews(TCImageWindow& window) {
     views.title = leadingLabel("categoryTitle", Theme::Text::Heading);
     views.fixedText = leadingLabel("fixedText", Theme::Text::Body, QPalette::PlaceholderText);
     views.delProgress =
-        named(new QnProgressView, "delProgress", Words::tr("Progress of the cleaning"));
+        named(new QnProgressView, "delProgress", ViewWords::tr("Progress of the cleaning"));
     views.curFileName = named(new ElidedLabel(Qt::ElideMiddle), "curFileName");
     views.curFileName->setFont(Theme::shared().font(Theme::Text::Caption));
     views.curFileName->setForegroundRole(QPalette::PlaceholderText);
     views.further = leadingLabel("furtherLines", Theme::Text::Body);
     views.further->setWordWrap(true);
-    views.startBtn =
-        named(new TextImageButton(Words::tr("Clean"), TextImageButton::Role::Primary), "startBtn");
-    views.cancelBtn = named(new TextImageButton(Words::tr("Stop")), "cancelBtn");
+    views.startBtn = named(
+        new TextImageButton(ViewWords::tr("Clean"), TextImageButton::Role::Primary), "startBtn");
+    views.cancelBtn = named(new TextImageButton(ViewWords::tr("Stop")), "cancelBtn");
 
     auto* const content = new QWidget;
     auto* const column = new QVBoxLayout(content);

@@ -15,7 +15,7 @@
 namespace orrinvale {
 namespace {
 
-constexpr QSize pictureSize{20, 20};
+constexpr QSize lockSize{20, 20};
 
 }  // namespace
 
@@ -64,7 +64,7 @@ void Padlock::showRight() {
     const bool isOpen = UtilityObject::getMyObject().isOpenLocked;
     setChecked(isOpen);
     setImage(isOpen ? QStringLiteral("ic_unlock") : QStringLiteral("ic_lock"));
-    setIconSize(pictureSize);
+    setIconSize(lockSize);
     const std::string refusal =
         isOpen ? std::string() : QnAuthorization::shareQnAuthorization().refusalText();
     QString said = tr("Click lock to get a higer privileges.");

@@ -21,8 +21,6 @@
 namespace orrinvale {
 namespace {
 
-constexpr std::uint64_t memoryStorage = 5;
-constexpr std::int32_t memoryTag = 5;
 constexpr int iconSide = 24;
 constexpr int left = 14;
 constexpr int textLeft = 46;

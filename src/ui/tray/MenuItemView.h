@@ -16,6 +16,10 @@ class QToolButton;
 
 namespace orrinvale {
 
+/// What the row of the memory bears in the place of a volume's number and tag: never a volume's.
+inline constexpr std::uint64_t memoryStorage = 5;
+inline constexpr std::int32_t memoryTag = 5;
+
 /// The row's fields have the names of the interface and are what the refresh writes; what a person
 /// sees beside the texts, the bar and what greys the row, comes from the volume's own record, since
 /// a refresh leaves the total in `nFreeSize` too. Main thread only.

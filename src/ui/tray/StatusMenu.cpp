@@ -25,8 +25,6 @@ namespace orrinvale {
 namespace {
 
 constexpr const char* memoryTitle = "5";
-constexpr std::uint64_t memoryStorage = 5;
-constexpr std::int32_t memoryTag = 5;
 
 QString text(const std::string& bytes) { return QString::fromStdString(bytes); }
 

@@ -5,14 +5,13 @@
 #include "engine/cleaning/CleanablePlaces.h"
 #include "engine/files/Catalog.h"
 #include "platform/linux/LinuxFolders.h"
+#include "support/realFiles.h"
 #include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
 using Paths = std::vector<std::string>;
-
-const LinuxFileSystem files;
 
 Paths foldersOf(const FolderVariables& variables, std::uint32_t index, const Paths& volumes = {}) {
     const LinuxFolders folders(variables);

@@ -2,12 +2,11 @@
 #include "engine/duplicates/algorithm.h"
 
 #include "engine/duplicates/crc.h"
+#include "support/realFiles.h"
 #include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-const LinuxFileSystem files;
 
 class Algorithm : public ::testing::Test {
 protected:

@@ -1,11 +1,10 @@
 // The search for equal application bundles: what makes two of them equal, and what does not.
 #include "engine/duplicates/FindDuplicateApp.h"
+#include "support/realFiles.h"
 #include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-const LinuxFileSystem realFiles;
 
 class Bundles : public ::testing::Test {
 protected:

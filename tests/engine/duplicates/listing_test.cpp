@@ -4,12 +4,11 @@
 #include <sys/sysmacros.h>
 
 #include "engine/duplicates/getFileList.h"
+#include "support/realFiles.h"
 #include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-const LinuxFileSystem realFiles;
 
 struct Listing {
     bool listed = false;

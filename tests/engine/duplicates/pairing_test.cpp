@@ -5,12 +5,11 @@
 #include "engine/duplicates/DuplicateFilesOpt.h"
 #include "engine/duplicates/algorithm.h"
 #include "engine/duplicates/getFileList.h"
+#include "support/realFiles.h"
 #include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-const LinuxFileSystem realFiles;
 
 Strings pathsOf(const FileList& items) {
     Strings out;

@@ -7,6 +7,7 @@
 #include "engine/files/TreeSize.h"
 #include "engine/files/asideName.h"
 #include "support/ServedFiles.h"
+#include "support/realFiles.h"
 #include "support/test.h"
 
 namespace orrinvale {
@@ -15,8 +16,6 @@ namespace {
 using testing::Found;
 using testing::searched;
 using testing::ServedFiles;
-
-const LinuxFileSystem realFiles;
 
 // Two equal files, and a third that would be equal if it could be read.
 TEST(SearchFaults, ReadErrorsAreToldAsWhatTheyAreWhereverTheyCome) {

@@ -1,14 +1,13 @@
 // Rules of a search that only show where two of its parts meet: the options, links and mounts,
 // progress, and what changes under it.
 #include "engine/duplicates/SearchRun.h"
+#include "support/realFiles.h"
 #include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
 using testing::searched;
-
-const LinuxFileSystem realFiles;
 
 std::string joined(const Strings& texts) {
     std::string out;

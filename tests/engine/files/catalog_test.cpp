@@ -3,12 +3,12 @@
 
 #include <cstdio>
 
+#include "support/realFiles.h"
 #include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
-const LinuxFileSystem files;
 const Catalog catalog(files);
 
 constexpr std::uint32_t flagsAndSizes = 0xC002;

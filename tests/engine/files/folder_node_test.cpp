@@ -4,12 +4,11 @@
 
 #include <deque>
 
+#include "support/realFiles.h"
 #include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-const LinuxFileSystem files;
 
 TEST(FolderNode, lastComponentAndExtensionTable) {
     struct Case {

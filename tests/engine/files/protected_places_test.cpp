@@ -4,12 +4,11 @@
 
 #include "engine/files/SafeRemoval.h"
 #include "platform/linux/ProgramFiles.h"
+#include "support/realFiles.h"
 #include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-const LinuxFileSystem files;
 
 std::string reasonFor(const ProtectedPlaces& places, const std::string& path) {
     const auto entry = files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);

@@ -4,13 +4,12 @@
 #include <dirent.h>
 
 #include "engine/files/SafeRemoval.h"
+#include "support/realFiles.h"
 #include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
-const LinuxFileSystem files;
-const ProtectedPlaces nothingProtected;
 using Removal =
     std::function<void(const std::string& path, const std::optional<EntryIdentity>& expected)>;
 

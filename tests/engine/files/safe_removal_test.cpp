@@ -7,13 +7,11 @@
 #include <sys/ioctl.h>
 #include <sys/syscall.h>
 
+#include "support/realFiles.h"
 #include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-const LinuxFileSystem files;
-const ProtectedPlaces nothingProtected;
 
 RemovalResult removeAt(const std::string& path,
                        const std::optional<EntryIdentity>& expected = std::nullopt,

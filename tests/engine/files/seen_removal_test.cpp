@@ -2,13 +2,12 @@
 // stays. Seen are the real attributes of real files; what comes later does so before the removal,
 // in the middle of it, and from a thread that does nothing else.
 #include "engine/files/SafeRemoval.h"
+#include "support/realFiles.h"
 #include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
-const LinuxFileSystem files;
-const ProtectedPlaces nothingProtected;
 // Longer than the clock tick by which file systems tell two changes apart.
 constexpr std::chrono::milliseconds timesDiffer{20};
 

@@ -5,13 +5,11 @@
 
 #include <cstdio>
 
+#include "support/realFiles.h"
 #include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-const LinuxFileSystem files;
-const ProtectedPlaces nothingProtected;
 
 FolderVariables variablesIn(const std::string& home) { return {.home = home, .user = ::geteuid()}; }
 

@@ -1,12 +1,12 @@
 // listTree: the order of what it tells, the way back up, failures, and the stop.
 #include "engine/files/TreeLister.h"
 
+#include "support/realFiles.h"
 #include "support/test.h"
 
 namespace orrinvale {
 namespace {
 
-const LinuxFileSystem files;
 using Paths = std::vector<std::string>;
 
 struct Told {

@@ -1,12 +1,11 @@
 // TreeSize: what counts and how much, failures, stops, mounts, depth and width.
 #include "engine/files/TreeSize.h"
 
+#include "support/realFiles.h"
 #include "support/test.h"
 
 namespace orrinvale {
 namespace {
-
-const LinuxFileSystem files;
 
 std::string text(const Result<SizeTotals>& totals) {
     if (!totals) return totals.error().reason();

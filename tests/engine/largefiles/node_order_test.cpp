@@ -6,6 +6,7 @@
 
 #include "engine/files/FolderNode.h"
 #include "engine/largefiles/ScanRun.h"
+#include "support/realFiles.h"
 #include "support/test.h"
 
 namespace orrinvale {
@@ -13,8 +14,6 @@ namespace {
 
 using testing::ScanRun;
 using testing::ServedQueue;
-
-const LinuxFileSystem files;
 
 // One entry at a time, depth first, every level kept in order by sorting it after each entry.
 class PlainScan {

@@ -1,6 +1,7 @@
 // The end of a scan before its time: at any moment, while the disk does not answer, and when its
 // owner goes.
 #include "engine/largefiles/ScanRun.h"
+#include "support/realFiles.h"
 #include "support/test.h"
 
 namespace orrinvale {
@@ -9,8 +10,6 @@ namespace {
 using testing::linesOf;
 using testing::ScanRun;
 using testing::ServedQueue;
-
-const LinuxFileSystem files;
 
 TEST(LargeFileStop, leavesATreeThatHoldsTogetherAndStaysAsItIs) {
     TestTree tree("/dev/shm");

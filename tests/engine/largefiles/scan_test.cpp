@@ -1,6 +1,7 @@
 // The scan of the large file page over what disks hold: kinds of entries, chosen paths, depth,
 // width, failures, mounts.
 #include "engine/largefiles/ScanRun.h"
+#include "support/realFiles.h"
 #include "support/test.h"
 
 namespace orrinvale {
@@ -9,8 +10,6 @@ namespace {
 using testing::linesOf;
 using testing::ScanRun;
 using testing::ServedQueue;
-
-const LinuxFileSystem files;
 
 testing::WatchedFiles withDescriptors(std::size_t limit) {
     testing::WatchedFiles watched;

@@ -28,7 +28,7 @@ private:
     Animation& m_strip;
 };
 
-QAccessibleInterface* makeInterface(const QString& /*className*/, QObject* object) {
+QAccessibleInterface* makeAnimation(const QString& /*className*/, QObject* object) {
     auto* strip = qobject_cast<Animation*>(object);
     return strip != nullptr ? new AccessibleAnimation(*strip) : nullptr;  // Qt owns it
 }
@@ -37,7 +37,7 @@ QAccessibleInterface* makeInterface(const QString& /*className*/, QObject* objec
 
 void installAccessibleAnimation() {
     [[maybe_unused]] static const bool isInstalled =
-        (QAccessible::installFactory(&makeInterface), true);
+        (QAccessible::installFactory(&makeAnimation), true);
 }
 
 }  // namespace orrinvale

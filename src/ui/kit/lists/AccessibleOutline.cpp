@@ -138,7 +138,7 @@ private:
         m_cells;  // the header's without an index
 };
 
-QAccessibleInterface* makeInterface(const QString& /*className*/, QObject* object) {
+QAccessibleInterface* makeOutline(const QString& /*className*/, QObject* object) {
     auto* const outline = qobject_cast<TickOutline*>(object);
     return outline != nullptr ? new AccessibleOutline(*outline) : nullptr;  // Qt owns it
 }
@@ -147,7 +147,7 @@ QAccessibleInterface* makeInterface(const QString& /*className*/, QObject* objec
 
 void installAccessibleOutline() {
     [[maybe_unused]] static const bool isInstalled =
-        (QAccessible::installFactory(&makeInterface), true);
+        (QAccessible::installFactory(&makeOutline), true);
 }
 
 }  // namespace orrinvale

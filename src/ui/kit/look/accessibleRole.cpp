@@ -48,7 +48,7 @@ private:
     const Traits& m_traits;
 };
 
-QAccessibleInterface* makeInterface(const QString& /*className*/, QObject* object) {
+QAccessibleInterface* makeRole(const QString& /*className*/, QObject* object) {
     auto* const widget = qobject_cast<QWidget*>(object);
     const Traits* const traits = widget != nullptr ? Traits::of(*widget) : nullptr;
     return traits != nullptr ? new TraitsInterface(*widget, *traits) : nullptr;  // Qt owns it
@@ -57,8 +57,7 @@ QAccessibleInterface* makeInterface(const QString& /*className*/, QObject* objec
 }  // namespace
 
 void setAccessibleTraits(QWidget& widget, AccessibleTraits traits) {
-    [[maybe_unused]] static const bool isInstalled =
-        (QAccessible::installFactory(&makeInterface), true);
+    [[maybe_unused]] static const bool isInstalled = (QAccessible::installFactory(&makeRole), true);
     new Traits(std::move(traits), widget);
     renewAccessible(widget);
 }
