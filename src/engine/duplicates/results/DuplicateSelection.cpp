@@ -9,13 +9,6 @@
 namespace orrinvale {
 namespace {
 
-std::size_t countTicked(const TreeNode& group) {
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < group.numberOfChildren(); ++i)
-        if (simpleData(*group.childAtIndex(i))->selectNum() == 1) ++count;
-    return count;
-}
-
 // A sorted tree lies all over the memory, and a walk over a large one mostly waits for it. So each
 // link of the way to a leaf is asked for a few groups ahead, when the link before it has come.
 void expectGroups(const TreeNode& tree, std::size_t after) {

@@ -38,13 +38,6 @@ void removeGroups(TreeNode& root, const std::unordered_set<const TreeNode*>& gro
     root._removeChildrenIdenticalTo(found);
 }
 
-std::size_t countTicked(const TreeNode& group) {
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < group.numberOfChildren(); ++i)
-        count += simpleData(*group.childAtIndex(i))->selectNum() == 1 ? 1U : 0U;
-    return count;
-}
-
 void addSize(std::uint64_t& sum, std::uint64_t size) {
     sum += std::min(size, std::numeric_limits<std::uint64_t>::max() - sum);
 }

@@ -35,4 +35,11 @@ SimpleNodeData* simpleData(const TreeNode& node) {
                : nullptr;
 }
 
+std::size_t countTicked(const TreeNode& group) {
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < group.numberOfChildren(); ++i)
+        if (simpleData(*group.childAtIndex(i))->selectNum() == 1) ++count;
+    return count;
+}
+
 }  // namespace orrinvale

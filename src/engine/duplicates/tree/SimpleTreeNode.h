@@ -35,4 +35,7 @@ public:
 /// The node's data as what the results are made of; null when it carries none or another kind.
 [[nodiscard]] SimpleNodeData* simpleData(const TreeNode& node);
 
+/// How many copies of a group are ticked.
+[[nodiscard]] std::size_t countTicked(const TreeNode& group);
+
 }  // namespace orrinvale

@@ -14,7 +14,7 @@ namespace {
 
 // Between the picture and the ring of focus or of a drop, and the ring's rounding, which goes along
 // with the pictures'.
-constexpr int ringMargin = Theme::gapSmall - 2;
+constexpr int ringSpace = Theme::gapSmall - 2;
 constexpr qreal ringRadius = 22;
 
 }  // namespace
@@ -59,7 +59,7 @@ double AnimationHoverImageView::fadeProgress() const {
 }
 
 QSize AnimationHoverImageView::sizeHint() const {
-    return iconSize().grownBy({ringMargin, ringMargin, ringMargin, ringMargin});
+    return iconSize().grownBy({ringSpace, ringSpace, ringSpace, ringSpace});
 }
 
 ButtonLook AnimationHoverImageView::dueLook() const {

@@ -10,7 +10,7 @@
 namespace orrinvale {
 namespace {
 
-constexpr int iconGap = Theme::gapSmall - 2;
+constexpr int gapBesidePicture = Theme::gapSmall - 2;
 
 }  // namespace
 
@@ -26,7 +26,7 @@ QSize HoverButton::contentSize() const {
     const QSize picture = icon().isNull() ? QSize(0, 0) : iconSize();
     const QSize words =
         text().isEmpty() ? QSize(0, 0) : fontMetrics().size(Qt::TextShowMnemonic, text());
-    const int gap = picture.isEmpty() || words.isEmpty() ? 0 : iconGap;
+    const int gap = picture.isEmpty() || words.isEmpty() ? 0 : gapBesidePicture;
     return {picture.width() + gap + words.width(), std::max(picture.height(), words.height())};
 }
 
@@ -58,7 +58,7 @@ void HoverButton::paintEvent(QPaintEvent*) {
                     QRect(place.x(), (height() - iconSize().height()) / 2, iconSize().width(),
                           iconSize().height()),
                     isEnabled() ? PictureTint() : faintPicture);
-        place.setLeft(place.left() + iconSize().width() + iconGap);
+        place.setLeft(place.left() + iconSize().width() + gapBesidePicture);
     }
     painter.setPen(
         Theme::shared().color(isEnabled() ? Theme::Color::Text : Theme::Color::TextDisabled));
