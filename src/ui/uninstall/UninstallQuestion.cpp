@@ -23,21 +23,21 @@
 namespace orrinvale {
 namespace {
 
-constexpr int panelWidth = 560, leastHeight = 250, signSide = 40;
+constexpr int questionWidth = 560, leastHeight = 250, signSide = 40;
 constexpr int boxTextWidth = 440, boxIndent = 30;
 
-QString text(const std::string& bytes) { return onOneLine(QString::fromStdString(bytes)); }
+QString lineOf(const std::string& bytes) { return onOneLine(QString::fromStdString(bytes)); }
 
 // All of them, however many: what is not shown must not go.
 QString listed(const std::vector<std::string>& names) {
     QStringList words;
-    for (const std::string& each : names) words.push_back(text(each));
+    for (const std::string& each : names) words.push_back(lineOf(each));
     return words.join(QStringLiteral(", "));
 }
 
 // A path has no blanks to be broken at, and none may run out of the sheet.
 QString brokenAtFolders(const std::string& path) {
-    return text(path).replace(QLatin1Char('/'), QStringLiteral("/\u200B"));
+    return lineOf(path).replace(QLatin1Char('/'), QStringLiteral("/\u200B"));
 }
 
 // A package may have a name that says nothing of its applications', of which there may be several.
@@ -47,9 +47,9 @@ QString titleOf(const AppItems& item) {
     const bool isById = item.record->type == ApplicationType::Deb ||
                         item.record->type == ApplicationType::Snap ||
                         item.record->type == ApplicationType::Flatpak;
-    if (isById && !id.empty() && id != item.name) words.push_back(text(id));
+    if (isById && !id.empty() && id != item.name) words.push_back(lineOf(id));
     if (!item.fileSize.empty()) words.push_back(applicationSizeText(item));
-    return QStringLiteral("%1 (%2)").arg(text(item.name), words.join(QStringLiteral(", ")));
+    return QStringLiteral("%1 (%2)").arg(lineOf(item.name), words.join(QStringLiteral(", ")));
 }
 
 QLabel* addLine(QVBoxLayout& lines, const QString& said, bool isQuiet = true) {
@@ -81,8 +81,8 @@ QString leftoverText(const Leftover& leftover, bool isCut) {
 }
 
 QString leftoverTip(const Leftover& leftover) {
-    QStringList lines{text(leftover.path), inWords(leftover.reason)};
-    for (const std::string& each : leftover.precious) lines.push_back(text(each));
+    QStringList lines{lineOf(leftover.path), inWords(leftover.reason)};
+    for (const std::string& each : leftover.precious) lines.push_back(lineOf(each));
     return lines.join(QLatin1Char('\n'));
 }
 
@@ -101,7 +101,7 @@ UninstallQuestion::UninstallQuestion(const AppItemsArray& items, const QString& 
     addButtons(*column);
 }
 
-QSize UninstallQuestion::sizeHint() const { return {panelWidth, layout()->sizeHint().height()}; }
+QSize UninstallQuestion::sizeHint() const { return {questionWidth, layout()->sizeHint().height()}; }
 
 void UninstallQuestion::addHead(QVBoxLayout& column, const QString& informativeText) {
     auto* const title = makeLabel("titleLabel", Theme::Text::Heading);
@@ -266,7 +266,7 @@ void UninstallQuestion::addLeftovers(Part& part, LeftoverGrade grade, const QStr
     for (const Leftover& each : part.forecast.leftovers) {
         if (each.grade != grade) continue;
         if (std::exchange(isFirst, false)) addLine(*part.lines, title);
-        const QString path = text(each.path);
+        const QString path = lineOf(each.path);
         const QString shown = fontMetrics().elidedText(path, Qt::ElideMiddle, boxTextWidth);
         auto* const box = named(new TickBox(shown), "leftoverBox", path);
         box->setToolTip(asToolTip(leftoverTip(each)));
