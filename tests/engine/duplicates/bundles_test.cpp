@@ -152,11 +152,11 @@ TEST_F(Bundles, aStopKeepsTheGroupsFoundSoFar) {
             fill(name, {{"in", std::string(2000 + static_cast<std::size_t>(pair), 'x')}});
             paths.push_back(m_tree.at(name));
         }
-    testing::WatchedFiles files;
+    testing::WatchedFiles watched;
     SkipList skipped;
-    FindDuplicateApp search(files, skipped);
+    FindDuplicateApp search(watched, skipped);
     std::atomic<bool> asked{false};
-    files.onOpenFile = [&](const char*) {
+    watched.onOpenFile = [&](const char*) {
         if (search.CurrentSearchFile() != m_tree.at("a1.app")) return;
         EXPECT_EQ(search.Progress(), 80U);
         asked = true;

@@ -31,10 +31,10 @@ struct Wanted {
     std::uint64_t limit = 0;
 };
 
-Listing parallel(const std::string& root, Wanted wanted, const FileSystem& files = realFiles) {
+Listing parallel(const std::string& root, Wanted wanted, const FileSystem& system = realFiles) {
     Listing out;
     SkipList skipped;
-    getFileList list(files, skipped);
+    getFileList list(system, skipped);
     list.setSearchHiddenFile(wanted.hidden);
     FileArray array;
     out.listed = list.getListAtPath(root, array, out.bundles, wanted.limit);
@@ -238,10 +238,10 @@ TEST(Listing, depthAndWaitingFoldersNeedFewDescriptors) {
     for (const Case& one : {Case{"chain", 10'000, false, 1}, Case{"comb", 2'000, true, 2'001}}) {
         ASSERT_TRUE(tree.makeDeep(one.name, one.levels, "leaf", one.sideFolders));
         const std::string text = testing::runInChild({.descriptors = 256}, [&]() -> std::string {
-            testing::WatchedFiles files;
-            files.descriptors = 256;
+            testing::WatchedFiles watched;
+            watched.descriptors = 256;
             const auto start = std::chrono::steady_clock::now();
-            const auto found = parallel(tree.at(one.name), {}, files);
+            const auto found = parallel(tree.at(one.name), {}, watched);
             const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
             if (!found.skipped.empty())
                 return found.skipped[0].reason() + std::to_string(found.skipped.size());
@@ -313,11 +313,11 @@ TEST(Listing, kernelFileSystemsAreNotEnteredButMayBeTheRoot) {
 TEST(Listing, aStopEndsItSoonAndCountsAsListed) {
     TestTree tree;
     for (int i = 0; i < 300; ++i) tree.write("d" + std::to_string(i) + "/f", "xyz");
-    testing::WatchedFiles files;
+    testing::WatchedFiles watched;
     SkipList skipped;
-    getFileList list(files, skipped);
+    getFileList list(watched, skipped);
     std::atomic<int> calls{0};
-    files.onReadFolder = [&] {
+    watched.onReadFolder = [&] {
         if (++calls == 20) list.stopSearch();
     };
     FileArray array;
@@ -325,7 +325,7 @@ TEST(Listing, aStopEndsItSoonAndCountsAsListed) {
     EXPECT_TRUE(list.getListAtPath(tree.path(), array, bundles, 0));
     EXPECT_LT(calls, 100);
     EXPECT_LT(array.size(), 300U);
-    files.onReadFolder = {};
+    watched.onReadFolder = {};
     EXPECT_TRUE(list.getListAtPath(tree.path(), array, bundles, 0))
         << "a stop holds for one listing";
     EXPECT_EQ(array.size(), 300U);

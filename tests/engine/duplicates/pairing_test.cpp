@@ -17,9 +17,9 @@ Strings pathsOf(const FileList& items) {
     return out;
 }
 
-Strings search(const std::string& root, const FileSystem& files = realFiles,
+Strings search(const std::string& root, const FileSystem& watched = realFiles,
                std::vector<Error>* skipped = nullptr) {
-    duplicateFind find(files);
+    duplicateFind find(watched);
     find.setSearchOption(true, true);
     find.searchDuplicateFileAtPath(root, 0);
     FileList found;
@@ -176,9 +176,9 @@ TEST(Pairing, filesThatVanishOrChangeBetweenListingAndReading) {
         for (const char* name : {"A", "B", "vanished", "changed", "grown", "fifo"})
             tree.write(std::string(size) + name,
                        testing::someBytes(size[0] == 's' ? 2000 : 60'000, 11));
-    testing::WatchedFiles files;
+    testing::WatchedFiles watched;
     std::once_flag once;
-    files.onOpenFile = [&](const char*) {
+    watched.onOpenFile = [&](const char*) {
         std::call_once(once, [&] {
             for (const std::string size : {"small", "large"}) {
                 for (const char* name : {"vanished", "fifo"})
@@ -190,7 +190,7 @@ TEST(Pairing, filesThatVanishOrChangeBetweenListingAndReading) {
         });
     };
     std::vector<Error> skipped;
-    Strings found = search(tree.path(), files, &skipped);
+    Strings found = search(tree.path(), watched, &skipped);
     std::sort(found.begin(), found.end());
     EXPECT_EQ(found, (Strings{tree.at("largeA"), tree.at("largeB"), tree.at("smallA"),
                               tree.at("smallB")}));
@@ -230,11 +230,11 @@ TEST(Pairing, aStopDeliversTheGroupsFoundSoFar) {
         for (const std::string side : {"a", "b"})
             tree.sparse(side + std::to_string(i / 1000) + "/" + std::to_string(i),
                         static_cast<std::uint64_t>(1 + i));
-    testing::WatchedFiles files;
-    duplicateFind find(files);
+    testing::WatchedFiles watched;
+    duplicateFind find(watched);
     find.setSearchOption(true, true);
     std::atomic<int> opened{0};
-    files.onOpenFile = [&](const char*) {
+    watched.onOpenFile = [&](const char*) {
         if (++opened == 20'000) find.stopSearch();
     };
     find.searchDuplicateFileAtPath(tree.path(), 0);

@@ -144,13 +144,13 @@ public:
 
 TEST(SearchFaults, OneFileUnderTwoNamesIsNotItsOwnCopy) {
     TestTree tree;
-    const Repeating files(realFiles);
+    const Repeating watched(realFiles);
     ASSERT_TRUE(tree.write("a/one", "12345") && tree.write("b/new", "67890") &&
                 tree.write("c/old", "x"));
     ASSERT_EQ(::rename(tree.at("c/old").c_str(), tree.at("b/old").c_str()), 0);
-    EXPECT_EQ(searched(tree.path(), files).leaves, Strings{});
+    EXPECT_EQ(searched(tree.path(), watched).leaves, Strings{});
     ASSERT_TRUE(tree.hardLink("a/one", "a/two"));
-    EXPECT_EQ(searched(tree.path(), files).leaves, (Strings{tree.at("a/one"), tree.at("a/two")}));
+    EXPECT_EQ(searched(tree.path(), watched).leaves, (Strings{tree.at("a/one"), tree.at("a/two")}));
 }
 
 // Every look takes a third of a second, and a listing gives hundreds of entries at a time.
@@ -192,13 +192,13 @@ TEST(SearchFaults, AStopOnASlowFileSystemTakesAMoment) {
 TEST(SearchFaults, AStopGroupsWhatIsHashed) {
     TestTree tree("/dev/shm");
     for (int i = 0; i < 900; ++i) ASSERT_TRUE(tree.write("f" + std::to_string(i), "12345"));
-    testing::WatchedFiles files;
-    duplicateFind find(files);
+    testing::WatchedFiles watched;
+    duplicateFind find(watched);
     find.setSearchOption(true, true);
     std::atomic<int> opened{0};
     std::mutex mutex;
     std::set<std::string> shown;
-    files.onOpenFile = [&](const char*) {
+    watched.onOpenFile = [&](const char*) {
         if (++opened == 574) find.stopSearch();
         if (opened % 50 != 0) return;
         const std::string path = find.getCurrentSearchPath();
@@ -219,14 +219,14 @@ TEST(SearchFaults, OutOfMemoryEndsLikeAStop) {
         for (const char* side : {"a", "b"})
             tree.write(side + std::to_string(i), std::string(static_cast<std::size_t>(1 + i), 'x'));
     for (const bool whileListing : {false, true}) {
-        testing::WatchedFiles files;
+        testing::WatchedFiles watched;
         std::atomic<int> calls{0};
         const auto run = [&] {
             if (++calls == (whileListing ? 2 : 1000)) throw std::bad_alloc();
         };
-        if (whileListing) files.onReadFolder = run;
-        else files.onOpenFile = [&](const char*) { run(); };
-        duplicateFind find(files);
+        if (whileListing) watched.onReadFolder = run;
+        else watched.onOpenFile = [&](const char*) { run(); };
+        duplicateFind find(watched);
         find.setSearchOption(true, true);
         find.searchDuplicateFileAtPath(tree.path(), 0);
         EXPECT_TRUE(find.ranOutOfMemory());
@@ -246,14 +246,14 @@ TEST(SearchFaults, NothingButFilesIsOpened) {
                     tree.symlink("file", std::string(bundle) + "toFile"));
     }
     ASSERT_TRUE(tree.symlink("a.app/pipe", "link1") && tree.symlink("b.app/pipe", "link2"));
-    testing::WatchedFiles files;
+    testing::WatchedFiles watched;
     std::mutex mutex;
     std::set<std::string> opened;
-    files.onOpenFile = [&](const char* name) {
+    watched.onOpenFile = [&](const char* name) {
         const std::lock_guard lock(mutex);
         opened.insert(name);
     };
-    EXPECT_EQ(searched(tree.path(), files).leaves, (Strings{tree.at("a.app"), tree.at("b.app")}));
+    EXPECT_EQ(searched(tree.path(), watched).leaves, (Strings{tree.at("a.app"), tree.at("b.app")}));
     EXPECT_EQ(opened, (std::set<std::string>{"file", "toFile"}));
 }
 

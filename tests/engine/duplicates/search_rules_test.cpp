@@ -137,11 +137,11 @@ TEST(SearchRules, ProgressIsTheMeanOfBothHalves) {
     for (int i = 0; i < 4; ++i)
         ASSERT_TRUE(tree.write("B" + std::to_string(i) + ".app/bundled",
                                std::string(static_cast<std::size_t>(1 + i / 2), 'x')));
-    testing::WatchedFiles files;
-    DuplicateFilesOpt opt(files);
+    testing::WatchedFiles watched;
+    DuplicateFilesOpt opt(watched);
     std::mutex mutex;
     std::set<std::uint64_t> whileBundles, whileFiles;
-    files.onOpenFile = [&](const char* name) {
+    watched.onOpenFile = [&](const char* name) {
         const std::uint64_t percent = opt.getProgress();
         const std::lock_guard lock(mutex);
         (std::string_view(name) == "bundled" ? whileBundles : whileFiles).insert(percent);
@@ -259,9 +259,9 @@ TEST(SearchRules, FilesRenamedAwayAndBackDuringTheListing) {
             if (!tree.write("wide/file" + std::to_string(i), "content " + std::to_string(i)))
                 return "no file";
         if (!tree.folder("away")) return "no folder";
-        testing::WatchedFiles files;
+        testing::WatchedFiles watched;
         std::atomic<int> reads{0};
-        files.onReadFolder = [&] {
+        watched.onReadFolder = [&] {
             if (++reads != 6) return;
             for (int i = 0; i < 400; ++i)
                 ::rename(tree.at("wide/file" + std::to_string(i)).c_str(),
@@ -270,7 +270,7 @@ TEST(SearchRules, FilesRenamedAwayAndBackDuringTheListing) {
                 ::rename(tree.at("away/" + std::to_string(i)).c_str(),
                          tree.at("wide/file" + std::to_string(i)).c_str());
         };
-        DuplicateFilesOpt opt(files);
+        DuplicateFilesOpt opt(watched);
         opt.beginSearchAtPath(tree.path(), 0);
         if (opt.search()->counts().listedFiles <= count) return "skip: no name was listed twice";
         const Strings found = testing::foundBy(opt).leaves;
@@ -284,13 +284,13 @@ TEST(SearchRules, FilesOnADiskWithoutInodeNumbers) {
             for (const char* side : {"a/", "b/"})
                 if (!tree.write(side + std::to_string(i), "content " + std::to_string(i)))
                     return "no file";
-        testing::WatchedFiles files;
+        testing::WatchedFiles watched;
         std::once_flag once;
-        files.onOpenFile = [&](const char*) {  // the system forgets the numbers that it gave out
+        watched.onOpenFile = [&](const char*) {  // the system forgets the numbers that it gave out
             std::call_once(once,
                            [] { (void)!std::system("sync; echo 2 > /proc/sys/vm/drop_caches"); });
         };
-        const Strings found = searched(tree.path(), files).leaves;
+        const Strings found = searched(tree.path(), watched).leaves;
         return found.size() == 400 ? "" : std::to_string(found.size()) + " of 400 found";
     });
 }

@@ -1,11 +1,12 @@
 // What a removal says of an entry that stayed, or that somebody else removed: the error that there
 // was, and no other.
 #include "engine/files/SafeRemoval.h"
-#include "support/realFiles.h"
 #include "support/test.h"
 
 namespace orrinvale {
 namespace {
+
+const ProtectedPlaces nothingProtected;
 
 const char* nameOf(StayReason kind) {
     switch (kind) {
