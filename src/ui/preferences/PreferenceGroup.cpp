@@ -40,7 +40,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override {
         QLabel::resizeEvent(event);
         setMinimumHeight(0);  // which counts in what is asked next
-        setFixedHeight(heightForWidth(width()));
+        if (const int height = heightForWidth(width()); height >= 0) setFixedHeight(height);
     }
 };
 
