@@ -1663,6 +1663,10 @@
         <source>%1 could not be read</source>
         <translation>%1 konnte nicht gelesen werden</translation>
     </message>
+    <message>
+        <source>in a protected folder</source>
+        <translation>in einem geschützten Ordner</translation>
+    </message>
 </context>
 <context>
     <name>Removal</name>

@@ -12,6 +12,7 @@ inline constexpr std::string_view otherContents =
     "its contents are not those of the copy that stays";
 inline constexpr std::string_view sameEntry =
     "the copy that stays is the same entry by another path";
+inline constexpr std::string_view isProtected = "in a protected folder";
 inline constexpr std::string_view inUse = "a program has it open for writing";
 inline constexpr std::string_view copyInUse = "a program has the copy that stays open for writing";
 inline constexpr std::string_view nameTaken =

@@ -92,6 +92,7 @@ void SameFileDeleteViewController::boxClicked(const TreeNode::Pointer& node,
 
 void SameFileDeleteViewController::setSelectState(const TreeNode::Pointer& leaf) {
     switch (m_selection.clickLeaf(leaf)) {
+        case LeafClick::Protected: break;
         case LeafClick::Cleared: setSelectCount(); break;
         case LeafClick::Ticked: fly(leaf); break;
         case LeafClick::Question: {

@@ -6,36 +6,28 @@
 #include <algorithm>
 #include <functional>
 
+#include "engine/duplicates/results/treeWalk.h"
+
 namespace orrinvale {
 namespace {
-
-// A sorted tree lies all over the memory, and a walk over a large one mostly waits for it. So each
-// link of the way to a leaf is asked for a few groups ahead, when the link before it has come.
-void expectGroups(const TreeNode& tree, std::size_t after) {
-    const auto ahead = [&](std::size_t distance) -> const TreeNode* {
-        const std::size_t index = after + distance;
-        return index < tree.numberOfChildren() ? tree.childAtIndex(index).get() : nullptr;
-    };
-    const auto leaves = [](const TreeNode& group) {
-        return std::min(group.numberOfChildren(), std::size_t{8});
-    };
-    if (const TreeNode* const group = ahead(16)) __builtin_prefetch(group);
-    if (const TreeNode* const group = ahead(12)) {
-        __builtin_prefetch(group->nodeData().get(), 1);
-        if (group->numberOfChildren() > 0) __builtin_prefetch(&group->firstChild());
-    }
-    if (const TreeNode* const group = ahead(8))
-        for (std::size_t i = 0; i < leaves(*group); ++i)
-            __builtin_prefetch(group->childAtIndex(i).get(), 1);
-    if (const TreeNode* const group = ahead(4))
-        for (std::size_t i = 0; i < leaves(*group); ++i)
-            __builtin_prefetch(group->childAtIndex(i)->nodeData().get(), 1);
-}
 
 void showGroup(TreeNode& group, std::int32_t selectNum, std::size_t ticked) {
     SimpleNodeData* const data = simpleData(group);
     data->setSelectNum(selectNum);
     data->setShowSelectNumStr(fmt::format("{}/{}", ticked, group.numberOfChildren()));
+}
+
+bool isProtectedCopy(const TreeNode::Pointer& leaf) {
+    const SimpleNodeData& data = *simpleData(*leaf);
+    return data.isProtected() &&
+           !(data.identity() && data.identity()->type == FileType::SymbolicLink);
+}
+
+// The copy that a click on a group leaves: a protected one where there is any, else the last.
+const TreeNode* copyThatStays(const TreeNode& group) {
+    for (std::size_t i = group.numberOfChildren(); i-- > 0;)
+        if (isProtectedCopy(group.childAtIndex(i))) return group.childAtIndex(i).get();
+    return group.lastChild().get();
 }
 
 }  // namespace
@@ -70,6 +62,7 @@ LeafClick DuplicateSelection::clickLeaf(const TreeNode::Pointer& leaf) {
     TreeNode& group = *leaf->nodeParent();
     SimpleNodeData& data = *simpleData(*leaf);
     const std::size_t copies = group.numberOfChildren();
+    if (data.isProtected()) return LeafClick::Protected;
     if (data.selectNum() == 1) {
         clear(data);
         m_ticked.remove(leaf.get());
@@ -85,7 +78,7 @@ LeafClick DuplicateSelection::clickLeaf(const TreeNode::Pointer& leaf) {
 }
 
 void DuplicateSelection::tickLast(const TreeNode::Pointer& leaf) {
-    if (simpleData(*leaf)->selectNum() == 1) return;
+    if (simpleData(*leaf)->selectNum() == 1 || simpleData(*leaf)->isProtected()) return;
     tick(leaf);
     TreeNode& group = *leaf->nodeParent();
     showGroup(group, 1, group.numberOfChildren());
@@ -95,25 +88,42 @@ void DuplicateSelection::clickGroup(TreeNode& group) {
     if (simpleData(group)->selectNum() != 0) {
         clearLeaves(group, group.numberOfChildren());
         m_ticked.removeAll(group.children());
-    } else if (const auto last = group.lastChild()) {
-        tickAllBut(*last);
+    } else if (const TreeNode* const stays = copyThatStays(group)) {
+        tickAllBut(*stays);
     }
 }
 
-void DuplicateSelection::tickAllBut(TreeNode& leaf) {
+void DuplicateSelection::tickAllBut(const TreeNode& leaf) {
     TreeNode& group = *leaf.nodeParent();
+    if (simpleData(group)->isProtected()) return;
     const std::size_t copies = group.numberOfChildren();
+    std::size_t ticked = 0;
     for (std::size_t i = 0; i < copies; ++i) {
         const TreeNode::Pointer& child = group.childAtIndex(i);
         SimpleNodeData& data = *simpleData(*child);
         if (child.get() == &leaf) {
             clear(data);
             m_ticked.remove(child.get());
-        } else if (data.selectNum() != 1) {
-            tick(child);
+        } else if (!data.isProtected()) {
+            if (data.selectNum() != 1) tick(child);
+            ++ticked;
         }
     }
-    showGroup(group, 2, copies - 1);
+    showGroup(group, ticked == 0 ? 0 : 2, ticked);
+}
+
+void DuplicateSelection::setTicks(TreeNode& group, std::span<const std::uint8_t> ticked) {
+    const std::size_t copies = std::min(group.numberOfChildren(), ticked.size());
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < copies; ++i) {
+        const TreeNode::Pointer& leaf = group.childAtIndex(i);
+        SimpleNodeData& data = *simpleData(*leaf);
+        const bool isTicked = ticked[i] != 0 && !data.isProtected();
+        if (!isTicked) clear(data);
+        else if (data.selectNum() != 1) tick(leaf);
+        count += isTicked ? 1U : 0U;
+    }
+    showGroup(group, count == 0 ? 0 : count == group.numberOfChildren() ? 1 : 2, count);
 }
 
 void DuplicateSelection::clearLeaves(TreeNode& group, std::size_t shownCount) {
@@ -135,11 +145,16 @@ void DuplicateSelection::setAll(TreeNode& tree, bool on) {
             clearLeaves(group, groups);  // put right when the row is drawn again
             continue;
         }
-        const std::size_t copies = group.numberOfChildren();
-        for (std::size_t i = 0; i + 1 < copies; ++i) {
-            tick(group.childAtIndex(i));
+        if (simpleData(group)->isProtected()) continue;
+        const TreeNode* const stays = copyThatStays(group);
+        std::size_t ticked = 0;
+        for (std::size_t i = 0; i < group.numberOfChildren(); ++i) {
+            const TreeNode::Pointer& leaf = group.childAtIndex(i);
+            if (leaf.get() == stays || simpleData(*leaf)->isProtected()) continue;
+            tick(leaf);
+            ++ticked;
         }
-        showGroup(group, 2, copies == 0 ? 0 : copies - 1);
+        showGroup(group, 2, ticked);
     }
     if (!on) m_ticked.removeClear();
 }

@@ -43,8 +43,9 @@ private:
 enum class LeafClick {
     Ticked,
     Cleared,
-    Question  ///< nothing changed: it is the last clear copy of its group, so ask, and then call
-              ///< tickLast()
+    Protected,  ///< nothing changed: it lies in a protected folder
+    Question    ///< nothing changed: it is the last clear copy of its group, so ask, and then call
+                ///< tickLast()
 };
 
 /// The box over the list: on or off, its picture, and the count of copies in the view.
@@ -63,7 +64,8 @@ struct TickedSums {
     std::uint64_t bytes = 0;
 };
 
-/// Keeps `selectNum` and `showSelectNumStr` of leaves and groups true. Main thread only.
+/// Keeps `selectNum` and `showSelectNumStr` of leaves and groups true. What is protected is never
+/// ticked, whoever asks, and is the copy that stays where one is left out. Main thread only.
 class DuplicateSelection final {
 public:
     [[nodiscard]] LeafClick clickLeaf(const TreeNode::Pointer& leaf);
@@ -76,7 +78,11 @@ public:
     void clickGroup(TreeNode& group);
 
     /// Ticks all copies but one of a leaf's group: that leaf stays clear.
-    void tickAllBut(TreeNode& leaf);
+    void tickAllBut(const TreeNode& leaf);
+
+    /// Ticks and clears the copies of a group: 1 for each that is to be ticked. Leaves that become
+    /// clear stay in allSelectNumArr() until its removeClear().
+    void setTicks(TreeNode& group, std::span<const std::uint8_t> ticked);
 
     /// The box over the list: ticks all copies but the last in every group of the view, whatever
     /// was ticked before, or clears the view.

@@ -38,7 +38,7 @@ void RemovalPlan::prepare() {
         if (!places.contains(leaf.get())) addGroup(*parent, ticked, places);
         m_entries.push_back({leaf, places.at(leaf.get())});
         const Member& leaving = member(m_entries.size() - 1);
-        if (leaving.identity && leaving.identity->type == FileType::Folder)
+        if (leaving.identity && leaving.identity->type == FileType::Folder && !leaving.isProtected)
             m_leavingFolders.push_back(leaving.path);
     }
     m_isPrepared = true;
@@ -52,8 +52,8 @@ void RemovalPlan::addGroup(const TreeNode& node, const std::unordered_set<const 
         const TreeNode& child = *node.childAtIndex(i);
         const auto& data = simpleData(child);
         places.emplace(&child, Place{m_groups.size(), i});
-        group.members.push_back(
-            {data->name(), data->fileSize(), data->identity(), data->bundleDigest()});
+        group.members.push_back({data->name(), data->fileSize(), data->identity(),
+                                 data->bundleDigest(), data->isProtected()});
         group.copies.push_back(i);
         if (group.members.back().identity) group.byFile.push_back(i);
     }
@@ -134,6 +134,9 @@ std::unique_ptr<CopyLook> RemovalPlan::lookFor(const Member& wanted, const Membe
 tl::expected<std::unique_ptr<CopyLook>, StayedEntry> RemovalPlan::judge(std::size_t index) {
     Group& group = m_groups[m_entries.at(index).place.group];
     const Member& wanted = member(index);
+    if (wanted.isProtected)
+        return tl::unexpected(
+            StayedEntry{wanted.path, std::string(stay::isProtected), StayReason::Protected});
     const Member* kept = nullptr;
     if (!group.whollyTicked) {
         kept = copyFor(group, wanted);

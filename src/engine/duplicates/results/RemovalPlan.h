@@ -51,11 +51,11 @@ public:
         return m_entries.at(index).leaf;
     }
 
-    /// Why the copy must not go now: in a group that is not wholly ticked, no other copy is still
-    /// what the search saw. One that is not ticked is asked first; where there is none any more a
-    /// ticked one serves, and is then the one that stays. A link is no copy for a file, since it
-    /// may point at the very file that goes; neither is the same entry by another path, nor what
-    /// lies in a bundle that goes. Else how it goes, with the copy that stays.
+    /// Why the copy must not go now: it is protected, or in a group that is not wholly ticked, no
+    /// other copy is still what the search saw. One that is not ticked is asked first; where there
+    /// is none any more a ticked one serves, and is then the one that stays. A link is no copy for
+    /// a file, since it may point at the very file that goes; neither is the same entry by another
+    /// path, nor what lies in a bundle that goes. Else how it goes, with the copy that stays.
     [[nodiscard]] tl::expected<std::unique_ptr<CopyLook>, StayedEntry> judge(
         std::size_t index) override;
 
@@ -76,7 +76,8 @@ private:
             0;  ///< bytes, as the search counted them; of a bundle those of all that is in it
         std::optional<EntryIdentity> identity;
         std::optional<std::uint64_t> digest;  ///< of a bundle's listing
-        bool isOut = false;                   ///< gone, or found changed: no copy for any other
+        bool isProtected = false;
+        bool isOut = false;  ///< gone, or found changed: no copy for any other
     };
     struct Group {
         std::vector<Member> members;

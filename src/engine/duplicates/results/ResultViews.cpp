@@ -38,6 +38,14 @@ void removeGroups(TreeNode& root, const std::unordered_set<const TreeNode*>& gro
     root._removeChildrenIdenticalTo(found);
 }
 
+// Of copies that all are there is nothing to tick.
+void learnProtected(TreeNode& group) {
+    bool isProtected = group.numberOfChildren() != 0;
+    for (std::size_t i = 0; i < group.numberOfChildren() && isProtected; ++i)
+        isProtected = simpleData(*group.childAtIndex(i))->isProtected();
+    simpleData(group)->setProtected(isProtected);
+}
+
 void addSize(std::uint64_t& sum, std::uint64_t size) {
     sum += std::min(size, std::numeric_limits<std::uint64_t>::max() - sum);
 }
@@ -126,6 +134,7 @@ bool ResultViews::removeFromGroup(TreeNode& group, std::span<const TreeNode::Poi
         }
         if (data.selectNum() == 2) data.setSelectNum(ticked != 0 ? 2 : 0);
     }
+    learnProtected(group);
     // Of a partly ticked group the first number says whether, not how many, until the next tick in
     // it.
     const std::size_t shown = data.selectNum() == 1 ? left : data.selectNum() == 2 ? 1 : 0;

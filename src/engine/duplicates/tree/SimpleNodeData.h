@@ -96,6 +96,11 @@ public:
         m_liesOutside = outside;
     }
 
+    /// True when the leaf lies in a folder that was marked protected, or holds one: it is never
+    /// ticked and never removed. Of a group: all its leaves are.
+    [[nodiscard]] bool isProtected() const { return m_isProtected; }
+    void setProtected(bool isProtected) { m_isProtected = isProtected; }
+
     /// A group's count of ticked leaves as "1/3".
     [[nodiscard]] const std::string& showSelectNumStr() const { return m_showSelectNumStr; }
     void setShowSelectNumStr(std::string text) { m_showSelectNumStr = std::move(text); }
@@ -122,6 +127,7 @@ private:
     bool m_isLeaf;
     bool m_isExpandable;
     bool m_mark = false;
+    bool m_isProtected = false;
     bool m_isLink = false;
     bool m_liesOutside = false;
     std::uint32_t m_hardLinks = 1;

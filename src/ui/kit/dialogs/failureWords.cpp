@@ -35,6 +35,7 @@ constexpr std::array whole{
     QT_TRANSLATE_NOOP("Reason", "moved meanwhile"),
     QT_TRANSLATE_NOOP("Reason", "another entry is in its place"),
     QT_TRANSLATE_NOOP("Reason", "another entry came into its place"),
+    QT_TRANSLATE_NOOP("Reason", "in a protected folder"),
     QT_TRANSLATE_NOOP("Reason", "no other verified copy is left"),
     QT_TRANSLATE_NOOP("Reason", "its contents are not those of the copy that stays"),
     QT_TRANSLATE_NOOP("Reason", "the copy that stays is the same entry by another path"),

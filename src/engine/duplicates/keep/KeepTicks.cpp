@@ -1,0 +1,83 @@
+// One group after another, in the order of the tree; the clock is asked now and then.
+#include "engine/duplicates/keep/KeepTicks.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "engine/duplicates/results/treeWalk.h"
+
+namespace orrinvale {
+namespace {
+
+KeepMember keepMemberOf(const SimpleNodeData& leaf) {
+    KeepMember member;
+    member.path = leaf.name();
+    if (leaf.ModificationDate()) member.modified = leaf.ModificationDate()->nanoseconds;
+    if (leaf.identity()) member.identity = &*leaf.identity();
+    member.links = leaf.hardLinks();
+    member.place = leaf.linkTarget();
+    member.isProtected = leaf.isProtected();
+    return member;
+}
+
+}  // namespace
+
+void KeepTicks::begin(TreeNode& tree, Decide decide) {
+    finish();
+    m_tree = &tree;
+    m_next = 0;
+    m_decide = std::move(decide);
+}
+
+void KeepTicks::keep(TreeNode& tree, KeepRules rules) {
+    begin(tree, [rules = std::move(rules)](std::span<const KeepMember> members,
+                                           std::vector<std::uint8_t>& ticked) {
+        decideKept(rules, members, ticked);
+        for (std::uint8_t& each : ticked) each = each != 0 ? 0 : 1;
+    });
+}
+
+void KeepTicks::tickFolder(TreeNode& tree, std::string folder) {
+    begin(tree, [folder = std::move(folder)](std::span<const KeepMember> members,
+                                             std::vector<std::uint8_t>& ticked) {
+        tickWithin(folder, members, ticked);
+    });
+}
+
+void KeepTicks::untickFolder(TreeNode& tree, std::string folder) {
+    begin(tree, [folder = std::move(folder)](std::span<const KeepMember> members,
+                                             std::vector<std::uint8_t>& ticked) {
+        untickWithin(folder, members, ticked);
+    });
+}
+
+bool KeepTicks::step(std::chrono::steady_clock::time_point until) {
+    if (m_tree == nullptr) return true;
+    constexpr std::size_t atOnce = 256;  // groups between two looks at the clock
+    const std::size_t groups = m_tree->numberOfChildren();
+    do {  // at least a few, however late it is
+        for (const std::size_t end = std::min(groups, m_next + atOnce); m_next < end; ++m_next) {
+            expectGroups(*m_tree, m_next);
+            decideGroup(*m_tree->childAtIndex(m_next));
+        }
+    } while (m_next < groups && std::chrono::steady_clock::now() < until);
+    if (m_next < groups) return false;
+    m_tree = nullptr;
+    m_selection.allSelectNumArr().removeClear();
+    return true;
+}
+
+void KeepTicks::decideGroup(TreeNode& group) {
+    const std::size_t copies = group.numberOfChildren();
+    m_members.clear();
+    m_ticked.clear();
+    for (std::size_t i = 0; i < copies; ++i) {
+        const SimpleNodeData& leaf = *simpleData(*group.childAtIndex(i));
+        m_members.push_back(keepMemberOf(leaf));
+        m_ticked.push_back(leaf.selectNum() == 1 ? 1 : 0);
+    }
+    m_decide(m_members, m_ticked);
+    m_selection.setTicks(group, m_ticked);
+}
+
+}  // namespace orrinvale
