@@ -36,11 +36,16 @@ TEST(Applications, OfSnapAreWhatTheServiceSays) {
 }
 
 // A service that answers each question by a table of how it begins; a question that is in none gets
-// no answer.
+// no answer. One that begins a removal may raise a flag, and one to take it back changes an answer.
 class MadeUpSnapd final {
 public:
-    MadeUpSnapd(const std::string& path, std::map<std::string, std::string> answers)
-        : m_answers(std::move(answers)), m_socket(testing::silentSocket(path)) {
+    using Answers = std::map<std::string, std::string>;
+    MadeUpSnapd(const std::string& path, Answers answers, Answers afterAbort = {},
+                std::atomic<bool>* begun = nullptr)
+        : m_answers(std::move(answers)),
+          m_afterAbort(std::move(afterAbort)),
+          m_begun(begun),
+          m_socket(testing::silentSocket(path)) {
         m_thread = std::jthread([this] { serve(); });
     }
     ~MadeUpSnapd() { ::shutdown(m_socket.get(), SHUT_RDWR); }
@@ -51,12 +56,18 @@ private:
             const Descriptor client(::accept(m_socket.get(), nullptr, nullptr));
             std::array<char, 4096> asked{};
             if (!client.isOpen() || ::read(client.get(), asked.data(), asked.size()) <= 0) return;
+            const std::string_view text(asked.data());
             for (const auto& [question, answer] : m_answers)
-                if (std::string_view(asked.data()).starts_with(question))
+                if (text.starts_with(question))
                     (void)!::write(client.get(), answer.data(), answer.size());
+            if (m_begun != nullptr && text.starts_with("POST /v2/snaps/")) *m_begun = true;
+            if (text.starts_with("POST /v2/changes/") && text.ends_with(R"({"action":"abort"})"))
+                for (const auto& [question, answer] : m_afterAbort) m_answers[question] = answer;
         }
     }
-    const std::map<std::string, std::string> m_answers;
+    Answers m_answers;
+    const Answers m_afterAbort;
+    std::atomic<bool>* const m_begun;
     const Descriptor m_socket;
     std::jthread m_thread;
 };
@@ -90,7 +101,7 @@ TEST(Applications, ThatCouldNotBeReadAreNotMissing) {
         std::optional<MadeUpSnapd> service;
         if (each.isThere)
             service.emplace(machine.places.snapSocket,
-                            std::map<std::string, std::string>{{"GET /v2/snaps ", each.answer}});
+                            MadeUpSnapd::Answers{{"GET /v2/snaps ", each.answer}});
         std::set<ApplicationType> unread;
         for (const auto& [type, reason] : LinuxApplications(machine.places).inventory().unread)
             unread.insert(type);
@@ -171,6 +182,51 @@ TEST(Applications, OfSnapGoByTheService) {
         const ApplicationRemoval removal = kind.remove({code}, forecast, never).front();
         EXPECT_EQ(removal.state, each.state) << each.removal;
         EXPECT_EQ(removal.reason, each.reason);
+    }
+}
+
+TEST(Applications, OfSnapAreTakenBackWhereTheServiceStillCan) {
+    using State = ApplicationRemoval::State;
+    const auto change = [](const std::string& fields) {
+        return "HTTP/1.1 200 x\r\n\r\n{\"result\":{" + fields + "}}";
+    };
+    const std::string listed = "HTTP/1.1 200 x\r\n\r\n{\"result\":[{\"name\":\"code\"}]}";
+    const std::string none = "HTTP/1.1 200 x\r\n\r\n{\"result\":[]}";
+    const std::string done = change(R"("ready":true,"status":"Done")");
+    const std::string tooLate = "The removal of code could not be stopped any more";
+    struct Case {
+        std::string abort, change, list;  // the answer, and how things stand behind it
+        State state;
+        std::string reason, note;
+    };
+    const Case cases[] = {
+        {change(""), change(R"("ready":true,"status":"Undone")"), listed, State::Failed, "stopped",
+         ""},
+        {change(""), change(R"("ready":true,"status":"Error","err":"no way back")"), listed,
+         State::Failed, "no way back", ""},
+        {change(""), done, none, State::Gone, "", tooLate},
+        {"HTTP/1.1 400 x\r\n\r\n{}", done, none, State::Gone, "", tooLate},
+        {"HTTP/1.1 403 x\r\n\r\n{}", change(R"("ready":true,"status":"Error","err":"in use")"),
+         listed, State::Failed, "in use", tooLate},
+    };
+    for (const Case& each : cases) {
+        MadeUpMachine machine;
+        std::atomic<bool> stop{false};
+        const MadeUpSnapd service(
+            machine.places.snapSocket,
+            {{"POST /v2/snaps/code ", "HTTP/1.1 202 x\r\n\r\n{\"change\":\"7\"}"},
+             {"POST /v2/changes/7 ", each.abort},
+             {"GET /v2/changes/7 ", change(R"("ready":false,"status":"Doing")")},
+             {"GET /v2/snaps ", listed}},
+            {{"GET /v2/changes/7 ", each.change}, {"GET /v2/snaps ", each.list}}, &stop);
+        ApplicationRecord code;
+        code.id = code.name = "code";
+        const LinuxApplications applications(machine.places);
+        const ApplicationKind& kind = *applications.kind(ApplicationType::Snap);
+        const ApplicationRemoval removal = kind.remove({code}, {}, stop).front();
+        EXPECT_EQ(removal.state, each.state) << each.change;
+        EXPECT_EQ(removal.reason, each.reason);
+        EXPECT_EQ(removal.note, each.note);
     }
 }
 

@@ -92,21 +92,25 @@ RemovalForecast SnapApplications::forecast(const std::vector<ApplicationRecord>&
 }
 
 // Whoever has removed it meanwhile: what is gone is gone.
-ApplicationRemoval SnapApplications::removed(const std::string& name) const {
+ApplicationRemoval SnapApplications::removed(const ApplicationRecord& record,
+                                             const std::atomic<bool>& stop) const {
     using State = ApplicationRemoval::State;
-    const auto result = m_service.remove(name);
+    const SnapCourse course = m_service.remove(record.id, stop);
     const auto left = m_service.snaps();
-    const bool isListed = !left || std::any_of(left->begin(), left->end(),
-                                               [&](const auto& each) { return each.name == name; });
-    if (!isListed) return {State::Gone, {}, {}};
-    if (!result)
-        return {result.error().isDismissed ? State::Dismissed : State::Failed,
-                result.error().words,
-                {}};
+    const bool isListed = !left || std::any_of(left->begin(), left->end(), [&](const auto& each) {
+        return each.name == record.id;
+    });
+    const std::string note =
+        course.couldNotStop
+            ? fmt::format("The removal of {} could not be stopped any more", record.name)
+            : std::string();
+    if (!isListed) return {State::Gone, {}, note};
+    if (!course.words.empty())
+        return {course.isDismissed ? State::Dismissed : State::Failed, course.words, note};
     return {State::Failed,
             left ? std::string("The snap service left it")
                  : "Nobody can tell whether it is gone: " + left.error(),
-            {}};
+            note};
 }
 
 std::vector<ApplicationRemoval> SnapApplications::remove(
@@ -118,7 +122,7 @@ std::vector<ApplicationRemoval> SnapApplications::remove(
             out.push_back({ApplicationRemoval::State::Refused,
                            forecast.refusal.empty() ? "stopped" : forecast.refusal,
                            {}});
-        else out.push_back(removed(each.id));
+        else out.push_back(removed(each, stop));
     }
     return out;
 }

@@ -18,14 +18,16 @@ public:
     [[nodiscard]] ApplicationDetails details(const ApplicationRecord& record) const override;
     [[nodiscard]] RemovalForecast forecast(const std::vector<ApplicationRecord>& records,
                                            const Waiting& waiting) const override;
-    /// Gone is what the service does not list any more.
+    /// Gone is what the service does not list any more. Stopped is a removal that the service takes
+    /// back; of another the note says that it went on.
     [[nodiscard]] std::vector<ApplicationRemoval> remove(
         const std::vector<ApplicationRecord>& records, const RemovalForecast& forecast,
         const std::atomic<bool>& stop) const override;
 
 private:
     [[nodiscard]] ApplicationRecord recordOf(const SnapFacts& facts) const;
-    [[nodiscard]] ApplicationRemoval removed(const std::string& name) const;
+    [[nodiscard]] ApplicationRemoval removed(const ApplicationRecord& record,
+                                             const std::atomic<bool>& stop) const;
     [[nodiscard]] bool isHere() const;
 
     const ApplicationPlaces& m_places;

@@ -27,6 +27,8 @@ namespace {
 using Json = nlohmann::json;
 using Moment = std::chrono::steady_clock::time_point;
 
+// A person looks for a password meanwhile.
+constexpr std::chrono::minutes personPatience(10);
 constexpr std::size_t mostAnswer = std::size_t{16} << 20U;
 
 bool waitsFor(int socket, short what, Moment end) {
@@ -117,8 +119,8 @@ SnapFacts factsIn(const Json& object) {
 }
 
 // {"type": "error", "result": {"message": "...", "kind": "auth-cancelled"}}
-SnapFailure failureIn(const Json& answer) {
-    SnapFailure out{"The snap service gave no reason", false};
+SnapCourse failureIn(const Json& answer) {
+    SnapCourse out{"The snap service gave no reason"};
     if (!answer.is_object()) return out;
     const auto result = answer.find("result");
     if (result == answer.end() || !result->is_object()) return out;
@@ -194,31 +196,52 @@ tl::expected<std::vector<SnapFacts>, std::string> SnapService::snaps() const {
     return std::move(*found);
 }
 
-tl::expected<void, SnapFailure> SnapService::remove(const std::string& name) const {
-    // A person looks for a password meanwhile.
-    constexpr std::chrono::minutes patience(10);
+// A change that is over, or that nobody lets this person touch, is not taken back.
+bool SnapService::aborts(const std::string& change) const {
+    constexpr int success = 200;
+    const auto answer =
+        ask("POST", "/v2/changes/" + change, R"({"action":"abort"})", personPatience);
+    return answer && answer->status == success;
+}
+
+SnapCourse SnapService::follow(const std::string& change, const std::atomic<bool>& stop) const {
     constexpr std::chrono::milliseconds pause(200);
-    const auto begun = ask("POST", "/v2/snaps/" + name, R"({"action":"remove"})", patience);
-    if (!begun) return tl::unexpected(SnapFailure{begun.error(), false});
-    const Json answer = Json::parse(begun->body, nullptr, false);
-    const std::string change = answer.is_object() ? textIn(answer, "change") : std::string();
-    if (begun->status != 202 || change.empty()) return tl::unexpected(failureIn(answer));
-    const Moment end = std::chrono::steady_clock::now() + patience;
+    SnapCourse out;
+    bool isStopping = false;
+    const Moment end = std::chrono::steady_clock::now() + personPatience;
     while (timeUntil(end).count() > 0) {
+        if (stop && !isStopping && !out.couldNotStop) {
+            isStopping = aborts(change);
+            out.couldNotStop = !isStopping;
+        }
         const auto asked = ask("GET", "/v2/changes/" + change, {}, timeUntil(end));
-        if (!asked) return tl::unexpected(SnapFailure{asked.error(), false});
+        if (!asked) return {asked.error(), false, out.couldNotStop};
         const Json now = Json::parse(asked->body, nullptr, false);
         const auto result = now.is_object() ? now.find("result") : now.end();
-        if (result == now.end() || !result->is_object()) return tl::unexpected(failureIn(now));
+        if (result == now.end() || !result->is_object()) return failureIn(now);
         if (result->value("ready", Json(false)) == Json(true)) {
-            if (textIn(*result, "status") == "Done") return {};
-            const std::string words = textIn(*result, "err");
-            return tl::unexpected(
-                SnapFailure{words.empty() ? "The snap service gave no reason" : words, false});
+            const std::string status = textIn(*result, "status");
+            const bool isDone = status == "Done";
+            out.couldNotStop |= isDone && isStopping;
+            if (isDone) return out;
+            out.words = textIn(*result, "err");
+            if (isStopping && status != "Error") out.words = "stopped";
+            else if (out.words.empty()) out.words = "The snap service gave no reason";
+            return out;
         }
         std::this_thread::sleep_for(pause);
     }
-    return tl::unexpected(SnapFailure{"The snap service does not answer", false});
+    return {"The snap service does not answer", false, out.couldNotStop};
+}
+
+SnapCourse SnapService::remove(const std::string& name, const std::atomic<bool>& stop) const {
+    constexpr int accepted = 202;
+    const auto begun = ask("POST", "/v2/snaps/" + name, R"({"action":"remove"})", personPatience);
+    if (!begun) return {begun.error()};
+    const Json answer = Json::parse(begun->body, nullptr, false);
+    const std::string change = answer.is_object() ? textIn(answer, "change") : std::string();
+    if (begun->status != accepted || change.empty()) return failureIn(answer);
+    return follow(change, stop);
 }
 
 }  // namespace orrinvale

@@ -1,6 +1,7 @@
 // SnapService: snapd's interface, HTTP with JSON over its socket. SnapApplications.h asks it.
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <optional>
@@ -29,9 +30,11 @@ struct SnapFacts {
     std::vector<std::string> entries;  ///< desktop entries of its applications
 };
 
-struct SnapFailure {
-    std::string words;         ///< for people
-    bool isDismissed = false;  ///< nobody gave a password
+/// How a removal went.
+struct SnapCourse {
+    std::string words;          ///< why it did not come to its end, for people; empty where it did
+    bool isDismissed = false;   ///< nobody gave a password
+    bool couldNotStop = false;  ///< it was asked to stop and went on
 };
 
 /// Holds no connection; any thread. At most 16 MiB of an answer are read.
@@ -48,10 +51,14 @@ public:
     [[nodiscard]] tl::expected<std::vector<SnapFacts>, std::string> snaps() const;
 
     /// Removes a snap with all its revisions, and waits until it is gone. The person may be asked
-    /// for a password.
-    [[nodiscard]] tl::expected<void, SnapFailure> remove(const std::string& name) const;
+    /// for a password. A set flag asks the service to take back what it has begun; one that does
+    /// not any more is waited for to its end.
+    [[nodiscard]] SnapCourse remove(const std::string& name, const std::atomic<bool>& stop) const;
 
 private:
+    [[nodiscard]] bool aborts(const std::string& change) const;
+    [[nodiscard]] SnapCourse follow(const std::string& change, const std::atomic<bool>& stop) const;
+
     const std::string m_socket;
 };
 
