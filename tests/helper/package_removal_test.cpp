@@ -28,8 +28,11 @@ std::string layersOver(std::initializer_list<const char*> folders) {
         if (::mount("overlay", folder, "overlay", 0, options.c_str()) != 0)
             return std::string("skip: no layer over ") + folder;
     }
-    // Without lists of what could be installed the service's cache is made at once.
+    // Nothing comes from anywhere else than the test's own folder.
     (void)mountRam("/var/lib/apt/lists");
+    (void)mountRam("/etc/apt/sources.list.d");
+    std::filesystem::create_directory("/mnt/repository");
+    std::ofstream("/etc/apt/sources.list") << "deb [trusted=yes] file:/mnt/repository ./\n";
     return {};
 }
 
@@ -37,8 +40,9 @@ bool run(const std::string& command) {
     return std::system(("( " + command + " ) >/dev/null 2>&1").c_str()) == 0;
 }
 
-// A package with a program and an entry of its name, with further fields of its control file.
-bool install(const std::string& name, const std::string& fields) {
+// A package with a program and an entry of its name, with further fields of its control file, in
+// the repository.
+bool offer(const std::string& name, const std::string& fields) {
     const std::string root = "/mnt/" + name;
     const auto write = [&](const std::string& path, const std::string& text) {
         std::filesystem::create_directories(std::filesystem::path(root + path).parent_path());
@@ -54,7 +58,26 @@ bool install(const std::string& name, const std::string& fields) {
     write("/usr/share/applications/" + name + ".desktop",
           "[Desktop Entry]\nType=Application\nName=" + name + "\nExec=" + name + "\n");
     ::chmod((root + "/usr/bin/" + name).c_str(), 0755);
-    return run("dpkg-deb --build " + root + " && dpkg -i " + root + ".deb");
+    return run("dpkg-deb --build " + root + " /mnt/repository");
+}
+
+// From the repository by the service itself, so that what it removes came by it.
+bool install(const std::string& names) {
+    return run("cd /mnt/repository && dpkg-scanpackages . > Packages && printf '"
+               "SHA256:\\n %s %s Packages\\n' $(sha256sum < Packages | cut -c -64) "
+               "$(stat -c %s Packages) > Release") &&
+           run("pkcon -y refresh force") && run("pkcon -y install " + names) &&
+           run("dpkg --status " + names);
+}
+
+// Those whose files are there, with their architectures.
+std::set<std::string> packagesThere() {
+    std::set<std::string> out;
+    const DpkgDatabase database("/var/lib/dpkg");
+    for (const DpkgPackage& each : database.packages())
+        if (each.isThere())
+            out.insert(std::string(each.name) + ' ' + std::string(each.architecture));
+    return out;
 }
 
 ApplicationRecord recordOf(const LinuxApplications& applications, const std::string& package) {
@@ -80,6 +103,11 @@ std::string removalByDismissing(const ApplicationRecord& record) {
 std::string packagesGoAsPromised(PolkitWorld& world, const std::string& actions) {
     world.addPolicy("org.freedesktop.packagekit.policy", actions);
     if (!world.begin()) return "no world";
+    const ServiceProcess service({daemon});
+    if (!comesTrue([] { return PackageService::resolve({"dpkg"}, {never, 20s}).worked(); }))
+        return "PackageKit does not come up";
+    if (!install("orr-app orr-more orr-lib orr-login orr-needed"))
+        return "PackageKit installs nothing from the test's repository";
     const LinuxApplications applications;
     const ApplicationKind& kind = *applications.kind(ApplicationType::Deb);
     const ApplicationRecord app = recordOf(applications, "orr-app");
@@ -88,9 +116,6 @@ std::string packagesGoAsPromised(PolkitWorld& world, const std::string& actions)
     const auto expect = [&](bool holds, const std::string& what) {
         if (!holds) troubles += what + "; ";
     };
-    const ServiceProcess service({daemon});
-    if (!comesTrue([] { return PackageService::resolve({"dpkg"}, {never, 20s}).worked(); }))
-        return "PackageKit does not come up";
 
     const auto refusalOf = [&](const char* package) {
         return kind.forecast({recordOf(applications, package)}, never).refusal;
@@ -114,14 +139,21 @@ std::string packagesGoAsPromised(PolkitWorld& world, const std::string& actions)
     other.promised.pop_back();
     expect(kind.remove({app}, other, never)[0].state == ApplicationRemoval::State::Refused,
            "more went than was promised");
+    std::set<std::string> left = packagesThere();
     const auto removed = kind.remove({app}, forecast, never).front();
     expect(removed.state == ApplicationRemoval::State::Gone, removed.reason);
-    const DpkgDatabase after("/var/lib/dpkg");
-    for (const char* const name : {"orr-app", "orr-more"})
-        expect(after.installed(name) == nullptr, std::string(name) + " is still there");
-    expect(after.installed("orr-lib") != nullptr, "another package went");
+    expect(forecast.promised.size() == 2, "what was promised");
+    for (const std::string& id : forecast.promised) {
+        const ServicePackage each{0, id};
+        expect(left.erase(std::string(each.name()) + ' ' + std::string(each.architecture())) == 1,
+               id + " was not there");
+    }
+    expect(packagesThere() == left, "other packages went than the simulation said");
     expect(!isThere("/usr/bin/orr-app") && isThere("/etc/orr-app.conf"), "files");
-    expect(run("apt-get check") && run("dpkg --verify orr-lib orr-login"), "a broken database");
+    expect(run("apt-get check"), "broken dependencies");
+    // Both say nothing of what is as it should be.
+    expect(run("test -z \"$(dpkg --verify orr-lib orr-login orr-needed; dpkg --audit)\""),
+           "a broken database");
     return troubles;
 }
 
@@ -130,16 +162,17 @@ TEST(PackageRemoval, TakesWhatWasPromisedAndNothingElse) {
         runInChild(
             {},
             []() -> std::string {
-                for (const char* const path : {daemon, policy, "/usr/bin/dpkg-deb"})
+                for (const char* const path : {daemon, policy, "/usr/bin/dpkg-deb",
+                                               "/usr/bin/dpkg-scanpackages", "/usr/bin/pkcon"})
                     if (!isThere(path)) return std::string("skip: no ") + path;
                 if (::geteuid() != 0 || !unshareMounts()) return "skip: no own mounts";
                 if (auto obstacle = layersOver({"/usr", "/var", "/etc", "/opt"}); !obstacle.empty())
                     return obstacle;
-                if (!install("orr-app", "") || !install("orr-more", "Depends: orr-app\n") ||
-                    !install("orr-lib", "") ||
-                    !install("orr-login", "Depends: orr-lib\nProvides: x-display-manager\n") ||
-                    !install("orr-needed", "Essential: yes\n"))
-                    return "skip: packages can not be installed";
+                if (!offer("orr-app", "") || !offer("orr-more", "Depends: orr-app\n") ||
+                    !offer("orr-lib", "") ||
+                    !offer("orr-login", "Depends: orr-lib\nProvides: x-display-manager\n") ||
+                    !offer("orr-needed", "Essential: yes\n"))
+                    return "packages can not be made";
                 const std::string actions = contentOf(policy);  // the world covers them
                 PolkitWorld world;
                 return world.obstacle().empty() ? packagesGoAsPromised(world, actions)
@@ -176,12 +209,19 @@ TEST(PackageRemoval, SaysWhenThereIsNobodyToAsk) {
 // Made-up packages and the service that removes them, on a bus of their own.
 class MadeUpService {
 public:
-    MadeUpService() {
+    /// `further` are packages with a program each and fields of theirs.
+    explicit MadeUpService(const std::map<std::string, std::string>& further = {}) {
         machine.program("usr/bin/tool");
         machine.entry("tool", "Exec=tool");
         machine.package("first", "", {});
         machine.package("tool", "", {"usr/bin/tool", "usr/share/applications/tool.desktop"});
         machine.package("other", "Depends: tool\n", {});
+        for (const auto& [name, fields] : further) {
+            machine.program("usr/bin/" + name);
+            const std::string entry = "usr/share/applications/" + name;
+            machine.package(name, fields,
+                            {"usr/bin/" + name, entry + ".desktop", entry + "er.desktop"});
+        }
         (void)machine.tree.write(
             "bus.conf",
             "<busconfig><type>system</type><listen>unix:path=" + machine.tree.at("bus") +
@@ -199,12 +239,13 @@ public:
             return PackageService::resolve({"tool"}, {never, 5s}).packages.size() == 1;
         });
     }
-    void play(const std::string& simulated, const std::string& real) {
+    void play(const std::string& simulated, const std::string& real,
+              const std::string& error = "null") {
         (void)machine.tree.write("calls", "");
-        (void)machine.tree.write("scene", R"({"simulated":)" + simulated + R"(,"real":")" + real +
-                                              R"(","status":")" + machine.tree.at("dpkg/status") +
-                                              R"(","calls":")" + machine.tree.at("calls") +
-                                              R"("})");
+        (void)machine.tree.write("scene", R"({"error":)" + error + R"(,"simulated":)" + simulated +
+                                              R"(,"real":")" + real + R"(","status":")" +
+                                              machine.tree.at("dpkg/status") + R"(","calls":")" +
+                                              machine.tree.at("calls") + R"("})");
     }
     MadeUpMachine machine;
 
@@ -275,6 +316,98 @@ TEST(PackageRemoval, DoesNothingThatWasNotToldAndBelievesDpkgAlone) {
     EXPECT_EQ(kind.remove(records, forecast, never).front().reason,
               "Other packages would go by now than those that were listed");
     EXPECT_EQ(contentOf(service.machine.tree.at("calls")), "");
+}
+
+TEST(PackageRemoval, TellsOfEachWhatGoesAlongWithIt) {
+    if (const auto obstacle = obstacleToDismissing(); !obstacle.empty()) GTEST_SKIP() << obstacle;
+    MadeUpService service({{"paint", ""},
+                           {"brush", "Depends: paint\n"},
+                           {"bristle", "Depends: brush (>= 1), other | brush\n"},
+                           {"either", "Depends: tool | paint\n"},
+                           {"sudo", "Depends: tool\n"},
+                           {"needed", "Essential: yes\nDepends: tool\n"}});
+    for (const char* const name : {"paint", "painter"}) service.machine.entry(name, "Exec=paint");
+    const LinuxApplications applications(service.machine.places);
+    const ApplicationKind& kind = *applications.kind(ApplicationType::Deb);
+    struct Case {
+        const char* name;
+        Strings asked, simulated;  // packages
+        Strings along;             // "TAKER NAME VERSION"
+        std::string refusal = {}, error = "null";
+    };
+    const Case cases[] = {
+        {"nothing", {"tool"}, {"tool"}, {}},
+        {"what depends on it, at any depth",
+         {"paint"},
+         {"paint", "bristle", "brush"},
+         {"paint bristle 1.0", "paint brush 1.0", "paint painter"}},
+        {"of two each takes its own",
+         {"tool", "paint"},
+         {"brush", "other", "paint", "tool"},
+         {"paint brush 1.0", "tool other 1.0", "paint painter"}},
+        {"what only both together take is told of one",
+         {"paint", "tool"},
+         {"either", "paint", "tool"},
+         {"paint either 1.0", "paint painter"}},
+        {"one that is asked for goes along with nobody", {"other", "tool"}, {"other", "tool"}, {}},
+        {"what the service does not name is asked for",
+         {"tool", "paint"},
+         {"tool"},
+         {"paint painter"}},
+        {"a way to rights",
+         {"tool"},
+         {"sudo", "tool"},
+         {},
+         "sudo would go along: rights are asked for by it"},
+        {"what the system needs",
+         {"tool"},
+         {"needed", "tool"},
+         {},
+         "needed would go along: the system needs it"},
+        {"the same, asked for", {"needed"}, {"needed"}, {}, "needed stays: the system needs it"},
+        {"not there by now", {"gone"}, {}, {}, "gone is not installed any more"},
+        {"needed by others", {"tool"}, {}, {}, "Other packages need it", R"([13,"x"])"},
+        {"essential to the service", {"tool"}, {}, {}, "The system needs it", R"([20,"x"])"},
+        {"an update runs",
+         {"tool"},
+         {},
+         {},
+         "Another program installs or removes packages at the moment",
+         R"([26,"x"])"},
+        {"the service's own words",
+         {"tool"},
+         {},
+         {},
+         "The service that removes packages says: no way",
+         R"([4,"no way\nat all"])"},
+    };
+    const auto listed = applications.list();
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.name);
+        std::string simulated;
+        for (const std::string& name : each.simulated)
+            simulated +=
+                (simulated.empty() ? "" : ",") + ("[13,\"" + name + ";1.0;amd64;installed\"]");
+        service.play('[' + simulated + ']', "works", each.error);
+        std::vector<ApplicationRecord> records;
+        for (const std::string& name : each.asked) {
+            const auto found = std::ranges::find(listed, name, &ApplicationRecord::package);
+            ApplicationRecord record;
+            record.package = record.name = name;
+            records.push_back(found == listed.end() ? record : *found);
+        }
+        const RemovalForecast forecast = kind.forecast(records, {never, 20s});
+        EXPECT_EQ(forecast.refusal, each.refusal);
+        Strings along;
+        for (const RemovalForecast::Along& of : forecast.along)
+            along.push_back(records[of.of].package + ' ' + of.name +
+                            (of.version.empty() ? "" : ' ' + of.version));
+        if (each.refusal.empty()) {
+            EXPECT_EQ(along, each.along);
+        }
+        EXPECT_EQ(contentOf(service.machine.tree.at("calls")), "")
+            << "a simulation removes nothing";
+    }
 }
 
 TEST(PackageRemoval, AFlatpakGoesByItsLibrary) {

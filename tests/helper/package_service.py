@@ -1,7 +1,9 @@
-"""A service for packages, with the one package "tool": what it would remove and what it does stand in a file of JSON that is read anew for each
-transaction. {"simulated": [[INFO, ID], ...], "real": "works" | "more" | "lies" | "empties" | "waits" | "holds", "status": PATH, "calls": PATH}
+"""A service for packages, those of dpkg's file: what it would remove and what it does stand in a file of JSON that is read anew for each
+transaction. {"simulated": [[INFO, ID], ...], "error": null | [NUMBER, WORDS], "real": "works" | "more" | "lies" | "empties" | "waits" | "holds",
+"status": PATH, "calls": PATH}; an error is the end of a simulation.
 "more" removes all packages but the first, "waits" goes on until it is cancelled, "holds" can not be cancelled and ends after a second, "empties" leaves dpkg's file without a word."""
 import json
+import re
 import sys
 
 import dbus
@@ -10,8 +12,7 @@ import dbus.service
 from gi.repository import GLib
 
 NAME = "org.freedesktop.PackageKit"
-TOOL = "tool;1.0;amd64;installed"
-SUCCESS, CANCELLED, SIMULATE, INSTALLED = 1, 3, 4, 1
+SUCCESS, FAILED, CANCELLED, SIMULATE, INSTALLED = 1, 2, 3, 4, 1
 
 
 class CannotCancel(dbus.DBusException):
@@ -33,13 +34,15 @@ class Transaction(dbus.service.Object):
         pass
 
     @dbus.service.method(f"{NAME}.Transaction", in_signature="tas")
-    def Resolve(self, _filter, _names):
-        GLib.idle_add(self.tell, [[INSTALLED, TOOL]])
+    def Resolve(self, _filter, names):
+        with open(self.scene["status"], encoding="utf-8") as file:
+            known = re.findall(r"(?m)^Package: (.*)$", file.read())
+        GLib.idle_add(self.tell, [[INSTALLED, f"{each};1.0;amd64;installed"] for each in known if each in names])
 
     @dbus.service.method(f"{NAME}.Transaction", in_signature="tasbb")
     def RemovePackages(self, flags, ids, dependents, unused):
         if flags & SIMULATE:
-            GLib.idle_add(self.tell, self.scene["simulated"])
+            GLib.idle_add(self.tell, self.scene["simulated"], self.scene["error"])
             return
         self.note(f"remove {' '.join(ids)} {int(dependents)}{int(unused)}")
         if self.scene["real"] == "holds":
@@ -64,16 +67,22 @@ class Transaction(dbus.service.Object):
                 file.write("\n\n".join(left))
         self.end(SUCCESS)
 
-    def tell(self, packages):
+    def tell(self, packages, error=None):
         for info, package in packages:
             self.Package(info, package, "")
-        self.end(SUCCESS)
+        if error:
+            self.ErrorCode(*error)
+        self.end(FAILED if error else SUCCESS)
 
     def end(self, how):
         self.Finished(how, 0)
 
     @dbus.service.signal(f"{NAME}.Transaction", signature="uss")
     def Package(self, info, package, summary):
+        pass
+
+    @dbus.service.signal(f"{NAME}.Transaction", signature="us")
+    def ErrorCode(self, number, words):
         pass
 
     @dbus.service.signal(f"{NAME}.Transaction", signature="uu")
