@@ -59,6 +59,7 @@ TEST(Applications, ArePackagesByTheProgramThatAnEntryStarts) {
                     {"usr/bin/orrinvale", "usr/share/applications/orrinvale.desktop"});
     machine.package("without-files", "", {});
     machine.package("left", "", {}, "deinstall ok config-files");
+    machine.package("../x", "", {}, "deinstall ok config-files");
     // Of "bank" its person is the owner, and "office" is no name for the shell.
     const Strings expected{"deb gone broken", "deb orrinvale orrinvale ours", "deb shell shell",
                            "deb tool tool", "deb vim vim system"};

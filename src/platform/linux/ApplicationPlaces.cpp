@@ -41,20 +41,15 @@ std::string locale() {
     return {};
 }
 
-// flatpak-installation(5): each file of a folder names the path of one in a line of its own.
 void addInstallations(std::vector<std::string>& installations) {
-    constexpr std::string_view key = "Path=";
     constexpr std::size_t limit = std::size_t{64} * 1024;
     const std::string chosen = variable("FLATPAK_CONFIG_DIR");
     const std::string folder =
         joinPath(chosen.empty() ? "/etc/flatpak" : chosen, "installations.d");
     for (const std::string& name : systemNamesIn(folder)) {
         const auto text = readRegularFile(joinPath(folder, name), limit);
-        for (std::string_view rest = text ? *text : std::string_view(); !rest.empty();) {
-            const std::string_view line = rest.substr(0, rest.find('\n'));
-            rest.remove_prefix(std::min(line.size() + 1, rest.size()));
-            if (line.starts_with(key)) addFolders(installations, line.substr(key.size()));
-        }
+        for (const std::string& each : installationsIn(text ? *text : std::string_view()))
+            addFolders(installations, each);
     }
 }
 
@@ -73,6 +68,17 @@ std::vector<std::string> languagesOf(const std::string& locale) {
     std::vector<std::string> out;
     for (const std::string& each : {bare + modifier, bare, language + modifier, language})
         if (std::find(out.begin(), out.end(), each) == out.end()) out.push_back(each);
+    return out;
+}
+
+std::vector<std::string> installationsIn(std::string_view text) {
+    constexpr std::string_view key = "Path=";
+    std::vector<std::string> out;
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
+        if (line.starts_with(key)) addFolders(out, line.substr(key.size()));
+    }
     return out;
 }
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/FolderVariables.h"
@@ -42,6 +43,10 @@ struct ApplicationPlaces {
 /// The languages of a locale as desktop entries are asked for them, the closest first: "de_AT",
 /// "de".
 [[nodiscard]] std::vector<std::string> languagesOf(const std::string& locale);
+
+/// The installations of flatpak that one file of an administrator names, absolute, as
+/// flatpak-installation(5) writes them.
+[[nodiscard]] std::vector<std::string> installationsIn(std::string_view text);
 
 /// The bytes of a regular file, links followed; nothing for what is longer than `limit`, is no
 /// file, or can not be read. Nothing holds the caller up.

@@ -91,6 +91,12 @@ void take(DpkgPackage& package, const Field& field) {
     }
 }
 
+// deb-control(5) allows no others, and these names stand in paths and in lists with marks between.
+bool isPlain(std::string_view name) {
+    return name.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789"
+                                  "+-.") == std::string_view::npos;
+}
+
 std::string_view nameIn(std::string_view relation) {
     relation = trimmed(relation);
     return relation.substr(0, relation.find_first_of(" (:[<\t"));
@@ -175,7 +181,8 @@ void DpkgDatabase::parse() {
         const auto field = takeField(text);
         if (field) take(package, *field);
         if (field && !text.empty()) continue;
-        if (!package.name.empty()) m_packages.push_back(package);
+        if (!package.name.empty() && isPlain(package.name) && isPlain(package.architecture))
+            m_packages.push_back(package);
         package = {};
     }
     for (std::size_t i = 0; i < m_packages.size(); ++i) {
