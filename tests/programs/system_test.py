@@ -13,24 +13,14 @@ import subprocess
 import sys
 from pathlib import Path
 
+import own_mounts
+
 ROOT = Path(__file__).resolve().parents[2]
-INSIDE = "ORRINVALE_OWN_MOUNTS"
 PLACES = ("/var/cache", "/var/log")
 # Each reads what lies in the two folders, or would write there.
 TOOLS = ("apt-get check", "apt-cache policy bash", "apt-get -s install --reinstall bash", "debconf-show tzdata", "dpkg --audit",
          "man -w ls", "whatis ls", "apropos -s1 -e directory", "fc-match sans", "ldconfig -p", "last", "lastlog -u root",
          "journalctl --list-boots", "logrotate -d /etc/logrotate.conf")
-
-
-def lay_over():
-    memory = "/mnt"
-    subprocess.run(["mount", "-t", "tmpfs", "none", memory], check=True)
-    for place in PLACES:
-        upper, work = (f"{memory}/{kind}{place.replace('/', '-')}" for kind in ("new", "work"))
-        os.mkdir(upper)
-        os.mkdir(work)
-        subprocess.run(["mount", "-t", "overlay", "overlay", "-o", f"lowerdir={place},upperdir={upper},workdir={work}", place],
-                       check=True)
 
 
 def told():
@@ -66,7 +56,7 @@ def check(holds, what, details=""):
 
 
 def test(cleaner):
-    lay_over()
+    own_mounts.lay_over(*PLACES)
     rotate()
     told()  # some write their caches anew where they are old
     before, folders_before = told(), folders()
@@ -87,13 +77,8 @@ def test(cleaner):
 
 def main():
     cleaner = Path(sys.argv[1] if len(sys.argv) > 1 else ROOT / "build/release/bin/orrinvale-cli").resolve()
-    if INSIDE in os.environ:
-        sys.exit(0 if test(cleaner) else 1)
-    trial = "mount -t tmpfs none /mnt && mkdir /mnt/a /mnt/b && mount -t overlay o -o lowerdir=/var/log,upperdir=/mnt/a,workdir=/mnt/b /var/log"
-    if os.geteuid() != 0 or subprocess.run(["unshare", "-m", "sh", "-c", trial], capture_output=True, check=False).returncode != 0:
-        print("skipped: only root may lay something over the system's folders, and not on every machine")
-        sys.exit(77)
-    os.execvpe("unshare", ["unshare", "-m", sys.executable, "-B", __file__, str(cleaner)], os.environ | {INSIDE: "1"})
+    own_mounts.enter(__file__, cleaner)
+    sys.exit(0 if test(cleaner) else 1)
 
 
 if __name__ == "__main__":
