@@ -3623,6 +3623,14 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>Nobody can tell whether it runs.</source>
         <translation>Ob es läuft, lässt sich nicht sagen.</translation>
     </message>
+    <message>
+        <source>1 more follows</source>
+        <translation>1 weitere folgt</translation>
+    </message>
+    <message>
+        <source>%1 more follow</source>
+        <translation>%1 weitere folgen</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::V3MainListView</name>

@@ -6,10 +6,14 @@
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPainter>
 #include <QTemporaryDir>
 #include <array>
+#include <atomic>
+#include <chrono>
 #include <memory>
+#include <thread>
 
 #include "gallery/PageWorkings.h"
 #include "gallery/drawing.h"
@@ -111,9 +115,12 @@ Leftover leftover(const char* name, LeftoverGrade grade, std::uint64_t bytes,
     return made;
 }
 
-// What the question of two applications tells.
+// What the question of two applications tells, and a removal of which one stays. It waits where it
+// is to be seen at work.
 class SampleWork final : public UninstallWork {
 public:
+    static inline std::atomic<bool> isHeld{false};
+
     UninstallOutlook forecast(const std::vector<AppItems>& items,
                               const std::atomic<bool>& /*stop*/) override {
         UninstallOutlook out;
@@ -134,10 +141,22 @@ public:
         return out;
     }
     std::vector<UninstallResult> remove(const UninstallPlan& /*plan*/,
-                                        const std::vector<UninstallRequest>& /*requests*/,
-                                        ProgressBox& /*progress*/,
+                                        const std::vector<UninstallRequest>& requests,
+                                        ProgressBox& progress,
                                         const std::atomic<bool>& /*stop*/) override {
-        return {};
+        std::vector<UninstallResult> out;
+        for (const UninstallRequest& each : requests) {
+            progress.setCurrent(each.item.name);
+            const bool isGone = each.item.name != "Letters";
+            out.push_back({isGone,
+                           isGone ? "" : "The password was not given",
+                           {},
+                           each.item.fileSizeNum,
+                           {}});
+        }
+        constexpr std::chrono::milliseconds pause(20);
+        while (isHeld) std::this_thread::sleep_for(pause);
+        return out;
     }
     bool askToQuit(const ApplicationRecord& /*record*/) override { return false; }
     RunState running(const ApplicationRecord& /*record*/) override { return RunState::Yes; }
@@ -151,9 +170,14 @@ struct Machine {
 
 UninstallPageParts partsOf(const Machine& machine) {
     UninstallPageParts parts;
-    parts.inventory = [&machine] {
+    parts.inventory = [&machine](const UninstallPageParts::News& news) {
         AppItemsArray found;
-        for (const MadeUp& each : applications) found.push_back(made(machine.folder, each));
+        for (const MadeUp& each : applications) {
+            found.push_back(made(machine.folder, each));
+            if (found.size() == 1) news(found);
+            constexpr std::chrono::milliseconds pause(20);
+            while (SampleWork::isHeld) std::this_thread::sleep_for(pause);
+        }
         return found;
     };
     parts.measure = [](const ApplicationRecord& record, const std::atomic<bool>& /*stop*/) {
@@ -186,6 +210,48 @@ bool saveSheet(const PictureFolder& pictures, const char* name, TCImageWindow& w
     return waitFor("the sheet to go", [&] { return sheet() == nullptr; });
 }
 
+bool drawLooking(const PictureFolder& pictures, TCImageWindow& window) {
+    const auto hasFirst = [&] {
+        const auto* const table = window.findChild<TickOutline*>();
+        return table != nullptr && table->isVisible() && table->model()->rowCount() == 1;
+    };
+    const bool isDrawn = waitFor("the first application", hasFirst) &&
+                         pictures.save(QStringLiteral("uninstall-looking"), window.grab());
+    SampleWork::isHeld = false;
+    return isDrawn;
+}
+
+bool drawFilter(const PictureFolder& pictures, TCImageWindow& window) {
+    auto* const field = window.findChild<QLineEdit*>(QStringLiteral("filterField"));
+    field->setText(QStringLiteral("zither"));
+    const bool isDrawn = pictures.save(QStringLiteral("uninstall-nothing-found"), window.grab());
+    field->clear();
+    return isDrawn;
+}
+
+bool drawRemoval(const PictureFolder& pictures, TCImageWindow& window) {
+    const auto button = [&](const char* name) {
+        return window.findChild<QAbstractButton*>(QLatin1String(name));
+    };
+    const auto mayAgree = [&] {
+        return button("uninstallYes") != nullptr && button("uninstallYes")->isEnabled();
+    };
+    button("uninstallButton")->click();
+    if (!waitFor("the question", mayAgree)) return false;
+    SampleWork::isHeld = true;
+    button("uninstallYes")->click();
+    const auto isAtWork = [&] {
+        const auto* const said = window.findChild<QLabel*>(QStringLiteral("uninstallTextField"));
+        return window.findChild<Sheet*>() == nullptr && button("stopButton")->isVisible() &&
+               said->text().contains(QLatin1String("Letters"));
+    };
+    const bool isDrawn = waitFor("the removal", isAtWork) &&
+                         pictures.save(QStringLiteral("uninstall-removal"), window.grab());
+    SampleWork::isHeld = false;
+    return isDrawn && waitFor("its end", [&] { return !button("stopButton")->isVisible(); }) &&
+           pictures.save(QStringLiteral("uninstall-failure"), window.grab());
+}
+
 }  // namespace
 
 bool drawUninstall(UserDefaults& defaults, const PictureFolder& pictures,
@@ -195,9 +261,11 @@ bool drawUninstall(UserDefaults& defaults, const PictureFolder& pictures,
     AppPrefsWindowController controller;
     controller.registerPage(
         uninstallPage(machine.workings.parts(machine.files, defaults), partsOf(machine)));
+    SampleWork::isHeld = true;
     controller.showWindow();
     TCImageWindow& window = *controller.window();
     window.activateWindow();
+    if (!drawLooking(pictures, window)) return false;
     if (!waitFor("the applications", [&] { return isListed(window); })) return false;
     const auto isQuiet = [patience = QDeadlineTimer(400)] { return patience.hasExpired(); };
     if (!waitFor("the pictures", isQuiet)) return false;
@@ -206,7 +274,11 @@ bool drawUninstall(UserDefaults& defaults, const PictureFolder& pictures,
     Q_EMIT table->clicked(table->model()->index(0, UninstallAppsModel::View));
     if (!saveSheet(pictures, "uninstall-details", window, "okButton")) return false;
     window.findChild<QAbstractButton*>(QStringLiteral("uninstallButton"))->click();
-    return saveSheet(pictures, "uninstall-question", window, "cancelButton");
+    if (!saveSheet(pictures, "uninstall-question", window, "cancelButton")) return false;
+    if (!drawFilter(pictures, window) || !drawRemoval(pictures, window)) return false;
+    constexpr QSize wide(1200, 620);
+    window.resize(wide);
+    return pictures.save(QStringLiteral("uninstall-wide"), window.grab());
 }
 
 }  // namespace orrinvale

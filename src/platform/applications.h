@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -151,8 +152,13 @@ class Applications {
 public:
     virtual ~Applications() = default;
 
-    /// All that is installed; each kind is read once.
-    [[nodiscard]] virtual ApplicationInventory inventory() const = 0;
+    /// What one look has found up to the kind that answered last.
+    using KindNews = std::function<void(const ApplicationInventory& soFar)>;
+
+    /// All that is installed; each kind is read once. `news`, which may be empty, is called on this
+    /// thread behind each of them.
+    [[nodiscard]] virtual ApplicationInventory look(const KindNews& news) const = 0;
+    [[nodiscard]] ApplicationInventory inventory() const { return look({}); }
     [[nodiscard]] std::vector<ApplicationRecord> list() const { return inventory().records; }
     /// nullptr for a type that this machine does not know, and for App.
     [[nodiscard]] virtual const ApplicationKind* kind(ApplicationType type) const = 0;

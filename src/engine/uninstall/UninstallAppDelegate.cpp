@@ -130,7 +130,8 @@ std::shared_ptr<AppItems> UninstallAppDelegate::itemOf(ApplicationRecord record)
     return item;
 }
 
-void UninstallAppDelegate::getAppInfo(AppItemsArray* array, ApplicationInventory* rest) const {
+void UninstallAppDelegate::getAppInfo(AppItemsArray* array, ApplicationInventory* rest,
+                                      const News& news) const {
     if (array == nullptr) return;
     std::vector<std::string> paths;
     std::string unread;
@@ -140,9 +141,16 @@ void UninstallAppDelegate::getAppInfo(AppItemsArray* array, ApplicationInventory
     applicationsInDirectory(joinPath(m_home, "Applications"), paths, &unread);
     for (const std::string& path : paths) array->push_back(constructAppItem(path, &unread));
     ApplicationInventory found;
-    if (m_applications != nullptr) found = m_applications->inventory();
+    std::size_t taken = 0;
+    const auto take = [&](const ApplicationInventory& soFar) {
+        for (; taken < soFar.records.size(); ++taken)
+            array->push_back(itemOf(soFar.records[taken]));
+        if (news) news(*array);
+    };
+    if (news) news(*array);
+    if (m_applications != nullptr) found = m_applications->look(take);
+    take(found);
     if (!unread.empty()) found.unread[ApplicationType::App] = unread;
-    for (ApplicationRecord& each : found.records) array->push_back(itemOf(std::move(each)));
     found.records.clear();
     if (rest != nullptr) *rest = std::move(found);
 }

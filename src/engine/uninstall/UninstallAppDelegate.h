@@ -2,6 +2,7 @@
 // search.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -23,10 +24,15 @@ public:
           m_applications(applications),
           m_root(std::move(root)) {}
 
+    /// What was found so far, each time that one more kind has answered.
+    using News = std::function<void(const AppItemsArray& soFar)>;
+
     /// Adds all applications: bundles in the order of the four folders and of their listings, then
     /// the other kinds in theirs. Does nothing for null. What the kinds tell besides, and that not
-    /// all bundles could be read, goes to `rest`, which may be null; it has no records.
-    void getAppInfo(AppItemsArray* array, ApplicationInventory* rest = nullptr) const;
+    /// all bundles could be read, goes to `rest`, which may be null; it has no records. `news`,
+    /// which may be empty, is called on this thread, and the items are not touched behind it.
+    void getAppInfo(AppItemsArray* array, ApplicationInventory* rest = nullptr,
+                    const News& news = {}) const;
 
     /// Adds the paths of the bundles in a folder: of each folder, links followed, whose extension
     /// is exactly "app". Other folders are searched in turn, at any depth, each once, so that links

@@ -8,10 +8,11 @@ namespace orrinvale {
 /// The search runs to its end while the object is made, on the thread that makes it.
 class UninstallAppInfo final {
 public:
-    explicit UninstallAppInfo(const UninstallAppDelegate& search) {
+    explicit UninstallAppInfo(const UninstallAppDelegate& search,
+                              const UninstallAppDelegate::News& news = {}) {
         constexpr std::size_t usual = 100;
         m_allAppsInfo.reserve(usual);
-        search.getAppInfo(&m_allAppsInfo, &m_rest);
+        search.getAppInfo(&m_allAppsInfo, &m_rest, news);
     }
 
     [[nodiscard]] AppItemsArray& allAppsInfo() { return m_allAppsInfo; }

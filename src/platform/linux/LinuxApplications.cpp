@@ -42,10 +42,13 @@ LinuxApplications::LinuxApplications(ApplicationPlaces places) : m_places(std::m
     m_kinds.push_back(std::make_unique<FolderApplications>(m_places));
 }
 
-ApplicationInventory LinuxApplications::inventory() const {
+ApplicationInventory LinuxApplications::look(const KindNews& news) const {
     std::vector<StartingEntry> entries = startingEntries(m_places);
     ApplicationInventory out;
-    for (const auto& kind : m_kinds) kind->list(entries, out);
+    for (const auto& kind : m_kinds) {
+        kind->list(entries, out);
+        if (news) news(out);
+    }
     return out;
 }
 

@@ -15,7 +15,7 @@ class LinuxApplications final : public Applications {
 public:
     explicit LinuxApplications(ApplicationPlaces places = ApplicationPlaces::ofThisMachine());
 
-    [[nodiscard]] ApplicationInventory inventory() const override;
+    [[nodiscard]] ApplicationInventory look(const KindNews& news) const override;
     [[nodiscard]] const ApplicationKind* kind(ApplicationType type) const override;
     [[nodiscard]] std::vector<RunState> running(
         const std::vector<const ApplicationRecord*>& records) const override;

@@ -1,4 +1,5 @@
 // UninstallAppsController: the question before a removal. UninstallAppsRemoval.cpp carries it out.
+#include <algorithm>
 #include <utility>
 
 #include "services/foundation/runAside.h"
@@ -11,7 +12,8 @@
 namespace orrinvale {
 namespace {
 
-constexpr std::chrono::milliseconds runningPause{1000};
+// A look reads all processes, and a list of packages: the longer it takes, the rarer.
+constexpr std::chrono::milliseconds firstRunningPause{1000}, longestRunningPause{8000};
 
 }  // namespace
 
@@ -75,22 +77,25 @@ void UninstallAppsController::quitRunning(std::size_t number) {
         },
         [this, question, number](bool isAsked) {
             if (!isAsked) question->showCannotQuit(number);
-            if (question == m_question) lookAtRunning(number);
+            if (question == m_question) lookAtRunning(number, firstRunningPause);
         });
 }
 
-// It may ask its person to save before it goes, so it is looked at until it has.
-void UninstallAppsController::lookAtRunning(std::size_t number) {
+// It may ask its person to save before it goes, so it is looked at until it has. What nobody can
+// tell now is not known a second later either.
+void UninstallAppsController::lookAtRunning(std::size_t number, std::chrono::milliseconds pause) {
     UninstallQuestion* const question = m_question;
     if (question == nullptr) return;
     runAside(
         question, "a running application",
         [work = m_parts.work, record = question->record(number)] { return work->running(*record); },
-        [this, question, number](RunState state) {
+        [this, question, number, pause](RunState state) {
             question->showRunning(number, state);
-            if (state != RunState::No && question == m_question)
-                QTimer::singleShot(runningPause, question,
-                                   [this, number] { lookAtRunning(number); });
+            if (state == RunState::No || question != m_question) return;
+            const auto wait = state == RunState::Unknown ? longestRunningPause : pause;
+            QTimer::singleShot(wait, question, [this, number, wait] {
+                lookAtRunning(number, std::min(2 * wait, longestRunningPause));
+            });
         });
 }
 

@@ -65,7 +65,7 @@ UninstallAppsController::UninstallAppsController(PageServices services, Uninstal
           m_list, UninstallAppsModel::Workings{
                       .icon = [this](const std::string& name) { return m_icons.icon(name); },
                       .clickBox = [this](AppItems& item) { boxClicked(item); },
-                      .mayTick = [this] { return isFree(); }})),
+                      .mayTick = [this] { return mayTick(); }})),
       m_controls(stateTable()),
       m_sortColumn(UninstallAppsModel::Name) {
     m_views->tableView->setModel(m_model.get());
@@ -98,7 +98,7 @@ StateTable UninstallAppsController::stateTable() const {
         // Whoever writes into it keeps the keyboard while the list follows a change by itself.
         {views.filterField, {Off, Off, On, On, Off}},
         {views.stopButton, {Hidden, Hidden, Hidden, Hidden, On}},
-        {views.selectButton, {Off, Off, Off, On, Off}},
+        {views.selectButton, {Off, Off, On, On, Off}},
         // A removal is seen as a change and listed anew; what it came to stays to be read.
         {views.failureLine, {Kept, Kept, Kept, Kept, Hidden}},
         {views.removedLine, {Kept, Kept, Kept, Kept, Hidden}},
@@ -195,14 +195,31 @@ void UninstallAppsController::search() {
     enter(m_isScaned ? State::ListingAnew : State::Searching);
     m_twSearchApplications = runAside(
         this, "searchApplications",
-        [parts = m_parts] {
+        [parts = m_parts, self = QPointer(this), isFirst = !m_isScaned] {
             // The stamp first: what changes meanwhile is then seen as a change.
             Found found{{}, parts.stamp ? parts.stamp() : std::string()};
-            found.items = parts.inventory();
+            // A list that stands is not replaced piece by piece.
+            found.items = parts.inventory([&](const AppItemsArray& soFar) {
+                if (!isFirst) return;
+                QMetaObject::invokeMethod(
+                    QCoreApplication::instance(),
+                    [self, soFar] {
+                        if (self != nullptr) self->showFoundSoFar(soFar);
+                    },
+                    Qt::QueuedConnection);
+            });
             return found;
         },
         [this](const Found& found) { searchAppsFinished(found.items, found.stamp); });
     if (m_twSearchApplications == nullptr) searchAppsFinished(m_list.searchAllAppArr(), {});
+}
+
+// News may come behind the whole.
+void UninstallAppsController::showFoundSoFar(const AppItemsArray& soFar) {
+    if (m_state != State::Searching || soFar.size() == m_list.searchAllAppArr().size()) return;
+    m_list.setFound(soFar);
+    showLeftRows();
+    showRows();
 }
 
 void UninstallAppsController::searchAppsFinished(const AppItemsArray& found,
@@ -220,8 +237,6 @@ void UninstallAppsController::searchAppsFinished(const AppItemsArray& found,
     showLeftRows();
     showRows();
     m_sizes.fillIn(m_list.searchAllAppArr());
-    if (m_views->searchView->isAncestorOf(QApplication::focusWidget()))
-        m_views->tableView->setFocus();
 }
 
 void UninstallAppsController::cancelSearchApps() { m_views->searchAppsIndicator->stop(); }
@@ -248,14 +263,16 @@ void UninstallAppsController::lookForChanges() {
 // The list, or words in its place where there is nothing to list.
 void UninstallAppsController::showFitting() {
     UninstallAppsViews& views = *m_views;
-    if (!m_isScaned) return;
     const bool isEmpty = m_list.allApplications().empty();
+    if (isEmpty && !m_isScaned) return;
+    const bool hadFocus = views.searchView->isAncestorOf(QApplication::focusWidget());
     if (isEmpty)
         views.emptyLabel->setText(m_list.isFiltered()
                                       ? tr("No application here has this in its name.")
                                       : tr("There are no applications of this kind here."));
     views.content->setCurrentWidget(isEmpty ? views.emptyView
                                             : static_cast<QWidget*>(views.tableView));
+    if (hadFocus) views.tableView->setFocus();
 }
 
 void UninstallAppsController::showTitle() {

@@ -40,7 +40,9 @@ class UninstallQuestion;
 /// What the page asks beside the services of all pages. All is asked on threads aside, and outlives
 /// these.
 struct UninstallPageParts {
-    std::function<AppItemsArray()> inventory;
+    /// Told of what is found so far, each kind behind the other.
+    using News = std::function<void(const AppItemsArray& soFar)>;
+    std::function<AppItemsArray(const News& news)> inventory;
     ApplicationSizes::Measure measure;
     /// Another text when something was installed or removed; empty: nobody can tell.
     std::function<std::string()> stamp{};
@@ -105,6 +107,8 @@ private:
     void enter(State state);
     [[nodiscard]] StateTable stateTable() const;
     [[nodiscard]] bool isFree() const { return m_state == State::Ready; }
+    /// Ticks stand in records, which outlast a new list.
+    [[nodiscard]] bool mayTick() const { return m_state != State::Removing; }
     /// Records stay as they are while somebody is asked about them.
     [[nodiscard]] bool mayListAnew() const;
 
@@ -112,6 +116,7 @@ private:
     void connectControls();
     void connectKeys();
     void search();
+    void showFoundSoFar(const AppItemsArray& soFar);
     void searchAppsFinished(const AppItemsArray& found, const std::string& stamp);
     void lookForChanges();
     void showFitting();
@@ -137,7 +142,7 @@ private:
     void showAlertForUninstall();
     void askForForecast(const AppItemsArray& items);
     void quitRunning(std::size_t number);
-    void lookAtRunning(std::size_t number);
+    void lookAtRunning(std::size_t number, std::chrono::milliseconds pause);
     void alertEnded_code(int code);
     void beginRemoval(const std::shared_ptr<const UninstallPlan>& plan,
                       std::vector<UninstallRequest> requests);

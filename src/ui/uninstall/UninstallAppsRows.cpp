@@ -63,7 +63,7 @@ void UninstallAppsController::getSelectAllOrNull() {
 }
 
 void UninstallAppsController::boxClicked(AppItems& item) {
-    if (!isFree()) return;
+    if (!mayTick()) return;
     UninstallList::flip(item);
     m_model->refresh();
     getSelectAllOrNull();
@@ -72,7 +72,7 @@ void UninstallAppsController::boxClicked(AppItems& item) {
 
 // The click has changed the box already.
 void UninstallAppsController::selectAllList() {
-    if (isFree()) m_list.selectAllList(m_views->selectButton->state() == TickState::All);
+    if (mayTick()) m_list.selectAllList(m_views->selectButton->state() == TickState::All);
     m_model->refresh();
     getSelectAllOrNull();
     postSelectNum();

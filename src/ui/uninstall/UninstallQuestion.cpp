@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QLocale>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -25,6 +26,10 @@ namespace {
 
 constexpr int questionWidth = 560, leastHeight = 250, signSide = 40;
 constexpr int boxTextWidth = 440, boxIndent = 30;
+
+// So many are made at a time, and so many pages of the list ahead of what is seen.
+constexpr std::size_t blockSize = 20;
+constexpr int pagesAhead = 2;
 
 QString lineOf(const std::string& bytes) { return onOneLine(QString::fromStdString(bytes)); }
 
@@ -99,6 +104,13 @@ UninstallQuestion::UninstallQuestion(const AppItemsArray& items, const QString& 
     addHead(*column, informativeText);
     addParts(*column, items);
     addButtons(*column);
+    addBlock();
+    showMore();
+    m_nextTurn.setSingleShot(true);
+    connect(&m_nextTurn, &QTimer::timeout, this, &UninstallQuestion::goOn);
+    const auto look = qOverload<>(&QTimer::start);
+    connect(m_area->verticalScrollBar(), &QScrollBar::valueChanged, &m_nextTurn, look);
+    connect(m_area->verticalScrollBar(), &QScrollBar::rangeChanged, &m_nextTurn, look);
 }
 
 QSize UninstallQuestion::sizeHint() const { return {questionWidth, layout()->sizeHint().height()}; }
@@ -131,15 +143,11 @@ void UninstallQuestion::addParts(QVBoxLayout& column, const AppItemsArray& items
     for (const auto& item : items) {
         Part part;
         part.item = *item;
-        part.lines = new QVBoxLayout;
-        part.lines->setSpacing(Theme::gapTiny);
-        m_list->addLayout(part.lines);
-        auto* const name = new ElidedLabel;
-        name->setFont(Theme::shared().font(Theme::Text::BodyStrong));
-        name->setText(titleOf(*item));
-        part.lines->addWidget(name);
         m_parts.push_back(std::move(part));
     }
+    m_more = makeLabel("moreLabel", Theme::Text::Body, QPalette::PlaceholderText);
+    m_more->setAlignment(Qt::AlignLeading);
+    m_list->addWidget(m_more);
     m_list->addStretch();
     m_area = new QScrollArea;
     m_area->setObjectName(QStringLiteral("partsArea"));
@@ -159,6 +167,49 @@ void UninstallQuestion::addParts(QVBoxLayout& column, const AppItemsArray& items
     column.addWidget(m_waiting);
 }
 
+// One block a turn; the list that grows by it asks for the next.
+void UninstallQuestion::goOn() {
+    const QScrollBar& bar = *m_area->verticalScrollBar();
+    if (bar.value() + pagesAhead * bar.pageStep() < bar.maximum()) return;
+    if (m_shown < m_parts.size()) addBlock();
+    else addNotes();
+    showMore();
+}
+
+void UninstallQuestion::addBlock() {
+    const std::size_t end = std::min(m_shown + blockSize, m_parts.size());
+    for (; m_shown < end; ++m_shown) {
+        Part& part = m_parts[m_shown];
+        part.lines = new QVBoxLayout;
+        part.lines->setSpacing(Theme::gapTiny);
+        m_list->insertLayout(int(m_shown), part.lines);
+        auto* const name = new ElidedLabel;
+        name->setFont(Theme::shared().font(Theme::Text::BodyStrong));
+        name->setText(titleOf(part.item));
+        part.lines->addWidget(name);
+        if (m_outlook) fillPart(part, m_shown);
+    }
+}
+
+// Each sentence names its own application.
+void UninstallQuestion::addNotes() {
+    if (!m_outlook) return;
+    const std::size_t end = std::min(m_noted + blockSize, m_outlook->notes.size());
+    if (m_noted == end) return;
+    auto* const lines = new QVBoxLayout;
+    lines->setSpacing(Theme::gapTiny);
+    m_list->insertLayout(m_list->indexOf(m_more), lines);
+    for (; m_noted < end; ++m_noted) addLine(*lines, inWords(m_outlook->notes[m_noted]));
+}
+
+void UninstallQuestion::showMore() {
+    const std::size_t left = m_parts.size() - m_shown;
+    m_more->setVisible(left != 0);
+    if (left != 0)
+        m_more->setText(left == 1 ? tr("1 more follows")
+                                  : tr("%1 more follow").arg(QLocale().toString(qulonglong(left))));
+}
+
 void UninstallQuestion::addButtons(QVBoxLayout& column) {
     uninstallYes =
         named(new TextImageButton(tr("Uninstall"), TextImageButton::Role::Danger), "uninstallYes");
@@ -175,26 +226,16 @@ void UninstallQuestion::addButtons(QVBoxLayout& column) {
 
 void UninstallQuestion::showForecast(const UninstallOutlook& outlook) {
     m_waiting->hide();
-    m_plan = outlook.plan;
-    m_isListOld = outlook.isListOld;
+    m_outlook = std::make_shared<const UninstallOutlook>(outlook);
     bool mayAny = false;
     for (std::size_t number = 0; number < m_parts.size(); ++number) {
         m_parts[number].forecast = outlook.apps.at(number);
-        fillPart(m_parts[number], number);
+        if (number < m_shown) fillPart(m_parts[number], number);
         mayAny = mayAny || m_parts[number].forecast.refusal.empty();
     }
-    addNotes(outlook.notes);
+    m_nextTurn.start();
     uninstallYes->setEnabled(mayAny);
     uninstallYes->setToolTip(mayAny ? QString() : tr("None of them can be removed"));
-}
-
-// Behind all applications, each sentence names its own.
-void UninstallQuestion::addNotes(const std::vector<std::string>& notes) {
-    if (notes.empty()) return;
-    auto* const lines = new QVBoxLayout;
-    lines->setSpacing(Theme::gapTiny);
-    for (const std::string& each : notes) addLine(*lines, inWords(each));
-    m_list->insertLayout(m_list->count() - 1, lines);
 }
 
 void UninstallQuestion::showSilence(const QString& reason) {

@@ -2,6 +2,7 @@
 // stays, and what it left, which the person may tick.
 #pragma once
 
+#include <QTimer>
 #include <QWidget>
 #include <functional>
 #include <memory>
@@ -20,7 +21,8 @@ class TextImageButton;
 class TickBox;
 
 /// It keeps what it was asked about as it was then: whatever the list becomes, what is shown is
-/// what goes. The forecast comes while it stands; before, nobody can agree. Main thread only.
+/// what goes. The forecast comes while it stands; before, nobody can agree. Of thousands those are
+/// made into widgets that somebody scrolls to; a line says how many follow. Main thread only.
 class UninstallQuestion final : public QWidget {
     Q_OBJECT
 public:
@@ -37,9 +39,11 @@ public:
     /// What was agreed to: all that may go, with the leftovers that are ticked.
     [[nodiscard]] std::vector<UninstallRequest> requests() const;
     /// The promise that was shown; null before the forecast.
-    [[nodiscard]] const std::shared_ptr<const UninstallPlan>& plan() const { return m_plan; }
+    [[nodiscard]] std::shared_ptr<const UninstallPlan> plan() const {
+        return m_outlook ? m_outlook->plan : nullptr;
+    }
     /// The forecast found some that are not as they were listed.
-    [[nodiscard]] bool isListOld() const { return m_isListOld; }
+    [[nodiscard]] bool isListOld() const { return m_outlook && m_outlook->isListOld; }
     [[nodiscard]] std::shared_ptr<const ApplicationRecord> record(std::size_t number) const {
         return m_parts.at(number).item.record;
     }
@@ -64,17 +68,23 @@ private:
     };
     void addHead(QVBoxLayout& column, const QString& informativeText);
     void addParts(QVBoxLayout& column, const AppItemsArray& items);
+    void goOn();
+    void addBlock();
+    void addNotes();
+    void showMore();
     void addButtons(QVBoxLayout& column);
     void fillPart(Part& part, std::size_t number);
     void addPaths(Part& part);
     void addRunning(Part& part, std::size_t number);
     void addLeftovers(Part& part, LeftoverGrade grade, const QString& title);
-    void addNotes(const std::vector<std::string>& notes);
 
     std::vector<Part> m_parts;
-    std::shared_ptr<const UninstallPlan> m_plan;
-    bool m_isListOld = false;
+    std::shared_ptr<const UninstallOutlook> m_outlook;  // null before the forecast
+    QTimer m_nextTurn;
+    std::size_t m_shown = 0;  // of the parts, from the first
+    std::size_t m_noted = 0;  // of the notes, which stand behind all parts
     QVBoxLayout* m_list = nullptr;
+    QLabel* m_more = nullptr;
     QLabel* m_waiting = nullptr;
     QScrollArea* m_area = nullptr;
 };

@@ -50,10 +50,10 @@ std::shared_ptr<UninstallWork> workOf(const ApplicationSources& sources) {
 
 UninstallPageParts uninstallPartsOf(const ApplicationSources& sources) {
     UninstallPageParts parts;
-    parts.inventory = [sources] {
+    parts.inventory = [sources](const UninstallPageParts::News& news) {
         const UninstallAppDelegate search(*sources.files, sources.variables.home,
                                           sources.applications);
-        return std::move(UninstallAppInfo(search).allAppsInfo());
+        return std::move(UninstallAppInfo(search, news).allAppsInfo());
     };
     parts.measure = [sources](const ApplicationRecord& record, const std::atomic<bool>& stop) {
         return measured(sources, record, stop);

@@ -4,6 +4,7 @@
 #include "engine/removal/TrashDoor.h"
 #include "engine/uninstall/PlannedUninstallWork.h"
 #include "engine/uninstall/UninstallAppInfo.h"
+#include "platform/freeSpace.h"
 #include "platform/linux/LinuxApplications.h"
 #include "support/MadeUpMachine.h"
 #include "support/test.h"
@@ -132,7 +133,7 @@ struct OneSnap final : Applications, ApplicationKind {
     RemovalForecast forecast(const std::vector<ApplicationRecord>&, const Waiting&) const override {
         return {};
     }
-    ApplicationInventory inventory() const override {
+    ApplicationInventory look(const KindNews&) const override {
         ApplicationRecord code;
         code.type = ApplicationType::Snap;
         code.id = code.name = "code";
@@ -202,6 +203,79 @@ TEST_F(Planned, ASecondAttemptTakesWhatTheFirstCopyLeftToTheSecond) {
     locked.clear();
     EXPECT_TRUE(planned.remove(*outlook.plan, {{items[1], {}}}, progress, never)[0].isGone);
     EXPECT_FALSE(isThere(tree.at("home/Library/com.e.App.plist")));
+}
+
+// An ELF head with the mark of AppImages, and a packed folder with an entry and `megabytes` of
+// data.
+bool packAppImage(const std::string& folder, const std::string& path, int megabytes) {
+    const auto write = [](const std::string& to, const std::string& text) {
+        std::ofstream(to, std::ios::binary) << text;
+    };
+    std::filesystem::create_directories(folder);
+    write(folder + "/painter.desktop",
+          "[Desktop Entry]\nType=Application\nName=Painter\nExec=painter\n");
+    write(folder + "/data", testing::someBytes(std::size_t(megabytes) << 20U, 1));
+    std::string head(64, '\0');
+    head.replace(0, 11,
+                 "\x7F"
+                 "ELF\x02\x01\0\0AI\x02",
+                 11);
+    head[0x28] = 64;
+    if (std::system(("mksquashfs " + folder + " /mnt/packed -quiet -no-progress").c_str()) != 0)
+        return false;
+    write(path, head + contentOf("/mnt/packed"));
+    std::filesystem::remove("/mnt/packed");
+    std::filesystem::remove_all(folder);
+    return ::chmod(path.c_str(), 0755) == 0;
+}
+
+TEST(PlannedRemoval, OfAnAppImageGivesBackWhatWasPromisedOnceTheTrashIsEmpty) {
+    if (::access("/usr/bin/mksquashfs", X_OK) != 0) GTEST_SKIP() << "mksquashfs is not here";
+    testing::withOwnMounts([]() -> std::string {
+        testing::MadeUpMachine machine;
+        const std::string home = "/mnt/home", image = home + "/Applications/painter.AppImage";
+        const std::string entries = home + "/.local/share/applications";
+        std::filesystem::create_directories(home + "/Applications");
+        std::filesystem::create_directories(entries);
+        if (!packAppImage("/mnt/folder", image, 12)) return "skip: nothing can be packed";
+        std::ofstream(entries + "/painter.desktop")
+            << "[Desktop Entry]\nType=Application\nName=Painter\nExec=" << image << '\n';
+        machine.places.home = home;
+        machine.places.dataFolders = {home + "/.local/share"};
+        machine.places.appImageFolders = {home + "/Applications"};
+        const LinuxApplications applications(machine.places);
+        const LinuxFileSystem files;
+        const UninstallParts parts{&files, &applications, home, machine.tree.path()};
+        UninstallDoors doors = UninstallDoors::usual(parts);
+        doors.trash = [&]() -> std::unique_ptr<RemovalDoor> {
+            return std::make_unique<TrashDoor>(
+                files, ProtectedPlaces(),
+                FolderVariables{.home = home, .dataHome = home + "/.local/share", .user = 0});
+        };
+        PlannedUninstallWork work(parts, {}, doors, nullptr, nullptr);
+        UninstallAppInfo info(UninstallAppDelegate(files, home, &applications, parts.root));
+        if (info.allAppsInfo().size() != 1) return "it is not listed once";
+        AppItems item = *info.allAppsInfo().front();
+        const std::uint64_t promised = detailsOf(parts, item).bytes.value_or(0);
+        item.fileSizeNum = promised;
+        const auto free = [] { return std::int64_t(settledFreeSpace("/mnt").value_or(0)); };
+        const std::int64_t before = free();
+        const UninstallOutlook outlook = work.forecast({item}, never);
+        ProgressBox progress;
+        const auto result = work.remove(*outlook.plan, {{item, {}}}, progress, never).front();
+        const std::int64_t inTrash = free() - before;
+        if (!result.isGone || isThere(image) || isThere(entries + "/painter.desktop"))
+            return "it stays: " + result.reason;
+        std::filesystem::remove_all(home + "/.local/share/Trash");
+        const std::int64_t gained = free() - before;
+        const std::string figures = fmt::format("promised {}, told {}, in the trash {}, gained {}",
+                                                promised, result.gained, inTrash, gained);
+        constexpr std::int64_t page = 16384;  // of the file's end, its entry, and their folders
+        const bool isKept = std::abs(gained - std::int64_t(promised)) <= page &&
+                            promised >= std::uint64_t{12} << 20U && result.gained == promised &&
+                            std::abs(inTrash) <= page;
+        return isKept ? "" : figures;
+    });
 }
 
 }  // namespace
