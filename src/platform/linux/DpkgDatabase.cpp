@@ -93,8 +93,9 @@ void take(DpkgPackage& package, const Field& field) {
 
 // deb-control(5) allows no others, and these names stand in paths and in lists with marks between.
 bool isPlain(std::string_view name) {
-    return name.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789"
-                                  "+-.") == std::string_view::npos;
+    return name.find_first_not_of(
+               "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789"
+               "+-.") == std::string_view::npos;
 }
 
 std::string_view nameIn(std::string_view relation) {
