@@ -38,19 +38,19 @@ void print(const std::vector<Row>& rows, bool asJson) {
     for (const Row& row : rows) {
         if (asJson)
             text += fmt::format(
-                R"({}{{"step":"{}","longest_ms":{},"total_ms":{},"busy_ms":{},"redraws_per_second":{:.0f},"over":{}}})",
-                text.empty() ? "[" : ",\n ", row.step, row.longest, row.total, row.busy,
-                row.redraws, isOver(row));
+                R"({}{{"step":"{}","longest_ms":{},"busiest_ms":{:.1f},"total_ms":{},"busy_ms":{},"redraws_per_second":{:.0f},"over":{}}})",
+                text.empty() ? "[" : ",\n ", row.step, row.longest, row.busiest, row.total,
+                row.busy, row.redraws, isOver(row));
         else
-            text += fmt::format("{:<32}{:>8} ms{:>8} ms{:>8} ms{:>10}{}\n", row.step, row.longest,
-                                row.total, row.busy,
+            text += fmt::format("{:<32}{:>8} ms{:>8.1f} ms{:>8} ms{:>8} ms{:>10}{}\n", row.step,
+                                row.longest, row.busiest, row.total, row.busy,
                                 row.redraws == 0 ? "" : fmt::format("{:.0f}/s", row.redraws),
                                 isOver(row) ? "  over" : "");
     }
     if (asJson) text += "]\n";
     else
-        text.insert(0, fmt::format("{:<32}{:>11}{:>11}{:>11}{:>10}\n", "step", "longest", "total",
-                                   "busy", "redraws"));
+        text.insert(0, fmt::format("{:<32}{:>11}{:>11}{:>11}{:>11}{:>10}\n", "step", "longest",
+                                   "busiest", "total", "busy", "redraws"));
     std::fputs(text.c_str(), stdout);
 }
 
@@ -80,6 +80,7 @@ void WindowSteps::step(const std::string& name, const std::function<void()>& act
                        const std::function<bool()>& isOver) {
     pass(150);
     static_cast<void>(m_stalls.takeLongest());
+    static_cast<void>(m_stalls.takeBusiest());
     QElapsedTimer clock;
     clock.start();
     const qint64 busyBefore = busy();
@@ -93,7 +94,11 @@ void WindowSteps::step(const std::string& name, const std::function<void()>& act
     while (!begun || !isOver()) pass(1);
     const qint64 total = clock.elapsed();
     pass(150);
-    rows.push_back({name, m_stalls.takeLongest(), total, busy() - busyBefore, 0});
+    rows.push_back({.step = name,
+                    .longest = m_stalls.takeLongest(),
+                    .busiest = static_cast<double>(m_stalls.takeBusiest()) / 1000,
+                    .total = total,
+                    .busy = busy() - busyBefore});
 }
 
 void WindowSteps::click(QWidget& widget, QPoint position) {

@@ -33,6 +33,7 @@ private:
 struct Row {
     std::string step;
     qint64 longest = 0;  // milliseconds
+    double busiest = 0;  // milliseconds of processor time of the busiest turn
     qint64 total = 0;    // milliseconds until the step was over
     qint64 busy = 0;  // milliseconds of processor time on the main thread, which other programs do
                       // not stretch

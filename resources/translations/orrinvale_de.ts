@@ -106,10 +106,6 @@
         <translation>Nur Namen mit diesen Worten zeigen</translation>
     </message>
     <message>
-        <source>Filter</source>
-        <translation>Filtern</translation>
-    </message>
-    <message>
         <source>Scan again</source>
         <translation>Noch einmal durchsehen</translation>
     </message>
@@ -583,6 +579,13 @@
             <numerusform>Nichts wurde entfernt: %Ln inzwischen geändert oder in Gebrauch</numerusform>
             <numerusform>Nichts wurde entfernt: %Ln inzwischen geändert oder in Gebrauch</numerusform>
         </translation>
+    </message>
+</context>
+<context>
+    <name>FilterField</name>
+    <message>
+        <source>Filter</source>
+        <translation>Filtern</translation>
     </message>
 </context>
 <context>
@@ -1855,10 +1858,6 @@
         <translation>Nach Namen filtern</translation>
     </message>
     <message>
-        <source>Filter</source>
-        <translation>Filtern</translation>
-    </message>
-    <message>
         <source>Looking for applications</source>
         <translation>Anwendungen werden gesucht</translation>
     </message>
@@ -2821,7 +2820,7 @@ Freie Software unter der Apache License 2.0.</translation>
     </message>
     <message>
         <source>%1 in one category can go</source>
-        <translation>%1 in einer Kategorie können weg</translation>
+        <translation>%1 können weg</translation>
     </message>
     <message numerus="yes">
         <source>%1 in %n categories can go</source>

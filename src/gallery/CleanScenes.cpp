@@ -215,6 +215,10 @@ bool CleanScenes::drawClean() {
     const auto* const gain = m_window->window()->findChild<QWidget*>(QStringLiteral("gainLabel"));
     if (!waitFor("what was gained", [gain] { return gain->isVisible(); })) return false;
     if (!waitFor("the record", [this, old] { return noteText() != old; })) return false;
+    const auto cloud = [this] {
+        return m_window->window()->findChild<QWidget*>(QStringLiteral("disappearingEffect"));
+    };
+    if (!waitFor("the cloud to fade", [&] { return cloud() == nullptr; })) return false;
     return save("cleaned") && click("scanButton") && save("cleaned-overview");
 }
 

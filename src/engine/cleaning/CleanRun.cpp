@@ -5,7 +5,6 @@
 #include <bit>
 #include <set>
 #include <string_view>
-#include <unordered_set>
 
 #include "engine/base/saturating.h"
 #include "platform/paths.h"
@@ -57,11 +56,9 @@ void CleanRun::promise(const CleanChoice& choice, const SpaceGain::FreeSpace& fr
     m_promised = 0;
     for (std::size_t i = 0; i < m_all.size(); ++i) {
         if (!takesPart(i)) continue;
-        std::unordered_set<std::string_view> chosen;
-        for (const auto& row : choice.rows.at(i)) chosen.insert(row->path);
         std::string_view last;  // rows of one folder follow each other
-        for (const CleanRow& row : m_all[i]->listing().rows) {
-            if (!chosen.contains(row.path)) continue;
+        for (const std::size_t place : m_all[i]->placesOf(choice.rows.at(i))) {
+            const CleanRow& row = m_all[i]->listing().rows[place];
             addSaturating(m_promised, row.onDisk);
             const std::string_view folder = splitPath(row.path).folder;
             if (std::exchange(last, folder) != folder) folders.insert(folderOf(row.path));

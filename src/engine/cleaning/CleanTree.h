@@ -18,6 +18,11 @@ namespace orrinvale {
 /// a group of that category is found by being none of the others.
 [[nodiscard]] std::size_t categoryOfGroup(std::string_view name);
 
+/// Rows of a list as the leaves of a group that has no name yet, none of them ticked; `seen` has
+/// their ages. Any thread: the main one only for rows that stayed of a list.
+[[nodiscard]] TreeNode::Pointer groupOfRows(const ScanViewController::Rows& rows,
+                                            const std::vector<CleanRow>& seen);
+
 /// Holds rows of the lists, which outlive it or are forgotten before. Main thread only.
 class CleanTree final {
 public:

@@ -5,10 +5,8 @@
 #include <any>
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,6 +19,8 @@
 #include "engine/removal/RemovalJob.h"
 
 namespace orrinvale {
+
+class TreeNode;
 
 /// A tick changed: the state of the row, or of the last row of the list; and nothing at the end of
 /// a scan. `startButton` is what was clicked, where the whole list was.
@@ -100,7 +100,7 @@ public:
     /// list, since it is none of what may go. `gain`, which may be null, is begun when its turn has
     /// come; cleans that run side by side may share one.
     void beginCleanTask(std::shared_ptr<SpaceGain> gain = nullptr);
-    /// The same, of the ticked rows only these.
+    /// The same, of the ticked rows only these, which are in the order of the list.
     void beginCleanTask(const Rows& chosen, std::shared_ptr<SpaceGain> gain);
     /// Ends the clean before its next entry, for whoever stops it and for the end of the program.
     /// Does nothing while there is none.
@@ -141,6 +141,12 @@ public:
     [[nodiscard]] const CategoryListing& listing() const { return m_listing; }
     /// What became of the last clean; nothing while there was none.
     [[nodiscard]] const std::optional<RemovalOutcome>& lastOutcome() const { return m_outcome; }
+    /// Where these rows stand in the list and in listing(), in whose order they are; of one that is
+    /// not there, and of all behind it, nothing.
+    [[nodiscard]] std::vector<std::size_t> placesOf(const Rows& some) const;
+    /// The rows as the group of a tree, which the scan has made along, without a name and without
+    /// ticks. Null once it was taken, or where the rows are others since.
+    [[nodiscard]] std::shared_ptr<TreeNode> takeGroup();
     /// The rows that the last clean took as a whole, by their paths.
     [[nodiscard]] const std::vector<std::string>& cleanedRows() const { return m_cleanedRows; }
 
@@ -159,19 +165,28 @@ public:
 private:
     class Scan;
     class Clean;
+    struct Left {
+        Rows infos;
+        std::vector<CleanRow> rows;
+    };
+    // Whether the list is that of listing(), row by row.
+    [[nodiscard]] bool isListed() const {
+        return scanFiles && scanFiles->size() == m_listing.rows.size();
+    }
     void setAll(bool isTicked);
     void setFilesSize(std::uint64_t bytes);
-    void scanTaskFinished(CategoryListing listing, Rows rows);
+    void scanTaskFinished(CategoryListing listing, Rows rows, std::shared_ptr<TreeNode> group);
+    [[nodiscard]] Left dropRows(const std::vector<bool>& isLeaving);
+    void recount();
+    void tellTotal();
+
+    void begin(std::shared_ptr<SpaceGain> gain);
+    void forgetPlaces();
     void takeCleanNews();
     void rowIsGone(std::size_t row);
     void countGone(std::uint64_t bytes);
-    void takeFromTotal(std::uint64_t bytes);
-    void recount();
-    void tellTotal();
-    void begin(std::shared_ptr<SpaceGain> gain);
     void finishClean();
-    void shrinkRows(const std::map<std::string_view, std::uint64_t>& begun);
-    void dropRows(const std::set<std::string>& leaving);
+    void shrinkRow(std::size_t place, std::uint64_t gone);
 
     static inline int s_cleaning = 0;  // cleans that are under way
     const ScanViewParts m_parts;
@@ -179,8 +194,9 @@ private:
     CategoryListing m_listing;  // of what is in the list by now
     std::uint64_t m_total = 0;
     bool m_isStopped = false;
+    std::shared_ptr<TreeNode> m_group;  // of the rows, as long as nobody has taken it
     std::shared_ptr<Scan> m_scan;
-    std::unique_ptr<Clean> m_clean;
+    std::shared_ptr<Clean> m_clean;
     std::optional<RemovalOutcome> m_outcome;
     std::vector<std::string> m_cleanedRows;
 };

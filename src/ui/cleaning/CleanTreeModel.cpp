@@ -17,7 +17,7 @@
 namespace orrinvale {
 namespace {
 
-constexpr int countColumnWidth = 92;
+constexpr int countColumnWidth = 80;
 constexpr int sizeColumnWidth = 92;
 
 CleanCategory categoryOf(const SimpleNodeData& group) {

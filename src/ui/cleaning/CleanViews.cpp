@@ -17,14 +17,15 @@
 #include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/controls/Panel.h"
 #include "ui/kit/controls/QnProgressView.h"
+#include "ui/kit/controls/filterField.h"
 #include "ui/kit/controls/viewParts.h"
 #include "ui/page/Padlock.h"
 
 namespace orrinvale {
 namespace {
 
-constexpr int filterWidth = 170;
 constexpr int noteWidth = 560;
+constexpr int lowLineHeight = 24;
 
 }  // namespace
 
@@ -100,16 +101,22 @@ QWidget* CleanViews::makeNoteBar() {
     auto* const column = new QVBoxLayout(noteBar);
     column->setContentsMargins(Theme::gapLarge, Theme::gapSmall, Theme::gapLarge, Theme::gapSmall);
     column->setSpacing(Theme::gapSmall);
-    // What the last clean came to stands where its progress stood: the bar below has no room for it
-    // in a narrow window.
+    // What the last clean came to stands where its progress stood, and what is kept beside it: the
+    // bar below has room for no more than one sentence in a narrow window.
     gainLabel = named(new ElidedLabel, "gainLabel");
     gainLabel->setFont(Theme::shared().font(Theme::Text::Body));
     gainLabel->setForegroundRole(QPalette::PlaceholderText);
     gainLabel->hide();
     auto* const result = new QHBoxLayout;
-    result->setSpacing(Theme::gap);
+    // The words of a button begin inside it; they stand in one line with the sentence above.
+    constexpr int inset = Theme::gapSmall + 2;
+    result->setContentsMargins(-inset, 0, 0, 0);
+    result->setSpacing(Theme::gapTiny);
+    gainLabel->setContentsMargins(inset, 0, 0, 0);
+    for (HoverButton* const line : {failureLine, quietLine}) line->setFixedHeight(lowLineHeight);
     result->addWidget(gainLabel);
     result->addWidget(failureLine);
+    result->addWidget(quietLine);
     result->addStretch();
     column->addWidget(noteTextField);
     column->addLayout(result);
@@ -120,11 +127,7 @@ QWidget* CleanViews::makeNoteBar() {
 void CleanViews::fillHead(NotificationCenter& notifications) {
     outlineButton = named(new HoverButton, "outlineButton");
     outlineButton->setText(tr("Show All Entries"));
-    filterField = named(new QLineEdit, "filterField", tr("Show only names with these words"));
-    filterField->setPlaceholderText(tr("Filter"));
-    filterField->setClearButtonEnabled(true);
-    filterField->setTextMargins(Theme::gapTiny, 0, Theme::gapTiny, 0);
-    filterField->setFixedSize(filterWidth, Theme::controlHeight);
+    filterField = makeFilterField(tr("Show only names with these words"));
     rescanButton = makeImageButton("rescanButton", QStringLiteral("refresh"), tr("Scan again"));
     lockButton = new Padlock(notifications);
     for (QWidget* const each :
@@ -167,7 +170,7 @@ void CleanViews::fillBottom() {
         named(new TextImageButton(tr("Clean"), TextImageButton::Role::Danger), "cleanButton");
     oneListCleanButton = named(new TextImageButton(tr("Clean"), TextImageButton::Role::Danger),
                                "oneListCleanButton");
-    // What was selected or cleaned comes first; then what is told quietly.
+    // What was selected or cleaned comes first.
     bottom->insertWidget(0, stateTextField);
     for (QWidget* const each :
          {static_cast<QWidget*>(stopButton), static_cast<QWidget*>(cleanButton),

@@ -9,6 +9,7 @@
 #include "engine/settings/UserDefaults.h"
 #include "engine/text/UtilityFunction.h"
 #include "ui/cleaning/cleanWords.h"
+#include "ui/kit/controls/numberText.h"
 #include "ui/kit/look/Theme.h"
 
 namespace orrinvale {
@@ -63,9 +64,11 @@ CustomTableView::CustomTableView(NotificationCenter& notifications, QWidget* par
         const LeftRow::Content content = contentOf(row);
         m_dataArr.push_back({content.title, content.picture, {}, {}});
         auto* const added = new LeftLinkTabviewCell(row, notifications);
+        if (isCategoryRow(row)) added->setBox(TickState::Nothing);
         add(added);
         connect(added, &LeftRow::boxClicked, this, [this, row] { Q_EMIT boxClicked(row); });
     }
+    makeRoomForSizes(shownSize("888.88 MB"));
     select(overviewRow);
     m_observation = notice::changeCheckBox.observe(
         notifications, [this](SwitchedCategory each) { changeCheckBox(each.tag, each.flag); });

@@ -47,7 +47,7 @@ private:
 class CustomTableView final : public LeftRail {
     Q_OBJECT
 public:
-    static constexpr int tableWidth = 240;
+    static constexpr int tableWidth = 252;
 
     /// The centre outlives it.
     explicit CustomTableView(NotificationCenter& notifications, QWidget* parent = nullptr);

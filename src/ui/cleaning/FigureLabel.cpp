@@ -40,7 +40,21 @@ void FigureLabel::draw() {
         shown.push_back(QStringLiteral("<b style=\"color:%1; font-size:%2pt\">%3</b>")
                             .arg(color, QString::number(size), figure.toHtmlEscaped()));
     }
+    m_heights.clear();
     setText(m_sentence.isEmpty() ? QString() : filled(m_pattern.toHtmlEscaped(), shown));
+}
+
+// Whatever comes or goes on the page asks for it, at two or three widths, and each answer sets the
+// sentence anew: that was half of what the end of a scan took on the main thread.
+int FigureLabel::heightForWidth(int width) const {
+    const auto known = m_heights.find(width);
+    if (known != m_heights.end()) return known->second;
+    return m_heights[width] = QLabel::heightForWidth(width);
+}
+
+void FigureLabel::changeEvent(QEvent* event) {
+    m_heights.clear();
+    QLabel::changeEvent(event);
 }
 
 }  // namespace orrinvale

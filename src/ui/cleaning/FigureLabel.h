@@ -3,6 +3,7 @@
 
 #include <QLabel>
 #include <QStringList>
+#include <map>
 
 #include "ui/kit/look/Theme.h"
 
@@ -21,12 +22,18 @@ public:
     /// As a person reads it; empty before.
     [[nodiscard]] const QString& sentence() const { return m_sentence; }
 
+    [[nodiscard]] int heightForWidth(int width) const override;
+
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
     void draw();
 
     QString m_pattern, m_sentence;
     QStringList m_figures;
     bool m_isFirstLarge = false;
+    mutable std::map<int, int> m_heights;  // by width
 };
 
 }  // namespace orrinvale

@@ -153,8 +153,10 @@ void MainViewController::cleanEnded(std::size_t category) {
 
 void MainViewController::takeOutcome() {
     m_outcome = m_run.outcome();
-    for (const ScanViewController* const list : m_run.lists())
+    for (const ScanViewController* const list : m_run.lists()) {
+        m_cleaned.reserve(m_cleaned.size() + list->cleanedRows().size());
         m_cleaned.insert(list->cleanedRows().begin(), list->cleanedRows().end());
+    }
     const auto stayed = static_cast<int>(
         std::max<std::uint64_t>(m_outcome.stayed.size(), m_outcome.failedEntries + m_outcome.kept));
     ResultFrame::showLine(*m_views->failureLine, stayed == 0 ? QString()

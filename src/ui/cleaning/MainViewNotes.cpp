@@ -55,7 +55,7 @@ void MainViewController::showSelection() {
     const FigureSentence shown = selectedSentence(shownSums());
     m_views->stateTextField->showSentence(shown.pattern, shown.figures);
     m_views->stateTextField->setVisible(m_state == State::Reviewing &&
-                                        selectRowNum != freeSpaceRow);
+                                        selectRowNum != freeSpaceRow && shownSums().rows > 0);
 }
 
 void MainViewController::changeStateTextFeild(std::uint64_t bytes) {

@@ -5,6 +5,7 @@
 #include "ui/shell/StallCounter.h"
 
 #include <fmt/format.h>
+#include <time.h>
 
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>
@@ -13,6 +14,15 @@
 #include "engine/base/Log.h"
 
 namespace orrinvale {
+namespace {
+
+qint64 processorTime() {
+    timespec now{};
+    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return qint64{now.tv_sec} * 1'000'000 + now.tv_nsec / 1000;
+}
+
+}  // namespace
 
 StallCounter::StallCounter(bool print, QObject* parent) : QObject(parent), m_print(print) {
     auto* const dispatcher = QAbstractEventDispatcher::instance();
@@ -23,7 +33,10 @@ StallCounter::StallCounter(bool print, QObject* parent) : QObject(parent), m_pri
 }
 
 bool StallCounter::eventFilter(QObject* receiver, QEvent* event) {
-    if (!m_turn.isValid()) m_turn.start();
+    if (!m_turn.isValid()) {
+        m_turn.start();
+        m_busyBefore = processorTime();
+    }
     return QObject::eventFilter(receiver, event);
 }
 
@@ -32,11 +45,13 @@ void StallCounter::turnEnds() {
     const qint64 took = m_turn.elapsed();
     m_turn.invalidate();
     m_longest = std::max(m_longest, took);
+    m_busiest = std::max(m_busiest, processorTime() - m_busyBefore);
     if (took <= frameMilliseconds) return;
     ++m_count;
     if (m_print) Log::line(fmt::format("stall: {} ms", took));
 }
 
 qint64 StallCounter::takeLongest() { return std::exchange(m_longest, 0); }
+qint64 StallCounter::takeBusiest() { return std::exchange(m_busiest, 0); }
 
 }  // namespace orrinvale

@@ -20,6 +20,9 @@ public:
     /// The longest turn since the last call, in milliseconds. The turn under way does not count
     /// yet.
     [[nodiscard]] qint64 takeLongest();
+    /// Likewise of the processor time that turns took, which other programs do not stretch; in
+    /// microseconds.
+    [[nodiscard]] qint64 takeBusiest();
     [[nodiscard]] int count() const { return m_count; }
 
     bool eventFilter(QObject* receiver, QEvent* event) override;
@@ -30,6 +33,8 @@ private:
     const bool m_print;
     QElapsedTimer m_turn;
     qint64 m_longest = 0;
+    qint64 m_busyBefore = 0;  // the turn; microseconds of this thread
+    qint64 m_busiest = 0;
     int m_count = 0;
 };
 

@@ -16,6 +16,7 @@
 #include "ui/kit/controls/Panel.h"
 #include "ui/kit/controls/PictureView.h"
 #include "ui/kit/controls/Spinner.h"
+#include "ui/kit/controls/filterField.h"
 #include "ui/kit/controls/viewParts.h"
 #include "ui/kit/lists/FlatHeader.h"
 #include "ui/kit/lists/LeftRail.h"
@@ -29,7 +30,6 @@ namespace {
 
 // Below these widths a name would be cut to a few letters.
 constexpr int roomForDate = 660, roomForUse = 520;
-constexpr int filterWidth = 180;
 
 QString pictureOf(std::int32_t row) {
     switch (row) {
@@ -119,11 +119,7 @@ void UninstallAppsViews::initLeftView(const NotificationCenter& notifications) {
 
 void UninstallAppsViews::fillHead(NotificationCenter& notifications) {
     head->setContentsMargins(Theme::gapLarge, 0, Theme::gap, 0);
-    filterField = named(new QLineEdit, "filterField", tr("Filter by name"));
-    filterField->setPlaceholderText(tr("Filter"));
-    filterField->setClearButtonEnabled(true);
-    filterField->setTextMargins(Theme::gapTiny, 0, Theme::gapTiny, 0);
-    filterField->setFixedSize(filterWidth, Theme::controlHeight);
+    filterField = makeFilterField(tr("Filter by name"));
     lockButton = new Padlock(notifications);
     head->addWidget(filterField);
     head->addWidget(lockButton);

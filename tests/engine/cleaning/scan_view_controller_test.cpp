@@ -1,8 +1,11 @@
 // The list of one category: what is told and when, ticks and their setting, a clean.
 #include "engine/cleaning/ScanViewController.h"
 
+#include <future>
+
 #include "engine/cleaning/CleanHome.h"
 #include "engine/cleaning/CleanRun.h"
+#include "engine/duplicates/tree/SimpleTreeNode.h"
 #include "engine/removal/PlainDoor.h"
 #include "engine/settings/UserDefaults.h"
 #include "engine/text/UtilityFunction.h"
@@ -158,6 +161,40 @@ TEST(ScanViewController, whatAPersonKeepsIsToldOnce) {
     ASSERT_EQ(page.list.listing().kept.size(), 1U);
     EXPECT_EQ(page.list.listing().kept[0].kept, KeptBecause::Asked);
     EXPECT_EQ(page.list.listing().kept[0].keptBytes, 3500U);
+}
+
+// A clean knows its rows by their places, and the list by then is another.
+TEST(ScanViewController, aListThatCameDuringACleanIsLeftToItsScan) {
+    CleanHome home;
+    for (const char* name : {".cache/a", ".cache/b", ".cache/c"})
+        ASSERT_TRUE(home.tree.write(name, std::string(1'000'000, 'x')));
+    std::promise<void> mayRemove;
+    home.files.beforeRemoval = [held = mayRemove.get_future().share()](std::string_view step) {
+        if (step == "removeEntry") held.wait();
+    };
+    Page page(home);
+    ASSERT_TRUE(page.scan());
+    page.tick({"b", "c"});
+    page.list.beginCleanTask();
+    ASSERT_TRUE(home.tree.write(".cache/0", "12"));
+    ASSERT_TRUE(page.scan());
+    page.told.clear();
+    mayRemove.set_value();
+    ASSERT_TRUE(page.queue.serveUntil([&] { return !page.list.isCleaning(); }));
+    EXPECT_FALSE(isThere(home.tree.at(".cache/b")));
+    EXPECT_EQ(page.list.iCleanSize, 2'000'000U);
+    EXPECT_EQ(page.names(), (Names{"0", "a", "b", "c"}));
+    EXPECT_EQ(std::count(page.told.begin(), page.told.end(), "rows yes"), 0);
+
+    // The tree that the scan made along is that of its rows, and of no others.
+    const auto group = page.list.takeGroup();
+    ASSERT_TRUE(group != nullptr && group->numberOfChildren() == 4U);
+    for (std::size_t i = 0; i < 4; ++i)
+        EXPECT_EQ(simpleData(*group->childAtIndex(i))->name(), (*page.list.scanFiles)[i]->path);
+    EXPECT_EQ(page.list.takeGroup(), nullptr) << "a second time";
+    ASSERT_TRUE(page.scan());
+    page.list.leaveOut(home.tree.at(".cache/0"));
+    EXPECT_EQ(page.list.takeGroup(), nullptr) << "it has a row too many";
 }
 
 // Six lists end in any order, and a list that takes no part, or has ended, ends nothing.

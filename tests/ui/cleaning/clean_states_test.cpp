@@ -5,6 +5,7 @@
 #include <QTreeView>
 
 #include "ui/cleaning/CleanDesk.h"
+#include "ui/cleaning/FigureLabel.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/lists/RowDelegate.h"
 #include "ui/kit/lists/TickBox.h"
@@ -152,6 +153,24 @@ TEST(CleanStates, TheEndOfTheProgramEndsACleanBeforeItsNextEntry) {
 }
 
 // Nothing, all and some, as the one drawing of a box has them.
+// Heights are kept, and are those of the sentence of the moment.
+TEST(CleanStates, ASentenceIsAsHighAsItsWords) {
+    constexpr int width = 160;
+    const QString words = QStringLiteral("%1 has been recovered since the last clean, and more");
+    FigureLabel label;
+    label.setWordWrap(true);
+    label.showSentence(QStringLiteral("%1"), {QStringLiteral("3 MB")});
+    const int oneLine = label.heightForWidth(width);
+    label.showSentence(words, {QStringLiteral("3 MB")});
+    const int lines = label.heightForWidth(width);
+    EXPECT_GT(lines, oneLine);
+    EXPECT_LT(label.heightForWidth(4 * width), lines);
+    QFont large = label.font();
+    large.setPointSize(2 * large.pointSize());
+    label.setFont(large);
+    EXPECT_GT(label.heightForWidth(width), lines);
+}
+
 TEST(CleanStates, ThreeBoxes) {
     CleanDesk desk{
         {".cache/a", 1}, {".cache/b", 1}, {".local/share/Trash/files/t", 1}, {"Downloads/d", 1}};

@@ -2,6 +2,7 @@
 #include "ui/kit/lists/LeftRail.h"
 
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "ui/kit/lists/LeftRow.h"
 #include "ui/kit/look/accessibleRole.h"
@@ -22,6 +23,15 @@ void LeftRail::add(LeftRow* row) {
     static_cast<QVBoxLayout*>(layout())->insertWidget(number, row);
     m_rows.push_back(row);
     connect(row, &LeftRow::chosen, this, [this, number] { Q_EMIT chosen(number); });
+}
+
+void LeftRail::makeRoomForSizes(const QString& widest) {
+    const QMargins around = layout()->contentsMargins();
+    const int width = maximumWidth() - around.left() - around.right();
+    const bool isBelow = std::ranges::any_of(m_rows, [&](const LeftRow* row) {
+        return row->box().has_value() && !row->hasRoomFor(widest, width);
+    });
+    for (LeftRow* const row : m_rows) row->setSizeBelow(isBelow);
 }
 
 void LeftRail::select(int number) {

@@ -21,6 +21,10 @@ public:
     void add(LeftRow* row);
     [[nodiscard]] LeftRow& row(int number) const { return *m_rows.at(std::size_t(number)); }
 
+    /// Where a title would be cut beside a size as wide as this one, all sizes stand below their
+    /// titles: which titles are long is a matter of the language.
+    void makeRoomForSizes(const QString& widest);
+
     /// Selects this row and no other.
     void select(int number);
 

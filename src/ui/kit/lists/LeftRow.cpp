@@ -96,33 +96,62 @@ void LeftRow::drawGround(QPainter& painter) const {
     if (hasFocus()) drawFocusRing(painter, frame, highlightRadius);
 }
 
+int LeftRow::startOfIcon() const {
+    return Theme::gapSmall + (m_box != nullptr ? tickBoxSize + Theme::gapSmall : 0);
+}
+
+QFont LeftRow::titleFont() const {
+    QFont font = Theme::shared().font(Theme::Text::Body);
+    font.setBold(m_content.isStrong);
+    return font;
+}
+
+bool LeftRow::hasRoomFor(const QString& size, int width) const {
+    const QFontMetrics small(Theme::shared().font(Theme::Text::Caption));
+    const int beside = size.isEmpty() ? 0 : small.horizontalAdvance(size) + Theme::gapSmall;
+    return startOfIcon() + iconSide + 2 * Theme::gapSmall + beside +
+               QFontMetrics(titleFont()).horizontalAdvance(title()) <=
+           width;
+}
+
+void LeftRow::setSizeBelow(bool isBelow) {
+    m_isSizeBelow = isBelow;
+    update();
+}
+
 void LeftRow::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     if (!isEnabled()) painter.setOpacity(0.4);
     drawGround(painter);
-    const int start = Theme::gapSmall + (m_box != nullptr ? tickBoxSize + Theme::gapSmall : 0);
-    const QRect icon(start, (height() - iconSide) / 2, iconSide, iconSide);
+    const QRect icon(startOfIcon(), (height() - iconSide) / 2, iconSide, iconSide);
     picture(m_content.picture).paint(&painter, QStyle::visualRect(layoutDirection(), rect(), icon));
-    drawWords(painter, rect().adjusted(icon.right() + Theme::gapSmall, 0, -Theme::gapSmall, 0));
+    drawWords(painter, rect().adjusted(icon.right() + 1 + Theme::gapSmall, 0, -Theme::gapSmall, 0));
 }
 
 void LeftRow::drawWords(QPainter& painter, QRect place) const {
     const Theme& theme = Theme::shared();
-    const auto draw = [&](Qt::AlignmentFlag side, const QString& text) {
-        const auto shown = QStyle::visualAlignment(layoutDirection(), side | Qt::AlignVCenter);
-        painter.drawText(QStyle::visualRect(layoutDirection(), rect(), place), int(shown), text);
+    const auto draw = [&](Qt::Alignment side, const QRect& where, const QString& text) {
+        const auto shown = QStyle::visualAlignment(layoutDirection(), side);
+        painter.drawText(QStyle::visualRect(layoutDirection(), rect(), where), int(shown), text);
     };
+    QRect titlePlace = place;
     painter.setFont(theme.font(Theme::Text::Caption));
     painter.setPen(theme.color(Theme::Color::TextSecondary));
-    draw(Qt::AlignRight, m_size);
-    place.setRight(place.right() - painter.fontMetrics().horizontalAdvance(m_size) -
-                   Theme::gapSmall);
-    QFont titleFont = theme.font(Theme::Text::Body);
-    titleFont.setBold(m_content.isStrong);
-    painter.setFont(titleFont);
+    if (m_isSizeBelow && !m_size.isEmpty()) {
+        const int both = QFontMetrics(titleFont()).height() + painter.fontMetrics().height();
+        place.adjust(0, (height() - both) / 2, 0, -(height() - both) / 2);
+        titlePlace = place.adjusted(0, 0, 0, -painter.fontMetrics().height());
+        draw(Qt::AlignLeft | Qt::AlignBottom, place, m_size);
+    } else if (!m_size.isEmpty()) {
+        draw(Qt::AlignRight | Qt::AlignVCenter, place, m_size);
+        titlePlace.setRight(place.right() - painter.fontMetrics().horizontalAdvance(m_size) -
+                            Theme::gapSmall);
+    }
+    painter.setFont(titleFont());
     painter.setPen(theme.color(Theme::Color::Text));
-    draw(Qt::AlignLeft, painter.fontMetrics().elidedText(title(), Qt::ElideRight, place.width()));
+    draw(Qt::AlignLeft | Qt::AlignVCenter, titlePlace,
+         painter.fontMetrics().elidedText(title(), Qt::ElideRight, titlePlace.width()));
 }
 
 void LeftRow::mousePressEvent(QMouseEvent* event) {

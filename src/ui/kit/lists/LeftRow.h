@@ -28,6 +28,10 @@ public:
     [[nodiscard]] const QString& title() const { return m_content.title; }
     [[nodiscard]] const QString& sizeText() const { return m_size; }
     void setSizeText(const QString& text);
+    /// Whether the title can be read in full with this size beside it, in a row of this width.
+    [[nodiscard]] bool hasRoomFor(const QString& size, int width) const;
+    /// The size stands below the title; beside it at first.
+    void setSizeBelow(bool isBelow);
 
     [[nodiscard]] bool isSelected() const { return m_isSelected; }
     void setSelected(bool isSelected);
@@ -53,6 +57,8 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    [[nodiscard]] int startOfIcon() const;
+    [[nodiscard]] QFont titleFont() const;
     void placeBox();
     void clickBox();
     void drawWords(QPainter& painter, QRect place) const;
@@ -60,6 +66,7 @@ private:
     const Content m_content;
     QString m_size;
     bool m_isSelected = false;
+    bool m_isSizeBelow = false;
     TickBox* m_box = nullptr;
     TickState m_state = TickState::Nothing;
 };

@@ -163,6 +163,26 @@ TEST_F(Lists, AShareIsABarAndWhatIsGreyLooksIt) {
     EXPECT_NE(name(0), name(3));
 }
 
+// No title is cut for the size beside it, whatever the language makes of the title.
+TEST(LeftRail, SizesStandBelowWhereATitleIsLong) {
+    for (const char* const title : {"Logs", "Records of all that runs"}) {
+        LeftRail rail;
+        rail.setFixedWidth(220);
+        for (const char* const each : {"Caches", title}) {
+            auto* const added = new LeftRow({QLatin1String(each), QStringLiteral("ic_doc")});
+            added->setBox(TickState::All);
+            rail.add(added);
+        }
+        rail.makeRoomForSizes(QStringLiteral("888.88 MB"));
+        LeftRow& row = rail.row(0);
+        row.resize(220, 36);
+        const auto foot = [&] { return row.grab(QRect(40, 28, 60, 6)).toImage(); };
+        const QImage without = foot();
+        row.setSizeText(QStringLiteral("3 MB"));
+        EXPECT_EQ(foot() != without, QLatin1String(title).size() > 4) << title;
+    }
+}
+
 TEST(LeftRail, ARowIsChosenByPointerAndKeysAndTickedByItsBox) {
     LeftRail rail;
     for (const char* title : {"Caches", "Logs", "Trash"})
