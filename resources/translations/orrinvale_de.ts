@@ -661,6 +661,63 @@
     </message>
 </context>
 <context>
+    <name>LogWords</name>
+    <message>
+        <source>The log is a file.</source>
+        <translation>Das Protokoll ist eine Datei.</translation>
+    </message>
+    <message>
+        <source>It tells what was removed and what went wrong, with the names of your files. Look through it before you give it to anybody.</source>
+        <translation>Sie sagt, was entfernt wurde und was misslang, mit den Namen Ihrer Dateien. Sehen Sie sie durch, bevor Sie sie jemandem geben.</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+    <message>
+        <source>Show in Folder</source>
+        <translation>Im Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>A log file can be had in the preferences, under General.</source>
+        <translation>Eine Protokolldatei gibt es in den Einstellungen unter „Allgemein“.</translation>
+    </message>
+    <message>
+        <source>The log file can not be written.</source>
+        <translation>Die Protokolldatei kann nicht geschrieben werden.</translation>
+    </message>
+    <message>
+        <source>The log is in the terminal.</source>
+        <translation>Das Protokoll steht im Terminal.</translation>
+    </message>
+    <message>
+        <source>Orrinvale was started there, and its lines appear there.</source>
+        <translation>Orrinvale wurde dort gestartet, und seine Zeilen erscheinen dort.</translation>
+    </message>
+    <message>
+        <source>The log is in your system&apos;s journal.</source>
+        <translation>Das Protokoll steht im Journal Ihres Systems.</translation>
+    </message>
+    <message>
+        <source>In a terminal this shows it:
+%1</source>
+        <translation>In einem Terminal zeigt es dieser Befehl:
+%1</translation>
+    </message>
+    <message>
+        <source>There is no log file.</source>
+        <translation>Es gibt keine Protokolldatei.</translation>
+    </message>
+    <message>
+        <source>The lines go wherever this start of Orrinvale was told to send them.</source>
+        <translation>Die Zeilen gehen dorthin, wohin Orrinvale sie bei diesem Start schicken sollte.</translation>
+    </message>
+</context>
+<context>
     <name>LoginItemViews</name>
     <message>
         <source>Login items</source>
@@ -920,6 +977,26 @@
     <message>
         <source>When its window is closed and no tray shows it.</source>
         <translation>Wenn das Fenster geschlossen wird und kein Infobereich es zeigt.</translation>
+    </message>
+    <message>
+        <source>When needed</source>
+        <translation>Bei Bedarf</translation>
+    </message>
+    <message>
+        <source>Always</source>
+        <translation>Immer</translation>
+    </message>
+    <message>
+        <source>Never</source>
+        <translation>Nie</translation>
+    </message>
+    <message>
+        <source>Log file</source>
+        <translation>Protokolldatei</translation>
+    </message>
+    <message>
+        <source>Needed where neither a terminal nor the system&apos;s journal keeps the log.</source>
+        <translation>Bedarf besteht, wo weder ein Terminal noch das Journal des Systems das Protokoll aufnimmt.</translation>
     </message>
 </context>
 <context>
@@ -1981,6 +2058,10 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>Show</source>
         <translation>Anzeigen</translation>
     </message>
+    <message>
+        <source>A report to copy, without any names of yours</source>
+        <translation>Ein Bericht zum Kopieren, ohne Namen von Ihnen</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::AppPrefsWindowController</name>
@@ -2058,6 +2139,18 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Uninstall Applications</source>
         <translation>Anwendungen deinstallieren</translation>
+    </message>
+    <message>
+        <source>About This Computer</source>
+        <translation>Über diesen Computer</translation>
+    </message>
+    <message>
+        <source>Show Log…</source>
+        <translation>Protokoll zeigen …</translation>
+    </message>
+    <message>
+        <source>Copy Report…</source>
+        <translation>Bericht kopieren …</translation>
     </message>
 </context>
 <context>
@@ -2163,6 +2256,56 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Modified</source>
         <translation>Geändert</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::ComputerPanel</name>
+    <message>
+        <source>Copy Report…</source>
+        <translation>Bericht kopieren …</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>About This Computer</source>
+        <translation>Über diesen Computer</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::CustomComInfoView</name>
+    <message>
+        <source>About this computer</source>
+        <translation>Über diesen Computer</translation>
+    </message>
+    <message>
+        <source>Model Identifier:</source>
+        <translation>Modell:</translation>
+    </message>
+    <message>
+        <source>CPU Vendor:</source>
+        <translation>Hersteller der CPU:</translation>
+    </message>
+    <message>
+        <source>CPU Brand:</source>
+        <translation>Bezeichnung der CPU:</translation>
+    </message>
+    <message>
+        <source>Memory:</source>
+        <translation>Arbeitsspeicher:</translation>
+    </message>
+    <message>
+        <source>OS Type:</source>
+        <translation>Art des Systems:</translation>
+    </message>
+    <message>
+        <source>OS Release:</source>
+        <translation>Ausgabe des Systems:</translation>
+    </message>
+    <message>
+        <source>Hostname:</source>
+        <translation>Name im Netz:</translation>
     </message>
 </context>
 <context>
@@ -2995,10 +3138,6 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>Nichts auf diesem Schreibtisch zeigt solche Meldungen.</translation>
     </message>
     <message>
-        <source>The page Disk Usage is still to come.</source>
-        <translation>Die Seite „Plattenbelegung“ kommt noch.</translation>
-    </message>
-    <message>
         <source>Nothing here starts it at login.</source>
         <translation>Nichts hier startet es bei der Anmeldung.</translation>
     </message>
@@ -3025,6 +3164,10 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Where newer versions come from is still being looked up.</source>
         <translation>Es wird noch ermittelt, woher neuere Versionen kommen.</translation>
+    </message>
+    <message>
+        <source>There is no page Disk Usage here.</source>
+        <translation>Hier gibt es keine Seite „Speicherbelegung“.</translation>
     </message>
 </context>
 <context>

@@ -5,7 +5,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <optional>
 #include <string_view>
@@ -25,8 +24,8 @@ constexpr const char* help =
     "already\n"
     "comes to the front instead and takes over what is asked for.\n"
     "\n"
-    "  --action NAME  duplicates, large-files, clean, disk-usage, uninstall, memory,\n"
-    "                 login-items: show that page;\n"
+    "  --action NAME  duplicates, large-files, disk-usage, clean, uninstall, free-space, memory,\n"
+    "                 login-items, preferences: show that page;\n"
     "                 fast-clean: show the window of Fast Clean, which waits for a click;\n"
     "                 eject-all: eject what can be ejected; quit: end the running program\n"
     "  --disk-usage FOLDER\n"
@@ -38,12 +37,6 @@ constexpr const char* help =
     "  --version      the version\n"
     "\n"
     "For scripts and servers there is orrinvale-cli.\n";
-
-constexpr std::array actions{startAction::duplicates, startAction::largeFiles,
-                             startAction::clean,      startAction::diskUsage,
-                             startAction::uninstall,  startAction::memory,
-                             startAction::loginItems, startAction::fastClean,
-                             startAction::ejectAll,   startAction::quit};
 
 std::string activationToken() {
     for (const char* const name : {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"})
@@ -90,7 +83,7 @@ private:
     }
 
     void takeAction(std::string_view name) {
-        if (std::ranges::find(actions, name) == actions.end())
+        if (std::ranges::find(startAction::all, name) == startAction::all.end())
             m_out.fault = fmt::format("there is no action \"{}\"; see orrinvale --help",
                                       escapeControls(name));
         else if (m_out.request.kind != StartRequest::Kind::Activate)

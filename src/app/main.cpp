@@ -14,12 +14,14 @@
 
 #include "app/Desktop.h"
 #include "app/ProgramArguments.h"
+#include "app/ProgramLog.h"
 #include "engine/base/Log.h"
 #include "engine/base/NotificationCenter.h"
 #include "engine/base/UtilityObject.h"
 #include "engine/base/notices.h"
 #include "engine/cleaning/QnAuthorization.h"
 #include "engine/cleaning/makeFolderUtilities.h"
+#include "engine/diagnostics/MacLog.h"
 #include "engine/largefiles/Controller.h"
 #include "engine/loginitems/AutostartItems.h"
 #include "engine/loginitems/LoginItemRegistry.h"
@@ -46,6 +48,7 @@
 #include "platform/linux/LinuxMountChanges.h"
 #include "platform/linux/LinuxPermissions.h"
 #include "platform/linux/LinuxSystem.h"
+#include "platform/linux/LinuxSystemValues.h"
 #include "platform/linux/LinuxTrayHost.h"
 #include "platform/linux/LinuxVolumes.h"
 #include "platform/linux/OwnPackage.h"
@@ -95,6 +98,26 @@ bool hasDisplay() {
         if (value != nullptr && *value != '\0') return true;
     }
     return false;
+}
+
+// Asked before anything else of the program is there.
+const LinuxSystemValues& systemValues() {
+    static const LinuxSystemValues values;
+    return values;
+}
+
+DiagnosticParts diagnosticParts(Volumes& volumes) {
+    return {
+        .system = &systemValues(),
+        .volumes = &volumes,
+        .names = {.home = QFile::encodeName(QDir::homePath()).toStdString(),
+                  .user = qEnvironmentVariable("USER", QDir::home().dirName()).toStdString(),
+                  .host = systemValues().sysctlbyname("kern.hostname").value_or("")},
+        .logState =
+            [] {
+                return LogState{MacLog::openLogFile(), MacLog::failure(), standardErrorGoesTo()};
+            },
+        .keepLogFile = keepLogFile};
 }
 
 // What the whole program shares. Never freed: a search or a removal may still be at its last file
@@ -187,6 +210,7 @@ AppDelegateParts delegateParts(Shared& shared, DesktopNotifications& desktopNoti
         .hotKeys = &shared.hotKeys,
         .trayHost = &trayHost,
         .updates = &shared.updates,
+        .diagnostics = diagnosticParts(shared.volumes),
         .openFolder = openInFileManager,
         .openGuide = openUserGuide,
         .stopListening =
@@ -256,6 +280,9 @@ void preparePages(const Shared& shared, const AppDelegateParts& parts, AppDelega
 
 int runWindow(int argc, char** argv, const StartRequest& request,
               std::unique_ptr<ProgramInstance> instance) {
+    // What does not answer at once is no part of the report: the window waits behind it.
+    beginProgramLog(systemValues(), *new LinuxVolumes({}, mainThreadPatience));
+    keepLogFile(wantsLogFile());
     // A line for each file of a search would fill the desktop's journal; what is removed is always
     // logged.
     Log::setEngineEnabled(wantsEngineLog());

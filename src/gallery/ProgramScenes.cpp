@@ -17,6 +17,23 @@
 
 namespace orrinvale {
 
+SysResult<std::string> StagedSystem::sysctlbyname(std::string_view name) const {
+    constexpr std::uint64_t memory = 16ULL << 30U;
+    if (name == "hw.memsize")
+        return std::string(reinterpret_cast<const char*>(&memory), sizeof memory);
+    const std::pair<const char*, const char*> texts[] = {
+        {"hw.machine", "x86_64"},
+        {"hw.model", "Kestrel Book 14 (2024 Edition)"},
+        {"machdep.cpu.vendor", "GenuineIntel"},
+        {"machdep.cpu.brand_string", "13th Gen Intel(R) Core(TM) i7-1360P"},
+        {"kern.ostype", "Linux"},
+        {"kern.osrelease", "6.1.0-28-amd64"},
+        {"kern.hostname", "annas-desk"}};
+    for (const auto& [each, text] : texts)
+        if (name == each) return text;
+    return tl::unexpected(ENOENT);
+}
+
 ProgramScenes::ProgramScenes(UserDefaults& defaults, const PictureFolder& pictures,
                              QSet<QString> wanted)
     : m_pictures(pictures), m_wanted(std::move(wanted)) {
@@ -38,6 +55,11 @@ ProgramScenes::ProgramScenes(UserDefaults& defaults, const PictureFolder& pictur
                          .mountChanges = &m_mountChanges,
                          .systemWatch = &m_watch,
                          .updates = &m_updates,
+                         .diagnostics = {.system = &m_system,
+                                         .volumes = &m_volumes,
+                                         .names = {"/home/anna", "anna", "annas-desk"},
+                                         .logState = [this] { return m_log; },
+                                         .keepLogFile = {}},
                          .openFolder = [](const std::string& /*path*/) { return true; },
                          .openGuide = [](const std::function<void()>& /*failed*/) {},
                          .stopListening = {},
@@ -55,6 +77,10 @@ bool ProgramScenes::draw() {
     if (!drawMenu()) return false;
     m_delegate->openAboutWindow();
     if (!saveSheet("about")) return false;
+    m_delegate->openComputerWindow();
+    if (!saveSheet("computer")) return false;
+    m_delegate->showLog();
+    if (!saveSheet("log") || !drawReport()) return false;
     m_delegate->rejestAllDisk();
     return saveSheet("eject");
 }
@@ -78,6 +104,22 @@ bool ProgramScenes::drawMenu() {
     QPainter(&picture).drawPixmap(window().mapFromGlobal(menu.pos()), menu.grab());
     menu.close();
     return save("menu", picture);
+}
+
+// A window of its own.
+bool ProgramScenes::drawReport() {
+    m_delegate->copyReport();
+    QWidget* report = nullptr;
+    const auto find = [&] {
+        report = window().findChild<QWidget*>(QStringLiteral("lineList"));
+        return report != nullptr && report->isVisible();
+    };
+    if (!waitFor("the report", find)) return false;
+    report->activateWindow();
+    QApplication::processEvents();
+    const bool isSaved = save("report", report->grab());
+    delete report;
+    return isSaved;
 }
 
 bool ProgramScenes::saveSheet(const char* scene) {

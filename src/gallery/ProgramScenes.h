@@ -17,8 +17,15 @@
 #include "platform/linux/LinuxMemory.h"
 #include "services/volumes/Ejections.h"
 #include "services/volumes/SystemWatch.h"
+#include "ui/diagnostics/DiagnosticParts.h"
 
 namespace orrinvale {
+
+/// A machine that nobody has.
+class StagedSystem final : public SystemValues {
+public:
+    [[nodiscard]] SysResult<std::string> sysctlbyname(std::string_view name) const override;
+};
 
 class AppDelegate;
 class PictureFolder;
@@ -42,6 +49,7 @@ private:
     bool save(const char* scene, const QPixmap& picture) const;
     bool saveSheet(const char* scene);
     bool drawMenu();
+    bool drawReport();
     [[nodiscard]] TCImageWindow& window() const;
 
     const PictureFolder& m_pictures;
@@ -52,6 +60,8 @@ private:
     Ejections m_ejections{m_volumes, m_workings.mainQueue};
     SystemWatch m_watch{m_volumes, *new LinuxMemory, m_workings.mainQueue, std::chrono::hours(1)};
     FakeMountChanges m_mountChanges;
+    const StagedSystem m_system;
+    LogState m_log{.file = "/home/anna/.local/state/com.kelpford.Orrinvale/Orrinvale.log"};
     const UpdateParts m_updates{};  // without keys: nobody is asked
     const LinuxFolders m_folders;
     const std::shared_ptr<const FolderUtilities> m_utilities =

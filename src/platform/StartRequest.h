@@ -2,6 +2,7 @@
 // of its actions. instance.h hands it to a program that runs already.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -19,12 +20,19 @@ inline constexpr std::string_view fastClean =
 inline constexpr std::string_view uninstall = "uninstall";  ///< shows that page
 inline constexpr std::string_view diskUsage =
     "disk-usage";  ///< the page; with a folder by withFolder()
+inline constexpr std::string_view freeSpace = "free-space";     ///< the page
+inline constexpr std::string_view preferences = "preferences";  ///< likewise
 inline constexpr std::string_view ejectAll = "eject-all";
 inline constexpr std::string_view memory = "memory";           ///< the page
 inline constexpr std::string_view loginItems = "login-items";  ///< likewise
 inline constexpr std::string_view quit = "quit";
 inline constexpr std::string_view atLogin =
     "at-login";  ///< asked for by an option of its own: a login has started it
+
+/// What a person may ask for from outside of the window. None of them removes anything.
+inline constexpr std::array all{duplicates,  largeFiles, clean,    diskUsage,
+                                uninstall,   freeSpace,  memory,   loginItems,
+                                preferences, fastClean,  ejectAll, quit};
 
 /// An action with the folder that it is for: the name, a blank, and the folder's address, so that
 /// exact bytes come through wherever names of actions do.

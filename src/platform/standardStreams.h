@@ -1,5 +1,11 @@
-// standardStreams: the descriptors 0, 1 and 2, which a program may be started without.
+// standardStreams: the descriptors 0, 1 and 2, which a program may be started without, and what
+// stands behind standard error.
 #pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/fileTypes.h"
 
 namespace orrinvale {
 
@@ -7,5 +13,24 @@ namespace orrinvale {
 /// its number, and what is meant for standard error is written into it. What stands in for a stream
 /// fails as a closed one does: EBADF. Call it first of all in main().
 void fillStandardStreams();
+
+/// Who takes what the program was started to say on standard error.
+enum class ErrorStream : std::uint8_t {
+    Terminal,
+    Journal,  ///< the system's, by the environment's word (JOURNAL_STREAM), which must fit
+    Other     ///< nobody, another program, a file
+};
+
+/// Of the stream that the program was started with, also while a file stands in its place.
+[[nodiscard]] ErrorStream standardErrorGoesTo();
+
+/// Puts this file in the place of standard error, for appending; it is made, for this user alone,
+/// where it is not there. Until it is open nothing changes, and on any failure nothing has:
+/// ELOOP for a link, EINVAL for what is no regular file, EPERM for another user's, EMLINK for one
+/// that has a second name. One at a time; EBUSY while another stands there.
+[[nodiscard]] SysResult<void> appendStandardErrorTo(const std::string& path);
+
+/// Takes the file out again, if there is one.
+void putStandardErrorBack();
 
 }  // namespace orrinvale

@@ -63,7 +63,8 @@ const SettingValues& unregistered() {
                           {languageKey, std::string(followsDesktop)},
                           {ZvDisplayTypeKey, Int{0}},
                           {DBPreferencesToolbarKey, Int{0}},
-                          {keepRunningKey, std::string(askToKeepRunning)}};
+                          {keepRunningKey, std::string(askToKeepRunning)},
+                          {logFileKey, std::string("auto")}};
     return *values;
 }
 

@@ -48,6 +48,7 @@ constexpr std::array table{
     SettingRule{themeKey, Form::Word, 0, 0, {"desktop", "light", "dark"}},
     SettingRule{languageKey, Form::Word, 0, 0, {"desktop", "en", "de"}},
     SettingRule{logKey, Form::Switch},
+    SettingRule{logFileKey, Form::Word, 0, 0, {"auto", "always", "never"}},
     SettingRule{openAtStartupKey, Form::Switch},
     SettingRule{fadeKey, Form::Switch},
     SettingRule{shiftSlowsAnimationKey, Form::Switch},

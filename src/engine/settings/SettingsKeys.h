@@ -69,6 +69,8 @@ inline constexpr const char* keepRunningKey = "keepRunning";
 inline constexpr const char* oneFileSystemKey = "oneFileSystem";
 inline constexpr const char* logKey =
     "log";  ///< boolean: a line in the log for each step of a search
+/// Text: a log file "auto"matically where nothing else keeps the lines, "always" or "never".
+inline constexpr const char* logFileKey = "logFile";
 inline constexpr const char* themeKey = "theme";        ///< text: desktop, light or dark
 inline constexpr const char* languageKey = "language";  ///< text: desktop, en or de
 

@@ -1,13 +1,31 @@
 // StandardStreams (platform/standardStreams.h): open(2) gives the lowest free number, so that a gap
 // is filled by opening until none is left.
 #include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
+#include <mutex>
 
 #include "platform/standardStreams.h"
 
 namespace orrinvale {
+namespace {
+
+std::mutex s_streamMutex;   // guards the next
+Descriptor s_streamBefore;  // standard error as it was, while a file stands in its place
+
+int checkLogFile(int file) {
+    struct stat seen {};
+    if (::fstat(file, &seen) != 0) return errno;
+    if (!S_ISREG(seen.st_mode)) return EINVAL;
+    if (seen.st_uid != ::geteuid()) return EPERM;
+    return seen.st_nlink == 1 ? 0 : EMLINK;
+}
+
+}  // namespace
 
 void fillStandardStreams() {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
@@ -17,6 +35,41 @@ void fillStandardStreams() {
         // same way.
         static_cast<void>(::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
     }
+}
+
+// The variable stays behind where a shell puts a file in the place of the stream.
+ErrorStream standardErrorGoesTo() {
+    const std::lock_guard guard(s_streamMutex);
+    const int stream = s_streamBefore.isOpen() ? s_streamBefore.get() : STDERR_FILENO;
+    if (::isatty(stream) == 1) return ErrorStream::Terminal;
+    const char* const journal = std::getenv("JOURNAL_STREAM");
+    struct stat seen {};
+    if (journal == nullptr || ::fstat(stream, &seen) != 0) return ErrorStream::Other;
+    return fmt::format("{}:{}", seen.st_dev, seen.st_ino) == journal ? ErrorStream::Journal
+                                                                     : ErrorStream::Other;
+}
+
+SysResult<void> appendStandardErrorTo(const std::string& path) {
+    const std::lock_guard guard(s_streamMutex);
+    if (s_streamBefore.isOpen()) return tl::unexpected(EBUSY);
+    // Neither a pipe without a reader nor a terminal holds us up.
+    const Descriptor file(
+        ::open(path.c_str(),
+               O_RDWR | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0600));
+    if (!file.isOpen()) return tl::unexpected(errno);
+    if (const int fault = checkLogFile(file.get()); fault != 0) return tl::unexpected(fault);
+    Descriptor before(::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+    if (!before.isOpen()) return tl::unexpected(errno);
+    if (::dup2(file.get(), STDERR_FILENO) < 0) return tl::unexpected(errno);
+    s_streamBefore = std::move(before);
+    return {};
+}
+
+void putStandardErrorBack() {
+    const std::lock_guard guard(s_streamMutex);
+    if (!s_streamBefore.isOpen()) return;
+    ::dup2(s_streamBefore.get(), STDERR_FILENO);
+    s_streamBefore.reset();
 }
 
 }  // namespace orrinvale

@@ -80,12 +80,13 @@ struct ChoiceKey {
     void (PreferencePage::*action)() = nullptr;
 };
 
-constexpr std::array<ChoiceKey, 5> choiceKeys{{
+constexpr std::array<ChoiceKey, 6> choiceKeys{{
     {&PreferenceViews::sizeInfo, ZvDuplicatesUnit, &PreferencePage::changeLimitUnit},
     {&PreferenceViews::diskUsageUnit, ZvDiskUsageUnit, &PreferencePage::changeDiskUsageUnit},
     {&PreferenceViews::updateTime, SUScheduledCheckInterval, &PreferencePage::changeCheckInterval},
     {&PreferenceViews::themeChoice, themeKey},
     {&PreferenceViews::languageChoice, languageKey},
+    {&PreferenceViews::logFileChoice, logFileKey},
 }};
 
 // What "Restore Defaults" of a group sets.
@@ -99,8 +100,8 @@ std::vector<const char*> keysOf(Group group) {
         case Group::DiskUsage: return {ZvDiskUsageLimit, ZvDiskUsageUnit, oneFileSystemKey};
         case Group::Updates: return {SUEnableAutomaticChecks, SUScheduledCheckInterval};
         case Group::General:
-            return {ZvLoginItemIsHide, ZvShowStatusItem, keepRunningKey,
-                    themeKey,          languageKey,      logKey};
+            return {ZvLoginItemIsHide, ZvShowStatusItem, keepRunningKey, themeKey,
+                    languageKey,       logFileKey,       logKey};
         case Group::GroupCount: break;
     }
     std::vector<const char*> keys;
@@ -315,8 +316,7 @@ void PreferencePage::showFaults() {
          tr("Nothing on this desktop shows such words."));
     for (const QWidget* const each :
          std::initializer_list<const QWidget*>{views.diskUsageLimit, views.oneFileSystemBox})
-        grey(Group::DiskUsage, each, m_parts.hasDiskUsage,
-             tr("The page Disk Usage is still to come."));
+        grey(Group::DiskUsage, each, m_parts.hasDiskUsage, tr("There is no page Disk Usage here."));
     for (const QWidget* const each :
          std::initializer_list<const QWidget*>{views.autoCheckUpdates, views.updateTime})
         grey(Group::Updates, each, updateFault().isEmpty(), updateFault());

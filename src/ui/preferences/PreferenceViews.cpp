@@ -201,6 +201,9 @@ void PreferenceViews::makeGeneral() {
         makeChoice("keepRunningChoice", {{tr("Ask me"), PreferenceViews::Ask},
                                          {tr("Keep running"), PreferenceViews::KeepRunning},
                                          {tr("Quit"), PreferenceViews::Quit}});
+    logFileChoice = makeChoice("logFileChoice", {{tr("When needed"), QStringLiteral("auto")},
+                                                 {tr("Always"), QStringLiteral("always")},
+                                                 {tr("Never"), QStringLiteral("never")}});
     logBox = named(new TickBox(tr("Log each step of a search")), "logBox");
     PreferenceGroup& box = *boxes[General];
     box.add({}, checkBoxBtn);
@@ -210,6 +213,8 @@ void PreferenceViews::makeGeneral() {
             tr("When its window is closed and no tray shows it."));
     box.add(tr("Colours"), themeChoice);
     box.add(tr("Language"), languageChoice, tr("From the next start on."));
+    box.add(tr("Log file"), logFileChoice,
+            tr("Needed where neither a terminal nor the system's journal keeps the log."));
     box.add({}, logBox, tr("For reports of faults. What is removed is always logged."));
 }
 

@@ -75,6 +75,7 @@ public:
     QComboBox* themeChoice = nullptr;
     QComboBox* languageChoice = nullptr;
     TickBox* logBox = nullptr;
+    QComboBox* logFileChoice = nullptr;
     ElidedLabel* failureLine = nullptr;  ///< of what could not be saved
 
 private:

@@ -6,6 +6,7 @@
 
 #include "engine/settings/PreferenceViewController.h"
 #include "engine/settings/SettingsKeys.h"
+#include "platform/standardStreams.h"
 
 namespace orrinvale {
 namespace {
@@ -34,6 +35,15 @@ QStringList chosenLanguages() {
 bool wantsEngineLog() {
     return qEnvironmentVariableIntValue("ORRINVALE_LOG") == 1 ||
            boolOf(PreferenceViewController::settingInForce(logKey));
+}
+
+bool wantsLogFile() {
+    if (qEnvironmentVariableIsSet("ORRINVALE_LOG") || qEnvironmentVariableIsSet("ORRINVALE_STALLS"))
+        return false;
+    const std::string word = wordIn(logFileKey);
+    const ErrorStream goesTo = standardErrorGoesTo();
+    if (word == "never" || goesTo == ErrorStream::Terminal) return false;
+    return word == "always" || goesTo != ErrorStream::Journal;
 }
 
 }  // namespace orrinvale

@@ -17,4 +17,8 @@ namespace orrinvale {
 /// Whether the log gets a line for each step of a search, by the setting or by ORRINVALE_LOG=1.
 [[nodiscard]] bool wantsEngineLog();
 
+/// Whether there is to be a log file: where a person wants one, or nobody else keeps the lines. Not
+/// in a terminal, which shows them, nor where ORRINVALE_LOG or ORRINVALE_STALLS asks for them.
+[[nodiscard]] bool wantsLogFile();
+
 }  // namespace orrinvale

@@ -50,6 +50,9 @@ AppDelegate::AppDelegate(AppDelegateParts parts, QObject* parent)
       m_parts(std::move(parts)),
       m_menu(std::make_unique<ApplicationMenu>(ApplicationMenu::Actions{
           .openAboutWindow = [this] { openAboutWindow(); },
+          .openComputerWindow = m_parts.diagnostics.system == nullptr
+                                    ? std::function<void()>()
+                                    : [this] { openComputerWindow(); },
           .Reference = [this] { Reference(); },
           .CheckupdateMenuItemAction = m_parts.updates == nullptr
                                            ? std::function<void()>()
@@ -64,6 +67,10 @@ AppDelegate::AppDelegate(AppDelegateParts parts, QObject* parent)
           .cleaningFile = [this] { cleaningFile(); },
           .rejestAllDisk = [this] { rejestAllDisk(); },
           .help = [this] { help(); },
+          .showLog =
+              !m_parts.diagnostics.logState ? std::function<void()>() : [this] { showLog(); },
+          .copyReport = m_parts.diagnostics.volumes == nullptr ? std::function<void()>()
+                                                               : [this] { copyReport(); },
           .quit = [this] { quit(); }})),
       m_fastClean(makeFastClean()) {
     connect(m_menu.get(), &ApplicationMenu::opened, this, &AppDelegate::refApplicationMenu);
@@ -180,6 +187,8 @@ void AppDelegate::perform(const StartRequest& request) {
         return;
     }
     if (request.isAction(startAction::clean)) return onClickScan();
+    if (request.isAction(startAction::freeSpace)) return onClickFree();
+    if (request.isAction(startAction::preferences)) return Reference();
     handleReopenAppEvent();
     if (request.kind == StartRequest::Kind::Open) {
         searchFolder(request.text);
@@ -298,11 +307,15 @@ void AppDelegate::leave(std::function<void()> last) {
     m_leaveTimer.start(endPause);
 }
 
-void AppDelegate::tell(const Alert& alert) {
+QWidget* AppDelegate::windowForWords() {
     TCImageWindow* const pages = AppPrefsWindowController::sharedPrefsWindowController().window();
-    const bool isOverPages = pages != nullptr && pages->isActiveWindow();
-    if (!isOverPages) handleReopenAppEvent();
-    m_parts.pages.dialogs->alert(isOverPages ? pages : window(), alert, [](int) {});
+    if (pages != nullptr && pages->isActiveWindow()) return pages;
+    handleReopenAppEvent();
+    return window();
+}
+
+void AppDelegate::tell(const Alert& alert) {
+    m_parts.pages.dialogs->alert(windowForWords(), alert, [](int) {});
 }
 
 void AppDelegate::openAboutWindow() {

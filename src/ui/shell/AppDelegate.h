@@ -2,7 +2,7 @@
 // volumes come and go. AppDelegateVolumes.cpp has the volumes, AppDelegateCleaning.cpp Fast Clean,
 // AppDelegateDiskUsage.cpp the page of disk usage, AppDelegateBubbles.cpp the notes,
 // AppDelegatePreferences.cpp what settings change while it runs, AppDelegateUpdates.cpp newer
-// versions of the program.
+// versions of the program, AppDelegateDiagnostics.cpp the computer and the log.
 #pragma once
 
 #include <QObject>
@@ -26,6 +26,7 @@
 #include "services/volumes/Ejections.h"
 #include "ui/bubbles/StandingBubble.h"
 #include "ui/bubbles/delegateNotes.h"
+#include "ui/diagnostics/DiagnosticParts.h"
 #include "ui/page/PageServices.h"
 #include "ui/shell/DuplicateMainWindowController.h"
 
@@ -44,6 +45,7 @@ class Memory;
 class MenuItemView;
 class MountChanges;
 class QnCheckUpdateWindowController;
+class Sheet;
 class SpaceWarnings;
 class SystemWatch;
 class Tray;
@@ -70,6 +72,7 @@ struct AppDelegateParts {
     HotKeys* hotKeys = nullptr;            ///< null: there are none
     TrayHost* trayHost = nullptr;          ///< null: there is never a tray
     const UpdateParts* updates = nullptr;  ///< null: nobody looks for newer versions
+    DiagnosticParts diagnostics = {};
     std::function<bool(const std::string& path)>
         openFolder;  ///< in the desktop's file manager; false when it can not
     std::function<void(std::function<void()> failed)>
@@ -119,6 +122,8 @@ public:
 
     // The application menu.
     void openAboutWindow();
+    /// A sheet with what the machine is.
+    void openComputerWindow();
     void Reference();
     /// Opens the window that looks for a newer version, or brings it to the front.
     void CheckupdateMenuItemAction();
@@ -138,6 +143,10 @@ public:
     /// Shows the page, and no more.
     void onClickDiskUsage();
     void help();
+    /// Says where the lines of the log go, and leads there.
+    void showLog();
+    /// Shows the report about the computer, without names, in a window that copies it.
+    void copyReport();
 
     // Whether the program starts at login.
     /// Of a sender with this state, 1 for on.
@@ -211,6 +220,7 @@ private:
     void tellOfVersion(const QString& version);
     void openMinimisedWithoutTray();
     void takeSettings();
+    void followLogFile();
     void showPageOfRow(std::int32_t row, const QString& identifier);
     void makeMainWindow();
     void showPageAlone(const QString& identifier);
@@ -231,6 +241,8 @@ private:
     void bringBackWhatIsAside();
     void tellOfRecovery(const AsideRecovery& recovery);
     [[nodiscard]] QWidget* window() const;
+    /// Where something is said to the person; the main window is opened for it if need be.
+    [[nodiscard]] QWidget* windowForWords();
 
     AppDelegateParts m_parts;
     std::vector<NotificationCenter::Observation> m_observations;
@@ -250,6 +262,8 @@ private:
     std::unique_ptr<UpdateWatch> m_updateWatch;
     std::uint64_t m_versionNote = 0;  // of the desktop; 0 is none
     HomeDisk m_homeDisk;
+    QPointer<Sheet> m_computerSheet;
+    bool m_isKeepingLogFile = false;
     bool m_isOpenWindow = false;
     bool m_isAskingToGoOn = false;
     bool m_isLeaving = false;

@@ -18,7 +18,7 @@
 namespace orrinvale {
 
 void AppDelegate::followSettings() {
-    constexpr std::array keys{themeKey, logKey, ZvShowStatusItem};
+    constexpr std::array keys{themeKey, logKey, logFileKey, ZvShowStatusItem};
     for (const char* const key : keys)
         m_settings.push_back(m_parts.pages.defaults->addObserver(
             key, [self = QPointer(this), queue = m_parts.pages.mainQueue] {
@@ -31,6 +31,7 @@ void AppDelegate::followSettings() {
 void AppDelegate::takeSettings() {
     Theme::shared().setChosenScheme(chosenScheme());
     Log::setEngineEnabled(wantsEngineLog());
+    followLogFile();
     const bool isHidden = PreferenceViewController::getHiddenStatusItem();
     if (m_tray && m_tray->isHidden() != isHidden) m_tray->setStatusBarHidden(isHidden);
 }

@@ -10,25 +10,25 @@ ApplicationMenu::ApplicationMenu(const Actions& actions, QObject* parent)
     : QObject(parent), m_menu(std::make_unique<QMenu>()) {
     m_menu->setObjectName(QStringLiteral("applicationMenu"));
     add("about", tr("About Orrinvale"), {}, actions.openAboutWindow);
+    add("aboutComputer", tr("About This Computer"), {}, actions.openComputerWindow);
+    m_menu->addSeparator();
+    addPages(actions);
+    m_menu->addSeparator();
+    m_fastClean = add("fastClean", tr("Fast Clean"), {}, actions.cleaningFile);
+    m_volumes = add("volumes", tr("Volumes"), {}, [] {});
+    m_eject =
+        add("ejectAll", tr("Eject All"), QKeySequence(Qt::CTRL | Qt::Key_E), actions.rejestAllDisk);
     m_menu->addSeparator();
     m_preferences = add("Reference", tr("Preferences…"), QKeySequence(Qt::CTRL | Qt::Key_Comma),
                         actions.Reference);
     m_checkUpdate =
         add("checkUpdate", tr("Check for Updates…"), {}, actions.CheckupdateMenuItemAction);
     m_menu->addSeparator();
-    m_pages =
-        add("pages", tr("Show All Pages"), QKeySequence(Qt::CTRL | Qt::Key_0), actions.showPages);
-    m_scanMenu = add("scanMenu", tr("Clean"), {}, actions.onClickScan);
-    m_freeSpaceMenu = add("freeSpaceMenu", tr("Free Space"), {}, actions.onClickFree);
-    m_diskUsageMenu = add("diskUsageMenu", tr("Disk Usage"), {}, actions.onClickDiskUsage);
-    m_UninstallMenu =
-        add("UninstallMenu", tr("Uninstall Applications"), {}, actions.onClickUninstall);
-    m_memory = add("memory", tr("Memory"), {}, actions.showMemory);
-    m_loginItems = add("loginItems", tr("Login Items"), {}, actions.showLoginItems);
-    m_fastClean = add("fastClean", tr("Fast Clean"), {}, actions.cleaningFile);
-    m_volumes = add("volumes", tr("Volumes"), {}, [] {});
-    m_eject =
-        add("ejectAll", tr("Eject All"), QKeySequence(Qt::CTRL | Qt::Key_E), actions.rejestAllDisk);
+    add("help", tr("User Guide"), QKeySequence(QKeySequence::HelpContents), actions.help);
+    add("showLog", tr("Show Log…"), {}, actions.showLog);
+    add("copyReport", tr("Copy Report…"), {}, actions.copyReport);
+    m_menu->addSeparator();
+    add("quit", tr("Quit Orrinvale"), QKeySequence(Qt::CTRL | Qt::Key_Q), actions.quit);
     m_fastClean->setEnabled(false);
     m_eject->setEnabled(false);
     m_preferences->setEnabled(false);
@@ -38,14 +38,23 @@ ApplicationMenu::ApplicationMenu(const Actions& actions, QObject* parent)
     setHasLoginItems(false);
     setVolumes(nullptr);
     setHasDiskUsage(false);
-    m_menu->addSeparator();
-    add("help", tr("User Guide"), QKeySequence(QKeySequence::HelpContents), actions.help);
-    m_menu->addSeparator();
-    add("quit", tr("Quit Orrinvale"), QKeySequence(Qt::CTRL | Qt::Key_Q), actions.quit);
     connect(m_menu.get(), &QMenu::aboutToShow, this, &ApplicationMenu::opened);
 }
 
 ApplicationMenu::~ApplicationMenu() = default;
+
+// In the order of the toolbar.
+void ApplicationMenu::addPages(const Actions& actions) {
+    m_pages =
+        add("pages", tr("Show All Pages"), QKeySequence(Qt::CTRL | Qt::Key_0), actions.showPages);
+    m_diskUsageMenu = add("diskUsageMenu", tr("Disk Usage"), {}, actions.onClickDiskUsage);
+    m_scanMenu = add("scanMenu", tr("Clean"), {}, actions.onClickScan);
+    m_UninstallMenu =
+        add("UninstallMenu", tr("Uninstall Applications"), {}, actions.onClickUninstall);
+    m_freeSpaceMenu = add("freeSpaceMenu", tr("Free Space"), {}, actions.onClickFree);
+    m_memory = add("memory", tr("Memory"), {}, actions.showMemory);
+    m_loginItems = add("loginItems", tr("Login Items"), {}, actions.showLoginItems);
+}
 
 QAction* ApplicationMenu::add(const char* name, const QString& title, const QKeySequence& keys,
                               const std::function<void()>& action) {

@@ -19,7 +19,8 @@ public:
     /// An entry without an action is greyed: there is nothing behind it in this program.
     struct Actions {
         std::function<void()> openAboutWindow;
-        std::function<void()> Reference;  ///< the preferences
+        std::function<void()> openComputerWindow;  ///< "About This Computer"
+        std::function<void()> Reference;           ///< the preferences
         std::function<void()> CheckupdateMenuItemAction;
         std::function<void()> showPages;
         std::function<void()> onClickScan;       ///< the page that cleans
@@ -31,6 +32,8 @@ public:
         std::function<void()> cleaningFile;      ///< "Fast Clean"
         std::function<void()> rejestAllDisk;     ///< "Eject All"
         std::function<void()> help;
+        std::function<void()> showLog;
+        std::function<void()> copyReport;
         std::function<void()> quit;
     };
 
@@ -77,6 +80,7 @@ Q_SIGNALS:
     void opened();
 
 private:
+    void addPages(const Actions& actions);
     QAction* add(const char* name, const QString& title, const QKeySequence& keys,
                  const std::function<void()>& action);
 

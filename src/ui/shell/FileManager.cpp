@@ -27,8 +27,25 @@ namespace {
 
 QString fileAddress(const std::string& path) { return QString::fromStdString(fileUrlOf(path)); }
 
+// What others say is no part of our log, and may be much.
+void keepSilent(QProcess& process) {
+    process.setStandardOutputFile(QProcess::nullDevice());
+    process.setStandardErrorFile(QProcess::nullDevice());
+}
+
+// As the toolkit does it, but without a word in our log.
+bool openByDesktop(const QUrl& address) {
+    const QString opener = QStandardPaths::findExecutable(QStringLiteral("xdg-open"));
+    if (opener.isEmpty()) return QDesktopServices::openUrl(address);
+    QProcess opening;
+    keepSilent(opening);
+    opening.setProgram(opener);
+    opening.setArguments({address.toString(QUrl::FullyEncoded)});
+    return opening.startDetached();
+}
+
 bool openAddress(const std::string& path) {
-    if (QDesktopServices::openUrl(QUrl(fileAddress(path), QUrl::StrictMode))) return true;
+    if (openByDesktop(QUrl(fileAddress(path), QUrl::StrictMode))) return true;
     Log::line(fmt::format("Nothing could be started to open {}.", path));
     return false;
 }
@@ -69,8 +86,12 @@ void startCommand(const std::vector<std::string>& words) {
     runAside(
         QCoreApplication::instance(), "startCommand",
         [program = words.front(), arguments] {
-            if (!QProcess::startDetached(QFile::decodeName(program.c_str()), arguments,
-                                         QDir::homePath()))
+            QProcess process;
+            keepSilent(process);
+            process.setProgram(QFile::decodeName(program.c_str()));
+            process.setArguments(arguments);
+            process.setWorkingDirectory(QDir::homePath());
+            if (!process.startDetached())
                 Log::line(fmt::format("{} could not be started.", program));
         },
         [] {});
@@ -99,14 +120,13 @@ void openUserGuide(std::function<void()> failed) {
                          opening->deleteLater();
                          if (how != QProcess::NormalExit || status != 0) failed();
                      });
-    opening->setStandardOutputFile(QProcess::nullDevice());
-    opening->setStandardErrorFile(QProcess::nullDevice());
+    keepSilent(*opening);
     opening->start(opener, {guide});
 }
 
 void openWebPage(const QString& address) {
     const QUrl url(address, QUrl::StrictMode);
-    if (url.scheme() == QLatin1String("https")) QDesktopServices::openUrl(url);
+    if (url.scheme() == QLatin1String("https")) openByDesktop(url);
 }
 
 }  // namespace orrinvale

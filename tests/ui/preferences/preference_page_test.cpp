@@ -109,6 +109,7 @@ TEST_F(Preferences, EachControlStoresByKeyboard) {
         {"keepRunningChoice", "keepRunning", {Qt::Key_End}, "false"},
         {"themeChoice", "theme", {Qt::Key_End}, "\"dark\""},
         {"languageChoice", "language", {Qt::Key_Down}, "\"en\""},
+        {"logFileChoice", "logFile", {Qt::Key_End}, "\"never\""},
         {"logBox", "log", {Qt::Key_Space}, "true"},
     };
     for (const auto& row : rows) {

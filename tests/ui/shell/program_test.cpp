@@ -4,7 +4,11 @@
 #include <QImage>
 #include <QLabel>
 #include <QStandardPaths>
+#include <QTest>
+#include <filesystem>
+#include <set>
 
+#include "platform/StartRequest.h"
 #include "support/SilentSocket.h"
 #include "support/test.h"
 #include "ui/kit/chrome/DesktopSession.h"
@@ -42,8 +46,11 @@ TEST(MainWindow, HasItsBoundsAndShowsOnlyWhatIsThere) {
 
 // The program as another process, in the environment of a session.
 struct Running {
-    explicit Running(QProcessEnvironment variables) : environment(std::move(variables)) {
-        environment.insert(QStringLiteral("ORRINVALE_LOG"), QStringLiteral("1"));
+    /// With `log` the lines of the log come here.
+    explicit Running(QProcessEnvironment variables, const char* log = "1")
+        : environment(std::move(variables)) {
+        environment.remove(QStringLiteral("ORRINVALE_LOG"));
+        if (log != nullptr) environment.insert(QStringLiteral("ORRINVALE_LOG"), QLatin1String(log));
         program.setProcessEnvironment(environment);
         program.setProcessChannelMode(QProcess::MergedChannels);
     }
@@ -297,6 +304,88 @@ TEST(Program, LaunchesToItsEnd) {
     // ends.
     EXPECT_EQ(contentOf(tree.at("com.kelpford.Orrinvale/settings.ini")).find("ZvLastClickRow = 5"),
               std::string::npos);
+}
+
+// A home of its own, without a bus.
+QProcessEnvironment atHome(TestTree& tree) {
+    QProcessEnvironment environment = offscreen(tree, "unix:path=/nonexistent");
+    environment.insert(QStringLiteral("HOME"), QString::fromStdString(tree.at("home")));
+    environment.insert(QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"),
+                       QStringLiteral("unix:path=/nonexistent"));
+    for (const char* const name : {"XDG_STATE_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME",
+                                   "JOURNAL_STREAM", "ORRINVALE_STALLS"})
+        environment.remove(QLatin1String(name));
+    return environment;
+}
+
+TEST(Program, ItsLogIsAFileWhereNobodyElseHasIt) {
+    const struct {
+        const char* setting;
+        const char* variable;
+        bool isFile;
+    } cases[] = {{"", nullptr, true},
+                 {"logFile = \"never\"\n", nullptr, false},
+                 {"", "0", false},
+                 {"logFile = \"always\"\n", nullptr, true}};
+    for (const auto& each : cases) {
+        TestTree tree;
+        ASSERT_TRUE(tree.folder("home") && tree.write("com.kelpford.Orrinvale/settings.ini",
+                                                      std::string("[Orrinvale]\n") + each.setting));
+        const std::string log = tree.at("home/.local/state/com.kelpford.Orrinvale/Orrinvale.log");
+        Running running(atHome(tree), each.variable);
+        running.start();
+        ASSERT_SOON(isThere(tree.at("orrinvale.socket")));
+        EXPECT_EQ(running.startAgain({QString::fromStdString(tree.at("home"))}), 0);
+        EXPECT_EQ(running.startAgain(quit), 0);
+        EXPECT_EQ(running.ended(), 1);
+        const std::string said = running.program.readAll().toStdString();
+        EXPECT_EQ(isThere(log), each.isFile) << each.setting;
+        EXPECT_EQ(said.empty(), each.isFile) << said;
+        const std::string lines = contentOf(log);
+        EXPECT_EQ(lines.find(" hardware info\n") != std::string::npos, each.isFile) << lines;
+        EXPECT_EQ(lines.find("Process "), lines.rfind("Process ")) << "further starts have no part";
+    }
+}
+
+TEST(Program, NothingThatIsAskedFromOutsideRemovesAnything) {
+    TestTree tree;
+    for (const char* const each :
+         {"home/.cache/one/a", "home/.cache/b", "home/.local/share/Trash/files/x",
+          "home/.local/share/Trash/info/x.trashinfo", "home/Downloads/film",
+          "home/Downloads/film 2", "home/.config/autostart/x.desktop",
+          "home/Applications/T.app/Contents/Info.plist", "home/.xsession-errors.old"})
+        ASSERT_TRUE(tree.write(each, "the same"));
+    ASSERT_TRUE(tree.write("com.kelpford.Orrinvale/settings.ini",
+                           "[Orrinvale]\nUserTrash = 1\nUserDownloads = 1\n"));
+    const auto all = [&] {
+        std::set<std::string> paths;
+        for (const auto& each : std::filesystem::recursive_directory_iterator(tree.at("home")))
+            paths.insert(each.path().native());
+        return paths;
+    };
+    const auto before = all();
+    Running running(atHome(tree));
+    running.start({QStringLiteral("--action"), QStringLiteral("fast-clean")});
+    ASSERT_SOON(isThere(tree.at("orrinvale.socket")));
+    for (const std::string_view name : startAction::all) {
+        // It would eject the drives of whoever runs this.
+        if (name == startAction::ejectAll || name == startAction::quit) continue;
+        EXPECT_EQ(running.startAgain({QStringLiteral("--action"),
+                                      QString::fromUtf8(name.data(), qsizetype(name.size()))}),
+                  0)
+            << name;
+    }
+    for (const char* const option : {"--disk-usage", "--"})
+        EXPECT_EQ(running.startAgain(
+                      {QLatin1String(option), QString::fromStdString(tree.at("home/Downloads"))}),
+                  0);
+    EXPECT_SOON(running.hasSaid("search Path:" + tree.at("home/Downloads") + ' ')) << running.said;
+    QTest::qWait(500);  // for what somebody began
+    const auto after = all();
+    EXPECT_TRUE(std::ranges::includes(after, before));
+    EXPECT_EQ(running.startAgain(quit), 0);
+    EXPECT_EQ(running.ended(), 1);
+    EXPECT_EQ(running.said.find("emove"), std::string::npos) << running.said;
 }
 
 TEST(Program, OfTwoStartsAtTheSameMomentOneStays) {

@@ -4,6 +4,7 @@
 
 #include <QAction>
 #include <QMenu>
+#include <atomic>
 #include <memory>
 #include <optional>
 #include <string>
@@ -18,6 +19,7 @@
 #include "platform/linux/LinuxFolders.h"
 #include "platform/tray.h"
 #include "services/volumes/SystemWatch.h"
+#include "support/MadeUpSystem.h"
 #include "support/SteadyVolumes.h"
 #include "ui/shell/AppDelegate.h"
 #include "ui/shell/ApplicationMenu.h"
@@ -76,10 +78,17 @@ struct Launched {
             .systemWatch = tray ? &watch : nullptr,
             .trayHost = tray.value_or(nullptr),
             .updates = updates,
+            .diagnostics = {.system = &system,
+                            .volumes = &volumes,
+                            .names = {"/home/anna", "anna", "annas-desk.example"},
+                            .logState = [this] { return log; },
+                            .keepLogFile =
+                                [kept = keptLog](bool isWanted) { kept->store(isWanted ? 1 : 0); }},
             .openFolder =
                 [this](const std::string& path) { return opened.push_back(path), canOpen; },
             .openGuide =
                 [this](const std::function<void()>& failed) {
+                    ++guides;
                     if (!canOpen) failed();
                 },
             .stopListening = [this] { isListening = false; },
@@ -104,7 +113,7 @@ struct Launched {
                 .mainQueue = &mainQueue,
                 .stateFolder = tree.at("state"),
                 .icons = {},
-                .reveal = {},
+                .reveal = [this](const std::string& path) { revealed.push_back(path); },
                 .openAddress = {}};
     }
     QAction* entry(const char* name) const {
@@ -128,10 +137,14 @@ struct Launched {
     std::shared_ptr<const FolderUtilities> utilities = makeFolderUtilities(files, folders, volumes);
     FakeMountChanges mounts;
     CountedMemory memory;
+    MadeUpSystem system;
+    LogState log;
+    std::shared_ptr<std::atomic<int>> keptLog = std::make_shared<std::atomic<int>>(-1);
     SystemWatch watch{volumes, memory, mainQueue, std::chrono::hours(1)};
     Ejections ejections{volumes, mainQueue};
-    std::vector<std::string> posted, opened;
+    std::vector<std::string> posted, opened, revealed;
     std::vector<int> ends;
+    int guides = 0;  // asked for
     bool canOpen = true;
     bool isListening = true;
     std::unique_ptr<AppDelegate> delegate;

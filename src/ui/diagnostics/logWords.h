@@ -1,0 +1,15 @@
+// logWords: where the lines of the log go, in words.
+#pragma once
+
+#include "ui/diagnostics/DiagnosticParts.h"
+#include "ui/kit/dialogs/Dialogs.h"
+
+namespace orrinvale {
+
+/// The buttons of an alert about a log file.
+enum LogButton { OpenLogFile, ShowLogInFolder, CloseLogWords };
+
+/// With a file it has these buttons, else one alone.
+[[nodiscard]] Alert logAlert(const LogState& state);
+
+}  // namespace orrinvale

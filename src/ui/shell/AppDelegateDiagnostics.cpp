@@ -1,0 +1,87 @@
+// What AppDelegate tells of the computer and of the log.
+#include <fmt/format.h>
+
+#include <QGuiApplication>
+#include <QLocale>
+
+#include "services/foundation/runAside.h"
+#include "ui/diagnostics/ComputerPanel.h"
+#include "ui/diagnostics/logWords.h"
+#include "ui/kit/chrome/TextImageButton.h"
+#include "ui/kit/dialogs/LineList.h"
+#include "ui/kit/dialogs/Sheet.h"
+#include "ui/preferences/chosenLook.h"
+#include "ui/shell/AppDelegate.h"
+
+namespace orrinvale {
+namespace {
+
+// What one is asked for first who reports a fault.
+std::vector<std::string> linesAboutTheProgram() {
+    const auto variable = [](const char* name) { return qEnvironmentVariable(name).toStdString(); };
+    return {
+        fmt::format("Orrinvale {}, Qt {}", QCoreApplication::applicationVersion().toStdString(),
+                    qVersion()),
+        fmt::format("desktop: {} ({}), language: {}", variable("XDG_CURRENT_DESKTOP"),
+                    QGuiApplication::platformName().toStdString(), QLocale().name().toStdString()),
+        " "};
+}
+
+}  // namespace
+
+void AppDelegate::openComputerWindow() {
+    if (m_parts.diagnostics.system == nullptr || m_isLeaving || !m_computerSheet.isNull()) return;
+    auto* const panel = new ComputerPanel(*m_parts.diagnostics.system);
+    m_computerSheet = new Sheet(*windowForWords(), panel);  // ends itself
+    Sheet* const sheet = m_computerSheet;
+    const auto close = [sheet] { sheet->close([] {}); };
+    connect(sheet, &Sheet::cancelled, sheet, close);
+    connect(panel->closeButton, &QAbstractButton::clicked, sheet, close);
+    connect(panel->copyButton, &QAbstractButton::clicked, this,
+            [this, sheet] { sheet->close([this] { copyReport(); }); });
+    sheet->open(panel->closeButton);
+}
+
+void AppDelegate::showLog() {
+    if (!m_parts.diagnostics.logState || m_isLeaving) return;
+    const LogState state = m_parts.diagnostics.logState();
+    m_parts.pages.dialogs->alert(
+        windowForWords(), logAlert(state), [this, file = state.file](int button) {
+            if (!file || (button != OpenLogFile && button != ShowLogInFolder)) return;
+            if (button == OpenLogFile && m_parts.openFolder(*file)) return;
+            if (m_parts.pages.reveal) m_parts.pages.reveal(*file);
+        });
+}
+
+// A volume may take a while to answer.
+void AppDelegate::copyReport() {
+    const DiagnosticParts& parts = m_parts.diagnostics;
+    if (parts.system == nullptr || parts.volumes == nullptr || m_isLeaving) return;
+    runAside(
+        this, "copyReport",
+        [parts, further = linesAboutTheProgram()] {
+            return computerReportWithoutNames(*parts.system, *parts.volumes, parts.names, further);
+        },
+        [this](const std::vector<std::string>& lines) {
+            QStringList shown;
+            for (const std::string& each : lines) shown += onOneLine(QString::fromStdString(each));
+            showLineList(windowForWords(), tr("A report to copy, without any names of yours"),
+                         shown);
+        });
+}
+
+void AppDelegate::followLogFile() {
+    const DiagnosticParts& parts = m_parts.diagnostics;
+    if (!parts.keepLogFile || !parts.logState || m_isKeepingLogFile) return;
+    const bool isWanted = wantsLogFile();
+    if (isWanted == parts.logState().file.has_value()) return;
+    m_isKeepingLogFile = true;
+    runAside(
+        this, "keepLogFile", [keep = parts.keepLogFile, isWanted] { keep(isWanted); },
+        [this, isWanted] {
+            m_isKeepingLogFile = false;
+            if (wantsLogFile() != isWanted) followLogFile();  // changed meanwhile
+        });
+}
+
+}  // namespace orrinvale
