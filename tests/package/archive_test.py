@@ -52,7 +52,7 @@ class Archive(support.Case):
         depends = re.findall(r"[a-z0-9.+-]+(?= |,|$)", re.sub(r"\(.*?\)", "", control("Depends")))
         for library in ("libc6", "libfmt9", "libplist3", "libqt6core6", "libqt6gui6", "libqt6svg6", "libqt6widgets6", "libsystemd0"):
             self.assertIn(library, depends)
-        for name in ("polkitd", "pkexec", "udisks2", "dbus-session-bus"):
+        for name in ("polkitd", "pkexec", "udisks2", "dbus-session-bus", "packagekit", "libssl3", "xdg-utils"):
             self.assertIn(name, control("Recommends"))
         self.assertEqual(control("Section"), "utils")
 
