@@ -1916,7 +1916,7 @@
     <name>UninstallAppsViews</name>
     <message>
         <source>ALL Software</source>
-        <translation>Alle Anwendungen</translation>
+        <translation>Alle Software</translation>
     </message>
     <message>
         <source>System program</source>

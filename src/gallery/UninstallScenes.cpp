@@ -151,7 +151,7 @@ public:
             out.push_back({isGone,
                            isGone ? "" : "The password was not given",
                            {},
-                           each.item.fileSizeNum,
+                           isGone ? each.item.fileSizeNum : 0,
                            {}});
         }
         constexpr std::chrono::milliseconds pause(20);
@@ -248,7 +248,9 @@ bool drawRemoval(const PictureFolder& pictures, TCImageWindow& window) {
     const bool isDrawn = waitFor("the removal", isAtWork) &&
                          pictures.save(QStringLiteral("uninstall-removal"), window.grab());
     SampleWork::isHeld = false;
+    const auto isQuiet = [patience = QDeadlineTimer(400)] { return patience.hasExpired(); };
     return isDrawn && waitFor("its end", [&] { return !button("stopButton")->isVisible(); }) &&
+           waitFor("the pictures of further rows", isQuiet) &&
            pictures.save(QStringLiteral("uninstall-failure"), window.grab());
 }
 
@@ -278,6 +280,8 @@ bool drawUninstall(UserDefaults& defaults, const PictureFolder& pictures,
     if (!drawFilter(pictures, window) || !drawRemoval(pictures, window)) return false;
     constexpr QSize wide(1200, 620);
     window.resize(wide);
+    const auto isDrawn = [patience = QDeadlineTimer(400)] { return patience.hasExpired(); };
+    if (!waitFor("the pictures of further rows", isDrawn)) return false;
     return pictures.save(QStringLiteral("uninstall-wide"), window.grab());
 }
 

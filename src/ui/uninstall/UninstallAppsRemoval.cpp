@@ -16,7 +16,6 @@
 #include "services/foundation/runAside.h"
 #include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/chrome/TextImageButton.h"
-#include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/pathText.h"
 #include "ui/kit/dialogs/LineList.h"
@@ -252,9 +251,11 @@ void UninstallAppsController::showRemoving() {
         return;
     }
     const std::string current = m_batch ? m_batch->progress.copy().current : std::string();
-    if (!current.empty())
-        m_views->uninstallTextField->setText(
-            tr("Removing %1 ...").arg(onOneLine(QString::fromStdString(current))));
+    if (current.empty()) return;
+    constexpr int most = 220;  // of a name, so that the line stays one
+    const QString name = m_views->uninstallTextField->fontMetrics().elidedText(
+        onOneLine(QString::fromStdString(current)), Qt::ElideMiddle, most);
+    m_views->uninstallTextField->setText(tr("Removing %1 ...").arg(name));
 }
 
 void UninstallAppsController::showFailures() {

@@ -1,5 +1,6 @@
 // UninstallAppsController: ticks, filters, order, and what is done with one row.
 #include <QHeaderView>
+#include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
 #include <QMenu>
@@ -7,7 +8,6 @@
 #include "engine/uninstall/uninstallNotices.h"
 #include "services/foundation/runAside.h"
 #include "ui/kit/chrome/TextImageButton.h"
-#include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/dialogs/Sheet.h"
 #include "ui/kit/lists/LeftRail.h"

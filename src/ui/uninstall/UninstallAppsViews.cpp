@@ -12,7 +12,6 @@
 #include "ui/kit/chrome/TCImageButton.h"
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/controls/DragView.h"
-#include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/controls/Panel.h"
 #include "ui/kit/controls/PictureView.h"
 #include "ui/kit/controls/Spinner.h"
@@ -141,15 +140,17 @@ void UninstallAppsViews::fillContent() {
 }
 
 void UninstallAppsViews::fillBottom() {
-    uninstallTextField = named(new ElidedLabel, "uninstallTextField");
-    uninstallTextField->setFont(Theme::shared().font(Theme::Text::Caption));
+    // A result needs two or three lines in a small window.
+    uninstallTextField = makeLabel("uninstallTextField", Theme::Text::Caption);
+    uninstallTextField->setWordWrap(true);
+    uninstallTextField->setAlignment(Qt::AlignLeading | Qt::AlignVCenter);
     uninstallTextField->hide();
     stopButton = named(new TextImageButton(tr("Stop")), "stopButton");
     stopButton->hide();
     uninstallButton = named(new TextImageButton(tr("Uninstall"), TextImageButton::Role::Danger),
                             "uninstallButton");
     uninstallButton->setEnabled(false);
-    bottom->insertWidget(0, uninstallTextField);
+    bottom->insertWidget(0, uninstallTextField, 1);
     bottom->addWidget(stopButton);
     bottom->addWidget(uninstallButton);
 }

@@ -8,6 +8,7 @@
 #include "ui/kit/lists/TickOutline.h"
 #include "ui/page/ResultFrame.h"
 
+class QLabel;
 class QLineEdit;
 
 namespace orrinvale {
@@ -54,7 +55,7 @@ public:
     Spinner* searchAppsIndicator = nullptr;
     QWidget* emptyView = nullptr;
     QLabel* emptyLabel = nullptr;
-    ElidedLabel* uninstallTextField = nullptr;
+    QLabel* uninstallTextField = nullptr;
     TextImageButton* stopButton = nullptr;
     TextImageButton* uninstallButton = nullptr;
 
