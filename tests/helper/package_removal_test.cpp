@@ -410,12 +410,25 @@ TEST(PackageRemoval, TellsOfEachWhatGoesAlongWithIt) {
     }
 }
 
+// Bytes in blocks, each file once, whatever names it has.
+std::uint64_t onDisk(const std::string& folder) {
+    std::set<ino_t> seen;
+    std::uint64_t out = 0;
+    for (const auto& each : std::filesystem::recursive_directory_iterator(folder)) {
+        struct stat entry {};
+        if (::lstat(each.path().c_str(), &entry) == 0 && seen.insert(entry.st_ino).second)
+            out += std::uint64_t(entry.st_blocks) * 512;
+    }
+    return out;
+}
+
 TEST(PackageRemoval, AFlatpakGoesByItsLibrary) {
     if (!isThere("/usr/bin/flatpak")) GTEST_SKIP() << "flatpak is not here";
+    constexpr std::uint64_t large = std::uint64_t{8} << 20U;
     TestTree tree;
     (void)tree.write("app/metadata",
                      "[Application]\nname=org.orrinvale.Test\nruntime=org.o.P/x86_64/stable\n");
-    (void)tree.write("app/files/data", std::string(50'000, 'x'));
+    (void)tree.write("app/files/data", someBytes(large, 1));
     (void)tree.write("app/export/share/applications/org.orrinvale.Test.desktop",
                      "[Desktop Entry]\nType=Application\nName=Tester\nExec=x\n");
     const std::string home = tree.at("home");
@@ -434,12 +447,16 @@ TEST(PackageRemoval, AFlatpakGoesByItsLibrary) {
                        const auto records = applications.list();
                        if (records.size() != 1 || records[0].name != "Tester") return "not listed";
                        const ApplicationKind& kind = *applications.kind(ApplicationType::Flatpak);
-                       if (kind.details(records[0]).bytes < 50'000U) return "no size";
+                       const std::uint64_t promised = kind.details(records[0]).bytes.value_or(0);
+                       const std::uint64_t before = onDisk(home + "/flatpak");
                        const RemovalForecast forecast = kind.forecast(records, never);
                        if (!forecast.refusal.empty()) return "skip: " + forecast.refusal;
                        if (forecast.asksForRight) return "it is the person's own";
                        const auto removed = kind.remove(records, forecast, never).front();
                        if (removed.state != ApplicationRemoval::State::Gone) return removed.reason;
+                       const std::uint64_t gained = before - onDisk(home + "/flatpak");
+                       if (promised < large || gained < promised || gained - promised > large / 20)
+                           return fmt::format("promised {}, gained {}", promised, gained);
                        const bool isTwice = kind.remove(records, forecast, never)[0].state ==
                                             ApplicationRemoval::State::Gone;
                        if (!applications.list().empty() || !isTwice) return "still listed";

@@ -21,7 +21,8 @@ from restart_test import ROOT, Report, place_for_homes
 BUS = "/run/dbus/system_bus_socket"
 DAEMONS = ("/usr/bin/dbus-daemon --system --nofork --nopidfile", "/usr/lib/polkit-1/polkitd --no-debug", "/usr/libexec/packagekitd")
 TOOLS = ("/usr/bin/pkcon", "/usr/bin/dpkg-scanpackages", "/usr/bin/xdotool", "/usr/bin/Xvfb")
-PACKAGES = {"orr-clock": "", "orr-alarm": "Depends: orr-clock\n", "orr-other": ""}
+LARGE = 12 << 20
+PACKAGES = {"orr-clock": f"Installed-Size: {LARGE >> 10}\n", "orr-alarm": "Depends: orr-clock\n", "orr-other": ""}
 RULE = 'polkit.addRule(function(action, subject) { if (action.id.indexOf("org.freedesktop.packagekit.") == 0) return "yes"; });\n'
 
 
@@ -35,6 +36,8 @@ def offer(name, fields):
         (place / path).parent.mkdir(parents=True, exist_ok=True)
         (place / path).write_text(text)
     (place / f"usr/bin/{name}").chmod(0o755)
+    if "Installed-Size" in fields:
+        (place / f"usr/share/{name}.data").write_bytes(os.urandom(LARGE))
     subprocess.run(["dpkg-deb", "--build", place, "/mnt/repository"], check=True, capture_output=True)
 
 
@@ -71,6 +74,12 @@ def there():
     return {line.split()[1] for line in listed.splitlines() if line.startswith("installed ")}
 
 
+def free_memory():
+    """Of the layer over the system's folders, in which all of the packages lies."""
+    state = os.statvfs("/mnt")
+    return state.f_bfree * state.f_frsize
+
+
 def remove(desk, title):
     """Finds the package by the field, ticks it, asks, reads, and agrees."""
     desk.keys(title, "ctrl+f")
@@ -93,10 +102,13 @@ def test(desk, options, report):
     title = "Orrinvale"
     desk.window(title)
     comes_true(lambda: False, 3)
+    free = free_memory()
     remove(desk, title)
     comes_true(lambda: "orr-clock:all" not in there(), 60)
     comes_true(lambda: False, 2)
     desk.picture("removed")
+    gained = free_memory() - free
+    report.check(abs(gained - LARGE) < LARGE / 20, f"promised {LARGE}, gained {gained}", "more than 5 % beside it")
     gone = before - there()
     report.check(gone == {"orr-clock:all", "orr-alarm:all"}, f"what goes along with it went, and nothing else: {sorted(gone)}",
                  sorted(before - gone)[:5])
