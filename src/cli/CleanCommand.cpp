@@ -171,9 +171,11 @@ CleanCommand::Scanned CleanCommand::scan(const std::vector<CleanCategory>& wante
     InHand inHand;
     const SearchWatch watch([&inHand] { inHand.stop(); }, [&inHand] { return inHand.progress(); },
                             telling);
+    CleanParts shared = parts();
+    shared.run = std::make_shared<FoldersOfRun>();
     for (const CleanCategory category : wanted) {
         if (inHand.isStopped()) break;
-        ScanErrand errand(parts(), [this, category] {
+        ScanErrand errand(shared, [this, category] {
             return m_utilities->getFolderPath(static_cast<std::uint32_t>(category));
         });
         inHand.set(category, &errand);

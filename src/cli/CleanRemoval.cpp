@@ -63,6 +63,39 @@ void WaitingQueue::runUntil(const std::function<bool()>& isDone) {
     }
 }
 
+namespace {
+
+// Runs it to its end, and notes how the person in front of it ended it.
+RemovalOutcome runRemoval(const CleanParts& parts, const std::shared_ptr<CleanList>& list,
+                          Telling telling, CleanRemovalResult& result) {
+    WaitingQueue queue;
+    std::optional<RemovalOutcome> ending;
+    std::optional<RemovalJob> job;
+    const auto takeNews = [&] {
+        auto news = job->takeNews();
+        if (news.ending) ending = std::move(news.ending);
+    };
+    const auto makeDoor = [files = parts.files] {
+        return std::make_unique<QuietDoor>(std::make_unique<PlainDoor>(
+            *files, ProtectedPlaces::ofThisMachine(*files, programFiles())));
+    };
+    job.emplace(RemovalJob::Parts{.files = parts.files,
+                                  .mainQueue = &queue,
+                                  .makeDoor = makeDoor,
+                                  .stateFolder = userStateFolder()},
+                list, takeNews);
+    const auto progress = [&job] {
+        const auto now = job->progress();
+        return fmt::format("{} of {}  {}", now.done, now.of, now.current);
+    };
+    const SearchWatch watch([&job] { job->stop(); }, progress, telling);
+    queue.runUntil([&ending] { return ending.has_value(); });
+    result.ending = watch.ending();
+    return *std::move(ending);
+}
+
+}  // namespace
+
 CleanRemovalResult removeRows(const CleanParts& parts, const std::vector<ScannedCategory>& scanned,
                               Telling telling) {
     CleanRemovalResult result;
@@ -70,40 +103,12 @@ CleanRemovalResult removeRows(const CleanParts& parts, const std::vector<Scanned
     const auto gain = std::make_shared<SpaceGain>(rows);
     const auto list = std::make_shared<CleanList>(parts, std::move(rows), gain);
     for (const CleanRow& row : list->rows()) addSaturating(result.outcome.promised, row.onDisk);
-    WaitingQueue queue;
-    std::optional<RemovalOutcome> ending;
-    {
-        std::optional<RemovalJob> job;
-        const auto takeNews = [&] {
-            auto news = job->takeNews();
-            if (news.ending) ending = std::move(news.ending);
-        };
-        job.emplace(
-            RemovalJob::Parts{
-                .files = parts.files,
-                .mainQueue = &queue,
-                .makeDoor =
-                    [files = parts.files] {
-                        return std::make_unique<QuietDoor>(std::make_unique<PlainDoor>(
-                            *files, ProtectedPlaces::ofThisMachine(*files, programFiles())));
-                    },
-                .stateFolder = userStateFolder()},
-            list, takeNews);
-        const SearchWatch watch([&job] { job->stop(); },
-                                [&job] {
-                                    const auto progress = job->progress();
-                                    return fmt::format("{} of {}  {}", progress.done, progress.of,
-                                                       progress.current);
-                                },
-                                telling);
-        queue.runUntil([&ending] { return ending.has_value(); });
-        result.ending = watch.ending();
-    }
+    RemovalOutcome ending = runRemoval(parts, list, telling, result);
     for (std::size_t row = 0; row < list->rows().size(); ++row)
         if (list->isDone(row) && list->isBegun(row))
             result.outcome.removed.push_back(list->rows()[row].path);
-    const std::uint64_t stayed = ending->failedEntries + ending->kept;
-    result.outcome.failed = std::move(ending->stayed);
+    const std::uint64_t stayed = ending.failedEntries + ending.kept;
+    result.outcome.failed = std::move(ending.stayed);
     result.outcome.more = std::max<std::uint64_t>(stayed, result.outcome.failed.size()) -
                           result.outcome.failed.size();
     result.goneBytes = list->goneBytes();

@@ -25,6 +25,8 @@ struct CleanParts {
     std::function<std::int64_t()> clock = {};  ///< nanoseconds since 1970-01-01 UTC; empty for the
                                                ///< machine's
     std::string otherSettings = {};  ///< such a folder of the person behind root; empty for none
+    std::shared_ptr<FoldersOfRun> run = {};  ///< of the scans that look at the folders together;
+                                             ///< null: each looks by itself
 };
 
 /// The result of one scan.
@@ -70,7 +72,8 @@ private:
     const FileSystem& m_files;
     const std::vector<std::string> m_settings;
     const std::function<std::int64_t()> m_clock;
-    CleanFolders m_folders;
+    const std::shared_ptr<FoldersOfRun> m_run;
+    const CleanFolders& m_folders;  // m_run's
     CleanablePlaces m_places;
     KeepList m_keep;
     std::optional<Error> m_fault;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -64,6 +65,21 @@ private:
     std::vector<Root> m_roots;
     std::vector<Other> m_others;  // folders of the user for other purposes, without links
     bool m_isForeignHome = false;
+};
+
+/// One such snapshot for several scans that belong together. Any thread; the first that asks makes
+/// it, and the others wait for that.
+class FoldersOfRun final {
+public:
+    [[nodiscard]] const CleanFolders& get(const FileSystem& files, const Folders& folders,
+                                          const FolderUtilities& utilities) {
+        std::call_once(m_once, [&] { m_folders.emplace(files, folders, utilities); });
+        return *m_folders;
+    }
+
+private:
+    std::once_flag m_once;
+    std::optional<const CleanFolders> m_folders;
 };
 
 }  // namespace orrinvale

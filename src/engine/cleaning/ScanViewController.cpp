@@ -24,9 +24,6 @@ namespace orrinvale {
 namespace {
 
 constexpr std::chrono::milliseconds newsInterval{50};
-constexpr const char* startButtonKey = "startButton";
-constexpr const char* animationKey = "animation";
-constexpr const char* isSelectKey = "isSelect";
 
 std::shared_ptr<CleanFileInfo> infoOf(const CleanRow& row) {
     return std::make_shared<CleanFileInfo>(IconRequest{IconRequest::Path, row.path},
@@ -53,43 +50,11 @@ std::vector<Row> takeOut(std::vector<Row>& rows, const std::vector<bool>& isLeav
 
 }  // namespace
 
-Notification NoticeForm<CleanSelection>::write(std::string name, const CleanSelection& payload) {
-    Notification notice{std::move(name), {}, {}};
-    if (payload.state) notice.object = *payload.state;
-    if (payload.isAnimated)
-        notice.userInfo = {{startButtonKey, payload.startButton},
-                           {animationKey, std::string(animationKey)}};
-    return notice;
-}
-
-std::optional<CleanSelection> NoticeForm<CleanSelection>::read(const Notification& notice) {
-    CleanSelection out;
-    if (const auto* const state = std::any_cast<bool>(&notice.object)) out.state = *state;
-    out.isAnimated = notice.userInfo.contains(animationKey);
-    if (const auto button = notice.userInfo.find(startButtonKey); button != notice.userInfo.end())
-        out.startButton = button->second;
-    return out;
-}
-
-Notification NoticeForm<UntickedRow>::write(std::string name, const UntickedRow& payload) {
-    return {std::move(name), payload.row, {{isSelectKey, payload.isSelect}}};
-}
-
-std::optional<UntickedRow> NoticeForm<UntickedRow>::read(const Notification& notice) {
-    const auto* const row = std::any_cast<std::int32_t>(&notice.object);
-    const auto state = notice.userInfo.find(isSelectKey);
-    if (row == nullptr || state == notice.userInfo.end()) return std::nullopt;
-    const auto* const isSelect = std::any_cast<bool>(&state->second);
-    return UntickedRow{*row, isSelect != nullptr && *isSelect};
-}
-
 /// One scan, and the thread that listens to it. Its owner lets go of it; what comes later is lost.
 class ScanViewController::Scan final : public std::enable_shared_from_this<Scan> {
 public:
-    Scan(ScanViewController& owner, ScanErrand::FolderNames folders)
-        : m_owner(&owner),
-          m_queue(*owner.m_parts.mainQueue),
-          m_errand(owner.m_parts.clean, std::move(folders)) {}
+    Scan(ScanViewController& owner, const CleanParts& parts, ScanErrand::FolderNames folders)
+        : m_owner(&owner), m_queue(*owner.m_parts.mainQueue), m_errand(parts, std::move(folders)) {}
 
     void start() {
         try {
@@ -156,7 +121,8 @@ void ScanViewController::beginScanTask(std::vector<std::string> folders) {
     folderPaths = std::move(folders);
 }
 
-void ScanViewController::beginScanTask(std::function<std::vector<std::string>()> folders) {
+void ScanViewController::beginScanTask(std::function<std::vector<std::string>()> folders,
+                                       std::shared_ptr<FoldersOfRun> run) {
     forgetPlaces();
     endAside(std::pair(std::exchange(scanFiles, std::nullopt), std::exchange(m_group, nullptr)));
     folderPaths.clear();
@@ -164,7 +130,9 @@ void ScanViewController::beginScanTask(std::function<std::vector<std::string>()>
     if (m_scan != nullptr) m_scan->letGo();
     m_isStopped = false;
     m_total = 0;
-    m_scan = std::make_shared<Scan>(*this, std::move(folders));
+    CleanParts parts = m_parts.clean;
+    parts.run = std::move(run);
+    m_scan = std::make_shared<Scan>(*this, parts, std::move(folders));
     m_scan->start();
 }
 

@@ -90,8 +90,9 @@ public:
     /// says later is dropped.
     void beginScanTask(std::vector<std::string> folders);
     /// The same where even the names are asked of the disk, on the thread of the scan;
-    /// `folderPaths` stays empty.
-    void beginScanTask(std::function<std::vector<std::string>()> folders);
+    /// `folderPaths` stays empty. `run` is shared by scans that begin together.
+    void beginScanTask(std::function<std::vector<std::string>()> folders,
+                       std::shared_ptr<FoldersOfRun> run = nullptr);
     /// What is complete stays in the list.
     void cancelScanTask();
     /// Empties the list as one change; no effect while there is none.

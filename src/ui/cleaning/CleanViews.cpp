@@ -26,6 +26,8 @@ namespace {
 
 constexpr int noteWidth = 560;
 constexpr int lowLineHeight = 24;
+// The words of a button begin inside it; what stands above and below begins with them.
+constexpr int noteInset = Theme::gapSmall + 2;
 
 }  // namespace
 
@@ -87,9 +89,30 @@ void CleanViews::makeStartView() {
     column->addWidget(startNote, 0, Qt::AlignHCenter);
 }
 
+// What the last clean came to stands where its progress stood, and what is kept beside it: the bar
+// below has room for no more than one sentence in a narrow window.
+QLayout* CleanViews::makeResultLine() {
+    gainLabel = named(new ElidedLabel, "gainLabel");
+    gainLabel->setFont(Theme::shared().font(Theme::Text::Body));
+    gainLabel->setForegroundRole(QPalette::PlaceholderText);
+    gainLabel->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
+    gainLabel->hide();
+    gainLabel->setContentsMargins(noteInset, 0, 0, 0);
+    auto* const result = new QHBoxLayout;
+    result->setSpacing(Theme::gapTiny);
+    result->addWidget(gainLabel);
+    for (HoverButton* const line : {failureLine, quietLine}) {
+        line->setFixedHeight(lowLineHeight);
+        result->addWidget(line);
+    }
+    result->addStretch();
+    return result;
+}
+
 QWidget* CleanViews::makeNoteBar() {
     noteBar = named(new Panel(Theme::Color::Window, Qt::BottomEdge), "noteBar");
     noteTextField = named(new FigureLabel, "noteTextField");
+    noteTextField->setContentsMargins(noteInset, 0, 0, 0);
     noteTextField->setWordWrap(true);
     noteTextField->setForegroundRole(QPalette::PlaceholderText);
     // Two lines, the first with its large figure: else a low window takes the second from it.
@@ -98,29 +121,16 @@ QWidget* CleanViews::makeNoteBar() {
     };
     noteTextField->setMinimumHeight(lineHeight(Theme::Text::Title) + lineHeight(Theme::Text::Body));
     totalProgress = named(new QnProgressView, "totalProgress", tr("Progress"));
+    auto* const progress = new QHBoxLayout;
+    progress->setContentsMargins(noteInset, 0, 0, 0);
+    progress->addWidget(totalProgress);
     auto* const column = new QVBoxLayout(noteBar);
-    column->setContentsMargins(Theme::gapLarge, Theme::gapSmall, Theme::gapLarge, Theme::gapSmall);
+    column->setContentsMargins(Theme::gapLarge - noteInset, Theme::gapSmall, Theme::gapLarge,
+                               Theme::gapSmall);
     column->setSpacing(Theme::gapSmall);
-    // What the last clean came to stands where its progress stood, and what is kept beside it: the
-    // bar below has room for no more than one sentence in a narrow window.
-    gainLabel = named(new ElidedLabel, "gainLabel");
-    gainLabel->setFont(Theme::shared().font(Theme::Text::Body));
-    gainLabel->setForegroundRole(QPalette::PlaceholderText);
-    gainLabel->hide();
-    auto* const result = new QHBoxLayout;
-    // The words of a button begin inside it; they stand in one line with the sentence above.
-    constexpr int inset = Theme::gapSmall + 2;
-    result->setContentsMargins(-inset, 0, 0, 0);
-    result->setSpacing(Theme::gapTiny);
-    gainLabel->setContentsMargins(inset, 0, 0, 0);
-    for (HoverButton* const line : {failureLine, quietLine}) line->setFixedHeight(lowLineHeight);
-    result->addWidget(gainLabel);
-    result->addWidget(failureLine);
-    result->addWidget(quietLine);
-    result->addStretch();
     column->addWidget(noteTextField);
-    column->addLayout(result);
-    column->addWidget(totalProgress);
+    column->addLayout(makeResultLine());
+    column->addLayout(progress);
     return noteBar;
 }
 

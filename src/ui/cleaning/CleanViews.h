@@ -71,6 +71,7 @@ public:
 
 private:
     void makeStartView();
+    [[nodiscard]] QLayout* makeResultLine();
     [[nodiscard]] QWidget* makeNoteBar();
     void fillHead(NotificationCenter& notifications);
     void fillContent(NotificationCenter& notifications);

@@ -1,6 +1,8 @@
 // MainViewController: the clean. First the questions, then six removals, which take turns, and what
 // they came to.
+#include <QApplication>
 #include <QPointer>
+#include <QStackedWidget>
 #include <algorithm>
 #include <utility>
 
@@ -62,10 +64,21 @@ void MainViewController::confirm(unsigned categories, bool isOne) {
 void MainViewController::giveButtonsBack() {
     m_views->customTableView->setIsCleanInfo(false);
     enter(State::Reviewing);
+    const QPointer<QWidget> button = std::exchange(m_pressed, nullptr);
+    if (button != nullptr && button->isEnabled()) button->setFocus(Qt::PopupFocusReason);
+}
+
+// The button goes off, and with it the keyboard would jump to the first row on the left.
+void MainViewController::keepFocus() {
+    QWidget* const focus = QApplication::focusWidget();
+    m_pressed =
+        focus == m_views->cleanButton || focus == m_views->oneListCleanButton ? focus : nullptr;
+    if (m_pressed != nullptr) m_views->content->currentWidget()->setFocus(Qt::OtherFocusReason);
 }
 
 void MainViewController::allCleanButtonActionInfo() {
     if (m_state != State::Reviewing || m_isAsking) return;
+    keepFocus();
     m_views->cleanButton->setEnabled(false);
     m_views->backButton->setEnabled(false);
     m_views->customTableView->setIsCleanInfo(true);
@@ -97,6 +110,7 @@ void MainViewController::cleanButtonAction() {
 
 void MainViewController::oneScanAction(std::size_t category) {
     if (m_state != State::Reviewing || m_isAsking || category >= m_tableControllers.size()) return;
+    keepFocus();
     mainViewOneCleanRow = static_cast<int>(category);
     const auto goOn = [this, category] { confirm(1U << category, true); };
     if (category != downloads) return goOn();

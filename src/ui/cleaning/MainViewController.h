@@ -208,6 +208,7 @@ private:
     void showAlertWindow();
     void openViewNewLink() const;
     void confirm(unsigned categories, bool isOne);
+    void keepFocus();
     void giveButtonsBack();
     void beginClean(const CleanChoice& choice, unsigned categories, bool isOne);
     void cleanEnded(std::size_t category);
@@ -263,6 +264,7 @@ private:
     State m_state = State::Fresh;
     bool m_isAsking = false;
     QPointer<QWidget> m_mainWindow;
+    QPointer<QWidget> m_pressed;  // the button that had the keyboard when it asked
     struct Binding {
         NotificationCenter::Observation size, tableSize, finish;
     };

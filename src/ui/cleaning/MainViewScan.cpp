@@ -71,6 +71,7 @@ void MainViewController::beginScan() {
     m_views->customTableView->setProImageNum(0);
     willScan();
     enter(State::Scanning);
+    const auto run = std::make_shared<FoldersOfRun>();
     for (std::size_t i = 0; i < m_tableControllers.size(); ++i) {
         ScanViewController& list = *m_tableControllers.at(i);
         m_models.at(i)->clear();
@@ -80,9 +81,9 @@ void MainViewController::beginScan() {
         row.initSizeLable(noSize);
         bindScanview(list, i, false);
         // Even where the folders are is asked of a disk that may sleep.
-        list.beginScanTask([utilities = m_parts.clean.utilities, i] {
-            return utilities->getFolderPath(static_cast<std::uint32_t>(i));
-        });
+        list.beginScanTask([utilities = m_parts.clean.utilities,
+                            i] { return utilities->getFolderPath(static_cast<std::uint32_t>(i)); },
+                           run);
     }
     showRow();
     showSelection();

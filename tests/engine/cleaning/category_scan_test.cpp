@@ -15,6 +15,26 @@ using testing::CleanHome;
 using Names = std::vector<std::string>;
 using Reasons = std::map<std::string, KeptBecause>;
 
+// Of a run that looks at six categories the folders are asked about once.
+TEST(CategoryScan, scansOfOneRunShareALookAtTheFolders) {
+    CleanHome home;
+    ASSERT_TRUE(home.tree.write(".cache/a", "1"));
+    int looks = 0;
+    const FolderUtilities utilities(home.files, home.folders, [&looks] {
+        ++looks;
+        return std::vector<std::string>();
+    });
+    CleanParts parts = home.parts();
+    parts.utilities = &utilities;
+    for (const bool isRun : {false, true}) {
+        if (isRun) parts.run = std::make_shared<FoldersOfRun>();
+        looks = 0;
+        for (int scan = 0; scan < 3; ++scan)
+            EXPECT_EQ(CategoryScan(parts, {}).run({home.tree.at(".cache")}).rows.size(), 1U);
+        EXPECT_EQ(looks, isRun ? 1 : 3);
+    }
+}
+
 TEST(CategoryScan, rowsOfUserCachesAndWhyOthersStay) {
     CleanHome home;
     auto& tree = home.tree;

@@ -39,7 +39,7 @@ void HeldFolders::letAllGo() {
 }
 
 CleanDesk::CleanDesk(std::initializer_list<std::pair<const char*, std::size_t>> files,
-                     std::int64_t secondsLater) {
+                     std::int64_t secondsLater, bool hasSheets) {
     home.secondsLater = secondsLater;
     for (const auto& [name, bytes] : files) write(name, bytes);
     home.files.beforeRemoval = [this](std::string_view operation) {
@@ -56,7 +56,7 @@ CleanDesk::CleanDesk(std::initializer_list<std::pair<const char*, std::size_t>> 
     parts.pages.files = &home.files;
     parts.pages.notifications = &center;
     parts.pages.defaults = &defaults;
-    parts.pages.dialogs = &dialogs;
+    parts.pages.dialogs = hasSheets ? static_cast<Dialogs*>(&sheets) : &dialogs;
     parts.pages.mainQueue = &queue;
     parts.pages.stateFolder = home.tree.at("state");
     parts.pages.reveal = [this](const std::string& path) { revealed.push_back(path); };

@@ -17,6 +17,7 @@
 #include "support/SteadyVolumes.h"
 #include "support/test.h"
 #include "ui/cleaning/NewMainViewController.h"
+#include "ui/kit/dialogs/WindowDialogs.h"
 #include "ui/preferences/AppPrefsWindowController.h"
 #include "ui/support/NamedControls.h"
 #include "ui/support/PageWindow.h"
@@ -46,9 +47,9 @@ public:
     using State = MainViewController::State;
 
     /// `files` are in the home at first. `secondsLater`: so long ago they were written, for who
-    /// asks.
+    /// asks. With `hasSheets` questions are sheets of the window, and not in `dialogs`.
     explicit CleanDesk(std::initializer_list<std::pair<const char*, std::size_t>> files = {},
-                       std::int64_t secondsLater = 3600);
+                       std::int64_t secondsLater = 3600, bool hasSheets = false);
     ~CleanDesk() override;
     CleanDesk(const CleanDesk&) = delete;
     CleanDesk& operator=(const CleanDesk&) = delete;
@@ -81,6 +82,7 @@ public:
     UserDefaults defaults{home.tree.at("settings.ini")};
     NotificationCenter center;
     RecordedDialogs dialogs;
+    WindowDialogs sheets;
     QtMainQueue queue;
     FakeAuthorization authorization;
     LinuxPermissions permissions;

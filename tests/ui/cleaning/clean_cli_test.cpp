@@ -19,18 +19,24 @@ std::string sorted(std::vector<std::string> lines) {
     return text;
 }
 
-std::string ofTerminal(const std::string& home) {
+using Categories = std::vector<CleanCategory>;
+
+// What stands before the program in `command` may give it other mounts.
+std::string ofTerminal(const std::string& home, QStringList command, const Categories& wanted) {
     QProcess program;
-    QProcessEnvironment environment;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("HOME"), QString::fromStdString(home));
     program.setProcessEnvironment(environment);
-    program.start(
-        QStringLiteral(ORRINVALE_CLI_PATH),
-        {QStringLiteral("clean"), QStringLiteral("--json"),
-         QStringLiteral("--category=user-caches"), QStringLiteral("--category=user-logs"),
-         QStringLiteral("--category=user-trash"), QStringLiteral("--category=user-downloads")});
+    command << QStringLiteral(ORRINVALE_CLI_PATH) << QStringLiteral("clean")
+            << QStringLiteral("--json");
+    for (const CleanCategory category : wanted)
+        command << QStringLiteral("--category=") +
+                       QString::fromStdString(std::string(namesOf(category).word));
+    const QString first = command.takeFirst();
+    program.start(first, command);
     if (!program.waitForFinished() || program.exitCode() != 0)
-        return "failed: " + program.readAllStandardError().toStdString();
+        return fmt::format("failed: {} {}", program.exitCode(),
+                           program.readAllStandardError().toStdString());
     std::vector<std::string> lines;
     const QJsonArray categories =
         QJsonDocument::fromJson(program.readAllStandardOutput())[u"categories"].toArray();
@@ -46,9 +52,9 @@ std::string ofTerminal(const std::string& home) {
     return sorted(lines);
 }
 
-std::string ofPage(const CleanDesk& desk) {
+std::string ofPage(const CleanDesk& desk, const Categories& wanted) {
     std::vector<std::string> lines;
-    for (const CleanCategory category : {UserCaches, UserLogs, UserTrash, UserDownloads}) {
+    for (const CleanCategory category : wanted) {
         const ScanViewController& list = desk.list(category);
         const std::string_view name = namesOf(category).word;
         lines.push_back(fmt::format("{} {}", name, list.totalBytes()));
@@ -85,14 +91,58 @@ TEST(CleanPage, FindsAndKeepsWhatTheTerminalDoes) {
                      desk.home.tree.at("Downloads/second").c_str()),
               0);
     ASSERT_TRUE(desk.scan());
-    const std::string page = ofPage(desk);
-    EXPECT_EQ(page, ofTerminal(desk.home.tree.path()));
+    const Categories users{UserCaches, UserLogs, UserTrash, UserDownloads};
+    const std::string page = ofPage(desk, users);
+    EXPECT_EQ(page, ofTerminal(desk.home.tree.path(), {}, users));
     EXPECT_GT(std::ranges::count(page, '\n'), 15) << page;
     // What is told of them.
     const std::string told = desk.linesBehind("quietLine");
     for (const CleanCategory category : {UserCaches, UserDownloads})
         for (const CleanRow& row : desk.list(category).listing().kept)
             EXPECT_NE(told.find(row.path), std::string::npos) << row.path;
+}
+
+// The page looks at made-up folders, which the program in the terminal finds in the place of the
+// machine's.
+TEST(CleanPage, FindsAndKeepsOfTheSystemWhatTheTerminalDoes) {
+    if (::geteuid() != 0) GTEST_SKIP() << "only root may mount";
+    CleanDesk desk{{{"sys/cache/apt/archives/x.deb", 1'000},
+                    {"sys/cache/apt/archives/lock", 10},
+                    {"sys/cache/apt/pkgcache.bin", 2'000},
+                    {"sys/cache/fontconfig/0a.cache-7", 3'000},
+                    {"sys/cache/debconf/config.dat", 20},
+                    {"sys/cache/man/index.db", 30},
+                    {"sys/cache/unknown/x", 40},
+                    {"sys/cache/plain.bin", 4'000},
+                    {"sys/log/syslog", 50},
+                    {"sys/log/syslog.1", 5'000},
+                    {"sys/log/syslog.2.gz", 6'000},
+                    {"sys/log/apt/history.log.1.xz", 7'000},
+                    {"sys/log/apt/history.log", 60},
+                    {"sys/log/audit/audit.log.1", 70},
+                    {"sys/log/journal/0a/system.journal", 80},
+                    {"sys/log/journal/0a/system@0b-0c.journal", 8'000},
+                    {"person/letter", 90}},
+                   0};
+    const auto at = [&](const char* name) { return desk.home.tree.at(name); };
+    ASSERT_EQ(::symlink(at("person").c_str(), at("sys/cache/by-link").c_str()), 0);
+    ASSERT_EQ(::symlink(at("person/letter").c_str(), at("sys/log/letter.1").c_str()), 0);
+    ASSERT_EQ(::link(at("person/letter").c_str(), at("sys/log/letter.2").c_str()), 0);
+    ASSERT_TRUE(desk.scan());
+    const std::string mounting = fmt::format(
+        "mount --bind '{}' /var/cache && mount --bind '{}' /var/log || exit 77; \"$@\" | "
+        "sed 's|\"/var/|\"{}/|'",
+        at("sys/cache"), at("sys/log"), at("sys"));
+    const Categories system{SystemCaches, SystemLogs};
+    const std::string terminal =
+        ofTerminal(desk.home.tree.path(),
+                   {QStringLiteral("unshare"), QStringLiteral("-m"), QStringLiteral("sh"),
+                    QStringLiteral("-c"), QString::fromStdString(mounting), QStringLiteral("sh")},
+                   system);
+    if (terminal.starts_with("failed: 77")) GTEST_SKIP() << "no mounts of its own";
+    const std::string page = ofPage(desk, system);
+    EXPECT_EQ(page, terminal);
+    EXPECT_GT(std::ranges::count(page, '\n'), 12) << page;
 }
 
 }  // namespace

@@ -48,7 +48,10 @@ TEST(CleanTruth, WhatAFilterHidesStaysAndIsTold) {
     auto& field = desk.control<QLineEdit>("filterField");
     auto& outline = desk.control<QTreeView>("outline");
     auto& box = desk.control<TickBox>("button");
+    const int width = field.width();
     QTest::keyClicks(&field, QStringLiteral("ALPHA"));
+    QTest::qWait(20);
+    EXPECT_EQ(field.width(), width) << "the bar does not move under who types";
     EXPECT_EQ(desk.sentence("stateTextField"), "2 of 2 selected, 5.00 KB will free up.");
     EXPECT_EQ(desk.textOf("cleanButton"), "Clean 5.00 KB");
     // All that is shown is ticked: the box above clears that, and nothing else.

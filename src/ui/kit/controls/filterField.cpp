@@ -10,20 +10,23 @@ namespace {
 
 constexpr int leastFilterWidth = 110, mostFilterWidth = 180;
 
-struct FilterWords {
+// Of one width, whatever stands in it: the toolkit's grows with the button that empties it.
+class FilterField final : public QLineEdit {
     Q_DECLARE_TR_FUNCTIONS(FilterField)
+
+public:
+    QSize sizeHint() const override { return {mostFilterWidth, Theme::controlHeight}; }
+    QSize minimumSizeHint() const override { return {leastFilterWidth, Theme::controlHeight}; }
 };
 
 }  // namespace
 
 QLineEdit* makeFilterField(const QString& purpose) {
-    auto* const made = named(new QLineEdit, "filterField", purpose);
-    made->setPlaceholderText(FilterWords::tr("Filter"));
+    auto* const made = named(new FilterField, "filterField", purpose);
+    made->setPlaceholderText(FilterField::tr("Filter"));
     made->setClearButtonEnabled(true);
     made->setTextMargins(Theme::gapSmall, 0, Theme::gapTiny, 0);
-    made->setFixedHeight(Theme::controlHeight);
-    made->setMinimumWidth(leastFilterWidth);
-    made->setMaximumWidth(mostFilterWidth);
+    made->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     return made;
 }
 
