@@ -33,7 +33,7 @@ SETTLED = 36        # seconds: pools of threads give theirs back after 30
 BAR_MICROSECONDS = 50_000
 QUIT = 1            # the status of a program that was told to quit
 # A warning of the toolkit is a fault of ours; what the program itself says is not.
-WARNING = re.compile(r"^(Q[A-Z]\w+(::|: )|qt\.|qml|QPainter|Could not|Cannot ).*")
+WARNING = re.compile(r"^(?:\S+ )?(Q[A-Z]\w+(::|: )|qt\.|qml|QPainter|Could not|Cannot ).*")
 PAGES = ("duplicates", "large-files", "clean", "disk-usage", "uninstall", "memory", "login-items")
 BY_TOOLBAR = ("Free Space|Freier Speicher", "Preferences|Einstellungen", "Duplicates|Duplikate")
 # Leads out of a question, and from a result to where the page began.
@@ -95,15 +95,22 @@ class Soak:
         self.hand.stdin.write(line + "\n")
         self.hand.stdin.flush()
         answer = self.hand.stdout.readline().strip()
-        if self.program.poll() is not None:
-            raise RuntimeError(f"the program ended with status {self.program.poll()} at \"{line}\", after {self.actions} actions")
+        self.see_it_runs(line)
         return answer
+
+    def see_it_runs(self, at):
+        if self.program.poll() is None:
+            return
+        calls = self.turns_file.read_text(encoding="utf-8", errors="replace").partition("ended by a signal\n")[2].splitlines()
+        raise RuntimeError(f"the program ended with status {self.program.poll()} at \"{at}\", after {self.actions} actions; it was in "
+                           + "\n  ".join(["", *named_calls(self.arguments.program, calls)[:20], *calls[:20]]))
 
     def play(self, count):
         self.tell(f"play {count}")
         self.actions += count
 
     def action(self, name, *more):
+        self.see_it_runs(name)
         self.desk.run(self.arguments.program, *(("--action", name) if name else ()), *more)
 
     def windows(self):
@@ -298,7 +305,8 @@ def check(holds, what, details=""):
 
 def judge(soak, before, after, status):
     turns = long_turns(soak.arguments.program, soak.turns_file.read_text(encoding="utf-8", errors="replace"))
-    log = (soak.desk.place / "orrinvale.log").read_text(encoding="utf-8", errors="replace").splitlines()
+    logs = (soak.desk.place / "orrinvale.log", soak.desk.home / ".local/state/com.kelpford.Orrinvale/Orrinvale.log")
+    log = [line for each in logs if each.exists() for line in each.read_text(encoding="utf-8", errors="replace").splitlines()]
     warnings = sorted({line for line in log if WARNING.match(line)})
     growth = after["allocated"] / before["allocated"] - 1
     fine = check(status == QUIT, f"{soak.actions} actions, and it ended as asked", f"status {status}")
