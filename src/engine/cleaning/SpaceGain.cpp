@@ -1,8 +1,12 @@
 // See SpaceGain.h.
 #include "engine/cleaning/SpaceGain.h"
 
+#include <chrono>
+#include <future>
 #include <map>
 #include <set>
+#include <system_error>
+#include <thread>
 #include <utility>
 
 #include "platform/paths.h"
@@ -20,6 +24,41 @@ SpaceGain::SpaceGain(const std::vector<CleanRow>& rows, FreeSpace freeSpace)
     m_folders.assign(folders.begin(), folders.end());
 }
 
+namespace {
+
+// A disk tells its free space once it has written what is on its way, which took half a minute
+// beside a large build. Who cleans does not wait for a figure that long.
+constexpr std::chrono::seconds longestSettling{2};
+
+using FreeOfAll = std::optional<std::int64_t>;
+
+FreeOfAll freeOf(const std::vector<std::string>& folders, const SpaceGain::FreeSpace& freeSpace) {
+    std::int64_t sum = 0;
+    for (const std::string& folder : folders) {
+        const auto free = freeSpace(folder);
+        if (!free) return std::nullopt;
+        sum += static_cast<std::int64_t>(*free);
+    }
+    return sum;
+}
+
+// Nothing where it takes longer: then the thread ends by itself.
+FreeOfAll freeInTime(const std::vector<std::string>& folders,
+                     const SpaceGain::FreeSpace& freeSpace) {
+    std::packaged_task<FreeOfAll()> ask(
+        [folders, freeSpace] { return freeOf(folders, freeSpace); });
+    auto answer = ask.get_future();
+    try {
+        std::thread(std::move(ask)).detach();
+    } catch (const std::system_error&) {  // no thread left for this user
+        return std::nullopt;
+    }
+    if (answer.wait_for(longestSettling) != std::future_status::ready) return std::nullopt;
+    return answer.get();
+}
+
+}  // namespace
+
 void SpaceGain::begin() {
     const std::lock_guard lock(m_mutex);
     if (std::exchange(m_isBegun, true)) return;
@@ -30,18 +69,10 @@ void SpaceGain::begin() {
     }
     m_folders.clear();
     for (auto& [space, folder] : bySpace) m_folders.push_back(std::move(folder));
-    m_before = freeNow();
+    m_before = freeInTime(m_folders, m_freeSpace);
 }
 
-std::optional<std::int64_t> SpaceGain::freeNow() const {
-    std::int64_t sum = 0;
-    for (const std::string& folder : m_folders) {
-        const auto free = m_freeSpace(folder);
-        if (!free) return std::nullopt;
-        sum += static_cast<std::int64_t>(*free);
-    }
-    return sum;
-}
+std::optional<std::int64_t> SpaceGain::freeNow() const { return freeOf(m_folders, m_freeSpace); }
 
 std::optional<std::int64_t> SpaceGain::gained() const {
     const std::lock_guard lock(m_mutex);

@@ -1,5 +1,7 @@
 #include "ui/cleaning/FigureLabel.h"
 
+#include <algorithm>
+
 namespace orrinvale {
 namespace {
 
@@ -47,6 +49,7 @@ void FigureLabel::draw() {
 // Whatever comes or goes on the page asks for it, at two or three widths, and each answer sets the
 // sentence anew: that was half of what the end of a scan took on the main thread.
 int FigureLabel::heightForWidth(int width) const {
+    width = std::min(width, maximumWidth());  // a layout asks for all the room that it has
     const auto known = m_heights.find(width);
     if (known != m_heights.end()) return known->second;
     return m_heights[width] = QLabel::heightForWidth(width);

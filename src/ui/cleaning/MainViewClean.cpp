@@ -73,7 +73,8 @@ void MainViewController::keepFocus() {
     QWidget* const focus = QApplication::focusWidget();
     m_pressed =
         focus == m_views->cleanButton || focus == m_views->oneListCleanButton ? focus : nullptr;
-    if (m_pressed != nullptr) m_views->content->currentWidget()->setFocus(Qt::OtherFocusReason);
+    // Nothing in it has a ring: nobody has gone there.
+    if (m_pressed != nullptr) m_views->content->setFocus(Qt::OtherFocusReason);
 }
 
 void MainViewController::allCleanButtonActionInfo() {

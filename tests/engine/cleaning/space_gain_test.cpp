@@ -1,6 +1,9 @@
 // How much the disk gave back, where several folders share one.
 #include "engine/cleaning/SpaceGain.h"
 
+#include <future>
+#include <thread>
+
 #include "platform/freeSpace.h"
 #include "support/test.h"
 
@@ -32,6 +35,21 @@ TEST(SpaceGain, subvolumesOfOneDiskCountOnce) {
         const std::int64_t gained = gain.gained().value_or(0);
         return gained > 35'000'000 && gained < 45'000'000 ? "" : std::to_string(gained);
     });
+}
+
+// It has much to write before it can tell: the clean begins without a figure, and tells none.
+TEST(SpaceGain, aDiskThatDoesNotSettleHoldsNoCleanUp) {
+    std::promise<void> settled;
+    SpaceGain gain({"/"}, [held = settled.get_future().share()](const std::string&) {
+        held.wait();
+        return SysResult<std::uint64_t>(1);
+    });
+    std::thread clean([&gain] { gain.begin(); });
+    const auto begun = std::async(std::launch::async, [&clean] { clean.join(); });
+    EXPECT_EQ(begun.wait_for(std::chrono::seconds(10)), std::future_status::ready);
+    settled.set_value();
+    begun.wait();
+    EXPECT_EQ(gain.gained(), std::nullopt);
 }
 
 }  // namespace

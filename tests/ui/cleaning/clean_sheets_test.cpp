@@ -56,6 +56,9 @@ TEST(CleanSheets, TheWindowMayBeClosedBehindEachAndComesBack) {
             ASSERT_TRUE(sheetOf(desk) != nullptr && sheetOf(desk)->isVisible());
             EXPECT_TRUE(sheetOf(desk)->isAncestorOf(QApplication::focusWidget()))
                 << "the keyboard is the sheet's";
+            for (const QAbstractButton* const button :
+                 sheetOf(desk)->findChildren<QAbstractButton*>())
+                EXPECT_GE(button->width(), button->sizeHint().width()) << "cut";
             ASSERT_TRUE(answer(desk, QLatin1String(words)));
         }
         ASSERT_TRUE(desk.waitForRest());

@@ -165,6 +165,8 @@ TEST(CleanStates, ASentenceIsAsHighAsItsWords) {
     const int lines = label.heightForWidth(width);
     EXPECT_GT(lines, oneLine);
     EXPECT_LT(label.heightForWidth(4 * width), lines);
+    label.setFixedWidth(width);
+    EXPECT_EQ(label.heightForWidth(4 * width), lines) << "it gets no wider than that";
     QFont large = label.font();
     large.setPointSize(2 * large.pointSize());
     label.setFont(large);

@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QPainter>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/look/Theme.h"
@@ -14,7 +15,7 @@
 namespace orrinvale {
 namespace {
 
-constexpr int panelWidth = 440, signSize = 40;
+constexpr int panelWidth = 440, widestPanel = 600, signSize = 40;
 
 QString signOf(const Alert& alert) {
     if (!alert.picture.isEmpty()) return alert.picture;
@@ -85,7 +86,13 @@ AlertPanel::AlertPanel(const Alert& alert)
     addButtons(*column, alert);
 }
 
-QSize AlertPanel::sizeHint() const { return {panelWidth, heightForWidth(panelWidth)}; }
+// Wider only where a button would be cut.
+QSize AlertPanel::sizeHint() const {
+    const QMargins around = layout()->contentsMargins();
+    const int buttons = layout()->itemAt(1)->sizeHint().width() + around.left() + around.right();
+    const int width = std::clamp(buttons, panelWidth, widestPanel);
+    return {width, heightForWidth(width)};
+}
 
 QWidget* AlertPanel::keyboardButton() const {
     const auto index = static_cast<std::size_t>(m_keyboardButton);
