@@ -78,7 +78,7 @@ QString leftoverText(const Leftover& leftover, bool isCut) {
     else if (leftover.preciousCount > 1)
         words.push_back(UninstallQuestion::tr("with %1 documents and databases")
                             .arg(QLocale().toString(qulonglong(leftover.preciousCount))));
-    const QString said = words.join(QStringLiteral(", "));
+    QString said = words.join(QStringLiteral(", "));
     if (leftover.precious.empty()) return said;
     const bool areMore = leftover.preciousCount > leftover.precious.size();
     return said + QStringLiteral(": ") + listed(leftover.precious) +
