@@ -1,5 +1,7 @@
 // The search for bundles, and the records that it makes.
 #include "engine/uninstall/UninstallAppInfo.h"
+#include "platform/linux/LinuxApplications.h"
+#include "support/MadeUpMachine.h"
 #include "support/test.h"
 
 namespace orrinvale {
@@ -40,6 +42,32 @@ TEST(Inventory, FindsBundlesInTheFourPlacesAndReadsTheirLists) {
         {"NoList", "nil nil NO"},          {"Large", "nil nil NO"},
         {"Near", "com.apple 1.0 NO"},      {"Linked", "com.apple 1.0 NO"}};
     EXPECT_EQ(found, expected);
+}
+
+TEST(Inventory, TellsWhatItHasAfterEachKind) {
+    testing::MadeUpMachine machine;
+    const TestTree& tree = machine.tree;
+    (void)machine.tree.write("Applications/One.app/Contents/Info.plist", list("com.example.One"));
+    machine.program("usr/bin/tool");
+    machine.entry("tool", "Exec=tool");
+    machine.package("tool", "", {"usr/bin/tool", "usr/share/applications/tool.desktop"});
+    machine.program("opt/game/bin/game");
+    machine.entry("game", "Exec=" + tree.at("opt/game/bin/game"));
+    const LinuxFileSystem files;
+    const LinuxApplications applications(machine.places);
+    Strings told;
+    AppItemsArray last;
+    const UninstallAppInfo info(
+        UninstallAppDelegate(files, tree.at("home"), &applications, tree.path()),
+        [&](const AppItemsArray& soFar) {
+            EXPECT_TRUE(std::equal(last.begin(), last.end(), soFar.begin())) << "other objects";
+            last = soFar;
+            std::string names;
+            for (const auto& each : soFar) names += each->name + ' ';
+            if (told.empty() || told.back() != names) told.push_back(names);
+        });
+    EXPECT_THAT(told, ElementsAre("One ", "One tool ", "One tool game "));
+    EXPECT_EQ(const_cast<UninstallAppInfo&>(info).allAppsInfo(), last);
 }
 
 TEST(Inventory, ACopyKeepsOnlyTheTextOfBeingOfTheSystem) {
