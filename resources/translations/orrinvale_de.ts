@@ -2454,7 +2454,7 @@ Freie Software unter der Apache License 2.0.</translation>
     </message>
     <message>
         <source>Disk Usage</source>
-        <translation>Speicherbelegung</translation>
+        <translation>Belegung</translation>
     </message>
     <message>
         <source>Counting what is ticked</source>

@@ -37,7 +37,7 @@ bool drawPreferences(UserDefaults& defaults, const PictureFolder& pictures,
         if (!pictures.save(inWindow, controller.window()->grab())) return false;
     }
     if (!isWanted(whole)) return true;
-    constexpr QSize all{800, 1900};
+    constexpr QSize all{800, 2010};
     PreferencePage page(services, {.hasTray = [] { return true; },
                                    .hasDesktopNotes = true,
                                    .hasDiskUsage = true,

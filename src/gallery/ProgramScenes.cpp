@@ -6,12 +6,14 @@
 #include <QApplication>
 #include <QMenu>
 #include <QPainter>
+#include <algorithm>
 #include <utility>
 
 #include "engine/settings/UserDefaults.h"
 #include "gallery/drawing.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/dialogs/Sheet.h"
+#include "ui/preferences/AppPrefsWindowController.h"
 #include "ui/shell/AppDelegate.h"
 #include "ui/shell/ApplicationMenu.h"
 
@@ -65,6 +67,13 @@ ProgramScenes::ProgramScenes(UserDefaults& defaults, const PictureFolder& pictur
                          .stopListening = {},
                          .exitProcess = {},
                          .endBySignal = {}});
+    // Which entries the menu has goes by the pages that there are.
+    auto& pages = AppPrefsWindowController::sharedPrefsWindowController();
+    for (const QString& each : {AppDelegate::diskUsageIdentifier, AppDelegate::scanIdentifier,
+                                AppDelegate::uninstallIdentifier, AppDelegate::freeSpaceIdentifier,
+                                AppDelegate::memoryIdentifier, AppDelegate::loginItemsIdentifier,
+                                AppDelegate::preferencesIdentifier})
+        pages.registerPage({.identifier = each, .label = {}, .picture = {}, .make = {}});
     m_delegate->applicationWillFinishLaunching();
     m_delegate->applicationDidFinishLaunching();
 }
@@ -100,8 +109,19 @@ bool ProgramScenes::drawMenu() {
     window().findChild<QAbstractButton*>(QStringLiteral("menuButton"))->click();
     QApplication::processEvents();
     menu.setActiveAction(menu.findChild<QAction*>(QStringLiteral("help")));
-    QPixmap picture = window().grab();
-    QPainter(&picture).drawPixmap(window().mapFromGlobal(menu.pos()), menu.grab());
+    // It reaches beyond the window, as it does on a screen.
+    const QPixmap behind = window().grab();
+    const QRect place(window().mapFromGlobal(menu.pos()), menu.size());
+    const qreal scale = behind.devicePixelRatio();
+    QPixmap picture(
+        (QSizeF(window().width(), std::max(window().height(), place.bottom() + 1)) * scale)
+            .toSize());
+    picture.setDevicePixelRatio(scale);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.drawPixmap(0, 0, behind);
+    painter.drawPixmap(place.topLeft(), menu.grab());
+    painter.end();
     menu.close();
     return save("menu", picture);
 }

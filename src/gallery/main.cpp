@@ -92,7 +92,8 @@ QSet<QString> wantedScenes(const Order& order) {
                 QStringLiteral("failure"),    QStringLiteral("menu"),
                 QStringLiteral("free-space"), QStringLiteral("tray-menu"),
                 QStringLiteral("uninstall"),  QStringLiteral("preferences"),
-                QStringLiteral("memory"),     QStringLiteral("login-items")};
+                QStringLiteral("memory"),     QStringLiteral("login-items"),
+                QStringLiteral("computer")};
     return {QStringLiteral("first"), QStringLiteral("detail")};
 }
 

@@ -57,8 +57,10 @@ QSize ToolbarItem::sizeHint() const {
             image.height() + gap + words.height() + 2 * edgePadding};
 }
 
+// Room goes first where words have more than they need; then the longest are cut.
 QSize ToolbarItem::minimumSizeHint() const {
-    return {iconSize().width() + 2 * edgePadding, sizeHint().height()};
+    const int words = showsLabel() ? fontMetrics().horizontalAdvance(text()) + Theme::gapSmall : 0;
+    return {std::max(words, iconSize().width() + 2 * edgePadding), sizeHint().height()};
 }
 
 bool ToolbarItem::isLabelCut() const {

@@ -24,6 +24,8 @@ public:
     [[nodiscard]] const QString& identifier() const { return m_identifier; }
     void setLabel(const QString& label);
     void setDisplay(ToolbarDisplay display);
+    /// A part of the label is not to be seen; the tool tip has it then.
+    [[nodiscard]] bool isLabelCut() const;
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
@@ -41,7 +43,6 @@ private:
     [[nodiscard]] bool showsLabel() const {
         return m_display != ToolbarDisplay::IconOnly || icon().isNull();
     }
-    [[nodiscard]] bool isLabelCut() const;
     void drawPlate(QPainter& painter) const;
 
     const QString m_identifier;

@@ -18,11 +18,12 @@ namespace {
 
 // What one is asked for first who reports a fault.
 std::vector<std::string> linesAboutTheProgram() {
-    const auto variable = [](const char* name) { return qEnvironmentVariable(name).toStdString(); };
+    const std::string desktop =
+        qEnvironmentVariable("XDG_CURRENT_DESKTOP", QStringLiteral("not told")).toStdString();
     return {
         fmt::format("Orrinvale {}, Qt {}", QCoreApplication::applicationVersion().toStdString(),
                     qVersion()),
-        fmt::format("desktop: {} ({}), language: {}", variable("XDG_CURRENT_DESKTOP"),
+        fmt::format("desktop: {} ({}), language: {}", desktop,
                     QGuiApplication::platformName().toStdString(), QLocale().name().toStdString()),
         " "};
 }

@@ -12,6 +12,7 @@
 #include "engine/text/Localized.h"
 #include "ui/kit/lists/FlatHeader.h"
 #include "ui/kit/look/Theme.h"
+#include "ui/preferences/ToolbarItem.h"
 
 namespace orrinvale::testing {
 namespace {
@@ -65,10 +66,12 @@ QStringList cutTexts(const QWidget& window) {
     const auto note = [&](const QWidget& widget, const QString& text) {
         cut.push_back(widget.objectName() + QStringLiteral(": ") + text);
     };
-    for (const auto* const each : window.findChildren<QAbstractButton*>())
-        if (each->isVisible() && !each->text().isEmpty() &&
-            each->width() < each->sizeHint().width())
-            note(*each, each->text());
+    for (const auto* const each : window.findChildren<QAbstractButton*>()) {
+        const auto* const item = qobject_cast<const ToolbarItem*>(each);  // these may grow narrow
+        const bool isCut =
+            item != nullptr ? item->isLabelCut() : each->width() < each->sizeHint().width();
+        if (each->isVisible() && !each->text().isEmpty() && isCut) note(*each, each->text());
+    }
     for (const auto* const each : window.findChildren<QLabel*>()) {
         if (!each->isVisible() || each->text().isEmpty()) continue;
         const bool fits = each->wordWrap() ? each->height() >= each->heightForWidth(each->width())

@@ -6,6 +6,10 @@
 #include <QMenu>
 
 #include "support/test.h"
+#include "ui/cleaning/MainViewController.h"
+#include "ui/cleaning/cleanPage.h"
+#include "ui/diskusage/DiskUsageAppController.h"
+#include "ui/diskusage/diskUsagePage.h"
 #include "ui/duplicates/duplicatePage.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/dialogs/AlertPanel.h"
@@ -13,9 +17,14 @@
 #include "ui/kit/look/Theme.h"
 #include "ui/kit/look/Translations.h"
 #include "ui/language/ShownTexts.h"
+#include "ui/loginitems/LoginItemController.h"
+#include "ui/memory/CleanMemoryController.h"
 #include "ui/preferences/AppPrefsWindowController.h"
+#include "ui/preferences/PreferencePage.h"
 #include "ui/support/LargePage.h"
 #include "ui/support/Launched.h"
+#include "ui/uninstall/UninstallAppsController.h"
+#include "ui/volumes/FreeSpacePage.h"
 
 namespace orrinvale::testing {
 namespace {
@@ -145,7 +154,13 @@ TEST_F(GermanWindow, TheToolbarWindow) {
     controller.setOpenAddress([](const QString& /*address*/) {});
     controller.setOpenHelp([] {});
     controller.registerPage(duplicatePage(on.pages()));
+    for (const PageDescriptor& each :  // none of them is opened
+         {diskUsagePage(on.pages(), {}), cleanPage({}), uninstallPage(on.pages(), {}),
+          freeSpacePage(on.pages(), {}), memoryPage(on.pages(), {}), loginItemsPage(on.pages(), {}),
+          preferencePage(on.pages(), {})})
+        controller.registerPage(each);
     controller.showWindow();
+    ASSERT_EQ(controller.window()->frame().width(), 800);
     look("toolbar window", *controller.window());
     EXPECT_TRUE(seen.contains(QStringLiteral("Hilfe")));
 }

@@ -353,10 +353,9 @@ TEST(Program, NothingThatIsAskedFromOutsideRemovesAnything) {
          {"home/.cache/one/a", "home/.cache/b", "home/.local/share/Trash/files/x",
           "home/.local/share/Trash/info/x.trashinfo", "home/Downloads/film",
           "home/Downloads/film 2", "home/.config/autostart/x.desktop",
-          "home/Applications/T.app/Contents/Info.plist", "home/.xsession-errors.old"})
+          "home/Applications/T.app/Contents/Info.plist", "home/.xsession-errors.old",
+          "home/.local/state/logs/old.log"})
         ASSERT_TRUE(tree.write(each, "the same"));
-    ASSERT_TRUE(tree.write("com.kelpford.Orrinvale/settings.ini",
-                           "[Orrinvale]\nUserTrash = 1\nUserDownloads = 1\n"));
     const auto all = [&] {
         std::set<std::string> paths;
         for (const auto& each : std::filesystem::recursive_directory_iterator(tree.at("home")))
