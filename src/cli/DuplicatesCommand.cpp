@@ -4,6 +4,11 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <utility>
+
 #include "cli/DuplicatesReport.h"
 #include "cli/Output.h"
 #include "cli/SearchWatch.h"
@@ -13,6 +18,9 @@
 
 namespace orrinvale::cli {
 namespace {
+
+constexpr std::array allKinds{FileKind::Documents, FileKind::Music,    FileKind::Videos,
+                              FileKind::Archives,  FileKind::Pictures, FileKind::Others};
 
 std::string progressLine(DuplicateFilesOpt& search) {
     const auto state = search.search();
@@ -26,49 +34,149 @@ std::string progressLine(DuplicateFilesOpt& search) {
 }  // namespace
 
 std::vector<OptionSpec> DuplicatesCommand::options() const {
-    return {{"--hidden", "", "Search entries whose names begin with a dot too"},
-            {"--system", "", "Search the system's folders in / too"},
-            {"--limit", "SIZE", "Look at files larger than that only (default 0)"},
-            {"FOLDER", "", "The folder to search"}};
+    return {
+        {"--hidden", "", "Search entries whose names begin with a dot too"},
+        {"--system", "", "Search the system's folders in / too"},
+        {"--limit", "SIZE", "Look at files larger than that only (default 0)"},
+        {"--min", "SIZE", "Look at files of at least that size only"},
+        {"--max", "SIZE", "Look at files of at most that size only"},
+        {"--kind", "KIND...",
+         "Look at files of this kind only: documents, music, videos, archives, pictures or "
+         "others; may be given several times"},
+        {"--exclude", "PATTERN...", "Leave out files and folders of this name, or at this path"},
+        {"--exclusion-files", "",
+         "Leave out what files named .orrinvaleignore in the folders say, too"},
+        {"--protect", "FOLDER...", "Search this folder as well as the others, but keep all of it"},
+        {"--keep", "RULE...",
+         "Tell which copies would stay by this rule: newest, oldest, shortest-path, "
+         "shortest-name or path:FOLDER; a further rule orders what those before it leave "
+         "equal"},
+        {"FOLDER...", "", "The folders to search, as one"}};
+}
+
+std::string_view DuplicatesCommand::description() const {
+    return "Files are equal when their sizes and a 64-bit checksum over their whole contents "
+           "agree; they are not compared byte by byte. Folders whose names end in .app are "
+           "applications and compared as wholes. Links directly in a folder are followed, links "
+           "further down are not, and empty files are left out. A folder that lies in another one "
+           "is searched once.\n\n"
+           "In a PATTERN \"*\" stands for any characters, \"?\" for one, \"[a-z]\" for one of a "
+           "set and \"**\" for any folders; a backslash takes the meaning from what follows it. "
+           "Without a slash it is a name, with one in it a path from the folder that is "
+           "searched, with one at its beginning a whole path, and with one at its end it is for "
+           "folders alone. An exclusion file has a pattern a line, for its own folder and those "
+           "below; \"!\" before one takes back what lines above it leave out.\n\n"
+           "With --keep each copy is told to stay or to go: of each group one copy stays, with it "
+           "all that is protected and every other name of what stays, and a symbolic link is never "
+           "the copy. With -0 only the copies that would go are printed then. Nothing is removed.";
+}
+
+// Fills in what is asked for. What is wrong with it otherwise, in words for badUsage().
+std::optional<std::string> DuplicatesCommand::readFilter(const Arguments& arguments,
+                                                         SearchRequest& request) {
+    const struct {
+        const char* option;
+        std::uint64_t& size;
+    } sizes[] = {{"limit", request.limit},
+                 {"min", request.filter.smallest},
+                 {"max", request.filter.largest}};
+    for (const auto& [option, size] : sizes) {
+        if (!arguments.has(option)) continue;
+        const auto read = parseSize(arguments.text(option));
+        if (!read)
+            return fmt::format("--{} takes {}, not \"{}\"", option, sizeForms,
+                               arguments.text(option));
+        size = *read;
+    }
+    if (request.filter.smallest > request.filter.largest)
+        return std::string("--min is larger than --max");
+    for (const std::string& text : arguments.texts("kind")) {
+        const auto kind = std::ranges::find(allKinds, text, kindName);
+        if (kind == allKinds.end())
+            return fmt::format(
+                "--kind takes documents, music, videos, archives, pictures or others, not \"{}\"",
+                text);
+        request.filter.kinds.push_back(*kind);
+    }
+    for (const std::string& text : arguments.texts("exclude")) {
+        auto pattern = PathPattern::parse(text);
+        if (!pattern)
+            return fmt::format("--exclude \"{}\", character {}: {}", text, pattern.error().place,
+                               pattern.error().reason);
+        request.filter.exclusions.push_back(std::move(*pattern));
+    }
+    request.filter.readsFiles = arguments.has("exclusion-files");
+    return std::nullopt;
+}
+
+std::optional<std::string> DuplicatesCommand::readRules(const Arguments& arguments,
+                                                        KeepRules& rules) {
+    for (const std::string& text : arguments.texts("keep")) {
+        auto rule = keepRuleOf(text);
+        if (!rule) return fmt::format("--keep takes {}, not \"{}\"", keepRuleForms, text);
+        for (std::string& folder : rule->folders) folder = absolutePath(folder);
+        rules.push_back(std::move(*rule));
+    }
+    return std::nullopt;
 }
 
 Status DuplicatesCommand::run(const Arguments& arguments) {
-    const auto limit = arguments.has("limit") ? parseSize(arguments.text("limit")) : 0;
-    if (!limit)
-        return badUsage(
-            fmt::format("--limit takes {}, not \"{}\"", sizeForms, arguments.text("limit")));
-    if (arguments.text("FOLDER").empty()) return badUsage("the folder's name is empty");
-    const std::string root = absolutePath(arguments.text("FOLDER"));
-    const std::string fault = folderFault(m_files, root);
-    if (!fault.empty()) return noSuchFolder(root, fault);
+    SearchRequest request;
+    KeepRules rules;
+    if (const auto fault = readFilter(arguments, request)) return badUsage(*fault);
+    if (const auto fault = readRules(arguments, rules)) return badUsage(*fault);
+    for (const char* name : {"protect", "FOLDER"})
+        for (const std::string& text : arguments.texts(name)) {
+            if (text.empty()) return badUsage("the folder's name is empty");
+            const std::string folder = absolutePath(text);
+            const std::string fault = folderFault(m_files, folder);
+            if (!fault.empty()) return noSuchFolder(folder, fault);
+            request.roots.push_back(folder);
+            if (name == std::string_view("protect")) request.protectedFolders.push_back(folder);
+        }
+    // What is protected is searched behind the others, so that these have the order of before.
+    std::rotate(request.roots.begin(),
+                request.roots.begin() + std::ptrdiff_t(request.protectedFolders.size()),
+                request.roots.end());
+    return search(arguments, request, rules);
+}
 
+Status DuplicatesCommand::search(const Arguments& arguments, const SearchRequest& request,
+                                 const KeepRules& rules) {
     DuplicateFilesOpt search(m_files);
     const SearchOption option{arguments.has("hidden"), arguments.has("system")};
     search.setSearchOption(&option);
     const Ending ending = [&] {
         const SearchWatch watch([&search] { search.stopSearch(); },
                                 [&search] { return progressLine(search); }, tellingFor(arguments));
-        search.beginSearchAtPath(root, *limit);
+        search.beginSearch(request);
         return watch.ending();
     }();
     const auto state = search.search();
-    if (state->rootError()) return noSuchFolder(root, state->rootError()->reason());
+    if (state->rootError())
+        return noSuchFolder(state->rootError()->path, state->rootError()->reason());
 
     const std::vector<Error> skipped = state->skipped().entries();
-    if (!arguments.has("quiet")) complainOfEach(skipped);
-    if (!arguments.has("quiet") && state->inodesPass())
-        Output(STDERR_FILENO)
-            .write(fmt::format("orrinvale-cli: inode numbers do not last everywhere in {}: files "
-                               "there are known by path, size "
-                               "and times\n",
-                               printable(root)));
+    if (!arguments.has("quiet")) {
+        complainOfEach(skipped);
+        for (const CoveredRoot& root : state->coveredRoots())
+            if (std::ranges::find(request.protectedFolders, root.path) ==
+                request.protectedFolders.end())
+                complain(fmt::format("{} {} {}: it is searched once", root.path,
+                                     root.isSame ? "is" : "lies in", root.by));
+        if (state->inodesPass())
+            complain(
+                fmt::format("inode numbers do not last everywhere in {}: files there are "
+                            "known by path, size and times",
+                            request.roots.front()));
+    }
 
     Output out(STDOUT_FILENO);
-    const DuplicatesSummary summary = summarize(search);
-    if (arguments.has("json"))
-        printJson(out, root, search, summary, skipped, ending != Ending::Whole);
-    else if (arguments.has("print0")) printPaths(out, search);
-    else printListing(out, search, summary, wantsColour(STDOUT_FILENO));
+    const DuplicatesReport report{search, request, arguments.has("keep") ? &rules : nullptr};
+    const DuplicatesSummary summary = summarize(report);
+    if (arguments.has("json")) printJson(out, report, summary, skipped, ending != Ending::Whole);
+    else if (arguments.has("print0")) printPaths(out, report);
+    else printListing(out, report, summary, wantsColour(STDOUT_FILENO));
     return finish(out, skipped, ending);
 }
 

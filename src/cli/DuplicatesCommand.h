@@ -1,7 +1,12 @@
 // orrinvale-cli duplicates: the search as the duplicate page runs it, in the terminal.
 #pragma once
 
+#include <optional>
+#include <string>
+
 #include "cli/Command.h"
+#include "engine/duplicates/keep/KeepRule.h"
+#include "engine/duplicates/scope/SearchRequest.h"
 #include "platform/fileTypes.h"
 
 namespace orrinvale::cli {
@@ -15,19 +20,16 @@ public:
     [[nodiscard]] std::string_view summary() const override {
         return "Find files and application bundles with identical content";
     }
-    [[nodiscard]] std::string_view description() const override {
-        return "Files are equal when their sizes and a 64-bit checksum over their whole contents "
-               "agree; they are "
-               "not compared byte by byte. Folders whose names end in .app are applications and "
-               "compared as wholes. "
-               "Links directly in the folder are followed, links further down are not, and empty "
-               "files are left out. "
-               "Nothing is removed.";
-    }
+    [[nodiscard]] std::string_view description() const override;
     [[nodiscard]] std::vector<OptionSpec> options() const override;
     Status run(const Arguments& arguments) override;
 
 private:
+    static std::optional<std::string> readFilter(const Arguments& arguments,
+                                                 SearchRequest& request);
+    static std::optional<std::string> readRules(const Arguments& arguments, KeepRules& rules);
+    Status search(const Arguments& arguments, const SearchRequest& request, const KeepRules& rules);
+
     const FileSystem& m_files;
 };
 

@@ -11,23 +11,47 @@
 #include "engine/base/Date.h"
 #include "engine/base/saturating.h"
 #include "engine/duplicates/FileKind.h"
+#include "engine/duplicates/keep/GainCount.h"
+#include "engine/duplicates/keep/GroupMembers.h"
 #include "engine/text/UtilityFunction.h"
 
 namespace orrinvale::cli {
 namespace {
 
 struct Leaf {
-    std::string path;
-    std::uint64_t size;
-    std::optional<Date> modified;
+    std::string_view path;
+    std::uint64_t size = 0;
+    std::optional<Date> modified = std::nullopt;
+    bool isProtected = false;
+    std::optional<bool> stays = std::nullopt;  // where somebody asked
 };
 
-template <class Visit> void forEachLeaf(const DuplicateGroup& group, Visit visit) {
-    for (const AppAttrbItem* bundle : group.bundles)
-        visit(Leaf{bundle->DirectoryPathName, bundle->DirectorySize, std::nullopt});
-    for (const fileAttrbItem* file : group.files)
-        visit(Leaf{file->filePathName(), file->fileSize, file->ModificationDate()});
-}
+// Calls visit(leaf, member) for each leaf of a group, with what the rules say of it.
+class LeafVisit {
+public:
+    explicit LeafVisit(const DuplicatesReport& report)
+        : m_rules(report.rules), m_members(*report.search.search()) {}
+
+    template <class Visit> void visit(const DuplicateGroup& group, Visit visit) {
+        const std::vector<KeepMember>& members = m_members.of(group);
+        if (m_rules != nullptr) decideKept(*m_rules, members, m_stays);
+        for (std::size_t i = 0; i < members.size(); ++i) {
+            Leaf leaf{members[i].path, m_members.size(i)};
+            if (members[i].modified) leaf.modified = Date{*members[i].modified};
+            leaf.isProtected = members[i].isProtected;
+            if (m_rules != nullptr) leaf.stays = m_stays[i] != 0;
+            visit(leaf, members[i]);
+        }
+    }
+    template <class Visit> void leaves(const DuplicateGroup& group, Visit visit) {
+        this->visit(group, [&](const Leaf& leaf, const KeepMember&) { visit(leaf); });
+    }
+
+private:
+    const KeepRules* m_rules;
+    GroupMembers m_members;
+    std::vector<std::uint8_t> m_stays;
+};
 
 // Adds up what goes with leaves. Names of one file share its bytes, so they count once, and not at
 // all where one of them stays.
@@ -68,7 +92,7 @@ std::string plural(std::uint64_t count, std::string_view one, std::string_view m
     return fmt::format("{} {}", count, count == 1 ? one : many);
 }
 
-void appendGroup(std::string& out, const DuplicateGroup& group) {
+void appendGroup(std::string& out, const DuplicateGroup& group, LeafVisit& visit) {
     out += "{\"name\": ";
     appendJsonText(out, group.name);
     out += ", \"extension\": ";
@@ -77,44 +101,80 @@ void appendGroup(std::string& out, const DuplicateGroup& group) {
                    ", \"type\": \"{}\", \"bundle\": {}, \"size\": {},\n     \"leaves\": [",
                    kindName(kindOfExtension(group.extension)), group.bundle, group.size);
     const char* between = "{";
-    forEachLeaf(group, [&](const Leaf& leaf) {
+    visit.leaves(group, [&](const Leaf& leaf) {
         out += between;
         appendJsonPath(out, leaf.path);
         out += ", \"size\": ";
         appendNumber(out, leaf.size);
-        out += leaf.modified ? ", \"modified\": \"" + iso8601(*leaf.modified) + "\"}"
-                             : ", \"modified\": null}";
+        out += leaf.modified ? ", \"modified\": \"" + iso8601(*leaf.modified) + "\""
+                             : ", \"modified\": null";
+        if (leaf.isProtected) out += ", \"protected\": true";
+        if (leaf.stays) out += *leaf.stays ? ", \"keep\": true" : ", \"keep\": false";
+        out += '}';
         between = ",\n                {";
     });
     out += "]}";
 }
 
+void appendRoots(std::string& out, const DuplicatesReport& report) {
+    out += "{\n  ";
+    appendJsonPath(out, report.request.roots.front(), "root");
+    if (report.request.roots.size() < 2) return;
+    const auto appendList = [&out](const char* name, const auto& list, auto append) {
+        out += fmt::format(",\n  \"{}\": [", name);
+        const char* between = "{";
+        for (const auto& each : list) {
+            out += between;
+            append(each);
+            out += '}';
+            between = ", {";
+        }
+        out += ']';
+    };
+    appendList("roots", report.request.roots,
+               [&](const std::string& root) { appendJsonPath(out, root); });
+    appendList("covered", report.search.search()->coveredRoots(), [&](const CoveredRoot& root) {
+        appendJsonPath(out, root.path);
+        out += ", ";
+        appendJsonPath(out, root.by, "by", "byHex");
+    });
+}
+
 }  // namespace
 
-DuplicatesSummary summarize(const DuplicateFilesOpt& search) {
+DuplicatesSummary summarize(const DuplicatesReport& report) {
     DuplicatesSummary summary;
-    if (const auto state = search.search()) {
-        summary.files = state->counts().listedFiles;
-        summary.bundles = state->listedBundles();
-    }
-    search.visitGroups([&](const DuplicateGroup& group) {
+    const auto state = report.search.search();
+    summary.files = state->counts().listedFiles;
+    summary.bundles = state->listedBundles();
+    GainCount gain;
+    LeafVisit visit(report);
+    report.search.visitGroups([&](const DuplicateGroup& group) {
         ++summary.groups;
         summary.leaves += group.files.size() + group.bundles.size();
         addSaturating(summary.bytes, group.size);
         addSaturating(summary.reclaimable, reclaimable(group));
+        if (report.rules == nullptr) return;
+        visit.visit(group, [&](const Leaf& leaf, const KeepMember& member) {
+            if (*leaf.stays) return;
+            ++summary.removable;
+            gain.add(member.identity, member.links, leaf.size);
+        });
     });
+    summary.gain = gain.bytes();
     return summary;
 }
 
-void printJson(Output& out, const std::string& root, const DuplicateFilesOpt& search,
-               const DuplicatesSummary& summary, const std::vector<Error>& skipped, bool stopped) {
-    std::string text = "{\n  ";
-    appendJsonPath(text, root, "root");
+void printJson(Output& out, const DuplicatesReport& report, const DuplicatesSummary& summary,
+               const std::vector<Error>& skipped, bool stopped) {
+    std::string text;
+    appendRoots(text, report);
     text += ",\n  \"groups\": [";
+    LeafVisit visit(report);
     const char* between = "\n    ";
-    search.visitGroups([&](const DuplicateGroup& group) {
+    report.search.visitGroups([&](const DuplicateGroup& group) {
         text += between;
-        appendGroup(text, group);
+        appendGroup(text, group, visit);
         between = ",\n    ";
         out.write(text);
         text.clear();
@@ -122,37 +182,46 @@ void printJson(Output& out, const std::string& root, const DuplicateFilesOpt& se
     text += fmt::format(
         "{}],\n  \"summary\": {{\"files\": {}, \"bundles\": {}, \"groups\": {}, \"leaves\": {}, "
         "\"bytes\": {}, "
-        "\"reclaimable\": {}}},\n  \"skipped\": [",
+        "\"reclaimable\": {}",
         summary.groups == 0 ? "" : "\n  ", summary.files, summary.bundles, summary.groups,
         summary.leaves, summary.bytes, summary.reclaimable);
+    if (report.rules != nullptr)
+        text += fmt::format(", \"removable\": {}, \"gain\": {}", summary.removable, summary.gain);
+    text += "},\n  \"skipped\": [";
     appendJsonSkipped(text, skipped);
     text += fmt::format("],\n  \"stopped\": {}\n}}\n", stopped);
     out.write(text);
 }
 
-void printPaths(Output& out, const DuplicateFilesOpt& search) {
-    search.visitGroups([&](const DuplicateGroup& group) {
-        forEachLeaf(group, [&](const Leaf& leaf) {
+void printPaths(Output& out, const DuplicatesReport& report) {
+    LeafVisit visit(report);
+    report.search.visitGroups([&](const DuplicateGroup& group) {
+        visit.leaves(group, [&](const Leaf& leaf) {
+            if (leaf.stays.value_or(false)) return;
             out.write(leaf.path);
             out.write(std::string_view("\0", 1));
         });
     });
 }
 
-void printListing(Output& out, const DuplicateFilesOpt& search, const DuplicatesSummary& summary,
+void printListing(Output& out, const DuplicatesReport& report, const DuplicatesSummary& summary,
                   bool colour) {
     const std::string_view strong = colour ? "\x1b[1m" : "";
     const std::string_view faint = colour ? "\x1b[2m" : "";
     const std::string_view plain = colour ? "\x1b[0m" : "";
-    search.visitGroups([&](const DuplicateGroup& group) {
+    LeafVisit visit(report);
+    report.search.visitGroups([&](const DuplicateGroup& group) {
         const std::uint64_t leaves = group.files.size() + group.bundles.size();
         const std::uint64_t each =
             group.bundle ? group.bundles.front()->DirectorySize : group.files.front()->fileSize;
         out.write(fmt::format("{}{}{}  {}{} of {}{}\n", strong, printable(group.name), plain, faint,
                               plural(leaves, "copy", "copies"),
                               UtilityFunction::convertVolSpace(each), plain));
-        forEachLeaf(group,
-                    [&](const Leaf& leaf) { out.write("  " + printable(leaf.path) + "\n"); });
+        visit.leaves(group, [&](const Leaf& leaf) {
+            const std::string_view word = !leaf.stays ? "" : *leaf.stays ? "stays  " : "goes   ";
+            out.write(fmt::format("  {}{}{}\n", word, printable(leaf.path),
+                                  leaf.isProtected ? "  (protected)" : ""));
+        });
         out.write("\n");
     });
     std::string listed = plural(summary.files, "file", "files");
@@ -166,6 +235,10 @@ void printListing(Output& out, const DuplicateFilesOpt& search, const Duplicates
                           plural(summary.groups, "group", "groups"), plain, listed,
                           plural(summary.leaves, "copy", "copies"),
                           UtilityFunction::convertVolSpace(summary.reclaimable)));
+    if (report.rules != nullptr)
+        out.write(fmt::format("By these rules {} would go, which gives {}. Nothing was removed.\n",
+                              plural(summary.removable, "copy", "copies"),
+                              UtilityFunction::convertVolSpace(summary.gain)));
 }
 
 }  // namespace orrinvale::cli

@@ -7,9 +7,19 @@
 
 #include "cli/Output.h"
 #include "engine/duplicates/DuplicateFilesOpt.h"
+#include "engine/duplicates/keep/KeepRule.h"
+#include "engine/duplicates/scope/SearchRequest.h"
 #include "platform/error.h"
 
 namespace orrinvale::cli {
+
+/// What is printed of a search that has ended. The first two outlive it, and the rules where there
+/// are any.
+struct DuplicatesReport {
+    const DuplicateFilesOpt& search;
+    const SearchRequest& request;
+    const KeepRules* rules = nullptr;  ///< null: nobody asked which copies would stay
+};
 
 /// Totals of a result.
 struct DuplicatesSummary {
@@ -20,14 +30,17 @@ struct DuplicatesSummary {
     std::uint64_t bytes = 0;  ///< of all leaves
     std::uint64_t reclaimable =
         0;  ///< what goes when one leaf of each group stays; links to one file count once
+    std::uint64_t removable = 0;  ///< leaves that would go by the rules
+    std::uint64_t gain = 0;       ///< bytes that this would give back
 };
 
-[[nodiscard]] DuplicatesSummary summarize(const DuplicateFilesOpt& search);
+[[nodiscard]] DuplicatesSummary summarize(const DuplicatesReport& report);
 
-void printJson(Output& out, const std::string& root, const DuplicateFilesOpt& search,
-               const DuplicatesSummary& summary, const std::vector<Error>& skipped, bool stopped);
-void printPaths(Output& out, const DuplicateFilesOpt& search);
-void printListing(Output& out, const DuplicateFilesOpt& search, const DuplicatesSummary& summary,
+void printJson(Output& out, const DuplicatesReport& report, const DuplicatesSummary& summary,
+               const std::vector<Error>& skipped, bool stopped);
+/// Of all leaves, or with rules of those that would go.
+void printPaths(Output& out, const DuplicatesReport& report);
+void printListing(Output& out, const DuplicatesReport& report, const DuplicatesSummary& summary,
                   bool colour);
 
 }  // namespace orrinvale::cli

@@ -145,6 +145,73 @@ TEST(DuplicatesSearch, OptionsChooseWhatIsLookedAt) {
     }
 }
 
+// Each run in words: what stays and what goes, or what was said to be wrong.
+TEST(DuplicatesSearch, RulesFoldersAndFilters) {
+    TestTree tree;
+    for (const auto& [name, age] :
+         {std::pair{"a/x.txt", 2}, {"b/xx.txt", 1}, {"p/x.txt", 3}, {"a/in/x.txt", 4}}) {
+        ASSERT_TRUE(tree.write(name, "same"));
+        setTime(tree.at(name), kSummer - age);
+    }
+    const std::string a = tree.at("a"), b = tree.at("b"), p = tree.at("p");
+    const struct {
+        std::vector<std::string> arguments;
+        int status;
+        std::string expected;  // sorted leaves, or a part of standard error
+    } cases[] = {
+        {{a, b}, 0, "a/in/x.txt a/x.txt b/xx.txt "},
+        {{"--keep", "newest", a, b}, 0, "a/in/x.txt- a/x.txt- b/xx.txt+ "},
+        {{"--keep", "oldest", "--exclude", "in/", a, b}, 0, "a/x.txt+ b/xx.txt- "},
+        {{"--keep", "path:a/in", "--keep", "newest", "a", "b"},
+         0,
+         "a/in/x.txt+ a/x.txt- b/xx.txt- "},
+        {{"--keep=shortest-name", "--keep=oldest", a, b}, 0, "a/in/x.txt+ a/x.txt- b/xx.txt- "},
+        {{"--protect", p, "--keep", "newest", a, b},
+         0,
+         "a/in/x.txt- a/x.txt- b/xx.txt- p/x.txt!+ "},
+        {{"--protect", tree.at("a/in"), a}, 0, "a/in/x.txt! a/x.txt "},
+        {{"--kind", "music", a, b}, 0, ""},
+        {{"--min", "5", a, b}, 0, ""},
+        {{"--keep", "best", a}, 2, "--keep takes newest"},
+        {{"--kind", "songs", a}, 2, "--kind takes documents"},
+        {{"--max", "M", a}, 2, "--max takes 10MB"},
+        {{"--exclude", "a[b", a}, 2, "--exclude \"a[b\", character 2: no ] closes this ["},
+        {{"--protect", tree.at("none"), a}, 3, "No such file"},
+        {{a, tree.at("none")}, 3, "No such file"},
+    };
+    for (const auto& each : cases) {
+        ProgramRun run = duplicatesRun(each.arguments);
+        run.arguments.push_back("--json");
+        run.folder = tree.path();
+        const auto result = run.run();
+        EXPECT_EQ(result.status, each.status) << result.error;
+        if (each.status != 0) {
+            EXPECT_NE(result.error.find(each.expected), std::string::npos) << result.error;
+            continue;
+        }
+        std::set<std::string> leaves;
+        const Json document = jsonOf(result);
+        for (const Json& group : document.at("groups"))
+            for (const Json& leaf : group.at("leaves"))
+                leaves.insert(leaf.at("path").get<std::string>().substr(tree.path().size() + 1) +
+                              (leaf.contains("protected") ? "!" : "") +
+                              (!leaf.contains("keep")    ? ""
+                               : leaf.at("keep") == true ? "+"
+                                                         : "-"));
+        std::string text;
+        for (const std::string& leaf : leaves) text += leaf + ' ';
+        EXPECT_EQ(text, each.expected) << ::testing::PrintToString(each.arguments);
+    }
+    const auto paths = duplicatesRun({"-0", "--keep", "newest", a, b}).run();
+    EXPECT_EQ(std::count(paths.output.begin(), paths.output.end(), '\0'), 2);
+    EXPECT_EQ(paths.output.find("xx.txt"), std::string::npos) << "what stays is not printed";
+    const auto listing = duplicatesRun({"--keep", "newest", a, b, tree.at("a/in")}).run();
+    EXPECT_NE(listing.output.find("  stays  " + b), std::string::npos) << listing.output;
+    EXPECT_NE(listing.output.find("2 copies would go, which gives 0.01 KB"), std::string::npos)
+        << listing.output;
+    EXPECT_NE(listing.error.find("a/in lies in " + a), std::string::npos) << listing.error;
+}
+
 TEST(DuplicatesSearch, TheRootMayBeNamedInManyWays) {
     TestTree tree;
     for (const char* copy : {"1", "2"})

@@ -48,7 +48,7 @@ TEST(CommandLine, WhatIsWrongIsSaidAndHelpIsNamed) {
         {{"duplicates", ".", "--frobnicate"}, "--frobnicate"},
         {{"duplicates", ".", "-x"}, "-x"},
         {{"--json", "duplicates", "."}, "--json"},
-        {{"duplicates", ".", "second"}, "second"},
+        {{"large", ".", "second"}, "second"},
         {{"duplicates", ""}, "empty"},
         {{"duplicates", ".", "--limit"}, "--limit"},
         {{"duplicates", "--limit", "-1", "."}, "--limit"},

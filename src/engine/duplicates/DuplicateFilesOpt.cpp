@@ -54,21 +54,13 @@ void visitFiles(const FileList& files, const Visit& visit) {
     }
 }
 
-EntryIdentity identityOf(const fileAttrbItem& file) {
-    return {.device = file.device,
-            .inode = file.inode,
-            .type = file.type,
-            .size = file.fileSize,
-            .modified = file.modified,
-            .changed = file.changed,
-            .inodePasses = file.inodePasses};
-}
-
 void setPlace(SimpleNodeData& leaf, const LinkPlaces::Place* place) {
     if (place != nullptr) leaf.setLink(place->target, place->outside);
 }
 
-void addLeaves(SimpleTreeNode& node, const DuplicateGroup& group, const LinkPlaces* places) {
+void addLeaves(SimpleTreeNode& node, const DuplicateGroup& group, const duplicateFind& search) {
+    const LinkPlaces* const places = search.linkPlaces();
+    bool isProtected = true;
     auto add = [&](const std::string& name, std::uint64_t size, IconRequest icon,
                    std::optional<Date> date, const EntryIdentity& identity) {
         auto leaf = SimpleNodeData::leafDataWithName(name);
@@ -80,12 +72,11 @@ void addLeaves(SimpleTreeNode& node, const DuplicateGroup& group, const LinkPlac
         return leaf;
     };
     for (const AppAttrbItem* bundle : group.bundles) {
-        const auto leaf = add(bundle->DirectoryPathName, bundle->DirectorySize,
-                              {IconRequest::BareName, bundle->DirectoryName}, std::nullopt,
-                              {.device = bundle->device,
-                               .inode = bundle->inode,
-                               .type = FileType::Folder,
-                               .inodePasses = bundle->inodePasses});
+        const auto leaf =
+            add(bundle->DirectoryPathName, bundle->DirectorySize,
+                {IconRequest::BareName, bundle->DirectoryName}, std::nullopt, identityOf(*bundle));
+        leaf->setProtected(search.isProtected(*bundle));
+        isProtected &= leaf->isProtected();
         leaf->setBundleDigest(bundle->digest);
         if (places != nullptr) setPlace(*leaf, places->of(*bundle));
     }
@@ -94,11 +85,31 @@ void addLeaves(SimpleTreeNode& node, const DuplicateGroup& group, const LinkPlac
         const auto leaf = add(path, file->fileSize, {IconRequest::Path, path},
                               file->ModificationDate(), identityOf(*file));
         leaf->setHardLinks(file->links);
+        leaf->setProtected(search.isProtected(*file));
+        isProtected &= leaf->isProtected();
         if (places != nullptr) setPlace(*leaf, places->of(*file));
     }
+    simpleData(node)->setProtected(isProtected);
 }
 
 }  // namespace
+
+EntryIdentity identityOf(const fileAttrbItem& file) {
+    return {.device = file.device,
+            .inode = file.inode,
+            .type = file.type,
+            .size = file.fileSize,
+            .modified = file.modified,
+            .changed = file.changed,
+            .inodePasses = file.inodePasses};
+}
+
+EntryIdentity identityOf(const AppAttrbItem& bundle) {
+    return {.device = bundle.device,
+            .inode = bundle.inode,
+            .type = FileType::Folder,
+            .inodePasses = bundle.inodePasses};
+}
 
 DuplicateFilesOpt::DuplicateFilesOpt(const FileSystem& files) : m_files(files) {}
 DuplicateFilesOpt::~DuplicateFilesOpt() = default;
@@ -115,21 +126,29 @@ std::shared_ptr<duplicateFind> DuplicateFilesOpt::current() const {
 }
 
 void DuplicateFilesOpt::beginSearchAtPath(const std::string& path, std::uint64_t withLimitSize) {
+    SearchRequest request;
+    request.roots = {path};
+    request.limit = withLimitSize;
+    beginSearch(request);
+}
+
+void DuplicateFilesOpt::beginSearch(const SearchRequest& request) {
     constexpr const char* name = "-[DuplicateFilesOpt beginSearchAtPath:withLimitSize:]";
     if (current()) {
         Log::engine(name, " error need reinit");
         return;
     }
-    Log::engine(name, " -INFO:search Path:{}  limitedsize:{}", path, withLimitSize);
+    for (const std::string& path : request.roots)
+        Log::engine(name, " -INFO:search Path:{}  limitedsize:{}", path, request.limit);
     const auto search = std::make_shared<duplicateFind>(m_files);
     search->setSearchOption(m_bSearchHiddenFile, m_bSearchSystemDirectory);
     {
         const std::lock_guard lock(m_mutex);
-        m_CurrentSearchPath = path;
+        if (!request.roots.empty()) m_CurrentSearchPath = request.roots.front();
         m_findDuplicate = search;
         if (m_stopAsked) search->stopSearch();
     }
-    search->searchDuplicateFileAtPath(path, withLimitSize);
+    search->search(request);
 }
 
 std::uint64_t DuplicateFilesOpt::getProgress() const {
@@ -181,7 +200,7 @@ bool DuplicateFilesOpt::getDuplicateFiles(std::shared_ptr<SimpleTreeNode>* root)
         data->setIconRep(IconRequest{IconRequest::FileType, std::string(group.extension)});
         data->setFileSize(group.size);
         auto node = SimpleTreeNode::treeNodeWithData(std::move(data));
-        addLeaves(*node, group, search->linkPlaces());
+        addLeaves(*node, group, *search);
         top->insertChild(std::move(node), top->numberOfChildren());
     };
     visitBundles(m_findAppArray, addGroup);

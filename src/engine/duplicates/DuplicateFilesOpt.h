@@ -12,6 +12,7 @@
 
 #include "engine/duplicates/duplicateFind.h"
 #include "engine/duplicates/tree/SimpleTreeNode.h"
+#include "engine/files/EntryIdentity.h"
 
 namespace orrinvale {
 
@@ -31,6 +32,10 @@ struct DuplicateGroup {
     std::vector<const AppAttrbItem*> bundles;  ///< likewise
 };
 
+/// What the search saw of a copy.
+[[nodiscard]] EntryIdentity identityOf(const fileAttrbItem& file);
+[[nodiscard]] EntryIdentity identityOf(const AppAttrbItem& bundle);
+
 /// One object serves one search. beginSearchAtPath() runs the search on the calling thread;
 /// progress(), what it is made of, counts() and stopSearch() may be called from any thread
 /// meanwhile; all else is for before or after.
@@ -48,6 +53,9 @@ public:
     /// Searches the folder for duplicates among files larger than the limit (bytes). A second call
     /// does nothing but log.
     void beginSearchAtPath(const std::string& path, std::uint64_t withLimitSize);
+
+    /// The same with all that a search can be asked for.
+    void beginSearch(const SearchRequest& request);
 
     /// Percent, 0 when no search began.
     [[nodiscard]] std::uint64_t getProgress() const;

@@ -2,6 +2,8 @@
 // out.
 #include "engine/duplicates/LinkPlaces.h"
 
+#include <algorithm>
+
 #include "platform/files.h"
 #include "platform/paths.h"
 
@@ -17,8 +19,11 @@ bool isBehindLink(const fileAttrbItem& file) {
 
 }  // namespace
 
-LinkPlaces::LinkPlaces(const FileSystem& files, const std::string& root)
-    : m_files(files), m_root(root), m_realRoot(files.resolved(root).value_or(root)) {}
+LinkPlaces::LinkPlaces(const FileSystem& files, const std::vector<std::string>& roots)
+    : m_files(files) {
+    for (const std::string& root : roots)
+        m_roots.push_back({root, files.resolved(root).value_or(root)});
+}
 
 void LinkPlaces::find(const FileList& list) {
     for (const fileAttrbItem* file : list)
@@ -28,20 +33,27 @@ void LinkPlaces::find(const FileList& list) {
 // A bundle that lies where its path says is the folder that is searched, with the rest of the path
 // behind it.
 void LinkPlaces::find(const std::vector<AppGroup>& groups) {
+    const auto liesAsItSays = [this](const std::string& path) {
+        const auto root = std::ranges::find_if(
+            m_roots, [&](const Root& each) { return isWithin(path, each.path); });
+        if (root == m_roots.end()) return false;
+        const auto real = m_files.resolved(path);
+        const bool isBelow = path.size() > root->path.size();
+        const std::string plain =
+            isBelow ? joinPath(root->real, path.substr(root->path.size())) : root->real;
+        return !isBelow || (real && plainPath(plain) == *real);
+    };
     for (const AppGroup& group : groups)
-        for (const auto& bundle : group) {
-            const std::string& path = bundle->DirectoryPathName;
-            const bool isBelow = path.size() > m_root.size();
-            const std::string plain =
-                isBelow ? joinPath(m_realRoot, path.substr(m_root.size())) : m_realRoot;
-            const auto real = m_files.resolved(path);
-            if (isBelow && (!real || plainPath(plain) != *real)) add(bundle.get(), path);
-        }
+        for (const auto& bundle : group)
+            if (!liesAsItSays(bundle->DirectoryPathName))
+                add(bundle.get(), bundle->DirectoryPathName);
 }
 
 void LinkPlaces::add(const void* found, const std::string& path) {
     const auto real = m_files.resolved(path);
-    const bool outside = !real || !isWithin(*real, m_realRoot);
+    const bool outside = !real || std::ranges::none_of(m_roots, [&](const Root& root) {
+        return isWithin(*real, root.real);
+    });
     m_places.insert_or_assign(found, Place{real.value_or(std::string()), outside});
 }
 

@@ -3,6 +3,7 @@
 
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "engine/duplicates/AppAttrbItem.h"
 #include "engine/duplicates/fileAttrbItem.h"
@@ -10,12 +11,12 @@
 
 namespace orrinvale {
 
-/// Links are followed where they stand directly in the folder that is searched. Filled by the
+/// Links are followed where they stand directly in a folder that is searched. Filled by the
 /// thread that searches, read-only behind its end.
 class LinkPlaces final {
 public:
-    /// `root` is the folder that is searched. The file system must outlive the object.
-    LinkPlaces(const FileSystem& files, const std::string& root);
+    /// `roots` are the folders that are searched. The file system must outlive the object.
+    LinkPlaces(const FileSystem& files, const std::vector<std::string>& roots);
 
     /// Finds out the place of each file or bundle that is such a link, or stands behind one.
     void find(const FileList& list);
@@ -23,7 +24,7 @@ public:
 
     struct Place {
         std::string target;    ///< a path without links; empty when it can not be told
-        bool outside = false;  ///< not below the folder that is searched
+        bool outside = false;  ///< below none of the folders that are searched
     };
     /// Null for what lies where its path says.
     [[nodiscard]] const Place* of(const fileAttrbItem& file) const { return placeOf(&file); }
@@ -34,8 +35,11 @@ private:
     void add(const void* found, const std::string& path);
 
     const FileSystem& m_files;
-    const std::string m_root;
-    const std::string m_realRoot;
+    struct Root {
+        std::string path;
+        std::string real;
+    };
+    std::vector<Root> m_roots;
     std::unordered_map<const void*, Place> m_places;
 };
 

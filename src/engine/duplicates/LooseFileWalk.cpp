@@ -46,7 +46,8 @@ struct LooseFileWalk::Folder final : WalkedFolder {
 
     Run* firstRun = nullptr;  // in the order of the listing
     Run* lastRun = nullptr;
-    Bundle* bundle = nullptr;  // the outermost bundle that it lies in, or is
+    Bundle* bundle = nullptr;                   // the outermost bundle that it lies in, or is
+    const ExclusionList* exclusions = nullptr;  // that hold for what is in it
     bool isBundleRoot = false;
     bool topLevel = false;  // directly in the root
     bool inodesPass = false;
@@ -66,6 +67,7 @@ LooseFileWalk::LooseFileWalk(const FileSystem& files, const LooseFileQuery& quer
                              const std::atomic<bool>& stop, SkipList& skipped)
     : FolderWalk(files, &stop, &skipped, mostOpenFolders(files)),
       m_query(query),
+      m_skipped(skipped),
       m_shares(mostThreads) {
     m_root = &m_shares[0].folders->emplace_back();
     m_root->name = m_shares[0].names->copy(query.root);
@@ -83,6 +85,7 @@ Result<LooseFiles> LooseFileWalk::run() {
     auto opened = openFolderByPath(m_files, m_query.root, Links::Follow);
     if (opened) {
         if (const auto seen = m_files.attributes(opened->get())) learn(*m_root, *seen);
+        learnExclusions(*m_root, opened->get());
         walk(*m_root, std::move(*opened));
     } else {
         fail(*m_root, "open", opened.error());
@@ -131,7 +134,27 @@ bool LooseFileWalk::mayList(WalkedFolder& walked) {
     // entry of the list.
     if (folder.bundle != nullptr && !folder.topLevel && seen->size > m_query.limit)
         folder.bundle->wanted = true;
-    return !folder.isSettled();
+    if (folder.isSettled()) return false;
+    learnExclusions(folder, folder.handle.get());
+    return true;
+}
+
+// A bundle is one thing: nothing in it is left out.
+void LooseFileWalk::learnExclusions(Folder& folder, int handle) {
+    if (m_query.filter == nullptr || !m_query.filter->readsFiles || folder.bundle != nullptr)
+        return;
+    auto list = readExclusions(m_files, handle, folder, folder.exclusions, m_skipped);
+    if (list == nullptr) return;
+    folder.exclusions = list.get();
+    const std::lock_guard lock(m_mutex);
+    m_exclusions.push_back(std::move(list));
+}
+
+bool LooseFileWalk::isLeftOut(const Folder& folder, const CatalogEntry& entry) const {
+    const SearchFilter* const filter = m_query.filter;
+    return filter != nullptr && filter->leavesOutPaths() && folder.bundle == nullptr &&
+           filter->leavesOut(folder, entry.name, entry.type == FileType::Folder,
+                             m_query.root.size(), folder.exclusions);
 }
 
 void LooseFileWalk::read(Worker& worker, WalkedFolder& walked) {
@@ -187,6 +210,7 @@ bool LooseFileWalk::takeEntry(Worker& worker, Folder& folder, CatalogEntry& entr
         // Links are followed only where they stand directly in the folder that was chosen.
         if (&folder != m_root || !takeTopLevelEntry(folder, entry, throughLink)) return false;
     }
+    if (isLeftOut(folder, entry)) return false;
     switch (entry.type) {
         case FileType::Folder: addFolder(worker, folder, entry, throughLink, record); return true;
         case FileType::Fifo:
@@ -228,6 +252,10 @@ bool LooseFileWalk::takeFile(Worker& worker, Folder& folder, CatalogEntry& entry
         (attributes.type == FileType::SymbolicLink && listedType != attributes.type))
         return false;  // exchanged since it was listed
     if (attributes.size <= m_query.limit) return false;
+    const bool isLoose = folder.bundle == nullptr && !isBundleName(entry.name);
+    if (isLoose && m_query.filter != nullptr &&
+        !(m_query.filter->takesSize(attributes.size) && m_query.filter->takesKindOf(entry.name)))
+        return false;
     if (folder.bundle != nullptr) {
         folder.bundle->wanted = true;
         return false;
@@ -250,6 +278,7 @@ void LooseFileWalk::addFolder(Worker& worker, Folder& above, const CatalogEntry&
     folder->throughLink = throughLink;
     folder->topLevel = &above == m_root;
     folder->bundle = above.bundle;
+    folder->exclusions = above.exclusions;
     record.folder = folder;
     if (folder->topLevel && m_query.root == "/" && !m_query.systemFolders &&
         isSystemFolder(pathOf(*folder)))

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "engine/duplicates/fileAttrbItem.h"
+#include "engine/duplicates/scope/SearchFilter.h"
 #include "engine/files/FolderWalk.h"
 #include "engine/files/SkipList.h"
 #include "platform/fileTypes.h"
@@ -29,6 +30,7 @@ struct LooseFileQuery {
     bool hidden = false;                            ///< entries with a dot in front too
     bool systemFolders = false;                     ///< the system's folders directly in "/" too
     std::vector<std::uint64_t> passingInodes = {};  ///< FileSystem::devicesOfPassingInodes()
+    const SearchFilter* filter = nullptr;           ///< outlives the walk; null leaves nothing out
 };
 
 /// What a walk found.
@@ -74,6 +76,8 @@ private:
     void fail(WalkedFolder& walked, std::string_view operation, int number) override;
 
     void learn(Folder& folder, const FileAttributes& seen);
+    void learnExclusions(Folder& folder, int handle);
+    [[nodiscard]] bool isLeftOut(const Folder& folder, const CatalogEntry& entry) const;
     bool takeEntry(Worker& worker, Folder& folder, CatalogEntry& entry, fileAttrbItem& record);
     bool takeTopLevelEntry(const Folder& folder, CatalogEntry& entry, bool& throughLink);
     bool takeFile(Worker& worker, Folder& folder, CatalogEntry& entry, fileAttrbItem& record);
@@ -84,9 +88,11 @@ private:
     [[nodiscard]] LooseFiles collect() const;
 
     const LooseFileQuery m_query;
+    SkipList& m_skipped;
     std::vector<Share> m_shares;  // one for each thread
     std::mutex m_mutex;
-    std::vector<std::unique_ptr<Bundle>> m_bundles;  // guarded by m_mutex
+    std::vector<std::unique_ptr<Bundle>> m_bundles;            // guarded by m_mutex
+    std::vector<std::unique_ptr<ExclusionList>> m_exclusions;  // guarded by m_mutex
     Folder* m_root = nullptr;
     std::optional<Error> m_rootError;  // of whoever lists the root
     std::atomic<const WalkedFolder*> m_current{nullptr};

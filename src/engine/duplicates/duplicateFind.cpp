@@ -9,6 +9,7 @@
 #include "engine/duplicates/LinkPlaces.h"
 #include "engine/duplicates/RepeatedEntries.h"
 #include "engine/duplicates/getFileList.h"
+#include "engine/duplicates/scope/ProtectedFolders.h"
 #include "platform/files.h"
 
 namespace orrinvale {
@@ -22,17 +23,25 @@ void duplicateFind::setSearchOption(bool hidden, bool option) {
 }
 
 void duplicateFind::searchDuplicateFileAtPath(const std::string& path, std::uint64_t limittedSize) {
-    const auto root = openFolderByPath(m_files, path, Links::Follow);
-    if (!root) {
-        m_rootError = systemError("open", path, root.error());
+    SearchRequest request;
+    request.roots = {path};
+    request.limit = limittedSize;
+    search(request);
+}
+
+void duplicateFind::search(const SearchRequest& request) {
+    m_request = request;
+    m_roots = findRoots(m_files, request.roots);
+    if (m_roots.roots.empty()) {
+        if (!m_roots.failed.empty()) m_rootError = m_roots.failed.front();
         return;
     }
-    m_path = path;
-    m_limittedSize = limittedSize;
+    for (const Error& each : m_roots.failed) m_skipped.add(each);
     int result = 1;
     try {
         result = _searchDuplicateFile();
         if (m_mayRepeat) findLinkPlaces();
+        findProtected();
     } catch (const std::bad_alloc&) {
         endEarly();
     }
@@ -53,8 +62,10 @@ void duplicateFind::endEarly() {
 int duplicateFind::_searchDuplicateFile() {
     m_passingInodes = m_files.devicesOfPassingInodes();
     const bool listed = listFiles();
+    if (!m_request.filter.takesKind(FileKind::Others)) m_DirectoryArray.clear();
     if (m_DirectoryArray.empty()) m_iAppProgress = 100;
     else getDuplicateApp(&m_DirectoryArray);
+    leaveOutBundles();
     {
         const std::lock_guard lock(m_mutex);
         m_fileList.reset();
@@ -72,22 +83,51 @@ bool duplicateFind::listFiles() {
     list->setSearchHiddenFile(m_bSearchHiddenFile);
     list->setSearchSystemDirectory(m_bSearchSystemDirectory);
     list->setPassingInodes(m_passingInodes);
+    list->setFilter(&m_request.filter);
     {
         const std::lock_guard lock(m_mutex);
         m_fileList = list;
     }
-    const bool listed =
-        list->getListAtPath(m_path, m_allFileArray, m_DirectoryArray, m_limittedSize);
-    m_rootError = list->rootError();
-    m_mayRepeat = list->mayRepeat();
-    m_inodesPass = list->inodesPass();
+    bool listed = false;
+    for (const std::string& root : m_roots.roots) listed |= listRoot(*list, root);
+    m_mayRepeat |= m_roots.mayRepeat;
     if (m_inodesPass)
         Log::engine("-[duplicateFind searchDuplicateFileAtPath:limittedSize:]",
                     "inode numbers do not last everywhere in {}: files there are known by path, "
                     "size and times",
-                    m_path);
+                    m_roots.roots.front());
     m_listedFiles = m_allFileArray.size();
     return listed;
+}
+
+// Of several folders one that can not be listed is one that was skipped.
+bool duplicateFind::listRoot(getFileList& list, const std::string& root) {
+    m_listedBefore = m_allFileArray.size();
+    const bool listed = list.getListAtPath(root, m_allFileArray, m_DirectoryArray, m_request.limit);
+    if (list.rootError()) {
+        if (m_roots.roots.size() == 1) m_rootError = list.rootError();
+        else m_skipped.add(*list.rootError());
+    }
+    m_mayRepeat |= list.mayRepeat();
+    m_inodesPass |= list.inodesPass();
+    return listed;
+}
+
+// The size of a bundle is known once all that is in it was listed, and is one in its group.
+void duplicateFind::leaveOutBundles() {
+    std::erase_if(m_allAppArray, [this](const AppGroup& group) {
+        return !m_request.filter.takesSize(group.front()->DirectorySize);
+    });
+}
+
+void duplicateFind::findProtected() {
+    ProtectedFolders folders(m_files, m_request.protectedFolders);
+    if (folders.empty()) return;
+    for (const fileAttrbItem* file : m_newFileArray)
+        if (folders.covers(*file)) m_protected.insert(file);
+    for (const AppGroup& group : m_allAppArray)
+        for (const auto& bundle : group)
+            if (folders.covers(*bundle)) m_protected.insert(bundle.get());
 }
 
 void duplicateFind::getDuplicateApp(std::vector<std::string>* bundles) {
@@ -106,7 +146,7 @@ void duplicateFind::getDuplicateApp(std::vector<std::string>* bundles) {
 }
 
 void duplicateFind::findLinkPlaces() {
-    m_linkPlaces = std::make_unique<LinkPlaces>(m_files, m_path);
+    m_linkPlaces = std::make_unique<LinkPlaces>(m_files, m_roots.roots);
     m_linkPlaces->find(m_newFileArray);
     m_linkPlaces->find(m_allAppArray);
 }
@@ -216,8 +256,9 @@ std::string duplicateFind::getCurrentSearchPath() const {
 SearchCounts duplicateFind::counts() const {
     const std::lock_guard lock(m_mutex);
     SearchCounts counts = m_hashCounts;
-    counts.listedFiles =
-        m_fileList && m_listedFiles == 0 ? m_fileList->listedFiles() : m_listedFiles.load();
+    counts.listedFiles = m_fileList && m_listedFiles == 0
+                             ? m_listedBefore + m_fileList->listedFiles()
+                             : m_listedFiles.load();
     if (m_hashAhead) {
         counts.hashedFiles = m_hashAhead->hashedFiles();
         counts.hashedBytes = m_hashAhead->hashedBytes();

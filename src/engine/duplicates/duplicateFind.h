@@ -8,11 +8,13 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "engine/base/Progress.h"
 #include "engine/duplicates/AppAttrbItem.h"
 #include "engine/duplicates/fileAttrbItem.h"
+#include "engine/duplicates/scope/SearchRequest.h"
 #include "engine/files/SkipList.h"
 #include "platform/fileTypes.h"
 
@@ -47,6 +49,10 @@ public:
     /// search.
     void searchDuplicateFileAtPath(const std::string& path, std::uint64_t limittedSize);
 
+    /// The same in several folders, as one search: their files in the order of the folders, and no
+    /// entry twice. A folder that can not be read is skipped, while there is another.
+    void search(const SearchRequest& request);
+
     /// Percent: the mean of the bundle search and the pairing. It falls while bundles are compared.
     [[nodiscard]] std::uint64_t getProgress() const;
     void stopSearch();
@@ -72,6 +78,17 @@ public:
     [[nodiscard]] const SkipList& skipped() const { return m_skipped; }
     [[nodiscard]] const std::optional<Error>& rootError() const { return m_rootError; }
 
+    /// Folders that were searched as parts of others.
+    [[nodiscard]] const std::vector<CoveredRoot>& coveredRoots() const { return m_roots.covered; }
+
+    /// Lies in a protected folder: it is never ticked and never removed. Of what was found.
+    [[nodiscard]] bool isProtected(const fileAttrbItem& file) const {
+        return m_protected.contains(&file);
+    }
+    [[nodiscard]] bool isProtected(const AppAttrbItem& bundle) const {
+        return m_protected.contains(&bundle);
+    }
+
     /// Memory ran out: the search ended like one that was stopped, with what it had found.
     [[nodiscard]] bool ranOutOfMemory() const { return m_outOfMemory; }
 
@@ -85,6 +102,9 @@ public:
 private:
     int _searchDuplicateFile();
     bool listFiles();
+    bool listRoot(getFileList& list, const std::string& root);
+    void leaveOutBundles();
+    void findProtected();
     void findLinkPlaces();
     const fileAttrbItem* itemInHand() const;
     void endEarly();
@@ -98,16 +118,18 @@ private:
     SkipList m_skipped;
     std::vector<std::uint64_t> m_passingInodes;
     std::unique_ptr<LinkPlaces> m_linkPlaces;
-    std::string m_path;
+    SearchRequest m_request;
+    SearchRoots m_roots;
+    std::unordered_set<const void*> m_protected;
     FileArray m_allFileArray;
     std::vector<AppGroup> m_allAppArray;
     FileList m_newFileArray;
     std::vector<std::string> m_DirectoryArray;
     std::uint64_t m_allFileCount = 0;
-    std::uint64_t m_limittedSize = 0;
     std::atomic<std::uint64_t> m_iProgress{0};
     mutable std::atomic<std::uint64_t> m_iAppProgress{0};
     std::atomic<std::uint64_t> m_listedFiles{0};
+    std::atomic<std::uint64_t> m_listedBefore{0};  // in the folders before the one in hand
     std::atomic<bool> m_Stop{false};
     bool m_bSearchHiddenFile = false;
     bool m_bSearchSystemDirectory = false;

@@ -83,8 +83,9 @@ bool getFileList::getListAtPath(const std::string& path, FileArray& FileArray,
         return listed || fail(topName, path, listed.error());
     }
 
-    LooseFileQuery query{path, LimittedSize, m_bSearchHiddenFile, m_bSearchSystemDirectory,
-                         m_passingInodes};
+    LooseFileQuery query{
+        path,    LimittedSize, m_bSearchHiddenFile, m_bSearchSystemDirectory, m_passingInodes,
+        m_filter};
     auto walk = std::make_unique<LooseFileWalk>(m_files, query, m_bStopSearch, m_skipped);
     {
         const std::lock_guard lock(m_mutex);

@@ -19,6 +19,7 @@
 namespace orrinvale {
 
 class LooseFileWalk;
+struct SearchFilter;
 struct TreeListing;
 
 /// One listing at a time, on one thread; stopSearch(), m_CurrentPath() and listedFiles() may be
@@ -36,6 +37,9 @@ public:
 
     void setSearchHiddenFile(bool search) { m_bSearchHiddenFile = search; }
     void setSearchSystemDirectory(bool search) { m_bSearchSystemDirectory = search; }
+
+    /// What listings leave out; null, as at first, for nothing. Outlives the object.
+    void setFilter(const SearchFilter* filter) { m_filter = filter; }
 
     /// FileSystem::devicesOfPassingInodes(), which a search asks for once.
     void setPassingInodes(std::vector<std::uint64_t> devices) {
@@ -96,6 +100,7 @@ private:
     SkipList& m_skipped;
     const std::atomic<bool>* const m_alsoStop;
     std::atomic<bool> m_bStopSearch{false};
+    const SearchFilter* m_filter = nullptr;
     bool m_bSearchHiddenFile = false;
     bool m_bSearchSystemDirectory = false;
     bool m_mayRepeat = false;

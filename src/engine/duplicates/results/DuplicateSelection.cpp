@@ -186,21 +186,15 @@ void DuplicateSelection::count(const SimpleNodeData& leaf, bool isTicked) {
     };
     change(m_sums.copies, std::size_t{1});
     if (leaf.liesOutside()) change(m_sums.outside, std::size_t{1});
-    const auto& identity = leaf.identity();
-    if (identity && identity->type == FileType::SymbolicLink) return;
-    if (leaf.hardLinks() < 2 || !identity) {
-        change(m_sums.bytes, leaf.fileSize());
-        return;
-    }
-    std::uint32_t& names = m_tickedNames[{identity->device, identity->inode}];
-    const bool wereAll = names >= leaf.hardLinks();
-    change(names, std::uint32_t{1});
-    if (wereAll != (names >= leaf.hardLinks())) change(m_sums.bytes, leaf.fileSize());
+    const EntryIdentity* const identity = leaf.identity() ? &*leaf.identity() : nullptr;
+    if (isTicked) m_gain.add(identity, leaf.hardLinks(), leaf.fileSize());
+    else m_gain.take(identity, leaf.hardLinks(), leaf.fileSize());
+    m_sums.bytes = m_gain.bytes();
 }
 
 void DuplicateSelection::recount() {
     m_sums = {};
-    m_tickedNames.clear();
+    m_gain = {};
     std::vector<TreeNode::Pointer> leaves = m_ticked.entries();
     std::sort(leaves.begin(), leaves.end());
     leaves.erase(std::unique(leaves.begin(), leaves.end()), leaves.end());

@@ -4,13 +4,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <span>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "engine/duplicates/keep/GainCount.h"
 #include "engine/duplicates/tree/SimpleTreeNode.h"
 
 namespace orrinvale {
@@ -59,9 +59,7 @@ struct HeaderBox {
 struct TickedSums {
     std::size_t copies = 0;
     std::size_t outside = 0;  ///< of these, not below the folder that was searched
-    /// That their removal gives back: of a file with several names when all its names are ticked,
-    /// and once; of a link none.
-    std::uint64_t bytes = 0;
+    std::uint64_t bytes = 0;  ///< that their removal gives back, see GainCount
 };
 
 /// Keeps `selectNum` and `showSelectNumStr` of leaves and groups true. What is protected is never
@@ -115,8 +113,7 @@ private:
 
     TickedLeaves m_ticked;
     TickedSums m_sums;
-    std::map<std::pair<std::uint64_t, std::uint64_t>, std::uint32_t>
-        m_tickedNames;  // by device and inode
+    GainCount m_gain;  // behind m_sums.bytes
 };
 
 }  // namespace orrinvale

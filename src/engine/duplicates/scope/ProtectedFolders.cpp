@@ -1,0 +1,69 @@
+// The way to a file is looked at folder by folder, each once.
+#include "engine/duplicates/scope/ProtectedFolders.h"
+
+#include <algorithm>
+
+#include "platform/files.h"
+#include "platform/paths.h"
+
+namespace orrinvale {
+
+ProtectedFolders::ProtectedFolders(const FileSystem& files, const std::vector<std::string>& folders)
+    : m_files(files) {
+    const auto passing = files.devicesOfPassingInodes();
+    for (const std::string& folder : folders) {
+        Guarded guarded{std::string(withoutSlashesAtEnd(folder)), {}};
+        guarded.real = files.resolved(folder).value_or(guarded.path);
+        const auto seen = files.attributes(FileSystem::noParent, folder.c_str(), Links::Follow);
+        if (seen && !std::ranges::binary_search(passing, seen->device)) {
+            guarded.device = seen->device;
+            guarded.inode = seen->inode;
+        }
+        m_folders.push_back(std::move(guarded));
+    }
+}
+
+bool ProtectedFolders::isIn(const std::string& path, const std::string& real) const {
+    return std::ranges::any_of(m_folders, [&](const Guarded& each) {
+        return isWithin(path, each.path) || isWithin(real, each.path) || isWithin(real, each.real);
+    });
+}
+
+bool ProtectedFolders::isOne(std::uint64_t device, std::uint64_t inode) const {
+    return inode != 0 && std::ranges::any_of(m_folders, [&](const Guarded& each) {
+               return each.inode == inode && each.device == device;
+           });
+}
+
+// From the nearest folder that is known already, downwards: a way may be ten thousand folders long.
+const ProtectedFolders::Place& ProtectedFolders::placeOf(const FolderNode& folder) {
+    std::vector<const FolderNode*> way;
+    for (const FolderNode* at = &folder; at != nullptr && !m_places.contains(at); at = at->parent)
+        way.push_back(at);
+    for (; !way.empty(); way.pop_back()) {
+        const FolderNode& at = *way.back();
+        const std::string path = pathOf(at);
+        const Place* const above = at.parent != nullptr ? &m_places.at(at.parent) : nullptr;
+        Place place;
+        place.real = above != nullptr && !at.throughLink ? joinPath(above->real, at.name)
+                                                         : m_files.resolved(path).value_or(path);
+        place.isCovered = (above != nullptr && above->isCovered) || isOne(at.device, at.inode) ||
+                          isIn(path, place.real);
+        m_places.emplace(&at, std::move(place));
+    }
+    return m_places.at(&folder);
+}
+
+bool ProtectedFolders::covers(const fileAttrbItem& file) { return placeOf(*file.folder).isCovered; }
+
+bool ProtectedFolders::covers(const AppAttrbItem& bundle) const {
+    const std::string& path = bundle.DirectoryPathName;
+    const std::string real = m_files.resolved(path).value_or(path);
+    const auto holds = [&](const Guarded& each) {
+        return isWithin(each.path, path) || isWithin(each.real, real);
+    };
+    return isIn(path, real) || isOne(bundle.device, bundle.inode) ||
+           std::ranges::any_of(m_folders, holds);
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,232 @@
+// What a search is asked for: several folders, protected ones, and what is left out.
+#include "engine/duplicates/SearchRun.h"
+#include "engine/duplicates/scope/PathPattern.h"
+#include "engine/duplicates/scope/SearchRequest.h"
+#include "support/OwnMounts.h"
+#include "support/test.h"
+
+namespace orrinvale::testing {
+namespace {
+
+TEST(PathPattern, Matches) {
+    const struct {
+        const char* pattern;
+        const char* matching;  // with commas; a "/" at the end: a folder
+        const char* others;
+    } cases[] = {
+        {"*.tmp", "a.tmp,.tmp,a.tmp/", "a.tmpx,tmp"},
+        {"*a*b*c*", "abc,xaxbxcx,aabbcc", "acb,ab"},
+        {"a?c",
+         "abc,a\xC3\xA4"
+         "c",
+         "ac,abbc"},
+        {"[a-cx]", "a,b,x", "d,ab,-"},
+        {"[!a-c]", "d", "a,"},
+        {"[]a]", "],a", "b"},
+        {"[a-]", "a,-", "b"},
+        {"[\xC3\xA4-\xC3\xB6]", "\xC3\xB5", "a"},
+        {"\\*\\[", "*[", "a["},
+        {"cache/", "cache/", "cache"},
+        {"build/tmp", "build/tmp,/build/tmp", "x/build/tmp,build/tmp/x,tmp"},
+        {"a/*/c", "a/b/c", "a/c,a/b/b/c"},
+        {"**/c", "c,a/c,a/b/c", "ca,c/a"},
+        {"a/**/c", "a/c,a/b/c,a/b/b/c", "a/b,b/c"},
+        {"a/**", "a/b,a/b/c", "a,b/a"},
+        {"**/a/**/b*", "a/b,x/a/y/bc", "b,a"},
+        {"/home/*/x", "/home/me/x", "/home/x,/a/home/me/x"},
+    };
+    for (const auto& each : cases) {
+        const auto pattern = PathPattern::parse(each.pattern);
+        ASSERT_TRUE(pattern) << each.pattern;
+        for (const bool expected : {true, false}) {
+            std::istringstream texts(expected ? each.matching : each.others);
+            for (std::string text; std::getline(texts, text, ',');) {
+                const bool isFolder = text.ends_with('/');
+                if (isFolder) text.pop_back();
+                EXPECT_EQ(pattern->matches(text, isFolder), expected)
+                    << each.pattern << " on " << text;
+            }
+        }
+    }
+    EXPECT_TRUE(PathPattern::folder("/a[b]*\\/c?/").matches("/a[b]*\\/c?", true));
+    EXPECT_FALSE(PathPattern::folder("/a*").matches("/ab", true));
+    const auto stars = PathPattern::parse(std::string(2000, '*') + "a*a*a*a*a*b");
+    EXPECT_FALSE(stars->matches(std::string(4000, 'a'), false)) << "and soon";
+}
+
+TEST(PathPattern, TellsWhereItIsWrong) {
+    const struct {
+        const char* pattern;
+        std::size_t place;
+    } cases[] = {{"", 1},        {"/", 2},   {"ab[c", 3}, {"[]", 1},     {"[a\\", 1},
+                 {"a/[z-a]", 6}, {"x\\", 2}, {"a//b", 3}, {"a/../b", 3}, {"\\\\[", 3},
+                 {"a[x/y]", 2},  {"./a", 1}, {"/[", 2},   {"\\[a[", 4}};
+    for (const auto& [text, place] : cases) {
+        const auto pattern = PathPattern::parse(text);
+        ASSERT_FALSE(pattern) << text;
+        EXPECT_EQ(pattern.error().place, place) << text << ": " << pattern.error().reason;
+    }
+    EXPECT_EQ(PathPattern::parseLine("![").error().place, 2U);
+}
+
+class Scope : public ::testing::Test {
+protected:
+    struct Result {
+        std::string leaves;  // below the tree, sorted; a "!" behind each that is protected
+        std::string covered, skipped;
+    };
+    Result search(SearchRequest request) {
+        for (auto* const paths : {&request.roots, &request.protectedFolders})
+            for (std::string& path : *paths) path = path.empty() ? tree.path() : tree.at(path);
+        DuplicateFilesOpt search(files);
+        search.beginSearch(request);
+        const duplicateFind& state = *search.search();
+        Strings leaves;
+        search.visitGroups([&](const DuplicateGroup& group) {
+            for (const auto* file : group.files)
+                leaves.push_back(file->filePathName() + (state.isProtected(*file) ? "!" : ""));
+            for (const auto* bundle : group.bundles)
+                leaves.push_back(bundle->DirectoryPathName +
+                                 (state.isProtected(*bundle) ? "!" : ""));
+        });
+        std::sort(leaves.begin(), leaves.end());
+        Result result;
+        for (const std::string& leaf : leaves) result.leaves += below(leaf) + ' ';
+        for (const CoveredRoot& root : state.coveredRoots())
+            result.covered +=
+                fmt::format("{}{}{} ", below(root.path), root.isSame ? "=" : "<", below(root.by));
+        for (const Error& error : state.skipped().entries())
+            result.skipped += below(error.path) + ' ';
+        return result;
+    }
+    [[nodiscard]] std::string below(const std::string& path) const {
+        return path == tree.path() ? "." : path.substr(tree.path().size() + 1);
+    }
+    TestTree tree;
+    LinuxFileSystem files;
+};
+
+TEST_F(Scope, SeveralFoldersAreOneSearch) {
+    for (const char* name : {"a/1", "a/in/2", "b/3", "c/4"}) ASSERT_TRUE(tree.write(name, "same"));
+    ASSERT_TRUE(tree.symlink("a", "way") && tree.symlink("../b", "c/link"));
+    const struct {
+        Strings roots;
+        const char* leaves;
+        const char* covered;
+    } cases[] = {
+        {{"a", "b"}, "a/1 a/in/2 b/3 ", ""},
+        {{"a/in", "a"}, "a/1 a/in/2 ", "a/in<a "},
+        {{"a", "a/in", "a"}, "a/1 a/in/2 ", "a/in<a a=a "},
+        {{"way", "a", "b"}, "b/3 way/1 way/in/2 ", "a=way "},
+        {{"a", "way/in", "b"}, "a/1 a/in/2 b/3 ", "way/in<a "},
+        {{"b", "c"}, "b/3 c/4 ", ""},  // the link in c leads to what is listed already
+    };
+    for (const auto& each : cases) {
+        const Result found = search({each.roots});
+        EXPECT_EQ(found.leaves, each.leaves) << ::testing::PrintToString(each.roots);
+        EXPECT_EQ(found.covered, each.covered) << ::testing::PrintToString(each.roots);
+    }
+    const Result gone = search({{"none", "a"}});
+    EXPECT_EQ(gone.leaves + gone.skipped, "a/1 a/in/2 none ");
+}
+
+TEST(ScopeOfMounts, AnEntryThroughTwoMountsCountsOnce) {
+    withOwnMounts([]() -> std::string {
+        if (!mountRam("/mnt/a") || !mountRam("/mnt/b") || !bindMount("/mnt/a", "/mnt/b"))
+            return "skip: no mounts here";
+        TestTree tree("/mnt/a");
+        if (!tree.write("x/1", "same") || !tree.write("y/2", "same")) return "not written";
+        const std::string other = "/mnt/b" + tree.path().substr(6);
+        const LinuxFileSystem files;
+        DuplicateFilesOpt search(files);
+        SearchRequest request{{tree.at("x"), other + "/x", other + "/y"}};
+        request.protectedFolders = {tree.at("y")};
+        search.beginSearch(request);
+        const Found found = foundBy(search);
+        if (found.leaves != Strings{tree.at("x/1"), other + "/y/2"})
+            return ::testing::PrintToString(found.leaves);
+        std::size_t guarded = 0;
+        search.visitGroups([&](const DuplicateGroup& group) {
+            for (const auto* file : group.files)
+                guarded += search.search()->isProtected(*file) ? 1U : 0U;
+        });
+        return guarded == 1 ? "" : "not protected by the other way";
+    });
+}
+
+TEST_F(Scope, FiltersLeaveOut) {
+    const auto pattern = [](const char* text) { return *PathPattern::parse(text); };
+    for (const char* folder : {"a", "b/c"})
+        for (const auto& [name, size] : {std::pair{"x.txt", 10}, {"y.jpg", 20}, {"z.app/in", 30}})
+            ASSERT_TRUE(tree.write(fmt::format("{}/{}", folder, name),
+                                   someBytes(std::size_t(size), unsigned(size))));
+    const std::string texts = "a/x.txt b/c/x.txt ", pictures = "a/y.jpg b/c/y.jpg ",
+                      apps = "a/z.app b/c/z.app ";
+    const std::string all = "a/x.txt a/y.jpg a/z.app b/c/x.txt b/c/y.jpg b/c/z.app ";
+    const struct {
+        const char* what;
+        SearchFilter filter;
+        std::string leaves;
+    } cases[] = {
+        {"nothing", {}, all},
+        {"small ones", {.smallest = 11, .largest = 29}, pictures},
+        {"bounds count", {.smallest = 20, .largest = 20}, pictures},
+        {"large ones, by the size of the whole", {.smallest = 30}, apps},
+        {"documents", {.kinds = {FileKind::Documents}}, texts},
+        {"others are bundles too", {.kinds = {FileKind::Others}}, apps},
+        {"by name",
+         {.kinds = {FileKind::Documents, FileKind::Pictures}, .exclusions = {pattern("x.*")}},
+         pictures},
+        {"a bundle by name", {.exclusions = {pattern("z.app"), pattern("x.txt")}}, pictures},
+        {"not within bundles", {.smallest = 30, .exclusions = {pattern("in")}}, apps},
+        {"a folder by path", {.exclusions = {pattern("b/c/")}}, ""},
+        {"no file of that path", {.exclusions = {pattern("a/x.txt/")}}, all},
+        {"a whole path", {.exclusions = {PathPattern::folder(tree.at("a"))}}, ""},
+        {"everything", {.exclusions = {pattern("*")}}, ""},
+    };
+    for (const auto& each : cases)
+        EXPECT_EQ(search({{""}, {}, 0, each.filter}).leaves, each.leaves) << each.what;
+}
+
+TEST_F(Scope, ExclusionFilesCountWhereTheyAreAskedFor) {
+    for (const char* name : {"a/x", "a/y", "b/x", "b/deep/y", "b/keep/x", "c/x", "c/y"})
+        ASSERT_TRUE(tree.write(name, "same"));
+    ASSERT_TRUE(tree.write(".orrinvaleignore", "# words\n/c/\n  \ny \r\nb/*\n!b/keep\n[\n"));
+    ASSERT_TRUE(tree.write("a/.orrinvaleignore", "!y\n\\x\n") &&
+                tree.fifo("b/keep/.orrinvaleignore"));
+    EXPECT_EQ(search({{""}}).skipped, "");
+    const Result found = search({{""}, {}, 0, {.readsFiles = true}});
+    EXPECT_EQ(found.leaves, "a/y b/keep/x ");
+    EXPECT_EQ(found.skipped,
+              ".orrinvaleignore, line 7, character 1: no ] closes this [ b/keep/.orrinvaleignore ");
+    ASSERT_TRUE(tree.write(".orrinvaleignore", std::string(70'000, 'y')));
+    EXPECT_EQ(search({{"", "a"}, {}, 0, {.readsFiles = true}}).skipped.substr(0, 17),
+              ".orrinvaleignore ")
+        << "too large";
+}
+
+TEST_F(Scope, ProtectedFoldersAreKnownByEveryWay) {
+    for (const char* name : {"a/1", "p/2", "p/in/3", "pp/4", "q.app/x", "r.app/x"})
+        ASSERT_TRUE(tree.write(name, "same"));
+    ASSERT_TRUE(tree.symlink("p", "way") && tree.symlink("../p/in", "a/link"));
+    const std::string bundles = " q.app r.app ";
+    const struct {
+        const char* what;
+        Strings roots, guarded;
+        const char* leaves;
+    } cases[] = {
+        {"none", {"a", "pp"}, {}, "a/1 a/link/3 pp/4 "},
+        {"one of two", {"a", "p"}, {"p"}, "a/1 a/link/3! p/2! "},
+        {"behind a link within", {"a", "pp"}, {"p"}, "a/1 a/link/3! pp/4 "},
+        {"named through a link", {"p", "a"}, {"way/in"}, "a/1 p/2 p/in/3! "},
+        {"searched through a link", {"way", "a"}, {"p/in"}, "a/1 way/2 way/in/3! "},
+        {"not there", {"p", "a"}, {"p/none"}, "a/1 p/2 p/in/3 "},
+        {"above what is searched", {"p"}, {""}, "p/2! p/in/3! "},
+        {"a bundle that holds one", {""}, {"q.app/x"}, "a/1 p/2 p/in/3 pp/4 q.app! r.app "},
+    };
+    for (const auto& each : cases)
+        EXPECT_EQ(search({each.roots, each.guarded}).leaves, each.leaves) << each.what;
+}
+
+}  // namespace
+}  // namespace orrinvale::testing
