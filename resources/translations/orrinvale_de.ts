@@ -1904,6 +1904,14 @@
         <source>Drop the folder to search it</source>
         <translation>Ordner loslassen, um ihn zu durchsuchen</translation>
     </message>
+    <message>
+        <source>Keep</source>
+        <translation>Behalten</translation>
+    </message>
+    <message>
+        <source>Choose which copy of each group stays, and tick all others</source>
+        <translation>Wählen, welche Kopie jeder Gruppe bleibt, und alle anderen ankreuzen</translation>
+    </message>
 </context>
 <context>
     <name>TreemapPicture</name>
@@ -2606,6 +2614,14 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Ticked</source>
         <translation>Ausgewählt</translation>
+    </message>
+    <message>
+        <source>In a protected folder: it stays</source>
+        <translation>In einem geschützten Ordner: Sie bleibt</translation>
+    </message>
+    <message>
+        <source>All copies are protected and stay</source>
+        <translation>Alle Kopien sind geschützt und bleiben</translation>
     </message>
 </context>
 <context>
@@ -3389,6 +3405,58 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Compared again and removed: %1 of %2</source>
         <translation>Noch einmal verglichen und entfernt: %1 von %2</translation>
+    </message>
+    <message>
+        <source>Where it leaves copies equal, the rule chosen before decides</source>
+        <translation>Wo danach Kopien gleich sind, entscheidet die zuvor gewählte Regel</translation>
+    </message>
+    <message>
+        <source>Newest</source>
+        <translation>Neueste</translation>
+    </message>
+    <message>
+        <source>Oldest</source>
+        <translation>Älteste</translation>
+    </message>
+    <message>
+        <source>Shortest Path</source>
+        <translation>Kürzester Pfad</translation>
+    </message>
+    <message>
+        <source>Shortest Name</source>
+        <translation>Kürzester Name</translation>
+    </message>
+    <message>
+        <source>In “%1”</source>
+        <translation>In „%1“</translation>
+    </message>
+    <message>
+        <source>In Folder…</source>
+        <translation>In Ordner …</translation>
+    </message>
+    <message>
+        <source>Copies in this folder stay</source>
+        <translation>Kopien in diesem Ordner bleiben</translation>
+    </message>
+    <message>
+        <source>Tick All Copies in This Folder</source>
+        <translation>Alle Kopien in diesem Ordner ankreuzen</translation>
+    </message>
+    <message>
+        <source>Untick All in This Folder</source>
+        <translation>In diesem Ordner nichts ankreuzen</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>Entfernen</translation>
+    </message>
+    <message>
+        <source>Remove %1</source>
+        <translation>%1 entfernen</translation>
+    </message>
+    <message>
+        <source>Remove %1 · %2</source>
+        <translation>%1 entfernen · %2</translation>
     </message>
 </context>
 <context>

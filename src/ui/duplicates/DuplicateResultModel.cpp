@@ -42,6 +42,10 @@ QString shortDate(const std::optional<Date>& date) {
 // What sets the file of a row apart from others, a sentence each.
 QStringList specialsOf(const SimpleNodeData& data) {
     QStringList specials;
+    if (data.isProtected())
+        specials.push_back(data.isLeaf()
+                               ? DuplicateResultModel::tr("In a protected folder: it stays")
+                               : DuplicateResultModel::tr("All copies are protected and stay"));
     if (data.isLink())
         specials.push_back(data.linkTarget().empty()
                                ? DuplicateResultModel::tr("Reached through a link")
@@ -194,11 +198,14 @@ Qt::ItemFlags DuplicateResultModel::flags(const QModelIndex& index) const {
     if (!index.isValid()) return Qt::NoItemFlags;
     Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
     if (!isTopLevel(index)) flags |= Qt::ItemNeverHasChildren;
-    if (index.column() == Checkbox) flags |= Qt::ItemIsUserCheckable;
+    const TreeNode* const row = rowAt(index);
+    const bool mayTick = row != nullptr && !simpleData(*row)->isProtected();
+    if (index.column() == Checkbox && mayTick) flags |= Qt::ItemIsUserCheckable;
     return flags;
 }
 
 std::optional<TickState> DuplicateResultModel::stateOf(const TreeNode& node) const {
+    if (simpleData(node)->isProtected()) return std::nullopt;
     return tickState(QVariant(simpleData(node)->selectNum()));
 }
 
@@ -212,6 +219,8 @@ QString DuplicateResultModel::descriptionOf(const TreeNode& node) const {
 
 QStringList DuplicateResultModel::signsOf(const TreeNode& node) const {
     QStringList signs;
+    if (simpleData(node)->isProtected() && simpleData(node)->isLeaf())
+        signs.push_back(QStringLiteral("sign_protected"));
     if (simpleData(node)->isLink()) signs.push_back(QStringLiteral("sign_link"));
     if (simpleData(node)->hardLinks() > 1) signs.push_back(QStringLiteral("sign_hard_link"));
     return signs;

@@ -41,7 +41,9 @@ std::shared_ptr<RemovalPlan> planOf(const FileSystem& files,
 }  // namespace
 
 void SameFileDeleteViewController::removeBtnClicked() {
-    if (!bSearchFinished() || m_selection.allSelectNumArr().empty()) return;
+    if (!bSearchFinished()) return;
+    finishTicks();
+    if (m_selection.allSelectNumArr().empty()) return;
     // What was ticked when the person confirms is what goes.
     // Not what a later search may have put in its place.
     m_parts.dialogs->alert(m_mainWindow, questionAboutTicked(),

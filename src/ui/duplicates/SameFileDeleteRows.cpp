@@ -91,8 +91,9 @@ void SameFileDeleteViewController::sortFurther() {
     m_views->outline->viewport()->update();
 }
 
-// Before anything that depends on which copy stands where.
+// Before anything that depends on which copy stands where, and on what is ticked.
 void SameFileDeleteViewController::finishSorting() {
+    finishTicks();
     m_sortTimer.stop();
     if (m_leafSort.isPending()) m_model->reorder([this] { m_leafSort.finish(); });
 }
@@ -104,20 +105,21 @@ QIcon SameFileDeleteViewController::iconOf(const TreeNode& node) const {
 
 void SameFileDeleteViewController::showRowMenu(const QModelIndex& index, QPoint position) {
     const TreeNode::Pointer node = m_model->node(index);
-    if (!node || !simpleData(*node)->isLeaf() || !bSearchFinished()) return;
+    if (!node || !bSearchFinished()) return;
     QMenu* const menu = makeRowMenu(m_views->detailView, *this,
                                     {.preview = [this] { openFinderBtnClicked(); },
                                      .reveal = [this] { RevealInFinderBtnClicked(); },
-                                     .path = [path = simpleData(*node)->name()] { return path; }});
-    menu->addAction(
-        tr("Tick All but This One"), this, [this, leaf = node, number = m_resultNumber] {
-            if (!bSearchFinished() || number != m_resultNumber || leaf->nodeParent() == nullptr)
-                return;
-            m_selection.tickAllBut(*leaf);
-            setRemoveButtonState();
-            changeAllSelectCheckBoxState();
-            m_model->refresh();
-        });
+                                     .path = [path = pathOf(index)] { return path; }});
+    if (simpleData(*node)->isLeaf())
+        menu->addAction(
+            tr("Tick All but This One"), this, [this, leaf = node, number = m_resultNumber] {
+                if (!bSearchFinished() || number != m_resultNumber || leaf->nodeParent() == nullptr)
+                    return;
+                finishTicks();
+                m_selection.tickAllBut(*leaf);
+                showTicks();
+            });
+    addFolderActions(*menu, folderOfRow(index));
     menu->popup(position);
 }
 

@@ -149,10 +149,14 @@ void SameFileDeleteViewController::showGain() {
     const TickedSums& sums = m_selection.sums();
     QLabel& label = *m_views->gainLabel;
     label.setVisible(sums.copies != 0);
-    label.setText(
-        sums.bytes == 0
-            ? tr("Nothing can be gained")
-            : tr("%1 can be gained").arg(shownSize(UtilityFunction::convertVolSpace(sums.bytes))));
+    const QString gain = shownSize(UtilityFunction::convertVolSpace(sums.bytes));
+    label.setText(sums.bytes == 0 ? tr("Nothing can be gained") : tr("%1 can be gained").arg(gain));
+    const QString count = QLocale().toString(qulonglong(sums.copies));
+    m_views->stopBtn->setText(sums.copies == 0  ? tr("Remove")
+                              : sums.bytes == 0 ? tr("Remove %1").arg(count)
+                                                : tr("Remove %1 \u00B7 %2").arg(count, gain));
+    m_views->stopBtn->setAccessibleDescription(sums.copies == 0 ? QString()
+                                                                : count + u", " + label.text());
     label.setToolTip(
         tr("A file with several names counts once, and only when all its names are ticked."));
 }

@@ -7,6 +7,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLocale>
+#include <QShortcut>
 #include <QStackedWidget>
 #include <utility>
 
@@ -114,6 +115,9 @@ void SameFileDeleteViewController::connectControls() {
     connect(views.searchBtn, &QAbstractButton::clicked, this, &Self::searchBtnClicked);
     connect(views.stopScanBtn, &QAbstractButton::clicked, this, &Self::stopScanBtnClicked);
     connect(views.backButton, &QAbstractButton::clicked, this, &Self::backButtonAction);
+    connect(views.keepBtn, &QAbstractButton::clicked, this, &Self::showKeepMenu);
+    auto* const keepKey = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_K), views.detailView);
+    connect(keepKey, &QShortcut::activated, this, &Self::showKeepMenu);
     connect(views.openBtn, &QAbstractButton::clicked, this, &Self::openFinderBtnClicked);
     connect(views.RevealFinder, &QAbstractButton::clicked, this, &Self::RevealInFinderBtnClicked);
     connect(views.button, &QAbstractButton::clicked, this, &Self::setAllSelectOrNoSelect);
@@ -134,6 +138,8 @@ void SameFileDeleteViewController::connectControls() {
     connect(&m_newTimer, &QTimer::timeout, this, &Self::getPathForSreachDuplicate);
     m_sortTimer.setInterval(0);
     connect(&m_sortTimer, &QTimer::timeout, this, &Self::sortFurther);
+    m_keepTimer.setInterval(0);
+    connect(&m_keepTimer, &QTimer::timeout, this, &Self::tickFurther);
     m_removalDelay.setSingleShot(true);
     connect(&m_removalDelay, &QTimer::timeout, this, &Self::doRemoveDuplicateAction);
     m_removalTimer.setInterval(100);
@@ -154,6 +160,7 @@ StateTable SameFileDeleteViewController::stateTable() const {
         {views.loadPathView, {On, On, On, Hidden, On, Hidden, Hidden, On, On}},
         {views.rightImageView, {On, Hidden, Hidden, On, Hidden, On, On, On, On}},
         {views.btnBgView, {On, Hidden, Hidden, On, Hidden, On, On, On, On}},
+        {views.keepBtn, {Off, Off, Off, On, Off, On, Off, Off, Hidden}},
         {views.openBtn, {On, On, On, On, On, On, On, Off, Hidden}},
         {views.RevealFinder, {On, On, On, On, On, On, On, Off, Hidden}},
         {views.lockButton, {On, On, On, On, On, On, On, Off, Off}},
@@ -370,6 +377,9 @@ ResultViews SameFileDeleteViewController::resetOulineView() {
     m_treeData = nullptr;
     m_sortTimer.stop();
     m_leafSort.drop();
+    m_keepTimer.stop();
+    m_keepTicks.drop();
+    m_keepRules.clear();
     m_model->setTree(nullptr);
     ResultViews old = std::exchange(m_results, {});
     ++m_resultNumber;

@@ -1,7 +1,7 @@
-// SameFileDeleteViewController: the page of the duplicate finder. Four sources: this class's
-// search, SameFileDeleteTicks.cpp its boxes and titles, SameFileDeleteRemoval.cpp its removal,
-// SameFileDeleteRows.cpp what is done with one row. The decisions stand in
-// engine/duplicates/results.
+// SameFileDeleteViewController: the page of the duplicate finder. Five sources: this class's
+// search, SameFileDeleteTicks.cpp its boxes and titles, SameFileDeleteKeeping.cpp the ticks of
+// whole views by rule and folder, SameFileDeleteRemoval.cpp its removal, SameFileDeleteRows.cpp
+// what is done with one row. The decisions stand in engine/duplicates/results.
 #pragma once
 
 #include <QIcon>
@@ -20,6 +20,7 @@
 
 #include "engine/base/MainQueue.h"
 #include "engine/base/NotificationCenter.h"
+#include "engine/duplicates/keep/KeepTicks.h"
 #include "engine/duplicates/results/DuplicateSelection.h"
 #include "engine/duplicates/results/LeafSort.h"
 #include "engine/duplicates/results/ResultViews.h"
@@ -31,6 +32,8 @@
 #include "ui/page/Page.h"
 #include "ui/page/PageServices.h"
 #include "ui/page/StateTable.h"
+
+class QMenu;
 
 namespace orrinvale {
 
@@ -169,6 +172,17 @@ private:
     /// What the titles call the view of a row: its kind, or the folder that was searched.
     [[nodiscard]] QString rowLabel(std::int32_t row) const;
 
+    // Ticks of a whole view.
+    void showKeepMenu();
+    void keepBy(KeepRule rule);
+    void chooseKeptFolder();
+    [[nodiscard]] std::string folderOfRow(const QModelIndex& index) const;
+    void addFolderActions(QMenu& menu, const std::string& folder);
+    void beginTicks();
+    void tickFurther();
+    void finishTicks();
+    void showTicks();
+
     // Removal.
     void alertEnded_aContext(int code);
     void doRemoveDuplicateAction();
@@ -207,6 +221,9 @@ private:
     std::uint64_t m_resultNumber =
         0;  // of the result that m_results holds; questions that outlive theirs are void
     DuplicateSelection m_selection;
+    KeepTicks m_keepTicks{m_selection};
+    KeepRules m_keepRules;  // the one chosen last first; the others order what it leaves equal
+    QTimer m_keepTimer;     // runs while groups are still to be ticked
     LeafSort m_leafSort;
     QTimer m_sortTimer;              // runs while copies are still to be sorted
     TreeNode* m_treeData = nullptr;  // the tree that the list shows, of m_results

@@ -175,11 +175,17 @@ void SameFileDeleteViews::fillHead(NotificationCenter& notifications) {
     RevealFinder = makeImageButton("RevealFinder", QStringLiteral("locate"),
                                    tr("Reveal selected file in finder"));
     lockButton = new Padlock(notifications);
+    keepBtn = named(new TextImageButton(tr("Keep") + QStringLiteral(" \u25BE")), "keepBtn");
+    keepBtn->setAccessibleName(tr("Keep"));
+    keepBtn->setToolTip(tr("Choose which copy of each group stays, and tick all others"));
     auto* const buttons = new QHBoxLayout(btnBgView);
     buttons->setContentsMargins({});
     buttons->setSpacing(Theme::gapTiny);
-    for (QWidget* const control : {openBtn, RevealFinder, static_cast<TCImageButton*>(lockButton)})
+    for (QWidget* const control :
+         {static_cast<QWidget*>(keepBtn), static_cast<QWidget*>(openBtn),
+          static_cast<QWidget*>(RevealFinder), static_cast<QWidget*>(lockButton)})
         buttons->addWidget(control);
+    buttons->insertSpacing(1, Theme::gapSmall);
     head->addWidget(btnBgView);
 }
 
@@ -211,6 +217,7 @@ void SameFileDeleteViews::fillBottom() {
     stopRemoveBtn->hide();
     stopBtn = named(new TextImageButton(tr("Remove"), TextImageButton::Role::Danger), "stopBtn");
     stopBtn->setToolTip(tr("Remove selected file"));
+    stopBtn->setAccessibleName(tr("Remove"));  // its text counts
     stopBtn->setEnabled(false);
     for (QWidget* const each :
          {static_cast<QWidget*>(gainLabel), static_cast<QWidget*>(trashBtn),

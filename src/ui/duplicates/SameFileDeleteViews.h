@@ -75,6 +75,7 @@ public:
     LeftRail* leftView = nullptr;
     std::array<DuplicationLeftCell*, 7> leftCells{};
     QWidget* btnBgView = nullptr;
+    TextImageButton* keepBtn = nullptr;  ///< opens the menu of the rules that tick
     TCImageButton* openBtn = nullptr;
     TCImageButton* RevealFinder = nullptr;
     Padlock* lockButton = nullptr;
