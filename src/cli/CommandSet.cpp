@@ -8,6 +8,7 @@
 #include "cli/LargeCommand.h"
 #include "cli/LoginItemsCommand.h"
 #include "cli/MemoryCommand.h"
+#include "cli/RemoveCommand.h"
 #include "cli/SettingsCommand.h"
 #include "cli/SizeCommand.h"
 #include "cli/UsageCommand.h"
@@ -17,6 +18,7 @@ namespace orrinvale::cli {
 
 CommandSet::CommandSet() {
     m_commands.push_back(std::make_unique<DuplicatesCommand>(m_files));
+    m_commands.push_back(std::make_unique<RemoveCommand>(m_files));
     m_commands.push_back(std::make_unique<LargeCommand>(m_files));
     m_commands.push_back(std::make_unique<UsageCommand>(m_files));
     m_commands.push_back(std::make_unique<SizeCommand>(m_files));

@@ -11,9 +11,11 @@
 
 #include "cli/DuplicatesReport.h"
 #include "cli/Output.h"
+#include "cli/PlanWriting.h"
 #include "cli/SearchWatch.h"
 #include "cli/SizeText.h"
 #include "engine/duplicates/DuplicateFilesOpt.h"
+#include "engine/duplicates/plan/PlanFile.h"
 #include "engine/text/UtilityFunction.h"
 
 namespace orrinvale::cli {
@@ -51,6 +53,8 @@ std::vector<OptionSpec> DuplicatesCommand::options() const {
          "Tell which copies would stay by this rule: newest, oldest, shortest-path, "
          "shortest-name or path:FOLDER; a further rule orders what those before it leave "
          "equal"},
+        {"--plan", "FILE",
+         "Write a plan of which copies would go, by the rules of --keep, for the command remove"},
         {"FOLDER...", "", "The folders to search, as one"}};
 }
 
@@ -143,6 +147,11 @@ Status DuplicatesCommand::run(const Arguments& arguments) {
 
 Status DuplicatesCommand::search(const Arguments& arguments, const SearchRequest& request,
                                  const KeepRules& rules) {
+    const std::string plan = arguments.has("plan") ? absolutePath(arguments.text("plan")) : "";
+    if (const auto objection = plan.empty() ? std::nullopt : objectionToPlanAt(plan)) {
+        complain(fmt::format("{}: {}", plan, *objection));
+        return Status::NoSuchFolder;
+    }
     DuplicateFilesOpt search(m_files);
     const SearchOption option{arguments.has("hidden"), arguments.has("system")};
     search.setSearchOption(&option);
@@ -177,7 +186,12 @@ Status DuplicatesCommand::search(const Arguments& arguments, const SearchRequest
     if (arguments.has("json")) printJson(out, report, summary, skipped, ending != Ending::Whole);
     else if (arguments.has("print0")) printPaths(out, report);
     else printListing(out, report, summary, wantsColour(STDOUT_FILENO));
-    return finish(out, skipped, ending);
+    const Status status = finish(out, skipped, ending);
+    // Of a search that was stopped nobody knows what else a group would have had.
+    const PlanOrigin origin{request.roots, request.protectedFolders, rules};
+    const bool isWritten = plan.empty() || ending != Ending::Whole ||
+                           writePlanFile(plan, search, origin, arguments.has("quiet"));
+    return status == Status::Done && !isWritten ? Status::SomeSkipped : status;
 }
 
 }  // namespace orrinvale::cli

@@ -1,5 +1,4 @@
-// Stretches that need no escape are copied whole; names may be any bytes, so that UTF-8 is checked
-// here.
+// Blocks, and the texts of names for terminals; engine/text/JsonText.h has those for documents.
 #include "cli/Output.h"
 
 #include <fmt/format.h>
@@ -9,6 +8,8 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
+
+#include "engine/text/JsonText.h"
 
 namespace orrinvale::cli {
 
@@ -27,59 +28,14 @@ bool Output::flush() {
     return !m_failed;
 }
 
-// RFC 3629: no overlong forms, no surrogates, nothing above U+10FFFF.
-namespace {
-
-bool isPlain(char c) { return c >= ' ' && c != '"' && c != '\\' && c != 0x7F; }
-
-void appendEscaped(std::string& out, char c) {
-    switch (c) {
-        case '"': out += "\\\""; return;
-        case '\\': out += "\\\\"; return;
-        case '\n': out += "\\n"; return;
-        case '\t': out += "\\t"; return;
-        case '\r': out += "\\r"; return;
-        default: out += fmt::format("\\u{:04x}", static_cast<unsigned char>(c));
-    }
-}
-
-}  // namespace
-
+// For those who print; what they print is put together where files are too.
 void appendJsonText(std::string& out, std::string_view bytes) {
-    out += '"';
-    while (!bytes.empty()) {
-        std::size_t plain = 0;
-        while (plain < bytes.size() && isPlain(bytes[plain])) ++plain;
-        out += bytes.substr(0, plain);
-        bytes.remove_prefix(plain);
-        if (bytes.empty()) break;
-        const std::size_t length = validSequence(bytes);
-        if (length == 0) out += "\xEF\xBF\xBD";
-        else if (length == 1) appendEscaped(out, bytes.front());
-        else out += bytes.substr(0, length);
-        bytes.remove_prefix(length == 0 ? 1 : length);
-    }
-    out += '"';
+    orrinvale::appendJsonText(out, bytes);
 }
 
 void appendJsonPath(std::string& out, std::string_view path, std::string_view field,
                     std::string_view hexField) {
-    out += '"';
-    out += field;
-    out += "\": ";
-    appendJsonText(out, path);
-    for (std::string_view rest = path; !rest.empty();) {
-        const std::size_t length =
-            static_cast<unsigned char>(rest.front()) < 0x80 ? 1 : validSequence(rest);
-        if (length != 0) {
-            rest.remove_prefix(length);
-            continue;
-        }
-        out += fmt::format(", \"{}\": \"", hexField);
-        for (const char c : path) out += fmt::format("{:02x}", static_cast<unsigned char>(c));
-        out += '"';
-        return;
-    }
+    orrinvale::appendJsonPath(out, path, field, hexField);
 }
 
 void appendJsonSkipped(std::string& out, const std::vector<Error>& skipped) {

@@ -6,6 +6,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -49,8 +50,10 @@ Result<void> lock(int file, const std::string& path) {
 // Some file systems can not flush a folder and say EINVAL; with those nothing more can be done.
 int flushFolder(int folder) { return ::fsync(folder) == 0 || errno == EINVAL ? 0 : errno; }
 
-Result<std::string> readBytes(int file, std::size_t limit, const std::string& path) {
+Result<std::string> readBytes(int file, std::size_t limit, const std::string& path,
+                              off_t expected) {
     std::string bytes;
+    bytes.reserve(std::min(limit, static_cast<std::size_t>(expected)));
     for (;;) {
         char piece[16384];
         const ssize_t count = ::read(file, piece, sizeof piece);
@@ -92,7 +95,7 @@ Result<std::string> DurableFile::read(const std::string& path, std::size_t limit
     if (!S_ISREG(status.st_mode)) return tl::unexpected(notRegular("open", path));
     if (owner == Owner::Me && status.st_uid != ::geteuid())
         return tl::unexpected(systemError("open", path, EPERM));
-    return readBytes(file.get(), limit, path);
+    return readBytes(file.get(), limit, path, status.st_size);
 }
 
 Result<std::string> DurableFile::readWell(const std::string& path, std::size_t limit,

@@ -69,6 +69,13 @@ struct RemovalResult {
     std::optional<std::uint64_t> lengths =
         std::nullopt;  ///< the same with each name counted, texts of links among them, as a listing
                        ///< adds up
+    /// Of what was moved to the trash.
+    struct Moved {
+        std::string place;               ///< its path there
+        std::uint64_t folderDevice = 0;  ///< the folder that it was in
+        std::uint64_t folderInode = 0;
+    };
+    std::optional<Moved> moved = std::nullopt;
     static constexpr std::size_t mostFailures = 100;
 
     /// Of one name that went, or of none; `isFirst` where no other name of its file went before.

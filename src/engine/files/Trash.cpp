@@ -44,13 +44,22 @@ std::optional<std::string> objectionTo(int parent, const char* folder) {
 tl::expected<std::string, std::string> Trash::move(
     const std::string& path, const std::optional<EntryIdentity>& expected) const {
     const auto held = HeldEntry::at(m_files, m_places, path, expected);
-    auto result = held ? moveHeld(*held) : tl::unexpected(held.error().reason);
-    Log::line(result ? fmt::format("Moved to the trash {} ({})", path, *result)
-                     : fmt::format("Not moved to the trash {}: {}", path, result.error()));
+    if (held) return move(*held);
+    Log::line(fmt::format("Not moved to the trash {}: {}", path, held.error().reason));
+    return tl::unexpected(held.error().reason);
+}
+
+tl::expected<std::string, std::string> Trash::move(const HeldEntry& held,
+                                                   const TrashFolder::LastLook& lastLook) const {
+    auto result = moveHeld(held, lastLook);
+    if (Log::isEnabled())
+        Log::line(result ? fmt::format("Moved to the trash {} ({})", held.path, *result)
+                         : fmt::format("Not moved to the trash {}: {}", held.path, result.error()));
     return result;
 }
 
-tl::expected<std::string, std::string> Trash::moveHeld(const HeldEntry& held) const {
+tl::expected<std::string, std::string> Trash::moveHeld(
+    const HeldEntry& held, const TrashFolder::LastLook& lastLook) const {
     const auto folder = m_files.placeOf(held.parent.get());
     if (!folder) return tl::unexpected(reasonOf(folder.error()));
     const std::string place = joinPath(*folder, held.name);
@@ -62,7 +71,7 @@ tl::expected<std::string, std::string> Trash::moveHeld(const HeldEntry& held) co
             if (reason.empty()) reason = trash.error();
             return std::nullopt;
         }
-        auto taken = trash->take(held, place);
+        auto taken = trash->take(held, place, lastLook);
         if (taken) return std::move(*taken);
         if (!taken.error().isElsewhere) return tl::unexpected(taken.error().reason);
         if (reason.empty()) reason = taken.error().reason;

@@ -29,6 +29,10 @@ public:
     [[nodiscard]] tl::expected<std::string, std::string> move(
         const std::string& path, const std::optional<EntryIdentity>& expected = std::nullopt) const;
 
+    /// The same for an entry that is held already.
+    [[nodiscard]] tl::expected<std::string, std::string> move(
+        const HeldEntry& held, const TrashFolder::LastLook& lastLook = {}) const;
+
     /// Why move() would leave the entry where it is, as far as a look tells beforehand; nothing is
     /// made and nothing moved.
     [[nodiscard]] std::optional<std::string> objection(const std::string& path) const;
@@ -36,7 +40,8 @@ public:
 private:
     using Found = tl::expected<TrashFolder, std::string>;
 
-    [[nodiscard]] tl::expected<std::string, std::string> moveHeld(const HeldEntry& held) const;
+    [[nodiscard]] tl::expected<std::string, std::string> moveHeld(
+        const HeldEntry& held, const TrashFolder::LastLook& lastLook) const;
     [[nodiscard]] std::string homeTrash() const;
     [[nodiscard]] bool isOnVolumeOf(const HeldEntry& held, std::string folder) const;
     [[nodiscard]] SysResult<Descriptor> rootOfVolume(const HeldEntry& held) const;

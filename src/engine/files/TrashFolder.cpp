@@ -107,7 +107,8 @@ tl::expected<TrashFolder, std::string> TrashFolder::open(const FileSystem& files
 }
 
 tl::expected<std::string, Failure> TrashFolder::take(const HeldEntry& held,
-                                                     const std::string& place) const {
+                                                     const std::string& place,
+                                                     const LastLook& lastLook) const {
     if (auto reason = objection(held)) return tl::unexpected(Failure{std::move(*reason)});
     const auto entry = m_files->holdEntry(held.parent.get(), held.name.c_str());
     const auto now = entry ? m_files->attributes(entry->get()) : tl::unexpected(entry.error());
@@ -121,7 +122,7 @@ tl::expected<std::string, Failure> TrashFolder::take(const HeldEntry& held,
         const auto moved =
             m_files->moveEntry(held.parent.get(), held.name.c_str(), m_entries.get(), name.c_str());
         if (moved) {
-            if (auto failure = check(held, entry->get(), name))
+            if (auto failure = check(held, entry->get(), name, lastLook))
                 return tl::unexpected(std::move(*failure));
             return joinPath(m_files->placeOf(m_entries.get()).value_or(""), name);
         }
@@ -172,14 +173,17 @@ void TrashFolder::dropRecord(const std::string& name) const {
 
 // A name was moved, and only now is it certain what stood behind it. Layers give a file another
 // number as they copy it up for the move; the entry that was held from before shows that one too.
-std::optional<Failure> TrashFolder::check(const HeldEntry& held, int entry,
-                                          const std::string& name) const {
+std::optional<Failure> TrashFolder::check(const HeldEntry& held, int entry, const std::string& name,
+                                          const LastLook& lastLook) const {
     const auto now = m_files->attributes(m_entries.get(), name.c_str(), Links::Keep);
     const auto moved = m_files->attributes(entry);
-    if (now && moved && isSame(*now, *moved)) return std::nullopt;
+    auto reason = now && moved && isSame(*now, *moved) ? std::nullopt
+                                                       : std::optional(std::string(replacedReason));
+    if (!reason && lastLook) reason = lastLook(*moved);
+    if (!reason) return std::nullopt;
     if (m_files->moveEntry(m_entries.get(), name.c_str(), held.parent.get(), held.name.c_str()))
         dropRecord(name);
-    return Failure{std::string(replacedReason)};
+    return Failure{std::move(*reason)};
 }
 
 }  // namespace orrinvale

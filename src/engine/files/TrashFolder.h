@@ -5,6 +5,7 @@
 #include <sys/types.h>
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -38,10 +39,15 @@ public:
     /// ones.
     void keepRelativeTo(std::string root) { m_root = std::move(root); }
 
+    /// Asked when the entry is in the trash, with what is known of it then; a reason brings it
+    /// back. Empty where nobody asks.
+    using LastLook = std::function<std::optional<std::string>(const FileAttributes& moved)>;
+
     /// Moves the entry, and writes its record first. `place` is where it stands now, without links.
     /// The path that it has then.
     [[nodiscard]] tl::expected<std::string, Failure> take(const HeldEntry& held,
-                                                          const std::string& place) const;
+                                                          const std::string& place,
+                                                          const LastLook& lastLook = {}) const;
 
     TrashFolder(TrashFolder&&) noexcept = default;
     TrashFolder& operator=(TrashFolder&&) = delete;
@@ -56,7 +62,8 @@ private:
     [[nodiscard]] int writeRecord(const std::string& name, const std::string& text) const;
     [[nodiscard]] std::string recordOf(const std::string& place) const;
     [[nodiscard]] std::optional<Failure> check(const HeldEntry& held, int entry,
-                                               const std::string& name) const;
+                                               const std::string& name,
+                                               const LastLook& lastLook) const;
     void dropRecord(const std::string& name) const;
 
     const FileSystem* m_files;

@@ -18,16 +18,58 @@ bool TrashDoor::isAbsent(const std::string& path) const {
     return !seen && seen.error() == ENOENT;
 }
 
-RemovalResult TrashDoor::remove(const LeavingEntry& entry, const std::atomic<bool>& /*stop*/) {
+RemovalResult TrashDoor::remove(const LeavingEntry& entry, const std::atomic<bool>& stop) {
     RemovalResult result;
-    const auto moved = m_trash.move(entry.path, entry.identity);
-    result.gone = moved.has_value() || isAbsent(entry.path);
+    const auto stays = [&](StayedEntry why) {
+        result.refused = why.kind != StayReason::Rights && why.kind != StayReason::System;
+        result.failed = 1;
+        result.failures.push_back(std::move(why));
+        return result;
+    };
+    const auto held =
+        HeldEntry::at(m_files, m_places, entry.path, entry.identity, nullptr, &m_parents);
+    if (!held) {
+        result.gone = isAbsent(entry.path);
+        result.byOthers = result.gone;
+        return result.gone ? result : stays({entry.path, held.error().reason, held.error().why});
+    }
+    if (entry.look != nullptr) {
+        if (auto why = entry.look->before(*held, stop)) return stays(std::move(*why));
+        result.stopped = stop;
+        if (stop) return result;
+        if (const auto& kept = entry.look->kept())
+            if (auto why = objectionToCopyInPlace(m_files, *held, *kept))
+                return stays(std::move(*why));
+        if (auto why = entry.look->last(*held, held->name)) return stays(std::move(*why));
+    }
+    move(*held, entry.look, result);
+    return result;
+}
+
+// What was moved has a new time of change, and so have the file's other names.
+void TrashDoor::move(const HeldEntry& held, CopyLook* look, RemovalResult& result) const {
+    std::optional<std::int64_t> changed;
+    const auto moved = m_trash.move(held, [&](const FileAttributes& now) {
+        if (now.links > 1) changed = now.changed;
+        auto kept = look != nullptr ? look->kept() : std::nullopt;
+        if (!kept) return std::optional<std::string>();
+        const EntryIdentity& other = kept->identity;
+        if (other.device == now.device && other.inode == now.inode)
+            kept->identity.changed = now.changed;
+        const auto why = objectionToCopyInPlace(m_files, held, *kept);
+        return why ? std::optional(why->reason) : std::nullopt;
+    });
+    result.gone = moved.has_value() || isAbsent(held.path);
     result.removed = moved ? 1 : 0;
+    result.byOthers = result.gone && !moved;
     if (!result.gone) {
         result.failed = 1;
-        result.failures.push_back({entry.path, moved.error(), StayReason::System});
+        result.failures.push_back({held.path, moved.error(), StayReason::System});
+        return;
     }
-    return result;
+    result.changed = changed;
+    const auto folder = m_files.attributes(held.parent.get());
+    if (moved && folder) result.moved = RemovalResult::Moved{*moved, folder->device, folder->inode};
 }
 
 }  // namespace orrinvale

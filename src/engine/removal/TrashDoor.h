@@ -3,13 +3,15 @@
 
 #include <utility>
 
+#include "engine/files/HeldEntry.h"
 #include "engine/files/ProtectedPlaces.h"
 #include "engine/files/Trash.h"
 #include "engine/removal/RemovalDoor.h"
 
 namespace orrinvale {
 
-/// Whole entries go, a folder with all that is in it by then. What is not there any more is gone.
+/// Whole entries go, a folder with all that is in it by then. What is not there any more is gone. A
+/// copy goes after the comparison, and comes back when the one that stays does not stand any more.
 /// The file system outlives it.
 class TrashDoor final : public RemovalDoor {
 public:
@@ -25,10 +27,12 @@ public:
 
 private:
     [[nodiscard]] bool isAbsent(const std::string& path) const;
+    void move(const HeldEntry& held, CopyLook* look, RemovalResult& result) const;
 
     const FileSystem& m_files;
     const ProtectedPlaces m_places;
     const Trash m_trash;
+    HeldParents m_parents;
 };
 
 }  // namespace orrinvale

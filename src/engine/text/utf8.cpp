@@ -1,6 +1,9 @@
 // By the table of well-formed sequences in the Unicode standard (3.9).
 #include "engine/text/utf8.h"
 
+#include <cstdint>
+#include <cstring>
+
 namespace orrinvale {
 
 std::size_t validSequence(std::string_view bytes) {
@@ -29,7 +32,11 @@ std::size_t validSequence(std::string_view bytes) {
 
 bool isValidUtf8(std::string_view bytes) {
     while (!bytes.empty()) {
-        const std::size_t length = validSequence(bytes);
+        // Most texts are ASCII, of which eight bytes are looked at in one go.
+        constexpr std::uint64_t highBits = 0x8080'8080'8080'8080;
+        std::uint64_t piece = highBits;
+        if (bytes.size() >= sizeof piece) std::memcpy(&piece, bytes.data(), sizeof piece);
+        const std::size_t length = (piece & highBits) == 0 ? sizeof piece : validSequence(bytes);
         if (length == 0) return false;
         bytes.remove_prefix(length);
     }

@@ -1,0 +1,146 @@
+// engine/duplicates/plan has the plan and its rules, RemoveReport.h prints what became of it.
+#include "cli/RemoveCommand.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+
+#include "cli/Output.h"
+#include "cli/RemoveReport.h"
+#include "cli/SearchWatch.h"
+#include "cli/WaitingQueue.h"
+#include "cli/askYes.h"
+#include "engine/duplicates/plan/PlanFile.h"
+#include "engine/duplicates/plan/PlanRemoval.h"
+#include "engine/removal/PlainDoor.h"
+#include "engine/removal/RemovalJob.h"
+#include "engine/removal/TrashDoor.h"
+#include "engine/settings/UserFolders.h"
+#include "engine/text/UtilityFunction.h"
+#include "platform/linux/ProgramFiles.h"
+
+namespace orrinvale::cli {
+namespace {
+
+std::unique_ptr<RemovalDoor> doorOfPlan(const FileSystem& files, bool isToTrash) {
+    auto places = ProtectedPlaces::ofThisMachine(files, programFiles());
+    if (isToTrash) return std::make_unique<TrashDoor>(files, std::move(places));
+    return std::make_unique<PlainDoor>(files, std::move(places));
+}
+
+struct PlanRun {
+    std::shared_ptr<PlanRemoval> list;
+    bool isToTrash = false;
+    Ending ending{};
+};
+
+void runPlan(const FileSystem& files, PlanRun& run, Telling telling) {
+    WaitingQueue queue;
+    std::optional<RemovalOutcome> outcome;
+    std::optional<RemovalJob> job;
+    const auto takeNews = [&] {
+        auto news = job->takeNews();
+        if (news.ending) outcome = std::move(news.ending);
+    };
+    job.emplace(RemovalJob::Parts{.files = &files,
+                                  .mainQueue = &queue,
+                                  .makeDoor =
+                                      [&files, isToTrash = run.isToTrash] {
+                                          return doorOfPlan(files, isToTrash);
+                                      },
+                                  .stateFolder = userStateFolder()},
+                run.list, takeNews);
+    const SearchWatch watch([&job] { job->stop(); },
+                            [&job] {
+                                const auto progress = job->progress();
+                                return fmt::format("{} of {}  {}", progress.done, progress.of,
+                                                   printable(progress.current));
+                            },
+                            telling);
+    queue.runUntil([&outcome] { return outcome.has_value(); });
+    run.ending = watch.ending();
+}
+
+RemoveAccount accountOf(const PlanRun& run) {
+    using As = PlanRemoval::Settled::As;
+    RemoveAccount account;
+    account.isToTrash = run.isToTrash;
+    account.bytes = run.list->gained();
+    account.stopped = run.ending != Ending::Whole;
+    const auto& settled = run.list->account();
+    for (std::size_t i = 0; i < settled.size(); ++i) {
+        std::string path = run.list->path(i);
+        switch (settled[i].as) {
+            case As::Gone: account.removed.push_back(std::move(path)); break;
+            case As::GoneByOthers: account.byOthers.push_back(std::move(path)); break;
+            case As::Stayed: account.kept.push_back({std::move(path), settled[i].reason}); break;
+            case As::NotReached:
+                account.kept.push_back({std::move(path), "stopped before its turn"});
+        }
+    }
+    return account;
+}
+
+bool isPlanAgreed(const DuplicatePlan& plan, bool isToTrash) {
+    const PlanSums sums = sumsOf(plan);
+    return askYes(fmt::format(
+        "{} {}, {}, {}? Of each a copy stays.", isToTrash ? "Move" : "Remove",
+        sums.entries() == 1 ? std::string("1 entry") : fmt::format("{} entries", sums.entries()),
+        UtilityFunction::convertVolSpace(sums.bytes), isToTrash ? "to the trash" : "for good"));
+}
+
+}  // namespace
+
+std::string_view RemoveCommand::description() const {
+    return "A plan is a file that \"duplicates --plan FILE\" writes: which copies go, which stay, "
+           "and what the search saw of each. Nothing goes without a copy that stays by the plan, "
+           "is still there, and has the same bytes, compared at that moment; what has changed, is "
+           "in use for writing or is protected stays, and is told with the reason. A plan that was "
+           "changed, is damaged, or is another user's is refused. With --json \"gained\" is what "
+           "was freed, \"moved\" what is in the trash. It ends with 1 where something stayed.";
+}
+
+std::vector<OptionSpec> RemoveCommand::options() const {
+    return {{"--plan", "FILE", "The plan"},
+            {"--trash", "", "Move what goes to the trash instead of removing it for good"},
+            {"--yes", "", "Remove without the question"}};
+}
+
+Status RemoveCommand::run(const Arguments& arguments) {
+    if (arguments.text("plan").empty())
+        return badUsage("remove wants to be told what, by --plan FILE");
+    const bool asks = !arguments.has("yes");
+    if (asks && !isTerminal(STDIN_FILENO))
+        return badUsage("remove asks first, and there is no terminal to ask on; give --yes");
+    const std::string path = absolutePath(arguments.text("plan"));
+    const auto plan = loadPlan(path);
+    if (!plan) {
+        complain(fmt::format("{}: {}", path, plan.error()));
+        return Status::NoSuchFolder;
+    }
+    if (asks && sumsOf(*plan).entries() > 0 && !isPlanAgreed(*plan, arguments.has("trash"))) {
+        complain("nothing was removed");
+        return Status::Done;
+    }
+    return remove(arguments, *plan);
+}
+
+Status RemoveCommand::remove(const Arguments& arguments, const DuplicatePlan& plan) const {
+    PlanRun run{std::make_shared<PlanRemoval>(m_files, plan), arguments.has("trash"), {}};
+    runPlan(m_files, run, tellingFor(arguments));
+    const RemoveAccount account = accountOf(run);
+    if (!arguments.has("quiet") && (arguments.has("json") || arguments.has("print0")))
+        for (const auto& each : account.kept)
+            complain(fmt::format("{}: {}", each.path, each.reason));
+    Output out(STDOUT_FILENO);
+    if (arguments.has("json")) printRemoveJson(out, account);
+    else if (arguments.has("print0")) printRemovePaths(out, account);
+    else printRemoveListing(out, account);
+    const Status status = finish(out, {}, run.ending);
+    return status == Status::Done && !account.kept.empty() ? Status::SomeSkipped : status;
+}
+
+}  // namespace orrinvale::cli

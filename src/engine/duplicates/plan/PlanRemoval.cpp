@@ -1,0 +1,156 @@
+// RemovalPlan finds the copies that stay and has them compared; here is what makes such a plan of
+// one that may be forged.
+#include "engine/duplicates/plan/PlanRemoval.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "engine/base/saturating.h"
+#include "engine/removal/stayReasons.h"
+#include "platform/files.h"
+#include "platform/paths.h"
+
+namespace orrinvale {
+namespace {
+
+bool isOneEntry(const FileAttributes& a, const FileAttributes& b) {
+    return a.device == b.device && a.inode == b.inode;
+}
+
+std::shared_ptr<SimpleNodeData> leafOf(const PlanMember& member,
+                                       const std::vector<std::uint64_t>& passing) {
+    auto leaf = SimpleNodeData::leafDataWithName(member.path);
+    EntryIdentity identity = member.identity;
+    identity.learnPassing(passing);
+    leaf->setFileSize(member.size);
+    leaf->setIdentity(identity);
+    leaf->setBundleDigest(identity.type == FileType::Folder ? member.listing : std::nullopt);
+    leaf->setProtected(member.isProtected);
+    leaf->setSelectNum(member.goes ? 1 : 0);
+    return leaf;
+}
+
+}  // namespace
+
+GuardedFolders::GuardedFolders(const FileSystem& files, const std::vector<std::string>& folders)
+    : m_files(files) {
+    const auto passing = files.devicesOfPassingInodes();
+    for (const std::string& folder : folders) {
+        Guarded guarded{folder, files.resolved(folder).value_or(folder), std::nullopt};
+        const auto seen = files.attributes(FileSystem::noParent, folder.c_str(), Links::Follow);
+        if (seen && !std::ranges::binary_search(passing, seen->device)) guarded.seen = *seen;
+        m_guarded.push_back(std::move(guarded));
+    }
+}
+
+// Through another mount a folder has another path, and only its number tells.
+bool GuardedFolders::isBelowGuarded(std::string folder) const {
+    for (;;) {
+        const auto seen = m_files.attributes(FileSystem::noParent, folder.c_str(), Links::Follow);
+        if (seen && std::ranges::any_of(m_guarded, [&](const Guarded& each) {
+                return each.seen && isOneEntry(*each.seen, *seen);
+            }))
+            return true;
+        if (folder == "/" || folder.empty()) return false;
+        folder = folderOf(folder);
+    }
+}
+
+const GuardedFolders::Folder& GuardedFolders::look(const std::string& folder) {
+    const auto [place, isNew] = m_known.try_emplace(folder);
+    if (isNew) {
+        place->second.real = m_files.resolved(folder).value_or(folder);
+        place->second.isCovered = isBelowGuarded(place->second.real);
+    }
+    return place->second;
+}
+
+std::string GuardedFolders::realPlace(const std::string& path) {
+    return joinPath(look(folderOf(path)).real, lastPathComponent(path));
+}
+
+bool GuardedFolders::covers(const std::string& path) {
+    if (m_guarded.empty()) return false;
+    const Folder& folder = look(folderOf(path));
+    const std::string real = joinPath(folder.real, lastPathComponent(path));
+    const auto seen = m_files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);
+    return folder.isCovered || std::ranges::any_of(m_guarded, [&](const Guarded& each) {
+               return isWithin(path, each.path) || isWithin(real, each.real) ||
+                      isWithin(each.path, path) || isWithin(each.real, real) ||
+                      (seen && each.seen && isOneEntry(*seen, *each.seen));
+           });
+}
+
+PlanRemoval::PlanRemoval(const FileSystem& files, const DuplicatePlan& plan)
+    : m_files(files),
+      m_tree(SimpleTreeNode::treeNodeWithData(SimpleNodeData::groupDataWithName({}))),
+      m_protected(plan.protectedFolders) {
+    const auto passing = files.devicesOfPassingInodes();
+    std::vector<TreeNode::Pointer> ticked;
+    for (const PlanGroup& group : plan.groups) {
+        auto data = SimpleNodeData::groupDataWithName({});
+        data->setSelectNum(2);  // not all: something stays, whatever is ticked
+        const auto node = SimpleTreeNode::treeNodeWithData(std::move(data));
+        for (const PlanMember& member : group.members) {
+            const auto leaf = SimpleTreeNode::treeNodeWithData(leafOf(member, passing));
+            node->insertChild(leaf, node->numberOfChildren());
+            if (member.goes) {
+                ticked.push_back(leaf);
+                m_paths.push_back(member.path);
+                continue;
+            }
+            m_staying.push_back(member.path);
+            m_stayingEntries.emplace(member.identity.device, member.identity.inode);
+            if (member.identity.type == FileType::Folder) m_stayingBundles.push_back(member.path);
+        }
+        m_tree->insertChild(node, m_tree->numberOfChildren());
+    }
+    m_account.resize(ticked.size());
+    m_plan =
+        std::make_unique<RemovalPlan>(files, std::move(ticked), RemovalPlan::Comparing::Always);
+}
+
+void PlanRemoval::turnHasCome() {
+    m_guarded.emplace(m_files, m_protected);
+    m_bundles.emplace(m_files, m_stayingBundles);
+    for (const std::string& path : m_staying) m_stayingPlaces.insert(m_guarded->realPlace(path));
+}
+
+// It, or something in it. One entry may have two paths, by links and by mounts; a file with several
+// names is one entry in as many places.
+bool PlanRemoval::isToStay(std::size_t index) {
+    const std::string& path = m_paths[index];
+    const std::string place = m_guarded->realPlace(path);
+    if (m_stayingPlaces.contains(place)) return true;
+    const auto within = m_stayingPlaces.lower_bound(place + '/');
+    if (within != m_stayingPlaces.end() && isWithin(*within, place)) return true;
+    const auto identity = m_plan->identity(index);
+    if (identity->inodePasses || !m_stayingEntries.contains({identity->device, identity->inode}))
+        return false;
+    const auto now = m_files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);
+    return !now || now->links < 2;
+}
+
+tl::expected<std::unique_ptr<CopyLook>, StayedEntry> PlanRemoval::judge(std::size_t index) {
+    const std::string& path = m_paths[index];
+    if (m_guarded->covers(path))
+        return tl::unexpected(
+            StayedEntry{path, std::string(stay::isProtected), StayReason::Protected});
+    if (m_bundles->covers(path))
+        return tl::unexpected(
+            StayedEntry{path, "it is a part of a copy that stays", StayReason::NoCopy});
+    if (isToStay(index))
+        return tl::unexpected(StayedEntry{path, std::string(stay::sameEntry), StayReason::NoCopy});
+    return m_plan->judge(index);
+}
+
+void PlanRemoval::settled(std::size_t index, const RemovalResult& result) {
+    using As = Settled::As;
+    Settled& account = m_account[index];
+    if (result.gone) account.as = result.byOthers ? As::GoneByOthers : As::Gone;
+    else if (!result.failures.empty()) account = {As::Stayed, result.failures.front().reason};
+    if (account.as == As::Gone && !result.changed) addSaturating(m_gained, m_plan->bytes(index));
+    m_plan->settled(index, result);
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,102 @@
+// PlanRemoval: a plan as a list for the program's one removal, which trusts nothing that it says.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "engine/duplicates/plan/DuplicatePlan.h"
+#include "engine/duplicates/results/RemovalPlan.h"
+#include "engine/removal/RemovalList.h"
+
+namespace orrinvale {
+
+/// Folders of which nothing goes: each known by its path, by the path without links, and by what it
+/// is, so that neither a link nor a second mount leads around it. One thread.
+class GuardedFolders final {
+public:
+    /// The file system outlives the object.
+    GuardedFolders(const FileSystem& files, const std::vector<std::string>& folders);
+
+    [[nodiscard]] bool empty() const { return m_guarded.empty(); }
+    /// Whether the entry at this absolute path lies in one of them, is one, or holds one.
+    [[nodiscard]] bool covers(const std::string& path);
+    /// The path without links on the way to its last component.
+    [[nodiscard]] std::string realPlace(const std::string& path);
+
+private:
+    struct Guarded {
+        std::string path;
+        std::string real;
+        std::optional<FileAttributes> seen;
+    };
+    struct Folder {
+        std::string real;
+        bool isCovered = false;
+    };
+    [[nodiscard]] const Folder& look(const std::string& folder);
+    [[nodiscard]] bool isBelowGuarded(std::string folder) const;
+
+    const FileSystem& m_files;
+    std::vector<Guarded> m_guarded;
+    std::map<std::string, Folder> m_known;  // of the folders that were asked about
+};
+
+/// Every entry that goes has a copy that stays by the plan, compared byte by byte when its turn
+/// comes. Protected folders of the plan, bundles that stay, and what stays under another path are
+/// left alone.
+class PlanRemoval final : public RemovalList {
+public:
+    /// A sound plan: faultOf() has nothing against it. The file system outlives the list.
+    PlanRemoval(const FileSystem& files, const DuplicatePlan& plan);
+
+    void prepare() override { m_plan->prepare(); }
+    void turnHasCome() override;
+    [[nodiscard]] std::size_t size() const override { return m_plan->size(); }
+    [[nodiscard]] std::string path(std::size_t index) const override { return m_paths[index]; }
+    [[nodiscard]] std::optional<EntryIdentity> identity(std::size_t index) const override {
+        return m_plan->identity(index);
+    }
+    [[nodiscard]] std::uint64_t bytes(std::size_t index) const override {
+        return m_plan->bytes(index);
+    }
+    [[nodiscard]] bool isCopy(std::size_t index) const override { return m_plan->isCopy(index); }
+    [[nodiscard]] tl::expected<std::unique_ptr<CopyLook>, StayedEntry> judge(
+        std::size_t index) override;
+    void settled(std::size_t index, const RemovalResult& result) override;
+
+    /// What became of an entry, for when the removal has ended.
+    struct Settled {
+        enum class As : std::uint8_t { NotReached, Gone, GoneByOthers, Stayed };
+        As as = As::NotReached;
+        std::string reason;  ///< why it stayed
+    };
+    [[nodiscard]] const std::vector<Settled>& account() const { return m_account; }
+    /// Bytes that went with the last name of their file.
+    [[nodiscard]] std::uint64_t gained() const { return m_gained; }
+
+private:
+    [[nodiscard]] bool isToStay(std::size_t index);
+
+    const FileSystem& m_files;
+    std::shared_ptr<SimpleTreeNode> m_tree;
+    std::unique_ptr<RemovalPlan> m_plan;
+    const std::vector<std::string> m_protected;
+    std::vector<std::string> m_paths;  // of what goes
+    std::vector<std::string> m_stayingBundles;
+    std::vector<std::string> m_staying;
+    std::set<std::string> m_stayingPlaces;                               // the same without links
+    std::set<std::pair<std::uint64_t, std::uint64_t>> m_stayingEntries;  // devices and inodes
+    std::optional<GuardedFolders> m_guarded;  // both as they are when the turn has come
+    std::optional<GuardedFolders> m_bundles;
+    std::vector<Settled> m_account;
+    std::uint64_t m_gained = 0;
+};
+
+}  // namespace orrinvale

@@ -1,0 +1,140 @@
+// duplicates --plan and remove --plan as processes: there, and what is refused.
+
+#include <nlohmann/json.hpp>
+
+#include "cli/ProgramRun.h"
+#include "support/test.h"
+
+namespace orrinvale::testing {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+ProgramRun planRun(const TestTree& tree, std::string command, std::vector<std::string> arguments) {
+    ProgramRun run = commandRun(std::move(command), std::move(arguments));
+    run.environment.push_back("HOME=" + tree.at("home"));
+    return run;
+}
+
+void makePlannedTree(const TestTree& shown) {
+    auto& tree = const_cast<TestTree&>(shown);
+    for (const char* const name : {"data/1", "data/2", "data/\xff", "data/sub/3"})
+        ASSERT_TRUE(tree.write(name, "the same"));
+    ASSERT_TRUE(tree.write("data/x", "another") && tree.write("data/y", "another"));
+    ASSERT_TRUE(tree.folder("home"));
+    const auto run =
+        planRun(tree, "duplicates", {"--quiet", "--plan", tree.at("plan"), tree.at("data")}).run();
+    ASSERT_EQ(run.status, 0) << run.error;
+}
+
+TEST(RemoveCommand, DoesWhatThePlanSaysAndNothingTwice) {
+    TestTree tree;
+    makePlannedTree(tree);
+    ASSERT_TRUE(tree.write("data/y", "ANOTHER"));
+    const auto run = planRun(tree, "remove", {"--plan", tree.at("plan"), "--yes", "--json"});
+    const auto first = run.run();
+    EXPECT_EQ(first.status, 1) << first.error;
+    const Json account = Json::parse(first.output);
+    EXPECT_EQ(account["removed"].size(), 3U) << first.output;
+    EXPECT_EQ(account["gained"], 24);
+    ASSERT_EQ(account["kept"].size(), 1U);
+    EXPECT_EQ(account["kept"][0]["path"], tree.at("data/y"));
+    EXPECT_EQ(account["kept"][0]["reason"], "changed since the scan");
+    EXPECT_EQ(namesIn(tree.at("data")), (Strings{"1", "sub", "x", "y"}));
+    bool isExact = false;
+    for (const Json& each : account["removed"])
+        isExact = isExact || each.value("pathHex", "").ends_with("ff");
+    EXPECT_TRUE(isExact) << first.output;
+
+    const auto second = run.run();
+    EXPECT_EQ(Json::parse(second.output)["removed"], Json::array());
+    EXPECT_EQ(Json::parse(second.output)["byOthers"].size(), 3U) << second.output;
+    EXPECT_EQ(contentOf(tree.at("data/1")), "the same");
+}
+
+TEST(RemoveCommand, MovesToTheTrashWhereItIsTold) {
+    TestTree tree;
+    makePlannedTree(tree);
+    const auto run = planRun(tree, "remove", {"--plan", tree.at("plan"), "--yes", "--trash"}).run();
+    EXPECT_EQ(run.status, 0) << run.error;
+    EXPECT_EQ(run.output, "Moved 4 entries to the trash, 0.03 KB.\n");
+    EXPECT_EQ(namesIn(tree.at("home/.local/share/Trash/files")).size(), 4U);
+    EXPECT_EQ(namesIn(tree.at("home/.local/share/Trash/info")).size(), 4U);
+}
+
+TEST(RemoveCommand, AsksAndTakesNoForAnAnswer) {
+    TestTree tree;
+    makePlannedTree(tree);
+    EXPECT_EQ(planRun(tree, "remove", {"--plan", tree.at("plan")}).run().status, 2);
+    EXPECT_EQ(planRun(tree, "remove", {"--yes"}).run().status, 2);
+    const auto answered = [&](const char* answer) {
+        auto run = planRun(tree, "remove", {"--plan", tree.at("plan")});
+        run.inputTerminal = true;
+        run.typed = {{answer, [](const std::string& error) {
+                          return error.find("[y/N]") != std::string::npos;
+                      }}};
+        return run.run();
+    };
+    const auto no = answered("n\n");
+    EXPECT_NE(no.error.find("Remove 4 entries, "), std::string::npos) << no.error;
+    EXPECT_TRUE(isThere(tree.at("data/2")));
+    EXPECT_EQ(answered("y\n").status, 0);
+    EXPECT_FALSE(isThere(tree.at("data/2")));
+}
+
+TEST(RemoveCommand, RefusesWhatIsNoPlanOfThisUser) {
+    TestTree tree;
+    makePlannedTree(tree);
+    ASSERT_TRUE(tree.write("mine", "not a plan"));
+    const auto taken =
+        planRun(tree, "duplicates", {"--plan", tree.at("mine"), tree.at("data")}).run();
+    EXPECT_EQ(taken.status, 3);
+    EXPECT_EQ(taken.output, "");
+    EXPECT_EQ(contentOf(tree.at("mine")), "not a plan");
+
+    std::string text = contentOf(tree.at("plan"));
+    const std::size_t at = text.find("\"goes\": false");
+    ASSERT_NE(at, std::string::npos);
+    text.replace(at, 13, "\"goes\": true");
+    ASSERT_TRUE(tree.write("edited", text));
+    for (const char* const name : {"mine", "edited", "none", "data"}) {
+        const auto run = planRun(tree, "remove", {"--plan", tree.at(name), "--yes"}).run();
+        EXPECT_EQ(run.status, 3) << name;
+        EXPECT_EQ(run.output, "") << name;
+    }
+    if (::geteuid() == 0 && tree.setMode("plan", 0644)) {
+        ASSERT_EQ(::chmod(tree.path().c_str(), 0755), 0);
+        auto run = planRun(tree, "remove", {"--plan", tree.at("plan"), "--yes"});
+        run.user = 65534;
+        EXPECT_EQ(run.run().status, 3);
+    }
+    EXPECT_EQ(namesIn(tree.at("data")).size(), 6U);
+}
+
+// Two runs of one plan at once: each entry goes once, and what stays by the plan stays.
+TEST(RemoveCommand, TwoRunsOfOnePlanAtOnceTakeEachEntryOnce) {
+    TestTree tree;
+    for (int i = 0; i < 400; ++i)
+        for (const char* const folder : {"a", "b"})
+            ASSERT_TRUE(tree.write(fmt::format("data/{}/{:03}", folder, i), fmt::format("{}", i)));
+    ASSERT_TRUE(tree.folder("home"));
+    ASSERT_EQ(planRun(tree, "duplicates", {"--quiet", "--plan", tree.at("plan"), tree.at("data")})
+                  .run()
+                  .status,
+              0);
+    std::array<ProgramRun::Result, 2> results;
+    const auto runInto = [&](ProgramRun::Result& into, std::vector<std::string> more) {
+        more.insert(more.begin(), {"--plan", tree.at("plan"), "--yes", "--json"});
+        into = planRun(tree, "remove", std::move(more)).run();
+    };
+    std::thread other([&] { runInto(results[1], {"--trash"}); });
+    runInto(results[0], {});
+    other.join();
+    std::size_t removed = 0;
+    for (const auto& each : results) removed += Json::parse(each.output)["removed"].size();
+    EXPECT_EQ(removed, 400U);
+    EXPECT_EQ(namesIn(tree.at("data/a")).size() + namesIn(tree.at("data/b")).size(), 400U);
+}
+
+}  // namespace
+}  // namespace orrinvale::testing
