@@ -11,6 +11,7 @@
 #include "cli/RemoveCommand.h"
 #include "cli/SettingsCommand.h"
 #include "cli/SizeCommand.h"
+#include "cli/UndoCommand.h"
 #include "cli/UsageCommand.h"
 #include "cli/VolumesCommand.h"
 
@@ -19,6 +20,7 @@ namespace orrinvale::cli {
 CommandSet::CommandSet() {
     m_commands.push_back(std::make_unique<DuplicatesCommand>(m_files));
     m_commands.push_back(std::make_unique<RemoveCommand>(m_files));
+    m_commands.push_back(std::make_unique<UndoCommand>(m_files));
     m_commands.push_back(std::make_unique<LargeCommand>(m_files));
     m_commands.push_back(std::make_unique<UsageCommand>(m_files));
     m_commands.push_back(std::make_unique<SizeCommand>(m_files));

@@ -14,6 +14,7 @@
 #include "cli/WaitingQueue.h"
 #include "cli/askYes.h"
 #include "engine/duplicates/plan/PlanFile.h"
+#include "engine/duplicates/plan/PlanHistory.h"
 #include "engine/duplicates/plan/PlanRemoval.h"
 #include "engine/removal/PlainDoor.h"
 #include "engine/removal/RemovalJob.h"
@@ -100,7 +101,8 @@ std::string_view RemoveCommand::description() const {
            "is still there, and has the same bytes, compared at that moment; what has changed, is "
            "in use for writing or is protected stays, and is told with the reason. A plan that was "
            "changed, is damaged, or is another user's is refused. With --json \"gained\" is what "
-           "was freed, \"moved\" what is in the trash. It ends with 1 where something stayed.";
+           "was freed, \"moved\" what is in the trash, \"undo\" what the command undo takes. It "
+           "ends with 1 where something stayed.";
 }
 
 std::vector<OptionSpec> RemoveCommand::options() const {
@@ -130,8 +132,19 @@ Status RemoveCommand::run(const Arguments& arguments) {
 
 Status RemoveCommand::remove(const Arguments& arguments, const DuplicatePlan& plan) const {
     PlanRun run{std::make_shared<PlanRemoval>(m_files, plan), arguments.has("trash"), {}};
+    std::string id;
+    if (run.isToTrash) {
+        auto noted = PlanHistory(userStateFolder()).note(m_files, plan);
+        if (!noted) {
+            complain(fmt::format("what moves could not be noted for undo, so that nothing was: {}",
+                                 noted.error()));
+            return Status::SomeSkipped;
+        }
+        id = std::move(*noted);
+    }
     runPlan(m_files, run, tellingFor(arguments));
-    const RemoveAccount account = accountOf(run);
+    RemoveAccount account = accountOf(run);
+    account.undoId = std::move(id);
     if (!arguments.has("quiet") && (arguments.has("json") || arguments.has("print0")))
         for (const auto& each : account.kept)
             complain(fmt::format("{}: {}", each.path, each.reason));

@@ -57,9 +57,27 @@ TEST(RemoveCommand, MovesToTheTrashWhereItIsTold) {
     makePlannedTree(tree);
     const auto run = planRun(tree, "remove", {"--plan", tree.at("plan"), "--yes", "--trash"}).run();
     EXPECT_EQ(run.status, 0) << run.error;
-    EXPECT_EQ(run.output, "Moved 4 entries to the trash, 0.03 KB.\n");
+    EXPECT_THAT(run.output, HasSubstr("Moved 4 entries to the trash, 0.03 KB. Undo: "));
     EXPECT_EQ(namesIn(tree.at("home/.local/share/Trash/files")).size(), 4U);
     EXPECT_EQ(namesIn(tree.at("home/.local/share/Trash/info")).size(), 4U);
+
+    const auto listed = planRun(tree, "undo", {"--list", "--json"}).run();
+    const Json removals = Json::parse(listed.output)["removals"];
+    ASSERT_EQ(removals.size(), 1U) << listed.output;
+    EXPECT_EQ(removals[0]["entries"], 4);
+    const auto taken = tree.write("data/y", "came since");
+    ASSERT_TRUE(taken);
+    const auto undo = planRun(tree, "undo", {"--json"}).run();
+    EXPECT_EQ(undo.status, 1) << undo.error;
+    const Json outcome = Json::parse(undo.output);
+    EXPECT_EQ(outcome["restored"].size(), 3U) << undo.output;
+    ASSERT_EQ(outcome["left"].size(), 1U);
+    EXPECT_EQ(outcome["left"][0]["reason"], "its name is taken by now");
+    EXPECT_EQ(contentOf(outcome["left"][0]["place"]), "another");
+    EXPECT_EQ(contentOf(tree.at("data/y")), "came since");
+    EXPECT_EQ(planRun(tree, "undo", {"--clear"}).run().status, 0);
+    EXPECT_EQ(planRun(tree, "undo", {}).run().status, 3);
+    EXPECT_EQ(planRun(tree, "undo", {"../x"}).run().status, 3);
 }
 
 TEST(RemoveCommand, AsksAndTakesNoForAnAnswer) {

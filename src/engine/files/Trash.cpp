@@ -93,6 +93,26 @@ tl::expected<std::string, std::string> Trash::moveHeld(
     return tl::unexpected("no trash on its volume: " + reason);
 }
 
+std::vector<TrashFolder> Trash::trashesOf(const std::string& folder) const {
+    std::vector<TrashFolder> found;
+    const auto add = [&](Found trash) {
+        if (trash) found.push_back(std::move(*trash));
+    };
+    const auto isThere = [&](int parent, const std::string& path) {
+        return m_files.attributes(parent, path.c_str(), Links::Keep).has_value();
+    };
+    if (const std::string home = homeTrash(); isThere(FileSystem::noParent, home)) add(openHome());
+    auto held = m_files.holdFolder(FileSystem::noParent, folder.c_str(), Links::Follow);
+    if (!held) return found;
+    const HeldEntry entry{SharedFolder(std::move(*held)), {}, {}, {}};
+    const auto root = rootOfVolume(entry);
+    if (!root) return found;
+    const std::string user = std::to_string(m_variables.user);
+    if (isThere(root->get(), ".Trash/" + user)) add(openShared(root->get()));
+    if (isThere(root->get(), ".Trash-" + user)) add(openOwn(root->get()));
+    return found;
+}
+
 // A folder that goes elsewhere has another folder above it, which is written into it.
 std::optional<std::string> Trash::objection(const std::string& path) const {
     const auto held = HeldEntry::at(m_files, m_places, path, std::nullopt);

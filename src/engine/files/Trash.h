@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <tl/expected.hpp>
+#include <vector>
 
 #include "engine/files/HeldEntry.h"
 #include "engine/files/ProtectedPlaces.h"
@@ -32,6 +33,9 @@ public:
     /// The same for an entry that is held already.
     [[nodiscard]] tl::expected<std::string, std::string> move(
         const HeldEntry& held, const TrashFolder::LastLook& lastLook = {}) const;
+
+    /// The trashes that entries of a folder go to, those that are there; nothing is made.
+    [[nodiscard]] std::vector<TrashFolder> trashesOf(const std::string& folder) const;
 
     /// Why move() would leave the entry where it is, as far as a look tells beforehand; nothing is
     /// made and nothing moved.

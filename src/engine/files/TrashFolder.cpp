@@ -134,6 +134,48 @@ tl::expected<std::string, Failure> TrashFolder::take(const HeldEntry& held,
     return tl::unexpected(Failure{folderReason(EEXIST)});
 }
 
+SysResult<std::vector<TrashFolder::Trashed>> TrashFolder::list() const {
+    const auto folder = m_files->openFolder(m_entries.get(), ".", Links::Keep);
+    if (!folder) return tl::unexpected(folder.error());
+    std::vector<Trashed> found;
+    CatalogBatch batch;
+    for (auto more = m_files->readFolder(folder->get(), batch); !more || *more;
+         more = m_files->readFolder(folder->get(), batch)) {
+        if (!more) return tl::unexpected(more.error());
+        m_files->readAttributes(folder->get(), batch.entries);
+        for (const CatalogEntry& each : batch.entries)
+            if (each.error == 0) found.push_back({each.name, each.attributes});
+    }
+    return found;
+}
+
+std::string TrashFolder::placeOf(const std::string& name) const {
+    return joinPath(m_files->placeOf(m_entries.get()).value_or(""), name);
+}
+
+std::optional<std::string> TrashFolder::giveBack(const Trashed& entry, int folder,
+                                                 const std::string& name) const {
+    const std::string record = entry.name + std::string(recordExtension);
+    const auto recorded = m_files->attributes(m_records.get(), record.c_str(), Links::Keep);
+    if (!recorded) return "the trash has no record of it any more";
+    const auto held = m_files->holdEntry(m_entries.get(), entry.name.c_str());
+    const auto now = held ? m_files->attributes(held->get()) : tl::unexpected(held.error());
+    if (!now) return folderReason(now.error());
+    if (!isSame(*now, entry.attributes)) return std::string(replacedReason);
+    const auto moved =
+        m_files->moveEntry(m_entries.get(), entry.name.c_str(), folder, name.c_str());
+    if (!moved)
+        return moved.error() == EEXIST ? std::string("its name is taken by now")
+                                       : folderReason(moved.error());
+    const auto back = m_files->attributes(folder, name.c_str(), Links::Keep);
+    if (!back || !isSame(*back, *now)) {
+        (void)m_files->moveEntry(folder, name.c_str(), m_entries.get(), entry.name.c_str());
+        return std::string(replacedReason);
+    }
+    dropRecord(entry.name);
+    return std::nullopt;
+}
+
 // What is there already, and the records themselves.
 std::optional<std::string> TrashFolder::objection(const HeldEntry& held) const {
     const auto parent = m_files->attributes(held.parent.get());

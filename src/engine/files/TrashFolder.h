@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <tl/expected.hpp>
+#include <vector>
 
 #include "engine/files/HeldEntry.h"
 #include "platform/descriptor.h"
@@ -48,6 +49,21 @@ public:
     [[nodiscard]] tl::expected<std::string, Failure> take(const HeldEntry& held,
                                                           const std::string& place,
                                                           const LastLook& lastLook = {}) const;
+
+    /// What lies in it.
+    struct Trashed {
+        std::string name;  ///< in the trash
+        FileAttributes attributes;
+    };
+    [[nodiscard]] SysResult<std::vector<Trashed>> list() const;
+    /// The path of an entry in it.
+    [[nodiscard]] std::string placeOf(const std::string& name) const;
+
+    /// Gives an entry its old name back in a held folder, never over anything, and drops its
+    /// record. Why it stays in the trash: among others that it is another entry by now, or that the
+    /// trash has no record of it.
+    [[nodiscard]] std::optional<std::string> giveBack(const Trashed& entry, int folder,
+                                                      const std::string& name) const;
 
     TrashFolder(TrashFolder&&) noexcept = default;
     TrashFolder& operator=(TrashFolder&&) = delete;

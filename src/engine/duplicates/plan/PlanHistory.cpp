@@ -1,0 +1,143 @@
+// A file has a line with the folders, and then the plan as PlanFile writes it.
+#include "engine/duplicates/plan/PlanHistory.h"
+
+#include <dirent.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <ctime>
+#include <memory>
+
+#include "engine/base/Date.h"
+#include "engine/duplicates/plan/PlanFile.h"
+#include "engine/files/DurableFile.h"
+#include "engine/text/JsonReader.h"
+#include "engine/text/JsonText.h"
+#include "platform/paths.h"
+
+namespace orrinvale {
+namespace {
+
+constexpr std::string_view historyExtension = ".json";
+constexpr std::int64_t historyDays = 30;
+
+std::string newHistoryId() {
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    const auto nanoseconds = std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
+    std::string id;
+    for (const char c : dateDescription({nanoseconds}).substr(0, 19))
+        if (c >= '0' && c <= '9') id += c;
+    return fmt::format("{}-{:09}-{}", id, nanoseconds % 1'000'000'000, ::getpid());
+}
+
+bool isHistoryId(std::string_view id) {
+    return !id.empty() && id.size() < 64 &&
+           std::ranges::all_of(id, [](char c) { return (c >= '0' && c <= '9') || c == '-'; });
+}
+
+std::string lineOfFolders(const std::vector<UndoFolder>& folders) {
+    std::string line = "{\"orrinvaleRemoval\": 1, \"folders\": [";
+    for (const UndoFolder& each : folders) {
+        line += &each == folders.data() ? "{" : ", {";
+        appendJsonPath(line, each.path);
+        line += fmt::format(", \"device\": {}, \"inode\": {}}}", each.device, each.inode);
+    }
+    return line + "]}\n";
+}
+
+bool takeUndoFolder(JsonReader& reader, UndoFolder& folder) {
+    if (!reader.beginObject()) return false;
+    while (const auto name = reader.nextMember()) {
+        if (*name == "path") folder.path = reader.text().value_or("");
+        else if (*name == "device") folder.device = reader.count().value_or(0);
+        else if (*name == "inode") folder.inode = reader.count().value_or(0);
+        else if (*name == "pathHex") {
+            folder.path.clear();
+            if (!appendFromHex(folder.path, reader.text().value_or("?"))) return false;
+        } else return false;
+    }
+    return !reader.hasFailed();
+}
+
+std::optional<std::vector<UndoFolder>> foldersIn(std::string_view line) {
+    JsonReader reader(line);
+    std::vector<UndoFolder> folders;
+    if (!reader.beginObject() || reader.nextMember() != "orrinvaleRemoval" || reader.count() != 1 ||
+        reader.nextMember() != "folders" || !reader.beginArray())
+        return std::nullopt;
+    while (reader.nextElement())
+        if (!takeUndoFolder(reader, folders.emplace_back())) return std::nullopt;
+    if (reader.hasFailed() || reader.nextMember() || !reader.isAtEnd()) return std::nullopt;
+    return folders;
+}
+
+}  // namespace
+
+PlanHistory::PlanHistory(const std::string& stateFolder)
+    : m_folder(joinPath(stateFolder, "removed")) {}
+
+tl::expected<std::string, std::string> PlanHistory::note(const FileSystem& files,
+                                                         const DuplicatePlan& plan) const {
+    if (const auto made = DurableFile::makeFolder(m_folder); !made)
+        return tl::unexpected(made.error().reason());
+    forgetOld();
+    const std::string id = newHistoryId();
+    const auto saved = DurableFile::save(joinPath(m_folder, id + std::string(historyExtension)),
+                                         lineOfFolders(foldersOf(files, plan)) + writePlan(plan));
+    if (!saved) return tl::unexpected(saved.error().reason());
+    return id;
+}
+
+std::vector<std::string> PlanHistory::ids() const {
+    std::vector<std::string> found;
+    const std::unique_ptr<DIR, int (*)(DIR*)> listing(::opendir(m_folder.c_str()), &::closedir);
+    if (listing == nullptr) return found;
+    while (const dirent* const entry = ::readdir(listing.get())) {
+        std::string_view name = entry->d_name;
+        if (!name.ends_with(historyExtension)) continue;
+        name.remove_suffix(historyExtension.size());
+        if (isHistoryId(name)) found.emplace_back(name);
+    }
+    std::ranges::sort(found);
+    return found;
+}
+
+tl::expected<NotedRemoval, std::string> PlanHistory::load(const std::string& id) const {
+    if (!isHistoryId(id)) return tl::unexpected(std::string("there is no such removal"));
+    const auto text = DurableFile::read(joinPath(m_folder, id + std::string(historyExtension)),
+                                        2 * mostPlanBytes);
+    if (!text)
+        return tl::unexpected(text.error().kind == ErrorKind::NotFound
+                                  ? std::string("there is no such removal")
+                                  : text.error().reason());
+    const std::string_view all = *text;
+    const std::size_t end = std::min(all.find('\n'), all.size());
+    auto folders = foldersIn(all.substr(0, end));
+    if (!folders) return tl::unexpected(std::string("its record is damaged"));
+    auto plan = parsePlan(all.substr(std::min(end + 1, all.size())));
+    if (!plan) return tl::unexpected("its record is no good: " + plan.error());
+    return NotedRemoval{id, std::move(*plan), std::move(*folders)};
+}
+
+bool PlanHistory::clear() const {
+    bool isClear = true;
+    for (const std::string& id : ids())
+        isClear = ::unlink(joinPath(m_folder, id + std::string(historyExtension)).c_str()) == 0 &&
+                  isClear;
+    return isClear;
+}
+
+void PlanHistory::forgetOld() const {
+    const std::time_t oldest = std::time(nullptr) - historyDays * 86400;
+    for (const std::string& id : ids()) {
+        const std::string path = joinPath(m_folder, id + std::string(historyExtension));
+        struct stat seen {};
+        if (::lstat(path.c_str(), &seen) == 0 && seen.st_mtim.tv_sec < oldest)
+            (void)::unlink(path.c_str());
+    }
+}
+
+}  // namespace orrinvale

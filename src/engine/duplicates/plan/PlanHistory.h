@@ -1,0 +1,49 @@
+// PlanHistory: which plans were moved to the trash in the last 30 days, so that each can be undone.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <tl/expected.hpp>
+#include <vector>
+
+#include "engine/duplicates/plan/DuplicatePlan.h"
+#include "engine/duplicates/plan/TrashUndo.h"
+
+namespace orrinvale {
+
+/// A removal that was noted.
+struct NotedRemoval {
+    std::string id;  ///< its file's name without the extension; sorts by time
+    DuplicatePlan plan;
+    std::vector<UndoFolder> folders;
+};
+
+/// A file (0600) for each removal in a folder of this user, written before anything moves, so that
+/// a kill in the middle loses nothing of it. Any thread; what two processes note at once are two
+/// files.
+class PlanHistory final {
+public:
+    /// `stateFolder`: that of this user's program (UserFolders.h).
+    explicit PlanHistory(const std::string& stateFolder);
+
+    /// The id that it got, or why it could not be written. Forgets what is older than 30 days.
+    [[nodiscard]] tl::expected<std::string, std::string> note(const FileSystem& files,
+                                                              const DuplicatePlan& plan) const;
+
+    /// The ids, the oldest first.
+    [[nodiscard]] std::vector<std::string> ids() const;
+
+    /// Why not, in words: there is none, or its file is damaged, which concerns no other.
+    [[nodiscard]] tl::expected<NotedRemoval, std::string> load(const std::string& id) const;
+
+    /// Forgets all of them; what lies in the trash stays there. False when one stayed.
+    [[nodiscard]] bool clear() const;
+
+private:
+    void forgetOld() const;
+
+    std::string m_folder;
+};
+
+}  // namespace orrinvale

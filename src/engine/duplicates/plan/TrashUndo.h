@@ -1,0 +1,47 @@
+// TrashUndo: brings back what a plan moved to the trash, by the trash's own records.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "engine/duplicates/plan/DuplicatePlan.h"
+#include "platform/FolderVariables.h"
+#include "platform/fileTypes.h"
+
+namespace orrinvale {
+
+/// A folder as it was before something left it.
+struct UndoFolder {
+    std::string path;
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+};
+
+/// The folders that the plan takes something from, as they are now, each once.
+[[nodiscard]] std::vector<UndoFolder> foldersOf(const FileSystem& files, const DuplicatePlan& plan);
+
+struct UndoOutcome {
+    struct Left {
+        std::string path;
+        std::string place;  ///< in the trash; empty where it is not there
+        std::string reason;
+    };
+    std::vector<std::string> restored;
+    std::size_t inPlace = 0;  ///< never left, or were back already
+    std::vector<Left> left;
+    bool stopped = false;
+};
+
+/// Each entry that the plan let go and that is in a trash gets its own name back in the folder that
+/// it was in, known by its number, never over anything. A rename: times, modes and links are what
+/// they were. On the calling thread; `stop` is looked at before each entry.
+[[nodiscard]] UndoOutcome undoPlan(const FileSystem& files, const FolderVariables& variables,
+                                   const DuplicatePlan& plan,
+                                   const std::vector<UndoFolder>& folders,
+                                   const std::atomic<bool>& stop);
+
+}  // namespace orrinvale

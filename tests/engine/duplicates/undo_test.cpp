@@ -1,0 +1,232 @@
+// Undo: what a plan moved to the trash comes back as it was, or is told with its place; and the
+// history that undo stands on.
+#include <sys/time.h>
+
+#include "engine/duplicates/plan/PlanHistory.h"
+#include "engine/duplicates/plan/PlanRemoval.h"
+#include "engine/removal/PairList.h"
+#include "engine/removal/TrashDoor.h"
+#include "support/realFiles.h"
+#include "support/test.h"
+
+namespace orrinvale {
+namespace {
+
+const std::atomic<bool> neverStoppedUndo{false};
+
+/// A folder whose entries are moved to the trash by a plan, and brought back.
+struct TrashedTree {
+    TestTree tree;
+    FolderVariables variables{.home = tree.at("home"), .user = ::geteuid()};
+    DuplicatePlan plan;
+    std::vector<UndoFolder> folders;
+
+    explicit TrashedTree(const Strings& names, const std::string& bytes = "the same") {
+        plan.owner = ::geteuid();
+        plan.made = "2026-11-22T15:00:00+00:00";
+        tree.write("stays", bytes);
+        for (const std::string& name : names)
+            if (!isThere(tree.at(name))) tree.write(name, bytes);
+    }
+    void move(const Strings& names) {
+        PlanGroup group;
+        Strings all = names;
+        all.emplace_back("stays");
+        for (const std::string& name : all) {
+            PlanMember member;
+            member.path = tree.at(name);
+            member.goes = name != "stays";
+            member.identity = EntryIdentity::of(attributesOf(member.path));
+            member.identity.born = 0;
+            member.size = member.identity.size;
+            group.members.push_back(std::move(member));
+        }
+        plan.groups = {std::move(group)};
+        folders = foldersOf(files, plan);
+        PlanRemoval list(files, plan);
+        TrashDoor door(files, {}, variables);
+        RemovalRun run(files, {}, list, door, neverStoppedUndo, testing::nobodyTold());
+        EXPECT_EQ(run.run().removed, names.size());
+    }
+    UndoOutcome undo() const { return undoPlan(files, variables, plan, folders, neverStoppedUndo); }
+    std::string trash(const std::string& name) const {
+        return tree.at("home/.local/share/Trash/" + name);
+    }
+};
+
+struct Seen {
+    std::uint64_t inode;
+    std::int64_t modified;
+    std::uint32_t links;
+    mode_t mode;
+    friend bool operator==(const Seen&, const Seen&) = default;
+};
+
+Seen seenAt(const std::string& path) {
+    struct stat status {};
+    EXPECT_EQ(::lstat(path.c_str(), &status), 0) << path;
+    const auto attributes = attributesOf(path);
+    return {attributes.inode, attributes.modified, attributes.links, status.st_mode};
+}
+
+TEST(TrashUndo, BringsAllBackWithTimesModesLinksAndNames) {
+    Strings names{"a/line\nbreak", "a/\xff\xfe", "a/" + std::string(255, 'n'), "b/x", "a/x",
+                  "c/x",           "b/-rf"};
+    for (int i = 0; i < 300; ++i) names.push_back(fmt::format("many/{}.txt", i % 100 * 1000 + i));
+    TrashedTree trashed(names);
+    auto& tree = trashed.tree;
+    ASSERT_TRUE(tree.hardLink("b/x", "b/second") && tree.setMode("a/x", 0640));
+    names.emplace_back("b/second");
+    const timeval times[2] = {{1'000'000'000, 0}, {1'000'000'001, 5}};
+    ASSERT_EQ(::lutimes(tree.at("c/x").c_str(), times), 0);
+    std::map<std::string, Seen> before;
+    for (const std::string& name : names) before.emplace(name, seenAt(tree.at(name)));
+    trashed.move(names);
+    for (const std::string& name : names) ASSERT_FALSE(isThere(tree.at(name))) << name;
+    const UndoOutcome outcome = trashed.undo();
+    EXPECT_EQ(outcome.restored.size(), names.size());
+    EXPECT_TRUE(outcome.left.empty()) << outcome.left.front().reason;
+    for (const std::string& name : names) EXPECT_EQ(seenAt(tree.at(name)), before.at(name)) << name;
+    EXPECT_TRUE(namesIn(trashed.trash("files")).empty());
+    EXPECT_TRUE(namesIn(trashed.trash("info")).empty());
+    EXPECT_EQ(trashed.undo().inPlace, names.size());
+}
+
+TEST(TrashUndo, WhatCanNotComeBackIsToldAndStaysWhereItIs) {
+    const struct {
+        const char* what;
+        std::function<void(TrashedTree&)> between;
+        std::string reason;
+        bool isInTrash;
+    } cases[] = {
+        {"the trash was emptied",
+         [](TrashedTree& t) { std::filesystem::remove_all(t.trash("files")); },
+         "it is not in the trash any more", false},
+        {"the whole trash is gone",
+         [](TrashedTree& t) { std::filesystem::remove_all(t.trash("")); },
+         "it is not in the trash any more", false},
+        {"the folder is gone", [](TrashedTree& t) { ::rmdir(t.tree.at("a").c_str()); },
+         "the folder that it was in is gone", true},
+        {"another folder has its name",
+         [](TrashedTree& t) {
+             ::rename(t.tree.at("a").c_str(), t.tree.at("b").c_str());
+             t.tree.folder("a");
+         },
+         "another folder is where it was", true},
+        {"a link has its name",
+         [](TrashedTree& t) {
+             ::rename(t.tree.at("a").c_str(), t.tree.at("b").c_str());
+             t.tree.folder("other");
+             t.tree.symlink("other", "a");
+         },
+         "another folder is where it was", true},
+        {"the name is taken", [](TrashedTree& t) { t.tree.write("a/x", "came since"); },
+         "its name is taken by now", true},
+        {"a link took it", [](TrashedTree& t) { t.tree.symlink("nowhere", "a/x"); },
+         "its name is taken by now", true},
+        {"somebody dropped the record",
+         [](TrashedTree& t) { ::unlink(t.trash("info/x.trashinfo").c_str()); },
+         "the trash has no record of it any more", true},
+        {"it was written to in the trash",
+         [](TrashedTree& t) { std::ofstream(t.trash("files/x"), std::ios::app) << "more"; },
+         "it is not in the trash any more", true},
+    };
+    for (const auto& [what, between, reason, isInTrash] : cases) {
+        TrashedTree trashed({"a/x"});
+        trashed.move({"a/x"});
+        between(trashed);
+        const std::string taken = contentOf(trashed.tree.at("a/x"));
+        const UndoOutcome outcome = trashed.undo();
+        EXPECT_TRUE(outcome.restored.empty()) << what;
+        ASSERT_EQ(outcome.left.size(), 1U) << what;
+        EXPECT_EQ(outcome.left[0].reason, reason) << what;
+        EXPECT_EQ(isThere(trashed.trash("files/x")), isInTrash) << what;
+        EXPECT_EQ(contentOf(trashed.tree.at("a/x")), taken) << what;
+    }
+    // A way that leads to the very folder by another path is no other folder.
+    TrashedTree moved({"a/x"});
+    moved.move({"a/x"});
+    ASSERT_EQ(::rename(moved.tree.at("a").c_str(), moved.tree.at("b").c_str()), 0);
+    ASSERT_TRUE(moved.tree.symlink("b", "a"));
+    EXPECT_EQ(moved.undo().restored.size(), 1U);
+    EXPECT_EQ(contentOf(moved.tree.at("b/x")), "the same");
+}
+
+// The copy that stays vanishes in the moment in which the other one is moved: that one comes back.
+TEST(TrashUndo, NothingIsLeftInTheTrashWithoutACopyThatStays) {
+    TrashedTree trashed({"a/x"});
+    WatchedFiles watched;
+    bool isDone = false;
+    watched.beforeRemoval = [&](const char* operation) {
+        if (isDone || std::string_view(operation) != "moveEntry") return;
+        isDone = true;
+        ::unlink(trashed.tree.at("stays").c_str());
+    };
+    PlanGroup group;
+    for (const char* const name : {"a/x", "stays"}) {
+        PlanMember member;
+        member.path = trashed.tree.at(name);
+        member.goes = name != std::string_view("stays");
+        member.identity = EntryIdentity::of(attributesOf(member.path));
+        member.identity.born = 0;
+        member.size = member.identity.size;
+        group.members.push_back(std::move(member));
+    }
+    trashed.plan.groups = {group};
+    PlanRemoval list(watched, trashed.plan);
+    TrashDoor door(watched, {}, trashed.variables);
+    RemovalRun run(watched, {}, list, door, neverStoppedUndo, testing::nobodyTold());
+    EXPECT_EQ(run.run().failed, 1U);
+    EXPECT_TRUE(isDone);
+    EXPECT_EQ(contentOf(trashed.tree.at("a/x")), "the same");
+    EXPECT_TRUE(namesIn(trashed.trash("info")).empty());
+}
+
+TEST(PlanHistory, GarbageCostsOneRemovalAlone) {
+    TrashedTree trashed({"a/\xff"});
+    trashed.move({"a/\xff"});
+    const PlanHistory history(trashed.tree.at("state"));
+    EXPECT_TRUE(history.ids().empty());
+    const auto first = history.note(files, trashed.plan);
+    const auto second = history.note(files, trashed.plan);
+    ASSERT_TRUE(first && second);
+    const std::string path = trashed.tree.at("state/removed/" + *first + ".json");
+    EXPECT_EQ(seenAt(path).mode & 07777U, 0600U);
+    std::ofstream(path, std::ios::app) << "garbage";
+    EXPECT_FALSE(history.load(*first));
+    const auto loaded = history.load(*second);
+    ASSERT_TRUE(loaded) << loaded.error();
+    ASSERT_EQ(loaded->folders.size(), 1U);
+    EXPECT_EQ(loaded->folders[0].path, trashed.tree.at("a"));
+    EXPECT_EQ(undoPlan(files, trashed.variables, loaded->plan, loaded->folders, neverStoppedUndo)
+                  .restored.size(),
+              1U);
+    EXPECT_FALSE(history.load("../../etc/passwd"));
+
+    const timeval old[2] = {{1, 0}, {1, 0}};
+    ASSERT_EQ(::utimes(path.c_str(), old), 0);
+    const auto third = history.note(files, trashed.plan);
+    ASSERT_TRUE(third);
+    EXPECT_EQ(history.ids(), (Strings{*second, *third}));
+    EXPECT_TRUE(history.clear());
+    EXPECT_TRUE(history.ids().empty());
+}
+
+// Where it can not be noted nothing is there to undo by, and the caller hears of it.
+TEST(PlanHistory, AFullDiskIsTold) {
+    withOwnMounts([] {
+        if (::mkdir("/mnt/state", 0700) != 0 ||
+            ::mount("none", "/mnt/state", "tmpfs", 0, "size=64k") != 0)
+            return std::string("skip: no tmpfs");
+        TrashedTree trashed({"a/x"});
+        trashed.plan.rules.assign(2000, std::string(100, 'r'));
+        const PlanHistory history("/mnt/state");
+        const auto noted = history.note(files, trashed.plan);
+        if (noted) return std::string("it was noted");
+        if (!history.ids().empty()) return std::string("a part of it is left");
+        return noted.error() == "No space left on device" ? std::string() : noted.error();
+    });
+}
+
+}  // namespace
+}  // namespace orrinvale
