@@ -51,14 +51,19 @@ void KeepTicks::untickFolder(TreeNode& tree, std::string folder) {
     });
 }
 
+void KeepTicks::drop() {
+    if (std::exchange(m_tree, nullptr) != nullptr) m_selection.allSelectNumArr().removeClear();
+}
+
 bool KeepTicks::step(std::chrono::steady_clock::time_point until) {
     if (m_tree == nullptr) return true;
-    constexpr std::size_t atOnce = 256;  // groups between two looks at the clock
+    constexpr std::size_t atOnce = 1024;  // copies between two looks at the clock
     const std::size_t groups = m_tree->numberOfChildren();
     do {  // at least a few, however late it is
-        for (const std::size_t end = std::min(groups, m_next + atOnce); m_next < end; ++m_next) {
+        for (std::size_t copies = 0; m_next < groups && copies < atOnce; ++m_next) {
             expectGroups(*m_tree, m_next);
             decideGroup(*m_tree->childAtIndex(m_next));
+            copies += m_tree->childAtIndex(m_next)->numberOfChildren();
         }
     } while (m_next < groups && std::chrono::steady_clock::now() < until);
     if (m_next < groups) return false;
@@ -76,8 +81,9 @@ void KeepTicks::decideGroup(TreeNode& group) {
         m_members.push_back(keepMemberOf(leaf));
         m_ticked.push_back(leaf.selectNum() == 1 ? 1 : 0);
     }
+    m_before = m_ticked;
     m_decide(m_members, m_ticked);
-    m_selection.setTicks(group, m_ticked);
+    if (m_ticked != m_before) m_selection.setTicks(group, m_ticked);
 }
 
 }  // namespace orrinvale

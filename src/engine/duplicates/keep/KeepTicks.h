@@ -35,7 +35,8 @@ public:
     /// Goes on until that moment, or to the end. True when there is nothing left to do.
     bool step(std::chrono::steady_clock::time_point until);
     void finish() { static_cast<void>(step(std::chrono::steady_clock::time_point::max())); }
-    void drop() { m_tree = nullptr; }
+    /// Leaves the groups that it did not come to as they are.
+    void drop();
     [[nodiscard]] bool isPending() const { return m_tree != nullptr; }
 
 private:
@@ -48,6 +49,7 @@ private:
     Decide m_decide;
     std::vector<KeepMember> m_members;  // of the group in hand; kept for their room
     std::vector<std::uint8_t> m_ticked;
+    std::vector<std::uint8_t> m_before;
 };
 
 }  // namespace orrinvale

@@ -23,10 +23,13 @@ bool isProtectedCopy(const TreeNode::Pointer& leaf) {
            !(data.identity() && data.identity()->type == FileType::SymbolicLink);
 }
 
-// The copy that a click on a group leaves: a protected one where there is any, else the last.
+// The copy that a click on a group leaves: a protected one where there is any, else the last. A
+// protected link is no copy.
 const TreeNode* copyThatStays(const TreeNode& group) {
     for (std::size_t i = group.numberOfChildren(); i-- > 0;)
         if (isProtectedCopy(group.childAtIndex(i))) return group.childAtIndex(i).get();
+    for (std::size_t i = group.numberOfChildren(); i-- > 0;)
+        if (!simpleData(*group.childAtIndex(i))->isProtected()) return group.childAtIndex(i).get();
     return group.lastChild().get();
 }
 
@@ -81,7 +84,8 @@ void DuplicateSelection::tickLast(const TreeNode::Pointer& leaf) {
     if (simpleData(*leaf)->selectNum() == 1 || simpleData(*leaf)->isProtected()) return;
     tick(leaf);
     TreeNode& group = *leaf->nodeParent();
-    showGroup(group, 1, group.numberOfChildren());
+    const std::size_t ticked = countTicked(group);
+    showGroup(group, ticked == group.numberOfChildren() ? 1 : 2, ticked);
 }
 
 void DuplicateSelection::clickGroup(TreeNode& group) {
@@ -98,6 +102,7 @@ void DuplicateSelection::tickAllBut(const TreeNode& leaf) {
     if (simpleData(group)->isProtected()) return;
     const std::size_t copies = group.numberOfChildren();
     std::size_t ticked = 0;
+    bool isHeldBack = false;
     for (std::size_t i = 0; i < copies; ++i) {
         const TreeNode::Pointer& child = group.childAtIndex(i);
         SimpleNodeData& data = *simpleData(*child);
@@ -107,13 +112,17 @@ void DuplicateSelection::tickAllBut(const TreeNode& leaf) {
         } else if (!data.isProtected()) {
             if (data.selectNum() != 1) tick(child);
             ++ticked;
+        } else {
+            isHeldBack = true;
         }
     }
-    showGroup(group, ticked == 0 ? 0 : 2, ticked);
+    showGroup(group, ticked == 0 && isHeldBack ? 0 : 2, ticked);
 }
 
 void DuplicateSelection::setTicks(TreeNode& group, std::span<const std::uint8_t> ticked) {
     const std::size_t copies = std::min(group.numberOfChildren(), ticked.size());
+    // That all copies go has been asked for no group that was not so before.
+    const bool wasWhole = simpleData(group)->selectNum() == 1;
     std::size_t count = 0;
     for (std::size_t i = 0; i < copies; ++i) {
         const TreeNode::Pointer& leaf = group.childAtIndex(i);
@@ -123,7 +132,8 @@ void DuplicateSelection::setTicks(TreeNode& group, std::span<const std::uint8_t>
         else if (data.selectNum() != 1) tick(leaf);
         count += isTicked ? 1U : 0U;
     }
-    showGroup(group, count == 0 ? 0 : count == group.numberOfChildren() ? 1 : 2, count);
+    const bool isWhole = wasWhole && count == group.numberOfChildren();
+    showGroup(group, count == 0 ? 0 : isWhole ? 1 : 2, count);
 }
 
 void DuplicateSelection::clearLeaves(TreeNode& group, std::size_t shownCount) {

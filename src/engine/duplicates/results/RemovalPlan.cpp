@@ -30,6 +30,8 @@ RemovalPlan::RemovalPlan(const FileSystem& files, std::vector<TreeNode::Pointer>
 void RemovalPlan::prepare() {
     std::unordered_map<const TreeNode*, Place> places;
     std::unordered_set<const TreeNode*> ticked;
+    // What was cleared since it came among the ticked ones stays.
+    std::erase_if(m_ticked, [](const auto& leaf) { return simpleData(*leaf)->selectNum() != 1; });
     for (const auto& leaf : m_ticked) ticked.insert(leaf.get());
     std::unordered_set<const TreeNode*> taken;
     for (const auto& leaf : m_ticked) {
