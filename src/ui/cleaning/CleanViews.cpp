@@ -144,6 +144,9 @@ void CleanViews::fillHead(NotificationCenter& notifications) {
          {static_cast<QWidget*>(outlineButton), static_cast<QWidget*>(filterField),
           static_cast<QWidget*>(rescanButton), static_cast<QWidget*>(lockButton)})
         head->addWidget(each);
+    // Where there is little room the field gives it to the title, whose figure a person looks for.
+    head->setStretchFactor(titleLabel, 3);
+    head->setStretchFactor(filterField, 1);
 }
 
 void CleanViews::fillContent(NotificationCenter& notifications) {
