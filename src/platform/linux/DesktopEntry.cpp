@@ -199,15 +199,17 @@ private:
         return script(word);
     }
 
-    // The first word behind it that is no option; the program itself where there is none.
+    // The first word behind it that is no option; the program itself where there is none. One that
+    // is given no file, but a module or a line of its own, is no program of this entry's.
     StartedProgram script(const std::string& word) {
         StartedProgram out;
         out.program = word;
         for (; m_at < m_words.size(); ++m_at) {
             const std::string& each = m_words[m_at];
-            if (each == "-m" || each == "-c" || each == "-e") return out;
-            if (each.starts_with('-')) continue;
-            if (each.find('/') != std::string::npos) out.program = placed(each);
+            const bool isText = each == "-m" || each == "-c" || each == "-e";
+            if (each.starts_with('-') && !isText) continue;
+            const bool isFile = !isText && each.find('/') != std::string::npos;
+            out.program = isFile ? placed(each) : std::string();
             return out;
         }
         return out;

@@ -194,7 +194,9 @@ RunState RunningPrograms::stateOf(const ApplicationRecord& record,
     const bool mayRun = std::any_of(
         record.programs.begin(), record.programs.end(),
         [&](const std::string& each) { return closed.contains(lastPathComponent(each)); });
-    return mayRun || isPartial ? RunState::Unknown : RunState::No;
+    // What an interpreter has read by a name of its own is to be seen in no process.
+    const bool isUnnamed = record.type == ApplicationType::Deb && record.programs.empty();
+    return mayRun || isUnnamed || isPartial ? RunState::Unknown : RunState::No;
 }
 
 }  // namespace orrinvale
