@@ -11,17 +11,18 @@
 namespace orrinvale {
 namespace {
 
-// What stays the same where an application is changed to another version. An AppImage or a folder
-// is the one at its path; two of one identifier may lie side by side.
+// What stays the same where an application is changed to another version. Of one identifier two
+// AppImages, folders or bundles may lie side by side; and another one may come to a path, which
+// nobody has ticked.
 std::string identityOf(const AppItems& item) {
     const ApplicationRecord& record = *item.record;
     const bool isAtPath = record.type == ApplicationType::App ||
                           record.type == ApplicationType::AppImage ||
                           record.type == ApplicationType::Folder;
-    const std::string& name = record.package.empty() ? record.id : record.package;
+    const std::string& identifier = record.package.empty() ? record.id : record.package;
     std::string out(wordOf(record.type));
     for (const std::string& part :
-         {isAtPath ? std::string() : name, isAtPath ? record.path : std::string(),
+         {identifier, isAtPath ? item.name : std::string(), isAtPath ? record.path : std::string(),
           record.installation, record.ref}) {
         out += '\0';
         out += part;

@@ -132,6 +132,23 @@ TEST(UninstallList, AnotherInventoryKeepsRecordsTicksAndSizes) {
     EXPECT_EQ(names(list.allApplications()), "new Beta* Gamma ");
 }
 
+TEST(UninstallList, ATickIsForNoOtherApplicationThatComesToThePath) {
+    using enum ApplicationType;
+    for (const ApplicationType type : {App, AppImage, Folder}) {
+        UninstallList list;
+        list.setFound({item("One", type)});
+        UninstallList::flip(*list.searchAllAppArr()[0]);
+        list.setFound({item("One", type, false, "2")});
+        EXPECT_EQ(names(list.searchAllAppArr()), "One* ") << "an update";
+        const auto other = item("One", type);
+        ApplicationRecord record = *other->record;
+        record.id = "org.example.Other";
+        other->record = std::make_shared<const ApplicationRecord>(record);
+        list.setFound({other});
+        EXPECT_EQ(names(list.searchAllAppArr()), "One ");
+    }
+}
+
 TEST(UninstallRights, EveryAnswerLeadsWhereItShould) {
     using enum UninstallStep;
     // The answers of one removal in their order: y and n of the person, + and - of attempts.
