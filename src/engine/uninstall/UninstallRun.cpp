@@ -103,8 +103,31 @@ private:
         for (std::size_t i = 0; i < m_plan.apps.size(); ++i) {
             const bool isTrash =
                 typeOf(i) == ApplicationType::AppImage || typeOf(i) == ApplicationType::Folder;
-            if (isTrash && isOpen(i)) removeEntries(i, m_plan.apps[i].entries, trash());
+            if (isTrash && isOpen(i) && !m_plan.apps[i].entries.empty()) trashProgram(i);
         }
+    }
+
+    // The program itself decides. The links and entries that start it are moved even after a stop,
+    // since they lead nowhere by then; the note has what stays of them.
+    void trashProgram(std::size_t index) {
+        const std::vector<PlannedEntry>& entries = m_plan.apps[index].entries;
+        removeEntries(index, {entries.front()}, trash());
+        ApplicationRemoval& removal = m_outcome.apps[index].removal;
+        if (removal.state != State::Gone) return;
+        const std::atomic<bool> never{false};
+        for (auto each = entries.begin() + 1; each != entries.end(); ++each) {
+            const RemovalResult result = trash().remove(leaving(*each), never);
+            if (result.gone || result.failures.empty()) continue;
+            removal.note += (removal.note.empty() ? "" : "; ") + each->path +
+                            " stays: " + result.failures.front().reason;
+        }
+    }
+
+    static LeavingEntry leaving(const auto& planned) {
+        LeavingEntry entry;
+        entry.path = planned.path;
+        entry.identity = planned.identity;
+        return entry;
     }
 
     // What is left of a program that stays is in use.
@@ -117,14 +140,15 @@ private:
 
     void trashLeftovers(const std::vector<Leftover>& leftovers) {
         for (const Leftover& each : leftovers) {
-            if (m_stop || hasOwner(each)) continue;
-            if (m_begins) m_begins(each.path);
-            LeavingEntry entry;
-            entry.path = each.path;
-            entry.identity = each.identity;
-            const RemovalResult result = trash().remove(entry, m_stop);
-            if (!result.gone && !result.failures.empty())
-                m_outcome.leftovers.push_back(result.failures.front());
+            if (hasOwner(each)) continue;
+            RemovalResult result;
+            if (!m_stop) {
+                if (m_begins) m_begins(each.path);
+                result = trash().remove(leaving(each), m_stop);
+            }
+            if (result.gone) continue;
+            if (result.failures.empty()) result.failures.push_back({each.path, "stopped"});
+            m_outcome.leftovers.push_back(result.failures.front());
         }
     }
 

@@ -20,7 +20,7 @@ struct UninstallOutcome {
         ApplicationRemoval removal;
     };
     std::vector<App> apps;               ///< in the order of the plan
-    std::vector<StayedEntry> leftovers;  ///< that could not be moved to the trash
+    std::vector<StayedEntry> leftovers;  ///< that stay, of applications that are gone
 
     /// Whether all applications are gone.
     [[nodiscard]] bool worked() const;
@@ -39,7 +39,8 @@ struct UninstallDoors {
 
 /// Runs to its end on the calling thread, which may have to wait for a password. Bundles go first,
 /// each to its first entry that stays; then what their kinds remove, one call each; then what goes
-/// to the trash, the program before the entries that start it. Leftovers follow only of
+/// to the trash, the program before the entries that start it: where it goes they follow, and a
+/// note tells of those that stay. Leftovers follow only of
 /// applications that are gone, and of those that were gone before. `begins` is told each name as
 /// its turn comes.
 [[nodiscard]] UninstallOutcome runUninstall(const UninstallParts& parts, const UninstallPlan& plan,

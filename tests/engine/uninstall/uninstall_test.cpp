@@ -229,6 +229,42 @@ TEST_F(Uninstalling, MovesProgramsToTheTrashAndLeftoversOnlyOfWhatIsGone) {
                 ElementsAre("game", "game 2", "game.desktop", "gone"));
 }
 
+TEST_F(Uninstalling, TellsOfLeftoversThatAStopKeeps) {
+    std::vector<Leftover> left(2);
+    for (Leftover& each : left) {
+        const std::string name = &each == left.data() ? "home/.config/a" : "home/.config/b";
+        (void)tree.write(name, "1");
+        each.path = tree.at(name);
+        each.identity = EntryIdentity::of(attributesOf(each.path));
+    }
+    std::atomic<bool> stop{false};
+    const auto outcome = runUninstall(parts, {}, left, doors, stop,
+                                      [&](const std::string& /*name*/) { stop = true; });
+    Strings told;
+    for (const StayedEntry& each : outcome.leftovers) told.push_back(each.path + each.reason);
+    EXPECT_EQ(told.back(), left[1].path + "stopped");
+    for (const Leftover& each : left)
+        EXPECT_EQ(isThere(each.path), std::ranges::any_of(told, [&](const std::string& line) {
+                      return line.starts_with(each.path);
+                  }));
+}
+
+TEST_F(Uninstalling, AProgramIsGoneThoughAnEntryOfItsStays) {
+    machine.program("opt/game/bin/game");
+    machine.entry("game", "Exec=" + tree.at("opt/game/bin/game"));
+    const AppItemsArray apps =
+        UninstallAppInfo(UninstallAppDelegate(files, parts.home, &applications, parts.root))
+            .allAppsInfo();
+    UninstallPlan plan = planUninstall(parts, apps, apps, never);
+    ASSERT_EQ(plan.apps.at(0).entries.size(), 2U);
+    plan.apps[0].entries[1].identity.inode += 1;
+    const auto outcome = runUninstall(parts, plan, {}, doors, never, {});
+    EXPECT_TRUE(outcome.worked());
+    EXPECT_EQ(outcome.apps[0].removal.note,
+              plan.apps[0].entries[1].path + " stays: changed since the scan");
+    EXPECT_FALSE(isThere(tree.at("opt/game")));
+}
+
 TEST_F(Uninstalling, WhatSomebodyElseHasMovedAwayIsGone) {
     machine.program("opt/game/bin/game");
     machine.entry("game", "Exec=" + tree.at("opt/game/bin/game"));
