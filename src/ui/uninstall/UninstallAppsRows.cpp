@@ -58,8 +58,10 @@ void UninstallAppsController::getSelectAllOrNull() {
     m_views->uninstallButton->setEnabled(hasAny && isFree());
     m_views->uninstallButton->setToolTip(hasAny ? QString()
                                                 : tr("Tick the applications that are to go"));
-    m_views->selectButton->setState(m_list.isEverythingSelected() ? TickState::All
-                                                                  : TickState::Nothing);
+    // Before the search has found any, all of nothing is no tick.
+    const bool isAnything = m_isScaned || !m_list.allApplications().empty();
+    m_views->selectButton->setState(
+        isAnything && m_list.isEverythingSelected() ? TickState::All : TickState::Nothing);
 }
 
 void UninstallAppsController::boxClicked(AppItems& item) {

@@ -9,6 +9,7 @@ TEST(UninstallPage, ListsOnceTicksAndFilters) {
     desk.listing.shut();
     desk.open();
     EXPECT_TRUE(desk.isShown("searchAppsIndicator"));
+    EXPECT_EQ(desk.control<TickBox>("selectButton").state(), TickState::Nothing);
     desk.clickRow(1);
     EXPECT_EQ(desk.page->nowSelectRow(), 0) << "clicks count once there is a list";
     desk.listing.open();
