@@ -1608,16 +1608,8 @@
         <translation>%1 bleibt: %2 ist eine Verknüpfung darauf</translation>
     </message>
     <message>
-        <source>Settings of %1 for everybody stay: %2 file in /etc</source>
-        <translation>Einstellungen von %1 für alle bleiben: %2 Datei in /etc</translation>
-    </message>
-    <message>
-        <source>Settings of %1 for everybody stay: %2 files in /etc</source>
-        <translation>Einstellungen von %1 für alle bleiben: %2 Dateien in /etc</translation>
-    </message>
-    <message>
-        <source>What %1 keeps in the home stays</source>
-        <translation>Was %1 im persönlichen Ordner hat, bleibt</translation>
+        <source>What %1 keeps in the home stays where it is not ticked</source>
+        <translation>Was %1 im persönlichen Ordner hat, bleibt, wo es nicht angehakt ist</translation>
     </message>
     <message>
         <source>The installation of flatpak in %1 can not be read</source>

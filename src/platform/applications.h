@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -77,6 +78,8 @@ struct RemovalForecast {
     };
     std::vector<Along> along;        ///< what goes besides what was asked for
     std::vector<std::string> stays;  ///< sentences for people
+    /// Of single applications the files outside of homes that are left, by path.
+    std::map<std::size_t, std::vector<std::string>> kept;
     std::vector<std::vector<std::string>>
         trash;  ///< of each application what the caller is to move to the trash, itself first; none
                 ///< where the kind removes by itself
@@ -126,6 +129,14 @@ public:
 
     [[nodiscard]] virtual ApplicationDetails details(const ApplicationRecord& record) const = 0;
 
+    /// The same for one of several that are asked about in one pass: what a kind has to read for
+    /// all of them it reads once, and leaves in `reading`, which is null before the first and is
+    /// for one thread.
+    [[nodiscard]] virtual ApplicationDetails detailsOfNext(
+        const ApplicationRecord& record, std::shared_ptr<const void>& /*reading*/) const {
+        return details(record);
+    }
+
     /// Simulates a removal of all of them together; nothing is changed. The end of the wait for a
     /// service is a refusal.
     [[nodiscard]] virtual RemovalForecast forecast(const std::vector<ApplicationRecord>& records,
@@ -160,6 +171,9 @@ public:
     [[nodiscard]] virtual ApplicationInventory look(const KindNews& news) const = 0;
     [[nodiscard]] ApplicationInventory inventory() const { return look({}); }
     [[nodiscard]] std::vector<ApplicationRecord> list() const { return inventory().records; }
+    /// Files and folders of which one at least gets another time or size when something was
+    /// installed or removed.
+    [[nodiscard]] virtual std::vector<std::string> watched() const { return {}; }
     /// nullptr for a type that this machine does not know, and for App.
     [[nodiscard]] virtual const ApplicationKind* kind(ApplicationType type) const = 0;
     /// One state for each record, all of one moment.

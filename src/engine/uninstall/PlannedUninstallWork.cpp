@@ -26,16 +26,21 @@ constexpr const char* noTime = "What they left could not be looked for in time";
 constexpr const char* noAnswer = "what would go along could not be found out in time";
 
 // Those that go are the same objects among all that are installed, which claim what is theirs.
-// What is not there any more as a person saw it is told in `missing`.
-AppItemsArray putAmong(AppItemsArray& installed, const std::vector<AppItems>& items,
-                       std::vector<std::size_t>& missing) {
+// What is not there any more as a person saw it stays; of a kind that keeps silent nobody knows.
+AppItemsArray putAmong(AppItemsArray& installed, const ApplicationInventory& rest,
+                       const std::vector<AppItems>& items, PlanDoubts& doubts) {
     AppItemsArray out;
     for (const AppItems& each : items) {
         out.push_back(std::make_shared<AppItems>(each));
         const auto found = std::ranges::find_if(
             installed, [&](const auto& other) { return isSame(*other->record, *each.record); });
-        if (found != installed.end()) *found = out.back();
-        else missing.push_back(out.size() - 1);
+        if (found != installed.end()) {
+            *found = out.back();
+            continue;
+        }
+        const auto silent = rest.unread.find(each.record->type);
+        doubts.refusals[out.size() - 1] =
+            silent == rest.unread.end() ? notAsListed : silent->second;
     }
     return out;
 }
@@ -93,18 +98,18 @@ UninstallOutlook PlannedUninstallWork::forecast(const std::vector<AppItems>& ite
         UninstallAppDelegate(*m_parts.files, m_parts.home, m_parts.applications, m_parts.root));
     AppItemsArray& installed = info.allAppsInfo();
     const LeftoverRules rules(LeftoverClaims::of(installed, info.rest()));
-    std::vector<std::size_t> missing;
-    const AppItemsArray ticked = putAmong(installed, items, missing);
-    UninstallPlan plan = planUninstall(m_parts, ticked, installed, stop,
-                                       info.rest().unread.contains(ApplicationType::App));
-    for (const std::size_t index : missing) plan.apps.at(index).refusal = notAsListed;
+    PlanDoubts doubts;
+    doubts.areBundlesUnread = info.rest().unread.contains(ApplicationType::App);
+    const AppItemsArray ticked = putAmong(installed, info.rest(), items, doubts);
+    UninstallPlan plan = planUninstall(m_parts, ticked, installed, stop, doubts);
     for (UninstallPlan::App& each : plan.apps)
         if (stop && each.refusal == "stopped") each.refusal = noAnswer;
     refuseWithoutTrash(plan);
     const std::vector<RunState> running = runningOf(items);
     UninstallOutlook out;
     out.notes = notesOf(plan, info.rest());
-    out.isListOld = !missing.empty();
+    out.isListOld = std::ranges::any_of(
+        doubts.refusals, [](const auto& each) { return each.second == notAsListed; });
     bool isCutOff = false;
     for (std::size_t i = 0; i < items.size(); ++i) {
         const UninstallPlan::App& app = plan.apps.at(i);
@@ -114,6 +119,7 @@ UninstallOutlook PlannedUninstallWork::forecast(const std::vector<AppItems>& ite
         told.running = running.at(i);
         if (!app.refusal.empty()) continue;
         told.goesAlong = app.along;
+        told.stays = app.stays;
         for (const PlannedEntry& each : app.entries) told.paths.push_back(each.path);
         if (items[i].record->type == ApplicationType::App) continue;
         takeLeftovers(told,

@@ -76,6 +76,8 @@ void take(const UninstallParts& parts, ApplicationType type, RemovalForecast for
         if (app.refusal.empty()) app.refusal = forecast.refusal;
         if (const auto own = forecast.refusals.find(i); own != forecast.refusals.end())
             app.refusal = own->second;
+        if (const auto own = forecast.kept.find(i); own != forecast.kept.end())
+            app.stays = own->second;
         if (i < forecast.trash.size()) app.entries = entriesAt(*parts.files, forecast.trash[i]);
         refuseUnseen(app);
         for (const auto& along : forecast.along)
@@ -128,13 +130,16 @@ bool isNeverRemoved(const AppItems& app) {
 
 UninstallPlan planUninstall(const UninstallParts& parts, const AppItemsArray& ticked,
                             const AppItemsArray& all, const Waiting& waiting,
-                            bool areBundlesUnread) {
+                            const PlanDoubts& doubts) {
     UninstallPlan plan;
     std::map<ApplicationType, std::vector<std::size_t>> byType;
     for (const auto& each : ticked) {
         UninstallPlan::App& app = plan.apps.emplace_back();
         app.item = each;
-        if (isNeverRemoved(*each)) app.refusal = fmt::format("{} is never removed", each->name);
+        const auto doubt = doubts.refusals.find(plan.apps.size() - 1);
+        if (doubt != doubts.refusals.end()) app.refusal = doubt->second;
+        else if (isNeverRemoved(*each))
+            app.refusal = fmt::format("{} is never removed", each->name);
         else if (each->record->isOurs)
             app.refusal = fmt::format("{} is the program that runs", each->name);
         else if (each->record->type == ApplicationType::Folder)
@@ -146,7 +151,7 @@ UninstallPlan planUninstall(const UninstallParts& parts, const AppItemsArray& ti
         if (isBundle(*plan.apps[i].item) && plan.apps[i].refusal.empty()) {
             plan.apps[i].entries =
                 UninstallApp(*parts.files, parts.home, otherIdentifiers(plan, i, all), parts.root,
-                             areBundlesUnread)
+                             doubts.areBundlesUnread)
                     .planOf(*plan.apps[i].item);
             refuseUnseen(plan.apps[i]);
         }

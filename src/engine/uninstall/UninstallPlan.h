@@ -3,6 +3,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <string>
@@ -29,6 +30,7 @@ struct UninstallPlan {
         std::vector<PlannedEntry> entries;  ///< that go one by one, of a bundle itself the last;
                                             ///< none where its kind removes it
         std::vector<std::string> along;     ///< further packages that it takes along
+        std::vector<std::string> stays;     ///< settings for everybody, by path
         std::string refusal;                ///< why it stays; empty when it may go
     };
     std::vector<App> apps;
@@ -40,13 +42,19 @@ struct UninstallPlan {
     [[nodiscard]] bool hasWork() const;
 };
 
+/// What an inventory says of those that are asked about before anything is simulated.
+struct PlanDoubts {
+    std::map<std::size_t, std::string> refusals;  ///< why some of them stay, by number
+    bool areBundlesUnread = false;                ///< there may be bundles that nobody knows of
+};
+
 /// Simulates, all kinds at the same time. `all` are all that are installed: what another bundle's
 /// identifier claims goes with that bundle, or stays with it, and of copies with the last of them.
-/// A folder in which another application lies stays, and what could not be looked at. With
-/// `areBundlesUnread` bundles may be missing in `all`. Any thread.
+/// A folder in which another application lies stays, and what could not be looked at. What is
+/// refused beforehand is part of no simulation, so that nothing is promised for it. Any thread.
 [[nodiscard]] UninstallPlan planUninstall(const UninstallParts& parts, const AppItemsArray& ticked,
                                           const AppItemsArray& all, const Waiting& waiting,
-                                          bool areBundlesUnread = false);
+                                          const PlanDoubts& doubts = {});
 
 /// What the details sheet tells, with the size measured now; nothing for what can not be measured.
 [[nodiscard]] ApplicationDetails detailsOf(const UninstallParts& parts, const AppItems& app);

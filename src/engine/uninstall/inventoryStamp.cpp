@@ -4,28 +4,21 @@
 #include <fmt/format.h>
 
 #include <iterator>
+#include <utility>
 #include <vector>
 
+#include "platform/applications.h"
 #include "platform/files.h"
+#include "platform/paths.h"
 
 namespace orrinvale {
 
-std::string inventoryStamp(const FileSystem& files, const FolderVariables& variables) {
-    std::vector<std::string> places{"/Applications",
-                                    "/Network/Applications",
-                                    "/Developer/Applications",
-                                    "/var/lib/dpkg/status",
-                                    "/var/lib/flatpak/.changed",
-                                    "/var/lib/snapd/state.json",
-                                    "/snap",
-                                    "/opt",
-                                    "/usr/share/applications",
-                                    "/usr/local/share/applications"};
-    for (const char* below :
-         {"Applications", "AppImages", ".local/bin", ".local/opt", "Downloads", "Desktop"})
-        places.push_back(variables.home + '/' + below);
-    for (const char* below : {"flatpak/.changed", "applications"})
-        places.push_back(variables.dataHome + '/' + below);
+std::string inventoryStamp(const FileSystem& files, const std::string& home,
+                           const Applications* applications) {
+    std::vector<std::string> places{"/Applications", "/Network/Applications",
+                                    "/Developer/Applications", joinPath(home, "Applications")};
+    if (applications != nullptr)
+        for (std::string& each : applications->watched()) places.push_back(std::move(each));
     std::string stamp;
     for (const std::string& place : places) {
         const auto seen = files.attributes(FileSystem::noParent, place.c_str(), Links::Follow);

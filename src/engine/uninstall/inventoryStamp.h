@@ -3,15 +3,15 @@
 
 #include <string>
 
-#include "platform/FolderVariables.h"
-#include "platform/fileTypes.h"
-
 namespace orrinvale {
 
+class Applications;
 class FileSystem;
 
 /// Another text when any of the places that tell of installed applications has changed: some
-/// twenty looks. May wait for the disk of the home; any thread.
-[[nodiscard]] std::string inventoryStamp(const FileSystem& files, const FolderVariables& variables);
+/// twenty looks. `applications` has those of its kinds besides bundles, and may be null. May wait
+/// for the disk of the home; any thread.
+[[nodiscard]] std::string inventoryStamp(const FileSystem& files, const std::string& home,
+                                         const Applications* applications);
 
 }  // namespace orrinvale

@@ -154,8 +154,15 @@ std::vector<std::string> DebApplications::configurationOf(const DpkgDatabase& da
 }
 
 ApplicationDetails DebApplications::details(const ApplicationRecord& record) const {
+    std::shared_ptr<const void> reading;
+    return detailsOfNext(record, reading);
+}
+
+ApplicationDetails DebApplications::detailsOfNext(const ApplicationRecord& record,
+                                                  std::shared_ptr<const void>& reading) const {
     ApplicationDetails out;
-    const DpkgDatabase database(m_places.dpkg);
+    if (!reading) reading = std::make_shared<const DpkgDatabase>(m_places.dpkg);
+    const auto& database = *static_cast<const DpkgDatabase*>(reading.get());
     if (const DpkgPackage* const package = database.installed(record.package))
         out.bytes = package->installedSize;
     out.configuration = configurationOf(database, record);

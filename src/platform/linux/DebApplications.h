@@ -19,6 +19,8 @@ public:
     void list(std::vector<StartingEntry>& entries, ApplicationInventory& out) const override;
     /// The size is the one that the package says; within 5 % of what it takes, measured.
     [[nodiscard]] ApplicationDetails details(const ApplicationRecord& record) const override;
+    [[nodiscard]] ApplicationDetails detailsOfNext(
+        const ApplicationRecord& record, std::shared_ptr<const void>& reading) const override;
     /// One transaction for all. Refused is what people log in by, work on or ask for rights by,
     /// what the system needs, and a transaction that would do more than remove.
     [[nodiscard]] RemovalForecast forecast(const std::vector<ApplicationRecord>& records,

@@ -158,10 +158,8 @@ RemovalForecast DebApplications::forecast(const std::vector<ApplicationRecord>& 
     for (std::size_t i = 0; i < records.size(); ++i) {
         const ApplicationRecord& each = records[i];
         for (const std::string& name : each.others) out.along.push_back({i, name, {}});
-        const std::size_t files = configurationOf(database, each).size();
-        if (files != 0)
-            out.stays.push_back(fmt::format("Settings of {} for everybody stay: {} {} in /etc",
-                                            each.name, files, files == 1 ? "file" : "files"));
+        if (auto files = configurationOf(database, each); !files.empty())
+            out.kept[i] = std::move(files);
     }
     return out;
 }

@@ -210,7 +210,8 @@ RemovalForecast FlatpakApplications::forecast(const std::vector<ApplicationRecor
                 "It is installed in {}, from where flatpak itself removes", each.installation);
         out.asksForRight |= !each.isPersons;
         out.promised.push_back(each.installation + ' ' + each.ref);
-        out.stays.push_back(fmt::format("What {} keeps in the home stays", each.name));
+        out.stays.push_back(
+            fmt::format("What {} keeps in the home stays where it is not ticked", each.name));
     }
     return out;
 }

@@ -52,6 +52,17 @@ ApplicationInventory LinuxApplications::look(const KindNews& news) const {
     return out;
 }
 
+std::vector<std::string> LinuxApplications::watched() const {
+    std::vector<std::string> out{joinPath(m_places.dpkg, "status"), "/var/lib/snapd/state.json",
+                                 m_places.snapFolder};
+    for (const std::string& each : m_places.flatpaks) out.push_back(joinPath(each, ".changed"));
+    for (const std::string& each : m_places.dataFolders)
+        out.push_back(joinPath(each, "applications"));
+    for (const auto* const folders : {&m_places.appImageFolders, &m_places.folderHolders})
+        out.insert(out.end(), folders->begin(), folders->end());
+    return out;
+}
+
 const ApplicationKind* LinuxApplications::kind(ApplicationType type) const {
     const auto found = std::find_if(m_kinds.begin(), m_kinds.end(),
                                     [&](const auto& each) { return each->type() == type; });

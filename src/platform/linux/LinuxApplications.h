@@ -16,6 +16,7 @@ public:
     explicit LinuxApplications(ApplicationPlaces places = ApplicationPlaces::ofThisMachine());
 
     [[nodiscard]] ApplicationInventory look(const KindNews& news) const override;
+    [[nodiscard]] std::vector<std::string> watched() const override;
     [[nodiscard]] const ApplicationKind* kind(ApplicationType type) const override;
     [[nodiscard]] std::vector<RunState> running(
         const std::vector<const ApplicationRecord*>& records) const override;

@@ -63,9 +63,17 @@ void SnapApplications::list(std::vector<StartingEntry>& entries,
 }
 
 ApplicationDetails SnapApplications::details(const ApplicationRecord& record) const {
+    std::shared_ptr<const void> reading;
+    return detailsOfNext(record, reading);
+}
+
+ApplicationDetails SnapApplications::detailsOfNext(const ApplicationRecord& record,
+                                                   std::shared_ptr<const void>& reading) const {
+    using Snaps = std::vector<SnapFacts>;
     ApplicationDetails out;
-    const auto snaps = m_service.snaps();
-    for (const SnapFacts& facts : snaps ? *snaps : std::vector<SnapFacts>())
+    // One that keeps silent is not asked again for each of them.
+    if (!reading) reading = std::make_shared<const Snaps>(m_service.snaps().value_or(Snaps()));
+    for (const SnapFacts& facts : *static_cast<const Snaps*>(reading.get()))
         if (facts.name == record.id && facts.size != 0) out.bytes = facts.size;
     out.lastUse = lastReadAt(joinPath(record.path, "current/meta/snap.yaml"));
     return out;

@@ -16,6 +16,8 @@ public:
     [[nodiscard]] ApplicationType type() const override { return ApplicationType::Snap; }
     void list(std::vector<StartingEntry>& entries, ApplicationInventory& out) const override;
     [[nodiscard]] ApplicationDetails details(const ApplicationRecord& record) const override;
+    [[nodiscard]] ApplicationDetails detailsOfNext(
+        const ApplicationRecord& record, std::shared_ptr<const void>& reading) const override;
     [[nodiscard]] RemovalForecast forecast(const std::vector<ApplicationRecord>& records,
                                            const Waiting& waiting) const override;
     /// Gone is what the service does not list any more. Stopped is a removal that the service takes

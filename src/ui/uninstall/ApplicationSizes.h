@@ -15,7 +15,8 @@ namespace orrinvale {
 class ApplicationSizes final : public QObject {
     Q_OBJECT
 public:
-    /// Asked on a thread aside; a raised flag ends it early, and what it then says is dropped.
+    /// Asked on a thread aside; a raised flag ends it early, and what it then says is dropped. Each
+    /// pass over the applications asks a copy of its own, which may keep what it has read.
     using Measure = std::function<ApplicationDetails(const ApplicationRecord& record,
                                                      const std::atomic<bool>& stop)>;
 

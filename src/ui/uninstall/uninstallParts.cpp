@@ -1,5 +1,7 @@
 #include "ui/uninstall/uninstallParts.h"
 
+#include <map>
+#include <memory>
 #include <utility>
 
 #include "engine/cleaning/FolderUtilities.h"
@@ -15,11 +17,14 @@
 namespace orrinvale {
 namespace {
 
+// What the kinds have read for one pass of measuring.
+using Readings = std::map<ApplicationType, std::shared_ptr<const void>>;
+
 ApplicationDetails measured(const ApplicationSources& sources, const ApplicationRecord& record,
-                            const std::atomic<bool>& stop) {
+                            Readings& readings, const std::atomic<bool>& stop) {
     ApplicationDetails details;
     if (const ApplicationKind* const kind = sources.applications->kind(record.type))
-        details = kind->details(record);
+        details = kind->detailsOfNext(record, readings[record.type]);
     if (details.bytes || record.path.empty() || stop) return details;
     const std::uint64_t bytes = sources.utilities->sizeOfItemAtPath(record.path, {.stop = &stop});
     if (bytes != 0) details.bytes = bytes;
@@ -55,10 +60,14 @@ UninstallPageParts uninstallPartsOf(const ApplicationSources& sources) {
                                           sources.applications);
         return std::move(UninstallAppInfo(search, news).allAppsInfo());
     };
-    parts.measure = [sources](const ApplicationRecord& record, const std::atomic<bool>& stop) {
-        return measured(sources, record, stop);
+    // Each pass works with a copy of its own, which has read nothing yet.
+    parts.measure = [sources, readings = Readings()](const ApplicationRecord& record,
+                                                     const std::atomic<bool>& stop) mutable {
+        return measured(sources, record, readings, stop);
     };
-    parts.stamp = [sources] { return inventoryStamp(*sources.files, sources.variables); };
+    parts.stamp = [sources] {
+        return inventoryStamp(*sources.files, sources.variables.home, sources.applications);
+    };
     parts.work = workOf(sources);
     parts.freeSpace = settledFreeSpace;
     parts.disks = {"/", sources.variables.home};

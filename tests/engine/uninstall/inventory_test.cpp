@@ -1,5 +1,6 @@
 // The search for bundles, and the records that it makes.
 #include "engine/uninstall/UninstallAppInfo.h"
+#include "engine/uninstall/inventoryStamp.h"
 #include "platform/linux/LinuxApplications.h"
 #include "support/MadeUpMachine.h"
 #include "support/test.h"
@@ -42,6 +43,23 @@ TEST(Inventory, FindsBundlesInTheFourPlacesAndReadsTheirLists) {
         {"NoList", "nil nil NO"},          {"Large", "nil nil NO"},
         {"Near", "com.apple 1.0 NO"},      {"Linked", "com.apple 1.0 NO"}};
     EXPECT_EQ(found, expected);
+}
+
+TEST(Inventory, ItsStampIsAnotherWhereverSomethingIsInstalled) {
+    testing::MadeUpMachine machine;
+    machine.places.flatpaks.push_back(machine.tree.at("disk/flatpak"));
+    const LinuxFileSystem files;
+    const LinuxApplications applications(machine.places);
+    const auto stamp = [&] { return inventoryStamp(files, machine.places.home, &applications); };
+    for (const char* const added :
+         {"home/.local/share/applications/x.desktop", "home/.local/share/flatpak/.changed",
+          "disk/flatpak/.changed", "usr/share/applications/x.desktop", "dpkg/status",
+          "home/Downloads/x.AppImage", "home/Applications/x.app", "opt/game"}) {
+        const std::string before = stamp();
+        (void)machine.tree.write(added, "1");
+        EXPECT_NE(stamp(), before) << added;
+        EXPECT_EQ(stamp(), stamp());
+    }
 }
 
 TEST(Inventory, TellsWhatItHasAfterEachKind) {

@@ -125,32 +125,75 @@ TEST_F(Planned, AForecastThatIsCutOffOrGetsNoThreadSaysSo) {
               "what would go along could not be found out");
 }
 
-// One snap, which goes whatever is asked.
-struct OneSnap final : Applications, ApplicationKind {
-    ApplicationType type() const override { return ApplicationType::Snap; }
+// One kind, whose service removes whatever is asked.
+struct OneKind final : Applications, ApplicationKind {
+    OneKind(ApplicationType type, const Strings& names) : kindType(type) {
+        for (const std::string& name : names) {
+            ApplicationRecord& record = there.records.emplace_back();
+            record.type = type;
+            record.id = record.name = name;
+        }
+    }
+    ApplicationType type() const override { return kindType; }
     void list(std::vector<StartingEntry>&, ApplicationInventory&) const override {}
     ApplicationDetails details(const ApplicationRecord&) const override { return {}; }
-    RemovalForecast forecast(const std::vector<ApplicationRecord>&, const Waiting&) const override {
-        return {};
-    }
-    ApplicationInventory look(const KindNews&) const override {
-        ApplicationRecord code;
-        code.type = ApplicationType::Snap;
-        code.id = code.name = "code";
-        ApplicationInventory out;
-        out.records = {code};
+    RemovalForecast forecast(const std::vector<ApplicationRecord>& records,
+                             const Waiting&) const override {
+        RemovalForecast out;
+        for (const ApplicationRecord& each : records) out.promised.push_back(each.id);
+        out.kept[0] = {"/etc/of-the-first"};
         return out;
     }
+    ApplicationInventory look(const KindNews&) const override { return there; }
     const ApplicationKind* kind(ApplicationType) const override { return this; }
     std::vector<RunState> running(const std::vector<const ApplicationRecord*>& of) const override {
         return std::vector<RunState>(of.size());
     }
+    ApplicationType kindType;
+    ApplicationInventory there;
 };
+
+TEST_F(Planned, NothingIsPromisedForWhatStays) {
+    OneKind debs(ApplicationType::Deb, {"other", "tool"});
+    parts.applications = &debs;
+    PlannedUninstallWork planned(parts, {}, UninstallDoors::usual(parts), nullptr, nullptr);
+    UninstallAppInfo info(UninstallAppDelegate(files, parts.home, &debs, parts.root));
+    const std::vector<AppItems> items{*info.allAppsInfo()[0], *info.allAppsInfo()[1]};
+    const std::vector<ApplicationRecord> before = debs.there.records;
+    auto updated = before;
+    updated[0].version = "2";
+    const std::string other = "not installed any more as it was listed";
+    const struct {
+        std::vector<ApplicationRecord> records;
+        std::string unread;
+        Strings refusals, promised;
+        bool isListOld;
+    } cases[] = {
+        {before, "", {"", ""}, {"other", "tool"}, false},
+        {updated, "", {other, ""}, {"tool"}, true},
+        {{before[1]}, "", {other, ""}, {"tool"}, true},
+        {{}, "no word", {"no word", "no word"}, {}, false},
+    };
+    for (const auto& each : cases) {
+        debs.there.records = each.records;
+        debs.there.unread.clear();
+        if (!each.unread.empty()) debs.there.unread[ApplicationType::Deb] = each.unread;
+        const UninstallOutlook outlook = planned.forecast(items, never);
+        EXPECT_EQ((Strings{outlook.apps[0].refusal, outlook.apps[1].refusal}), each.refusals);
+        const auto& forecasts = outlook.plan->forecasts;
+        const auto found = forecasts.find(ApplicationType::Deb);
+        EXPECT_EQ(found == forecasts.end() ? Strings() : found->second.promised, each.promised);
+        EXPECT_EQ(outlook.isListOld, each.isListOld);
+        for (std::size_t i = 0; i < items.size(); ++i)
+            EXPECT_EQ(outlook.apps[i].stays.size(),
+                      !each.promised.empty() && items[i].record->id == each.promised[0] ? 1U : 0U);
+    }
+}
 
 TEST_F(Planned, WhatTheSnapServiceTakesIsNoOnesToTick) {
     tree.write("home/snap/code/common/x", "1");
     tree.write("home/.config/code/x", "1");
-    const OneSnap snaps;
+    const OneKind snaps(ApplicationType::Snap, {"code"});
     parts.applications = &snaps;
     PlannedUninstallWork planned(
         parts, LeftoverPlaces{{tree.at("home/.config")}, {}, tree.at("home/snap"), {}},

@@ -66,7 +66,7 @@ struct MadeUpWork final : UninstallWork {
         UninstallPlan plan;
         for (const AppItems& each : items) {
             out.apps.push_back(forecasts[each.name]);
-            plan.apps.push_back({std::make_shared<AppItems>(each), {}, {}, {}});
+            plan.apps.push_back({std::make_shared<AppItems>(each), {}, {}, {}, {}});
             plan.apps.back().refusal = forecasts[each.name].refusal;
         }
         out.isListOld = isListOld;

@@ -174,12 +174,10 @@ constexpr std::array beginnings{
 // again.
 constexpr std::array sentences{
     QT_TRANSLATE_NOOP("Reason", "%1 stays: %2 is a link to it"),
-    QT_TRANSLATE_NOOP("Reason", "Settings of %1 for everybody stay: %2 file in /etc"),
-    QT_TRANSLATE_NOOP("Reason", "Settings of %1 for everybody stay: %2 files in /etc"),
     QT_TRANSLATE_NOOP(
         "Reason",
         "The data of %1 are kept in a snapshot for 31 days, unless snapshots are switched off"),
-    QT_TRANSLATE_NOOP("Reason", "What %1 keeps in the home stays"),
+    QT_TRANSLATE_NOOP("Reason", "What %1 keeps in the home stays where it is not ticked"),
     QT_TRANSLATE_NOOP("Reason", "The installation of flatpak in %1 can not be read"),
     QT_TRANSLATE_NOOP("Reason", "It is installed in %1, from where flatpak itself removes"),
     QT_TRANSLATE_NOOP("Reason", "Files of the package %1 go only with that package"),
