@@ -109,7 +109,7 @@ bool isWordByte(char c) {
 // Within a longer word it is another word.
 void replaceWord(std::string& line, std::string_view word, std::string_view by) {
     if (word.empty()) return;
-    for (std::size_t at = line.find(word); at != line.npos; at = line.find(word, at)) {
+    for (std::size_t at = line.find(word); at != std::string::npos; at = line.find(word, at)) {
         const std::size_t end = at + word.size();
         const bool isWhole = (at == 0 || !isWordByte(line[at - 1]) || !isWordByte(word.front())) &&
                              (end == line.size() || !isWordByte(line[end]));

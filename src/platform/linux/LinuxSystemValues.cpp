@@ -19,7 +19,7 @@ constexpr std::size_t processorLimit = 64 * 1024;  // far above what tells of th
 SysResult<std::string> toldIn(std::string_view text) {
     constexpr std::string_view edges(" \t\n\0", 4);
     const std::size_t first = text.find_first_not_of(edges);
-    if (first == text.npos) return tl::unexpected(ENOENT);
+    if (first == std::string_view::npos) return tl::unexpected(ENOENT);
     return std::string(text.substr(first, text.find_last_not_of(edges) + 1 - first));
 }
 
@@ -73,7 +73,7 @@ SysResult<std::string> LinuxSystemValues::processorLine(std::string_view name) c
         const std::string_view line = rest.substr(0, rest.find('\n'));
         rest.remove_prefix(std::min(line.size() + 1, rest.size()));
         const std::size_t colon = line.find(':');
-        if (!line.starts_with(name) || colon == line.npos) continue;
+        if (!line.starts_with(name) || colon == std::string_view::npos) continue;
         if (toldIn(line.substr(0, colon)) == name) return toldIn(line.substr(colon + 1));
     }
     return tl::unexpected(ENOENT);
