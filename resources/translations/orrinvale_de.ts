@@ -2062,6 +2062,22 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>A report to copy, without any names of yours</source>
         <translation>Ein Bericht zum Kopieren, ohne Namen von Ihnen</translation>
     </message>
+    <message>
+        <source>Eject all volumes?</source>
+        <translation>Alle Datenträger auswerfen?</translation>
+    </message>
+    <message>
+        <source>What can be ejected is unmounted and given back.</source>
+        <translation>Was sich auswerfen lässt, wird ausgehängt und freigegeben.</translation>
+    </message>
+    <message>
+        <source>Eject All</source>
+        <translation>Alle auswerfen</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::AppPrefsWindowController</name>

@@ -28,8 +28,8 @@ void beginProgramLog(const SystemValues& system, Volumes& volumes) {
 }
 
 void keepLogFile(bool isWanted) {
-    if (isWanted == MacLog::openLogFile().has_value()) return;
     if (!isWanted) return MacLog::closeLogFile();
+    if (MacLog::openLogFile()) return;
     if (const auto opened = MacLog::setLogFile(logFileName); !opened)
         Log::line(fmt::format("There is no log file: {}: {}", opened.error().path,
                               opened.error().reason()));

@@ -1,5 +1,4 @@
-// Names are replaced in what the lines are made of, and once more in the lines, so that none comes
-// through in a place where nobody expects it.
+// Names are replaced in what the lines are made of, so that what the report calls things stays.
 #include "engine/diagnostics/ComputerReport.h"
 
 #include <fmt/format.h>
@@ -106,10 +105,19 @@ bool isWordByte(char c) {
            static_cast<unsigned char>(c) >= 0x80;
 }
 
+char smallLetter(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
 // Within a longer word it is another word.
 void replaceWord(std::string& line, std::string_view word, std::string_view by) {
     if (word.empty()) return;
-    for (std::size_t at = line.find(word); at != std::string::npos; at = line.find(word, at)) {
+    const auto find = [&](std::size_t from) {
+        const auto found = std::ranges::search(
+            line.begin() + static_cast<std::ptrdiff_t>(from), line.end(), word.begin(), word.end(),
+            [](char one, char other) { return smallLetter(one) == smallLetter(other); });
+        return found.empty() ? std::string::npos
+                             : static_cast<std::size_t>(found.begin() - line.begin());
+    };
+    for (std::size_t at = find(0); at != std::string::npos; at = find(at)) {
         const std::size_t end = at + word.size();
         const bool isWhole = (at == 0 || !isWordByte(line[at - 1]) || !isWordByte(word.front())) &&
                              (end == line.size() || !isWordByte(line[end]));
@@ -118,18 +126,20 @@ void replaceWord(std::string& line, std::string_view word, std::string_view by) 
     }
 }
 
-/// The host is replaced as a value, whatever else bears its name.
-class WithoutHost final : public SystemValues {
+/// The values alone are gone through, and not what the report calls them.
+class WithoutNames final : public SystemValues {
 public:
-    explicit WithoutHost(const SystemValues& system) : m_system(system) {}
+    WithoutNames(const SystemValues& system, const ReportNames& names)
+        : m_system(system), m_names(names) {}
     [[nodiscard]] SysResult<std::string> sysctlbyname(std::string_view name) const override {
         auto value = m_system.sysctlbyname(name);
-        if (value && name == "kern.hostname") *value = "HOST";
-        return value;
+        if (!value || name == memorySizeName) return value;
+        return name == "kern.hostname" ? "HOST" : withoutNames(*std::move(value), m_names);
     }
 
 private:
     const SystemValues& m_system;
+    const ReportNames& m_names;
 };
 
 }  // namespace
@@ -145,7 +155,8 @@ std::vector<std::string> computerReportWithoutNames(const SystemValues& system, 
                                                     const ReportNames& names,
                                                     std::vector<std::string> further) {
     std::vector<std::string> lines = std::move(further);
-    addHardware(lines, WithoutHost(system));
+    for (std::string& line : lines) line = withoutNames(std::move(line), names);
+    addHardware(lines, WithoutNames(system, names));
     int number = 0;
     addVolumes(lines, volumes, [&](IndexedVolume& volume, GetVolParmsInfoBuffer& parms) {
         const std::string called = fmt::format("VOLUME {}", ++number);
@@ -153,7 +164,6 @@ std::vector<std::string> computerReportWithoutNames(const SystemValues& system, 
         volume.name = called;
         parms.vMServerAdr = parms.vMServerAdr == 0 ? 0 : 1;  // made from the server's name
     });
-    for (std::string& line : lines) line = withoutNames(std::move(line), names);
     return lines;
 }
 

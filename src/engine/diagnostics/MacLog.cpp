@@ -43,6 +43,7 @@ void writeWithTime(std::string_view line) {
     std::string_view rest = out;
     while (!rest.empty()) {
         const ssize_t count = ::write(STDERR_FILENO, rest.data(), rest.size());
+        if (count < 0 && errno == EINTR) continue;
         if (count <= 0) return;
         rest.remove_prefix(static_cast<std::size_t>(count));
     }
@@ -115,6 +116,7 @@ void MacLog::logComInfo() {
 void MacLog::closeLogFile() {
     {
         const std::lock_guard guard(openLog().mutex);
+        openLog().failure.reset();
         if (openLog().path.empty()) return;
         openLog().path.clear();
     }

@@ -39,7 +39,7 @@ public:
     static void logSysInfo(const std::string& path);
     static void logComInfo();
 
-    /// Standard error is again what it was.
+    /// Standard error is again what it was, and no failure is told any more.
     static void closeLogFile();
 
     /// The open log's path; none where there is none.

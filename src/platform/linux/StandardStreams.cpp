@@ -49,15 +49,18 @@ ErrorStream standardErrorGoesTo() {
                                                                      : ErrorStream::Other;
 }
 
+// Outside of the lock, which is taken where the window asks who has the stream.
 SysResult<void> appendStandardErrorTo(const std::string& path) {
-    const std::lock_guard guard(s_streamMutex);
-    if (s_streamBefore.isOpen()) return tl::unexpected(EBUSY);
+    struct stat seen {};
+    if (::lstat(path.c_str(), &seen) == 0 && S_ISFIFO(seen.st_mode)) return tl::unexpected(EINVAL);
     // Neither a pipe without a reader nor a terminal holds us up.
     const Descriptor file(
         ::open(path.c_str(),
                O_RDWR | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0600));
     if (!file.isOpen()) return tl::unexpected(errno);
     if (const int fault = checkLogFile(file.get()); fault != 0) return tl::unexpected(fault);
+    const std::lock_guard guard(s_streamMutex);
+    if (s_streamBefore.isOpen()) return tl::unexpected(EBUSY);
     Descriptor before(::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
     if (!before.isOpen()) return tl::unexpected(errno);
     if (::dup2(file.get(), STDERR_FILENO) < 0) return tl::unexpected(errno);

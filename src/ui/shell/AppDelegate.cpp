@@ -193,7 +193,7 @@ void AppDelegate::perform(const StartRequest& request) {
     if (request.kind == StartRequest::Kind::Open) {
         searchFolder(request.text);
     } else if (request.isAction(startAction::ejectAll)) {
-        rejestAllDisk();
+        askToEjectAll();
     } else if (request.kind == StartRequest::Kind::Action &&
                !m_duplicateMWC->selectPage(request.text)) {
         Log::line(fmt::format("There is no action \"{}\".", request.text));

@@ -226,6 +226,7 @@ private:
     void showPageAlone(const QString& identifier);
     void refApplicationMenu();
     void refEjectAll();
+    void askToEjectAll();
     void ejectRow(const MenuItemView& row);
     void tellOfGuide();
     void ejectionEnded(std::int32_t status, const std::vector<EjectFailure>& failures);
@@ -263,7 +264,9 @@ private:
     std::uint64_t m_versionNote = 0;  // of the desktop; 0 is none
     HomeDisk m_homeDisk;
     QPointer<Sheet> m_computerSheet;
+    std::optional<bool> m_wantsLogFile;  // as it was last followed
     bool m_isKeepingLogFile = false;
+    bool m_isReporting = false;
     bool m_isOpenWindow = false;
     bool m_isAskingToGoOn = false;
     bool m_isLeaving = false;

@@ -3,6 +3,7 @@
 
 #include <QGuiApplication>
 #include <QLocale>
+#include <utility>
 
 #include "services/foundation/runAside.h"
 #include "ui/diagnostics/ComputerPanel.h"
@@ -57,32 +58,38 @@ void AppDelegate::showLog() {
 // A volume may take a while to answer.
 void AppDelegate::copyReport() {
     const DiagnosticParts& parts = m_parts.diagnostics;
-    if (parts.system == nullptr || parts.volumes == nullptr || m_isLeaving) return;
-    runAside(
+    if (parts.system == nullptr || parts.volumes == nullptr || m_isLeaving || m_isReporting) return;
+    m_isReporting = true;
+    const auto worker = runAside(
         this, "copyReport",
         [parts, further = linesAboutTheProgram()] {
             return computerReportWithoutNames(*parts.system, *parts.volumes, parts.names, further);
         },
         [this](const std::vector<std::string>& lines) {
+            m_isReporting = false;
             QStringList shown;
             for (const std::string& each : lines) shown += onOneLine(QString::fromStdString(each));
             showLineList(windowForWords(), tr("A report to copy, without any names of yours"),
                          shown);
         });
+    if (!worker) m_isReporting = false;
 }
 
 void AppDelegate::followLogFile() {
     const DiagnosticParts& parts = m_parts.diagnostics;
     if (!parts.keepLogFile || !parts.logState || m_isKeepingLogFile) return;
     const bool isWanted = wantsLogFile();
-    if (isWanted == parts.logState().file.has_value()) return;
+    // One that could not be had is tried again when somebody switches it, and not at each change of
+    // another setting.
+    if (std::exchange(m_wantsLogFile, isWanted) == isWanted) return;
     m_isKeepingLogFile = true;
-    runAside(
+    const auto worker = runAside(
         this, "keepLogFile", [keep = parts.keepLogFile, isWanted] { keep(isWanted); },
         [this, isWanted] {
             m_isKeepingLogFile = false;
             if (wantsLogFile() != isWanted) followLogFile();  // changed meanwhile
         });
+    if (!worker) m_isKeepingLogFile = false;
 }
 
 }  // namespace orrinvale

@@ -52,6 +52,19 @@ void AppDelegate::rejestAllDisk() {
         });
 }
 
+// From outside: any program of this person may ask for it, and only the person may mean it.
+void AppDelegate::askToEjectAll() {
+    Alert question;
+    question.title = tr("Eject all volumes?");
+    question.text = tr("What can be ejected is unmounted and given back.");
+    question.buttons = QStringList{tr("Eject All"), tr("Cancel")};
+    question.cancelButton = 1;
+    question.deafTime = std::chrono::milliseconds(700);
+    m_parts.pages.dialogs->alert(window(), question, [this](int button) {
+        if (button == 0) rejestAllDisk();
+    });
+}
+
 void AppDelegate::ejectionEnded(std::int32_t status, const std::vector<EjectFailure>& failures) {
     if (status < 0 && failures.empty()) {
         static_cast<void>(

@@ -88,7 +88,10 @@ TEST(ComputerReport, ForStrangersHasNoNames) {
         EXPECT_NE(all.find(kept), std::string::npos) << kept << " in\n" << all;
     // Names that are hardly any.
     EXPECT_EQ(withoutNames("a line at /", {"/", "", ""}), "a line at /");
-    EXPECT_EQ(withoutNames("a a1 b-a", {"", "a", ""}), "USER a1 b-USER");
+    EXPECT_EQ(withoutNames("a a1 b-a Desk", {"", "A", "desk"}), "USER a1 b-USER HOST");
+    const Strings called =
+        computerReportWithoutNames(system, volumes, {"", "machine", "Linux"}, {});
+    EXPECT_EQ(called[1] + called[6], "machine: x86_64os type: HOST") << "labels are nobody's names";
 }
 
 TEST(LinuxSystemValues, ReadsTheFilesOfTheKernel) {
