@@ -27,7 +27,7 @@ constexpr const char* help =
     "  --action NAME  duplicates, large-files, disk-usage, clean, uninstall, free-space, memory,\n"
     "                 login-items, preferences: show that page;\n"
     "                 fast-clean: show the window of Fast Clean, which waits for a click;\n"
-    "                 eject-all: eject what can be ejected; quit: end the running program\n"
+    "                 eject-all: ask whether to eject all volumes; quit: end the running program\n"
     "  --disk-usage FOLDER\n"
     "                 show what fills FOLDER\n"
     "  --at-login     said by the entry that starts the program at login; with \"Start hidden\" in "

@@ -139,6 +139,18 @@ TEST(AppDelegate, EjectAllTellsWhatStayed) {
     EXPECT_TRUE(on.isVisible()) << "a question needs a window";
 }
 
+TEST(AppDelegate, EjectingFromOutsideAsksFirst) {
+    Started on;
+    for (const int button : {1, 0}) {
+        on.dialogs.willAnswer(button);
+        on.delegate->perform({StartRequest::Kind::Action, "eject-all", ""});
+        QTest::qWait(20);
+        EXPECT_EQ(on.dialogs.alerts().back().title, QStringLiteral("Eject all volumes?"));
+        EXPECT_SOON(on.volumes.ejectedNumbers.size() == (button == 0 ? 1U : 0U));
+    }
+    EXPECT_SOON(!on.ejections.isEjectingAll());
+}
+
 TEST(AppDelegate, NothingToEjectIsNoFailure) {
     Launched on({FakeVolumes::volume(1, "System", "/", false)}, nullptr);
     on.delegate->applicationDidFinishLaunching();
