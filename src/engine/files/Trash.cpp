@@ -50,41 +50,50 @@ tl::expected<std::string, std::string> Trash::move(
 }
 
 tl::expected<std::string, std::string> Trash::move(const HeldEntry& held,
-                                                   const TrashFolder::LastLook& lastLook) const {
-    auto result = moveHeld(held, lastLook);
+                                                   const TrashFolder::LastLook& lastLook,
+                                                   OpenHome* open) const {
+    OpenHome ofThisOne;
+    auto result = moveHeld(held, lastLook, open != nullptr ? *open : ofThisOne);
     if (Log::isEnabled())
         Log::line(result ? fmt::format("Moved to the trash {} ({})", held.path, *result)
                          : fmt::format("Not moved to the trash {}: {}", held.path, result.error()));
     return result;
 }
 
-tl::expected<std::string, std::string> Trash::moveHeld(
-    const HeldEntry& held, const TrashFolder::LastLook& lastLook) const {
+tl::expected<std::string, std::string> Trash::moveHeld(const HeldEntry& held,
+                                                       const TrashFolder::LastLook& lastLook,
+                                                       OpenHome& open) const {
     const auto folder = m_files.placeOf(held.parent.get());
     if (!folder) return tl::unexpected(reasonOf(folder.error()));
     const std::string place = joinPath(*folder, held.name);
     std::string reason;
     // Moves it, unless this trash can not be had or is on another volume after all, as between
     // parts of one that count as volumes.
-    const auto take = [&](Found trash) -> std::optional<tl::expected<std::string, std::string>> {
-        if (!trash) {
-            if (reason.empty()) reason = trash.error();
-            return std::nullopt;
-        }
-        auto taken = trash->take(held, place, lastLook);
+    const auto takeTo =
+        [&](const TrashFolder& trash) -> std::optional<tl::expected<std::string, std::string>> {
+        auto taken = trash.take(held, place, lastLook);
         if (taken) return std::move(*taken);
         if (!taken.error().isElsewhere) return tl::unexpected(taken.error().reason);
         if (reason.empty()) reason = taken.error().reason;
         return std::nullopt;
     };
+    const auto take = [&](const Found& trash) {
+        if (trash) return takeTo(*trash);
+        if (reason.empty()) reason = trash.error();
+        return decltype(takeTo(*trash)){};
+    };
     if (const std::string home = homeTrash(); !home.empty() && isOnVolumeOf(held, home))
-        if (auto result = take(openHome())) return *result;
+        if (const TrashFolder* const trash = openHome(open, reason))
+            if (auto result = takeTo(*trash)) {
+                if (!*result) open.trash.reset();  // it may be another one by now
+                return *result;
+            }
     const auto root = rootOfVolume(held);
     if (!root) return tl::unexpected(reasonOf(root.error()));
     // Administrators make the shared one, and where it does not serve it says nothing about the
     // user's own. A shared one that is not safe is a thing for the administrator to know.
     if (auto shared = openShared(root->get()); shared) {
-        if (auto result = take(std::move(shared))) return *result;
+        if (auto result = take(shared)) return *result;
     } else if (m_files.attributes(root->get(), ".Trash", Links::Keep)) {
         Log::line(fmt::format("The shared trash on the volume of {} is not used: {}", held.path,
                               shared.error()));
@@ -195,6 +204,22 @@ Trash::Found Trash::openHome() const {
     if (!folder) return tl::unexpected(reasonOf(folder.error()));
     return TrashFolder::open(m_files, folder->get(), std::string(lastPathComponent(path)),
                              m_variables.user);
+}
+
+// Null, with the reason, where there is none.
+const TrashFolder* Trash::openHome(OpenHome& open, std::string& reason) const {
+    constexpr std::chrono::milliseconds trashesLast{100};
+    const auto now = std::chrono::steady_clock::now();
+    if (open.trash && now - open.opened < trashesLast) return &*open.trash;
+    open.trash.reset();
+    auto home = openHome();
+    if (!home) {
+        reason = home.error();
+        return nullptr;
+    }
+    open.trash.emplace(std::move(*home));
+    open.opened = now;
+    return &*open.trash;
 }
 
 // "$topdir/.Trash" is for all users only with the sticky bit; a link there may lead anywhere.

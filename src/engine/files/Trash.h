@@ -2,6 +2,7 @@
 // of them (version 1.0). TrashFolder is one such place.
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <tl/expected.hpp>
@@ -30,9 +31,18 @@ public:
     [[nodiscard]] tl::expected<std::string, std::string> move(
         const std::string& path, const std::optional<EntryIdentity>& expected = std::nullopt) const;
 
-    /// The same for an entry that is held already.
+    /// The trash of the home folder, open for many moves, and opened anew after a tenth of a
+    /// second. One thread.
+    struct OpenHome {
+        std::optional<TrashFolder> trash;
+        std::chrono::steady_clock::time_point opened;
+    };
+
+    /// The same for an entry that is held already. `open`, which may be null, serves entry after
+    /// entry.
     [[nodiscard]] tl::expected<std::string, std::string> move(
-        const HeldEntry& held, const TrashFolder::LastLook& lastLook = {}) const;
+        const HeldEntry& held, const TrashFolder::LastLook& lastLook = {},
+        OpenHome* open = nullptr) const;
 
     /// The trashes that entries of a folder go to, those that are there; nothing is made.
     [[nodiscard]] std::vector<TrashFolder> trashesOf(const std::string& folder) const;
@@ -45,13 +55,14 @@ private:
     using Found = tl::expected<TrashFolder, std::string>;
 
     [[nodiscard]] tl::expected<std::string, std::string> moveHeld(
-        const HeldEntry& held, const TrashFolder::LastLook& lastLook) const;
+        const HeldEntry& held, const TrashFolder::LastLook& lastLook, OpenHome& open) const;
     [[nodiscard]] std::string homeTrash() const;
     [[nodiscard]] bool isOnVolumeOf(const HeldEntry& held, std::string folder) const;
     [[nodiscard]] SysResult<Descriptor> rootOfVolume(const HeldEntry& held) const;
     [[nodiscard]] std::optional<std::string> objectionToHome(std::string folder) const;
     [[nodiscard]] std::optional<std::string> objectionToVolume(int root) const;
     [[nodiscard]] Found openHome() const;
+    [[nodiscard]] const TrashFolder* openHome(OpenHome& open, std::string& reason) const;
     [[nodiscard]] Found openShared(int root) const;
     [[nodiscard]] Found openOwn(int root) const;
 

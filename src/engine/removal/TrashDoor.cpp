@@ -47,18 +47,21 @@ RemovalResult TrashDoor::remove(const LeavingEntry& entry, const std::atomic<boo
 }
 
 // What was moved has a new time of change, and so have the file's other names.
-void TrashDoor::move(const HeldEntry& held, CopyLook* look, RemovalResult& result) const {
+void TrashDoor::move(const HeldEntry& held, CopyLook* look, RemovalResult& result) {
     std::optional<std::int64_t> changed;
-    const auto moved = m_trash.move(held, [&](const FileAttributes& now) {
-        if (now.links > 1) changed = now.changed;
-        auto kept = look != nullptr ? look->kept() : std::nullopt;
-        if (!kept) return std::optional<std::string>();
-        const EntryIdentity& other = kept->identity;
-        if (other.device == now.device && other.inode == now.inode)
-            kept->identity.changed = now.changed;
-        const auto why = objectionToCopyInPlace(m_files, held, *kept);
-        return why ? std::optional(why->reason) : std::nullopt;
-    });
+    const auto moved = m_trash.move(
+        held,
+        [&](const FileAttributes& now) {
+            if (now.links > 1) changed = now.changed;
+            auto kept = look != nullptr ? look->kept() : std::nullopt;
+            if (!kept) return std::optional<std::string>();
+            const EntryIdentity& other = kept->identity;
+            if (other.device == now.device && other.inode == now.inode)
+                kept->identity.changed = now.changed;
+            const auto why = objectionToCopyInPlace(m_files, held, *kept);
+            return why ? std::optional(why->reason) : std::nullopt;
+        },
+        &m_home);
     result.gone = moved.has_value() || isAbsent(held.path);
     result.removed = moved ? 1 : 0;
     result.byOthers = result.gone && !moved;

@@ -27,12 +27,13 @@ public:
 
 private:
     [[nodiscard]] bool isAbsent(const std::string& path) const;
-    void move(const HeldEntry& held, CopyLook* look, RemovalResult& result) const;
+    void move(const HeldEntry& held, CopyLook* look, RemovalResult& result);
 
     const FileSystem& m_files;
     const ProtectedPlaces m_places;
     const Trash m_trash;
     HeldParents m_parents;
+    Trash::OpenHome m_home;
 };
 
 }  // namespace orrinvale
