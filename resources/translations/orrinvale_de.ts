@@ -1739,6 +1739,42 @@
         <source>in a protected folder</source>
         <translation>in einem geschützten Ordner</translation>
     </message>
+    <message>
+        <source>a pattern needs a character</source>
+        <translation>ein Muster braucht ein Zeichen</translation>
+    </message>
+    <message>
+        <source>the pattern is too long</source>
+        <translation>das Muster ist zu lang</translation>
+    </message>
+    <message>
+        <source>a name can not hold this character</source>
+        <translation>ein Name kann dieses Zeichen nicht enthalten</translation>
+    </message>
+    <message>
+        <source>nothing follows this backslash</source>
+        <translation>auf diesen Rückstrich folgt nichts</translation>
+    </message>
+    <message>
+        <source>two slashes in a row</source>
+        <translation>zwei Schrägstriche hintereinander</translation>
+    </message>
+    <message>
+        <source>no ] closes this [</source>
+        <translation>kein ] schließt dieses [</translation>
+    </message>
+    <message>
+        <source>a set can not hold a slash</source>
+        <translation>eine Menge kann keinen Schrägstrich enthalten</translation>
+    </message>
+    <message>
+        <source>this set runs backwards</source>
+        <translation>diese Menge läuft rückwärts</translation>
+    </message>
+    <message>
+        <source>a pattern can not climb</source>
+        <translation>ein Muster kann nicht aufwärts führen</translation>
+    </message>
 </context>
 <context>
     <name>Removal</name>
@@ -1903,6 +1939,18 @@
     <message>
         <source>Choose which copy of each group stays, and tick all others</source>
         <translation>Wählen, welche Kopie jeder Gruppe bleibt, und alle anderen ankreuzen</translation>
+    </message>
+    <message>
+        <source>Several Folders…</source>
+        <translation>Mehrere Ordner …</translation>
+    </message>
+    <message>
+        <source>Search several folders as one, protect some, leave things out</source>
+        <translation>Mehrere Ordner als einen durchsuchen, manche schützen, anderes auslassen</translation>
+    </message>
+    <message>
+        <source>Keep ▾</source>
+        <translation>Behalten ▾</translation>
     </message>
 </context>
 <context>
@@ -3310,15 +3358,15 @@ Freie Software unter der Apache License 2.0.</translation>
     <message numerus="yes">
         <source>selected %n files in All</source>
         <translation>
-            <numerusform>insgesamt %n Datei ausgewählt</numerusform>
-            <numerusform>insgesamt %n Dateien ausgewählt</numerusform>
+            <numerusform>insgesamt %n ausgewählt</numerusform>
+            <numerusform>insgesamt %n ausgewählt</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>selected %n file in All</source>
         <translation>
-            <numerusform>insgesamt %n Datei ausgewählt</numerusform>
-            <numerusform>insgesamt %n Dateien ausgewählt</numerusform>
+            <numerusform>insgesamt %n ausgewählt</numerusform>
+            <numerusform>insgesamt %n ausgewählt</numerusform>
         </translation>
     </message>
     <message numerus="yes">
@@ -3466,6 +3514,25 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>Remove %1 · %2</source>
         <translation>%1 entfernen · %2</translation>
     </message>
+    <message>
+        <source>Could not be saved: %1</source>
+        <translation>Konnte nicht gespeichert werden: %1</translation>
+    </message>
+    <message>
+        <source>%1 is %2 and was searched once</source>
+        <translation>%1 ist %2 und wurde einmal durchsucht</translation>
+    </message>
+    <message>
+        <source>%1 lies in %2 and was searched once</source>
+        <translation>%1 liegt in %2 und wurde einmal durchsucht</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n folders</source>
+        <translation>
+            <numerusform>%n Ordner</numerusform>
+            <numerusform>%n Ordnern</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::ScanListModel</name>
@@ -3492,6 +3559,113 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Came back since it was last cleaned</source>
         <translation>Seit dem letzten Aufräumen zurückgekommen</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::ScopePanel</name>
+    <message>
+        <source>Search several folders</source>
+        <translation>Mehrere Ordner durchsuchen</translation>
+    </message>
+    <message>
+        <source>They are searched as one. What lies in a protected folder is compared, and never ticked or removed.</source>
+        <translation>Sie werden als einer durchsucht. Was in einem geschützten Ordner liegt, wird verglichen, aber nie angekreuzt oder entfernt.</translation>
+    </message>
+    <message>
+        <source>Folders</source>
+        <translation>Ordner</translation>
+    </message>
+    <message>
+        <source>Add Folder…</source>
+        <translation>Ordner hinzufügen …</translation>
+    </message>
+    <message>
+        <source>Names or paths, separated by semicolons: * for any characters, ? for one, a slash at the end for folders</source>
+        <translation>Namen oder Pfade, durch Strichpunkte getrennt: * für beliebige Zeichen, ? für eines, ein Schrägstrich am Ende für Ordner</translation>
+    </message>
+    <message>
+        <source>At most:</source>
+        <translation>Höchstens:</translation>
+    </message>
+    <message>
+        <source>Heed files named %1</source>
+        <translation>Dateien namens %1 beachten</translation>
+    </message>
+    <message>
+        <source>Such a file names in each line what is left out of its folder</source>
+        <translation>Eine solche Datei nennt in jeder Zeile, was in ihrem Ordner ausgelassen wird</translation>
+    </message>
+    <message>
+        <source>Leave out:</source>
+        <translation>Auslassen:</translation>
+    </message>
+    <message>
+        <source>At least:</source>
+        <translation>Mindestens:</translation>
+    </message>
+    <message>
+        <source>Kinds:</source>
+        <translation>Arten:</translation>
+    </message>
+    <message>
+        <source>Name to save it under</source>
+        <translation>Name, unter dem sie gespeichert wird</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>Sichern</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <translation>Suchen</translation>
+    </message>
+    <message>
+        <source>Protected</source>
+        <translation>Geschützt</translation>
+    </message>
+    <message>
+        <source>Take this folder out</source>
+        <translation>Diesen Ordner herausnehmen</translation>
+    </message>
+    <message>
+        <source>“%1” is no size: write 10 MB, 4 KiB or a number of bytes</source>
+        <translation>„%1“ ist keine Größe: Schreiben Sie 10 MB, 4 KiB oder eine Zahl von Bytes</translation>
+    </message>
+    <message>
+        <source>Choose a kind</source>
+        <translation>Wählen Sie eine Art</translation>
+    </message>
+    <message>
+        <source>The smallest size is larger than the largest</source>
+        <translation>Die kleinste Größe ist größer als die größte</translation>
+    </message>
+    <message>
+        <source>“%1”, character %2: %3</source>
+        <translation>„%1“, Zeichen %2: %3</translation>
+    </message>
+    <message>
+        <source>Add a folder first</source>
+        <translation>Fügen Sie zuerst einen Ordner hinzu</translation>
+    </message>
+    <message>
+        <source>All folders are protected</source>
+        <translation>Alle Ordner sind geschützt</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>Alle vergessen</translation>
+    </message>
+    <message>
+        <source>Saved Searches ▾</source>
+        <translation>Gespeicherte Suchen ▾</translation>
     </message>
 </context>
 <context>

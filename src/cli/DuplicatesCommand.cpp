@@ -13,9 +13,9 @@
 #include "cli/Output.h"
 #include "cli/PlanWriting.h"
 #include "cli/SearchWatch.h"
-#include "cli/SizeText.h"
 #include "engine/duplicates/DuplicateFilesOpt.h"
 #include "engine/duplicates/plan/PlanFile.h"
+#include "engine/text/SizeText.h"
 #include "engine/text/UtilityFunction.h"
 
 namespace orrinvale::cli {

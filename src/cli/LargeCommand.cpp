@@ -9,8 +9,8 @@
 #include "cli/LargeReport.h"
 #include "cli/Output.h"
 #include "cli/SearchWatch.h"
-#include "cli/SizeText.h"
 #include "engine/largefiles/EumeRoot.h"
+#include "engine/text/SizeText.h"
 
 namespace orrinvale::cli {
 namespace {

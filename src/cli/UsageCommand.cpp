@@ -8,9 +8,9 @@
 
 #include "cli/Output.h"
 #include "cli/SearchWatch.h"
-#include "cli/SizeText.h"
 #include "cli/UsageReport.h"
 #include "engine/diskusage/DiskUsageScan.h"
+#include "engine/text/SizeText.h"
 
 namespace orrinvale::cli {
 namespace {

@@ -5,6 +5,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QLabel>
+#include <QMenu>
 #include <QTreeView>
 #include <cerrno>
 #include <cstdio>
@@ -17,11 +18,14 @@
 #include "gallery/drawing.h"
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/duplicates/DuplicationLeftCell.h"
+#include "ui/duplicates/ScopePanel.h"
 #include "ui/kit/chrome/AnimationHoverImageView.h"
 #include "ui/kit/chrome/TCImageWindow.h"
+#include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/controls/DragView.h"
 #include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/dialogs/Sheet.h"
+#include "ui/kit/lists/TickBox.h"
 #include "ui/kit/look/picture.h"
 #include "ui/shell/DuplicateMainWindowController.h"
 
@@ -47,9 +51,9 @@ DuplicateScenes::DuplicateScenes(const SampleFolder& sample, UserDefaults& defau
 }
 
 bool DuplicateScenes::draw() {
-    return drawFirstView() && drawSearch() && drawResult() && drawKeyboard() && drawQuestion() &&
-           drawLargeWindow() && drawPreview() && drawRemoval() && drawFailures() &&
-           drawEmptyResult();
+    return drawFirstView() && drawScope() && drawSearch() && drawResult() && drawKeep() &&
+           drawKeyboard() && drawQuestion() && drawLargeWindow() && drawPreview() &&
+           drawRemoval() && drawFailures() && drawEmptyResult();
 }
 
 QTreeView* DuplicateScenes::outline() const {
@@ -92,6 +96,30 @@ bool DuplicateScenes::drawFirstView() {
         waitFor("the fading to end", [target] { return target->fadeProgress() >= 1.0; }) &&
         save("first-drop");
     hoverWithFolder(*area, false);
+    return isSaved;
+}
+
+bool DuplicateScenes::drawScope() {
+    auto* const page = m_controller->sameFileDeleteVC();
+    page->openScope({m_sample.family(), m_sample.tidy()});
+    const auto panel = [this] { return m_window->findChild<ScopePanel*>(); };
+    if (!waitForSheet(true) ||
+        !waitFor("both folders", [&] { return panel()->scope().roots.size() == 2; }))
+        return false;
+    const auto boxes = panel()->findChildren<TickBox*>(QStringLiteral("protectedBox"));
+    boxes.back()->click();
+    const bool isSaved = save("scope");
+    panel()->cancelButton->click();
+    return isSaved && waitForSheet(false);
+}
+
+bool DuplicateScenes::drawKeep() {
+    if (!click("keepBtn")) return false;
+    auto* const menu = m_window->findChild<QMenu*>(QStringLiteral("keepMenu"));
+    if (!waitFor("the menu", [menu] { return menu != nullptr && menu->isVisible(); })) return false;
+    const bool isSaved = save("keep", menu);
+    menu->close();
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     return isSaved;
 }
 

@@ -23,6 +23,8 @@ public:
 
 private:
     bool drawFirstView();
+    bool drawScope();
+    bool drawKeep();
     bool drawSearch();
     bool drawResult();
     bool drawQuestion();

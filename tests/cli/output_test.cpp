@@ -4,7 +4,7 @@
 
 #include "cli/Command.h"
 #include "cli/Output.h"
-#include "cli/SizeText.h"
+#include "engine/text/SizeText.h"
 #include "support/test.h"
 
 namespace orrinvale::cli {

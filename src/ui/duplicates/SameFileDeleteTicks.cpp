@@ -40,6 +40,8 @@ QString titleText(const QString& count, const QString& selected) {
 
 QString SameFileDeleteViewController::rowLabel(std::int32_t row) const {
     if (row != 0) return resultRowTitle(static_cast<std::size_t>(row));
+    if (m_request.roots.size() > 1)
+        return tr("%n folders", nullptr, static_cast<int>(m_request.roots.size()));
     return QString::fromStdString(std::string(lastPathComponent(m_searchPath)));
 }
 

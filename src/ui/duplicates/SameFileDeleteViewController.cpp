@@ -110,6 +110,11 @@ void SameFileDeleteViewController::connectControls() {
     using Self = SameFileDeleteViewController;
     SameFileDeleteViews& views = *m_views;
     connect(views.pathChoseBtn, &QAbstractButton::clicked, this, &Self::clickScanBtn);
+    connect(views.scopeBtn, &QAbstractButton::clicked, this, [this] { openScope(); });
+    auto* const scopeKey =
+        new QShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O), views.fristView);
+    connect(scopeKey, &QShortcut::activated, this, [this] { openScope(); });
+    views.dragView->installEventFilter(this);
     connect(views.animationHoverImageView, &QAbstractButton::clicked, this, &Self::clickScanBtn);
     connect(views.otherFolderBtn, &QAbstractButton::clicked, this, &Self::clickScanBtn);
     connect(views.searchBtn, &QAbstractButton::clicked, this, &Self::searchBtnClicked);
@@ -155,6 +160,7 @@ StateTable SameFileDeleteViewController::stateTable() const {
     return {
         {views.pathChoseBtn, {On, Off, Off, On, Off, On, On, On, Hidden}},
         {views.animationHoverImageView, {On, Off, Off, On, Off, On, On, On, On}},
+        {views.scopeBtn, {On, Off, Off, On, Off, On, On, On, On}},
         {views.stopScanBtn, {On, On, Off, Hidden, Off, Hidden, Hidden, Hidden, Hidden}},
         {views.animation, {On, On, Hidden, Hidden, On, Hidden, Hidden, Hidden, On}},
         {views.loadPathView, {On, On, On, Hidden, On, Hidden, Hidden, On, On}},
@@ -198,6 +204,8 @@ void SameFileDeleteViewController::searchFolder(const std::string& path, bool is
 void SameFileDeleteViewController::updatePathString(const std::string& path) {
     showPercent(0);
     m_searchPath = path;
+    m_request = {};
+    m_request.roots = {path};
     const QString shown = bytesToText(path);
     constexpr int longest = 25;
     m_views->titleLabel->setText(
@@ -240,14 +248,15 @@ void SameFileDeleteViewController::searchBtnClicked() {
     const SearchOption option{.searchHidden = m_parts.defaults->boolForKey(ZvHidenDuplication),
                               .searchSystem = m_parts.defaults->boolForKey(ZvSystemDuplication)};
     m_duplicateOpt->setSearchOption(&option);
-    const std::uint64_t limit =
-        duplicateSizeLimit(m_parts.defaults->integerForKey(ZvDuplicationLimit),
-                           m_parts.defaults->integerForKey(ZvDuplicatesUnit));
+    SearchRequest request = m_request;
+    if (request.roots.empty()) request.roots = {m_searchPath};
+    request.limit = duplicateSizeLimit(m_parts.defaults->integerForKey(ZvDuplicationLimit),
+                                       m_parts.defaults->integerForKey(ZvDuplicatesUnit));
     m_twDuplicateSearch = runAside(
         this, "searchDuplicateFiles:worker:",
-        [search = m_duplicateOpt, path = m_searchPath, old, limit] {
+        [search = m_duplicateOpt, request = std::move(request), old] {
             old->free();
-            search->beginSearchAtPath(path, limit);
+            search->beginSearch(request);
             std::shared_ptr<SimpleTreeNode> all;
             ResultViews found;  // sorted into its views where the search runs: nothing shows it yet
             if (search->getDuplicateFiles(&all)) found.setResult(std::move(all));
@@ -338,6 +347,7 @@ void SameFileDeleteViewController::showFitting() {
     const auto search = m_duplicateOpt ? m_duplicateOpt->search() : nullptr;
     const std::size_t skipped = search ? search->skipped().entries().size() : 0;
     views.showSkipped(skipped);
+    if (search) showCovered(search->coveredRoots());
     showRemovalEnded();
     const bool isEmpty = m_results.tree(0) == nullptr || m_results.tree(0)->numberOfChildren() == 0;
     const bool removedAll = isEmpty && m_removal != nullptr;

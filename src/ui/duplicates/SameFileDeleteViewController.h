@@ -1,4 +1,4 @@
-// SameFileDeleteViewController: the page of the duplicate finder. Five sources: this class's
+// SameFileDeleteViewController: the page of the duplicate finder. Six sources: this class's
 // search, SameFileDeleteTicks.cpp its boxes and titles, SameFileDeleteKeeping.cpp the ticks of
 // whole views by rule and folder, SameFileDeleteRemoval.cpp its removal, SameFileDeleteRows.cpp
 // what is done with one row. The decisions stand in engine/duplicates/results.
@@ -24,6 +24,7 @@
 #include "engine/duplicates/results/DuplicateSelection.h"
 #include "engine/duplicates/results/LeafSort.h"
 #include "engine/duplicates/results/ResultViews.h"
+#include "engine/duplicates/scope/NamedSearches.h"
 #include "engine/removal/RemovalJob.h"
 #include "platform/fileTypes.h"
 #include "ui/kit/controls/DragView.h"
@@ -41,6 +42,7 @@ struct Alert;
 class DuplicateFilesOpt;
 class DuplicateResultModel;
 class SameFileDeleteViews;
+class ScopePanel;
 class ThreadWorker;
 class UserDefaults;
 struct PageRemoval;
@@ -102,8 +104,12 @@ public:
     /// The next row is one that stands for another file.
     [[nodiscard]] std::string previewBeside(int step) override;
 
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 public Q_SLOTS:
     void clickScanBtn();
+    /// Opens the sheet for a search in several folders, with these in it.
+    void openScope(const std::vector<std::string>& paths = {});
     void searchBtnClicked();
     void stopScanBtnClicked();
     void backButtonAction();
@@ -150,6 +156,14 @@ private:
     [[nodiscard]] ResultViews resetOulineView();
     void showFitting();
     void showSkipped();
+
+    // Several folders.
+    [[nodiscard]] NamedSearches keptScopes() const;
+    void showKeptScopes();
+    void saveScope(const SearchScope& scope);
+    void changeScopes(const std::optional<SearchScope>& saved);
+    void searchScope(const SearchScope& scope);
+    void showCovered(const std::vector<CoveredRoot>& covered);
 
     // Boxes and titles.
     void refViewBgColor(std::int32_t row);
@@ -232,6 +246,9 @@ private:
     std::shared_ptr<ThreadWorker> m_twDuplicateSearch;
     std::unique_ptr<PageRemoval> m_removal;  // the running or the last one
     std::string m_searchPath;
+    SearchRequest m_request;  // its first folder is m_searchPath
+    SearchScope m_lastScope;  // that the sheet begins with
+    QPointer<ScopePanel> m_scopePanel;
     std::string m_openItemPath;
     QTimer m_newTimer;
     QTimer m_removalTimer;

@@ -96,6 +96,10 @@ void SameFileDeleteViews::makeFirstView() {
     logoButton->setText(tr("Orrinvale on the web"));
 
     // Between the button and the free space below it.
+    scopeBtn = named(new TextImageButton(tr("Several Folders\u2026"), TextImageButton::Role::Link),
+                     "scopeBtn");
+    scopeBtn->setToolTip(tr("Search several folders as one, protect some, leave things out"));
+    start.column->insertWidget(start.column->count() - 1, scopeBtn, 0, Qt::AlignHCenter);
     start.column->insertWidget(start.column->count() - 1, searchBtn, 0, Qt::AlignHCenter);
     start.column->addWidget(logoButton, 0, Qt::AlignHCenter);
 }
@@ -175,7 +179,7 @@ void SameFileDeleteViews::fillHead(NotificationCenter& notifications) {
     RevealFinder = makeImageButton("RevealFinder", QStringLiteral("locate"),
                                    tr("Reveal selected file in finder"));
     lockButton = new Padlock(notifications);
-    keepBtn = named(new TextImageButton(tr("Keep") + QStringLiteral(" \u25BE")), "keepBtn");
+    keepBtn = named(new TextImageButton(tr("Keep \u25BE")), "keepBtn");
     keepBtn->setAccessibleName(tr("Keep"));
     keepBtn->setToolTip(tr("Choose which copy of each group stays, and tick all others"));
     auto* const buttons = new QHBoxLayout(btnBgView);

@@ -58,6 +58,7 @@ public:
     AnimationHoverImageView* animationHoverImageView = nullptr;
     TextImageButton* pathChoseBtn = nullptr;
     TextImageButton* searchBtn = nullptr;
+    TextImageButton* scopeBtn = nullptr;  ///< opens the sheet for several folders
     HoverButton* logoButton = nullptr;
 
     // The progress view; loadPathView moves to the detail view during a removal.

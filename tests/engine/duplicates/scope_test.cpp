@@ -1,5 +1,8 @@
 // What a search is asked for: several folders, protected ones, and what is left out.
+#include <sys/stat.h>
+
 #include "engine/duplicates/SearchRun.h"
+#include "engine/duplicates/scope/NamedSearches.h"
 #include "engine/duplicates/scope/PathPattern.h"
 #include "engine/duplicates/scope/SearchRequest.h"
 #include "support/OwnMounts.h"
@@ -226,6 +229,40 @@ TEST_F(Scope, ProtectedFoldersAreKnownByEveryWay) {
     };
     for (const auto& each : cases)
         EXPECT_EQ(search({each.roots, each.guarded}).leaves, each.leaves) << each.what;
+}
+
+TEST(NamedSearches, ComeBackAndAreForgotten) {
+    TestTree tree;
+    const NamedSearches searches(tree.at("state/searches"));
+    EXPECT_TRUE(searches.all().empty());
+    const SearchScope full{
+        "b/\n\\ \xFF", {"/a\n", "/b"}, {"/b"}, {"*.tmp", "\\*"}, 1, 2, {FileKind::Music}, true};
+    const SearchScope bare{.name = "a"};
+    ASSERT_TRUE(searches.save(full) && searches.save({.name = "a", .roots = {"/x"}}));
+    ASSERT_TRUE(searches.save(bare));
+    EXPECT_EQ(searches.all(), (std::vector<SearchScope>{bare, full}));
+    const Strings names = namesIn(tree.at("state/searches"));
+    ASSERT_EQ(names.size(), 2U);
+    struct stat seen {};
+    ASSERT_EQ(::stat(tree.at("state/searches/" + names[0]).c_str(), &seen), 0);
+    EXPECT_EQ(seen.st_mode & 0777U, 0600U);
+
+    // Each of these costs its own search, and no other.
+    const std::string text = textOfSearch(full);
+    for (std::size_t length = 0; length < text.size(); ++length)
+        EXPECT_EQ(searchOfText(text.substr(0, length)), std::nullopt) << length;
+    for (const char* bad :
+         {"", "x", "orrinvale search 2\nname x\nend\n", "orrinvale search 1\nend\n",
+          "orrinvale search 1\nname x\nroot x\nend\n", "orrinvale search 1\nname x\nmin 1e9\nend\n",
+          "orrinvale search 1\nname x\nkind x\nend\n", "orrinvale search 1\nname \\x\nend\n",
+          "orrinvale search 1\nname x\nend\nmore\n"}) {
+        ASSERT_TRUE(tree.write("state/searches/" + names[0], bad));
+        EXPECT_EQ(searches.all().size(), 1U) << bad;
+    }
+    EXPECT_TRUE(searches.clear());
+    EXPECT_EQ(namesIn(tree.at("state/searches")), Strings{});
+    EXPECT_EQ(full.request()->filter.exclusions.size(), 2U);
+    EXPECT_EQ((SearchScope{.patterns = {"a", "[b"}}.request().error().text), "[b");
 }
 
 }  // namespace

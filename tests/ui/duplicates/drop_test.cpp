@@ -1,38 +1,17 @@
 // Folders that are dropped while a page shows something already, and several at once.
-#include <QDragEnterEvent>
-#include <QDropEvent>
-#include <QMimeData>
 #include <QTreeView>
-#include <QUrl>
-#include <QWindow>
 
 #include "support/test.h"
 #include "ui/support/LargePage.h"
 #include "ui/support/PageWindow.h"
+#include "ui/support/dropOn.h"
 
 namespace orrinvale {
 namespace {
 
+using testing::dropOn;
 using testing::LargePage;
 using testing::PageWindow;
-
-// Through the window, as the desktop does it: it falls to whoever takes it at that place.
-void dropOn(QWidget& place, const Strings& folders) {
-    QMimeData dragged;
-    QList<QUrl> urls;
-    for (const std::string& each : folders)
-        urls.push_back(QUrl::fromLocalFile(QString::fromStdString(each)));
-    dragged.setUrls(urls);
-    QWidget& window = *place.window();
-    const QPoint at = place.mapTo(&window, place.rect().center());
-    QDragEnterEvent enters(at, Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(window.windowHandle(), &enters);
-    EXPECT_TRUE(enters.isAccepted());
-    QDragMoveEvent moves(at, Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(window.windowHandle(), &moves);
-    QDropEvent drop(QPointF(at), Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(window.windowHandle(), &drop);
-}
 
 TEST(DroppedFolders, AreSearchedFromTheResultToo) {
     PageWindow on;

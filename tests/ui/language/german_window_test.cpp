@@ -107,7 +107,7 @@ TEST_F(GermanWindow, TheDuplicatePage) {
     for (const Alert& alert : on.dialogs.alerts()) look("alert", AlertPanel(alert));
     for (const char* const text :
          {"Duplikate finden", "Möchten Sie wirklich alle ausgewählten Dateien löschen?",
-          "2 Dateien in folder, insgesamt 1 Datei ausgewählt.", "Dokumente, 0,02 KB",
+          "2 Dateien in folder, insgesamt 1 ausgewählt.", "Dokumente, 0,02 KB",
           "1 Eintrag nicht lesbar", "1 Datei nicht entfernt", "seit dem Suchlauf geändert (1)"})
         EXPECT_TRUE(seen.contains(QString::fromUtf8(text))) << text;
 }

@@ -50,6 +50,16 @@ constexpr std::array whole{
     QT_TRANSLATE_NOOP("Reason", "the trash is in it"),
     QT_TRANSLATE_NOOP("Reason", "it is in the trash"),
     QT_TRANSLATE_NOOP("Reason", "it is a part of the trash"),
+    // Patterns of names that a search leaves out
+    QT_TRANSLATE_NOOP("Reason", "a pattern needs a character"),
+    QT_TRANSLATE_NOOP("Reason", "the pattern is too long"),
+    QT_TRANSLATE_NOOP("Reason", "a name can not hold this character"),
+    QT_TRANSLATE_NOOP("Reason", "nothing follows this backslash"),
+    QT_TRANSLATE_NOOP("Reason", "two slashes in a row"),
+    QT_TRANSLATE_NOOP("Reason", "no ] closes this ["),
+    QT_TRANSLATE_NOOP("Reason", "a set can not hold a slash"),
+    QT_TRANSLATE_NOOP("Reason", "this set runs backwards"),
+    QT_TRANSLATE_NOOP("Reason", "a pattern can not climb"),
     // Folders of cleaning that are left alone
     QT_TRANSLATE_NOOP("Reason", "the folder is a link"),
     QT_TRANSLATE_NOOP("Reason", "it is no folder"),

@@ -1,5 +1,5 @@
 // Whole numbers all the way, so that no size is rounded.
-#include "cli/SizeText.h"
+#include "engine/text/SizeText.h"
 
 #include <algorithm>
 #include <array>
@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <string>
 
-namespace orrinvale::cli {
+namespace orrinvale {
 namespace {
 
 constexpr std::string_view digits = "0123456789";
@@ -78,4 +78,4 @@ std::optional<std::uint64_t> parseSize(std::string_view text) {
     return bytes;
 }
 
-}  // namespace orrinvale::cli
+}  // namespace orrinvale

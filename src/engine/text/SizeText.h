@@ -1,11 +1,11 @@
-// SizeText: numbers and sizes as they are typed on the command line.
+// SizeText: numbers and sizes as a person types them.
 #pragma once
 
 #include <cstdint>
 #include <optional>
 #include <string_view>
 
-namespace orrinvale::cli {
+namespace orrinvale {
 
 /// What a size may look like, for messages: "10MB, 4KiB, or a number of bytes".
 inline constexpr std::string_view sizeForms = "10MB, 1.5 GB, 4KiB, or a number of bytes";
@@ -20,4 +20,4 @@ inline constexpr std::string_view sizeForms = "10MB, 1.5 GB, 4KiB, or a number o
 /// which may be one or a thousand, and more than 64 bits included.
 [[nodiscard]] std::optional<std::uint64_t> parseSize(std::string_view text);
 
-}  // namespace orrinvale::cli
+}  // namespace orrinvale
