@@ -158,13 +158,16 @@ void DuplicateSelection::setAll(TreeNode& tree, bool on) {
         if (simpleData(group)->isProtected()) continue;
         const TreeNode* const stays = copyThatStays(group);
         std::size_t ticked = 0;
+        bool isHeldBack = false;
         for (std::size_t i = 0; i < group.numberOfChildren(); ++i) {
             const TreeNode::Pointer& leaf = group.childAtIndex(i);
+            isHeldBack |= leaf.get() != stays && simpleData(*leaf)->isProtected();
             if (leaf.get() == stays || simpleData(*leaf)->isProtected()) continue;
             tick(leaf);
             ++ticked;
         }
-        showGroup(group, 2, ticked);
+        const bool isClear = ticked == 0 && isHeldBack && countTicked(group) == 0;
+        showGroup(group, isClear ? 0 : 2, ticked);
     }
     if (!on) m_ticked.removeClear();
 }
