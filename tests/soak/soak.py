@@ -10,6 +10,7 @@ time beside its end: allocated bytes within 1 %, descriptors and threads the sam
 1 something did not, 77 this machine lacks something.
 """
 import argparse
+import contextlib
 import itertools
 import os
 import random
@@ -183,13 +184,9 @@ class Soak:
     def run_full(self):
         """The home's disk takes not one byte more for a while."""
         filler = self.desk.place / "filler"
-        with open(filler, "wb") as file:
-            try:
-                while True:
-                    file.write(b"\0" * 65536)
-                    file.flush()
-            except OSError:
-                pass
+        with open(filler, "wb", buffering=0) as file, contextlib.suppress(OSError):
+            while True:
+                file.write(b"\0" * 65536)
         self.play(ROUND)
         filler.unlink()
 
