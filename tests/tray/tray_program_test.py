@@ -275,7 +275,8 @@ class InTheTray(unittest.TestCase):
         device = self.mount_image(on)
         time.sleep(4)  # a look sees it, and what udev told of it by then
         on.x("xdotool", "windowfocus", "--sync", on.window()[0])
-        for key in ("F10", "Up", "Up", "Up", "Up", "Right", "Up", "Up", "Up", "Up", "Right"):
+        to_volumes = ["Up"] * 8  # from the last entry of the menu
+        for key in ["F10", *to_volumes, "Right", "Up", "Up", "Up", "Up", "Right"]:
             on.x("xdotool", "key", key)
             time.sleep(0.3)
         if place := os.environ.get("ORRINVALE_PICTURES"):
