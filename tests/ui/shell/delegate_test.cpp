@@ -11,6 +11,7 @@
 #include "engine/text/Localized.h"
 #include "services/volumes/WatchMountUnmount.h"
 #include "services/volumes/WorkspaceMounts.h"
+#include "support/ScopedVariable.h"
 #include "support/test.h"
 #include "ui/kit/dialogs/WindowDialogs.h"
 #include "ui/page/Page.h"
@@ -202,6 +203,22 @@ TEST(UserGuide, WhoFindsNoBrowserIsToldSo) {
         QFile::remove(QString::fromStdString(tree.at("opened")));
     }
     qputenv("PATH", path);
+}
+
+TEST(FileManager, WhatOthersSayIsNoPartOfOurLog) {
+    TestTree tree;
+    ASSERT_TRUE(tree.write("xdg-open",
+                           "#!/bin/sh\nreadlink /proc/$$/fd/2 > \"$(dirname \"$0\")/$(basename "
+                           "\"$1\")\"\n") &&
+                tree.setMode("xdg-open", 0755));
+    const ScopedVariable path("PATH", tree.path() + ':' + qgetenv("PATH").toStdString());
+    EXPECT_TRUE(openInFileManager("/a folder/x y"));
+    openWebPage(QStringLiteral("https://www.kelpford.com/page"));
+    openWebPage(QStringLiteral("http://www.kelpford.com/other"));
+    startCommand({tree.at("xdg-open"), "command"});
+    for (const char* const each : {"x%20y", "page", "command"})
+        EXPECT_SOON(contentOf(tree.at(each)) == "/dev/null\n") << each;
+    EXPECT_FALSE(isThere(tree.at("other"))) << "not by plain HTTP";
 }
 
 TEST(AppDelegate, AFurtherStartLeavesTheKeyboardWithTheDialogThatIsOpen) {
