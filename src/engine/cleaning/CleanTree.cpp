@@ -28,6 +28,14 @@ SimpleNodeData& dataOf(const TreeNode& node) {
 
 bool isTicked(const TreeNode& leaf) { return dataOf(leaf).selectNum() == 1; }
 
+TreeNode::Pointer leafOf(const CleanFileInfo& row, const CleanRow* seen) {
+    auto leaf = SimpleNodeData::leafDataWithName(row.path);
+    leaf->setIconRep(row.icon);
+    leaf->setFileSize(UtilityFunction::getVolSpaceFromString(row.size));
+    if (seen != nullptr) leaf->setModificationDate(Date{seen->newest});
+    return SimpleTreeNode::treeNodeWithData(std::move(leaf));
+}
+
 }  // namespace
 
 std::size_t categoryOfGroup(std::string_view name) {
@@ -41,28 +49,29 @@ void CleanTree::clear() {
 }
 
 void CleanTree::constructTree(const std::vector<ScanViewController*>& scanObjsArr) {
-    clear();
+    std::pair past(std::exchange(m_treeData, nullptr), std::exchange(m_groups, {}));
     m_treeData = SimpleTreeNode::treeNodeWithData(SimpleNodeData::groupDataWithName("Root"));
     for (ScanViewController* const list : scanObjsArr) {
         if (!list->scanFiles || list->scanFiles->empty()) continue;
-        Group& group = m_groups.emplace_back(makeGroup(*list));
+        const auto before = std::ranges::find(past.second, list, &Group::list);
+        const Group& group = m_groups.emplace_back(
+            makeGroup(*list, before != past.second.end() ? &*before : nullptr));
         m_treeData->insertChild(group.node, m_treeData->numberOfChildren());
     }
+    if (past.first != nullptr) endAside(std::move(past));
 }
 
 TreeNode::Pointer groupOfRows(const ScanViewController::Rows& rows,
-                              const std::vector<CleanRow>& seen) {
+                              const std::vector<CleanRow>& seen,
+                              std::vector<TreeNode::Pointer> stayed) {
     const auto data = SimpleNodeData::groupDataWithName({});
-    std::vector<TreeNode::Pointer> leaves;
-    leaves.reserve(rows.size());
+    std::vector<TreeNode::Pointer> leaves = std::move(stayed);
+    leaves.resize(rows.size());
     std::uint64_t bytes = 0;
     for (std::size_t i = 0; i < rows.size(); ++i) {
-        auto leaf = SimpleNodeData::leafDataWithName(rows[i]->path);
-        leaf->setIconRep(rows[i]->icon);
-        leaf->setFileSize(UtilityFunction::getVolSpaceFromString(rows[i]->size));
-        if (i < seen.size()) leaf->setModificationDate(Date{seen[i].newest});
-        addSaturating(bytes, leaf->fileSize());
-        leaves.push_back(SimpleTreeNode::treeNodeWithData(std::move(leaf)));
+        if (leaves[i] == nullptr)
+            leaves[i] = leafOf(*rows[i], i < seen.size() ? &seen[i] : nullptr);
+        addSaturating(bytes, dataOf(*leaves[i]).fileSize());
     }
     data->setFileSize(bytes);
     auto group = std::make_shared<SimpleTreeNode>(data, nullptr, std::move(leaves));
@@ -71,17 +80,39 @@ TreeNode::Pointer groupOfRows(const ScanViewController::Rows& rows,
     return group;
 }
 
-CleanTree::Group CleanTree::makeGroup(ScanViewController& list) const {
+// Rows leave a list, and the others keep their order. The old group lets go of what it gives, since
+// its end comes on another thread.
+std::vector<TreeNode::Pointer> CleanTree::takeStayed(const Group& before,
+                                                     const ScanViewController::Rows& rows) {
+    std::vector<TreeNode::Pointer> leaves(rows.size()), taken;
+    auto old = before.byRow.begin();
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        old = std::find_if(old, before.byRow.end(),
+                           [&row = rows[i]](const Row& each) { return each.info == row; });
+        if (old == before.byRow.end()) break;
+        if (old->bytes == rows[i]->fileSizeNum) taken.push_back(leaves[i] = old->leaf);
+        ++old;
+    }
+    before.node->_removeChildrenIdenticalTo(taken);
+    return leaves;
+}
+
+CleanTree::Group CleanTree::makeGroup(ScanViewController& list, const Group* before) {
     Group group{
         .node = list.takeGroup(), .category = categoryOfList(list), .list = &list, .byRow = {}};
     const ScanViewController::Rows& rows = *list.scanFiles;
-    if (group.node == nullptr) group.node = groupOfRows(rows, list.listing().rows);
+    if (group.node == nullptr)
+        group.node = groupOfRows(
+            rows, list.listing().rows,
+            before != nullptr ? takeStayed(*before, rows) : std::vector<TreeNode::Pointer>());
     const auto name = namesOf(static_cast<CleanCategory>(group.category)).display;
     dataOf(*group.node).setName(std::string(name));
     group.byRow.reserve(rows.size());
     for (std::size_t i = 0; i < rows.size(); ++i) {
-        TreeNode* const leaf = group.byRow.emplace_back(group.node->childAtIndex(i).get());
-        setLeaf(group, *leaf, rows[i]->bIsSelected);
+        const TreeNode::Pointer& leaf = group.node->childAtIndex(i);
+        group.byRow.push_back({leaf, rows[i], rows[i]->fileSizeNum});
+        dataOf(*leaf).setSelectNum(rows[i]->bIsSelected ? 1 : 0);
+        if (rows[i]->bIsSelected) ++group.ticked;
     }
     showGroup(group);
     return group;
@@ -131,7 +162,7 @@ void CleanTree::setLeaves(TreeNode& node, std::span<TreeNode* const> leaves, boo
     Group& group = groupOf(node);
     for (TreeNode* const leaf : leaves) setLeaf(group, *leaf, isOn);
     for (std::size_t i = 0; i < group.byRow.size(); ++i)
-        (*group.list->scanFiles)[i]->bIsSelected = isTicked(*group.byRow[i]);
+        (*group.list->scanFiles)[i]->bIsSelected = isTicked(*group.byRow[i].leaf);
     showGroup(group);
     group.list->selectButton = group.ticked == group.byRow.size();
 }
@@ -146,7 +177,7 @@ void CleanTree::setAllSelectOrNoSelect(bool isOn) {
 }
 
 void CleanTree::setAll(Group& group, bool isOn) const {
-    for (TreeNode* const leaf : group.byRow) dataOf(*leaf).setSelectNum(isOn ? 1 : 0);
+    for (const Row& row : group.byRow) dataOf(*row.leaf).setSelectNum(isOn ? 1 : 0);
     group.ticked = isOn ? group.byRow.size() : 0;
     showGroup(group);
     if (isOn) group.list->setAllCheckBoxSelect();
@@ -157,7 +188,7 @@ TreeNode::Pointer CleanTree::takeOut(std::size_t category, std::string_view path
     const auto group = std::ranges::find(m_groups, category, &Group::category);
     if (group == m_groups.end()) return nullptr;
     const auto row = std::ranges::find_if(
-        group->byRow, [path](const TreeNode* leaf) { return dataOf(*leaf).name() == path; });
+        group->byRow, [path](const Row& each) { return dataOf(*each.leaf).name() == path; });
     if (row == group->byRow.end()) return nullptr;
     TreeNode::Pointer node = group->node;
     if (group->byRow.size() == 1) {
@@ -165,7 +196,7 @@ TreeNode::Pointer CleanTree::takeOut(std::size_t category, std::string_view path
         m_groups.erase(group);
         return node;
     }
-    TreeNode::Pointer leaf = node->childAtIndex(node->indexOfChild(*row).value());
+    TreeNode::Pointer leaf = row->leaf;
     setLeaf(*group, *leaf, false);
     group->byRow.erase(row);
     node->removeChild(leaf.get());
@@ -180,7 +211,7 @@ void CleanTree::refOutlineWhenClickScanView() {
         // While a clean goes on the list may be shorter; the tree is built anew behind it.
         if (!group.list->scanFiles || group.list->scanFiles->size() != group.byRow.size()) continue;
         for (std::size_t i = 0; i < group.byRow.size(); ++i)
-            setLeaf(group, *group.byRow[i], (*group.list->scanFiles)[i]->bIsSelected);
+            setLeaf(group, *group.byRow[i].leaf, (*group.list->scanFiles)[i]->bIsSelected);
         showGroup(group);
     }
 }

@@ -18,15 +18,19 @@ namespace orrinvale {
 /// a group of that category is found by being none of the others.
 [[nodiscard]] std::size_t categoryOfGroup(std::string_view name);
 
-/// Rows of a list as the leaves of a group that has no name yet, none of them ticked; `seen` has
-/// their ages. Any thread: the main one only for rows that stayed of a list.
+/// Rows of a list as the leaves of a group that has no name yet; `seen` has their ages. `stayed`
+/// has the leaves that are there already, at the places of their rows; no other group may hold
+/// them. All others are made, not ticked. Any thread: the main one only for rows that stayed of a
+/// list.
 [[nodiscard]] TreeNode::Pointer groupOfRows(const ScanViewController::Rows& rows,
-                                            const std::vector<CleanRow>& seen);
+                                            const std::vector<CleanRow>& seen,
+                                            std::vector<TreeNode::Pointer> stayed = {});
 
 /// Holds rows of the lists, which outlive it or are forgotten before. Main thread only.
 class CleanTree final {
 public:
-    /// Of these lists, whose dicKeyStr is their category. One without rows gives no group.
+    /// Of these lists, whose dicKeyStr is their category. One without rows gives no group. Leaves
+    /// of rows that are as they were in the last tree are taken over from it.
     void constructTree(const std::vector<ScanViewController*>& scanObjsArr);
     void clear();
 
@@ -58,15 +62,21 @@ public:
     [[nodiscard]] std::int32_t changeAllSelectCheckBoxState() const;
 
 private:
+    struct Row {
+        TreeNode::Pointer leaf;
+        std::shared_ptr<CleanFileInfo> info;  // as held, so that no newer one has its address
+        std::uint64_t bytes;                  // that the leaf shows
+    };
     struct Group {
         TreeNode::Pointer node;
         std::size_t category;
         ScanViewController* list;
-        std::vector<TreeNode*>
-            byRow;  // leaves in the order of the list, however the tree is sorted
+        std::vector<Row> byRow;  // in the order of the list, however the tree is sorted
         std::size_t ticked = 0;
     };
-    [[nodiscard]] Group makeGroup(ScanViewController& list) const;
+    [[nodiscard]] static Group makeGroup(ScanViewController& list, const Group* before);
+    [[nodiscard]] static std::vector<TreeNode::Pointer> takeStayed(
+        const Group& before, const ScanViewController::Rows& rows);
     [[nodiscard]] Group& groupOf(const TreeNode& node);
     void setAll(Group& group, bool isTicked) const;
     static void setLeaf(Group& group, TreeNode& leaf, bool isTicked);

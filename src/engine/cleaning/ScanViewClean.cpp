@@ -121,10 +121,10 @@ void ScanViewController::rowIsGone(std::size_t row) {
 }
 
 // In bytes: from its own text a total of gigabytes would never fall by the small rows of a cache.
-// Told by tellTotal(), once for many.
+// Told by tellTotal(), once for many. The total of a newer scan is its own.
 void ScanViewController::countGone(std::uint64_t bytes) {
-    m_total = std::max(m_total, bytes) - bytes;
     iCleanSize += bytes;
+    if (!m_clean->m_places.empty()) m_total = std::max(m_total, bytes) - bytes;
 }
 
 void ScanViewController::finishClean() {
@@ -138,7 +138,7 @@ void ScanViewController::finishClean() {
         const bool isBegun = list.isBegun(i);
         const std::uint64_t gone = list.goneBytes(i);
         if (!clean->m_isLeaving[i]) {
-            countGone(gone);
+            iCleanSize += gone;  // the total is counted anew below
             if (list.isDone(i) && isBegun) m_cleanedRows.push_back(list.rows()[i].path);
         }
         const bool leaves = clean->m_isLeaving[i] || list.isKept(i) || list.isDone(i);

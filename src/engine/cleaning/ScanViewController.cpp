@@ -181,9 +181,10 @@ std::int32_t ScanViewController::getSelectAllOrNull() {
     const bool isAll = ticked > 0 && ticked == std::ssize(rows);
     const std::int32_t value = isAll ? 1 : ticked > 0 ? 2 : 0;
     selectButton = isAll;
-    if (aTag >= 0 && aTag < std::ssize(cleanCategories))
-        UserDefaults::standardUserDefaults().setInteger(
-            value, namesOf(CleanCategory{static_cast<std::uint32_t>(aTag)}).settingKey);
+    if (aTag < 0 || aTag >= std::ssize(cleanCategories)) return value;
+    UserDefaults& defaults = UserDefaults::standardUserDefaults();
+    const auto key = namesOf(CleanCategory{static_cast<std::uint32_t>(aTag)}).settingKey;
+    if (defaults.integerForKey(key) != value) defaults.setInteger(value, key);
     return value;
 }
 

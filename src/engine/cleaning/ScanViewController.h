@@ -116,7 +116,7 @@ public:
 
     void setAllCheckBoxSelect() { setAll(true); }
     void setNoCheckBoxSelect() { setAll(false); }
-    /// 0 none, 1 all, 2 some; stored for the category aTag.
+    /// 0 none, 1 all, 2 some; stored for the category aTag, where another value stands.
     std::int32_t getSelectAllOrNull();
     /// Builds selDelFiles of the ticked rows. A text that is not empty takes the list's own tick.
     void getSelectPath(std::string_view text);
@@ -159,7 +159,7 @@ public:
     std::optional<bool> cleanFinished;
     std::uint64_t iCleanSize = 0;  ///< bytes that the current clean has removed
     std::string dicKeyStr;         ///< the category's index, for the page
-    std::int32_t aTag = 0;         ///< the category whose setting follows the ticks
+    std::int32_t aTag = 0;         ///< the category whose setting follows the ticks; -1 for none
     Rows selDelFiles;
     bool isSlected = false;  ///< the row that was toggled last
 

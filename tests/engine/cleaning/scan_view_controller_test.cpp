@@ -5,6 +5,7 @@
 
 #include "engine/cleaning/CleanHome.h"
 #include "engine/cleaning/CleanRun.h"
+#include "engine/cleaning/CleanTree.h"
 #include "engine/duplicates/tree/SimpleTreeNode.h"
 #include "engine/removal/PlainDoor.h"
 #include "engine/settings/UserDefaults.h"
@@ -185,6 +186,7 @@ TEST(ScanViewController, aListThatCameDuringACleanIsLeftToItsScan) {
     EXPECT_EQ(page.list.iCleanSize, 2'000'000U);
     EXPECT_EQ(page.names(), (Names{"0", "a", "b", "c"}));
     EXPECT_EQ(std::count(page.told.begin(), page.told.end(), "rows yes"), 0);
+    EXPECT_EQ(page.list.totalBytes(), 3'000'002U) << "of its rows";
 
     // The tree that the scan made along is that of its rows, and of no others.
     const auto group = page.list.takeGroup();
@@ -195,6 +197,51 @@ TEST(ScanViewController, aListThatCameDuringACleanIsLeftToItsScan) {
     ASSERT_TRUE(page.scan());
     page.list.leaveOut(home.tree.at(".cache/0"));
     EXPECT_EQ(page.list.takeGroup(), nullptr) << "it has a row too many";
+}
+
+// A clean leaves the leaves of the rows that are as they were, and makes those anew that are not.
+TEST(CleanTree, TakesOverTheLeavesOfRowsThatStay) {
+    CleanHome home;
+    for (const char* name : {".cache/a/x", ".cache/b/x", ".cache/c/x", ".cache/d/x", ".cache/d/y"})
+        ASSERT_TRUE(home.tree.write(name, std::string(1'000'000, 'x')));
+    Page page(home), other(home);
+    page.list.dicKeyStr = "1";
+    other.list.dicKeyStr = "4";
+    ASSERT_TRUE(page.scan() && other.scan());
+    other.list.toggleRow(0);
+    CleanTree tree;
+    tree.constructTree({&page.list, &other.list});
+    std::map<std::string, TreeNode::Pointer> before[2];
+    const auto leaves = [&tree](std::size_t category) {
+        std::map<std::string, TreeNode::Pointer> all;
+        for (const auto& leaf : tree.group(category)->children())
+            all.emplace(lastPathComponent(simpleData(*leaf)->name()), leaf);
+        return all;
+    };
+    before[0] = leaves(1);
+    before[1] = leaves(4);
+    tree.treeData()->decendingSortName();
+    page.tick({"b", "d"});
+    home.files.beforeRemoval = [&](std::string_view operation) {
+        if (operation == "removeEntry" && isThere(home.tree.at(".cache/d")) &&
+            !isThere(home.tree.at(".cache/d/x")))
+            home.tree.write(".cache/d/new", "1");
+    };
+    ASSERT_TRUE(page.clean());
+    ASSERT_EQ(page.names(), (Names{"a", "c", "d"}));
+    tree.constructTree({&page.list, &other.list});
+    EXPECT_EQ(leaves(4), before[1]);
+    for (const auto& [name, leaf] : leaves(1)) {
+        EXPECT_EQ(leaf == before[0].at(name), name != "d") << name;
+        EXPECT_EQ(leaf->nodeParent(), tree.group(1));
+    }
+    for (const std::size_t category : {1U, 4U})
+        for (std::size_t i = 0; i < tree.group(category)->numberOfChildren(); ++i)
+            EXPECT_EQ(simpleData(*tree.group(category)->childAtIndex(i))->name(),
+                      (*(category == 1 ? page : other).list.scanFiles)[i]->path);
+    EXPECT_EQ(simpleData(*tree.group(1))->showSelectNumStr(), "1/3");
+    EXPECT_EQ(simpleData(*tree.group(4))->showSelectNumStr(), "1/4");
+    EXPECT_EQ(simpleData(*tree.group(1))->fileSize(), 2'000'000U);
 }
 
 // Six lists end in any order, and a list that takes no part, or has ended, ends nothing.
