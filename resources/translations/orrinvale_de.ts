@@ -121,6 +121,10 @@
         <source>Clean</source>
         <translation>Aufräumen</translation>
     </message>
+    <message>
+        <source>Why less?</source>
+        <translation>Warum weniger?</translation>
+    </message>
 </context>
 <context>
     <name>Cleaning</name>
@@ -310,6 +314,70 @@
     <message>
         <source>What is ticked has changed since you were asked. Look at it again.</source>
         <translation>Was angekreuzt ist, hat sich seit der Frage geändert. Sehen Sie es noch einmal an.</translation>
+    </message>
+    <message>
+        <source>because: %1; and for other reasons</source>
+        <translation>Grund: %1, und andere</translation>
+    </message>
+    <message>
+        <source>because: %1</source>
+        <translation>Grund: %1</translation>
+    </message>
+    <message>
+        <source>you asked to keep it</source>
+        <translation>Sie wollten es behalten</translation>
+    </message>
+    <message>
+        <source>something is mounted in it</source>
+        <translation>etwas ist darin eingehängt</translation>
+    </message>
+    <message>
+        <source>its program keeps here what it can not make again</source>
+        <translation>sein Programm verwahrt hier, was es nicht wiederherstellen kann</translation>
+    </message>
+    <message>
+        <source>a program has it open</source>
+        <translation>ein Programm hat es geöffnet</translation>
+    </message>
+    <message>
+        <source>its program runs, and does not show what it has open</source>
+        <translation>sein Programm läuft und zeigt nicht, was es geöffnet hat</translation>
+    </message>
+    <message>
+        <source>changed in the last 10 minutes</source>
+        <translation>in den letzten 10 Minuten geändert</translation>
+    </message>
+    <message>
+        <source>a document is in it</source>
+        <translation>ein Dokument liegt darin</translation>
+    </message>
+    <message>
+        <source>a repository is in it</source>
+        <translation>ein Repository liegt darin</translation>
+    </message>
+    <message>
+        <source>a password safe is in it</source>
+        <translation>ein Passwortspeicher liegt darin</translation>
+    </message>
+    <message>
+        <source>a database in use is in it</source>
+        <translation>eine Datenbank in Gebrauch liegt darin</translation>
+    </message>
+    <message>
+        <source>a program&apos;s socket is in it</source>
+        <translation>der Socket eines Programms liegt darin</translation>
+    </message>
+    <message>
+        <source>a download that is not complete</source>
+        <translation>ein unvollständiger Download</translation>
+    </message>
+    <message>
+        <source>a part of it can not be looked at</source>
+        <translation>ein Teil davon lässt sich nicht ansehen</translation>
+    </message>
+    <message>
+        <source>its folders lie too deep to be looked through</source>
+        <translation>seine Ordner liegen zu tief zum Durchsehen</translation>
     </message>
 </context>
 <context>

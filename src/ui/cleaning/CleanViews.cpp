@@ -101,10 +101,19 @@ QLayout* CleanViews::makeResultLine() {
     auto* const result = new QHBoxLayout;
     result->setSpacing(Theme::gapTiny);
     result->addWidget(gainLabel);
-    for (HoverButton* const line : {failureLine, quietLine}) {
+    gainReason = named(new HoverButton, "gainReason");
+    gainReason->setText(tr("Why less?"));
+    gainReason->hide();
+    for (HoverButton* const line : {gainReason, failureLine, quietLine}) {
         line->setFixedHeight(lowLineHeight);
         result->addWidget(line);
     }
+    keptReason = named(new ElidedLabel, "keptReason");
+    keptReason->setFont(Theme::shared().font(Theme::Text::Body));
+    keptReason->setForegroundRole(QPalette::PlaceholderText);
+    keptReason->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
+    keptReason->hide();
+    result->addWidget(keptReason);
     result->addStretch();
     return result;
 }

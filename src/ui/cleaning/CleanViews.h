@@ -65,6 +65,8 @@ public:
     // Below.
     FigureLabel* stateTextField = nullptr;
     ElidedLabel* gainLabel = nullptr;
+    HoverButton* gainReason = nullptr;  ///< why that is less than was promised
+    ElidedLabel* keptReason = nullptr;  ///< behind the quiet line, as far as there is room
     TextImageButton* stopButton = nullptr;
     TextImageButton* cleanButton = nullptr;
     TextImageButton* oneListCleanButton = nullptr;

@@ -232,8 +232,18 @@ void MainViewController::measureGain() {
          promised = m_run.promised()](std::optional<std::int64_t> gained) {
             if (number != m_runNumber) return;
             ResultFrame::showLine(*m_views->gainLabel, gainedWords(gained));
-            m_views->gainLabel->setToolTip(lessThanPromised(gained, promised));
+            m_gainReason = lessThanPromised(gained, promised);
+            m_views->gainLabel->setToolTip(m_gainReason);
+            m_views->gainReason->setAccessibleDescription(m_gainReason);
+            m_views->gainReason->setVisible(!m_gainReason.isEmpty());
         });
+}
+
+void MainViewController::showGainReason() {
+    Alert alert;
+    alert.title = m_views->gainLabel->text();
+    alert.text = m_gainReason;
+    m_parts.pages.dialogs->alert(m_mainWindow, alert, [](int /*button*/) {});
 }
 
 // The padlock is pointed at where it would help.

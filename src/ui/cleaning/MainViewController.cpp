@@ -92,6 +92,7 @@ void MainViewController::makeLists() {
             .openFolder = m_parts.openFolder});
         ScanViewController& list = *m_tableControllers.at(i);
         list.dicKeyStr = std::to_string(i);
+        list.aTag = -1;  // the settings follow in cleanShowSelectNumCommAction(), all at once
         m_models.at(i) = std::make_unique<ScanListModel>(
             m_parts.pages.icons, [this, i](std::size_t row) { listBoxClicked(i, row); }, m_cleaned);
         m_views->lists.at(i)->setModel(m_models.at(i).get());
@@ -116,6 +117,7 @@ void MainViewController::connectControls() {
             [this] { forwardViewAnimation(); });
     connect(views.quietLine, &QAbstractButton::clicked, this, &Self::showKeptLines);
     connect(views.failureLine, &QAbstractButton::clicked, this, &Self::showFailures);
+    connect(views.gainReason, &QAbstractButton::clicked, this, &Self::showGainReason);
     connect(views.filterField, &QLineEdit::textChanged, this, &Self::filterTyped);
     connect(views.customTableView, &LeftRail::chosen, this, [this](int row) {
         if (row != uninstallRow) shouldSelectRow(row);
@@ -203,7 +205,9 @@ StateTable MainViewController::stateTable() const {
         {views.totalProgress, {Hidden, On, On, Hidden, On, On}},
         {views.failureLine, {Kept, Hidden, Hidden, Kept, Hidden, Hidden}},
         {views.gainLabel, {Kept, Hidden, Hidden, Kept, Hidden, Hidden}},
+        {views.gainReason, {Kept, Hidden, Hidden, Kept, Hidden, Hidden}},
         {views.quietLine, {Kept, Hidden, Hidden, Kept, Hidden, Hidden}},
+        {views.keptReason, {Kept, Hidden, Hidden, Kept, Hidden, Hidden}},
     };
 }
 

@@ -217,6 +217,7 @@ private:
     void takeOutcome();
     void settle(std::uint64_t bytes);
     void measureGain();
+    void showGainReason();
     void showAlertForPrivilegesToClean();
     void showFailures();
 
@@ -244,6 +245,7 @@ private:
     void alwaysKeep(const std::string& path, std::size_t category);
     void leaveOut(const std::string& path, std::size_t category);
     void leaveOutLate();
+    void listEnded(std::size_t category);
     void tellSize(std::size_t category);
 
     void ejectVolume(std::int16_t /*number*/, const std::string& /*root*/,
@@ -271,7 +273,8 @@ private:
     std::array<Binding, 6> m_bindings;
     std::vector<NotificationCenter::Observation> m_observations;
 
-    int m_saving = 0;  // records of cleans on their way to the disk
+    QString m_gainReason;  // why the last clean gained less than was promised
+    int m_saving = 0;      // records of cleans on their way to the disk
     RemovalOutcome m_outcome;
     QTimer m_progressTimer;
     int m_waits = 0;       // of that timer in a row in which nothing of ours went on

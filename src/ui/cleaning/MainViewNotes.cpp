@@ -77,7 +77,8 @@ void MainViewController::setCleanButtonState() {
     const bool isList = isCategoryRow(selectRowNum);
     m_views->cleanButton->setVisible(isOverview && isIdle);
     m_views->oneListCleanButton->setVisible(isList && isIdle);
-    m_views->stateTextField->setVisible(isIdle && (isOverview || isList) && !isFirstComeIn);
+    // Shown by who knows what it is to say.
+    if (!isIdle || isFirstComeIn || !(isOverview || isList)) m_views->stateTextField->hide();
     if (isOverview) showCleanButton(*m_views->cleanButton, shownSums());
     if (!isList) return;
     showCleanButton(*m_views->oneListCleanButton, shownSums());
@@ -85,8 +86,11 @@ void MainViewController::setCleanButtonState() {
 }
 
 void MainViewController::showKept() {
-    ResultFrame::showLine(*m_views->quietLine,
-                          m_state == State::Reviewing ? keptWords(shownListings()) : QString());
+    const KeptWords kept = m_state == State::Reviewing ? keptWords(shownListings()) : KeptWords();
+    ResultFrame::showLine(*m_views->quietLine, kept.count);
+    ResultFrame::showLine(*m_views->keptReason, kept.because);
+    m_views->keptReason->setToolTip(kept.because);
+    m_views->quietLine->setAccessibleDescription(kept.because);
 }
 
 void MainViewController::showKeptLines() {
@@ -150,7 +154,6 @@ void MainViewController::shouldSelectRow(std::int32_t row) {
     if (row != overviewRow) m_stack->showView(m_views->resultView);
     if (isCategoryRow(row)) displayTableController(std::size_t(row) - 1);
     showRow();
-    changeNoteText(row);
     setCleanButtonState();
     showKept();
     if (row == overviewRow && isShowCleanedSize) changeStateTextFeild(showCleanedSize);
@@ -168,6 +171,7 @@ void MainViewController::showRow() {
         QString::fromStdString(std::string(cleanPageRows.at(std::size_t(selectRowNum)).image)));
     views.noteBar->setVisible(selectRowNum != freeSpaceRow);
     showTitle();
+    changeNoteText(selectRowNum);
     if (selectRowNum == freeSpaceRow) showDiskPage();
     else showContent();
     showFilter();
@@ -191,8 +195,7 @@ void MainViewController::showContent() {
     }
     const auto category = std::size_t(selectRowNum) - 1;
     const auto& rows = m_tableControllers.at(category)->scanFiles;
-    const bool isLooking = m_state == State::Scanning || m_state == State::Stopping;
-    if (rows && !rows->empty() && !isLooking) displayTableController(category);
+    if (rows && !rows->empty()) displayTableController(category);
     else views.content->setCurrentWidget(views.emptyView);
 }
 
@@ -214,7 +217,7 @@ QString MainViewController::emptyWords(int row) const {
                    : tr("Nothing was found that can go, but not everything could be looked at.");
     }
     const QString title = cleanRowTitle(row);
-    if (m_state == State::Scanning || m_state == State::Stopping)
+    if (m_tableControllers.at(std::size_t(row) - 1)->isScanning())
         return tr("%1: looking ...").arg(title);
     if (!objection.empty()) return tr("%1 was left alone: %2.").arg(title, inWords(objection));
     if (isStopped) return tr("%1: the scan was stopped before its end.").arg(title);

@@ -49,6 +49,7 @@ void MainViewController::newRun(unsigned categories) {
     ++m_runNumber;
     m_outcome = {};
     ResultFrame::showLine(*m_views->gainLabel, {});
+    m_views->gainReason->hide();
     ResultFrame::showLine(*m_views->failureLine, {});
 }
 
@@ -91,6 +92,7 @@ void MainViewController::beginScan() {
 
 void MainViewController::scanEnded(std::size_t category) {
     setHiddenCheckBoxAction();
+    listEnded(category);
     if (!m_run.end(category)) return;
     leaveOutLate();
     m_views->customTableView->setProImageNum(100);
@@ -100,7 +102,6 @@ void MainViewController::scanEnded(std::size_t category) {
         V3MainListView& row = *m_views->allNewViewArr.at(i);
         row.setBoxHidden(false);
         row.stopPrograssAnimation();
-        m_models.at(i)->setList(*m_tableControllers.at(i));
     }
     countTicks();
     isCancelButton = bClickScanBtn = false;
@@ -114,6 +115,18 @@ void MainViewController::scanEnded(std::size_t category) {
     showKept();
     setCleanButtonState();
     m_views->forwardButton->show();
+}
+
+// Each list is there at its own end, ticked as it will be once all are.
+void MainViewController::listEnded(std::size_t category) {
+    ScanViewController& list = *m_tableControllers.at(category);
+    if (getDefaultsValue().at(category) == "0") list.setNoCheckBoxSelect();
+    else list.setAllCheckBoxSelect();
+    m_models.at(category)->setList(list);
+    if (selectRowNum != int(category) + 1) return;
+    countTicks();
+    refreshLists();
+    showRow();
 }
 
 // Every scan begins with whole categories, since which rows were ticked before says nothing of

@@ -7,12 +7,15 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <map>
 
+#include "engine/base/saturating.h"
 #include "engine/cleaning/CleanPageRows.h"
 #include "engine/text/Localized.h"
 #include "engine/text/UtilityFunction.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/dialogs/LineList.h"
+#include "ui/kit/dialogs/failureWords.h"
 
 namespace orrinvale {
 namespace {
@@ -65,6 +68,31 @@ QString downloadsWords() {
     return Words::tr(
         "Downloads folder is selected to clean. We recommend you to view this folder for anything "
         "useful before emptying it.");
+}
+
+// Why the rules of the engine keep an entry; of what they say of single programs each keeps its
+// own words.
+constexpr std::array ruleReasons{
+    QT_TRANSLATE_NOOP("Cleaning", "you asked to keep it"),
+    QT_TRANSLATE_NOOP("Cleaning", "something is mounted in it"),
+    QT_TRANSLATE_NOOP("Cleaning", "its program keeps here what it can not make again"),
+    QT_TRANSLATE_NOOP("Cleaning", "a program has it open"),
+    QT_TRANSLATE_NOOP("Cleaning", "its program runs, and does not show what it has open"),
+    QT_TRANSLATE_NOOP("Cleaning", "changed in the last 10 minutes"),
+    QT_TRANSLATE_NOOP("Cleaning", "a document is in it"),
+    QT_TRANSLATE_NOOP("Cleaning", "a repository is in it"),
+    QT_TRANSLATE_NOOP("Cleaning", "a password safe is in it"),
+    QT_TRANSLATE_NOOP("Cleaning", "a database in use is in it"),
+    QT_TRANSLATE_NOOP("Cleaning", "a program's socket is in it"),
+    QT_TRANSLATE_NOOP("Cleaning", "a download that is not complete"),
+    QT_TRANSLATE_NOOP("Cleaning", "a part of it can not be looked at"),
+    QT_TRANSLATE_NOOP("Cleaning", "its folders lie too deep to be looked through"),
+};
+
+std::string ruleWords(std::string_view reason) {
+    for (const char* const known : ruleReasons)
+        if (reason == known) return QCoreApplication::translate("Cleaning", known).toStdString();
+    return std::string(reason);
 }
 
 // One line of the list of what stays.
@@ -225,20 +253,39 @@ QString lessThanPromised(std::optional<std::int64_t> gained, std::uint64_t promi
         .arg(sizeWords(promised));
 }
 
-QString keptWords(const std::vector<ShownListing>& listings) {
+KeptWords keptWords(const std::vector<ShownListing>& listings) {
     std::size_t count = 0;
-    for (const auto& [title, each] : listings)
+    std::uint64_t bytes = 0;
+    std::map<std::string_view, std::pair<std::uint64_t, std::size_t>> reasons;  // bytes, entries
+    bool isMore = false;
+    for (const auto& [title, each] : listings) {
         count += each->kept.size() + each->closed.size() + each->skipped.size();
+        isMore = isMore || !each->closed.empty() || !each->skipped.empty();
+        for (const CleanRow& row : each->kept) {
+            addSaturating(bytes, row.keptBytes);
+            auto& [size, entries] = reasons[row.keptWords];
+            addSaturating(size, row.keptBytes);
+            ++entries;
+        }
+    }
     if (count == 0) return {};
-    return count == 1 ? Words::tr("kept: 1 entry")
-                      : Words::tr("kept: %Ln entries", nullptr, static_cast<int>(count));
+    KeptWords words{count == 1 ? Words::tr("kept: 1 entry")
+                               : Words::tr("kept: %Ln entries", nullptr, static_cast<int>(count)),
+                    {}};
+    if (bytes > 0) words.count += QStringLiteral(", ") + sizeWords(bytes);
+    if (reasons.empty()) return words;
+    const auto most = std::ranges::max_element(reasons, {}, [](const auto& r) { return r.second; });
+    const QString reason = inWords(ruleWords(most->first));
+    words.because = isMore || reasons.size() > 1
+                        ? Words::tr("because: %1; and for other reasons").arg(reason)
+                        : Words::tr("because: %1").arg(reason);
+    return words;
 }
 
 QStringList keptLines(const std::vector<ShownListing>& listings) {
     std::vector<Kept> kept;
     for (const auto& [title, each] : listings) {
-        for (const CleanRow& row : each->kept)
-            kept.push_back({row.path, std::string(row.keptWords)});
+        for (const CleanRow& row : each->kept) kept.push_back({row.path, ruleWords(row.keptWords)});
         for (const CategoryListing::Closed& closed : each->closed)
             kept.push_back(
                 {closed.path.empty() ? title.toStdString() : closed.path, closed.reason});

@@ -70,8 +70,14 @@ struct ShownListing {
     const CategoryListing* listing;
 };
 
-/// "kept: 3 entries", empty for none; and the lines behind it, each reason with its entries.
-[[nodiscard]] QString keptWords(const std::vector<ShownListing>& listings);
+/// How many entries are kept, and their size, empty for none; and the reason of most of it, empty
+/// where no rule keeps anything.
+struct KeptWords {
+    QString count, because;
+};
+
+/// "kept: 3 entries, 2 MB" "because: ..."; and the lines behind it, each reason with its entries.
+[[nodiscard]] KeptWords keptWords(const std::vector<ShownListing>& listings);
 [[nodiscard]] QStringList keptLines(const std::vector<ShownListing>& listings);
 
 /// Of the trash how many entries there are, and since when; empty where there are none.

@@ -29,6 +29,20 @@ TEST(CleanStates, TheWindowMayBeClosedInEachAndComesBack) {
              desk.click("startButton");
          },
          [](CleanDesk& desk) { desk.held.letAllGo(); }, false},
+        {"stopping",
+         [](CleanDesk& desk) {
+             desk.held.hold(desk.home.tree.at("Downloads"));
+             desk.click("startButton");
+             EXPECT_SOON(desk.page->finishScanCount() == 1);
+             desk.click("stopButton");
+         },
+         [](CleanDesk& desk) {
+             EXPECT_EQ(int(desk.state()), int(State::Stopping));
+             desk.held.letAllGo();
+             EXPECT_TRUE(desk.waitForRest());
+             desk.click("rescanButton");
+         },
+         false},
         {"reviewing", [](CleanDesk& desk) { EXPECT_TRUE(desk.scan()); }, [](CleanDesk&) {}, false},
         {"asking",
          [](CleanDesk& desk) {
@@ -47,6 +61,17 @@ TEST(CleanStates, TheWindowMayBeClosedInEachAndComesBack) {
              EXPECT_SOON(desk.removing.isWaitedAt());
          },
          [](CleanDesk& desk) { desk.removing.open(); }, true},
+        {"cleaning one",
+         [](CleanDesk& desk) {
+             EXPECT_TRUE(desk.scan());
+             desk.page->shouldSelectRow(2);
+             desk.removing.shut();
+             desk.dialogs.willAnswer(0);
+             desk.click("oneListCleanButton");
+             EXPECT_SOON(desk.removing.isWaitedAt());
+             EXPECT_EQ(int(desk.state()), int(State::CleaningOne));
+         },
+         [](CleanDesk& desk) { desk.removing.open(); }, true},
     };
     for (const auto& each : cases) {
         SCOPED_TRACE(each.state);
@@ -61,8 +86,9 @@ TEST(CleanStates, TheWindowMayBeClosedInEachAndComesBack) {
         ASSERT_TRUE(desk.waitForRest());
         EXPECT_EQ(desk.sentence("stateTextField"),
                   each.isCleaned ? "3.00 KB is cleaned" : "2 of 3 selected, 3.00 KB will free up.");
-        EXPECT_TRUE(desk.isShown("outline") && desk.isEnabled("rescanButton"));
         EXPECT_EQ(desk.has(".cache/b"), !each.isCleaned);
+        if (desk.page->selectRowNum != 0) desk.page->shouldSelectRow(0);
+        EXPECT_TRUE(desk.isShown("outline") && desk.isEnabled("rescanButton"));
     }
 }
 
@@ -78,6 +104,11 @@ TEST(CleanStates, WhatComesGoesOrGrowsAfterTheScan) {
     auto& size = *desk.control("summary4").findChild<QLabel*>(QStringLiteral("sizeLabel"));
     ASSERT_SOON(size.text() == QStringLiteral("7.00 KB"));
     EXPECT_EQ(int(desk.state()), int(State::Scanning));
+    desk.page->shouldSelectRow(5);
+    EXPECT_SOON(desk.isShown("list4") && desk.list(UserTrash).selectButton);
+    EXPECT_EQ(desk.control<QTreeView>("list4").model()->rowCount(), 3) << "at its own end";
+    EXPECT_EQ(int(desk.state()), int(State::Scanning));
+    desk.page->shouldSelectRow(0);
     desk.held.letAllGo();
     ASSERT_TRUE(desk.waitForRest());
     std::filesystem::remove(desk.home.tree.at(".local/share/Trash/files/gone"));

@@ -196,6 +196,20 @@ TEST(CleanTicks, AScanBeginsWithWholeCategories) {
     EXPECT_EQ(desk.settings(), "010012");
 }
 
+// Who listens to a setting hears of no value that nobody chose.
+TEST(CleanTicks, ARowOfOneCategoryChangesNoSettingOfAnother) {
+    CleanDesk desk(sixCategories());
+    desk.tickOnly({UserCaches});
+    ASSERT_TRUE(desk.scan());
+    int told = 0;
+    const auto observation = desk.defaults.addObserver(ZvSystemCachesKey, [&told] { ++told; });
+    desk.page->shouldSelectRow(2);
+    auto& list = desk.control<QTreeView>("list1");
+    desk.tick(list, list.model()->index(0, 0));
+    EXPECT_EQ(desk.settings(), "020000");
+    EXPECT_EQ(told, 0);
+}
+
 // Operations that others may call keep what they always did.
 TEST(CleanTicks, OldOperations) {
     CleanDesk desk(sixCategories());

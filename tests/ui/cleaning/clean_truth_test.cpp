@@ -136,7 +136,8 @@ TEST(CleanTruth, AlwaysKeepTakesTheRowAloneAndIsNotForgotten) {
     ASSERT_SOON(desk.outline() == "User Caches 2/2 4.00 KB xx\n");
     EXPECT_TRUE(outline.isExpanded(outline.model()->index(0, 0)));
     EXPECT_EQ(desk.textOf("cleanButton"), "Clean 4.00 KB");
-    EXPECT_EQ(desk.textOf("quietLine"), "kept: 2 entries");
+    EXPECT_EQ(desk.textOf("quietLine"), "kept: 2 entries, 6.00 KB");
+    EXPECT_EQ(desk.textOf("keptReason"), "because: you asked to keep it");
     desk.page->shouldSelectRow(2);
     auto& list = desk.control<QTreeView>("list1");
     EXPECT_EQ(list.model()->rowCount(), 2);
@@ -165,6 +166,24 @@ TEST(CleanTruth, AlwaysKeepTakesTheRowAloneAndIsNotForgotten) {
     EXPECT_EQ(list.model()->rowCount(), 1);
 }
 
+TEST(CleanTruth, TheTrashTellsWhatIsInItNow) {
+    CleanDesk desk{{".local/share/Trash/files/t", 1'000}, {".local/share/Trash/files/u", 2'000}};
+    desk.tickOnly({UserTrash});
+    ASSERT_TRUE(desk.scan());
+    desk.page->shouldSelectRow(5);
+    const auto says = [&desk](const char* words) {
+        return desk.sentence("noteTextField").find(words) != std::string::npos;
+    };
+    EXPECT_TRUE(says("2 entries"));
+    desk.write(".local/share/Trash/files/v", 3'000);
+    desk.click("rescanButton");
+    ASSERT_TRUE(desk.waitForRest());
+    EXPECT_TRUE(says("3 entries")) << desk.sentence("noteTextField");
+    auto& list = desk.control<QTreeView>("list4");
+    ASSERT_TRUE(CleanDesk::chooseInMenu(list, desk.rowOf(list, "/u"), "Always Keep"));
+    EXPECT_TRUE(says("2 entries")) << desk.sentence("noteTextField");
+}
+
 // Nothing is called tidy that nobody has looked at.
 TEST(CleanTruth, AScanThatWasStoppedOrClosedSaysSo) {
     CleanDesk desk;
@@ -182,6 +201,7 @@ TEST(CleanTruth, AScanThatWasStoppedOrClosedSaysSo) {
     EXPECT_EQ(desk.textOf("titleLabel"), "Stopped before its end: there may be more");
     EXPECT_EQ(desk.textOf("emptyLabel"), "The scan was stopped before its end. There may be more.");
     EXPECT_EQ(picture(), "empty_search");
+    EXPECT_FALSE(desk.isShown("stateTextField")) << "0 of 0";
     desk.page->shouldSelectRow(6);
     EXPECT_EQ(desk.textOf("emptyLabel"), "Downloads: the scan was stopped before its end.");
     desk.page->shouldSelectRow(2);
@@ -200,6 +220,15 @@ TEST(CleanTruth, AScanThatWasStoppedOrClosedSaysSo) {
     EXPECT_EQ(picture(), "empty_error");
     CategoryListing silent;
     silent.closed.push_back({{}, "no answer for 5 seconds"});
+    CategoryListing open = silent;
+    for (const auto& [bytes, words] : {std::pair(10, "its socket"), {2'000, "it is open"}}) {
+        CleanRow& row = open.kept.emplace_back();
+        row.keptBytes = std::uint64_t(bytes);
+        row.keptWords = words;
+    }
+    const KeptWords kept = keptWords({{QStringLiteral("Trash"), &open}});
+    EXPECT_EQ(kept.count, QStringLiteral("kept: 3 entries, 2.01 KB"));
+    EXPECT_EQ(kept.because, QStringLiteral("because: it is open; and for other reasons"));
     EXPECT_EQ(keptLines({{QStringLiteral("Trash"), &silent}}).back().trimmed(),
               QStringLiteral("Trash"));
 }
@@ -218,7 +247,7 @@ TEST(CleanTruth, TheGainOfAnEarlierCleanIsNotToldLate) {
     desk.page->scanButtonAction();
     ASSERT_TRUE(desk.waitForRest());
     QTest::qWait(50);
-    EXPECT_FALSE(desk.isShown("gainLabel"));
+    EXPECT_FALSE(desk.isShown("gainLabel") || desk.isShown("gainReason"));
     EXPECT_EQ(desk.noted(), 1'000U);
     EXPECT_SOON(desk.sentence("noteTextField").starts_with("1.00 KB"));
     desk.list(UserCaches).toggleRow(0);
@@ -227,7 +256,15 @@ TEST(CleanTruth, TheGainOfAnEarlierCleanIsNotToldLate) {
     ASSERT_SOON(desk.state() == State::CleaningAll);
     ASSERT_TRUE(desk.waitForRest());
     ASSERT_SOON(desk.isShown("gainLabel"));
-    EXPECT_TRUE(desk.control("gainLabel").toolTip().startsWith(QStringLiteral("9.00 MB were")));
+    const auto isReason = [](const QString& words) {
+        return words.startsWith(QStringLiteral("9.00 MB were"));
+    };
+    EXPECT_TRUE(isReason(desk.control("gainLabel").toolTip()));
+    EXPECT_TRUE(isReason(desk.control("gainReason").accessibleDescription()));
+    desk.dialogs.willAnswer(0);
+    desk.control("gainReason").setFocus(Qt::TabFocusReason);
+    QTest::keyClick(&desk.control("gainReason"), Qt::Key_Space);
+    EXPECT_TRUE(isReason(desk.dialogs.alerts().back().text));
 }
 
 TEST(CleanTruth, WaitsForAnotherRemovalAndMayBeStoppedMeanwhile) {
