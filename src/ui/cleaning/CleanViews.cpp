@@ -111,9 +111,9 @@ QLayout* CleanViews::makeResultLine() {
     keptReason = named(new ElidedLabel, "keptReason");
     keptReason->setFont(Theme::shared().font(Theme::Text::Body));
     keptReason->setForegroundRole(QPalette::PlaceholderText);
-    keptReason->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
+    keptReason->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);  // what the others leave
     keptReason->hide();
-    result->addWidget(keptReason);
+    result->addWidget(keptReason, 1);
     result->addStretch();
     return result;
 }

@@ -236,6 +236,7 @@ void MainViewController::measureGain() {
             m_views->gainLabel->setToolTip(m_gainReason);
             m_views->gainReason->setAccessibleDescription(m_gainReason);
             m_views->gainReason->setVisible(!m_gainReason.isEmpty());
+            showKept();
         });
 }
 

@@ -88,8 +88,11 @@ void MainViewController::setCleanButtonState() {
 void MainViewController::showKept() {
     const KeptWords kept = m_state == State::Reviewing ? keptWords(shownListings()) : KeptWords();
     ResultFrame::showLine(*m_views->quietLine, kept.count);
-    ResultFrame::showLine(*m_views->keptReason, kept.because);
+    // Beside what was gained there is no room for it.
+    ResultFrame::showLine(*m_views->keptReason,
+                          m_views->gainLabel->isHidden() ? kept.because : QString());
     m_views->keptReason->setToolTip(kept.because);
+    m_views->quietLine->setToolTip(kept.because);
     m_views->quietLine->setAccessibleDescription(kept.because);
 }
 

@@ -235,7 +235,7 @@ TEST(CleanTruth, AScanThatWasStoppedOrClosedSaysSo) {
 
 // What the disk gave back is told with what was promised, and to the clean that it belongs to.
 TEST(CleanTruth, TheGainOfAnEarlierCleanIsNotToldLate) {
-    CleanDesk desk{{".cache/a", 1'000}, {".cache/b", 9'000'000}};
+    CleanDesk desk{{".cache/a", 1'000}, {".cache/b", 9'000'000}, {".cache/k/.git/x", 1}};
     desk.tickOnly({UserCaches});
     ASSERT_TRUE(desk.scan());
     desk.list(UserCaches).toggleRow(desk.list(UserCaches).scanFiles->at(0)->name == "a" ? 1 : 0);
@@ -248,6 +248,7 @@ TEST(CleanTruth, TheGainOfAnEarlierCleanIsNotToldLate) {
     ASSERT_TRUE(desk.waitForRest());
     QTest::qWait(50);
     EXPECT_FALSE(desk.isShown("gainLabel") || desk.isShown("gainReason"));
+    EXPECT_TRUE(desk.isShown("keptReason"));
     EXPECT_EQ(desk.noted(), 1'000U);
     EXPECT_SOON(desk.sentence("noteTextField").starts_with("1.00 KB"));
     desk.list(UserCaches).toggleRow(0);
@@ -256,6 +257,7 @@ TEST(CleanTruth, TheGainOfAnEarlierCleanIsNotToldLate) {
     ASSERT_SOON(desk.state() == State::CleaningAll);
     ASSERT_TRUE(desk.waitForRest());
     ASSERT_SOON(desk.isShown("gainLabel"));
+    EXPECT_TRUE(desk.isShown("quietLine") && !desk.isShown("keptReason")) << "no room for both";
     const auto isReason = [](const QString& words) {
         return words.startsWith(QStringLiteral("9.00 MB were"));
     };
