@@ -157,7 +157,7 @@ TEST(Applications, OfSnapGoByTheService) {
          State::Failed, "The snap service says: not found"},
         {json(202, "[]"), "", State::Failed, "The snap service gave no reason"},
         {"", "", State::Failed, "The snap service answers what makes no sense"},
-        {begun, "garbage", State::Failed, "The snap service answers what makes no sense"},
+        {begun, json(200, "[]"), State::Failed, "The snap service gave no reason"},
     };
     for (const Case& each : cases) {
         MadeUpMachine machine;
@@ -183,6 +183,39 @@ TEST(Applications, OfSnapGoByTheService) {
         EXPECT_EQ(removal.state, each.state) << each.removal;
         EXPECT_EQ(removal.reason, each.reason);
     }
+}
+
+TEST(Applications, OfSnapAreNotWaitedForByWhoeverStopsAtThePassword) {
+    MadeUpMachine machine;
+    const Descriptor silent = testing::silentSocket(machine.places.snapSocket);
+    std::atomic<bool> stop{false};
+    const std::jthread stopper([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        stop = true;
+    });
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(SnapService(machine.places.snapSocket).remove("code", stop).words, "stopped");
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
+}
+
+TEST(Applications, OfSnapAreFollowedThroughARestartOfTheService) {
+    MadeUpMachine machine;
+    std::optional<MadeUpSnapd> service;
+    service.emplace(
+        machine.places.snapSocket,
+        MadeUpSnapd::Answers{{"POST /v2/snaps/code ", "HTTP/1.1 202 x\r\n\r\n{\"change\":\"7\"}"}});
+    const std::jthread restarter([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(500));
+        service.reset();
+        std::filesystem::remove(machine.places.snapSocket);
+        service.emplace(
+            machine.places.snapSocket,
+            MadeUpSnapd::Answers{
+                {"GET /v2/changes/7 ",
+                 "HTTP/1.1 200 x\r\n\r\n{\"result\":{\"ready\":true,\"status\":\"Done\"}}"}});
+    });
+    const std::atomic<bool> never{false};
+    EXPECT_EQ(SnapService(machine.places.snapSocket).remove("code", never).words, "");
 }
 
 TEST(Applications, OfSnapAreTakenBackWhereTheServiceStillCan) {

@@ -29,14 +29,21 @@ using Moment = std::chrono::steady_clock::time_point;
 
 // A person looks for a password meanwhile.
 constexpr std::chrono::minutes personPatience(10);
+// A service that is asked how things stand, or to take something back, answers at once.
+constexpr std::chrono::seconds servicePatience(10);
 constexpr std::size_t mostAnswer = std::size_t{16} << 20U;
 
-bool waitsFor(int socket, short what, Moment end) {
+// What has come before the flag was raised is not lost.
+bool waitsFor(int socket, short what, Moment end, const std::atomic<bool>* stop = nullptr) {
+    constexpr std::chrono::milliseconds turn(100);
     for (;;) {
+        const bool isStopped = stop != nullptr && *stop;
+        const auto left = timeUntil(end);
+        const auto wait = isStopped ? left.zero() : stop == nullptr ? left : std::min(left, turn);
         pollfd source{socket, what, 0};
-        const int ready = ::poll(&source, 1, static_cast<int>(timeUntil(end).count()));
+        const int ready = ::poll(&source, 1, static_cast<int>(wait.count()));
         if (ready < 0 && errno == EINTR) continue;
-        return ready > 0;
+        if (ready != 0 || isStopped || wait == left) return ready > 0;
     }
 }
 
@@ -65,11 +72,11 @@ bool sends(int socket, std::string_view bytes, Moment end) {
     return true;
 }
 
-std::optional<std::string> received(int socket, Moment end) {
+std::optional<std::string> received(int socket, Moment end, const std::atomic<bool>* stop) {
     std::string out;
     std::array<char, 16384> piece;
     for (;;) {
-        if (!waitsFor(socket, POLLIN, end)) return std::nullopt;
+        if (!waitsFor(socket, POLLIN, end, out.empty() ? stop : nullptr)) return std::nullopt;
         const ssize_t count = ::recv(socket, piece.data(), piece.size(), 0);
         if (count == 0) return out;
         if (count < 0 && errno != EINTR && errno != EAGAIN) return std::nullopt;
@@ -157,7 +164,8 @@ std::optional<SnapAnswer> httpAnswer(std::string_view bytes) {
 
 tl::expected<SnapAnswer, std::string> SnapService::ask(std::string_view method,
                                                        std::string_view path, std::string_view body,
-                                                       std::chrono::milliseconds patience) const {
+                                                       std::chrono::milliseconds patience,
+                                                       const std::atomic<bool>* stop) const {
     const Moment end = std::chrono::steady_clock::now() + patience;
     const Descriptor socket = connected(m_socket, end);
     if (!socket.isOpen()) return tl::unexpected(std::string("The snap service is not there"));
@@ -165,8 +173,9 @@ tl::expected<SnapAnswer, std::string> SnapService::ask(std::string_view method,
         "{} {} HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\nX-Allow-Interaction: true\r\n"
         "Content-Type: application/json\r\nContent-Length: {}\r\n\r\n{}",
         method, path, body.size(), body);
-    const auto bytes = sends(socket.get(), request, end) ? received(socket.get(), end)
+    const auto bytes = sends(socket.get(), request, end) ? received(socket.get(), end, stop)
                                                          : std::optional<std::string>();
+    if (!bytes && stop != nullptr && *stop) return tl::unexpected(std::string("stopped"));
     if (!bytes) return tl::unexpected(std::string("The snap service does not answer"));
     auto answer = httpAnswer(*bytes);
     if (!answer) return tl::unexpected(std::string("The snap service answers what makes no sense"));
@@ -200,7 +209,7 @@ tl::expected<std::vector<SnapFacts>, std::string> SnapService::snaps() const {
 bool SnapService::aborts(const std::string& change) const {
     constexpr int success = 200;
     const auto answer =
-        ask("POST", "/v2/changes/" + change, R"({"action":"abort"})", personPatience);
+        ask("POST", "/v2/changes/" + change, R"({"action":"abort"})", servicePatience);
     return answer && answer->status == success;
 }
 
@@ -209,13 +218,18 @@ SnapCourse SnapService::follow(const std::string& change, const std::atomic<bool
     SnapCourse out;
     bool isStopping = false;
     const Moment end = std::chrono::steady_clock::now() + personPatience;
-    while (timeUntil(end).count() > 0) {
+    Moment patience = end;  // with a service that keeps silent; whoever wants to stop has less
+    for (; timeUntil(end).count() > 0; std::this_thread::sleep_for(pause)) {
         if (stop && !isStopping && !out.couldNotStop) {
             isStopping = aborts(change);
             out.couldNotStop = !isStopping;
         }
-        const auto asked = ask("GET", "/v2/changes/" + change, {}, timeUntil(end));
+        const auto asked = ask("GET", "/v2/changes/" + change, {}, servicePatience);
+        if (stop) patience = std::min(patience, std::chrono::steady_clock::now() + servicePatience);
+        // It goes on with a change when it has come back from an update of its own.
+        if (!asked && timeUntil(patience).count() > 0) continue;
         if (!asked) return {asked.error(), false, out.couldNotStop};
+        patience = end;
         const Json now = Json::parse(asked->body, nullptr, false);
         const auto result = now.is_object() ? now.find("result") : now.end();
         if (result == now.end() || !result->is_object()) return failureIn(now);
@@ -229,14 +243,14 @@ SnapCourse SnapService::follow(const std::string& change, const std::atomic<bool
             else if (out.words.empty()) out.words = "The snap service gave no reason";
             return out;
         }
-        std::this_thread::sleep_for(pause);
     }
     return {"The snap service does not answer", false, out.couldNotStop};
 }
 
 SnapCourse SnapService::remove(const std::string& name, const std::atomic<bool>& stop) const {
     constexpr int accepted = 202;
-    const auto begun = ask("POST", "/v2/snaps/" + name, R"({"action":"remove"})", personPatience);
+    const auto begun =
+        ask("POST", "/v2/snaps/" + name, R"({"action":"remove"})", personPatience, &stop);
     if (!begun) return {begun.error()};
     const Json answer = Json::parse(begun->body, nullptr, false);
     const std::string change = answer.is_object() ? textIn(answer, "change") : std::string();

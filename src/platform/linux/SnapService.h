@@ -42,17 +42,18 @@ class SnapService final {
 public:
     explicit SnapService(std::string socket) : m_socket(std::move(socket)) {}
 
-    /// The answer, or why there is none.
+    /// The answer, or why there is none: "stopped" where the flag, which may be null, was raised
+    /// before the first of it came.
     [[nodiscard]] tl::expected<SnapAnswer, std::string> ask(
         std::string_view method, std::string_view path, std::string_view body,
-        std::chrono::milliseconds patience) const;
+        std::chrono::milliseconds patience, const std::atomic<bool>* stop = nullptr) const;
 
     /// All that is installed, or why nobody can tell.
     [[nodiscard]] tl::expected<std::vector<SnapFacts>, std::string> snaps() const;
 
     /// Removes a snap with all its revisions, and waits until it is gone. The person may be asked
-    /// for a password. A set flag asks the service to take back what it has begun; one that does
-    /// not any more is waited for to its end.
+    /// for a password; a set flag ends the wait for it. Later it asks the service to take back what
+    /// it has begun; one that does not any more is waited for to its end.
     [[nodiscard]] SnapCourse remove(const std::string& name, const std::atomic<bool>& stop) const;
 
 private:
