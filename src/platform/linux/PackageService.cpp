@@ -83,7 +83,7 @@ private:
         m_isStopping = call(m_path.c_str(), transactionInterface, "Cancel",
                             [](Message*) { return true; }) != nullptr;
         m_course = std::move(before);
-        if (!m_isStopping) m_end.reset();
+        m_end.reset();
         m_course.couldNotStop = !m_isStopping;
         return true;
     }
@@ -208,6 +208,7 @@ private:
         constexpr std::uint32_t success = 1;
         constexpr std::uint32_t cancelled = 3;
         m_isOver = true;
+        if (m_isStopping) m_course.couldNotStop = exit == success;
         if (exit == success) m_course.end = End::Success;
         else if (m_isStopping) m_course.end = End::Stopped;
         else if (m_course.error == PackageCourse::CannotGetLock) m_course.end = End::Busy;
