@@ -3879,6 +3879,18 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>free space grew by %1</source>
         <translation>freier Platz wuchs um %1</translation>
     </message>
+    <message>
+        <source>Could not be read</source>
+        <translation>Nicht lesbar</translation>
+    </message>
+    <message>
+        <source>Not all could be read</source>
+        <translation>Nicht alles war lesbar</translation>
+    </message>
+    <message>
+        <source>Of these kinds more may be installed than is listed</source>
+        <translation>Von diesen Arten kann mehr installiert sein, als aufgeführt ist</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::UninstallAppsModel</name>
@@ -4090,6 +4102,22 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>%1 more follow</source>
         <translation>%1 weitere folgen</translation>
+    </message>
+    <message>
+        <source>1 more goes along</source>
+        <translation>1 weiteres wird mit entfernt</translation>
+    </message>
+    <message>
+        <source>%1 more go along</source>
+        <translation>%1 weitere werden mit entfernt</translation>
+    </message>
+    <message>
+        <source>1 stays</source>
+        <translation>1 bleibt</translation>
+    </message>
+    <message>
+        <source>%1 stay</source>
+        <translation>%1 bleiben</translation>
     </message>
 </context>
 <context>

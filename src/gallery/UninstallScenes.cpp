@@ -178,7 +178,7 @@ UninstallPageParts partsOf(const Machine& machine) {
             constexpr std::chrono::milliseconds pause(20);
             while (SampleWork::isHeld) std::this_thread::sleep_for(pause);
         }
-        return found;
+        return FoundApplications{found, {}};
     };
     parts.measure = [](const ApplicationRecord& record, const std::atomic<bool>& /*stop*/) {
         return measured(record);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <functional>
+#include <unordered_map>
 #include <utility>
 
 #include "engine/base/saturating.h"
@@ -192,12 +193,25 @@ std::vector<Leftover> findLeftovers(const FileSystem& files, const LeftoverPlace
         .run();
 }
 
-std::vector<Leftover> findLeftoversOf(const FileSystem& files, const LeftoverPlaces& places,
-                                      const LeftoverRules& rules, const ApplicationRecord& record,
-                                      const std::atomic<bool>& stop) {
-    return Search(files, places, rules, stop,
-                  [&](const auto& verdict, const std::string&) { return verdict.isOf(record); })
-        .run();
+std::vector<std::vector<Leftover>> findLeftoversOf(
+    const FileSystem& files, const LeftoverPlaces& places, const LeftoverRules& rules,
+    const std::vector<const ApplicationRecord*>& records, const std::atomic<bool>& stop) {
+    std::unordered_multimap<std::string, std::size_t> byPath;
+    for (std::size_t i = 0; i < records.size(); ++i) byPath.emplace(records[i]->path, i);
+    const auto ownersOf = [&](const LeftoverVerdict& verdict) {
+        std::vector<std::size_t> out;
+        const auto [begin, end] = byPath.equal_range(verdict.ownerPath);
+        for (auto each = begin; each != end; ++each)
+            if (verdict.isOf(*records[each->second])) out.push_back(each->second);
+        return out;
+    };
+    std::vector<std::vector<Leftover>> out(records.size());
+    for (const Leftover& each :
+         Search(files, places, rules, stop, [&](const auto&verdict, const std::string&) {
+             return !ownersOf(verdict).empty();
+         }).run())
+        for (const std::size_t owner : ownersOf(each)) out[owner].push_back(each);
+    return out;
 }
 
 }  // namespace orrinvale

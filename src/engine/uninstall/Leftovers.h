@@ -43,12 +43,11 @@ struct LeftoverPlaces {
                                                   const LeftoverRules& rules, const std::string& of,
                                                   const std::atomic<bool>& stop);
 
-/// The same of this very application, and of none that bears its name.
-[[nodiscard]] std::vector<Leftover> findLeftoversOf(const FileSystem& files,
-                                                    const LeftoverPlaces& places,
-                                                    const LeftoverRules& rules,
-                                                    const ApplicationRecord& record,
-                                                    const std::atomic<bool>& stop);
+/// The same of these very applications, one answer each, and of none that bears their names. The
+/// places are looked through once for all of them.
+[[nodiscard]] std::vector<std::vector<Leftover>> findLeftoversOf(
+    const FileSystem& files, const LeftoverPlaces& places, const LeftoverRules& rules,
+    const std::vector<const ApplicationRecord*>& records, const std::atomic<bool>& stop);
 
 /// Whether a file of this name is worth a second look before it goes: a document, mail, a database.
 [[nodiscard]] bool isPreciousName(std::string_view name);

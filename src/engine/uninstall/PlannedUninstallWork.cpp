@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <string_view>
 #include <tuple>
+#include <unordered_map>
 #include <utility>
 
 #include "engine/uninstall/UninstallAppInfo.h"
@@ -29,13 +31,20 @@ constexpr const char* noAnswer = "what would go along could not be found out in 
 // What is not there any more as a person saw it stays; of a kind that keeps silent nobody knows.
 AppItemsArray putAmong(AppItemsArray& installed, const ApplicationInventory& rest,
                        const std::vector<AppItems>& items, PlanDoubts& doubts) {
+    std::unordered_multimap<std::string_view, std::size_t> byPath;
+    for (std::size_t i = 0; i < installed.size(); ++i)
+        byPath.emplace(installed[i]->record->path, i);
     AppItemsArray out;
+    // The records of all of them, since the map stands on theirs.
+    const AppItemsArray before = installed;
     for (const AppItems& each : items) {
         out.push_back(std::make_shared<AppItems>(each));
-        const auto found = std::ranges::find_if(
-            installed, [&](const auto& other) { return isSame(*other->record, *each.record); });
-        if (found != installed.end()) {
-            *found = out.back();
+        const auto [begin, end] = byPath.equal_range(each.record->path);
+        const auto found = std::find_if(begin, end, [&](const auto& other) {
+            return isSame(*before[other.second]->record, *each.record);
+        });
+        if (found != end) {
+            installed[found->second] = out.back();
             continue;
         }
         const auto silent = rest.unread.find(each.record->type);
@@ -51,8 +60,8 @@ bool goesToTrash(const AppItems& item) {
 }
 
 // Leftovers that are not offered would else look like ones that are not there.
-std::vector<std::string> notesOf(const UninstallPlan& plan, const ApplicationInventory& rest) {
-    std::vector<std::string> out = plan.stays;
+std::vector<std::string> warningsOf(const ApplicationInventory& rest) {
+    std::vector<std::string> out;
     for (const auto& [type, reason] : rest.unread)
         out.push_back("What is left in the home is not offered, since others may use it: " +
                       reason);
@@ -62,14 +71,15 @@ std::vector<std::string> notesOf(const UninstallPlan& plan, const ApplicationInv
 }  // namespace
 
 // The program itself decides; what stays of its entries is told when it does.
-void PlannedUninstallWork::refuseWithoutTrash(UninstallPlan& plan) const {
-    if (!m_noTrash) return;
+void PlannedUninstallWork::refuseWithoutTrash(UninstallPlan& plan, const NoTrash& noTrash) {
+    if (!noTrash) return;
     for (UninstallPlan::App& each : plan.apps)
         if (each.refusal.empty() && goesToTrash(*each.item) && !each.entries.empty())
-            each.refusal = m_noTrash(each.entries.front().path);
+            each.refusal = noTrash(each.entries.front().path);
 }
 
 void PlannedUninstallWork::takeLeftovers(UninstallForecast& forecast, std::vector<Leftover> found,
+                                         const NoTrash& noTrash,
                                          std::vector<std::string>& notes) const {
     for (Leftover& each : found) {
         // The snap service takes these itself.
@@ -79,7 +89,7 @@ void PlannedUninstallWork::takeLeftovers(UninstallForecast& forecast, std::vecto
             notes.push_back("Could not be looked through and is not offered: " + each.path);
             continue;
         }
-        const std::string reason = m_noTrash ? m_noTrash(each.path) : std::string();
+        const std::string reason = noTrash ? noTrash(each.path) : std::string();
         if (reason.empty()) forecast.leftovers.push_back(std::move(each));
         else forecast.noTrash = reason;
     }
@@ -104,13 +114,17 @@ UninstallOutlook PlannedUninstallWork::forecast(const std::vector<AppItems>& ite
     UninstallPlan plan = planUninstall(m_parts, ticked, installed, stop, doubts);
     for (UninstallPlan::App& each : plan.apps)
         if (stop && each.refusal == "stopped") each.refusal = noAnswer;
-    refuseWithoutTrash(plan);
+    const NoTrash noTrash = m_noTrash;
+    refuseWithoutTrash(plan, noTrash);
     const std::vector<RunState> running = runningOf(items);
     UninstallOutlook out;
-    out.notes = notesOf(plan, info.rest());
+    out.warnings = warningsOf(info.rest());
+    out.notes = plan.stays;
     out.isListOld = std::ranges::any_of(
         doubts.refusals, [](const auto& each) { return each.second == notAsListed; });
-    bool isCutOff = false;
+    // Those of them that may go and leave something, with their numbers.
+    std::vector<const ApplicationRecord*> leaving;
+    std::vector<std::size_t> numbers;
     for (std::size_t i = 0; i < items.size(); ++i) {
         const UninstallPlan::App& app = plan.apps.at(i);
         UninstallForecast& told = out.apps.emplace_back();
@@ -122,12 +136,13 @@ UninstallOutlook PlannedUninstallWork::forecast(const std::vector<AppItems>& ite
         told.stays = app.stays;
         for (const PlannedEntry& each : app.entries) told.paths.push_back(each.path);
         if (items[i].record->type == ApplicationType::App) continue;
-        takeLeftovers(told,
-                      findLeftoversOf(*m_parts.files, m_places, rules, *items[i].record, stop),
-                      out.notes);
-        isCutOff = isCutOff || stop;
+        leaving.push_back(items[i].record.get());
+        numbers.push_back(i);
     }
-    if (isCutOff) out.notes.emplace_back(noTime);
+    auto left = findLeftoversOf(*m_parts.files, m_places, rules, leaving, stop);
+    if (stop && !leaving.empty()) out.warnings.emplace_back(noTime);
+    for (std::size_t i = 0; i < left.size(); ++i)
+        takeLeftovers(out.apps[numbers[i]], std::move(left[i]), noTrash, out.notes);
     out.plan = std::make_shared<const UninstallPlan>(std::move(plan));
     return out;
 }

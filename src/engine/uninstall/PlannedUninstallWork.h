@@ -20,7 +20,8 @@ class PlannedUninstallWork final : public UninstallWork {
 public:
     /// Asks a program to end as its person would; false where there is no way to.
     using Quit = std::function<bool(const ApplicationRecord& record)>;
-    /// Why the trash can not take the entry at a path, for people; empty where it can.
+    /// Why the trash can not take the entry at a path, for people; empty where it can. Each
+    /// forecast asks a copy of its own, which may keep what it has read.
     using NoTrash = std::function<std::string(const std::string& path)>;
 
     /// What is pointed to outlives the object.
@@ -43,9 +44,9 @@ public:
 
 private:
     [[nodiscard]] std::vector<RunState> runningOf(const std::vector<AppItems>& items) const;
-    void refuseWithoutTrash(UninstallPlan& plan) const;
+    static void refuseWithoutTrash(UninstallPlan& plan, const NoTrash& noTrash);
     void takeLeftovers(UninstallForecast& forecast, std::vector<Leftover> found,
-                       std::vector<std::string>& notes) const;
+                       const NoTrash& noTrash, std::vector<std::string>& notes) const;
 
     [[nodiscard]] bool hasRemoved(const UninstallPlan::App& app) const;
 

@@ -78,7 +78,8 @@ std::string UninstallList::keyOf(const std::string& name) const {
     return m_nameKey ? m_nameKey(name) : name;
 }
 
-void UninstallList::setFound(const AppItemsArray& found) {
+void UninstallList::setFound(const AppItemsArray& found,
+                             const std::map<ApplicationType, std::string>& unread) {
     std::unordered_map<std::string, std::shared_ptr<AppItems>> before;
     for (const auto& each : m_searchAllAppArr) before.emplace(identityOf(*each), each);
     AppItemsArray all;
@@ -92,7 +93,10 @@ void UninstallList::setFound(const AppItemsArray& found) {
         takeOver(*known.mapped(), *each);
         all.push_back(known.mapped());
     }
-    m_searchAllAppArr = std::move(all);
+    const AppItemsArray old = std::exchange(m_searchAllAppArr, std::move(all));
+    for (const auto& each : old)
+        if (unread.contains(each->record->type) && before.contains(identityOf(*each)))
+            m_searchAllAppArr.push_back(each);
     show();
 }
 

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -13,6 +14,13 @@
 #include "engine/uninstall/AppItems.h"
 
 namespace orrinvale {
+
+/// What a search has found.
+struct FoundApplications {
+    AppItemsArray items;
+    /// Kinds that could not all be read, and why, for people.
+    std::map<ApplicationType, std::string> unread;
+};
 
 /// Ticks stand in the records, so that they outlast a change of filter; but all that is asked of
 /// ticks here looks at what is shown alone, so that nothing goes that nobody sees. Main thread
@@ -35,9 +43,11 @@ public:
     [[nodiscard]] const AppItemsArray& allApplications() const { return m_allApplications; }
     [[nodiscard]] const AppItemsArray& searchAllAppArr() const { return m_searchAllAppArr; }
 
-    /// What an inventory has found. A record that was there before stays the same object, with its
-    /// tick, and with its size where neither version nor date is another.
-    void setFound(const AppItemsArray& found);
+    /// What an inventory has found. Of a kind that could not be read what was there before stays,
+    /// since nobody can say that it is gone. A record that was there before stays the same object,
+    /// with its tick, and with its size where neither version nor date is another.
+    void setFound(const AppItemsArray& found,
+                  const std::map<ApplicationType, std::string>& unread = {});
     void takeOut(const AppItemsArray& removed);
 
     [[nodiscard]] std::int32_t nowSelectRow() const { return m_nowSelectRow; }

@@ -32,6 +32,7 @@ struct UninstallForecast {
 /// keeps to it, so that a later answer to another question changes nothing.
 struct UninstallOutlook {
     std::vector<UninstallForecast> apps;  ///< one for each that was asked about, in their order
+    std::vector<std::string> warnings;    ///< sentences about all of them, which are few
     std::vector<std::string> notes;       ///< sentences about some of them
     bool isListOld = false;               ///< some are not installed any more as they were listed
     std::shared_ptr<const UninstallPlan> plan;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <set>
 #include <utility>
 
@@ -103,18 +104,17 @@ std::vector<std::string> wentBesides(const DpkgDatabase& before, const DpkgDatab
     return out;
 }
 
-// Which of the records takes the package along.
-std::size_t takerOf(const DpkgDatabase& database, const std::vector<ApplicationRecord>& records,
-                    std::string_view name) {
-    for (std::size_t i = 0; i < records.size(); ++i) {
+// By name, the first of the records that takes a package along.
+std::map<std::string_view, std::size_t> takersIn(const DpkgDatabase& database,
+                                                 const std::vector<ApplicationRecord>& records,
+                                                 const std::atomic<bool>& stop) {
+    std::map<std::string_view, std::size_t> out;
+    for (std::size_t i = 0; i < records.size() && !stop; ++i) {
         const DpkgPackage* const own = database.installed(records[i].package);
         if (own == nullptr) continue;
-        const auto along = database.takenAlongBy(*own);
-        if (std::any_of(along.begin(), along.end(),
-                        [&](const DpkgPackage* each) { return each->name == name; }))
-            return i;
+        for (const DpkgPackage* each : database.takenAlongBy(*own)) out.emplace(each->name, i);
     }
-    return 0;
+    return out;
 }
 
 }  // namespace
@@ -141,6 +141,12 @@ RemovalForecast DebApplications::forecast(const std::vector<ApplicationRecord>& 
     }
     out.promised = sortedIds(*going);
     const PackageFoundations foundations(database, m_places);
+    // For what no record of dpkg's explains the first one answers.
+    auto takers = takersIn(database, records, waiting.stop);
+    if (waiting.stop) {
+        out.refusal = "stopped";
+        return out;
+    }
     for (const ServicePackage& each : *going) {
         const std::string name(each.name());
         const std::string_view why =
@@ -151,9 +157,7 @@ RemovalForecast DebApplications::forecast(const std::vector<ApplicationRecord>& 
                                   : fmt::format("{} would go along: {}", name, why);
             return out;
         }
-        if (!isAsked)
-            out.along.push_back(
-                {takerOf(database, records, name), name, std::string(each.version())});
+        if (!isAsked) out.along.push_back({takers[each.name()], name, std::string(each.version())});
     }
     for (std::size_t i = 0; i < records.size(); ++i) {
         const ApplicationRecord& each = records[i];

@@ -75,26 +75,28 @@ void UninstallAppsController::quitRunning(std::size_t number) {
         [work = m_parts.work, record = question->record(number)] {
             return work->askToQuit(*record);
         },
-        [this, question, number](bool isAsked) {
+        [self = QPointer(this), question, number](bool isAsked) {
             if (!isAsked) question->showCannotQuit(number);
-            if (question == m_question) lookAtRunning(number, firstRunningPause);
+            if (self != nullptr && question->beginsToLook(number))
+                self->lookAtRunning(question, number, firstRunningPause);
         });
 }
 
 // It may ask its person to save before it goes, so it is looked at until it has. What nobody can
 // tell now is not known a second later either.
-void UninstallAppsController::lookAtRunning(std::size_t number, std::chrono::milliseconds pause) {
-    UninstallQuestion* const question = m_question;
-    if (question == nullptr) return;
+void UninstallAppsController::lookAtRunning(UninstallQuestion* question, std::size_t number,
+                                            std::chrono::milliseconds pause) {
+    if (question != m_question) return;
     runAside(
         question, "a running application",
         [work = m_parts.work, record = question->record(number)] { return work->running(*record); },
-        [this, question, number, pause](RunState state) {
+        [self = QPointer(this), question, number, pause](RunState state) {
             question->showRunning(number, state);
-            if (state == RunState::No || question != m_question) return;
+            if (state == RunState::No) return;
             const auto wait = state == RunState::Unknown ? longestRunningPause : pause;
-            QTimer::singleShot(wait, question, [this, number, wait] {
-                lookAtRunning(number, std::min(2 * wait, longestRunningPause));
+            QTimer::singleShot(wait, question, [self, question, number, wait] {
+                if (self != nullptr)
+                    self->lookAtRunning(question, number, std::min(2 * wait, longestRunningPause));
             });
         });
 }

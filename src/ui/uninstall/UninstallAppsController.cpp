@@ -22,7 +22,9 @@
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/controls/Spinner.h"
+#include "ui/kit/dialogs/LineList.h"
 #include "ui/kit/dialogs/Sheet.h"
+#include "ui/kit/dialogs/failureWords.h"
 #include "ui/kit/lists/LeftRail.h"
 #include "ui/kit/lists/TickBox.h"
 #include "ui/page/Padlock.h"
@@ -125,6 +127,12 @@ void UninstallAppsController::connectControls() {
     connect(views.uninstallButton, &QAbstractButton::clicked, this, &Self::uninstallButtonAction);
     connect(views.stopButton, &QAbstractButton::clicked, this, &Self::stopButtonAction);
     connect(views.failureLine, &QAbstractButton::clicked, this, &Self::showFailures);
+    connect(views.quietLine, &QAbstractButton::clicked, this, [this] {
+        QStringList lines;
+        for (const auto& [type, reason] : m_unread)
+            lines.push_back(QStringLiteral("%1: %2").arg(kindWord(type), inWords(reason)));
+        showLineList(m_mainWindow, tr("Could not be read"), lines);
+    });
     connect(views.filterField, &QLineEdit::textChanged, this, &Self::filter);
     UninstallAppsTable& table = *views.tableView;
     connect(table.header(), &QHeaderView::sectionClicked, this, &Self::sortByColumn);
@@ -189,7 +197,7 @@ void UninstallAppsController::beginSearchApps() {
 
 void UninstallAppsController::search() {
     struct Found {
-        AppItemsArray items;
+        FoundApplications applications;
         std::string stamp;
     };
     enter(m_isScaned ? State::ListingAnew : State::Searching);
@@ -199,7 +207,7 @@ void UninstallAppsController::search() {
             // The stamp first: what changes meanwhile is then seen as a change.
             Found found{{}, parts.stamp ? parts.stamp() : std::string()};
             // A list that stands is not replaced piece by piece.
-            found.items = parts.inventory([&](const AppItemsArray& soFar) {
+            found.applications = parts.inventory([&](const AppItemsArray& soFar) {
                 if (!isFirst) return;
                 QMetaObject::invokeMethod(
                     QCoreApplication::instance(),
@@ -210,8 +218,9 @@ void UninstallAppsController::search() {
             });
             return found;
         },
-        [this](const Found& found) { searchAppsFinished(found.items, found.stamp); });
-    if (m_twSearchApplications == nullptr) searchAppsFinished(m_list.searchAllAppArr(), {});
+        [this](const Found& found) { searchAppsFinished(found.applications, found.stamp); });
+    if (m_twSearchApplications == nullptr)
+        searchAppsFinished({m_list.searchAllAppArr(), m_unread}, {});
 }
 
 // News may come behind the whole.
@@ -222,11 +231,12 @@ void UninstallAppsController::showFoundSoFar(const AppItemsArray& soFar) {
     showRows();
 }
 
-void UninstallAppsController::searchAppsFinished(const AppItemsArray& found,
+void UninstallAppsController::searchAppsFinished(const FoundApplications& found,
                                                  const std::string& stamp) {
     // The table asks for its old rows once more before it lets them go.
     const AppItemsArray before = m_list.searchAllAppArr();
-    m_list.setFound(found);
+    m_list.setFound(found.items, found.unread);
+    m_unread = found.unread;
     Log::line("*******************Refresh uninstall table view*******************");
     m_stamp = m_lastStamp = stamp;
     m_isScaned = true;
@@ -234,6 +244,7 @@ void UninstallAppsController::searchAppsFinished(const AppItemsArray& found,
     cancelSearchApps();
     m_twSearchApplications.reset();
     enter(State::Ready);
+    showUnread();
     showLeftRows();
     showRows();
     m_sizes.fillIn(m_list.searchAllAppArr());
@@ -258,6 +269,12 @@ void UninstallAppsController::lookForChanges() {
             if (stamp != m_stamp && isSettled) refresh();
         });
     if (worker == nullptr) m_isLooking = false;
+}
+
+void UninstallAppsController::showUnread() {
+    ResultFrame::showLine(*m_views->quietLine,
+                          m_unread.empty() ? QString() : tr("Not all could be read"));
+    m_views->quietLine->setToolTip(tr("Of these kinds more may be installed than is listed"));
 }
 
 // The list, or words in its place where there is nothing to list.

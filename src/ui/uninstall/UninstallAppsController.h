@@ -11,6 +11,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -42,7 +43,7 @@ class UninstallQuestion;
 struct UninstallPageParts {
     /// Told of what is found so far, each kind behind the other.
     using News = std::function<void(const AppItemsArray& soFar)>;
-    std::function<AppItemsArray(const News& news)> inventory;
+    std::function<FoundApplications(const News& news)> inventory;
     ApplicationSizes::Measure measure;
     /// Another text when something was installed or removed; empty: nobody can tell.
     std::function<std::string()> stamp{};
@@ -117,7 +118,8 @@ private:
     void connectKeys();
     void search();
     void showFoundSoFar(const AppItemsArray& soFar);
-    void searchAppsFinished(const AppItemsArray& found, const std::string& stamp);
+    void searchAppsFinished(const FoundApplications& found, const std::string& stamp);
+    void showUnread();
     void lookForChanges();
     void showFitting();
     void showTitle();
@@ -142,7 +144,8 @@ private:
     void showAlertForUninstall();
     void askForForecast(const AppItemsArray& items);
     void quitRunning(std::size_t number);
-    void lookAtRunning(std::size_t number, std::chrono::milliseconds pause);
+    void lookAtRunning(UninstallQuestion* question, std::size_t number,
+                       std::chrono::milliseconds pause);
     void alertEnded_code(int code);
     void beginRemoval(const std::shared_ptr<const UninstallPlan>& plan,
                       std::vector<UninstallRequest> requests);
@@ -176,9 +179,10 @@ private:
     QPointer<Sheet> m_listWindow;
     QPointer<Sheet> m_alert;
     QPointer<UninstallQuestion> m_question;
-    AppItemsArray m_asked;           // that the question is about
-    std::shared_ptr<Batch> m_batch;  // what was agreed to; null before and after
-    QStringList m_failures;          // lines of the last removal
+    AppItemsArray m_asked;                            // that the question is about
+    std::shared_ptr<Batch> m_batch;                   // what was agreed to; null before and after
+    QStringList m_failures;                           // lines of the last removal
+    std::map<ApplicationType, std::string> m_unread;  // of the last search
     QTimer m_progressTimer;
     QTimer m_changeTimer;     // looks for changes while somebody sees the page
     QTimer m_repaintTimer;    // answers all pictures that came in one turn by one drawing

@@ -265,6 +265,7 @@ void UninstallAppsController::showFailures() {
 void UninstallAppsController::giveUp() {
     if (!m_batch) return;
     m_batch->stop = true;
+    if (m_views->resultView == nullptr) return;  // it went with its window
     m_views->stopButton->setEnabled(false);
     showRemoving();
 }

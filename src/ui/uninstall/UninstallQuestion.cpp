@@ -163,6 +163,9 @@ void UninstallQuestion::addParts(QVBoxLayout& column, const AppItemsArray& items
     m_waiting->setText(tr("Finding out what goes along ..."));
     m_waiting->setWordWrap(true);
     m_waiting->setAlignment(Qt::AlignLeading);
+    m_summary = new QVBoxLayout;
+    m_summary->setSpacing(Theme::gapTiny);
+    column.addLayout(m_summary);
     column.addWidget(m_area, 1);
     column.addWidget(m_waiting);
 }
@@ -189,6 +192,25 @@ void UninstallQuestion::addBlock() {
         part.lines->addWidget(name);
         if (m_outlook) fillPart(part, m_shown);
     }
+}
+
+// What stands far down, or is never scrolled to, is agreed to as well.
+void UninstallQuestion::addSummary() {
+    std::size_t along = 0;
+    std::size_t staying = 0;
+    for (const UninstallForecast& each : m_outlook->apps) {
+        if (each.refusal.empty()) along += each.goesAlong.size();
+        else ++staying;
+    }
+    QStringList words;
+    const auto number = [](std::size_t count) { return QLocale().toString(qulonglong(count)); };
+    if (along == 1) words.push_back(tr("1 more goes along"));
+    else if (along != 0) words.push_back(tr("%1 more go along").arg(number(along)));
+    if (staying == 1) words.push_back(tr("1 stays"));
+    else if (staying != 0) words.push_back(tr("%1 stay").arg(number(staying)));
+    if (!words.empty() && m_parts.size() > 1)
+        addLine(*m_summary, words.join(QStringLiteral(", ")), false);
+    for (const std::string& each : m_outlook->warnings) addLine(*m_summary, inWords(each));
 }
 
 // Each sentence names its own application.
@@ -233,6 +255,7 @@ void UninstallQuestion::showForecast(const UninstallOutlook& outlook) {
         if (number < m_shown) fillPart(m_parts[number], number);
         mayAny = mayAny || m_parts[number].forecast.refusal.empty();
     }
+    addSummary();
     m_nextTurn.start();
     uninstallYes->setEnabled(mayAny);
     uninstallYes->setToolTip(mayAny ? QString() : tr("None of them can be removed"));
@@ -280,8 +303,10 @@ void UninstallQuestion::addRunning(Part& part, std::size_t number) {
     part.runningLabel = makeLabel("runningLabel", Theme::Text::Body);
     part.runningLabel->setText(tr("It is running."));
     part.quitButton = named(new TextImageButton(tr("Close It")), "quitButton");
-    connect(part.quitButton, &QAbstractButton::clicked, this,
-            [this, number] { Q_EMIT quitWanted(number); });
+    connect(part.quitButton, &QAbstractButton::clicked, this, [this, number] {
+        m_parts[number].quitButton->setEnabled(false);
+        Q_EMIT quitWanted(number);
+    });
     row->addWidget(part.runningLabel);
     row->addWidget(part.quitButton);
     row->addStretch();
@@ -290,7 +315,13 @@ void UninstallQuestion::addRunning(Part& part, std::size_t number) {
 
 void UninstallQuestion::showRunning(std::size_t number, RunState state) {
     const Part& part = m_parts.at(number);
-    if (part.running != nullptr) part.running->setVisible(state != RunState::No);
+    if (part.running == nullptr) return;
+    part.running->setVisible(state != RunState::No);
+    part.quitButton->setEnabled(true);
+}
+
+bool UninstallQuestion::beginsToLook(std::size_t number) {
+    return !std::exchange(m_parts.at(number).isLookedAt, true);
 }
 
 void UninstallQuestion::showCannotQuit(std::size_t number) {

@@ -33,6 +33,8 @@ public:
     void showSilence(const QString& reason);
     /// Of the application of this number.
     void showRunning(std::size_t number, RunState state);
+    /// True once for each: one that was asked to quit is looked at until the sheet is shut.
+    [[nodiscard]] bool beginsToLook(std::size_t number);
     /// There is no way to ask it to quit.
     void showCannotQuit(std::size_t number);
 
@@ -64,6 +66,7 @@ private:
         QWidget* running = nullptr;
         QLabel* runningLabel = nullptr;
         TextImageButton* quitButton = nullptr;
+        bool isLookedAt = false;
         std::vector<std::pair<TickBox*, Leftover>> leftovers;
     };
     void addHead(QVBoxLayout& column, const QString& informativeText);
@@ -71,6 +74,7 @@ private:
     void goOn();
     void addBlock();
     void addNotes();
+    void addSummary();
     void showMore();
     void addButtons(QVBoxLayout& column);
     void fillPart(Part& part, std::size_t number);
@@ -81,8 +85,9 @@ private:
     std::vector<Part> m_parts;
     std::shared_ptr<const UninstallOutlook> m_outlook;  // null before the forecast
     QTimer m_nextTurn;
-    std::size_t m_shown = 0;  // of the parts, from the first
-    std::size_t m_noted = 0;  // of the notes, which stand behind all parts
+    std::size_t m_shown = 0;           // of the parts, from the first
+    std::size_t m_noted = 0;           // of the notes, which stand behind all parts
+    QVBoxLayout* m_summary = nullptr;  // above the list: what concerns all of them
     QVBoxLayout* m_list = nullptr;
     QLabel* m_more = nullptr;
     QLabel* m_waiting = nullptr;

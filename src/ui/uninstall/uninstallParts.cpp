@@ -31,10 +31,15 @@ ApplicationDetails measured(const ApplicationSources& sources, const Application
     return details;
 }
 
-// What is mounted may be another at each question.
-std::string noTrash(const UninstallParts& parts, const std::string& path) {
-    const ProtectedPlaces places = ProtectedPlaces::ofThisMachine(*parts.files, parts.ownFiles);
-    return Trash(*parts.files, places).objection(path).value_or(std::string());
+// What is mounted may be another at each question, whose copy reads it once.
+PlannedUninstallWork::NoTrash noTrashOf(const UninstallParts& parts) {
+    return [parts,
+            places = std::shared_ptr<const ProtectedPlaces>()](const std::string& path) mutable {
+        if (!places)
+            places = std::make_shared<const ProtectedPlaces>(
+                ProtectedPlaces::ofThisMachine(*parts.files, parts.ownFiles));
+        return Trash(*parts.files, *places).objection(path).value_or(std::string());
+    };
 }
 
 std::shared_ptr<UninstallWork> workOf(const ApplicationSources& sources) {
@@ -48,7 +53,7 @@ std::shared_ptr<UninstallWork> workOf(const ApplicationSources& sources) {
         [](const ApplicationRecord& record) {
             return askToQuit(record.id) || closeWindowsOf(record);
         },
-        [parts](const std::string& path) { return noTrash(parts, path); });
+        noTrashOf(parts));
 }
 
 }  // namespace
@@ -58,7 +63,8 @@ UninstallPageParts uninstallPartsOf(const ApplicationSources& sources) {
     parts.inventory = [sources](const UninstallPageParts::News& news) {
         const UninstallAppDelegate search(*sources.files, sources.variables.home,
                                           sources.applications);
-        return std::move(UninstallAppInfo(search, news).allAppsInfo());
+        UninstallAppInfo info(search, news);
+        return FoundApplications{std::move(info.allAppsInfo()), info.rest().unread};
     };
     // Each pass works with a copy of its own, which has read nothing yet.
     parts.measure = [sources, readings = Readings()](const ApplicationRecord& record,

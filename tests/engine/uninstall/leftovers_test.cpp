@@ -174,9 +174,11 @@ TEST(Leftovers, AreRealFoldersAndTellWhatIsInThem) {
     EXPECT_THAT(found("org.gone.App").size(), 2U);
     EXPECT_THAT(found("nobody"), IsEmpty());
     ApplicationRecord safe = record(ApplicationType::Deb, "org.safe.Safe", "safe");
-    EXPECT_EQ(findLeftoversOf(files, places, rules, safe, never).size(), 1U);
+    const ApplicationRecord other = record(ApplicationType::Deb, "org.other", "other");
+    EXPECT_EQ(findLeftoversOf(files, places, rules, {&other, &safe}, never)[1].size(), 1U);
     safe.path = "/elsewhere";
-    EXPECT_EQ(findLeftoversOf(files, places, rules, safe, never).size(), 0U) << "a namesake's";
+    EXPECT_EQ(findLeftoversOf(files, places, rules, {&safe}, never)[0].size(), 0U)
+        << "a namesake's";
 }
 
 // What a stop cut short would look as if no document were in it.

@@ -115,7 +115,7 @@ TEST_F(Planned, WhatIsAnotherApplicationByNowStays) {
 }
 
 TEST_F(Planned, AForecastThatIsCutOffOrGetsNoThreadSaysSo) {
-    EXPECT_THAT(work->forecast(listed(), std::atomic<bool>(true)).notes,
+    EXPECT_THAT(work->forecast(listed(), std::atomic<bool>(true)).warnings,
                 ElementsAre("What they left could not be looked for in time"));
     EXPECT_EQ(testing::runInChild({},
                                   [&]() -> std::string {

@@ -132,6 +132,17 @@ TEST(UninstallList, AnotherInventoryKeepsRecordsTicksAndSizes) {
     EXPECT_EQ(names(list.allApplications()), "new Beta* Gamma ");
 }
 
+TEST(UninstallList, WhatNobodyCouldReadIsNotGone) {
+    using enum ApplicationType;
+    UninstallList list;
+    list.setFound({item("Beta"), item("code", Snap), item("chat", Snap)});
+    for (const auto& each : list.searchAllAppArr()) UninstallList::flip(*each);
+    list.setFound({item("chat", Snap)}, {{Snap, "silent"}});
+    EXPECT_EQ(names(list.searchAllAppArr()), "chat* code* ");
+    list.setFound({item("chat", Snap)});
+    EXPECT_EQ(names(list.searchAllAppArr()), "chat* ");
+}
+
 TEST(UninstallList, ATickIsForNoOtherApplicationThatComesToThePath) {
     using enum ApplicationType;
     for (const ApplicationType type : {App, AppImage, Folder}) {

@@ -70,6 +70,7 @@ struct MadeUpWork final : UninstallWork {
             plan.apps.back().refusal = forecasts[each.name].refusal;
         }
         out.isListOld = isListOld;
+        out.warnings = warnings;
         out.plan = std::make_shared<const UninstallPlan>(std::move(plan));
         return out;
     }
@@ -100,6 +101,7 @@ struct MadeUpWork final : UninstallWork {
         return record.name == "Chat" && (isQuit = true);
     }
     RunState running(const ApplicationRecord& /*record*/) override {
+        ++looks;
         looking.pass();
         return isQuit ? RunState::No : RunState::Yes;
     }
@@ -109,6 +111,8 @@ struct MadeUpWork final : UninstallWork {
     std::map<std::string, std::string> fates;  // why it stays
     Strings attempts;
     std::atomic<bool> isQuit{false}, isListOld{false};
+    std::atomic<int> looks{0};
+    Strings warnings;
 };
 
 struct UninstallDesk : NamedControls {
@@ -152,7 +156,7 @@ struct UninstallDesk : NamedControls {
                 news(copies);
                 from->further.pass();
             }
-            return copies;
+            return FoundApplications{copies, from->unread};
         };
         parts.measure = [from = sources](const ApplicationRecord& record,
                                          const std::atomic<bool>&) {
@@ -244,6 +248,7 @@ struct UninstallDesk : NamedControls {
     // A thread may still ask these when the page is gone.
     struct Sources {
         AppItemsArray found;
+        std::map<ApplicationType, std::string> unread;
         std::map<std::string, std::uint64_t> sizes;
         std::atomic<int> inventories{0}, state{1};
         Gate listing, further, measuring;  // further: between the first and the others

@@ -113,6 +113,21 @@ TEST(UninstallPage, FollowsWhatIsInstalledElsewhereAndKeepsTicks) {
     EXPECT_SOON(desk.inventories == 3);
 }
 
+TEST(UninstallPage, AKindThatKeepsSilentStaysListedAndIsTold) {
+    UninstallDesk desk;
+    desk.openAndList();
+    desk.tick("Chat");
+    EXPECT_FALSE(desk.isShown("quietLine"));
+    std::erase_if(desk.found, [](const auto& each) { return each->name == "Chat"; });
+    desk.sources->unread[ApplicationType::Flatpak] = "The snap service does not answer";
+    desk.page->refresh();
+    EXPECT_SOON(desk.isShown("quietLine"));
+    EXPECT_EQ(desk.list(), "alpha Beta Chat* Zeta ");
+    desk.sources->unread.clear();
+    desk.page->refresh();
+    EXPECT_SOON(!desk.isShown("quietLine") && desk.list() == "alpha Beta Zeta ");
+}
+
 TEST(UninstallPage, TheSheetMeasuresAndCutsWhatIsLong) {
     for (const auto& [letters, isCut] : {std::pair(28, false), {29, true}})
         EXPECT_EQ(UninstallDetails::shownName(QString(letters, u'n')),

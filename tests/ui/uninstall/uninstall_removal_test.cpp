@@ -16,6 +16,7 @@ TEST(UninstallPage, TheQuestionTellsWhatGoesAndNothingIsTicked) {
                       leftover("/home/u/.config/chat", LeftoverGrade::Likely)};
     chat.leftovers.back().precious = {"letters.mbox"};
     desk.work->forecasts["alpha"].refusal = "the system needs it";
+    desk.work->warnings = {"A warning for all"};
     desk.openAndList();
     desk.tick("Chat");
     desk.tick("alpha");
@@ -28,7 +29,7 @@ TEST(UninstallPage, TheQuestionTellsWhatGoesAndNothingIsTicked) {
     for (const char* said :
          {"Goes along: vim-common, <b>vim</b>, 0, 1,", " 38, 39\n", "Stays: /etc/chat\n",
           "Goes to the trash:\n/opt/chat\n/x/chat.desktop\n", ": letters.mbox\n",
-          "Stays: the system needs it\n"})
+          "Stays: the system needs it\n", "42 more go along, 1 stays\nA warning for all\n"})
         EXPECT_THAT(desk.lines(), HasSubstr(said));
     const auto boxes = desk.sheet()->findChildren<TickBox*>(QStringLiteral("leftoverBox"));
     ASSERT_EQ(boxes.size(), 2);
@@ -97,6 +98,7 @@ TEST(UninstallPage, AnswersThatComeAfterTheSheetIsShutAreForNobody) {
     ASSERT_SOON(desk.isEnabled("uninstallYes") && desk.isShown("quitButton"));
     desk.work->looking.shut();
     desk.click("quitButton");
+    EXPECT_FALSE(desk.isEnabled("quitButton"));
     ASSERT_SOON(desk.work->looking.isWaitedAt());
     desk.click("cancelButton");
     desk.work->looking.open();
