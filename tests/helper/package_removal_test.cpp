@@ -283,6 +283,8 @@ TEST(PackageRemoval, DoesNothingThatWasNotToldAndBelievesDpkgAlone) {
         {own, "waits", "", State::Failed, "stopped", "", call + "cancel\n", true},
         {own, "holds", "", State::Gone, "", "The removal of packages could not be stopped any more",
          call + "cancel\n", true},
+        {own, "late", "", State::Gone, "", "The removal of packages could not be stopped any more",
+         call + "cancel\n", true},
     };
     for (const Case& each : cases) {
         MadeUpService service;

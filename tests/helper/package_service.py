@@ -1,7 +1,7 @@
 """A service for packages, those of dpkg's file: what it would remove and what it does stand in a file of JSON that is read anew for each
-transaction. {"simulated": [[INFO, ID], ...], "error": null | [NUMBER, WORDS], "real": "works" | "more" | "lies" | "empties" | "waits" | "holds",
+transaction. {"simulated": [[INFO, ID], ...], "error": null | [NUMBER, WORDS], "real": "works" | "more" | "lies" | "empties" | "waits" | "holds" | "late",
 "status": PATH, "calls": PATH}; an error is the end of a simulation.
-"more" removes all packages but the first, "waits" goes on until it is cancelled, "holds" can not be cancelled and ends after a second, "empties" leaves dpkg's file without a word."""
+"more" removes all packages but the first, "waits" goes on until it is cancelled, "holds" can not be cancelled and ends after a second, "late" says that it can be and works all the same, ten seconds later, "empties" leaves dpkg's file without a word."""
 import json
 import re
 import sys
@@ -47,7 +47,7 @@ class Transaction(dbus.service.Object):
         self.note(f"remove {' '.join(ids)} {int(dependents)}{int(unused)}")
         if self.scene["real"] == "holds":
             GLib.timeout_add(1000, self.act)
-        elif self.scene["real"] != "waits":
+        elif self.scene["real"] not in ("waits", "late"):
             GLib.idle_add(self.act)
 
     @dbus.service.method(f"{NAME}.Transaction")
@@ -55,7 +55,10 @@ class Transaction(dbus.service.Object):
         self.note("cancel")
         if self.scene["real"] == "holds":
             raise CannotCancel("not now")
-        GLib.idle_add(self.end, CANCELLED)
+        if self.scene["real"] == "late":
+            GLib.timeout_add(11000, self.act)
+        else:
+            GLib.idle_add(self.end, CANCELLED)
 
     def act(self):
         if self.scene["real"] != "lies":

@@ -242,6 +242,7 @@ TEST_F(Uninstalling, TellsOfLeftoversThatAStopKeeps) {
                                       [&](const std::string& /*name*/) { stop = true; });
     Strings told;
     for (const StayedEntry& each : outcome.leftovers) told.push_back(each.path + each.reason);
+    ASSERT_FALSE(told.empty());
     EXPECT_EQ(told.back(), left[1].path + "stopped");
     for (const Leftover& each : left)
         EXPECT_EQ(isThere(each.path), std::ranges::any_of(told, [&](const std::string& line) {
