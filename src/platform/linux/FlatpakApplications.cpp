@@ -234,7 +234,7 @@ std::vector<ApplicationRemoval> FlatpakApplications::remove(
                            {}});
             continue;
         }
-        const auto removed = removeFlatpak(each.installation, each.isPersons, each.ref);
+        const auto removed = removeFlatpak(each.installation, each.isPersons, each.ref, stop);
         // The link to what is in use goes with the application; its folders may wait for programs
         // that still run.
         if (isGone(each)) out.push_back({State::Gone, {}, {}});

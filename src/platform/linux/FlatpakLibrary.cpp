@@ -2,8 +2,12 @@
 // the library would be wanted for five calls of a stable interface.
 #include "platform/linux/FlatpakLibrary.h"
 
+#include <chrono>
 #include <memory>
+#include <stop_token>
 #include <string_view>
+#include <system_error>
+#include <thread>
 #include <vector>
 
 #include "platform/linux/LoadedLibrary.h"
@@ -22,6 +26,8 @@ struct GError {
 struct Library {
     void* (*fileForPath)(const char* path) = nullptr;
     void (*unref)(void* object) = nullptr;
+    void* (*newCancellable)() = nullptr;
+    void (*cancel)(void* cancellable) = nullptr;
     void (*freeError)(GError* error) = nullptr;
     void* (*installationFor)(void* folder, int isPersons, void* cancellable,
                              GError** error) = nullptr;
@@ -37,6 +43,8 @@ Library load() {
     LoadedLibrary library("libflatpak.so.0");
     library.find(out.fileForPath, "g_file_new_for_path");
     library.find(out.unref, "g_object_unref");
+    library.find(out.newCancellable, "g_cancellable_new");
+    library.find(out.cancel, "g_cancellable_cancel");
     library.find(out.freeError, "g_error_free");
     library.find(out.installationFor, "flatpak_installation_new_for_path");
     library.find(out.uninstall, "flatpak_installation_uninstall");
@@ -68,12 +76,26 @@ private:
     GError* m_error = nullptr;
 };
 
+// Passes the flag on until it is asked to end. Without a thread nobody can stop.
+std::jthread watched(void* cancellable, const std::atomic<bool>& stop) {
+    try {
+        return std::jthread([cancellable, &stop](const std::stop_token& isOver) {
+            constexpr std::chrono::milliseconds pause(50);
+            while (!isOver.stop_requested() && !stop) std::this_thread::sleep_for(pause);
+            if (!isOver.stop_requested()) library().cancel(cancellable);
+        });
+    } catch (const std::system_error&) {
+        return {};
+    }
+}
+
 }  // namespace
 
 bool hasFlatpakLibrary() { return library().isWhole; }
 
 tl::expected<void, std::string> removeFlatpak(const std::string& installation, bool isPersons,
-                                              const std::string& ref) {
+                                              const std::string& ref,
+                                              const std::atomic<bool>& stop) {
     const auto release = [](void* object) { library().unref(object); };
     using Object = std::unique_ptr<void, decltype(release)>;
     std::vector<std::string> fields;
@@ -84,10 +106,13 @@ tl::expected<void, std::string> removeFlatpak(const std::string& installation, b
         library().installationFor(folder.get(), isPersons ? 1 : 0, nullptr, failure.get()),
         release);
     if (!opened) return failure.words();
+    const Object cancellable(library().newCancellable(), release);
+    const std::jthread watcher = watched(cancellable.get(), stop);
     constexpr int application = 0;
     if (library().uninstall(opened.get(), application, fields[1].c_str(), fields[2].c_str(),
-                            fields[3].c_str(), nullptr, nullptr, nullptr, failure.get()) == 0)
-        return failure.words();
+                            fields[3].c_str(), nullptr, nullptr, cancellable.get(),
+                            failure.get()) == 0)
+        return stop ? tl::unexpected(std::string("stopped")) : failure.words();
     return {};
 }
 

@@ -1,6 +1,7 @@
 // FlatpakLibrary: removal of a flatpak by its own library, loaded when it is first wanted.
 #pragma once
 
+#include <atomic>
 #include <string>
 #include <tl/expected.hpp>
 
@@ -9,9 +10,11 @@ namespace orrinvale {
 [[nodiscard]] bool hasFlatpakLibrary();
 
 /// Removes "app/ID/ARCH/BRANCH" from the installation in a folder. Of a shared installation the
-/// system asks the person for a password if need be. Why not, in the library's words. For a thread
-/// that may wait.
+/// system asks the person for a password if need be. Why not, in the library's words. A raised flag
+/// ends it, and the wait for the password, as long as the library lets itself be stopped. For a
+/// thread that may wait.
 [[nodiscard]] tl::expected<void, std::string> removeFlatpak(const std::string& installation,
-                                                            bool isPersons, const std::string& ref);
+                                                            bool isPersons, const std::string& ref,
+                                                            const std::atomic<bool>& stop);
 
 }  // namespace orrinvale
