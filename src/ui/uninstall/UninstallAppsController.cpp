@@ -102,6 +102,7 @@ StateTable UninstallAppsController::stateTable() const {
         {views.stopButton, {Hidden, Hidden, Hidden, Hidden, On}},
         {views.selectButton, {Off, Off, On, On, Off}},
         // A removal is seen as a change and listed anew; what it came to stays to be read.
+        {views.quietLine, {Kept, Kept, Kept, Kept, Hidden}},
         {views.failureLine, {Kept, Kept, Kept, Kept, Hidden}},
         {views.removedLine, {Kept, Kept, Kept, Kept, Hidden}},
     };
@@ -272,8 +273,10 @@ void UninstallAppsController::lookForChanges() {
 }
 
 void UninstallAppsController::showUnread() {
+    // What a removal came to needs the room.
+    const bool hasRoom = m_views->removedLine->isHidden() && m_views->failureLine->isHidden();
     ResultFrame::showLine(*m_views->quietLine,
-                          m_unread.empty() ? QString() : tr("Not all could be read"));
+                          m_unread.empty() || !hasRoom ? QString() : tr("Not all could be read"));
     m_views->quietLine->setToolTip(tr("Of these kinds more may be installed than is listed"));
 }
 
