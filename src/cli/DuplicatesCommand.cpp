@@ -116,9 +116,11 @@ std::optional<std::string> DuplicatesCommand::readFilter(const Arguments& argume
 std::optional<std::string> DuplicatesCommand::readRules(const Arguments& arguments,
                                                         KeepRules& rules) {
     for (const std::string& text : arguments.texts("keep")) {
-        auto rule = keepRuleOf(text);
+        constexpr std::string_view prefix = "path:";
+        const bool isPlace = text.starts_with(prefix) && text.size() > prefix.size();
+        auto rule = keepRuleOf(
+            isPlace ? std::string(prefix) + absolutePath(text.substr(prefix.size())) : text);
         if (!rule) return fmt::format("--keep takes {}, not \"{}\"", keepRuleForms, text);
-        for (std::string& folder : rule->folders) folder = absolutePath(folder);
         rules.push_back(std::move(*rule));
     }
     return std::nullopt;

@@ -19,6 +19,8 @@ struct AppAttrbItem {
     std::uint64_t inode = 0;
     std::int64_t modified = 0;            ///< nanoseconds since 1970 UTC
     bool inodePasses = false;             ///< `inode` need not last: see EntryIdentity
+    bool isLink = false;                  ///< a symbolic link stands at the path
+    std::vector<std::string> otherPaths;  ///< by which the search met the same folder again
     std::uint64_t digest = 0;             ///< of all that is in it, as BundleListing makes it
     std::vector<std::uint64_t> likeness;  ///< equal bundles agree in it: sorted sizes, and hashes
                                           ///< of the files' own first bytes

@@ -55,7 +55,9 @@ void visitFiles(const FileList& files, const Visit& visit) {
 }
 
 void setPlace(SimpleNodeData& leaf, const LinkPlaces::Place* place) {
-    if (place != nullptr) leaf.setLink(place->target, place->outside);
+    if (place == nullptr) return;
+    if (place->isBehindLink) leaf.setLink(place->target, place->outside);
+    else leaf.setPlace(place->target);
 }
 
 void addLeaves(SimpleTreeNode& node, const DuplicateGroup& group, const duplicateFind& search) {
@@ -107,7 +109,7 @@ EntryIdentity identityOf(const fileAttrbItem& file) {
 EntryIdentity identityOf(const AppAttrbItem& bundle) {
     return {.device = bundle.device,
             .inode = bundle.inode,
-            .type = FileType::Folder,
+            .type = bundle.isLink ? FileType::SymbolicLink : FileType::Folder,
             .inodePasses = bundle.inodePasses};
 }
 

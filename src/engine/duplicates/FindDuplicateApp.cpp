@@ -3,7 +3,7 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <set>
+#include <map>
 #include <tuple>
 
 #include "engine/duplicates/BundleListing.h"
@@ -73,6 +73,8 @@ bool FindDuplicateApp::getAllFilePathName(const std::string& path, AppAttrbItem*
     OutArray->inode = identity->inode;
     OutArray->inodePasses = std::ranges::binary_search(m_passingInodes, identity->device);
     OutArray->modified = identity->modified;
+    const auto self = m_files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);
+    OutArray->isLink = self && self->type == FileType::SymbolicLink;
 
     const auto listing =
         listBundleAt(m_files, start->get(), path,
@@ -160,12 +162,16 @@ bool FindDuplicateApp::getDuplicateAppDirInArray(const AppList& array,
 
 // A folder that was reached by two paths is one bundle, not its own copy.
 void FindDuplicateApp::dropRepeated() {
-    std::set<std::tuple<std::uint64_t, std::uint64_t, std::string>> seen;
+    using Folder = std::tuple<std::uint64_t, std::uint64_t, std::string>;
+    std::map<Folder, AppAttrbItem*> seen;
     std::erase_if(m_AllAppItem, [&](const auto& bundle) {
         const std::string& path = bundle->DirectoryPathName;
-        if (bundle->inodePasses)
-            return !seen.emplace(0, 0, m_files.resolved(path).value_or(path)).second;
-        return !seen.emplace(bundle->device, bundle->inode, std::string()).second;
+        const Folder folder = bundle->inodePasses
+                                  ? Folder{0, 0, m_files.resolved(path).value_or(path)}
+                                  : Folder{bundle->device, bundle->inode, std::string()};
+        const auto [first, isNew] = seen.emplace(folder, bundle.get());
+        if (!isNew) first->second->otherPaths.push_back(path);
+        return !isNew;
     });
 }
 

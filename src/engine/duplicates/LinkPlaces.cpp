@@ -26,8 +26,26 @@ LinkPlaces::LinkPlaces(const FileSystem& files, const std::vector<std::string>& 
 }
 
 void LinkPlaces::find(const FileList& list) {
+    const bool hasLinked = hasLinkedRoots();
     for (const fileAttrbItem* file : list)
         if (isBehindLink(*file)) add(file, file->filePathName());
+        else if (hasLinked) addPlain(*file);
+}
+
+bool LinkPlaces::hasLinkedRoots() const {
+    return std::ranges::any_of(m_roots, [](const Root& root) { return root.path != root.real; });
+}
+
+// Nothing is asked of the disk: below the folder that is searched no link was followed.
+void LinkPlaces::addPlain(const fileAttrbItem& file) {
+    const FolderNode* top = file.folder;
+    while (top->parent != nullptr) top = top->parent;
+    const auto root = std::ranges::find(m_roots, std::string_view(top->name), &Root::path);
+    if (root == m_roots.end() || root->path == root->real) return;
+    const std::string path = file.filePathName();
+    std::string_view below = std::string_view(path).substr(root->path.size());
+    if (below.starts_with('/')) below.remove_prefix(1);
+    m_places.insert_or_assign(&file, Place{joinPath(root->real, below), false, false});
 }
 
 // A bundle that lies where its path says is the folder that is searched, with the rest of the path
@@ -45,8 +63,10 @@ void LinkPlaces::find(const std::vector<AppGroup>& groups) {
     };
     for (const AppGroup& group : groups)
         for (const auto& bundle : group)
-            if (!liesAsItSays(bundle->DirectoryPathName))
-                add(bundle.get(), bundle->DirectoryPathName);
+            if (const std::string& path = bundle->DirectoryPathName; !liesAsItSays(path))
+                add(bundle.get(), path);
+            else if (auto real = m_files.resolved(path); real && *real != path)
+                m_places.insert_or_assign(bundle.get(), Place{std::move(*real), false, false});
 }
 
 void LinkPlaces::add(const void* found, const std::string& path) {
@@ -54,7 +74,7 @@ void LinkPlaces::add(const void* found, const std::string& path) {
     const bool outside = !real || std::ranges::none_of(m_roots, [&](const Root& root) {
         return isWithin(*real, root.real);
     });
-    m_places.insert_or_assign(found, Place{real.value_or(std::string()), outside});
+    m_places.insert_or_assign(found, Place{real.value_or(std::string()), outside, true});
 }
 
 const LinkPlaces::Place* LinkPlaces::placeOf(const void* found) const {

@@ -1,4 +1,5 @@
-// LinkPlaces: where what a search found behind links really lies.
+// LinkPlaces: where what a search found behind links really lies, also where the path of a folder
+// that is searched has a link in it.
 #pragma once
 
 #include <string>
@@ -18,13 +19,18 @@ public:
     /// `roots` are the folders that are searched. The file system must outlive the object.
     LinkPlaces(const FileSystem& files, const std::vector<std::string>& roots);
 
-    /// Finds out the place of each file or bundle that is such a link, or stands behind one.
+    /// Some path of a folder that is searched is not the one without links.
+    [[nodiscard]] bool hasLinkedRoots() const;
+
+    /// Finds out the place of each file or bundle that is such a link, or stands behind one, or in
+    /// such a folder.
     void find(const FileList& list);
     void find(const std::vector<AppGroup>& groups);
 
     struct Place {
-        std::string target;    ///< a path without links; empty when it can not be told
-        bool outside = false;  ///< below none of the folders that are searched
+        std::string target;        ///< a path without links; empty when it can not be told
+        bool outside = false;      ///< below none of the folders that are searched
+        bool isBehindLink = true;  ///< that stands in a folder that is searched, or is one
     };
     /// Null for what lies where its path says.
     [[nodiscard]] const Place* of(const fileAttrbItem& file) const { return placeOf(&file); }
@@ -33,6 +39,7 @@ public:
 private:
     [[nodiscard]] const Place* placeOf(const void* found) const;
     void add(const void* found, const std::string& path);
+    void addPlain(const fileAttrbItem& file);
 
     const FileSystem& m_files;
     struct Root {

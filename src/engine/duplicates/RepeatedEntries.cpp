@@ -9,15 +9,21 @@
 
 namespace orrinvale {
 
-// False when the entry was seen before.
-bool RepeatedEntries::Seen::add(Entry entry) {
-    if (!names.insert(std::move(entry.name)).second) return false;
-    if (entry.file == File{}) return true;
-    const auto [place, isNew] = files.emplace(entry.file, entry.isOnly);
-    if (isNew) return true;
-    const bool isOne = place->second || entry.isOnly;
-    place->second = isOne;
-    return !isOne;
+// The item by which the entry was seen before; null for a new one.
+const fileAttrbItem* RepeatedEntries::Seen::add(const fileAttrbItem& item, Entry entry) {
+    const auto [name, isNewName] = names.emplace(std::move(entry.name), &item);
+    if (!isNewName) return name->second;
+    if (entry.file == File{}) return nullptr;
+    const auto [file, isNew] = files.emplace(entry.file, SeenFile{&item, entry.isOnly});
+    if (isNew) return nullptr;
+    file->second.isOnly |= entry.isOnly;
+    return file->second.isOnly ? file->second.item : nullptr;
+}
+
+bool RepeatedEntries::isRepeated(Seen& seen, const fileAttrbItem& item, const Dropped& tell) {
+    const fileAttrbItem* const first = seen.add(item, entryOf(item));
+    if (first != nullptr) tell(*first, item);
+    return first != nullptr;
 }
 
 const std::string& RepeatedEntries::placeOf(const FolderNode& folder) {
@@ -53,11 +59,11 @@ RepeatedEntries::Entry RepeatedEntries::targetOf(const fileAttrbItem& link) {
             target->links < 2};
 }
 
-void RepeatedEntries::dropFrom(FileArray& array) {
+void RepeatedEntries::dropFrom(FileArray& array, const Dropped& tell) {
     // A link to a file has the size of its own text, and must not put out the file.
     std::map<std::uint64_t, Seen> seen;
     array.removeIf(
-        [&](const fileAttrbItem* item) { return !seen[item->fileSize].add(entryOf(*item)); });
+        [&](const fileAttrbItem* item) { return isRepeated(seen[item->fileSize], *item, tell); });
 }
 
 bool RepeatedEntries::mayRepeat(const FileList& group) {
@@ -70,10 +76,10 @@ bool RepeatedEntries::mayRepeat(const FileList& group) {
     });
 }
 
-void RepeatedEntries::dropFrom(FileList& group) {
+void RepeatedEntries::dropFrom(FileList& group, const Dropped& tell) {
     if (!mayRepeat(group)) return;
     Seen seen;
-    std::erase_if(group, [&](const fileAttrbItem* item) { return !seen.add(entryOf(*item)); });
+    std::erase_if(group, [&](const fileAttrbItem* item) { return isRepeated(seen, *item, tell); });
 }
 
 }  // namespace orrinvale

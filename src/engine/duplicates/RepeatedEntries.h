@@ -1,8 +1,8 @@
 // One directory entry is not its own copy: finding entries that were listed more than once.
 #pragma once
 
+#include <functional>
 #include <map>
-#include <set>
 #include <span>
 #include <string>
 #include <tuple>
@@ -25,12 +25,14 @@ public:
     RepeatedEntries(const FileSystem& files, std::span<const std::uint64_t> passingInodes)
         : m_files(files), m_passingInodes(passingInodes) {}
 
-    /// Takes the later one of two items that are one entry out of the list. Files listed with
-    /// different sizes never meet and all stay.
-    void dropFrom(FileArray& array);
+    using Dropped = std::function<void(const fileAttrbItem& kept, const fileAttrbItem& dropped)>;
+
+    /// Takes the later one of two items that are one entry out of the list, and tells of it. Files
+    /// listed with different sizes never meet and all stay.
+    void dropFrom(FileArray& array, const Dropped& tell);
 
     /// The same for files of one size, at little cost where no two of them can be one entry.
-    void dropFrom(FileList& group);
+    void dropFrom(FileList& group, const Dropped& tell);
 
 private:
     // device and inode of the folder, and the name in it; or nothing, nothing and the path
@@ -42,11 +44,16 @@ private:
         File file;
         bool isOnly = false;  // the file had this name alone; false where `file` means nothing
     };
-    struct Seen {
-        std::set<Name> names;
-        std::map<File, bool> files;  // and whether one of them had one name alone
-        bool add(Entry entry);
+    struct SeenFile {
+        const fileAttrbItem* item;  // the first
+        bool isOnly;                // one of them had one name alone
     };
+    struct Seen {
+        std::map<Name, const fileAttrbItem*> names;
+        std::map<File, SeenFile> files;
+        const fileAttrbItem* add(const fileAttrbItem& item, Entry entry);
+    };
+    bool isRepeated(Seen& seen, const fileAttrbItem& item, const Dropped& tell);
 
     static bool mayRepeat(const FileList& group);
     Entry entryOf(const fileAttrbItem& item);

@@ -39,8 +39,9 @@ void duplicateFind::search(const SearchRequest& request) {
     for (const Error& each : m_roots.failed) m_skipped.add(each);
     int result = 1;
     try {
+        m_guard = std::make_unique<ProtectedFolders>(m_files, m_request.protectedFolders);
         result = _searchDuplicateFile();
-        if (m_mayRepeat) findLinkPlaces();
+        findLinkPlaces();
         findProtected();
     } catch (const std::bad_alloc&) {
         endEarly();
@@ -49,7 +50,8 @@ void duplicateFind::search(const SearchRequest& request) {
                 "findDuplicate result:{}", result);
 }
 
-// What the steps held goes first, so that there is memory to tell what was found.
+// What the steps held goes first, so that there is memory to tell what was found. Where a person
+// protects something nothing is told, since nobody has looked what of it is protected.
 void duplicateFind::endEarly() {
     const std::lock_guard lock(m_mutex);
     m_outOfMemory = true;
@@ -57,6 +59,9 @@ void duplicateFind::endEarly() {
     m_fileList.reset();
     m_findDuplicateApp.reset();
     m_hashAhead.reset();
+    if (m_request.protectedFolders.empty()) return;
+    m_newFileArray.clear();
+    m_allAppArray.clear();
 }
 
 int duplicateFind::_searchDuplicateFile() {
@@ -73,7 +78,10 @@ int duplicateFind::_searchDuplicateFile() {
     if (!listed) return 0;
     if (m_Stop) return 1;
     if (m_allFileArray.empty()) return 0;
-    if (m_mayRepeat) RepeatedEntries(m_files, m_passingInodes).dropFrom(m_allFileArray);
+    if (m_mayRepeat)
+        RepeatedEntries(m_files, m_passingInodes)
+            .dropFrom(m_allFileArray,
+                      [this](const auto& kept, const auto& dropped) { handOn(kept, dropped); });
     pairFiles();
     return 1;
 }
@@ -120,14 +128,25 @@ void duplicateFind::leaveOutBundles() {
     });
 }
 
+// A link or a volume may go and come while the search runs: a folder is protected as it was before
+// and as it is now.
 void duplicateFind::findProtected() {
-    ProtectedFolders folders(m_files, m_request.protectedFolders);
-    if (folders.empty()) return;
+    if (m_guard->empty()) return;
+    ProtectedFolders now(m_files, m_request.protectedFolders);
+    const auto covers = [&](const auto& found) {
+        return m_guard->covers(found) || now.covers(found);
+    };
     for (const fileAttrbItem* file : m_newFileArray)
-        if (folders.covers(*file)) m_protected.insert(file);
+        if (covers(*file)) m_protected.insert(file);
     for (const AppGroup& group : m_allAppArray)
         for (const auto& bundle : group)
-            if (folders.covers(*bundle)) m_protected.insert(bundle.get());
+            if (covers(*bundle)) m_protected.insert(bundle.get());
+}
+
+// Only the way that was dropped may tell that the entry is protected.
+void duplicateFind::handOn(const fileAttrbItem& kept, const fileAttrbItem& dropped) {
+    if (!m_guard->empty() && (m_protected.contains(&dropped) || m_guard->covers(dropped)))
+        m_protected.insert(&kept);
 }
 
 void duplicateFind::getDuplicateApp(std::vector<std::string>* bundles) {
@@ -146,7 +165,9 @@ void duplicateFind::getDuplicateApp(std::vector<std::string>* bundles) {
 }
 
 void duplicateFind::findLinkPlaces() {
-    m_linkPlaces = std::make_unique<LinkPlaces>(m_files, m_roots.roots);
+    auto places = std::make_unique<LinkPlaces>(m_files, m_roots.roots);
+    if (!m_mayRepeat && !places->hasLinkedRoots()) return;
+    m_linkPlaces = std::move(places);
     m_linkPlaces->find(m_newFileArray);
     m_linkPlaces->find(m_allAppArray);
 }
@@ -198,7 +219,8 @@ void duplicateFind::takeGroup(Pairing& pairing, std::uint32_t first, FileList& f
         --pairing.remaining;
         group.push_back(&pairing.all[member]);
     }
-    pairing.repeats.dropFrom(group);
+    pairing.repeats.dropFrom(
+        group, [this](const auto& kept, const auto& dropped) { handOn(kept, dropped); });
     if (group.size() < 2) return;
     found.insert(found.end(), group.begin() + 1, group.end());
     found.push_back(group.front());

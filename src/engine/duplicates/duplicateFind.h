@@ -24,6 +24,7 @@ class getFileList;
 class FindDuplicateApp;
 class HashAhead;
 class LinkPlaces;
+class ProtectedFolders;
 
 /// What a search did so far, for display beside the percent.
 struct SearchCounts {
@@ -96,7 +97,7 @@ public:
     /// path, size and times there.
     [[nodiscard]] bool inodesPass() const { return m_inodesPass; }
 
-    /// Where what was found behind links lies; null when the search followed none.
+    /// Where what was found behind links lies; null where there were none.
     [[nodiscard]] const LinkPlaces* linkPlaces() const { return m_linkPlaces.get(); }
 
 private:
@@ -105,6 +106,7 @@ private:
     bool listRoot(getFileList& list, const std::string& root);
     void leaveOutBundles();
     void findProtected();
+    void handOn(const fileAttrbItem& kept, const fileAttrbItem& dropped);
     void findLinkPlaces();
     const fileAttrbItem* itemInHand() const;
     void endEarly();
@@ -112,7 +114,7 @@ private:
     void pairFiles();
 
     struct Pairing;
-    static void takeGroup(Pairing& pairing, std::uint32_t first, FileList& found);
+    void takeGroup(Pairing& pairing, std::uint32_t first, FileList& found);
 
     const FileSystem& m_files;
     SkipList m_skipped;
@@ -120,6 +122,7 @@ private:
     std::unique_ptr<LinkPlaces> m_linkPlaces;
     SearchRequest m_request;
     SearchRoots m_roots;
+    std::unique_ptr<ProtectedFolders> m_guard;  // as the folders were before the search
     std::unordered_set<const void*> m_protected;
     FileArray m_allFileArray;
     std::vector<AppGroup> m_allAppArray;

@@ -86,6 +86,10 @@ TEST(KeepRule, DecidesWhatStays) {
          {newest},
          {{"/l", 9, 0, false, "/b"}, {"/b", 1}, {"/c", 0}},
          "ssx"},
+        {"a link to a name of what stays",
+         {oldest},
+         {{"/l", 9, 0, false, "/b"}, {"/a", 1, 7}, {"/b", 1, 7}, {"/c", 2}},
+         "sssx"},
         {"links alone", {newest}, {{"/l", 9, 0, false, "/x"}, {"/m", 1, 0, false, "/y"}}, "ss"},
         {"protected ones stay, all others go",
          {newest},
@@ -109,7 +113,8 @@ TEST(KeepRule, IsWrittenInOneWay) {
     EXPECT_EQ(keepRuleOf("newest"), KeepRule{By::Newest});
     EXPECT_EQ(keepRuleOf("shortest-name"), KeepRule{By::ShortestName});
     EXPECT_EQ(keepRuleOf("path:/a:b"), (KeepRule{By::BestPlace, {"/a:b"}}));
-    for (const char* wrong : {"", "Newest", "path:", "path", "new"})
+    EXPECT_EQ(keepRuleOf("path:/b//"), (KeepRule{By::BestPlace, {"/b"}}));
+    for (const char* wrong : {"", "Newest", "path:", "path", "new", "path:b", "path:/a/../b"})
         EXPECT_EQ(keepRuleOf(wrong), std::nullopt) << wrong;
 }
 
@@ -187,16 +192,22 @@ TEST(KeepRule, AgreesWithItsSentences) {
         for (std::size_t i = 0; i < copies.size(); ++i)
             if (copies[i].leadsTo.empty() && (!first || rank(i) < rank(*first))) first = i;
         std::string expected;
+        const auto isOther = [&](const Copy& a, const Copy& b) {  // a hard link of it
+            return a.leadsTo.empty() && b.leadsTo.empty() && a.inode != 0 && a.inode == b.inode;
+        };
+        const auto isBase = [&](std::size_t i) { return first == i || copies[i].isProtected; };
+        const auto hasFile = [&](std::size_t i) {
+            bool stays = !first || isBase(i);
+            for (std::size_t k = 0; k < copies.size(); ++k)
+                stays |= isBase(k) && isOther(copies[i], copies[k]);
+            return stays;
+        };
         for (std::size_t i = 0; i < copies.size(); ++i) {
-            bool stays = !first;
+            bool stays = hasFile(i);
             for (std::size_t k = 0; k < copies.size(); ++k) {
-                if (first != k && !copies[k].isProtected) continue;
-                const Copy& a = copies[i];
                 const Copy& b = copies[k];
-                const std::string& place = b.leadsTo.empty() ? b.path : b.leadsTo;
-                stays |= i == k || (a.leadsTo.empty()
-                                        ? b.leadsTo.empty() && a.inode != 0 && a.inode == b.inode
-                                        : a.leadsTo == place);
+                stays |= hasFile(k) && !copies[i].leadsTo.empty() &&
+                         copies[i].leadsTo == (b.leadsTo.empty() ? b.path : b.leadsTo);
             }
             expected += stays ? 's' : 'x';
         }

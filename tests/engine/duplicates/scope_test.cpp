@@ -2,6 +2,7 @@
 #include <sys/stat.h>
 
 #include "engine/duplicates/SearchRun.h"
+#include "engine/duplicates/keep/GroupMembers.h"
 #include "engine/duplicates/scope/NamedSearches.h"
 #include "engine/duplicates/scope/PathPattern.h"
 #include "engine/duplicates/scope/SearchRequest.h"
@@ -61,9 +62,10 @@ TEST(PathPattern, TellsWhereItIsWrong) {
     const struct {
         const char* pattern;
         std::size_t place;
-    } cases[] = {{"", 1},        {"/", 2},   {"ab[c", 3}, {"[]", 1},     {"[a\\", 1},
-                 {"a/[z-a]", 6}, {"x\\", 2}, {"a//b", 3}, {"a/../b", 3}, {"\\\\[", 3},
-                 {"a[x/y]", 2},  {"./a", 1}, {"/[", 2},   {"\\[a[", 4}};
+    } cases[] = {{"", 1},        {"/", 2},       {"ab[c", 3},  {"[]", 1},        {"[a\\", 1},
+                 {"a/[z-a]", 6}, {"x\\", 2},     {"a//b", 3},  {"a/../b", 3},    {"\\\\[", 3},
+                 {"a[x/y]", 2},  {"./a", 1},     {"/[", 2},    {"\\[a[", 4},     {"[ -/]", 1},
+                 {"[.-/]", 1},   {"[a-\\/]", 1}, {"a\\/b", 2}, {"/\xC3\xA4[", 3}};
     for (const auto& [text, place] : cases) {
         const auto pattern = PathPattern::parse(text);
         ASSERT_FALSE(pattern) << text;
@@ -131,6 +133,60 @@ TEST_F(Scope, SeveralFoldersAreOneSearch) {
     }
     const Result gone = search({{"none", "a"}});
     EXPECT_EQ(gone.leaves + gone.skipped, "a/1 a/in/2 none ");
+}
+
+// A check that has an own table of mounts, with /mnt/a and a tree in it.
+std::string amongMounts(const std::function<std::string(TestTree&)>& check) {
+    if (!mountRam("/mnt/a") || !mountRam("/mnt/b")) return "skip: no mounts here";
+    TestTree tree("/mnt/a");
+    return check(tree);
+}
+
+std::string foundWith(const SearchRequest& request) {
+    const LinuxFileSystem files;
+    DuplicateFilesOpt search(files);
+    search.beginSearch(request);
+    std::string text;
+    search.visitGroups([&](const DuplicateGroup& group) {
+        for (const auto* file : group.files)
+            text += file->filePathName() + (search.search()->isProtected(*file) ? "! " : " ");
+        for (const auto* bundle : group.bundles)
+            text +=
+                bundle->DirectoryPathName + (search.search()->isProtected(*bundle) ? "! " : " ");
+    });
+    return text;
+}
+
+TEST(ScopeOfMounts, ProtectionHoldsThroughOtherMounts) {
+    withOwnMounts([] {
+        return amongMounts([](TestTree& tree) -> std::string {
+            for (const char* name : {"p/in/X.app/1", "p/in/2", "q/Y.app/1", "q/2"})
+                if (!tree.write(name, "same")) return "not written";
+            if (!bindMount(tree.at("p/in"), "/mnt/b")) return "skip: no mounts here";
+            SearchRequest request{{"/mnt/b", tree.at("q"), tree.at("p")}};
+            request.protectedFolders = {tree.at("p")};
+            const std::string found = foundWith(request);
+            for (const char* guarded : {"/mnt/b/X.app! ", "/mnt/b/2! "})
+                if (found.find(guarded) == std::string::npos) return found;
+            if (std::ranges::count(found, ' ') != 4) return found;
+            if (!mountRam("/mnt/c") || !bindMount(tree.at("p"), "/mnt/c")) return "no mount";
+            request.roots = {"/mnt/c/in", tree.at("q")};
+            const std::string above = foundWith(request);
+            return above.find("X.app! ") != std::string::npos ? "" : above;
+        });
+    });
+}
+
+TEST(ScopeOfMounts, FoldersThatLieInEachOtherAreSearched) {
+    withOwnMounts([] {
+        return amongMounts([](TestTree& tree) -> std::string {
+            if (!tree.write("a/1", "same") || !tree.write("a/2", "same") || !tree.folder("a/b"))
+                return "not written";
+            if (!bindMount(tree.path(), tree.at("a/b"))) return "skip: no mounts here";
+            const std::string found = foundWith({{tree.at("a/b"), tree.at("a"), tree.path()}});
+            return std::ranges::count(found, ' ') == 2 ? "" : "found " + found;
+        });
+    });
 }
 
 TEST(ScopeOfMounts, AnEntryThroughTwoMountsCountsOnce) {
@@ -229,6 +285,50 @@ TEST_F(Scope, ProtectedFoldersAreKnownByEveryWay) {
     };
     for (const auto& each : cases)
         EXPECT_EQ(search({each.roots, each.guarded}).leaves, each.leaves) << each.what;
+}
+
+// The protected folder's name is a link that goes while the search runs.
+TEST_F(Scope, WhatWasProtectedAtTheBeginningStaysSo) {
+    class Leaving final : public ForwardingFiles {
+    public:
+        Leaving(const FileSystem& files, std::string link)
+            : ForwardingFiles(files), m_link(std::move(link)) {}
+        SysResult<bool> readFolder(int folder, CatalogBatch& batch) const override {
+            ::unlink(m_link.c_str());
+            return ForwardingFiles::readFolder(folder, batch);
+        }
+
+    private:
+        const std::string m_link;
+    };
+    ASSERT_TRUE(tree.write("a/1", "same") && tree.write("p/2", "same"));
+    ASSERT_TRUE(tree.symlink("p", "way"));
+    SearchRequest request{{tree.at("a"), tree.at("p")}, {tree.at("way")}};
+    const Leaving leaving(files, tree.at("way"));
+    DuplicateFilesOpt search(leaving);
+    search.beginSearch(request);
+    std::size_t guarded = 0;
+    search.visitGroups([&](const DuplicateGroup& group) {
+        for (const auto* file : group.files) guarded += search.search()->isProtected(*file);
+    });
+    EXPECT_EQ(guarded, 1U);
+}
+
+// A link to a bundle, and copies in a folder that is searched through a link, as rules see them.
+TEST_F(Scope, RulesSeeWhereCopiesLie) {
+    for (const char* name : {"out/X.app/in", "a/Y.app/in", "a/1", "a/2"})
+        ASSERT_TRUE(tree.write(name, "same"));
+    ASSERT_TRUE(tree.symlink("../out/X.app", "a/L.app") && tree.symlink("a", "way"));
+    DuplicateFilesOpt search(files);
+    search.beginSearchAtPath(tree.at("way"), 0);
+    GroupMembers members(*search.search());
+    std::string told;
+    search.visitGroups([&](const DuplicateGroup& group) {
+        for (const KeepMember& each : members.of(group))
+            told += below(std::string(each.path)) + (each.isSymbolicLink() ? "@" : "=") +
+                    below(std::string(each.place)) + ' ';
+    });
+    EXPECT_EQ(told, "way/Y.app=a/Y.app way/L.app@out/X.app way/2=a/2 way/1=a/1 ");
 }
 
 TEST(NamedSearches, ComeBackAndAreForgotten) {

@@ -82,31 +82,34 @@ bool hasTellingNumber(const KeepMember& member) {
            (!member.identity->inodePasses || member.links > 1);
 }
 
-// Marks what is another name of a marked member.
-void markOtherNames(std::span<const KeepMember> members, std::vector<std::uint8_t>& marked) {
+void markHardLinks(std::span<const KeepMember> members, std::vector<std::uint8_t>& marked) {
     std::vector<std::pair<std::uint64_t, std::uint64_t>> files;
-    std::vector<std::string_view> places;
-    bool hasLinks = false;
-    bool hasOthers = false;
-    for (std::size_t i = 0; i < members.size(); ++i) {
-        hasLinks |= members[i].isSymbolicLink();
-        if (marked[i] == 0) hasOthers = true;
-        else if (hasTellingNumber(members[i])) files.push_back(keptFileOf(members[i]));
-    }
-    if (!hasOthers) return;
+    for (std::size_t i = 0; i < members.size(); ++i)
+        if (marked[i] != 0 && hasTellingNumber(members[i])) files.push_back(keptFileOf(members[i]));
     std::sort(files.begin(), files.end());
-    if (hasLinks)
-        for (std::size_t i = 0; i < members.size(); ++i)
-            if (marked[i] != 0) places.push_back(realPlace(members[i]));
+    for (std::size_t i = 0; i < members.size(); ++i)
+        if (marked[i] == 0 && hasTellingNumber(members[i]) &&
+            std::ranges::binary_search(files, keptFileOf(members[i])))
+            marked[i] = 1;
+}
+
+void markLinks(std::span<const KeepMember> members, std::vector<std::uint8_t>& marked) {
+    if (std::ranges::none_of(members, &KeepMember::isSymbolicLink)) return;
+    std::vector<std::string_view> places;
+    for (std::size_t i = 0; i < members.size(); ++i)
+        if (marked[i] != 0) places.push_back(realPlace(members[i]));
     std::sort(places.begin(), places.end());
-    for (std::size_t i = 0; i < members.size(); ++i) {
-        if (marked[i] != 0) continue;
-        const bool isName = members[i].isSymbolicLink()
-                                ? std::ranges::binary_search(places, realPlace(members[i]))
-                                : hasTellingNumber(members[i]) &&
-                                      std::ranges::binary_search(files, keptFileOf(members[i]));
-        if (isName) marked[i] = 1;
-    }
+    for (std::size_t i = 0; i < members.size(); ++i)
+        if (marked[i] == 0 && members[i].isSymbolicLink() &&
+            std::ranges::binary_search(places, realPlace(members[i])))
+            marked[i] = 1;
+}
+
+// Marks what is another name of a marked member. A link may lead to any of its hard links.
+void markOtherNames(std::span<const KeepMember> members, std::vector<std::uint8_t>& marked) {
+    if (std::ranges::find(marked, 0) == marked.end()) return;
+    markHardLinks(members, marked);
+    markLinks(members, marked);
 }
 
 constexpr std::size_t nobody = ~std::size_t{0};
@@ -126,9 +129,9 @@ std::size_t firstOf(const KeepRules& rules, std::span<const KeepMember> members,
 
 std::optional<KeepRule> keepRuleOf(std::string_view text) {
     if (text.starts_with(placePrefix)) {
-        text.remove_prefix(placePrefix.size());
-        if (text.empty()) return std::nullopt;
-        return KeepRule{By::BestPlace, {std::string(text)}};
+        const auto folder = plainPath(text.substr(placePrefix.size()));
+        if (!folder) return std::nullopt;
+        return KeepRule{By::BestPlace, {*folder}};
     }
     const auto* const found =
         std::ranges::find(ruleNames, text, &decltype(ruleNames)::value_type::first);

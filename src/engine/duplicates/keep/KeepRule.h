@@ -27,7 +27,7 @@ struct KeepRule {
 using KeepRules = std::vector<KeepRule>;
 
 /// A rule as it is written: "newest", "oldest", "shortest-path", "shortest-name", "path:FOLDER".
-/// Nothing for anything else. The folder is taken as it stands.
+/// Nothing for anything else. The folder is absolute and does not climb by "..".
 [[nodiscard]] std::optional<KeepRule> keepRuleOf(std::string_view text);
 
 /// The forms of it, for messages and help.

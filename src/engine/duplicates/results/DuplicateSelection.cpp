@@ -161,7 +161,7 @@ void DuplicateSelection::setAll(TreeNode& tree, bool on) {
         bool isHeldBack = false;
         for (std::size_t i = 0; i < group.numberOfChildren(); ++i) {
             const TreeNode::Pointer& leaf = group.childAtIndex(i);
-            isHeldBack |= leaf.get() != stays && simpleData(*leaf)->isProtected();
+            isHeldBack |= simpleData(*leaf)->isProtected();
             if (leaf.get() == stays || simpleData(*leaf)->isProtected()) continue;
             tick(leaf);
             ++ticked;

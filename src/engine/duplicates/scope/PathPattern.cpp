@@ -28,18 +28,25 @@ std::string_view takeCharacter(std::string_view& text) {
     return taken;
 }
 
+std::size_t charactersIn(std::string_view text) {
+    std::size_t count = 0;
+    for (; !text.empty(); ++count) takeCharacter(text);
+    return count;
+}
+
 std::string_view takeLiteral(std::string_view& pattern) {
     if (pattern[0] == '\\' && pattern.size() > 1) pattern.remove_prefix(1);
     return takeCharacter(pattern);
 }
 
-// A set behind its "[", which is taken off with its "]". Characters of UTF-8 stand in the order of
-// their bytes.
+// A set behind its "[", which is taken off with its "]"; parsed() has seen that there is one, and
+// an end of the pattern ends the set too. Characters of UTF-8 stand in the order of their bytes.
 bool takeSet(std::string_view& pattern, std::string_view character) {
     const bool isNot = pattern.starts_with('!') || pattern.starts_with('^');
     if (isNot) pattern.remove_prefix(1);
     bool isIn = false;
     for (bool isFirst = true; isFirst || !pattern.starts_with(']'); isFirst = false) {
+        if (pattern.empty()) return false;
         const std::string_view from = takeLiteral(pattern);
         std::string_view to = from;
         if (pattern.size() > 1 && pattern[0] == '-' && pattern[1] != ']') {
@@ -124,12 +131,15 @@ tl::expected<std::size_t, Fault> lengthOfSet(std::string_view text) {
     for (bool isFirst = true; isFirst || !rest.starts_with(']'); isFirst = false) {
         if (rest.empty() || rest == "\\") return tl::unexpected(Fault{1, "no ] closes this ["});
         const std::string_view from = takeLiteral(rest);
-        if (from == "/") return tl::unexpected(Fault{1, "a set can not hold a slash"});
-        if (rest.size() < 2 || rest[0] != '-' || rest[1] == ']') continue;
-        rest.remove_prefix(1);
-        const std::size_t place = text.size() - rest.size() + 1;
-        if (takeLiteral(rest) < from)
-            return tl::unexpected(Fault{place, "this set runs backwards"});
+        std::string_view to = from;
+        std::size_t place = 1;
+        if (rest.size() >= 2 && rest[0] == '-' && rest[1] != ']') {
+            rest.remove_prefix(1);
+            place = text.size() - rest.size() + 1;
+            to = takeLiteral(rest);
+        }
+        if (from == "/" || to == "/") return tl::unexpected(Fault{1, "a set can not hold a slash"});
+        if (to < from) return tl::unexpected(Fault{place, "this set runs backwards"});
     }
     return text.size() - rest.size() + 1;
 }
@@ -141,6 +151,7 @@ std::optional<Fault> faultIn(std::string_view glob) {
         if (glob[at] == '\0') return Fault{at + 1, "a name can not hold this character"};
         if (glob[at] == '\\') {
             if (++at == glob.size()) return Fault{at, "nothing follows this backslash"};
+            if (glob[at] == '/') return Fault{at, "a name can not hold a slash"};
             continue;
         }
         if (glob[at] == '/' && at + 1 < glob.size() && glob[at + 1] == '/')
@@ -169,7 +180,8 @@ tl::expected<PathPattern, PatternFault> PathPattern::parsed(std::string_view tex
     const bool isWhole = glob.starts_with('/');
     if (isWhole) glob.remove_prefix(1);
     if (auto fault = faultIn(glob)) {
-        fault->place += skipped + (isWhole ? 1 : 0);
+        const std::size_t before = fault->place - 1 + (isWhole ? 1 : 0);
+        fault->place = skipped + charactersIn(text.substr(0, before)) + 1;
         return tl::unexpected(*fault);
     }
     pattern.m_scope = isWhole                                    ? Scope::Whole

@@ -56,14 +56,40 @@ const ProtectedFolders::Place& ProtectedFolders::placeOf(const FolderNode& folde
 
 bool ProtectedFolders::covers(const fileAttrbItem& file) { return placeOf(*file.folder).isCovered; }
 
-bool ProtectedFolders::covers(const AppAttrbItem& bundle) const {
-    const std::string& path = bundle.DirectoryPathName;
+bool ProtectedFolders::covers(const AppAttrbItem& bundle) {
+    return isOne(bundle.device, bundle.inode) || coversBundleAt(bundle.DirectoryPathName) ||
+           std::ranges::any_of(bundle.otherPaths,
+                               [this](const std::string& path) { return coversBundleAt(path); });
+}
+
+bool ProtectedFolders::coversBundleAt(const std::string& path) {
     const std::string real = m_files.resolved(path).value_or(path);
     const auto holds = [&](const Guarded& each) {
         return isWithin(each.path, path) || isWithin(each.real, real);
     };
-    return isIn(path, real) || isOne(bundle.device, bundle.inode) ||
-           std::ranges::any_of(m_folders, holds);
+    return isIn(path, real) || std::ranges::any_of(m_folders, holds) || isBelowOne(folderOf(real));
+}
+
+// Through another mount a folder has another path, and only its number tells.
+bool ProtectedFolders::isBelowOne(const std::string& folder) {
+    std::vector<std::string> way;
+    bool isBelow = false;
+    for (std::string at = folder;; at = folderOf(at)) {
+        const auto known = m_below.find(at);
+        if (known != m_below.end()) {
+            isBelow = known->second;
+            break;
+        }
+        way.push_back(at);
+        if (at == "/" || at.find('/') == std::string::npos) break;
+    }
+    for (; !way.empty(); way.pop_back()) {
+        const auto seen =
+            m_files.attributes(FileSystem::noParent, way.back().c_str(), Links::Follow);
+        isBelow = isBelow || (seen && isOne(seen->device, seen->inode));
+        m_below.emplace(std::move(way.back()), isBelow);
+    }
+    return isBelow;
 }
 
 }  // namespace orrinvale

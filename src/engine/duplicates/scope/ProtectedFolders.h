@@ -12,7 +12,8 @@
 namespace orrinvale {
 
 /// A folder is known by its path, by the path without links, and by what it is, so that neither a
-/// link nor a mount leads around it. One that is not there protects its path. One thread.
+/// link nor a mount leads around it. One that is not there protects its path. What was said of a
+/// folder of the search holds from then on. One thread.
 class ProtectedFolders final {
 public:
     /// The file system outlives the object.
@@ -21,7 +22,7 @@ public:
     [[nodiscard]] bool empty() const { return m_folders.empty(); }
     [[nodiscard]] bool covers(const fileAttrbItem& file);
     /// A bundle that holds a protected folder is protected as a whole.
-    [[nodiscard]] bool covers(const AppAttrbItem& bundle) const;
+    [[nodiscard]] bool covers(const AppAttrbItem& bundle);
 
 private:
     struct Guarded {
@@ -34,12 +35,15 @@ private:
         bool isCovered = false;
     };
     const Place& placeOf(const FolderNode& folder);
+    bool coversBundleAt(const std::string& path);
+    bool isBelowOne(const std::string& folder);
     [[nodiscard]] bool isIn(const std::string& path, const std::string& real) const;
     [[nodiscard]] bool isOne(std::uint64_t device, std::uint64_t inode) const;
 
     const FileSystem& m_files;
     std::vector<Guarded> m_folders;
     std::map<const FolderNode*, Place> m_places;
+    std::map<std::string, bool> m_below;  // folders above bundles
 };
 
 }  // namespace orrinvale

@@ -14,6 +14,7 @@ struct AskedRoot {
     std::string real;
     FileAttributes seen;
     bool inodePasses = false;
+    const AskedRoot* by = nullptr;  // that it is searched with; null while it is searched itself
 
     [[nodiscard]] bool isSameAs(const AskedRoot& other) const {
         return real == other.real ||
@@ -23,6 +24,19 @@ struct AskedRoot {
         return isSameAs(other) || isWithin(real, other.real);
     }
 };
+
+// A mount may show a folder within itself, and three paths may then lie in each other in a circle:
+// only what is still searched may cover. Of two that are one folder the first is searched.
+void dropCovered(std::vector<AskedRoot>& asked) {
+    for (AskedRoot& root : asked) {
+        const auto covers = [&root](const AskedRoot& other) {
+            return &other != &root && other.by == nullptr && root.isCoveredBy(other) &&
+                   (&other < &root || !root.isSameAs(other));
+        };
+        const auto other = std::ranges::find_if(asked, covers);
+        if (other != asked.end()) root.by = &*other;
+    }
+}
 
 }  // namespace
 
@@ -38,15 +52,15 @@ SearchRoots findRoots(const FileSystem& files, const std::vector<std::string>& r
                              std::ranges::binary_search(passing, seen->device)});
         else found.failed.push_back(systemError("open", path, seen.error()));
     }
-    for (std::size_t i = 0; i < asked.size(); ++i) {
-        // Of two that are one folder the first is searched.
-        const auto covers = [&](const AskedRoot& other) {
-            const auto at = static_cast<std::size_t>(&other - asked.data());
-            return at != i && asked[i].isCoveredBy(other) && (at < i || !asked[i].isSameAs(other));
-        };
-        const auto other = std::ranges::find_if(asked, covers);
-        if (other == asked.end()) found.roots.push_back(asked[i].path);
-        else found.covered.push_back({asked[i].path, other->path, asked[i].isSameAs(*other)});
+    dropCovered(asked);
+    for (const AskedRoot& root : asked) {
+        if (root.by == nullptr) {
+            found.roots.push_back(root.path);
+            continue;
+        }
+        const AskedRoot* by = root.by;
+        while (by->by != nullptr) by = by->by;
+        found.covered.push_back({root.path, by->path, root.isSameAs(*by)});
     }
     for (const AskedRoot& a : asked)
         for (const AskedRoot& b : asked)

@@ -81,10 +81,12 @@ public:
     void setHardLinks(std::uint32_t count) { m_hardLinks = count; }
 
     /// True when the leaf is a symbolic link directly in the folder that was searched, or stands
-    /// behind one: it then lies elsewhere than its path says, at linkTarget(), a path without
-    /// links, empty where that could not be found out.
+    /// behind one: it then lies elsewhere than its path says, at linkTarget().
     [[nodiscard]] bool isLink() const { return m_isLink; }
+    /// A path without links, of a link to a file what it leads to; empty where that is the name, or
+    /// could not be found out.
     [[nodiscard]] const std::string& linkTarget() const { return m_linkTarget; }
+    void setPlace(std::string withoutLinks) { m_linkTarget = std::move(withoutLinks); }
 
     /// True for a link, and for what stands behind one, whose real place is not below the folder
     /// that was searched.
