@@ -48,17 +48,29 @@ void CleanTree::clear() {
         endAside(std::pair(std::exchange(m_treeData, nullptr), std::exchange(m_groups, {})));
 }
 
+// Old groups end here, and only what nobody shows any more elsewhere: where a leaf was taken over
+// another thread must not look at it.
 void CleanTree::constructTree(const std::vector<ScanViewController*>& scanObjsArr) {
-    std::pair past(std::exchange(m_treeData, nullptr), std::exchange(m_groups, {}));
+    auto root = std::exchange(m_treeData, nullptr);
+    std::vector<Group> past = std::exchange(m_groups, {});
     m_treeData = SimpleTreeNode::treeNodeWithData(SimpleNodeData::groupDataWithName("Root"));
     for (ScanViewController* const list : scanObjsArr) {
         if (!list->scanFiles || list->scanFiles->empty()) continue;
-        const auto before = std::ranges::find(past.second, list, &Group::list);
-        const Group& group = m_groups.emplace_back(
-            makeGroup(*list, before != past.second.end() ? &*before : nullptr));
-        m_treeData->insertChild(group.node, m_treeData->numberOfChildren());
+        const auto before = std::ranges::find(past, list, &Group::list);
+        const bool isKnown = before != past.end();
+        if (isKnown && isAsBefore(*before)) {
+            root->removeChild(before->node.get());
+            m_groups.push_back(std::move(*before));
+            past.erase(before);
+            showTicks(m_groups.back());
+        } else {
+            m_groups.push_back(makeGroup(*list, isKnown ? &*before : nullptr));
+        }
+        m_treeData->insertChild(m_groups.back().node, m_treeData->numberOfChildren());
     }
-    if (past.first != nullptr) endAside(std::move(past));
+    root.reset();
+    for (Group& each : past) each.node.reset();
+    if (!past.empty()) endAside(std::move(past));
 }
 
 TreeNode::Pointer groupOfRows(const ScanViewController::Rows& rows,
@@ -80,20 +92,31 @@ TreeNode::Pointer groupOfRows(const ScanViewController::Rows& rows,
     return group;
 }
 
-// Rows leave a list, and the others keep their order. The old group lets go of what it gives, since
-// its end comes on another thread.
-std::vector<TreeNode::Pointer> CleanTree::takeStayed(const Group& before,
-                                                     const ScanViewController::Rows& rows) {
-    std::vector<TreeNode::Pointer> leaves(rows.size()), taken;
+// The same rows, in the order of the list.
+bool CleanTree::isAsBefore(const Group& group) {
+    const ScanViewController::Rows& rows = *group.list->scanFiles;
+    if (rows.size() != group.byRow.size()) return false;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const Row& row = group.byRow[i];
+        if (row.info != rows[i] || row.bytes != rows[i]->fileSizeNum ||
+            group.node->childAtIndex(i) != row.leaf)
+            return false;
+    }
+    return true;
+}
+
+// Rows leave a list, and the others keep their order.
+std::vector<TreeNode::Pointer> CleanTree::leavesThatStay(const Group& before,
+                                                         const ScanViewController::Rows& rows) {
+    std::vector<TreeNode::Pointer> leaves(rows.size());
     auto old = before.byRow.begin();
     for (std::size_t i = 0; i < rows.size(); ++i) {
         old = std::find_if(old, before.byRow.end(),
                            [&row = rows[i]](const Row& each) { return each.info == row; });
         if (old == before.byRow.end()) break;
-        if (old->bytes == rows[i]->fileSizeNum) taken.push_back(leaves[i] = old->leaf);
+        if (old->bytes == rows[i]->fileSizeNum) leaves[i] = old->leaf;
         ++old;
     }
-    before.node->_removeChildrenIdenticalTo(taken);
     return leaves;
 }
 
@@ -104,7 +127,7 @@ CleanTree::Group CleanTree::makeGroup(ScanViewController& list, const Group* bef
     if (group.node == nullptr)
         group.node = groupOfRows(
             rows, list.listing().rows,
-            before != nullptr ? takeStayed(*before, rows) : std::vector<TreeNode::Pointer>());
+            before != nullptr ? leavesThatStay(*before, rows) : std::vector<TreeNode::Pointer>());
     const auto name = namesOf(static_cast<CleanCategory>(group.category)).display;
     dataOf(*group.node).setName(std::string(name));
     group.byRow.reserve(rows.size());
@@ -116,6 +139,12 @@ CleanTree::Group CleanTree::makeGroup(ScanViewController& list, const Group* bef
     }
     showGroup(group);
     return group;
+}
+
+void CleanTree::showTicks(Group& group) {
+    for (std::size_t i = 0; i < group.byRow.size(); ++i)
+        setLeaf(group, *group.byRow[i].leaf, group.byRow[i].info->bIsSelected);
+    showGroup(group);
 }
 
 void CleanTree::showGroup(Group& group) {
@@ -210,9 +239,7 @@ void CleanTree::refOutlineWhenClickScanView() {
     for (Group& group : m_groups) {
         // While a clean goes on the list may be shorter; the tree is built anew behind it.
         if (!group.list->scanFiles || group.list->scanFiles->size() != group.byRow.size()) continue;
-        for (std::size_t i = 0; i < group.byRow.size(); ++i)
-            setLeaf(group, *group.byRow[i].leaf, (*group.list->scanFiles)[i]->bIsSelected);
-        showGroup(group);
+        showTicks(group);
     }
 }
 

@@ -19,9 +19,8 @@ namespace orrinvale {
 [[nodiscard]] std::size_t categoryOfGroup(std::string_view name);
 
 /// Rows of a list as the leaves of a group that has no name yet; `seen` has their ages. `stayed`
-/// has the leaves that are there already, at the places of their rows; no other group may hold
-/// them. All others are made, not ticked. Any thread: the main one only for rows that stayed of a
-/// list.
+/// has the leaves that are there already, at the places of their rows. All others are made, not
+/// ticked. Any thread: the main one only for rows that stayed of a list.
 [[nodiscard]] TreeNode::Pointer groupOfRows(const ScanViewController::Rows& rows,
                                             const std::vector<CleanRow>& seen,
                                             std::vector<TreeNode::Pointer> stayed = {});
@@ -75,8 +74,10 @@ private:
         std::size_t ticked = 0;
     };
     [[nodiscard]] static Group makeGroup(ScanViewController& list, const Group* before);
-    [[nodiscard]] static std::vector<TreeNode::Pointer> takeStayed(
+    [[nodiscard]] static bool isAsBefore(const Group& group);
+    [[nodiscard]] static std::vector<TreeNode::Pointer> leavesThatStay(
         const Group& before, const ScanViewController::Rows& rows);
+    static void showTicks(Group& group);
     [[nodiscard]] Group& groupOf(const TreeNode& node);
     void setAll(Group& group, bool isTicked) const;
     static void setLeaf(Group& group, TreeNode& leaf, bool isTicked);
