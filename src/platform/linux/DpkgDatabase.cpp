@@ -21,7 +21,7 @@ namespace {
 constexpr std::size_t statusLimit = std::size_t{256} * 1024 * 1024;
 constexpr std::size_t listLimit = std::size_t{64} * 1024 * 1024;
 
-std::string_view trimmed(std::string_view text) {
+std::string_view trimmedField(std::string_view text) {
     const std::size_t begin = text.find_first_not_of(" \t\n");
     if (begin == std::string_view::npos) return {};
     return text.substr(begin, text.find_last_not_of(" \t\n") - begin + 1);
@@ -51,7 +51,8 @@ std::optional<Field> takeField(std::string_view& text) {
     const std::size_t colon = line.find(':');
     if (colon == std::string_view::npos) return Field{};
     const char* const value = line.data() + colon + 1;
-    return Field{line.substr(0, colon), trimmed({value, static_cast<std::size_t>(end - value)})};
+    return Field{line.substr(0, colon),
+                 trimmedField({value, static_cast<std::size_t>(end - value)})};
 }
 
 DpkgPackage::State stateOf(std::string_view status) {
@@ -99,7 +100,7 @@ bool isPlain(std::string_view name) {
 }
 
 std::string_view nameIn(std::string_view relation) {
-    relation = trimmed(relation);
+    relation = trimmedField(relation);
     return relation.substr(0, relation.find_first_of(" (:[<\t"));
 }
 
@@ -306,7 +307,7 @@ std::vector<std::string> DpkgDatabase::filesOf(const DpkgPackage& package) const
 std::vector<std::string> DpkgDatabase::conffilesOf(const DpkgPackage& package) const {
     std::vector<std::string> out;
     for (std::string_view rest = package.conffiles; !rest.empty();) {
-        const std::string_view line = trimmed(takeLine(rest));
+        const std::string_view line = trimmedField(takeLine(rest));
         const std::string_view path = line.substr(0, line.find(' '));
         if (path.starts_with('/') && !line.ends_with(" obsolete")) out.emplace_back(path);
     }

@@ -78,9 +78,9 @@ std::string listenerAt(const std::string& path) {
     return std::to_string(who.pid);
 }
 
-class Look final {
+class RunningLook final {
 public:
-    explicit Look(const ApplicationPlaces& places) : m_places(places) {}
+    explicit RunningLook(const ApplicationPlaces& places) : m_places(places) {}
 
     RunningPrograms run() {
         findSession();
@@ -179,7 +179,9 @@ private:
 
 }  // namespace
 
-RunningPrograms RunningPrograms::now(const ApplicationPlaces& places) { return Look(places).run(); }
+RunningPrograms RunningPrograms::now(const ApplicationPlaces& places) {
+    return RunningLook(places).run();
+}
 
 RunState RunningPrograms::stateOf(const ApplicationRecord& record,
                                   const std::function<bool(const std::string&)>& brings) const {

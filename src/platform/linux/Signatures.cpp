@@ -12,7 +12,7 @@ constexpr std::size_t keySize = 32;
 constexpr std::size_t signatureSize = 64;
 constexpr int ed25519 = 1087;  // NID_ED25519
 
-struct Library {
+struct CryptoLibrary {
     void* (*newKey)(int type, void* engine, const unsigned char* key, std::size_t size) = nullptr;
     void (*freeKey)(void* key) = nullptr;
     void* (*newContext)() = nullptr;
@@ -23,7 +23,7 @@ struct Library {
                   const unsigned char* bytes, std::size_t size) = nullptr;
     bool isWhole = false;
 
-    explicit Library(const char* name) {
+    explicit CryptoLibrary(const char* name) {
         LoadedLibrary library(name);
         library.find(newKey, "EVP_PKEY_new_raw_public_key");
         library.find(freeKey, "EVP_PKEY_free");
@@ -35,10 +35,10 @@ struct Library {
     }
 };
 
-const Library* loaded() {
-    static const Library newer("libcrypto.so.3");
+const CryptoLibrary* cryptoLibrary() {
+    static const CryptoLibrary newer("libcrypto.so.3");
     if (newer.isWhole) return &newer;
-    static const Library older("libcrypto.so.1.1");
+    static const CryptoLibrary older("libcrypto.so.1.1");
     return older.isWhole ? &older : nullptr;
 }
 
@@ -50,7 +50,7 @@ const unsigned char* raw(std::string_view bytes) {
 
 SignatureCheck checkSignature(std::string_view bytes, std::string_view signature,
                               std::string_view publicKey) {
-    const Library* const library = loaded();
+    const CryptoLibrary* const library = cryptoLibrary();
     if (library == nullptr) return SignatureCheck::Unknown;
     if (publicKey.size() != keySize || signature.size() != signatureSize)
         return SignatureCheck::Bad;

@@ -27,7 +27,7 @@ namespace orrinvale {
 namespace {
 
 constexpr std::size_t downloads = 5;
-constexpr unsigned allCategories = 0b111111;
+constexpr unsigned everyCategory = 0b111111;
 constexpr unsigned allButDownloads = 0b011111;
 constexpr int alertDelay = 200;  // milliseconds from the end of a clean to its sheet
 
@@ -85,7 +85,7 @@ void MainViewController::allCleanButtonActionInfo() {
     m_views->customTableView->setIsCleanInfo(true);
     m_views->customTableView->setTotalSelectNum(0);
     if (m_shownSums.at(downloads).ticked > 0) return showAlertWindow();
-    confirm(allCategories, false);
+    confirm(everyCategory, false);
 }
 
 void MainViewController::showAlertWindow() {
@@ -93,7 +93,7 @@ void MainViewController::showAlertWindow() {
     question.linkAction = [this] { openViewNewLink(); };
     ask(question, [this](int button) {
         if (button != 0 && button != 1) return giveButtonsBack();
-        confirm(button == 0 ? allCategories : allButDownloads, false);
+        confirm(button == 0 ? everyCategory : allButDownloads, false);
     });
 }
 

@@ -15,7 +15,7 @@
 namespace orrinvale {
 namespace {
 
-constexpr int sizeColumnWidth = 92;
+constexpr int scanSizeWidth = 92;
 constexpr int ageColumnWidth = 96;
 
 std::int64_t now() {
@@ -30,7 +30,7 @@ QString dateText(const ScanListRow& row) {
                               QLocale::ShortFormat);
 }
 
-std::vector<TickColumn<ScanListRow>> columns(ScanListModel::IconSource icons) {
+std::vector<TickColumn<ScanListRow>> scanColumns(ScanListModel::IconSource icons) {
     return {
         {.name = ScanListModel::tr("Ticked"), .look = CellLook::Box, .width = boxColumnWidth},
         {.title = ScanListModel::tr("Name"),
@@ -41,7 +41,7 @@ std::vector<TickColumn<ScanListRow>> columns(ScanListModel::IconSource icons) {
                      const ScanListRow& row) { return icons ? icons(row.info->icon) : QIcon(); }},
         {.title = ScanListModel::tr("Size"),
          .look = CellLook::Figure,
-         .width = sizeColumnWidth,
+         .width = scanSizeWidth,
          .sortKey = int(CleanOrder::Size),
          .text = [](const ScanListRow& row) { return shownSize(row.info->size); }},
         {.title = ScanListModel::tr("Age"),
@@ -65,7 +65,7 @@ QString cameBackWords() { return ScanListModel::tr("Came back since it was last 
 
 ScanListModel::ScanListModel(IconSource icons, BoxClicked boxClicked,
                              const std::unordered_set<std::string>& cleaned, QObject* parent)
-    : TickModelOf(columns(std::move(icons)), parent),
+    : TickModelOf(scanColumns(std::move(icons)), parent),
       m_boxClicked(std::move(boxClicked)),
       m_cleaned(cleaned) {}
 

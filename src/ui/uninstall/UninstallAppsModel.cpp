@@ -26,7 +26,7 @@ QString day(const std::optional<Date>& date) {
     return QLocale().toString(moment.date(), QLocale::ShortFormat);
 }
 
-QString text(const std::string& bytes) { return QString::fromStdString(bytes); }
+QString itemText(const std::string& bytes) { return QString::fromStdString(bytes); }
 
 QString signText(const AppItems& item) {
     return item.isSystemApp ? UninstallAppsModel::tr("System program") : QString();
@@ -39,9 +39,11 @@ std::vector<TickColumn<AppItems>> columns(
         {.title = UninstallAppsModel::tr("Application"),
          .look = CellLook::TwoLines,
          .sortKey = int(Sort::Name),
-         .text = [](const AppItems& item) { return nameCell.primaryText(text(item.name)); },
+         .text = [](const AppItems& item) { return nameCell.primaryText(itemText(item.name)); },
          .second =
-             [](const AppItems& item) { return text(item.bundleVersion.value_or(std::string())); },
+             [](const AppItems& item) {
+                 return itemText(item.bundleVersion.value_or(std::string()));
+             },
          .icon = [icon](const AppItems& item) { return icon(item.record->icon); }},
         {.name = UninstallAppsModel::tr("System program"),
          .look = CellLook::Sign,
@@ -144,7 +146,7 @@ bool UninstallAppsModel::mayTick(const AppItems& item) const {
 }
 
 QString UninstallAppsModel::toolTipOf(const AppItems& item) const {
-    QStringList lines{text(item.name), text(item.path)};
+    QStringList lines{itemText(item.name), itemText(item.path)};
     if (item.record->isOurs)
         lines.push_back(tr("This is Orrinvale, which does not remove itself."));
     if (item.isSystemApp) lines.push_back(signText(item));
@@ -152,7 +154,7 @@ QString UninstallAppsModel::toolTipOf(const AppItems& item) const {
 }
 
 QString UninstallAppsModel::descriptionOf(const AppItems& item) const {
-    QStringList words{text(item.bundleVersion.value_or(std::string())), signText(item)};
+    QStringList words{itemText(item.bundleVersion.value_or(std::string())), signText(item)};
     words.removeAll(QString());
     return words.join(QStringLiteral(", "));
 }
