@@ -61,7 +61,7 @@ struct UsageWalk::Piece {
 
 namespace usagewalk {
 
-constexpr std::uint8_t unread = FSNode::Unread | FSNode::UnreadWithin;
+constexpr std::uint8_t unreadMarks = FSNode::Unread | FSNode::UnreadWithin;
 constexpr std::uint8_t foreign = FSNode::Foreign | FSNode::ForeignWithin;
 
 }  // namespace usagewalk

@@ -8,7 +8,7 @@
 namespace orrinvale {
 
 using usagewalk::foreign;
-using usagewalk::unread;
+using usagewalk::unreadMarks;
 
 // Once for the entries of a piece, since all that work in the folder wait here.
 void UsageWalk::fold(UsageFolder& folder, Piece& piece) {
@@ -49,10 +49,10 @@ void UsageWalk::fold(UsageFolder& folder, Piece& piece) {
 
 // All that is in the folder has been folded into it, and nobody else knows it any more.
 void UsageWalk::complete(UsageFolder& folder) {
-    const bool isExplained = (folder.marks & (unread | foreign) & ~FSNode::within) != 0;
+    const bool isExplained = (folder.marks & (unreadMarks | foreign) & ~FSNode::within) != 0;
     if (!folder.isListed && !folder.isGone && !isExplained) {
         if (stopped()) folder.marks |= FSNode::CutWithin;
-        else folder.marks |= unread;
+        else folder.marks |= unreadMarks;
     }
     UsageResult found = resultOf(folder);
     if (folder.above != nullptr)

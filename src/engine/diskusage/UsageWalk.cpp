@@ -16,7 +16,7 @@
 namespace orrinvale {
 
 using usagewalk::foreign;
-using usagewalk::unread;
+using usagewalk::unreadMarks;
 
 namespace {
 
@@ -39,7 +39,7 @@ UsageResult UsageWalk::run(FSNode* start, const std::string& path, Links last) {
     if (!handle) {
         const bool isGone = isGoneBy(handle.error());
         if (!isGone || last == Links::Follow) skip("open", path, handle.error());
-        return {.contents = {.marks = unread}, .marks = unread, .isGone = isGone};
+        return {.contents = {.marks = unreadMarks}, .marks = unreadMarks, .isGone = isGone};
     }
     auto folder = std::make_unique<UsageFolder>(*this);
     if (const auto seen = m_files.attributes(handle->get())) {
@@ -94,7 +94,7 @@ void UsageWalk::fail(WalkedFolder& walked, std::string_view operation, int numbe
     } else if (isGoneBy(number) && folder.above != nullptr) {
         folder.isGone = true;
     } else {
-        folder.marks |= unread;
+        folder.marks |= unreadMarks;
         skip(operation, pathOf(folder), number);
     }
 }
@@ -133,7 +133,7 @@ UsageFolder* UsageWalk::takeEntry(UsageFolder& folder, int handle, CatalogEntry&
     ++piece.files;
     std::uint8_t marks = 0;
     if (entry.error != 0) {
-        marks = unread;
+        marks = unreadMarks;
         skip("attributes", pathOf(folder, entry.name), entry.error);
     } else if (isForeign(entry.attributes)) {
         marks = foreign;
