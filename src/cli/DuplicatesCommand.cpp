@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstddef>
 #include <utility>
 
@@ -15,8 +16,11 @@
 #include "cli/SearchWatch.h"
 #include "engine/duplicates/DuplicateFilesOpt.h"
 #include "engine/duplicates/plan/PlanFile.h"
+#include "engine/duplicates/searchedPaths.h"
 #include "engine/text/SizeText.h"
 #include "engine/text/UtilityFunction.h"
+#include "platform/files.h"
+#include "platform/paths.h"
 
 namespace orrinvale::cli {
 namespace {
@@ -31,6 +35,16 @@ std::string progressLine(DuplicateFilesOpt& search) {
     return fmt::format("{:3} %  {} files, {} read  {}", progress.done, counts.listedFiles,
                        UtilityFunction::convertVolSpace(counts.hashedBytes),
                        printable(progress.current));
+}
+
+// Of an exclusion file where it is wrong, since "Invalid argument" helps nobody.
+void complainOfSkipped(const FileSystem& files, const std::vector<Error>& skipped) {
+    for (const Error& each : skipped) {
+        std::string reason;
+        if (each.number == EINVAL && lastPathComponent(each.path) == SearchFilter::fileName)
+            reason = exclusionFault(files, each.path);
+        complain(fmt::format("{}: {}", each.path, reason.empty() ? each.reason() : reason));
+    }
 }
 
 }  // namespace
@@ -113,14 +127,20 @@ std::optional<std::string> DuplicatesCommand::readFilter(const Arguments& argume
     return std::nullopt;
 }
 
-std::optional<std::string> DuplicatesCommand::readRules(const Arguments& arguments,
-                                                        KeepRules& rules) {
+// A folder of a rule counts by its path without links, as the copies do.
+std::optional<Status> DuplicatesCommand::readRules(const Arguments& arguments,
+                                                   KeepRules& rules) const {
     for (const std::string& text : arguments.texts("keep")) {
         constexpr std::string_view prefix = "path:";
         const bool isPlace = text.starts_with(prefix) && text.size() > prefix.size();
         auto rule = keepRuleOf(
             isPlace ? std::string(prefix) + absolutePath(text.substr(prefix.size())) : text);
-        if (!rule) return fmt::format("--keep takes {}, not \"{}\"", keepRuleForms, text);
+        if (!rule) return badUsage(fmt::format("--keep takes {}, not \"{}\"", keepRuleForms, text));
+        for (std::string& folder : rule->folders) {
+            const std::string fault = folderFault(m_files, folder);
+            if (!fault.empty()) return noSuchFolder(folder, fault);
+            folder = m_files.resolved(folder).value_or(folder);
+        }
         rules.push_back(std::move(*rule));
     }
     return std::nullopt;
@@ -130,7 +150,7 @@ Status DuplicatesCommand::run(const Arguments& arguments) {
     SearchRequest request;
     KeepRules rules;
     if (const auto fault = readFilter(arguments, request)) return badUsage(*fault);
-    if (const auto fault = readRules(arguments, rules)) return badUsage(*fault);
+    if (const auto status = readRules(arguments, rules)) return *status;
     for (const char* name : {"protect", "FOLDER"})
         for (const std::string& text : arguments.texts(name)) {
             if (text.empty()) return badUsage("the folder's name is empty");
@@ -169,22 +189,30 @@ Status DuplicatesCommand::search(const Arguments& arguments, const SearchRequest
 
     const std::vector<Error> skipped = state->skipped().entries();
     if (!arguments.has("quiet")) {
-        complainOfEach(skipped);
+        complainOfSkipped(m_files, skipped);
+        for (const std::string& folder : request.protectedFolders)
+            if (!option.searchHidden && hasHiddenComponent(folder))
+                complain(
+                    fmt::format("{}: hidden, so that it is searched with --hidden alone", folder));
         for (const CoveredRoot& root : state->coveredRoots())
             if (std::ranges::find(request.protectedFolders, root.path) ==
                 request.protectedFolders.end())
                 complain(fmt::format("{} {} {}: it is searched once", root.path,
                                      root.isSame ? "is" : "lies in", root.by));
-        if (state->inodesPass())
+        for (const std::string& root : state->rootsOfPassingInodes())
             complain(
                 fmt::format("inode numbers do not last everywhere in {}: files there are "
                             "known by path, size and times",
-                            request.roots.front()));
+                            root));
     }
 
     Output out(STDOUT_FILENO);
     const DuplicatesReport report{search, request, arguments.has("keep") ? &rules : nullptr};
     const DuplicatesSummary summary = summarize(report);
+    if (!arguments.has("quiet"))
+        for (const std::string& folder : summary.emptyFolders)
+            complain(
+                fmt::format("no copy lies in {}: --keep path:{} decides nothing", folder, folder));
     if (arguments.has("json")) printJson(out, report, summary, skipped, ending != Ending::Whole);
     else if (arguments.has("print0")) printPaths(out, report);
     else printListing(out, report, summary, wantsColour(STDOUT_FILENO));

@@ -27,7 +27,8 @@ public:
 private:
     static std::optional<std::string> readFilter(const Arguments& arguments,
                                                  SearchRequest& request);
-    static std::optional<std::string> readRules(const Arguments& arguments, KeepRules& rules);
+    /// The status of what was complained of; nothing where the rules are well.
+    std::optional<Status> readRules(const Arguments& arguments, KeepRules& rules) const;
     Status search(const Arguments& arguments, const SearchRequest& request, const KeepRules& rules);
 
     const FileSystem& m_files;

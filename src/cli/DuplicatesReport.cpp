@@ -148,6 +148,10 @@ DuplicatesSummary summarize(const DuplicatesReport& report) {
     summary.files = state->counts().listedFiles;
     summary.bundles = state->listedBundles();
     GainCount gain;
+    if (report.rules != nullptr)
+        for (const KeepRule& rule : *report.rules)
+            summary.emptyFolders.insert(summary.emptyFolders.end(), rule.folders.begin(),
+                                        rule.folders.end());
     LeafVisit visit(report);
     report.search.visitGroups([&](const DuplicateGroup& group) {
         ++summary.groups;
@@ -156,7 +160,9 @@ DuplicatesSummary summarize(const DuplicatesReport& report) {
         addSaturating(summary.reclaimable, reclaimable(group));
         if (report.rules == nullptr) return;
         visit.visit(group, [&](const Leaf& leaf, const KeepMember& member) {
-            if (*leaf.stays) return;
+            std::erase_if(summary.emptyFolders,
+                          [&](const std::string& folder) { return liesIn(member, folder); });
+            if (leaf.stays.value_or(true)) return;
             ++summary.removable;
             gain.add(member.identity, member.links, leaf.size);
         });

@@ -30,8 +30,9 @@ struct DuplicatesSummary {
     std::uint64_t bytes = 0;  ///< of all leaves
     std::uint64_t reclaimable =
         0;  ///< what goes when one leaf of each group stays; links to one file count once
-    std::uint64_t removable = 0;  ///< leaves that would go by the rules
-    std::uint64_t gain = 0;       ///< bytes that this would give back
+    std::uint64_t removable = 0;                 ///< leaves that would go by the rules
+    std::uint64_t gain = 0;                      ///< bytes that this would give back
+    std::vector<std::string> emptyFolders = {};  ///< of rules: no copy lies there
 };
 
 [[nodiscard]] DuplicatesSummary summarize(const DuplicatesReport& report);

@@ -103,7 +103,9 @@ bool FindDuplicateApp::InitInputAppDirectory(const std::vector<std::string>* arr
         auto item = std::make_shared<AppAttrbItem>();
         item->DirectoryPathName = path;
         item->DirectoryName = lastPathComponent(path);
-        if (getAllFilePathName(path, item.get())) m_AllAppItem.push_back(std::move(item));
+        if (!getAllFilePathName(path, item.get())) continue;
+        if (m_filter == nullptr || m_filter->takesSize(item->DirectorySize))
+            m_AllAppItem.push_back(std::move(item));
     }
     return true;
 }

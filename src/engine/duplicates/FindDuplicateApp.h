@@ -11,6 +11,7 @@
 
 #include "engine/base/Progress.h"
 #include "engine/duplicates/AppAttrbItem.h"
+#include "engine/duplicates/scope/SearchFilter.h"
 #include "engine/files/SkipList.h"
 #include "engine/files/StopGrace.h"
 #include "platform/fileTypes.h"
@@ -57,6 +58,9 @@ public:
     bool getDuplicateAppDirInArray(const AppList& array, const std::shared_ptr<AppAttrbItem>& With,
                                    AppGroup& OutArray);
 
+    /// Bundles of other sizes are left out once they are listed, before any of their files is read.
+    void setFilter(const SearchFilter* filter) { m_filter = filter; }
+
     void setStopSearch(bool stop) { m_StopSearch = stop; }
     [[nodiscard]] bool StopSearch() const { return m_StopSearch; }
 
@@ -78,6 +82,7 @@ private:
     const FileSystem& m_files;
     SkipList& m_skipped;
     const std::vector<std::uint64_t> m_passingInodes;
+    const SearchFilter* m_filter = nullptr;  // not owned
     AppList m_AllAppItem;
     std::map<std::vector<std::uint64_t>, AppList>
         m_classes;       // bundles that may be equal, by what they were told apart by

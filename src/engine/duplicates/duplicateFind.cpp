@@ -31,7 +31,8 @@ void duplicateFind::searchDuplicateFileAtPath(const std::string& path, std::uint
 
 void duplicateFind::search(const SearchRequest& request) {
     m_request = request;
-    m_roots = findRoots(m_files, request.roots);
+    m_roots = findRoots(m_files, request.roots,
+                        {request.filter, m_bSearchHiddenFile, m_bSearchSystemDirectory});
     if (m_roots.roots.empty()) {
         if (!m_roots.failed.empty()) m_rootError = m_roots.failed.front();
         return;
@@ -43,6 +44,7 @@ void duplicateFind::search(const SearchRequest& request) {
         result = _searchDuplicateFile();
         findLinkPlaces();
         findProtected();
+        m_guard.reset();
     } catch (const std::bad_alloc&) {
         endEarly();
     }
@@ -59,6 +61,7 @@ void duplicateFind::endEarly() {
     m_fileList.reset();
     m_findDuplicateApp.reset();
     m_hashAhead.reset();
+    m_guard.reset();
     if (m_request.protectedFolders.empty()) return;
     m_newFileArray.clear();
     m_allAppArray.clear();
@@ -70,7 +73,6 @@ int duplicateFind::_searchDuplicateFile() {
     if (!m_request.filter.takesKind(FileKind::Others)) m_DirectoryArray.clear();
     if (m_DirectoryArray.empty()) m_iAppProgress = 100;
     else getDuplicateApp(&m_DirectoryArray);
-    leaveOutBundles();
     {
         const std::lock_guard lock(m_mutex);
         m_fileList.reset();
@@ -99,11 +101,11 @@ bool duplicateFind::listFiles() {
     bool listed = false;
     for (const std::string& root : m_roots.roots) listed |= listRoot(*list, root);
     m_mayRepeat |= m_roots.mayRepeat;
-    if (m_inodesPass)
+    for (const std::string& root : m_passingRoots)
         Log::engine("-[duplicateFind searchDuplicateFileAtPath:limittedSize:]",
                     "inode numbers do not last everywhere in {}: files there are known by path, "
                     "size and times",
-                    m_roots.roots.front());
+                    root);
     m_listedFiles = m_allFileArray.size();
     return listed;
 }
@@ -117,15 +119,8 @@ bool duplicateFind::listRoot(getFileList& list, const std::string& root) {
         else m_skipped.add(*list.rootError());
     }
     m_mayRepeat |= list.mayRepeat();
-    m_inodesPass |= list.inodesPass();
+    if (list.inodesPass()) m_passingRoots.push_back(root);
     return listed;
-}
-
-// The size of a bundle is known once all that is in it was listed, and is one in its group.
-void duplicateFind::leaveOutBundles() {
-    std::erase_if(m_allAppArray, [this](const AppGroup& group) {
-        return !m_request.filter.takesSize(group.front()->DirectorySize);
-    });
 }
 
 // A link or a volume may go and come while the search runs: a folder is protected as it was before
@@ -152,6 +147,7 @@ void duplicateFind::handOn(const fileAttrbItem& kept, const fileAttrbItem& dropp
 void duplicateFind::getDuplicateApp(std::vector<std::string>* bundles) {
     if (bundles == nullptr) return;
     const auto search = std::make_shared<FindDuplicateApp>(m_files, m_skipped, m_passingInodes);
+    search->setFilter(&m_request.filter);
     {
         const std::lock_guard lock(m_mutex);
         if (m_Stop) search->setStopSearch(true);

@@ -93,9 +93,11 @@ public:
     /// Memory ran out: the search ended like one that was stopped, with what it had found.
     [[nodiscard]] bool ranOutOfMemory() const { return m_outOfMemory; }
 
-    /// Some of what was searched lies where inode numbers need not last, so that files are known by
+    /// Folders of which some lies where inode numbers need not last, so that files are known by
     /// path, size and times there.
-    [[nodiscard]] bool inodesPass() const { return m_inodesPass; }
+    [[nodiscard]] const std::vector<std::string>& rootsOfPassingInodes() const {
+        return m_passingRoots;
+    }
 
     /// Where what was found behind links lies; null where there were none.
     [[nodiscard]] const LinkPlaces* linkPlaces() const { return m_linkPlaces.get(); }
@@ -104,7 +106,6 @@ private:
     int _searchDuplicateFile();
     bool listFiles();
     bool listRoot(getFileList& list, const std::string& root);
-    void leaveOutBundles();
     void findProtected();
     void handOn(const fileAttrbItem& kept, const fileAttrbItem& dropped);
     void findLinkPlaces();
@@ -122,7 +123,8 @@ private:
     std::unique_ptr<LinkPlaces> m_linkPlaces;
     SearchRequest m_request;
     SearchRoots m_roots;
-    std::unique_ptr<ProtectedFolders> m_guard;  // as the folders were before the search
+    std::vector<std::string> m_passingRoots;
+    std::unique_ptr<ProtectedFolders> m_guard;  // as they were before the search; while it runs
     std::unordered_set<const void*> m_protected;
     FileArray m_allFileArray;
     std::vector<AppGroup> m_allAppArray;
@@ -137,7 +139,6 @@ private:
     bool m_bSearchHiddenFile = false;
     bool m_bSearchSystemDirectory = false;
     bool m_mayRepeat = false;
-    bool m_inodesPass = false;
     bool m_outOfMemory = false;
     std::optional<Error> m_rootError;
 

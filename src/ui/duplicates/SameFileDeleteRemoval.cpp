@@ -122,7 +122,7 @@ void SameFileDeleteViewController::refreshOutlineView(
     std::vector<RemovalPlan::Excuse> excuses;
     for (const RemovalJob::Settled& each : settled) {
         const TreeNode::Pointer& leaf = m_removal->plan->leaf(each.index);
-        if (each.changed) excuses.emplace_back(leaf, *each.changed);
+        if (each.changed) excuses.push_back({leaf, *each.changed, each.gone});
         if (each.gone) gone.push_back(leaf);
     }
     RemovalPlan::excuse(excuses);

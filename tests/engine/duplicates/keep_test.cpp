@@ -110,6 +110,11 @@ TEST(KeepRule, DecidesWhatStays) {
 }
 
 TEST(KeepRule, IsWrittenInOneWay) {
+    KeepMember behindLink;
+    behindLink.path = "/a/l/x";
+    behindLink.place = "/b/x";
+    for (const char* folder : {"/a/l", "/b"}) EXPECT_TRUE(liesIn(behindLink, folder)) << folder;
+    EXPECT_FALSE(liesIn(behindLink, "/c"));
     EXPECT_EQ(keepRuleOf("newest"), KeepRule{By::Newest});
     EXPECT_EQ(keepRuleOf("shortest-name"), KeepRule{By::ShortestName});
     EXPECT_EQ(keepRuleOf("path:/a:b"), (KeepRule{By::BestPlace, {"/a:b"}}));
@@ -324,6 +329,24 @@ TEST_F(Protected, WhatIsDroppedHalfwayIsOnNoList) {
     ASSERT_FALSE(ticks.step({}));
     ticks.drop();
     EXPECT_EQ(selection.allSelectNumArr().size(), selection.sums().copies);
+}
+
+TEST_F(Protected, ANameThatIsGoneIsNoMoreToWaitFor) {
+    const auto group = add("...");
+    for (std::size_t i = 0; i < 2; ++i) {
+        SimpleNodeData& leaf = *simpleData(*group->childAtIndex(i));
+        leaf.setIdentity(EntryIdentity{.device = 1, .inode = 70, .type = FileType::Regular});
+        leaf.setFileSize(10);
+        leaf.setHardLinks(2);
+    }
+    const RemovalPlan::Excuse back{group->childAtIndex(0), 5, false};
+    RemovalPlan::excuse(std::vector{back});
+    EXPECT_EQ(selection.clickLeaf(group->childAtIndex(1)), LeafClick::Ticked);
+    EXPECT_EQ(selection.sums().bytes, 0U) << "the other name is there still";
+    const RemovalPlan::Excuse gone{group->childAtIndex(0), 6, true};
+    RemovalPlan::excuse(std::vector{gone});
+    selection.recount();
+    EXPECT_EQ(selection.sums().bytes, 10U);
 }
 
 TEST_F(Protected, RulesInPiecesTickAsAtOnce) {

@@ -131,6 +131,9 @@ TEST_F(Scope, SeveralFoldersAreOneSearch) {
         EXPECT_EQ(found.leaves, each.leaves) << ::testing::PrintToString(each.roots);
         EXPECT_EQ(found.covered, each.covered) << ::testing::PrintToString(each.roots);
     }
+    const Result leftOut =
+        search({{"a", "a/in"}, {}, 0, {.exclusions = {*PathPattern::parse("in")}}});
+    EXPECT_EQ(leftOut.leaves + leftOut.covered, "a/1 a/in/2 ");
     const Result gone = search({{"none", "a"}});
     EXPECT_EQ(gone.leaves + gone.skipped, "a/1 a/in/2 none ");
 }
@@ -173,6 +176,38 @@ TEST(ScopeOfMounts, ProtectionHoldsThroughOtherMounts) {
             request.roots = {"/mnt/c/in", tree.at("q")};
             const std::string above = foundWith(request);
             return above.find("X.app! ") != std::string::npos ? "" : above;
+        });
+    });
+}
+
+// A folder with two spellings, where numbers of inodes pass.
+TEST(ScopeOfMounts, OneFolderIsOneHoweverItIsWritten) {
+    class Passing final : public ForwardingFiles {
+    public:
+        using ForwardingFiles::ForwardingFiles;
+        std::vector<std::uint64_t> devicesOfPassingInodes() const override {
+            return {attributes(noParent, "/mnt/a", Links::Follow)->device};
+        }
+    };
+    withOwnMounts([] {
+        return amongMounts([](TestTree& tree) -> std::string {
+            if (!tree.write("Photos/in/1", "same") || !tree.write("b/2", "same") ||
+                !tree.folder("photos") || !bindMount(tree.at("Photos"), tree.at("photos")))
+                return "skip: no mounts here";
+            const LinuxFileSystem real;
+            const Passing files(real);
+            SearchRequest request{
+                {tree.at("Photos"), tree.at("photos/in"), tree.at("b"), tree.at("photos")}};
+            request.protectedFolders = {tree.at("photos/in")};
+            DuplicateFilesOpt search(files);
+            search.beginSearch(request);
+            if (search.search()->coveredRoots().size() != 2) return "not one folder";
+            std::string text;
+            search.visitGroups([&](const DuplicateGroup& group) {
+                for (const auto* file : group.files)
+                    text += search.search()->isProtected(*file) ? '!' : '.';
+            });
+            return text == "!." || text == ".!" ? "" : "protected: " + text;
         });
     });
 }
@@ -256,8 +291,9 @@ TEST_F(Scope, ExclusionFilesCountWhereTheyAreAskedFor) {
     EXPECT_EQ(search({{""}}).skipped, "");
     const Result found = search({{""}, {}, 0, {.readsFiles = true}});
     EXPECT_EQ(found.leaves, "a/y b/keep/x ");
-    EXPECT_EQ(found.skipped,
-              ".orrinvaleignore, line 7, character 1: no ] closes this [ b/keep/.orrinvaleignore ");
+    EXPECT_EQ(found.skipped, ".orrinvaleignore b/keep/.orrinvaleignore ");
+    EXPECT_EQ(exclusionFault(files, tree.at(".orrinvaleignore")),
+              "line 7, character 1: no ] closes this [");
     ASSERT_TRUE(tree.write(".orrinvaleignore", std::string(70'000, 'y')));
     EXPECT_EQ(search({{"", "a"}, {}, 0, {.readsFiles = true}}).skipped.substr(0, 17),
               ".orrinvaleignore ")

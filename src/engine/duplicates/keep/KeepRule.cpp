@@ -27,10 +27,14 @@ std::size_t charactersOf(std::string_view text) {
         text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
 }
 
-std::size_t placeIn(const std::vector<std::string>& folders, std::string_view path) {
+std::string_view realPlace(const KeepMember& member) {
+    return member.place.empty() ? member.path : member.place;
+}
+
+std::size_t placeIn(const std::vector<std::string>& folders, const KeepMember& member) {
     return static_cast<std::size_t>(
         std::ranges::find_if(folders,
-                             [path](const std::string& folder) { return isWithin(path, folder); }) -
+                             [&](const std::string& folder) { return liesIn(member, folder); }) -
         folders.begin());
 }
 
@@ -55,7 +59,7 @@ int compareByRule(const KeepRule& rule, const KeepMember& a, const KeepMember& b
             return compareValues(charactersOf(lastPathComponent(a.path)),
                                  charactersOf(lastPathComponent(b.path)));
         case By::BestPlace:
-            return compareValues(placeIn(rule.folders, a.path), placeIn(rule.folders, b.path));
+            return compareValues(placeIn(rule.folders, a), placeIn(rule.folders, b));
     }
     return 0;
 }
@@ -65,10 +69,6 @@ bool standsBefore(const KeepRules& rules, const KeepMember& a, const KeepMember&
     for (const KeepRule& rule : rules)
         if (const int order = compareByRule(rule, a, b); order != 0) return order < 0;
     return a.path < b.path;
-}
-
-std::string_view realPlace(const KeepMember& member) {
-    return member.place.empty() ? member.path : member.place;
 }
 
 // Where numbers do not last two files with several names may be one, and count as one.
@@ -127,6 +127,11 @@ std::size_t firstOf(const KeepRules& rules, std::span<const KeepMember> members,
 
 }  // namespace
 
+bool liesIn(const KeepMember& member, std::string_view folder) {
+    return isWithin(member.path, folder) ||
+           (!member.isSymbolicLink() && isWithin(realPlace(member), folder));
+}
+
 std::optional<KeepRule> keepRuleOf(std::string_view text) {
     if (text.starts_with(placePrefix)) {
         const auto folder = plainPath(text.substr(placePrefix.size()));
@@ -155,7 +160,7 @@ void tickWithin(std::string_view folder, std::span<const KeepMember> members,
     std::vector<std::uint8_t> stays(members.size());
     bool hasCopy = false;
     for (std::size_t i = 0; i < members.size(); ++i) {
-        stays[i] = members[i].isProtected || (ticked[i] == 0 && !isWithin(members[i].path, folder));
+        stays[i] = members[i].isProtected || (ticked[i] == 0 && !liesIn(members[i], folder));
         hasCopy |= stays[i] != 0 && !members[i].isSymbolicLink();
     }
     if (!hasCopy) {
@@ -172,7 +177,7 @@ void tickWithin(std::string_view folder, std::span<const KeepMember> members,
 void untickWithin(std::string_view folder, std::span<const KeepMember> members,
                   std::vector<std::uint8_t>& ticked) {
     for (std::size_t i = 0; i < members.size(); ++i)
-        if (isWithin(members[i].path, folder)) ticked[i] = 0;
+        if (liesIn(members[i], folder)) ticked[i] = 0;
 }
 
 }  // namespace orrinvale

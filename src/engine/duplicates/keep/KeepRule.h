@@ -16,8 +16,8 @@ namespace orrinvale {
 struct KeepRule {
     enum class By : std::uint8_t { Newest, Oldest, ShortestPath, ShortestName, BestPlace };
     By by = By::Newest;
-    /// Of BestPlace, absolute and without a slash at the end, the best first; what lies deeper in
-    /// one counts too. One folder alone is "in this folder".
+    /// Of BestPlace, paths without links, without a slash at the end, the best first; what lies
+    /// deeper in one counts too. One folder alone is "in this folder".
     std::vector<std::string> folders = {};
     friend bool operator==(const KeepRule&, const KeepRule&) = default;
 };
@@ -49,6 +49,9 @@ struct KeepMember {
         return identity != nullptr && identity->type == FileType::SymbolicLink;
     }
 };
+
+/// In the folder or deeper in it, by its path or by its path without links.
+[[nodiscard]] bool liesIn(const KeepMember& member, std::string_view folder);
 
 /// For each member 1 where it stays, by the rules, which may be none; `stays` gets the size of
 /// `members`. The one function for window, terminal and plan.

@@ -27,14 +27,27 @@ void KeepTicks::begin(TreeNode& tree, Decide decide) {
     m_tree = &tree;
     m_next = 0;
     m_decide = std::move(decide);
+    m_folders.clear();
 }
 
 void KeepTicks::keep(TreeNode& tree, KeepRules rules) {
-    begin(tree, [rules = std::move(rules)](std::span<const KeepMember> members,
-                                           std::vector<std::uint8_t>& ticked) {
+    std::vector<std::string> folders;
+    if (!rules.empty()) folders = rules.front().folders;
+    begin(tree, [this, rules = std::move(rules)](std::span<const KeepMember> members,
+                                                 std::vector<std::uint8_t>& ticked) {
         decideKept(rules, members, ticked);
         for (std::uint8_t& each : ticked) each = each != 0 ? 0 : 1;
+        const auto isMet = [&](const std::string& folder) {
+            return std::ranges::any_of(
+                members, [&](const KeepMember& each) { return liesIn(each, folder); });
+        };
+        if (std::ranges::any_of(m_folders, isMet)) m_folders.clear();
     });
+    m_folders = std::move(folders);
+}
+
+std::vector<std::string> KeepTicks::takeEmptyFolders() {
+    return isPending() ? std::vector<std::string>() : std::exchange(m_folders, {});
 }
 
 void KeepTicks::tickFolder(TreeNode& tree, std::string folder) {

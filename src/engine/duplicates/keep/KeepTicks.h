@@ -38,6 +38,9 @@ public:
     /// Leaves the groups that it did not come to as they are.
     void drop();
     [[nodiscard]] bool isPending() const { return m_tree != nullptr; }
+    /// The folders of the first rule of keep(), behind its end, where no copy lies in any of them;
+    /// once.
+    [[nodiscard]] std::vector<std::string> takeEmptyFolders();
 
 private:
     void begin(TreeNode& tree, Decide decide);
@@ -47,7 +50,8 @@ private:
     TreeNode* m_tree = nullptr;  // not owned; null when nothing is left to do
     std::size_t m_next = 0;      // the group
     Decide m_decide;
-    std::vector<KeepMember> m_members;  // of the group in hand; kept for their room
+    std::vector<std::string> m_folders;  // of the first rule, until a copy in one is met
+    std::vector<KeepMember> m_members;   // of the group in hand; kept for their room
     std::vector<std::uint8_t> m_ticked;
     std::vector<std::uint8_t> m_before;
 };

@@ -150,19 +150,28 @@ tl::expected<std::unique_ptr<CopyLook>, StayedEntry> RemovalPlan::judge(std::siz
 }
 
 void RemovalPlan::excuse(std::span<const Excuse> excuses) {
-    std::map<const TreeNode*, std::map<std::pair<std::uint64_t, std::uint64_t>, std::int64_t>>
-        byGroup;
-    for (const auto& [leaf, changed] : excuses)
+    struct File {
+        std::int64_t changed = 0;
+        std::uint32_t namesGone = 0;
+    };
+    std::map<const TreeNode*, std::map<std::pair<std::uint64_t, std::uint64_t>, File>> byGroup;
+    for (const auto& [leaf, changed, gone] : excuses)
         if (const auto& identity = simpleData(*leaf)->identity();
-            identity && leaf->nodeParent() != nullptr)
-            byGroup[leaf->nodeParent()][fileOf(identity)] = changed;
+            identity && leaf->nodeParent() != nullptr) {
+            File& file = byGroup[leaf->nodeParent()][fileOf(identity)];
+            file.changed = changed;
+            file.namesGone += gone ? 1U : 0U;
+        }
     for (const auto& [group, files] : byGroup)
         for (std::size_t i = 0; i < group->numberOfChildren(); ++i) {
             auto identity = simpleData(*group->childAtIndex(i))->identity();
             const auto file = identity ? files.find(fileOf(identity)) : files.end();
             if (file == files.end()) continue;
-            identity->changed = file->second;
-            simpleData(*group->childAtIndex(i))->setIdentity(identity);
+            identity->changed = file->second.changed;
+            SimpleNodeData& data = *simpleData(*group->childAtIndex(i));
+            data.setIdentity(identity);
+            data.setHardLinks(data.hardLinks() -
+                              std::min(data.hardLinks() - 1, file->second.namesGone));
         }
 }
 

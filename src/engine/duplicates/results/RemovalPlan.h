@@ -63,10 +63,15 @@ public:
     /// doing: exactly that one is excused.
     void settled(std::size_t index, const RemovalResult& result) override;
 
-    /// A leaf whose file got this time of change by our own doing, as it was told.
-    using Excuse = std::pair<TreeNode::Pointer, std::int64_t>;
-    /// The same for the tree, so that a further removal of the same result knows it. Main thread,
-    /// before the leaves leave their groups.
+    /// A leaf whose file got this time of change by our own doing, as it was told, and whether this
+    /// name of it is gone.
+    struct Excuse {
+        TreeNode::Pointer leaf;
+        std::int64_t changed = 0;
+        bool gone = false;
+    };
+    /// The same for the tree, so that a further removal of the same result knows it, and how many
+    /// names are left. Main thread, before the leaves leave their groups.
     static void excuse(std::span<const Excuse> excuses);
 
 private:

@@ -12,12 +12,17 @@ ProtectedFolders::ProtectedFolders(const FileSystem& files, const std::vector<st
     : m_files(files) {
     const auto passing = files.devicesOfPassingInodes();
     for (const std::string& folder : folders) {
-        Guarded guarded{std::string(withoutSlashesAtEnd(folder)), {}};
+        Guarded guarded{std::string(withoutSlashesAtEnd(folder)), {}, 0, 0, {}};
         guarded.real = files.resolved(folder).value_or(guarded.path);
         const auto seen = files.attributes(FileSystem::noParent, folder.c_str(), Links::Follow);
-        if (seen && !std::ranges::binary_search(passing, seen->device)) {
+        const bool passes = seen && std::ranges::binary_search(passing, seen->device);
+        if (passes)
+            if (auto held = openFolderByPath(files, folder, Links::Follow))
+                guarded.held = std::move(*held);
+        if (seen && (!passes || guarded.held.isOpen())) {
             guarded.device = seen->device;
             guarded.inode = seen->inode;
+            m_holdsPassing |= passes;
         }
         m_folders.push_back(std::move(guarded));
     }
@@ -35,6 +40,13 @@ bool ProtectedFolders::isOne(std::uint64_t device, std::uint64_t inode) const {
            });
 }
 
+// The name of a folder without a number that lasts may be written in several ways.
+bool ProtectedFolders::isOneAt(const std::string& path) const {
+    if (!m_holdsPassing) return false;
+    const auto seen = m_files.attributes(FileSystem::noParent, path.c_str(), Links::Follow);
+    return seen && isOne(seen->device, seen->inode);
+}
+
 // From the nearest folder that is known already, downwards: a way may be ten thousand folders long.
 const ProtectedFolders::Place& ProtectedFolders::placeOf(const FolderNode& folder) {
     std::vector<const FolderNode*> way;
@@ -48,7 +60,7 @@ const ProtectedFolders::Place& ProtectedFolders::placeOf(const FolderNode& folde
         place.real = above != nullptr && !at.throughLink ? joinPath(above->real, at.name)
                                                          : m_files.resolved(path).value_or(path);
         place.isCovered = (above != nullptr && above->isCovered) || isOne(at.device, at.inode) ||
-                          isIn(path, place.real);
+                          isIn(path, place.real) || (at.inode == 0 && isOneAt(path));
         m_places.emplace(&at, std::move(place));
     }
     return m_places.at(&folder);

@@ -28,7 +28,8 @@ private:
     struct Guarded {
         std::string path;
         std::string real;
-        std::uint64_t device = 0, inode = 0;  // nothing where it is not there, or numbers pass
+        std::uint64_t device = 0, inode = 0;  // nothing where it is not there
+        Descriptor held;                      // where numbers pass: while it is, this one does not
     };
     struct Place {
         std::string real;
@@ -39,9 +40,11 @@ private:
     bool isBelowOne(const std::string& folder);
     [[nodiscard]] bool isIn(const std::string& path, const std::string& real) const;
     [[nodiscard]] bool isOne(std::uint64_t device, std::uint64_t inode) const;
+    [[nodiscard]] bool isOneAt(const std::string& path) const;
 
     const FileSystem& m_files;
     std::vector<Guarded> m_folders;
+    bool m_holdsPassing = false;
     std::map<const FolderNode*, Place> m_places;
     std::map<std::string, bool> m_below;  // folders above bundles
 };

@@ -56,6 +56,15 @@ std::string_view trimmedLine(std::string_view line) {
     return line.starts_with('#') ? std::string_view() : line;
 }
 
+template <class Visit> void forEachPattern(std::string_view text, Visit visit) {
+    for (std::size_t number = 1; !text.empty(); ++number) {
+        const std::size_t end = std::min(text.find('\n'), text.size());
+        const std::string_view line = trimmedLine(text.substr(0, end));
+        text.remove_prefix(std::min(end + 1, text.size()));
+        if (!line.empty()) visit(number, PathPattern::parseLine(line));
+    }
+}
+
 }  // namespace
 
 bool SearchFilter::takesKind(FileKind kind) const {
@@ -89,22 +98,28 @@ std::unique_ptr<ExclusionList> readExclusions(const FileSystem& files, int folde
     auto list = std::make_unique<ExclusionList>();
     list->above = above;
     list->start = pathOf(node).size();
-    std::size_t number = 0;
-    for (std::string_view rest = *bytes; !rest.empty();) {
-        const std::size_t end = std::min(rest.find('\n'), rest.size());
-        const std::string_view line = trimmedLine(rest.substr(0, end));
-        rest.remove_prefix(std::min(end + 1, rest.size()));
-        ++number;
-        if (line.empty()) continue;
-        if (auto pattern = PathPattern::parseLine(line))
-            list->patterns.push_back(std::move(*pattern));
-        else
-            skipped.add(systemError("read",
-                                    fmt::format("{}, line {}, character {}: {}", path(), number,
-                                                pattern.error().place, pattern.error().reason),
-                                    EINVAL));
-    }
+    bool hasFault = false;
+    forEachPattern(*bytes, [&](std::size_t, tl::expected<PathPattern, PatternFault> pattern) {
+        if (pattern) list->patterns.push_back(std::move(*pattern));
+        else hasFault = true;
+    });
+    if (hasFault) skipped.add(systemError("read", path(), EINVAL));
     return list->patterns.empty() ? nullptr : std::move(list);
+}
+
+std::string exclusionFault(const FileSystem& files, const std::string& path) {
+    const auto folder = openFolderByPath(files, folderOf(path), Links::Follow);
+    const auto bytes = folder ? bytesOf(files, folder->get()) : tl::unexpected(folder.error());
+    std::string first;
+    std::size_t more = 0;
+    forEachPattern(bytes.value_or(std::string()), [&](std::size_t number, const auto& pattern) {
+        if (pattern) return;
+        if (!first.empty()) ++more;
+        else
+            first = fmt::format("line {}, character {}: {}", number, pattern.error().place,
+                                pattern.error().reason);
+    });
+    return more == 0 ? first : fmt::format("{}, and {} more", first, more);
 }
 
 }  // namespace orrinvale

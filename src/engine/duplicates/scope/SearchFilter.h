@@ -5,6 +5,7 @@
 #include <limits>
 #include <memory>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -47,10 +48,15 @@ struct SearchFilter {
 };
 
 /// Reads the exclusion file of an open folder, whose path this is; null where there is none or it
-/// says nothing. What can not be read, and lines that are no patterns, are added to `skipped`.
+/// says nothing. A file that can not be read, or has lines that are no patterns, is added to
+/// `skipped`.
 [[nodiscard]] std::unique_ptr<ExclusionList> readExclusions(const FileSystem& files, int folder,
                                                             const FolderNode& node,
                                                             const ExclusionList* above,
                                                             SkipList& skipped);
+
+/// Where and why the first line of the exclusion file at the path is no pattern, and how many more
+/// are none; empty where all are, or it can not be read.
+[[nodiscard]] std::string exclusionFault(const FileSystem& files, const std::string& path);
 
 }  // namespace orrinvale

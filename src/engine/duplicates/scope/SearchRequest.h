@@ -27,13 +27,22 @@ struct CoveredRoot {
     bool isSame = false;  ///< the two paths lead to one folder
 };
 
-/// Folders of which none is another, and none lies in another.
+/// What a search looks at, as far as it may leave out a folder in one that it searches.
+struct RootWalk {
+    const SearchFilter& filter;
+    bool hidden = false;
+    bool systemFolders = false;
+};
+
+/// Folders of which none is another, and none lies in another whose search comes to it. What that
+/// search might leave out stands last.
 struct SearchRoots {
     std::vector<std::string> roots;
     std::vector<CoveredRoot> covered;
     std::vector<Error> failed;  ///< could not be opened
     bool mayRepeat = false;     ///< two of them may show one entry, through different mounts
 };
-[[nodiscard]] SearchRoots findRoots(const FileSystem& files, const std::vector<std::string>& roots);
+[[nodiscard]] SearchRoots findRoots(const FileSystem& files, const std::vector<std::string>& roots,
+                                    const RootWalk& walk);
 
 }  // namespace orrinvale
