@@ -78,6 +78,12 @@ RemoveAccount accountOf(const PlanRun& run) {
             case As::Gone: account.removed.push_back(std::move(path)); break;
             case As::GoneByOthers: account.byOthers.push_back(std::move(path)); break;
             case As::Stayed: account.kept.push_back({std::move(path), settled[i].reason}); break;
+            case As::Partly:
+                account.kept.push_back(
+                    {std::move(path),
+                     "a part of it went: " +
+                         (settled[i].reason.empty() ? std::string("stopped") : settled[i].reason)});
+                break;
             case As::NotReached:
                 account.kept.push_back({std::move(path), "stopped before its turn"});
         }

@@ -8,6 +8,9 @@
 //   twice=NAME       listings give that name twice
 //   cache            this machine remembers names and attributes for a minute, whatever happens
 //   behind its back
+//   oldrename        a rename that promises to spare what has the name is EINVAL
+//   norename         every rename is
+//   nolinks          no file gets a second name
 #define FUSE_USE_VERSION 35
 #include <dirent.h>
 #include <fcntl.h>
@@ -37,6 +40,9 @@ struct Faults {
     off_t unreadableFrom = 0;
     std::string twice;
     bool isCached = false;
+    bool hasOldRename = false;
+    bool hasNoRename = false;
+    bool hasNoLinks = false;
 };
 Faults s_faults;
 std::atomic<ino_t> s_number{1000};
@@ -139,6 +145,7 @@ fuse_operations operations() {
         return answer(::symlink(text, real(path).c_str()));
     };
     out.link = [](const char* from, const char* to) {
+        if (s_faults.hasNoLinks) return -EPERM;
         return answer(::link(real(from).c_str(), real(to).c_str()));
     };
     out.chmod = [](const char* path, mode_t mode, fuse_file_info*) {
@@ -148,6 +155,7 @@ fuse_operations operations() {
         return answer(::truncate(real(path).c_str(), size));
     };
     out.rename = [](const char* from, const char* to, unsigned flags) {
+        if (s_faults.hasNoRename || (s_faults.hasOldRename && flags != 0)) return -EINVAL;
         return answer(::renameat2(AT_FDCWD, real(from).c_str(), AT_FDCWD, real(to).c_str(), flags));
     };
     out.statfs = [](const char* path, struct statvfs* facts) {
@@ -161,6 +169,9 @@ bool take(std::string_view fault) {
     const std::string value(equals == std::string_view::npos ? "" : fault.substr(equals + 1));
     if (fault == "renumber") s_faults.renumber = true;
     else if (fault == "cache") s_faults.isCached = true;
+    else if (fault == "oldrename") s_faults.hasOldRename = true;
+    else if (fault == "norename") s_faults.hasNoRename = true;
+    else if (fault == "nolinks") s_faults.hasNoLinks = true;
     else if (fault == "hang") s_faults.hangs = true;
     else if (fault.starts_with("look="))
         s_faults.look = std::chrono::milliseconds(std::stoi(value));

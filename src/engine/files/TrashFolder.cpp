@@ -225,6 +225,7 @@ std::optional<Failure> TrashFolder::check(const HeldEntry& held, int entry, cons
     if (!reason) return std::nullopt;
     if (m_files->moveEntry(m_entries.get(), name.c_str(), held.parent.get(), held.name.c_str()))
         dropRecord(name);
+    else *reason += ", and it stays in the trash: " + placeOf(name);
     return Failure{std::move(*reason)};
 }
 

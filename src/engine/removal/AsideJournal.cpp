@@ -22,6 +22,7 @@
 #include "engine/files/HeldEntry.h"
 #include "engine/files/asideName.h"
 #include "engine/files/writeAll.h"
+#include "engine/removal/SetAside.h"
 #include "engine/removal/stayReasons.h"
 #include "platform/files.h"
 #include "platform/paths.h"
@@ -137,7 +138,7 @@ Settling settle(const FileSystem& files, const AsideRecord& record) {
     if (!now) return {now.error() == ENOENT ? Found::Settled : Found::Later, {}};
     if (!isThatEntry(files, record, *folder, *now))
         return {Found::Stays, "it is another entry than the one that was set aside"};
-    const auto moved = files.moveEntry(parent->get(), aside.c_str(), parent->get(), own.c_str());
+    const auto moved = giveNameBack(files, parent->get(), aside, own);
     if (moved) return {Found::BroughtBack, {}};
     if (moved.error() == EEXIST) return {Found::Stays, std::string(stay::nameTaken)};
     return {Found::Later, {}};

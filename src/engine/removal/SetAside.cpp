@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <initializer_list>
 #include <utility>
 
 #include "engine/base/Log.h"
@@ -18,12 +19,34 @@
 namespace orrinvale {
 namespace {
 
-// The file system has no such rename (layers answer EXDEV for folders that lie below, old or
-// foreign ones EINVAL), or no room for a longer name: on a full disk most renames fail while every
-// removal works.
+// The file system has no rename (layers answer EXDEV for folders that lie below), or no room for a
+// longer name: on a full disk most renames fail while every removal works.
 bool isImpossible(int error) {
     constexpr std::array impossible{EXDEV, EINVAL, ENOSYS, ENOTSUP, ENOSPC, EDQUOT, ENAMETOOLONG};
     return std::find(impossible.begin(), impossible.end(), error) != impossible.end();
+}
+
+bool isAnyOf(int error, std::initializer_list<int> errors) {
+    return std::find(errors.begin(), errors.end(), error) != errors.end();
+}
+
+// Without the promise to spare what has the new name, which many that serve over a network do not
+// know: looked at first instead. Nobody guesses the name of what is set aside.
+SysResult<void> renamePlainly(const FileSystem& files, int folder, const std::string& name,
+                              const std::string& newName) {
+    const auto taken = files.freshAttributes(folder, newName.c_str(), Links::Keep);
+    if (taken) return tl::unexpected(EEXIST);
+    if (taken.error() != ENOENT) return tl::unexpected(taken.error());
+    if (::renameat(folder, name.c_str(), folder, newName.c_str()) != 0)
+        return tl::unexpected(errno);
+    return {};
+}
+
+SysResult<void> renameAside(const FileSystem& files, int folder, const std::string& name,
+                            const std::string& newName) {
+    auto renamed = files.renameInside(folder, name.c_str(), newName.c_str());
+    if (renamed || !isAnyOf(renamed.error(), {EINVAL, ENOSYS, ENOTSUP})) return renamed;
+    return renamePlainly(files, folder, name, newName);
 }
 
 bool isSameInode(const FileAttributes& a, const FileAttributes& b) {
@@ -66,6 +89,25 @@ bool RenameGround::isSafe(int folder, std::uint64_t device) {
     return place->second.isSafe;
 }
 
+// By the mount in which the folder stands; where that can not be told any such mount counts.
+bool RenameGround::isServed(int folder, std::uint64_t device) {
+    const auto [known, isNew] = m_served.try_emplace(device, true);
+    if (!isNew) return known->second;
+    const auto mounts = m_files.mountPoints();
+    if (!mounts) return true;
+    const auto place = m_files.placeOf(folder);
+    std::size_t longest = 0;
+    known->second = false;
+    for (const MountPoint& mount : *mounts) {
+        if (!place) known->second = known->second || mount.mayHang;
+        else if (isWithin(*place, mount.path) && mount.path.size() >= longest) {
+            longest = mount.path.size();  // of two at one place the later one is seen
+            known->second = mount.mayHang;
+        }
+    }
+    return known->second;
+}
+
 void RenameGround::flush() const {
     for (const auto& [device, each] : m_devices)
         if (each.isSafe && each.folder.isOpen()) (void)::syncfs(each.folder.get());
@@ -104,8 +146,7 @@ tl::expected<bool, StayedEntry> SetAside::take(std::string_view token) {
         return tl::unexpected(stays(StayReason::Changed, std::string(stay::changed)));
 
     m_name = asideName(token, m_held.name);
-    if (const auto renamed = m_files.renameInside(folder, m_held.name.c_str(), m_name.c_str());
-        !renamed) {
+    if (const auto renamed = renameAside(m_files, folder, m_held.name, m_name); !renamed) {
         if (isImpossible(renamed.error())) return false;
         return tl::unexpected(staysWith(renamed.error()));
     }
@@ -154,8 +195,7 @@ std::optional<StayedEntry> SetAside::objection(const std::optional<KeptCopy>& ke
 }
 
 std::optional<StayedEntry> SetAside::putBack() {
-    const int folder = m_held.parent.get();
-    const auto moved = m_files.moveEntry(folder, m_name.c_str(), folder, m_held.name.c_str());
+    const auto moved = giveNameBack(m_files, m_held.parent.get(), m_name, m_held.name);
     if (moved || moved.error() == ENOENT) return std::nullopt;
     const std::string place = joinPath(folderOf(m_held.path), m_name);
     return StayedEntry{place,
@@ -171,6 +211,13 @@ std::optional<std::int64_t> SetAside::changedByUs(bool isGone) const {
     return now->changed;
 }
 
+SysResult<void> giveNameBack(const FileSystem& files, int folder, const std::string& aside,
+                             const std::string& own) {
+    auto moved = files.moveEntry(folder, aside.c_str(), folder, own.c_str());
+    if (moved || !isAnyOf(moved.error(), {EINVAL, ENOSYS, ENOTSUP, EPERM, EMLINK})) return moved;
+    return renamePlainly(files, folder, aside, own);
+}
+
 std::optional<StayedEntry> objectionToCopyInPlace(const FileSystem& files, const HeldEntry& leaving,
                                                   const KeptCopy& kept) {
     const auto copy = findCopy(files, kept);
@@ -181,7 +228,9 @@ std::optional<StayedEntry> objectionToCopyInPlace(const FileSystem& files, const
     if (!isSameInode(leaving.attributes, copy->attributes)) return std::nullopt;
     const auto ours = files.attributes(leaving.parent.get());
     const auto theirs = files.attributes(copy->folder.get());
-    if (ours && theirs &&
+    // Where names have aliases a file with one name has two spellings; folders have one name.
+    const bool hasNames = copy->attributes.type != FileType::Folder && copy->attributes.links >= 2;
+    if (hasNames && ours && theirs &&
         (!isSameInode(*ours, *theirs) || leaving.name != lastPathComponent(kept.path)))
         return std::nullopt;
     return withoutCopy(leaving.path, kept, "the same entry", stay::sameEntry);

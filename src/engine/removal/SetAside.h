@@ -34,6 +34,9 @@ public:
     [[nodiscard]] bool isSafe(int folder, std::uint64_t device);
     /// Whether inode numbers of the device tell entries apart.
     [[nodiscard]] bool inodesLast(std::uint64_t device) const;
+    /// Whether what a folder of the device shows is served by a program or another machine, so that
+    /// nobody can tell from its numbers whether two entries are one.
+    [[nodiscard]] bool isServed(int folder, std::uint64_t device);
     /// Makes all renames and removals on them durable.
     void flush() const;
 
@@ -46,6 +49,7 @@ private:
     const FileSystem& m_files;
     const std::vector<std::uint64_t> m_passing;
     std::map<std::uint64_t, Device> m_devices;
+    std::map<std::uint64_t, bool> m_served;
 };
 
 /// One entry. One thread; what is handed over outlives it.
@@ -57,7 +61,7 @@ public:
     SetAside& operator=(const SetAside&) = delete;
 
     /// Renames the entry to asideName(token, name) if it still is, in whole, what `held` says.
-    /// False when this folder's file system knows no such rename, or has no room for the longer
+    /// False when this folder's file system knows no rename at all, or has no room for the longer
     /// name: nothing was touched, and the removal has to do without. A reason, when the entry is to
     /// stay; it then has its own name, or it is told with its place. Once.
     [[nodiscard]] tl::expected<bool, StayedEntry> take(std::string_view token);
@@ -94,6 +98,11 @@ private:
     std::string m_name;
     FileAttributes m_now;  // of the held entry, at the last look
 };
+
+/// Gives what is aside its own name back, never over anything: EEXIST. Where a file system neither
+/// promises that nor knows second names, the look and the rename are two steps.
+[[nodiscard]] SysResult<void> giveNameBack(const FileSystem& files, int folder,
+                                           const std::string& aside, const std::string& own);
 
 /// What a look without setting aside can tell of the copy that stays: it stands at its own path, as
 /// it was, and is another entry than the one that goes. Nothing when it does; else the reason, for

@@ -4,10 +4,21 @@
 #include <cerrno>
 
 #include "engine/files/HeldEntry.h"
+#include "engine/removal/stayReasons.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 
 namespace orrinvale {
+namespace {
+
+// Written to since it was compared. Its number may be another, as layers give one for a move, and
+// so is its time of change.
+bool isOtherNow(const FileAttributes& seen, const FileAttributes& now) {
+    return seen.type != now.type || (seen.type == FileType::Regular &&
+                                     (seen.size != now.size || seen.modified != now.modified));
+}
+
+}  // namespace
 
 // Somebody else has removed it. Where its folder is not there either, its disk may be what is gone.
 bool TrashDoor::isAbsent(const std::string& path) const {
@@ -49,25 +60,35 @@ RemovalResult TrashDoor::remove(const LeavingEntry& entry, const std::atomic<boo
 // What was moved has a new time of change, and so have the file's other names.
 void TrashDoor::move(const HeldEntry& held, CopyLook* look, RemovalResult& result) {
     std::optional<std::int64_t> changed;
+    std::optional<FileAttributes> inTrash;  // of what is objected to
     const auto moved = m_trash.move(
         held,
         [&](const FileAttributes& now) {
             if (now.links > 1) changed = now.changed;
+            if (look != nullptr && isOtherNow(held.attributes, now)) {
+                inTrash = now;
+                return std::optional(std::string(stay::changed));
+            }
             auto kept = look != nullptr ? look->kept() : std::nullopt;
             if (!kept) return std::optional<std::string>();
             const EntryIdentity& other = kept->identity;
             if (other.device == now.device && other.inode == now.inode)
                 kept->identity.changed = now.changed;
             const auto why = objectionToCopyInPlace(m_files, held, *kept);
+            if (why) inTrash = now;
             return why ? std::optional(why->reason) : std::nullopt;
         },
         &m_home);
-    result.gone = moved.has_value() || isAbsent(held.path);
+    // What was objected to has its own name again, unless that could not be given back to it.
+    const auto here = m_files.attributes(held.parent.get(), held.name.c_str(), Links::Keep);
+    const bool isAside = !moved && inTrash && !(here && here->inode == inTrash->inode);
+    result.gone = moved.has_value() || (!isAside && isAbsent(held.path));
     result.removed = moved ? 1 : 0;
     result.byOthers = result.gone && !moved;
     if (!result.gone) {
         result.failed = 1;
-        result.failures.push_back({held.path, moved.error(), StayReason::System});
+        result.failures.push_back(
+            {held.path, moved.error(), isAside ? StayReason::Aside : StayReason::System});
         return;
     }
     result.changed = changed;

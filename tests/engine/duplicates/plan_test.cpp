@@ -90,6 +90,11 @@ TEST(DuplicatePlan, WhatIsNotWhatWasWrittenIsRefused) {
         {"/data/\xEF\xBF\xBD", "/data/x", "damaged"},
         {"pathHex\": \"2f6461", "pathHex\": \"2F6461", "damaged"},
         {"]\n}\n", "]\n}\n{}", "damaged"},
+        // What is read is what counts: nothing stands twice, and nothing says nothing.
+        {"{\"path\": \"/data/g", "{\"path\": \"/x\", \"path\": \"/data/g", "damaged"},
+        {"\"owner\"", "\"owner\": 1, \"owner\"", "damaged"},
+        {"{\"path\": \"/data\"", "{\"path\": \"/x\", \"path\": \"/data\"", "damaged"},
+        {"\"groups\": [", "\"groups\": [[],", "damaged"},
         {"]\n}\n", "", "damaged"},
     };
     for (const auto& [from, to, says] : edits) {
@@ -308,6 +313,59 @@ TEST(PlanRemoval, NoForgedPlanTakesWhatTheRulesForbid) {
     EXPECT_GT(removed, 1000);
     EXPECT_GT(kept, 1000);
     RecordProperty("removed", removed);
+}
+
+// A bundle holds what is protected, or stays, and is seen through a second mount.
+TEST(PlanRemoval, ASecondMountHidesNothingThatABundleHolds) {
+    withOwnMounts([]() -> std::string {
+        for (const bool isProtected : {true, false}) {
+            for (const char* const bundle : {"A.app", "Z.app"}) {
+                std::filesystem::create_directories(fmt::format("/mnt/one/{}/in", bundle));
+                std::ofstream(fmt::format("/mnt/one/{}/in/f", bundle)) << "the same";
+            }
+            std::ofstream("/mnt/other") << "the same";
+            std::filesystem::create_directory("/mnt/two");
+            if (!bindMount("/mnt/one", "/mnt/two")) return "skip: no bind mounts";
+            std::vector<PlanGroup> groups(2);
+            groups[0].members = {memberAt("/mnt/two/A.app", false),
+                                 memberAt("/mnt/two/Z.app", true)};
+            groups[1].members = {memberAt("/mnt/one/Z.app/in/f", false),
+                                 memberAt("/mnt/other", true)};
+            DuplicatePlan plan = planOf(std::move(groups));
+            if (isProtected) plan.protectedFolders = {"/mnt/one/Z.app/in"};
+            if (isProtected) plan.groups.pop_back();
+            PlanRemoval list(files, plan);
+            (void)testing::removeAll(files, "/mnt/state", list);
+            if (!isThere("/mnt/one/Z.app/in/f"))
+                return isProtected ? "what is protected went" : "what stays went";
+        }
+        return {};
+    });
+}
+
+// Ended in the middle of a bundle, it is not told as one that nothing happened to.
+TEST(PlanRemoval, APartThatWentIsTold) {
+    TestTree tree;
+    for (const char* const name : {"A.app/f", "Z.app/f"}) ASSERT_TRUE(tree.write(name, "the same"));
+    for (int i = 0; i < 50; ++i)
+        for (const char* const bundle : {"A.app", "Z.app"})
+            ASSERT_TRUE(tree.write(fmt::format("{}/{}", bundle, i), "x"));
+    PlanGroup group;
+    group.members = {memberAt(tree.at("A.app"), false), memberAt(tree.at("Z.app"), true)};
+    const DuplicatePlan plan = planOf({group});
+    WatchedFiles watched;
+    std::atomic<bool> stop{false};
+    int removals = 0;
+    watched.beforeRemoval = [&](const char* operation) {
+        if (std::string_view(operation) == "removeEntry" && ++removals == 5) stop = true;
+    };
+    PlanRemoval list(watched, plan);
+    PlainDoor door(watched, {});
+    RemovalRun run(watched, tree.at("state"), list, door, stop, testing::nobodyTold());
+    EXPECT_TRUE(run.run().stopped);
+    EXPECT_LT(namesIn(tree.at("Z.app")).size(), 51U);
+    EXPECT_EQ(list.account()[0].as, PlanRemoval::Settled::As::Partly);
+    EXPECT_EQ(list.gained(), 51U - namesIn(tree.at("Z.app")).size());
 }
 
 // Each entry is told; what was done once is not there for a second time.

@@ -2,6 +2,7 @@
 // history that undo stands on.
 #include <sys/time.h>
 
+#include "engine/duplicates/BundleListing.h"
 #include "engine/duplicates/plan/PlanHistory.h"
 #include "engine/duplicates/plan/PlanRemoval.h"
 #include "engine/removal/PairList.h"
@@ -152,34 +153,101 @@ TEST(TrashUndo, WhatCanNotComeBackIsToldAndStaysWhereItIs) {
     EXPECT_EQ(contentOf(moved.tree.at("b/x")), "the same");
 }
 
-// The copy that stays vanishes in the moment in which the other one is moved: that one comes back.
+// The number of a bundle that was deleted from the trash is another folder's by now.
+TEST(TrashUndo, AFolderWithTheNumberOfABundleStaysInTheTrash) {
+    TrashedTree trashed({"a/x", "b/X.app/bin"});
+    trashed.move({"a/x"});
+    ASSERT_TRUE(trashed.tree.write("home/.local/share/Trash/files/private/s", "secret") &&
+                trashed.tree.write("home/.local/share/Trash/info/private.trashinfo", "") &&
+                trashed.tree.write("home/.local/share/Trash/info/X.app.trashinfo", ""));
+    PlanMember bundle;
+    bundle.path = trashed.tree.at("b/X.app");
+    bundle.goes = true;
+    bundle.identity = EntryIdentity::of(attributesOf(bundle.path));
+    bundle.listing = listBundle(files, bundle.path, {{}, false}, neverStoppedUndo)->digest;
+    trashed.plan.groups[0].members[0] = bundle;
+    trashed.folders = foldersOf(files, trashed.plan);
+    const PlanMember real = bundle;
+    trashed.plan.groups[0].members[0].identity =
+        EntryIdentity::of(attributesOf(trashed.trash("files/private")));
+    ASSERT_EQ(::rename(bundle.path.c_str(), trashed.trash("files/X.app").c_str()), 0);
+    EXPECT_TRUE(trashed.undo().restored.empty());
+    EXPECT_TRUE(isThere(trashed.trash("files/private/s")));
+    trashed.plan.groups[0].members[0] = real;
+    EXPECT_EQ(trashed.undo().restored.size(), 1U);
+    EXPECT_EQ(contentOf(trashed.tree.at("b/X.app/bin")), "the same");
+}
+
+// On a volume of its own, whose trash is found by what stands of the way to the folder.
+TEST(TrashUndo, AFolderThatIsGoneCostsNoOther) {
+    withOwnMounts([]() -> std::string {
+        for (const char* const folder : {"/mnt/a", "/mnt/b"})
+            std::filesystem::create_directory(folder);
+        if (!testing::mountRam("/mnt/home")) return "skip: no tmpfs";
+        DuplicatePlan plan;
+        plan.groups.resize(1);
+        for (const char* const path : {"/mnt/a/x", "/mnt/b/y", "/mnt/stays"}) {
+            std::ofstream(path) << "the same";
+            PlanMember member;
+            member.path = path;
+            member.goes = path != std::string_view("/mnt/stays");
+            member.identity = EntryIdentity::of(attributesOf(path));
+            member.size = member.identity.size;
+            plan.groups[0].members.push_back(std::move(member));
+        }
+        const FolderVariables variables{.home = "/mnt/home", .user = ::geteuid()};
+        const auto folders = foldersOf(files, plan);
+        PlanRemoval list(files, plan);
+        TrashDoor door(files, {}, variables);
+        RemovalRun run(files, {}, list, door, neverStoppedUndo, testing::nobodyTold());
+        if (run.run().removed != 2) return "they were not moved";
+        if (::rmdir("/mnt/a") != 0) return "a is not empty";
+        const auto outcome = undoPlan(files, variables, plan, folders, neverStoppedUndo);
+        if (contentOf("/mnt/b/y") != "the same") return "y did not come back";
+        return outcome.left.size() == 1 && !outcome.left[0].place.empty() ? "" : "x is not told";
+    });
+}
+
+// In the moment in which the one is moved the copy that stays vanishes, or the one is written to:
+// it comes back. Where its name is taken it is told with its place.
 TEST(TrashUndo, NothingIsLeftInTheTrashWithoutACopyThatStays) {
-    TrashedTree trashed({"a/x"});
-    WatchedFiles watched;
-    bool isDone = false;
-    watched.beforeRemoval = [&](const char* operation) {
-        if (isDone || std::string_view(operation) != "moveEntry") return;
-        isDone = true;
-        ::unlink(trashed.tree.at("stays").c_str());
-    };
-    PlanGroup group;
-    for (const char* const name : {"a/x", "stays"}) {
-        PlanMember member;
-        member.path = trashed.tree.at(name);
-        member.goes = name != std::string_view("stays");
-        member.identity = EntryIdentity::of(attributesOf(member.path));
-        member.identity.born = 0;
-        member.size = member.identity.size;
-        group.members.push_back(std::move(member));
+    for (const std::string what : {"gone", "written", "both"}) {
+        SCOPED_TRACE(what);
+        TrashedTree trashed({"a/x"});
+        WatchedFiles watched;
+        bool isDone = false;
+        int moves = 0;
+        watched.beforeRemoval = [&](const char* operation) {
+            if (std::string_view(operation) != "moveEntry") return;
+            if (++moves == 2 && what == "both") trashed.tree.write("a/x", "came since");
+            if (std::exchange(isDone, true)) return;
+            if (what == "gone") ::unlink(trashed.tree.at("stays").c_str());
+            else std::ofstream(trashed.tree.at("a/x"), std::ios::app) << " and more";
+        };
+        PlanGroup group;
+        for (const char* const name : {"a/x", "stays"}) {
+            PlanMember member;
+            member.path = trashed.tree.at(name);
+            member.goes = name != std::string_view("stays");
+            member.identity = EntryIdentity::of(attributesOf(member.path));
+            member.identity.born = 0;
+            member.size = member.identity.size;
+            group.members.push_back(std::move(member));
+        }
+        trashed.plan.groups = {group};
+        PlanRemoval list(watched, trashed.plan);
+        TrashDoor door(watched, {}, trashed.variables);
+        RemovalRun run(watched, {}, list, door, neverStoppedUndo, testing::nobodyTold());
+        const auto outcome = run.run();
+        EXPECT_EQ(outcome.failed, 1U);
+        EXPECT_TRUE(isDone);
+        const bool isAside = what == "both";
+        ASSERT_EQ(outcome.stayed.size(), 1U);
+        EXPECT_EQ(outcome.stayed[0].kind == StayReason::Aside, isAside) << outcome.stayed[0].reason;
+        EXPECT_EQ(contentOf(isAside ? trashed.trash("files/x") : trashed.tree.at("a/x")),
+                  what == "gone" ? "the same" : "the same and more");
+        EXPECT_EQ(namesIn(trashed.trash("info")).empty(), !isAside);
     }
-    trashed.plan.groups = {group};
-    PlanRemoval list(watched, trashed.plan);
-    TrashDoor door(watched, {}, trashed.variables);
-    RemovalRun run(watched, {}, list, door, neverStoppedUndo, testing::nobodyTold());
-    EXPECT_EQ(run.run().failed, 1U);
-    EXPECT_TRUE(isDone);
-    EXPECT_EQ(contentOf(trashed.tree.at("a/x")), "the same");
-    EXPECT_TRUE(namesIn(trashed.trash("info")).empty());
 }
 
 TEST(PlanHistory, GarbageCostsOneRemovalAlone) {

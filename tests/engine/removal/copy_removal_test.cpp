@@ -233,23 +233,69 @@ TEST(CopyRemoval, ASecondViewOfOneFileIsNoCopy) {
     });
 }
 
+/// One file by two paths, the second through what is served: it does not go, and has its own name.
+void expectNoCopyInSecondView(testing::ServedFiles& served, bool isServedLeaving,
+                              const std::string& what) {
+    const LinuxFileSystem files;
+    TestTree state;
+    ASSERT_TRUE(served.source().write("a", "the same"));
+    const std::string real = served.source().at("a");
+    PairList list(files, {}, {});
+    list.add(isServedLeaving ? served.at("a") : real, isServedLeaving ? real : served.at("a"));
+    ASSERT_EQ(list.size(), 1U);
+    EXPECT_EQ(testing::removeAll(files, state.at("state"), list).removed, 0U) << what;
+    EXPECT_EQ(contentOf(real), "the same") << what << isServedLeaving;
+}
+
 // A server whose answers are remembered for a minute still shows the file that goes, unless it is
 // asked anew.
 TEST(CopyRemoval, ASecondViewThatIsRememberedIsNoCopy) {
     testing::ServedFiles served({"cache"});
     if (!served.isThere()) GTEST_SKIP() << "no FUSE here";
-    for (const bool isServedLeaving : {false, true}) {
+    for (const bool isServedLeaving : {false, true})
+        expectNoCopyInSecondView(served, isServedLeaving, "cache");
+}
+
+// Neither are two views of a place that can not promise to spare what has a name, has no second
+// names, or lets nothing be renamed. Where it can be told a real copy goes all the same.
+TEST(CopyRemoval, ASecondViewWithoutTheUsualRenameIsNoCopy) {
+    const struct {
+        Strings faults;
+        bool goes;
+    } cases[] = {
+        {{"oldrename"}, true}, {{"oldrename", "nolinks"}, true}, {{"norename", "nolinks"}, false}};
+    for (const auto& [faults, goes] : cases) {
+        testing::ServedFiles served(faults);
+        if (!served.isThere()) GTEST_SKIP() << "no FUSE here";
+        expectNoCopyInSecondView(served, true, faults.front());
+        ASSERT_TRUE(served.source().write("b", "the same"));
         const LinuxFileSystem files;
-        TestTree state;
-        ASSERT_TRUE(served.source().write("a", "the same"));
-        const std::string real = served.source().at("a");
         PairList list(files, {}, {});
-        list.add(isServedLeaving ? served.at("a") : real, isServedLeaving ? real : served.at("a"));
-        ASSERT_EQ(list.size(), 1U);
-        EXPECT_EQ(testing::removeAll(files, state.at("state"), list).removed, 0U)
-            << isServedLeaving;
-        EXPECT_EQ(contentOf(real), "the same") << isServedLeaving;
+        list.add(served.at("a"), served.at("b"));
+        TestTree state;
+        EXPECT_EQ(testing::removeAll(files, state.at("state"), list).removed, goes ? 1U : 0U)
+            << faults.front();
+        EXPECT_EQ(isThere(served.at("a")), !goes) << faults.front();
+        EXPECT_EQ(contentOf(served.at("b")), "the same");
     }
+}
+
+// Where case is ignored a file has two spellings in its folder, and one name.
+TEST(CopyRemoval, ASecondSpellingIsNoCopy) {
+    Copies copies;
+    ASSERT_TRUE(copies.tree.hardLink("a", "c"));
+    const auto objects = [&](const std::string& name, const std::string& spelling) {
+        const auto seen = attributesOf(copies.tree.at(name));
+        auto parent = HeldEntry::holdParentOf(copies.files, copies.tree.at(name));
+        const HeldEntry held{SharedFolder(std::move(*parent)), copies.tree.at(spelling), spelling,
+                             seen};
+        return objectionToCopyInPlace(copies.files, held,
+                                      {copies.tree.at(name), EntryIdentity::of(seen)})
+            .has_value();
+    };
+    EXPECT_TRUE(objects("b", "B"));
+    EXPECT_FALSE(objects("a", "c"));
+    EXPECT_TRUE(objects("a", "a"));
 }
 
 }  // namespace

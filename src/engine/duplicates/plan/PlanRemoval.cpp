@@ -13,10 +13,6 @@
 namespace orrinvale {
 namespace {
 
-bool isOneEntry(const FileAttributes& a, const FileAttributes& b) {
-    return a.device == b.device && a.inode == b.inode;
-}
-
 std::shared_ptr<SimpleNodeData> leafOf(const PlanMember& member,
                                        const std::vector<std::uint64_t>& passing) {
     auto leaf = SimpleNodeData::leafDataWithName(member.path);
@@ -32,14 +28,23 @@ std::shared_ptr<SimpleNodeData> leafOf(const PlanMember& member,
 
 }  // namespace
 
+void FoldersAbove::add(const FileSystem& files, const std::string& place) {
+    for (std::string folder = folderOf(place); m_known.insert(folder).second;
+         folder = folderOf(folder)) {
+        const auto seen = files.attributes(FileSystem::noParent, folder.c_str(), Links::Follow);
+        if (seen) m_entries.emplace(seen->device, seen->inode);
+        if (folder == "/" || folder.empty()) return;
+    }
+}
+
 GuardedFolders::GuardedFolders(const FileSystem& files, const std::vector<std::string>& folders)
     : m_files(files) {
-    const auto passing = files.devicesOfPassingInodes();
     for (const std::string& folder : folders) {
-        Guarded guarded{folder, files.resolved(folder).value_or(folder), std::nullopt};
+        const std::string real = files.resolved(folder).value_or(folder);
         const auto seen = files.attributes(FileSystem::noParent, folder.c_str(), Links::Follow);
-        if (seen && !std::ranges::binary_search(passing, seen->device)) guarded.seen = *seen;
-        m_guarded.push_back(std::move(guarded));
+        if (seen) m_entries.emplace(seen->device, seen->inode);
+        m_above.add(files, real);
+        m_guarded.insert({folder, real});
     }
 }
 
@@ -47,20 +52,23 @@ GuardedFolders::GuardedFolders(const FileSystem& files, const std::vector<std::s
 bool GuardedFolders::isBelowGuarded(std::string folder) const {
     for (;;) {
         const auto seen = m_files.attributes(FileSystem::noParent, folder.c_str(), Links::Follow);
-        if (seen && std::ranges::any_of(m_guarded, [&](const Guarded& each) {
-                return each.seen && isOneEntry(*each.seen, *seen);
-            }))
-            return true;
+        if (seen && isGuarded(*seen)) return true;
         if (folder == "/" || folder.empty()) return false;
         folder = folderOf(folder);
     }
 }
 
+// The answers are as old as the parents that a removal holds may be (HeldParents).
 const GuardedFolders::Folder& GuardedFolders::look(const std::string& folder) {
+    constexpr std::chrono::milliseconds answersLast{100};
+    if (const auto now = std::chrono::steady_clock::now(); now - m_asked >= answersLast) {
+        m_known.clear();
+        m_asked = now;
+    }
     const auto [place, isNew] = m_known.try_emplace(folder);
     if (isNew) {
         place->second.real = m_files.resolved(folder).value_or(folder);
-        place->second.isCovered = isBelowGuarded(place->second.real);
+        place->second.isCovered = !m_entries.empty() && isBelowGuarded(place->second.real);
     }
     return place->second;
 }
@@ -69,16 +77,24 @@ std::string GuardedFolders::realPlace(const std::string& path) {
     return joinPath(look(folderOf(path)).real, lastPathComponent(path));
 }
 
+// Lies in one, is one, or holds one, by the spelling.
+bool GuardedFolders::isByName(const std::string& path) const {
+    for (std::string folder = path;; folder = folderOf(folder)) {
+        if (m_guarded.contains(folder)) return true;
+        if (folder == "/" || folder.empty()) break;
+    }
+    const auto within = m_guarded.lower_bound(path + '/');
+    return within != m_guarded.end() && isWithin(*within, path);
+}
+
 bool GuardedFolders::covers(const std::string& path) {
     if (m_guarded.empty()) return false;
     const Folder& folder = look(folderOf(path));
-    const std::string real = joinPath(folder.real, lastPathComponent(path));
+    if (folder.isCovered || isByName(path) ||
+        isByName(joinPath(folder.real, lastPathComponent(path))))
+        return true;
     const auto seen = m_files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);
-    return folder.isCovered || std::ranges::any_of(m_guarded, [&](const Guarded& each) {
-               return isWithin(path, each.path) || isWithin(real, each.real) ||
-                      isWithin(each.path, path) || isWithin(each.real, real) ||
-                      (seen && each.seen && isOneEntry(*seen, *each.seen));
-           });
+    return seen && (isGuarded(*seen) || m_above.contains(*seen));
 }
 
 PlanRemoval::PlanRemoval(const FileSystem& files, const DuplicatePlan& plan)
@@ -113,7 +129,10 @@ PlanRemoval::PlanRemoval(const FileSystem& files, const DuplicatePlan& plan)
 void PlanRemoval::turnHasCome() {
     m_guarded.emplace(m_files, m_protected);
     m_bundles.emplace(m_files, m_stayingBundles);
-    for (const std::string& path : m_staying) m_stayingPlaces.insert(m_guarded->realPlace(path));
+    for (const std::string& path : m_staying) {
+        const auto place = m_stayingPlaces.insert(m_guarded->realPlace(path)).first;
+        m_aboveStaying.add(m_files, *place);
+    }
 }
 
 // It, or something in it. One entry may have two paths, by links and by mounts; a file with several
@@ -125,10 +144,12 @@ bool PlanRemoval::isToStay(std::size_t index) {
     const auto within = m_stayingPlaces.lower_bound(place + '/');
     if (within != m_stayingPlaces.end() && isWithin(*within, place)) return true;
     const auto identity = m_plan->identity(index);
-    if (identity->inodePasses || !m_stayingEntries.contains({identity->device, identity->inode}))
-        return false;
+    const bool isStaying =
+        !identity->inodePasses && m_stayingEntries.contains({identity->device, identity->inode});
+    if (!isStaying && identity->type != FileType::Folder) return false;
     const auto now = m_files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);
-    return !now || now->links < 2;
+    if (!now) return isStaying;
+    return m_aboveStaying.contains(*now) || (isStaying && now->links < 2);
 }
 
 tl::expected<std::unique_ptr<CopyLook>, StayedEntry> PlanRemoval::judge(std::size_t index) {
@@ -148,8 +169,11 @@ void PlanRemoval::settled(std::size_t index, const RemovalResult& result) {
     using As = Settled::As;
     Settled& account = m_account[index];
     if (result.gone) account.as = result.byOthers ? As::GoneByOthers : As::Gone;
-    else if (!result.failures.empty()) account = {As::Stayed, result.failures.front().reason};
+    else if (result.removed > 0 || !result.failures.empty())
+        account = {result.removed > 0 ? As::Partly : As::Stayed,
+                   result.failures.empty() ? std::string() : result.failures.front().reason};
     if (account.as == As::Gone && !result.changed) addSaturating(m_gained, m_plan->bytes(index));
+    if (account.as == As::Partly) addSaturating(m_gained, result.bytes.value_or(0));
     m_plan->settled(index, result);
 }
 

@@ -1,6 +1,7 @@
 // PlanRemoval: a plan as a list for the program's one removal, which trusts nothing that it says.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -17,8 +18,23 @@
 
 namespace orrinvale {
 
+/// What stands above some places, by numbers, which a second mount does not change. One thread.
+class FoldersAbove final {
+public:
+    /// All folders above the place at this path without links; each is asked for once.
+    void add(const FileSystem& files, const std::string& place);
+    [[nodiscard]] bool contains(const FileAttributes& entry) const {
+        return m_entries.contains({entry.device, entry.inode});
+    }
+
+private:
+    std::set<std::string> m_known;
+    std::set<std::pair<std::uint64_t, std::uint64_t>> m_entries;  // devices and inodes
+};
+
 /// Folders of which nothing goes: each known by its path, by the path without links, and by what it
-/// is, so that neither a link nor a second mount leads around it. One thread.
+/// is, so that neither a link nor a second mount leads around it, nor around the folders above it.
+/// Also where numbers need not last: one that is met by chance makes an entry stay. One thread.
 class GuardedFolders final {
 public:
     /// The file system outlives the object.
@@ -31,21 +47,23 @@ public:
     [[nodiscard]] std::string realPlace(const std::string& path);
 
 private:
-    struct Guarded {
-        std::string path;
-        std::string real;
-        std::optional<FileAttributes> seen;
-    };
     struct Folder {
         std::string real;
         bool isCovered = false;
     };
     [[nodiscard]] const Folder& look(const std::string& folder);
+    [[nodiscard]] bool isGuarded(const FileAttributes& entry) const {
+        return m_entries.contains({entry.device, entry.inode});
+    }
     [[nodiscard]] bool isBelowGuarded(std::string folder) const;
+    [[nodiscard]] bool isByName(const std::string& path) const;
 
     const FileSystem& m_files;
-    std::vector<Guarded> m_guarded;
-    std::map<std::string, Folder> m_known;  // of the folders that were asked about
+    std::set<std::string> m_guarded;  // paths, as they were given and without links
+    std::set<std::pair<std::uint64_t, std::uint64_t>> m_entries;  // devices and inodes of the same
+    FoldersAbove m_above;
+    std::map<std::string, Folder> m_known;          // of the folders that were asked about lately
+    std::chrono::steady_clock::time_point m_asked;  // since when they are known
 };
 
 /// Every entry that goes has a copy that stays by the plan, compared byte by byte when its turn
@@ -73,12 +91,12 @@ public:
 
     /// What became of an entry, for when the removal has ended.
     struct Settled {
-        enum class As : std::uint8_t { NotReached, Gone, GoneByOthers, Stayed };
+        enum class As : std::uint8_t { NotReached, Gone, GoneByOthers, Stayed, Partly };
         As as = As::NotReached;
-        std::string reason;  ///< why it stayed
+        std::string reason;  ///< why it stayed, or its rest; empty for a rest after a stop
     };
     [[nodiscard]] const std::vector<Settled>& account() const { return m_account; }
-    /// Bytes that went with the last name of their file.
+    /// Bytes that went with the last name of their file, those of a part of a bundle as well.
     [[nodiscard]] std::uint64_t gained() const { return m_gained; }
 
 private:
@@ -91,7 +109,8 @@ private:
     std::vector<std::string> m_paths;  // of what goes
     std::vector<std::string> m_stayingBundles;
     std::vector<std::string> m_staying;
-    std::set<std::string> m_stayingPlaces;                               // the same without links
+    std::set<std::string> m_stayingPlaces;  // the same without links
+    FoldersAbove m_aboveStaying;
     std::set<std::pair<std::uint64_t, std::uint64_t>> m_stayingEntries;  // devices and inodes
     std::optional<GuardedFolders> m_guarded;  // both as they are when the turn has come
     std::optional<GuardedFolders> m_bundles;

@@ -8,6 +8,7 @@
 #include <optional>
 #include <set>
 
+#include "engine/duplicates/BundleListing.h"
 #include "engine/files/HeldEntry.h"
 #include "engine/files/ProtectedPlaces.h"
 #include "engine/files/Trash.h"
@@ -26,6 +27,13 @@ bool isTheSame(const EntryIdentity& identity, const FileAttributes& now) {
         return false;
     return identity.type != FileType::Regular ||
            (identity.size == now.size && identity.modified == now.modified);
+}
+
+// The nearest folder above one that is gone.
+std::string standingAbove(const FileSystem& files, std::string folder) {
+    while (folder != "/" && !files.attributes(FileSystem::noParent, folder.c_str(), Links::Follow))
+        folder = folderOf(folder);
+    return folder;
 }
 
 /// One undo, folder by folder.
@@ -52,6 +60,7 @@ private:
     void learnTrashes(const std::string& folder);
     using Place = std::multimap<EntryKey, Found>::iterator;
     [[nodiscard]] Place foundOf(const PlanMember& member);
+    [[nodiscard]] bool isThat(const PlanMember& member, const Found& found) const;
 
     const FileSystem& m_files;
     const ProtectedPlaces m_none;
@@ -93,20 +102,30 @@ const UndoRun::Target& UndoRun::targetOf(const std::string& folder) {
              was->second.inode != now->inode)
         target.fault = "another folder is where it was";
     else target.folder = std::move(*held);
-    const std::uint64_t device = now                      ? now->device
-                                 : was != m_folders.end() ? was->second.device
-                                                          : 0;
-    if (m_askedDevices.insert(device).second) learnTrashes(folder);
+    const std::string standing = standingAbove(m_files, folder);
+    const auto seen = m_files.attributes(FileSystem::noParent, standing.c_str(), Links::Follow);
+    if (m_askedDevices.insert(seen ? seen->device : 0).second) learnTrashes(standing);
     return target;
+}
+
+// The number of a folder that was removed for good is given to the next one: a bundle is known by
+// what it holds.
+bool UndoRun::isThat(const PlanMember& member, const Found& found) const {
+    if (!isTheSame(member.identity, found.entry.attributes)) return false;
+    if (member.identity.type != FileType::Folder) return true;
+    const auto passing = m_files.devicesOfPassingInodes();
+    const std::atomic<bool> never{false};
+    const auto now =
+        listBundle(m_files, found.trash->placeOf(found.entry.name), {passing, false}, never);
+    return now && now->digest == member.listing;
 }
 
 // Of a file with several names any of those in the trash: they are one file, and each comes back
 // once.
 UndoRun::Place UndoRun::foundOf(const PlanMember& member) {
     const auto [begin, end] = m_found.equal_range({member.identity.device, member.identity.inode});
-    const auto found = std::find_if(begin, end, [&](const auto& each) {
-        return isTheSame(member.identity, each.second.entry.attributes);
-    });
+    const auto found =
+        std::find_if(begin, end, [&](const auto& each) { return isThat(member, each.second); });
     return found == end ? m_found.end() : found;
 }
 
@@ -122,7 +141,11 @@ void UndoRun::bringBack(const PlanMember& member, UndoOutcome& outcome) {
     }
     const auto found = foundOf(member);
     if (found == m_found.end()) {
-        outcome.left.push_back({member.path, {}, "it is not in the trash any more"});
+        outcome.left.push_back({member.path,
+                                {},
+                                target.fault.empty()
+                                    ? "it is not in the trash any more"
+                                    : target.fault + ", and it is not in the trash"});
         return;
     }
     const auto& [trash, entry] = found->second;

@@ -2,6 +2,8 @@
 // that is not obeyed.
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <utility>
 
@@ -15,6 +17,36 @@ namespace orrinvale {
 namespace {
 
 constexpr std::uint64_t knownPlanVersion = 1;
+// A text may be as long as a plan and say next to nothing, over and over, which takes a multiple of
+// its length as a value.
+constexpr std::size_t mostPlanMembers = std::size_t{1}
+                                        << 21U;  // as many as fit, as they are written
+constexpr std::size_t mostListedPaths = 100'000;
+
+/// Which members of an object were there: none stands twice, so that what a person reads is what
+/// counts.
+template <std::size_t count> class PlanNames final {
+public:
+    explicit constexpr PlanNames(const std::array<std::string_view, count>& known)
+        : m_known(known) {}
+    /// False for an unknown one, and for one that was there.
+    [[nodiscard]] bool take(std::string_view name) {
+        const auto at = static_cast<std::size_t>(std::find(m_known.begin(), m_known.end(), name) -
+                                                 m_known.begin());
+        return at < count && !std::exchange(m_isThere[at], true);
+    }
+
+private:
+    const std::array<std::string_view, count>& m_known;
+    std::array<bool, count> m_isThere{};
+};
+
+constexpr std::array<std::string_view, 2> pathNames{"path", "pathHex"};
+constexpr std::array<std::string_view, 12> memberNames{
+    "path",   "pathHex", "goes",     "protected", "type",     "size",
+    "device", "inode",   "modified", "changed",   "contents", "listing"};
+constexpr std::array<std::string_view, 7> planNames{"digest",    "owner", "made",  "roots",
+                                                    "protected", "keep",  "groups"};
 
 /// Reads a plan. What is wrong with it fails the reader, but for what has words of its own.
 class PlanParser final {
@@ -37,6 +69,7 @@ private:
     JsonReader m_reader;
     DuplicatePlan m_plan;
     std::uint64_t m_version = 0;
+    std::size_t m_members = 0;
     std::optional<std::uint64_t> m_digest;
 };
 
@@ -92,11 +125,12 @@ bool PlanParser::takePathList(std::vector<std::string>& into) {
         std::string path;
         std::string hex;
         if (!m_reader.beginObject()) return false;
+        PlanNames names(pathNames);
         while (const auto name = m_reader.nextMember())
-            if (!take(m_reader.text(), *name == "pathHex" ? hex : path) ||
-                (*name != "path" && *name != "pathHex"))
+            if (!names.take(*name) || !take(m_reader.text(), *name == "pathHex" ? hex : path))
                 return false;
-        if (m_reader.hasFailed() || !settlePath(path, hex)) return false;
+        if (m_reader.hasFailed() || !settlePath(path, hex) || into.size() == mostListedPaths)
+            return false;
         into.push_back(std::move(path));
     }
     return !m_reader.hasFailed();
@@ -120,8 +154,9 @@ bool PlanParser::takeCopyMember(std::string_view name, PlanMember& copy, std::st
 bool PlanParser::takeCopy(PlanMember& copy) {
     if (!m_reader.beginObject()) return false;
     std::string hex;
+    PlanNames names(memberNames);
     while (const auto name = m_reader.nextMember())
-        if (!takeCopyMember(*name, copy, hex)) return false;
+        if (!names.take(*name) || !takeCopyMember(*name, copy, hex)) return false;
     copy.identity.size = copy.size;
     return !m_reader.hasFailed() && copy.identity.type != FileType::Unknown &&
            settlePath(copy.path, hex);
@@ -133,8 +168,9 @@ bool PlanParser::takeGroups() {
         PlanGroup& group = m_plan.groups.emplace_back();
         if (!m_reader.beginArray()) return false;
         while (m_reader.nextElement())
-            if (!takeCopy(group.members.emplace_back())) return false;
-        if (m_reader.hasFailed()) return false;
+            if (++m_members > mostPlanMembers || !takeCopy(group.members.emplace_back()))
+                return false;
+        if (m_reader.hasFailed() || group.members.empty()) return false;
     }
     return !m_reader.hasFailed();
 }
@@ -160,8 +196,9 @@ tl::expected<DuplicatePlan, std::string> PlanParser::parse() {
                         "know",
                         m_version));
     bool isWell = true;
+    PlanNames names(planNames);
     while (const auto name = m_reader.nextMember())
-        if (!takeMember(*name)) {
+        if (!names.take(*name) || !takeMember(*name)) {
             isWell = false;
             break;
         }
