@@ -116,7 +116,9 @@ std::optional<std::string> DuplicatesCommand::readFilter(const Arguments& argume
                 text);
         request.filter.kinds.push_back(*kind);
     }
-    for (const std::string& text : arguments.texts("exclude")) {
+    for (std::string text : arguments.texts("exclude")) {
+        // What is put before a path in brackets, so that it is not taken for a list, is no pattern.
+        if (text.starts_with("./[") && text.ends_with(']')) text.erase(0, 2);
         auto pattern = PathPattern::parse(text);
         if (!pattern)
             return fmt::format("--exclude \"{}\", character {}: {}", text, pattern.error().place,
