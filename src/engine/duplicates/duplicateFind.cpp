@@ -41,6 +41,8 @@ void duplicateFind::search(const SearchRequest& request) {
     int result = 1;
     try {
         m_guard = std::make_unique<ProtectedFolders>(m_files, m_request.protectedFolders);
+        // What asks a disk for the folders comes before the search: a stop waits for none of it.
+        m_linkPlaces = std::make_unique<LinkPlaces>(m_files, m_roots.roots);
         result = _searchDuplicateFile();
         findLinkPlaces();
         findProtected();
@@ -62,6 +64,7 @@ void duplicateFind::endEarly() {
     m_findDuplicateApp.reset();
     m_hashAhead.reset();
     m_guard.reset();
+    m_linkPlaces.reset();
     if (m_request.protectedFolders.empty()) return;
     m_newFileArray.clear();
     m_allAppArray.clear();
@@ -161,9 +164,10 @@ void duplicateFind::getDuplicateApp(std::vector<std::string>* bundles) {
 }
 
 void duplicateFind::findLinkPlaces() {
-    auto places = std::make_unique<LinkPlaces>(m_files, m_roots.roots);
-    if (!m_mayRepeat && !places->hasLinkedRoots()) return;
-    m_linkPlaces = std::move(places);
+    if (!m_mayRepeat && !m_linkPlaces->hasLinkedRoots()) {
+        m_linkPlaces.reset();
+        return;
+    }
     m_linkPlaces->find(m_newFileArray);
     m_linkPlaces->find(m_allAppArray);
 }
