@@ -7,14 +7,12 @@
 #include <optional>
 #include <utility>
 
-#include "cli/SearchWatch.h"
-#include "cli/WaitingQueue.h"
+#include "cli/RemovalRun.h"
 #include "engine/base/saturating.h"
 #include "engine/cleaning/CleanList.h"
 #include "engine/cleaning/ParseFileLog.h"
 #include "engine/cleaning/SpaceGain.h"
 #include "engine/removal/PlainDoor.h"
-#include "engine/removal/RemovalJob.h"
 #include "engine/settings/UserFolders.h"
 #include "platform/linux/ProgramFiles.h"
 
@@ -30,39 +28,6 @@ std::vector<CleanRow> rowsOf(const std::vector<ScannedCategory>& scanned) {
 
 }  // namespace
 
-namespace {
-
-// Runs it to its end, and notes how the person in front of it ended it.
-RemovalOutcome runRemoval(const CleanParts& parts, const std::shared_ptr<CleanList>& list,
-                          Telling telling, CleanRemovalResult& result) {
-    WaitingQueue queue;
-    std::optional<RemovalOutcome> ending;
-    std::optional<RemovalJob> job;
-    const auto takeNews = [&] {
-        auto news = job->takeNews();
-        if (news.ending) ending = std::move(news.ending);
-    };
-    const auto makeDoor = [files = parts.files] {
-        return std::make_unique<QuietDoor>(std::make_unique<PlainDoor>(
-            *files, ProtectedPlaces::ofThisMachine(*files, programFiles())));
-    };
-    job.emplace(RemovalJob::Parts{.files = parts.files,
-                                  .mainQueue = &queue,
-                                  .makeDoor = makeDoor,
-                                  .stateFolder = userStateFolder()},
-                list, takeNews);
-    const auto progress = [&job] {
-        const auto now = job->progress();
-        return fmt::format("{} of {}  {}", now.done, now.of, now.current);
-    };
-    const SearchWatch watch([&job] { job->stop(); }, progress, telling);
-    queue.runUntil([&ending] { return ending.has_value(); });
-    result.ending = watch.ending();
-    return *std::move(ending);
-}
-
-}  // namespace
-
 CleanRemovalResult removeRows(const CleanParts& parts, const std::vector<ScannedCategory>& scanned,
                               Telling telling) {
     CleanRemovalResult result;
@@ -70,7 +35,12 @@ CleanRemovalResult removeRows(const CleanParts& parts, const std::vector<Scanned
     const auto gain = std::make_shared<SpaceGain>(rows);
     const auto list = std::make_shared<CleanList>(parts, std::move(rows), gain);
     for (const CleanRow& row : list->rows()) addSaturating(result.outcome.promised, row.onDisk);
-    RemovalOutcome ending = runRemoval(parts, list, telling, result);
+    const auto makeDoor = [files = parts.files] {
+        return std::make_unique<QuietDoor>(std::make_unique<PlainDoor>(
+            *files, ProtectedPlaces::ofThisMachine(*files, programFiles())));
+    };
+    auto [ending, endedBy] = runRemoval(*parts.files, list, makeDoor, telling);
+    result.ending = endedBy;
     for (std::size_t row = 0; row < list->rows().size(); ++row)
         if (list->isDone(row) && list->isBegun(row))
             result.outcome.removed.push_back(list->rows()[row].path);

@@ -9,15 +9,14 @@
 #include <optional>
 
 #include "cli/Output.h"
+#include "cli/RemovalRun.h"
 #include "cli/RemoveReport.h"
 #include "cli/SearchWatch.h"
-#include "cli/WaitingQueue.h"
 #include "cli/askYes.h"
 #include "engine/duplicates/plan/PlanFile.h"
 #include "engine/duplicates/plan/PlanHistory.h"
 #include "engine/duplicates/plan/PlanRemoval.h"
 #include "engine/removal/PlainDoor.h"
-#include "engine/removal/RemovalJob.h"
 #include "engine/removal/TrashDoor.h"
 #include "engine/settings/UserFolders.h"
 #include "engine/text/UtilityFunction.h"
@@ -39,30 +38,10 @@ struct PlanRun {
 };
 
 void runPlan(const FileSystem& files, PlanRun& run, Telling telling) {
-    WaitingQueue queue;
-    std::optional<RemovalOutcome> outcome;
-    std::optional<RemovalJob> job;
-    const auto takeNews = [&] {
-        auto news = job->takeNews();
-        if (news.ending) outcome = std::move(news.ending);
+    const auto makeDoor = [&files, isToTrash = run.isToTrash] {
+        return doorOfPlan(files, isToTrash);
     };
-    job.emplace(RemovalJob::Parts{.files = &files,
-                                  .mainQueue = &queue,
-                                  .makeDoor =
-                                      [&files, isToTrash = run.isToTrash] {
-                                          return doorOfPlan(files, isToTrash);
-                                      },
-                                  .stateFolder = userStateFolder()},
-                run.list, takeNews);
-    const SearchWatch watch([&job] { job->stop(); },
-                            [&job] {
-                                const auto progress = job->progress();
-                                return fmt::format("{} of {}  {}", progress.done, progress.of,
-                                                   printable(progress.current));
-                            },
-                            telling);
-    queue.runUntil([&outcome] { return outcome.has_value(); });
-    run.ending = watch.ending();
+    run.ending = runRemoval(files, run.list, makeDoor, telling).ending;
 }
 
 RemoveAccount accountOf(const PlanRun& run) {

@@ -82,7 +82,7 @@ private:
 
     std::optional<StayedEntry> objection(const std::optional<KeptCopy>& kept) {
         if (m_aside) return m_aside->objection(kept);
-        return kept ? objectionToCopyInPlace(m_files, m_held, *kept) : std::nullopt;
+        return kept ? objectionWithoutRename(m_files, m_ground, m_held, *kept) : std::nullopt;
     }
 
     HelperReply givenBack(HelperReply reply) {

@@ -93,7 +93,8 @@ Result<void> MacLog::openFile(const std::string& name) {
 void MacLog::deleteLog(const std::string& path) {
     struct stat seen {};
     if (::lstat(path.c_str(), &seen) != 0 || !S_ISREG(seen.st_mode)) return;
-    if (static_cast<std::uint64_t>(seen.st_size) > sizeLimit) ::unlink(path.c_str());
+    if (static_cast<std::uint64_t>(seen.st_size) > sizeLimit)
+        static_cast<void>(DurableFile::remove(path));
 }
 
 void MacLog::logSysInfo(const std::string& path) {

@@ -129,6 +129,17 @@ Result<std::string> DurableFile::keepCopy(const std::string& path, std::string_v
     return tl::unexpected(systemError("copy", path, EEXIST));
 }
 
+Result<void> DurableFile::remove(const std::string& path) {
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) != 0)
+        return errno == ENOENT ? Result<void>() : tl::unexpected(systemError("stat", path, errno));
+    if (!S_ISREG(status.st_mode)) return tl::unexpected(notRegular("remove", path));
+    if (status.st_uid != ::geteuid()) return tl::unexpected(systemError("remove", path, EPERM));
+    if (::unlink(path.c_str()) != 0 && errno != ENOENT)
+        return tl::unexpected(systemError("remove", path, errno));
+    return {};
+}
+
 Result<std::string> DurableFile::behindOwnLinks(const std::string& path) {
     constexpr int kMostLinks = 40;  // as many as the kernel follows
     std::string at = path;

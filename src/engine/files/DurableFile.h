@@ -62,6 +62,10 @@ public:
     /// begin() and commit().
     [[nodiscard]] static Result<void> save(const std::string& path, std::string_view bytes);
 
+    /// Takes this user's file away. No link is followed; what is no regular file or another user's
+    /// stays and is told. Success also where nothing is there.
+    [[nodiscard]] static Result<void> remove(const std::string& path);
+
     /// Makes a folder for this user alone (0700), with those above it, and flushes their entries.
     /// True success when it is there.
     [[nodiscard]] static Result<void> makeFolder(const std::string& path);

@@ -24,6 +24,7 @@
 #include "engine/files/writeAll.h"
 #include "engine/removal/SetAside.h"
 #include "engine/removal/stayReasons.h"
+#include "engine/text/escapedLine.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 
@@ -32,31 +33,6 @@ namespace {
 
 constexpr std::string_view head = "orrinvale aside 1\n";
 constexpr std::string_view extension = ".aside";
-
-std::string escaped(std::string_view path) {
-    std::string out;
-    out.reserve(path.size());
-    for (const char c : path) {
-        if (c == '\n') out += "\\n";
-        else if (c == '\\') out += "\\\\";
-        else out += c;
-    }
-    return out;
-}
-
-std::optional<std::string> unescaped(std::string_view text) {
-    std::string out;
-    out.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] != '\\') {
-            out += text[i];
-            continue;
-        }
-        if (++i == text.size() || (text[i] != 'n' && text[i] != '\\')) return std::nullopt;
-        out += text[i] == 'n' ? '\n' : '\\';
-    }
-    return out;
-}
 
 std::string_view takeField(std::string_view& line) {
     const std::size_t end = std::min(line.find(' '), line.size());
@@ -83,7 +59,7 @@ std::optional<AsideRecord> readRecord(std::string_view line) {
     const bool isRead =
         readNumber(takeField(line), record.device) && readNumber(takeField(line), record.inode) &&
         readNumber(takeField(line), type) && type <= static_cast<unsigned>(FileType::BlockDevice);
-    auto path = unescaped(line);
+    auto path = unescapedLine(line);
     if (!isRead || !path || !isPlain(*path) || !isAsideName(asideName(record.token, "x")))
         return std::nullopt;
     record.type = static_cast<FileType>(type);
@@ -95,7 +71,7 @@ std::string linesOf(std::span<const AsideRecord> records) {
     std::string lines;
     for (const AsideRecord& each : records)
         fmt::format_to(std::back_inserter(lines), "{} {} {} {} {}\n", each.token, each.device,
-                       each.inode, static_cast<unsigned>(each.type), escaped(each.path));
+                       each.inode, static_cast<unsigned>(each.type), escapedLine(each.path));
     return lines;
 }
 

@@ -94,26 +94,14 @@ RemovalResult PlainDoor::removeAside(SetAside& aside, const HeldEntry& held,
     return result;
 }
 
-// Two mounts of one place show one entry under two numbers, and without a rename nothing tells.
-std::optional<StayedEntry> PlainDoor::objectionInPlace(const HeldEntry& held,
-                                                       const KeptCopy& kept) {
-    if (auto reason = objectionToCopyInPlace(m_files, held, kept)) return reason;
-    const auto copy = HeldEntry::holdParentOf(m_files, kept.path);
-    if (copy && !m_ground.isServed(held.parent.get(), held.attributes.device) &&
-        !m_ground.isServed(copy->get(), kept.identity.device))
-        return std::nullopt;
-    Log::line(
-        fmt::format("{} and {} may be one entry: one of them is served", held.path, kept.path));
-    return StayedEntry{held.path, std::string(stay::noCopy), StayReason::NoCopy};
-}
-
 RemovalResult PlainDoor::removeInPlace(const HeldEntry& held, const LeavingEntry& entry,
                                        const std::atomic<bool>& stop) {
     if (!std::exchange(m_isToldPlain, true))
         Log::line(fmt::format("Nothing can be set aside in {}: copies there go straight away",
                               folderOf(held.path)));
     if (const auto& kept = entry.look->kept())
-        if (auto reason = objectionInPlace(held, *kept)) return stayed(std::move(*reason));
+        if (auto reason = objectionWithoutRename(m_files, m_ground, held, *kept))
+            return stayed(std::move(*reason));
     if (auto reason = entry.look->last(held, held.name)) return stayed(std::move(*reason));
     RemovalResult result;
     const auto entryHeld = m_files.holdEntry(held.parent.get(), held.name.c_str());

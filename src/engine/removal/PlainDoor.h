@@ -36,8 +36,6 @@ private:
                                             const std::atomic<bool>& stop) const;
     [[nodiscard]] RemovalResult removeInPlace(const HeldEntry& held, const LeavingEntry& entry,
                                               const std::atomic<bool>& stop);
-    [[nodiscard]] std::optional<StayedEntry> objectionInPlace(const HeldEntry& held,
-                                                              const KeptCopy& kept);
     void unlink(const HeldEntry& held, const std::string& name, const LeavingEntry& entry,
                 const std::atomic<bool>& stop, RemovalResult& result) const;
 

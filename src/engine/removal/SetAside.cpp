@@ -236,4 +236,14 @@ std::optional<StayedEntry> objectionToCopyInPlace(const FileSystem& files, const
     return withoutCopy(leaving.path, kept, "the same entry", stay::sameEntry);
 }
 
+std::optional<StayedEntry> objectionWithoutRename(const FileSystem& files, RenameGround& ground,
+                                                  const HeldEntry& leaving, const KeptCopy& kept) {
+    if (auto reason = objectionToCopyInPlace(files, leaving, kept)) return reason;
+    const auto copy = HeldEntry::holdParentOf(files, kept.path);
+    if (copy && !ground.isServed(leaving.parent.get(), leaving.attributes.device) &&
+        !ground.isServed(copy->get(), kept.identity.device))
+        return std::nullopt;
+    return withoutCopy(leaving.path, kept, "they may be one entry: one of them is served");
+}
+
 }  // namespace orrinvale

@@ -111,4 +111,11 @@ private:
                                                                 const HeldEntry& leaving,
                                                                 const KeptCopy& kept);
 
+/// The same where nothing can be set aside and nobody looks again afterwards: two views of one
+/// place show one entry under two numbers, so that neither of the two may be served.
+[[nodiscard]] std::optional<StayedEntry> objectionWithoutRename(const FileSystem& files,
+                                                                RenameGround& ground,
+                                                                const HeldEntry& leaving,
+                                                                const KeptCopy& kept);
+
 }  // namespace orrinvale

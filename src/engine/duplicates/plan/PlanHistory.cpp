@@ -125,8 +125,8 @@ tl::expected<NotedRemoval, std::string> PlanHistory::load(const std::string& id)
 bool PlanHistory::clear() const {
     bool isClear = true;
     for (const std::string& id : ids())
-        isClear = ::unlink(joinPath(m_folder, id + std::string(historyExtension)).c_str()) == 0 &&
-                  isClear;
+        isClear =
+            DurableFile::remove(joinPath(m_folder, id + std::string(historyExtension))) && isClear;
     return isClear;
 }
 
@@ -136,7 +136,7 @@ void PlanHistory::forgetOld() const {
         const std::string path = joinPath(m_folder, id + std::string(historyExtension));
         struct stat seen {};
         if (::lstat(path.c_str(), &seen) == 0 && seen.st_mtim.tv_sec < oldest)
-            (void)::unlink(path.c_str());
+            static_cast<void>(DurableFile::remove(path));
     }
 }
 

@@ -4,7 +4,6 @@
 
 #include <dirent.h>
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -13,6 +12,7 @@
 
 #include "engine/files/DurableFile.h"
 #include "engine/text/SizeText.h"
+#include "engine/text/escapedLine.h"
 #include "platform/paths.h"
 
 namespace orrinvale {
@@ -23,29 +23,6 @@ constexpr std::string_view searchEnding = ".search";
 constexpr std::size_t largestSearchFile = 1024 * 1024;
 constexpr std::array storedKinds{FileKind::Documents, FileKind::Music,    FileKind::Videos,
                                  FileKind::Archives,  FileKind::Pictures, FileKind::Others};
-
-std::string escapedLine(std::string_view text) {
-    std::string out;
-    for (const char c : text) {
-        if (c == '\n') out += "\\n";
-        else if (c == '\\') out += "\\\\";
-        else out += c;
-    }
-    return out;
-}
-
-std::optional<std::string> unescapedLine(std::string_view text) {
-    std::string out;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] != '\\') {
-            out += text[i];
-            continue;
-        }
-        if (++i == text.size() || (text[i] != 'n' && text[i] != '\\')) return std::nullopt;
-        out += text[i] == 'n' ? '\n' : '\\';
-    }
-    return out;
-}
 
 // One line into the search; false where it says nothing that is known.
 bool readSearchLine(std::string_view word, const std::string& value, SearchScope& scope) {
@@ -157,11 +134,8 @@ Result<void> NamedSearches::save(const SearchScope& scope) const {
 }
 
 Result<void> NamedSearches::clear() const {
-    for (const std::string& name : files(true)) {
-        const std::string path = joinPath(m_folder, name);
-        if (::unlink(path.c_str()) != 0 && errno != ENOENT)
-            return tl::unexpected(systemError("remove", path, errno));
-    }
+    for (const std::string& name : files(true))
+        if (auto removed = DurableFile::remove(joinPath(m_folder, name)); !removed) return removed;
     return {};
 }
 
