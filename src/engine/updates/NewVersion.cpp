@@ -12,14 +12,14 @@ constexpr const char* numberKey = "VersionCheck";
 constexpr const char* versionKey = "Version";
 constexpr const char* missingText = "(null)";
 
-std::int64_t numberIn(const PropertyList* description) {
+std::int64_t numberOfVersion(const PropertyList* description) {
     return description == nullptr ? 0 : description->integerForKey(numberKey).value_or(0);
 }
 
 }  // namespace
 
 std::optional<NewVersion> takeNewVersion(PropertyList* description, std::int64_t localNumber) {
-    NewVersion found{.number = numberIn(description), .version = {}, .lines = {}, .values = {}};
+    NewVersion found{.number = numberOfVersion(description), .version = {}, .lines = {}, .values = {}};
     if (found.number <= localNumber) return std::nullopt;
     found.version = description->stringForKey(versionKey).value_or(missingText);
     description->removeObjectForKey(numberKey);
