@@ -16,6 +16,7 @@
 #include "engine/duplicates/plan/PlanFile.h"
 #include "engine/duplicates/plan/PlanHistory.h"
 #include "engine/duplicates/plan/PlanRemoval.h"
+#include "engine/duplicates/plan/entriesOutside.h"
 #include "engine/removal/PlainDoor.h"
 #include "engine/removal/TrashDoor.h"
 #include "engine/settings/UserFolders.h"
@@ -70,12 +71,19 @@ RemoveAccount accountOf(const PlanRun& run) {
     return account;
 }
 
-bool isPlanAgreed(const DuplicatePlan& plan, bool isToTrash) {
+std::string countOfOutside(std::size_t count, std::size_t folders) {
+    if (count == 0) return {};
+    return fmt::format("{} of them {} outside of the folder{} searched. ", count,
+                       count == 1 ? "lies" : "lie", folders == 1 ? " that was" : "s that were");
+}
+
+bool isPlanAgreed(const FileSystem& files, const DuplicatePlan& plan, bool isToTrash) {
     const PlanSums sums = sumsOf(plan);
     return askYes(fmt::format(
-        "{} {}, {}, {}? Of each a copy stays.", isToTrash ? "Move" : "Remove",
+        "{} {}, {}, {}? {}No group loses all its copies.", isToTrash ? "Move" : "Remove",
         sums.entries() == 1 ? std::string("1 entry") : fmt::format("{} entries", sums.entries()),
-        UtilityFunction::convertVolSpace(sums.bytes), isToTrash ? "to the trash" : "for good"));
+        UtilityFunction::convertVolSpace(sums.bytes), isToTrash ? "to the trash" : "for good",
+        countOfOutside(entriesOutside(files, plan), plan.roots.size())));
 }
 
 }  // namespace
@@ -108,7 +116,8 @@ Status RemoveCommand::run(const Arguments& arguments) {
         complain(fmt::format("{}: {}", path, plan.error()));
         return Status::NoSuchFolder;
     }
-    if (asks && sumsOf(*plan).entries() > 0 && !isPlanAgreed(*plan, arguments.has("trash"))) {
+    if (asks && sumsOf(*plan).entries() > 0 &&
+        !isPlanAgreed(m_files, *plan, arguments.has("trash"))) {
         complain("nothing was removed");
         return Status::Done;
     }
@@ -129,7 +138,9 @@ Status RemoveCommand::remove(const Arguments& arguments, const DuplicatePlan& pl
     }
     runPlan(m_files, run, tellingFor(arguments));
     RemoveAccount account = accountOf(run);
-    account.undoId = std::move(id);
+    // The next undo is of a removal that moved something.
+    if (run.isToTrash && run.list->isUntouched()) PlanHistory(userStateFolder()).forget(id);
+    else account.undoId = std::move(id);
     if (!arguments.has("quiet") && (arguments.has("json") || arguments.has("print0")))
         for (const auto& each : account.kept)
             complain(fmt::format("{}: {}", each.path, each.reason));

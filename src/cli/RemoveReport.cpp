@@ -36,7 +36,7 @@ void printRemoveJson(Output& out, const RemoveAccount& account) {
         appendJsonText(text, each.reason);
         text += '}';
     }
-    if (account.isToTrash) text += fmt::format("],\n  \"undo\": \"{}\"", account.undoId);
+    if (!account.undoId.empty()) text += fmt::format("],\n  \"undo\": \"{}\"", account.undoId);
     else text += "],\n  \"undo\": null";
     text += fmt::format(
         ",\n  \"gained\": {},\n  \"moved\": {},\n  \"skipped\": [],\n  \"stopped\": {}\n}}\n",
@@ -59,8 +59,9 @@ void printRemoveListing(Output& out, const RemoveAccount& account) {
         out.write(fmt::format("was gone already: {}\n", printable(path)));
     const std::string size = UtilityFunction::convertVolSpace(account.bytes);
     if (account.isToTrash)
-        out.write(fmt::format("Moved {} to the trash, {}. Undo: orrinvale-cli undo {}\n",
-                              countedFiles(account.removed.size()), size, account.undoId));
+        out.write(fmt::format(
+            "Moved {} to the trash, {}.{}{}\n", countedFiles(account.removed.size()), size,
+            account.undoId.empty() ? "" : " Undo: orrinvale-cli undo ", account.undoId));
     else
         out.write(
             fmt::format("Removed {}, {} freed.\n", countedFiles(account.removed.size()), size));

@@ -18,7 +18,7 @@ struct RemoveAccount {
     std::vector<Stayed> kept;
     std::uint64_t bytes = 0;  ///< of what went, a file with several names once
     bool isToTrash = false;
-    std::string undoId;  ///< of what was moved
+    std::string undoId;  ///< of what was moved; empty where nothing was
     bool stopped = false;
 };
 

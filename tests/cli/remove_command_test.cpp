@@ -61,6 +61,11 @@ TEST(RemoveCommand, MovesToTheTrashWhereItIsTold) {
     EXPECT_EQ(namesIn(tree.at("home/.local/share/Trash/files")).size(), 4U);
     EXPECT_EQ(namesIn(tree.at("home/.local/share/Trash/info")).size(), 4U);
 
+    // A second run moves nothing, and leaves the first to be undone.
+    const auto again =
+        planRun(tree, "remove", {"--plan", tree.at("plan"), "--yes", "--trash", "--json"}).run();
+    EXPECT_TRUE(Json::parse(again.output)["undo"].is_null()) << again.output;
+
     const auto listed = planRun(tree, "undo", {"--list", "--json"}).run();
     const Json removals = Json::parse(listed.output)["removals"];
     ASSERT_EQ(removals.size(), 1U) << listed.output;
@@ -94,10 +99,21 @@ TEST(RemoveCommand, AsksAndTakesNoForAnAnswer) {
         return run.run();
     };
     const auto no = answered("n\n");
-    EXPECT_NE(no.error.find("Remove 4 entries, "), std::string::npos) << no.error;
+    EXPECT_THAT(no.error, HasSubstr("Remove 4 entries, 0.03 KB, for good? No group loses all"));
     EXPECT_TRUE(isThere(tree.at("data/2")));
     EXPECT_EQ(answered("y\n").status, 0);
     EXPECT_FALSE(isThere(tree.at("data/2")));
+
+    // What a link leads to is nothing that a person who chose one folder thinks of.
+    ASSERT_TRUE(tree.write("elsewhere/far", "the same") && tree.symlink("../elsewhere", "data/l"));
+    ASSERT_EQ(planRun(tree, "duplicates",
+                      {"--quiet", "--keep", "path:" + tree.at("data"), "--plan", tree.at("plan"),
+                       tree.at("data")})
+                  .run()
+                  .status,
+              0);
+    EXPECT_THAT(answered("n\n").error,
+                HasSubstr("? 1 of them lies outside of the folder that was searched. No group"));
 }
 
 TEST(RemoveCommand, RefusesWhatIsNoPlanOfThisUser) {

@@ -8,11 +8,11 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <random>
+#include <span>
 #include <utility>
 
-#include "engine/base/Date.h"
+#include "engine/files/TrashRecord.h"
 #include "engine/files/shortenedName.h"
 #include "engine/files/writeAll.h"
 #include "platform/error.h"
@@ -37,26 +37,6 @@ std::uint64_t numberOf(std::uint64_t attempt) {
     if (attempt < mostInSeries) return attempt;
     std::random_device chance;
     return std::uniform_int_distribution<std::uint64_t>(mostInSeries, 4'294'967'295U)(chance);
-}
-
-// RFC 2396 as the records ask for it; the slash stays.
-std::string percentEncoded(std::string_view path) {
-    constexpr std::string_view plain = "-_.!~*'()/";
-    std::string out;
-    for (const char c : path) {
-        const bool isPlain = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') ||
-                             (c >= 'a' && c <= 'z') || plain.find(c) != std::string_view::npos;
-        if (isPlain) out += c;
-        else out += fmt::format("%{:02X}", static_cast<unsigned char>(c));
-    }
-    return out;
-}
-
-// "2026-11-21T10:00:00" by the wall clock, with no offset, is what the records hold.
-std::string wallClock() {
-    const auto now = std::chrono::system_clock::now().time_since_epoch();
-    return iso8601({std::chrono::duration_cast<std::chrono::nanoseconds>(now).count()})
-        .substr(0, 19);
 }
 
 bool isSame(const FileAttributes& a, const FileAttributes& b) {
@@ -153,13 +133,27 @@ std::string TrashFolder::placeOf(const std::string& name) const {
     return joinPath(m_files->placeOf(m_entries.get()).value_or(""), name);
 }
 
+std::optional<std::string> TrashFolder::origin(const std::string& name) const {
+    ReadState state;
+    const auto file = m_files->openFile(
+        m_records.get(), (name + std::string(recordExtension)).c_str(), Links::Keep, state);
+    const auto seen = file ? m_files->attributes(file->get()) : tl::unexpected(file.error());
+    if (!seen || seen->type != FileType::Regular || seen->size > longestTrashRecord)
+        return std::nullopt;
+    std::string text(static_cast<std::size_t>(seen->size), '\0');
+    const auto count = m_files->read(
+        file->get(), std::as_writable_bytes(std::span(text.data(), text.size())), 0, state);
+    if (!count) return std::nullopt;
+    auto path = pathInTrashRecord(std::string_view(text).substr(0, *count));
+    if (!path || path->starts_with('/')) return path;
+    if (m_root.empty()) return std::nullopt;
+    return joinPath(m_root, *path);
+}
+
+// What stands in its place is moved back at once: the name is all that a rename knows.
 std::optional<std::string> TrashFolder::giveBack(const Trashed& entry, int folder,
                                                  const std::string& name) const {
-    const std::string record = entry.name + std::string(recordExtension);
-    const auto recorded = m_files->attributes(m_records.get(), record.c_str(), Links::Keep);
-    if (!recorded) return "the trash has no record of it any more";
-    const auto held = m_files->holdEntry(m_entries.get(), entry.name.c_str());
-    const auto now = held ? m_files->attributes(held->get()) : tl::unexpected(held.error());
+    const auto now = m_files->attributes(m_entries.get(), entry.name.c_str(), Links::Keep);
     if (!now) return folderReason(now.error());
     if (!isSame(*now, entry.attributes)) return std::string(replacedReason);
     const auto moved =
@@ -168,7 +162,9 @@ std::optional<std::string> TrashFolder::giveBack(const Trashed& entry, int folde
         return moved.error() == EEXIST ? std::string("its name is taken by now")
                                        : folderReason(moved.error());
     const auto back = m_files->attributes(folder, name.c_str(), Links::Keep);
-    if (!back || !isSame(*back, *now)) {
+    const bool isFile = now->type == FileType::Regular;
+    if (!back || !isSame(*back, *now) ||
+        (isFile && (back->size != now->size || back->modified != now->modified))) {
         (void)m_files->moveEntry(folder, name.c_str(), m_entries.get(), entry.name.c_str());
         return std::string(replacedReason);
     }
@@ -191,8 +187,7 @@ std::string TrashFolder::recordOf(const std::string& place) const {
     std::string_view path = place;
     if (!m_root.empty() && isWithin(place, m_root))
         path.remove_prefix(m_root == "/" ? 1 : m_root.size() + 1);
-    return fmt::format("[Trash Info]\nPath={}\nDeletionDate={}\n", percentEncoded(path),
-                       wallClock());
+    return trashRecordOf(path);
 }
 
 int TrashFolder::writeRecord(const std::string& name, const std::string& text) const {

@@ -59,9 +59,13 @@ public:
     /// The path of an entry in it.
     [[nodiscard]] std::string placeOf(const std::string& name) const;
 
-    /// Gives an entry its old name back in a held folder, never over anything, and drops its
-    /// record. Why it stays in the trash: among others that it is another entry by now, or that the
-    /// trash has no record of it.
+    /// Where the entry of this name was, by its record, without links. Nothing where the trash has
+    /// no record of it, or one that does not tell.
+    [[nodiscard]] std::optional<std::string> origin(const std::string& name) const;
+
+    /// Gives an entry the name that it had in a held folder, never over anything, and drops its
+    /// record, by which the caller knows that it belongs there. Why it stays in the trash: among
+    /// others that it is another entry by now.
     [[nodiscard]] std::optional<std::string> giveBack(const Trashed& entry, int folder,
                                                       const std::string& name) const;
 

@@ -21,6 +21,7 @@ struct TrashedTree {
     FolderVariables variables{.home = tree.at("home"), .user = ::geteuid()};
     DuplicatePlan plan;
     std::vector<UndoFolder> folders;
+    std::uint64_t inTrash = 0;  // bytes, as the removal told them
 
     explicit TrashedTree(const Strings& names, const std::string& bytes = "the same") {
         plan.owner = ::geteuid();
@@ -48,6 +49,7 @@ struct TrashedTree {
         TrashDoor door(files, {}, variables);
         RemovalRun run(files, {}, list, door, neverStoppedUndo, testing::nobodyTold());
         EXPECT_EQ(run.run().removed, names.size());
+        inTrash = list.gained();
     }
     UndoOutcome undo() const { return undoPlan(files, variables, plan, folders, neverStoppedUndo); }
     std::string trash(const std::string& name) const {
@@ -128,6 +130,30 @@ TEST(TrashUndo, WhatCanNotComeBackIsToldAndStaysWhereItIs) {
         {"somebody dropped the record",
          [](TrashedTree& t) { ::unlink(t.trash("info/x.trashinfo").c_str()); },
          "the trash has no record of it any more", true},
+        {"the record is of another place",
+         [](TrashedTree& t) {
+             t.tree.write("home/.local/share/Trash/info/x.trashinfo",
+                          "[Trash Info]\nPath=" + t.tree.at("b/x") + "\n");
+         },
+         "by the trash's record it was elsewhere", true},
+        {"the record is a pipe",
+         [](TrashedTree& t) {
+             ::unlink(t.trash("info/x.trashinfo").c_str());
+             t.tree.fifo("home/.local/share/Trash/info/x.trashinfo");
+         },
+         "the trash has no record of it any more", true},
+        {"the record is a link to one",
+         [](TrashedTree& t) {
+             const auto record = t.trash("info/x.trashinfo");
+             ::rename(record.c_str(), t.tree.at("record").c_str());
+             t.tree.symlink(t.tree.at("record"), "home/.local/share/Trash/info/x.trashinfo");
+         },
+         "the trash has no record of it any more", true},
+        {"the record is too long for one",
+         [](TrashedTree& t) {
+             std::ofstream(t.trash("info/x.trashinfo"), std::ios::app) << std::string(70'000, '\n');
+         },
+         "the trash has no record of it any more", true},
         {"it was written to in the trash",
          [](TrashedTree& t) { std::ofstream(t.trash("files/x"), std::ios::app) << "more"; },
          "it is not in the trash any more", true},
@@ -153,13 +179,69 @@ TEST(TrashUndo, WhatCanNotComeBackIsToldAndStaysWhereItIs) {
     EXPECT_EQ(contentOf(moved.tree.at("b/x")), "the same");
 }
 
+TEST(TrashUndo, AFileWithTwoNamesIsCountedOnce) {
+    TrashedTree trashed({"a/x", "a/z"});
+    ASSERT_TRUE(trashed.tree.hardLink("a/x", "a/y"));
+    trashed.move({"a/x", "a/y", "a/z"});
+    EXPECT_EQ(trashed.inTrash, 16U);
+    EXPECT_EQ(sumsOf(trashed.plan).bytes, 16U);
+    EXPECT_EQ(sumsOf(trashed.plan).files, 3U);
+}
+
+// With a restart a volume gets another number, and on some its files get others too. What is known
+// by its record alone still has to have the size and time that it had.
+TEST(TrashUndo, AVolumeMayHaveAnotherNumberByNow) {
+    struct PassingFiles final : ForwardingFiles {
+        PassingFiles() : ForwardingFiles(realFiles) {}
+        std::vector<std::uint64_t> devicesOfPassingInodes() const override { return devices; }
+        std::vector<std::uint64_t> devices;
+    };
+    for (const std::string what : {"volume", "numbers", "other volume", "other file"}) {
+        SCOPED_TRACE(what);
+        TrashedTree trashed({"a/x", "a/y"});
+        trashed.move({"a/x", "a/y"});
+        PassingFiles watched;
+        const bool isEverything = what == "numbers" || what == "other file";
+        if (isEverything) watched.devices = {trashed.folders[0].device};
+        trashed.folders[0].device += 1000;
+        trashed.folders[0].inode += isEverything || what == "other volume" ? 1000U : 0U;
+        for (PlanMember& member : trashed.plan.groups[0].members) {
+            member.identity.device += 1000;
+            member.identity.inode += isEverything ? 1000U : 0U;
+            if (what == "other file") member.identity.modified += 1;
+        }
+        const auto outcome =
+            undoPlan(watched, trashed.variables, trashed.plan, trashed.folders, neverStoppedUndo);
+        const bool isBack = what == "volume" || what == "numbers";
+        EXPECT_EQ(outcome.restored.size(), isBack ? 2U : 0U);
+        EXPECT_EQ(isThere(trashed.tree.at("a/y")), isBack);
+        if (what == "other volume") {
+            ASSERT_EQ(outcome.left.size(), 2U);
+            EXPECT_EQ(outcome.left[0].reason, "another folder is where it was");
+            EXPECT_EQ(outcome.left[0].place, trashed.trash("files/x"));
+        }
+        EXPECT_EQ(
+            undoPlan(watched, trashed.variables, trashed.plan, trashed.folders, neverStoppedUndo)
+                .inPlace,
+            isBack ? 2U : 0U);
+    }
+    // The stick is out, and its folder was never on the volume above it.
+    TrashedTree out({"a/x"});
+    out.move({"a/x"});
+    ASSERT_EQ(::rename(out.tree.at("a").c_str(), out.tree.at("b").c_str()), 0);
+    std::filesystem::remove_all(out.trash("files"));
+    out.folders[0].device += 1000;
+    EXPECT_EQ(out.undo().left.at(0).reason, "the volume that it was on is not there");
+}
+
 // The number of a bundle that was deleted from the trash is another folder's by now.
 TEST(TrashUndo, AFolderWithTheNumberOfABundleStaysInTheTrash) {
     TrashedTree trashed({"a/x", "b/X.app/bin"});
     trashed.move({"a/x"});
+    const std::string record = "[Trash Info]\nPath=" + trashed.tree.at("b/X.app") + "\n";
     ASSERT_TRUE(trashed.tree.write("home/.local/share/Trash/files/private/s", "secret") &&
-                trashed.tree.write("home/.local/share/Trash/info/private.trashinfo", "") &&
-                trashed.tree.write("home/.local/share/Trash/info/X.app.trashinfo", ""));
+                trashed.tree.write("home/.local/share/Trash/info/private.trashinfo", record) &&
+                trashed.tree.write("home/.local/share/Trash/info/X.app.trashinfo", record));
     PlanMember bundle;
     bundle.path = trashed.tree.at("b/X.app");
     bundle.goes = true;
@@ -266,6 +348,7 @@ TEST(PlanHistory, GarbageCostsOneRemovalAlone) {
     ASSERT_TRUE(loaded) << loaded.error();
     ASSERT_EQ(loaded->folders.size(), 1U);
     EXPECT_EQ(loaded->folders[0].path, trashed.tree.at("a"));
+    EXPECT_EQ(loaded->folders[0].place, trashed.tree.at("a"));
     EXPECT_EQ(undoPlan(files, trashed.variables, loaded->plan, loaded->folders, neverStoppedUndo)
                   .restored.size(),
               1U);

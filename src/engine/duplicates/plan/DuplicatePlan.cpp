@@ -9,6 +9,7 @@
 #include <charconv>
 #include <functional>
 #include <unordered_set>
+#include <utility>
 
 #include "engine/base/Date.h"
 #include "engine/base/saturating.h"
@@ -144,12 +145,22 @@ std::optional<std::string> faultOfMember(const PlanMember& member, const PlanGro
 
 PlanSums sumsOf(const DuplicatePlan& plan) {
     PlanSums sums;
+    std::vector<const PlanMember*> going;
     for (const PlanGroup& group : plan.groups)
         for (const PlanMember& member : group.members) {
             if (!member.goes) continue;
             ++(member.identity.type == FileType::Folder ? sums.bundles : sums.files);
-            addSaturating(sums.bytes, member.size);
+            going.push_back(&member);
         }
+    // A file with several names counts once.
+    const auto fileOfMember = [](const PlanMember* member) {
+        return std::pair(member->identity.device, member->identity.inode);
+    };
+    std::ranges::sort(going, {}, fileOfMember);
+    for (std::size_t i = 0; i < going.size(); ++i)
+        if (i == 0 || going[i]->identity.inode == 0 ||
+            fileOfMember(going[i]) != fileOfMember(going[i - 1]))
+            addSaturating(sums.bytes, going[i]->size);
     return sums;
 }
 

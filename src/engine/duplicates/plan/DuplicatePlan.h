@@ -40,7 +40,7 @@ struct DuplicatePlan {
     std::vector<PlanGroup> groups;
 };
 
-/// How many copies a plan takes, and their bytes.
+/// How many copies a plan takes, and their bytes; those of a file with several names once.
 struct PlanSums {
     std::size_t files = 0;
     std::size_t bundles = 0;

@@ -43,6 +43,7 @@ std::string lineOfFolders(const std::vector<UndoFolder>& folders) {
     for (const UndoFolder& each : folders) {
         line += &each == folders.data() ? "{" : ", {";
         appendJsonPath(line, each.path);
+        appendJsonPath(line += ", ", each.place, "place", "placeHex");
         line += fmt::format(", \"device\": {}, \"inode\": {}}}", each.device, each.inode);
     }
     return line + "]}\n";
@@ -51,13 +52,15 @@ std::string lineOfFolders(const std::vector<UndoFolder>& folders) {
 bool takeUndoFolder(JsonReader& reader, UndoFolder& folder) {
     if (!reader.beginObject()) return false;
     while (const auto name = reader.nextMember()) {
-        if (*name == "path") folder.path = reader.text().value_or("");
+        const bool isHex = name->ends_with("Hex");
+        std::string& path = name->starts_with("path") ? folder.path : folder.place;
+        if (*name == "path" || *name == "place") path = reader.text().value_or("");
         else if (*name == "device") folder.device = reader.count().value_or(0);
         else if (*name == "inode") folder.inode = reader.count().value_or(0);
-        else if (*name == "pathHex") {
-            folder.path.clear();
-            if (!appendFromHex(folder.path, reader.text().value_or("?"))) return false;
-        } else return false;
+        else if (*name != "pathHex" && *name != "placeHex") return false;
+        if (!isHex) continue;
+        path.clear();
+        if (!appendFromHex(path, reader.text().value_or("?"))) return false;
     }
     return !reader.hasFailed();
 }
@@ -120,6 +123,12 @@ tl::expected<NotedRemoval, std::string> PlanHistory::load(const std::string& id)
     auto plan = parsePlan(all.substr(std::min(end + 1, all.size())));
     if (!plan) return tl::unexpected("its record is no good: " + plan.error());
     return NotedRemoval{id, std::move(*plan), std::move(*folders)};
+}
+
+void PlanHistory::forget(const std::string& id) const {
+    if (isHistoryId(id))
+        static_cast<void>(
+            DurableFile::remove(joinPath(m_folder, id + std::string(historyExtension))));
 }
 
 bool PlanHistory::clear() const {

@@ -37,6 +37,9 @@ public:
     /// Why not, in words: there is none, or its file is damaged, which concerns no other.
     [[nodiscard]] tl::expected<NotedRemoval, std::string> load(const std::string& id) const;
 
+    /// Forgets one of which nothing moved.
+    void forget(const std::string& id) const;
+
     /// Forgets all of them; what lies in the trash stays there. False when one stayed.
     [[nodiscard]] bool clear() const;
 

@@ -172,7 +172,12 @@ void PlanRemoval::settled(std::size_t index, const RemovalResult& result) {
     else if (result.removed > 0 || !result.failures.empty())
         account = {result.removed > 0 ? As::Partly : As::Stayed,
                    result.failures.empty() ? std::string() : result.failures.front().reason};
-    if (account.as == As::Gone && !result.changed) addSaturating(m_gained, m_plan->bytes(index));
+    m_isAnyAway = m_isAnyAway || result.removed > 0 ||
+                  (!result.failures.empty() && result.failures.front().kind == StayReason::Aside);
+    const auto identity = m_plan->identity(index);
+    const bool isLastName =
+        result.moved ? m_moved.emplace(identity->device, identity->inode).second : !result.changed;
+    if (account.as == As::Gone && isLastName) addSaturating(m_gained, m_plan->bytes(index));
     if (account.as == As::Partly) addSaturating(m_gained, result.bytes.value_or(0));
     m_plan->settled(index, result);
 }

@@ -96,7 +96,10 @@ public:
         std::string reason;  ///< why it stayed, or its rest; empty for a rest after a stop
     };
     [[nodiscard]] const std::vector<Settled>& account() const { return m_account; }
-    /// Bytes that went with the last name of their file, those of a part of a bundle as well.
+    /// Nothing went, and nothing is in the trash that could not be given back.
+    [[nodiscard]] bool isUntouched() const { return !m_isAnyAway; }
+    /// Bytes that went with the last name of their file, or are in the trash, those of a part of a
+    /// bundle as well.
     [[nodiscard]] std::uint64_t gained() const { return m_gained; }
 
 private:
@@ -115,7 +118,9 @@ private:
     std::optional<GuardedFolders> m_guarded;  // both as they are when the turn has come
     std::optional<GuardedFolders> m_bundles;
     std::vector<Settled> m_account;
+    std::set<std::pair<std::uint64_t, std::uint64_t>> m_moved;  // entries, to count each once
     std::uint64_t m_gained = 0;
+    bool m_isAnyAway = false;
 };
 
 }  // namespace orrinvale

@@ -1,5 +1,6 @@
-// A move leaves an entry its number, size and time, and by these it is found again among what lies
-// in the trash, whatever name it has there and whoever moved it.
+// A move leaves an entry its number, size and time. By these it is found again among what lies in
+// the trash, whatever name it has there, and its record tells that it belongs where the plan had
+// it.
 #include "engine/duplicates/plan/TrashUndo.h"
 
 #include <algorithm>
@@ -7,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <set>
+#include <utility>
 
 #include "engine/duplicates/BundleListing.h"
 #include "engine/files/HeldEntry.h"
@@ -23,7 +25,8 @@ using EntryKey = std::pair<std::uint64_t, std::uint64_t>;  // device, inode
 
 // What a move changes is left out.
 bool isTheSame(const EntryIdentity& identity, const FileAttributes& now) {
-    if (identity.device != now.device || identity.inode != now.inode || identity.type != now.type)
+    if (identity.type != now.type) return false;
+    if (!identity.inodePasses && (identity.device != now.device || identity.inode != now.inode))
         return false;
     return identity.type != FileType::Regular ||
            (identity.size == now.size && identity.modified == now.modified);
@@ -41,7 +44,9 @@ class UndoRun final {
 public:
     UndoRun(const FileSystem& files, const FolderVariables& variables,
             const std::vector<UndoFolder>& folders)
-        : m_files(files), m_trash(files, m_none, variables) {
+        : m_files(files),
+          m_passing(files.devicesOfPassingInodes()),
+          m_trash(files, m_none, variables) {
         for (const UndoFolder& each : folders) m_folders.emplace(each.path, each);
     }
 
@@ -51,18 +56,38 @@ private:
     struct Found {
         const TrashFolder* trash;
         TrashFolder::Trashed entry;
+        bool isBack = false;
     };
     struct Target {
         Descriptor folder;
-        std::string fault;  // why nothing can come back to it
+        std::string fault;             // why nothing can come back to it
+        std::string place;             // of the folder, as records have it
+        std::uint64_t deviceThen = 0;  // of its volume
+        std::uint64_t deviceNow = 0;
+    };
+    /// What there is of an entry in the trash.
+    struct Choice {
+        Found* found = nullptr;
+        std::string objection;  // why it is not that entry after all
     };
     const Target& targetOf(const std::string& folder);
+    void openTarget(const std::string& folder, Target& target);
     void learnTrashes(const std::string& folder);
-    using Place = std::multimap<EntryKey, Found>::iterator;
-    [[nodiscard]] Place foundOf(const PlanMember& member);
-    [[nodiscard]] bool isThat(const PlanMember& member, const Found& found) const;
+    void learnOrigins();
+    [[nodiscard]] bool inodesPass(std::uint64_t device) const;
+    [[nodiscard]] EntryIdentity identityNow(const PlanMember& member, const Target& target) const;
+    [[nodiscard]] bool isThat(const PlanMember& member, const EntryIdentity& identity,
+                              const Found& found) const;
+    [[nodiscard]] Choice choiceByNumber(const PlanMember& member, const EntryIdentity& identity,
+                                        const std::string& place);
+    [[nodiscard]] Choice choiceByRecord(const PlanMember& member, const EntryIdentity& identity,
+                                        const std::string& place);
+    [[nodiscard]] bool isInPlace(const Target& target, const std::string& name,
+                                 const EntryIdentity& identity) const;
+    [[nodiscard]] static std::string reasonOfMissing(const Target& target);
 
     const FileSystem& m_files;
+    const std::vector<std::uint64_t> m_passing;
     const ProtectedPlaces m_none;
     const Trash m_trash;
     std::map<std::string, UndoFolder> m_folders;
@@ -71,6 +96,8 @@ private:
     std::set<std::uint64_t> m_askedDevices;
     std::vector<std::unique_ptr<TrashFolder>> m_trashes;
     std::multimap<EntryKey, Found> m_found;
+    std::multimap<std::string, Found*> m_byOrigin;  // where numbers do not last
+    std::size_t m_originsKnown = 0;                 // trashes
 };
 
 // Each volume once, by a folder of it.
@@ -84,79 +111,143 @@ void UndoRun::learnTrashes(const std::string& folder) {
         if (!listed) continue;
         for (const auto& entry : *listed)
             m_found.emplace(EntryKey{entry.attributes.device, entry.attributes.inode},
-                            Found{m_trashes.back().get(), entry});
+                            Found{m_trashes.back().get(), entry, false});
     }
+}
+
+bool UndoRun::inodesPass(std::uint64_t device) const {
+    return std::ranges::binary_search(m_passing, device);
 }
 
 const UndoRun::Target& UndoRun::targetOf(const std::string& folder) {
     const auto [place, isNew] = m_targets.try_emplace(folder);
-    Target& target = place->second;
-    if (!isNew) return target;
+    if (isNew) openTarget(folder, place->second);
+    return place->second;
+}
+
+// A volume gets another number with a restart, or when it is plugged in again, while its folders
+// keep theirs. Where these do not last either the path is all there is.
+void UndoRun::openTarget(const std::string& folder, Target& target) {
     const auto was = m_folders.find(folder);
     auto held = HeldEntry::holdParentOf(m_files, joinPath(folder, "x"));
     const auto now = held ? m_files.attributes(held->get()) : tl::unexpected(held.error());
     if (!now)
         target.fault = now.error() == ENOENT ? "the folder that it was in is gone"
                                              : systemError("open", {}, now.error()).reason();
-    else if (was == m_folders.end() || was->second.device != now->device ||
-             was->second.inode != now->inode)
+    else if (was == m_folders.end() || was->second.inode == 0 ||
+             (was->second.inode != now->inode && !inodesPass(now->device)))
         target.fault = "another folder is where it was";
     else target.folder = std::move(*held);
     const std::string standing = standingAbove(m_files, folder);
     const auto seen = m_files.attributes(FileSystem::noParent, standing.c_str(), Links::Follow);
-    if (m_askedDevices.insert(seen ? seen->device : 0).second) learnTrashes(standing);
-    return target;
+    target.deviceNow = seen ? seen->device : 0;
+    if (was != m_folders.end()) {
+        target.deviceThen = was->second.device;
+        target.place = was->second.place;
+    }
+    if (target.place.empty()) target.place = folder;
+    if (m_askedDevices.insert(target.deviceNow).second) learnTrashes(standing);
+}
+
+// What the plan's entry has to look like today.
+EntryIdentity UndoRun::identityNow(const PlanMember& member, const Target& target) const {
+    EntryIdentity identity = member.identity;
+    if (identity.device == target.deviceThen) identity.device = target.deviceNow;
+    identity.learnPassing(m_passing);
+    return identity;
 }
 
 // The number of a folder that was removed for good is given to the next one: a bundle is known by
 // what it holds.
-bool UndoRun::isThat(const PlanMember& member, const Found& found) const {
-    if (!isTheSame(member.identity, found.entry.attributes)) return false;
+bool UndoRun::isThat(const PlanMember& member, const EntryIdentity& identity,
+                     const Found& found) const {
+    if (!isTheSame(identity, found.entry.attributes)) return false;
     if (member.identity.type != FileType::Folder) return true;
-    const auto passing = m_files.devicesOfPassingInodes();
     const std::atomic<bool> never{false};
     const auto now =
-        listBundle(m_files, found.trash->placeOf(found.entry.name), {passing, false}, never);
+        listBundle(m_files, found.trash->placeOf(found.entry.name), {m_passing, false}, never);
     return now && now->digest == member.listing;
 }
 
-// Of a file with several names any of those in the trash: they are one file, and each comes back
-// once.
-UndoRun::Place UndoRun::foundOf(const PlanMember& member) {
-    const auto [begin, end] = m_found.equal_range({member.identity.device, member.identity.inode});
-    const auto found =
-        std::find_if(begin, end, [&](const auto& each) { return isThat(member, each.second); });
-    return found == end ? m_found.end() : found;
+// Of a file with several names each has a record of its own.
+UndoRun::Choice UndoRun::choiceByNumber(const PlanMember& member, const EntryIdentity& identity,
+                                        const std::string& place) {
+    Choice choice;
+    const auto [begin, end] = m_found.equal_range({identity.device, identity.inode});
+    for (auto each = begin; each != end; ++each) {
+        Found& found = each->second;
+        if (found.isBack || !isThat(member, identity, found)) continue;
+        const auto origin = found.trash->origin(found.entry.name);
+        if (origin == place) return {&found, {}};
+        choice = {&found, origin ? "by the trash's record it was elsewhere"
+                                 : "the trash has no record of it any more"};
+    }
+    return choice;
+}
+
+void UndoRun::learnOrigins() {
+    for (auto& [key, found] : m_found)
+        if (inodesPass(found.entry.attributes.device))
+            if (auto origin = found.trash->origin(found.entry.name))
+                m_byOrigin.emplace(std::move(*origin), &found);
+}
+
+UndoRun::Choice UndoRun::choiceByRecord(const PlanMember& member, const EntryIdentity& identity,
+                                        const std::string& place) {
+    if (m_originsKnown != m_trashes.size()) {
+        m_byOrigin.clear();
+        learnOrigins();
+        m_originsKnown = m_trashes.size();
+    }
+    const auto [begin, end] = m_byOrigin.equal_range(place);
+    for (auto each = begin; each != end; ++each)
+        if (!each->second->isBack && isThat(member, identity, *each->second))
+            return {each->second, {}};
+    return {};
+}
+
+// It never went, whatever was written to it since; or it is back already.
+bool UndoRun::isInPlace(const Target& target, const std::string& name,
+                        const EntryIdentity& identity) const {
+    if (!target.folder.isOpen()) return false;
+    const auto now = m_files.attributes(target.folder.get(), name.c_str(), Links::Keep);
+    if (!now) return false;
+    return identity.inodePasses ? isTheSame(identity, *now)
+                                : now->device == identity.device && now->inode == identity.inode;
+}
+
+std::string UndoRun::reasonOfMissing(const Target& target) {
+    if (target.folder.isOpen()) return "it is not in the trash any more";
+    if (target.deviceThen != 0 && target.deviceThen != target.deviceNow)
+        return "the volume that it was on is not there";
+    return target.fault + ", and it is not in the trash";
 }
 
 void UndoRun::bringBack(const PlanMember& member, UndoOutcome& outcome) {
     const Target& target = targetOf(folderOf(member.path));
     const std::string name(lastPathComponent(member.path));
-    if (target.folder.isOpen()) {
-        const auto now = m_files.attributes(target.folder.get(), name.c_str(), Links::Keep);
-        if (now && now->device == member.identity.device && now->inode == member.identity.inode) {
-            ++outcome.inPlace;  // never went, whatever was written to it since
-            return;
-        }
-    }
-    const auto found = foundOf(member);
-    if (found == m_found.end()) {
-        outcome.left.push_back({member.path,
-                                {},
-                                target.fault.empty()
-                                    ? "it is not in the trash any more"
-                                    : target.fault + ", and it is not in the trash"});
+    const std::string place = joinPath(target.place, name);
+    const EntryIdentity identity = identityNow(member, target);
+    Choice choice = identity.inodePasses ? choiceByRecord(member, identity, place)
+                                         : choiceByNumber(member, identity, place);
+    const bool isThere = choice.found != nullptr && choice.objection.empty();
+    if (!isThere && isInPlace(target, name, identity)) {
+        ++outcome.inPlace;
         return;
     }
-    const auto& [trash, entry] = found->second;
-    auto why = target.folder.isOpen() ? trash->giveBack(entry, target.folder.get(), name)
-                                      : std::optional(target.fault);
-    if (why) {
-        outcome.left.push_back({member.path, trash->placeOf(entry.name), std::move(*why)});
+    if (choice.found == nullptr) {
+        outcome.left.push_back({member.path, {}, reasonOfMissing(target)});
         return;
     }
-    outcome.restored.push_back(member.path);
-    m_found.erase(found);
+    const auto& [trash, entry, isBack] = *choice.found;
+    if (choice.objection.empty() && !target.folder.isOpen()) choice.objection = target.fault;
+    if (choice.objection.empty())
+        choice.objection = trash->giveBack(entry, target.folder.get(), name).value_or("");
+    choice.found->isBack = choice.objection.empty();
+    if (isBack) outcome.restored.push_back(member.path);
+    else
+        outcome.left.push_back(
+            {member.path, trash->placeOf(entry.name), std::move(choice.objection)});
 }
 
 }  // namespace
@@ -170,8 +261,11 @@ std::vector<UndoFolder> foldersOf(const FileSystem& files, const DuplicatePlan& 
             if (!isNew) continue;
             const auto seen =
                 files.attributes(FileSystem::noParent, place->first.c_str(), Links::Follow);
-            if (seen) place->second = {place->first, seen->device, seen->inode};
-            else place->second.path = place->first;
+            place->second.path = place->first;
+            place->second.place = files.resolved(place->first).value_or(place->first);
+            if (!seen) continue;
+            place->second.device = seen->device;
+            place->second.inode = seen->inode;
         }
     std::vector<UndoFolder> list;
     for (auto& each : folders) list.push_back(std::move(each.second));

@@ -17,6 +17,7 @@ namespace orrinvale {
 /// A folder as it was before something left it.
 struct UndoFolder {
     std::string path;
+    std::string place;  ///< the path without links, which the trash's records have
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
 };
@@ -37,8 +38,10 @@ struct UndoOutcome {
 };
 
 /// Each entry that the plan let go and that is in a trash gets its own name back in the folder that
-/// it was in, known by its number, never over anything. A rename: times, modes and links are what
-/// they were. On the calling thread; `stop` is looked at before each entry.
+/// it was in, never over anything. Folder and entry are known by their numbers, whatever number
+/// their volume has by now, and the entry by its record in the trash besides; where numbers do not
+/// last the record, size and time tell. A rename: times, modes and links are what they were. On the
+/// calling thread; `stop` is looked at before each entry.
 [[nodiscard]] UndoOutcome undoPlan(const FileSystem& files, const FolderVariables& variables,
                                    const DuplicatePlan& plan,
                                    const std::vector<UndoFolder>& folders,
