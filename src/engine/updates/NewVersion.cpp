@@ -19,7 +19,8 @@ std::int64_t numberOfVersion(const PropertyList* description) {
 }  // namespace
 
 std::optional<NewVersion> takeNewVersion(PropertyList* description, std::int64_t localNumber) {
-    NewVersion found{.number = numberOfVersion(description), .version = {}, .lines = {}, .values = {}};
+    NewVersion found{
+        .number = numberOfVersion(description), .version = {}, .lines = {}, .values = {}};
     if (found.number <= localNumber) return std::nullopt;
     found.version = description->stringForKey(versionKey).value_or(missingText);
     description->removeObjectForKey(numberKey);
