@@ -163,7 +163,8 @@ std::string foundWith(const SearchRequest& request) {
 TEST(ScopeOfMounts, ProtectionHoldsThroughOtherMounts) {
     withOwnMounts([] {
         return amongMounts([](TestTree& tree) -> std::string {
-            for (const char* name : {"p/in/X.app/1", "p/in/2", "q/Y.app/1", "q/2"})
+            for (const char* name :
+                 {"p/in/X.app/1", "p/in/X.app/k/1", "p/in/2", "q/Y.app/1", "q/Y.app/k/1", "q/2"})
                 if (!tree.write(name, "same")) return "not written";
             if (!bindMount(tree.at("p/in"), "/mnt/b")) return "skip: no mounts here";
             SearchRequest request{{"/mnt/b", tree.at("q"), tree.at("p")}};
@@ -175,7 +176,13 @@ TEST(ScopeOfMounts, ProtectionHoldsThroughOtherMounts) {
             if (!mountRam("/mnt/c") || !bindMount(tree.at("p"), "/mnt/c")) return "no mount";
             request.roots = {"/mnt/c/in", tree.at("q")};
             const std::string above = foundWith(request);
-            return above.find("X.app! ") != std::string::npos ? "" : above;
+            if (above.find("X.app! ") == std::string::npos) return above;
+            // A bundle that holds one.
+            request.roots = {"/mnt/b", tree.at("q")};
+            request.protectedFolders = {tree.at("p/in/X.app/k")};
+            const std::string holding = foundWith(request);
+            const bool isAllElse = std::ranges::count(holding, '!') == 1;
+            return isAllElse && holding.find("X.app! ") != std::string::npos ? "" : holding;
         });
     });
 }
@@ -222,6 +229,15 @@ TEST(ScopeOfMounts, FoldersThatLieInEachOtherAreSearched) {
             return std::ranges::count(found, ' ') == 2 ? "" : "found " + found;
         });
     });
+}
+
+// A search of all enters nothing of the kernel's by itself.
+TEST(SearchRoots, WhatAnotherSearchDoesNotEnterIsSearchedByItself) {
+    const LinuxFileSystem real;
+    const SearchFilter filter;
+    const auto found = findRoots(real, {"/", "/proc/sys"}, {filter, true, true});
+    EXPECT_EQ(found.roots, (Strings{"/", "/proc/sys"}));
+    EXPECT_TRUE(found.covered.empty());
 }
 
 TEST(ScopeOfMounts, AnEntryThroughTwoMountsCountsOnce) {

@@ -1,10 +1,8 @@
 // PlanRemoval: a plan as a list for the program's one removal, which trusts nothing that it says.
 #pragma once
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -14,57 +12,10 @@
 
 #include "engine/duplicates/plan/DuplicatePlan.h"
 #include "engine/duplicates/results/RemovalPlan.h"
+#include "engine/duplicates/scope/ProtectedFolders.h"
 #include "engine/removal/RemovalList.h"
 
 namespace orrinvale {
-
-/// What stands above some places, by numbers, which a second mount does not change. One thread.
-class FoldersAbove final {
-public:
-    /// All folders above the place at this path without links; each is asked for once.
-    void add(const FileSystem& files, const std::string& place);
-    [[nodiscard]] bool contains(const FileAttributes& entry) const {
-        return m_entries.contains({entry.device, entry.inode});
-    }
-
-private:
-    std::set<std::string> m_known;
-    std::set<std::pair<std::uint64_t, std::uint64_t>> m_entries;  // devices and inodes
-};
-
-/// Folders of which nothing goes: each known by its path, by the path without links, and by what it
-/// is, so that neither a link nor a second mount leads around it, nor around the folders above it.
-/// Also where numbers need not last: one that is met by chance makes an entry stay. One thread.
-class GuardedFolders final {
-public:
-    /// The file system outlives the object.
-    GuardedFolders(const FileSystem& files, const std::vector<std::string>& folders);
-
-    [[nodiscard]] bool empty() const { return m_guarded.empty(); }
-    /// Whether the entry at this absolute path lies in one of them, is one, or holds one.
-    [[nodiscard]] bool covers(const std::string& path);
-    /// The path without links on the way to its last component.
-    [[nodiscard]] std::string realPlace(const std::string& path);
-
-private:
-    struct Folder {
-        std::string real;
-        bool isCovered = false;
-    };
-    [[nodiscard]] const Folder& look(const std::string& folder);
-    [[nodiscard]] bool isGuarded(const FileAttributes& entry) const {
-        return m_entries.contains({entry.device, entry.inode});
-    }
-    [[nodiscard]] bool isBelowGuarded(std::string folder) const;
-    [[nodiscard]] bool isByName(const std::string& path) const;
-
-    const FileSystem& m_files;
-    std::set<std::string> m_guarded;  // paths, as they were given and without links
-    std::set<std::pair<std::uint64_t, std::uint64_t>> m_entries;  // devices and inodes of the same
-    FoldersAbove m_above;
-    std::map<std::string, Folder> m_known;          // of the folders that were asked about lately
-    std::chrono::steady_clock::time_point m_asked;  // since when they are known
-};
 
 /// Every entry that goes has a copy that stays by the plan, compared byte by byte when its turn
 /// comes. Protected folders of the plan, bundles that stay, and what stays under another path are
@@ -115,8 +66,8 @@ private:
     std::set<std::string> m_stayingPlaces;  // the same without links
     FoldersAbove m_aboveStaying;
     std::set<std::pair<std::uint64_t, std::uint64_t>> m_stayingEntries;  // devices and inodes
-    std::optional<GuardedFolders> m_guarded;  // both as they are when the turn has come
-    std::optional<GuardedFolders> m_bundles;
+    std::optional<ProtectedFolders> m_guarded;  // both as they are when the turn has come
+    std::optional<ProtectedFolders> m_bundles;
     std::vector<Settled> m_account;
     std::set<std::pair<std::uint64_t, std::uint64_t>> m_moved;  // entries, to count each once
     std::uint64_t m_gained = 0;

@@ -46,12 +46,16 @@ std::optional<std::string> wayFrom(const FileSystem& files, const AskedRoot& oth
     return std::nullopt;
 }
 
-// Whether a search of the other folder may leave out what lies that way.
+// Whether a search of the other folder may leave out the one that lies that way.
 bool mayLeaveOut(const FileSystem& files, const RootWalk& walk, const AskedRoot& other,
-                 std::string_view way) {
+                 const AskedRoot& root, std::string_view way) {
     if (!walk.hidden && (hasHiddenComponent(other.path) || hasHiddenComponent(way))) return true;
     if (way.empty()) return false;
     if (walk.filter.leavesOutPaths()) return true;
+    // The kernel's own are entered by nobody who was not sent there.
+    if (root.seen.device != other.seen.device &&
+        std::ranges::binary_search(files.kernelDevices(), root.seen.device))
+        return true;
     if (!walk.systemFolders && other.path == "/" && isSystemFolder(way)) return true;
     std::string at = other.real;
     for (std::string_view name = nextComponent(way); !way.empty(); name = nextComponent(way)) {
@@ -69,7 +73,7 @@ void dropCovered(const FileSystem& files, const RootWalk& walk, std::vector<Aske
             if (&other == &root || other.by != nullptr) continue;
             const auto way = wayFrom(files, other, root);
             if (!way || (way->empty() && &other > &root)) continue;
-            if (mayLeaveOut(files, walk, other, *way)) {
+            if (mayLeaveOut(files, walk, other, root, *way)) {
                 root.isLast = true;
                 continue;
             }
