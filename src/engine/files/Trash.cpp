@@ -51,55 +51,108 @@ tl::expected<std::string, std::string> Trash::move(
 
 tl::expected<std::string, std::string> Trash::move(const HeldEntry& held,
                                                    const TrashFolder::LastLook& lastLook,
-                                                   OpenHome* open) const {
-    OpenHome ofThisOne;
-    auto result = moveHeld(held, lastLook, open != nullptr ? *open : ofThisOne);
+                                                   Series* series) const {
+    using Records = TrashFolder::Records;
+    Series ofThisOne;
+    auto result = series != nullptr ? moveHeld(held, lastLook, *series, Records::Later)
+                                    : moveHeld(held, lastLook, ofThisOne, Records::Now);
     if (Log::isEnabled())
         Log::line(result ? fmt::format("Moved to the trash {} ({})", held.path, *result)
                          : fmt::format("Not moved to the trash {}: {}", held.path, result.error()));
     return result;
 }
 
+// What is known of the folder that the entry leaves, or why nothing can be.
+std::optional<std::string> Trash::enter(const HeldEntry& held, Series& series) const {
+    constexpr std::chrono::milliseconds answersLast{100};
+    if (const auto now = std::chrono::steady_clock::now(); now - series.m_known >= answersLast) {
+        series.m_home.reset();
+        series.m_parent.reset();
+        series.m_known = now;
+    }
+    if (series.m_parent && series.m_parent->get() == held.parent.get()) return std::nullopt;
+    series.m_parent.reset();
+    series.m_ofVolume.reset();
+    const auto place = m_files.placeOf(held.parent.get());
+    if (!place) return reasonOf(place.error());
+    const auto seen = m_files.attributes(held.parent.get());
+    if (!seen) return reasonOf(seen.error());
+    const std::string home = homeTrash();
+    series.m_isOnHome = !home.empty() && isOnVolumeOf(held, home);
+    series.m_from = {*place, *seen};
+    series.m_parent = held.parent;
+    return std::nullopt;
+}
+
 tl::expected<std::string, std::string> Trash::moveHeld(const HeldEntry& held,
                                                        const TrashFolder::LastLook& lastLook,
-                                                       OpenHome& open) const {
-    const auto folder = m_files.placeOf(held.parent.get());
-    if (!folder) return tl::unexpected(reasonOf(folder.error()));
-    const std::string place = joinPath(*folder, held.name);
-    std::string reason;
-    // Moves it, unless this trash can not be had or is on another volume after all, as between
-    // parts of one that count as volumes.
-    const auto takeTo =
-        [&](const TrashFolder& trash) -> std::optional<tl::expected<std::string, std::string>> {
-        auto taken = trash.take(held, place, lastLook);
-        if (taken) return std::move(*taken);
+                                                       Series& series,
+                                                       TrashFolder::Records records) const {
+    if (auto why = enter(held, series)) return tl::unexpected(std::move(*why));
+    // Moves it, unless this trash is on another volume after all, as between parts of one that
+    // count as volumes.
+    const TakeTo takeTo =
+        [&](const TrashFolder& trash,
+            std::string& reason) -> std::optional<tl::expected<std::string, std::string>> {
+        auto taken = trash.take(held, series.m_from, lastLook, records);
+        if (taken) {
+            if (records == TrashFolder::Records::Later &&
+                !series.m_unsynced.contains(series.m_from.attributes.device))
+                if (auto folder = trash.holdRecords())
+                    series.m_unsynced.emplace(series.m_from.attributes.device, std::move(*folder));
+            return std::move(*taken);
+        }
         if (!taken.error().isElsewhere) return tl::unexpected(taken.error().reason);
         if (reason.empty()) reason = taken.error().reason;
         return std::nullopt;
     };
-    const auto take = [&](const Found& trash) {
-        if (trash) return takeTo(*trash);
-        if (reason.empty()) reason = trash.error();
-        return decltype(takeTo(*trash)){};
-    };
-    if (const std::string home = homeTrash(); !home.empty() && isOnVolumeOf(held, home))
-        if (const TrashFolder* const trash = openHome(open, reason))
-            if (auto result = takeTo(*trash)) {
-                if (!*result) open.trash.reset();  // it may be another one by now
+    std::string reason;
+    if (series.m_isOnHome)
+        if (const TrashFolder* const trash = openHome(series, reason))
+            if (auto result = takeTo(*trash, reason)) {
+                if (!*result) series.m_home.reset();  // it may be another one by now
                 return *result;
             }
+    return moveOnVolume(held, series, std::move(reason), takeTo);
+}
+
+// Administrators make the shared trash, and where it does not serve it says nothing about the
+// user's own. A shared one that is not safe is a thing for the administrator to know.
+tl::expected<std::string, std::string> Trash::moveOnVolume(const HeldEntry& held, Series& series,
+                                                           std::string reason,
+                                                           const TakeTo& takeTo) const {
+    if (auto known = std::exchange(series.m_ofVolume, std::nullopt))
+        if (auto result = takeTo(*known, reason)) {
+            if (*result) series.m_ofVolume.emplace(std::move(*known));
+            return *result;
+        }
+    const auto take = [&](Found trash) -> std::optional<tl::expected<std::string, std::string>> {
+        if (!trash) {
+            if (reason.empty()) reason = trash.error();
+            return std::nullopt;
+        }
+        auto result = takeTo(*trash, reason);
+        if (result && *result) series.m_ofVolume.emplace(std::move(*trash));
+        return result;
+    };
     const auto root = rootOfVolume(held);
     if (!root) return tl::unexpected(reasonOf(root.error()));
-    // Administrators make the shared one, and where it does not serve it says nothing about the
-    // user's own. A shared one that is not safe is a thing for the administrator to know.
     if (auto shared = openShared(root->get()); shared) {
-        if (auto result = take(shared)) return *result;
+        if (auto result = take(std::move(shared))) return *result;
     } else if (m_files.attributes(root->get(), ".Trash", Links::Keep)) {
         Log::line(fmt::format("The shared trash on the volume of {} is not used: {}", held.path,
                               shared.error()));
     }
     if (auto result = take(openOwn(root->get()))) return *result;
     return tl::unexpected("no trash on its volume: " + reason);
+}
+
+void Trash::Series::sync() {
+    for (const auto& [device, folder] : m_unsynced)
+        if (::syncfs(folder.get()) != 0)
+            Log::line(fmt::format("Records of the trash may not be on the disk: {}",
+                                  systemError("sync", {}, errno).reason()));
+    m_unsynced.clear();
 }
 
 std::vector<TrashFolder> Trash::trashesOf(const std::string& folder) const {
@@ -207,19 +260,14 @@ Trash::Found Trash::openHome() const {
 }
 
 // Null, with the reason, where there is none.
-const TrashFolder* Trash::openHome(OpenHome& open, std::string& reason) const {
-    constexpr std::chrono::milliseconds trashesLast{100};
-    const auto now = std::chrono::steady_clock::now();
-    if (open.trash && now - open.opened < trashesLast) return &*open.trash;
-    open.trash.reset();
+const TrashFolder* Trash::openHome(Series& series, std::string& reason) const {
+    if (series.m_home) return &*series.m_home;
     auto home = openHome();
     if (!home) {
         reason = home.error();
         return nullptr;
     }
-    open.trash.emplace(std::move(*home));
-    open.opened = now;
-    return &*open.trash;
+    return &series.m_home.emplace(std::move(*home));
 }
 
 // "$topdir/.Trash" is for all users only with the sticky bit; a link there may lead anywhere.

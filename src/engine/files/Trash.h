@@ -3,6 +3,9 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
+#include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <tl/expected.hpp>
@@ -31,18 +34,32 @@ public:
     [[nodiscard]] tl::expected<std::string, std::string> move(
         const std::string& path, const std::optional<EntryIdentity>& expected = std::nullopt) const;
 
-    /// The trash of the home folder, open for many moves, and opened anew after a tenth of a
-    /// second. One thread.
-    struct OpenHome {
-        std::optional<TrashFolder> trash;
-        std::chrono::steady_clock::time_point opened;
+    /// Moves one after another: what they have in common is asked once, and anew after a tenth of a
+    /// second, and their records are made durable together. One thread.
+    class Series final {
+    public:
+        /// Makes the records of all that was moved durable, which may wait for a slow disk. Until
+        /// then an entry may lose its record when the power goes, so that whoever moves many has to
+        /// know where they were.
+        void sync();
+        /// The folder that the last entry left.
+        [[nodiscard]] const FileAttributes& folder() const { return m_from.attributes; }
+
+    private:
+        friend class Trash;
+        std::optional<TrashFolder> m_home;
+        std::chrono::steady_clock::time_point m_known;  // since when all of this is known
+        std::optional<SharedFolder> m_parent;   // held, so that no other folder gets its descriptor
+        TrashFolder::Leaving m_from;            // the same
+        bool m_isOnHome = false;                // it is on the volume of the home folder's trash
+        std::optional<TrashFolder> m_ofVolume;  // that took the last entry, else
+        std::map<std::uint64_t, Descriptor> m_unsynced;  // folders of records, by device
     };
 
-    /// The same for an entry that is held already. `open`, which may be null, serves entry after
-    /// entry.
+    /// The same for an entry that is held already, alone or in a series, which may be null.
     [[nodiscard]] tl::expected<std::string, std::string> move(
         const HeldEntry& held, const TrashFolder::LastLook& lastLook = {},
-        OpenHome* open = nullptr) const;
+        Series* series = nullptr) const;
 
     /// The trashes that entries of a folder go to, those that are there; nothing is made.
     [[nodiscard]] std::vector<TrashFolder> trashesOf(const std::string& folder) const;
@@ -53,16 +70,25 @@ public:
 
 private:
     using Found = tl::expected<TrashFolder, std::string>;
+    /// The answer of a trash; nothing, with the reason where there is none yet, for another one.
+    using TakeTo = std::function<std::optional<tl::expected<std::string, std::string>>(
+        const TrashFolder&, std::string& reason)>;
 
     [[nodiscard]] tl::expected<std::string, std::string> moveHeld(
-        const HeldEntry& held, const TrashFolder::LastLook& lastLook, OpenHome& open) const;
+        const HeldEntry& held, const TrashFolder::LastLook& lastLook, Series& series,
+        TrashFolder::Records records) const;
+    [[nodiscard]] std::optional<std::string> enter(const HeldEntry& held, Series& series) const;
+    [[nodiscard]] tl::expected<std::string, std::string> moveOnVolume(const HeldEntry& held,
+                                                                      Series& series,
+                                                                      std::string reason,
+                                                                      const TakeTo& takeTo) const;
     [[nodiscard]] std::string homeTrash() const;
     [[nodiscard]] bool isOnVolumeOf(const HeldEntry& held, std::string folder) const;
     [[nodiscard]] SysResult<Descriptor> rootOfVolume(const HeldEntry& held) const;
     [[nodiscard]] std::optional<std::string> objectionToHome(std::string folder) const;
     [[nodiscard]] std::optional<std::string> objectionToVolume(int root) const;
     [[nodiscard]] Found openHome() const;
-    [[nodiscard]] const TrashFolder* openHome(OpenHome& open, std::string& reason) const;
+    [[nodiscard]] const TrashFolder* openHome(Series& series, std::string& reason) const;
     [[nodiscard]] Found openShared(int root) const;
     [[nodiscard]] Found openOwn(int root) const;
 

@@ -43,11 +43,6 @@ bool isSame(const FileAttributes& a, const FileAttributes& b) {
     return a.device == b.device && a.inode == b.inode && a.type == b.type;
 }
 
-bool isSame(const FileSystem& files, int folder, const FileAttributes& entry) {
-    const auto seen = files.attributes(folder);
-    return seen && isSame(*seen, entry);
-}
-
 SysResult<Descriptor> openMade(const FileSystem& files, int parent, const char* name) {
     if (::mkdirat(parent, name, 0700) != 0 && errno != EEXIST) return tl::unexpected(errno);
     return files.openInside(parent, name);
@@ -83,21 +78,28 @@ tl::expected<TrashFolder, std::string> TrashFolder::open(const FileSystem& files
         if (!made) return tl::unexpected(std::move(made.error()));
         *folder = std::move(*made);
     }
+    const auto entries = files.attributes(trash.m_entries.get());
+    const auto records = files.attributes(trash.m_records.get());
+    if (!entries || !records)
+        return tl::unexpected(folderReason(!entries ? entries.error() : records.error()));
+    trash.m_entriesSeen = *entries;
+    trash.m_recordsSeen = *records;
     return trash;
 }
 
-tl::expected<std::string, Failure> TrashFolder::take(const HeldEntry& held,
-                                                     const std::string& place,
-                                                     const LastLook& lastLook) const {
-    if (auto reason = objection(held)) return tl::unexpected(Failure{std::move(*reason)});
+tl::expected<std::string, Failure> TrashFolder::take(const HeldEntry& held, const Leaving& from,
+                                                     const LastLook& lastLook,
+                                                     Records records) const {
+    if (auto reason = objection(held, from.attributes))
+        return tl::unexpected(Failure{std::move(*reason)});
     const auto entry = m_files->holdEntry(held.parent.get(), held.name.c_str());
     const auto now = entry ? m_files->attributes(entry->get()) : tl::unexpected(entry.error());
     if (!now) return tl::unexpected(Failure{folderReason(now.error())});
     if (!isSame(*now, held.attributes)) return tl::unexpected(Failure{std::string(replacedReason)});
-    const std::string record = recordOf(place);
+    const std::string record = recordOf(joinPath(from.place, held.name));
     for (std::uint64_t attempt = 1; attempt <= mostAttempts; ++attempt) {
         const std::string name = nameInTrash(held.name, numberOf(attempt));
-        if (const int error = writeRecord(name, record); error == EEXIST) continue;
+        if (const int error = writeRecord(name, record, records); error == EEXIST) continue;
         else if (error != 0) return tl::unexpected(Failure{folderReason(error)});
         const auto moved =
             m_files->moveEntry(held.parent.get(), held.name.c_str(), m_entries.get(), name.c_str());
@@ -112,6 +114,10 @@ tl::expected<std::string, Failure> TrashFolder::take(const HeldEntry& held,
         return tl::unexpected(Failure{folderReason(moved.error()), moved.error() == EXDEV});
     }
     return tl::unexpected(Failure{folderReason(EEXIST)});
+}
+
+SysResult<Descriptor> TrashFolder::holdRecords() const {
+    return m_files->openFolder(m_records.get(), ".", Links::Keep);
 }
 
 SysResult<std::vector<TrashFolder::Trashed>> TrashFolder::list() const {
@@ -129,6 +135,10 @@ SysResult<std::vector<TrashFolder::Trashed>> TrashFolder::list() const {
     return found;
 }
 
+SysResult<FileAttributes> TrashFolder::attributesOf(const std::string& name) const {
+    return m_files->attributes(m_entries.get(), name.c_str(), Links::Keep);
+}
+
 std::string TrashFolder::placeOf(const std::string& name) const {
     return joinPath(m_files->placeOf(m_entries.get()).value_or(""), name);
 }
@@ -140,6 +150,7 @@ std::optional<std::string> TrashFolder::origin(const std::string& name) const {
     const auto seen = file ? m_files->attributes(file->get()) : tl::unexpected(file.error());
     if (!seen || seen->type != FileType::Regular || seen->size > longestTrashRecord)
         return std::nullopt;
+    if (seen->size == 0) return std::string();
     std::string text(static_cast<std::size_t>(seen->size), '\0');
     const auto count = m_files->read(
         file->get(), std::as_writable_bytes(std::span(text.data(), text.size())), 0, state);
@@ -153,7 +164,7 @@ std::optional<std::string> TrashFolder::origin(const std::string& name) const {
 // What stands in its place is moved back at once: the name is all that a rename knows.
 std::optional<std::string> TrashFolder::giveBack(const Trashed& entry, int folder,
                                                  const std::string& name) const {
-    const auto now = m_files->attributes(m_entries.get(), entry.name.c_str(), Links::Keep);
+    const auto now = attributesOf(entry.name);
     if (!now) return folderReason(now.error());
     if (!isSame(*now, entry.attributes)) return std::string(replacedReason);
     const auto moved =
@@ -173,12 +184,10 @@ std::optional<std::string> TrashFolder::giveBack(const Trashed& entry, int folde
 }
 
 // What is there already, and the records themselves.
-std::optional<std::string> TrashFolder::objection(const HeldEntry& held) const {
-    const auto parent = m_files->attributes(held.parent.get());
-    if (!parent) return folderReason(parent.error());
-    if (isSame(*m_files, m_entries.get(), *parent)) return "it is in the trash";
-    if (isSame(*m_files, m_records.get(), *parent) ||
-        isSame(*m_files, m_records.get(), held.attributes))
+std::optional<std::string> TrashFolder::objection(const HeldEntry& held,
+                                                  const FileAttributes& parent) const {
+    if (isSame(m_entriesSeen, parent)) return "it is in the trash";
+    if (isSame(m_recordsSeen, parent) || isSame(m_recordsSeen, held.attributes))
         return "it is a part of the trash";
     return std::nullopt;
 }
@@ -190,15 +199,20 @@ std::string TrashFolder::recordOf(const std::string& place) const {
     return trashRecordOf(path);
 }
 
-int TrashFolder::writeRecord(const std::string& name, const std::string& text) const {
+// What is moved while its record is not on the disk stays a whole entry in the trash if the power
+// goes, and who moves many of them has noted where they were.
+int TrashFolder::writeRecord(const std::string& name, const std::string& text,
+                             Records records) const {
     const std::string full = name + std::string(recordExtension);
     const Descriptor file(::openat(m_records.get(), full.c_str(),
                                    O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (!file.isOpen()) return errno;
     int error = writeAll(file.get(), text);
-    if (error == 0 && ::fsync(file.get()) != 0) error = errno;
-    if (error == 0 && ::fsync(m_records.get()) != 0)
-        error = errno;  // an entry without a record can not be put back
+    if (records == Records::Now) {
+        if (error == 0 && ::fsync(file.get()) != 0) error = errno;
+        if (error == 0 && ::fsync(m_records.get()) != 0)
+            error = errno;  // an entry without a record can not be put back
+    }
     if (error != 0) dropRecord(name);
     return error;
 }

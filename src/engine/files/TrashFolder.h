@@ -5,6 +5,7 @@
 #include <sys/types.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -44,11 +45,22 @@ public:
     /// back. Empty where nobody asks.
     using LastLook = std::function<std::optional<std::string>(const FileAttributes& moved)>;
 
-    /// Moves the entry, and writes its record first. `place` is where it stands now, without links.
-    /// The path that it has then.
+    /// The folder that an entry leaves.
+    struct Leaving {
+        std::string place;          ///< its path without links
+        FileAttributes attributes;  ///< its own
+    };
+    /// When a record becomes durable: before anything moves, or by a sync of holdRecords().
+    enum class Records : std::uint8_t { Now, Later };
+
+    /// Moves the entry, and writes its record first. The path that it has then.
     [[nodiscard]] tl::expected<std::string, Failure> take(const HeldEntry& held,
-                                                          const std::string& place,
-                                                          const LastLook& lastLook = {}) const;
+                                                          const Leaving& from,
+                                                          const LastLook& lastLook,
+                                                          Records records) const;
+
+    /// The folder of the records, to be synced with its file system.
+    [[nodiscard]] SysResult<Descriptor> holdRecords() const;
 
     /// What lies in it.
     struct Trashed {
@@ -56,11 +68,14 @@ public:
         FileAttributes attributes;
     };
     [[nodiscard]] SysResult<std::vector<Trashed>> list() const;
+    /// Of an entry in it, at this moment.
+    [[nodiscard]] SysResult<FileAttributes> attributesOf(const std::string& name) const;
     /// The path of an entry in it.
     [[nodiscard]] std::string placeOf(const std::string& name) const;
 
     /// Where the entry of this name was, by its record, without links. Nothing where the trash has
-    /// no record of it, or one that does not tell.
+    /// no record of it, or one that does not tell; an empty text for an empty one, as it is left
+    /// where the power went before it was on the disk.
     [[nodiscard]] std::optional<std::string> origin(const std::string& name) const;
 
     /// Gives an entry the name that it had in a held folder, never over anything, and drops its
@@ -78,8 +93,10 @@ public:
 private:
     explicit TrashFolder(const FileSystem& files) : m_files(&files) {}
 
-    [[nodiscard]] std::optional<std::string> objection(const HeldEntry& held) const;
-    [[nodiscard]] int writeRecord(const std::string& name, const std::string& text) const;
+    [[nodiscard]] std::optional<std::string> objection(const HeldEntry& held,
+                                                       const FileAttributes& parent) const;
+    [[nodiscard]] int writeRecord(const std::string& name, const std::string& text,
+                                  Records records) const;
     [[nodiscard]] std::string recordOf(const std::string& place) const;
     [[nodiscard]] std::optional<Failure> check(const HeldEntry& held, int entry,
                                                const std::string& name,
@@ -89,6 +106,8 @@ private:
     const FileSystem* m_files;
     Descriptor m_entries;  // "files"
     Descriptor m_records;  // "info"
+    FileAttributes m_entriesSeen;
+    FileAttributes m_recordsSeen;
     std::string m_root;
 };
 

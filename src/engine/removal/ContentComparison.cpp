@@ -15,31 +15,35 @@ namespace {
 // cache.
 constexpr std::size_t pieceBytes = 256 * 1024;
 
+/// What one comparison after another uses: room for a piece, and what is known of the device.
+struct ComparisonRoom {
+    std::unique_ptr<std::byte[]> buffer = std::make_unique_for_overwrite<std::byte[]>(pieceBytes);
+    ReadState state;
+};
+
 /// One of the two files, read from its beginning.
 class Reading final {
 public:
-    Reading(const FileSystem& files, int file, const FileAttributes& seen)
-        : m_files(files),
-          m_file(file),
-          m_buffer(std::make_unique_for_overwrite<std::byte[]>(pieceBytes)) {
-        m_files.beginReading(m_file, seen.device, 0, seen.size, m_state);
+    Reading(const FileSystem& files, int file, const FileAttributes& seen, ComparisonRoom& room)
+        : m_files(files), m_file(file), m_room(room) {
+        m_files.beginReading(m_file, seen.device, 0, seen.size, m_room.state);
     }
-    ~Reading() { m_files.endReading(m_file, m_state); }
+    ~Reading() { m_files.endReading(m_file, m_room.state); }
     Reading(const Reading&) = delete;
     Reading& operator=(const Reading&) = delete;
 
     [[nodiscard]] SysResult<std::span<const std::byte>> next() {
-        const auto count = m_files.read(m_file, {m_buffer.get(), pieceBytes}, m_offset, m_state);
+        std::byte* const buffer = m_room.buffer.get();
+        const auto count = m_files.read(m_file, {buffer, pieceBytes}, m_offset, m_room.state);
         if (!count) return tl::unexpected(count.error());
         m_offset += *count;
-        return std::span<const std::byte>(m_buffer.get(), *count);
+        return std::span<const std::byte>(buffer, *count);
     }
 
 private:
     const FileSystem& m_files;
     const int m_file;
-    ReadState m_state;
-    std::unique_ptr<std::byte[]> m_buffer;
+    ComparisonRoom& m_room;
     std::uint64_t m_offset = 0;
 };
 
@@ -51,8 +55,11 @@ SysResult<Comparison> compareContents(const FileSystem& files, int a, int b,
     const auto seenB = files.attributes(b);
     if (!seenA || !seenB) return tl::unexpected(!seenA ? seenA.error() : seenB.error());
     if (seenA->size != seenB->size) return Comparison::Different;
-    Reading readingA(files, a, *seenA);
-    Reading readingB(files, b, *seenB);
+    // A removal compares thousands of small files one after another, on a thread of its own.
+    thread_local ComparisonRoom roomA;
+    thread_local ComparisonRoom roomB;
+    Reading readingA(files, a, *seenA, roomA);
+    Reading readingB(files, b, *seenB, roomB);
     for (std::uint64_t done = 0; done < seenA->size;) {
         if (stop) return Comparison::Stopped;
         const auto pieceA = readingA.next();

@@ -57,6 +57,7 @@ void RemovalRun::runBatch(std::size_t from, std::size_t to) {
         m_list.settled(index, result);
         m_telling.settled(index, result);
     }
+    if (!m_door.setsAside()) m_door.flush();
 }
 
 // False when nothing of the batch is to be set aside.
@@ -103,9 +104,9 @@ Result<void> RemovalRun::write(const std::vector<AsideRecord>& records) {
 }
 
 void RemovalRun::settleJournal() {
-    if (!m_journal || m_isAside) return;
+    if (m_journal && m_isAside) return;
     m_door.flush();
-    m_journal->settle();
+    if (m_journal) m_journal->settle();
 }
 
 RemovalResult RemovalRun::removeOne(std::size_t index, const std::string& path,

@@ -49,7 +49,7 @@ SysResult<void> renameAside(const FileSystem& files, int folder, const std::stri
     return renamePlainly(files, folder, name, newName);
 }
 
-bool isSameInode(const FileAttributes& a, const FileAttributes& b) {
+template <class Seen> bool isSameInode(const FileAttributes& a, const Seen& b) {
     return a.device == b.device && a.inode == b.inode;
 }
 
@@ -220,6 +220,14 @@ SysResult<void> giveNameBack(const FileSystem& files, int folder, const std::str
 
 std::optional<StayedEntry> objectionToCopyInPlace(const FileSystem& files, const HeldEntry& leaving,
                                                   const KeptCopy& kept) {
+    // Its path anew, which says all but of what may be one entry; a longer one has to be walked.
+    const bool isShort = kept.path.size() < 4000;
+    if (isShort && !isSameInode(leaving.attributes, kept.identity)) {
+        const auto now =
+            files.freshAttributes(FileSystem::noParent, kept.path.c_str(), Links::Keep);
+        if (now && kept.identity.isStill(*now) && !isSameInode(leaving.attributes, *now))
+            return std::nullopt;
+    }
     const auto copy = findCopy(files, kept);
     if (!copy)
         return withoutCopy(leaving.path, kept, systemError("look", {}, copy.error()).reason());

@@ -2,6 +2,7 @@
 #include "engine/removal/TrashDoor.h"
 
 #include <cerrno>
+#include <chrono>
 
 #include "engine/files/HeldEntry.h"
 #include "engine/removal/stayReasons.h"
@@ -45,16 +46,30 @@ RemovalResult TrashDoor::remove(const LeavingEntry& entry, const std::atomic<boo
         return result.gone ? result : stays({entry.path, held.error().reason, held.error().why});
     }
     if (entry.look != nullptr) {
+        const auto begun = std::chrono::steady_clock::now();
         if (auto why = entry.look->before(*held, stop)) return stays(std::move(*why));
         result.stopped = stop;
         if (stop) return result;
-        if (const auto& kept = entry.look->kept())
-            if (auto why = objectionToCopyInPlace(m_files, *held, *kept))
-                return stays(std::move(*why));
-        if (auto why = entry.look->last(*held, held->name)) return stays(std::move(*why));
+        if (auto why = lookAgain(*held, *entry.look, begun)) return stays(std::move(*why));
     }
     move(*held, entry.look, result);
     return result;
+}
+
+// Behind a comparison that took its time, and of what may be one entry. Of all others both were
+// seen just now, and are looked at again as soon as the one has moved, from where it can come back.
+std::optional<StayedEntry> TrashDoor::lookAgain(const HeldEntry& held, CopyLook& look,
+                                                std::chrono::steady_clock::time_point begun) const {
+    constexpr std::chrono::milliseconds justNow{10};
+    const auto& kept = look.kept();
+    const bool mayBeOne = kept && kept->identity.device == held.attributes.device &&
+                          kept->identity.inode == held.attributes.inode;
+    if (held.attributes.type == FileType::Regular && !mayBeOne &&
+        std::chrono::steady_clock::now() - begun < justNow)
+        return std::nullopt;
+    if (kept)
+        if (auto why = objectionToCopyInPlace(m_files, held, *kept)) return why;
+    return look.last(held, held.name);
 }
 
 // What was moved has a new time of change, and so have the file's other names.
@@ -78,22 +93,24 @@ void TrashDoor::move(const HeldEntry& held, CopyLook* look, RemovalResult& resul
             if (why) inTrash = now;
             return why ? std::optional(why->reason) : std::nullopt;
         },
-        &m_home);
-    // What was objected to has its own name again, unless that could not be given back to it.
-    const auto here = m_files.attributes(held.parent.get(), held.name.c_str(), Links::Keep);
-    const bool isAside = !moved && inTrash && !(here && here->inode == inTrash->inode);
-    result.gone = moved.has_value() || (!isAside && isAbsent(held.path));
-    result.removed = moved ? 1 : 0;
-    result.byOthers = result.gone && !moved;
-    if (!result.gone) {
-        result.failed = 1;
-        result.failures.push_back(
-            {held.path, moved.error(), isAside ? StayReason::Aside : StayReason::System});
+        &m_series);
+    if (moved) {
+        const FileAttributes& folder = m_series.folder();
+        result.gone = true;
+        result.removed = 1;
+        result.changed = changed;
+        result.moved = RemovalResult::Moved{*moved, folder.device, folder.inode};
         return;
     }
-    result.changed = changed;
-    const auto folder = m_files.attributes(held.parent.get());
-    if (moved && folder) result.moved = RemovalResult::Moved{*moved, folder->device, folder->inode};
+    // What was objected to has its own name again, unless that could not be given back to it.
+    const auto here = m_files.attributes(held.parent.get(), held.name.c_str(), Links::Keep);
+    const bool isAside = inTrash && !(here && here->inode == inTrash->inode);
+    result.gone = !isAside && isAbsent(held.path);
+    result.byOthers = result.gone;
+    if (result.gone) return;
+    result.failed = 1;
+    result.failures.push_back(
+        {held.path, moved.error(), isAside ? StayReason::Aside : StayReason::System});
 }
 
 }  // namespace orrinvale

@@ -1,6 +1,9 @@
 // TrashDoor: the way out to the desktop's trash, from where a person can bring things back.
 #pragma once
 
+#include <chrono>
+#include <optional>
+#include <string>
 #include <utility>
 
 #include "engine/files/HeldEntry.h"
@@ -22,10 +25,13 @@ public:
           m_trash(files, m_places, std::move(variables)) {}
 
     [[nodiscard]] bool setsAside() const override { return false; }
+    void flush() override { m_series.sync(); }
     [[nodiscard]] RemovalResult remove(const LeavingEntry& entry,
                                        const std::atomic<bool>& stop) override;
 
 private:
+    [[nodiscard]] std::optional<StayedEntry> lookAgain(
+        const HeldEntry& held, CopyLook& look, std::chrono::steady_clock::time_point begun) const;
     [[nodiscard]] bool isAbsent(const std::string& path) const;
     void move(const HeldEntry& held, CopyLook* look, RemovalResult& result);
 
@@ -33,7 +39,7 @@ private:
     const ProtectedPlaces m_places;
     const Trash m_trash;
     HeldParents m_parents;
-    Trash::OpenHome m_home;
+    Trash::Series m_series;
 };
 
 }  // namespace orrinvale

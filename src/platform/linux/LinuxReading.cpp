@@ -62,6 +62,9 @@ void addRange(std::vector<ReadState::Range>& ranges, std::uint64_t offset, std::
 void noteResidency(int file, std::uint64_t offset, std::uint64_t length,
                    std::vector<ReadState::Range>& notResident) {
     constexpr std::uint64_t readAhead = 16ULL << 20;
+    // A single page is asked for without a mapping, whose making and undoing take the longest of
+    // all that is done with a small file.
+    if (length <= pageBytes() && isResident(file, offset, length)) return;
     const std::uint64_t from = offset / pageBytes() * pageBytes();
     const std::uint64_t size = offset - from + length + (length <= pageBytes() ? 0 : readAhead);
     void* const map = ::mmap(nullptr, size, PROT_READ, MAP_SHARED, file, static_cast<off_t>(from));

@@ -188,6 +188,35 @@ TEST(TrashUndo, AFileWithTwoNamesIsCountedOnce) {
     EXPECT_EQ(sumsOf(trashed.plan).files, 3U);
 }
 
+TEST(TrashUndo, AnotherUndoOrTheEmptyingOfTheTrashMayBeQuicker) {
+    for (const bool isUndo : {true, false}) {
+        TrashedTree trashed({"a/x", "a/y"});
+        trashed.move({"a/x", "a/y"});
+        WatchedFiles watched;
+        watched.beforeRemoval = [&, isDone = false](const char* operation) mutable {
+            if (std::string_view(operation) != "moveEntry" || std::exchange(isDone, true)) return;
+            if (!isUndo) std::filesystem::remove_all(trashed.trash("files/x"));
+            else EXPECT_EQ(trashed.undo().restored.size(), 2U);
+        };
+        const auto outcome =
+            undoPlan(watched, trashed.variables, trashed.plan, trashed.folders, neverStoppedUndo);
+        EXPECT_EQ(outcome.inPlace, isUndo ? 2U : 0U);
+        EXPECT_EQ(outcome.restored.size(), isUndo ? 0U : 1U);
+        ASSERT_EQ(outcome.left.size(), isUndo ? 0U : 1U);
+        if (isUndo) continue;
+        EXPECT_EQ(outcome.left[0].reason, "it is not in the trash any more");
+        EXPECT_EQ(outcome.left[0].place, "");
+    }
+}
+
+// The power went before the record was on the disk: the plan knows where the entry was.
+TEST(TrashUndo, AnEntryWithAnEmptyRecordComesBack) {
+    TrashedTree trashed({"a/x"});
+    trashed.move({"a/x"});
+    ASSERT_EQ(::truncate(trashed.trash("info/x.trashinfo").c_str(), 0), 0);
+    EXPECT_EQ(trashed.undo().restored.size(), 1U);
+}
+
 // With a restart a volume gets another number, and on some its files get others too. What is known
 // by its record alone still has to have the size and time that it had.
 TEST(TrashUndo, AVolumeMayHaveAnotherNumberByNow) {

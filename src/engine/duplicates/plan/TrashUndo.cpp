@@ -178,7 +178,7 @@ UndoRun::Choice UndoRun::choiceByNumber(const PlanMember& member, const EntryIde
         Found& found = each->second;
         if (found.isBack || !isThat(member, identity, found)) continue;
         const auto origin = found.trash->origin(found.entry.name);
-        if (origin == place) return {&found, {}};
+        if (origin == place || origin == std::string()) return {&found, {}};
         choice = {&found, origin ? "by the trash's record it was elsewhere"
                                  : "the trash has no record of it any more"};
     }
@@ -230,8 +230,8 @@ void UndoRun::bringBack(const PlanMember& member, UndoOutcome& outcome) {
     const EntryIdentity identity = identityNow(member, target);
     Choice choice = identity.inodePasses ? choiceByRecord(member, identity, place)
                                          : choiceByNumber(member, identity, place);
-    const bool isThere = choice.found != nullptr && choice.objection.empty();
-    if (!isThere && isInPlace(target, name, identity)) {
+    const bool isFound = choice.found != nullptr && choice.objection.empty();
+    if (!isFound && isInPlace(target, name, identity)) {
         ++outcome.inPlace;
         return;
     }
@@ -244,7 +244,14 @@ void UndoRun::bringBack(const PlanMember& member, UndoOutcome& outcome) {
     if (choice.objection.empty())
         choice.objection = trash->giveBack(entry, target.folder.get(), name).value_or("");
     choice.found->isBack = choice.objection.empty();
-    if (isBack) outcome.restored.push_back(member.path);
+    if (isBack) {
+        outcome.restored.push_back(member.path);
+        return;
+    }
+    const auto now = trash->attributesOf(entry.name);
+    const bool isThere = now || now.error() != ENOENT;
+    if (!isThere && isInPlace(target, name, identity)) ++outcome.inPlace;  // by another undo
+    else if (!isThere) outcome.left.push_back({member.path, {}, reasonOfMissing(target)});
     else
         outcome.left.push_back(
             {member.path, trash->placeOf(entry.name), std::move(choice.objection)});
