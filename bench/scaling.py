@@ -122,7 +122,7 @@ SHAPES = {"distinct-sizes": DistinctSizes, "one-size": OneSize, "small-duplicate
 
 def seconds(folder):
     start = time.perf_counter_ns()
-    done = subprocess.run([str(PROGRAM), "duplicates", "--json", "--quiet", folder], stdin=subprocess.DEVNULL,
+    done = subprocess.run([str(PROGRAM), "duplicates", "--json", "--quiet", "--no-cache", folder], stdin=subprocess.DEVNULL,
                           stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, check=False)
     if done.returncode:
         raise RuntimeError(f"ended with status {done.returncode}: {done.stderr.decode(errors='replace').strip()[:200]}")

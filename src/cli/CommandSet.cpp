@@ -2,6 +2,7 @@
 #include "cli/CommandSet.h"
 
 #include "cli/AppsCommand.h"
+#include "cli/CacheCommand.h"
 #include "cli/CleanCommand.h"
 #include "cli/DuplicatesCommand.h"
 #include "cli/EjectCommand.h"
@@ -19,6 +20,7 @@ namespace orrinvale::cli {
 
 CommandSet::CommandSet() {
     m_commands.push_back(std::make_unique<DuplicatesCommand>(m_files));
+    m_commands.push_back(std::make_unique<CacheCommand>());
     m_commands.push_back(std::make_unique<RemoveCommand>(m_files));
     m_commands.push_back(std::make_unique<UndoCommand>(m_files));
     m_commands.push_back(std::make_unique<LargeCommand>(m_files));

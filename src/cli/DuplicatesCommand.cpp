@@ -15,8 +15,10 @@
 #include "cli/PlanWriting.h"
 #include "cli/SearchWatch.h"
 #include "engine/duplicates/DuplicateFilesOpt.h"
+#include "engine/duplicates/cache/HashCache.h"
 #include "engine/duplicates/plan/PlanFile.h"
 #include "engine/duplicates/searchedPaths.h"
+#include "engine/settings/PreferenceViewController.h"
 #include "engine/text/SizeText.h"
 #include "engine/text/UtilityFunction.h"
 #include "platform/files.h"
@@ -67,6 +69,7 @@ std::vector<OptionSpec> DuplicatesCommand::options() const {
          "Tell which copies would stay by this rule: newest, oldest, shortest-path, "
          "shortest-name or path:FOLDER; a further rule orders what those before it leave "
          "equal"},
+        {"--no-cache", "", "Read all files, and remember nothing of what is read"},
         {"--plan", "FILE",
          "Write a plan of which copies would go, by the rules of --keep, for the command remove"},
         {"FOLDER...", "", "The folders to search, as one"}};
@@ -78,6 +81,9 @@ std::string_view DuplicatesCommand::description() const {
            "applications and compared as wholes. Links directly in a folder are followed, links "
            "further down are not, and empty files are left out. A folder that lies in another one "
            "is searched once.\n\n"
+           "What is read is remembered as checksums, without names and contents, and a file that "
+           "has not changed since is not read again; the command cache tells how much that is and "
+           "forgets it. What was remembered is compared byte by byte before anything goes.\n\n"
            "In a PATTERN \"*\" stands for any characters, \"?\" for one, \"[a-z]\" for one of a "
            "set and \"**\" for any folders; a backslash takes the meaning from what follows it. "
            "Without a slash it is a name, with one in it a path from the folder that is "
@@ -166,6 +172,9 @@ Status DuplicatesCommand::run(const Arguments& arguments) {
     std::rotate(request.roots.begin(),
                 request.roots.begin() + std::ptrdiff_t(request.protectedFolders.size()),
                 request.roots.end());
+    PreferenceViewController::initialize();
+    if (!arguments.has("no-cache") && PreferenceViewController::rememberContents())
+        request.cache = std::make_shared<HashCache>(hashCachePath());
     return search(arguments, request, rules);
 }
 

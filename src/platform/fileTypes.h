@@ -43,8 +43,8 @@ struct FileAttributes {
     std::uint64_t mount = 0;  ///< mount id, 0 where the kernel gives none (before 5.8)
     std::int64_t modified = 0;
     std::int64_t changed = 0;  ///< change of the inode
-    std::int64_t born = 0;     ///< 0 where the file system keeps no such time, and in
-                               ///< readAttributes(), which does not ask
+    std::int64_t born = 0;     ///< making of the inode; 0 where the file system keeps no such
+                               ///< time
 };
 
 /// One entry of a folder. `name` points into the batch that holds the entry.

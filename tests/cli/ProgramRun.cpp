@@ -203,6 +203,8 @@ ProgramRun::Result ProgramRun::run() const {
 ProgramRun commandRun(std::string command, std::vector<std::string> arguments, std::string folder) {
     ProgramRun run;
     run.program = ORRINVALE_CLI_PATH;
+    static const TestTree cache;  // and not that of the person who runs the tests
+    if (command == "duplicates") run.environment = {"XDG_CACHE_HOME=" + cache.path()};
     run.arguments = std::move(arguments);
     run.arguments.insert(run.arguments.begin(), std::move(command));
     run.folder = std::move(folder);

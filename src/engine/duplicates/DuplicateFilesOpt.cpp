@@ -87,6 +87,7 @@ void addLeaves(SimpleTreeNode& node, const DuplicateGroup& group, const duplicat
         const auto leaf = add(path, file->fileSize, {IconRequest::Path, path},
                               file->ModificationDate(), identityOf(*file));
         leaf->setHardLinks(file->links);
+        leaf->setRecalled(file->isRecalled);
         leaf->setProtected(search.isProtected(*file));
         isProtected &= leaf->isProtected();
         if (places != nullptr) setPlace(*leaf, places->of(*file));

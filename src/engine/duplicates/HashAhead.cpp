@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <tuple>
 
+#include "engine/duplicates/cache/HashCache.h"
 #include "engine/duplicates/crc.h"
 #include "platform/files.h"
 
@@ -39,6 +40,8 @@ struct HashAhead::Large {
     std::uint32_t index = 0;
     std::uint32_t number = 0;  // of the class
     FileHasher::Ends ends;
+    std::uint8_t recalled = 0;  // KnownHashes
+    std::uint64_t whole = 0;    // where it was recalled
 };
 
 struct HashAhead::Stretch {
@@ -50,11 +53,12 @@ struct HashAhead::Stretch {
 };
 
 HashAhead::HashAhead(const FileSystem& files, const FileList& list, const std::atomic<bool>& stop,
-                     SkipList& skipped)
+                     SkipList& skipped, const HashCache* cache)
     : m_files(files),
       m_list(list),
       m_stop(stop),
       m_skipped(skipped),
+      m_cache(cache),
       m_classes(list),
       m_next(list.size(), none),
       m_hashed(list.size(), 0),
@@ -66,7 +70,9 @@ HashAhead::HashAhead(const FileSystem& files, const FileList& list, const std::a
       m_wholeCrew(
           mostWholeReaders, [&files] { files.useOwnDescriptors(); },
           [this](unsigned worker) { leave(worker); }),
-      m_workers(m_crew.most()) {}
+      m_workers(m_crew.most()) {
+    if (m_cache != nullptr) m_fresh.known.resize(list.size(), 0);
+}
 
 std::uint32_t HashAhead::nextInGroup(std::size_t index) {
     const std::uint32_t number = m_classes.classOf(index);
@@ -115,9 +121,10 @@ void HashAhead::hashBatch(std::uint32_t first, std::uint32_t last) {
         const std::uint32_t number = m_classes.classOf(index);
         if (number < first || number >= last) continue;
         if (m_list[index]->fileSize <= FileHasher::smallFile) small.push_back(index);
-        else large.push_back({index, number, {}});
+        else large.push_back({index, number, {}, 0, 0});
     }
     hashFirstVisits(small, large);
+    noteEnds(large);
     hashTails(large);
     hashWholes(large);
     // After a stop too: what is hashed is not lost.
@@ -164,18 +171,73 @@ std::uint64_t HashAhead::hashedBytes() const {
     return sum;
 }
 
+// True when nothing of the file needs to be read.
+bool HashAhead::recallSmall(std::uint32_t index, unsigned worker) {
+    if (m_cache == nullptr) return false;
+    fileAttrbItem& item = *m_list[index];
+    const auto recalled = m_cache->recall(item, m_workers[worker].hint);
+    constexpr std::uint8_t wanted = KnownHashes::head | KnownHashes::whole;
+    if ((recalled.known & wanted) != wanted) return false;
+    item.md5 = recalled.whole;
+    item.md5_1k = recalled.head;
+    item.isRecalled = true;
+    m_fresh.known[index] = KnownHashes::recalled;
+    m_hashed[index] = 1;
+    return true;
+}
+
+// True when nothing needs to be read for the first visit.
+bool HashAhead::recallLarge(Large& large, unsigned worker) {
+    if (m_cache == nullptr) return false;
+    fileAttrbItem& item = *m_list[large.index];
+    const auto recalled = m_cache->recall(item, m_workers[worker].hint);
+    if ((recalled.known & KnownHashes::head) == 0) return false;
+    item.md5_1k = recalled.head;
+    item.isRecalled = true;
+    m_fresh.known[large.index] = KnownHashes::recalled;
+    large.recalled = recalled.known;
+    large.whole = recalled.whole;
+    large.ends = {.hashed = true,
+                  .regular = true,
+                  .hasTail = (recalled.known & KnownHashes::tail) != 0,
+                  .tail = recalled.tail};
+    return true;
+}
+
+// What is not as listed must not be remembered under the times that were listed.
+void HashAhead::noteFresh(std::uint32_t index, std::uint8_t known) {
+    if (m_cache != nullptr) m_fresh.known[index] |= known;
+}
+
+// Of large files whose ends were read just now.
+void HashAhead::noteEnds(const std::vector<Large>& large) {
+    if (m_cache == nullptr) return;
+    for (const Large& one : large) {
+        if (!one.ends.regular) continue;
+        std::uint8_t& known = m_fresh.known[one.index];
+        const auto isNew = [&](std::uint8_t hash) { return ((one.recalled | known) & hash) == 0; };
+        if (isNew(KnownHashes::head)) known |= KnownHashes::head;
+        if (!one.ends.hasTail || !isNew(KnownHashes::tail)) continue;
+        known |= KnownHashes::tail;
+        m_fresh.tails.emplace_back(one.index, one.ends.tail);
+    }
+}
+
 void HashAhead::hashFirstVisits(const std::vector<std::uint32_t>& small,
                                 std::vector<Large>& large) {
     const std::size_t total = small.size() + large.size();
     const std::size_t grain = std::clamp<std::size_t>(total / 1024, 2, 128);
     m_crew.forEach(total, grain, m_stop, [&](std::size_t at, unsigned worker) {
         if (at < small.size()) {
+            if (recallSmall(small[at], worker)) return count(worker, 1, 0);
             fileAttrbItem& item = *m_list[small[at]];
             const std::size_t bytes = hasherFor(worker, item).hashSmall(item);
             m_hashed[small[at]] = bytes != 0;
+            if (bytes != 0) noteFresh(small[at], KnownHashes::head | KnownHashes::whole);
             count(worker, 1, bytes);
         } else {
             Large& one = large[at - small.size()];
+            if (recallLarge(one, worker)) return count(worker, 1, 0);
             fileAttrbItem& item = *m_list[one.index];
             one.ends = hasherFor(worker, item).hashEnds(item, false);
             count(worker, 1, FileHasher::headBytes);
@@ -214,6 +276,7 @@ void HashAhead::hashTails(std::vector<Large>& large) {
         wanted[at]->ends = hasherFor(worker, item).hashEnds(item, true);
         count(worker, 0, FileHasher::tailBytes);
     });
+    noteEnds(large);
     std::erase_if(large, [](const Large& one) { return !one.ends.hashed; });
     // A file that is not what the listing saw is compared by its whole alone, and so are those that
     // may equal it.
@@ -248,8 +311,10 @@ std::vector<HashAhead::Stretch> HashAhead::cutIntoStretches(
 void HashAhead::hashWholes(std::vector<Large>& large) {
     std::vector<Large*> wanted;
     for (Large& one : large) {
-        if (one.ends.regular) wanted.push_back(&one);
-        else m_hashed[one.index] = 1;  // its first visit read all of it
+        const bool isRecalled = (one.recalled & KnownHashes::whole) != 0;
+        if (isRecalled) m_list[one.index]->md5 = one.whole;
+        if (one.ends.regular && !isRecalled) wanted.push_back(&one);
+        else m_hashed[one.index] = 1;  // its first visit read all of it, or an earlier search
     }
     std::sort(wanted.begin(), wanted.end(),
               [](const Large* a, const Large* b) { return a->index < b->index; });
@@ -271,6 +336,7 @@ void HashAhead::hashWholes(std::vector<Large>& large) {
         if (!hashed) continue;
         m_list[index]->md5 = value;
         m_hashed[index] = 1;
+        noteFresh(index, KnownHashes::whole);
     }
 }
 

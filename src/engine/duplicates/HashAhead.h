@@ -10,10 +10,12 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "engine/duplicates/FileHasher.h"
 #include "engine/duplicates/SizeClasses.h"
+#include "engine/duplicates/cache/saveHashes.h"
 #include "engine/duplicates/fileAttrbItem.h"
 #include "engine/files/SkipList.h"
 #include "engine/files/StopGrace.h"
@@ -21,15 +23,18 @@
 
 namespace orrinvale {
 
+class HashCache;
+
 /// Resolves size classes into groups of equal files. Driven by one thread; the counters may be read
 /// by any.
 class HashAhead final {
 public:
     static constexpr std::uint32_t none = ~std::uint32_t{0};
 
-    /// All references must outlive the object. When `stop` is set, no further file is begun.
+    /// All references must outlive the object, and `cache`, which may be null: what it knows is
+    /// not read. When `stop` is set, no further file is begun.
     HashAhead(const FileSystem& files, const FileList& list, const std::atomic<bool>& stop,
-              SkipList& skipped);
+              SkipList& skipped, const HashCache* cache = nullptr);
 
     /// The next member of the group of a file, in the order of the list; `none` at the last one and
     /// for a file that has no duplicate. Hashes what is needed for the answer, and, to keep all
@@ -42,6 +47,9 @@ public:
     [[nodiscard]] std::uint64_t hashedFiles() const;
     [[nodiscard]] std::uint64_t hashedBytes() const;
 
+    /// At the end: what was read of files that are as listed. Empty without a cache.
+    [[nodiscard]] FreshHashes takeFresh() { return std::move(m_fresh); }
+
 private:
     struct Large;
     struct Stretch;
@@ -51,12 +59,17 @@ private:
         std::atomic<std::uint64_t> files{0};
         std::atomic<std::uint64_t> bytes{0};
         std::atomic<const fileAttrbItem*> item{nullptr};
+        std::size_t hint = 0;  // of recalling
     };
 
     void resolveMore(std::uint32_t upTo);
     void scaleBatches(double factor);
     std::uint32_t endOfBatch(std::uint32_t first) const;
     void hashBatch(std::uint32_t first, std::uint32_t last);
+    bool recallSmall(std::uint32_t index, unsigned worker);
+    bool recallLarge(Large& large, unsigned worker);
+    void noteFresh(std::uint32_t index, std::uint8_t known);
+    void noteEnds(const std::vector<Large>& large);
     void hashFirstVisits(const std::vector<std::uint32_t>& small, std::vector<Large>& large);
     void hashTails(std::vector<Large>& large);
     void hashWholes(std::vector<Large>& large);
@@ -71,10 +84,12 @@ private:
     const std::atomic<bool>& m_stop;
     const StopGrace m_grace{m_stop};
     SkipList& m_skipped;
+    const HashCache* const m_cache;
     SizeClasses m_classes;
     std::vector<std::uint32_t> m_next;   // group links, by place in the list
     std::vector<std::uint8_t> m_hashed;  // both hashes are good, by place in the list
-    std::uint32_t m_resolved = 0;        // classes below are done
+    FreshHashes m_fresh;
+    std::uint32_t m_resolved = 0;  // classes below are done
     std::uint64_t m_batchFiles;
     std::uint64_t m_batchBytes;
 

@@ -8,6 +8,7 @@
 #include "engine/duplicates/HashAhead.h"
 #include "engine/duplicates/LinkPlaces.h"
 #include "engine/duplicates/RepeatedEntries.h"
+#include "engine/duplicates/cache/HashCache.h"
 #include "engine/duplicates/getFileList.h"
 #include "engine/duplicates/scope/ProtectedFolders.h"
 #include "platform/files.h"
@@ -15,7 +16,11 @@
 namespace orrinvale {
 
 duplicateFind::duplicateFind(const FileSystem& files) : m_files(files) {}
-duplicateFind::~duplicateFind() = default;
+
+// What is being remembered reads the files' items.
+duplicateFind::~duplicateFind() {
+    if (m_request.cache) m_request.cache->finish();
+}
 
 void duplicateFind::setSearchOption(bool hidden, bool option) {
     m_bSearchHiddenFile = hidden;
@@ -71,6 +76,7 @@ void duplicateFind::endEarly() {
 }
 
 int duplicateFind::_searchDuplicateFile() {
+    if (m_request.cache) m_request.cache->begin();
     m_passingInodes = m_files.devicesOfPassingInodes();
     const bool listed = listFiles();
     if (!m_request.filter.takesKind(FileKind::Others)) m_DirectoryArray.clear();
@@ -187,8 +193,10 @@ struct duplicateFind::Pairing {
 // what was read is not lost.
 void duplicateFind::pairFiles() {
     m_allFileCount = m_allFileArray.size();
+    HashCache* const cache = m_request.cache.get();
+    if (cache != nullptr) cache->learnVolumes(m_files, m_allFileArray.items());
     const auto hashes =
-        std::make_shared<HashAhead>(m_files, m_allFileArray.items(), m_Stop, m_skipped);
+        std::make_shared<HashAhead>(m_files, m_allFileArray.items(), m_Stop, m_skipped, cache);
     {
         const std::lock_guard lock(m_mutex);
         m_hashAhead = hashes;
@@ -202,6 +210,7 @@ void duplicateFind::pairFiles() {
         m_iProgress.store((m_allFileCount - pairing.remaining) * 100 / m_allFileCount,
                           std::memory_order_relaxed);
     }
+    if (cache != nullptr) cache->keep(m_allFileArray.items(), hashes->takeFresh());
     const std::lock_guard lock(m_mutex);
     m_hashCounts.hashedFiles = hashes->hashedFiles();
     m_hashCounts.hashedBytes = hashes->hashedBytes();

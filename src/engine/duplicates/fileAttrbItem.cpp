@@ -9,6 +9,7 @@ void fileAttrbItem::setAttributes(const FileAttributes& attributes) {
     fileSize = attributes.size;
     modified = attributes.modified;
     changed = attributes.changed;
+    born = attributes.born;
     device = attributes.device;
     inode = attributes.inode;
     links = attributes.links;

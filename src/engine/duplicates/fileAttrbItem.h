@@ -25,6 +25,7 @@ struct fileAttrbItem {
     std::int64_t modified = 0;  ///< nanoseconds since 1970 UTC, like `changed`
     std::int64_t changed =
         0;  ///< change of the inode: with those below the identity that a removal asks for
+    std::int64_t born = 0;     ///< making of the inode, 0 where that is not known
     std::uint64_t device = 0;  ///< the file's own; not its folder's where a file is mounted or
                                ///< layers lie upon each other
     std::uint64_t inode = 0;
@@ -33,6 +34,7 @@ struct fileAttrbItem {
     std::uint32_t links = 0;  ///< hard links
     FileType type = FileType::Unknown;
     bool inodePasses = false;  ///< `inode` need not last: see EntryIdentity
+    bool isRecalled = false;   ///< a hash is of an earlier search, told by times and inode
 
     [[nodiscard]] std::string filePathName() const { return pathOf(*folder, name); }
     [[nodiscard]] std::string_view fileName() const { return name; }

@@ -237,8 +237,9 @@ Result<void> DurableFile::commit(std::string_view bytes, const Replacing& how) {
     constexpr mode_t permissions = 0777;
     if (how.mode && ::fchmod(m_file.get(), *how.mode & permissions) != 0)
         return failure("chmod", errno);
-    if (auto written = writeWhole(bytes); !written) return written;
-    if (auto free = checkReplaceable(how.givesWayAsLink); !free) return free;
+    if (auto written = append(bytes); !written) return written;
+    if (auto flushed = flush(); !flushed) return flushed;
+    if (auto free = checkReplaceable(how); !free) return free;
     if (::renameat(m_folder.get(), (m_name + ".new").c_str(), m_folder.get(), m_name.c_str()) != 0)
         return failure("rename", errno);
     m_file.reset();
@@ -247,17 +248,22 @@ Result<void> DurableFile::commit(std::string_view bytes, const Replacing& how) {
     return {};
 }
 
-Result<void> DurableFile::writeWhole(std::string_view bytes) const {
+Result<void> DurableFile::append(std::string_view bytes) {
+    m_size += bytes.size();
     for (std::string_view rest = bytes; !rest.empty();) {
         const ssize_t count = ::write(m_file.get(), rest.data(), rest.size());
         if (count < 0 && errno == EINTR) continue;
         if (count < 0) return failure("write", errno);
         rest.remove_prefix(static_cast<std::size_t>(count));
     }
+    return {};
+}
+
+Result<void> DurableFile::flush() const {
     if (::fsync(m_file.get()) != 0) return failure("fsync", errno);
     struct stat status {};
     if (::fstat(m_file.get(), &status) != 0) return failure("stat", errno);
-    if (status.st_size != static_cast<off_t>(bytes.size())) return failure("write", EIO);
+    if (status.st_size != static_cast<off_t>(m_size)) return failure("write", EIO);
     // Network file systems tell of a lost write when a descriptor is closed. It is a copy that is
     // closed here, because the lock must hold until the rename.
     const int copy = ::fcntl(m_file.get(), F_DUPFD_CLOEXEC, 3);
@@ -266,20 +272,20 @@ Result<void> DurableFile::writeWhole(std::string_view bytes) const {
     return {};
 }
 
-Result<void> DurableFile::checkReplaceable(bool mayBeLink) const {
+Result<void> DurableFile::checkReplaceable(const Replacing& how) const {
     struct stat status {};
     if (::fstatat(m_folder.get(), m_name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
         if (errno == ENOENT) return {};
         return failure("stat", errno);
     }
-    const bool isWell = S_ISREG(status.st_mode) || (mayBeLink && S_ISLNK(status.st_mode));
+    const bool isWell = S_ISREG(status.st_mode) || (how.givesWayAsLink && S_ISLNK(status.st_mode));
     if (!isWell) return tl::unexpected(notRegular("rename", m_path));
-    if (status.st_uid != ::geteuid()) return failure("rename", EPERM);
+    if (status.st_uid != ::geteuid() && !how.givesWayOfAnybody) return failure("rename", EPERM);
     return {};
 }
 
 Result<void> DurableFile::putAside() const {
-    if (auto mine = checkReplaceable(); !mine) return mine;
+    if (auto mine = checkReplaceable({}); !mine) return mine;
     for (int number = 1; number <= asideLimit; ++number) {
         const int error = renameToFree(m_folder.get(), m_name, asideName(m_name, number));
         if (error == EEXIST) continue;

@@ -56,7 +56,8 @@ public:
     /// What commit() does beside replacing the bytes.
     struct Replacing {
         std::optional<unsigned> mode = std::nullopt;  ///< of the new file; nothing for 0600
-        bool givesWayAsLink = false;  ///< a link of this user's goes, what it leads to stays
+        bool givesWayAsLink = false;     ///< a link of this user's goes, what it leads to stays
+        bool givesWayOfAnybody = false;  ///< for a folder in which nothing but our own has a place
     };
 
     /// begin() and commit().
@@ -88,19 +89,25 @@ public:
     [[nodiscard]] Result<void> commit(std::string_view bytes) { return commit(bytes, {}); }
     [[nodiscard]] Result<void> commit(std::string_view bytes, const Replacing& how);
 
+    /// commit() for what is not to lie in memory whole: finish() puts in place what append() was
+    /// given, piece by piece. After an error of either nothing has changed, but as commit() says.
+    [[nodiscard]] Result<void> append(std::string_view bytes);
+    [[nodiscard]] Result<void> finish(const Replacing& how) { return commit({}, how); }
+
 private:
     DurableFile(std::string path, Descriptor folder);
 
     [[nodiscard]] tl::unexpected<Error> failure(std::string_view operation, int number) const;
     [[nodiscard]] Result<bool> takeTemporary();
-    [[nodiscard]] Result<void> writeWhole(std::string_view bytes) const;
-    [[nodiscard]] Result<void> checkReplaceable(bool mayBeLink = false) const;
+    [[nodiscard]] Result<void> flush() const;
+    [[nodiscard]] Result<void> checkReplaceable(const Replacing& how) const;
     [[nodiscard]] Result<void> putAside() const;
 
     std::string m_path;
     std::string m_name;
     Descriptor m_folder;
-    Descriptor m_file;  // NAME.new, locked; closed once committed
+    Descriptor m_file;         // NAME.new, locked; closed once committed
+    std::uint64_t m_size = 0;  // what it has been given
 };
 
 }  // namespace orrinvale

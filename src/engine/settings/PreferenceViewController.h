@@ -67,6 +67,9 @@ public:
     [[nodiscard]] static Result<void> setCompareBeforeRemoving(bool compare);
     [[nodiscard]] static bool compareBeforeRemoving();
 
+    /// Whether searches remember hashes of what they read; on unless the user says otherwise.
+    [[nodiscard]] static bool rememberContents();
+
 protected:
     PreferenceViewController() = default;
     ~PreferenceViewController() = default;

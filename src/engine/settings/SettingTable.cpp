@@ -36,6 +36,7 @@ constexpr std::array table{
     SettingRule{ZvHidenDuplication, Form::Switch},
     SettingRule{ZvSystemDuplication, Form::Switch},
     SettingRule{compareBeforeRemovingKey, Form::Switch},
+    SettingRule{rememberContentsKey, Form::Switch},
     SettingRule{ZvDiskUsageLimit, Form::Number, 0, mostTyped},
     SettingRule{ZvDiskUsageUnit, Form::Number, 0, lastUnit},
     SettingRule{oneFileSystemKey, Form::Switch},

@@ -56,6 +56,9 @@ inline constexpr const char* SUScheduledCheckInterval =
 /// removed.
 inline constexpr const char* compareBeforeRemovingKey = "compareBeforeRemoving";
 
+/// Boolean: searches for duplicates remember hashes of what they read, see HashCache.
+inline constexpr const char* rememberContentsKey = "rememberContents";
+
 /// Boolean: a word on the desktop when a disk falls to ZvSpaceAlarmKey.
 inline constexpr const char* spaceWarningsKey = "spaceWarnings";
 inline constexpr const char* warnedVolumesKey =

@@ -27,4 +27,9 @@ std::string userStateFolder() {
     return ownFolderIn(variables.stateHome, variables.home, ".local/state");
 }
 
+std::string userCacheFolder() {
+    const auto variables = FolderVariables::ofThisProcess();
+    return ownFolderIn(variables.cacheHome, variables.home, ".cache");
+}
+
 }  // namespace orrinvale

@@ -17,4 +17,7 @@ namespace orrinvale {
 /// neither setting nor data, such as journals.
 [[nodiscard]] std::string userStateFolder();
 
+/// As userConfigFolder(), below $XDG_CACHE_HOME (~/.cache): what can be made again at any time.
+[[nodiscard]] std::string userCacheFolder();
+
 }  // namespace orrinvale

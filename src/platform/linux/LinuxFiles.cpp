@@ -26,10 +26,8 @@ namespace {
 // still being listed.
 constexpr std::size_t listingBytes = 32 * 1024;
 
-// The time of making is left out: a listing of many entries goes without it, since some file
-// systems have to fetch it.
 constexpr unsigned wantedAttributes = STATX_TYPE | STATX_NLINK | STATX_SIZE | STATX_BLOCKS |
-                                      STATX_INO | STATX_MTIME | STATX_CTIME |
+                                      STATX_INO | STATX_MTIME | STATX_CTIME | STATX_BTIME |
                                       0x1000U;  // STATX_MNT_ID, not in every C library's header
 
 struct LinuxDirectoryEntry {
@@ -184,7 +182,7 @@ SysResult<FileAttributes> LinuxFileSystem::attributes(int parent, const char* na
                                                       Links links) const {
     FileAttributes out;
     const int follow = links == Links::Keep ? AT_SYMLINK_NOFOLLOW : 0;
-    const int error = askAttributes(parent, name, follow, wantedAttributes | STATX_BTIME, out);
+    const int error = askAttributes(parent, name, follow, wantedAttributes, out);
     if (error != 0) return tl::unexpected(error);
     return out;
 }
@@ -193,16 +191,15 @@ SysResult<FileAttributes> LinuxFileSystem::freshAttributes(int parent, const cha
                                                            Links links) const {
     FileAttributes out;
     const int follow = links == Links::Keep ? AT_SYMLINK_NOFOLLOW : 0;
-    const int error = askAttributes(parent, name, follow | AT_STATX_FORCE_SYNC,
-                                    wantedAttributes | STATX_BTIME, out);
+    const int error =
+        askAttributes(parent, name, follow | AT_STATX_FORCE_SYNC, wantedAttributes, out);
     if (error != 0) return tl::unexpected(error);
     return out;
 }
 
 SysResult<FileAttributes> LinuxFileSystem::attributes(int descriptor) const {
     FileAttributes out;
-    const int error =
-        askAttributes(descriptor, "", AT_EMPTY_PATH, wantedAttributes | STATX_BTIME, out);
+    const int error = askAttributes(descriptor, "", AT_EMPTY_PATH, wantedAttributes, out);
     if (error != 0) return tl::unexpected(error);
     return out;
 }

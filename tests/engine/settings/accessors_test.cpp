@@ -124,7 +124,8 @@ TEST(UserFolders, EachBelowItsOwnHome) {
     ::setenv("HOME", tree.path().c_str(), 1);
     for (const Row& row : {Row{&userConfigFolder, "XDG_CONFIG_HOME", ".config"},
                            Row{&userDataFolder, "XDG_DATA_HOME", ".local/share"},
-                           Row{&userStateFolder, "XDG_STATE_HOME", ".local/state"}}) {
+                           Row{&userStateFolder, "XDG_STATE_HOME", ".local/state"},
+                           Row{&userCacheFolder, "XDG_CACHE_HOME", ".cache"}}) {
         ::unsetenv(row.variable);
         EXPECT_EQ(row.folder(), tree.at(std::string(row.usual) + "/com.kelpford.Orrinvale"));
         ::setenv(row.variable, tree.at("own").c_str(), 1);

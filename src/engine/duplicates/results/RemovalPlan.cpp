@@ -55,7 +55,7 @@ void RemovalPlan::addGroup(const TreeNode& node, const std::unordered_set<const 
         const auto& data = simpleData(child);
         places.emplace(&child, Place{m_groups.size(), i});
         group.members.push_back({data->name(), data->fileSize(), data->identity(),
-                                 data->bundleDigest(), data->isProtected()});
+                                 data->bundleDigest(), data->isProtected(), data->isRecalled()});
         group.copies.push_back(i);
         if (group.members.back().identity) group.byFile.push_back(i);
     }
@@ -126,7 +126,8 @@ const RemovalPlan::Member* RemovalPlan::copyFor(Group& group, const Member& want
 std::unique_ptr<CopyLook> RemovalPlan::lookFor(const Member& wanted, const Member* kept) const {
     auto copy =
         kept != nullptr ? std::optional(KeptCopy{kept->path, *kept->identity}) : std::nullopt;
-    const bool compares = m_comparing == Comparing::Always;
+    const bool compares = m_comparing == Comparing::Always || wanted.isRecalled ||
+                          (kept != nullptr && kept->isRecalled);
     if (!wanted.digest) return std::make_unique<FileLook>(m_files, std::move(copy), compares);
     return std::make_unique<BundleLook>(
         m_files, BundleLook::Digests{wanted.digest, kept != nullptr ? kept->digest : std::nullopt},

@@ -22,8 +22,8 @@ namespace orrinvale {
 /// node of the tree is touched after prepare().
 class RemovalPlan final : public RemovalList {
 public:
-    /// How contents are compared before a copy goes. Groups that rest on anything but a search just
-    /// made are always compared.
+    /// Whether contents are compared before a copy goes. What rests on anything but a search just
+    /// made, what was recalled among it, is always compared.
     enum class Comparing : std::uint8_t { Always, Never };
 
     /// Each ticked leaf once, in the order of ticking. The file system outlives the plan.
@@ -82,6 +82,7 @@ private:
         std::optional<EntryIdentity> identity;
         std::optional<std::uint64_t> digest;  ///< of a bundle's listing
         bool isProtected = false;
+        bool isRecalled = false;
         bool isOut = false;  ///< gone, or found changed: no copy for any other
     };
     struct Group {

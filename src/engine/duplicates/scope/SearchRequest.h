@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,12 +13,15 @@
 
 namespace orrinvale {
 
+class HashCache;
+
 /// All paths are absolute.
 struct SearchRequest {
     std::vector<std::string> roots;                  ///< searched in this order
     std::vector<std::string> protectedFolders = {};  ///< what lies in one is never ticked
     std::uint64_t limit = 0;                         ///< files larger than that, bytes
     SearchFilter filter = {};
+    std::shared_ptr<HashCache> cache = nullptr;  ///< of this search alone; null reads everything
 };
 
 /// A folder that is searched as a part of another.

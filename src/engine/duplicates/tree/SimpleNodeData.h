@@ -80,6 +80,10 @@ public:
     [[nodiscard]] std::uint32_t hardLinks() const { return m_hardLinks; }
     void setHardLinks(std::uint32_t count) { m_hardLinks = count; }
 
+    /// True when the leaf is in its group by what an earlier search read of it, and not this one.
+    [[nodiscard]] bool isRecalled() const { return m_isRecalled; }
+    void setRecalled(bool isRecalled) { m_isRecalled = isRecalled; }
+
     /// True when the leaf is a symbolic link directly in the folder that was searched, or stands
     /// behind one: it then lies elsewhere than its path says, at linkTarget().
     [[nodiscard]] bool isLink() const { return m_isLink; }
@@ -130,6 +134,7 @@ private:
     bool m_isExpandable;
     bool m_mark = false;
     bool m_isProtected = false;
+    bool m_isRecalled = false;
     bool m_isLink = false;
     bool m_liesOutside = false;
     std::uint32_t m_hardLinks = 1;

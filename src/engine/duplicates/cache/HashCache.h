@@ -1,0 +1,102 @@
+// HashCache: what earlier searches found out of the contents of files, so that a search reads only
+// what changed since. HashRecord.h tells how it lies on the disk; duplicateFind asks.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "engine/duplicates/cache/HashFile.h"
+#include "engine/duplicates/cache/saveHashes.h"
+#include "engine/duplicates/fileAttrbItem.h"
+#include "platform/error.h"
+#include "platform/fileTypes.h"
+#include "platform/lastingVolume.h"
+
+namespace orrinvale {
+
+/// What the cache asks of the system, and how large it may become.
+struct HashCacheParts {
+    std::function<SysResult<VolumeName>(int folder)> volumeOf = &lastingVolume;
+    std::function<std::int64_t()> now = &fileClock;
+    std::uint64_t mostBytes = 256ULL << 20U;
+};
+
+/// Serves one search: begin(), learnVolumes(), recall() by any number of threads, keep(), finish().
+///
+/// A file is known again by its file system, inode, size, time of modification, of change and of
+/// making. In doubt nothing is remembered and nothing recalled: of files that were changed less
+/// than two seconds before the search or in its future, whose time of change is in whole seconds,
+/// whose inode number need not last; of file systems without a name that lasts; when the clock was
+/// set back since. Who holds a file mapped for writing may change it without a trace in its times,
+/// and so removals compare what was recalled.
+class HashCache final {
+public:
+    /// Nothing is read or written yet.
+    explicit HashCache(std::string path, HashCacheParts parts = {});
+    ~HashCache();
+    HashCache(const HashCache&) = delete;
+    HashCache& operator=(const HashCache&) = delete;
+
+    /// Before the listing: what changes from now on is told by its times.
+    void begin();
+
+    /// After the listing: which of the list's devices are told again.
+    void learnVolumes(const FileSystem& files, const FileList& list);
+
+    struct Recalled {
+        std::uint8_t known = 0;  ///< KnownHashes
+        std::uint64_t head = 0;
+        std::uint64_t tail = 0;
+        std::uint64_t whole = 0;
+    };
+    /// `hint` is the calling thread's own, and 0 at first.
+    [[nodiscard]] Recalled recall(const fileAttrbItem& file, std::size_t& hint) const;
+
+    /// After the search: begins to write what is worth it, on a thread of its own. The list and its
+    /// files must live until finish(). What can not be written is lost, and told in the log.
+    void keep(const FileList& list, FreshHashes fresh);
+    /// Waits for that; also before the first keep().
+    void finish();
+
+private:
+    struct Volume {
+        std::uint64_t device = 0;
+        bool isKnown = false;  ///< else nothing of this device is remembered
+        VolumeName name;
+        std::uint8_t number = 0;  ///< in the file
+        bool isInFile = false;
+    };
+    [[nodiscard]] const Volume* volumeOf(std::uint64_t device) const;
+    [[nodiscard]] bool isCertain(const fileAttrbItem& file) const;
+    void save(const FileList& list, FreshHashes fresh);
+    [[nodiscard]] bool isWorthWriting(const FileList& list, FreshHashes& fresh) const;
+
+    const std::string m_path;
+    const HashCacheParts m_parts;
+    std::int64_t m_began = 0;
+    HashFile m_file;
+    std::vector<Volume> m_volumes;
+    mutable std::atomic<std::uint64_t> m_aged{0};  // recalled, and long not used before
+    std::thread m_saving;
+};
+
+/// The user's own: where it lies.
+[[nodiscard]] std::string hashCachePath();
+
+/// How much is remembered.
+struct HashCacheSize {
+    std::uint64_t bytes = 0;
+    std::uint64_t files = 0;
+};
+[[nodiscard]] HashCacheSize hashCacheSize(const std::string& path);
+
+/// Forgets everything. Success also where there was nothing.
+[[nodiscard]] Result<void> clearHashCache(const std::string& path);
+
+}  // namespace orrinvale
