@@ -11,6 +11,7 @@
 #include "cli/MemoryCommand.h"
 #include "cli/RemoveCommand.h"
 #include "cli/SettingsCommand.h"
+#include "cli/ShareCommand.h"
 #include "cli/SizeCommand.h"
 #include "cli/UndoCommand.h"
 #include "cli/UsageCommand.h"
@@ -22,6 +23,7 @@ CommandSet::CommandSet() {
     m_commands.push_back(std::make_unique<DuplicatesCommand>(m_files));
     m_commands.push_back(std::make_unique<CacheCommand>());
     m_commands.push_back(std::make_unique<RemoveCommand>(m_files));
+    m_commands.push_back(std::make_unique<ShareCommand>(m_files));
     m_commands.push_back(std::make_unique<UndoCommand>(m_files));
     m_commands.push_back(std::make_unique<LargeCommand>(m_files));
     m_commands.push_back(std::make_unique<UsageCommand>(m_files));

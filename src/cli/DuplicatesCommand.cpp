@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <cstddef>
+#include <iterator>
 #include <utility>
 
 #include "cli/DuplicatesReport.h"
@@ -51,7 +52,7 @@ void complainOfSkipped(const FileSystem& files, const std::vector<Error>& skippe
 
 }  // namespace
 
-std::vector<OptionSpec> DuplicatesCommand::options() const {
+std::vector<OptionSpec> DuplicatesCommand::searchOptions() {
     return {
         {"--hidden", "", "Search entries whose names begin with a dot too"},
         {"--system", "", "Search the system's folders in / too"},
@@ -64,7 +65,12 @@ std::vector<OptionSpec> DuplicatesCommand::options() const {
         {"--exclude", "PATTERN...", "Leave out files and folders of this name, or at this path"},
         {"--exclusion-files", "",
          "Leave out what files named .orrinvaleignore in the folders say, too"},
-        {"--protect", "FOLDER...", "Search this folder as well as the others, but keep all of it"},
+        {"--protect", "FOLDER...", "Search this folder as well as the others, but keep all of it"}};
+}
+
+std::vector<OptionSpec> DuplicatesCommand::options() const {
+    auto specs = searchOptions();
+    const OptionSpec more[] = {
         {"--keep", "RULE...",
          "Tell which copies would stay by this rule: newest, oldest, shortest-path, "
          "shortest-name or path:FOLDER; a further rule orders what those before it leave "
@@ -73,6 +79,8 @@ std::vector<OptionSpec> DuplicatesCommand::options() const {
         {"--plan", "FILE",
          "Write a plan of which copies would go, by the rules of --keep, for the command remove"},
         {"FOLDER...", "", "The folders to search, as one"}};
+    specs.insert(specs.end(), std::begin(more), std::end(more));
+    return specs;
 }
 
 std::string_view DuplicatesCommand::description() const {
@@ -154,9 +162,9 @@ std::optional<Status> DuplicatesCommand::readRules(const Arguments& arguments,
     return std::nullopt;
 }
 
-Status DuplicatesCommand::run(const Arguments& arguments) {
-    SearchRequest request;
-    KeepRules rules;
+std::optional<Status> DuplicatesCommand::readSearch(const Arguments& arguments,
+                                                    SearchRequest& request,
+                                                    KeepRules& rules) const {
     if (const auto fault = readFilter(arguments, request)) return badUsage(*fault);
     if (const auto status = readRules(arguments, rules)) return *status;
     for (const char* name : {"protect", "FOLDER"})
@@ -172,20 +180,22 @@ Status DuplicatesCommand::run(const Arguments& arguments) {
     std::rotate(request.roots.begin(),
                 request.roots.begin() + std::ptrdiff_t(request.protectedFolders.size()),
                 request.roots.end());
+    return std::nullopt;
+}
+
+Status DuplicatesCommand::run(const Arguments& arguments) {
+    SearchRequest request;
+    KeepRules rules;
+    if (const auto status = readSearch(arguments, request, rules)) return *status;
     PreferenceViewController::initialize();
     if (!arguments.has("no-cache") && PreferenceViewController::rememberContents())
         request.cache = std::make_shared<HashCache>(hashCachePath());
     return search(arguments, request, rules);
 }
 
-Status DuplicatesCommand::search(const Arguments& arguments, const SearchRequest& request,
-                                 const KeepRules& rules) {
-    const std::string plan = arguments.has("plan") ? absolutePath(arguments.text("plan")) : "";
-    if (const auto objection = plan.empty() ? std::nullopt : objectionToPlanAt(plan)) {
-        complain(fmt::format("{}: {}", plan, *objection));
-        return Status::NoSuchFolder;
-    }
-    DuplicateFilesOpt search(m_files);
+tl::expected<Ending, Status> DuplicatesCommand::runSearch(const Arguments& arguments,
+                                                          const SearchRequest& request,
+                                                          DuplicateFilesOpt& search) const {
     const SearchOption option{arguments.has("hidden"), arguments.has("system")};
     search.setSearchOption(&option);
     const Ending ending = [&] {
@@ -196,11 +206,10 @@ Status DuplicatesCommand::search(const Arguments& arguments, const SearchRequest
     }();
     const auto state = search.search();
     if (state->rootError())
-        return noSuchFolder(state->rootError()->path, state->rootError()->reason());
+        return tl::unexpected(noSuchFolder(state->rootError()->path, state->rootError()->reason()));
 
-    const std::vector<Error> skipped = state->skipped().entries();
     if (!arguments.has("quiet")) {
-        complainOfSkipped(m_files, skipped);
+        complainOfSkipped(m_files, state->skipped().entries());
         for (const std::string& folder : request.protectedFolders)
             if (!option.searchHidden && hasHiddenComponent(folder))
                 complain(
@@ -216,7 +225,21 @@ Status DuplicatesCommand::search(const Arguments& arguments, const SearchRequest
                             "known by path, size and times",
                             root));
     }
+    return ending;
+}
 
+Status DuplicatesCommand::search(const Arguments& arguments, const SearchRequest& request,
+                                 const KeepRules& rules) {
+    const std::string plan = arguments.has("plan") ? absolutePath(arguments.text("plan")) : "";
+    if (const auto objection = plan.empty() ? std::nullopt : objectionToPlanAt(plan)) {
+        complain(fmt::format("{}: {}", plan, *objection));
+        return Status::NoSuchFolder;
+    }
+    DuplicateFilesOpt search(m_files);
+    const auto ended = runSearch(arguments, request, search);
+    if (!ended) return ended.error();
+    const Ending ending = *ended;
+    const std::vector<Error> skipped = search.search()->skipped().entries();
     Output out(STDOUT_FILENO);
     const DuplicatesReport report{search, request, arguments.has("keep") ? &rules : nullptr};
     const DuplicatesSummary summary = summarize(report);

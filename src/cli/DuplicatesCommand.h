@@ -3,11 +3,16 @@
 
 #include <optional>
 #include <string>
+#include <tl/expected.hpp>
 
 #include "cli/Command.h"
 #include "engine/duplicates/keep/KeepRule.h"
 #include "engine/duplicates/scope/SearchRequest.h"
 #include "platform/fileTypes.h"
+
+namespace orrinvale {
+class DuplicateFilesOpt;
+}
 
 namespace orrinvale::cli {
 
@@ -23,6 +28,15 @@ public:
     [[nodiscard]] std::string_view description() const override;
     [[nodiscard]] std::vector<OptionSpec> options() const override;
     Status run(const Arguments& arguments) override;
+
+    /// What a command takes that begins with a search: options, beside --keep and FOLDER...
+    [[nodiscard]] static std::vector<OptionSpec> searchOptions();
+    /// Reads them. The status of what was complained of; nothing where all is well.
+    std::optional<Status> readSearch(const Arguments& arguments, SearchRequest& request,
+                                     KeepRules& rules) const;
+    /// Searches, and tells what was left out. The status of a folder that could not be searched.
+    tl::expected<Ending, Status> runSearch(const Arguments& arguments, const SearchRequest& request,
+                                           DuplicateFilesOpt& search) const;
 
 private:
     static std::optional<std::string> readFilter(const Arguments& arguments,

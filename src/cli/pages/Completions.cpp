@@ -18,7 +18,8 @@ std::string replaced(std::string_view text, std::string_view what, std::string_v
 
 // The kind of what stands behind the options; all arguments of a command are of one kind.
 WordKind argumentKind(const CommandForms& command) {
-    return command.arguments.empty() ? WordKind::Free : kindOf(command.arguments.front().names);
+    return command.arguments.empty() ? WordKind::Free
+                                     : kindOf(unbracketed(command.arguments.front().names));
 }
 
 // --- bash

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "engine/base/saturating.h"
@@ -76,6 +77,17 @@ struct RemovalResult {
         std::uint64_t folderInode = 0;
     };
     std::optional<Moved> moved = std::nullopt;
+    /// Of what did not go but gave its bytes up for those of the copy that stays.
+    struct Shared {
+        enum class By : std::uint8_t { Already, Extents, HardLink };
+        By by = By::Already;
+        std::string with;         ///< the path of the copy that stays
+        std::uint64_t bytes = 0;  ///< that it had on the disk for itself
+        std::pair<std::uint64_t, std::uint64_t> keptFile = {};  ///< its device and inode
+        std::optional<std::int64_t> keptChanged =
+            std::nullopt;  ///< the time of change that the copy that stays got by it
+    };
+    std::optional<Shared> shared = std::nullopt;
     static constexpr std::size_t mostFailures = 100;
 
     /// Of one name that went, or of none; `isFirst` where no other name of its file went before.

@@ -23,6 +23,7 @@
 #include "engine/files/asideName.h"
 #include "engine/files/writeAll.h"
 #include "engine/removal/SetAside.h"
+#include "engine/removal/nameOfLink.h"
 #include "engine/removal/stayReasons.h"
 #include "engine/text/escapedLine.h"
 #include "platform/files.h"
@@ -33,6 +34,7 @@ namespace {
 
 constexpr std::string_view head = "orrinvale aside 1\n";
 constexpr std::string_view extension = ".aside";
+constexpr unsigned replacedMark = 16;  // beside the type, of what a link takes the name of
 
 std::string_view takeField(std::string_view& line) {
     const std::size_t end = std::min(line.find(' '), line.size());
@@ -56,13 +58,15 @@ std::optional<AsideRecord> readRecord(std::string_view line) {
     AsideRecord record;
     unsigned type = 0;
     record.token = takeField(line);
-    const bool isRead =
-        readNumber(takeField(line), record.device) && readNumber(takeField(line), record.inode) &&
-        readNumber(takeField(line), type) && type <= static_cast<unsigned>(FileType::BlockDevice);
+    const bool isRead = readNumber(takeField(line), record.device) &&
+                        readNumber(takeField(line), record.inode) &&
+                        readNumber(takeField(line), type) && type < 2 * replacedMark &&
+                        type % replacedMark <= static_cast<unsigned>(FileType::BlockDevice);
     auto path = unescapedLine(line);
     if (!isRead || !path || !isPlain(*path) || !isAsideName(asideName(record.token, "x")))
         return std::nullopt;
-    record.type = static_cast<FileType>(type);
+    record.type = static_cast<FileType>(type % replacedMark);
+    record.isReplaced = type >= replacedMark;
     record.path = std::move(*path);
     return record;
 }
@@ -71,7 +75,9 @@ std::string linesOf(std::span<const AsideRecord> records) {
     std::string lines;
     for (const AsideRecord& each : records)
         fmt::format_to(std::back_inserter(lines), "{} {} {} {} {}\n", each.token, each.device,
-                       each.inode, static_cast<unsigned>(each.type), escapedLine(each.path));
+                       each.inode,
+                       static_cast<unsigned>(each.type) + (each.isReplaced ? replacedMark : 0),
+                       escapedLine(each.path));
     return lines;
 }
 
@@ -116,6 +122,9 @@ Settling settle(const FileSystem& files, const AsideRecord& record) {
         return {Found::Stays, "it is another entry than the one that was set aside"};
     const auto moved = giveNameBack(files, parent->get(), aside, own);
     if (moved) return {Found::BroughtBack, {}};
+    if (moved.error() == EEXIST && record.isReplaced &&
+        takeBackName(files, parent->get(), aside, own))
+        return {Found::BroughtBack, {}};
     if (moved.error() == EEXIST) return {Found::Stays, std::string(stay::nameTaken)};
     return {Found::Later, {}};
 }

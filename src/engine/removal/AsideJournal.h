@@ -28,6 +28,7 @@ struct AsideRecord {
     std::uint64_t device = 0;  ///< of its folder; layers give files other ones
     std::uint64_t inode = 0;   ///< of the entry
     FileType type = FileType::Unknown;
+    bool isReplaced = false;  ///< another name of a copy takes its name before it goes
     friend bool operator==(const AsideRecord&, const AsideRecord&) = default;
 };
 

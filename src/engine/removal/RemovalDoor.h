@@ -36,6 +36,9 @@ public:
     /// Whether copies are set aside on the way, so that a journal has to name them first.
     [[nodiscard]] virtual bool setsAside() const { return true; }
 
+    /// Whether another name of the copy that stays may take the name of what is aside.
+    [[nodiscard]] virtual bool replaces() const { return false; }
+
     /// Makes what went durable, on all file systems that something was set aside on. May wait for a
     /// slow disk.
     virtual void flush() {}

@@ -109,7 +109,8 @@ void RemovalJob::Work::settled(std::size_t index, const RemovalResult& result) {
     std::unique_lock lock(m_mutex);
     ++m_progress.done;
     m_settled.push_back({index, result.gone, !result.gone && result.removed > 0,
-                         !result.gone && hasFailed(result), result.changed});
+                         result.shared.has_value(), !result.gone && hasFailed(result),
+                         result.changed});
     if (std::chrono::steady_clock::now() - m_told >= newsInterval) tell(lock);
 }
 

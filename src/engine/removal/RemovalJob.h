@@ -36,6 +36,7 @@ public:
         std::size_t index = 0;
         bool gone = false;                    ///< by us or by somebody else
         bool isPartly = false;                ///< a stop or a failure left a part of a folder
+        bool isShared = false;                ///< it has its bytes in common with another copy now
         bool hasFailed = false;               ///< something stays that no rule of cleaning keeps
         std::optional<std::int64_t> changed;  ///< RemovalResult::changed
     };

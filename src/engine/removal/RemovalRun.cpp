@@ -38,8 +38,8 @@ RemovalOutcome RemovalRun::run() {
     m_telling.waiting(false);
     for (std::size_t from = 0; from < m_list.size() && !m_stop; from += batchSize)
         runBatch(from, std::min(from + batchSize, m_list.size()));
-    const std::size_t settled =
-        m_outcome.removed + m_outcome.byOthers + m_outcome.kept + m_outcome.failed;
+    const std::size_t settled = m_outcome.removed + m_outcome.byOthers + m_outcome.kept +
+                                m_outcome.failed + m_outcome.shared;
     m_outcome.stopped = m_outcome.stopped || settled < m_outcome.chosen;
     return m_outcome;
 }
@@ -90,8 +90,8 @@ std::optional<AsideRecord> RemovalRun::recordFor(std::size_t index) {
         m_lastDevice = seen ? seen->device : identity->device;
         m_lastFolder = std::move(folder);
     }
-    return AsideRecord{m_tokenSource.next(), std::move(path), m_lastDevice, identity->inode,
-                       identity->type};
+    return AsideRecord{m_tokenSource.next(), std::move(path), m_lastDevice,
+                       identity->inode,      identity->type,  m_door.replaces()};
 }
 
 Result<void> RemovalRun::write(const std::vector<AsideRecord>& records) {
@@ -136,6 +136,11 @@ void RemovalRun::countBytes(std::size_t index, const RemovalResult& result) {
 }
 
 void RemovalRun::count(std::size_t index, const RemovalResult& result) {
+    if (result.shared) {
+        ++m_outcome.shared;
+        addSaturating(m_outcome.bytes, result.shared->bytes);
+        return;
+    }
     if (result.bytes) addSaturating(m_outcome.bytes, *result.bytes);
     if (result.gone) {
         ++(result.byOthers ? m_outcome.byOthers : m_outcome.removed);

@@ -21,6 +21,7 @@ struct RemovalOutcome {
     std::size_t removed = 0;   ///< chosen entries that went, by us
     std::size_t byOthers = 0;  ///< that somebody else had removed when we came to them
     std::size_t kept = 0;      ///< that a rule kept, which is no failure
+    std::size_t shared = 0;    ///< that have their bytes in common with the copy that stays
     std::size_t failed = 0;    ///< all others that are still there, in whole or in part
     std::uint64_t failedEntries =
         0;  ///< entries that could not be removed, those within folders among them

@@ -1,6 +1,7 @@
 // Rules of a search that only show where two of its parts meet: the options, links and mounts,
 // progress, and what changes under it.
 #include "engine/duplicates/SearchRun.h"
+#include "support/DiskImage.h"
 #include "support/realFiles.h"
 #include "support/test.h"
 
@@ -231,29 +232,8 @@ TEST(SearchRules, AFileThatChangesWhileItIsReadIsNoCopy) {
 
 // On a disk image of the kind that shows it: while a folder is listed, files in it go away under
 // another name and come back. The system then lists some of them twice.
-void withImage(const std::string& make, const char* type,
-               const std::function<std::string(TestTree& tree)>& check) {
-    TestTree place;
-    if (!place.sparse("image", 400ULL << 20U)) GTEST_SKIP() << "no image";
-    if (std::system((make + " " + place.at("image") + " >/dev/null 2>&1").c_str()) != 0)
-        GTEST_SKIP() << "no " << make;
-    testing::withOwnMounts([&]() -> std::string {
-        const std::string mount =
-            "mount -t " + std::string(type) + " -o loop " + place.at("image") + " /mnt 2>/dev/null";
-        if (std::system(mount.c_str()) != 0)
-            return "skip: " + std::string(type) + " can not be mounted here";
-        std::string said;
-        {
-            TestTree tree("/mnt");
-            said = check(tree);
-        }
-        (void)!std::system("umount /mnt");
-        return said;
-    });
-}
-
 TEST(SearchRules, FilesRenamedAwayAndBackDuringTheListing) {
-    withImage("mkfs.xfs -q", "xfs", [](TestTree& tree) -> std::string {
+    testing::withImage("mkfs.xfs -q", "xfs", [](TestTree& tree) -> std::string {
         constexpr int count = 40'000;
         for (int i = 0; i < count; ++i)
             if (!tree.write("wide/file" + std::to_string(i), "content " + std::to_string(i)))
@@ -279,7 +259,7 @@ TEST(SearchRules, FilesRenamedAwayAndBackDuringTheListing) {
 }
 
 TEST(SearchRules, FilesOnADiskWithoutInodeNumbers) {
-    withImage("mkfs.vfat", "vfat", [](TestTree& tree) -> std::string {
+    testing::withImage("mkfs.vfat", "vfat", [](TestTree& tree) -> std::string {
         for (int i = 0; i < 200; ++i)
             for (const char* side : {"a/", "b/"})
                 if (!tree.write(side + std::to_string(i), "content " + std::to_string(i)))

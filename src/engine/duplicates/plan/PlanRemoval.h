@@ -40,6 +40,10 @@ public:
         std::size_t index) override;
     void settled(std::size_t index, const RemovalResult& result) override;
 
+    /// Whether what is at this path is protected by a folder of the plan. Once the turn has come,
+    /// on the removing thread.
+    [[nodiscard]] bool isGuarded(const std::string& path) { return m_guarded->covers(path); }
+
     /// What became of an entry, for when the removal has ended.
     struct Settled {
         enum class As : std::uint8_t { NotReached, Gone, GoneByOthers, Stayed, Partly };

@@ -176,18 +176,22 @@ void RemovalPlan::excuse(std::span<const Excuse> excuses) {
         }
 }
 
+// All names of a file have its new time of change.
+void RemovalPlan::learnChanged(Group& group, const FileKey& file, std::int64_t changed) {
+    const auto names = std::ranges::equal_range(
+        group.byFile, file, {}, [&](std::size_t i) { return fileOf(group.members[i].identity); });
+    for (const std::size_t each : names) group.members[each].identity->changed = changed;
+}
+
 void RemovalPlan::settled(std::size_t index, const RemovalResult& result) {
     const Place place = m_entries.at(index).place;
     Group& group = m_groups[place.group];
-    group.members[place.member].isOut = result.gone;
-    if (!result.changed || !group.members[place.member].identity) return;
-    const auto same = std::equal_range(group.byFile.begin(), group.byFile.end(), place.member,
-                                       [&](std::size_t left, std::size_t right) {
-                                           return fileOf(group.members[left].identity) <
-                                                  fileOf(group.members[right].identity);
-                                       });
-    for (auto each = same.first; each != same.second; ++each)
-        group.members[*each].identity->changed = *result.changed;
+    Member& member = group.members[place.member];
+    member.isOut = result.gone;
+    if (result.shared && result.shared->keptChanged)
+        learnChanged(group, result.shared->keptFile, *result.shared->keptChanged);
+    if (result.changed && member.identity)
+        learnChanged(group, fileOf(member.identity), *result.changed);
 }
 
 }  // namespace orrinvale

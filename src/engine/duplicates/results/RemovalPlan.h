@@ -9,6 +9,7 @@
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "engine/duplicates/tree/SimpleTreeNode.h"
@@ -102,6 +103,8 @@ private:
     };
     void addGroup(const TreeNode& node, const std::unordered_set<const TreeNode*>& ticked,
                   std::unordered_map<const TreeNode*, Place>& places);
+    using FileKey = std::pair<std::uint64_t, std::uint64_t>;  // device and inode
+    static void learnChanged(Group& group, const FileKey& file, std::int64_t changed);
     [[nodiscard]] const Member& member(std::size_t index) const;
     [[nodiscard]] bool isCopyFor(const Member& wanted, const Member& other) const;
     [[nodiscard]] bool isAsListed(const Member& bundle) const;

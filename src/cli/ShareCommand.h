@@ -1,0 +1,37 @@
+// orrinvale-cli share: copies give their bytes up for those of the copy that stays; nothing goes.
+#pragma once
+
+#include <tl/expected.hpp>
+
+#include "cli/Command.h"
+#include "cli/DuplicatesCommand.h"
+
+namespace orrinvale {
+struct DuplicatePlan;
+}
+
+namespace orrinvale::cli {
+
+class ShareCommand final : public Command {
+public:
+    /// `files` must outlive the command.
+    explicit ShareCommand(const FileSystem& files) : m_files(files), m_duplicates(files) {}
+
+    [[nodiscard]] std::string_view name() const override { return "share"; }
+    [[nodiscard]] std::string_view summary() const override {
+        return "Let copies have their space on the disk in common instead of removing them";
+    }
+    [[nodiscard]] std::string_view description() const override;
+    [[nodiscard]] std::vector<OptionSpec> options() const override;
+    Status run(const Arguments& arguments) override;
+
+private:
+    [[nodiscard]] tl::expected<DuplicatePlan, Status> planFor(const Arguments& arguments) const;
+    [[nodiscard]] tl::expected<DuplicatePlan, Status> searched(const Arguments& arguments) const;
+    [[nodiscard]] Status share(const Arguments& arguments, const DuplicatePlan& plan) const;
+
+    const FileSystem& m_files;
+    const DuplicatesCommand m_duplicates;
+};
+
+}  // namespace orrinvale::cli

@@ -1,0 +1,61 @@
+// ShareDoor: the way on which a copy does not leave but gives its bytes up for those of the copy
+// that stays, as one of the ways out of the program's one removal. ShareList.h has what goes it.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <set>
+#include <utility>
+
+#include "engine/duplicates/share/SharePair.h"
+#include "engine/files/ProtectedPlaces.h"
+#include "engine/removal/RemovalDoor.h"
+
+namespace orrinvale {
+
+/// By extents, where the file system has such; the system compares then. Else, where that is asked
+/// for, by a hard link: set aside, compared byte by byte, linked, or put back. What is written to a
+/// file by one name reaches all its names, so that two become one only where all but their bytes
+/// and times is equal. The file system outlives it.
+class ShareDoor final : public RemovalDoor {
+public:
+    struct Order {
+        /// Whether a file may become another name of this copy; nullptr: none may.
+        std::function<bool(const KeptCopy&)> mayLinkTo = nullptr;
+        bool onlyLooks = false;  ///< tells what would become of each, and touches nothing
+    };
+    ShareDoor(const FileSystem& files, ProtectedPlaces places, Order order)
+        : m_files(files), m_places(std::move(places)), m_order(std::move(order)), m_ground(files) {}
+
+    [[nodiscard]] bool setsAside() const override {
+        return m_order.mayLinkTo != nullptr && !m_order.onlyLooks;
+    }
+    [[nodiscard]] bool replaces() const override { return true; }
+    void flush() override { m_ground.flush(); }
+
+    /// RemovalResult::shared where the bytes are in common afterwards; else why not.
+    [[nodiscard]] RemovalResult remove(const LeavingEntry& entry,
+                                       const std::atomic<bool>& stop) override;
+
+private:
+    [[nodiscard]] RemovalResult share(const LeavingEntry& entry, const std::atomic<bool>& stop);
+    [[nodiscard]] std::optional<RemovalResult> shareExtents(const SharePair& pair,
+                                                            const std::atomic<bool>& stop,
+                                                            StayedEntry& why);
+    [[nodiscard]] SysResult<void> wouldShareExtents(const SharePair& pair) const;
+    [[nodiscard]] std::uint32_t nameLooked(const SharePair& pair);
+    [[nodiscard]] RemovalResult link(const SharePair& pair, const LeavingEntry& entry,
+                                     const std::atomic<bool>& stop);
+
+    const FileSystem& m_files;
+    const ProtectedPlaces m_places;
+    const Order m_order;
+    RenameGround m_ground;
+    HeldParents m_parents;
+    std::set<std::uint64_t> m_withoutExtents;  // devices
+    std::map<std::pair<std::uint64_t, std::uint64_t>, std::uint32_t>
+        m_looked;  // names, by device and inode
+};
+
+}  // namespace orrinvale
