@@ -31,6 +31,9 @@ constexpr unsigned mostReaders = 64;
 constexpr std::uint64_t stretchBytes = 64ULL << 20;
 constexpr std::uint64_t mostStretches = 1024;
 
+// So many files before a file is recalled the memory is told.
+constexpr std::size_t recalledAhead = 6;
+
 // The most that a batch grows to; far from where sums of sizes would overflow.
 constexpr std::uint64_t mostBatch = 1ULL << 46;
 
@@ -172,10 +175,10 @@ std::uint64_t HashAhead::hashedBytes() const {
 }
 
 // True when nothing of the file needs to be read.
-bool HashAhead::recallSmall(std::uint32_t index, unsigned worker) {
+bool HashAhead::recallSmall(std::uint32_t index) {
     if (m_cache == nullptr) return false;
     fileAttrbItem& item = *m_list[index];
-    const auto recalled = m_cache->recall(item, m_workers[worker].hint);
+    const auto recalled = m_cache->recall(item);
     constexpr std::uint8_t wanted = KnownHashes::head | KnownHashes::whole;
     if ((recalled.known & wanted) != wanted) return false;
     item.md5 = recalled.whole;
@@ -187,10 +190,10 @@ bool HashAhead::recallSmall(std::uint32_t index, unsigned worker) {
 }
 
 // True when nothing needs to be read for the first visit.
-bool HashAhead::recallLarge(Large& large, unsigned worker) {
+bool HashAhead::recallLarge(Large& large) {
     if (m_cache == nullptr) return false;
     fileAttrbItem& item = *m_list[large.index];
-    const auto recalled = m_cache->recall(item, m_workers[worker].hint);
+    const auto recalled = m_cache->recall(item);
     if ((recalled.known & KnownHashes::head) == 0) return false;
     item.md5_1k = recalled.head;
     item.isRecalled = true;
@@ -229,7 +232,9 @@ void HashAhead::hashFirstVisits(const std::vector<std::uint32_t>& small,
     const std::size_t grain = std::clamp<std::size_t>(total / 1024, 2, 128);
     m_crew.forEach(total, grain, m_stop, [&](std::size_t at, unsigned worker) {
         if (at < small.size()) {
-            if (recallSmall(small[at], worker)) return count(worker, 1, 0);
+            if (m_cache != nullptr && at + recalledAhead < small.size())
+                m_cache->expect(*m_list[small[at + recalledAhead]]);
+            if (recallSmall(small[at])) return count(worker, 1, 0);
             fileAttrbItem& item = *m_list[small[at]];
             const std::size_t bytes = hasherFor(worker, item).hashSmall(item);
             m_hashed[small[at]] = bytes != 0;
@@ -237,7 +242,7 @@ void HashAhead::hashFirstVisits(const std::vector<std::uint32_t>& small,
             count(worker, 1, bytes);
         } else {
             Large& one = large[at - small.size()];
-            if (recallLarge(one, worker)) return count(worker, 1, 0);
+            if (recallLarge(one)) return count(worker, 1, 0);
             fileAttrbItem& item = *m_list[one.index];
             one.ends = hasherFor(worker, item).hashEnds(item, false);
             count(worker, 1, FileHasher::headBytes);

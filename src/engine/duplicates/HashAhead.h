@@ -59,15 +59,14 @@ private:
         std::atomic<std::uint64_t> files{0};
         std::atomic<std::uint64_t> bytes{0};
         std::atomic<const fileAttrbItem*> item{nullptr};
-        std::size_t hint = 0;  // of recalling
     };
 
     void resolveMore(std::uint32_t upTo);
     void scaleBatches(double factor);
     std::uint32_t endOfBatch(std::uint32_t first) const;
     void hashBatch(std::uint32_t first, std::uint32_t last);
-    bool recallSmall(std::uint32_t index, unsigned worker);
-    bool recallLarge(Large& large, unsigned worker);
+    bool recallSmall(std::uint32_t index);
+    bool recallLarge(Large& large);
     void noteFresh(std::uint32_t index, std::uint8_t known);
     void noteEnds(const std::vector<Large>& large);
     void hashFirstVisits(const std::vector<std::uint32_t>& small, std::vector<Large>& large);

@@ -77,18 +77,26 @@ bool HashCache::isCertain(const fileAttrbItem& file) const {
            file.modified <= settled && file.changed % oneSecond != 0;
 }
 
-HashCache::Recalled HashCache::recall(const fileAttrbItem& file, std::size_t& hint) const {
+HashCache::Recalled HashCache::recall(const fileAttrbItem& file) const {
     if (m_file.isEmpty() || !isCertain(file)) return {};
     const Volume* const volume = volumeOf(file.device);
     if (volume == nullptr || !volume->isInFile) return {};
     const FileView::Look look = m_file.look();
-    const auto record = m_file.find(volume->number, file.inode, hint);
+    const auto record = m_file.find(volume->number, file.inode);
     if (!record || record->changed != file.changed ||
         record->print != printOf(m_file.header().salt, file.fileSize, file.modified, file.born))
         return {};
     if (record->used + daysOfAge < dayOf(m_began)) m_aged.fetch_add(1, std::memory_order_relaxed);
     return {static_cast<std::uint8_t>(record->known & KnownHashes::all), record->head, record->tail,
             record->whole};
+}
+
+void HashCache::expect(const fileAttrbItem& file) const {
+    if (m_file.isEmpty()) return;
+    const Volume* const volume = volumeOf(file.device);
+    if (volume == nullptr || !volume->isInFile) return;
+    const FileView::Look look = m_file.look();
+    m_file.expect(volume->number, file.inode);
 }
 
 // What writing the file anew takes must be less than what it spares, so that a few new files do not

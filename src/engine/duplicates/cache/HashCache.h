@@ -55,8 +55,9 @@ public:
         std::uint64_t tail = 0;
         std::uint64_t whole = 0;
     };
-    /// `hint` is the calling thread's own, and 0 at first.
-    [[nodiscard]] Recalled recall(const fileAttrbItem& file, std::size_t& hint) const;
+    [[nodiscard]] Recalled recall(const fileAttrbItem& file) const;
+    /// That it will be recalled soon by this thread, which spares waiting for the memory.
+    void expect(const fileAttrbItem& file) const;
 
     /// After the search: begins to write what is worth it, on a thread of its own. The list and its
     /// files must live until finish(). What can not be written is lost, and told in the log.

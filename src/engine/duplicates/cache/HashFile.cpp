@@ -1,4 +1,4 @@
-// open() decides whether to trust the file; find() searches from where the last record was.
+// open() decides whether to trust the file; of what lies in it nothing is trusted before its sum.
 #include "engine/duplicates/cache/HashFile.h"
 
 #include <fcntl.h>
@@ -16,6 +16,9 @@ namespace {
 
 // Far above every limit that is set, and far below what a 64-bit number of records could add up to.
 constexpr std::uint64_t mostHashBytes = std::uint64_t{1} << 36U;
+
+// Of a sound file far more than chance gives any stretch.
+constexpr std::uint32_t mostInStretch = 64;
 
 // What is read ahead as a whole: about what half a million files take.
 constexpr std::uint64_t readAheadBytes = 32ULL << 20U;
@@ -42,8 +45,9 @@ bool isSound(const HashHeader& header, std::uint64_t fileSize, std::int64_t now)
     return header.magic == HashHeader::ownMagic && header.version == HashHeader::ownVersion &&
            header.order == HashHeader::ownOrder && header.check == sumOf(header) &&
            header.volumeCount <= HashHeader::mostVolumes && fileSize <= mostHashBytes &&
-           header.count == (fileSize - sizeof header) / sizeof(HashRecord) &&
-           fileSize == sizeof header + header.count * sizeof(HashRecord) && header.written <= now;
+           header.stretchBits >= 1 && header.stretchBits <= HashHeader::mostStretchBits &&
+           header.count <= fileSize / sizeof(HashRecord) &&
+           fileSize == hashFileSize(header.count, header.stretchBits) && header.written <= now;
 }
 
 HashFile HashFile::open(const std::string& path, std::int64_t now) {
@@ -75,42 +79,33 @@ std::span<const HashRecord> HashFile::records() const {
     return {reinterpret_cast<const HashRecord*>(first), m_header.count};
 }
 
-// In steps that double from the hint on, until the record lies between two of them.
-std::optional<HashRecord> HashFile::find(std::uint8_t volume, std::uint64_t inode,
-                                         std::size_t& hint) const {
+std::span<const HashRecord> HashFile::stretchOf(std::uint8_t volume, std::uint64_t inode) const {
     const auto all = records();
-    if (all.empty()) return std::nullopt;
-    const std::tuple wanted(volume, inode);
-    std::size_t first = 0;
-    std::size_t last = all.size();
-    const std::size_t from = std::min(hint, last - 1);
-    if (all[from].place() <= wanted) {
-        first = from;
-        for (std::size_t step = 1; step < last - from; step *= 2) {
-            if (all[from + step].place() > wanted) {
-                last = from + step;
-                break;
-            }
-            first = from + step;
-        }
-    } else {
-        last = from;
-        for (std::size_t step = 1; step <= from; step *= 2) {
-            if (all[from - step].place() <= wanted) {
-                first = from - step;
-                break;
-            }
-            last = from - step;
-        }
+    if (all.empty()) return {};
+    const auto* const starts = reinterpret_cast<const std::uint32_t*>(all.data() + all.size());
+    const std::uint64_t stretch =
+        keyOf(m_header.salt, volume, inode) >> (64 - m_header.stretchBits);
+    const std::uint32_t first = starts[stretch];
+    const std::uint32_t last = starts[stretch + 1];
+    if (first >= last || last > all.size()) return {};
+    return all.subspan(first, std::min(last - first, mostInStretch));
+}
+
+std::optional<HashRecord> HashFile::find(std::uint8_t volume, std::uint64_t inode) const {
+    for (const HashRecord& each : stretchOf(volume, inode)) {
+        if (!each.isOf(volume, inode)) continue;
+        const HashRecord found = each;  // what lies there may change
+        if (found.isOf(volume, inode) && found.isWhole(m_header.salt)) return found;
+        break;
     }
-    while (last - first > 1) {
-        const std::size_t middle = first + (last - first) / 2;
-        (all[middle].place() <= wanted ? first : last) = middle;
-    }
-    hint = first;
-    const HashRecord found = all[first];  // what lies there may change
-    if (found.place() != wanted || !found.isWhole(m_header.salt)) return std::nullopt;
-    return found;
+    return std::nullopt;
+}
+
+void HashFile::expect(std::uint8_t volume, std::uint64_t inode) const {
+    const auto stretch = stretchOf(volume, inode);
+    constexpr std::size_t line = 64;  // bytes that a processor fetches at once
+    for (std::size_t at = 0; at < std::min(stretch.size_bytes(), 4 * line); at += line)
+        __builtin_prefetch(reinterpret_cast<const std::byte*>(stretch.data()) + at);
 }
 
 }  // namespace orrinvale

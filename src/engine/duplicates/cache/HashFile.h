@@ -30,10 +30,10 @@ public:
     /// The number of a file system in the records; nothing where none is of it.
     [[nodiscard]] std::optional<std::uint8_t> numberOf(const VolumeName& volume) const;
 
-    /// The record of a file. `hint` is where the last one of the same thread was found: neighbours
-    /// lie near each other. Under a look of the thread's own.
-    [[nodiscard]] std::optional<HashRecord> find(std::uint8_t volume, std::uint64_t inode,
-                                                 std::size_t& hint) const;
+    /// The record of a file. Under a look of the thread's own.
+    [[nodiscard]] std::optional<HashRecord> find(std::uint8_t volume, std::uint64_t inode) const;
+    /// Has the processor fetch what find() is going to look at. Likewise.
+    void expect(std::uint8_t volume, std::uint64_t inode) const;
 
     /// Under a look, as they lie: some may fail their sum.
     [[nodiscard]] std::span<const HashRecord> records() const;
@@ -41,6 +41,9 @@ public:
     [[nodiscard]] FileView::Look look() const { return FileView::Look(m_view); }
 
 private:
+    [[nodiscard]] std::span<const HashRecord> stretchOf(std::uint8_t volume,
+                                                        std::uint64_t inode) const;
+
     FileView m_view;
     HashHeader m_header;
 };

@@ -1,11 +1,12 @@
 // HashRecord: how remembered hashes lie on the disk: a page with a header, then records of one
-// size, in order, that are looked at where they lie. HashFile.h reads them, saveHashes.h writes.
+// size, in the order of keys that are spread evenly, then where the records of each stretch of keys
+// begin. So one look finds a record where it lies. HashFile.h reads them, saveHashes.h writes.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
-#include <tuple>
 #include <type_traits>
 
 #include "platform/lastingVolume.h"
@@ -45,7 +46,9 @@ struct HashRecord {
     std::uint8_t volume = 0;  ///< its place in HashHeader::volumes
     std::uint32_t check = 0;
 
-    [[nodiscard]] std::tuple<std::uint8_t, std::uint64_t> place() const { return {volume, inode}; }
+    [[nodiscard]] bool isOf(std::uint8_t number, std::uint64_t file) const {
+        return inode == file && volume == number;
+    }
 
     [[nodiscard]] std::uint32_t sum(std::uint64_t salt) const {
         std::uint64_t value = salt;
@@ -62,12 +65,20 @@ struct HashRecord {
 };
 static_assert(sizeof(HashRecord) == 56 && std::is_trivially_copyable_v<HashRecord>);
 
-/// In front of the records, which are in order of place(), no place twice.
+/// By which records are in order; no file comes twice.
+[[nodiscard]] constexpr std::uint64_t keyOf(std::uint64_t salt, std::uint8_t volume,
+                                            std::uint64_t inode) {
+    return stirred(salt ^ volume, inode);
+}
+
+/// In front of the records. Behind them stand 2^stretchBits + 1 numbers of four bytes: how many
+/// records have keys whose first bits are less than 0, 1, 2 and so on.
 struct HashHeader {
     static constexpr std::array<char, 8> ownMagic{'O', 'r', 'r', 'H', 'a', 's', 'h', '\n'};
     static constexpr std::uint32_t ownVersion = 1;
     static constexpr std::uint32_t ownOrder = 0x01020304;  ///< of bytes in a number
     static constexpr std::size_t mostVolumes = 252;
+    static constexpr std::uint64_t mostStretchBits = 28;
 
     std::array<char, 8> magic = ownMagic;
     std::uint32_t version = ownVersion;
@@ -77,10 +88,21 @@ struct HashHeader {
     std::int64_t written = 0;  ///< nanoseconds since 1970 UTC
     std::uint64_t volumeCount = 0;
     std::array<VolumeName, mostVolumes> volumes{};
-    std::uint64_t rest = 0;
+    std::uint64_t stretchBits = 1;
     std::uint64_t check = 0;  ///< crc64 of what is before
 };
 static_assert(sizeof(HashHeader) == 4096 && std::is_trivially_copyable_v<HashHeader>);
+
+/// Of so many records, a header and all that is behind.
+[[nodiscard]] constexpr std::uint64_t hashFileSize(std::uint64_t count, std::uint64_t bits) {
+    return sizeof(HashHeader) + count * sizeof(HashRecord) +
+           ((std::uint64_t{1} << bits) + 1) * sizeof(std::uint32_t);
+}
+
+/// About four records a stretch, which lie in four lines of the processor's cache.
+[[nodiscard]] constexpr std::uint64_t stretchBitsFor(std::uint64_t count) {
+    return std::clamp<std::uint64_t>(std::bit_width(count / 4), 1, HashHeader::mostStretchBits);
+}
 
 /// Days since 2020-01-01, held at the ends.
 [[nodiscard]] constexpr std::uint16_t dayOf(std::int64_t nanoseconds) {

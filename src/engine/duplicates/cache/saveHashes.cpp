@@ -8,9 +8,10 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <numeric>
 #include <span>
 #include <string_view>
-#include <tuple>
+#include <utility>
 
 #include "engine/duplicates/cache/HashFile.h"
 #include "engine/files/DurableFile.h"
@@ -22,12 +23,10 @@ namespace {
 constexpr std::size_t recordsAPiece = 4096;
 
 struct HashPlace {
-    std::uint64_t inode;
+    std::uint64_t key;
     std::uint32_t index;  // in the list
     std::uint8_t volume;
-    [[nodiscard]] std::tuple<std::uint8_t, std::uint64_t, std::uint32_t> order() const {
-        return {volume, inode, index};
-    }
+    [[nodiscard]] std::pair<std::uint64_t, std::uint32_t> order() const { return {key, index}; }
 };
 
 class HashMerge {
@@ -54,16 +53,15 @@ public:
             const fileAttrbItem& file = *m_list[index];
             for (std::size_t at = 0; at < m_numbers.size(); ++at)
                 if (volumes[at].device == file.device)
-                    m_places.push_back({file.inode, index, m_numbers[at]});
+                    m_places.push_back(
+                        {keyOf(m_header.salt, m_numbers[at], file.inode), index, m_numbers[at]});
         }
         std::ranges::sort(m_places, {}, &HashPlace::order);
     }
 
     // What goes where there is not room for all.
     void choose() {
-        const std::uint64_t most =
-            (std::max<std::uint64_t>(m_limits.mostBytes, sizeof(HashHeader)) - sizeof(HashHeader)) /
-            sizeof(HashRecord);
+        const std::uint64_t most = mostRecords(m_limits.mostBytes);
         std::vector<std::uint64_t> byDay;
         std::uint64_t count = 0;
         forEach([&](const HashRecord& record) {
@@ -75,6 +73,7 @@ public:
             count -= byDay[m_firstDay];
         m_goingOfFirstDay = count > most ? count - most : 0;
         m_header.count = count - m_goingOfFirstDay;
+        m_header.stretchBits = stretchBitsFor(m_header.count);
     }
 
     Result<void> write(DurableFile& file) {
@@ -89,17 +88,21 @@ public:
             piece.clear();
         };
         std::uint64_t going = m_goingOfFirstDay;
+        std::vector<std::uint32_t> starts((std::size_t{1} << m_header.stretchBits) + 1);
         forEach([&](const HashRecord& record) {
             if (record.used < m_firstDay) return;
             if (record.used == m_firstDay && going > 0) {
                 --going;
                 return;
             }
+            ++starts[(keyOfRecord(record) >> (64 - m_header.stretchBits)) + 1];
             piece.push_back(record);
             if (piece.size() == recordsAPiece) flush();
         });
         flush();
         if (!result) return result;
+        std::partial_sum(starts.begin(), starts.end(), starts.begin());
+        if (auto done = file.append(bytesOf(starts.data(), starts.size())); !done) return done;
         DurableFile::Replacing how;
         how.givesWayOfAnybody = true;
         return file.finish(how);
@@ -131,29 +134,45 @@ private:
         return true;
     }
 
-    // Of all records that there will be, in their order.
+    [[nodiscard]] std::uint64_t keyOfRecord(const HashRecord& record) const {
+        return keyOf(m_header.salt, record.volume, record.inode);
+    }
+
+    [[nodiscard]] static std::uint64_t mostRecords(std::uint64_t bytes) {
+        std::uint64_t count = bytes / sizeof(HashRecord);
+        while (count > 0 && hashFileSize(count, stretchBitsFor(count)) > bytes) --count;
+        return count;
+    }
+
+    // Of all records that there will be, in their order. What is not in order in the old file is
+    // left out.
     template <class Visit> void forEach(Visit visit) const {
         const FileView::Look look = m_old.look();
         const auto old = m_old.records();
         std::size_t next = 0;
-        const HashRecord* last = nullptr;  // places do not come twice in a sound file
+        const HashRecord* last = nullptr;
         const auto passOld = [&](const HashRecord& record) {
             if (record.isWhole(m_header.salt) &&
-                (last == nullptr || last->place() < record.place()))
+                (last == nullptr || keyOfRecord(*last) < keyOfRecord(record)))
                 visit(record);
             last = &record;
         };
         for (std::size_t at = 0; at < m_places.size();) {
-            const std::tuple place(m_places[at].volume, m_places[at].inode);
-            while (next < old.size() && old[next].place() < place) passOld(old[next++]);
+            const HashPlace& place = m_places[at];
+            const std::uint64_t inode = m_list[place.index]->inode;
+            const auto isIt = [&](const HashRecord& each) {
+                return each.isOf(place.volume, inode);
+            };
+            while (next < old.size() && keyOfRecord(old[next]) <= place.key && !isIt(old[next]))
+                passOld(old[next++]);
             HashRecord record;
-            if (next < old.size() && old[next].place() == place) {
+            if (next < old.size() && isIt(old[next])) {
                 last = &old[next++];
                 if (last->isWhole(m_header.salt)) record = *last;
             }
             // Of several names of one file each may have had another piece read.
-            for (; at < m_places.size() &&
-                   std::tuple(m_places[at].volume, m_places[at].inode) == place;
+            for (; at < m_places.size() && m_places[at].volume == place.volume &&
+                   m_list[m_places[at].index]->inode == inode;
                  ++at)
                 add(record, m_places[at]);
             if (record.known == 0) continue;
@@ -171,7 +190,7 @@ private:
         if (record.known == 0 || record.changed != file.changed || record.print != print) {
             if (known == 0) return;
             record = {};
-            record.inode = place.inode;
+            record.inode = file.inode;
             record.changed = file.changed;
             record.print = print;
             record.volume = place.volume;
