@@ -1,7 +1,11 @@
 // orrinvale-cli usage: where the space of a folder has gone, level by level.
 #pragma once
 
+#include <string>
+
 #include "cli/Command.h"
+#include "cli/UsageReport.h"
+#include "engine/diskusage/history/ScanHistory.h"
 #include "platform/fileTypes.h"
 
 namespace orrinvale::cli {
@@ -22,12 +26,22 @@ public:
                "they take together, so that each level adds up. Sizes are lengths, of a file with "
                "several names once for each; with --json the bytes on the disk stand beside them, "
                "where such a file counts once. Folders on other file systems are told and not "
-               "entered, subvolumes are.";
+               "entered, subvolumes are. A scan that --remember has kept, for this user alone, is "
+               "what "
+               "--since compares with: it prints what grew, shrank, came and went, the biggest "
+               "change first, and where one entry far below is the reason of most of it, that one. "
+               "Folders are compared to the byte, files of at least 1 MB one by one. At most 12 "
+               "scans of a folder are kept.";
     }
     [[nodiscard]] std::vector<OptionSpec> options() const override;
     Status run(const Arguments& arguments) override;
 
 private:
+    Status forget(const std::string& root) const;
+    Status runSince(const Arguments& arguments, const UsageExtent& extent, const std::string& root);
+    Status compareNow(const Arguments& arguments, const UsageExtent& extent,
+                      const ScanHistory::Place& place, const StoredScan* before);
+
     const FileSystem& m_files;
 };
 

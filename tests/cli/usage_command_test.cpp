@@ -104,5 +104,58 @@ TEST(UsageCommand, saysWhatItCouldNotCount) {
     ASSERT_TRUE(tree.setMode("b/locked", 0700));
 }
 
+TEST(UsageCommand, comparesWithAScanThatItKept) {
+    TestTree tree;
+    TestTree state;
+    const auto run = [&](std::vector<std::string> arguments) {
+        ProgramRun each = usageRun(std::move(arguments), tree.path());
+        each.environment = {"XDG_STATE_HOME=" + state.path(), "TZ=UTC"};
+        return each.run();
+    };
+    ASSERT_TRUE(tree.sparse("d/gone.iso", 3'000'000) && tree.sparse("d/shrinks", 9'000'000) &&
+                tree.write("d/few", "12345"));
+    const auto none = run({"--since", "last", "d"});
+    EXPECT_EQ(none.status, 3);
+    EXPECT_EQ(none.output, "");
+    EXPECT_EQ(run({"--quiet", "--remember", "d"}).status, 0);
+    ASSERT_TRUE(tree.sparse("d/shrinks", 2'500'000) && tree.sparse("d/in/it/new.iso", 8'000'000) &&
+                tree.write("d/in/note", "12") && tree.write("d/few", "123"));
+    std::filesystem::remove(tree.at("d/gone.iso"));
+
+    const auto listed = run({"--since", "last", "d"});
+    EXPECT_EQ(listed.status, 0) << listed.error;
+    EXPECT_THAT(listed.output,
+                ::testing::StartsWith("   +8.00 MB  in/  (new)\n   -6.50 MB  shrinks\n"
+                                      "   -3.00 MB  gone.iso  (gone)\n"
+                                      "    0.00 KB  (files under 1.00 MB)\n"
+                                      "   -1.50 MB  " +
+                                      tree.at("d") + "  (12.00 MB to 10.50 MB, since "));
+    const Json json = Json::parse(run({"--since", "last", "--json", "--limit", "4MB", "d"}).output);
+    EXPECT_EQ(json["change"], -1'500'000);
+    EXPECT_EQ(json["entries"].size(), 2);
+    EXPECT_EQ(json["entries"][0]["state"], "new");
+    EXPECT_EQ(json["entries"][1]["onDiskChange"], 0);
+    EXPECT_EQ(json["below"]["entries"], 1);
+    EXPECT_EQ(json["below"]["change"], -3'000'002);
+    EXPECT_EQ(run({"--since", "last", "-0", "d"}).output,
+              tree.at("d/in") + '\0' + tree.at("d/shrinks") + '\0' + tree.at("d/gone.iso") + '\0');
+
+    // Of one folder below another the terminal tells the one that is the reason.
+    EXPECT_EQ(run({"--quiet", "--remember", "."}).status, 0);
+    ASSERT_TRUE(tree.sparse("d/in/it/new.iso", 80'000'000));
+    EXPECT_THAT(run({"--since", "2100-01-01", "."}).output,
+                ::testing::StartsWith("  +72.00 MB  d/  mostly in/it/new.iso\n"));
+    for (const char* const bad : {"", "yesterday", "2026-13-01", "2026-11-15T25:00", "2026-11-15x"})
+        EXPECT_EQ(run({"--since", bad, "d"}).status, 2) << bad;
+    const auto old = run({"--since", "2000-01-01T10:00", "d"});
+    EXPECT_EQ(old.status, 0);
+    EXPECT_THAT(old.error, HasSubstr("no scan is as old as that"));
+
+    std::filesystem::remove_all(tree.at("d"));
+    EXPECT_THAT(run({"--since", "last", "d"}).error, HasSubstr("1 scan of it is kept"));
+    EXPECT_EQ(run({"--forget", "d"}).status, 0);
+    EXPECT_THAT(run({"--since", "last", "d"}).error, ::testing::Not(HasSubstr("is kept")));
+}
+
 }  // namespace
 }  // namespace orrinvale::testing

@@ -53,6 +53,7 @@ public:
     [[nodiscard]] bool isEnded() const { return m_isEnded; }
     [[nodiscard]] const UsageCounts& counts() const { return *m_counts; }
     [[nodiscard]] const SkipList& skipped() const { return *m_skipped; }
+    [[nodiscard]] std::shared_ptr<ScanRecord> record();
 
 private:
     struct Finished {
@@ -77,6 +78,8 @@ private:
 
     void walk(const std::vector<FSNode*>& again);
     void walkAgain(UsageErrand errand, const std::vector<FSNode*>& again);
+    void keepRecord(const UsageWalk& walk, const UsageResult& whole,
+                    std::shared_ptr<UsageStorage> storage);
     void walked();
     void ask(bool atOnce);
     void takeTurn();
@@ -100,7 +103,11 @@ private:
     std::chrono::steady_clock::time_point m_lastAsked;
     std::condition_variable m_home;
     std::vector<std::unique_ptr<CountedTop>> m_tops;  // kept for what waits
+    std::shared_ptr<ScanRecord> m_record;
 
+    const std::int64_t m_started = std::chrono::duration_cast<std::chrono::seconds>(
+                                       std::chrono::system_clock::now().time_since_epoch())
+                                       .count();
     const bool m_hasQueue;
     std::atomic<bool> m_isEnded{false};
     bool m_isAgain = false;
@@ -139,13 +146,38 @@ void DiskUsageScan::Scan::walk(const std::vector<FSNode*>& again) {
         walkAgain(errand, again);
     } else {
         if (m_hasQueue) errand.sink = this;
+        const auto records = m_options.records ? std::make_shared<UsageStorage>() : nullptr;
+        errand.records = records.get();
         UsageWalk walk(errand);
         const UsageResult whole = walk.run(&m_tree->root(), m_tree->rootPath(), Links::Follow);
         const std::lock_guard lock(m_mutex);
         m_tops = walk.takeTops();
         m_waiting.whole = whole;
+        if (records != nullptr) keepRecord(walk, whole, records);
     }
     walked();
+}
+
+// With the lock held.
+void DiskUsageScan::Scan::keepRecord(const UsageWalk& walk, const UsageResult& whole,
+                                     std::shared_ptr<UsageStorage> storage) {
+    if (m_counts->stop || (whole.contents.marks & FSNode::Unread) != 0) return;
+    auto record = std::make_shared<ScanRecord>();
+    record->facts = {.root = m_tree->rootPath(),
+                     .time = m_started,
+                     .entries = m_counts->found,
+                     .size = whole.size,
+                     .onDisk = whole.onDisk,
+                     .marks = static_cast<std::uint8_t>(whole.marks & ~FSNode::LeftOutWithin),
+                     .allFileSystems = m_options.allFileSystems};
+    record->first = walk.recorded();
+    record->storage = std::move(storage);
+    m_record = std::move(record);
+}
+
+std::shared_ptr<ScanRecord> DiskUsageScan::Scan::record() {
+    const std::lock_guard lock(m_mutex);
+    return m_isEnded && !m_counts->stop ? m_record : nullptr;
 }
 
 void DiskUsageScan::Scan::walkAgain(UsageErrand errand, const std::vector<FSNode*>& again) {
@@ -352,6 +384,10 @@ bool DiskUsageScan::wasStopped() const { return m_scan != nullptr && m_scan->cou
 
 void DiskUsageScan::waitForEnd() {
     if (m_scan != nullptr) m_scan->waitForEnd();
+}
+
+std::shared_ptr<ScanRecord> DiskUsageScan::record() const {
+    return m_scan == nullptr ? nullptr : m_scan->record();
 }
 
 std::vector<Error> DiskUsageScan::skipped() const {

@@ -10,6 +10,7 @@
 #include "engine/base/MainQueue.h"
 #include "engine/base/Progress.h"
 #include "engine/diskusage/FSNodeTree.h"
+#include "engine/diskusage/history/RecordedEntry.h"
 #include "platform/error.h"
 #include "platform/fileTypes.h"
 
@@ -19,6 +20,8 @@ struct UsageOptions {
     std::uint64_t limit = 0;      ///< bytes; what is smaller gets no node. getLimitSize() has the
                                   ///< person's own
     bool allFileSystems = false;  ///< else only the one of the chosen folder, with its subvolumes
+    bool records = false;  ///< record() gives what can be kept of the scan; costs 48 bytes and the
+                           ///< name for each folder and each large file while it runs
 };
 
 /// What a turn of the main thread did to the tree.
@@ -80,6 +83,10 @@ public:
 
     /// What could not be read so far. Other file systems are none of it. Any thread.
     [[nodiscard]] std::vector<Error> skipped() const;
+
+    /// Of a scan with `records` that was not stopped and could list its folder, once it has ended;
+    /// else null. Of a scan anew always null. Any thread.
+    [[nodiscard]] std::shared_ptr<ScanRecord> record() const;
 
 private:
     class Scan;

@@ -35,6 +35,7 @@ struct UsageFolder final : WalkedFolder {
     std::uint64_t onDisk = 0;  // from the start on with its own blocks
     std::vector<FSNode::Sized> children;
     std::unique_ptr<LinkedFiles> linked;
+    RecordedEntry* recorded = nullptr;
 };
 
 /// What some entries of a folder add to it.
@@ -56,6 +57,9 @@ struct UsageWalk::Piece {
     std::uint64_t files = 0;
     std::vector<Passing> passing;  // files; their names lie in the batch in hand
     std::vector<Link> linked;
+    std::vector<const CatalogEntry*> large;  // files to be recorded, as those that pass
+    RecordedEntry* recorded = nullptr;       // these
+    RecordedEntry* lastRecorded = nullptr;
     std::vector<std::pair<SeenEntries::Key, SeenState>> seen;
 };
 

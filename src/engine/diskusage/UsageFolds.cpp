@@ -14,6 +14,7 @@ using usagewalk::unreadMarks;
 void UsageWalk::fold(UsageFolder& folder, Piece& piece) {
     const bool isLevel = folder.above == nullptr && m_errand.sink != nullptr;
     const std::vector<FSNode*> nodes = makeNodes(piece);
+    recordFiles(piece);
     if (isLevel) {
         const std::lock_guard lock(m_levelMutex);
         m_level.insert(m_level.end(), nodes.begin(), nodes.end());
@@ -41,6 +42,8 @@ void UsageWalk::fold(UsageFolder& folder, Piece& piece) {
         for (const Piece::Link& each : piece.linked)
             addSaturating(folder.onDisk,
                           folder.linked->add(each.device, each.inode, each.links, each.onDisk));
+        if (piece.recorded != nullptr)
+            piece.lastRecorded->next = std::exchange(folder.recorded, piece.recorded);
     }
     if (folder.top == nullptr || piece.size == 0) return;
     addSaturating(folder.top->size, piece.size);
@@ -62,6 +65,7 @@ void UsageWalk::complete(UsageFolder& folder) {
         found.contents.children[i]->m_father = m_start;
     m_result = found;
     if (folder.linked != nullptr) m_linked = std::move(*folder.linked);
+    m_recorded = folder.recorded;
 }
 
 UsageResult UsageWalk::resultOf(UsageFolder& folder) {
@@ -104,9 +108,19 @@ void UsageWalk::settle(UsageFolder& folder, UsageFolder& above, const UsageResul
     }
     for (std::uint32_t i = 0; i < found.contents.childCount; ++i)
         found.contents.children[i]->m_father = node;
+    RecordedEntry* recorded = nullptr;
+    if (m_errand.records != nullptr && !found.isGone) {
+        recorded = record({}, folder.name);
+        recorded->first = folder.recorded;
+        recorded->size = found.size;
+        recorded->onDisk = found.onDisk;
+        recorded->marks = static_cast<std::uint8_t>(found.marks & ~FSNode::LeftOutWithin);
+        recorded->isFolder = true;
+    }
     m_errand.counts->found.fetch_add(1, std::memory_order_relaxed);
     {
         const std::lock_guard lock(mutexOf(above));
+        if (recorded != nullptr) recorded->next = std::exchange(above.recorded, recorded);
         if (!found.isGone) {
             addSaturating(above.size, found.size);
             addSaturating(above.onDisk, found.onDisk);

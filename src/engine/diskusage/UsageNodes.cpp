@@ -75,6 +75,24 @@ std::vector<FSNode*> UsageWalk::makeNodes(const Piece& piece) {
     return nodes;
 }
 
+RecordedEntry* UsageWalk::record(const FileAttributes& seen, std::string_view name) const {
+    const UsageStorage::Room room = m_errand.records->room();
+    auto* const made = new (room->allocate<RecordedEntry>()) RecordedEntry;
+    made->name = room->copy(name);
+    made->size = countedSize(seen);
+    made->onDisk = seen.onDisk;
+    return made;
+}
+
+void UsageWalk::recordFiles(Piece& piece) const {
+    for (const CatalogEntry* const entry : piece.large) {
+        RecordedEntry* const made = record(entry->attributes, entry->name);
+        made->next = piece.recorded;
+        piece.recorded = made;
+        if (piece.lastRecorded == nullptr) piece.lastRecorded = made;
+    }
+}
+
 void UsageWalk::tookOfLevel(std::uint64_t entries) {
     if (m_errand.sink == nullptr) return;
     {

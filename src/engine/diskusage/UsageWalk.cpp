@@ -188,6 +188,7 @@ void UsageWalk::takeFile(const UsageFolder& folder, const CatalogEntry& entry, s
     if (isKnown && seen.links > 1)
         piece.linked.push_back({seen.device, seen.inode, seen.onDisk, seen.links});
     else if (isKnown) addSaturating(piece.onDisk, seen.onDisk);
+    if (m_errand.records != nullptr && size >= recordedFilesFrom) piece.large.push_back(&entry);
     const bool hasNode = passes(size, marks, folder.above == nullptr);
     (hasNode ? piece.childMarks : piece.marks) |= marks & FSNode::within;
     if (hasNode) {

@@ -16,6 +16,7 @@
 #include "engine/diskusage/FSNodeTree.h"
 #include "engine/diskusage/LinkedFiles.h"
 #include "engine/diskusage/UsageCounts.h"
+#include "engine/diskusage/history/RecordedEntry.h"
 #include "engine/files/Arena.h"
 #include "engine/files/FolderWalk.h"
 #include "engine/files/SeenEntries.h"
@@ -85,6 +86,8 @@ struct UsageErrand {
                                   ///< files are opened and asked which of their extents are shared
     const OwnChanges* own = nullptr;  ///< null, or what our removals changed since the first scan,
                                       ///< which is remembered as it was then
+    UsageStorage* records = nullptr;  ///< null; or where what can be kept of the scan lies: every
+                                      ///< folder, and files from recordedFilesFrom on
     std::uint64_t limit = 0;
     bool allFileSystems = false;
 };
@@ -102,6 +105,8 @@ public:
 
     // After run().
     [[nodiscard]] LinkedFiles takeLinked() { return std::move(m_linked); }
+    /// What lies directly in the folder, of an errand with records; null for nothing.
+    [[nodiscard]] RecordedEntry* recorded() const { return m_recorded; }
     /// What the sink was told of; to be kept as long as it looks at them.
     [[nodiscard]] std::vector<std::unique_ptr<CountedTop>> takeTops() { return std::move(m_tops); }
     /// Less may come back than counts on the disk.
@@ -137,6 +142,8 @@ private:
     FSNode* makeFolderNode(const FileAttributes& seen, std::string_view name, std::uint8_t marks);
     std::vector<FSNode*> makeNodes(const Piece& piece);
     void fold(UsageFolder& folder, Piece& piece);
+    [[nodiscard]] RecordedEntry* record(const FileAttributes& seen, std::string_view name) const;
+    void recordFiles(Piece& piece) const;
     void complete(UsageFolder& folder);
     void settle(UsageFolder& folder, UsageFolder& above, const UsageResult& found);
     [[nodiscard]] UsageResult resultOf(UsageFolder& folder);
@@ -150,6 +157,7 @@ private:
     std::uint64_t m_startDevice = 0;
     UsageResult m_result;
     LinkedFiles m_linked;
+    RecordedEntry* m_recorded = nullptr;
     bool m_isUpTo = false;  // fixed before the walk
     std::atomic<bool> m_hasVolumes{false};
 

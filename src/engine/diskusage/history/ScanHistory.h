@@ -1,0 +1,70 @@
+// ScanHistory: finished scans of disk usage that are kept, so that a later one can be compared with
+// them.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "engine/diskusage/history/ScanFile.h"
+#include "platform/error.h"
+
+namespace orrinvale {
+
+/// A scan that is kept.
+struct KeptScan {
+    std::int64_t time = 0;    ///< seconds since 1970, of the start of the scan
+    std::uint64_t bytes = 0;  ///< of its file
+};
+
+/// A file (0600) for each in a folder of this user alone, so that a bad file costs its own scan and
+/// no other. Their names tell the folder's hash and the time, so that a list reads no file. Any
+/// thread; each call reads or writes the disk, and what two processes keep at once are two files.
+class ScanHistory final {
+public:
+    /// Of one folder, and of all folders together.
+    static constexpr std::size_t mostOfFolder = 12;
+    static constexpr std::uint64_t mostBytes = std::uint64_t{256} << 20U;
+
+    /// Which scans can be compared with each other.
+    struct Place {
+        std::string root;  ///< the path that was scanned; exact bytes
+        bool allFileSystems = false;
+    };
+
+    /// `stateFolder`: that of this user's program (UserFolders.h).
+    explicit ScanHistory(const std::string& stateFolder);
+
+    /// Of this place, the oldest first.
+    [[nodiscard]] std::vector<KeptScan> list(const Place& place) const;
+
+    /// Keeps the bytes of a scan. Of more than mostOfFolder the one goes that is missed least:
+    /// gaps between those that stay grow with their age, and the oldest and the newest stay. Then
+    /// the oldest of all go until the rest is within mostBytes.
+    [[nodiscard]] Result<void> keep(const StoredScan& scan) const;
+
+    /// ENOENT: there is none of that time. EBADMSG: its file is damaged, or of another place; it
+    /// is taken away.
+    [[nodiscard]] Result<StoredScan> load(const Place& place, std::int64_t time) const;
+
+    /// Forgets all of this place, whichever file systems they were of. False when one stayed.
+    [[nodiscard]] bool forget(const std::string& root) const;
+    /// Forgets all of all places.
+    [[nodiscard]] bool clear() const;
+
+private:
+    struct File;
+    [[nodiscard]] std::vector<File> files() const;
+    [[nodiscard]] std::string pathOf(const File& file) const;
+    void thin(const Place& place) const;
+
+    std::string m_folder;
+};
+
+/// The scan that "since" that moment means: the last one before it, else the first one.
+[[nodiscard]] std::optional<KeptScan> scanBefore(const std::vector<KeptScan>& scans,
+                                                 std::int64_t moment);
+
+}  // namespace orrinvale
