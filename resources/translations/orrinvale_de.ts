@@ -2006,7 +2006,7 @@
     </message>
     <message>
         <source>Choose which copy of each group stays, and tick all others</source>
-        <translation>Wählen, welche Kopie jeder Gruppe bleibt, und alle anderen ankreuzen</translation>
+        <translation>Wählen, welche Kopie jeder Gruppe bleibt, und alle anderen auswählen</translation>
     </message>
     <message>
         <source>Several Folders…</source>
@@ -3563,14 +3563,6 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>Kopien in diesem Ordner bleiben</translation>
     </message>
     <message>
-        <source>Tick All Copies in This Folder</source>
-        <translation>Alle Kopien in diesem Ordner ankreuzen</translation>
-    </message>
-    <message>
-        <source>Untick All in This Folder</source>
-        <translation>In diesem Ordner nichts ankreuzen</translation>
-    </message>
-    <message>
         <source>Remove</source>
         <translation>Entfernen</translation>
     </message>
@@ -3600,6 +3592,22 @@ Freie Software unter der Apache License 2.0.</translation>
             <numerusform>%n Ordner</numerusform>
             <numerusform>%n Ordnern</numerusform>
         </translation>
+    </message>
+    <message>
+        <source>Tick All Copies in “%1”</source>
+        <translation>Alle Kopien in „%1“ auswählen</translation>
+    </message>
+    <message>
+        <source>Untick All in “%1”</source>
+        <translation>Alle Kopien in „%1“ abwählen</translation>
+    </message>
+    <message>
+        <source>No copy lies in “%1”</source>
+        <translation>In „%1“ liegt keine Kopie</translation>
+    </message>
+    <message>
+        <source>The rules chosen before decide which copies stay.</source>
+        <translation>Welche Kopien bleiben, entscheiden die zuvor gewählten Regeln.</translation>
     </message>
 </context>
 <context>

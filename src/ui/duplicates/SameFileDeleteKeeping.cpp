@@ -5,7 +5,9 @@
 #include <chrono>
 #include <utility>
 
+#include "platform/files.h"
 #include "platform/paths.h"
+#include "services/foundation/runAside.h"
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/duplicates/ResultOutline.h"
 #include "ui/duplicates/SameFileDeleteViewController.h"
@@ -61,8 +63,16 @@ void SameFileDeleteViewController::chooseKeptFolder() {
     m_parts.dialogs->choosePaths(
         m_mainWindow, choice,
         [self = QPointer(this), number = m_resultNumber](const std::vector<std::string>& paths) {
-            if (self != nullptr && number == self->m_resultNumber && !paths.empty())
-                self->keepBy({KeepRule::By::BestPlace, paths});
+            if (self == nullptr || number != self->m_resultNumber || paths.empty()) return;
+            static_cast<void>(runAside(
+                self.data(), "keptFolder",
+                [files = self->m_parts.files, folder = paths.front()] {
+                    return files->resolved(folder).value_or(folder);
+                },
+                [self, number](const std::string& folder) {
+                    if (self != nullptr && number == self->m_resultNumber)
+                        self->keepBy({KeepRule::By::BestPlace, {folder}});
+                }));
         });
 }
 
@@ -77,10 +87,17 @@ void SameFileDeleteViewController::keepBy(KeepRule rule) {
     beginTicks();
 }
 
-// Of a group that of its first copy, as everywhere.
+// Without links, as far as the search knows; of a group that of its first copy, as everywhere.
 std::string SameFileDeleteViewController::folderOfRow(const QModelIndex& index) const {
     const std::string path = pathOf(index);
-    return path.empty() ? path : folderOf(path);
+    if (path.empty()) return path;
+    TreeNode::Pointer node = m_model->node(index);
+    if (node && simpleData(*node)->isGroup() && node->numberOfChildren() > 0)
+        node = node->childAtIndex(0);
+    if (!node || simpleData(*node)->name() != path) return folderOf(path);
+    const SimpleNodeData& leaf = *simpleData(*node);
+    const bool isLink = leaf.identity() && leaf.identity()->type == FileType::SymbolicLink;
+    return folderOf(isLink || leaf.linkTarget().empty() ? path : leaf.linkTarget());
 }
 
 void SameFileDeleteViewController::addFolderActions(QMenu& menu, const std::string& folder) {
@@ -93,11 +110,12 @@ void SameFileDeleteViewController::addFolderActions(QMenu& menu, const std::stri
                 (m_keepTicks.*tick)(*m_treeData, folder);
                 beginTicks();
             });
-        action->setToolTip(onOneLine(QString::fromStdString(folder)));
+        action->setToolTip(asToolTip(QString::fromStdString(folder)));
     };
     menu.setToolTipsVisible(true);
-    add(tr("Tick All Copies in This Folder"), &KeepTicks::tickFolder);
-    add(tr("Untick All in This Folder"), &KeepTicks::untickFolder);
+    const QString name = shownFolder(folder);
+    add(tr("Tick All Copies in \u201C%1\u201D").arg(name), &KeepTicks::tickFolder);
+    add(tr("Untick All in \u201C%1\u201D").arg(name), &KeepTicks::untickFolder);
 }
 
 void SameFileDeleteViewController::beginTicks() {
@@ -110,6 +128,7 @@ void SameFileDeleteViewController::tickFurther() {
     if (m_keepTicks.step(std::chrono::steady_clock::now() + slice)) {
         m_keepTimer.stop();
         showTicks();
+        tellOfEmptyFolder();
         return;
     }
     showGain();
@@ -121,6 +140,20 @@ void SameFileDeleteViewController::finishTicks() {
     if (!m_keepTicks.isPending()) return;
     m_keepTicks.finish();
     showTicks();
+    tellOfEmptyFolder();
+}
+
+// Else a folder chosen by mistake would look like a rule that was followed.
+void SameFileDeleteViewController::tellOfEmptyFolder() {
+    const std::vector<std::string> folders = m_keepTicks.takeEmptyFolders();
+    if (folders.empty()) return;
+    Alert alert;
+    alert.title = tr("No copy lies in \u201C%1\u201D")
+                      .arg(onOneLine(
+                          QString::fromStdString(std::string(lastPathComponent(folders.front())))));
+    alert.text = tr("The rules chosen before decide which copies stay.");
+    alert.buttons = QStringList{tr("OK")};
+    m_parts.dialogs->alert(m_mainWindow, alert, [](int /*button*/) {});
 }
 
 void SameFileDeleteViewController::showTicks() {

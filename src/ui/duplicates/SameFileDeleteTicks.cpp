@@ -67,12 +67,12 @@ void SameFileDeleteViewController::showSelectCountWithFileCount(std::size_t coun
                                                                 const QString& pathName) {
     m_viewCount = tr("%n files in %1", nullptr, static_cast<int>(count)).arg(pathName);
     m_views->titleLabel->setText(
-        titleText(m_viewCount, selectedText(m_selection.allSelectNumArr().size(), count != 0)));
+        titleText(m_viewCount, selectedText(m_selection.sums().copies, count != 0)));
     m_views->titleLabel->setToolTip(m_viewCount);
 }
 
 void SameFileDeleteViewController::setSelectCount() {
-    const std::size_t selected = m_selection.allSelectNumArr().size();
+    const std::size_t selected = m_selection.sums().copies;
     m_views->titleLabel->setText(titleText(m_viewCount, selectedText(selected, selected != 0)));
 }
 

@@ -196,6 +196,7 @@ private:
     void tickFurther();
     void finishTicks();
     void showTicks();
+    void tellOfEmptyFolder();
 
     // Removal.
     void alertEnded_aContext(int code);

@@ -6,6 +6,7 @@
 #include <QMenu>
 #include <QTreeView>
 
+#include "platform/paths.h"
 #include "support/test.h"
 #include "ui/duplicates/ScopePanel.h"
 #include "ui/kit/lists/TickBox.h"
@@ -81,7 +82,9 @@ TEST_F(SeveralFolders, AreSearchedAsOneAndProtectedOnesStay) {
             outline.setCurrentIndex(copy);
             QTest::keyClick(&outline, Qt::Key_Space);
             EXPECT_EQ(ticked(), clear);
-            EXPECT_TRUE(on.chooseInMenu(outline, copy, "Tick All Copies in This Folder"));
+            const std::string folder(lastPathComponent(folderOf(on.nameOf(copy))));
+            const std::string entry = "Tick All Copies in \u201C" + folder + "\u201D";
+            EXPECT_TRUE(on.chooseInMenu(outline, copy, entry.c_str()));
             EXPECT_EQ(ticked(), clear);
         }
     on.click("button");
