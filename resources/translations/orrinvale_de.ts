@@ -1066,6 +1066,14 @@
         <source>Needed where neither a terminal nor the system&apos;s journal keeps the log.</source>
         <translation>Bedarf besteht, wo weder ein Terminal noch das Journal des Systems das Protokoll aufnimmt.</translation>
     </message>
+    <message>
+        <source>Offer the trash first</source>
+        <translation>Den Papierkorb zuerst anbieten</translation>
+    </message>
+    <message>
+        <source>What is in the trash can be brought back, and takes up room until it is emptied.</source>
+        <translation>Was im Papierkorb liegt, lässt sich zurückholen und belegt Platz, bis er geleert wird.</translation>
+    </message>
 </context>
 <context>
     <name>PreviewWindow</name>
@@ -1843,6 +1851,46 @@
         <source>a pattern can not climb</source>
         <translation>ein Muster kann nicht aufwärts führen</translation>
     </message>
+    <message>
+        <source>it could not be noted for undo</source>
+        <translation>ließ sich nicht zum Zurückholen vermerken</translation>
+    </message>
+    <message>
+        <source>it is not in the trash any more</source>
+        <translation>liegt nicht mehr im Papierkorb</translation>
+    </message>
+    <message>
+        <source>the folder that it was in is gone</source>
+        <translation>der Ordner, in dem es lag, ist weg</translation>
+    </message>
+    <message>
+        <source>the folder that it was in is gone, and it is not in the trash</source>
+        <translation>der Ordner, in dem es lag, ist weg, und im Papierkorb liegt es nicht</translation>
+    </message>
+    <message>
+        <source>another folder is where it was</source>
+        <translation>wo es lag, ist jetzt ein anderer Ordner</translation>
+    </message>
+    <message>
+        <source>another folder is where it was, and it is not in the trash</source>
+        <translation>wo es lag, ist jetzt ein anderer Ordner, und im Papierkorb liegt es nicht</translation>
+    </message>
+    <message>
+        <source>the trash has no record of it any more</source>
+        <translation>der Papierkorb hat keinen Vermerk mehr dazu</translation>
+    </message>
+    <message>
+        <source>its name is taken by now</source>
+        <translation>sein Name ist inzwischen vergeben</translation>
+    </message>
+    <message>
+        <source>there is no such removal</source>
+        <translation>eine solche Entfernung gibt es nicht</translation>
+    </message>
+    <message>
+        <source>its record is damaged</source>
+        <translation>der Vermerk dazu ist beschädigt</translation>
+    </message>
 </context>
 <context>
     <name>Removal</name>
@@ -2019,6 +2067,73 @@
     <message>
         <source>Keep ▾</source>
         <translation>Behalten ▾</translation>
+    </message>
+    <message>
+        <source>Undo</source>
+        <translation>Rückgängig</translation>
+    </message>
+    <message>
+        <source>Bring back what was moved to the trash (Ctrl+Z)</source>
+        <translation>Zurückholen, was in den Papierkorb gelegt wurde (Strg+Z)</translation>
+    </message>
+    <message>
+        <source>Search Again</source>
+        <translation>Neu suchen</translation>
+    </message>
+    <message>
+        <source>Show what is there now (Ctrl+R)</source>
+        <translation>Zeigen, was jetzt da ist (Strg+R)</translation>
+    </message>
+</context>
+<context>
+    <name>TrashWords</name>
+    <message>
+        <source>1 file, %1 moved</source>
+        <translation>1 Datei, %1 verschoben</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln files, %1 moved</source>
+        <translation>
+            <numerusform>%Ln Datei, %1 verschoben</numerusform>
+            <numerusform>%Ln Dateien, %1 verschoben</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln could not be moved</source>
+        <translation>
+            <numerusform>%Ln ließ sich nicht verschieben</numerusform>
+            <numerusform>%Ln ließen sich nicht verschieben</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Nothing was left to bring back</source>
+        <translation>Es war nichts mehr zurückzuholen</translation>
+    </message>
+    <message>
+        <source>Nothing came back</source>
+        <translation>Nichts kam zurück</translation>
+    </message>
+    <message>
+        <source>1 file is back</source>
+        <translation>1 Datei ist zurück</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln files are back</source>
+        <translation>
+            <numerusform>%Ln Datei ist zurück</numerusform>
+            <numerusform>%Ln Dateien sind zurück</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln could not be brought back</source>
+        <translation>
+            <numerusform>%Ln ließ sich nicht zurückholen</numerusform>
+            <numerusform>%Ln ließen sich nicht zurückholen</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1, in the trash as %2</source>
+        <translation>%1, im Papierkorb als %2</translation>
     </message>
 </context>
 <context>
@@ -3608,6 +3723,95 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>The rules chosen before decide which copies stay.</source>
         <translation>Welche Kopien bleiben, entscheiden die zuvor gewählten Regeln.</translation>
+    </message>
+    <message>
+        <source>Compared again and moved: %1 of %2</source>
+        <translation>Noch einmal verglichen und verschoben: %1 von %2</translation>
+    </message>
+    <message>
+        <source>Move to Trash</source>
+        <translation>In den Papierkorb</translation>
+    </message>
+    <message>
+        <source>Move %1 to Trash</source>
+        <translation>%1 in den Papierkorb</translation>
+    </message>
+    <message>
+        <source>Move %1 to Trash · %2</source>
+        <translation>%1 in den Papierkorb · %2</translation>
+    </message>
+    <message>
+        <source>Move selected files to the trash</source>
+        <translation>Ausgewählte Dateien in den Papierkorb legen</translation>
+    </message>
+    <message>
+        <source>Remove selected file</source>
+        <translation>Ausgewählte Dateien entfernen</translation>
+    </message>
+    <message>
+        <source>Remove for Good</source>
+        <translation>Endgültig entfernen</translation>
+    </message>
+    <message>
+        <source>1 group loses all its copies.</source>
+        <translation>1 Gruppe verliert alle ihre Kopien.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln groups lose all their copies.</source>
+        <translation>
+            <numerusform>%Ln Gruppe verliert alle ihre Kopien.</numerusform>
+            <numerusform>%Ln Gruppen verlieren alle ihre Kopien.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Move 1 file to the trash?</source>
+        <translation>1 Datei in den Papierkorb legen?</translation>
+    </message>
+    <message numerus="yes">
+        <source>Move %Ln files to the trash?</source>
+        <translation>
+            <numerusform>%Ln Datei in den Papierkorb legen?</numerusform>
+            <numerusform>%Ln Dateien in den Papierkorb legen?</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1 in all. What is moved can be brought back until the trash is emptied.</source>
+        <translation>Zusammen %1. Was dort liegt, lässt sich zurückholen, bis der Papierkorb geleert wird.</translation>
+    </message>
+    <message>
+        <source>1 file, %1, goes for good.</source>
+        <translation>1 Datei, %1, wird endgültig entfernt.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln files, %1, go for good.</source>
+        <translation>
+            <numerusform>%Ln Datei, %1, wird endgültig entfernt.</numerusform>
+            <numerusform>%Ln Dateien, %1, werden endgültig entfernt.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Could not be brought back</source>
+        <translation>Nicht zurückgeholt</translation>
+    </message>
+    <message>
+        <source>Could not be moved</source>
+        <translation>Nicht verschoben</translation>
+    </message>
+    <message>
+        <source>Bringing it back…</source>
+        <translation>Wird zurückgeholt …</translation>
+    </message>
+    <message>
+        <source>It could not be brought back</source>
+        <translation>Es ließ sich nicht zurückholen</translation>
+    </message>
+    <message>
+        <source>Search again?</source>
+        <translation>Neu suchen?</translation>
+    </message>
+    <message>
+        <source>What is ticked here is forgotten, and nothing is removed.</source>
+        <translation>Was hier ausgewählt ist, wird vergessen, und nichts wird entfernt.</translation>
     </message>
 </context>
 <context>

@@ -37,6 +37,7 @@ constexpr std::array table{
     SettingRule{ZvSystemDuplication, Form::Switch},
     SettingRule{compareBeforeRemovingKey, Form::Switch},
     SettingRule{rememberContentsKey, Form::Switch},
+    SettingRule{trashFirstKey, Form::Switch},
     SettingRule{ZvDiskUsageLimit, Form::Number, 0, mostTyped},
     SettingRule{ZvDiskUsageUnit, Form::Number, 0, lastUnit},
     SettingRule{oneFileSystemKey, Form::Switch},

@@ -55,6 +55,8 @@ inline constexpr const char* SUScheduledCheckInterval =
 /// Boolean: the bytes of a copy and of one that stays are compared once more before the copy is
 /// removed.
 inline constexpr const char* compareBeforeRemovingKey = "compareBeforeRemoving";
+/// Boolean: the duplicate page offers the trash first, and the removal for good second.
+inline constexpr const char* trashFirstKey = "trashFirst";
 
 /// Boolean: searches for duplicates remember hashes of what they read, see HashCache.
 inline constexpr const char* rememberContentsKey = "rememberContents";

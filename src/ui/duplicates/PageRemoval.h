@@ -6,6 +6,8 @@
 #include <optional>
 #include <vector>
 
+#include "engine/duplicates/plan/TrashUndo.h"
+#include "engine/duplicates/plan/UndoableRemoval.h"
 #include "engine/duplicates/results/RemovalPlan.h"
 #include "engine/removal/RemovalJob.h"
 
@@ -14,10 +16,13 @@ namespace orrinvale {
 /// Main thread only.
 struct PageRemoval {
     std::vector<TreeNode::Pointer> ticked;  ///< when the person confirmed
+    bool isToTrash = false;
     std::shared_ptr<RemovalPlan> plan;
+    std::shared_ptr<UndoableRemoval> undoable;   ///< around the plan, of what goes to the trash
     std::unique_ptr<RemovalJob> job;             ///< once it has begun, up to its end
     std::vector<TreeNode::Pointer> delNodesArr;  ///< what has left the tree
     RemovalOutcome outcome;                      ///< at its end
+    std::optional<UndoOutcome> undone;           ///< what came back from the trash
 };
 
 }  // namespace orrinvale

@@ -7,12 +7,15 @@
 #include <algorithm>
 
 #include "engine/cleaning/QnAuthorization.h"
+#include "engine/duplicates/plan/planOfTicks.h"
+#include "engine/removal/TrashDoor.h"
 #include "engine/settings/PreferenceViewController.h"
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/duplicates/PageRemoval.h"
 #include "ui/duplicates/ResultOutline.h"
 #include "ui/duplicates/SameFileDeleteViewController.h"
 #include "ui/duplicates/SameFileDeleteViews.h"
+#include "ui/duplicates/trashWords.h"
 #include "ui/kit/chrome/AnimationHoverImageView.h"
 #include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/chrome/TCImageButton.h"
@@ -22,7 +25,6 @@
 #include "ui/kit/controls/PictureView.h"
 #include "ui/kit/controls/showDisappearingEffect.h"
 #include "ui/kit/dialogs/Dialogs.h"
-#include "ui/kit/dialogs/LineList.h"
 #include "ui/kit/dialogs/removalWords.h"
 #include "ui/kit/look/picture.h"
 #include "ui/page/Padlock.h"
@@ -38,26 +40,24 @@ std::shared_ptr<RemovalPlan> planOf(const FileSystem& files,
         files, ticked, compares ? RemovalPlan::Comparing::Always : RemovalPlan::Comparing::Never);
 }
 
-}  // namespace
-
-void SameFileDeleteViewController::removeBtnClicked() {
-    if (!bSearchFinished()) return;
-    finishTicks();
-    if (m_selection.allSelectNumArr().empty()) return;
-    // What was ticked when the person confirms is what goes.
-    // Not what a later search may have put in its place.
-    m_parts.dialogs->alert(m_mainWindow, questionAboutTicked(),
-                           [self = QPointer(this), asked = m_duplicateOpt](int button) {
-                               if (self != nullptr && self->m_duplicateOpt == asked)
-                                   self->alertEnded_aContext(button == 0 ? 1 : 0);
-                           });
+std::function<std::unique_ptr<RemovalDoor>()> doorOf(const FileSystem& files, bool isToTrash) {
+    if (!isToTrash) return &QnAuthorization::makeDoor;
+    return
+        [&files] { return std::make_unique<TrashDoor>(files, QnAuthorization::protectedPlaces()); };
 }
 
+}  // namespace
+
 void SameFileDeleteViewController::alertEnded_aContext(int code) {
-    if (code != 1 || !bSearchFinished() || m_selection.allSelectNumArr().empty()) return;
+    if (code == 1) agree(false);
+}
+
+void SameFileDeleteViewController::agree(bool isToTrash) {
+    if (!bSearchFinished() || m_selection.allSelectNumArr().empty()) return;
     finishSorting();
     m_removal = std::make_unique<PageRemoval>();
     m_removal->ticked = m_selection.allSelectNumArr().entries();
+    m_removal->isToTrash = isToTrash;
     enter(State::Agreed);
     m_removalDelay.start(500);
 }
@@ -82,10 +82,20 @@ void SameFileDeleteViewController::delDuplicateItems() {
     deleteUpView();
 
     m_removal->plan = planOf(*m_parts.files, m_removal->ticked);
+    std::shared_ptr<RemovalList> list = m_removal->plan;
+    if (m_removal->isToTrash)
+        list = m_removal->undoable =
+            std::make_shared<UndoableRemoval>(*m_parts.files, m_parts.stateFolder, m_removal->plan,
+                                              [plan = m_removal->plan, origin = planOrigin()] {
+                                                  std::vector<TreeNode::Pointer> leaves;
+                                                  for (std::size_t i = 0; i < plan->size(); ++i)
+                                                      leaves.push_back(plan->leaf(i));
+                                                  return planOfTicks(leaves, origin);
+                                              });
     m_removal->job = std::make_unique<RemovalJob>(
-        RemovalJob::Parts{m_parts.files, m_parts.mainQueue, &QnAuthorization::makeDoor,
-                          m_parts.stateFolder},
-        m_removal->plan, [this] { removalNews(); });
+        RemovalJob::Parts{m_parts.files, m_parts.mainQueue,
+                          doorOf(*m_parts.files, m_removal->isToTrash), m_parts.stateFolder},
+        std::move(list), [this] { removalNews(); });
 }
 
 void SameFileDeleteViewController::deleteUpView() {
@@ -99,8 +109,9 @@ void SameFileDeleteViewController::deleteUpView() {
                                                 m_views->imageView->devicePixelRatioF()));
     constexpr std::int32_t pictures = 12;
     m_progressNum = m_progressNum % pictures + 1;
-    const QString done =
-        m_removal->plan->compares() ? tr("Compared again and removed: %1 of %2") : tr("%1 of %2");
+    const QString done = !m_removal->plan->compares() ? tr("%1 of %2")
+                         : m_removal->isToTrash       ? tr("Compared again and moved: %1 of %2")
+                                                      : tr("Compared again and removed: %1 of %2");
     m_views->countsLabel->setText(done.arg(QLocale().toString(qulonglong(progress.done)),
                                            QLocale().toString(qulonglong(progress.of))));
 }
@@ -158,7 +169,9 @@ void SameFileDeleteViewController::deleteFinished() {
 void SameFileDeleteViewController::alertCanNotRemoveSome() {
     if (m_selection.allSelectNumArr().empty() || m_removal->outcome.failed == 0) return;
     Alert alert = stayedAlert(m_removal->outcome);
-    if (m_removal->outcome.lacksRights) {
+    if (m_removal->isToTrash) {
+        alert.title = unmovedText(m_removal->outcome);  // which no administrator does either
+    } else if (m_removal->outcome.lacksRights) {
         m_views->animation->startUnlockAnimation(m_views->lockButton);
         alert.title = tr("Some files that require admin access can't be removed!");
         alert.text.clear();
@@ -171,19 +184,12 @@ void SameFileDeleteViewController::alertCanNotRemoveSome() {
     });
 }
 
-void SameFileDeleteViewController::showRemovalEnded() {
-    const RemovalOutcome outcome = m_removal ? m_removal->outcome : RemovalOutcome{};
-    ResultFrame::showLine(*m_views->removedLine, removedText(outcome));
-    ResultFrame::showLine(*m_views->failureLine, stayedText(outcome));
-}
-
-void SameFileDeleteViewController::showFailures() {
-    if (!m_removal || !bSearchFinished()) return;
-    showLineList(m_mainWindow, tr("Could not be removed"),
-                 linesByReason(m_removal->outcome.stayed));
-}
-
 void SameFileDeleteViewController::stopRemoveBtnClicked() {
+    if (m_state == State::Undoing) {
+        m_undoing.stop();
+        m_views->stopRemoveBtn->setEnabled(false);
+        return;
+    }
     if (!m_removal || !m_removal->job || bSearchFinished()) return;
     m_removal->job->stop();
     enter(State::StoppingRemoval);

@@ -28,6 +28,9 @@ QString shownRoot(const std::string& path) { return onOneLine(QString::fromStdSt
 // On the first view several folders that are dropped together open the sheet; a single one is
 // searched at once, as everywhere.
 bool SameFileDeleteViewController::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == m_views->detailView &&
+        (event->type() == QEvent::WindowActivate || event->type() == QEvent::Show))
+        showWays();  // the setting may be another by now
     if (event->type() != QEvent::Drop || watched != m_views->dragView) return false;
     auto& drop = static_cast<QDropEvent&>(*event);
     const auto paths = localPathsOf(*drop.mimeData());

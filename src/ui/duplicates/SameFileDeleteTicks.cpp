@@ -54,7 +54,7 @@ void SameFileDeleteViewController::refViewBgColor(std::int32_t row) {
         toText(resultRows.at(static_cast<std::size_t>(row)).picture));
     // While a removal changes the trees nothing looks at them; at its end the list gets the view
     // that was chosen last.
-    if (!isRemoving()) m_model->setTree(m_treeData);
+    if (!isRemoving() || m_state == State::Undoing) m_model->setTree(m_treeData);
     showSortIndicator();
     if (m_treeData != nullptr) {
         changeAllSelectCheckBoxState();
@@ -153,24 +153,9 @@ void SameFileDeleteViewController::showGain() {
     label.setVisible(sums.copies != 0);
     const QString gain = shownSize(UtilityFunction::convertVolSpace(sums.bytes));
     label.setText(sums.bytes == 0 ? tr("Nothing can be gained") : tr("%1 can be gained").arg(gain));
-    const QString count = QLocale().toString(qulonglong(sums.copies));
-    m_views->stopBtn->setText(sums.copies == 0  ? tr("Remove")
-                              : sums.bytes == 0 ? tr("Remove %1").arg(count)
-                                                : tr("Remove %1 \u00B7 %2").arg(count, gain));
-    m_views->stopBtn->setAccessibleDescription(sums.copies == 0 ? QString()
-                                                                : count + u", " + label.text());
     label.setToolTip(
         tr("A file with several names counts once, and only when all its names are ticked."));
-}
-
-Alert SameFileDeleteViewController::questionAboutTicked() const {
-    Alert question = removalQuestion();
-    const auto outside = static_cast<int>(m_selection.sums().outside);
-    if (outside == 1) question.text = tr("1 of them lies outside of the folder that was searched.");
-    else if (outside > 1)
-        question.text =
-            tr("%Ln of them lie outside of the folder that was searched.", nullptr, outside);
-    return question;
+    showWays();
 }
 
 void SameFileDeleteViewController::showHeaderBox(const HeaderBox& box) {

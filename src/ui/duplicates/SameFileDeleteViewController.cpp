@@ -121,12 +121,22 @@ void SameFileDeleteViewController::connectControls() {
     connect(views.stopScanBtn, &QAbstractButton::clicked, this, &Self::stopScanBtnClicked);
     connect(views.backButton, &QAbstractButton::clicked, this, &Self::backButtonAction);
     connect(views.keepBtn, &QAbstractButton::clicked, this, &Self::showKeepMenu);
-    auto* const keepKey = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_K), views.detailView);
-    connect(keepKey, &QShortcut::activated, this, &Self::showKeepMenu);
     connect(views.openBtn, &QAbstractButton::clicked, this, &Self::openFinderBtnClicked);
     connect(views.RevealFinder, &QAbstractButton::clicked, this, &Self::RevealInFinderBtnClicked);
     connect(views.button, &QAbstractButton::clicked, this, &Self::setAllSelectOrNoSelect);
     connect(views.stopBtn, &QAbstractButton::clicked, this, &Self::removeBtnClicked);
+    connect(views.otherWayBtn, &QAbstractButton::clicked, this, &Self::showWayMenu);
+    connect(views.undoBtn, &QAbstractButton::clicked, this, &Self::undoBtnClicked);
+    connect(views.againBtn, &QAbstractButton::clicked, this, &Self::searchAgain);
+    const auto onKey = [&](const QKeySequence& keys, void (Self::*action)()) {
+        auto* const shortcut = new QShortcut(keys, views.detailView);
+        connect(shortcut, &QShortcut::activated, this, action);
+    };
+    onKey(Qt::Key_Delete, &Self::removeBtnClicked);
+    onKey(Qt::CTRL | Qt::Key_Z, &Self::undoBtnClicked);
+    onKey(Qt::CTRL | Qt::Key_R, &Self::searchAgain);
+    onKey(Qt::CTRL | Qt::Key_K, &Self::showKeepMenu);
+    views.detailView->installEventFilter(this);
     connect(views.stopRemoveBtn, &QAbstractButton::clicked, this, &Self::stopRemoveBtnClicked);
     connect(views.lockButton, &QAbstractButton::clicked, this, &Self::unlockRigths);
     connect(views.lockButton, &Padlock::answered, this, [this] { enter(m_state); });
@@ -156,26 +166,31 @@ void SameFileDeleteViewController::connectControls() {
 StateTable SameFileDeleteViewController::stateTable() const {
     using enum Look;
     const SameFileDeleteViews& views = *m_views;
-    // Start, Searching, Stopping, Stopped, Ending, Result, Agreed, Removing, StoppingRemoval
+    // Start, Searching, Stopping, Stopped, Ending, Result, Agreed, Removing, StoppingRemoval,
+    // Undoing
     return {
-        {views.pathChoseBtn, {On, Off, Off, On, Off, On, On, On, Hidden}},
-        {views.animationHoverImageView, {On, Off, Off, On, Off, On, On, On, On}},
-        {views.scopeBtn, {On, Off, Off, On, Off, On, On, On, On}},
-        {views.stopScanBtn, {On, On, Off, Hidden, Off, Hidden, Hidden, Hidden, Hidden}},
-        {views.animation, {On, On, Hidden, Hidden, On, Hidden, Hidden, Hidden, On}},
-        {views.loadPathView, {On, On, On, Hidden, On, Hidden, Hidden, On, On}},
-        {views.rightImageView, {On, Hidden, Hidden, On, Hidden, On, On, On, On}},
-        {views.btnBgView, {On, Hidden, Hidden, On, Hidden, On, On, On, On}},
-        {views.keepBtn, {Off, Off, Off, On, Off, On, Off, Off, Hidden}},
-        {views.openBtn, {On, On, On, On, On, On, On, Off, Hidden}},
-        {views.RevealFinder, {On, On, On, On, On, On, On, Off, Hidden}},
-        {views.lockButton, {On, On, On, On, On, On, On, Off, Off}},
-        {views.backButton, {On, On, On, On, On, On, On, Off, Off}},
-        {views.titleLabel, {On, On, On, On, On, On, On, On, Hidden}},
-        {views.removedLine, {Kept, Kept, Kept, Kept, Kept, Kept, Kept, Hidden, Hidden}},
-        {views.failureLine, {Kept, Kept, Kept, Kept, Kept, Kept, Kept, Hidden, Hidden}},
-        {views.stopRemoveBtn, {Hidden, Hidden, Hidden, Hidden, Hidden, Hidden, Hidden, On, Off}},
-        {views.stopBtn, {Off, Off, Off, Shown, Shown, Shown, Off, Hidden, Off}},
+        {views.pathChoseBtn, {On, Off, Off, On, Off, On, On, On, Hidden, Off}},
+        {views.animationHoverImageView, {On, Off, Off, On, Off, On, On, On, On, Off}},
+        {views.scopeBtn, {On, Off, Off, On, Off, On, On, On, On, Off}},
+        {views.stopScanBtn, {On, On, Off, Hidden, Off, Hidden, Hidden, Hidden, Hidden, Hidden}},
+        {views.animation, {On, On, Hidden, Hidden, On, Hidden, Hidden, Hidden, On, Hidden}},
+        {views.loadPathView, {On, On, On, Hidden, On, Hidden, Hidden, On, On, Hidden}},
+        {views.rightImageView, {On, Hidden, Hidden, On, Hidden, On, On, On, On, On}},
+        {views.btnBgView, {On, Hidden, Hidden, On, Hidden, On, On, On, On, On}},
+        {views.keepBtn, {Off, Off, Off, On, Off, On, Off, Off, Hidden, Off}},
+        {views.openBtn, {On, On, On, On, On, On, On, Off, Hidden, Off}},
+        {views.RevealFinder, {On, On, On, On, On, On, On, Off, Hidden, Off}},
+        {views.lockButton, {On, On, On, On, On, On, On, Off, Off, Off}},
+        {views.backButton, {On, On, On, On, On, On, On, Off, Off, Off}},
+        {views.titleLabel, {On, On, On, On, On, On, On, On, Hidden, On}},
+        {views.removedLine, {Kept, Kept, Kept, Kept, Kept, Kept, Kept, Hidden, Hidden, Kept}},
+        {views.failureLine, {Kept, Kept, Kept, Kept, Kept, Kept, Kept, Hidden, Hidden, Hidden}},
+        {views.undoBtn, {Kept, Kept, Kept, Kept, Kept, Kept, Off, Hidden, Hidden, Hidden}},
+        {views.againBtn, {Kept, Kept, Kept, Kept, Kept, Kept, Off, Hidden, Hidden, Hidden}},
+        {views.stopRemoveBtn,
+         {Hidden, Hidden, Hidden, Hidden, Hidden, Hidden, Hidden, On, Off, On}},
+        {views.otherWayBtn, {Kept, Kept, Kept, Kept, Kept, Kept, Hidden, Hidden, Hidden, Hidden}},
+        {views.stopBtn, {Off, Off, Off, Shown, Shown, Shown, Off, Hidden, Off, Hidden}},
     };
 }
 

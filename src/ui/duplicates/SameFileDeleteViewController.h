@@ -1,7 +1,8 @@
-// SameFileDeleteViewController: the page of the duplicate finder. Six sources: this class's
+// SameFileDeleteViewController: the page of the duplicate finder. Seven sources: this class's
 // search, SameFileDeleteTicks.cpp its boxes and titles, SameFileDeleteKeeping.cpp the ticks of
-// whole views by rule and folder, SameFileDeleteRemoval.cpp its removal, SameFileDeleteRows.cpp
-// what is done with one row. The decisions stand in engine/duplicates/results.
+// whole views by rule and folder, SameFileDeleteRemoval.cpp its removal, SameFileDeleteTrash.cpp
+// the way to the trash and back, SameFileDeleteRows.cpp what is done with one row. The decisions
+// stand in engine/duplicates/results.
 #pragma once
 
 #include <QIcon>
@@ -21,12 +22,14 @@
 #include "engine/base/MainQueue.h"
 #include "engine/base/NotificationCenter.h"
 #include "engine/duplicates/keep/KeepTicks.h"
+#include "engine/duplicates/plan/makePlan.h"
 #include "engine/duplicates/results/DuplicateSelection.h"
 #include "engine/duplicates/results/LeafSort.h"
 #include "engine/duplicates/results/ResultViews.h"
 #include "engine/duplicates/scope/NamedSearches.h"
 #include "engine/removal/RemovalJob.h"
 #include "platform/fileTypes.h"
+#include "ui/duplicates/UndoErrand.h"
 #include "ui/kit/controls/DragView.h"
 #include "ui/kit/controls/PathAnimation.h"
 #include "ui/page/FolderEntrance.h"
@@ -82,9 +85,10 @@ public:
         return m_state == State::Start || m_state == State::Stopped || m_state == State::Result;
     }
     /// From half a second after the person's yes, when the first entry goes, to the end of the
-    /// removal.
+    /// removal; and while something comes back.
     [[nodiscard]] bool isRemoving() const override {
-        return m_state == State::Removing || m_state == State::StoppingRemoval;
+        return m_state == State::Removing || m_state == State::StoppingRemoval ||
+               m_state == State::Undoing;
     }
     [[nodiscard]] bool isBusy() const override { return !bSearchFinished(); }
     void giveUp() override;
@@ -117,6 +121,10 @@ public Q_SLOTS:
     void RevealInFinderBtnClicked();
     void setAllSelectOrNoSelect();
     void removeBtnClicked();
+    void showWayMenu();
+    void undoBtnClicked();
+    /// Searches what was searched last.
+    void searchAgain();
     void stopRemoveBtnClicked();
     void unlockRigths();
     void openHttpOfQuennet();
@@ -133,6 +141,7 @@ private:
         Agreed,  ///< what is ticked goes within half a second
         Removing,
         StoppingRemoval,
+        Undoing,  ///< what went to the trash comes back
     };
     void enter(State state);
     [[nodiscard]] StateTable stateTable() const;
@@ -176,7 +185,6 @@ private:
     void callBackDeleteItemWithIndex() override;
     void setRemoveButtonState();
     void showGain();
-    [[nodiscard]] Alert questionAboutTicked() const;
     void changeAllSelectCheckBoxState();
     void forgetClearedKinds();
     [[nodiscard]] bool isTickedByHeader() const;
@@ -198,8 +206,17 @@ private:
     void showTicks();
     void tellOfEmptyFolder();
 
+    // To the trash and back.
+    void showWays();
+    void ask(bool isToTrash);
+    [[nodiscard]] Alert questionAboutTicked(bool isToTrash) const;
+    [[nodiscard]] QStringList consequences() const;
+    [[nodiscard]] PlanOrigin planOrigin() const;
+    void undoEnded(const UndoErrand::Result& result);
+
     // Removal.
     void alertEnded_aContext(int code);
+    void agree(bool isToTrash);
     void doRemoveDuplicateAction();
     void delDuplicateItems();
     void deleteUpView();
@@ -246,6 +263,8 @@ private:
     std::shared_ptr<DuplicateFilesOpt> m_duplicateOpt;
     std::shared_ptr<ThreadWorker> m_twDuplicateSearch;
     std::unique_ptr<PageRemoval> m_removal;  // the running or the last one
+    UndoErrand m_undoing{m_parts};
+    bool m_isTrashFirst = false;  // as the buttons show it
     std::string m_searchPath;
     SearchRequest m_request;  // its first folder is m_searchPath
     SearchScope m_lastScope;  // that the sheet begins with

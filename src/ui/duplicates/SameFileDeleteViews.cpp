@@ -214,8 +214,27 @@ void SameFileDeleteViews::fillContent() {
 
 void SameFileDeleteViews::fillBottom() {
     removedLine->setContentsMargins(Theme::gapSmall, 0, Theme::gapSmall, 0);
-    gainLabel = makeLabel("gainLabel", Theme::Text::Body, QPalette::PlaceholderText);
+    undoBtn = named(new HoverButton, "undoBtn");
+    undoBtn->setText(tr("Undo"));
+    undoBtn->setToolTip(tr("Bring back what was moved to the trash (Ctrl+Z)"));
+    againBtn = named(new HoverButton, "againBtn");
+    againBtn->setText(tr("Search Again"));
+    againBtn->setToolTip(tr("Show what is there now (Ctrl+R)"));
+    // Behind the line about what went.
+    const int behind = bottom->indexOf(removedLine) + 1;
+    for (HoverButton* const each : {againBtn, undoBtn}) {
+        each->hide();
+        bottom->insertWidget(behind, each);
+    }
+    gainLabel = named(new ElidedLabel, "gainLabel");
+    gainLabel->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    gainLabel->setFont(Theme::shared().font(Theme::Text::Body));
+    gainLabel->setForegroundRole(QPalette::PlaceholderText);
     gainLabel->hide();
+    otherWayBtn = named(new HoverButton, "otherWayBtn", tr("To the trash or for good"));
+    otherWayBtn->setText(QStringLiteral("\u25BE"));
+    otherWayBtn->setToolTip(tr("To the trash or for good"));
+    otherWayBtn->hide();
     trashBtn = named(new PictureView(QStringLiteral("trash"), {20, 20}), "trashBtn");
     stopRemoveBtn = named(new TextImageButton(tr("Stop")), "stopRemoveBtn");
     stopRemoveBtn->hide();
@@ -223,9 +242,9 @@ void SameFileDeleteViews::fillBottom() {
     stopBtn->setToolTip(tr("Remove selected file"));
     stopBtn->setAccessibleName(tr("Remove"));  // its text counts
     stopBtn->setEnabled(false);
-    for (QWidget* const each :
-         {static_cast<QWidget*>(gainLabel), static_cast<QWidget*>(trashBtn),
-          static_cast<QWidget*>(stopRemoveBtn), static_cast<QWidget*>(stopBtn)})
+    for (QWidget* const each : {static_cast<QWidget*>(gainLabel), static_cast<QWidget*>(trashBtn),
+                                static_cast<QWidget*>(stopRemoveBtn),
+                                static_cast<QWidget*>(otherWayBtn), static_cast<QWidget*>(stopBtn)})
         bottom->addWidget(each);
 }
 

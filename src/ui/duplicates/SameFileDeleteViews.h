@@ -86,8 +86,13 @@ public:
     QLabel* emptyLabel = nullptr;
     TextImageButton* otherFolderBtn = nullptr;
     QWidget* removalView = nullptr;
+    HoverButton* undoBtn = nullptr;   ///< behind removedLine, while that can be undone
+    HoverButton* againBtn = nullptr;  ///< once it was
     QLabel* gainLabel =
         nullptr;  ///< what the removal of the ticked copies gives back; hidden while there are none
+    HoverButton* otherWayBtn = nullptr;  ///< the menu of the two ways out; hidden while nothing is
+                                         ///< ticked
+                                         ///< other way round; hidden while nothing is ticked
     PictureView* trashBtn = nullptr;
     TextImageButton* stopRemoveBtn = nullptr;
     TextImageButton* stopBtn = nullptr;

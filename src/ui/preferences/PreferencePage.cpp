@@ -62,11 +62,12 @@ struct BoxKey {
     void (PreferencePage::*action)() = nullptr;  // null: it stores, and nothing else
 };
 
-constexpr std::array<BoxKey, 8> boxKeys{{
+constexpr std::array<BoxKey, 9> boxKeys{{
     {&PreferenceViews::spaceWarningsBox, spaceWarningsKey},
     {&PreferenceViews::hideCheckBox, ZvHidenDuplication, &PreferencePage::changeHiddenDuplicates},
     {&PreferenceViews::sysCheckBox, ZvSystemDuplication, &PreferencePage::changeSysDuplicates},
     {&PreferenceViews::compareBox, compareBeforeRemovingKey},
+    {&PreferenceViews::trashFirstBox, trashFirstKey},
     {&PreferenceViews::oneFileSystemBox, oneFileSystemKey},
     {&PreferenceViews::autoCheckUpdates, SUEnableAutomaticChecks,
      &PreferencePage::changeAutoUpdate},
@@ -95,8 +96,8 @@ std::vector<const char*> keysOf(Group group) {
         case Group::Cleaning: break;
         case Group::Warnings: return {ZvSpaceAlarmKey, ZvMemoryAlarmKey, spaceWarningsKey};
         case Group::Duplicates:
-            return {ZvDuplicationLimit, ZvDuplicatesUnit, ZvHidenDuplication, ZvSystemDuplication,
-                    compareBeforeRemovingKey};
+            return {ZvDuplicationLimit,  ZvDuplicatesUnit,         ZvHidenDuplication,
+                    ZvSystemDuplication, compareBeforeRemovingKey, trashFirstKey};
         case Group::DiskUsage: return {ZvDiskUsageLimit, ZvDiskUsageUnit, oneFileSystemKey};
         case Group::Updates: return {SUEnableAutomaticChecks, SUScheduledCheckInterval};
         case Group::General:

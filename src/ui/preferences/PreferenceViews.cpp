@@ -149,6 +149,7 @@ void PreferenceViews::makeDuplicates() {
     hideCheckBox = named(new TickBox(tr("Search hidden files too")), "hideCheckBox");
     sysCheckBox = named(new TickBox(tr("Search the system's files too")), "sysCheckBox");
     compareBox = named(new TickBox(tr("Compare once more before removing")), "compareBox");
+    trashFirstBox = named(new TickBox(tr("Offer the trash first")), "trashFirstBox");
     PreferenceGroup& box = *boxes[Duplicates];
     box.add(tr("Files larger than"), infoSizeTextFiled,
             tr("With 0 files of any size are compared."), sizeInfo);
@@ -156,6 +157,8 @@ void PreferenceViews::makeDuplicates() {
     box.add({}, sysCheckBox);
     box.add({}, compareBox,
             tr("A copy goes only if it still has the same bytes as the one that stays."));
+    box.add({}, trashFirstBox,
+            tr("What is in the trash can be brought back, and takes up room until it is emptied."));
 }
 
 void PreferenceViews::makeDiskUsage() {

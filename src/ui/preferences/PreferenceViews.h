@@ -63,6 +63,7 @@ public:
     TickBox* hideCheckBox = nullptr;
     TickBox* sysCheckBox = nullptr;
     TickBox* compareBox = nullptr;
+    TickBox* trashFirstBox = nullptr;
     NumberField* diskUsageLimit = nullptr;
     QComboBox* diskUsageUnit = nullptr;
     TickBox* oneFileSystemBox = nullptr;

@@ -77,6 +77,7 @@ TEST_F(Keeping, ARuleTicksTheViewAndTheNumbersFollow) {
              "a\xE2\x80\x9D"));
     EXPECT_EQ(ticked(), "b/three.jpg b/two.txt c/three.jpg ");
     on.dialogs.willChoose({on.tree.at("f/d")});
+    on.dialogs.willAnswer(0);
     ASSERT_TRUE(keep("In Folder\xE2\x80\xA6"));
     EXPECT_SOON(on.dialogs.alerts().size() == 1);
     EXPECT_EQ(ticked(), "b/three.jpg b/two.txt c/three.jpg ") << "nothing lies there";

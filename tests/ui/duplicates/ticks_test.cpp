@@ -117,8 +117,8 @@ TEST_F(Ticks, TheBoxOverTheListTicksAndItsNextClickClears) {
         {"leftCell1", "", 0, false, "two.txt 0 0/2: ..\n", "2 files", TickState::Nothing},
         {"leftCell0", "", 0, false, pictures, "2 files", TickState::Some},
         {"leftCell5", "", 0, true, noPictures, "0 file", TickState::Nothing},
-        // Two ticked by hand are counted twice after the box, until it clears.
-        {"leftCell5", "three.jpg", 2, true, pictures, "4 files", TickState::Some},
+        // Two ticked by hand stand in the list of ticks twice after the box, and count once.
+        {"leftCell5", "three.jpg", 2, true, pictures, "2 files", TickState::Some},
         {"leftCell5", "", 0, true, noPictures, "0 file", TickState::Nothing},
         // What was ticked in one view is cleared in any other, and the rest stays.
         {"leftCell0", "", 0, true, pictures, "3 files", TickState::Some},
@@ -250,9 +250,13 @@ TEST_F(Ticks, WhatLiesElsewhereIsSaidInTheRowAndBeforeARemoval) {
         on.click("stopBtn");
         return on.dialogs.alerts().back().text.toStdString();
     };
-    EXPECT_EQ(asked("/h/a.txt"), " ");
-    EXPECT_EQ(asked("/one/c.txt"), "1 of them lies outside of the folder that was searched.");
-    EXPECT_EQ(asked("/two/d.txt"), "2 of them lie outside of the folder that was searched.");
+    EXPECT_EQ(asked("/h/a.txt"), "1 file, 2.00 KB, goes for good.");
+    EXPECT_EQ(asked("/one/c.txt"),
+              "2 files, 4.00 KB, go for good.\n"
+              "1 of them lies outside of the folder that was searched.");
+    EXPECT_EQ(asked("/two/d.txt"),
+              "3 files, 6.00 KB, go for good.\n"
+              "2 of them lie outside of the folder that was searched.");
 }
 
 TEST_F(Ticks, ThePreviewGoesOnToTheNextFileAndClosesAlone) {

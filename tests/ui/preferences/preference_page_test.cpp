@@ -99,6 +99,7 @@ TEST_F(Preferences, EachControlStoresByKeyboard) {
         {"hideCheckBox", "ZvHidenDuplication", {Qt::Key_Space}, "true"},
         {"sysCheckBox", "ZvSystemDuplication", {Qt::Key_Space}, "true"},
         {"compareBox", "compareBeforeRemoving", {Qt::Key_Space}, "false"},
+        {"trashFirstBox", "trashFirst", {Qt::Key_Space}, "true"},
         {"diskUsageLimit", "ZvDiskUsageLimit", {Qt::Key_Backspace}, "0"},
         {"diskUsageUnit", "ZvDiskUsageUnit", {Qt::Key_Home}, "0"},
         {"oneFileSystemBox", "oneFileSystem", {Qt::Key_Space}, "false"},

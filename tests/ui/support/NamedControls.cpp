@@ -39,7 +39,7 @@ bool NamedControls::chooseInMenu(QTreeView& list, const QModelIndex& row, const 
     if (menu == nullptr) return false;
     bool isChosen = false;
     for (QAction* const action : menu->actions()) {
-        if (action->text() != QLatin1String(entry) || !action->isEnabled()) continue;
+        if (action->text() != QString::fromUtf8(entry) || !action->isEnabled()) continue;
         action->trigger();
         isChosen = true;
     }

@@ -60,7 +60,7 @@ PageWindow::PageWindow() : m_defaults(m_settings.at("settings.ini")), m_threads(
                      .defaults = &m_defaults,
                      .dialogs = &dialogs,
                      .mainQueue = &m_mainQueue,
-                     .stateFolder = m_settings.at("state"),
+                     .stateFolder = stateFolder(),
                      .icons = [this](const IconRequest& request) { return m_icons.icon(request); },
                      .reveal = [this](const std::string& path) { revealed.push_back(path); },
                      .openAddress = {}},

@@ -47,6 +47,8 @@ public:
     PageWindow& operator=(const PageWindow&) = delete;
 
     SameFileDeleteViewController& page() { return *window->sameFileDeleteVC(); }
+    UserDefaults& settings() { return m_defaults; }
+    [[nodiscard]] std::string stateFolder() const { return m_settings.at("state"); }
     /// Drops the folder on the page.
     void drop(const std::string& path);
     /// Drops it and waits until the search stands before the first file that it would open; reading

@@ -22,6 +22,7 @@ namespace orrinvale {
 namespace {
 
 constexpr std::string_view planBeginning = "{\n  \"orrinvalePlan\": ";
+constexpr std::string_view notPlain = "no plain absolute path";
 
 std::string_view planTypeName(FileType type) {
     if (type == FileType::Folder) return "bundle";
@@ -129,7 +130,7 @@ bool isPlanBundle(const PlanMember& member) { return member.identity.type == Fil
 // A bundle and a file are never compared with each other, and neither are folders that nobody
 // listed.
 std::optional<std::string> faultOfMember(const PlanMember& member, const PlanGroup& group) {
-    if (!isPlainPath(member.path)) return "no plain absolute path";
+    if (!isPlainPath(member.path)) return std::string(notPlain);
     if (isPlanBundle(member) != isPlanBundle(group.members.front()))
         return "a bundle is no copy of a file";
     if (isPlanBundle(member) && !(isBundleName(lastPathComponent(member.path)) && member.listing))
@@ -164,17 +165,20 @@ PlanSums sumsOf(const DuplicatePlan& plan) {
     return sums;
 }
 
-std::optional<std::string> faultOf(const DuplicatePlan& plan) {
+std::optional<std::string> faultOf(const DuplicatePlan& plan, PlanUse use) {
     if (!parseDate(plan.made)) return "it does not tell when it was made";
     const auto told = [](const std::string& path, const std::string& fault) {
         return fmt::format("{}: {}", path, fault);
     };
     for (const std::string& folder : plan.protectedFolders)
-        if (plainPath(folder) != folder) return told(folder, "no plain absolute path");
+        if (plainPath(folder) != folder) return told(folder, std::string(notPlain));
     for (const PlanGroup& group : plan.groups) {
-        bool isAnyLeft = group.members.empty();
+        bool isAnyLeft = group.members.empty() || use == PlanUse::Undo;
         for (const PlanMember& member : group.members) {
-            if (const auto fault = faultOfMember(member, group)) return told(member.path, *fault);
+            const auto fault = use == PlanUse::Removal    ? faultOfMember(member, group)
+                               : isPlainPath(member.path) ? std::nullopt
+                                                          : std::optional(std::string(notPlain));
+            if (fault) return told(member.path, *fault);
             isAnyLeft = isAnyLeft || !member.goes;
         }
         if (!isAnyLeft) return told(group.members.front().path, "no copy of it would stay");

@@ -49,17 +49,25 @@ struct PlanSums {
 };
 [[nodiscard]] PlanSums sumsOf(const DuplicatePlan& plan);
 
+/// What is done with a plan.
+enum class PlanUse : std::uint8_t {
+    Removal,
+    Undo  ///< of what has gone already: all copies of a group, and links, where a person said so
+};
+
 /// What a plan may not say, in words; nothing for a sound one. Paths are plain and absolute, and
-/// none stands twice. Of each group something stays. Only files that are not empty and bundles that
-/// were listed go, and nothing that is protected.
-[[nodiscard]] std::optional<std::string> faultOf(const DuplicatePlan& plan);
+/// none stands twice. For a removal something stays of each group; only files that are not empty
+/// and bundles that were listed go, and nothing that is protected.
+[[nodiscard]] std::optional<std::string> faultOf(const DuplicatePlan& plan,
+                                                 PlanUse use = PlanUse::Removal);
 
 /// Its JSON, with the version and a digest of all that follows it. Equal plans have equal texts.
 [[nodiscard]] std::string writePlan(const DuplicatePlan& plan);
 
 /// Reads it back, however it is spaced. Why not, in words: another version, no plan at all, a
 /// digest that is not that of its contents, or faultOf().
-[[nodiscard]] tl::expected<DuplicatePlan, std::string> parsePlan(std::string_view text);
+[[nodiscard]] tl::expected<DuplicatePlan, std::string> parsePlan(std::string_view text,
+                                                                 PlanUse use = PlanUse::Removal);
 
 /// Whether the text begins as those of writePlan() do.
 [[nodiscard]] bool beginsAsPlan(std::string_view text);

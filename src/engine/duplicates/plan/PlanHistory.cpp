@@ -120,7 +120,7 @@ tl::expected<NotedRemoval, std::string> PlanHistory::load(const std::string& id)
     const std::size_t end = std::min(all.find('\n'), all.size());
     auto folders = foldersIn(all.substr(0, end));
     if (!folders) return tl::unexpected(std::string("its record is damaged"));
-    auto plan = parsePlan(all.substr(std::min(end + 1, all.size())));
+    auto plan = parsePlan(all.substr(std::min(end + 1, all.size())), PlanUse::Undo);
     if (!plan) return tl::unexpected("its record is no good: " + plan.error());
     return NotedRemoval{id, std::move(*plan), std::move(*folders)};
 }

@@ -74,7 +74,7 @@ private:
 
 }  // namespace
 
-DuplicatePlan makePlan(const DuplicateFilesOpt& search, const PlanOrigin& origin) {
+DuplicatePlan emptyPlan(const PlanOrigin& origin) {
     const auto now = std::chrono::system_clock::now().time_since_epoch();
     DuplicatePlan plan;
     plan.owner = ::geteuid();
@@ -82,6 +82,11 @@ DuplicatePlan makePlan(const DuplicateFilesOpt& search, const PlanOrigin& origin
     plan.roots = origin.roots;
     plan.protectedFolders = origin.protectedFolders;
     for (const KeepRule& rule : origin.rules) plan.rules.push_back(textOfRule(rule));
+    return plan;
+}
+
+DuplicatePlan makePlan(const DuplicateFilesOpt& search, const PlanOrigin& origin) {
+    DuplicatePlan plan = emptyPlan(origin);
     const auto state = search.search();
     if (state == nullptr) return plan;
     PlanMaker maker(plan, origin.rules, *state);

@@ -17,7 +17,10 @@ struct PlanOrigin {
     KeepRules rules;
 };
 
-/// A plan of this user and this moment, of a search that has ended. What can not go by a plan
+/// A plan of this user and this moment without groups.
+[[nodiscard]] DuplicatePlan emptyPlan(const PlanOrigin& origin);
+
+/// The same with those of a search that has ended. What can not go by a plan
 /// stays: links, and whatever is protected. Groups of which nothing goes are left out.
 [[nodiscard]] DuplicatePlan makePlan(const DuplicateFilesOpt& search, const PlanOrigin& origin);
 

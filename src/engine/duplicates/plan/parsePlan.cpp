@@ -51,7 +51,7 @@ constexpr std::array<std::string_view, 7> planNames{"digest",    "owner", "made"
 /// Reads a plan. What is wrong with it fails the reader, but for what has words of its own.
 class PlanParser final {
 public:
-    explicit PlanParser(std::string_view text) : m_reader(text) {}
+    PlanParser(std::string_view text, PlanUse use) : m_reader(text), m_use(use) {}
 
     [[nodiscard]] tl::expected<DuplicatePlan, std::string> parse();
 
@@ -68,6 +68,7 @@ private:
 
     JsonReader m_reader;
     DuplicatePlan m_plan;
+    const PlanUse m_use;
     std::uint64_t m_version = 0;
     std::size_t m_members = 0;
     std::optional<std::uint64_t> m_digest;
@@ -210,14 +211,14 @@ tl::expected<DuplicatePlan, std::string> PlanParser::parse() {
     fmt::format_to(std::back_inserter(wanted), "\"{:016x}\"", m_digest.value_or(0));
     if (!m_digest || std::string_view(text).substr(0, 128).find(wanted) == std::string_view::npos)
         return tl::unexpected(std::string("it was changed since it was written"));
-    if (auto fault = faultOf(m_plan)) return tl::unexpected(std::move(*fault));
+    if (auto fault = faultOf(m_plan, m_use)) return tl::unexpected(std::move(*fault));
     return std::move(m_plan);
 }
 
 }  // namespace
 
-tl::expected<DuplicatePlan, std::string> parsePlan(std::string_view text) {
-    return PlanParser(text).parse();
+tl::expected<DuplicatePlan, std::string> parsePlan(std::string_view text, PlanUse use) {
+    return PlanParser(text, use).parse();
 }
 
 }  // namespace orrinvale

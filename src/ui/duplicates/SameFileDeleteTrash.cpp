@@ -1,0 +1,214 @@
+// SameFileDeleteViewController: the two ways out, what is said before one is gone, and the way back
+// from the trash. What came back is not put into the list: its times of change are new, and what
+// the search knew of it holds no more, so that a new search is offered.
+#include <QEvent>
+#include <QLabel>
+#include <QLocale>
+#include <QMenu>
+#include <QStackedWidget>
+
+#include "engine/settings/SettingsKeys.h"
+#include "engine/settings/UserDefaults.h"
+#include "engine/text/UtilityFunction.h"
+#include "ui/duplicates/PageRemoval.h"
+#include "ui/duplicates/ResultOutline.h"
+#include "ui/duplicates/SameFileDeleteViewController.h"
+#include "ui/duplicates/SameFileDeleteViews.h"
+#include "ui/duplicates/trashWords.h"
+#include "ui/kit/chrome/HoverButton.h"
+#include "ui/kit/chrome/TextImageButton.h"
+#include "ui/kit/controls/ElidedLabel.h"
+#include "ui/kit/controls/numberText.h"
+#include "ui/kit/dialogs/Dialogs.h"
+#include "ui/kit/dialogs/LineList.h"
+#include "ui/kit/dialogs/failureWords.h"
+#include "ui/kit/dialogs/removalWords.h"
+
+namespace orrinvale {
+
+// What the buttons say is what they do, also where the setting has changed since.
+void SameFileDeleteViewController::showWays() {
+    m_isTrashFirst = m_parts.defaults->boolForKey(trashFirstKey);
+    const TickedSums& sums = m_selection.sums();
+    const QString gain = shownSize(UtilityFunction::convertVolSpace(sums.bytes));
+    const QString count = QLocale().toString(qulonglong(sums.copies));
+    TextImageButton& first = *m_views->stopBtn;
+    const QString name = m_isTrashFirst ? tr("Move to Trash") : tr("Remove");
+    first.setRole(m_isTrashFirst ? TextImageButton::Role::Primary : TextImageButton::Role::Danger);
+    if (sums.copies == 0) first.setText(name);
+    else if (sums.bytes == 0)
+        first.setText((m_isTrashFirst ? tr("Move %1 to Trash") : tr("Remove %1")).arg(count));
+    else
+        first.setText(
+            (m_isTrashFirst ? tr("Move %1 to Trash \u00B7 %2") : tr("Remove %1 \u00B7 %2"))
+                .arg(count, gain));
+    first.setAccessibleName(name);  // its text counts
+    first.setAccessibleDescription(sums.copies == 0 ? QString()
+                                                    : count + u", " + m_views->gainLabel->text());
+    first.setToolTip(m_isTrashFirst ? tr("Move selected files to the trash")
+                                    : tr("Remove selected file"));
+    m_views->otherWayBtn->setVisible(sums.copies != 0 && bSearchFinished());
+}
+
+void SameFileDeleteViewController::removeBtnClicked() { ask(m_isTrashFirst); }
+
+// Both, so that the menu is the same whichever is first, but for the order.
+void SameFileDeleteViewController::showWayMenu() {
+    if (!bSearchFinished() || m_views->otherWayBtn->isHidden()) return;
+    auto* const menu = new QMenu(m_views->detailView);
+    menu->setObjectName(QStringLiteral("wayMenu"));
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    for (const bool isToTrash : {m_isTrashFirst, !m_isTrashFirst})
+        menu->addAction(isToTrash ? tr("Move to Trash\u2026") : tr("Remove for Good\u2026"), this,
+                        [this, isToTrash] { ask(isToTrash); });
+    const QWidget& button = *m_views->otherWayBtn;
+    const QSize size = menu->sizeHint();
+    menu->popup(button.mapToGlobal(QPoint(button.width() - size.width(), -size.height())));
+    menu->setActiveAction(menu->actions().back());
+}
+
+void SameFileDeleteViewController::ask(bool isToTrash) {
+    if (!bSearchFinished()) return;
+    finishTicks();
+    if (m_selection.allSelectNumArr().empty()) return;
+    // What was ticked when the person confirms is what goes.
+    // Not what a later search may have put in its place.
+    m_parts.dialogs->alert(m_mainWindow, questionAboutTicked(isToTrash),
+                           [self = QPointer(this), asked = m_duplicateOpt, isToTrash](int button) {
+                               if (self == nullptr || self->m_duplicateOpt != asked) return;
+                               constexpr int toTrashInstead = 2;
+                               if (isToTrash ? button == 0 : button == toTrashInstead)
+                                   self->agree(true);
+                               else self->alertEnded_aContext(button == 0 ? 1 : 0);
+                           });
+}
+
+// What is said of both ways.
+QStringList SameFileDeleteViewController::consequences() const {
+    QStringList lines;
+    const auto outside = static_cast<int>(m_selection.sums().outside);
+    if (outside == 1) lines << tr("1 of them lies outside of the folder that was searched.");
+    else if (outside > 1)
+        lines << tr("%Ln of them lie outside of the folder that was searched.", nullptr, outside);
+    int whole = 0;
+    if (const TreeNode* const all = m_results.tree(0))
+        for (std::size_t i = 0; i < all->numberOfChildren(); ++i)
+            whole += simpleData(*all->childAtIndex(i))->selectNum() == 1 ? 1 : 0;
+    if (whole == 1) lines << tr("1 group loses all its copies.");
+    else if (whole > 1) lines << tr("%Ln groups lose all their copies.", nullptr, whole);
+    return lines;
+}
+
+Alert SameFileDeleteViewController::questionAboutTicked(bool isToTrash) const {
+    const TickedSums& sums = m_selection.sums();
+    const auto count = static_cast<int>(sums.copies);
+    const QString size = shownSize(UtilityFunction::convertVolSpace(sums.bytes));
+    QStringList lines = consequences();
+    Alert question = removalQuestion();
+    if (isToTrash) {
+        question.title = count == 1 ? tr("Move 1 file to the trash?")
+                                    : tr("Move %Ln files to the trash?", nullptr, count);
+        question.isDestructive = false;
+        question.severity = Alert::Severity::Information;
+        question.buttons.front() = tr("Move to Trash");
+        lines.prepend(tr("%1 in all. What is moved can be brought back until the trash is emptied.")
+                          .arg(size));
+    } else {
+        question.buttons << tr("Move to Trash");
+        lines.prepend((count == 1 ? tr("1 file, %1, goes for good.")
+                                  : tr("%Ln files, %1, go for good.", nullptr, count))
+                          .arg(size));
+    }
+    question.text = lines.join(QLatin1Char('\n'));
+    return question;
+}
+
+PlanOrigin SameFileDeleteViewController::planOrigin() const {
+    PlanOrigin origin;
+    origin.roots = m_request.roots.empty() ? std::vector{m_searchPath} : m_request.roots;
+    origin.protectedFolders = m_request.protectedFolders;
+    return origin;
+}
+
+void SameFileDeleteViewController::showRemovalEnded() {
+    const bool isToTrash = m_removal && m_removal->isToTrash;
+    const RemovalOutcome outcome = m_removal ? m_removal->outcome : RemovalOutcome{};
+    const auto undone = m_removal ? m_removal->undone : std::nullopt;
+    ResultFrame::showLine(*m_views->removedLine, undone      ? backText(*undone)
+                                                 : isToTrash ? movedText(outcome)
+                                                             : removedText(outcome));
+    ResultFrame::showLine(*m_views->failureLine, undone      ? leftText(*undone)
+                                                 : isToTrash ? unmovedText(outcome)
+                                                             : stayedText(outcome));
+    m_views->undoBtn->setVisible(isToTrash && !m_removal->undoable->undoId().empty() &&
+                                 (!undone || undone->stopped));
+    m_views->againBtn->setVisible(undone.has_value());
+    for (HoverButton* const each : {m_views->undoBtn, m_views->againBtn}) each->setEnabled(true);
+}
+
+void SameFileDeleteViewController::showFailures() {
+    if (!m_removal || !bSearchFinished()) return;
+    if (m_removal->undone)
+        showLineList(m_mainWindow, tr("Could not be brought back"), leftLines(*m_removal->undone));
+    else
+        showLineList(m_mainWindow,
+                     m_removal->isToTrash ? tr("Could not be moved") : tr("Could not be removed"),
+                     linesByReason(m_removal->outcome.stayed));
+}
+
+void SameFileDeleteViewController::undoBtnClicked() {
+    if (!bSearchFinished() || !m_removal || m_views->undoBtn->isHidden()) return;
+    finishTicks();
+    enter(State::Undoing);
+    showWays();
+    ResultFrame::showLine(*m_views->removedLine, tr("Bringing it back\u2026"));
+    m_views->stopRemoveBtn->setFocus();
+    m_undoing.begin(m_removal->undoable->undoId(),
+                    [this](const UndoErrand::Result& result) { undoEnded(result); });
+}
+
+void SameFileDeleteViewController::undoEnded(const UndoErrand::Result& result) {
+    enter(State::Result);
+    setRemoveButtonState();
+    if (result) {
+        std::size_t before = 0;  // of a run that was stopped
+        if (m_removal->undone) before = m_removal->undone->restored.size();
+        m_removal->undone = *result;
+        m_removal->undone->restored.resize(before + result->restored.size());
+        m_removal->undone->inPlace -= std::min(before, m_removal->undone->inPlace);
+    }
+    showRemovalEnded();
+    QWidget* const next = m_views->againBtn->isHidden() ? m_views->content->currentWidget()
+                                                        : static_cast<QWidget*>(m_views->againBtn);
+    if (m_views->detailView->isVisible()) next->setFocus();
+    if (result) return;
+    Alert alert;
+    alert.title = tr("It could not be brought back");
+    alert.text = inWords(result.error());
+    alert.severity = Alert::Severity::Warning;
+    m_parts.dialogs->alert(m_mainWindow, alert, [](int /*button*/) {});
+}
+
+void SameFileDeleteViewController::searchAgain() {
+    if (!bSearchFinished()) return;
+    const auto begin = [this] {
+        if (!bSearchFinished()) return;
+        searchBtnClicked();
+        forwardViewForAnimation();
+    };
+    finishTicks();
+    if (m_selection.allSelectNumArr().empty()) {
+        begin();
+        return;
+    }
+    Alert question;
+    question.title = tr("Search again?");
+    question.text = tr("What is ticked here is forgotten, and nothing is removed.");
+    question.buttons = QStringList{tr("Search"), tr("Cancel")};
+    question.cancelButton = 1;
+    m_parts.dialogs->alert(m_mainWindow, question, [self = QPointer(this), begin](int button) {
+        if (self != nullptr && button == 0) begin();
+    });
+}
+
+}  // namespace orrinvale
