@@ -1891,6 +1891,14 @@
         <source>its record is damaged</source>
         <translation>der Vermerk dazu ist beschädigt</translation>
     </message>
+    <message>
+        <source>by the trash&apos;s record it was elsewhere</source>
+        <translation>laut dem Vermerk des Papierkorbs lag es woanders</translation>
+    </message>
+    <message>
+        <source>the volume that it was on is not there</source>
+        <translation>der Datenträger, auf dem es lag, ist nicht da</translation>
+    </message>
 </context>
 <context>
     <name>Removal</name>
@@ -2083,6 +2091,26 @@
     <message>
         <source>Show what is there now (Ctrl+R)</source>
         <translation>Zeigen, was jetzt da ist (Strg+R)</translation>
+    </message>
+    <message>
+        <source>Plans and Removals ▾</source>
+        <translation>Pläne und Entferntes ▾</translation>
+    </message>
+    <message>
+        <source>Plans and Removals</source>
+        <translation>Pläne und Entferntes</translation>
+    </message>
+    <message>
+        <source>More</source>
+        <translation>Mehr</translation>
+    </message>
+    <message>
+        <source>Plans, removals of 30 days, a new search</source>
+        <translation>Pläne, Entferntes der letzten 30 Tage, neue Suche</translation>
+    </message>
+    <message>
+        <source>To the trash or for good</source>
+        <translation>In den Papierkorb oder endgültig</translation>
     </message>
 </context>
 <context>
@@ -2933,6 +2961,104 @@ Freie Software unter der Apache License 2.0.</translation>
     </message>
 </context>
 <context>
+    <name>orrinvale::HistoryDesk</name>
+    <message>
+        <source>It could not be brought back</source>
+        <translation>Es ließ sich nicht zurückholen</translation>
+    </message>
+    <message>
+        <source>Why?</source>
+        <translation>Warum?</translation>
+    </message>
+    <message>
+        <source>Forget these removals?</source>
+        <translation>Diese Liste vergessen?</translation>
+    </message>
+    <message>
+        <source>What is in the trash stays there, and can be restored by the file manager.</source>
+        <translation>Was im Papierkorb liegt, bleibt dort und lässt sich in der Dateiverwaltung wiederherstellen.</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>Leeren</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Some could not be forgotten</source>
+        <translation>Einiges ließ sich nicht vergessen</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::HistoryPanel</name>
+    <message>
+        <source>When</source>
+        <translation>Wann</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>Dateien</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>In the trash</source>
+        <translation>Im Papierkorb</translation>
+    </message>
+    <message>
+        <source>Removals of the last 30 days</source>
+        <translation>Entferntes der letzten 30 Tage</translation>
+    </message>
+    <message>
+        <source>What was moved to the trash can be brought back until the trash is emptied.</source>
+        <translation>Was in den Papierkorb gelegt wurde, lässt sich zurückholen, bis er geleert wird.</translation>
+    </message>
+    <message>
+        <source>Removals</source>
+        <translation>Entferntes</translation>
+    </message>
+    <message>
+        <source>One moment…</source>
+        <translation>Einen Moment …</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>Leeren</translation>
+    </message>
+    <message>
+        <source>Forget this list; what is in the trash stays there</source>
+        <translation>Diese Liste vergessen; was im Papierkorb liegt, bleibt dort</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Anhalten</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>Bring Back</source>
+        <translation>Zurückholen</translation>
+    </message>
+    <message>
+        <source>Nothing was moved to the trash in the last 30 days.</source>
+        <translation>In den letzten 30 Tagen wurde nichts in den Papierkorb gelegt.</translation>
+    </message>
+    <message>
+        <source>Nothing of it is in the trash</source>
+        <translation>Nichts davon liegt im Papierkorb</translation>
+    </message>
+    <message>
+        <source>Bringing it back…</source>
+        <translation>Wird zurückgeholt …</translation>
+    </message>
+</context>
+<context>
     <name>orrinvale::HostMenu</name>
     <message>
         <source>Ejecting %1 …</source>
@@ -3368,6 +3494,204 @@ Freie Software unter der Apache License 2.0.</translation>
     </message>
 </context>
 <context>
+    <name>orrinvale::PlacesPanel</name>
+    <message>
+        <source>Folder</source>
+        <translation>Ordner</translation>
+    </message>
+    <message>
+        <source>Best places</source>
+        <translation>Beste Orte</translation>
+    </message>
+    <message>
+        <source>Keep the copy in the best place</source>
+        <translation>Die Kopie am besten Ort behalten</translation>
+    </message>
+    <message>
+        <source>The copy in the topmost of these folders stays, and all others are ticked.</source>
+        <translation>Es bleibt die Kopie im obersten dieser Ordner, alle anderen werden ausgewählt.</translation>
+    </message>
+    <message>
+        <source>Folders</source>
+        <translation>Ordner</translation>
+    </message>
+    <message>
+        <source>Add Folder…</source>
+        <translation>Ordner hinzufügen …</translation>
+    </message>
+    <message>
+        <source>Take Out</source>
+        <translation>Herausnehmen</translation>
+    </message>
+    <message>
+        <source>Up</source>
+        <translation>Nach oben</translation>
+    </message>
+    <message>
+        <source>Down</source>
+        <translation>Nach unten</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Keep</source>
+        <translation>Behalten</translation>
+    </message>
+    <message>
+        <source>Add a folder first</source>
+        <translation>Erst einen Ordner hinzufügen</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::PlanDesk</name>
+    <message>
+        <source>Duplicates %1</source>
+        <translation>Duplikate %1</translation>
+    </message>
+    <message>
+        <source>Folder for the plan</source>
+        <translation>Ordner für den Plan</translation>
+    </message>
+    <message>
+        <source>Could not be saved: %1</source>
+        <translation>Nicht gespeichert: %1</translation>
+    </message>
+    <message>
+        <source>Choose a plan</source>
+        <translation>Plan auswählen</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+    <message>
+        <source>This plan can not be used</source>
+        <translation>Dieser Plan ist nicht brauchbar</translation>
+    </message>
+    <message>
+        <source>1 file, %1, goes for good.</source>
+        <translation>1 Datei, %1, wird endgültig entfernt.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln files, %1, go for good.</source>
+        <translation>
+            <numerusform>%Ln Datei, %1, wird endgültig entfernt.</numerusform>
+            <numerusform>%Ln Dateien, %1, werden endgültig entfernt.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Nothing went</source>
+        <translation>Nichts wurde entfernt</translation>
+    </message>
+    <message>
+        <source>It could not be brought back</source>
+        <translation>Es ließ sich nicht zurückholen</translation>
+    </message>
+    <message>
+        <source>Why?</source>
+        <translation>Warum?</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::PlanPanel</name>
+    <message>
+        <source>File</source>
+        <translation>Datei</translation>
+    </message>
+    <message>
+        <source>What becomes of it</source>
+        <translation>Was damit geschieht</translation>
+    </message>
+    <message>
+        <source>goes</source>
+        <translation>geht</translation>
+    </message>
+    <message>
+        <source>protected</source>
+        <translation>geschützt</translation>
+    </message>
+    <message>
+        <source>stays</source>
+        <translation>bleibt</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Plan</source>
+        <translation>Plan</translation>
+    </message>
+    <message>
+        <source>1 file, %1, can go. A copy of it stays.</source>
+        <translation>1 Datei, %1, kann gehen. Eine Kopie davon bleibt.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln files, %1, can go. Of each a copy stays.</source>
+        <translation>
+            <numerusform>%Ln Datei, %1, kann gehen. Eine Kopie davon bleibt.</numerusform>
+            <numerusform>%Ln Dateien, %1, können gehen. Von jeder bleibt eine Kopie.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>1 of them lies outside of the folders of the plan.</source>
+        <translation>1 davon liegt außerhalb der Ordner des Plans.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln of them lie outside of the folders of the plan.</source>
+        <translation>
+            <numerusform>%Ln davon liegt außerhalb der Ordner des Plans.</numerusform>
+            <numerusform>%Ln davon liegen außerhalb der Ordner des Plans.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Each is compared with its copy once more before it goes.</source>
+        <translation>Jede wird vorher noch einmal mit ihrer Kopie verglichen.</translation>
+    </message>
+    <message>
+        <source>Files of the plan</source>
+        <translation>Dateien des Plans</translation>
+    </message>
+    <message>
+        <source>Undo</source>
+        <translation>Rückgängig</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Anhalten</translation>
+    </message>
+    <message>
+        <source>Move to Trash</source>
+        <translation>In den Papierkorb</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>Entfernen</translation>
+    </message>
+    <message>
+        <source>One moment…</source>
+        <translation>Einen Moment …</translation>
+    </message>
+    <message>
+        <source>Compared again and moved: %1 of %2</source>
+        <translation>Noch einmal verglichen und verschoben: %1 von %2</translation>
+    </message>
+    <message>
+        <source>Compared again and removed: %1 of %2</source>
+        <translation>Noch einmal verglichen und entfernt: %1 von %2</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+</context>
+<context>
     <name>orrinvale::PreferenceGroup</name>
     <message>
         <source>Restore Defaults</source>
@@ -3749,10 +4073,6 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>Ausgewählte Dateien entfernen</translation>
     </message>
     <message>
-        <source>Remove for Good</source>
-        <translation>Endgültig entfernen</translation>
-    </message>
-    <message>
         <source>1 group loses all its copies.</source>
         <translation>1 Gruppe verliert alle ihre Kopien.</translation>
     </message>
@@ -3812,6 +4132,102 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>What is ticked here is forgotten, and nothing is removed.</source>
         <translation>Was hier ausgewählt ist, wird vergessen, und nichts wird entfernt.</translation>
+    </message>
+    <message>
+        <source>Best Places…</source>
+        <translation>Beste Orte …</translation>
+    </message>
+    <message>
+        <source>Search Again</source>
+        <translation>Neu suchen</translation>
+    </message>
+    <message>
+        <source>Save Plan…</source>
+        <translation>Plan speichern …</translation>
+    </message>
+    <message>
+        <source>Open Plan…</source>
+        <translation>Plan öffnen …</translation>
+    </message>
+    <message>
+        <source>Removals of 30 Days…</source>
+        <translation>Entferntes der letzten 30 Tage …</translation>
+    </message>
+    <message>
+        <source>Move to Trash…</source>
+        <translation>In den Papierkorb …</translation>
+    </message>
+    <message>
+        <source>Remove for Good…</source>
+        <translation>Endgültig entfernen …</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::SavePlanPanel</name>
+    <message>
+        <source>Save a plan</source>
+        <translation>Plan speichern</translation>
+    </message>
+    <message>
+        <source>Save what is ticked as a plan</source>
+        <translation>Das Ausgewählte als Plan speichern</translation>
+    </message>
+    <message>
+        <source>1 file, %1. It goes when the plan is opened and confirmed.</source>
+        <translation>1 Datei, %1. Sie geht, wenn der Plan geöffnet und bestätigt wird.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln files, %1. They go when the plan is opened and confirmed.</source>
+        <translation>
+            <numerusform>%Ln Datei, %1. Sie geht, wenn der Plan geöffnet und bestätigt wird.</numerusform>
+            <numerusform>%Ln Dateien, %1. Sie gehen, wenn der Plan geöffnet und bestätigt wird.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>1 group is left out: all its copies are ticked, and a plan keeps one.</source>
+        <translation>1 Gruppe bleibt draußen: alle ihre Kopien sind ausgewählt, und ein Plan behält eine.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln groups are left out: all their copies are ticked, and a plan keeps one.</source>
+        <translation>
+            <numerusform>%Ln Gruppe bleibt draußen: alle ihre Kopien sind ausgewählt, und ein Plan behält eine.</numerusform>
+            <numerusform>%Ln Gruppen bleiben draußen: alle ihre Kopien sind ausgewählt, und ein Plan behält eine.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>1 link is left out: a plan removes no links.</source>
+        <translation>1 Verknüpfung bleibt draußen: ein Plan entfernt keine.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln links are left out: a plan removes no links.</source>
+        <translation>
+            <numerusform>%Ln Verknüpfung bleibt draußen: ein Plan entfernt keine.</numerusform>
+            <numerusform>%Ln Verknüpfungen bleiben draußen: ein Plan entfernt keine.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Where the plan is kept</source>
+        <translation>Wo der Plan liegt</translation>
+    </message>
+    <message>
+        <source>Choose Folder…</source>
+        <translation>Ordner auswählen …</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>Speichern</translation>
+    </message>
+    <message>
+        <source>Nothing that is ticked can go by a plan.</source>
+        <translation>Nichts vom Ausgewählten kann nach einem Plan gehen.</translation>
+    </message>
+    <message>
+        <source>Write the whole path, from the first slash on</source>
+        <translation>Den ganzen Pfad schreiben, vom ersten Schrägstrich an</translation>
     </message>
 </context>
 <context>

@@ -9,6 +9,9 @@
 #include <QTreeView>
 #include <cerrno>
 #include <cstdio>
+#include <memory>
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include "engine/base/notices.h"
@@ -16,8 +19,11 @@
 #include "engine/settings/UserDefaults.h"
 #include "gallery/SampleFolder.h"
 #include "gallery/drawing.h"
+#include "platform/paths.h"
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/duplicates/DuplicationLeftCell.h"
+#include "ui/duplicates/HistoryPanel.h"
+#include "ui/duplicates/PlanPanel.h"
 #include "ui/duplicates/ScopePanel.h"
 #include "ui/kit/chrome/AnimationHoverImageView.h"
 #include "ui/kit/chrome/TCImageWindow.h"
@@ -26,6 +32,7 @@
 #include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/dialogs/Sheet.h"
 #include "ui/kit/lists/TickBox.h"
+#include "ui/kit/lists/TickOutline.h"
 #include "ui/kit/look/picture.h"
 #include "ui/shell/DuplicateMainWindowController.h"
 
@@ -52,8 +59,8 @@ DuplicateScenes::DuplicateScenes(const SampleFolder& sample, UserDefaults& defau
 
 bool DuplicateScenes::draw() {
     return drawFirstView() && drawScope() && drawSearch() && drawResult() && drawKeep() &&
-           drawKeyboard() && drawQuestion() && drawLargeWindow() && drawPreview() &&
-           drawRemoval() && drawFailures() && drawEmptyResult();
+           drawKeyboard() && drawQuestion() && drawLargeWindow() && drawPreview() && drawMoved() &&
+           drawHistory() && drawPlan() && drawRemoval() && drawFailures() && drawEmptyResult();
 }
 
 QTreeView* DuplicateScenes::outline() const {
@@ -245,6 +252,78 @@ bool DuplicateScenes::drawPreview() {
     const bool isSaved = isShown && save("preview", preview);
     m_controller->quickLookWithPath(m_sample.painting());
     return isSaved;
+}
+
+// There and back, so that the scenes after it find everything as it was.
+bool DuplicateScenes::drawMoved() {
+    const QByteArray before = qgetenv("XDG_DATA_HOME");
+    qputenv("XDG_DATA_HOME", QByteArray::fromStdString(folderOf(m_sample.settings()) + "/data"));
+    const auto isShown = [this](const char* name) {
+        const auto* const widget = m_window->findChild<QWidget*>(QLatin1String(name));
+        return widget != nullptr && widget->isVisible();
+    };
+    if (!click("otherWayBtn")) return false;
+    auto* const ways = m_window->findChild<QMenu*>(QStringLiteral("wayMenu"));
+    ways->actions().back()->trigger();
+    ways->close();
+    const bool isSaved = waitForSheet(true) && save("trash-question") && pressInSheet(agree) &&
+                         waitFor("the move", [&] { return isShown("undoBtn"); }) && save("moved");
+    if (!isSaved || !click("undoBtn") ||
+        !waitFor("the way back", [&] { return isShown("againBtn"); }) || !click("againBtn") ||
+        !waitFor("the search", [this] { return !m_controller->sameFileDeleteVC()->isBusy(); }) ||
+        !waitForResult())
+        return false;
+    if (before.isNull()) qunsetenv("XDG_DATA_HOME");
+    else qputenv("XDG_DATA_HOME", before);
+    for (const char* const name : {"Tax return", "Lake at sunrise"}) tickGroup(name);
+    return waitFor("the ticks", [this] {
+        return m_window->findChild<QAbstractButton*>(QStringLiteral("stopBtn"))->isEnabled();
+    });
+}
+
+// The days of made-up removals are the same in each picture.
+bool DuplicateScenes::drawHistory() {
+    auto* const panel = new HistoryPanel;
+    auto* const sheet = new Sheet(*m_window, panel);  // ends itself
+    const auto row = [](int day, std::size_t entries, std::uint64_t bytes, std::size_t inTrash) {
+        HistoryRow made;
+        made.id = std::to_string(day);
+        made.when = QDateTime(QDate(2026, 11, day), QTime(9 + day % 9, 2 * day));
+        made.entries = entries;
+        made.bytes = bytes;
+        made.inTrash = inTrash;
+        return made;
+    };
+    panel->setRows({row(21, 1090, 127'000'000, 1090), row(18, 12, 4'800'000'000, 9),
+                    row(3, 348, 61'300'000, 0)});
+    sheet->open(panel->list);
+    const bool isSaved = waitForSheet(true) && save("history");
+    sheet->close({});
+    return isSaved && waitForSheet(false);
+}
+
+bool DuplicateScenes::drawPlan() {
+    auto plan = std::make_shared<DuplicatePlan>();
+    for (const char* const name : {"Tax return 2025.pdf", "Lake at sunrise.jpg", "Aria.mp3"})
+        for (const char* const folder : {"Documents/", "Backup/", "Desktop/"}) {
+            if (folder == std::string_view("Documents/")) plan->groups.emplace_back();
+            PlanMember member;
+            member.path = std::string("/home/lena/") + folder + name;
+            member.goes = folder != std::string_view("Documents/");
+            member.size = 100'000 * (3 + plan->groups.size() * plan->groups.size());
+            member.identity.inode = 10 * plan->groups.size() + plan->groups.back().members.size();
+            member.identity.type = FileType::Regular;
+            plan->groups.back().members.push_back(member);
+        }
+    PlanFacts facts;
+    facts.name = QStringLiteral("Duplicates 2026-11-22.json");
+    facts.sums = sumsOf(*plan);
+    auto* const panel = new PlanPanel(plan, facts);
+    auto* const sheet = new Sheet(*m_window, panel);  // ends itself
+    sheet->open(panel->list);
+    const bool isSaved = waitForSheet(true) && save("plan");
+    sheet->close({});
+    return isSaved && waitForSheet(false);
 }
 
 bool DuplicateScenes::drawRemoval() {

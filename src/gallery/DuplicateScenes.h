@@ -31,6 +31,9 @@ private:
     bool drawKeyboard();
     bool drawLargeWindow();
     bool drawPreview();
+    bool drawMoved();
+    bool drawHistory();
+    bool drawPlan();
     bool drawRemoval();
     bool drawFailures();
     bool drawEmptyResult();

@@ -9,6 +9,7 @@
 #include "engine/settings/UserDefaults.h"
 #include "gallery/SampleFolder.h"
 #include "gallery/drawing.h"
+#include "platform/paths.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/shell/DuplicateMainWindowController.h"
 
@@ -22,7 +23,8 @@ PageScenes::PageScenes(const SampleFolder& sample, UserDefaults& defaults,
       m_page(std::move(page)),
       m_menu({}),
       m_controller(std::make_unique<DuplicateMainWindowController>(
-          m_workings.parts(m_files, defaults), m_workings.icons)),
+          m_workings.parts(m_files, defaults, joinPath(folderOf(sample.settings()), "state")),
+          m_workings.icons)),
       m_window(m_controller->window()) {
     m_controller->setApplicationMenu(m_menu);
     m_controller->showWindow();

@@ -1,6 +1,9 @@
 // PageWorkings: what pages work with in the gallery.
 #pragma once
 
+#include <string>
+#include <utility>
+
 #include "engine/base/NotificationCenter.h"
 #include "services/foundation/QtMainQueue.h"
 #include "ui/kit/dialogs/WindowDialogs.h"
@@ -18,13 +21,14 @@ struct PageWorkings {
 
     /// Over these files and settings, which outlive the pages too. Nothing is opened outside of the
     /// gallery.
-    [[nodiscard]] PageServices parts(const FileSystem& files, UserDefaults& defaults) {
+    [[nodiscard]] PageServices parts(const FileSystem& files, UserDefaults& defaults,
+                                     std::string stateFolder = {}) {
         return {.files = &files,
                 .notifications = &notifications,
                 .defaults = &defaults,
                 .dialogs = &dialogs,
                 .mainQueue = &mainQueue,
-                .stateFolder = {},
+                .stateFolder = std::move(stateFolder),
                 .icons = [this](const IconRequest& request) { return icons.icon(request); },
                 .reveal = {},
                 .openAddress = {}};

@@ -5,9 +5,7 @@
 #include <chrono>
 #include <utility>
 
-#include "platform/files.h"
 #include "platform/paths.h"
-#include "services/foundation/runAside.h"
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/duplicates/ResultOutline.h"
 #include "ui/duplicates/SameFileDeleteViewController.h"
@@ -51,6 +49,7 @@ void SameFileDeleteViewController::showKeepMenu() {
     if (const std::string folder = folderOfRow(m_views->outline->currentIndex()); !folder.empty())
         add(tr("In \u201C%1\u201D").arg(shownFolder(folder)), {By::BestPlace, {folder}});
     menu->addAction(tr("In Folder\u2026"), this, [this] { chooseKeptFolder(); });
+    menu->addAction(tr("Best Places\u2026"), this, [this] { openPlaces(); });
     const QWidget& button = *m_views->keepBtn;
     menu->popup(button.mapToGlobal(QPoint(0, button.height())));
     menu->setActiveAction(menu->actions().front());
@@ -64,15 +63,10 @@ void SameFileDeleteViewController::chooseKeptFolder() {
         m_mainWindow, choice,
         [self = QPointer(this), number = m_resultNumber](const std::vector<std::string>& paths) {
             if (self == nullptr || number != self->m_resultNumber || paths.empty()) return;
-            static_cast<void>(runAside(
-                self.data(), "keptFolder",
-                [files = self->m_parts.files, folder = paths.front()] {
-                    return files->resolved(folder).value_or(folder);
-                },
-                [self, number](const std::string& folder) {
-                    if (self != nullptr && number == self->m_resultNumber)
-                        self->keepBy({KeepRule::By::BestPlace, {folder}});
-                }));
+            self->withoutLinks(paths.front(), [self, number](const std::string& folder) {
+                if (self != nullptr && number == self->m_resultNumber)
+                    self->keepBy({KeepRule::By::BestPlace, {folder}});
+            });
         });
 }
 

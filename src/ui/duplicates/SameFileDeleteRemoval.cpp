@@ -6,15 +6,14 @@
 #include <QStackedWidget>
 #include <algorithm>
 
-#include "engine/cleaning/QnAuthorization.h"
 #include "engine/duplicates/plan/planOfTicks.h"
-#include "engine/removal/TrashDoor.h"
 #include "engine/settings/PreferenceViewController.h"
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/duplicates/PageRemoval.h"
 #include "ui/duplicates/ResultOutline.h"
 #include "ui/duplicates/SameFileDeleteViewController.h"
 #include "ui/duplicates/SameFileDeleteViews.h"
+#include "ui/duplicates/removalWays.h"
 #include "ui/duplicates/trashWords.h"
 #include "ui/kit/chrome/AnimationHoverImageView.h"
 #include "ui/kit/chrome/HoverButton.h"
@@ -38,12 +37,6 @@ std::shared_ptr<RemovalPlan> planOf(const FileSystem& files,
     const bool compares = PreferenceViewController::compareBeforeRemoving();
     return std::make_shared<RemovalPlan>(
         files, ticked, compares ? RemovalPlan::Comparing::Always : RemovalPlan::Comparing::Never);
-}
-
-std::function<std::unique_ptr<RemovalDoor>()> doorOf(const FileSystem& files, bool isToTrash) {
-    if (!isToTrash) return &QnAuthorization::makeDoor;
-    return
-        [&files] { return std::make_unique<TrashDoor>(files, QnAuthorization::protectedPlaces()); };
 }
 
 }  // namespace
@@ -122,6 +115,7 @@ void SameFileDeleteViewController::removalNews() {
     refreshOutlineView(news.settled);
     if (!news.ending) return;
     m_removal->outcome = std::move(*news.ending);
+    forgetAside(*this, m_removal->undoable);
     // It is the job's own call that is running, so that the job goes in a later turn.
     m_parts.mainQueue->async([ended = std::shared_ptr<RemovalJob>(std::move(m_removal->job))] {});
     deleteFinished();
@@ -196,6 +190,8 @@ void SameFileDeleteViewController::stopRemoveBtnClicked() {
 }
 
 void SameFileDeleteViewController::giveUp() {
+    m_plans.stop();
+    m_history.stop();
     if (m_state != State::Agreed) {
         stopRemoveBtnClicked();
         return;

@@ -54,7 +54,8 @@ void SameFileDeleteViewController::refViewBgColor(std::int32_t row) {
         toText(resultRows.at(static_cast<std::size_t>(row)).picture));
     // While a removal changes the trees nothing looks at them; at its end the list gets the view
     // that was chosen last.
-    if (!isRemoving() || m_state == State::Undoing) m_model->setTree(m_treeData);
+    if (m_state != State::Removing && m_state != State::StoppingRemoval)
+        m_model->setTree(m_treeData);
     showSortIndicator();
     if (m_treeData != nullptr) {
         changeAllSelectCheckBoxState();

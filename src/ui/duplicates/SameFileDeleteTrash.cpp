@@ -6,6 +6,7 @@
 #include <QLocale>
 #include <QMenu>
 #include <QStackedWidget>
+#include <algorithm>
 
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/UserDefaults.h"

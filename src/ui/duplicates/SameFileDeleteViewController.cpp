@@ -114,6 +114,9 @@ void SameFileDeleteViewController::connectControls() {
     auto* const scopeKey =
         new QShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O), views.fristView);
     connect(scopeKey, &QShortcut::activated, this, [this] { openScope(); });
+    connect(views.firstMoreBtn, &QAbstractButton::clicked, this, &Self::showMoreMenu);
+    connect(views.moreBtn, &QAbstractButton::clicked, this, &Self::showMoreMenu);
+    connectDesks();
     views.dragView->installEventFilter(this);
     connect(views.animationHoverImageView, &QAbstractButton::clicked, this, &Self::clickScanBtn);
     connect(views.otherFolderBtn, &QAbstractButton::clicked, this, &Self::clickScanBtn);
@@ -136,6 +139,7 @@ void SameFileDeleteViewController::connectControls() {
     onKey(Qt::CTRL | Qt::Key_Z, &Self::undoBtnClicked);
     onKey(Qt::CTRL | Qt::Key_R, &Self::searchAgain);
     onKey(Qt::CTRL | Qt::Key_K, &Self::showKeepMenu);
+    onKey(Qt::CTRL | Qt::Key_S, &Self::savePlan);
     views.detailView->installEventFilter(this);
     connect(views.stopRemoveBtn, &QAbstractButton::clicked, this, &Self::stopRemoveBtnClicked);
     connect(views.lockButton, &QAbstractButton::clicked, this, &Self::unlockRigths);
@@ -172,12 +176,14 @@ StateTable SameFileDeleteViewController::stateTable() const {
         {views.pathChoseBtn, {On, Off, Off, On, Off, On, On, On, Hidden, Off}},
         {views.animationHoverImageView, {On, Off, Off, On, Off, On, On, On, On, Off}},
         {views.scopeBtn, {On, Off, Off, On, Off, On, On, On, On, Off}},
+        {views.firstMoreBtn, {On, Off, Off, On, Off, On, On, On, On, Off}},
         {views.stopScanBtn, {On, On, Off, Hidden, Off, Hidden, Hidden, Hidden, Hidden, Hidden}},
         {views.animation, {On, On, Hidden, Hidden, On, Hidden, Hidden, Hidden, On, Hidden}},
         {views.loadPathView, {On, On, On, Hidden, On, Hidden, Hidden, On, On, Hidden}},
         {views.rightImageView, {On, Hidden, Hidden, On, Hidden, On, On, On, On, On}},
         {views.btnBgView, {On, Hidden, Hidden, On, Hidden, On, On, On, On, On}},
         {views.keepBtn, {Off, Off, Off, On, Off, On, Off, Off, Hidden, Off}},
+        {views.moreBtn, {Off, Off, Off, On, Off, On, Off, Off, Hidden, Off}},
         {views.openBtn, {On, On, On, On, On, On, On, Off, Hidden, Off}},
         {views.RevealFinder, {On, On, On, On, On, On, On, Off, Hidden, Off}},
         {views.lockButton, {On, On, On, On, On, On, On, Off, Off, Off}},

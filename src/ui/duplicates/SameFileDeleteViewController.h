@@ -1,8 +1,9 @@
-// SameFileDeleteViewController: the page of the duplicate finder. Seven sources: this class's
+// SameFileDeleteViewController: the page of the duplicate finder. Eight sources: this class's
 // search, SameFileDeleteTicks.cpp its boxes and titles, SameFileDeleteKeeping.cpp the ticks of
 // whole views by rule and folder, SameFileDeleteRemoval.cpp its removal, SameFileDeleteTrash.cpp
-// the way to the trash and back, SameFileDeleteRows.cpp what is done with one row. The decisions
-// stand in engine/duplicates/results.
+// the way to the trash and back, SameFileDeleteSheets.cpp plans and history,
+// SameFileDeleteRows.cpp what is done with one row. The decisions stand in
+// engine/duplicates/results.
 #pragma once
 
 #include <QIcon>
@@ -29,6 +30,8 @@
 #include "engine/duplicates/scope/NamedSearches.h"
 #include "engine/removal/RemovalJob.h"
 #include "platform/fileTypes.h"
+#include "ui/duplicates/HistoryDesk.h"
+#include "ui/duplicates/PlanDesk.h"
 #include "ui/duplicates/UndoErrand.h"
 #include "ui/kit/controls/DragView.h"
 #include "ui/kit/controls/PathAnimation.h"
@@ -82,13 +85,14 @@ public:
     void setDuplicateScaned(bool scaned) { m_duplicateScaned = scaned; }
     /// Nothing runs, so that ticks, rows and folders can be had.
     [[nodiscard]] bool bSearchFinished() const {
-        return m_state == State::Start || m_state == State::Stopped || m_state == State::Result;
+        return !m_isAtDesk &&
+               (m_state == State::Start || m_state == State::Stopped || m_state == State::Result);
     }
     /// From half a second after the person's yes, when the first entry goes, to the end of the
     /// removal; and while something comes back.
     [[nodiscard]] bool isRemoving() const override {
         return m_state == State::Removing || m_state == State::StoppingRemoval ||
-               m_state == State::Undoing;
+               m_state == State::Undoing || m_isAtDesk;
     }
     [[nodiscard]] bool isBusy() const override { return !bSearchFinished(); }
     void giveUp() override;
@@ -125,6 +129,11 @@ public Q_SLOTS:
     void undoBtnClicked();
     /// Searches what was searched last.
     void searchAgain();
+    void showMoreMenu();
+    void savePlan();
+    void openPlan();
+    void showHistory();
+    void openPlaces();
     void stopRemoveBtnClicked();
     void unlockRigths();
     void openHttpOfQuennet();
@@ -214,6 +223,13 @@ private:
     [[nodiscard]] PlanOrigin planOrigin() const;
     void undoEnded(const UndoErrand::Result& result);
 
+    // Plans and history.
+    void connectDesks();
+    void deskChanged();
+    void takeOutGone(const std::vector<std::string>& paths);
+    void withoutLinks(const std::string& folder,
+                      std::function<void(const std::string& resolved)> then);
+
     // Removal.
     void alertEnded_aContext(int code);
     void agree(bool isToTrash);
@@ -256,6 +272,7 @@ private:
     KeepTicks m_keepTicks{m_selection};
     KeepRules m_keepRules;  // the one chosen last first; the others order what it leaves equal
     QTimer m_keepTimer;     // runs while groups are still to be ticked
+    std::vector<std::string> m_bestPlaces;  // as they were ordered last
     LeafSort m_leafSort;
     QTimer m_sortTimer;              // runs while copies are still to be sorted
     TreeNode* m_treeData = nullptr;  // the tree that the list shows, of m_results
@@ -264,6 +281,9 @@ private:
     std::shared_ptr<ThreadWorker> m_twDuplicateSearch;
     std::unique_ptr<PageRemoval> m_removal;  // the running or the last one
     UndoErrand m_undoing{m_parts};
+    PlanDesk m_plans{m_parts};
+    HistoryDesk m_history{m_parts};
+    bool m_isAtDesk = false;      // something goes or comes back in one of their sheets
     bool m_isTrashFirst = false;  // as the buttons show it
     std::string m_searchPath;
     SearchRequest m_request;  // its first folder is m_searchPath

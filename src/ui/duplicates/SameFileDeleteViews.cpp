@@ -100,6 +100,11 @@ void SameFileDeleteViews::makeFirstView() {
                      "scopeBtn");
     scopeBtn->setToolTip(tr("Search several folders as one, protect some, leave things out"));
     start.column->insertWidget(start.column->count() - 1, scopeBtn, 0, Qt::AlignHCenter);
+    firstMoreBtn =
+        named(new TextImageButton(tr("Plans and Removals \u25BE"), TextImageButton::Role::Link),
+              "firstMoreBtn");
+    firstMoreBtn->setAccessibleName(tr("Plans and Removals"));
+    start.column->insertWidget(start.column->count() - 1, firstMoreBtn, 0, Qt::AlignHCenter);
     start.column->insertWidget(start.column->count() - 1, searchBtn, 0, Qt::AlignHCenter);
     start.column->addWidget(logoButton, 0, Qt::AlignHCenter);
 }
@@ -182,12 +187,16 @@ void SameFileDeleteViews::fillHead(NotificationCenter& notifications) {
     keepBtn = named(new TextImageButton(tr("Keep \u25BE")), "keepBtn");
     keepBtn->setAccessibleName(tr("Keep"));
     keepBtn->setToolTip(tr("Choose which copy of each group stays, and tick all others"));
+    moreBtn = named(new HoverButton, "moreBtn", tr("More"));
+    moreBtn->setText(QStringLiteral("\u22EF"));
+    moreBtn->setToolTip(tr("Plans, removals of 30 days, a new search"));
     auto* const buttons = new QHBoxLayout(btnBgView);
     buttons->setContentsMargins({});
     buttons->setSpacing(Theme::gapTiny);
     for (QWidget* const control :
          {static_cast<QWidget*>(keepBtn), static_cast<QWidget*>(openBtn),
-          static_cast<QWidget*>(RevealFinder), static_cast<QWidget*>(lockButton)})
+          static_cast<QWidget*>(RevealFinder), static_cast<QWidget*>(moreBtn),
+          static_cast<QWidget*>(lockButton)})
         buttons->addWidget(control);
     buttons->insertSpacing(1, Theme::gapSmall);
     head->addWidget(btnBgView);

@@ -58,7 +58,8 @@ public:
     AnimationHoverImageView* animationHoverImageView = nullptr;
     TextImageButton* pathChoseBtn = nullptr;
     TextImageButton* searchBtn = nullptr;
-    TextImageButton* scopeBtn = nullptr;  ///< opens the sheet for several folders
+    TextImageButton* scopeBtn = nullptr;      ///< opens the sheet for several folders
+    TextImageButton* firstMoreBtn = nullptr;  ///< the menu of plans and history
     HoverButton* logoButton = nullptr;
 
     // The progress view; loadPathView moves to the detail view during a removal.
@@ -77,6 +78,7 @@ public:
     std::array<DuplicationLeftCell*, 7> leftCells{};
     QWidget* btnBgView = nullptr;
     TextImageButton* keepBtn = nullptr;  ///< opens the menu of the rules that tick
+    HoverButton* moreBtn = nullptr;      ///< the menu of what is seldom wanted
     TCImageButton* openBtn = nullptr;
     TCImageButton* RevealFinder = nullptr;
     Padlock* lockButton = nullptr;
@@ -92,7 +94,6 @@ public:
         nullptr;  ///< what the removal of the ticked copies gives back; hidden while there are none
     HoverButton* otherWayBtn = nullptr;  ///< the menu of the two ways out; hidden while nothing is
                                          ///< ticked
-                                         ///< other way round; hidden while nothing is ticked
     PictureView* trashBtn = nullptr;
     TextImageButton* stopRemoveBtn = nullptr;
     TextImageButton* stopBtn = nullptr;

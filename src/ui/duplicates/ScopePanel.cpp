@@ -92,16 +92,16 @@ void ScopePanel::addHead(QVBoxLayout& column) {
     m_rows = new QVBoxLayout(inside);
     m_rows->setContentsMargins({});
     m_rows->setSpacing(Theme::gapTiny);
-    auto* const area = named(new QScrollArea, "scopeFolders", tr("Folders"));
-    area->setFocusPolicy(Qt::NoFocus);
-    area->setWidgetResizable(true);
-    area->setFrameShape(QFrame::NoFrame);
-    area->setFixedHeight(foldersHeight);
-    area->setWidget(inside);
+    m_area = named(new QScrollArea, "scopeFolders", tr("Folders"));
+    m_area->setFocusPolicy(Qt::NoFocus);
+    m_area->setWidgetResizable(true);
+    m_area->setFrameShape(QFrame::NoFrame);
+    m_area->setFixedHeight(foldersHeight);
+    m_area->setWidget(inside);
     addBtn = named(new TextImageButton(tr("Add Folder\u2026")), "addBtn");
     column.addLayout(head);
     column.addWidget(hint);
-    column.addWidget(area);
+    column.addWidget(m_area);
     column.addWidget(addBtn, 0, Qt::AlignLeading);
 }
 
@@ -247,6 +247,8 @@ void ScopePanel::addRow(const std::string& path) {
         read();
         addBtn->setFocus();
     });
+    for (QWidget* const each : {static_cast<QWidget*>(guard), static_cast<QWidget*>(forget)})
+        each->installEventFilter(this);
     auto* const row = new QWidget;
     auto* const line = new QHBoxLayout(row);
     line->setContentsMargins({});
@@ -255,6 +257,13 @@ void ScopePanel::addRow(const std::string& path) {
     line->addWidget(forget);
     if (m_rows->count() == 0) m_rows->addStretch();
     m_rows->insertWidget(m_rows->count() - 1, row);
+}
+
+// The keyboard comes to rows that are out of sight.
+bool ScopePanel::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::FocusIn)
+        m_area->ensureWidgetVisible(static_cast<QWidget*>(watched), 0, 0);
+    return false;
 }
 
 void ScopePanel::readSize(const QLineEdit& field, std::optional<std::uint64_t>& size) {

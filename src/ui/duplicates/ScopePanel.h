@@ -12,6 +12,7 @@
 class QLabel;
 class QLineEdit;
 class QMimeData;
+class QScrollArea;
 class QVBoxLayout;
 
 namespace orrinvale {
@@ -40,6 +41,7 @@ public:
     TextImageButton* cancelButton = nullptr;
 
     [[nodiscard]] QSize sizeHint() const override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 Q_SIGNALS:
     void dropped(const std::vector<std::string>& paths);  ///< whatever they are
@@ -64,6 +66,7 @@ private:
     std::vector<SearchScope> m_kept;
     QString m_fault;
     bool m_isFilling = false;
+    QScrollArea* m_area = nullptr;
     QVBoxLayout* m_rows = nullptr;
     QLineEdit* m_patterns = nullptr;
     QLineEdit* m_smallest = nullptr;

@@ -98,6 +98,66 @@ TEST_F(SeveralFolders, AreSearchedAsOneAndProtectedOnesStay) {
         EXPECT_TRUE(testing::isThere(on.tree.at(name))) << name;
 }
 
+TEST_F(SeveralFolders, ManyByKeyboardAlone) {
+    Strings folders;
+    for (int i = 0; i < 40; ++i) {
+        folders.push_back("many/" + std::to_string(100 + i));
+        ASSERT_TRUE(on.tree.write(folders.back() + "/x.txt", "the same in all"));
+    }
+    Strings paths;
+    for (const std::string& each : folders) paths.push_back(on.tree.at(each));
+    QWidget& first = on.control("pathChoseBtn");
+    first.setFocus();
+    QTest::keyClick(&first, Qt::Key_O, Qt::ControlModifier | Qt::ShiftModifier);
+    ASSERT_SOON(QApplication::focusWidget() == &on.control("addBtn") && panel().y() == 0);
+    on.dialogs.willChoose(paths);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+    ASSERT_SOON(panel().scope().roots.size() == 40);
+    const auto goTo = [&](const char* name, const std::string& path, Qt::Key key) {
+        for (int i = 0; i < 120; ++i) {
+            const QWidget* const now = QApplication::focusWidget();
+            if (now->objectName() == QLatin1String(name) &&
+                now->accessibleDescription().toStdString() == path)
+                return !now->visibleRegion().isEmpty();
+            QTest::keyClick(QApplication::focusWidget(), key);
+        }
+        return false;
+    };
+    ASSERT_TRUE(goTo("protectedBox", paths[39], Qt::Key_Backtab));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+    ASSERT_TRUE(goTo("protectedBox", paths[7], Qt::Key_Backtab));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+    EXPECT_EQ(panel().scope().protectedFolders, (Strings{paths[39], paths[7]}));
+    ASSERT_TRUE(goTo("searchYes", "", Qt::Key_Tab));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+    ASSERT_SOON(on.page().bSearchFinished() && on.isShown("detailView"));
+    ASSERT_EQ(on.model().rowCount(), 1);
+    // Every way of ticking that has a key.
+    QTreeView& outline = on.control<QTreeView>("outline");
+    on.control("button").setFocus();
+    QTest::keyClick(&on.control("button"), Qt::Key_Space);
+    const auto tickedOf = [&](char sign) {
+        const std::string all = ticked();
+        return std::count(all.begin(), all.end(), sign);
+    };
+    EXPECT_EQ(std::pair(tickedOf('x'), tickedOf('-')), std::pair(38L, 2L));
+    QTest::keyClick(&outline, Qt::Key_K, Qt::ControlModifier);
+    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);
+    EXPECT_EQ(std::pair(tickedOf('x'), tickedOf('-')), std::pair(38L, 2L));
+    outline.expandAll();
+    for (int i = 0; i < 40; ++i) {
+        outline.setCurrentIndex(on.model().index(i, 1, on.model().index(0, 0)));
+        if (!on.model().index(i, 0, on.model().index(0, 0)).data(TickModel::StateRole).isValid())
+            QTest::keyClick(&outline, Qt::Key_Space);
+    }
+    on.dialogs.willAnswer(0);
+    outline.setFocus();
+    QTest::keyClick(&outline, Qt::Key_Delete);
+    ASSERT_SOON(on.textOf("removedLine").starts_with("38 removed"));
+    for (std::size_t i = 0; i < 40; ++i)
+        EXPECT_EQ(testing::isThere(paths[i] + "/x.txt"), i == 7 || i == 39) << i;
+}
+
 TEST_F(SeveralFolders, WhatIsWrongIsSaidAndWhatIsLeftOutIsNotFound) {
     on.click("scopeBtn");
     EXPECT_FALSE(on.isEnabled("searchYes")) << "nothing to search yet";

@@ -51,6 +51,8 @@ public:
     }
 
     void bringBack(const PlanMember& member, UndoOutcome& outcome);
+    /// Whether it would be found in a trash; each entry there once.
+    [[nodiscard]] bool takeFound(const PlanMember& member);
 
 private:
     struct Found {
@@ -78,6 +80,7 @@ private:
     [[nodiscard]] EntryIdentity identityNow(const PlanMember& member, const Target& target) const;
     [[nodiscard]] bool isThat(const PlanMember& member, const EntryIdentity& identity,
                               const Found& found) const;
+    [[nodiscard]] Choice choiceOf(const PlanMember& member, const Target& target);
     [[nodiscard]] Choice choiceByNumber(const PlanMember& member, const EntryIdentity& identity,
                                         const std::string& place);
     [[nodiscard]] Choice choiceByRecord(const PlanMember& member, const EntryIdentity& identity,
@@ -223,13 +226,25 @@ std::string UndoRun::reasonOfMissing(const Target& target) {
     return target.fault + ", and it is not in the trash";
 }
 
+UndoRun::Choice UndoRun::choiceOf(const PlanMember& member, const Target& target) {
+    const std::string place = joinPath(target.place, lastPathComponent(member.path));
+    const EntryIdentity identity = identityNow(member, target);
+    return identity.inodePasses ? choiceByRecord(member, identity, place)
+                                : choiceByNumber(member, identity, place);
+}
+
+bool UndoRun::takeFound(const PlanMember& member) {
+    const Choice choice = choiceOf(member, targetOf(folderOf(member.path)));
+    if (choice.found == nullptr || !choice.objection.empty()) return false;
+    choice.found->isBack = true;
+    return true;
+}
+
 void UndoRun::bringBack(const PlanMember& member, UndoOutcome& outcome) {
     const Target& target = targetOf(folderOf(member.path));
     const std::string name(lastPathComponent(member.path));
-    const std::string place = joinPath(target.place, name);
     const EntryIdentity identity = identityNow(member, target);
-    Choice choice = identity.inodePasses ? choiceByRecord(member, identity, place)
-                                         : choiceByNumber(member, identity, place);
+    Choice choice = choiceOf(member, target);
     const bool isFound = choice.found != nullptr && choice.objection.empty();
     if (!isFound && isInPlace(target, name, identity)) {
         ++outcome.inPlace;
@@ -294,6 +309,17 @@ UndoOutcome undoPlan(const FileSystem& files, const FolderVariables& variables,
             run.bringBack(member, outcome);
         }
     return outcome;
+}
+
+std::size_t countInTrash(const FileSystem& files, const FolderVariables& variables,
+                         const DuplicatePlan& plan, const std::vector<UndoFolder>& folders,
+                         const std::atomic<bool>& stop) {
+    UndoRun run(files, variables, folders);
+    std::size_t count = 0;
+    for (const PlanGroup& group : plan.groups)
+        for (const PlanMember& member : group.members)
+            if (member.goes && !stop && run.takeFound(member)) ++count;
+    return count;
 }
 
 }  // namespace orrinvale

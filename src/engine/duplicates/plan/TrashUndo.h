@@ -47,4 +47,10 @@ struct UndoOutcome {
                                    const std::vector<UndoFolder>& folders,
                                    const std::atomic<bool>& stop);
 
+/// How many of them undoPlan() would find in a trash now; those so far where it is stopped.
+[[nodiscard]] std::size_t countInTrash(const FileSystem& files, const FolderVariables& variables,
+                                       const DuplicatePlan& plan,
+                                       const std::vector<UndoFolder>& folders,
+                                       const std::atomic<bool>& stop);
+
 }  // namespace orrinvale

@@ -19,6 +19,10 @@ UndoableRemoval::UndoableRemoval(const FileSystem& files, std::string stateFolde
       m_list(std::move(list)),
       m_makePlan(std::move(plan)) {}
 
+void UndoableRemoval::forgetUnused() const {
+    if (!m_isAnyAway && !m_id.empty()) PlanHistory(m_stateFolder).forget(m_id);
+}
+
 void UndoableRemoval::prepare() {
     m_list->prepare();
     m_plan = std::exchange(m_makePlan, nullptr)();

@@ -22,6 +22,10 @@ public:
     /// What undoes it; empty where nothing is to be undone.
     [[nodiscard]] const std::string& undoId() const { return m_isAnyAway ? m_id : m_none; }
 
+    /// Once the job has ended: what moved nothing is no removal that could be undone. Asks the
+    /// disk.
+    void forgetUnused() const;
+
     void prepare() override;
     void turnHasCome() override;
     [[nodiscard]] std::size_t size() const override { return m_list->size(); }

@@ -1,0 +1,163 @@
+// SameFileDeleteViewController: what stands off the way of those who only search and remove: plans,
+// the history of removals, and the order of best places. PlanDesk.h and HistoryDesk.h do it.
+#include <QMenu>
+#include <QShortcut>
+#include <unordered_set>
+#include <utility>
+
+#include "engine/duplicates/plan/planOfTicks.h"
+#include "platform/files.h"
+#include "services/foundation/runAside.h"
+#include "ui/duplicates/DuplicateResultModel.h"
+#include "ui/duplicates/PlacesPanel.h"
+#include "ui/duplicates/ResultOutline.h"
+#include "ui/duplicates/SameFileDeleteViewController.h"
+#include "ui/duplicates/SameFileDeleteViews.h"
+#include "ui/kit/chrome/HoverButton.h"
+#include "ui/kit/chrome/TextImageButton.h"
+#include "ui/kit/dialogs/Dialogs.h"
+#include "ui/kit/dialogs/Sheet.h"
+
+namespace orrinvale {
+
+// Keys work on both views, from which the sheets can be reached.
+void SameFileDeleteViewController::connectDesks() {
+    connect(&m_plans, &PlanDesk::runningChanged, this, &SameFileDeleteViewController::deskChanged);
+    connect(&m_history, &HistoryDesk::runningChanged, this,
+            &SameFileDeleteViewController::deskChanged);
+    connect(&m_plans, &PlanDesk::gone, this, &SameFileDeleteViewController::takeOutGone);
+    for (QWidget* const view : {m_views->fristView.data(), m_views->detailView}) {
+        auto* const plan = new QShortcut(Qt::CTRL | Qt::SHIFT | Qt::Key_P, view);
+        connect(plan, &QShortcut::activated, this, &SameFileDeleteViewController::openPlan);
+        auto* const history = new QShortcut(Qt::CTRL | Qt::Key_H, view);
+        connect(history, &QShortcut::activated, this, &SameFileDeleteViewController::showHistory);
+    }
+}
+
+void SameFileDeleteViewController::showMoreMenu() {
+    if (!bSearchFinished()) return;
+    const bool isOnResult = m_views->detailView->isVisible();
+    const QWidget& button = isOnResult ? *static_cast<QWidget*>(m_views->moreBtn)
+                                       : *static_cast<QWidget*>(m_views->firstMoreBtn);
+    auto* const menu = new QMenu(isOnResult ? m_views->detailView : m_views->fristView.data());
+    menu->setObjectName(QStringLiteral("moreMenu"));
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    using Self = SameFileDeleteViewController;
+    const auto add = [&](const QString& text, const QKeySequence& keys, void (Self::*action)()) {
+        QAction* const entry = menu->addAction(text, this, action);
+        entry->setShortcut(keys);  // the page's own shortcuts answer to the keys
+        entry->setShortcutContext(Qt::WidgetShortcut);
+        entry->setShortcutVisibleInContextMenu(true);
+        return entry;
+    };
+    if (isOnResult) {
+        add(tr("Search Again"), Qt::CTRL | Qt::Key_R, &Self::searchAgain);
+        menu->addSeparator();
+        QAction* const save = add(tr("Save Plan\u2026"), Qt::CTRL | Qt::Key_S, &Self::savePlan);
+        save->setEnabled(!m_selection.allSelectNumArr().empty());
+    }
+    add(tr("Open Plan\u2026"), Qt::CTRL | Qt::SHIFT | Qt::Key_P, &Self::openPlan);
+    menu->addSeparator();
+    add(tr("Removals of 30 Days\u2026"), Qt::CTRL | Qt::Key_H, &Self::showHistory);
+    menu->popup(button.mapToGlobal(QPoint(0, button.height())));
+    menu->setActiveAction(menu->actions().front());
+}
+
+void SameFileDeleteViewController::savePlan() {
+    if (!bSearchFinished()) return;
+    finishSorting();
+    if (m_selection.allSelectNumArr().empty()) return;
+    m_plans.save(m_mainWindow, planOfTicks(m_selection.allSelectNumArr().entries(), planOrigin()),
+                 m_duplicateOpt);
+}
+
+void SameFileDeleteViewController::openPlan() {
+    if (bSearchFinished()) m_plans.open(m_mainWindow);
+}
+
+void SameFileDeleteViewController::showHistory() {
+    if (bSearchFinished()) m_history.open(m_mainWindow);
+}
+
+void SameFileDeleteViewController::deskChanged() {
+    m_isAtDesk = m_plans.isRunning() || m_history.isRunning();
+    setRemoveButtonState();
+}
+
+// As if the person had ticked just these and removed them.
+void SameFileDeleteViewController::takeOutGone(const std::vector<std::string>& paths) {
+    const TreeNode* const all = m_results.tree(0);
+    if (!bSearchFinished() || all == nullptr) return;
+    finishSorting();
+    const std::unordered_set<std::string_view> gone(paths.begin(), paths.end());
+    std::vector<TreeNode::Pointer> leaves;
+    for (std::size_t g = 0; g < all->numberOfChildren(); ++g) {
+        TreeNode& group = *all->childAtIndex(g);
+        std::vector<std::uint8_t> ticks(group.numberOfChildren());
+        const std::size_t before = leaves.size();
+        for (std::size_t i = 0; i < ticks.size(); ++i) {
+            const TreeNode::Pointer& leaf = group.childAtIndex(i);
+            ticks[i] = gone.contains(simpleData(*leaf)->name()) ? 1 : 0;
+            if (ticks[i] != 0) leaves.push_back(leaf);
+        }
+        if (leaves.size() != before) m_selection.setTicks(group, ticks);
+    }
+    if (leaves.empty()) return;
+    m_model->setTree(nullptr);
+    m_results.removeLeaves(leaves);
+    m_selection.allSelectNumArr().removeAll(leaves);
+    m_selection.allSelectNumArr().removeClear();
+    m_selection.allSelectNumArr().removeOrphans();
+    m_selection.recount();
+    m_treeData = m_results.tree(static_cast<std::size_t>(m_remberWitchSelect));
+    m_model->setTree(m_treeData);
+    showSameFileSize();
+    showTicks();
+    showFitting();
+}
+
+// The folders of the last such order are there again.
+void SameFileDeleteViewController::openPlaces() {
+    QWidget* const window = m_mainWindow;
+    if (!bSearchFinished() || window == nullptr || m_treeData == nullptr) return;
+    auto* const panel = new PlacesPanel(m_bestPlaces);
+    auto* const sheet = new Sheet(*window, panel);  // ends itself
+    const QPointer<PlacesPanel> guarded(panel);
+    connect(panel->addButton, &QAbstractButton::clicked, this, [this, guarded] {
+        PathChoice choice;
+        choice.title = tr("Copies in this folder stay");
+        choice.directory = m_searchPath;
+        choice.withSeveral = true;
+        m_parts.dialogs->choosePaths(
+            m_mainWindow, choice, [self = QPointer(this), guarded](const auto& paths) {
+                if (self == nullptr) return;
+                for (const std::string& path : paths)
+                    self->withoutLinks(path, [guarded](const std::string& folder) {
+                        if (guarded != nullptr) guarded->add(folder);
+                    });
+            });
+    });
+    connect(panel->keepButton, &QAbstractButton::clicked, this,
+            [this, guarded, sheet, number = m_resultNumber] {
+                m_bestPlaces = guarded->folders();
+                sheet->close([self = QPointer(this), number] {
+                    if (self != nullptr && number == self->m_resultNumber)
+                        self->keepBy({KeepRule::By::BestPlace, self->m_bestPlaces});
+                });
+            });
+    const auto end = [sheet] { sheet->close({}); };
+    connect(panel->cancelButton, &QAbstractButton::clicked, sheet, end);
+    connect(sheet, &Sheet::cancelled, sheet, end);
+    sheet->open(panel->list->model()->rowCount() > 0 ? static_cast<QWidget*>(panel->list)
+                                                     : panel->addButton);
+}
+
+void SameFileDeleteViewController::withoutLinks(
+    const std::string& folder, std::function<void(const std::string& resolved)> then) {
+    static_cast<void>(runAside(
+        this, "withoutLinks",
+        [files = m_parts.files, folder] { return files->resolved(folder).value_or(folder); },
+        [then = std::move(then)](const std::string& resolved) { then(resolved); }));
+}
+
+}  // namespace orrinvale
