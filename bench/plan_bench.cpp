@@ -196,39 +196,44 @@ int trash(const std::string& folder) {
     DuplicatePlan plan = pairsIn(base, files);
     const FolderVariables variables{.home = base + "/home", .user = ::geteuid()};
     const std::atomic<bool> never{false};
-    std::vector<double> bare, there, back, ratios;
+    std::vector<double> bare, there, back, ratios, ofProcessor;
     bool isWell = true;
     for (int round = 0; round < rounds; ++round) {
-        bare.push_back(spanOf([&] {
-                           renameAll(base + "/a", base + "/aside");
-                           renameAll(base + "/aside", base + "/a");
-                       }).wall);
+        const Span renamed = spanOf([&] {
+            renameAll(base + "/a", base + "/aside");
+            renameAll(base + "/aside", base + "/a");
+        });
         for (PlanGroup& group : plan.groups)
             for (PlanMember& member : group.members)
                 member.identity.changed =
                     files.attributes(FileSystem::noParent, member.path.c_str(), Links::Keep)
                         ->changed;
         const auto folders = foldersOf(files, plan);
-        there.push_back(spanOf([&] {
-                            PlanRemoval list(files, plan);
-                            TrashDoor door(files, {}, variables);
-                            RemovalRun run(files, {}, list, door, never,
-                                           {.waiting = [](bool) {},
-                                            .begins = [](auto, const auto&, bool) {},
-                                            .settled = [](auto, const auto&) {}});
-                            isWell = isWell && run.run().removed == std::size_t(entriesMoved);
-                            run.settleJournal();
-                        }).wall);
-        back.push_back(spanOf([&] {
-                           const auto undone = undoPlan(files, variables, plan, folders, never);
-                           isWell = isWell && undone.restored.size() == std::size_t(entriesMoved);
-                       }).wall);
-        ratios.push_back((there.back() + back.back()) / bare.back());
+        const Span moved = spanOf([&] {
+            PlanRemoval list(files, plan);
+            TrashDoor door(files, {}, variables);
+            RemovalRun run(files, {}, list, door, never,
+                           {.waiting = [](bool) {},
+                            .begins = [](auto, const auto&, bool) {},
+                            .settled = [](auto, const auto&) {}});
+            isWell = isWell && run.run().removed == std::size_t(entriesMoved);
+            run.settleJournal();
+        });
+        const Span undoing = spanOf([&] {
+            const auto undone = undoPlan(files, variables, plan, folders, never);
+            isWell = isWell && undone.restored.size() == std::size_t(entriesMoved);
+        });
+        bare.push_back(renamed.wall);
+        there.push_back(moved.wall);
+        back.push_back(undoing.wall);
+        ratios.push_back((moved.wall + undoing.wall) / renamed.wall);
+        ofProcessor.push_back((moved.processor + undoing.processor) / renamed.processor);
     }
     std::filesystem::remove_all(base);
-    std::puts(fmt::format("trash and back\t{:.0f}\t{:.0f}\t{:.0f}\t{:.2f}\t{:.2f}\t{:.2f}",
+    std::puts(fmt::format("trash and back\t{:.0f}\t{:.0f}\t{:.0f}\t{:.2f}\t{:.2f}\t{:.2f}\t{:.2f}",
                           middleOf(bare), middleOf(there), middleOf(back), middleOf(ratios),
-                          *std::ranges::min_element(ratios), *std::ranges::max_element(ratios))
+                          *std::ranges::min_element(ratios), *std::ranges::max_element(ratios),
+                          middleOf(ofProcessor))
                   .c_str());
     return isWell ? 0 : 1;
 }

@@ -82,8 +82,8 @@ def main():
     with tempfile.TemporaryDirectory(dir="/dev/shm", prefix="orrinvale-bench-") as memory:
         for name, written, read in bench("file", memory):
             held &= row(name, f"written in {written} ms, read in {read} ms", "1 s", float(written) + float(read) <= 1000)
-        for name, bare, there, back, ratio, least, most in bench("trash", memory):
-            held &= row("10,000 files to the trash and back", f"{there} + {back} ms, bare renaming {bare} ms, {ratio} ({least} to {most})",
+        for name, bare, there, back, ratio, least, most, processor in bench("trash", memory):
+            held &= row("10,000 files to the trash and back", f"{there} + {back} ms, bare renaming {bare} ms, {ratio} ({least} to {most}), of a processor {processor}",
                         "4", float(ratio) <= 4)
     if not wanted.quick:
         base = wanted.folder.resolve()

@@ -84,6 +84,7 @@ tl::expected<TrashFolder, std::string> TrashFolder::open(const FileSystem& files
         return tl::unexpected(folderReason(!entries ? entries.error() : records.error()));
     trash.m_entriesSeen = *entries;
     trash.m_recordsSeen = *records;
+    trash.m_place = files.placeOf(trash.m_entries.get()).value_or("");
     return trash;
 }
 
@@ -106,7 +107,7 @@ tl::expected<std::string, Failure> TrashFolder::take(const HeldEntry& held, cons
         if (moved) {
             if (auto failure = check(held, entry->get(), name, lastLook))
                 return tl::unexpected(std::move(*failure));
-            return joinPath(m_files->placeOf(m_entries.get()).value_or(""), name);
+            return joinPath(m_place, name);
         }
         dropRecord(name);
         if (moved.error() == EEXIST) continue;  // left there by something that writes no records
@@ -164,18 +165,16 @@ std::optional<std::string> TrashFolder::origin(const std::string& name) const {
 // What stands in its place is moved back at once: the name is all that a rename knows.
 std::optional<std::string> TrashFolder::giveBack(const Trashed& entry, int folder,
                                                  const std::string& name) const {
-    const auto now = attributesOf(entry.name);
-    if (!now) return folderReason(now.error());
-    if (!isSame(*now, entry.attributes)) return std::string(replacedReason);
     const auto moved =
         m_files->moveEntry(m_entries.get(), entry.name.c_str(), folder, name.c_str());
     if (!moved)
         return moved.error() == EEXIST ? std::string("its name is taken by now")
                                        : folderReason(moved.error());
+    const FileAttributes& seen = entry.attributes;
     const auto back = m_files->attributes(folder, name.c_str(), Links::Keep);
-    const bool isFile = now->type == FileType::Regular;
-    if (!back || !isSame(*back, *now) ||
-        (isFile && (back->size != now->size || back->modified != now->modified))) {
+    const bool isFile = seen.type == FileType::Regular;
+    if (!back || !isSame(*back, seen) ||
+        (isFile && (back->size != seen.size || back->modified != seen.modified))) {
         (void)m_files->moveEntry(folder, name.c_str(), m_entries.get(), entry.name.c_str());
         return std::string(replacedReason);
     }
@@ -226,11 +225,14 @@ void TrashFolder::dropRecord(const std::string& name) const {
 // number as they copy it up for the move; the entry that was held from before shows that one too.
 std::optional<Failure> TrashFolder::check(const HeldEntry& held, int entry, const std::string& name,
                                           const LastLook& lastLook) const {
-    const auto now = m_files->attributes(m_entries.get(), name.c_str(), Links::Keep);
-    const auto moved = m_files->attributes(entry);
-    auto reason = now && moved && isSame(*now, *moved) ? std::nullopt
-                                                       : std::optional(std::string(replacedReason));
-    if (!reason && lastLook) reason = lastLook(*moved);
+    const auto now = attributesOf(name);
+    bool isThat = now && isSame(*now, held.attributes);
+    if (now && !isThat) {
+        const auto moved = m_files->attributes(entry);
+        isThat = moved && isSame(*now, *moved);
+    }
+    auto reason = isThat ? std::nullopt : std::optional(std::string(replacedReason));
+    if (!reason && lastLook) reason = lastLook(*now);
     if (!reason) return std::nullopt;
     if (m_files->moveEntry(m_entries.get(), name.c_str(), held.parent.get(), held.name.c_str()))
         dropRecord(name);

@@ -108,6 +108,7 @@ private:
     Descriptor m_records;  // "info"
     FileAttributes m_entriesSeen;
     FileAttributes m_recordsSeen;
+    std::string m_place;  // of the entries, when it was opened
     std::string m_root;
 };
 

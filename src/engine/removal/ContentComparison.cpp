@@ -24,9 +24,9 @@ struct ComparisonRoom {
 /// One of the two files, read from its beginning.
 class Reading final {
 public:
-    Reading(const FileSystem& files, int file, const FileAttributes& seen, ComparisonRoom& room)
-        : m_files(files), m_file(file), m_room(room) {
-        m_files.beginReading(m_file, seen.device, 0, seen.size, m_room.state);
+    Reading(const FileSystem& files, const ComparedFile& file, ComparisonRoom& room)
+        : m_files(files), m_file(file.file), m_room(room) {
+        m_files.beginReading(m_file, file.device, 0, file.size, m_room.state);
     }
     ~Reading() { m_files.endReading(m_file, m_room.state); }
     Reading(const Reading&) = delete;
@@ -49,18 +49,15 @@ private:
 
 }  // namespace
 
-SysResult<Comparison> compareContents(const FileSystem& files, int a, int b,
-                                      const std::atomic<bool>& stop) {
-    const auto seenA = files.attributes(a);
-    const auto seenB = files.attributes(b);
-    if (!seenA || !seenB) return tl::unexpected(!seenA ? seenA.error() : seenB.error());
-    if (seenA->size != seenB->size) return Comparison::Different;
+SysResult<Comparison> compareContents(const FileSystem& files, const ComparedFile& a,
+                                      const ComparedFile& b, const std::atomic<bool>& stop) {
+    if (a.size != b.size) return Comparison::Different;
     // A removal compares thousands of small files one after another, on a thread of its own.
     thread_local ComparisonRoom roomA;
     thread_local ComparisonRoom roomB;
-    Reading readingA(files, a, *seenA, roomA);
-    Reading readingB(files, b, *seenB, roomB);
-    for (std::uint64_t done = 0; done < seenA->size;) {
+    Reading readingA(files, a, roomA);
+    Reading readingB(files, b, roomB);
+    for (std::uint64_t done = 0; done < a.size;) {
         if (stop) return Comparison::Stopped;
         const auto pieceA = readingA.next();
         const auto pieceB = readingB.next();

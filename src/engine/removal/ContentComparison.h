@@ -10,9 +10,18 @@ namespace orrinvale {
 
 enum class Comparison : std::uint8_t { Same, Different, Stopped };
 
-/// Compares two open regular files to their ends, byte by byte, and leaves the page cache as it
-/// was. An errno when one can not be read. Asks `stop` between pieces. Any thread.
-[[nodiscard]] SysResult<Comparison> compareContents(const FileSystem& files, int a, int b,
+/// An open regular file, as it was just seen.
+struct ComparedFile {
+    int file;
+    std::uint64_t device;
+    std::uint64_t size;  ///< bytes
+};
+
+/// Compares two files to their ends, byte by byte, and leaves the page cache as it was. One that is
+/// shorter than it was seen differs. An errno when one can not be read. Asks `stop` between pieces.
+/// Any thread.
+[[nodiscard]] SysResult<Comparison> compareContents(const FileSystem& files, const ComparedFile& a,
+                                                    const ComparedFile& b,
                                                     const std::atomic<bool>& stop);
 
 }  // namespace orrinvale

@@ -34,7 +34,10 @@ std::optional<StayedEntry> FileLook::before(const HeldEntry& leaving,
     if (!m_compares) return std::nullopt;
     if (auto reason = inUse(leaving)) return reason;
     if (!m_keptFile.isOpen()) return std::nullopt;
-    const auto answer = compareContents(m_files, m_leavingFile.get(), m_keptFile.get(), stop);
+    const FileAttributes& ours = leaving.attributes;  // as openBoth() found both
+    const EntryIdentity& theirs = m_kept->identity;
+    const auto answer = compareContents(m_files, {m_leavingFile.get(), ours.device, ours.size},
+                                        {m_keptFile.get(), theirs.device, theirs.size}, stop);
     if (!answer) return StayedEntry{leaving.path, wordsOf(answer.error())};
     if (*answer == Comparison::Different) return noCopy(leaving, stay::otherContents);
     return std::nullopt;

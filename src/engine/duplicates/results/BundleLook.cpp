@@ -141,7 +141,10 @@ std::optional<StayedEntry> BundleLook::compare(const HeldEntry& leaving,
         if (ours[i].attributes.type != FileType::Regular) continue;
         const auto a = ourFiles.open(ours[i]);
         const auto b = theirFiles.open(theirs[i]);
-        const auto answer = a && b ? compareContents(m_files, a->get(), b->get(), stop)
+        const FileAttributes& our = ours[i].attributes;  // as they were found open
+        const FileAttributes& their = theirs[i].attributes;
+        const auto answer = a && b ? compareContents(m_files, {a->get(), our.device, our.size},
+                                                     {b->get(), their.device, their.size}, stop)
                                    : tl::unexpected(!a ? a.error() : b.error());
         if (!answer) return failed(leaving, answer.error());
         if (*answer == Comparison::Different) return noCopy(leaving, stay::otherContents);
