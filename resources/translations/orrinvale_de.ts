@@ -1074,6 +1074,14 @@
         <source>What is in the trash can be brought back, and takes up room until it is emptied.</source>
         <translation>Was im Papierkorb liegt, lässt sich zurückholen und belegt Platz, bis er geleert wird.</translation>
     </message>
+    <message>
+        <source>Remember what files contain</source>
+        <translation>Merken, was Dateien enthalten</translation>
+    </message>
+    <message>
+        <source>The next search reads only what has changed. Checksums are kept, no names and no contents.</source>
+        <translation>Die nächste Suche liest nur, was sich geändert hat. Aufgehoben werden Prüfsummen, weder Namen noch Inhalte.</translation>
+    </message>
 </context>
 <context>
     <name>PreviewWindow</name>
@@ -3747,6 +3755,18 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>There is no page Disk Usage here.</source>
         <translation>Hier gibt es keine Seite „Speicherbelegung“.</translation>
+    </message>
+    <message>
+        <source>Nothing Remembered</source>
+        <translation>Nichts gemerkt</translation>
+    </message>
+    <message>
+        <source>Forget %1</source>
+        <translation>%1 vergessen</translation>
+    </message>
+    <message>
+        <source>It could not be forgotten: %1</source>
+        <translation>Es konnte nicht vergessen werden: %1</translation>
     </message>
 </context>
 <context>

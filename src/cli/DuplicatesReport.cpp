@@ -1,10 +1,12 @@
-// Groups are printed as the search visits them and never gathered, since there may be millions.
+// Groups are printed as the search visits them and never gathered but for two thousand, since
+// there may be millions.
 #include "cli/DuplicatesReport.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <charconv>
 #include <set>
 
@@ -13,6 +15,7 @@
 #include "engine/duplicates/FileKind.h"
 #include "engine/duplicates/keep/GainCount.h"
 #include "engine/duplicates/keep/GroupMembers.h"
+#include "engine/files/WorkCrew.h"
 #include "engine/text/UtilityFunction.h"
 
 namespace orrinvale::cli {
@@ -116,6 +119,48 @@ void appendGroup(std::string& out, const DuplicateGroup& group, LeafVisit& visit
     out += "]}";
 }
 
+// The groups of a document. Putting the texts together takes as long as everything else that a
+// search does of which all is remembered, so that all processors do it, some thousand groups at a
+// time.
+class GroupTexts {
+public:
+    GroupTexts(Output& out, const DuplicatesReport& report)
+        : m_out(out), m_visits(m_crew.most(), LeafVisit(report)) {}
+
+    void add(const DuplicateGroup& group) {
+        m_groups.push_back(group);
+        if (m_groups.size() == mostGroups) flush();
+    }
+    void flush() {
+        const std::size_t count = (m_groups.size() + groupsAPiece - 1) / groupsAPiece;
+        m_texts.resize(std::max(m_texts.size(), count));
+        const std::atomic<bool> never{false};
+        m_crew.forEach(count, 1, never, [&](std::size_t at, unsigned worker) {
+            std::string& text = m_texts[at];
+            text.clear();
+            const std::size_t end = std::min(m_groups.size(), (at + 1) * groupsAPiece);
+            for (std::size_t group = at * groupsAPiece; group < end; ++group) {
+                text += m_isFirst && group == 0 ? "\n    " : ",\n    ";
+                appendGroup(text, m_groups[group], m_visits[worker]);
+            }
+        });
+        for (std::size_t at = 0; at < count; ++at) m_out.write(m_texts[at]);
+        m_isFirst = m_isFirst && m_groups.empty();
+        m_groups.clear();
+    }
+
+private:
+    static constexpr std::size_t mostGroups = 2048;
+    static constexpr std::size_t groupsAPiece = 32;
+
+    Output& m_out;
+    WorkCrew m_crew{WorkCrew::cores()};
+    std::vector<LeafVisit> m_visits;  // one for each thread
+    std::vector<DuplicateGroup> m_groups;
+    std::vector<std::string> m_texts;
+    bool m_isFirst = true;
+};
+
 void appendRoots(std::string& out, const DuplicatesReport& report) {
     out += "{\n  ";
     appendJsonPath(out, report.request.roots.front(), "root");
@@ -176,16 +221,11 @@ void printJson(Output& out, const DuplicatesReport& report, const DuplicatesSumm
     std::string text;
     appendRoots(text, report);
     text += ",\n  \"groups\": [";
-    LeafVisit visit(report);
-    const char* between = "\n    ";
-    report.search.visitGroups([&](const DuplicateGroup& group) {
-        text += between;
-        appendGroup(text, group, visit);
-        between = ",\n    ";
-        out.write(text);
-        text.clear();
-    });
-    text += fmt::format(
+    out.write(text);
+    GroupTexts texts(out, report);
+    report.search.visitGroups([&](const DuplicateGroup& group) { texts.add(group); });
+    texts.flush();
+    text = fmt::format(
         "{}],\n  \"summary\": {{\"files\": {}, \"bundles\": {}, \"groups\": {}, \"leaves\": {}, "
         "\"bytes\": {}, "
         "\"reclaimable\": {}",

@@ -14,6 +14,7 @@
 #include "engine/base/UtilityObject.h"
 #include "engine/base/notices.h"
 #include "engine/duplicates/DuplicateFilesOpt.h"
+#include "engine/duplicates/cache/HashCache.h"
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/UnitTags.h"
 #include "engine/settings/UserDefaults.h"
@@ -273,6 +274,8 @@ void SameFileDeleteViewController::searchBtnClicked() {
     if (request.roots.empty()) request.roots = {m_searchPath};
     request.limit = duplicateSizeLimit(m_parts.defaults->integerForKey(ZvDuplicationLimit),
                                        m_parts.defaults->integerForKey(ZvDuplicatesUnit));
+    if (!m_parts.stateFolder.empty() && m_parts.defaults->boolForKey(rememberContentsKey))
+        request.cache = std::make_shared<HashCache>(hashCachePath());
     m_twDuplicateSearch = runAside(
         this, "searchDuplicateFiles:worker:",
         [search = m_duplicateOpt, request = std::move(request), old] {

@@ -19,11 +19,13 @@
 #include "engine/base/Log.h"
 #include "engine/base/MainQueue.h"
 #include "engine/cleaning/cleanNotices.h"
+#include "engine/duplicates/cache/HashCache.h"
 #include "engine/loginitems/LoginItemRegistry.h"
 #include "engine/loginitems/launchAtLogin.h"
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/keepRunning.h"
 #include "engine/settings/settingNotices.h"
+#include "engine/text/UtilityFunction.h"
 #include "engine/updates/UpdateCheck.h"
 #include "services/foundation/runAside.h"
 #include "ui/kit/chrome/HoverButton.h"
@@ -62,12 +64,13 @@ struct BoxKey {
     void (PreferencePage::*action)() = nullptr;  // null: it stores, and nothing else
 };
 
-constexpr std::array<BoxKey, 9> boxKeys{{
+constexpr std::array<BoxKey, 10> boxKeys{{
     {&PreferenceViews::spaceWarningsBox, spaceWarningsKey},
     {&PreferenceViews::hideCheckBox, ZvHidenDuplication, &PreferencePage::changeHiddenDuplicates},
     {&PreferenceViews::sysCheckBox, ZvSystemDuplication, &PreferencePage::changeSysDuplicates},
     {&PreferenceViews::compareBox, compareBeforeRemovingKey},
     {&PreferenceViews::trashFirstBox, trashFirstKey},
+    {&PreferenceViews::rememberBox, rememberContentsKey},
     {&PreferenceViews::oneFileSystemBox, oneFileSystemKey},
     {&PreferenceViews::autoCheckUpdates, SUEnableAutomaticChecks,
      &PreferencePage::changeAutoUpdate},
@@ -97,7 +100,8 @@ std::vector<const char*> keysOf(Group group) {
         case Group::Warnings: return {ZvSpaceAlarmKey, ZvMemoryAlarmKey, spaceWarningsKey};
         case Group::Duplicates:
             return {ZvDuplicationLimit,  ZvDuplicatesUnit,         ZvHidenDuplication,
-                    ZvSystemDuplication, compareBeforeRemovingKey, trashFirstKey};
+                    ZvSystemDuplication, compareBeforeRemovingKey, trashFirstKey,
+                    rememberContentsKey};
         case Group::DiskUsage: return {ZvDiskUsageLimit, ZvDiskUsageUnit, oneFileSystemKey};
         case Group::Updates: return {SUEnableAutomaticChecks, SUScheduledCheckInterval};
         case Group::General:
@@ -155,6 +159,7 @@ PreferencePage::~PreferencePage() = default;
 void PreferencePage::loadView() {
     m_views = std::make_unique<PreferenceViews>();
     showFaults();
+    showRemembered(0);
     readSettings();
     connectControls();
     connectBoxes();
@@ -165,6 +170,7 @@ void PreferencePage::loadView() {
 bool PreferencePage::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Show) {
         showFaults();
+        readRemembered();
         // A desktop that has just begun takes that long to say whether it has a tray.
         constexpr int trayPatience = 3500;
         QTimer::singleShot(trayPatience, this, &PreferencePage::showFaults);
@@ -230,6 +236,7 @@ void PreferencePage::connectBoxes() {
     connect(m_views->showStatusBtn, &TickBox::clicked, this,
             &PreferencePage::changeShowStatusBtnClick);
     connect(m_views->checkBoxBtn, &TickBox::clicked, this, &PreferencePage::loginButtonAction);
+    connect(m_views->forgetButton, &HoverButton::clicked, this, &PreferencePage::forgetContents);
     for (int group = 0; group < PreferenceViews::GroupCount; ++group)
         connect(m_views->boxes.at(std::size_t(group))->restoreButton(), &HoverButton::clicked, this,
                 [this, group] { restoreDefaults(static_cast<Group>(group)); });
@@ -338,6 +345,19 @@ QString PreferencePage::updateFault() const {
     return {};
 }
 
+void PreferencePage::readRemembered() {
+    runAside(
+        this, "readRemembered", [] { return hashCacheSize(hashCachePath()).bytes; },
+        [this](std::uint64_t bytes) { showRemembered(bytes); });
+}
+
+void PreferencePage::showRemembered(std::uint64_t bytes) {
+    HoverButton& button = *m_views->forgetButton;
+    const QString size = shownSize(UtilityFunction::convertVolSpace(bytes));
+    button.setText(bytes == 0 ? tr("Nothing Remembered") : tr("Forget %1").arg(size));
+    button.setEnabled(bytes != 0);
+}
+
 // The box shows what is so, and not what was wanted once.
 void PreferencePage::readLogin() {
     ++m_loginErrands;
@@ -434,6 +454,19 @@ void PreferencePage::changeStartHidden() {
     keep(m_views->startHiddenBox->state() == TickState::All, ZvLoginItemIsHide);
     runAside(
         this, "changeStartHidden", [] { startHiddenAsSet(); }, [] {});
+}
+
+void PreferencePage::forgetContents() {
+    m_views->forgetButton->setEnabled(false);
+    runAside(
+        this, "forgetContents", [] { return clearHashCache(hashCachePath()); },
+        [this](const Result<void>& cleared) {
+            m_views->failureLine->setVisible(!cleared);
+            if (!cleared)
+                m_views->failureLine->setText(
+                    tr("It could not be forgotten: %1").arg(inWords(cleared.error().reason())));
+            readRemembered();
+        });
 }
 
 void PreferencePage::changeKeepRunning() {

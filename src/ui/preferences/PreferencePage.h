@@ -68,6 +68,8 @@ public:
     void loginButtonAction();
     void changeStartHidden();
     void changeKeepRunning();
+    /// Forgets what searches remember of files.
+    void forgetContents();
     /// Four digits of the field stay, and the number is stored under the key of its tag.
     void controlTextDidChange(NumberField& field);
 
@@ -89,6 +91,8 @@ private:
     void showRestorable();
     void showFaults();
     [[nodiscard]] QString updateFault() const;
+    void readRemembered();
+    void showRemembered(std::uint64_t bytes);
     void readLogin();
     void showLogin(bool starts);
 

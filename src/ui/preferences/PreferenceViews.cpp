@@ -15,6 +15,7 @@
 
 #include "engine/settings/PreferenceViewController.h"
 #include "engine/text/Localized.h"
+#include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/controls/Panel.h"
 #include "ui/kit/controls/PictureView.h"
@@ -159,6 +160,12 @@ void PreferenceViews::makeDuplicates() {
             tr("A copy goes only if it still has the same bytes as the one that stays."));
     box.add({}, trashFirstBox,
             tr("What is in the trash can be brought back, and takes up room until it is emptied."));
+    rememberBox = named(new TickBox(tr("Remember what files contain")), "rememberBox");
+    forgetButton = named(new HoverButton, "forgetButton");
+    box.add({}, rememberBox,
+            tr("The next search reads only what has changed. Checksums are kept, no names and no "
+               "contents."),
+            forgetButton);
 }
 
 void PreferenceViews::makeDiskUsage() {

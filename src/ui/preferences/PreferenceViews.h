@@ -14,6 +14,7 @@ class QWidget;
 namespace orrinvale {
 
 class ElidedLabel;
+class HoverButton;
 class LeftRail;
 class NumberField;
 class PreferenceGroup;
@@ -64,6 +65,8 @@ public:
     TickBox* sysCheckBox = nullptr;
     TickBox* compareBox = nullptr;
     TickBox* trashFirstBox = nullptr;
+    TickBox* rememberBox = nullptr;
+    HoverButton* forgetButton = nullptr;  ///< says how much is remembered
     NumberField* diskUsageLimit = nullptr;
     QComboBox* diskUsageUnit = nullptr;
     TickBox* oneFileSystemBox = nullptr;

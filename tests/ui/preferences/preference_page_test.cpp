@@ -16,6 +16,7 @@
 #include "engine/updates/UpdateCheck.h"
 #include "services/foundation/QtMainQueue.h"
 #include "services/settings/SettingsKeeper.h"
+#include "support/ScopedVariable.h"
 #include "support/test.h"
 #include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/controls/ElidedLabel.h"
@@ -100,6 +101,7 @@ TEST_F(Preferences, EachControlStoresByKeyboard) {
         {"sysCheckBox", "ZvSystemDuplication", {Qt::Key_Space}, "true"},
         {"compareBox", "compareBeforeRemoving", {Qt::Key_Space}, "false"},
         {"trashFirstBox", "trashFirst", {Qt::Key_Space}, "true"},
+        {"rememberBox", "rememberContents", {Qt::Key_Space}, "false"},
         {"diskUsageLimit", "ZvDiskUsageLimit", {Qt::Key_Backspace}, "0"},
         {"diskUsageUnit", "ZvDiskUsageUnit", {Qt::Key_Home}, "0"},
         {"oneFileSystemBox", "oneFileSystem", {Qt::Key_Space}, "false"},
@@ -225,6 +227,20 @@ TEST_F(Preferences, HidingTheIconIsToldAndAFullDiskToo) {
     ASSERT_EQ(::rmdir(tree.at("settings.ini.new").c_str()), 0);
     type("hideCheckBox", {Qt::Key_Space});
     EXPECT_FALSE(isShown("failureLine"));
+}
+
+TEST_F(Preferences, TheButtonSaysHowMuchIsRememberedAndForgetsIt) {
+    const ScopedVariable folder("XDG_CACHE_HOME", tree.path());
+    const std::string name = "com.kelpford.Orrinvale/file-hashes";
+    ASSERT_TRUE(tree.write(name, std::string(2000, 'x')));
+    const auto saysSoon = [&](const char* text) {
+        return QTest::qWaitFor([&] { return textOf("forgetButton") == text; });
+    };
+    page->view()->hide(), page->view()->show();
+    EXPECT_TRUE(saysSoon("Forget 2.00 KB")) << textOf("forgetButton");
+    type("forgetButton", {Qt::Key_Space});
+    EXPECT_TRUE(saysSoon("Nothing Remembered")) << textOf("forgetButton");
+    EXPECT_FALSE(isEnabled("forgetButton") || isThere(tree.at(name)));
 }
 
 TEST_F(Preferences, StartAtLoginIsTheListsTruth) {

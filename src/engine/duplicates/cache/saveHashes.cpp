@@ -97,6 +97,7 @@ public:
             }
             ++starts[(keyOfRecord(record) >> (64 - m_header.stretchBits)) + 1];
             piece.push_back(record);
+            if (record.check == 0) piece.back().check = record.sum(m_header.salt);
             if (piece.size() == recordsAPiece) flush();
         });
         flush();
@@ -144,8 +145,8 @@ private:
         return count;
     }
 
-    // Of all records that there will be, in their order. What is not in order in the old file is
-    // left out.
+    // Of all records that there will be, in their order, new ones without their sum. What is not in
+    // order in the old file is left out.
     template <class Visit> void forEach(Visit visit) const {
         const FileView::Look look = m_old.look();
         const auto old = m_old.records();
@@ -177,7 +178,7 @@ private:
                 add(record, m_places[at]);
             if (record.known == 0) continue;
             record.used = dayOf(m_limits.now);
-            record.check = record.sum(m_header.salt);
+            record.check = 0;
             visit(record);
         }
         while (next < old.size()) passOld(old[next++]);
