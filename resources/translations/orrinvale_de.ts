@@ -784,6 +784,10 @@
         <source>The lines go wherever this start of Orrinvale was told to send them.</source>
         <translation>Die Zeilen gehen dorthin, wohin Orrinvale sie bei diesem Start schicken sollte.</translation>
     </message>
+    <message>
+        <source>The file can not be written: %1</source>
+        <translation>In die Datei kann nicht geschrieben werden: %1</translation>
+    </message>
 </context>
 <context>
     <name>LoginItemViews</name>
@@ -1907,6 +1911,142 @@
         <source>the volume that it was on is not there</source>
         <translation>der Datenträger, auf dem es lag, ist nicht da</translation>
     </message>
+    <message>
+        <source>it is a folder of a category</source>
+        <translation>es ist der Ordner einer Kategorie</translation>
+    </message>
+    <message>
+        <source>a folder of a category lies in it</source>
+        <translation>der Ordner einer Kategorie liegt darin</translation>
+    </message>
+    <message>
+        <source>the folder is somebody else&apos;s</source>
+        <translation>der Ordner gehört jemand anderem</translation>
+    </message>
+    <message>
+        <source>a program may be writing to it, by its date</source>
+        <translation>dem Datum nach schreibt vielleicht ein Programm hinein</translation>
+    </message>
+    <message>
+        <source>the answers given when packages were set up</source>
+        <translation>die Antworten, die beim Einrichten von Paketen gegeben wurden</translation>
+    </message>
+    <message>
+        <source>copies of databases made before upgrades</source>
+        <translation>Kopien von Datenbanken aus der Zeit vor Aktualisierungen</translation>
+    </message>
+    <message>
+        <source>zones and keys of the name server</source>
+        <translation>Zonen und Schlüssel des Nameservers</translation>
+    </message>
+    <message>
+        <source>state of the file server, logins for times without network among it</source>
+        <translation>der Zustand des Dateiservers, darunter Anmeldungen für Zeiten ohne Netz</translation>
+    </message>
+    <message>
+        <source>word lists that only a daily job makes again</source>
+        <translation>Wortlisten, die nur ein täglicher Lauf neu anlegt</translation>
+    </message>
+    <message>
+        <source>word lists made when packages were set up</source>
+        <translation>Wortlisten, die beim Einrichten von Paketen angelegt wurden</translation>
+    </message>
+    <message>
+        <source>the index of the manual pages, which only a daily job makes again</source>
+        <translation>das Verzeichnis der Handbuchseiten, das nur ein täglicher Lauf neu anlegt</translation>
+    </message>
+    <message>
+        <source>word lists of the database, made when packages were set up</source>
+        <translation>Wortlisten der Datenbank, die beim Einrichten von Paketen angelegt wurden</translation>
+    </message>
+    <message>
+        <source>systems to build packages in, set up by an administrator</source>
+        <translation>Systeme zum Bauen von Paketen, die ein Administrator eingerichtet hat</translation>
+    </message>
+    <message>
+        <source>backups</source>
+        <translation>Sicherungen</translation>
+    </message>
+    <message>
+        <source>recordings of cameras</source>
+        <translation>Aufnahmen von Kameras</translation>
+    </message>
+    <message>
+        <source>what was measured on this machine until now</source>
+        <translation>was auf diesem Rechner bisher gemessen wurde</translation>
+    </message>
+    <message>
+        <source>the security record; its service stops the machine when it can not write</source>
+        <translation>die Aufzeichnung zur Sicherheit; kann ihr Dienst nicht schreiben, hält er den Rechner an</translation>
+    </message>
+    <message>
+        <source>the record of what administrators did</source>
+        <translation>die Aufzeichnung dessen, was Administratoren getan haben</translation>
+    </message>
+    <message>
+        <source>the folder belongs to a package; the files in it may go</source>
+        <translation>der Ordner gehört zu einem Paket; die Dateien darin können weg</translation>
+    </message>
+    <message>
+        <source>a link that an administrator or a package set</source>
+        <translation>eine Verknüpfung, die ein Administrator oder ein Paket gesetzt hat</translation>
+    </message>
+    <message>
+        <source>not a file</source>
+        <translation>keine Datei</translation>
+    </message>
+    <message>
+        <source>the folder of the system&apos;s caches</source>
+        <translation>der Ordner der Zwischenspeicher des Systems</translation>
+    </message>
+    <message>
+        <source>a running program may hold it</source>
+        <translation>ein laufendes Programm hält es vielleicht</translation>
+    </message>
+    <message>
+        <source>the folder of the system&apos;s logs</source>
+        <translation>der Ordner der Protokolle des Systems</translation>
+    </message>
+    <message>
+        <source>the record of logins</source>
+        <translation>die Aufzeichnung der Anmeldungen</translation>
+    </message>
+    <message>
+        <source>the journal is being written to it</source>
+        <translation>das Journal wird gerade hineingeschrieben</translation>
+    </message>
+    <message>
+        <source>a database restores and copies itself from it</source>
+        <translation>daraus stellt sich eine Datenbank wieder her und gleicht sich ab</translation>
+    </message>
+    <message>
+        <source>no rotated log: a program may be writing to it</source>
+        <translation>kein abgelegtes Protokoll: vielleicht schreibt ein Programm hinein</translation>
+    </message>
+    <message>
+        <source>not a plain path</source>
+        <translation>kein schlichter Pfad</translation>
+    </message>
+    <message>
+        <source>The password was not given, or the system does not allow it</source>
+        <translation>Das Passwort wurde nicht gegeben, oder das System erlaubt es nicht</translation>
+    </message>
+    <message>
+        <source>it belongs to the system</source>
+        <translation>es gehört zum System</translation>
+    </message>
+    <message>
+        <source>the list of what is always kept can not be read: %1</source>
+        <translation>die Liste dessen, was immer bleibt, kann nicht gelesen werden: %1</translation>
+    </message>
+    <message>
+        <source>it is %1 by another path</source>
+        <translation>es ist %1 unter einem anderen Pfad</translation>
+    </message>
+    <message>
+        <source>The removal of %1 could not be stopped any more</source>
+        <translation>Das Entfernen von %1 ließ sich nicht mehr stoppen</translation>
+    </message>
 </context>
 <context>
     <name>Removal</name>
@@ -2344,6 +2484,14 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Cancel</source>
         <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>The computer and its volumes are being asked…</source>
+        <translation>Der Computer und seine Datenträger werden gefragt …</translation>
+    </message>
+    <message>
+        <source>it does not answer</source>
+        <translation>er antwortet nicht</translation>
     </message>
 </context>
 <context>

@@ -29,7 +29,7 @@ void beginProgramLog(const SystemValues& system, Volumes& volumes) {
 
 void keepLogFile(bool isWanted) {
     if (!isWanted) return MacLog::closeLogFile();
-    if (MacLog::openLogFile()) return;
+    if (MacLog::openLogFile()) return MacLog::lookAfterFile();
     if (const auto opened = MacLog::setLogFile(logFileName); !opened)
         Log::line(fmt::format("There is no log file: {}: {}", opened.error().path,
                               opened.error().reason()));

@@ -115,6 +115,7 @@ DiagnosticParts diagnosticParts(Volumes& volumes) {
                   .host = systemValues().sysctlbyname("kern.hostname").value_or("")},
         .logState =
             [] {
+                MacLog::lookAfterFile();
                 return LogState{MacLog::openLogFile(), MacLog::failure(), standardErrorGoesTo()};
             },
         .keepLogFile = keepLogFile};
@@ -275,7 +276,8 @@ void preparePages(const Shared& shared, const AppDelegateParts& parts, AppDelega
              [&delegate] { return delegate.tray() != nullptr && delegate.tray()->hasHost(); },
          .hasDesktopNotes = parts.desktopNotifications != nullptr,
          .hasDiskUsage = pages.hasPage(QStringLiteral("disk_usage")),
-         .updateRoad = [&delegate] { return delegate.updateRoad(); }}));
+         .updateRoad = [&delegate] { return delegate.updateRoad(); },
+         .logFault = [&delegate] { return delegate.logFault(); }}));
 }
 
 int runWindow(int argc, char** argv, const StartRequest& request,
@@ -313,6 +315,8 @@ int runWindow(int argc, char** argv, const StartRequest& request,
     const AppDelegateParts parts =
         delegateParts(shared, desktopNotifications, trayHost, instance, service);
     AppDelegate delegate(parts);
+    tellOfFailedOpening(
+        [&delegate](const std::string& path) { delegate.tellThatNothingOpens(path); });
     preparePages(shared, parts, delegate);
     const EndSignals signals([&delegate](int signal) { delegate.endBySignal(signal); });
     QObject::connect(&application, &QGuiApplication::commitDataRequest, &delegate,

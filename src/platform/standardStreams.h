@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "platform/fileTypes.h"
 
@@ -32,5 +33,19 @@ enum class ErrorStream : std::uint8_t {
 
 /// Takes the file out again, if there is one.
 void putStandardErrorBack();
+
+/// Says this to whoever had standard error before the file. Nothing happens where that is nobody,
+/// or somebody who takes no more just now: it never waits for a reader.
+void writeToStandardErrorBefore(std::string_view text);
+
+/// This thread has descriptors of its own from now on: its standard error stays what it is,
+/// whatever is put in its place later, and the two operations above would touch other files than
+/// they mean.
+void keepOwnStandardError();
+/// False after that, on that thread.
+[[nodiscard]] bool sharesStandardError();
+
+/// All of it; false at a failure, of which errno tells.
+[[nodiscard]] bool writeWhole(int descriptor, std::string_view text);
 
 }  // namespace orrinvale

@@ -26,6 +26,7 @@ struct OpenLog {
     MacLog::Parts parts;
     std::string path;  // empty: none is open
     std::optional<Error> failure;
+    std::uint64_t missing = 0;  // lines that the file had no room for
 };
 
 OpenLog& openLog() {
@@ -33,20 +34,61 @@ OpenLog& openLog() {
     return *instance;
 }
 
-// One write a line; the log hands them over one at a time.
-void writeWithTime(std::string_view line) {
+std::string withTime(std::string_view line) {
     timespec now{};
     ::clock_gettime(CLOCK_REALTIME, &now);
-    const std::string out = fmt::format(
+    return fmt::format(
         "{} {}\n", iso8601(Date::fromSeconds(now.tv_sec, static_cast<std::uint32_t>(now.tv_nsec))),
         line);
-    std::string_view rest = out;
-    while (!rest.empty()) {
-        const ssize_t count = ::write(STDERR_FILENO, rest.data(), rest.size());
-        if (count < 0 && errno == EINTR) continue;
-        if (count <= 0) return;
-        rest.remove_prefix(static_cast<std::size_t>(count));
+}
+
+// A file that was removed while it is open takes lines that nobody can read.
+bool isErrorStreamRemoved() {
+    struct stat seen {};
+    return ::fstat(STDERR_FILENO, &seen) == 0 && S_ISREG(seen.st_mode) && seen.st_nlink == 0;
+}
+
+void beginAnew(OpenLog& log) {
+    putStandardErrorBack();
+    if (const auto opened = appendStandardErrorTo(log.path); !opened) {
+        log.failure = systemError("open", log.path, opened.error());
+        log.path.clear();
+        return;
     }
+    static_cast<void>(
+        writeWhole(STDERR_FILENO,
+                   withTime(fmt::format("The log was removed; process {} goes on.", ::getpid()))));
+}
+
+// What has no room goes to where the lines went before, and is counted.
+void writeToFile(OpenLog& log, const std::string& line) {
+    // The line that did not fit may stand half.
+    const std::string text =
+        log.missing == 0
+            ? line
+            : "\n" + withTime(fmt::format("{} lines are missing here.", log.missing)) + line;
+    if (writeWhole(STDERR_FILENO, text)) {
+        log.missing = 0;
+        log.failure.reset();
+        return;
+    }
+    const int number = errno;
+    log.failure = systemError("write", log.path, number);
+    ++log.missing;
+    writeToStandardErrorBefore(line);
+}
+
+// The log hands lines over one at a time.
+void writeWithTime(std::string_view line) {
+    const std::string out = withTime(line);
+    OpenLog& log = openLog();
+    const std::lock_guard guard(log.mutex);
+    // A reader of files has descriptors of its own, so that the file is what it was when the reader
+    // began: its lines may miss a log that has been changed since.
+    const bool isShared = sharesStandardError();
+    if (isShared && !log.path.empty() && isErrorStreamRemoved()) beginAnew(log);
+    if (isShared && !log.path.empty()) writeToFile(log, out);
+    else static_cast<void>(writeWhole(STDERR_FILENO, out));
 }
 
 std::uint64_t sizeOfErrorStream() {
@@ -79,6 +121,7 @@ Result<void> MacLog::openFile(const std::string& name) {
     {
         const std::lock_guard guard(openLog().mutex);
         openLog().path = path;
+        openLog().missing = 0;
     }
     const std::uint64_t size = sizeOfErrorStream();
     Log::setSink(writeWithTime);
@@ -123,6 +166,17 @@ void MacLog::closeLogFile() {
     }
     Log::setSink({});
     putStandardErrorBack();
+}
+
+void MacLog::lookAfterFile() {
+    const auto path = openLogFile();
+    if (!path) return;
+    struct stat there {
+    }, open{};
+    if (::lstat(path->c_str(), &there) == 0 && ::fstat(STDERR_FILENO, &open) == 0 &&
+        there.st_dev == open.st_dev && there.st_ino == open.st_ino)
+        return;
+    static_cast<void>(setLogFile(std::string(splitPath(*path).name)));
 }
 
 std::optional<Error> MacLog::failure() {

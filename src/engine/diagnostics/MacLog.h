@@ -12,7 +12,8 @@
 
 namespace orrinvale {
 
-/// One log a process. All operations may be called on any thread; setParts() before the others.
+/// One log a process. All operations may be called on any thread, and may wait for the disk;
+/// setParts() before the others.
 class MacLog final {
 public:
     /// A log of more bytes is not gone on with.
@@ -39,12 +40,17 @@ public:
     static void logSysInfo(const std::string& path);
     static void logComInfo();
 
+    /// Opens the log anew where its file has been moved or put in another's place since. One that
+    /// was removed is made anew by the next line already.
+    static void lookAfterFile();
+
     /// Standard error is again what it was, and no failure is told any more.
     static void closeLogFile();
 
     /// The open log's path; none where there is none.
     [[nodiscard]] static std::optional<std::string> openLogFile();
-    /// Why the last setLogFile() failed; none where it did not.
+    /// Why the last setLogFile() failed, or why the file takes no lines just now: they go to where
+    /// they went before meanwhile. None where all is well.
     [[nodiscard]] static std::optional<Error> failure();
 
 private:

@@ -33,6 +33,8 @@ namespace notice {
 inline constexpr Notice<SwitchedCategory> changeCheckBox{"changeCheckBox"};
 /// Where newer versions of the program come from is known from now on. On the main thread.
 inline constexpr Notice<> updateRoadFound{"updateRoadFound"};
+/// It is known anew whether the log file can be written. On the main thread.
+inline constexpr Notice<> logFileLookedAt{"logFileLookedAt"};
 
 }  // namespace notice
 

@@ -18,6 +18,8 @@
 #include <cstring>
 #include <string>
 
+#include "platform/standardStreams.h"
+
 namespace orrinvale {
 namespace {
 
@@ -230,7 +232,7 @@ SysResult<std::string> LinuxFileSystem::resolved(const std::string& path) const 
 // under it all threads share the table of the process.
 void LinuxFileSystem::useOwnDescriptors() const {
 #if !defined(__SANITIZE_THREAD__)
-    (void)!::unshare(CLONE_FILES);
+    if (::unshare(CLONE_FILES) == 0) keepOwnStandardError();
 #endif
 }
 

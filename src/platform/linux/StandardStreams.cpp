@@ -2,6 +2,7 @@
 // is filled by opening until none is left.
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -16,6 +17,8 @@ namespace {
 
 std::mutex s_streamMutex;   // guards the next
 Descriptor s_streamBefore;  // standard error as it was, while a file stands in its place
+
+thread_local bool s_hasOwnDescriptors = false;
 
 int checkLogFile(int file) {
     struct stat seen {};
@@ -73,6 +76,28 @@ void putStandardErrorBack() {
     if (!s_streamBefore.isOpen()) return;
     ::dup2(s_streamBefore.get(), STDERR_FILENO);
     s_streamBefore.reset();
+}
+
+void writeToStandardErrorBefore(std::string_view text) {
+    const std::lock_guard guard(s_streamMutex);
+    pollfd before{s_streamBefore.get(), POLLOUT, 0};
+    // A pipe that nobody reads any more would end the process.
+    if (::poll(&before, 1, 0) == 1 && before.revents == POLLOUT)
+        static_cast<void>(writeWhole(before.fd, text));
+}
+
+void keepOwnStandardError() { s_hasOwnDescriptors = true; }
+
+bool sharesStandardError() { return !s_hasOwnDescriptors; }
+
+bool writeWhole(int descriptor, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t count = ::write(descriptor, text.data(), text.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return false;
+        text.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return true;
 }
 
 }  // namespace orrinvale

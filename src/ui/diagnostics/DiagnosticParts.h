@@ -13,8 +13,9 @@ namespace orrinvale {
 
 /// Where the lines of the log go.
 struct LogState {
-    std::optional<std::string> file{};        ///< the open log file's path
-    std::optional<Error> failure{};           ///< why a file that was wanted is not there
+    std::optional<std::string> file{};  ///< the open log file's path
+    /// Why a file that was wanted is not there, or, beside a file, why it takes no lines just now.
+    std::optional<Error> failure{};
     ErrorStream stream = ErrorStream::Other;  ///< who has the lines without a file
 };
 
@@ -23,8 +24,9 @@ struct DiagnosticParts {
     const SystemValues* system = nullptr;
     Volumes* volumes = nullptr;  ///< asked aside
     ReportNames names{};
+    /// Both are called on any thread, and wait for the disk.
     std::function<LogState()> logState{};
-    /// Opens the file or closes it. Called on any thread, and waits for the disk.
+    /// Opens the file or closes it.
     std::function<void(bool isWanted)> keepLogFile{};
 };
 

@@ -194,6 +194,17 @@ QString DBPrefsWindowController::storedIdentifier() const {
 void DBPrefsWindowController::showWindow() {
     buildToolbarOnce();
     displayViewForIdentifier(storedIdentifier(), false);
+    bringToFront();
+}
+
+void DBPrefsWindowController::showWindowWith(const QString& identifier) {
+    buildToolbarOnce();
+    displayViewForIdentifier(identifier, m_window->isVisible());
+    if (m_shown == nullptr) displayViewForIdentifier(storedIdentifier(), false);
+    bringToFront();
+}
+
+void DBPrefsWindowController::bringToFront() {
     m_window->setWindowState(m_window->windowState() & ~Qt::WindowMinimized);
     m_window->show();
     m_window->raise();

@@ -67,6 +67,8 @@ public Q_SLOTS:
     /// Brings the window to the front, with the page whose place in the toolbar is stored, or with
     /// the first one.
     void showWindow();
+    /// The same with that page, and without the stored one before it, which nobody would see.
+    void showWindowWith(const QString& identifier);
     void closeWindow();
 
     /// As a click on the item.
@@ -99,6 +101,7 @@ protected:
     [[nodiscard]] UserDefaults& defaults() const { return m_defaults; }
 
 private:
+    void bringToFront();
     void makeWindow();
     void makeTitleBar();
     void buildToolbarOnce();

@@ -4,6 +4,7 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QResizeEvent>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -21,7 +22,9 @@ QLabel* leftLabel(Theme::Text text, QPalette::ColorRole role) {
     return made;
 }
 
-// As high as its words are at its width: a layout in a scroll area reckons with fewer lines.
+// As high as its words are at its width: a layout in a scroll area reckons with fewer lines. It
+// asks for no width of its own, so that its words are laid out once, and not for each question of a
+// layout above.
 class CaptionLabel final : public QLabel {
 public:
     CaptionLabel() {
@@ -34,13 +37,30 @@ public:
         policy.setHeightForWidth(false);
         setSizePolicy(policy);
         setContentsMargins(0, Theme::gapTiny, 0, Theme::gapSmall);
+        setFixedHeight(fontMetrics().height() + Theme::gapTiny + Theme::gapSmall);
     }
+
+    void setWords(const QString& words) {
+        setText(words);
+        if (testAttribute(Qt::WA_Resized)) fit();
+    }
+    [[nodiscard]] QSize sizeHint() const override { return {0, minimumHeight()}; }
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
     void resizeEvent(QResizeEvent* event) override {
         QLabel::resizeEvent(event);
-        setMinimumHeight(0);  // which counts in what is asked next
-        if (const int height = heightForWidth(width()); height >= 0) setFixedHeight(height);
+        if (event->size().width() != event->oldSize().width()) fit();
+    }
+
+private:
+    void fit() {
+        constexpr int noLimit = 10'000;
+        const QRect words =
+            fontMetrics().boundingRect(QRect(0, 0, contentsRect().width(), noLimit),
+                                       Qt::AlignLeading | Qt::AlignTop | Qt::TextWordWrap, text());
+        const int height = words.height() + Theme::gapTiny + Theme::gapSmall;
+        if (height != minimumHeight()) setFixedHeight(height);
     }
 };
 
@@ -75,7 +95,8 @@ PreferenceGroup::PreferenceGroup(const char* name, const QString& title, QWidget
 void PreferenceGroup::add(const QString& label, QWidget* control, const QString& caption,
                           QWidget* beside) {
     const int line = linesOfRow * static_cast<int>(m_rows.size());
-    Row row{control, beside, nullptr, new CaptionLabel, caption};
+    auto* const words = new CaptionLabel;
+    Row row{control, beside, nullptr, words, caption};
     if (!label.isEmpty()) {
         row.label = leftLabel(Theme::Text::Body, QPalette::WindowText);
         row.label->setText(label);
@@ -90,8 +111,9 @@ void PreferenceGroup::add(const QString& label, QWidget* control, const QString&
     controls->addStretch(1);
     m_grid->addLayout(controls, line, 1);
     m_grid->setRowMinimumHeight(line, Theme::controlHeight + Theme::gapTiny);
-    row.caption->setText(caption);
-    row.caption->setVisible(!caption.isEmpty());
+    words->setWords(caption);
+    // Shown before it has a place it would be a window for a moment.
+    if (caption.isEmpty()) words->hide();
     control->setAccessibleDescription(caption);
     m_grid->addWidget(row.caption, line + 1, 1);
     m_rows.push_back(row);
@@ -103,11 +125,17 @@ void PreferenceGroup::setFault(const QWidget* control, const QString& reason) {
     const bool isOff = !reason.isEmpty();
     for (QWidget* const each : {row->control, row->beside, static_cast<QWidget*>(row->label)})
         if (each != nullptr) each->setEnabled(!isOff);
-    const QString told = isOff ? reason : row->effect;
-    row->caption->setText(told);
+    row->control->setToolTip(reason);
+    setRemark(control, reason);
+}
+
+void PreferenceGroup::setRemark(const QWidget* control, const QString& remark) {
+    const auto row = std::ranges::find(m_rows, control, &Row::control);
+    if (row == m_rows.end()) return;
+    const QString told = remark.isEmpty() ? row->effect : remark;
+    static_cast<CaptionLabel*>(row->caption)->setWords(told);
     row->caption->setVisible(!told.isEmpty());
     row->control->setAccessibleDescription(told);
-    row->control->setToolTip(reason);
 }
 
 int PreferenceGroup::labelWidth() const {

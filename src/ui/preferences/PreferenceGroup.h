@@ -30,6 +30,10 @@ public:
     /// back.
     void setFault(const QWidget* control, const QString& reason);
 
+    /// Says this in the place of the control's caption, and leaves the control as it is; empty
+    /// brings the caption back.
+    void setRemark(const QWidget* control, const QString& remark);
+
     /// Of its widest label; all groups of a page get the same.
     [[nodiscard]] int labelWidth() const;
     void setLabelWidth(int width);

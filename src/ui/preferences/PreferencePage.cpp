@@ -182,6 +182,8 @@ bool PreferencePage::eventFilter(QObject* watched, QEvent* event) {
 void PreferencePage::followSettings() {
     m_roadObservation =
         notice::updateRoadFound.observe(*m_services.notifications, [this] { showFaults(); });
+    m_logObservation =
+        notice::logFileLookedAt.observe(*m_services.notifications, [this] { showFaults(); });
     m_observation = m_services.defaults->addObserverOfAll(
         [self = QPointer(this), queue = m_services.mainQueue] {
             queue->async([self] {
@@ -328,6 +330,8 @@ void PreferencePage::showFaults() {
     for (const QWidget* const each :
          std::initializer_list<const QWidget*>{views.autoCheckUpdates, views.updateTime})
         grey(Group::Updates, each, updateFault().isEmpty(), updateFault());
+    views.boxes.at(Group::General)
+        ->setRemark(views.logFileChoice, m_parts.logFault ? m_parts.logFault() : QString());
     const bool hasLogin = LoginItemRegistry::parts().items != nullptr;
     const QString noLogin = tr("Nothing here starts it at login.");
     grey(Group::General, views.checkBoxBtn, hasLogin, noLogin);

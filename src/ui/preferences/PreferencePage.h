@@ -23,12 +23,16 @@ enum class UpdateRoad : std::uint8_t;
 /// What there is of that which settings are about. A control whose service is missing is greyed
 /// with the reason.
 struct PreferenceParts {
-    std::function<bool()> hasTray;  ///< asked whenever the page is shown; empty: there is never one
-    bool hasDesktopNotes = false;   ///< the desktop can show words
-    bool hasDiskUsage = false;      ///< there is a page that heeds the limits
+    std::function<bool()> hasTray =
+        {};                        ///< asked whenever the page is shown; empty: there is never one
+    bool hasDesktopNotes = false;  ///< the desktop can show words
+    bool hasDiskUsage = false;     ///< there is a page that heeds the limits
     /// Where newer versions come from, as far as that is known; empty: nobody looks for them. Asked
     /// whenever the page is shown, and at notice::updateRoadFound.
-    std::function<std::optional<UpdateRoad>()> updateRoad;
+    std::function<std::optional<UpdateRoad>()> updateRoad = {};
+    /// Why the log file can not be written, in words; empty where it can. Asked whenever the page
+    /// is shown, and at notice::logFileLookedAt.
+    std::function<QString()> logFault = {};
 };
 
 /// Each change is stored at once; one that somebody else makes is shown at once. Works on
@@ -104,6 +108,7 @@ private:
     std::int64_t m_loginCheck = 0;
     UserDefaults::Observation m_observation;
     UserDefaults::Observation m_roadObservation;
+    UserDefaults::Observation m_logObservation;
 };
 
 [[nodiscard]] PageDescriptor preferencePage(const PageServices& services,

@@ -5,7 +5,6 @@
 
 #include <QApplication>
 #include <QDeadlineTimer>
-#include <QFileDialog>
 #include <QLocale>
 #include <algorithm>
 #include <utility>
@@ -200,38 +199,6 @@ void AppDelegate::perform(const StartRequest& request) {
     }
 }
 
-void AppDelegate::searchFolder(const std::string& path) {
-    // Who names a folder has no use any more for the dialog that chooses one.
-    if (auto* const chooser = qobject_cast<QFileDialog*>(QApplication::activeModalWidget()))
-        chooser->reject();
-    m_duplicateMWC->dismissMessages();
-    const bool isAsking = m_duplicateMWC->isAsking();
-    if (!isAsking) m_duplicateMWC->selectFirstPage();
-    Page& page = m_duplicateMWC->firstPage();
-    const QString shown = onOneLine(QString::fromStdString(path));
-    // By its real path: what is relative or climbs is never removed.
-    const auto folder = m_parts.pages.files->resolved(path);
-    const auto opened = folder ? m_parts.pages.files->openFolder(FileSystem::noParent,
-                                                                 folder->c_str(), Links::Follow)
-                               : SysResult<Descriptor>(tl::unexpected(folder.error()));
-    Alert alert;
-    if (!opened) {
-        alert.title = tr("This folder can not be searched.");
-        alert.text = shown + QStringLiteral(": ") +
-                     QString::fromStdString(systemError("open", path, opened.error()).reason());
-    } else if (isAsking) {
-        alert.title = tr("A question is still open.");
-        alert.text = tr("Answer it, and then choose %1 again.").arg(shown);
-    } else if (page.isBusy()) {
-        alert.title = tr("Something else is under way.");
-        alert.text = tr("Stop it or wait for its end, and then choose %1 again.").arg(shown);
-    } else {
-        page.takeFolder(*folder);
-        return;
-    }
-    tell(alert);
-}
-
 void AppDelegate::openMainWindow() {
     if (!m_isOpenWindow || m_isLeaving) return;
     makeMainWindow();
@@ -329,7 +296,7 @@ void AppDelegate::openAboutWindow() {
     tell(about);
 }
 
-void AppDelegate::showPages() {
+AppPrefsWindowController& AppDelegate::pagesWindow() {
     auto& pages = AppPrefsWindowController::sharedPrefsWindowController();
     if (!std::exchange(m_hasPagesKeys, true)) {
         m_menu->addKeysTo(*pages.window());
@@ -338,16 +305,15 @@ void AppDelegate::showPages() {
             if (self != nullptr) self->mayGoOnUnseen(nullptr);
         });
     }
-    pages.showWindow();
+    return pages;
 }
+
+void AppDelegate::showPages() { pagesWindow().showWindow(); }
 
 void AppDelegate::showPageOfRow(std::int32_t row, const QString& identifier) {
     handleReopenAppEvent();
     UtilityFunction::callSelectNotificationForMainWindowLeft(row);
-    auto& pages = AppPrefsWindowController::sharedPrefsWindowController();
-    if (!pages.hasPage(identifier)) return;
-    showPages();
-    pages.displayViewForIdentifier(identifier, true);
+    showPageAlone(identifier);
 }
 
 void AppDelegate::onClickFree() { showPageOfRow(9, freeSpaceIdentifier); }
@@ -356,17 +322,11 @@ void AppDelegate::onClickScan() { showPageOfRow(0, scanIdentifier); }
 
 void AppDelegate::onClickUninstall() { showPageOfRow(8, uninstallIdentifier); }
 
-void AppDelegate::Reference() {
-    showPages();
-    AppPrefsWindowController::sharedPrefsWindowController().displayViewForIdentifier(
-        preferencesIdentifier, true);
-}
+void AppDelegate::Reference() { pagesWindow().showWindowWith(preferencesIdentifier); }
 
 void AppDelegate::showPageAlone(const QString& identifier) {
-    auto& pages = AppPrefsWindowController::sharedPrefsWindowController();
-    if (!pages.hasPage(identifier)) return;
-    showPages();
-    pages.displayViewForIdentifier(identifier, true);
+    auto& pages = pagesWindow();
+    if (pages.hasPage(identifier)) pages.showWindowWith(identifier);
 }
 
 void AppDelegate::showMemory() { showPageAlone(memoryIdentifier); }

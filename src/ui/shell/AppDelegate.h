@@ -1,6 +1,6 @@
 // AppDelegate: the life of the program, from its window at launch to its end, and what it does when
 // volumes come and go. AppDelegateVolumes.cpp has the volumes, AppDelegateCleaning.cpp Fast Clean,
-// AppDelegateDiskUsage.cpp the page of disk usage, AppDelegateBubbles.cpp the notes,
+// AppDelegateFolders.cpp folders that come from outside, AppDelegateBubbles.cpp the notes,
 // AppDelegatePreferences.cpp what settings change while it runs, AppDelegateUpdates.cpp newer
 // versions of the program, AppDelegateDiagnostics.cpp the computer and the log.
 #pragma once
@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QTimer>
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -30,11 +31,13 @@
 #include "ui/page/PageServices.h"
 #include "ui/shell/DuplicateMainWindowController.h"
 
+class QDialog;
 class QLabel;
 
 namespace orrinvale {
 
 class ApplicationMenu;
+class AppPrefsWindowController;
 class ArrowHotKeys;
 class DesktopNotifications;
 class FastClean;
@@ -73,11 +76,15 @@ struct AppDelegateParts {
     TrayHost* trayHost = nullptr;          ///< null: there is never a tray
     const UpdateParts* updates = nullptr;  ///< null: nobody looks for newer versions
     DiagnosticParts diagnostics = {};
-    std::function<bool(const std::string& path)>
-        openFolder;  ///< in the desktop's file manager; false when it can not
+    /// In the desktop's file manager. False when it can not; where that shows later,
+    /// tellThatNothingOpens() is for it.
+    std::function<bool(const std::string& path)> openFolder;
     std::function<void(std::function<void()> failed)>
-        openGuide;                        ///< runs `failed`, maybe later, where nothing shows it
-    std::function<void()> stopListening;  ///< to later starts, when this one leaves
+        openGuide;  ///< runs `failed`, maybe later, where nothing shows it
+    /// How long a folder from outside may take to answer: a disk that has to begin turning takes
+    /// some seconds.
+    std::chrono::milliseconds folderPatience = std::chrono::seconds(8);
+    std::function<void()> stopListening;          ///< to later starts, when this one leaves
     std::function<void(int status)> exitProcess;  ///< ends the process where it stands
     std::function<void(int signal)>
         endBySignal;  ///< the same, so that who sent the signal sees that it worked
@@ -145,8 +152,13 @@ public:
     void help();
     /// Says where the lines of the log go, and leads there.
     void showLog();
-    /// Shows the report about the computer, without names, in a window that copies it.
+    /// Why the log file can not be written, in words, as it was last looked at; empty where it can.
+    [[nodiscard]] const QString& logFault() const { return m_logFault; }
+    /// Shows the report about the computer, without names, in a window that copies it, or brings
+    /// that to the front.
     void copyReport();
+    /// That this could be opened by nothing here.
+    void tellThatNothingOpens(const std::string& path);
 
     // Whether the program starts at login.
     /// Of a sender with this state, 1 for on.
@@ -221,9 +233,12 @@ private:
     void openMinimisedWithoutTray();
     void takeSettings();
     void followLogFile();
+    void lookAtLogFile(std::function<void(const LogState& state)> then = {});
+    void takeLogState(const LogState& state);
     void showPageOfRow(std::int32_t row, const QString& identifier);
     void makeMainWindow();
     void showPageAlone(const QString& identifier);
+    [[nodiscard]] AppPrefsWindowController& pagesWindow();
     void refApplicationMenu();
     void refEjectAll();
     void askToEjectAll();
@@ -233,7 +248,11 @@ private:
     void tellOfFailures(const QString& title, const std::vector<EjectFailure>& failures);
     void bubbleViewWith(std::unique_ptr<QLabel> view, std::unique_ptr<QLabel> withBView = nullptr);
     void tell(const Alert& alert);
+    void lookUpFolder(const std::string& path, std::function<void(const std::string& folder)> then);
+    void tellOfFolder(const std::string& path, const QString& reason);
+    void tellToWait(const std::string& path);
     void searchFolder(const std::string& path);
+    void beginSearch(const std::string& path, const std::string& folder);
     void lookInto(const std::string& path);
     void leave(std::function<void()> last);
     /// Of both windows, those that have been shown.
@@ -264,9 +283,11 @@ private:
     std::uint64_t m_versionNote = 0;  // of the desktop; 0 is none
     HomeDisk m_homeDisk;
     QPointer<Sheet> m_computerSheet;
-    std::optional<bool> m_wantsLogFile;  // as it was last followed
+    QPointer<QDialog> m_report;
+    QString m_logFault;
+    std::uint64_t m_folderLook = 0, m_logLook = 0;  // the numbers of the looks that are wanted
+    std::optional<bool> m_wantsLogFile;             // as it was last followed
     bool m_isKeepingLogFile = false;
-    bool m_isReporting = false;
     bool m_isOpenWindow = false;
     bool m_isAskingToGoOn = false;
     bool m_isLeaving = false;

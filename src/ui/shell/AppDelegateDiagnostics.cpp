@@ -1,10 +1,12 @@
 // What AppDelegate tells of the computer and of the log.
 #include <fmt/format.h>
 
+#include <QDialog>
 #include <QGuiApplication>
 #include <QLocale>
 #include <utility>
 
+#include "engine/settings/settingNotices.h"
 #include "services/foundation/runAside.h"
 #include "ui/diagnostics/ComputerPanel.h"
 #include "ui/diagnostics/logWords.h"
@@ -35,6 +37,7 @@ void AppDelegate::openComputerWindow() {
     if (m_parts.diagnostics.system == nullptr || m_isLeaving || !m_computerSheet.isNull()) return;
     auto* const panel = new ComputerPanel(*m_parts.diagnostics.system);
     m_computerSheet = new Sheet(*windowForWords(), panel);  // ends itself
+    m_computerSheet->setOnlyTells(true);
     Sheet* const sheet = m_computerSheet;
     const auto close = [sheet] { sheet->close([] {}); };
     connect(sheet, &Sheet::cancelled, sheet, close);
@@ -44,35 +47,55 @@ void AppDelegate::openComputerWindow() {
     sheet->open(panel->closeButton);
 }
 
+// The folder of the log may be slow to answer.
+void AppDelegate::lookAtLogFile(std::function<void(const LogState& state)> then) {
+    if (!m_parts.diagnostics.logState) return;
+    runAside(this, "lookAtLogFile", m_parts.diagnostics.logState,
+             [this, then = std::move(then)](const LogState& state) {
+                 takeLogState(state);
+                 if (then && !m_isLeaving) then(state);
+             });
+}
+
+void AppDelegate::takeLogState(const LogState& state) {
+    m_logFault = logFaultWords(state.failure);
+    notice::logFileLookedAt.post(*m_parts.pages.notifications);
+}
+
 void AppDelegate::showLog() {
-    if (!m_parts.diagnostics.logState || m_isLeaving) return;
-    const LogState state = m_parts.diagnostics.logState();
-    m_parts.pages.dialogs->alert(
-        windowForWords(), logAlert(state), [this, file = state.file](int button) {
-            if (!file || (button != OpenLogFile && button != ShowLogInFolder)) return;
-            if (button == OpenLogFile && m_parts.openFolder(*file)) return;
-            if (m_parts.pages.reveal) m_parts.pages.reveal(*file);
-        });
+    if (m_isLeaving) return;
+    lookAtLogFile([this, number = ++m_logLook](const LogState& state) {
+        if (number != m_logLook) return;  // clicked again meanwhile
+        m_parts.pages.dialogs->alert(
+            windowForWords(), logAlert(state), [this, file = state.file](int button) {
+                if (!file || (button != OpenLogFile && button != ShowLogInFolder)) return;
+                if (button == OpenLogFile && m_parts.openFolder(*file)) return;
+                if (m_parts.pages.reveal) m_parts.pages.reveal(*file);
+            });
+    });
 }
 
 // A volume may take a while to answer.
 void AppDelegate::copyReport() {
     const DiagnosticParts& parts = m_parts.diagnostics;
-    if (parts.system == nullptr || parts.volumes == nullptr || m_isLeaving || m_isReporting) return;
-    m_isReporting = true;
-    const auto worker = runAside(
-        this, "copyReport",
+    if (parts.system == nullptr || parts.volumes == nullptr || m_isLeaving) return;
+    if (!m_report.isNull()) {
+        m_report->raise();
+        m_report->activateWindow();
+        return;
+    }
+    m_report = showLineList(windowForWords(), tr("A report to copy, without any names of yours"),
+                            {tr("The computer and its volumes are being asked…")});
+    runAside(
+        m_report, "copyReport",
         [parts, further = linesAboutTheProgram()] {
             return computerReportWithoutNames(*parts.system, *parts.volumes, parts.names, further);
         },
-        [this](const std::vector<std::string>& lines) {
-            m_isReporting = false;
+        [report = m_report.data()](const std::vector<std::string>& lines) {
             QStringList shown;
             for (const std::string& each : lines) shown += onOneLine(QString::fromStdString(each));
-            showLineList(windowForWords(), tr("A report to copy, without any names of yours"),
-                         shown);
+            setLinesOf(*report, shown);
         });
-    if (!worker) m_isReporting = false;
 }
 
 void AppDelegate::followLogFile() {
@@ -84,9 +107,14 @@ void AppDelegate::followLogFile() {
     if (std::exchange(m_wantsLogFile, isWanted) == isWanted) return;
     m_isKeepingLogFile = true;
     const auto worker = runAside(
-        this, "keepLogFile", [keep = parts.keepLogFile, isWanted] { keep(isWanted); },
-        [this, isWanted] {
+        this, "keepLogFile",
+        [keep = parts.keepLogFile, look = parts.logState, isWanted] {
+            keep(isWanted);
+            return look();
+        },
+        [this, isWanted](const LogState& state) {
             m_isKeepingLogFile = false;
+            takeLogState(state);
             if (wantsLogFile() != isWanted) followLogFile();  // changed meanwhile
         });
     if (!worker) m_isKeepingLogFile = false;

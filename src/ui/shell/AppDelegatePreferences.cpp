@@ -26,6 +26,7 @@ void AppDelegate::followSettings() {
                     if (self != nullptr) self->takeSettings();
                 });
             }));
+    lookAtLogFile({});  // which was opened, or was not, before there was a window
 }
 
 void AppDelegate::takeSettings() {

@@ -118,8 +118,14 @@ void AppDelegate::refEjectAll() {
 void AppDelegate::openFinderWhenClickItems(const Notification& notification) {
     if (m_tray) m_tray->cancelTracking();
     m_menu->menu()->close();  // which the volumes stand in where no tray shows them
-    if (m_voluManager->openVolRootDir(notice::openFinderWhenClickItems.read(notification))) return;
+    const auto path = notice::openFinderWhenClickItems.read(notification);
+    if (!m_voluManager->openVolRootDir(path)) tellThatNothingOpens(path.value_or(std::string()));
+}
+
+void AppDelegate::tellThatNothingOpens(const std::string& path) {
+    if (m_isLeaving) return;
     Alert alert;
+    alert.text = onOneLine(QString::fromStdString(path));
     alert.title = QString::fromStdString(getLocalizedString("CANNOT_OPEN_FINDER"));
     alert.severity = Alert::Severity::Critical;
     tell(alert);

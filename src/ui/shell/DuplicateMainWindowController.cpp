@@ -31,10 +31,10 @@
 namespace orrinvale {
 namespace {
 
-// A sheet with one button says something; nobody has to decide anything before the next thing is
-// done.
+// A sheet with one button says something too; nobody has to decide anything before the next thing
+// is done.
 bool isQuestion(const Sheet* sheet) {
-    return sheet->content()->findChildren<QAbstractButton*>().size() != 1;
+    return !sheet->onlyTells() && sheet->content()->findChildren<QAbstractButton*>().size() != 1;
 }
 
 constexpr int topButtonShift = 15;
@@ -211,7 +211,8 @@ bool DuplicateMainWindowController::isAsking() const {
 void DuplicateMainWindowController::dismissMessages() {
     for (Sheet* const sheet :
          m_aWindow->findChildren<Sheet*>(QString(), Qt::FindDirectChildrenOnly))
-        if (!isQuestion(sheet)) sheet->content()->findChild<QAbstractButton*>()->click();
+        if (sheet->onlyTells()) Q_EMIT sheet->cancelled();
+        else if (!isQuestion(sheet)) sheet->content()->findChild<QAbstractButton*>()->click();
 }
 
 void DuplicateMainWindowController::closeWindow() {

@@ -1,4 +1,5 @@
-// Other programs do the work and none is waited for: how it went arrives through the event loop.
+// Other programs do the work. They are looked for and started aside; how it went arrives through
+// the event loop.
 #include "ui/shell/FileManager.h"
 
 #include <fmt/format.h>
@@ -8,13 +9,13 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
-#include <QDesktopServices>
 #include <QDir>
 #include <QFileInfo>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QStringList>
 #include <QUrl>
+#include <optional>
 #include <utility>
 
 #include "engine/base/Log.h"
@@ -25,6 +26,11 @@
 namespace orrinvale {
 namespace {
 
+QString installedGuide() {
+    return QDir::cleanPath(QCoreApplication::applicationDirPath() +
+                           QStringLiteral("/../share/orrinvale/guide/user-guide.html"));
+}
+
 QString fileAddress(const std::string& path) { return QString::fromStdString(fileUrlOf(path)); }
 
 // What others say is no part of our log, and may be much.
@@ -33,21 +39,64 @@ void keepSilent(QProcess& process) {
     process.setStandardErrorFile(QProcess::nullDevice());
 }
 
-// As the toolkit does it, but without a word in our log.
-bool openByDesktop(const QUrl& address) {
-    const QString opener = QStandardPaths::findExecutable(QStringLiteral("xdg-open"));
-    if (opener.isEmpty()) return QDesktopServices::openUrl(address);
+// What opens files and addresses as the desktop would, with the word that comes before those.
+struct Opener {
+    QString program;
+    QStringList words;
+};
+
+// Each folder of PATH is looked at, of which one may lie on a server: call it aside.
+std::optional<Opener> findOpener() {
+    const struct {
+        const char *program, *word;
+    } known[] = {
+        {"xdg-open", nullptr}, {"gio", "open"}, {"kde-open", nullptr}, {"exo-open", nullptr}};
+    for (const auto& each : known) {
+        const QString program = QStandardPaths::findExecutable(QLatin1String(each.program));
+        if (program.isEmpty()) continue;
+        return Opener{program,
+                      each.word == nullptr ? QStringList() : QStringList{QLatin1String(each.word)}};
+    }
+    return std::nullopt;
+}
+
+// The call waits until the opener is read from its disk.
+bool openByDesktop(const QString& address) {
+    const auto opener = findOpener();
+    if (!opener) return false;
     QProcess opening;
     keepSilent(opening);
-    opening.setProgram(opener);
-    opening.setArguments({address.toString(QUrl::FullyEncoded)});
+    opening.setProgram(opener->program);
+    opening.setArguments(opener->words + QStringList{address});
     return opening.startDetached();
 }
 
-bool openAddress(const std::string& path) {
-    if (openByDesktop(QUrl(fileAddress(path), QUrl::StrictMode))) return true;
-    Log::line(fmt::format("Nothing could be started to open {}.", path));
-    return false;
+// To its end: whoever has found no browser says so by its status.
+bool showByDesktop(const QString& guide) {
+    const auto opener = findOpener();
+    if (!opener || !QFileInfo::exists(guide)) return false;
+    QProcess opening;
+    keepSilent(opening);
+    opening.start(opener->program, opener->words + QStringList{guide});
+    constexpr int forever = -1;  // it may have become the browser
+    return opening.waitForFinished(forever) && opening.exitStatus() == QProcess::NormalExit &&
+           opening.exitCode() == 0;
+}
+
+std::function<void(const std::string& path)>& whoTellsOfFailures() {
+    static auto* const handler = new std::function<void(const std::string& path)>;
+    return *handler;
+}
+
+void openAddress(const std::string& path) {
+    runAside(
+        QCoreApplication::instance(), "openAddress",
+        [address = fileAddress(path)] { return openByDesktop(address); },
+        [path](bool isStarted) {
+            if (isStarted) return;
+            Log::line(fmt::format("Nothing could be started to open {}.", path));
+            if (const auto& tell = whoTellsOfFailures()) tell(path);
+        });
 }
 
 void openFolderOf(const std::string& path) { openAddress(folderOf(path)); }
@@ -75,7 +124,15 @@ void revealInFileManager(const std::string& path) {
     });
 }
 
-bool openInFileManager(const std::string& path) { return openAddress(path); }
+bool openInFileManager(const std::string& path) {
+    if (path.empty() || path.front() != '/') return false;
+    openAddress(path);
+    return true;
+}
+
+void tellOfFailedOpening(std::function<void(const std::string& path)> handler) {
+    whoTellsOfFailures() = std::move(handler);
+}
 
 void startCommand(const std::vector<std::string>& words) {
     if (words.empty()) return;
@@ -98,35 +155,25 @@ void startCommand(const std::vector<std::string>& words) {
 }
 
 QString userGuidePath() {
-    const QString guide =
-        QDir::cleanPath(QCoreApplication::applicationDirPath() +
-                        QStringLiteral("/../share/orrinvale/guide/user-guide.html"));
+    const QString guide = installedGuide();
     return QFileInfo::exists(guide) ? guide : QString();
 }
 
-// The desktop's opener is watched to its end: the toolkit starts it too, but never learns that it
-// has found no browser.
 void openUserGuide(std::function<void()> failed) {
-    const QString guide = userGuidePath();
-    const QString opener = QStandardPaths::findExecutable(QStringLiteral("xdg-open"));
-    if (guide.isEmpty() || opener.isEmpty()) {
-        if (guide.isEmpty() || !QDesktopServices::openUrl(QUrl::fromLocalFile(guide))) failed();
-        return;
-    }
-    auto* const opening =
-        new QProcess(QCoreApplication::instance());  // never ended: it may have become the browser
-    QObject::connect(opening, &QProcess::finished, opening,
-                     [opening, failed = std::move(failed)](int status, QProcess::ExitStatus how) {
-                         opening->deleteLater();
-                         if (how != QProcess::NormalExit || status != 0) failed();
-                     });
-    keepSilent(*opening);
-    opening->start(opener, {guide});
+    runAside(
+        QCoreApplication::instance(), "openUserGuide",
+        [guide = installedGuide()] { return showByDesktop(guide); },
+        [failed = std::move(failed)](bool isShown) {
+            if (!isShown) failed();
+        });
 }
 
 void openWebPage(const QString& address) {
     const QUrl url(address, QUrl::StrictMode);
-    if (url.scheme() == QLatin1String("https")) openByDesktop(url);
+    if (url.scheme() != QLatin1String("https")) return;
+    runAside(
+        QCoreApplication::instance(), "openWebPage",
+        [shown = url.toString(QUrl::FullyEncoded)] { openByDesktop(shown); }, [] {});
 }
 
 }  // namespace orrinvale

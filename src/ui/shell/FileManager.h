@@ -13,10 +13,13 @@ namespace orrinvale {
 /// Main thread only.
 void revealInFileManager(const std::string& path);
 
-/// Opens the folder itself. False when nothing here could be started for that; whether the folder
-/// can be reached is left to the file manager, since a dead server would hold this thread up.
-/// Returns at once. Exact bytes. Main thread only.
+/// Opens the folder or the file itself. False for what is no absolute path; whether it can be
+/// reached is left to the desktop, since a dead server would hold this thread up. Returns at once.
+/// Exact bytes. Main thread only.
 [[nodiscard]] bool openInFileManager(const std::string& path);
+
+/// Runs this on the main thread, later, where nothing could be started to open a path.
+void tellOfFailedOpening(std::function<void(const std::string& path)> handler);
 
 /// Starts a program with these arguments, in the home folder, and lets go of it; a failure is
 /// logged. Returns at once. Exact bytes. Main thread only.
@@ -26,8 +29,8 @@ void startCommand(const std::vector<std::string>& words);
 /// installed.
 [[nodiscard]] QString userGuidePath();
 
-/// Opens the user guide in the desktop's browser, and returns at once. Runs `failed`, maybe later,
-/// when it is not there or nothing shows it. Main thread only.
+/// Opens the user guide in the desktop's browser, and returns at once. Runs `failed` later when it
+/// is not there or nothing shows it. Main thread only.
 void openUserGuide(std::function<void()> failed);
 
 /// Opens an https address in the desktop's browser; any other address does nothing. Returns at

@@ -45,10 +45,12 @@ void StallCounter::turnEnds() {
     const qint64 took = m_turn.elapsed();
     m_turn.invalidate();
     m_longest = std::max(m_longest, took);
-    m_busiest = std::max(m_busiest, processorTime() - m_busyBefore);
+    const qint64 busy = processorTime() - m_busyBefore;
+    m_busiest = std::max(m_busiest, busy);
     if (took <= frameMilliseconds) return;
     ++m_count;
-    if (m_print) Log::line(fmt::format("stall: {} ms", took));
+    if (m_print)
+        Log::line(fmt::format("stall: {} ms, of which {} ms of a processor", took, busy / 1000));
 }
 
 qint64 StallCounter::takeLongest() { return std::exchange(m_longest, 0); }

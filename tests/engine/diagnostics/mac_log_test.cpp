@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include <regex>
+#include <thread>
 
 #include "engine/base/Log.h"
 #include "platform/fake/FakeVolumes.h"
@@ -145,6 +146,72 @@ TEST(MacLog, OnAFullDiskStandardErrorStays) {
         const std::string before = contentOf(tree.at("before"));
         return before.ends_with("one\nraw\nafter\n") ? "" : "standard error has: " + before;
     });
+}
+
+// A disk that fills and gets room again, with a line that has room for half of it.
+TEST(MacLog, WhatHasNoRoomGoesWhereLinesWentBefore) {
+    withOwnMounts([]() -> std::string {
+        TestTree tree("/mnt");
+        if (!tree.folder("com.kelpford.Orrinvale")) return "no folder";
+        if (!mountRam(tree.at("com.kelpford.Orrinvale").c_str())) return "skip: no tmpfs";
+        const std::string long1(20'000, 'a'), long2(20'000, 'b');
+        const std::string said = logging(tree, [&]() -> std::string {
+            if (!MacLog::setLogFile("Orrinvale.log")) return "no log";
+            const std::string filler = tree.at("com.kelpford.Orrinvale/filler");
+            const int file = ::open(filler.c_str(), O_WRONLY | O_CREAT, 0600);
+            const std::string block(1U << 20U, 'x');
+            while (::write(file, block.data(), block.size()) > 0) {}
+            while (::write(file, block.data(), 1) > 0) {}
+            Log::line(long1);
+            Log::line(long2);
+            const auto failure = MacLog::failure();
+            if (!failure || failure->reason() != "No space left on device") return "not told";
+            ::close(file);
+            ::unlink(filler.c_str());
+            Log::line("room again");
+            return MacLog::failure() ? "still told" : "";
+        });
+        const std::string before = contentOf(tree.at("before")), log = contentOf(tree.at(name));
+        const auto has = [](const std::string& text, const std::string& line) {
+            return text.find(line + '\n') != std::string::npos;
+        };
+        if (!has(before, long1) || !has(before, long2) || has(before, "room again"))
+            return said + " before: " + std::to_string(before.size());
+        if (has(log, long1) || !std::regex_search(log, std::regex("\n\\S+ 2 lines are missing "
+                                                                  "here\\.\n\\S+ room again\n")))
+            return said + " in the log: " + log.substr(log.size() - 100);
+        return said;
+    });
+}
+
+TEST(MacLog, ALogThatIsRemovedOrMovedGoesOnInAFileOfItsName) {
+    TestTree tree;
+    const auto begins = [](const std::string& text, const char* lines) {
+        return std::regex_match(text, std::regex(lines)) ? "" : text;
+    };
+    const auto check = [&]() -> std::string {
+        if (!MacLog::setLogFile("Orrinvale.log")) return "no log";
+        ::unlink(tree.at(name).c_str());
+        std::thread([] {
+            keepOwnStandardError();  // as a reader of files
+            Log::line("to nobody");
+        }).join();
+        if (isThere(tree.at(name))) return "a reader has made it";
+        Log::line("one");
+        std::string fault = begins(contentOf(tree.at(name)),
+                                   "\\S+ The log was removed; process \\d+ goes on\\.\n\\S+ one\n");
+        ::rename(tree.at(name).c_str(), tree.at("moved").c_str());
+        Log::line("two");
+        MacLog::lookAfterFile();
+        Log::line("three");
+        MacLog::lookAfterFile();
+        Log::line("four");
+        fault += begins(contentOf(tree.at("moved")), "(?:.*\n){2}\\S+ two\n");
+        return fault +
+               begins(contentOf(tree.at(name)), "(?:.*\n)*.* begins\\.\n\\S+ three\n\\S+ four\n");
+    };
+    EXPECT_EQ(logging(tree, check), "");
+    EXPECT_EQ(contentOf(tree.at("before")), "") << "nothing is lost to it";
 }
 
 TEST(StandardError, KnowsWhoHasIt) {

@@ -55,12 +55,16 @@ TEST(ComputerInfo, IsASheetThatComesOnce) {
     EXPECT_TRUE(on.isVisible());
     on.entry("aboutComputer")->trigger();
     EXPECT_EQ(window.findChildren<Sheet*>().size(), 1);
+    EXPECT_FALSE(on.delegate->duplicateMWC()->isAsking()) << "a folder from outside does not wait";
     auto* const panel = window.findChild<ComputerPanel*>();
     ASSERT_NE(panel, nullptr);
     EXPECT_EQ(panel->infoView->systemInfo().TotalMem, 8ULL << 30U);
     panel->copyButton->click();
     QPlainTextEdit* text = nullptr;
     ASSERT_SOON((text = window.findChild<QPlainTextEdit*>()) != nullptr);
+    on.entry("copyReport")->trigger();
+    EXPECT_EQ(window.findChildren<QPlainTextEdit*>().size(), 1) << "it is brought to the front";
+    EXPECT_SOON(text->toPlainText().contains(QStringLiteral("hardware info")));
     const QString report = text->toPlainText();
     EXPECT_TRUE(report.contains(QStringLiteral("host name: HOST"))) << report.toStdString();
     EXPECT_FALSE(report.contains(QStringLiteral("Stick"))) << report.toStdString();
@@ -82,8 +86,14 @@ TEST(LogWords, SayWhereTheLinesGo) {
         {{.file = "/s/a\nb"}, "The log is a file.", "/s/a\u2424b", 3},
         {{.failure = systemError("open", "/s/x", ELOOP)},
          "The log file can not be written.",
-         "/s/x: Too many levels of symbolic links",
+         "/s/x: Too many levels of symbolic links\n\nThe lines go wherever",
          1},
+        {{.file = "/s/x",
+          .failure = systemError("write", "/s/x", ENOSPC),
+          .stream = ErrorStream::Journal},
+         "The log file can not be written.",
+         "/s/x: No space left on device\n\nThe log is in your system's journal. In a terminal",
+         3},
         {{.stream = ErrorStream::Terminal}, "The log is in the terminal.", "lines appear there", 1},
         {{.stream = ErrorStream::Journal}, "The log is in your system's journal.", "journalctl", 1},
         {{}, "There is no log file.", "preferences", 1}};
@@ -112,15 +122,21 @@ TEST(ShowLog, LeadsToTheFile) {
         on.opened.clear();
         on.revealed.clear();
         on.dialogs.willAnswer(each.button);
+        const std::size_t asked = on.dialogs.alerts().size();
         on.entry("showLog")->trigger();
+        EXPECT_SOON(on.dialogs.alerts().size() > asked);
         QTest::qWait(5);
         EXPECT_EQ(on.opened, each.opened) << each.button;
         EXPECT_EQ(on.revealed, each.revealed) << each.button;
+        EXPECT_TRUE(on.dialogs.alerts().back().onlyTells);
     }
     // A folder of that name is opened by nobody where there is no file.
     on.log = {};
+    on.opened.clear();
     on.dialogs.willAnswer(0);
+    const std::size_t asked = on.dialogs.alerts().size();
     on.entry("showLog")->trigger();
+    EXPECT_SOON(on.dialogs.alerts().size() > asked);
     QTest::qWait(5);
     EXPECT_TRUE(on.opened.empty() && on.revealed.empty());
 }
@@ -144,6 +160,11 @@ TEST(ShowLog, TheSettingIsFollowedAtOnce) {
     const ScopedVariable asked("ORRINVALE_LOG", "1");
     on.defaults.setValue(std::string("auto"), logFileKey);
     EXPECT_SOON(on.keptLog->load() == 0) << "who asks for lines gets them where he is";
+    on.log = {.failure = systemError("open", "/s/x", EACCES)};
+    ::unsetenv("ORRINVALE_LOG");
+    on.defaults.setValue(std::string("always"), logFileKey);
+    EXPECT_SOON(on.delegate->logFault() ==
+                QStringLiteral("The file can not be written: Permission denied"));
 }
 
 }  // namespace

@@ -64,6 +64,11 @@ TEST(Translations, FailuresAndNumbersReadAsTheLanguageWritesThem) {
                     "/usr/x bleibt: nur der Administrator darf es entfernen"},
                    {"/Applications/A.app could not be looked at: Permission denied",
                     "/Applications/A.app konnte nicht angesehen werden: Zugriff verweigert"},
+                   {"the index of the manual pages, which only a daily job makes again",
+                    "das Verzeichnis der Handbuchseiten, das nur ein täglicher Lauf neu anlegt"},
+                   {"the list of what is always kept can not be read: /h/x: Permission denied",
+                    "die Liste dessen, was immer bleibt, kann nicht gelesen werden: "
+                    "/h/x: Permission denied"},
                    {"rm: words of a tool", "rm: words of a tool"},
                    {"", ""}};
     for (const auto& each : reasons) EXPECT_EQ(inWords(each.english).toStdString(), each.english);

@@ -326,8 +326,19 @@ TEST_F(PreferencesOfASlowStart, UpdatesAreGreyUntilItIsKnownWhereTheyComeFrom) {
 
 class PreferencesOfABareDesktop : public Preferences {
 protected:
-    PreferencesOfABareDesktop() : Preferences(PreferenceParts{}) {}
+    PreferencesOfABareDesktop()
+        : Preferences(PreferenceParts{.logFault = [told = logFault] { return *told; }}) {}
+    inline static const auto logFault = std::make_shared<QString>(QStringLiteral("a full disk"));
 };
+
+TEST_F(PreferencesOfABareDesktop, ALogFileThatCanNotBeWrittenIsToldAtItsChoice) {
+    const QString told = control("logFileChoice").accessibleDescription();
+    EXPECT_EQ(told, QStringLiteral("a full disk"));
+    EXPECT_TRUE(isEnabled("logFileChoice")) << "to be switched off";
+    logFault->clear();
+    notice::logFileLookedAt.post(notifications);
+    EXPECT_NE(control("logFileChoice").accessibleDescription(), told);
+}
 
 TEST_F(PreferencesOfABareDesktop, ControlsWithoutTheirServiceAreGreyWithTheReason) {
     for (const char* const name :

@@ -12,6 +12,7 @@
 #include "services/volumes/WatchMountUnmount.h"
 #include "services/volumes/WorkspaceMounts.h"
 #include "support/ScopedVariable.h"
+#include "support/ServedFiles.h"
 #include "support/test.h"
 #include "ui/kit/dialogs/WindowDialogs.h"
 #include "ui/page/Page.h"
@@ -66,18 +67,22 @@ TEST(AppDelegate, WhatAStartAsksForIsDone) {
                  {{Kind::Action, "no such action", ""}, true},
                  {{Kind::Action, "duplicates", ""}, false},
                  {{Kind::Open, on.tree.at("f"), ""}, false}};
+    Gate reading;
+    reading.shut();
+    on.files.onReadFolder = [&reading] { reading.pass(); };
     for (const auto& each : cases) {
         on.closeWindow();
         on.delegate->perform(each.request);
         EXPECT_TRUE(on.isVisible()) << each.request.text;
-        EXPECT_EQ(on.delegate->duplicateMWC()->diskView()->isVisible(), each.isLarge)
+        EXPECT_SOON(on.delegate->duplicateMWC()->diskView()->isVisible() == each.isLarge)
             << each.request.text;
     }
-    EXPECT_EQ(on.delegate->duplicateMWC()->sameFileDeleteVC()->searchPath(), on.tree.at("f"));
+    EXPECT_SOON(on.delegate->duplicateMWC()->sameFileDeleteVC()->searchPath() == on.tree.at("f"));
     // A search is not given up for another one; the person is told.
     on.dialogs.willAnswer(0);
     on.delegate->perform({Kind::Open, on.tree.at("f"), ""});
-    EXPECT_EQ(on.dialogs.alerts().size(), 1U);
+    EXPECT_SOON(on.dialogs.alerts().size() == 1U);
+    reading.open();
     EXPECT_EQ(qgetenv("XDG_ACTIVATION_TOKEN"), "token");
     qunsetenv("XDG_ACTIVATION_TOKEN");
     EXPECT_SOON(on.delegate->duplicateMWC()->sameFileDeleteVC()->bSearchFinished());
@@ -85,11 +90,35 @@ TEST(AppDelegate, WhatAStartAsksForIsDone) {
     // What is no folder is told, and leaves what is shown.
     on.dialogs.willAnswer(0);
     on.delegate->perform({Kind::Open, on.tree.at("settings.ini"), ""});
-    EXPECT_EQ(on.dialogs.alerts().size(), 2U);
+    EXPECT_SOON(on.dialogs.alerts().size() == 2U);
     on.delegate->perform({Kind::Action, "quit", ""});
     EXPECT_TRUE(on.ends.empty()) << "who asked is answered first";
     EXPECT_SOON(on.ends == std::vector<int>{1});
     EXPECT_FALSE(on.isListening);
+}
+
+TEST(AppDelegate, AFolderThatNeverAnswersHoldsNobodyUp) {
+    ServedFiles served({"hang"});
+    if (!served.isThere()) GTEST_SKIP() << "no FUSE here";
+    Started on;
+    ASSERT_TRUE(served.source().folder("hang") && on.tree.folder("f"));
+    const StartRequest silent{StartRequest::Kind::Open, served.at("hang"), ""};
+    on.dialogs.willAnswer(0);
+    on.delegate->perform(silent);
+    EXPECT_SOON(!on.dialogs.alerts().empty());
+    EXPECT_TRUE(on.dialogs.alerts().back().text.endsWith(QStringLiteral("it does not answer")));
+    // The newest counts, and an answer that comes too late is nobody's.
+    on.delegate->perform(silent);
+    on.delegate->perform({StartRequest::Kind::Open, on.tree.at("f"), ""});
+    const auto& page = *on.delegate->duplicateMWC()->sameFileDeleteVC();
+    EXPECT_SOON(page.searchPath() == on.tree.at("f"));
+    EXPECT_SOON(page.bSearchFinished());
+    on.delegate->perform(silent);
+    on.closeWindow();
+    served.end();
+    QTest::qWait(300);
+    EXPECT_FALSE(on.isVisible()) << "who closed the window wants nothing any more";
+    EXPECT_EQ(on.dialogs.alerts().size(), 1U);
 }
 
 TEST(AppDelegate, EachVolumeThatComesOrGoesIsASentenceAndTwoNotices) {
@@ -219,6 +248,14 @@ TEST(FileManager, WhatOthersSayIsNoPartOfOurLog) {
     for (const char* const each : {"x%20y", "page", "command"})
         EXPECT_SOON(contentOf(tree.at(each)) == "/dev/null\n") << each;
     EXPECT_FALSE(isThere(tree.at("other"))) << "not by plain HTTP";
+    // Nothing here opens anything, which shows only aside.
+    const ScopedVariable nowhere("PATH", tree.at("none"));
+    std::string told;
+    tellOfFailedOpening([&](const std::string& each) { told = each; });
+    EXPECT_TRUE(openInFileManager("/a folder"));
+    EXPECT_FALSE(openInFileManager("no path"));
+    EXPECT_SOON(told == "/a folder");
+    tellOfFailedOpening({});
 }
 
 TEST(AppDelegate, AFurtherStartLeavesTheKeyboardWithTheDialogThatIsOpen) {
@@ -236,7 +273,7 @@ TEST(AppDelegate, AFurtherStartLeavesTheKeyboardWithTheDialogThatIsOpen) {
     // A folder makes the choice needless.
     const auto& page = *on.delegate->duplicateMWC()->sameFileDeleteVC();
     on.delegate->perform({StartRequest::Kind::Open, on.tree.at("f"), ""});
-    EXPECT_EQ(page.searchPath(), on.tree.at("f"));
+    EXPECT_SOON(page.searchPath() == on.tree.at("f"));
     EXPECT_SOON(QApplication::activeModalWidget() == nullptr);
     EXPECT_FALSE(isChosen);
     ASSERT_SOON(page.bSearchFinished());
@@ -244,6 +281,7 @@ TEST(AppDelegate, AFurtherStartLeavesTheKeyboardWithTheDialogThatIsOpen) {
     real.alert(window, removalQuestion(), [](int) {});
     on.dialogs.willAnswer(0);
     on.delegate->perform({StartRequest::Kind::Open, on.tree.path(), ""});
+    EXPECT_SOON(!on.dialogs.alerts().empty());
     EXPECT_EQ(page.searchPath(), on.tree.at("f"));
     EXPECT_EQ(on.dialogs.alerts().back().title, QStringLiteral("A question is still open."));
 }

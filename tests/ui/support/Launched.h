@@ -91,6 +91,7 @@ struct Launched {
                     ++guides;
                     if (!canOpen) failed();
                 },
+            .folderPatience = std::chrono::milliseconds(1500),
             .stopListening = [this] { isListening = false; },
             .exitProcess = [this](int status) { ends.push_back(status); },
             .endBySignal = [this](int signal) { ends.push_back(-signal); }});

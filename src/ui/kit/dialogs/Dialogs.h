@@ -28,8 +28,10 @@ struct Alert {
         -1;  ///< taken by Escape; -1 for none, yet a single button is always taken by it
     Severity severity = Severity::Information;
     bool isDestructive = false;  ///< the default button removes something, and looks like it
-    QString picture;             ///< by name, in place of the sign of the severity
-    QString linkText;            ///< with an action: a further button that leaves the question open
+    /// Nothing is asked, whatever the buttons: what comes next may take it away, as Escape would.
+    bool onlyTells = false;
+    QString picture;   ///< by name, in place of the sign of the severity
+    QString linkText;  ///< with an action: a further button that leaves the question open
     std::function<void()> linkAction;
     /// From its coming on nothing but the button of Escape is taken for so long: a click or a key
     /// that was meant for what lay there before answers nothing.

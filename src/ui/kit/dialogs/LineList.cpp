@@ -32,7 +32,7 @@ QStringList linesOf(const std::vector<Error>& errors) {
     return lines;
 }
 
-void showLineList(QWidget* parent, const QString& title, const QStringList& lines) {
+QDialog* showLineList(QWidget* parent, const QString& title, const QStringList& lines) {
     auto* const dialog = new QDialog(parent != nullptr ? parent->window() : nullptr);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setObjectName(QStringLiteral("lineList"));
@@ -63,6 +63,11 @@ void showLineList(QWidget* parent, const QString& title, const QStringList& line
     column->addLayout(buttons);
     dialog->resize(usualSize);
     dialog->show();
+    return dialog;
+}
+
+void setLinesOf(QDialog& lineList, const QStringList& lines) {
+    lineList.findChild<QPlainTextEdit*>()->setPlainText(lines.join(QLatin1Char('\n')));
 }
 
 }  // namespace orrinvale

@@ -11,13 +11,17 @@
 #include "ui/kit/controls/pathText.h"
 #include "ui/kit/dialogs/failureWords.h"
 
+class QDialog;
 class QWidget;
 
 namespace orrinvale {
 
 /// Opens a window of its own, not modal, that deletes itself when it is closed; Escape closes it.
 /// Main thread only.
-void showLineList(QWidget* parent, const QString& title, const QStringList& lines);
+QDialog* showLineList(QWidget* parent, const QString& title, const QStringList& lines);
+
+/// Shows these lines in it in the place of the others.
+void setLinesOf(QDialog& lineList, const QStringList& lines);
 
 /// A line for each: "reason: path".
 [[nodiscard]] QStringList linesOf(const std::vector<Error>& errors);

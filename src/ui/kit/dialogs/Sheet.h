@@ -31,6 +31,10 @@ public:
 
     [[nodiscard]] QWidget* content() const { return m_content; }
 
+    /// Nothing is asked: what comes next may take the sheet away, by cancelled().
+    void setOnlyTells(bool onlyTells) { m_onlyTells = onlyTells; }
+    [[nodiscard]] bool onlyTells() const { return m_onlyTells; }
+
 Q_SIGNALS:
     /// The user pressed Escape.
     void cancelled();
@@ -58,6 +62,7 @@ private:
     std::function<void()> m_slideEnded;
     qreal m_shown = 0.0;  // how much of the way in
     bool m_isClosing = false;
+    bool m_onlyTells = false;
 };
 
 }  // namespace orrinvale

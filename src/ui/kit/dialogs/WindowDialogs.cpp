@@ -116,6 +116,7 @@ void WindowDialogs::alert(QWidget* window, const Alert& alert, Answer answered) 
     }
     auto* panel = new AlertPanel(alert);
     auto* sheet = new Sheet(*parent, panel);  // ends itself
+    sheet->setOnlyTells(alert.onlyTells);
     const auto finish = [sheet, answered = std::move(answered)](int button) {
         sheet->close([answered, button] { answered(button); });
     };

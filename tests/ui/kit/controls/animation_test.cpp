@@ -173,12 +173,19 @@ TEST(Motion, TheDesktopMaySwitchItOff) {
         {"gtk-3.0/settings.ini", "[Settings]\ngtk-enable-animations=0\n", false},
         {"gtk-4.0/settings.ini", "[Settings]\ngtk-enable-animations=False\n", false},
         {"gtk-4.0/settings.ini", "[Settings]\ngtk-enable-animations=true\n", true},
+        {"gtk-4.0/settings.ini", "[Other]\ngtk-enable-animations=0\n", true},
+        {"linked", " [Settings]\r\n# gtk\n gtk-enable-animations = 0 \r\n", false},
+        {"pipe", "", true},
     };
     const QByteArray before = qgetenv("XDG_CONFIG_HOME");
     QWidget widget;
     for (const auto& each : cases) {
         TestTree tree;
-        ASSERT_TRUE(tree.write(each.file, each.text));
+        ASSERT_TRUE(tree.write(each.file, each.text) && tree.write("gtk-3.0/other", ""));
+        const char* const gtk = "gtk-3.0/settings.ini";
+        ASSERT_TRUE(each.file != std::string("linked") || tree.symlink("../linked", gtk));
+        // Who opened it to read would wait for good.
+        ASSERT_TRUE(each.file != std::string("pipe") || tree.fifo(gtk));
         qputenv("XDG_CONFIG_HOME", QByteArray::fromStdString(tree.path()));
         EXPECT_EQ(mayAnimate(widget), each.mayMove) << each.file << ' ' << each.text;
     }
