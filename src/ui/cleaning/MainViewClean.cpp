@@ -139,6 +139,9 @@ void MainViewController::beginClean(const CleanChoice& choice, unsigned categori
         if (!m_run.takesPart(i)) continue;
         ScanViewController& list = *m_tableControllers.at(i);
         bindScanview(list, i, true);
+        CleanSums going;
+        for (const auto& each : choice.rows.at(i)) going.add(*each);
+        m_going.at(i) = going.bytes;
         list.beginCleanTask(choice.rows.at(i), m_run.gain());
         if (!choice.rows.at(i).empty()) row.minishPrograss();
     }

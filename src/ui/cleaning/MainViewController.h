@@ -259,6 +259,7 @@ private:
     std::array<std::unique_ptr<ScanViewController>, 6> m_tableControllers;
     std::array<std::unique_ptr<ScanListModel>, 6> m_models;
     CleanRun m_run;                                // under way, or the last
+    std::array<std::uint64_t, 6> m_going{};        // bytes that the clean under way is to remove
     int m_runNumber = 0;                           // what an earlier one tells late is dropped
     std::array<CleanSums, 6> m_sums, m_shownSums;  // of all rows; of those that the filter shows
     std::vector<std::pair<std::size_t, std::string>> m_keptLate;  // categories and paths

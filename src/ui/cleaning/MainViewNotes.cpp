@@ -11,6 +11,7 @@
 #include "ui/cleaning/DiskRing.h"
 #include "ui/cleaning/MainViewController.h"
 #include "ui/cleaning/ScanListView.h"
+#include "ui/cleaning/V3MainListView.h"
 #include "ui/cleaning/cleanWords.h"
 #include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/chrome/TextImageButton.h"
@@ -145,6 +146,10 @@ void MainViewController::showTitle() {
 // Between two of our own lists there is a moment of waiting, too.
 void MainViewController::showProgress() {
     m_waits = m_run.isWaiting() ? m_waits + 1 : 0;
+    for (std::size_t i = 0; i < m_tableControllers.size(); ++i)
+        if (m_run.takesPart(i))
+            m_views->allNewViewArr.at(i)->showCleaned(m_tableControllers.at(i)->iCleanSize,
+                                                      m_going.at(i));
     showTitle();
 }
 

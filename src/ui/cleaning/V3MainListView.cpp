@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPainter>
+#include <algorithm>
 
 #include "engine/cleaning/CleanCategory.h"
 #include "engine/cleaning/CleanPageRows.h"
@@ -148,16 +149,23 @@ void V3MainListView::stopPrograssAnimation() {
     showAnimation(false);
 }
 
+// The strip of a scan would run down by the clock, whatever has gone.
 void V3MainListView::minishPrograss() {
-    showAnimation(true);
-    animation->minishPrograss();
+    m_isCleaning = true;
+    showAnimation(false);
+    showCleaned(0, 0);
 }
 
-// The strip would need another two seconds to run down by itself.
+void V3MainListView::showCleaned(std::uint64_t gone, std::uint64_t all) {
+    if (!m_isCleaning) return;
+    const double share = all == 0 ? 0 : double(std::min(gone, all)) / double(all);
+    progress->changeProgressValue(static_cast<float>(share * 100));
+    progress->show();
+    if (gone > 0) setSizeStrLabelString(sizeWords(gone));
+}
+
 void V3MainListView::setAnimationFinish() {
-    animation->stop();
-    animation->setIsFinished(false);
-    animation->setIsAdd(true);
+    m_isCleaning = false;
     showAnimation(false);
 }
 

@@ -57,7 +57,10 @@ public:
 
     void startPrograssAnimation();
     void stopPrograssAnimation();
+    /// A clean of this row begins: in the place of its share stands what showCleaned() is told.
     void minishPrograss();
+    /// How much of what is to go is gone, in bytes.
+    void showCleaned(std::uint64_t gone, std::uint64_t all);
     void setAnimationFinish();
 
     [[nodiscard]] QSize sizeHint() const override { return {460, rowDistance}; }
@@ -82,6 +85,7 @@ private:
     FoundSizes m_found;
     std::string m_size;
     bool m_hasShare = false;
+    bool m_isCleaning = false;
     TickBox* checkBoxButton = nullptr;
     QLabel* sizeLabel = nullptr;
     QLabel* cleanSizeLabel = nullptr;

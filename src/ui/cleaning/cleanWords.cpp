@@ -70,8 +70,8 @@ QString downloadsWords() {
         "useful before emptying it.");
 }
 
-// Why the rules of the engine keep an entry; of what they say of single programs each keeps its
-// own words.
+// Why the rules of the engine keep an entry. What they say of single programs and of logs inWords()
+// knows.
 constexpr std::array ruleReasons{
     QT_TRANSLATE_NOOP("Cleaning", "you asked to keep it"),
     QT_TRANSLATE_NOOP("Cleaning", "something is mounted in it"),

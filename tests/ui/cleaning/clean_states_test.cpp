@@ -6,6 +6,7 @@
 
 #include "ui/cleaning/CleanDesk.h"
 #include "ui/cleaning/FigureLabel.h"
+#include "ui/cleaning/V3MainListView.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/lists/RowDelegate.h"
 #include "ui/kit/lists/TickBox.h"
@@ -90,6 +91,32 @@ TEST(CleanStates, TheWindowMayBeClosedInEachAndComesBack) {
         if (desk.page->selectRowNum != 0) desk.page->shouldSelectRow(0);
         EXPECT_TRUE(desk.isShown("outline") && desk.isEnabled("rescanButton"));
     }
+}
+
+// The strip that a clock runs down told nothing about the removal.
+TEST(CleanStates, ARowThatIsCleanedShowsHowMuchOfItIsGone) {
+    CleanDesk desk{{".cache/a", 1'000}, {".cache/b", 3'000}};
+    desk.tickOnly({UserCaches});
+    ASSERT_TRUE(desk.scan());
+    desk.click("scanButton");
+    auto& row = desk.control<V3MainListView>("summary1");
+    auto& bar = *row.findChild<QWidget*>(QStringLiteral("progress"));
+    desk.removing.shut();
+    desk.dialogs.willAnswer(0);
+    desk.click("cleanButton");
+    ASSERT_SOON(desk.removing.isWaitedAt());
+    EXPECT_TRUE(bar.isVisible());
+    EXPECT_FALSE(row.findChild<QWidget*>(QStringLiteral("animation"))->isVisible());
+    const QImage nothing = bar.grab().toImage();
+    row.showCleaned(3'000, 4'000);
+    EXPECT_NE(bar.grab().toImage(), nothing);
+    EXPECT_EQ(row.findChild<QLabel*>(QStringLiteral("cleanSizeLabel"))->text(),
+              QStringLiteral("Cleaned: 3.00 KB"));
+    desk.removing.open();
+    ASSERT_TRUE(desk.waitForRest());
+    EXPECT_TRUE(bar.isHidden()) << "nothing is left that it could have a share of";
+    row.showCleaned(1, 4);
+    EXPECT_TRUE(bar.isHidden()) << "nothing is being cleaned";
 }
 
 // Each scan shows sizes that count up, and what changes behind its back is told at the end.

@@ -83,6 +83,9 @@ PathParts shortenedPath(const QString& path, const QString& shared, const QFontM
     const int nameWidth = metrics.horizontalAdvance(whole.name);
     const int leastFolder = qMin(metrics.horizontalAdvance(whole.folder),
                                  metrics.horizontalAdvance(lastOnly(whole.folder)));
+    // Of what lies in the folder that all share the name tells everything.
+    if (whole.folder == shared && nameWidth > width - leastFolder)
+        return {{}, metrics.elidedText(whole.name, Qt::ElideMiddle, width)};
     const int leastName =
         metrics.horizontalAdvance(whole.name.left(2) + dots + whole.name.right(4));
     const int forName = qMin(nameWidth, qMax(width - leastFolder, leastName));

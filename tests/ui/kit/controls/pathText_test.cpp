@@ -66,6 +66,15 @@ TEST(PathText, TheNameGivesWayBeforeTheLastFolderDoes) {
     EXPECT_TRUE(shown.folder.startsWith(QStringLiteral("…/f")) &&
                 shown.folder.endsWith(QStringLiteral("f/")));
     EXPECT_TRUE(shown.name.startsWith(QLatin1Char('n')) && shown.name.endsWith(QLatin1Char('t')));
+    // The folder that all share tells nothing: it goes before the name is cut.
+    const QString inShared = QStringLiteral("/home/anna/a long name.txt");
+    for (const int less : {1, 40}) {
+        const int width =
+            metrics.horizontalAdvance(QStringLiteral("…/anna/a long name.txt")) - less;
+        const PathParts part =
+            shortenedPath(inShared, QStringLiteral("/home/anna/"), metrics, width);
+        EXPECT_EQ(part.folder + part.name, QStringLiteral("a long name.txt")) << less;
+    }
     // A bare name has no folder to be cut.
     EXPECT_EQ(shortenedPath(QStringLiteral("name.txt"), {}, metrics, 700).name,
               QStringLiteral("name.txt"));
