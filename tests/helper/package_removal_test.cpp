@@ -139,6 +139,21 @@ std::string packagesGoAsPromised(PolkitWorld& world, const std::string& actions)
     other.promised.pop_back();
     expect(kind.remove({app}, other, never)[0].state == ApplicationRemoval::State::Refused,
            "more went than was promised");
+    {
+        // As apt does while it installs.
+        const ServiceProcess installing({"/usr/bin/python3", "-c",
+                                         "import fcntl, time\n"
+                                         "for each in 'lock-frontend', 'lock':\n"
+                                         "    file = open('/var/lib/dpkg/' + each, 'w')\n"
+                                         "    fcntl.lockf(file, fcntl.LOCK_EX)\n"
+                                         "    globals()[each] = file\n"
+                                         "open('/mnt/locked', 'w')\ntime.sleep(120)\n"});
+        expect(comesTrue([] { return isThere("/mnt/locked"); }), "no lock");
+        const auto busy = kind.remove({app}, forecast, never).front();
+        expect(busy.reason == "Another program installs or removes packages at the moment",
+               "while another installs: " + busy.reason);
+        expect(isThere("/usr/bin/orr-app"), "it went beside another");
+    }
     std::set<std::string> left = packagesThere();
     const auto removed = kind.remove({app}, forecast, never).front();
     expect(removed.state == ApplicationRemoval::State::Gone, removed.reason);
@@ -280,6 +295,8 @@ TEST(PackageRemoval, DoesNothingThatWasNotToldAndBelievesDpkgAlone) {
          call},
         {own, "empties", "", State::Failed,
          "Nobody can tell whether it is gone: The list of packages can not be read", "", call},
+        {own, "busy", "", State::Failed,
+         "Another program installs or removes packages at the moment", "", call},
         {own, "waits", "", State::Failed, "stopped", "", call + "cancel\n", true},
         {own, "holds", "", State::Gone, "", "The removal of packages could not be stopped any more",
          call + "cancel\n", true},
@@ -318,6 +335,38 @@ TEST(PackageRemoval, DoesNothingThatWasNotToldAndBelievesDpkgAlone) {
     EXPECT_EQ(kind.remove(records, forecast, never).front().reason,
               "Other packages would go by now than those that were listed");
     EXPECT_EQ(contentOf(service.machine.tree.at("calls")), "");
+}
+
+TEST(PackageRemoval, WhatWentMeanwhileFailsAlone) {
+    if (const auto obstacle = obstacleToDismissing(); !obstacle.empty()) GTEST_SKIP() << obstacle;
+    using State = ApplicationRemoval::State;
+    MadeUpService service(std::map<std::string, std::string>{{"paint", ""}});
+    service.machine.entry("paint", "Exec=paint");
+    const LinuxApplications applications(service.machine.places);
+    const ApplicationKind& kind = *applications.kind(ApplicationType::Deb);
+    const std::string tool = R"([13,"tool;1.0;amd64;installed"])";
+    service.play('[' + tool + R"(,[13,"paint;1.0;amd64;installed"]])", "works");
+    auto records = applications.list();
+    std::ranges::sort(records, {}, &ApplicationRecord::package);
+    ASSERT_EQ(records.size(), 2U);
+    const RemovalForecast forecast = kind.forecast(records, {never, 20s});
+    ASSERT_EQ(forecast.refusal, "");
+    const std::string status = contentOf(service.machine.tree.at("dpkg/status"));
+    const auto begin = status.find("Package: paint\n");
+    std::string left = status;
+    left.erase(begin, status.find("\n\n", begin) + 2 - begin);
+    (void)service.machine.tree.write("dpkg/status", left);
+    // What would go besides by now was never shown.
+    for (const auto& [simulated, state] : std::map<std::string, State>{
+             {'[' + tool + R"(,[28,"other;1.0;amd64;installed"]])", State::Refused},
+             {'[' + tool + ']', State::Gone}}) {
+        service.play(simulated, "works");
+        const auto removed = kind.remove(records, forecast, never);
+        EXPECT_EQ(removed[0].reason, "paint is not installed any more");
+        EXPECT_EQ(removed[0].state, State::Failed);
+        EXPECT_EQ(removed[1].state, state) << removed[1].reason;
+    }
+    EXPECT_EQ(contentOf(service.machine.tree.at("calls")), "remove tool;1.0;amd64;installed 00\n");
 }
 
 TEST(PackageRemoval, TellsOfEachWhatGoesAlongWithIt) {

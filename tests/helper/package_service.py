@@ -45,6 +45,9 @@ class Transaction(dbus.service.Object):
             GLib.idle_add(self.tell, self.scene["simulated"], self.scene["error"])
             return
         self.note(f"remove {' '.join(ids)} {int(dependents)}{int(unused)}")
+        if self.scene["real"] == "busy":
+            GLib.idle_add(self.tell, [], [26, "another one has the lock"])
+            return
         if self.scene["real"] == "holds":
             GLib.timeout_add(1000, self.act)
         elif self.scene["real"] not in ("waits", "late"):

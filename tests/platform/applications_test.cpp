@@ -3,6 +3,7 @@
 
 #include "platform/linux/AppImageFile.h"
 #include "platform/linux/DpkgDatabase.h"
+#include "platform/linux/FlatpakLibrary.h"
 #include "platform/linux/LinuxApplications.h"
 #include "platform/linux/PackageFoundations.h"
 #include "platform/linux/PackageService.h"
@@ -217,6 +218,18 @@ TEST(Applications, OfTheSystemAreThoseThatTakeItAlong) {
     EXPECT_THAT(along("other"), IsEmpty());
     machine.package("other", "", {});  // twice in the file, as after a fault
     EXPECT_THAT(along("choice"), IsEmpty());
+}
+
+TEST(Applications, OfFlatpakSayWhyTheyStayInWordsForPeople) {
+    const std::string dismissed = "The password was not given, or the system does not allow it";
+    for (const auto& [said, told] : std::map<const char*, std::string>{
+             {"", "flatpak gave no reason"},
+             {"GDBus.Error:org.freedesktop.DBus.Error.AccessDenied: Flatpak system operation "
+              "Uninstall not allowed for user",
+              dismissed},
+             {"Flatpak system operation Uninstall not allowed for user", dismissed},
+             {"org.a.B/x86_64/stable not installed", "org.a.B/x86_64/stable not installed"}})
+        EXPECT_EQ(flatpakReason(said), told);
 }
 
 TEST(Applications, OfFlatpakAreReadFromItsFolders) {

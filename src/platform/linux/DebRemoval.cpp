@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <map>
+#include <numeric>
 #include <set>
 #include <utility>
 
@@ -79,8 +80,8 @@ tl::expected<std::vector<ServicePackage>, std::string> simulation(
 
 // By dpkg's own files, whatever the service said. What they do not tell is not gone.
 void judge(const DpkgDatabase& after, const std::vector<ApplicationRecord>& records,
-           std::vector<ApplicationRemoval>& out) {
-    for (std::size_t i = 0; i < records.size(); ++i) {
+           const std::vector<std::size_t>& places, std::vector<ApplicationRemoval>& out) {
+    for (const std::size_t i : places) {
         const auto presence = after.presenceOf(records[i].package);
         if (presence == DpkgDatabase::Presence::Gone) out[i] = {State::Gone, {}, {}};
         if (presence == DpkgDatabase::Presence::Unknown)
@@ -115,6 +116,27 @@ std::map<std::string_view, std::size_t> takersIn(const DpkgDatabase& database,
         for (const DpkgPackage* each : database.takenAlongBy(*own)) out.emplace(each->name, i);
     }
     return out;
+}
+
+// Those whose packages are not gone, each with its place; the others are told.
+std::vector<std::size_t> stillThere(const DpkgDatabase& database,
+                                    const std::vector<ApplicationRecord>& records,
+                                    std::vector<ApplicationRemoval>& out) {
+    std::vector<std::size_t> places;
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        if (database.presenceOf(records[i].package) != DpkgDatabase::Presence::Gone)
+            places.push_back(i);
+        else
+            out[i] = {
+                State::Failed, fmt::format("{} is not installed any more", records[i].package), {}};
+    }
+    return places;
+}
+
+// What the person saw in the list is what goes: all of it, and less only where something of it went
+// by itself meanwhile.
+bool keepsTo(const std::vector<std::string>& going, const RemovalForecast& forecast, bool isLess) {
+    return isLess ? std::ranges::includes(forecast.promised, going) : going == forecast.promised;
 }
 
 }  // namespace
@@ -171,30 +193,37 @@ RemovalForecast DebApplications::forecast(const std::vector<ApplicationRecord>& 
 std::vector<ApplicationRemoval> DebApplications::remove(
     const std::vector<ApplicationRecord>& records, const RemovalForecast& forecast,
     const std::atomic<bool>& stop) const {
+    std::vector<ApplicationRemoval> out(records.size());
+    std::vector<std::size_t> places(records.size());
+    std::iota(places.begin(), places.end(), std::size_t{0});
     const auto all = [&](State state, const std::string& reason) {
-        return std::vector<ApplicationRemoval>(records.size(), {state, reason, {}});
+        for (const std::size_t place : places) out[place] = {state, reason, {}};
+        return out;
     };
     if (records.empty() || !forecast.refusal.empty()) return all(State::Refused, forecast.refusal);
     const Waiting waiting(stop);
-    const std::string own(DpkgDatabase(m_places.dpkg).ownArchitecture());
-    const auto ids = idsOf(records, own, waiting);
-    if (!ids) return all(State::Failed, ids.error());
-    // What the person saw in the list is what goes.
-    const auto going = simulation(*ids, waiting);
-    if (!going) return all(State::Failed, going.error());
-    if (sortedIds(*going) != forecast.promised)
-        return all(State::Refused, "Other packages would go by now than those that were listed");
     const DpkgDatabase before(m_places.dpkg);
+    places = stillThere(before, records, out);
+    if (places.empty()) return out;
+    std::vector<ApplicationRecord> there;
+    for (const std::size_t place : places) there.push_back(records[place]);
+    const auto ids = idsOf(there, before.ownArchitecture(), waiting);
+    if (!ids) return all(State::Failed, ids.error());
+    const auto simulated = simulation(*ids, waiting);
+    if (!simulated) return all(State::Failed, simulated.error());
+    const std::vector<std::string> going = sortedIds(*simulated);
+    if (!keepsTo(going, forecast, there.size() < records.size()))
+        return all(State::Refused, "Other packages would go by now than those that were listed");
     // Every one of them by its name and without leave to take more along. A service that does not
     // heed that (that of Debian 12 takes what depends on them) is found out afterwards.
-    const PackageCourse course = PackageService::remove(forecast.promised, stop);
+    const PackageCourse course = PackageService::remove(going, stop);
     const State state = course.end == End::Dismissed ? State::Dismissed
                         : course.end == End::Refused ? State::Refused
                                                      : State::Failed;
-    std::vector<ApplicationRemoval> out = all(state, wordsOf(course));
+    all(state, wordsOf(course));
     const DpkgDatabase after(m_places.dpkg);
-    judge(after, records, out);
-    out.front().note = noteOn(course, wentBesides(before, after, forecast.promised));
+    judge(after, records, places, out);
+    out[places.front()].note = noteOn(course, wentBesides(before, after, forecast.promised));
     return out;
 }
 

@@ -67,9 +67,8 @@ public:
     Failure& operator=(const Failure&) = delete;
     [[nodiscard]] GError** get() { return &m_error; }
     [[nodiscard]] tl::unexpected<std::string> words() const {
-        return tl::unexpected(std::string(m_error != nullptr && m_error->message != nullptr
-                                              ? m_error->message
-                                              : "flatpak gave no reason"));
+        return tl::unexpected(flatpakReason(
+            m_error != nullptr && m_error->message != nullptr ? m_error->message : ""));
     }
 
 private:
@@ -90,6 +89,15 @@ std::jthread watched(void* cancellable, const std::atomic<bool>& stop) {
 }
 
 }  // namespace
+
+// Its service says the same of a password that was dismissed and of a person who has no right.
+std::string flatpakReason(std::string_view words) {
+    if (words.empty()) return "flatpak gave no reason";
+    for (const std::string_view known : {"not allowed for user", "Error.AccessDenied"})
+        if (words.find(known) != std::string_view::npos)
+            return "The password was not given, or the system does not allow it";
+    return std::string(words);
+}
 
 bool hasFlatpakLibrary() { return library().isWhole; }
 

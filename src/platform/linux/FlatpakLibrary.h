@@ -3,11 +3,15 @@
 
 #include <atomic>
 #include <string>
+#include <string_view>
 #include <tl/expected.hpp>
 
 namespace orrinvale {
 
 [[nodiscard]] bool hasFlatpakLibrary();
+
+/// Why something was not done, of what the library says.
+[[nodiscard]] std::string flatpakReason(std::string_view words);
 
 /// Removes "app/ID/ARCH/BRANCH" from the installation in a folder. Of a shared installation the
 /// system asks the person for a password if need be. Why not, in the library's words. A raised flag

@@ -60,6 +60,16 @@ TEST(Inventory, ItsStampIsAnotherWhereverSomethingIsInstalled) {
         EXPECT_NE(stamp(), before) << added;
         EXPECT_EQ(stamp(), stamp());
     }
+    // Written anew in their places, which changes no folder; a download that grows is nobody's.
+    for (const auto& [written, isStamped] :
+         std::map<const char*, bool>{{"usr/share/applications/x.desktop", true},
+                                     {"home/Downloads/x.AppImage", true},
+                                     {"home/Downloads/film.part", false}}) {
+        (void)machine.tree.write(written, "1");
+        const std::string before = stamp();
+        std::ofstream(machine.tree.at(written), std::ios::app) << "more";
+        EXPECT_EQ(stamp() != before, isStamped) << written;
+    }
 }
 
 TEST(Inventory, TellsWhatItHasAfterEachKind) {
