@@ -78,6 +78,12 @@ std::vector<OptionSpec> DuplicatesCommand::options() const {
         {"--no-cache", "", "Read all files, and remember nothing of what is read"},
         {"--plan", "FILE",
          "Write a plan of which copies would go, by the rules of --keep, for the command remove"},
+        {"--folders", "",
+         "Tell of folders that are equal as wholes, and of those that are for the most part in "
+         "another one; files in equal folders are not told again"},
+        {"--order", "ORDER",
+         "Print the groups as they were found, or the biggest gain first: "
+         "found or gain (default found)"},
         {"FOLDER...", "", "The folders to search, as one"}};
     specs.insert(specs.end(), std::begin(more), std::end(more));
     return specs;
@@ -98,6 +104,10 @@ std::string_view DuplicatesCommand::description() const {
            "searched, with one at its beginning a whole path, and with one at its end it is for "
            "folders alone. An exclusion file has a pattern a line, for its own folder and those "
            "below; \"!\" before one takes back what lines above it leave out.\n\n"
+           "Folders are equal when all that is in them is: names, types, texts of links and "
+           "contents, hidden and left out entries too. Told are those in which the search found "
+           "a copy, of equal ones in equal ones the topmost. What can not be read, a mount, a pipe "
+           "and the like make a folder equal to none.\n\n"
            "With --keep each copy is told to stay or to go: of each group one copy stays, with it "
            "all that is protected and every other name of what stays, and a symbolic link is never "
            "the copy. With -0 only the copies that would go are printed then. Nothing is removed.";
@@ -140,6 +150,10 @@ std::optional<std::string> DuplicatesCommand::readFilter(const Arguments& argume
         request.filter.exclusions.push_back(std::move(*pattern));
     }
     request.filter.readsFiles = arguments.has("exclusion-files");
+    request.findsFolders = arguments.has("folders");
+    if (const std::string order = arguments.has("order") ? arguments.text("order") : "found";
+        order != "found" && order != "gain")
+        return fmt::format("--order takes found or gain, not \"{}\"", order);
     return std::nullopt;
 }
 
@@ -241,7 +255,10 @@ Status DuplicatesCommand::search(const Arguments& arguments, const SearchRequest
     const Ending ending = *ended;
     const std::vector<Error> skipped = search.search()->skipped().entries();
     Output out(STDOUT_FILENO);
-    const DuplicatesReport report{search, request, arguments.has("keep") ? &rules : nullptr};
+    DuplicatesReport report{search, request, arguments.has("keep") ? &rules : nullptr};
+    if (request.findsFolders) report.folders = &state->folders();
+    if (arguments.has("order") && arguments.text("order") == "gain")
+        report.order = DuplicatesReport::Order::Gain;
     const DuplicatesSummary summary = summarize(report);
     if (!arguments.has("quiet"))
         for (const std::string& folder : summary.emptyFolders)
@@ -252,7 +269,8 @@ Status DuplicatesCommand::search(const Arguments& arguments, const SearchRequest
     else printListing(out, report, summary, wantsColour(STDOUT_FILENO));
     const Status status = finish(out, skipped, ending);
     // Of a search that was stopped nobody knows what else a group would have had.
-    const PlanOrigin origin{request.roots, request.protectedFolders, rules};
+    const PlanOrigin origin{request.roots, request.protectedFolders, rules,
+                            request.findsFolders ? &m_files : nullptr};
     const bool isWritten = plan.empty() || ending != Ending::Whole ||
                            writePlanFile(plan, search, origin, arguments.has("quiet"));
     return status == Status::Done && !isWritten ? Status::SomeSkipped : status;

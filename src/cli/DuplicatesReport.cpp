@@ -8,13 +8,15 @@
 #include <array>
 #include <atomic>
 #include <charconv>
-#include <set>
+#include <functional>
 
+#include "cli/FolderReport.h"
 #include "engine/base/Date.h"
 #include "engine/base/saturating.h"
 #include "engine/duplicates/FileKind.h"
 #include "engine/duplicates/keep/GainCount.h"
 #include "engine/duplicates/keep/GroupMembers.h"
+#include "engine/duplicates/results/GainOrder.h"
 #include "engine/files/WorkCrew.h"
 #include "engine/text/UtilityFunction.h"
 
@@ -33,56 +35,41 @@ struct Leaf {
 class LeafVisit {
 public:
     explicit LeafVisit(const DuplicatesReport& report)
-        : m_rules(report.rules), m_members(*report.search.search()) {}
+        : m_fates(report.fates()), m_members(*report.search.search()) {}
 
     template <class Visit> void visit(const DuplicateGroup& group, Visit visit) {
         const std::vector<KeepMember>& members = m_members.of(group);
-        if (m_rules != nullptr) decideKept(*m_rules, members, m_stays);
+        if (m_fates) m_fates->decide(members, m_stays);
         for (std::size_t i = 0; i < members.size(); ++i) {
             Leaf leaf{members[i].path, m_members.size(i)};
             if (members[i].modified) leaf.modified = Date{*members[i].modified};
             leaf.isProtected = members[i].isProtected;
-            if (m_rules != nullptr) leaf.stays = m_stays[i] != 0;
+            if (m_fates) leaf.stays = m_stays[i] != 0;
             visit(leaf, members[i]);
         }
+    }
+    /// Whoever removes the folders has nothing left to do for it.
+    [[nodiscard]] bool goesWithFolder(const Leaf& leaf) const {
+        return m_fates && m_fates->of(leaf.path) == FolderFate::Goes;
     }
     template <class Visit> void leaves(const DuplicateGroup& group, Visit visit) {
         this->visit(group, [&](const Leaf& leaf, const KeepMember&) { visit(leaf); });
     }
 
 private:
-    const KeepRules* m_rules;
+    const std::optional<FolderFates> m_fates;
     GroupMembers m_members;
     std::vector<std::uint8_t> m_stays;
 };
 
-// Adds up what goes with leaves. Names of one file share its bytes, so they count once, and not at
-// all where one of them stays.
-class Gain {
-public:
-    void keep(const fileAttrbItem& file) {
-        if (file.links > 1) m_seen.insert({file.device, file.inode});
-    }
-    void remove(const fileAttrbItem& file) {
-        if (file.links < 2 || m_seen.insert({file.device, file.inode}).second)
-            addSaturating(m_bytes, file.fileSize);
-    }
-    [[nodiscard]] std::uint64_t bytes() const { return m_bytes; }
-
-private:
-    std::set<std::pair<std::uint64_t, std::uint64_t>> m_seen;
-    std::uint64_t m_bytes = 0;
-};
-
-// Bytes that go when all but one leaf go.
-std::uint64_t reclaimable(const DuplicateGroup& group) {
-    Gain gain;
-    for (const AppAttrbItem* bundle : group.bundles)
-        for (const fileAttrbItem* file : bundle->AllFileInDirectory.items())
-            bundle == group.bundles.front() ? gain.keep(*file) : gain.remove(*file);
-    for (const fileAttrbItem* file : group.files)
-        file == group.files.front() ? gain.keep(*file) : gain.remove(*file);
-    return gain.bytes();
+// The groups that are printed, in the order that was asked for.
+void visitPrinted(const DuplicatesReport& report,
+                  const std::function<void(const DuplicateGroup&)>& visit) {
+    const auto visitShown = [&](const DuplicateGroup& group) {
+        if (!report.isTold(group)) visit(group);
+    };
+    if (report.order == DuplicatesReport::Order::Gain) visitByGain(report.search, visitShown);
+    else report.search.visitGroups(visitShown);
 }
 
 void appendNumber(std::string& out, std::uint64_t number) {
@@ -187,6 +174,17 @@ void appendRoots(std::string& out, const DuplicatesReport& report) {
 
 }  // namespace
 
+// Without findings nothing is decided by folders.
+std::optional<FolderFates> DuplicatesReport::fates() const {
+    static const FolderFindings none;
+    if (rules == nullptr) return std::nullopt;
+    return FolderFates(folders != nullptr ? *folders : none, *rules);
+}
+
+bool DuplicatesReport::isTold(const DuplicateGroup& group) const {
+    return folders != nullptr && !group.bundle && folders->cover(group.files);
+}
+
 DuplicatesSummary summarize(const DuplicatesReport& report) {
     DuplicatesSummary summary;
     const auto state = report.search.search();
@@ -202,7 +200,8 @@ DuplicatesSummary summarize(const DuplicatesReport& report) {
         ++summary.groups;
         summary.leaves += group.files.size() + group.bundles.size();
         addSaturating(summary.bytes, group.size);
-        addSaturating(summary.reclaimable, reclaimable(group));
+        addSaturating(summary.reclaimable, gainOfGroup(group));
+        if (report.isTold(group)) ++summary.told;
         if (report.rules == nullptr) return;
         visit.visit(group, [&](const Leaf& leaf, const KeepMember& member) {
             std::erase_if(summary.emptyFolders,
@@ -223,27 +222,31 @@ void printJson(Output& out, const DuplicatesReport& report, const DuplicatesSumm
     text += ",\n  \"groups\": [";
     out.write(text);
     GroupTexts texts(out, report);
-    report.search.visitGroups([&](const DuplicateGroup& group) { texts.add(group); });
+    visitPrinted(report, [&](const DuplicateGroup& group) { texts.add(group); });
     texts.flush();
     text = fmt::format(
         "{}],\n  \"summary\": {{\"files\": {}, \"bundles\": {}, \"groups\": {}, \"leaves\": {}, "
         "\"bytes\": {}, "
         "\"reclaimable\": {}",
-        summary.groups == 0 ? "" : "\n  ", summary.files, summary.bundles, summary.groups,
-        summary.leaves, summary.bytes, summary.reclaimable);
+        summary.groups == summary.told ? "" : "\n  ", summary.files, summary.bundles,
+        summary.groups, summary.leaves, summary.bytes, summary.reclaimable);
     if (report.rules != nullptr)
         text += fmt::format(", \"removable\": {}, \"gain\": {}", summary.removable, summary.gain);
-    text += "},\n  \"skipped\": [";
+    if (report.folders != nullptr) text += fmt::format(", \"inFolders\": {}", summary.told);
+    text += '}';
+    if (report.folders != nullptr) appendFolders(text, report);
+    text += ",\n  \"skipped\": [";
     appendJsonSkipped(text, skipped);
     text += fmt::format("],\n  \"stopped\": {}\n}}\n", stopped);
     out.write(text);
 }
 
 void printPaths(Output& out, const DuplicatesReport& report) {
+    if (report.folders != nullptr) printFolderPaths(out, report);
     LeafVisit visit(report);
-    report.search.visitGroups([&](const DuplicateGroup& group) {
+    visitPrinted(report, [&](const DuplicateGroup& group) {
         visit.leaves(group, [&](const Leaf& leaf) {
-            if (leaf.stays.value_or(false)) return;
+            if (leaf.stays.value_or(false) || visit.goesWithFolder(leaf)) return;
             out.write(leaf.path);
             out.write(std::string_view("\0", 1));
         });
@@ -255,8 +258,9 @@ void printListing(Output& out, const DuplicatesReport& report, const DuplicatesS
     const std::string_view strong = colour ? "\x1b[1m" : "";
     const std::string_view faint = colour ? "\x1b[2m" : "";
     const std::string_view plain = colour ? "\x1b[0m" : "";
+    if (report.folders != nullptr) printFolders(out, report, {strong, faint, plain});
     LeafVisit visit(report);
-    report.search.visitGroups([&](const DuplicateGroup& group) {
+    visitPrinted(report, [&](const DuplicateGroup& group) {
         const std::uint64_t leaves = group.files.size() + group.bundles.size();
         const std::uint64_t each =
             group.bundle ? group.bundles.front()->DirectorySize : group.files.front()->fileSize;
@@ -281,6 +285,9 @@ void printListing(Output& out, const DuplicatesReport& report, const DuplicatesS
                           plural(summary.groups, "group", "groups"), plain, listed,
                           plural(summary.leaves, "copy", "copies"),
                           UtilityFunction::convertVolSpace(summary.reclaimable)));
+    if (summary.told != 0)
+        out.write(fmt::format("{} of these groups {} of the equal folders.\n", summary.told,
+                              summary.told == 1 ? "is" : "are"));
     if (report.rules != nullptr)
         out.write(fmt::format("By these rules {} would go, which gives {}. Nothing was removed.\n",
                               plural(summary.removable, "copy", "copies"),

@@ -1,12 +1,15 @@
 // The three forms in which the result of a duplicate search is printed.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <unordered_set>
 #include <vector>
 
 #include "cli/Output.h"
 #include "engine/duplicates/DuplicateFilesOpt.h"
+#include "engine/duplicates/folders/FolderFates.h"
 #include "engine/duplicates/keep/KeepRule.h"
 #include "engine/duplicates/scope/SearchRequest.h"
 #include "platform/error.h"
@@ -18,7 +21,16 @@ namespace orrinvale::cli {
 struct DuplicatesReport {
     const DuplicateFilesOpt& search;
     const SearchRequest& request;
-    const KeepRules* rules = nullptr;  ///< null: nobody asked which copies would stay
+    enum class Order : std::uint8_t { Found, Gain };
+
+    const KeepRules* rules = nullptr;         ///< null: nobody asked which copies would stay
+    const FolderFindings* folders = nullptr;  ///< null: nobody asked for equal folders
+    Order order = Order::Found;
+
+    /// Which folders stay by the rules; nothing where there are none.
+    [[nodiscard]] std::optional<FolderFates> fates() const;
+    /// The copies are told already, by equal folders that they lie in.
+    [[nodiscard]] bool isTold(const DuplicateGroup& group) const;
 };
 
 /// Totals of a result.
@@ -32,6 +44,7 @@ struct DuplicatesSummary {
         0;  ///< what goes when one leaf of each group stays; links to one file count once
     std::uint64_t removable = 0;                 ///< leaves that would go by the rules
     std::uint64_t gain = 0;                      ///< bytes that this would give back
+    std::uint64_t told = 0;                      ///< groups that equal folders tell of
     std::vector<std::string> emptyFolders = {};  ///< of rules: no copy lies there
 };
 

@@ -37,6 +37,9 @@ struct LooseFileWalk::Bundle {
 struct LooseFileWalk::Run {
     fileAttrbItem* records = nullptr;
     std::uint32_t count = 0;
+    std::uint32_t entries = 0;     // listed, records or not
+    std::uint32_t emptyFiles = 0;  // among them
+    std::uint64_t emptyNames = 0;
     Run* next = nullptr;
 };
 
@@ -51,6 +54,7 @@ struct LooseFileWalk::Folder final : WalkedFolder {
     bool isBundleRoot = false;
     bool topLevel = false;  // directly in the root
     bool inodesPass = false;
+    bool entered = false;
     bool failed = false;  // could not be listed to its end: its entries do not count
 
     [[nodiscard]] bool isSettled() const { return bundle != nullptr && bundle->wanted; }
@@ -86,6 +90,7 @@ Result<LooseFiles> LooseFileWalk::run() {
     if (opened) {
         if (const auto seen = m_files.attributes(opened->get())) learn(*m_root, *seen);
         learnExclusions(*m_root, opened->get());
+        m_root->entered = true;
         walk(*m_root, std::move(*opened));
     } else {
         fail(*m_root, "open", opened.error());
@@ -136,6 +141,7 @@ bool LooseFileWalk::mayList(WalkedFolder& walked) {
         folder.bundle->wanted = true;
     if (folder.isSettled()) return false;
     learnExclusions(folder, folder.handle.get());
+    folder.entered = true;
     return true;
 }
 
@@ -164,6 +170,7 @@ void LooseFileWalk::read(Worker& worker, WalkedFolder& walked) {
     if (folder.lastRun == nullptr) folder.firstRun = share.run;
     else folder.lastRun->next = share.run;
     folder.lastRun = share.run;
+    share.run->entries = static_cast<std::uint32_t>(worker.batch.entries.size());
 }
 
 void LooseFileWalk::take(Worker& worker, WalkedFolder& walked, std::uint32_t /*first*/) {
@@ -251,6 +258,11 @@ bool LooseFileWalk::takeFile(Worker& worker, Folder& folder, CatalogEntry& entry
     if (attributes.type == FileType::Folder ||
         (attributes.type == FileType::SymbolicLink && listedType != attributes.type))
         return false;  // exchanged since it was listed
+    if (attributes.size == 0 && m_query.notesFolders && attributes.type == FileType::Regular) {
+        Run& run = *m_shares[worker.number].run;
+        ++run.emptyFiles;
+        run.emptyNames += entryDigest(entry.name, FileType::Regular);
+    }
     if (attributes.size <= m_query.limit) return false;
     const bool isLoose = folder.bundle == nullptr && !isBundleName(entry.name);
     if (isLoose && m_query.filter != nullptr &&
@@ -309,6 +321,20 @@ LooseFileWalk::Bundle* LooseFileWalk::newBundle() {
     return m_bundles.emplace_back(std::make_unique<Bundle>()).get();
 }
 
+// Bundles are compared by themselves; in a folder they are entries that were left out.
+void LooseFileWalk::note(std::vector<SeenFolder>& folders, const Folder& folder) const {
+    if (!m_query.notesFolders || folder.bundle != nullptr) return;
+    SeenFolder seen;
+    seen.node = &folder;
+    seen.isWhole = folder.entered && !folder.failed;
+    for (const Run* run = folder.firstRun; run != nullptr; run = run->next) {
+        seen.entries += run->entries;
+        seen.emptyFiles += run->emptyFiles;
+        seen.emptyNames += run->emptyNames;
+    }
+    folders.push_back(seen);
+}
+
 // Reads the runs off depth first, with a list of places in hand instead of the call stack.
 LooseFiles LooseFileWalk::collect() const {
     struct Place {
@@ -322,6 +348,7 @@ LooseFiles LooseFileWalk::collect() const {
     if (m_root->bundle != nullptr && m_root->bundle->wanted)
         out.bundles.push_back(outermostBundle(m_query.root));
 
+    note(out.folders, *m_root);
     std::vector<Place> places{{m_root->firstRun, 0}};
     while (!places.empty()) {
         Place& place = places.back();
@@ -341,6 +368,7 @@ LooseFiles LooseFileWalk::collect() const {
         }
         const auto& folder = static_cast<const Folder&>(*record.folder);
         if (folder.isBundleRoot && folder.bundle->wanted) out.bundles.push_back(pathOf(folder));
+        note(out.folders, folder);
         if (!folder.failed) places.push_back({folder.firstRun, 0});
     }
     for (const Share& share : m_shares) {

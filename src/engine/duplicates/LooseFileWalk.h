@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "engine/duplicates/fileAttrbItem.h"
+#include "engine/duplicates/folders/SeenFolder.h"
 #include "engine/duplicates/scope/SearchFilter.h"
 #include "engine/files/FolderWalk.h"
 #include "engine/files/SkipList.h"
@@ -31,6 +32,7 @@ struct LooseFileQuery {
     bool systemFolders = false;                     ///< the system's folders directly in "/" too
     std::vector<std::uint64_t> passingInodes = {};  ///< FileSystem::devicesOfPassingInodes()
     const SearchFilter* filter = nullptr;           ///< outlives the walk; null leaves nothing out
+    bool notesFolders = false;                      ///< LooseFiles::folders is wanted
 };
 
 /// What a walk found.
@@ -39,6 +41,7 @@ struct LooseFiles {
     std::vector<std::string>
         bundles;  ///< outermost bundles in which an entry is larger than the limit
     std::vector<std::shared_ptr<const void>> storage;  ///< what the files point into
+    std::vector<SeenFolder> folders;  ///< all that were met; nothing where nobody asked
     bool mayRepeat = false;   ///< a link was followed or a mount was met: much may be listed twice
     bool inodesPass = false;  ///< a folder was met whose inode numbers need not last
 };
@@ -86,6 +89,7 @@ private:
     Bundle* newBundle();
     [[nodiscard]] bool numbersPass(std::uint64_t device) const;
     [[nodiscard]] LooseFiles collect() const;
+    void note(std::vector<SeenFolder>& folders, const Folder& folder) const;
 
     const LooseFileQuery m_query;
     SkipList& m_skipped;

@@ -9,6 +9,7 @@
 #include "engine/duplicates/LinkPlaces.h"
 #include "engine/duplicates/RepeatedEntries.h"
 #include "engine/duplicates/cache/HashCache.h"
+#include "engine/duplicates/folders/FolderFinding.h"
 #include "engine/duplicates/getFileList.h"
 #include "engine/duplicates/scope/ProtectedFolders.h"
 #include "platform/files.h"
@@ -49,6 +50,7 @@ void duplicateFind::search(const SearchRequest& request) {
         // What asks a disk for the folders comes before the search: a stop waits for none of it.
         m_linkPlaces = std::make_unique<LinkPlaces>(m_files, m_roots.roots);
         result = _searchDuplicateFile();
+        findFolders();
         findLinkPlaces();
         findProtected();
         m_guard.reset();
@@ -73,6 +75,7 @@ void duplicateFind::endEarly() {
     if (m_request.protectedFolders.empty()) return;
     m_newFileArray.clear();
     m_allAppArray.clear();
+    m_foundFolders = {};
 }
 
 int duplicateFind::_searchDuplicateFile() {
@@ -103,6 +106,7 @@ bool duplicateFind::listFiles() {
     list->setSearchSystemDirectory(m_bSearchSystemDirectory);
     list->setPassingInodes(m_passingInodes);
     list->setFilter(&m_request.filter);
+    list->setFolders(m_request.findsFolders ? &m_seenFolders : nullptr);
     {
         const std::lock_guard lock(m_mutex);
         m_fileList = list;
@@ -145,6 +149,14 @@ void duplicateFind::findProtected() {
     for (const AppGroup& group : m_allAppArray)
         for (const auto& bundle : group)
             if (covers(*bundle)) m_protected.insert(bundle.get());
+    for (FolderGroup& group : m_foundFolders.groups)
+        for (FolderMember& member : group.members) {
+            AppAttrbItem folder;  // as a whole it is what a bundle is
+            folder.DirectoryPathName = member.path;
+            folder.device = member.identity.device;
+            folder.inode = member.identity.inode;
+            member.isProtected = covers(folder);
+        }
 }
 
 // Only the way that was dropped may tell that the entry is protected.
@@ -223,8 +235,10 @@ void duplicateFind::takeGroup(Pairing& pairing, std::uint32_t first, FileList& f
     if (member == HashAhead::none) return;
     FileList& group = pairing.group;
     group.assign(1, &pairing.all[first]);
+    group.front()->isCopy = true;
     for (; member != HashAhead::none; member = pairing.hashes.nextInGroup(member)) {
         pairing.taken[member] = 1;
+        pairing.all[member].isCopy = true;
         --pairing.remaining;
         group.push_back(&pairing.all[member]);
     }
@@ -233,6 +247,14 @@ void duplicateFind::takeGroup(Pairing& pairing, std::uint32_t first, FileList& f
     if (group.size() < 2) return;
     found.insert(found.end(), group.begin() + 1, group.end());
     found.push_back(group.front());
+}
+
+void duplicateFind::findFolders() {
+    if (m_request.findsFolders && !m_Stop)
+        m_foundFolders = FolderFinding(m_files, {m_seenFolders, m_allFileArray, m_newFileArray},
+                                       m_Stop, m_skipped)
+                             .run();
+    m_seenFolders = {};
 }
 
 std::uint64_t duplicateFind::getProgress() const {

@@ -14,6 +14,8 @@
 #include "engine/base/Progress.h"
 #include "engine/duplicates/AppAttrbItem.h"
 #include "engine/duplicates/fileAttrbItem.h"
+#include "engine/duplicates/folders/FolderFindings.h"
+#include "engine/duplicates/folders/SeenFolder.h"
 #include "engine/duplicates/scope/SearchRequest.h"
 #include "engine/files/SkipList.h"
 #include "platform/fileTypes.h"
@@ -90,6 +92,9 @@ public:
         return m_protected.contains(&bundle);
     }
 
+    /// Folders that are equal, where that was asked for; nothing after a stop.
+    [[nodiscard]] const FolderFindings& folders() const { return m_foundFolders; }
+
     /// Memory ran out: the search ended like one that was stopped, with what it had found.
     [[nodiscard]] bool ranOutOfMemory() const { return m_outOfMemory; }
 
@@ -113,6 +118,7 @@ private:
     void endEarly();
     void getDuplicateApp(std::vector<std::string>* bundles);
     void pairFiles();
+    void findFolders();
 
     struct Pairing;
     void takeGroup(Pairing& pairing, std::uint32_t first, FileList& found);
@@ -129,6 +135,8 @@ private:
     FileArray m_allFileArray;
     std::vector<AppGroup> m_allAppArray;
     FileList m_newFileArray;
+    std::vector<SeenFolder> m_seenFolders;  // until findFolders()
+    FolderFindings m_foundFolders;
     std::vector<std::string> m_DirectoryArray;
     std::uint64_t m_allFileCount = 0;
     std::atomic<std::uint64_t> m_iProgress{0};

@@ -35,6 +35,7 @@ struct fileAttrbItem {
     FileType type = FileType::Unknown;
     bool inodePasses = false;  ///< `inode` need not last: see EntryIdentity
     bool isRecalled = false;   ///< a hash is of an earlier search, told by times and inode
+    bool isCopy = false;       ///< another file has its contents, as far as hashes tell
 
     [[nodiscard]] std::string filePathName() const { return pathOf(*folder, name); }
     [[nodiscard]] std::string_view fileName() const { return name; }

@@ -83,9 +83,13 @@ bool getFileList::getListAtPath(const std::string& path, FileArray& FileArray,
         return listed || fail(topName, path, listed.error());
     }
 
-    LooseFileQuery query{
-        path,    LimittedSize, m_bSearchHiddenFile, m_bSearchSystemDirectory, m_passingInodes,
-        m_filter};
+    LooseFileQuery query{path,
+                         LimittedSize,
+                         m_bSearchHiddenFile,
+                         m_bSearchSystemDirectory,
+                         m_passingInodes,
+                         m_filter,
+                         m_folders != nullptr};
     auto walk = std::make_unique<LooseFileWalk>(m_files, query, m_bStopSearch, m_skipped);
     {
         const std::lock_guard lock(m_mutex);
@@ -107,6 +111,8 @@ bool getFileList::getListAtPath(const std::string& path, FileArray& FileArray,
         for (const fileAttrbItem* item : found->files)
             Log::engine(listName, "file:{} filesize:{}", item->filePathName(), item->fileSize);
     FileArray.adopt(std::move(found->files), std::move(found->storage));
+    if (m_folders != nullptr)
+        m_folders->insert(m_folders->end(), found->folders.begin(), found->folders.end());
     const std::set<std::string> known(DirectoryArray.begin(), DirectoryArray.end());
     for (std::string& bundle : found->bundles)
         if (!known.contains(bundle)) DirectoryArray.push_back(std::move(bundle));

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "engine/duplicates/fileAttrbItem.h"
+#include "engine/duplicates/folders/SeenFolder.h"
 #include "engine/files/SkipList.h"
 #include "platform/fileTypes.h"
 
@@ -40,6 +41,10 @@ public:
 
     /// What listings leave out; null, as at first, for nothing. Outlives the object.
     void setFilter(const SearchFilter* filter) { m_filter = filter; }
+
+    /// Where listings append the folders that they meet; null, as at first, for nowhere. Outlives
+    /// the object.
+    void setFolders(std::vector<SeenFolder>* folders) { m_folders = folders; }
 
     /// FileSystem::devicesOfPassingInodes(), which a search asks for once.
     void setPassingInodes(std::vector<std::uint64_t> devices) {
@@ -101,6 +106,7 @@ private:
     const std::atomic<bool>* const m_alsoStop;
     std::atomic<bool> m_bStopSearch{false};
     const SearchFilter* m_filter = nullptr;
+    std::vector<SeenFolder>* m_folders = nullptr;
     bool m_bSearchHiddenFile = false;
     bool m_bSearchSystemDirectory = false;
     bool m_mayRepeat = false;

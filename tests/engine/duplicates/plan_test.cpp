@@ -136,7 +136,7 @@ TEST(DuplicatePlan, WhatNoRuleAllowsIsRefused) {
         {[](PlanGroup& group) {
              for (PlanMember& each : group.members) each.identity.type = FileType::Folder;
          },
-         "a folder is no copy"},
+         "a folder that nobody listed"},
     };
     for (const auto& [forge, says] : cases) {
         DuplicatePlan plan = samplePlan();
@@ -265,7 +265,8 @@ std::string wrongAfter(const ForgersWorld& world, const DuplicatePlan& plan) {
                 if (path.starts_with(world.tree.at("way/")))
                     path.replace(0, world.tree.at("way/").size(), world.tree.at("a/"));
                 isNamed = isNamed || (member.goes && path == real) ||
-                          (member.goes && path.ends_with(".app") && real.starts_with(path + '/'));
+                          (member.goes && member.identity.type == FileType::Folder &&
+                           real.starts_with(path + '/'));
                 if (!member.goes && member.identity.type == FileType::Folder &&
                     real.starts_with(path + '/'))
                     return name + " was a part of what stays";

@@ -14,7 +14,6 @@
 #include "engine/base/Date.h"
 #include "engine/base/saturating.h"
 #include "engine/duplicates/crc.h"
-#include "engine/files/bundleName.h"
 #include "engine/text/JsonText.h"
 #include "platform/paths.h"
 
@@ -133,8 +132,7 @@ std::optional<std::string> faultOfMember(const PlanMember& member, const PlanGro
     if (!isPlainPath(member.path)) return std::string(notPlain);
     if (isPlanBundle(member) != isPlanBundle(group.members.front()))
         return "a bundle is no copy of a file";
-    if (isPlanBundle(member) && !(isBundleName(lastPathComponent(member.path)) && member.listing))
-        return "a folder is no copy";
+    if (isPlanBundle(member) && !member.listing) return "a folder that nobody listed is no copy";
     if (!member.goes) return std::nullopt;
     if (member.isProtected) return "it is protected, and goes all the same";
     if (member.identity.type == FileType::SymbolicLink) return "a link is no copy";

@@ -19,10 +19,10 @@ struct PlanMember {
     bool goes = false;
     bool isProtected = false;     ///< it lies in a protected folder, or holds one
     std::uint64_t size = 0;       ///< bytes; of a bundle those of all that is in it
-    EntryIdentity identity = {};  ///< regular file, folder (a bundle) or symbolic link
+    EntryIdentity identity = {};  ///< regular file, folder (a bundle too) or symbolic link
     std::optional<std::uint64_t> contents =
         std::nullopt;  ///< hash of a file's bytes (engine/duplicates/crc.h), where there is one
-    std::optional<std::uint64_t> listing = std::nullopt;  ///< BundleListing::digest of a bundle
+    std::optional<std::uint64_t> listing = std::nullopt;  ///< BundleListing::digest of a folder
 };
 
 /// Copies of each other.
@@ -57,7 +57,7 @@ enum class PlanUse : std::uint8_t {
 
 /// What a plan may not say, in words; nothing for a sound one. Paths are plain and absolute, and
 /// none stands twice. For a removal something stays of each group; only files that are not empty
-/// and bundles that were listed go, and nothing that is protected.
+/// and folders that were listed go, and nothing that is protected.
 [[nodiscard]] std::optional<std::string> faultOf(const DuplicatePlan& plan,
                                                  PlanUse use = PlanUse::Removal);
 

@@ -3,11 +3,18 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+#include <atomic>
 #include <chrono>
+#include <optional>
 #include <utility>
 
 #include "engine/base/Date.h"
+#include "engine/duplicates/BundleListing.h"
+#include "engine/duplicates/folders/FolderFates.h"
 #include "engine/duplicates/keep/GroupMembers.h"
+#include "platform/files.h"
+#include "platform/paths.h"
 
 namespace orrinvale {
 namespace {
@@ -30,6 +37,22 @@ PlanMember plannedBundle(const AppAttrbItem& bundle) {
     return member;
 }
 
+// Nothing where it can not be listed any more.
+std::optional<PlanMember> plannedFolder(const FileSystem& files, const FolderMember& folder,
+                                        std::uint64_t bytes) {
+    const std::atomic<bool> never{false};
+    const auto passing = files.devicesOfPassingInodes();
+    const auto now = listBundle(files, folder.path, {passing}, never);
+    if (!now) return std::nullopt;
+    PlanMember member;
+    member.path = folder.path;
+    member.size = bytes;
+    member.isProtected = folder.isProtected;
+    member.identity = folder.identity;
+    member.listing = now->digest;
+    return member;
+}
+
 std::string textOfRule(const KeepRule& rule) {
     switch (rule.by) {
         case KeepRule::By::Newest: return "newest";
@@ -44,30 +67,46 @@ std::string textOfRule(const KeepRule& rule) {
 /// One group after another, decided and added.
 class PlanMaker final {
 public:
-    PlanMaker(DuplicatePlan& plan, const KeepRules& rules, const duplicateFind& search)
-        : m_plan(plan), m_rules(rules), m_group(search) {}
+    PlanMaker(DuplicatePlan& plan, const FolderFates& fates, const duplicateFind& search)
+        : m_plan(plan), m_fates(fates), m_group(search) {}
+
+    void add(const FileSystem& files, const FolderGroup& group) {
+        PlanGroup planned;
+        bool isAnyGoing = false;
+        bool isAnyLeft = false;
+        for (const FolderMember& folder : group.members) {
+            if (m_fates.of(folderOf(folder.path)) == FolderFate::Goes) continue;
+            auto member = plannedFolder(files, folder, group.bytes);
+            if (!member) continue;
+            member->goes = m_fates.of(folder.path) == FolderFate::Goes && !member->isProtected;
+            (member->goes ? isAnyGoing : isAnyLeft) = true;
+            planned.members.push_back(std::move(*member));
+        }
+        if (isAnyGoing && isAnyLeft) m_plan.groups.push_back(std::move(planned));
+    }
 
     void add(const DuplicateGroup& group) {
         const auto& members = m_group.of(group);
-        m_stays.resize(members.size());
-        decideKept(m_rules, members, m_stays);
+        m_fates.decide(members, m_stays);
         PlanGroup planned;
         for (const AppAttrbItem* bundle : group.bundles)
             planned.members.push_back(plannedBundle(*bundle));
         for (const fileAttrbItem* file : group.files) planned.members.push_back(plannedFile(*file));
-        bool isAnyGoing = false;
         for (std::size_t i = 0; i < members.size(); ++i) {
             PlanMember& member = planned.members[i];
             member.isProtected = members[i].isProtected;
             member.goes = m_stays[i] == 0 && !member.isProtected && !members[i].isSymbolicLink();
-            isAnyGoing = isAnyGoing || member.goes;
         }
-        if (isAnyGoing) m_plan.groups.push_back(std::move(planned));
+        std::erase_if(planned.members, [&](const PlanMember& member) {
+            return m_fates.of(member.path) == FolderFate::Goes;
+        });
+        if (std::ranges::any_of(planned.members, &PlanMember::goes))
+            m_plan.groups.push_back(std::move(planned));
     }
 
 private:
     DuplicatePlan& m_plan;
-    const KeepRules& m_rules;
+    const FolderFates& m_fates;
     GroupMembers m_group;
     std::vector<std::uint8_t> m_stays;
 };
@@ -89,7 +128,11 @@ DuplicatePlan makePlan(const DuplicateFilesOpt& search, const PlanOrigin& origin
     DuplicatePlan plan = emptyPlan(origin);
     const auto state = search.search();
     if (state == nullptr) return plan;
-    PlanMaker maker(plan, origin.rules, *state);
+    static const FolderFindings none;
+    const FolderFindings& folders = origin.files != nullptr ? state->folders() : none;
+    const FolderFates fates(folders, origin.rules);
+    PlanMaker maker(plan, fates, *state);
+    for (const FolderGroup& group : folders.groups) maker.add(*origin.files, group);
     search.visitGroups([&](const DuplicateGroup& group) { maker.add(group); });
     return plan;
 }

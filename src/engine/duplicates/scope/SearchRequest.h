@@ -22,6 +22,7 @@ struct SearchRequest {
     std::uint64_t limit = 0;                         ///< files larger than that, bytes
     SearchFilter filter = {};
     std::shared_ptr<HashCache> cache = nullptr;  ///< of this search alone; null reads everything
+    bool findsFolders = false;                   ///< folders that are equal as wholes, too
 };
 
 /// A folder that is searched as a part of another.

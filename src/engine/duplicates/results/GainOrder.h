@@ -1,0 +1,20 @@
+// GainOrder: groups by what their removal gives, as an order beside that of the result.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "engine/duplicates/DuplicateFilesOpt.h"
+
+namespace orrinvale {
+
+/// Bytes that go when all but one copy of the group go. Names of one file count once, and not at
+/// all where one of them stays.
+[[nodiscard]] std::uint64_t gainOfGroup(const DuplicateGroup& group);
+
+/// Calls the visitor for each group that DuplicateFilesOpt::visitGroups() tells of, the biggest
+/// gain first; equal ones in the order of the result.
+void visitByGain(const DuplicateFilesOpt& search,
+                 const std::function<void(const DuplicateGroup&)>& visit);
+
+}  // namespace orrinvale
