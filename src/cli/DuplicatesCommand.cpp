@@ -256,7 +256,7 @@ Status DuplicatesCommand::search(const Arguments& arguments, const SearchRequest
     const std::vector<Error> skipped = search.search()->skipped().entries();
     Output out(STDOUT_FILENO);
     DuplicatesReport report{search, request, arguments.has("keep") ? &rules : nullptr};
-    if (request.findsFolders) report.folders = &state->folders();
+    if (request.findsFolders) report.folders = &search.search()->folders();
     if (arguments.has("order") && arguments.text("order") == "gain")
         report.order = DuplicatesReport::Order::Gain;
     const DuplicatesSummary summary = summarize(report);

@@ -20,8 +20,12 @@ bool hasSameBytes(const FileSystem& files, int folder, const std::string& one,
     const auto first = files.openFile(folder, one.c_str(), Links::Keep, state);
     const auto second = files.openFile(folder, other.c_str(), Links::Keep, state);
     if (!first || !second) return false;
+    const auto ofFirst = files.attributes(first->get());
+    const auto ofSecond = files.attributes(second->get());
+    if (!ofFirst || !ofSecond) return false;
     const std::atomic<bool> never{false};
-    const auto answer = compareContents(files, first->get(), second->get(), never);
+    const auto answer = compareContents(files, {first->get(), ofFirst->device, ofFirst->size},
+                                        {second->get(), ofSecond->device, ofSecond->size}, never);
     return answer && *answer == Comparison::Same;
 }
 
