@@ -41,8 +41,8 @@ bool takeNumber(std::string_view& in, std::uint64_t& number) {
 }
 
 // Small numbers of either sign become small ones. The arithmetic is modulo 2^64.
-std::uint64_t folded(std::uint64_t number) { return (number << 1U) ^ (0 - (number >> 63U)); }
-std::uint64_t unfolded(std::uint64_t number) { return (number >> 1U) ^ (0 - (number & 1U)); }
+std::uint64_t zigzag(std::uint64_t number) { return (number << 1U) ^ (0 - (number >> 63U)); }
+std::uint64_t fromZigzag(std::uint64_t number) { return (number >> 1U) ^ (0 - (number & 1U)); }
 
 std::uint64_t inBlocks(std::uint64_t size) {
     return (size + scanBlock - 1) / scanBlock * scanBlock;
@@ -90,7 +90,7 @@ void sortRecord(ScanRecord& record) {
 void appendFacts(std::string& out, const ScanFacts& facts) {
     appendNumber(out, facts.root.size());
     out += facts.root;
-    appendNumber(out, folded(static_cast<std::uint64_t>(facts.time)));
+    appendNumber(out, zigzag(static_cast<std::uint64_t>(facts.time)));
     out += static_cast<char>(facts.marks);
     out += static_cast<char>(facts.allFileSystems ? 1 : 0);
     for (const std::uint64_t each :
@@ -108,7 +108,7 @@ void appendEntry(std::string& out, const RecordedEntry& entry, std::string_view 
     appendNumber(out, (shared << flagBits) | flags);
     out += name.substr(shared);
     appendNumber(out, entry.size);
-    if (hasDisk) appendNumber(out, folded(entry.onDisk - inBlocks(entry.size)));
+    if (hasDisk) appendNumber(out, zigzag(entry.onDisk - inBlocks(entry.size)));
     if (entry.marks != 0) out += static_cast<char>(entry.marks);
 }
 
@@ -193,7 +193,7 @@ std::optional<StoredScan> parseScan(std::string bytes) {
     if (facts.root.empty() || facts.root.front() != '/' ||
         facts.root.find('\0') != std::string::npos || !takeNumber(left, number) || left.size() < 2)
         return std::nullopt;
-    facts.time = static_cast<std::int64_t>(unfolded(number));
+    facts.time = static_cast<std::int64_t>(fromZigzag(number));
     facts.marks = static_cast<std::uint8_t>(left[0]);
     facts.allFileSystems = left[1] != 0;
     left.remove_prefix(2);
@@ -236,7 +236,7 @@ ScanReader::Step ScanReader::next() {
     m_onDisk = inBlocks(m_size);
     std::uint64_t beyond = 0;
     if ((head & diskFlag) != 0 && !takeNumber(m_left, beyond)) return bad();
-    m_onDisk += unfolded(beyond);
+    m_onDisk += fromZigzag(beyond);
     m_marks = 0;
     if ((head & marksFlag) != 0) {
         if (m_left.empty()) return bad();
