@@ -65,7 +65,8 @@ TEST(FoldersCommand, TheBiggestGainComesFirstWhereItIsAskedFor) {
             ASSERT_TRUE(tree.write(name + std::string(copy), someBytes(size, unsigned(size))));
     ASSERT_TRUE(tree.write("h1", someBytes(5000, 3)) && tree.hardLink("h1", "h2"));
     Strings names;
-    for (const Json& group : search({"--order", "gain", tree.path()})["groups"])
+    const Json found = search({"--order", "gain", tree.path()});
+    for (const Json& group : found["groups"])
         names.push_back(group["name"].get<std::string>().substr(0, 1));
     EXPECT_EQ(names, (Strings{"l", "m", "s", "h"}));
 }
