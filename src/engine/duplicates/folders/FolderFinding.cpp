@@ -251,16 +251,18 @@ void FolderFinding::findHardLinks() {
     std::ranges::sort(m_hardLinks);
 }
 
+// Most groups are small, and most have a first member that says no.
 bool FolderFindings::cover(const std::vector<const fileAttrbItem*>& copies) const {
-    std::unordered_set<const FolderNode*> folders;
     std::uint32_t first = 0;
     for (const fileAttrbItem* file : copies) {
         const auto found = classes.find(file->folder);
         if (found == classes.end() || (first != 0 && found->second != first)) return false;
         first = found->second;
-        if (!folders.insert(file->folder).second) return false;
     }
-    return !copies.empty();
+    std::vector<const FolderNode*> folders;
+    for (const fileAttrbItem* file : copies) folders.push_back(file->folder);
+    std::ranges::sort(folders);
+    return !copies.empty() && std::ranges::adjacent_find(folders) == folders.end();
 }
 
 }  // namespace orrinvale

@@ -31,6 +31,8 @@ bool isSameContent(const fileAttrbItem& a, const fileAttrbItem& b) {
 std::vector<PartlyEqual> PartFinding::run() {
     readGroups();
     findWorthwhile();
+    findTops();
+    pairOffEquals();
     pairOff();
     if (m_pairs.empty()) return {};
     lift();
@@ -87,19 +89,52 @@ void PartFinding::findWorthwhile() {
     }
 }
 
+void PartFinding::findTops() {
+    m_tops.assign(m_table.size(), FolderRow::none);
+    for (std::uint32_t at = 0; at < m_table.size(); ++at) {
+        const FolderRow& row = m_table[at];
+        if (row.parent != FolderRow::none) m_tops[at] = m_tops[row.parent];
+        if (m_tops[at] == FolderRow::none && row.equals != 0) m_tops[at] = at;
+    }
+}
+
+// Of two folders that are equal all is shared, which needs no look at their files.
+void PartFinding::pairOffEquals() {
+    std::map<std::uint32_t, std::vector<std::uint32_t>> classes;
+    for (std::uint32_t at = 0; at < m_table.size(); ++at)
+        if (m_tops[at] == at) classes[m_table[at].equals].push_back(at);
+    for (const auto& [number, members] : classes)
+        for (std::size_t i = 0; i < members.size(); ++i)
+            for (std::size_t j = i + 1; j < std::min(members.size(), i + 1 + mostNeighbours); ++j)
+                add(pairOf(members[i], members[j]),
+                    {m_table[members[i]].listedBytes, m_table[members[i]].files});
+}
+
+bool PartFinding::areInEquals(std::uint32_t a, std::uint32_t b) const {
+    const std::uint32_t topA = m_tops[a];
+    const std::uint32_t topB = m_tops[b];
+    return topA != topB && topA != FolderRow::none && topB != FolderRow::none &&
+           m_table[topA].equals == m_table[topB].equals;
+}
+
 void PartFinding::pairOff() {
     for (std::uint32_t group = 0; group < m_sizes.size(); ++group) {
         const std::span members(m_members.data() + m_starts[group],
                                 m_starts[group + 1] - m_starts[group]);
         for (std::size_t i = 0; i < members.size(); ++i)
             for (std::size_t j = i + 1; j < std::min(members.size(), i + 1 + mostNeighbours); ++j)
-                if (members[i] != members[j] &&
+                if (members[i] != members[j] && !areInEquals(members[i], members[j]) &&
                     (m_isWorthwhile[members[i]] != 0 || m_isWorthwhile[members[j]] != 0))
                     add(pairOf(members[i], members[j]), {m_sizes[group], 1});
     }
 }
 
 void PartFinding::add(std::uint64_t pair, const Shared& shared) {
+    if (m_last != nullptr && m_last->first == pair) {
+        addSaturating(m_last->second.bytes, shared.bytes);
+        m_last->second.files += shared.files;
+        return;
+    }
     Pairs& pairs = m_pairs[m_depths[firstOfPair(pair)] + m_depths[secondOfPair(pair)]];
     auto found = pairs.find(pair);
     if (found == pairs.end()) {
@@ -107,6 +142,7 @@ void PartFinding::add(std::uint64_t pair, const Shared& shared) {
         ++m_pairCount;
         found = pairs.emplace(pair, Shared{}).first;
     }
+    m_last = &*found;  // stays where it is
     addSaturating(found->second.bytes, shared.bytes);
     found->second.files += shared.files;
 }

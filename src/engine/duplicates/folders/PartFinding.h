@@ -47,7 +47,10 @@ private:
 
     void readGroups();
     void findWorthwhile();
+    void findTops();
+    void pairOffEquals();
     void pairOff();
+    [[nodiscard]] bool areInEquals(std::uint32_t a, std::uint32_t b) const;
     void lift();
     void add(std::uint64_t pair, const Shared& shared);
     [[nodiscard]] std::optional<std::uint64_t> above(std::uint64_t pair) const;
@@ -68,7 +71,9 @@ private:
     std::vector<Copy> m_byRow;
     std::vector<std::uint32_t> m_depths;
     std::vector<std::uint8_t> m_isWorthwhile;  // it, or a folder above, may be a part of another
+    std::vector<std::uint32_t> m_tops;         // the topmost folder above, or itself, with equals
     std::map<std::uint32_t, Pairs> m_pairs;    // by the sum of their depths
+    Pairs::value_type* m_last = nullptr;       // the pair that grew last
     std::size_t m_pairCount = 0;
     std::uint64_t m_effort = 0;  // looks at copies and folders that choosing may take still
     std::unordered_map<std::uint32_t, std::vector<std::uint32_t>> m_told;  // each with its others
