@@ -14,7 +14,7 @@
 namespace orrinvale {
 namespace {
 
-QString text(const char* source, int count = -1) {
+QString columnText(const char* source, int count = -1) {
     return QCoreApplication::translate("FSNodeColumn", source, nullptr, count);
 }
 
@@ -30,18 +30,18 @@ QString tipOf(const FSNode& node, bool isRunning) {
     const QString onDisk = bytesWords(node.onDisk());
     if (!node.has(FSNode::Undecided) && onDisk != bytesWords(node.size()))
         tip += QStringLiteral(", ") +
-               text(QT_TRANSLATE_NOOP("FSNodeColumn", "%1 on disk")).arg(onDisk);
+               columnText(QT_TRANSLATE_NOOP("FSNodeColumn", "%1 on disk")).arg(onDisk);
     if (node.has(FSNode::ForeignWithin))
         tip += QLatin1Char('\n') +
-               text(QT_TRANSLATE_NOOP("FSNodeColumn", "Without what lies on other disks"));
+               columnText(QT_TRANSLATE_NOOP("FSNodeColumn", "Without what lies on other disks"));
     return tip;
 }
 
 QString spokenState(const FSNode& node) {
     if (node.isButtonState() == FSNode::Selected)
-        return text(QT_TRANSLATE_NOOP("FSNodeColumn", "ticked"));
+        return columnText(QT_TRANSLATE_NOOP("FSNodeColumn", "ticked"));
     if (node.isButtonState() == FSNode::Mixed)
-        return text(QT_TRANSLATE_NOOP("FSNodeColumn", "partly ticked"));
+        return columnText(QT_TRANSLATE_NOOP("FSNodeColumn", "partly ticked"));
     return {};
 }
 
@@ -53,21 +53,22 @@ QString bytesWords(std::uint64_t bytes) {
 
 QString leftOutWords(std::uint64_t entries, std::uint64_t limit) {
     const QString words =
-        entries == 1 ? text(QT_TRANSLATE_NOOP("FSNodeColumn", "1 item under %1"))
-                     : text(QT_TRANSLATE_NOOP("FSNodeColumn", "%Ln items under %1"), int(entries));
+        entries == 1
+            ? columnText(QT_TRANSLATE_NOOP("FSNodeColumn", "1 item under %1"))
+            : columnText(QT_TRANSLATE_NOOP("FSNodeColumn", "%Ln items under %1"), int(entries));
     return words.arg(bytesWords(limit));
 }
 
 QString sizeWords(const FSNode& node, bool isRunning) {
     if (node.has(FSNode::Unread))
-        return text(QT_TRANSLATE_NOOP("FSNodeColumn", "could not be read"));
+        return columnText(QT_TRANSLATE_NOOP("FSNodeColumn", "could not be read"));
     if (node.has(FSNode::Foreign))
-        return text(QT_TRANSLATE_NOOP("FSNodeColumn", "on another disk"));
+        return columnText(QT_TRANSLATE_NOOP("FSNodeColumn", "on another disk"));
     const QString size = bytesWords(node.size());
     if (node.has(FSNode::Undecided)) {
         if (node.size() == 0)
             return isRunning ? QString(QChar(0x2026))
-                             : text(QT_TRANSLATE_NOOP("FSNodeColumn", "not counted"));
+                             : columnText(QT_TRANSLATE_NOOP("FSNodeColumn", "not counted"));
         if (isRunning) return size;
     }
     const bool isPart = node.has(FSNode::Undecided) || node.has(FSNode::CutWithin) ||
