@@ -187,6 +187,27 @@ TEST(ScopeOfMounts, ProtectionHoldsThroughOtherMounts) {
     });
 }
 
+// The protected folder's own search leaves them out.
+TEST(ScopeOfMounts, WhatASecondMountShowsOfAProtectedFolderIsProtected) {
+    withOwnMounts([] {
+        return amongMounts([](TestTree& tree) -> std::string {
+            if (!tree.write("p/in/deep/1", "same") || !tree.write("q/2", "same"))
+                return "not written";
+            if (!bindMount(tree.at("p/in"), "/mnt/b") || !tree.symlink("/mnt/b/deep", "q/way"))
+                return "skip: no mounts here";
+            for (const std::string root : {"/mnt/b/deep", "/mnt/b", ""}) {
+                SearchRequest request{{tree.at("q")}};
+                if (!root.empty()) request.roots.push_back(root);
+                request.protectedFolders = {tree.at("p")};
+                request.filter.exclusions = {PathPattern::folder(tree.at("p/in"))};
+                const std::string found = foundWith(request);
+                if (found.find("1! ") == std::string::npos) return root + ": " + found;
+            }
+            return "";
+        });
+    });
+}
+
 // A folder with two spellings, where numbers of inodes pass.
 TEST(ScopeOfMounts, OneFolderIsOneHoweverItIsWritten) {
     class Passing final : public ForwardingFiles {

@@ -71,7 +71,8 @@ const ProtectedFolders::Place& ProtectedFolders::placeOf(const FolderNode& folde
         // What lies above a folder below another one was asked of that one.
         if (!place.isCovered)
             place.isCovered = isBelow ? m_paths.contains(path) || m_paths.contains(place.real)
-                                      : isIn(path) || isIn(place.real);
+                                      : isIn(path) || isIn(place.real) ||
+                                            (!m_entries.empty() && isBelowOne(place.real));
         m_places.emplace(&at, std::move(place));
     }
     return m_places.at(&folder);
