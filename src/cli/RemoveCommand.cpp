@@ -127,6 +127,7 @@ Status RemoveCommand::run(const Arguments& arguments) {
 Status RemoveCommand::remove(const Arguments& arguments, const DuplicatePlan& plan) const {
     PlanRun run{std::make_shared<PlanRemoval>(m_files, plan), arguments.has("trash"), {}};
     std::string id;
+    Descriptor held;  // what it is noted in
     if (run.isToTrash) {
         auto noted = PlanHistory(userStateFolder()).note(m_files, plan);
         if (!noted) {
@@ -135,6 +136,7 @@ Status RemoveCommand::remove(const Arguments& arguments, const DuplicatePlan& pl
             return Status::SomeSkipped;
         }
         id = std::move(*noted);
+        held = PlanHistory(userStateFolder()).hold(id);
     }
     runPlan(m_files, run, tellingFor(arguments));
     RemoveAccount account = accountOf(run);

@@ -2,11 +2,14 @@
 #include "engine/duplicates/plan/PlanHistory.h"
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <fmt/format.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <ctime>
 #include <memory>
@@ -23,6 +26,8 @@ namespace {
 
 constexpr std::string_view historyExtension = ".json";
 constexpr std::int64_t historyDays = 30;
+constexpr std::size_t mostNoteBytes = 2 * mostPlanBytes;  // the folders stand beside the plan
+constexpr const char* tooLargeToNote = "it is too large to be noted; move fewer at once";
 
 std::string newHistoryId() {
     const auto now = std::chrono::system_clock::now().time_since_epoch();
@@ -84,17 +89,32 @@ PlanHistory::PlanHistory(const std::string& stateFolder)
 
 tl::expected<std::string, std::string> PlanHistory::note(const FileSystem& files,
                                                          const DuplicatePlan& plan) const {
+    std::size_t members = 0;
+    for (const PlanGroup& group : plan.groups) members += group.members.size();
+    if (members > mostPlanMembers) return tl::unexpected(std::string(tooLargeToNote));
     if (const auto made = DurableFile::makeFolder(m_folder); !made)
         return tl::unexpected(made.error().reason());
     forgetOld();
     const std::string id = newHistoryId();
-    const auto saved = DurableFile::save(joinPath(m_folder, id + std::string(historyExtension)),
-                                         lineOfFolders(foldersOf(files, plan)) + writePlan(plan));
+    const std::string text = lineOfFolders(foldersOf(files, plan)) + writePlan(plan);
+    if (text.size() > mostNoteBytes) return tl::unexpected(std::string(tooLargeToNote));
+    const auto saved = DurableFile::save(fileOf(id), text);
     if (!saved) return tl::unexpected(saved.error().reason());
     return id;
 }
 
+std::string PlanHistory::fileOf(const std::string& id) const {
+    return joinPath(m_folder, id + std::string(historyExtension));
+}
+
+// Old ones are forgotten when the next is noted, which may be months later.
 std::vector<std::string> PlanHistory::ids() const {
+    std::vector<std::string> found = allIds();
+    std::erase_if(found, [this](const std::string& id) { return isOld(id); });
+    return found;
+}
+
+std::vector<std::string> PlanHistory::allIds() const {
     std::vector<std::string> found;
     const std::unique_ptr<DIR, int (*)(DIR*)> listing(::opendir(m_folder.c_str()), &::closedir);
     if (listing == nullptr) return found;
@@ -110,8 +130,7 @@ std::vector<std::string> PlanHistory::ids() const {
 
 tl::expected<NotedRemoval, std::string> PlanHistory::load(const std::string& id) const {
     if (!isHistoryId(id)) return tl::unexpected(std::string("there is no such removal"));
-    const auto text = DurableFile::read(joinPath(m_folder, id + std::string(historyExtension)),
-                                        2 * mostPlanBytes);
+    const auto text = DurableFile::read(fileOf(id), mostNoteBytes);
     if (!text)
         return tl::unexpected(text.error().kind == ErrorKind::NotFound
                                   ? std::string("there is no such removal")
@@ -126,27 +145,36 @@ tl::expected<NotedRemoval, std::string> PlanHistory::load(const std::string& id)
 }
 
 void PlanHistory::forget(const std::string& id) const {
-    if (isHistoryId(id))
-        static_cast<void>(
-            DurableFile::remove(joinPath(m_folder, id + std::string(historyExtension))));
+    if (isHistoryId(id)) static_cast<void>(DurableFile::remove(fileOf(id)));
+}
+
+Descriptor PlanHistory::hold(const std::string& id) const {
+    Descriptor file(::open(fileOf(id).c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (file.isOpen() && ::flock(file.get(), LOCK_SH | LOCK_NB) != 0) file.reset();
+    return file;
 }
 
 bool PlanHistory::clear() const {
     bool isClear = true;
-    for (const std::string& id : ids())
-        isClear =
-            DurableFile::remove(joinPath(m_folder, id + std::string(historyExtension))) && isClear;
+    for (const std::string& id : allIds()) {
+        const Descriptor file(
+            ::open(fileOf(id).c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+        const bool isHeld =
+            file.isOpen() && ::flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+        if (!isHeld) isClear = DurableFile::remove(fileOf(id)) && isClear;
+    }
     return isClear;
 }
 
-void PlanHistory::forgetOld() const {
+bool PlanHistory::isOld(const std::string& id) const {
     const std::time_t oldest = std::time(nullptr) - historyDays * 86400;
-    for (const std::string& id : ids()) {
-        const std::string path = joinPath(m_folder, id + std::string(historyExtension));
-        struct stat seen {};
-        if (::lstat(path.c_str(), &seen) == 0 && seen.st_mtim.tv_sec < oldest)
-            static_cast<void>(DurableFile::remove(path));
-    }
+    struct stat seen {};
+    return ::lstat(fileOf(id).c_str(), &seen) == 0 && seen.st_mtim.tv_sec < oldest;
+}
+
+void PlanHistory::forgetOld() const {
+    for (const std::string& id : allIds())
+        if (isOld(id)) static_cast<void>(DurableFile::remove(fileOf(id)));
 }
 
 }  // namespace orrinvale

@@ -9,6 +9,7 @@
 
 #include "engine/duplicates/plan/DuplicatePlan.h"
 #include "engine/duplicates/plan/TrashUndo.h"
+#include "platform/descriptor.h"
 
 namespace orrinvale {
 
@@ -27,11 +28,12 @@ public:
     /// `stateFolder`: that of this user's program (UserFolders.h).
     explicit PlanHistory(const std::string& stateFolder);
 
-    /// The id that it got, or why it could not be written. Forgets what is older than 30 days.
+    /// The id that it got, or why it could not be written: among others that it is larger than
+    /// load() takes. Forgets what is older than 30 days.
     [[nodiscard]] tl::expected<std::string, std::string> note(const FileSystem& files,
                                                               const DuplicatePlan& plan) const;
 
-    /// The ids, the oldest first.
+    /// The ids of the last 30 days, the oldest first.
     [[nodiscard]] std::vector<std::string> ids() const;
 
     /// Why not, in words: there is none, or its file is damaged, which concerns no other.
@@ -40,10 +42,18 @@ public:
     /// Forgets one of which nothing moved.
     void forget(const std::string& id) const;
 
-    /// Forgets all of them; what lies in the trash stays there. False when one stayed.
+    /// As long as it is open clear() leaves the removal noted, in every program of this user. Not
+    /// open where the file system has no locks.
+    [[nodiscard]] Descriptor hold(const std::string& id) const;
+
+    /// Forgets all of them, but for those that somebody holds; what lies in the trash stays there.
+    /// False when one could not be forgotten.
     [[nodiscard]] bool clear() const;
 
 private:
+    [[nodiscard]] std::vector<std::string> allIds() const;
+    [[nodiscard]] std::string fileOf(const std::string& id) const;
+    [[nodiscard]] bool isOld(const std::string& id) const;
     void forgetOld() const;
 
     std::string m_folder;

@@ -19,7 +19,8 @@ UndoableRemoval::UndoableRemoval(const FileSystem& files, std::string stateFolde
       m_list(std::move(list)),
       m_makePlan(std::move(plan)) {}
 
-void UndoableRemoval::forgetUnused() const {
+void UndoableRemoval::forgetUnused() {
+    m_held.reset();
     if (!m_isAnyAway && !m_id.empty()) PlanHistory(m_stateFolder).forget(m_id);
 }
 
@@ -31,10 +32,13 @@ void UndoableRemoval::prepare() {
 // Folders are noted as they are when things leave them, not as they were before the wait.
 void UndoableRemoval::turnHasCome() {
     m_list->turnHasCome();
-    auto noted = PlanHistory(m_stateFolder).note(m_files, m_plan);
+    const PlanHistory history(m_stateFolder);
+    auto noted = history.note(m_files, m_plan);
     m_plan = {};
-    if (noted) m_id = std::move(*noted);
-    else Log::line(fmt::format("A removal could not be noted for undo: {}", noted.error()));
+    if (noted) {
+        m_id = std::move(*noted);
+        m_held = history.hold(m_id);
+    } else Log::line(fmt::format("A removal could not be noted for undo: {}", noted.error()));
 }
 
 tl::expected<std::unique_ptr<CopyLook>, StayedEntry> UndoableRemoval::judge(std::size_t index) {

@@ -22,9 +22,9 @@ public:
     /// What undoes it; empty where nothing is to be undone.
     [[nodiscard]] const std::string& undoId() const { return m_isAnyAway ? m_id : m_none; }
 
-    /// Once the job has ended: what moved nothing is no removal that could be undone. Asks the
-    /// disk.
-    void forgetUnused() const;
+    /// Once the job has ended: what moved nothing is no removal that could be undone, and one that
+    /// did may be forgotten from here on. Asks the disk.
+    void forgetUnused();
 
     void prepare() override;
     void turnHasCome() override;
@@ -54,6 +54,7 @@ private:
     std::function<DuplicatePlan()> m_makePlan;
     DuplicatePlan m_plan;
     std::string m_id;
+    Descriptor m_held;  // the note, while the removal runs
     const std::string m_none;
     bool m_isAnyAway = false;
 };

@@ -9,6 +9,7 @@
 
 #include "engine/duplicates/crc.h"
 #include "engine/duplicates/plan/DuplicatePlan.h"
+#include "engine/duplicates/plan/PlanFile.h"
 #include "engine/text/JsonReader.h"
 #include "engine/text/JsonText.h"
 #include "engine/text/utf8.h"
@@ -17,10 +18,6 @@ namespace orrinvale {
 namespace {
 
 constexpr std::uint64_t knownPlanVersion = 1;
-// A text may be as long as a plan and say next to nothing, over and over, which takes a multiple of
-// its length as a value.
-constexpr std::size_t mostPlanMembers = std::size_t{1}
-                                        << 21U;  // as many as fit, as they are written
 constexpr std::size_t mostListedPaths = 100'000;
 
 /// Which members of an object were there: none stands twice, so that what a person reads is what
