@@ -88,6 +88,7 @@ tl::expected<std::string, std::string> Trash::moveHeld(const HeldEntry& held,
                                                        const TrashFolder::LastLook& lastLook,
                                                        Series& series,
                                                        TrashFolder::Records records) const {
+    series.m_isLeftInTrash = false;
     if (auto why = enter(held, series)) return tl::unexpected(std::move(*why));
     // Moves it, unless this trash is on another volume after all, as between parts of one that
     // count as volumes.
@@ -102,6 +103,7 @@ tl::expected<std::string, std::string> Trash::moveHeld(const HeldEntry& held,
                     series.m_unsynced.emplace(series.m_from.attributes.device, std::move(*folder));
             return std::move(*taken);
         }
+        series.m_isLeftInTrash = taken.error().isLeftInTrash;
         if (!taken.error().isElsewhere) return tl::unexpected(taken.error().reason);
         if (reason.empty()) reason = taken.error().reason;
         return std::nullopt;

@@ -44,13 +44,17 @@ public:
         void sync();
         /// The folder that the last entry left.
         [[nodiscard]] const FileAttributes& folder() const { return m_from.attributes; }
+        /// Of a move that failed: the entry lies in the trash all the same, since its name could
+        /// not be given back to it.
+        [[nodiscard]] bool isLeftInTrash() const { return m_isLeftInTrash; }
 
     private:
         friend class Trash;
         std::optional<TrashFolder> m_home;
         std::chrono::steady_clock::time_point m_known;  // since when all of this is known
-        std::optional<SharedFolder> m_parent;   // held, so that no other folder gets its descriptor
-        TrashFolder::Leaving m_from;            // the same
+        std::optional<SharedFolder> m_parent;  // held, so that no other folder gets its descriptor
+        TrashFolder::Leaving m_from;           // the same
+        bool m_isLeftInTrash = false;
         bool m_isOnHome = false;                // it is on the volume of the home folder's trash
         std::optional<TrashFolder> m_ofVolume;  // that took the last entry, else
         std::map<std::uint64_t, Descriptor> m_unsynced;  // folders of records, by device

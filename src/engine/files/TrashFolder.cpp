@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <random>
 #include <span>
 #include <utility>
@@ -43,6 +44,13 @@ bool isSame(const FileAttributes& a, const FileAttributes& b) {
     return a.device == b.device && a.inode == b.inode && a.type == b.type;
 }
 
+bool isUntouched(const TrashFolder::Trashed& entry, const FileAttributes& now) {
+    const FileAttributes& seen = entry.attributes;
+    if (entry.inodePasses ? seen.type != now.type : !isSame(seen, now)) return false;
+    return seen.type != FileType::Regular ||
+           (seen.size == now.size && seen.modified == now.modified);
+}
+
 SysResult<Descriptor> openMade(const FileSystem& files, int parent, const char* name) {
     if (::mkdirat(parent, name, 0700) != 0 && errno != EEXIST) return tl::unexpected(errno);
     return files.openInside(parent, name);
@@ -65,6 +73,19 @@ tl::expected<Descriptor, std::string> openMadeOwn(const FileSystem& files, int p
 std::string nameInTrash(std::string_view name, std::uint64_t attempt) {
     const std::string number = attempt < 2 ? std::string() : fmt::format(" {}", attempt);
     return shortenedName(name, number, longestName - recordExtension.size());
+}
+
+bool isNameInTrash(std::string_view name, std::string_view trashed) {
+    if (trashed == nameInTrash(name, 1)) return true;
+    for (std::size_t at = trashed.find(' '); at != std::string_view::npos;
+         at = trashed.find(' ', at + 1)) {
+        std::uint64_t number = 0;
+        const auto digits = trashed.substr(at + 1);
+        const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+        if (read.ec == std::errc() && number > 1 && trashed == nameInTrash(name, number))
+            return true;
+    }
+    return false;
 }
 
 tl::expected<TrashFolder, std::string> TrashFolder::open(const FileSystem& files, int parent,
@@ -131,7 +152,7 @@ SysResult<std::vector<TrashFolder::Trashed>> TrashFolder::list() const {
         if (!more) return tl::unexpected(more.error());
         m_files->readAttributes(folder->get(), batch.entries);
         for (const CatalogEntry& each : batch.entries)
-            if (each.error == 0) found.push_back({each.name, each.attributes});
+            if (each.error == 0) found.push_back({each.name, each.attributes, false});
     }
     return found;
 }
@@ -162,24 +183,28 @@ std::optional<std::string> TrashFolder::origin(const std::string& name) const {
     return joinPath(m_root, *path);
 }
 
-// What stands in its place is moved back at once: the name is all that a rename knows.
-std::optional<std::string> TrashFolder::giveBack(const Trashed& entry, int folder,
-                                                 const std::string& name) const {
+// The name is all that a rename knows: what stands in its place is looked for before it, and what
+// came there since is moved back at once.
+std::optional<TrashFolder::NotBack> TrashFolder::giveBack(const Trashed& entry, int folder,
+                                                          const std::string& name) const {
+    const auto there = attributesOf(entry.name);
+    if (!there) return NotBack{folderReason(there.error())};
+    if (!isUntouched(entry, *there)) return NotBack{std::string(replacedReason)};
     const auto moved =
         m_files->moveEntry(m_entries.get(), entry.name.c_str(), folder, name.c_str());
     if (!moved)
-        return moved.error() == EEXIST ? std::string("its name is taken by now")
-                                       : folderReason(moved.error());
-    const FileAttributes& seen = entry.attributes;
+        return NotBack{moved.error() == EEXIST ? std::string("its name is taken by now")
+                                               : folderReason(moved.error())};
     const auto back = m_files->attributes(folder, name.c_str(), Links::Keep);
-    const bool isFile = seen.type == FileType::Regular;
-    if (!back || !isSame(*back, seen) ||
-        (isFile && (back->size != seen.size || back->modified != seen.modified))) {
-        (void)m_files->moveEntry(folder, name.c_str(), m_entries.get(), entry.name.c_str());
-        return std::string(replacedReason);
+    if (back && isUntouched(entry, *back)) {
+        dropRecord(entry.name);
+        return std::nullopt;
     }
-    dropRecord(entry.name);
-    return std::nullopt;
+    if (m_files->moveEntry(folder, name.c_str(), m_entries.get(), entry.name.c_str()))
+        return NotBack{std::string(replacedReason)};
+    return NotBack{fmt::format("{}, and left the trash with its name: {}", replacedReason,
+                               joinPath(m_files->placeOf(folder).value_or(std::string()), name)),
+                   true};
 }
 
 // What is there already, and the records themselves.
@@ -199,12 +224,13 @@ std::string TrashFolder::recordOf(const std::string& place) const {
 }
 
 // What is moved while its record is not on the disk stays a whole entry in the trash if the power
-// goes, and who moves many of them has noted where they were.
+// goes, and who moves many of them has noted where they were. A served file system may tell of a
+// full disk as late as the file is closed.
 int TrashFolder::writeRecord(const std::string& name, const std::string& text,
                              Records records) const {
     const std::string full = name + std::string(recordExtension);
-    const Descriptor file(::openat(m_records.get(), full.c_str(),
-                                   O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    Descriptor file(::openat(m_records.get(), full.c_str(),
+                             O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (!file.isOpen()) return errno;
     int error = writeAll(file.get(), text);
     if (records == Records::Now) {
@@ -212,6 +238,7 @@ int TrashFolder::writeRecord(const std::string& name, const std::string& text,
         if (error == 0 && ::fsync(m_records.get()) != 0)
             error = errno;  // an entry without a record can not be put back
     }
+    if (::close(file.release()) != 0 && errno != EINTR && error == 0) error = errno;
     if (error != 0) dropRecord(name);
     return error;
 }
@@ -236,7 +263,7 @@ std::optional<Failure> TrashFolder::check(const HeldEntry& held, int entry, cons
     if (!reason) return std::nullopt;
     if (m_files->moveEntry(m_entries.get(), name.c_str(), held.parent.get(), held.name.c_str()))
         dropRecord(name);
-    else *reason += ", and it stays in the trash: " + placeOf(name);
+    else return Failure{*reason + ", and it stays in the trash: " + placeOf(name), false, true};
     return Failure{std::move(*reason)};
 }
 

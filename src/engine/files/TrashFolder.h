@@ -27,6 +27,7 @@ public:
         std::string reason;
         bool isElsewhere =
             false;  ///< this trash is on another volume, so that a further one is worth a try
+        bool isLeftInTrash = false;  ///< it moved, and its name could not be given back to it
     };
 
     /// A folder of this name in `parent`, made for the user alone if it is not there. Nothing, with
@@ -66,6 +67,7 @@ public:
     struct Trashed {
         std::string name;  ///< in the trash
         FileAttributes attributes;
+        bool inodePasses = false;  ///< by the next look it may have another number; list() says no
     };
     [[nodiscard]] SysResult<std::vector<Trashed>> list() const;
     /// Of an entry in it, at this moment.
@@ -78,11 +80,16 @@ public:
     /// where the power went before it was on the disk.
     [[nodiscard]] std::optional<std::string> origin(const std::string& name) const;
 
+    /// Why an entry is not back.
+    struct NotBack {
+        std::string reason;
+        bool isOtherOut = false;  ///< what came into its place left the trash, and could not return
+    };
     /// Gives an entry the name that it had in a held folder, never over anything, and drops its
     /// record, by which the caller knows that it belongs there. Why it stays in the trash: among
     /// others that it is another entry by now.
-    [[nodiscard]] std::optional<std::string> giveBack(const Trashed& entry, int folder,
-                                                      const std::string& name) const;
+    [[nodiscard]] std::optional<NotBack> giveBack(const Trashed& entry, int folder,
+                                                  const std::string& name) const;
 
     TrashFolder(TrashFolder&&) noexcept = default;
     TrashFolder& operator=(TrashFolder&&) = delete;
@@ -116,5 +123,8 @@ private:
 /// extension at later ones, and cut between two characters where the name of its record would be
 /// too long.
 [[nodiscard]] std::string nameInTrash(std::string_view name, std::uint64_t attempt);
+
+/// Whether that may be the name in the trash of an entry that had this one.
+[[nodiscard]] bool isNameInTrash(std::string_view name, std::string_view trashed);
 
 }  // namespace orrinvale

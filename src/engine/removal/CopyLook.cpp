@@ -31,9 +31,8 @@ std::optional<StayedEntry> FileLook::before(const HeldEntry& leaving,
                                             const std::atomic<bool>& stop) {
     if (leaving.attributes.type != FileType::Regular) return std::nullopt;
     if (auto reason = openBoth(leaving)) return reason;
-    if (!m_compares) return std::nullopt;
     if (auto reason = inUse(leaving)) return reason;
-    if (!m_keptFile.isOpen()) return std::nullopt;
+    if (!m_compares || !m_keptFile.isOpen()) return std::nullopt;
     const FileAttributes& ours = leaving.attributes;  // as openBoth() found both
     const EntryIdentity& theirs = m_kept->identity;
     const auto answer = compareContents(m_files, {m_leavingFile.get(), ours.device, ours.size},

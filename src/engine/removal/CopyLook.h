@@ -23,8 +23,8 @@ public:
     /// The copy that has to stay; nothing where the whole group goes.
     [[nodiscard]] virtual const std::optional<KeptCopy>& kept() const = 0;
 
-    /// Before anything is touched: compares the contents, where that is wanted. A reason, when the
-    /// entry stays.
+    /// Before anything is touched: asks who writes to it, and compares the contents where that is
+    /// wanted. A reason, when the entry stays.
     [[nodiscard]] virtual std::optional<StayedEntry> before(const HeldEntry& leaving,
                                                             const std::atomic<bool>& stop) = 0;
 

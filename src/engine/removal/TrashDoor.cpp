@@ -75,22 +75,18 @@ std::optional<StayedEntry> TrashDoor::lookAgain(const HeldEntry& held, CopyLook&
 // What was moved has a new time of change, and so have the file's other names.
 void TrashDoor::move(const HeldEntry& held, CopyLook* look, RemovalResult& result) {
     std::optional<std::int64_t> changed;
-    std::optional<FileAttributes> inTrash;  // of what is objected to
     const auto moved = m_trash.move(
         held,
         [&](const FileAttributes& now) {
             if (now.links > 1) changed = now.changed;
-            if (look != nullptr && isOtherNow(held.attributes, now)) {
-                inTrash = now;
+            if (look != nullptr && isOtherNow(held.attributes, now))
                 return std::optional(std::string(stay::changed));
-            }
             auto kept = look != nullptr ? look->kept() : std::nullopt;
             if (!kept) return std::optional<std::string>();
             const EntryIdentity& other = kept->identity;
             if (other.device == now.device && other.inode == now.inode)
                 kept->identity.changed = now.changed;
             const auto why = objectionToCopyInPlace(m_files, held, *kept);
-            if (why) inTrash = now;
             return why ? std::optional(why->reason) : std::nullopt;
         },
         &m_series);
@@ -103,8 +99,7 @@ void TrashDoor::move(const HeldEntry& held, CopyLook* look, RemovalResult& resul
         return;
     }
     // What was objected to has its own name again, unless that could not be given back to it.
-    const auto here = m_files.attributes(held.parent.get(), held.name.c_str(), Links::Keep);
-    const bool isAside = inTrash && !(here && here->inode == inTrash->inode);
+    const bool isAside = m_series.isLeftInTrash();
     result.gone = !isAside && isAbsent(held.path);
     result.byOthers = result.gone;
     if (result.gone) return;

@@ -24,6 +24,11 @@ public:
           m_places(std::move(places)),
           m_trash(files, m_places, std::move(variables)) {}
 
+    /// No record waits for a flush() that is never asked for.
+    ~TrashDoor() override { m_series.sync(); }
+    TrashDoor(const TrashDoor&) = delete;
+    TrashDoor& operator=(const TrashDoor&) = delete;
+
     [[nodiscard]] bool setsAside() const override { return false; }
     void flush() override { m_series.sync(); }
     [[nodiscard]] RemovalResult remove(const LeavingEntry& entry,

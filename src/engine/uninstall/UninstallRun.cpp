@@ -31,7 +31,9 @@ public:
              {ApplicationType::Flatpak, ApplicationType::Snap, ApplicationType::Deb})
             removeKind(type);
         trashPrograms();
+        makeRecordsDurable();
         trashLeftovers(leftovers);
+        makeRecordsDurable();
         return std::move(m_outcome);
     }
 
@@ -150,6 +152,11 @@ private:
             if (result.failures.empty()) result.failures.push_back({each.path, "stopped"});
             m_outcome.leftovers.push_back(result.failures.front());
         }
+    }
+
+    // Nobody notes where these entries were: the trash's records are all that brings them back.
+    void makeRecordsDurable() {
+        if (m_trash) m_trash->flush();
     }
 
     RemovalDoor& trash() {

@@ -57,6 +57,12 @@ struct TrashedTree {
     }
 };
 
+struct PassingFiles final : ForwardingFiles {
+    PassingFiles() : ForwardingFiles(realFiles) {}
+    std::vector<std::uint64_t> devicesOfPassingInodes() const override { return devices; }
+    std::vector<std::uint64_t> devices;
+};
+
 struct Seen {
     std::uint64_t inode;
     std::int64_t modified;
@@ -156,7 +162,7 @@ TEST(TrashUndo, WhatCanNotComeBackIsToldAndStaysWhereItIs) {
          "the trash has no record of it any more", true},
         {"it was written to in the trash",
          [](TrashedTree& t) { std::ofstream(t.trash("files/x"), std::ios::app) << "more"; },
-         "it is not in the trash any more", true},
+         "it was written to since", true},
     };
     for (const auto& [what, between, reason, isInTrash] : cases) {
         TrashedTree trashed({"a/x"});
@@ -217,14 +223,32 @@ TEST(TrashUndo, AnEntryWithAnEmptyRecordComesBack) {
     EXPECT_EQ(trashed.undo().restored.size(), 1U);
 }
 
+// By its number it can not be known, and by no record: the name that the trash gave it is left.
+TEST(TrashUndo, WhereNumbersDoNotLastAnEmptyRecordIsEnough) {
+    PassingFiles watched;
+    for (const std::string what : {"empty", "gone", "written", "other name"}) {
+        SCOPED_TRACE(what);
+        TrashedTree trashed({"a/x 2.txt"});
+        ASSERT_TRUE(trashed.tree.write("home/.local/share/Trash/files/x 2.txt", "older"));
+        trashed.move({"a/x 2.txt"});
+        watched.devices = {trashed.folders[0].device};
+        trashed.plan.groups[0].members[0].identity.inode += 1000;
+        const std::string record = trashed.trash("info/x 2 2.txt.trashinfo");
+        const std::string moved = trashed.trash("files/x 2 2.txt");
+        ASSERT_EQ(what == "gone" ? ::unlink(record.c_str()) : ::truncate(record.c_str(), 0), 0);
+        if (what == "written") std::ofstream(moved) << "more";
+        if (what == "other name") std::filesystem::rename(moved, trashed.trash("files/x 2 x.txt"));
+        const auto outcome =
+            undoPlan(watched, trashed.variables, trashed.plan, trashed.folders, neverStoppedUndo);
+        EXPECT_EQ(outcome.restored.size(), what == "empty" ? 1U : 0U);
+        EXPECT_EQ(!outcome.left.empty() && !outcome.left[0].place.empty(), what == "gone");
+        EXPECT_EQ(contentOf(trashed.trash("files/x 2.txt")), "older");
+    }
+}
+
 // With a restart a volume gets another number, and on some its files get others too. What is known
 // by its record alone still has to have the size and time that it had.
 TEST(TrashUndo, AVolumeMayHaveAnotherNumberByNow) {
-    struct PassingFiles final : ForwardingFiles {
-        PassingFiles() : ForwardingFiles(realFiles) {}
-        std::vector<std::uint64_t> devicesOfPassingInodes() const override { return devices; }
-        std::vector<std::uint64_t> devices;
-    };
     for (const std::string what : {"volume", "numbers", "other volume", "other file"}) {
         SCOPED_TRACE(what);
         TrashedTree trashed({"a/x", "a/y"});
@@ -319,10 +343,86 @@ TEST(TrashUndo, AFolderThatIsGoneCostsNoOther) {
     });
 }
 
+// Two places show parts of one volume, or all of it; each has a trash where it is mounted.
+TEST(TrashUndo, EachMountOfAVolumeIsAsked) {
+    for (const std::string part : {"", "/part"})
+        withOwnMounts([part]() -> std::string {
+            for (const char* const folder : {"/mnt/a", "/mnt/b"})
+                std::filesystem::create_directory(folder);
+            if (!testing::mountRam("/mnt/home") || !testing::mountRam("/mnt/disk"))
+                return "skip: no tmpfs";
+            std::filesystem::create_directory("/mnt/disk/part");
+            if (!testing::bindMount("/mnt/disk", "/mnt/a") ||
+                !testing::bindMount("/mnt/disk" + part, "/mnt/b"))
+                return "skip: no mounts here";
+            DuplicatePlan plan;
+            plan.groups.resize(1);
+            for (const char* const path : {"/mnt/a/x", "/mnt/b/y", "/mnt/stays"}) {
+                std::ofstream(path) << "the same";
+                PlanMember member;
+                member.path = path;
+                member.goes = path != std::string_view("/mnt/stays");
+                member.identity = EntryIdentity::of(attributesOf(path));
+                member.size = member.identity.size;
+                plan.groups[0].members.push_back(std::move(member));
+            }
+            const FolderVariables variables{.home = "/mnt/home", .user = ::geteuid()};
+            const auto folders = foldersOf(files, plan);
+            PlanRemoval list(files, plan);
+            TrashDoor door(files, {}, variables);
+            RemovalRun run(files, {}, list, door, neverStoppedUndo, testing::nobodyTold());
+            if (run.run().removed != 2) return "they were not moved";
+            if (countInTrash(files, variables, plan, folders, neverStoppedUndo) != 2)
+                return "not both are counted " + part;
+            const auto outcome = undoPlan(files, variables, plan, folders, neverStoppedUndo);
+            return outcome.left.empty() ? "" : part + outcome.left[0].path + outcome.left[0].reason;
+        });
+}
+
+// After the trash was emptied another entry has the name there.
+TEST(TrashUndo, AnotherEntryStaysInTheTrashOrIsToldOf) {
+    TrashedTree trashed({"a/x", "a/y"});
+    trashed.move({"a/x", "a/y"});
+    const auto replace = [&](const std::string& name) {
+        ::rename(trashed.trash("files/" + name).c_str(), trashed.tree.at(name).c_str());
+        trashed.tree.write("home/.local/share/Trash/files/" + name, "another");
+    };
+    WatchedFiles watched;
+    int moves = 0;
+    watched.beforeRemoval = [&](const char* operation) {
+        if (std::string_view(operation) != "moveEntry") return;
+        if (++moves == 1) replace("x");
+        if (moves == 1) replace("y");
+        if (moves == 2) trashed.tree.write("home/.local/share/Trash/files/x", "third");
+    };
+    const auto outcome =
+        undoPlan(watched, trashed.variables, trashed.plan, trashed.folders, neverStoppedUndo);
+    EXPECT_EQ(moves, 2) << "y was not touched";
+    ASSERT_EQ(outcome.left.size(), 2U);
+    EXPECT_EQ(contentOf(trashed.tree.at("a/x")), "another");
+    EXPECT_EQ(outcome.left[0].place, "");
+    EXPECT_TRUE(outcome.left[0].reason.ends_with(trashed.tree.at("a/x"))) << outcome.left[0].reason;
+    EXPECT_EQ(outcome.left[1].place, trashed.trash("files/y"));
+}
+
+// Where contents are not compared, too.
+TEST(TrashUndo, WhatIsOpenForWritingDoesNotGoToTheTrash) {
+    for (const char* const name : {"a/x", "stays"}) {
+        TrashedTree trashed({"a/x"});
+        testing::PairList list(files, {}, {}, false);
+        list.add(trashed.tree.at("a/x"), trashed.tree.at("stays"));
+        const Descriptor file(::open(trashed.tree.at(name).c_str(), O_RDWR | O_CLOEXEC));
+        TrashDoor door(files, {}, trashed.variables);
+        RemovalRun run(files, {}, list, door, neverStoppedUndo, testing::nobodyTold());
+        EXPECT_EQ(run.run().failed, 1U) << name;
+        EXPECT_TRUE(isThere(trashed.tree.at("a/x"))) << name;
+    }
+}
+
 // In the moment in which the one is moved the copy that stays vanishes, or the one is written to:
 // it comes back. Where its name is taken it is told with its place.
 TEST(TrashUndo, NothingIsLeftInTheTrashWithoutACopyThatStays) {
-    for (const std::string what : {"gone", "written", "both"}) {
+    for (const std::string what : {"gone", "written", "both", "replaced"}) {
         SCOPED_TRACE(what);
         TrashedTree trashed({"a/x"});
         WatchedFiles watched;
@@ -330,10 +430,13 @@ TEST(TrashUndo, NothingIsLeftInTheTrashWithoutACopyThatStays) {
         int moves = 0;
         watched.beforeRemoval = [&](const char* operation) {
             if (std::string_view(operation) != "moveEntry") return;
-            if (++moves == 2 && what == "both") trashed.tree.write("a/x", "came since");
+            if (++moves == 2 && (what == "both" || what == "replaced"))
+                trashed.tree.write("a/x", "came since");
             if (std::exchange(isDone, true)) return;
             if (what == "gone") ::unlink(trashed.tree.at("stays").c_str());
-            else std::ofstream(trashed.tree.at("a/x"), std::ios::app) << " and more";
+            if (what == "replaced")
+                ::rename(trashed.tree.at("a/x").c_str(), trashed.tree.at("old").c_str());
+            if (what != "gone") std::ofstream(trashed.tree.at("a/x"), std::ios::app) << " and more";
         };
         PlanGroup group;
         for (const char* const name : {"a/x", "stays"}) {
@@ -352,11 +455,13 @@ TEST(TrashUndo, NothingIsLeftInTheTrashWithoutACopyThatStays) {
         const auto outcome = run.run();
         EXPECT_EQ(outcome.failed, 1U);
         EXPECT_TRUE(isDone);
-        const bool isAside = what == "both";
+        const bool isAside = what == "both" || what == "replaced";
         ASSERT_EQ(outcome.stayed.size(), 1U);
         EXPECT_EQ(outcome.stayed[0].kind == StayReason::Aside, isAside) << outcome.stayed[0].reason;
         EXPECT_EQ(contentOf(isAside ? trashed.trash("files/x") : trashed.tree.at("a/x")),
-                  what == "gone" ? "the same" : "the same and more");
+                  what == "gone"       ? "the same"
+                  : what == "replaced" ? " and more"
+                                       : "the same and more");
         EXPECT_EQ(namesIn(trashed.trash("info")).empty(), !isAside);
     }
 }
@@ -385,9 +490,15 @@ TEST(PlanHistory, GarbageCostsOneRemovalAlone) {
 
     const timeval old[2] = {{1, 0}, {1, 0}};
     ASSERT_EQ(::utimes(path.c_str(), old), 0);
+    EXPECT_EQ(history.ids(), Strings{*second});
     const auto third = history.note(files, trashed.plan);
     ASSERT_TRUE(third);
     EXPECT_EQ(history.ids(), (Strings{*second, *third}));
+    EXPECT_FALSE(isThere(path));
+    Descriptor held = history.hold(*third);  // as a removal that runs does
+    EXPECT_TRUE(history.clear());
+    EXPECT_EQ(history.ids(), Strings{*third});
+    held.reset();
     EXPECT_TRUE(history.clear());
     EXPECT_TRUE(history.ids().empty());
 }

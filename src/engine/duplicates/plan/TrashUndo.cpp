@@ -59,6 +59,7 @@ private:
         const TrashFolder* trash;
         TrashFolder::Trashed entry;
         bool isBack = false;
+        bool hasRecord = true;  // known where it is looked for by its record
     };
     struct Target {
         Descriptor folder;
@@ -76,6 +77,8 @@ private:
     void openTarget(const std::string& folder, Target& target);
     void learnTrashes(const std::string& folder);
     void learnOrigins();
+    [[nodiscard]] Found* findAt(const std::string& origin, const PlanMember& member,
+                                const EntryIdentity& identity);
     [[nodiscard]] bool inodesPass(std::uint64_t device) const;
     [[nodiscard]] EntryIdentity identityNow(const PlanMember& member, const Target& target) const;
     [[nodiscard]] bool isThat(const PlanMember& member, const EntryIdentity& identity,
@@ -95,26 +98,31 @@ private:
     const Trash m_trash;
     std::map<std::string, UndoFolder> m_folders;
     std::map<std::string, Target> m_targets;
-    std::set<EntryKey> m_knownTrashes;
-    std::set<std::uint64_t> m_askedDevices;
+    std::set<std::pair<EntryKey, std::uint64_t>> m_knownTrashes;  // and their mounts
+    std::set<std::pair<std::uint64_t, std::uint64_t>> m_asked;    // devices and mounts
     std::vector<std::unique_ptr<TrashFolder>> m_trashes;
     std::multimap<EntryKey, Found> m_found;
     std::multimap<std::string, Found*> m_byOrigin;  // where numbers do not last
     std::size_t m_originsKnown = 0;                 // trashes
 };
 
-// Each volume once, by a folder of it.
+// Each mount once, by a folder of it: two of one volume have trashes of their own, or one that is
+// reached, and has its records read, by either.
 void UndoRun::learnTrashes(const std::string& folder) {
     for (TrashFolder& each : m_trash.trashesOf(folder)) {
         const auto place =
             m_files.attributes(FileSystem::noParent, each.placeOf("").c_str(), Links::Follow);
-        if (!place || !m_knownTrashes.emplace(place->device, place->inode).second) continue;
+        if (!place ||
+            !m_knownTrashes.emplace(EntryKey{place->device, place->inode}, place->mount).second)
+            continue;
         m_trashes.push_back(std::make_unique<TrashFolder>(std::move(each)));
-        const auto listed = m_trashes.back()->list();
+        auto listed = m_trashes.back()->list();
         if (!listed) continue;
-        for (const auto& entry : *listed)
-            m_found.emplace(EntryKey{entry.attributes.device, entry.attributes.inode},
-                            Found{m_trashes.back().get(), entry, false});
+        for (auto& entry : *listed) {
+            entry.inodePasses = inodesPass(entry.attributes.device);
+            const EntryKey key{entry.attributes.device, entry.attributes.inode};
+            m_found.emplace(key, Found{m_trashes.back().get(), std::move(entry)});
+        }
     }
 }
 
@@ -149,7 +157,7 @@ void UndoRun::openTarget(const std::string& folder, Target& target) {
         target.place = was->second.place;
     }
     if (target.place.empty()) target.place = folder;
-    if (m_askedDevices.insert(target.deviceNow).second) learnTrashes(standing);
+    if (m_asked.emplace(target.deviceNow, seen ? seen->mount : 0).second) learnTrashes(standing);
 }
 
 // What the plan's entry has to look like today.
@@ -179,8 +187,14 @@ UndoRun::Choice UndoRun::choiceByNumber(const PlanMember& member, const EntryIde
     const auto [begin, end] = m_found.equal_range({identity.device, identity.inode});
     for (auto each = begin; each != end; ++each) {
         Found& found = each->second;
-        if (found.isBack || !isThat(member, identity, found)) continue;
+        if (found.isBack) continue;
         const auto origin = found.trash->origin(found.entry.name);
+        if (!isThat(member, identity, found)) {
+            if (choice.found == nullptr && origin == place &&
+                found.entry.attributes.type == identity.type)
+                choice = {&found, "it was written to since"};
+            continue;
+        }
         if (origin == place || origin == std::string()) return {&found, {}};
         choice = {&found, origin ? "by the trash's record it was elsewhere"
                                  : "the trash has no record of it any more"};
@@ -190,9 +204,23 @@ UndoRun::Choice UndoRun::choiceByNumber(const PlanMember& member, const EntryIde
 
 void UndoRun::learnOrigins() {
     for (auto& [key, found] : m_found)
-        if (inodesPass(found.entry.attributes.device))
-            if (auto origin = found.trash->origin(found.entry.name))
-                m_byOrigin.emplace(std::move(*origin), &found);
+        if (found.entry.inodePasses) {
+            auto origin = found.trash->origin(found.entry.name);
+            found.hasRecord = origin.has_value();
+            m_byOrigin.emplace(std::move(origin).value_or(std::string()), &found);
+        }
+}
+
+UndoRun::Found* UndoRun::findAt(const std::string& origin, const PlanMember& member,
+                                const EntryIdentity& identity) {
+    const std::string_view name = lastPathComponent(member.path);
+    const auto [begin, end] = m_byOrigin.equal_range(origin);
+    for (auto each = begin; each != end; ++each) {
+        Found& found = *each->second;
+        if (found.isBack || (origin.empty() && !isNameInTrash(name, found.entry.name))) continue;
+        if (isThat(member, identity, found)) return &found;
+    }
+    return nullptr;
 }
 
 UndoRun::Choice UndoRun::choiceByRecord(const PlanMember& member, const EntryIdentity& identity,
@@ -202,11 +230,12 @@ UndoRun::Choice UndoRun::choiceByRecord(const PlanMember& member, const EntryIde
         learnOrigins();
         m_originsKnown = m_trashes.size();
     }
-    const auto [begin, end] = m_byOrigin.equal_range(place);
-    for (auto each = begin; each != end; ++each)
-        if (!each->second->isBack && isThat(member, identity, *each->second))
-            return {each->second, {}};
-    return {};
+    if (Found* const found = findAt(place, member, identity)) return {found, {}};
+    // Of a link neither size nor time is known.
+    Found* const found =
+        identity.type != FileType::SymbolicLink ? findAt({}, member, identity) : nullptr;
+    if (found == nullptr) return {};
+    return {found, found->hasRecord ? "" : "the trash has no record of it any more"};
 }
 
 // It never went, whatever was written to it since; or it is back already.
@@ -254,14 +283,21 @@ void UndoRun::bringBack(const PlanMember& member, UndoOutcome& outcome) {
         outcome.left.push_back({member.path, {}, reasonOfMissing(target)});
         return;
     }
-    const auto& [trash, entry, isBack] = *choice.found;
+    const TrashFolder* const trash = choice.found->trash;
+    const TrashFolder::Trashed& entry = choice.found->entry;
     if (choice.objection.empty() && !target.folder.isOpen()) choice.objection = target.fault;
-    if (choice.objection.empty())
-        choice.objection = trash->giveBack(entry, target.folder.get(), name).value_or("");
-    choice.found->isBack = choice.objection.empty();
-    if (isBack) {
-        outcome.restored.push_back(member.path);
-        return;
+    if (choice.objection.empty()) {
+        auto notBack = trash->giveBack(entry, target.folder.get(), name);
+        choice.found->isBack = !notBack;
+        if (!notBack) {
+            outcome.restored.push_back(member.path);
+            return;
+        }
+        if (notBack->isOtherOut) {
+            outcome.left.push_back({member.path, {}, std::move(notBack->reason)});
+            return;
+        }
+        choice.objection = std::move(notBack->reason);
     }
     const auto now = trash->attributesOf(entry.name);
     const bool isThere = now || now.error() != ENOENT;
