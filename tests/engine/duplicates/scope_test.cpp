@@ -193,9 +193,9 @@ TEST(ScopeOfMounts, WhatASecondMountShowsOfAProtectedFolderIsProtected) {
         return amongMounts([](TestTree& tree) -> std::string {
             if (!tree.write("p/in/deep/1", "same") || !tree.write("q/2", "same"))
                 return "not written";
-            if (!bindMount(tree.at("p/in"), "/mnt/b") || !tree.symlink("/mnt/b/deep", "q/way"))
+            if (!bindMount(tree.at("p"), "/mnt/b") || !tree.symlink("/mnt/b/in", "q/way"))
                 return "skip: no mounts here";
-            for (const std::string root : {"/mnt/b/deep", "/mnt/b", ""}) {
+            for (const std::string root : {"/mnt/b/in/deep", "/mnt/b/in", ""}) {
                 SearchRequest request{{tree.at("q")}};
                 if (!root.empty()) request.roots.push_back(root);
                 request.protectedFolders = {tree.at("p")};
