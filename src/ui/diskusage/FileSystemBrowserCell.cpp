@@ -17,7 +17,7 @@ namespace {
 constexpr int boxStart = Theme::gapSmall;
 constexpr int afterBox = boxStart + tickBoxSize + Theme::gapSmall;
 constexpr int chevronSide = 12;
-constexpr int barHeight = 4;
+constexpr int cellBarHeight = 4;
 constexpr int nameHeight = 18;
 
 QRect mirrored(const QStyleOptionViewItem& option, const QRect& logical) {
@@ -139,10 +139,12 @@ void FileSystemBrowserCell::drawWords(QPainter& painter, const QStyleOptionViewI
 
 void FileSystemBrowserCell::drawShare(QPainter& painter, const QStyleOptionViewItem& option,
                                       const QRect& place) const {
-    QRectF bar(place.left(), place.center().y() - barHeight / 2 + 1, place.width(), barHeight);
+    QRectF bar(place.left(), place.center().y() - cellBarHeight / 2 + 1, place.width(),
+               cellBarHeight);
     const auto draw = [&](Theme::Color color) {
         painter.setBrush(Theme::shared().color(color));
-        painter.drawRoundedRect(mirrored(option, bar.toRect()), barHeight / 2.0, barHeight / 2.0);
+        painter.drawRoundedRect(mirrored(option, bar.toRect()), cellBarHeight / 2.0,
+                                cellBarHeight / 2.0);
     };
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
