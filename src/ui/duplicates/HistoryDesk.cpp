@@ -3,7 +3,9 @@
 #include "ui/duplicates/HistoryDesk.h"
 
 #include <QAbstractButton>
+#include <QTimer>
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 #include "engine/base/Date.h"
@@ -27,15 +29,15 @@ std::vector<HistoryRow> historyRows(const PlanHistory& history) {
     for (const std::string& id : history.ids()) {
         HistoryRow row;
         row.id = id;
+        constexpr std::int64_t perMillisecond = 1'000'000;
+        if (const auto when = PlanHistory::timeOf(id))
+            row.when =
+                QDateTime::fromMSecsSinceEpoch(when->nanoseconds / perMillisecond).toLocalTime();
         const auto noted = history.load(id);
         if (noted) {
             const PlanSums sums = sumsOf(noted->plan);
             row.entries = sums.entries();
             row.bytes = sums.bytes;
-            constexpr std::int64_t perMillisecond = 1'000'000;
-            if (const auto when = parseDate(noted->plan.made))
-                row.when = QDateTime::fromMSecsSinceEpoch(when->nanoseconds / perMillisecond)
-                               .toLocalTime();
         } else {
             row.fault = noted.error();
         }
@@ -65,11 +67,13 @@ void HistoryDesk::open(QWidget* window) {
     connect(panel->clearButton, &QAbstractButton::clicked, this, &HistoryDesk::clear);
     connect(panel->closeButton, &QAbstractButton::clicked, this, &HistoryDesk::close);
     connect(panel->stopButton, &QAbstractButton::clicked, this, [this] {
+        if (m_panel == nullptr) return;
         m_panel->stopButton->setEnabled(false);
         stop();
     });
-    connect(panel->failedLink, &QAbstractButton::clicked, this,
-            [this] { showLineList(m_window, m_panel->failedLink->text(), m_failedLines); });
+    connect(panel->failedLink, &QAbstractButton::clicked, this, [this] {
+        if (m_panel != nullptr) showLineList(m_window, m_panel->failedLink->text(), m_failedLines);
+    });
     connect(m_sheet, &Sheet::cancelled, this, [this] {
         if (isRunning()) stop();
         else close();
@@ -87,7 +91,7 @@ void HistoryDesk::close() {
 }
 
 void HistoryDesk::read() {
-    static_cast<void>(runAside(
+    const auto worker = runAside(
         this, "history",
         [history = PlanHistory(m_services.stateFolder)] { return historyRows(history); },
         [this](std::vector<HistoryRow> rows) {
@@ -100,7 +104,9 @@ void HistoryDesk::read() {
             if (m_stopCounting) *m_stopCounting = true;
             m_stopCounting = std::make_shared<std::atomic<bool>>(false);
             countNext();
-        }));
+        });
+    if (worker == nullptr)
+        m_panel->showEnd(inWords(std::string("Resource temporarily unavailable")), {});
 }
 
 // One after another, so that the newest are told at once.
@@ -108,7 +114,7 @@ void HistoryDesk::countNext() {
     if (m_panel == nullptr || m_uncounted.empty()) return;
     const std::string id = std::move(m_uncounted.back());
     m_uncounted.pop_back();
-    static_cast<void>(runAside(
+    const auto worker = runAside(
         this, "historyCount",
         [files = m_services.files, history = PlanHistory(m_services.stateFolder), id,
          stop = m_stopCounting]() -> std::size_t {
@@ -121,7 +127,14 @@ void HistoryDesk::countNext() {
             if (m_panel == nullptr || *stop) return;
             m_panel->setInTrash(id, count);
             countNext();
-        }));
+        });
+    if (worker != nullptr) return;
+    constexpr std::chrono::seconds pause(1);  // until there is a thread
+    QTimer::singleShot(pause, this, [this, id, stop = m_stopCounting] {
+        if (*stop) return;
+        m_uncounted.push_back(id);
+        countNext();
+    });
 }
 
 void HistoryDesk::restore() {
@@ -142,6 +155,7 @@ void HistoryDesk::ended(const UndoErrand::Result& result) {
 }
 
 void HistoryDesk::clear() {
+    if (m_panel == nullptr) return;
     Alert question;
     question.title = tr("Forget these removals?");
     question.text =
@@ -150,15 +164,18 @@ void HistoryDesk::clear() {
     question.cancelButton = 1;
     m_services.dialogs->alert(m_window, question, [self = QPointer(this)](int button) {
         if (self == nullptr || button != 0 || self->m_panel == nullptr) return;
-        static_cast<void>(runAside(
+        const auto tell = [self] {
+            self->m_panel->showEnd(HistoryDesk::tr("Some could not be forgotten"), {});
+        };
+        const auto worker = runAside(
             self.data(), "historyClear",
             [history = PlanHistory(self->m_services.stateFolder)] { return history.clear(); },
-            [self](bool isClear) {
+            [self, tell](bool isClear) {
                 if (self->m_panel == nullptr) return;
                 self->read();
-                if (!isClear)
-                    self->m_panel->showEnd(HistoryDesk::tr("Some could not be forgotten"), {});
-            }));
+                if (!isClear) tell();
+            });
+        if (worker == nullptr) tell();
     });
 }
 

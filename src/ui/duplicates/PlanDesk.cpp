@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QLineEdit>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 #include "engine/base/endAside.h"
@@ -60,7 +61,16 @@ LoadedPlan loadedPlan(const FileSystem& files, const std::string& path) {
     return loaded;
 }
 
+constexpr std::string_view noThreadForPlan = "Resource temporarily unavailable";
+
 }  // namespace
+
+/// A plan that may be kept, and what had to stay out of it.
+struct PlanDesk::Draft {
+    std::shared_ptr<const DuplicatePlan> plan;
+    LeftOutOfPlan left;
+    PlanSums sums;
+};
 
 /// One removal by a plan.
 struct PlanDesk::Run {
@@ -69,7 +79,7 @@ struct PlanDesk::Run {
     std::shared_ptr<PlanRemoval> list;
     std::shared_ptr<UndoableRemoval> undoable;
     std::unique_ptr<RemovalJob> job;
-    std::vector<std::string> gone;
+    std::vector<Settled> settled;
 };
 
 PlanDesk::PlanDesk(const PageServices& services, QObject* parent)
@@ -97,18 +107,37 @@ void PlanDesk::closeSheet() {
     m_sheet = nullptr;
     m_panel = nullptr;
     m_savePanel = nullptr;
+    if (m_plan) endAside(std::exchange(m_plan, nullptr));
 }
 
 void PlanDesk::save(QWidget* window, DuplicatePlan plan,
                     std::shared_ptr<const DuplicateFilesOpt> search) {
-    if (window == nullptr || m_sheet != nullptr) return;
-    const LeftOutOfPlan left = takeOutUnplannable(plan);
+    if (window == nullptr || m_sheet != nullptr || m_isDrafting) return;
+    m_isDrafting = true;
+    const auto whole = std::make_shared<DuplicatePlan>(std::move(plan));
+    const auto draft = [whole, search = std::move(search)] {
+        Draft made;
+        made.left = takeOutUnplannable(*whole);
+        if (search) addContents(*whole, *search);
+        made.sums = sumsOf(*whole);
+        made.plan = whole;
+        return made;
+    };
+    const auto ask = [this, window = QPointer(window)](const Draft& made) {
+        m_isDrafting = false;
+        if (window != nullptr && m_sheet == nullptr && !isRunning()) askWhere(window, made);
+    };
+    if (runAside(this, "draftPlan", draft, ask) == nullptr) ask(draft());
+}
+
+void PlanDesk::askWhere(QWidget* window, const Draft& draft) {
+    m_plan = draft.plan;
     const std::string folder =
         m_folder.empty() ? QFile::encodeName(QDir::homePath()).toStdString() : m_folder;
     const QString name =
         tr("Duplicates %1").arg(QDate::currentDate().toString(Qt::ISODate)) + u".json";
     auto* const panel = new SavePlanPanel(
-        sumsOf(plan), left, QFile::decodeName(QByteArray::fromStdString(folder)) + u'/' + name);
+        draft.sums, draft.left, QFile::decodeName(QByteArray::fromStdString(folder)) + u'/' + name);
     m_savePanel = panel;
     m_sheet = new Sheet(*window, panel);  // ends itself
     connect(panel->cancelButton, &QAbstractButton::clicked, this, &PlanDesk::closeSheet);
@@ -120,32 +149,27 @@ void PlanDesk::save(QWidget* window, DuplicatePlan plan,
             if (guarded != nullptr && !paths.empty()) guarded->setFolder(paths.front());
         });
     });
-    connect(panel->saveButton, &QAbstractButton::clicked, this,
-            [this, plan = std::move(plan), search = std::move(search)] {
-                m_savePanel->saveButton->setEnabled(false);
-                savePlanAt(m_savePanel->path(), plan, search);
-            });
+    connect(panel->saveButton, &QAbstractButton::clicked, this, [this] {
+        if (m_savePanel != nullptr) savePlanAt(m_savePanel->path());
+    });
     m_sheet->open(panel->pathField);
 }
 
-void PlanDesk::savePlanAt(const std::string& path, DuplicatePlan plan,
-                          std::shared_ptr<const DuplicateFilesOpt> search) {
-    static_cast<void>(runAside(
-        this, "savePlan",
-        [path, plan = std::move(plan), search = std::move(search)]() mutable {
-            if (search) addContents(plan, *search);
-            return savePlan(path, plan);
-        },
-        [this, path](const std::optional<std::string>& fault) {
-            if (m_savePanel == nullptr) return;
-            if (fault) {
-                m_savePanel->saveButton->setEnabled(true);
-                m_savePanel->showFault(tr("Could not be saved: %1").arg(inWords(*fault)));
-                return;
-            }
-            m_folder = folderOf(path);
-            closeSheet();
-        }));
+void PlanDesk::savePlanAt(const std::string& path) {
+    m_savePanel->saveButton->setEnabled(false);
+    const auto ended = [this, path](const std::optional<std::string>& fault) {
+        if (m_savePanel == nullptr) return;
+        if (fault) {
+            m_savePanel->saveButton->setEnabled(true);
+            m_savePanel->showFault(tr("Could not be saved: %1").arg(inWords(*fault)));
+            return;
+        }
+        m_folder = folderOf(path);
+        closeSheet();
+    };
+    const auto worker = runAside(
+        this, "savePlan", [path, plan = m_plan] { return savePlan(path, *plan); }, ended);
+    if (worker == nullptr) ended(std::string(noThreadForPlan));
 }
 
 void PlanDesk::open(QWidget* window) {
@@ -162,7 +186,7 @@ void PlanDesk::open(QWidget* window) {
 }
 
 void PlanDesk::load(const std::string& path) {
-    static_cast<void>(runAside(
+    const auto worker = runAside(
         this, "openPlan", [files = m_services.files, path] { return loadedPlan(*files, path); },
         [this, path](LoadedPlan loaded) {
             if (m_window == nullptr || m_sheet != nullptr || isRunning()) return;
@@ -173,16 +197,23 @@ void PlanDesk::load(const std::string& path) {
                 show(std::move(loaded.plan), loaded.facts);
                 return;
             }
-            Alert alert;
-            alert.title = tr("This plan can not be used");
-            alert.text = shownPlanPath(path) + u'\n' + inWords(loaded.fault);
-            alert.severity = Alert::Severity::Warning;
-            m_services.dialogs->alert(m_window, alert, [](int /*button*/) {});
-        }));
+            tellUnusable(path, loaded.fault);
+        });
+    if (worker == nullptr) tellUnusable(path, std::string(noThreadForPlan));
 }
 
+void PlanDesk::tellUnusable(const std::string& path, const std::string& fault) {
+    Alert alert;
+    alert.title = tr("This plan can not be used");
+    alert.text = shownPlanPath(path) + u'\n' + inWords(fault);
+    alert.severity = Alert::Severity::Warning;
+    m_services.dialogs->alert(m_window, alert, [](int /*button*/) {});
+}
+
+// A sheet that slides away still takes keys and clicks, when its panel is this desk's no more.
 void PlanDesk::show(std::shared_ptr<const DuplicatePlan> plan, const PlanFacts& facts) {
     m_plan = std::move(plan);
+    m_sums = facts.sums;
     auto* const panel = new PlanPanel(m_plan, facts);
     m_panel = panel;
     m_sheet = new Sheet(*m_window, panel);  // ends itself
@@ -190,12 +221,14 @@ void PlanDesk::show(std::shared_ptr<const DuplicatePlan> plan, const PlanFacts& 
     connect(panel->removeButton, &QAbstractButton::clicked, this, &PlanDesk::confirmRemoval);
     connect(panel->cancelButton, &QAbstractButton::clicked, this, &PlanDesk::closeSheet);
     connect(panel->stopButton, &QAbstractButton::clicked, this, [this] {
+        if (m_panel == nullptr) return;
         m_panel->stopButton->setEnabled(false);
         stop();
     });
     connect(panel->undoButton, &QAbstractButton::clicked, this, &PlanDesk::undo);
-    connect(panel->failedLink, &QAbstractButton::clicked, this,
-            [this] { showLineList(m_window, m_panel->failedLink->text(), m_failedLines); });
+    connect(panel->failedLink, &QAbstractButton::clicked, this, [this] {
+        if (m_panel != nullptr) showLineList(m_window, m_panel->failedLink->text(), m_failedLines);
+    });
     connect(m_sheet, &Sheet::cancelled, this, [this] {
         if (isRunning()) stop();
         else closeSheet();
@@ -204,12 +237,12 @@ void PlanDesk::show(std::shared_ptr<const DuplicatePlan> plan, const PlanFacts& 
 }
 
 void PlanDesk::confirmRemoval() {
-    const PlanSums sums = sumsOf(*m_plan);
-    const auto count = static_cast<int>(sums.entries());
+    if (m_panel == nullptr) return;
+    const auto count = static_cast<int>(m_sums.entries());
     Alert question = removalQuestion();
     question.text = (count == 1 ? tr("1 file, %1, goes for good.")
                                 : tr("%Ln files, %1, go for good.", nullptr, count))
-                        .arg(shownSize(UtilityFunction::convertVolSpace(sums.bytes)));
+                        .arg(shownSize(UtilityFunction::convertVolSpace(m_sums.bytes)));
     m_services.dialogs->alert(m_window, question, [self = QPointer(this)](int button) {
         if (self != nullptr && self->m_panel != nullptr && button == 0) self->begin(false);
     });
@@ -252,7 +285,8 @@ void PlanDesk::news() {
     if (!m_run || !m_run->job) return;
     RemovalJob::News news = m_run->job->takeNews();
     for (const RemovalJob::Settled& each : news.settled)
-        if (each.gone) m_run->gone.push_back(m_run->list->path(each.index));
+        if (each.gone || each.changed)
+            m_run->settled.push_back({m_run->list->path(each.index), each.gone, each.changed});
     if (!news.ending) return;
     // It is the job's own call that is running, so that the job goes in a later turn.
     m_services.mainQueue->async([job = std::shared_ptr<RemovalJob>(std::move(m_run->job))] {});
@@ -271,7 +305,7 @@ void PlanDesk::ended(const RemovalOutcome& outcome) {
                          !m_undoId.empty());
     }
     Q_EMIT runningChanged();
-    if (!run->gone.empty()) Q_EMIT gone(run->gone);
+    if (!run->settled.empty()) Q_EMIT settled(run->settled);
     forgetAside(*this, std::move(run->undoable));
     endAside(std::move(run->list));
 }

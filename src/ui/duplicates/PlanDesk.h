@@ -5,7 +5,9 @@
 #include <QObject>
 #include <QPointer>
 #include <QTimer>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -38,21 +40,30 @@ public:
     [[nodiscard]] bool isRunning() const { return m_run != nullptr || m_undoing.isRunning(); }
     void stop();
 
-    /// Asks where the plan is to be kept. `search` has the hashes of its files.
+    /// What a plan did to an entry.
+    struct Settled {
+        std::string path;
+        bool isGone = false;                  ///< or in the trash
+        std::optional<std::int64_t> changed;  ///< RemovalResult::changed
+    };
+
+    /// Asks where the plan is to be kept, in a later turn. `search` has the hashes of its files.
     void save(QWidget* window, DuplicatePlan plan, std::shared_ptr<const DuplicateFilesOpt> search);
     /// Lets the person choose a plan, shows what it would let go, and does it.
     void open(QWidget* window);
 
 Q_SIGNALS:
     void runningChanged();
-    /// These are gone, or in the trash.
-    void gone(const std::vector<std::string>& paths);
+    /// A plan has been done, to its end or up to a stop.
+    void settled(const std::vector<orrinvale::PlanDesk::Settled>& entries);
 
 private:
     struct Run;
-    void savePlanAt(const std::string& path, DuplicatePlan plan,
-                    std::shared_ptr<const DuplicateFilesOpt> search);
+    struct Draft;
+    void askWhere(QWidget* window, const Draft& draft);
+    void savePlanAt(const std::string& path);
     void load(const std::string& path);
+    void tellUnusable(const std::string& path, const std::string& fault);
     void show(std::shared_ptr<const DuplicatePlan> plan, const PlanFacts& facts);
     void closeSheet();
     void confirmRemoval();
@@ -68,9 +79,11 @@ private:
     QPointer<Sheet> m_sheet;
     QPointer<PlanPanel> m_panel;
     QPointer<SavePlanPanel> m_savePanel;
-    std::shared_ptr<const DuplicatePlan> m_plan;  // of the panel
-    std::unique_ptr<Run> m_run;                   // under way
-    std::string m_undoId;                         // of the last one
+    std::shared_ptr<const DuplicatePlan> m_plan;  // of the sheet
+    PlanSums m_sums;                              // of the one that was opened
+    bool m_isDrafting = false;
+    std::unique_ptr<Run> m_run;  // under way
+    std::string m_undoId;        // of the last one
     QStringList m_failedLines;
     QTimer m_timer;
     UndoErrand m_undoing;

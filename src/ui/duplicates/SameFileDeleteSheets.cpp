@@ -2,10 +2,13 @@
 // the history of removals, and the order of best places. PlanDesk.h and HistoryDesk.h do it.
 #include <QMenu>
 #include <QShortcut>
-#include <unordered_set>
+#include <optional>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include "engine/duplicates/plan/planOfTicks.h"
+#include "engine/duplicates/results/RemovalPlan.h"
 #include "platform/files.h"
 #include "services/foundation/runAside.h"
 #include "ui/duplicates/DuplicateResultModel.h"
@@ -25,7 +28,7 @@ void SameFileDeleteViewController::connectDesks() {
     connect(&m_plans, &PlanDesk::runningChanged, this, &SameFileDeleteViewController::deskChanged);
     connect(&m_history, &HistoryDesk::runningChanged, this,
             &SameFileDeleteViewController::deskChanged);
-    connect(&m_plans, &PlanDesk::gone, this, &SameFileDeleteViewController::takeOutGone);
+    connect(&m_plans, &PlanDesk::settled, this, &SameFileDeleteViewController::takeOutGone);
     for (QWidget* const view : {m_views->fristView.data(), m_views->detailView}) {
         auto* const plan = new QShortcut(Qt::CTRL | Qt::SHIFT | Qt::Key_P, view);
         connect(plan, &QShortcut::activated, this, &SameFileDeleteViewController::openPlan);
@@ -84,25 +87,53 @@ void SameFileDeleteViewController::deskChanged() {
     setRemoveButtonState();
 }
 
-// As if the person had ticked just these and removed them.
-void SameFileDeleteViewController::takeOutGone(const std::vector<std::string>& paths) {
+// Their other ticks stay.
+void SameFileDeleteViewController::takeOutGone(const std::vector<PlanDesk::Settled>& settled) {
     const TreeNode* const all = m_results.tree(0);
     if (!bSearchFinished() || all == nullptr) return;
     finishSorting();
-    const std::unordered_set<std::string_view> gone(paths.begin(), paths.end());
+    std::unordered_map<std::string_view, const PlanDesk::Settled*> byPath;
+    for (const PlanDesk::Settled& each : settled) byPath.emplace(each.path, &each);
     std::vector<TreeNode::Pointer> leaves;
+    std::vector<RemovalPlan::Excuse> excuses;
     for (std::size_t g = 0; g < all->numberOfChildren(); ++g) {
         TreeNode& group = *all->childAtIndex(g);
-        std::vector<std::uint8_t> ticks(group.numberOfChildren());
+        std::vector<std::uint8_t> gone(group.numberOfChildren());
         const std::size_t before = leaves.size();
-        for (std::size_t i = 0; i < ticks.size(); ++i) {
+        for (std::size_t i = 0; i < gone.size(); ++i) {
             const TreeNode::Pointer& leaf = group.childAtIndex(i);
-            ticks[i] = gone.contains(simpleData(*leaf)->name()) ? 1 : 0;
-            if (ticks[i] != 0) leaves.push_back(leaf);
+            const auto found = byPath.find(simpleData(*leaf)->name());
+            if (found == byPath.end()) continue;
+            const auto& [path, isGone, changed] = *found->second;
+            if (changed) excuses.push_back({leaf, *changed, isGone});
+            if (!isGone) continue;
+            gone[i] = 1;
+            leaves.push_back(leaf);
         }
-        if (leaves.size() != before) m_selection.setTicks(group, ticks);
+        if (leaves.size() != before) tickGoneToo(group, gone);
     }
-    if (leaves.empty()) return;
+    RemovalPlan::excuse(excuses);
+    if (!leaves.empty()) removeFromList(leaves);
+}
+
+// As if the person had ticked them. Where a plan took the last clear copy, one that was ticked is
+// clear now: nobody was asked whether all copies may go.
+void SameFileDeleteViewController::tickGoneToo(TreeNode& group,
+                                               std::span<const std::uint8_t> gone) {
+    std::vector<std::uint8_t> ticks(gone.begin(), gone.end());
+    std::optional<std::size_t> last;
+    bool isAnyClear = false;
+    for (std::size_t i = 0; i < ticks.size(); ++i) {
+        if (gone[i] != 0) continue;
+        ticks[i] = simpleData(*group.childAtIndex(i))->selectNum() == 1 ? 1 : 0;
+        if (ticks[i] != 0) last = i;
+        else isAnyClear = true;
+    }
+    if (!isAnyClear && last) ticks[*last] = 0;
+    m_selection.setTicks(group, ticks);
+}
+
+void SameFileDeleteViewController::removeFromList(const std::vector<TreeNode::Pointer>& leaves) {
     m_model->setTree(nullptr);
     m_results.removeLeaves(leaves);
     m_selection.allSelectNumArr().removeAll(leaves);

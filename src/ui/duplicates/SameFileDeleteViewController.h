@@ -17,6 +17,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -226,7 +227,9 @@ private:
     // Plans and history.
     void connectDesks();
     void deskChanged();
-    void takeOutGone(const std::vector<std::string>& paths);
+    void takeOutGone(const std::vector<PlanDesk::Settled>& settled);
+    void removeFromList(const std::vector<TreeNode::Pointer>& leaves);
+    void tickGoneToo(TreeNode& group, std::span<const std::uint8_t> gone);
     void withoutLinks(const std::string& folder,
                       std::function<void(const std::string& resolved)> then);
 

@@ -487,6 +487,12 @@ TEST(PlanHistory, GarbageCostsOneRemovalAlone) {
                   .restored.size(),
               1U);
     EXPECT_FALSE(history.load("../../etc/passwd"));
+    // The plan may be of any day; the removal is of now.
+    const auto noted = PlanHistory::timeOf(*second);
+    ASSERT_TRUE(noted);
+    EXPECT_LT(std::abs(noted->nanoseconds / 1'000'000'000 - std::time(nullptr)), 60);
+    for (const char* id : {"", "1-2", "20261322100000-000000001-1", "../../etc/passwd"})
+        EXPECT_FALSE(PlanHistory::timeOf(id)) << id;
 
     const timeval old[2] = {{1, 0}, {1, 0}};
     ASSERT_EQ(::utimes(path.c_str(), old), 0);

@@ -122,6 +122,99 @@ TEST_F(PageSheets, APlanIsShownDoneAndUndoneAndTheListFollows) {
     EXPECT_TRUE(on.isShown("planUndo") == false && there("f/a/two.txt") && there("f/b/two.txt"));
 }
 
+// What went leaves the list; the person's own ticks stay, but for one where a plan took the last
+// clear copy.
+TEST_F(PageSheets, OtherTicksStayWhereAPlanWasDone) {
+    struct Case {
+        const char* name;
+        Strings ticked;
+        const char* list;
+    };
+    const Case cases[] = {
+        {"one of two that stay", {"a/three.jpg"}, "three.jpg 2 1/2: x.\n"},
+        {"all that stay", {"a/three.jpg", "b/three.jpg"}, "three.jpg 2 1/2: x.\n"},
+        {"what goes", {"c/three.jpg"}, "three.jpg 0 0/2: ..\n"}};
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.name);
+        ASSERT_TRUE(on.tree.write("f/c/three.jpg", testing::someBytes(1000, 2)));
+        std::filesystem::remove(on.tree.at("plan.json"));
+        ASSERT_TRUE(on.search(on.tree.at("f")));
+        on.tick("three.jpg", "c/three.jpg");
+        key(Qt::Key_S);
+        ASSERT_SOON(sheet("savePlanPanel") != nullptr);
+        ASSERT_EQ(save(on.tree.at("plan.json")), "");
+        on.tick("three.jpg", "c/three.jpg");
+        for (const std::string& name : each.ticked) on.tick("three.jpg", name);
+        ASSERT_TRUE(openPlan(on.tree.at("plan.json")));
+        on.click("planTrash");
+        ASSERT_TRUE(ends("1 file, 1.00 KB moved"));
+        on.click("planCancel");
+        ASSERT_SOON(sheet("planPanel") == nullptr);
+        EXPECT_NE(on.list().find(each.list), std::string::npos) << on.list();
+        EXPECT_EQ(on.isEnabled("stopBtn"), each.ticked[0] != "c/three.jpg");
+    }
+}
+
+// The other names of a file that went have another time of change since, by our own doing.
+TEST_F(PageSheets, WhatHasANameLessByAPlanCanGoAfterIt) {
+    for (const char* name : {"l/a/four.txt", "l/b/four.txt"})
+        ASSERT_TRUE(on.tree.write(name, testing::someBytes(500, 4)));
+    std::filesystem::create_hard_link(on.tree.at("l/a/four.txt"), on.tree.at("l/a/five.txt"));
+    ASSERT_TRUE(on.search(on.tree.at("l")));
+    const std::string group = on.nameOf(on.model().index(0, 0));
+    on.tick(group, "a/four.txt");
+    key(Qt::Key_S);
+    ASSERT_SOON(sheet("savePlanPanel") != nullptr);
+    ASSERT_EQ(save(on.tree.at("plan.json")), "");
+    ASSERT_TRUE(openPlan(on.tree.at("plan.json")));
+    on.click("planTrash");
+    ASSERT_SOON(!there("l/a/four.txt") && on.isShown("planUndo"));
+    on.click("planCancel");
+    ASSERT_SOON(sheet("planPanel") == nullptr);
+    on.tick(group, "a/five.txt");
+    on.dialogs.willAnswer(0);
+    on.click("stopBtn");
+    EXPECT_SOON(!there("l/a/five.txt"));
+    EXPECT_TRUE(there("l/b/four.txt"));
+}
+
+TEST_F(PageSheets, ASheetThatSlidesAwayTakesNoMoreAnswers) {
+    on.click("button");
+    key(Qt::Key_S);
+    ASSERT_SOON(sheet("savePlanPanel") != nullptr);
+    ASSERT_EQ(save(on.tree.at("plan.json")), "");
+    key(Qt::Key_S);
+    ASSERT_SOON(sheet("savePlanPanel") != nullptr);
+    auto& field = on.control<QLineEdit>("planPath");
+    field.setText(QString::fromStdString(on.tree.at("late.json")));
+    QTest::keyClick(&field, Qt::Key_Escape);
+    QTest::keyClick(&field, Qt::Key_Return);
+    ASSERT_SOON(sheet("savePlanPanel") == nullptr);
+    EXPECT_FALSE(there("late.json"));
+
+    const auto pressAll = [&](const char* first, Strings others) {
+        auto& panel = *on.control<QWidget>(first).parentWidget();
+        std::vector<QAbstractButton*> buttons;
+        for (const std::string& name : others)
+            buttons.push_back(panel.findChild<QAbstractButton*>(QString::fromStdString(name)));
+        on.click(first);
+        for (QAbstractButton* const each : buttons) {
+            ASSERT_NE(each, nullptr);
+            each->click();
+        }
+    };
+    ASSERT_TRUE(openPlan(on.tree.at("plan.json")));
+    const std::size_t asked = on.dialogs.alerts().size();
+    pressAll("planCancel", {"planStop", "planFailedLink", "planUndo", "planTrash", "planRemove"});
+    ASSERT_SOON(sheet("planPanel") == nullptr);
+    key(Qt::Key_H);
+    ASSERT_SOON(sheet("historyPanel") != nullptr);
+    pressAll("historyClose", {"historyStop", "historyFailedLink", "historyClear"});
+    ASSERT_SOON(sheet("historyPanel") == nullptr);
+    EXPECT_EQ(on.dialogs.alerts().size(), asked);
+    EXPECT_TRUE(there("f/a/two.txt") && there("f/b/two.txt"));
+}
+
 TEST_F(PageSheets, AnEditedPlanIsRefusedWithItsReason) {
     on.click("button");
     key(Qt::Key_S);
@@ -154,6 +247,10 @@ TEST_F(PageSheets, TheHistoryListsBringsBackAndForgets) {
     auto& list = on.control<TickOutline>("historyList");
     ASSERT_SOON(list.model()->rowCount() == 2 && cell(list, 0, 3) == QStringLiteral("1"));
     EXPECT_EQ(cell(list, 0, 1).toStdString() + ' ' + cell(list, 0, 2).toStdString(), "1 3.00 KB");
+    EXPECT_EQ(cell(list, 1, 0),
+              QLocale().toString(QDateTime(QDate(2020, 1, 1), QTime(0, 0), Qt::UTC).toLocalTime(),
+                                 QLocale::ShortFormat))
+        << "the removal's own time";
     EXPECT_EQ(list.model()->index(1, 0).data(TickModel::GreyRole).toBool(), true);
     EXPECT_EQ(list.model()->index(1, 0).data(Qt::ToolTipRole).toString(),
               QStringLiteral("its record is damaged"));

@@ -128,6 +128,14 @@ std::vector<std::string> PlanHistory::allIds() const {
     return found;
 }
 
+std::optional<Date> PlanHistory::timeOf(std::string_view id) {
+    constexpr std::size_t digits = 14;
+    if (!isHistoryId(id) || id.find('-') != digits) return std::nullopt;
+    const auto part = [&](std::size_t from, std::size_t count) { return id.substr(from, count); };
+    return parseDate(fmt::format("{}-{}-{} {}:{}:{} +0000", part(0, 4), part(4, 2), part(6, 2),
+                                 part(8, 2), part(10, 2), part(12, 2)));
+}
+
 tl::expected<NotedRemoval, std::string> PlanHistory::load(const std::string& id) const {
     if (!isHistoryId(id)) return tl::unexpected(std::string("there is no such removal"));
     const auto text = DurableFile::read(fileOf(id), mostNoteBytes);

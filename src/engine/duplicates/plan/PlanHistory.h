@@ -4,9 +4,11 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <tl/expected.hpp>
 #include <vector>
 
+#include "engine/base/Date.h"
 #include "engine/duplicates/plan/DuplicatePlan.h"
 #include "engine/duplicates/plan/TrashUndo.h"
 #include "platform/descriptor.h"
@@ -35,6 +37,9 @@ public:
 
     /// The ids of the last 30 days, the oldest first.
     [[nodiscard]] std::vector<std::string> ids() const;
+
+    /// When it was noted, which is when it began: its plan may be older. Nothing for no id.
+    [[nodiscard]] static std::optional<Date> timeOf(std::string_view id);
 
     /// Why not, in words: there is none, or its file is damaged, which concerns no other.
     [[nodiscard]] tl::expected<NotedRemoval, std::string> load(const std::string& id) const;
