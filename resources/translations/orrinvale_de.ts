@@ -2253,12 +2253,8 @@
         <translation>Mehr</translation>
     </message>
     <message>
-        <source>Plans, removals of 30 days, a new search</source>
-        <translation>Pläne, Entferntes der letzten 30 Tage, neue Suche</translation>
-    </message>
-    <message>
-        <source>To the trash or for good</source>
-        <translation>In den Papierkorb oder endgültig</translation>
+        <source>To the trash or for good, plans, removals of 30 days</source>
+        <translation>In den Papierkorb oder endgültig, Pläne, Entferntes der letzten 30 Tage</translation>
     </message>
 </context>
 <context>

@@ -263,8 +263,8 @@ bool DuplicateScenes::drawMoved() {
         return widget != nullptr && widget->isVisible();
     };
     if (!click("otherWayBtn")) return false;
-    auto* const ways = m_window->findChild<QMenu*>(QStringLiteral("wayMenu"));
-    ways->actions().back()->trigger();
+    auto* const ways = m_window->findChild<QMenu*>(QStringLiteral("moreMenu"));
+    ways->actions().at(1)->trigger();
     ways->close();
     const bool isSaved = waitForSheet(true) && save("trash-question") && pressInSheet(agree) &&
                          waitFor("the move", [&] { return isShown("undoBtn"); }) && save("moved");

@@ -22,6 +22,32 @@
 #include "ui/kit/dialogs/Sheet.h"
 
 namespace orrinvale {
+namespace {
+
+constexpr QKeyCombination openPlanKeys = Qt::CTRL | Qt::SHIFT | Qt::Key_P;
+constexpr QKeyCombination historyKeys = Qt::CTRL | Qt::Key_H;
+constexpr QKeyCombination saveKeys = Qt::CTRL | Qt::Key_S;
+constexpr QKeyCombination againKeys = Qt::CTRL | Qt::Key_R;
+
+QMenu* newMoreMenu(QWidget* over) {
+    auto* const menu = new QMenu(over);
+    menu->setObjectName(QStringLiteral("moreMenu"));
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    return menu;
+}
+
+// The page's own shortcuts answer to the keys, which the entry only shows.
+QAction* addMoreEntry(QMenu& menu, const QString& text, const QKeySequence& keys,
+                      SameFileDeleteViewController& page,
+                      void (SameFileDeleteViewController::*action)()) {
+    QAction* const entry = menu.addAction(text, &page, action);
+    entry->setShortcut(keys);
+    entry->setShortcutContext(Qt::WidgetShortcut);
+    entry->setShortcutVisibleInContextMenu(true);
+    return entry;
+}
+
+}  // namespace
 
 // Keys work on both views, from which the sheets can be reached.
 void SameFileDeleteViewController::connectDesks() {
@@ -30,40 +56,49 @@ void SameFileDeleteViewController::connectDesks() {
             &SameFileDeleteViewController::deskChanged);
     connect(&m_plans, &PlanDesk::settled, this, &SameFileDeleteViewController::takeOutGone);
     for (QWidget* const view : {m_views->fristView.data(), m_views->detailView}) {
-        auto* const plan = new QShortcut(Qt::CTRL | Qt::SHIFT | Qt::Key_P, view);
+        auto* const plan = new QShortcut(openPlanKeys, view);
         connect(plan, &QShortcut::activated, this, &SameFileDeleteViewController::openPlan);
-        auto* const history = new QShortcut(Qt::CTRL | Qt::Key_H, view);
+        auto* const history = new QShortcut(historyKeys, view);
         connect(history, &QShortcut::activated, this, &SameFileDeleteViewController::showHistory);
     }
 }
 
 void SameFileDeleteViewController::showMoreMenu() {
     if (!bSearchFinished()) return;
-    const bool isOnResult = m_views->detailView->isVisible();
-    const QWidget& button = isOnResult ? *static_cast<QWidget*>(m_views->moreBtn)
-                                       : *static_cast<QWidget*>(m_views->firstMoreBtn);
-    auto* const menu = new QMenu(isOnResult ? m_views->detailView : m_views->fristView.data());
-    menu->setObjectName(QStringLiteral("moreMenu"));
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    using Self = SameFileDeleteViewController;
-    const auto add = [&](const QString& text, const QKeySequence& keys, void (Self::*action)()) {
-        QAction* const entry = menu->addAction(text, this, action);
-        entry->setShortcut(keys);  // the page's own shortcuts answer to the keys
-        entry->setShortcutContext(Qt::WidgetShortcut);
-        entry->setShortcutVisibleInContextMenu(true);
-        return entry;
-    };
-    if (isOnResult) {
-        add(tr("Search Again"), Qt::CTRL | Qt::Key_R, &Self::searchAgain);
-        menu->addSeparator();
-        QAction* const save = add(tr("Save Plan\u2026"), Qt::CTRL | Qt::Key_S, &Self::savePlan);
-        save->setEnabled(!m_selection.allSelectNumArr().empty());
-    }
-    add(tr("Open Plan\u2026"), Qt::CTRL | Qt::SHIFT | Qt::Key_P, &Self::openPlan);
-    menu->addSeparator();
-    add(tr("Removals of 30 Days\u2026"), Qt::CTRL | Qt::Key_H, &Self::showHistory);
+    QMenu* const menu = newMoreMenu(m_views->fristView);
+    addMoreEntry(*menu, tr("Open Plan\u2026"), openPlanKeys, *this,
+                 &SameFileDeleteViewController::openPlan);
+    addMoreEntry(*menu, tr("Removals of 30 Days\u2026"), historyKeys, *this,
+                 &SameFileDeleteViewController::showHistory);
+    const QWidget& button = *m_views->firstMoreBtn;
     menu->popup(button.mapToGlobal(QPoint(0, button.height())));
     menu->setActiveAction(menu->actions().front());
+}
+
+// Both ways, so that the menu is the same whichever is first, but for the order.
+void SameFileDeleteViewController::showWayMenu() {
+    if (!bSearchFinished()) return;
+    const bool isAnyTicked = !m_selection.allSelectNumArr().empty();
+    QMenu* const menu = newMoreMenu(m_views->detailView);
+    for (const bool isToTrash : {m_isTrashFirst, !m_isTrashFirst})
+        menu->addAction(isToTrash ? tr("Move to Trash\u2026") : tr("Remove for Good\u2026"), this,
+                        [this, isToTrash] { ask(isToTrash); })
+            ->setEnabled(isAnyTicked);
+    menu->addSeparator();
+    addMoreEntry(*menu, tr("Save Plan\u2026"), saveKeys, *this,
+                 &SameFileDeleteViewController::savePlan)
+        ->setEnabled(isAnyTicked);
+    addMoreEntry(*menu, tr("Open Plan\u2026"), openPlanKeys, *this,
+                 &SameFileDeleteViewController::openPlan);
+    addMoreEntry(*menu, tr("Removals of 30 Days\u2026"), historyKeys, *this,
+                 &SameFileDeleteViewController::showHistory);
+    menu->addSeparator();
+    addMoreEntry(*menu, tr("Search Again"), againKeys, *this,
+                 &SameFileDeleteViewController::searchAgain);
+    const QWidget& button = *m_views->otherWayBtn;
+    const QSize size = menu->sizeHint();
+    menu->popup(button.mapToGlobal(QPoint(button.width() - size.width(), -size.height())));
+    menu->setActiveAction(menu->actions().at(isAnyTicked ? 1 : 4));
 }
 
 void SameFileDeleteViewController::savePlan() {

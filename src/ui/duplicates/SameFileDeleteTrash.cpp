@@ -4,7 +4,6 @@
 #include <QEvent>
 #include <QLabel>
 #include <QLocale>
-#include <QMenu>
 #include <QStackedWidget>
 #include <algorithm>
 
@@ -48,25 +47,9 @@ void SameFileDeleteViewController::showWays() {
                                                     : count + u", " + m_views->gainLabel->text());
     first.setToolTip(m_isTrashFirst ? tr("Move selected files to the trash")
                                     : tr("Remove selected file"));
-    m_views->otherWayBtn->setVisible(sums.copies != 0 && bSearchFinished());
 }
 
 void SameFileDeleteViewController::removeBtnClicked() { ask(m_isTrashFirst); }
-
-// Both, so that the menu is the same whichever is first, but for the order.
-void SameFileDeleteViewController::showWayMenu() {
-    if (!bSearchFinished() || m_views->otherWayBtn->isHidden()) return;
-    auto* const menu = new QMenu(m_views->detailView);
-    menu->setObjectName(QStringLiteral("wayMenu"));
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    for (const bool isToTrash : {m_isTrashFirst, !m_isTrashFirst})
-        menu->addAction(isToTrash ? tr("Move to Trash\u2026") : tr("Remove for Good\u2026"), this,
-                        [this, isToTrash] { ask(isToTrash); });
-    const QWidget& button = *m_views->otherWayBtn;
-    const QSize size = menu->sizeHint();
-    menu->popup(button.mapToGlobal(QPoint(button.width() - size.width(), -size.height())));
-    menu->setActiveAction(menu->actions().back());
-}
 
 void SameFileDeleteViewController::ask(bool isToTrash) {
     if (!bSearchFinished()) return;

@@ -116,7 +116,6 @@ void SameFileDeleteViewController::connectControls() {
         new QShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O), views.fristView);
     connect(scopeKey, &QShortcut::activated, this, [this] { openScope(); });
     connect(views.firstMoreBtn, &QAbstractButton::clicked, this, &Self::showMoreMenu);
-    connect(views.moreBtn, &QAbstractButton::clicked, this, &Self::showMoreMenu);
     connectDesks();
     views.dragView->installEventFilter(this);
     connect(views.animationHoverImageView, &QAbstractButton::clicked, this, &Self::clickScanBtn);
@@ -184,7 +183,6 @@ StateTable SameFileDeleteViewController::stateTable() const {
         {views.rightImageView, {On, Hidden, Hidden, On, Hidden, On, On, On, On, On}},
         {views.btnBgView, {On, Hidden, Hidden, On, Hidden, On, On, On, On, On}},
         {views.keepBtn, {Off, Off, Off, On, Off, On, Off, Off, Hidden, Off}},
-        {views.moreBtn, {Off, Off, Off, On, Off, On, Off, Off, Hidden, Off}},
         {views.openBtn, {On, On, On, On, On, On, On, Off, Hidden, Off}},
         {views.RevealFinder, {On, On, On, On, On, On, On, Off, Hidden, Off}},
         {views.lockButton, {On, On, On, On, On, On, On, Off, Off, Off}},
@@ -196,7 +194,7 @@ StateTable SameFileDeleteViewController::stateTable() const {
         {views.againBtn, {Kept, Kept, Kept, Kept, Kept, Kept, Off, Hidden, Hidden, Hidden}},
         {views.stopRemoveBtn,
          {Hidden, Hidden, Hidden, Hidden, Hidden, Hidden, Hidden, On, Off, On}},
-        {views.otherWayBtn, {Kept, Kept, Kept, Kept, Kept, Kept, Hidden, Hidden, Hidden, Hidden}},
+        {views.otherWayBtn, {Off, Off, Off, On, Off, On, Off, Hidden, Hidden, Hidden}},
         {views.stopBtn, {Off, Off, Off, Shown, Shown, Shown, Off, Hidden, Off, Hidden}},
     };
 }

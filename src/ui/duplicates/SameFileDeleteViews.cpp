@@ -187,16 +187,12 @@ void SameFileDeleteViews::fillHead(NotificationCenter& notifications) {
     keepBtn = named(new TextImageButton(tr("Keep \u25BE")), "keepBtn");
     keepBtn->setAccessibleName(tr("Keep"));
     keepBtn->setToolTip(tr("Choose which copy of each group stays, and tick all others"));
-    moreBtn = named(new HoverButton, "moreBtn", tr("More"));
-    moreBtn->setText(QStringLiteral("\u22EF"));
-    moreBtn->setToolTip(tr("Plans, removals of 30 days, a new search"));
     auto* const buttons = new QHBoxLayout(btnBgView);
     buttons->setContentsMargins({});
     buttons->setSpacing(Theme::gapTiny);
     for (QWidget* const control :
          {static_cast<QWidget*>(keepBtn), static_cast<QWidget*>(openBtn),
-          static_cast<QWidget*>(RevealFinder), static_cast<QWidget*>(moreBtn),
-          static_cast<QWidget*>(lockButton)})
+          static_cast<QWidget*>(RevealFinder), static_cast<QWidget*>(lockButton)})
         buttons->addWidget(control);
     buttons->insertSpacing(1, Theme::gapSmall);
     head->addWidget(btnBgView);
@@ -240,10 +236,9 @@ void SameFileDeleteViews::fillBottom() {
     gainLabel->setFont(Theme::shared().font(Theme::Text::Body));
     gainLabel->setForegroundRole(QPalette::PlaceholderText);
     gainLabel->hide();
-    otherWayBtn = named(new HoverButton, "otherWayBtn", tr("To the trash or for good"));
+    otherWayBtn = named(new HoverButton, "otherWayBtn", tr("More"));
     otherWayBtn->setText(QStringLiteral("\u25BE"));
-    otherWayBtn->setToolTip(tr("To the trash or for good"));
-    otherWayBtn->hide();
+    otherWayBtn->setToolTip(tr("To the trash or for good, plans, removals of 30 days"));
     trashBtn = named(new PictureView(QStringLiteral("trash"), {20, 20}), "trashBtn");
     stopRemoveBtn = named(new TextImageButton(tr("Stop")), "stopRemoveBtn");
     stopRemoveBtn->hide();

@@ -78,7 +78,6 @@ public:
     std::array<DuplicationLeftCell*, 7> leftCells{};
     QWidget* btnBgView = nullptr;
     TextImageButton* keepBtn = nullptr;  ///< opens the menu of the rules that tick
-    HoverButton* moreBtn = nullptr;      ///< the menu of what is seldom wanted
     TCImageButton* openBtn = nullptr;
     TCImageButton* RevealFinder = nullptr;
     Padlock* lockButton = nullptr;
@@ -92,8 +91,7 @@ public:
     HoverButton* againBtn = nullptr;  ///< once it was
     QLabel* gainLabel =
         nullptr;  ///< what the removal of the ticked copies gives back; hidden while there are none
-    HoverButton* otherWayBtn = nullptr;  ///< the menu of the two ways out; hidden while nothing is
-                                         ///< ticked
+    HoverButton* otherWayBtn = nullptr;  ///< the menu of both ways out, plans and history
     PictureView* trashBtn = nullptr;
     TextImageButton* stopRemoveBtn = nullptr;
     TextImageButton* stopBtn = nullptr;

@@ -70,7 +70,9 @@ TEST_F(PageSheets, WhatIsTickedIsKeptAsAPlanThatTheTerminalReads) {
               "1 file, 1.00 KB. It goes when the plan is opened and confirmed.\n"
               "1 group is left out: all its copies are ticked, and a plan keeps one.");
     ASSERT_TRUE(on.tree.write("mine.json", "no plan"));
-    EXPECT_EQ(save("mine.json"), "Write the whole path, from the first slash on");
+    on.control<QLineEdit>("planPath").setText(QStringLiteral("mine.json"));
+    EXPECT_EQ(on.textOf("savePlanFault"), "Write the whole path, from the first slash on");
+    EXPECT_FALSE(on.isEnabled("savePlan"));
     EXPECT_EQ(save(on.tree.at("mine.json")),
               "Could not be saved: there is a file that is no plan, which stays "
               "as it is");
@@ -236,8 +238,9 @@ TEST_F(PageSheets, AnEditedPlanIsRefusedWithItsReason) {
 
 TEST_F(PageSheets, TheHistoryListsBringsBackAndForgets) {
     on.tick("two.txt");
-    on.dialogs.willAnswer(0);
-    on.click("otherWayBtn");
+    constexpr int trashInstead = 2;
+    on.dialogs.willAnswer(trashInstead);
+    on.click("stopBtn");
     ASSERT_SOON(on.isShown("undoBtn"));
     ASSERT_TRUE(on.waitFor([&] { return on.page().bSearchFinished(); }));
     const std::string damaged = on.stateFolder() + "/removed/20200101000000-000000001-1.json";
@@ -283,7 +286,7 @@ TEST_F(PageSheets, BestPlacesStandInTheirOrder) {
         return text;
     };
     const auto open = [&] {
-        key(Qt::Key_K);
+        on.click("keepBtn");
         auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
         ASSERT_NE(menu, nullptr);
         menu->actions().back()->trigger();
