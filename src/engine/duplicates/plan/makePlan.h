@@ -23,8 +23,8 @@ struct PlanOrigin {
 [[nodiscard]] DuplicatePlan emptyPlan(const PlanOrigin& origin);
 
 /// The same with those of a search that has ended. What can not go by a plan stays: links, and
-/// whatever is protected. Groups of which nothing goes are left out. What lies in a folder that goes
-/// goes with it; nothing is taken out of one that stays.
+/// whatever is protected. Groups of which nothing goes are left out. What lies in a folder that
+/// goes goes with it; nothing is taken out of one that stays.
 [[nodiscard]] DuplicatePlan makePlan(const DuplicateFilesOpt& search, const PlanOrigin& origin);
 
 }  // namespace orrinvale
