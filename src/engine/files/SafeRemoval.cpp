@@ -48,17 +48,22 @@ RemovalResult SafeRemoval::remove(const std::string& path,
     OwnChanges ofThisOne;
     OwnChanges& own = m_shared.own != nullptr ? *m_shared.own : ofThisOne;
     const auto held = HeldEntry::at(m_files, m_places, path, expected, &own, m_shared.parents);
-    if (held) {
-        removeHeld(*held, {stop, seen, own, ask}, result);
-    } else {
-        const HeldEntry::Objection& objection = held.error();
-        const bool isMissing = objection.error == ENOENT;
-        result.refused = objection.kind == HeldEntry::Objection::Kind::Refused;
-        result.gone = isMissing && (objection.kind == HeldEntry::Objection::Kind::NoEntry ||
-                                    isSurelyAbsent(plainPath(path).value_or("/"), expected));
-        result.byOthers = result.gone;
-        if (!result.gone) fail(result, path, objection.why, objection.reason);
-    }
+    if (!held) return notHeld(path, expected, held.error());
+    removeHeld(*held, {stop, seen, own, ask}, result);
+    Log::line(lineOf(path, result));
+    return result;
+}
+
+RemovalResult SafeRemoval::notHeld(const std::string& path,
+                                   const std::optional<EntryIdentity>& expected,
+                                   const HeldEntry::Objection& objection) const {
+    RemovalResult result;
+    const bool isMissing = objection.error == ENOENT;
+    result.refused = objection.kind == HeldEntry::Objection::Kind::Refused;
+    result.gone = isMissing && (objection.kind == HeldEntry::Objection::Kind::NoEntry ||
+                                isSurelyAbsent(plainPath(path).value_or("/"), expected));
+    result.byOthers = result.gone;
+    if (!result.gone) fail(result, path, objection.why, objection.reason);
     Log::line(lineOf(path, result));
     return result;
 }

@@ -50,6 +50,12 @@ public:
                                        const SeenEntries* seen = nullptr,
                                        AskWriters ask = AskWriters::OfNone) const;
 
+    /// What is to be told where HeldEntry::at() had an objection: removes nothing, and looks at
+    /// the folders above alone.
+    [[nodiscard]] RemovalResult notHeld(const std::string& path,
+                                        const std::optional<EntryIdentity>& expected,
+                                        const HeldEntry::Objection& objection) const;
+
 private:
     struct Asked {
         const std::atomic<bool>* stop;

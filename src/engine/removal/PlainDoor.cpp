@@ -45,13 +45,12 @@ void logCopy(const std::string& path, const RemovalResult& result) {
 }  // namespace
 
 RemovalResult PlainDoor::remove(const LeavingEntry& entry, const std::atomic<bool>& stop) {
-    const auto held = entry.look != nullptr
-                          ? HeldEntry::at(m_files, m_places, entry.path, entry.identity)
-                          : tl::unexpected(HeldEntry::Objection{});
-    // What can not be held is told, or found gone, by the plain removal.
-    if (!held)
-        return SafeRemoval(m_files, m_places, {m_own.get(), &m_parents, &m_second})
-            .remove(entry.path, entry.identity, &stop, entry.seen, entry.ask);
+    const SafeRemoval plain(m_files, m_places, {m_own.get(), &m_parents, &m_second});
+    if (entry.look == nullptr)
+        return plain.remove(entry.path, entry.identity, &stop, entry.seen, entry.ask);
+    const auto held = HeldEntry::at(m_files, m_places, entry.path, entry.identity);
+    // No second look: what it would find would go without a comparison.
+    if (!held) return plain.notHeld(entry.path, entry.identity, held.error());
     RemovalResult result = removeCopy(*held, entry, stop);
     logCopy(entry.path, result);
     return result;

@@ -79,6 +79,39 @@ TEST(CopyRemoval, GoesOnlyForACopyThatIsThere) {
     }
 }
 
+/// One look fails, as with too many open files.
+class OneLookFails final : public ForwardingFiles {
+public:
+    explicit OneLookFails(const FileSystem& of) : ForwardingFiles(of) {}
+    using ForwardingFiles::attributes;
+    SysResult<FileAttributes> attributes(int parent, const char* name, Links links) const override {
+        if (--left == 0) return tl::unexpected(EMFILE);
+        return ForwardingFiles::attributes(parent, name, links);
+    }
+    SysResult<Descriptor> holdFolder(int parent, const char* path, Links onTheWay) const override {
+        if (--left == 0) return tl::unexpected(EMFILE);
+        return ForwardingFiles::holdFolder(parent, path, onTheWay);
+    }
+    mutable int left = 0;
+};
+
+TEST(CopyRemoval, ALookThatFailsIsNoWayAroundTheComparison) {
+    int stayedForIt = 0;
+    for (int look = 1; look < 20; ++look) {
+        TestTree tree;
+        const LinuxFileSystem real;
+        const OneLookFails files(real);
+        ASSERT_TRUE(tree.write("a", "the same") && tree.write("b", "the Same"));
+        PairList list(files, {}, {});
+        list.add(tree.at("a"), tree.at("b"));
+        files.left = look;
+        const RemovalOutcome outcome = testing::removeAll(files, tree.at("state"), list);
+        EXPECT_EQ(contentOf(tree.at("a")), "the same") << look;
+        stayedForIt += reasonOf(outcome) == stay::otherContents ? 0 : 1;
+    }
+    EXPECT_GT(stayedForIt, 1) << "no look failed that matters";
+}
+
 // Equal by sizes and times, and yet not by their contents: as a mapping that was dirty before the
 // scan leaves them.
 TEST(CopyRemoval, ContentsDecide) {
