@@ -118,6 +118,9 @@ Settling settle(const FileSystem& files, const AsideRecord& record) {
     const std::string aside = asideName(record.token, own);
     const auto now = files.attributes(parent->get(), aside.c_str(), Links::Keep);
     if (!now) return {now.error() == ENOENT ? Found::Settled : Found::Later, {}};
+    if (!isThatEntry(files, record, *folder, *now) && record.isReplaced &&
+        removeLinkLeftAside(files, parent->get(), aside, own, record.inode))
+        return {Found::BroughtBack, {}};
     if (!isThatEntry(files, record, *folder, *now))
         return {Found::Stays, "it is another entry than the one that was set aside"};
     const auto moved = giveNameBack(files, parent->get(), aside, own);

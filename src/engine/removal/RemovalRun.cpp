@@ -76,7 +76,8 @@ bool RemovalRun::nameInJournal(std::size_t from, std::size_t to) {
     m_isWithoutJournal = !written;
     if (!written)
         Log::line(fmt::format(
-            "Copies go without being set aside, since the journal can not be written: {}",
+            "{}, since the journal can not be written: {}",
+            m_door.replaces() ? "Nothing is linked" : "Copies go without being set aside",
             written.error().reason()));
     return written.has_value();
 }

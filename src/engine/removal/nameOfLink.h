@@ -1,6 +1,7 @@
 // A hard link that took the name of a file that is set aside, and how the file gets its name back.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "platform/fileTypes.h"
@@ -13,8 +14,15 @@ namespace orrinvale {
 [[nodiscard]] bool takeBackFromLink(const FileSystem& files, int folder, const std::string& aside,
                                     const std::string& own);
 
-/// The same where nobody knows who made the link: only if it has the very bytes of the file aside.
+/// The same where nobody knows who made the link: only if it has the very bytes of the file aside,
+/// its owner, rights and attributes.
 [[nodiscard]] bool takeBackName(const FileSystem& files, int folder, const std::string& aside,
                                 const std::string& own);
+
+/// The rest of a takeBackFromLink() that was killed: the file of this inode has its own name
+/// already, and the link, which has further names, bears the name aside. False where it is not so.
+[[nodiscard]] bool removeLinkLeftAside(const FileSystem& files, int folder,
+                                       const std::string& aside, const std::string& own,
+                                       std::uint64_t inode);
 
 }  // namespace orrinvale

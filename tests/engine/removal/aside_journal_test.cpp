@@ -96,6 +96,69 @@ TEST(AsideJournal, TheNextStartBringsBackWhatIsAsideAndNothingElse) {
     }
 }
 
+// A link that took the name, as far as it came: taken back only where nothing is lost by it.
+TEST(AsideJournal, ALinkGivesTheNameBackAtAnyStep) {
+    struct Case {
+        const char* what;
+        std::function<void(TestTree&, const std::string& aside)> meanwhile;
+        bool isReplaced;
+        std::size_t stayed;
+        Strings left;
+    };
+    const std::string aside = asideName(token, "f");
+    const auto linked = [](TestTree& tree, const std::string& own) {
+        setAside(tree, "f");
+        ASSERT_TRUE(tree.hardLink("kept", own));
+    };
+    const auto exchanged = [](TestTree& tree, const std::string& name) {
+        ASSERT_TRUE(tree.hardLink("kept", name));
+    };
+    const std::vector<Case> cases{
+        {"linked",
+         [&](TestTree& tree, const std::string&) { linked(tree, "f"); },
+         true,
+         0,
+         {"f", "kept"}},
+        {"linked by somebody to what has other rights",
+         [&](TestTree& tree, const std::string&) {
+             linked(tree, "f");
+             tree.setMode("kept", 0600);
+         },
+         true,
+         1,
+         {aside, "f", "kept"}},
+        {"on its way back", exchanged, true, 0, {"f", "kept"}},
+        {"no link was to be made", exchanged, false, 1, {aside, "f", "kept"}},
+        {"the last name of a file",
+         [&](TestTree& tree, const std::string& name) {
+             exchanged(tree, name);
+             ::unlink(tree.at("kept").c_str());
+         },
+         true,
+         1,
+         {aside, "f"}},
+    };
+    for (const Case& c : cases) {
+        TestTree tree;
+        const TestTree state;
+        ASSERT_TRUE(tree.write("f", "mine") && tree.write("kept", "mine"));
+        AsideRecord record = recordOf(tree, "f");
+        record.isReplaced = c.isReplaced;
+        {
+            auto journal = AsideJournal::begin(state.at("removals"));
+            ASSERT_TRUE(journal.has_value() && journal->add({&record, 1}).has_value());
+        }
+        c.meanwhile(tree, aside);
+        const AsideRecovery recovery = bringBackAside(LinuxFileSystem(), state.at("removals"));
+        EXPECT_EQ(recovery.stayed.size(), c.stayed) << c.what;
+        EXPECT_EQ(recovery.broughtBack.size(), 1 - c.stayed) << c.what;
+        EXPECT_EQ(namesIn(tree.path()), c.left) << c.what;
+        EXPECT_EQ(recordOf(tree, "f").inode == record.inode,
+                  c.what != std::string("linked by somebody to what has other rights"))
+            << c.what;
+    }
+}
+
 // Its disk is out: nobody knows what stands there, so that a later start asks again.
 TEST(AsideJournal, AVolumeThatIsAbsentIsAskedLater) {
     TestTree tree;
