@@ -32,7 +32,7 @@ BARS = {
 }
 CHANGED_MORE = 0.08
 FIRST = 1.05
-SETTLING = 2.5  # seconds after which a change is trusted to show in the times
+SETTLING = 61  # seconds after which a change is trusted to show in the times
 KINDS = ("nothing", "changed", "first")
 
 

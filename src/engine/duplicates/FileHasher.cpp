@@ -109,13 +109,16 @@ bool FileHasher::isAsListed(const fileAttrbItem& item, const FileAttributes& now
            now.modified == item.modified && now.changed == item.changed;
 }
 
-std::size_t FileHasher::hashSmall(fileAttrbItem& item) {
+FileHasher::Small FileHasher::hashSmall(fileAttrbItem& item) {
     const auto file = m_opener.open(item);
     if (!file) {
         fail(item, "open", file.error());
-        return 0;
+        return {};
     }
-    if (item.type != FileType::Regular) return hashSettled(item, file->get()) ? item.fileSize : 0;
+    const auto settled = [&] {
+        return Small{hashSettled(item, file->get()) ? item.fileSize : 0, false};
+    };
+    if (item.type != FileType::Regular) return settled();
     if (!m_small) m_small = std::make_unique_for_overwrite<std::byte[]>(smallFile + 1);
     ReadState& state = m_opener.state();
     m_files.beginReading(file->get(), item.device, 0, item.fileSize, state);
@@ -123,14 +126,14 @@ std::size_t FileHasher::hashSmall(fileAttrbItem& item) {
     m_files.endReading(file->get(), state);
     if (!count) {
         fail(item, "read", count.error());
-        return 0;
+        return {};
     }
-    if (*count != item.fileSize) return hashSettled(item, file->get()) ? item.fileSize : 0;
+    if (*count != item.fileSize) return settled();
 
     item.md5 = crc::crc64(m_small.get(), static_cast<std::uint32_t>(*count));
     if (*count < headBytes) std::memset(m_small.get() + *count, 0, headBytes - *count);
     item.md5_1k = crc::crc64(m_small.get(), headBytes);
-    return *count;
+    return {*count, true};
 }
 
 FileHasher::Ends FileHasher::hashEnds(fileAttrbItem& item, bool waitForTail) {

@@ -66,9 +66,14 @@ public:
 
     void closeFolder() { m_opener.closeFolder(); }
 
-    /// Reads a file of at most smallFile bytes once and sets both hashes. The bytes read; nothing
-    /// on failure.
-    [[nodiscard]] std::size_t hashSmall(fileAttrbItem& item);
+    /// What hashSmall() read.
+    struct Small {
+        std::size_t bytes = 0;  ///< 0 on failure
+        bool isListed = false;  ///< it had as many bytes as the listing saw
+    };
+
+    /// Reads a file of at most smallFile bytes once and sets both hashes.
+    [[nodiscard]] Small hashSmall(fileAttrbItem& item);
 
     /// What hashEnds() found.
     struct Ends {

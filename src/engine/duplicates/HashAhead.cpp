@@ -236,10 +236,11 @@ void HashAhead::hashFirstVisits(const std::vector<std::uint32_t>& small,
                 m_cache->expect(*m_list[small[at + recalledAhead]]);
             if (recallSmall(small[at])) return count(worker, 1, 0);
             fileAttrbItem& item = *m_list[small[at]];
-            const std::size_t bytes = hasherFor(worker, item).hashSmall(item);
-            m_hashed[small[at]] = bytes != 0;
-            if (bytes != 0) noteFresh(small[at], KnownHashes::head | KnownHashes::whole);
-            count(worker, 1, bytes);
+            const auto done = hasherFor(worker, item).hashSmall(item);
+            m_hashed[small[at]] = done.bytes != 0;
+            if (done.bytes != 0 && done.isListed)
+                noteFresh(small[at], KnownHashes::head | KnownHashes::whole);
+            count(worker, 1, done.bytes);
         } else {
             Large& one = large[at - small.size()];
             if (recallLarge(one)) return count(worker, 1, 0);

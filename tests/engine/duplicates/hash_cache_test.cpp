@@ -57,7 +57,7 @@ protected:
         large.back() = '-', files.write("b/tail", large);
         large.front() = '-', files.write("b/head", large);
         files.write("alone", "of its size alone");
-        files.now += 3 * second;
+        files.now += 61 * second;
     }
 
     // In memory where there is a folder for that: a search writes and flushes.
@@ -83,7 +83,7 @@ TEST_F(Remembered, ASecondSearchReadsNothingAndAThirdWhatChanged) {
     EXPECT_EQ(hashCacheSize(path).files, 8U);
 
     files.write("b/small", "by now other"), files.write("a/other", "the same");
-    files.now += 3 * second;
+    files.now += 61 * second;
     const Groups third = search();
     EXPECT_EQ(files.opened, 1);  // the other one's size is its own
     EXPECT_EQ(third, search(false));
@@ -100,10 +100,10 @@ TEST_F(Remembered, InDoubtAFileIsRead) {
         std::function<void()> between;  // before the second
     } cases[] = {
         {"changed a moment before",
-         [this] { files.setModified("a/small", 1), files.now += 2 * second - 1; },
+         [this] { files.setModified("a/small", 1), files.now += 60 * second - 1; },
          {}},
         {"written a moment before",
-         [this] { files.of("a/small").modified = files.now - 2 * second + 1; },
+         [this] { files.of("a/small").modified = files.now - 60 * second + 1; },
          {}},
         {"from the future", [this] { files.of("a/small").modified = files.now + 9 * second; }, {}},
         {"a clock of whole seconds", [this] { files.of("a/small").changed = 7 * second; }, {}},
@@ -186,7 +186,7 @@ void someChange(MadeUpTimes& disk, std::mt19937& chance) {
             break;
         default: break;
     }
-    constexpr std::array<std::int64_t, 5> steps{0, 4'000'000, second, 3 * second, 86'400 * second};
+    constexpr std::array<std::int64_t, 5> steps{0, 4'000'000, second, 61 * second, 86'400 * second};
     disk.now += steps[chance() % steps.size()];
 }
 
@@ -264,7 +264,7 @@ TEST_F(Remembered, TwoWritersKeepWhatTheOtherFoundOut) {
         for (MadeUpTimes* each : {&files, &others}) {
             for (int at = 0; at < 40; ++at)
                 each->write(fmt::format("{}/{}", round, at), fmt::format("{}", round));
-            each->now += 3 * second;
+            each->now += 61 * second;
         }
         const auto run = [this](MadeUpTimes& system) {
             SearchRequest request;
@@ -285,7 +285,7 @@ TEST_F(Remembered, AFullDiskCostsWhatIsRememberedAlone) {
         if (::mount("small", "/mnt", "tmpfs", 0, "size=8k") != 0)
             return std::string("skip: no tmpfs");
         for (int at = 0; at < 200; ++at) files.write(fmt::format("{}", at), "same");
-        files.now += 3 * second;
+        files.now += 61 * second;
         SearchRequest request;
         request.roots = {files.tree.path()};
         request.cache = newCache(files, "/mnt/file-hashes");

@@ -19,8 +19,9 @@ namespace orrinvale {
 namespace {
 
 constexpr std::int64_t oneSecond = 1'000'000'000;
-// The coarsest clock of a file system, and more than what passes between a write and its time.
-constexpr std::int64_t settlingTime = 2 * oneSecond;
+// What is written through a mapping gets its time when it is written out, half a minute and more
+// later. Longer than that, and than the coarsest clock of a file system.
+constexpr std::int64_t settlingTime = 60 * oneSecond;
 
 // What a small file costs to be looked at again, in bytes that could be read meanwhile.
 constexpr std::uint64_t costOfLook = 16 * 1024;

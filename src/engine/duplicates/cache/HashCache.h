@@ -31,7 +31,7 @@ struct HashCacheParts {
 ///
 /// A file is known again by its file system, inode, size, time of modification, of change and of
 /// making. In doubt nothing is remembered and nothing recalled: of files that were changed less
-/// than two seconds before the search or in its future, whose time of change is in whole seconds,
+/// than a minute before the search or in its future, whose time of change is in whole seconds,
 /// whose inode number need not last; of file systems without a name that lasts; when the clock was
 /// set back since. Who holds a file mapped for writing may change it without a trace in its times,
 /// and so removals compare what was recalled.
