@@ -6,6 +6,7 @@
 
 #include <iterator>
 #include <memory>
+#include <utility>
 
 #include "cli/Output.h"
 #include "cli/RemovalRun.h"
@@ -43,18 +44,30 @@ ShareAccount shareAccountOf(const ShareList& list) {
                 break;
             case As::GoneByOthers: account.byOthers.push_back(list.path(i)); break;
             case As::Stayed: account.kept.push_back({list.path(i), each.reason}); break;
-            case As::NotReached: account.kept.push_back({list.path(i), "stopped before its turn"});
+            case As::NotReached:
+                account.kept.push_back({list.path(i), "stopped before it was done"});
         }
     }
     return account;
 }
 
-bool isShareAgreed(const DuplicatePlan& plan, bool mayLink) {
+std::string counted(std::size_t count, std::string_view of) {
+    return fmt::format("{} {}{}", count, of, count == 1 ? "" : "s");
+}
+
+// Folders share nothing, and each is told so in the end.
+bool isShareAgreed(DuplicatePlan plan, bool mayLink) {
+    const std::size_t folders = sumsOf(plan).bundles;
+    for (PlanGroup& group : plan.groups)
+        std::erase_if(group.members, [](const PlanMember& member) {
+            return member.identity.type == FileType::Folder;
+        });
     const PlanSums sums = sumsOf(plan);
+    if (sums.files == 0) return true;
     return askYes(fmt::format(
-        "Let {}, {}, share the space of the copies that stay?{}",
-        sums.entries() == 1 ? std::string("1 file") : fmt::format("{} files", sums.entries()),
+        "Let {}, {}, share the space of the copies that stay?{}{}", counted(sums.files, "file"),
         UtilityFunction::convertVolSpace(sums.bytes),
+        folders == 0 ? std::string() : fmt::format(" {} left out.", counted(folders, "folder")),
         mayLink ? linkMeaning : " Each stays a file of its own."));
 }
 
@@ -108,17 +121,19 @@ Status ShareCommand::run(const Arguments& arguments) {
     const bool asks = !arguments.has("yes") && !arguments.has("dry-run");
     if (asks && !isTerminal(STDIN_FILENO))
         return badUsage("share asks first, and there is no terminal to ask on; give --yes");
-    const auto plan = planFor(arguments);
+    std::vector<Error> skipped;
+    const auto plan = planFor(arguments, skipped);
     if (!plan) return plan.error();
-    if (asks && sumsOf(*plan).entries() > 0 && !isShareAgreed(*plan, arguments.has("link"))) {
+    if (asks && !isShareAgreed(*plan, arguments.has("link"))) {
         complain("nothing was changed");
         return Status::Done;
     }
-    return share(arguments, *plan);
+    return share(arguments, *plan, std::move(skipped));
 }
 
-tl::expected<DuplicatePlan, Status> ShareCommand::planFor(const Arguments& arguments) const {
-    if (!arguments.has("plan")) return searched(arguments);
+tl::expected<DuplicatePlan, Status> ShareCommand::planFor(const Arguments& arguments,
+                                                          std::vector<Error>& skipped) const {
+    if (!arguments.has("plan")) return searched(arguments, skipped);
     const std::string path = absolutePath(arguments.text("plan"));
     auto plan = loadPlan(path);
     if (plan) return std::move(*plan);
@@ -126,7 +141,8 @@ tl::expected<DuplicatePlan, Status> ShareCommand::planFor(const Arguments& argum
     return tl::unexpected(Status::NoSuchFolder);
 }
 
-tl::expected<DuplicatePlan, Status> ShareCommand::searched(const Arguments& arguments) const {
+tl::expected<DuplicatePlan, Status> ShareCommand::searched(const Arguments& arguments,
+                                                           std::vector<Error>& skipped) const {
     SearchRequest request;
     KeepRules rules;
     if (const auto status = m_duplicates.readSearch(arguments, request, rules))
@@ -138,14 +154,18 @@ tl::expected<DuplicatePlan, Status> ShareCommand::searched(const Arguments& argu
         complain("the search was not ended, so that nothing was changed");
         return tl::unexpected(*ended == Ending::Signalled ? Status::Stopped : Status::SomeSkipped);
     }
+    skipped = search.search()->skipped().entries();
     return makePlan(search, {request.roots, request.protectedFolders, rules});
 }
 
-Status ShareCommand::share(const Arguments& arguments, const DuplicatePlan& plan) const {
+Status ShareCommand::share(const Arguments& arguments, const DuplicatePlan& plan,
+                           std::vector<Error> skipped) const {
     const auto list = std::make_shared<ShareList>(m_files, plan);
     ShareDoor::Order order{nullptr, arguments.has("dry-run")};
     if (arguments.has("link"))
-        order.mayLinkTo = [list](const KeptCopy& kept) { return list->mayLinkTo(kept); };
+        order.objectionToLink = [list](const KeptCopy& kept, std::uint32_t names) {
+            return list->objectionToLink(kept, names);
+        };
     const auto makeDoor = [&] {
         return std::make_unique<ShareDoor>(
             m_files, ProtectedPlaces::ofThisMachine(m_files, programFiles()), order);
@@ -153,6 +173,7 @@ Status ShareCommand::share(const Arguments& arguments, const DuplicatePlan& plan
     const auto freeBefore = order.onlyLooks ? std::nullopt : freeSpaceBehind(list->folders());
     const Ending ending = runRemoval(m_files, list, makeDoor, tellingFor(arguments)).ending;
     ShareAccount account = shareAccountOf(*list);
+    account.skipped = std::move(skipped);
     account.isDryRun = order.onlyLooks;
     account.stopped = ending != Ending::Whole;
     if (const auto after = freeBefore ? freeSpaceBehind(list->folders()) : std::nullopt)
@@ -165,7 +186,7 @@ Status ShareCommand::share(const Arguments& arguments, const DuplicatePlan& plan
     if (arguments.has("json")) printShareJson(out, account);
     else if (arguments.has("print0")) printSharePaths(out, account);
     else printShareListing(out, account);
-    const Status status = finish(out, {}, ending);
+    const Status status = finish(out, account.skipped, ending);
     return status == Status::Done && !account.kept.empty() ? Status::SomeSkipped : status;
 }
 

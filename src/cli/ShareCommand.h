@@ -2,6 +2,7 @@
 #pragma once
 
 #include <tl/expected.hpp>
+#include <vector>
 
 #include "cli/Command.h"
 #include "cli/DuplicatesCommand.h"
@@ -26,9 +27,12 @@ public:
     Status run(const Arguments& arguments) override;
 
 private:
-    [[nodiscard]] tl::expected<DuplicatePlan, Status> planFor(const Arguments& arguments) const;
-    [[nodiscard]] tl::expected<DuplicatePlan, Status> searched(const Arguments& arguments) const;
-    [[nodiscard]] Status share(const Arguments& arguments, const DuplicatePlan& plan) const;
+    [[nodiscard]] tl::expected<DuplicatePlan, Status> planFor(const Arguments& arguments,
+                                                              std::vector<Error>& skipped) const;
+    [[nodiscard]] tl::expected<DuplicatePlan, Status> searched(const Arguments& arguments,
+                                                               std::vector<Error>& skipped) const;
+    [[nodiscard]] Status share(const Arguments& arguments, const DuplicatePlan& plan,
+                               std::vector<Error> skipped) const;
 
     const FileSystem& m_files;
     const DuplicatesCommand m_duplicates;

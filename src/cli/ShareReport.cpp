@@ -55,11 +55,12 @@ void printShareJson(Output& out, const ShareAccount& account) {
         text += ", \"reason\": ";
         appendJsonText(text, each.reason);
     });
-    text += fmt::format(
-        "  \"dryRun\": {},\n  \"promised\": {},\n  \"gained\": {},\n  \"skipped\": [],\n"
-        "  \"stopped\": {}\n}}\n",
-        account.isDryRun, account.promised,
-        account.gained ? fmt::format("{}", *account.gained) : std::string("null"), account.stopped);
+    text +=
+        fmt::format("  \"dryRun\": {},\n  \"promised\": {},\n  \"gained\": {},\n  \"skipped\": [",
+                    account.isDryRun, account.promised,
+                    account.gained ? fmt::format("{}", *account.gained) : std::string("null"));
+    appendJsonSkipped(text, account.skipped);
+    text += fmt::format("],\n  \"stopped\": {}\n}}\n", account.stopped);
     out.write(text);
 }
 

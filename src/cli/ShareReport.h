@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cli/Output.h"
+#include "platform/error.h"
 
 namespace orrinvale::cli {
 
@@ -24,6 +25,7 @@ struct ShareAccount {
     std::vector<std::string> already;   ///< had it in common before, or take none
     std::vector<std::string> byOthers;  ///< were gone when their turn came
     std::vector<Kept> kept;
+    std::vector<Error> skipped;          ///< by the search
     std::uint64_t promised = 0;          ///< bytes that come free at the most
     std::optional<std::int64_t> gained;  ///< by which the free space grew, where that can be told
     bool isDryRun = false;

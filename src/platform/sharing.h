@@ -21,8 +21,8 @@ struct SharedStretch {
 /// both under its locks, so that nobody who writes meanwhile loses anything; times stay. Both need
 /// to be open for reading only; the target has to be this user's own or writable. Offsets are
 /// multiples of 64 KiB, lengths too where they do not reach the end of both files. EOPNOTSUPP or
-/// ENOTTY where the file system knows no shared extents, EXDEV for two file systems, EINVAL behind
-/// the end.
+/// ENOTTY where the file system knows no shared extents, or may share without comparing: all but
+/// btrfs and XFS. EXDEV for two file systems, EINVAL behind the end.
 [[nodiscard]] SysResult<SharedStretch> shareStretch(int source, int target, std::uint64_t offset,
                                                     std::uint64_t length);
 
@@ -40,7 +40,8 @@ struct FileBelongings {
     std::uint32_t owner = 0;
     std::uint32_t group = 0;
     std::uint32_t mode = 0;
-    bool isFixed = false;                                ///< nobody may change or remove it
+    bool isFixed = false;     ///< nobody may change or remove it
+    std::uint32_t flags = 0;  ///< FS_IOC_GETFLAGS: of copying on write, verity, encryption ...
     std::map<std::string, std::string> attributes = {};  ///< extended ones; ACLs are among them
     friend bool operator==(const FileBelongings&, const FileBelongings&) = default;
 };
@@ -49,6 +50,9 @@ struct FileBelongings {
 /// Gives an open file a further name, never over anything: EEXIST. EMLINK at the limit of the file
 /// system, EXDEV through another mount.
 [[nodiscard]] SysResult<void> linkOpenFile(int file, int folder, const char* name);
+
+/// All that waits to be written to the file system of an open file is on the disk when it returns.
+[[nodiscard]] SysResult<void> writeOutFileSystem(int file);
 
 /// Two entries of an open folder take each other's name, in one step.
 [[nodiscard]] SysResult<void> exchangeNames(int folder, const char* one, const char* other);

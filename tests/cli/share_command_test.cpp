@@ -94,5 +94,23 @@ TEST(ShareCommand, AsksAndTakesNoForAnAnswer) {
         EXPECT_EQ(scene.run(arguments).run().status, status) << arguments.back();
 }
 
+// What could not be searched may hold further copies.
+TEST(ShareCommand, TellsWhatTheSearchLeftOut) {
+    TestTree tree("/dev/shm");
+    ASSERT_TRUE(tree.write("data/file", "x") && tree.folder("data/locked"));
+    ASSERT_TRUE(tree.setMode("data/locked", 0) && tree.folder("home"));
+    auto run = commandRun("share", {"--yes", "--json", "--quiet", tree.at("data")});
+    run.environment.push_back("HOME=" + tree.at("home"));
+    if (::geteuid() == 0) {
+        ASSERT_TRUE(tree.giveAway({"data", "data/file", "data/locked", "home"}));
+        run.user = 65534;
+    }
+    const auto done = run.run();
+    EXPECT_EQ(done.status, 1) << done.error;
+    const Json skipped = Json::parse(done.output)["skipped"];
+    ASSERT_EQ(skipped.size(), 1U) << done.output;
+    EXPECT_EQ(skipped[0]["path"], tree.at("data/locked"));
+}
+
 }  // namespace
 }  // namespace orrinvale::testing

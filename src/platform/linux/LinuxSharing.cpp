@@ -4,8 +4,10 @@
 #include <fmt/format.h>
 #include <linux/fiemap.h>
 #include <linux/fs.h>
+#include <linux/magic.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/statfs.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
@@ -108,10 +110,36 @@ SysResult<std::string> attributeNames(int file) {
     }
 }
 
+// Others take the same order and need not compare: some that are served by another machine copied
+// whatever they were told to.
+bool comparesWhatItShares(int file) {
+    struct statfs system {};
+    return ::fstatfs(file, &system) == 0 &&
+           (system.f_type == BTRFS_SUPER_MAGIC || system.f_type == XFS_SUPER_MAGIC);
+}
+
+bool isOneDevice(int one, int other) {
+    struct stat first {};
+    struct stat second {};
+    return ::fstat(one, &first) == 0 && ::fstat(other, &second) == 0 &&
+           first.st_dev == second.st_dev;
+}
+
+// What chattr(1) sets, and what a file system does with the bytes. Whatever knows no such flags
+// answers an error.
+std::uint32_t flagsOf(int file) {
+    constexpr unsigned meant =
+        FS_NOCOW_FL | FS_COMPR_FL | FS_NOCOMP_FL | FS_NODUMP_FL | FS_VERITY_FL | FS_ENCRYPT_FL;
+    int flags = 0;
+    return ::ioctl(file, FS_IOC_GETFLAGS, &flags) == 0 ? static_cast<unsigned>(flags) & meant : 0;
+}
+
 }  // namespace
 
 SysResult<SharedStretch> shareStretch(int source, int target, std::uint64_t offset,
                                       std::uint64_t length) {
+    if (!comparesWhatItShares(target))
+        return tl::unexpected(isOneDevice(source, target) ? EOPNOTSUPP : EXDEV);
     file_dedupe_range order{};
     file_dedupe_range_info info{};
     order.src_offset = info.dest_offset = offset;
@@ -172,7 +200,7 @@ SysResult<FileBelongings> belongingsOf(int file) {
         return tl::unexpected(errno);
     constexpr std::uint64_t fixed = STATX_ATTR_IMMUTABLE | STATX_ATTR_APPEND;
     FileBelongings found{seen.stx_uid, seen.stx_gid, seen.stx_mode,
-                         (seen.stx_attributes & fixed) != 0};
+                         (seen.stx_attributes & fixed) != 0, flagsOf(file)};
     const auto names = attributeNames(file);
     if (!names) return tl::unexpected(names.error());
     for (std::size_t at = 0; at < names->size();) {
@@ -189,6 +217,11 @@ SysResult<FileBelongings> belongingsOf(int file) {
 SysResult<void> linkOpenFile(int file, int folder, const char* name) {
     const std::string link = fmt::format("/proc/self/fd/{}", file);
     if (::linkat(AT_FDCWD, link.c_str(), folder, name, AT_SYMLINK_FOLLOW) == 0) return {};
+    return tl::unexpected(errno);
+}
+
+SysResult<void> writeOutFileSystem(int file) {
+    if (::syncfs(file) == 0) return {};
     return tl::unexpected(errno);
 }
 

@@ -44,7 +44,10 @@ struct ShareRun {
     std::string run(const FileSystem& of, const DuplicatePlan& plan) {
         const auto list = std::make_shared<ShareList>(of, plan);
         ShareDoor::Order order{nullptr, onlyLooks};
-        if (mayLink) order.mayLinkTo = [&](const KeptCopy& kept) { return list->mayLinkTo(kept); };
+        if (mayLink)
+            order.objectionToLink = [&](const KeptCopy& kept, std::uint32_t names) {
+                return list->objectionToLink(kept, names);
+            };
         ShareDoor door(of, {}, order);
         const std::atomic<bool> never{false};
         RemovalRun removal(of, state, *list, door, never, testing::nobodyTold());
@@ -208,11 +211,11 @@ bool setXattr(const std::string& path, const char* value) {
     return ::setxattr(path.c_str(), "user.tag", value, std::strlen(value), 0) == 0;
 }
 
-bool setImmutable(const std::string& path, bool isOn) {
+bool setFlag(const std::string& path, int flag, bool isOn) {
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     int flags = 0;
     if (::ioctl(file.get(), FS_IOC_GETFLAGS, &flags) != 0) return false;
-    flags = isOn ? flags | FS_IMMUTABLE_FL : flags & ~FS_IMMUTABLE_FL;
+    flags = isOn ? flags | flag : flags & ~flag;
     return ::ioctl(file.get(), FS_IOC_SETFLAGS, &flags) == 0;
 }
 
@@ -246,10 +249,13 @@ const std::vector<LinkCase>& linkCases() {
         {"mode", [](TestTree& tree) { return tree.setMode("mode/b", 0600); }, belongings},
         {"attribute", [](TestTree& tree) { return setXattr(tree.at("attribute/b"), "2"); },
          belongings},
+        {"flag", [](TestTree& tree) { return setFlag(tree.at("flag/b"), FS_NODUMP_FL, true); },
+         belongings},
         {"sticky",
          [](TestTree& tree) { return tree.setMode("sticky", 01777) && tree.giveAway({"sticky"}); },
          "anybody may put files into the folder that it is in; "},
-        {"immutable", [](TestTree& tree) { return setImmutable(tree.at("immutable/b"), true); },
+        {"immutable",
+         [](TestTree& tree) { return setFlag(tree.at("immutable/b"), FS_IMMUTABLE_FL, true); },
          "it is marked as not to be changed; "},
         {"differs", [](TestTree& tree) { return tree.write("differs/b", "the same lengtH"); },
          "its contents are not those of the copy that stays; "},
@@ -277,7 +283,7 @@ std::string checkLinkCase(TestTree& tree, const LinkCase& each) {
     if (isOne() != (wasOne || told == "link; ")) return folder + ": one file or two?";
     if (contentOf(b) != own || namesIn(tree.at(folder)) != Strings{"a", "b"})
         return folder + ": not as it was";
-    if (folder == "immutable") setImmutable(b, false);
+    if (folder == "immutable") setFlag(b, FS_IMMUTABLE_FL, false);
     return {};
 }
 
@@ -293,8 +299,22 @@ TEST(ShareLinks, OnlyWhereNothingElseDiffersAndNeverOverAnything) {
             if (!other.write("b", "x")) return std::string("no file");
             return sharedIn({tree.at("s/a"), other.at("b")}, {.mayLink = true});
         };
+        const std::string otherSystem = "the copy that stays is on another file system; ";
         const std::string two = twoSystems("/dev/shm");
-        return two == "the copy that stays is on another file system; " ? "" : two;
+        if (two != otherSystem) return two;
+        // A disk and its copy: all is in the same places.
+        TestTree place("/dev/shm");
+        const std::string copied =
+            "sync; cp --sparse=always $(losetup -nO BACK-FILE $(findmnt -no "
+            "SOURCE /mnt)) {0}/image && mkdir {0}/m && "
+            "mount -o loop {0}/image {0}/m 2>/dev/null";
+        if (!tree.write("copied", testing::someBytes(90'000, 6)) ||
+            std::system(fmt::format(fmt::runtime(copied), place.path()).c_str()) != 0)
+            return "skip: no second disk";
+        const std::string there = place.at("m") + tree.at("copied").substr(4);
+        const std::string clone = sharedIn({tree.at("copied"), there}, {.mayLink = true});
+        (void)!std::system(("umount " + place.at("m")).c_str());
+        return clone == otherSystem ? "" : "a copied disk: " + clone;
     });
 }
 
@@ -318,6 +338,35 @@ TEST(ShareLinks, NeverWithWhatIsProtected) {
         EXPECT_EQ(run.run(files, plan), isKept) << staying;
     }
     EXPECT_NE(attributesOf(tree.at("b")).inode, attributesOf(tree.at("a2")).inode);
+
+    // A name that the plan does not know may be protected; those that it makes are none of these.
+    const auto told = [&](const char* staying) {
+        DuplicatePlan plan = sharePlan({tree.at(staying), tree.at("b"), tree.at("c")});
+        plan.protectedFolders = {tree.at("kept")};
+        return ShareRun{.mayLink = true, .state = tree.at("state")}.run(files, plan);
+    };
+    const std::string hasNames = "the copy that stays has further names, which may be protected; ";
+    EXPECT_EQ(told("a2"), hasNames + hasNames);
+    ASSERT_TRUE(tree.write("d", "same"));
+    EXPECT_EQ(told("d"), "link; link; ");
+}
+
+// Of several that stay the one that lets it share: on its own disk, and not protected.
+TEST(ShareLinks, WithTheNearestThatStays) {
+    TestTree tree("/dev/shm");
+    TestTree elsewhere("/tmp");
+    for (const char* const name : {"a", "b", "kept/a"}) ASSERT_TRUE(tree.write(name, "same"));
+    for (const char* const name : {"a", "b"}) ASSERT_TRUE(elsewhere.write(name, "same"));
+    if (attributesOf(tree.at("a")).device == attributesOf(elsewhere.at("a")).device)
+        GTEST_SKIP() << "one disk";
+    DuplicatePlan plan = sharePlan(
+        {tree.at("a"), tree.at("kept/a"), elsewhere.at("a"), tree.at("b"), elsewhere.at("b")});
+    for (const std::size_t i : {1U, 2U}) plan.groups[0].members[i].goes = false;
+    plan.groups[0].members[1].isProtected = true;
+    plan.protectedFolders = {tree.at("kept")};
+    ShareRun run{.mayLink = true, .state = tree.at("state")};
+    EXPECT_EQ(run.run(files, plan), "link; link; ");
+    EXPECT_EQ(attributesOf(tree.at("b")).inode, attributesOf(tree.at("a")).inode);
 }
 
 // A group of many, some of which are one file: each name follows, and each is counted once.

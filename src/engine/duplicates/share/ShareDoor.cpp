@@ -44,6 +44,11 @@ RemovalResult notHeld(const std::string& path, const HeldEntry::Objection& why) 
     return result;
 }
 
+bool isOneSpace(const SharePair& pair) {
+    return pair.held.attributes.device == pair.keptNow.device ||
+           spaceOf(folderOf(pair.held.path)) == spaceOf(folderOf(pair.kept.path));
+}
+
 void logShare(const std::string& path, const RemovalResult& result) {
     if (result.shared)
         Log::line(fmt::format("{} has its bytes in common with {}{}", path, result.shared->with,
@@ -68,20 +73,20 @@ RemovalResult ShareDoor::share(const LeavingEntry& entry, const std::atomic<bool
     const auto pair = SharePair::open(m_files, std::move(*held), entry.look->kept());
     if (!pair) return stayedWith(pair.error());
     const bool mayHaveExtents = !m_withoutExtents.contains(pair->held.attributes.device);
+    // The places of two disks are equal where one was copied whole from the other.
     if (pair->isOneFile() ||
-        (mayHaveExtents && hasSameExtents(pair->keptFile.get(), pair->file.get()).value_or(false)))
+        (mayHaveExtents && isOneSpace(*pair) &&
+         hasSameExtents(pair->keptFile.get(), pair->file.get()).value_or(false)))
         return sharedBy(SharedBy::Already, *pair, 0);
     StayedEntry why;
     if (auto result = shareExtents(*pair, stop, why)) return std::move(*result);
-    if (!m_order.mayLinkTo) return stayedWith(std::move(why));
+    if (!m_order.objectionToLink) return stayedWith(std::move(why));
     return link(*pair, entry, stop);
 }
 
 // Before anything is changed, and without reading.
 SysResult<void> ShareDoor::wouldShareExtents(const SharePair& pair) const {
-    if (pair.held.attributes.device != pair.keptNow.device &&
-        spaceOf(folderOf(pair.held.path)) != spaceOf(folderOf(pair.kept.path)))
-        return tl::unexpected(EXDEV);
+    if (!isOneSpace(pair)) return tl::unexpected(EXDEV);
     return trySharing(pair.file.get(), pair.held.attributes.size);
 }
 
@@ -123,11 +128,24 @@ std::optional<RemovalResult> ShareDoor::shareExtents(const SharePair& pair,
     return isNoWay(end.error()) ? std::nullopt : std::optional(stayedWith(why));
 }
 
+// What stays may have been written just before the plan was made: it is on the disk before what was
+// there for longer goes. Since then it has not changed, so that once for each disk is enough.
+int ShareDoor::writeOut(const SharePair& pair) {
+    if (m_writtenOut.contains(pair.keptNow.device)) return 0;
+    const auto written = writeOutFileSystem(pair.keptFile.get());
+    if (!written) return written.error();
+    m_writtenOut.insert(pair.keptNow.device);
+    return 0;
+}
+
 RemovalResult ShareDoor::link(const SharePair& pair, const LeavingEntry& entry,
                               const std::atomic<bool>& stop) {
-    if (!m_order.mayLinkTo(pair.kept))
-        return stayedWith(
-            {pair.held.path, std::string(share::keptIsProtected), StayReason::Protected});
+    if (const auto why = m_order.objectionToLink(pair.kept, pair.keptNow.links); !why.empty())
+        return stayedWith({pair.held.path, std::string(why), StayReason::Protected});
+    if (!m_order.onlyLooks)
+        if (const int error = writeOut(pair); error != 0)
+            return stayedWith(
+                {pair.held.path, systemError("sync", {}, error).reason(), stayReasonOf(error)});
     if (!m_order.onlyLooks) return linkCopy(m_files, m_ground, pair, entry, stop);
     if (auto reason = objectionToLink(m_ground, pair)) return stayedWith(std::move(*reason));
     const FileAttributes& copy = pair.held.attributes;

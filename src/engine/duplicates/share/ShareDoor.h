@@ -6,6 +6,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <string_view>
 #include <utility>
 
 #include "engine/duplicates/share/SharePair.h"
@@ -21,15 +22,17 @@ namespace orrinvale {
 class ShareDoor final : public RemovalDoor {
 public:
     struct Order {
-        /// Whether a file may become another name of this copy; nullptr: none may.
-        std::function<bool(const KeptCopy&)> mayLinkTo = nullptr;
+        /// Why no file may become another name of this copy, which has so many names now; empty
+        /// where one may. nullptr: none may.
+        std::function<std::string_view(const KeptCopy&, std::uint32_t names)> objectionToLink =
+            nullptr;
         bool onlyLooks = false;  ///< tells what would become of each, and touches nothing
     };
     ShareDoor(const FileSystem& files, ProtectedPlaces places, Order order)
         : m_files(files), m_places(std::move(places)), m_order(std::move(order)), m_ground(files) {}
 
     [[nodiscard]] bool setsAside() const override {
-        return m_order.mayLinkTo != nullptr && !m_order.onlyLooks;
+        return m_order.objectionToLink != nullptr && !m_order.onlyLooks;
     }
     [[nodiscard]] bool replaces() const override { return true; }
     void flush() override { m_ground.flush(); }
@@ -45,6 +48,7 @@ private:
                                                             StayedEntry& why);
     [[nodiscard]] SysResult<void> wouldShareExtents(const SharePair& pair) const;
     [[nodiscard]] std::uint32_t nameLooked(const SharePair& pair);
+    [[nodiscard]] int writeOut(const SharePair& pair);
     [[nodiscard]] RemovalResult link(const SharePair& pair, const LeavingEntry& entry,
                                      const std::atomic<bool>& stop);
 
@@ -54,6 +58,7 @@ private:
     RenameGround m_ground;
     HeldParents m_parents;
     std::set<std::uint64_t> m_withoutExtents;  // devices
+    std::set<std::uint64_t> m_writtenOut;      // likewise
     std::map<std::pair<std::uint64_t, std::uint64_t>, std::uint32_t>
         m_looked;  // names, by device and inode
 };

@@ -1,27 +1,84 @@
 // plan/PlanRemoval.h says what may be touched and which copy stays.
 #include "engine/duplicates/share/ShareList.h"
 
+#include <algorithm>
 #include <map>
 
 #include "engine/base/saturating.h"
+#include "engine/duplicates/share/shareReasons.h"
 #include "platform/freeSpace.h"
 #include "platform/paths.h"
 
 namespace orrinvale {
 
-ShareList::ShareList(const FileSystem& files, const DuplicatePlan& plan) : m_copies(files, plan) {
+namespace {
+
+bool isOnDevice(const PlanMember& member, std::uint64_t device) {
+    return member.identity.device == device;
+}
+
+PlanGroup groupOf(std::vector<PlanMember> staying, const std::vector<PlanMember>& going,
+                  std::uint64_t device) {
+    std::ranges::stable_sort(staying, {}, [&](const PlanMember& each) {
+        return std::pair(isOnDevice(each, device), !each.isProtected);
+    });
+    staying.insert(staying.end(), going.begin(), going.end());
+    return {std::move(staying)};
+}
+
+// What goes has its bytes in common with the last one that stays: of those on its own disk, if
+// there are any, and with one that is not protected, if there is any. What has none on its disk
+// comes first, since a name that is made later gives what stays another time of change.
+DuplicatePlan nearestLast(const DuplicatePlan& plan) {
+    DuplicatePlan arranged = plan;
+    arranged.groups.clear();
+    for (const PlanGroup& group : plan.groups) {
+        std::vector<PlanMember> staying;
+        std::map<std::uint64_t, std::vector<PlanMember>> going;  // by device
+        for (const PlanMember& member : group.members)
+            (member.goes ? going[member.identity.device] : staying).push_back(member);
+        for (const bool isNear : {false, true})
+            for (const auto& [device, members] : going)
+                if (isNear == std::ranges::any_of(staying, [&](const PlanMember& each) {
+                        return isOnDevice(each, device);
+                    }))
+                    arranged.groups.push_back(groupOf(staying, members, device));
+        if (going.empty()) arranged.groups.push_back(group);
+    }
+    return arranged;
+}
+
+}  // namespace
+
+ShareList::ShareList(const FileSystem& files, const DuplicatePlan& plan)
+    : m_copies(files, nearestLast(plan)), m_hasProtected(!plan.protectedFolders.empty()) {
     m_account.resize(m_copies.size());
     for (const PlanGroup& group : plan.groups)
         for (const PlanMember& member : group.members) {
+            ++m_names[{member.identity.device, member.identity.inode}];
             if (member.goes) m_folders.insert(folderOf(member.path));
             if (member.isProtected)
                 m_protectedFiles.emplace(member.identity.device, member.identity.inode);
         }
 }
 
-bool ShareList::mayLinkTo(const KeptCopy& kept) {
-    return !m_protectedFiles.contains({kept.identity.device, kept.identity.inode}) &&
-           !m_copies.isGuarded(kept.path);
+// A name that the search left out may lie in a protected folder.
+std::string_view ShareList::objectionToLink(const KeptCopy& kept, std::uint32_t names) {
+    const FileKey file{kept.identity.device, kept.identity.inode};
+    if (m_protectedFiles.contains(file) || m_copies.isGuarded(kept.path))
+        return share::keptIsProtected;
+    if (!m_hasProtected) return {};
+    const auto known = m_names.find(file);
+    return known == m_names.end() || names > known->second ? share::keptHasNames
+                                                           : std::string_view();
+}
+
+// What the entry was has one name less, what it is now one more.
+void ShareList::noteLinked(std::size_t index, const FileKey& kept) {
+    ++m_names[kept];
+    const auto identity = m_copies.identity(index);
+    const auto was = m_names.find({identity->device, identity->inode});
+    if (was != m_names.end() && was->second > 0) --was->second;
 }
 
 void ShareList::settled(std::size_t index, const RemovalResult& result) {
@@ -30,6 +87,8 @@ void ShareList::settled(std::size_t index, const RemovalResult& result) {
     if (result.shared) {
         account = {As::Shared, *result.shared};
         addSaturating(m_promised, result.shared->bytes);
+        if (result.shared->by == RemovalResult::Shared::By::HardLink && result.shared->keptChanged)
+            noteLinked(index, result.shared->keptFile);
     } else if (result.gone) {
         account.as = As::GoneByOthers;
     } else if (!result.failures.empty()) {

@@ -3,10 +3,12 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -39,9 +41,10 @@ public:
     }
     void settled(std::size_t index, const RemovalResult& result) override;
 
-    /// Whether a file may become another name of this copy: neither it nor any other name of it
-    /// that the plan knows is protected. Once the turn has come, on the removing thread.
-    [[nodiscard]] bool mayLinkTo(const KeptCopy& kept);
+    /// Why no file may become another name of this copy, which has so many names now: one of them
+    /// is protected, or may be. Empty where one may. Once the turn has come, on the removing
+    /// thread.
+    [[nodiscard]] std::string_view objectionToLink(const KeptCopy& kept, std::uint32_t names);
 
     /// What became of an entry, for when the job has ended.
     struct Settled {
@@ -57,8 +60,13 @@ public:
     [[nodiscard]] const std::set<std::string>& folders() const { return m_folders; }
 
 private:
+    using FileKey = std::pair<std::uint64_t, std::uint64_t>;  // device and inode
+    void noteLinked(std::size_t index, const FileKey& kept);
+
     PlanRemoval m_copies;
-    std::set<std::pair<std::uint64_t, std::uint64_t>> m_protectedFiles;  // devices and inodes
+    bool m_hasProtected;  // folders
+    std::set<FileKey> m_protectedFiles;
+    std::map<FileKey, std::uint32_t> m_names;  // that the plan knows, and that were made since
     std::set<std::string> m_folders;
     std::vector<Settled> m_account;
     std::uint64_t m_promised = 0;

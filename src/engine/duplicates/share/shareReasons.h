@@ -14,6 +14,8 @@ inline constexpr std::string_view otherFileSystem = "the copy that stays is on a
 inline constexpr std::string_view noFile = "only files can have their space in common";
 inline constexpr std::string_view keptIsProtected =
     "the copy that stays is protected, and a hard link would let it change";
+inline constexpr std::string_view keptHasNames =
+    "the copy that stays has further names, which may be protected";
 inline constexpr std::string_view otherBelongings =
     "owner, group, rights or extended attributes are not those of the copy that stays";
 inline constexpr std::string_view fixed = "it is marked as not to be changed";
