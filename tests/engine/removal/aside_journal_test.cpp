@@ -126,9 +126,9 @@ TEST(AsideJournal, ALinkGivesTheNameBackAtAnyStep) {
          },
          true,
          1,
-         {aside, "f", "kept"}},
+         {"f", "kept", aside}},
         {"on its way back", exchanged, true, 0, {"f", "kept"}},
-        {"no link was to be made", exchanged, false, 1, {aside, "f", "kept"}},
+        {"no link was to be made", exchanged, false, 1, {"f", "kept", aside}},
         {"the last name of a file",
          [&](TestTree& tree, const std::string& name) {
              exchanged(tree, name);
@@ -136,7 +136,7 @@ TEST(AsideJournal, ALinkGivesTheNameBackAtAnyStep) {
          },
          true,
          1,
-         {aside, "f"}},
+         {"f", aside}},
     };
     for (const Case& c : cases) {
         TestTree tree;
