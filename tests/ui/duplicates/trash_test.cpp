@@ -33,7 +33,9 @@ protected:
             menu->actions().at(1)->trigger();
             menu->close();
         }
-        return on.waitFor([this] { return !on.page().bSearchFinished(); }) && rests();
+        if (!on.waitFor([this] { return !on.page().bSearchFinished(); })) return false;
+        EXPECT_FALSE(on.isShown("undoBtn") || on.isShown("againBtn")) << "there is nothing yet";
+        return rests();
     }
     /// By its key where no menu was open before, which takes the activation of the window here.
     bool undo(bool byKey = false) {
