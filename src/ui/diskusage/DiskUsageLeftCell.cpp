@@ -14,7 +14,7 @@ namespace orrinvale {
 namespace {
 
 constexpr int iconSide = 20;
-constexpr int barHeight = 3;
+constexpr int leftBarHeight = 3;
 constexpr qsizetype narrowKeep = 12, wideKeep = 15;
 
 }  // namespace
@@ -102,7 +102,7 @@ void DiskUsageLeftCell::paintEvent(QPaintEvent* /*event*/) {
     line.moveTop(line.bottom() - (m_place.fullness ? 2 : 0));
     draw(below, Theme::Text::Caption, Theme::Color::TextSecondary);
     if (!m_place.fullness) return;
-    QRect bar(line.left(), height() - 7, line.width(), barHeight);
+    QRect bar(line.left(), height() - 7, line.width(), leftBarHeight);
     painter.fillRect(shown(bar), theme.color(Theme::Color::Line));
     bar.setWidth(qRound(bar.width() * *m_place.fullness));
     painter.fillRect(shown(bar),

@@ -14,7 +14,7 @@
 namespace orrinvale {
 namespace {
 
-constexpr int barHeight = 2;
+constexpr int programBarHeight = 2;
 
 }  // namespace
 
@@ -56,7 +56,7 @@ void ProgramList::paintEvent(QPaintEvent* /*event*/) {
     for (const ProgramMemory& each : m_programs) {
         const QString size = sizeOf(each);
         const int sizeWidth = painter.fontMetrics().horizontalAdvance(size);
-        const QRect row(0, top, width(), rowHeight - barHeight - 2);
+        const QRect row(0, top, width(), rowHeight - programBarHeight - 2);
         painter.setPen(theme.color(Theme::Color::TextSecondary));
         painter.drawText(row, Qt::AlignRight | Qt::AlignVCenter, size);
         painter.setPen(theme.color(Theme::Color::Text));
@@ -65,10 +65,11 @@ void ProgramList::paintEvent(QPaintEvent* /*event*/) {
                          painter.fontMetrics().elidedText(nameOf(each), Qt::ElideMiddle, room));
         const double share = static_cast<double>(each.bytes) /
                              static_cast<double>(std::max<std::uint64_t>(1, m_programs[0].bytes));
-        const QRect bar(0, top + rowHeight - barHeight - 1, width(), barHeight);
+        const QRect bar(0, top + rowHeight - programBarHeight - 1, width(), programBarHeight);
         painter.fillRect(bar, theme.color(Theme::Color::Line));
-        painter.fillRect(mirrored({0, bar.top(), static_cast<int>(share * width()), barHeight}),
-                         theme.color(Theme::Color::Accent));
+        painter.fillRect(
+            mirrored({0, bar.top(), static_cast<int>(share * width()), programBarHeight}),
+            theme.color(Theme::Color::Accent));
         top += rowHeight;
     }
 }

@@ -26,7 +26,7 @@ constexpr int left = 14;
 constexpr int textLeft = 46;
 constexpr int buttonSide = 24;
 constexpr int right = 14;
-constexpr int barHeight = 3;
+constexpr int menuBarHeight = 3;
 
 QString shown(const QString& size) { return shownSize(size.toStdString()); }
 
@@ -250,7 +250,8 @@ void MenuItemView::paintBar(QPainter& painter) const {
                                              m_seen.record->volType);
     if (bar.empty()) return;
     painter.setOpacity(m_seen.silence.empty() ? 1.0 : 0.4);
-    const QRect place = mirrored({textLeft, height() - barHeight - 3, wideOf(*this), barHeight});
+    const QRect place =
+        mirrored({textLeft, height() - menuBarHeight - 3, wideOf(*this), menuBarHeight});
     painter.drawPixmap(
         place, picturePixmap(QString::fromStdString(bar), place.size(), devicePixelRatioF()));
     painter.setOpacity(1.0);

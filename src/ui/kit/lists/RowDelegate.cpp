@@ -18,7 +18,7 @@ namespace {
 
 constexpr int boxMargin = Theme::gapTiny;
 constexpr int afterBox = boxMargin + tickBoxSize + Theme::gapSmall;
-constexpr int barHeight = 2;
+constexpr int rowBarHeight = 2;
 
 CellLook lookOf(const QModelIndex& index) {
     return static_cast<CellLook>(index.data(TickModel::LookRole).toInt());
@@ -148,7 +148,7 @@ private:
     void drawShare() {
         const QVariant share = m_index.data(TickModel::ShareRole);
         if (!share.isValid()) return;
-        QRect bar(m_rect.left(), m_rect.bottom() - 2 * barHeight, m_rect.width(), barHeight);
+        QRect bar(m_rect.left(), m_rect.bottom() - 2 * rowBarHeight, m_rect.width(), rowBarHeight);
         m_painter.fillRect(visual(bar), Theme::shared().color(Theme::Color::Line));
         bar.setWidth(qRound(bar.width() * std::clamp(share.toDouble(), 0.0, 1.0)));
         m_painter.fillRect(visual(bar), Theme::shared().color(m_isGrey ? Theme::Color::TextDisabled
