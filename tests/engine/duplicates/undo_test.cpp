@@ -313,23 +313,29 @@ TEST(TrashUndo, AFolderWithTheNumberOfABundleStaysInTheTrash) {
     EXPECT_EQ(contentOf(trashed.tree.at("b/X.app/bin")), "the same");
 }
 
+// Writes three equal files, of which those in the folders a and b go.
+DuplicatePlan planOfTwoMounts() {
+    DuplicatePlan plan;
+    plan.groups.resize(1);
+    for (const char* const path : {"/mnt/a/x", "/mnt/b/y", "/mnt/stays"}) {
+        std::ofstream(path) << "the same";
+        PlanMember member;
+        member.path = path;
+        member.goes = path != std::string_view("/mnt/stays");
+        member.identity = EntryIdentity::of(attributesOf(path));
+        member.size = member.identity.size;
+        plan.groups[0].members.push_back(std::move(member));
+    }
+    return plan;
+}
+
 // On a volume of its own, whose trash is found by what stands of the way to the folder.
 TEST(TrashUndo, AFolderThatIsGoneCostsNoOther) {
     withOwnMounts([]() -> std::string {
         for (const char* const folder : {"/mnt/a", "/mnt/b"})
             std::filesystem::create_directory(folder);
         if (!testing::mountRam("/mnt/home")) return "skip: no tmpfs";
-        DuplicatePlan plan;
-        plan.groups.resize(1);
-        for (const char* const path : {"/mnt/a/x", "/mnt/b/y", "/mnt/stays"}) {
-            std::ofstream(path) << "the same";
-            PlanMember member;
-            member.path = path;
-            member.goes = path != std::string_view("/mnt/stays");
-            member.identity = EntryIdentity::of(attributesOf(path));
-            member.size = member.identity.size;
-            plan.groups[0].members.push_back(std::move(member));
-        }
+        const DuplicatePlan plan = planOfTwoMounts();
         const FolderVariables variables{.home = "/mnt/home", .user = ::geteuid()};
         const auto folders = foldersOf(files, plan);
         PlanRemoval list(files, plan);
@@ -355,17 +361,7 @@ TEST(TrashUndo, EachMountOfAVolumeIsAsked) {
             if (!testing::bindMount("/mnt/disk", "/mnt/a") ||
                 !testing::bindMount("/mnt/disk" + part, "/mnt/b"))
                 return "skip: no mounts here";
-            DuplicatePlan plan;
-            plan.groups.resize(1);
-            for (const char* const path : {"/mnt/a/x", "/mnt/b/y", "/mnt/stays"}) {
-                std::ofstream(path) << "the same";
-                PlanMember member;
-                member.path = path;
-                member.goes = path != std::string_view("/mnt/stays");
-                member.identity = EntryIdentity::of(attributesOf(path));
-                member.size = member.identity.size;
-                plan.groups[0].members.push_back(std::move(member));
-            }
+            const DuplicatePlan plan = planOfTwoMounts();
             const FolderVariables variables{.home = "/mnt/home", .user = ::geteuid()};
             const auto folders = foldersOf(files, plan);
             PlanRemoval list(files, plan);
