@@ -2,12 +2,11 @@
 #include "ui/duplicates/trashWords.h"
 
 #include <QCoreApplication>
-#include <map>
 
 #include "engine/text/UtilityFunction.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/pathText.h"
-#include "ui/kit/dialogs/failureWords.h"
+#include "ui/kit/dialogs/LineList.h"
 
 namespace orrinvale {
 namespace {
@@ -48,22 +47,12 @@ QString leftText(const UndoOutcome& outcome) {
 }
 
 QStringList leftLines(const UndoOutcome& outcome) {
-    std::map<std::string, QStringList> byReason;
-    for (const UndoOutcome::Left& each : outcome.left) {
+    return linesByReason(outcome.left, [](const UndoOutcome::Left& each) {
         const QString path = onOneLine(QString::fromStdString(each.path));
-        byReason[each.reason].push_back(
-            QStringLiteral("    ") +
-            (each.place.empty() ? path
-                                : TrashWords::tr("%1, in the trash as %2")
-                                      .arg(path, onOneLine(QString::fromStdString(each.place)))));
-    }
-    QStringList lines;
-    for (const auto& [reason, paths] : byReason) {
-        lines.push_back(
-            QStringLiteral("%1 (%2)").arg(inWords(reason), QString::number(paths.size())));
-        lines.append(paths);
-    }
-    return lines;
+        return each.place.empty() ? path
+                                  : TrashWords::tr("%1, in the trash as %2")
+                                        .arg(path, onOneLine(QString::fromStdString(each.place)));
+    });
 }
 
 }  // namespace orrinvale

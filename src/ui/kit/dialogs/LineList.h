@@ -26,20 +26,27 @@ void setLinesOf(QDialog& lineList, const QStringList& lines);
 /// A line for each: "reason: path".
 [[nodiscard]] QStringList linesOf(const std::vector<Error>& errors);
 
-/// Paths under their reasons, each reason with how many they are. A failure has a `path` in exact
-/// bytes and a `reason`.
-template <class Failures> [[nodiscard]] QStringList linesByReason(const Failures& failures) {
+/// What `textOf` says of each failure under their reasons, each reason with how many they are. A
+/// failure has a `reason`.
+template <class Failures, class TextOf>
+[[nodiscard]] QStringList linesByReason(const Failures& failures, TextOf textOf) {
     std::map<std::string, QStringList> byReason;
     for (const auto& failure : failures)
-        byReason[failure.reason].push_back(QStringLiteral("    ") +
-                                           onOneLine(QString::fromStdString(failure.path)));
+        byReason[failure.reason].push_back(QStringLiteral("    ") + textOf(failure));
     QStringList lines;
-    for (const auto& [reason, paths] : byReason) {
+    for (const auto& [reason, texts] : byReason) {
         lines.push_back(
-            QStringLiteral("%1 (%2)").arg(inWords(reason), QString::number(paths.size())));
-        lines.append(paths);
+            QStringLiteral("%1 (%2)").arg(inWords(reason), QString::number(texts.size())));
+        lines.append(texts);
     }
     return lines;
+}
+
+/// The same with their paths, in exact bytes as `path`.
+template <class Failures> [[nodiscard]] QStringList linesByReason(const Failures& failures) {
+    return linesByReason(failures, [](const auto& failure) {
+        return onOneLine(QString::fromStdString(failure.path));
+    });
 }
 
 }  // namespace orrinvale
