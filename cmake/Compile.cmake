@@ -61,9 +61,10 @@ function(orrinvale_precompile target)
   endforeach()
 endfunction()
 
-# A machine that builds all of it once compiles eight sources of a library as one, which is half of the work; who builds it again and
-# again is better off without. The sources of one such group share the names that are in no header.
-option(ORRINVALE_GROUPS "Compile the sources of the libraries in groups" OFF)
+# A machine that builds all of it once compiles eight sources of a library or test program as one, which is half of the work; who builds
+# it again and again is better off without. The sources of one such group share the names that are in no header: tests/tools/
+# check_groups.py finds those given twice before a group does.
+option(ORRINVALE_GROUPS "Compile the sources of libraries and test programs in groups" OFF)
 function(orrinvale_group target)
   set_target_properties(${target} PROPERTIES UNITY_BUILD ${ORRINVALE_GROUPS} UNITY_BUILD_BATCH_SIZE 8)
 endfunction()

@@ -17,16 +17,17 @@
 namespace orrinvale::cli {
 namespace {
 
-using Records = VolumesInfo::VolumeArray;
+using EjectionRecords = VolumesInfo::VolumeArray;
 
-template <class Condition> Records recordsWhere(const Records& all, Condition condition) {
-    Records found;
+template <class Condition>
+EjectionRecords recordsWhere(const EjectionRecords& all, Condition condition) {
+    EjectionRecords found;
     std::copy_if(all.begin(), all.end(), std::back_inserter(found), condition);
     return found;
 }
 
-Records recordsNamed(const Records& all, const std::string& given) {
-    Records found;
+EjectionRecords recordsNamed(const EjectionRecords& all, const std::string& given) {
+    EjectionRecords found;
     if (given.find('/') != std::string::npos) {
         const std::string path = absolutePath(given);
         found = recordsWhere(all, [&](const auto& volume) { return volume->volRootDir == path; });
@@ -120,7 +121,7 @@ Status EjectCommand::run(const Arguments& arguments) {
     if (given.empty()) return badUsage("the name of the volume is empty");
     NotedVolumes platform(m_platform);
     VolumesInfo info(platform);
-    const Records found = recordsNamed(info.volsArray(), given);
+    const EjectionRecords found = recordsNamed(info.volsArray(), given);
     if (found.empty()) return unlisted(given, platform.failures());
     if (found.size() > 1) {
         for (const auto& volume : found)

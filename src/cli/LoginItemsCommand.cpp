@@ -23,13 +23,13 @@
 namespace orrinvale::cli {
 namespace {
 
-using Records = std::vector<LoginItemRecord>;
+using ItemRecords = std::vector<LoginItemRecord>;
 
 std::string_view sourceOf(const LoginItemRecord& item) {
     return item.isPersons && !(item.isDeleted && item.isSystems) ? "user" : "system";
 }
 
-std::string documentOf(const Records& items) {
+std::string documentOf(const ItemRecords& items) {
     std::string text = "{\"items\": [";
     const char* between = "\n    ";
     for (std::size_t i = 0; i < items.size(); ++i) {
@@ -52,7 +52,7 @@ std::string documentOf(const Records& items) {
     return text + "\n  ],\n  \"skipped\": [], \"stopped\": false}\n";
 }
 
-void printListing(Output& out, const Records& items) {
+void printListing(Output& out, const ItemRecords& items) {
     if (items.empty()) out.write("Nothing starts at login.\n");
     for (std::size_t i = 0; i < items.size(); ++i) {
         const LoginItemRecord& each = items[i];
@@ -62,7 +62,7 @@ void printListing(Output& out, const Records& items) {
     }
 }
 
-Status print(const Arguments& arguments, const Records& items) {
+Status print(const Arguments& arguments, const ItemRecords& items) {
     Output out(STDOUT_FILENO);
     if (arguments.has("json")) out.write(documentOf(items));
     else if (arguments.has("print0"))
@@ -85,7 +85,7 @@ std::string_view wordsOf(std::int32_t status) {
 }
 
 // By index or by file name; null where there is none.
-const LoginItemRecord* itemNamed(const Records& items, const std::string& given) {
+const LoginItemRecord* itemNamed(const ItemRecords& items, const std::string& given) {
     std::size_t index = 0;
     const auto read = std::from_chars(given.data(), given.data() + given.size(), index);
     if (read.ec == std::errc() && read.ptr == given.data() + given.size())
@@ -169,7 +169,7 @@ Status LoginItemsCommand::run(const Arguments& arguments) {
         return badUsage("login-items takes list, add PATH, remove ITEM, on ITEM, or off ITEM");
     if (action == "add") return add(items, words[1]);
     std::int32_t status = 0;
-    const Records records = items.list(status);
+    const ItemRecords records = items.list(status);
     if (status != 0) return failed(items.folders().persons, "it could not be read");
     if (action == "list") return print(arguments, records);
     if (!takesItem) return badUsage(fmt::format("login-items can not \"{}\"", action));

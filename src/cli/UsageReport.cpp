@@ -14,9 +14,10 @@ namespace {
 
 /// Goes through what is to be printed, a folder before its contents and its end behind them.
 /// `path` is the path of the entry in hand.
-class Rows {
+class UsageRows {
 public:
-    Rows(const FSNodeTree& tree, std::uint64_t depth) : m_depth(depth), m_path(tree.rootPath()) {
+    UsageRows(const FSNodeTree& tree, std::uint64_t depth)
+        : m_depth(depth), m_path(tree.rootPath()) {
         open(tree.root());
     }
 
@@ -106,7 +107,7 @@ void printJson(Output& out, const FSNodeTree& tree, const UsageExtent& extent,
     appendJsonSkipped(text, skipped);
     text += "],\n  \"entries\": [";
     bool isFirst = true;
-    for (Rows rows(tree, extent.depth); !rows.atEnd();) {
+    for (UsageRows rows(tree, extent.depth); !rows.atEnd();) {
         const FSNode* const node = rows.next();
         if (node == nullptr) {
             if (rows.atEnd()) break;
@@ -141,7 +142,7 @@ void printJson(Output& out, const FSNodeTree& tree, const UsageExtent& extent,
 }
 
 void printPaths(Output& out, const FSNodeTree& tree, const UsageExtent& extent) {
-    for (Rows rows(tree, extent.depth); !rows.atEnd();) {
+    for (UsageRows rows(tree, extent.depth); !rows.atEnd();) {
         const FSNode* const node = rows.next();
         if (node == nullptr) continue;
         out.write(rows.path());
@@ -165,7 +166,7 @@ void printListing(Output& out, const FSNodeTree& tree, const UsageExtent& extent
              fmt::format("({} {} under {})", leftOut.entries,
                          leftOut.entries == 1 ? "item" : "items", limit));
     };
-    for (Rows rows(tree, extent.depth); !rows.atEnd();) {
+    for (UsageRows rows(tree, extent.depth); !rows.atEnd();) {
         const std::size_t depth = rows.depth();
         const FSNode* const node = rows.next();
         if (node == nullptr) {

@@ -12,7 +12,7 @@
 namespace orrinvale::cli {
 namespace {
 
-using Records = VolumesInfo::VolumeArray;
+using VolumeRecords = VolumesInfo::VolumeArray;
 
 std::string_view typeName(std::int32_t type) {
     switch (type) {
@@ -72,7 +72,7 @@ std::string_view nameOf(VolumeEvent::Kind kind) {
 
 }  // namespace
 
-void printVolumesJson(Output& out, const Records& volumes, const std::vector<Error>& skipped,
+void printVolumesJson(Output& out, const VolumeRecords& volumes, const std::vector<Error>& skipped,
                       bool stopped) {
     std::string text = "{\n  \"volumes\": [";
     const char* between = "\n    ";
@@ -86,14 +86,14 @@ void printVolumesJson(Output& out, const Records& volumes, const std::vector<Err
     out.write(text + fmt::format("],\n  \"stopped\": {}\n}}\n", stopped));
 }
 
-void printVolumePaths(Output& out, const Records& volumes) {
+void printVolumePaths(Output& out, const VolumeRecords& volumes) {
     for (const auto& volume : volumes) {
         out.write(volume->volRootDir);
         out.write(std::string_view("\0", 1));
     }
 }
 
-void printVolumeListing(Output& out, const Records& volumes, bool colour) {
+void printVolumeListing(Output& out, const VolumeRecords& volumes, bool colour) {
     if (volumes.empty()) {
         out.write("No volumes.\n");
         return;

@@ -24,20 +24,20 @@
 namespace orrinvale {
 namespace {
 
-constexpr std::uint64_t megabyte = 1'000'000;
-constexpr int slideTime = 250;  // milliseconds
+constexpr std::uint64_t freedMegabyte = 1'000'000;
+constexpr int shownTime = 250;  // milliseconds
 constexpr const char* heldFile = "large.png";
 constexpr const char* categoryKeys[] = {ZvSystemCachesKey, ZvUserCachesKey, ZvSystemLogsKey,
                                         ZvUserLogsKey,     ZvUserTrashKey,  ZvUserDownloadsKey};
 
 // What was written a moment ago would stay.
-std::int64_t anHourLater() {
+std::int64_t anHourAfter() {
     return std::chrono::duration_cast<std::chrono::nanoseconds>(
                (std::chrono::system_clock::now() + std::chrono::hours(1)).time_since_epoch())
         .count();
 }
 
-void writeSparse(const std::string& path, std::uint64_t size) {
+void writeHoles(const std::string& path, std::uint64_t size) {
     std::filesystem::create_directories(folderOf(path));
     std::ofstream(path).flush();
     std::filesystem::resize_file(path, size);
@@ -62,12 +62,12 @@ FastCleanScenes::FastCleanScenes(const SampleFolder& sample, UserDefaults& defau
                    .folders = &m_folders,
                    .utilities = m_utilities.get(),
                    .settingsFolder = m_home + "/.config/orrinvale",
-                   .clock = anHourLater};
+                   .clock = anHourAfter};
     parts.makeDoor = [this](CleanCategory) {
         return std::make_unique<PlainDoor>(m_staged, ProtectedPlaces());
     };
     parts.freeSpace = [this](const std::string&) {
-        return SysResult<std::uint64_t>(std::exchange(m_free, 1'204 * megabyte));
+        return SysResult<std::uint64_t>(std::exchange(m_free, 1'204 * freedMegabyte));
     };
     m_clean = std::make_unique<FastClean>(std::move(parts), [] {});
     m_closing = ZvShouldCloseWindow.observe(m_workings.notifications,
@@ -84,7 +84,7 @@ void FastCleanScenes::fill() const {
                  {"/.cache/mozilla.pack", 607},  {"/.cache/thumbnails/large.png", 388},
                  {"/.cache/vlc.art", 9},         {"/Downloads/Ubuntu 24.iso", 2'840},
                  {"/Downloads/Tax form.exe", 4}, {"/Downloads/Song.mp3", 7}};
-    for (const auto& each : files) writeSparse(m_home + each.name, each.megabytes * megabyte);
+    for (const auto& each : files) writeHoles(m_home + each.name, each.megabytes * freedMegabyte);
 }
 
 TCImageWindow& FastCleanScenes::window() const { return *m_clean->clrSysController()->window(); }
@@ -139,7 +139,7 @@ bool FastCleanScenes::drawQuestion() {
     const bool isThere = waitFor("the question", [&] {
         if (sheet() == nullptr || sheet()->content()->y() != 0) return false;
         if (!sinceThere.isValid()) sinceThere.start();
-        return sinceThere.elapsed() > slideTime;
+        return sinceThere.elapsed() > shownTime;
     });
     if (!isThere) return false;
     if (!save("question")) return false;

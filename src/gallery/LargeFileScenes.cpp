@@ -23,8 +23,8 @@ namespace orrinvale {
 namespace {
 
 // What the scan and the removal are held at, and what can not be removed.
-constexpr const char* heldFolder = "Norway";
-constexpr const char* heldVideo = "Graduation of Anna.mp4";
+constexpr const char* largeFolder = "Norway";
+constexpr const char* largeVideo = "Graduation of Anna.mp4";
 constexpr const char* lockedFile = "holiday-photos.zip";
 
 }  // namespace
@@ -73,7 +73,7 @@ bool LargeFileScenes::waitForEnd() const {
 }
 
 bool LargeFileScenes::drawScan() {
-    m_files.hold(heldFolder);
+    m_files.hold(largeFolder);
     m_controller->listFileVC()->viewDragAction(m_sample.family());
     // All but one of the nine folders are through.
     const auto* const percent = m_window->findChild<QLabel*>(QStringLiteral("progressLabel"));
@@ -97,7 +97,7 @@ bool LargeFileScenes::drawResult() {
 
 bool LargeFileScenes::drawRemoval() {
     m_files.refuse(lockedFile, EACCES);
-    m_files.hold(heldVideo);
+    m_files.hold(largeVideo);
     m_window->findChild<QAbstractButton*>(QStringLiteral("deleteButton"))->click();
     const auto sheet = [this] { return m_window->findChild<Sheet*>(); };
     if (!waitFor("the question",

@@ -52,7 +52,7 @@ constexpr std::array applications{
     MadeUp{"Video Bench", "22.12", ApplicationType::Deb, 214, 12, false, false, "#9f1239"},
 };
 
-constexpr std::int64_t aDay = 86'400'000'000'000;
+constexpr std::int64_t dayOfUse = 86'400'000'000'000;
 constexpr std::int64_t today = 1'795'305'600'000'000'000;  // in November 2026
 
 std::string drawIcon(const QTemporaryDir& folder, const MadeUp& from) {
@@ -87,7 +87,7 @@ std::shared_ptr<AppItems> made(const QTemporaryDir& folder, const MadeUp& from) 
     item->name = from.name;
     item->path = record.path;
     item->bundleVersion = from.version;
-    item->date = Date{today - 500 * aDay};
+    item->date = Date{today - 500 * dayOfUse};
     item->isSystemApp = from.isSystem;
     item->bIsSelected = from.isTicked;
     item->record = std::make_shared<const ApplicationRecord>(std::move(record));
@@ -100,7 +100,7 @@ ApplicationDetails measured(const ApplicationRecord& record) {
         if (record.name != each.name) continue;
         details.bytes = static_cast<std::uint64_t>(each.megabytes * 1e6);
         details.isUpTo = each.type == ApplicationType::Flatpak;
-        if (each.daysUnused >= 0) details.lastUse = today - each.daysUnused * aDay;
+        if (each.daysUnused >= 0) details.lastUse = today - each.daysUnused * dayOfUse;
     }
     return details;
 }

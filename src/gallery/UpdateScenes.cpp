@@ -11,7 +11,7 @@
 namespace orrinvale {
 namespace {
 
-using State = QnCheckUpdateWindowController::State;
+using UpdateState = QnCheckUpdateWindowController::State;
 
 constexpr const char* newerVersion =
     R"(<plist version="1.0"><dict><key>VersionCheck</key><string>10200</string>
@@ -51,13 +51,13 @@ UpdateParts partsWith(bool hasNetwork, bool isOwned) {
 bool drawUpdates(const PictureFolder& pictures, const QSet<QString>& wanted) {
     const struct {
         const char* name;
-        State end;
+        UpdateState end;
         bool hasNetwork, isOwned, isNewer;
-    } scenes[] = {{"progress", State::Checking, true, false, false},
-                  {"failure", State::NoNetwork, false, false, false},
-                  {"first", State::NoUpdate, true, false, false},
-                  {"package", State::NoUpdate, true, true, false},
-                  {"detail", State::HaveUpdate, true, false, true}};
+    } scenes[] = {{"progress", UpdateState::Checking, true, false, false},
+                  {"failure", UpdateState::NoNetwork, false, false, false},
+                  {"first", UpdateState::NoUpdate, true, false, false},
+                  {"package", UpdateState::NoUpdate, true, true, false},
+                  {"detail", UpdateState::HaveUpdate, true, false, true}};
     for (const auto& scene : scenes) {
         const QString name = QLatin1String(scene.name);
         if (!wanted.isEmpty() && !wanted.contains(name)) continue;
@@ -69,7 +69,7 @@ bool drawUpdates(const PictureFolder& pictures, const QSet<QString>& wanted) {
         if (scene.isNewer) {
             auto list = PropertyList::parse(newerVersion);
             controller.whatIsNewVersionDiff(list ? &*list : nullptr);
-        } else if (scene.end == State::NoUpdate && !scene.isOwned) {
+        } else if (scene.end == UpdateState::NoUpdate && !scene.isOwned) {
             controller.whatIsNewVersionDiff(nullptr);
         }
         QWidget& window = *controller.window();

@@ -27,13 +27,13 @@
 namespace orrinvale {
 namespace {
 
-struct MadeUp {
+struct MadeUpVolumes {
     const char *name, *path;
     std::int32_t type;
     double total, free;  // gigabytes
 };
 
-constexpr std::array<MadeUp, 12> volumes{{
+constexpr std::array<MadeUpVolumes, 12> volumes{{
     {"System", "/", LocalVolume, 512.1, 187.4},
     {"Holiday", "/media/anna/Holiday", ExternalVolume, 64.0, 3.1},
     {"Backup", "/media/anna/Backup", ExternalVolume, 4000.8, 1240.0},
@@ -50,7 +50,7 @@ constexpr std::array<MadeUp, 12> volumes{{
 
 std::uint64_t bytes(double gigabytes) { return static_cast<std::uint64_t>(gigabytes * 1e9); }
 
-FakeVolumes::Volume made(const MadeUp& from, std::int16_t number) {
+FakeVolumes::Volume made(const MadeUpVolumes& from, std::int16_t number) {
     FakeVolumes::Volume volume;
     volume.volume = {number, {bytes(from.total), bytes(from.free), 0}, from.name, from.path, 0};
     volume.parms.vMVersion = 3;
@@ -62,8 +62,8 @@ FakeVolumes::Volume made(const MadeUp& from, std::int16_t number) {
     return volume;
 }
 
-struct Machine {
-    explicit Machine(std::size_t count) {
+struct VolumeMachine {
+    explicit VolumeMachine(std::size_t count) {
         for (std::size_t i = 0; i < count; ++i) {
             const auto number = static_cast<std::int16_t>(i + 1);
             platform.volumes.push_back(made(volumes.at(i), number));
@@ -82,7 +82,7 @@ struct Machine {
 
 bool drawPage(UserDefaults& defaults, const PictureFolder& pictures, std::size_t count) {
     const LinuxFileSystem files;
-    Machine& machine = *new Machine(count);
+    VolumeMachine& machine = *new VolumeMachine(count);
     AppPrefsWindowController controller;
     controller.setOpenAddress([](const QString& /*address*/) {});
     controller.setOpenHelp([] {});
@@ -102,7 +102,7 @@ bool drawPage(UserDefaults& defaults, const PictureFolder& pictures, std::size_t
 // What does not answer, what is being ejected, and what another program holds.
 bool drawTroubles(UserDefaults& defaults, const PictureFolder& pictures) {
     const LinuxFileSystem files;
-    Machine& machine = *new Machine(4);
+    VolumeMachine& machine = *new VolumeMachine(4);
     std::promise<void> mayEnd;
     machine.platform.onEjection = [gate = mayEnd.get_future().share()](std::int16_t /*number*/) {
         gate.wait();
@@ -129,7 +129,7 @@ bool drawTroubles(UserDefaults& defaults, const PictureFolder& pictures) {
 
 // The menu of the status item, with a server that fell silent and a stick that is being ejected.
 bool drawTrayMenu(UserDefaults& defaults, const PictureFolder& pictures) {
-    Machine& machine = *new Machine(7);
+    VolumeMachine& machine = *new VolumeMachine(7);
     VolumeLook look(machine.platform);
     static_cast<void>(look.take());
     machine.platform.volumes[3].infoStatus = ioErr;

@@ -17,18 +17,18 @@
 namespace orrinvale::helper {
 namespace {
 
-using Outcome = HelperReply::Outcome;
+using RunOutcome = HelperReply::Outcome;
 
 std::string runReason(int error) { return systemError("rm", {}, error).reason(); }
 
-HelperReply refused(std::string reason) { return {0, Outcome::Refused, std::move(reason)}; }
+HelperReply refused(std::string reason) { return {0, RunOutcome::Refused, std::move(reason)}; }
 
 /// What is told of an entry that setting aside, or a look after it, made stay.
 HelperReply stayed(const StayedEntry& entry) {
     if (entry.kind == StayReason::Aside)
-        return {0, Outcome::StillThere, entry.reason + ": " + entry.path};
+        return {0, RunOutcome::StillThere, entry.reason + ": " + entry.path};
     const bool isOurs = entry.kind == StayReason::Changed || entry.kind == StayReason::NoCopy;
-    return {0, isOurs ? Outcome::Refused : Outcome::StillThere, entry.reason};
+    return {0, isOurs ? RunOutcome::Refused : RunOutcome::StillThere, entry.reason};
 }
 
 EntryIdentity identityOf(const SeenEntry& entry) {
@@ -95,17 +95,17 @@ private:
         const int parent = m_held.parent.get();
         const auto left = m_files.attributes(parent, name.c_str(), Links::Keep);
         if (left || left.error() != ENOENT) {
-            if (!run.output.empty()) return givenBack({0, Outcome::Printed, run.output});
-            if (!run.failure.empty()) return givenBack({0, Outcome::Failed, run.failure});
+            if (!run.output.empty()) return givenBack({0, RunOutcome::Printed, run.output});
+            if (!run.failure.empty()) return givenBack({0, RunOutcome::Failed, run.failure});
             if (!run.firstError.empty())
-                return givenBack({0, Outcome::StillThere, inOwnName(run.firstError)});
+                return givenBack({0, RunOutcome::StillThere, inOwnName(run.firstError)});
             return givenBack(
-                {0, Outcome::StillThere, left ? "still there" : runReason(left.error())});
+                {0, RunOutcome::StillThere, left ? "still there" : runReason(left.error())});
         }
-        if (!run.output.empty()) return {0, Outcome::Printed, run.output};
+        if (!run.output.empty()) return {0, RunOutcome::Printed, run.output};
         if (m_aside && m_files.attributes(parent, m_held.name.c_str(), Links::Keep))
-            return {0, Outcome::StillThere, "another entry is in its place"};
-        return {0, Outcome::Removed, {}};
+            return {0, RunOutcome::StillThere, "another entry is in its place"};
+        return {0, RunOutcome::Removed, {}};
     }
 
     /// The tool knows the entry by the name that it had meanwhile.

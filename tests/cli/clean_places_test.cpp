@@ -9,7 +9,7 @@
 namespace orrinvale::testing {
 namespace {
 
-using Json = nlohmann::json;
+using PlainJson = nlohmann::json;
 using Names = std::vector<std::string>;
 
 bool write(const std::string& path) {
@@ -20,7 +20,7 @@ bool write(const std::string& path) {
 
 struct Removed {
     int status;
-    Json document;
+    PlainJson document;
 };
 
 // What it removes of these categories, by the paths of single entries.
@@ -30,7 +30,7 @@ Removed removeFrom(const Names& categories, const std::string& home) {
     ProgramRun run = commandRun("clean", arguments);
     run.environment.push_back("HOME=" + home);
     const auto result = run.run();
-    return {result.status, Json::parse(result.output, nullptr, false)};
+    return {result.status, PlainJson::parse(result.output, nullptr, false)};
 }
 
 std::string modeOf(const std::string& path) {

@@ -14,7 +14,7 @@ ProgramRun largeRun(std::vector<std::string> arguments, const std::string& folde
     return commandRun("large", std::move(arguments), folder);
 }
 
-void fill(TestTree& tree) {
+void fillLarge(TestTree& tree) {
     ASSERT_TRUE(tree.write("a/big/file", std::string(1500, 'x')) &&
                 tree.write("a/\"small\"", "12345") && tree.write("\xfe\n", "123") &&
                 tree.folder("empty"));
@@ -36,7 +36,7 @@ std::string shortOf(const Json& entries, const std::string& above) {
 
 TEST(LargeCommand, printsAsDeepAndAsMuchAsAsked) {
     TestTree tree;
-    fill(tree);
+    fillLarge(tree);
     const struct {
         std::vector<std::string> arguments;
         std::string json, paths, listing;
@@ -88,7 +88,7 @@ TEST(LargeCommand, printsAsDeepAndAsMuchAsAsked) {
 
 TEST(LargeCommand, whatCanNotBeReadAndWhatIsWrong) {
     TestTree tree;
-    fill(tree);
+    fillLarge(tree);
     ASSERT_TRUE(tree.write("b/locked/x", "1") && tree.setMode("b/locked", 0) &&
                 tree.write("file", "1"));
     expectStatuses("large", tree.path(),
@@ -109,7 +109,7 @@ TEST(LargeCommand, whatCanNotBeReadAndWhatIsWrong) {
 
 TEST(LargeCommand, theLogTellsTheEndOfTheScan) {
     TestTree tree;
-    fill(tree);
+    fillLarge(tree);
     EXPECT_EQ(largeRun({"--log", "--quiet", tree.path()}).run().error, "---end----\n");
 }
 

@@ -13,14 +13,14 @@ ProgramRun sizeRun(std::vector<std::string> arguments, const std::string& folder
     return commandRun("size", std::move(arguments), folder);
 }
 
-void fill(TestTree& tree) {
+void fillSized(TestTree& tree) {
     ASSERT_TRUE(tree.write("a/file", std::string(1500, 'x')) && tree.write("a/in/\xff", "12345") &&
                 tree.write("\xfe\n", "1") && tree.symlink("a", "link"));
 }
 
 TEST(SizeCommand, printsEachPathAndTheSum) {
     TestTree tree;
-    fill(tree);
+    fillSized(tree);
     const auto json =
         sizeRun({"--json", "a", tree.at("a/file"), "link", "link/", "\xfe\n", "a"}, tree.path())
             .run();
@@ -57,7 +57,7 @@ TEST(SizeCommand, printsEachPathAndTheSum) {
 
 TEST(SizeCommand, whatCanNotBeMeasuredIsToldAndAloneIsThree) {
     TestTree tree;
-    fill(tree);
+    fillSized(tree);
     ASSERT_TRUE(tree.write("a/locked/x", "1") && tree.setMode("a/locked", 0));
     expectStatuses("size", tree.path(),
                    {{{"a/in"}, 0, 0},

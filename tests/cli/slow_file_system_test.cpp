@@ -9,7 +9,7 @@
 namespace orrinvale::testing {
 namespace {
 
-void fill(TestTree& tree) {
+void fillSlow(TestTree& tree) {
     for (int i = 0; i < 1000; ++i)
         ASSERT_TRUE(tree.write("f" + std::to_string(i % 40) + "/x" + std::to_string(i), "same"));
 }
@@ -19,7 +19,7 @@ void fill(TestTree& tree) {
 TEST(SlowFileSystem, AStopIsHeardWithinASecond) {
     ServedFiles slow({"look=250"});
     if (!slow.isThere()) GTEST_SKIP() << "FUSE can not be mounted here";
-    fill(slow.source());
+    fillSlow(slow.source());
     for (const char* command : {"duplicates", "large", "size"}) {
         ProgramRun run = commandRun(command, {"--json", slow.path()});
         Clock::time_point begin = Clock::now();
@@ -43,7 +43,7 @@ TEST(SlowFileSystem, AHangIsToldWithItsPath) {
         for (const bool terminal : {true, false}) {
             ServedFiles hanging({"hang"});
             if (!hanging.isThere()) GTEST_SKIP() << "FUSE can not be mounted here";
-            fill(hanging.source());
+            fillSlow(hanging.source());
             ASSERT_TRUE(hanging.source().write("f0/hangs \u202Ehere", "same"));
             const std::string told = " s: " + hanging.path() + "/f0/hangs \\xe2\\x80\\xaehere";
             ProgramRun run = commandRun(command, {"--json", hanging.path()});

@@ -11,7 +11,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-constexpr const char* kBus = "/usr/bin/dbus-daemon";
+constexpr const char* kSystemBus = "/usr/bin/dbus-daemon";
 constexpr const char* kUdev = "/lib/systemd/systemd-udevd";
 constexpr const char* kDisks = "/usr/libexec/udisks2/udisksd";
 
@@ -24,7 +24,7 @@ class DiskWorld {
 public:
     DiskWorld() {
         for (const char* const program :
-             {kBus, kUdev, kDisks, "/usr/sbin/mkfs.ext4", "/usr/sbin/losetup"})
+             {kSystemBus, kUdev, kDisks, "/usr/sbin/mkfs.ext4", "/usr/sbin/losetup"})
             if (::access(program, X_OK) != 0) obstacle = std::string(program) + " is not here";
         // A machine with a udevd has no need of a second one, which would disturb it.
         const bool isUdevThere = shell("udevadm control --ping --timeout=1");
@@ -37,7 +37,7 @@ public:
         if (!isCovered) obstacle = std::string("no mounts: ") + std::strerror(errno);
         if (!obstacle.empty()) return;
         m_services.emplace_back(
-            std::vector<std::string>{kBus, "--system", "--nofork", "--nopidfile"});
+            std::vector<std::string>{kSystemBus, "--system", "--nofork", "--nopidfile"});
         bool isUp = comesTrue([] { return isThere("/run/dbus/system_bus_socket"); });
         if (!isUdevThere) {
             m_services.emplace_back(std::vector<std::string>{kUdev});

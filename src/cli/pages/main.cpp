@@ -26,7 +26,7 @@ bool writeFile(const char* path, const std::string& text) {
     return std::fclose(file) == 0 && written;
 }
 
-int run(int argc, char** argv) {
+int writePages(int argc, char** argv) {
     const CommandSet set;
     std::vector<CommandForms> commands;
     for (const auto& command : set.commands()) commands.push_back(formsOf(*command));
@@ -46,4 +46,4 @@ int run(int argc, char** argv) {
 }  // namespace
 }  // namespace orrinvale::cli
 
-int main(int argc, char** argv) { return orrinvale::cli::run(argc, argv); }
+int main(int argc, char** argv) { return orrinvale::cli::writePages(argc, argv); }

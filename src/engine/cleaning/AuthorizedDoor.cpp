@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "engine/base/Log.h"
+#include "engine/cleaning/wayWithoutLinks.h"
 #include "engine/removal/stayReasons.h"
 #include "platform/error.h"
 #include "platform/files.h"
@@ -28,13 +29,6 @@ SysResult<Descriptor> holdAt(const FileSystem& files, const std::string& path) {
     const auto parent = HeldEntry::holdParentOf(files, path);
     if (!parent) return tl::unexpected(parent.error());
     return files.holdEntry(parent->get(), std::string(lastPathComponent(path)).c_str());
-}
-
-/// The same entry by a way without links, which the administrator's tool does not take. What is at
-/// its end is compared by identity.
-std::string withoutLinksOnTheWay(const FileSystem& files, const std::string& path) {
-    auto folder = files.resolved(folderOf(path));
-    return folder ? joinPath(*folder, lastPathComponent(path)) : path;
 }
 
 std::optional<SeenEntry> seenEntryOf(const FileSystem& files, const std::optional<KeptCopy>& kept) {

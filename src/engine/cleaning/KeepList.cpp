@@ -7,6 +7,7 @@
 #include <optional>
 #include <utility>
 
+#include "engine/cleaning/wayWithoutLinks.h"
 #include "engine/files/DurableFile.h"
 #include "platform/files.h"
 #include "platform/paths.h"
@@ -60,12 +61,6 @@ std::vector<std::string_view> linesOf(std::string_view text) {
         text.remove_prefix(std::min(lines.back().size() + 1, text.size()));
     }
     return lines;
-}
-
-// The entry itself may be a link and is meant as such.
-std::string withoutLinksOnTheWay(const FileSystem& files, const std::string& path) {
-    const auto folder = files.resolved(folderOf(path));
-    return folder ? joinPath(*folder, lastPathComponent(path)) : path;
 }
 
 // A list may lie elsewhere behind a link, and that of the person behind root is not root's own. A

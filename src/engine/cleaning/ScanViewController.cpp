@@ -23,7 +23,7 @@
 namespace orrinvale {
 namespace {
 
-constexpr std::chrono::milliseconds newsInterval{50};
+constexpr std::chrono::milliseconds foundInterval{50};
 
 std::shared_ptr<CleanFileInfo> infoOf(const CleanRow& row) {
     return std::make_shared<CleanFileInfo>(IconRequest{IconRequest::Path, row.path},
@@ -74,7 +74,7 @@ private:
     void listen() {
         std::uint64_t told = 0;
         for (;;) {
-            const auto state = m_errand.wait(newsInterval);
+            const auto state = m_errand.wait(foundInterval);
             if (state != ScanErrand::State::Running) break;
             const std::uint64_t total = m_errand.total();
             if (total == told) continue;

@@ -11,7 +11,7 @@ namespace {
 
 using Visit = std::function<void(const DuplicateGroup&)>;
 
-void addSize(std::uint64_t& sum, std::uint64_t size) {
+void addFileSize(std::uint64_t& sum, std::uint64_t size) {
     sum += std::min(size, std::numeric_limits<std::uint64_t>::max() - sum);
 }
 
@@ -23,7 +23,7 @@ void visitBundles(const std::vector<AppGroup>& groups, const Visit& visit) {
         group.name = members.back()->DirectoryName;
         group.extension = "APP";
         for (const auto& member : members) {
-            addSize(group.size, member->DirectorySize);
+            addFileSize(group.size, member->DirectorySize);
             group.bundles.push_back(member.get());
         }
         visit(group);
@@ -48,7 +48,7 @@ void visitFiles(const FileList& files, const Visit& visit) {
         group.files.assign(files.begin() + static_cast<std::ptrdiff_t>(from) + 1,
                            files.begin() + static_cast<std::ptrdiff_t>(to));
         group.files.push_back(files[from]);
-        for (const fileAttrbItem* file : group.files) addSize(group.size, file->fileSize);
+        for (const fileAttrbItem* file : group.files) addFileSize(group.size, file->fileSize);
         visit(group);
         from = to;
     }

@@ -13,7 +13,7 @@ namespace orrinvale {
 namespace {
 
 // A piece of a folder worth another worker's start: looking at it takes longer than handing over.
-constexpr std::size_t largePiece = 128;
+constexpr std::size_t listingPiece = 128;
 // Subfolders that may wait before the listing of their parent pauses, so that a folder of a million
 // folders takes no memory.
 constexpr std::size_t mostFound = 1024;
@@ -126,7 +126,7 @@ void FolderWalk::list(Worker& worker, WalkedFolder& folder) {
         const std::uint32_t first = folder.listedCount;
         folder.listedCount += static_cast<std::uint32_t>(worker.batch.entries.size());
         const bool handOver =
-            worker.batch.entries.size() >= largePiece || worker.found.size() >= mostFound;
+            worker.batch.entries.size() >= listingPiece || worker.found.size() >= mostFound;
         if (handOver) {
             folder.handleUsers.fetch_add(1);
             folder.users.fetch_add(1);

@@ -29,7 +29,7 @@ std::string_view valueOf(std::string_view line) {
     return trimmed(line.substr(std::min(line.find('=') + 1, line.size())));
 }
 
-std::string unescaped(std::string_view text) {
+std::string unescapedValue(std::string_view text) {
     constexpr std::string_view letters = "sntr\\";
     constexpr std::string_view meant = " \n\t\r\\";
     std::string out;
@@ -100,14 +100,14 @@ std::optional<std::string> AutostartEntry::raw(std::string_view key) const {
 }
 
 std::string AutostartEntry::text(std::string_view key) const {
-    return unescaped(raw(key).value_or(std::string()));
+    return unescapedValue(raw(key).value_or(std::string()));
 }
 
 std::string AutostartEntry::text(std::string_view key,
                                  const std::vector<std::string>& languages) const {
     for (const std::string& language : languages)
         if (const auto value = raw(std::string(key) + '[' + language + ']'))
-            return unescaped(*value);
+            return unescapedValue(*value);
     return text(key);
 }
 

@@ -19,7 +19,7 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view kBare =
     "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.-";
 
-std::string_view trimmed(std::string_view text) {
+std::string_view trimmedSetting(std::string_view text) {
     const std::size_t start = text.find_first_not_of(" \t\r");
     if (start == std::string_view::npos) return {};
     return text.substr(start, text.find_last_not_of(" \t\r") + 1 - start);
@@ -111,7 +111,7 @@ std::optional<std::string> takeOtherQuoted(std::string_view& rest) {
     return std::nullopt;
 }
 
-template <class Number> std::optional<SettingValue> wholeNumber(std::string_view text) {
+template <class Number> std::optional<SettingValue> settingNumber(std::string_view text) {
     Number number{};
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
@@ -143,20 +143,20 @@ std::optional<SettingValue> parseCommaDecimal(std::string_view text) {
     if (before.empty() || comma + 1 == text.size() || mayBeThousands) return std::nullopt;
     std::string withPoint(text);
     withPoint[comma] = '.';
-    return wholeNumber<float>(withPoint);
+    return settingNumber<float>(withPoint);
 }
 
 std::string_view withoutNote(std::string_view text) {
     for (std::size_t at = text.find_first_of("#;"); at != std::string_view::npos;
          at = text.find_first_of("#;", at + 1))
         if (at > 0 && (text[at - 1] == ' ' || text[at - 1] == '\t'))
-            return trimmed(text.substr(0, at));
+            return trimmedSetting(text.substr(0, at));
     return text;
 }
 
 std::optional<SettingValue> parseQuotedValue(std::string_view text) {
     auto value = text.starts_with('"') ? takeQuoted(text) : takeOtherQuoted(text);
-    const std::string_view rest = trimmed(text);
+    const std::string_view rest = trimmedSetting(text);
     if (!value || !(rest.empty() || rest.starts_with('#') || rest.starts_with(';')))
         return std::nullopt;
     return SettingValue(std::move(*value));
@@ -172,8 +172,8 @@ std::optional<SettingValue> parseValue(std::string_view text) {
     if (isQuoted(text)) return parseQuotedValue(text);
     text = withoutNote(text);
     if (auto value = parseFlag(text)) return value;
-    if (auto value = wholeNumber<std::int64_t>(text)) return value;
-    if (auto value = wholeNumber<float>(text)) return value;
+    if (auto value = settingNumber<std::int64_t>(text)) return value;
+    if (auto value = settingNumber<float>(text)) return value;
     return parseCommaDecimal(text);
 }
 
@@ -189,9 +189,9 @@ std::optional<std::string> takeKey(std::string_view& line) {
 bool parseLine(std::string_view line, SettingValues& values) {
     auto key = takeKey(line);
     if (!key) return false;
-    line = trimmed(line);
+    line = trimmedSetting(line);
     if (!line.starts_with('=')) return false;
-    auto value = parseValue(trimmed(line.substr(1)));
+    auto value = parseValue(trimmedSetting(line.substr(1)));
     if (!value) return false;
     values.insert_or_assign(std::move(*key), std::move(*value));
     return true;
@@ -199,7 +199,7 @@ bool parseLine(std::string_view line, SettingValues& values) {
 
 std::string_view takeLine(std::string_view& text) {
     const std::size_t end = std::min(text.find('\n'), text.size());
-    const std::string_view line = trimmed(text.substr(0, end));
+    const std::string_view line = trimmedSetting(text.substr(0, end));
     text.remove_prefix(std::min(end + 1, text.size()));
     return line;
 }

@@ -24,13 +24,13 @@ bool takeMark(std::string_view& rest, char mark) {
     return true;
 }
 
-std::optional<char> unescaped(char c) {
+std::optional<char> unescapedText(char c) {
     if (c == 'n') return '\n';
     if (c == '"' || c == '\\') return c;
     return std::nullopt;
 }
 
-std::optional<std::string> takeQuoted(std::string_view& rest) {
+std::optional<std::string> takeText(std::string_view& rest) {
     if (!takeMark(rest, '"')) return std::nullopt;
     std::string text;
     for (std::size_t i = 0; i < rest.size(); ++i) {
@@ -43,7 +43,7 @@ std::optional<std::string> takeQuoted(std::string_view& rest) {
             continue;
         }
         if (++i == rest.size()) break;
-        const auto meant = unescaped(rest[i]);
+        const auto meant = unescapedText(rest[i]);
         if (!meant) break;
         text.push_back(*meant);
     }
@@ -72,9 +72,9 @@ std::atomic<const StringTable*>& currentTable() {
 }
 
 bool readEntry(std::string_view& rest, StringTable& table) {
-    auto key = takeQuoted(rest);
+    auto key = takeText(rest);
     if (!key || key->empty() || !takeMark(rest, '=')) return false;
-    auto text = takeQuoted(rest);
+    auto text = takeText(rest);
     return text && takeMark(rest, ';') &&
            table.texts.emplace(std::move(*key), std::move(*text)).second;
 }

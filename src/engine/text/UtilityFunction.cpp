@@ -32,7 +32,7 @@ std::uint64_t wholeBytes(float product) {
 
 /// The piece of the text with this number, 0 being the first; pieces end at each mark, and may be
 /// empty.
-std::string_view piece(std::string_view text, char mark, std::size_t number) {
+std::string_view readPiece(std::string_view text, char mark, std::size_t number) {
     for (; number > 0; --number) {
         const std::size_t end = text.find(mark);
         if (end == std::string_view::npos) throw std::out_of_range("the text has too few pieces");
@@ -90,7 +90,7 @@ std::uint64_t UtilityFunction::getVolSpaceFromString(std::string_view text) {
 }
 
 float UtilityFunction::returnParserFromVolSpace(std::string_view text) {
-    const std::string_view unit = piece(text, ' ', 1);
+    const std::string_view unit = readPiece(text, ' ', 1);
     const float number = readFloat(text);
     if (unit == "KB") return number / 1000.0F / 1000.0F;
     if (unit == "MB") return number / 1000.0F;
@@ -100,10 +100,10 @@ float UtilityFunction::returnParserFromVolSpace(std::string_view text) {
 }
 
 std::string UtilityFunction::parseDateTime(std::string_view text) {
-    const std::string_view time = piece(text, ' ', 1);
-    const std::string_view date = piece(text, ' ', 0);
-    return fmt::format("{}/{}/{} {}", piece(date, '-', 1), piece(date, '-', 2), piece(date, '-', 0),
-                       time);
+    const std::string_view time = readPiece(text, ' ', 1);
+    const std::string_view date = readPiece(text, ' ', 0);
+    return fmt::format("{}/{}/{} {}", readPiece(date, '-', 1), readPiece(date, '-', 2),
+                       readPiece(date, '-', 0), time);
 }
 
 Rect UtilityFunction::returnRectOfWindcenterWithWidht(float width, float height) {

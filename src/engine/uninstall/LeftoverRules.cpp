@@ -86,7 +86,7 @@ constexpr std::array<std::string_view, 72> sharedNames{"applications",
                                                        "wine",
                                                        "xdg"};
 
-std::string lowered(std::string_view text) {
+std::string loweredName(std::string_view text) {
     std::string out(text);
     std::transform(out.begin(), out.end(), out.begin(),
                    [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
@@ -130,7 +130,8 @@ LeftoverRules::LeftoverRules(const LeftoverClaims& claims)
     : m_former(claims.rest.formerNames.begin(), claims.rest.formerNames.end()),
       m_unread(claims.rest.unread) {
     for (const ApplicationRecord& each : claims.installed) add(each);
-    for (const std::string& each : claims.rest.packages) m_packages[lowered(each)].push_back(each);
+    for (const std::string& each : claims.rest.packages)
+        m_packages[loweredName(each)].push_back(each);
 }
 
 void LeftoverRules::add(const ApplicationRecord& record) {
@@ -144,12 +145,12 @@ void LeftoverRules::add(const ApplicationRecord& record) {
     for (const std::string_view name :
          {std::string_view(record.name), id, id.substr(id.rfind('.') + 1),
           lastPathComponent(record.path)})
-        m_rivals[lowered(name)].insert(index);
+        m_rivals[loweredName(name)].insert(index);
     // What flatpak and snap run finds its own folders elsewhere.
     if (record.type == ApplicationType::Flatpak || record.type == ApplicationType::Snap) return;
-    m_names[lowered(package.empty() ? record.id : package)].insert(index);
+    m_names[loweredName(package.empty() ? record.id : package)].insert(index);
     for (const std::string& program : record.programs)
-        m_names[lowered(lastPathComponent(program))].insert(index);
+        m_names[loweredName(lastPathComponent(program))].insert(index);
 }
 
 bool LeftoverRules::isUnread(LeftoverHome home) const {
@@ -199,7 +200,7 @@ std::optional<LeftoverVerdict> LeftoverRules::ofId(LeftoverHome home,
 }
 
 std::optional<LeftoverVerdict> LeftoverRules::ofName(const std::string& name) const {
-    const std::string small = lowered(name);
+    const std::string small = loweredName(name);
     if (isShared(small)) return std::nullopt;
     const auto named = m_names.find(small);
     if (named == m_names.end()) {
@@ -219,7 +220,8 @@ std::optional<LeftoverVerdict> LeftoverRules::ofName(const std::string& name) co
     return verdictFor(
         claimant, LeftoverGrade::Likely,
         fmt::format("it is named as the {}{}",
-                    small == lowered(claimant.package) ? "package " : "program of ", claimant.of));
+                    small == loweredName(claimant.package) ? "package " : "program of ",
+                    claimant.of));
 }
 
 std::optional<LeftoverVerdict> LeftoverRules::verdict(LeftoverHome home,
@@ -228,7 +230,7 @@ std::optional<LeftoverVerdict> LeftoverRules::verdict(LeftoverHome home,
     if (isUnread(home)) return std::nullopt;
     if (home != LeftoverHome::Xdg) return ofId(home, text);
     if (!m_ids.contains(text)) return ofName(text);
-    const std::string small = lowered(text);
+    const std::string small = loweredName(text);
     if (isShared(small) || isClaimedBesides(small, m_ids.find(text)->second)) return std::nullopt;
     auto out = ofId(home, text);
     // A name without points, such as a desktop entry's "vim", is a program's rather than an

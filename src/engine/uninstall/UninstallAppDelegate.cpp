@@ -48,7 +48,7 @@ std::string nameOfBundle(const std::string& path) {
 }
 
 // A folder whose listing goes on once what stands before it is done.
-struct Level {
+struct ListLevel {
     std::string folder;
     std::vector<std::string> names;
     std::size_t next = 0;
@@ -60,7 +60,7 @@ void UninstallAppDelegate::applicationsInDirectory(const std::string& directory,
                                                    std::vector<std::string>& withArray,
                                                    std::string* unread) const {
     std::set<std::pair<std::uint64_t, std::uint64_t>> entered;
-    std::vector<Level> levels;
+    std::vector<ListLevel> levels;
     const auto enter = [&](const std::string& folder, const FileAttributes& seen) {
         if (entered.emplace(seen.device, seen.inode).second)
             levels.push_back({folder, namesIn(m_files, folder, unread)});
@@ -70,7 +70,7 @@ void UninstallAppDelegate::applicationsInDirectory(const std::string& directory,
         enter(directory, *top);
     else if (!top) noteFault(top.error(), directory, unread);
     while (!levels.empty()) {
-        Level& level = levels.back();
+        ListLevel& level = levels.back();
         if (level.next == level.names.size()) {
             levels.pop_back();
             continue;

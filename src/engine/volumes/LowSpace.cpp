@@ -18,20 +18,20 @@ constexpr float kPointsToRise = 2.0F;
 constexpr std::size_t kMostRemembered = 64;  // sticks come and go for years
 constexpr char kEscape = '%';
 
-bool isPlain(char c) {
+bool isPlainInPath(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
            std::string_view("/._-").find(c) != std::string_view::npos;
 }
 
-std::string escaped(std::string_view root) {
+std::string escapedPath(std::string_view root) {
     std::string text;
     for (const char c : root)
-        text += isPlain(c) ? std::string(1, c)
-                           : fmt::format("{}{:02X}", kEscape, static_cast<unsigned char>(c));
+        text += isPlainInPath(c) ? std::string(1, c)
+                                 : fmt::format("{}{:02X}", kEscape, static_cast<unsigned char>(c));
     return text;
 }
 
-std::optional<std::string> unescaped(std::string_view text) {
+std::optional<std::string> unescapedPath(std::string_view text) {
     std::string root;
     while (!text.empty()) {
         if (text.front() != kEscape) {
@@ -54,7 +54,7 @@ std::optional<std::string> unescaped(std::string_view text) {
 LowSpace::LowSpace(std::string_view remembered) {
     while (!remembered.empty()) {
         const std::size_t end = std::min(remembered.find(' '), remembered.size());
-        if (auto root = unescaped(remembered.substr(0, end)))
+        if (auto root = unescapedPath(remembered.substr(0, end)))
             m_warned.push_back({std::move(*root)});
         remembered.remove_prefix(std::min(end + 1, remembered.size()));
     }
@@ -131,7 +131,7 @@ void LowSpace::wasNotTold(const std::string& volRootDir, Clock::time_point now) 
 std::string LowSpace::remembered() const {
     std::string line;
     for (const Warned& each : m_warned)
-        if (each.isTold) line.append(line.empty() ? "" : " ").append(escaped(each.root));
+        if (each.isTold) line.append(line.empty() ? "" : " ").append(escapedPath(each.root));
     return line;
 }
 

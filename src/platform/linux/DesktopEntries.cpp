@@ -20,9 +20,9 @@ std::string_view stemOf(std::string_view name) {
     return name.ends_with(suffix) ? name.substr(0, name.size() - suffix.size()) : name;
 }
 
-class Walk final {
+class EntryWalk final {
 public:
-    explicit Walk(const ApplicationPlaces& places) : m_places(places) {}
+    explicit EntryWalk(const ApplicationPlaces& places) : m_places(places) {}
 
     std::vector<StartingEntry> run() {
         for (const std::string& folder : m_places.dataFolders)
@@ -77,7 +77,7 @@ private:
     std::size_t m_looked = 0;
 };
 
-bool isFile(const std::string& path) {
+bool isEntryFile(const std::string& path) {
     struct stat seen {};
     return ::stat(path.c_str(), &seen) == 0 && S_ISREG(seen.st_mode);
 }
@@ -87,17 +87,17 @@ bool isFile(const std::string& path) {
 // A script that an interpreter is given need not be marked as a program.
 std::string programNamed(const std::string& name, const std::vector<std::string>& folders) {
     if (name.empty()) return {};
-    if (name.starts_with('/')) return isFile(name) ? name : std::string();
+    if (name.starts_with('/')) return isEntryFile(name) ? name : std::string();
     if (name.find('/') != std::string::npos) return {};
     for (const std::string& folder : folders) {
         std::string path = joinPath(folder, name);
-        if (isFile(path) && ::access(path.c_str(), X_OK) == 0) return path;
+        if (isEntryFile(path) && ::access(path.c_str(), X_OK) == 0) return path;
     }
     return {};
 }
 
 std::vector<StartingEntry> startingEntries(const ApplicationPlaces& places) {
-    return Walk(places).run();
+    return EntryWalk(places).run();
 }
 
 void takeOthers(ApplicationRecord& record, const std::vector<std::string>& names) {

@@ -40,7 +40,7 @@ struct Field {
     std::string_view value;
 };
 
-std::optional<Field> takeField(std::string_view& text) {
+std::optional<Field> takeStatusField(std::string_view& text) {
     const std::string_view line = takeLine(text);
     if (line.empty()) return std::nullopt;
     const char* end = line.data() + line.size();
@@ -180,7 +180,7 @@ void DpkgDatabase::parse() {
     std::string_view text = m_text;
     DpkgPackage package;
     while (!text.empty()) {
-        const auto field = takeField(text);
+        const auto field = takeStatusField(text);
         if (field) take(package, *field);
         if (field && !text.empty()) continue;
         if (!package.name.empty() && isPlain(package.name) && isPlain(package.architecture))

@@ -38,7 +38,7 @@ struct Library {
 };
 
 // What it needs of GLib comes with it.
-Library load() {
+Library loadSymbol() {
     Library out;
     LoadedLibrary library("libflatpak.so.0");
     library.find(out.fileForPath, "g_file_new_for_path");
@@ -53,7 +53,7 @@ Library load() {
 }
 
 const Library& library() {
-    static const Library loaded = load();
+    static const Library loaded = loadSymbol();
     return loaded;
 }
 

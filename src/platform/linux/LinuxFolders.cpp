@@ -32,7 +32,7 @@ bool isFile(const std::string& path) {
     return ::lstat(path.c_str(), &entry) == 0 && S_ISREG(entry.st_mode);
 }
 
-std::string_view trimmed(std::string_view text) {
+std::string_view trimmedLine(std::string_view text) {
     constexpr std::string_view blanks = " \t\r";
     const std::size_t first = text.find_first_not_of(blanks);
     if (first == std::string_view::npos) return {};
@@ -70,7 +70,7 @@ template <class Found>
 void forEachUserDir(std::string_view text, const std::string& home, const Found& found) {
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t end = std::min(text.find('\n', at), text.size());
-        const std::string_view line = trimmed(text.substr(at, end - at));
+        const std::string_view line = trimmedLine(text.substr(at, end - at));
         at = end + 1;
         const std::size_t equals = std::min(line.find('='), line.size());
         const std::string_view key = line.substr(0, equals);

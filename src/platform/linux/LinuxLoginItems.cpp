@@ -11,7 +11,7 @@
 namespace orrinvale {
 namespace {
 
-std::string_view variable(const char* name) {
+std::string_view loginVariable(const char* name) {
     const char* const value = std::getenv(name);
     return value != nullptr ? value : "";
 }
@@ -34,10 +34,10 @@ std::vector<std::string> absolutePartsOf(std::string_view list) {
 
 // "de_AT.UTF-8@euro" asks for "de_AT" and then for "de".
 std::vector<std::string> languagesOfLocale() {
-    std::vector<std::string> languages = partsOf(variable("LANGUAGE"));
+    std::vector<std::string> languages = partsOf(loginVariable("LANGUAGE"));
     for (const char* const name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-        if (variable(name).empty()) continue;
-        languages.emplace_back(variable(name));
+        if (loginVariable(name).empty()) continue;
+        languages.emplace_back(loginVariable(name));
         break;
     }
     std::vector<std::string> all;
@@ -61,14 +61,14 @@ LoginItemFolders linuxLoginItemFolders(const FolderVariables& variables) {
     LoginItemFolders folders;
     folders.persons =
         joinPath(orBelow(variables.configHome, variables.home, ".config"), "autostart");
-    auto systems = absolutePartsOf(variable("XDG_CONFIG_DIRS"));
+    auto systems = absolutePartsOf(loginVariable("XDG_CONFIG_DIRS"));
     if (systems.empty()) systems.emplace_back("/etc/xdg");
     for (const std::string& each : systems) folders.systems.push_back(joinPath(each, "autostart"));
     folders.links = joinPath(orBelow(variables.dataHome, variables.home, ".local/share"),
                              "com.kelpford.Orrinvale/login");
-    folders.desktops = partsOf(variable("XDG_CURRENT_DESKTOP"));
+    folders.desktops = partsOf(loginVariable("XDG_CURRENT_DESKTOP"));
     folders.languages = languagesOfLocale();
-    folders.programs = absolutePartsOf(variable("PATH"));
+    folders.programs = absolutePartsOf(loginVariable("PATH"));
     // The window program also for the command that stands beside it.
     folders.ownProgram = joinPath(folderOf(ownExecutable()), "orrinvale");
     return folders;

@@ -20,17 +20,17 @@ namespace orrinvale {
 namespace {
 
 // What is there, and which one of its kind.
-struct Found {
+struct FoundHost {
     TrayKind kind = TrayKind::None;
     std::string host;
     std::uint32_t tray = 0;
-    friend bool operator==(const Found&, const Found&) = default;
+    friend bool operator==(const FoundHost&, const FoundHost&) = default;
 };
 
 // A host is preferred: it draws the picture in its own looks. As long as nobody knows whether there
 // is one, no other tray counts: the toolkit would ask that bus on the main thread, and decide once
 // for all.
-Found whatIsThere(const StatusNotifierWatch& bus, const XEmbedWatch& x11) {
+FoundHost whatIsThere(const StatusNotifierWatch& bus, const XEmbedWatch& x11) {
     if (!bus.host().empty()) return {TrayKind::StatusNotifier, bus.host(), 0};
     if (bus.isKnown() && x11.tray() != 0) return {TrayKind::XEmbed, {}, x11.tray()};
     return {};
@@ -55,9 +55,9 @@ namespace {
 
 template <class Tell>
 void watchUntilTheBell(StatusNotifierWatch& bus, XEmbedWatch& x11, int bell, const Tell& tell) {
-    std::optional<Found> last;
+    std::optional<FoundHost> last;
     for (;;) {
-        const Found now = whatIsThere(bus, x11);
+        const FoundHost now = whatIsThere(bus, x11);
         if (last != now && !tell(now.kind)) return;
         last = now;
         std::array<pollfd, 3> waits{{{bell, POLLIN, 0}, bus.toPoll(), x11.toPoll()}};

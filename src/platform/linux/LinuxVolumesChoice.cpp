@@ -14,7 +14,7 @@ namespace orrinvale {
 namespace {
 
 template <std::size_t size>
-bool isOneOf(std::string_view text, const std::array<std::string_view, size>& list) {
+bool isAmong(std::string_view text, const std::array<std::string_view, size>& list) {
     return std::find(list.begin(), list.end(), text) != list.end();
 }
 
@@ -64,7 +64,7 @@ bool hasOption(std::string_view options, std::string_view wanted) {
 }
 
 bool isNetworkMount(const MountEntry& mount) {
-    if (isOneOf(mount.type, networkTypes) || isOneOf(mount.type, networkPrograms)) return true;
+    if (isAmong(mount.type, networkTypes) || isAmong(mount.type, networkPrograms)) return true;
     if (mount.type == "9p")
         return hasOption(mount.superOptions, "trans=tcp") ||
                hasOption(mount.superOptions, "trans=rdma");
@@ -76,14 +76,14 @@ bool isVolume(const MountEntry& mount) {
     const std::string_view point = mount.point;
     const bool personal = isWithinAny(point, personalPlaces);
     if (point == "/") return true;
-    if (mount.type == "overlay" || isOneOf(mount.type, serviceFileSystems)) return false;
-    if (isWithinAny(point, snapPlaces) || isOneOf(point, containerFiles)) return false;
+    if (mount.type == "overlay" || isAmong(mount.type, serviceFileSystems)) return false;
+    if (isWithinAny(point, snapPlaces) || isAmong(point, containerFiles)) return false;
     if (isNetworkMount(mount)) return true;
     if (isProgram(mount.type) || mount.type == "tmpfs" || mount.type == "ramfs") return personal;
     const bool system = isWithinAny(point, systemPlaces) && !personal;
     // A live system carries itself in packed images.
-    if (isOneOf(mount.type, packedTypes) || isOneOf(mount.type, hostShareTypes)) return !system;
-    return mount.major != 0 || isOneOf(mount.type, ownDeviceTypes);
+    if (isAmong(mount.type, packedTypes) || isAmong(mount.type, hostShareTypes)) return !system;
+    return mount.major != 0 || isAmong(mount.type, ownDeviceTypes);
 }
 
 // Which mounts can not be reached by their path, since another one was mounted later on the same
@@ -205,9 +205,9 @@ std::string_view serverOfSource(std::string_view source) {
 }
 
 bool answersAtOnce(const std::vector<MountEntry>& table, const MountEntry& mount) {
-    return isOneOf(mount.type, countedTypes) &&
+    return isAmong(mount.type, countedTypes) &&
            std::all_of(table.begin(), table.end(), [&](const MountEntry& each) {
-               return isOneOf(each.type, countedTypes) || !isWithin(mount.point, each.point);
+               return isAmong(each.type, countedTypes) || !isWithin(mount.point, each.point);
            });
 }
 

@@ -34,7 +34,7 @@ bool parseDevice(std::string_view text, MountEntry& entry) {
 bool isOctal(char c) { return c >= '0' && c <= '7'; }
 
 // The kernel writes a blank, tab, line break, backslash and '#' as three octal digits.
-std::string unescaped(std::string_view field) {
+std::string unescapedField(std::string_view field) {
     std::string out;
     out.reserve(field.size());
     for (std::size_t at = 0; at < field.size(); ++at) {
@@ -73,11 +73,11 @@ std::optional<MountEntry> parseLine(std::string_view line) {
     if (!parseNumber(*id, entry.id) || !parseNumber(*parent, entry.parent) ||
         !parseDevice(*device, entry))
         return std::nullopt;
-    entry.root = unescaped(*root);
-    entry.point = unescaped(*point);
-    entry.type = unescaped(*type);
-    entry.source = unescaped(*source);
-    entry.superOptions = unescaped(*superOptions);
+    entry.root = unescapedField(*root);
+    entry.point = unescapedField(*point);
+    entry.type = unescapedField(*type);
+    entry.source = unescapedField(*source);
+    entry.superOptions = unescapedField(*superOptions);
     // An escaped NUL is none of the kernel's, and would cut the path short at the next system call.
     if (entry.point.find('\0') != std::string::npos) return std::nullopt;
     return entry;

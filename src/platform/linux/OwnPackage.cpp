@@ -16,7 +16,7 @@ namespace {
 constexpr std::array<std::string_view, 4> storeFolders{"/app/", "/snap/", "/nix/store/",
                                                        "/gnu/store/"};
 
-bool isSystemPlace(std::string_view path) {
+bool isInstalledPlace(std::string_view path) {
     return path.starts_with("/usr/") && !path.starts_with("/usr/local/");
 }
 
@@ -29,7 +29,7 @@ bool isOwnedByPackage(const OwnPackagePlaces& places) {
     if (std::ranges::any_of(storeFolders, [&](std::string_view s) { return path.starts_with(s); }))
         return true;
     const DpkgDatabase packages(places.dpkgFolder);
-    if (packages.packages().empty()) return isSystemPlace(path);
+    if (packages.packages().empty()) return isInstalledPlace(path);
     return packages.ownersOf({path}).front() != nullptr;
 }
 

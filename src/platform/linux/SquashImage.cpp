@@ -22,7 +22,7 @@ enum Types : std::uint16_t {
     LongLink = 10
 };
 
-template <class Number> Number numberAt(std::string_view bytes, std::size_t at) {
+template <class Number> Number imageNumberAt(std::string_view bytes, std::size_t at) {
     Number out = 0;
     for (std::size_t i = 0; i < sizeof(Number); ++i)
         out = static_cast<Number>(
@@ -44,16 +44,16 @@ bool SquashImage::readHead() {
     constexpr std::uint32_t magic = 0x7371'7368;
     constexpr std::uint32_t largestBlock = std::uint32_t{1} << 20U;
     const auto head = bytesAt(0, size);
-    if (!head || numberAt<std::uint32_t>(*head, 0) != magic ||
-        numberAt<std::uint16_t>(*head, 28) != 4)
+    if (!head || imageNumberAt<std::uint32_t>(*head, 0) != magic ||
+        imageNumberAt<std::uint16_t>(*head, 28) != 4)
         return false;
-    m_blockSize = numberAt<std::uint32_t>(*head, 12);
-    m_fragmentCount = numberAt<std::uint32_t>(*head, 16);
-    m_packer = static_cast<Packer>(numberAt<std::uint16_t>(*head, 20));
-    m_root = numberAt<std::uint64_t>(*head, 32);
-    m_inodes = numberAt<std::uint64_t>(*head, 64);
-    m_folders = numberAt<std::uint64_t>(*head, 72);
-    m_fragments = numberAt<std::uint64_t>(*head, 80);
+    m_blockSize = imageNumberAt<std::uint32_t>(*head, 12);
+    m_fragmentCount = imageNumberAt<std::uint32_t>(*head, 16);
+    m_packer = static_cast<Packer>(imageNumberAt<std::uint16_t>(*head, 20));
+    m_root = imageNumberAt<std::uint64_t>(*head, 32);
+    m_inodes = imageNumberAt<std::uint64_t>(*head, 64);
+    m_folders = imageNumberAt<std::uint64_t>(*head, 72);
+    m_fragments = imageNumberAt<std::uint64_t>(*head, 80);
     return m_blockSize != 0 && m_blockSize <= largestBlock;
 }
 
@@ -89,7 +89,7 @@ const SquashImage::Block* SquashImage::metadata(std::uint64_t at) {
     const auto head = bytesAt(at, 2);
     if (!head || m_limits.unpack < metadataSize) return nullptr;
     m_limits.unpack -= metadataSize;
-    const auto word = numberAt<std::uint16_t>(*head, 0);
+    const auto word = imageNumberAt<std::uint16_t>(*head, 0);
     const std::size_t size = word & (plain - 1U);
     auto bytes = size == 0 || size > metadataSize ? std::nullopt : bytesAt(at + 2, size);
     if (bytes && (word & plain) == 0) bytes = unpacked(m_packer, *bytes, metadataSize);
@@ -112,7 +112,7 @@ std::optional<std::string> SquashImage::take(Cursor& cursor, std::size_t size) {
 
 template <class Number> bool SquashImage::number(Cursor& cursor, Number& out) {
     const auto bytes = take(cursor, sizeof(Number));
-    if (bytes) out = numberAt<Number>(*bytes, 0);
+    if (bytes) out = imageNumberAt<Number>(*bytes, 0);
     return bytes.has_value();
 }
 
@@ -207,7 +207,7 @@ std::optional<std::string> SquashImage::fragment(std::uint32_t index) {
     if (index >= m_fragmentCount) return std::nullopt;
     const auto pointer = bytesAt(m_fragments + std::uint64_t{index / perBlock} * 8, 8);
     if (!pointer) return std::nullopt;
-    Cursor cursor{numberAt<std::uint64_t>(*pointer, 0), std::size_t{index % perBlock} * 16};
+    Cursor cursor{imageNumberAt<std::uint64_t>(*pointer, 0), std::size_t{index % perBlock} * 16};
     std::uint64_t begin = 0;
     std::uint32_t size = 0;
     if (!number(cursor, begin) || !number(cursor, size)) return std::nullopt;

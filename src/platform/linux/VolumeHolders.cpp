@@ -27,8 +27,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::size_t smallText = 4096;             // of fdinfo, comm
-constexpr std::size_t mapsLimit = 4 * 1024 * 1024;  // thousands of mappings
+constexpr std::size_t smallHolderText = 4096;             // of fdinfo, comm
+constexpr std::size_t holderMapsLimit = 4 * 1024 * 1024;  // thousands of mappings
 
 std::string targetOf(const std::string& link) {
     std::array<char, PATH_MAX> target;
@@ -57,9 +57,9 @@ struct Findings {
     bool done = false;
 };
 
-class Search final {
+class HolderSearch final {
 public:
-    Search(HeldVolume volume, Clock::time_point end, std::shared_ptr<Findings> findings)
+    HolderSearch(HeldVolume volume, Clock::time_point end, std::shared_ptr<Findings> findings)
         : m_volume(std::move(volume)), m_end(end), m_findings(std::move(findings)) {
         for (const MountEntry& mount : m_volume.mounts) m_mountIds.insert(mount.id);
     }
@@ -93,7 +93,7 @@ private:
     }
 
     void note(std::int32_t process, const std::string& path) const {
-        std::string name = readSystemText(fmt::format("/proc/{}/comm", process), smallText)
+        std::string name = readSystemText(fmt::format("/proc/{}/comm", process), smallHolderText)
                                .value_or(std::string());
         if (name.ends_with('\n')) name.pop_back();
         const std::lock_guard lock(m_findings->mutex);
@@ -121,8 +121,9 @@ private:
 
     // "7f12a000-7f13b000 r-xp 00000000 08:11 131 /media/stick/library"
     std::string heldByMappings(std::int32_t process) const {
-        const std::string text = readSystemText(fmt::format("/proc/{}/maps", process), mapsLimit)
-                                     .value_or(std::string());
+        const std::string text =
+            readSystemText(fmt::format("/proc/{}/maps", process), holderMapsLimit)
+                .value_or(std::string());
         std::string_view rest = text;
         while (!rest.empty()) {
             const std::string_view line = rest.substr(0, rest.find('\n'));
@@ -148,7 +149,8 @@ private:
 
     static std::optional<std::uint64_t> mountOf(const std::string& descriptorInfo) {
         constexpr std::string_view label = "mnt_id:";
-        const std::string text = readSystemText(descriptorInfo, smallText).value_or(std::string());
+        const std::string text =
+            readSystemText(descriptorInfo, smallHolderText).value_or(std::string());
         std::size_t at = text.find(label);
         if (at == std::string::npos) return std::nullopt;
         at = text.find_first_not_of(" \t", at + label.size());
@@ -171,7 +173,7 @@ private:
 std::vector<VolumeHolder> findVolumeHolders(HeldVolume volume, std::chrono::milliseconds patience) {
     const auto end = Clock::now() + patience;
     const auto findings = std::make_shared<Findings>();
-    auto search = std::make_shared<Search>(std::move(volume), end, findings);
+    auto search = std::make_shared<HolderSearch>(std::move(volume), end, findings);
     try {
         std::thread([search = std::move(search)] { search->run(); }).detach();
     } catch (const std::system_error&) {

@@ -17,14 +17,14 @@
 namespace orrinvale {
 namespace {
 
-constexpr int countColumnWidth = 80;
-constexpr int sizeColumnWidth = 92;
+constexpr int cleanCountWidth = 80;
+constexpr int cleanSizeWidth = 92;
 
 CleanCategory categoryOf(const SimpleNodeData& group) {
     return static_cast<CleanCategory>(categoryOfGroup(group.name()));
 }
 
-QString nameOf(const TreeNode& node) {
+QString nameOfItem(const TreeNode& node) {
     const SimpleNodeData& data = *simpleData(node);
     return data.isGroup() ? categoryTitle(categoryOf(data)) : QString::fromStdString(data.name());
 }
@@ -69,17 +69,17 @@ std::vector<TickColumn<TreeNode>> columns(CleanTreeModel::IconSource icons) {
         {.title = CleanTreeModel::tr("Name"),
          .look = CellLook::PathName,
          .sortKey = int(SortKey::Name),
-         .text = nameOf,
+         .text = nameOfItem,
          .icon = [icons = std::move(icons)](const TreeNode& node) { return iconOf(node, icons); }},
         {.title = CleanTreeModel::tr("Selected"),
-         .width = countColumnWidth,
+         .width = cleanCountWidth,
          .text =
              [](const TreeNode& node) {
                  return QString::fromStdString(simpleData(node)->showSelectNumStr());
              }},
         {.title = CleanTreeModel::tr("Size"),
          .look = CellLook::Figure,
-         .width = sizeColumnWidth,
+         .width = cleanSizeWidth,
          .sortKey = int(SortKey::Size),
          .text = [](const TreeNode& node) { return sizeWords(simpleData(node)->fileSize()); },
          .share = shareOf},
@@ -182,7 +182,7 @@ bool CleanTreeModel::isBack(const TreeNode& node) const {
 QString CleanTreeModel::toolTipOf(const TreeNode& node) const {
     if (simpleData(node)->isGroup())
         return cleanRowDescription(int(categoryOf(*simpleData(node))) + 1);
-    return isBack(node) ? nameOf(node) + QLatin1Char('\n') + cameBackWords() : nameOf(node);
+    return isBack(node) ? nameOfItem(node) + QLatin1Char('\n') + cameBackWords() : nameOfItem(node);
 }
 
 QString CleanTreeModel::descriptionOf(const TreeNode& node) const {

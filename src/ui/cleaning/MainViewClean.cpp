@@ -29,7 +29,7 @@ namespace {
 constexpr std::size_t downloads = 5;
 constexpr unsigned everyCategory = 0b111111;
 constexpr unsigned allButDownloads = 0b011111;
-constexpr int alertDelay = 200;  // milliseconds from the end of a clean to its sheet
+constexpr int cleanAlertDelay = 200;  // milliseconds from the end of a clean to its sheet
 
 }  // namespace
 
@@ -207,7 +207,7 @@ void MainViewController::allCleansEnded() {
     changeStateTextFeild(showCleanedSize);
     settle(showCleanedSize);
     if (left == 0) cleanSuccessBtnShowStyle();
-    else QTimer::singleShot(alertDelay, this, [this] { showAlertForPrivilegesToClean(); });
+    else QTimer::singleShot(cleanAlertDelay, this, [this] { showAlertForPrivilegesToClean(); });
 }
 
 // The record is on the disk before the program may end.

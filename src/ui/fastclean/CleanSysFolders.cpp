@@ -14,7 +14,7 @@
 namespace orrinvale {
 namespace {
 
-using Names = std::vector<std::string>;
+using FolderNames = std::vector<std::string>;
 
 // A disk that is awake names its folders at once, and the window need not change while it comes.
 constexpr std::chrono::milliseconds waitForNames{40};
@@ -50,16 +50,16 @@ void CleanSysController::readSettings() {
 
 void CleanSysController::askNames() {
     m_isSilent = false;
-    const auto answer = std::make_shared<std::promise<Names>>();
+    const auto answer = std::make_shared<std::promise<FolderNames>>();
     auto names = answer->get_future();
     const auto worker = runAside(
         this, "fastCleanFolders",
         [answer, utilities = m_parts.clean.utilities, category = m_category] {
-            Names folders = utilities->getFolderPath(static_cast<std::uint32_t>(category));
+            FolderNames folders = utilities->getFolderPath(static_cast<std::uint32_t>(category));
             answer->set_value(folders);
             return folders;
         },
-        [this, asked = m_asked](Names folders) {
+        [this, asked = m_asked](FolderNames folders) {
             if (asked == m_asked && isAskingNames()) takeNames(std::move(folders));
         });
     if (worker == nullptr) {
@@ -72,7 +72,7 @@ void CleanSysController::askNames() {
 }
 
 // Where they came late; nothing where the disk stayed silent.
-void CleanSysController::takeNames(std::optional<Names> folders) {
+void CleanSysController::takeNames(std::optional<FolderNames> folders) {
     m_nameTimer.stop();
     m_isSilent = !folders;
     if (folders) m_runFolders = foldersArr = *std::move(folders);

@@ -21,9 +21,9 @@
 namespace orrinvale {
 namespace {
 
-constexpr int windowWidth = 440;
+constexpr int cleanWindowWidth = 440;
 constexpr int sheetHeight = 224;  // at least, where a question is asked
-constexpr int pictureSide = 40;
+constexpr int cleanPictureSide = 40;
 
 struct ViewWords {
     Q_DECLARE_TR_FUNCTIONS(FastClean)
@@ -36,7 +36,7 @@ QLabel* leadingLabel(const char* name, Theme::Text text,
     return label;
 }
 
-void makeTitleBar(TCImageWindow& window) {
+void makeFastCleanTitle(TCImageWindow& window) {
     new ToplineView(window.titleBarView());
     auto* const bar = new QHBoxLayout(window.titleBarView());
     bar->setContentsMargins({});
@@ -72,8 +72,8 @@ QHBoxLayout* bottomOf(const FastCleanViews& views) {
 // The sheet keeps as much room at its sides as below.
 int heightFor(const Alert& question) {
     const AlertPanel panel(question);
-    return std::max(sheetHeight,
-                    panel.heightForWidth(windowWidth - 2 * Theme::gapHuge) + 2 * Theme::gapHuge);
+    return std::max(sheetHeight, panel.heightForWidth(cleanWindowWidth - 2 * Theme::gapHuge) +
+                                     2 * Theme::gapHuge);
 }
 
 }  // namespace
@@ -81,10 +81,10 @@ int heightFor(const Alert& question) {
 FastCleanViews makeFastCleanViews(TCImageWindow& window) {
     window.setObjectName(QStringLiteral("CleanSystem"));
     window.setWindowTitle(ViewWords::tr("Fast Clean"));
-    makeTitleBar(window);
+    makeFastCleanTitle(window);
     FastCleanViews views;
     views.fastCleanImage =
-        named(new PictureView(QStringLiteral("fast_clean"), {pictureSide, pictureSide}),
+        named(new PictureView(QStringLiteral("fast_clean"), {cleanPictureSide, cleanPictureSide}),
               "fastCleanImage");
     views.title = leadingLabel("categoryTitle", Theme::Text::Heading);
     views.fixedText = leadingLabel("fixedText", Theme::Text::Body, QPalette::PlaceholderText);
@@ -119,9 +119,9 @@ void fitFastCleanWindow(TCImageWindow& window, const Alert* question) {
     content.layout()->activate();
     const int wanted = question != nullptr ? heightFor(*question)
                        : content.layout()->hasHeightForWidth()
-                           ? content.layout()->heightForWidth(windowWidth)
+                           ? content.layout()->heightForWidth(cleanWindowWidth)
                            : content.sizeHint().height();
-    const QSize size(windowWidth, wanted + window.titleBarHeight());
+    const QSize size(cleanWindowWidth, wanted + window.titleBarHeight());
     window.setMinSize({0, 0});
     window.setMaxSize(size);
     window.setMinSize(size);

@@ -16,33 +16,35 @@
 namespace orrinvale {
 namespace {
 
-struct Words {
+struct FastCleanTexts {
     Q_DECLARE_TR_FUNCTIONS(FastClean)
 };
 
 // The share of what was promised below which a person wants to know why.
-constexpr double enough = 0.9;
+constexpr double enoughFreed = 0.9;
 
 // Folders that a question names.
 constexpr std::size_t mostFolders = 3;
 // A sheet's way in, and half a second to see what it asks.
-constexpr std::chrono::milliseconds deafTime{700};
+constexpr std::chrono::milliseconds freeingDeafTime{700};
 
-QString sizeText(std::uint64_t bytes) { return shownSize(UtilityFunction::convertVolSpace(bytes)); }
+QString freedSizeText(std::uint64_t bytes) {
+    return shownSize(UtilityFunction::convertVolSpace(bytes));
+}
 
 QString textOf(const char* key) { return QString::fromStdString(getLocalizedString(key)); }
 
 // Where something may go beside it, the category itself was not left alone.
 QString closedLine(const FastCleanResult& result) {
     const CategoryListing::Closed& first = result.closed.front();
-    return Words::tr("%1 was left alone: %2")
+    return FastCleanTexts::tr("%1 was left alone: %2")
         .arg(result.isEmpty ? categoryTitle(result.category)
                             : onOneLine(QString::fromStdString(first.path)),
              onOneLine(inWords(first.reason)));
 }
 
 QString unreadLine(const FastCleanResult& result) {
-    return Words::tr("%1 can not be read: %2")
+    return FastCleanTexts::tr("%1 can not be read: %2")
         .arg(categoryTitle(result.category), onOneLine(inWords(result.skipped.front().reason())));
 }
 
@@ -51,36 +53,38 @@ QString unreadLine(const FastCleanResult& result) {
 QString noCategoryLine() { return textOf("NO_FOLDER_CONTENT"); }
 
 QString emptyCategoryLine(CleanCategory category) {
-    return Words::tr("Nothing to clean in %1. Choose others on the Clean page.")
+    return FastCleanTexts::tr("Nothing to clean in %1. Choose others on the Clean page.")
         .arg(categoryTitle(category));
 }
 
 QString silentCategoryLine(CleanCategory category) {
-    return Words::tr("%1: the disk does not answer. Try again in a moment.")
+    return FastCleanTexts::tr("%1: the disk does not answer. Try again in a moment.")
         .arg(categoryTitle(category));
 }
 
 Alert goodbyeQuestion(CleanCategory category, const std::vector<std::string>& folders,
                       std::uint64_t count, std::uint64_t bytes) {
-    const QString size = sizeText(bytes);
+    const QString size = freedSizeText(bytes);
     Alert question;
     question.title = category == CleanCategory::UserTrash
-                         ? Words::tr("Empty the Trash for good?")
-                         : Words::tr("Remove what is in Downloads for good?");
-    question.text = count == 1 ? Words::tr("1 item, %1. It cannot be brought back.").arg(size)
-                               : Words::tr("%Ln items, %1. They cannot be brought back.", nullptr,
-                                           static_cast<int>(count))
-                                     .arg(size);
+                         ? FastCleanTexts::tr("Empty the Trash for good?")
+                         : FastCleanTexts::tr("Remove what is in Downloads for good?");
+    question.text = count == 1
+                        ? FastCleanTexts::tr("1 item, %1. It cannot be brought back.").arg(size)
+                        : FastCleanTexts::tr("%Ln items, %1. They cannot be brought back.", nullptr,
+                                             static_cast<int>(count))
+                              .arg(size);
     for (std::size_t index = 0; index < std::min(folders.size(), mostFolders); ++index)
         question.text += QLatin1Char('\n') + onOneLine(QString::fromStdString(folders[index]));
     if (folders.size() > mostFolders) question.text += QStringLiteral("\n\u2026");
-    question.buttons = QStringList{Words::tr("Remove %1").arg(size), Words::tr("Cancel")};
+    question.buttons =
+        QStringList{FastCleanTexts::tr("Remove %1").arg(size), FastCleanTexts::tr("Cancel")};
     question.cancelButton = 1;
     question.severity = Alert::Severity::Warning;
     question.isDestructive = true;
     // It comes by itself, over the buttons that the window had.
     question.keyboardButton = question.cancelButton;
-    question.deafTime = deafTime;
+    question.deafTime = freeingDeafTime;
     return question;
 }
 
@@ -89,24 +93,24 @@ QStringList countAndSizeLines(std::uint64_t count, std::uint64_t bytes) {
         return QStringLiteral("%1 %2").arg(textOf(key), figure);
     };
     return {line("CLEAN_FILES_COUNT", QString::number(count)),
-            line("CLEAN_FILES_SIZE", sizeText(bytes))};
+            line("CLEAN_FILES_SIZE", freedSizeText(bytes))};
 }
 
 QStringList furtherLines(const FastCleanResult& result) {
     QStringList lines;
     if (result.gained)
         lines.push_back(*result.gained > 0
-                            ? Words::tr("Free space grew by %1")
-                                  .arg(sizeText(static_cast<std::uint64_t>(*result.gained)))
-                            : Words::tr("Free space did not grow"));
+                            ? FastCleanTexts::tr("Free space grew by %1")
+                                  .arg(freedSizeText(static_cast<std::uint64_t>(*result.gained)))
+                            : FastCleanTexts::tr("Free space did not grow"));
     if (result.outcome != nullptr && result.outcome->lacksRights)
-        lines.push_back(result.gained ? Words::tr("Open the padlock for the rest")
-                                      : Words::tr("Not all went: open the padlock"));
+        lines.push_back(result.gained ? FastCleanTexts::tr("Open the padlock for the rest")
+                                      : FastCleanTexts::tr("Not all went: open the padlock"));
     else if (result.outcome != nullptr && result.outcome->failed > 0)
         lines.push_back(stayedText(*result.outcome));
     else if (result.outcome != nullptr && result.outcome->removed == 0 && result.outcome->kept > 0)
-        lines.push_front(Words::tr("Nothing was removed: %Ln changed or in use by now", nullptr,
-                                   static_cast<int>(result.outcome->kept)));
+        lines.push_front(FastCleanTexts::tr("Nothing was removed: %Ln changed or in use by now",
+                                            nullptr, static_cast<int>(result.outcome->kept)));
     if (result.isEmpty && result.isSilent) lines.push_back(silentCategoryLine(result.category));
     else if (!result.closed.empty()) lines.push_back(closedLine(result));
     else if (result.isEmpty && !result.skipped.empty()) lines.push_back(unreadLine(result));
@@ -118,9 +122,9 @@ QString furtherReasons(const FastCleanResult& result) {
     if (result.outcome != nullptr && result.outcome->failed > 0)
         return stayedAlert(*result.outcome).text;
     if (!result.gained ||
-        static_cast<double>(*result.gained) >= enough * static_cast<double>(result.promised))
+        static_cast<double>(*result.gained) >= enoughFreed * static_cast<double>(result.promised))
         return {};
-    return Words::tr(
+    return FastCleanTexts::tr(
         "Less than promised: files were compressed or are still open, or snapshots and shared "
         "copies hold what "
         "went, or others have written meanwhile.");

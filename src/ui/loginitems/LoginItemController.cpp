@@ -28,7 +28,7 @@
 namespace orrinvale {
 namespace {
 
-constexpr int settleTime = 150;  // milliseconds; one change makes several notices
+constexpr int itemsSettleTime = 150;  // milliseconds; one change makes several notices
 constexpr int readPatience = 300;
 
 // Of a folder that is not there yet the one in which it will be. Reads disks.
@@ -64,7 +64,7 @@ LoginItemController::LoginItemController(const PageServices& services, LoginItem
           m_views->view)) {
     m_views->tableView->setModel(m_model);
     m_changed.setSingleShot(true);
-    m_changed.setInterval(settleTime);
+    m_changed.setInterval(itemsSettleTime);
     connectControls();
     connectKeys();
     m_views->view->setAcceptDrops(true);

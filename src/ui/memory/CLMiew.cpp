@@ -15,7 +15,7 @@ namespace {
 
 constexpr double pi = 3.1415;  // as its readers know it
 constexpr QPointF place(160, 230);
-constexpr double radius = 150;
+constexpr double boxRadius = 150;
 
 }  // namespace
 
@@ -26,7 +26,7 @@ void CLMiew::paintEvent(QPaintEvent* /*event*/) {
     if (!(total > 0) || colorArr.empty()) return;
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const PieCircle circle{place, radius, spaceHeight};
+    const PieCircle circle{place, boxRadius, spaceHeight};
     double angle = 0;
     for (std::size_t i = 0; i < valueArr.size(); ++i) {
         const double next = angle + valueArr[i] / total * 2 * pi;
@@ -39,11 +39,11 @@ void CLMiew::paintEvent(QPaintEvent* /*event*/) {
         painter.drawPath(pieRim(circle, angle, next, pi));
         painter.restore();
         const double middle = (angle + next) / 2;
-        const QPointF at(place.x() + std::cos(middle) * radius * 0.6,
-                         (place.y() + std::sin(middle) * radius * 0.6) * scaleY);
+        const QPointF at(place.x() + std::cos(middle) * boxRadius * 0.6,
+                         (place.y() + std::sin(middle) * boxRadius * 0.6) * scaleY);
         painter.setPen(Theme::shared().color(Theme::Color::Text));
-        painter.drawText(QRectF(at.x() - radius / 2, at.y() - 10, radius, 20), Qt::AlignCenter,
-                         titleArr.value(static_cast<qsizetype>(i)));
+        painter.drawText(QRectF(at.x() - boxRadius / 2, at.y() - 10, boxRadius, 20),
+                         Qt::AlignCenter, titleArr.value(static_cast<qsizetype>(i)));
         angle = next;
     }
 }

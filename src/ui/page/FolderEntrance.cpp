@@ -20,7 +20,7 @@ namespace orrinvale {
 namespace {
 
 // Shorter than anybody sees, and long enough for every disk that is awake.
-constexpr std::chrono::milliseconds patience{40};
+constexpr std::chrono::milliseconds folderPatience{40};
 
 /// What a thread aside found out, and whether somebody still waits for it.
 struct FolderLook {
@@ -49,7 +49,7 @@ void whenFolderIsThere(const PageServices& services, QObject& page, const std::s
     if (worker == nullptr) return;
     std::unique_lock lock(look->mutex);
     look->isLate =
-        !look->answered.wait_for(lock, patience, [&] { return look->isFolder.has_value(); });
+        !look->answered.wait_for(lock, folderPatience, [&] { return look->isFolder.has_value(); });
     if (look->isLate || !*look->isFolder) return;
     lock.unlock();
     then();

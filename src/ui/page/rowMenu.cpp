@@ -9,20 +9,22 @@
 namespace orrinvale {
 namespace {
 
-QString text(const char* source) { return QCoreApplication::translate("RowMenu", source); }
+QString entryText(const char* source) { return QCoreApplication::translate("RowMenu", source); }
 
 }  // namespace
 
 QMenu* makeRowMenu(QWidget* over, QObject& page, const RowActions& actions) {
     auto* const menu = new QMenu(over);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    QAction* const preview = menu->addAction(text(QT_TRANSLATE_NOOP("RowMenu", "Preview")));
+    QAction* const preview = menu->addAction(entryText(QT_TRANSLATE_NOOP("RowMenu", "Preview")));
     preview->setEnabled(static_cast<bool>(actions.preview));
     if (actions.preview) QObject::connect(preview, &QAction::triggered, &page, actions.preview);
-    menu->addAction(text(QT_TRANSLATE_NOOP("RowMenu", "Show in Folder")), &page, actions.reveal);
-    menu->addAction(text(QT_TRANSLATE_NOOP("RowMenu", "Copy Path")), &page, [path = actions.path] {
-        QGuiApplication::clipboard()->setText(QString::fromStdString(path()));
-    });
+    menu->addAction(entryText(QT_TRANSLATE_NOOP("RowMenu", "Show in Folder")), &page,
+                    actions.reveal);
+    menu->addAction(entryText(QT_TRANSLATE_NOOP("RowMenu", "Copy Path")), &page,
+                    [path = actions.path] {
+                        QGuiApplication::clipboard()->setText(QString::fromStdString(path()));
+                    });
     menu->addSeparator();
     return menu;
 }

@@ -24,9 +24,9 @@ namespace {
 
 constexpr int titleHeight = 40;
 constexpr int buttonShift = 6;
-constexpr int leftMargin = 8;
-constexpr QSize smallest{800, 550};
-constexpr QSize largest{1200, 940};
+constexpr int toolbarMargin = 8;
+constexpr QSize smallestPreferences{800, 550};
+constexpr QSize largestPreferences{1200, 940};
 constexpr int fadeTime = 250;  // milliseconds
 constexpr int slowFadeTime = 1250;
 const QString webPageItem = QStringLiteral("websit");
@@ -87,9 +87,9 @@ void DBPrefsWindowController::makeWindow() {
     window.setObjectName(QStringLiteral("prefsWindow"));
     window.setWindowTitle(windowTitle());
     window.setTopButtonShift(buttonShift);
-    window.setLeftMargin(leftMargin);
-    window.setMinSize(smallest);
-    window.setMaxSize(largest);
+    window.setLeftMargin(toolbarMargin);
+    window.setMinSize(smallestPreferences);
+    window.setMaxSize(largestPreferences);
     window.setHeaderImage(QStringLiteral("wheader"));
     new ToplineView(window.titleBarView());
     makeTitleBar();
@@ -105,7 +105,7 @@ void DBPrefsWindowController::makeWindow() {
     m_shelf->hide();
     window.setContentView(content);
     fitTitleBar();
-    window.setFrame({QPoint(), smallest});
+    window.setFrame({QPoint(), smallestPreferences});
     window.standardWindowButton(0)->setAction([this] { closeWindow(); });
 }
 
@@ -120,7 +120,7 @@ void DBPrefsWindowController::makeTitleBar() {
     connect(m_toolbar, &PrefsToolbar::displayChanged, this, &DBPrefsWindowController::keepDisplay);
     // The three window buttons stand on the left; as much is left free on the right, so that the
     // title is in the middle.
-    constexpr int buttonsWidth = leftMargin + 3 * WindowButton::side + Theme::gapSmall;
+    constexpr int buttonsWidth = toolbarMargin + 3 * WindowButton::side + Theme::gapSmall;
     auto* const titleRow = new QHBoxLayout;
     titleRow->setContentsMargins(buttonsWidth, 0, buttonsWidth, 0);
     titleRow->addWidget(title);

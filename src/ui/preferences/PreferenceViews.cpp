@@ -31,7 +31,7 @@
 namespace orrinvale {
 namespace {
 
-constexpr int leastShare = 1;  // per cent
+constexpr int leastFreeShare = 1;  // per cent
 constexpr int mostShare = 50;
 constexpr int sliderWidth = 220;
 
@@ -67,7 +67,7 @@ QComboBox* makeChoice(const char* name, const Items& items) {
 QSlider* makeSlider(const char* name) {
     constexpr int step = 10;
     auto* const made = guarded(named(new QSlider(Qt::Horizontal), name));
-    made->setRange(leastShare, mostShare);
+    made->setRange(leastFreeShare, mostShare);
     made->setPageStep(step);
     made->setTickInterval(step);
     made->setTickPosition(QSlider::TicksBelow);

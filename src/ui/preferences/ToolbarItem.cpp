@@ -13,11 +13,11 @@
 namespace orrinvale {
 namespace {
 
-constexpr QSize pictureSide{28, 28};
+constexpr QSize itemPictureSide{28, 28};
 constexpr int sidePadding = Theme::gap;
 constexpr int edgePadding = Theme::gapSmall;
-constexpr int leastWidth = 72;
-constexpr int markHeight = 3;
+constexpr int leastItemWidth = 72;
+constexpr int itemMarkHeight = 3;
 constexpr int markWidth = 24;
 
 }  // namespace
@@ -30,7 +30,7 @@ ToolbarItem::ToolbarItem(QString identifier, const QString& image, bool isSelect
     setAutoExclusive(isSelectable);  // to a screen reader one of several, and no box to tick
     setFocusPolicy(Qt::NoFocus);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
-    setIconSize(pictureSide);
+    setIconSize(itemPictureSide);
     if (pictureNames().contains(image)) setIcon(picture(image));
     setLabel(m_identifier);
 }
@@ -53,7 +53,7 @@ QSize ToolbarItem::sizeHint() const {
     const QSize image = showsPicture() ? iconSize() : QSize(0, 0);
     const int gap = words.isEmpty() || image.isEmpty() ? 0 : Theme::gapTiny;
     const int width = std::max(words.width(), image.width()) + 2 * sidePadding;
-    return {showsLabel() && showsPicture() ? std::max(width, leastWidth) : width,
+    return {showsLabel() && showsPicture() ? std::max(width, leastItemWidth) : width,
             image.height() + gap + words.height() + 2 * edgePadding};
 }
 
@@ -78,10 +78,10 @@ void ToolbarItem::drawPlate(QPainter& painter) const {
         painter.drawRoundedRect(rect(), Theme::radius, Theme::radius);
     }
     if (!isChecked()) return;
-    QRectF mark(0, 0, markWidth, markHeight);
-    mark.moveCenter(QPointF(QRectF(rect()).center().x(), height() - markHeight / 2.0));
+    QRectF mark(0, 0, markWidth, itemMarkHeight);
+    mark.moveCenter(QPointF(QRectF(rect()).center().x(), height() - itemMarkHeight / 2.0));
     painter.setBrush(theme.color(Theme::Color::Accent));
-    painter.drawRoundedRect(mark, markHeight / 2.0, markHeight / 2.0);
+    painter.drawRoundedRect(mark, itemMarkHeight / 2.0, itemMarkHeight / 2.0);
 }
 
 void ToolbarItem::paintEvent(QPaintEvent* /*event*/) {

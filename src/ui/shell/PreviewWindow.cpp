@@ -24,8 +24,8 @@
 namespace orrinvale {
 namespace {
 
-constexpr QSize usualSize{560, 460};
-constexpr int iconSide = 128;
+constexpr QSize usualPreviewSize{560, 460};
+constexpr int previewIconSide = 128;
 
 QLabel* centred(Theme::Text text, QPalette::ColorRole role) {
     auto* const label = new QLabel;
@@ -97,7 +97,7 @@ PreviewWindow::PreviewWindow(FileIcons& icons, QWidget* parent)
     for (const auto& [key, step] : {std::pair(Qt::Key_Up, -1), std::pair(Qt::Key_Down, 1)})
         connect(new QShortcut(QKeySequence(key), this), &QShortcut::activated, this,
                 [this, step = step] { Q_EMIT otherWanted(step); });
-    resize(usualSize);
+    resize(usualPreviewSize);
 }
 
 // The keys of the window behind work here too, and its key that closes would take both away. A
@@ -123,7 +123,7 @@ void PreviewWindow::showPath(const std::string& path) {
     m_name->setText(name);
     m_facts->clear();
     m_icon->setPixmap(m_icons.icon({IconRequest::Path, path})
-                          .pixmap(QSize(iconSide, iconSide), devicePixelRatioF()));
+                          .pixmap(QSize(previewIconSide, previewIconSide), devicePixelRatioF()));
     m_pages->setCurrentWidget(m_icon);
     runAside(
         this, "readPreview:", [path] { return readPreview(path); },

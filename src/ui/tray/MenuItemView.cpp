@@ -21,7 +21,7 @@
 namespace orrinvale {
 namespace {
 
-constexpr int iconSide = 24;
+constexpr int menuIconSide = 24;
 constexpr int left = 14;
 constexpr int textLeft = 46;
 constexpr int buttonSide = 24;
@@ -211,7 +211,8 @@ void MenuItemView::paintEvent(QPaintEvent* /*event*/) {
                                 Theme::radiusSmall);
     }
     const bool isSilent = !m_seen.silence.empty();
-    m_icon.paint(&painter, mirrored({left, (height() - iconSide) / 2, iconSide, iconSide}),
+    m_icon.paint(&painter,
+                 mirrored({left, (height() - menuIconSide) / 2, menuIconSide, menuIconSide}),
                  Qt::AlignCenter, isSilent ? QIcon::Disabled : QIcon::Normal);
     paintTexts(painter);
     paintBar(painter);

@@ -18,7 +18,7 @@ namespace {
 
 constexpr int largeSide = 200;                        // of the details
 constexpr std::uint64_t mostBytes = 4 * 1024 * 1024;  // of a picture that somebody put into a home
-constexpr int mostPixels = 4096;                      // of one side
+constexpr int mostIconPixels = 4096;                  // of one side
 
 QIcon standIn() { return picture(QStringLiteral("ic_app")); }
 
@@ -42,7 +42,8 @@ QImage imageAt(const FileSystem& files, const std::string& path) {
     QBuffer buffer(&content);
     QImageReader reader(&buffer);
     const QSize size = reader.size();
-    if (!size.isValid() || size.width() > mostPixels || size.height() > mostPixels) return {};
+    if (!size.isValid() || size.width() > mostIconPixels || size.height() > mostIconPixels)
+        return {};
     if (size.width() > largeSide || size.height() > largeSide)
         reader.setScaledSize(size.scaled(largeSide, largeSide, Qt::KeepAspectRatio));
     return reader.read();

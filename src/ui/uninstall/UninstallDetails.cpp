@@ -20,7 +20,7 @@
 namespace orrinvale {
 namespace {
 
-constexpr int pictureSide = 200, panelWidth = 600;
+constexpr int detailPictureSide = 200, panelWidth = 600;
 constexpr qsizetype nameLetters = 28, pathLetters = 70;
 
 QString moment(const Date& date) {
@@ -31,8 +31,8 @@ QString moment(const Date& date) {
 
 QPixmap largePicture(const QIcon& icon, qreal scale) {
     // A small picture stands in the middle, at most twice its size, else it would blur.
-    const QImage drawn = icon.pixmap(QSize(pictureSide, pictureSide), scale).toImage();
-    const int side = qRound(pictureSide * scale);
+    const QImage drawn = icon.pixmap(QSize(detailPictureSide, detailPictureSide), scale).toImage();
+    const int side = qRound(detailPictureSide * scale);
     QImage grown =
         drawn.scaled(std::min(side, 2 * drawn.width()), std::min(side, 2 * drawn.height()),
                      Qt::KeepAspectRatio, Qt::SmoothTransformation);
@@ -62,7 +62,7 @@ UninstallDetails::UninstallDetails(const AppItems& item, const QIcon& icon) {
     setObjectName(QStringLiteral("listWindow"));
     auto* const picture = new QLabel;
     picture->setPixmap(largePicture(icon, devicePixelRatioF()));
-    picture->setFixedSize(pictureSide, pictureSide);
+    picture->setFixedSize(detailPictureSide, detailPictureSide);
     m_lines = new QVBoxLayout;
     m_lines->setSpacing(Theme::gapSmall);
     m_lines->addStretch();

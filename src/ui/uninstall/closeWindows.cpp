@@ -24,10 +24,10 @@
 namespace orrinvale {
 namespace {
 
-struct Free {
+struct FreeAnswer {
     void operator()(void* memory) const { std::free(memory); }
 };
-template <typename Reply> using ReplyPointer = std::unique_ptr<Reply, Free>;
+template <typename Reply> using AnswerPointer = std::unique_ptr<Reply, FreeAnswer>;
 
 QByteArray contentOf(const QString& path) {
     QFile file(path);
@@ -88,7 +88,7 @@ public:
         if (m_root == XCB_WINDOW_NONE) return {};
         auto out = numbersOf(m_root, atom("_NET_CLIENT_LIST"));
         if (!out.empty()) return out;
-        const ReplyPointer<xcb_query_tree_reply_t> tree(
+        const AnswerPointer<xcb_query_tree_reply_t> tree(
             xcb_query_tree_reply(m_x, xcb_query_tree(m_x, m_root), nullptr));
         if (!tree) return {};
         const std::span children(xcb_query_tree_children(tree.get()),
@@ -116,22 +116,22 @@ public:
         message.data.data32[1] = XCB_CURRENT_TIME;
         const auto sent = xcb_send_event_checked(m_x, 0, window, XCB_EVENT_MASK_NO_EVENT,
                                                  reinterpret_cast<const char*>(&message));
-        return ReplyPointer<xcb_generic_error_t>(xcb_request_check(m_x, sent)) == nullptr;
+        return AnswerPointer<xcb_generic_error_t>(xcb_request_check(m_x, sent)) == nullptr;
     }
 
 private:
     [[nodiscard]] xcb_atom_t atom(std::string_view name) const {
         const auto cookie =
             xcb_intern_atom(m_x, 0, static_cast<std::uint16_t>(name.size()), name.data());
-        const ReplyPointer<xcb_intern_atom_reply_t> reply(
+        const AnswerPointer<xcb_intern_atom_reply_t> reply(
             xcb_intern_atom_reply(m_x, cookie, nullptr));
         return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
     }
 
-    [[nodiscard]] ReplyPointer<xcb_get_property_reply_t> property(xcb_window_t window,
-                                                                  xcb_atom_t name) const {
+    [[nodiscard]] AnswerPointer<xcb_get_property_reply_t> property(xcb_window_t window,
+                                                                   xcb_atom_t name) const {
         constexpr std::uint32_t mostWords = 4096;
-        return ReplyPointer<xcb_get_property_reply_t>(xcb_get_property_reply(
+        return AnswerPointer<xcb_get_property_reply_t>(xcb_get_property_reply(
             m_x, xcb_get_property(m_x, 0, window, name, XCB_ATOM_ANY, 0, mostWords), nullptr));
     }
 

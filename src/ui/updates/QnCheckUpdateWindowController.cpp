@@ -22,7 +22,7 @@
 namespace orrinvale {
 namespace {
 
-constexpr int fadeTime = 200;  // milliseconds
+constexpr int sheetFadeTime = 200;  // milliseconds
 
 }  // namespace
 
@@ -191,7 +191,7 @@ void QnCheckUpdateWindowController::fadeTo(double alpha) {
     }
     m_fade.setStartValue(m_alpha);
     m_fade.setEndValue(alpha);
-    m_fade.setDuration(fadeTime);
+    m_fade.setDuration(sheetFadeTime);
     m_fade.start();
 }
 

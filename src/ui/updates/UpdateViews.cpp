@@ -27,11 +27,11 @@ namespace {
 
 constexpr int listWidth = static_cast<int>(UpdateListPlaces::listWidth);
 constexpr int listSight = 200;  // of a long list
-constexpr int windowWidth = listWidth + 2 * Theme::gapHuge;
-constexpr int pictureSide = 40;
+constexpr int updateWindowWidth = listWidth + 2 * Theme::gapHuge;
+constexpr int updatePictureSide = 40;
 constexpr int measuredFont = 10;  // points
 
-struct Words {
+struct UpdateTexts {
     Q_DECLARE_TR_FUNCTIONS(QnCheckUpdateWindowController)
 };
 
@@ -113,10 +113,10 @@ void addCloseButton(const View& view, const char* name, const QString& words,
 // In a place of the pictures' size, so that the words of all views begin alike.
 QWidget* placeFor(Spinner* spinner) {
     auto* const place = new QWidget;
-    place->setFixedSize(pictureSide, pictureSide);
+    place->setFixedSize(updatePictureSide, updatePictureSide);
     spinner->setParent(place);
-    spinner->setGeometry((pictureSide - Spinner::side) / 2, (pictureSide - Spinner::side) / 2,
-                         Spinner::side, Spinner::side);
+    spinner->setGeometry((updatePictureSide - Spinner::side) / 2,
+                         (updatePictureSide - Spinner::side) / 2, Spinner::side, Spinner::side);
     return place;
 }
 
@@ -127,26 +127,26 @@ QWidget* hairline() {
 }
 
 PictureView* pictureOf(const char* name) {
-    return new PictureView(QLatin1String(name), {pictureSide, pictureSide});
+    return new PictureView(QLatin1String(name), {updatePictureSide, updatePictureSide});
 }
 
 void makeQuietViews(UpdateViews& views, const std::function<void()>& close) {
     views.progressBar = named(new Spinner, "progressBar");
     const View checking = makeView("checkProgressView", placeFor(views.progressBar),
                                    wrappedLabel("checkingTitle", Theme::Text::Heading,
-                                                Words::tr("Looking for a newer version…")),
+                                                UpdateTexts::tr("Looking for a newer version…")),
                                    nullptr);
-    addCloseButton(checking, "stopChecking", Words::tr("Stop"), close);
+    addCloseButton(checking, "stopChecking", UpdateTexts::tr("Stop"), close);
     views.checkProgressView = checking.view;
 
-    const View noNetwork =
-        makeView("noNetworkView", pictureOf("warning"),
-                 wrappedLabel("noNetworkTitle", Theme::Text::Heading,
-                              Words::tr("The web site of Orrinvale could not be reached.")),
-                 wrappedLabel("noNetworkText", Theme::Text::Body,
-                              Words::tr("Look whether this computer is online, and try again."),
-                              QPalette::PlaceholderText));
-    addCloseButton(noNetwork, "closeNoNetwork", Words::tr("Close"), close);
+    const View noNetwork = makeView(
+        "noNetworkView", pictureOf("warning"),
+        wrappedLabel("noNetworkTitle", Theme::Text::Heading,
+                     UpdateTexts::tr("The web site of Orrinvale could not be reached.")),
+        wrappedLabel("noNetworkText", Theme::Text::Body,
+                     UpdateTexts::tr("Look whether this computer is online, and try again."),
+                     QPalette::PlaceholderText));
+    addCloseButton(noNetwork, "closeNoNetwork", UpdateTexts::tr("Close"), close);
     views.noNetworkView = noNetwork.view;
 
     views.noUpdateTitle = wrappedLabel("noUpdateTitle", Theme::Text::Heading, {});
@@ -154,7 +154,7 @@ void makeQuietViews(UpdateViews& views, const std::function<void()>& close) {
         wrappedLabel("noUpdateText", Theme::Text::Body, {}, QPalette::PlaceholderText);
     const View noUpdate =
         makeView("noUpdateView", pictureOf("appicon"), views.noUpdateTitle, views.noUpdateText);
-    addCloseButton(noUpdate, "closeNoUpdate", Words::tr("Close"), close);
+    addCloseButton(noUpdate, "closeNoUpdate", UpdateTexts::tr("Close"), close);
     views.noUpdateView = noUpdate.view;
 }
 
@@ -163,15 +163,16 @@ void makeNewView(UpdateViews& views) {
     const View have = makeView("haveUpdateView", pictureOf("appicon"), views.titleLable, nullptr);
     views.versionLabel = wrappedLabel("versionLabel", Theme::Text::BodyStrong, {});
     views.showVersionScrollView = named(new Panel(Theme::Color::Window), "showVersionScrollView");
-    auto* const area = named(new QScrollArea, "changeValueScrollView", Words::tr("What is new"));
+    auto* const area =
+        named(new QScrollArea, "changeValueScrollView", UpdateTexts::tr("What is new"));
     area->setFrameShape(QFrame::NoFrame);
     area->setFixedWidth(listWidth);
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     area->setWidget(views.showVersionScrollView);
     views.changeValueScrollView = area;
-    views.updateClickHere = named(
-        new TextImageButton(Words::tr("Open the Download Page"), TextImageButton::Role::Primary),
-        "updateClickHere");
+    views.updateClickHere = named(new TextImageButton(UpdateTexts::tr("Open the Download Page"),
+                                                      TextImageButton::Role::Primary),
+                                  "updateClickHere");
     auto* const list = new QVBoxLayout;
     list->setSpacing(Theme::gapSmall);
     list->addWidget(views.versionLabel);
@@ -205,9 +206,9 @@ UpdateViews makeUpdateViews(TCImageWindow& window, const std::function<void()>& 
 void fitUpdateWindow(TCImageWindow& window) {
     QLayout* const layout = window.contentView()->layout();
     layout->activate();
-    const int height = layout->hasHeightForWidth() ? layout->heightForWidth(windowWidth)
+    const int height = layout->hasHeightForWidth() ? layout->heightForWidth(updateWindowWidth)
                                                    : layout->sizeHint().height();
-    const QSize size(windowWidth, height + window.titleBarHeight());
+    const QSize size(updateWindowWidth, height + window.titleBarHeight());
     window.setMinSize({0, 0});
     window.setMaxSize(size);
     window.setMinSize(size);

@@ -26,7 +26,7 @@ namespace orrinvale {
 
 namespace {
 
-constexpr int iconSide = 32;
+constexpr int volumeIconSide = 32;
 constexpr int cardGap = Theme::gapSmall;  // below each card, within its height
 
 // A picture as wide as there is room.
@@ -97,7 +97,7 @@ CustomVolumView::CustomVolumView(const ZvVolumeInfo& volume, std::string errorVa
 }
 
 void CustomVolumView::makeParts(bool canEject) {
-    m_curVolIcon = named(new PictureView({}, {iconSide, iconSide}), "curVolIcon");
+    m_curVolIcon = named(new PictureView({}, {volumeIconSide, volumeIconSide}), "curVolIcon");
     m_volName = named(new ElidedLabel(Qt::ElideMiddle), "volName");
     m_volName->setFont(Theme::shared().font(Theme::Text::BodyStrong));
     m_groupName = makeQuiet("groupName");

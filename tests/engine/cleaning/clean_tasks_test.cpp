@@ -58,7 +58,7 @@ TEST(ScanFolderOpt, tellsOfEachShownEntryAndOfTheEnd) {
     EXPECT_EQ(serveAll(queue), 0U);
 }
 
-double processorSeconds() {
+double usedSeconds() {
     rusage used{};
     ::getrusage(RUSAGE_SELF, &used);
     return static_cast<double>(used.ru_utime.tv_sec + used.ru_stime.tv_sec) +
@@ -74,9 +74,9 @@ TEST(ScanFolderOpt, aPauseWaitsAndBurnsNothing) {
         ScanFolderOpt operation(home.tree.at("f"), 1, home.parts(), {&center, &queue});
         operation.setIsPaused(true);
         std::thread worker([&] { operation.main(); });
-        const double before = processorSeconds();
+        const double before = usedSeconds();
         std::this_thread::sleep_for(std::chrono::milliseconds(400));
-        EXPECT_LT(processorSeconds() - before, 0.2);
+        EXPECT_LT(usedSeconds() - before, 0.2);
         EXPECT_EQ(serveAll(queue), 0U);
         if (isCancelled) operation.cancel();
         else operation.setIsPaused(false);

@@ -4,6 +4,7 @@
 
 #include "engine/diskusage/DiskUsageScan.h"
 #include "support/ServedQueue.h"
+#include "support/realFiles.h"
 #include "support/test.h"
 
 namespace orrinvale::testing {

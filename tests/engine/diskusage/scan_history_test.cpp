@@ -12,8 +12,6 @@ namespace {
 
 using testing::UsageRun;
 
-const LinuxFileSystem files;
-
 StoredScan storedScanOf(const std::string& path) {
     const UsageRun run(files, path, {.limit = std::uint64_t{1} << 63U, .records = true});
     const auto record = run.scan.record();

@@ -6,8 +6,6 @@
 namespace orrinvale {
 namespace {
 
-const LinuxFileSystem files;
-
 // Edges are shared to the last bit: what a point of the folder lies in is exactly one child.
 void expectTiled(const std::vector<TreemapEntry>& entries, const std::vector<TreemapRectangle>& at,
                  const TreemapSpacing& spacing) {

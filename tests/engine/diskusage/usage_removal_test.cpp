@@ -15,8 +15,6 @@ using testing::ServedQueue;
 using testing::textOf;
 using testing::UsageRun;
 
-const LinuxFileSystem files;
-
 /// As the page does it: counts, removes, takes out what went, and scans anew what went in part.
 struct Removal {
     explicit Removal(FSNodeTree& tree)

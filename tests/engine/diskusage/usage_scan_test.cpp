@@ -17,8 +17,6 @@ using testing::ServedQueue;
 using testing::textOf;
 using testing::UsageRun;
 
-const LinuxFileSystem files;
-
 /// One thread, one path after another, every sum anew for each folder.
 class PlainWalk {
 public:

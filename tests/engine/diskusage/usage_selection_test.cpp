@@ -9,8 +9,6 @@ namespace {
 using testing::allOf;
 using testing::BoxModel;
 
-const LinuxFileSystem files;
-
 TEST(UsageSelection, followsItsRulesThroughTenThousandClicks) {
     testing::TestTree tree;
     std::mt19937 random(5);

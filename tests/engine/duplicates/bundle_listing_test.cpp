@@ -7,7 +7,7 @@
 namespace orrinvale {
 namespace {
 
-const std::atomic<bool> never{false};
+const std::atomic<bool> notStopped{false};
 
 class BundleDigest : public ::testing::Test {
 protected:
@@ -21,7 +21,7 @@ protected:
         return m_tree.at("B.app/" + name);
     }
     [[nodiscard]] BundleListing list(const BundleQuery& query = {}) const {
-        auto listing = listBundle(files, m_tree.at("B.app"), query, never);
+        auto listing = listBundle(files, m_tree.at("B.app"), query, notStopped);
         EXPECT_TRUE(listing.has_value());
         return listing ? std::move(*listing) : BundleListing{};
     }
@@ -81,7 +81,7 @@ TEST_F(BundleDigest, IsTheSameForWhatIsTheSame) {
     const std::uint64_t digest = list().digest;
     ASSERT_EQ(::chmod(at("in/file").c_str(), 0600), 0);  // a new time of the inode
     ASSERT_EQ(::rename(m_tree.at("B.app").c_str(), m_tree.at("C.app").c_str()), 0);
-    const auto moved = listBundle(files, m_tree.at("C.app"), {}, never);
+    const auto moved = listBundle(files, m_tree.at("C.app"), {}, notStopped);
     ASSERT_TRUE(moved);
     EXPECT_EQ(moved->digest, digest);
 }
@@ -103,13 +103,13 @@ TEST_F(BundleDigest, LeavesInodesOutWhereTheyDoNotLast) {
 }
 
 TEST_F(BundleDigest, FailuresAndStopsAreErrors) {
-    EXPECT_EQ(listBundle(files, m_tree.at("missing"), {}, never).error().number, ENOENT);
+    EXPECT_EQ(listBundle(files, m_tree.at("missing"), {}, notStopped).error().number, ENOENT);
     const std::atomic<bool> stopped{true};
     EXPECT_EQ(listBundle(files, m_tree.at("B.app"), {}, stopped).error().number, ECANCELED);
     m_tree.setMode("B.app/in", 0);
     ::chmod(m_tree.path().c_str(), 0755);
     const std::string text = testing::runInChild({.ordinaryUser = true}, [&]() -> std::string {
-        const auto listing = listBundle(files, m_tree.at("B.app"), {}, never);
+        const auto listing = listBundle(files, m_tree.at("B.app"), {}, notStopped);
         if (listing) return "listed";
         return listing.error().number == EACCES && listing.error().path == at("in")
                    ? ""
@@ -130,7 +130,7 @@ TEST_F(BundleDigest, ANameThatIsListedTwiceCountsOnce) {
             return more;
         }
     };
-    const auto listing = listBundle(Repeating(files), m_tree.at("B.app"), {}, never);
+    const auto listing = listBundle(Repeating(files), m_tree.at("B.app"), {}, notStopped);
     ASSERT_TRUE(listing);
     EXPECT_EQ(listing->digest, list().digest);
     EXPECT_EQ(listing->bytes, list().bytes);

@@ -10,7 +10,7 @@
 namespace orrinvale {
 namespace {
 
-using Removal =
+using RacedRemoval =
     std::function<void(const std::string& path, const std::optional<EntryIdentity>& expected)>;
 
 // What many programs do: each step by a path, which is resolved anew.
@@ -147,7 +147,7 @@ struct Outcome {
     int lost = 0;  // entries of the victim
 };
 
-Outcome race(const Removal& removal, int rounds, bool untilLost) {
+Outcome race(const RacedRemoval& removal, int rounds, bool untilLost) {
     Outcome outcome;
     Arena arena;
     std::atomic<int> swaps{0};

@@ -38,7 +38,7 @@ RemovalResult removeSeen(const std::string& path, const SeenEntries& seen,
     return SafeRemoval(system, nothingProtected).remove(path, std::nullopt, nullptr, &seen);
 }
 
-std::string failuresOf(const TestTree& tree, const RemovalResult& result) {
+std::string failureLines(const TestTree& tree, const RemovalResult& result) {
     std::vector<std::string> lines;
     for (const auto& [path, reason, kind, seen] : result.failures)
         lines.push_back(fmt::format("{}: {}", path.substr(tree.path().size() + 1),
@@ -116,7 +116,7 @@ TEST(SeenRemoval, OnlyWhatTheScanSawGoes) {
         const auto result = removeSeen(tree.at("t"), seen);
         // A number that is free again may go to the next entry at once, which then counts as the
         // same one changed.
-        std::string told = failuresOf(tree, result);
+        std::string told = failureLines(tree, result);
         if (std::strcmp(what, "another link") == 0 ||
             std::strcmp(what, "a folder in place of a file") == 0)
             if (const std::size_t at = told.find("changed"); at != std::string::npos)
@@ -164,7 +164,7 @@ TEST(SeenRemoval, AnEmptyFolderThatCameIntoThePlaceOfOneThatWasEmptiedStays) {
         ::rename(tree.at("t/a").c_str(), tree.at("moved").c_str());
         tree.folder("t/a");
     };
-    EXPECT_EQ(failuresOf(tree, removeSeen(tree.at("t"), seen, watched)), "t/a: later");
+    EXPECT_EQ(failureLines(tree, removeSeen(tree.at("t"), seen, watched)), "t/a: later");
     EXPECT_TRUE(isThere(tree.at("t/a")) && isThere(tree.at("moved")));
 }
 
@@ -187,7 +187,7 @@ TEST(SeenRemoval, AllNamesOfAFileGoUnlessSomebodyElseChangedIt) {
                 rewrite(tree, "t/in/c", true);
             };
         const auto result = removeSeen(tree.at("t"), seen, watched);
-        EXPECT_EQ(failuresOf(tree, result), changed ? "t/in/c: changed, t/in/d: changed" : "");
+        EXPECT_EQ(failureLines(tree, result), changed ? "t/in/c: changed, t/in/d: changed" : "");
         EXPECT_EQ(result.bytes, 5U) << "a file counts once";
     }
 }
@@ -296,7 +296,7 @@ TEST(SeenRemoval, DepthTakesNoDescriptors) {
     }
     const std::string told = testing::runInChild({.descriptors = 256}, [&]() -> std::string {
         const auto result = removeSeen(tree.at("t"), seen);
-        return result.gone ? std::to_string(result.removed) : failuresOf(tree, result);
+        return result.gone ? std::to_string(result.removed) : failureLines(tree, result);
     });
     EXPECT_EQ(told, std::to_string(levels * 3 + 2));
 }

@@ -11,7 +11,7 @@ using testing::linesOf;
 using testing::ScanRun;
 using testing::ServedQueue;
 
-testing::WatchedFiles withDescriptors(std::size_t limit) {
+testing::WatchedFiles withFewDescriptors(std::size_t limit) {
     testing::WatchedFiles watched;
     watched.descriptors = limit;
     return watched;
@@ -132,7 +132,7 @@ TEST(LargeFileScan, neitherDepthNorDescriptorsLimitIt) {
     TestTree tree("/dev/shm");
     ASSERT_TRUE(tree.makeDeep("deep", 10'000, "leaf", true));
     for (const unsigned limit : {0U, 64U}) {
-        const auto watched = withDescriptors(limit);
+        const auto watched = withFewDescriptors(limit);
         const std::string told = testing::runInChild({.descriptors = limit}, [&] {
             const ScanRun run(watched, tree.path());
             FileNode* node = run.tree->root().children().front();
@@ -156,7 +156,7 @@ TEST(LargeFileScan, whatCanNotBeReadIsEmptyAndSkipped) {
     for (const char* name : {"/locked/5", "/6"}) ASSERT_TRUE(tree.write(deep + name, "12"));
     ASSERT_TRUE(tree.setMode("locked", 0) && tree.setMode("blind", 0744) &&
                 tree.setMode(deep + "/locked", 0));
-    const auto watched = withDescriptors(32);
+    const auto watched = withFewDescriptors(32);
     EXPECT_EQ(testing::runInChild({.ordinaryUser = true, .descriptors = 32},
                                   [&] { return told(ScanRun(watched, tree.path()), tree); }),
               "/a/ 2\n/a/1 2\n/blind/ 0\n/blind/3 0\n/blind/3: Permission denied\nDEEP/ 6\nDEEP/6 "
@@ -175,7 +175,7 @@ TEST(LargeFileScan, mountsCountButTheKernelsOwnStayEmpty) {
     TestTree tree("/dev/shm");
     ASSERT_TRUE(tree.write("file", "12345") && tree.folder("disk") && tree.folder("kernel") &&
                 tree.makeDeep("deep", 200, "leaf", true) && tree.folder(deep + "/kernel"));
-    const auto watched = withDescriptors(32);
+    const auto watched = withFewDescriptors(32);
     const std::string seen = testing::runInChild({.descriptors = 32}, [&]() -> std::string {
         if (!unshareMounts() || !testing::mountRam(tree.at("disk").c_str()) ||
             !bindMount("/sys/kernel", tree.at("kernel")) ||

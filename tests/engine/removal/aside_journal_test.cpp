@@ -9,7 +9,7 @@ namespace {
 
 constexpr const char* token = "0123456789abcdef";
 
-AsideRecord recordOf(const TestTree& tree, const std::string& name) {
+AsideRecord asideRecordOf(const TestTree& tree, const std::string& name) {
     struct stat entry {};
     struct stat folder {};
     (void)::lstat(tree.at(name).c_str(), &entry);
@@ -79,7 +79,7 @@ TEST(AsideJournal, TheNextStartBringsBackWhatIsAsideAndNothingElse) {
         {
             auto journal = AsideJournal::begin(state.at("removals"));
             ASSERT_TRUE(journal.has_value());
-            const std::vector<AsideRecord> records{recordOf(tree, "f")};
+            const std::vector<AsideRecord> records{asideRecordOf(tree, "f")};
             ASSERT_TRUE(journal->add(records).has_value());
             c.meanwhile(tree);
             EXPECT_THAT(bringBackAside(LinuxFileSystem(), state.at("removals")).broughtBack,
@@ -142,7 +142,7 @@ TEST(AsideJournal, ALinkGivesTheNameBackAtAnyStep) {
         TestTree tree;
         const TestTree state;
         ASSERT_TRUE(tree.write("f", "mine") && tree.write("kept", "mine"));
-        AsideRecord record = recordOf(tree, "f");
+        AsideRecord record = asideRecordOf(tree, "f");
         record.isReplaced = c.isReplaced;
         {
             auto journal = AsideJournal::begin(state.at("removals"));
@@ -153,7 +153,7 @@ TEST(AsideJournal, ALinkGivesTheNameBackAtAnyStep) {
         EXPECT_EQ(recovery.stayed.size(), c.stayed) << c.what;
         EXPECT_EQ(recovery.broughtBack.size(), 1 - c.stayed) << c.what;
         EXPECT_EQ(namesIn(tree.path()), c.left) << c.what;
-        EXPECT_EQ(recordOf(tree, "f").inode == record.inode,
+        EXPECT_EQ(asideRecordOf(tree, "f").inode == record.inode,
                   c.what != std::string("linked by somebody to what has other rights"))
             << c.what;
     }
@@ -164,7 +164,7 @@ TEST(AsideJournal, AVolumeThatIsAbsentIsAskedLater) {
     TestTree tree;
     TestTree state;
     ASSERT_TRUE(tree.write("disk/f", "mine"));
-    AsideRecord record = recordOf(tree, "disk/f");
+    AsideRecord record = asideRecordOf(tree, "disk/f");
     ++record.device;
     {
         auto journal = AsideJournal::begin(state.at("removals"));
@@ -179,7 +179,7 @@ TEST(AsideJournal, AJournalOfSomebodyElseOrBehindALinkIsLeftAlone) {
     TestTree tree;
     TestTree state;
     ASSERT_TRUE(tree.write("f", "mine"));
-    const std::vector<AsideRecord> records{recordOf(tree, "f")};
+    const std::vector<AsideRecord> records{asideRecordOf(tree, "f")};
     setAside(tree, "f");
     ASSERT_TRUE(state.write("elsewhere", writeAsideJournal(records)));
     ASSERT_TRUE(state.symlink("../elsewhere", "removals/a.aside"));

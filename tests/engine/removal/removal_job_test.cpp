@@ -12,8 +12,8 @@ namespace {
 
 using testing::PairList;
 
-struct Page {
-    explicit Page(TestTree& tree, const FileSystem& files, int count) {
+struct PairPage {
+    explicit PairPage(TestTree& tree, const FileSystem& files, int count) {
         for (int i = 0; i < count; ++i)
             for (const char* const folder : {"a", "b"})
                 tree.write(fmt::format("{}/{:04}", folder, i), "the same");
@@ -42,7 +42,7 @@ struct Page {
 TEST(RemovalJob, TellsEachEntryInOrderAndTheEndLast) {
     TestTree tree;
     const LinuxFileSystem files;
-    Page page(tree, files, 50);
+    PairPage page(tree, files, 50);
     page.runToEnd();
     EXPECT_EQ(page.outcome->removed, 50U);
     EXPECT_EQ(page.outcome->bytes, 50U * 8);
@@ -64,7 +64,7 @@ TEST(RemovalJob, AStopEndsItBeforeTheNextEntry) {
         while (!isMade) std::this_thread::yield();
         running->stop();
     };
-    Page page(tree, files, 10);
+    PairPage page(tree, files, 10);
     running = page.job.get();
     isMade = true;
     page.runToEnd();
@@ -78,7 +78,7 @@ TEST(RemovalJob, WaitsForAnotherRemovalAndMayBeStoppedMeanwhile) {
     const LinuxFileSystem files;
     const std::atomic<bool> never{false};
     const RemovalTurn other(tree.at("state/removals"), never, [] {});
-    Page page(tree, files, 2);
+    PairPage page(tree, files, 2);
     for (int i = 0; i < 500 && !page.job->progress().isWaiting; ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     EXPECT_TRUE(page.job->progress().isWaiting);
@@ -94,7 +94,7 @@ TEST(RemovalJob, CountsTheBytesOfAFileOnce) {
     const LinuxFileSystem files;
     ASSERT_TRUE(tree.write("a/0000", "the same") && tree.hardLink("a/0000", "a/0001"));
     for (const char* const name : {"b/0000", "b/0001"}) ASSERT_TRUE(tree.write(name, "the same"));
-    Page page(tree, files, 0);
+    PairPage page(tree, files, 0);
     page.runToEnd();
     EXPECT_EQ(page.outcome->bytes, 8U);
 }

@@ -12,7 +12,7 @@
 namespace orrinvale {
 namespace {
 
-const std::atomic<bool> never{false};
+const std::atomic<bool> plannedNever{false};
 
 class Planned : public ::testing::Test {
 protected:
@@ -50,18 +50,18 @@ protected:
 TEST_F(Planned, ARemovalKeepsToThePlanThatItWasShown) {
     const std::vector<AppItems> items = listed();
     ASSERT_EQ(items.size(), 2U);
-    const UninstallOutlook asked = work->forecast({items[0]}, never);
+    const UninstallOutlook asked = work->forecast({items[0]}, plannedNever);
     EXPECT_EQ(asked.apps[0].paths, (Strings{items[0].path, items[0].record->entries[0]}));
     // Another question is answered later, and another folder has come into one's place.
-    const UninstallOutlook later = work->forecast({items[1]}, never);
-    EXPECT_FALSE(work->remove(*asked.plan, {{items[1], {}}}, progress, never)[0].isGone);
+    const UninstallOutlook later = work->forecast({items[1]}, plannedNever);
+    EXPECT_FALSE(work->remove(*asked.plan, {{items[1], {}}}, progress, plannedNever)[0].isGone);
     std::filesystem::rename(items[1].path, items[1].path + ".old");
     tree.write("opt/tool/other", "1");
     const auto results =
-        work->remove(*later.plan, {{items[1], {}}, {items[0], {}}}, progress, never);
+        work->remove(*later.plan, {{items[1], {}}, {items[0], {}}}, progress, plannedNever);
     EXPECT_EQ(results[0].reason, "changed since the scan");
     EXPECT_TRUE(isThere(tree.at("opt/tool/other")) && isThere(items[0].path));
-    EXPECT_TRUE(work->remove(*asked.plan, {{items[0], {}}}, progress, never)[0].isGone);
+    EXPECT_TRUE(work->remove(*asked.plan, {{items[0], {}}}, progress, plannedNever)[0].isGone);
     EXPECT_FALSE(isThere(items[0].path));
 }
 
@@ -75,13 +75,13 @@ TEST_F(Planned, TellsBeforehandWhatCanNotGo) {
     record.path += "-of-yesterday";
     gone.record = std::make_shared<const ApplicationRecord>(record);
     items.push_back(gone);
-    const UninstallOutlook outlook = work->forecast(items, never);
+    const UninstallOutlook outlook = work->forecast(items, plannedNever);
     EXPECT_EQ(outlook.apps[0].refusal, "no room");
     EXPECT_EQ(outlook.apps[1].refusal, "");
     EXPECT_EQ(outlook.apps[1].noTrash, "no room");
     EXPECT_TRUE(outlook.apps[1].leftovers.empty());
     EXPECT_EQ(outlook.apps[2].refusal, "not installed any more as it was listed");
-    EXPECT_FALSE(work->remove(*outlook.plan, {{items[0], {}}}, progress, never)[0].isGone);
+    EXPECT_FALSE(work->remove(*outlook.plan, {{items[0], {}}}, progress, plannedNever)[0].isGone);
     EXPECT_TRUE(isThere(items[0].path));
 }
 
@@ -91,7 +91,7 @@ TEST_F(Planned, LeftoversThatNobodyLookedThroughAreNotOffered) {
     tree.setMode("home/.config/tool/deep", 0);
     tree.setMode("usr/share/applications", 0777);
     const auto told = [&] {
-        const UninstallOutlook outlook = work->forecast(listed(), never);
+        const UninstallOutlook outlook = work->forecast(listed(), plannedNever);
         std::string out;
         for (const auto& app : outlook.apps) out += std::to_string(app.leftovers.size());
         for (const std::string& each : outlook.notes) out += each;
@@ -105,13 +105,13 @@ TEST_F(Planned, WhatIsAnotherApplicationByNowStays) {
     const std::vector<AppItems> items = listed();
     machine.program("opt/game/bin/later");
     machine.entry("later", "Exec=" + tree.at("opt/game/bin/later"));
-    const UninstallOutlook outlook = work->forecast(items, never);
+    const UninstallOutlook outlook = work->forecast(items, plannedNever);
     EXPECT_EQ(outlook.apps[0].refusal, "not installed any more as it was listed");
     EXPECT_EQ(outlook.apps[1].refusal, "");
     EXPECT_TRUE(outlook.isListOld);
-    EXPECT_FALSE(work->remove(*outlook.plan, {{items[0], {}}}, progress, never)[0].isGone);
+    EXPECT_FALSE(work->remove(*outlook.plan, {{items[0], {}}}, progress, plannedNever)[0].isGone);
     EXPECT_TRUE(isThere(tree.at("opt/game/bin/later")));
-    EXPECT_FALSE(work->forecast(listed(), never).isListOld);
+    EXPECT_FALSE(work->forecast(listed(), plannedNever).isListOld);
 }
 
 TEST_F(Planned, AForecastThatIsCutOffOrGetsNoThreadSaysSo) {
@@ -120,7 +120,7 @@ TEST_F(Planned, AForecastThatIsCutOffOrGetsNoThreadSaysSo) {
     EXPECT_EQ(testing::runInChild({},
                                   [&]() -> std::string {
                                       if (!testing::failSystemCall(SYS_clone3, EAGAIN)) return "";
-                                      return work->forecast(listed(), never).apps[0].refusal;
+                                      return work->forecast(listed(), plannedNever).apps[0].refusal;
                                   }),
               "what would go along could not be found out");
 }
@@ -178,7 +178,7 @@ TEST_F(Planned, NothingIsPromisedForWhatStays) {
         debs.there.records = each.records;
         debs.there.unread.clear();
         if (!each.unread.empty()) debs.there.unread[ApplicationType::Deb] = each.unread;
-        const UninstallOutlook outlook = planned.forecast(items, never);
+        const UninstallOutlook outlook = planned.forecast(items, plannedNever);
         EXPECT_EQ((Strings{outlook.apps[0].refusal, outlook.apps[1].refusal}), each.refusals);
         const auto& forecasts = outlook.plan->forecasts;
         const auto found = forecasts.find(ApplicationType::Deb);
@@ -199,7 +199,7 @@ TEST_F(Planned, WhatTheSnapServiceTakesIsNoOnesToTick) {
         parts, LeftoverPlaces{{tree.at("home/.config")}, {}, tree.at("home/snap"), {}},
         UninstallDoors::usual(parts), nullptr, nullptr);
     UninstallAppInfo info(UninstallAppDelegate(files, parts.home, &snaps, parts.root));
-    const auto told = planned.forecast({*info.allAppsInfo().front()}, never).apps.front();
+    const auto told = planned.forecast({*info.allAppsInfo().front()}, plannedNever).apps.front();
     ASSERT_EQ(told.refusal, "");
     Strings paths;
     for (const Leftover& each : told.leftovers) paths.push_back(each.path);
@@ -237,14 +237,14 @@ TEST_F(Planned, ASecondAttemptTakesWhatTheFirstCopyLeftToTheSecond) {
     for (const AppItems& each : listed())
         if (each.record->type == ApplicationType::App) items.push_back(each);
     ASSERT_EQ(items.size(), 2U);
-    const UninstallOutlook outlook = planned.forecast(items, never);
+    const UninstallOutlook outlook = planned.forecast(items, plannedNever);
     ASSERT_EQ(outlook.apps[1].paths.size(), 2U);
     locked = outlook.apps[1].paths.front();
     const auto first =
-        planned.remove(*outlook.plan, {{items[0], {}}, {items[1], {}}}, progress, never);
+        planned.remove(*outlook.plan, {{items[0], {}}, {items[1], {}}}, progress, plannedNever);
     EXPECT_TRUE(first[0].isGone && !first[1].isGone);
     locked.clear();
-    EXPECT_TRUE(planned.remove(*outlook.plan, {{items[1], {}}}, progress, never)[0].isGone);
+    EXPECT_TRUE(planned.remove(*outlook.plan, {{items[1], {}}}, progress, plannedNever)[0].isGone);
     EXPECT_FALSE(isThere(tree.at("home/Library/com.e.App.plist")));
 }
 
@@ -303,9 +303,10 @@ TEST(PlannedRemoval, OfAnAppImageGivesBackWhatWasPromisedOnceTheTrashIsEmpty) {
         item.fileSizeNum = promised;
         const auto free = [] { return std::int64_t(settledFreeSpace("/mnt").value_or(0)); };
         const std::int64_t before = free();
-        const UninstallOutlook outlook = work.forecast({item}, never);
+        const UninstallOutlook outlook = work.forecast({item}, plannedNever);
         ProgressBox progress;
-        const auto result = work.remove(*outlook.plan, {{item, {}}}, progress, never).front();
+        const auto result =
+            work.remove(*outlook.plan, {{item, {}}}, progress, plannedNever).front();
         const std::int64_t inTrash = free() - before;
         if (!result.isGone || isThere(image) || isThere(entries + "/painter.desktop"))
             return "it stays: " + result.reason;

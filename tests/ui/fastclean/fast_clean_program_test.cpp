@@ -10,7 +10,7 @@
 namespace orrinvale::testing {
 namespace {
 
-using State = CleanSysController::State;
+using FreeingState = CleanSysController::State;
 
 TEST(FastClean, IsReachedByTheMenuAndFromOutside) {
     Started on;
@@ -23,11 +23,11 @@ TEST(FastClean, IsReachedByTheMenuAndFromOutside) {
     on.delegate->perform({StartRequest::Kind::Action, "fast-clean", ""});
     CleanSysController* const run = on.delegate->fastClean()->clrSysController();
     ASSERT_NE(run, nullptr);
-    EXPECT_EQ(run->state(), State::Idle);
+    EXPECT_EQ(run->state(), FreeingState::Idle);
     EXPECT_FALSE(on.isVisible()) << "nobody asked for the main window";
     EXPECT_FALSE(on.entry("fastClean")->isEnabled());
     on.delegate->cleaningFile();
-    EXPECT_NE(run->state(), State::Idle);
+    EXPECT_NE(run->state(), FreeingState::Idle);
     EXPECT_SOON(on.delegate->fastClean()->clrSysController() == nullptr);
     EXPECT_TRUE(on.entry("fastClean")->isEnabled());
     EXPECT_TRUE(isThere(on.tree.at(".cache/a"))) << "it was changed a moment ago";

@@ -27,7 +27,7 @@
 namespace orrinvale::testing {
 namespace {
 
-using State = CleanSysController::State;
+using FreeingState = CleanSysController::State;
 
 /// A home, its settings, and the one Fast Clean of a program that does what the delegate does.
 struct Desk : NamedControls {
@@ -80,7 +80,7 @@ struct Desk : NamedControls {
         return out;
     }
     [[nodiscard]] CleanSysController* run() const { return clean->clrSysController(); }
-    [[nodiscard]] bool isIn(State state) const {
+    [[nodiscard]] bool isIn(FreeingState state) const {
         return run() != nullptr && run()->state() == state;
     }
     [[nodiscard]] static int bubbles() { return UtilityObject::getMyObject().liveBubbleCount; }
@@ -142,7 +142,7 @@ TEST(FastClean, RunsFromTheClickToTheEndOfItsWindow) {
                 desk.home.tree.write(".cache/k/.git/x", "1"));
     desk.reading.shut();
     desk.clean->cleaningFile();
-    ASSERT_TRUE(desk.isIn(State::Measuring));
+    ASSERT_TRUE(desk.isIn(FreeingState::Measuring));
     EXPECT_TRUE(desk.run()->window()->isVisible());
     EXPECT_FALSE(Desk::isCanBeAction() || desk.clean->canStart());
     EXPECT_EQ(desk.textOf("categoryTitle"), "User Caches");
@@ -156,7 +156,7 @@ TEST(FastClean, RunsFromTheClickToTheEndOfItsWindow) {
     EXPECT_SOON(desk.textOf("curFileName") == desk.home.tree.at(".cache/a"));
     EXPECT_EQ(desk.run()->totalSize, 3'000'000U);
     desk.removing.open();
-    ASSERT_SOON(desk.isIn(State::Reporting));
+    ASSERT_SOON(desk.isIn(FreeingState::Reporting));
     EXPECT_EQ(desk.textOf("fixedText"), "Items checked: 1  ·  Size: 3.00 MB");
     EXPECT_EQ(desk.textOf("furtherLines"), "Free space grew by 2.00 MB");
     EXPECT_FALSE(desk.control("furtherLines").toolTip().isEmpty()) << "less than promised";
@@ -171,7 +171,7 @@ TEST(FastClean, RunsFromTheClickToTheEndOfItsWindow) {
     EXPECT_EQ(namesIn(desk.home.tree.at(".cache")), std::vector<std::string>{"k"});
     // With nothing measured the progress is no number, and nothing is drawn of it.
     desk.clean->cleaningFile();
-    ASSERT_SOON(desk.isIn(State::Reporting));
+    ASSERT_SOON(desk.isIn(FreeingState::Reporting));
     EXPECT_EQ(desk.textOf("fixedText"), "Items checked: 0  ·  Size: 0.00 KB");
     EXPECT_NE(desk.textOf("furtherLines").find("User Caches"), std::string::npos);
     EXPECT_EQ(desk.noted(), 3'000'000U) << "a clean that removed nothing is not noted";
@@ -190,7 +190,7 @@ TEST(FastClean, AsksBeforeWhatCanNotBeMadeAgain) {
         EXPECT_TRUE(question.text.contains(QString::fromStdString(desk.home.tree.at("Downloads"))))
             << question.text.toStdString();
         EXPECT_TRUE(question.isDestructive && question.cancelButton == 1);
-        ASSERT_SOON(answer == 1 || desk.isIn(State::Reporting));
+        ASSERT_SOON(answer == 1 || desk.isIn(FreeingState::Reporting));
         EXPECT_SOON(desk.run() == nullptr);
         EXPECT_EQ(isThere(desk.home.tree.at("Downloads/a/b")), answer == 1);
         EXPECT_TRUE(desk.clean->canStart());
@@ -227,7 +227,7 @@ TEST(FastClean, TheQuestionIsNotAnsweredByTheClickBefore) {
         QTest::qWait(300);
         EXPECT_TRUE(isThere(desk.home.tree.at("Downloads/a")));
         if (hand != Hand::DoubleClick) continue;
-        ASSERT_TRUE(desk.isIn(State::Measuring)) << "nobody has answered";
+        ASSERT_TRUE(desk.isIn(FreeingState::Measuring)) << "nobody has answered";
         QTest::qWait(600);
         (*remove)->click();
         EXPECT_SOON(!isThere(desk.home.tree.at("Downloads/a")));
@@ -243,7 +243,7 @@ TEST(FastClean, TheWindowThatWaitsCleansWhatItShows) {
     EXPECT_EQ(desk.textOf("curFileName"), desk.home.tree.at(".cache"));
     desk.defaults.setInteger(1, std::string(ZvUserDownloadsKey));
     desk.click("startBtn");
-    ASSERT_TRUE(desk.isIn(State::Idle));
+    ASSERT_TRUE(desk.isIn(FreeingState::Idle));
     EXPECT_EQ(desk.textOf("categoryTitle"), "Downloads");
     EXPECT_EQ(desk.textOf("curFileName"), desk.home.tree.at("Downloads"));
     desk.dialogs.willAnswer(0);
@@ -263,7 +263,7 @@ TEST(FastClean, AStopClosesTheWindowAtOnceAndEndsBeforeTheNextEntry) {
         gate.shut();
         desk.clean->cleaningFile();
         ASSERT_SOON(gate.isWaitedAt());
-        ASSERT_TRUE(!isDeleting || desk.isIn(State::Deleting));
+        ASSERT_TRUE(!isDeleting || desk.isIn(FreeingState::Deleting));
         desk.click("cancelBtn");
         EXPECT_EQ(desk.run(), nullptr);
         EXPECT_TRUE(Desk::isCanBeAction());
@@ -298,11 +298,11 @@ TEST(FastClean, FromOutsideTheWindowWaitsForAClick) {
     Desk desk(CleanCategory::UserCaches);
     ASSERT_TRUE(desk.home.tree.write(".cache/a", "1"));
     desk.clean->open();
-    ASSERT_TRUE(desk.isIn(State::Idle));
+    ASSERT_TRUE(desk.isIn(FreeingState::Idle));
     EXPECT_TRUE(desk.isShown("startBtn"));
     EXPECT_EQ(desk.textOf("curFileName"), desk.home.tree.at(".cache"));
     QTest::qWait(50);
-    ASSERT_TRUE(desk.isIn(State::Idle));
+    ASSERT_TRUE(desk.isIn(FreeingState::Idle));
     // Closed without a click nothing has happened, and it can be opened again.
     QTest::keyClick(desk.run()->window(), Qt::Key_Escape);
     EXPECT_EQ(desk.run(), nullptr);
@@ -352,7 +352,7 @@ TEST(FastClean, ClosingAndGivingUpInEachState) {
             if (moment == Moment::Asking) desk.dialogs.willAnswer(0);
             desk.clean->cleaningFile();
             QPointer<TCImageWindow> window = desk.run()->window();
-            ASSERT_SOON(moment == Moment::Reporting ? desk.isIn(State::Reporting)
+            ASSERT_SOON(moment == Moment::Reporting ? desk.isIn(FreeingState::Reporting)
                         : moment == Moment::Asking  ? !desk.dialogs.alerts().empty()
                                                     : gate.isWaitedAt());
             if (isGivingUp) desk.clean->giveUp();
@@ -380,7 +380,7 @@ TEST(FastClean, TheBubbleStaysUnderThePointer) {
     parts.bubbles.server = [] { return DesktopFacts::Server::X11; };
     desk.clean = std::make_unique<FastClean>(parts, [] {});
     desk.clean->cleaningFile();
-    ASSERT_SOON(desk.isIn(State::Reporting));
+    ASSERT_SOON(desk.isIn(FreeingState::Reporting));
     FastCleanBubbleView* const bubble = desk.run()->bubbleView();
     ASSERT_NE(bubble, nullptr);
     const QPointer<MAAttachedWindow> window = bubble->maattachedView();
@@ -406,7 +406,7 @@ TEST(FastClean, TakesTurnsWithOtherRemovals) {
         auto other = std::make_unique<RemovalTurn>(asideJournalFolder(desk.home.tree.at("state")),
                                                    never, [] {});
         desk.clean->cleaningFile();
-        ASSERT_SOON(desk.isIn(State::Deleting) &&
+        ASSERT_SOON(desk.isIn(FreeingState::Deleting) &&
                     desk.textOf("fixedText") == "Waiting for another removal to end");
         EXPECT_TRUE(isThere(desk.home.tree.at(".cache/a")));
         if (isStopped) {
@@ -417,7 +417,7 @@ TEST(FastClean, TakesTurnsWithOtherRemovals) {
         desk.free += 10'000'000;
         other.reset();
         if (!isStopped) {
-            ASSERT_SOON(desk.isIn(State::Reporting));
+            ASSERT_SOON(desk.isIn(FreeingState::Reporting));
             EXPECT_EQ(desk.textOf("furtherLines"), "Free space grew by 2.00 MB");
         }
         EXPECT_SOON(desk.run() == nullptr && !desk.clean->isRemoving());
@@ -432,7 +432,7 @@ TEST(FastClean, EndsAlsoWhereNothingCanBeNoted) {
     ASSERT_TRUE(desk.home.tree.write(".cache/a", "1") &&
                 desk.home.tree.write("state", "no folder"));
     desk.clean->cleaningFile();
-    ASSERT_SOON(desk.isIn(State::Reporting));
+    ASSERT_SOON(desk.isIn(FreeingState::Reporting));
     EXPECT_FALSE(isThere(desk.home.tree.at(".cache/a")));
     EXPECT_EQ(desk.textOf("furtherLines"), "Free space grew by 2.00 MB");
     EXPECT_SOON(desk.run() == nullptr);
@@ -494,10 +494,10 @@ TEST(FastClean, ASleepingDiskIsWaitedForAndHoldsNobodyUp) {
         const auto begun = std::chrono::steady_clock::now();
         desk.clean->cleaningFile();
         EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::milliseconds(300));
-        ASSERT_TRUE(desk.isIn(State::Measuring));
+        ASSERT_TRUE(desk.isIn(FreeingState::Measuring));
         EXPECT_TRUE(desk.run()->window()->isVisible() && desk.isShown("cancelBtn"));
         if (disk == Disk::IsSilent) {
-            ASSERT_SOON(desk.isIn(State::Reporting));
+            ASSERT_SOON(desk.isIn(FreeingState::Reporting));
             EXPECT_NE(desk.textOf("furtherLines").find("does not answer"), std::string::npos);
         } else if (disk == Disk::IsStopped) {
             desk.click("cancelBtn");

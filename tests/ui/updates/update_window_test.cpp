@@ -17,7 +17,7 @@ namespace orrinvale::testing {
 namespace {
 
 using Controller = QnCheckUpdateWindowController;
-using State = Controller::State;
+using UpdateState = Controller::State;
 
 /// Answers nothing until whoever asks gives up.
 struct SilentTransport final : UpdateTransport {
@@ -76,13 +76,13 @@ struct UpdateWindow : ::testing::Test {
 TEST_F(UpdateWindow, EachEndHasItsOneView) {
     const struct {
         bool hasKeys, isOwned, hasNetwork;
-        State state;
+        UpdateState state;
         const char* title;
     } cases[] = {
-        {true, true, true, State::NoUpdate, "Newer versions come with your system."},
-        {false, true, true, State::NoUpdate, "Newer versions come with your system."},
-        {false, false, true, State::NoUpdate, "This copy does not look for newer versions."},
-        {true, false, false, State::NoNetwork, ""}};
+        {true, true, true, UpdateState::NoUpdate, "Newer versions come with your system."},
+        {false, true, true, UpdateState::NoUpdate, "Newer versions come with your system."},
+        {false, false, true, UpdateState::NoUpdate, "This copy does not look for newer versions."},
+        {true, false, false, UpdateState::NoNetwork, ""}};
     const int askedBefore = transport.asked;
     for (const auto& each : cases) {
         hasKeys = each.hasKeys;
@@ -93,7 +93,7 @@ TEST_F(UpdateWindow, EachEndHasItsOneView) {
         EXPECT_TRUE(in.views().progressBar->isTurning());
         EXPECT_EQ(in.window()->windowModality(), Qt::ApplicationModal);
         ASSERT_SOON(in.state() == each.state);
-        const bool isNetwork = each.state == State::NoNetwork;
+        const bool isNetwork = each.state == UpdateState::NoNetwork;
         EXPECT_EQ(shownViews(in), std::vector<QWidget*>{isNetwork ? in.views().noNetworkView
                                                                   : in.views().noUpdateView});
         EXPECT_EQ(in.views().noUpdateTitle->text().toStdString(), each.title);
@@ -115,7 +115,7 @@ TEST_F(UpdateWindow, EachEndHasItsOneView) {
 TEST_F(UpdateWindow, RowsStandBelowEachOtherAndNoneIsCut) {
     hasNetwork = false;
     Controller& in = open();
-    ASSERT_SOON(in.state() == State::NoNetwork);
+    ASSERT_SOON(in.state() == UpdateState::NoNetwork);
     std::string further = "<key>1</key><string>&lt;b&gt;R&amp;D&lt;/b&gt;</string>";
     for (int i = 2; i <= 30; ++i) {
         std::string text;
@@ -144,7 +144,7 @@ TEST_F(UpdateWindow, ClosingItEndsTheCheck) {
     Controller& in = open();
     const int before = transport.stopped;
     ASSERT_SOON(transport.asked > before);
-    EXPECT_EQ(in.state(), State::Checking);
+    EXPECT_EQ(in.state(), UpdateState::Checking);
     in.window()->performClose();
     EXPECT_FALSE(in.window()->isVisible()) << "without a fade";
     EXPECT_EQ(closings, 1);
@@ -160,7 +160,7 @@ TEST_F(UpdateWindow, TheProgramEndsBehindTheFade) {
     hasNetwork = false;
     using Reply = Controller::TerminateReply;
     Controller& in = open();
-    ASSERT_SOON(in.state() == State::NoNetwork);
+    ASSERT_SOON(in.state() == UpdateState::NoNetwork);
     in.window()->setStyle(&moving);
     EXPECT_FALSE(in.windowShouldClose());
     EXPECT_TRUE(in.window()->isVisible()) << "it fades first";
@@ -184,7 +184,7 @@ TEST_F(UpdateWindow, TheMenuOpensItAndQuittingGoesThroughIt) {
     ASSERT_NE(first, nullptr);
     on.entry("checkUpdate")->trigger();
     EXPECT_EQ(on.delegate->checkUpdateWC(), first) << "one at a time";
-    EXPECT_SOON(first->state() == State::NoUpdate);
+    EXPECT_SOON(first->state() == UpdateState::NoUpdate);
     QTest::mouseClick(first->window()->findChild<QAbstractButton*>(QStringLiteral("closeNoUpdate")),
                       Qt::LeftButton);
     EXPECT_EQ(on.delegate->checkUpdateWC(), nullptr);

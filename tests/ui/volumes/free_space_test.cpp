@@ -211,7 +211,7 @@ TEST(MyMacView, ShowsTheBootVolumeAndIsFilledFromTheFirst) {
 }
 
 // Never freed: a look may go on behind the end of a test.
-struct Machine {
+struct VolumeMachine {
     SteadyVolumes volumes;
     FakeMemory memory;
     QtMainQueue queue;
@@ -255,7 +255,7 @@ protected:
         return page->diskSizeView().allItemArr().at(row);
     }
 
-    Machine& machine = *new Machine;
+    VolumeMachine& machine = *new VolumeMachine;
     Settings settings;
     NotificationCenter notifications;
     std::vector<EjectFailure> failures;

@@ -16,7 +16,7 @@
 namespace orrinvale {
 namespace {
 
-StayedEntry noCopy(const HeldEntry& leaving, std::string_view reason = stay::noCopy) {
+StayedEntry noBundleCopy(const HeldEntry& leaving, std::string_view reason = stay::noCopy) {
     return {leaving.path, std::string(reason), StayReason::NoCopy};
 }
 
@@ -120,12 +120,12 @@ std::optional<StayedEntry> BundleLook::listBoth(const HeldEntry& leaving, const 
     if (!m_kept) return std::nullopt;
 
     auto kept = openFolderByPath(m_files, m_kept->path, Links::Keep);
-    if (!kept) return noCopy(leaving);
+    if (!kept) return noBundleCopy(leaving);
     m_keptFolder = std::move(*kept);
     auto keptList = listBundleAt(m_files, m_keptFolder.get(), m_kept->path, {m_passing}, stop);
-    if (!keptList) return noCopy(leaving);
+    if (!keptList) return noBundleCopy(leaving);
     m_keptList = std::move(*keptList);
-    if (m_digests.kept && *m_digests.kept != m_keptList.digest) return noCopy(leaving);
+    if (m_digests.kept && *m_digests.kept != m_keptList.digest) return noBundleCopy(leaving);
     return std::nullopt;
 }
 
@@ -133,11 +133,11 @@ std::optional<StayedEntry> BundleLook::compare(const HeldEntry& leaving,
                                                const std::atomic<bool>& stop) const {
     const auto& ours = m_leavingList.entries;
     const auto& theirs = m_keptList.entries;
-    if (ours.size() != theirs.size()) return noCopy(leaving, stay::otherContents);
+    if (ours.size() != theirs.size()) return noBundleCopy(leaving, stay::otherContents);
     BundleFiles ourFiles(m_files, m_leavingFolder.get(), inodesPass(leaving.attributes.device));
     BundleFiles theirFiles(m_files, m_keptFolder.get(), inodesPass(m_kept->identity.device));
     for (std::size_t i = 0; i < ours.size() && !stop; ++i) {
-        if (!isAlike(ours[i], theirs[i])) return noCopy(leaving, stay::otherContents);
+        if (!isAlike(ours[i], theirs[i])) return noBundleCopy(leaving, stay::otherContents);
         if (ours[i].attributes.type != FileType::Regular) continue;
         const auto a = ourFiles.open(ours[i]);
         const auto b = theirFiles.open(theirs[i]);
@@ -147,10 +147,10 @@ std::optional<StayedEntry> BundleLook::compare(const HeldEntry& leaving,
                                                      {b->get(), their.device, their.size}, stop)
                                    : tl::unexpected(!a ? a.error() : b.error());
         if (!answer) return failed(leaving, answer.error());
-        if (*answer == Comparison::Different) return noCopy(leaving, stay::otherContents);
+        if (*answer == Comparison::Different) return noBundleCopy(leaving, stay::otherContents);
         if (m_files.isOpenForWriting(a->get()))
             return StayedEntry{leaving.path, std::string(stay::inUse), StayReason::InUse};
-        if (m_files.isOpenForWriting(b->get())) return noCopy(leaving, stay::copyInUse);
+        if (m_files.isOpenForWriting(b->get())) return noBundleCopy(leaving, stay::copyInUse);
     }
     return std::nullopt;
 }

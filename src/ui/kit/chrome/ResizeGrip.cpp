@@ -24,13 +24,13 @@ Qt::CursorShape cursorFor(Qt::Edges edges) {
     return edges & (Qt::LeftEdge | Qt::RightEdge) ? Qt::SizeHorCursor : Qt::SizeVerCursor;
 }
 
-struct Span {
+struct GripSpan {
     int start;
     int end;
 };
 
 // One axis of the grip: at the low or the high edge, or the stretch between them.
-Span spanOf(bool isLow, bool isHigh, Span frame, int outside, int inside) {
+GripSpan spanOf(bool isLow, bool isHigh, GripSpan frame, int outside, int inside) {
     if (isLow) return {frame.start - outside, frame.start + inside};
     if (isHigh) return {frame.end - inside, frame.end + outside};
     return {frame.start + cornerInside, frame.end - cornerInside};
@@ -47,10 +47,10 @@ ResizeGrip::ResizeGrip(Qt::Edges edges, WindowDrag& drag, QWidget* window)
 
 void ResizeGrip::place(const QRect& frame, int outside, int inside) {
     const int within = isCorner(m_edges) ? cornerInside : inside;
-    const Span across = spanOf(m_edges.testFlag(Qt::LeftEdge), m_edges.testFlag(Qt::RightEdge),
-                               {frame.left(), frame.right() + 1}, outside, within);
-    const Span down = spanOf(m_edges.testFlag(Qt::TopEdge), m_edges.testFlag(Qt::BottomEdge),
-                             {frame.top(), frame.bottom() + 1}, outside, within);
+    const GripSpan across = spanOf(m_edges.testFlag(Qt::LeftEdge), m_edges.testFlag(Qt::RightEdge),
+                                   {frame.left(), frame.right() + 1}, outside, within);
+    const GripSpan down = spanOf(m_edges.testFlag(Qt::TopEdge), m_edges.testFlag(Qt::BottomEdge),
+                                 {frame.top(), frame.bottom() + 1}, outside, within);
     setGeometry(across.start, down.start, across.end - across.start, down.end - down.start);
     if (!isCorner(m_edges) || outside != 0) clearMask();
     else {

@@ -15,7 +15,7 @@ namespace {
 
 using Color = Theme::Color;
 
-constexpr int leastWidth = 84;  // short words make buttons of one width
+constexpr int leastButtonWidth = 84;  // short words make buttons of one width
 constexpr int iconGap = Theme::gapSmall - 2;
 // The focus ring stands outside of the fill, in a margin that is always there, so that nothing
 // moves when it comes.
@@ -62,12 +62,12 @@ int TextImageButton::widthAround(int textWidth) const {
 
 QSize TextImageButton::sizeHint() const {
     const int textWidth = fontMetrics().size(Qt::TextShowMnemonic, text()).width();
-    return {std::max(widthAround(textWidth), leastWidth + 2 * ringMargin),
+    return {std::max(widthAround(textWidth), leastButtonWidth + 2 * ringMargin),
             Theme::controlHeight + 2 * ringMargin};
 }
 
 QSize TextImageButton::minimumSizeHint() const {
-    return {std::min(sizeHint().width(), leastWidth + 2 * ringMargin), sizeHint().height()};
+    return {std::min(sizeHint().width(), leastButtonWidth + 2 * ringMargin), sizeHint().height()};
 }
 
 void TextImageButton::drawBackground(QPainter& painter) const {

@@ -14,7 +14,7 @@ namespace {
 
 constexpr int controlHeight = 28;
 constexpr int inset = 2;  // between the frame and a segment
-constexpr int leastWidth = 56;
+constexpr int leastSegmentWidth = 56;
 
 class Segment final : public DrawnButton<QAbstractButton> {
 public:
@@ -29,7 +29,7 @@ public:
     }
     [[nodiscard]] QSize sizeHint() const override {
         const int words = fontMetrics().horizontalAdvance(text()) + 2 * Theme::gap;
-        return {std::max(words, leastWidth), controlHeight - 2 * inset};
+        return {std::max(words, leastSegmentWidth), controlHeight - 2 * inset};
     }
 
 protected:

@@ -16,14 +16,15 @@ namespace {
 
 constexpr std::size_t mostReasons = 4;
 
-QString counted(std::size_t count) { return QLocale().toString(qulonglong(count)); }
+QString countedEntries(std::size_t count) { return QLocale().toString(qulonglong(count)); }
 
 }  // namespace
 
 QString removedText(const RemovalOutcome& outcome) {
     if (outcome.removed == 0) return {};
     return QCoreApplication::translate("Removal", "%1 removed, %2")
-        .arg(counted(outcome.removed), shownSize(UtilityFunction::convertVolSpace(outcome.bytes)));
+        .arg(countedEntries(outcome.removed),
+             shownSize(UtilityFunction::convertVolSpace(outcome.bytes)));
 }
 
 QString stayedText(const RemovalOutcome& outcome) {
@@ -45,7 +46,7 @@ Alert stayedAlert(const RemovalOutcome& outcome) {
             lines.push_back(QStringLiteral("\u2026"));
             break;
         }
-        lines.push_back(QStringLiteral("%1: %2").arg(counted(count), reason));
+        lines.push_back(QStringLiteral("%1: %2").arg(countedEntries(count), reason));
     }
     Alert alert;
     alert.title = stayedText(outcome);

@@ -10,7 +10,7 @@
 namespace orrinvale {
 namespace {
 
-constexpr int chevronSide = 12;
+constexpr int headerChevron = 12;
 
 }  // namespace
 
@@ -50,7 +50,7 @@ void FlatHeader::paintSection(QPainter* painter, const QRect& rect, int section)
     const QFont font = Theme::shared().font(Theme::Text::Caption);
     const QFontMetrics metrics(font);
     const QString shown =
-        metrics.elidedText(text, Qt::ElideRight, inside.width() - (hasChevron ? chevronSide : 0));
+        metrics.elidedText(text, Qt::ElideRight, inside.width() - (hasChevron ? headerChevron : 0));
     const int width = metrics.horizontalAdvance(shown);
     painter->setFont(font);
     painter->setPen(titleColor(section));
@@ -58,12 +58,12 @@ void FlatHeader::paintSection(QPainter* painter, const QRect& rect, int section)
                       shown);
     if (!hasChevron) return;
     // On the side of the text that has room, so that the text stays in line with its column.
-    const int left = side.testFlag(Qt::AlignRight) ? inside.right() + 1 - width - chevronSide - 2
+    const int left = side.testFlag(Qt::AlignRight) ? inside.right() + 1 - width - headerChevron - 2
                                                    : inside.left() + width + 2;
     picture(sortIndicatorOrder() == Qt::AscendingOrder ? QStringLiteral("chevron_up")
                                                        : QStringLiteral("chevron_down"))
-        .paint(painter, QRect(left, rect.top() + (rect.height() - chevronSide) / 2, chevronSide,
-                              chevronSide));
+        .paint(painter, QRect(left, rect.top() + (rect.height() - headerChevron) / 2, headerChevron,
+                              headerChevron));
 }
 
 }  // namespace orrinvale

@@ -16,7 +16,7 @@ namespace orrinvale {
 namespace {
 
 constexpr qreal highlightRadius = 11;
-constexpr int iconSide = 16;
+constexpr int leftIconSide = 16;
 
 // The light highlight is fixed; on a dark page it would outshine the text.
 QColor highlight() {
@@ -109,7 +109,7 @@ QFont LeftRow::titleFont() const {
 bool LeftRow::hasRoomFor(const QString& size, int width) const {
     const QFontMetrics small(Theme::shared().font(Theme::Text::Caption));
     const int beside = size.isEmpty() ? 0 : small.horizontalAdvance(size) + Theme::gapSmall;
-    return startOfIcon() + iconSide + 2 * Theme::gapSmall + beside +
+    return startOfIcon() + leftIconSide + 2 * Theme::gapSmall + beside +
                QFontMetrics(titleFont()).horizontalAdvance(title()) <=
            width;
 }
@@ -124,7 +124,7 @@ void LeftRow::paintEvent(QPaintEvent* /*event*/) {
     painter.setRenderHint(QPainter::Antialiasing);
     if (!isEnabled()) painter.setOpacity(0.4);
     drawGround(painter);
-    const QRect icon(startOfIcon(), (height() - iconSide) / 2, iconSide, iconSide);
+    const QRect icon(startOfIcon(), (height() - leftIconSide) / 2, leftIconSide, leftIconSide);
     picture(m_content.picture).paint(&painter, QStyle::visualRect(layoutDirection(), rect(), icon));
     drawWords(painter, rect().adjusted(icon.right() + 1 + Theme::gapSmall, 0, -Theme::gapSmall, 0));
 }

@@ -17,7 +17,7 @@ namespace orrinvale {
 namespace {
 
 constexpr int boxMargin = Theme::gapTiny;
-constexpr int afterBox = boxMargin + tickBoxSize + Theme::gapSmall;
+constexpr int afterRowBox = boxMargin + tickBoxSize + Theme::gapSmall;
 constexpr int rowBarHeight = 2;
 
 CellLook lookOf(const QModelIndex& index) {
@@ -48,7 +48,7 @@ public:
           m_isStrong(index.data(TickModel::StrongRole).toBool()),
           m_rect(option.rect) {
         // A name stands close beside its chevron.
-        const int start = hasBox(index)     ? afterBox
+        const int start = hasBox(index)     ? afterRowBox
                           : isNamed(m_look) ? Theme::gapTiny
                                             : FlatHeader::textMargin;
         m_rect.adjust(start, 0, -FlatHeader::textMargin, 0);
@@ -229,7 +229,7 @@ void RowDelegate::drawBox(QPainter& painter, const QStyleOptionViewItem& option,
 QSize RowDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
     const QFontMetrics metrics(Theme::shared().font(Theme::Text::Body));
     int width = metrics.horizontalAdvance(index.data(Qt::DisplayRole).toString()) + Theme::gapLarge;
-    if (hasBox(index)) width += afterBox;
+    if (hasBox(index)) width += afterRowBox;
     if (isNamed(lookOf(index))) width += iconSide + Theme::gapSmall;
     return {width, std::max(rowHeight, option.fontMetrics.height() + Theme::gapSmall)};
 }

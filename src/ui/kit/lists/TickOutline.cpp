@@ -21,7 +21,7 @@
 namespace orrinvale {
 namespace {
 
-constexpr int chevronSide = 14;
+constexpr int outlineChevron = 14;
 // So many rows before the end the next ones are shown, so that nobody runs into the end by
 // scrolling.
 constexpr int rowsAhead = 200;
@@ -200,8 +200,9 @@ void TickOutline::drawBranches(QPainter* painter, const QRect& rect,
                                const QModelIndex& index) const {
     if (!model()->hasChildren(index.siblingAtColumn(0))) return;
     const bool isOpen = isExpanded(index.siblingAtColumn(0));
-    const QRect box(rect.right() - indentation() + (indentation() - chevronSide) / 2,
-                    rect.top() + (rect.height() - chevronSide) / 2, chevronSide, chevronSide);
+    const QRect box(rect.right() - indentation() + (indentation() - outlineChevron) / 2,
+                    rect.top() + (rect.height() - outlineChevron) / 2, outlineChevron,
+                    outlineChevron);
     const bool mirrored = layoutDirection() == Qt::RightToLeft;
     picture(isOpen     ? QStringLiteral("chevron_down")
             : mirrored ? QStringLiteral("chevron_left")

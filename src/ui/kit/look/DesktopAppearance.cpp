@@ -27,7 +27,7 @@ const Names& names() {
     return all;
 }
 
-constexpr int patience = 200;  // milliseconds
+constexpr int busPatience = 200;  // milliseconds
 
 QDBusMessage questionFor(const QStringList& setting) {
     QDBusMessage read = QDBusMessage::createMethodCall(names().service, names().object,
@@ -51,7 +51,7 @@ DesktopAppearance::DesktopAppearance(const QDBusConnection& bus, QObject* parent
                                  QStringLiteral("SettingChanged"), this,
                                  SLOT(settingChanged(QDBusMessage)));
     const QDBusMessage question = questionFor(names().scheme);
-    const QDBusMessage reply = bus.call(question, QDBus::Block, patience);
+    const QDBusMessage reply = bus.call(question, QDBus::Block, busPatience);
     if (reply.type() == QDBusMessage::ReplyMessage && !reply.arguments().isEmpty())
         takeScheme(reply.arguments().constFirst());
     else if (QDBusError(reply).type() == QDBusError::NoReply)

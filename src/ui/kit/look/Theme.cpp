@@ -94,7 +94,7 @@ struct Step {
     QFont::Weight weight;
 };
 
-Step step(Theme::Text text) {
+Step toneStep(Theme::Text text) {
     switch (text) {
         case Theme::Text::Caption: return {11, QFont::Normal};
         case Theme::Text::Body: return {13, QFont::Normal};
@@ -174,7 +174,7 @@ QColor Theme::color(Color role, Scheme scheme) {
 }
 
 QFont Theme::font(Text text) const {
-    const auto [pixels, weight] = step(text);
+    const auto [pixels, weight] = toneStep(text);
     QFont font(family(pixels >= 20));
     font.setPointSizeF(pixels * 0.75);  // 72 points and 96 dots an inch
     font.setWeight(weight);

@@ -13,7 +13,7 @@ namespace orrinvale {
 namespace {
 
 constexpr qreal fieldRadius = Theme::radiusSmall + 2;  // that of the segmented controls
-constexpr int chevronSide = 12;
+constexpr int fieldChevron = 12;
 constexpr int grooveHeight = 4;
 constexpr int handleSide = 16;
 constexpr int markHeight = 4;
@@ -48,7 +48,7 @@ void drawChoice(QPainter& painter, const QStyleOptionComboBox& choice, const QSt
     painter.setBrush(
         Theme::shared().color(isHovered ? Theme::Color::Hover : Theme::Color::Surface));
     drawEdge(painter, QRectF(choice.rect), choice, fieldRadius);
-    QRect chevron(0, 0, chevronSide, chevronSide);
+    QRect chevron(0, 0, fieldChevron, fieldChevron);
     chevron.moveCenter(
         style.subControlRect(QStyle::CC_ComboBox, &choice, QStyle::SC_ComboBoxArrow, widget)
             .center());

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int separatorHeight = 9;
 constexpr int keysGap = Theme::gapHuge;
-constexpr int leastWidth = 180;
+constexpr int leastMenuWidth = 180;
 
 bool isChecked(const QStyleOptionMenuItem& row) {
     return row.checkType != QStyleOptionMenuItem::NotCheckable && row.checked;
@@ -41,7 +41,7 @@ QSize menuRowSize(const QStyleOptionMenuItem& row, QSize texts) {
     int width = texts.width() + row.reservedShortcutWidth + 2 * (menuPadding + Theme::gapSmall);
     if (row.reservedShortcutWidth > 0) width += keysGap;
     if (row.menuHasCheckableItems) width += Theme::gapHuge;
-    return {std::max(width, leastWidth), Theme::rowHeight};
+    return {std::max(width, leastMenuWidth), Theme::rowHeight};
 }
 
 void drawMenuRow(QPainter& painter, const QStyleOptionMenuItem& row) {

@@ -7,8 +7,8 @@
 namespace orrinvale {
 namespace {
 
-constexpr QSize least(400, 300);
-constexpr QSize most(1000, 800);
+constexpr QSize smallestFrame(400, 300);
+constexpr QSize largestFrame(1000, 800);
 
 TEST(FrameGeometry, APulledEdgeLeavesTheOppositeOneAlone) {
     const QRect start(100, 100, 500, 400);
@@ -19,19 +19,23 @@ TEST(FrameGeometry, APulledEdgeLeavesTheOppositeOneAlone) {
     };
     const Case cases[] = {
         {Qt::LeftEdge, {-50, 99}, {50, 100, 550, 400}},
-        {Qt::LeftEdge, {300, 0}, {200, 100, 400, 400}},  // least size: the right edge stays at 600
+        {Qt::LeftEdge,
+         {300, 0},
+         {200, 100, 400, 400}},  // smallestFrame size: the right edge stays at 600
         {Qt::TopEdge, {0, -900}, {100, -300, 500, 800}},
         {Qt::RightEdge | Qt::BottomEdge, {10, 20}, {100, 100, 510, 420}},
         {Qt::RightEdge | Qt::TopEdge, {9000, 9000}, {100, 200, 1000, 300}},
     };
     for (const Case& each : cases)
-        EXPECT_EQ(pulledRect(start, each.edges, each.delta, least, most), each.expected);
+        EXPECT_EQ(pulledRect(start, each.edges, each.delta, smallestFrame, largestFrame),
+                  each.expected);
 }
 
 TEST(FrameGeometry, AZoomedWindowKeepsItsBoundsAndItsTitleBarInSight) {
-    EXPECT_EQ(zoomedRect({0, 30, 1920, 1050}, least, most), QRect(460, 155, 1000, 800));
-    EXPECT_EQ(zoomedRect({0, 30, 800, 1050}, least, most), QRect(0, 155, 800, 800));
-    EXPECT_EQ(zoomedRect({10, 20, 200, 100}, least, most), QRect(10, 20, 400, 300));
+    EXPECT_EQ(zoomedRect({0, 30, 1920, 1050}, smallestFrame, largestFrame),
+              QRect(460, 155, 1000, 800));
+    EXPECT_EQ(zoomedRect({0, 30, 800, 1050}, smallestFrame, largestFrame), QRect(0, 155, 800, 800));
+    EXPECT_EQ(zoomedRect({10, 20, 200, 100}, smallestFrame, largestFrame), QRect(10, 20, 400, 300));
 }
 
 TEST(FrameGeometry, AFrameComesBackIntoViewOfTheScreensThereAre) {
@@ -54,7 +58,7 @@ TEST(FrameGeometry, AFrameComesBackIntoViewOfTheScreensThereAre) {
         {{5, 5, 500, 400}, {}, {5, 5, 500, 400}},
     };
     for (const Case& each : cases)
-        EXPECT_EQ(rectInView(each.frame, each.screens, least), each.expected);
+        EXPECT_EQ(rectInView(each.frame, each.screens, smallestFrame), each.expected);
 }
 
 TEST(FrameGeometry, ASavedFrameIsReadBackAndNothingElseIs) {

@@ -24,9 +24,10 @@ namespace {
 
 using testing::RecordedDialogs;
 
-class Window : public QWidget, public SheetHost {
+class HostWindow : public QWidget, public SheetHost {
 public:
-    Window() : field(new QLineEdit(this)), button(new QPushButton(QStringLiteral("Remove"), this)) {
+    HostWindow()
+        : field(new QLineEdit(this)), button(new QPushButton(QStringLiteral("Remove"), this)) {
         auto* column = new QVBoxLayout(this);
         column->addWidget(field);
         column->addWidget(button);
@@ -78,7 +79,7 @@ TEST(WindowDialogs, KeysChooseTheButton) {
     };
     for (const auto& each : cases) {
         SCOPED_TRACE(each.name);
-        Window window;
+        HostWindow window;
         WindowDialogs dialogs;
         Alert alert = question();
         alert.cancelButton = each.cancelButton;
@@ -100,7 +101,7 @@ TEST(WindowDialogs, KeysChooseTheButton) {
 }
 
 TEST(WindowDialogs, ThePageIsOutOfReachMeanwhile) {
-    Window window;
+    HostWindow window;
     QAction shortcut(&window);
     shortcut.setShortcut(QKeySequence(Qt::Key_F5));
     window.addAction(&shortcut);
@@ -135,7 +136,7 @@ TEST(WindowDialogs, ThePageIsOutOfReachMeanwhile) {
 }
 
 TEST(WindowDialogs, ASecondSheetLiesOverTheFirst) {
-    Window window;
+    HostWindow window;
     WindowDialogs dialogs;
     QStringList order;
     dialogs.alert(&window, question(), [&](int) { order << QStringLiteral("first"); });
@@ -152,7 +153,7 @@ TEST(WindowDialogs, ASecondSheetLiesOverTheFirst) {
 }
 
 TEST(WindowDialogs, ALinkLeavesTheQuestionOpen) {
-    Window window;
+    HostWindow window;
     WindowDialogs dialogs;
     Alert alert = question();
     int visits = 0, answer = -2;
@@ -176,7 +177,7 @@ TEST(WindowDialogs, ALinkLeavesTheQuestionOpen) {
 }
 
 TEST(WindowDialogs, AWindowThatEndsTakesItsQuestionsAlong) {
-    auto window = std::make_unique<Window>();
+    auto window = std::make_unique<HostWindow>();
     WindowDialogs dialogs;
     int answers = 0;
     dialogs.alert(window.get(), question(), [&](int) { ++answers; });
@@ -206,7 +207,7 @@ TEST(WindowDialogs, AFolderIsChosenByItsBytes) {
     };
     for (const auto& each : cases) {
         SCOPED_TRACE(each.entry);
-        Window window;
+        HostWindow window;
         WindowDialogs dialogs;
         PathChoice choice;
         choice.directory = tree.path();
