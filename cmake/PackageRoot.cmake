@@ -6,6 +6,7 @@ set(debian ${CPACK_ORRINVALE_SOURCE}/data/debian)
 
 execute_process(COMMAND ${CPACK_ORRINVALE_STRIP} --strip-all --remove-section=.comment --remove-section=.note
     ${usr}/bin/orrinvale ${usr}/bin/orrinvale-cli ${usr}/libexec/orrinvale/orrinvale-helper
+    ${usr}/libexec/orrinvale/orrinvale-preview
   COMMAND_ERROR_IS_FATAL ANY)
 file(MAKE_DIRECTORY ${doc} ${usr}/share/lintian/overrides)
 file(COPY ${debian}/copyright DESTINATION ${doc})

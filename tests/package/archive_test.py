@@ -9,7 +9,8 @@ from pathlib import Path
 import support
 from support import BUILD, ID, SOURCE, package, run, tool
 
-PROGRAMS = ("usr/bin/orrinvale", "usr/bin/orrinvale-cli", "usr/libexec/orrinvale/orrinvale-helper")
+PROGRAMS = ("usr/bin/orrinvale", "usr/bin/orrinvale-cli", "usr/libexec/orrinvale/orrinvale-helper",
+            "usr/libexec/orrinvale/orrinvale-preview")
 # Those that only a package has: documents that cmake --install leaves out, and pages that it does not compress.
 PACKAGED_ONLY = ("usr/share/doc/", "usr/share/lintian/")
 

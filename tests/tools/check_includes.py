@@ -12,9 +12,9 @@ import tempfile
 from pathlib import Path
 
 # A folder may include what stands on a lower floor, or its own.
-FLOOR = {"platform": 0, "engine": 1, "services": 2, "ui": 3, "app": 4, "cli": 4, "helper": 4, "gallery": 4}
+FLOOR = {"platform": 0, "engine": 1, "services": 2, "ui": 3, "app": 4, "cli": 4, "helper": 4, "gallery": 4, "preview": 4}
 # The places where the pieces are put together; they alone know which implementation of an interface is used.
-COMPOSITION_ROOTS = {"app", "cli", "helper", "gallery"}
+COMPOSITION_ROOTS = {"app", "cli", "helper", "gallery", "preview"}
 IMPLEMENTATIONS = ("platform/linux/", "platform/macos/", "platform/fake/")
 # These are built on machines that have no Qt, and services are Qt through and through.
 WITHOUT_QT = {"engine", "cli", "helper"}

@@ -1,0 +1,152 @@
+// askProgram (platform/askProgram.h) over posix_spawn(3), a pipe and poll(2).
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/eventfd.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <optional>
+#include <system_error>
+#include <thread>
+
+#include "platform/askProgram.h"
+#include "platform/deadline.h"
+#include "platform/descriptor.h"
+#include "platform/linux/ProgramFiles.h"
+#include "platform/paths.h"
+
+namespace orrinvale {
+namespace {
+
+using Ending = ProgramAnswer::Ending;
+
+std::vector<std::string> bareEnvironment() {
+    std::vector<std::string> kept{"LC_ALL=C.UTF-8"};
+    for (const char* const name : {"LD_LIBRARY_PATH", "QT_PLUGIN_PATH"})
+        if (const char* const value = std::getenv(name))
+            kept.push_back(std::string(name) + '=' + value);
+    return kept;
+}
+
+std::vector<char*> asVector(std::vector<std::string>& texts) {
+    std::vector<char*> vector;
+    for (std::string& text : texts) vector.push_back(text.data());
+    vector.push_back(nullptr);
+    return vector;
+}
+
+int spawnAnswerer(const ProgramQuestion& question, int output, pid_t& child) {
+    std::vector<std::string> texts{question.program};
+    texts.insert(texts.end(), question.arguments.begin(), question.arguments.end());
+    std::vector<std::string> variables = bareEnvironment();
+    posix_spawn_file_actions_t actions{};
+    posix_spawnattr_t attributes{};
+    ::posix_spawn_file_actions_init(&actions);
+    ::posix_spawnattr_init(&attributes);
+    ::posix_spawn_file_actions_adddup2(&actions, question.input, STDIN_FILENO);
+    ::posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
+    ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    ::posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
+    ::posix_spawn_file_actions_addchdir_np(&actions, "/");
+    sigset_t signals;
+    ::sigemptyset(&signals);
+    ::posix_spawnattr_setsigmask(&attributes, &signals);
+    ::sigfillset(&signals);
+    ::posix_spawnattr_setsigdefault(&attributes, &signals);
+    ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    const int error = ::posix_spawn(&child, question.program.c_str(), &actions, &attributes,
+                                    asVector(texts).data(), asVector(variables).data());
+    ::posix_spawn_file_actions_destroy(&actions);
+    ::posix_spawnattr_destroy(&attributes);
+    return error;
+}
+
+// Nothing while it runs on.
+std::optional<int> reapNow(pid_t child) {
+    int ending = 0;
+    const pid_t reaped = ::waitpid(child, &ending, WNOHANG);
+    if (reaped == 0 || (reaped < 0 && errno == EINTR)) return std::nullopt;
+    return reaped < 0 ? 0 : ending;
+}
+
+// How it ended; nothing when it does not end, which only the kernel can keep it from.
+std::optional<int> reapSoon(pid_t child) {
+    for (int looks = 0; looks < 100; ++looks) {
+        if (const auto ending = reapNow(child)) return ending;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    ::kill(child, SIGKILL);
+    for (int looks = 0; looks < 100; ++looks) {
+        if (const auto ending = reapNow(child)) return ending;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    try {
+        std::thread([child] { ::waitpid(child, nullptr, 0); }).detach();
+    } catch (const std::system_error&) {  // it stays a zombie until we end
+    }
+    return std::nullopt;
+}
+
+// Until the program closes its end: Ended. Else why nobody reads on.
+Ending readAll(int output, int stopped, const ProgramQuestion& question, std::string& text) {
+    const auto end = std::chrono::steady_clock::now() + question.most;
+    constexpr std::size_t piece = std::size_t{1} << 18U;
+    std::array<pollfd, 2> sources{{{output, POLLIN, 0}, {stopped, POLLIN, 0}}};
+    for (;;) {
+        const auto left = timeUntil(end);
+        const int ready = ::poll(sources.data(), sources.size(), static_cast<int>(left.count()));
+        if (ready < 0 && errno != EINTR) return Ending::Stopped;
+        if (ready < 0) continue;
+        if (sources[1].revents != 0) return Ending::Stopped;
+        if (ready == 0) return Ending::TimedOut;
+        const std::size_t before = text.size();
+        text.resize(before + piece);
+        const ssize_t got = ::read(output, text.data() + before, piece);
+        text.resize(before + static_cast<std::size_t>(got > 0 ? got : 0));
+        if (got == 0) return Ending::Ended;
+        if (text.size() > question.mostOutput) return Ending::TooMuch;
+    }
+}
+
+}  // namespace
+
+ProgramAnswer askProgram(const ProgramQuestion& question, const std::stop_token& stop) {
+    ProgramAnswer answer;
+    int ends[2];
+    if (::pipe2(ends, O_CLOEXEC) != 0) {
+        answer.status = errno;
+        return answer;
+    }
+    const Descriptor ours(ends[0]);
+    Descriptor theirs(ends[1]);
+    const Descriptor stopped(::eventfd(0, EFD_CLOEXEC));
+    const std::stop_callback wake(stop, [&stopped] { (void)::eventfd_write(stopped.get(), 1); });
+    ::fcntl(ours.get(), F_SETPIPE_SZ, 1 << 20);
+    pid_t child = -1;
+    answer.status = spawnAnswerer(question, theirs.get(), child);
+    if (answer.status != 0) return answer;
+    theirs.reset();
+    answer.ending = readAll(ours.get(), stopped.get(), question, answer.output);
+    if (answer.ending != Ending::Ended) ::kill(child, SIGKILL);
+    const auto ending = reapSoon(child);
+    if (answer.ending != Ending::Ended || !ending) return answer;
+    if (WIFSIGNALED(*ending)) answer.ending = Ending::Killed;
+    answer.status = WIFSIGNALED(*ending) ? WTERMSIG(*ending) : WEXITSTATUS(*ending);
+    return answer;
+}
+
+std::string companionProgram(const std::string& name) {
+    const std::string here = folderOf(ownExecutable());
+    if (here.empty()) return {};
+    for (const std::string& path :
+         {joinPath(here, name), joinPath(folderOf(here), "libexec/orrinvale/" + name)})
+        if (::access(path.c_str(), X_OK) == 0) return path;
+    return {};
+}
+
+}  // namespace orrinvale
