@@ -1088,6 +1088,85 @@
     </message>
 </context>
 <context>
+    <name>PreviewPane</name>
+    <message>
+        <source>Can not be shown: it is damaged</source>
+        <translation>Kann nicht gezeigt werden: beschädigt</translation>
+    </message>
+    <message>
+        <source>Can not be shown: it is too large</source>
+        <translation>Kann nicht gezeigt werden: zu groß</translation>
+    </message>
+    <message>
+        <source>Can not be shown: it takes too much memory</source>
+        <translation>Kann nicht gezeigt werden: braucht zu viel Speicher</translation>
+    </message>
+    <message>
+        <source>Can not be shown: it takes too long</source>
+        <translation>Kann nicht gezeigt werden: dauert zu lange</translation>
+    </message>
+    <message>
+        <source>Can not be shown: no program here understands it</source>
+        <translation>Kann nicht gezeigt werden: kein Programm hier versteht es</translation>
+    </message>
+    <message>
+        <source>Can not be shown</source>
+        <translation>Kann nicht gezeigt werden</translation>
+    </message>
+    <message>
+        <source>It is gone</source>
+        <translation>Nicht mehr da</translation>
+    </message>
+    <message>
+        <source>You may not read it</source>
+        <translation>Darf nicht gelesen werden</translation>
+    </message>
+    <message>
+        <source>It could not be read</source>
+        <translation>Konnte nicht gelesen werden</translation>
+    </message>
+    <message>
+        <source>A folder</source>
+        <translation>Ein Ordner</translation>
+    </message>
+    <message>
+        <source>A link, which is not followed</source>
+        <translation>Eine Verknüpfung, der nicht gefolgt wird</translation>
+    </message>
+    <message>
+        <source>A connection between programs</source>
+        <translation>Eine Verbindung zwischen Programmen</translation>
+    </message>
+    <message>
+        <source>A device</source>
+        <translation>Ein Gerät</translation>
+    </message>
+    <message>
+        <source>Mono</source>
+        <translation>Mono</translation>
+    </message>
+    <message>
+        <source>Stereo</source>
+        <translation>Stereo</translation>
+    </message>
+    <message>
+        <source>%1 channels</source>
+        <translation>%1 Kanäle</translation>
+    </message>
+    <message>
+        <source>beginning only</source>
+        <translation>nur der Anfang</translation>
+    </message>
+    <message>
+        <source>An empty file</source>
+        <translation>Eine leere Datei</translation>
+    </message>
+    <message>
+        <source>Nothing to see of this kind of file</source>
+        <translation>Von dieser Art Datei ist nichts zu sehen</translation>
+    </message>
+</context>
+<context>
     <name>PreviewWindow</name>
     <message>
         <source>This file is missing.</source>
@@ -2255,6 +2334,14 @@
     <message>
         <source>To the trash or for good, plans, removals of 30 days</source>
         <translation>In den Papierkorb oder endgültig, Pläne, Entferntes der letzten 30 Tage</translation>
+    </message>
+    <message>
+        <source>Show a preview beside the list (F3)</source>
+        <translation type="unfinished">Vorschau neben der Liste zeigen (F3)</translation>
+    </message>
+    <message>
+        <source>Preview</source>
+        <translation type="unfinished">Vorschau</translation>
     </message>
 </context>
 <context>
@@ -3926,6 +4013,68 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Text Only</source>
         <translation>Nur Text</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::PreviewFolders</name>
+    <message>
+        <source>In this folder</source>
+        <translation>In diesem Ordner</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln copies, in these folders</source>
+        <translation>
+            <numerusform>%Ln Kopie, in diesem Ordner</numerusform>
+            <numerusform>%Ln Kopien, in diesen Ordnern</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Open the folder %1</source>
+        <translation>Ordner %1 öffnen</translation>
+    </message>
+    <message>
+        <source>Shows %1 in the file manager</source>
+        <translation>Zeigt %1 im Dateimanager</translation>
+    </message>
+    <message numerus="yes">
+        <source>and %Ln more</source>
+        <translation>
+            <numerusform>und %Ln weiterer</numerusform>
+            <numerusform>und %Ln weitere</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::PreviewLook</name>
+    <message>
+        <source>Preview</source>
+        <translation>Vorschau</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::PreviewPane</name>
+    <message>
+        <source>Preview</source>
+        <translation>Vorschau</translation>
+    </message>
+    <message>
+        <source>The texts differ from line %1 on</source>
+        <translation>Die Texte unterscheiden sich ab Zeile %1</translation>
+    </message>
+    <message>
+        <source>What is shown of the texts is the same</source>
+        <translation>Was von den Texten zu sehen ist, ist gleich</translation>
+    </message>
+    <message>
+        <source>The texts are the same</source>
+        <translation>Die Texte sind gleich</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::PreviewPicture</name>
+    <message>
+        <source>%1 × %2 pixels, shown at %3 %</source>
+        <translation>%1 × %2 Pixel, gezeigt mit %3 %</translation>
     </message>
 </context>
 <context>

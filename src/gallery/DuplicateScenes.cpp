@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QTreeView>
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <memory>
@@ -34,6 +35,7 @@
 #include "ui/kit/lists/TickBox.h"
 #include "ui/kit/lists/TickOutline.h"
 #include "ui/kit/look/picture.h"
+#include "ui/preview/PreviewPicture.h"
 #include "ui/shell/DuplicateMainWindowController.h"
 
 namespace orrinvale {
@@ -59,8 +61,9 @@ DuplicateScenes::DuplicateScenes(const SampleFolder& sample, UserDefaults& defau
 
 bool DuplicateScenes::draw() {
     return drawFirstView() && drawScope() && drawSearch() && drawResult() && drawKeep() &&
-           drawKeyboard() && drawQuestion() && drawLargeWindow() && drawPreview() && drawMoved() &&
-           drawHistory() && drawPlan() && drawRemoval() && drawFailures() && drawEmptyResult();
+           drawKeyboard() && drawQuestion() && drawLargeWindow() && drawPane() && drawPreview() &&
+           drawMoved() && drawHistory() && drawPlan() && drawRemoval() && drawFailures() &&
+           drawEmptyResult();
 }
 
 QTreeView* DuplicateScenes::outline() const {
@@ -239,6 +242,28 @@ bool DuplicateScenes::drawLargeWindow() {
     const bool isSaved = save("large");
     m_window->setFrame(usual);
     return isSaved;
+}
+
+bool DuplicateScenes::drawPane() {
+    const QRect usual = m_window->frame();
+    constexpr QSize wide{1200, 760};
+    m_window->setFrame({usual.topLeft(), wide});
+    const QModelIndex open = groupNamed("Lake in the evening");
+    outline()->expand(open.siblingAtColumn(0));
+    outline()->setCurrentIndex(
+        outline()->model()->index(0, DuplicateResultModel::NameColumn, open.siblingAtColumn(0)));
+    if (!click("previewBtn")) return false;
+    const auto pictures = [this] { return m_window->findChildren<PreviewPicture*>(); };
+    const auto areShown = [&] {
+        const auto all = pictures();
+        return std::ranges::all_of(all, [](const PreviewPicture* each) {
+            return each->isVisible() && !each->place().isEmpty();
+        });
+    };
+    const bool isSaved = waitFor("both pictures", areShown) && save("pane");
+    m_window->setFrame(usual);
+    const bool isNarrowSaved = isSaved && waitFor("both pictures", areShown) && save("pane-narrow");
+    return click("previewBtn") && isNarrowSaved;
 }
 
 bool DuplicateScenes::drawPreview() {

@@ -30,6 +30,7 @@ private:
     bool drawQuestion();
     bool drawKeyboard();
     bool drawLargeWindow();
+    bool drawPane();
     bool drawPreview();
     bool drawMoved();
     bool drawHistory();

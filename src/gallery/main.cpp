@@ -93,7 +93,7 @@ QSet<QString> wantedScenes(const Order& order) {
                 QStringLiteral("free-space"), QStringLiteral("tray-menu"),
                 QStringLiteral("uninstall"),  QStringLiteral("preferences"),
                 QStringLiteral("memory"),     QStringLiteral("login-items"),
-                QStringLiteral("computer")};
+                QStringLiteral("computer"),   QStringLiteral("pane")};
     return {QStringLiteral("first"), QStringLiteral("detail")};
 }
 

@@ -8,6 +8,7 @@
 #include "ui/duplicates/ResultOutline.h"
 #include "ui/duplicates/SameFileDeleteViewController.h"
 #include "ui/duplicates/SameFileDeleteViews.h"
+#include "ui/duplicates/duplicatePreview.h"
 #include "ui/page/rowMenu.h"
 
 namespace orrinvale {
@@ -16,6 +17,7 @@ void SameFileDeleteViewController::shouldSelectItem(const QModelIndex& index) {
     const QPersistentModelIndex chosen(index);
     finishSorting();  // the row now chosen moves along
     m_openItemPath = pathOf(chosen);
+    showPreview(*m_views, *m_model);
 }
 
 // A group has a name and no place on the disk: its first copy stands for it.

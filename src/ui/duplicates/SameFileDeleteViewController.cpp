@@ -25,6 +25,7 @@
 #include "ui/duplicates/PageRemoval.h"
 #include "ui/duplicates/ResultOutline.h"
 #include "ui/duplicates/SameFileDeleteViews.h"
+#include "ui/duplicates/duplicatePreview.h"
 #include "ui/kit/chrome/AnimationHoverImageView.h"
 #include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/chrome/TCImageButton.h"
@@ -153,6 +154,7 @@ void SameFileDeleteViewController::connectControls() {
             &Self::didClickTableColumn);
     connect(views.outline, &ResultOutline::menuWanted, this, &Self::showRowMenu);
     connect(views.outline, &ResultOutline::previewWanted, this, &Self::openFinderBtnClicked);
+    startPreview(views, m_parts);
     m_newTimer.setInterval(100);
     connect(&m_newTimer, &QTimer::timeout, this, &Self::getPathForSreachDuplicate);
     m_sortTimer.setInterval(0);
@@ -378,6 +380,7 @@ void SameFileDeleteViewController::showFitting() {
                                            : tr("No two files here are the same."));
     views.content->setCurrentWidget(isEmpty ? views.emptyView
                                             : static_cast<QWidget*>(views.outline));
+    showPreview(*m_views, *m_model);
 }
 
 void SameFileDeleteViewController::showSkipped() {
@@ -416,6 +419,7 @@ ResultViews SameFileDeleteViewController::resetOulineView() {
     ResultViews old = std::exchange(m_results, {});
     ++m_resultNumber;
     m_openItemPath.clear();
+    showPreview(*m_views, *m_model);
     m_lastColumn = -1;
     m_sortings = {};
     showSortIndicator();

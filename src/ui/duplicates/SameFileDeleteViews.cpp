@@ -26,6 +26,8 @@
 #include "ui/kit/lists/TickBox.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/page/Padlock.h"
+#include "ui/preview/PreviewHost.h"
+#include "ui/preview/PreviewPane.h"
 
 namespace orrinvale {
 namespace {
@@ -67,6 +69,8 @@ SameFileDeleteViews::SameFileDeleteViews(NotificationCenter& notifications)
     fillContent();
     fillBottom();
     putTogether(makeLeftView(notifications));
+    previewPane = new PreviewPane;
+    previewHost = new PreviewHost(*content, *outline, *previewPane);
     showLoadPathInProgress();
 }
 
@@ -174,6 +178,11 @@ QWidget* SameFileDeleteViews::makeLeftView(const NotificationCenter& notificatio
             notifications);
         rail->add(leftCells.at(row));
     }
+    // Here, since the head has no room left beside its title.
+    previewBtn = makeImageButton("previewBtn", QStringLiteral("preview_pane"),
+                                 tr("Show a preview beside the list (F3)"));
+    previewBtn->setAccessibleName(tr("Preview"));
+    static_cast<QVBoxLayout*>(rail->layout())->addWidget(previewBtn, 0, Qt::AlignLeading);
     leftView = rail;
     return leftView;
 }

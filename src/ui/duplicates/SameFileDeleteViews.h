@@ -23,6 +23,8 @@ class LeftRail;
 class NotificationCenter;
 class Padlock;
 class PictureView;
+class PreviewHost;
+class PreviewPane;
 class ResultOutline;
 class TCImageButton;
 class TextImageButton;
@@ -77,11 +79,14 @@ public:
     LeftRail* leftView = nullptr;
     std::array<DuplicationLeftCell*, 7> leftCells{};
     QWidget* btnBgView = nullptr;
-    TextImageButton* keepBtn = nullptr;  ///< opens the menu of the rules that tick
+    TextImageButton* keepBtn = nullptr;   ///< opens the menu of the rules that tick
+    TCImageButton* previewBtn = nullptr;  ///< shows and hides the pane beside the list
     TCImageButton* openBtn = nullptr;
     TCImageButton* RevealFinder = nullptr;
     Padlock* lockButton = nullptr;
     ResultOutline* outline = nullptr;
+    PreviewPane* previewPane = nullptr;
+    PreviewHost* previewHost = nullptr;
     TickBox* button = nullptr;  ///< the header box
     QWidget* emptyView = nullptr;
     QLabel* emptyLabel = nullptr;

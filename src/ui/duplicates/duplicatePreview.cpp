@@ -1,0 +1,49 @@
+// The decision is which copy stands beside the chosen one.
+#include "ui/duplicates/duplicatePreview.h"
+
+#include <algorithm>
+
+#include "ui/duplicates/DuplicateResultModel.h"
+#include "ui/duplicates/ResultOutline.h"
+#include "ui/duplicates/SameFileDeleteViews.h"
+#include "ui/page/PageServices.h"
+#include "ui/preview/PreviewHost.h"
+#include "ui/preview/PreviewPane.h"
+
+namespace orrinvale {
+namespace {
+
+// Of a group its first two copies, of a copy that one and the first other that stays: what is
+// ticked is compared with what will be left of it.
+PreviewSubject subjectOf(const TreeNode& node) {
+    const TreeNode& group = simpleData(node)->isGroup() ? node : *node.nodeParent();
+    PreviewSubject subject;
+    subject.total = group.numberOfChildren();
+    const std::size_t listed = std::min(subject.total, PreviewSubject::mostPaths);
+    for (std::size_t i = 0; i < listed; ++i)
+        subject.paths.push_back(simpleData(*group.childAtIndex(i))->name());
+    if (subject.paths.empty()) return subject;
+    subject.chosen = &node == &group ? subject.paths.front() : simpleData(node)->name();
+    bool staysBeside = false;
+    for (std::size_t i = 0; i < listed && !staysBeside; ++i) {
+        const SimpleNodeData& copy = *simpleData(*group.childAtIndex(i));
+        if (copy.name() == subject.chosen) continue;
+        staysBeside = copy.selectNum() == 0;
+        if (staysBeside || subject.beside.empty()) subject.beside = copy.name();
+    }
+    return subject;
+}
+
+}  // namespace
+
+void startPreview(const SameFileDeleteViews& views, const PageServices& parts) {
+    views.previewPane->start(*parts.files, parts.reveal);
+    views.previewHost->setSwitch(*views.previewBtn, *views.detailView, *parts.defaults);
+}
+
+void showPreview(const SameFileDeleteViews& views, const DuplicateResultModel& model) {
+    const TreeNode::Pointer node = model.node(views.outline->currentIndex());
+    views.previewPane->choose(node ? subjectOf(*node) : PreviewSubject());
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,81 @@
+// The pane has a size of its own: a share of the place, within bounds.
+#include "ui/preview/PreviewHost.h"
+
+#include <QKeySequence>
+#include <QShortcut>
+#include <QStackedWidget>
+#include <algorithm>
+
+#include "engine/settings/UserDefaults.h"
+#include "ui/kit/chrome/TCImageButton.h"
+#include "ui/preview/PreviewPane.h"
+
+namespace orrinvale {
+namespace {
+
+constexpr const char* previewPaneKey = "previewPaneShown";
+
+// In points. A list tells something from 440 on; of a low window it gets all.
+constexpr int leastBeside = 720, leastBelow = 340;
+constexpr int leastPaneWidth = 280, mostPaneWidth = 560;
+constexpr int leastPaneHeight = 170, mostPaneHeight = 300;
+
+int shareOf(int whole, int least, int most) { return std::clamp(whole * 2 / 5, least, most); }
+
+}  // namespace
+
+PreviewHost::PreviewHost(QStackedWidget& content, QWidget& list, PreviewPane& pane)
+    : m_content(content),
+      m_list(list),
+      m_pane(pane),
+      m_layout(new QBoxLayout(QBoxLayout::LeftToRight, this)) {
+    setObjectName(QStringLiteral("previewHost"));
+    if (QWidget* const around = content.parentWidget(); around != nullptr && around->layout())
+        delete around->layout()->replaceWidget(&content, this);
+    m_layout->setContentsMargins({});
+    m_layout->setSpacing(0);
+    m_layout->addWidget(&content, 1);
+    m_layout->addWidget(&pane);
+    pane.hide();
+    connect(&content, &QStackedWidget::currentChanged, this, &PreviewHost::arrange);
+}
+
+void PreviewHost::setSwitch(TCImageButton& button, QWidget& view, UserDefaults& defaults) {
+    button.setCheckable(true);
+    m_isWanted = defaults.boolForKey(previewPaneKey);
+    button.setChecked(m_isWanted);
+    connect(&button, &QAbstractButton::toggled, this, [this, &defaults](bool isOn) {
+        m_isWanted = isOn;
+        defaults.setBool(isOn, previewPaneKey);
+        arrange();
+    });
+    auto* const key = new QShortcut(QKeySequence(Qt::Key_F3), &view);
+    connect(key, &QShortcut::activated, &button, &QAbstractButton::click);
+    arrange();
+}
+
+void PreviewHost::arrange() {
+    const bool isBeside = width() >= leastBeside;
+    if (isBeside) {
+        m_layout->setDirection(QBoxLayout::LeftToRight);
+        m_pane.setDirection(QBoxLayout::TopToBottom);
+        m_pane.setMinimumHeight(0);
+        m_pane.setMaximumHeight(QWIDGETSIZE_MAX);
+        m_pane.setFixedWidth(shareOf(width(), leastPaneWidth, mostPaneWidth));
+    } else {
+        m_layout->setDirection(QBoxLayout::TopToBottom);
+        m_pane.setDirection(QBoxLayout::LeftToRight);
+        m_pane.setMinimumWidth(0);
+        m_pane.setMaximumWidth(QWIDGETSIZE_MAX);
+        m_pane.setFixedHeight(shareOf(height(), leastPaneHeight, mostPaneHeight));
+    }
+    m_pane.setVisible(m_isWanted && m_content.currentWidget() == &m_list &&
+                      (isBeside || height() >= leastBelow));
+}
+
+void PreviewHost::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    arrange();
+}
+
+}  // namespace orrinvale

@@ -1,0 +1,173 @@
+// A question on its way is told to stop before the next is asked, which ends the program that
+// looks.
+#include "ui/preview/PreviewLook.h"
+
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QStackedWidget>
+#include <QTextBlock>
+#include <QVBoxLayout>
+#include <atomic>
+#include <chrono>
+
+#include "platform/paths.h"
+#include "services/foundation/runAside.h"
+#include "ui/kit/controls/ElidedLabel.h"
+#include "ui/kit/controls/pathText.h"
+#include "ui/kit/controls/viewParts.h"
+#include "ui/preview/PreviewPicture.h"
+#include "ui/preview/PreviewZoom.h"
+
+namespace orrinvale {
+namespace {
+
+// A single step is asked about at once. Of steps that come faster than a person looks the last one
+// is, when a held key would have made the next.
+constexpr std::chrono::milliseconds previewRest{35};
+constexpr std::int64_t fastStep = 150;  // milliseconds
+
+// Questions that are not answered, on disks that hang perhaps.
+constexpr int mostOnTheirWay = 8;
+std::atomic<int> onTheirWay{0};
+
+// Counts from when it is made to when the last copy goes, with whichever thread holds that.
+std::shared_ptr<void> countedQuestion() {
+    ++onTheirWay;
+    return {&onTheirWay, [](std::atomic<int>* count) { --*count; }};
+}
+
+QLabel* wrappedLabel(const char* name, Theme::Text text) {
+    QLabel* const label = makeLabel(name, text, QPalette::PlaceholderText);
+    label->setWordWrap(true);
+    label->setMinimumWidth(1);
+    return label;
+}
+
+}  // namespace
+
+PreviewLook::PreviewLook(PreviewZoom& zoom, QWidget* parent)
+    : QWidget(parent),
+      m_pages(new QStackedWidget),
+      m_nothing(new QWidget),
+      m_picture(named(new PreviewPicture(zoom), "previewPicture")),
+      m_text(named(new QPlainTextEdit, "previewText")),
+      m_words(wrappedLabel("previewWords", Theme::Text::Body)),
+      m_name(named(new ElidedLabel(Qt::ElideMiddle), "previewName")),
+      m_facts(wrappedLabel("previewFacts", Theme::Text::Caption)) {
+    m_text->setReadOnly(true);
+    m_text->setFrameShape(QFrame::NoFrame);
+    m_text->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    m_text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    m_text->setFont(Theme::shared().font(Theme::Text::Caption));
+    m_text->setTabChangesFocus(true);
+    m_name->setFont(Theme::shared().font(Theme::Text::BodyStrong));
+    m_name->setAlignment(Qt::AlignCenter);
+    for (QWidget* const page : {m_nothing, static_cast<QWidget*>(m_picture),
+                                static_cast<QWidget*>(m_text), static_cast<QWidget*>(m_words)}) {
+        page->setMinimumSize(1, 1);
+        m_pages->addWidget(page);
+    }
+    auto* const column = new QVBoxLayout(this);
+    column->setContentsMargins({});
+    column->setSpacing(Theme::gapTiny);
+    column->addWidget(m_pages, 1);
+    column->addWidget(m_name);
+    column->addWidget(m_facts);
+    for (QWidget* const each : {static_cast<QWidget*>(m_picture), static_cast<QWidget*>(m_text)})
+        each->setAccessibleName(tr("Preview"));
+    m_rest.setSingleShot(true);
+    connect(&m_rest, &QTimer::timeout, this, &PreviewLook::ask);
+    connect(m_picture, &PreviewPicture::sharperWanted, this, [this] { m_rest.start(previewRest); });
+}
+
+PreviewLook::~PreviewLook() { m_stop.request_stop(); }
+
+void PreviewLook::stop() {
+    m_rest.stop();
+    m_stop.request_stop();
+    ++m_question;
+}
+
+void PreviewLook::setPath(const std::string& path) {
+    if (path == m_path) return;
+    stop();
+    m_path = path;
+    m_sight.reset();
+    const QString name = onOneLine(QString::fromStdString(std::string(lastPathComponent(path))));
+    m_name->setText(name);
+    for (QWidget* const each : {static_cast<QWidget*>(m_picture), static_cast<QWidget*>(m_text)})
+        each->setAccessibleName(name.isEmpty() ? tr("Preview") : name);
+    m_facts->setText({});
+    m_pages->setCurrentWidget(m_nothing);
+    m_picture->setPicture({}, {});
+    m_text->clear();
+    const bool isFast = m_sinceStep.isValid() && m_sinceStep.elapsed() < fastStep;
+    m_sinceStep.start();
+    if (!path.empty()) m_rest.start(isFast ? previewRest : std::chrono::milliseconds(0));
+}
+
+void PreviewLook::lookAgain() {
+    const std::string path = m_path;
+    setPath({});
+    setPath(path);
+}
+
+void PreviewLook::ask() {
+    if (m_path.empty() || !m_reader) return;
+    if (onTheirWay >= mostOnTheirWay) return m_rest.start(previewRest);
+    m_picture->resize(m_pages->size());  // a page that is not on top has not been laid out
+    m_stop.request_stop();
+    m_stop = {};
+    const std::uint64_t question = ++m_question;
+    static_cast<void>(runAside(
+        this, "readPreview",
+        [reader = m_reader, path = m_path, side = m_picture->wantedSide(),
+         token = m_stop.get_token(), counted = countedQuestion()] {
+            return std::make_shared<PreviewSight>(readSight(*reader, path, side, token));
+        },
+        [this, question](std::shared_ptr<PreviewSight> sight) {
+            if (question == m_question) take(std::move(sight));
+        }));
+}
+
+void PreviewLook::setWords(const QStringList& lines) {
+    m_words->setText(lines.join(QLatin1Char('\n')));
+    m_pages->setCurrentWidget(m_words);
+}
+
+void PreviewLook::take(std::shared_ptr<PreviewSight> sight) {
+    m_sight = std::move(sight);
+    const PreviewAnswer& answer = m_sight->preview.answer;
+    m_facts->setText(factsOf(*m_sight));
+    if (answer.kind == PreviewAnswer::Kind::Picture) {
+        m_picture->setPicture(m_sight->image, QSize(static_cast<int>(answer.storedWidth),
+                                                    static_cast<int>(answer.storedHeight)));
+        m_pages->setCurrentWidget(m_picture);
+    } else if (answer.kind == PreviewAnswer::Kind::Text) {
+        m_text->setPlainText(QString::fromStdString(answer.content));
+        m_pages->setCurrentWidget(m_text);
+    } else {
+        setWords(wordsFor(*m_sight));
+    }
+    Q_EMIT sightChanged();
+}
+
+bool PreviewLook::showsText() const { return m_pages->currentWidget() == m_text; }
+
+void PreviewLook::markLineOf(qsizetype character) {
+    QList<QTextEdit::ExtraSelection> marks;
+    if (character >= 0) {
+        QTextEdit::ExtraSelection mark;
+        mark.cursor = QTextCursor(m_text->document());
+        mark.cursor.setPosition(static_cast<int>(
+            std::min<qsizetype>(character, m_text->document()->characterCount() - 1)));
+        mark.format.setBackground(Theme::shared().color(Theme::Color::Selection));
+        mark.format.setProperty(QTextFormat::FullWidthSelection, true);
+        marks.push_back(mark);
+        m_text->setTextCursor(mark.cursor);
+        m_text->ensureCursorVisible();
+    }
+    m_text->setExtraSelections(marks);
+}
+
+}  // namespace orrinvale
