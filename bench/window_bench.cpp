@@ -1,9 +1,10 @@
 // How long the window stands still: the real page on real files, driven by clicks, with the
 // program's own counter of stalls. Makes a folder of duplicates, searches it, and then opens,
 // sorts, ticks, scrolls and removes. Windows are drawn offscreen. The large file page and the page
-// of disk usage follow on a folder of their own, and the cleaning page in a home of its own.
+// of disk usage follow on a folder of their own, the preview on a folder of pictures, and the
+// cleaning page in a home of its own.
 //     window-bench [--groups N] [--leaves N] [--entries N] [--rows N] [--terminal PROGRAM]
-//                  [--at FOLDER] [--scan FOLDER] [--json]
+//                  [--pictures N] [--at FOLDER] [--scan FOLDER] [--json]
 // Ends with 1 when a step stands still for longer than the bar, or redraws too rarely.
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -19,6 +20,7 @@
 
 #include "CleanPageSteps.h"
 #include "LargePageSteps.h"
+#include "PreviewSteps.h"
 #include "UsagePageSteps.h"
 #include "WindowSteps.h"
 #include "engine/base/Log.h"
@@ -49,6 +51,7 @@ struct Setting {
     std::size_t leaves = 200'000;
     std::size_t entries = 1'000'000;
     std::size_t rows = 20'000;
+    std::size_t pictures = 10'000;
     std::string at;
     std::string scan;
     std::string terminal;
@@ -128,6 +131,7 @@ public:
         m_steps.scroll("scroll, closed", *m_outline);
         remove();
         search("search again", m_folder);
+        if (m_setting.pictures != 0) runPreviewSteps(m_steps, m_window, m_folder + " pictures");
         if (m_setting.entries != 0) runLargePageSteps(m_steps, m_window, m_folder + " entries");
         if (m_setting.entries != 0) runUsagePageSteps(m_steps, m_services, m_folder + " entries");
         if (m_setting.rows != 0)
@@ -242,6 +246,8 @@ Setting settingFrom(const QCoreApplication& application) {
         QStringLiteral("1000000"));
     add("rows", QStringLiteral("rows of the cleaning page, fifteen files each"),
         QStringLiteral("N"), QStringLiteral("20000"));
+    add("pictures", QStringLiteral("rows of the list of pictures beside a preview"),
+        QStringLiteral("N"), QStringLiteral("10000"));
     add("terminal", QStringLiteral("orrinvale-cli, to clean beside the page"),
         QStringLiteral("PROGRAM"), {});
     add("at", QStringLiteral("where the files are made"), QStringLiteral("FOLDER"),
@@ -255,6 +261,7 @@ Setting settingFrom(const QCoreApplication& application) {
     setting.leaves = parser.value(QStringLiteral("leaves")).toULongLong();
     setting.entries = parser.value(QStringLiteral("entries")).toULongLong();
     setting.rows = parser.value(QStringLiteral("rows")).toULongLong();
+    setting.pictures = parser.value(QStringLiteral("pictures")).toULongLong();
     setting.terminal = parser.value(QStringLiteral("terminal")).toStdString();
     setting.at = parser.value(QStringLiteral("at")).toStdString();
     setting.scan = parser.value(QStringLiteral("scan")).toStdString();
@@ -276,6 +283,7 @@ int runBench(int argc, char** argv) {
     if (!folder.isValid() || ::mkdir(settings.c_str(), 0755) != 0 ||
         ::mkdir(corpus.c_str(), 0755) != 0 || !makeFiles(corpus, setting) ||
         (setting.entries != 0 && !makeEntries(corpus + " entries", setting.entries)) ||
+        (setting.pictures != 0 && !makePictures(corpus + " pictures", setting.pictures)) ||
         (setting.rows != 0 && !makeCleanHome(corpus + " home", setting.rows))) {
         std::fputs("window-bench: the files can not be made\n", stderr);
         return 2;

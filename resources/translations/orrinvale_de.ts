@@ -2335,14 +2335,6 @@
         <source>To the trash or for good, plans, removals of 30 days</source>
         <translation>In den Papierkorb oder endgültig, Pläne, Entferntes der letzten 30 Tage</translation>
     </message>
-    <message>
-        <source>Show a preview beside the list (F3)</source>
-        <translation type="unfinished">Vorschau neben der Liste zeigen (F3)</translation>
-    </message>
-    <message>
-        <source>Preview</source>
-        <translation type="unfinished">Vorschau</translation>
-    </message>
 </context>
 <context>
     <name>TrashWords</name>
@@ -4045,10 +4037,25 @@ Freie Software unter der Apache License 2.0.</translation>
     </message>
 </context>
 <context>
+    <name>orrinvale::PreviewHost</name>
+    <message>
+        <source>Show a preview beside the list (F3)</source>
+        <translation>Vorschau neben der Liste zeigen (F3)</translation>
+    </message>
+    <message>
+        <source>Preview</source>
+        <translation>Vorschau</translation>
+    </message>
+</context>
+<context>
     <name>orrinvale::PreviewLook</name>
     <message>
         <source>Preview</source>
         <translation>Vorschau</translation>
+    </message>
+    <message>
+        <source>Still reading</source>
+        <translation>Wird noch gelesen</translation>
     </message>
 </context>
 <context>

@@ -17,6 +17,7 @@
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/dialogs/Sheet.h"
 #include "ui/largefiles/FileNodeModel.h"
+#include "ui/preview/PreviewPicture.h"
 #include "ui/shell/DuplicateMainWindowController.h"
 
 namespace orrinvale {
@@ -46,7 +47,7 @@ LargeFileScenes::~LargeFileScenes() {
 }
 
 bool LargeFileScenes::draw() {
-    return save("first") && drawScan() && drawResult() && drawRemoval();
+    return save("first") && drawScan() && drawResult() && drawPane() && drawRemoval();
 }
 
 QTreeView& LargeFileScenes::outline() const {
@@ -93,6 +94,22 @@ bool LargeFileScenes::drawResult() {
     for (const char* const name : {"Downloads", "Videos", "IMG_2107.jpg"}) tick(name);
     outline().setCurrentIndex(rowNamed("IMG_2107.jpg").siblingAtColumn(FileNodeModel::Name));
     return save("detail");
+}
+
+bool LargeFileScenes::drawPane() {
+    auto* const button = m_window->findChild<QAbstractButton*>(QStringLiteral("previewBtn"));
+    button->click();
+    const QPersistentModelIndex before = outline().currentIndex();
+    outline().setCurrentIndex(
+        rowNamed("Lake in the evening.png").siblingAtColumn(FileNodeModel::Name));
+    const auto* const picture = m_window->findChild<PreviewPicture*>();
+    const bool isSaved =
+        waitFor("the picture",
+                [picture] { return picture->isVisible() && !picture->place().isEmpty(); }) &&
+        save("pane");
+    button->click();
+    outline().setCurrentIndex(before);
+    return isSaved;
 }
 
 bool LargeFileScenes::drawRemoval() {

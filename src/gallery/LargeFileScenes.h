@@ -25,6 +25,7 @@ public:
 private:
     bool drawScan();
     bool drawResult();
+    bool drawPane();
     bool drawRemoval();
 
     bool waitForEnd() const;

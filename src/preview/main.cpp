@@ -34,6 +34,7 @@ constexpr ConfinementLimits ownLimits{.memory = std::uint64_t{768} << 20U, .seco
 constexpr std::size_t mostText = std::size_t{64} * 1024;
 constexpr std::uint64_t mostPictureBytes = std::uint64_t{256} << 20U;
 constexpr int mostDecodedMegabytes = 256;
+constexpr std::uint64_t mostPixels = (std::uint64_t{mostDecodedMegabytes} << 20U) / bytesPerPixel;
 constexpr std::uint64_t mostJpegPixels = 1'000'000'000;  // it is made smaller while it is read
 
 // By the first bytes: names lie, and a reader that guesses is asked by a file for whatever it
@@ -110,21 +111,18 @@ QByteArray pictureFormat(std::string_view head, std::uint64_t size) {
         }
     if (format.isEmpty() && isBitmap(head, size)) format = "bmp";
     if (format.isEmpty() || !QImageReader::supportedImageFormats().contains(format)) return {};
-    QByteArray sign(head.data(), static_cast<qsizetype>(std::min(head.size(), std::size_t{32})));
-    QBuffer buffer(&sign);
-    buffer.open(QIODevice::ReadOnly);
-    static_cast<void>(QImageReader(&buffer, format).canRead());
     return format;
+}
+
+std::uint64_t pixelsOf(const QSize& size) {
+    return static_cast<std::uint64_t>(size.width()) * static_cast<std::uint64_t>(size.height());
 }
 
 // Nothing where it may be tried.
 std::optional<PreviewFailure> objectionTo(const QSize& stored, const QByteArray& format) {
     if (!stored.isValid()) return std::nullopt;  // it does not say before it is read
-    const auto pixels =
-        static_cast<std::uint64_t>(stored.width()) * static_cast<std::uint64_t>(stored.height());
+    const std::uint64_t pixels = pixelsOf(stored);
     if (pixels == 0) return PreviewFailure::Damaged;
-    constexpr std::uint64_t mostPixels =
-        (std::uint64_t{mostDecodedMegabytes} << 20U) / bytesPerPixel;
     if (pixels > (format == "jpeg" ? mostJpegPixels : mostPixels)) return PreviewFailure::TooLarge;
     return std::nullopt;
 }
@@ -141,6 +139,9 @@ PreviewAnswer pictureIn(QFile& file, const QByteArray& format, int side) {
     if (const auto objection = objectionTo(stored, format)) return failed(*objection);
     if (stored.isValid()) reader.setScaledSize(within(stored, side));
     QImage image = reader.read();
+    // One that is written in several passes is kept whole while it is read.
+    if (image.isNull() && stored.isValid() && pixelsOf(stored) > mostPixels)
+        return failed(PreviewFailure::TooMuchMemory);
     if (image.isNull()) return failed(PreviewFailure::Damaged);
     if (!stored.isValid()) stored = image.size();
     else if ((reader.transformation() & QImageIOHandler::TransformationRotate90) != 0)

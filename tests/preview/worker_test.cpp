@@ -2,6 +2,7 @@
 // what can not be, and the bounds that hold whatever a file says.
 #include <QBuffer>
 #include <QImage>
+#include <QImageWriter>
 #include <stop_token>
 
 #include "engine/preview/PreviewReader.h"
@@ -45,6 +46,25 @@ std::string claimedPng(std::uint32_t width, std::uint32_t height, std::string_vi
     return bytes.substr(0, 33) + std::string(behind);
 }
 
+// A JPEG that claims its size and ends long before it is full; in passes, or from top to bottom.
+std::string claimedJpeg(std::uint16_t side, bool isInPasses) {
+    QImage image(16, 16, QImage::Format_RGB32);
+    image.fill(qRgb(200, 30, 60));
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QImageWriter writer(&buffer, "jpg");
+    writer.setProgressiveScanWrite(isInPasses);
+    EXPECT_TRUE(writer.write(image));
+    std::string made = bytes.toStdString();
+    const std::size_t frame = made.find(isInPasses ? "\xFF\xC2" : "\xFF\xC0");
+    for (const std::size_t at : {frame + 5, frame + 7}) {
+        made.at(at) = static_cast<char>(side >> 8U);
+        made.at(at + 1) = static_cast<char>(side & 0xFFU);
+    }
+    return made;
+}
+
 TEST(PreviewWorker, ShowsWhatItCanAndSaysWhyItCanNot) {
     TestTree tree;
     const std::string jpeg = picture(4000, 1000, "jpg");
@@ -56,6 +76,8 @@ TEST(PreviewWorker, ShowsWhatItCanAndSaysWhyItCanNot) {
         tree.write("cut.jpg", jpeg.substr(0, 12)) && tree.write("cut.png", claimedPng(40, 40)) &&
         tree.write("400 megapixels.png",
                    claimedPng(20000, 20000, picture(4, 4, "png").substr(33))) &&
+        tree.write("400 megapixels.jpg", claimedJpeg(20000, false)) &&
+        tree.write("400 megapixels in passes.jpg", claimedJpeg(20000, true)) &&
         tree.write("none.png", claimedPng(0, 5)) && tree.write("text.md", "# Words\n") &&
         tree.write("drawing.svg", "<svg><image href='file:///etc/passwd'/></svg>") &&
         tree.write("program", std::string("\x7F"
@@ -78,6 +100,8 @@ TEST(PreviewWorker, ShowsWhatItCanAndSaysWhyItCanNot) {
         {"cut.jpg", Kind::Failed, Failure::Damaged, 0, 0, 0, 0},
         {"cut.png", Kind::Failed, Failure::Damaged, 0, 0, 0, 0},
         {"400 megapixels.png", Kind::Failed, Failure::TooLarge, 0, 0, 0, 0},
+        {"400 megapixels.jpg", Kind::Picture, Failure::None, 20000, 20000, 320, 320},
+        {"400 megapixels in passes.jpg", Kind::Failed, Failure::TooMuchMemory, 0, 0, 0, 0},
         {"none.png", Kind::Failed, Failure::Damaged, 0, 0, 0, 0},
         {"text.md", Kind::Text, Failure::None, 0, 0, 0, 0},
         {"drawing.svg", Kind::Text, Failure::None, 0, 0, 0, 0},
@@ -97,7 +121,7 @@ TEST(PreviewWorker, ShowsWhatItCanAndSaysWhyItCanNot) {
         EXPECT_EQ(answer.storedHeight, each.storedHeight) << each.name;
         EXPECT_EQ(answer.width, each.width) << each.name;
         EXPECT_EQ(answer.height, each.height) << each.name;
-        if (each.kind != Kind::Picture) continue;
+        if (each.kind != Kind::Picture || each.storedWidth == 20000) continue;
         EXPECT_NEAR(static_cast<unsigned char>(answer.content[2]), 200, 3) << each.name;  // red
     }
     EXPECT_EQ(reader().read(tree.at("text.md"), 320, {}).answer.content, "# Words\n");
@@ -146,9 +170,14 @@ TEST(PreviewWorker, WhateverItDoesIsOverInTime) {
         {"closes its output and hangs", "exec >&-; exec sleep 60", Failure::TooSlow},
         {"says nothing", "exit 0", Failure::NotLooked},
         {"says half", hello + "'", Failure::NotLooked},
+        {"is killed from outside", "kill -KILL $$", Failure::TooSlow},
         {"answers and fails", hello + "kind 0\\n\\n'; exit 1", Failure::NotLooked},
         {"never stops talking", "exec cat /dev/zero", Failure::NotLooked},
     };
+    const auto openDescriptors = [] {
+        return std::ranges::distance(std::filesystem::directory_iterator("/proc/self/fd"));
+    };
+    const auto descriptors = openDescriptors();
     for (const auto& each : cases) {
         ASSERT_TRUE(tree.write("looker", "#!/bin/sh\n" + each.script + "\n") &&
                     tree.setMode("looker", 0700));
@@ -159,6 +188,9 @@ TEST(PreviewWorker, WhateverItDoesIsOverInTime) {
         EXPECT_EQ(seen.answer.failure, each.failure) << each.name;
         EXPECT_LT(Clock::now() - before, PreviewReader::patience + 2s) << each.name;
     }
+    // Who looks all day has neither their descriptors nor their remains.
+    EXPECT_EQ(openDescriptors(), descriptors);
+    EXPECT_TRUE(::waitpid(-1, nullptr, WNOHANG) < 0 && errno == ECHILD);
     // Nobody waits for it any more: it is over at once.
     ASSERT_TRUE(tree.write("looker", "#!/bin/sh\nexec sleep 60\n"));
     std::stop_source source;

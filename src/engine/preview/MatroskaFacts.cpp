@@ -14,7 +14,7 @@ namespace orrinvale {
 namespace {
 
 constexpr int mostElements = 2000;
-constexpr std::uint64_t unknownSize = ~std::uint64_t{0};
+constexpr std::uint64_t untoldSize = ~std::uint64_t{0};
 
 enum Identifier : std::uint64_t {
     Header = 0x1A45DFA3,
@@ -84,7 +84,7 @@ std::optional<Varying> varyingAt(MediaSource& source, std::uint64_t offset, bool
     if (!source.read(offset, std::span(bytes).first(width))) return std::nullopt;
     std::uint64_t value = bigEndian(part(bytes, 0, width));
     const std::uint64_t mask = (std::uint64_t{1} << (7 * width)) - 1;
-    if (!keepsMark) value = (value & mask) == mask ? unknownSize : value & mask;
+    if (!keepsMark) value = (value & mask) == mask ? untoldSize : value & mask;
     return Varying{value, width};
 }
 
@@ -96,7 +96,7 @@ std::optional<Element> elementAt(MediaSource& source, std::uint64_t offset, std:
     if (!size) return std::nullopt;
     const std::uint64_t content = offset + identifier->width + size->width;
     if (content > end) return std::nullopt;
-    if (size->value == unknownSize) return Element{identifier->value, content, end};
+    if (size->value == untoldSize) return Element{identifier->value, content, end};
     if (size->value > end - content) return std::nullopt;
     return Element{identifier->value, content, content + size->value};
 }

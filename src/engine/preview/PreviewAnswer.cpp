@@ -61,14 +61,14 @@ void addNumber(std::string& head, std::string_view name, std::uint64_t value) {
     if (value != 0) head += fmt::format("{} {}\n", name, value);
 }
 
-template <class Number> bool readNumber(std::string_view text, Number& number) {
+template <class Number> bool readHeadNumber(std::string_view text, Number& number) {
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     return error == std::errc() && end == text.data() + text.size();
 }
 
 template <class Kind> bool readKind(std::string_view text, Kind last, Kind& kind) {
     std::uint8_t number = 0;
-    if (!readNumber(text, number) || number > static_cast<std::uint8_t>(last)) return false;
+    if (!readHeadNumber(text, number) || number > static_cast<std::uint8_t>(last)) return false;
     kind = static_cast<Kind>(number);
     return true;
 }
@@ -82,12 +82,12 @@ bool takeText(std::string_view value, std::string& field) {
 bool takeLine(std::string_view name, std::string_view value, PreviewAnswer& answer) {
     if (name == "kind") return readKind(value, PreviewAnswer::Kind::Failed, answer.kind);
     if (name == "failure") return readKind(value, PreviewFailure::NotLooked, answer.failure);
-    if (name == "milliseconds") return readNumber(value, answer.media.milliseconds);
+    if (name == "milliseconds") return readHeadNumber(value, answer.media.milliseconds);
     if (name == "cut") answer.isCut = true;
     for (const NumberLine& each : numberLines)
-        if (name == each.name) return readNumber(value, answer.*each.field);
+        if (name == each.name) return readHeadNumber(value, answer.*each.field);
     for (const MediaNumberLine& each : mediaNumberLines)
-        if (name == each.name) return readNumber(value, answer.media.*each.field);
+        if (name == each.name) return readHeadNumber(value, answer.media.*each.field);
     for (const TextLine& each : textLines)
         if (name == each.name) return takeText(value, answer.*each.field);
     for (const MediaTextLine& each : mediaTextLines)

@@ -29,8 +29,10 @@ PreviewFailure failureOf(const ProgramAnswer& told) {
 
 }  // namespace
 
-PreviewAnswer PreviewReader::ask(int file, std::uint32_t side, const std::stop_token& stop) const {
-    const ProgramAnswer told = askProgram({.program = m_program,
+PreviewAnswer PreviewReader::look(const std::string& program, int file, std::uint32_t side,
+                                  const std::stop_token& stop) {
+    if (program.empty() || stop.stop_requested()) return failed(PreviewFailure::NotLooked);
+    const ProgramAnswer told = askProgram({.program = program,
                                            .arguments = {std::to_string(side)},
                                            .input = file,
                                            .most = patience,
@@ -61,8 +63,7 @@ Preview PreviewReader::read(const std::string& path, std::uint32_t side,
     const auto opened = m_files.attributes(file->get());
     if (opened) preview.attributes = *opened;
     if (!opened || opened->type != FileType::Regular || opened->size == 0) return preview;
-    preview.answer =
-        m_program.empty() ? failed(PreviewFailure::NotLooked) : ask(file->get(), side, stop);
+    preview.answer = look(m_program, file->get(), side, stop);
     return preview;
 }
 

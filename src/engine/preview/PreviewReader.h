@@ -33,13 +33,14 @@ public:
     [[nodiscard]] Preview read(const std::string& path, std::uint32_t side,
                                const std::stop_token& stop) const;
 
+    /// The same of a regular file that is open for reading.
+    [[nodiscard]] static PreviewAnswer look(const std::string& program, int file,
+                                            std::uint32_t side, const std::stop_token& stop);
+
     static constexpr std::chrono::milliseconds patience{2000};
     static constexpr const char* programName = "orrinvale-preview";
 
 private:
-    [[nodiscard]] PreviewAnswer ask(int file, std::uint32_t side,
-                                    const std::stop_token& stop) const;
-
     const FileSystem& m_files;
     const std::string m_program;
 };

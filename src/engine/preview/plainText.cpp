@@ -12,7 +12,7 @@ namespace {
 
 enum class Encoding { Utf8, Utf16Little, Utf16Big, Windows };
 
-constexpr char32_t replacement = 0xFFFD;
+constexpr char32_t replacementLetter = 0xFFFD;
 
 // Windows-1252 from 0x80 to 0x9F; above, and below, it is as Unicode. 0 is a byte without meaning.
 constexpr char16_t windowsLetters[] = {
@@ -77,7 +77,7 @@ char32_t nextUtf8(std::string_view& bytes) {
     const auto byte = [&](std::size_t at) {
         return static_cast<char32_t>(static_cast<unsigned char>(bytes[at]));
     };
-    char32_t found = replacement;
+    char32_t found = replacementLetter;
     if (length == 1) found = byte(0);
     else if (length == 2) found = ((byte(0) & 0x1F) << 6U) | (byte(1) & 0x3F);
     else if (length == 3)
@@ -100,7 +100,7 @@ char32_t nextUtf16(std::string_view& bytes, bool isBig) {
     const bool isPair = high >= 0xD800 && high < 0xDC00 && low >= 0xDC00 && low < 0xE000;
     bytes.remove_prefix(std::min(bytes.size(), std::size_t{isPair ? 4U : 2U}));
     if (isPair) return 0x10000 + ((high - 0xD800) << 10U) + (low - 0xDC00);
-    return high >= 0xD800 && high < 0xE000 ? replacement : high;
+    return high >= 0xD800 && high < 0xE000 ? replacementLetter : high;
 }
 
 char32_t nextWindows(std::string_view& bytes) {
@@ -108,7 +108,7 @@ char32_t nextWindows(std::string_view& bytes) {
     bytes.remove_prefix(1);
     if (byte < 0x80 || byte >= 0xA0) return byte;
     const char16_t letter = windowsLetters[byte - 0x80];
-    return letter != 0 ? letter : replacement;
+    return letter != 0 ? letter : replacementLetter;
 }
 
 char32_t nextCharacter(std::string_view& bytes, Encoding encoding) {

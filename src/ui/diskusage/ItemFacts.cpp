@@ -126,6 +126,7 @@ void ItemFacts::showContent(const PreviewContent& content) {
         lines.push_back(
             QStringLiteral("%1 × %2").arg(QString::number(content.pictureSize.width()),
                                           QString::number(content.pictureSize.height())));
+    lines += content.media;
     if (content.modified != 0)
         lines.push_back(
             QLocale().toString(QDateTime::fromMSecsSinceEpoch(content.modified / perMillisecond),

@@ -9,6 +9,7 @@
 #include "ui/duplicates/ResultOutline.h"
 #include "ui/duplicates/SameFileDeleteViewController.h"
 #include "ui/duplicates/SameFileDeleteViews.h"
+#include "ui/duplicates/duplicatePreview.h"
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/controls/PictureView.h"
@@ -146,6 +147,7 @@ void SameFileDeleteViewController::callBackDeleteItemWithIndex() {
 void SameFileDeleteViewController::setRemoveButtonState() {
     m_views->stopBtn->setEnabled(bSearchFinished() && !m_selection.allSelectNumArr().empty());
     showGain();
+    showPreview(*m_views, *m_model);  // another copy may be the one that stays
 }
 
 void SameFileDeleteViewController::showGain() {

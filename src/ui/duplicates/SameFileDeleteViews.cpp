@@ -179,9 +179,7 @@ QWidget* SameFileDeleteViews::makeLeftView(const NotificationCenter& notificatio
         rail->add(leftCells.at(row));
     }
     // Here, since the head has no room left beside its title.
-    previewBtn = makeImageButton("previewBtn", QStringLiteral("preview_pane"),
-                                 tr("Show a preview beside the list (F3)"));
-    previewBtn->setAccessibleName(tr("Preview"));
+    previewBtn = makePreviewButton();
     static_cast<QVBoxLayout*>(rail->layout())->addWidget(previewBtn, 0, Qt::AlignLeading);
     leftView = rail;
     return leftView;

@@ -38,7 +38,8 @@ PreviewSubject subjectOf(const TreeNode& node) {
 
 void startPreview(const SameFileDeleteViews& views, const PageServices& parts) {
     views.previewPane->start(*parts.files, parts.reveal);
-    views.previewHost->setSwitch(*views.previewBtn, *views.detailView, *parts.defaults);
+    views.previewHost->setSwitch(*views.previewBtn, *views.detailView, *parts.defaults,
+                                 "previewPaneShown");
 }
 
 void showPreview(const SameFileDeleteViews& views, const DuplicateResultModel& model) {

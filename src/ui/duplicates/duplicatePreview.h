@@ -10,7 +10,7 @@ struct PageServices;
 /// Once, when the views stand.
 void startPreview(const SameFileDeleteViews& views, const PageServices& parts);
 
-/// After each change of the chosen row, and of what stands in it.
+/// After each change of the chosen row, of what stands in it, and of ticks.
 void showPreview(const SameFileDeleteViews& views, const DuplicateResultModel& model);
 
 }  // namespace orrinvale

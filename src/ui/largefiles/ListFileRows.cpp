@@ -11,6 +11,7 @@
 #include "ui/largefiles/ListFileViews.h"
 #include "ui/largefiles/NewOutlineView.h"
 #include "ui/page/rowMenu.h"
+#include "ui/preview/PreviewPane.h"
 
 namespace orrinvale {
 
@@ -76,6 +77,17 @@ void ListFileViewController::preview(const QModelIndex& index) {
     const FileNode* const node = m_model->node(index);
     if (node != nullptr && !node->isDirectory() && m_detagate != nullptr)
         m_detagate->pereviewFileWithFileNodePath(node->path());
+}
+
+// Of the row that the keyboard is at: what is large has no copy to stand beside it.
+void ListFileViewController::showPreview() {
+    PreviewSubject subject;
+    if (const FileNode* const node = m_model->node(m_views->outlineView->currentIndex())) {
+        subject.chosen = node->path();
+        subject.paths = {subject.chosen};
+        subject.total = 1;
+    }
+    m_views->previewPane->choose(subject);
 }
 
 std::string ListFileViewController::previewBeside(int step) {

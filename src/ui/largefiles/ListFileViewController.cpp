@@ -23,6 +23,8 @@
 #include "ui/largefiles/FileNodeModel.h"
 #include "ui/largefiles/ListFileViews.h"
 #include "ui/largefiles/NewOutlineView.h"
+#include "ui/preview/PreviewHost.h"
+#include "ui/preview/PreviewPane.h"
 
 namespace orrinvale {
 namespace {
@@ -104,6 +106,11 @@ void ListFileViewController::connectControls() {
     connect(&outline, &TickOutline::menuWanted, this, &Self::showRowMenu);
     connect(&outline, &TickOutline::previewWanted, this,
             [this, &outline] { preview(outline.currentIndex()); });
+    connect(outline.selectionModel(), &QItemSelectionModel::currentChanged, this,
+            &Self::showPreview);
+    views.previewPane->start(*m_parts.files, m_parts.reveal);
+    views.previewHost->setSwitch(*views.previewBtn, *views.listView, *m_parts.defaults,
+                                 "largeFilesPreviewShown");
 }
 
 StateTable ListFileViewController::stateTable() const {
@@ -141,6 +148,7 @@ void ListFileViewController::getRootNodeListWithPath(const std::string& path) {
     m_views->titleLabel->setText(QString::fromStdString(path));
     m_views->showProgress();
     m_model->setTree(m_rootNodeArr);
+    showPreview();
     Controller::getController().eumeAllRootFileNodeWithRootArr(m_rootNodeArr, path);
 }
 
@@ -160,6 +168,7 @@ void ListFileViewController::showDetailPage() {
 void ListFileViewController::refreshList() {
     m_model->refresh();
     showFitting();
+    showPreview();
     if (isScan() && m_rootNodeArr) showProgress();
 }
 
@@ -212,6 +221,7 @@ void ListFileViewController::backButtonAction() {
     m_endTimer.stop();
     m_rootNodeArr.reset();
     m_model->setTree(nullptr);
+    showPreview();
     Controller::getController().closeTree();
     if (m_detagate != nullptr) m_detagate->listFileBackButtonAction();
     m_views->selectFileButton->setFocus();

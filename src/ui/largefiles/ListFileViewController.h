@@ -119,6 +119,7 @@ private:
     void outlineViewItemDidCollapse(const QModelIndex& index);
     void cellClicked(const QModelIndex& index);
     void preview(const QModelIndex& index);
+    void showPreview();
     void showRowMenu(const QModelIndex& index, QPoint position);
     void putIntoTrash(FileNode& node);
     void tellWhyNotInTrash(const std::string& path, const std::string& reason);

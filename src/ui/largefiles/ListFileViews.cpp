@@ -20,6 +20,8 @@
 #include "ui/kit/controls/viewParts.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/largefiles/NewOutlineView.h"
+#include "ui/preview/PreviewHost.h"
+#include "ui/preview/PreviewPane.h"
 
 namespace orrinvale {
 ListFileViews::ListFileViews()
@@ -36,6 +38,8 @@ ListFileViews::ListFileViews()
     fillContent();
     fillBottom();
     putTogether();
+    previewPane = new PreviewPane;
+    previewHost = new PreviewHost(*content, *outlineView, *previewPane);
 }
 
 ListFileViews::~ListFileViews() {
@@ -58,6 +62,8 @@ void ListFileViews::makeStartPage() {
 }
 
 void ListFileViews::fillContent() {
+    previewBtn = makePreviewButton();
+    head->addWidget(previewBtn);
     outlineView = new NewOutlineView;
     selectAllButton = outlineView->headerBox();
     const EmptyView empty = makeEmptyView(QStringLiteral("empty_folder"), false);

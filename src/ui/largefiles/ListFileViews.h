@@ -17,6 +17,8 @@ class DragView;
 class ElidedLabel;
 class HoverButton;
 class NewOutlineView;
+class PreviewHost;
+class PreviewPane;
 class QnProgressView;
 class TCImageButton;
 class TextImageButton;
@@ -44,7 +46,10 @@ public:
     TextImageButton* selectFileButton = nullptr;
 
     // The result page.
+    TCImageButton* previewBtn = nullptr;  ///< shows and hides the pane beside the list
     NewOutlineView* outlineView = nullptr;
+    PreviewPane* previewPane = nullptr;
+    PreviewHost* previewHost = nullptr;
     TickBox* selectAllButton = nullptr;
     QWidget* emptyView = nullptr;
     QLabel* emptyLabel = nullptr;

@@ -1,4 +1,4 @@
-// A picture is tried first, then a text; what is neither shows its facts alone.
+// What is neither picture nor text shows its facts alone.
 #include "ui/page/previewContent.h"
 
 #include <dirent.h>
@@ -6,58 +6,20 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <QBuffer>
 #include <QFile>
-#include <QImageReader>
 #include <QMimeDatabase>
 #include <algorithm>
+#include <cerrno>
 #include <memory>
 
+#include "engine/preview/PreviewReader.h"
+#include "platform/askProgram.h"
 #include "platform/descriptor.h"
 #include "platform/paths.h"
+#include "ui/preview/previewWords.h"
 
 namespace orrinvale {
 namespace {
-
-// A damaged picture may claim any size; this is what Qt may allocate for it, in MiB.
-constexpr int mostImageMegabytes = 256;
-
-bool readText(int file, PreviewContent& content) {
-    QByteArray bytes(static_cast<qsizetype>(mostTextBytes + 1), '\0');
-    qsizetype filled = 0;
-    while (filled < bytes.size()) {
-        const ssize_t got =
-            ::read(file, bytes.data() + filled, static_cast<std::size_t>(bytes.size() - filled));
-        if (got < 0 && errno == EINTR) continue;
-        if (got <= 0) break;
-        filled += got;
-    }
-    bytes.truncate(filled);
-    if (bytes.contains('\0')) return false;
-    content.isCut = bytes.size() > static_cast<qsizetype>(mostTextBytes);
-    bytes.truncate(static_cast<qsizetype>(mostTextBytes));
-    content.text = QString::fromUtf8(bytes);
-    // More than a few broken characters: these bytes are no text.
-    constexpr qsizetype oneOf = 20;
-    return content.text.count(QChar::ReplacementCharacter) <= content.text.size() / oneOf + 1;
-}
-
-bool readPicture(int file, PreviewContent& content) {
-    QFile source;
-    if (content.size > mostPictureBytes ||
-        !source.open(file, QIODevice::ReadOnly, QFileDevice::DontCloseHandle))
-        return false;
-    QImageReader reader(&source);
-    reader.setAutoTransform(true);
-    if (!reader.canRead()) return false;
-    content.pictureSize = reader.size();
-    if (content.pictureSize.isValid() &&
-        std::max(content.pictureSize.width(), content.pictureSize.height()) > mostPixels)
-        reader.setScaledSize(
-            content.pictureSize.scaled(mostPixels, mostPixels, Qt::KeepAspectRatio));
-    content.picture = reader.read();
-    return !content.picture.isNull();
-}
 
 std::uint64_t countEntries(int folder) {
     const std::unique_ptr<DIR, int (*)(DIR*)> listing(::fdopendir(::dup(folder)), ::closedir);
@@ -72,11 +34,21 @@ void readFile(int file, PreviewContent& content) {
         QMimeDatabase().mimeTypeForFile(content.name, QMimeDatabase::MatchExtension);
     content.type = type.isDefault() ? QString() : type.comment();
     content.kind = PreviewContent::Kind::Other;
-    if (QImageReader::allocationLimit() != mostImageMegabytes)
-        QImageReader::setAllocationLimit(mostImageMegabytes);
-    if (readPicture(file, content)) content.kind = PreviewContent::Kind::Picture;
-    else if (::lseek(file, 0, SEEK_SET) == 0 && content.size > 0 && readText(file, content))
+    if (content.size == 0) return;
+    const PreviewAnswer answer =
+        PreviewReader::look(companionProgram(PreviewReader::programName), file, mostPixels, {});
+    if (answer.kind == PreviewAnswer::Kind::Picture) {
+        content.kind = PreviewContent::Kind::Picture;
+        content.pictureSize =
+            QSize(static_cast<int>(answer.storedWidth), static_cast<int>(answer.storedHeight));
+        content.picture = imageIn(answer);
+    } else if (answer.kind == PreviewAnswer::Kind::Text) {
         content.kind = PreviewContent::Kind::Text;
+        content.text = QString::fromStdString(answer.content);
+        content.isCut = answer.isCut;
+    } else if (answer.kind == PreviewAnswer::Kind::Media) {
+        content.media = mediaLines(answer.media);
+    }
 }
 
 }  // namespace
@@ -94,8 +66,10 @@ PreviewContent readPreview(const std::string& path) {
         content.linkTarget = QFile::symLinkTarget(QString::fromStdString(path));
         return content;
     }
-    const Descriptor file(
-        ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC));
+    // A look here is no use of the file, where it may be told so.
+    constexpr int flags = O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC;
+    Descriptor file(::open(path.c_str(), flags | O_NOATIME));
+    if (!file.isOpen() && errno == EPERM) file = Descriptor(::open(path.c_str(), flags));
     if (file.get() < 0 || ::fstat(file.get(), &status) != 0) return content;
     if (S_ISDIR(status.st_mode)) {
         content.kind = PreviewContent::Kind::Folder;

@@ -3,6 +3,7 @@
 
 #include <QImage>
 #include <QString>
+#include <QStringList>
 #include <cstdint>
 #include <string>
 
@@ -18,18 +19,17 @@ struct PreviewContent {
     QString linkTarget;         ///< of a symbolic link
     QSize pictureSize;          ///< in pixels, of the picture as it is stored
     QImage picture;             ///< at most mostPixels a side
-    QString text;               ///< the first mostTextBytes of it
+    QString text;               ///< the beginning of it
+    QStringList media;          ///< what a film or a song tells, a line each
     bool isCut = false;
     std::uint64_t entries = 0;  ///< of a folder, the direct ones
 };
 
-inline constexpr std::size_t mostTextBytes = 64 * 1024;
 inline constexpr int mostPixels = 1600;
-/// A picture file above this is not decoded: a preview is no place for a gigabyte.
-inline constexpr std::uint64_t mostPictureBytes = 256ULL * 1024 * 1024;
 
-/// Opens regular files only, without waiting for a FIFO or a device, and keeps to the bounds above.
-/// Any thread.
+/// Opens regular files only, without waiting for a FIFO or a device. Nothing of them is decoded in
+/// this process: engine/preview/PreviewReader.h has who does it, and within which bounds. Any
+/// thread.
 [[nodiscard]] PreviewContent readPreview(const std::string& path);
 
 }  // namespace orrinvale

@@ -8,12 +8,11 @@
 
 #include "engine/settings/UserDefaults.h"
 #include "ui/kit/chrome/TCImageButton.h"
+#include "ui/kit/controls/viewParts.h"
 #include "ui/preview/PreviewPane.h"
 
 namespace orrinvale {
 namespace {
-
-constexpr const char* previewPaneKey = "previewPaneShown";
 
 // In points. A list tells something from 440 on; of a low window it gets all.
 constexpr int leastBeside = 720, leastBelow = 340;
@@ -40,13 +39,14 @@ PreviewHost::PreviewHost(QStackedWidget& content, QWidget& list, PreviewPane& pa
     connect(&content, &QStackedWidget::currentChanged, this, &PreviewHost::arrange);
 }
 
-void PreviewHost::setSwitch(TCImageButton& button, QWidget& view, UserDefaults& defaults) {
+void PreviewHost::setSwitch(TCImageButton& button, QWidget& view, UserDefaults& defaults,
+                            const char* name) {
     button.setCheckable(true);
-    m_isWanted = defaults.boolForKey(previewPaneKey);
+    m_isWanted = defaults.boolForKey(name);
     button.setChecked(m_isWanted);
-    connect(&button, &QAbstractButton::toggled, this, [this, &defaults](bool isOn) {
+    connect(&button, &QAbstractButton::toggled, this, [this, &defaults, name](bool isOn) {
         m_isWanted = isOn;
-        defaults.setBool(isOn, previewPaneKey);
+        defaults.setBool(isOn, name);
         arrange();
     });
     auto* const key = new QShortcut(QKeySequence(Qt::Key_F3), &view);
@@ -76,6 +76,14 @@ void PreviewHost::arrange() {
 void PreviewHost::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     arrange();
+}
+
+TCImageButton* makePreviewButton() {
+    TCImageButton* const button =
+        makeImageButton("previewBtn", QStringLiteral("preview_pane"),
+                        PreviewHost::tr("Show a preview beside the list (F3)"));
+    button->setAccessibleName(PreviewHost::tr("Preview"));
+    return button;
 }
 
 }  // namespace orrinvale

@@ -21,9 +21,9 @@ public:
     /// with its page `list` alone.
     PreviewHost(QStackedWidget& content, QWidget& list, PreviewPane& pane);
 
-    /// The switch of it: checkable, with the key F3 while `view` is to be seen, and
-    /// remembered. The settings outlive it.
-    void setSwitch(TCImageButton& button, QWidget& view, UserDefaults& defaults);
+    /// The switch of it: checkable, with the key F3 while `view` is to be seen, and remembered by
+    /// this name. The settings and the name outlive it.
+    void setSwitch(TCImageButton& button, QWidget& view, UserDefaults& defaults, const char* name);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -37,5 +37,8 @@ private:
     QBoxLayout* m_layout;
     bool m_isWanted = false;
 };
+
+/// "previewBtn", for setSwitch().
+[[nodiscard]] TCImageButton* makePreviewButton();
 
 }  // namespace orrinvale

@@ -25,6 +25,8 @@ namespace {
 // is, when a held key would have made the next.
 constexpr std::chrono::milliseconds previewRest{35};
 constexpr std::int64_t fastStep = 150;  // milliseconds
+// A place that stays empty for longer needs a word.
+constexpr std::chrono::milliseconds emptyTime{1000};
 
 // Questions that are not answered, on disks that hang perhaps.
 constexpr int mostOnTheirWay = 8;
@@ -77,6 +79,11 @@ PreviewLook::PreviewLook(PreviewZoom& zoom, QWidget* parent)
         each->setAccessibleName(tr("Preview"));
     m_rest.setSingleShot(true);
     connect(&m_rest, &QTimer::timeout, this, &PreviewLook::ask);
+    m_wait.setSingleShot(true);
+    m_wait.setInterval(emptyTime);
+    connect(&m_wait, &QTimer::timeout, this, [this] {
+        if (m_sight == nullptr) setWords(tr("Still reading"));
+    });
     connect(m_picture, &PreviewPicture::sharperWanted, this, [this] { m_rest.start(previewRest); });
 }
 
@@ -84,6 +91,7 @@ PreviewLook::~PreviewLook() { m_stop.request_stop(); }
 
 void PreviewLook::stop() {
     m_rest.stop();
+    m_wait.stop();
     m_stop.request_stop();
     ++m_question;
 }
@@ -103,13 +111,16 @@ void PreviewLook::setPath(const std::string& path) {
     m_text->clear();
     const bool isFast = m_sinceStep.isValid() && m_sinceStep.elapsed() < fastStep;
     m_sinceStep.start();
-    if (!path.empty()) m_rest.start(isFast ? previewRest : std::chrono::milliseconds(0));
+    if (path.empty()) return;
+    m_rest.start(isFast ? previewRest : std::chrono::milliseconds(0));
+    m_wait.start();
 }
 
 void PreviewLook::lookAgain() {
-    const std::string path = m_path;
-    setPath({});
-    setPath(path);
+    if (m_path.empty()) return;
+    stop();
+    m_rest.start(previewRest);
+    m_wait.start();
 }
 
 void PreviewLook::ask() {
@@ -119,7 +130,7 @@ void PreviewLook::ask() {
     m_stop.request_stop();
     m_stop = {};
     const std::uint64_t question = ++m_question;
-    static_cast<void>(runAside(
+    const auto errand = runAside(
         this, "readPreview",
         [reader = m_reader, path = m_path, side = m_picture->wantedSide(),
          token = m_stop.get_token(), counted = countedQuestion()] {
@@ -127,15 +138,24 @@ void PreviewLook::ask() {
         },
         [this, question](std::shared_ptr<PreviewSight> sight) {
             if (question == m_question) take(std::move(sight));
-        }));
+        });
+    if (errand == nullptr) m_rest.start(emptyTime);  // there is no thread to be had now
 }
 
-void PreviewLook::setWords(const QStringList& lines) {
-    m_words->setText(lines.join(QLatin1Char('\n')));
+void PreviewLook::setWords(const QString& lines) {
+    m_words->setText(lines);
     m_pages->setCurrentWidget(m_words);
 }
 
+// Who has scrolled in it stays there when it is read again.
+void PreviewLook::setText(const std::string& text) {
+    const QString shown = QString::fromStdString(text);
+    if (m_text->toPlainText() != shown) m_text->setPlainText(shown);
+    m_pages->setCurrentWidget(m_text);
+}
+
 void PreviewLook::take(std::shared_ptr<PreviewSight> sight) {
+    m_wait.stop();
     m_sight = std::move(sight);
     const PreviewAnswer& answer = m_sight->preview.answer;
     m_facts->setText(factsOf(*m_sight));
@@ -144,10 +164,9 @@ void PreviewLook::take(std::shared_ptr<PreviewSight> sight) {
                                                     static_cast<int>(answer.storedHeight)));
         m_pages->setCurrentWidget(m_picture);
     } else if (answer.kind == PreviewAnswer::Kind::Text) {
-        m_text->setPlainText(QString::fromStdString(answer.content));
-        m_pages->setCurrentWidget(m_text);
+        setText(answer.content);
     } else {
-        setWords(wordsFor(*m_sight));
+        setWords(wordsFor(*m_sight).join(QLatin1Char('\n')));
     }
     Q_EMIT sightChanged();
 }

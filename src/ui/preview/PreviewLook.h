@@ -36,7 +36,7 @@ public:
 
     /// Exact bytes; an empty path is nothing at all. The same path is not read again.
     void setPath(const std::string& path);
-    /// The same path is read again, for it may have changed.
+    /// The same path is read again, for it may have changed; what is seen stays until then.
     void lookAgain();
 
     [[nodiscard]] const std::string& path() const { return m_path; }
@@ -54,7 +54,8 @@ private:
     void stop();
     void ask();
     void take(std::shared_ptr<PreviewSight> sight);
-    void setWords(const QStringList& lines);
+    void setWords(const QString& lines);
+    void setText(const std::string& text);
 
     std::shared_ptr<const PreviewReader> m_reader;
     std::string m_path;
@@ -63,6 +64,7 @@ private:
     std::uint64_t m_question = 0;  // answers to others are void
     QElapsedTimer m_sinceStep;
     QTimer m_rest;  // who holds an arrow key down passes by many files
+    QTimer m_wait;  // until somebody asks what takes so long
     QStackedWidget* m_pages;
     QWidget* m_nothing;
     PreviewPicture* m_picture;

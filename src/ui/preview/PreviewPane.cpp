@@ -67,6 +67,7 @@ void PreviewPane::start(const FileSystem& files,
 }
 
 void PreviewPane::choose(const PreviewSubject& subject) {
+    if (subject == m_subject) return;
     m_subject = subject;
     if (isVisible()) showSubject();
 }
@@ -136,6 +137,11 @@ void PreviewPane::hideEvent(QHideEvent* event) {
     if (event->spontaneous()) return;  // the window is only minimised
     m_first->setPath({});
     m_second->setPath({});
+}
+
+void PreviewPane::changeEvent(QEvent* event) {
+    Panel::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow()) lookAgain();
 }
 
 }  // namespace orrinvale

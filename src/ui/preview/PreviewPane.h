@@ -28,6 +28,8 @@ struct PreviewSubject {
     std::string beside;              ///< a copy of it; empty where there is none to compare with
     std::vector<std::string> paths;  ///< of all copies, the first mostPaths of them
     std::size_t total = 0;           ///< how many copies there are
+
+    friend bool operator==(const PreviewSubject&, const PreviewSubject&) = default;
 };
 
 /// Reads only while it is to be seen. Main thread only.
@@ -39,9 +41,10 @@ public:
     /// What it works with; before the first subject. The file system outlives what it reads.
     void start(const FileSystem& files, std::function<void(const std::string& path)> reveal);
 
-    /// Takes the place of what was chosen before; the same files are not read again.
+    /// Takes the place of what was chosen before. Of the same nothing changes, nor its zoom; the
+    /// same files are not read again.
     void choose(const PreviewSubject& subject);
-    /// What is shown may have changed on the disk.
+    /// What is shown may have changed on the disk, as when a person comes back from another window.
     void lookAgain();
 
     /// Beside a list its parts stand one below the other, below a list beside each other.
@@ -51,6 +54,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     void showSubject();

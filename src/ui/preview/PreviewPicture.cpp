@@ -39,6 +39,7 @@ PreviewPicture::PreviewPicture(PreviewZoom& zoom, QWidget* parent) : QWidget(par
 void PreviewPicture::setPicture(QImage image, QSize stored) {
     m_image = std::move(image);
     m_stored = stored;
+    tellFit();
     tellZoom();
     update();
 }
@@ -50,14 +51,17 @@ void PreviewPicture::tellZoom() {
                  QString::number(std::lround(scale() * devicePixelRatioF() * 100))));
 }
 
-// Points on the screen for a pixel of the file. What is small is not blown up before it is asked to
-// be.
-double PreviewPicture::scale() const {
-    if (m_stored.isEmpty()) return 1;
+// What is small is not blown up before it is asked to be.
+void PreviewPicture::tellFit() {
+    constexpr double none = 2;
     const double most = 1 / devicePixelRatioF();
-    const double fit =
-        std::min({most, width() / double(m_stored.width()), height() / double(m_stored.height())});
-    return fit * m_zoom.factor();
+    m_zoom.setFit(*this, m_stored.isEmpty() ? none
+                                            : std::min({most, width() / double(m_stored.width()),
+                                                        height() / double(m_stored.height())}));
+}
+
+double PreviewPicture::scale() const {
+    return m_stored.isEmpty() ? 1 : m_zoom.fit() * m_zoom.factor();
 }
 
 QRectF PreviewPicture::place() const {
@@ -153,6 +157,7 @@ void PreviewPicture::keyPressEvent(QKeyEvent* event) {
 
 void PreviewPicture::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
+    tellFit();
     tellZoom();
     if (isVisible() && wantsMore()) Q_EMIT sharperWanted();
 }

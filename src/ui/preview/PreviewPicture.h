@@ -41,6 +41,8 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void tellFit();
+    /// Points on the screen for a pixel of the file.
     [[nodiscard]] double scale() const;
     void zoomBy(double factor, QPointF around);
     void moveBy(QPointF points);

@@ -60,6 +60,8 @@ QString entryText(FileType type) {
     }
 }
 
+}  // namespace
+
 QStringList mediaLines(const MediaFacts& facts) {
     QStringList lines{QString::fromStdString(facts.container)};
     if (facts.milliseconds != 0) lines.push_back(durationText(facts.milliseconds));
@@ -89,8 +91,6 @@ QImage imageIn(const PreviewAnswer& answer) {
                   QImage::Format_ARGB32_Premultiplied)
         .copy();
 }
-
-}  // namespace
 
 PreviewSight readSight(const PreviewReader& reader, const std::string& path, std::uint32_t side,
                        const std::stop_token& stop) {
@@ -123,7 +123,8 @@ QString factsOf(const PreviewSight& sight) {
     const PreviewAnswer& answer = preview.answer;
     if (preview.attributes.type == FileType::Unknown) return {};
     QStringList facts;
-    if (!sight.type.isEmpty()) facts.push_back(sight.type);
+    if (!sight.type.isEmpty() && preview.attributes.type == FileType::Regular)
+        facts.push_back(sight.type);
     if (answer.kind == AnswerKind::Picture)
         facts.push_back(unbroken(pixelText(answer.storedWidth, answer.storedHeight)));
     if (answer.kind == AnswerKind::Text) facts.push_back(QString::fromStdString(answer.encoding));

@@ -23,6 +23,12 @@ struct PreviewSight {
 [[nodiscard]] PreviewSight readSight(const PreviewReader& reader, const std::string& path,
                                      std::uint32_t side, const std::stop_token& stop);
 
+/// The pixels of an answer that is a picture.
+[[nodiscard]] QImage imageIn(const PreviewAnswer& answer);
+
+/// What a film or a song tells, a line each.
+[[nodiscard]] QStringList mediaLines(const MediaFacts& facts);
+
 /// The line under it: kind, pixels, size, date.
 [[nodiscard]] QString factsOf(const PreviewSight& sight);
 

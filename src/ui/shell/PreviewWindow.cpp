@@ -53,6 +53,7 @@ QString factsOf(const PreviewContent& content) {
         facts.push_back(
             QStringLiteral("%1 × %2").arg(QString::number(content.pictureSize.width()),
                                           QString::number(content.pictureSize.height())));
+    facts += content.media;
     if (!content.linkTarget.isEmpty())
         facts.push_back(
             QCoreApplication::translate("PreviewWindow", "Link to %1").arg(content.linkTarget));

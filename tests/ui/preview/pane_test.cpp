@@ -15,6 +15,7 @@
 #include "support/test.h"
 #include "ui/kit/chrome/TCImageButton.h"
 #include "ui/preview/PreviewHost.h"
+#include "ui/preview/PreviewLook.h"
 #include "ui/preview/PreviewPane.h"
 #include "ui/preview/PreviewPicture.h"
 #include "ui/preview/previewWords.h"
@@ -70,7 +71,7 @@ protected:
         return *on.control(look).findChild<Child*>(QLatin1String(name));
     }
     PreviewPicture& picture(const char* look) { return in<PreviewPicture>(look, "previewPicture"); }
-    void show() { QTest::keyClick(&outline, Qt::Key_P, Qt::ControlModifier | Qt::ShiftModifier); }
+    void show() { QTest::keyClick(&outline, Qt::Key_F3); }
     void choose(const char* group, const char* copy = "") {
         outline.setCurrentIndex(on.row(group, copy));
     }
@@ -116,6 +117,58 @@ TEST_F(PreviewBesideList, FollowsTheArrowsWithTwoCopiesAtOneZoom) {
 
     on.click("previewBtn");
     EXPECT_FALSE(on.isShown("previewPane"));
+}
+
+// One of them has changed since the search: a pixel of it is as large on the screen as one of the
+// other, so that the eye compares what it should.
+TEST_F(PreviewBesideList, ShowsPicturesOfUnequalSizeAtOneScale) {
+    choose("red.png", "a/red.png");
+    show();
+    ASSERT_TRUE(on.tree.write("f/b/red.png", png(red, blue, {300, 200})));
+    PreviewPicture& large = picture("previewFirst");
+    PreviewPicture& small = picture("previewSecond");
+    on.control<PreviewPane>("previewPane").lookAgain();
+    ASSERT_SOON(small.accessibleDescription().startsWith(QStringLiteral("300 × 200")) &&
+                large.accessibleDescription().startsWith(QStringLiteral("600 × 400")));
+    EXPECT_NEAR(large.place().width(), 2 * small.place().width(), 1);
+    EXPECT_NEAR(shareOf(large, red), 4 * shareOf(small, red), 4);
+    small.setFocus();
+    for (int i = 0; i < 3; ++i) QTest::keyClick(&small, Qt::Key_Plus);
+    EXPECT_NEAR(large.place().width(), 2 * small.place().width(), 1);
+    QTest::keyClick(&small, Qt::Key_0);
+
+    // What is chosen next has its own.
+    choose("green.png");
+    ASSERT_SOON(shareOf(large, green) > 5 && shareOf(small, green) > 5);
+    EXPECT_EQ(large.place(), small.place());
+}
+
+TEST_F(PreviewBesideList, KeepsTheCopyThatStaysBesideWhatIsTicked) {
+    choose("words.txt", "c/words.txt");
+    show();
+    const auto& beside = on.control<PreviewLook>("previewSecond");
+    EXPECT_EQ(beside.path(), on.tree.at("f/a/words.txt"));
+    on.tick("words.txt", "a/words.txt");
+    EXPECT_EQ(beside.path(), on.tree.at("f/b/words.txt"));
+}
+
+// Between the search and the look somebody has put something else there.
+TEST_F(PreviewBesideList, FollowsNoLinkAndWaitsForNoPipe) {
+    ASSERT_TRUE(on.tree.write("secret.png", png(red, red)));
+    for (const char* const name : {"f/a/green.png", "f/b/green.png"})
+        ASSERT_TRUE(std::filesystem::remove(on.tree.at(name)));
+    ASSERT_TRUE(on.tree.symlink("../../secret.png", "f/a/green.png") &&
+                on.tree.fifo("f/b/green.png"));
+    show();
+    choose("green.png", "a/green.png");
+    Strings words;
+    for (const char* const look : {"previewFirst", "previewSecond"}) {
+        auto& said = in<QLabel>(look, "previewWords");
+        ASSERT_SOON(said.isVisible());
+        words.push_back(said.text().toStdString());
+    }
+    EXPECT_EQ(words, (Strings{"A link, which is not followed", "A connection between programs"}));
+    EXPECT_EQ(shareOf(on.control("previewPane"), red), 0);
 }
 
 TEST_F(PreviewBesideList, ComparesTextsAndOpensFolders) {
@@ -177,7 +230,7 @@ TEST(PreviewPlaces, SuitTheWindowAndAreRemembered) {
         auto* const pane = new PreviewPane;
         PreviewHost host(*content, *list, *pane);
         TCImageButton button;
-        host.setSwitch(button, window, defaults);
+        host.setSwitch(button, window, defaults, "shown");
         EXPECT_EQ(button.isChecked(), !isFirst) << "remembered";
         button.setChecked(true);
         window.show();
