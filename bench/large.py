@@ -5,7 +5,8 @@
 
 Works as sizes.py does: corpora are made once under build/bench/corpora, the answer is checked against a walk of our own before
 anything is timed, the two programs run in turn, and what counts is the median of the ratios of the pairs. The memory an entry
-takes is the peak over that of a run on an empty folder, less the names. The table goes to standard output, the figures to
+takes is the peak over that of a run on an empty folder, less the names. What the list of largest files (`large --flat`) takes is the
+difference of runs with and without it, in processor time, since it is made by one thread after the scan, and in bytes. The table goes to standard output, the figures to
 build/bench/large.json.
 
 Exit status: 0 all bars held, 1 a bar or an answer missed, 2 the command line is wrong, 3 nothing could be measured.
@@ -14,6 +15,7 @@ import dataclasses
 import json
 import os
 import shutil
+import statistics
 import subprocess
 import sys
 import tempfile
@@ -40,6 +42,10 @@ ROWS = {
     "million": Row(f"{compare.PROGRAM.name} size", {"warm": 1.3}, memory=130_000_000),
 }
 BYTES_PER_ENTRY = 96
+# Of the list of a million files over the tree: seconds of processor time, and bytes a file.
+LIST_SECONDS = .2
+LIST_BYTES = 16
+LISTS = {"by size": [], "by name": ["--sort", "name"], "by opening": ["--sort", "opened", "--unopened", "0d"], "of a kind": ["--kind", "others"]}
 
 
 def ours(folder):
@@ -81,6 +87,32 @@ def bytes_per_entry(one, folder, expected):
     with tempfile.TemporaryDirectory() as empty:
         bare = compare.peak_memory(ours(empty), empty)
     return (one.memory[0] - bare - name_bytes(folder)) / (expected["files"] + expected["folders"])
+
+
+def processor_time(argv):
+    process = subprocess.Popen(argv, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    _, status, used = os.wait4(process.pid, 0)
+    process.returncode = os.waitstatus_to_exitcode(status)
+    if status:
+        raise compare.RunFailed(f"ended with status {process.returncode}")
+    return used.ru_utime  # the kernel's share is the scan's, and scatters by more than all of the list
+
+
+def cost_of_list(folder, options, runs=9):
+    """The median of the seconds that the list takes over the tree with nothing printed, and its bytes."""
+    listed = [str(compare.PROGRAM), "large", "--flat", "-0", "--top", "5000", *options, "--quiet", str(folder)]
+    pairs = [processor_time(listed) - processor_time(ours(folder)) for _ in range(runs)]
+    return statistics.median(pairs), max(pairs), compare.peak_memory(listed, folder) - compare.peak_memory(ours(folder), folder)
+
+
+def lists_of(folder, count):
+    """A table of what the lists take, and whether a bar was missed."""
+    lines, missed = ["| list of a million files | seconds over the tree (highest) | bytes a file over the tree |", "|---|---|---|"], False
+    for name, options in LISTS.items():
+        seconds, highest, size = cost_of_list(folder, options)
+        missed = missed or seconds > LIST_SECONDS or size / count > LIST_BYTES + 1  # the pages that are read for printing
+        lines.append(f"| {name} | {seconds:.3f} ({highest:.3f}) | {size / count:.1f} |")
+    return "\n".join(lines), missed
 
 
 def misses(one, per_entry, scale):
@@ -161,7 +193,12 @@ def main():
     if not any(one.pairs for one, _ in measured) and not wrong:
         print("nothing was measured", file=sys.stderr)
         return 3
-    return 1 if wrong or any(misses(one, per_entry, options.scale) for one, per_entry in measured) else 0
+    missed = False
+    million = (options.corpora or compare.ROOT / "build/bench/corpora" / f"scale-{options.scale:g}") / "million"
+    if options.scale == 1 and "million" in (options.corpus or ROWS) and million.is_dir():
+        text, missed = lists_of(million, 1_000_000)
+        print(f"\n{text}\n\n{'**missed**' if missed else 'held'}: {LIST_SECONDS} s, {LIST_BYTES} bytes")
+    return 1 if wrong or missed or any(misses(one, per_entry, options.scale) for one, per_entry in measured) else 0
 
 
 if __name__ == "__main__":

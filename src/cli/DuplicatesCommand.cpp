@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstddef>
 #include <iterator>
@@ -15,6 +14,7 @@
 #include "cli/Output.h"
 #include "cli/PlanWriting.h"
 #include "cli/SearchWatch.h"
+#include "cli/kindOption.h"
 #include "engine/duplicates/DuplicateFilesOpt.h"
 #include "engine/duplicates/cache/HashCache.h"
 #include "engine/duplicates/plan/PlanFile.h"
@@ -27,9 +27,6 @@
 
 namespace orrinvale::cli {
 namespace {
-
-constexpr std::array allKinds{FileKind::Documents, FileKind::Music,    FileKind::Videos,
-                              FileKind::Archives,  FileKind::Pictures, FileKind::Others};
 
 std::string progressLine(DuplicateFilesOpt& search) {
     const auto state = search.search();
@@ -132,14 +129,8 @@ std::optional<std::string> DuplicatesCommand::readFilter(const Arguments& argume
     }
     if (request.filter.smallest > request.filter.largest)
         return std::string("--min is larger than --max");
-    for (const std::string& text : arguments.texts("kind")) {
-        const auto kind = std::ranges::find(allKinds, text, kindName);
-        if (kind == allKinds.end())
-            return fmt::format(
-                "--kind takes documents, music, videos, archives, pictures or others, not \"{}\"",
-                text);
-        request.filter.kinds.push_back(*kind);
-    }
+    if (std::string fault = readKinds(arguments, request.filter.kinds); !fault.empty())
+        return fault;
     for (std::string text : arguments.texts("exclude")) {
         // What is put before a path in brackets, so that it is not taken for a list, is no pattern.
         if (text.starts_with("./[") && text.ends_with(']')) text.erase(0, 2);

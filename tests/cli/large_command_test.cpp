@@ -1,5 +1,8 @@
 // orrinvale-cli large as a process: what it prints and how much of it, exit statuses, the stop, the
 // log.
+#include <fcntl.h>
+#include <sys/stat.h>
+
 #include <nlohmann/json.hpp>
 
 #include "cli/ProgramRun.h"
@@ -105,6 +108,64 @@ TEST(LargeCommand, whatCanNotBeReadAndWhatIsWrong) {
                     {{"a", "--top", "-1"}, 2, 1}},
                    {"--json", "-0"});
     ASSERT_TRUE(tree.setMode("b/locked", 0700));
+}
+
+// Two films in folders and a text, of which one film has been left alone for years.
+TEST(LargeCommand, listsTheFilesOfAllFoldersAsTheyAreWished) {
+    TestTree tree("/dev/shm");
+    ASSERT_TRUE(tree.write("a/b/film.MP4", std::string(1500, 'x')) &&
+                tree.write("a/old.mkv", std::string(2500, 'x')) &&
+                tree.write("note.txt", "12345") &&
+                tree.write("Tool.app/bin/tool", std::string(700, 'x')));
+    const timespec longAgo{.tv_sec = 1'400'000'000, .tv_nsec = 0};
+    const timespec times[]{longAgo, longAgo};
+    ASSERT_EQ(::utimensat(AT_FDCWD, tree.at("a/old.mkv").c_str(), times, 0), 0);
+    const struct {
+        std::vector<std::string> arguments;
+        std::string paths;
+        std::uint64_t files, size;
+    } cases[] = {
+        {{}, "/a/old.mkv|/a/b/film.MP4|/Tool.app|/note.txt|", 4, 4705},
+        {{"--top", "1"}, "/a/old.mkv|", 4, 4705},
+        {{"--kind", "videos", "--sort", "name"}, "/a/b/film.MP4|/a/old.mkv|", 2, 4000},
+        {{"--kind", "music"}, "", 0, 0},
+        {{"--older", "1y"}, "/a/old.mkv|", 1, 2500},
+        {{"--unopened", "1y", "--sort", "opened"}, "/a/old.mkv|", 1, 2500},
+        {{"--sort", "age", "--top", "2", "--kind", "videos"}, "/a/old.mkv|/a/b/film.MP4|", 2, 4000},
+    };
+    for (const auto& each : cases) {
+        const auto printed = [&](const char* form) {
+            ProgramRun run = largeRun(each.arguments);
+            run.arguments.insert(run.arguments.end(), {"--flat", form, "--quiet", tree.path()});
+            const auto result = run.run();
+            EXPECT_EQ(result.status, 0) << result.error;
+            return result.output;
+        };
+        std::string paths = printed("-0");
+        for (std::size_t at = 0; (at = paths.find(tree.path(), at)) != std::string::npos;)
+            paths.erase(at, tree.path().size());
+        std::ranges::replace(paths, '\0', '|');
+        EXPECT_EQ(paths, each.paths);
+        const Json json = Json::parse(printed("--json"));
+        EXPECT_EQ(json["files"], each.files) << each.paths;
+        EXPECT_EQ(json["size"], each.size) << each.paths;
+    }
+    const Json first =
+        Json::parse(largeRun({"--flat", "--json", tree.path()}).run().output)["entries"][0];
+    EXPECT_EQ(first["name"], "old.mkv");
+    EXPECT_EQ(first["kind"], "videos");
+    EXPECT_TRUE(first["modified"].get<std::string>().starts_with("2014-05-13T")) << first;
+    EXPECT_EQ(first["opened"], first["modified"]);
+    EXPECT_EQ(largeRun({"--flat", "--kind", "videos", "--older", "1y", tree.path()}).run().output,
+              "   2.50 KB  2014-05-13  " + tree.at("a/old.mkv") + "\n   2.50 KB  1 file in " +
+                  tree.path() + "\n");
+    expectStatuses("large", tree.path(),
+                   {{{"--flat", "--kind", "films", "a"}, 2, 1},
+                    {{"--flat", "--older", "1", "a"}, 2, 1},
+                    {{"--flat", "--sort", "date", "a"}, 2, 1},
+                    {{"--flat", "--depth", "2", "a"}, 2, 1},
+                    {{"--older", "1y", "a"}, 2, 1}},
+                   {"--json", "-0"});
 }
 
 TEST(LargeCommand, theLogTellsTheEndOfTheScan) {

@@ -131,6 +131,9 @@ What is there twice.
 .B orrinvale\-cli large \-\-top 10 \(ti
 The ten biggest entries of the home folder.
 .TP
+.B orrinvale\-cli large \-\-flat \-\-kind videos \-\-unopened 1y \(ti
+The films that nobody has opened for a year, the biggest first.
+.TP
 .B orrinvale\-cli volumes \-\-json
 The mounted volumes, for a script.
 .SH SEE ALSO

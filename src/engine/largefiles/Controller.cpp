@@ -9,8 +9,8 @@
 #include <utility>
 
 #include "engine/base/Log.h"
+#include "engine/largefiles/LargestFiles.h"
 #include "engine/largefiles/NodeRemoval.h"
-#include "engine/largefiles/NodeSelection.h"
 #include "engine/largefiles/RemoveFileAndFolder.h"
 #include "engine/largefiles/TrashErrands.h"
 
@@ -117,6 +117,27 @@ void Controller::changeFatherNodeSelectState(FileNode& node, std::uint8_t /*stat
     followUpwards(node);
     changeSelectAllButtonState();
     reloadTree();
+}
+
+void Controller::changeSelectOfFile(FileNode& node, std::uint8_t state) {
+    tickOne(node, state != 0 ? FileNode::Selected : FileNode::NotSelected);
+    changeSelectAllButtonState();
+    reloadTree();
+}
+
+void Controller::changeSelectOfFiles(const LargestFiles& list, std::uint8_t state) {
+    if (!m_aRootArr) return;
+    std::vector<FileNode*> files;
+    files.reserve(list.count());
+    for (const LargestFiles::Row& row : list.rows())
+        if (!row.node->isSystemFile()) files.push_back(row.node);
+    tickMany(m_aRootArr->root(), files, state != 0 ? FileNode::Selected : FileNode::NotSelected);
+    changeSelectAllButtonState();
+    reloadTree();
+}
+
+TickedTotals Controller::ticked() const {
+    return m_aRootArr ? totalsOf(m_aRootArr->root().childrenInAnyOrder()) : TickedTotals();
 }
 
 void Controller::changeSelectAllButtonState() {

@@ -14,6 +14,7 @@
 #include "engine/largefiles/EumeRoot.h"
 #include "engine/largefiles/FileNode.h"
 #include "engine/largefiles/LargeFileRemoval.h"
+#include "engine/largefiles/NodeSelection.h"
 #include "platform/fileTypes.h"
 
 namespace orrinvale {
@@ -38,6 +39,7 @@ protected:
     ControllerDelegate& operator=(const ControllerDelegate&) = default;
 };
 
+class LargestFiles;
 class TrashErrands;
 
 /// Main thread only; the removal runs on a thread of its own and changes the tree on the main
@@ -66,6 +68,13 @@ public:
     void changeSelectWithNode(FileNode& node, std::uint8_t state);
     void changeChildrenFilNodeState(FileNode& node, std::uint8_t state);
     void changeFatherNodeSelectState(FileNode& node, std::uint8_t state);
+    /// Ticks or clears one file of the list of largest files, wherever in the tree it lies. What is
+    /// ticked as a whole above it is so no more: a folder becomes mixed at most.
+    void changeSelectOfFile(FileNode& node, std::uint8_t state);
+    /// The same of all files of the list.
+    void changeSelectOfFiles(const LargestFiles& list, std::uint8_t state);
+    /// What deleteFilesWithDic() would take.
+    [[nodiscard]] TickedTotals ticked() const;
     void changeSelectAllButtonState();
     void selectAllFileNode(std::uint8_t state);
     void reloadTree();

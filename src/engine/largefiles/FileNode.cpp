@@ -38,6 +38,7 @@ std::string FileNode::displayName() const { return m_name; }
 
 // The list knows no path with two slashes, as those below "/" have.
 bool FileNode::isSystemFile() const {
+    if (!SystemFolder::mayBeNamed(m_name)) return false;
     const std::string spelled = path();
     return SystemFolder::isSystemFileWithFilePath(plainPath(spelled).value_or(spelled));
 }

@@ -30,6 +30,7 @@ struct FoundEntry {
     std::int64_t modified =
         0;  ///< these two of regular files: they tell whether one was written since
     std::int64_t changed = 0;
+    std::int64_t accessed = 0;  ///< 0 where it is not known
 };
 
 /// Belongs to its tree, and to the thread that owns the tree: in the window program the main
@@ -66,6 +67,13 @@ public:
     [[nodiscard]] std::uint32_t links() const { return m_links; }
     /// As the scan saw it. Whoever compares it with the disk has it learnPassing() first.
     [[nodiscard]] EntryIdentity identity() const;
+    /// Seconds since 1970 UTC, from 1 to the year 2106, at which a file was written last, and at
+    /// which it was read or written last; 0 where that is not known, and of folders. The second
+    /// means something where the mount keeps it (platform/accessTimes.h).
+    [[nodiscard]] std::uint32_t lastWritten() const { return m_isDirectory ? 0 : m_childRoom; }
+    [[nodiscard]] std::uint32_t lastOpened() const { return m_isDirectory ? 0 : m_ordered; }
+    /// Which of FileNodeTree::firstOfDevices() has its device.
+    [[nodiscard]] std::uint16_t deviceNumber() const { return m_device; }
 
     [[nodiscard]] State state() const { return m_state; }
     void setState(State state) { m_state = state; }
@@ -120,8 +128,9 @@ private:
         0;  // of a regular file EntryIdentity::timesOf(), of all others the time of their making
     FileNode** m_children = nullptr;
     std::uint32_t m_childCount = 0;
-    std::uint32_t m_childRoom = 0;
-    std::uint32_t m_ordered = 0;  // how many of the first children stand in order
+    std::uint32_t m_childRoom = 0;  // of a file, which has no children, lastWritten()
+    std::uint32_t m_ordered =
+        0;  // how many of the first children stand in order; of a file lastOpened()
     std::uint32_t m_position = 0;
     std::uint32_t m_links = 0;
     std::uint16_t m_device = 0;  // index into the tree's devices

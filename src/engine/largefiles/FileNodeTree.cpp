@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <new>
 
 #include "engine/base/saturating.h"
@@ -16,6 +17,13 @@ namespace {
 constexpr std::uint32_t mostInArena = 1024;
 constexpr std::size_t childBytes =
     sizeof(FileNode*);  // NOLINT(bugprone-sizeof-expression): a list of pointers
+
+std::uint32_t secondOf(std::int64_t nanoseconds) {
+    constexpr std::int64_t perSecond = 1'000'000'000;
+    if (nanoseconds == 0) return 0;
+    return static_cast<std::uint32_t>(std::clamp<std::int64_t>(
+        nanoseconds / perSecond, 1, std::numeric_limits<std::uint32_t>::max()));
+}
 
 // As operator new does: whoever can make room is asked before the allocation fails.
 void* resized(void* list, std::size_t bytes) {
@@ -82,6 +90,12 @@ FileNodeTree::Added FileNodeTree::addHere(FileNode& folder, std::span<const Foun
         node->m_device = deviceIndex(entry.device);
         node->m_isDirectory = entry.isDirectory;
         node->m_type = entry.type;
+        if (node->m_device == m_firstOfDevices.size()) m_firstOfDevices.push_back(node);
+        if (!entry.isDirectory) {
+            node->m_childRoom = secondOf(entry.modified);
+            node->m_ordered =
+                entry.accessed == 0 ? 0 : secondOf(std::max(entry.accessed, entry.modified));
+        }
         added[i] = node;
         addSaturating(size, entry.size);
         addSaturating(onDisk, entry.onDisk);

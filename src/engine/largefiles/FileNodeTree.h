@@ -57,6 +57,8 @@ public:
 
     /// Nodes added so far, removed ones included.
     [[nodiscard]] std::uint64_t nodeCount() const { return m_nodeCount; }
+    /// Of each device that was met the entry that was met first: of a mount the folder at its top.
+    [[nodiscard]] const std::vector<FileNode*>& firstOfDevices() const { return m_firstOfDevices; }
     /// Rises with every change by add() and removeChild().
     [[nodiscard]] std::uint64_t revision() const { return m_revision; }
 
@@ -85,6 +87,7 @@ private:
     FileNode* m_root = nullptr;
     std::vector<FileNode*> m_longLists;  // folders whose list of children is allocated for itself
     std::vector<std::uint64_t> m_devices;
+    std::vector<FileNode*> m_firstOfDevices;
     std::uint16_t m_lastDevice = 0;
     std::vector<std::shared_ptr<const void>> m_kept;
     const std::shared_ptr<OwnChanges> m_ownChanges = std::make_shared<OwnChanges>();

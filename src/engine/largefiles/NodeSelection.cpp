@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "engine/base/saturating.h"
+
 namespace orrinvale {
 namespace {
 
@@ -16,6 +18,30 @@ FileNode::State stateFromChildren(const FileNode& folder) {
     }
     if (!holdsFolder && touched == folder.childCount()) return FileNode::Selected;
     return touched != 0 ? FileNode::Mixed : FileNode::NotSelected;
+}
+
+// As stateFromChildren(), of a folder that nobody ticked itself.
+FileNode::State mixedFromChildren(const FileNode& folder) {
+    const bool isTouched = std::ranges::any_of(
+        folder.childrenInAnyOrder(),
+        [](const FileNode* child) { return child->state() != FileNode::NotSelected; });
+    return isTouched ? FileNode::Mixed : FileNode::NotSelected;
+}
+
+// A folder that is not mixed speaks for what is in it, which may have states of another time while
+// its row is closed. They get its state, as if it were opened, and so does what is open in them,
+// which would not hear of it later.
+void handDown(FileNode& folder) {
+    if (folder.state() == FileNode::Mixed) return;
+    std::vector<FileNode*> folders{&folder};
+    while (!folders.empty()) {
+        FileNode* const next = folders.back();
+        folders.pop_back();
+        for (FileNode* const child : next->childrenInAnyOrder()) {
+            child->setState(next->state());
+            if (child->isExpand()) folders.push_back(child);
+        }
+    }
 }
 
 // Those of some siblings that are not clear. Only these are put into order: of a million entries
@@ -61,6 +87,62 @@ bool TickSpread::step(std::size_t nodes) {
 void followUpwards(FileNode& node) {
     for (FileNode* folder = node.father(); folder != nullptr; folder = folder->father())
         folder->setState(stateFromChildren(*folder));
+}
+
+FileNode::State standingState(const FileNode& node) {
+    FileNode::State state = node.state();
+    for (const FileNode* folder = node.father(); folder != nullptr; folder = folder->father())
+        if (folder->state() != FileNode::Mixed) state = folder->state();
+    return state;
+}
+
+void tickOne(FileNode& node, FileNode::State state) {
+    std::vector<FileNode*> above;
+    for (FileNode* folder = node.father(); folder != nullptr; folder = folder->father())
+        above.push_back(folder);
+    for (auto folder = above.rbegin(); folder != above.rend(); ++folder) handDown(**folder);
+    node.setState(state);
+    for (FileNode* const folder : above) folder->setState(mixedFromChildren(*folder));
+}
+
+void tickMany(FileNode& root, std::span<FileNode* const> nodes, FileNode::State state) {
+    std::vector<FileNode*> folders{&root};  // each before those in it
+    for (std::size_t next = 0; next < folders.size(); ++next) {
+        FileNode& folder = *folders[next];
+        for (FileNode* const child : folder.childrenInAnyOrder()) {
+            if (&folder != &root && folder.state() != FileNode::Mixed)
+                child->setState(folder.state());
+            if (child->childCount() > 0) folders.push_back(child);
+        }
+    }
+    for (FileNode* const node : nodes) node->setState(state);
+    for (std::size_t last = folders.size(); last-- > 1;) {
+        FileNode& folder = *folders[last];
+        const auto children = folder.childrenInAnyOrder();
+        const bool isSame = std::ranges::all_of(
+            children, [&](const FileNode* child) { return child->state() == folder.state(); });
+        if (!isSame) folder.setState(mixedFromChildren(folder));
+    }
+}
+
+TickedTotals totalsOf(std::span<FileNode* const> nodes) {
+    TickedTotals totals;
+    std::vector<FileNode*> mixed;
+    const auto count = [&](std::span<FileNode* const> siblings) {
+        for (FileNode* const node : siblings) {
+            if (node->state() == FileNode::Mixed) mixed.push_back(node);
+            if (node->state() != FileNode::Selected) continue;
+            ++totals.nodes;
+            addSaturating(totals.bytes, node->size());
+        }
+    };
+    count(nodes);
+    while (!mixed.empty()) {
+        FileNode* const folder = mixed.back();
+        mixed.pop_back();
+        count(folder->childrenInAnyOrder());
+    }
+    return totals;
 }
 
 std::int32_t summaryOf(std::span<FileNode* const> nodes) {

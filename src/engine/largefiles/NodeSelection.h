@@ -41,6 +41,25 @@ private:
 /// most mixed.
 void followUpwards(FileNode& node);
 
+/// What a removal would make of the node at this moment: of the folders above it the topmost that
+/// is not mixed decides, whatever the node's own state, which may be of another time.
+[[nodiscard]] FileNode::State standingState(const FileNode& node);
+
+/// One node gets a state by itself, wherever it lies. Those beside its way keep what stood for
+/// them. No folder above comes to be ticked as a whole, since nobody meant the folder.
+void tickOne(FileNode& node, FileNode::State state);
+/// The same for many nodes below a root, in a few passes over the whole tree.
+void tickMany(FileNode& root, std::span<FileNode* const> nodes, FileNode::State state);
+
+struct TickedTotals {
+    std::uint64_t nodes = 0;
+    std::uint64_t bytes = 0;
+    friend bool operator==(const TickedTotals&, const TickedTotals&) = default;
+};
+
+/// Of tickedOf() the count and the sizes.
+[[nodiscard]] TickedTotals totalsOf(std::span<FileNode* const> nodes);
+
 /// 0 nothing of these is ticked, 1 all of it, 2 something.
 [[nodiscard]] std::int32_t summaryOf(std::span<FileNode* const> nodes);
 

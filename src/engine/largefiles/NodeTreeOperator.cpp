@@ -9,6 +9,7 @@
 #include "engine/files/Catalog.h"
 #include "engine/files/TreeLister.h"
 #include "engine/files/TreeSize.h"
+#include "platform/accessTimes.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 
@@ -18,7 +19,7 @@ namespace {
 // Entries of a deep folder that are handed over at once.
 constexpr std::size_t batchEntries = 40;
 
-FoundEntry foundEntry(const FileAttributes& seen, const char* name) {
+FoundEntry foundEntry(const FileAttributes& seen, const char* name, std::int64_t accessed) {
     return {.name = name,
             .isDirectory = seen.type == FileType::Folder,
             .type = seen.type,
@@ -30,7 +31,8 @@ FoundEntry foundEntry(const FileAttributes& seen, const char* name) {
             .inode = seen.inode,
             .born = seen.born,
             .modified = seen.modified,
-            .changed = seen.changed};
+            .changed = seen.changed,
+            .accessed = accessed};
 }
 
 }  // namespace
@@ -66,7 +68,7 @@ void NodeTreeOperator::takeFile(const std::string& path) {
     if (!reference || catalog.FSGetCatalogInfo(*reference, info) != noErr) return;
     FoundChunk chunk;
     chunk.entries.push_back(
-        foundEntry(info.attributes, m_arenas->front().names.copy(splitPath(path).name)));
+        foundEntry(info.attributes, m_arenas->front().names.copy(splitPath(path).name), 0));
     m_counts->found.fetch_add(1);
     m_receiver(std::move(chunk));
 }
@@ -80,6 +82,7 @@ void NodeTreeOperator::take(Worker& worker, WalkedFolder& walked, std::uint32_t 
     chunk.entries.reserve(entries.size());
     for (CatalogEntry& entry : entries) {
         if (stopped()) break;  // one look may take a second on a slow file system
+        askAccessTime(entry);
         m_files.readIdentities(folder.handle.get(), {&entry, 1});
         TreeFolder* const found = addEntry(chunk, arena, entry, first++);
         if (found != nullptr) addFound(worker, folder, found, chunk.entries.back().name);
@@ -97,7 +100,7 @@ TreeFolder* NodeTreeOperator::addEntry(FoundChunk& chunk, Arena& arena, const Ca
     }
     FoundEntry& found = chunk.entries.emplace_back();
     if (entry.error == 0) {
-        found = foundEntry(entry.attributes, arena.copy(entry.name));
+        found = foundEntry(entry.attributes, arena.copy(entry.name), toldAccessTime(entry));
     } else {  // what can not be reached counts as a file of which nothing is known
         found.name = arena.copy(entry.name);
         found.device = chunk.folder->device;
@@ -155,6 +158,7 @@ public:
         TreeFolder* found = nullptr;
         if (level.folder != nullptr) {
             CatalogEntry one{.name = entry.name.data(), .type = entry.type, .attributes = {}};
+            askAccessTime(one);
             m_walk.m_files.readIdentities(entry.folder, {&one, 1});
             found = m_walk.addEntry(level.chunk, m_arena, one, level.position++);
             if (found != nullptr) hang(*found, level);

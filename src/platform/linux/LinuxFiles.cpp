@@ -18,6 +18,7 @@
 #include <cstring>
 #include <string>
 
+#include "platform/accessTimes.h"
 #include "platform/standardStreams.h"
 
 namespace orrinvale {
@@ -86,8 +87,13 @@ int askAttributes(int folder, const char* name, int flags, unsigned wanted, File
     out.onDisk = answer.stx_blocks * 512;
     out.device = ::makedev(answer.stx_dev_major, answer.stx_dev_minor);
     out.inode = answer.stx_ino;
-    std::memcpy(&out.mount, reinterpret_cast<const std::byte*>(&answer) + 144,
-                sizeof out.mount);  // stx_mnt_id
+    if (out.mount == accessTimeAsked) {
+        const bool isTold = (wanted & answer.stx_mask & STATX_ATIME) != 0;
+        out.mount = isTold ? static_cast<std::uint64_t>(nanoseconds(answer.stx_atime)) : 0;
+    } else {
+        std::memcpy(&out.mount, reinterpret_cast<const std::byte*>(&answer) + 144,
+                    sizeof out.mount);  // stx_mnt_id
+    }
     out.modified = nanoseconds(answer.stx_mtime);
     out.changed = nanoseconds(answer.stx_ctime);
     out.born = (wanted & answer.stx_mask & STATX_BTIME) != 0 ? nanoseconds(answer.stx_btime) : 0;
@@ -163,9 +169,11 @@ void LinuxFileSystem::readSizes(int folder, std::span<CatalogEntry> entries) con
 void LinuxFileSystem::readIdentities(int folder, std::span<CatalogEntry> entries) const {
     constexpr unsigned wanted = STATX_TYPE | STATX_NLINK | STATX_SIZE | STATX_BLOCKS | STATX_INO |
                                 STATX_MTIME | STATX_CTIME | STATX_BTIME;
-    for (CatalogEntry& entry : entries)
+    for (CatalogEntry& entry : entries) {
+        const unsigned also = entry.attributes.mount == accessTimeAsked ? STATX_ATIME : 0;
         entry.error =
-            askAttributes(folder, entry.name, AT_SYMLINK_NOFOLLOW, wanted, entry.attributes);
+            askAttributes(folder, entry.name, AT_SYMLINK_NOFOLLOW, wanted | also, entry.attributes);
+    }
 }
 
 SysResult<Descriptor> LinuxFileSystem::holdEntry(int parent, const char* name) const {

@@ -1,5 +1,6 @@
 // LinuxFileSystem: what scans and removals ask of the table of mounts. The table itself is in
 // MountTable.h.
+#include <sys/statvfs.h>
 #include <sys/sysmacros.h>
 
 #include <algorithm>
@@ -7,6 +8,7 @@
 #include <cerrno>
 #include <string_view>
 
+#include "platform/accessTimes.h"
 #include "platform/linux/LinuxFiles.h"
 #include "platform/linux/MountTable.h"
 
@@ -65,6 +67,11 @@ bool LinuxFileSystem::renamesSafely(int folder) const {
         return std::find(unsafe.begin(), unsafe.end(), type) != unsafe.end();
     });
     return !std::binary_search(devices.begin(), devices.end(), seen->device);
+}
+
+bool keepsAccessTimes(const std::string& path) {
+    struct statvfs volume {};
+    return ::statvfs(path.c_str(), &volume) == 0 && (volume.f_flag & (ST_NOATIME | ST_RDONLY)) == 0;
 }
 
 SysResult<std::vector<MountPoint>> LinuxFileSystem::mountPoints() const {

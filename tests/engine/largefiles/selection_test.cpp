@@ -1,5 +1,7 @@
 // The ticks of the large file page: down through what is open, up to what holds it, and what
 // follows from them.
+#include <rapidcheck.h>
+
 #include "engine/files/Arena.h"
 #include "engine/largefiles/NodeSelection.h"
 #include "engine/largefiles/ScannedTree.h"
@@ -166,6 +168,107 @@ TEST(Selection, ChildrenLeaveTogetherAndTheRestStaysInOrder) {
         for (const FileNode* const child : root.children()) sizes.push_back(child->size());
         EXPECT_EQ(sizes, std::vector<std::uint64_t>(left.begin(), left.end()));
     }
+}
+
+// Files by themselves, wherever they lie, beside boxes that are clicked in the tree and rows that
+// open and close: what stood for a file stands for it until it is ticked or cleared itself.
+class TickedByHand : public GrownTree {
+public:
+    TickedByHand()
+        : GrownTree({"f", "a/", "a/f", "a/g", "a/b/", "a/b/f", "a/b/g", "a/b/c/", "a/b/c/f", "a/d/",
+                     "a/d/f", "e/", "e/f", "e/g"}) {
+        for (const char* const path :
+             {"f", "a/f", "a/g", "a/b/f", "a/b/g", "a/b/c/f", "a/d/f", "e/f", "e/g"})
+            files.push_back(&at(path));
+        for (const char* const path : {"a", "a/b", "a/b/c", "a/d", "e"})
+            folders.push_back(&at(path));
+    }
+    static void open(FileNode& folder) {
+        folder.setIsExpand(true);
+        if (folder.state() == FileNode::Mixed) return;
+        TickSpread spread(folder.state());
+        spread.tick(folder);
+        spread.finish();
+    }
+    static void click(FileNode& node) {
+        const auto state =
+            node.state() == FileNode::Selected ? FileNode::NotSelected : FileNode::Selected;
+        node.setState(state);
+        if (node.isExpand()) {
+            TickSpread spread(state);
+            spread.tick(node);
+            spread.finish();
+        }
+        followUpwards(node);
+    }
+    static bool isShown(const FileNode& node) {
+        for (const FileNode* above = node.father(); above != nullptr; above = above->father())
+            if (!above->isExpand()) return false;
+        return true;
+    }
+    std::vector<bool> standing() const {
+        std::vector<bool> ticked;
+        for (const FileNode* const file : files)
+            ticked.push_back(standingState(*file) == FileNode::Selected);
+        return ticked;
+    }
+    // The files that go with what a removal takes.
+    std::vector<bool> leaving() {
+        const auto nodes = tickedOf(tree.root().children());
+        std::vector<bool> ticked;
+        for (const FileNode* node : files) {
+            while (node != nullptr && std::ranges::count(nodes, node) == 0) node = node->father();
+            ticked.push_back(node != nullptr);
+        }
+        return ticked;
+    }
+
+    std::vector<FileNode*> files, folders;
+};
+
+TEST(Selection, AFileThatIsTickedByItselfLeavesAllOthersAsTheyStood) {
+    EXPECT_TRUE(rc::check([] {
+        TickedByHand hand;
+        for (int turn = *rc::gen::inRange(1, 30); turn > 0; --turn) {
+            std::vector<bool> expected = hand.standing();
+            FileNode& folder = *hand.folders[*rc::gen::inRange<std::size_t>(0, 5)];
+            const auto which = *rc::gen::inRange<std::size_t>(0, hand.files.size());
+            FileNode& file = *hand.files[which];
+            const bool isTicking = *rc::gen::arbitrary<bool>();
+            const auto state = isTicking ? FileNode::Selected : FileNode::NotSelected;
+            switch (*rc::gen::inRange(0, 6)) {
+                case 0:
+                    if (hand.isShown(folder)) hand.open(folder);
+                    break;
+                case 1: folder.setIsExpand(false); break;
+                case 2:
+                    if (hand.isShown(folder)) hand.click(folder);
+                    expected = hand.standing();
+                    break;
+                case 3: {
+                    const std::vector<FileNode*> many(hand.files.begin() + std::ptrdiff_t(which),
+                                                      hand.files.end());
+                    tickMany(hand.tree.root(), many, state);
+                    std::fill(expected.begin() + std::ptrdiff_t(which), expected.end(), isTicking);
+                    break;
+                }
+                default:
+                    tickOne(file, state);
+                    expected[which] = isTicking;
+                    for (const FileNode* above = file.father(); above; above = above->father())
+                        RC_ASSERT(above->state() != FileNode::Selected);
+            }
+            RC_ASSERT(hand.standing() == expected);
+            RC_ASSERT(hand.leaving() == expected);
+            for (const FileNode* const each : hand.files)
+                if (hand.isShown(*each)) RC_ASSERT(each->state() == standingState(*each));
+            const auto nodes = tickedOf(hand.tree.root().children());
+            std::uint64_t bytes = 0;
+            for (const FileNode* const node : nodes) bytes += node->size();
+            RC_ASSERT(totalsOf(hand.tree.root().children()) ==
+                      (TickedTotals{.nodes = nodes.size(), .bytes = bytes}));
+        }
+    }));
 }
 
 // Whichever folder was chosen: paths directly below "/" begin with two slashes.
