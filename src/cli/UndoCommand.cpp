@@ -21,19 +21,18 @@ Status listRemovals(const PlanHistory& history, const Arguments& arguments) {
     std::vector<Error> skipped;
     std::string between = "\n    ";
     for (const std::string& id : history.ids()) {
-        const auto noted = history.load(id);
-        if (!noted) {
-            complain(fmt::format("{}: {}", id, noted.error()));
+        const auto sums = history.summaryOf(id);
+        if (!sums) {
+            complain(fmt::format("{}: {}", id, sums.error()));
             skipped.push_back(systemError("read", id, EBADMSG));
             continue;
         }
-        const PlanSums sums = sumsOf(noted->plan);
         json += fmt::format("{}{{\"id\": \"{}\", \"entries\": {}, \"bytes\": {}}}", between, id,
-                            sums.entries(), sums.bytes);
+                            sums->entries, sums->bytes);
         between = ",\n    ";
-        listing += fmt::format("{}  {} {}, {}\n", id, sums.entries(),
-                               sums.entries() == 1 ? "entry" : "entries",
-                               UtilityFunction::convertVolSpace(sums.bytes));
+        listing += fmt::format("{}  {} {}, {}\n", id, sums->entries,
+                               sums->entries == 1 ? "entry" : "entries",
+                               UtilityFunction::convertVolSpace(sums->bytes));
     }
     json += "],\n  \"skipped\": [";
     appendJsonSkipped(json, skipped);

@@ -33,13 +33,12 @@ std::vector<HistoryRow> historyRows(const PlanHistory& history) {
         if (const auto when = PlanHistory::timeOf(id))
             row.when =
                 QDateTime::fromMSecsSinceEpoch(when->nanoseconds / perMillisecond).toLocalTime();
-        const auto noted = history.load(id);
-        if (noted) {
-            const PlanSums sums = sumsOf(noted->plan);
-            row.entries = sums.entries();
-            row.bytes = sums.bytes;
+        const auto sums = history.summaryOf(id);
+        if (sums) {
+            row.entries = sums->entries;
+            row.bytes = sums->bytes;
         } else {
-            row.fault = noted.error();
+            row.fault = sums.error();
         }
         rows.push_back(std::move(row));
     }
@@ -117,13 +116,13 @@ void HistoryDesk::countNext() {
     const auto worker = runAside(
         this, "historyCount",
         [files = m_services.files, history = PlanHistory(m_services.stateFolder), id,
-         stop = m_stopCounting]() -> std::size_t {
+         stop = m_stopCounting]() -> tl::expected<std::size_t, std::string> {
             const auto noted = history.load(id);
-            return noted ? countInTrash(*files, FolderVariables::ofThisProcess(), noted->plan,
-                                        noted->folders, *stop)
-                         : 0;
+            if (!noted) return tl::unexpected(noted.error());
+            return countInTrash(*files, FolderVariables::ofThisProcess(), noted->plan,
+                                noted->folders, *stop);
         },
-        [this, id, stop = m_stopCounting](std::size_t count) {
+        [this, id, stop = m_stopCounting](const tl::expected<std::size_t, std::string>& count) {
             if (m_panel == nullptr || *stop) return;
             m_panel->setInTrash(id, count);
             countNext();

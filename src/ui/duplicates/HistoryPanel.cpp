@@ -147,10 +147,14 @@ void HistoryPanel::setRows(std::vector<HistoryRow> rows) {
     showButtons();
 }
 
-void HistoryPanel::setInTrash(const std::string& id, std::size_t count) {
-    for (int row = 0; row < m_model->rowCount(); ++row)
-        if (HistoryRow* const each = m_model->row(m_model->index(row, 0)); each->id == id)
-            each->inTrash = count;
+void HistoryPanel::setInTrash(const std::string& id,
+                              const tl::expected<std::size_t, std::string>& count) {
+    for (int row = 0; row < m_model->rowCount(); ++row) {
+        HistoryRow* const each = m_model->row(m_model->index(row, 0));
+        if (each->id != id) continue;
+        if (count) each->inTrash = *count;
+        else each->fault = count.error();
+    }
     m_model->refresh();
     showButtons();
 }

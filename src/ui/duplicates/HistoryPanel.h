@@ -4,9 +4,11 @@
 
 #include <QDateTime>
 #include <QWidget>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <tl/expected.hpp>
 #include <vector>
 
 class QLabel;
@@ -35,7 +37,8 @@ public:
 
     /// The newest first. The row that was current stays so.
     void setRows(std::vector<HistoryRow> rows);
-    void setInTrash(const std::string& id, std::size_t count);
+    /// How much of a removal is in the trash still, or why nobody can say it.
+    void setInTrash(const std::string& id, const tl::expected<std::size_t, std::string>& count);
     /// The id of the row that would come back; empty where none is chosen or nothing is left of it.
     [[nodiscard]] std::string chosen() const;
 

@@ -36,8 +36,8 @@ public:
         QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Fixed);
         policy.setHeightForWidth(false);
         setSizePolicy(policy);
-        setContentsMargins(0, Theme::gapTiny, 0, Theme::gapSmall);
-        setFixedHeight(fontMetrics().height() + Theme::gapTiny + Theme::gapSmall);
+        setContentsMargins(0, Theme::gapTiny, 0, Theme::gap);
+        setFixedHeight(fontMetrics().height() + Theme::gapTiny + Theme::gap);
     }
 
     void setWords(const QString& words) {
@@ -59,7 +59,7 @@ private:
         const QRect words =
             fontMetrics().boundingRect(QRect(0, 0, contentsRect().width(), noLimit),
                                        Qt::AlignLeading | Qt::AlignTop | Qt::TextWordWrap, text());
-        const int height = words.height() + Theme::gapTiny + Theme::gapSmall;
+        const int height = words.height() + Theme::gapTiny + Theme::gap;
         if (height != minimumHeight()) setFixedHeight(height);
     }
 };
@@ -110,7 +110,7 @@ void PreferenceGroup::add(const QString& label, QWidget* control, const QString&
     if (beside != nullptr) controls->addWidget(beside);
     controls->addStretch(1);
     m_grid->addLayout(controls, line, 1);
-    m_grid->setRowMinimumHeight(line, Theme::controlHeight + Theme::gapTiny);
+    m_grid->setRowMinimumHeight(line, Theme::controlHeight + Theme::gapSmall);
     words->setWords(caption);
     // Shown before it has a place it would be a window for a moment.
     if (caption.isEmpty()) words->hide();

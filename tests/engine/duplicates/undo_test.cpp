@@ -474,6 +474,18 @@ TEST(PlanHistory, GarbageCostsOneRemovalAlone) {
     EXPECT_EQ(seenAt(path).mode & 07777U, 0600U);
     std::ofstream(path, std::ios::app) << "garbage";
     EXPECT_FALSE(history.load(*first));
+    // A list is told from the first line alone: of a note from before it had sums from its plan.
+    const auto summary = history.summaryOf(*first);
+    ASSERT_TRUE(summary) << summary.error();
+    EXPECT_EQ(summary->entries, sumsOf(trashed.plan).entries());
+    EXPECT_EQ(summary->bytes, sumsOf(trashed.plan).bytes);
+    EXPECT_NE(summary->bytes, 0U);
+    const std::string sound = contentOf(trashed.tree.at("state/removed/" + *second + ".json"));
+    const std::size_t sums = sound.find(" \"entries\"");
+    std::ofstream(path) << sound.substr(0, sums) + sound.substr(sound.find(" \"folders\"", sums));
+    EXPECT_TRUE(history.summaryOf(*first) && history.summaryOf(*first)->bytes == summary->bytes);
+    std::ofstream(path, std::ios::app) << "garbage";
+    EXPECT_FALSE(history.summaryOf(*first));
     const auto loaded = history.load(*second);
     ASSERT_TRUE(loaded) << loaded.error();
     ASSERT_EQ(loaded->folders.size(), 1U);

@@ -1,4 +1,4 @@
-// A file has a line with the folders, and then the plan as PlanFile writes it.
+// A file has a line with the sums and the folders, and then the plan as PlanFile writes it.
 #include "engine/duplicates/plan/PlanHistory.h"
 
 #include <dirent.h>
@@ -27,6 +27,7 @@ namespace {
 constexpr std::string_view historyExtension = ".json";
 constexpr std::int64_t historyDays = 30;
 constexpr std::size_t mostNoteBytes = 2 * mostPlanBytes;  // the folders stand beside the plan
+constexpr const char* damagedNote = "its record is damaged";
 constexpr const char* tooLargeToNote = "it is too large to be noted; move fewer at once";
 
 std::string newHistoryId() {
@@ -43,8 +44,15 @@ bool isHistoryId(std::string_view id) {
            std::ranges::all_of(id, [](char c) { return (c >= '0' && c <= '9') || c == '-'; });
 }
 
-std::string lineOfFolders(const std::vector<UndoFolder>& folders) {
-    std::string line = "{\"orrinvaleRemoval\": 1, \"folders\": [";
+struct NoteHead {
+    std::optional<RemovalSummary> sums;  ///< of a note from before these were written: none
+    std::vector<UndoFolder> folders;
+};
+
+std::string headLine(const PlanSums& sums, const std::vector<UndoFolder>& folders) {
+    std::string line =
+        fmt::format("{{\"orrinvaleRemoval\": 1, \"entries\": {}, \"bytes\": {}, \"folders\": [",
+                    sums.entries(), sums.bytes);
     for (const UndoFolder& each : folders) {
         line += &each == folders.data() ? "{" : ", {";
         appendJsonPath(line, each.path);
@@ -70,16 +78,26 @@ bool takeUndoFolder(JsonReader& reader, UndoFolder& folder) {
     return !reader.hasFailed();
 }
 
-std::optional<std::vector<UndoFolder>> foldersIn(std::string_view line) {
+// The line that a note begins with.
+std::string_view headOf(std::string_view note) { return note.substr(0, note.find('\n')); }
+
+std::optional<NoteHead> parseHead(std::string_view line) {
     JsonReader reader(line);
-    std::vector<UndoFolder> folders;
-    if (!reader.beginObject() || reader.nextMember() != "orrinvaleRemoval" || reader.count() != 1 ||
-        reader.nextMember() != "folders" || !reader.beginArray())
+    NoteHead head;
+    if (!reader.beginObject() || reader.nextMember() != "orrinvaleRemoval" || reader.count() != 1)
         return std::nullopt;
+    auto name = reader.nextMember();
+    if (name == "entries") {
+        head.sums.emplace().entries = reader.count().value_or(0);
+        if (reader.nextMember() != "bytes") return std::nullopt;
+        head.sums->bytes = reader.count().value_or(0);
+        name = reader.nextMember();
+    }
+    if (name != "folders" || !reader.beginArray()) return std::nullopt;
     while (reader.nextElement())
-        if (!takeUndoFolder(reader, folders.emplace_back())) return std::nullopt;
+        if (!takeUndoFolder(reader, head.folders.emplace_back())) return std::nullopt;
     if (reader.hasFailed() || reader.nextMember() || !reader.isAtEnd()) return std::nullopt;
-    return folders;
+    return head;
 }
 
 }  // namespace
@@ -96,7 +114,7 @@ tl::expected<std::string, std::string> PlanHistory::note(const FileSystem& files
         return tl::unexpected(made.error().reason());
     forgetOld();
     const std::string id = newHistoryId();
-    const std::string text = lineOfFolders(foldersOf(files, plan)) + writePlan(plan);
+    const std::string text = headLine(sumsOf(plan), foldersOf(files, plan)) + writePlan(plan);
     if (text.size() > mostNoteBytes) return tl::unexpected(std::string(tooLargeToNote));
     const auto saved = DurableFile::save(fileOf(id), text);
     if (!saved) return tl::unexpected(saved.error().reason());
@@ -136,20 +154,37 @@ std::optional<Date> PlanHistory::timeOf(std::string_view id) {
                                  part(8, 2), part(10, 2), part(12, 2)));
 }
 
-tl::expected<NotedRemoval, std::string> PlanHistory::load(const std::string& id) const {
+tl::expected<std::string, std::string> PlanHistory::textOf(const std::string& id) const {
     if (!isHistoryId(id)) return tl::unexpected(std::string("there is no such removal"));
-    const auto text = DurableFile::read(fileOf(id), mostNoteBytes);
-    if (!text)
-        return tl::unexpected(text.error().kind == ErrorKind::NotFound
-                                  ? std::string("there is no such removal")
-                                  : text.error().reason());
+    auto text = DurableFile::read(fileOf(id), mostNoteBytes);
+    if (text) return std::move(*text);
+    return tl::unexpected(text.error().kind == ErrorKind::NotFound
+                              ? std::string("there is no such removal")
+                              : text.error().reason());
+}
+
+tl::expected<NotedRemoval, std::string> PlanHistory::load(const std::string& id) const {
+    const auto text = textOf(id);
+    if (!text) return tl::unexpected(text.error());
     const std::string_view all = *text;
-    const std::size_t end = std::min(all.find('\n'), all.size());
-    auto folders = foldersIn(all.substr(0, end));
-    if (!folders) return tl::unexpected(std::string("its record is damaged"));
-    auto plan = parsePlan(all.substr(std::min(end + 1, all.size())), PlanUse::Undo);
+    const std::string_view line = headOf(all);
+    auto head = parseHead(line);
+    if (!head) return tl::unexpected(std::string(damagedNote));
+    auto plan = parsePlan(all.substr(std::min(line.size() + 1, all.size())), PlanUse::Undo);
     if (!plan) return tl::unexpected("its record is no good: " + plan.error());
-    return NotedRemoval{id, std::move(*plan), std::move(*folders)};
+    return NotedRemoval{id, std::move(*plan), std::move(head->folders)};
+}
+
+tl::expected<RemovalSummary, std::string> PlanHistory::summaryOf(const std::string& id) const {
+    const auto text = textOf(id);
+    if (!text) return tl::unexpected(text.error());
+    const auto head = parseHead(headOf(*text));
+    if (!head) return tl::unexpected(std::string(damagedNote));
+    if (head->sums) return *head->sums;
+    const auto noted = load(id);
+    if (!noted) return tl::unexpected(noted.error());
+    const PlanSums sums = sumsOf(noted->plan);
+    return RemovalSummary{sums.entries(), sums.bytes};
 }
 
 void PlanHistory::forget(const std::string& id) const {

@@ -1,6 +1,7 @@
 // PlanHistory: which plans were moved to the trash in the last 30 days, so that each can be undone.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -20,6 +21,12 @@ struct NotedRemoval {
     std::string id;  ///< its file's name without the extension; sorts by time
     DuplicatePlan plan;
     std::vector<UndoFolder> folders;
+};
+
+/// What lists tell of one.
+struct RemovalSummary {
+    std::size_t entries = 0;
+    std::uint64_t bytes = 0;
 };
 
 /// A file (0600) for each removal in a folder of this user, written before anything moves, so that
@@ -44,6 +51,10 @@ public:
     /// Why not, in words: there is none, or its file is damaged, which concerns no other.
     [[nodiscard]] tl::expected<NotedRemoval, std::string> load(const std::string& id) const;
 
+    /// Its sums without the plan behind them, which may be damaged all the same: a list of removals
+    /// is there at once, however large they were. Why not, in words, as load().
+    [[nodiscard]] tl::expected<RemovalSummary, std::string> summaryOf(const std::string& id) const;
+
     /// Forgets one of which nothing moved.
     void forget(const std::string& id) const;
 
@@ -58,6 +69,7 @@ public:
 private:
     [[nodiscard]] std::vector<std::string> allIds() const;
     [[nodiscard]] std::string fileOf(const std::string& id) const;
+    [[nodiscard]] tl::expected<std::string, std::string> textOf(const std::string& id) const;
     [[nodiscard]] bool isOld(const std::string& id) const;
     void forgetOld() const;
 
