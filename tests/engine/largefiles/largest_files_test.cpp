@@ -25,8 +25,8 @@ constexpr std::int64_t wholeSecond = 1'000'000'000;
 using Order = FileWish::Order;
 
 // A tree of folders with files of few names, sizes and times, so that most are equal in something.
-struct RandomTree {
-    RandomTree() {
+struct FilesAtRandom {
+    FilesAtRandom() {
         std::vector<FileNode*> folders{&tree.root()};
         for (const auto& [where, name, size, time] :
              *rc::gen::container<std::vector<std::tuple<std::size_t, int, int, int>>>(
@@ -127,7 +127,7 @@ std::vector<FileNode*> plainList(FileNode& folder, const FileWish& wish) {
 
 TEST(LargestFiles, AreThoseOfAPlainList) {
     EXPECT_TRUE(rc::check([] {
-        RandomTree random;
+        FilesAtRandom random;
         FileWish wish;
         if (*rc::gen::arbitrary<bool>()) wish.kinds = {FileKind::Videos, FileKind::Others};
         wish.writtenBy = *rc::gen::element(0U, 0U, 1U, 200U, 400U);
