@@ -9,6 +9,41 @@
     </message>
 </context>
 <context>
+    <name>ChangesColumn</name>
+    <message>
+        <source>%1, now %2</source>
+        <translation>%1, jetzt %2</translation>
+    </message>
+    <message>
+        <source>Not all of it could be read each time</source>
+        <translation>Nicht alles davon konnte jedes Mal gelesen werden</translation>
+    </message>
+    <message>
+        <source>new</source>
+        <translation>neu</translation>
+    </message>
+    <message>
+        <source>gone</source>
+        <translation>weg</translation>
+    </message>
+    <message>
+        <source>mostly %1</source>
+        <translation>vor allem %1</translation>
+    </message>
+    <message>
+        <source>Files under %1</source>
+        <translation>Dateien unter %1</translation>
+    </message>
+    <message>
+        <source>1 smaller change</source>
+        <translation>1 kleinere Änderung</translation>
+    </message>
+    <message>
+        <source>%Ln smaller changes</source>
+        <translation>%Ln kleinere Änderungen</translation>
+    </message>
+</context>
+<context>
     <name>CleanMemoryViews</name>
     <message>
         <source>What the memory is used for, as a pie; the figures follow</source>
@@ -519,6 +554,18 @@
     <message>
         <source>Remove selected file</source>
         <translation>Ausgewählte Dateien entfernen</translation>
+    </message>
+    <message>
+        <source>Changes</source>
+        <translation>Änderungen</translation>
+    </message>
+    <message>
+        <source>Compare</source>
+        <translation>Vergleichen</translation>
+    </message>
+    <message>
+        <source>What changed, the biggest change first</source>
+        <translation>Was sich geändert hat, die größte Änderung zuerst</translation>
     </message>
 </context>
 <context>
@@ -1085,6 +1132,14 @@
     <message>
         <source>The next search reads only what has changed. Checksums are kept, no names and no contents.</source>
         <translation>Die nächste Suche liest nur, was sich geändert hat. Aufgehoben werden Prüfsummen, weder Namen noch Inhalte.</translation>
+    </message>
+    <message>
+        <source>Remember scans</source>
+        <translation>Suchläufe merken</translation>
+    </message>
+    <message>
+        <source>Names and sizes of folders are kept, for you alone, to tell what grew since.</source>
+        <translation>Namen und Größen der Ordner werden aufbewahrt, nur für Sie, um zu sagen, was seither gewachsen ist.</translation>
     </message>
 </context>
 <context>
@@ -3029,6 +3084,62 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Nothing of what is ticked can be removed.</source>
         <translation>Nichts von dem, was angehakt ist, kann entfernt werden.</translation>
+    </message>
+    <message>
+        <source>Since %1</source>
+        <translation>Seit %1</translation>
+    </message>
+    <message>
+        <source>Compare</source>
+        <translation>Vergleichen</translation>
+    </message>
+    <message>
+        <source>Show what changed since an earlier scan</source>
+        <translation>Zeigen, was sich seit einem früheren Suchlauf geändert hat</translation>
+    </message>
+    <message>
+        <source>No earlier scan of this place is kept</source>
+        <translation>Von diesem Ort ist kein früherer Suchlauf aufbewahrt</translation>
+    </message>
+    <message>
+        <source>Without Comparison</source>
+        <translation>Ohne Vergleich</translation>
+    </message>
+    <message>
+        <source>Forget the Scans of This Place</source>
+        <translation>Suchläufe dieses Orts vergessen</translation>
+    </message>
+    <message>
+        <source>This scan can not be read.</source>
+        <translation>Dieser Suchlauf kann nicht gelesen werden.</translation>
+    </message>
+    <message>
+        <source>Forget the scans of this place?</source>
+        <translation>Die Suchläufe dieses Orts vergessen?</translation>
+    </message>
+    <message>
+        <source>What it took up on earlier days can not be told any more. The files themselves stay as they are.</source>
+        <translation>Was er an früheren Tagen belegt hat, lässt sich dann nicht mehr sagen. Die Dateien selbst bleiben, wie sie sind.</translation>
+    </message>
+    <message>
+        <source>Forget</source>
+        <translation>Vergessen</translation>
+    </message>
+    <message>
+        <source>Show in Columns</source>
+        <translation>In Spalten zeigen</translation>
+    </message>
+    <message>
+        <source>As much as then in %1</source>
+        <translation>So viel wie damals in %1</translation>
+    </message>
+    <message>
+        <source>%1 more in %2</source>
+        <translation>%1 mehr in %2</translation>
+    </message>
+    <message>
+        <source>%1 less in %2</source>
+        <translation>%1 weniger in %2</translation>
     </message>
 </context>
 <context>

@@ -6,11 +6,13 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QLabel>
+#include <QMenu>
 #include <cerrno>
 #include <cstdio>
 #include <utility>
 
 #include "engine/cleaning/QnAuthorization.h"
+#include "engine/diskusage/history/ScanHistory.h"
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/UserDefaults.h"
 #include "gallery/SampleFolder.h"
@@ -47,8 +49,11 @@ DiskUsageScenes::DiskUsageScenes(const SampleFolder& sample, UserDefaults& defau
     QnAuthorization::shareQnAuthorization().setParts(
         {.authorization = nullptr, .files = &m_files, .permissions = nullptr, .ownFiles = {}});
     m_files.refuse(SampleFolder::unreadableFolder, EACCES);
+    PageServices services = m_workings.parts(m_files, defaults);
+    services.stateFolder = m_state.path().toStdString();
+    keepEarlierScan();
     m_controller->registerPage(diskUsagePage(
-        m_workings.parts(m_files, defaults),
+        std::move(services),
         {.watch = &m_watch, .home = "/home/anna", .userName = QStringLiteral("anna"), .open = {}}));
     m_controller->showWindow();
     constexpr QSize usual{1000, 640};
@@ -133,6 +138,62 @@ bool DiskUsageScenes::drawResult() {
         waitFor("the map", [&] { return map->isDrawn() && map->shownPicture() != nullptr; }) &&
         save("map");
     click("columnsBtn");
+    return isSaved && drawChanges();
+}
+
+// As if there had been less in Videos and Downloads, and more in Backup.
+void DiskUsageScenes::keepEarlierScan() const {
+    DiskUsageScan scan({.files = &m_realFiles, .mainQueue = nullptr, .news = {}});
+    scan.start(std::make_shared<FSNodeTree>(m_sample.family()), {.records = true});
+    scan.waitForEnd();
+    const auto record = scan.record();
+    if (record == nullptr) return;
+    const auto at = [](RecordedEntry*& first, std::string_view name) -> RecordedEntry*& {
+        RecordedEntry** place = &first;
+        while (*place != nullptr && name != (*place)->name) place = &(*place)->next;
+        return *place;
+    };
+    RecordedEntry image{.name = "disk image.iso", .size = 734'003'200};
+    const auto add = [&](const char* folder, std::uint64_t bytes) {
+        RecordedEntry& entry = *at(record->first, folder);
+        entry.size += bytes;
+        record->facts.size += bytes;
+        return &entry;
+    };
+    constexpr std::uint64_t video = 1'480'220'416, photos = 188'402'113;
+    add("Videos", 0 - video)->first = nullptr;
+    RecordedEntry*& archive = at(add("Downloads", 0 - photos)->first, "holiday-photos.zip");
+    archive = archive->next;
+    RecordedEntry& backup = *add("Backup", image.size);
+    image.next = std::exchange(backup.first, &image);
+    constexpr std::int64_t lastDayOf2025 = 1'767'175'200;
+    record->facts.time = lastDayOf2025;
+    for (const bool allFileSystems : {false, true}) {
+        record->facts.allFileSystems = allFileSystems;
+        if (const auto stored = parseScan(encodeScan(*record)))
+            static_cast<void>(ScanHistory(m_state.path().toStdString()).keep(*stored));
+    }
+}
+
+bool DiskUsageScenes::drawChanges() {
+    const auto* const compare =
+        m_page->view()->findChild<QAbstractButton*>(QStringLiteral("compareBtn"));
+    if (!waitFor("the kept scan", [&] { return compare->isEnabled(); })) return false;
+    click("compareBtn");
+    auto* const menu = m_page->view()->findChild<QMenu*>(QStringLiteral("compareMenu"));
+    menu->actions().front()->trigger();
+    menu->close();
+    auto* const changes = m_page->view()->findChild<ColumnBrowser*>(QStringLiteral("changes"));
+    if (!waitFor("the changes", [&] { return changes->isVisible(); })) return false;
+    changes->choose(0, 0);
+    bool isSaved = save("changes");
+    click("columnsBtn");
+    choose(0, "Backup");
+    isSaved = isSaved && save("marked");
+    click("compareBtn");
+    for (QMenu* const each : m_page->view()->findChildren<QMenu*>(QStringLiteral("compareMenu")))
+        if (each->isVisible()) each->actions().at(2)->trigger(), each->close();
+    m_browser->closeBehind(0);
     return isSaved;
 }
 

@@ -3,6 +3,7 @@
 
 #include <QSet>
 #include <QString>
+#include <QTemporaryDir>
 #include <memory>
 
 #include "gallery/PageWorkings.h"
@@ -45,6 +46,8 @@ private:
     [[nodiscard]] bool drawScan();
     [[nodiscard]] bool drawResult();
     [[nodiscard]] bool drawRemoval();
+    [[nodiscard]] bool drawChanges();
+    void keepEarlierScan() const;
 
     const SampleFolder& m_sample;
     const PictureFolder& m_pictures;
@@ -54,6 +57,7 @@ private:
     const LinuxMemory m_memory;
     FakeVolumes m_volumes;
     PageWorkings m_workings;
+    const QTemporaryDir m_state;
     SystemWatch m_watch;
     std::unique_ptr<AppPrefsWindowController> m_controller;
     DiskUsageAppController* m_page = nullptr;

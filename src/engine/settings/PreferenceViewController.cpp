@@ -23,7 +23,8 @@ const SettingValues& registered() {
         {ZvDuplicatesUnit, Int{2}},       {ZvHidenDuplication, false}, {ZvSystemDuplication, false},
         {ZvShowStatusItem, false},        {ZvDiskUsageLimit, Int{1}},  {ZvDiskUsageUnit, Int{2}},
         {compareBeforeRemovingKey, true}, {rememberContentsKey, true}, {trashFirstKey, false},
-        {spaceWarningsKey, true},         {oneFileSystemKey, true},    {logKey, false}};
+        {spaceWarningsKey, true},         {oneFileSystemKey, true},    {rememberScansKey, true},
+        {logKey, false}};
     return *values;
 }
 

@@ -41,6 +41,7 @@ constexpr std::array table{
     SettingRule{ZvDiskUsageLimit, Form::Number, 0, mostTyped},
     SettingRule{ZvDiskUsageUnit, Form::Number, 0, lastUnit},
     SettingRule{oneFileSystemKey, Form::Switch},
+    SettingRule{rememberScansKey, Form::Switch},
     SettingRule{SUEnableAutomaticChecks, Form::Switch},
     SettingRule{SUScheduledCheckInterval, Form::Number, 0, 0, {"86400", "604800", "2592000"}},
     SettingRule{ZvLoginCheckKey, Form::Number, 0, 1},

@@ -72,6 +72,8 @@ inline constexpr const char* keepRunningKey = "keepRunning";
 
 /// Boolean: the disk usage page stays on the file system that its scan starts on.
 inline constexpr const char* oneFileSystemKey = "oneFileSystem";
+/// Boolean: finished scans of the disk usage page are kept, to be compared with.
+inline constexpr const char* rememberScansKey = "rememberScans";
 inline constexpr const char* logKey =
     "log";  ///< boolean: a line in the log for each step of a search
 /// Text: a log file "auto"matically where nothing else keeps the lines, "always" or "never".

@@ -65,6 +65,7 @@ DiskUsageAppController::DiskUsageAppController(PageServices services, DiskUsageP
     connectKeys();
     connectBrowser();
     connectMap();
+    connectChanges();
     initNotification();
     getLocalDiskInfo();
     enter(State::Start);
@@ -77,6 +78,8 @@ DiskUsageAppController::~DiskUsageAppController() {
     m_views->map->disconnect(this);
     m_views->map->setFolder(nullptr, nullptr);
     m_views->browser->setRoot(nullptr);
+    m_views->changes->disconnect(this);
+    m_views->changes->setRoot(nullptr);
     m_views->dragView->setDelegate(nullptr);
     if (m_views->resultView != nullptr) m_views->resultDragView->setDelegate(nullptr);
 }
@@ -91,8 +94,9 @@ void DiskUsageAppController::connectControls() {
           static_cast<QAbstractButton*>(views.animationHoverImageView),
           static_cast<QAbstractButton*>(views.otherFolderBtn)})
         connect(each, &QAbstractButton::clicked, this, &Self::clickIconAction);
-    connect(views.columnsBtn, &QAbstractButton::clicked, this, [this] { showMap(false); });
-    connect(views.mapBtn, &QAbstractButton::clicked, this, [this] { showMap(true); });
+    connect(views.columnsBtn, &QAbstractButton::clicked, this,
+            [this] { showAs(ShownAs::Columns); });
+    connect(views.mapBtn, &QAbstractButton::clicked, this, [this] { showAs(ShownAs::Map); });
     connect(views.scanBtn, &QAbstractButton::clicked, this, &Self::getLocalPath);
     connect(views.stopBtn, &QAbstractButton::clicked, this, &Self::stopBtnClick);
     connect(views.removeBtn, &QAbstractButton::clicked, this, &Self::removeBtnClick);
@@ -175,6 +179,8 @@ StateTable DiskUsageAppController::stateTable() const {
         {views.backButton, {On, On, Off, Off, Off}},
         {views.columnsBtn, {On, On, Off, Off, Off}},
         {views.mapBtn, {On, On, Off, Off, Off}},
+        {views.changesBtn, {Hidden, Shown, Hidden, Off, Off}},
+        {views.compareBtn, {Hidden, Shown, Hidden, Off, Off}},
         {views.scanBtn, {Hidden, On, Hidden, Off, Off}},
         {views.openFinderBtn, {Hidden, Shown, Hidden, Off, Off}},
         {views.revealFinderBtn, {Hidden, Shown, Hidden, Off, Off}},
@@ -195,10 +201,11 @@ void DiskUsageAppController::enter(State state) {
     // One of both is on the screen, which the table does not know.
     m_views->browser->setEnabled(state <= State::Scanning);
     m_views->map->setEnabled(state == State::Result);
+    m_views->changes->setEnabled(state == State::Result);
     showMapFolder();
     m_views->lockButton->restWhileAsking();
     refRemoveButtonState();
-    showTitle();
+    refreshComparing();
     if (m_hasNewVolumes && isFree()) getLocalDiskInfo();
     // What had it may be greyed by now.
     if (state == State::Result && hadKeyboard) m_views->shown->currentWidget()->setFocus();
@@ -215,10 +222,11 @@ void DiskUsageAppController::showFitting() {
                                      : scanned->skipped.empty()
                                          ? tr("This folder is empty.")
                                          : tr("This folder could not be read."));
-    const bool isMap = m_isMap && m_state != State::Scanning;
-    m_views->shown->setCurrentWidget(isEmpty ? m_views->emptyView
-                                     : isMap ? m_views->mapView
-                                             : static_cast<QWidget*>(m_views->browser));
+    const bool isMap = m_shownAs == ShownAs::Map && m_state != State::Scanning;
+    m_views->shown->setCurrentWidget(isEmpty          ? m_views->emptyView
+                                     : isMap          ? m_views->mapView
+                                     : showsChanges() ? static_cast<QWidget*>(m_views->changes)
+                                                      : static_cast<QWidget*>(m_views->browser));
 }
 
 void DiskUsageAppController::showTitle() {
@@ -228,6 +236,7 @@ void DiskUsageAppController::showTitle() {
     const QString path = onOneLine(QString::fromStdString(scanned->shown->tree->rootPath()));
     if (m_state == State::Scanning && !m_isRescan)
         m_views->titleLabel->setText(tr("Reading %1").arg(path));
+    else if (showsChanges()) m_views->titleLabel->setText(changesTitle(path));
     else if (scanned->shown->limit == 0)
         m_views->titleLabel->setText(tr("%1 in %2").arg(sizeWords(root, false), path));
     else

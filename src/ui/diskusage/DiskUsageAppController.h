@@ -1,7 +1,7 @@
 // DiskUsageAppController: the page that shows what fills a disk. DiskUsagePlaces.cpp has its
 // places, DiskUsageScanning.cpp its scans, DiskUsageColumns.cpp columns and ticks,
-// DiskUsageMapping.cpp the map, DiskUsageRemoving.cpp the removal. The decisions stand in
-// engine/diskusage.
+// DiskUsageMapping.cpp the map, DiskUsageComparing.cpp what changed, DiskUsageRemoving.cpp the
+// removal. The decisions stand in engine/diskusage.
 #pragma once
 
 #include <QObject>
@@ -18,6 +18,7 @@
 #include "engine/base/NotificationCenter.h"
 #include "engine/diskusage/DiskUsageScan.h"
 #include "engine/diskusage/TickedCount.h"
+#include "engine/diskusage/history/ScanHistory.h"
 #include "engine/removal/RemovalJob.h"
 #include "services/volumes/SystemWatch.h"
 #include "ui/diskusage/DiskUsageLeftCell.h"
@@ -102,6 +103,7 @@ private:
     enum class State : std::uint8_t { Start, Result, Scanning, Counting, Removing };
     void enter(State state);
     [[nodiscard]] StateTable stateTable() const;
+    enum class ShownAs : std::uint8_t { Columns, Map, Changes };
     [[nodiscard]] bool isFree() const { return !isBusy(); }
     void connectControls();
     void connectKeys();
@@ -131,7 +133,9 @@ private:
         std::shared_ptr<ShownScan> shown;
         std::vector<Error> skipped;
         bool wasStopped = false;
-        bool hasEmptied = false;  ///< a removal took the last of it
+        bool hasEmptied = false;                        ///< a removal took the last of it
+        std::shared_ptr<const StoredScan> stored = {};  ///< null: it can not be compared
+        std::vector<KeptScan> kept = {};                ///< before it
     };
     void browserFiles(const std::string& path);
     void scanNews(const UsageNews& news);
@@ -154,7 +158,7 @@ private:
     void flyFileAnimation(const FSNode* node);
     void allThreadFinishCallBack();
     void showRowMenu(FSNode* node, QPoint position);
-    void showMap(bool isMap);
+    void showAs(ShownAs look);
     void showMapFolder();
     void mapHovered(const TreemapEntry* entry);
     void showMapLine(const FSNode* node);
@@ -162,6 +166,24 @@ private:
     void goUp();
     void connectMap();
     [[nodiscard]] QIcon iconOf(const FSNode& node) const;
+
+    // Comparison.
+    void connectChanges();
+    void rememberScan();
+    [[nodiscard]] Scanned* scannedOf(const std::weak_ptr<ShownScan>& shown);
+    void refreshComparing();
+    void showCompareMenu();
+    void compareWith(std::int64_t time);
+    [[nodiscard]] static std::unique_ptr<ColumnModel> changesColumn(const ShownScan& shown);
+    void showChanges();
+    void endComparison();
+    [[nodiscard]] bool showsChanges() const;
+    [[nodiscard]] QString changesTitle(const QString& path) const;
+    void askToForget();
+    void willDisplayChange(FileSystemBrowserCell& cell, const QModelIndex& row);
+    [[nodiscard]] QString markOf(const FSNode& node) const;
+    void goToChange(std::uint32_t number);
+    void showChangeMenu(std::uint32_t number, QPoint position);
 
     // Removal.
     void countTickedNow();
@@ -206,7 +228,7 @@ private:
     bool m_diskUsageScaned = false;
     std::uint64_t m_allNodeSize = 0;
 
-    bool m_isMap = false;  // shown in place of the columns
+    ShownAs m_shownAs = ShownAs::Columns;
     PathAnimation m_flight;
     std::shared_ptr<UsageCounts> m_counting;  // null while nothing is counted
     std::vector<FSNode*> m_delNodesArr;       // what is ticked, and then what goes

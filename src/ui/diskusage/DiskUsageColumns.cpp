@@ -45,6 +45,7 @@ void DiskUsageAppController::willDisplayCell(FileSystemBrowserCell& cell, const 
     cell.titleStr = row.data().toString();
     cell.isEnabled = m_state == State::Result;
     cell.share.reset();
+    cell.noteStr.clear();
     if (node == nullptr) {
         const auto& column = static_cast<const FSNodeColumn&>(*row.model());
         cell.image = {};
@@ -60,6 +61,7 @@ void DiskUsageAppController::willDisplayCell(FileSystemBrowserCell& cell, const 
     cell.sizeStr = sizeWords(*node, isRunning);
     cell.labelColor = Theme::Color::Text;
     cell.sizeColor = getColorWithNode(node->size());
+    cell.noteStr = markOf(*node);
     const std::uint64_t whole = node->father() != nullptr ? node->father()->size() : 0;
     // While the first level is counted nobody knows what its whole will be.
     if (whole != 0 && !isRunning) cell.share = double(node->size()) / double(whole);

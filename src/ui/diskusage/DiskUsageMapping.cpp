@@ -27,10 +27,14 @@ void DiskUsageAppController::connectMap() {
     connect(m_views->mapUpBtn, &QAbstractButton::clicked, this, &DiskUsageAppController::goUp);
 }
 
-void DiskUsageAppController::showMap(bool isMap) {
-    m_isMap = isMap;
-    (isMap ? m_views->mapBtn : m_views->columnsBtn)->setChecked(true);
+void DiskUsageAppController::showAs(ShownAs look) {
+    m_shownAs = look;
+    (look == ShownAs::Map       ? m_views->mapBtn
+     : look == ShownAs::Changes ? m_views->changesBtn
+                                : m_views->columnsBtn)
+        ->setChecked(true);
     showFitting();
+    showTitle();
     showMapFolder();
     m_views->shown->currentWidget()->setFocus();
 }
@@ -38,7 +42,7 @@ void DiskUsageAppController::showMap(bool isMap) {
 void DiskUsageAppController::showMapFolder() {
     const Scanned* const scanned = current();
     ColumnBrowser& browser = *m_views->browser;
-    if (!m_isMap || scanned == nullptr || browser.lastColumn() < 0) {
+    if (m_shownAs != ShownAs::Map || scanned == nullptr || browser.lastColumn() < 0) {
         m_views->map->setFolder(nullptr, nullptr);
         return;
     }
@@ -63,9 +67,12 @@ void DiskUsageAppController::mapHovered(const TreemapEntry* entry) {
 void DiskUsageAppController::showMapLine(const FSNode* node) {
     const FSNode* const shown = node != nullptr ? node : m_views->map->folder();
     if (shown == nullptr) return;
+    const QString mark = markOf(*shown);
     m_views->mapLine->setText(
         QStringLiteral("%1  ·  %2")
-            .arg(sizeWords(*shown, false), onOneLine(QString::fromStdString(shown->path()))));
+            .arg(mark.isEmpty() ? sizeWords(*shown, false)
+                                : QStringLiteral("%1 (%2)").arg(sizeWords(*shown, false), mark),
+                 onOneLine(QString::fromStdString(shown->path()))));
 }
 
 // From the root on, each in the list of its father.

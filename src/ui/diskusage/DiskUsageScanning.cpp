@@ -68,6 +68,7 @@ void DiskUsageAppController::getLocalPath() {
 
 void DiskUsageAppController::browserFiles(const std::string& path) {
     m_views->browser->setRoot(nullptr);
+    m_views->changes->setRoot(nullptr);
     m_outcome = {};
     auto shown = std::make_shared<ShownScan>();
     shown->tree = std::make_shared<FSNodeTree>(path);
@@ -86,7 +87,9 @@ void DiskUsageAppController::browserFiles(const std::string& path) {
     m_refreshTimer.start();
     m_scan = std::make_unique<DiskUsageScan>(UsageScanParts{
         m_parts.files, m_parts.mainQueue, [this](const UsageNews& news) { scanNews(news); }});
-    m_scan->start(shown->tree, optionsOf(*shown));
+    UsageOptions options = optionsOf(*shown);
+    options.records = !m_parts.stateFolder.empty();
+    m_scan->start(shown->tree, options);
     m_views->stopBtn->setFocus();
 }
 
@@ -169,6 +172,7 @@ void DiskUsageAppController::browseFilesFinished() {
     if (m_isRescan) forgetWithin(scanned.skipped, m_rescanned);
     else scanned.skipped.clear();
     for (const Error& each : m_scan->skipped()) scanned.skipped.push_back(each);
+    if (!m_isRescan) rememberScan();
     // It is the scan's own call that is running, so that it goes in a later turn.
     m_parts.mainQueue->async([ended = std::shared_ptr<DiskUsageScan>(std::move(m_scan))] {});
     m_views->browser->reload();
@@ -206,11 +210,12 @@ void DiskUsageAppController::showTree() {
         scanned == nullptr
             ? nullptr
             : std::make_unique<FSNodeColumn>(scanned->shown, scanned->shown->tree->root()));
+    m_views->changes->setRoot(scanned == nullptr ? nullptr : changesColumn(*scanned->shown));
     m_views->showSkipped(scanned == nullptr ? 0 : scanned->skipped.size());
     showFitting();
     showRemoved();
     refRemoveButtonState();
-    showTitle();
+    refreshComparing();
 }
 
 void DiskUsageAppController::showSkipped() {

@@ -96,13 +96,17 @@ void DiskUsageViews::makeStart() {
 void DiskUsageViews::fillHead(NotificationCenter& notifications) {
     columnsBtn = makeImageButton("columnsBtn", QStringLiteral("view_columns"), tr("Columns"));
     mapBtn = makeImageButton("mapBtn", QStringLiteral("view_map"), tr("Map"));
+    changesBtn = makeImageButton("changesBtn", QStringLiteral("view_changes"), tr("Changes"));
     auto* const looks = new QButtonGroup(columnsBtn);
-    for (TCImageButton* const each : {columnsBtn, mapBtn}) {
+    for (TCImageButton* const each : {columnsBtn, mapBtn, changesBtn}) {
         each->setCheckable(true);
         looks->addButton(each);
         head->addWidget(each);
     }
     columnsBtn->setChecked(true);
+    head->addSpacing(Theme::gapSmall);
+    compareBtn = named(new TextImageButton(tr("Compare")), "compareBtn");
+    head->addWidget(compareBtn);
     head->addSpacing(Theme::gapSmall);
     scanBtn = makeImageButton("scanBtn", QStringLiteral("refresh"), tr("Scan"));
     openFinderBtn =
@@ -161,7 +165,9 @@ void DiskUsageViews::fillContent(const NotificationCenter& notifications, const 
     browser->setDetail(itemFacts);
     makeMap();
     shown->addWidget(browser);
+    changes = named(new ColumnBrowser, "changes", tr("What changed, the biggest change first"));
     shown->addWidget(mapView);
+    shown->addWidget(changes);
     shown->addWidget(emptyView);
     auto* const around = new QWidget;
     auto* const column = new QVBoxLayout(around);

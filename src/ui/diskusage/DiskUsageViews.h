@@ -47,8 +47,10 @@ public:
     TextImageButton* chooseButton = nullptr;
 
     // The result view.
-    TCImageButton* columnsBtn = nullptr;  ///< of both one is on
+    TCImageButton* columnsBtn = nullptr;  ///< of the three one is on
     TCImageButton* mapBtn = nullptr;
+    TCImageButton* changesBtn = nullptr;
+    TextImageButton* compareBtn = nullptr;
     TCImageButton* scanBtn = nullptr;
     TCImageButton* openFinderBtn = nullptr;
     TCImageButton* revealFinderBtn = nullptr;
@@ -59,7 +61,8 @@ public:
     TextImageButton* stopBtn = nullptr;
     QStackedWidget* shown = nullptr;  ///< columns, map, or what stands in their place
     ColumnBrowser* browser = nullptr;
-    ItemFacts* itemFacts = nullptr;  ///< behind the last column
+    ColumnBrowser* changes = nullptr;  ///< since an earlier scan
+    ItemFacts* itemFacts = nullptr;    ///< behind the last column
     QWidget* mapView = nullptr;
     TCImageButton* mapUpBtn = nullptr;
     ElidedLabel* mapLine = nullptr;  ///< what the pointer is over, else the folder

@@ -7,6 +7,7 @@
 
 #include "engine/diskusage/UsageSelection.h"
 #include "engine/text/UtilityFunction.h"
+#include "ui/diskusage/ChangesColumn.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/pathText.h"
 #include "ui/kit/lists/paintTickBox.h"
@@ -77,7 +78,9 @@ QString sizeWords(const FSNode& node, bool isRunning) {
 }
 
 QString entryTip(const FSNode& node, const ShownScan& scan) {
-    return asToolTip(tipOf(node, scan.isRunning));
+    const QString mark = scan.compared != nullptr ? changeMark(*scan.compared, node) : QString();
+    const QString tip = tipOf(node, scan.isRunning);
+    return asToolTip(mark.isEmpty() ? tip : tip + QLatin1Char('\n') + mark);
 }
 
 FSNodeColumn::FSNodeColumn(std::shared_ptr<const ShownScan> scan, FSNode& folder)
@@ -137,8 +140,11 @@ QVariant FSNodeColumn::data(const QModelIndex& index, int role) const {
         case Qt::ToolTipRole: return entryTip(*shown, *m_scan);
         case Qt::CheckStateRole: return int(checkState(tickState(int(shown->isButtonState()))));
         case Qt::AccessibleTextRole: {
-            QStringList said{onOneLine(QString::fromStdString(shown->displayName())),
-                             sizeWords(*shown, m_scan->isRunning), spokenState(*shown)};
+            QStringList said{
+                onOneLine(QString::fromStdString(shown->displayName())),
+                sizeWords(*shown, m_scan->isRunning),
+                m_scan->compared != nullptr ? changeMark(*m_scan->compared, *shown) : QString(),
+                spokenState(*shown)};
             said.removeAll(QString());
             return said.join(QStringLiteral(", "));
         }

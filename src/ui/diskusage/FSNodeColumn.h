@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "engine/diskusage/FSNodeTree.h"
+#include "engine/diskusage/history/ScanDifference.h"
 #include "engine/diskusage/limitSize.h"
 #include "ui/kit/columns/ColumnModel.h"
 
@@ -17,6 +18,8 @@ struct ShownScan {
     std::uint64_t limit = 0;  ///< bytes, of the scan
     bool allFileSystems = false;
     bool isRunning = false;
+    /// What changed since an earlier scan; null while nothing is compared. Of the main thread.
+    std::shared_ptr<const ScanDifference> compared;
 };
 
 /// A folder's size counts up and its entries come and go under the columns: reload() shows them.

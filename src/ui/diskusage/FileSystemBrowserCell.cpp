@@ -134,7 +134,15 @@ void FileSystemBrowserCell::drawWords(QPainter& painter, const QStyleOptionViewI
                   std::max(painter.fontMetrics().horizontalAdvance(sizeStr),
                            painter.fontMetrics().horizontalAdvance(QStringLiteral("999.99 GB"))) -
                   Theme::gapSmall);
-    if (share) drawShare(painter, option, line);
+    if (!noteStr.isEmpty()) drawNote(painter, option, line);
+    else if (share) drawShare(painter, option, line);
+}
+
+void FileSystemBrowserCell::drawNote(QPainter& painter, const QStyleOptionViewItem& option,
+                                     const QRect& place) const {
+    painter.setPen(Theme::shared().color(Theme::Color::TextSecondary));
+    painter.drawText(mirrored(option, place), aligned(option, Qt::AlignLeft) | Qt::TextSingleLine,
+                     painter.fontMetrics().elidedText(noteStr, Qt::ElideMiddle, place.width()));
 }
 
 void FileSystemBrowserCell::drawShare(QPainter& painter, const QStyleOptionViewItem& option,

@@ -45,6 +45,7 @@ public:
     bool isEnabled = true;            ///< of the box
     QString titleStr, sizeStr;
     FSNode* nodeValue = nullptr;  ///< not owned
+    QString noteStr;              ///< in the place of the bar
     std::optional<double> share;  ///< of its folder, from 0 to 1
     bool opensColumn = false;
 
@@ -64,6 +65,7 @@ private:
     void drawBox(QPainter& painter, const QStyleOptionViewItem& option,
                  const QModelIndex& index) const;
     void drawWords(QPainter& painter, const QStyleOptionViewItem& option) const;
+    void drawNote(QPainter& painter, const QStyleOptionViewItem& option, const QRect& place) const;
     void drawShare(QPainter& painter, const QStyleOptionViewItem& option, const QRect& place) const;
 
     const Page m_page;

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "engine/duplicates/FileKind.h"
+#include "ui/diskusage/ChangesColumn.h"
 #include "ui/kit/controls/pathText.h"
 
 namespace orrinvale {
@@ -27,21 +28,28 @@ struct Brush {
     [[nodiscard]] QColor color(Theme::Color role) const { return Theme::color(role, order.scheme); }
 };
 
+QString markBehindSize(const Brush& brush, const TreemapEntry& entry) {
+    if (brush.order.compared == nullptr || entry.isLeftOut()) return {};
+    const QString mark = changeMark(*brush.order.compared, *entry.node);
+    return mark.isEmpty() ? mark : QStringLiteral("  ") + mark;
+}
+
 void drawName(const Brush& brush, std::size_t index, const QRectF& place, bool isHeader) {
     const qreal height = brush.metrics.height();
     if (place.width() < leastText || place.height() < height + 2) return;
     const TreemapEntry& entry = brush.order.entries[index];
-    const QString name = entry.isLeftOut()
-                             ? restWords(entry, brush.order.scan->limit)
-                             : onOneLine(QString::fromStdString(std::string(entry.node->name())));
+    QString name = entry.isLeftOut()
+                       ? restWords(entry, brush.order.scan->limit)
+                       : onOneLine(QString::fromStdString(std::string(entry.node->name())));
     const QRectF inside =
         (isHeader ? QRectF(place.topLeft(), QSizeF(place.width(), height + 2)) : place)
             .adjusted(textMargin, 1, -textMargin, -1);
+    if (isHeader) name += markBehindSize(brush, entry);
     const Qt::Alignment side = Qt::AlignLeft | (isHeader ? Qt::AlignVCenter : Qt::AlignTop);
     brush.painter.setPen(brush.color(Theme::Color::Text));
     brush.painter.drawText(inside, int(side) | Qt::TextSingleLine,
                            brush.metrics.elidedText(name, Qt::ElideMiddle, inside.width()));
-    const QString size = bytesWords(entry.size);
+    const QString size = bytesWords(entry.size) + markBehindSize(brush, entry);
     if (!isHeader && place.height() >= 2 * height + 4 &&
         brush.metrics.horizontalAdvance(size) <= inside.width())
         brush.painter.drawText(inside.translated(0, height), int(side) | Qt::TextSingleLine, size);
@@ -117,7 +125,9 @@ TreemapOrder treemapOrder(std::shared_ptr<const ShownScan> scan, const FSNode& f
                        .size = size,
                        .scale = scale,
                        .scheme = Theme::shared().scheme(),
-                       .font = Theme::shared().font(Theme::Text::Caption)};
+                       .font = Theme::shared().font(Theme::Text::Caption),
+                       .compared = {}};
+    order.compared = order.scan->compared;
     order.ticks.reserve(order.entries.size());
     for (std::size_t index = 0; index < order.entries.size(); ++index) {
         const TreemapEntry& entry = order.entries[index];

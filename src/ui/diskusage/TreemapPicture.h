@@ -27,6 +27,7 @@ struct TreemapOrder {
     qreal scale = 1;
     Theme::Scheme scheme = Theme::Scheme::Light;
     QFont font;
+    std::shared_ptr<const ScanDifference> compared;  ///< null: nothing is marked
 };
 
 /// The order of this moment. Main thread.

@@ -64,7 +64,7 @@ struct BoxKey {
     void (PreferencePage::*action)() = nullptr;  // null: it stores, and nothing else
 };
 
-constexpr std::array<BoxKey, 10> boxKeys{{
+constexpr std::array<BoxKey, 11> boxKeys{{
     {&PreferenceViews::spaceWarningsBox, spaceWarningsKey},
     {&PreferenceViews::hideCheckBox, ZvHidenDuplication, &PreferencePage::changeHiddenDuplicates},
     {&PreferenceViews::sysCheckBox, ZvSystemDuplication, &PreferencePage::changeSysDuplicates},
@@ -72,6 +72,7 @@ constexpr std::array<BoxKey, 10> boxKeys{{
     {&PreferenceViews::trashFirstBox, trashFirstKey},
     {&PreferenceViews::rememberBox, rememberContentsKey},
     {&PreferenceViews::oneFileSystemBox, oneFileSystemKey},
+    {&PreferenceViews::rememberScansBox, rememberScansKey},
     {&PreferenceViews::autoCheckUpdates, SUEnableAutomaticChecks,
      &PreferencePage::changeAutoUpdate},
     {&PreferenceViews::startHiddenBox, ZvLoginItemIsHide, &PreferencePage::changeStartHidden},
@@ -102,7 +103,8 @@ std::vector<const char*> keysOf(Group group) {
             return {ZvDuplicationLimit,  ZvDuplicatesUnit,         ZvHidenDuplication,
                     ZvSystemDuplication, compareBeforeRemovingKey, trashFirstKey,
                     rememberContentsKey};
-        case Group::DiskUsage: return {ZvDiskUsageLimit, ZvDiskUsageUnit, oneFileSystemKey};
+        case Group::DiskUsage:
+            return {ZvDiskUsageLimit, ZvDiskUsageUnit, oneFileSystemKey, rememberScansKey};
         case Group::Updates: return {SUEnableAutomaticChecks, SUScheduledCheckInterval};
         case Group::General:
             return {ZvLoginItemIsHide, ZvShowStatusItem, keepRunningKey, themeKey,
@@ -324,8 +326,8 @@ void PreferencePage::showFaults() {
          tr("Nothing on this desktop shows such an icon."));
     grey(Group::Warnings, views.spaceWarningsBox, m_parts.hasDesktopNotes,
          tr("Nothing on this desktop shows such words."));
-    for (const QWidget* const each :
-         std::initializer_list<const QWidget*>{views.diskUsageLimit, views.oneFileSystemBox})
+    for (const QWidget* const each : std::initializer_list<const QWidget*>{
+             views.diskUsageLimit, views.oneFileSystemBox, views.rememberScansBox})
         grey(Group::DiskUsage, each, m_parts.hasDiskUsage, tr("There is no page Disk Usage here."));
     for (const QWidget* const each :
          std::initializer_list<const QWidget*>{views.autoCheckUpdates, views.updateTime})

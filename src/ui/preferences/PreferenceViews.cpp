@@ -174,10 +174,13 @@ void PreferenceViews::makeDiskUsage() {
     diskUsageUnit =
         named(makeChoice("diskUsageUnit", unitItems()), "diskUsageUnit", tr("Unit of the size"));
     oneFileSystemBox = named(new TickBox(tr("Stay on one file system")), "oneFileSystemBox");
+    rememberScansBox = named(new TickBox(tr("Remember scans")), "rememberScansBox");
     PreferenceGroup& box = *boxes[DiskUsage];
     box.add(tr("List from"), diskUsageLimit, tr("Smaller entries are added up in one line."),
             diskUsageUnit);
     box.add({}, oneFileSystemBox, tr("Other disks that are mounted in a folder are left out."));
+    box.add({}, rememberScansBox,
+            tr("Names and sizes of folders are kept, for you alone, to tell what grew since."));
 }
 
 void PreferenceViews::makeUpdates() {

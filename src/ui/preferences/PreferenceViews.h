@@ -70,6 +70,7 @@ public:
     NumberField* diskUsageLimit = nullptr;
     QComboBox* diskUsageUnit = nullptr;
     TickBox* oneFileSystemBox = nullptr;
+    TickBox* rememberScansBox = nullptr;
     TickBox* autoCheckUpdates = nullptr;
     QComboBox* updateTime = nullptr;
     TickBox* checkBoxBtn = nullptr;

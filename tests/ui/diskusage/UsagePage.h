@@ -25,7 +25,7 @@ inline constexpr std::uint64_t mega = 1'000'000;
 /// The page in a window of its own, with a limit of 1 MB.
 class UsagePage : public NamedControls {
 public:
-    UsagePage() {
+    explicit UsagePage(bool keepsScans = false) {
         UserDefaults::setStandardUserDefaults(&defaults);
         defaults.setInteger(1, ZvDiskUsageLimit);
         defaults.setInteger(2, ZvDiskUsageUnit);
@@ -38,7 +38,7 @@ public:
                          .defaults = &defaults,
                          .dialogs = &dialogs,
                          .mainQueue = &mainQueue,
-                         .stateFolder = {},
+                         .stateFolder = keepsScans ? tree.at("state") : std::string(),
                          .icons = {},
                          .reveal = [this](const std::string& path) { told.push_back(path); },
                          .openAddress = {}},

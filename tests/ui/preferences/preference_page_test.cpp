@@ -105,6 +105,7 @@ TEST_F(Preferences, EachControlStoresByKeyboard) {
         {"diskUsageLimit", "ZvDiskUsageLimit", {Qt::Key_Backspace}, "0"},
         {"diskUsageUnit", "ZvDiskUsageUnit", {Qt::Key_Home}, "0"},
         {"oneFileSystemBox", "oneFileSystem", {Qt::Key_Space}, "false"},
+        {"rememberScansBox", "rememberScans", {Qt::Key_Space}, "false"},
         {"autoCheckUpdates", "SUEnableAutomaticChecks", {Qt::Key_Space}, "true"},
         {"updateTime", "SUScheduledCheckInterval", {Qt::Key_Up}, "86400"},
         {"showStatusBtn", "ZvShowStatusItem", {Qt::Key_Space}, "true"},
