@@ -42,6 +42,14 @@
         <source>%Ln smaller changes</source>
         <translation>%Ln kleinere Änderungen</translation>
     </message>
+    <message>
+        <source>removed</source>
+        <translation>entfernt</translation>
+    </message>
+    <message>
+        <source>%1 on disk</source>
+        <translation>%1 auf dem Datenträger</translation>
+    </message>
 </context>
 <context>
     <name>CleanMemoryViews</name>
@@ -476,6 +484,22 @@
         <source>Ticked, and stays all the same: %1</source>
         <translation>Angehakt, und bleibt trotzdem: %1</translation>
     </message>
+    <message>
+        <source>Last scan</source>
+        <translation>Letzter Suchlauf</translation>
+    </message>
+    <message>
+        <source>Yesterday</source>
+        <translation>Gestern</translation>
+    </message>
+    <message>
+        <source>Last week</source>
+        <translation>Letzte Woche</translation>
+    </message>
+    <message>
+        <source>Last month</source>
+        <translation>Letzter Monat</translation>
+    </message>
 </context>
 <context>
     <name>DiskUsageViews</name>
@@ -566,6 +590,10 @@
     <message>
         <source>What changed, the biggest change first</source>
         <translation>Was sich geändert hat, die größte Änderung zuerst</translation>
+    </message>
+    <message>
+        <source>Show what changed since then</source>
+        <translation>Zeigen, was sich seitdem geändert hat</translation>
     </message>
 </context>
 <context>
@@ -3141,6 +3169,34 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>%1 less in %2</source>
         <translation>%1 weniger in %2</translation>
     </message>
+    <message>
+        <source>Only a scan that came to its end can be compared</source>
+        <translation>Nur ein Suchlauf, der bis zum Ende kam, lässt sich vergleichen</translation>
+    </message>
+    <message>
+        <source>The preferences say that scans are not remembered</source>
+        <translation>In den Einstellungen ist abgewählt, dass Suchläufe gemerkt werden</translation>
+    </message>
+    <message>
+        <source>As much as on %1</source>
+        <translation>So viel wie am %1</translation>
+    </message>
+    <message>
+        <source>%1 more than on %2</source>
+        <translation>%1 mehr als am %2</translation>
+    </message>
+    <message>
+        <source>%1 less than on %2</source>
+        <translation>%1 weniger als am %2</translation>
+    </message>
+    <message>
+        <source>Changes</source>
+        <translation>Änderungen</translation>
+    </message>
+    <message>
+        <source>The scans could not be forgotten.</source>
+        <translation>Die Suchläufe konnten nicht vergessen werden.</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::DiskUsageLeftCell</name>
@@ -4101,6 +4157,10 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>It could not be forgotten: %1</source>
         <translation>Es konnte nicht vergessen werden: %1</translation>
+    </message>
+    <message>
+        <source>The scans could not be forgotten.</source>
+        <translation>Die Suchläufe konnten nicht vergessen werden.</translation>
     </message>
 </context>
 <context>

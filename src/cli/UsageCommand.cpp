@@ -102,8 +102,8 @@ std::vector<OptionSpec> UsageCommand::options() const {
             {"--all-file-systems", "", "Enter other file systems as well"},
             {"--remember", "", "Keep this scan, for --since another day"},
             {"--since", "DATE",
-             "Print what changed since the kept scan of a day (2026-11-15), of "
-             "a minute (2026-11-15T10:04), or \"last\""},
+             "Print what changed since the kept scan of a day (2026-11-15), of a minute "
+             "(2026-11-15T10:04), \"last\", \"yesterday\", \"last-week\" or \"last-month\""},
             {"--forget", "", "Forget the kept scans of the folder, and do nothing else"},
             {"FOLDER", "", "The folder to look through"}};
 }
@@ -158,7 +158,8 @@ Status UsageCommand::runSince(const Arguments& arguments, const UsageExtent& ext
     if (!moment)
         return badUsage(
             fmt::format("--since takes a day such as 2026-11-15, a minute such as "
-                        "2026-11-15T10:04, or \"last\", not \"{}\"",
+                        "2026-11-15T10:04, \"last\", \"yesterday\", \"last-week\" or "
+                        "\"last-month\", not \"{}\"",
                         printable(arguments.text("since"))));
     const ScanHistory history(userStateFolder());
     const ScanHistory::Place place{root, arguments.has("all-file-systems")};

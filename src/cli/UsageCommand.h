@@ -27,8 +27,8 @@ public:
                "several names once for each; with --json the bytes on the disk stand beside them, "
                "where such a file counts once. Folders on other file systems are told and not "
                "entered, subvolumes are. A scan that --remember has kept, for this user alone, is "
-               "what "
-               "--since compares with: it prints what grew, shrank, came and went, the biggest "
+               "what --since compares with: it prints what grew, shrank, came and went, the "
+               "biggest "
                "change first, and where one entry far below is the reason of most of it, that one. "
                "Folders are compared to the byte, files of at least 1 MB one by one. At most 12 "
                "scans of a folder are kept.";

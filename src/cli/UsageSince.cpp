@@ -5,11 +5,11 @@
 
 #include <charconv>
 #include <ctime>
-#include <limits>
 #include <span>
 #include <string>
 
 #include "engine/base/Date.h"
+#include "engine/diskusage/history/ScanHistory.h"
 #include "engine/text/UtilityFunction.h"
 
 namespace orrinvale::cli {
@@ -167,7 +167,7 @@ bool takePart(std::string_view& text, std::size_t digits, char behind, int& numb
 }  // namespace
 
 std::optional<std::int64_t> momentSince(std::string_view text) {
-    if (text == "last") return std::numeric_limits<std::int64_t>::max();
+    if (const auto moment = momentOfWord(text, std::time(nullptr))) return moment;
     constexpr std::size_t dayLength = 10;
     std::tm day{};
     std::string_view left = text.substr(0, dayLength);

@@ -15,7 +15,7 @@ namespace orrinvale::cli {
 
 /// The moment that a kept scan must lie before to be the one meant, seconds since 1970: of a day
 /// ("2026-11-15") its end, of a minute ("2026-11-15T10:04") its end, both in the process's time
-/// zone; of "last" the end of time. Nothing for every other text.
+/// zone; of a word what momentOfWord() says. Nothing for every other text.
 [[nodiscard]] std::optional<std::int64_t> momentSince(std::string_view text);
 
 /// "2026-11-15 10:04", in the process's time zone.

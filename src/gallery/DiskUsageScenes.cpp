@@ -67,12 +67,16 @@ DiskUsageScenes::~DiskUsageScenes() {
     QnAuthorization::shareQnAuthorization().setParts({});
 }
 
-bool DiskUsageScenes::save(const char* scene) const {
+// Without `of` the whole window.
+bool DiskUsageScenes::save(const char* scene, QWidget* of) const {
     const QString name = QLatin1String(scene);
     if (!m_wanted.isEmpty() && !m_wanted.contains(name)) return true;
-    m_controller->window()->activateWindow();
+    if (of == nullptr) {
+        m_controller->window()->activateWindow();
+        of = m_controller->window();
+    }
     QApplication::processEvents();
-    return m_pictures.save(QStringLiteral("disk-usage-") + name, m_controller->window()->grab());
+    return m_pictures.save(QStringLiteral("disk-usage-") + name, of->grab());
 }
 
 void DiskUsageScenes::click(const char* button) const {
@@ -131,14 +135,7 @@ bool DiskUsageScenes::drawResult() {
         return since.hasExpired(flight) && facts->text().count(QLatin1Char('\n')) > 1;
     };
     if (!waitFor("the facts", isSettled) || !save("detail")) return false;
-    m_browser->closeBehind(0);
-    click("mapBtn");
-    const auto* const map = m_page->view()->findChild<TreemapView*>(QStringLiteral("map"));
-    const bool isSaved =
-        waitFor("the map", [&] { return map->isDrawn() && map->shownPicture() != nullptr; }) &&
-        save("map");
-    click("columnsBtn");
-    return isSaved && drawChanges();
+    return drawMap("map") && drawChanges();
 }
 
 // As if there had been less in Videos and Downloads, and more in Backup.
@@ -175,26 +172,56 @@ void DiskUsageScenes::keepEarlierScan() const {
     }
 }
 
+bool DiskUsageScenes::drawMap(const char* scene) const {
+    m_browser->closeBehind(0);
+    click("mapBtn");
+    const auto* const map = m_page->view()->findChild<TreemapView*>(QStringLiteral("map"));
+    const bool isSaved =
+        waitFor("the map", [&] { return map->isDrawn() && map->shownPicture() != nullptr; }) &&
+        save(scene);
+    click("columnsBtn");
+    return isSaved;
+}
+
+// The menu stands beside the page, so that it is drawn alone.
+bool DiskUsageScenes::drawCompareMenu() const {
+    click("compareBtn");
+    auto* const menu = m_page->view()->findChild<QMenu*>(QStringLiteral("compareMenu"));
+    const bool isSaved = save("compare", menu);
+    menu->close();
+    return isSaved;
+}
+
 bool DiskUsageScenes::drawChanges() {
     const auto* const compare =
         m_page->view()->findChild<QAbstractButton*>(QStringLiteral("compareBtn"));
-    if (!waitFor("the kept scan", [&] { return compare->isEnabled(); })) return false;
-    click("compareBtn");
-    auto* const menu = m_page->view()->findChild<QMenu*>(QStringLiteral("compareMenu"));
-    menu->actions().front()->trigger();
-    menu->close();
+    if (!waitFor("the kept scan", [&] { return compare->isEnabled(); }) || !save("grown") ||
+        !drawCompareMenu())
+        return false;
+    click("changesBtn");
     auto* const changes = m_page->view()->findChild<ColumnBrowser*>(QStringLiteral("changes"));
     if (!waitFor("the changes", [&] { return changes->isVisible(); })) return false;
     changes->choose(0, 0);
     bool isSaved = save("changes");
+    constexpr QSize narrow{800, 560};
+    const QSize usual = m_controller->window()->size();
+    m_controller->window()->setContentSize(narrow);
+    isSaved = isSaved && save("changes-narrow");
+    m_controller->window()->resize(usual);
     click("columnsBtn");
     choose(0, "Backup");
-    isSaved = isSaved && save("marked");
-    click("compareBtn");
-    for (QMenu* const each : m_page->view()->findChildren<QMenu*>(QStringLiteral("compareMenu")))
-        if (each->isVisible()) each->actions().at(2)->trigger(), each->close();
-    m_browser->closeBehind(0);
+    isSaved = isSaved && save("marked") && drawMap("map-changes");
+    endComparison();
     return isSaved;
+}
+
+void DiskUsageScenes::endComparison() const {
+    click("compareBtn");
+    for (QMenu* const each : m_page->view()->findChildren<QMenu*>(QStringLiteral("compareMenu"))) {
+        if (!each->isVisible()) continue;
+        each->findChild<QAction*>(QStringLiteral("withoutComparison"))->trigger();
+        each->close();
+    }
 }
 
 bool DiskUsageScenes::drawRemoval() {

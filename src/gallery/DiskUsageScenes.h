@@ -37,7 +37,7 @@ public:
     bool draw();
 
 private:
-    bool save(const char* scene) const;
+    bool save(const char* scene, QWidget* of = nullptr) const;
     void click(const char* button) const;
     void choose(int column, const char* name) const;
     void tick(int column, const char* name) const;
@@ -46,7 +46,10 @@ private:
     [[nodiscard]] bool drawScan();
     [[nodiscard]] bool drawResult();
     [[nodiscard]] bool drawRemoval();
+    [[nodiscard]] bool drawMap(const char* scene) const;
+    [[nodiscard]] bool drawCompareMenu() const;
     [[nodiscard]] bool drawChanges();
+    void endComparison() const;
     void keepEarlierScan() const;
 
     const SampleFolder& m_sample;

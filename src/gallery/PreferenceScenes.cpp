@@ -1,6 +1,7 @@
 #include "gallery/PreferenceScenes.h"
 
 #include <QApplication>
+#include <QScrollArea>
 
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/UserDefaults.h"
@@ -37,13 +38,18 @@ bool drawPreferences(UserDefaults& defaults, const PictureFolder& pictures,
         if (!pictures.save(inWindow, controller.window()->grab())) return false;
     }
     if (!isWanted(whole)) return true;
-    constexpr QSize all{800, 2010};
+    constexpr QSize beginning{800, 600};
     PreferencePage page(services, {.hasTray = [] { return true; },
                                    .hasDesktopNotes = true,
                                    .hasDiskUsage = true,
                                    .updateRoad = [] { return UpdateRoad::Server; }});
-    page.view()->resize(all);
+    page.view()->resize(beginning);
     page.view()->show();
+    QApplication::processEvents();
+    // As high as all groups are, however many there come to be.
+    const auto& scrolled = *page.view()->findChild<QScrollArea*>(QStringLiteral("scrollArea"));
+    page.view()->resize(beginning.width(), beginning.height() + scrolled.widget()->height() -
+                                               scrolled.viewport()->height());
     QApplication::processEvents();
     return pictures.save(whole, page.view()->grab());
 }

@@ -145,11 +145,13 @@ TEST(UsageCommand, comparesWithAScanThatItKept) {
     ASSERT_TRUE(tree.sparse("d/in/it/new.iso", 80'000'000));
     EXPECT_THAT(run({"--since", "2100-01-01", "."}).output,
                 ::testing::StartsWith("  +72.00 MB  d/  mostly in/it/new.iso\n"));
-    for (const char* const bad : {"", "yesterday", "2026-13-01", "2026-11-15T25:00", "2026-11-15x"})
+    for (const char* const bad : {"", "tomorrow", "2026-13-01", "2026-11-15T25:00", "2026-11-15x"})
         EXPECT_EQ(run({"--since", bad, "d"}).status, 2) << bad;
-    const auto old = run({"--since", "2000-01-01T10:00", "d"});
-    EXPECT_EQ(old.status, 0);
-    EXPECT_THAT(old.error, HasSubstr("no scan is as old as that"));
+    for (const char* const before : {"2000-01-01T10:00", "last-week"}) {
+        const auto old = run({"--since", before, "d"});
+        EXPECT_EQ(old.status, 0);
+        EXPECT_THAT(old.error, HasSubstr("no scan is as old as that"));
+    }
 
     std::filesystem::remove_all(tree.at("d"));
     EXPECT_THAT(run({"--since", "last", "d"}).error, HasSubstr("1 scan of it is kept"));

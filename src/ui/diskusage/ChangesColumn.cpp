@@ -1,10 +1,13 @@
-// The rows are numbers of the difference, which is whole and never changes.
+// The rows are numbers of the difference, which is whole and never changes; what is there now the
+// tree tells.
 #include "ui/diskusage/ChangesColumn.h"
 
 #include <QCoreApplication>
 #include <QLocale>
 #include <algorithm>
 #include <cstdlib>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include "engine/diskusage/FSNode.h"
@@ -18,37 +21,15 @@ QString changesText(const char* source, int count = -1) {
     return QCoreApplication::translate("ChangesColumn", source, nullptr, count);
 }
 
-std::uint64_t bytesOf(std::int64_t change) {
+std::uint64_t sizeOfChange(std::int64_t change) {
     return change < 0 ? 0 - std::uint64_t(change) : std::uint64_t(change);
 }
 
-QString nameText(const ScanDifference& difference, const ScanChange& change) {
+QString changedName(const ScanDifference& difference, const ScanChange& change) {
     return onOneLine(QString::fromStdString(std::string(difference.name(change))));
 }
 
-QString tipOfChange(const ScanDifference& difference, std::uint32_t number) {
-    const ScanChange& change = difference.all()[number];
-    QString tip = onOneLine(QString::fromStdString(difference.path(number))) + QLatin1Char('\n') +
-                  changesText(QT_TRANSLATE_NOOP("ChangesColumn", "%1, now %2"))
-                      .arg(bytesWords(change.sizeBefore), bytesWords(change.sizeAfter));
-    if (const QString note = changeNote(difference, number); !note.isEmpty())
-        tip += QLatin1Char('\n') + note;
-    if (change.isPartial)
-        tip += QLatin1Char('\n') + changesText(QT_TRANSLATE_NOOP(
-                                       "ChangesColumn", "Not all of it could be read each time"));
-    return tip;
-}
-
-}  // namespace
-
-QString changeText(std::int64_t change) {
-    const QString size = bytesWords(bytesOf(change));
-    constexpr std::int64_t least = 10;  // two places of a KB
-    if (std::abs(change) < least) return size;
-    return QLatin1Char(change > 0 ? '+' : '-') + size;
-}
-
-QString changeNote(const ScanDifference& difference, std::uint32_t number) {
+QString noteOfChange(const ScanDifference& difference, std::uint32_t number) {
     const ScanChange& change = difference.all()[number];
     if (change.kind == ScanChange::Kind::Came)
         return changesText(QT_TRANSLATE_NOOP("ChangesColumn", "new"));
@@ -56,16 +37,33 @@ QString changeNote(const ScanDifference& difference, std::uint32_t number) {
         return changesText(QT_TRANSLATE_NOOP("ChangesColumn", "gone"));
     const std::uint32_t most = difference.mostly(number);
     if (most == number) return {};
-    QString way;
-    for (std::uint32_t each = most; each != number; each = difference.all()[each].parent)
-        way = nameText(difference, difference.all()[each]) +
-              (way.isEmpty() ? QString() : QLatin1Char('/') + way);
-    return changesText(QT_TRANSLATE_NOOP("ChangesColumn", "mostly %1")).arg(way);
+    return changesText(QT_TRANSLATE_NOOP("ChangesColumn", "mostly %1"))
+        .arg(changedName(difference, difference.all()[most]));
+}
+
+// From the root on.
+std::vector<std::uint32_t> wayTo(const ScanDifference& difference, std::uint32_t number) {
+    std::vector<std::uint32_t> way;
+    for (; number != 0; number = difference.all()[number].parent) way.push_back(number);
+    std::ranges::reverse(way);
+    return way;
+}
+
+}  // namespace
+
+QString changeText(std::int64_t change) {
+    const QString size = bytesWords(sizeOfChange(change));
+    constexpr std::int64_t least = 10;  // two places of a KB
+    if (std::abs(change) < least) return size;
+    return QLatin1Char(change > 0 ? '+' : '-') + size;
+}
+
+QString aboutText(const QString& size, bool isPartial) {
+    return isPartial ? QStringLiteral("\u2248 ") + size : size;
 }
 
 // From the root on; of what is in a new folder the folder tells.
-QString changeMark(const ScanDifference& difference, const FSNode& node) {
-    if (node.has(FSNode::Unread) || node.has(FSNode::Foreign)) return {};
+NodeChange changeOfNode(const ScanDifference& difference, const FSNode& node, std::uint64_t size) {
     std::vector<const FSNode*> way;
     for (const FSNode* each = &node; each->father() != nullptr; each = each->father())
         way.push_back(each);
@@ -76,43 +74,145 @@ QString changeMark(const ScanDifference& difference, const FSNode& node) {
         if (!found) return {};
         change = &difference.all()[*found];
     }
-    if (change->kind == ScanChange::Kind::Came)
-        return changesText(QT_TRANSLATE_NOOP("ChangesColumn", "new"));
+    const std::int64_t bytes = changeOf(change->sizeBefore, size);
+    if (change->kind == ScanChange::Kind::Came) return {NodeChange::Kind::Came, bytes};
     constexpr std::uint64_t worthTelling = 1000;
-    return bytesOf(change->change()) < worthTelling ? QString() : changeText(change->change());
+    if (sizeOfChange(bytes) < worthTelling) return {};
+    return {bytes > 0 ? NodeChange::Kind::Grew : NodeChange::Kind::Shrank, bytes};
 }
 
-ChangesColumn::ChangesColumn(std::shared_ptr<const ScanDifference> difference, std::uint32_t folder,
-                             std::uint64_t limit)
-    : m_difference(std::move(difference)), m_folder(folder), m_limit(limit) {
+QString markText(const NodeChange& change) {
+    if (change.kind == NodeChange::Kind::None) return {};
+    return change.kind == NodeChange::Kind::Came
+               ? changesText(QT_TRANSLATE_NOOP("ChangesColumn", "new"))
+               : changeText(change.bytes);
+}
+
+QString changeMark(const ScanDifference& difference, const FSNode& node) {
+    if (node.has(FSNode::Unread) || node.has(FSNode::Foreign)) return {};
+    return markText(changeOfNode(difference, node, node.size()));
+}
+
+ChangedNode nodeOfChange(const ScanDifference& difference, std::uint32_t number, FSNode& root) {
+    FSNode* node = &root;
+    for (const std::uint32_t each : wayTo(difference, number)) {
+        const auto children = node->children();
+        const auto found =
+            std::ranges::find(children, difference.name(difference.all()[each]), &FSNode::name);
+        if (found == children.end()) return {node, false};
+        node = *found;
+    }
+    return {node, true};
+}
+
+ChangesColumn::ChangesColumn(std::shared_ptr<const ShownScan> scan, std::uint32_t folder)
+    : m_scan(std::move(scan)), m_difference(m_scan->compared), m_folder(folder) {
     const ScanChange& whole = m_difference->all()[folder];
     const auto children = m_difference->children(whole);
     m_rest = whole.change();
     for (const std::uint32_t each : children) {
-        const std::int64_t change = m_difference->all()[each].change();
-        if (change == 0 || bytesOf(change) < limit) break;  // the biggest come first
-        m_rows.push_back(each);
-        m_rest -= change;
+        const ScanChange& change = m_difference->all()[each];
+        // The biggest come first.
+        if (change.change() == 0 || sizeOfChange(change.change()) < m_scan->limit) break;
+        m_rows.push_back({each, change.sizeAfter});
+        m_rest -= change.change();
     }
     m_restCount = children.size() - m_rows.size();
+    m_hasRest = m_rest != 0 || m_restCount != 0;
+    if (m_scan->hasChanged) takePresentSizes();
+}
+
+bool ChangesColumn::hadNode(const ScanChange& change) const {
+    return change.sizeAfter != 0 && change.sizeAfter >= m_scan->limit;
+}
+
+// What is too small for the tree stays as the scan had it.
+void ChangesColumn::takePresentSizes() {
+    const auto [folder, isThere] = nodeOfChange(*m_difference, m_folder, m_scan->tree->root());
+    std::unordered_map<std::string_view, std::uint64_t> sizes;
+    if (isThere)
+        for (const FSNode* const each : folder->children())
+            sizes.emplace(each->name(), each->size());
+    const ScanChange& whole = m_difference->all()[m_folder];
+    m_rest = changeOf(whole.sizeBefore, isThere          ? folder->size()
+                                        : hadNode(whole) ? 0
+                                                         : whole.sizeAfter);
+    for (std::size_t i = 0; i < m_rows.size(); ++i) {
+        const ScanChange& change = changeAt(int(i));
+        const auto found = sizes.find(m_difference->name(change));
+        m_rows[i].isRemoved = found == sizes.end() && hadNode(change);
+        m_rows[i].now = found != sizes.end()  ? found->second
+                        : m_rows[i].isRemoved ? 0
+                                              : change.sizeAfter;
+        m_rest -= this->change(int(i));
+    }
+}
+
+void ChangesColumn::reload() {
+    if (!m_scan->hasChanged || rowCount() == 0) return;
+    takePresentSizes();
+    Q_EMIT dataChanged(index(0), index(rowCount() - 1));
 }
 
 std::optional<std::uint32_t> ChangesColumn::number(int row) const {
     if (row < 0 || row >= int(m_rows.size())) return std::nullopt;
-    return m_rows[std::size_t(row)];
+    return m_rows[std::size_t(row)].number;
 }
 
 const ScanChange& ChangesColumn::changeAt(int row) const {
-    return m_difference->all()[m_rows.at(std::size_t(row))];
+    return m_difference->all()[m_rows.at(std::size_t(row)).number];
+}
+
+std::int64_t ChangesColumn::change(int row) const {
+    return number(row) ? changeOf(changeAt(row).sizeBefore, m_rows[std::size_t(row)].now) : m_rest;
 }
 
 QString ChangesColumn::sizeText(int row) const {
-    return changeText(number(row) ? changeAt(row).change() : m_rest);
+    return aboutText(changeText(change(row)), number(row) && changeAt(row).isPartial);
+}
+
+// What a folder grew by mostly may have been removed meanwhile.
+QString ChangesColumn::note(int row) const {
+    if (!number(row)) return {};
+    if (m_rows[std::size_t(row)].isRemoved)
+        return changesText(QT_TRANSLATE_NOOP("ChangesColumn", "removed"));
+    if (m_scan->hasChanged && changeAt(row).kind == ScanChange::Kind::Changed) return {};
+    return noteOfChange(*m_difference, m_rows[std::size_t(row)].number);
+}
+
+bool ChangesColumn::isGone(int row) const {
+    return number(row) &&
+           (changeAt(row).kind == ScanChange::Kind::Went || m_rows[std::size_t(row)].isRemoved);
 }
 
 double ChangesColumn::share(int row) const {
     if (!number(row)) return 0;
-    return double(bytesOf(changeAt(row).change())) / double(bytesOf(changeAt(0).change()));
+    return double(sizeOfChange(change(row))) / double(sizeOfChange(changeAt(0).change()));
+}
+
+QString ChangesColumn::tip(int row) const {
+    if (!number(row)) return restText() + QStringLiteral(": ") + sizeText(row);
+    const std::uint32_t number = m_rows[std::size_t(row)].number;
+    const ScanChange& change = changeAt(row);
+    QStringList lines{
+        onOneLine(QString::fromStdString(m_difference->path(number))),
+        changesText(QT_TRANSLATE_NOOP("ChangesColumn", "%1, now %2"))
+            .arg(bytesWords(change.sizeBefore), bytesWords(m_rows[std::size_t(row)].now))};
+    // Another name of a file that was there before takes no room.
+    if (!m_scan->hasChanged && bytesWords(sizeOfChange(change.onDiskChange())) !=
+                                   bytesWords(sizeOfChange(change.change())))
+        lines.push_back(changesText(QT_TRANSLATE_NOOP("ChangesColumn", "%1 on disk"))
+                            .arg(changeText(change.onDiskChange())));
+    QString note = this->note(row);
+    const std::uint32_t most = m_difference->mostly(number);
+    if (most != number && !note.isEmpty() && !isGone(row))
+        note = changesText(QT_TRANSLATE_NOOP("ChangesColumn", "mostly %1"))
+                   .arg(onOneLine(QString::fromStdString(m_difference->path(most))));
+    if (!note.isEmpty()) lines.push_back(note);
+    if (change.isPartial)
+        lines.push_back(changesText(
+            QT_TRANSLATE_NOOP("ChangesColumn", "Not all of it could be read each time")));
+    return lines.join(QLatin1Char('\n'));
 }
 
 QString ChangesColumn::restText() const {
@@ -127,27 +227,25 @@ QString ChangesColumn::restText() const {
 std::unique_ptr<ColumnModel> ChangesColumn::open(int row) const {
     const auto opened = number(row);
     if (!opened || changeAt(row).childCount == 0) return nullptr;
-    return std::make_unique<ChangesColumn>(m_difference, *opened, m_limit);
+    return std::make_unique<ChangesColumn>(m_scan, *opened);
 }
 
 int ChangesColumn::rowCount(const QModelIndex& parent) const {
     if (parent.isValid()) return 0;
-    return int(m_rows.size()) + (m_rest != 0 || m_restCount != 0 ? 1 : 0);
+    return int(m_rows.size()) + (m_hasRest ? 1 : 0);
 }
 
 QVariant ChangesColumn::data(const QModelIndex& index, int role) const {
     const auto shown = number(index.row());
     switch (role) {
         case Qt::DisplayRole:
-            return shown ? nameText(*m_difference, changeAt(index.row())) : restText();
-        case Qt::ToolTipRole:
-            return asToolTip(shown ? tipOfChange(*m_difference, *shown)
-                                   : restText() + QStringLiteral(": ") + sizeText(index.row()));
+            return shown ? changedName(*m_difference, changeAt(index.row())) : restText();
+        case Qt::ToolTipRole: return asToolTip(tip(index.row()));
         case Qt::AccessibleTextRole: {
-            QString text = data(index, Qt::DisplayRole).toString() + QStringLiteral(", ") +
-                           sizeText(index.row());
-            const QString note = shown ? changeNote(*m_difference, *shown) : QString();
-            return note.isEmpty() ? text : text + QStringLiteral(", ") + note;
+            QStringList said{data(index, Qt::DisplayRole).toString(), sizeText(index.row()),
+                             note(index.row())};
+            said.removeAll(QString());
+            return said.join(QStringLiteral(", "));
         }
         default: return {};
     }

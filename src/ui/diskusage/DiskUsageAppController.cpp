@@ -189,6 +189,7 @@ StateTable DiskUsageAppController::stateTable() const {
         {views.animation, {Hidden, Hidden, Shown, Shown, Shown}},
         {views.stopBtn, {Off, Off, On, On, On}},
         {views.quietLine, {Hidden, Kept, Hidden, Kept, Hidden}},
+        {views.grownLine, {Hidden, Kept, Hidden, Hidden, Hidden}},
         {views.removedLine, {Hidden, Kept, Hidden, Hidden, Hidden}},
         {views.failureLine, {Hidden, Kept, Hidden, Hidden, Hidden}},
     };

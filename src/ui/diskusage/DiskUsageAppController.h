@@ -1,7 +1,8 @@
 // DiskUsageAppController: the page that shows what fills a disk. DiskUsagePlaces.cpp has its
 // places, DiskUsageScanning.cpp its scans, DiskUsageColumns.cpp columns and ticks,
-// DiskUsageMapping.cpp the map, DiskUsageComparing.cpp what changed, DiskUsageRemoving.cpp the
-// removal. The decisions stand in engine/diskusage.
+// DiskUsageMapping.cpp the map, DiskUsageComparing.cpp scans that are kept, DiskUsageChanges.cpp
+// what changed since one, DiskUsageRemoving.cpp the removal. The decisions stand in
+// engine/diskusage.
 #pragma once
 
 #include <QObject>
@@ -11,6 +12,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -136,6 +138,8 @@ private:
         bool hasEmptied = false;                        ///< a removal took the last of it
         std::shared_ptr<const StoredScan> stored = {};  ///< null: it can not be compared
         std::vector<KeptScan> kept = {};                ///< before it
+        std::optional<ScanFacts> earlier = {};          ///< of the one that is offered first
+        std::optional<std::int64_t> wanted = {};        ///< the time of the one being compared
     };
     void browserFiles(const std::string& path);
     void scanNews(const UsageNews& news);
@@ -174,12 +178,18 @@ private:
     void refreshComparing();
     void showCompareMenu();
     void compareWith(std::int64_t time);
-    [[nodiscard]] static std::unique_ptr<ColumnModel> changesColumn(const ShownScan& shown);
+    [[nodiscard]] static std::unique_ptr<ColumnModel> changesColumn(
+        const std::shared_ptr<ShownScan>& shown);
     void showChanges();
     void endComparison();
     [[nodiscard]] bool showsChanges() const;
     [[nodiscard]] QString changesTitle(const QString& path) const;
+    [[nodiscard]] QString compareTip(const Scanned* scanned) const;
+    [[nodiscard]] QString grownText(const Scanned* scanned) const;
+    void compareWithOffered();
+    void comparisonFailed(const Scanned& scanned, const std::string& reason);
     void askToForget();
+    void forgetScans(const std::weak_ptr<ShownScan>& of);
     void willDisplayChange(FileSystemBrowserCell& cell, const QModelIndex& row);
     [[nodiscard]] QString markOf(const FSNode& node) const;
     void goToChange(std::uint32_t number);

@@ -1,9 +1,12 @@
-// DiskUsageAppController: scans that are kept, and what changed since one of them.
+// DiskUsageAppController: scans that are kept, and the one that is compared with.
+// DiskUsageChanges.cpp shows what changed.
 #include <QDateTime>
 #include <QLocale>
 #include <QMenu>
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <ctime>
 #include <utility>
 
 #include "engine/diskusage/history/ScanHistory.h"
@@ -13,44 +16,74 @@
 #include "ui/diskusage/ChangesColumn.h"
 #include "ui/diskusage/DiskUsageAppController.h"
 #include "ui/diskusage/DiskUsageViews.h"
-#include "ui/diskusage/FileSystemBrowserCell.h"
 #include "ui/diskusage/TreemapView.h"
+#include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/chrome/TCImageButton.h"
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/columns/ColumnBrowser.h"
-#include "ui/kit/controls/pathText.h"
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/dialogs/failureWords.h"
-#include "ui/kit/look/picture.h"
-#include "ui/page/rowMenu.h"
 
 namespace orrinvale {
 namespace {
 
-QString momentText(std::int64_t seconds) {
+constexpr std::uint8_t partialScan = FSNode::CutWithin | FSNode::UnreadWithin;
+
+QString scanMoment(std::int64_t seconds) {
     return QLocale().toString(QDateTime::fromSecsSinceEpoch(seconds), QLocale::ShortFormat);
 }
 
-QString dayText(std::int64_t seconds) {
-    return QLocale().toString(QDateTime::fromSecsSinceEpoch(seconds).date(), QLocale::ShortFormat);
+// With the time where the day would say nothing.
+QString scanDay(std::int64_t seconds) {
+    const QDate day = QDateTime::fromSecsSinceEpoch(seconds).date();
+    return day == QDate::currentDate() ? scanMoment(seconds)
+                                       : QLocale().toString(day, QLocale::ShortFormat);
 }
 
-const ChangesColumn* changesOf(const QModelIndex& row) {
-    return qobject_cast<const ChangesColumn*>(row.model());
+// The same words as those of the terminal.
+QString sinceText(std::string_view word) {
+    constexpr std::array<std::pair<std::string_view, const char*>, 4> words{
+        {{lastScanWord, QT_TRANSLATE_NOOP("DiskUsageAppController", "Last scan")},
+         {"yesterday", QT_TRANSLATE_NOOP("DiskUsageAppController", "Yesterday")},
+         {"last-week", QT_TRANSLATE_NOOP("DiskUsageAppController", "Last week")},
+         {"last-month", QT_TRANSLATE_NOOP("DiskUsageAppController", "Last month")}}};
+    const auto* const found =
+        std::ranges::find(words, word, [](const auto& each) { return each.first; });
+    return found == words.end()
+               ? QString()
+               : QCoreApplication::translate("DiskUsageAppController", found->second);
+}
+
+// Of a week ago, or what comes nearest to it.
+std::optional<KeptScan> offeredOf(const std::vector<KeptScan>& kept) {
+    const auto moment = momentOfWord("last-week", std::time(nullptr));
+    return moment ? scanBefore(kept, *moment) : std::nullopt;
 }
 
 /// What comes of a scan that has ended.
-struct Remembered {
+struct RememberedScan {
     std::shared_ptr<const StoredScan> scan;
-    std::vector<KeptScan> kept;  // before it
+    std::vector<KeptScan> kept;        // before it
+    std::optional<ScanFacts> earlier;  // of the one that is offered
 };
 
-Remembered remembered(const ScanHistory& history, ScanRecord& record, bool isKept) {
-    Remembered done;
+RememberedScan rememberedScan(const ScanHistory& history, ScanRecord& record, bool isKept) {
+    RememberedScan done;
     auto scan = parseScan(encodeScan(record));
     if (!scan) return done;
-    done.kept = history.list({scan->facts.root, scan->facts.allFileSystems});
-    std::erase_if(done.kept, [&](const KeptScan& each) { return each.time == scan->facts.time; });
+    const ScanHistory::Place place{scan->facts.root, scan->facts.allFileSystems};
+    done.kept = history.list(place);
+    const auto leave = [&](std::int64_t time) {
+        std::erase_if(done.kept, [time](const KeptScan& each) { return each.time == time; });
+    };
+    leave(scan->facts.time);
+    while (const auto offered = offeredOf(done.kept)) {
+        if (auto earlier = history.load(place, offered->time)) {
+            done.earlier = std::move(earlier->facts);
+            break;
+        }
+        leave(offered->time);
+    }
     if (isKept) static_cast<void>(history.keep(*scan));  // else it is only not there another day
     done.scan = std::make_shared<const StoredScan>(std::move(*scan));
     return done;
@@ -58,47 +91,25 @@ Remembered remembered(const ScanHistory& history, ScanRecord& record, bool isKep
 
 }  // namespace
 
-void DiskUsageAppController::connectChanges() {
-    DiskUsageViews& views = *m_views;
-    connect(views.changesBtn, &QAbstractButton::clicked, this,
-            [this] { showAs(ShownAs::Changes); });
-    connect(views.compareBtn, &QAbstractButton::clicked, this,
-            &DiskUsageAppController::showCompareMenu);
-    ColumnBrowser& browser = *views.changes;
-    browser.setItemDelegate(new FileSystemBrowserCell(
-        {.willDisplay = [this](FileSystemBrowserCell& cell,
-                               const QModelIndex& row) { willDisplayChange(cell, row); },
-         .touched = [](const QModelIndex& /*row*/) {},
-         .boxClicked = [](const QModelIndex& /*row*/) {}},
-        &browser));
-    const auto numberAt = [&browser](int column, int row) {
-        return static_cast<const ChangesColumn&>(browser.model(column)).number(row);
-    };
-    connect(&browser, &ColumnBrowser::openWanted, this, [this, numberAt](int column, int row) {
-        if (const auto number = numberAt(column, row)) goToChange(*number);
-    });
-    connect(&browser, &ColumnBrowser::menuWanted, this,
-            [this, numberAt](int column, int row, QPoint place) {
-                if (const auto number = numberAt(column, row)) showChangeMenu(*number, place);
-            });
-}
-
-// The scan object ends in this turn.
+// Of a folder that could not be read there is nothing to be kept.
 void DiskUsageAppController::rememberScan() {
     const Scanned* const scanned = current();
-    const auto record = m_scan->record();
-    if (scanned == nullptr || record == nullptr || m_parts.stateFolder.empty()) return;
+    const auto record = m_scan->record();  // the scan object ends in this turn
+    if (scanned == nullptr || record == nullptr || m_parts.stateFolder.empty() ||
+        scanned->shown->tree->root().has(FSNode::Unread))
+        return;
     runAside(
         this, "remember scan",
         [record, history = ScanHistory(m_parts.stateFolder),
          isKept = m_parts.defaults->boolForKey(rememberScansKey)] {
-            return remembered(history, *record, isKept);
+            return rememberedScan(history, *record, isKept);
         },
-        [this, of = std::weak_ptr(scanned->shown)](Remembered done) {
+        [this, of = std::weak_ptr(scanned->shown)](RememberedScan done) {
             Scanned* const stands = scannedOf(of);
             if (stands == nullptr) return;
             stands->stored = std::move(done.scan);
             stands->kept = std::move(done.kept);
+            stands->earlier = std::move(done.earlier);
             refreshComparing();
         });
 }
@@ -111,44 +122,59 @@ DiskUsageAppController::Scanned* DiskUsageAppController::scannedOf(
     return found == m_scans.end() ? nullptr : &found->second;
 }
 
+QString DiskUsageAppController::compareTip(const Scanned* scanned) const {
+    if (scanned == nullptr) return {};
+    if (scanned->stored != nullptr && !scanned->kept.empty())
+        return tr("Show what changed since an earlier scan");
+    if (scanned->stored == nullptr &&
+        (scanned->wasStopped || scanned->shown->tree->root().has(FSNode::Unread)))
+        return tr("Only a scan that came to its end can be compared");
+    return m_parts.defaults->boolForKey(rememberScansKey)
+               ? tr("No earlier scan of this place is kept")
+               : tr("The preferences say that scans are not remembered");
+}
+
+// Empty where the list of changes says it, or the line has something newer to tell.
+QString DiskUsageAppController::grownText(const Scanned* scanned) const {
+    if (scanned == nullptr || m_state != State::Result || !scanned->earlier ||
+        scanned->stored == nullptr || scanned->shown->compared != nullptr || m_outcome.removed != 0)
+        return {};
+    const ScanFacts& earlier = *scanned->earlier;
+    const std::uint64_t before = earlier.size;
+    const std::uint64_t now = scanned->shown->tree->root().size();
+    const std::uint64_t difference = std::max(before, now) - std::min(before, now);
+    const bool isPartial = ((earlier.marks | scanned->stored->facts.marks) & partialScan) != 0;
+    constexpr std::uint64_t worthTelling = 1000;
+    if (difference < worthTelling) return tr("As much as on %1").arg(scanDay(earlier.time));
+    return (now > before ? tr("%1 more than on %2") : tr("%1 less than on %2"))
+        .arg(aboutText(bytesWords(difference), isPartial), scanDay(earlier.time));
+}
+
 void DiskUsageAppController::refreshComparing() {
     const Scanned* const scanned = current();
-    const bool hasKept = scanned != nullptr && scanned->stored != nullptr && !scanned->kept.empty();
-    const bool isFreeNow = m_state == State::Result;
     const bool isCompared = scanned != nullptr && scanned->shown->compared != nullptr;
+    const bool canCompare = m_state == State::Result && scanned != nullptr &&
+                            scanned->stored != nullptr && !scanned->kept.empty();
     if (m_shownAs == ShownAs::Changes && !isCompared) {
         m_shownAs = ShownAs::Columns;
         m_views->columnsBtn->setChecked(true);
     }
-    const QString arrow = QStringLiteral(" ") + QChar(0x25BE);
-    m_views->compareBtn->setText(
-        (isCompared ? tr("Since %1").arg(dayText(scanned->shown->compared->before().time))
-                    : tr("Compare")) +
-        arrow);
-    m_views->compareBtn->setEnabled(hasKept && isFreeNow);
-    m_views->compareBtn->setToolTip(hasKept ? tr("Show what changed since an earlier scan")
-                                            : tr("No earlier scan of this place is kept"));
-    m_views->changesBtn->setEnabled(isCompared && isFreeNow);
+    TextImageButton& compare = *m_views->compareBtn;
+    const QString words = isCompared
+                              ? tr("Since %1").arg(scanDay(scanned->shown->compared->before().time))
+                              : tr("Compare");
+    compare.setText(words + QStringLiteral(" ") + QChar(0x25BE));
+    compare.setAccessibleName(words);
+    compare.setEnabled(canCompare);
+    compare.setToolTip(compareTip(scanned));
+    m_views->changesBtn->setEnabled(canCompare || (isCompared && m_state == State::Result));
+    m_views->changesBtn->setToolTip(m_views->changesBtn->isEnabled() ? tr("Changes")
+                                                                     : compareTip(scanned));
+    ResultFrame::showLine(*m_views->grownLine, grownText(scanned));
     if (m_state == State::Result) showFitting();
     showTitle();
     m_views->browser->redraw();
     m_views->map->reload();
-}
-
-bool DiskUsageAppController::showsChanges() const {
-    const auto found = m_scans.find(m_selectedPath);
-    return m_shownAs == ShownAs::Changes && m_state != State::Scanning && found != m_scans.end() &&
-           found->second.shown->compared != nullptr;
-}
-
-QString DiskUsageAppController::changesTitle(const QString& path) const {
-    const ScanDifference& difference = *m_scans.find(m_selectedPath)->second.shown->compared;
-    const ScanChange& whole = difference.root();
-    if (whole.change() == 0) return tr("As much as then in %1").arg(path);
-    return (whole.change() > 0 ? tr("%1 more in %2") : tr("%1 less in %2"))
-        .arg(bytesWords(whole.change() > 0 ? whole.sizeAfter - whole.sizeBefore
-                                           : whole.sizeBefore - whole.sizeAfter),
-             path);
 }
 
 void DiskUsageAppController::showCompareMenu() {
@@ -158,23 +184,39 @@ void DiskUsageAppController::showCompareMenu() {
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->setObjectName(QStringLiteral("compareMenu"));
     const auto& compared = scanned->shown->compared;
+    const std::int64_t now = std::time(nullptr);
     for (auto each = scanned->kept.rbegin(); each != scanned->kept.rend(); ++each) {
-        QAction* const action = menu->addAction(momentText(each->time), this,
-                                                [this, time = each->time] { compareWith(time); });
+        const QString word = sinceText(wordOfScan(scanned->kept, *each, now));
+        const QString moment = scanMoment(each->time);
+        QAction* const action = menu->addAction(
+            word.isEmpty() ? moment : QStringLiteral("%1  \u00B7  %2").arg(word, moment), this,
+            [this, time = each->time] { compareWith(time); });
         action->setCheckable(true);
         action->setChecked(compared != nullptr && compared->before().time == each->time);
     }
     menu->addSeparator();
-    menu->addAction(tr("Without Comparison"), this, [this] { endComparison(); })
-        ->setEnabled(compared != nullptr);
+    QAction* const without =
+        menu->addAction(tr("Without Comparison"), this, [this] { endComparison(); });
+    without->setObjectName(QStringLiteral("withoutComparison"));
+    without->setEnabled(compared != nullptr);
     menu->addAction(tr("Forget the Scans of This Place"), this, [this] { askToForget(); })
         ->setObjectName(QStringLiteral("forgetScans"));
     menu->popup(m_views->compareBtn->mapToGlobal(m_views->compareBtn->rect().bottomLeft()));
 }
 
-void DiskUsageAppController::compareWith(std::int64_t time) {
+// The look changes once there is something to look at.
+void DiskUsageAppController::compareWithOffered() {
     const Scanned* const scanned = current();
+    if (scanned == nullptr) return;
+    if (scanned->shown->compared != nullptr) return showAs(ShownAs::Changes);
+    (m_shownAs == ShownAs::Map ? m_views->mapBtn : m_views->columnsBtn)->setChecked(true);
+    if (const auto offered = offeredOf(scanned->kept)) compareWith(offered->time);
+}
+
+void DiskUsageAppController::compareWith(std::int64_t time) {
+    Scanned* const scanned = current();
     if (scanned == nullptr || scanned->stored == nullptr || m_state != State::Result) return;
+    scanned->wanted = time;
     using Compared = tl::expected<std::shared_ptr<const ScanDifference>, std::string>;
     runAside(
         this, "compare scans",
@@ -187,34 +229,34 @@ void DiskUsageAppController::compareWith(std::int64_t time) {
         },
         [this, of = std::weak_ptr(scanned->shown), time](Compared compared) {
             Scanned* const stands = scannedOf(of);
-            if (stands == nullptr) return;
-            if (compared) stands->shown->compared = std::move(*compared);
-            else
+            // Another one is wanted by now, or none.
+            if (stands == nullptr || stands->wanted != time) return;
+            stands->wanted.reset();
+            if (compared) {
+                stands->shown->compared = std::move(*compared);
+                if (stands == current()) showChanges();
+            } else {
                 std::erase_if(stands->kept,
                               [time](const KeptScan& each) { return each.time == time; });
-            if (compared && stands == current() && m_state == State::Result) showChanges();
+                if (stands->earlier && stands->earlier->time == time) stands->earlier.reset();
+                comparisonFailed(*stands, compared.error());
+            }
             refreshComparing();
-            if (compared) return;
-            Alert alert;
-            alert.title = tr("This scan can not be read.");
-            alert.text = inWords(compared.error());
-            m_parts.dialogs->alert(m_mainWindow, alert, [](int /*button*/) {});
         });
 }
 
-std::unique_ptr<ColumnModel> DiskUsageAppController::changesColumn(const ShownScan& shown) {
-    if (shown.compared == nullptr) return nullptr;
-    return std::make_unique<ChangesColumn>(shown.compared, 0, shown.limit);
-}
-
-void DiskUsageAppController::showChanges() {
-    m_views->changes->setRoot(changesColumn(*current()->shown));
-    showAs(ShownAs::Changes);
+void DiskUsageAppController::comparisonFailed(const Scanned& scanned, const std::string& reason) {
+    if (&scanned != current()) return;
+    Alert alert;
+    alert.title = tr("This scan can not be read.");
+    alert.text = inWords(reason);
+    m_parts.dialogs->alert(m_mainWindow, alert, [](int /*button*/) {});
 }
 
 void DiskUsageAppController::endComparison() {
     Scanned* const scanned = current();
     if (scanned == nullptr || m_state != State::Result) return;
+    scanned->wanted.reset();
     m_views->changes->setRoot(nullptr);
     scanned->shown->compared = nullptr;
     if (m_shownAs == ShownAs::Changes) showAs(ShownAs::Columns);
@@ -231,94 +273,32 @@ void DiskUsageAppController::askToForget() {
            "themselves stay as they are.");
     question.buttons = QStringList{tr("Forget"), tr("Cancel")};
     question.cancelButton = 1;
-    m_parts.dialogs->alert(
-        m_mainWindow, question, [this, of = std::weak_ptr(scanned->shown)](int button) {
-            Scanned* const stands = scannedOf(of);
-            if (button != 0 || stands == nullptr) return;
-            runAside(
-                this, "forget scans",
-                [history = ScanHistory(m_parts.stateFolder),
-                 root = stands->shown->tree->rootPath()] { return history.forget(root); },
-                [](bool /*isForgotten*/) {});
-            stands->kept.clear();
-            if (stands == current()) endComparison();
-            refreshComparing();
+    m_parts.dialogs->alert(m_mainWindow, question,
+                           [self = QPointer(this), of = std::weak_ptr(scanned->shown)](int button) {
+                               if (self != nullptr && button == 0) self->forgetScans(of);
+                           });
+}
+
+void DiskUsageAppController::forgetScans(const std::weak_ptr<ShownScan>& of) {
+    Scanned* const stands = scannedOf(of);
+    if (stands == nullptr) return;
+    runAside(
+        this, "forget scans",
+        [history = ScanHistory(m_parts.stateFolder), root = stands->shown->tree->rootPath()] {
+            return history.forget(root);
+        },
+        [this](bool isForgotten) {
+            if (isForgotten) return;
+            Alert alert;
+            alert.title = tr("The scans could not be forgotten.");
+            m_parts.dialogs->alert(m_mainWindow, alert, [](int /*button*/) {});
         });
-}
-
-void DiskUsageAppController::willDisplayChange(FileSystemBrowserCell& cell,
-                                               const QModelIndex& row) {
-    const ChangesColumn& column = *changesOf(row);
-    const auto number = column.number(row.row());
-    cell.nodeValue = nullptr;
-    cell.button.reset();
-    cell.share.reset();
-    cell.titleStr = row.data().toString();
-    cell.sizeStr = column.sizeText(row.row());
-    cell.noteStr.clear();
-    cell.image = {};
-    cell.opensColumn = false;
-    cell.labelColor = cell.sizeColor = Theme::Color::TextSecondary;
-    if (!number) return;
-    const ScanChange& change = column.difference().all()[*number];
-    cell.noteStr = changeNote(column.difference(), *number);
-    cell.opensColumn = change.childCount != 0;
-    cell.image =
-        change.isFolder ? picture(QStringLiteral("folder"))
-        : m_parts.icons
-            ? m_parts.icons({IconRequest::BareName, std::string(column.difference().name(change))})
-            : QIcon();
-    if (change.kind != ScanChange::Kind::Went) cell.labelColor = Theme::Color::Text;
-    cell.sizeColor = change.change() > 0 ? Theme::Color::Warning : Theme::Color::Success;
-    if (cell.noteStr.isEmpty()) cell.share = column.share(row.row());
-}
-
-// Beside its size; empty where nothing is compared.
-QString DiskUsageAppController::markOf(const FSNode& node) const {
-    const auto found = m_scans.find(m_selectedPath);
-    if (found == m_scans.end() || found->second.shown->compared == nullptr) return {};
-    return changeMark(*found->second.shown->compared, node);
-}
-
-// In the columns, as far down as there is something of it in the tree.
-void DiskUsageAppController::goToChange(std::uint32_t number) {
-    const Scanned* const scanned = current();
-    if (scanned == nullptr || scanned->shown->compared == nullptr || m_state != State::Result)
-        return;
-    const ScanDifference& difference = *scanned->shown->compared;
-    std::vector<std::string_view> way;
-    for (; number != 0; number = difference.all()[number].parent)
-        way.push_back(difference.name(difference.all()[number]));
-    const FSNode* node = &scanned->shown->tree->root();
-    for (auto each = way.rbegin(); each != way.rend(); ++each) {
-        const auto children = node->children();
-        const auto found = std::ranges::find(children, *each, &FSNode::name);
-        if (found == children.end()) break;
-        node = *found;
-    }
-    showAs(ShownAs::Columns);
-    goTo(*node);
-}
-
-void DiskUsageAppController::showChangeMenu(std::uint32_t number, QPoint position) {
-    const Scanned* const scanned = current();
-    if (scanned == nullptr || scanned->shown->compared == nullptr) return;
-    const auto compared = scanned->shown->compared;
-    const bool isGone = compared->all()[number].kind == ScanChange::Kind::Went;
-    QMenu* const menu =
-        makeRowMenu(m_views->page, *this,
-                    {.preview = {},
-                     .reveal =
-                         [this, compared, number] {
-                             if (m_parts.reveal) m_parts.reveal(compared->path(number));
-                         },
-                     .path = [compared, number] { return compared->path(number); }});
-    QAction* const show = menu->addAction(tr("Show in Columns"), this, [this, number, compared] {
-        const Scanned* const stands = current();
-        if (stands != nullptr && stands->shown->compared == compared) goToChange(number);
-    });
-    show->setEnabled(!isGone && m_state == State::Result);
-    menu->popup(position);
+    stands->kept.clear();
+    stands->earlier.reset();
+    stands->wanted.reset();
+    if (stands == current()) endComparison();
+    else stands->shown->compared = nullptr;
+    refreshComparing();
 }
 
 }  // namespace orrinvale

@@ -199,6 +199,7 @@ void DiskUsageAppController::removalNews() {
     if (!gone.empty()) {
         forgetSkipped(gone);
         current()->shown->tree->takeOut(gone);
+        current()->shown->hasChanged = true;
         if (!m_reloadTimer.isActive()) m_reloadTimer.start();
     }
     const RemovalJob::Progress progress = m_removal->progress();
@@ -220,6 +221,7 @@ void DiskUsageAppController::removalEnded(const RemovalOutcome& outcome) {
     settleStates(m_delNodesArr);
     m_delNodesArr.clear();
     m_views->browser->reload();
+    m_views->changes->reload();
     Scanned& scanned = *current();
     scanned.hasEmptied = outcome.removed != 0;
     if (m_beforeSelectRow == 0)

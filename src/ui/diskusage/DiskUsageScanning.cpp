@@ -98,6 +98,7 @@ void DiskUsageAppController::scanAgain(std::vector<FSNode*> folders) {
     Scanned* const scanned = current();
     if (scanned == nullptr || folders.empty()) return;
     m_isRescan = true;
+    scanned->shown->hasChanged = true;
     m_rescanned.clear();
     for (const FSNode* const folder : folders) m_rescanned.insert(folder->path());
     m_views->animation->initZeroPrograss();
@@ -176,6 +177,7 @@ void DiskUsageAppController::browseFilesFinished() {
     // It is the scan's own call that is running, so that it goes in a later turn.
     m_parts.mainQueue->async([ended = std::shared_ptr<DiskUsageScan>(std::move(m_scan))] {});
     m_views->browser->reload();
+    m_views->changes->reload();
     m_allNodeSize = scanned.shown->tree->root().size();
     if (m_beforeSelectRow == 0) m_leftCellArr.front()->updateSize(bytesWords(m_allNodeSize));
     if (m_beforeSelectRow >= 0) m_leftCellArr[std::size_t(m_beforeSelectRow)]->setIsScaned(true);
@@ -210,7 +212,7 @@ void DiskUsageAppController::showTree() {
         scanned == nullptr
             ? nullptr
             : std::make_unique<FSNodeColumn>(scanned->shown, scanned->shown->tree->root()));
-    m_views->changes->setRoot(scanned == nullptr ? nullptr : changesColumn(*scanned->shown));
+    m_views->changes->setRoot(scanned == nullptr ? nullptr : changesColumn(scanned->shown));
     m_views->showSkipped(scanned == nullptr ? 0 : scanned->skipped.size());
     showFitting();
     showRemoved();

@@ -179,6 +179,10 @@ void DiskUsageViews::fillContent(const NotificationCenter& notifications, const 
 }
 
 void DiskUsageViews::fillBottom() {
+    grownLine = named(new HoverButton, "grownLine");
+    grownLine->setToolTip(tr("Show what changed since then"));
+    grownLine->hide();
+    bottom->insertWidget(bottom->indexOf(quietLine) + 1, grownLine);
     tickedLabel = makeLabel("tickedLabel", Theme::Text::Body, QPalette::PlaceholderText);
     tickedLabel->hide();
     trashBtn = named(new PictureView(QStringLiteral("trash"), {20, 20}), "trashBtn");

@@ -70,6 +70,7 @@ public:
     QWidget* emptyView = nullptr;
     QLabel* emptyLabel = nullptr;
     TextImageButton* otherFolderBtn = nullptr;
+    HoverButton* grownLine = nullptr;  ///< how much more there is than an earlier scan found
     QLabel* tickedLabel = nullptr;
     PictureView* trashBtn = nullptr;
     TextImageButton* removeBtn = nullptr;

@@ -18,6 +18,7 @@ struct ShownScan {
     std::uint64_t limit = 0;  ///< bytes, of the scan
     bool allFileSystems = false;
     bool isRunning = false;
+    bool hasChanged = false;  ///< by a removal, or a folder that was read again
     /// What changed since an earlier scan; null while nothing is compared. Of the main thread.
     std::shared_ptr<const ScanDifference> compared;
 };

@@ -142,7 +142,7 @@ void FileSystemBrowserCell::drawNote(QPainter& painter, const QStyleOptionViewIt
                                      const QRect& place) const {
     painter.setPen(Theme::shared().color(Theme::Color::TextSecondary));
     painter.drawText(mirrored(option, place), aligned(option, Qt::AlignLeft) | Qt::TextSingleLine,
-                     painter.fontMetrics().elidedText(noteStr, Qt::ElideMiddle, place.width()));
+                     painter.fontMetrics().elidedText(noteStr, Qt::ElideRight, place.width()));
 }
 
 void FileSystemBrowserCell::drawShare(QPainter& painter, const QStyleOptionViewItem& option,

@@ -7,6 +7,7 @@
 #include <QLocale>
 #include <QPainter>
 #include <algorithm>
+#include <cmath>
 #include <string_view>
 #include <utility>
 
@@ -18,7 +19,7 @@ namespace orrinvale {
 namespace {
 
 constexpr TreemapSpacing spacing{.inset = 2, .header = 17, .least = 14};
-constexpr qreal textMargin = 4, leastText = 34;
+constexpr qreal textMargin = 4, leastText = 34, changeSignSide = 8;
 
 struct Brush {
     QPainter& painter;
@@ -28,28 +29,72 @@ struct Brush {
     [[nodiscard]] QColor color(Theme::Color role) const { return Theme::color(role, order.scheme); }
 };
 
-QString markBehindSize(const Brush& brush, const TreemapEntry& entry) {
+NodeChange changeOfEntry(const Brush& brush, const TreemapEntry& entry) {
     if (brush.order.compared == nullptr || entry.isLeftOut()) return {};
-    const QString mark = changeMark(*brush.order.compared, *entry.node);
+    return changeOfNode(*brush.order.compared, *entry.node, entry.size);
+}
+
+QString behindName(const NodeChange& change) {
+    const QString mark = markText(change);
     return mark.isEmpty() ? mark : QStringLiteral("  ") + mark;
 }
 
-void drawName(const Brush& brush, std::size_t index, const QRectF& place, bool isHeader) {
+// By its shape, so that nobody has to tell it by a colour.
+void drawChangeSign(const Brush& brush, const QRectF& place, NodeChange::Kind kind) {
+    if (kind == NodeChange::Kind::None || place.width() < changeSignSide + textMargin ||
+        place.height() < changeSignSide + textMargin)
+        return;
+    // On whole points, so that its edges are sharp.
+    const QRectF box(std::round(place.right() - textMargin - changeSignSide),
+                     std::round(place.top() + textMargin), changeSignSide, changeSignSide);
+    QPainter& painter = brush.painter;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(brush.color(Theme::Color::Text));
+    const QPointF middle = box.center();
+    if (kind == NodeChange::Kind::Grew) {
+        painter.drawPolygon(
+            QPolygonF({box.bottomLeft(), {middle.x(), box.top()}, box.bottomRight()}));
+    } else if (kind == NodeChange::Kind::Shrank) {
+        painter.drawPolygon(QPolygonF({box.topLeft(), {middle.x(), box.bottom()}, box.topRight()}));
+    } else {
+        constexpr qreal half = 1;
+        painter.drawRect(QRectF(box.left(), middle.y() - half, changeSignSide, 2 * half));
+        painter.drawRect(QRectF(middle.x() - half, box.top(), 2 * half, changeSignSide));
+    }
+    painter.restore();
+}
+
+// What did not change steps back behind what did.
+QColor fadedGround(const Brush& brush, const QColor& color) {
+    constexpr float kept = 0.35F;
+    const QColor ground = brush.color(Theme::Color::Window);
+    const auto mix = [](float one, float other) { return one * kept + other * (1 - kept); };
+    return QColor::fromRgbF(mix(color.redF(), ground.redF()), mix(color.greenF(), ground.greenF()),
+                            mix(color.blueF(), ground.blueF()));
+}
+
+void drawName(const Brush& brush, std::size_t index, const QRectF& place, bool isHeader,
+              const NodeChange& change) {
     const qreal height = brush.metrics.height();
     if (place.width() < leastText || place.height() < height + 2) return;
     const TreemapEntry& entry = brush.order.entries[index];
     QString name = entry.isLeftOut()
                        ? restWords(entry, brush.order.scan->limit)
                        : onOneLine(QString::fromStdString(std::string(entry.node->name())));
+    const qreal forSign =
+        !isHeader && change.kind != NodeChange::Kind::None ? changeSignSide + textMargin : 0;
     const QRectF inside =
         (isHeader ? QRectF(place.topLeft(), QSizeF(place.width(), height + 2)) : place)
             .adjusted(textMargin, 1, -textMargin, -1);
-    if (isHeader) name += markBehindSize(brush, entry);
+    if (isHeader) name += behindName(change);
     const Qt::Alignment side = Qt::AlignLeft | (isHeader ? Qt::AlignVCenter : Qt::AlignTop);
     brush.painter.setPen(brush.color(Theme::Color::Text));
-    brush.painter.drawText(inside, int(side) | Qt::TextSingleLine,
-                           brush.metrics.elidedText(name, Qt::ElideMiddle, inside.width()));
-    const QString size = bytesWords(entry.size) + markBehindSize(brush, entry);
+    brush.painter.drawText(
+        inside, int(side) | Qt::TextSingleLine,
+        brush.metrics.elidedText(name, Qt::ElideMiddle, inside.width() - forSign));
+    const QString size = bytesWords(entry.size) + behindName(change);
     if (!isHeader && place.height() >= 2 * height + 4 &&
         brush.metrics.horizontalAdvance(size) <= inside.width())
         brush.painter.drawText(inside.translated(0, height), int(side) | Qt::TextSingleLine, size);
@@ -63,16 +108,21 @@ void drawEntry(const Brush& brush, std::size_t index, const TreemapRectangle& pl
     // The gap between neighbours is the ground that shines through.
     const qreal gap = hasChildren ? 0 : std::min({1.0, whole.width() / 4, whole.height() / 4});
     const QRectF inside = whole.adjusted(0, 0, -gap, -gap);
-    brush.painter.fillRect(inside, brush.color(!hasChildren       ? treemapColor(entry)
-                                               : entry.depth == 0 ? Theme::Color::Window
-                                                                  : Theme::Color::Surface));
+    const NodeChange change = changeOfEntry(brush, entry);
+    const QColor ground = brush.color(!hasChildren       ? treemapColor(entry)
+                                      : entry.depth == 0 ? Theme::Color::Window
+                                                         : Theme::Color::Surface);
+    const bool stepsBack =
+        brush.order.compared != nullptr && !hasChildren && change.kind == NodeChange::Kind::None;
+    brush.painter.fillRect(inside, stepsBack ? fadedGround(brush, ground) : ground);
     // Slanted lines, so that nobody has to tell it by the colour.
     if (isTicked) {
         QColor lines = brush.color(Theme::Color::Accent);
         lines.setAlphaF(0.4F);
         brush.painter.fillRect(inside, QBrush(lines, Qt::BDiagPattern));
     }
-    if (entry.depth != 0) drawName(brush, index, inside, hasChildren);
+    if (!hasChildren) drawChangeSign(brush, inside, change.kind);
+    if (entry.depth != 0) drawName(brush, index, inside, hasChildren, change);
 }
 
 // Around what was ticked itself, over all that is in it.

@@ -19,6 +19,7 @@
 #include "engine/base/Log.h"
 #include "engine/base/MainQueue.h"
 #include "engine/cleaning/cleanNotices.h"
+#include "engine/diskusage/history/ScanHistory.h"
 #include "engine/duplicates/cache/HashCache.h"
 #include "engine/loginitems/LoginItemRegistry.h"
 #include "engine/loginitems/launchAtLogin.h"
@@ -161,7 +162,6 @@ PreferencePage::~PreferencePage() = default;
 void PreferencePage::loadView() {
     m_views = std::make_unique<PreferenceViews>();
     showFaults();
-    showRemembered(0);
     readSettings();
     connectControls();
     connectBoxes();
@@ -241,6 +241,7 @@ void PreferencePage::connectBoxes() {
             &PreferencePage::changeShowStatusBtnClick);
     connect(m_views->checkBoxBtn, &TickBox::clicked, this, &PreferencePage::loginButtonAction);
     connect(m_views->forgetButton, &HoverButton::clicked, this, &PreferencePage::forgetContents);
+    connect(m_views->forgetScansButton, &HoverButton::clicked, this, &PreferencePage::forgetScans);
     for (int group = 0; group < PreferenceViews::GroupCount; ++group)
         connect(m_views->boxes.at(std::size_t(group))->restoreButton(), &HoverButton::clicked, this,
                 [this, group] { restoreDefaults(static_cast<Group>(group)); });
@@ -339,6 +340,7 @@ void PreferencePage::showFaults() {
     grey(Group::General, views.checkBoxBtn, hasLogin, noLogin);
     grey(Group::General, views.startHiddenBox, hasLogin, noLogin);
     if (hasLogin) readLogin();
+    showRemembered();
 }
 
 // Why the program never looks for newer versions by itself.
@@ -353,15 +355,25 @@ QString PreferencePage::updateFault() const {
 
 void PreferencePage::readRemembered() {
     runAside(
-        this, "readRemembered", [] { return hashCacheSize(hashCachePath()).bytes; },
-        [this](std::uint64_t bytes) { showRemembered(bytes); });
+        this, "readRemembered",
+        [stateFolder = m_services.stateFolder] {
+            return RememberedBytes{hashCacheSize(hashCachePath()).bytes,
+                                   stateFolder.empty() ? 0 : ScanHistory(stateFolder).size()};
+        },
+        [this](const RememberedBytes& remembered) {
+            m_remembered = remembered;
+            showRemembered();
+        });
 }
 
-void PreferencePage::showRemembered(std::uint64_t bytes) {
-    HoverButton& button = *m_views->forgetButton;
-    const QString size = shownSize(UtilityFunction::convertVolSpace(bytes));
-    button.setText(bytes == 0 ? tr("Nothing Remembered") : tr("Forget %1").arg(size));
-    button.setEnabled(bytes != 0);
+void PreferencePage::showRemembered() {
+    const auto show = [](HoverButton& button, std::uint64_t bytes) {
+        const QString size = shownSize(UtilityFunction::convertVolSpace(bytes));
+        button.setText(bytes == 0 ? tr("Nothing Remembered") : tr("Forget %1").arg(size));
+        button.setEnabled(bytes != 0);
+    };
+    show(*m_views->forgetButton, m_remembered.contents);
+    show(*m_views->forgetScansButton, m_remembered.scans);
 }
 
 // The box shows what is so, and not what was wanted once.
@@ -467,12 +479,28 @@ void PreferencePage::forgetContents() {
     runAside(
         this, "forgetContents", [] { return clearHashCache(hashCachePath()); },
         [this](const Result<void>& cleared) {
-            m_views->failureLine->setVisible(!cleared);
-            if (!cleared)
-                m_views->failureLine->setText(
-                    tr("It could not be forgotten: %1").arg(inWords(cleared.error().reason())));
-            readRemembered();
+            tellForgotten(
+                cleared
+                    ? QString()
+                    : tr("It could not be forgotten: %1").arg(inWords(cleared.error().reason())));
         });
+}
+
+void PreferencePage::forgetScans() {
+    m_views->forgetScansButton->setEnabled(false);
+    runAside(
+        this, "forgetScans",
+        [history = ScanHistory(m_services.stateFolder)] { return history.clear(); },
+        [this](bool isClear) {
+            tellForgotten(isClear ? QString() : tr("The scans could not be forgotten."));
+        });
+}
+
+// Empty where it could.
+void PreferencePage::tellForgotten(const QString& fault) {
+    m_views->failureLine->setVisible(!fault.isEmpty());
+    m_views->failureLine->setText(fault);
+    readRemembered();
 }
 
 void PreferencePage::changeKeepRunning() {

@@ -74,6 +74,8 @@ public:
     void changeKeepRunning();
     /// Forgets what searches remember of files.
     void forgetContents();
+    /// Forgets the kept scans of all places.
+    void forgetScans();
     /// Four digits of the field stay, and the number is stored under the key of its tag.
     void controlTextDidChange(NumberField& field);
 
@@ -96,13 +98,18 @@ private:
     void showFaults();
     [[nodiscard]] QString updateFault() const;
     void readRemembered();
-    void showRemembered(std::uint64_t bytes);
+    struct RememberedBytes {
+        std::uint64_t contents = 0, scans = 0;
+    };
+    void showRemembered();
+    void tellForgotten(const QString& fault);
     void readLogin();
     void showLogin(bool starts);
 
     const PageServices m_services;
     const PreferenceParts m_parts;
     std::unique_ptr<PreferenceViews> m_views;
+    RememberedBytes m_remembered;
     bool m_isAwaitingRead = false;
     int m_loginErrands = 0;  // under way
     std::int64_t m_loginCheck = 0;

@@ -175,12 +175,14 @@ void PreferenceViews::makeDiskUsage() {
         named(makeChoice("diskUsageUnit", unitItems()), "diskUsageUnit", tr("Unit of the size"));
     oneFileSystemBox = named(new TickBox(tr("Stay on one file system")), "oneFileSystemBox");
     rememberScansBox = named(new TickBox(tr("Remember scans")), "rememberScansBox");
+    forgetScansButton = named(new HoverButton, "forgetScansButton");
     PreferenceGroup& box = *boxes[DiskUsage];
     box.add(tr("List from"), diskUsageLimit, tr("Smaller entries are added up in one line."),
             diskUsageUnit);
     box.add({}, oneFileSystemBox, tr("Other disks that are mounted in a folder are left out."));
     box.add({}, rememberScansBox,
-            tr("Names and sizes of folders are kept, for you alone, to tell what grew since."));
+            tr("Names and sizes of folders are kept, for you alone, to tell what grew since."),
+            forgetScansButton);
 }
 
 void PreferenceViews::makeUpdates() {

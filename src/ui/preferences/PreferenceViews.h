@@ -71,6 +71,7 @@ public:
     QComboBox* diskUsageUnit = nullptr;
     TickBox* oneFileSystemBox = nullptr;
     TickBox* rememberScansBox = nullptr;
+    HoverButton* forgetScansButton = nullptr;  ///< likewise
     TickBox* autoCheckUpdates = nullptr;
     QComboBox* updateTime = nullptr;
     TickBox* checkBoxBtn = nullptr;

@@ -326,6 +326,27 @@ TEST(ScanHistory, keepsTheOldestAndTheNewestAndFewBetween) {
     EXPECT_TRUE(namesIn(kept.tree.at("state/scans")).empty());
 }
 
+TEST(ScanHistory, wordsMeanTheScanOfThatDayOrTheLastOneBeforeIt) {
+    constexpr std::int64_t day = 86400, now = 1'795'384'000;
+    const auto today = *momentOfWord("yesterday", now);
+    EXPECT_LE(today, now);
+    const std::vector<KeptScan> scans{{today - 40 * day}, {today - 20 * day}, {today - 6 * day - 1},
+                                      {today - 5 * day},  {today - 1},        {today + 1}};
+    const std::pair<const char*, std::size_t> cases[] = {
+        {"last", 5}, {"yesterday", 4}, {"last-week", 2}, {"last-month", 0}};
+    std::size_t named = 0;
+    for (const auto& [word, number] : cases) {
+        const auto meant = scanBefore(scans, *momentOfWord(word, now));
+        EXPECT_EQ(meant->time, scans[number].time) << word;
+        EXPECT_EQ(wordOfScan(scans, *meant, now), word);
+    }
+    for (const KeptScan& each : scans) named += wordOfScan(scans, each, now).empty() ? 0U : 1U;
+    EXPECT_EQ(named, std::size(cases));
+    const std::vector<KeptScan> young{{now - 10}, {now - 5}};
+    EXPECT_EQ(wordOfScan(young, young.front(), now), "") << "no scan is as old as a week";
+    EXPECT_FALSE(momentOfWord("tomorrow", now));
+}
+
 TEST(ScanHistory, losesABadFileAlone) {
     KeptScans kept;
     for (const std::int64_t time : {1000, 2000, 3000}) kept.keep(time);

@@ -38,7 +38,7 @@ public:
                          .defaults = &defaults,
                          .dialogs = &dialogs,
                          .mainQueue = &mainQueue,
-                         .stateFolder = keepsScans ? tree.at("state") : std::string(),
+                         .stateFolder = keepsScans ? stateFolder() : std::string(),
                          .icons = {},
                          .reveal = [this](const std::string& path) { told.push_back(path); },
                          .openAddress = {}},
@@ -61,6 +61,10 @@ public:
     UsagePage(const UsagePage&) = delete;
     UsagePage& operator=(const UsagePage&) = delete;
 
+    /// As the program in the terminal finds it where the desktop's folder for such is "state".
+    [[nodiscard]] std::string stateFolder() const {
+        return tree.at("state/com.kelpford.Orrinvale");
+    }
     ColumnBrowser& browser() { return control<ColumnBrowser>("browser"); }
     bool ended() {
         return waitFor([this] { return !page->isBusy(); });

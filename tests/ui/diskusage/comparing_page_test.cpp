@@ -1,8 +1,15 @@
 // What changed since a scan of another day, on the disk usage page.
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QMenu>
+#include <QProcess>
+#include <cmath>
 
 #include "engine/diskusage/history/ScanHistory.h"
+#include "platform/linux/LinuxFiles.h"
 #include "ui/diskusage/ChangesColumn.h"
+#include "ui/diskusage/TreemapPicture.h"
 #include "ui/diskusage/UsagePage.h"
 
 namespace orrinvale::testing {
@@ -43,20 +50,29 @@ public:
                     rows.data(rows.index(row), Qt::AccessibleTextRole).toString().toStdString();
         return text;
     }
-    Strings keptFiles() { return namesIn(tree.at("state/scans")); }
+    /// A file comes, one grows, one goes, and a small one grows.
+    void change() {
+        std::filesystem::remove(tree.at("data/films/two.mkv"));
+        EXPECT_TRUE(tree.sparse("data/films/new/three.mkv", 9 * mega) &&
+                    tree.sparse("data/big.iso", 5 * mega) &&
+                    tree.write("data/small.txt", std::string(5300, 's')));
+    }
+    /// A row of the columns, likewise.
+    std::string said(int column, int row) {
+        const QVariant text = browser().model(column).index(row).data(Qt::AccessibleTextRole);
+        return text.toString().toStdString();
+    }
+    Strings keptFiles() { return namesIn(stateFolder() + "/scans"); }
 
-    ScanHistory history{tree.at("state")};
+    ScanHistory history{stateFolder()};
 };
 
 TEST(DiskUsagePage, TellsWhatChangedSinceAKeptScan) {
     ComparingPage on;
-    std::filesystem::remove(on.tree.at("data/films/two.mkv"));
-    ASSERT_TRUE(on.tree.sparse("data/films/new/three.mkv", 9 * mega) &&
-                on.tree.sparse("data/big.iso", 5 * mega) &&
-                on.tree.write("data/small.txt", std::string(5300, 's')));
+    on.change();
     ASSERT_TRUE(on.scan("data"));
     ASSERT_TRUE(on.waitFor([&] { return on.isEnabled("compareBtn"); }));
-    EXPECT_FALSE(on.isEnabled("changesBtn"));
+    EXPECT_TRUE(on.textOf("grownLine").starts_with("8.01 MB more than on "));
     EXPECT_TRUE(on.waitFor([&] { return on.keptFiles().size() == 2; })) << "this scan is kept too";
     ASSERT_TRUE(on.choose(""));
     ASSERT_TRUE(on.waitFor([&] { return on.isShown("changes"); }));
@@ -73,17 +89,9 @@ TEST(DiskUsagePage, TellsWhatChangedSinceAKeptScan) {
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
     EXPECT_TRUE(on.isShown("browser"));
     EXPECT_EQ(on.page->itemPath(), on.tree.at("data/films/new"));
-    const auto said = [&](int column, int row) {
-        return on.browser()
-            .model(column)
-            .index(row)
-            .data(Qt::AccessibleTextRole)
-            .toString()
-            .toStdString();
-    };
-    EXPECT_EQ(said(0, 0), "films, 12.00 MB, +7.00 MB");
-    EXPECT_EQ(said(1, 1), "one.mkv, 3.00 MB");
-    EXPECT_EQ(said(2, 0), "three.mkv, 9.00 MB, new");
+    EXPECT_EQ(on.said(0, 0), "films, 12.00 MB, +7.00 MB");
+    EXPECT_EQ(on.said(1, 1), "one.mkv, 3.00 MB");
+    EXPECT_EQ(on.said(2, 0), "three.mkv, 9.00 MB, new");
 
     on.dialogs.willAnswer(1);
     ASSERT_TRUE(on.choose("forgetScans"));
@@ -92,7 +100,7 @@ TEST(DiskUsagePage, TellsWhatChangedSinceAKeptScan) {
     ASSERT_TRUE(on.choose("forgetScans"));
     EXPECT_TRUE(on.waitFor([&] { return on.keptFiles().empty(); }));
     EXPECT_FALSE(on.isEnabled("compareBtn"));
-    EXPECT_EQ(said(0, 0), "films, 12.00 MB");
+    EXPECT_EQ(on.said(0, 0), "films, 12.00 MB");
 }
 
 TEST(DiskUsagePage, KeepsNoScanWhereThatIsSwitchedOffAndTellsOfADamagedOne) {
@@ -101,13 +109,150 @@ TEST(DiskUsagePage, KeepsNoScanWhereThatIsSwitchedOffAndTellsOfADamagedOne) {
     ASSERT_TRUE(on.scan("data"));
     ASSERT_TRUE(on.waitFor([&] { return on.isEnabled("compareBtn"); }));
     ASSERT_EQ(on.keptFiles().size(), 1);
-    ASSERT_TRUE(on.tree.write("state/scans/" + on.keptFiles().front(), "garbage"));
+    ASSERT_TRUE(
+        on.tree.write("state/com.kelpford.Orrinvale/scans/" + on.keptFiles().front(), "garbage"));
     on.dialogs.willAnswer(0);
     ASSERT_TRUE(on.choose(""));
     ASSERT_TRUE(on.waitFor([&] { return !on.dialogs.alerts().empty(); }));
     EXPECT_EQ(on.dialogs.alerts().back().title, QStringLiteral("This scan can not be read."));
     EXPECT_FALSE(on.isEnabled("compareBtn") || on.isShown("changes"));
     EXPECT_TRUE(on.keptFiles().empty());
+}
+
+TEST(DiskUsagePage, TellsTheSameAsTheTerminalSinceLastWeek) {
+    ComparingPage on;
+    on.change();
+    ASSERT_TRUE(on.tree.hardLink("data/films/new/three.mkv", "data/again.mkv"));
+    ASSERT_TRUE(on.scan("data"));
+    ASSERT_TRUE(on.waitFor([&] { return on.isEnabled("changesBtn"); }));
+    on.click("changesBtn");
+    ASSERT_TRUE(on.waitFor([&] { return on.isShown("changes"); }));
+    QProcess program;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_STATE_HOME"),
+                       QString::fromStdString(on.tree.at("state")));
+    program.setProcessEnvironment(environment);
+    program.start(QStringLiteral(ORRINVALE_CLI_PATH),
+                  {QStringLiteral("usage"), QStringLiteral("--quiet"), QStringLiteral("--json"),
+                   QStringLiteral("--all-file-systems"), QStringLiteral("--since"),
+                   QStringLiteral("last-week"), QString::fromStdString(on.tree.at("data"))});
+    ASSERT_TRUE(program.waitForFinished());
+    const QJsonObject told = QJsonDocument::fromJson(program.readAllStandardOutput()).object();
+    std::string ofTerminal;
+    for (const QJsonValue each : told[u"entries"].toArray())
+        ofTerminal += fmt::format("{} {}; ", each[u"name"].toString().toStdString(),
+                                  each[u"change"].toInteger());
+    std::string ofPage;
+    const auto& rows = static_cast<ChangesColumn&>(on.control<ColumnBrowser>("changes").model(0));
+    for (int row = 0; rows.number(row); ++row)
+        ofPage += fmt::format("{} {}; ", rows.index(row).data().toString().toStdString(),
+                              rows.change(row));
+    EXPECT_EQ(ofPage, "again.mkv 9000000; films 7000000; big.iso 1000000; ");
+    EXPECT_EQ(ofTerminal, ofPage) << program.readAllStandardError().toStdString();
+    EXPECT_EQ(told[u"change"].toInteger(), 17'005'000);
+    EXPECT_EQ(rows.change(3), told[u"below"][u"change"].toInteger());
+}
+
+TEST(DiskUsagePage, ARemovalIsGoneFromTheComparisonToo) {
+    ComparingPage on;
+    on.change();
+    ASSERT_TRUE(on.scan("data"));
+    ASSERT_TRUE(on.waitFor([&] { return on.isShown("grownLine"); }));
+    on.click("grownLine");
+    ASSERT_TRUE(on.waitFor([&] { return on.isShown("changes"); }));
+    on.click("columnsBtn");
+    on.clickRow(0, 0, false);
+    on.clickRow(1, 0, true);
+    ASSERT_TRUE(on.remove(0));
+    ASSERT_FALSE(isThere(on.tree.at("data/films/new")));
+    on.click("changesBtn");
+    EXPECT_TRUE(on.textOf("titleLabel").starts_with("995.00 KB less in "))
+        << on.textOf("titleLabel");
+    EXPECT_EQ(on.changes(0), "films, -2.00 MB; big.iso, +1.00 MB; Files under 1.00 MB, +5.00 KB");
+    on.control<ColumnBrowser>("changes").choose(0, 0);
+    EXPECT_EQ(on.changes(1), "new, 0.00 KB, removed; two.mkv, -2.00 MB, gone");
+    const std::string marks = on.said(0, 0) + "; " + on.said(0, 1);
+    EXPECT_TRUE(marks.find("big.iso, 5.00 MB, +1.00 MB") != std::string::npos &&
+                marks.find("films, 3.00 MB, -2.00 MB") != std::string::npos)
+        << marks;
+}
+
+TEST(DiskUsagePage, WhatIsForgottenMeanwhileIsNotCompared) {
+    ComparingPage on;
+    ASSERT_TRUE(on.scan("data"));
+    ASSERT_TRUE(on.waitFor([&] { return on.isEnabled("compareBtn"); }));
+    EXPECT_TRUE(on.textOf("grownLine").starts_with("As much as on "));
+    on.dialogs.willAnswer(0);
+    ASSERT_TRUE(on.choose("forgetScans") && on.choose(""));
+    ASSERT_TRUE(on.waitFor([&] { return on.keptFiles().empty(); }));
+    QTest::qWait(50);
+    EXPECT_FALSE(on.isShown("changes") || on.isEnabled("compareBtn") || on.isShown("grownLine"));
+}
+
+TEST(DiskUsagePage, KeepsNothingOfAScanThatWasStopped) {
+    ComparingPage on;
+    on.reading.shut();
+    on.page->takeFolder(on.tree.at("data"));
+    ASSERT_TRUE(on.waitFor([&] { return on.reading.isWaitedAt(); }));
+    on.click("stopBtn");
+    ASSERT_TRUE(on.ended());
+    on.reading.open();
+    QTest::qWait(50);
+    EXPECT_EQ(on.keptFiles().size(), 1);
+    EXPECT_EQ(on.control("compareBtn").toolTip(),
+              QStringLiteral("Only a scan that came to its end can be compared"));
+}
+
+// By shape and lightness, in both palettes.
+TEST(TreemapPicture, MarksWhatChangedSoThatItCanBeToldWithoutColours) {
+    TestTree tree;
+    const LinuxFileSystem files;
+    for (const char* const name : {"grows.mkv", "shrinks.mkv", "stays.mkv"})
+        ASSERT_TRUE(tree.sparse(name, 40 * mega));
+    const auto scan = [&](const std::shared_ptr<FSNodeTree>& into) {
+        DiskUsageScan run({.files = &files, .mainQueue = nullptr, .news = {}});
+        run.start(into, {.records = true});
+        run.waitForEnd();
+        return parseScan(encodeScan(*run.record()));
+    };
+    const auto before = scan(std::make_shared<FSNodeTree>(tree.path()));
+    ASSERT_TRUE(tree.sparse("grows.mkv", 43 * mega) && tree.sparse("shrinks.mkv", 39 * mega) &&
+                tree.sparse("comes.mkv", 42 * mega));
+    const auto shown = std::make_shared<ShownScan>();
+    shown->tree = std::make_shared<FSNodeTree>(tree.path());
+    const auto after = scan(shown->tree);
+    const auto compared =
+        std::make_shared<const ScanDifference>(*ScanDifference::of(*before, *after));
+    constexpr QSize size(400, 300);
+    for (const Theme::Scheme scheme : {Theme::Scheme::Dark, Theme::Scheme::Light}) {
+        Theme::shared().setScheme(scheme);
+        shown->compared = nullptr;
+        const auto plain = drawTreemap(treemapOrder(shown, shown->tree->root(), size, 1));
+        shown->compared = compared;
+        const auto marked = drawTreemap(treemapOrder(shown, shown->tree->root(), size, 1));
+        std::string told;
+        for (const FSNode* const node : shown->tree->root().children()) {
+            const TreemapRectangle place = *marked.placeOf(*node);
+            const QPoint low(int(place.left) + 10, int(place.bottom) - 10);
+            told += fmt::format("{}:", node->name());
+            if (marked.image.pixel(low) != plain.image.pixel(low)) told += " steps back";
+            // Of the sign in the corner how wide it is at its top and at its foot.
+            const QRgb ink = Theme::color(Theme::Color::Text, scheme).rgb();
+            for (const int y : {0, 7}) {
+                int width = 0;
+                for (int x = 0; x < 8; ++x)
+                    width += marked.image.pixel(int(std::lround(place.right)) - 13 + x,
+                                                int(std::lround(place.top)) + 4 + y) == ink
+                                 ? 1
+                                 : 0;
+                told += width == 0 ? " -" : width < 4 ? " narrow" : " wide";
+            }
+            told += "; ";
+        }
+        EXPECT_EQ(told,
+                  "grows.mkv: - wide; comes.mkv: narrow narrow; "
+                  "stays.mkv: steps back - -; shrinks.mkv: wide -; ");
+    }
 }
 
 }  // namespace

@@ -52,6 +52,7 @@ protected:
         made.notifications = &notifications;
         made.defaults = &defaults;
         made.mainQueue = &queue;
+        made.stateFolder = tree.at("state");
         return made;
     }
     std::vector<QWidget*> places() override { return {page->view()}; }
@@ -230,18 +231,22 @@ TEST_F(Preferences, HidingTheIconIsToldAndAFullDiskToo) {
     EXPECT_FALSE(isShown("failureLine"));
 }
 
-TEST_F(Preferences, TheButtonSaysHowMuchIsRememberedAndForgetsIt) {
+TEST_F(Preferences, TheButtonsSayHowMuchIsRememberedAndForgetIt) {
     const ScopedVariable folder("XDG_CACHE_HOME", tree.path());
-    const std::string name = "com.kelpford.Orrinvale/file-hashes";
-    ASSERT_TRUE(tree.write(name, std::string(2000, 'x')));
-    const auto saysSoon = [&](const char* text) {
-        return QTest::qWaitFor([&] { return textOf("forgetButton") == text; });
-    };
-    page->view()->hide(), page->view()->show();
-    EXPECT_TRUE(saysSoon("Forget 2.00 KB")) << textOf("forgetButton");
-    type("forgetButton", {Qt::Key_Space});
-    EXPECT_TRUE(saysSoon("Nothing Remembered")) << textOf("forgetButton");
-    EXPECT_FALSE(isEnabled("forgetButton") || isThere(tree.at(name)));
+    const std::pair<const char*, std::string> cases[] = {
+        {"forgetButton", "com.kelpford.Orrinvale/file-hashes"},
+        {"forgetScansButton", "state/scans/0123456789abcdef-1.scan"}};
+    for (const auto& [button, name] : cases) {
+        ASSERT_TRUE(tree.write(name, std::string(2000, 'x')));
+        const auto saysSoon = [&](const char* text) {
+            return QTest::qWaitFor([&] { return textOf(button) == text; });
+        };
+        page->view()->hide(), page->view()->show();
+        EXPECT_TRUE(saysSoon("Forget 2.00 KB")) << textOf(button);
+        type(button, {Qt::Key_Space});
+        EXPECT_TRUE(saysSoon("Nothing Remembered")) << textOf(button);
+        EXPECT_FALSE(isEnabled(button) || isThere(tree.at(name)));
+    }
 }
 
 TEST_F(Preferences, StartAtLoginIsTheListsTruth) {

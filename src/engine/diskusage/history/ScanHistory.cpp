@@ -9,7 +9,9 @@
 #include <cerrno>
 #include <charconv>
 #include <ctime>
+#include <limits>
 #include <memory>
+#include <ranges>
 #include <string_view>
 #include <utility>
 
@@ -150,11 +152,41 @@ bool ScanHistory::clear() const {
     return isClear;
 }
 
+std::uint64_t ScanHistory::size() const {
+    std::uint64_t sum = 0;
+    for (const File& file : files()) sum += file.scan.bytes;
+    return sum;
+}
+
 std::optional<KeptScan> scanBefore(const std::vector<KeptScan>& scans, std::int64_t moment) {
     if (scans.empty()) return std::nullopt;
     const auto later =
         std::ranges::find_if(scans, [moment](const KeptScan& scan) { return scan.time >= moment; });
     return later == scans.begin() ? scans.front() : *(later - 1);
+}
+
+std::optional<std::int64_t> momentOfWord(std::string_view word, std::int64_t now) {
+    if (word == lastScanWord) return std::numeric_limits<std::int64_t>::max();
+    const auto found = std::ranges::find(sinceWords, word, &SinceWord::word);
+    if (found == sinceWords.end()) return std::nullopt;
+    const std::time_t moment = now;
+    std::tm day{};
+    if (::localtime_r(&moment, &day) == nullptr) return std::nullopt;
+    day.tm_mday += 1 - found->days;
+    day.tm_hour = day.tm_min = day.tm_sec = 0;
+    day.tm_isdst = -1;
+    return std::int64_t{std::mktime(&day)};
+}
+
+std::string_view wordOfScan(const std::vector<KeptScan>& scans, const KeptScan& scan,
+                            std::int64_t now) {
+    if (!scans.empty() && scans.back().time == scan.time) return lastScanWord;
+    for (const SinceWord& each : std::views::reverse(sinceWords)) {
+        const auto moment = momentOfWord(each.word, now);
+        if (moment && scan.time < *moment && scanBefore(scans, *moment)->time == scan.time)
+            return each.word;
+    }
+    return {};
 }
 
 }  // namespace orrinvale

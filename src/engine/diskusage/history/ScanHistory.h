@@ -2,10 +2,12 @@
 // them.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "engine/diskusage/history/ScanFile.h"
@@ -53,6 +55,8 @@ public:
     [[nodiscard]] bool forget(const std::string& root) const;
     /// Forgets all of all places.
     [[nodiscard]] bool clear() const;
+    /// Bytes of all files.
+    [[nodiscard]] std::uint64_t size() const;
 
 private:
     struct File;
@@ -66,5 +70,23 @@ private:
 /// The scan that "since" that moment means: the last one before it, else the first one.
 [[nodiscard]] std::optional<KeptScan> scanBefore(const std::vector<KeptScan>& scans,
                                                  std::int64_t moment);
+
+/// A word for an earlier scan by how long ago it was.
+struct SinceWord {
+    std::string_view word;
+    int days;  ///< ends with the end of the day so many days before today
+};
+inline constexpr std::string_view lastScanWord = "last";
+inline constexpr std::array<SinceWord, 3> sinceWords{
+    {{"yesterday", 1}, {"last-week", 7}, {"last-month", 30}}};
+
+/// What a scan has to lie before to be the one that the word means, in the process's time zone; of
+/// "last" the end of time. Nothing for other words.
+[[nodiscard]] std::optional<std::int64_t> momentOfWord(std::string_view word, std::int64_t now);
+
+/// The word that means this one of them, of several that of the longest time, but "last" of the
+/// last one; empty where no word does.
+[[nodiscard]] std::string_view wordOfScan(const std::vector<KeptScan>& scans, const KeptScan& scan,
+                                          std::int64_t now);
 
 }  // namespace orrinvale
