@@ -51,9 +51,9 @@ QLabel* caption(const QString& text) {
 }
 
 // A table: one row a control, one column a state.
-class StateTable final {
+class ControlStates final {
 public:
-    explicit StateTable(std::size_t columns) : m_columns(columns) {
+    explicit ControlStates(std::size_t columns) : m_columns(columns) {
         m_grid->setContentsMargins({});
         m_grid->setHorizontalSpacing(Theme::gap);
         m_grid->setVerticalSpacing(Theme::gap);
@@ -170,7 +170,7 @@ void ControlSheet::addSection(const QString& title, QWidget* content) {
 
 QWidget* ControlSheet::buttons() const {
     using Role = TextImageButton::Role;
-    StateTable table(states.size());
+    ControlStates table(states.size());
     table.add(QStringLiteral("TextImageButton"), textButton(QStringLiteral("Stop"), Role::Plain),
               true);
     table.add(QStringLiteral("... primary"),
@@ -194,7 +194,7 @@ QWidget* ControlSheet::buttons() const {
 
 QWidget* ControlSheet::tickBoxes() const {
     constexpr std::size_t withoutChecked = states.size() - 1;
-    StateTable table(withoutChecked);
+    ControlStates table(withoutChecked);
     const auto box = [](TickState state, const QString& text) {
         return [=] {
             auto* const made = new TickBox(text);

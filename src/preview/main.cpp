@@ -34,7 +34,8 @@ constexpr ConfinementLimits ownLimits{.memory = std::uint64_t{768} << 20U, .seco
 constexpr std::size_t mostText = std::size_t{64} * 1024;
 constexpr std::uint64_t mostPictureBytes = std::uint64_t{256} << 20U;
 constexpr int mostDecodedMegabytes = 256;
-constexpr std::uint64_t mostPixels = (std::uint64_t{mostDecodedMegabytes} << 20U) / bytesPerPixel;
+constexpr std::uint64_t mostShownPixels =
+    (std::uint64_t{mostDecodedMegabytes} << 20U) / bytesPerPixel;
 constexpr std::uint64_t mostJpegPixels = 1'000'000'000;  // it is made smaller while it is read
 
 // By the first bytes: names lie, and a reader that guesses is asked by a file for whatever it
@@ -123,7 +124,8 @@ std::optional<PreviewFailure> objectionTo(const QSize& stored, const QByteArray&
     if (!stored.isValid()) return std::nullopt;  // it does not say before it is read
     const std::uint64_t pixels = pixelsOf(stored);
     if (pixels == 0) return PreviewFailure::Damaged;
-    if (pixels > (format == "jpeg" ? mostJpegPixels : mostPixels)) return PreviewFailure::TooLarge;
+    if (pixels > (format == "jpeg" ? mostJpegPixels : mostShownPixels))
+        return PreviewFailure::TooLarge;
     return std::nullopt;
 }
 
@@ -140,7 +142,7 @@ PreviewAnswer pictureIn(QFile& file, const QByteArray& format, int side) {
     if (stored.isValid()) reader.setScaledSize(within(stored, side));
     QImage image = reader.read();
     // One that is written in several passes is kept whole while it is read.
-    if (image.isNull() && stored.isValid() && pixelsOf(stored) > mostPixels)
+    if (image.isNull() && stored.isValid() && pixelsOf(stored) > mostShownPixels)
         return failed(PreviewFailure::TooMuchMemory);
     if (image.isNull()) return failed(PreviewFailure::Damaged);
     if (!stored.isValid()) stored = image.size();

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Looks for names that two sources of one library or test program gave in their unnamed namespaces, or that a header of it gives in
-the open.
+"""Looks for names that two sources of one library or test program gave in their unnamed namespaces, or that a header of the
+sources gives in the open.
 
     check_groups.py [ROOT]          one line per name given twice, status 1 if there is any
     check_groups.py --self-test
@@ -23,6 +23,7 @@ from check_words import without_comments
 TOKEN = re.compile(r"\bnamespace\b([^{;=]*)\{|[{};]")
 TYPE = re.compile(r"^(?:class|struct|union|enum(?: class| struct)?)\s+(?:\[\[[^]]*\]\]\s*)*(\w+)")
 ALIAS = re.compile(r"^using\s+(\w+)\s*=\s*(.*)$")
+PROGRAMS = {"src/app", "src/preview", "src/gallery"}  # nobody includes their headers
 IGNORED = re.compile(r"^(using\b|friend\b|static_assert\b|extern\b|template\s*<>|Q_|public\b|$)")
 
 
@@ -111,20 +112,22 @@ def clash(one, other):
 
 def check(root):
     """(number of sources, offences), an offence being (file, line, name, other file)."""
-    sources, headers = ([path for top in ("src", "tests") for path in sorted((root / top).rglob(kind))] for kind in ("*.cpp", "*.h"))
+    sources, headers = ([path for each in ("src", "tests") for path in sorted((root / each).rglob(kind))] for kind in ("*.cpp", "*.h"))
     hidden, open_names, offences = defaultdict(list), defaultdict(list), []
     for path in sources + headers:
         name = path.relative_to(root).as_posix()
-        library = "/".join(name.split("/")[:2]).replace("tests/platform", "tests/engine")  # one program
+        top, library = name.split("/")[0], "/".join(name.split("/")[:2]).replace("tests/platform", "tests/engine")  # one program
         if library == "tests/fuzz" or name.endswith(("_probe.cpp", "_program.cpp")):  # each is a program
             continue
         for space, unnamed, line, declared_name, types in names_in(path.read_text(encoding="utf-8")):
             if unnamed and path.suffix == ".cpp":
                 hidden[library, space, declared_name].append((name, line, types))
             elif path.suffix == ".h":
-                open_names[library, space, declared_name].append((name, line, types))
+                shared = not unnamed and library not in PROGRAMS and (top == "src" or library == "tests/support")
+                open_names[top if shared else library, space, declared_name].append((name, line, types))
     for key, places in hidden.items():
-        others = places + open_names[key]
+        tops = ("src",) if key[0].startswith("src/") else ("src", "tests")
+        others = places + open_names[key] + [each for top in tops for each in open_names[top, *key[1:]]]
         for name, line, types in places:
             for other, _, other_types in others:
                 if other != name and clash(types, other_types):
@@ -167,7 +170,11 @@ SELF_TEST_TREE = {
     "tests/fuzz/b_fuzz.cpp": [("namespace {", None), ("int check(int a) {", None), ("}", None), ("}", None)],
     "src/engine/d.cpp": [("namespace orrinvale::inner {", None), ("namespace {", None), ("constexpr int limit = 3;", None), ("}", None),
                          ("}", None)],
-    "src/ui/a.cpp": [("namespace orrinvale {", None), ("namespace {", None), ("constexpr int limit = 3;", None), ("}", None), ("}", None)],
+    "src/ui/a.cpp": [("namespace orrinvale {", None), ("namespace {", None), ("constexpr int limit = 3;", None),
+                     ("class Told {", "Told"), ("};", None), ("}", None), ("}", None)],
+    "tests/ui/c.h": [("namespace orrinvale {", None), ("int limitOf(int a);", None), ("}", None)],
+    "tests/cli/c_test.cpp": [("namespace orrinvale {", None), ("namespace {", None), ("int limitOf(int a) { return a; }", None),
+                             ("int shown(int value) { return value; }", "shown"), ("}", None), ("}", None)],
 }
 
 

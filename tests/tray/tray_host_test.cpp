@@ -27,11 +27,11 @@ struct Told {
 };
 
 // A program of the test's that prints something once it is ready.
-struct Helper {
-    Helper(const QString& program, const QStringList& arguments) {
+struct TrayHelper {
+    TrayHelper(const QString& program, const QStringList& arguments) {
         process.start(program, arguments);
     }
-    ~Helper() {
+    ~TrayHelper() {
         process.kill();
         process.waitForFinished();
     }
@@ -51,12 +51,12 @@ struct Helper {
 TEST(TrayHost, AHostThatComesAndGoesIsTold) {
     if (QStandardPaths::findExecutable(QStringLiteral("dbus-daemon")).isEmpty())
         GTEST_SKIP() << "no dbus-daemon here";
-    Helper daemon(QStringLiteral("dbus-daemon"),
-                  {QStringLiteral("--session"), QStringLiteral("--print-address"),
-                   QStringLiteral("--nofork")});
+    TrayHelper daemon(QStringLiteral("dbus-daemon"),
+                      {QStringLiteral("--session"), QStringLiteral("--print-address"),
+                       QStringLiteral("--nofork")});
     const QByteArray before = qgetenv("DBUS_SESSION_BUS_ADDRESS");
     qputenv("DBUS_SESSION_BUS_ADDRESS", daemon.line().toUtf8());
-    Helper panel(QStringLiteral("/usr/bin/python3"), {QStringLiteral(ORRINVALE_TRAY_HOST)});
+    TrayHelper panel(QStringLiteral("/usr/bin/python3"), {QStringLiteral(ORRINVALE_TRAY_HOST)});
     const auto told = std::make_shared<Told>();
     {
         LinuxTrayHost host({.hasBus = true, .hasX11 = false});
@@ -94,13 +94,13 @@ TEST(TrayHost, AHostThatComesAndGoesIsTold) {
 TEST(TrayHost, ABusThatHangsBehindItsGreetingIsToldAsNoTray) {
     if (QStandardPaths::findExecutable(QStringLiteral("dbus-daemon")).isEmpty())
         GTEST_SKIP() << "no dbus-daemon here";
-    Helper daemon(QStringLiteral("dbus-daemon"),
-                  {QStringLiteral("--session"), QStringLiteral("--print-address"),
-                   QStringLiteral("--nofork")});
+    TrayHelper daemon(QStringLiteral("dbus-daemon"),
+                      {QStringLiteral("--session"), QStringLiteral("--print-address"),
+                       QStringLiteral("--nofork")});
     const TestTree tree;
-    Helper bus(QStringLiteral("/usr/bin/python3"),
-               {QStringLiteral(ORRINVALE_HANGING_BUS), daemon.line(),
-                QString::fromStdString(tree.path())});
+    TrayHelper bus(QStringLiteral("/usr/bin/python3"),
+                   {QStringLiteral(ORRINVALE_HANGING_BUS), daemon.line(),
+                    QString::fromStdString(tree.path())});
     const QByteArray before = qgetenv("DBUS_SESSION_BUS_ADDRESS");
     qputenv("DBUS_SESSION_BUS_ADDRESS", bus.line().toUtf8());
     const auto told = std::make_shared<Told>();
@@ -116,9 +116,9 @@ TEST(TrayHost, ATrayOfX11ThatComesAndGoesIsTold) {
     for (const char* const program : {"Xvfb", "trayer"})
         if (QStandardPaths::findExecutable(QLatin1String(program)).isEmpty())
             GTEST_SKIP() << "no " << program << " here";
-    Helper server(QStringLiteral("Xvfb"),
-                  {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-noreset"),
-                   QStringLiteral("-nolisten"), QStringLiteral("tcp")});
+    TrayHelper server(QStringLiteral("Xvfb"), {QStringLiteral("-displayfd"), QStringLiteral("1"),
+                                               QStringLiteral("-noreset"),
+                                               QStringLiteral("-nolisten"), QStringLiteral("tcp")});
     const QByteArray before = qgetenv("DISPLAY");
     qputenv("DISPLAY", ":" + server.line().toUtf8());
     const auto told = std::make_shared<Told>();
@@ -127,7 +127,7 @@ TEST(TrayHost, ATrayOfX11ThatComesAndGoesIsTold) {
         host.watch([told](TrayKind kind) { told->take(kind); });
         EXPECT_SOON(told->now() == "-");
         for (const char* const now : {"-X", "-X-X"}) {
-            const Helper tray(QStringLiteral("trayer"), {});
+            const TrayHelper tray(QStringLiteral("trayer"), {});
             EXPECT_SOON(told->now() == now);
         }
         EXPECT_SOON(told->now() == "-X-X-");

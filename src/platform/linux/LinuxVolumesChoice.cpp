@@ -39,7 +39,7 @@ constexpr std::array<std::string_view, 9> countedTypes{"ext2", "ext3",  "ext4", 
                                                        "f2fs", "tmpfs", "ramfs", "rootfs"};
 constexpr std::array<std::string_view, 3> personalPlaces{"/media", "/run/media", "/mnt"};
 constexpr std::array<std::string_view, 3> snapPlaces{"/snap", "/var/snap", "/var/lib/snapd"};
-constexpr std::array<std::string_view, 7> systemPlaces{"/proc", "/sys", "/dev", "/run",
+constexpr std::array<std::string_view, 7> systemMounts{"/proc", "/sys", "/dev", "/run",
                                                        "/usr",  "/etc", "/init"};
 constexpr std::array<std::string_view, 3> packedTypes{"squashfs", "erofs", "cramfs"};
 // Single files that containers mount over their own; each lies on the host's disk.
@@ -80,7 +80,7 @@ bool isVolume(const MountEntry& mount) {
     if (isWithinAny(point, snapPlaces) || isAmong(point, containerFiles)) return false;
     if (isNetworkMount(mount)) return true;
     if (isProgram(mount.type) || mount.type == "tmpfs" || mount.type == "ramfs") return personal;
-    const bool system = isWithinAny(point, systemPlaces) && !personal;
+    const bool system = isWithinAny(point, systemMounts) && !personal;
     // A live system carries itself in packed images.
     if (isAmong(mount.type, packedTypes) || isAmong(mount.type, hostShareTypes)) return !system;
     return mount.major != 0 || isAmong(mount.type, ownDeviceTypes);

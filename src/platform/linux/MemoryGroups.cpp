@@ -39,7 +39,7 @@ std::span<const Limit> limitsOf(bool isUnified) {
 }
 
 // "max" is the largest number; another text is none.
-SysResult<std::uint64_t> numberIn(const std::string& path) {
+SysResult<std::uint64_t> groupNumberIn(const std::string& path) {
     const auto text = readSystemText(path, smallText);
     if (!text) return tl::unexpected(text.error());
     if (text->starts_with("max")) return unlimited;
@@ -50,11 +50,11 @@ SysResult<std::uint64_t> numberIn(const std::string& path) {
 }
 
 std::uint64_t roomIn(const std::string& group, const Limit& files) {
-    const auto limit = numberIn(group + '/' + std::string(files.limit));
+    const auto limit = groupNumberIn(group + '/' + std::string(files.limit));
     // The topmost group has no limits, nor has one for which they are switched off.
     if (!limit) return limit.error() == ENOENT || limit.error() == EOPNOTSUPP ? unlimited : 0;
     if (*limit == unlimited) return unlimited;
-    const auto usage = numberIn(group + '/' + std::string(files.usage));
+    const auto usage = groupNumberIn(group + '/' + std::string(files.usage));
     return usage ? *limit - std::min(*limit, *usage) : 0;
 }
 

@@ -70,9 +70,9 @@ template <class Number> Number numberOf(std::string_view text, int base) {
     return number;
 }
 
-class Look final {
+class HolderLook final {
 public:
-    explicit Look(const std::vector<std::string>& folders) : m_folders(folders) {
+    explicit HolderLook(const std::vector<std::string>& folders) : m_folders(folders) {
         for (const std::string& folder : folders)
             if (const auto entry = rememberedOf(folder)) m_devices.insert(deviceOf(*entry));
     }
@@ -198,6 +198,8 @@ bool OpenFiles::isWithin(const std::string& path) const {
     return below != paths.end() && below->starts_with(path + '/');
 }
 
-OpenFiles OpenFiles::below(const std::vector<std::string>& folders) { return Look(folders).run(); }
+OpenFiles OpenFiles::below(const std::vector<std::string>& folders) {
+    return HolderLook(folders).run();
+}
 
 }  // namespace orrinvale

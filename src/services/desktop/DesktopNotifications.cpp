@@ -25,7 +25,7 @@ QDBusMessage call(const char* method) {
 }
 
 // A line break or a control character in a name is shown by some services and obeyed by others.
-QString onOneLine(QString text) {
+QString textOnOneLine(QString text) {
     for (QChar& each : text)
         if (each.category() == QChar::Other_Control || each == QChar::LineSeparator ||
             each == QChar::ParagraphSeparator)
@@ -108,8 +108,8 @@ void DesktopNotifications::send(Number number, const QStringList& capabilities) 
     const bool isMarkup = capabilities.contains(QLatin1String("body-markup"));
     QDBusMessage notify = call("Notify");
     notify << QStringLiteral("Orrinvale") << std::uint32_t{0} << QLatin1String(programBusName)
-           << onOneLine(note.title) << (isMarkup ? note.body.toHtmlEscaped() : note.body) << actions
-           << hintsOf(note) << note.milliseconds;
+           << textOnOneLine(note.title) << (isMarkup ? note.body.toHtmlEscaped() : note.body)
+           << actions << hintsOf(note) << note.milliseconds;
     found->second.isSent = true;
     auto* const asked = new QDBusPendingCallWatcher(m_bus.asyncCall(notify, lateness), this);
     connect(asked, &QDBusPendingCallWatcher::finished, this, [this, asked, number] {

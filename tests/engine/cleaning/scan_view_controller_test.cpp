@@ -20,8 +20,8 @@ using testing::CleanHome;
 using testing::ServedQueue;
 using Names = std::vector<std::string>;
 
-struct Page {
-    explicit Page(CleanHome& itsHome)
+struct ScanPage {
+    explicit ScanPage(CleanHome& itsHome)
         : home(itsHome),
           list({.clean = home.parts(),
                 .notifications = &center,
@@ -93,7 +93,7 @@ TEST(ScanViewController, aScanTellsItsTotalItsRowsAndItsEnd) {
     ASSERT_TRUE(home.tree.write(".cache/a/x", std::string(1'500'000, 'x')) &&
                 home.tree.write(".cache/b", std::string(20'000, 'x')) &&
                 home.tree.write(".cache/k/.git/x", "1"));
-    Page page(home);
+    ScanPage page(home);
     page.list.refreshTableView();
     EXPECT_TRUE(page.told.empty()) << "there is no list yet";
     ASSERT_TRUE(page.scan());
@@ -129,7 +129,7 @@ TEST(ScanViewController, theTotalIsThatOfTheRowsThatAreLeft) {
     std::filesystem::resize_file(home.tree.at(".cache/large"), large);
     for (std::size_t i = 0; i < count; ++i)
         ASSERT_TRUE(home.tree.write(fmt::format(".cache/{}", i), std::string(small, 'x')));
-    Page page(home);
+    ScanPage page(home);
     ASSERT_TRUE(page.scan());
     EXPECT_EQ(page.list.filesSize, "2.01 GB");
     page.list.setAllCheckBoxSelect();
@@ -153,7 +153,7 @@ TEST(ScanViewController, whatAPersonKeepsIsToldOnce) {
                 home.tree.write(".cache/a/mine", std::string(500, 'x')) &&
                 home.tree.write(".cache/b", "12") &&
                 home.tree.write("settings/always-keep", home.tree.at(".cache/a/mine") + "\n"));
-    Page page(home);
+    ScanPage page(home);
     ASSERT_TRUE(page.scan());
     EXPECT_EQ(page.list.totalBytes(), 3002U);
     for (int round = 0; round < 2; ++round) page.list.leaveOut(home.tree.at(".cache/a"));
@@ -173,7 +173,7 @@ TEST(ScanViewController, aListThatCameDuringACleanIsLeftToItsScan) {
     home.files.beforeRemoval = [held = mayRemove.get_future().share()](std::string_view step) {
         if (step == "removeEntry") held.wait();
     };
-    Page page(home);
+    ScanPage page(home);
     ASSERT_TRUE(page.scan());
     page.tick({"b", "c"});
     page.list.beginCleanTask();
@@ -204,7 +204,7 @@ TEST(CleanTree, TakesOverTheLeavesOfRowsThatStay) {
     CleanHome home;
     for (const char* name : {".cache/a/x", ".cache/b/x", ".cache/c/x", ".cache/d/x", ".cache/d/y"})
         ASSERT_TRUE(home.tree.write(name, std::string(1'000'000, 'x')));
-    Page page(home), other(home);
+    ScanPage page(home), other(home);
     page.list.dicKeyStr = "1";
     other.list.dicKeyStr = "4";
     ASSERT_TRUE(page.scan() && other.scan());
@@ -247,10 +247,10 @@ TEST(CleanTree, TakesOverTheLeavesOfRowsThatStay) {
 // Six lists end in any order, and a list that takes no part, or has ended, ends nothing.
 TEST(CleanRun, endsWithTheLastOfItsListsInEveryOrder) {
     CleanHome home;
-    std::vector<std::unique_ptr<Page>> pages;
+    std::vector<std::unique_ptr<ScanPage>> pages;
     std::vector<ScanViewController*> lists;
     for (int i = 0; i < 6; ++i) {
-        lists.push_back(&pages.emplace_back(std::make_unique<Page>(home))->list);
+        lists.push_back(&pages.emplace_back(std::make_unique<ScanPage>(home))->list);
         lists.back()->iCleanSize = 1U << i;
     }
     std::array<std::size_t, 6> order{0, 1, 2, 3, 4, 5};
@@ -283,7 +283,7 @@ TEST(ScanViewController, ticksAndTheirSetting) {
     CleanHome home;
     for (const char* name : {".cache/a", ".cache/b", ".cache/c"})
         ASSERT_TRUE(home.tree.write(name, "1"));
-    Page page(home);
+    ScanPage page(home);
     ASSERT_TRUE(page.scan());
     page.told.clear();
     const struct {
@@ -334,7 +334,7 @@ TEST(ScanViewController, aCleanTakesTheTickedRowsAndTellsOfTheRest) {
         ASSERT_TRUE(home.tree.write(name, std::string(1'000'000, 'x')));
     // It goes file by file, and its file goes by somebody else's hand.
     ASSERT_TRUE(home.tree.write("settings/always-keep", home.tree.at(".cache/e/none") + "\n"));
-    Page page(home);
+    ScanPage page(home);
     ASSERT_TRUE(page.scan());
     EXPECT_EQ(page.list.filesSize, "7.00 MB");
     page.list.openFinder(0);

@@ -48,9 +48,9 @@ void removeSafelyWithPauses(const std::string& path, const std::optional<EntryId
 
 // "tree/swapped" is what gets exchanged for "out", a link to "victim"; both lead to folders of the
 // same shape.
-class Arena {
+class RaceArena {
 public:
-    Arena()
+    RaceArena()
         : m_tree("/dev/shm"),
           m_base(::open(m_tree.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {}
 
@@ -112,7 +112,7 @@ struct Case {
 constexpr std::array<Case, 3> cases{
     {{"tree", false}, {"tree/swapped", true}, {"tree/swapped/inner", true}}};
 
-std::optional<EntryIdentity> identityFor(const Arena& arena, const Case& chosen) {
+std::optional<EntryIdentity> identityFor(const RaceArena& arena, const Case& chosen) {
     if (!chosen.withIdentity) return std::nullopt;
     return EntryIdentity::of(attributesOf(arena.at("staging" + std::string(chosen.chosen + 4))));
 }
@@ -122,7 +122,7 @@ TEST(SafeRemovalRace, aLinkPutInPlaceAtAnyStepLeadsNowhere) {
         int step = 0;
         bool swapped = true;
         for (int at = 1; swapped; at += 1) {  // until the removal has fewer steps than that
-            Arena arena;
+            RaceArena arena;
             arena.prepare();
             const auto expected = identityFor(arena, chosen);
             arena.setUp();
@@ -149,7 +149,7 @@ struct Outcome {
 
 Outcome race(const RacedRemoval& removal, int rounds, bool untilLost) {
     Outcome outcome;
-    Arena arena;
+    RaceArena arena;
     std::atomic<int> swaps{0};
     const std::jthread swapper([&](const std::stop_token& ended) {
         while (!ended.stop_requested())

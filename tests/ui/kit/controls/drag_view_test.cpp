@@ -47,7 +47,7 @@ TEST(FileUrl, PathsComeOutByteForByte) {
     EXPECT_EQ(firstLocalPath("\r\n"), std::nullopt);
 }
 
-struct Page final : DragViewDelegate {
+struct DropPage final : DragViewDelegate {
     Strings paths;
     void viewDragAction(const std::string& path) override { paths.push_back(path); }
 };
@@ -79,7 +79,7 @@ protected:
     }
     TestTree tree;
     DragView view;
-    Page page;
+    DropPage page;
     LogLines log;
     Strings& lines = log.lines;
 };
