@@ -4,6 +4,7 @@
 #include <new>
 
 #include "engine/base/Log.h"
+#include "engine/duplicates/BundleListing.h"
 #include "engine/duplicates/FindDuplicateApp.h"
 #include "engine/duplicates/HashAhead.h"
 #include "engine/duplicates/LinkPlaces.h"
@@ -148,15 +149,24 @@ void duplicateFind::findProtected() {
         if (covers(*file)) m_protected.insert(file);
     for (const AppGroup& group : m_allAppArray)
         for (const auto& bundle : group)
-            if (covers(*bundle)) m_protected.insert(bundle.get());
+            if (covers(*bundle) || holdsProtected(*bundle)) m_protected.insert(bundle.get());
     for (FolderGroup& group : m_foundFolders.groups)
         for (FolderMember& member : group.members) {
             AppAttrbItem folder;  // as a whole it is what a bundle is
             folder.DirectoryPathName = member.path;
             folder.device = member.identity.device;
             folder.inode = member.identity.inode;
-            member.isProtected = covers(folder);
+            member.isProtected |= covers(folder);
         }
+}
+
+// A mount shows what is protected by another path, and only a look at all that is in it tells.
+bool duplicateFind::holdsProtected(const AppAttrbItem& bundle) const {
+    const std::atomic<bool> never{false};
+    const auto now = listBundle(m_files, bundle.DirectoryPathName, {m_passingInodes}, never);
+    return !now || std::ranges::any_of(now->entries, [&](const BundleEntry& entry) {
+        return entry.attributes.type == FileType::Folder && m_guard->isOneOrAbove(entry.attributes);
+    });
 }
 
 // Only the way that was dropped may tell that the entry is protected.
@@ -251,7 +261,9 @@ void duplicateFind::takeGroup(Pairing& pairing, std::uint32_t first, FileList& f
 
 void duplicateFind::findFolders() {
     if (m_request.findsFolders && !m_Stop)
-        m_foundFolders = FolderFinding(m_files, {m_seenFolders, m_allFileArray, m_newFileArray},
+        m_foundFolders = FolderFinding(m_files,
+                                       {m_seenFolders, m_allFileArray, m_newFileArray,
+                                        m_guard->empty() ? nullptr : m_guard.get()},
                                        m_Stop, m_skipped)
                              .run();
     m_seenFolders = {};

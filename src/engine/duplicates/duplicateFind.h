@@ -112,6 +112,7 @@ private:
     bool listFiles();
     bool listRoot(getFileList& list, const std::string& root);
     void findProtected();
+    [[nodiscard]] bool holdsProtected(const AppAttrbItem& bundle) const;
     void handOn(const fileAttrbItem& kept, const fileAttrbItem& dropped);
     void findLinkPlaces();
     const fileAttrbItem* itemInHand() const;

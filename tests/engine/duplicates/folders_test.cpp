@@ -308,6 +308,29 @@ TEST(EqualFolders, AMountIsAnotherTree) {
     });
 }
 
+// A mount shows a part of one of them alone, and that mount is protected.
+TEST(EqualFolders, AProtectedPartIsKnownByAnyPath) {
+    testing::withOwnMounts([]() -> std::string {
+        for (const std::string part : {"part/in", ".part/in"}) {
+            TestTree tree("/mnt");
+            for (const char* folder : {"r/a/", "r/b/"})
+                if (!tree.write(folder + part + "/f", "12345") ||
+                    !tree.write(folder + std::string("g"), "67890"))
+                    return "no tree";
+            if (!tree.folder("shown") || !bindMount(tree.at("r/a/" + part), tree.at("shown")))
+                return "skip: no bind mounts";
+            FolderSearch search({tree.at("r")});
+            search.option.searchHidden = false;
+            search.request.protectedFolders = {tree.at("shown")};
+            const Strings found = groupsIn(search.run().found, tree.path());
+            (void)::umount2(tree.at("shown").c_str(), MNT_DETACH);
+            if (found != Strings{"r/a! r/b 2f 4e 10b +10"})
+                return part + fmt::format("{}", fmt::join(found, "; "));
+        }
+        return {};
+    });
+}
+
 // A folder that changes after the walk is no part of a group, and a stop tells nothing.
 TEST(EqualFolders, WhatChangesMeanwhileIsNotTold) {
     TestTree tree;

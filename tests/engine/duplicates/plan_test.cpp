@@ -318,30 +318,33 @@ TEST(PlanRemoval, NoForgedPlanTakesWhatTheRulesForbid) {
 
 // A bundle holds what is protected, or stays, and is seen through a second mount.
 TEST(PlanRemoval, ASecondMountHidesNothingThatABundleHolds) {
-    withOwnMounts([]() -> std::string {
-        for (const bool isProtected : {true, false}) {
+    const auto check = [](bool isProtected, bool showsPart) {
+        return [=]() -> std::string {
             for (const char* const bundle : {"A.app", "Z.app"}) {
                 std::filesystem::create_directories(fmt::format("/mnt/one/{}/in", bundle));
                 std::ofstream(fmt::format("/mnt/one/{}/in/f", bundle)) << "the same";
             }
             std::ofstream("/mnt/other") << "the same";
             std::filesystem::create_directory("/mnt/two");
-            if (!bindMount("/mnt/one", "/mnt/two")) return "skip: no bind mounts";
+            const std::string shown = showsPart ? "/mnt/one/Z.app/in" : "/mnt/one";
+            if (!bindMount(shown, "/mnt/two")) return "skip: no bind mounts";
+            const std::string way = showsPart ? "/mnt/one" : "/mnt/two";
             std::vector<PlanGroup> groups(2);
-            groups[0].members = {memberAt("/mnt/two/A.app", false),
-                                 memberAt("/mnt/two/Z.app", true)};
-            groups[1].members = {memberAt("/mnt/one/Z.app/in/f", false),
+            groups[0].members = {memberAt(way + "/A.app", false), memberAt(way + "/Z.app", true)};
+            groups[1].members = {memberAt(showsPart ? "/mnt/two/f" : "/mnt/one/Z.app/in/f", false),
                                  memberAt("/mnt/other", true)};
             DuplicatePlan plan = planOf(std::move(groups));
-            if (isProtected) plan.protectedFolders = {"/mnt/one/Z.app/in"};
+            if (isProtected) plan.protectedFolders = {showsPart ? "/mnt/two" : shown + "/Z.app/in"};
             if (isProtected) plan.groups.pop_back();
             PlanRemoval list(files, plan);
             (void)testing::removeAll(files, "/mnt/state", list);
             if (!isThere("/mnt/one/Z.app/in/f"))
                 return isProtected ? "what is protected went" : "what stays went";
-        }
-        return {};
-    });
+            return {};
+        };
+    };
+    for (const bool isProtected : {true, false})
+        for (const bool showsPart : {true, false}) withOwnMounts(check(isProtected, showsPart));
 }
 
 // Ended in the middle of a bundle, it is not told as one that nothing happened to.

@@ -13,6 +13,7 @@
 #include "engine/base/saturating.h"
 #include "engine/duplicates/folders/PartFinding.h"
 #include "engine/duplicates/keep/GainCount.h"
+#include "engine/duplicates/scope/ProtectedFolders.h"
 #include "platform/files.h"
 
 namespace orrinvale {
@@ -23,7 +24,7 @@ FolderFinding::FolderFinding(const FileSystem& files, const PairedSearch& search
       m_search(search),
       m_stop(stop),
       m_table(search.folders),
-      m_rest(files, m_table, stop, skipped) {}
+      m_rest(files, m_table, search.guard, stop, skipped) {}
 
 FolderFindings FolderFinding::run() {
     FolderFindings findings;
@@ -33,6 +34,7 @@ FolderFindings FolderFinding::run() {
     classify();
     if (hasRest()) lookAtRest();
     if (m_stop) return findings;
+    findProtected();
     tell(findings);
     findings.partly = PartFinding(m_table, m_search.copies).run();
     return findings;
@@ -154,6 +156,16 @@ void FolderFinding::lookAtRest() {
     classify();
 }
 
+void FolderFinding::findProtected() {
+    if (m_search.guard == nullptr) return;
+    for (std::uint32_t at = m_table.size(); at-- > 0;) {
+        FolderRow& row = m_table[at];
+        row.holdsProtected |= m_search.guard->isOneOrAbove(*row.seen.node);
+        if (row.holdsProtected && row.parent != FolderRow::none && !row.isBehindLink)
+            m_table[row.parent].holdsProtected = true;
+    }
+}
+
 void FolderFinding::tell(FolderFindings& findings) {
     std::map<std::uint32_t, std::vector<std::uint32_t>> classes;
     for (std::uint32_t at = 0; at < m_table.size(); ++at)
@@ -210,7 +222,8 @@ FolderGroup FolderFinding::groupOf(const std::vector<std::uint32_t>& members) {
                                      .inode = node.inode,
                                      .type = FileType::Folder,
                                      .inodePasses = node.inode == 0};
-        group.members.push_back({m_table.pathOf(member), identity, m_table[member].newest});
+        group.members.push_back({m_table.pathOf(member), identity, m_table[member].newest,
+                                 m_table[member].holdsProtected});
     }
     return group;
 }

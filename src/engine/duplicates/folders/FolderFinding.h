@@ -17,8 +17,9 @@ namespace orrinvale {
 /// What a search has found when files are paired.
 struct PairedSearch {
     const std::vector<SeenFolder>& folders;
-    const FileArray& listed;  ///< in the order of the listing; copies have `isCopy`
-    const FileList& copies;   ///< the members of a group next to each other
+    const FileArray& listed;                  ///< in the order of the listing; copies have `isCopy`
+    const FileList& copies;                   ///< the members of a group next to each other
+    const ProtectedFolders* guard = nullptr;  ///< null where nothing is protected
 };
 
 /// Folders with equal trees. Every entry counts, whatever the search was asked to look at: of what
@@ -27,7 +28,9 @@ struct PairedSearch {
 /// inner one has further equals.
 class FolderFinding final {
 public:
-    /// All outlive the object. What can not be read is added to `skipped`.
+    /// All outlive the object. Of a member is told whether it holds a protected folder by whatever
+    /// path; whether it lies in one is for the caller to find out. What can not be read is added to
+    /// `skipped`.
     FolderFinding(const FileSystem& files, const PairedSearch& search,
                   const std::atomic<bool>& stop, SkipList& skipped);
 
@@ -45,6 +48,7 @@ private:
     void findClasses();
     [[nodiscard]] bool hasRest() const;
     void lookAtRest();
+    void findProtected();
     void tell(FolderFindings& findings);
     [[nodiscard]] bool isCovered(const std::vector<std::uint32_t>& members) const;
     void dropOneEntry(std::vector<std::uint32_t>& members) const;

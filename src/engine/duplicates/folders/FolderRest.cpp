@@ -8,6 +8,7 @@
 
 #include "engine/duplicates/BundleListing.h"
 #include "engine/duplicates/HashAhead.h"
+#include "engine/duplicates/scope/ProtectedFolders.h"
 #include "engine/files/WorkCrew.h"
 #include "platform/files.h"
 #include "platform/linkText.h"
@@ -21,6 +22,7 @@ struct FolderRest::Task {
     std::size_t met = 0;                  // of these
     std::uint64_t digest = 0, bytes = 0;
     std::uint32_t files = 0, entries = 0;
+    bool holdsProtected = false;
     std::vector<Found> found;  // regular files that are not empty
 };
 
@@ -109,6 +111,7 @@ bool FolderRest::add(Task& task, std::string name, const FileAttributes& seen,
     switch (seen.type) {
         case FileType::Folder:
             task.digest += entryDigest(name, seen.type);
+            task.holdsProtected |= m_guard != nullptr && m_guard->isOneOrAbove(seen);
             return seen.device == node.device && seen.mount == node.mount;
         case FileType::SymbolicLink:
             task.digest += entryDigest(name, seen.type, linkText.size(),
@@ -131,6 +134,7 @@ void FolderRest::keep(Task& task) {
     row.restFiles = task.files;
     row.restEntries = task.entries;
     row.restBytes = task.bytes;
+    row.holdsProtected |= task.holdsProtected;
     if (task.found.empty()) return;
     const std::string folder = m_table.pathOf(task.row);
     const std::lock_guard lock(m_mutex);

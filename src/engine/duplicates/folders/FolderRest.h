@@ -15,12 +15,15 @@
 
 namespace orrinvale {
 
+class ProtectedFolders;
+
 /// Driven by one thread; reads with several. Everything given at construction outlives it.
 class FolderRest final {
 public:
-    FolderRest(const FileSystem& files, FolderTable& table, const std::atomic<bool>& stop,
-               SkipList& skipped)
-        : m_files(files), m_table(table), m_stop(stop), m_skipped(skipped) {}
+    /// `guard` may be null: nothing is protected then.
+    FolderRest(const FileSystem& files, FolderTable& table, const ProtectedFolders* guard,
+               const std::atomic<bool>& stop, SkipList& skipped)
+        : m_files(files), m_table(table), m_guard(guard), m_stop(stop), m_skipped(skipped) {}
 
     /// Of each candidate with entries that the walk left out: lists them, with what is in folders
     /// among them, and adds them to the row, files by their sizes alone. Odd becomes what can not
@@ -55,6 +58,7 @@ private:
 
     const FileSystem& m_files;
     FolderTable& m_table;
+    const ProtectedFolders* const m_guard;
     const std::atomic<bool>& m_stop;
     SkipList& m_skipped;
     std::mutex m_mutex;

@@ -33,13 +33,14 @@ struct FolderRow {
 
     std::uint64_t entries = 0, files = 0, bytes = 0;  ///< deep, of a candidate
 
-    bool isBehindLink = false;  ///< reached by a link in the folder that is searched
-    bool isOdd = false;         ///< equal to none: unreadable, with a file that has no copy, ...
-    bool hasCopy = false;       ///< deep: a listed file that has copies
-    bool hasHardLinks = false;  ///< deep: a file with several names
-    bool isCandidate = true;    ///< it may have an equal, or lies in one that may
-    bool isRestKnown = false;   ///< what the walk left out was looked at
-    std::uint32_t equals = 0;   ///< number of the class of its equals; 0 for none
+    bool isBehindLink = false;    ///< reached by a link in the folder that is searched
+    bool isOdd = false;           ///< equal to none: unreadable, with a file that has no copy, ...
+    bool hasCopy = false;         ///< deep: a listed file that has copies
+    bool hasHardLinks = false;    ///< deep: a file with several names
+    bool isCandidate = true;      ///< it may have an equal, or lies in one that may
+    bool holdsProtected = false;  ///< deep: a protected folder, or it is one
+    bool isRestKnown = false;     ///< what the walk left out was looked at
+    std::uint32_t equals = 0;     ///< number of the class of its equals; 0 for none
 
     /// Own entries that the walk left out.
     [[nodiscard]] std::uint32_t unseen() const {

@@ -47,7 +47,8 @@ PlanRemoval::PlanRemoval(const FileSystem& files, const DuplicatePlan& plan)
                 continue;
             }
             m_staying.push_back(member.path);
-            m_stayingEntries.emplace(member.identity.device, member.identity.inode);
+            if (!std::ranges::binary_search(passing, member.identity.device))
+                m_stayingEntries.emplace(member.identity.device, member.identity.inode);
             if (member.identity.type == FileType::Folder) m_stayingBundles.push_back(member.path);
         }
         m_tree->insertChild(node, m_tree->numberOfChildren());
@@ -55,6 +56,9 @@ PlanRemoval::PlanRemoval(const FileSystem& files, const DuplicatePlan& plan)
     m_account.resize(ticked.size());
     m_plan =
         std::make_unique<RemovalPlan>(files, std::move(ticked), RemovalPlan::Comparing::Always);
+    m_plan->setObjection([this](const HeldEntry& bundle, const FileAttributes& entry) {
+        return objectionTo(bundle, entry);
+    });
 }
 
 void PlanRemoval::turnHasCome() {
@@ -81,6 +85,18 @@ bool PlanRemoval::isToStay(std::size_t index) {
     const auto now = m_files.attributes(FileSystem::noParent, path.c_str(), Links::Keep);
     if (!now) return isStaying;
     return m_aboveStaying.contains(*now) || (isStaying && now->links < 2);
+}
+
+// A mount may show what is protected, or stays, by a path on which the bundle does not lie.
+std::optional<StayedEntry> PlanRemoval::objectionTo(const HeldEntry& bundle,
+                                                    const FileAttributes& entry) const {
+    const bool isFolder = entry.type == FileType::Folder;
+    if (isFolder && m_guarded->isOneOrAbove(entry))
+        return StayedEntry{bundle.path, std::string(stay::isProtected), StayReason::Protected};
+    const bool isStaying = m_stayingEntries.contains({entry.device, entry.inode});
+    if (isFolder ? isStaying || m_aboveStaying.contains(entry) : isStaying && entry.links < 2)
+        return StayedEntry{bundle.path, std::string(stay::sameEntry), StayReason::NoCopy};
+    return std::nullopt;
 }
 
 tl::expected<std::unique_ptr<CopyLook>, StayedEntry> PlanRemoval::judge(std::size_t index) {

@@ -59,6 +59,8 @@ public:
 
 private:
     [[nodiscard]] bool isToStay(std::size_t index);
+    [[nodiscard]] std::optional<StayedEntry> objectionTo(const HeldEntry& bundle,
+                                                         const FileAttributes& entry) const;
 
     const FileSystem& m_files;
     std::shared_ptr<SimpleTreeNode> m_tree;
@@ -69,7 +71,7 @@ private:
     std::vector<std::string> m_staying;
     std::set<std::string> m_stayingPlaces;  // the same without links
     FoldersAbove m_aboveStaying;
-    std::set<std::pair<std::uint64_t, std::uint64_t>> m_stayingEntries;  // devices and inodes
+    std::set<std::pair<std::uint64_t, std::uint64_t>> m_stayingEntries;  // of lasting numbers
     std::optional<ProtectedFolders> m_guarded;  // both as they are when the turn has come
     std::optional<ProtectedFolders> m_bundles;
     std::vector<Settled> m_account;

@@ -81,11 +81,12 @@ private:
 }  // namespace
 
 BundleLook::BundleLook(const FileSystem& files, Digests digests, std::optional<KeptCopy> kept,
-                       bool compares)
+                       bool compares, EntryObjection objection)
     : m_files(files),
       m_digests(digests),
       m_kept(std::move(kept)),
       m_compares(compares),
+      m_objection(std::move(objection)),
       m_passing(files.devicesOfPassingInodes()) {}
 
 std::optional<StayedEntry> BundleLook::before(const HeldEntry& leaving,
@@ -117,6 +118,7 @@ std::optional<StayedEntry> BundleLook::listBoth(const HeldEntry& leaving, const 
     m_leavingList = std::move(*list);
     if (m_digests.leaving && *m_digests.leaving != m_leavingList.digest)
         return failed(leaving, ESTALE);
+    if (auto reason = objectionTo(leaving)) return reason;
     if (!m_kept) return std::nullopt;
 
     auto kept = openFolderByPath(m_files, m_kept->path, Links::Keep);
@@ -126,6 +128,13 @@ std::optional<StayedEntry> BundleLook::listBoth(const HeldEntry& leaving, const 
     if (!keptList) return noBundleCopy(leaving);
     m_keptList = std::move(*keptList);
     if (m_digests.kept && *m_digests.kept != m_keptList.digest) return noBundleCopy(leaving);
+    return std::nullopt;
+}
+
+std::optional<StayedEntry> BundleLook::objectionTo(const HeldEntry& leaving) const {
+    if (!m_objection) return std::nullopt;
+    for (const BundleEntry& entry : m_leavingList.entries)
+        if (auto reason = m_objection(leaving, entry.attributes)) return reason;
     return std::nullopt;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -10,6 +11,10 @@
 #include "engine/removal/CopyLook.h"
 
 namespace orrinvale {
+
+/// Why a bundle that has this entry in it may not go; nothing where it may.
+using EntryObjection =
+    std::function<std::optional<StayedEntry>(const HeldEntry& bundle, const FileAttributes& entry)>;
 
 /// Two bundles are copies of each other while both hold, to the last entry, what the search listed,
 /// and hold the same: names, types, texts of links, and bytes.
@@ -22,8 +27,9 @@ public:
         std::optional<std::uint64_t> kept;
     };
     /// `compares` false: the listings alone have to agree with those of the search.
+    /// `objection` is asked of each entry each time that the bundle is listed; it may be empty.
     BundleLook(const FileSystem& files, Digests digests, std::optional<KeptCopy> kept,
-               bool compares);
+               bool compares, EntryObjection objection = {});
 
     const std::optional<KeptCopy>& kept() const override { return m_kept; }
     std::optional<StayedEntry> before(const HeldEntry& leaving,
@@ -35,6 +41,7 @@ private:
     [[nodiscard]] std::optional<StayedEntry> listBoth(const HeldEntry& leaving,
                                                       const std::string& name,
                                                       const std::atomic<bool>& stop);
+    [[nodiscard]] std::optional<StayedEntry> objectionTo(const HeldEntry& leaving) const;
     [[nodiscard]] bool inodesPass(std::uint64_t device) const;
     [[nodiscard]] std::optional<StayedEntry> compare(const HeldEntry& leaving,
                                                      const std::atomic<bool>& stop) const;
@@ -43,6 +50,7 @@ private:
     const Digests m_digests;
     std::optional<KeptCopy> m_kept;
     const bool m_compares;
+    const EntryObjection m_objection;
     const std::vector<std::uint64_t> m_passing;
     BundleListing m_leavingList;
     BundleListing m_keptList;

@@ -5,7 +5,6 @@
 #include <map>
 #include <utility>
 
-#include "engine/duplicates/results/BundleLook.h"
 #include "engine/removal/stayReasons.h"
 #include "platform/files.h"
 #include "platform/paths.h"
@@ -131,7 +130,7 @@ std::unique_ptr<CopyLook> RemovalPlan::lookFor(const Member& wanted, const Membe
     if (!wanted.digest) return std::make_unique<FileLook>(m_files, std::move(copy), compares);
     return std::make_unique<BundleLook>(
         m_files, BundleLook::Digests{wanted.digest, kept != nullptr ? kept->digest : std::nullopt},
-        std::move(copy), compares);
+        std::move(copy), compares, m_objection);
 }
 
 tl::expected<std::unique_ptr<CopyLook>, StayedEntry> RemovalPlan::judge(std::size_t index) {

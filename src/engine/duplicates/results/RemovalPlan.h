@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "engine/duplicates/results/BundleLook.h"
 #include "engine/duplicates/tree/SimpleTreeNode.h"
 #include "engine/files/EntryIdentity.h"
 #include "engine/removal/RemovalList.h"
@@ -32,6 +33,9 @@ public:
                 Comparing comparing);
 
     [[nodiscard]] bool compares() const { return m_comparing == Comparing::Always; }
+
+    /// What else may keep a bundle, by what is in it. Before the removal.
+    void setObjection(EntryObjection objection) { m_objection = std::move(objection); }
 
     /// The groups are those that the leaves stand in now: nobody changes the tree before the first
     /// news of the removal.
@@ -115,6 +119,7 @@ private:
     const FileSystem& m_files;
     std::vector<TreeNode::Pointer> m_ticked;
     const Comparing m_comparing;
+    EntryObjection m_objection;
     bool m_isPrepared = false;
     std::vector<Group> m_groups;
     std::vector<Entry> m_entries;

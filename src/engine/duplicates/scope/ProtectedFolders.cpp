@@ -53,6 +53,14 @@ bool ProtectedFolders::isOneAt(const std::string& path) const {
     return seen && isOne(seen->device, seen->inode);
 }
 
+bool ProtectedFolders::isOneOrAbove(const FolderNode& folder) const {
+    if (folder.inode == 0) return isOneAt(pathOf(folder));
+    FileAttributes seen;
+    seen.device = folder.device;
+    seen.inode = folder.inode;
+    return isOneOrAbove(seen);
+}
+
 // From the nearest folder that is known already, downwards: a way may be ten thousand folders long.
 const ProtectedFolders::Place& ProtectedFolders::placeOf(const FolderNode& folder) {
     std::vector<const FolderNode*> way;

@@ -31,7 +31,8 @@ private:
 };
 
 /// A folder is known by its path, by the path without links, and by what it is, so that neither a
-/// link nor a second mount leads around it, nor around the folders above it. Also where numbers
+/// link nor a second mount leads around it, nor around the folders above it; where a mount shows it
+/// alone, what holds it is found by looking through that. Also where numbers
 /// need not last: one that is met by chance makes an entry stay. One that is not there protects its
 /// path. Asked once, when the object is made. One thread.
 class ProtectedFolders final {
@@ -46,6 +47,12 @@ public:
     /// Whether the entry at this absolute path lies in one of them, is one, or holds one. Where it
     /// lies is looked up anew after a tenth of a second.
     [[nodiscard]] bool covers(const std::string& path);
+    /// Whether a folder is one of them, or stands above one, by what it is and whatever path led to
+    /// it: what holds such a folder holds what is protected. Any thread.
+    [[nodiscard]] bool isOneOrAbove(const FileAttributes& folder) const {
+        return isOne(folder.device, folder.inode) || m_above.contains(folder);
+    }
+    [[nodiscard]] bool isOneOrAbove(const FolderNode& folder) const;
     /// The path without links on the way to its last component, as old as that.
     [[nodiscard]] std::string realPlace(const std::string& path);
 
