@@ -5,6 +5,7 @@
 #include <random>
 
 #include "engine/duplicates/SearchRun.h"
+#include "engine/duplicates/folders/FolderFates.h"
 #include "support/OwnMounts.h"
 #include "support/realFiles.h"
 #include "support/test.h"
@@ -329,6 +330,23 @@ TEST(EqualFolders, AProtectedPartIsKnownByAnyPath) {
         }
         return {};
     });
+}
+
+// Rules name folders without links; what is searched may be named by one.
+TEST(EqualFolders, ARuleFindsThemBehindTheLinkThatIsSearched) {
+    TestTree tree;
+    for (const char* name : {"data/a/f", "data/b/f", "data/c/in/f"})
+        ASSERT_TRUE(tree.write(name, "12345"));
+    ASSERT_TRUE(tree.symlink("data", "way"));
+    const FolderFindings found = FolderSearch({tree.at("way")}).run().found;
+    for (const char* const kept : {"a", "b", "c"}) {
+        const KeepRules rules{{KeepRule::By::BestPlace, {tree.at("data/") + kept}}};
+        const FolderFates fates(found, rules);
+        for (const char* const folder : {"a", "b", "c/in"})
+            EXPECT_EQ(fates.of(tree.at("way/") + folder),
+                      *folder == *kept ? FolderFate::Stays : FolderFate::Goes)
+                << kept << ' ' << folder;
+    }
 }
 
 // A folder that changes after the walk is no part of a group, and a stop tells nothing.

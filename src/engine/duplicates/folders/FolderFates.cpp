@@ -14,6 +14,7 @@ std::vector<KeepMember> keepMembersOf(const FolderGroup& group) {
         member.path = folder.path;
         member.modified = folder.modified;
         member.identity = &folder.identity;
+        member.place = folder.place;
         member.isProtected = folder.isProtected;
         members.push_back(member);
     }

@@ -222,8 +222,11 @@ FolderGroup FolderFinding::groupOf(const std::vector<std::uint32_t>& members) {
                                      .inode = node.inode,
                                      .type = FileType::Folder,
                                      .inodePasses = node.inode == 0};
-        group.members.push_back({m_table.pathOf(member), identity, m_table[member].newest,
-                                 m_table[member].holdsProtected});
+        FolderMember folder{m_table.pathOf(member), identity, m_table[member].newest,
+                            m_table[member].holdsProtected};
+        if (auto place = m_files.resolved(folder.path); place && *place != folder.path)
+            folder.place = std::move(*place);
+        group.members.push_back(std::move(folder));
     }
     return group;
 }

@@ -19,6 +19,7 @@ struct FolderMember {
     std::int64_t modified =
         0;                     ///< of the newest file that was listed in it, nanoseconds since 1970
     bool isProtected = false;  ///< it lies in a protected folder, or holds one
+    std::string place = {};    ///< without links, where that is not the path
 };
 
 /// Folders that have equal trees: the same names, types, texts of links and contents to the last
