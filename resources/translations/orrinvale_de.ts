@@ -2209,6 +2209,10 @@
         <source>The removal of %1 could not be stopped any more</source>
         <translation>Das Entfernen von %1 ließ sich nicht mehr stoppen</translation>
     </message>
+    <message>
+        <source>something is mounted in the copy that stays</source>
+        <translation>in der Kopie, die bleibt, ist etwas eingehängt</translation>
+    </message>
 </context>
 <context>
     <name>Removal</name>

@@ -40,6 +40,7 @@ struct LooseFileWalk::Run {
     std::uint32_t entries = 0;     // listed, records or not
     std::uint32_t emptyFiles = 0;  // among them
     std::uint64_t emptyNames = 0;
+    bool hasMount = false;  // a file is mounted on one of them
     Run* next = nullptr;
 };
 
@@ -258,6 +259,8 @@ bool LooseFileWalk::takeFile(Worker& worker, Folder& folder, CatalogEntry& entry
     if (attributes.type == FileType::Folder ||
         (attributes.type == FileType::SymbolicLink && listedType != attributes.type))
         return false;  // exchanged since it was listed
+    if (attributes.mount != folder.mount)
+        m_shares[worker.number].run->hasMount = m_mayRepeat = true;
     if (attributes.size == 0 && m_query.notesFolders && attributes.type == FileType::Regular) {
         Run& run = *m_shares[worker.number].run;
         ++run.emptyFiles;
@@ -277,7 +280,6 @@ bool LooseFileWalk::takeFile(Worker& worker, Folder& folder, CatalogEntry& entry
     record.name = m_shares[worker.number].names->copy(entry.name);
     record.inodePasses =
         attributes.device == folder.device ? folder.inodesPass : numbersPass(attributes.device);
-    if (attributes.mount != folder.mount) m_mayRepeat = true;
     return true;
 }
 
@@ -331,6 +333,7 @@ void LooseFileWalk::note(std::vector<SeenFolder>& folders, const Folder& folder)
         seen.entries += run->entries;
         seen.emptyFiles += run->emptyFiles;
         seen.emptyNames += run->emptyNames;
+        seen.isWhole &= !run->hasMount;
     }
     folders.push_back(seen);
 }

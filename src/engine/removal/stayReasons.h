@@ -17,6 +17,7 @@ inline constexpr std::string_view inUse = "a program has it open for writing";
 inline constexpr std::string_view copyInUse = "a program has the copy that stays open for writing";
 inline constexpr std::string_view nameTaken =
     "kept aside under another name, since its own is taken by now";
+inline constexpr std::string_view copyHasMount = "something is mounted in the copy that stays";
 inline constexpr std::string_view notNoted = "it could not be noted for undo";
 inline constexpr std::string_view otherInPlace = "another entry is in its place";
 

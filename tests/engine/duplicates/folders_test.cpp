@@ -309,6 +309,29 @@ TEST(EqualFolders, AMountIsAnotherTree) {
     });
 }
 
+// A file may be mounted too, whether it is the other's own or not.
+TEST(EqualFolders, OneWithAMountedFileHasNoEqual) {
+    testing::withOwnMounts([]() -> std::string {
+        for (const char* const name : {"g", ".g"})
+            for (const char* const from : {"r/a/", "away/"}) {
+                TestTree tree("/mnt");
+                for (const char* folder : {"r/a/", "r/b/", "away/"})
+                    if (!tree.write(std::string(folder) + name, "12345") ||
+                        !tree.write(std::string(folder) + "f", "67890"))
+                        return "no tree";
+                const std::string mount = tree.at("r/b/") + name;
+                if (!bindMount(tree.at(from) + name, mount)) return "skip: no bind mounts";
+                FolderSearch search({tree.at("r")});
+                search.option.searchHidden = false;
+                const bool isEqual = !search.run().found.groups.empty();
+                (void)::umount2(mount.c_str(), MNT_DETACH);
+                if (isEqual) return std::string(name) + " of " + from;
+                if (search.run().found.groups.size() != 1) return "not equal without the mount";
+            }
+        return {};
+    });
+}
+
 // A mount shows a part of one of them alone, and that mount is protected.
 TEST(EqualFolders, AProtectedPartIsKnownByAnyPath) {
     testing::withOwnMounts([]() -> std::string {

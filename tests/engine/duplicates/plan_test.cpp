@@ -347,6 +347,54 @@ TEST(PlanRemoval, ASecondMountHidesNothingThatABundleHolds) {
         for (const bool showsPart : {true, false}) withOwnMounts(check(isProtected, showsPart));
 }
 
+// What is mounted in the folder that stays is no copy: it may be what goes.
+TEST(PlanRemoval, AMountInWhatStaysIsNoCopy) {
+    class WithoutMountNumbers final : public ForwardingFiles {
+    public:
+        WithoutMountNumbers() : ForwardingFiles(files) {}
+        using ForwardingFiles::attributes;
+        SysResult<FileAttributes> attributes(int parent, const char* name,
+                                             Links links) const override {
+            auto seen = ForwardingFiles::attributes(parent, name, links);
+            if (seen) seen->mount = 0;
+            return seen;
+        }
+        SysResult<FileAttributes> attributes(int descriptor) const override {
+            auto seen = ForwardingFiles::attributes(descriptor);
+            if (seen) seen->mount = 0;
+            return seen;
+        }
+    };
+    const struct {
+        const char* from;
+        const char* to;
+        bool hasNumbers;
+    } cases[] = {{"a/in/f", "b/in/f", true},
+                 {"a/in", "b/in", true},
+                 {"away/in", "b/in", true},
+                 {"a/in/f", "b/in/f", false}};
+    withOwnMounts([&]() -> std::string {
+        const WithoutMountNumbers old;
+        for (const auto& [from, to, hasNumbers] : cases) {
+            TestTree tree("/mnt");
+            for (const char* const folder : {"a", "b", "away"})
+                if (!tree.write(std::string(folder) + "/in/f", "the same")) return "no tree";
+            if (!bindMount(tree.at(from), tree.at(to))) return "skip: no bind mounts";
+            PlanGroup group;
+            group.members = {memberAt(tree.at("b"), false), memberAt(tree.at("a"), true)};
+            PlanRemoval list(hasNumbers ? files : static_cast<const FileSystem&>(old),
+                             planOf({group}));
+            (void)testing::removeAll(files, "/mnt/state", list);
+            const std::string why = list.account()[0].reason;
+            const bool isThereStill = isThere(tree.at("a/in/f"));
+            (void)::umount2(tree.at(to).c_str(), MNT_DETACH);
+            if (!isThereStill) return fmt::format("{} on {} was the copy", from, to);
+            if (why.empty()) return "nothing is told";
+        }
+        return {};
+    });
+}
+
 // Ended in the middle of a bundle, it is not told as one that nothing happened to.
 TEST(PlanRemoval, APartThatWentIsTold) {
     TestTree tree;

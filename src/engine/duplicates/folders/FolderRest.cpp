@@ -103,16 +103,18 @@ bool FolderRest::takeTree(Task& task, int folder, const char* name) {
     return true;
 }
 
-// Another file system, or the same one mounted there, is no part of the tree.
+// Another file system, or the same one mounted there, is no part of the tree; a single file may be
+// mounted too.
 bool FolderRest::add(Task& task, std::string name, const FileAttributes& seen,
                      std::string_view linkText) {
     const FolderNode& node = *m_table[task.row].seen.node;
     ++task.entries;
+    if (seen.mount != node.mount) return false;
     switch (seen.type) {
         case FileType::Folder:
             task.digest += entryDigest(name, seen.type);
             task.holdsProtected |= m_guard != nullptr && m_guard->isOneOrAbove(seen);
-            return seen.device == node.device && seen.mount == node.mount;
+            return seen.device == node.device;
         case FileType::SymbolicLink:
             task.digest += entryDigest(name, seen.type, linkText.size(),
                                        std::hash<std::string_view>()(linkText));

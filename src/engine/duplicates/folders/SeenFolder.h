@@ -17,7 +17,7 @@ struct SeenFolder {
     std::uint64_t emptyNames = 0;  ///< sum of entryDigest() of the empty files in it
     std::uint32_t entries = 0;     ///< all that stand directly in it, left out ones too
     std::uint32_t emptyFiles = 0;
-    bool isWhole = false;  ///< it was entered, and listed to its end
+    bool isWhole = false;  ///< it was entered, and listed to its end, and no file is mounted in it
 };
 
 /// Spreads a number over all bits: the last step of splitmix64.

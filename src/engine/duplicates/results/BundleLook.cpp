@@ -128,7 +128,22 @@ std::optional<StayedEntry> BundleLook::listBoth(const HeldEntry& leaving, const 
     if (!keptList) return noBundleCopy(leaving);
     m_keptList = std::move(*keptList);
     if (m_digests.kept && *m_digests.kept != m_keptList.digest) return noBundleCopy(leaving);
+    if (holdsMount(m_keptFolder.get(), m_keptList))
+        return noBundleCopy(leaving, stay::copyHasMount);
     return std::nullopt;
+}
+
+// Of a file with several names each of the two may have its own.
+bool BundleLook::isOneFile(const FileAttributes& a, const FileAttributes& b) const {
+    return a.device == b.device && a.inode == b.inode && a.links < 2 && !inodesPass(a.device);
+}
+
+// The mount may go at any time, and what it shows may be what goes.
+bool BundleLook::holdsMount(int folder, const BundleListing& listing) const {
+    const auto own = m_files.attributes(folder);
+    return !own || std::ranges::any_of(listing.entries, [&](const BundleEntry& entry) {
+        return entry.attributes.mount != own->mount;
+    });
 }
 
 std::optional<StayedEntry> BundleLook::objectionTo(const HeldEntry& leaving) const {
@@ -148,6 +163,8 @@ std::optional<StayedEntry> BundleLook::compare(const HeldEntry& leaving,
     for (std::size_t i = 0; i < ours.size() && !stop; ++i) {
         if (!isAlike(ours[i], theirs[i])) return noBundleCopy(leaving, stay::otherContents);
         if (ours[i].attributes.type != FileType::Regular) continue;
+        if (isOneFile(ours[i].attributes, theirs[i].attributes))
+            return noBundleCopy(leaving, stay::sameEntry);
         const auto a = ourFiles.open(ours[i]);
         const auto b = theirFiles.open(theirs[i]);
         const FileAttributes& our = ours[i].attributes;  // as they were found open

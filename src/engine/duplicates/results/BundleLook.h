@@ -42,6 +42,8 @@ private:
                                                       const std::string& name,
                                                       const std::atomic<bool>& stop);
     [[nodiscard]] std::optional<StayedEntry> objectionTo(const HeldEntry& leaving) const;
+    [[nodiscard]] bool holdsMount(int folder, const BundleListing& listing) const;
+    [[nodiscard]] bool isOneFile(const FileAttributes& a, const FileAttributes& b) const;
     [[nodiscard]] bool inodesPass(std::uint64_t device) const;
     [[nodiscard]] std::optional<StayedEntry> compare(const HeldEntry& leaving,
                                                      const std::atomic<bool>& stop) const;

@@ -41,6 +41,7 @@ constexpr std::array whole{
     QT_TRANSLATE_NOOP("Reason", "the copy that stays is the same entry by another path"),
     QT_TRANSLATE_NOOP("Reason", "a program has it open for writing"),
     QT_TRANSLATE_NOOP("Reason", "a program has the copy that stays open for writing"),
+    QT_TRANSLATE_NOOP("Reason", "something is mounted in the copy that stays"),
     QT_TRANSLATE_NOOP("Reason", "kept aside under another name, since its own is taken by now"),
     QT_TRANSLATE_NOOP("Reason", "it is another entry than the one that was set aside"),
     QT_TRANSLATE_NOOP("Reason", "stopped"),
