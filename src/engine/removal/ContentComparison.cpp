@@ -47,6 +47,13 @@ private:
     std::uint64_t m_offset = 0;
 };
 
+// Of a file without a size: a served file system shows so what it does not know the length of.
+SysResult<bool> isEmpty(Reading& reading) {
+    const auto piece = reading.next();
+    if (!piece) return tl::unexpected(piece.error());
+    return piece->empty();
+}
+
 }  // namespace
 
 SysResult<Comparison> compareContents(const FileSystem& files, const ComparedFile& a,
@@ -57,6 +64,13 @@ SysResult<Comparison> compareContents(const FileSystem& files, const ComparedFil
     thread_local ComparisonRoom roomB;
     Reading readingA(files, a, roomA);
     Reading readingB(files, b, roomB);
+    if (a.size == 0) {
+        const auto isOurs = isEmpty(readingA);
+        const auto isTheirs = isEmpty(readingB);
+        if (!isOurs || !isTheirs)
+            return tl::unexpected(!isOurs ? isOurs.error() : isTheirs.error());
+        return *isOurs && *isTheirs ? Comparison::Same : Comparison::Different;
+    }
     for (std::uint64_t done = 0; done < a.size;) {
         if (stop) return Comparison::Stopped;
         const auto pieceA = readingA.next();

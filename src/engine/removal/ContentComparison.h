@@ -18,8 +18,8 @@ struct ComparedFile {
 };
 
 /// Compares two files to their ends, byte by byte, and leaves the page cache as it was. One that is
-/// shorter than it was seen differs. An errno when one can not be read. Asks `stop` between pieces.
-/// Any thread.
+/// shorter than it was seen differs, as does one that has bytes though it was seen empty. An errno
+/// when one can not be read. Asks `stop` between pieces. Any thread.
 [[nodiscard]] SysResult<Comparison> compareContents(const FileSystem& files, const ComparedFile& a,
                                                     const ComparedFile& b,
                                                     const std::atomic<bool>& stop);

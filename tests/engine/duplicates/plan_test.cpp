@@ -347,24 +347,46 @@ TEST(PlanRemoval, ASecondMountHidesNothingThatABundleHolds) {
         for (const bool showsPart : {true, false}) withOwnMounts(check(isProtected, showsPart));
 }
 
+/// The real files, that look as a test wants it.
+class ShowingFiles final : public ForwardingFiles {
+public:
+    explicit ShowingFiles(std::function<void(FileAttributes&)> change)
+        : ForwardingFiles(files), m_change(std::move(change)) {}
+    SysResult<FileAttributes> attributes(int parent, const char* name, Links links) const override {
+        return changed(ForwardingFiles::attributes(parent, name, links));
+    }
+    SysResult<FileAttributes> attributes(int descriptor) const override {
+        return changed(ForwardingFiles::attributes(descriptor));
+    }
+
+private:
+    SysResult<FileAttributes> changed(SysResult<FileAttributes> seen) const {
+        if (seen) m_change(*seen);
+        return seen;
+    }
+    const std::function<void(FileAttributes&)> m_change;
+};
+
+// A served file system may show no length for what has bytes.
+TEST(PlanRemoval, WhatLooksEmptyIsReadAllTheSame) {
+    const ShowingFiles lengthless([](FileAttributes& seen) {
+        if (seen.type == FileType::Regular) seen.size = 0;
+    });
+    for (const auto& [ours, theirs] : {std::pair{"one", "two"}, {"", "two"}, {"", ""}}) {
+        TestTree tree;
+        ASSERT_TRUE(tree.write("a/f", ours) && tree.write("b/f", theirs));
+        PlanGroup group;
+        group.members = {memberAt(tree.at("b"), false), memberAt(tree.at("a"), true)};
+        for (PlanMember& member : group.members)
+            member.listing = listBundle(lengthless, member.path, {}, neverStopped)->digest;
+        PlanRemoval list(lengthless, planOf({group}));
+        (void)testing::removeAll(files, tree.at("state"), list);
+        EXPECT_EQ(isThere(tree.at("a/f")), *theirs != 0) << ours;
+    }
+}
+
 // What is mounted in the folder that stays is no copy: it may be what goes.
 TEST(PlanRemoval, AMountInWhatStaysIsNoCopy) {
-    class WithoutMountNumbers final : public ForwardingFiles {
-    public:
-        WithoutMountNumbers() : ForwardingFiles(files) {}
-        using ForwardingFiles::attributes;
-        SysResult<FileAttributes> attributes(int parent, const char* name,
-                                             Links links) const override {
-            auto seen = ForwardingFiles::attributes(parent, name, links);
-            if (seen) seen->mount = 0;
-            return seen;
-        }
-        SysResult<FileAttributes> attributes(int descriptor) const override {
-            auto seen = ForwardingFiles::attributes(descriptor);
-            if (seen) seen->mount = 0;
-            return seen;
-        }
-    };
     const struct {
         const char* from;
         const char* to;
@@ -374,7 +396,7 @@ TEST(PlanRemoval, AMountInWhatStaysIsNoCopy) {
                  {"away/in", "b/in", true},
                  {"a/in/f", "b/in/f", false}};
     withOwnMounts([&]() -> std::string {
-        const WithoutMountNumbers old;
+        const ShowingFiles old([](FileAttributes& seen) { seen.mount = 0; });
         for (const auto& [from, to, hasNumbers] : cases) {
             TestTree tree("/mnt");
             for (const char* const folder : {"a", "b", "away"})
