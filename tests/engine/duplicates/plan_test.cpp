@@ -7,6 +7,7 @@
 #include "engine/duplicates/plan/PlanRemoval.h"
 #include "engine/removal/PairList.h"
 #include "engine/removal/TrashDoor.h"
+#include "engine/removal/stayReasons.h"
 #include "support/realFiles.h"
 #include "support/test.h"
 
@@ -475,6 +476,20 @@ TEST(PlanRemoval, TellsWhatBecameOfEachEntry) {
     EXPECT_EQ(run(), expected);
     expected[0].first = As::GoneByOthers;
     EXPECT_EQ(run(), expected);
+}
+
+// What goes as well is no copy to go for: the disk of what stays may be out of reach for a while.
+TEST(PlanRemoval, NothingGoesForWhatGoesItself) {
+    TestTree tree;
+    PlanGroup group;
+    for (const char* const name : {"stays", "goes", "goes too"}) {
+        ASSERT_TRUE(tree.write(name, "the same"));
+        group.members.push_back(memberAt(tree.at(name), *name == 'g'));
+    }
+    ASSERT_EQ(::unlink(tree.at("stays").c_str()), 0);
+    PlanRemoval list(files, planOf({group}));
+    EXPECT_EQ(testing::removeAll(files, tree.at("state"), list).removed, 0U);
+    for (const auto& each : list.account()) EXPECT_EQ(each.reason, stay::noCopy);
 }
 
 }  // namespace

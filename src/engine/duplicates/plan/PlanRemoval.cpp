@@ -54,8 +54,8 @@ PlanRemoval::PlanRemoval(const FileSystem& files, const DuplicatePlan& plan)
         m_tree->insertChild(node, m_tree->numberOfChildren());
     }
     m_account.resize(ticked.size());
-    m_plan =
-        std::make_unique<RemovalPlan>(files, std::move(ticked), RemovalPlan::Comparing::Always);
+    m_plan = std::make_unique<RemovalPlan>(files, std::move(ticked), RemovalPlan::Comparing::Always,
+                                           RemovalPlan::Copies::Staying);
     m_plan->setObjection([this](const HeldEntry& bundle, const FileAttributes& entry) {
         return objectionTo(bundle, entry);
     });

@@ -23,8 +23,8 @@ bool isSameFile(const EntryIdentity& a, const EntryIdentity& b) {
 }  // namespace
 
 RemovalPlan::RemovalPlan(const FileSystem& files, std::vector<TreeNode::Pointer> ticked,
-                         Comparing comparing)
-    : m_files(files), m_ticked(std::move(ticked)), m_comparing(comparing) {}
+                         Comparing comparing, Copies copies)
+    : m_files(files), m_ticked(std::move(ticked)), m_comparing(comparing), m_copies(copies) {}
 
 void RemovalPlan::prepare() {
     std::unordered_map<const TreeNode*, Place> places;
@@ -58,9 +58,11 @@ void RemovalPlan::addGroup(const TreeNode& node, const std::unordered_set<const 
         group.copies.push_back(i);
         if (group.members.back().identity) group.byFile.push_back(i);
     }
-    std::stable_partition(group.copies.begin(), group.copies.end(), [&](std::size_t i) {
+    const auto isTicked = [&](std::size_t i) {
         return ticked.contains(node.childAtIndex(i).get());
-    });
+    };
+    if (m_copies == Copies::Staying) std::erase_if(group.copies, isTicked);
+    std::stable_partition(group.copies.begin(), group.copies.end(), isTicked);
     std::sort(group.byFile.begin(), group.byFile.end(), [&](std::size_t left, std::size_t right) {
         return fileOf(group.members[left].identity) < fileOf(group.members[right].identity);
     });

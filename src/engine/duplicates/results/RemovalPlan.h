@@ -27,10 +27,12 @@ public:
     /// Whether contents are compared before a copy goes. What rests on anything but a search just
     /// made, what was recalled among it, is always compared.
     enum class Comparing : std::uint8_t { Always, Never };
+    /// What a copy may go for: one that is ticked as well, or what is to stay alone.
+    enum class Copies : std::uint8_t { Any, Staying };
 
     /// Each ticked leaf once, in the order of ticking. The file system outlives the plan.
-    RemovalPlan(const FileSystem& files, std::vector<TreeNode::Pointer> ticked,
-                Comparing comparing);
+    RemovalPlan(const FileSystem& files, std::vector<TreeNode::Pointer> ticked, Comparing comparing,
+                Copies copies = Copies::Any);
 
     [[nodiscard]] bool compares() const { return m_comparing == Comparing::Always; }
 
@@ -58,9 +60,10 @@ public:
 
     /// Why the copy must not go now: it is protected, or in a group that is not wholly ticked, no
     /// other copy is still what the search saw. One that is not ticked is asked first; where there
-    /// is none any more a ticked one serves, and is then the one that stays. A link is no copy for
-    /// a file, since it may point at the very file that goes; neither is the same entry by another
-    /// path, nor what lies in a bundle that goes. Else how it goes, with the copy that stays.
+    /// is none any more a ticked one serves with Copies::Any, and is then the one that stays. A
+    /// link is no copy for a file, since it may point at the very file that goes; neither is the
+    /// same entry by another path, nor what lies in a bundle that goes. Else how it goes, with the
+    /// copy that stays.
     [[nodiscard]] tl::expected<std::unique_ptr<CopyLook>, StayedEntry> judge(
         std::size_t index) override;
 
@@ -119,6 +122,7 @@ private:
     const FileSystem& m_files;
     std::vector<TreeNode::Pointer> m_ticked;
     const Comparing m_comparing;
+    const Copies m_copies;
     EntryObjection m_objection;
     bool m_isPrepared = false;
     std::vector<Group> m_groups;
