@@ -67,4 +67,7 @@ endfunction()
 option(ORRINVALE_GROUPS "Compile the sources of libraries and test programs in groups" OFF)
 function(orrinvale_group target)
   set_target_properties(${target} PROPERTIES UNITY_BUILD ${ORRINVALE_GROUPS} UNITY_BUILD_BATCH_SIZE 8)
+  if(ORRINVALE_GROUPS)  # a local name may be that of a neighbour; what it hides in its own source shows where each is compiled alone
+    target_compile_options(${target} PRIVATE -Wno-shadow)
+  endif()
 endfunction()

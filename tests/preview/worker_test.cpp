@@ -15,9 +15,9 @@ namespace {
 using Kind = PreviewAnswer::Kind;
 using Failure = PreviewFailure;
 
-const LinuxFileSystem realFiles;
+const LinuxFileSystem diskFiles;
 
-PreviewReader reader() { return {realFiles, companionProgram(PreviewReader::programName)}; }
+PreviewReader reader() { return {diskFiles, companionProgram(PreviewReader::programName)}; }
 
 std::string picture(int width, int height, const char* format, QRgb colour = qRgb(200, 30, 60)) {
     QImage image(width, height, QImage::Format_RGB32);
@@ -150,7 +150,7 @@ TEST(PreviewWorker, IsNeverStartedForWhatIsNoFile) {
         EXPECT_EQ(seen.attributes.type, each.type) << each.path;
         EXPECT_EQ(seen.answer.kind, Kind::Other) << each.path;
     }
-    const Preview without = PreviewReader(realFiles, "").read(tree.at("words"), 320, {});
+    const Preview without = PreviewReader(diskFiles, "").read(tree.at("words"), 320, {});
     EXPECT_EQ(without.answer.failure, Failure::NotLooked);
 }
 
@@ -183,7 +183,7 @@ TEST(PreviewWorker, WhateverItDoesIsOverInTime) {
                     tree.setMode("looker", 0700));
         const auto before = Clock::now();
         const Preview seen =
-            PreviewReader(realFiles, tree.at("looker")).read(tree.at("file"), 9, {});
+            PreviewReader(diskFiles, tree.at("looker")).read(tree.at("file"), 9, {});
         EXPECT_EQ(seen.answer.kind, Kind::Failed) << each.name;
         EXPECT_EQ(seen.answer.failure, each.failure) << each.name;
         EXPECT_LT(Clock::now() - before, PreviewReader::patience + 2s) << each.name;
@@ -199,7 +199,7 @@ TEST(PreviewWorker, WhateverItDoesIsOverInTime) {
         source.request_stop();
     });
     const auto before = Clock::now();
-    (void)PreviewReader(realFiles, tree.at("looker")).read(tree.at("file"), 9, source.get_token());
+    (void)PreviewReader(diskFiles, tree.at("looker")).read(tree.at("file"), 9, source.get_token());
     EXPECT_LT(Clock::now() - before, 1500ms);
 }
 

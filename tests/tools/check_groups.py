@@ -123,7 +123,7 @@ def check(root):
             if unnamed and path.suffix == ".cpp":
                 hidden[library, space, declared_name].append((name, line, types))
             elif path.suffix == ".h":
-                shared = not unnamed and library not in PROGRAMS and (top == "src" or library == "tests/support")
+                shared = library not in PROGRAMS and (top == "src" or library == "tests/support")
                 open_names[top if shared else library, space, declared_name].append((name, line, types))
     for key, places in hidden.items():
         tops = ("src",) if key[0].startswith("src/") else ("src", "tests")

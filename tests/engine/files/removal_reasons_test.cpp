@@ -6,7 +6,7 @@
 namespace orrinvale {
 namespace {
 
-const ProtectedPlaces nothingProtected;
+const ProtectedPlaces noPlaceProtected;
 
 const char* nameOf(StayReason kind) {
     switch (kind) {
@@ -51,7 +51,7 @@ private:
 
 RemovalResult removeAt(const FileSystem& system, const std::string& path,
                        const std::optional<EntryIdentity>& expected = std::nullopt) {
-    return SafeRemoval(system, nothingProtected).remove(path, expected);
+    return SafeRemoval(system, noPlaceProtected).remove(path, expected);
 }
 
 TEST(RemovalReasons, AnErrorOfALookIsToldAsThatError) {
