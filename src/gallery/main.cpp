@@ -94,7 +94,7 @@ QSet<QString> wantedScenes(const Order& order) {
                 QStringLiteral("uninstall"),  QStringLiteral("preferences"),
                 QStringLiteral("memory"),     QStringLiteral("login-items"),
                 QStringLiteral("computer"),   QStringLiteral("pane")};
-    return {QStringLiteral("first"), QStringLiteral("detail")};
+    return {QStringLiteral("first"), QStringLiteral("detail"), QStringLiteral("pane")};
 }
 
 // On a folder of its own, since pages remove things, and with settings of its own.

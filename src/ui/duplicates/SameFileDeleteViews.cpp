@@ -70,7 +70,9 @@ SameFileDeleteViews::SameFileDeleteViews(NotificationCenter& notifications)
     fillBottom();
     putTogether(makeLeftView(notifications));
     previewPane = new PreviewPane;
-    previewHost = new PreviewHost(*content, *outline, *previewPane);
+    constexpr int leastBeside = 720;
+    previewHost = new PreviewHost(*content, *previewPane, leastBeside);
+    previewHost->addList(*outline, *outline);
     showLoadPathInProgress();
 }
 

@@ -39,7 +39,9 @@ ListFileViews::ListFileViews()
     fillBottom();
     putTogether();
     previewPane = new PreviewPane;
-    previewHost = new PreviewHost(*content, *outlineView, *previewPane);
+    constexpr int leastBeside = 1000;  // with less names give way to their paths
+    previewHost = new PreviewHost(*content, *previewPane, leastBeside);
+    previewHost->addList(*outlineView, *outlineView);
 }
 
 ListFileViews::~ListFileViews() {

@@ -75,6 +75,7 @@ PreviewFolders::PreviewFolders(QWidget* parent)
       m_column(new QVBoxLayout) {
     for (QLabel* const label : {m_title, m_more}) {
         label->setAlignment(Qt::AlignLeading | Qt::AlignVCenter);
+        label->setIndent(Theme::gapTiny);  // as the folders below it
         label->setMinimumWidth(1);
     }
     auto* const inside = new QWidget;

@@ -1,9 +1,11 @@
 // The pane has a size of its own: a share of the place, within bounds.
 #include "ui/preview/PreviewHost.h"
 
+#include <QAbstractItemView>
 #include <QKeySequence>
 #include <QShortcut>
 #include <QStackedWidget>
+#include <QTimer>
 #include <algorithm>
 
 #include "engine/settings/UserDefaults.h"
@@ -14,8 +16,8 @@
 namespace orrinvale {
 namespace {
 
-// In points. A list tells something from 440 on; of a low window it gets all.
-constexpr int leastBeside = 720, leastBelow = 340;
+// In points. Of a low window the list gets all.
+constexpr int leastBelow = 340;
 constexpr int leastPaneWidth = 280, mostPaneWidth = 560;
 constexpr int leastPaneHeight = 170, mostPaneHeight = 300;
 
@@ -23,10 +25,10 @@ int shareOf(int whole, int least, int most) { return std::clamp(whole * 2 / 5, l
 
 }  // namespace
 
-PreviewHost::PreviewHost(QStackedWidget& content, QWidget& list, PreviewPane& pane)
+PreviewHost::PreviewHost(QStackedWidget& content, PreviewPane& pane, int leastBeside)
     : m_content(content),
-      m_list(list),
       m_pane(pane),
+      m_leastBeside(leastBeside),
       m_layout(new QBoxLayout(QBoxLayout::LeftToRight, this)) {
     setObjectName(QStringLiteral("previewHost"));
     if (QWidget* const around = content.parentWidget(); around != nullptr && around->layout())
@@ -37,6 +39,11 @@ PreviewHost::PreviewHost(QStackedWidget& content, QWidget& list, PreviewPane& pa
     m_layout->addWidget(&pane);
     pane.hide();
     connect(&content, &QStackedWidget::currentChanged, this, &PreviewHost::arrange);
+}
+
+void PreviewHost::addList(QWidget& page, QAbstractItemView& list) {
+    m_lists[&page] = &list;
+    arrange();
 }
 
 void PreviewHost::setSwitch(TCImageButton& button, QWidget& view, UserDefaults& defaults,
@@ -55,22 +62,30 @@ void PreviewHost::setSwitch(TCImageButton& button, QWidget& view, UserDefaults& 
 }
 
 void PreviewHost::arrange() {
-    const bool isBeside = width() >= leastBeside;
+    const bool isBeside = width() >= m_leastBeside;
+    const auto before = m_layout->direction();
+    const bool wasShown = m_pane.isVisible();
+    place(isBeside);
+    const auto found = m_lists.find(m_content.currentWidget());
+    m_pane.setVisible(m_isWanted && found != m_lists.end() && (isBeside || height() >= leastBelow));
+    // The list has become lower, and what is looked at shall be seen in it.
+    if (m_pane.isVisible() && (!wasShown || m_layout->direction() != before))
+        QTimer::singleShot(0, found->second,
+                           [list = found->second] { list->scrollTo(list->currentIndex()); });
+}
+
+void PreviewHost::place(bool isBeside) {
+    m_layout->setDirection(isBeside ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    m_pane.setDirection(isBeside ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
     if (isBeside) {
-        m_layout->setDirection(QBoxLayout::LeftToRight);
-        m_pane.setDirection(QBoxLayout::TopToBottom);
         m_pane.setMinimumHeight(0);
         m_pane.setMaximumHeight(QWIDGETSIZE_MAX);
         m_pane.setFixedWidth(shareOf(width(), leastPaneWidth, mostPaneWidth));
     } else {
-        m_layout->setDirection(QBoxLayout::TopToBottom);
-        m_pane.setDirection(QBoxLayout::LeftToRight);
         m_pane.setMinimumWidth(0);
         m_pane.setMaximumWidth(QWIDGETSIZE_MAX);
         m_pane.setFixedHeight(shareOf(height(), leastPaneHeight, mostPaneHeight));
     }
-    m_pane.setVisible(m_isWanted && m_content.currentWidget() == &m_list &&
-                      (isBeside || height() >= leastBelow));
 }
 
 void PreviewHost::resizeEvent(QResizeEvent* event) {

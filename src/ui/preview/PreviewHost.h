@@ -3,7 +3,9 @@
 
 #include <QBoxLayout>
 #include <QWidget>
+#include <map>
 
+class QAbstractItemView;
 class QStackedWidget;
 
 namespace orrinvale {
@@ -13,13 +15,16 @@ class TCImageButton;
 class UserDefaults;
 
 /// Beside the list where there is room for both, below it in a narrow window, and away in one that
-/// is low as well; to be seen only while the list is. Main thread only.
+/// is low as well; to be seen only while a list is. Main thread only.
 class PreviewHost final : public QWidget {
     Q_OBJECT
 public:
-    /// Takes the place of `content` in the layout of its parent, with it inside; the preview goes
-    /// with its page `list` alone.
-    PreviewHost(QStackedWidget& content, QWidget& list, PreviewPane& pane);
+    /// Takes the place of `content` in the layout of its parent, with it inside. From the width
+    /// `leastBeside` on, in points, list and preview have room beside each other.
+    PreviewHost(QStackedWidget& content, PreviewPane& pane, int leastBeside);
+
+    /// A list to which the preview belongs, with the page of the content that holds it, or is it.
+    void addList(QWidget& page, QAbstractItemView& list);
 
     /// The switch of it: checkable, with the key F3 while `view` is to be seen, and remembered by
     /// this name. The settings and the name outlive it.
@@ -30,10 +35,12 @@ protected:
 
 private:
     void arrange();
+    void place(bool isBeside);
 
     QStackedWidget& m_content;
-    QWidget& m_list;
+    std::map<const QWidget*, QAbstractItemView*> m_lists;  // by their pages
     PreviewPane& m_pane;
+    const int m_leastBeside;
     QBoxLayout* m_layout;
     bool m_isWanted = false;
 };

@@ -46,7 +46,9 @@ protected:
 
 TEST_F(PreviewBesideLargeFiles, FollowsTheArrowsByKeysAlone) {
     ASSERT_TRUE(on.tree.write("f/green.bmp", greenPicture()) &&
-                on.tree.sparse("f/folder/zeros.raw", 900'000) && on.scan(on.tree.at("f")));
+                on.tree.sparse("f/folder/zeros.raw", 900'000));
+    for (int i = 0; i < 30; ++i) ASSERT_TRUE(on.tree.write("f/" + std::to_string(i), "small"));
+    ASSERT_TRUE(on.scan(on.tree.at("f")));
     on.window.window->window()->setFrame({0, 0, 1200, 800});
     QTest::keyClick(&on.outline(), Qt::Key_Home);
     EXPECT_FALSE(on.isShown("previewPane")) << "until one asks for it";
@@ -70,8 +72,14 @@ TEST_F(PreviewBesideLargeFiles, FollowsTheArrowsByKeysAlone) {
     on.click("previewBtn");
     EXPECT_FALSE(on.isShown("previewPane"));
 
+    // Below the list, in which the row that is looked at stays in sight.
     on.window.window->window()->setFrame({0, 0, 800, 620});
+    QTest::keyClick(&on.outline(), Qt::Key_End);
     show();
+    ASSERT_TRUE(on.isShown("previewPane"));
+    EXPECT_GT(on.control("previewPane").y(), on.control("content").y());
+    EXPECT_SOON(on.outline().viewport()->rect().contains(
+        on.outline().visualRect(on.outline().currentIndex()).center()));
     on.click("backHomeButton");
     ASSERT_TRUE(on.scan(on.tree.at("f")));
     EXPECT_TRUE(on.isShown("previewPane"));

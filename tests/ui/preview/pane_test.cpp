@@ -223,12 +223,13 @@ TEST(PreviewPlaces, SuitTheWindowAndAreRemembered) {
         auto* const column = new QVBoxLayout(&window);
         column->setContentsMargins({});
         auto* const content = new QStackedWidget;
-        auto* const list = new QWidget;
+        auto* const list = new QTreeView;
         content->addWidget(list);
         content->addWidget(new QWidget);
         column->addWidget(content, 1);
         auto* const pane = new PreviewPane;
-        PreviewHost host(*content, *list, *pane);
+        PreviewHost host(*content, *pane, 720);
+        host.addList(*list, *list);
         TCImageButton button;
         host.setSwitch(button, window, defaults, "shown");
         EXPECT_EQ(button.isChecked(), !isFirst) << "remembered";
