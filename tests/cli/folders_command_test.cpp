@@ -62,10 +62,17 @@ TEST(FoldersCommand, TheBiggestGainComesFirstWhereItIsAskedFor) {
     const std::pair<const char*, std::size_t> files[] = {{"s", 10}, {"l", 900}, {"m", 300}};
     for (const auto& [name, size] : files)
         for (const char* const copy : {"1", "2"})
-            ASSERT_TRUE(tree.write(name + std::string(copy), someBytes(size, unsigned(size))));
-    ASSERT_TRUE(tree.write("h1", someBytes(5000, 3)) && tree.hardLink("h1", "h2"));
+            ASSERT_TRUE(
+                tree.write("data/" + (name + std::string(copy)), someBytes(size, unsigned(size))));
+    ASSERT_TRUE(tree.write("data/h1", someBytes(5000, 3)) && tree.hardLink("data/h1", "data/h2"));
+    const Json found = search({"--order", "gain", tree.at("data")});
+    // Each of two copies has a further name elsewhere, so that neither gives anything.
+    for (const char* const copy : {"1", "2"})
+        ASSERT_TRUE(tree.hardLink(std::string("data/l") + copy, std::string("away/l") + copy));
+    const Json named = search({"--order", "gain", tree.at("data")});
+    EXPECT_EQ(named["summary"]["reclaimable"], 310);
+    EXPECT_EQ(named["groups"][0]["name"].get<std::string>().substr(0, 1), "m");
     Strings names;
-    const Json found = search({"--order", "gain", tree.path()});
     for (const Json& group : found["groups"])
         names.push_back(group["name"].get<std::string>().substr(0, 1));
     EXPECT_EQ(names, (Strings{"l", "m", "s", "h"}));
@@ -93,6 +100,68 @@ TEST(FoldersCommand, APlanTakesAFolderWhenAllOfItIsThereElsewhere) {
         EXPECT_EQ(namesIn(tree.at("data/Backup/in")).size(), 9U) << "nothing goes out of it";
         EXPECT_EQ(isThere(tree.at("data/big1")), !isThere(tree.at("data/big2")));
     }
+}
+
+// What is told to go is one entry by two paths where links lead into folders that are equal.
+TEST(FoldersCommand, AllThatIsToldToGoMayGoWhereLinksLeadIntoThem) {
+    for (const char* const part : {"B", ".B"})
+        for (const bool linksCameFirst : {true, false}) {
+            TestTree tree;
+            const auto link = [&] {
+                for (const char* const folder : {"X", "Y"})
+                    ASSERT_TRUE(tree.symlink(std::string(folder) + "/" + part,
+                                             std::string("data/to ") + folder));
+            };
+            ASSERT_TRUE(tree.folder("data") && tree.folder("home"));
+            if (linksCameFirst) link();
+            const std::pair<std::string, int> files[] = {{"X/g", 400},
+                                                         {std::string("X/") + part + "/f", 100},
+                                                         {"Y/g", 200},
+                                                         {std::string("Y/") + part + "/f", 300}};
+            for (const auto& [name, time] : files) {
+                ASSERT_TRUE(tree.write("data/" + name, name.ends_with("g") ? "gggg" : "ff"));
+                const timespec times[] = {{time, 0}, {time, 0}};
+                ASSERT_EQ(::utimensat(AT_FDCWD, tree.at("data/" + name).c_str(), times, 0), 0);
+            }
+            if (!linksCameFirst) link();
+            const auto told =
+                foldersRun(tree, "duplicates",
+                           {"--quiet", "--folders", "--keep", "newest", "-0", tree.at("data")})
+                    .run();
+            const Json found = search({"--folders", tree.at("data")});
+            ASSERT_EQ(found["folders"].size(), 1U) << part << linksCameFirst;
+            EXPECT_EQ(found["folders"][0]["members"].size(), 2U);
+            std::istringstream paths(told.output);
+            for (std::string path; std::getline(paths, path, '\0');)
+                std::filesystem::remove_all(path);
+            EXPECT_EQ(isThere(tree.at(std::string("data/X/") + part + "/f")) ||
+                          isThere(tree.at(std::string("data/Y/") + part + "/f")),
+                      true)
+                << part << linksCameFirst << told.output;
+            EXPECT_EQ(isThere(tree.at("data/Y/g")), false);
+        }
+}
+
+TEST(FoldersCommand, OfALinkThatIsSearchedGoesWhatItLeadsTo) {
+    TestTree tree;
+    for (const char* const name : {"one/f", "two/f", "one/g", "two/g"})
+        ASSERT_TRUE(tree.write(name, name + 4));
+    ASSERT_TRUE(tree.symlink("two", "way") && tree.folder("home"));
+    ASSERT_EQ(foldersRun(tree, "duplicates",
+                         {"--quiet", "--folders", "--keep", "path:" + tree.at("one"), "--plan",
+                          tree.at("plan"), tree.at("way"), tree.at("one")})
+                  .run()
+                  .status,
+              0);
+    auto asked = foldersRun(tree, "remove", {"--plan", tree.at("plan")});
+    asked.inputTerminal = true;
+    asked.typed = {
+        {"y\n", [](const std::string& error) { return error.find("[y/N]") != error.npos; }}};
+    const auto removed = asked.run();
+    EXPECT_EQ(removed.status, 0) << removed.output;
+    EXPECT_THAT(removed.error, HasSubstr("Remove 1 whole folder, "));
+    EXPECT_FALSE(isThere(tree.at("two")));
+    EXPECT_EQ(namesIn(tree.at("one")).size(), 2U);
 }
 
 TEST(FoldersCommand, AFolderComesBackFromTheTrash) {

@@ -10,14 +10,17 @@
 namespace orrinvale {
 namespace {
 
-bool isBehindLink(const fileAttrbItem& file) {
-    if (file.type == FileType::SymbolicLink) return true;
-    for (const FolderNode* folder = file.folder; folder->parent != nullptr; folder = folder->parent)
-        if (folder->throughLink) return true;
-    return false;
+bool isLinkOrBehind(const fileAttrbItem& file) {
+    return file.type == FileType::SymbolicLink || isBehindLink(*file.folder);
 }
 
 }  // namespace
+
+bool isBehindLink(const FolderNode& folder) {
+    for (const FolderNode* at = &folder; at->parent != nullptr; at = at->parent)
+        if (at->throughLink) return true;
+    return false;
+}
 
 LinkPlaces::LinkPlaces(const FileSystem& files, const std::vector<std::string>& roots)
     : m_files(files) {
@@ -28,7 +31,7 @@ LinkPlaces::LinkPlaces(const FileSystem& files, const std::vector<std::string>& 
 void LinkPlaces::find(const FileList& list) {
     const bool hasLinked = hasLinkedRoots();
     for (const fileAttrbItem* file : list)
-        if (isBehindLink(*file)) add(file, file->filePathName());
+        if (isLinkOrBehind(*file)) add(file, file->filePathName());
         else if (hasLinked) addPlain(*file);
 }
 

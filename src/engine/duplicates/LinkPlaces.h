@@ -50,4 +50,7 @@ private:
     std::unordered_map<const void*, Place> m_places;
 };
 
+/// By its path, below the folder that is searched.
+[[nodiscard]] bool isBehindLink(const FolderNode& folder);
+
 }  // namespace orrinvale

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <unordered_set>
 
+#include "engine/duplicates/LinkPlaces.h"
 #include "platform/files.h"
 
 namespace orrinvale {
@@ -62,8 +63,13 @@ RepeatedEntries::Entry RepeatedEntries::targetOf(const fileAttrbItem& link) {
 void RepeatedEntries::dropFrom(FileArray& array, const Dropped& tell) {
     // A link to a file has the size of its own text, and must not put out the file.
     std::map<std::uint64_t, Seen> seen;
-    array.removeIf(
-        [&](const fileAttrbItem* item) { return isRepeated(seen[item->fileSize], *item, tell); });
+    std::unordered_set<const fileAttrbItem*> dropped;
+    for (const bool behindLinks : {false, true})
+        for (const fileAttrbItem* item : array.items())
+            if (isBehindLink(*item->folder) == behindLinks &&
+                isRepeated(seen[item->fileSize], *item, tell))
+                dropped.insert(item);
+    array.removeIf([&](const fileAttrbItem* item) { return dropped.contains(item); });
 }
 
 bool RepeatedEntries::mayRepeat(const FileList& group) {

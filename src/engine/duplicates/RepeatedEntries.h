@@ -27,8 +27,9 @@ public:
 
     using Dropped = std::function<void(const fileAttrbItem& kept, const fileAttrbItem& dropped)>;
 
-    /// Takes the later one of two items that are one entry out of the list, and tells of it. Files
-    /// listed with different sizes never meet and all stay.
+    /// Takes the later one of two items that are one entry out of the list, and tells of it; one
+    /// that stands behind a link in the folder that is searched gives way to one that does not.
+    /// Files listed with different sizes never meet and all stay.
     void dropFrom(FileArray& array, const Dropped& tell);
 
     /// The same for files of one size, at little cost where no two of them can be one entry.

@@ -33,8 +33,10 @@ void FolderFates::decideGroup(const FolderGroup& group) {
     std::vector<std::uint8_t> stays;
     decide(members, stays);
     for (std::size_t i = 0; i < members.size(); ++i) {
-        if (of(members[i].path) != FolderFate::Open) continue;
-        m_fates.emplace(members[i].path, stays[i] != 0 ? FolderFate::Stays : FolderFate::Goes);
+        if (of(members[i]) != FolderFate::Open) continue;
+        const FolderFate fate = stays[i] != 0 ? FolderFate::Stays : FolderFate::Goes;
+        m_fates.emplace(members[i].path, fate);
+        if (!members[i].place.empty()) m_fates.emplace(members[i].place, fate);
         if (stays[i] == 0) addSaturating(m_gain, group.gain / (members.size() - 1));
     }
 }
@@ -49,13 +51,19 @@ FolderFate FolderFates::of(std::string_view path) const {
     return FolderFate::Open;
 }
 
+// What a link leads to lies in a folder too.
+FolderFate FolderFates::of(const KeepMember& member) const {
+    const FolderFate fate = of(member.path);
+    return fate == FolderFate::Open && !member.isSymbolicLink() ? of(member.place) : fate;
+}
+
 void FolderFates::decide(std::span<const KeepMember> members,
                          std::vector<std::uint8_t>& stays) const {
     std::vector<KeepMember> open;
     std::vector<std::size_t> places;
     stays.assign(members.size(), 0);
     for (std::size_t i = 0; i < members.size(); ++i) {
-        const FolderFate fate = of(members[i].path);
+        const FolderFate fate = of(members[i]);
         if (fate == FolderFate::Goes) continue;
         open.push_back(members[i]);
         open.back().isProtected |= fate == FolderFate::Stays;

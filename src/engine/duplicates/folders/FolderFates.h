@@ -39,13 +39,15 @@ public:
     [[nodiscard]] std::uint64_t gain() const { return m_gain; }
 
 private:
+    [[nodiscard]] FolderFate of(const KeepMember& member) const;
     struct Hash : std::hash<std::string_view> {
         using is_transparent = void;
     };
     void decideGroup(const FolderGroup& group);
 
     const KeepRules& m_rules;
-    std::unordered_map<std::string, FolderFate, Hash, std::equal_to<>> m_fates;  // by path
+    std::unordered_map<std::string, FolderFate, Hash, std::equal_to<>>
+        m_fates;  // by path, with and without links
     std::uint64_t m_gain = 0;
 };
 
