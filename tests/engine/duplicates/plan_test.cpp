@@ -478,6 +478,26 @@ TEST(PlanRemoval, TellsWhatBecameOfEachEntry) {
     EXPECT_EQ(run(), expected);
 }
 
+// Of files with several names those alone whose last names went along.
+TEST(PlanRemoval, TellsWhatAFolderGaveToTheDisk) {
+    for (const bool isToTrash : {false, true}) {
+        TestTree tree{"/dev/shm"};
+        for (const char* const name : {"a/own", "b/own", "a/both", "a/twice", "a/again", "b/twice"})
+            ASSERT_TRUE(tree.write(name, "the same"));
+        ASSERT_TRUE(tree.hardLink("a/both", "b/both") && tree.hardLink("b/twice", "b/again"));
+        PlanGroup group;
+        group.members = {memberAt(tree.at("a"), false), memberAt(tree.at("b"), true)};
+        group.members[1].size = 32;
+        PlanRemoval list(files, planOf({group}));
+        PlainDoor plain(files, {});
+        TrashDoor trash(files, {}, {.home = tree.at("home"), .user = ::geteuid()});
+        RemovalDoor& door = isToTrash ? static_cast<RemovalDoor&>(trash) : plain;
+        RemovalRun run(files, tree.at("state"), list, door, neverStopped, testing::nobodyTold());
+        EXPECT_EQ(run.run().removed, 1U);
+        EXPECT_EQ(list.gained(), isToTrash ? 32U : 16U);
+    }
+}
+
 // What goes as well is no copy to go for: the disk of what stays may be out of reach for a while.
 TEST(PlanRemoval, NothingGoesForWhatGoesItself) {
     TestTree tree;

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "engine/base/saturating.h"
+#include "engine/duplicates/keep/GainCount.h"
 #include "engine/removal/stayReasons.h"
 #include "platform/files.h"
 #include "platform/paths.h"
@@ -56,8 +57,12 @@ PlanRemoval::PlanRemoval(const FileSystem& files, const DuplicatePlan& plan)
     m_account.resize(ticked.size());
     m_plan = std::make_unique<RemovalPlan>(files, std::move(ticked), RemovalPlan::Comparing::Always,
                                            RemovalPlan::Copies::Staying);
-    m_plan->setObjection([this](const HeldEntry& bundle, const FileAttributes& entry) {
-        return objectionTo(bundle, entry);
+    m_plan->setObjection([this](const HeldEntry& bundle,
+                                const BundleListing& listing) -> std::optional<StayedEntry> {
+        for (const BundleEntry& entry : listing.entries)
+            if (auto reason = objectionTo(bundle, entry.attributes)) return reason;
+        learnGain(bundle.path, listing);
+        return std::nullopt;
     });
 }
 
@@ -99,6 +104,17 @@ std::optional<StayedEntry> PlanRemoval::objectionTo(const HeldEntry& bundle,
     return std::nullopt;
 }
 
+// Of a file with other names elsewhere nothing is freed.
+void PlanRemoval::learnGain(const std::string& bundle, const BundleListing& listing) {
+    GainCount gain;
+    for (const BundleEntry& entry : listing.entries) {
+        if (entry.attributes.type != FileType::Regular) continue;
+        const auto identity = EntryIdentity::of(entry.attributes);
+        gain.add(&identity, entry.attributes.links, entry.attributes.size);
+    }
+    m_gains[bundle] = gain.bytes();
+}
+
 tl::expected<std::unique_ptr<CopyLook>, StayedEntry> PlanRemoval::judge(std::size_t index) {
     const std::string& path = m_paths[index];
     if (m_guarded->covers(path))
@@ -124,7 +140,10 @@ void PlanRemoval::settled(std::size_t index, const RemovalResult& result) {
     const auto identity = m_plan->identity(index);
     const bool isLastName =
         result.moved ? m_moved.emplace(identity->device, identity->inode).second : !result.changed;
-    if (account.as == As::Gone && isLastName) addSaturating(m_gained, m_plan->bytes(index));
+    const auto ofBundle = m_gains.extract(m_paths[index]);
+    const std::uint64_t bytes =
+        ofBundle.empty() || result.moved ? m_plan->bytes(index) : ofBundle.mapped();
+    if (account.as == As::Gone && isLastName) addSaturating(m_gained, bytes);
     if (account.as == As::Partly) addSaturating(m_gained, result.bytes.value_or(0));
     m_plan->settled(index, result);
 }

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -61,6 +62,7 @@ private:
     [[nodiscard]] bool isToStay(std::size_t index);
     [[nodiscard]] std::optional<StayedEntry> objectionTo(const HeldEntry& bundle,
                                                          const FileAttributes& entry) const;
+    void learnGain(const std::string& bundle, const BundleListing& listing);
 
     const FileSystem& m_files;
     std::shared_ptr<SimpleTreeNode> m_tree;
@@ -76,6 +78,7 @@ private:
     std::optional<ProtectedFolders> m_bundles;
     std::vector<Settled> m_account;
     std::set<std::pair<std::uint64_t, std::uint64_t>> m_moved;  // entries, to count each once
+    std::map<std::string, std::uint64_t> m_gains;               // of bundles in hand, by path
     std::uint64_t m_gained = 0;
     bool m_isAnyAway = false;
 };

@@ -81,7 +81,7 @@ private:
 }  // namespace
 
 BundleLook::BundleLook(const FileSystem& files, Digests digests, std::optional<KeptCopy> kept,
-                       bool compares, EntryObjection objection)
+                       bool compares, ListingObjection objection)
     : m_files(files),
       m_digests(digests),
       m_kept(std::move(kept)),
@@ -118,7 +118,8 @@ std::optional<StayedEntry> BundleLook::listBoth(const HeldEntry& leaving, const 
     m_leavingList = std::move(*list);
     if (m_digests.leaving && *m_digests.leaving != m_leavingList.digest)
         return failed(leaving, ESTALE);
-    if (auto reason = objectionTo(leaving)) return reason;
+    if (m_objection)
+        if (auto reason = m_objection(leaving, m_leavingList)) return reason;
     if (!m_kept) return std::nullopt;
 
     auto kept = openFolderByPath(m_files, m_kept->path, Links::Keep);
@@ -144,13 +145,6 @@ bool BundleLook::holdsMount(int folder, const BundleListing& listing) const {
     return !own || std::ranges::any_of(listing.entries, [&](const BundleEntry& entry) {
         return entry.attributes.mount != own->mount;
     });
-}
-
-std::optional<StayedEntry> BundleLook::objectionTo(const HeldEntry& leaving) const {
-    if (!m_objection) return std::nullopt;
-    for (const BundleEntry& entry : m_leavingList.entries)
-        if (auto reason = m_objection(leaving, entry.attributes)) return reason;
-    return std::nullopt;
 }
 
 std::optional<StayedEntry> BundleLook::compare(const HeldEntry& leaving,

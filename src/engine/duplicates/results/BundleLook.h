@@ -12,9 +12,10 @@
 
 namespace orrinvale {
 
-/// Why a bundle that has this entry in it may not go; nothing where it may.
-using EntryObjection =
-    std::function<std::optional<StayedEntry>(const HeldEntry& bundle, const FileAttributes& entry)>;
+/// Told of all that is in a bundle each time that it is listed before it goes: why it may not go;
+/// nothing where it may.
+using ListingObjection = std::function<std::optional<StayedEntry>(const HeldEntry& bundle,
+                                                                  const BundleListing& listing)>;
 
 /// Two bundles are copies of each other while both hold, to the last entry, what the search listed,
 /// and hold the same: names, types, texts of links, and bytes.
@@ -27,9 +28,9 @@ public:
         std::optional<std::uint64_t> kept;
     };
     /// `compares` false: the listings alone have to agree with those of the search.
-    /// `objection` is asked of each entry each time that the bundle is listed; it may be empty.
+    /// `objection` may be empty.
     BundleLook(const FileSystem& files, Digests digests, std::optional<KeptCopy> kept,
-               bool compares, EntryObjection objection = {});
+               bool compares, ListingObjection objection = {});
 
     const std::optional<KeptCopy>& kept() const override { return m_kept; }
     std::optional<StayedEntry> before(const HeldEntry& leaving,
@@ -41,7 +42,6 @@ private:
     [[nodiscard]] std::optional<StayedEntry> listBoth(const HeldEntry& leaving,
                                                       const std::string& name,
                                                       const std::atomic<bool>& stop);
-    [[nodiscard]] std::optional<StayedEntry> objectionTo(const HeldEntry& leaving) const;
     [[nodiscard]] bool holdsMount(int folder, const BundleListing& listing) const;
     [[nodiscard]] bool isOneFile(const FileAttributes& a, const FileAttributes& b) const;
     [[nodiscard]] bool inodesPass(std::uint64_t device) const;
@@ -52,7 +52,7 @@ private:
     const Digests m_digests;
     std::optional<KeptCopy> m_kept;
     const bool m_compares;
-    const EntryObjection m_objection;
+    const ListingObjection m_objection;
     const std::vector<std::uint64_t> m_passing;
     BundleListing m_leavingList;
     BundleListing m_keptList;

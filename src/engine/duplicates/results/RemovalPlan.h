@@ -37,7 +37,7 @@ public:
     [[nodiscard]] bool compares() const { return m_comparing == Comparing::Always; }
 
     /// What else may keep a bundle, by what is in it. Before the removal.
-    void setObjection(EntryObjection objection) { m_objection = std::move(objection); }
+    void setObjection(ListingObjection objection) { m_objection = std::move(objection); }
 
     /// The groups are those that the leaves stand in now: nobody changes the tree before the first
     /// news of the removal.
@@ -123,7 +123,7 @@ private:
     std::vector<TreeNode::Pointer> m_ticked;
     const Comparing m_comparing;
     const Copies m_copies;
-    EntryObjection m_objection;
+    ListingObjection m_objection;
     bool m_isPrepared = false;
     std::vector<Group> m_groups;
     std::vector<Entry> m_entries;
