@@ -37,15 +37,22 @@ PlanMember plannedBundle(const AppAttrbItem& bundle) {
     return member;
 }
 
+// Of a link that was searched what it leads to: a removal follows none.
+const std::string& pathOfPlanned(const FileSystem& files, const FolderMember& folder) {
+    if (folder.place.empty()) return folder.path;
+    const auto seen = files.attributes(FileSystem::noParent, folder.path.c_str(), Links::Keep);
+    return seen && seen->type == FileType::SymbolicLink ? folder.place : folder.path;
+}
+
 // Nothing where it can not be listed any more.
 std::optional<PlanMember> plannedFolder(const FileSystem& files, const FolderMember& folder,
-                                        std::uint64_t bytes) {
+                                        std::uint64_t bytes,
+                                        const std::vector<std::uint64_t>& passing) {
     const std::atomic<bool> never{false};
-    const auto passing = files.devicesOfPassingInodes();
     const auto now = listBundle(files, folder.path, {passing}, never);
     if (!now) return std::nullopt;
     PlanMember member;
-    member.path = folder.path;
+    member.path = pathOfPlanned(files, folder);
     member.size = bytes;
     member.isProtected = folder.isProtected;
     member.identity = folder.identity;
@@ -71,14 +78,19 @@ public:
         : m_plan(plan), m_fates(fates), m_group(search) {}
 
     void add(const FileSystem& files, const FolderGroup& group) {
+        const auto goes = [this](const FolderMember& folder) {
+            return !folder.isProtected && m_fates.of(folder.path) == FolderFate::Goes;
+        };
+        if (std::ranges::none_of(group.members, goes)) return;
+        if (!m_passing) m_passing = files.devicesOfPassingInodes();
         PlanGroup planned;
         bool isAnyGoing = false;
         bool isAnyLeft = false;
         for (const FolderMember& folder : group.members) {
             if (m_fates.of(folderOf(folder.path)) == FolderFate::Goes) continue;
-            auto member = plannedFolder(files, folder, group.bytes);
+            auto member = plannedFolder(files, folder, group.bytes, *m_passing);
             if (!member) continue;
-            member->goes = m_fates.of(folder.path) == FolderFate::Goes && !member->isProtected;
+            member->goes = goes(folder);
             (member->goes ? isAnyGoing : isAnyLeft) = true;
             planned.members.push_back(std::move(*member));
         }
@@ -109,6 +121,7 @@ private:
     const FolderFates& m_fates;
     GroupMembers m_group;
     std::vector<std::uint8_t> m_stays;
+    std::optional<std::vector<std::uint64_t>> m_passing;  // asked once, for the first folders
 };
 
 }  // namespace
