@@ -2,40 +2,28 @@
 #include "engine/duplicates/results/GainOrder.h"
 
 #include <algorithm>
-#include <set>
 #include <utility>
 #include <vector>
 
-#include "engine/base/saturating.h"
+#include "engine/duplicates/keep/GainCount.h"
 
 namespace orrinvale {
 namespace {
 
-class GroupGain final {
-public:
-    void keep(const fileAttrbItem& file) {
-        if (file.links > 1) m_seen.insert({file.device, file.inode});
-    }
-    void remove(const fileAttrbItem& file) {
-        if (file.links < 2 || m_seen.insert({file.device, file.inode}).second)
-            addSaturating(m_bytes, file.fileSize);
-    }
-    [[nodiscard]] std::uint64_t bytes() const { return m_bytes; }
-
-private:
-    std::set<std::pair<std::uint64_t, std::uint64_t>> m_seen;
-    std::uint64_t m_bytes = 0;
-};
+void addTo(GainCount& gain, const fileAttrbItem& file) {
+    const EntryIdentity identity{.device = file.device, .inode = file.inode, .type = file.type};
+    gain.add(&identity, file.links, file.fileSize);
+}
 
 }  // namespace
 
 std::uint64_t gainOfGroup(const DuplicateGroup& group) {
-    GroupGain gain;
+    GainCount gain;
     for (const AppAttrbItem* bundle : group.bundles)
-        for (const fileAttrbItem* file : bundle->AllFileInDirectory.items())
-            bundle == group.bundles.front() ? gain.keep(*file) : gain.remove(*file);
+        if (bundle != group.bundles.front())
+            for (const fileAttrbItem* file : bundle->AllFileInDirectory.items()) addTo(gain, *file);
     for (const fileAttrbItem* file : group.files)
-        file == group.files.front() ? gain.keep(*file) : gain.remove(*file);
+        if (file != group.files.front()) addTo(gain, *file);
     return gain.bytes();
 }
 

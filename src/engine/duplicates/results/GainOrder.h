@@ -8,8 +8,8 @@
 
 namespace orrinvale {
 
-/// Bytes that go when all but one copy of the group go. Names of one file count once, and not at
-/// all where one of them stays.
+/// Bytes that go when all but the first copy of the group go. Names of one file count once, and not
+/// at all where one of them stays, here or elsewhere.
 [[nodiscard]] std::uint64_t gainOfGroup(const DuplicateGroup& group);
 
 /// Calls the visitor for each group that DuplicateFilesOpt::visitGroups() tells of, the biggest
