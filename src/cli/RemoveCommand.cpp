@@ -77,13 +77,26 @@ std::string countOfOutside(std::size_t count, std::size_t folders) {
                        count == 1 ? "lies" : "lie", folders == 1 ? " that was" : "s that were");
 }
 
+// A folder takes along what no search showed: hidden and left out entries too.
+std::string countOfEntries(const PlanSums& sums) {
+    const auto counted = [](std::size_t count, std::string_view one, std::string_view more) {
+        return fmt::format("{} {}", count, count == 1 ? one : more);
+    };
+    if (sums.bundles > 0 && sums.files == 0)
+        return counted(sums.bundles, "whole folder", "whole folders");
+    const std::string all = counted(sums.entries(), "entry", "entries");
+    if (sums.bundles == 0) return all;
+    return fmt::format("{}, {} of them {}", all, sums.bundles,
+                       sums.bundles == 1 ? "a whole folder" : "whole folders");
+}
+
 bool isPlanAgreed(const FileSystem& files, const DuplicatePlan& plan, bool isToTrash) {
     const PlanSums sums = sumsOf(plan);
-    return askYes(fmt::format(
-        "{} {}, {}, {}? {}No group loses all its copies.", isToTrash ? "Move" : "Remove",
-        sums.entries() == 1 ? std::string("1 entry") : fmt::format("{} entries", sums.entries()),
-        UtilityFunction::convertVolSpace(sums.bytes), isToTrash ? "to the trash" : "for good",
-        countOfOutside(entriesOutside(files, plan), plan.roots.size())));
+    return askYes(fmt::format("{} {}, {}, {}? {}No group loses all its copies.",
+                              isToTrash ? "Move" : "Remove", countOfEntries(sums),
+                              UtilityFunction::convertVolSpace(sums.bytes),
+                              isToTrash ? "to the trash" : "for good",
+                              countOfOutside(entriesOutside(files, plan), plan.roots.size())));
 }
 
 }  // namespace
