@@ -13,6 +13,7 @@
 #include "cli/UsageSince.h"
 #include "engine/diskusage/DiskUsageScan.h"
 #include "engine/diskusage/history/ScanHistory.h"
+#include "engine/files/FolderNode.h"
 #include "engine/settings/UserFolders.h"
 #include "engine/text/SizeText.h"
 
@@ -58,11 +59,26 @@ std::optional<StoredScan> storedScan(const DiskUsageScan& scan) {
     return record == nullptr ? std::nullopt : parseScan(encodeScan(*record));
 }
 
-Status remember(const ScanHistory& history, const StoredScan& scan, Status otherwise) {
-    const auto kept = history.keep(scan);
-    if (kept) return otherwise;
-    complain(fmt::format("the scan could not be kept: {}", kept.error().reason()));
-    return otherwise == Status::Done ? Status::SomeSkipped : otherwise;
+// Before anything is printed: whoever reads it may close the pipe, and that ends the program.
+bool isKeptBy(const ScanHistory& history, const std::optional<StoredScan>& scan) {
+    if (!scan) {
+        complain("the scan is not kept, since it did not come to its end");
+        return true;  // the ending has a status of its own
+    }
+    const auto kept = history.keep(*scan);
+    if (!kept) complain(fmt::format("the scan could not be kept: {}", kept.error().reason()));
+    return kept.has_value();
+}
+
+Status withKeeping(bool isKept, Status otherwise) {
+    return !isKept && otherwise == Status::Done ? Status::SomeSkipped : otherwise;
+}
+
+void tellOfDoubts(const ScanDifference& difference, const Arguments& arguments) {
+    if (difference.isOfTwoVolumes()) complain("another file system lies there than at that time");
+    if (!arguments.has("print0") || arguments.has("quiet")) return;
+    if (const std::string words = doubtWords(difference.root()); !words.empty())
+        complain(printable(difference.after().root) + words);
 }
 
 void printDifference(Output& out, const Arguments& arguments, const ScanDifference& difference,
@@ -104,20 +120,22 @@ std::vector<OptionSpec> UsageCommand::options() const {
             {"--since", "DATE",
              "Print what changed since the kept scan of a day (2026-11-15), of a minute "
              "(2026-11-15T10:04), \"last\", \"yesterday\", \"last-week\" or \"last-month\""},
-            {"--forget", "", "Forget the kept scans of the folder, and do nothing else"},
-            {"FOLDER", "", "The folder to look through"}};
+            {"--any-volume", "",
+             "Compare also with a scan of another file system that lay at the path"},
+            {"--forget", "",
+             "Forget the kept scans of the folder, or without one all of all folders, and do "
+             "nothing else"},
+            {"[FOLDER]", "", "The folder to look through"}};
 }
 
 Status UsageCommand::run(const Arguments& arguments) {
     const auto extent = extentOf(arguments);
     if (!extent) return Status::BadUsage;
+    if (arguments.has("forget") && !arguments.has("FOLDER")) return forget(arguments);
+    if (!arguments.has("FOLDER")) return badUsage("FOLDER is required");
     if (arguments.text("FOLDER").empty()) return badUsage("the folder's name is empty");
+    if (arguments.has("forget")) return forget(arguments);
     const std::string root = absolutePath(arguments.text("FOLDER"));
-    if (arguments.has("forget")) {
-        if (arguments.has("since") || arguments.has("remember"))
-            return badUsage("--forget goes with neither --since nor --remember");
-        return forget(root);
-    }
     const ScanHistory history(userStateFolder());
     if (const std::string fault = folderFault(m_files, root); !fault.empty()) {
         tellKept(root, history.list({root, arguments.has("all-file-systems")}));
@@ -132,24 +150,33 @@ Status UsageCommand::run(const Arguments& arguments) {
                               tellingFor(arguments));
     if (done.isUnread()) return notScanned(done.skipped.front());
     if (!arguments.has("quiet")) complainOfEach(done.skipped);
+    const bool isKept = !arguments.has("remember") || isKeptBy(history, storedScan(done.scan));
 
     Output out(STDOUT_FILENO);
     if (arguments.has("json"))
         printJson(out, *done.tree, *extent, done.skipped, done.ending != Ending::Whole);
     else if (arguments.has("print0")) printPaths(out, *done.tree, *extent);
     else printListing(out, *done.tree, *extent, wantsColour(STDOUT_FILENO));
-    const Status status = finish(out, done.skipped, done.ending);
-    const auto scan = storedScan(done.scan);
-    if (scan) return remember(history, *scan, status);
-    if (arguments.has("remember"))
-        complain("the scan is not kept, since it did not come to its end");
-    return status;
+    return withKeeping(isKept, finish(out, done.skipped, done.ending));
 }
 
-Status UsageCommand::forget(const std::string& root) const {
-    if (ScanHistory(userStateFolder()).forget(root)) return Status::Done;
-    complain(fmt::format("{}: a scan of it could not be forgotten", printable(root)));
+Status UsageCommand::forget(const Arguments& arguments) const {
+    if (arguments.has("since") || arguments.has("remember"))
+        return badUsage("--forget goes with neither --since nor --remember");
+    const ScanHistory history(userStateFolder());
+    const bool isAll = !arguments.has("FOLDER");
+    const std::string root = isAll ? "" : absolutePath(arguments.text("FOLDER"));
+    if (isAll ? history.clear() : history.forget(root)) return Status::Done;
+    complain(isAll ? "a scan could not be forgotten"
+                   : printable(root) + ": a scan of it could not be forgotten");
     return Status::SomeSkipped;
+}
+
+std::optional<VolumeName> UsageCommand::volumeOf(const std::string& root) const {
+    const auto folder = openFolderByPath(m_files, root, Links::Follow);
+    if (!folder) return std::nullopt;
+    const auto volume = volumeAtPlace(folder->get());
+    return volume ? std::optional(*volume) : std::nullopt;
 }
 
 Status UsageCommand::runSince(const Arguments& arguments, const UsageExtent& extent,
@@ -162,12 +189,16 @@ Status UsageCommand::runSince(const Arguments& arguments, const UsageExtent& ext
                         "\"last-month\", not \"{}\"",
                         printable(arguments.text("since"))));
     const ScanHistory history(userStateFolder());
-    const ScanHistory::Place place{root, arguments.has("all-file-systems")};
+    ScanHistory::Place place{root, arguments.has("all-file-systems")};
+    const bool isAnyKept = !history.list(place).empty();
+    if (!arguments.has("any-volume")) place.volume = volumeOf(root);
     const auto kept = scanBefore(history.list(place), *moment);
     if (!kept) {
-        complain(fmt::format("{}: no scan of it is kept{}", printable(root),
+        complain(fmt::format("{}: no scan of {} is kept{}", printable(root),
+                             isAnyKept ? "the file system that lies there" : "it",
                              arguments.has("remember") ? ", this will be the first"
-                                                       : "; usage --remember keeps one"));
+                             : isAnyKept ? "; --any-volume compares with one of another"
+                                         : "; usage --remember keeps one"));
         if (!arguments.has("remember")) return Status::NoSuchFolder;
         return compareNow(arguments, extent, place, nullptr);
     }
@@ -175,7 +206,8 @@ Status UsageCommand::runSince(const Arguments& arguments, const UsageExtent& ext
     if (!before) {
         complain(fmt::format("the scan of {} can not be read: {}", momentWords(kept->time),
                              before.error().reason()));
-        return Status::NoSuchFolder;
+        if (!arguments.has("remember")) return Status::NoSuchFolder;
+        return compareNow(arguments, extent, place, nullptr);
     }
     if (kept->time >= *moment)
         complain(
@@ -194,21 +226,23 @@ Status UsageCommand::compareNow(const Arguments& arguments, const UsageExtent& e
     if (!arguments.has("quiet")) complainOfEach(done.skipped);
     Output out(STDOUT_FILENO);
     const auto now = storedScan(done.scan);
+    const bool isKept =
+        !arguments.has("remember") || !now || isKeptBy(ScanHistory(userStateFolder()), now);
     if (!now) {
         complain("nothing is compared, since the scan did not come to its end");
         return finish(out, done.skipped, done.ending);
     }
-    Status status = Status::NoSuchFolder;
     if (before != nullptr) {
-        if (const auto difference = ScanDifference::of(*before, *now)) {
-            printDifference(out, arguments, *difference, extent, done.skipped);
-            status = finish(out, done.skipped, done.ending);
-        } else {
-            complain(fmt::format("the scan of {} is damaged", momentWords(before->facts.time)));
+        const auto difference = ScanDifference::of(*before, *now);
+        if (!difference) {
+            complain(fmt::format("too much differs from the scan of {}",
+                                 momentWords(before->facts.time)));
+            return Status::NoSuchFolder;
         }
+        tellOfDoubts(*difference, arguments);
+        printDifference(out, arguments, *difference, extent, done.skipped);
     }
-    if (!arguments.has("remember")) return status;
-    return remember(ScanHistory(userStateFolder()), *now, status);
+    return withKeeping(isKept, finish(out, done.skipped, done.ending));
 }
 
 }  // namespace orrinvale::cli

@@ -1,12 +1,14 @@
 // orrinvale-cli usage: where the space of a folder has gone, level by level.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "cli/Command.h"
 #include "cli/UsageReport.h"
 #include "engine/diskusage/history/ScanHistory.h"
 #include "platform/fileTypes.h"
+#include "platform/lastingVolume.h"
 
 namespace orrinvale::cli {
 
@@ -29,16 +31,19 @@ public:
                "entered, subvolumes are. A scan that --remember has kept, for this user alone, is "
                "what --since compares with: it prints what grew, shrank, came and went, the "
                "biggest "
-               "change first, and where one entry far below is the reason of most of it, that one. "
-               "Folders are compared to the byte, files of at least 1 MB one by one. At most 12 "
-               "scans of a folder are kept.";
+               "change first, and where one entry far below is the reason of most of it, that one; "
+               "with -0 not what is gone. Folders are compared to the byte, files of at least 1 MB "
+               "one by one, both from a larger size on where names are very long: what was smaller "
+               "in one of the two scans can not be told from what is new or gone. At most 12 scans "
+               "of a folder are kept.";
     }
     [[nodiscard]] std::vector<OptionSpec> options() const override;
     Status run(const Arguments& arguments) override;
 
 private:
-    Status forget(const std::string& root) const;
+    Status forget(const Arguments& arguments) const;
     Status runSince(const Arguments& arguments, const UsageExtent& extent, const std::string& root);
+    [[nodiscard]] std::optional<VolumeName> volumeOf(const std::string& root) const;
     Status compareNow(const Arguments& arguments, const UsageExtent& extent,
                       const ScanHistory::Place& place, const StoredScan* before);
 

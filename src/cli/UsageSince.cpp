@@ -27,25 +27,27 @@ public:
         open(0);
     }
 
-    /// The number of the next entry; nothing when the folder that was open last has no more of at
-    /// least the limit: below() then.
+    /// The number of the next entry; nothing when in the folder that was open last nothing is left
+    /// that is, or holds, a change of at least the limit: below() then.
     std::optional<std::uint32_t> next() {
         Level& level = m_levels.back();
-        if (level.left.empty() || changeAt(level.left.front()) < m_extent.limit) {
-            m_below = {level.left.size(), level.unexplained};
+        if (level.left.empty() || weightAt(level.left.front()) < m_extent.limit) {
+            m_below = {level.left.size(), level.unexplained, level.hasHidden};
             m_levels.pop_back();
             return std::nullopt;
         }
         const std::uint32_t number = level.left.front();
         level.left = level.left.subspan(1);
-        level.unexplained -= m_difference.all()[number].change();
+        const ScanChange& change = m_difference.all()[number];
+        level.unexplained = restOfChange(level.unexplained, change.change());
+        level.hasHidden = level.hasHidden || m_difference.hiddenUnder(change) != 0;
         return number;
     }
 
     /// Whether what is in the entry in hand is printed. If so, next() goes on with it.
     bool enter(std::uint32_t number) {
         const ScanChange& change = m_difference.all()[number];
-        if (!change.isFolder || change.kind != ScanChange::Kind::Changed ||
+        if (!change.isFolder || change.isUnseen || change.kind != ScanChange::Kind::Changed ||
             m_levels.size() >= m_extent.depth)
             return false;
         open(number);
@@ -55,6 +57,7 @@ public:
     struct Below {
         std::size_t entries = 0;
         std::int64_t change = 0;
+        bool hasHidden = false;  // what came or went may be among the small ones of the other scan
     };
     [[nodiscard]] const Below& below() const { return m_below; }
     [[nodiscard]] bool atEnd() const { return m_levels.empty(); }
@@ -64,6 +67,7 @@ private:
     struct Level {
         std::span<const std::uint32_t> left;
         std::int64_t unexplained;
+        bool hasHidden = false;
     };
     void open(std::uint32_t number) {
         const ScanChange& folder = m_difference.all()[number];
@@ -71,8 +75,8 @@ private:
             m_extent.depth == 0 ? std::span<const std::uint32_t>() : m_difference.children(folder);
         m_levels.push_back({within, folder.change()});
     }
-    [[nodiscard]] std::uint64_t changeAt(std::uint32_t number) const {
-        return withoutSign(m_difference.all()[number].change());
+    [[nodiscard]] std::uint64_t weightAt(std::uint32_t number) const {
+        return m_difference.all()[number].weight;
     }
 
     const ScanDifference& m_difference;
@@ -96,7 +100,10 @@ void appendSizes(std::string& text, const ScanChange& change) {
                    "\"onDisk\": {}, \"onDiskChange\": {}",
                    change.sizeBefore, change.sizeAfter, change.change(), change.onDiskBefore,
                    change.onDiskAfter, change.onDiskChange());
-    if (change.isPartial) text += ", \"partial\": true";
+    if (change.weight != withoutSign(change.change()))
+        fmt::format_to(std::back_inserter(text), ", \"largestWithin\": {}", change.weight);
+    if (change.isCovered) text += ", \"otherFileSystem\": true";
+    if (change.isPartial || change.isCovered) text += ", \"partial\": true";
 }
 
 void appendBelow(std::string& text, const Changes::Below& below) {
@@ -113,6 +120,10 @@ void appendChange(std::string& text, const ScanDifference& difference, std::uint
     fmt::format_to(std::back_inserter(text), ", \"directory\": {}, \"state\": \"{}\", ",
                    change.isFolder, stateOf(change));
     appendSizes(text, change);
+    if (const std::uint64_t under = difference.hiddenUnder(change); under != 0)
+        fmt::format_to(std::back_inserter(text), ", \"{}\": {}",
+                       change.kind == ScanChange::Kind::Came ? "sizeBeforeUnder" : "sizeUnder",
+                       under);
     if (const std::uint32_t most = difference.mostly(number); most != number) {
         text += ", \"mostly\": {";
         appendJsonPath(text, difference.path(most));
@@ -129,28 +140,47 @@ std::string signedWords(std::int64_t change) {
 
 std::string nameWords(const ScanDifference& difference, const ScanChange& change) {
     std::string words = printable(difference.name(change)) + (change.isFolder ? "/" : "");
-    if (change.kind == ScanChange::Kind::Came) words += "  (new)";
-    if (change.kind == ScanChange::Kind::Went) words += "  (gone)";
-    return words;
+    if (change.kind == ScanChange::Kind::Changed) return words + doubtWords(change);
+    const bool isNew = change.kind == ScanChange::Kind::Came;
+    words += isNew ? "  (new" : "  (gone";
+    if (const std::uint64_t under = difference.hiddenUnder(change); under != 0)
+        words += fmt::format(", or under {} {}", UtilityFunction::convertVolSpace(under),
+                             isNew ? "before" : "now");
+    return words + ")" + doubtWords(change);
 }
 
 // With the entry far below that is the reason of it.
 std::string changeWords(const ScanDifference& difference, std::uint32_t number) {
-    std::string words = nameWords(difference, difference.all()[number]);
-    if (difference.all()[number].isPartial) words += "  (not all of it could be read)";
+    const ScanChange& change = difference.all()[number];
+    std::string words = nameWords(difference, change);
     const std::uint32_t most = difference.mostly(number);
-    if (most == number) return words;
-    std::string way = nameWords(difference, difference.all()[most]);
+    if (most == number) {
+        if (change.weight != withoutSign(change.change()))
+            words += fmt::format("  (changes of up to {} in it)",
+                                 UtilityFunction::convertVolSpace(change.weight));
+        return words;
+    }
+    std::vector<std::uint32_t> way;
     for (std::uint32_t each = difference.all()[most].parent; each != number;
          each = difference.all()[each].parent)
-        way = printable(difference.name(difference.all()[each])) + "/" + way;
-    return words + "  mostly " + way;
+        way.push_back(each);
+    words += "  mostly ";
+    for (auto each = way.rbegin(); each != way.rend(); ++each)
+        words += printable(difference.name(difference.all()[*each])) + "/";
+    return words + nameWords(difference, difference.all()[most]);
 }
 
-std::string belowWords(const Changes::Below& below, std::uint64_t filesFrom) {
-    if (below.entries == 0)
-        return fmt::format("(files under {})", UtilityFunction::convertVolSpace(filesFrom));
-    return fmt::format("({} smaller {})", below.entries, below.entries == 1 ? "change" : "changes");
+// With what a scan leaves out: it may hold what is told as new or gone above.
+std::string belowWords(const Changes::Below& below, const ScanDifference& difference) {
+    const auto size = &UtilityFunction::convertVolSpace;
+    std::string small = fmt::format("files under {}", size(difference.filesFrom()));
+    if (difference.foldersFrom() != 0)
+        small += fmt::format(", folders under {}", size(difference.foldersFrom()));
+    if (below.hasHidden) small += " then or now";
+    if (below.entries == 0) return fmt::format("({})", small);
+    return fmt::format("({} smaller {}{})", below.entries,
+                       below.entries == 1 ? "change" : "changes",
+                       below.hasHidden ? ", and " + small : std::string());
 }
 
 bool takePart(std::string_view& text, std::size_t digits, char behind, int& number) {
@@ -165,6 +195,13 @@ bool takePart(std::string_view& text, std::size_t digits, char behind, int& numb
 }
 
 }  // namespace
+
+std::string doubtWords(const ScanChange& change) {
+    if (change.isCovered)
+        return change.isUnseen ? "  (another file system there)" : "  (another file system in it)";
+    if (change.isUnseen) return "  (could not be read each time)";
+    return change.isPartial ? "  (not all of it could be read)" : "";
+}
 
 std::optional<std::int64_t> momentSince(std::string_view text) {
     if (const auto moment = momentOfWord(text, std::time(nullptr))) return moment;
@@ -203,9 +240,10 @@ void printJson(Output& out, const ScanDifference& difference, const UsageExtent&
     std::string text = "{\n  ";
     appendJsonPath(text, difference.after().root, "root");
     text += fmt::format(
-        ",\n  \"since\": \"{}\",\n  \"until\": \"{}\",\n  \"limit\": {},\n  \"filesFrom\": {},\n  ",
+        ",\n  \"since\": \"{}\",\n  \"until\": \"{}\",\n  \"limit\": {},\n  \"filesFrom\": {},\n  "
+        "\"foldersFrom\": {},\n  \"otherVolume\": {},\n  ",
         timeOf(difference.before()), timeOf(difference.after()), extent.limit,
-        difference.filesFrom());
+        difference.filesFrom(), difference.foldersFrom(), difference.isOfTwoVolumes());
     appendSizes(text, difference.root());
     text += ",\n  \"stopped\": false,\n  \"skipped\": [";
     appendJsonSkipped(text, skipped);
@@ -235,7 +273,8 @@ void printPaths(Output& out, const ScanDifference& difference, const UsageExtent
     for (Changes changes(difference, extent); !changes.atEnd();) {
         const auto number = changes.next();
         if (!number) continue;
-        out.write(difference.path(*number) + '\0');
+        if (difference.all()[*number].kind != ScanChange::Kind::Went)
+            out.write(difference.path(*number) + '\0');
         changes.enter(*number);
     }
 }
@@ -256,16 +295,15 @@ void printListing(Output& out, const ScanDifference& difference, const UsageExte
             changes.enter(*number);
         } else if (extent.depth > 0 &&
                    (changes.below().entries > 0 || changes.below().change != 0)) {
-            line(changes.below().change, depth,
-                 belowWords(changes.below(), difference.filesFrom()));
+            line(changes.below().change, depth, belowWords(changes.below(), difference));
         }
     }
     const ScanChange& root = difference.root();
     line(root.change(), 0,
-         fmt::format("{}  ({} to {}, since {})", printable(difference.after().root),
+         fmt::format("{}  ({} to {}, since {}){}", printable(difference.after().root),
                      UtilityFunction::convertVolSpace(root.sizeBefore),
                      UtilityFunction::convertVolSpace(root.sizeAfter),
-                     momentWords(difference.before().time)));
+                     momentWords(difference.before().time), doubtWords(root)));
 }
 
 }  // namespace orrinvale::cli

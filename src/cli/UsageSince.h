@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -23,8 +24,12 @@ namespace orrinvale::cli {
 
 void printJson(Output& out, const ScanDifference& difference, const UsageExtent& extent,
                const std::vector<Error>& skipped);
+/// What is gone has no path any more and is left out.
 void printPaths(Output& out, const ScanDifference& difference, const UsageExtent& extent);
 void printListing(Output& out, const ScanDifference& difference, const UsageExtent& extent,
                   bool colour);
+
+/// Why the sizes may not be the whole truth, with two blanks before it; empty where they are.
+[[nodiscard]] std::string doubtWords(const ScanChange& change);
 
 }  // namespace orrinvale::cli

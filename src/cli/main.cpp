@@ -46,7 +46,10 @@ CLI::Option* declare(CLI::App& app, const OptionSpec& spec) {
             ->required(argument.size() == spec.names.size())
             ->type_name("")
             ->expected(CLI::detail::expected_max_vector_size);
-    if (!names.starts_with('-')) return app.add_option(names, help)->required()->type_name("");
+    if (!names.starts_with('-'))
+        return app.add_option(names, help)
+            ->required(argument.size() == spec.names.size())
+            ->type_name("");
     if (spec.argument.empty()) return app.add_flag(names, help);
     CLI::Option* const option = app.add_option(names, help)->type_name(std::string(spec.argument));
     if (spec.argument.starts_with('[')) option->expected(0, 1);

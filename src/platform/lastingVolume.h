@@ -1,5 +1,5 @@
 // What tells one file system from all others for longer than a mount, and the clock of its files.
-// linux/LastingVolume.cpp implements it; engine/duplicates/cache asks.
+// linux/LastingVolume.cpp implements it; engine/duplicates/cache and diskusage/history ask.
 #pragma once
 
 #include <cstdint>
@@ -20,6 +20,11 @@ struct VolumeName {
 /// nanosecond: ext4, XFS, btrfs and F2FS. ENOTSUP for all others, layers among them, and where
 /// there is no UUID.
 [[nodiscard]] SysResult<VolumeName> lastingVolume(int folder);
+
+/// Whether what lies at a place is what lay there before: the UUID with the subvolume, wherever the
+/// device is plugged in, so that copies of a disk have one name. All file systems of a kind that
+/// has no UUID have one too. Never the empty name.
+[[nodiscard]] SysResult<VolumeName> volumeAtPlace(int folder);
 
 /// Now, by the clock that files on such a file system have their times from: nanoseconds since
 /// 1970-01-01 UTC.

@@ -117,7 +117,18 @@ TEST(UsageCommand, comparesWithAScanThatItKept) {
     const auto none = run({"--since", "last", "d"});
     EXPECT_EQ(none.status, 3);
     EXPECT_EQ(none.output, "");
-    EXPECT_EQ(run({"--quiet", "--remember", "d"}).status, 0);
+    // Kept before it is printed: the reader of the pipe is gone.
+    ProgramRun piped = usageRun({}, tree.path());
+    piped.arguments = {"-c",
+                       "{ sleep 0.3; exec \"$0\" usage --remember --quiet --limit 0 d; } | true",
+                       std::exchange(piped.program, "/bin/sh")};
+    piped.environment = {"XDG_STATE_HOME=" + state.path(), "PATH=/usr/bin:/bin"};
+    static_cast<void>(piped.run());
+    EXPECT_EQ(namesIn(state.at("com.kelpford.Orrinvale/scans")).size(), 1);
+    EXPECT_EQ(run({"--forget"}).status, 0);
+    EXPECT_TRUE(namesIn(state.at("com.kelpford.Orrinvale/scans")).empty());
+    EXPECT_EQ(run({"--remember"}).status, 2) << "of no folder";
+    EXPECT_EQ(run({"--since", "last", "--quiet", "--remember", "d"}).status, 0) << "the first one";
     ASSERT_TRUE(tree.sparse("d/shrinks", 2'500'000) && tree.sparse("d/in/it/new.iso", 8'000'000) &&
                 tree.write("d/in/note", "12") && tree.write("d/few", "123"));
     std::filesystem::remove(tree.at("d/gone.iso"));
@@ -126,8 +137,8 @@ TEST(UsageCommand, comparesWithAScanThatItKept) {
     EXPECT_EQ(listed.status, 0) << listed.error;
     EXPECT_THAT(listed.output,
                 ::testing::StartsWith("   +8.00 MB  in/  (new)\n   -6.50 MB  shrinks\n"
-                                      "   -3.00 MB  gone.iso  (gone)\n"
-                                      "    0.00 KB  (files under 1.00 MB)\n"
+                                      "   -3.00 MB  gone.iso  (gone, or under 1.00 MB now)\n"
+                                      "    0.00 KB  (files under 1.00 MB then or now)\n"
                                       "   -1.50 MB  " +
                                       tree.at("d") + "  (12.00 MB to 10.50 MB, since "));
     const Json json = Json::parse(run({"--since", "last", "--json", "--limit", "4MB", "d"}).output);
@@ -138,7 +149,7 @@ TEST(UsageCommand, comparesWithAScanThatItKept) {
     EXPECT_EQ(json["below"]["entries"], 1);
     EXPECT_EQ(json["below"]["change"], -3'000'002);
     EXPECT_EQ(run({"--since", "last", "-0", "d"}).output,
-              tree.at("d/in") + '\0' + tree.at("d/shrinks") + '\0' + tree.at("d/gone.iso") + '\0');
+              tree.at("d/in") + '\0' + tree.at("d/shrinks") + '\0');
 
     // Of one folder below another the terminal tells the one that is the reason.
     EXPECT_EQ(run({"--quiet", "--remember", "."}).status, 0);
@@ -157,6 +168,55 @@ TEST(UsageCommand, comparesWithAScanThatItKept) {
     EXPECT_THAT(run({"--since", "last", "d"}).error, HasSubstr("1 scan of it is kept"));
     EXPECT_EQ(run({"--forget", "d"}).status, 0);
     EXPECT_THAT(run({"--since", "last", "d"}).error, ::testing::Not(HasSubstr("is kept")));
+}
+
+TEST(UsageCommand, saysWhatTwoScansDoNotTellOfEachOther) {
+    TestTree tree;
+    TestTree state;
+    std::filesystem::permissions(state.path(), std::filesystem::perms::all);
+    const auto run = [&](std::vector<std::string> arguments) {
+        ProgramRun each = usageRun(std::move(arguments), tree.path());
+        each.environment = {"XDG_STATE_HOME=" + state.path()};
+        if (::geteuid() == 0) each.user = 65534;
+        return each.run();
+    };
+    ASSERT_TRUE(tree.sparse("d/lock/deep/film", 3'000'000) && tree.sparse("d/x/a.iso", 5'000'000));
+    EXPECT_EQ(run({"--quiet", "--remember", "d"}).status, 0);
+    ASSERT_TRUE(tree.setMode("d/lock", 0) && tree.sparse("d/x/b.iso", 5'000'000));
+    std::filesystem::remove(tree.at("d/x/a.iso"));
+    const auto listed = run({"--quiet", "--since", "last", "d"});
+    EXPECT_THAT(listed.output,
+                ::testing::StartsWith("    0.00 KB  x/  (changes of up to 5.00 MB in it)\n"
+                                      "   -3.00 MB  lock/  (could not be read each time)\n"
+                                      "   -3.00 MB  " +
+                                      tree.at("d") + "  (8.00 MB to 5.00 MB, since "));
+    EXPECT_THAT(listed.output, ::testing::EndsWith(")  (not all of it could be read)\n"));
+    const Json json =
+        Json::parse(run({"--quiet", "--since", "last", "--json", "--depth", "2", "d"}).output);
+    EXPECT_EQ(json["entries"][0]["largestWithin"], 5'000'000);
+    EXPECT_EQ(json["entries"][0]["children"][0]["sizeUnder"], 1'000'000);
+    EXPECT_EQ(json["entries"][0]["children"][1]["sizeBeforeUnder"], 1'000'000);
+    EXPECT_EQ(json["entries"][1]["state"], "shrank");
+    EXPECT_EQ(json["entries"][1]["partial"], true);
+    EXPECT_FALSE(json["entries"][1].contains("children")) << "nobody knows what is in it now";
+    EXPECT_EQ(json["foldersFrom"], 0);
+    ASSERT_TRUE(tree.setMode("d/lock", 0755));
+
+    // Another file system at the same path.
+    if (!isThere("/dev/shm")) return;
+    const TestTree memory("/dev/shm");
+    std::filesystem::permissions(memory.path(), std::filesystem::perms::all);
+    if (attributesOf(memory.path()).device == attributesOf(tree.path()).device) return;
+    ASSERT_EQ(::symlink(memory.path().c_str(), tree.at("disk").c_str()), 0);
+    EXPECT_EQ(run({"--quiet", "--remember", "disk"}).status, 0);
+    ASSERT_EQ(::unlink(tree.at("disk").c_str()), 0);
+    ASSERT_EQ(::symlink("d", tree.at("disk").c_str()), 0);
+    const auto other = run({"--since", "last", "disk"});
+    EXPECT_EQ(other.status, 3);
+    EXPECT_THAT(other.error, HasSubstr("no scan of the file system that lies there is kept"));
+    const auto wanted = run({"--since", "last", "--any-volume", "disk"});
+    EXPECT_EQ(wanted.status, 0) << wanted.output;
+    EXPECT_THAT(wanted.error, HasSubstr("another file system lies there than at that time"));
 }
 
 }  // namespace

@@ -169,7 +169,8 @@ void DiskUsageScan::Scan::keepRecord(const UsageWalk& walk, const UsageResult& w
                      .size = whole.size,
                      .onDisk = whole.onDisk,
                      .marks = static_cast<std::uint8_t>(whole.marks & ~FSNode::LeftOutWithin),
-                     .allFileSystems = m_options.allFileSystems};
+                     .allFileSystems = m_options.allFileSystems,
+                     .volume = walk.volume()};
     record->first = walk.recorded();
     record->storage = std::move(storage);
     m_record = std::move(record);

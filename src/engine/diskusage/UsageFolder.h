@@ -57,8 +57,8 @@ struct UsageWalk::Piece {
     std::uint64_t files = 0;
     std::vector<Passing> passing;  // files; their names lie in the batch in hand
     std::vector<Link> linked;
-    std::vector<const CatalogEntry*> large;  // files to be recorded, as those that pass
-    RecordedEntry* recorded = nullptr;       // these
+    std::vector<Passing> large;         // files to be recorded, as those that pass
+    RecordedEntry* recorded = nullptr;  // these
     RecordedEntry* lastRecorded = nullptr;
     std::vector<std::pair<SeenEntries::Key, SeenState>> seen;
 };

@@ -85,8 +85,10 @@ RecordedEntry* UsageWalk::record(const FileAttributes& seen, std::string_view na
 }
 
 void UsageWalk::recordFiles(Piece& piece) const {
-    for (const CatalogEntry* const entry : piece.large) {
-        RecordedEntry* const made = record(entry->attributes, entry->name);
+    for (const auto& [entry, marks] : piece.large) {
+        RecordedEntry* const made =
+            record(marks == 0 ? entry->attributes : FileAttributes(), entry->name);
+        made->marks = marks;
         made->next = piece.recorded;
         piece.recorded = made;
         if (piece.lastRecorded == nullptr) piece.lastRecorded = made;

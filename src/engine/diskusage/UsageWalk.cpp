@@ -48,6 +48,8 @@ UsageResult UsageWalk::run(FSNode* start, const std::string& path, Links last) {
         folder->mount = seen->mount;
         folder->onDisk = seen->onDisk;
     }
+    if (m_errand.records != nullptr)
+        if (const auto volume = volumeAtPlace(handle->get())) m_volume = *volume;
     m_startMount = folder->mount;
     m_startDevice = folder->device;
     m_isUpTo = m_errand.seen != nullptr && m_files.sharesExtents(handle->get());
@@ -188,7 +190,8 @@ void UsageWalk::takeFile(const UsageFolder& folder, const CatalogEntry& entry, s
     if (isKnown && seen.links > 1)
         piece.linked.push_back({seen.device, seen.inode, seen.onDisk, seen.links});
     else if (isKnown) addSaturating(piece.onDisk, seen.onDisk);
-    if (m_errand.records != nullptr && size >= recordedFilesFrom) piece.large.push_back(&entry);
+    if (m_errand.records != nullptr && (size >= recordedFilesFrom || !isKnown))
+        piece.large.push_back({&entry, marks});
     const bool hasNode = passes(size, marks, folder.above == nullptr);
     (hasNode ? piece.childMarks : piece.marks) |= marks & FSNode::within;
     if (hasNode) {

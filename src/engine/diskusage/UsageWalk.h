@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -107,6 +108,8 @@ public:
     [[nodiscard]] LinkedFiles takeLinked() { return std::move(m_linked); }
     /// What lies directly in the folder, of an errand with records; null for nothing.
     [[nodiscard]] RecordedEntry* recorded() const { return m_recorded; }
+    /// What the folder lies on, of an errand with records.
+    [[nodiscard]] std::optional<VolumeName> volume() const { return m_volume; }
     /// What the sink was told of; to be kept as long as it looks at them.
     [[nodiscard]] std::vector<std::unique_ptr<CountedTop>> takeTops() { return std::move(m_tops); }
     /// Less may come back than counts on the disk.
@@ -158,6 +161,7 @@ private:
     UsageResult m_result;
     LinkedFiles m_linked;
     RecordedEntry* m_recorded = nullptr;
+    std::optional<VolumeName> m_volume;
     bool m_isUpTo = false;  // fixed before the walk
     std::atomic<bool> m_hasVolumes{false};
 

@@ -1,4 +1,4 @@
-// lastingVolume(): the UUID as the kernel tells everybody who may open a folder, since 6.9; before
+// The UUID as the kernel tells everybody who may open a folder, since 6.9; before
 // that what statfs(2) makes of it.
 #include "platform/lastingVolume.h"
 
@@ -21,6 +21,22 @@ constexpr std::uint64_t ext4Magic = 0xEF53;  // ext2 and ext3 too, whose times a
 constexpr std::uint64_t xfsMagic = 0x58465342;
 constexpr std::uint64_t btrfsMagic = 0x9123683E;
 constexpr std::uint64_t f2fsMagic = 0xF2F52010;
+
+constexpr std::array knownMagics{ext4Magic, xfsMagic, btrfsMagic, f2fsMagic};
+
+bool isKnownMagic(std::uint64_t magic) {
+    return std::ranges::find(knownMagics, magic) != knownMagics.end();
+}
+
+// ext4 and btrfs make their f_fsid of their UUID, btrfs of the subvolume as well, in each of which
+// inode numbers begin anew; the others make it of the device.
+std::uint64_t digestOf(const struct statfs& system, std::uint64_t magic) {
+    std::uint64_t digest = 0;
+    static_assert(sizeof digest == sizeof system.f_fsid);
+    if (magic == ext4Magic || magic == btrfsMagic)
+        std::memcpy(&digest, &system.f_fsid, sizeof digest);
+    return digest;
+}
 
 struct KernelUuid {  // struct fsuuid2 of linux/fs.h
     std::uint8_t length;
@@ -45,21 +61,24 @@ SysResult<VolumeName> lastingVolume(int folder) {
     if (::fstatfs(folder, &system) != 0 || ::fstat(folder, &status) != 0)
         return tl::unexpected(errno);
     const auto magic = static_cast<std::uint64_t>(system.f_type);
-    constexpr std::array known{ext4Magic, xfsMagic, btrfsMagic, f2fsMagic};
-    if (std::ranges::find(known, magic) == known.end()) return tl::unexpected(ENOTSUP);
+    if (!isKnownMagic(magic)) return tl::unexpected(ENOTSUP);
     VolumeName name = uuidOf(folder);
-    // ext4 and btrfs make this of their UUID, btrfs of the subvolume as well, in each of which
-    // inode numbers begin anew; the others make it of the device.
-    if (magic == ext4Magic || magic == btrfsMagic) {
-        std::uint64_t digest = 0;
-        static_assert(sizeof digest == sizeof system.f_fsid);
-        std::memcpy(&digest, &system.f_fsid, sizeof digest);
-        name.first ^= digest;
-    }
+    name.first ^= digestOf(system, magic);
     if (name == VolumeName{}) return tl::unexpected(ENOTSUP);
     // Two copies of one disk have one UUID. Devices without a number of their own get another one
     // with each mount.
     if (::major(status.st_dev) != 0) name.second ^= status.st_dev;
+    return name;
+}
+
+// The digest alone where there is one: a kernel that begins to tell the UUID changes no name then.
+SysResult<VolumeName> volumeAtPlace(int folder) {
+    struct statfs system {};
+    if (::fstatfs(folder, &system) != 0) return tl::unexpected(errno);
+    const auto magic = static_cast<std::uint64_t>(system.f_type);
+    VolumeName name{digestOf(system, magic), 0};
+    if (name == VolumeName{} && isKnownMagic(magic)) name = uuidOf(folder);
+    if (name == VolumeName{}) name.second = magic;
     return name;
 }
 

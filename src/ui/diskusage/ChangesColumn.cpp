@@ -112,10 +112,10 @@ ChangesColumn::ChangesColumn(std::shared_ptr<const ShownScan> scan, std::uint32_
     m_rest = whole.change();
     for (const std::uint32_t each : children) {
         const ScanChange& change = m_difference->all()[each];
-        // The biggest come first.
-        if (change.change() == 0 || sizeOfChange(change.change()) < m_scan->limit) break;
+        // What is, or holds, the biggest comes first.
+        if (change.weight == 0 || change.weight < m_scan->limit) break;
         m_rows.push_back({each, change.sizeAfter});
-        m_rest -= change.change();
+        m_rest = restOfChange(m_rest, change.change());
     }
     m_restCount = children.size() - m_rows.size();
     m_hasRest = m_rest != 0 || m_restCount != 0;
@@ -187,7 +187,7 @@ bool ChangesColumn::isGone(int row) const {
 
 double ChangesColumn::share(int row) const {
     if (!number(row)) return 0;
-    return double(sizeOfChange(change(row))) / double(sizeOfChange(changeAt(0).change()));
+    return double(sizeOfChange(change(row))) / double(changeAt(0).weight);
 }
 
 QString ChangesColumn::tip(int row) const {

@@ -71,7 +71,8 @@ RememberedScan rememberedScan(const ScanHistory& history, ScanRecord& record, bo
     RememberedScan done;
     auto scan = parseScan(encodeScan(record));
     if (!scan) return done;
-    const ScanHistory::Place place{scan->facts.root, scan->facts.allFileSystems};
+    const ScanHistory::Place place{scan->facts.root, scan->facts.allFileSystems,
+                                   scan->facts.volume};
     done.kept = history.list(place);
     const auto leave = [&](std::int64_t time) {
         std::erase_if(done.kept, [time](const KeptScan& each) { return each.time == time; });
@@ -221,7 +222,8 @@ void DiskUsageAppController::compareWith(std::int64_t time) {
     runAside(
         this, "compare scans",
         [history = ScanHistory(m_parts.stateFolder), now = scanned->stored, time]() -> Compared {
-            const auto before = history.load({now->facts.root, now->facts.allFileSystems}, time);
+            const auto before =
+                history.load({now->facts.root, now->facts.allFileSystems, now->facts.volume}, time);
             if (!before) return tl::unexpected(before.error().reason());
             auto difference = ScanDifference::of(*before, *now);
             if (!difference) return tl::unexpected(systemError("read", {}, EBADMSG).reason());

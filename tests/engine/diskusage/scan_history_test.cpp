@@ -2,10 +2,12 @@
 // size, and files that are damaged, forged or too many.
 #include <ctime>
 #include <deque>
+#include <limits>
 
 #include "engine/diskusage/UsageRun.h"
 #include "engine/diskusage/history/ScanDifference.h"
 #include "engine/diskusage/history/ScanHistory.h"
+#include "engine/duplicates/crc.h"
 
 namespace orrinvale {
 namespace {
@@ -165,8 +167,8 @@ TEST(ScanDifference, tellsWhatTheHistoryDid) {
         const auto& all = difference->all();
         for (const ScanChange& folder : all)
             for (std::size_t i = 1; i < folder.childCount; ++i)
-                ASSERT_GE(std::abs(all[difference->children(folder)[i - 1]].change()),
-                          std::abs(all[difference->children(folder)[i]].change()));
+                ASSERT_GE(all[difference->children(folder)[i - 1]].weight,
+                          all[difference->children(folder)[i]].weight);
         const auto same = ScanDifference::of(after, after);
         ASSERT_TRUE(same && same->all().size() == 1) << seed;
     }
@@ -235,6 +237,155 @@ struct ManyEntries {
     ScanRecord record;
 };
 
+/// A scan written by hand, with the right checksum: of a version, a tree as bytes.
+std::string forgedScan(char version, std::string_view tree) {
+    std::string rest = std::string("\2/p\2\0\0\0\0\0\0\0", 11);
+    if (version != '1') rest.append("\5\6", 2);
+    rest += tree;
+    std::string bytes = std::string("orrinvale scan ") + version + '\n';
+    const std::uint64_t sum = crc::crc64(rest.data(), std::uint32_t(rest.size()));
+    for (unsigned i = 0; i < 8; ++i) bytes += char(sum >> (8 * i));
+    return bytes + rest;
+}
+
+/// Entries of a folder, whose names have 4,093 bytes and share all but three.
+std::string treeOfLongNames(unsigned count) {
+    const std::string start(4090, 'a');
+    std::string tree;
+    for (unsigned i = 0; i < count; ++i) {
+        const auto digit = [i](unsigned shift) { return char('A' + (i >> shift) % 64); };
+        // Length 4,093, nothing shared; or three bytes behind 4,090 shared ones. No flags.
+        tree += i == 0 ? std::string("\xFD\x1F\0", 3) + start : std::string("\3\xD0\xFF\1");
+        tree += {digit(12), digit(6), digit(0), 1};
+    }
+    return tree + '\0';
+}
+
+TEST(ScanDifference, takesNoMoreMemoryThanItsBoundForForgedNames) {
+    const auto none = parseScan(forgedScan('2', std::string_view("\0", 1)));
+    ASSERT_TRUE(none && none->facts.volume == (VolumeName{5, 6}));
+    EXPECT_FALSE(parseScan(forgedScan('1', std::string_view("\0", 1)))->facts.volume);
+    for (const auto& [count, isCompared] : {std::pair{1000U, true}, std::pair{66'000U, false}}) {
+        const auto many = parseScan(forgedScan('2', treeOfLongNames(count)));
+        ASSERT_TRUE(many && isWholeScan(*many)) << count;
+        EXPECT_EQ(ScanDifference::of(*none, *many).has_value(), isCompared) << count;
+    }
+}
+
+/// A scan made up: a path that ends in a slash is a folder's, and stands before what is in it.
+struct MadeEntry {
+    std::string path;
+    std::uint64_t size;
+    std::uint8_t marks = 0;
+};
+
+StoredScan madeScan(const std::vector<MadeEntry>& list) {
+    std::deque<RecordedEntry> entries;
+    std::map<std::string, RecordedEntry*> folders;
+    std::deque<std::string> names;
+    ScanRecord record;
+    record.facts = {.root = "/p", .entries = 100};
+    for (const MadeEntry& made : list) {
+        RecordedEntry& entry = entries.emplace_back();
+        entry.isFolder = made.path.ends_with('/');
+        const std::string path = made.path.substr(0, made.path.size() - (entry.isFolder ? 1 : 0));
+        const auto slash = path.rfind('/');
+        entry.name = names.emplace_back(path.substr(slash + 1)).c_str();
+        entry.size = entry.onDisk = made.size;
+        entry.marks = made.marks;
+        const bool isTop = slash == std::string::npos;
+        if (isTop) record.facts.size += made.size;
+        RecordedEntry*& above = isTop ? record.first : folders.at(path.substr(0, slash))->first;
+        entry.next = std::exchange(above, &entry);
+        if (entry.isFolder) folders[path] = &entry;
+    }
+    return *parseScan(encodeScan(record));
+}
+
+// By weight at each level: what it is, its change, and what is said of it.
+std::string changesInOrder(const ScanDifference& difference, const ScanChange& folder) {
+    std::string out;
+    for (const std::uint32_t each : difference.children(folder)) {
+        const ScanChange& change = difference.all()[each];
+        const char* const kinds[] = {"", "came ", "went "};
+        out += fmt::format("{}{} {:+}", kinds[std::size_t(change.kind)], difference.name(change),
+                           change.change());
+        if (change.weight != std::uint64_t(std::abs(change.change())))
+            out += fmt::format(" of {}", change.weight);
+        if (const auto under = difference.hiddenUnder(change)) out += fmt::format(" <{}", under);
+        out += change.isUnseen ? " unseen" : change.isPartial ? " partial" : "";
+        out += change.isCovered ? " covered" : "";
+        out += " {" + changesInOrder(difference, change) + "} ";
+    }
+    return out;
+}
+
+TEST(ScanDifference, tellsNoMoreThanBothScansKnow) {
+    constexpr std::uint8_t unread = FSNode::Unread | FSNode::UnreadWithin;
+    constexpr std::uint8_t foreign = FSNode::Foreign | FSNode::ForeignWithin;
+    constexpr std::uint64_t mega = 1'000'000;
+    const std::vector<MadeEntry> deep{{"d/", 3 * mega}, {"d/e/", 3 * mega}, {"d/e/f", 3 * mega}};
+    const struct {
+        const char* what;
+        std::vector<MadeEntry> before, after;
+        const char* there;
+        const char* back;
+    } cases[] = {
+        {"a folder that could not be read",
+         deep,
+         {{"d/", 0, unread}},
+         "d -3000000 unseen {} ",
+         "d +3000000 unseen {} "},
+        {"a file system over a folder",
+         deep,
+         {{"d/", 0, foreign}},
+         "d -3000000 unseen covered {} ",
+         "d +3000000 unseen covered {} "},
+        {"a file that could not be looked at",
+         {{"a", 3 * mega}},
+         {{"a", 0, unread}},
+         "a -3000000 unseen {} ",
+         "a +3000000 unseen {} "},
+        {"a folder likewise",
+         deep,
+         {{"d", 0, unread}},
+         "d -3000000 unseen {} ",
+         "d +3000000 unseen {} "},
+        {"one that may have been small", {}, {{"a", 0, unread}}, "", ""},
+        {"a file that grew over the bound",
+         {{"d/", mega - 1}},
+         {{"d/", mega}, {"d/a", mega}},
+         "d +1 of 1000000 {came a +1000000 <1000000 {} } ",
+         "d -1 of 1000000 {went a -1000000 <1000000 {} } "},
+        {"a folder that came", {}, deep, "came d +3000000 {} ", "went d -3000000 {} "},
+        {"a file in the place of a folder",
+         deep,
+         {{"d", 5 * mega}},
+         "came d +5000000 {} went d -3000000 {} ",
+         "went d -5000000 {} came d +3000000 {} "},
+        {"as much lost as won, beside a smaller change",
+         {{"x/", 9 * mega}, {"x/a", 9 * mega}, {"y", mega}},
+         {{"x/", 9 * mega}, {"x/b", 9 * mega}, {"y", 2 * mega}},
+         "x +0 of 9000000 {went a -9000000 <1000000 {} came b +9000000 <1000000 {} } y +1000000 "
+         "{} ",
+         "x +0 of 9000000 {came a +9000000 <1000000 {} went b -9000000 <1000000 {} } y -1000000 "
+         "{} "},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.what);
+        const StoredScan before = madeScan(each.before);
+        const StoredScan after = madeScan(each.after);
+        const auto there = ScanDifference::of(before, after);
+        const auto back = ScanDifference::of(after, before);
+        ASSERT_TRUE(there && back);
+        EXPECT_EQ(changesInOrder(*there, there->root()), each.there);
+        EXPECT_EQ(changesInOrder(*back, back->root()), each.back);
+    }
+    constexpr auto most = std::numeric_limits<std::int64_t>::max();
+    EXPECT_EQ(restOfChange(-2, most), -most - 1);
+    EXPECT_EQ(restOfChange(most, -1), most);
+}
+
 double processorSeconds() { return double(std::clock()) / CLOCKS_PER_SEC; }
 
 TEST(ScanDifference, ofAMillionEntriesTakesLessThanASecond) {
@@ -287,11 +438,13 @@ TEST(StoredScan, isNotMadeOfAScanThatWasStopped) {
 
 struct KeptScans {
     KeptScans() { EXPECT_TRUE(tree.write("place/a/b", "x")); }
-    void keep(std::int64_t time, bool allFileSystems = false) {
+    void keep(std::int64_t time, bool allFileSystems = false,
+              std::optional<VolumeName> volume = {}) {
         ScanRecord record;
         record.facts.root = tree.at("place");
         record.facts.time = time;
         record.facts.allFileSystems = allFileSystems;
+        record.facts.volume = volume;
         const auto scan = parseScan(encodeScan(record));
         EXPECT_TRUE(scan && history.keep(*scan));
     }
@@ -322,6 +475,40 @@ TEST(ScanHistory, keepsTheOldestAndTheNewestAndFewBetween) {
                   std::filesystem::perms(0600));
     EXPECT_EQ(scanBefore(kept.history.list(kept.place), now)->time, times[times.size() - 2]);
     EXPECT_EQ(scanBefore(kept.history.list(kept.place), 0)->time, times.front());
+    // One of a clock that was wrong goes first, and never the one that is being kept.
+    for (const std::int64_t time : {now + 99 * day, now - day - 1, now - 99 * day}) {
+        kept.keep(time);
+        const auto all = kept.times();
+        EXPECT_EQ(all.size(), ScanHistory::mostOfFolder);
+        EXPECT_TRUE(std::ranges::find(all, time) != all.end()) << time - now;
+        EXPECT_EQ(all.back(), std::max(time, now));
+        EXPECT_EQ(scanBefore(kept.history.list(kept.place), *momentOfWord("last", now))->time, now);
+    }
+    // A writer that was killed.
+    const std::string name = namesIn(kept.tree.at("state/scans")).front();
+    ASSERT_TRUE(kept.tree.write("state/scans/" + name + ".new", "names"));
+    EXPECT_TRUE(kept.history.forget(kept.place.root));
+    EXPECT_TRUE(namesIn(kept.tree.at("state/scans")).empty());
+}
+
+TEST(ScanHistory, tellsTheDisksThatLayAtAPathApart) {
+    KeptScans kept;
+    const VolumeName one{1, 2}, other{3, 4};
+    kept.keep(1000);  // of a version that did not note it
+    kept.keep(2000, false, one);
+    kept.keep(3000, false, other);
+    using Times = std::vector<std::int64_t>;
+    EXPECT_EQ(kept.times(), (Times{1000, 2000, 3000})) << "whichever";
+    kept.place.volume = one;
+    EXPECT_EQ(kept.times(), (Times{1000, 2000}));
+    EXPECT_EQ(kept.history.load(kept.place, 3000).error().number, ENOENT);
+    const auto before = kept.history.load(kept.place, 2000);
+    kept.place.volume = other;
+    EXPECT_EQ(kept.times(), (Times{1000, 3000}));
+    const auto after = kept.history.load(kept.place, 3000);
+    ASSERT_TRUE(before && after);
+    EXPECT_TRUE(ScanDifference::of(*before, *after)->isOfTwoVolumes());
+    EXPECT_FALSE(ScanDifference::of(*after, *after)->isOfTwoVolumes());
     EXPECT_TRUE(kept.history.forget(kept.place.root));
     EXPECT_TRUE(namesIn(kept.tree.at("state/scans")).empty());
 }
@@ -357,13 +544,21 @@ TEST(ScanHistory, losesABadFileAlone) {
     ASSERT_TRUE(kept.tree.write("state/scans/" + names[0], contentOf(folder + "/" + names[1])));
     ASSERT_TRUE(kept.tree.write("state/scans/" + names[2], "orrinvale scan 1\n........"));
     ASSERT_TRUE(kept.tree.write("state/scans/x.scan", "x") &&
-                kept.tree.folder("state/scans/" + names[0].substr(0, 17) + "7.scan"));
+                kept.tree.folder("state/scans/" + names[0].substr(0, 17) + "7.scan") &&
+                kept.tree.write(
+                    "state/scans/" + names[0].substr(0, 17) + "-9223372036854775808.scan", "x"));
     ASSERT_EQ(kept.times(), (std::vector<std::int64_t>{1000, 2000, 3000}));
     for (const std::int64_t time : {1000, 3000})
         EXPECT_EQ(kept.history.load(kept.place, time).error().number, EBADMSG) << time;
     EXPECT_TRUE(kept.history.load(kept.place, 2000));
     EXPECT_EQ(kept.times(), std::vector<std::int64_t>{2000});
     EXPECT_EQ(kept.history.load(kept.place, 4000).error().number, ENOENT);
+    // A right checksum over a tree that ends too early.
+    const auto cut = parseScan(forgedScan('2', std::string_view("\1\1a\2", 4)));
+    ASSERT_TRUE(cut && kept.history.keep(*cut));
+    const ScanHistory::Place place{"/p", false};
+    EXPECT_EQ(kept.history.load(place, cut->facts.time).error().number, EBADMSG);
+    EXPECT_TRUE(kept.history.list(place).empty());
     EXPECT_TRUE(kept.history.clear());
     EXPECT_TRUE(kept.times().empty());
     EXPECT_TRUE(isThere(folder + "/x.scan"));

@@ -241,6 +241,36 @@ TEST_F(Remembered, AForgedFileIsAMissAndIsReplaced) {
     EXPECT_EQ(files.opened, 0);
 }
 
+TEST_F(Remembered, WhatWasForgottenWhileASearchRanStaysForgotten) {
+    makeFiles();
+    (void)search();
+    files.write("a/new", "the same"), files.write("b/new", std::string(100'000, 'n'));
+    files.write("b/newer", std::string(100'000, 'n'));
+    files.now += 61 * second;
+    int asked = 0;
+    HashCacheParts parts;
+    parts.volumeOf = [this](int) -> SysResult<VolumeName> { return *files.volume; };
+    parts.now = [&] {
+        // Between its begin() and its keep().
+        if (++asked == 2) {
+            EXPECT_TRUE(clearHashCache(path));
+        }
+        return files.now;
+    };
+    SearchRequest request;
+    request.roots = {files.tree.path()};
+    request.cache = std::make_shared<HashCache>(path, parts);
+    DuplicateFilesOpt(files).beginSearch(request);
+    EXPECT_GE(asked, 2);
+    EXPECT_FALSE(isThere(path));
+
+    // What a kill left counts, and goes too.
+    ASSERT_TRUE(cacheTree.write("own/file-hashes.new", "unfinished"));
+    EXPECT_EQ(hashCacheSize(path).bytes, 10U);
+    ASSERT_TRUE(clearHashCache(path));
+    EXPECT_TRUE(namesIn(cacheTree.at("own")).empty());
+}
+
 TEST_F(Remembered, WhatWasNotUsedForLongestGoesFirst) {
     mostBytes = hashFileSize(9, stretchBitsFor(9));
     files.reusesNumbers = false;

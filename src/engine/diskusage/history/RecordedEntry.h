@@ -4,7 +4,10 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
+
+#include "platform/lastingVolume.h"
 
 namespace orrinvale {
 
@@ -12,7 +15,8 @@ namespace orrinvale {
 /// nothing. What a difference tells of them is their sum in each folder.
 inline constexpr std::uint64_t recordedFilesFrom = 1'000'000;
 
-/// A folder, or a file of at least recordedFilesFrom. Sizes count as those of FSNode.
+/// A folder, or a file of at least recordedFilesFrom or one that nobody could look at. Sizes count
+/// as those of FSNode.
 struct RecordedEntry {
     const char* name = nullptr;      ///< exact bytes
     RecordedEntry* first = nullptr;  ///< in a folder, in no order
@@ -34,6 +38,7 @@ struct ScanFacts {
     bool allFileSystems = false;
     std::uint64_t filesFrom = recordedFilesFrom;  ///< smaller files are not kept
     std::uint64_t foldersFrom = 0;                ///< likewise
+    std::optional<VolumeName> volume = {};  ///< volumeAtPlace() of the root; nothing: not known
 };
 
 /// A whole scan; it owns its entries.

@@ -11,9 +11,11 @@ namespace orrinvale {
 namespace {
 
 constexpr std::uint8_t partialMarks = FSNode::CutWithin | FSNode::UnreadWithin;
+constexpr std::uint8_t coveredMarks = FSNode::Foreign | FSNode::ForeignWithin;
+constexpr std::uint8_t unseenMarks = FSNode::Unread | FSNode::Foreign;
 
 // Without the sign, so that the least number has one too.
-std::uint64_t weightOf(const ScanChange& change) {
+std::uint64_t netWeightOf(const ScanChange& change) {
     return change.sizeAfter > change.sizeBefore ? change.sizeAfter - change.sizeBefore
                                                 : change.sizeBefore - change.sizeAfter;
 }
@@ -28,12 +30,20 @@ std::int64_t changeOf(std::uint64_t before, std::uint64_t after) {
     return after >= before ? held(after - before) : -held(before - after);
 }
 
+std::int64_t restOfChange(std::int64_t whole, std::int64_t part) {
+    using Limits = std::numeric_limits<std::int64_t>;
+    std::int64_t rest = 0;
+    if (!__builtin_sub_overflow(whole, part, &rest)) return rest;
+    return part < 0 ? Limits::max() : Limits::min();
+}
+
 struct ScanDifference::Merge {
     using Kind = ScanChange::Kind;
 
     /// One of the two scans. `has` false: the folder in hand has no more in it.
     struct Side {
         explicit Side(const StoredScan& scan) : reader(scan) {}
+        [[nodiscard]] bool isUnseen() const { return (reader.marks() & unseenMarks) != 0; }
         ScanReader reader;
         bool has = false, isEnd = false;
     };
@@ -48,8 +58,9 @@ struct ScanDifference::Merge {
             side.has = step == ScanReader::Step::Entry;
             side.isEnd = step == ScanReader::Step::End;
             if (!side.has) return step != ScanReader::Step::Bad;
-            if (side.reader.size() >=
-                (side.reader.isFolder() ? made.m_foldersFrom : made.m_filesFrom))
+            const bool isFolder = side.reader.isFolder();
+            if (side.reader.size() >= (isFolder ? made.m_foldersFrom : made.m_filesFrom) ||
+                (!isFolder && side.isUnseen()))
                 return true;
             if (!side.reader.skip()) return false;
         }
@@ -62,6 +73,7 @@ struct ScanDifference::Merge {
         change.nameAt = static_cast<std::uint32_t>(made.m_names.size());
         change.nameLength = static_cast<std::uint16_t>(reader.name().size());
         made.m_names += reader.name();
+        isFull = isFull || made.m_names.size() > mostNames;
         change.isFolder = reader.isFolder();
         return change;
     }
@@ -70,16 +82,41 @@ struct ScanDifference::Merge {
         (isAfter ? change.sizeAfter : change.sizeBefore) = reader.size();
         (isAfter ? change.onDiskAfter : change.onDiskBefore) = reader.onDisk();
         change.isPartial = change.isPartial || (reader.marks() & partialMarks) != 0;
+        change.isUnseen = change.isUnseen || (reader.marks() & unseenMarks) != 0;
     }
 
-    bool onlyIn(Side& side, bool isAfter) {
-        putSizes(add(isAfter ? Kind::Came : Kind::Went, side.reader), side.reader, isAfter);
+    // A file of which nothing is known tells nothing alone: the other scan may have left it out.
+    bool onlyIn(Side& side, bool isAfter, bool isReplaced = false) {
+        if (side.reader.isFolder() || !side.isUnseen()) {
+            ScanChange& change = add(isAfter ? Kind::Came : Kind::Went, side.reader);
+            putSizes(change, side.reader, isAfter);
+            change.isCovered = (side.reader.marks() & coveredMarks) != 0;
+            change.isReplaced = isReplaced;
+        }
         return side.reader.skip() && advance(side);
     }
 
+    // What one of them could not look into is neither gone nor new, and nobody knows what it is.
+    bool inBothUnseen() {
+        addBoth();
+        ScanChange& change = made.m_all.back();
+        change.isFolder = old.reader.isFolder() || now.reader.isFolder();
+        if (change.sizeBefore == change.sizeAfter && change.onDiskBefore == change.onDiskAfter) {
+            made.m_names.resize(change.nameAt);
+            made.m_all.pop_back();
+        }
+        return old.reader.skip() && now.reader.skip() && advance(old) && advance(now);
+    }
+
+    // A folder keeps its kind when it can not be read.
+    bool isOfTwoKinds() const {
+        const bool isOld = old.reader.isFolder();
+        return isOld != now.reader.isFolder() && !(isOld ? now : old).isUnseen();
+    }
+
     bool inBoth() {
-        if (old.reader.isFolder() != now.reader.isFolder())
-            return onlyIn(old, false) && onlyIn(now, true);
+        if (isOfTwoKinds()) return onlyIn(old, false, true) && onlyIn(now, true, true);
+        if (old.isUnseen() || now.isUnseen()) return inBothUnseen();
         const bool isSame =
             old.reader.size() == now.reader.size() && old.reader.onDisk() == now.reader.onDisk();
         if (!now.reader.isFolder()) {
@@ -95,6 +132,7 @@ struct ScanDifference::Merge {
         ScanChange& change = add(Kind::Changed, now.reader);
         putSizes(change, old.reader, false);
         putSizes(change, now.reader, true);
+        change.isCovered = ((old.reader.marks() ^ now.reader.marks()) & coveredMarks) != 0;
     }
 
     // A folder in which nothing differs leaves, with its name.
@@ -119,14 +157,16 @@ struct ScanDifference::Merge {
         root.onDiskBefore = made.m_before.onDisk;
         root.onDiskAfter = made.m_after.onDisk;
         root.isPartial = ((made.m_before.marks | made.m_after.marks) & partialMarks) != 0;
+        root.isCovered = ((made.m_before.marks ^ made.m_after.marks) & coveredMarks) != 0;
         open.push_back(0);
         if (!advance(old) || !advance(now)) return false;
         while (!open.empty())
             if (!step()) return false;
-        return old.isEnd && now.isEnd && made.m_names.size() < ~std::uint32_t{0};
+        return old.isEnd && now.isEnd;
     }
 
     bool step() {
+        if (isFull) return false;
         if (!old.has && !now.has) return close();
         if (!now.has) return onlyIn(old, false);
         if (!old.has) return onlyIn(now, true);
@@ -137,6 +177,7 @@ struct ScanDifference::Merge {
 
     ScanDifference& made;
     Side old, now;
+    bool isFull = false;              // of names
     std::vector<std::uint32_t> open;  // numbers of the folders on the way
 };
 
@@ -152,8 +193,14 @@ std::optional<ScanDifference> ScanDifference::of(const StoredScan& before,
     return made;
 }
 
-// Each folder's part of the list is as long as it has children.
+// By the largest change within, since what came may be as large as what went. Each folder's part of
+// the list is as long as it has children.
 void ScanDifference::order() {
+    for (std::size_t i = m_all.size(); i-- > 0;) {
+        m_all[i].weight = std::max(m_all[i].weight, netWeightOf(m_all[i]));
+        ScanChange& parent = m_all[m_all[i].parent];
+        parent.weight = std::max(parent.weight, m_all[i].weight);
+    }
     for (std::size_t i = 1; i < m_all.size(); ++i) ++m_all[m_all[i].parent].childCount;
     std::uint32_t next = 0;
     for (ScanChange& each : m_all) {
@@ -169,8 +216,8 @@ void ScanDifference::order() {
     for (const ScanChange& each : m_all) {
         const auto list = std::span(m_order).subspan(each.firstChild, each.childCount);
         std::ranges::sort(list, [this](std::uint32_t a, std::uint32_t b) {
-            const std::uint64_t one = weightOf(m_all[a]);
-            const std::uint64_t other = weightOf(m_all[b]);
+            const std::uint64_t one = m_all[a].weight;
+            const std::uint64_t other = m_all[b].weight;
             return one != other ? one > other : a < b;  // they came by name
         });
     }
@@ -201,16 +248,23 @@ std::string ScanDifference::path(std::uint32_t number) const {
 std::uint32_t ScanDifference::mostly(std::uint32_t number) const {
     const ScanChange& whole = m_all[number];
     const bool grew = whole.sizeAfter > whole.sizeBefore;
-    const std::uint64_t weight = weightOf(whole);
+    const std::uint64_t weight = netWeightOf(whole);
     if (weight == 0) return number;
+    const std::uint64_t least = weight - weight / 4;
+    const auto isReason = [&](std::uint32_t each) {
+        const ScanChange& change = m_all[each];
+        return netWeightOf(change) >= least && (change.sizeAfter > change.sizeBefore) == grew;
+    };
     for (;;) {
-        const auto within = children(m_all[number]);
-        if (within.empty()) return number;
-        const ScanChange& biggest = m_all[within.front()];
-        if (weightOf(biggest) < weight - weight / 4 ||
-            (biggest.sizeAfter > biggest.sizeBefore) != grew)
-            return number;
-        number = within.front();
+        std::optional<std::uint32_t> reason;
+        for (const std::uint32_t each : children(m_all[number])) {
+            if (m_all[each].weight < least) break;
+            if (isReason(each) &&
+                (!reason || netWeightOf(m_all[each]) > netWeightOf(m_all[*reason])))
+                reason = each;
+        }
+        if (!reason) return number;
+        number = *reason;
     }
 }
 

@@ -14,7 +14,9 @@
 namespace orrinvale {
 namespace {
 
-constexpr std::string_view scanMagic = "orrinvale scan 1\n";
+constexpr std::string_view scanMagic = "orrinvale scan 2\n";
+constexpr std::string_view scanMagicBefore = "orrinvale scan 1\n";  // without the root's volume
+static_assert(scanMagic.size() == scanMagicBefore.size());
 constexpr std::size_t checksumBytes = 8;
 constexpr std::size_t mostNameBytes = 4096;  // of one entry; file systems have up to 1,020
 constexpr std::uint64_t scanBlock = 4096;
@@ -93,9 +95,17 @@ void appendFacts(std::string& out, const ScanFacts& facts) {
     appendNumber(out, zigzag(static_cast<std::uint64_t>(facts.time)));
     out += static_cast<char>(facts.marks);
     out += static_cast<char>(facts.allFileSystems ? 1 : 0);
-    for (const std::uint64_t each :
-         {facts.entries, facts.size, facts.onDisk, facts.filesFrom, facts.foldersFrom})
+    const VolumeName volume = facts.volume.value_or(VolumeName{});
+    for (const std::uint64_t each : {facts.entries, facts.size, facts.onDisk, facts.filesFrom,
+                                     facts.foldersFrom, volume.first, volume.second})
         appendNumber(out, each);
+}
+
+// What nobody could look at tells that its size is not known, as long as there is room for small
+// ones.
+bool isKept(const RecordedEntry& entry, const ScanFacts& facts) {
+    if (entry.size >= (entry.isFolder ? facts.foldersFrom : facts.filesFrom)) return true;
+    return !entry.isFolder && entry.marks != 0 && facts.filesFrom == recordedFilesFrom;
 }
 
 void appendEntry(std::string& out, const RecordedEntry& entry, std::string_view before) {
@@ -129,8 +139,7 @@ bool appendEntries(std::string& out, const ScanRecord& record, std::size_t most)
             continue;
         }
         level.next = entry->next;
-        const ScanFacts& facts = record.facts;
-        if (entry->size < (entry->isFolder ? facts.foldersFrom : facts.filesFrom)) continue;
+        if (!isKept(*entry, record.facts)) continue;
         if (entry->name[0] == 0 || std::strlen(entry->name) > mostNameBytes) continue;
         appendEntry(out, *entry, std::exchange(level.before, entry->name));
         if (entry->isFolder) levels.push_back({entry->first, ""});
@@ -176,8 +185,9 @@ std::optional<StoredScan> parseScan(std::string bytes) {
     StoredScan scan;
     scan.bytes = std::move(bytes);
     std::string_view left = scan.bytes;
-    if (!left.starts_with(scanMagic) || left.size() < scanMagic.size() + checksumBytes ||
-        left.size() > mostScanBytes)
+    const bool hasVolume = left.starts_with(scanMagic);
+    if ((!hasVolume && !left.starts_with(scanMagicBefore)) ||
+        left.size() < scanMagic.size() + checksumBytes || left.size() > mostScanBytes)
         return std::nullopt;
     left.remove_prefix(scanMagic.size());
     std::uint64_t sum = 0;
@@ -200,6 +210,10 @@ std::optional<StoredScan> parseScan(std::string bytes) {
     for (std::uint64_t* const each :
          {&facts.entries, &facts.size, &facts.onDisk, &facts.filesFrom, &facts.foldersFrom})
         if (!takeNumber(left, *each)) return std::nullopt;
+    VolumeName volume;
+    if (hasVolume && (!takeNumber(left, volume.first) || !takeNumber(left, volume.second)))
+        return std::nullopt;
+    if (volume != VolumeName{}) facts.volume = volume;
     scan.treeAt = scan.bytes.size() - left.size();
     return scan;
 }
@@ -273,6 +287,15 @@ bool ScanReader::skip() {
         const Step step = next();
         if (step == Step::Bad || step == Step::End) return false;
         if (step == Step::Up && m_levels.size() == depth) return true;
+    }
+}
+
+bool isWholeScan(const StoredScan& scan) {
+    ScanReader reader(scan);
+    for (;;) {
+        const ScanReader::Step step = reader.next();
+        if (step == ScanReader::Step::Bad || step == ScanReader::Step::End)
+            return step == ScanReader::Step::End;
     }
 }
 

@@ -31,8 +31,12 @@ struct StoredScan {
     std::size_t treeAt = 0;  ///< where the entries begin
 };
 
-/// Nothing where the bytes are none, of another version, cut or changed.
+/// Nothing where the bytes are none, of a newer version, cut or changed. Those of the first version
+/// have no volume.
 [[nodiscard]] std::optional<StoredScan> parseScan(std::string bytes);
+
+/// Whether its entries can be read to their end.
+[[nodiscard]] bool isWholeScan(const StoredScan& scan);
 
 /// Goes through the entries of a scan, those of a folder by name, right behind it. Whatever the
 /// bytes are, it takes time and memory in proportion to them. The scan outlives it. One thread at a

@@ -12,17 +12,20 @@
 
 #include "engine/diskusage/history/ScanFile.h"
 #include "platform/error.h"
+#include "platform/lastingVolume.h"
 
 namespace orrinvale {
 
 /// A scan that is kept.
 struct KeptScan {
-    std::int64_t time = 0;    ///< seconds since 1970, of the start of the scan
-    std::uint64_t bytes = 0;  ///< of its file
+    std::int64_t time = 0;     ///< seconds since 1970, of the start of the scan
+    std::uint64_t bytes = 0;   ///< of its file
+    std::uint64_t volume = 0;  ///< a hash of the volume; 0: of a version that noted none
 };
 
 /// A file (0600) for each in a folder of this user alone, so that a bad file costs its own scan and
-/// no other. Their names tell the folder's hash and the time, so that a list reads no file. Any
+/// no other. Their names tell the hashes of the
+/// folder and of its volume and the time, so that a list reads no file. Any
 /// thread; each call reads or writes the disk, and what two processes keep at once are two files.
 class ScanHistory final {
 public:
@@ -34,26 +37,31 @@ public:
     struct Place {
         std::string root;  ///< the path that was scanned; exact bytes
         bool allFileSystems = false;
+        /// What lies there (ScanFacts::volume): scans of another disk at the path are of another
+        /// place, those that noted none of each. Nothing: whichever it was.
+        std::optional<VolumeName> volume = std::nullopt;
     };
 
     /// `stateFolder`: that of this user's program (UserFolders.h).
     explicit ScanHistory(const std::string& stateFolder);
 
-    /// Of this place, the oldest first.
+    /// Of this place, the oldest first; those that the clock will only come to are the last.
     [[nodiscard]] std::vector<KeptScan> list(const Place& place) const;
 
-    /// Keeps the bytes of a scan. Of more than mostOfFolder the one goes that is missed least:
-    /// gaps between those that stay grow with their age, and the oldest and the newest stay. Then
-    /// the oldest of all go until the rest is within mostBytes.
+    /// Keeps the bytes of a scan. Of more than mostOfFolder those of the future go first, then the
+    /// one that is missed least: gaps between those that stay grow with their age, and the oldest
+    /// and the newest stay. Then the oldest of all go until the rest is within mostBytes. Never the
+    /// one that is being kept.
     [[nodiscard]] Result<void> keep(const StoredScan& scan) const;
 
     /// ENOENT: there is none of that time. EBADMSG: its file is damaged, or of another place; it
     /// is taken away.
     [[nodiscard]] Result<StoredScan> load(const Place& place, std::int64_t time) const;
 
-    /// Forgets all of this place, whichever file systems they were of. False when one stayed.
+    /// Forgets all of this place, whichever file systems they were of, with what a killed writer
+    /// left; waits for one that is at work, two seconds at most. False when one stayed.
     [[nodiscard]] bool forget(const std::string& root) const;
-    /// Forgets all of all places.
+    /// Likewise all of all places.
     [[nodiscard]] bool clear() const;
     /// Bytes of all files.
     [[nodiscard]] std::uint64_t size() const;
@@ -61,8 +69,11 @@ public:
 private:
     struct File;
     [[nodiscard]] std::vector<File> files() const;
+    [[nodiscard]] std::vector<File> filesWithUnfinished() const;
+    [[nodiscard]] std::vector<File> filesOf(const Place& place) const;
     [[nodiscard]] std::string pathOf(const File& file) const;
-    void thin(const Place& place) const;
+    [[nodiscard]] bool forgetFile(const File& file) const;
+    void thin(const Place& place, const File& kept) const;
 
     std::string m_folder;
 };
@@ -81,7 +92,7 @@ inline constexpr std::array<SinceWord, 3> sinceWords{
     {{"yesterday", 1}, {"last-week", 7}, {"last-month", 30}}};
 
 /// What a scan has to lie before to be the one that the word means, in the process's time zone; of
-/// "last" the end of time. Nothing for other words.
+/// "last" what is not of the future. Nothing for other words.
 [[nodiscard]] std::optional<std::int64_t> momentOfWord(std::string_view word, std::int64_t now);
 
 /// The word that means this one of them, of several that of the longest time, but "last" of the

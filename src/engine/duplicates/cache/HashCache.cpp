@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <new>
 #include <system_error>
 
@@ -135,15 +136,18 @@ void HashCache::keep(const FileList& list, FreshHashes fresh) {
 
 void HashCache::save(const FileList& list, FreshHashes fresh) {
     const bool isWorth = isWorthWriting(list, fresh);
+    const bool hasRead = m_file.size() != 0;
     m_file = {};
     if (!isWorth) return;
     std::ranges::sort(fresh.tails);
     std::vector<KnownVolume> volumes;
     for (const Volume& each : m_volumes)
         if (each.isKnown) volumes.push_back({each.device, each.name});
-    const auto saved = saveHashes(
-        m_path, list, fresh, volumes,
-        {.now = m_parts.now(), .mostBytes = m_parts.mostBytes, .stampsRecalled = m_aged != 0});
+    const auto saved = saveHashes(m_path, list, fresh, volumes,
+                                  {.now = m_parts.now(),
+                                   .mostBytes = m_parts.mostBytes,
+                                   .stampsRecalled = m_aged != 0,
+                                   .mustStand = hasRead});
     if (!saved)
         Log::line(fmt::format("What was found out of files is not remembered: {}: {}",
                               saved.error().path, saved.error().reason()));
@@ -156,13 +160,24 @@ void HashCache::finish() {
 std::string hashCachePath() { return joinPath(userCacheFolder(), "file-hashes"); }
 
 HashCacheSize hashCacheSize(const std::string& path) {
+    const auto bytesOf = [](const std::string& file) -> std::uint64_t {
+        struct stat status {};
+        const bool isThere = ::lstat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+        return isThere ? static_cast<std::uint64_t>(status.st_size) : 0;
+    };
     const HashFile file = HashFile::open(path, fileClock());
-    if (file.size() != 0) return {file.size(), file.header().count};
-    struct stat status {};
-    const bool isThere = ::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
-    return {isThere ? static_cast<std::uint64_t>(status.st_size) : 0, 0};
+    const std::uint64_t unfinished = bytesOf(path + ".new");
+    if (file.size() != 0) return {file.size() + unfinished, file.header().count};
+    return {bytesOf(path) + unfinished, 0};
 }
 
-Result<void> clearHashCache(const std::string& path) { return DurableFile::remove(path); }
+// In a writer's turn, so that none puts the file back that had begun before. Where no turn is to be
+// had but for another reason, as on a full disk, nobody writes.
+Result<void> clearHashCache(const std::string& path) {
+    const auto turn = DurableFile::begin(path);
+    if (auto removed = DurableFile::remove(path); !removed) return removed;
+    if (!turn && turn.error().number == EWOULDBLOCK) return tl::unexpected(turn.error());
+    return {};
+}
 
 }  // namespace orrinvale

@@ -33,8 +33,12 @@ struct HashCacheParts {
 /// making. In doubt nothing is remembered and nothing recalled: of files that were changed less
 /// than a minute before the search or in its future, whose time of change is in whole seconds,
 /// whose inode number need not last; of file systems without a name that lasts; when the clock was
-/// set back since. Who holds a file mapped for writing may change it without a trace in its times,
-/// and so removals compare what was recalled.
+/// set back since.
+///
+/// Some changes leave no trace in these, and so removals compare what was recalled: those through a
+/// mapping that is held for writing; of a system that crashed after it wrote data in place and
+/// before the journal, or with lazytime the disk, had the new times; of the disk under the file
+/// system.
 class HashCache final {
 public:
     /// Nothing is read or written yet.
@@ -60,7 +64,10 @@ public:
     void expect(const fileAttrbItem& file) const;
 
     /// After the search: begins to write what is worth it, on a thread of its own. The list and its
-    /// files must live until finish(). What can not be written is lost, and told in the log.
+    /// files must live until finish(). What can not be written is lost, and told in the log; so is
+    /// what another program keeps us from by writing for more than two seconds. Nothing is written
+    /// when what begin() read has been forgotten since. On the disk the old file lies beside the
+    /// new one until that is whole.
     void keep(const FileList& list, FreshHashes fresh);
     /// Waits for that; also before the first keep().
     void finish();
@@ -90,14 +97,15 @@ private:
 /// The user's own: where it lies.
 [[nodiscard]] std::string hashCachePath();
 
-/// How much is remembered.
+/// How much is remembered, with the bytes of what is being written or was at a kill.
 struct HashCacheSize {
     std::uint64_t bytes = 0;
     std::uint64_t files = 0;
 };
 [[nodiscard]] HashCacheSize hashCacheSize(const std::string& path);
 
-/// Forgets everything. Success also where there was nothing.
+/// Forgets everything, also what a killed writer left; waits for one that is at work, two seconds
+/// at most. Success also where there was nothing.
 [[nodiscard]] Result<void> clearHashCache(const std::string& path);
 
 }  // namespace orrinvale

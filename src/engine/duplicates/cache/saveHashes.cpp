@@ -232,6 +232,8 @@ Result<void> saveHashes(const std::string& path, const FileList& list, const Fre
     if (auto made = makeOwnFolder(folderOf(path)); !made) return made;
     auto file = DurableFile::begin(path);
     if (!file) return tl::unexpected(file.error());
+    struct stat status {};
+    if (limits.mustStand && ::lstat(path.c_str(), &status) != 0 && errno == ENOENT) return {};
     HashMerge merge(list, fresh, limits);
     merge.begin(HashFile::open(path, limits.now));
     merge.takePlaces(volumes);

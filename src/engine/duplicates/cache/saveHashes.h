@@ -29,6 +29,7 @@ struct HashLimits {
     std::int64_t now = 0;         ///< by fileClock()
     std::uint64_t mostBytes = 0;  ///< what was not used for longest goes first
     bool stampsRecalled = false;  ///< what was recalled counts as used now
+    bool mustStand = false;       ///< nothing is written where no file is any more
 };
 
 /// Replaces the file whole, merged with what others wrote into it meanwhile; nothing of what can
