@@ -6,12 +6,16 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <QHeaderView>
 #include <algorithm>
 
 #include "WindowSteps.h"
 #include "platform/descriptor.h"
+#include "ui/kit/controls/SegmentedControl.h"
 #include "ui/kit/lists/TickBox.h"
 #include "ui/largefiles/FileNodeModel.h"
+#include "ui/largefiles/LargestFilesModel.h"
+#include "ui/largefiles/LargestFilesView.h"
 #include "ui/largefiles/NewOutlineView.h"
 #include "ui/shell/DuplicateMainWindowController.h"
 
@@ -29,6 +33,29 @@ bool makeFolder(const std::string& path, std::size_t entries) {
         if (!file.isOpen() || ::ftruncate(file.get(), size) != 0) return false;
     }
     return true;
+}
+
+// The list of files beside the tree.
+void runFileListSteps(WindowSteps& steps, ListFileViewController& page) {
+    QWidget& window = *page.listView();
+    auto& segments = *window.findChild<SegmentedControl*>();
+    auto& list = *window.findChild<LargestFilesOutline*>();
+    const QAbstractItemModel& model = *list.model();
+    const auto isListed = [&] { return model.rowCount() > 0; };
+    const auto header = [&] { list.headerBox()->click(); };
+    steps.step(
+        "large: list of files", [&] { segments.segment(1)->click(); }, isListed);
+    steps.scroll("large: scroll the list", list);
+    steps.step("large: scroll the list to its end", [&] { list.scrollToBottom(); });
+    steps.step("large: list by name",
+               [&] { Q_EMIT list.header()->sectionClicked(LargestFilesModel::Name); });
+    steps.step("large: tick a file", [&] {
+        WindowSteps::click(*list.viewport(),
+                           list.visualRect(model.index(0, LargestFilesModel::CheckBox)).center());
+    });
+    steps.step("large: tick the whole list", header);
+    steps.step("large: clear the whole list", header);
+    segments.segment(0)->click();
 }
 
 }  // namespace
@@ -77,6 +104,7 @@ void runLargePageSteps(WindowSteps& steps, DuplicateMainWindowController& window
         WindowSteps::click(*outline.viewport(), outline.visualRect(box).center());
     });
     steps.step("large: close half of it", [&] { outline.collapse(model.index(0, 0)); });
+    runFileListSteps(steps, page);
     steps.step("large: back", [&] { page.backButtonAction(); });
 }
 

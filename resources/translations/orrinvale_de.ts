@@ -802,6 +802,18 @@
         <source>Drop the folder to look into it</source>
         <translation>Ordner loslassen, um hineinzusehen</translation>
     </message>
+    <message>
+        <source>Folders</source>
+        <translation>Ordner</translation>
+    </message>
+    <message>
+        <source>Largest Files</source>
+        <translation>Größte Dateien</translation>
+    </message>
+    <message>
+        <source>What the list shows</source>
+        <translation>Was die Liste zeigt</translation>
+    </message>
 </context>
 <context>
     <name>LogWords</name>
@@ -3495,6 +3507,156 @@ Freie Software unter der Apache License 2.0.</translation>
     </message>
 </context>
 <context>
+    <name>orrinvale::LargestFilesDesk</name>
+    <message>
+        <source>Any age</source>
+        <translation>Jedes Alter</translation>
+    </message>
+    <message>
+        <source>Not changed for a month</source>
+        <translation>Seit einem Monat nicht geändert</translation>
+    </message>
+    <message>
+        <source>Not changed for half a year</source>
+        <translation>Seit einem halben Jahr nicht geändert</translation>
+    </message>
+    <message>
+        <source>Not changed for a year</source>
+        <translation>Seit einem Jahr nicht geändert</translation>
+    </message>
+    <message>
+        <source>Not opened for a month</source>
+        <translation>Seit einem Monat nicht geöffnet</translation>
+    </message>
+    <message>
+        <source>Not opened for half a year</source>
+        <translation>Seit einem halben Jahr nicht geöffnet</translation>
+    </message>
+    <message>
+        <source>Not opened for a year</source>
+        <translation>Seit einem Jahr nicht geöffnet</translation>
+    </message>
+    <message>
+        <source>The files are listed once everything has been read</source>
+        <translation>Die Dateien werden aufgelistet, sobald alles gelesen ist</translation>
+    </message>
+    <message>
+        <source>%1 left out: it is not noted there when a file is opened</source>
+        <translation>%1 ausgelassen: Dort wird nicht vermerkt, wann eine Datei geöffnet wird</translation>
+    </message>
+    <message>
+        <source>No such files</source>
+        <translation>Keine solchen Dateien</translation>
+    </message>
+    <message>
+        <source>All kinds</source>
+        <translation>Alle Arten</translation>
+    </message>
+    <message>
+        <source>It is not noted here when files are opened</source>
+        <translation>Hier wird nicht vermerkt, wann Dateien geöffnet werden</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::LargestFilesModel</name>
+    <message>
+        <source>in the future</source>
+        <translation>in der Zukunft</translation>
+    </message>
+    <message>
+        <source>today</source>
+        <translation>heute</translation>
+    </message>
+    <message>
+        <source>It is not noted here when a file is opened</source>
+        <translation>Hier wird nicht vermerkt, wann eine Datei geöffnet wird</translation>
+    </message>
+    <message>
+        <source>Last read or written: %1</source>
+        <translation>Zuletzt gelesen oder geschrieben: %1</translation>
+    </message>
+    <message>
+        <source>Ticked</source>
+        <translation>Ausgewählt</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Kind</source>
+        <translation>Art</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>Ordner</translation>
+    </message>
+    <message>
+        <source>Show in Folder</source>
+        <translation>Im Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>Preview</source>
+        <translation>Vorschau</translation>
+    </message>
+    <message>
+        <source>1 day</source>
+        <translation>1 Tag</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln days</source>
+        <translation>
+            <numerusform>%Ln Tag</numerusform>
+            <numerusform>%Ln Tage</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln months</source>
+        <translation>
+            <numerusform>%Ln Monat</numerusform>
+            <numerusform>%Ln Monate</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln years</source>
+        <translation>
+            <numerusform>%Ln Jahr</numerusform>
+            <numerusform>%Ln Jahre</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Last written: %1</source>
+        <translation>Zuletzt geschrieben: %1</translation>
+    </message>
+    <message>
+        <source>Age</source>
+        <translation>Alter</translation>
+    </message>
+    <message>
+        <source>Unopened</source>
+        <translation>Ungeöffnet</translation>
+    </message>
+    <message>
+        <source>%1, age: %2</source>
+        <translation>%1, Alter: %2</translation>
+    </message>
+</context>
+<context>
+    <name>orrinvale::LargestFilesOutline</name>
+    <message>
+        <source>Largest files of all folders</source>
+        <translation>Größte Dateien aller Ordner</translation>
+    </message>
+    <message>
+        <source>Select all files of this list</source>
+        <translation>Alle Dateien dieser Liste auswählen</translation>
+    </message>
+</context>
+<context>
     <name>orrinvale::ListFileViewController</name>
     <message>
         <source>1 could not be removed; a new scan will show it again</source>
@@ -3567,6 +3729,26 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>The list is empty. A new scan shows what stayed in this folder.</source>
         <translation>Die Liste ist leer. Was in diesem Ordner geblieben ist, zeigt ein neuer Durchgang.</translation>
+    </message>
+    <message>
+        <source>Ticked: %1</source>
+        <translation>Ausgewählt: %1</translation>
+    </message>
+    <message>
+        <source>1 file, %1</source>
+        <translation>1 Datei, %1</translation>
+    </message>
+    <message>
+        <source>%1 files, %2</source>
+        <translation>%1 Dateien, %2</translation>
+    </message>
+    <message>
+        <source>%1, ticked: %2</source>
+        <translation>%1, ausgewählt: %2</translation>
+    </message>
+    <message>
+        <source>%1, ticked: %2, of it not in this list: %3</source>
+        <translation>%1, ausgewählt: %2, davon nicht in dieser Liste: %3</translation>
     </message>
 </context>
 <context>

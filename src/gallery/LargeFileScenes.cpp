@@ -14,8 +14,10 @@
 #include "gallery/SampleFolder.h"
 #include "gallery/drawing.h"
 #include "ui/kit/chrome/TCImageWindow.h"
+#include "ui/kit/controls/SegmentedControl.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/dialogs/Sheet.h"
+#include "ui/kit/lists/TickBox.h"
 #include "ui/largefiles/FileNodeModel.h"
 #include "ui/preview/PreviewPicture.h"
 #include "ui/shell/DuplicateMainWindowController.h"
@@ -93,7 +95,7 @@ bool LargeFileScenes::drawResult() {
     QApplication::processEvents();
     for (const char* const name : {"Downloads", "Videos", "IMG_2107.jpg"}) tick(name);
     outline().setCurrentIndex(rowNamed("IMG_2107.jpg").siblingAtColumn(FileNodeModel::Name));
-    return save("detail");
+    return save("detail") && drawList();
 }
 
 bool LargeFileScenes::drawPane() {
@@ -131,6 +133,22 @@ bool LargeFileScenes::drawRemoval() {
     m_files.release();
     return isSaved && waitFor("the removal to end", [&] { return window() == nullptr; }) &&
            save("after-removal");
+}
+
+bool LargeFileScenes::drawList() {
+    auto* const views = m_window->findChild<SegmentedControl*>(QStringLiteral("viewSwitch"));
+    const auto* const list = m_window->findChild<QTreeView*>(QStringLiteral("filesList"));
+    views->segment(1)->click();
+    const bool isSaved =
+        waitFor("the list of files", [list] { return list->model()->rowCount() > 0; }) &&
+        waitFor("the ticked files to be counted",
+                [this] {
+                    return m_window->findChild<TickBox*>(QStringLiteral("selectListedButton"))
+                               ->state() == TickState::Some;
+                }) &&
+        save("list");
+    views->segment(0)->click();
+    return isSaved;
 }
 
 }  // namespace orrinvale

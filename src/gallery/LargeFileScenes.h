@@ -27,6 +27,7 @@ private:
     bool drawResult();
     bool drawPane();
     bool drawRemoval();
+    bool drawList();
 
     bool waitForEnd() const;
     [[nodiscard]] QTreeView& outline() const;

@@ -78,7 +78,7 @@ void ListFileViewController::removalEnded(const LargeFileRemoval& removal) {
                               : tr("%1 could not be removed; a new scan will show them again")
                                     .arg(QLocale().toString(qulonglong(removal.failed))));
     refreshList();
-    m_views->outlineView->setFocus();
+    shownOutline().setFocus();
 }
 
 void ListFileViewController::showRemoved() {

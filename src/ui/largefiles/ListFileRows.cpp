@@ -3,10 +3,12 @@
 #include <QPointer>
 
 #include "ui/kit/chrome/TextImageButton.h"
+#include "ui/kit/controls/SegmentedControl.h"
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/dialogs/failureWords.h"
 #include "ui/kit/lists/TickBox.h"
 #include "ui/largefiles/FileNodeModel.h"
+#include "ui/largefiles/LargestFilesDesk.h"
 #include "ui/largefiles/ListFileViewController.h"
 #include "ui/largefiles/ListFileViews.h"
 #include "ui/largefiles/NewOutlineView.h"
@@ -14,6 +16,43 @@
 #include "ui/preview/PreviewPane.h"
 
 namespace orrinvale {
+namespace {
+
+// Of a row of the tree or of the list; null for an index of no row.
+FileNode* shownNode(const QModelIndex& index) {
+    const auto* const model = dynamic_cast<const LevelModel<FileNode>*>(index.model());
+    return model != nullptr ? model->node(index) : nullptr;
+}
+
+// No folder above speaks for it.
+bool standsByItself(const FileNode& node) {
+    for (const FileNode* folder = node.father(); folder != nullptr; folder = folder->father())
+        if (folder->state() != FileNode::Mixed) return false;
+    return true;
+}
+
+}  // namespace
+
+// The list of files: its rows are treated as those of the tree.
+void ListFileViewController::connectList(TickOutline& list) {
+    using Self = ListFileViewController;
+    connect(&list, &QAbstractItemView::clicked, this, &Self::cellClicked);
+    connect(&list, &TickOutline::menuWanted, this, &Self::showRowMenu);
+    connect(&list, &TickOutline::previewWanted, this,
+            [this, &list] { preview(list.currentIndex()); });
+    connect(m_views->viewSwitch, &SegmentedControl::chosen, this, [this, &list] {
+        // The keyboard goes along from list to list, and stays where it steers the switch.
+        const bool isInList = m_views->outlineView->hasFocus() || list.hasFocus();
+        m_files->setShown(isListShown());
+        showFitting();
+        showTicked();
+        if (isInList) shownOutline().setFocus();
+    });
+    connect(m_files.get(), &LargestFilesDesk::boxClicked, this,
+            [this](FileNode* node) { fileBoxClicked(*node); });
+    connect(m_files.get(), &LargestFilesDesk::headerClicked, this, &Self::selectListed);
+    connect(m_files.get(), &LargestFilesDesk::changed, this, &Self::showTicked);
+}
 
 void ListFileViewController::setAllSelectOrNoSelect() {
     // The click has changed the box already, and the scan does not let it.
@@ -48,6 +87,20 @@ void ListFileViewController::boxClicked(FileNode& node) {
     controller.changeFatherNodeSelectState(node, state);
 }
 
+void ListFileViewController::fileBoxClicked(FileNode& node) {
+    if (!isFree()) return;
+    const auto state =
+        standingState(node) == FileNode::Selected ? FileNode::NotSelected : FileNode::Selected;
+    Controller::getController().changeSelectOfFile(node, state);
+}
+
+void ListFileViewController::selectListed(bool isTicking) {
+    if (isFree() && m_files->list() != nullptr)
+        Controller::getController().changeSelectOfFiles(
+            *m_files->list(), isTicking ? FileNode::Selected : FileNode::NotSelected);
+    else reloadTreeList();
+}
+
 void ListFileViewController::outlineViewItemDidExpand(const QModelIndex& index) {
     m_views->outlineView->clearRowNum();
     FileNode* const node = m_model->node(index);
@@ -66,15 +119,19 @@ void ListFileViewController::outlineViewItemDidCollapse(const QModelIndex& index
 }
 
 void ListFileViewController::cellClicked(const QModelIndex& index) {
-    const FileNode* const node = m_model->node(index);
+    const FileNode* const node = shownNode(index);
     if (node == nullptr) return;
-    if (index.column() == FileNodeModel::OpenFinder)
+    const bool isOfTree = index.model() == m_model.get();
+    if (index.column() ==
+        (isOfTree ? int(FileNodeModel::OpenFinder) : int(LargestFilesModel::OpenFinder)))
         Controller::getController().openFileWithFileNode(*node);
-    if (index.column() == FileNodeModel::Pareview) preview(index);
+    if (index.column() ==
+        (isOfTree ? int(FileNodeModel::Pareview) : int(LargestFilesModel::Pareview)))
+        preview(index);
 }
 
 void ListFileViewController::preview(const QModelIndex& index) {
-    const FileNode* const node = m_model->node(index);
+    const FileNode* const node = shownNode(index);
     if (node != nullptr && !node->isDirectory() && m_detagate != nullptr)
         m_detagate->pereviewFileWithFileNodePath(node->path());
 }
@@ -91,17 +148,17 @@ void ListFileViewController::showPreview() {
 }
 
 std::string ListFileViewController::previewBeside(int step) {
-    QTreeView& outline = *m_views->outlineView;
+    TickOutline& outline = shownOutline();
     QModelIndex row = outline.currentIndex();
     do row = step < 0 ? outline.indexAbove(row) : outline.indexBelow(row);
-    while (row.isValid() && m_model->node(row)->isDirectory());
+    while (row.isValid() && shownNode(row)->isDirectory());
     if (!row.isValid()) return {};
     outline.setCurrentIndex(row);
-    return m_model->node(row)->path();
+    return shownNode(row)->path();
 }
 
 void ListFileViewController::showRowMenu(const QModelIndex& index, QPoint position) {
-    FileNode* const node = m_model->node(index);
+    FileNode* const node = shownNode(index);
     if (node == nullptr) return;
     // The tree lives as long as the menu, so that its node does; another scan may have begun
     // meanwhile.
@@ -145,7 +202,7 @@ void ListFileViewController::tellWhyNotInTrash(const std::string& path, const st
 void ListFileViewController::takeOut(FileNode& node) {
     Controller& controller = Controller::getController();
     FileNode* const father = node.father();
-    if (father != nullptr && father->state() == FileNode::Mixed) {
+    if (father != nullptr && standsByItself(node)) {
         node.setState(FileNode::NotSelected);
         controller.changeFatherNodeSelectState(node, FileNode::NotSelected);
     }

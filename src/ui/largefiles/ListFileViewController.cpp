@@ -5,10 +5,12 @@
 #include <QLabel>
 #include <QLocale>
 #include <QStackedWidget>
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
 #include "engine/base/Log.h"
+#include "engine/largefiles/PublicUtilities.h"
 #include "platform/files.h"
 #include "ui/kit/chrome/AnimationHoverImageView.h"
 #include "ui/kit/chrome/HoverButton.h"
@@ -16,11 +18,14 @@
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/controls/QnProgressView.h"
+#include "ui/kit/controls/SegmentedControl.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/pathText.h"
 #include "ui/kit/dialogs/LineList.h"
 #include "ui/kit/lists/TickBox.h"
 #include "ui/largefiles/FileNodeModel.h"
+#include "ui/largefiles/LargestFilesDesk.h"
+#include "ui/largefiles/LargestFilesView.h"
 #include "ui/largefiles/ListFileViews.h"
 #include "ui/largefiles/NewOutlineView.h"
 #include "ui/preview/PreviewHost.h"
@@ -43,6 +48,7 @@ ListFileViewController::ListFileViewController(PageServices services, QObject* p
       m_views(std::make_unique<ListFileViews>()),
       m_model(std::make_unique<FileNodeModel>(m_parts.icons,
                                               [this](FileNode& node) { boxClicked(node); })),
+      m_files(std::make_unique<LargestFilesDesk>(*m_views->filesView, m_parts.icons)),
       m_entrance(m_parts, *this,
                  {.isFree = [this] { return !isBusy(); },
                   .wouldForget =
@@ -64,6 +70,7 @@ ListFileViewController::ListFileViewController(PageServices services, QObject* p
         area->setDelegate(this);
     Controller::getController().setADelegate(this);
     connectControls();
+    connectList(*m_views->filesView->filesList);
     m_sortTimer.setInterval(refreshTime);
     connect(&m_sortTimer, &QTimer::timeout, this, &ListFileViewController::refreshList);
     m_reloadTimer.setSingleShot(true);
@@ -79,6 +86,7 @@ ListFileViewController::~ListFileViewController() {
     if (controller.aDelegate() == this) controller.setADelegate(nullptr);
     if (isScan()) controller.stopScan();
     m_model->setTree(nullptr);
+    m_files.reset();
     delete m_progress;
     if (m_views->aLoadView != nullptr) m_views->dragView->setDelegate(nullptr);
     if (m_views->resultView != nullptr) m_views->resultDragView->setDelegate(nullptr);
@@ -147,6 +155,7 @@ void ListFileViewController::getRootNodeListWithPath(const std::string& path) {
     m_removal = {};
     m_views->titleLabel->setText(QString::fromStdString(path));
     m_views->showProgress();
+    m_files->setTree(nullptr);
     m_model->setTree(m_rootNodeArr);
     showPreview();
     Controller::getController().eumeAllRootFileNodeWithRootArr(m_rootNodeArr, path);
@@ -160,12 +169,14 @@ void ListFileViewController::showDetailPage() {
         if (isScan() && tree.lock() == m_rootNodeArr) refreshList();
     });
     changeSelectAllButtonState(0);
-    m_views->content->setCurrentWidget(m_views->outlineView);
+    showFitting();
     if (m_detagate != nullptr) m_detagate->showDetailPage();
-    m_views->outlineView->setFocus();
+    shownOutline().setFocus();
 }
 
 void ListFileViewController::refreshList() {
+    m_files->refresh();
+    showTicked();
     m_model->refresh();
     showFitting();
     showPreview();
@@ -191,6 +202,7 @@ void ListFileViewController::endScan() {
     m_sortTimer.stop();
     m_endTimer.stop();
     m_views->removeProgress();
+    m_files->setTree(m_rootNodeArr);
     showFitting();
     showQuietLine();
 }
@@ -209,7 +221,7 @@ void ListFileViewController::stopScanButtonAction() {
     Controller::getController().stopScan();
     endScan();
     m_model->refresh();
-    m_views->outlineView->setFocus();
+    shownOutline().setFocus();
 }
 
 void ListFileViewController::backButtonAction() {
@@ -220,6 +232,7 @@ void ListFileViewController::backButtonAction() {
     m_sortTimer.stop();
     m_endTimer.stop();
     m_rootNodeArr.reset();
+    m_files->setTree(nullptr);
     m_model->setTree(nullptr);
     showPreview();
     Controller::getController().closeTree();
@@ -247,10 +260,49 @@ void ListFileViewController::showFitting() {
     const EumeRoot* const scan = Controller::getController().eumeRoot();
     const bool isEmpty = m_rootNodeArr && m_rootNodeArr->root().childCount() == 0 &&
                          scan != nullptr && scan->isEnded();
-    QWidget* const shown = isEmpty ? views.emptyView : static_cast<QWidget*>(views.outlineView);
+    QWidget* const list =
+        isListShown() ? views.filesView : static_cast<QWidget*>(views.outlineView);
+    QWidget* const shown = isEmpty ? views.emptyView : list;
     if (isEmpty) views.emptyLabel->setText(emptyText());
     if (views.content->currentWidget() == shown) return;
     views.content->setCurrentWidget(shown);
+}
+
+bool ListFileViewController::isListShown() const {
+    return m_views->viewSwitch->selectedSegment() == 1;
+}
+
+TickOutline& ListFileViewController::shownOutline() const {
+    if (isListShown()) return *m_views->filesView->filesList;
+    return *m_views->outlineView;
+}
+
+void ListFileViewController::showTicked() {
+    ResultFrame::showLine(*m_views->tickedLabel, isRemoving() ? QString() : tickedText());
+}
+
+// What Delete would take; in the list of files also how much there is of them, and how much of what
+// is ticked is not among them.
+QString ListFileViewController::tickedText() const {
+    if (!m_rootNodeArr) return {};
+    const auto sizeOf = [](std::uint64_t bytes) {
+        return shownSize(PublicUtilities::byteToSizeWithByte(bytes));
+    };
+    const std::uint64_t ticked = Controller::getController().ticked().bytes;
+    const bool isAny = m_selectAllButSt != 0;
+    if (!isListShown()) return isAny ? tr("Ticked: %1").arg(sizeOf(ticked)) : QString();
+    const LargestFiles* const list = m_files->list();
+    if (list == nullptr) return {};
+    const QString size = sizeOf(list->bytes());
+    const QString all =
+        list->count() == 1
+            ? tr("1 file, %1").arg(size)
+            : tr("%1 files, %2").arg(QLocale().toString(qulonglong(list->count())), size);
+    if (!isAny) return all;
+    const std::uint64_t elsewhere = ticked - std::min(ticked, m_files->tickedBytes());
+    if (elsewhere == 0) return tr("%1, ticked: %2").arg(all, sizeOf(ticked));
+    return tr("%1, ticked: %2, of it not in this list: %3")
+        .arg(all, sizeOf(ticked), sizeOf(elsewhere));
 }
 
 void ListFileViewController::showQuietLine() {

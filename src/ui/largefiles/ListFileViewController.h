@@ -25,7 +25,9 @@
 namespace orrinvale {
 
 class FileNodeModel;
+class LargestFilesDesk;
 class ListFileViews;
+class TickOutline;
 
 /// What the page asks of the window that it stands in.
 class ListFileViewControllerDelagate : public PageDelegate {
@@ -115,6 +117,13 @@ private:
     void changeSelectAllButtonState(std::int32_t state) override;
     void changeDeleteButtonState();
     void boxClicked(FileNode& node);
+    void fileBoxClicked(FileNode& node);
+    void selectListed(bool isTicking);
+    void connectList(TickOutline& list);
+    [[nodiscard]] bool isListShown() const;
+    [[nodiscard]] TickOutline& shownOutline() const;
+    void showTicked();
+    [[nodiscard]] QString tickedText() const;
     void outlineViewItemDidExpand(const QModelIndex& index);
     void outlineViewItemDidCollapse(const QModelIndex& index);
     void cellClicked(const QModelIndex& index);
@@ -137,6 +146,7 @@ private:
     const PageServices m_parts;
     std::unique_ptr<ListFileViews> m_views;
     std::unique_ptr<FileNodeModel> m_model;
+    std::unique_ptr<LargestFilesDesk> m_files;  // the list beside the tree
     ListFileViewControllerDelagate* m_detagate = nullptr;
     QPointer<QWidget> m_mainWindow;
     FolderEntrance m_entrance;

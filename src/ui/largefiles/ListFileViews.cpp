@@ -16,9 +16,11 @@
 #include "ui/kit/controls/Panel.h"
 #include "ui/kit/controls/PictureView.h"
 #include "ui/kit/controls/QnProgressView.h"
+#include "ui/kit/controls/SegmentedControl.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/viewParts.h"
 #include "ui/kit/look/Theme.h"
+#include "ui/largefiles/LargestFilesView.h"
 #include "ui/largefiles/NewOutlineView.h"
 #include "ui/preview/PreviewHost.h"
 #include "ui/preview/PreviewPane.h"
@@ -35,6 +37,7 @@ ListFileViews::ListFileViews()
                    .bottomSpacing = Theme::gap}),
       listView(resultView) {
     makeStartPage();
+    makeSwitch();
     fillContent();
     fillBottom();
     putTogether();
@@ -63,6 +66,12 @@ void ListFileViews::makeStartPage() {
     selectFileButton = start.button;
 }
 
+void ListFileViews::makeSwitch() {
+    viewSwitch = named(new SegmentedControl({tr("Folders"), tr("Largest Files")}), "viewSwitch",
+                       tr("What the list shows"));
+    head->addWidget(viewSwitch);
+}
+
 void ListFileViews::fillContent() {
     previewBtn = makePreviewButton();
     head->addWidget(previewBtn);
@@ -71,12 +80,16 @@ void ListFileViews::fillContent() {
     const EmptyView empty = makeEmptyView(QStringLiteral("empty_folder"), false);
     emptyView = empty.view;
     emptyLabel = empty.label;
+    filesView = new LargestFilesView;
     content->addWidget(outlineView);
+    content->addWidget(filesView);
     content->addWidget(emptyView);
 }
 
 void ListFileViews::fillBottom() {
     bottom->setStretch(bottom->count() - 1, 1);  // as much as the note about one folder
+    tickedLabel = makeLabel("tickedLabel", Theme::Text::Body, QPalette::PlaceholderText);
+    tickedLabel->hide();
     progressLabel = makeLabel("progressLabel", Theme::Text::Body, QPalette::PlaceholderText);
     progressLabel->setAlignment(Qt::AlignTrailing | Qt::AlignVCenter);
     // As wide as it ever gets, so that the bar beside it keeps its width.
@@ -88,6 +101,7 @@ void ListFileViews::fillBottom() {
         named(new TextImageButton(tr("Delete"), TextImageButton::Role::Danger), "deleteButton");
     deleteButton->setToolTip(tr("Delete what is selected, for good"));
     deleteButton->setEnabled(false);
+    bottom->addWidget(tickedLabel);
     bottom->addWidget(progressLabel);
     bottom->addWidget(stopScanButton);
     bottom->addWidget(deleteButton);

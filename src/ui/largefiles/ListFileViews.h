@@ -16,10 +16,12 @@ class AnimationHoverImageView;
 class DragView;
 class ElidedLabel;
 class HoverButton;
+class LargestFilesView;
 class NewOutlineView;
 class PreviewHost;
 class PreviewPane;
 class QnProgressView;
+class SegmentedControl;
 class TCImageButton;
 class TextImageButton;
 class TickBox;
@@ -51,6 +53,9 @@ public:
     PreviewPane* previewPane = nullptr;
     PreviewHost* previewHost = nullptr;
     TickBox* selectAllButton = nullptr;
+    SegmentedControl* viewSwitch = nullptr;  ///< 0 the tree, 1 the list of files
+    LargestFilesView* filesView = nullptr;
+    QLabel* tickedLabel = nullptr;  ///< how much is ticked, of how much
     QWidget* emptyView = nullptr;
     QLabel* emptyLabel = nullptr;
     QnProgressView* progressView = nullptr;  ///< null unless a scan runs
@@ -60,6 +65,7 @@ public:
 
 private:
     void makeStartPage();
+    void makeSwitch();
     void fillContent();
     void fillBottom();
 };

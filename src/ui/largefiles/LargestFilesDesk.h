@@ -1,0 +1,76 @@
+// LargestFilesDesk: fills the list of largest files and follows its filters and titles. The page
+// says which tree, when it changed, and what a tick comes to.
+#pragma once
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QTimer>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "ui/largefiles/LargestFilesModel.h"
+
+class QAction;
+class QMenu;
+
+namespace orrinvale {
+
+class LargestFilesView;
+
+/// Gathers the files of a tree in turns of some milliseconds, when somebody looks at the list, and
+/// anew when the tree has changed. Main thread only.
+class LargestFilesDesk final : public QObject {
+    Q_OBJECT
+public:
+    LargestFilesDesk(LargestFilesView& view, LargestFilesModel::IconSource icons,
+                     QObject* parent = nullptr);
+
+    /// A tree that is scanned to its end, whose disks are asked aside whether they note openings;
+    /// null while there is none.
+    void setTree(std::shared_ptr<FileNodeTree> tree);
+    void setShown(bool isShown);
+    /// The tree or its ticks have changed.
+    void refresh();
+
+    /// What stands in the view; null before.
+    [[nodiscard]] const LargestFiles* list() const { return m_list.get(); }
+    /// Bytes of what is ticked in it, as far as it is counted.
+    [[nodiscard]] std::uint64_t tickedBytes() const { return m_tickedBytes; }
+
+Q_SIGNALS:
+    void boxClicked(orrinvale::FileNode* node);
+    void headerClicked(bool isTicking);
+    void changed();  ///< what is listed, or how much of it is ticked
+
+private:
+    void takeTurn();
+    void start(bool isAnew);
+    void showList();
+    bool countTicked(const QElapsedTimer& clock);
+    void showHeaderBox();
+    void showNote();
+    void sortBy(int column);
+    void showKindMenu();
+    void showAgeMenu();
+    QMenu* makeMenu(const char* name);
+    void showFilters();
+    void choose(FileWish wish);
+
+    LargestFilesView& m_view;
+    LargestFilesModel m_model;
+    std::shared_ptr<FileNodeTree> m_tree;
+    std::shared_ptr<LargestFiles> m_list;
+    std::unique_ptr<LargestFiles> m_building;  // until it is complete
+    FileWish m_wish;
+    int m_age = 0;  // which entry of the menu of ages holds
+    int m_sortColumn = LargestFilesModel::Size;
+    bool m_isShown = false;
+    bool m_isAnew = true;  // what is built is another list than the one that is seen
+    std::size_t m_counted = 0, m_ordered = 0;
+    std::uint64_t m_ticked = 0, m_tickedBytes = 0;
+    std::uint64_t m_countedTicked = 0, m_countedBytes = 0;  // so far
+    QTimer m_timer;
+};
+
+}  // namespace orrinvale

@@ -1,0 +1,184 @@
+// The list of largest files beside the tree, in the real window over real folders: its order, its
+// filters, and that a tick in one is a tick in the other.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <QHeaderView>
+#include <QMenu>
+#include <QTest>
+
+#include "ui/kit/controls/SegmentedControl.h"
+#include "ui/kit/lists/RowDelegate.h"
+#include "ui/largefiles/FileNodeModel.h"
+#include "ui/largefiles/LargestFilesModel.h"
+#include "ui/support/LargePage.h"
+
+namespace orrinvale {
+namespace {
+
+using testing::LargePage;
+
+class LargestList : public ::testing::Test {
+protected:
+    LargestList() {
+        EXPECT_TRUE(on.tree.sparse("f/movie.mkv", 5'000'000) &&
+                    on.tree.sparse("f/photos/new/lake.png", 900'000) &&
+                    on.tree.sparse("f/photos/old.png", 600'000) &&
+                    on.tree.sparse("f/Viewer.app/viewer", 700'000) &&
+                    on.tree.write("f/notes.txt", std::string(1'500, 'n')));
+        const timespec times[]{{.tv_sec = 1'400'000'000, .tv_nsec = 0},
+                               {.tv_sec = 1'400'000'000, .tv_nsec = 0}};
+        EXPECT_EQ(::utimensat(AT_FDCWD, on.tree.at("f/photos/old.png").c_str(), times, 0), 0);
+        EXPECT_TRUE(on.scan(on.tree.at("f")));
+    }
+    QTreeView& files() { return on.control<QTreeView>("filesList"); }
+    void show(int segment) {
+        on.control<SegmentedControl>("viewSwitch").segment(segment)->click();
+        if (segment == 1) EXPECT_TRUE(comes(5));
+    }
+    bool comes(int rows) {
+        return on.waitFor([=, this] { return files().model()->rowCount() == rows; });
+    }
+    QModelIndex file(const std::string& name) {
+        for (int row = 0; row < files().model()->rowCount(); ++row)
+            if (const QModelIndex cell = files().model()->index(row, LargestFilesModel::Name);
+                cell.data().toString().toStdString() == name)
+                return cell;
+        ADD_FAILURE() << "no row " << name;
+        return {};
+    }
+    void tick(const std::string& name) {
+        QStyleOptionViewItem option;
+        option.rect = files().visualRect(file(name).siblingAtColumn(LargestFilesModel::CheckBox));
+        QTest::mouseClick(files().viewport(), Qt::LeftButton, {},
+                          RowDelegate::boxRect(option).center());
+    }
+    // "x movie.mkv" for each row, joined.
+    std::string list() {
+        std::string text;
+        for (int row = 0; row < files().model()->rowCount(); ++row) {
+            const auto cell = [&](int column, int role) {
+                return files().model()->index(row, column).data(role);
+            };
+            const auto state = cell(LargestFilesModel::CheckBox, FileNodeModel::StateRole).toInt();
+            text += std::string(1, ".x-"[state]) + ' ' +
+                    cell(LargestFilesModel::Name, Qt::DisplayRole).toString().toStdString() + ' ';
+        }
+        return text;
+    }
+    std::string cell(const std::string& name, int column) {
+        return file(name).siblingAtColumn(column).data().toString().toStdString();
+    }
+    bool pick(const char* button, const char* menu, const char* entry) {
+        on.click(button);
+        auto& shown = on.control<QMenu>(menu);
+        bool isThere = false;
+        for (QAction* const action : shown.actions())
+            if (action->text() == QLatin1String(entry) && action->isEnabled()) {
+                action->trigger();
+                isThere = true;
+            }
+        shown.close();
+        return isThere;
+    }
+    bool says(const std::string& ticked) {
+        return on.waitFor([&] { return on.textOf("tickedLabel") == ticked; });
+    }
+
+    LargePage on;
+};
+
+TEST_F(LargestList, ShowsTheFilesOfAllFoldersByWhatAPersonWishes) {
+    show(1);
+    EXPECT_EQ(list(), ". movie.mkv . lake.png . Viewer.app . old.png . notes.txt ");
+    EXPECT_TRUE(says("5 files, 7.20 MB"));
+    EXPECT_EQ(cell("old.png", LargestFilesModel::Kind), "Pictures");
+    EXPECT_EQ(cell("old.png", LargestFilesModel::Folder), on.tree.at("f/photos"));
+    EXPECT_TRUE(cell("old.png", LargestFilesModel::Changed).ends_with(" years"));
+    EXPECT_EQ(cell("movie.mkv", LargestFilesModel::Changed), "today");
+    const QModelIndex lake = file("lake.png").siblingAtColumn(LargestFilesModel::Size);
+    EXPECT_DOUBLE_EQ(lake.data(FileNodeModel::ShareRole).toDouble(), 0.18);
+
+    files().setFocus();
+    QTest::keyClicks(&files(), QStringLiteral("ol"));
+    EXPECT_EQ(files().currentIndex().data().toString(), QStringLiteral("old.png"));
+    QTest::keyClick(&files(), Qt::Key_Down);
+    QTest::keyClick(&files(), Qt::Key_Space);
+    EXPECT_TRUE(says("5 files, 7.20 MB, ticked: 1.50 KB")) << "notes.txt";
+    QTest::keyClick(&files(), Qt::Key_Space);
+    EXPECT_TRUE(says("5 files, 7.20 MB"));
+
+    const auto sort = [&](int column) { Q_EMIT files().header()->sectionClicked(column); };
+    const auto becomes = [&](const char* rows) {
+        return on.waitFor([&] { return list() == rows; });
+    };
+    sort(LargestFilesModel::Name);
+    EXPECT_TRUE(becomes(". lake.png . movie.mkv . notes.txt . old.png . Viewer.app "));
+    sort(LargestFilesModel::Name);
+    EXPECT_TRUE(becomes(". Viewer.app . old.png . notes.txt . movie.mkv . lake.png "));
+    sort(LargestFilesModel::Size);
+    EXPECT_TRUE(pick("kindBtn", "kindMenu", "Pictures"));
+    EXPECT_TRUE(becomes(". lake.png . old.png "));
+    EXPECT_TRUE(pick("ageBtn", "ageMenu", "Not changed for a year"));
+    EXPECT_TRUE(becomes(". old.png "));
+    EXPECT_TRUE(says("1 file, 600.00 KB"));
+    EXPECT_TRUE(pick("kindBtn", "kindMenu", "Music"));
+    EXPECT_TRUE(becomes(""));
+    EXPECT_EQ(on.textOf("listNote"), "No such files");
+    EXPECT_TRUE(pick("ageBtn", "ageMenu", "Any age") && pick("kindBtn", "kindMenu", "All kinds"));
+    EXPECT_TRUE(comes(5));
+}
+
+TEST_F(LargestList, SharesItsTicksWithTheTree) {
+    on.tick("photos");
+    show(1);
+    EXPECT_EQ(list(), ". movie.mkv x lake.png . Viewer.app x old.png . notes.txt ");
+    tick("lake.png");
+    tick("movie.mkv");
+    EXPECT_EQ(list(), "x movie.mkv . lake.png . Viewer.app x old.png . notes.txt ");
+    EXPECT_TRUE(says("5 files, 7.20 MB, ticked: 5.60 MB"));
+    EXPECT_TRUE(pick("kindBtn", "kindMenu", "Pictures"));
+    EXPECT_TRUE(says("2 files, 1.50 MB, ticked: 5.60 MB, of it not in this list: 5.00 MB"));
+    show(0);
+    EXPECT_EQ(on.textOf("tickedLabel"), "Ticked: 5.60 MB");
+    on.open("photos");
+    on.open("new");
+    EXPECT_EQ(on.list(),
+              "x movie.mkv 5.00 MB\n- photos 1.50 MB\n  . new 900.00 KB\n    . lake.png 900.00 "
+              "KB\n  x old.png 600.00 KB\n. Viewer.app 700.00 KB\n. notes.txt 1.50 KB\n");
+    // All that is listed, and nothing else.
+    on.control<SegmentedControl>("viewSwitch").segment(1)->click();
+    EXPECT_TRUE(comes(2));
+    on.click("selectListedButton");
+    EXPECT_TRUE(on.waitFor([&] { return list() == "x lake.png x old.png "; }));
+    EXPECT_TRUE(on.list().starts_with("x movie.mkv 5.00 MB\n- photos 1.50"));
+    EXPECT_TRUE(says("2 files, 1.50 MB, ticked: 6.50 MB, of it not in this list: 5.00 MB"));
+    on.click("selectListedButton");
+    EXPECT_TRUE(on.waitFor([&] { return list() == ". lake.png . old.png "; }));
+    EXPECT_TRUE(says("2 files, 1.50 MB, ticked: 5.00 MB, of it not in this list: 5.00 MB"));
+}
+
+TEST_F(LargestList, WhatGoesLeavesItAndWhatChangedStaysOnTheDisk) {
+    const QByteArray dataBefore = qgetenv("XDG_DATA_HOME");
+    qputenv("XDG_DATA_HOME", QByteArray::fromStdString(on.tree.at("data")));
+    show(1);
+    for (const char* const name : {"lake.png", "old.png", "movie.mkv"}) tick(name);
+    EXPECT_TRUE(on.chooseInMenu(files(), file("lake.png"), "Move to Trash"));
+    EXPECT_TRUE(comes(4));
+    EXPECT_TRUE(testing::isThere(on.tree.at("data/Trash/files/lake.png")));
+    EXPECT_TRUE(says("4 files, 6.30 MB, ticked: 5.60 MB"));
+    ASSERT_TRUE(on.tree.patch("f/movie.mkv", 0, "written since"));
+    EXPECT_TRUE(on.remove());
+    EXPECT_TRUE(comes(2));
+    EXPECT_EQ(list(), ". Viewer.app . notes.txt ");
+    EXPECT_TRUE(says("2 files, 701.50 KB"));
+    EXPECT_FALSE(testing::isThere(on.tree.at("f/photos/old.png")));
+    EXPECT_TRUE(testing::isThere(on.tree.at("f/photos"))) << "nobody ticked the folder";
+    EXPECT_TRUE(testing::isThere(on.tree.at("f/movie.mkv")));
+    EXPECT_EQ(on.textOf("failureLine"), "1 could not be removed; a new scan will show it again");
+    if (dataBefore.isNull()) qunsetenv("XDG_DATA_HOME");
+    else qputenv("XDG_DATA_HOME", dataBefore);
+}
+
+}  // namespace
+}  // namespace orrinvale
